@@ -1,0 +1,29 @@
+# Compiler settings that hold for every target.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo)
+endif()
+
+find_program(NV_CCACHE ccache)
+if(NV_CCACHE)
+  # Paths below the source folder are stored relative, so another clone hits the same cache.
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+      "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+      CCACHE_SLOPPINESS=pch_defines,time_macros "${NV_CCACHE}")
+endif()
+
+foreach(linker mold lld)
+  find_program(NV_LINKER_${linker} NAMES ld.${linker} ${linker})
+  if(NV_LINKER_${linker})
+    add_link_options(-fuse-ld=${linker})
+    break()
+  endif()
+endforeach()
+
+add_library(nv_warnings INTERFACE)
+target_compile_options(nv_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)

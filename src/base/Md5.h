@@ -1,0 +1,42 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/ByteView.h"
+
+namespace nv {
+
+/// MD5 over bytes that arrive in pieces. Hexadecimal results are lower-case, 32 digits.
+class Md5 {
+  public:
+    Md5();
+    ~Md5();
+    Md5(const Md5 &) = delete;
+    Md5 &operator=(const Md5 &) = delete;
+
+    void add(std::string_view bytes);
+    /// The digest so far; the object then starts anew.
+    std::string takeHex();
+
+  private:
+    struct Context;
+    std::unique_ptr<Context> m_context;
+};
+
+std::string md5Hex(std::string_view bytes);
+
+/// MD5 of a whole file, read once in blocks. `goOn` is asked after each block with the number of
+/// bytes read so far; false ends the reading and gives nothing. Throws FileFailure.
+std::optional<std::string> FileMD5(const std::filesystem::path &path,
+                                   const std::function<bool(std::uint64_t)> &goOn = {});
+
+/// MD5 of the URL's text in the ANSI code page, not case-folded: links and history rows are
+/// matched by this value.
+std::string hashOfUrl(std::string_view url);
+
+} // namespace nv

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "base/FailureLog.h"
+#include "base/Files.h"
+
+namespace nv {
+
+// The two traps. Outside of them, `catch` stands only in main() and in platform adapters.
+// A StorageFailure passes through both: it is no bad record but the end of the task.
+
+/// The procedure trap: runs `body`; a failure is logged once under `procedure`, and the result is
+/// `fallback`.
+template <class Result, class Body>
+Result trapped(FailureLog &log, Severity severity, std::string_view procedure,
+               std::string_view recommendation, Result fallback, Body &&body) {
+    try {
+        return std::forward<Body>(body)();
+    } catch (const StorageFailure &) {
+        throw;
+    } catch (const std::exception &failure) {
+        log.write({failure.what(), std::string(procedure), severity, std::string(recommendation)});
+        return fallback;
+    }
+}
+
+/// The record trap: one bad record is logged with procedure and offset, counted, and the walk goes
+/// on. After kLoggedRecords in a file the rest is only counted; the destructor logs their number.
+class RecordTrap {
+  public:
+    static constexpr std::uint64_t kLoggedRecords = 50;
+
+    RecordTrap(FailureLog &log, std::string_view procedure) : m_log(log), m_procedure(procedure) {}
+    ~RecordTrap();
+    RecordTrap(const RecordTrap &) = delete;
+    RecordTrap &operator=(const RecordTrap &) = delete;
+
+    /// True when `body` came through. `place` is the record's offset or row in its file.
+    template <class Body> bool run(std::uint64_t place, Body &&body) {
+        try {
+            std::forward<Body>(body)();
+            return true;
+        } catch (const StorageFailure &) {
+            throw;
+        } catch (const std::exception &failure) {
+            note(place, failure.what());
+            return false;
+        }
+    }
+
+    std::uint64_t failed() const { return m_failed; }
+
+  private:
+    void note(std::uint64_t place, std::string_view message);
+
+    FailureLog &m_log;
+    std::string m_procedure;
+    std::uint64_t m_failed = 0;
+};
+
+} // namespace nv

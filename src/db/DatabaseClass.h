@@ -1,0 +1,43 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "base/Clock.h"
+#include "base/FailureLog.h"
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+/// The project file: one SQLite database with the documented tables, columns and stored queries.
+class DatabaseClass {
+  public:
+    DatabaseClass(FailureLog &log, const Clock &clock);
+    ~DatabaseClass();
+    DatabaseClass(const DatabaseClass &) = delete;
+    DatabaseClass &operator=(const DatabaseClass &) = delete;
+
+    std::filesystem::path FilePath;
+    std::filesystem::path TemplatesDBFilePath;
+
+    /// Makes the file at FilePath with the whole schema, and leaves it open. False on a failure,
+    /// which is logged; what was written stays on disk.
+    bool CreateDatabaseProject();
+    /// Opens the file at FilePath. Throws StorageFailure, saying what is wrong with the file.
+    void open();
+    /// Commits, brings the file into its one-file form and closes it. Does nothing when closed.
+    void CloseDB();
+    bool isOpen() const;
+    /// The one connection; only while open.
+    SQLite::Database &connection();
+
+  private:
+    FailureLog &m_log;
+    const Clock &m_clock;
+    std::unique_ptr<SQLite::Database> m_database;
+};
+
+} // namespace nv

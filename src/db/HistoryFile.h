@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "db/Ids.h"
+
+namespace nv {
+
+/// The number that selects a reader. Projects and scripts of examiners know these numbers.
+enum class HistoryFileType : std::int16_t {
+    none = 0,
+    ieHistory = 1,
+    ieDaily = 2,
+    ieWeekly = 3,
+    ieCache = 4,
+    ieCookies = 5,
+    ieIndexByCommandLine = 6,
+    morkHistory = 7,
+    firefoxCache = 8,
+    macIECache = 10,
+    netAnalysis = 12,
+    norvelaneNVD = 13,
+    importedBinary = 13, ///< what a recovered-record reader calls the same number
+    csv = 15,
+    operaCache = 16,
+    operaHistory = 17,
+    safariCache = 18,
+    safariHistory = 19,
+    chromeCache = 20,
+    chromeHistory = 21,
+    firefox3History = 22,
+    firefoxCacheByName = 23,
+    histEx = 24,
+    simpleHTML = 25,
+    histExIndex = 26,
+    operaCookies = 27,
+    safariCookies = 28,
+    firefoxCookies = 29,
+    chromeCookies = 30,
+};
+
+/// One artefact file of an import; a row of `SourceFiles` once LogFile has registered it.
+struct HistoryFile {
+    SourceFileId SourceFile_ID = SourceFileId::none;
+    std::string FileName;
+    std::string fileExt; ///< lower-case, without the point
+    std::uint64_t FileSize = 0;
+    std::string FileParentPath; ///< the folder that holds the file, without a closing separator
+    std::filesystem::path FullPath;
+    std::string MD5Hash; ///< of the whole file, lower-case hexadecimal
+    nv::HistoryFileType HistoryFileType = nv::HistoryFileType::none;
+    std::string Version;
+    std::string ColumnDelimiter;
+};
+
+} // namespace nv

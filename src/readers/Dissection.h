@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+// Every reader passes its raw text through these. None of them fails: bad text gives an empty
+// result.
+
+/// The URL part of a raw text: from "https:", "http:", behind ":host: ", from "file:", from "res:",
+/// or behind the first "@", whichever is met first in this order; otherwise the text whole.
+std::string ParseURLFromRawURL(std::string_view raw);
+
+/// The user part of a raw text such as "Visited: user@http://host/", or empty.
+std::string ParseUserFromURL(std::string_view raw);
+
+/// The word before ":", such as "http"; empty when it is longer than 8 characters.
+std::string GetURLProtocol(std::string_view url);
+
+/// The host name of a URL, without user, port and path; empty when there is none.
+std::string ParseHost(std::string_view url);
+
+/// What follows the first "?" when that is not the last character of the URL.
+std::string parametersOf(std::string_view url);
+
+} // namespace nv

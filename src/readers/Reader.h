@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "base/ByteView.h"
+#include "base/Clock.h"
+#include "base/FailureLog.h"
+#include "base/TaskMonitor.h"
+#include "db/HistoryFile.h"
+#include "db/URLClass.h"
+#include "readers/Evidence.h"
+
+namespace nv {
+
+/// Where a reader's records go, one at a time, in the order of the file.
+class RecordSink {
+  public:
+    virtual ~RecordSink() = default;
+    /// Saves the record: its URLID stands in it afterwards, and its category and links are stored.
+    virtual void save(URLClass &record) = 0;
+};
+
+/// Facts of a cached file's bytes, gathered in one reading and kept for the file in hand.
+class ContentProbe;
+
+/// How the reading of one artefact ended.
+enum class ReadState {
+    complete,
+    cancelled,
+    cutShort, ///< damage ended the reading: `reason` says where, `notReached` how much
+    failed,   ///< nothing could be read at all: `reason` says why
+};
+
+struct ReadResult {
+    ReadState state = ReadState::complete;
+    std::string reason;
+    std::uint64_t notReached = 0; ///< entries behind the damage
+    /// Records that are there and that the reader's rules pass over, by reason.
+    std::map<std::string, std::uint64_t> passedOver;
+};
+
+/// All that a reader gets. It asks nobody, knows no database, and writes only below `scratch`.
+struct ReadContext {
+    HistoryFile &file; ///< the reader may refine its type and version
+    const Evidence &evidence;
+    ContentProbe &content;
+    const Clock &clock;
+    std::filesystem::path scratch; ///< an existing folder of the program's own
+    RecordSink &sink;
+    FailureLog &log;
+    TaskMonitor &task;
+    bool deleted = false; ///< the file comes from deleted space
+};
+
+/// What recognition knows of a file, all texts lower-case, separators of the path "/".
+struct Candidate {
+    std::filesystem::path file;
+    std::string name;
+    std::string path;
+    std::string extension;
+    ByteView head; ///< the first limits::kHeadBytes; empty when contents aren't verified
+    bool verifySignatures = true;
+};
+
+/// One format. The table in Registry.cpp is the list of them, in order of trial.
+struct Reader {
+    HistoryFileType type;
+    std::string_view key;     ///< "ie-index": tests, documents and the command line use it
+    std::string_view kind;    ///< what the wizard's list calls it
+    std::string_view version; ///< goes to HistoryFile::Version
+    std::string_view option;  ///< the wizard's check box that turns it on
+    std::string_view mask;    ///< file masks, separated by ";"
+    bool (*recognises)(const Candidate &);
+    /// Null while the format is listed but not read yet.
+    ReadResult (*read)(ReadContext &);
+};
+
+} // namespace nv

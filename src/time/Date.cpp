@@ -1,0 +1,78 @@
+#include "time/Date.h"
+
+#include <cmath>
+
+namespace nv {
+
+namespace {
+
+constexpr double kFirstDay = -657434; // 0100-01-01
+constexpr double kEndDay = 2958466;   // 10000-01-01
+constexpr double kSecondsPerDay = 86400;
+constexpr std::int64_t kUnixEpochDay = 25569;
+
+} // namespace
+
+Date Date::fromDays(double days) {
+    Date date;
+    if (days >= kFirstDay && days < kEndDay)
+        date.m_days = days;
+    return date;
+}
+
+Date Date::fromCivil(const CivilTime &civil) {
+    namespace c = std::chrono;
+    const c::year_month_day day{c::year(civil.year), c::month(static_cast<unsigned>(civil.month)),
+                                c::day(static_cast<unsigned>(civil.day))};
+    const bool clock = civil.hour >= 0 && civil.hour < 24 && civil.minute >= 0 &&
+                       civil.minute < 60 && civil.second >= 0 && civil.second < 60;
+    if (!day.ok() || !clock)
+        return {};
+    const std::int64_t seconds = civil.hour * 3600 + civil.minute * 60 + civil.second;
+    return fromUnixSeconds(c::sys_days(day).time_since_epoch().count() * std::int64_t{86400} +
+                           seconds);
+}
+
+Date Date::fromUnixSeconds(std::int64_t seconds) {
+    return fromDays(kUnixEpoch + static_cast<double>(seconds) / kSecondsPerDay);
+}
+
+Date Date::fromTimePoint(std::chrono::system_clock::time_point point) {
+    return fromUnixSeconds(std::chrono::floor<std::chrono::seconds>(point.time_since_epoch()).count());
+}
+
+std::int64_t Date::unixSeconds() const {
+    return std::llround((m_days - kUnixEpoch) * kSecondsPerDay);
+}
+
+CivilTime Date::civil() const {
+    namespace c = std::chrono;
+    const c::sys_seconds instant{c::seconds(unixSeconds())};
+    const c::sys_days midnightOfDay = c::floor<c::days>(instant);
+    const c::year_month_day day{midnightOfDay};
+    const c::hh_mm_ss clock{instant - midnightOfDay};
+    return {int(day.year()),
+            static_cast<int>(unsigned(day.month())),
+            static_cast<int>(unsigned(day.day())),
+            static_cast<int>(clock.hours().count()),
+            static_cast<int>(clock.minutes().count()),
+            static_cast<int>(clock.seconds().count())};
+}
+
+int Date::weekday() const {
+    const auto day = static_cast<std::int64_t>(std::floor(m_days)) - kUnixEpochDay;
+    const std::chrono::weekday weekday{std::chrono::sys_days{std::chrono::days{day}}};
+    return static_cast<int>(weekday.c_encoding()) + 1;
+}
+
+Date Date::plusDays(double days) const { return has() ? fromDays(m_days + days) : Date(); }
+
+Date Date::plusMinutes(std::int64_t minutes) const { return plusSeconds(minutes * 60); }
+
+Date Date::plusSeconds(std::int64_t seconds) const {
+    return has() ? fromDays(m_days + static_cast<double>(seconds) / kSecondsPerDay) : Date();
+}
+
+Date Date::midnight() const { return has() ? fromDays(std::floor(m_days)) : Date(); }
+
+} // namespace nv

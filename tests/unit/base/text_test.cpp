@@ -1,0 +1,87 @@
+#include "base/Text.h"
+
+#include <gtest/gtest.h>
+
+namespace nv {
+namespace {
+
+TEST(Ansi, everyByteSurvivesTheWayThereAndBack) {
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte)
+        all.push_back(static_cast<char>(byte));
+    EXPECT_EQ(toAnsi(fromAnsi(all)), all);
+    EXPECT_TRUE(isUtf8(fromAnsi(all)));
+}
+
+TEST(Ansi, aCharacterOutsideOfTheCodePageBecomesAQuestionMark) {
+    EXPECT_EQ(toAnsi("a\u20ac\u4e2d\U0001F600z"), "a\x80??z");
+}
+
+TEST(Utf8, refusesOverlongSurrogateAndCutForms) {
+    EXPECT_TRUE(isUtf8("\u00e9\u4e2d\U0001F600"));
+    EXPECT_FALSE(isUtf8("\xC0\x80"));
+    EXPECT_FALSE(isUtf8("\xED\xA0\x80"));
+    EXPECT_FALSE(isUtf8("\xE4\xB8"));
+    EXPECT_FALSE(isUtf8("\xF5\x80\x80\x80"));
+}
+
+TEST(PercentDecode, takesUtf8RunsAndOtherwiseTheAnsiCodePage) {
+    EXPECT_EQ(percentDecode("a%20b%C3%A9"), "a b\u00e9");
+    EXPECT_EQ(percentDecode("caf%E9"), "caf\u00e9");
+}
+
+TEST(PercentDecode, leavesZeroControlAndMalformedEscapes) {
+    EXPECT_EQ(percentDecode("a%00b%0Ac%0D%7F"), "a%00b%0Ac%0D%7F");
+    EXPECT_EQ(percentDecode("100%"), "100%");
+    EXPECT_EQ(percentDecode("%4"), "%4");
+    EXPECT_EQ(percentDecode("%zz%41"), "%zzA");
+}
+
+TEST(GetFileExtension, followsTheWindowOfSevenCharacters) {
+    EXPECT_EQ(GetFileExtension("a.jpg"), ""); // five characters have none
+    EXPECT_EQ(GetFileExtension("ab.JPG"), "jpg");
+    EXPECT_EQ(GetFileExtension("http://host/a.html"), "html");
+    EXPECT_EQ(GetFileExtension("http://host/a.jpg?x=1"), "");
+    EXPECT_EQ(GetFileExtension("name.abcdefg"), "");
+    EXPECT_EQ(GetFileExtension("name.abcdef"), "abcdef");
+    EXPECT_EQ(GetFileExtension(".bashrc"), "");
+    EXPECT_EQ(GetFileExtension("folder/.x"), "x");
+    EXPECT_EQ(GetFileExtension("longname."), "");
+    EXPECT_EQ(GetFileExtension("\u00e9.jpg"), ""); // five characters, six bytes
+}
+
+TEST(GetFilenameFromPath, takesWhatStandsBehindTheLastSlashOfEitherKind) {
+    EXPECT_EQ(GetFilenameFromPath("C:\\a\\b.txt"), "b.txt");
+    EXPECT_EQ(GetFilenameFromPath("/a/b.txt"), "b.txt");
+    EXPECT_EQ(GetFilenameFromPath("b.txt"), "b.txt");
+    EXPECT_EQ(GetFilenameFromPath("a/"), "");
+}
+
+TEST(Chars, countsCodePointsAndCutsBetweenThem) {
+    EXPECT_EQ(charCount("a\u00e9\u4e2d"), 3u);
+    EXPECT_EQ(charSub("a\u00e9\u4e2dz", 1, 2), "\u00e9\u4e2d");
+    EXPECT_EQ(charSub("abc", 5), "");
+}
+
+TEST(BytesToString, hasAFormForALengthAndOneForTheRest) {
+    const std::string bytes("ab\0cd", 5);
+    EXPECT_EQ(BytesToString(viewOf(bytes), 0, 0, true), "ab");
+    EXPECT_EQ(BytesToString(viewOf(bytes), 0, 0, false, true), "ab cd");
+    EXPECT_EQ(BytesToString(viewOf(bytes), 3, 2, false), "cd");
+    EXPECT_EQ(BytesToString(viewOf(bytes), 0, 5, false, true), bytes); // blank only without length
+    EXPECT_THROW(BytesToString(viewOf(bytes), 3, 3, false), OutOfBytes);
+}
+
+TEST(BytesToHex, writesFileOrderInUpperCase) {
+    EXPECT_EQ(BytesToHex(viewOf("\x0D\xF0\xAD\x0B"), 0, 4), "0DF0AD0B");
+    EXPECT_EQ(BytesToHex(viewOf(std::string_view("\x01\0\x02", 3)), 0, 3, true), "01");
+}
+
+TEST(FindNoCase, findsAsciiInEitherCase) {
+    EXPECT_EQ(findNoCase("xxHtTp:", "http:"), 2u);
+    EXPECT_EQ(findNoCase("abc", "d"), std::string_view::npos);
+    EXPECT_EQ(findNoCase("abc", "a", 9), std::string_view::npos);
+}
+
+} // namespace
+} // namespace nv
