@@ -1,8 +1,8 @@
 #include "base/ByteView.h"
 
-#include <algorithm>
-
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace nv {
 
@@ -19,7 +19,9 @@ const std::uint8_t *ByteView::need(std::uint64_t at, std::uint64_t count) const 
     return m_bytes.data() + at;
 }
 
-std::uint8_t ByteView::u8(std::uint64_t at) const { return *need(at, 1); }
+std::uint8_t ByteView::u8(std::uint64_t at) const {
+    return *need(at, 1);
+}
 
 std::uint16_t ByteView::u16le(std::uint64_t at) const {
     const std::uint8_t *p = need(at, 2);
@@ -32,7 +34,9 @@ std::uint32_t ByteView::u32le(std::uint64_t at) const {
            std::uint32_t{p[3]} << 24;
 }
 
-std::int32_t ByteView::i32le(std::uint64_t at) const { return static_cast<std::int32_t>(u32le(at)); }
+std::int32_t ByteView::i32le(std::uint64_t at) const {
+    return static_cast<std::int32_t>(u32le(at));
+}
 
 std::uint32_t ByteView::u32be(std::uint64_t at) const {
     const std::uint8_t *p = need(at, 4);

@@ -1,15 +1,15 @@
 #include "base/Files.h"
 
+#include "base/Text.h"
+
+#include <fmt/format.h>
+
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
 #include <unistd.h>
-
-#include <fmt/format.h>
-
-#include "base/Text.h"
 
 namespace nv {
 
@@ -81,7 +81,9 @@ Bytes readHead(const std::filesystem::path &path, std::size_t count) {
     return readUpTo(path, count);
 }
 
-Bytes readWhole(const std::filesystem::path &path) { return readUpTo(path, UINT64_MAX); }
+Bytes readWhole(const std::filesystem::path &path) {
+    return readUpTo(path, UINT64_MAX);
+}
 
 bool readInBlocks(
     const std::filesystem::path &path,
@@ -111,6 +113,8 @@ void writeWhole(const std::filesystem::path &path, std::string_view bytes) {
     File(path, O_WRONLY | O_CREAT | O_TRUNC, 0600).writeAll(bytes);
 }
 
-std::string textOf(const std::filesystem::path &path) { return decodeText(path.native()); }
+std::string textOf(const std::filesystem::path &path) {
+    return decodeText(path.native());
+}
 
 } // namespace nv

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "base/ByteView.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-
-#include "base/ByteView.h"
 
 namespace nv {
 

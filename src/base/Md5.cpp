@@ -1,12 +1,12 @@
 #include "base/Md5.h"
 
-#include <array>
-#include <stdexcept>
+#include "base/Files.h"
+#include "base/Text.h"
 
 #include <openssl/evp.h>
 
-#include "base/Files.h"
-#include "base/Text.h"
+#include <array>
+#include <stdexcept>
 
 namespace nv {
 
@@ -39,7 +39,9 @@ struct Md5::Context {
     void start() { EVP_DigestInit_ex2(evp.get(), algorithm(), nullptr); }
 };
 
-Md5::Md5() : m_context(std::make_unique<Context>()) { m_context->start(); }
+Md5::Md5() : m_context(std::make_unique<Context>()) {
+    m_context->start();
+}
 Md5::~Md5() = default;
 
 void Md5::add(std::string_view bytes) {
@@ -70,6 +72,8 @@ std::optional<std::string> FileMD5(const std::filesystem::path &path,
     return whole ? std::optional(hash.takeHex()) : std::nullopt;
 }
 
-std::string hashOfUrl(std::string_view url) { return md5Hex(toAnsi(url)); }
+std::string hashOfUrl(std::string_view url) {
+    return md5Hex(toAnsi(url));
+}
 
 } // namespace nv

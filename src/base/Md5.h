@@ -1,13 +1,13 @@
 #pragma once
 
+#include "base/ByteView.h"
+
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "base/ByteView.h"
 
 namespace nv {
 

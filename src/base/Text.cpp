@@ -6,9 +6,15 @@ namespace nv {
 
 namespace {
 
-constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-constexpr char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
-constexpr bool sameLetter(char a, char b) { return lower(a) == lower(b); }
+constexpr char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+constexpr char upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+}
+constexpr bool sameLetter(char a, char b) {
+    return lower(a) == lower(b);
+}
 constexpr bool isLetterOrDigit(char c) {
     return (c >= '0' && c <= '9') || (lower(c) >= 'a' && lower(c) <= 'z');
 }
@@ -96,8 +102,8 @@ std::string GetFileExtension(std::string_view path) {
     if (dot == std::string_view::npos || leadsThePath)
         return {};
     const std::string_view extension = tail.substr(dot + 1);
-    const bool clean = !extension.empty() &&
-                       std::all_of(extension.begin(), extension.end(), isLetterOrDigit);
+    const bool clean =
+        !extension.empty() && std::all_of(extension.begin(), extension.end(), isLetterOrDigit);
     return clean ? toLower(extension) : std::string();
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "base/ByteView.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "base/ByteView.h"
 
 namespace nv {
 

@@ -1,8 +1,8 @@
+#include "base/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
-
-#include "base/Text.h"
 
 namespace nv {
 
@@ -107,7 +107,9 @@ std::string fromAnsi(std::string_view bytes) {
     return out;
 }
 
-std::string fromAnsi(ByteView bytes) { return fromAnsi(bytes.raw()); }
+std::string fromAnsi(ByteView bytes) {
+    return fromAnsi(bytes.raw());
+}
 
 std::string toAnsi(std::string_view text) {
     if (isAscii(text))

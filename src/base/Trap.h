@@ -1,13 +1,13 @@
 #pragma once
 
+#include "base/FailureLog.h"
+#include "base/Files.h"
+
 #include <cstdint>
 #include <exception>
 #include <string>
 #include <string_view>
 #include <utility>
-
-#include "base/FailureLog.h"
-#include "base/Files.h"
 
 namespace nv {
 
@@ -41,7 +41,8 @@ class RecordTrap {
     RecordTrap &operator=(const RecordTrap &) = delete;
 
     /// True when `body` came through. `place` is the record's offset or row in its file.
-    template <class Body> bool run(std::uint64_t place, Body &&body) {
+    template <class Body>
+    bool run(std::uint64_t place, Body &&body) {
         try {
             std::forward<Body>(body)();
             return true;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <filesystem>
-#include <memory>
-
 #include "base/Clock.h"
 #include "base/FailureLog.h"
+
+#include <filesystem>
+#include <memory>
 
 namespace SQLite {
 class Database;

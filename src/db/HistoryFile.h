@@ -1,10 +1,10 @@
 #pragma once
 
+#include "db/Ids.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <string>
-
-#include "db/Ids.h"
 
 namespace nv {
 

@@ -8,7 +8,11 @@ namespace nv {
 enum class UrlId : std::int64_t { none = 0 };
 enum class SourceFileId : std::int64_t { none = 0 };
 
-constexpr std::int64_t number(UrlId id) { return static_cast<std::int64_t>(id); }
-constexpr std::int64_t number(SourceFileId id) { return static_cast<std::int64_t>(id); }
+constexpr std::int64_t number(UrlId id) {
+    return static_cast<std::int64_t>(id);
+}
+constexpr std::int64_t number(SourceFileId id) {
+    return static_cast<std::int64_t>(id);
+}
 
 } // namespace nv

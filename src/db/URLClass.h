@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <filesystem>
-#include <string>
-
 #include "base/ByteView.h"
 #include "db/Ids.h"
 #include "time/Date.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
 
 namespace nv {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/ByteView.h"
+
 #include <filesystem>
 #include <string>
-
-#include "base/ByteView.h"
 
 namespace nv {
 

@@ -1,11 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <filesystem>
-#include <map>
-#include <string>
-#include <string_view>
-
 #include "base/ByteView.h"
 #include "base/Clock.h"
 #include "base/FailureLog.h"
@@ -13,6 +7,12 @@
 #include "db/HistoryFile.h"
 #include "db/URLClass.h"
 #include "readers/Evidence.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
 
 namespace nv {
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <deque>
-#include <string>
-#include <vector>
-
 #include "base/Clock.h"
 #include "base/Examiner.h"
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
 #include "readers/Reader.h"
+
+#include <deque>
+#include <string>
+#include <vector>
 
 namespace nv::test {
 

@@ -1,9 +1,8 @@
+#include "base/Files.h"
 #include "base/Md5.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
-
-#include "base/Files.h"
-#include "support/TempFolder.h"
 
 namespace nv {
 namespace {

@@ -1,9 +1,8 @@
+#include "base/ByteView.h"
 #include "base/Trap.h"
+#include "support/TestDoubles.h"
 
 #include <gtest/gtest.h>
-
-#include "base/ByteView.h"
-#include "support/TestDoubles.h"
 
 namespace nv {
 namespace {

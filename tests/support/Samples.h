@@ -1,0 +1,12 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+namespace nv::test {
+
+/// The folder of real artefacts with expected facts: the environment's NV_SAMPLES, otherwise
+/// "shared/samples" beside the source folder. Nothing where it is absent: such tests skip.
+std::optional<std::filesystem::path> samplesFolder();
+
+} // namespace nv::test
