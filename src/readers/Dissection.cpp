@@ -1,0 +1,95 @@
+#include "readers/Dissection.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace nv {
+
+namespace {
+
+/// A mark that a URL is found by, in the order in which marks are tried.
+struct UrlMark {
+    std::string_view text;
+    enum class Begins { at, behind } begins;
+};
+
+constexpr std::array<UrlMark, 6> kUrlMarks = {{{"https:", UrlMark::Begins::at},
+                                               {"http:", UrlMark::Begins::at},
+                                               {":host: ", UrlMark::Begins::behind},
+                                               {"file:", UrlMark::Begins::at},
+                                               {"res:", UrlMark::Begins::at},
+                                               {"@", UrlMark::Begins::behind}}};
+
+constexpr std::size_t kShortestRawTextWithUser = 15;
+constexpr std::size_t kLongestUserOfDateRange = 30;
+constexpr std::size_t kLongestProtocol = 8;
+
+// 0-based characters at which the user begins behind each prefix of an index.
+constexpr std::size_t kBehindVisited = 9;    // "Visited: "
+constexpr std::size_t kBehindCookie = 7;     // "Cookie:"
+constexpr std::size_t kBehindDateRange = 19; // ":2009010120090108: "
+
+} // namespace
+
+std::string ParseURLFromRawURL(std::string_view raw) {
+    for (const UrlMark &mark : kUrlMarks) {
+        const std::size_t at = findNoCase(raw, mark.text);
+        if (at == std::string_view::npos)
+            continue;
+        if (mark.begins == UrlMark::Begins::at)
+            return std::string(raw.substr(at));
+        if (at + mark.text.size() < raw.size())
+            return std::string(raw.substr(at + mark.text.size()));
+    }
+    return std::string(raw);
+}
+
+std::string ParseUserFromURL(std::string_view raw) {
+    const std::string_view text = trim(raw);
+    const std::size_t at = text.find('@');
+    if (at == std::string_view::npos || charCount(text) < kShortestRawTextWithUser)
+        return {};
+    const std::string_view before = text.substr(0, at);
+    if (containsNoCase(before, "visited:"))
+        return std::string(charSub(before, kBehindVisited));
+    if (containsNoCase(before, "cookie:"))
+        return std::string(charSub(before, kBehindCookie));
+    if (!before.starts_with(':'))
+        return std::string(before);
+    const std::string_view user = charSub(before, kBehindDateRange);
+    return charCount(user) > kLongestUserOfDateRange ? std::string() : std::string(user);
+}
+
+std::string GetURLProtocol(std::string_view url) {
+    constexpr std::size_t kEarliest = 3; // a mark before it is a drive letter's or stands alone
+    const std::size_t mark = url.find(":/");
+    const bool usable = mark != std::string_view::npos && mark >= kEarliest;
+    const std::size_t end = usable ? mark : url.find(':');
+    if (end == std::string_view::npos)
+        return {};
+    std::string_view word = url.substr(0, end);
+    if (const std::size_t user = word.find('@'); usable && user != std::string_view::npos)
+        word.remove_prefix(user + 1);
+    return charCount(word) > kLongestProtocol ? std::string() : std::string(word);
+}
+
+std::string ParseHost(std::string_view url) {
+    const std::size_t mark = url.find("://");
+    if (mark == std::string_view::npos)
+        return {};
+    std::string_view host = url.substr(mark + 3);
+    host = host.substr(0, host.find_first_of("/\\?#"));
+    if (const std::size_t user = host.rfind('@'); user != std::string_view::npos)
+        host.remove_prefix(user + 1);
+    const std::size_t end = host.starts_with('[') ? host.find(']') + 1 : host.find(':');
+    return std::string(host.substr(0, end));
+}
+
+std::string parametersOf(std::string_view url) {
+    const std::size_t mark = url.find('?');
+    return mark == std::string_view::npos ? std::string() : std::string(url.substr(mark + 1));
+}
+
+} // namespace nv

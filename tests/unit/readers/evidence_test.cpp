@@ -1,0 +1,49 @@
+#include "readers/Evidence.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace nv {
+namespace {
+
+TEST(Evidence, splitsAPathAtTheBaseFolder) {
+    const Evidence evidence("/case/evidence");
+    EXPECT_EQ(evidence.rootOf("/case/evidence/a/b"), "/case/evidence/");
+    EXPECT_EQ(evidence.relativeOf("/case/evidence/a/b"), "a/b");
+    EXPECT_EQ(evidence.rootOf("/case/evidence2/a"), "/");
+    EXPECT_EQ(evidence.relativeOf("/case/evidence2/a"), "case/evidence2/a");
+    EXPECT_EQ(Evidence("").rootOf("/x/y"), "/");
+}
+
+TEST(Evidence, findsFilesOfAWindowsIndexWithoutRegardToCase) {
+    const test::TempFolder folder;
+    const auto file = folder.write("Content.IE5/AB12CD34/page[1].htm", "x");
+    const Evidence evidence(folder.path());
+    EXPECT_EQ(evidence.find(folder.path() / "Content.IE5", "ab12cd34\\PAGE[1].HTM"), file);
+    EXPECT_EQ(evidence.find(folder.path() / "Content.IE5", "ab12cd34\\other.htm"), std::nullopt);
+    EXPECT_EQ(evidence.find(folder.path() / "Content.IE5", "ab12cd34"), std::nullopt);
+}
+
+TEST(Evidence, prefersTheExactNameAmongSeveral) {
+    const test::TempFolder folder;
+    const auto lower = folder.write("a.txt", "1");
+    const auto upper = folder.write("A.TXT", "2");
+    const Evidence evidence(folder.path());
+    EXPECT_EQ(evidence.find(folder.path(), "a.txt"), lower);
+    EXPECT_EQ(evidence.find(folder.path(), "A.TXT"), upper);
+}
+
+TEST(Evidence, isNotLedOutOfTheFolder) {
+    const test::TempFolder outside;
+    outside.write("secret.txt", "x");
+    const test::TempFolder folder;
+    folder.write("inner/a.txt", "x");
+    std::filesystem::create_symlink(outside.path() / "secret.txt", folder.path() / "link.txt");
+    const Evidence evidence(folder.path());
+    EXPECT_EQ(evidence.find(folder.path() / "inner", "..\\inner\\a.txt"), std::nullopt);
+    EXPECT_EQ(evidence.find(folder.path(), "link.txt"), std::nullopt);
+    EXPECT_EQ(evidence.find(folder.path(), ""), std::nullopt);
+}
+
+} // namespace
+} // namespace nv
