@@ -1,0 +1,92 @@
+#include "db/SchemaColumns.h"
+
+// Table `URLs`: one row per URL record.
+namespace nv::schema {
+
+namespace {
+
+using enum ColumnType;
+
+constexpr Column kUrls[] = {
+    {"URL_ID", Long, 0, true, "URN", "Unique record ID"},
+    {"SourceFile_ID", Long, 0, false, "File ID", "Related to parent table Processed Files"},
+    {"Reference_ID", Long, 0, false, "Reference ID", "Corresponds to the 'entry_id' or 'id' field in SQLite DB tables for Safari and Firefox3"},
+    {"Action", Memo, 30, false, "", "Example: Visited, Typed, Bookmarked, Sent, Received, Redirected"},
+    {"ActionDateUTC", Date, 0, false, "Action Date GMT", "Date URL was last visited"},
+    {"ActionDateLocal", Date, 0, false, "Action Date Local", "Date URL was last visited (local time)"},
+    {"CacheFolderName", Text, 50, false, "Cache Folder", "(50) The cache sub-folder name"},
+    {"CacheRootPath", Memo, 0, false, "", "F:\\....\\Content.IE5"},
+    {"CacheType", Text, 50, false, "Cache Type", "(50) The type of cache file file (eg: MOZCache, IECache)"},
+    {"CacheFileCreated", Date, 0, false, "File Created", "Date the cache file was created"},
+    {"CacheFileExt", Text, 10, false, "Cache File Ext", "(10)"},
+    {"CacheFileExists", YesNo, 0, false, "Exists", "Indicates if the local file exists in the cache"},
+    {"CacheFileLastAccessed", Date, 0, false, "File Last Accessed", "Date the cache file was last accessed in GMT DOS time"},
+    {"CacheFileName", Memo, 0, false, "", "The cached local file name"},
+    {"CacheFileNameDecoded", Memo, 0, false, "", "The URL decoded cached local file name"},
+    {"CacheFileRebuilt", YesNo, 0, false, "Rebuilt", "Indicates if file has been rebuilt"},
+    {"CacheFileRebuiltBLOB", Binary, 0, false, "", "(Deprecated)"},
+    {"CacheFileRelativePath", Memo, 0, false, "", "This is the cache file path without the drive letter"},
+    {"CacheFileSize", Long, 0, false, "File Size", "Size of file in bytes"},
+    {"Category", Text, 30, false, "Category", "(30) File type category (eg: Pictures, Movies)"},
+    {"DataBlockFile", Text, 40, false, "Date Block File", "(applies to Firefox/Chrome cache only)"},
+    {"DataBlockFileOffset", Double, 0, false, "File Offset", "Offset in bytes from start of the data block file (offset 0 for IE cache files)"},
+    {"ExpiryDate", Date, 0, false, "Expiry Date", "Mostly used by Cookies and Cache"},
+    {"GZipEncoded", YesNo, 0, false, "GZip Encoded", "Indicates if the BLOB data is a GNU Zip formatted blob"},
+    {"HashedURL", Text, 40, false, "", "(40) Hashed value for URL"},
+    {"HistoryVersion", Text, 50, false, "History Version", "(50) The Index.dat file version"},
+    {"HistoryFilePath", Memo, 0, false, "Source History File", "The full path to the INDEX file"},
+    {"Host", Text, 255, false, "Host", "(255) The host name eg: myname.com"},
+    {"Hidden", YesNo, 0, false, "Hidden", "field is supported only by Firefox 3"},
+    {"HTMLBody", Memo, 0, false, "", "The web page contents in between BODY tags"},
+    {"MetaData", Memo, 0, false, "HTTP MetaData", "The HTTP Response information"},
+    {"IngredientIDs", Memo, 0, false, "", "Contains all of the ingredient IDs for the rebuilt web page"},
+    {"IsBookmark", YesNo, 0, false, "IsBookmark", "Indicates that the URL is simply a Bookmark"},
+    {"IsCookie", YesNo, 0, false, "IsCookie", "Indicates that the URL is simply a Cookie"},
+    {"IsHistory", YesNo, 0, false, "IsHistory", "Indicates that the URL is simply a WebPageLink"},
+    {"IsJavascript", YesNo, 0, false, "IsJavascript", "Indicates if file contains javascript"},
+    {"IsWebPage", YesNo, 0, false, "IsWebPage", "Indicates if file contains valid HTML tags"},
+    {"IsPicture", YesNo, 0, false, "IsPicture", "Indicates if file is a picture"},
+    {"LastVisited", Date, 0, false, "Last Visited", "* No longer supported. For backwards compatibility only."},
+    {"Links", Memo, 0, false, "", "Contains a list of all links found in web page"},
+    {"MapFileOffset", Double, 0, false, "File Offset", "Offset in bytes from start of the INDEX/MAP file"},
+    {"MIMEType", Text, 50, false, "MIME Type", "(50) e.g., text/html, image/jpeg"},
+    {"Notes", Memo, 0, false, "Notes", "Miscellaneous comments made by the examiner"},
+    {"NotesDateTime", Date, 0, false, "Notes Time", "Date the notes were last updated"},
+    {"RebuiltDateTime", Text, 30, false, "Rebuilt Time", "(30) Date the web page was rebuilt using Norvelane"},
+    {"RebuiltFilePath", Memo, 0, false, "Rebuilt File Path", "Path to file that contains rebuilt source code"},
+    {"RebuiltMethod", Text, 15, false, "Rebuilt Method", "(15) Cache or Template"},
+    {"RebuiltSourceCode", Memo, 0, false, "", "Contains code for rebuilt web page"},
+    {"Referrer", Memo, 0, false, "Referrer", "Originating URL"},
+    {"RootPath", Memo, 0, false, "", "This is the base root folder (eg: drive letter)"},
+    {"OtherDate", Date, 0, false, "Date Other", "Varies according to the INDEX type"},
+    {"OtherDateMeaning", Text, 50, false, "Date Other Meaning", "(50) Explains the context of the date"},
+    {"Status", Text, 50, false, "", "(50) The (Opera) page load status (loaded, loading aborted, loading failed, incomplete, orphaned)"},
+    {"Tagged", YesNo, 0, false, "Tagged", "Determines if the record has been selected for a process"},
+    {"PictureWidth", Long, 0, false, "Picture Width", ""},
+    {"PictureHeight", Long, 0, false, "Picture Height", ""},
+    {"PARDValue", Long, 0, false, "PIAR Value", "Photographic Image Aspect Ratio Theory"},
+    {"ThumbnailBLOB", Binary, 0, false, "", "Thumbnail image of URL"},
+    {"ThumbnailMD5Hash", Text, 50, false, "", "MD5 hash of thumbnail"},
+    {"ThumbnailWidth", Long, 0, false, "", "Width of thumbnail in pixels"},
+    {"ThumbnailHeight", Long, 0, false, "", "Height of thumbnail in pixels"},
+    {"ThumbnailCreated", Date, 0, false, "", "The last time this thumbail was created"},
+    {"ThumbnailDirty", YesNo, 0, false, "", "Indicates if the thumbnail is outdated"},
+    {"ThumbnailFormat", Text, 10, false, "", "Bitmap or JPEG"},
+    {"TimeAdded", Date, 0, false, "Time Added", "Time URL was added to database"},
+    {"Typed", YesNo, 0, false, "Type", "field is supported only by Firefox 3"},
+    {"URL", Memo, 0, false, "URL", "The full URL definition"},
+    {"URLFileExt", Text, 10, false, "File Ext", "(10)"},
+    {"URLFileName", Memo, 0, false, "URL File Name", "The cached local file name"},
+    {"URLProtocol", Text, 10, false, "", "(10) HTTP, HTTPS, FTP, FILE"},
+    {"URLRawValue", Memo, 0, false, "", "The full original URL definition"},
+    {"URLParameters", Memo, 0, false, "Search Engine Criteria", "The part of the URL that follows a question mark (?)"},
+    {"User", Text, 255, false, "User", "(255) User profile that accessed the URL"},
+    {"Visits", Long, 0, false, "Visits", "Number of times URL was visited"},
+    {"WebPageTitle", Memo, 0, false, "Web Page Title", "The title of the web page"},
+};
+
+} // namespace
+
+std::span<const Column> urlColumns() { return kUrls; }
+
+} // namespace nv::schema
