@@ -1,13 +1,14 @@
 #include "db/DatabaseClass.h"
 
-#include <sqlite3.h>
-
-#include <fmt/format.h>
-
 #include "base/Files.h"
 #include "base/Trap.h"
+#include "db/KeywordLists.h"
 #include "db/Schema.h"
+#include "db/SqlFunctions.h"
 #include "db/SqliteErrors.h"
+#include "db/StoredQueries.h"
+
+#include <fmt/format.h>
 
 namespace nv {
 
@@ -16,14 +17,6 @@ namespace {
 /// "NVP1" in the file header tells our files from other SQLite databases.
 constexpr int kApplicationId = 0x4E565031;
 constexpr int kBusyTimeout = 5000; // milliseconds
-
-void setUp(SQLite::Database &database) {
-    database.setBusyTimeout(kBusyTimeout);
-    // 64 MB of cache; WAL lets readers in while an import writes, NORMAL loses nothing to a crash
-    // of the program.
-    database.exec("PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; PRAGMA cache_size=-65536; "
-                  "PRAGMA foreign_keys=ON; PRAGMA trusted_schema=OFF");
-}
 
 void describeTable(SQLite::Database &database, const schema::Table &table) {
     SQLite::Statement insert(database, "INSERT INTO SchemaColumns VALUES (?, ?, ?, ?, ?, ?, ?)");
@@ -52,32 +45,71 @@ void createTables(SQLite::Database &database) {
     database.exec("CREATE INDEX URLIndex ON URLs (URL)");
 }
 
+void requireTables(SQLite::Database &database) {
+    for (const schema::Table &table : schema::projectTables())
+        if (!database.tableExists(std::string(table.name)))
+            throw StorageFailure(fmt::format("this is no project: it has no table {}", table.name));
+}
+
 } // namespace
 
 DatabaseClass::DatabaseClass(FailureLog &log, const Clock &clock) : m_log(log), m_clock(clock) {}
 
-DatabaseClass::~DatabaseClass() { CloseDB(); }
+DatabaseClass::~DatabaseClass() {
+    CloseDB();
+}
 
-bool DatabaseClass::isOpen() const { return m_database != nullptr; }
+bool DatabaseClass::isOpen() const {
+    return m_database != nullptr;
+}
 
-SQLite::Database &DatabaseClass::connection() { return *m_database; }
+SQLite::Database &DatabaseClass::connection() {
+    return *m_database;
+}
+
+void DatabaseClass::openConnection(int flags) {
+    m_database = std::make_unique<SQLite::Database>(FilePath.string(), flags);
+    m_database->setBusyTimeout(kBusyTimeout);
+    if (flags & SQLite::OPEN_CREATE)
+        m_database->exec(
+            fmt::format("PRAGMA page_size=8192; PRAGMA application_id={}", kApplicationId));
+    // 64 MB of cache. WAL lets readers in while an import writes, and with NORMAL a crash of the
+    // program loses nothing that was committed.
+    m_database->exec("PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; "
+                     "PRAGMA cache_size=-65536; PRAGMA foreign_keys=ON; PRAGMA trusted_schema=OFF");
+    registerFunctions(*m_database);
+}
 
 bool DatabaseClass::CreateDatabaseProject() {
-    const auto failure =
-        failureOf(m_log, "DatabaseClass.CreateDatabaseProject()", [this] {
-            m_database = std::make_unique<SQLite::Database>(
-                FilePath.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-            m_database->exec(fmt::format("PRAGMA page_size=8192; PRAGMA application_id={}",
-                                         kApplicationId));
-            setUp(*m_database);
-            SQLite::Transaction transaction(*m_database);
-            createTables(*m_database);
-            createStoredQueries(*m_database, m_clock);
-            transaction.commit();
-        });
+    const auto failure = failureOf(m_log, "DatabaseClass.CreateDatabaseProject()", [this] {
+        openConnection(SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+        SQLite::Transaction transaction(*m_database);
+        createTables(*m_database);
+        StoredQueries(*m_database).createAll(m_clock, loadKeywordLists(KeywordFolder));
+        transaction.commit();
+    });
     if (failure)
         m_database.reset();
     return !failure;
+}
+
+void DatabaseClass::open() {
+    const auto failure = failureOf(m_log, "DatabaseClass.open()", [this] {
+        openConnection(SQLite::OPEN_READWRITE);
+        requireTables(*m_database);
+    });
+    if (!failure)
+        return;
+    m_database.reset();
+    throw StorageFailure(fmt::format("\"{}\": {}", textOf(FilePath), *failure));
+}
+
+void DatabaseClass::CloseDB() {
+    if (!m_database)
+        return;
+    // Back to one file. When another program still reads it, the log stays until that one closes.
+    m_database->tryExec("PRAGMA optimize; PRAGMA journal_mode=DELETE");
+    m_database.reset();
 }
 
 } // namespace nv

@@ -1,12 +1,12 @@
 #include "db/Dialect.h"
 
-#include <array>
-#include <charconv>
+#include "base/Text.h"
+#include "db/LikePattern.h"
 
 #include <fmt/format.h>
 
-#include "base/Text.h"
-#include "db/LikePattern.h"
+#include <array>
+#include <charconv>
 
 namespace nv {
 
@@ -37,8 +37,8 @@ class Translation {
     void take(const Token &token) {
         switch (token.kind) {
         case TokenKind::blank:
-            m_out += token.source.starts_with('-') || token.source.starts_with('/') ? " "
-                                                                                     : token.source;
+            m_out +=
+                token.source.starts_with('-') || token.source.starts_with('/') ? " " : token.source;
             break;
         case TokenKind::text:
             takeText(token);
@@ -77,7 +77,7 @@ class Translation {
     }
 
     void takeWord(const Token &token) {
-        if (equalsNoCase(token.source, "top") && followsSelect())
+        if (equalsNoCase(token.source, "top") && followsSelect() && !isColumnHere())
             return takeTop();
         const bool isCall = symbolBehind('(');
         const bool isMember = symbolBehind('.') || precededBy('.');
@@ -88,6 +88,13 @@ class Translation {
             if (!isCall && !isMember && equalsNoCase(token.source, constant.word))
                 return void(m_out += constant.with);
         m_out += token.source;
+    }
+
+    /// "SELECT top FROM t" and "SELECT top, x" name a column.
+    bool isColumnHere() const {
+        const std::size_t next = nextMeaning(m_at);
+        return next == m_tokens.size() || m_tokens[next].source == "," ||
+               equalsNoCase(m_tokens[next].source, "from");
     }
 
     void takeTop() {
@@ -110,7 +117,8 @@ class Translation {
             closeLevel();
         } else if (c == ';') {
             if (nextMeaning(m_at) < m_tokens.size())
-                throw DialectError("only one statement is understood: something stands behind \";\"");
+                throw DialectError(
+                    "only one statement is understood: something stands behind \";\"");
             return;
         }
         m_out += c == '&' ? std::string_view("||") : token.source;
@@ -145,8 +153,8 @@ class Translation {
 
     bool followsSelect() const {
         const Token *before = previousMeaning();
-        if (before && (equalsNoCase(before->source, "distinct") ||
-                       equalsNoCase(before->source, "all")))
+        if (before &&
+            (equalsNoCase(before->source, "distinct") || equalsNoCase(before->source, "all")))
             before = previousMeaning(1);
         return before && equalsNoCase(before->source, "select");
     }
@@ -200,7 +208,9 @@ bool takeTime(std::string_view text, CivilTime &civil) {
 
 } // namespace
 
-std::string translate(std::string_view sql) { return Translation(sql).run(); }
+std::string translate(std::string_view sql) {
+    return Translation(sql).run();
+}
 
 std::optional<Date> parseDateLiteral(std::string_view text) {
     text = trim(text);

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "db/SqlTokens.h"
+#include "time/Date.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "db/SqlTokens.h"
-#include "time/Date.h"
 
 namespace nv {
 

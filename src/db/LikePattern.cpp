@@ -1,9 +1,9 @@
 #include "db/LikePattern.h"
 
-#include <algorithm>
-
 #include "base/Text.h"
 #include "db/SqlTokens.h"
+
+#include <algorithm>
 
 namespace nv {
 
@@ -49,12 +49,13 @@ std::u32string lettersOf(std::string_view text) {
 }
 
 bool isPlainText(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) {
-        return (c & 0x80) == 0 && c != '%' && c != '_' && c != '[';
-    });
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return (c & 0x80) == 0 && c != '%' && c != '_' && c != '['; });
 }
 
-char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+char lowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
 
 bool sameLower(std::string_view text, std::size_t at, std::string_view lower) {
     for (std::size_t i = 0; i < lower.size(); ++i)
@@ -66,9 +67,8 @@ bool sameLower(std::string_view text, std::size_t at, std::string_view lower) {
 bool containsLower(std::string_view text, std::string_view lower) {
     if (lower.empty())
         return true;
-    const char first[2] = {lower[0], static_cast<char>(lower[0] >= 'a' && lower[0] <= 'z'
-                                                           ? lower[0] - 32
-                                                           : lower[0])};
+    const char first[2] = {
+        lower[0], static_cast<char>(lower[0] >= 'a' && lower[0] <= 'z' ? lower[0] - 32 : lower[0])};
     if (text.size() < lower.size())
         return false;
     const std::size_t last = text.size() - lower.size();
@@ -97,11 +97,9 @@ LikePattern::LikePattern(std::string_view pattern) {
             const std::size_t end = letters.find(U']', at + 1);
             if (end == std::u32string::npos)
                 throw DialectError("Invalid pattern string");
-            m_steps.push_back(
-                listStep(std::u32string_view(letters).substr(at + 1, end - at - 1)));
+            m_steps.push_back(listStep(std::u32string_view(letters).substr(at + 1, end - at - 1)));
             at = end;
-        } else if (letters[at] != U'%' || m_steps.empty() ||
-                   m_steps.back().kind != Kind::anyText) {
+        } else if (letters[at] != U'%' || m_steps.empty() || m_steps.back().kind != Kind::anyText) {
             const Kind kind = letters[at] == U'%'   ? Kind::anyText
                               : letters[at] == U'_' ? Kind::anyLetter
                                                     : Kind::letter;
@@ -128,9 +126,8 @@ bool LikePattern::matchesStep(const Step &step, char32_t letter) {
     if (step.kind != Kind::list)
         return step.kind == Kind::anyLetter || step.letter == folded(letter);
     const char32_t c = folded(letter);
-    const bool found = std::any_of(step.ranges.begin(), step.ranges.end(), [c](const Range &r) {
-        return c >= r.first && c <= r.last;
-    });
+    const bool found = std::any_of(step.ranges.begin(), step.ranges.end(),
+                                   [c](const Range &r) { return c >= r.first && c <= r.last; });
     return found != step.negated;
 }
 

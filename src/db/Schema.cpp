@@ -1,10 +1,10 @@
 #include "db/Schema.h"
 
-#include <algorithm>
+#include "base/Text.h"
 
 #include <fmt/format.h>
 
-#include "base/Text.h"
+#include <algorithm>
 
 namespace nv::schema {
 
@@ -48,7 +48,9 @@ std::string definition(const Table &table, const Column &column) {
 
 } // namespace
 
-std::string_view typeName(ColumnType type) { return wordsOf(type).name; }
+std::string_view typeName(ColumnType type) {
+    return wordsOf(type).name;
+}
 
 std::string createStatement(const Table &table) {
     std::string lines;
@@ -72,9 +74,8 @@ const Table *findTable(std::string_view name) {
 
 const Column *findColumn(const Table &table, std::string_view name) {
     const auto found =
-        std::find_if(table.columns.begin(), table.columns.end(), [name](const Column &column) {
-            return equalsNoCase(column.name, name);
-        });
+        std::find_if(table.columns.begin(), table.columns.end(),
+                     [name](const Column &column) { return equalsNoCase(column.name, name); });
     return found == table.columns.end() ? nullptr : &*found;
 }
 

@@ -14,8 +14,8 @@ enum class ColumnType { Long, Double, Date, YesNo, Text, Memo, Binary };
 struct Column {
     std::string_view name;
     ColumnType type;
-    int size;          ///< characters, 0 for none
-    bool isKey;        ///< numbered by the database, from 1
+    int size;   ///< characters, 0 for none
+    bool isKey; ///< numbered by the database, from 1
     std::string_view label;
     std::string_view description; ///< part of the project, misspellings included
 };
@@ -48,7 +48,8 @@ const Table *findTable(std::string_view name);
 const Column *findColumn(const Table &table, std::string_view name);
 
 std::string_view typeName(ColumnType type);
-/// CREATE TABLE with the documented names; relationships that end in the table are its foreign keys.
+/// CREATE TABLE with the documented names; relationships that end in the table are its foreign
+/// keys.
 std::string createStatement(const Table &table);
 
 } // namespace nv::schema

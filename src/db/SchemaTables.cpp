@@ -1,6 +1,6 @@
-#include <array>
-
 #include "db/SchemaColumns.h"
+
+#include <array>
 
 namespace nv::schema {
 
@@ -169,6 +169,8 @@ std::span<const Table> morkTables() {
     return tables;
 }
 
-std::span<const Relationship> relationships() { return kRelationships; }
+std::span<const Relationship> relationships() {
+    return kRelationships;
+}
 
 } // namespace nv::schema

@@ -15,12 +15,12 @@ class DialectError : public std::runtime_error {
 };
 
 enum class TokenKind {
-    blank,   ///< white space or a comment
-    word,    ///< name, keyword or number
-    text,    ///< 'text' or "text"
-    name,    ///< [name]
-    date,    ///< #date#
-    symbol,  ///< one character of anything else
+    blank,  ///< white space or a comment
+    word,   ///< name, keyword or number
+    text,   ///< 'text' or "text"
+    name,   ///< [name]
+    date,   ///< #date#
+    symbol, ///< one character of anything else
 };
 
 struct Token {

@@ -1,8 +1,8 @@
 #include "db/SqliteErrors.h"
 
-#include <sqlite3.h>
-
 #include "base/Files.h"
+
+#include <sqlite3.h>
 
 namespace nv {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <utility>
-
 #include <SQLiteCpp/SQLiteCpp.h>
+
+#include <utility>
 
 namespace nv {
 
@@ -11,7 +11,8 @@ namespace nv {
 [[noreturn]] void throwMeaning(const SQLite::Exception &error);
 
 /// Runs `body` on the project; the only place where database errors are told apart.
-template <class Body> decltype(auto) onProject(Body &&body) {
+template <class Body>
+decltype(auto) onProject(Body &&body) {
     try {
         return std::forward<Body>(body)();
     } catch (const SQLite::Exception &error) {

@@ -11,7 +11,9 @@ constexpr std::chrono::milliseconds kCommitStep{250};
 
 } // namespace
 
-WriteBatch::WriteBatch(SQLite::Database &database) : m_database(database) { begin(); }
+WriteBatch::WriteBatch(SQLite::Database &database) : m_database(database) {
+    begin();
+}
 
 WriteBatch::~WriteBatch() {
     // A failing disk is told by written() and commit(); here nothing can be told any more.
