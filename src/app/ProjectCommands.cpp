@@ -1,9 +1,5 @@
 #include "app/ProjectCommands.h"
 
-#include <algorithm>
-
-#include <fmt/format.h>
-
 #include "app/ImportCommand.h"
 #include "app/Messages.h"
 #include "app/Project.h"
@@ -13,6 +9,10 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/StoredQueries.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
 
 namespace nv {
 
@@ -117,8 +117,8 @@ bool ProjectCommands::SaveAs() {
     const fs::path source = project.FilePath;
     m_view.saveLayout();
     closeProject(m_program);
-    const auto failure = failureOf(m_program.log, "MainForm.SaveAs()",
-                                   [&] { copyToScratch(source, *target); });
+    const auto failure =
+        failureOf(m_program.log, "MainForm.SaveAs()", [&] { copyToScratch(source, *target); });
     if (failure)
         m_program.around.examiner.tell(
             messages::saveAsFailed(*failure + "\n\nThe project stays where it is."));
