@@ -83,6 +83,12 @@ bool setZone(Program &program, std::int64_t id) {
         .found;
 }
 
+DateSettings dateSettings(const Program &program) {
+    const ThisClass &state = program.thisClass;
+    const int year = Date::fromTimePoint(program.around.clock.now()).civil().year;
+    return {state.DateFormat, state.TimeFormat, state.EnableDSTChanges, year};
+}
+
 void closeProject(Program &program) {
     ThisClass &state = program.thisClass;
     fieldsOf(program).SaveDefaultSetting(kZoneSetting,

@@ -1,6 +1,6 @@
 #include "app/ProjectCommands.h"
 
-#include "app/ImportCommand.h"
+#include "app/ImportJob.h"
 #include "app/Messages.h"
 #include "app/Project.h"
 #include "app/RecentFiles.h"
@@ -154,7 +154,10 @@ bool ProjectCommands::LoadCommandLineFile(const fs::path &path) {
     const fs::path scratch = tempFileNames(m_program.thisClass.TempFolderPath).project;
     if (!OpenFile(scratch, OpenMode::newAtPath))
         return false;
-    importArtefact(m_program, *artefact);
+    m_program.import.HistoryFiles.Clear();
+    m_program.import.HistoryFiles.Add(*artefact);
+    const OpenTask task(m_program.thread, {});
+    runImportJob(m_program, m_program.thread, m_program.thisClass.TempFolderPath);
     m_view.LoadURLs();
     return true;
 }
