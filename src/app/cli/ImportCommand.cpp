@@ -38,8 +38,7 @@ void checkZone(Session &session, std::int64_t id) {
 
 void checkKinds(const std::vector<std::string> &kinds) {
     for (const std::string &kind : kinds)
-        if (std::none_of(readers().begin(), readers().end(),
-                         [&kind](const Reader &reader) { return reader.key == kind; }))
+        if (!readerByKey(kind))
             throw UsageError(fmt::format("there is no reader \"{}\"", kind));
 }
 
