@@ -1,0 +1,41 @@
+#pragma once
+
+#include "time/DateFormat.h"
+#include "time/TimeZoneClass.h"
+
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+inline constexpr std::string_view kUtcHeading = "Action Date [UTC]";
+
+/// The settings that decide how a date is shown.
+struct DateSettings {
+    std::string DateFormat{kDateFormat};
+    std::string TimeFormat{kTimeFormat};
+    bool EnableDSTChanges = true;
+    int currentYear = 0; ///< dates of the zone are shown from 10 years before it on
+
+    std::string DateTimeFormat() const { return DateFormat + " " + TimeFormat; }
+};
+
+/// True when the mark of a date of the zone is "DST". The mark is tested on the converted date and
+/// the conversion on the UTC date: around a change of the clocks the two can differ.
+bool shownAsDaylight(Date local, const TimeZoneClass &zone, const DateSettings &settings);
+
+/// The zone's date in the table: "2009-02-13 18:31:30 STD". Empty for a date of more than 10 years
+/// ago. Throws std::range_error as ConvertDateToZone() does.
+std::string zoneCell(Date actionDateUTC, const TimeZoneClass &zone, const DateSettings &settings);
+/// The same date among the properties: "2009-02-13 18:31:30 [-0500 STD]".
+std::string zoneProperty(Date actionDateUTC, const TimeZoneClass &zone,
+                         const DateSettings &settings);
+
+std::string utcCell(Date actionDateUTC, const DateSettings &settings);
+/// With " [UTC]" behind it when the year is above 1980.
+std::string utcProperty(Date actionDateUTC, const DateSettings &settings);
+
+/// What the heading of the zone's column says of the zone: "[UTC -0500]", or "[+0000]".
+std::string zoneHeading(const TimeZoneClass &zone);
+
+} // namespace nv

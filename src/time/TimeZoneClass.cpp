@@ -1,0 +1,86 @@
+#include "time/TimeZoneClass.h"
+
+#include "time/Daylight.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <limits>
+#include <stdexcept>
+
+namespace nv {
+
+namespace {
+
+std::string hoursAndMinutes(int minutes) {
+    return fmt::format("{:02}{:02}", std::abs(minutes) / 60, std::abs(minutes) % 60);
+}
+
+char signOf(int minutes) {
+    return minutes < 0 ? '-' : '+';
+}
+
+int daylightBias(const TimeZoneClass &zone) {
+    const int sum = zone.tzBias + zone.tzDSTBias;
+    using Limits = std::numeric_limits<std::int16_t>;
+    if (sum < Limits::min() || sum > Limits::max())
+        throw std::range_error(
+            fmt::format("the zone's biases {} and {} add up to more than 16 bits", zone.tzBias,
+                        zone.tzDSTBias));
+    return sum;
+}
+
+} // namespace
+
+void TimeZoneClass::setToDefault(Date now) {
+    DaylightCode = tzDaylightCode = "EDT";
+    DSTAdjustment = true;
+    tzBias = -300;
+    tzDaylightName = "Eastern Daylight Time";
+    tzLatitudeBias = 1;
+    tzLongitudeBias = -1;
+    tzName = "(UTC-05:00) Eastern Time (US & Canada)";
+    tzStandardCode = "EST";
+    tzStandardName = "Eastern Standard Time";
+    tzTimeZoneID = 15;
+    DSTInEffect = IsDSTInEffect(now, 1);
+    tzActiveBias = DSTInEffect ? 240 : 300;
+    tzBiasAsText = FormatBiasText(DSTInEffect ? -240 : -300);
+}
+
+void TimeZoneClass::Reset() {
+    tzName.clear();
+    tzBiasAsText.clear();
+    tzBias = 0;
+    DSTInEffect = false;
+    DSTAdjustment = false;
+}
+
+std::string TimeZoneClass::GetBiasAsTime(int extraMinutes) const {
+    if (tzBias == 0)
+        return "+0000";
+    const int bias = -(tzBias + extraMinutes);
+    // An offset that only the extra minutes bring to 0 has no sign; that of a zone at UTC has.
+    if (bias == 0)
+        return "0000";
+    return signOf(bias) + hoursAndMinutes(bias);
+}
+
+std::string TimeZoneClass::GetTimeZoneName(std::int16_t bias) {
+    for (const TimeZoneName &row : FixedZoneNames()) {
+        if (row.tzBias == bias)
+            return tzName = row.tzName;
+    }
+    return {};
+}
+
+std::string FormatBiasText(std::int16_t minutes) {
+    return minutes == 0 ? "UTC" : signOf(minutes) + hoursAndMinutes(minutes);
+}
+
+Date ConvertDateToZone(Date utc, const TimeZoneClass &zone, bool enableDSTChanges) {
+    const bool daylight = IsDSTInEffect(utc, zone.tzLatitudeBias) && enableDSTChanges;
+    return utc.plusMinutes(daylight ? -daylightBias(zone) : -zone.tzBias);
+}
+
+} // namespace nv
