@@ -171,7 +171,6 @@ void writePlaces(const fs::path &file) {
             row.visitDates.push_back(firefoxTime(kMarch2011 + i * 977 + visit * 86400));
         places.add(row);
     }
-    places.close();
 }
 
 void writeChrome(const fs::path &file) {
@@ -189,7 +188,6 @@ void writeChrome(const fs::path &file) {
                      i % 2,
                      {chromeTime(kMarch2011 + i * 1237)}});
     }
-    history.close();
 }
 
 } // namespace
