@@ -100,6 +100,13 @@ HashChain readHashChain(ByteView file, std::int64_t first) {
     return chain;
 }
 
+HashChain missedHashChain(ByteView file) {
+    const std::int32_t first = file.i32le(kFirstTableOfFormat);
+    const bool missed = first != firstHashTable(file) && hasTable(file, first) &&
+                        file.sub(static_cast<std::uint64_t>(first), 4).raw() == "HASH";
+    return missed ? readHashChain(file, first) : HashChain();
+}
+
 std::uint64_t placeOfEntry(const HashTable &table, std::int64_t entry) {
     return table.FirstRecordFileOffset + static_cast<std::uint64_t>(entry * kEntry);
 }
@@ -119,12 +126,7 @@ std::uint64_t usedEntries(ByteView file, const HashTable &table, std::int64_t fr
     return used;
 }
 
-std::uint64_t usedEntriesOfOtherChain(ByteView file) {
-    const std::int32_t first = file.i32le(kFirstTableOfFormat);
-    if (first == firstHashTable(file) || !hasTable(file, first) ||
-        file.sub(static_cast<std::uint64_t>(first), 4).raw() != "HASH")
-        return 0;
-    const HashChain chain = readHashChain(file, first);
+std::uint64_t usedEntries(ByteView file, const HashChain &chain) {
     std::uint64_t used = 0;
     for (const HashTable &table : chain.tables)
         used += usedEntries(file, table);

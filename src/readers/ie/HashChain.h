@@ -41,6 +41,9 @@ struct HashChain {
 std::int32_t firstHashTable(ByteView file);
 /// The chain from the table at `first`. Damage ends the chain; it throws nothing.
 HashChain readHashChain(ByteView file, std::int64_t first);
+/// The chain that firstHashTable() misses: the one at the offset as the format has it. Empty when
+/// that is the same offset or leads to no table.
+HashChain missedHashChain(ByteView file);
 
 /// Where the entry stands; `entry` is 0-based.
 std::uint64_t placeOfEntry(const HashTable &table, std::int64_t entry);
@@ -48,8 +51,7 @@ std::uint64_t placeOfEntry(const HashTable &table, std::int64_t entry);
 HashEntry hashEntry(ByteView file, const HashTable &table, std::int64_t entry);
 /// Entries in use of the table from `from` on, as far as the file reaches.
 std::uint64_t usedEntries(ByteView file, const HashTable &table, std::int64_t from = 0);
-/// Entries in use of a chain that was not read because the file leads elsewhere: behind the table
-/// offset as the format has it, when that differs from firstHashTable() and leads to a table.
-std::uint64_t usedEntriesOfOtherChain(ByteView file);
+/// Entries in use of all tables, also of those behind the cap.
+std::uint64_t usedEntries(ByteView file, const HashChain &chain);
 
 } // namespace nv

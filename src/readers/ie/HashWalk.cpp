@@ -19,18 +19,35 @@ constexpr std::size_t kShortestIndex = 4096;
 constexpr std::uint64_t kBlock = 0x80;
 constexpr std::uint64_t kSignature = 4;
 
-/// Marks the blocks at which the records of the tables' entries begin.
-void markReferenced(ByteView file, const std::vector<HashTable> &tables,
-                    std::vector<bool> &referenced) {
-    for (const HashTable &table : tables)
-        for (std::int64_t i = 0; i < table.RecordCount && file.has(placeOfEntry(table, i), 8);
-             ++i) {
-            const HashEntry entry = hashEntry(file, table, i);
-            const std::uint64_t block = entry.recordOffset / kBlock;
-            if (entry.isUsed() && entry.recordOffset % kBlock == 0 && block < referenced.size())
-                referenced[block] = true;
+/// The blocks at which records begin, true for those that a hash entry leads to.
+class ReferencedBlocks {
+  public:
+    explicit ReferencedBlocks(ByteView file)
+        : m_file(file), m_referenced(file.size() / kBlock + 1) {}
+
+    void mark(const HashChain &chain) {
+        for (const HashTable &table : chain.tables)
+            mark(table);
+        for (const HashTable &table : chain.behindCap)
+            mark(table);
+    }
+    bool has(std::uint64_t offset) const { return m_referenced[offset / kBlock]; }
+
+  private:
+    void mark(const HashTable &table) {
+        for (std::int64_t i = 0; i < table.RecordCount; ++i) {
+            if (!m_file.has(placeOfEntry(table, i), 8))
+                return;
+            const HashEntry entry = hashEntry(m_file, table, i);
+            if (entry.isUsed() && entry.recordOffset < m_file.size() &&
+                entry.recordOffset % kBlock == 0)
+                m_referenced[entry.recordOffset / kBlock] = true;
         }
-}
+    }
+
+    ByteView m_file;
+    std::vector<bool> m_referenced;
+};
 
 } // namespace
 
@@ -58,7 +75,8 @@ bool HashWalk::open(ReadResult &result) {
     for (const std::string &damage : m_chain.damage)
         noteDamage(damage, result);
     if (!m_chain.damage.empty())
-        result.notReached += usedEntriesOfOtherChain(m_file);
+        m_missed = missedHashChain(m_file);
+    result.notReached += usedEntries(m_file, m_missed);
     for (const HashTable &table : m_chain.tables)
         m_entries += table.RecordCount;
     return true;
@@ -155,14 +173,14 @@ void HashWalk::countBehindCap(ReadResult &result) const {
 /// Records stand at the start of blocks. Those that no entry leads to were deleted, or could not
 /// be deleted at once; examiners want to know that they are there.
 void HashWalk::countUnreferenced(ReadResult &result) const {
-    std::vector<bool> referenced(m_file.size() / kBlock + 1);
-    markReferenced(m_file, m_chain.tables, referenced);
-    markReferenced(m_file, m_chain.behindCap, referenced);
+    ReferencedBlocks referenced(m_file);
+    referenced.mark(m_chain);
+    referenced.mark(m_missed);
     constexpr std::array<std::string_view, 3> kSignatures = {"URL ", "LEAK", "REDR"};
     for (std::uint64_t at = 0; m_file.has(at, kSignature); at += kBlock) {
         const std::string_view signature = m_file.sub(at, kSignature).raw();
         const auto *known = std::find(kSignatures.begin(), kSignatures.end(), signature);
-        if (known != kSignatures.end() && !referenced[at / kBlock])
+        if (known != kSignatures.end() && !referenced.has(at))
             ++result.passedOver[fmt::format("{} record outside of the hash tables",
                                             signature.substr(0, signature.find(' ')))];
     }

@@ -51,6 +51,7 @@ class HashWalk {
     ByteView m_file;
     std::string_view m_procedure;
     HashChain m_chain;
+    HashChain m_missed; ///< only counted
     RecordTrap m_trap;
     std::int64_t m_entries = 0; ///< of all tables
     std::int64_t m_done = 0;

@@ -2,6 +2,7 @@
 #include "db/DatabaseClass.h"
 #include "db/Dialect.h"
 #include "db/ProjectFields.h"
+#include "db/ReadOnlyConnection.h"
 #include "db/Schema.h"
 #include "db/StoredQueries.h"
 #include "support/TempFolder.h"
@@ -184,6 +185,22 @@ TEST_F(ProjectTest, likeOfTheConnectionKnowsListsAndRefusesOpenOnes) {
     EXPECT_THROW(get("SELECT count(*) FROM URLs WHERE URL LIKE '[a'"), SQLite::Exception);
     StoredQueries(project.connection()).save({"Lists", "SELECT * FROM URLs WHERE URL LIKE '[d]%'"});
     EXPECT_EQ(get("SELECT count(*) FROM Lists"), "1");
+}
+
+TEST_F(ProjectTest, aReadOnlyConnectionReadsAndDoesNothingElse) {
+    create();
+    project.connection().exec("INSERT INTO URLs(URL) VALUES ('http://x/')");
+    const auto reader = openReadOnly(project.FilePath);
+    EXPECT_EQ(reader->execAndGet("SELECT URL FROM _DEFAULT").getString(), "http://x/");
+    for (const char *sql :
+         {"DELETE FROM URLs", "INSERT INTO Keywords DEFAULT VALUES", "DROP TABLE URLs",
+          "PRAGMA journal_mode=DELETE", "ATTACH ':memory:' AS a", "CREATE TEMP TABLE t(a)",
+          "SELECT load_extension('x')", "VACUUM"})
+        EXPECT_THROW(reader->exec(sql), SQLite::Exception) << sql;
+    EXPECT_EQ(get("SELECT count(*) FROM URLs"), "1");
+    EXPECT_THROW(openReadOnly(folder.path() / "none.nvp"), StorageFailure);
+    EXPECT_THROW(openReadOnly(folder.write("x.nvp", std::string(5000, 'x'))), StorageFailure);
+    EXPECT_THROW(openReadOnly(folder.write("empty.nvp", "")), StorageFailure);
 }
 
 } // namespace
