@@ -1,17 +1,17 @@
-#include <cmath>
-#include <fstream>
-#include <set>
+#include "base/Text.h"
+#include "cli/CliRun.h"
+#include "support/Samples.h"
+#include "support/TempFolder.h"
+#include "time/Date.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "base/Text.h"
-#include "cli/CliRun.h"
-#include "support/Samples.h"
-#include "support/TempFolder.h"
-#include "time/Date.h"
+#include <cmath>
+#include <fstream>
+#include <set>
 
 // Imports every real sample with the program itself and compares the project with the facts that
 // independent tools found in it.
@@ -23,8 +23,8 @@ namespace fs = std::filesystem;
 
 const std::set<std::string> kDates = {"ActionDateUTC", "OtherDate", "ExpiryDate"};
 const std::set<std::string> kTexts = {
-    "URLRawValue", "Action",   "cacheType",       "OtherDateMeaning", "User",
-    "host",        "WebpageTitle", "CacheFileName", "CacheFolderName", "DataBlockFile"};
+    "URLRawValue", "Action",       "cacheType",     "OtherDateMeaning", "User",
+    "host",        "WebpageTitle", "CacheFileName", "CacheFolderName",  "DataBlockFile"};
 const std::set<std::string> kNumbers = {"Visits", "Reference_ID", "CacheFileSize", "Hidden"};
 
 /// "2011-04-07 12:03:11.5" as days since 1899-12-30, fractions dropped.
