@@ -125,7 +125,7 @@ TEST_P(SampleTest, agreesWithItsExpectedFacts) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, SampleTest, testing::ValuesIn(sampleFolders()),
-                         [](const auto &info) { return info.param.filename().string(); });
+                         [](const auto &sample) { return sample.param.filename().string(); });
 
 TEST(Samples, areThereOrTheTestSaysSo) {
     if (sampleFolders().empty())

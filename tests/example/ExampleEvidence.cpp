@@ -212,7 +212,8 @@ void writeEvidence(const fs::path &folder) {
 }
 
 void writeIndex(const fs::path &file, std::size_t records) {
-    IndexDat index;
+    // Larger tables than browsers make: the chain of tables is followed 201 times only.
+    IndexDat index(1024, 0);
     for (const std::string_view name : kFolders)
         index.folder(name);
     IndexRecord record;
