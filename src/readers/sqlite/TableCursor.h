@@ -56,6 +56,7 @@ class TableCursor {
     bool goBehindDamage();
     Probe probe(std::int64_t from);
     Probe leap();
+    Probe leapBetween(std::int64_t from, std::int64_t last);
 
     EvidenceDatabase &m_database;
     std::string m_table;
