@@ -90,14 +90,28 @@ bool TableCursor::next() {
         const int code = m_rows->tryExecuteStep();
         if (code == SQLITE_DONE)
             break;
-        if (code == SQLITE_ROW && m_rows->getColumn(0).getInt64() >= m_next)
-            return give(m_rows->getColumn(0).getInt64(), Content::readable);
+        if (code == SQLITE_ROW && takeInOrder(m_rows->getColumn(0).getInt64()))
+            return true;
         noteDamage(code);
         if (goBehindDamage())
             return true;
     }
     m_atEnd = true;
     return false;
+}
+
+/// A row behind the last one, or between the last two: then the last one's id was damaged, and the
+/// rows that follow it are as good as any.
+bool TableCursor::takeInOrder(std::int64_t rowId) {
+    if (rowId >= m_next) {
+        m_floor = m_rowId;
+        return give(rowId, Content::readable);
+    }
+    if (rowId <= m_floor || rowId == m_rowId)
+        return false;
+    noteDamage(SQLITE_ROW);
+    m_floor = rowId;
+    return give(rowId, Content::readable);
 }
 
 bool TableCursor::give(std::int64_t rowId, Content content) {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <set>
 
@@ -177,6 +178,23 @@ TEST_F(SqliteCursor, givesNoRowTwiceWhenPagesPointInCircles) {
     EXPECT_GT(result.ids.size(), 0U);
 }
 
+TEST_F(SqliteCursor, keepsTheRowsThatFollowADamagedId) {
+    table().close();
+    std::string file = bytes();
+    // A row is length, id, head length, then the type of each value and the values.
+    const std::size_t name = file.find("the name of row 40");
+    ASSERT_EQ(file[name - 4], 40);
+    file[name - 4] = 100;
+    write(file);
+    const Walk result = walk();
+    EXPECT_EQ(result.ids.size(), static_cast<std::size_t>(kRows));
+    EXPECT_EQ(std::count(result.ids.begin(), result.ids.end(), 100), 2);
+    EXPECT_TRUE(result.lostRows);
+    EXPECT_EQ(result.lossText,
+              "in table \"t\": rows that are out of order behind row 100; 0 of 300 "
+              "rows could not be read");
+}
+
 TEST_F(SqliteCursor, noticesRowsThatOnlyAnIndexKnows) {
     table().run("CREATE INDEX i ON t(id)").close();
     std::string file = bytes();
@@ -203,6 +221,20 @@ TEST_F(SqliteCursor, readsWhatIsLeftOfACutFile) {
     }
     EXPECT_GT(least, 0U);
     EXPECT_LT(least, 50U);
+}
+
+TEST_F(SqliteCursor, makesNoValuesOutOfAPageThatIsCut) {
+    table().close();
+    const std::string whole = bytes();
+    for (std::size_t lost = 1; lost < kPageSize; lost += 7) {
+        write(whole.substr(0, whole.size() - lost));
+        EvidenceDatabase database(path(), whole.size());
+        EXPECT_EQ(database.damage(),
+                  "the file ends amid a page, at offset " + std::to_string(whole.size() - lost));
+        TableCursor cursor(database, "t", kColumns);
+        while (cursor.next())
+            EXPECT_EQ(cursor.row().text(1), "the name of row " + std::to_string(cursor.rowId()));
+    }
 }
 
 TEST_F(SqliteCursor, reachesRowsWhoseIdIsHiddenByAColumn) {
