@@ -3,7 +3,7 @@
 function(nv_module NAME)
   cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/${NAME}/*.cpp")
-  list(FILTER sources EXCLUDE REGEX "/ui/|/platform/(qt|win)/")
+  list(FILTER sources EXCLUDE REGEX "/src/([a-z]+/ui|platform/(qt|win))/")
   if(sources)
     add_library(nv_${NAME} STATIC ${sources})
     target_include_directories(nv_${NAME} PUBLIC "${CMAKE_SOURCE_DIR}/src")

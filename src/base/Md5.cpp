@@ -24,7 +24,7 @@ const EVP_MD *algorithm() {
 std::string hexOf(const std::array<unsigned char, EVP_MAX_MD_SIZE> &digest, unsigned size) {
     constexpr std::string_view kDigits = "0123456789abcdef";
     std::string hex;
-    hex.reserve(size * 2);
+    hex.reserve(std::size_t{size} * 2);
     for (unsigned i = 0; i < size; ++i) {
         hex.push_back(kDigits[digest[i] >> 4]);
         hex.push_back(kDigits[digest[i] & 0xF]);
@@ -36,7 +36,7 @@ std::string hexOf(const std::array<unsigned char, EVP_MAX_MD_SIZE> &digest, unsi
 
 struct Md5::Context {
     std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> evp{EVP_MD_CTX_new(), &EVP_MD_CTX_free};
-    void start() { EVP_DigestInit_ex2(evp.get(), algorithm(), nullptr); }
+    void start() const { EVP_DigestInit_ex2(evp.get(), algorithm(), nullptr); }
 };
 
 Md5::Md5() : m_context(std::make_unique<Context>()) {

@@ -75,7 +75,7 @@ std::string replaceAll(std::string_view text, std::string_view what, std::string
         return std::string(text);
     std::string out;
     std::size_t at = 0;
-    for (std::size_t hit; (hit = text.find(what, at)) != std::string_view::npos;
+    for (std::size_t hit = 0; (hit = text.find(what, at)) != std::string_view::npos;
          at = hit + what.size())
         out.append(text, at, hit - at).append(with);
     return out.append(text, at);

@@ -141,7 +141,7 @@ std::string percentDecode(std::string_view text) {
     out.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
         std::string run;
-        for (int byte; at < text.size() && (byte = escapedByte(text, at)) >= 0; at += 3)
+        for (int byte = 0; at < text.size() && (byte = escapedByte(text, at)) >= 0; at += 3)
             run.push_back(static_cast<char>(byte));
         out += decodeText(run);
         if (run.empty())

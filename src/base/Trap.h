@@ -5,14 +5,15 @@
 
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace nv {
 
-// The two traps. Outside of them, `catch` stands only in main() and in platform adapters.
-// A StorageFailure passes through both: it is no bad record but the end of the task.
+// The traps. Outside of them, `catch` stands only in main() and in platform adapters.
+// A StorageFailure passes through the first two: it is no bad record but the end of the task.
 
 /// The procedure trap: runs `body`; a failure is logged once under `procedure`, and the result is
 /// `fallback`.
@@ -63,5 +64,19 @@ class RecordTrap {
     std::string m_procedure;
     std::uint64_t m_failed = 0;
 };
+
+/// The command trap: runs `body` for a command of the examiner's, who has to learn of any failure at
+/// once. It is logged under `procedure`, and its message is the result; nothing when all went well.
+template <class Body>
+std::optional<std::string> failureOf(FailureLog &log, std::string_view procedure, Body &&body) {
+    try {
+        std::forward<Body>(body)();
+        return std::nullopt;
+    } catch (const std::exception &failure) {
+        log.write({failure.what(), std::string(procedure), Severity::Warning,
+                   std::string(kContactSupport)});
+        return failure.what();
+    }
+}
 
 } // namespace nv

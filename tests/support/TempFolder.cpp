@@ -21,7 +21,7 @@ TempFolder::~TempFolder() {
 
 std::filesystem::path TempFolder::write(const std::filesystem::path &name,
                                         std::string_view bytes) const {
-    const std::filesystem::path target = m_path / name;
+    std::filesystem::path target = m_path / name;
     std::filesystem::create_directories(target.parent_path());
     std::ofstream(target, std::ios::binary) << bytes;
     return target;

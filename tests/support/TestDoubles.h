@@ -67,7 +67,10 @@ struct FixedClock final : Clock {
 /// answer that was never used.
 class ScriptedExaminer final : public Examiner {
   public:
+    ScriptedExaminer() = default;
     ~ScriptedExaminer() override;
+    ScriptedExaminer(const ScriptedExaminer &) = delete;
+    ScriptedExaminer &operator=(const ScriptedExaminer &) = delete;
     void expect(std::string id, Answer answer = Answer::Ok) {
         m_script.emplace_back(std::move(id), answer);
     }

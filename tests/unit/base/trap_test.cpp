@@ -26,6 +26,15 @@ TEST(ProcedureTrap, letsAStorageFailureThrough) {
     EXPECT_TRUE(log.entries.empty());
 }
 
+TEST(CommandTrap, givesTheReasonToTellAndLogsIt) {
+    test::MemoryLog log;
+    EXPECT_EQ(failureOf(log, "MainForm.OpenFile()", [] { throw StorageFailure("disk full"); }),
+              "disk full");
+    EXPECT_EQ(failureOf(log, "MainForm.OpenFile()", [] {}), std::nullopt);
+    ASSERT_EQ(log.entries.size(), 1u);
+    EXPECT_EQ(log.entries[0].procedure, "MainForm.OpenFile()");
+}
+
 TEST(RecordTrap, countsOnAfterFiftyAndSumsUp) {
     test::MemoryLog log;
     {

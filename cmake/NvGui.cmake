@@ -1,0 +1,23 @@
+# The windows: the sources of all ui/ folders and of platform/qt are one target.
+find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets Svg)
+
+file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/*.cpp")
+list(FILTER sources INCLUDE REGEX "/src/([a-z]+/ui|platform/qt)/")
+add_library(nv_ui STATIC ${sources} "${CMAKE_SOURCE_DIR}/data/images/images.qrc")
+set_target_properties(nv_ui PROPERTIES AUTOMOC ON AUTORCC ON)
+target_link_libraries(nv_ui PUBLIC nv_app Qt6::Widgets Qt6::Svg PRIVATE nv_warnings)
+target_precompile_headers(nv_ui PRIVATE <QAbstractTableModel> <QAction> <QDialog> <QIcon> <QMainWindow> <QPainter>
+                          <QString> <QTableView> <QWidget>)
+
+configure_file("${CMAKE_SOURCE_DIR}/data/dailytips.txt" "${CMAKE_BINARY_DIR}/dailytips.txt" COPYONLY)
+
+# nv_gui_test(FILE): the program gui_<name> of tests/gui/<name>_test.cpp, run without a display.
+function(nv_gui_test FILE)
+  get_filename_component(name "${FILE}" NAME_WE)
+  string(REGEX REPLACE "_test$" "" name "${name}")
+  add_executable(gui_${name} "${FILE}")
+  set_target_properties(gui_${name} PROPERTIES AUTOMOC ON)
+  target_link_libraries(gui_${name} PRIVATE nv_ui nv_test_support nv_warnings Qt6::Test)
+  add_test(NAME gui.${name} COMMAND gui_${name})
+  set_tests_properties(gui.${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen" TIMEOUT 120)
+endfunction()

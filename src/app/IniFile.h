@@ -1,0 +1,58 @@
+#pragma once
+
+#include "base/FailureLog.h"
+
+#include <concepts>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nv {
+
+/// The settings file: sections of "key=value" lines, found without regard to case. A missing file
+/// is no failure: every key gives its default. Every write goes to the disk at once and leaves all
+/// other lines as they are.
+class IniFile {
+  public:
+    IniFile(std::filesystem::path path, FailureLog &log);
+
+    const std::filesystem::path &path() const { return m_path; }
+
+    /// True exactly when the text is "True": "true" and "1" read as false, as they always have. An
+    /// empty value gives the default.
+    template <std::same_as<bool> Flag>
+    bool ReadIniValue(std::string_view section, std::string_view key, Flag byDefault) const {
+        return readFlag(section, key, byDefault);
+    }
+    /// An empty value gives the default.
+    std::string ReadIniValue(std::string_view section, std::string_view key,
+                             std::string_view byDefault) const;
+    /// The leading decimal digits; a value without any, also an empty one, is 0.
+    template <std::same_as<int> Number>
+    int ReadIniValue(std::string_view section, std::string_view key, Number byDefault) const {
+        return readNumber(section, key, byDefault);
+    }
+
+    /// Blanks at the ends go and line breaks become blanks, so that one value stays on one line.
+    /// False, logged, when the file can't be written.
+    bool WriteIniValue(std::string_view section, std::string_view key, std::string_view value);
+    template <std::same_as<bool> Flag>
+    bool WriteIniValue(std::string_view section, std::string_view key, Flag value) {
+        return WriteIniValue(section, key, std::string_view(value ? "True" : "False"));
+    }
+
+  private:
+    bool readFlag(std::string_view section, std::string_view key, bool byDefault) const;
+    int readNumber(std::string_view section, std::string_view key, int byDefault) const;
+    std::optional<std::string> valueOf(std::string_view section, std::string_view key) const;
+    void load();
+    void put(std::string_view section, std::string_view key, const std::string &value);
+
+    std::filesystem::path m_path;
+    FailureLog &m_log;
+    std::vector<std::string> m_lines;
+};
+
+} // namespace nv

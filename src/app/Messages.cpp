@@ -1,0 +1,169 @@
+#include "app/Messages.h"
+
+#include <fmt/format.h>
+
+namespace nv::messages {
+
+namespace {
+
+Message notice(std::string id, std::string title, std::string text, Tone tone = Tone::Warning) {
+    return {std::move(id), std::move(title), std::move(text), Choices::Ok, tone, Answer::Ok};
+}
+
+Message failure(std::string id, std::string title, std::string_view reason) {
+    return notice(std::move(id), std::move(title), std::string(reason), Tone::Error);
+}
+
+Message question(std::string id, std::string title, std::string text, Answer unattended) {
+    return {std::move(id),  std::move(title),  std::move(text),
+            Choices::YesNo, Tone::Information, unattended};
+}
+
+} // namespace
+
+Message commandLineFileMissing() {
+    return notice("command-line-file-missing", "Invalid Command Line Argument",
+                  "The file parameter specified does not exist.");
+}
+
+Message commandLineFileUnknown() {
+    return notice("command-line-file-unknown", "Invalid File",
+                  "The file specified is not a recognized history file.");
+}
+
+Message startupError(std::string_view reason) {
+    return failure("startup-error", "Startup Error in Main()", reason);
+}
+
+Message groundZero() {
+    return notice("ground-zero", "",
+                  "This is Ground Zero in the function.\n"
+                  "If we have an error here, then the \n"
+                  "and we have some work to do...",
+                  Tone::Information);
+}
+
+Message tempFolderNotCleared(std::string_view reason) {
+    return notice(
+        "temp-folder-not-cleared", "",
+        fmt::format("An error occurred while trying to clear the Temp folder:\n{}", reason));
+}
+
+Message notAProjectFile() {
+    return notice("not-a-project-file", "Unrecognized File Format",
+                  "Selected file is not a valid Norvelane Project File.");
+}
+
+Message databaseNotCreated() {
+    return notice("database-not-created", "File Error",
+                  "Internal error encountered. Unable to create database.", Tone::Error);
+}
+
+Message openingFailed(std::string_view reason) {
+    return failure("opening-failed", "Error Opening File", reason);
+}
+
+Message closingFailed(std::string_view reason) {
+    return failure("closing-failed", "Error Closing File", reason);
+}
+
+Message saveAsFailed(std::string_view reason) {
+    return failure("save-as-failed", "File Error", reason);
+}
+
+Message overwriteProject(std::string_view path) {
+    return question("overwrite-project", "File Already Exists",
+                    fmt::format("The project file entered already exists.\n\n{}\n\n"
+                                "Do you want to overwrite the file?",
+                                path),
+                    Answer::No);
+}
+
+Message defaultQueryChanged() {
+    return notice("default-query-changed", "Important Information",
+                  "The _DEFAULT query has been modified since this project (case) file was first "
+                  "created. It is set back to its first form when the project is closed.",
+                  Tone::Information);
+}
+
+Message olderProject() {
+    return notice(
+        "older-project", "Possible Version Conflict",
+        "This project file was creatd with an earlier build of Norvelane. You may be able to "
+        "continue working with this file, however some tables and/or fields may have been updated "
+        "since it was first created.\n\n"
+        "It is strongly recommended that you backup this file and then run the 'Upgrade Wizard...' "
+        "option found under the File menu.\n\n"
+        "This tool is designed to examine your project file schema and IF NECESSARY, add/repair "
+        "any necessary internal data structures or relationships.");
+}
+
+Message runUpgradeWizard() {
+    return question("run-upgrade-wizard", "File Version Conflict",
+                    "Would you like to run the Upgrade Wizard utility now?", Answer::No);
+}
+
+Message versionCheckCanBeTurnedOff() {
+    return notice("version-check-can-be-turned-off", "Disable Notification",
+                  "You can turn off File Version Conflict checking through the Options menu on the "
+                  "main window.",
+                  Tone::Information);
+}
+
+Message zoneNotSet(std::string_view reason) {
+    return failure("zone-not-set", "Error Setting Time Zone", reason);
+}
+
+Message showOnlyWebpages() {
+    return question("show-only-webpages", "Quick Query",
+                    "Would you like to Show Only Webpages now?", Answer::No);
+}
+
+Message exitProgram() {
+    return question("exit-program", "Exit Program", "Are you sure?", Answer::Yes);
+}
+
+Message startingDirectoryMissing() {
+    return notice("starting-directory-missing", "Invalid Path",
+                  "The starting directory has not been selected.");
+}
+
+Message startingDirectoryGone() {
+    return notice("starting-directory-gone", "Invalid Path",
+                  "The starting directory does not exist.");
+}
+
+Message nothingToImport() {
+    return notice("nothing-to-import", "Nothing To Import",
+                  "No valid history or cache files found in the selected folder(s).",
+                  Tone::Information);
+}
+
+Message networkDetected() {
+    return {"network-detected",
+            "Network Connection Detected",
+            "Your computer appears to be connected to a network.\n\n"
+            "It is strongly recommended that you disable any outside connection to the Internet "
+            "while using Norvelane.\n\nDo you want to continue?",
+            Choices::YesNo,
+            Tone::Warning,
+            Answer::Yes};
+}
+
+Message importFailed(std::string_view reason) {
+    return failure("import-failed", "Error Importing Files", reason);
+}
+
+Message importSummary(std::string text) {
+    return notice("import-summary", "Import", std::move(text), Tone::Information);
+}
+
+Message loadFailed(std::string_view reason) {
+    return failure("load-failed", "Error Loading Cache", reason);
+}
+
+Message columnsFailed(std::string_view reason) {
+    return failure("columns-failed", "Error Formatting Columns", reason);
+}
+
+} // namespace nv::messages

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "base/Examiner.h"
+
+#include <string>
+#include <string_view>
+
+namespace nv::messages {
+
+// Every text that the program asks or tells, in one place. Examiners' manuals quote them, so they
+// stand as they are, misspellings included.
+
+Message commandLineFileMissing();
+Message commandLineFileUnknown();
+Message startupError(std::string_view reason);
+Message groundZero();
+Message tempFolderNotCleared(std::string_view reason);
+
+Message notAProjectFile();
+Message databaseNotCreated();
+Message openingFailed(std::string_view reason);
+Message closingFailed(std::string_view reason);
+Message saveAsFailed(std::string_view reason);
+Message overwriteProject(std::string_view path);
+Message defaultQueryChanged();
+Message olderProject();
+Message runUpgradeWizard();
+Message versionCheckCanBeTurnedOff();
+Message zoneNotSet(std::string_view reason);
+Message showOnlyWebpages();
+Message exitProgram();
+
+Message startingDirectoryMissing();
+Message startingDirectoryGone();
+Message nothingToImport();
+Message networkDetected();
+Message importFailed(std::string_view reason);
+Message importSummary(std::string text);
+Message loadFailed(std::string_view reason);
+Message columnsFailed(std::string_view reason);
+
+} // namespace nv::messages

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "app/ErrorLog.h"
+#include "app/IniFile.h"
+#include "app/ProgramPaths.h"
+#include "app/ThisClass.h"
+#include "app/ThreadClass.h"
+#include "base/Clock.h"
+#include "base/Examiner.h"
+#include "import/ImportClass.h"
+#include "platform/Network.h"
+#include "platform/SystemTime.h"
+
+namespace nv {
+
+/// What differs between the window, the headless program and tests. All must outlive the Program.
+struct Surroundings {
+    Examiner &examiner;
+    StatusView &status;
+    const Clock &clock;
+    const SystemTime &systemTime;
+    const Network &network;
+};
+
+enum class Front { window, headless };
+
+/// The long-lived objects of the process, in the order of their making. They are handed down by
+/// reference; nothing reaches for them through a global.
+struct Program {
+    Program(ProgramPaths where, Front front, const Surroundings &surroundings);
+
+    ProgramPaths paths;
+    Surroundings around;
+    ErrorLog log;
+    IniFile settings;
+    ThreadClass thread;
+    ThisClass thisClass;
+    ImportClass import;
+};
+
+/// The start-up steps between the splash and the main window: version, log, companion tool,
+/// settings, Temp folder, zone, scratch pages. The window empties its Temp folder; the headless
+/// program works in a folder of its own below it and leaves the rest alone, as a window may be
+/// open.
+void startUp(Program &program, Front front);
+
+/// The folder that a Temp setting leads to: the one named when it exists and deleting its contents
+/// can't hurt, else the default, which is made. Never a folder that holds the program, its
+/// settings, the user's home or the project.
+std::filesystem::path tempFolderFrom(const Program &program);
+
+} // namespace nv

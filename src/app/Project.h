@@ -1,0 +1,39 @@
+#pragma once
+
+#include "app/Program.h"
+#include "time/ShownDate.h"
+
+#include <cstdint>
+#include <filesystem>
+
+namespace nv {
+
+// What the window and the headless program share of opening and closing a project. All throw
+// StorageFailure when the project can't be opened or written.
+
+/// True for a file name with the extension of projects.
+bool isProjectName(const std::filesystem::path &path);
+
+/// Makes an empty project at `path`, over a file that is there, and leaves it open with the
+/// machine's zone. False when it couldn't be made; the reason is in the log.
+bool createProject(Program &program, const std::filesystem::path &path);
+
+/// Opens the project at `path`: its zone and base folder are in force afterwards.
+void openProject(Program &program, const std::filesystem::path &path);
+
+/// Keeps zone and base folder in the project, sets the default query back and closes the file.
+void closeProject(Program &program);
+
+/// Keeps the base folder in the open project; rows follow at the next load.
+void setRootPath(Program &program, const std::filesystem::path &root);
+
+/// Takes the zone with this `Time_Zone_ID` into force. False when there is none.
+bool setZone(Program &program, std::int64_t id);
+
+/// How dates are shown now.
+DateSettings dateSettings(const Program &program);
+
+/// The version that made the open project is older than this build, and the check isn't turned off.
+bool isOlderProject(Program &program);
+
+} // namespace nv

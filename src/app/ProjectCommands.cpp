@@ -1,0 +1,165 @@
+#include "app/ProjectCommands.h"
+
+#include "app/ImportJob.h"
+#include "app/Messages.h"
+#include "app/Project.h"
+#include "app/RecentFiles.h"
+#include "app/TempFolder.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/StoredQueries.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kDefaultQueryInCapitals =
+    "SELECT * FROM URLS ORDER BY ACTIONDATELOCAL ASC";
+
+} // namespace
+
+std::optional<fs::path> ProjectCommands::pathFor(const fs::path &given, OpenMode mode) {
+    if (mode == OpenMode::newByDialog)
+        return m_dialogs.CreateNewProjectFilename();
+    return given.empty() ? m_dialogs.chooseProject() : given;
+}
+
+bool ProjectCommands::create(const fs::path &path) {
+    if (createProject(m_program, path))
+        return true;
+    m_program.around.examiner.tell(messages::databaseNotCreated());
+    return false;
+}
+
+bool ProjectCommands::OpenFile(const fs::path &path, OpenMode mode) {
+    if (m_program.thisClass.ProjectDB.isOpen())
+        CloseFile();
+    const auto chosen = pathFor(path, mode);
+    if (!chosen)
+        return false;
+    if (!isProjectName(*chosen)) {
+        m_program.around.examiner.tell(messages::notAProjectFile());
+        return false;
+    }
+    const bool isNew = mode != OpenMode::existing;
+    if (isNew ? !create(*chosen) : !openExisting(*chosen))
+        return false;
+    afterOpening(isNew);
+    return true;
+}
+
+bool ProjectCommands::openExisting(const fs::path &path) {
+    const auto failure =
+        failureOf(m_program.log, "MainForm.OpenFile()", [&] { openProject(m_program, path); });
+    if (failure)
+        m_program.around.examiner.tell(messages::openingFailed(*failure));
+    return !failure;
+}
+
+void ProjectCommands::afterOpening(bool isNew) {
+    m_program.log.remove();
+    m_program.thisClass.TempFolderPath = tempFolderFrom(m_program);
+    m_view.restoreLayout();
+    UpdateProgramCaption();
+    StoreFilenameINI(m_program.settings, m_program.thisClass.ProjectDBPath);
+    m_view.showRecentFiles();
+    if (!isNew)
+        checkVersion();
+}
+
+void ProjectCommands::checkVersion() {
+    if (!isOlderProject(m_program))
+        return;
+    Examiner &examiner = m_program.around.examiner;
+    examiner.tell(messages::olderProject());
+    examiner.tell(messages::versionCheckCanBeTurnedOff());
+}
+
+void ProjectCommands::tellOfChangedDefaultQuery() {
+    const auto text = StoredQueries(m_program.thisClass.ProjectDB.connection()).text("_DEFAULT");
+    std::string unified = toUpper(text.value_or(""));
+    std::replace_if(
+        unified.begin(), unified.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    if (trim(unified) != kDefaultQueryInCapitals)
+        m_program.around.examiner.tell(messages::defaultQueryChanged());
+}
+
+void ProjectCommands::CloseFile() {
+    if (!m_program.thisClass.ProjectDB.isOpen())
+        return;
+    const fs::path path = m_program.thisClass.ProjectDBPath;
+    const auto failure = failureOf(m_program.log, "MainForm.CloseFile()", [this] {
+        m_view.saveLayout();
+        closeProject(m_program);
+    });
+    if (failure)
+        m_program.around.examiner.tell(messages::closingFailed(*failure));
+    m_view.clear();
+    UpdateProgramCaption();
+    StoreFilenameINI(m_program.settings, path);
+    m_view.showRecentFiles();
+}
+
+bool ProjectCommands::SaveAs() {
+    DatabaseClass &project = m_program.thisClass.ProjectDB;
+    if (!project.isOpen())
+        return false;
+    const auto target = m_dialogs.chooseSaveAs();
+    if (!target || *target == project.FilePath)
+        return false;
+    const fs::path source = project.FilePath;
+    m_view.saveLayout();
+    closeProject(m_program);
+    const auto failure =
+        failureOf(m_program.log, "MainForm.SaveAs()", [&] { copyToScratch(source, *target); });
+    if (failure)
+        m_program.around.examiner.tell(
+            messages::saveAsFailed(*failure + "\n\nThe project stays where it is."));
+    openProject(m_program, failure ? source : *target);
+    UpdateProgramCaption();
+    return !failure;
+}
+
+void ProjectCommands::UpdateProgramCaption() {
+    const ThisClass &state = m_program.thisClass;
+    const bool open = m_program.thisClass.ProjectDB.isOpen();
+    m_view.setCaption(open ? fmt::format("{} - [{}]", state.AppTitle, textOf(state.ProjectDBPath))
+                           : state.AppTitle);
+}
+
+bool ProjectCommands::LoadCommandLineFile(const fs::path &path) {
+    Examiner &examiner = m_program.around.examiner;
+    if (!fs::is_regular_file(path)) {
+        examiner.tell(messages::commandLineFileMissing());
+        return false;
+    }
+    if (isProjectName(path)) {
+        if (!OpenFile(path, OpenMode::existing))
+            return false;
+        m_view.LoadURLs();
+        return true;
+    }
+    const auto artefact = artefactOfCommandLine(path);
+    if (!artefact) {
+        examiner.tell(messages::commandLineFileUnknown());
+        return false;
+    }
+    const fs::path scratch = tempFileNames(m_program.thisClass.TempFolderPath).project;
+    if (!OpenFile(scratch, OpenMode::newAtPath))
+        return false;
+    m_program.import.HistoryFiles.Clear();
+    m_program.import.HistoryFiles.Add(*artefact);
+    const OpenTask task(m_program.thread, {});
+    runImportJob(m_program, m_program.thread, m_program.thisClass.TempFolderPath);
+    m_view.LoadURLs();
+    return true;
+}
+
+} // namespace nv

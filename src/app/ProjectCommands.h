@@ -1,0 +1,69 @@
+#pragma once
+
+#include "app/Program.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace nv {
+
+/// The file dialogs that commands show. Nothing is chosen when the examiner cancels.
+class FileDialogs {
+  public:
+    virtual ~FileDialogs() = default;
+    virtual std::optional<std::filesystem::path> chooseProject() = 0;
+    virtual std::optional<std::filesystem::path> CreateNewProjectFilename() = 0;
+    virtual std::optional<std::filesystem::path> chooseSaveAs() = 0;
+};
+
+/// What the window keeps in step with the project.
+class ProjectView {
+  public:
+    virtual ~ProjectView() = default;
+    virtual void setCaption(const std::string &caption) = 0;
+    /// Column layout: from the project's settings to the grid, and back.
+    virtual void restoreLayout() = 0;
+    virtual void saveLayout() = 0;
+    virtual void showRecentFiles() = 0;
+    /// The grids are emptied.
+    virtual void clear() = 0;
+    /// Runs the active query anew.
+    virtual void LoadURLs() = 0;
+};
+
+enum class OpenMode { existing, newByDialog, newAtPath };
+
+/// The File menu. Every command leaves a state that can be worked on, whatever fails.
+class ProjectCommands {
+  public:
+    ProjectCommands(Program &program, FileDialogs &dialogs, ProjectView &view)
+        : m_program(program), m_dialogs(dialogs), m_view(view) {}
+
+    /// Opens or makes a project; an open one is closed first. An empty path asks for one. True when
+    /// a project is open afterwards.
+    bool OpenFile(const std::filesystem::path &path, OpenMode mode);
+    void CloseFile();
+    /// A copy at the chosen path, with which the work goes on.
+    bool SaveAs();
+    /// Takes the one path of the command line: a project, or an artefact that is imported into a
+    /// scratch project at once.
+    bool LoadCommandLineFile(const std::filesystem::path &path);
+    /// After a project was opened from the File menu: tells of a changed default query.
+    void tellOfChangedDefaultQuery();
+    void UpdateProgramCaption();
+
+  private:
+    std::optional<std::filesystem::path> pathFor(const std::filesystem::path &given, OpenMode mode);
+    bool create(const std::filesystem::path &path);
+    bool openExisting(const std::filesystem::path &path);
+    void afterOpening(bool isNew);
+    void checkVersion();
+
+    Program &m_program;
+    FileDialogs &m_dialogs;
+    ProjectView &m_view;
+};
+
+} // namespace nv

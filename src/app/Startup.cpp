@@ -1,0 +1,161 @@
+#include "app/Messages.h"
+#include "app/Program.h"
+#include "app/TempFolder.h"
+#include "app/Version.h"
+#include "base/Files.h"
+#include "base/Trap.h"
+#include "time/ZoneDatabase.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kSmallestThumbnail = 100;
+constexpr int kMendedThumbnail = 160;
+constexpr int kMendedRedrawTimeout = 15;
+
+void takeVersion(ThisClass &state) {
+    state.AppTitle = "Norvelane";
+    state.AppBuildMajor = version::kMajor;
+    state.AppBuildMinor = version::kMinor;
+    state.AppBuildRevision = version::kRevision;
+    state.AppVersion =
+        fmt::format("{}.{}.{}", version::kMajor, version::kMinor, version::kRevision);
+}
+
+void findCompanionTool(Program &program) {
+    const fs::path beside = program.paths.program / "Ostermoor.exe";
+    ThisClass &state = program.thisClass;
+    if (fs::exists(beside))
+        state.OstermoorEXEPath = beside;
+    const fs::path named = program.settings.ReadIniValue("OPTIONS", "OstermoorEXEPath",
+                                                         textOf(state.OstermoorEXEPath));
+    if (fs::exists(named))
+        state.OstermoorEXEPath = named;
+}
+
+void readFormats(const IniFile &settings, ThisClass &state) {
+    state.DateFormat = settings.ReadIniValue("OPTIONS", "DateFormat", "yyyy-mm-dd");
+    state.TimeFormat = settings.ReadIniValue("OPTIONS", "TimeFormat", "Hh:Nn:Ss");
+    state.DateTimeFormat = state.DateFormat + " " + state.TimeFormat;
+}
+
+void readPaths(const Program &program, ThisClass &state) {
+    const IniFile &settings = program.settings;
+    state.LocalFavoritesPath = settings.ReadIniValue("OPTIONS", "LocalFavoritesPath",
+                                                     textOf(program.paths.home / "favorites.ini"));
+    state.SharedFavoritesPath = settings.ReadIniValue("OPTIONS", "SharedFavoritesPath", "");
+    state.AgencyLogoPath = settings.ReadIniValue("FILE PATHS", "AgencyLogoPath", "");
+    state.PublishTempFolder = settings.ReadIniValue("FILE PATHS", "PublishFolder", "");
+}
+
+void readThumbnails(const IniFile &settings, ThisClass &state) {
+    state.ViewerThumbnailWidth = settings.ReadIniValue("THUMBNAILS", "ViewerThumbnailWidth", 120);
+    state.ThumbnailRedrawTimeout = settings.ReadIniValue("THUMBNAILS", "ThumbnailRedrawTimeout", 5);
+    if (state.ThumbnailRedrawTimeout < 1)
+        state.ThumbnailRedrawTimeout = kMendedRedrawTimeout;
+    if (state.ViewerThumbnailWidth < kSmallestThumbnail)
+        state.ViewerThumbnailWidth = kMendedThumbnail;
+}
+
+void readOptions(const IniFile &settings, ThisClass &state) {
+    const auto flag = [&settings](std::string_view key, bool byDefault) {
+        return settings.ReadIniValue("OPTIONS", key, byDefault);
+    };
+    state.DisableAutoRebuildInHTMLGallery = flag("DisableAutoRebuildInHTMLGallery", false);
+    state.DisableFileVersionCheck = flag("DisableFileVersionCheck", false);
+    state.GalleryIncludeHTML = flag("GalleryIncludeHTML", true);
+    state.GalleryIncludePictures = flag("GalleryIncludePictures", true);
+    state.VerifyFileSignatures = flag("VerifyFileSignatures", true);
+    state.RedrawThumbIfPageRebuilt = flag("RedrawThumbIfPageRebuilt", true);
+    state.GalleryRecordsPerPage = settings.ReadIniValue("OPTIONS", "GalleryRecordsPerPage", 300);
+    state.ProgressBarRefreshRate = settings.ReadIniValue("OPTIONS", "ProgressBarRefreshRate", 5);
+    state.NetworkConnectionName =
+        settings.ReadIniValue("OPTIONS", "NetworkConnectionName", "Local Area Connection");
+    state.ConnectionOffline = settings.ReadIniValue("DEFAULT", "ConnectionOffline", true);
+    state.HTMLReplaceableHREFTags = settings.ReadIniValue("DEFAULT", "HTMLReplaceableHREFTags",
+                                                          "js;css;php;txt;asp;aspx;htm;html;");
+    state.HTMLReplaceablePictureTags = settings.ReadIniValue(
+        "DEFAULT", "HTMLReplaceablePictureTags", "jpe;jpeg;jpg;gif;bmp;png;tif;");
+}
+
+void readSettings(Program &program) {
+    ThisClass &state = program.thisClass;
+    readFormats(program.settings, state);
+    readPaths(program, state);
+    readThumbnails(program.settings, state);
+    readOptions(program.settings, state);
+    program.thread.ProgressBarRefreshRate = state.ProgressBarRefreshRate;
+    program.import.ParseAdvancedMetadata =
+        program.settings.ReadIniValue("OPTIONS", "ParseAdvancedMetaData", true);
+    program.import.VerifyFileSignatures = state.VerifyFileSignatures;
+}
+
+/// The machine's zone without its daylight shift until a project sets one: see ZoneDatabase.
+void takeMachineZone(Program &program) {
+    const Clock &clock = program.around.clock;
+    TimeZoneClass &zone = program.thisClass.GMTZone;
+    zone = ZoneDatabase(program.paths.zones(), program.log)
+               .GetSystemTimeZone(zone, program.around.systemTime.zone(),
+                                  Date::fromTimePoint(clock.now() + clock.localOffset()));
+}
+
+void prepareTempFolder(Program &program) {
+    const fs::path &folder = program.thisClass.TempFolderPath;
+    const auto failure = failureOf(program.log, "Main()", [&] {
+        const OpenTask task(program.thread, {});
+        EmptyTempFolder(folder, program.thread);
+        WriteScratchPages(tempFileNames(folder));
+    });
+    if (failure)
+        program.around.examiner.tell(messages::tempFolderNotCleared(*failure));
+}
+
+bool holds(const fs::path &folder, const fs::path &inner) {
+    const fs::path relative =
+        fs::weakly_canonical(inner).lexically_relative(fs::weakly_canonical(folder));
+    return !relative.empty() && *relative.begin() != "..";
+}
+
+} // namespace
+
+Program::Program(ProgramPaths where, Front front, const Surroundings &surroundings)
+    : paths(std::move(where)), around(surroundings),
+      log(paths.errorLog(front == Front::headless), around.clock), settings(paths.settings(), log),
+      thread(around.status), thisClass(log, around.clock) {}
+
+fs::path tempFolderFrom(const Program &program) {
+    const fs::path byDefault = program.paths.defaultTemp();
+    const fs::path named =
+        program.settings.ReadIniValue("DEFAULT", "TempFolderPath", textOf(byDefault));
+    const char *home = std::getenv("HOME");
+    const bool harmless =
+        fs::is_directory(named) && !holds(named, program.paths.program) &&
+        !holds(named, program.paths.home) && !(home && *home && holds(named, home)) &&
+        (program.thisClass.ProjectDBPath.empty() || !holds(named, program.thisClass.ProjectDBPath));
+    if (harmless)
+        return named;
+    fs::create_directories(byDefault);
+    return byDefault;
+}
+
+void startUp(Program &program, Front front) {
+    ThisClass &state = program.thisClass;
+    takeVersion(state);
+    program.log.remove();
+    findCompanionTool(program);
+    state.TempFolderPath = tempFolderFrom(program);
+    readSettings(program);
+    takeMachineZone(program);
+    state.DebugMain = program.settings.ReadIniValue("OPTIONS", "DebugMain", false);
+    if (front == Front::window)
+        prepareTempFolder(program);
+}
+
+} // namespace nv

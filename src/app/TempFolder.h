@@ -1,0 +1,27 @@
+#pragma once
+
+#include "base/TaskMonitor.h"
+
+#include <filesystem>
+
+namespace nv {
+
+/// The fixed names of scratch files. The last three are pages of the program's own with fixed text.
+struct TempFileNames {
+    std::filesystem::path scratch;    ///< "~tmp"
+    std::filesystem::path blob;       ///< "~blob"
+    std::filesystem::path badUrl;     ///< "~badurl.htm": why nothing can be shown
+    std::filesystem::path badReport;  ///< "~badreport.htm": how to make a report
+    std::filesystem::path pleaseWait; ///< "~pleasewait.htm"
+    std::filesystem::path project;    ///< "~cmdtemp.nvp": the scratch project of the command line
+};
+TempFileNames tempFileNames(const std::filesystem::path &tempFolder);
+
+/// Removes everything in the folder and nothing outside of it: links are removed, not followed.
+/// Throws std::filesystem::filesystem_error.
+void EmptyTempFolder(const std::filesystem::path &tempFolder, TaskMonitor &task);
+
+/// Throws FileFailure.
+void WriteScratchPages(const TempFileNames &names);
+
+} // namespace nv

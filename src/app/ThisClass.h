@@ -1,0 +1,78 @@
+#pragma once
+
+#include "db/DatabaseClass.h"
+#include "time/TimeZoneClass.h"
+
+#include <filesystem>
+#include <string>
+
+namespace nv {
+
+/// The shared state of the program: a plain bag with no logic, passed by reference. Members stand
+/// at the zero of their type until start-up fills them.
+struct ThisClass {
+    ThisClass(FailureLog &log, const Clock &clock)
+        : ProjectDB(log, clock), GMTZone(Date::fromTimePoint(clock.now() + clock.localOffset())) {}
+
+    // Version
+    int AppBuildMajor = 0;
+    int AppBuildMinor = 0;
+    int AppBuildRevision = 0;
+    std::string AppVersion;
+    std::string AppTitle;
+
+    // Paths
+    std::filesystem::path RootPath; ///< the project's base root folder
+    std::filesystem::path TempFolderPath;
+    std::filesystem::path PublishTempFolder;
+    std::filesystem::path LocalFavoritesPath;
+    std::filesystem::path SharedFavoritesPath;
+    std::filesystem::path AgencyLogoPath;
+    std::filesystem::path ProjectDBPath;
+    std::filesystem::path OstermoorEXEPath;
+
+    // Database
+    DatabaseClass ProjectDB;
+
+    // Queries and table
+    std::string DefaultSQLDef = "SELECT * FROM URLs ORDER BY ActionDateLocal ASC";
+    std::string CurrentSQLDef = DefaultSQLDef;
+
+    // Gallery
+    int GalleryRecordsPerPage = 0;
+    bool GalleryIncludeHTML = false;
+    bool GalleryIncludePictures = false;
+
+    // Thumbnails
+    int ViewerThumbnailWidth = 0;   ///< pixels
+    int ThumbnailRedrawTimeout = 0; ///< seconds
+    bool RedrawThumbIfPageRebuilt = false;
+    bool DisableAutoRebuildInHTMLGallery = false;
+
+    // Formats and time
+    std::string DateFormat;
+    std::string TimeFormat;
+    std::string DateTimeFormat;
+    TimeZoneClass GMTZone; ///< the zone of the open project
+    bool EnableDSTChanges = true;
+
+    // Rebuild behaviour
+    std::string HTMLReplaceableHREFTags;
+    std::string HTMLReplaceablePictureTags;
+
+    // Task control
+    int ProgressBarRefreshRate = 0; ///< seconds
+
+    // Import
+    bool VerifyFileSignatures = true;
+    bool DisableFileVersionCheck = false;
+
+    // Network
+    std::string NetworkConnectionName;
+    bool ConnectionOffline = false;
+
+    // Debug
+    bool DebugMain = false;
+};
+
+} // namespace nv

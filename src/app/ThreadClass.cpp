@@ -1,0 +1,129 @@
+#include "app/ThreadClass.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+/// Events run and the bar moves this often, in seconds; the texts change at the slower step that
+/// the examiner chose.
+constexpr double kPumpStep = 0.05;
+
+int percentOf(std::int64_t counter, std::int64_t total) {
+    if (total <= 0)
+        return 0;
+    return static_cast<int>(
+        std::clamp(100.0 * static_cast<double>(counter) / static_cast<double>(total), 0.0, 100.0));
+}
+
+} // namespace
+
+double ThreadClass::steadySeconds() {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration<double>(now).count();
+}
+
+ThreadClass::ThreadClass(StatusView &view, std::function<double()> seconds)
+    : m_view(view), m_seconds(std::move(seconds)) {}
+
+void ThreadClass::OpenThread() {
+    IsOpen = true;
+    CancelTask = false;
+    m_stepDue = true;
+    m_startTimer = m_localTimer = m_lastPump = m_seconds();
+    ResetThread();
+    m_view.open();
+    UpdateStatus();
+}
+
+void ThreadClass::CloseThread() {
+    IsOpen = false;
+    m_startTimer = 0;
+    QueueIndex = QueueItemCount = 0;
+    IconPath.clear();
+    m_view.close();
+}
+
+void ThreadClass::ResetThread() {
+    Top = {};
+    Bottom = {};
+}
+
+void ThreadClass::UpdateStatus() {
+    m_view.update(*this);
+    m_view.pump();
+}
+
+std::string ThreadClass::GetTimeElapsed() const {
+    if (!IsOpen)
+        return "00:00:00";
+    const auto seconds = static_cast<std::int64_t>(std::max(0.0, m_seconds() - m_startTimer));
+    return fmt::format("{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+}
+
+std::string ThreadClass::windowTitle() const {
+    if (Top.visible)
+        return fmt::format("{}% Norvelane Thread Status", Top.percent);
+    if (QueueItemCount > 1)
+        return fmt::format("Thread Status - Queued: {}",
+                           std::max<std::int64_t>(0, QueueItemCount - QueueIndex));
+    return "Thread Status";
+}
+
+void ThreadClass::describe(const TaskHeading &heading) {
+    Msg1 = heading.title;
+    Msg2 = heading.subject;
+    Msg3 = heading.detail;
+    IconPath = heading.icon;
+    Top.visible = true;
+    Bottom.visible = false;
+    m_stepDue = true;
+    UpdateStatus();
+}
+
+bool ThreadClass::advance(double fraction) {
+    const double now = m_seconds();
+    if (now - m_localTimer >= ProgressBarRefreshRate)
+        m_stepDue = true;
+    if (now - m_lastPump >= kPumpStep) {
+        m_lastPump = now;
+        Top.percent = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100);
+        UpdateStatus();
+    }
+    return !CancelTask;
+}
+
+bool ThreadClass::wantsStep() const {
+    return m_stepDue;
+}
+
+void ThreadClass::show(const TaskStep &step) {
+    m_stepDue = false;
+    m_localTimer = m_seconds();
+    Top.message = step.topMessage;
+    Top.counter = step.topCounter;
+    Top.total = step.topTotal;
+    Bottom.visible = !step.bottomMessage.empty();
+    Bottom.message = step.bottomMessage;
+    Bottom.counter = step.bottomCounter;
+    Bottom.total = step.bottomTotal;
+    Bottom.percent = percentOf(Bottom.counter, Bottom.total);
+    UpdateStatus();
+}
+
+OpenTask::OpenTask(ThreadClass &thread, const TaskHeading &heading)
+    : m_thread(thread), m_owner(!thread.IsOpen) {
+    if (m_owner)
+        m_thread.OpenThread();
+    m_thread.describe(heading);
+}
+
+OpenTask::~OpenTask() {
+    if (m_owner)
+        m_thread.CloseThread();
+}
+
+} // namespace nv

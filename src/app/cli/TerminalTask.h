@@ -1,0 +1,43 @@
+#pragma once
+
+#include "base/TaskMonitor.h"
+
+#include <atomic>
+#include <chrono>
+#include <ostream>
+#include <string>
+
+namespace nv::cli {
+
+/// Set by Ctrl-C; every loop of a task asks for it.
+extern std::atomic<bool> interrupted;
+
+/// Makes Ctrl-C set `interrupted`; a second one ends the process at once.
+void catchInterrupts();
+
+/// The headless program's task monitor: a progress bar on a terminal's stderr, silence elsewhere.
+class TerminalTask final : public TaskMonitor {
+  public:
+    TerminalTask(std::ostream &err, bool isTerminal) : m_err(err), m_isTerminal(isTerminal) {}
+    ~TerminalTask() override { clear(); }
+    TerminalTask(const TerminalTask &) = delete;
+    TerminalTask &operator=(const TerminalTask &) = delete;
+
+    void describe(const TaskHeading &heading) override;
+    bool advance(double fraction) override;
+    bool wantsStep() const override { return false; }
+    void show(const TaskStep &) override {}
+    /// Takes the bar away, so that other lines can be written.
+    void clear();
+
+  private:
+    void draw(double fraction);
+
+    std::ostream &m_err;
+    bool m_isTerminal;
+    bool m_drawn = false;
+    std::string m_title;
+    std::chrono::steady_clock::time_point m_lastDrawn;
+};
+
+} // namespace nv::cli

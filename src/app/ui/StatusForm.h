@@ -1,0 +1,59 @@
+#pragma once
+
+#include "app/ThreadClass.h"
+
+#include <QDialog>
+
+class QBoxLayout;
+class QLabel;
+class QPushButton;
+
+namespace nv {
+
+class ProgressBox;
+
+/// The window behind ThreadClass. It is modeless: the main window stays drawn, and locked, while a
+/// task runs.
+class StatusForm final : public QDialog, public StatusView {
+    Q_OBJECT
+
+  public:
+    explicit StatusForm(QWidget *parent = nullptr);
+
+    void open() override;
+    void close() override;
+    void update(const ThreadClass &status) override;
+    void pump() override;
+    /// Closing the window is no way round its Cancel button.
+    void reject() override;
+
+  signals:
+    /// The examiner wants the task to end; emitted once a task.
+    void cancelled();
+
+  private:
+    struct Bar {
+        QLabel *message = nullptr; ///< above the bar
+        ProgressBox *box = nullptr;
+        QLabel *counter = nullptr; ///< on the bar
+    };
+
+    QLabel *addLabel(const char *name);
+    Bar addBar(QBoxLayout &column, int number);
+    QBoxLayout *messageRow();
+    QBoxLayout *buttonRow();
+    void cancel();
+    void showIcon(const ThreadClass &status);
+    static void showBar(const Bar &bar, const StatusBar &values);
+
+    QLabel *m_icon = nullptr;
+    QLabel *m_messages[3] = {};
+    Bar m_top;
+    Bar m_bottom;
+    QLabel *m_elapsed = nullptr;
+    QPushButton *m_cancel = nullptr;
+    std::string m_iconPath; ///< of the picture that is shown
+    bool m_running = false;
+};
+
+} // namespace nv

@@ -1,0 +1,100 @@
+#include "app/ui/Theme.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <QStyleFactory>
+
+namespace nv {
+
+namespace {
+
+/// Settings of this build that earlier ones don't know have a section of their own.
+constexpr std::string_view kSection = "BEYOND";
+constexpr std::string_view kKey = "Theme";
+
+struct Colours {
+    QRgb window, base, alternate, button, text, faint, disabled, highlight, highlighted, link, mid,
+        tooltip;
+};
+
+// Text stands out from its ground by 7:1 or more, faint text by 4.5:1.
+constexpr Colours kLight = {0xfff4f6f8, 0xffffffff, 0xfff6f9fc, 0xfffbfcfd, 0xff1a1f26, 0xff5b6672,
+                            0xff8e98a3, 0xff1f66c1, 0xffffffff, 0xff0b57b7, 0xffc3cbd4, 0xffffffff};
+constexpr Colours kDark = {0xff20242a, 0xff181b20, 0xff1d2127, 0xff2b3038, 0xffe7eaee, 0xffa3adb8,
+                           0xff717b86, 0xff2a69b8, 0xffffffff, 0xff79b4f5, 0xff444c57, 0xff2b3038};
+
+void setEverywhere(QPalette &palette, const Colours &colours) {
+    const std::pair<QPalette::ColorRole, QRgb> roles[] = {
+        {QPalette::Window, colours.window},
+        {QPalette::Base, colours.base},
+        {QPalette::AlternateBase, colours.alternate},
+        {QPalette::Button, colours.button},
+        {QPalette::WindowText, colours.text},
+        {QPalette::Text, colours.text},
+        {QPalette::ButtonText, colours.text},
+        {QPalette::PlaceholderText, colours.faint},
+        {QPalette::Highlight, colours.highlight},
+        {QPalette::HighlightedText, colours.highlighted},
+        {QPalette::Link, colours.link},
+        {QPalette::LinkVisited, colours.link},
+        {QPalette::BrightText, colours.highlighted},
+        {QPalette::Mid, colours.mid},
+        {QPalette::ToolTipBase, colours.tooltip},
+        {QPalette::ToolTipText, colours.text},
+    };
+    for (const auto &[role, colour] : roles)
+        palette.setColor(role, QColor::fromRgb(colour));
+}
+
+QPalette paletteOf(const Colours &colours) {
+    QPalette palette(QColor::fromRgb(colours.button), QColor::fromRgb(colours.window));
+    setEverywhere(palette, colours);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor::fromRgb(colours.disabled));
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor::fromRgb(colours.mid));
+    return palette;
+}
+
+bool systemIsDark() {
+    static const bool dark = [] {
+        const QPalette palette = QGuiApplication::palette();
+        return palette.color(QPalette::Window).lightness() <
+               palette.color(QPalette::WindowText).lightness();
+    }();
+    return dark;
+}
+
+} // namespace
+
+std::string_view themeName(Theme theme) {
+    switch (theme) {
+    case Theme::Light:
+        return "Light";
+    case Theme::Dark:
+        return "Dark";
+    case Theme::System:
+        break;
+    }
+    return "System";
+}
+
+Theme keptTheme(const IniFile &settings) {
+    const std::string name = settings.ReadIniValue(kSection, kKey, themeName(Theme::System));
+    for (const Theme theme : {Theme::Light, Theme::Dark}) {
+        if (name == themeName(theme))
+            return theme;
+    }
+    return Theme::System;
+}
+
+void keepTheme(IniFile &settings, Theme theme) {
+    settings.WriteIniValue(kSection, kKey, themeName(theme));
+}
+
+void applyTheme(QApplication &application, Theme theme) {
+    const bool dark = theme == Theme::Dark || (theme == Theme::System && systemIsDark());
+    application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    application.setPalette(paletteOf(dark ? kDark : kLight));
+}
+
+} // namespace nv

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nv {
+
+/// A LIKE pattern, compiled once and then matched against many texts: % for any text, _ for any
+/// character, [abc], [a-z] and [!a-z] for one of a list. Letters match in either case. "*" and "?"
+/// stand for themselves.
+class LikePattern {
+  public:
+    /// Throws DialectError "Invalid pattern string" for a "[" that isn't closed.
+    explicit LikePattern(std::string_view pattern);
+    /// Throws what the constructor would.
+    static void check(std::string_view pattern) { LikePattern{pattern}; }
+
+    bool matches(std::string_view text) const;
+
+  private:
+    enum class Kind { letter, anyText, anyLetter, list };
+    struct Range {
+        char32_t first;
+        char32_t last;
+    };
+    struct Step {
+        Kind kind;
+        char32_t letter = 0;
+        bool negated = false;
+        std::vector<Range> ranges;
+    };
+
+    static Step listStep(std::u32string_view list);
+    bool matchesSteps(std::string_view text) const;
+    static bool matchesStep(const Step &step, char32_t letter);
+
+    std::vector<Step> m_steps;
+    /// Patterns of one plain ASCII text with % at one end or both, the most of all, need no steps.
+    bool m_isPlain = false;
+    bool m_openBegin = false;
+    bool m_openEnd = false;
+    std::string m_plain; ///< lower-case
+};
+
+/// `text` with the pattern's own characters made plain, for a LIKE that the program builds.
+std::string escapedForLike(std::string_view text);
+
+} // namespace nv

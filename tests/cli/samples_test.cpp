@@ -1,0 +1,137 @@
+#include <cmath>
+#include <fstream>
+#include <set>
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "base/Text.h"
+#include "cli/CliRun.h"
+#include "support/Samples.h"
+#include "support/TempFolder.h"
+#include "time/Date.h"
+
+// Imports every real sample with the program itself and compares the project with the facts that
+// independent tools found in it.
+namespace nv::test {
+namespace {
+
+using nlohmann::json;
+namespace fs = std::filesystem;
+
+const std::set<std::string> kDates = {"ActionDateUTC", "OtherDate", "ExpiryDate"};
+const std::set<std::string> kTexts = {
+    "URLRawValue", "Action",   "cacheType",       "OtherDateMeaning", "User",
+    "host",        "WebpageTitle", "CacheFileName", "CacheFolderName", "DataBlockFile"};
+const std::set<std::string> kNumbers = {"Visits", "Reference_ID", "CacheFileSize", "Hidden"};
+
+/// "2011-04-07 12:03:11.5" as days since 1899-12-30, fractions dropped.
+double daysOf(const std::string &text) {
+    CivilTime civil;
+    std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d", &civil.year, &civil.month, &civil.day,
+                &civil.hour, &civil.minute, &civil.second);
+    return Date::fromCivil(civil).days();
+}
+
+std::string describe(const json &record) {
+    return record.value("URLRawValue", record.value("URL", std::string("?"))).substr(0, 80);
+}
+
+void compareDate(const json &want, const SQLite::Column &got, const std::string &where) {
+    if (want.is_null() || want.get<std::string>().empty()) {
+        EXPECT_TRUE(got.isNull()) << where;
+        return;
+    }
+    ASSERT_FALSE(got.isNull()) << where;
+    EXPECT_LE(std::abs(got.getDouble() - daysOf(want.get<std::string>())) * 86400, 1.01) << where;
+}
+
+void compareText(const json &want, const SQLite::Column &got, const std::string &where) {
+    const std::string text = want.is_null() ? "" : want.get<std::string>();
+    EXPECT_TRUE(equalsNoCase(got.getString(), text)) << where << ": " << got.getString();
+}
+
+void compareNumber(const json &want, const SQLite::Column &got, const std::string &where) {
+    const std::int64_t number =
+        want.is_boolean() ? (want.get<bool>() ? 1 : 0) : want.get<std::int64_t>();
+    EXPECT_EQ(got.getInt64(), number) << where;
+}
+
+void compareRecord(SQLite::Database &project, const json &record) {
+    const bool byOffset = record.contains("record_offset");
+    const char *key = byOffset ? "MapFileOffset" : "Reference_ID";
+    SQLite::Statement row(project, fmt::format("SELECT * FROM URLs WHERE {} = ? AND "
+                                               "URLRawValue = ?",
+                                               key));
+    row.bind(1, record.at(byOffset ? "record_offset" : "Reference_ID").get<std::int64_t>());
+    row.bind(2, record.at("URLRawValue").get<std::string>());
+    ASSERT_TRUE(row.executeStep()) << "no row for " << describe(record);
+    for (const auto &[name, want] : record.items()) {
+        const std::string where = describe(record) + " " + name;
+        if (kDates.contains(name))
+            compareDate(want, row.getColumn(name.c_str()), where);
+        else if (kTexts.contains(name))
+            compareText(want, row.getColumn(name.c_str()), where);
+        else if (kNumbers.contains(name) && !want.is_null())
+            compareNumber(want, row.getColumn(name.c_str()), where);
+    }
+}
+
+std::vector<fs::path> sampleFolders() {
+    std::vector<fs::path> folders;
+    if (const auto samples = samplesFolder())
+        for (const auto &entry : fs::directory_iterator(*samples))
+            if (fs::exists(entry.path() / "expected.json"))
+                folders.push_back(entry.path());
+    return folders;
+}
+
+std::map<fs::path, std::uintmax_t> listingOf(const fs::path &folder) {
+    std::map<fs::path, std::uintmax_t> listing;
+    for (const auto &entry : fs::recursive_directory_iterator(folder))
+        listing[entry.path()] = entry.is_regular_file() ? entry.file_size() : 0;
+    return listing;
+}
+
+struct SampleTest : testing::TestWithParam<fs::path> {};
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SampleTest);
+
+TEST_P(SampleTest, agreesWithItsExpectedFacts) {
+    const json told = json::parse(std::ifstream(GetParam() / "expected.json"));
+    const fs::path evidence = GetParam() / "evidence";
+    const TempFolder folder;
+    const fs::path project = folder.path() / "case.nvp";
+    const auto before = listingOf(evidence);
+    const CliResult run =
+        runCli({"import", project.string(), evidence.string(), "--format", "json"},
+               folder.path() / "home");
+    EXPECT_EQ(listingOf(evidence), before) << "evidence was changed";
+    ASSERT_TRUE(run.exit == 0 || run.exit == 2) << run.err;
+    const json summary = json::parse(run.out);
+    bool allRead = true;
+    for (const json &artefact : summary.at("artefacts"))
+        allRead &= artefact.at("state") != "not read yet";
+    SQLite::Database database(project.string());
+    const int rows = database.execAndGet("SELECT count(*) FROM URLs").getInt();
+    if (!allRead) {
+        EXPECT_EQ(run.exit, 0) << "a format that is not read yet is no failure";
+        return;
+    }
+    EXPECT_EQ(rows, told.at("expected").value("rows", 0));
+    for (const json &record : told.value("records", json::array()))
+        compareRecord(database, record);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, SampleTest, testing::ValuesIn(sampleFolders()),
+                         [](const auto &info) { return info.param.filename().string(); });
+
+TEST(Samples, areThereOrTheTestSaysSo) {
+    if (sampleFolders().empty())
+        GTEST_SKIP() << "the folder of real samples is absent";
+    EXPECT_GE(sampleFolders().size(), 20u);
+}
+
+} // namespace
+} // namespace nv::test

@@ -1,0 +1,82 @@
+#include "app/IniFile.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "support/TempFolder.h"
+#include "support/TestDoubles.h"
+
+#include <gtest/gtest.h>
+
+namespace nv {
+namespace {
+
+struct IniFileTest : testing::Test {
+    IniFile open(std::string_view text) { return {folder.write("Norvelane.ini", text), log}; }
+    std::string onDisk() const {
+        const Bytes bytes = readWhole(folder.path() / "Norvelane.ini");
+        return std::string(ByteView(bytes).raw());
+    }
+    test::TempFolder folder;
+    test::MemoryLog log;
+};
+
+TEST_F(IniFileTest, missingFileGivesEveryDefault) {
+    const IniFile ini(folder.path() / "none.ini", log);
+    EXPECT_TRUE(ini.ReadIniValue("OPTIONS", "ShowTipsAtStartup", true));
+    EXPECT_EQ(ini.ReadIniValue("OPTIONS", "DateFormat", "yyyy-mm-dd"), "yyyy-mm-dd");
+    EXPECT_EQ(ini.ReadIniValue("THUMBNAILS", "ViewerThumbnailWidth", 120), 120);
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(IniFileTest, onlyTheExactWordTrueIsTrue) {
+    const IniFile ini = open("[OPTIONS]\r\nA=true\r\nB=True\r\nC=1\r\nD=\r\nE=False\r\n");
+    EXPECT_FALSE(ini.ReadIniValue("OPTIONS", "A", true));
+    EXPECT_TRUE(ini.ReadIniValue("OPTIONS", "B", false));
+    EXPECT_FALSE(ini.ReadIniValue("OPTIONS", "C", true));
+    EXPECT_TRUE(ini.ReadIniValue("OPTIONS", "D", true)); // empty: the default
+    EXPECT_FALSE(ini.ReadIniValue("OPTIONS", "E", true));
+}
+
+TEST_F(IniFileTest, namesAreFoundWithoutRegardToCaseAndBlanks) {
+    const IniFile ini = open("\xEF\xBB\xBF; a comment\n[Options]\n  dateformat =  dd.mm.yyyy \n"
+                             "quoted=\" kept \"\n");
+    EXPECT_EQ(ini.ReadIniValue("OPTIONS", "DateFormat", "x"), "dd.mm.yyyy");
+    EXPECT_EQ(ini.ReadIniValue("OPTIONS", "Quoted", "x"), " kept ");
+    EXPECT_EQ(ini.ReadIniValue("OTHER", "DateFormat", "x"), "x");
+}
+
+TEST_F(IniFileTest, anEmptyTextGivesTheDefaultButAnEmptyNumberIsZero) {
+    const IniFile ini =
+        open("[S]\nText=\nNumber=\nMixed=12px\nWord=abc\nMinus=-3\nHuge=99999999999\n");
+    EXPECT_EQ(ini.ReadIniValue("S", "Text", "default"), "default");
+    EXPECT_EQ(ini.ReadIniValue("S", "Number", 7), 0);
+    EXPECT_EQ(ini.ReadIniValue("S", "Mixed", 7), 12);
+    EXPECT_EQ(ini.ReadIniValue("S", "Word", 7), 0);
+    EXPECT_EQ(ini.ReadIniValue("S", "Minus", 7), -3);
+    EXPECT_EQ(ini.ReadIniValue("S", "Huge", 7), 0);
+}
+
+TEST_F(IniFileTest, aValueWithALineBreakIsWrittenOnOneLine) {
+    IniFile ini = open("");
+    EXPECT_TRUE(ini.WriteIniValue("REPORT", "ReportTitle", " one\r\ntwo\nthree\rfour "));
+    EXPECT_EQ(ini.ReadIniValue("REPORT", "ReportTitle", ""), "one two three four");
+    EXPECT_EQ(onDisk(), "[REPORT]\r\nReportTitle=one two three four\r\n");
+}
+
+TEST_F(IniFileTest, writingLeavesAllOtherLinesAlone) {
+    IniFile ini = open("; kept\r\n[A]\r\nx=1\r\n\r\n[B]\r\ny=2\r\n");
+    EXPECT_TRUE(ini.WriteIniValue("a", "X", "9"));
+    EXPECT_TRUE(ini.WriteIniValue("A", "new", true));
+    EXPECT_TRUE(ini.WriteIniValue("C", "z", "3"));
+    EXPECT_EQ(onDisk(), "; kept\r\n[A]\r\nX=9\r\n\r\nnew=True\r\n[B]\r\ny=2\r\n[C]\r\nz=3\r\n");
+}
+
+TEST_F(IniFileTest, aFileThatCantBeWrittenIsLoggedAndGivesFalse) {
+    IniFile ini(folder.path() / "no-such-folder" / "x.ini", log);
+    EXPECT_FALSE(ini.WriteIniValue("A", "b", "c"));
+    ASSERT_EQ(log.entries.size(), 1u);
+    EXPECT_EQ(log.entries[0].procedure, "File Write Error");
+    EXPECT_EQ(log.entries[0].severity, Severity::Warning);
+}
+
+} // namespace
+} // namespace nv

@@ -1,0 +1,134 @@
+#!/usr/bin/env python3
+"""Checks what each file of src/ includes, and where failures are caught.
+
+- "folder/..." may point to the same or a lower layer only, and two folders never to each other.
+- Includes are written from src/, with quotation marks.
+- Qt stands in windows (*/ui/), platform/qt and programs only, and so do includes of them.
+- A family of readers never includes another one.
+- `catch` stands in the traps, main functions, platform adapters and the database's error adapter.
+
+usage: tools/check_layers.py [FILE of src/...]
+"""
+
+import re
+import sys
+
+from common import ROOT, includes, project_files, read, resolve, without_comments
+
+LAYERS = [
+    ("base",),
+    ("time", "platform"),
+    ("db",),
+    ("readers",),
+    ("import", "rebuild"),
+    ("views",),
+    ("reports", "maintenance"),
+    ("app",),
+    ("ui",),
+    ("programs",),
+]
+RANK = {folder: rank for rank, layer in enumerate(LAYERS) for folder in layer}
+
+# Folders of readers/ that are no family but help several.
+SHARED_BY_READERS = {"sqlite", "xml", "plist", "common"}
+
+# Families that may know another one: (from, to) with the reason.
+FAMILIES_ALLOWED = {
+    ("results", "ie"): "recovered-record files hold records of Internet Explorer's index",
+}
+
+QT = re.compile(r"Q[A-Z]\w*(/.*)?|Qt\w*/.*|q\w+\.h")
+QT_FOLDERS = re.compile(r"src/(.*/)?ui/|src/platform/qt/|src/programs/")
+
+CATCH_PLACES = re.compile(r"src/base/Trap\.h|src/programs/[^/]*\.cpp|src/platform/.*"
+                          r"|src/db/SqliteErrors\.(h|cpp)")
+
+# Further files that may catch: each with the reason why neither trap does.
+CATCH_ALLOWED = {
+}
+
+
+def layer_of(name):
+    """Layer of a file named from src/: windows are a layer of their own, wherever they lie."""
+    folders = name.split("/")[:-1]
+    return "ui" if "ui" in folders else folders[0] if folders else ""
+
+
+def family_of(name):
+    parts = name.split("/")
+    if len(parts) < 3 or parts[0] != "readers" or parts[1] in SHARED_BY_READERS | {"ui"}:
+        return None
+    return parts[1]
+
+
+def include_faults(file, name, bracket):
+    """What is wrong with one include of src/<file>."""
+    target = resolve(name)
+    ours = target is not None and target.startswith("src/")
+    if bracket == "<":
+        if ours:
+            yield f'<{name}> is ours: write "{name}"'
+        if QT.fullmatch(name) and not QT_FOLDERS.match("src/" + file):
+            yield f"<{name}>: Qt stands only in */ui/, platform/qt and programs"
+        return
+    if name.endswith(".moc"):
+        return
+    if not ours:
+        yield f'"{name}": includes are written from src/, and there is no src/{name}'
+        return
+    mine, theirs = layer_of(file), layer_of(name)
+    if mine in RANK and theirs in RANK and RANK[theirs] > RANK[mine]:
+        yield f'"{name}" points up: {theirs} lies above {mine}'
+    if name.startswith("platform/qt/") and not QT_FOLDERS.match("src/" + file):
+        yield f'"{name}": only windows and programs know platform/qt'
+    families = (family_of(file), family_of(name))
+    if None not in families and families[0] != families[1] and families not in FAMILIES_ALLOWED:
+        yield f'"{name}": readers/{families[0]} must not know readers/{families[1]}'
+
+
+def file_faults(path):
+    text = read(path)
+    file = path.removeprefix("src/")
+    if layer_of(file) not in RANK:
+        yield 1, f"src/{file.split('/')[0]} has no layer: name it in tools/check_layers.py"
+    for line, bracket, name in includes(text):
+        for fault in include_faults(file, name, bracket):
+            yield line, fault
+    if CATCH_PLACES.fullmatch(path) or path in CATCH_ALLOWED:
+        return
+    for match in re.finditer(r"\bcatch\s*\(", bare := without_comments(text)):
+        yield bare.count("\n", 0, match.start()) + 1, "catch: use the traps of base/Trap.h"
+
+
+def circles(files):
+    """Pairs of folders of one layer that include each other: (folder, folder)."""
+    edges = set()
+    for path in files:
+        mine = layer_of(path.removeprefix("src/"))
+        edges |= {(mine, layer_of(name)) for _, bracket, name in includes(read(path))
+                  if bracket == '"' and "/" in name}
+    return sorted((a, b) for a, b in edges if a < b and (b, a) in edges)
+
+
+def main():
+    every = project_files("src", endings=(".h", ".cpp"))
+    files = [file for file in sys.argv[1:]] or every
+    count = 0
+    for path in files:
+        for line, fault in file_faults(path):
+            print(f"{path}:{line}: {fault}")
+            count += 1
+    for a, b in circles(every):
+        if RANK.get(a) == RANK.get(b):
+            print(f"src/{a} and src/{b} include each other: one of them has to be the lower one")
+            count += 1
+    for path in CATCH_ALLOWED:
+        if not (ROOT / path).is_file() or "catch" not in without_comments(read(path)):
+            print(f"tools/check_layers.py: {path} catches nothing: take it off the list")
+            count += 1
+    print(f"layers: {len(files)} files, {count} faults")
+    return 1 if count else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
