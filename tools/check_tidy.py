@@ -85,7 +85,7 @@ def main():
 
     version = subprocess.run(["clang-tidy", "--version"], capture_output=True, text=True,
                              check=True).stdout
-    rules = read(".clang-tidy")
+    rules = read(".clang-tidy") + read("tests/.clang-tidy")
     keys = {file: sources.key(file, version, rules, *(flag.replace(str(ROOT), "")
                                                       for flag in commands.get(file, [])))
             for file in files}

@@ -40,12 +40,13 @@ struct Program {
 
 /// The start-up steps between the splash and the main window: version, log, companion tool,
 /// settings, Temp folder, zone, scratch pages. The window empties its Temp folder; the headless
-/// program works in a folder of its own below it and leaves the rest alone, as a window may be open.
+/// program works in a folder of its own below it and leaves the rest alone, as a window may be
+/// open.
 void startUp(Program &program, Front front);
 
 /// The folder that a Temp setting leads to: the one named when it exists and deleting its contents
-/// can't hurt, else the default, which is made. Never a folder that holds the program, its settings,
-/// the user's home or the project.
+/// can't hurt, else the default, which is made. Never a folder that holds the program, its
+/// settings, the user's home or the project.
 std::filesystem::path tempFolderFrom(const Program &program);
 
 } // namespace nv

@@ -1,8 +1,10 @@
 #pragma once
 
-#include <filesystem>
-
 #include "app/Program.h"
+#include "time/ShownDate.h"
+
+#include <cstdint>
+#include <filesystem>
 
 namespace nv {
 
@@ -24,6 +26,12 @@ void closeProject(Program &program);
 
 /// Keeps the base folder in the open project; rows follow at the next load.
 void setRootPath(Program &program, const std::filesystem::path &root);
+
+/// Takes the zone with this `Time_Zone_ID` into force. False when there is none.
+bool setZone(Program &program, std::int64_t id);
+
+/// How dates are shown now.
+DateSettings dateSettings(const Program &program);
 
 /// The version that made the open project is older than this build, and the check isn't turned off.
 bool isOlderProject(Program &program);

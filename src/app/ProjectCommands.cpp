@@ -1,10 +1,6 @@
 #include "app/ProjectCommands.h"
 
-#include <algorithm>
-
-#include <fmt/format.h>
-
-#include "app/ImportCommand.h"
+#include "app/ImportJob.h"
 #include "app/Messages.h"
 #include "app/Project.h"
 #include "app/RecentFiles.h"
@@ -13,6 +9,10 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/StoredQueries.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
 
 namespace nv {
 
@@ -117,8 +117,8 @@ bool ProjectCommands::SaveAs() {
     const fs::path source = project.FilePath;
     m_view.saveLayout();
     closeProject(m_program);
-    const auto failure = failureOf(m_program.log, "MainForm.SaveAs()",
-                                   [&] { copyToScratch(source, *target); });
+    const auto failure =
+        failureOf(m_program.log, "MainForm.SaveAs()", [&] { copyToScratch(source, *target); });
     if (failure)
         m_program.around.examiner.tell(
             messages::saveAsFailed(*failure + "\n\nThe project stays where it is."));
@@ -154,7 +154,10 @@ bool ProjectCommands::LoadCommandLineFile(const fs::path &path) {
     const fs::path scratch = tempFileNames(m_program.thisClass.TempFolderPath).project;
     if (!OpenFile(scratch, OpenMode::newAtPath))
         return false;
-    importArtefact(m_program, *artefact);
+    m_program.import.HistoryFiles.Clear();
+    m_program.import.HistoryFiles.Add(*artefact);
+    const OpenTask task(m_program.thread, {});
+    runImportJob(m_program, m_program.thread, m_program.thisClass.TempFolderPath);
     m_view.LoadURLs();
     return true;
 }

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "app/Program.h"
+
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
-
-#include "app/Program.h"
 
 namespace nv {
 

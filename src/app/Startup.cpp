@@ -1,7 +1,3 @@
-#include <cstdlib>
-
-#include <fmt/format.h>
-
 #include "app/Messages.h"
 #include "app/Program.h"
 #include "app/TempFolder.h"
@@ -9,6 +5,10 @@
 #include "base/Files.h"
 #include "base/Trap.h"
 #include "time/ZoneDatabase.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
 
 namespace nv {
 
@@ -34,8 +34,8 @@ void findCompanionTool(Program &program) {
     ThisClass &state = program.thisClass;
     if (fs::exists(beside))
         state.OstermoorEXEPath = beside;
-    const fs::path named =
-        program.settings.ReadIniValue("OPTIONS", "OstermoorEXEPath", textOf(state.OstermoorEXEPath));
+    const fs::path named = program.settings.ReadIniValue("OPTIONS", "OstermoorEXEPath",
+                                                         textOf(state.OstermoorEXEPath));
     if (fs::exists(named))
         state.OstermoorEXEPath = named;
 }
@@ -48,8 +48,8 @@ void readFormats(const IniFile &settings, ThisClass &state) {
 
 void readPaths(const Program &program, ThisClass &state) {
     const IniFile &settings = program.settings;
-    state.LocalFavoritesPath = settings.ReadIniValue(
-        "OPTIONS", "LocalFavoritesPath", textOf(program.paths.home / "favorites.ini"));
+    state.LocalFavoritesPath = settings.ReadIniValue("OPTIONS", "LocalFavoritesPath",
+                                                     textOf(program.paths.home / "favorites.ini"));
     state.SharedFavoritesPath = settings.ReadIniValue("OPTIONS", "SharedFavoritesPath", "");
     state.AgencyLogoPath = settings.ReadIniValue("FILE PATHS", "AgencyLogoPath", "");
     state.PublishTempFolder = settings.ReadIniValue("FILE PATHS", "PublishFolder", "");
@@ -79,8 +79,8 @@ void readOptions(const IniFile &settings, ThisClass &state) {
     state.NetworkConnectionName =
         settings.ReadIniValue("OPTIONS", "NetworkConnectionName", "Local Area Connection");
     state.ConnectionOffline = settings.ReadIniValue("DEFAULT", "ConnectionOffline", true);
-    state.HTMLReplaceableHREFTags = settings.ReadIniValue(
-        "DEFAULT", "HTMLReplaceableHREFTags", "js;css;php;txt;asp;aspx;htm;html;");
+    state.HTMLReplaceableHREFTags = settings.ReadIniValue("DEFAULT", "HTMLReplaceableHREFTags",
+                                                          "js;css;php;txt;asp;aspx;htm;html;");
     state.HTMLReplaceablePictureTags = settings.ReadIniValue(
         "DEFAULT", "HTMLReplaceablePictureTags", "jpe;jpeg;jpg;gif;bmp;png;tif;");
 }
@@ -97,26 +97,29 @@ void readSettings(Program &program) {
     program.import.VerifyFileSignatures = state.VerifyFileSignatures;
 }
 
+/// The machine's zone without its daylight shift until a project sets one: see ZoneDatabase.
+void takeMachineZone(Program &program) {
+    const Clock &clock = program.around.clock;
+    TimeZoneClass &zone = program.thisClass.GMTZone;
+    zone = ZoneDatabase(program.paths.zones(), program.log)
+               .GetSystemTimeZone(zone, program.around.systemTime.zone(),
+                                  Date::fromTimePoint(clock.now() + clock.localOffset()));
+}
+
 void prepareTempFolder(Program &program) {
     const fs::path &folder = program.thisClass.TempFolderPath;
-    std::string reason;
-    trapped(program.log, Severity::Warning, "Main()", kContactSupport, false, [&] {
-        // The message must be shown, so the reason is kept before the trap logs it.
-        std::error_code failed;
-        fs::directory_iterator(folder, failed);
-        reason = failed ? failed.message() : "";
-        OpenTask task(program.thread, {});
+    const auto failure = failureOf(program.log, "Main()", [&] {
+        const OpenTask task(program.thread, {});
         EmptyTempFolder(folder, program.thread);
         WriteScratchPages(tempFileNames(folder));
-        return true;
     });
-    if (!reason.empty())
-        program.around.examiner.tell(messages::tempFolderNotCleared(reason));
+    if (failure)
+        program.around.examiner.tell(messages::tempFolderNotCleared(*failure));
 }
 
 bool holds(const fs::path &folder, const fs::path &inner) {
-    const fs::path relative = fs::weakly_canonical(inner).lexically_relative(
-        fs::weakly_canonical(folder));
+    const fs::path relative =
+        fs::weakly_canonical(inner).lexically_relative(fs::weakly_canonical(folder));
     return !relative.empty() && *relative.begin() != "..";
 }
 
@@ -132,11 +135,10 @@ fs::path tempFolderFrom(const Program &program) {
     const fs::path named =
         program.settings.ReadIniValue("DEFAULT", "TempFolderPath", textOf(byDefault));
     const char *home = std::getenv("HOME");
-    const bool harmless = fs::is_directory(named) && !holds(named, program.paths.program) &&
-                          !holds(named, program.paths.home) &&
-                          !(home && *home && holds(named, home)) &&
-                          (program.thisClass.ProjectDBPath.empty() ||
-                           !holds(named, program.thisClass.ProjectDBPath));
+    const bool harmless =
+        fs::is_directory(named) && !holds(named, program.paths.program) &&
+        !holds(named, program.paths.home) && !(home && *home && holds(named, home)) &&
+        (program.thisClass.ProjectDBPath.empty() || !holds(named, program.thisClass.ProjectDBPath));
     if (harmless)
         return named;
     fs::create_directories(byDefault);
@@ -150,8 +152,7 @@ void startUp(Program &program, Front front) {
     findCompanionTool(program);
     state.TempFolderPath = tempFolderFrom(program);
     readSettings(program);
-    GetSystemTimeZone(state.GMTZone, program.around.systemTime.zone(), program.paths.zones(),
-                      program.around.clock, program.log);
+    takeMachineZone(program);
     state.DebugMain = program.settings.ReadIniValue("OPTIONS", "DebugMain", false);
     if (front == Front::window)
         prepareTempFolder(program);

@@ -11,7 +11,8 @@ namespace nv {
 /// The shared state of the program: a plain bag with no logic, passed by reference. Members stand
 /// at the zero of their type until start-up fills them.
 struct ThisClass {
-    ThisClass(FailureLog &log, const Clock &clock) : ProjectDB(log, clock) {}
+    ThisClass(FailureLog &log, const Clock &clock)
+        : ProjectDB(log, clock), GMTZone(Date::fromTimePoint(clock.now() + clock.localOffset())) {}
 
     // Version
     int AppBuildMajor = 0;

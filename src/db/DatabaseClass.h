@@ -21,10 +21,11 @@ class DatabaseClass {
     DatabaseClass &operator=(const DatabaseClass &) = delete;
 
     std::filesystem::path FilePath;
-    std::filesystem::path TemplatesDBFilePath;
+    /// Where the term lists of the keyword queries lie; read when a project is made.
+    std::filesystem::path KeywordFolder;
 
     /// Makes the file at FilePath with the whole schema, and leaves it open. False on a failure,
-    /// which is logged; what was written stays on disk.
+    /// which is logged; what was written stays on disk, and the next making needs it deleted.
     bool CreateDatabaseProject();
     /// Opens the file at FilePath. Throws StorageFailure, saying what is wrong with the file.
     void open();
@@ -35,6 +36,8 @@ class DatabaseClass {
     SQLite::Database &connection();
 
   private:
+    void openConnection(int flags);
+
     FailureLog &m_log;
     const Clock &m_clock;
     std::unique_ptr<SQLite::Database> m_database;

@@ -62,8 +62,8 @@ struct Evidence::Listings {
     std::unordered_map<std::string, Listing> byFolder;
 };
 
-Evidence::Evidence(fs::path base)
-    : m_base(withClosingSlash(std::move(base))), m_listings(std::make_unique<Listings>()) {}
+Evidence::Evidence(const fs::path &base)
+    : m_base(withClosingSlash(base)), m_listings(std::make_unique<Listings>()) {}
 
 Evidence::~Evidence() = default;
 

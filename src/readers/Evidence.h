@@ -13,7 +13,7 @@ namespace nv {
 class Evidence {
   public:
     /// `base` is the project's base folder; empty or "/" for none.
-    explicit Evidence(std::filesystem::path base);
+    explicit Evidence(const std::filesystem::path &base);
     ~Evidence();
     Evidence(const Evidence &) = delete;
     Evidence &operator=(const Evidence &) = delete;

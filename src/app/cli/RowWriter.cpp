@@ -12,14 +12,6 @@ namespace {
 constexpr std::size_t kRowsMeasured = 100;
 constexpr std::size_t kWidestColumn = 80;
 
-std::string plainText(const Cell &cell) {
-    if (cell.is_null())
-        return {};
-    if (cell.is_boolean())
-        return cell.get<bool>() ? "True" : "False";
-    return cell.is_string() ? cell.get<std::string>() : cell.dump();
-}
-
 class TableWriter final : public RowWriter {
   public:
     TableWriter(std::ostream &out, std::vector<std::string> headings)
@@ -162,6 +154,22 @@ std::string printable(std::string_view text, std::size_t columns) {
     if (columns && charCount(line) > columns)
         line = std::string(charSub(line, 0, columns - 1)) + "\u2026";
     return line;
+}
+
+std::string printableLines(std::string_view text) {
+    std::string lines;
+    for (const std::string_view line : split(text, '\n'))
+        lines += printable(line) + '\n';
+    lines.pop_back();
+    return lines;
+}
+
+std::string plainText(const Cell &cell) {
+    if (cell.is_null())
+        return {};
+    if (cell.is_boolean())
+        return cell.get<bool>() ? "True" : "False";
+    return cell.is_string() ? cell.get<std::string>() : cell.dump();
 }
 
 std::string jsonText(const Cell &cell, int indent) {

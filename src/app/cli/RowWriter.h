@@ -33,6 +33,12 @@ std::unique_ptr<RowWriter> makeRowWriter(Format format, std::ostream &out,
 /// `columns` characters ends in an ellipsis; 0 leaves the length.
 std::string printable(std::string_view text, std::size_t columns = 0);
 
+/// The same for a text of several lines, which it keeps.
+std::string printableLines(std::string_view text);
+
+/// A cell as a text, True and False for booleans, nothing for null.
+std::string plainText(const Cell &cell);
+
 /// The JSON text of a cell; bytes that are no UTF-8 are replaced, never thrown at.
 std::string jsonText(const Cell &cell, int indent = -1);
 

@@ -1,12 +1,12 @@
 #include "app/cli/TerminalTask.h"
 
-#include <algorithm>
-#include <csignal>
+#include "app/cli/RowWriter.h"
+#include "base/Text.h"
 
 #include <fmt/format.h>
 
-#include "app/cli/RowWriter.h"
-#include "base/Text.h"
+#include <algorithm>
+#include <csignal>
 
 namespace nv::cli {
 
@@ -25,7 +25,9 @@ void onInterrupt(int) {
 
 } // namespace
 
-void catchInterrupts() { std::signal(SIGINT, onInterrupt); }
+void catchInterrupts() {
+    std::signal(SIGINT, onInterrupt);
+}
 
 void TerminalTask::describe(const TaskHeading &heading) {
     m_title = printable(heading.detail.empty() ? heading.title : heading.detail);
@@ -46,9 +48,9 @@ bool TerminalTask::advance(double fraction) {
 void TerminalTask::draw(double fraction) {
     const int filled = static_cast<int>(fraction * kBarWidth);
     const std::size_t length = charCount(m_title);
-    const std::string tail =
-        length > kTitleWidth ? fmt::format("...{}", charSub(m_title, length - kTitleWidth))
-                             : m_title;
+    const std::string tail = length > kTitleWidth
+                                 ? fmt::format("...{}", charSub(m_title, length - kTitleWidth))
+                                 : m_title;
     m_err << fmt::format("\r\x1B[K[{:#<{}}{:.<{}}] {:3}% {}", "", filled, "", kBarWidth - filled,
                          static_cast<int>(fraction * 100), tail);
     m_err.flush();

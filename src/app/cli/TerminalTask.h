@@ -1,11 +1,11 @@
 #pragma once
 
+#include "base/TaskMonitor.h"
+
 #include <atomic>
 #include <chrono>
 #include <ostream>
 #include <string>
-
-#include "base/TaskMonitor.h"
 
 namespace nv::cli {
 

@@ -1,0 +1,122 @@
+#include "app/Project.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "db/ProjectFields.h"
+#include "db/StoredQueries.h"
+#include "time/ZoneDatabase.h"
+
+#include <fmt/format.h>
+
+#include <tuple>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kZoneSetting = "LastTimeZoneID";
+constexpr std::string_view kRootSetting = "RootPath";
+
+ProjectFields fieldsOf(Program &program) {
+    return {program.thisClass.ProjectDB.connection(), program.log};
+}
+
+void keepVersion(Program &program) {
+    ProjectFields fields = fieldsOf(program);
+    const ThisClass &state = program.thisClass;
+    fields.SaveDefaultSetting("AppMajor", fmt::format("{}", state.AppBuildMajor));
+    fields.SaveDefaultSetting("AppMinor", fmt::format("{}", state.AppBuildMinor));
+    fields.SaveDefaultSetting("AppRevision", fmt::format("{}", state.AppBuildRevision));
+}
+
+void removeProjectFiles(const fs::path &path) {
+    for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
+        std::error_code ignored;
+        fs::remove(path.native() + suffix, ignored);
+    }
+}
+
+void becomeOpen(Program &program) {
+    ThisClass &state = program.thisClass;
+    state.ProjectDBPath = state.ProjectDB.FilePath;
+    state.RootPath = fieldsOf(program).GetDefault(kRootSetting);
+    state.CurrentSQLDef = state.DefaultSQLDef;
+}
+
+} // namespace
+
+bool isProjectName(const fs::path &path) {
+    return equalsNoCase(textOf(path.extension()), ".nvp");
+}
+
+bool createProject(Program &program, const fs::path &path) {
+    removeProjectFiles(path);
+    DatabaseClass &project = program.thisClass.ProjectDB;
+    project.FilePath = fs::absolute(path);
+    project.KeywordFolder = program.paths.program / "keywords";
+    if (!project.CreateDatabaseProject())
+        return false;
+    keepVersion(program);
+    becomeOpen(program);
+    return true;
+}
+
+void openProject(Program &program, const fs::path &path) {
+    DatabaseClass &project = program.thisClass.ProjectDB;
+    project.FilePath = fs::absolute(path);
+    project.open();
+    becomeOpen(program);
+    const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
+    if (zone && *zone > 0)
+        setZone(program, *zone);
+}
+
+bool setZone(Program &program, std::int64_t id) {
+    ThisClass &state = program.thisClass;
+    const Clock &clock = program.around.clock;
+    return ZoneDatabase(program.paths.zones(), program.log)
+        .SetNewTimeZone(state.GMTZone, static_cast<std::int32_t>(id),
+                        Date::fromTimePoint(clock.now() + clock.localOffset()),
+                        state.EnableDSTChanges)
+        .found;
+}
+
+DateSettings dateSettings(const Program &program) {
+    const ThisClass &state = program.thisClass;
+    const int year = Date::fromTimePoint(program.around.clock.now()).civil().year;
+    return {state.DateFormat, state.TimeFormat, state.EnableDSTChanges, year};
+}
+
+void closeProject(Program &program) {
+    ThisClass &state = program.thisClass;
+    fieldsOf(program).SaveDefaultSetting(kZoneSetting,
+                                         fmt::format("{}", state.GMTZone.tzTimeZoneID));
+    StoredQueries(state.ProjectDB.connection()).ResetDEFAULTQuery();
+    state.ProjectDB.CloseDB();
+    state.ProjectDBPath.clear();
+    state.RootPath.clear();
+    state.CurrentSQLDef = state.DefaultSQLDef;
+    program.import.HistoryFiles.Clear();
+}
+
+void setRootPath(Program &program, const fs::path &root) {
+    program.thisClass.RootPath = root;
+    fieldsOf(program).SaveDefaultSetting(kRootSetting, textOf(root));
+}
+
+bool isOlderProject(Program &program) {
+    const ThisClass &state = program.thisClass;
+    if (state.DisableFileVersionCheck)
+        return false;
+    const ProjectFields fields = fieldsOf(program);
+    const auto number = [&fields](std::string_view name) {
+        return fields.defaultNumber(name).value_or(0);
+    };
+    return std::make_tuple(number("AppMajor"), number("AppMinor"), number("AppRevision")) <
+           std::make_tuple(std::int64_t{state.AppBuildMajor}, std::int64_t{state.AppBuildMinor},
+                           std::int64_t{state.AppBuildRevision});
+}
+
+} // namespace nv

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "app/cli/Exit.h"
+#include "app/cli/RowWriter.h"
+#include "app/cli/Session.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace nv::cli {
+
+// One function a command. A call that makes no sense throws UsageError, a project that can't be
+// used StorageFailure.
+
+struct ImportArguments {
+    std::string project;
+    std::vector<std::string> paths;
+    std::string base;
+    std::int64_t zone = 0; ///< `Time_Zone_ID`; 0 keeps the project's
+    std::vector<std::string> kinds;
+    bool noMetadata = false;
+    bool noSignatures = false;
+    bool thumbnails = false;
+    bool json = false;
+};
+Exit importCommand(Session &session, const ImportArguments &arguments);
+
+enum class Dates { asShown, iso };
+
+struct ListArguments {
+    std::string project;
+    std::string query;
+    std::string host;
+    std::vector<std::string> columns;
+    Format format = Format::table;
+    Dates dates = Dates::iso; ///< of csv and jsonl; tables for people show them as the window does
+};
+Exit listCommand(Session &session, const ListArguments &arguments);
+
+Exit queryCommand(Session &session, const std::string &project, const std::string &sql,
+                  Format format);
+Exit queriesCommand(Session &session, const std::string &project, Format format);
+Exit showCommand(Session &session, const std::string &project, std::int64_t urlId, Format format);
+Exit dumpCommand(Session &session, const std::string &file, Format format);
+Exit zonesCommand(Session &session, Format format);
+
+} // namespace nv::cli

@@ -1,0 +1,175 @@
+#include "app/ImportJob.h"
+#include "app/Messages.h"
+#include "app/Project.h"
+#include "app/cli/Commands.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "import/Scan.h"
+#include "readers/Registry.h"
+#include "time/ZoneDatabase.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <set>
+
+namespace nv::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void checkPaths(const ImportArguments &arguments) {
+    for (const std::string &path : arguments.paths)
+        if (!fs::exists(path))
+            throw UsageError(fmt::format("there is no file or folder \"{}\"", path));
+    if (!arguments.base.empty() && !fs::is_directory(arguments.base))
+        throw UsageError(fmt::format("the base folder \"{}\" does not exist", arguments.base));
+}
+
+void checkZone(Session &session, std::int64_t id) {
+    const auto zones = ZoneDatabase(session.program.paths.zones(), session.program.log).listZones();
+    const bool known =
+        id == 0 || std::any_of(zones.begin(), zones.end(),
+                               [id](const ZoneRow &zone) { return zone.Time_Zone_ID == id; });
+    if (!known)
+        throw UsageError(fmt::format("there is no time zone {}: see the command zones", id));
+}
+
+void checkKinds(const std::vector<std::string> &kinds) {
+    for (const std::string &kind : kinds)
+        if (!readerByKey(kind))
+            throw UsageError(fmt::format("there is no reader \"{}\"", kind));
+}
+
+/// Opens the project, or makes it when there is none.
+void openOrCreate(Session &session, const fs::path &project) {
+    if (fs::exists(project) || !isProjectName(project))
+        return session.open(project);
+    if (!createProject(session.program, project))
+        throw StorageFailure(fmt::format("\"{}\": {} The log \"{}\" says why.", textOf(project),
+                                         messages::databaseNotCreated().text,
+                                         textOf(session.program.log.path())));
+}
+
+/// The deepest folder that holds all paths.
+fs::path commonFolder(const std::vector<std::string> &paths) {
+    fs::path common;
+    for (const std::string &text : paths) {
+        const fs::path path = fs::canonical(text);
+        const fs::path folder = fs::is_directory(path) ? path : path.parent_path();
+        if (common.empty()) {
+            common = folder;
+            continue;
+        }
+        const auto [end, ignored] =
+            std::mismatch(common.begin(), common.end(), folder.begin(), folder.end());
+        fs::path shared;
+        for (auto part = common.begin(); part != end; ++part)
+            shared /= *part;
+        common = shared;
+    }
+    return common;
+}
+
+/// A project keeps the base folder of its first import, since its rows are found by it, until
+/// another one is named.
+void chooseBase(Session &session, const ImportArguments &arguments) {
+    if (!arguments.base.empty())
+        setRootPath(session.program, fs::canonical(arguments.base));
+    else if (session.program.thisClass.RootPath.empty())
+        setRootPath(session.program, commonFolder(arguments.paths));
+}
+
+bool isWanted(const HistoryFile &file, const std::set<std::string_view> &kinds) {
+    const Reader *reader = readerFor(file.HistoryFileType);
+    return kinds.empty() || (reader && kinds.contains(reader->key));
+}
+
+/// Scans every path; false when the scan was cancelled.
+bool findArtefacts(Session &session, const ImportArguments &arguments) {
+    ImportClass &job = session.program.import;
+    const std::set<std::string_view> kinds(arguments.kinds.begin(), arguments.kinds.end());
+    job.HistoryFiles.Clear();
+    for (const std::string &path : arguments.paths) {
+        job.StartingDirectory = fs::canonical(path).string();
+        const ScanResult found = scan(job, session.task, session.program.log);
+        for (const HistoryFile &file : found.HistoryFiles)
+            if (isWanted(file, kinds))
+                job.HistoryFiles.Add(file);
+        for (const std::string &gap : found.gaps.unreadable)
+            session.err << "not readable: " << printable(gap) << '\n';
+        if (found.gaps.linksNotFollowed > 0)
+            session.err << fmt::format("{} links were not followed\n", found.gaps.linksNotFollowed);
+        if (found.cancelled)
+            return false;
+    }
+    return true;
+}
+
+Cell jsonOf(const ArtefactResult &artefact) {
+    return {{"path", textOf(artefact.path)},      {"type", static_cast<int>(artefact.type)},
+            {"reader", artefact.readerKey},       {"md5", artefact.MD5Hash},
+            {"state", stateWord(artefact.state)}, {"rows", artefact.rowsSaved},
+            {"rows_lost", artefact.rowsLost},     {"not_reached", artefact.notReached},
+            {"passed_over", artefact.passedOver}, {"reason", artefact.reason},
+            {"seconds", artefact.seconds}};
+}
+
+Cell jsonOf(const ImportSummary &summary) {
+    Cell artefacts = Cell::array();
+    for (const ArtefactResult &artefact : summary.artefacts)
+        artefacts.push_back(jsonOf(artefact));
+    return {{"artefacts", artefacts},
+            {"totals",
+             {{"artefacts", summary.artefacts.size()},
+              {"rows", summary.rowsSaved()},
+              {"rows_lost", summary.rowsLost()},
+              {"not_reached", summary.notReached()},
+              {"passed_over", summary.passedOver()},
+              {"seconds", summary.seconds()}}},
+            {"cancelled", summary.cancelled},
+            {"failure", summary.failure}};
+}
+
+Exit exitFor(const ImportSummary &summary) {
+    if (!summary.failure.empty())
+        return Exit::projectUnusable;
+    if (summary.cancelled)
+        return Exit::interrupted;
+    const bool damaged = summary.count(ArtefactState::failed) > 0 ||
+                         summary.count(ArtefactState::cutShort) > 0 || summary.rowsLost() > 0;
+    return damaged ? Exit::damagedEvidence : Exit::ok;
+}
+
+} // namespace
+
+Exit importCommand(Session &session, const ImportArguments &arguments) {
+    checkPaths(arguments);
+    checkZone(session, arguments.zone);
+    checkKinds(arguments.kinds);
+    openOrCreate(session, arguments.project);
+    Program &program = session.program;
+    if (arguments.zone > 0)
+        setZone(program, arguments.zone);
+    chooseBase(session, arguments);
+    program.import.VerifyFileSignatures &= !arguments.noSignatures;
+    program.import.ParseAdvancedMetadata &= !arguments.noMetadata;
+    program.import.MakeThumbnails = arguments.thumbnails;
+    if (arguments.thumbnails)
+        session.err << "thumbnails can't be made by this build; the rows are imported without\n";
+
+    ImportSummary summary;
+    summary.cancelled = !findArtefacts(session, arguments);
+    if (!summary.cancelled)
+        summary = runImportJob(program, session.task, session.scratch());
+    session.task.clear();
+    if (summary.artefacts.empty() && !summary.cancelled)
+        session.err << messages::nothingToImport().text << '\n';
+    closeProject(program);
+    session.out << (arguments.json ? jsonText(jsonOf(summary), 2) + "\n"
+                                   : printableLines(summaryText(summary)));
+    return exitFor(summary);
+}
+
+} // namespace nv::cli

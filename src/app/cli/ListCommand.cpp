@@ -1,0 +1,119 @@
+#include "app/Project.h"
+#include "app/cli/Commands.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "db/StoredQueries.h"
+#include "views/UrlTable.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv::cli {
+
+namespace {
+
+/// What fits a screen when nobody asks for columns.
+constexpr UrlColumn kUsualColumns[] = {
+    UrlColumn::Id,     UrlColumn::Type,          UrlColumn::Status,
+    UrlColumn::Action, UrlColumn::ActionDateUtc, UrlColumn::Visits,
+    UrlColumn::Value,  UrlColumn::User};
+
+std::vector<UrlColumn> allColumns() {
+    std::vector<UrlColumn> columns;
+    for (const UrlColumnFacts &facts : kUrlColumns)
+        columns.push_back(facts.column);
+    return columns;
+}
+
+std::vector<UrlColumn> chosenColumns(const ListArguments &arguments) {
+    if (arguments.columns.empty())
+        return arguments.format == Format::table
+                   ? std::vector<UrlColumn>(std::begin(kUsualColumns), std::end(kUsualColumns))
+                   : allColumns();
+    std::vector<UrlColumn> columns;
+    for (const std::string &key : arguments.columns) {
+        const auto column = columnOfKey(key);
+        if (!column)
+            throw UsageError(fmt::format("there is no column \"{}\": keys such as COL_URL_VALUE "
+                                         "were expected",
+                                         key));
+        columns.push_back(*column);
+    }
+    return columns;
+}
+
+std::vector<std::string> headingsOf(const std::vector<UrlColumn> &columns, Format format) {
+    std::vector<std::string> headings;
+    for (const UrlColumn column : columns) {
+        const UrlColumnFacts &facts = factsOf(column);
+        headings.emplace_back(format == Format::table && !facts.header.empty() ? facts.header
+                                                                               : facts.key);
+    }
+    return headings;
+}
+
+Cell cellOf(MachineValue value) {
+    return std::visit(
+        [](auto &&held) -> Cell {
+            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>)
+                return nullptr;
+            else
+                return std::forward<decltype(held)>(held);
+        },
+        std::move(value));
+}
+
+void checkQuery(Session &session, const std::string &name) {
+    SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
+    if (!name.empty() && !StoredQueries(project).text(name))
+        throw UsageError(fmt::format("the project has no stored query \"{}\"", name));
+}
+
+LoadResult load(Session &session, const ListArguments &arguments, UrlTable &table) {
+    table.choice = {arguments.query, !arguments.host.empty(), arguments.host};
+    table.RootPath = textOf(session.program.thisClass.RootPath);
+    table.dates() = dateSettings(session.program);
+    const LoadResult loaded = table.LoadURLs(session.task);
+    session.task.clear();
+    if (loaded == LoadResult::Failed)
+        throw StorageFailure(
+            fmt::format("{}; see \"{}\"", loadFailure().title, textOf(session.program.log.path())));
+    return loaded;
+}
+
+void writeRows(const ListArguments &arguments, const std::vector<UrlColumn> &columns,
+               UrlTable &table, RowWriter &writer) {
+    const bool shown = arguments.format == Format::table || arguments.dates == Dates::asShown;
+    for (std::size_t place = 0; place < table.rowCount() && !interrupted; ++place) {
+        std::vector<Cell> cells;
+        for (const UrlColumn column : columns)
+            cells.push_back(shown ? Cell(table.cell(place, column))
+                                  : cellOf(table.machineCell(place, column)));
+        writer.row(cells);
+    }
+    writer.finish();
+}
+
+} // namespace
+
+Exit listCommand(Session &session, const ListArguments &arguments) {
+    const std::vector<UrlColumn> columns = chosenColumns(arguments);
+    session.open(arguments.project);
+    checkQuery(session, arguments.query);
+    const ThisClass &state = session.program.thisClass;
+    LoadResult loaded = LoadResult::Failed;
+    {
+        UrlTable table(session.program.thisClass.ProjectDB.connection(), session.program.log,
+                       state.GMTZone);
+        table.showColumns(columns);
+        loaded = load(session, arguments, table);
+        const auto writer =
+            makeRowWriter(arguments.format, session.out, headingsOf(columns, arguments.format));
+        writeRows(arguments, columns, table, *writer);
+    }
+    closeProject(session.program);
+    return interrupted || loaded == LoadResult::Cancelled ? Exit::interrupted : Exit::ok;
+}
+
+} // namespace nv::cli

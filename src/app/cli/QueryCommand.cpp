@@ -1,0 +1,93 @@
+#include "app/Messages.h"
+#include "app/Project.h"
+#include "app/cli/Commands.h"
+#include "app/cli/StatementCells.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/Dialect.h"
+#include "db/ReadOnlyConnection.h"
+#include "db/StoredQueries.h"
+#include "views/StatementWatch.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <optional>
+
+namespace nv::cli {
+
+namespace {
+
+std::unique_ptr<SQLite::Database> readerOf(const std::string &project) {
+    if (!isProjectName(project))
+        throw StorageFailure(fmt::format("\"{}\": {}", project, messages::notAProjectFile().text));
+    return openReadOnly(project);
+}
+
+StatementCells cellsOf(Session &session, SQLite::Statement &statement, Format format) {
+    const ThisClass &state = session.program.thisClass;
+    const bool people = format == Format::table;
+    return {statement,
+            people ? StatementCells::For::people : StatementCells::For::programs,
+            {state.DateFormat, state.TimeFormat, state.EnableDSTChanges, 0}};
+}
+
+/// The database's own message for a statement that it refuses.
+SQLite::Statement prepared(SQLite::Database &database, const std::string &sql, FailureLog &log) {
+    std::optional<SQLite::Statement> statement;
+    const auto failure =
+        failureOf(log, "TestQuery()", [&] { statement.emplace(database, translate(sql)); });
+    if (failure)
+        throw UsageError(*failure);
+    return std::move(*statement);
+}
+
+} // namespace
+
+Exit queryCommand(Session &session, const std::string &project, const std::string &sql,
+                  Format format) {
+    if (trim(sql).empty())
+        throw UsageError("a SELECT statement was expected");
+    const auto database = readerOf(project);
+    SQLite::Statement statement = prepared(*database, sql, session.program.log);
+    if (statement.getColumnCount() == 0)
+        throw UsageError("the statement gives no rows: a SELECT was expected");
+    const StatementCells cells = cellsOf(session, statement, format);
+    const auto writer = makeRowWriter(format, session.out, cells.headings());
+    StatementWatch watch(*database, session.task);
+    Step step = Step::Row;
+    while ((step = watch.step(statement)) == Step::Row)
+        writer->row(cells.cells());
+    writer->finish();
+    return step == Step::Cancelled ? Exit::interrupted : Exit::ok;
+}
+
+Exit queriesCommand(Session &session, const std::string &project, Format format) {
+    const auto database = readerOf(project);
+    const auto writer = makeRowWriter(format, session.out, {"name", "sql"});
+    for (const StoredQuery &query : StoredQueries(*database).list())
+        writer->row({query.name, query.sql});
+    writer->finish();
+    return Exit::ok;
+}
+
+Exit showCommand(Session &session, const std::string &project, std::int64_t urlId, Format format) {
+    const auto database = readerOf(project);
+    SQLite::Statement row(*database, "SELECT * FROM URLs WHERE URL_ID = ?");
+    row.bind(1, urlId);
+    if (!row.executeStep())
+        throw UsageError(fmt::format("the project has no row {}", urlId));
+    const StatementCells cells = cellsOf(session, row, format);
+    if (format != Format::table) {
+        makeRowWriter(format, session.out, cells.headings())->row(cells.cells());
+        return Exit::ok;
+    }
+    const std::vector<Cell> values = cells.cells();
+    for (std::size_t i = 0; i < values.size(); ++i)
+        session.out << fmt::format("{:<24}{}\n", cells.headings()[i],
+                                   printable(plainText(values[i])));
+    return Exit::ok;
+}
+
+} // namespace nv::cli

@@ -1,0 +1,54 @@
+#include "app/cli/Session.h"
+
+#include "app/Messages.h"
+#include "app/Project.h"
+#include "app/cli/RowWriter.h"
+#include "base/Files.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <unistd.h>
+
+namespace nv::cli {
+
+Answer StreamExaminer::ask(const Message &message) {
+    m_err << (message.title.empty() ? "" : message.title + ": ") << printable(message.text) << '\n';
+    return message.unattended;
+}
+
+Session::Session(const std::string &executable, std::ostream &toOut, std::ostream &toErr)
+    : out(toOut), err(toErr), m_examiner(toErr),
+      program(findProgramPaths(executable), Front::headless,
+              {m_examiner, m_status, m_clock, m_systemTime, m_network}),
+      task(toErr, ::isatty(STDERR_FILENO) == 1) {
+    startUp(program, Front::headless);
+    catchInterrupts();
+}
+
+Session::~Session() {
+    if (m_scratch.empty())
+        return;
+    std::error_code ignored;
+    std::filesystem::remove_all(m_scratch, ignored);
+}
+
+void Session::open(const std::filesystem::path &project) {
+    if (!isProjectName(project))
+        throw StorageFailure(
+            fmt::format("\"{}\": {}", textOf(project), messages::notAProjectFile().text));
+    openProject(program, project);
+}
+
+const std::filesystem::path &Session::scratch() {
+    if (m_scratch.empty()) {
+        std::string name = (program.thisClass.TempFolderPath / "cli-XXXXXX").string();
+        if (!::mkdtemp(name.data()))
+            throw StorageFailure(fmt::format("no scratch folder can be made in \"{}\"",
+                                             textOf(program.thisClass.TempFolderPath)));
+        m_scratch = name;
+    }
+    return m_scratch;
+}
+
+} // namespace nv::cli

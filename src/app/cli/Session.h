@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/Program.h"
+#include "app/cli/TerminalTask.h"
+#include "platform/posix/PosixSystemTime.h"
+#include "platform/posix/SysfsNetwork.h"
+
+#include <filesystem>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+
+namespace nv::cli {
+
+/// A call that can't be carried out as it stands; the message says what was expected.
+class UsageError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Writes messages to a stream and gives the answer of nobody being there.
+class StreamExaminer final : public Examiner {
+  public:
+    explicit StreamExaminer(std::ostream &err) : m_err(err) {}
+    Answer ask(const Message &message) override;
+
+  private:
+    std::ostream &m_err;
+};
+
+/// The headless program has no status window.
+class NoStatusView final : public StatusView {
+  public:
+    void open() override {}
+    void close() override {}
+    void update(const ThreadClass &) override {}
+    void pump() override {}
+};
+
+/// What one run of the headless program works with.
+class Session {
+  public:
+    Session(const std::string &executable, std::ostream &out, std::ostream &err);
+    ~Session();
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    /// Throws StorageFailure when `project` has not the extension of projects, isn't there, or
+    /// can't be opened.
+    void open(const std::filesystem::path &project);
+    /// A folder of this run's own below the Temp folder, removed at its end.
+    const std::filesystem::path &scratch();
+
+    std::ostream &out;
+    std::ostream &err;
+
+  private:
+    StreamExaminer m_examiner;
+    NoStatusView m_status;
+    SystemClock m_clock;
+    PosixSystemTime m_systemTime;
+    SysfsNetwork m_network;
+    std::filesystem::path m_scratch;
+
+  public:
+    Program program;
+    TerminalTask task;
+};
+
+} // namespace nv::cli

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "db/SqlTokens.h"
+#include "time/Date.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+/// A statement of the project's dialect as SQLite reads it: #dates#, True and False, Len, UCase and
+/// LCase, TOP n, [names], "texts" and & are replaced token by token; nothing inside of a text or a
+/// name is touched. Throws DialectError, also for a LIKE pattern that can't work.
+std::string translate(std::string_view sql);
+
+/// A date as examiners write it: "1/15/2009" (month first) or "2009-01-15", with or without a time
+/// such as "3:05:00 PM". Nothing when it is none.
+std::optional<Date> parseDateLiteral(std::string_view text);
+
+/// A name or a text so that it can't end early, for statements that the program builds.
+std::string quotedName(std::string_view name);
+std::string quotedText(std::string_view text);
+
+} // namespace nv

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "base/FailureLog.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+/// Reads and writes of single values in the project. Values are always bound; names of tables and
+/// columns must be those of the schema. A failure is logged under the procedure's name and gives
+/// the empty result.
+class ProjectFields {
+  public:
+    /// Both must outlive this.
+    ProjectFields(SQLite::Database &database, FailureLog &log) : m_database(database), m_log(log) {}
+
+    /// The field's value as trimmed text; empty when there is no such row.
+    std::string GetDB3Field(std::string_view field, std::string_view table, std::string_view key,
+                            std::string_view keyValue) const;
+    std::int64_t GetRecordCount(std::string_view column, std::string_view table) const;
+    /// Sets a field of the row with the key. A row of `DefaultSettings` is added when it isn't
+    /// there.
+    bool PutDBField(std::string_view value, std::string_view keyValue, std::string_view key,
+                    std::string_view table, std::string_view field,
+                    Severity severity = Severity::Warning);
+
+    bool SaveDefaultSetting(std::string_view name, std::string_view value);
+    /// Trimmed; empty when the row is missing.
+    std::string GetDefault(std::string_view name) const;
+    /// The setting as a whole number, when it is one.
+    std::optional<std::int64_t> defaultNumber(std::string_view name) const;
+
+  private:
+    SQLite::Database &m_database;
+    FailureLog &m_log;
+};
+
+} // namespace nv

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "db/URLClass.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace nv {
+
+/// A column of table `URLs` and the member that it holds.
+struct RecordColumn {
+    using Member =
+        std::variant<std::string URLClass::*, Date URLClass::*, bool URLClass::*,
+                     std::int64_t URLClass::*, Bytes URLClass::*, SourceFileId URLClass::*>;
+    std::string_view name;
+    Member member;
+};
+
+/// All columns but the key, in the order of the schema.
+std::span<const RecordColumn> recordColumns();
+
+} // namespace nv

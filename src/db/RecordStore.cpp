@@ -1,0 +1,178 @@
+#include "db/RecordStore.h"
+
+#include "base/Md5.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/RecordColumns.h"
+#include "db/RecordNames.h"
+#include "db/SqliteErrors.h"
+#include "time/TimeZoneClass.h"
+
+#include <SQLiteCpp/Column.h>
+#include <SQLiteCpp/Database.h>
+
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace nv {
+
+namespace {
+
+std::string columnNames() {
+    std::string names;
+    for (const RecordColumn &column : recordColumns())
+        names.append(names.empty() ? "\"" : ", \"").append(column.name).append("\"");
+    return names;
+}
+
+std::string insertText() {
+    std::string marks = "?";
+    for (std::size_t i = 1; i < recordColumns().size(); ++i)
+        marks.append(", ?");
+    return "INSERT INTO URLs (" + columnNames() + ") VALUES (" + marks + ")";
+}
+
+/// Text goes in whole, zero bytes included. Bytes that are no UTF-8 are repaired, so that every
+/// tool can read the row.
+void bindText(SQLite::Statement &statement, int at, const std::string &text) {
+    if (isUtf8(text))
+        statement.bindNoCopy(at, text);
+    else
+        statement.bind(at, decodeText(text));
+}
+
+/// Binds a member of the record to a 1-based parameter. Texts and bytes aren't copied: they must
+/// stay until the statement has run.
+struct Binder {
+    SQLite::Statement &statement;
+    const URLClass &record;
+    int at;
+
+    void operator()(std::string URLClass::*member) const {
+        bindText(statement, at, record.*member);
+    }
+    void operator()(Date URLClass::*member) const {
+        if (const Date &date = record.*member; date.has())
+            statement.bind(at, date.days());
+        else
+            statement.bind(at);
+    }
+    void operator()(bool URLClass::*member) const { statement.bind(at, record.*member ? 1 : 0); }
+    void operator()(std::int64_t URLClass::*member) const { statement.bind(at, record.*member); }
+    void operator()(Bytes URLClass::*member) const {
+        if (const Bytes &bytes = record.*member; !bytes.empty())
+            statement.bindNoCopy(at, bytes.data(), static_cast<int>(bytes.size()));
+        else
+            statement.bind(at);
+    }
+    void operator()(SourceFileId URLClass::*member) const {
+        if (const SourceFileId id = record.*member; id != SourceFileId::none)
+            statement.bind(at, number(id));
+        else
+            statement.bind(at);
+    }
+};
+
+/// The way back: sets a member from a 0-based column.
+struct Reading {
+    SQLite::Statement &statement;
+    URLClass &record;
+    int at;
+
+    SQLite::Column column() const { return statement.getColumn(at); }
+
+    void operator()(std::string URLClass::*member) const { record.*member = column().getString(); }
+    void operator()(Date URLClass::*member) const {
+        record.*member = column().isNull() ? Date() : Date::fromDays(column().getDouble());
+    }
+    void operator()(bool URLClass::*member) const { record.*member = column().getInt() != 0; }
+    void operator()(std::int64_t URLClass::*member) const { record.*member = column().getInt64(); }
+    void operator()(Bytes URLClass::*member) const {
+        const std::string bytes = column().getString();
+        (record.*member).assign(bytes.begin(), bytes.end());
+    }
+    void operator()(SourceFileId URLClass::*member) const {
+        record.*member = SourceFileId{column().getInt64()};
+    }
+};
+
+} // namespace
+
+RecordStore::RecordStore(SQLite::Database &database, const ProjectZone &zone, const Clock &clock,
+                         FailureLog &log)
+    : m_database(database), m_zone(zone), m_clock(clock), m_log(log),
+      m_insert(database, insertText()),
+      m_insertLink(database, "INSERT INTO Links (URL_ID, URL, HashedURL) VALUES (?, ?, ?)"),
+      m_select(database, "SELECT " + columnNames() + " FROM URLs WHERE URL_ID = ?") {}
+
+void RecordStore::SaveRecord(URLClass &record, const HistoryFile &file) {
+    record.URLID = UrlId::none;
+    const auto save = [&] {
+        complete(record, file);
+        insertRow(record);
+        if (record.IsWebPage)
+            insertLinks(record);
+        return true;
+    };
+    trapped(m_log, Severity::Warning, "MainBAS.SaveRecord()", kContactSupport, false,
+            [&save] { return onProject(save); });
+}
+
+void RecordStore::complete(URLClass &record, const HistoryFile &file) const {
+    record.SourceFile_ID = file.SourceFile_ID;
+    record.LastVisited = record.ActionDateUTC;
+    record.ActionDateLocal =
+        record.ActionDateUTC.has()
+            ? ConvertDateToZone(record.ActionDateUTC, m_zone.GMTZone, m_zone.EnableDSTChanges)
+            : Date();
+    record.TimeAdded = Date::fromTimePoint(m_clock.now());
+    record.Tag = false;
+    orderNames(record);
+    if (record.HashedURL.empty())
+        record.HashedURL = hashOfUrl(record.URL);
+}
+
+void RecordStore::insertRow(URLClass &record) {
+    int at = 0;
+    m_insert.tryReset();
+    for (const RecordColumn &column : recordColumns())
+        std::visit(Binder{m_insert, record, ++at}, column.member);
+    m_insert.exec();
+    record.URLID = UrlId{m_database.getLastInsertRowid()};
+    m_insert.tryReset();
+}
+
+void RecordStore::insertLinks(const URLClass &record) {
+    for (const std::string_view part : split(record.Links, '|')) {
+        if (!containsNoCase(part, "http"))
+            continue;
+        const std::string link(part);
+        m_insertLink.tryReset();
+        m_insertLink.bind(1, number(record.URLID));
+        bindText(m_insertLink, 2, link);
+        m_insertLink.bind(3, hashOfUrl(link));
+        m_insertLink.exec();
+    }
+    m_insertLink.tryReset();
+}
+
+std::optional<URLClass> RecordStore::GetURL(UrlId id) {
+    const auto read = [&]() -> std::optional<URLClass> {
+        m_select.tryReset();
+        m_select.bind(1, number(id));
+        if (!m_select.executeStep())
+            return std::nullopt;
+        URLClass record;
+        record.URLID = id;
+        int at = 0;
+        for (const RecordColumn &column : recordColumns())
+            std::visit(Reading{m_select, record, at++}, column.member);
+        m_select.tryReset();
+        return record;
+    };
+    return trapped(m_log, Severity::Warning, "MainBAS.GetURL()", kContactSupport,
+                   std::optional<URLClass>(), [&read] { return onProject(read); });
+}
+
+} // namespace nv

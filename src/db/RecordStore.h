@@ -1,0 +1,51 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "base/FailureLog.h"
+#include "db/HistoryFile.h"
+#include "db/URLClass.h"
+
+#include <SQLiteCpp/Statement.h>
+
+#include <optional>
+
+namespace nv {
+
+struct TimeZoneClass;
+
+/// The project's zone, in which `ActionDateLocal` is stored.
+struct ProjectZone {
+    const TimeZoneClass &GMTZone;
+    bool EnableDSTChanges = true;
+};
+
+/// Rows of table `URLs`: writes one a record and reads them back. Its statements are kept, so it
+/// must be gone before the connection is closed; all that it is given must outlive it.
+class RecordStore {
+  public:
+    RecordStore(SQLite::Database &database, const ProjectZone &zone, const Clock &clock,
+                FailureLog &log);
+
+    /// Adds a row, always: the same URL in two files, or a file imported twice, is two rows.
+    /// The record then is as the row has it, with its key in URLID. A failure loses this one row:
+    /// it is logged and URLID is `none`. Throws StorageFailure when the project can't be written.
+    void SaveRecord(URLClass &record, const HistoryFile &file);
+
+    /// Nothing when there is no such row, or when it can't be read, which is logged.
+    std::optional<URLClass> GetURL(UrlId id);
+
+  private:
+    void complete(URLClass &record, const HistoryFile &file) const;
+    void insertRow(URLClass &record);
+    void insertLinks(const URLClass &record);
+
+    SQLite::Database &m_database;
+    ProjectZone m_zone;
+    const Clock &m_clock;
+    FailureLog &m_log;
+    SQLite::Statement m_insert;
+    SQLite::Statement m_insertLink;
+    SQLite::Statement m_select;
+};
+
+} // namespace nv

@@ -1,0 +1,176 @@
+#include "db/SchemaColumns.h"
+
+#include <array>
+
+namespace nv::schema {
+
+namespace {
+
+using enum ColumnType;
+
+constexpr Column kDefaultSettings[] = {
+    {"DefaultName", Text, 50, false, "", ""},
+    {"DefaultValue", Text, 255, false, "", ""},
+};
+
+constexpr Column kLinkAnalysis[] = {
+    {"Link_ID", Long, 0, true, "Link_ID", "Unique record ID"},
+    {"Parent_ID", Long, 0, false, "Parent_ID", "ID from URL entry from URLs table"},
+    {"Child_ID", Long, 0, false, "Child_ID", "Related ID from URL entry from URLs table"},
+    {"HashedURL", Text, 40, false, "Hashed URL", "The value hit on"},
+    {"URL", Memo, 0, false, "URL Value", "The URL value"},
+};
+
+constexpr Column kSourceFiles[] = {
+    {"SourceFile_ID", Long, 0, true, "SourceFile_ID", "Unique record ID"},
+    {"DateProcessed", Date, 0, false, "Date Processed", "Date file was processed"},
+    {"FileName", Memo, 0, false, "File Name", "The cached local file name"},
+    {"FileExt", Text, 10, false, "File Ext", "(10)"},
+    {"FilePath", Memo, 0, false, "File Path", "The original file path"},
+    {"MD5Hash", Memo, 0, false, "MD5 Hash", "The original file hash"},
+    {"FileSize", Long, 0, false, "FileSize", "The size of the file in bytes"},
+    {"Successful", YesNo, 0, false, "Successful", "Indicates if file was processed Successfully"},
+};
+
+constexpr Column kLinks[] = {
+    {"Link_ID", Long, 0, true, "Link_ID", "Unique record ID"},
+    {"URL_ID", Long, 0, false, "URL ID", ""},
+    {"URL", Memo, 0, false, "URL Value", ""},
+    {"HashedURL", Memo, 0, false, "Hashed URL", ""},
+};
+
+constexpr Column kTags[] = {
+    {"Tag_ID", Long, 0, true, "", "Unique record ID"},
+    {"URL_ID", Long, 0, false, "", ""},
+    {"TagURLID", Long, 0, false, "", ""},
+    {"NewTag", Memo, 0, false, "", ""},
+    {"OriginalTag", Memo, 0, false, "", ""},
+    {"TagFileName", Memo, 0, false, "", ""},
+    {"FileOffset", Long, 0, false, "", ""},
+    {"CacheFileSize", Long, 0, false, "", ""},
+    {"CacheFolderName", Memo, 0, false, "", ""},
+    {"CacheFileName", Memo, 0, false, "", ""},
+    {"AccuracyScore", Text, 10, false, "", ""},
+    {"TagType", Text, 50, false, "", ""},
+    {"TagDefinition", Text, 50, false, "", ""},
+    {"TagOption_ID", Long, 0, false, "", ""},
+    {"TagSansParentPaths", Memo, 0, false, "", ""},
+};
+
+constexpr Column kTagOptions[] = {
+    {"TagOption_ID", Long, 0, true, "TagOption_ID", "Unique record ID"},
+    {"Tag_ID", Long, 0, false, "Tag ID", ""},
+    {"Option", Memo, 0, false, "Option", ""},
+    {"TagURLID", Long, 0, false, "", ""},
+};
+
+constexpr Column kUrlMetaData[] = {
+    {"MetaData_ID", Long, 0, true, "", "Unique record ID"},
+    {"URL_ID", Long, 0, false, "", ""},
+    {"BucketBlockSize", Long, 0, false, "", ""},
+    {"StartingBlockNumber", Long, 0, false, "", ""},
+    {"DataBlocksUsed", Long, 0, false, "", ""},
+    {"DataBlockFileNumber", Long, 0, false, "", ""},
+    {"DataBlockSize", Long, 0, false, "", ""},
+    {"ContentSize", Long, 0, false, "", ""},
+    {"DataBlockFileOffset", Double, 0, false, "", ""},
+    {"AddressAsBinary", Text, 64, false, "", ""},
+    {"SeparateFileName", Text, 20, false, "", ""},
+};
+
+constexpr Column kKeywords[] = {
+    {"Keyword_ID", Long, 0, true, "", "Unique record ID"},
+    {"Keyword", Memo, 0, false, "", ""},
+};
+
+constexpr Column kUrlSortTable[] = {
+    {"URL_ID", Long, 0, false, "", ""},
+    {"ActionDateLocal", Date, 0, false, "", ""},
+};
+
+constexpr Column kFlaggedUrls[] = {
+    {"Flagged_ID", Long, 0, true, "Link_ID", "Unique record ID"},
+    {"Flag_ID", Long, 0, false, "Parent_ID", "ID from URL entry from URLs table"},
+    {"URL_ID", Long, 0, false, "Child_ID", "Related ID from URL entry from URLs table"},
+    {"FlagLocation", Text, 10, false, "Flag Location", "URL or FILE"},
+};
+
+constexpr Column kMorkColumns[] = {
+    {"Col_ID", Long, 0, true, "", "Unique record ID"},
+    {"Offset", Long, 0, false, "", "File offset"},
+    {"ColID", Text, 20, false, "", ""},
+    {"ColumnName", Memo, 0, false, "", "Column name"},
+};
+
+constexpr Column kMorkMap[] = {
+    {"Map_ID", Long, 0, true, "", "Unique record ID"},
+    {"Offset", Long, 0, false, "", "File offset"},
+    {"RowID", Text, 20, false, "", ""},
+    {"ColID", Text, 20, false, "", "Related to parent table: MOZColumns"},
+    {"ValueID", Memo, 0, false, "", "Related to child table: MOZValues"},
+};
+
+constexpr Column kMorkValues[] = {
+    {"Value_ID", Long, 0, true, "", "Unique record ID"},
+    {"Offset", Long, 0, false, "", "File offset"},
+    {"ValueID", Text, 20, false, "", ""},
+    {"RecordValue", Memo, 0, false, "", "Related to parent table: MOZRecords"},
+};
+
+constexpr Column kKeywordFlags[] = {
+    {"FlagName", Memo, 0, false, "", ""},
+    {"Keywords", Memo, 0, false, "", ""},
+    {"FlagCode", Text, 10, false, "", ""},
+};
+
+constexpr std::array<Relationship, 6> kRelationships = {{
+    {"URLsLinks", "URLs", "URL_ID", "LinkAnalysis", "Parent_ID"},
+    {"URLsLinks1", "URLs", "URL_ID", "LinkAnalysis", "Child_ID"},
+    {"SourceFilesURLs_Relationship", "SourceFiles", "SourceFile_ID", "URLs", "SourceFile_ID"},
+    {"Links_Relationship", "URLs", "URL_ID", "Links", "URL_ID"},
+    {"URLTags_Relationship", "URLs", "URL_ID", "Tags", "URL_ID"},
+    {"TagOptions_Relationship", "Tags", "Tag_ID", "TagOptions", "Tag_ID"},
+}};
+
+} // namespace
+
+std::span<const Table> projectTables() {
+    static const std::array<Table, 10> tables = {{
+        {"URLs", "URL_ID_PK", urlColumns()},
+        {"DefaultSettings", "", kDefaultSettings},
+        {"LinkAnalysis", "ParentChild_ID_PK", kLinkAnalysis},
+        {"SourceFiles", "SourceFile_ID_PK", kSourceFiles},
+        {"Links", "Link_ID_PK", kLinks},
+        {"Tags", "Tag_ID_PK", kTags},
+        {"TagOptions", "TagOption_ID_PK", kTagOptions},
+        {"URLMetaData", "MetaData_ID_PK", kUrlMetaData},
+        {"Keywords", "Keyword_ID_PK", kKeywords},
+        {"URLSortTable", "", kUrlSortTable},
+    }};
+    return tables;
+}
+
+const Table &flaggedUrls() {
+    static const Table table{"FlaggedURLs", "FlagURL_ID_PK", kFlaggedUrls};
+    return table;
+}
+
+const Table &keywordFlags() {
+    static const Table table{"KeywordFlags", "", kKeywordFlags};
+    return table;
+}
+
+std::span<const Table> morkTables() {
+    static const std::array<Table, 3> tables = {{
+        {"MorkColumns", "Col_ID_PK", kMorkColumns},
+        {"MorkMap", "Map_ID_PK", kMorkMap},
+        {"MorkValues", "Value_ID_PK", kMorkValues},
+    }};
+    return tables;
+}
+
+std::span<const Relationship> relationships() {
+    return kRelationships;
+}
+
+} // namespace nv::schema

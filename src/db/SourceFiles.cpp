@@ -1,0 +1,62 @@
+#include "db/SourceFiles.h"
+
+#include "base/Files.h"
+#include "base/Trap.h"
+#include "db/SqliteErrors.h"
+#include "time/Date.h"
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+
+namespace nv {
+
+template <class Body>
+bool SourceFiles::attempt(Body &&body) {
+    return trapped(m_log, Severity::Warning, "MainBAS.LogFile()", kContactSupport, false, [&] {
+        onProject(body);
+        return true;
+    });
+}
+
+bool SourceFiles::LogFile(HistoryFile &file) {
+    return attempt([&] {
+        file.SourceFile_ID = rowOf(file);
+        if (file.SourceFile_ID == SourceFileId::none)
+            file.SourceFile_ID = addRow(file);
+    });
+}
+
+bool SourceFiles::setSuccessful(SourceFileId id) {
+    return attempt([&] {
+        SQLite::Statement update(m_database,
+                                 "UPDATE SourceFiles SET Successful = 1 WHERE SourceFile_ID = ?");
+        update.bind(1, number(id));
+        update.exec();
+    });
+}
+
+/// A file without a hash is no other file's content.
+SourceFileId SourceFiles::rowOf(const HistoryFile &file) {
+    if (file.MD5Hash.empty())
+        return SourceFileId::none;
+    SQLite::Statement select(m_database, "SELECT SourceFile_ID FROM SourceFiles WHERE MD5Hash = ?"
+                                         " ORDER BY SourceFile_ID");
+    select.bind(1, file.MD5Hash);
+    return select.executeStep() ? SourceFileId{select.getColumn(0).getInt64()} : SourceFileId::none;
+}
+
+SourceFileId SourceFiles::addRow(const HistoryFile &file) {
+    SQLite::Statement insert(m_database,
+                             "INSERT INTO SourceFiles (DateProcessed, FileName, FileExt, FilePath,"
+                             " MD5Hash, FileSize, Successful) VALUES (?, ?, ?, ?, ?, ?, 0)");
+    insert.bind(1, Date::fromTimePoint(m_clock.now()).days());
+    insert.bind(2, file.FileName);
+    insert.bind(3, file.fileExt);
+    insert.bind(4, textOf(file.FullPath));
+    insert.bind(5, file.MD5Hash);
+    insert.bind(6, static_cast<std::int64_t>(file.FileSize));
+    insert.exec();
+    return SourceFileId{m_database.getLastInsertRowid()};
+}
+
+} // namespace nv

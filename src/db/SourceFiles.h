@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "base/FailureLog.h"
+#include "db/HistoryFile.h"
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+/// Rows of table `SourceFiles`: the artefact files that imports took up.
+class SourceFiles {
+  public:
+    /// All must outlive this.
+    SourceFiles(SQLite::Database &database, const Clock &clock, FailureLog &log)
+        : m_database(database), m_clock(clock), m_log(log) {}
+
+    /// Registers the file and gives it its SourceFile_ID. A file whose content has a row already
+    /// gets that row and nothing is written: the row identifies the content, it doesn't bar it from
+    /// being imported again. False on a failure, which is logged. Throws StorageFailure.
+    bool LogFile(HistoryFile &file);
+
+    /// Marks the row of a file that was read to its end. False on a failure, which is logged.
+    bool setSuccessful(SourceFileId id);
+
+  private:
+    template <class Body>
+    bool attempt(Body &&body);
+    SourceFileId rowOf(const HistoryFile &file);
+    SourceFileId addRow(const HistoryFile &file);
+
+    SQLite::Database &m_database;
+    const Clock &m_clock;
+    FailureLog &m_log;
+};
+
+} // namespace nv

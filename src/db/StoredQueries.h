@@ -1,0 +1,52 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "db/KeywordLists.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+struct StoredQuery {
+    std::string name; ///< a leading "_" marks a system query
+    std::string sql;  ///< as written, in the project's dialect
+};
+
+/// The stored queries of a project. Each has its text as the examiner wrote it in table
+/// `StoredQueries` and a real view of its name with the translation, so that any SQLite program can
+/// read it. Errors of the database and of the dialect are thrown and leave everything as it was.
+class StoredQueries {
+  public:
+    explicit StoredQueries(SQLite::Database &database) : m_database(database) {}
+
+    /// All queries of a new project. The dates of the activity queries are fixed on this day, so
+    /// these queries age with the file.
+    void createAll(const Clock &clock, const KeywordLists &keywords);
+    /// In the order of their making.
+    std::vector<StoredQuery> list() const;
+    std::optional<std::string> text(std::string_view name) const;
+    /// Adds the query or replaces its text.
+    void save(const StoredQuery &query);
+    void remove(std::string_view name);
+    /// "_DEFAULT" gets its first text back when it is there.
+    void ResetDEFAULTQuery();
+
+  private:
+    SQLite::Database &m_database;
+};
+
+inline constexpr std::string_view kDefaultQueryName = "_DEFAULT";
+inline constexpr std::string_view kDefaultQueryText =
+    "SELECT * FROM URLs ORDER BY ActionDateLocal ASC";
+
+/// The texts of the queries of a new project that is made on the given day.
+std::vector<StoredQuery> firstQueries(int year, int month, const KeywordLists &keywords);
+
+} // namespace nv

@@ -1,0 +1,132 @@
+#include "import/Categories.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <span>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kProcedure = "ParserClass.SetURLCategory()";
+
+struct Row {
+    std::string_view extensions; ///< separated by blanks
+    std::string_view category;
+};
+
+// The first row that names the extension decides. "wav" therefore is "Movies, Animation" and its
+// own row at the end is never reached: stored queries count on that.
+constexpr std::array<Row, 14> kRows = {{
+    {"jpg jpe jpeg bmp png gif ico", "Pictures"},
+    {"html htm", "HTML"},
+    {"asp php aspx cgi", "Scripts, HTML"},
+    {"xml", "XML"},
+    {"pdf", "Adobe"},
+    {"js", "Javascripts"},
+    {"css", "Stylesheets"},
+    {"zip gzip rar", "Archive, Compressed"},
+    {"ppt doc mdb xls rtf", "Office Documents"},
+    {"txt log", "ASCII Files"},
+    {"exe dll bak cab msi iso", "Binary, Executables"},
+    {"wav swf wmf avi mpg mpeg wmv wma asx mov", "Movies, Animation"},
+    {"mp3", "Music, Audio"},
+    {"wav", "Audio"},
+}};
+
+bool hasWord(std::string_view words, std::string_view word) {
+    while (!words.empty()) {
+        const std::size_t end = std::min(words.find(' '), words.size());
+        if (equalsNoCase(words.substr(0, end), word))
+            return true;
+        words.remove_prefix(std::min(end + 1, words.size()));
+    }
+    return false;
+}
+
+/// These hold their bodies in block files or tables: their readers leave a body in
+/// `RunTimeTempFilePath`.
+bool isExtracted(std::string_view cacheType) {
+    return equalsNoCase(cacheType, "FIREFOX CACHE") || equalsNoCase(cacheType, "SAFARI CACHE") ||
+           equalsNoCase(cacheType, "CHROME CACHE");
+}
+
+bool isPlainFile(const fs::path &path) {
+    std::error_code none;
+    return fs::is_regular_file(fs::symlink_status(path, none));
+}
+
+bool leadsUp(const fs::path &relative) {
+    return std::ranges::find(relative, fs::path("..")) != relative.end();
+}
+
+/// The record's content as a plain file; evidence is read where it lies. Nothing when it is gone.
+std::optional<fs::path> contentOf(const URLClass &record, const Evidence &evidence) {
+    if (isExtracted(record.cacheType))
+        return isPlainFile(record.RunTimeTempFilePath) ? std::optional(record.RunTimeTempFilePath)
+                                                       : std::nullopt;
+    if (record.CacheFileRelativePath.empty())
+        return std::nullopt;
+    const fs::path direct = record.RootPath + record.CacheFileRelativePath;
+    if (!leadsUp(record.CacheFileRelativePath) && isPlainFile(direct))
+        return direct;
+    // Names that aren't UTF-8 on the disk are found through the folder's listing.
+    return evidence.find(record.RootPath, record.CacheFileRelativePath);
+}
+
+std::string extensionOf(const ContentFacts &facts) {
+    if (!facts.extension.empty())
+        return facts.extension;
+    if (facts.hasHtml || facts.hasBody || facts.hasTable)
+        return "html";
+    return facts.hasXml ? "xml" : "";
+}
+
+} // namespace
+
+std::string_view categoryOfExtension(std::string_view extension) {
+    if (extension.empty())
+        return {};
+    const auto *row = std::ranges::find_if(
+        kRows, [extension](const Row &each) { return hasWord(each.extensions, extension); });
+    return row == kRows.end() ? std::string_view() : row->category;
+}
+
+void Verdict::applyTo(URLClass &record) const {
+    record.cacheType = toUpper(record.cacheType);
+    record.Category = Category;
+    if (!extension.empty())
+        record.CacheFileExt = extension;
+}
+
+Verdict Categories::verdictOn(const URLClass &record) const {
+    Verdict verdict;
+    if (looksAtContent(record))
+        verdict.extension = extensionByContent(record);
+    if (verdict.extension.empty())
+        verdict.extension = record.URLFileExt.empty() ? record.CacheFileExt : record.URLFileExt;
+    const std::string_view category = categoryOfExtension(verdict.extension);
+    verdict.Category = category.empty() ? record.Category : std::string(category);
+    return verdict;
+}
+
+bool Categories::looksAtContent(const URLClass &record) const {
+    return !record.IsHistory && record.CacheFileExists &&
+           (m_signatures == Signatures::verify || record.CacheFileExt.empty());
+}
+
+std::string Categories::extensionByContent(const URLClass &record) const {
+    return trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::string(), [&] {
+        const auto file = contentOf(record, m_evidence);
+        return file ? extensionOf(m_content.facts(*file)) : std::string();
+    });
+}
+
+} // namespace nv

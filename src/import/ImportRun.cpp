@@ -1,0 +1,194 @@
+#include "import/ImportRun.h"
+
+#include "base/Files.h"
+#include "base/Trap.h"
+#include "db/SourceFiles.h"
+#include "db/WriteBatch.h"
+#include "import/Categories.h"
+#include "import/ImportSink.h"
+#include "readers/ContentProbe.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kProcedure = "ImportForm.ImportFiles()";
+constexpr std::string_view kScratchName = "~import";
+
+/// The import's own folder below the scratch folder, emptied for each file and gone at the end.
+class ScratchFolder {
+  public:
+    explicit ScratchFolder(const fs::path &parent) : m_path(parent / kScratchName) {}
+    ~ScratchFolder() {
+        std::error_code ignored;
+        fs::remove_all(m_path, ignored);
+    }
+    ScratchFolder(const ScratchFolder &) = delete;
+    ScratchFolder &operator=(const ScratchFolder &) = delete;
+
+    const fs::path &emptied() const {
+        fs::remove_all(m_path);
+        fs::create_directory(m_path);
+        return m_path;
+    }
+
+  private:
+    fs::path m_path;
+};
+
+/// Keeps what the log was told last, so that the summary can say it too.
+class HeardLog final : public FailureLog {
+  public:
+    explicit HeardLog(FailureLog &log) : m_log(log) {}
+    void write(const Failure &failure) override {
+        last = failure.message;
+        m_log.write(failure);
+    }
+    std::string last;
+
+  private:
+    FailureLog &m_log;
+};
+
+ArtefactState stateOf(ReadState state) {
+    switch (state) {
+    case ReadState::complete:
+        return ArtefactState::complete;
+    case ReadState::cancelled:
+        return ArtefactState::cancelled;
+    case ReadState::cutShort:
+        return ArtefactState::cutShort;
+    case ReadState::failed:
+        break;
+    }
+    return ArtefactState::failed;
+}
+
+/// A file's share of the progress bar: by its size, and empty files count a little too.
+double weightOf(const HistoryFile &file) {
+    return static_cast<double>(file.FileSize) + 1;
+}
+
+class Import {
+  public:
+    Import(const ImportRun &run, ImportClass &job, ImportSummary &summary)
+        : m_run(run), m_files(job.HistoryFiles), m_summary(summary), m_log(run.log),
+          m_categories(job.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames,
+                       run.evidence, m_content, m_log),
+          m_sources(run.project, run.clock, m_log),
+          m_store(run.project, run.zone, run.clock, m_log), m_scratch(run.scratch) {}
+
+    void all() {
+        double total = 0;
+        for (const HistoryFile &file : m_files)
+            total += weightOf(file);
+        double done = 0;
+        for (std::size_t i = 0; i < m_files.Count() && !m_summary.cancelled; ++i) {
+            HistoryFile &file = m_files.Item(i + 1);
+            const double from = done / total;
+            done += weightOf(file);
+            if (m_run.task.advance(from))
+                one(file, m_summary.artefacts[i], from, done / total);
+            else
+                m_summary.cancelled = true;
+        }
+    }
+
+  private:
+    void one(HistoryFile &file, ArtefactResult &result, double from, double to) {
+        const auto begun = std::chrono::steady_clock::now();
+        const Reader *reader = m_run.readerFor(file.HistoryFileType);
+        std::error_code none;
+        if (!fs::exists(file.FullPath, none))
+            settle(result, ArtefactState::vanished, "the file is no longer there");
+        else if (!reader || !reader->read)
+            settle(result, ArtefactState::notReadYet, "this format is not read yet");
+        else if (!m_sources.LogFile(file))
+            settle(result, ArtefactState::failed, m_log.last);
+        else
+            read(*reader, file, result, SubTask(m_run.task, from, to));
+        m_summary.cancelled |= result.state == ArtefactState::cancelled;
+        const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
+        result.seconds = took.count();
+    }
+
+    static void settle(ArtefactResult &result, ArtefactState state, std::string_view reason) {
+        result.state = state;
+        result.reason = reason;
+    }
+
+    void read(const Reader &reader, HistoryFile &file, ArtefactResult &result, SubTask task) {
+        WriteBatch batch(m_run.project);
+        ImportSink sink(m_store, m_categories, batch, file, result);
+        settle(result, ArtefactState::failed, "the import ended while this file was read");
+        ReadResult outcome = readTrapped(reader, file, sink, task);
+        result.type = file.HistoryFileType;
+        result.notReached = outcome.notReached;
+        result.passedOver = std::move(outcome.passedOver);
+        settle(result, stateOf(outcome.state), outcome.reason);
+        if (outcome.state == ReadState::complete)
+            m_sources.setSuccessful(file.SourceFile_ID);
+        batch.commit(); // here and not at the batch's end, where a full disk couldn't be told
+    }
+
+    /// A reader that fails unforeseen is told like one that knows why.
+    ReadResult readTrapped(const Reader &reader, HistoryFile &file, RecordSink &sink,
+                           TaskMonitor &task) {
+        if (file.HistoryFileType == HistoryFileType::simpleHTML)
+            task.describe({"IMPORTING ORPHANED HTML FILES", "", textOf(file.FullPath), ""});
+        const auto result =
+            trapped(m_log, Severity::Warning, kProcedure, kContactSupport,
+                    std::optional<ReadResult>(), [&] {
+                        ReadContext context{
+                            file, m_run.evidence, m_content, m_run.clock, m_scratch.emptied(),
+                            sink, m_log,          task};
+                        return std::optional(reader.read(context));
+                    });
+        return result ? *result : ReadResult{ReadState::failed, m_log.last, 0, {}};
+    }
+
+    const ImportRun &m_run;
+    HistoryFiles &m_files;
+    ImportSummary &m_summary;
+    HeardLog m_log;
+    ContentProbe m_content;
+    Categories m_categories;
+    SourceFiles m_sources;
+    RecordStore m_store;
+    ScratchFolder m_scratch;
+};
+
+/// Every file of the list as one that the import hasn't reached.
+ImportSummary nothingReached(const ImportRun &run, const HistoryFiles &files) {
+    ImportSummary summary;
+    for (const HistoryFile &file : files) {
+        ArtefactResult &result = summary.artefacts.emplace_back();
+        const Reader *reader = run.readerFor(file.HistoryFileType);
+        result.path = file.FullPath;
+        result.type = file.HistoryFileType;
+        result.readerKey = reader ? reader->key : "";
+        result.MD5Hash = file.MD5Hash;
+    }
+    return summary;
+}
+
+} // namespace
+
+ImportSummary runImport(const ImportRun &run, ImportClass &job) {
+    if (job.CancelImport)
+        job.HistoryFiles.Clear();
+    ImportSummary summary = nothingReached(run, job.HistoryFiles);
+    summary.cancelled = job.CancelImport;
+    summary.failure = failureOf(run.log, kProcedure, [&] {
+                          Import(run, job, summary).all();
+                      }).value_or(std::string());
+    return summary;
+}
+
+} // namespace nv

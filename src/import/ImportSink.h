@@ -1,0 +1,32 @@
+#pragma once
+
+#include "db/RecordStore.h"
+#include "db/WriteBatch.h"
+#include "import/Categories.h"
+#include "import/ImportSummary.h"
+#include "readers/Reader.h"
+
+namespace nv {
+
+/// Where the records of one artefact become rows. All that a record undergoes on its way into the
+/// project happens in save(), in one write.
+class ImportSink final : public RecordSink {
+  public:
+    /// All must outlive this. Rows are counted in `result` as they come, so that the count stands
+    /// whatever ends the import.
+    ImportSink(RecordStore &store, const Categories &categories, WriteBatch &batch,
+               const HistoryFile &file, ArtefactResult &result)
+        : m_store(store), m_categories(categories), m_batch(batch), m_file(file), m_result(result) {
+    }
+
+    void save(URLClass &record) override;
+
+  private:
+    RecordStore &m_store;
+    const Categories &m_categories;
+    WriteBatch &m_batch;
+    const HistoryFile &m_file;
+    ArtefactResult &m_result;
+};
+
+} // namespace nv

@@ -1,0 +1,64 @@
+#include "import/ImportSummary.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace nv {
+
+namespace {
+
+template <class Sum, class Value>
+Sum sumOver(const std::vector<ArtefactResult> &artefacts, Value &&value) {
+    return std::transform_reduce(artefacts.begin(), artefacts.end(), Sum{}, std::plus<>(), value);
+}
+
+} // namespace
+
+std::string_view stateWord(ArtefactState state) {
+    switch (state) {
+    case ArtefactState::complete:
+        return "complete";
+    case ArtefactState::cutShort:
+        return "cut short";
+    case ArtefactState::cancelled:
+        return "cancelled";
+    case ArtefactState::failed:
+        return "failed";
+    case ArtefactState::notReadYet:
+        return "not read yet";
+    case ArtefactState::vanished:
+        return "vanished";
+    case ArtefactState::notReached:
+        return "not reached";
+    }
+    return "failed";
+}
+
+std::uint64_t ImportSummary::rowsSaved() const {
+    return sumOver<std::uint64_t>(artefacts, [](const auto &each) { return each.rowsSaved; });
+}
+
+std::uint64_t ImportSummary::rowsLost() const {
+    return sumOver<std::uint64_t>(artefacts, [](const auto &each) { return each.rowsLost; });
+}
+
+std::uint64_t ImportSummary::passedOver() const {
+    return sumOver<std::uint64_t>(artefacts, [](const auto &each) {
+        return std::accumulate(each.passedOver.begin(), each.passedOver.end(), std::uint64_t{0},
+                               [](auto sum, const auto &part) { return sum + part.second; });
+    });
+}
+
+std::uint64_t ImportSummary::notReached() const {
+    return sumOver<std::uint64_t>(artefacts, [](const auto &each) { return each.notReached; });
+}
+
+std::size_t ImportSummary::count(ArtefactState state) const {
+    return static_cast<std::size_t>(std::ranges::count(artefacts, state, &ArtefactResult::state));
+}
+
+double ImportSummary::seconds() const {
+    return sumOver<double>(artefacts, [](const auto &each) { return each.seconds; });
+}
+
+} // namespace nv

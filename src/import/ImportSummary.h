@@ -1,0 +1,57 @@
+#pragma once
+
+#include "db/HistoryFile.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nv {
+
+enum class ArtefactState {
+    complete,
+    cutShort,   ///< damage ended the reading
+    cancelled,  ///< the examiner cancelled while it was read; its rows so far stay
+    failed,     ///< nothing could be read
+    notReadYet, ///< a known format without a reader
+    vanished,   ///< gone between scan and run
+    notReached, ///< the import ended before its turn
+};
+
+/// "complete", "cut short", "cancelled", "failed", "not read yet", "vanished", "not reached".
+std::string_view stateWord(ArtefactState state);
+
+/// What an import made of one artefact file.
+struct ArtefactResult {
+    std::filesystem::path path;
+    HistoryFileType type = HistoryFileType::none; ///< as the reader refined it
+    std::string readerKey;
+    std::string MD5Hash;
+    ArtefactState state = ArtefactState::notReached;
+    std::string reason; ///< why it isn't complete
+    std::uint64_t rowsSaved = 0;
+    std::uint64_t rowsLost = 0;   ///< records that the project did not take
+    std::uint64_t notReached = 0; ///< entries behind the damage
+    std::map<std::string, std::uint64_t>
+        passedOver; ///< records that the rules leave out, by reason
+    double seconds = 0;
+};
+
+struct ImportSummary {
+    std::vector<ArtefactResult> artefacts; ///< every file of the list, in its order
+    bool cancelled = false;
+    std::string failure; ///< what ended the import itself, such as a full disk
+
+    std::uint64_t rowsSaved() const;
+    std::uint64_t rowsLost() const;
+    std::uint64_t passedOver() const;
+    std::uint64_t notReached() const;
+    std::size_t count(ArtefactState state) const;
+    double seconds() const;
+};
+
+} // namespace nv

@@ -1,0 +1,138 @@
+#include "import/Scan.h"
+
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "import/FileMask.h"
+#include "readers/Limits.h"
+#include "readers/Registry.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kProcedure = "ImportForm.NextBtn_Click()";
+
+HistoryFile describe(const fs::path &file, const Reader &reader) {
+    HistoryFile artefact;
+    artefact.FullPath = file;
+    artefact.FileName = textOf(file.filename());
+    artefact.fileExt = GetFileExtension(textOf(file));
+    artefact.FileParentPath = textOf(file.parent_path());
+    artefact.HistoryFileType = reader.type;
+    artefact.Version = reader.version;
+    return artefact;
+}
+
+class Scan {
+  public:
+    Scan(const ImportClass &job, TaskMonitor &task, FailureLog &log)
+        : m_job(job), m_mask(maskText(job)), m_task(task), m_log(log) {}
+
+    ScanResult run() {
+        // Paths go into the project: they must not hang on the folder that the program runs in.
+        const fs::path start = fs::absolute(m_job.StartingDirectory).lexically_normal();
+        std::error_code none;
+        if (fs::is_regular_file(start, none))
+            tryFile(start, 0);
+        else
+            scanFolders(start);
+        return std::move(m_result);
+    }
+
+  private:
+    void scanFolders(const fs::path &start) {
+        const auto depth = m_job.RecurseSubfolders ? Depth::allBelow : Depth::thisFolder;
+        const auto folders = GetFolderList(start, depth, m_task, m_log, m_result.gaps);
+        const double count = static_cast<double>(folders.size());
+        for (std::size_t i = 0; i < folders.size() && goOn(static_cast<double>(i) / count); ++i) {
+            showFolder(folders[i], i + 1, folders.size());
+            attempt(folders[i], [&] { scanFolder(folders[i], static_cast<double>(i) / count); });
+        }
+        goOn(1); // a cancel while the folders were listed leaves nothing to loop over
+    }
+
+    void scanFolder(const fs::path &folder, double fraction) {
+        const FolderContents contents = contentsOf(folder);
+        m_result.gaps.linksNotFollowed += contents.links;
+        for (const fs::path &file : contents.files)
+            if (m_mask.matches(textOf(file.filename())) && goOn(fraction))
+                tryFile(file, fraction);
+    }
+
+    void tryFile(const fs::path &file, double fraction) {
+        attempt(file, [&] { takeFile(file, fraction); });
+    }
+
+    void takeFile(const fs::path &file, double fraction) {
+        Candidate candidate = candidateOf(file);
+        candidate.verifySignatures = m_job.VerifyFileSignatures;
+        Bytes head;
+        if (candidate.verifySignatures)
+            head = readHead(file, limits::kHeadBytes);
+        candidate.head = ByteView(head);
+        const Reader *reader = recognise(candidate);
+        if (reader && wants(m_job, reader->option))
+            list(describe(artefactOf(*reader, candidate), *reader), fraction);
+    }
+
+    void list(HistoryFile artefact, double fraction) {
+        const auto hash = FileMD5(artefact.FullPath, [&](std::uint64_t readSoFar) {
+            artefact.FileSize = readSoFar;
+            return goOn(fraction);
+        });
+        if (!hash)
+            return; // cancelled: without its hash it can't be told from another file
+        artefact.MD5Hash = *hash;
+        m_result.HistoryFiles.Add(std::move(artefact));
+    }
+
+    /// A folder or file that can't be read is logged and noted, and the scan goes on.
+    template <class Body>
+    void attempt(const fs::path &path, Body &&body) {
+        const bool done =
+            trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+                body();
+                return true;
+            });
+        if (!done)
+            m_result.gaps.unreadable.push_back(textOf(path));
+    }
+
+    bool goOn(double fraction) {
+        m_result.cancelled = m_result.cancelled || !m_task.advance(fraction);
+        return !m_result.cancelled;
+    }
+
+    void showFolder(const fs::path &folder, std::size_t number, std::size_t count) {
+        if (!m_task.wantsStep())
+            return;
+        TaskStep step;
+        step.topMessage = fmt::format("Scanning folder {} of {}", number, count);
+        step.topCounter = static_cast<std::int64_t>(number);
+        step.topTotal = static_cast<std::int64_t>(count);
+        step.bottomMessage = textOf(folder);
+        m_task.show(step);
+    }
+
+    const ImportClass &m_job;
+    const FileMask m_mask;
+    TaskMonitor &m_task;
+    FailureLog &m_log;
+    ScanResult m_result;
+};
+
+} // namespace
+
+ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log) {
+    return Scan(job, task, log).run();
+}
+
+} // namespace nv

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "base/FailureLog.h"
+#include "base/TaskMonitor.h"
+#include "import/FolderList.h"
+#include "import/ImportClass.h"
+
+namespace nv {
+
+struct ScanResult {
+    nv::HistoryFiles
+        HistoryFiles; ///< with MD5, size, type and version; what was found so far when cancelled
+    ScanGaps gaps;
+    bool cancelled = false;
+};
+
+/// Looks for artefacts in the starting directory, or at that one file when it is a file: then no
+/// mask is applied. A file whose format's check box is off is passed over.
+ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log);
+
+} // namespace nv

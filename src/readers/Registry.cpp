@@ -1,0 +1,243 @@
+#include "readers/Registry.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "readers/Evidence.h"
+#include "readers/chrome/History.h"
+#include "readers/firefox/Places.h"
+#include "readers/ie/Index.h"
+
+#include <algorithm>
+#include <array>
+
+namespace nv {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// In an Internet Explorer index: how many cache folders it has, lowest byte. 0-based.
+constexpr std::uint64_t kFolderCountAt = 72;
+
+// The mark that hist-ex puts in the names of the files it recovers.
+constexpr std::string_view kRecoveredIndex = "-uc-index.dat";
+
+bool nameHas(const Candidate &file, std::string_view part) {
+    return file.name.find(part) != std::string::npos;
+}
+
+bool pathHas(const Candidate &file, std::string_view part) {
+    return file.path.find(part) != std::string::npos;
+}
+
+/// Without verification the name alone decides, and this is always true.
+bool contentHas(const Candidate &file, std::string_view mark) {
+    return !file.verifySignatures || file.head.raw().find(mark) != std::string_view::npos;
+}
+
+/// Chrome's index beside the block file. Names may have lost their case on the way here.
+std::optional<fs::path> indexBeside(const Candidate &file) {
+    const Evidence folder({});
+    return folder.find(file.file.parent_path(), "index");
+}
+
+bool isFirefoxCache(const Candidate &file) {
+    return nameHas(file, "_cache_map_");
+}
+
+bool isMorkHistory(const Candidate &file) {
+    return nameHas(file, "history") && file.extension == "dat" && contentHas(file, "<mdb:mork:z");
+}
+
+bool isChromeHistory(const Candidate &file) {
+    return (file.name == "history" || file.name == "archived history") && pathHas(file, "chrome");
+}
+
+bool isChromeCache(const Candidate &file) {
+    return file.name == "data_0" && indexBeside(file).has_value();
+}
+
+bool isFirefox3History(const Candidate &file) {
+    return nameHas(file, "places") && file.extension == "sqlite";
+}
+
+bool isOperaCache(const Candidate &file) {
+    return nameHas(file, "dcache4");
+}
+
+// Opera itself writes "typed_history.xml", which this has never taken.
+bool isOperaHistory(const Candidate &file) {
+    return file.name == "global.dat" || file.name == "download.dat" ||
+           file.name == "type_history.xml";
+}
+
+bool isSafariCache(const Candidate &file) {
+    return nameHas(file, "cache") && file.extension == "db";
+}
+
+bool isSafariHistory(const Candidate &file) {
+    return nameHas(file, "history") && file.extension == "plist";
+}
+
+bool hasIndexName(const Candidate &file) {
+    return nameHas(file, "index") && file.extension == "dat" && !nameHas(file, kRecoveredIndex);
+}
+
+bool isIEIndex(const Candidate &file) {
+    return hasIndexName(file) && contentHas(file, "Client UrlCache");
+}
+
+/// An index with folders is a cache index; one without lists a history, whatever its own folder is
+/// called.
+bool hasCacheFolders(const Candidate &file) {
+    return file.head.has(kFolderCountAt, 1) && file.head.u8(kFolderCountAt) != 0;
+}
+
+bool isIECookies(const Candidate &file) {
+    return isIEIndex(file) && pathHas(file, "/cookies/");
+}
+
+/// Takes every index when contents aren't verified: the name can't tell history from cache.
+bool isIEHistory(const Candidate &file) {
+    return isIEIndex(file) && (!file.verifySignatures || !hasCacheFolders(file));
+}
+
+bool isIECache(const Candidate &file) {
+    return isIEIndex(file) && hasCacheFolders(file);
+}
+
+bool isHistExIndex(const Candidate &file) {
+    return hasIndexName(file) && contentHas(file, "NetAnalysisURLCacheMSIE5Hstex");
+}
+
+bool isOperaCookies(const Candidate &file) {
+    return file.name == "cookies4.dat";
+}
+
+bool isFirefoxCookies(const Candidate &file) {
+    return file.name == "cookies.sqlite";
+}
+
+bool isSafariCookies(const Candidate &file) {
+    return file.name == "cookies.plist";
+}
+
+bool isChromeCookies(const Candidate &file) {
+    return file.name == "cookies" && pathHas(file, "/chrome/");
+}
+
+bool isNetAnalysis(const Candidate &file) {
+    return file.extension == "net";
+}
+
+bool isNorvelaneNVD(const Candidate &file) {
+    return file.extension == "nvd";
+}
+
+bool isHistEx(const Candidate &file) {
+    return nameHas(file, kRecoveredIndex);
+}
+
+bool isSimpleHTML(const Candidate &file) {
+    return file.extension == "htm" || file.extension == "html";
+}
+
+using enum HistoryFileType;
+
+// The mask stands with the option: rows that share an option show the same mask. Cookies of
+// Internet Explorer add none, so they are met only where history or cache is looked for too.
+constexpr std::array<Reader, 21> kReaders = {{
+    {firefoxCache, "firefox-cache", "Firefox Cache", "", "chkCacheFirefox", "_cache_map_*",
+     isFirefoxCache, nullptr},
+    {morkHistory, "firefox-mork-history", "Firefox2 History", "2.0", "chkHistoryFirefox",
+     "history*.dat;places*.sqlite", isMorkHistory, nullptr},
+    {chromeHistory, "chrome-history", "Chrome History", "1.0", "chkHistoryChrome",
+     "History;Archived History", isChromeHistory, ParseChromeHistoryFile},
+    {chromeCache, "chrome-cache", "Chrome Cache", "1.0", "chkCacheChrome", "data_0", isChromeCache,
+     nullptr},
+    {firefox3History, "firefox3-history", "Firefox3 History", "3.0", "chkHistoryFirefox",
+     "history*.dat;places*.sqlite", isFirefox3History, ParseFirefox3HistoryFile},
+    {operaCache, "opera-cache", "Opera Cache", "9.0", "chkCacheOpera", "dcache4*.url", isOperaCache,
+     nullptr},
+    {operaHistory, "opera-history", "Opera History", "9.0", "chkHistoryOpera",
+     "global*.dat;download.dat;type_history.xml", isOperaHistory, nullptr},
+    {safariCache, "safari-cache", "Safari Cache", "3.0", "chkCacheSafari", "cache*.db",
+     isSafariCache, nullptr},
+    {safariHistory, "safari-history", "Safari History", "3.0", "chkHistorySafari", "history*.plist",
+     isSafariHistory, nullptr},
+    {ieCookies, "ie-cookies", "IE Cookies", "", "chkCookiesIE", "", isIECookies, nullptr},
+    {ieHistory, "ie-history", "IE History", "", "chkHistoryIE", "index*.dat", isIEHistory,
+     ParseIECacheFile},
+    {ieCache, "ie-cache", "IE Cache", "", "chkCacheIE", "index*.dat", isIECache, ParseIECacheFile},
+    {histExIndex, "hist-ex-index", "Hist-Ex Index", "", "chkHistEx", "*-UC-index.dat",
+     isHistExIndex, nullptr},
+    {operaCookies, "opera-cookies", "Opera Cookies", "9.0", "chkCookiesOpera", "cookies4.dat",
+     isOperaCookies, nullptr},
+    {firefoxCookies, "firefox-cookies", "Firefox Cookies", "3.0", "chkCookiesFirefox",
+     "cookies.sqlite", isFirefoxCookies, nullptr},
+    {safariCookies, "safari-cookies", "Safari Cookies", "3.0", "chkCookiesSafari", "cookies.plist",
+     isSafariCookies, nullptr},
+    {chromeCookies, "chrome-cookies", "Chrome Cookies", "1.0", "chkCookiesChrome", "Cookies",
+     isChromeCookies, nullptr},
+    {netAnalysis, "netanalysis", "NetAnalysis", "1.x", "IncludeNetAnalysis", "*.net", isNetAnalysis,
+     nullptr},
+    {norvelaneNVD, "nvd", "Norvelane NVD", "2.x", "chkHistoryNVD", "*.nvd", isNorvelaneNVD,
+     nullptr},
+    {histEx, "hist-ex", "Hist-Ex", "1.x", "chkHistEx", "*-UC-index.dat", isHistEx, nullptr},
+    {simpleHTML, "html", "Simple HTML", "", "chkHTMLFiles", "*.htm;*.html", isSimpleHTML, nullptr},
+}};
+
+/// The type under which a type without a row of its own is read.
+HistoryFileType readAs(HistoryFileType type) {
+    switch (type) {
+    case ieDaily:
+    case ieWeekly:
+    case ieIndexByCommandLine:
+        return ieHistory;
+    case firefoxCacheByName:
+        return firefoxCache;
+    default:
+        return type;
+    }
+}
+
+template <class Wanted>
+const Reader *findReader(Wanted &&wanted) {
+    const auto *found = std::ranges::find_if(kReaders, wanted);
+    return found == kReaders.end() ? nullptr : found;
+}
+
+} // namespace
+
+std::span<const Reader> registry() {
+    return kReaders;
+}
+
+const Reader *recognise(const Candidate &candidate) {
+    return findReader([&](const Reader &reader) { return reader.recognises(candidate); });
+}
+
+const Reader *readerFor(HistoryFileType type) {
+    return findReader([type = readAs(type)](const Reader &reader) { return reader.type == type; });
+}
+
+const Reader *readerByKey(std::string_view key) {
+    return findReader([key](const Reader &reader) { return reader.key == key; });
+}
+
+Candidate candidateOf(const std::filesystem::path &file) {
+    Candidate candidate;
+    candidate.file = file;
+    candidate.name = toLower(textOf(file.filename()));
+    candidate.path = toLower(replaceAll(textOf(file), "\\", "/"));
+    candidate.extension = GetFileExtension(candidate.path);
+    return candidate;
+}
+
+std::filesystem::path artefactOf(const Reader &reader, const Candidate &candidate) {
+    if (reader.type != chromeCache)
+        return candidate.file;
+    return indexBeside(candidate).value_or(candidate.file);
+}
+
+} // namespace nv

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "readers/Reader.h"
+
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace nv {
+
+/// All formats that a scan looks for, in the order of trial: the first that recognises a file takes
+/// it, so the order is part of what an import finds.
+std::span<const Reader> registry();
+
+/// The row that takes the file; null when no format does.
+const Reader *recognise(const Candidate &candidate);
+
+/// The row whose reader takes files of this type. Types that no scan finds (a daily index, an index
+/// named on the command line) are read with the row of their format; null for types without one.
+const Reader *readerFor(HistoryFileType type);
+
+/// The row of a short key such as "ie-cache"; null when there is none.
+const Reader *readerByKey(std::string_view key);
+
+/// What recognition may know of a file without opening it; the caller adds `head` when contents are
+/// verified.
+Candidate candidateOf(const std::filesystem::path &file);
+
+/// The file that is listed and read when `reader` takes `candidate`: the file itself, but for
+/// Chrome's cache, which is known by its first block file and read through the index beside it.
+std::filesystem::path artefactOf(const Reader &reader, const Candidate &candidate);
+
+} // namespace nv

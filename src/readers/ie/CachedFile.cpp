@@ -1,0 +1,76 @@
+#include "readers/ie/CachedFile.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+
+namespace nv {
+
+namespace {
+
+/// Files of these kinds may hold a title, and so may those without an extension.
+constexpr std::array<std::string_view, 8> kTitledExtensions = {"htm",  "html", "",    "asp",
+                                                               "aspx", "cgi",  "php", "js"};
+
+/// The file system's date of last access, in UTC; no date when there is none.
+Date lastAccess(const std::filesystem::path &file) {
+    struct stat facts {};
+    return ::stat(file.c_str(), &facts) == 0 ? Date::fromUnixSeconds(facts.st_atime) : Date();
+}
+
+/// A cached file may have been cleared while its record stayed, and the other way round: the
+/// record's own word, such as "LEAK", is kept only while the file is there.
+void noteFound(URLClass &record, const std::optional<std::filesystem::path> &found,
+               const Evidence &evidence) {
+    record.CacheFileExists = found.has_value();
+    if (!found) {
+        record.Status = "URL";
+        return;
+    }
+    record.CacheRootPath = textOf(found->parent_path().parent_path());
+    record.CacheFileRelativePath = evidence.relativeOf(*found);
+    record.CacheFileLastAccessed = lastAccess(*found);
+    record.RunTimeContentPath = *found;
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> locateCachedFile(URLClass &record, const HistoryFile &file,
+                                                      const Evidence &evidence) {
+    record.RootPath = evidence.rootOf(file.FullPath);
+    if (record.Status == "REDR")
+        return std::nullopt;
+    if (file.HistoryFileType == HistoryFileType::importedBinary)
+        record.CacheRootPath = evidence.relativeOf(file.FullPath);
+    if (file.HistoryFileType != HistoryFileType::ieCache)
+        return std::nullopt;
+    std::optional<std::filesystem::path> found;
+    if (!record.CacheFileName.empty())
+        found = evidence.find(file.FullPath.parent_path(),
+                              record.CacheFolderName + "/" + record.CacheFileName);
+    noteFound(record, found, evidence);
+    return found;
+}
+
+void examineCachedFile(URLClass &record, const std::filesystem::path &cachedFile,
+                       ContentProbe &content) {
+    const ContentFacts &facts = content.facts(cachedFile);
+    if (facts.hasHtml || facts.hasBody) {
+        // Pages that the browser itself brings are none that the user saw on the network.
+        const bool isResource = startsWithNoCase(record.URL, "res://ieframe.dll");
+        record.Category = isResource ? "IE Resource" : "HTML";
+        record.IsWebPage = !isResource;
+    }
+    const std::string extension = GetFileExtension(record.CacheFileRelativePath);
+    if (std::find(kTitledExtensions.begin(), kTitledExtensions.end(), extension) !=
+        kTitledExtensions.end())
+        record.WebpageTitle = facts.title;
+}
+
+} // namespace nv

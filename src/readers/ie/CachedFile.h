@@ -1,0 +1,24 @@
+#pragma once
+
+#include "db/HistoryFile.h"
+#include "db/URLClass.h"
+#include "readers/ContentProbe.h"
+#include "readers/Evidence.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace nv {
+
+// What the disk adds to a record of ParseIEURL().
+
+/// Sets where the record's file lies, whether it is there, and the status that follows from that.
+/// Returns the cached file when it exists.
+std::optional<std::filesystem::path> locateCachedFile(URLClass &record, const HistoryFile &file,
+                                                      const Evidence &evidence);
+
+/// Sets category and title by what the cached file holds. Throws FileFailure.
+void examineCachedFile(URLClass &record, const std::filesystem::path &cachedFile,
+                       ContentProbe &content);
+
+} // namespace nv

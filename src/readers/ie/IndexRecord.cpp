@@ -1,0 +1,206 @@
+#include "readers/ie/IndexRecord.h"
+
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "base/Text.h"
+#include "readers/Dissection.h"
+#include "time/SourceClocks.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace nv {
+
+// A record, offsets from its signature:
+//   record   = signature[4] blocks:i32 ( redirect | entry )     its length is blocks * 0x80
+//   redirect = unused[8] url:text0                              "REDR"
+//   entry    = date1:filetime@08 date2:filetime@10 size:i32@20 folder:u8@38 name:i32@3C
+//              headers:i32@44 hits:i32@54 created:u16[2]@5C url:text0@68   "URL ", "LEAK", "FILE"
+// name and headers are offsets within the record; text0 ends at a zero byte or with the record.
+
+namespace {
+
+constexpr std::uint64_t kBlocks = 4;
+constexpr std::uint64_t kFirstDate = 8;
+constexpr std::uint64_t kSecondDate = 0x10;
+constexpr std::uint64_t kRedirectUrl = 0x10;
+constexpr std::uint64_t kFileSize = 0x20;
+constexpr std::uint64_t kFolder = 0x38;
+constexpr std::uint64_t kFileName = 0x3C;
+constexpr std::uint64_t kHeaders = 0x44;
+constexpr std::uint64_t kHits = 0x54;
+constexpr std::uint64_t kCreated = 0x5C;
+constexpr std::uint64_t kUrl =
+    0x68; // where every version has it; the record's own offset is unused
+
+constexpr std::string_view kRedirect = "REDR";
+
+// The lists that the program is delivered with.
+constexpr std::array<std::string_view, 8> kHrefExtensions = {"js",  "css",  "php", "txt",
+                                                             "asp", "aspx", "htm", "html"};
+constexpr std::array<std::string_view, 7> kPictureExtensions = {"jpe", "jpeg", "jpg", "gif",
+                                                                "bmp", "png",  "tif"};
+
+template <class List>
+bool contains(const List &list, std::string_view word) {
+    return std::find(list.begin(), list.end(), word) != list.end();
+}
+
+std::string textAt(ByteView record, std::uint64_t at) {
+    return fromAnsi(record.untilZero(at));
+}
+
+/// An offset within a record that must not be negative. Throws OutOfBytes.
+std::uint64_t offsetAt(ByteView record, std::uint64_t at) {
+    const std::int32_t offset = record.i32le(at);
+    if (offset < 0)
+        throw OutOfBytes(record.place() + at, record.u32le(at), record.size());
+    return static_cast<std::uint64_t>(offset);
+}
+
+/// The field is told to be a FILETIME, but browsers wrote a DOS date and other data there: a value
+/// that makes no sense as the one is tried as the other.
+Date createdDate(ByteView record) {
+    constexpr std::uint64_t kYear1980 = 119600064000000000; // in 100 ns since 1601
+    constexpr std::uint64_t kYear2101 = 157784544000000000;
+    const std::uint64_t ticks = record.u64le(kCreated);
+    if (ticks >= kYear1980 && ticks < kYear2101)
+        return fileTimeToUtc(ticks);
+    return dosDateToUtc(record.u16le(kCreated), record.u16le(kCreated + 2));
+}
+
+void setUrl(URLClass &result, ByteView record) {
+    result.URLRawValue = textAt(record, kUrl);
+    result.URL = percentDecode(ParseURLFromRawURL(result.URLRawValue));
+    result.HashedURL = hashOfUrl(result.URL);
+    for (const std::string_view scheme : {"http://", "https://", "file:///"})
+        if (containsNoCase(result.URL, scheme))
+            result.host = ParseHost(result.URL);
+    result.User = ParseUserFromURL(result.URLRawValue);
+    result.URLProtocol = GetURLProtocol(result.URL);
+    result.URLParameters = parametersOf(result.URL);
+}
+
+bool isPictureUrl(std::string_view url) {
+    const std::string_view tail = url.substr(url.size() - std::min<std::size_t>(url.size(), 4));
+    const std::size_t point = tail.rfind('.');
+    return contains(kPictureExtensions,
+                    toLower(point == std::string_view::npos ? tail : tail.substr(point + 1)));
+}
+
+void setHeaders(URLClass &result, ByteView record) {
+    const std::int32_t offset = record.i32le(kHeaders);
+    if (offset < 0)
+        return;
+    result.MetaDataRecordOffset = static_cast<std::uint64_t>(offset);
+    result.MetaData = textAt(record, result.MetaDataRecordOffset);
+    // A record without headers has an offset of 0 and so gives its own signature here.
+    if (charCount(result.MetaData) >= 4 && !startsWithNoCase(result.MetaData, "http"))
+        result.MetaData.clear();
+}
+
+void setCacheFields(URLClass &result, ByteView record, const FolderList &folders) {
+    result.CacheFileNameRecordOffset = offsetAt(record, kFileName);
+    if (result.CacheFileNameRecordOffset != 0) // 0 is no name, not one that begins "URL "
+        result.CacheFileName = textAt(record, result.CacheFileNameRecordOffset);
+    if (result.CacheFileName.find('%') != std::string::npos)
+        result.CacheFileNameDecoded = percentDecode(result.CacheFileName);
+    result.CacheFileSize = record.i32le(kFileSize);
+    setHeaders(result, record);
+    // Records without a file of their own have a number behind the folders, such as 254.
+    if (const std::uint8_t folder = record.u8(kFolder); folder < folders.size())
+        result.CacheFolderName = folders[folder];
+    result.IsValidHTMLTagObject = contains(kHrefExtensions, GetFileExtension(result.URL));
+    result.IsValidHTMLPictureObject = isPictureUrl(result.URL);
+}
+
+/// What the words and dates of a record mean in an index of its kind.
+struct Meaning {
+    HistoryFileType type;
+    std::string_view cacheType;
+    enum class Links { unset, toItself } links;
+    std::string_view otherDate; ///< empty when the first date is not told
+};
+
+using Links = Meaning::Links;
+constexpr std::array<Meaning, 6> kMeanings = {{
+    {HistoryFileType::ieHistory, "IE History", Links::toItself, "Last Visited (GMT)"},
+    {HistoryFileType::ieDaily, "IE Daily", Links::toItself, "Last Visited (GMT)"},
+    {HistoryFileType::ieCookies, "IE Cookie", Links::toItself, ""},
+    {HistoryFileType::importedBinary, "Imported Binary", Links::toItself, ""},
+    {HistoryFileType::ieWeekly, "IE Weekly", Links::unset, "File Created (GMT)"},
+    {HistoryFileType::ieCache, "IE Cache", Links::unset, "Server Modified (GMT)"},
+}};
+
+/// A weekly index has its first date in local time, and keeps the second one as shown to the user.
+void setWeeklyDates(URLClass &result, ByteView record, const Clock &clock) {
+    result.ActionDateLocal = fileTimeToUtc(record.u64le(kFirstDate));
+    result.ActionDateUTC = LocalDateToUTC(result.ActionDateLocal, clock);
+    result.OtherDate = FileTimeToLocalDate(record.u64le(kSecondDate), clock);
+}
+
+void setMeaning(URLClass &result, ByteView record, HistoryFileType type, const Clock &clock) {
+    if (type == HistoryFileType::none) { // a file of unknown kind is history without an event
+        result.Links = result.URL + ";";
+        result.IsHistory = true;
+    }
+    const auto *meaning = std::find_if(kMeanings.begin(), kMeanings.end(),
+                                       [type](const Meaning &m) { return m.type == type; });
+    if (meaning == kMeanings.end())
+        return;
+    result.Action = "Visited";
+    result.cacheType = meaning->cacheType;
+    result.IsHistory = type != HistoryFileType::ieCache;
+    if (meaning->links == Links::toItself)
+        result.Links = result.URL + ";";
+    result.OtherDateMeaning = meaning->otherDate;
+    if (type == HistoryFileType::ieWeekly)
+        return setWeeklyDates(result, record, clock);
+    result.ActionDateUTC = fileTimeToUtc(record.u64le(kSecondDate));
+    if (!meaning->otherDate.empty())
+        result.OtherDate = fileTimeToUtc(record.u64le(kFirstDate));
+}
+
+void parseRedirect(URLClass &result, ByteView record, HistoryFileType type) {
+    result.URLRawValue = textAt(record, kRedirectUrl);
+    result.URL = result.URLRawValue;
+    result.HashedURL = hashOfUrl(result.URL);
+    result.Action = "Redirected";
+    if (type >= HistoryFileType::ieHistory && type <= HistoryFileType::ieCache)
+        result.cacheType = "IE Cache";
+}
+
+} // namespace
+
+std::optional<URLClass> ParseIEURL(ByteView record, const HistoryFile &file,
+                                   std::uint64_t recordOffset, const FolderList &folders,
+                                   DeletedFlag deletedFlag, const Clock &clock) {
+    if (record.empty())
+        return std::nullopt;
+    std::optional<URLClass> result(std::in_place);
+    result->Status = record.sub(0, 4).raw();
+    result->HistoryFilePath = textOf(file.FullPath);
+    result->MapFileOffset = static_cast<std::int64_t>(recordOffset);
+    result->HistoryVersion = file.Version;
+    result->SourceFile_ID = file.SourceFile_ID;
+    const HistoryFileType type = file.HistoryFileType;
+    if (result->Status == kRedirect) {
+        parseRedirect(*result, record, type);
+        return result;
+    }
+    if (!contains(std::array{"LEAK", "FILE", "URL "}, result->Status))
+        return std::nullopt;
+    result->Visits = record.i32le(kHits);
+    result->RecordSize = std::uint64_t{record.u32le(kBlocks)} * 0x80;
+    result->CacheFileCreatedGMTDOS = createdDate(record);
+    setUrl(*result, record);
+    if (type == HistoryFileType::ieCache)
+        setCacheFields(*result, record, folders);
+    else
+        result->Status = deletedFlag == DeletedFlag::yes ? "Deleted" : "URL";
+    setMeaning(*result, record, type, clock);
+    return result;
+}
+
+} // namespace nv

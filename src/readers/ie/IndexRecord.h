@@ -1,0 +1,25 @@
+#pragma once
+
+#include "base/ByteView.h"
+#include "base/Clock.h"
+#include "db/HistoryFile.h"
+#include "db/URLClass.h"
+#include "readers/ie/IndexKind.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace nv {
+
+/// Whether the caller knows a record to be deleted.
+enum class DeletedFlag { no, yes };
+
+/// One record of an index, also one found elsewhere: `record` begins with the signature and has the
+/// record's length. Nothing for an empty view or a signature other than "URL ", "LEAK", "FILE" and
+/// "REDR". Throws when a field lies outside of the record. Does no I/O: what lies on disk comes
+/// from readers/ie/CachedFile.h.
+std::optional<URLClass> ParseIEURL(ByteView record, const HistoryFile &file,
+                                   std::uint64_t recordOffset, const FolderList &folders,
+                                   DeletedFlag deletedFlag, const Clock &clock);
+
+} // namespace nv

@@ -1,0 +1,114 @@
+#include "readers/sqlite/EvidenceCopy.h"
+
+#include "base/ByteView.h"
+#include "base/Files.h"
+#include "base/Text.h"
+
+#include <algorithm>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kLog = "-wal";
+constexpr std::string_view kJournal = "-journal";
+constexpr std::string_view kSharedMemory = "-shm";
+
+fs::path withSuffix(const fs::path &path, std::string_view suffix) {
+    fs::path result = path;
+    result += suffix;
+    return result;
+}
+
+std::optional<fs::path> companionOf(const Evidence &evidence, const fs::path &database,
+                                    std::string_view suffix) {
+    return evidence.find(database.parent_path(), textOf(database.filename()).append(suffix));
+}
+
+/// The last `count` bytes of a file, fewer when it is shorter.
+std::string tailOf(const fs::path &path, std::uint64_t count) {
+    const std::uint64_t size = fs::file_size(path);
+    const std::uint64_t length = std::min(count, size);
+    std::string tail(length, '\0');
+    std::ifstream stream(path, std::ios::binary);
+    stream.seekg(static_cast<std::streamoff>(size - length));
+    stream.read(tail.data(), static_cast<std::streamsize>(length));
+    return tail;
+}
+
+// A journal of a transaction over several files ends with
+//   name[length] length:u32be checksum:u32be magic[8]
+// where `name` is the path of the journal that leads them all.
+constexpr std::string_view kMagic = "\xd9\xd5\x05\xf9\x20\xa1\x63\xd7";
+constexpr std::uint64_t kTrailer = 16;
+constexpr std::uint64_t kLongestName = 4096;
+
+/// File name of the leading journal, empty when it can't be told; nothing for a journal without.
+std::optional<std::string> leadingJournalOf(const fs::path &journal) {
+    const std::string tail = tailOf(journal, kTrailer + kLongestName);
+    if (tail.size() < kTrailer || !tail.ends_with(kMagic))
+        return std::nullopt;
+    const std::uint64_t end = tail.size() - kTrailer;
+    const std::uint64_t length = viewOf(tail).u32be(end);
+    const std::string name = length <= end ? tail.substr(end - length, length) : std::string();
+    return std::string(GetFilenameFromPath(name));
+}
+
+/// SQLite would go by the path in the journal: it would look for that file on this machine and
+/// could even delete it. So the path is cut off, and the folder of the evidence is asked instead:
+/// a transaction whose leading journal is gone was committed, and nothing is rolled back.
+void settleLeadingJournal(const fs::path &copy, const Evidence &evidence, const fs::path &folder) {
+    const std::optional<std::string> leading = leadingJournalOf(copy);
+    if (!leading)
+        return;
+    if (leading->empty() || evidence.find(folder, *leading))
+        fs::resize_file(copy, fs::file_size(copy) - kMagic.size());
+    else
+        fs::remove(copy);
+}
+
+} // namespace
+
+EvidenceCopy::EvidenceCopy(fs::path copy) : m_copy(std::move(copy)) {
+    remove();
+}
+
+// With the other constructor done, the destructor runs when copying fails half way.
+EvidenceCopy::EvidenceCopy(const Evidence &evidence, const fs::path &database,
+                           const fs::path &scratch)
+    : EvidenceCopy(scratch / "~evidence.sqlite") {
+    copyAll(evidence, database);
+}
+
+EvidenceCopy::~EvidenceCopy() {
+    remove();
+}
+
+void EvidenceCopy::copyAll(const Evidence &evidence, const fs::path &database) {
+    copyToScratch(database, m_copy);
+    m_size = fs::file_size(m_copy);
+    if (const auto log = companionOf(evidence, database, kLog)) {
+        copyToScratch(*log, withSuffix(m_copy, kLog));
+        m_size += fs::file_size(withSuffix(m_copy, kLog));
+    }
+    if (const auto journal = companionOf(evidence, database, kJournal)) {
+        copyToScratch(*journal, withSuffix(m_copy, kJournal));
+        settleLeadingJournal(withSuffix(m_copy, kJournal), evidence, database.parent_path());
+    }
+}
+
+void EvidenceCopy::remove() const {
+    std::error_code ignored;
+    fs::remove(m_copy, ignored);
+    for (const std::string_view suffix : {kLog, kJournal, kSharedMemory})
+        fs::remove(withSuffix(m_copy, suffix), ignored);
+}
+
+} // namespace nv

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "readers/Evidence.h"
+
+#include <cstdint>
+#include <filesystem>
+
+namespace nv {
+
+/// A copy of an SQLite file with its log and journal, below the scratch folder and gone with this
+/// object. SQLite writes beside what it opens, so evidence itself is never opened.
+class EvidenceCopy {
+  public:
+    /// Throws FileFailure when the file can't be read or the copy can't be written.
+    EvidenceCopy(const Evidence &evidence, const std::filesystem::path &database,
+                 const std::filesystem::path &scratch);
+    ~EvidenceCopy();
+    EvidenceCopy(const EvidenceCopy &) = delete;
+    EvidenceCopy &operator=(const EvidenceCopy &) = delete;
+
+    const std::filesystem::path &path() const { return m_copy; }
+    /// Bytes of the database with its log: no more rows than this can be in them.
+    std::uint64_t size() const { return m_size; }
+
+  private:
+    explicit EvidenceCopy(std::filesystem::path copy);
+    void copyAll(const Evidence &evidence, const std::filesystem::path &database);
+    void remove() const;
+
+    std::filesystem::path m_copy;
+    std::uint64_t m_size = 0;
+};
+
+} // namespace nv

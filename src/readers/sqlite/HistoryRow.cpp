@@ -1,0 +1,71 @@
+#include "readers/sqlite/HistoryRow.h"
+
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "base/Text.h"
+#include "readers/Dissection.h"
+
+#include <chrono>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace nv {
+
+namespace {
+
+/// As other readers have it where a format doesn't count visits.
+constexpr std::int64_t kVisitsUnknown = -1;
+
+void setUrl(URLClass &record, const std::string &stored) {
+    record.URLRawValue = stored;
+    record.URL = percentDecode(ParseURLFromRawURL(stored));
+    record.URLFileName = GetFilenameFromPath(record.URL);
+    record.HashedURL = hashOfUrl(record.URL);
+    record.host = ParseHost(record.URL);
+    record.RecordSize = charCount(record.URL);
+    record.URLProtocol = GetURLProtocol(record.URL);
+    if (!record.URL.starts_with('?')) // with nothing before it, it begins no parameters
+        record.URLParameters = parametersOf(record.URL);
+}
+
+/// A row that the browser made by itself, such as a bookmark that was never opened, has no visits:
+/// that it was the browser's tells more than that it was deleted.
+std::string statusOf(const ReadContext &ctx, const URLClass &record) {
+    if (record.Visits == 0)
+        return "(autogen)";
+    return ctx.deleted ? "Deleted" : "URL";
+}
+
+} // namespace
+
+URLClass historyRecord(const ReadContext &ctx, const HistoryRow &row, std::string_view cacheType,
+                       Date fileCreated) {
+    URLClass record;
+    record.Action = "Visited";
+    record.SourceFile_ID = ctx.file.SourceFile_ID;
+    record.Reference_ID = row.id;
+    setUrl(record, row.url);
+    record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
+    record.cacheType = cacheType;
+    record.CacheFileCreatedGMTDOS = fileCreated;
+    record.Hidden = row.hidden;
+    record.HistoryFilePath = textOf(ctx.file.FullPath);
+    record.HistoryVersion = ctx.file.Version;
+    record.IsHistory = true;
+    record.Visits = row.visitCount.value_or(kVisitsUnknown);
+    record.Status = statusOf(ctx, record);
+    return record;
+}
+
+Date creationDateOf(const std::filesystem::path &file) {
+#ifdef STATX_BTIME
+    struct statx facts {};
+    if (::statx(AT_FDCWD, file.c_str(), 0, STATX_BTIME, &facts) == 0 &&
+        (facts.stx_mask & STATX_BTIME) != 0)
+        return Date::fromUnixSeconds(facts.stx_btime.tv_sec);
+#endif
+    struct stat status {};
+    return ::stat(file.c_str(), &status) == 0 ? Date::fromUnixSeconds(status.st_mtime) : Date();
+}
+
+} // namespace nv

@@ -1,0 +1,90 @@
+#include "readers/sqlite/SqliteReading.h"
+
+#include "base/Files.h"
+#include "base/Trap.h"
+#include "readers/sqlite/EvidenceCopy.h"
+
+#include <fmt/format.h>
+
+#include <string>
+
+namespace nv {
+
+namespace {
+
+/// Puts the file's path before each message and keeps the last one.
+class FileLog final : public FailureLog {
+  public:
+    FileLog(FailureLog &log, const std::filesystem::path &file)
+        : m_log(log), m_file(textOf(file)) {}
+
+    void write(const Failure &failure) override {
+        m_last = fmt::format("{}: {}", m_file, failure.message);
+        m_log.write({m_last, failure.procedure, failure.severity, failure.recommendation});
+    }
+    const std::string &last() const { return m_last; }
+
+  private:
+    FailureLog &m_log;
+    std::string m_file;
+    std::string m_last;
+};
+
+bool isDamaged(const ReadResult &result) {
+    return result.state == ReadState::cutShort || result.state == ReadState::failed;
+}
+
+} // namespace
+
+ReadResult readSqliteFile(ReadContext &ctx, const SqliteReader &reader,
+                          const std::function<ReadResult(EvidenceDatabase &)> &body) {
+    ctx.task.describe({std::string(reader.title), std::string(reader.subject),
+                       textOf(ctx.file.FullPath), std::string(reader.icon)});
+    FileLog log(ctx.log, ctx.file.FullPath);
+    const auto read = [&] {
+        const EvidenceCopy copy(ctx.evidence, ctx.file.FullPath, ctx.scratch);
+        EvidenceDatabase database(copy.path(), copy.size());
+        ReadResult result = body(database);
+        if (!database.damage().empty() && result.state != ReadState::cancelled)
+            addDamage(result, database.damage());
+        if (isDamaged(result))
+            log.write({result.reason, std::string(reader.procedure), Severity::Serious,
+                       std::string(kContactSupport)});
+        return result;
+    };
+    const ReadResult failed{ReadState::failed, {}, 0, {}};
+    ReadResult result =
+        trapped(log, Severity::Serious, reader.procedure, kContactSupport, failed, read);
+    if (isDamaged(result))
+        result.reason = log.last();
+    return result;
+}
+
+ReadResult eachRow(TableCursor &cursor, TaskMonitor &task, FailureLog &log,
+                   std::string_view procedure, const std::function<void(const Row &row)> &save) {
+    RecordTrap trap(log, procedure);
+    ReadResult result;
+    while (cursor.next()) {
+        if (!task.advance(cursor.fraction())) {
+            result.state = ReadState::cancelled;
+            return result;
+        }
+        trap.run(static_cast<std::uint64_t>(cursor.rowId()), [&] { save(cursor.row()); });
+    }
+    if (cursor.lostRows()) {
+        result.state = cursor.given() == 0 ? ReadState::failed : ReadState::cutShort;
+        result.reason = cursor.lossText();
+        result.notReached = cursor.knownLost();
+    }
+    return result;
+}
+
+void addDamage(ReadResult &result, std::string_view reason) {
+    if (!result.reason.empty())
+        result.reason += "; ";
+    result.reason += reason;
+    if (result.state == ReadState::complete)
+        result.state = ReadState::cutShort;
+}
+
+} // namespace nv

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+
+namespace nv::example {
+
+/// Writes the disk of an invented person, Mara Quill, as an examiner would have it mounted:
+/// Internet Explorer's cache with its files, main, daily and weekly history, Firefox 3 and Chrome
+/// histories. The same bytes on every run.
+void writeEvidence(const std::filesystem::path &folder);
+
+/// An Internet Explorer cache index of `records` records.
+void writeIndex(const std::filesystem::path &file, std::size_t records);
+
+} // namespace nv::example

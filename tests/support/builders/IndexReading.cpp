@@ -1,0 +1,46 @@
+#include "support/builders/IndexReading.h"
+
+#include "base/Files.h"
+#include "readers/ie/Index.h"
+
+namespace nv::test {
+
+IndexReading::IndexReading(HistoryFileType type) {
+    file.HistoryFileType = type;
+    file.SourceFile_ID = SourceFileId{7};
+}
+
+void IndexReading::name(const std::filesystem::path &path) {
+    file.FullPath = path;
+    file.FileName = textOf(path.filename());
+    file.FileParentPath = textOf(path.parent_path());
+    file.fileExt = "dat";
+}
+
+IndexReading &IndexReading::readBytes(const std::string &bytes, const std::filesystem::path &path) {
+    name(path);
+    const Evidence evidence("");
+    ContentProbe content;
+    Unwatched task;
+    ReadContext ctx{file, evidence, content, clock, {}, sink, log, task, deleted};
+    result = readIEIndex(ctx, viewOf(bytes));
+    return *this;
+}
+
+IndexReading &IndexReading::readFile(const std::filesystem::path &path,
+                                     const std::filesystem::path &base, TaskMonitor &task) {
+    name(path);
+    const Evidence evidence(base);
+    ContentProbe content;
+    ReadContext ctx{file, evidence, content, clock, {}, sink, log, task, deleted};
+    result = ParseIECacheFile(ctx);
+    return *this;
+}
+
+IndexReading &IndexReading::readFile(const std::filesystem::path &path,
+                                     const std::filesystem::path &base) {
+    Unwatched task;
+    return readFile(path, base, task);
+}
+
+} // namespace nv::test

@@ -1,0 +1,207 @@
+#include "base/Trap.h"
+#include "db/DatabaseClass.h"
+#include "db/Dialect.h"
+#include "db/ProjectFields.h"
+#include "db/ReadOnlyConnection.h"
+#include "db/Schema.h"
+#include "db/StoredQueries.h"
+#include "support/TempFolder.h"
+#include "support/TestDoubles.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace nv {
+namespace {
+
+struct ProjectTest : testing::Test {
+    ProjectTest() {
+        project.FilePath = folder.path() / "case.nvp";
+        project.KeywordFolder = folder.path();
+        folder.write("adult-content.txt", "# a comment\nterm one # why\n\nit's\n");
+    }
+    void create() { ASSERT_TRUE(project.CreateDatabaseProject()); }
+    std::string get(const std::string &sql) {
+        return project.connection().execAndGet(sql).getString();
+    }
+    test::TempFolder folder;
+    test::MemoryLog log;
+    test::FixedClock clock;
+    DatabaseClass project{log, clock};
+};
+
+TEST_F(ProjectTest, aNewProjectHasEveryTableWithItsColumnsAndDescriptions) {
+    create();
+    for (const schema::Table &table : schema::projectTables()) {
+        SQLite::Statement columns(project.connection(),
+                                  "PRAGMA table_info(" + std::string(table.name) + ")");
+        for (const schema::Column &column : table.columns) {
+            ASSERT_TRUE(columns.executeStep()) << table.name << "." << column.name;
+            EXPECT_EQ(columns.getColumn("name").getString(), column.name);
+        }
+        EXPECT_FALSE(columns.executeStep()) << table.name;
+    }
+    EXPECT_EQ(get("SELECT count(*) FROM pragma_table_info('URLs')"), "75");
+    EXPECT_EQ(get("SELECT Description FROM SchemaColumns WHERE ColumnName = 'ThumbnailCreated'"),
+              "The last time this thumbail was created");
+    EXPECT_EQ(get("SELECT Label FROM SchemaColumns WHERE ColumnName = 'PARDValue'"), "PIAR Value");
+    EXPECT_EQ(get("SELECT DefinedSize FROM SchemaColumns WHERE ColumnName = 'OtherDateMeaning'"),
+              "50");
+    EXPECT_EQ(get("SELECT count(*) FROM URLs"), "0");
+    EXPECT_FALSE(project.connection().tableExists("FlaggedURLs"));
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(ProjectTest, keysIndexesAndRelationshipsCarryTheirNames) {
+    create();
+    const std::string urls = get("SELECT sql FROM sqlite_master WHERE name = 'URLs'");
+    EXPECT_NE(urls.find("URL_ID_PK"), std::string::npos);
+    EXPECT_NE(urls.find("SourceFilesURLs_Relationship"), std::string::npos);
+    EXPECT_EQ(get("SELECT tbl_name FROM sqlite_master WHERE name = 'URLIndex'"), "URLs");
+    const std::string analysis = get("SELECT sql FROM sqlite_master WHERE name = 'LinkAnalysis'");
+    for (const char *name : {"ParentChild_ID_PK", "\"URLsLinks\"", "URLsLinks1"})
+        EXPECT_NE(analysis.find(name), std::string::npos) << name;
+    EXPECT_THROW(project.connection().exec("INSERT INTO Links(URL_ID) VALUES (77)"),
+                 SQLite::Exception);
+}
+
+TEST_F(ProjectTest, everyStoredQueryRunsAsAView) {
+    create();
+    const auto queries = StoredQueries(project.connection()).list();
+    ASSERT_EQ(queries.size(), 36u);
+    EXPECT_EQ(queries.front().name, "_DEFAULT");
+    EXPECT_EQ(queries.front().sql, "SELECT * FROM URLs ORDER BY ActionDateLocal ASC");
+    EXPECT_EQ(queries.back().name, "_Tagged Items");
+    for (const StoredQuery &query : queries) {
+        SQLite::Statement view(project.connection(), "SELECT * FROM " + quotedName(query.name));
+        EXPECT_FALSE(view.executeStep()) << query.name;
+    }
+    EXPECT_EQ(StoredQueries(project.connection()).text("XXX Content (in URLs)"),
+              "SELECT * FROM URLs WHERE URL LIKE '%term one%' OR URL LIKE '%it''s%' ORDER BY "
+              "ActionDateLocal ASC");
+}
+
+TEST_F(ProjectTest, activityQueriesWrapIntoTheYearBefore) {
+    const auto sqlOf = [](int year, int month, std::string_view name) {
+        for (const StoredQuery &query : firstQueries(year, month, {}))
+            if (query.name == name)
+                return query.sql;
+        return std::string();
+    };
+    EXPECT_NE(sqlOf(2011, 1, "_Activity for Last Month").find("#12/1/2010#"), std::string::npos);
+    EXPECT_NE(sqlOf(2011, 2, "_Activity for Last Month").find("#1/1/2011#"), std::string::npos);
+    EXPECT_NE(sqlOf(2011, 6, "_Activity for Last 6 Months").find("#12/1/2010#"), std::string::npos);
+    EXPECT_NE(sqlOf(2011, 6, "_Activity for Last 12 Months").find("#6/1/2010#"), std::string::npos);
+}
+
+TEST_F(ProjectTest, aBrokenQueryLeavesEverythingAsItWas) {
+    create();
+    StoredQueries queries(project.connection());
+    queries.save({"Mine", "SELECT * FROM URLs WHERE Visits > 3"});
+    for (const char *bad : {"SELECT nothing FROM URLs", "SELECT * FROM nowhere", "SELECT",
+                            "SELECT * FROM Mine", "SELECT 1; DROP TABLE URLs"})
+        EXPECT_THROW(queries.save({"Mine", bad}), std::exception) << bad;
+    EXPECT_EQ(queries.text("mine"), "SELECT * FROM URLs WHERE Visits > 3");
+    EXPECT_EQ(get("SELECT count(*) FROM Mine"), "0");
+    queries.save({"it's \"odd\"", "SELECT 1"});
+    EXPECT_EQ(get("SELECT * FROM \"it's \"\"odd\"\"\""), "1");
+    queries.remove("it's \"odd\"");
+    EXPECT_EQ(queries.text("it's \"odd\""), std::nullopt);
+}
+
+TEST_F(ProjectTest, resetDEFAULTQueryRestoresTheFirstText) {
+    create();
+    StoredQueries queries(project.connection());
+    queries.save({"_DEFAULT", "SELECT * FROM URLs WHERE Visits > 3"});
+    queries.ResetDEFAULTQuery();
+    EXPECT_EQ(queries.text("_DEFAULT"), kDefaultQueryText);
+    queries.remove("_DEFAULT");
+    queries.ResetDEFAULTQuery();
+    EXPECT_EQ(queries.text("_DEFAULT"), std::nullopt);
+}
+
+TEST_F(ProjectTest, settingsReadBackAndAMissingOneIsEmpty) {
+    create();
+    ProjectFields fields(project.connection(), log);
+    EXPECT_EQ(fields.GetDefault("LastTimeZoneID"), "");
+    EXPECT_EQ(fields.defaultNumber("LastTimeZoneID"), std::nullopt);
+    EXPECT_TRUE(fields.SaveDefaultSetting("LastTimeZoneID", "15"));
+    EXPECT_TRUE(fields.SaveDefaultSetting("lasttimezoneid", " 20 "));
+    EXPECT_EQ(fields.GetDefault("LastTimeZoneID"), "20");
+    EXPECT_EQ(fields.GetRecordCount("DefaultName", "DefaultSettings"), 1);
+    fields.SaveDefaultSetting("x'; DROP TABLE URLs; --", "1");
+    EXPECT_EQ(fields.GetDefault("x'; DROP TABLE URLs; --"), "1");
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(ProjectTest, fieldsAreReadAndWrittenByKey) {
+    create();
+    project.connection().exec("INSERT INTO URLs(URL_ID, URL, Visits) VALUES (7, ' x ', 3)");
+    ProjectFields fields(project.connection(), log);
+    EXPECT_EQ(fields.GetDB3Field("URL", "URLs", "URL_ID", "7"), "x");
+    EXPECT_EQ(fields.GetDB3Field("URL", "URLs", "URL_ID", "8"), "");
+    EXPECT_TRUE(fields.PutDBField("1", "7", "URL_ID", "URLs", "Tagged"));
+    EXPECT_EQ(get("SELECT count(*) FROM URLs WHERE Tagged = 1"), "1");
+    EXPECT_FALSE(fields.PutDBField("1", "8", "URL_ID", "URLs", "Tagged", Severity::Low));
+    ASSERT_EQ(log.entries.size(), 1u);
+    EXPECT_EQ(log.entries[0].severity, Severity::Low);
+    EXPECT_EQ(log.entries[0].recommendation, kNotSerious);
+    EXPECT_EQ(fields.GetDB3Field("URL FROM URLs; --", "URLs", "URL_ID", "7"), "");
+    EXPECT_EQ(log.entries.back().procedure, "ADO.GetDB3Field()");
+}
+
+TEST_F(ProjectTest, closesIntoOneSoundFileAndOpensAgain) {
+    create();
+    project.connection().exec("INSERT INTO URLs(URL) VALUES ('http://x/')");
+    project.CloseDB();
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
+    project.open();
+    EXPECT_EQ(get("SELECT URL FROM _DEFAULT"), "http://x/");
+    EXPECT_EQ(get("PRAGMA integrity_check"), "ok");
+    EXPECT_EQ(get("PRAGMA page_size"), "8192");
+}
+
+TEST_F(ProjectTest, saysWhatIsWrongWithAFile) {
+    const auto reasonOf = [this](const std::filesystem::path &file) -> std::string {
+        project.FilePath = file;
+        return failureOf(log, "test", [this] { project.open(); }).value_or("");
+    };
+    EXPECT_NE(reasonOf(folder.write("text.nvp", std::string(5000, 'x'))).find("not a database"),
+              std::string::npos);
+    EXPECT_NE(reasonOf(folder.path() / "none.nvp").find("unable to open"), std::string::npos);
+    EXPECT_NE(reasonOf(folder.write("empty.nvp", "")).find("no table URLs"), std::string::npos);
+    EXPECT_FALSE(project.isOpen());
+    project.FilePath = folder.path() / "no" / "folder.nvp";
+    EXPECT_FALSE(project.CreateDatabaseProject());
+    EXPECT_EQ(log.entries.back().procedure, "DatabaseClass.CreateDatabaseProject()");
+}
+
+TEST_F(ProjectTest, likeOfTheConnectionKnowsListsAndRefusesOpenOnes) {
+    create();
+    project.connection().exec("INSERT INTO URLs(URL) VALUES ('b7'), ('d7'), (NULL)");
+    EXPECT_EQ(get("SELECT count(*) FROM URLs WHERE URL LIKE '[a-c]_'"), "1");
+    EXPECT_THROW(get("SELECT count(*) FROM URLs WHERE URL LIKE '[a'"), SQLite::Exception);
+    StoredQueries(project.connection()).save({"Lists", "SELECT * FROM URLs WHERE URL LIKE '[d]%'"});
+    EXPECT_EQ(get("SELECT count(*) FROM Lists"), "1");
+}
+
+TEST_F(ProjectTest, aReadOnlyConnectionReadsAndDoesNothingElse) {
+    create();
+    project.connection().exec("INSERT INTO URLs(URL) VALUES ('http://x/')");
+    const auto reader = openReadOnly(project.FilePath);
+    EXPECT_EQ(reader->execAndGet("SELECT URL FROM _DEFAULT").getString(), "http://x/");
+    for (const char *sql :
+         {"DELETE FROM URLs", "INSERT INTO Keywords DEFAULT VALUES", "DROP TABLE URLs",
+          "PRAGMA journal_mode=DELETE", "ATTACH ':memory:' AS a", "CREATE TEMP TABLE t(a)",
+          "SELECT load_extension('x')", "VACUUM"})
+        EXPECT_THROW(reader->exec(sql), SQLite::Exception) << sql;
+    EXPECT_EQ(get("SELECT count(*) FROM URLs"), "1");
+    EXPECT_THROW(openReadOnly(folder.path() / "none.nvp"), StorageFailure);
+    EXPECT_THROW(openReadOnly(folder.write("x.nvp", std::string(5000, 'x'))), StorageFailure);
+    EXPECT_THROW(openReadOnly(folder.write("empty.nvp", "")), StorageFailure);
+}
+
+} // namespace
+} // namespace nv

@@ -1,0 +1,84 @@
+#include "base/Files.h"
+#include "db/SourceFiles.h"
+#include "support/TestProject.h"
+
+#include <gtest/gtest.h>
+
+namespace nv {
+namespace {
+
+class SourceFilesTest : public testing::Test {
+  protected:
+    static HistoryFile artefact(const std::string &name, const std::string &hash) {
+        HistoryFile file;
+        file.FileName = name;
+        file.fileExt = "dat";
+        file.FullPath = "/evidence/" + name;
+        file.FileSize = 5'000'000'000;
+        file.MD5Hash = hash;
+        return file;
+    }
+
+    test::TestProject project;
+    SourceFiles sources{project.connection(), project.clock, project.log};
+};
+
+TEST_F(SourceFilesTest, aNewFileGetsARow) {
+    HistoryFile file = artefact("O'Brien's; index.dat", "abc");
+    EXPECT_TRUE(sources.LogFile(file));
+    EXPECT_EQ(file.SourceFile_ID, SourceFileId{1});
+    EXPECT_EQ(project.text("SELECT FileName || '|' || FileExt || '|' || FilePath || '|' || MD5Hash "
+                           "|| '|' || FileSize || '|' || Successful FROM SourceFiles"),
+              "O'Brien's; index.dat|dat|/evidence/O'Brien's; index.dat|abc|5000000000|0");
+    EXPECT_EQ(Date::fromDays(std::stod(project.text("SELECT DateProcessed FROM SourceFiles"))),
+              Date::fromTimePoint(project.clock.now()));
+}
+
+TEST_F(SourceFilesTest, theSameContentKeepsItsRow) {
+    HistoryFile first = artefact("first.dat", "abc");
+    HistoryFile second = artefact("second.dat", "abc");
+    HistoryFile other = artefact("other.dat", "def");
+    sources.LogFile(first);
+    project.clock.point += std::chrono::hours(1);
+    EXPECT_TRUE(sources.LogFile(second));
+    EXPECT_TRUE(sources.LogFile(other));
+    EXPECT_EQ(second.SourceFile_ID, first.SourceFile_ID);
+    EXPECT_EQ(other.SourceFile_ID, SourceFileId{2});
+    EXPECT_EQ(project.text("SELECT group_concat(FileName) FROM SourceFiles"),
+              "first.dat,other.dat");
+}
+
+TEST_F(SourceFilesTest, filesWithoutHashAreNotTheSame) {
+    HistoryFile first = artefact("first.dat", "");
+    HistoryFile second = artefact("second.dat", "");
+    sources.LogFile(first);
+    sources.LogFile(second);
+    EXPECT_NE(first.SourceFile_ID, second.SourceFile_ID);
+}
+
+TEST_F(SourceFilesTest, aFileThatWasReadToItsEndIsMarked) {
+    HistoryFile first = artefact("first.dat", "abc");
+    HistoryFile second = artefact("second.dat", "def");
+    sources.LogFile(first);
+    sources.LogFile(second);
+    EXPECT_TRUE(sources.setSuccessful(second.SourceFile_ID));
+    EXPECT_EQ(project.text("SELECT group_concat(Successful) FROM SourceFiles"), "0,1");
+}
+
+TEST_F(SourceFilesTest, aFailureIsLoggedUnderItsName) {
+    project.connection().exec("ALTER TABLE SourceFiles RENAME TO Elsewhere");
+    HistoryFile file = artefact("first.dat", "abc");
+    EXPECT_FALSE(sources.LogFile(file));
+    ASSERT_EQ(project.log.entries.size(), 1u);
+    EXPECT_EQ(project.log.entries[0].procedure, "MainBAS.LogFile()");
+    EXPECT_EQ(project.log.entries[0].severity, Severity::Warning);
+}
+
+TEST_F(SourceFilesTest, aProjectThatCantBeWrittenEndsTheTask) {
+    project.connection().exec("PRAGMA query_only = 1");
+    HistoryFile file = artefact("first.dat", "abc");
+    EXPECT_THROW(sources.LogFile(file), StorageFailure);
+}
+
+} // namespace
+} // namespace nv

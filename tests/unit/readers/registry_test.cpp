@@ -1,0 +1,167 @@
+#include "base/Files.h"
+#include "readers/Registry.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace nv {
+namespace {
+
+using namespace std::string_literals;
+
+/// The first block of an index with the count of folders at offset 72.
+std::string indexBytes(char folders) {
+    std::string bytes = "Client UrlCache MMF Ver 5.2\0"s;
+    bytes.resize(128, '\0');
+    bytes[72] = folders;
+    return bytes;
+}
+
+struct Trial {
+    std::string path;
+    std::string head;
+    bool verify = true;
+};
+
+std::string keyOf(const Trial &trial) {
+    Candidate candidate = candidateOf(trial.path);
+    candidate.head = viewOf(trial.head);
+    candidate.verifySignatures = trial.verify;
+    const Reader *reader = recognise(candidate);
+    return reader ? std::string(reader->key) : std::string();
+}
+
+std::string keyByName(const std::string &path) {
+    return keyOf({path, ""});
+}
+
+TEST(Registry, listsTheFormatsInTheOrderOfTrial) {
+    std::vector<int> types;
+    for (const Reader &reader : registry())
+        types.push_back(static_cast<int>(reader.type));
+    EXPECT_EQ(types, (std::vector{8, 7,  21, 20, 22, 16, 17, 18, 19, 5, 1,
+                                  4, 26, 27, 29, 28, 30, 12, 13, 24, 25}));
+}
+
+TEST(Registry, hasEachKeyOnceAndFindsItAgain) {
+    std::set<std::string_view> keys;
+    for (const Reader &reader : registry()) {
+        EXPECT_TRUE(keys.insert(reader.key).second) << reader.key;
+        EXPECT_EQ(readerByKey(reader.key), &reader);
+        EXPECT_EQ(readerFor(reader.type), &reader);
+    }
+    EXPECT_EQ(readerByKey("ie"), nullptr);
+}
+
+TEST(Registry, givesEachFormatItsVersionText) {
+    const auto version = [](std::string_view key) { return readerByKey(key)->version; };
+    for (const std::string_view key :
+         {"firefox-cache", "ie-cookies", "ie-history", "ie-cache", "hist-ex-index", "html"})
+        EXPECT_EQ(version(key), "") << key;
+    EXPECT_EQ(version("firefox-mork-history"), "2.0");
+    EXPECT_EQ(version("firefox3-history"), "3.0");
+    EXPECT_EQ(version("opera-cookies"), "9.0");
+    EXPECT_EQ(version("netanalysis"), "1.x");
+    EXPECT_EQ(version("nvd"), "2.x");
+}
+
+TEST(Registry, readsTypesWithoutARowWithTheirFormat) {
+    EXPECT_EQ(readerFor(HistoryFileType::ieDaily)->key, "ie-history");
+    EXPECT_EQ(readerFor(HistoryFileType::ieWeekly)->key, "ie-history");
+    EXPECT_EQ(readerFor(HistoryFileType::ieIndexByCommandLine)->key, "ie-history");
+    EXPECT_EQ(readerFor(HistoryFileType::firefoxCacheByName)->key, "firefox-cache");
+    EXPECT_EQ(readerFor(HistoryFileType::none), nullptr);
+    EXPECT_EQ(readerFor(HistoryFileType::csv), nullptr);
+}
+
+TEST(Recognition, knowsFilesByTheirNames) {
+    EXPECT_EQ(keyByName("/x/_CACHE_MAP_"), "firefox-cache");
+    EXPECT_EQ(keyByName("/x/google/CHROME/History"), "chrome-history");
+    EXPECT_EQ(keyByName("/x/chrome/Archived History"), "chrome-history");
+    EXPECT_EQ(keyByName("/x/places.sqlite"), "firefox3-history");
+    EXPECT_EQ(keyByName("/x/oldplaces2.sqlite"), "firefox3-history");
+    EXPECT_EQ(keyByName("/x/dcache4.url"), "opera-cache");
+    EXPECT_EQ(keyByName("/x/GLOBAL.DAT"), "opera-history");
+    EXPECT_EQ(keyByName("/x/download.dat"), "opera-history");
+    EXPECT_EQ(keyByName("/x/type_history.xml"), "opera-history");
+    EXPECT_EQ(keyByName("/x/Cache.db"), "safari-cache");
+    EXPECT_EQ(keyByName("/x/History.plist"), "safari-history");
+    EXPECT_EQ(keyByName("/x/cookies4.dat"), "opera-cookies");
+    EXPECT_EQ(keyByName("/x/cookies.sqlite"), "firefox-cookies");
+    EXPECT_EQ(keyByName("/x/Cookies.plist"), "safari-cookies");
+    EXPECT_EQ(keyByName("/x/Chrome/Cookies"), "chrome-cookies");
+    EXPECT_EQ(keyByName("/x/case.net"), "netanalysis");
+    EXPECT_EQ(keyByName("/x/result.nvd"), "nvd");
+    EXPECT_EQ(keyByName("/x/page.htm"), "html");
+    EXPECT_EQ(keyByName("/x/page.HTML"), "html");
+}
+
+TEST(Recognition, passesOverNamesThatOnlyResemble) {
+    EXPECT_EQ(keyByName("/x/History"), "");            // not below a folder of Chrome
+    EXPECT_EQ(keyByName("/x/Chrome2/Cookies"), "");    // the folder's name must be just that
+    EXPECT_EQ(keyByName("/x/global_history.dat"), ""); // listed by the mask, known to no format
+    EXPECT_EQ(keyByName("/x/typed_history.xml"), "");  // what Opera itself writes
+    EXPECT_EQ(keyByName("/x/data_0"), "");             // no index beside it
+    EXPECT_EQ(keyByName("/x/places.sqlite-wal"), "");
+    EXPECT_EQ(keyByName("/x/setup.exe"), "");
+    EXPECT_EQ(keyByName(""), "");
+}
+
+TEST(Recognition, takesTheFirstRowThatMatches) {
+    EXPECT_EQ(keyByName("/x/_cache_map_.html"), "firefox-cache");
+    EXPECT_EQ(keyByName("/chrome/dcache4places.sqlite"), "firefox3-history");
+    EXPECT_EQ(keyOf({"/x/history_index.dat", "<mdb:mork:z" + indexBytes(0)}),
+              "firefox-mork-history");
+}
+
+TEST(Recognition, wantsTheMorkMarkInAMorkHistory) {
+    EXPECT_EQ(keyOf({"/x/history.dat", "// <!-- <mdb:mork:z v=\"1.4\"/> -->"}),
+              "firefox-mork-history");
+    EXPECT_EQ(keyOf({"/x/history.dat", "something else"}), "");
+    EXPECT_EQ(keyOf({"/x/history.dat", "", false}), "firefox-mork-history");
+}
+
+TEST(Recognition, tellsAnIndexByTheNumberOfItsFolders) {
+    EXPECT_EQ(keyOf({"/x/History/index.dat", indexBytes(0)}), "ie-history");
+    EXPECT_EQ(keyOf({"/x/Content.IE5/index.dat", indexBytes(0)}), "ie-history");
+    EXPECT_EQ(keyOf({"/x/History/index.dat", indexBytes(4)}), "ie-cache");
+    EXPECT_EQ(keyOf({"/x/index.dat", indexBytes(0).substr(0, 72)}), "ie-history");
+    EXPECT_EQ(keyOf({"/x/index.dat", "neither"}), "");
+    EXPECT_EQ(keyOf({"/x/index.dat", ""}), "");
+}
+
+TEST(Recognition, takesAnIndexOfAFolderCookiesForCookies) {
+    EXPECT_EQ(keyOf({"/x/Cookies/index.dat", indexBytes(0)}), "ie-cookies");
+    EXPECT_EQ(keyOf({"/x/COOKIES/low/index.dat", indexBytes(4)}), "ie-cookies");
+    EXPECT_EQ(keyOf({"/x/MyCookies/index.dat", indexBytes(0)}), "ie-history");
+}
+
+TEST(Recognition, goesByNameAloneWithoutVerification) {
+    EXPECT_EQ(keyOf({"/x/index.dat", "", false}), "ie-history");
+    EXPECT_EQ(keyOf({"/x/Content.IE5/index.dat", "", false}), "ie-history");
+    EXPECT_EQ(keyOf({"/x/Cookies/index.dat", "", false}), "ie-cookies");
+}
+
+TEST(Recognition, knowsRecoveredIndexesByContentOrByNameInAnyCase) {
+    EXPECT_EQ(keyOf({"/x/index.dat", "..NetAnalysisURLCacheMSIE5Hstex.."}), "hist-ex-index");
+    EXPECT_EQ(keyOf({"/x/0001-UC-index.dat", indexBytes(4)}), "hist-ex");
+    EXPECT_EQ(keyOf({"/x/0001-uc-INDEX.DAT", ""}), "hist-ex");
+}
+
+TEST(Recognition, listsTheIndexForTheFirstBlockFileOfChrome) {
+    const test::TempFolder folder;
+    const auto data = folder.write("Cache/data_0", "");
+    EXPECT_EQ(keyByName(data), "");
+    const auto index = folder.write("Cache/Index", "");
+    const Candidate candidate = candidateOf(data);
+    const Reader *reader = recognise(candidate);
+    ASSERT_NE(reader, nullptr);
+    EXPECT_EQ(reader->key, "chrome-cache");
+    EXPECT_EQ(artefactOf(*reader, candidate), index);
+    EXPECT_EQ(artefactOf(*readerByKey("nvd"), candidate), data);
+}
+
+} // namespace
+} // namespace nv
