@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QThread>
+#include <QWindow>
 
 using namespace nv;
 
@@ -41,6 +42,12 @@ QString commandLinePath(const QApplication &application) {
     return application.arguments().mid(1).join(u' ');
 }
 
+/// Not by making it the parent, which would destroy it first.
+void keepAbove(QWidget &upper, const QWidget &lower) {
+    upper.winId();
+    upper.windowHandle()->setTransientParent(lower.windowHandle());
+}
+
 int runProgram(QApplication &application, SplashForm &splash) {
     Window window;
     Program &program = window.program;
@@ -52,17 +59,15 @@ int runProgram(QApplication &application, SplashForm &splash) {
     startUp(program, Front::window);
 
     MainForm form(program, window.dialogs);
-    window.status.setParent(&form, window.status.windowFlags());
     form.show();
+    keepAbove(window.status, form);
     QThread::msleep(kSplashPause);
     splash.close();
     if (program.settings.ReadIniValue("OPTIONS", "ShowTipsAtStartup", true))
         form.showTips();
     if (const QString path = commandLinePath(application); !path.isEmpty())
-        form.commands().LoadCommandLineFile(pathFromQt(path));
-    const int result = application.exec();
-    window.status.setParent(nullptr);
-    return result;
+        form.LoadCommandLineFile(pathFromQt(path));
+    return application.exec();
 }
 
 } // namespace

@@ -94,6 +94,16 @@ void MainForm::takePath(const fs::path &path) {
         run("MainForm.import()", [this, path] { import(path); });
 }
 
+void MainForm::LoadCommandLineFile(const fs::path &path) {
+    Lock_Controls();
+    const auto failure = failureOf(m_program.log, "MainForm.LoadCommandLineFile()",
+                                   [&] { m_commands.LoadCommandLineFile(path); });
+    Unlock_Controls();
+    if (failure)
+        m_program.around.examiner.tell(messages::openingFailed(*failure));
+    showProjectState();
+}
+
 void MainForm::chooseBaseFolder() {
     const auto chosen = m_dialogs.chooseFolder(
         "Select the BASE root folder for all evidence in project:", m_program.thisClass.RootPath);

@@ -7,6 +7,7 @@
 #include "app/ui/WindowDialogs.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <functional>
 
@@ -27,7 +28,8 @@ class MainForm final : public QMainWindow, public ProjectView {
   public:
     MainForm(Program &program, WindowDialogs &dialogs);
 
-    ProjectCommands &commands() { return m_commands; }
+    /// Takes up the one path of the command line.
+    void LoadCommandLineFile(const std::filesystem::path &path);
     void showTips();
     /// Opens a project, or offers to import any other file or folder.
     void takePath(const std::filesystem::path &path);
@@ -91,7 +93,7 @@ class MainForm final : public QMainWindow, public ProjectView {
         QLabel *rows, *tagged, *query, *zone, *base;
     } m_status = {};
     int m_locks = 0;
-    QWidget *m_focusBeforeLock = nullptr;
+    QPointer<QWidget> m_focusBeforeLock;
 };
 
 } // namespace nv
