@@ -11,7 +11,8 @@ namespace nv {
 /// stand for themselves.
 class LikePattern {
   public:
-    /// Throws DialectError "Invalid pattern string" for a "[" that isn't closed.
+    /// Throws DialectError "Invalid pattern string" for a "[" that isn't closed and for a range
+    /// that runs backwards.
     explicit LikePattern(std::string_view pattern);
     /// Throws what the constructor would.
     static void check(std::string_view pattern) { LikePattern{pattern}; }

@@ -37,6 +37,17 @@ TEST(LikePattern, knowsOneCharacterAndLists) {
     EXPECT_FALSE(like("xxab", "%ab_%"));
 }
 
+TEST(LikePattern, listsAreFoldedAndMayBeEmpty) {
+    EXPECT_TRUE(like("B", "[a-c]"));
+    EXPECT_TRUE(like("b", "[A-C]"));
+    EXPECT_FALSE(like("b", "[!A-C]"));
+    EXPECT_TRUE(like("_", "[A-_]"));
+    EXPECT_TRUE(like("ab", "a[]b"));
+    EXPECT_TRUE(like("a!b", "a[!]b"));
+    EXPECT_FALSE(like("axb", "a[!]b"));
+    EXPECT_TRUE(like("\u00c9", "[\u00e0-\u00ef]"));
+}
+
 TEST(LikePattern, lettersMatchInEitherCaseBeyondAscii) {
     EXPECT_TRUE(like("\u00c4RGER", "\u00e4rger"));
     EXPECT_TRUE(like("\u0416\u0423\u041a", "%\u0436\u0443\u043a%"));
@@ -50,6 +61,8 @@ TEST(LikePattern, starAndQuestionMarkStandForThemselves) {
 
 TEST(LikePattern, refusesAnOpenList) {
     EXPECT_THROW(LikePattern("%[a"), DialectError);
+    EXPECT_THROW(LikePattern("[%"), DialectError);
+    EXPECT_THROW(LikePattern("[c-a]"), DialectError);
     EXPECT_NO_THROW(LikePattern("a]"));
 }
 
@@ -60,6 +73,7 @@ TEST(LikePattern, costsNoMoreThanTheProductOfTheLengths) {
 TEST(LikePattern, survivesBytesThatAreNoText) {
     EXPECT_TRUE(like(std::string("\xFF\x00z", 3), "__z"));
     EXPECT_FALSE(like("\xE4\xB8", "[a-z]"));
+    EXPECT_TRUE(like("\xE4pfel", "_pfel"));
 }
 
 TEST(EscapedForLike, makesThePatternsOwnCharactersPlain) {
