@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 
 namespace nv {
 
@@ -40,13 +41,16 @@ HistoryFileType typeOfCommandLine(const fs::path &file) {
     return HistoryFileType::none;
 }
 
+/// Of each kind that is not read yet; a cache may hold thousands of loose pages.
+constexpr int kListed = 5;
+
 std::string artefactText(const ArtefactResult &artefact) {
     std::string text =
         fmt::format("{:<12} {:>9} rows  type {:<3} {:<20} {}  {}\n", stateWord(artefact.state),
                     artefact.rowsSaved, static_cast<int>(artefact.type), artefact.readerKey,
                     artefact.MD5Hash, textOf(artefact.path));
     const auto note = [&text](std::string_view what) { text += fmt::format("    {}\n", what); };
-    if (!artefact.reason.empty())
+    if (!artefact.reason.empty() && artefact.state != ArtefactState::notReadYet)
         note(artefact.reason);
     if (artefact.notReached > 0)
         note(fmt::format("{} entries were not reached", artefact.notReached));
@@ -89,8 +93,15 @@ std::optional<HistoryFile> artefactOfCommandLine(const fs::path &path) {
 
 std::string summaryText(const ImportSummary &summary) {
     std::string text;
+    std::map<std::string, int> unread;
     for (const ArtefactResult &artefact : summary.artefacts)
-        text += artefactText(artefact);
+        if (artefact.state != ArtefactState::notReadYet || ++unread[artefact.readerKey] <= kListed)
+            text += artefactText(artefact);
+    for (const auto &[reader, count] : unread)
+        if (count > kListed)
+            text +=
+                fmt::format("{:<12} {} further files of the kind {}; the JSON form names them\n",
+                            stateWord(ArtefactState::notReadYet), count - kListed, reader);
     text +=
         fmt::format("{} rows from {} of {} artefacts; {} entries not reached, {} records passed "
                     "over\n",

@@ -60,6 +60,8 @@ bool createProject(Program &program, const fs::path &path) {
         return false;
     keepVersion(program);
     becomeOpen(program);
+    // The machine's zone as found at the start knows no daylight time; taken by its id it does.
+    setZone(program, program.thisClass.GMTZone.tzTimeZoneID);
     return true;
 }
 

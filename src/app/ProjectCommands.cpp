@@ -84,7 +84,7 @@ void ProjectCommands::checkVersion() {
 
 void ProjectCommands::tellOfChangedDefaultQuery() {
     const auto text = StoredQueries(m_program.thisClass.ProjectDB.connection()).text("_DEFAULT");
-    std::string unified = toUpper(text.value_or(""));
+    std::string unified = toUpper(replaceAll(text.value_or(""), "\r\n", " "));
     std::replace_if(
         unified.begin(), unified.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     if (trim(unified) != kDefaultQueryInCapitals)

@@ -65,8 +65,9 @@ class RecordTrap {
     std::uint64_t m_failed = 0;
 };
 
-/// The command trap: runs `body` for a command of the examiner's, who has to learn of any failure at
-/// once. It is logged under `procedure`, and its message is the result; nothing when all went well.
+/// The command trap: runs `body` for a command of the examiner's, who has to learn of any failure
+/// at once. It is logged under `procedure`, and its message is the result; nothing when all went
+/// well.
 template <class Body>
 std::optional<std::string> failureOf(FailureLog &log, std::string_view procedure, Body &&body) {
     try {

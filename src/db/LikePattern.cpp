@@ -84,37 +84,52 @@ bool containsLower(std::string_view text, std::string_view lower) {
 
 } // namespace
 
-LikePattern::LikePattern(std::string_view pattern) {
+std::optional<LikePattern> LikePattern::compile(std::string_view pattern) {
+    LikePattern compiled;
     std::string_view core = pattern;
-    m_openBegin = core.starts_with('%');
-    core.remove_prefix(m_openBegin ? 1 : 0);
-    m_openEnd = core.ends_with('%');
-    core.remove_suffix(m_openEnd ? 1 : 0);
-    m_isPlain = isPlainText(core);
-    if (m_isPlain) {
-        m_plain = toLower(core);
-        return;
-    }
-    const std::u32string letters = lettersOf(pattern);
+    compiled.m_openBegin = core.starts_with('%');
+    core.remove_prefix(compiled.m_openBegin ? 1 : 0);
+    compiled.m_openEnd = core.ends_with('%');
+    core.remove_suffix(compiled.m_openEnd ? 1 : 0);
+    compiled.m_isPlain = isPlainText(core);
+    if (compiled.m_isPlain)
+        compiled.m_plain = toLower(core);
+    else if (!compiled.addSteps(lettersOf(pattern)))
+        return std::nullopt;
+    return compiled;
+}
+
+void LikePattern::check(std::string_view pattern) {
+    if (!compile(pattern))
+        throw DialectError(std::string(kInvalidPattern));
+}
+
+/// False for a list that isn't closed or a range that runs backwards. Of several "%" in a row one
+/// is kept.
+bool LikePattern::addSteps(std::u32string_view letters) {
     for (std::size_t at = 0; at < letters.size(); ++at) {
         if (letters[at] == U'[') {
             const std::size_t end = letters.find(U']', at + 1);
-            if (end == std::u32string::npos)
-                throw DialectError("Invalid pattern string");
+            if (end == std::u32string_view::npos)
+                return false;
+            const auto step = listStep(letters.substr(at + 1, end - at - 1));
+            if (!step)
+                return false;
             if (end > at + 1) // "[]" is no text
-                m_steps.push_back(
-                    listStep(std::u32string_view(letters).substr(at + 1, end - at - 1)));
+                m_steps.push_back(*step);
             at = end;
-        } else if (letters[at] != U'%' || m_steps.empty() || m_steps.back().kind != Kind::anyText) {
-            const Kind kind = letters[at] == U'%'   ? Kind::anyText
-                              : letters[at] == U'_' ? Kind::anyLetter
-                                                    : Kind::letter;
-            m_steps.push_back({kind, folded(letters[at]), false, {}});
+            continue;
         }
+        const Kind kind = letters[at] == U'%'   ? Kind::anyText
+                          : letters[at] == U'_' ? Kind::anyLetter
+                                                : Kind::letter;
+        if (kind != Kind::anyText || m_steps.empty() || m_steps.back().kind != Kind::anyText)
+            m_steps.push_back({kind, folded(letters[at]), false, {}});
     }
+    return true;
 }
 
-LikePattern::Step LikePattern::listStep(std::u32string_view list) {
+std::optional<LikePattern::Step> LikePattern::listStep(std::u32string_view list) {
     Step step{Kind::list, 0, false, {}};
     if (list.size() > 1 && list.front() == U'!') {
         step.negated = true;
@@ -124,7 +139,7 @@ LikePattern::Step LikePattern::listStep(std::u32string_view list) {
         const bool isRange = at + 2 < list.size() && list[at + 1] == U'-';
         const Range range{list[at], list[isRange ? at + 2 : at]};
         if (range.first > range.last)
-            throw DialectError("Invalid pattern string");
+            return std::nullopt;
         step.ranges.push_back(range);
         step.ranges.push_back({folded(range.first), folded(range.last)});
         at += isRange ? 2 : 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,11 +12,10 @@ namespace nv {
 /// stand for themselves.
 class LikePattern {
   public:
-    /// Throws DialectError "Invalid pattern string" for a "[" that isn't closed and for a range
-    /// that runs backwards.
-    explicit LikePattern(std::string_view pattern);
-    /// Throws what the constructor would.
-    static void check(std::string_view pattern) { LikePattern{pattern}; }
+    /// Nothing for a "[" that isn't closed and for a range that runs backwards.
+    static std::optional<LikePattern> compile(std::string_view pattern);
+    /// Throws DialectError "Invalid pattern string" for what can't be compiled.
+    static void check(std::string_view pattern);
 
     bool matches(std::string_view text) const;
 
@@ -32,7 +32,8 @@ class LikePattern {
         std::vector<Range> ranges;
     };
 
-    static Step listStep(std::u32string_view list);
+    bool addSteps(std::u32string_view letters);
+    static std::optional<Step> listStep(std::u32string_view list);
     bool matchesSteps(std::string_view text) const;
     static bool matchesStep(const Step &step, char32_t letter);
 
@@ -43,6 +44,8 @@ class LikePattern {
     bool m_openEnd = false;
     std::string m_plain; ///< lower-case
 };
+
+inline constexpr std::string_view kInvalidPattern = "Invalid pattern string";
 
 /// `text` with the pattern's own characters made plain, for a LIKE that the program builds.
 std::string escapedForLike(std::string_view text);

@@ -1,10 +1,11 @@
 #include "db/SqlFunctions.h"
 
 #include "db/LikePattern.h"
-#include "db/SqlTokens.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
+
+#include <optional>
 
 namespace nv {
 
@@ -20,14 +21,17 @@ void deletePattern(void *pattern) {
     delete static_cast<LikePattern *>(pattern);
 }
 
-/// The compiled pattern of this call; SQLite keeps it while the pattern stays the same.
-const LikePattern &patternOf(sqlite3_context *context, sqlite3_value *value) {
+/// The compiled pattern of this call; SQLite keeps it while the pattern stays the same. Null for
+/// one that can't be compiled.
+const LikePattern *patternOf(sqlite3_context *context, sqlite3_value *value) {
     if (const void *kept = sqlite3_get_auxdata(context, 0))
-        return *static_cast<const LikePattern *>(kept);
-    thread_local LikePattern current("");
-    current = LikePattern(textOf(value));
-    sqlite3_set_auxdata(context, 0, new LikePattern(current), deletePattern);
-    return current;
+        return static_cast<const LikePattern *>(kept);
+    // SQLite may delete what it is given at once, so this call looks at a copy of its own.
+    thread_local std::optional<LikePattern> current;
+    current = LikePattern::compile(textOf(value));
+    if (current)
+        sqlite3_set_auxdata(context, 0, new LikePattern(*current), deletePattern);
+    return current ? &*current : nullptr;
 }
 
 void like(sqlite3_context *context, int, sqlite3_value **arguments) {
@@ -35,12 +39,10 @@ void like(sqlite3_context *context, int, sqlite3_value **arguments) {
     for (int i = 0; i < 2; ++i)
         if (sqlite3_value_type(arguments[i]) == SQLITE_NULL)
             return;
-    try {
-        const LikePattern &pattern = patternOf(context, arguments[0]);
-        sqlite3_result_int(context, pattern.matches(textOf(arguments[1])) ? 1 : 0);
-    } catch (const std::exception &error) { // must not pass through the database's own code
-        sqlite3_result_error(context, error.what(), -1);
-    }
+    if (const LikePattern *pattern = patternOf(context, arguments[0]))
+        sqlite3_result_int(context, pattern->matches(textOf(arguments[1])) ? 1 : 0);
+    else
+        sqlite3_result_error(context, kInvalidPattern.data(), -1);
 }
 
 } // namespace

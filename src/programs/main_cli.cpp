@@ -1,15 +1,36 @@
-#include <exception>
+#include "app/cli/Grammar.h"
+#include "db/SqlTokens.h"
+
 #include <filesystem>
 #include <iostream>
 
-#include "app/cli/Cli.h"
+using namespace nv;
+using namespace nv::cli;
+
+namespace {
+
+int fail(const std::exception &failure, Exit code) {
+    std::cerr << "norvelane-cli: " << printable(failure.what()) << '\n';
+    return static_cast<int>(code);
+}
+
+} // namespace
 
 int main(int argc, char **argv) {
+    Grammar grammar;
     try {
-        const auto self = std::filesystem::read_symlink("/proc/self/exe");
-        return nv::cli::run(self.string(), {argv + 1, argv + argc}, std::cout, std::cerr);
+        grammar.app.parse(argc, argv);
+        const auto executable = std::filesystem::read_symlink("/proc/self/exe");
+        Session session(executable.string(), std::cout, std::cerr);
+        return static_cast<int>(grammar.chosen(session));
+    } catch (const CLI::ParseError &problem) {
+        // Asking for help or the version ends the parsing too, with 0.
+        return grammar.app.exit(problem) == 0 ? 0 : static_cast<int>(Exit::usage);
+    } catch (const UsageError &failure) {
+        return fail(failure, Exit::usage);
+    } catch (const DialectError &failure) {
+        return fail(failure, Exit::usage);
     } catch (const std::exception &failure) {
-        std::cerr << "norvelane-cli: " << failure.what() << '\n';
-        return static_cast<int>(nv::cli::Exit::projectUnusable);
+        return fail(failure, Exit::projectUnusable);
     }
 }

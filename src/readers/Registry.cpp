@@ -3,6 +3,8 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "readers/Evidence.h"
+#include "readers/chrome/History.h"
+#include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
 
 #include <algorithm>
@@ -150,11 +152,11 @@ constexpr std::array<Reader, 21> kReaders = {{
     {morkHistory, "firefox-mork-history", "Firefox2 History", "2.0", "chkHistoryFirefox",
      "history*.dat;places*.sqlite", isMorkHistory, nullptr},
     {chromeHistory, "chrome-history", "Chrome History", "1.0", "chkHistoryChrome",
-     "History;Archived History", isChromeHistory, nullptr},
+     "History;Archived History", isChromeHistory, ParseChromeHistoryFile},
     {chromeCache, "chrome-cache", "Chrome Cache", "1.0", "chkCacheChrome", "data_0", isChromeCache,
      nullptr},
     {firefox3History, "firefox3-history", "Firefox3 History", "3.0", "chkHistoryFirefox",
-     "history*.dat;places*.sqlite", isFirefox3History, nullptr},
+     "history*.dat;places*.sqlite", isFirefox3History, ParseFirefox3HistoryFile},
     {operaCache, "opera-cache", "Opera Cache", "9.0", "chkCacheOpera", "dcache4*.url", isOperaCache,
      nullptr},
     {operaHistory, "opera-history", "Opera History", "9.0", "chkHistoryOpera",

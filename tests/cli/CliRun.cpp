@@ -1,12 +1,12 @@
 #include "cli/CliRun.h"
 
+#include "base/Files.h"
+
 #include <csignal>
 #include <fcntl.h>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "base/Files.h"
 
 namespace nv::test {
 
@@ -53,7 +53,9 @@ CliProcess::~CliProcess() {
     }
 }
 
-void CliProcess::signal(int number) const { ::kill(m_pid, number); }
+void CliProcess::signal(int number) const {
+    ::kill(m_pid, number);
+}
 
 CliResult CliProcess::finish() {
     int status = 0;

@@ -1,13 +1,13 @@
-#include <csignal>
-#include <fstream>
+#include "base/Files.h"
+#include "cli/CliRun.h"
+#include "support/TempFolder.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "base/Files.h"
-#include "cli/CliRun.h"
-#include "support/TempFolder.h"
+#include <csignal>
+#include <fstream>
 
 namespace nv::test {
 namespace {
@@ -66,8 +66,8 @@ TEST_F(CliTest, wrongUsageIsOne) {
     EXPECT_EQ(cli({"import", project.string(), (folder.path() / "nowhere").string()}).exit, 1);
     EXPECT_FALSE(fs::exists(project)) << "a wrong call makes no project";
     EXPECT_EQ(cli({"import", project.string(), folder.path().string(), "--zone", "9999"}).exit, 1);
-    EXPECT_EQ(
-        cli({"import", project.string(), folder.path().string(), "--kinds", "nonsense"}).exit, 1);
+    EXPECT_EQ(cli({"import", project.string(), folder.path().string(), "--kinds", "nonsense"}).exit,
+              1);
 }
 
 TEST_F(CliTest, aProjectThatCantBeUsedIsThree) {
@@ -141,8 +141,9 @@ TEST_F(CliTest, kindsNarrowTheScan) {
 
 TEST_F(CliTest, listShowsTheCellsOfTheTable) {
     importThree();
-    const CliResult lines = cli({"list", project.string(), "--format", "jsonl", "--columns",
-                                 "COL_URL_ID,COL_URL_ACTION_DATE_UTC,COL_URL_VALUE,COL_URL_STATUS"});
+    const CliResult lines =
+        cli({"list", project.string(), "--format", "jsonl", "--columns",
+             "COL_URL_ID,COL_URL_ACTION_DATE_UTC,COL_URL_VALUE,COL_URL_STATUS"});
     ASSERT_EQ(lines.exit, 0) << lines.err;
     const json first = json::parse(lines.out.substr(0, lines.out.find('\n')));
     EXPECT_EQ(first["COL_URL_ACTION_DATE_UTC"], "2011-04-07T12:03:12Z");

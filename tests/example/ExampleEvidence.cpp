@@ -1,13 +1,13 @@
 #include "ExampleEvidence.h"
 
-#include <array>
-
-#include <fmt/format.h>
-
 #include "base/Files.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/IndexDat.h"
 #include "support/builders/Places.h"
+
+#include <fmt/format.h>
+
+#include <array>
 
 namespace nv::example {
 
@@ -67,8 +67,8 @@ std::string page(const Site &site, int number) {
 }
 
 std::string headers(std::string_view type, std::size_t size) {
-    return fmt::format("HTTP/1.1 200 OK\r\nContent-Type: {}\r\nContent-Length: {}\r\n\r\n~U:mara\r\n",
-                       type, size);
+    return fmt::format(
+        "HTTP/1.1 200 OK\r\nContent-Type: {}\r\nContent-Length: {}\r\n\r\n~U:mara\r\n", type, size);
 }
 
 /// A cache index with its files in the folders beside it.
@@ -146,8 +146,9 @@ void writeHistory(const fs::path &file, std::string_view prefix, int day, int en
     for (int i = 0; i < entries; ++i) {
         IndexRecord record;
         const Site &site = kSites[static_cast<std::size_t>(i) % kSites.size()];
-        record.url = fmt::format("{}mara@http://{}/{}", prefix, site.host,
-                                 i % 7 == 6 ? "caf%E9/men%FC.html" : fmt::format("story{}.html", i));
+        record.url =
+            fmt::format("{}mara@http://{}/{}", prefix, site.host,
+                        i % 7 == 6 ? "caf%E9/men%FC.html" : fmt::format("story{}.html", i));
         record.firstDate = fileTime(kYear, 3, day, 9 + i % 10, i % 60);
         record.secondDate = fileTime(kYear, 3, day, 8 + i % 10, i % 60);
         record.created = dosDate(kYear, 3, day, 8 + i % 10, i % 60);
@@ -165,13 +166,16 @@ void writePlaces(const fs::path &file) {
     Places places(file);
     for (int i = 1; i <= 40; ++i) {
         const Site &site = kSites[static_cast<std::size_t>(i) % kSites.size()];
-        PlacesRow row{i, fmt::format("http://{}/story{}.html", site.host, i),
-                      std::string(site.title), i % 4, i % 9 == 0, {}};
+        PlacesRow row{i,
+                      fmt::format("http://{}/story{}.html", site.host, i),
+                      std::string(site.title),
+                      i % 4,
+                      i % 9 == 0,
+                      {}};
         for (int visit = 0; visit < i % 4; ++visit)
             row.visitDates.push_back(firefoxTime(kMarch2011 + i * 977 + visit * 86400));
         places.add(row);
     }
-    places.close();
 }
 
 void writeChrome(const fs::path &file) {
@@ -189,7 +193,6 @@ void writeChrome(const fs::path &file) {
                      i % 2,
                      {chromeTime(kMarch2011 + i * 1237)}});
     }
-    history.close();
 }
 
 } // namespace
@@ -209,13 +212,15 @@ void writeEvidence(const fs::path &folder) {
 }
 
 void writeIndex(const fs::path &file, std::size_t records) {
-    IndexDat index;
+    // Larger tables than browsers make: the chain of tables is followed 201 times only.
+    IndexDat index(1024, 0);
     for (const std::string_view name : kFolders)
         index.folder(name);
     IndexRecord record;
     for (std::size_t i = 0; i < records; ++i) {
         const auto second = static_cast<int>(i % 60);
-        record.url = fmt::format("http://host{}.example/folder/page{}.html?q={}", i % 997, i, i * 7);
+        record.url =
+            fmt::format("http://host{}.example/folder/page{}.html?q={}", i % 997, i, i * 7);
         record.firstDate = fileTime(kYear, 1 + static_cast<int>(i % 12), 2, 3, 4, second);
         record.secondDate = fileTime(kYear, 1 + static_cast<int>(i % 12), 3, 4, 5, second);
         record.fileSize = static_cast<std::uint32_t>(i % 65536);
@@ -224,6 +229,9 @@ void writeIndex(const fs::path &file, std::size_t records) {
         record.headers = headers("text/html", i % 65536);
         index.add(record);
     }
+    // An index that says it has 16 MiB or more isn't read: its size lies in the bytes that the
+    // offset of the first hash table is taken from.
+    index.sizeField(0);
     write(file, index.bytes());
 }
 

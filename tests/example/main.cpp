@@ -1,9 +1,9 @@
+#include "ExampleEvidence.h"
+
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <string_view>
-
-#include "ExampleEvidence.h"
 
 int main(int argc, char **argv) {
     try {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/cli/Cli.h"
+#include "app/cli/Exit.h"
 #include "app/cli/RowWriter.h"
 #include "app/cli/Session.h"
 

@@ -6,7 +6,21 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
+#include <cmath>
+
 namespace nv::cli {
+
+namespace {
+
+/// Offsets are stored as floats; people and programs want them as the whole numbers that they are.
+Cell numberCell(double value) {
+    constexpr double kExactWholes = 9007199254740992; // 2^53
+    if (std::trunc(value) == value && std::abs(value) < kExactWholes)
+        return static_cast<std::int64_t>(value);
+    return value;
+}
+
+} // namespace
 
 StatementCells::StatementCells(SQLite::Statement &statement, For whom, DateSettings dates)
     : m_statement(statement), m_whom(whom), m_dates(std::move(dates)) {
@@ -46,7 +60,7 @@ Cell StatementCells::cell(int index) const {
     if (column.isInteger())
         return column.getInt64();
     if (column.isFloat())
-        return column.getDouble();
+        return numberCell(column.getDouble());
     if (column.isBlob())
         return fmt::format("<{} bytes>", column.size());
     return decodeText(column.getString());

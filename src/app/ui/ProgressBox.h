@@ -13,7 +13,6 @@ class ProgressBox final : public QWidget {
 
     int percent() const { return m_percent; }
     void setPercent(int percent);
-    QSize sizeHint() const override;
 
   protected:
     void paintEvent(QPaintEvent *event) override;

@@ -50,9 +50,10 @@ void SplashForm::paintEvent(QPaintEvent *) {
     small.setPixelSize(16);
     painter.setFont(small);
     painter.setPen(QColor(255, 255, 255, 215));
-    painter.drawText(QPoint(210, 190), tr("Examination of web-browser caches and histories"));
+    painter.drawText(QRect(210, 172, width() - 234, 48), Qt::TextWordWrap,
+                     tr("Examination of web-browser caches and histories"));
     if (!m_version.isEmpty())
-        painter.drawText(QPoint(210, 218), tr("Version %1").arg(m_version));
+        painter.drawText(QPoint(210, 240), tr("Version %1").arg(m_version));
 }
 
 } // namespace nv

@@ -1,5 +1,7 @@
 #include "readers/sqlite/EvidenceDatabase.h"
 
+#include "base/ByteView.h"
+#include "base/Files.h"
 #include "base/Text.h"
 
 #include <fmt/format.h>
@@ -19,13 +21,37 @@ int countStep(void *stepsLeft) {
     return --*static_cast<std::int64_t *>(stepsLeft) < 0 ? 1 : 0;
 }
 
+/// 0 when the file doesn't begin as a database.
+std::uint64_t pageSizeOf(const std::filesystem::path &file) {
+    constexpr std::size_t kHeader = 100;
+    constexpr std::uint64_t kPageSize = 16; // u16be, in which 1 stands for 65536
+    const Bytes head = readHead(file, kHeader);
+    const ByteView view(head);
+    if (head.size() < kHeader || !view.raw().starts_with("SQLite format 3"))
+        return 0;
+    const std::uint64_t size = view.u8(kPageSize) * std::uint64_t{256} + view.u8(kPageSize + 1);
+    return size == 1 ? 65536 : size;
+}
+
 } // namespace
 
 EvidenceDatabase::EvidenceDatabase(const std::filesystem::path &copy, std::uint64_t size)
     : m_size(size), m_stepsLeft(std::make_unique<std::int64_t>(kStepsPerRow)),
       m_connection(copy.native(), SQLite::OPEN_READWRITE) {
+    cutTornPage(copy);
     harden();
     loadSchema();
+}
+
+/// SQLite would read the missing part of a last page as zeros, and zeros amid a row make a wrong
+/// date out of a right one. Without the page its rows are known to be lost.
+void EvidenceDatabase::cutTornPage(const std::filesystem::path &copy) {
+    const std::uint64_t pageSize = pageSizeOf(copy);
+    const std::uint64_t length = std::filesystem::file_size(copy);
+    if (pageSize == 0 || length % pageSize == 0)
+        return;
+    m_damage = fmt::format("the file ends amid a page, at offset {}", length);
+    std::filesystem::resize_file(copy, length - length % pageSize);
 }
 
 void EvidenceDatabase::harden() {
@@ -52,7 +78,8 @@ void EvidenceDatabase::loadSchema() {
     expectWholeTable();
     int code = m_connection.tryExec(kFirstLook);
     if (code == SQLITE_CORRUPT) {
-        m_damage = lastError();
+        if (m_damage.empty())
+            m_damage = lastError();
         // The schema counts as writable then; query_only still keeps the copy from being written.
         sqlite3_db_config(m_connection.getHandle(), SQLITE_DBCONFIG_DEFENSIVE, 0, nullptr);
         m_connection.tryExec("PRAGMA writable_schema=ON");

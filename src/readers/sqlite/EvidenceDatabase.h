@@ -46,6 +46,7 @@ class EvidenceDatabase {
     void expectWholeTable();
 
   private:
+    void cutTornPage(const std::filesystem::path &copy);
     void harden();
     void loadSchema();
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int64_t kLastId = std::numeric_limits<std::int64_t>::max();
 
-/// Damaged stretches of one table that are gone round, each at the cost of some 120 look-ups.
+/// Damaged stretches of one table that are gone round, each at the cost of some 400 look-ups.
 constexpr std::uint64_t kMostLeaps = 1000;
 /// Rows of one table whose content can't be read, each at the cost of three look-ups.
 constexpr std::uint64_t kMostUnreadable = 100'000;
@@ -90,14 +90,28 @@ bool TableCursor::next() {
         const int code = m_rows->tryExecuteStep();
         if (code == SQLITE_DONE)
             break;
-        if (code == SQLITE_ROW && m_rows->getColumn(0).getInt64() >= m_next)
-            return give(m_rows->getColumn(0).getInt64(), Content::readable);
+        if (code == SQLITE_ROW && takeInOrder(m_rows->getColumn(0).getInt64()))
+            return true;
         noteDamage(code);
         if (goBehindDamage())
             return true;
     }
     m_atEnd = true;
     return false;
+}
+
+/// A row behind the last one, or between the last two: then the last one's id was damaged, and the
+/// rows that follow it are as good as any.
+bool TableCursor::takeInOrder(std::int64_t rowId) {
+    if (rowId >= m_next) {
+        m_floor = m_rowId;
+        return give(rowId, Content::readable);
+    }
+    if (rowId <= m_floor || rowId == m_rowId)
+        return false;
+    noteDamage(SQLITE_ROW);
+    m_floor = rowId;
+    return give(rowId, Content::readable);
 }
 
 bool TableCursor::give(std::int64_t rowId, Content content) {
@@ -160,25 +174,34 @@ TableCursor::Probe TableCursor::probe(std::int64_t from) {
     return {found ? Probe::Outcome::found : Probe::Outcome::damaged, rowId};
 }
 
-/// The first row behind a damaged stretch: outwards in doubling steps until a look-up succeeds,
-/// then halving back to the least id from which one does.
+/// The first row behind a damaged stretch. Browsers count rows from 1: where damage begins below
+/// that, the search starts anew from there, with small steps.
 TableCursor::Probe TableCursor::leap() {
     if (++m_leaps > kMostLeaps)
         return {};
-    const std::uint64_t room = distance(m_next, kLastId);
+    if (m_next < 0)
+        if (const Probe found = leapBetween(m_next, 0); found.outcome != Probe::Outcome::damaged)
+            return found;
+    return leapBetween(std::max<std::int64_t>(m_next, 0), kLastId);
+}
+
+/// Outwards in steps that grow by an eighth, so that few rows between two damaged stretches are
+/// missed, until a look-up succeeds; then halving back to the least id from which one does.
+TableCursor::Probe TableCursor::leapBetween(std::int64_t from, std::int64_t last) {
+    const std::uint64_t room = distance(from, last);
     std::uint64_t bad = 0;
     std::uint64_t good = std::min<std::uint64_t>(1, room);
-    Probe best = probe(moved(m_next, good));
+    Probe best = probe(moved(from, good));
     while (best.outcome == Probe::Outcome::damaged) {
         if (good == room)
             return best;
         bad = good;
-        good = good > room / 2 ? room : good * 2;
-        best = probe(moved(m_next, good));
+        good += std::min(room - good, good / 8 + 1);
+        best = probe(moved(from, good));
     }
     while (good - bad > 1) {
         const std::uint64_t middle = bad + (good - bad) / 2;
-        const Probe nearer = probe(moved(m_next, middle));
+        const Probe nearer = probe(moved(from, middle));
         if (nearer.outcome == Probe::Outcome::damaged) {
             bad = middle;
         } else {
@@ -207,8 +230,8 @@ std::uint64_t TableCursor::knownLost() const {
 std::string TableCursor::lossText() const {
     const std::string what =
         m_firstDamage.empty() ? "fewer rows than an index of the table has" : m_firstDamage;
-    const std::string lost =
-        m_total ? fmt::format("{} of {}", knownLost(), *m_total) : std::string("an unknown number");
+    const std::string lost = m_total ? fmt::format("{} of {}", knownLost(), *m_total)
+                                     : std::string("an unknown number of");
     return fmt::format("in table \"{}\": {}; {} rows could not be read", m_table, what, lost);
 }
 

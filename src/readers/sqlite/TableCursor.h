@@ -14,8 +14,8 @@
 namespace nv {
 
 /// Walks a table in the order of its row ids, which is the order in which rows were added. Where
-/// the file is damaged it goes on behind the damage, and it never gives a row twice, however the
-/// pages of the file point at each other. The database must outlive it.
+/// the file is damaged it goes on behind the damage, and it comes to an end however the pages of
+/// the file point at each other. The database must outlive it.
 class TableCursor {
   public:
     /// Throws EvidenceDamage when there is no such table.
@@ -50,12 +50,14 @@ class TableCursor {
 
     void prepareStatements(std::span<const std::string_view> columns);
     void countRows();
+    bool takeInOrder(std::int64_t rowId);
     bool give(std::int64_t rowId, Content content);
     void restart();
     void noteDamage(int code);
     bool goBehindDamage();
     Probe probe(std::int64_t from);
     Probe leap();
+    Probe leapBetween(std::int64_t from, std::int64_t last);
 
     EvidenceDatabase &m_database;
     std::string m_table;
@@ -65,8 +67,10 @@ class TableCursor {
     std::optional<SQLite::Statement> m_ids;
     std::optional<std::uint64_t> m_total;
 
-    std::int64_t m_next = std::numeric_limits<std::int64_t>::min(); ///< least id not yet given
-    std::int64_t m_rowId = 0;
+    static constexpr std::int64_t kFirstId = std::numeric_limits<std::int64_t>::min();
+    std::int64_t m_next = kFirstId;  ///< least id not yet given
+    std::int64_t m_rowId = kFirstId; ///< the last one given
+    std::int64_t m_floor = kFirstId; ///< the one given before it: no row is taken at or below it
     Content m_content = Content::readable;
     bool m_atEnd = false;
     std::uint64_t m_given = 0;

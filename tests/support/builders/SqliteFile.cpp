@@ -10,7 +10,8 @@ SqliteFile::SqliteFile(const fs::path &path, int pageSize, const std::string &en
     : m_path(path) {
     fs::create_directories(path.parent_path());
     fs::remove(path);
-    m_connection.emplace(path.native(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    m_connection = std::make_unique<SQLite::Database>(path.native(),
+                                                      SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
     run("PRAGMA page_size=" + std::to_string(pageSize));
     run("PRAGMA encoding='" + encoding + "'");
     run("PRAGMA synchronous=OFF");

@@ -4,7 +4,7 @@
 #include <SQLiteCpp/VariadicBind.h>
 
 #include <filesystem>
-#include <optional>
+#include <memory>
 #include <string>
 
 namespace nv::test {
@@ -32,7 +32,7 @@ class SqliteFile {
 
   private:
     std::filesystem::path m_path;
-    std::optional<SQLite::Database> m_connection;
+    std::unique_ptr<SQLite::Database> m_connection;
 };
 
 } // namespace nv::test

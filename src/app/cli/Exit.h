@@ -1,0 +1,14 @@
+#pragma once
+
+namespace nv::cli {
+
+// What scripts rely on. 1 stands for wrong usage.
+enum class Exit {
+    ok = 0,
+    usage = 1,
+    damagedEvidence = 2, ///< an artefact failed or was cut short; the rest is there
+    projectUnusable = 3, ///< the project can't be opened or written
+    interrupted = 130,
+};
+
+} // namespace nv::cli

@@ -1,0 +1,126 @@
+#include "app/cli/Grammar.h"
+
+#include "app/Version.h"
+
+#include <fmt/format.h>
+
+#include <map>
+
+namespace nv::cli {
+
+namespace {
+
+constexpr const char *kExamples = R"(Examples:
+  norvelane-cli import case.nvp /mnt/seized            import all that is found below a folder
+  norvelane-cli import case.nvp History --zone 15      one file, dates shown in the zone 15
+  norvelane-cli list case.nvp --host example.com       the rows of a host as a table
+  norvelane-cli list case.nvp --format csv > rows.csv  all rows for a spreadsheet
+  norvelane-cli query case.nvp "SELECT TOP 5 URL FROM URLs WHERE ActionDateUTC > #1/15/2009#"
+  norvelane-cli show case.nvp 17                       everything about one row
+  norvelane-cli dump index.dat --format jsonl          the records of one file, without a project
+Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged, 3 the project can't be used,
+130 interrupted: what was written is kept.)";
+
+const std::map<std::string, Format> kFormats = {
+    {"table", Format::table}, {"csv", Format::csv}, {"tsv", Format::tsv}, {"jsonl", Format::jsonl}};
+
+} // namespace
+
+Grammar::Grammar()
+    : app("Norvelane: forensic examination of browser caches and histories", "norvelane-cli") {
+    app.require_subcommand(1);
+    app.footer(kExamples);
+    app.set_version_flag("--version", fmt::format("norvelane-cli {}.{}.{}", version::kMajor,
+                                                  version::kMinor, version::kRevision));
+    addImport();
+    addList();
+    addQueries();
+    addShow();
+    addFiles();
+}
+
+CLI::App *Grammar::command(const char *name, const char *what, Run run) {
+    CLI::App *added = app.add_subcommand(name, what);
+    added->callback([this, run = std::move(run)] { chosen = run; });
+    return added;
+}
+
+void Grammar::addProject(CLI::App *to, std::string &project) {
+    to->add_option("PROJECT", project, "Project file (*.nvp)")->required();
+}
+
+void Grammar::addFormat(CLI::App *to) {
+    to->add_option("--format", m_format, "table, csv, tsv or jsonl")
+        ->transform(CLI::CheckedTransformer(kFormats, CLI::ignore_case).description(""))
+        ->default_str("table");
+}
+
+void Grammar::addImport() {
+    CLI::App *c = command("import", "Import artefacts into a project, which is made when needed",
+                          [this](Session &s) {
+                              m_import.json = m_importFormat == "json";
+                              return importCommand(s, m_import);
+                          });
+    addProject(c, m_import.project);
+    c->add_option("PATH", m_import.paths, "Folders or files of evidence")->required();
+    c->add_option("--base", m_import.base, "Base folder of the evidence (default: the PATH)");
+    c->add_option("--zone", m_import.zone, "Time zone of the project, see the command zones");
+    c->add_option("--kinds", m_import.kinds, "Only these readers, by key, separated by commas")
+        ->delimiter(',');
+    c->add_flag("--no-metadata", m_import.noMetadata, "Don't read cached pages' contents");
+    c->add_flag("--no-signatures", m_import.noSignatures, "Recognise files by name alone");
+    c->add_flag("--thumbnails", m_import.thumbnails, "Make thumbnails while importing");
+    c->add_option("--format", m_importFormat, "text or json")
+        ->check(CLI::IsMember({"text", "json"}))
+        ->default_str("text");
+}
+
+void Grammar::addList() {
+    CLI::App *c = command("list", "The rows of the table view", [this](Session &s) {
+        m_list.format = m_format;
+        return listCommand(s, m_list);
+    });
+    addProject(c, m_list.project);
+    c->add_option("--query", m_list.query, "Name of a stored query (default: _DEFAULT)");
+    c->add_option("--host", m_list.host, "Only hosts that contain this text");
+    c->add_option("--columns", m_list.columns, "Column keys, separated by commas")->delimiter(',');
+    c->add_flag_callback(
+        "--dates-as-shown", [this] { m_list.dates = Dates::asShown; },
+        "Dates of csv and jsonl as the window shows them, not ISO 8601");
+    addFormat(c);
+}
+
+void Grammar::addQueries() {
+    CLI::App *query =
+        command("query", "Run a SELECT in the project's dialect, reading only",
+                [this](Session &s) { return queryCommand(s, m_project, m_sql, m_format); });
+    addProject(query, m_project);
+    query->add_option("SQL", m_sql, "The statement")->required();
+    addFormat(query);
+    CLI::App *queries = command("queries", "The stored queries of a project", [this](Session &s) {
+        return queriesCommand(s, m_project, m_format);
+    });
+    addProject(queries, m_project);
+    addFormat(queries);
+}
+
+void Grammar::addShow() {
+    CLI::App *c = command("show", "All properties of a row", [this](Session &s) {
+        return showCommand(s, m_project, m_urlId, m_format);
+    });
+    addProject(c, m_project);
+    c->add_option("URL_ID", m_urlId, "Key of the row")->required();
+    addFormat(c);
+}
+
+void Grammar::addFiles() {
+    CLI::App *dump = command("dump", "The records of one artefact, without a project",
+                             [this](Session &s) { return dumpCommand(s, m_file, m_format); });
+    dump->add_option("FILE", m_file, "The artefact")->required();
+    addFormat(dump);
+    CLI::App *zones = command("zones", "The time zones and their ids",
+                              [this](Session &s) { return zonesCommand(s, m_format); });
+    addFormat(zones);
+}
+
+} // namespace nv::cli

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/cli/Commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+
+namespace nv::cli {
+
+/// The command line: what can be said, and what it calls. After `app` has parsed the words,
+/// `chosen` runs the command with its arguments; the grammar must outlive that run.
+class Grammar {
+  public:
+    Grammar();
+    Grammar(const Grammar &) = delete;
+    Grammar &operator=(const Grammar &) = delete;
+
+    CLI::App app;
+    std::function<Exit(Session &)> chosen;
+
+  private:
+    using Run = std::function<Exit(Session &)>;
+    CLI::App *command(const char *name, const char *what, Run run);
+    void addProject(CLI::App *to, std::string &project);
+    void addFormat(CLI::App *to);
+    void addImport();
+    void addList();
+    void addQueries();
+    void addShow();
+    void addFiles();
+
+    ImportArguments m_import;
+    ListArguments m_list;
+    Format m_format = Format::table;
+    std::string m_importFormat = "text";
+    std::string m_project;
+    std::string m_sql;
+    std::string m_file;
+    std::int64_t m_urlId = 0;
+};
+
+} // namespace nv::cli

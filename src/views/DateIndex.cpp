@@ -1,0 +1,54 @@
+#include "views/DateIndex.h"
+
+#include "views/StatementWatch.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <string_view>
+
+namespace nv {
+namespace {
+
+bool hasIndex(SQLite::Database &database, std::string_view name) {
+    SQLite::Statement statement(database,
+                                "SELECT 1 FROM sqlite_master WHERE type = 'index' AND name = ?");
+    statement.bind(1, std::string(name));
+    return statement.executeStep();
+}
+
+void showBuilding(TaskMonitor &task) {
+    if (!task.wantsStep())
+        return;
+    TaskStep step;
+    step.topMessage = "Indexing Records ";
+    task.show(step);
+}
+
+IndexState ensureIndex(SQLite::Database &database, TaskMonitor &task, std::string_view name,
+                       std::string_view columns) {
+    if (hasIndex(database, name))
+        return IndexState::Present;
+    showBuilding(task);
+    SQLite::Statement statement(database, fmt::format("CREATE INDEX {} ON {}", name, columns));
+    StatementWatch watch(database, task);
+    return watch.step(statement) == Step::Cancelled ? IndexState::Cancelled : IndexState::Made;
+}
+
+} // namespace
+
+IndexState ensureDateIndex(SQLite::Database &database, TaskMonitor &task) {
+    return ensureIndex(database, task, "URLDateIndex", "URLs(ActionDateLocal)");
+}
+
+IndexState ensureLinkIndexes(SQLite::Database &database, TaskMonitor &task) {
+    const IndexState parents =
+        ensureIndex(database, task, "LinkParentIndex", "LinkAnalysis(Parent_ID)");
+    if (parents == IndexState::Cancelled)
+        return parents;
+    const IndexState children =
+        ensureIndex(database, task, "LinkChildIndex", "LinkAnalysis(Child_ID)");
+    return children == IndexState::Present ? parents : children;
+}
+
+} // namespace nv

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "base/TaskMonitor.h"
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+enum class IndexState { Present, Made, Cancelled };
+
+/// Makes `URLDateIndex` over the local date when the project has none: with it the default query
+/// reads no rows, only the index. Call it before a load and at the end of an import. A cancel
+/// leaves the project without. Throws what the database says.
+IndexState ensureDateIndex(SQLite::Database &database, TaskMonitor &task);
+
+/// The same for both ends of a link, so that counting a row's links reads no more than these.
+IndexState ensureLinkIndexes(SQLite::Database &database, TaskMonitor &task);
+
+} // namespace nv

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "base/TaskMonitor.h"
+#include "db/Ids.h"
+#include "views/UrlQuery.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+/// A million rows are held in four megabytes.
+using RowIds = std::vector<std::int32_t>;
+
+enum class Walk { Finished, Cancelled };
+
+/// Appends the ids that `query` gives, in its order. A statement that is still at work is cancelled
+/// too. What was appended before a cancel or a failure stays. Throws what the database says, and
+/// std::runtime_error for a row without an id or with one beyond 32 bits.
+Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &task, RowIds &ids);
+
+/// What the record filters look at.
+struct FilterFacts {
+    UrlId id = UrlId::none;
+    bool IsHistory = false;
+    bool IsCookie = false;
+    bool IsBookmark = false;
+    std::string cacheType;
+    std::string Category;
+    std::string URLFileExt;
+    std::string URL;
+};
+using RowFilter = std::function<bool(const FilterFacts &)>;
+
+/// Appends those of `from` that pass `filter`, in their order, and shows how far it is.
+Walk filterIds(SQLite::Database &database, const RowIds &from, const RowFilter &filter,
+               TaskMonitor &task, RowIds &ids);
+
+} // namespace nv

@@ -1,0 +1,70 @@
+#include "views/PathCheck.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <system_error>
+
+namespace nv {
+namespace {
+
+constexpr std::array<std::string_view, 4> kCachesWithIndex = {"SAFARI CACHE", "FIREFOX CACHE",
+                                                              "OPERA CACHE", "CHROME CACHE"};
+
+bool isSeparator(char c) {
+    return c == '/' || c == '\\';
+}
+
+bool isFile(const std::string &path) {
+    if (path.find('\0') != std::string::npos)
+        return false;
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(path, ignored);
+}
+
+std::string_view behindDrive(std::string_view path) {
+    if (path.size() >= 2 && path[1] == ':')
+        path.remove_prefix(2);
+    while (!path.empty() && isSeparator(path.front()))
+        path.remove_prefix(1);
+    return path;
+}
+
+} // namespace
+
+std::string pathUnderBase(std::string_view rootPath, std::string_view historyFilePath) {
+    if (historyFilePath.starts_with(rootPath))
+        return std::string(historyFilePath);
+    std::string path(rootPath);
+    if (!path.empty() && !isSeparator(path.back()))
+        path += '/';
+    return path.append(behindDrive(historyFilePath));
+}
+
+bool PathCheck::isBad(const EvidencePlace &place) {
+    if (equalsNoCase(place.cacheType, "IE CACHE")) {
+        // A redirection names no file, so none is missing.
+        if (place.relativePath.empty() && place.cacheFileName.empty())
+            return false;
+        return !exists(std::string(place.rootPath).append(place.relativePath));
+    }
+    const bool hasIndex =
+        std::any_of(kCachesWithIndex.begin(), kCachesWithIndex.end(),
+                    [&](std::string_view type) { return equalsNoCase(place.cacheType, type); });
+    return hasIndex && !exists(pathUnderBase(place.rootPath, place.historyFilePath));
+}
+
+bool PathCheck::exists(const std::string &path) {
+    if (const auto known = m_known.find(path); known != m_known.end())
+        return known->second;
+    if (m_known.size() >= kMostKnown)
+        m_known.clear();
+    // Names that were no UTF-8 are kept as Windows-1252 text, and projects that were made on
+    // Windows hold its separators.
+    const bool found = isFile(path) || isFile(toAnsi(path)) || isFile(replaceAll(path, "\\", "/"));
+    return m_known.emplace(path, found).first->second;
+}
+
+} // namespace nv

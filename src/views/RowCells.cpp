@@ -1,0 +1,202 @@
+#include "views/RowCells.h"
+
+#include "base/Text.h"
+#include "views/CellText.h"
+#include "views/IconKey.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cmath>
+#include <cstdlib>
+
+namespace nv {
+namespace {
+
+constexpr std::string_view kFileCreatedFormat = "dd-mmm-yyyy Hh:Nn:Ss";
+constexpr std::string_view kBadPath = "Bad Path";
+
+const StoredValue &storedIn(const UrlRow &row, UrlColumn column) {
+    return row.stored.at(indexOf(column));
+}
+
+/// Offsets are stored as floats that hold whole numbers.
+MachineValue machineNumber(const StoredValue &value) {
+    if (const auto *whole = std::get_if<std::int64_t>(&value))
+        return *whole;
+    if (const auto *real = std::get_if<double>(&value)) {
+        constexpr double kExact = 9007199254740992.0; // 2^53
+        if (std::trunc(*real) == *real && std::abs(*real) < kExact)
+            return static_cast<std::int64_t>(*real);
+        return *real;
+    }
+    if (const auto *text = std::get_if<std::string>(&value))
+        return *text;
+    return {};
+}
+
+std::string plain(const MachineValue &value) {
+    if (const auto *whole = std::get_if<std::int64_t>(&value))
+        return std::to_string(*whole);
+    if (const auto *real = std::get_if<double>(&value))
+        return fmt::format("{}", *real);
+    const auto *text = std::get_if<std::string>(&value);
+    return text ? *text : std::string();
+}
+
+std::string storedText(const UrlRow &row, UrlColumn column) {
+    return plain(machineNumber(storedIn(row, column)));
+}
+
+bool storedFlag(const UrlRow &row, UrlColumn column) {
+    const auto *flag = std::get_if<std::int64_t>(&storedIn(row, column));
+    return flag && *flag != 0;
+}
+
+Date storedDate(const UrlRow &row, UrlColumn column) {
+    const StoredValue &value = storedIn(row, column);
+    double days = 0;
+    if (const auto *real = std::get_if<double>(&value))
+        days = *real;
+    else if (const auto *whole = std::get_if<std::int64_t>(&value))
+        days = static_cast<double>(*whole);
+    else
+        return {};
+    // An expiry of 0 was written for "never set".
+    return column == UrlColumn::ExpiryDate && days == 0 ? Date() : Date::fromDays(days);
+}
+
+/// The text is written when a page is rebuilt; "12:00:00AM" is how a null date was written.
+std::string rebuiltTime(const UrlRow &row) {
+    std::string text = storedText(row, UrlColumn::TimeRebuilt);
+    const bool isNull =
+        equalsNoCase(trim(text), "12:00:00AM") || equalsNoCase(trim(text), "12:00:00 AM");
+    return isNull ? std::string() : text;
+}
+
+std::string yesNo(bool yes) {
+    return yes ? "Yes" : "No";
+}
+
+/// What stands the same for people and for programs, but for its stand-ins of odd characters.
+std::string wordOf(const UrlRow &row, UrlColumn column, bool badPath) {
+    switch (factsOf(column).rule) {
+    case CellRule::Text:
+        return storedText(row, column);
+    case CellRule::YesNo:
+        return yesNo(row.cacheFileExists);
+    case CellRule::Rebuilt:
+        return yesNo(row.rebuilt);
+    case CellRule::RebuiltTime:
+        return rebuiltTime(row);
+    case CellRule::Type:
+        return typeWord(row.cacheType);
+    case CellRule::Status:
+        return badPath ? std::string(kBadPath) : storedText(row, column);
+    case CellRule::Icon:
+        return std::string(RowCells::iconKeyOf(row));
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+std::string_view RowCells::iconKeyOf(const UrlRow &row) {
+    return iconKey(
+        {row.isHistory, row.isBookmark, row.isCookie, row.cacheType, row.category, row.extension});
+}
+
+bool RowCells::isBadPath(const UrlRow &row) {
+    return m_paths.isBad(
+        {row.cacheType, row.rootPath, row.relativePath, row.cacheFileName, row.historyFilePath});
+}
+
+std::string RowCells::dateText(const UrlRow &row, UrlColumn column) {
+    if (column != UrlColumn::ActionDateLocal)
+        return formatDate(storedDate(row, column), dates.DateTimeFormat());
+    std::string text;
+    // Made of the UTC date: the stored local date is in the zone that the project had at the
+    // import.
+    m_dateTrap.run(static_cast<std::uint64_t>(number(row.id)),
+                   [&] { text = zoneCell(row.actionDateUtc, m_zone, dates); });
+    return text;
+}
+
+std::string RowCells::zoneIso(const UrlRow &row) {
+    std::string text;
+    m_dateTrap.run(static_cast<std::uint64_t>(number(row.id)), [&] {
+        const Date local = ConvertDateToZone(row.actionDateUtc, m_zone, dates.EnableDSTChanges);
+        if (!local.has())
+            return;
+        const auto ahead =
+            static_cast<int>(std::lround((local.days() - row.actionDateUtc.days()) * 24 * 60));
+        text = isoUtc(local);
+        if (text.ends_with('Z'))
+            text.pop_back();
+        text += fmt::format("{}{:02}:{:02}", ahead < 0 ? '-' : '+', std::abs(ahead) / 60,
+                            std::abs(ahead) % 60);
+    });
+    return text;
+}
+
+std::string RowCells::text(const UrlRow &row, UrlColumn column) {
+    if (!row.found)
+        return column == UrlColumn::Id ? std::to_string(number(row.id)) : std::string();
+    switch (factsOf(column).rule) {
+    case CellRule::Nothing:
+    case CellRule::Tick:
+    case CellRule::Icon:
+        return {};
+    case CellRule::Date:
+    case CellRule::ZoneDate:
+        return dateText(row, column);
+    case CellRule::FileCreated:
+        return formatDate(storedDate(row, column), kFileCreatedFormat);
+    case CellRule::Number:
+        return displayText(plain(machineNumber(storedIn(row, column))));
+    case CellRule::Flag:
+        return storedFlag(row, column) ? "True" : "False";
+    case CellRule::Linked:
+        return row.links > 0 ? std::to_string(row.links) : std::string();
+    case CellRule::Status:
+        return displayText(wordOf(row, column, isBadPath(row)));
+    default:
+        return displayText(wordOf(row, column, false));
+    }
+}
+
+MachineValue RowCells::machine(const UrlRow &row, UrlColumn column) {
+    if (!row.found)
+        return column == UrlColumn::Id ? MachineValue(number(row.id)) : MachineValue();
+    std::string text;
+    switch (factsOf(column).rule) {
+    case CellRule::Nothing:
+        return {};
+    case CellRule::Tick:
+        return row.tagged;
+    case CellRule::Flag:
+        return storedFlag(row, column);
+    case CellRule::Number:
+        return machineNumber(storedIn(row, column));
+    case CellRule::Linked:
+        return row.links > 0 ? MachineValue(row.links) : MachineValue();
+    case CellRule::Date:
+    case CellRule::FileCreated:
+        text = isoUtc(storedDate(row, column));
+        break;
+    case CellRule::ZoneDate:
+        text = zoneIso(row);
+        break;
+    default:
+        text = wordOf(row, column, factsOf(column).rule == CellRule::Status && isBadPath(row));
+    }
+    return text.empty() ? MachineValue() : MachineValue(std::move(text));
+}
+
+bool isCut(const StoredValue &value) {
+    const auto *text = std::get_if<std::string>(&value);
+    return text && text->size() >= kCellBytes;
+}
+
+} // namespace nv

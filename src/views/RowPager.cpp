@@ -1,0 +1,88 @@
+#include "views/RowPager.h"
+
+#include "base/Trap.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <algorithm>
+
+namespace nv {
+
+RowPager::RowPager(SQLite::Database &database, FailureLog &log, const RowIds &ids)
+    : m_database(database), m_log(log), m_ids(ids) {}
+
+RowPager::~RowPager() = default;
+
+void RowPager::setColumns(std::span<const UrlColumn> columns) {
+    const bool held = std::all_of(columns.begin(), columns.end(),
+                                  [this](UrlColumn column) { return m_held.at(indexOf(column)); });
+    if (held)
+        return;
+    m_columns.assign(columns.begin(), columns.end());
+    m_held.fill(false);
+    for (const UrlColumn column : columns)
+        m_held.at(indexOf(column)) = true;
+    forget();
+}
+
+void RowPager::need(UrlColumn column) {
+    if (m_held.at(indexOf(column)))
+        return;
+    std::vector<UrlColumn> more = m_columns;
+    more.push_back(column);
+    setColumns(more);
+}
+
+void RowPager::forget() {
+    m_pages.clear();
+    m_reader.reset();
+}
+
+const UrlRow *RowPager::row(std::size_t place) {
+    if (place >= m_ids.size())
+        return nullptr;
+    const std::size_t wanted = place / kPageRows;
+    auto page = std::find_if(m_pages.begin(), m_pages.end(),
+                             [wanted](const Page &known) { return known.number == wanted; });
+    if (page == m_pages.end()) {
+        if (m_pages.size() == kPages)
+            m_pages.pop_back();
+        m_pages.push_front(readPage(wanted));
+        page = m_pages.begin();
+    }
+    m_pages.splice(m_pages.begin(), m_pages, page);
+    return &page->rows.at(place % kPageRows);
+}
+
+const UrlRow *RowPager::known(std::size_t place) const {
+    for (const Page &page : m_pages)
+        if (page.number == place / kPageRows && place % kPageRows < page.rows.size())
+            return &page.rows[place % kPageRows];
+    return nullptr;
+}
+
+RowPager::Page RowPager::readPage(std::size_t number) {
+    const std::size_t first = number * kPageRows;
+    const std::size_t end = std::min(first + kPageRows, m_ids.size());
+    Page page{number, std::vector<UrlRow>(end - first)};
+    for (std::size_t at = first; at < end; ++at)
+        page.rows[at - first].id = UrlId{m_ids[at]};
+    ++m_pagesRead;
+    trapped(m_log, Severity::Warning, "MainForm.LoadURLs()", kContactSupport, false, [&] {
+        if (!m_reader)
+            m_reader = std::make_unique<RowReader>(m_database, m_columns);
+        for (UrlRow &row : page.rows)
+            row = m_reader->read(row.id);
+        return true;
+    });
+    return page;
+}
+
+void RowPager::noteTagged(UrlId id, bool tagged) {
+    for (Page &page : m_pages)
+        for (UrlRow &row : page.rows)
+            if (row.id == id)
+                row.tagged = tagged;
+}
+
+} // namespace nv

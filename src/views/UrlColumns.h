@@ -1,0 +1,138 @@
+#pragma once
+
+#include "base/KeyedList.h"
+#include "time/TimeZoneClass.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+/// The columns of the URL table; the value is the documented index.
+enum class UrlColumn : std::uint8_t {
+    Tag,
+    Icon,
+    Id,
+    Linked,
+    Type,
+    Rebuilt,
+    FileExists,
+    Status,
+    Action,
+    ActionDateUtc,
+    ActionDateLocal,
+    Visits,
+    CacheType,
+    HistoryVersion,
+    Value,
+    User,
+    DateOther,
+    DateOtherMeaning,
+    KeywordFlag,
+    MimeType,
+    Md5Hash,
+    CacheFolder,
+    FileName,
+    CacheFileName,
+    RawValue,
+    FileExt,
+    Category,
+    Host,
+    WebpageTitle,
+    Variables,
+    BasePath,
+    CacheRootPath,
+    FileRelativePath,
+    HttpMetadata,
+    SourceHistoryFile,
+    MapFileOffset,
+    DataBlockFile,
+    DataBlockFileOffset,
+    GzipEncoded,
+    PictureHeight,
+    PictureWidth,
+    Pard,
+    ExpiryDate,
+    FileCreated,
+    FileLastAccessed,
+    CacheFileSize,
+    TimeRebuilt,
+    RebuiltMethod,
+    TimeAdded,
+    FileId,
+    LastVisited,
+};
+inline constexpr std::size_t kUrlColumnCount = 51;
+
+constexpr std::size_t indexOf(UrlColumn column) {
+    return static_cast<std::size_t>(column);
+}
+
+/// How a cell is made from its row.
+enum class CellRule : std::uint8_t {
+    Nothing, ///< no column of `URLs` feeds it
+    Text,
+    Number,
+    Flag, ///< "True" or "False"
+    YesNo,
+    Date,
+    ZoneDate,
+    FileCreated,
+    RebuiltTime, ///< a text that stands for a date
+    Tick,
+    Icon,
+    Linked,
+    Type,
+    Rebuilt,
+    Status,
+};
+
+enum class Shown : std::uint8_t { Yes, No };
+
+struct UrlColumnFacts {
+    UrlColumn column;
+    std::string_view key;
+    std::string_view header;
+    int widthTwips; ///< 0 is a hidden column
+    Shown shown;
+    CellRule rule;
+    std::string_view
+        source; ///< the column of `URLs` that the cell shows and sorts by; may be empty
+};
+
+/// All columns, in order of their index.
+extern const std::array<UrlColumnFacts, kUrlColumnCount> kUrlColumns;
+
+const UrlColumnFacts &factsOf(UrlColumn column);
+/// By key, without regard to case.
+std::optional<UrlColumn> columnOfKey(std::string_view key);
+
+inline constexpr int kTwipsPerPixel = 15; ///< at 96 dots an inch
+constexpr int pixelsOf(int twips) {
+    return twips / kTwipsPerPixel;
+}
+
+/// A column as lists of columns hold it: the table's, the export job's.
+struct ColumnClass {
+    std::string KeyName;
+    int DefaultColWidth = 0; ///< twips
+    int SQLOrdinalIndex = 0;
+    std::string ColumnHeader;
+    bool HideColumn = false;
+};
+
+using URLTableColumns = KeyedList<ColumnClass>;
+using SelectedColumns = KeyedList<ColumnClass>;
+
+/// The columns as a new project shows them.
+URLTableColumns defaultUrlColumns();
+
+/// The text of a header cell; that of the local date has a second line that names the zone's
+/// offset.
+std::string headerText(UrlColumn column, const TimeZoneClass &zone);
+
+} // namespace nv

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "db/Ids.h"
+#include "time/Date.h"
+#include "views/UrlColumns.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace SQLite {
+class Database;
+class Statement;
+} // namespace SQLite
+
+namespace nv {
+
+/// A stored value as it is; long texts are cut at kCellBytes.
+using StoredValue = std::variant<std::monostate, std::int64_t, double, std::string>;
+
+/// What cells are made of. Columns that weren't asked for hold nothing.
+struct UrlRow {
+    UrlId id = UrlId::none;
+    bool found = false; ///< false when the row has gone since the list was made
+    bool tagged = false;
+    bool isHistory = false;
+    bool isBookmark = false;
+    bool isCookie = false;
+    bool cacheFileExists = false;
+    bool rebuilt = false;
+    std::string cacheType;
+    std::string category;
+    std::string extension; ///< of the URL, otherwise of the cached file
+    std::string rootPath;
+    std::string relativePath;
+    std::string cacheFileName;
+    std::string historyFilePath;
+    Date actionDateUtc;
+    std::int64_t links = 0; ///< counted only when that column was asked for
+    std::array<StoredValue, kUrlColumnCount> stored;
+};
+
+/// Reads rows by their key with one prepared statement that names only what the columns need.
+class RowReader {
+  public:
+    RowReader(SQLite::Database &database, std::span<const UrlColumn> columns);
+    ~RowReader();
+
+    bool reads(UrlColumn column) const { return m_reads.at(indexOf(column)); }
+    /// Throws what the database says.
+    UrlRow read(UrlId id);
+
+  private:
+    std::int64_t linksOf(const UrlRow &row);
+
+    std::vector<UrlColumn> m_stored; ///< in the order of the statement
+    std::array<bool, kUrlColumnCount> m_reads{};
+    std::unique_ptr<SQLite::Statement> m_row;
+    std::unique_ptr<SQLite::Statement> m_linksToChild;
+    std::unique_ptr<SQLite::Statement> m_linksOfParent;
+};
+
+/// The whole text of a row's column, as it is stored; nothing when there is no such row or column.
+std::optional<std::string> fullTextOf(SQLite::Database &database, UrlId id, UrlColumn column);
+
+} // namespace nv

@@ -1,0 +1,209 @@
+#include "views/UrlTable.h"
+
+#include "base/Trap.h"
+#include "views/DateIndex.h"
+#include "views/MovedEvidence.h"
+#include "views/Tagging.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace nv {
+namespace {
+
+constexpr std::string_view kProcedure = "MainForm.LoadURLs()";
+
+void describeLoad(TaskMonitor &task) {
+    task.describe(
+        {"LOADING URLS",
+         "Large recordsets and complex queries may cause delays. Please be "
+         "patient...thank you.",
+         "TIP: If you are using Filters and the results are still too large, you may want "
+         "to consider building a custom query.",
+         ""});
+}
+
+LoadResult resultOf(Walk walk) {
+    return walk == Walk::Finished ? LoadResult::Loaded : LoadResult::Cancelled;
+}
+
+} // namespace
+
+/// Keeps cells from using the connection while a statement of the table is at work on it.
+class UrlTable::Busy {
+  public:
+    explicit Busy(bool &flag) : m_flag(flag) { m_flag = true; }
+    ~Busy() { m_flag = false; }
+    Busy(const Busy &) = delete;
+    Busy &operator=(const Busy &) = delete;
+
+  private:
+    bool &m_flag;
+};
+
+UrlTable::UrlTable(SQLite::Database &project, FailureLog &log, const TimeZoneClass &GMTZone)
+    : m_project(project), m_log(log), m_zone(GMTZone), m_pager(project, log, m_ids),
+      m_cells(log, GMTZone) {
+    std::vector<UrlColumn> shown;
+    for (const UrlColumnFacts &facts : kUrlColumns)
+        if (facts.shown == Shown::Yes)
+            shown.push_back(facts.column);
+    m_pager.setColumns(shown);
+}
+
+LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
+    describeLoad(task);
+    m_ids.clear();
+    m_columnSort.reset();
+    refreshRows();
+    const Busy busy(m_busy);
+    RowIds found;
+    const LoadResult result =
+        trapped(m_log, Severity::Warning, kProcedure, kContactSupport, LoadResult::Failed, [&] {
+            if (!prepareProject(task))
+                return LoadResult::Cancelled;
+            return resultOf(fill(loadQuery(choice), task, found));
+        });
+    m_ids = std::move(found);
+    m_empty = whyEmpty(result);
+    RecordsetDirty = false;
+    return result;
+}
+
+/// What makes the load quick and the evidence found. A project that can't be written is shown all
+/// the same. False when cancelled.
+bool UrlTable::prepareProject(TaskMonitor &task) {
+    return trapped(m_log, Severity::Low, kProcedure, kNotSerious, true, [&] {
+        return mendRootPath(m_project, RootPath, task).has_value() &&
+               ensureDateIndex(m_project, task) != IndexState::Cancelled;
+    });
+}
+
+Walk UrlTable::fill(const IdQuery &query, TaskMonitor &task, RowIds &ids) {
+    if (!filter)
+        return collectIds(m_project, query, task, ids);
+    RowIds all;
+    const Walk walk = collectIds(m_project, query, task, all);
+    return walk == Walk::Finished ? filterIds(m_project, all, filter, task, ids) : walk;
+}
+
+EmptyState UrlTable::whyEmpty(LoadResult result) {
+    if (result == LoadResult::Cancelled)
+        return EmptyState::Cancelled;
+    return trapped(m_log, Severity::Low, kProcedure, kNotSerious, EmptyState::Failed, [&] {
+        if (result == LoadResult::Failed)
+            return EmptyState::Failed;
+        SQLite::Statement any(m_project, "SELECT 1 FROM URLs LIMIT 1");
+        return any.executeStep() ? EmptyState::NoMatches : EmptyState::NoRecords;
+    });
+}
+
+LoadResult UrlTable::sortInto(const IdQuery &query, TaskMonitor &task) {
+    describeLoad(task);
+    const Busy busy(m_busy);
+    RowIds sorted;
+    const LoadResult result =
+        trapped(m_log, Severity::Warning, kProcedure, kContactSupport, LoadResult::Failed,
+                [&] { return resultOf(fill(query, task, sorted)); });
+    if (result != LoadResult::Loaded)
+        return result;
+    m_ids = std::move(sorted);
+    m_empty = whyEmpty(result);
+    m_columnSort.reset();
+    refreshRows();
+    return result;
+}
+
+LoadResult UrlTable::sortBy(UrlColumn column, SortDirection direction, TaskMonitor &task) {
+    if (!isSortable(column))
+        return LoadResult::Loaded;
+    const LoadResult result = sortInto(sortQuery(choice, column, direction), task);
+    if (result == LoadResult::Loaded)
+        m_columnSort = ColumnSort{column, direction};
+    return result;
+}
+
+LoadResult UrlTable::sortBy(SortChoice order, TaskMonitor &task) {
+    return sortInto(sortQuery(choice, order), task);
+}
+
+UrlId UrlTable::idAt(std::size_t place) const {
+    return place < m_ids.size() ? UrlId{m_ids[place]} : UrlId::none;
+}
+
+std::optional<std::size_t> UrlTable::placeOf(UrlId id) const {
+    const auto found = std::find_if(m_ids.begin(), m_ids.end(),
+                                    [id](std::int32_t known) { return known == number(id); });
+    if (found == m_ids.end())
+        return std::nullopt;
+    return static_cast<std::size_t>(found - m_ids.begin());
+}
+
+const UrlRow *UrlTable::rowFor(std::size_t place, UrlColumn column) {
+    if (m_busy)
+        return m_pager.known(place);
+    m_pager.need(column);
+    return m_pager.row(place);
+}
+
+std::string UrlTable::cell(std::size_t place, UrlColumn column) {
+    const UrlRow *row = rowFor(place, column);
+    return row ? m_cells.text(*row, column) : std::string();
+}
+
+MachineValue UrlTable::machineCell(std::size_t place, UrlColumn column) {
+    const UrlRow *row = rowFor(place, column);
+    if (!row)
+        return {};
+    return isCut(row->stored.at(indexOf(column))) ? MachineValue(fullText(place, column))
+                                                  : m_cells.machine(*row, column);
+}
+
+std::string UrlTable::fullText(std::size_t place, UrlColumn column) {
+    if (m_busy)
+        return {};
+    return trapped(m_log, Severity::Low, kProcedure, kNotSerious, std::string(), [&] {
+        return fullTextOf(m_project, idAt(place), column).value_or(std::string());
+    });
+}
+
+bool UrlTable::isTagged(std::size_t place) {
+    const UrlRow *row = rowFor(place, UrlColumn::Tag);
+    return row && row->tagged;
+}
+
+std::string_view UrlTable::iconKey(std::size_t place) {
+    const UrlRow *row = rowFor(place, UrlColumn::Icon);
+    return row && row->found ? RowCells::iconKeyOf(*row) : std::string_view();
+}
+
+bool UrlTable::setTagged(std::size_t place, bool tagged) {
+    const UrlId id = idAt(place);
+    if (m_busy || id == UrlId::none || !nv::setTagged(m_project, m_log, id, tagged))
+        return false;
+    m_pager.noteTagged(id, tagged);
+    return true;
+}
+
+bool UrlTable::setTagged(std::size_t first, std::size_t count, bool tagged, TaskMonitor &task) {
+    if (m_busy || first >= m_ids.size())
+        return false;
+    const auto range = std::span(m_ids).subspan(first, std::min(count, m_ids.size() - first));
+    const bool written = nv::setTagged(m_project, m_log, range, tagged, task);
+    m_pager.forget();
+    return written;
+}
+
+void UrlTable::refreshRows() {
+    m_pager.forget();
+    m_cells.forgetPaths();
+}
+
+Message loadFailure() {
+    return {"load-urls-failed", "Error",     "Error Loading Cache",
+            Choices::Ok,        Tone::Error, Answer::Ok};
+}
+
+} // namespace nv

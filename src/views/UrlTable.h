@@ -1,0 +1,104 @@
+#pragma once
+
+#include "base/Examiner.h"
+#include "base/FailureLog.h"
+#include "base/TaskMonitor.h"
+#include "views/RowCells.h"
+#include "views/RowPager.h"
+#include "views/UrlQuery.h"
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+enum class LoadResult { Loaded, Cancelled, Failed };
+/// Why a table without rows has none.
+enum class EmptyState { HasRows, NotLoaded, NoRecords, NoMatches, Cancelled, Failed };
+
+struct ColumnSort {
+    UrlColumn column;
+    SortDirection direction;
+};
+
+/// The URL table without its window: the list of rows that the active query gives, and their cells.
+/// Places are 0-based, from the top. It owns neither the project's connection, the log nor the
+/// zone. While a load or a sort runs, cells may be asked for (a window paints itself meanwhile):
+/// only those that are at hand are given then.
+class UrlTable {
+  public:
+    UrlTable(SQLite::Database &project, FailureLog &log, const TimeZoneClass &GMTZone);
+
+    // What the next load takes up.
+    RowChoice choice;
+    std::string RootPath; ///< the project's base folder; empty mends no rows
+    RowFilter filter;     ///< empty when the record filters are off
+
+    /// Other tabs set and read it: true when the rows are no longer those that they show.
+    bool RecordsetDirty = false;
+
+    /// Fills the list by the active query and the filters. A failure is logged and leaves the rows
+    /// that were found up to then, and so does a cancel.
+    LoadResult LoadURLs(TaskMonitor &task);
+    /// The rows of the active query by another order. A failure is logged; it and a cancel leave
+    /// the list as it was. A column that isn't sortable changes nothing.
+    LoadResult sortBy(UrlColumn column, SortDirection direction, TaskMonitor &task);
+    /// The same by an entry of the `Sort By` menu.
+    LoadResult sortBy(SortChoice choice, TaskMonitor &task);
+    /// The column that the list is sorted by, when it is by one.
+    const std::optional<ColumnSort> &columnSort() const { return m_columnSort; }
+
+    std::size_t rowCount() const { return m_ids.size(); }
+    EmptyState emptyState() const { return m_ids.empty() ? m_empty : EmptyState::HasRows; }
+    const RowIds &ids() const { return m_ids; }
+    UrlId idAt(std::size_t place) const;
+    /// The first row with this id.
+    std::optional<std::size_t> placeOf(UrlId id) const;
+
+    /// The columns that will be asked for; others work too, but cost a second reading of the rows.
+    void showColumns(std::span<const UrlColumn> columns) { m_pager.setColumns(columns); }
+    std::string cell(std::size_t place, UrlColumn column);
+    MachineValue machineCell(std::size_t place, UrlColumn column);
+    /// The cell's text without a cut and without stand-ins; of stored texts only.
+    std::string fullText(std::size_t place, UrlColumn column);
+    bool isTagged(std::size_t place);
+    std::string_view iconKey(std::size_t place);
+    std::string header(UrlColumn column) const { return headerText(column, m_zone); }
+
+    /// Writes at once. False when it couldn't be written; the tick then stays as it was.
+    bool setTagged(std::size_t place, bool tagged);
+    /// `count` rows from `first` on in one transaction: all or, after a cancel or failure, none.
+    bool setTagged(std::size_t first, std::size_t count, bool tagged, TaskMonitor &task);
+
+    /// Date formats, daylight switch and current year, for the cells that are made next.
+    DateSettings &dates() { return m_cells.dates; }
+    /// Rows or files have changed under the list: read them anew when they are looked at.
+    void refreshRows();
+    std::size_t pagesRead() const { return m_pager.pagesRead(); }
+
+  private:
+    class Busy;
+    bool prepareProject(TaskMonitor &task);
+    Walk fill(const IdQuery &query, TaskMonitor &task, RowIds &ids);
+    LoadResult sortInto(const IdQuery &query, TaskMonitor &task);
+    EmptyState whyEmpty(LoadResult result);
+    const UrlRow *rowFor(std::size_t place, UrlColumn column);
+
+    SQLite::Database &m_project;
+    FailureLog &m_log;
+    const TimeZoneClass &m_zone;
+    RowIds m_ids;
+    RowPager m_pager;
+    RowCells m_cells;
+    std::optional<ColumnSort> m_columnSort;
+    EmptyState m_empty = EmptyState::NotLoaded;
+    bool m_busy = false;
+};
+
+/// What the examiner is told when a load or a sort has failed.
+Message loadFailure();
+
+} // namespace nv

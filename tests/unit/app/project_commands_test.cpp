@@ -1,0 +1,198 @@
+#include "ProgramFixture.h"
+#include "app/Project.h"
+#include "app/ProjectCommands.h"
+#include "app/RecentFiles.h"
+#include "app/TempFolder.h"
+#include "db/ProjectFields.h"
+#include "db/StoredQueries.h"
+#include "support/builders/IndexDat.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+namespace nv {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct ScriptedDialogs final : FileDialogs {
+    std::optional<fs::path> chooseProject() override { return answer; }
+    std::optional<fs::path> CreateNewProjectFilename() override { return answer; }
+    std::optional<fs::path> chooseSaveAs() override { return answer; }
+    std::optional<fs::path> answer;
+};
+
+struct RecordingProjectView final : ProjectView {
+    void setCaption(const std::string &text) override { caption = text; }
+    void restoreLayout() override { ++restored; }
+    void saveLayout() override { ++saved; }
+    void showRecentFiles() override {}
+    void clear() override { ++cleared; }
+    void LoadURLs() override { ++loaded; }
+    std::string caption;
+    int restored = 0;
+    int saved = 0;
+    int cleared = 0;
+    int loaded = 0;
+};
+
+struct ProjectCommandsTest : test::ProgramFixture {
+    DatabaseClass &db() { return program->thisClass.ProjectDB; }
+    std::string setting(std::string_view name) {
+        return ProjectFields(db().connection(), program->log).GetDefault(name);
+    }
+    void set(std::string_view name, std::string_view value) {
+        ProjectFields(db().connection(), program->log).SaveDefaultSetting(name, value);
+    }
+    std::int64_t rows() {
+        return db().connection().execAndGet("SELECT count(*) FROM URLs").getInt64();
+    }
+
+    ScriptedDialogs dialogs;
+    RecordingProjectView window;
+    ProjectCommands commands{start(), dialogs, window};
+    fs::path path = folder.path() / "case.nvp";
+};
+
+TEST_F(ProjectCommandsTest, aNewProjectHoldsTheVersionAndIsRemembered) {
+    ASSERT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
+    EXPECT_EQ(setting("AppMajor") + "." + setting("AppMinor") + "." + setting("AppRevision"),
+              program->thisClass.AppVersion);
+    EXPECT_EQ(window.caption, "Norvelane - [" + path.string() + "]");
+    EXPECT_EQ(window.restored, 1);
+    EXPECT_EQ(ConfigLastFilesOpened(program->settings).at(0).path, path);
+    EXPECT_EQ(rows(), 0);
+}
+
+TEST_F(ProjectCommandsTest, aFileOfAnotherKindIsRefused) {
+    examiner.expect("not-a-project-file");
+    EXPECT_FALSE(commands.OpenFile(folder.write("case.txt", "x"), OpenMode::existing));
+    EXPECT_EQ(examiner.heard.at(0).text, "Selected file is not a valid Norvelane Project File.");
+    EXPECT_EQ(examiner.heard.at(0).title, "Unrecognized File Format");
+    examiner.expect("opening-failed");
+    EXPECT_FALSE(commands.OpenFile(folder.write("bad.nvp", "no database"), OpenMode::existing));
+    EXPECT_NE(examiner.heard.at(1).text.find("bad.nvp"), std::string::npos);
+    EXPECT_FALSE(db().isOpen());
+}
+
+TEST_F(ProjectCommandsTest, aProjectThatCantBeMadeIsTold) {
+    examiner.expect("database-not-created");
+    EXPECT_FALSE(commands.OpenFile(folder.path() / "none" / "x.nvp", OpenMode::newAtPath));
+    EXPECT_EQ(examiner.heard.at(0).text, "Internal error encountered. Unable to create database.");
+}
+
+TEST_F(ProjectCommandsTest, aCancelledDialogChangesNothing) {
+    EXPECT_FALSE(commands.OpenFile({}, OpenMode::existing));
+    EXPECT_FALSE(commands.OpenFile({}, OpenMode::newByDialog));
+    dialogs.answer = path;
+    EXPECT_TRUE(commands.OpenFile({}, OpenMode::newByDialog));
+}
+
+TEST_F(ProjectCommandsTest, closingKeepsTheZoneAndResetsTheDefaultQuery) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    StoredQueries(db().connection()).save({"_DEFAULT", "SELECT * FROM URLs WHERE Visits > 3"});
+    ASSERT_TRUE(setZone(*program, 20));
+    commands.CloseFile();
+    EXPECT_FALSE(db().isOpen());
+    EXPECT_EQ(window.saved, 1);
+    EXPECT_EQ(window.cleared, 1);
+    EXPECT_EQ(window.caption, "Norvelane");
+    program->thisClass.GMTZone.setToDefault(Date());
+    ASSERT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_EQ(program->thisClass.GMTZone.tzTimeZoneID, 20);
+    commands.tellOfChangedDefaultQuery();
+    EXPECT_TRUE(examiner.heard.empty()) << "the query is as it was first";
+}
+
+TEST_F(ProjectCommandsTest, aChangedDefaultQueryIsTold) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    StoredQueries queries(db().connection());
+    queries.save({"_DEFAULT", "select * from URLs\r\norder by ActionDateLocal asc"});
+    commands.tellOfChangedDefaultQuery();
+    queries.save({"_DEFAULT", "SELECT * FROM URLs WHERE Visits > 3"});
+    examiner.expect("default-query-changed");
+    commands.tellOfChangedDefaultQuery();
+    EXPECT_TRUE(examiner.heard.at(0).text.starts_with(
+        "The _DEFAULT query has been modified since this project (case) file was first created."));
+}
+
+TEST_F(ProjectCommandsTest, openingAProjectClosesTheOneBefore) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.OpenFile(folder.path() / "second.nvp", OpenMode::newAtPath);
+    EXPECT_EQ(program->thisClass.ProjectDBPath, folder.path() / "second.nvp");
+    EXPECT_EQ(window.saved, 1);
+    const auto recent = ConfigLastFilesOpened(program->settings);
+    EXPECT_EQ(recent.at(0).path, folder.path() / "second.nvp");
+    EXPECT_EQ(recent.at(1).path, path);
+}
+
+TEST_F(ProjectCommandsTest, aNewProjectOverAnOldOneIsEmpty) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
+    commands.CloseFile();
+    commands.OpenFile(path, OpenMode::newAtPath);
+    EXPECT_EQ(rows(), 0);
+}
+
+TEST_F(ProjectCommandsTest, saveAsGoesOnInTheCopy) {
+    EXPECT_FALSE(commands.SaveAs()) << "nothing is open";
+    commands.OpenFile(path, OpenMode::newAtPath);
+    db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
+    dialogs.answer = folder.path() / "copy.nvp";
+    EXPECT_TRUE(commands.SaveAs());
+    EXPECT_EQ(program->thisClass.ProjectDBPath, folder.path() / "copy.nvp");
+    EXPECT_EQ(rows(), 1);
+    db().connection().exec("INSERT INTO URLs(URL) VALUES ('y')");
+    commands.OpenFile(path, OpenMode::existing);
+    EXPECT_EQ(rows(), 1);
+}
+
+TEST_F(ProjectCommandsTest, aFailedSaveAsStaysWithTheProject) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    dialogs.answer = folder.path() / "none" / "copy.nvp";
+    examiner.expect("save-as-failed");
+    EXPECT_FALSE(commands.SaveAs());
+    EXPECT_EQ(program->thisClass.ProjectDBPath, path);
+    EXPECT_EQ(rows(), 0);
+}
+
+TEST_F(ProjectCommandsTest, anOlderProjectIsToldUnlessTheCheckIsOff) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    set("AppMajor", "0");
+    set("AppMinor", "0");
+    commands.CloseFile();
+    examiner.expect("older-project");
+    examiner.expect("version-check-can-be-turned-off");
+    commands.OpenFile(path, OpenMode::existing);
+    EXPECT_TRUE(examiner.heard.at(0).text.starts_with("This project file was creatd with"));
+    program->thisClass.DisableFileVersionCheck = true;
+    commands.OpenFile(path, OpenMode::existing);
+    EXPECT_EQ(examiner.heard.size(), 2u);
+}
+
+TEST_F(ProjectCommandsTest, theCommandLineTakesOneProjectOrArtefact) {
+    examiner.expect("command-line-file-missing");
+    EXPECT_FALSE(commands.LoadCommandLineFile(folder.path() / "none.nvp"));
+    examiner.expect("command-line-file-unknown");
+    EXPECT_FALSE(commands.LoadCommandLineFile(folder.write("x.dat", "neither of the two")));
+    EXPECT_EQ(examiner.heard.at(1).text, "The file specified is not a recognized history file.");
+    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.CloseFile();
+    EXPECT_TRUE(commands.LoadCommandLineFile(path));
+    EXPECT_EQ(window.loaded, 1);
+}
+
+TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineGoesIntoTheScratchProject) {
+    test::IndexDat index;
+    test::IndexRecord record;
+    record.url = "Visited: mara@http://host.example/";
+    record.secondDate = test::fileTime(2011, 3, 1);
+    index.add(record);
+    EXPECT_TRUE(commands.LoadCommandLineFile(folder.write("any name.dat", index.bytes())));
+    EXPECT_EQ(program->thisClass.ProjectDBPath,
+              tempFileNames(program->thisClass.TempFolderPath).project);
+    EXPECT_EQ(rows(), 1);
+    EXPECT_EQ(window.loaded, 1);
+}
+
+} // namespace
+} // namespace nv

@@ -1,0 +1,229 @@
+#include "base/Md5.h"
+#include "import/Scan.h"
+#include "support/TempFolder.h"
+#include "support/TestDoubles.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <unistd.h>
+
+namespace nv {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+std::string indexBytes(char folders) {
+    std::string bytes = "Client UrlCache MMF Ver 5.2\0"s;
+    bytes.resize(128, '\0');
+    bytes[72] = folders;
+    return bytes;
+}
+
+class ScanTest : public testing::Test {
+  protected:
+    ScanTest() { job.StartingDirectory = folder.path(); }
+
+    ScanResult scanWatchedBy(TaskMonitor &task) { return scan(job, task, log); }
+    ScanResult scanned() {
+        Unwatched task;
+        return scanWatchedBy(task);
+    }
+
+    /// "type name" of each file, in the order of the list.
+    std::vector<std::string> found() {
+        std::vector<std::string> lines;
+        for (const HistoryFile &file : scanned().HistoryFiles)
+            lines.push_back(std::to_string(static_cast<int>(file.HistoryFileType)) + " " +
+                            fs::path(file.FullPath).lexically_relative(folder.path()).string());
+        return lines;
+    }
+
+    test::TempFolder folder;
+    test::MemoryLog log;
+    ImportClass job;
+};
+
+using Lines = std::vector<std::string>;
+
+TEST_F(ScanTest, describesEachFile) {
+    const auto path = folder.write("Profile/Places.sqlite", "bytes");
+    const ScanResult result = scanned();
+    ASSERT_EQ(result.HistoryFiles.Count(), 1u);
+    const HistoryFile &file = result.HistoryFiles.Item(1);
+    EXPECT_EQ(file.FullPath, path);
+    EXPECT_EQ(file.FileName, "Places.sqlite");
+    EXPECT_EQ(file.fileExt, "sqlite");
+    EXPECT_EQ(file.FileParentPath, (folder.path() / "Profile").string());
+    EXPECT_EQ(file.FileSize, 5u);
+    EXPECT_EQ(file.MD5Hash, md5Hex("bytes"));
+    EXPECT_EQ(file.HistoryFileType, HistoryFileType::firefox3History);
+    EXPECT_EQ(file.Version, "3.0");
+    EXPECT_EQ(file.SourceFile_ID, SourceFileId::none);
+    EXPECT_FALSE(result.cancelled);
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(ScanTest, goesDepthFirstInTheOrderOfTheNamesBytes) {
+    for (const char *name : {"b/places.sqlite", "a/z/places.sqlite", "a/a/places.sqlite",
+                             "B/places.sqlite", "places2.sqlite", "places.sqlite"})
+        folder.write(name, "");
+    EXPECT_EQ(found(),
+              (Lines{"22 places.sqlite", "22 places2.sqlite", "22 B/places.sqlite",
+                     "22 a/a/places.sqlite", "22 a/z/places.sqlite", "22 b/places.sqlite"}));
+}
+
+TEST_F(ScanTest, staysInTheFolderWithoutRecursion) {
+    folder.write("places.sqlite", "");
+    folder.write("below/places.sqlite", "");
+    job.RecurseSubfolders = false;
+    EXPECT_EQ(found(), Lines{"22 places.sqlite"});
+}
+
+TEST_F(ScanTest, tellsAnIndexByItsFolderCountWhateverItsOwnFolderIsCalled) {
+    folder.write("Cache/index.dat", indexBytes(0));
+    folder.write("History/index.dat", indexBytes(3));
+    EXPECT_EQ(found(), (Lines{"1 Cache/index.dat", "4 History/index.dat"}));
+    job.VerifyFileSignatures = false;
+    EXPECT_EQ(found(), (Lines{"1 Cache/index.dat", "1 History/index.dat"}));
+}
+
+TEST_F(ScanTest, passesAMorkHistoryWithoutItsMarkOver) {
+    folder.write("history.dat", "no mark");
+    EXPECT_EQ(found(), Lines{});
+    job.VerifyFileSignatures = false;
+    EXPECT_EQ(found(), Lines{"7 history.dat"});
+}
+
+TEST_F(ScanTest, looksForMarksInTheFirstBlockOnly) {
+    folder.write("history.dat", std::string(70'000, ' ') + "<mdb:mork:z");
+    EXPECT_EQ(found(), Lines{});
+}
+
+TEST_F(ScanTest, passesOverWhatIsNotWanted) {
+    folder.write("index.dat", indexBytes(0));
+    folder.write("places.sqlite", "");
+    job.IncludeHistoryFirefox = false;
+    EXPECT_EQ(found(), Lines{"1 index.dat"});
+    job.IncludeHistoryIE = false; // listed for the sake of caches, and then not wanted
+    EXPECT_EQ(found(), Lines{});
+}
+
+TEST_F(ScanTest, meetsCookiesOfInternetExplorerOnlyBesideItsOtherFiles) {
+    folder.write("Cookies/index.dat", indexBytes(0));
+    EXPECT_EQ(found(), Lines{"5 Cookies/index.dat"});
+    job.IncludeHistoryIE = job.IncludeCacheIE = false;
+    EXPECT_EQ(found(), Lines{});
+}
+
+TEST_F(ScanTest, listsOnlyNamesThatMeetTheMask) {
+    folder.write("my index.dat", indexBytes(0)); // the name test would take it
+    EXPECT_EQ(found(), Lines{});
+}
+
+TEST_F(ScanTest, listsTheSameFileInTwoFoldersTwice) {
+    folder.write("a/index.dat", indexBytes(0));
+    folder.write("b/index.dat", indexBytes(0));
+    const ScanResult result = scanned();
+    ASSERT_EQ(result.HistoryFiles.Count(), 2u);
+    EXPECT_EQ(result.HistoryFiles.Item(1).MD5Hash, result.HistoryFiles.Item(2).MD5Hash);
+}
+
+TEST_F(ScanTest, listsTheIndexOfAChromeCache) {
+    folder.write("Cache/data_0", "blocks");
+    folder.write("Cache/index", "the index");
+    const ScanResult result = scanned();
+    ASSERT_EQ(result.HistoryFiles.Count(), 1u);
+    EXPECT_EQ(result.HistoryFiles.Item(1).FileName, "index");
+    EXPECT_EQ(result.HistoryFiles.Item(1).MD5Hash, md5Hex("the index"));
+    EXPECT_EQ(result.HistoryFiles.Item(1).fileExt, "");
+}
+
+TEST_F(ScanTest, takesASingleFileWithoutAMask) {
+    job.StartingDirectory = folder.write("my index.dat", indexBytes(0));
+    folder.write("places.sqlite", "");
+    EXPECT_EQ(found(), Lines{"1 my index.dat"});
+    job.StartingDirectory = folder.write("letter.doc", "");
+    EXPECT_EQ(found(), Lines{});
+}
+
+TEST_F(ScanTest, followsNoLinksAndCountsThem) {
+    const auto file = folder.write("real/places.sqlite", "");
+    fs::create_directory_symlink(folder.path(), folder.path() / "real/loop");
+    fs::create_symlink(file, folder.path() / "places.sqlite");
+    EXPECT_EQ(found(), Lines{"22 real/places.sqlite"});
+    EXPECT_EQ(scanned().gaps.linksNotFollowed, 2u);
+}
+
+TEST_F(ScanTest, takesNoNameForAPlainFile) {
+    fs::create_directory(folder.path() / "index.dat");
+    EXPECT_EQ(found(), Lines{});
+}
+
+TEST_F(ScanTest, readsNamesThatAreNoUtf8) {
+    folder.write("Caf\xE9/places.sqlite", "x");
+    const ScanResult result = scanned();
+    ASSERT_EQ(result.HistoryFiles.Count(), 1u);
+    EXPECT_TRUE(result.HistoryFiles.Item(1).FileParentPath.ends_with("Caf\xC3\xA9"));
+}
+
+TEST_F(ScanTest, notesAFolderThatIsntThere) {
+    job.StartingDirectory = folder.path() / "gone";
+    const ScanResult result = scanned();
+    EXPECT_EQ(result.HistoryFiles.Count(), 0u);
+    EXPECT_EQ(result.gaps.unreadable, Lines{job.StartingDirectory});
+    ASSERT_EQ(log.entries.size(), 1u);
+    EXPECT_EQ(log.entries[0].procedure, "ImportForm.GetFolderList()");
+}
+
+TEST_F(ScanTest, notesWhatItCantReadAndGoesOn) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "the superuser can read everything";
+    const auto file = folder.write("a/index.dat", indexBytes(0));
+    folder.write("b/index.dat", indexBytes(0));
+    folder.write("z/index.dat", indexBytes(0));
+    fs::permissions(file, fs::perms::none);
+    fs::permissions(folder.path() / "b", fs::perms::none);
+    const ScanResult result = scanned();
+    fs::permissions(folder.path() / "b", fs::perms::owner_all);
+    EXPECT_EQ(result.HistoryFiles.Count(), 1u);
+    EXPECT_EQ(result.gaps.unreadable, (Lines{(folder.path() / "b").string(), file.string()}));
+    EXPECT_EQ(log.entries.size(), 2u);
+}
+
+TEST_F(ScanTest, showsWhereItIs) {
+    folder.write("a/x", "");
+    folder.write("b/x", "");
+    test::MemoryTask task;
+    scanWatchedBy(task);
+    ASSERT_EQ(task.steps.size(), 6u);
+    EXPECT_EQ(task.steps[0].topMessage, "Scanning: " + folder.path().string());
+    EXPECT_EQ(task.steps[3].topMessage, "Scanning folder 1 of 3");
+    EXPECT_EQ(task.steps[5].topMessage, "Scanning folder 3 of 3");
+    EXPECT_EQ(task.steps[5].topCounter, 3);
+    EXPECT_EQ(task.steps[5].topTotal, 3);
+    EXPECT_EQ(task.steps[5].bottomMessage, (folder.path() / "b").string());
+    EXPECT_TRUE(std::ranges::is_sorted(task.fractions));
+}
+
+TEST_F(ScanTest, canBeCancelledAtAnyTime) {
+    for (const char *name : {"a/index.dat", "b/index.dat", "c/index.dat"})
+        folder.write(name, indexBytes(0));
+    std::size_t before = 0;
+    bool completed = false;
+    for (int calls = 0; !completed && calls < 100; ++calls) {
+        test::CancelAfter task(calls);
+        const ScanResult result = scanWatchedBy(task);
+        EXPECT_GE(result.HistoryFiles.Count(), before);
+        for (const HistoryFile &file : result.HistoryFiles)
+            EXPECT_EQ(file.MD5Hash.size(), 32u);
+        before = result.HistoryFiles.Count();
+        completed = !result.cancelled;
+    }
+    EXPECT_TRUE(completed);
+    EXPECT_EQ(before, 3u);
+}
+
+} // namespace
+} // namespace nv
