@@ -104,19 +104,19 @@ void LikePattern::check(std::string_view pattern) {
         throw DialectError(std::string(kInvalidPattern));
 }
 
-/// False for a list that isn't closed or that runs backwards. Of several "%" in a row one is kept.
+/// False for a list that isn't closed or a range that runs backwards. Of several "%" in a row one
+/// is kept.
 bool LikePattern::addSteps(std::u32string_view letters) {
     for (std::size_t at = 0; at < letters.size(); ++at) {
         if (letters[at] == U'[') {
             const std::size_t end = letters.find(U']', at + 1);
             if (end == std::u32string_view::npos)
                 return false;
-            if (end > at + 1) { // "[]" is no text
-                auto list = listStep(letters.substr(at + 1, end - at - 1));
-                if (!list)
-                    return false;
-                m_steps.push_back(std::move(*list));
-            }
+            const auto step = listStep(letters.substr(at + 1, end - at - 1));
+            if (!step)
+                return false;
+            if (end > at + 1) // "[]" is no text
+                m_steps.push_back(*step);
             at = end;
             continue;
         }

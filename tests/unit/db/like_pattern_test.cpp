@@ -61,10 +61,10 @@ TEST(LikePattern, starAndQuestionMarkStandForThemselves) {
 
 TEST(LikePattern, refusesAnOpenList) {
     EXPECT_FALSE(LikePattern::compile("%[a"));
-    EXPECT_THROW(LikePattern::check("%[a"), DialectError);
-    EXPECT_NO_THROW(LikePattern::check("a]"));
     EXPECT_FALSE(LikePattern::compile("[%"));
     EXPECT_FALSE(LikePattern::compile("[c-a]"));
+    EXPECT_THROW(LikePattern::check("%[a"), DialectError);
+    EXPECT_NO_THROW(LikePattern::check("a]"));
 }
 
 TEST(LikePattern, costsNoMoreThanTheProductOfTheLengths) {
