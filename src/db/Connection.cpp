@@ -46,10 +46,11 @@ void checkPath(const fs::path &file, Access access) {
         refuse(file, "there is a file of this name already");
 }
 
-void protect(SQLite::Database &database) {
+void protect(SQLite::Database &database, Access access) {
     sqlite3 *handle = database.getHandle();
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    if (access != Access::create)
+        sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     database.exec("PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON");
     registerFunctions(database);
 }
@@ -68,7 +69,7 @@ std::unique_ptr<SQLite::Database> opened(const fs::path &file, Access access) {
     // An absolute path: a name like "file:x" or ":memory:" has a meaning of its own to SQLite.
     auto database = std::make_unique<SQLite::Database>(fs::absolute(file).string(), flagsOf(access),
                                                        kBusyTimeout);
-    protect(*database);
+    protect(*database, access);
     return database;
 }
 
