@@ -76,7 +76,7 @@ LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
 /// the same. False when cancelled.
 bool UrlTable::prepareProject(TaskMonitor &task) {
     return trapped(m_log, Severity::Low, kProcedure, kNotSerious, true, [&] {
-        return mendRootPath(m_project, RootPath, task).has_value() &&
+        return mendRootPath(m_project, m_log, RootPath, task).has_value() &&
                ensureDateIndex(m_project, task) != IndexState::Cancelled;
     });
 }
