@@ -46,7 +46,7 @@ class DatabaseClass {
     /// Opens the file at FilePath. Throws StorageFailure, saying what is wrong with the file.
     void open();
     /// Rolls a pending transaction back, brings the project into its one-file form and closes it.
-    /// Does nothing when closed.
+    /// Does nothing when closed. Statements on the connection must be gone by then.
     void CloseDB();
     bool isOpen() const;
     /// The one connection; only while open.
