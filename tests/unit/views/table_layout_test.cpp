@@ -45,7 +45,7 @@ TEST(TableLayout, comesBackAsItWasSaved) {
     const Kept kept = saved(layout);
     EXPECT_EQ(kept.at("COL_URL_HOST_ColIsHidden"), "True");
     EXPECT_EQ(kept.at("COL_URL_FILEID_ColIsHidden"), "False");
-    EXPECT_EQ(kept.at("COL_URL_VALUE_ColPos"), "2");
+    EXPECT_EQ(kept.at("COL_URL_VALUE_ColPos"), "1"); // the tick column left the front
     EXPECT_EQ(kept.at("COL_URL_VALUE_ColWidth"), "9000");
 
     const TableLayout again = restored(kept);
