@@ -40,6 +40,7 @@ std::string anyLike(std::string_view column, const std::vector<std::string> &pat
 
 std::vector<std::string> inside(const std::vector<std::string> &terms) {
     std::vector<std::string> patterns;
+    patterns.reserve(terms.size());
     for (const std::string &term : terms)
         patterns.push_back("%" + term + "%");
     return patterns;

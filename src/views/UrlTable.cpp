@@ -34,7 +34,7 @@ LoadResult resultOf(Walk walk) {
 /// Keeps cells from using the connection while a statement of the table is at work on it.
 class UrlTable::Busy {
   public:
-    explicit Busy(bool &flag) : m_flag(flag) { m_flag = true; }
+    explicit Busy(bool &flag) : m_flag(flag) { flag = true; }
     ~Busy() { m_flag = false; }
     Busy(const Busy &) = delete;
     Busy &operator=(const Busy &) = delete;
