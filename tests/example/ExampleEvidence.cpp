@@ -81,7 +81,8 @@ class CacheFolder {
 
     void add(std::string_view url, std::string_view fileName, std::string_view type,
              const std::string &content) {
-        const auto folder = static_cast<std::uint8_t>(m_count % kFolders.size());
+        const auto folder =
+            static_cast<std::uint8_t>(static_cast<std::size_t>(m_count) % kFolders.size());
         write(m_folder / kFolders[folder] / fileName, content);
         IndexRecord record = recordOf(url);
         record.fileSize = static_cast<std::uint32_t>(content.size());
