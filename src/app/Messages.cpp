@@ -166,4 +166,16 @@ Message columnsFailed(std::string_view reason) {
     return failure("columns-failed", "Error Formatting Columns", reason);
 }
 
+Message commandFailed(std::string_view reason) {
+    return failure("command-failed", "Error", reason);
+}
+
+Message about(std::string_view title, std::string_view version) {
+    return notice("about", fmt::format("About {}", title),
+                  fmt::format("{} {}\n\nExamination of web-browser caches and histories.\n"
+                              "Licensed under the Apache License 2.0.",
+                              title, version),
+                  Tone::Information);
+}
+
 } // namespace nv::messages

@@ -38,5 +38,7 @@ Message importFailed(std::string_view reason);
 Message importSummary(std::string text);
 Message loadFailed(std::string_view reason);
 Message columnsFailed(std::string_view reason);
+Message commandFailed(std::string_view reason);
+Message about(std::string_view title, std::string_view version);
 
 } // namespace nv::messages

@@ -17,8 +17,11 @@ class StatusFormTest : public QObject {
     void closingTheWindowWhileATaskRunsCancelsIt();
     void textsOfEvidenceStayPlain();
     void theClockCanBeHidden();
+    void aShortTaskDoesNotFlashUp();
 
   private:
+    static constexpr std::chrono::milliseconds kAtOnce{0};
+
     template <class Widget>
     static Widget &child(StatusForm &form, const char *name) {
         return *form.findChild<Widget *>(QLatin1String(name));
@@ -26,7 +29,7 @@ class StatusFormTest : public QObject {
 };
 
 void StatusFormTest::showsTitlesIconAndBarsOfTheTask() {
-    StatusForm form;
+    StatusForm form(nullptr, kAtOnce);
     ThreadClass thread(form);
     OpenTask task(thread,
                   {"PARSING FIREFOX CACHE", "Firefox 3", "/case/_CACHE_MAP_", "firefox-32.gif"});
@@ -47,7 +50,7 @@ void StatusFormTest::showsTitlesIconAndBarsOfTheTask() {
 }
 
 void StatusFormTest::theCancelButtonIsHeardOnce() {
-    StatusForm form;
+    StatusForm form(nullptr, kAtOnce);
     ThreadClass thread(form);
     QSignalSpy spy(&form, &StatusForm::cancelled);
     connect(&form, &StatusForm::cancelled, this, [&thread] { thread.CancelTask = true; });
@@ -66,7 +69,7 @@ void StatusFormTest::theCancelButtonIsHeardOnce() {
 }
 
 void StatusFormTest::closingTheWindowWhileATaskRunsCancelsIt() {
-    StatusForm form;
+    StatusForm form(nullptr, kAtOnce);
     ThreadClass thread(form);
     QSignalSpy spy(&form, &StatusForm::cancelled);
     const OpenTask task(thread, {"LOADING URLS", "", "", ""});
@@ -76,7 +79,7 @@ void StatusFormTest::closingTheWindowWhileATaskRunsCancelsIt() {
 }
 
 void StatusFormTest::textsOfEvidenceStayPlain() {
-    StatusForm form;
+    StatusForm form(nullptr, kAtOnce);
     ThreadClass thread(form);
     const OpenTask task(thread, {"IMPORTING", "", "<img src=\"http://x/\"><b>bold</b>", ""});
     auto &label = child<QLabel>(form, "labMsg3");
@@ -85,11 +88,19 @@ void StatusFormTest::textsOfEvidenceStayPlain() {
 }
 
 void StatusFormTest::theClockCanBeHidden() {
-    StatusForm form;
+    StatusForm form(nullptr, kAtOnce);
     ThreadClass thread(form);
     thread.ShowTimeElapsed = false;
     const OpenTask task(thread, {"LOADING URLS", "", "", ""});
     QVERIFY(!child<QLabel>(form, "labTimeElapsed").isVisible());
+}
+
+void StatusFormTest::aShortTaskDoesNotFlashUp() {
+    StatusForm form(nullptr, std::chrono::hours(1));
+    ThreadClass thread(form);
+    const OpenTask task(thread, {"LOADING URLS", "", "", ""});
+    thread.UpdateStatus();
+    QVERIFY(!form.isVisible());
 }
 
 } // namespace nv

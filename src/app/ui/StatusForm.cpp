@@ -17,7 +17,8 @@ constexpr int kIconPixels = 32;
 
 } // namespace
 
-StatusForm::StatusForm(QWidget *parent) : QDialog(parent) {
+StatusForm::StatusForm(QWidget *parent, std::chrono::milliseconds showAfter)
+    : QDialog(parent), m_showAfter(showAfter) {
     setObjectName(QStringLiteral("StatusForm"));
     setModal(false);
     setMinimumWidth(460);
@@ -90,8 +91,7 @@ void StatusForm::open() {
     m_running = true;
     m_cancel->setText(tr("Cancel"));
     m_cancel->setEnabled(true);
-    show();
-    m_cancel->setFocus();
+    m_sinceOpen.start();
 }
 
 void StatusForm::close() {
@@ -145,6 +145,10 @@ void StatusForm::showBar(const Bar &bar, const StatusBar &values) {
 }
 
 void StatusForm::pump() {
+    if (m_running && !isVisible() && m_sinceOpen.elapsed() >= m_showAfter.count()) {
+        show();
+        m_cancel->setFocus();
+    }
     QCoreApplication::processEvents();
 }
 

@@ -3,6 +3,9 @@
 #include "app/ThreadClass.h"
 
 #include <QDialog>
+#include <QElapsedTimer>
+
+#include <chrono>
 
 class QBoxLayout;
 class QLabel;
@@ -18,7 +21,10 @@ class StatusForm final : public QDialog, public StatusView {
     Q_OBJECT
 
   public:
-    explicit StatusForm(QWidget *parent = nullptr);
+    /// A task that is over before `showAfter` never shows it: a window that only flashes up is
+    /// worse than none.
+    explicit StatusForm(QWidget *parent = nullptr,
+                        std::chrono::milliseconds showAfter = std::chrono::milliseconds(400));
 
     void open() override;
     void close() override;
@@ -53,6 +59,8 @@ class StatusForm final : public QDialog, public StatusView {
     QLabel *m_elapsed = nullptr;
     QPushButton *m_cancel = nullptr;
     std::string m_iconPath; ///< of the picture that is shown
+    QElapsedTimer m_sinceOpen;
+    std::chrono::milliseconds m_showAfter;
     bool m_running = false;
 };
 

@@ -1,0 +1,58 @@
+#include "app/ui/MainActions.h"
+
+#include "platform/qt/Icons.h"
+
+#include <QAction>
+#include <QKeySequence>
+
+namespace nv {
+
+namespace {
+
+/// `text` holds the mnemonic; `picture` may be empty.
+QAction *make(QObject *owner, const char *name, const QString &text, const char *picture = "",
+              const QKeySequence &keys = {}) {
+    auto *action = new QAction(icon(picture), text, owner);
+    action->setObjectName(QLatin1String(name));
+    action->setShortcut(keys);
+    return action;
+}
+
+QString tr(const char *text) {
+    return QObject::tr(text);
+}
+
+} // namespace
+
+MainActions::MainActions(QObject *o)
+    : newProject(make(o, "actNew", tr("&New..."), "new", QKeySequence::New)),
+      openProject(make(o, "actOpen", tr("&Open..."), "open", QKeySequence::Open)),
+      import(make(o, "actImport", tr("&Import..."), "import", Qt::CTRL | Qt::Key_I)),
+      saveAs(make(o, "actSaveAs", tr("Save &As..."), "save-as", QKeySequence::SaveAs)),
+      closeProject(make(o, "actClose", tr("&Close"), "close", QKeySequence::Close)),
+      exit(make(o, "actExit", tr("E&xit"), "", QKeySequence::Quit)),
+      copyCell(make(o, "actCopyCell", tr("&Copy Cell"), "", QKeySequence::Copy)),
+      copyRows(make(o, "actCopyRows", tr("Copy &Rows"), "", Qt::CTRL | Qt::SHIFT | Qt::Key_C)),
+      selectAll(make(o, "actSelectAll", tr("Select &All"), "", QKeySequence::SelectAll)),
+      find(make(o, "actFind", tr("&Find..."), "find", QKeySequence::Find)),
+      findNext(make(o, "actFindNext", tr("Find &Next"), "", QKeySequence::FindNext)),
+      tag(make(o, "actTag", tr("&Tag or Untag"), "tag", Qt::CTRL | Qt::Key_T)),
+      columns(make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::Key_L)),
+      viewers(make(o, "actViewers", tr("&Viewers"), "", Qt::Key_F4)),
+      refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
+      baseFolder(make(o, "actBaseFolder", tr("&Base Folder..."), "folder")),
+      timeZone(make(o, "actTimeZone", tr("&Time Zone..."), "history")),
+      errorLog(make(o, "actErrorLog", tr("&Error Log..."), "text")),
+      tips(make(o, "actTips", tr("&Tip of the Day..."), "tip")),
+      about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {
+    viewers->setCheckable(true);
+    viewers->setChecked(true);
+}
+
+void MainActions::setProjectOpen(bool open) {
+    for (QAction *action : {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext,
+                            tag, columns, refresh, baseFolder, timeZone})
+        action->setEnabled(open);
+}
+
+} // namespace nv

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QObject>
+
+class QAction;
+
+namespace nv {
+
+/// What the main window can be told to do: texts, pictures and keys. Who does it is the window's.
+struct MainActions {
+    explicit MainActions(QObject *owner);
+
+    QAction *newProject;
+    QAction *openProject;
+    QAction *import;
+    QAction *saveAs;
+    QAction *closeProject;
+    QAction *exit;
+    QAction *copyCell;
+    QAction *copyRows;
+    QAction *selectAll;
+    QAction *find;
+    QAction *findNext;
+    QAction *tag;
+    QAction *columns;
+    QAction *viewers;
+    QAction *refresh;
+    QAction *baseFolder;
+    QAction *timeZone;
+    QAction *errorLog;
+    QAction *tips;
+    QAction *about;
+
+    /// What makes sense only with a project.
+    void setProjectOpen(bool open);
+};
+
+} // namespace nv

@@ -1,0 +1,216 @@
+// The main window as the commands see it; how it is put together stands in MainFormParts.cpp.
+#include "app/ui/MainForm.h"
+
+#include "app/Messages.h"
+#include "app/Project.h"
+#include "app/ui/TextForm.h"
+#include "app/ui/TipForm.h"
+#include "base/Trap.h"
+#include "db/ProjectFields.h"
+#include "db/StoredQueries.h"
+#include "db/WriteBatch.h"
+#include "import/ui/ImportForm.h"
+#include "platform/qt/QtText.h"
+#include "time/ZoneDatabase.h"
+#include "views/ui/PropertiesPane.h"
+#include "views/ui/TableTab.h"
+
+#include <QApplication>
+#include <QInputDialog>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+void MainForm::run(const char *procedure, const std::function<void()> &command) {
+    if (m_locks > 0)
+        return;
+    const auto failure = failureOf(m_program.log, procedure, command);
+    if (failure)
+        m_program.around.examiner.tell(messages::commandFailed(*failure));
+    showProjectState();
+}
+
+void MainForm::runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work) {
+    Lock_Controls();
+    const auto failure = failureOf(m_program.log, "MainForm.runTask()", [&] {
+        const OpenTask task(m_program.thread, heading);
+        work(m_program.thread);
+    });
+    Unlock_Controls();
+    if (failure)
+        m_program.around.examiner.tell(messages::commandFailed(*failure));
+}
+
+void MainForm::newProject() {
+    if (!m_commands.OpenFile({}, OpenMode::newByDialog))
+        return;
+    LoadURLs();
+}
+
+void MainForm::openProject(const fs::path &path) {
+    if (!m_commands.OpenFile(path, OpenMode::existing))
+        return;
+    m_commands.tellOfChangedDefaultQuery();
+    LoadURLs();
+    offerWebpages();
+}
+
+/// A big project is easier to read without its pictures and scripts.
+void MainForm::offerWebpages() {
+    constexpr std::size_t kBig = 10'000; // rows
+    const bool big = m_table->table() && m_table->table()->rowCount() >= kBig;
+    if (big && m_program.around.examiner.ask(messages::showOnlyWebpages()) == Answer::Yes)
+        m_table->chooseQuery(QStringLiteral("_Show Only Webpages"));
+}
+
+/// The connection changes with the file, so the table is built anew.
+void MainForm::saveAs() {
+    m_commands.SaveAs();
+    if (!isProjectOpen() || m_table->table())
+        return;
+    restoreLayout();
+    LoadURLs();
+}
+
+void MainForm::import(const fs::path &start) {
+    if (!isProjectOpen())
+        newProject();
+    if (!isProjectOpen())
+        return;
+    const auto chooseFolder = [this](const std::string &title, const fs::path &from) {
+        return m_dialogs.chooseFolder(title, from);
+    };
+    ImportForm form(m_program, start, chooseFolder, this);
+    form.exec();
+    if (form.imported())
+        LoadURLs();
+}
+
+void MainForm::takePath(const fs::path &path) {
+    if (isProjectName(path))
+        run("MainForm.OpenFile()", [this, path] { openProject(path); });
+    else
+        run("MainForm.import()", [this, path] { import(path); });
+}
+
+void MainForm::chooseBaseFolder() {
+    const auto chosen = m_dialogs.chooseFolder(
+        "Select the BASE root folder for all evidence in project:", m_program.thisClass.RootPath);
+    if (!chosen)
+        return;
+    setRootPath(m_program, fs::canonical(*chosen));
+    LoadURLs();
+}
+
+void MainForm::chooseTimeZone() {
+    const auto zones = ZoneDatabase(m_program.paths.zones(), m_program.log).listZones();
+    QStringList texts;
+    for (const ZoneRow &zone : zones)
+        texts += toQt(zone.listText());
+    QInputDialog dialog(this);
+    dialog.setObjectName(QStringLiteral("TimeZoneForm"));
+    dialog.setWindowTitle(tr("Time Zone"));
+    dialog.setLabelText(tr("Times are shown in:"));
+    dialog.setComboBoxItems(texts);
+    if (const auto place = placeInList(zones, m_program.thisClass.GMTZone))
+        dialog.setTextValue(texts.at(static_cast<qsizetype>(*place)));
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const qsizetype chosen = texts.indexOf(dialog.textValue());
+    if (chosen >= 0 && setZone(m_program, zones.at(static_cast<std::size_t>(chosen)).Time_Zone_ID))
+        LoadURLs();
+}
+
+void MainForm::showErrorLog() {
+    QFile file(pathToQt(m_program.log.path()));
+    const QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
+                                                        : tr("No failure has been logged.");
+    TextForm(tr("Error Log"), text, this).exec();
+}
+
+void MainForm::showTips() {
+    const auto today = m_program.around.clock.now().time_since_epoch();
+    const auto day = std::chrono::duration_cast<std::chrono::days>(today).count();
+    TipForm(readTips(m_program.paths.tips()), static_cast<std::size_t>(day), m_program.settings,
+            this)
+        .exec();
+}
+
+void MainForm::showAbout() {
+    const ThisClass &state = m_program.thisClass;
+    m_program.around.examiner.tell(messages::about(state.AppTitle, state.AppVersion));
+}
+
+void MainForm::chooseTheme(Theme theme) {
+    keepTheme(m_program.settings, theme);
+    applyTheme(*qApp, theme);
+}
+
+void MainForm::setCaption(const std::string &caption) {
+    setWindowTitle(toQt(caption));
+}
+
+void MainForm::restoreLayout() {
+    SQLite::Database &project = m_program.thisClass.ProjectDB.connection();
+    const ProjectFields fields(project, m_program.log);
+    TableLayout layout;
+    const auto failure = failureOf(m_program.log, "MainForm.FormatColumns()", [&] {
+        layout.restore([&fields](std::string_view name) { return fields.GetDefault(name); });
+    });
+    if (failure)
+        m_program.around.examiner.tell(messages::columnsFailed(*failure));
+    m_table->grid().setTableLayout(layout);
+    m_table->openProject(project, m_program.log, m_program.thisClass.GMTZone);
+    showStoredQueries();
+    showProjectState();
+}
+
+/// Comes before the connection goes, so the table lets go of it too.
+void MainForm::saveLayout() {
+    SQLite::Database &project = m_program.thisClass.ProjectDB.connection();
+    ProjectFields fields(project, m_program.log);
+    m_table->closeProject();
+    WriteBatch batch(project);
+    m_table->grid().tableLayout().save([&fields](std::string_view name, std::string_view value) {
+        fields.SaveDefaultSetting(name, value);
+    });
+    batch.commit();
+}
+
+void MainForm::showStoredQueries() {
+    QStringList all = {QString()};
+    QStringList quick;
+    for (const StoredQuery &query :
+         StoredQueries(m_program.thisClass.ProjectDB.connection()).list()) {
+        const QString name = toQt(query.name);
+        if (name.contains(u'~') || query.name == kDefaultQueryName)
+            continue;
+        all += name;
+        if (name.startsWith(u'_'))
+            quick += name;
+    }
+    m_table->setQueries(all);
+    m_menus.showQuickQueries(quick);
+}
+
+void MainForm::showRecentFiles() {
+    m_menus.showRecentFiles(ConfigLastFilesOpened(m_program.settings));
+}
+
+void MainForm::clear() {
+    if (m_table->table())
+        m_table->closeProject();
+    m_table->setQueries({});
+    showProjectState();
+}
+
+void MainForm::LoadURLs() {
+    if (!m_table->table())
+        return;
+    m_table->table()->RootPath = textOf(m_program.thisClass.RootPath);
+    m_table->table()->dates() = dateSettings(m_program);
+    m_table->LoadURLs();
+}
+
+} // namespace nv

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "app/Program.h"
+#include "app/ProjectCommands.h"
+#include "app/ui/MainActions.h"
+#include "app/ui/MainMenus.h"
+#include "app/ui/WindowDialogs.h"
+
+#include <QMainWindow>
+
+#include <functional>
+
+class QLabel;
+class QSplitter;
+class QStackedWidget;
+
+namespace nv {
+
+class PropertiesPane;
+class TableTab;
+
+/// The main window, from which every command starts. It holds no data: what it shows is the
+/// project's, and every change goes there at once.
+class MainForm final : public QMainWindow, public ProjectView {
+    Q_OBJECT
+
+  public:
+    MainForm(Program &program, WindowDialogs &dialogs);
+
+    ProjectCommands &commands() { return m_commands; }
+    void showTips();
+    /// Opens a project, or offers to import any other file or folder.
+    void takePath(const std::filesystem::path &path);
+
+    /// While a task runs only the status window's Cancel button stays live. Calls nest.
+    void Lock_Controls();
+    void Unlock_Controls();
+
+    // ProjectView
+    void setCaption(const std::string &caption) override;
+    void restoreLayout() override;
+    void saveLayout() override;
+    void showRecentFiles() override;
+    void clear() override;
+    void LoadURLs() override;
+
+  protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+  private:
+    QWidget *newProjectPage();
+    void buildStatusBar();
+    void connectFileActions();
+    void connectEditActions();
+    void connectOtherActions();
+    void connectMenus();
+    /// Runs a command; the examiner is told when it fails.
+    void run(const char *procedure, const std::function<void()> &command);
+    void runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work);
+    bool isProjectOpen() const { return m_program.thisClass.ProjectDB.isOpen(); }
+
+    void newProject();
+    void openProject(const std::filesystem::path &path);
+    void saveAs();
+    void import(const std::filesystem::path &start);
+    void offerWebpages();
+    void chooseBaseFolder();
+    void chooseTimeZone();
+    void showErrorLog();
+    void showAbout();
+    void chooseTheme(Theme theme);
+    void showStoredQueries();
+    void showProperties();
+    void showStatus();
+    void showProjectState();
+    void keepGeometry();
+    void restoreGeometryKept();
+
+    Program &m_program;
+    WindowDialogs &m_dialogs;
+    ProjectCommands m_commands;
+    MainActions m_actions;
+    MainMenus m_menus;
+    QStackedWidget *m_pages = nullptr;
+    QSplitter *m_splitter = nullptr;
+    TableTab *m_table = nullptr;
+    PropertiesPane *m_properties = nullptr;
+    struct {
+        QLabel *rows, *tagged, *query, *zone, *base;
+    } m_status = {};
+    int m_locks = 0;
+    QWidget *m_focusBeforeLock = nullptr;
+};
+
+} // namespace nv

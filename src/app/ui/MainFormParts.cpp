@@ -1,0 +1,237 @@
+// How the main window is put together, and what it does by itself: locking, closing, drag and drop.
+#include "app/Messages.h"
+#include "app/ui/MainForm.h"
+#include "app/ui/WelcomePage.h"
+#include "base/Files.h"
+#include "platform/qt/Icons.h"
+#include "platform/qt/QtText.h"
+#include "views/CellText.h"
+#include "views/ui/PropertiesPane.h"
+#include "views/ui/TableTab.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMimeData>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QTimer>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kSection = "BEYOND"; ///< of the settings file
+
+QTabWidget *newTabs(const char *name, QWidget *page, const QString &title) {
+    auto *tabs = new QTabWidget;
+    tabs->setObjectName(QLatin1String(name));
+    tabs->setDocumentMode(true);
+    tabs->addTab(page, title);
+    return tabs;
+}
+
+QString keptBytes(const QByteArray &bytes) {
+    return QString::fromLatin1(bytes.toBase64());
+}
+
+QByteArray bytesKept(const IniFile &settings, std::string_view key) {
+    return QByteArray::fromBase64(
+        QByteArray::fromStdString(settings.ReadIniValue(kSection, key, std::string_view())));
+}
+
+} // namespace
+
+MainForm::MainForm(Program &program, WindowDialogs &dialogs)
+    : m_program(program), m_dialogs(dialogs), m_commands(program, dialogs, *this), m_actions(this),
+      m_menus(*this, m_actions) {
+    setObjectName(QStringLiteral("MainForm"));
+    setWindowIcon(icon("norvelane-logo"));
+    setAcceptDrops(true);
+    resize(1280, 820);
+    m_pages = new QStackedWidget;
+    m_pages->setObjectName(QStringLiteral("mainPages"));
+    m_pages->addWidget(new WelcomePage(*m_actions.newProject, *m_actions.openProject));
+    m_pages->addWidget(newProjectPage());
+    setCentralWidget(m_pages);
+    buildStatusBar();
+    connectFileActions();
+    connectEditActions();
+    connectOtherActions();
+    connectMenus();
+    m_commands.UpdateProgramCaption();
+    m_menus.showTheme(keptTheme(program.settings));
+    showRecentFiles();
+    showProjectState();
+    restoreGeometryKept();
+}
+
+QWidget *MainForm::newProjectPage() {
+    m_table = new TableTab(
+        [this](const TaskHeading &heading, const auto &work) { runTask(heading, work); },
+        m_program.around.examiner);
+    m_properties = new PropertiesPane;
+    m_splitter = new QSplitter(Qt::Vertical);
+    m_splitter->setObjectName(QStringLiteral("mainSplitter"));
+    m_splitter->addWidget(newTabs("dataTabs", m_table, tr("Table")));
+    m_splitter->addWidget(newTabs("viewerTabs", m_properties, tr("Properties")));
+    m_splitter->setStretchFactor(0, 3);
+    m_splitter->setStretchFactor(1, 1);
+    m_splitter->setSizes({560, 220});
+    return m_splitter;
+}
+
+void MainForm::buildStatusBar() {
+    const auto add = [this](const char *name, int stretch) {
+        auto *label = new QLabel;
+        label->setObjectName(QLatin1String(name));
+        label->setTextFormat(Qt::PlainText);
+        statusBar()->addWidget(label, stretch);
+        return label;
+    };
+    m_status = {add("labRows", 0), add("labTagged", 0), add("labQuery", 0), add("labZone", 0),
+                add("labBase", 1)};
+}
+
+void MainForm::connectFileActions() {
+    const auto on = [this](QAction *action, const char *procedure, auto command) {
+        connect(action, &QAction::triggered, this,
+                [=, this] { run(procedure, [=, this] { (this->*command)(); }); });
+    };
+    on(m_actions.newProject, "MainForm.OpenFile()", &MainForm::newProject);
+    on(m_actions.saveAs, "MainForm.SaveAs()", &MainForm::saveAs);
+    connect(m_actions.openProject, &QAction::triggered, this,
+            [this] { run("MainForm.OpenFile()", [this] { openProject({}); }); });
+    connect(m_actions.closeProject, &QAction::triggered, this,
+            [this] { run("MainForm.CloseFile()", [this] { m_commands.CloseFile(); }); });
+    connect(m_actions.import, &QAction::triggered, this,
+            [this] { run("MainForm.import()", [this] { import({}); }); });
+    connect(m_actions.exit, &QAction::triggered, this, &QWidget::close);
+    on(m_actions.baseFolder, "MainForm.chooseBaseFolder()", &MainForm::chooseBaseFolder);
+    on(m_actions.timeZone, "MainForm.chooseTimeZone()", &MainForm::chooseTimeZone);
+    on(m_actions.refresh, "MainForm.LoadURLs()", &MainForm::LoadURLs);
+    on(m_actions.errorLog, "MainForm.showErrorLog()", &MainForm::showErrorLog);
+    on(m_actions.tips, "MainForm.showTips()", &MainForm::showTips);
+    on(m_actions.about, "MainForm.showAbout()", &MainForm::showAbout);
+}
+
+void MainForm::connectEditActions() {
+    connect(m_actions.copyCell, &QAction::triggered, m_table, &TableTab::copyCell);
+    connect(m_actions.copyRows, &QAction::triggered, m_table, &TableTab::copyRows);
+    connect(m_actions.selectAll, &QAction::triggered, &m_table->grid(), &QTableView::selectAll);
+    connect(m_actions.find, &QAction::triggered, m_table, &TableTab::openFind);
+    connect(m_actions.findNext, &QAction::triggered, m_table, &TableTab::findNext);
+    connect(m_actions.tag, &QAction::triggered, m_table, &TableTab::flipTags);
+    m_table->grid().addActions({m_actions.copyCell, m_actions.copyRows, m_actions.tag});
+    m_table->grid().setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+void MainForm::connectOtherActions() {
+    connect(m_actions.columns, &QAction::triggered, m_table, &TableTab::showColumnsForm);
+    connect(m_actions.viewers, &QAction::toggled, m_splitter->widget(1), &QWidget::setVisible);
+    connect(m_table, &TableTab::statusChanged, this, &MainForm::showStatus);
+    connect(m_table, &TableTab::currentUrlChanged, this, &MainForm::showProperties);
+    connect(m_table, &TableTab::importRequested, m_actions.import, &QAction::trigger);
+}
+
+void MainForm::connectMenus() {
+    connect(&m_menus, &MainMenus::recentFileChosen, this, &MainForm::takePath);
+    connect(&m_menus, &MainMenus::quickQueryChosen, m_table, &TableTab::chooseQuery);
+    connect(&m_menus, &MainMenus::sortChosen, m_table, &TableTab::sortBy);
+    connect(&m_menus, &MainMenus::themeChosen, this, &MainForm::chooseTheme);
+}
+
+void MainForm::showProperties() {
+    const QModelIndex current = m_table->grid().currentIndex();
+    if (m_table->table() && current.isValid())
+        m_properties->showRecord(*m_table->table(), static_cast<std::size_t>(current.row()));
+    else
+        m_properties->clear();
+}
+
+void MainForm::showStatus() {
+    UrlTable *table = m_table->table();
+    if (!table)
+        return;
+    const ThisClass &state = m_program.thisClass;
+    m_status.rows->setText(tr("Rows: %L1").arg(table->rowCount()));
+    m_status.tagged->setText(tr("Tagged: %L1").arg(m_table->taggedCount()));
+    const QString query = m_table->queryName();
+    m_status.query->setText(tr("Query: %1").arg(query.isEmpty() ? tr("Default") : query));
+    m_status.zone->setText(tr("Zone: %1").arg(toQt(state.GMTZone.GetBiasAsTime(0))));
+    const std::string base = textOf(state.RootPath);
+    m_status.base->setText(
+        tr("Base folder: %1").arg(base.empty() ? tr("none") : toQt(displayText(base))));
+}
+
+void MainForm::showProjectState() {
+    const bool open = isProjectOpen();
+    m_pages->setCurrentIndex(open ? 1 : 0);
+    m_actions.setProjectOpen(open);
+    m_menus.setProjectOpen(open);
+    for (QLabel *label :
+         {m_status.rows, m_status.tagged, m_status.query, m_status.zone, m_status.base})
+        label->setVisible(open);
+    if (open)
+        showStatus();
+}
+
+void MainForm::Lock_Controls() {
+    if (m_locks++ > 0)
+        return;
+    m_focusBeforeLock = QApplication::focusWidget();
+    m_menus.setEnabled(false);
+    m_pages->setEnabled(false);
+    QApplication::setOverrideCursor(Qt::BusyCursor);
+}
+
+void MainForm::Unlock_Controls() {
+    if (--m_locks > 0)
+        return;
+    QApplication::restoreOverrideCursor();
+    m_menus.setEnabled(true);
+    m_pages->setEnabled(true);
+    if (m_focusBeforeLock && isAncestorOf(m_focusBeforeLock))
+        m_focusBeforeLock->setFocus();
+}
+
+void MainForm::closeEvent(QCloseEvent *event) {
+    const bool leaves =
+        m_locks == 0 && m_program.around.examiner.ask(messages::exitProgram()) == Answer::Yes;
+    event->setAccepted(leaves);
+    if (!leaves)
+        return;
+    run("MainForm.CloseFile()", [this] { m_commands.CloseFile(); });
+    keepGeometry();
+}
+
+void MainForm::keepGeometry() {
+    IniFile &settings = m_program.settings;
+    settings.WriteIniValue(kSection, "MainGeometry", fromQt(keptBytes(saveGeometry())));
+    settings.WriteIniValue(kSection, "MainSplitter", fromQt(keptBytes(m_splitter->saveState())));
+    settings.WriteIniValue(kSection, "ShowViewers", m_actions.viewers->isChecked());
+}
+
+void MainForm::restoreGeometryKept() {
+    restoreGeometry(bytesKept(m_program.settings, "MainGeometry"));
+    m_splitter->restoreState(bytesKept(m_program.settings, "MainSplitter"));
+    m_actions.viewers->setChecked(m_program.settings.ReadIniValue(kSection, "ShowViewers", true));
+}
+
+void MainForm::dragEnterEvent(QDragEnterEvent *event) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (m_locks == 0 && urls.size() == 1 && urls.constFirst().isLocalFile())
+        event->acceptProposedAction();
+}
+
+void MainForm::dropEvent(QDropEvent *event) {
+    const QString path = event->mimeData()->urls().constFirst().toLocalFile();
+    event->acceptProposedAction();
+    // After the drop is over: what comes may show dialogs.
+    QTimer::singleShot(0, this, [this, path] { takePath(pathFromQt(path)); });
+}
+
+} // namespace nv

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "app/ProjectCommands.h"
+#include "base/Examiner.h"
+
+namespace nv {
+
+/// The dialogs that the main window shows. Tests have their own.
+class WindowDialogs : public FileDialogs {
+  public:
+    /// Nothing is chosen when the examiner cancels.
+    virtual std::optional<std::filesystem::path>
+    chooseFolder(const std::string &title, const std::filesystem::path &start) = 0;
+};
+
+/// The system's dialogs. Names without an extension get "nvp". An existing file is only given back
+/// after the program's own question whether to overwrite it.
+class QtWindowDialogs final : public WindowDialogs {
+  public:
+    explicit QtWindowDialogs(Examiner &examiner) : m_examiner(examiner) {}
+
+    std::optional<std::filesystem::path> chooseProject() override;
+    std::optional<std::filesystem::path> CreateNewProjectFilename() override;
+    std::optional<std::filesystem::path> chooseSaveAs() override;
+    std::optional<std::filesystem::path> chooseFolder(const std::string &title,
+                                                      const std::filesystem::path &start) override;
+
+  private:
+    std::optional<std::filesystem::path>
+    unlessKept(const std::optional<std::filesystem::path> &chosen);
+
+    Examiner &m_examiner;
+};
+
+} // namespace nv

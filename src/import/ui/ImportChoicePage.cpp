@@ -1,0 +1,178 @@
+#include "import/ui/ImportChoicePage.h"
+
+#include "base/Text.h"
+#include "platform/qt/QtText.h"
+
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <array>
+
+namespace nv {
+
+namespace {
+
+struct KindColumn {
+    std::string_view prefix;
+    const char *heading;
+};
+constexpr std::array<KindColumn, 3> kColumns = {
+    {{"chkCache", "Cache"}, {"chkHistory", "History"}, {"chkCookies", "Cookies"}}};
+
+struct Browser {
+    std::string_view suffix;
+    const char *name;
+};
+constexpr std::array<Browser, 5> kBrowsers = {{{"IE", "Internet Explorer"},
+                                               {"Firefox", "Firefox"},
+                                               {"Chrome", "Chrome"},
+                                               {"Safari", "Safari"},
+                                               {"Opera", "Opera"}}};
+
+/// Kinds of file that belong to no browser, with what the examiner reads beside the box.
+struct OtherKind {
+    std::string_view name;
+    const char *text;
+};
+constexpr std::array<OtherKind, 4> kOthers = {
+    {{"chkHistoryNVD", "Results files (*.nvd)"},
+     {"chkHistEx", "Recovered records (*-UC-index.dat)"},
+     {"IncludeNetAnalysis", "NetAnalysis case files (*.net)"},
+     {"chkHTMLFiles", "Loose HTML files (*.htm, *.html)"}}};
+
+const ImportOption &optionNamed(std::string_view name) {
+    for (const ImportOption &option : importOptions()) {
+        if (option.name == name)
+            return option;
+    }
+    throw std::out_of_range("no import option \"" + std::string(name) + "\"");
+}
+
+} // namespace
+
+ImportChoicePage::ImportChoicePage(const ImportClass &job, const std::filesystem::path &start,
+                                   const std::filesystem::path &base, ChooseFolder chooseFolder)
+    : m_chooseFolder(std::move(chooseFolder)) {
+    setObjectName(QStringLiteral("ImportChoicePage"));
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(newFolders(start, base));
+    column->addWidget(newKinds(job));
+    column->addWidget(newOptions(job));
+    column->addStretch();
+}
+
+QWidget *ImportChoicePage::newFolders(const std::filesystem::path &start,
+                                      const std::filesystem::path &base) {
+    auto *group = new QGroupBox(tr("Evidence"));
+    auto *grid = new QGridLayout(group);
+    m_start = addFolderRow(*grid, tr("&Starting folder:"), "txtStartingDirectory",
+                           "Select the starting folder of the import:");
+    m_base = addFolderRow(*grid, tr("&Base folder:"), "txtBaseFolder",
+                          "Select the BASE root folder for all evidence in project:");
+    m_start->setText(pathToQt(start));
+    m_base->setText(pathToQt(base));
+    m_base->setPlaceholderText(tr("The starting folder"));
+    m_base->setToolTip(tr("Cached files are looked for below it. When the evidence moves to "
+                          "another place, only this folder has to be changed."));
+    return group;
+}
+
+QLineEdit *ImportChoicePage::addFolderRow(QGridLayout &grid, const QString &label, const char *name,
+                                          const std::string &dialogTitle) {
+    auto *edit = new QLineEdit;
+    edit->setObjectName(QLatin1String(name));
+    edit->setMinimumWidth(360);
+    auto *caption = new QLabel(label);
+    caption->setBuddy(edit);
+    auto *browse = new QPushButton(tr("Browse..."));
+    browse->setObjectName(QStringLiteral("btn") + QLatin1String(name).mid(3));
+    browse->setAutoDefault(false);
+    connect(browse, &QPushButton::clicked, this, [this, edit, dialogTitle] {
+        if (const auto chosen = m_chooseFolder(dialogTitle, pathFromQt(edit->text())))
+            edit->setText(pathToQt(*chosen));
+    });
+    const int row = grid.rowCount();
+    grid.addWidget(caption, row, 0);
+    grid.addWidget(edit, row, 1);
+    grid.addWidget(browse, row, 2);
+    return edit;
+}
+
+QCheckBox *ImportChoicePage::newBox(const QString &text, std::string_view name, bool on) {
+    auto *box = new QCheckBox(text);
+    box->setObjectName(toQt(name));
+    box->setAccessibleName(text.isEmpty() ? toQt(name) : text);
+    box->setChecked(on);
+    return box;
+}
+
+QWidget *ImportChoicePage::newKinds(const ImportClass &job) {
+    auto *group = new QGroupBox(tr("What to look for"));
+    auto *grid = new QGridLayout(group);
+    grid->setHorizontalSpacing(24);
+    const auto add = [&](std::string_view name, const QString &text, int row, int column) {
+        const ImportOption &option = optionNamed(name);
+        m_kinds.push_back({newBox(text, name, job.*option.member), option.member});
+        grid->addWidget(m_kinds.back().box, row, column);
+    };
+    for (std::size_t row = 0; row < kBrowsers.size(); ++row) {
+        grid->addWidget(new QLabel(tr(kBrowsers[row].name)), static_cast<int>(row), 0);
+        for (std::size_t column = 0; column < kColumns.size(); ++column)
+            add(std::string(kColumns[column].prefix).append(kBrowsers[row].suffix),
+                tr(kColumns[column].heading), static_cast<int>(row), static_cast<int>(column) + 1);
+    }
+    for (std::size_t row = 0; row < kOthers.size(); ++row)
+        add(kOthers[row].name, tr(kOthers[row].text), static_cast<int>(row), 4);
+
+    auto *buttons = new QHBoxLayout;
+    const auto addButton = [&](const char *name, const QString &text, bool on) {
+        auto *button = new QPushButton(text);
+        button->setObjectName(QLatin1String(name));
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, [this, on] { tickAllKinds(on); });
+        buttons->addWidget(button);
+    };
+    addButton("btnAllKinds", tr("&All"), true);
+    addButton("btnNoKinds", tr("N&one"), false);
+    buttons->addStretch();
+    grid->addLayout(buttons, static_cast<int>(kBrowsers.size()), 0, 1, 5);
+    return group;
+}
+
+QWidget *ImportChoicePage::newOptions(const ImportClass &job) {
+    auto *group = new QGroupBox(tr("How"));
+    auto *column = new QVBoxLayout(group);
+    m_recurse = newBox(tr("Look into s&ubfolders"), "RecurseSubfolders", job.RecurseSubfolders);
+    m_verify = newBox(tr("&Verify file contents, not names alone"), "chkVerifyFileContents",
+                      job.VerifyFileSignatures);
+    m_metadata = newBox(tr("Read titles, texts and links of cached pages (advanced &metadata)"),
+                        "chkParseAdvancedMetadata", job.ParseAdvancedMetadata);
+    for (QCheckBox *box : {m_recurse, m_verify, m_metadata})
+        column->addWidget(box);
+    return group;
+}
+
+void ImportChoicePage::tickAllKinds(bool on) {
+    for (const Kind &kind : m_kinds)
+        kind.box->setChecked(on);
+}
+
+void ImportChoicePage::applyTo(ImportClass &job) const {
+    job.StartingDirectory = pathFromQt(m_start->text().trimmed()).string();
+    job.RecurseSubfolders = m_recurse->isChecked();
+    job.VerifyFileSignatures = m_verify->isChecked();
+    job.ParseAdvancedMetadata = m_metadata->isChecked();
+    for (const Kind &kind : m_kinds)
+        job.*kind.member = kind.box->isChecked();
+}
+
+std::filesystem::path ImportChoicePage::baseFolder() const {
+    return pathFromQt(m_base->text().trimmed());
+}
+
+} // namespace nv

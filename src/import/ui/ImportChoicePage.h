@@ -1,0 +1,59 @@
+#pragma once
+
+#include "import/ImportClass.h"
+
+#include <QWidget>
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QCheckBox;
+class QGridLayout;
+class QLineEdit;
+
+namespace nv {
+
+/// Asks for a folder; nothing when the examiner cancels.
+using ChooseFolder = std::function<std::optional<std::filesystem::path>(
+    const std::string &title, const std::filesystem::path &start)>;
+
+/// The wizard's first step: where the evidence lies and what is wanted of it.
+class ImportChoicePage final : public QWidget {
+    Q_OBJECT
+
+  public:
+    /// Shows the job's options. `base` is the project's base folder, empty when it has none yet.
+    ImportChoicePage(const ImportClass &job, const std::filesystem::path &start,
+                     const std::filesystem::path &base, ChooseFolder chooseFolder);
+
+    /// Copies the options to the job.
+    void applyTo(ImportClass &job) const;
+    /// Empty when nothing was entered: then the starting folder is the base.
+    std::filesystem::path baseFolder() const;
+
+  private:
+    QWidget *newFolders(const std::filesystem::path &start, const std::filesystem::path &base);
+    QLineEdit *addFolderRow(QGridLayout &grid, const QString &label, const char *name,
+                            const std::string &dialogTitle);
+    QWidget *newKinds(const ImportClass &job);
+    QWidget *newOptions(const ImportClass &job);
+    QCheckBox *newBox(const QString &text, std::string_view name, bool on);
+    void tickAllKinds(bool on);
+
+    struct Kind {
+        QCheckBox *box;
+        bool ImportClass::*member;
+    };
+    ChooseFolder m_chooseFolder;
+    QLineEdit *m_start = nullptr;
+    QLineEdit *m_base = nullptr;
+    QCheckBox *m_recurse = nullptr;
+    QCheckBox *m_verify = nullptr;
+    QCheckBox *m_metadata = nullptr;
+    std::vector<Kind> m_kinds;
+};
+
+} // namespace nv

@@ -1,0 +1,181 @@
+#include "import/ui/ImportForm.h"
+
+#include "app/ImportJob.h"
+#include "app/Messages.h"
+#include "app/Project.h"
+#include "base/Trap.h"
+#include "import/ui/FoundFilesModel.h"
+#include "platform/qt/QtText.h"
+#include "views/CellText.h"
+
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTableView>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// What the scan could not look at, a line each; empty when there is nothing of the kind.
+QString gapsText(const ScanResult &result) {
+    QStringList gaps;
+    if (result.cancelled)
+        gaps += ImportForm::tr("The scan was cancelled: the list ends where it stopped.");
+    if (!result.gaps.unreadable.empty())
+        gaps += ImportForm::tr("Folders or files that could not be read: %L1, the first one %2")
+                    .arg(result.gaps.unreadable.size())
+                    .arg(toQt(displayText(result.gaps.unreadable.front())));
+    if (result.gaps.linksNotFollowed > 0)
+        gaps +=
+            ImportForm::tr("Links that were not followed: %L1").arg(result.gaps.linksNotFollowed);
+    return gaps.join(u'\n');
+}
+
+} // namespace
+
+void ImportForm::reject() {
+    if (m_scanTask)
+        m_scanTask->cancel();
+    else if (!m_running)
+        QDialog::reject();
+}
+
+void ImportForm::showStep(Step step) {
+    m_pages->setCurrentIndex(step);
+    const bool last = step == Finish;
+    m_back->setEnabled(step == Files && !m_scanTask);
+    m_next->setText(last ? tr("Finished") : tr("Next >>"));
+    m_next->setEnabled(!m_scanTask && (step != Files || m_files->validCount() > 0));
+    m_cancel->setEnabled(!last);
+    m_heading->setText(step == Choose  ? tr("Choose the evidence and what to look for")
+                       : step == Files ? tr("Files To Be Imported")
+                                       : tr("What the import has found"));
+    m_next->setDefault(true);
+}
+
+void ImportForm::NextBtn_Click() {
+    const auto step = static_cast<Step>(m_pages->currentIndex());
+    const auto failure = failureOf(m_program.log, "ImportForm.NextBtn_Click()", [&] {
+        if (step == Choose)
+            startScan();
+        else if (step == Files)
+            ImportFiles();
+        else
+            accept();
+    });
+    if (failure)
+        m_program.around.examiner.tell(messages::importFailed(*failure));
+}
+
+void ImportForm::back() {
+    showStep(Choose);
+}
+
+bool ImportForm::startingDirectoryIsThere() {
+    const std::string &start = m_program.import.StartingDirectory;
+    if (start.empty())
+        m_program.around.examiner.tell(messages::startingDirectoryMissing());
+    else if (!fs::exists(start))
+        m_program.around.examiner.tell(messages::startingDirectoryGone());
+    return !start.empty() && fs::exists(start);
+}
+
+void ImportForm::startScan() {
+    ImportClass &job = m_program.import;
+    m_choice->applyTo(job);
+    m_program.settings.WriteIniValue("OPTIONS", "ParseAdvancedMetaData", job.ParseAdvancedMetadata);
+    if (!startingDirectoryIsThere())
+        return;
+    job.HistoryFiles.Clear();
+    m_files->setFiles(job.HistoryFiles);
+    m_gaps->clear();
+    showScan(runScan());
+}
+
+ScanResult ImportForm::runScan() {
+    WizardTask task;
+    connect(&task, &WizardTask::stepped, this, [this](const QString &what, const QString &where) {
+        m_scanStep->setText(what);
+        m_scanFolder->setText(where);
+    });
+    connect(&task, &WizardTask::advanced, this,
+            [this](double fraction) { m_scanBar->setValue(static_cast<int>(fraction * 100)); });
+    m_scanTask = &task;
+    m_scanBar->setVisible(true);
+    showStep(Files);
+    ScanResult result;
+    const auto failure = failureOf(m_program.log, "ImportForm.NextBtn_Click()",
+                                   [&] { result = scan(m_program.import, task, m_program.log); });
+    m_scanTask = nullptr;
+    m_scanBar->setVisible(false);
+    if (failure)
+        m_program.around.examiner.tell(messages::importFailed(*failure));
+    return result;
+}
+
+void ImportForm::showScan(const ScanResult &result) {
+    ImportClass &job = m_program.import;
+    job.HistoryFiles = result.HistoryFiles;
+    m_files->setFiles(job.HistoryFiles);
+    m_scanFolder->clear();
+    m_scanStep->setText(tr("Files found: %L1").arg(m_files->rowCount()));
+    const QString gaps = gapsText(result);
+    m_gaps->setText(gaps);
+    m_gaps->setVisible(!gaps.isEmpty());
+    showStep(Files);
+    if (m_files->rowCount() == 0 && !result.cancelled) {
+        m_program.around.examiner.tell(messages::nothingToImport());
+        showStep(Choose);
+    }
+}
+
+bool ImportForm::goesOnDespiteNetwork() {
+    const std::string &name = m_program.thisClass.NetworkConnectionName;
+    return m_program.around.network.NetworkConnectionStatus(name) != "ENABLED" ||
+           m_program.around.examiner.ask(messages::networkDetected()) == Answer::Yes;
+}
+
+/// A project keeps the base folder of its first import, since its rows are found by it, until
+/// another one is named.
+void ImportForm::chooseBase() {
+    const fs::path named = m_choice->baseFolder();
+    const fs::path start = fs::canonical(m_program.import.StartingDirectory);
+    const fs::path base = !named.empty()            ? fs::canonical(named)
+                          : fs::is_directory(start) ? start
+                                                    : start.parent_path();
+    if (base != m_program.thisClass.RootPath)
+        setRootPath(m_program, base);
+}
+
+void ImportForm::ImportFiles() {
+    if (!goesOnDespiteNetwork())
+        return;
+    m_files->prune(m_program.import.HistoryFiles);
+    m_program.import.CancelImport = false;
+    chooseBase();
+    runImport();
+}
+
+void ImportForm::runImport() {
+    m_running = true;
+    setEnabled(false);
+    ImportSummary summary;
+    const auto failure = failureOf(m_program.log, "ImportForm.ImportFiles()", [&] {
+        const OpenTask task(m_program.thread, {});
+        summary = runImportJob(m_program, m_program.thread, m_program.thisClass.TempFolderPath);
+    });
+    m_imported = true;
+    m_running = false;
+    setEnabled(true);
+    if (const std::string reason = failure.value_or(summary.failure); !reason.empty())
+        m_program.around.examiner.tell(messages::importFailed(reason));
+    m_summary->setPlainText(toQt(summaryText(summary)));
+    showStep(Finish);
+}
+
+} // namespace nv

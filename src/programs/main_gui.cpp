@@ -1,0 +1,82 @@
+#include "app/Messages.h"
+#include "app/Program.h"
+#include "app/ui/MainForm.h"
+#include "app/ui/SplashForm.h"
+#include "app/ui/StatusForm.h"
+#include "platform/posix/PosixSystemTime.h"
+#include "platform/posix/SysfsNetwork.h"
+#include "platform/qt/Icons.h"
+#include "platform/qt/QtExaminer.h"
+#include "platform/qt/QtText.h"
+
+#include <QApplication>
+#include <QThread>
+
+using namespace nv;
+
+namespace {
+
+constexpr unsigned long kSplashPause = 300; // milliseconds
+
+/// What the window program is made of, in the order of its making.
+struct Window {
+    QtExaminer examiner;
+    StatusForm status;
+    SystemClock clock;
+    PosixSystemTime systemTime;
+    SysfsNetwork network;
+    QtWindowDialogs dialogs{examiner};
+    Program program{findProgramPaths(std::filesystem::read_symlink("/proc/self/exe")),
+                    Front::window,
+                    {examiner, status, clock, systemTime, network}};
+};
+
+void tellGroundZero(Program &program) {
+    if (program.settings.ReadIniValue("OPTIONS", "DebugMain", false))
+        program.around.examiner.tell(messages::groundZero());
+}
+
+/// The whole command line is one path, blanks included.
+QString commandLinePath(const QApplication &application) {
+    return application.arguments().mid(1).join(u' ');
+}
+
+int runProgram(QApplication &application, SplashForm &splash) {
+    Window window;
+    Program &program = window.program;
+    applyTheme(application, keptTheme(program.settings));
+    QObject::connect(&window.status, &StatusForm::cancelled, &window.status,
+                     [&program] { program.thread.CancelTask = true; });
+    splash.showCentred();
+    tellGroundZero(program);
+    startUp(program, Front::window);
+
+    MainForm form(program, window.dialogs);
+    window.status.setParent(&form, window.status.windowFlags());
+    form.show();
+    QThread::msleep(kSplashPause);
+    splash.close();
+    if (program.settings.ReadIniValue("OPTIONS", "ShowTipsAtStartup", true))
+        form.showTips();
+    if (const QString path = commandLinePath(application); !path.isEmpty())
+        form.commands().LoadCommandLineFile(pathFromQt(path));
+    const int result = application.exec();
+    window.status.setParent(nullptr);
+    return result;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("norvelane"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Norvelane"));
+    QApplication::setWindowIcon(icon("norvelane-logo"));
+    try {
+        SplashForm splash({});
+        return runProgram(application, splash);
+    } catch (const std::exception &failure) {
+        QtExaminer().tell(messages::startupError(failure.what()));
+        return 1;
+    }
+}

@@ -1,0 +1,240 @@
+#include "views/ui/TableTab.h"
+
+#include "platform/qt/QtText.h"
+#include "views/ui/ColumnsForm.h"
+#include "views/ui/EmptyPage.h"
+#include "views/ui/FindBar.h"
+
+#include <QBoxLayout>
+#include <QClipboard>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QStackedWidget>
+#include <SQLiteCpp/Database.h>
+
+namespace nv {
+
+TableTab::TableTab(RunTask runTask, Examiner &examiner, QWidget *parent)
+    : QWidget(parent), m_runTask(std::move(runTask)), m_examiner(examiner) {
+    setObjectName(QStringLiteral("TableTab"));
+    m_grid = new UrlGrid(m_model);
+    m_empty = new EmptyPage;
+    m_find = new FindBar;
+    m_pages = new QStackedWidget;
+    m_pages->setObjectName(QStringLiteral("tablePages"));
+    m_pages->addWidget(m_empty);
+    m_pages->addWidget(m_grid);
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(newChoiceBar());
+    column->addWidget(m_pages, 1);
+    column->addWidget(m_find);
+    connectParts();
+}
+
+TableTab::~TableTab() = default;
+
+QWidget *TableTab::newChoiceBar() {
+    m_queries = new QComboBox;
+    m_queries->setObjectName(QStringLiteral("cbActiveQuery"));
+    m_queries->setMinimumContentsLength(24);
+    m_host = new QLineEdit;
+    m_host->setObjectName(QStringLiteral("txtHostFilter"));
+    m_host->setPlaceholderText(tr("Part of a host's name, then Enter"));
+    m_host->setClearButtonEnabled(true);
+    m_host->setMaximumWidth(320);
+    auto *queryLabel = new QLabel(tr("&Query:"));
+    queryLabel->setBuddy(m_queries);
+    auto *hostLabel = new QLabel(tr("H&ost:"));
+    hostLabel->setBuddy(m_host);
+
+    auto *bar = new QWidget;
+    bar->setObjectName(QStringLiteral("choiceBar"));
+    auto *row = new QHBoxLayout(bar);
+    row->setContentsMargins(6, 6, 6, 6);
+    row->addWidget(queryLabel);
+    row->addWidget(m_queries);
+    row->addSpacing(12);
+    row->addWidget(hostLabel);
+    row->addWidget(m_host, 1);
+    row->addStretch();
+    return bar;
+}
+
+void TableTab::connectParts() {
+    connect(m_queries, &QComboBox::activated, this, &TableTab::LoadURLs);
+    connect(m_host, &QLineEdit::returnPressed, this, &TableTab::takeHost);
+    connect(m_host, &QLineEdit::textChanged, this, [this](const QString &text) {
+        if (text.isEmpty())
+            takeHost();
+    });
+    connect(m_grid, &UrlGrid::sortRequested, this, &TableTab::sortByColumn);
+    connect(m_grid, &UrlGrid::tagFlipRequested, this, &TableTab::flipTags);
+    connect(m_grid, &UrlGrid::headerMenuRequested, this, &TableTab::showHeaderMenu);
+    connect(m_grid, &UrlGrid::currentUrlChanged, this, &TableTab::currentUrlChanged);
+    connect(m_empty, &EmptyPage::importRequested, this, &TableTab::importRequested);
+    connect(m_empty, &EmptyPage::showAllRequested, this, &TableTab::showAll);
+    connect(m_find, &FindBar::nextRequested, this, &TableTab::findNext);
+    connect(m_find, &FindBar::closed, this, [this] { m_grid->setFocus(); });
+}
+
+void TableTab::openProject(SQLite::Database &project, FailureLog &log,
+                           const TimeZoneClass &GMTZone) {
+    m_project = &project;
+    m_table = std::make_unique<UrlTable>(project, log, GMTZone);
+    m_model.setTable(m_table.get());
+    m_table->showColumns(m_grid->tableLayout().shownColumns());
+}
+
+void TableTab::closeProject() {
+    m_model.setTable(nullptr);
+    m_table.reset();
+    m_project = nullptr;
+    m_tagged = 0;
+    m_host->blockSignals(true);
+    m_host->clear();
+    m_host->blockSignals(false);
+    m_empty->showState(EmptyState::NotLoaded);
+    m_pages->setCurrentWidget(m_empty);
+    m_grid->showSort(std::nullopt);
+    emit currentUrlChanged();
+}
+
+void TableTab::setQueries(const QStringList &names) {
+    const QString chosen = queryName();
+    m_queries->clear();
+    for (const QString &name : names)
+        m_queries->addItem(name.isEmpty() ? tr("Default") : name, name);
+    m_queries->setCurrentIndex(std::max(0, m_queries->findData(chosen)));
+}
+
+QString TableTab::queryName() const {
+    return m_queries->currentData().toString();
+}
+
+void TableTab::chooseQuery(const QString &name) {
+    const int place = m_queries->findData(name);
+    if (place < 0)
+        return;
+    m_queries->setCurrentIndex(place);
+    LoadURLs();
+}
+
+void TableTab::takeHost() {
+    if (!m_table || m_table->choice.FilterByHostValue == fromQt(m_host->text().trimmed()))
+        return;
+    LoadURLs();
+}
+
+void TableTab::showAll() {
+    m_host->clear();
+    chooseQuery({});
+}
+
+void TableTab::LoadURLs() {
+    if (!m_table)
+        return;
+    const std::string host = fromQt(m_host->text().trimmed());
+    m_table->choice = {fromQt(queryName()), !host.empty(), host};
+    reload([this](TaskMonitor &task) { return m_table->LoadURLs(task); });
+}
+
+void TableTab::sortBy(SortChoice choice) {
+    if (m_table)
+        reload([this, choice](TaskMonitor &task) { return m_table->sortBy(choice, task); });
+}
+
+void TableTab::sortByColumn(UrlColumn column, SortDirection direction) {
+    reload([=, this](TaskMonitor &task) { return m_table->sortBy(column, direction, task); });
+}
+
+void TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work) {
+    const auto current = m_grid->currentUrl();
+    LoadResult result = LoadResult::Failed;
+    m_runTask({}, [&](TaskMonitor &task) { result = work(task); });
+    m_model.rowsChanged();
+    m_grid->showSort(m_table->columnSort());
+    m_empty->showState(m_table->emptyState());
+    m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);
+    if (current)
+        m_grid->setCurrentUrl(*current);
+    countTagged();
+    emit currentUrlChanged();
+    if (result == LoadResult::Failed)
+        m_examiner.tell(loadFailure());
+}
+
+void TableTab::countTagged() {
+    m_tagged = m_project->execAndGet("SELECT Count(*) FROM URLs WHERE Tagged <> 0").getInt64();
+    emit statusChanged();
+}
+
+void TableTab::flipTags() {
+    if (m_grid->selectedRowCount() > 1) {
+        m_runTask({"TAGGING URLS", "", "", ""},
+                  [this](TaskMonitor &task) { m_grid->flipSelectedTags(task); });
+        countTagged();
+    } else if (m_model.flipTag(m_grid->currentIndex().row())) {
+        const bool on = m_table->isTagged(static_cast<std::size_t>(m_grid->currentIndex().row()));
+        m_tagged += on ? 1 : -1;
+        emit statusChanged();
+    }
+    emit currentUrlChanged();
+}
+
+void TableTab::copyCell() {
+    QGuiApplication::clipboard()->setText(m_grid->currentCellText());
+}
+
+void TableTab::copyRows() {
+    m_runTask({"COPYING URLS", "", "", ""}, [this](TaskMonitor &task) {
+        if (const auto text = m_grid->selectedRowsText(task))
+            QGuiApplication::clipboard()->setText(*text);
+    });
+}
+
+void TableTab::openFind() {
+    m_find->reveal();
+}
+
+void TableTab::findNext() {
+    if (!m_table || m_find->text().isEmpty())
+        return m_find->reveal();
+    std::optional<QModelIndex> found;
+    m_runTask({"SEARCHING URLS", "", "", ""}, [&](TaskMonitor &task) {
+        found = m_grid->find(m_find->text(), m_grid->currentIndex().row() + 1, task);
+    });
+    m_find->showResult(found.has_value());
+    if (found)
+        m_grid->setCurrentIndex(*found);
+}
+
+void TableTab::showColumnsForm() {
+    ColumnsForm form(m_grid->tableLayout(), window());
+    if (form.exec() == QDialog::Accepted)
+        m_grid->setTableLayout(form.tableLayout());
+}
+
+void TableTab::showHeaderMenu(UrlColumn column, const QPoint &place) {
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("headerMenu"));
+    QAction *ascending = menu.addAction(
+        tr("Sort &Ascending"), this, [=, this] { sortByColumn(column, SortDirection::Ascending); });
+    QAction *descending = menu.addAction(tr("Sort &Descending"), this, [=, this] {
+        sortByColumn(column, SortDirection::Descending);
+    });
+    ascending->setEnabled(m_table && isSortable(column));
+    descending->setEnabled(ascending->isEnabled());
+    menu.addSeparator();
+    menu.addAction(tr("&Hide \"%1\"").arg(columnTitle(column)), this,
+                   [=, this] { m_grid->hideColumn(column); });
+    menu.addAction(tr("&Columns..."), this, &TableTab::showColumnsForm);
+    menu.exec(place);
+}
+
+} // namespace nv

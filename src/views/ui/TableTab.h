@@ -1,0 +1,90 @@
+#pragma once
+
+#include "base/Examiner.h"
+#include "base/TaskMonitor.h"
+#include "views/ui/UrlGrid.h"
+#include "views/ui/UrlModel.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+class QComboBox;
+class QLineEdit;
+class QMenu;
+class QStackedWidget;
+
+namespace nv {
+
+class EmptyPage;
+class FindBar;
+
+/// Runs a long piece of work with the window locked and the status window at hand.
+using RunTask =
+    std::function<void(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work)>;
+
+/// The Table tab: which rows are shown, the grid of them, and a line to find texts in it.
+class TableTab final : public QWidget {
+    Q_OBJECT
+
+  public:
+    TableTab(RunTask runTask, Examiner &examiner, QWidget *parent = nullptr);
+    ~TableTab() override;
+
+    /// Takes up an open project, without loading it. The project, log and zone must stay until
+    /// closeProject(), which has to come before the project's connection goes.
+    void openProject(SQLite::Database &project, FailureLog &log, const TimeZoneClass &GMTZone);
+    void closeProject();
+    UrlTable *table() { return m_table.get(); }
+    UrlGrid &grid() { return *m_grid; }
+
+    /// The names that the query selector offers; an empty one is the default query.
+    void setQueries(const QStringList &names);
+    /// Chooses a query, loads its rows.
+    void chooseQuery(const QString &name);
+    QString queryName() const;
+
+    void LoadURLs();
+    void sortBy(SortChoice choice);
+    void flipTags();
+    void copyCell();
+    void copyRows();
+    void openFind();
+    void findNext();
+    void showColumnsForm();
+    /// Rows that are ticked in the whole project, as of the last look.
+    qint64 taggedCount() const { return m_tagged; }
+
+  signals:
+    /// Rows, ticks, query or host have changed.
+    void statusChanged();
+    void currentUrlChanged();
+    void importRequested();
+
+  private:
+    QWidget *newChoiceBar();
+    void connectParts();
+    void sortByColumn(UrlColumn column, SortDirection direction);
+    /// Runs a load or a sort and shows what came of it, with the same record as the current one.
+    void reload(const std::function<LoadResult(TaskMonitor &)> &work);
+    void showHeaderMenu(UrlColumn column, const QPoint &place);
+    void showAll();
+    void takeHost();
+    void countTagged();
+
+    RunTask m_runTask;
+    Examiner &m_examiner;
+    std::unique_ptr<UrlTable> m_table;
+    SQLite::Database *m_project = nullptr;
+    qint64 m_tagged = 0;
+    UrlModel m_model;
+    UrlGrid *m_grid = nullptr;
+    QStackedWidget *m_pages = nullptr;
+    EmptyPage *m_empty = nullptr;
+    FindBar *m_find = nullptr;
+    QComboBox *m_queries = nullptr;
+    QLineEdit *m_host = nullptr;
+};
+
+} // namespace nv

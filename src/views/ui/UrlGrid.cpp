@@ -1,0 +1,185 @@
+#include "views/ui/UrlGrid.h"
+
+#include "platform/qt/QtText.h"
+
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+constexpr int kRowPadding = 8; ///< pixels
+
+int twipsOf(int pixels) {
+    return pixels * kTwipsPerPixel;
+}
+
+} // namespace
+
+UrlGrid::UrlGrid(UrlModel &model, QWidget *parent) : QTableView(parent), m_model(model) {
+    setObjectName(QStringLiteral("URLGrid"));
+    setModel(&m_model);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);
+    setAlternatingRowColors(true);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false);
+    setHorizontalScrollMode(ScrollPerPixel);
+    // A row's height never depends on its contents: a million rows are laid out at once.
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowPadding);
+    setUpHeader();
+    connectHeader();
+    applyLayout();
+    connect(this, &QTableView::clicked, this, &UrlGrid::clickCell);
+}
+
+void UrlGrid::setUpHeader() {
+    QHeaderView *header = horizontalHeader();
+    header->setObjectName(QStringLiteral("URLGridHeader"));
+    header->setSectionsMovable(true);
+    header->setFirstSectionMovable(true);
+    header->setSectionsClickable(true);
+    header->setHighlightSections(false);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    // Fitting a column looks at the rows that can be seen, not at all of them.
+    header->setResizeContentsPrecision(0);
+    header->setFixedHeight(2 * fontMetrics().height() + kRowPadding);
+}
+
+void UrlGrid::connectHeader() {
+    QHeaderView *header = horizontalHeader();
+    connect(header, &QHeaderView::sectionClicked, this, &UrlGrid::requestSort);
+    connect(header, &QHeaderView::sectionMoved, this,
+            [this](int section, int, int to) { takeMove(section, to); });
+    connect(header, &QHeaderView::sectionResized, this,
+            [this](int section, int, int pixels) { takeWidth(section, pixels); });
+    connect(header, &QWidget::customContextMenuRequested, this, [this, header](QPoint place) {
+        const int section = header->logicalIndexAt(place);
+        if (section >= 0)
+            emit headerMenuRequested(UrlModel::columnOf(section), header->mapToGlobal(place));
+    });
+}
+
+void UrlGrid::setTableLayout(TableLayout layout) {
+    m_layout = std::move(layout);
+    applyLayout();
+    emit tableLayoutChanged();
+}
+
+void UrlGrid::applyLayout() {
+    m_applying = true;
+    QHeaderView *header = horizontalHeader();
+    for (std::size_t place = 0; place < m_layout.order().size(); ++place) {
+        const UrlColumn column = m_layout.order()[place];
+        const int section = UrlModel::sectionOf(column);
+        header->moveSection(header->visualIndex(section), static_cast<int>(place));
+        header->setSectionHidden(section, m_layout.hidden(column));
+        if (!m_layout.hidden(column))
+            header->resizeSection(section, pixelsOf(m_layout.widthTwips(column)));
+    }
+    m_applying = false;
+    if (UrlTable *table = m_model.table())
+        table->showColumns(m_layout.shownColumns());
+}
+
+void UrlGrid::hideColumn(UrlColumn column) {
+    m_layout.setHidden(column, true);
+    applyLayout();
+    emit tableLayoutChanged();
+}
+
+void UrlGrid::takeMove(int section, int to) {
+    if (m_applying)
+        return;
+    m_layout.move(UrlModel::columnOf(section), to);
+    emit tableLayoutChanged();
+}
+
+void UrlGrid::takeWidth(int section, int pixels) {
+    if (!m_applying && pixels > 0)
+        m_layout.setWidthTwips(UrlModel::columnOf(section), twipsOf(pixels));
+}
+
+void UrlGrid::requestSort(int section) {
+    const UrlColumn column = UrlModel::columnOf(section);
+    const UrlTable *table = m_model.table();
+    if (!table || !isSortable(column))
+        return;
+    const auto &now = table->columnSort();
+    const bool turnRound =
+        now && now->column == column && now->direction == SortDirection::Ascending;
+    emit sortRequested(column, turnRound ? SortDirection::Descending : SortDirection::Ascending);
+}
+
+void UrlGrid::showSort(const std::optional<ColumnSort> &sort) {
+    horizontalHeader()->setSortIndicatorShown(sort.has_value());
+    if (sort)
+        horizontalHeader()->setSortIndicator(
+            UrlModel::sectionOf(sort->column),
+            sort->direction == SortDirection::Ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+}
+
+std::optional<UrlId> UrlGrid::currentUrl() const {
+    const QModelIndex current = currentIndex();
+    if (!m_model.table() || !current.isValid())
+        return std::nullopt;
+    const UrlId id = m_model.table()->idAt(static_cast<std::size_t>(current.row()));
+    return id == UrlId::none ? std::nullopt : std::optional(id);
+}
+
+void UrlGrid::setCurrentUrl(UrlId id) {
+    const auto place = m_model.table() ? m_model.table()->placeOf(id) : std::nullopt;
+    if (!place)
+        return;
+    const int section = std::max(0, horizontalHeader()->logicalIndexAt(0));
+    setCurrentIndex(m_model.index(static_cast<int>(*place), section));
+}
+
+void UrlGrid::clickCell(const QModelIndex &cell) {
+    // With Ctrl or Shift the click builds a selection, whose rows the space key tags.
+    if (cell.column() == UrlModel::sectionOf(UrlColumn::Tag) &&
+        QGuiApplication::keyboardModifiers() == Qt::NoModifier)
+        emit tagFlipRequested();
+}
+
+void UrlGrid::keyPressEvent(QKeyEvent *event) {
+    if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier)
+        emit tagFlipRequested();
+    else
+        QTableView::keyPressEvent(event);
+}
+
+void UrlGrid::currentChanged(const QModelIndex &current, const QModelIndex &previous) {
+    QTableView::currentChanged(current, previous);
+    if (current.row() != previous.row())
+        emit currentUrlChanged();
+}
+
+void UrlGrid::flipSelectedTags(TaskMonitor &task) {
+    const QModelIndex current = currentIndex();
+    UrlTable *table = m_model.table();
+    if (!table || !current.isValid())
+        return;
+    if (selectedRowCount() <= 1) {
+        m_model.flipTag(current.row());
+        return;
+    }
+    const bool tagged = !table->isTagged(static_cast<std::size_t>(current.row()));
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        if (!table->setTagged(static_cast<std::size_t>(range.top()),
+                              static_cast<std::size_t>(range.height()), tagged, task))
+            break;
+    }
+    m_model.ticksChanged();
+}
+
+} // namespace nv

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "base/TaskMonitor.h"
+#include "views/TableLayout.h"
+#include "views/ui/UrlModel.h"
+
+#include <QTableView>
+
+#include <optional>
+
+namespace nv {
+
+/// The grid of the Table tab. Columns are moved, sized and hidden through its TableLayout; the
+/// sorting itself is the owner's, since it is a long task.
+class UrlGrid final : public QTableView {
+    Q_OBJECT
+
+  public:
+    explicit UrlGrid(UrlModel &model, QWidget *parent = nullptr);
+
+    const TableLayout &tableLayout() const { return m_layout; }
+    void setTableLayout(TableLayout layout);
+    void hideColumn(UrlColumn column);
+    /// Shows by which column the rows are sorted, if by one.
+    void showSort(const std::optional<ColumnSort> &sort);
+
+    std::optional<UrlId> currentUrl() const;
+    /// Makes the row of this record the current one, when it is in the list.
+    void setCurrentUrl(UrlId id);
+
+    /// Flips the tick of the current row, and gives all selected rows the same.
+    void flipSelectedTags(TaskMonitor &task);
+    /// The current cell's whole text.
+    QString currentCellText() const;
+    /// The selected rows, shown columns in their order, divided by tabs, with the headings above. A
+    /// tab or line break inside of a cell is a blank. Nothing when the task was cancelled.
+    std::optional<QString> selectedRowsText(TaskMonitor &task) const;
+    int selectedRowCount() const;
+    /// The next row at or after `fromRow` with the text in a shown column, in either case of
+    /// letters.
+    std::optional<QModelIndex> find(const QString &text, int fromRow, TaskMonitor &task) const;
+
+  signals:
+    void sortRequested(nv::UrlColumn column, nv::SortDirection direction);
+    void currentUrlChanged();
+    /// A click or the space key asks for another tick.
+    void tagFlipRequested();
+    void headerMenuRequested(nv::UrlColumn column, const QPoint &globalPlace);
+    void tableLayoutChanged();
+
+  protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+
+  private:
+    void setUpHeader();
+    void connectHeader();
+    void applyLayout();
+    void requestSort(int section);
+    void takeMove(int section, int to);
+    void takeWidth(int section, int pixels);
+    void clickCell(const QModelIndex &cell);
+    QString copyText(std::size_t place, UrlColumn column) const;
+
+    UrlModel &m_model;
+    TableLayout m_layout;
+    bool m_applying = false; ///< the header changes because the layout did
+};
+
+} // namespace nv
