@@ -27,6 +27,10 @@ Letter letterAt(std::string_view text, std::size_t at) {
             return {lead, 1};
         code = code << 6 | (next & 0x3Fu);
     }
+    // A longer form than needed must not pass for one of the pattern's own characters.
+    constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (code < kSmallest[bytes])
+        return {lead, 1};
     return {code, bytes};
 }
 

@@ -77,6 +77,14 @@ TEST(LikePattern, survivesBytesThatAreNoText) {
     EXPECT_TRUE(like("\xE4pfel", "_pfel"));
 }
 
+TEST(LikePattern, aByteThatIsNoTextDoesntSwallowTheNext) {
+    const std::string text("\xC1[f", 3);
+    EXPECT_TRUE(like(text, escapedForLike(text)));
+    EXPECT_TRUE(like(text, "_[[]f"));
+    EXPECT_FALSE(like("anything", "\xC0\xA5"));    // no "%" in disguise
+    EXPECT_TRUE(LikePattern::compile("\xC1\x9B")); // and no "["
+}
+
 TEST(EscapedForLike, makesThePatternsOwnCharactersPlain) {
     for (const char *text : {"100%", "a_b", "[x]", "%_["})
         EXPECT_TRUE(like(text, escapedForLike(text))) << text;
