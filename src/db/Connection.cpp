@@ -18,16 +18,17 @@ constexpr int kApplicationId = 0x4E565031;
 constexpr int kLayoutVersion = 1;
 constexpr int kBusyTimeout = 5000; // milliseconds
 
+/// A connection belongs to one thread, so the database needn't lock it.
 int flagsOf(Access access) {
     switch (access) {
     case Access::create:
-        return SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE;
+        return SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_NOMUTEX;
     case Access::write:
-        return SQLite::OPEN_READWRITE;
+        return SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX;
     case Access::read:
         break;
     }
-    return SQLite::OPEN_READONLY;
+    return SQLite::OPEN_READONLY | SQLite::OPEN_NOMUTEX;
 }
 
 [[noreturn]] void refuse(const fs::path &file, std::string_view reason) {

@@ -40,7 +40,7 @@ void StatusFormTest::showsTitlesIconAndBarsOfTheTask() {
     QVERIFY(!child<QLabel>(form, "imgIcon").pixmap(Qt::ReturnByValue).isNull());
 
     QVERIFY(thread.advance(0.5));
-    thread.Top.percent = 50;
+    thread.TopPercent = 50;
     thread.show({"Reading records", 50, 100, "File", 1, 4});
     QCOMPARE(form.windowTitle(), QStringLiteral("50% Norvelane Thread Status"));
     QCOMPARE(child<QLabel>(form, "labBar1Msg").text(), QStringLiteral("Reading records (50%)"));

@@ -120,8 +120,8 @@ void StatusForm::update(const ThreadClass &status) {
     m_messages[1]->setText(toQt(status.Msg2));
     m_messages[2]->setText(toQt(status.Msg3));
     showIcon(status);
-    showBar(m_top, status.Top);
-    showBar(m_bottom, status.Bottom);
+    showBar(m_top, status.topBar());
+    showBar(m_bottom, status.bottomBar());
     m_elapsed->setVisible(status.ShowTimeElapsed);
     m_elapsed->setText(toQt(status.GetTimeElapsed()));
 }
