@@ -22,6 +22,7 @@
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 #include <SQLiteCpp/SQLiteCpp.h>
 
 #include <deque>
@@ -69,6 +70,8 @@ struct OneZone final : SystemTime {
 /// A window over a program in a folder of its own.
 struct Desk {
     Desk() {
+        QObject::connect(&status, &StatusForm::cancelled, &status,
+                         [this] { program.thread.CancelTask = true; });
         fs::create_directories(folder.path() / "program");
         fs::create_directories(folder.path() / "home");
         fs::copy_file(NV_TIME_ZONES, folder.path() / "program" / "nvTZ.dat");
@@ -76,7 +79,7 @@ struct Desk {
     }
     test::TempFolder folder;
     Answers examiner;
-    StatusForm status;
+    StatusForm status{nullptr, std::chrono::milliseconds(0)};
     test::FixedClock clock;
     OneZone zone;
     OneNetwork network;
@@ -151,6 +154,7 @@ class MainWindowTest : public QObject {
     void theWizardWarnsOfANetworkAndStops();
     void theWizardRefusesAFolderThatIsNotThere();
     void anUntickedFileIsNotRead();
+    void cancelWorksAboveTheWizard();
     void aClickOnAHeadingSorts();
     void spaceAndClickTick();
     void theLayoutOutlivesCloseAndOpen();
@@ -259,6 +263,41 @@ void MainWindowTest::anUntickedFileIsNotRead() {
     });
     trigger(*m_form, "actImport");
     QCOMPARE(inProject("SELECT count(*) FROM SourceFiles"), std::string("1"));
+}
+
+void MainWindowTest::cancelWorksAboveTheWizard() {
+    test::IndexDat index(1024, 0);
+    test::IndexRecord record;
+    for (int i = 0; i < 60'000; ++i) {
+        record.url = "Visited: mara@http://host.example/" + std::to_string(i);
+        index.add(record);
+    }
+    const fs::path evidence = m_desk->folder.write("many/index.dat", index.bytes()).parent_path();
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actNew");
+    whenShown<ImportForm>([this, evidence](ImportForm &wizard) {
+        child<QLineEdit>(wizard, "txtStartingDirectory")
+            .setText(QString::fromStdString(evidence.string()));
+        auto &next = child<QPushButton>(wizard, "btnNext");
+        QTest::mouseClick(&next, Qt::LeftButton);
+        // Through the window and not the button: so a dialog that blocks it is noticed.
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, &wizard, [this, &poll] {
+            if (!m_desk->status.isVisible() || m_desk->program.thread.TopPercent < 1)
+                return;
+            poll.stop();
+            auto &cancel = child<QPushButton>(m_desk->status, "btnCancel");
+            QTest::mouseClick(m_desk->status.windowHandle(), Qt::LeftButton, {},
+                              cancel.mapTo(&m_desk->status, cancel.rect().center()));
+        });
+        poll.start(5);
+        QTest::mouseClick(&next, Qt::LeftButton);
+        QTest::mouseClick(&next, Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
+    const int rows = std::stoi(inProject("SELECT count(*) FROM URLs"));
+    QVERIFY2(rows > 0 && rows < 60'000, qPrintable(QString::number(rows)));
+    QCOMPARE(grid().model()->rowCount(), rows);
 }
 
 void MainWindowTest::aClickOnAHeadingSorts() {
