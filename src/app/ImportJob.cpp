@@ -99,9 +99,8 @@ std::string summaryText(const ImportSummary &summary) {
             text += artefactText(artefact);
     for (const auto &[reader, count] : unread)
         if (count > kListed)
-            text +=
-                fmt::format("{:<12} {} further files of the kind {}; the JSON form names them\n",
-                            stateWord(ArtefactState::notReadYet), count - kListed, reader);
+            text += fmt::format("{:<12} {} further files of the kind {}\n",
+                                stateWord(ArtefactState::notReadYet), count - kListed, reader);
     text +=
         fmt::format("{} rows from {} of {} artefacts; {} entries not reached, {} records passed "
                     "over\n",

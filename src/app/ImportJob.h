@@ -16,7 +16,7 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task,
 
 /// The artefact that a file named on the window's command line is: an Internet Explorer index or a
 /// Mork history by its contents, a recovered-record file. Nothing for any other.
-std::optional<HistoryFile> artefactOfCommandLine(const std::filesystem::path &file);
+std::optional<HistoryFile> artefactOfCommandLine(const std::filesystem::path &path);
 
 /// What became of each artefact, for people: a line each, with what was not reached or passed over.
 std::string summaryText(const ImportSummary &summary);

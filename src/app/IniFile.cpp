@@ -4,6 +4,8 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <charconv>
 
@@ -128,10 +130,10 @@ bool IniFile::WriteIniValue(std::string_view section, std::string_view key,
 }
 
 void IniFile::put(std::string_view section, std::string_view key, const std::string &value) {
-    const std::string line = std::string(key) + "=" + value;
+    const std::string line = fmt::format("{}={}", key, value);
     const auto range = rangeOf(m_lines, section);
     if (!range) {
-        m_lines.push_back("[" + std::string(section) + "]");
+        m_lines.push_back(fmt::format("[{}]", section));
         m_lines.push_back(line);
         return;
     }

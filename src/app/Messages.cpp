@@ -98,11 +98,6 @@ Message olderProject() {
         "any necessary internal data structures or relationships.");
 }
 
-Message runUpgradeWizard() {
-    return question("run-upgrade-wizard", "File Version Conflict",
-                    "Would you like to run the Upgrade Wizard utility now?", Answer::No);
-}
-
 Message versionCheckCanBeTurnedOff() {
     return notice("version-check-can-be-turned-off", "Disable Notification",
                   "You can turn off File Version Conflict checking through the Options menu on the "
@@ -110,8 +105,9 @@ Message versionCheckCanBeTurnedOff() {
                   Tone::Information);
 }
 
-Message zoneNotSet(std::string_view reason) {
-    return failure("zone-not-set", "Error Setting Time Zone", reason);
+Message zoneNotSet(int errorNumber) {
+    return failure("zone-not-set", "Error Setting Time Zone",
+                   fmt::format("Error Setting Time Zone ({})", errorNumber));
 }
 
 Message showOnlyWebpages() {
@@ -152,14 +148,6 @@ Message networkDetected() {
 
 Message importFailed(std::string_view reason) {
     return failure("import-failed", "Error Importing Files", reason);
-}
-
-Message importSummary(std::string text) {
-    return notice("import-summary", "Import", std::move(text), Tone::Information);
-}
-
-Message loadFailed(std::string_view reason) {
-    return failure("load-failed", "Error Loading Cache", reason);
 }
 
 Message columnsFailed(std::string_view reason) {

@@ -1,5 +1,6 @@
 #include "app/Project.h"
 
+#include "app/Messages.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "db/ProjectFields.h"
@@ -78,11 +79,14 @@ void openProject(Program &program, const fs::path &path) {
 bool setZone(Program &program, std::int64_t id) {
     ThisClass &state = program.thisClass;
     const Clock &clock = program.around.clock;
-    return ZoneDatabase(program.paths.zones(), program.log)
-        .SetNewTimeZone(state.GMTZone, static_cast<std::int32_t>(id),
-                        Date::fromTimePoint(clock.now() + clock.localOffset()),
-                        state.EnableDSTChanges)
-        .found;
+    const ZoneChange change =
+        ZoneDatabase(program.paths.zones(), program.log)
+            .SetNewTimeZone(state.GMTZone, static_cast<std::int32_t>(id),
+                            Date::fromTimePoint(clock.now() + clock.localOffset()),
+                            state.EnableDSTChanges);
+    if (change.errorNumber != 0)
+        program.around.examiner.tell(messages::zoneNotSet(change.errorNumber));
+    return change.found;
 }
 
 DateSettings dateSettings(const Program &program) {

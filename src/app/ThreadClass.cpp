@@ -33,7 +33,7 @@ void ThreadClass::OpenThread() {
     IsOpen = true;
     CancelTask = false;
     m_stepDue = true;
-    m_startTimer = m_localTimer = m_lastPump = m_seconds();
+    StartTimer = m_localTimer = m_lastPump = m_seconds();
     ResetThread();
     m_view.open();
     UpdateStatus();
@@ -41,15 +41,19 @@ void ThreadClass::OpenThread() {
 
 void ThreadClass::CloseThread() {
     IsOpen = false;
-    m_startTimer = 0;
+    StartTimer = 0;
     QueueIndex = QueueItemCount = 0;
     IconPath.clear();
     m_view.close();
 }
 
 void ThreadClass::ResetThread() {
-    Top = {};
-    Bottom = {};
+    TopVisible = BottomVisible = false;
+    TopPercent = BottomPercent = 0;
+    TopCounter = BottomCounter = 0;
+    TopTotal = BottomTotal = 0;
+    TopMessage.clear();
+    BottomMessage.clear();
 }
 
 void ThreadClass::UpdateStatus() {
@@ -60,13 +64,13 @@ void ThreadClass::UpdateStatus() {
 std::string ThreadClass::GetTimeElapsed() const {
     if (!IsOpen)
         return "00:00:00";
-    const auto seconds = static_cast<std::int64_t>(std::max(0.0, m_seconds() - m_startTimer));
+    const auto seconds = static_cast<std::int64_t>(std::max(0.0, m_seconds() - StartTimer));
     return fmt::format("{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
 }
 
 std::string ThreadClass::windowTitle() const {
-    if (Top.visible)
-        return fmt::format("{}% Norvelane Thread Status", Top.percent);
+    if (TopVisible)
+        return fmt::format("{}% Norvelane Thread Status", TopPercent);
     if (QueueItemCount > 1)
         return fmt::format("Thread Status - Queued: {}",
                            std::max<std::int64_t>(0, QueueItemCount - QueueIndex));
@@ -78,8 +82,8 @@ void ThreadClass::describe(const TaskHeading &heading) {
     Msg2 = heading.subject;
     Msg3 = heading.detail;
     IconPath = heading.icon;
-    Top.visible = true;
-    Bottom.visible = false;
+    TopVisible = true;
+    BottomVisible = false;
     m_stepDue = true;
     UpdateStatus();
 }
@@ -90,7 +94,7 @@ bool ThreadClass::advance(double fraction) {
         m_stepDue = true;
     if (now - m_lastPump >= kPumpStep) {
         m_lastPump = now;
-        Top.percent = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100);
+        TopPercent = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100);
         UpdateStatus();
     }
     return !CancelTask;
@@ -103,14 +107,14 @@ bool ThreadClass::wantsStep() const {
 void ThreadClass::show(const TaskStep &step) {
     m_stepDue = false;
     m_localTimer = m_seconds();
-    Top.message = step.topMessage;
-    Top.counter = step.topCounter;
-    Top.total = step.topTotal;
-    Bottom.visible = !step.bottomMessage.empty();
-    Bottom.message = step.bottomMessage;
-    Bottom.counter = step.bottomCounter;
-    Bottom.total = step.bottomTotal;
-    Bottom.percent = percentOf(Bottom.counter, Bottom.total);
+    TopMessage = step.topMessage;
+    TopCounter = step.topCounter;
+    TopTotal = step.topTotal;
+    BottomVisible = !step.bottomMessage.empty();
+    BottomMessage = step.bottomMessage;
+    BottomCounter = step.bottomCounter;
+    BottomTotal = step.bottomTotal;
+    BottomPercent = percentOf(BottomCounter, BottomTotal);
     UpdateStatus();
 }
 

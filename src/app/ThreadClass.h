@@ -21,7 +21,7 @@ class StatusView {
     virtual void pump() = 0;
 };
 
-/// One progress bar of the status window.
+/// What one progress bar of the status window shows.
 struct StatusBar {
     bool visible = false;
     std::string message;
@@ -47,8 +47,17 @@ class ThreadClass final : public TaskMonitor {
     std::string Msg1;
     std::string Msg2;
     std::string Msg3;
-    StatusBar Top;
-    StatusBar Bottom;
+    bool TopVisible = false; ///< the upper bar
+    std::string TopMessage;
+    std::int64_t TopCounter = 0;
+    std::int64_t TopTotal = 0;
+    int TopPercent = 0;
+    bool BottomVisible = false; ///< the lower bar
+    std::string BottomMessage;
+    std::int64_t BottomCounter = 0;
+    std::int64_t BottomTotal = 0;
+    int BottomPercent = 0;
+    double StartTimer = 0;             ///< when the task's clock began, in seconds of its own count
     double ProgressBarRefreshRate = 5; ///< seconds between two changes of the texts
 
     /// Shows the status window and starts the clock; a task inside a larger one, which finds it
@@ -60,6 +69,10 @@ class ThreadClass final : public TaskMonitor {
     void UpdateStatus();
     /// "hh:mm:ss" since StartTimer.
     std::string GetTimeElapsed() const;
+    StatusBar topBar() const { return {TopVisible, TopMessage, TopCounter, TopTotal, TopPercent}; }
+    StatusBar bottomBar() const {
+        return {BottomVisible, BottomMessage, BottomCounter, BottomTotal, BottomPercent};
+    }
     /// The title of the status window.
     std::string windowTitle() const;
 
@@ -73,7 +86,6 @@ class ThreadClass final : public TaskMonitor {
 
     StatusView &m_view;
     std::function<double()> m_seconds;
-    double m_startTimer = 0;
     double m_localTimer = 0; ///< of the last change of the texts
     double m_lastPump = 0;
     bool m_stepDue = true;

@@ -2,53 +2,46 @@
 
 #include "base/Files.h"
 #include "base/Trap.h"
+#include "db/Connection.h"
 #include "db/KeywordLists.h"
-#include "db/Schema.h"
-#include "db/SqlFunctions.h"
+#include "db/SchemaCatalogue.h"
 #include "db/SqliteErrors.h"
 #include "db/StoredQueries.h"
 
+#include <SQLiteCpp/VariadicBind.h>
 #include <fmt/format.h>
 
 namespace nv {
 
 namespace {
 
-/// "NVP1" in the file header tells our files from other SQLite databases.
-constexpr int kApplicationId = 0x4E565031;
-constexpr int kBusyTimeout = 5000; // milliseconds
+struct KeywordFlag {
+    std::string_view name;
+    std::string_view code;
+    const std::vector<std::string> &terms;
+};
 
-void describeTable(SQLite::Database &database, const schema::Table &table) {
-    SQLite::Statement insert(database, "INSERT INTO SchemaColumns VALUES (?, ?, ?, ?, ?, ?, ?)");
-    int ordinal = 0;
-    for (const schema::Column &column : table.columns) {
-        insert.bind(1, std::string(table.name));
-        insert.bind(2, std::string(column.name));
-        insert.bind(3, ordinal++);
-        insert.bind(4, std::string(schema::typeName(column.type)));
-        insert.bind(5, column.size);
-        insert.bind(6, std::string(column.label));
-        insert.bind(7, std::string(column.description));
-        insert.exec();
-        insert.reset();
-    }
+/// Every term with ";" behind it.
+std::string flagList(const std::vector<std::string> &terms) {
+    std::string list;
+    for (const std::string &term : terms)
+        list += term + ";";
+    return list;
 }
 
-void createTables(SQLite::Database &database) {
-    database.exec("CREATE TABLE SchemaColumns (TableName TEXT COLLATE NOCASE, ColumnName TEXT "
-                  "COLLATE NOCASE, Ordinal INTEGER, Type TEXT, DefinedSize INTEGER, Label TEXT, "
-                  "Description TEXT, PRIMARY KEY (TableName, ColumnName))");
-    for (const schema::Table &table : schema::projectTables()) {
-        database.exec(schema::createStatement(table));
-        describeTable(database, table);
-    }
-    database.exec("CREATE INDEX URLIndex ON URLs (URL)");
+void addFlag(SQLite::Database &database, const KeywordFlag &flag) {
+    SQLite::Statement insert(
+        database, "INSERT INTO KeywordFlags (FlagName, Keywords, FlagCode) SELECT ?, ?, "
+                  "?3 WHERE NOT EXISTS (SELECT 1 FROM KeywordFlags WHERE FlagCode = ?3)");
+    SQLite::bind(insert, std::string(flag.name), flagList(flag.terms), std::string(flag.code));
+    insert.exec();
 }
 
-void requireTables(SQLite::Database &database) {
-    for (const schema::Table &table : schema::projectTables())
-        if (!database.tableExists(std::string(table.name)))
-            throw StorageFailure(fmt::format("this is no project: it has no table {}", table.name));
+void removeFile(const std::filesystem::path &file) {
+    for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
+        std::error_code ignored;
+        std::filesystem::remove(file.native() + suffix, ignored);
+    }
 }
 
 } // namespace
@@ -67,49 +60,88 @@ SQLite::Database &DatabaseClass::connection() {
     return *m_database;
 }
 
-void DatabaseClass::openConnection(int flags) {
-    m_database = std::make_unique<SQLite::Database>(FilePath.string(), flags);
-    m_database->setBusyTimeout(kBusyTimeout);
-    if (flags & SQLite::OPEN_CREATE)
-        m_database->exec(
-            fmt::format("PRAGMA page_size=8192; PRAGMA application_id={}", kApplicationId));
-    // 64 MB of cache. WAL lets readers in while an import writes, and with NORMAL a crash of the
-    // program loses nothing that was committed.
-    m_database->exec("PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; "
-                     "PRAGMA cache_size=-65536; PRAGMA foreign_keys=ON; PRAGMA trusted_schema=OFF");
-    registerFunctions(*m_database);
-}
-
 bool DatabaseClass::CreateDatabaseProject() {
+    CloseDB();
     const auto failure = failureOf(m_log, "DatabaseClass.CreateDatabaseProject()", [this] {
-        openConnection(SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-        SQLite::Transaction transaction(*m_database);
-        createTables(*m_database);
-        StoredQueries(*m_database).createAll(m_clock, loadKeywordLists(KeywordFolder));
-        transaction.commit();
+        m_database = connect(FilePath, Access::create);
+        onFile(FilePath, [this] { fillNewProject(); });
     });
     if (failure)
         m_database.reset();
     return !failure;
 }
 
-void DatabaseClass::open() {
-    const auto failure = failureOf(m_log, "DatabaseClass.open()", [this] {
-        openConnection(SQLite::OPEN_READWRITE);
-        requireTables(*m_database);
+void DatabaseClass::fillNewProject() {
+    const auto tables = schema::projectTables();
+    SchemaCatalogue catalogue(*m_database);
+    SQLite::Transaction transaction(*m_database);
+    catalogue.create();
+    for (const schema::Table &table : tables.first(schema::kTablesBeforeQueries))
+        catalogue.add(table);
+    StoredQueries(*m_database).createAll(m_clock, loadKeywordLists(KeywordFolder, m_log));
+    for (const schema::Table &table : tables.subspan(schema::kTablesBeforeQueries))
+        catalogue.add(table);
+    catalogue.noteRelationships();
+    transaction.commit();
+}
+
+bool DatabaseClass::CreateMorkFileParser(const std::filesystem::path &file) {
+    return !failureOf(m_log, "DatabaseClass.CreateMorkFileParser()", [&file] {
+        removeFile(file);
+        const auto scratch = connect(file, Access::create);
+        onFile(file, [&scratch] {
+            for (const schema::Table &table : schema::morkTables())
+                scratch->exec(schema::createStatement(table));
+            scratch->exec("PRAGMA journal_mode=DELETE");
+        });
     });
-    if (!failure)
-        return;
-    m_database.reset();
-    throw StorageFailure(fmt::format("\"{}\": {}", textOf(FilePath), *failure));
+}
+
+void DatabaseClass::addOnFirstUse(const schema::Table &table) {
+    if (!m_database)
+        throw StorageFailure("no project is open");
+    if (!m_database->tableExists(std::string(table.name)))
+        SchemaCatalogue(*m_database).add(table);
+}
+
+bool DatabaseClass::PopulateKeywordFlags() {
+    return !failureOf(m_log, "DatabaseClass.PopulateKeywordFlags()", [this] {
+        const KeywordLists lists = loadKeywordLists(KeywordFolder, m_log);
+        onProject([&] {
+            addOnFirstUse(schema::keywordFlags());
+            addFlag(*m_database, {"Adult Content", "AC", lists.adultContent});
+            addFlag(*m_database, {"Sex Crimes", "CP", lists.childExploitation});
+        });
+    });
+}
+
+bool DatabaseClass::CreateFlaggedURLs() {
+    return !failureOf(m_log, "DatabaseClass.CreateFlaggedURLs()",
+                      [this] { onProject([this] { addOnFirstUse(schema::flaggedUrls()); }); });
+}
+
+void DatabaseClass::open() {
+    CloseDB();
+    m_database = connectToProject(FilePath, Access::write);
 }
 
 void DatabaseClass::CloseDB() {
     if (!m_database)
         return;
-    // Back to one file. When another program still reads it, the log stays until that one closes.
-    m_database->tryExec("PRAGMA optimize; PRAGMA journal_mode=DELETE");
+    m_database->tryExec("ROLLBACK");
+    m_database->tryExec("PRAGMA analysis_limit=400; PRAGMA optimize");
+    // The checkpoint succeeds while others read the project; leaving WAL does not, and then the
+    // next one to close it brings it into its one-file form.
+    m_database->tryExec("PRAGMA busy_timeout=0; PRAGMA wal_checkpoint(TRUNCATE)");
+    m_database->tryExec("PRAGMA journal_mode=DELETE");
+    const std::string why = m_database->getErrorMsg();
     m_database.reset();
+    std::error_code none;
+    const auto left = std::filesystem::file_size(FilePath.native() + "-wal", none);
+    if (!none && left > 0)
+        m_log.write({fmt::format("\"{0}-wal\" belongs to \"{0}\" and must stay beside it: {1}",
+                                 textOf(FilePath), why),
+                     "DatabaseClass.CloseDB()", Severity::Warning, std::string(kContactSupport)});
 }
 
 } // namespace nv

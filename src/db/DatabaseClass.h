@@ -12,6 +12,10 @@ class Database;
 
 namespace nv {
 
+namespace schema {
+struct Table;
+}
+
 /// The project file: one SQLite database with the documented tables, columns and stored queries.
 class DatabaseClass {
   public:
@@ -21,22 +25,36 @@ class DatabaseClass {
     DatabaseClass &operator=(const DatabaseClass &) = delete;
 
     std::filesystem::path FilePath;
+    /// The examiner's page templates (rebuild/); no table of theirs lies in a project.
+    std::filesystem::path TemplatesDBFilePath;
     /// Where the term lists of the keyword queries lie; read when a project is made.
     std::filesystem::path KeywordFolder;
 
     /// Makes the file at FilePath with the whole schema, and leaves it open. False on a failure,
-    /// which is logged; what was written stays on disk, and the next making needs it deleted.
+    /// which is logged; what was written stays on disk. A file that is there isn't touched: the
+    /// caller deletes it first.
     bool CreateDatabaseProject();
+    /// Makes a scratch file for a Mork history, over one that is there, and closes it. Needs no
+    /// project. False on a failure, which is logged.
+    bool CreateMorkFileParser(const std::filesystem::path &file);
+    /// Fills table `KeywordFlags`, made on first use, with the term lists that the keyword queries
+    /// look for. Flags that are there stay as they are. False on a failure, which is logged.
+    bool PopulateKeywordFlags();
+    /// Makes table `FlaggedURLs`, which no new project has. False on a failure, which is logged.
+    bool CreateFlaggedURLs();
+
     /// Opens the file at FilePath. Throws StorageFailure, saying what is wrong with the file.
     void open();
-    /// Commits, brings the file into its one-file form and closes it. Does nothing when closed.
+    /// Rolls a pending transaction back, brings the project into its one-file form and closes it.
+    /// Does nothing when closed. Statements on the connection must be gone by then.
     void CloseDB();
     bool isOpen() const;
     /// The one connection; only while open.
     SQLite::Database &connection();
 
   private:
-    void openConnection(int flags);
+    void fillNewProject();
+    void addOnFirstUse(const schema::Table &table);
 
     FailureLog &m_log;
     const Clock &m_clock;

@@ -6,7 +6,6 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <charconv>
 
 namespace nv {
 
@@ -17,19 +16,32 @@ struct Replacement {
     std::string_view with;
 };
 
-constexpr std::array<Replacement, 3> kFunctions = {
-    {{"Len", "length"}, {"UCase", "upper"}, {"LCase", "lower"}}};
+/// Built-ins of the same result, which read no more of a row than they must.
+constexpr std::array<Replacement, 5> kFunctions = {{{"Len", "length"},
+                                                    {"UCase", "upper"},
+                                                    {"LCase", "lower"},
+                                                    {"Mid", "substr"},
+                                                    {"Nz", "ifnull"}}};
 constexpr std::array<Replacement, 2> kConstants = {{{"True", "1"}, {"False", "0"}}};
 
-/// Puts the statement together; keeps for every open parenthesis the TOP that its SELECT asked for.
+constexpr std::array<std::string_view, 3> kCompounds = {"union", "except", "intersect"};
+
+/// What stands between two parentheses: one SELECT, or several that are joined.
+struct Level {
+    std::string_view limit; ///< the rows that TOP asked for
+    bool isCompound = false;
+};
+
+/// Puts the statement together, a level for every open parenthesis.
 class Translation {
   public:
-    explicit Translation(std::string_view sql) : m_tokens(tokensOf(sql)), m_limits(1) {}
+    explicit Translation(std::string_view sql) : m_tokens(tokensOf(sql)), m_levels(1) {}
 
     std::string run() {
         for (m_at = 0; m_at < m_tokens.size(); ++m_at)
             take(m_tokens[m_at]);
-        closeLevel();
+        while (!m_levels.empty())
+            closeLevel();
         return std::move(m_out);
     }
 
@@ -73,12 +85,17 @@ class Translation {
             throw DialectError(fmt::format("\"{}\" is no date: month/day/year or year-month-day "
                                            "was expected",
                                            token.inner));
-        m_out += fmt::format("{:.10f}", date->days());
+        // As many digits as bring the same number back: whole seconds compare as equal.
+        // In parentheses: behind a minus a negative number would begin a comment.
+        m_out += fmt::format("({})", date->days());
     }
 
     void takeWord(const Token &token) {
         if (equalsNoCase(token.source, "top") && followsSelect() && !isColumnHere())
             return takeTop();
+        for (const std::string_view compound : kCompounds)
+            if (equalsNoCase(token.source, compound))
+                m_levels.back().isCompound = true;
         const bool isCall = symbolBehind('(');
         const bool isMember = symbolBehind('.') || precededBy('.');
         for (const Replacement &function : kFunctions)
@@ -105,15 +122,15 @@ class Translation {
         if (const std::size_t next = nextMeaning(count);
             next < m_tokens.size() && equalsNoCase(m_tokens[next].source, "percent"))
             throw DialectError("TOP with PERCENT is not understood: a number of rows was expected");
-        m_limits.back() = digits;
+        m_levels.back().limit = digits;
         m_at = count;
     }
 
     void takeSymbol(const Token &token) {
         const char c = token.source.front();
         if (c == '(') {
-            m_limits.emplace_back();
-        } else if (c == ')' && m_limits.size() > 1) {
+            m_levels.emplace_back();
+        } else if (c == ')' && m_levels.size() > 1) {
             closeLevel();
         } else if (c == ';') {
             if (nextMeaning(m_at) < m_tokens.size())
@@ -126,11 +143,13 @@ class Translation {
 
     /// The rows that TOP asked for are the end of its SELECT.
     void closeLevel() {
-        if (!m_limits.back().empty())
-            m_out += fmt::format(" LIMIT {}", m_limits.back());
-        m_limits.pop_back();
-        if (m_limits.empty())
-            m_limits.emplace_back();
+        const Level &level = m_levels.back();
+        if (!level.limit.empty() && level.isCompound)
+            throw DialectError("TOP beside UNION is not understood: put its SELECT in parentheses, "
+                               "as SELECT * FROM (SELECT TOP ...)");
+        if (!level.limit.empty())
+            m_out += fmt::format(" LIMIT {}", level.limit);
+        m_levels.pop_back();
     }
 
     std::size_t nextMeaning(std::size_t at) const {
@@ -167,67 +186,18 @@ class Translation {
     bool precededBy(char c) const { return wordBefore() == std::string_view(&c, 1); }
 
     std::vector<Token> m_tokens;
-    std::vector<std::string_view> m_limits;
+    std::vector<Level> m_levels;
     std::string m_out;
     std::size_t m_at = 0;
 };
 
-/// Numbers of a date or time, separated by one of `separators`.
-std::vector<int> numbersOf(std::string_view text, std::string_view separators) {
-    std::vector<int> numbers;
-    while (!text.empty()) {
-        int value = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (error != std::errc() || value < 0)
-            return {};
-        numbers.push_back(value);
-        text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-        if (text.empty())
-            break;
-        if (separators.find(text.front()) == std::string_view::npos || text.size() == 1)
-            return {};
-        text.remove_prefix(1);
-    }
-    return numbers;
-}
-
-bool takeTime(std::string_view text, CivilTime &civil) {
-    const bool pm = text.size() > 2 && equalsNoCase(text.substr(text.size() - 2), "pm");
-    const bool am = text.size() > 2 && equalsNoCase(text.substr(text.size() - 2), "am");
-    const std::vector<int> parts =
-        numbersOf(trim(pm || am ? text.substr(0, text.size() - 2) : text), ":");
-    if (parts.empty() || parts.size() > 3 || (parts.size() == 1 && !pm && !am))
-        return false;
-    if ((pm || am) && (parts[0] < 1 || parts[0] > 12))
-        return false;
-    civil.hour = pm || am ? parts[0] % 12 + (pm ? 12 : 0) : parts[0];
-    civil.minute = parts.size() > 1 ? parts[1] : 0;
-    civil.second = parts.size() > 2 ? parts[2] : 0;
-    return true;
-}
-
 } // namespace
 
 std::string translate(std::string_view sql) {
+    if (sql.find('\0') != std::string_view::npos)
+        throw DialectError("the statement holds a zero character, and what stands behind it would "
+                           "not be read");
     return Translation(sql).run();
-}
-
-std::optional<Date> parseDateLiteral(std::string_view text) {
-    text = trim(text);
-    const std::size_t gap = text.find_first_of(" T");
-    const std::string_view day = text.substr(0, gap);
-    const std::vector<int> parts = numbersOf(day, "/-");
-    if (parts.size() != 3)
-        return std::nullopt;
-    const bool yearFirst = parts[0] > 31 || day.find('-') == 4;
-    CivilTime civil;
-    civil.year = yearFirst ? parts[0] : parts[2];
-    civil.month = yearFirst ? parts[1] : parts[0];
-    civil.day = yearFirst ? parts[2] : parts[1];
-    if (gap != std::string_view::npos && !takeTime(trim(text.substr(gap + 1)), civil))
-        return std::nullopt;
-    const Date date = Date::fromCivil(civil);
-    return date.has() ? std::optional(date) : std::nullopt;
 }
 
 std::string quotedName(std::string_view name) {

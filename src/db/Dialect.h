@@ -9,13 +9,14 @@
 
 namespace nv {
 
-/// A statement of the project's dialect as SQLite reads it: #dates#, True and False, Len, UCase and
-/// LCase, TOP n, [names], "texts" and & are replaced token by token; nothing inside of a text or a
-/// name is touched. Throws DialectError, also for a LIKE pattern that can't work.
+/// A statement of the project's dialect as SQLite reads it: #dates#, True and False, Len, UCase,
+/// LCase, Mid and Nz, TOP n, [names], "texts" and & are replaced token by token; nothing inside of
+/// a text or a name is touched. Throws DialectError, also for a LIKE pattern that can't work.
 std::string translate(std::string_view sql);
 
 /// A date as examiners write it: "1/15/2009" (month first) or "2009-01-15", with or without a time
-/// such as "3:05:00 PM". Nothing when it is none.
+/// such as "3:05:00 PM"; a year of two digits lies in 1930 to 2029. Nothing when it is none: a
+/// thirteenth month is refused and not read as a day.
 std::optional<Date> parseDateLiteral(std::string_view text);
 
 /// A name or a text so that it can't end early, for statements that the program builds.

@@ -2,26 +2,45 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
+#include "base/Trap.h"
+#include "db/LikePattern.h"
 
 namespace nv {
 
 namespace {
 
-std::vector<std::string> termsOf(const std::filesystem::path &file) {
+constexpr std::string_view kProcedure = "DatabaseClass.loadKeywordLists()";
+constexpr std::string_view kAdvice = "Queries of new projects that look for its terms find nothing";
+
+/// A term that is no pattern is logged and left out: it would end the making of a project.
+std::vector<std::string> termsOf(const std::filesystem::path &file, FailureLog &log) {
     std::vector<std::string> terms;
-    if (!std::filesystem::is_regular_file(file))
-        return terms;
+    RecordTrap trap(log, kProcedure);
     const Bytes bytes = readWhole(file);
-    for (const std::string_view line : split(ByteView(bytes).raw(), '\n'))
-        if (const std::string_view term = trim(line.substr(0, line.find('#'))); !term.empty())
-            terms.push_back(decodeText(term));
+    std::uint64_t lineNumber = 0;
+    for (const std::string_view line : split(ByteView(bytes).raw(), '\n')) {
+        ++lineNumber;
+        for (const std::string_view part : split(line.substr(0, line.find('#')), ';'))
+            trap.run(lineNumber, [&] {
+                const std::string term = decodeText(trim(part));
+                LikePattern::check(term);
+                if (!term.empty())
+                    terms.push_back(term);
+            });
+    }
     return terms;
 }
 
 } // namespace
 
-KeywordLists loadKeywordLists(const std::filesystem::path &folder) {
-    return {termsOf(folder / "child-exploitation.txt"), termsOf(folder / "adult-content.txt")};
+KeywordLists loadKeywordLists(const std::filesystem::path &folder, FailureLog &log) {
+    if (folder.empty())
+        return {};
+    const auto read = [&](const char *name) {
+        return trapped(log, Severity::Warning, kProcedure, kAdvice, std::vector<std::string>(),
+                       [&] { return termsOf(folder / name, log); });
+    };
+    return {read("child-exploitation.txt"), read("adult-content.txt")};
 }
 
 } // namespace nv

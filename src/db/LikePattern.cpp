@@ -21,8 +21,16 @@ Letter letterAt(std::string_view text, std::size_t at) {
     if (bytes == 1 || text.size() - at < bytes)
         return {lead, 1};
     char32_t code = lead & (0x7Fu >> bytes);
-    for (std::size_t i = 1; i < bytes; ++i)
-        code = code << 6 | (static_cast<unsigned char>(text[at + i]) & 0x3Fu);
+    for (std::size_t i = 1; i < bytes; ++i) {
+        const auto next = static_cast<unsigned char>(text[at + i]);
+        if ((next & 0xC0) != 0x80)
+            return {lead, 1};
+        code = code << 6 | (next & 0x3Fu);
+    }
+    // A longer form than needed must not pass for one of the pattern's own characters.
+    constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (code < kSmallest[bytes])
+        return {lead, 1};
     return {code, bytes};
 }
 
@@ -100,14 +108,19 @@ void LikePattern::check(std::string_view pattern) {
         throw DialectError(std::string(kInvalidPattern));
 }
 
-/// False for a list that isn't closed. Of several "%" in a row one is kept.
+/// False for a list that isn't closed or a range that runs backwards. Of several "%" in a row one
+/// is kept.
 bool LikePattern::addSteps(std::u32string_view letters) {
     for (std::size_t at = 0; at < letters.size(); ++at) {
         if (letters[at] == U'[') {
             const std::size_t end = letters.find(U']', at + 1);
             if (end == std::u32string_view::npos)
                 return false;
-            m_steps.push_back(listStep(letters.substr(at + 1, end - at - 1)));
+            const auto step = listStep(letters.substr(at + 1, end - at - 1));
+            if (!step)
+                return false;
+            if (end > at + 1) // "[]" is no text
+                m_steps.push_back(*step);
             at = end;
             continue;
         }
@@ -120,26 +133,32 @@ bool LikePattern::addSteps(std::u32string_view letters) {
     return true;
 }
 
-LikePattern::Step LikePattern::listStep(std::u32string_view list) {
+std::optional<LikePattern::Step> LikePattern::listStep(std::u32string_view list) {
     Step step{Kind::list, 0, false, {}};
-    if (!list.empty() && list.front() == U'!') {
+    if (list.size() > 1 && list.front() == U'!') {
         step.negated = true;
         list.remove_prefix(1);
     }
     for (std::size_t at = 0; at < list.size(); ++at) {
         const bool isRange = at + 2 < list.size() && list[at + 1] == U'-';
-        step.ranges.push_back({folded(list[at]), folded(list[isRange ? at + 2 : at])});
+        const Range range{list[at], list[isRange ? at + 2 : at]};
+        if (range.first > range.last)
+            return std::nullopt;
+        step.ranges.push_back(range);
+        step.ranges.push_back({folded(range.first), folded(range.last)});
         at += isRange ? 2 : 0;
     }
     return step;
 }
 
 bool LikePattern::matchesStep(const Step &step, char32_t letter) {
-    if (step.kind != Kind::list)
-        return step.kind == Kind::anyLetter || step.letter == folded(letter);
     const char32_t c = folded(letter);
-    const bool found = std::any_of(step.ranges.begin(), step.ranges.end(),
-                                   [c](const Range &r) { return c >= r.first && c <= r.last; });
+    if (step.kind != Kind::list)
+        return step.kind == Kind::anyLetter || step.letter == c;
+    const bool found =
+        std::any_of(step.ranges.begin(), step.ranges.end(), [letter, c](const Range &r) {
+            return (c >= r.first && c <= r.last) || (letter >= r.first && letter <= r.last);
+        });
     return found != step.negated;
 }
 

@@ -12,7 +12,7 @@ namespace nv {
 /// stand for themselves.
 class LikePattern {
   public:
-    /// Nothing for a "[" that isn't closed.
+    /// Nothing for a "[" that isn't closed and for a range that runs backwards.
     static std::optional<LikePattern> compile(std::string_view pattern);
     /// Throws DialectError "Invalid pattern string" for what can't be compiled.
     static void check(std::string_view pattern);
@@ -33,7 +33,7 @@ class LikePattern {
     };
 
     bool addSteps(std::u32string_view letters);
-    static Step listStep(std::u32string_view list);
+    static std::optional<Step> listStep(std::u32string_view list);
     bool matchesSteps(std::string_view text) const;
     static bool matchesStep(const Step &step, char32_t letter);
 

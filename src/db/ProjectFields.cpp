@@ -5,8 +5,8 @@
 #include "db/Dialect.h"
 #include "db/Schema.h"
 #include "db/SqliteErrors.h"
+#include "time/DateFormat.h"
 
-#include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
 #include <charconv>
@@ -22,11 +22,38 @@ std::string tableName(std::string_view name) {
     return quotedName(name);
 }
 
-std::string columnName(std::string_view table, std::string_view name) {
+const schema::Column &columnOf(std::string_view table, std::string_view name) {
     const schema::Table *known = schema::findTable(table);
-    if (!known || !schema::findColumn(*known, name))
+    const schema::Column *column = known ? schema::findColumn(*known, name) : nullptr;
+    if (!column)
         throw DialectError(fmt::format("table \"{}\" has no column \"{}\"", table, name));
-    return quotedName(name);
+    return *column;
+}
+
+std::string columnName(std::string_view table, std::string_view name) {
+    return quotedName(columnOf(table, name).name);
+}
+
+std::string shown(const schema::Column &column, const SQLite::Column &value) {
+    if (column.type != schema::ColumnType::Date || value.isNull())
+        return std::string(trim(value.getString()));
+    return formatDate(Date::fromDays(value.getDouble()),
+                      fmt::format("{} {}", kDateFormat, kTimeFormat));
+}
+
+/// Numbers find their way from text by themselves; "True" and dates don't.
+void bindTo(const schema::Column &column, SQLite::Statement &statement, std::string_view value) {
+    const auto date = parseDateLiteral(value);
+    if (column.type == schema::ColumnType::YesNo && equalsNoCase(value, "true"))
+        statement.bind(1, 1);
+    else if (column.type == schema::ColumnType::YesNo && equalsNoCase(value, "false"))
+        statement.bind(1, 0);
+    else if (column.type == schema::ColumnType::Date && value.empty())
+        statement.bind(1);
+    else if (column.type == schema::ColumnType::Date && date)
+        statement.bind(1, date->days());
+    else
+        statement.bind(1, std::string(value));
 }
 
 template <class Result, class Body>
@@ -44,7 +71,7 @@ std::string ProjectFields::GetDB3Field(std::string_view field, std::string_view 
                                                       columnName(table, field), tableName(table),
                                                       columnName(table, key)));
         row.bind(1, std::string(keyValue));
-        return row.executeStep() ? std::string(trim(row.getColumn(0).getString())) : std::string();
+        return row.executeStep() ? shown(columnOf(table, field), row.getColumn(0)) : std::string();
     });
 }
 
@@ -65,13 +92,14 @@ bool ProjectFields::PutDBField(std::string_view value, std::string_view keyValue
         SQLite::Statement update(m_database,
                                  fmt::format("UPDATE {} SET {} = ? WHERE {} = ?", tableName(table),
                                              columnName(table, field), columnName(table, key)));
-        update.bind(1, std::string(value));
+        bindTo(columnOf(table, field), update, value);
         update.bind(2, std::string(keyValue));
         if (onProject([&] { return update.exec(); }) > 0)
             return true;
         if (!equalsNoCase(table, "DefaultSettings"))
             throw DialectError(fmt::format("table {} has no row {}", table, keyValue));
-        SQLite::Statement insert(m_database, "INSERT INTO DefaultSettings VALUES (?, ?)");
+        SQLite::Statement insert(m_database, "INSERT INTO DefaultSettings (DefaultName, "
+                                             "DefaultValue) VALUES (?, ?)");
         insert.bind(1, std::string(keyValue));
         insert.bind(2, std::string(value));
         return onProject([&] { return insert.exec(); }) == 1;

@@ -21,11 +21,13 @@ class ProjectFields {
     /// Both must outlive this.
     ProjectFields(SQLite::Database &database, FailureLog &log) : m_database(database), m_log(log) {}
 
-    /// The field's value as trimmed text; empty when there is no such row.
+    /// The field's value as trimmed text, a date as "2009-01-15 12:00:00"; empty when there is no
+    /// such row.
     std::string GetDB3Field(std::string_view field, std::string_view table, std::string_view key,
                             std::string_view keyValue) const;
     std::int64_t GetRecordCount(std::string_view column, std::string_view table) const;
-    /// Sets a field of the row with the key. A row of `DefaultSettings` is added when it isn't
+    /// Sets a field of the row with the key; dates as query texts have them, "True" and "False" are
+    /// understood. A row of `DefaultSettings` is added when it isn't
     /// there.
     bool PutDBField(std::string_view value, std::string_view keyValue, std::string_view key,
                     std::string_view table, std::string_view field,

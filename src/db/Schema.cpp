@@ -41,9 +41,22 @@ std::string definition(const Table &table, const Column &column) {
         text += fmt::format("({})", column.size);
     if (column.type == ColumnType::Text || column.type == ColumnType::Memo)
         text += " COLLATE NOCASE";
+    // A row that a tool adds without the flag is a plain No, and not neither of both.
+    if (column.type == ColumnType::YesNo)
+        text += " DEFAULT 0";
+    // With AUTOINCREMENT a number is never given twice: a report's record number must not name
+    // another record after a deletion.
     if (column.isKey)
-        text += fmt::format(" CONSTRAINT \"{}\" PRIMARY KEY", table.primaryKey);
+        text += fmt::format(" CONSTRAINT \"{}\" PRIMARY KEY AUTOINCREMENT", table.primaryKey);
     return text;
+}
+
+std::string foreignKey(const Relationship &r) {
+    // A rebuild empties a page's tags before it fills them anew; their options go with them.
+    const bool owned = r.toTable == "TagOptions";
+    return fmt::format("CONSTRAINT \"{}\" FOREIGN KEY (\"{}\") REFERENCES \"{}\" (\"{}\"){}",
+                       r.name, r.toColumn, r.fromTable, r.fromColumn,
+                       owned ? " ON DELETE CASCADE" : "");
 }
 
 } // namespace
@@ -58,10 +71,20 @@ std::string createStatement(const Table &table) {
         lines += (lines.empty() ? "    " : ",\n    ") + definition(table, column);
     for (const Relationship &r : relationships())
         if (r.toTable == table.name)
-            lines += fmt::format(",\n    CONSTRAINT \"{}\" FOREIGN KEY (\"{}\") REFERENCES \"{}\" "
-                                 "(\"{}\")",
-                                 r.name, r.toColumn, r.fromTable, r.fromColumn);
+            lines += ",\n    " + foreignKey(r);
     return fmt::format("CREATE TABLE \"{}\" (\n{}\n)", table.name, lines);
+}
+
+std::string createStatement(const Index &index) {
+    return fmt::format("CREATE INDEX \"{}\" ON \"{}\" (\"{}\")", index.name, index.table,
+                       index.column);
+}
+
+std::string validationText(const Column &column, int order) {
+    constexpr int kWidth = 1000;
+    if (column.label.empty())
+        return {};
+    return fmt::format("show:{:02}:{:05}:{}", order, kWidth, column.label);
 }
 
 const Table *findTable(std::string_view name) {

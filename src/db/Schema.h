@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -34,6 +35,15 @@ struct Relationship {
     std::string_view toColumn;
 };
 
+struct Index {
+    std::string_view name;
+    std::string_view table;
+    std::string_view column;
+};
+
+/// How many tables are made before the stored queries, the rest after them.
+inline constexpr std::size_t kTablesBeforeQueries = 7;
+
 /// The tables of a new project, in the order of their making.
 std::span<const Table> projectTables();
 /// Made on first use only.
@@ -43,13 +53,19 @@ const Table &keywordFlags();
 std::span<const Table> morkTables();
 /// In the order of their making.
 std::span<const Relationship> relationships();
+/// Besides the keys. A relationship that is followed from its parent has one of its own name.
+std::span<const Index> indexes();
 
 const Table *findTable(std::string_view name);
 const Column *findColumn(const Table &table, std::string_view name);
 
 std::string_view typeName(ColumnType type);
+/// What the project says of a column for tables that show it: "show:", two digits of its order,
+/// five of its width in twips, its label. Empty without a label.
+std::string validationText(const Column &column, int order);
 /// CREATE TABLE with the documented names; relationships that end in the table are its foreign
 /// keys.
 std::string createStatement(const Table &table);
+std::string createStatement(const Index &index);
 
 } // namespace nv::schema

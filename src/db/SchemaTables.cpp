@@ -132,6 +132,13 @@ constexpr std::array<Relationship, 6> kRelationships = {{
     {"TagOptions_Relationship", "Tags", "Tag_ID", "TagOptions", "Tag_ID"},
 }};
 
+constexpr std::array<Index, 4> kIndexes = {{
+    {"URLIndex", "URLs", "URL"},
+    {"Links_Relationship", "Links", "URL_ID"},
+    {"URLTags_Relationship", "Tags", "URL_ID"},
+    {"TagOptions_Relationship", "TagOptions", "Tag_ID"},
+}};
+
 } // namespace
 
 std::span<const Table> projectTables() {
@@ -171,6 +178,10 @@ std::span<const Table> morkTables() {
 
 std::span<const Relationship> relationships() {
     return kRelationships;
+}
+
+std::span<const Index> indexes() {
+    return kIndexes;
 }
 
 } // namespace nv::schema

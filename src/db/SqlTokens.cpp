@@ -66,8 +66,8 @@ Token tokenAt(std::string_view sql, std::size_t at) {
         return plain(TokenKind::blank, sql, at, endOfComment(sql, at));
     if (c == '\'' || c == '"')
         return quoted(TokenKind::text, sql, at, c);
-    if (c == '[')
-        return quoted(TokenKind::name, sql, at, ']');
+    if (c == '[' || c == '`')
+        return quoted(TokenKind::name, sql, at, c == '[' ? ']' : '`');
     if (c == '#')
         return quoted(TokenKind::date, sql, at, '#');
     if (isWordCharacter(c))

@@ -18,7 +18,7 @@ enum class TokenKind {
     blank,  ///< white space or a comment
     word,   ///< name, keyword or number
     text,   ///< 'text' or "text"
-    name,   ///< [name]
+    name,   ///< [name] or `name`
     date,   ///< #date#
     symbol, ///< one character of anything else
 };

@@ -2,12 +2,14 @@
 
 #include "base/Files.h"
 
+#include <fmt/format.h>
 #include <sqlite3.h>
 
 namespace nv {
 
 void throwMeaning(const SQLite::Exception &error) {
-    switch (error.getErrorCode()) {
+    constexpr int kPrimaryCode = 0xFF; // the rest of a code says more than is needed here
+    switch (error.getErrorCode() & kPrimaryCode) {
     case SQLITE_FULL:
     case SQLITE_READONLY:
     case SQLITE_IOERR:
@@ -21,6 +23,10 @@ void throwMeaning(const SQLite::Exception &error) {
     default:
         throw SQLite::Exception(error);
     }
+}
+
+void throwFailureOf(const std::filesystem::path &file, const SQLite::Exception &error) {
+    throw StorageFailure(fmt::format("\"{}\": {}", textOf(file), error.what()));
 }
 
 } // namespace nv

@@ -2,6 +2,7 @@
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include <filesystem>
 #include <utility>
 
 namespace nv {
@@ -9,14 +10,28 @@ namespace nv {
 /// Throws what a database error means: a StorageFailure when the file can't be read or written any
 /// more (disk full, read-only, damaged, not a database), otherwise the error itself again.
 [[noreturn]] void throwMeaning(const SQLite::Exception &error);
+/// Throws a StorageFailure that names the file.
+[[noreturn]] void throwFailureOf(const std::filesystem::path &file, const SQLite::Exception &error);
 
-/// Runs `body` on the project; the only place where database errors are told apart.
+// The only places where database errors are told apart.
+
+/// Runs `body`, which reads or writes the open project.
 template <class Body>
 decltype(auto) onProject(Body &&body) {
     try {
         return std::forward<Body>(body)();
     } catch (const SQLite::Exception &error) {
         throwMeaning(error);
+    }
+}
+
+/// Runs `body`, which opens or makes `file`: any error of the database is a StorageFailure.
+template <class Body>
+decltype(auto) onFile(const std::filesystem::path &file, Body &&body) {
+    try {
+        return std::forward<Body>(body)();
+    } catch (const SQLite::Exception &error) {
+        throwFailureOf(file, error);
     }
 }
 

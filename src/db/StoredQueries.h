@@ -21,7 +21,8 @@ struct StoredQuery {
 
 /// The stored queries of a project. Each has its text as the examiner wrote it in table
 /// `StoredQueries` and a real view of its name with the translation, so that any SQLite program can
-/// read it. Errors of the database and of the dialect are thrown and leave everything as it was.
+/// read it. Errors of the database and of the dialect are thrown and leave everything as it was; a
+/// project that can't be written gives a StorageFailure.
 class StoredQueries {
   public:
     explicit StoredQueries(SQLite::Database &database) : m_database(database) {}
@@ -35,10 +36,13 @@ class StoredQueries {
     /// Adds the query or replaces its text.
     void save(const StoredQuery &query);
     void remove(std::string_view name);
-    /// "_DEFAULT" gets its first text back when it is there.
+    /// "_DEFAULT" gets its first text, and is made when it isn't there.
     void ResetDEFAULTQuery();
 
   private:
+    /// Both as they stand in SQL.
+    void replaceView(const std::string &view, const std::string &select);
+
     SQLite::Database &m_database;
 };
 

@@ -2,6 +2,9 @@
 
 #include "base/Text.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace nv {
 
 namespace {
@@ -9,11 +12,9 @@ namespace {
 constexpr std::size_t kCharsOfExtension = 4;
 
 bool isListed(std::string_view word, std::string_view list) {
-    for (std::size_t end; (end = list.find(';')) != std::string_view::npos;
-         list.remove_prefix(end + 1))
-        if (equalsNoCase(list.substr(0, end), word))
-            return true;
-    return false;
+    const std::vector<std::string_view> entries = split(list, ';');
+    return std::any_of(entries.begin(), entries.end() - 1, // what follows the last ";" is none
+                       [word](std::string_view entry) { return equalsNoCase(entry, word); });
 }
 
 } // namespace

@@ -51,7 +51,7 @@ class Scan {
     void scanFolders(const fs::path &start) {
         const auto depth = m_job.RecurseSubfolders ? Depth::allBelow : Depth::thisFolder;
         const auto folders = GetFolderList(start, depth, m_task, m_log, m_result.gaps);
-        const double count = static_cast<double>(folders.size());
+        const auto count = static_cast<double>(folders.size());
         for (std::size_t i = 0; i < folders.size() && goOn(static_cast<double>(i) / count); ++i) {
             showFolder(folders[i], i + 1, folders.size());
             attempt(folders[i], [&] { scanFolder(folders[i], static_cast<double>(i) / count); });

@@ -75,7 +75,6 @@ int runProgram(QApplication &application, SplashForm &splash) {
 int main(int argc, char **argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("norvelane"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Norvelane"));
     QApplication::setWindowIcon(icon("norvelane-logo"));
     try {
         SplashForm splash({});

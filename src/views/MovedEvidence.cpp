@@ -11,9 +11,6 @@
 
 namespace nv {
 namespace {
-struct NoLog : FailureLog {
-    void write(const Failure &) override {}
-} noLog;
 
 /// Which rows are known to hold which folder: "<highest URL_ID seen> <folder>". Reading a million
 /// wide rows at each load only to find nothing would be most of the load.
@@ -25,8 +22,8 @@ std::int64_t highestId(SQLite::Database &database) {
 }
 
 /// The highest row that is known to hold `root`; 0 when none is.
-std::int64_t seenWith(SQLite::Database &database, std::string_view root) {
-    const std::string seen = ProjectFields(database, noLog).GetDefault(kSeenName);
+std::int64_t seenWith(const ProjectFields &fields, std::string_view root) {
+    const std::string seen = fields.GetDefault(kSeenName);
     std::int64_t id = 0;
     const auto [end, error] = std::from_chars(seen.data(), seen.data() + seen.size(), id);
     const std::string_view folder(end, static_cast<std::size_t>(seen.data() + seen.size() - end));
@@ -67,19 +64,20 @@ std::string asRootPath(std::string_view folder) {
     return root;
 }
 
-std::optional<std::int64_t> mendRootPath(SQLite::Database &database, std::string_view RootPath,
-                                         TaskMonitor &task) {
+std::optional<std::int64_t> mendRootPath(SQLite::Database &database, FailureLog &log,
+                                         std::string_view RootPath, TaskMonitor &task) {
     const std::string root = asRootPath(RootPath);
     if (root.empty() || root == "/")
         return 0;
+    ProjectFields fields(database, log);
     const std::int64_t highest = highestId(database);
-    const std::int64_t seen = seenWith(database, root);
+    const std::int64_t seen = seenWith(fields, root);
     if (seen == highest)
         return 0;
     const auto changed = giveRoot(database, root, seen, task);
     const std::string mark = fmt::format("{} {}", highest, root);
     if (changed && mark.size() <= kLongestValue)
-        ProjectFields(database, noLog).SaveDefaultSetting(kSeenName, mark);
+        fields.SaveDefaultSetting(kSeenName, mark);
     return changed;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
 
 #include <cstdint>
@@ -20,8 +21,8 @@ namespace nv {
 /// import. The number of rows that were changed; nothing, and none changed, when the task was
 /// cancelled. Rows that an earlier call has seen with the same folder aren't read again. Throws
 /// what the database says.
-std::optional<std::int64_t> mendRootPath(SQLite::Database &database, std::string_view RootPath,
-                                         TaskMonitor &task);
+std::optional<std::int64_t> mendRootPath(SQLite::Database &database, FailureLog &log,
+                                         std::string_view RootPath, TaskMonitor &task);
 
 /// With a separator at its end, as rows hold it.
 std::string asRootPath(std::string_view folder);

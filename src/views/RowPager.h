@@ -23,6 +23,8 @@ class RowPager {
 
     RowPager(SQLite::Database &database, FailureLog &log, const RowIds &ids);
     ~RowPager();
+    RowPager(const RowPager &) = delete;
+    RowPager &operator=(const RowPager &) = delete;
 
     /// The columns that rows are read with. Pages are read anew when one comes that they don't
     /// hold.

@@ -50,6 +50,8 @@ class RowReader {
   public:
     RowReader(SQLite::Database &database, std::span<const UrlColumn> columns);
     ~RowReader();
+    RowReader(const RowReader &) = delete;
+    RowReader &operator=(const RowReader &) = delete;
 
     bool reads(UrlColumn column) const { return m_reads.at(indexOf(column)); }
     /// Throws what the database says.

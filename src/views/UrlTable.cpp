@@ -34,7 +34,7 @@ LoadResult resultOf(Walk walk) {
 /// Keeps cells from using the connection while a statement of the table is at work on it.
 class UrlTable::Busy {
   public:
-    explicit Busy(bool &flag) : m_flag(flag) { m_flag = true; }
+    explicit Busy(bool &flag) : m_flag(flag) { flag = true; }
     ~Busy() { m_flag = false; }
     Busy(const Busy &) = delete;
     Busy &operator=(const Busy &) = delete;
@@ -76,7 +76,7 @@ LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
 /// the same. False when cancelled.
 bool UrlTable::prepareProject(TaskMonitor &task) {
     return trapped(m_log, Severity::Low, kProcedure, kNotSerious, true, [&] {
-        return mendRootPath(m_project, RootPath, task).has_value() &&
+        return mendRootPath(m_project, m_log, RootPath, task).has_value() &&
                ensureDateIndex(m_project, task) != IndexState::Cancelled;
     });
 }

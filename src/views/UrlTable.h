@@ -47,7 +47,7 @@ class UrlTable {
     /// the list as it was. A column that isn't sortable changes nothing.
     LoadResult sortBy(UrlColumn column, SortDirection direction, TaskMonitor &task);
     /// The same by an entry of the `Sort By` menu.
-    LoadResult sortBy(SortChoice choice, TaskMonitor &task);
+    LoadResult sortBy(SortChoice order, TaskMonitor &task);
     /// The column that the list is sorted by, when it is by one.
     const std::optional<ColumnSort> &columnSort() const { return m_columnSort; }
 

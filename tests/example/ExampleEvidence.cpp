@@ -81,7 +81,8 @@ class CacheFolder {
 
     void add(std::string_view url, std::string_view fileName, std::string_view type,
              const std::string &content) {
-        const auto folder = static_cast<std::uint8_t>(m_count % kFolders.size());
+        const auto folder =
+            static_cast<std::uint8_t>(static_cast<std::size_t>(m_count) % kFolders.size());
         write(m_folder / kFolders[folder] / fileName, content);
         IndexRecord record = recordOf(url);
         record.fileSize = static_cast<std::uint32_t>(content.size());
@@ -212,8 +213,11 @@ void writeEvidence(const fs::path &folder) {
 }
 
 void writeIndex(const fs::path &file, std::size_t records) {
-    // Larger tables than browsers make: the chain of tables is followed 201 times only.
-    IndexDat index(1024, 0);
+    // The chain of tables is followed 201 times only: more records need larger tables than browsers
+    // make.
+    constexpr std::size_t kReached = std::size_t{201} * 448;
+    const bool large = records > kReached;
+    IndexDat index = large ? IndexDat(1024, 0) : IndexDat();
     for (const std::string_view name : kFolders)
         index.folder(name);
     IndexRecord record;
@@ -231,7 +235,8 @@ void writeIndex(const fs::path &file, std::size_t records) {
     }
     // An index that says it has 16 MiB or more isn't read: its size lies in the bytes that the
     // offset of the first hash table is taken from.
-    index.sizeField(0);
+    if (large)
+        index.sizeField(0);
     write(file, index.bytes());
 }
 

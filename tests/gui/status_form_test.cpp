@@ -34,13 +34,13 @@ void StatusFormTest::showsTitlesIconAndBarsOfTheTask() {
     OpenTask task(thread,
                   {"PARSING FIREFOX CACHE", "Firefox 3", "/case/_CACHE_MAP_", "firefox-32.gif"});
     QVERIFY(form.isVisible());
-    QVERIFY(!form.isModal());
+    QCOMPARE(form.windowModality(), Qt::ApplicationModal); // above any dialog that is open
     QCOMPARE(child<QLabel>(form, "labMsg1").text(), QStringLiteral("PARSING FIREFOX CACHE"));
     QCOMPARE(child<QLabel>(form, "labMsg3").text(), QStringLiteral("/case/_CACHE_MAP_"));
     QVERIFY(!child<QLabel>(form, "imgIcon").pixmap(Qt::ReturnByValue).isNull());
 
     QVERIFY(thread.advance(0.5));
-    thread.Top.percent = 50;
+    thread.TopPercent = 50;
     thread.show({"Reading records", 50, 100, "File", 1, 4});
     QCOMPARE(form.windowTitle(), QStringLiteral("50% Norvelane Thread Status"));
     QCOMPARE(child<QLabel>(form, "labBar1Msg").text(), QStringLiteral("Reading records (50%)"));

@@ -13,6 +13,7 @@ namespace nv::cli {
 class Grammar {
   public:
     Grammar();
+    ~Grammar() = default;
     Grammar(const Grammar &) = delete;
     Grammar &operator=(const Grammar &) = delete;
 

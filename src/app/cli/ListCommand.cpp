@@ -21,6 +21,7 @@ constexpr UrlColumn kUsualColumns[] = {
 
 std::vector<UrlColumn> allColumns() {
     std::vector<UrlColumn> columns;
+    columns.reserve(kUrlColumnCount);
     for (const UrlColumnFacts &facts : kUrlColumns)
         columns.push_back(facts.column);
     return columns;
@@ -87,6 +88,7 @@ void writeRows(const ListArguments &arguments, const std::vector<UrlColumn> &col
     const bool shown = arguments.format == Format::table || arguments.dates == Dates::asShown;
     for (std::size_t place = 0; place < table.rowCount() && !interrupted; ++place) {
         std::vector<Cell> cells;
+        cells.reserve(columns.size());
         for (const UrlColumn column : columns)
             cells.push_back(shown ? Cell(table.cell(place, column))
                                   : cellOf(table.machineCell(place, column)));

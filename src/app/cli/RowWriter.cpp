@@ -19,6 +19,7 @@ class TableWriter final : public RowWriter {
 
     void row(const std::vector<Cell> &cells) override {
         std::vector<std::string> texts;
+        texts.reserve(cells.size());
         for (const Cell &cell : cells)
             texts.push_back(printable(plainText(cell), kWidestColumn));
         if (!m_widths.empty())

@@ -4,6 +4,7 @@
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 
+#include <QApplication>
 #include <QBoxLayout>
 #include <QCoreApplication>
 #include <QLabel>
@@ -20,7 +21,9 @@ constexpr int kIconPixels = 32;
 StatusForm::StatusForm(QWidget *parent, std::chrono::milliseconds showAfter)
     : QDialog(parent), m_showAfter(showAfter) {
     setObjectName(QStringLiteral("StatusForm"));
-    setModal(false);
+    // It waits for nobody, but while it is up only its Cancel button is live, also above a dialog
+    // such as the import wizard.
+    setWindowModality(Qt::ApplicationModal);
     setMinimumWidth(460);
 
     auto *column = new QVBoxLayout(this);
@@ -120,8 +123,8 @@ void StatusForm::update(const ThreadClass &status) {
     m_messages[1]->setText(toQt(status.Msg2));
     m_messages[2]->setText(toQt(status.Msg3));
     showIcon(status);
-    showBar(m_top, status.Top);
-    showBar(m_bottom, status.Bottom);
+    showBar(m_top, status.topBar());
+    showBar(m_bottom, status.bottomBar());
     m_elapsed->setVisible(status.ShowTimeElapsed);
     m_elapsed->setText(toQt(status.GetTimeElapsed()));
 }
@@ -144,8 +147,18 @@ void StatusForm::showBar(const Bar &bar, const StatusBar &values) {
                                           : QString());
 }
 
+void StatusForm::centreOnActiveWindow() {
+    const QWidget *under = QApplication::activeWindow();
+    if (!under)
+        under = parentWidget();
+    adjustSize();
+    if (under)
+        move(under->frameGeometry().center() - rect().center());
+}
+
 void StatusForm::pump() {
     if (m_running && !isVisible() && m_sinceOpen.elapsed() >= m_showAfter.count()) {
+        centreOnActiveWindow();
         show();
         m_cancel->setFocus();
     }

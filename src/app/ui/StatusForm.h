@@ -15,8 +15,8 @@ namespace nv {
 
 class ProgressBox;
 
-/// The window behind ThreadClass. It is modeless: the main window stays drawn, and locked, while a
-/// task runs.
+/// The window behind ThreadClass. Nobody waits for it: the task goes on, and other windows stay
+/// drawn but take no clicks.
 class StatusForm final : public QDialog, public StatusView {
     Q_OBJECT
 
@@ -49,6 +49,7 @@ class StatusForm final : public QDialog, public StatusView {
     QBoxLayout *messageRow();
     QBoxLayout *buttonRow();
     void cancel();
+    void centreOnActiveWindow();
     void showIcon(const ThreadClass &status);
     static void showBar(const Bar &bar, const StatusBar &values);
 

@@ -55,6 +55,17 @@ QPalette paletteOf(const Colours &colours) {
     return palette;
 }
 
+/// The style draws the frame of a tick box darker than the window, which nobody sees on a dark one.
+constexpr const char *kDarkTickBoxes = R"(
+QAbstractItemView::indicator, QCheckBox::indicator {
+    width: 13px; height: 13px; border: 1px solid #8b96a3; border-radius: 2px; background: #181b20;
+}
+QAbstractItemView::indicator:checked, QCheckBox::indicator:checked {
+    border-color: #79b4f5; background: #2a69b8; image: url(:/images/tick.svg);
+}
+QAbstractItemView::indicator:disabled, QCheckBox::indicator:disabled { border-color: #444c57; }
+)";
+
 bool systemIsDark() {
     static const bool dark = [] {
         const QPalette palette = QGuiApplication::palette();
@@ -95,6 +106,7 @@ void applyTheme(QApplication &application, Theme theme) {
     const bool dark = theme == Theme::Dark || (theme == Theme::System && systemIsDark());
     application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     application.setPalette(paletteOf(dark ? kDark : kLight));
+    application.setStyleSheet(QString::fromLatin1(dark ? kDarkTickBoxes : ""));
 }
 
 } // namespace nv

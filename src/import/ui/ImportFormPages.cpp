@@ -32,6 +32,7 @@ QPushButton *newButton(const char *name, const QString &text) {
 
 QTableView *newFilesGrid(FoundFilesModel &model) {
     auto *grid = new QTableView;
+    grid->setTextElideMode(Qt::ElideMiddle); // paths differ at their ends
     grid->setObjectName(QStringLiteral("ImportGrid"));
     grid->setModel(&model);
     grid->setSelectionBehavior(QAbstractItemView::SelectRows);

@@ -3,8 +3,8 @@
 #include <unicode/timezone.h>
 #include <unicode/unistr.h>
 
+#include <ctime>
 #include <memory>
-#include <time.h>
 
 namespace nv {
 

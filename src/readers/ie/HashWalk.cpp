@@ -150,11 +150,11 @@ void HashWalk::noteDamage(const std::string &damage, ReadResult &result) {
 }
 
 /// No record is sought behind an entry that leads out of the file: the rest of the hash is as
-/// little to be trusted. What was saved stays, and the entries that remain are counted.
+/// little to be trusted. What was saved stays; this entry and those that remain are counted.
 HashWalk::Step HashWalk::endAt(Place place, const std::string &damage, ReadResult &result) {
     noteDamage(fmt::format("{}, outside of the {} bytes", damage, m_file.size()), result);
     const std::vector<HashTable> &tables = m_chain.tables;
-    result.notReached += usedEntries(m_file, tables[place.table], place.entry + 1);
+    result.notReached += usedEntries(m_file, tables[place.table], place.entry);
     for (std::size_t table = place.table + 1; table < tables.size(); ++table)
         result.notReached += usedEntries(m_file, tables[table]);
     return Step::leave;

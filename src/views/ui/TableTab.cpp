@@ -163,6 +163,8 @@ void TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work) {
     m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);
     if (current)
         m_grid->setCurrentUrl(*current);
+    else if (m_table->rowCount() > 0)
+        m_grid->setCurrentUrl(m_table->idAt(0));
     countTagged();
     emit currentUrlChanged();
     if (result == LoadResult::Failed)

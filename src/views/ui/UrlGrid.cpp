@@ -14,8 +14,12 @@ namespace {
 
 constexpr int kRowPadding = 8; ///< pixels
 
-int twipsOf(int pixels) {
-    return pixels * kTwipsPerPixel;
+/// The columns' widths were chosen for a font whose digits are so many pixels wide.
+constexpr double kDigitWidth = 6;
+
+/// How much wider the window's font is.
+double fontScale(const QWidget &widget) {
+    return std::max(1.0, widget.fontMetrics().horizontalAdvance(u'0') / kDigitWidth);
 }
 
 } // namespace
@@ -84,7 +88,8 @@ void UrlGrid::applyLayout() {
         header->moveSection(header->visualIndex(section), static_cast<int>(place));
         header->setSectionHidden(section, m_layout.hidden(column));
         if (!m_layout.hidden(column))
-            header->resizeSection(section, pixelsOf(m_layout.widthTwips(column)));
+            header->resizeSection(section,
+                                  qRound(pixelsOf(m_layout.widthTwips(column)) * fontScale(*this)));
     }
     m_applying = false;
     if (UrlTable *table = m_model.table())
@@ -106,7 +111,8 @@ void UrlGrid::takeMove(int section, int to) {
 
 void UrlGrid::takeWidth(int section, int pixels) {
     if (!m_applying && pixels > 0)
-        m_layout.setWidthTwips(UrlModel::columnOf(section), twipsOf(pixels));
+        m_layout.setWidthTwips(UrlModel::columnOf(section),
+                               qRound(pixels / fontScale(*this)) * kTwipsPerPixel);
 }
 
 void UrlGrid::requestSort(int section) {

@@ -125,6 +125,15 @@ TEST_F(ProjectCommandsTest, openingAProjectClosesTheOneBefore) {
     EXPECT_EQ(recent.at(1).path, path);
 }
 
+TEST_F(ProjectCommandsTest, aMissingZoneDatabaseIsToldAndTheProjectOpens) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.CloseFile();
+    fs::remove(paths.zones());
+    examiner.expect("zone-not-set");
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_EQ(examiner.heard.at(0).title, "Error Setting Time Zone");
+}
+
 TEST_F(ProjectCommandsTest, aNewProjectOverAnOldOneIsEmpty) {
     commands.OpenFile(path, OpenMode::newAtPath);
     db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");

@@ -63,7 +63,7 @@ TEST_F(ThreadClassTest, textsChangeOnTheTimeStepOnly) {
     thread.describe({"T", "", "", ""});
     EXPECT_TRUE(thread.wantsStep());
     thread.show({"Reading Hash Table 1 of 2", 1, 2, "Processing Hash Record 1 of 8", 4, 8});
-    EXPECT_EQ(thread.Bottom.percent, 50);
+    EXPECT_EQ(thread.BottomPercent, 50);
     EXPECT_FALSE(thread.wantsStep());
     seconds += 4.9;
     EXPECT_TRUE(thread.advance(0.1));

@@ -32,13 +32,36 @@ TEST(Dialect, putsTheRowsOfTopAtTheEndOfTheirSelect) {
 }
 
 TEST(Dialect, readsDates) {
-    EXPECT_EQ(translate("SELECT #1/15/2009#"), "SELECT 39828.0000000000");
-    EXPECT_EQ(translate("SELECT #2009-01-15 12:00:00#"), "SELECT 39828.5000000000");
+    EXPECT_EQ(translate("SELECT #1/15/2009#"), "SELECT (39828)");
+    EXPECT_EQ(translate("SELECT #2009-01-15 12:00:00#"), "SELECT (39828.5)");
     EXPECT_EQ(parseDateLiteral("1/15/2009 12:30:00 AM")->days(), 39828 + 0.5 / 24);
     EXPECT_EQ(parseDateLiteral("1/15/2009 6 PM")->days(), 39828.75);
-    for (const char *bad : {"", "1/2", "13/13/2009", "2009-02-30", "x", "1/15/2009 25:00",
-                            "1/15/2009 13 PM", "1/15/2009 7", "1//2009", "99999999999/1/1"})
+    EXPECT_EQ(parseDateLiteral("1/15/09")->days(), 39828);
+    EXPECT_EQ(parseDateLiteral("1/15/30")->civil().year, 1930);
+    EXPECT_EQ(translate("SELECT 1-#1/1/1899#"), "SELECT 1-(-363)");
+    for (const char *bad :
+         {"", "1/2", "15/1/2009", "13/13/2009", "2009-02-30", "x", "1/15/2009 25:00",
+          "1/15/2009 13 PM", "1/15/2009 7", "1//2009", "99999999999/1/1"})
         EXPECT_EQ(parseDateLiteral(bad), std::nullopt) << bad;
+}
+
+TEST(Dialect, aDateKeepsItsSecond) {
+    const CivilTime civil{2011, 6, 15, 3, 4, 5};
+    const std::string sql = translate("#6/15/2011 3:04:05 AM#");
+    EXPECT_EQ(std::stod(sql.substr(1)), Date::fromCivil(civil).days());
+}
+
+TEST(Dialect, knowsMoreOfTheBuiltInsAndBothKindsOfQuotedNames) {
+    EXPECT_EQ(translate("SELECT Mid(a, 1, 2), Nz(b, 0) FROM t"),
+              "SELECT substr(a, 1, 2), ifnull(b, 0) FROM t");
+    EXPECT_EQ(translate("SELECT `a True` FROM [b \"c\"]"),
+              "SELECT \"a True\" FROM \"b \"\"c\"\"\"");
+}
+
+TEST(Dialect, topBesideUnionIsRefusedOnItsOwnLevelOnly) {
+    EXPECT_THROW(translate("SELECT TOP 2 a FROM t UNION SELECT a FROM u"), DialectError);
+    EXPECT_EQ(translate("SELECT a FROM t UNION SELECT * FROM (SELECT TOP 2 a FROM u)"),
+              "SELECT a FROM t UNION SELECT * FROM (SELECT  a FROM u LIMIT 2)");
 }
 
 TEST(Dialect, saysWhatItCantRead) {
@@ -48,6 +71,7 @@ TEST(Dialect, saysWhatItCantRead) {
           "SELECT * FROM URLs WHERE URL LIKE '%[a'"})
         EXPECT_THROW(translate(bad), DialectError) << bad;
     EXPECT_EQ(translate("SELECT 1; -- done"), "SELECT 1  ");
+    EXPECT_THROW(translate(std::string_view("SELECT 1\0DROP", 13)), DialectError);
 }
 
 TEST(Dialect, survivesAnythingThatIsTyped) {

@@ -37,6 +37,17 @@ TEST(LikePattern, knowsOneCharacterAndLists) {
     EXPECT_FALSE(like("xxab", "%ab_%"));
 }
 
+TEST(LikePattern, listsAreFoldedAndMayBeEmpty) {
+    EXPECT_TRUE(like("B", "[a-c]"));
+    EXPECT_TRUE(like("b", "[A-C]"));
+    EXPECT_FALSE(like("b", "[!A-C]"));
+    EXPECT_TRUE(like("_", "[A-_]"));
+    EXPECT_TRUE(like("ab", "a[]b"));
+    EXPECT_TRUE(like("a!b", "a[!]b"));
+    EXPECT_FALSE(like("axb", "a[!]b"));
+    EXPECT_TRUE(like("\u00c9", "[\u00e0-\u00ef]"));
+}
+
 TEST(LikePattern, lettersMatchInEitherCaseBeyondAscii) {
     EXPECT_TRUE(like("\u00c4RGER", "\u00e4rger"));
     EXPECT_TRUE(like("\u0416\u0423\u041a", "%\u0436\u0443\u043a%"));
@@ -50,6 +61,8 @@ TEST(LikePattern, starAndQuestionMarkStandForThemselves) {
 
 TEST(LikePattern, refusesAnOpenList) {
     EXPECT_FALSE(LikePattern::compile("%[a"));
+    EXPECT_FALSE(LikePattern::compile("[%"));
+    EXPECT_FALSE(LikePattern::compile("[c-a]"));
     EXPECT_THROW(LikePattern::check("%[a"), DialectError);
     EXPECT_NO_THROW(LikePattern::check("a]"));
 }
@@ -61,6 +74,15 @@ TEST(LikePattern, costsNoMoreThanTheProductOfTheLengths) {
 TEST(LikePattern, survivesBytesThatAreNoText) {
     EXPECT_TRUE(like(std::string("\xFF\x00z", 3), "__z"));
     EXPECT_FALSE(like("\xE4\xB8", "[a-z]"));
+    EXPECT_TRUE(like("\xE4pfel", "_pfel"));
+}
+
+TEST(LikePattern, aByteThatIsNoTextDoesntSwallowTheNext) {
+    const std::string text("\xC1[f", 3);
+    EXPECT_TRUE(like(text, escapedForLike(text)));
+    EXPECT_TRUE(like(text, "_[[]f"));
+    EXPECT_FALSE(like("anything", "\xC0\xA5"));    // no "%" in disguise
+    EXPECT_TRUE(LikePattern::compile("\xC1\x9B")); // and no "["
 }
 
 TEST(EscapedForLike, makesThePatternsOwnCharactersPlain) {

@@ -107,7 +107,7 @@ TEST(IEWalk, endsAtARecordOutsideOfTheFileAndTellsWhatIsBehind) {
     const IndexReading reading = IndexReading().readBytes(index.bytes());
     EXPECT_THAT(urlsOf(reading), testing::ElementsAre("http://one/"));
     EXPECT_EQ(reading.result.state, ReadState::cutShort);
-    EXPECT_EQ(reading.result.notReached, 2U);
+    EXPECT_EQ(reading.result.notReached, 3U);
     EXPECT_EQ(reading.result.reason, "/evidence/index.dat: the hash entry at 16408 expects a "
                                      "record at 195948557, outside of the 25344 bytes");
     ASSERT_THAT(reading.log.entries, SizeIs(1));

@@ -1,0 +1,105 @@
+#include "db/Connection.h"
+
+#include "base/Files.h"
+#include "db/SqlFunctions.h"
+#include "db/SqliteErrors.h"
+
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// "NVP1" in the file header tells our files from other SQLite databases.
+constexpr int kApplicationId = 0x4E565031;
+constexpr int kLayoutVersion = 1;
+constexpr int kBusyTimeout = 5000; // milliseconds
+
+/// A connection belongs to one thread, so the database needn't lock it.
+int flagsOf(Access access) {
+    switch (access) {
+    case Access::create:
+        return SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_NOMUTEX;
+    case Access::write:
+        return SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX;
+    case Access::read:
+        break;
+    }
+    return SQLite::OPEN_READONLY | SQLite::OPEN_NOMUTEX;
+}
+
+[[noreturn]] void refuse(const fs::path &file, std::string_view reason) {
+    throw StorageFailure(fmt::format("\"{}\": {}", textOf(file), reason));
+}
+
+/// SQLite would say no more than "unable to open" to these.
+void checkPath(const fs::path &file, Access access) {
+    std::error_code none;
+    const fs::file_status status = fs::status(file, none);
+    if (fs::is_directory(status))
+        refuse(file, "this is a folder");
+    if (access != Access::create && !fs::exists(status))
+        refuse(file, "there is no such file");
+    if (access == Access::create && fs::exists(status) && fs::file_size(file, none) > 0)
+        refuse(file, "there is a file of this name already");
+}
+
+void protect(SQLite::Database &database, Access access) {
+    sqlite3 *handle = database.getHandle();
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    if (access != Access::create)
+        sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    database.exec("PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON");
+    registerFunctions(database);
+}
+
+/// 64 MB of cache. WAL lets readers in while an import writes, and with NORMAL a crash of the
+/// program loses nothing that was committed.
+void prepareWriting(SQLite::Database &database, const fs::path &file) {
+    if (sqlite3_db_readonly(database.getHandle(), "main") != 0)
+        refuse(file, "the file can't be written");
+    if (database.tryExec("PRAGMA journal_mode=WAL") != SQLite::OK)
+        refuse(file, fmt::format("it or its folder can't be written: {}", database.getErrorMsg()));
+    database.exec("PRAGMA synchronous=NORMAL; PRAGMA cache_size=-65536; PRAGMA foreign_keys=ON");
+}
+
+std::unique_ptr<SQLite::Database> opened(const fs::path &file, Access access) {
+    // An absolute path: a name like "file:x" or ":memory:" has a meaning of its own to SQLite.
+    auto database = std::make_unique<SQLite::Database>(fs::absolute(file).string(), flagsOf(access),
+                                                       kBusyTimeout);
+    protect(*database, access);
+    return database;
+}
+
+} // namespace
+
+std::unique_ptr<SQLite::Database> connect(const fs::path &file, Access access) {
+    checkPath(file, access);
+    return onFile(file, [&] {
+        auto database = opened(file, access);
+        if (access == Access::create)
+            database->exec(fmt::format(
+                "PRAGMA page_size=8192; PRAGMA application_id={}; PRAGMA user_version={}",
+                kApplicationId, kLayoutVersion));
+        if (access != Access::read)
+            prepareWriting(*database, file);
+        return database;
+    });
+}
+
+std::unique_ptr<SQLite::Database> connectToProject(const fs::path &file, Access access) {
+    checkPath(file, access);
+    return onFile(file, [&] {
+        auto database = opened(file, access);
+        if (!database->tableExists("URLs"))
+            refuse(file, "this is no project: it has no table URLs");
+        if (access == Access::write)
+            prepareWriting(*database, file);
+        return database;
+    });
+}
+
+} // namespace nv

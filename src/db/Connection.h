@@ -1,0 +1,29 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+enum class Access {
+    create, ///< a new file; one that is there already is not touched
+    write,
+    read,
+};
+
+/// Opens a file that the program made, with the dialect's functions and the settings that all
+/// connections share. A file that is there may come from anybody: its triggers never run, and its
+/// views reach no function with side effects. Throws StorageFailure that names the file and says
+/// what is wrong.
+std::unique_ptr<SQLite::Database> connect(const std::filesystem::path &file, Access access);
+
+/// The same for a project that must be there: a file without table `URLs` is refused before
+/// anything is written to it.
+std::unique_ptr<SQLite::Database> connectToProject(const std::filesystem::path &file,
+                                                   Access access);
+
+} // namespace nv

@@ -1,0 +1,68 @@
+#include "db/SchemaCatalogue.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <SQLiteCpp/VariadicBind.h>
+
+#include <string>
+
+namespace nv {
+
+void SchemaCatalogue::create() {
+    m_database.exec(
+        "CREATE TABLE SchemaColumns (TableName TEXT COLLATE NOCASE, ColumnName TEXT COLLATE "
+        "NOCASE, Ordinal INTEGER, Type TEXT, DefinedSize INTEGER, Label TEXT, Description TEXT, "
+        "Properties TEXT, ValidationText TEXT, PRIMARY KEY (TableName, ColumnName));"
+        "CREATE TABLE SchemaIndexes (TableName TEXT COLLATE NOCASE, IndexName TEXT COLLATE NOCASE, "
+        "ColumnName TEXT COLLATE NOCASE, IsPrimaryKey BOOLEAN, PRIMARY KEY (TableName, IndexName));"
+        "CREATE TABLE SchemaRelationships (RelationshipName TEXT COLLATE NOCASE PRIMARY KEY, "
+        "FromTable TEXT COLLATE NOCASE, FromColumn TEXT COLLATE NOCASE, ToTable TEXT COLLATE "
+        "NOCASE, ToColumn TEXT COLLATE NOCASE)");
+}
+
+void SchemaCatalogue::add(const schema::Table &table) {
+    m_database.exec(schema::createStatement(table));
+    noteColumns(table);
+    if (!table.primaryKey.empty())
+        noteIndex({table.primaryKey, table.name, table.columns.front().name}, true);
+    for (const schema::Index &index : schema::indexes()) {
+        if (index.table != table.name)
+            continue;
+        m_database.exec(schema::createStatement(index));
+        noteIndex(index, false);
+    }
+}
+
+void SchemaCatalogue::noteColumns(const schema::Table &table) {
+    SQLite::Statement insert(m_database,
+                             "INSERT INTO SchemaColumns VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    int ordinal = 0;
+    for (const schema::Column &column : table.columns) {
+        SQLite::bind(insert, std::string(table.name), std::string(column.name), ordinal,
+                     std::string(schema::typeName(column.type)), column.size,
+                     std::string(column.label), std::string(column.description),
+                     column.isKey ? "Autoincrement=true" : "",
+                     schema::validationText(column, ordinal));
+        insert.exec();
+        insert.reset();
+        ++ordinal;
+    }
+}
+
+void SchemaCatalogue::noteIndex(const schema::Index &index, bool isPrimaryKey) {
+    SQLite::Statement insert(m_database, "INSERT INTO SchemaIndexes VALUES (?, ?, ?, ?)");
+    SQLite::bind(insert, std::string(index.table), std::string(index.name),
+                 std::string(index.column), isPrimaryKey ? 1 : 0);
+    insert.exec();
+}
+
+void SchemaCatalogue::noteRelationships() {
+    SQLite::Statement insert(m_database, "INSERT INTO SchemaRelationships VALUES (?, ?, ?, ?, ?)");
+    for (const schema::Relationship &r : schema::relationships()) {
+        SQLite::bind(insert, std::string(r.name), std::string(r.fromTable),
+                     std::string(r.fromColumn), std::string(r.toTable), std::string(r.toColumn));
+        insert.exec();
+        insert.reset();
+    }
+}
+
+} // namespace nv

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "db/Schema.h"
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+/// The project's own record of its schema: tables `SchemaColumns`, `SchemaIndexes` and
+/// `SchemaRelationships`. SQLite keeps no descriptions, sizes or labels and loses the names of
+/// keys, and a later build compares by them.
+class SchemaCatalogue {
+  public:
+    explicit SchemaCatalogue(SQLite::Database &database) : m_database(database) {}
+
+    /// Makes the three tables, empty.
+    void create();
+    /// Makes the table with its indexes, and notes it.
+    void add(const schema::Table &table);
+    void noteRelationships();
+
+  private:
+    void noteColumns(const schema::Table &table);
+    void noteIndex(const schema::Index &index, bool isPrimaryKey);
+
+    SQLite::Database &m_database;
+};
+
+} // namespace nv

@@ -1,0 +1,79 @@
+#include "support/TestProject.h"
+#include "views/DateIndex.h"
+#include "views/UrlTable.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <benchmark/benchmark.h>
+
+namespace nv {
+namespace {
+
+constexpr int kRows = 1'000'000;
+constexpr std::size_t kScreen = 50;
+
+/// One project of a million rows for all measurements.
+struct BigProject {
+    BigProject() {
+        project.connection().exec(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000000) "
+            "INSERT INTO URLs(URL, URLRawValue, Host, CacheType, ActionDateUTC, ActionDateLocal, "
+            "MetaData, User, IsHistory) SELECT 'http://host' || (i % 997) || "
+            "'.example/folder/page' || i || '.html', 'Visited: mara@http://host', 'host' || "
+            "(i % 997) || '.example', 'IE History', 40000 + (i * 7919 % 1000003) / 1000.0, "
+            "40000 + (i * 7919 % 1000003) / 1000.0, hex(randomblob(150)), 'mara', 1 FROM n");
+        ensureDateIndex(project.connection(), task);
+    }
+    test::TestProject project;
+    Unwatched task;
+};
+
+BigProject &bigProject() {
+    static BigProject big;
+    return big;
+}
+
+void lookAtScreen(UrlTable &table, std::size_t first) {
+    for (std::size_t place = first; place < first + kScreen; ++place)
+        for (const UrlColumnFacts &facts : kUrlColumns)
+            if (facts.shown == Shown::Yes)
+                benchmark::DoNotOptimize(table.cell(place, facts.column));
+}
+
+/// From the command to the first rows on the screen.
+void loadAndShowFirstRows(benchmark::State &state) {
+    BigProject &big = bigProject();
+    const TimeZoneClass zone{Date::fromDays(40000)};
+    for (auto _ : state) {
+        UrlTable table(big.project.connection(), big.project.log, zone);
+        table.LoadURLs(big.task);
+        lookAtScreen(table, 0);
+    }
+}
+BENCHMARK(loadAndShowFirstRows)->Unit(benchmark::kMillisecond);
+
+/// A screen of rows anywhere in the list, as dragging the scroll bar shows it.
+void showAScreenAnywhere(benchmark::State &state) {
+    BigProject &big = bigProject();
+    const TimeZoneClass zone{Date::fromDays(40000)};
+    UrlTable table(big.project.connection(), big.project.log, zone);
+    table.LoadURLs(big.task);
+    std::size_t place = 0;
+    for (auto _ : state) {
+        place = (place + 377'777) % (kRows - kScreen);
+        lookAtScreen(table, place);
+    }
+}
+BENCHMARK(showAScreenAnywhere)->Unit(benchmark::kMillisecond);
+
+void sortByUrl(benchmark::State &state) {
+    BigProject &big = bigProject();
+    const TimeZoneClass zone{Date::fromDays(40000)};
+    UrlTable table(big.project.connection(), big.project.log, zone);
+    table.LoadURLs(big.task);
+    for (auto _ : state)
+        table.sortBy(UrlColumn::Value, SortDirection::Ascending, big.task);
+}
+BENCHMARK(sortByUrl)->Unit(benchmark::kMillisecond);
+
+} // namespace
+} // namespace nv

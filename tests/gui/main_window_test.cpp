@@ -1,0 +1,408 @@
+#include "app/Project.h"
+#include "app/ui/MainForm.h"
+#include "app/ui/StatusForm.h"
+#include "db/ProjectFields.h"
+#include "import/ui/ImportForm.h"
+#include "platform/Network.h"
+#include "support/TempFolder.h"
+#include "support/TestDoubles.h"
+#include "support/builders/ChromeHistory.h"
+#include "support/builders/IndexDat.h"
+#include "views/ui/ColumnsForm.h"
+#include "views/ui/TableTab.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+#include <QWindow>
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <deque>
+
+// The window as an examiner uses it: with clicks and keys, on evidence that the test makes.
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Answers in order; with no answer left, what nobody would be asked gets the unattended answer.
+struct Answers final : Examiner {
+    Answer ask(const Message &message) override {
+        heard.push_back(message.id);
+        if (script.empty())
+            return message.unattended;
+        const Answer answer = script.front();
+        script.pop_front();
+        return answer;
+    }
+    std::vector<std::string> heard;
+    std::deque<Answer> script;
+};
+
+struct Dialogs final : WindowDialogs {
+    std::optional<fs::path> chooseProject() override { return answer; }
+    std::optional<fs::path> CreateNewProjectFilename() override { return answer; }
+    std::optional<fs::path> chooseSaveAs() override { return answer; }
+    std::optional<fs::path> chooseFolder(const std::string &, const fs::path &) override {
+        return answer;
+    }
+    std::optional<fs::path> answer;
+};
+
+struct OneNetwork final : Network {
+    std::string NetworkConnectionStatus(std::string_view) const override { return status; }
+    std::string status;
+};
+
+struct OneZone final : SystemTime {
+    MachineZone zone() const override { return {300, "Eastern Standard Time"}; }
+};
+
+/// A window over a program in a folder of its own.
+struct Desk {
+    Desk() {
+        QObject::connect(&status, &StatusForm::cancelled, &status,
+                         [this] { program.thread.CancelTask = true; });
+        fs::create_directories(folder.path() / "program");
+        fs::create_directories(folder.path() / "home");
+        fs::copy_file(NV_TIME_ZONES, folder.path() / "program" / "nvTZ.dat");
+        startUp(program, Front::window);
+    }
+    test::TempFolder folder;
+    Answers examiner;
+    StatusForm status{nullptr, std::chrono::milliseconds(0)};
+    test::FixedClock clock;
+    OneZone zone;
+    OneNetwork network;
+    Dialogs dialogs;
+    Program program{{folder.path() / "program", folder.path() / "home"},
+                    Front::window,
+                    {examiner, status, clock, zone, network}};
+};
+
+fs::path makeEvidence(const test::TempFolder &folder) {
+    test::IndexDat index;
+    for (const char *url : {"Visited: mara@http://b.example/", "Visited: mara@http://a.example/",
+                            "Visited: mara@http://<b>bold</b>.example/"}) {
+        test::IndexRecord record;
+        record.url = url;
+        record.secondDate = test::fileTime(2011, 3, 1, 12);
+        index.add(record);
+    }
+    folder.write("evidence/History.IE5/index.dat", index.bytes());
+    fs::create_directories(folder.path() / "evidence" / "Chrome");
+    test::ChromeHistory history(folder.path() / "evidence" / "Chrome" / "History");
+    test::addExamplePages(history);
+    history.close();
+    folder.write("evidence/Profile/_CACHE_MAP_", std::string(64, 'x'));
+    return folder.path() / "evidence";
+}
+
+template <class Child>
+Child &child(QWidget &parent, const char *name) {
+    auto *found = parent.findChild<Child *>(QString::fromLatin1(name));
+    if (!found)
+        qFatal("no child %s", name);
+    return *found;
+}
+
+void trigger(MainForm &form, const char *action) {
+    auto *found = form.findChild<QAction *>(QString::fromLatin1(action));
+    if (!found)
+        qFatal("no action %s", action);
+    found->trigger();
+}
+
+/// Runs `act` on the window of the given kind that comes up modal next.
+template <class Form>
+void whenShown(const std::function<void(Form &)> &act) {
+    QTimer::singleShot(0, qApp, [act] {
+        auto *form = qobject_cast<Form *>(QApplication::activeModalWidget());
+        QVERIFY(form);
+        act(*form);
+    });
+}
+
+} // namespace
+
+class MainWindowTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init() {
+        m_desk = std::make_unique<Desk>();
+        m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
+        m_form->resize(1200, 800);
+        m_form->show();
+    }
+    void cleanup() {
+        m_form.reset();
+        m_desk.reset();
+    }
+
+    void withoutAProjectTheWindowSaysWhatToDo();
+    void theWizardImportsWithClicks();
+    void theWizardWarnsOfANetworkAndStops();
+    void theWizardRefusesAFolderThatIsNotThere();
+    void anUntickedFileIsNotRead();
+    void cancelWorksAboveTheWizard();
+    void aClickOnAHeadingSorts();
+    void spaceAndClickTick();
+    void theLayoutOutlivesCloseAndOpen();
+    void theColumnsDialogHidesAColumn();
+    void textsOfEvidenceAreNeverMarkup();
+    void theHostBoxNarrowsTheRows();
+    void sortsThatFailAreToldAndKeepTheRows();
+    void exitAsks();
+
+  private:
+    void importEvidence();
+    UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
+    QString cell(int row, UrlColumn column) {
+        return grid().model()->index(row, UrlModel::sectionOf(column)).data().toString();
+    }
+    std::string inProject(const std::string &sql) {
+        return m_desk->program.thisClass.ProjectDB.connection().execAndGet(sql).getString();
+    }
+
+    std::unique_ptr<Desk> m_desk;
+    std::unique_ptr<MainForm> m_form;
+};
+
+void MainWindowTest::withoutAProjectTheWindowSaysWhatToDo() {
+    QVERIFY(!child<QLabel>(*m_form, "labWelcomeHint").text().isEmpty());
+    QVERIFY(m_form->findChild<QAction *>(QStringLiteral("actNew"))->isEnabled());
+    QCOMPARE(m_form->windowTitle(), QStringLiteral("Norvelane"));
+}
+
+void MainWindowTest::importEvidence() {
+    const fs::path evidence = makeEvidence(m_desk->folder);
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actNew");
+    whenShown<ImportForm>([evidence](ImportForm &wizard) {
+        child<QLineEdit>(wizard, "txtStartingDirectory")
+            .setText(QString::fromStdString(evidence.string()));
+        auto &next = child<QPushButton>(wizard, "btnNext");
+        QCOMPARE(next.text(), QStringLiteral("Next >>"));
+        QTest::mouseClick(&next, Qt::LeftButton);
+        QCOMPARE(child<QTableView>(wizard, "ImportGrid").model()->rowCount(), 3);
+        QTest::mouseClick(&next, Qt::LeftButton);
+        QCOMPARE(next.text(), QStringLiteral("Finished"));
+        QVERIFY(child<QPlainTextEdit>(wizard, "txtSummary")
+                    .toPlainText()
+                    .contains(QStringLiteral("not read yet")));
+        QTest::mouseClick(&next, Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
+}
+
+void MainWindowTest::theWizardImportsWithClicks() {
+    importEvidence();
+    QCOMPARE(grid().model()->rowCount(), 6);
+    QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("6"));
+    QCOMPARE(inProject("SELECT count(*) FROM SourceFiles WHERE Successful = 1"), std::string("2"));
+    QVERIFY(!m_desk->program.thread.IsOpen);
+}
+
+void MainWindowTest::theWizardWarnsOfANetworkAndStops() {
+    m_desk->network.status = "ENABLED";
+    const fs::path evidence = makeEvidence(m_desk->folder);
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actNew");
+    m_desk->examiner.script = {Answer::No};
+    whenShown<ImportForm>([evidence](ImportForm &wizard) {
+        child<QLineEdit>(wizard, "txtStartingDirectory")
+            .setText(QString::fromStdString(evidence.string()));
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("network-detected"));
+    QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("0"));
+}
+
+void MainWindowTest::theWizardRefusesAFolderThatIsNotThere() {
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actNew");
+    whenShown<ImportForm>([](ImportForm &wizard) {
+        auto &next = child<QPushButton>(wizard, "btnNext");
+        child<QLineEdit>(wizard, "txtStartingDirectory").clear();
+        QTest::mouseClick(&next, Qt::LeftButton);
+        child<QLineEdit>(wizard, "txtStartingDirectory").setText(QStringLiteral("/nowhere"));
+        QTest::mouseClick(&next, Qt::LeftButton);
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
+    QCOMPARE(m_desk->examiner.heard,
+             (std::vector<std::string>{"starting-directory-missing", "starting-directory-gone"}));
+}
+
+void MainWindowTest::anUntickedFileIsNotRead() {
+    const fs::path evidence = makeEvidence(m_desk->folder);
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actNew");
+    whenShown<ImportForm>([evidence](ImportForm &wizard) {
+        child<QLineEdit>(wizard, "txtStartingDirectory")
+            .setText(QString::fromStdString(evidence.string()));
+        auto &next = child<QPushButton>(wizard, "btnNext");
+        QTest::mouseClick(&next, Qt::LeftButton);
+        QAbstractItemModel *files = child<QTableView>(wizard, "ImportGrid").model();
+        QVERIFY(files->setData(files->index(0, 0), Qt::Unchecked, Qt::CheckStateRole));
+        QTest::mouseClick(&next, Qt::LeftButton);
+        QTest::mouseClick(&next, Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
+    QCOMPARE(inProject("SELECT count(*) FROM SourceFiles"), std::string("1"));
+}
+
+void MainWindowTest::cancelWorksAboveTheWizard() {
+    test::IndexDat index(1024, 0);
+    test::IndexRecord record;
+    for (int i = 0; i < 60'000; ++i) {
+        record.url = "Visited: mara@http://host.example/" + std::to_string(i);
+        index.add(record);
+    }
+    const fs::path evidence = m_desk->folder.write("many/index.dat", index.bytes()).parent_path();
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actNew");
+    whenShown<ImportForm>([this, evidence](ImportForm &wizard) {
+        child<QLineEdit>(wizard, "txtStartingDirectory")
+            .setText(QString::fromStdString(evidence.string()));
+        auto &next = child<QPushButton>(wizard, "btnNext");
+        QTest::mouseClick(&next, Qt::LeftButton);
+        // Through the window and not the button: so a dialog that blocks it is noticed.
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, &wizard, [this, &poll] {
+            if (!m_desk->status.isVisible() || m_desk->program.thread.TopPercent < 1)
+                return;
+            poll.stop();
+            auto &cancel = child<QPushButton>(m_desk->status, "btnCancel");
+            QTest::mouseClick(m_desk->status.windowHandle(), Qt::LeftButton, {},
+                              cancel.mapTo(&m_desk->status, cancel.rect().center()));
+        });
+        poll.start(5);
+        QTest::mouseClick(&next, Qt::LeftButton);
+        QTest::mouseClick(&next, Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
+    const int rows = std::stoi(inProject("SELECT count(*) FROM URLs"));
+    QVERIFY2(rows > 0 && rows < 60'000, qPrintable(QString::number(rows)));
+    QCOMPARE(grid().model()->rowCount(), rows);
+}
+
+void MainWindowTest::aClickOnAHeadingSorts() {
+    importEvidence();
+    QHeaderView *header = grid().horizontalHeader();
+    const int section = UrlModel::sectionOf(UrlColumn::Value);
+    grid().scrollTo(grid().model()->index(0, section));
+    const auto clickHeading = [&] {
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                          {header->sectionViewportPosition(section) + 20, header->height() / 2});
+    };
+    clickHeading();
+    const QString first = cell(0, UrlColumn::Value);
+    const QString last = cell(5, UrlColumn::Value);
+    QVERIFY(first.compare(last, Qt::CaseInsensitive) < 0);
+    clickHeading();
+    QCOMPARE(cell(0, UrlColumn::Value), last);
+    QCOMPARE(cell(5, UrlColumn::Value), first);
+}
+
+void MainWindowTest::spaceAndClickTick() {
+    importEvidence();
+    grid().setCurrentIndex(grid().model()->index(0, UrlModel::sectionOf(UrlColumn::Tag)));
+    grid().setFocus();
+    QTest::keyClick(&grid(), Qt::Key_Space);
+    QCOMPARE(inProject("SELECT count(*) FROM URLs WHERE Tagged = 1"), std::string("1"));
+    const QModelIndex second = grid().model()->index(1, UrlModel::sectionOf(UrlColumn::Tag));
+    QTest::mouseClick(grid().viewport(), Qt::LeftButton, {},
+                      grid().visualRect(second).topLeft() + QPoint(10, 10));
+    QCOMPARE(inProject("SELECT count(*) FROM URLs WHERE Tagged = 1"), std::string("2"));
+    QCOMPARE(second.data(Qt::CheckStateRole).toInt(), static_cast<int>(Qt::Checked));
+}
+
+void MainWindowTest::theLayoutOutlivesCloseAndOpen() {
+    importEvidence();
+    grid().hideColumn(UrlColumn::Visits);
+    QHeaderView *header = grid().horizontalHeader();
+    header->moveSection(header->visualIndex(UrlModel::sectionOf(UrlColumn::Host)), 1);
+    header->resizeSection(UrlModel::sectionOf(UrlColumn::Host), 333);
+    trigger(*m_form, "actClose");
+    QCOMPARE(grid().model()->rowCount(), 0);
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actOpen");
+    QVERIFY(header->isSectionHidden(UrlModel::sectionOf(UrlColumn::Visits)));
+    QCOMPARE(header->visualIndex(UrlModel::sectionOf(UrlColumn::Host)), 1);
+    QVERIFY(std::abs(header->sectionSize(UrlModel::sectionOf(UrlColumn::Host)) - 333) <= 2);
+    QCOMPARE(grid().model()->rowCount(), 6);
+}
+
+void MainWindowTest::theColumnsDialogHidesAColumn() {
+    importEvidence();
+    whenShown<ColumnsForm>([](ColumnsForm &form) {
+        auto &list = child<QListWidget>(form, "lstColumns");
+        for (int row = 0; row < list.count(); ++row)
+            if (list.item(row)->text() == QStringLiteral("Host"))
+                list.item(row)->setCheckState(Qt::Unchecked);
+        form.accept();
+    });
+    trigger(*m_form, "actColumns");
+    QVERIFY(grid().horizontalHeader()->isSectionHidden(UrlModel::sectionOf(UrlColumn::Host)));
+}
+
+void MainWindowTest::textsOfEvidenceAreNeverMarkup() {
+    importEvidence();
+    int found = -1;
+    for (int row = 0; row < 6; ++row)
+        if (cell(row, UrlColumn::Value).contains(QStringLiteral("<b>bold</b>")))
+            found = row;
+    QVERIFY(found >= 0);
+    const QModelIndex index = grid().model()->index(found, UrlModel::sectionOf(UrlColumn::Value));
+    const QString tip = index.data(Qt::ToolTipRole).toString();
+    QVERIFY(!Qt::mightBeRichText(tip) || tip.contains(QStringLiteral("&lt;b&gt;")));
+    for (QLabel *label : m_form->findChildren<QLabel *>())
+        QVERIFY2(label->textFormat() != Qt::AutoText || !Qt::mightBeRichText(label->text()),
+                 qPrintable(label->objectName()));
+}
+
+void MainWindowTest::theHostBoxNarrowsTheRows() {
+    importEvidence();
+    auto &host = child<QLineEdit>(*m_form, "txtHostFilter");
+    host.setFocus();
+    QTest::keyClicks(&host, QStringLiteral("a.example"));
+    QTest::keyClick(&host, Qt::Key_Return);
+    QCOMPARE(grid().model()->rowCount(), 1);
+    host.clear();
+    QTest::keyClick(&host, Qt::Key_Return);
+    QCOMPARE(grid().model()->rowCount(), 6);
+}
+
+void MainWindowTest::sortsThatFailAreToldAndKeepTheRows() {
+    importEvidence();
+    child<TableTab>(*m_form, "TableTab").sortBy(SortChoice::FileSize);
+    QCOMPARE(grid().model()->rowCount(), 6);
+    QVERIFY(!m_desk->examiner.heard.empty());
+}
+
+void MainWindowTest::exitAsks() {
+    m_desk->examiner.script = {Answer::No};
+    QVERIFY(!m_form->close());
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("exit-program"));
+    m_desk->examiner.script = {Answer::Yes};
+    QVERIFY(m_form->close());
+}
+
+} // namespace nv
+
+QTEST_MAIN(nv::MainWindowTest)
+#include "main_window_test.moc"

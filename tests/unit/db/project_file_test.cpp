@@ -1,0 +1,189 @@
+#include "db/KeywordLists.h"
+#include "db/ReadOnlyConnection.h"
+#include "db/StoredQueries.h"
+#include "support/TestProject.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <memory>
+
+namespace nv {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string outputOf(const std::string &command) {
+    const std::unique_ptr<FILE, int (*)(FILE *)> pipe(::popen(command.c_str(), "r"), &::pclose);
+    std::string output;
+    for (int c = std::fgetc(pipe.get()); c != EOF; c = std::fgetc(pipe.get()))
+        output += static_cast<char>(c);
+    return output;
+}
+
+TEST(ProjectFile, aPlainSQLiteProgramReadsEveryView) {
+    if (outputOf("command -v sqlite3").empty())
+        GTEST_SKIP() << "the sqlite3 program isn't there";
+    test::TestProject project;
+    project.connection().exec("INSERT INTO URLs (URL, Visits) VALUES ('http://www.ebay.com/', 3)");
+    const auto queries = StoredQueries(project.connection()).list();
+    project.database.CloseDB();
+    std::string script;
+    for (const StoredQuery &query : queries)
+        script += "SELECT count(*) FROM [" + query.name + "];";
+    const std::string file = project.database.FilePath.string();
+    const std::string counts =
+        outputOf("sqlite3 -readonly -bail '" + file + "' \"" + script + "\" 2>&1");
+    EXPECT_EQ(std::count(counts.begin(), counts.end(), '\n'),
+              static_cast<std::ptrdiff_t>(queries.size()))
+        << counts;
+    EXPECT_EQ(outputOf("sqlite3 -readonly '" + file + "' 'SELECT URL FROM [eBay]' 2>&1"),
+              "http://www.ebay.com/\n");
+    EXPECT_EQ(outputOf("sqlite3 '" + file + "' 'PRAGMA integrity_check; PRAGMA journal_mode'"),
+              "ok\ndelete\n");
+}
+
+TEST(ProjectFile, queriesFindWhatTheirNamesSay) {
+    test::TestProject project;
+    project.connection().exec(
+        "INSERT INTO URLs (URL, Visits, IsPicture, CacheFileExists, URLFileExt, Category, "
+        "ThumbnailMD5Hash, IsHistory, CacheType, Tagged, ActionDateUTC, IngredientIDs) VALUES "
+        "('http://a.facebook.com/b.jpg', 9, 1, 1, 'jpg', 'Pictures', 'ff', 0, 'IE Cache', 1, "
+        "40709, '1|a|b'),"
+        "('file:///c:/report.DOC', 1, 0, 0, 'doc', '', '', 1, 'ie daily', 0, 39000, '')");
+    const std::map<std::string, int> counts = {
+        {"_DEFAULT", 2},
+        {"Rebuilt Webpages", 1},
+        {"Social Networks", 1},
+        {"Facebook", 1},
+        {"YouTube", 0},
+        {"MS Office Documents", 1},
+        {"TOP 25 URLs", 2},
+        {"Pictures (Cache only)", 1},
+        {"_Show Only Pictures", 1},
+        {"_Show Only JPEGs", 1},
+        {"_Show Only GIFs", 0},
+        {"_Show Only History", 1},
+        {"_Tagged Items", 1},
+        {"_Show Only IE Daily History", 1},
+        {"_Activity for Last Month", 1},
+        {"_Activity for Last 6 Months", 1},
+    };
+    for (const auto &[name, count] : counts)
+        EXPECT_EQ(project.number("SELECT count(*) FROM [" + name + "]"), count) << name;
+}
+
+TEST(ProjectFile, twentyFiveRowsAreTheTop) {
+    test::TestProject project;
+    project.connection().exec("INSERT INTO URLs (Visits) WITH RECURSIVE n(i) AS (SELECT 1 UNION "
+                              "SELECT i + 1 FROM n WHERE i < 40) SELECT i FROM n");
+    EXPECT_EQ(project.text("SELECT count(*) || '/' || min(Visits) FROM [TOP 25 URLs]"), "25/16");
+}
+
+TEST(ProjectFile, isKnownByItsHeader) {
+    test::TestProject project;
+    EXPECT_EQ(project.number("PRAGMA application_id"), 0x4E565031);
+    EXPECT_EQ(project.number("PRAGMA user_version"), 1);
+    EXPECT_EQ(project.text("PRAGMA journal_mode"), "wal");
+}
+
+TEST(ProjectFile, closingRollsAnOpenTransactionBack) {
+    test::TestProject project;
+    project.connection().exec("BEGIN; INSERT INTO Keywords (Keyword) VALUES ('x')");
+    project.database.CloseDB();
+    project.database.open();
+    EXPECT_EQ(project.number("SELECT count(*) FROM Keywords"), 0);
+}
+
+TEST(ProjectFile, closingWhileAnotherReadsLeavesEverythingInTheFile) {
+    test::TestProject project;
+    project.connection().exec("INSERT INTO Keywords (Keyword) VALUES ('x')");
+    const auto reader = openReadOnly(project.database.FilePath);
+    EXPECT_EQ(reader->execAndGet("SELECT count(*) FROM Keywords").getInt(), 1);
+    project.database.CloseDB();
+    EXPECT_TRUE(project.log.entries.empty());
+    const fs::path copy = project.folder.path() / "copy.nvp";
+    fs::copy_file(project.database.FilePath, copy);
+    EXPECT_EQ(openReadOnly(copy)->execAndGet("SELECT count(*) FROM Keywords").getInt(), 1);
+}
+
+TEST(ProjectFile, closingTellsOfALogThatMustStay) {
+    test::TestProject project;
+    const auto reader = openReadOnly(project.database.FilePath);
+    SQLite::Statement open(*reader, "SELECT * FROM StoredQueries");
+    ASSERT_TRUE(open.executeStep());
+    project.connection().exec("INSERT INTO Keywords (Keyword) VALUES ('x')");
+    project.database.CloseDB();
+    ASSERT_EQ(project.log.entries.size(), 1u);
+    EXPECT_EQ(project.log.entries[0].procedure, "DatabaseClass.CloseDB()");
+}
+
+TEST(ProjectFile, keywordFlagsAreMadeOnFirstUse) {
+    test::TestProject project;
+    project.database.KeywordFolder = project.folder.path();
+    project.folder.write("adult-content.txt", "xxx\nporn; adult\n");
+    EXPECT_TRUE(project.database.PopulateKeywordFlags());
+    ASSERT_EQ(project.log.entries.size(), 1u); // the other list isn't there
+    EXPECT_EQ(project.log.entries[0].procedure, "DatabaseClass.loadKeywordLists()");
+    EXPECT_EQ(project.text("SELECT group_concat(FlagName || '=' || FlagCode || '=' || Keywords) "
+                           "FROM KeywordFlags"),
+              "Adult Content=AC=xxx;porn;adult;,Sex Crimes=CP=");
+    EXPECT_TRUE(project.database.PopulateKeywordFlags());
+    EXPECT_EQ(project.number("SELECT count(*) FROM KeywordFlags"), 2);
+    EXPECT_TRUE(project.database.CreateFlaggedURLs());
+    EXPECT_EQ(project.text("SELECT IndexName FROM SchemaIndexes WHERE TableName = 'FlaggedURLs'"),
+              "FlagURL_ID_PK");
+    project.database.CloseDB();
+    EXPECT_FALSE(project.database.CreateFlaggedURLs());
+}
+
+TEST(ProjectFile, aTermThatIsNoPatternIsLeftOutAndLogged) {
+    test::TempFolder folder;
+    test::MemoryLog log;
+    folder.write("adult-content.txt", "# ours\nxxx\n[open; fine\n");
+    folder.write("child-exploitation.txt", "a\xC4#b");
+    const KeywordLists lists = loadKeywordLists(folder.path(), log);
+    EXPECT_EQ(lists.adultContent, (std::vector<std::string>{"xxx", "fine"}));
+    EXPECT_EQ(lists.childExploitation, std::vector<std::string>{"a\u00c4"});
+    ASSERT_EQ(log.entries.size(), 1u);
+    EXPECT_EQ(log.entries[0].message, "record at 3: Invalid pattern string");
+}
+
+TEST(ProjectFile, aListOfThousandsOfTermsStillMakesAProject) {
+    test::TempFolder folder;
+    test::MemoryLog log;
+    test::FixedClock clock;
+    std::string terms;
+    for (int i = 0; i < 5000; ++i)
+        terms += "term" + std::to_string(i) + "\n";
+    folder.write("adult-content.txt", terms);
+    folder.write("child-exploitation.txt", terms);
+    DatabaseClass project(log, clock);
+    project.FilePath = folder.path() / "case.nvp";
+    project.KeywordFolder = folder.path();
+    ASSERT_TRUE(project.CreateDatabaseProject());
+    project.connection().exec("INSERT INTO URLs (URL) VALUES ('x TERM4999 y')");
+    const char *count = "SELECT count(*) FROM [Child Exploitation]";
+    EXPECT_EQ(project.connection().execAndGet(count).getInt(), 1);
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST(ProjectFile, aMorkScratchFileHasThreeTablesAndReplacesAnOlderOne) {
+    test::TestProject project;
+    const fs::path file = project.folder.write("scratch.db", "left over");
+    ASSERT_TRUE(project.database.CreateMorkFileParser(file));
+    SQLite::Database scratch(file.string());
+    EXPECT_EQ(scratch
+                  .execAndGet("SELECT group_concat(name) FROM sqlite_master WHERE type = "
+                              "'table' AND name LIKE 'Mork%'")
+                  .getString(),
+              "MorkColumns,MorkMap,MorkValues");
+    EXPECT_FALSE(project.database.CreateMorkFileParser(project.folder.path() / "no" / "x.db"));
+    EXPECT_EQ(project.log.entries.back().procedure, "DatabaseClass.CreateMorkFileParser()");
+}
+
+} // namespace
+} // namespace nv

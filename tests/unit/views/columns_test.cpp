@@ -1,0 +1,72 @@
+#include "views/UrlColumns.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace nv {
+namespace {
+
+TEST(UrlColumns, standInTheirDocumentedOrder) {
+    std::size_t index = 0;
+    for (const UrlColumnFacts &facts : kUrlColumns)
+        EXPECT_EQ(indexOf(facts.column), index++) << facts.key;
+    EXPECT_EQ(index, 51u);
+    EXPECT_EQ(kUrlColumns[0].key, "COL_URL_TAG");
+    EXPECT_EQ(kUrlColumns[14].key, "COL_URL_VALUE");
+    EXPECT_EQ(kUrlColumns[50].key, "COL_URL_LAST_VISITED");
+}
+
+TEST(UrlColumns, haveKeysOfTheirOwn) {
+    std::set<std::string_view> keys;
+    for (const UrlColumnFacts &facts : kUrlColumns)
+        EXPECT_TRUE(keys.insert(facts.key).second) << facts.key;
+    EXPECT_EQ(columnOfKey("col_url_host"), UrlColumn::Host);
+    EXPECT_EQ(columnOfKey("COL_URL_NONE"), std::nullopt);
+}
+
+TEST(UrlColumns, carryHeadersAndWidths) {
+    EXPECT_EQ(factsOf(UrlColumn::Tag).header, "");
+    EXPECT_EQ(factsOf(UrlColumn::Id).header, "URL ID");
+    EXPECT_EQ(factsOf(UrlColumn::ActionDateUtc).header, "Action Date [UTC]");
+    EXPECT_EQ(factsOf(UrlColumn::DateOtherMeaning).header, "Date Other Desc.");
+    EXPECT_EQ(factsOf(UrlColumn::Value).widthTwips, 5000);
+    EXPECT_EQ(pixelsOf(factsOf(UrlColumn::Value).widthTwips), 333);
+    EXPECT_EQ(pixelsOf(factsOf(UrlColumn::Icon).widthTwips), 40);
+}
+
+TEST(UrlColumns, hideThreeFromTheStart) {
+    std::set<UrlColumn> hidden;
+    for (const UrlColumnFacts &facts : kUrlColumns)
+        if (facts.shown == Shown::No)
+            hidden.insert(facts.column);
+    EXPECT_EQ(hidden,
+              (std::set{UrlColumn::KeywordFlag, UrlColumn::FileId, UrlColumn::LastVisited}));
+}
+
+TEST(UrlColumns, makeTheListOfColumns) {
+    URLTableColumns columns = defaultUrlColumns();
+    EXPECT_EQ(columns.Count(), 51u);
+    const ColumnClass &host = columns.Item("COL_URL_HOST");
+    EXPECT_EQ(host.ColumnHeader, "Host");
+    EXPECT_EQ(host.DefaultColWidth, 2800);
+    EXPECT_EQ(host.SQLOrdinalIndex, 27);
+    EXPECT_FALSE(host.HideColumn);
+    EXPECT_TRUE(columns.Item("COL_URL_FILEID").HideColumn);
+}
+
+TEST(HeaderText, namesTheOffsetOfTheZoneOnASecondLine) {
+    TimeZoneClass zone{Date()};
+    zone.tzBias = 300;
+    EXPECT_EQ(headerText(UrlColumn::ActionDateLocal, zone), "Action Date Local\n[UTC -0500]");
+    zone.tzBias = -330;
+    EXPECT_EQ(headerText(UrlColumn::ActionDateLocal, zone), "Action Date Local\n[UTC +0530]");
+    zone.tzBias = 0;
+    EXPECT_EQ(headerText(UrlColumn::ActionDateLocal, zone), "Action Date Local\n[+0000]");
+    EXPECT_EQ(headerText(UrlColumn::ActionDateUtc, zone), "Action Date [UTC]");
+    EXPECT_EQ(headerText(UrlColumn::FileId, zone), "");
+}
+
+} // namespace
+} // namespace nv
