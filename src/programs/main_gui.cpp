@@ -5,11 +5,11 @@
 #include "app/ui/StatusForm.h"
 #include "platform/posix/PosixSystemTime.h"
 #include "platform/posix/SysfsNetwork.h"
+#include "platform/qt/GuardedApplication.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtExaminer.h"
 #include "platform/qt/QtText.h"
 
-#include <QApplication>
 #include <QThread>
 #include <QWindow>
 
@@ -48,7 +48,7 @@ void keepAbove(QWidget &upper, const QWidget &lower) {
     upper.windowHandle()->setTransientParent(lower.windowHandle());
 }
 
-int runProgram(QApplication &application, SplashForm &splash) {
+int runProgram(GuardedApplication &application, SplashForm &splash) {
     Window window;
     Program &program = window.program;
     applyTheme(application, keptTheme(program.settings));
@@ -67,13 +67,16 @@ int runProgram(QApplication &application, SplashForm &splash) {
         form.showTips();
     if (const QString path = commandLinePath(application); !path.isEmpty())
         form.LoadCommandLineFile(pathFromQt(path));
-    return application.exec();
+    application.report(program.log, window.examiner);
+    const int result = application.exec();
+    application.stopReporting();
+    return result;
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
-    QApplication application(argc, argv);
+    GuardedApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("norvelane"));
     QApplication::setWindowIcon(icon("norvelane-logo"));
     try {

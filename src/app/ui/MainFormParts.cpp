@@ -89,6 +89,7 @@ void MainForm::buildStatusBar() {
         auto *label = new QLabel;
         label->setObjectName(QLatin1String(name));
         label->setTextFormat(Qt::PlainText);
+        label->setContentsMargins(4, 0, 12, 0);
         statusBar()->addWidget(label, stretch);
         return label;
     };

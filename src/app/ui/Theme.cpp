@@ -55,8 +55,11 @@ QPalette paletteOf(const Colours &colours) {
     return palette;
 }
 
-/// The style draws the frame of a tick box darker than the window, which nobody sees on a dark one.
-constexpr const char *kDarkTickBoxes = R"(
+/// The style draws the frames of tick boxes and entry boxes darker than the window, which nobody
+/// sees on a dark one.
+constexpr const char *kDarkFrames = R"(
+QLineEdit { border: 1px solid #57616d; border-radius: 3px; padding: 2px 3px; background: #181b20; }
+QLineEdit:focus { border-color: #79b4f5; }
 QAbstractItemView::indicator, QCheckBox::indicator {
     width: 13px; height: 13px; border: 1px solid #8b96a3; border-radius: 2px; background: #181b20;
 }
@@ -106,7 +109,7 @@ void applyTheme(QApplication &application, Theme theme) {
     const bool dark = theme == Theme::Dark || (theme == Theme::System && systemIsDark());
     application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     application.setPalette(paletteOf(dark ? kDark : kLight));
-    application.setStyleSheet(QString::fromLatin1(dark ? kDarkTickBoxes : ""));
+    application.setStyleSheet(QString::fromLatin1(dark ? kDarkFrames : ""));
 }
 
 } // namespace nv

@@ -29,8 +29,13 @@ QTreeWidget *newList() {
     list->setAlternatingRowColors(true);
     list->setTextElideMode(Qt::ElideRight);
     for (const UrlColumnFacts &facts : kUrlColumns) {
-        if (facts.column != UrlColumn::Icon)
+        if (facts.column == UrlColumn::Icon)
+            continue;
+        auto *item =
             new QTreeWidgetItem(list, {columnTitle(facts.column)}, static_cast<int>(facts.column));
+        // The one that is read first, and is hardly ever whole in its cell.
+        if (facts.column == UrlColumn::Value)
+            list->setCurrentItem(item, 0);
     }
     return list;
 }

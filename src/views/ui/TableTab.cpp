@@ -1,5 +1,6 @@
 #include "views/ui/TableTab.h"
 
+#include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "views/ui/ColumnsForm.h"
 #include "views/ui/EmptyPage.h"
@@ -86,6 +87,7 @@ void TableTab::connectParts() {
 void TableTab::openProject(SQLite::Database &project, FailureLog &log,
                            const TimeZoneClass &GMTZone) {
     m_project = &project;
+    m_log = &log;
     m_table = std::make_unique<UrlTable>(project, log, GMTZone);
     m_model.setTable(m_table.get());
     m_table->showColumns(m_grid->tableLayout().shownColumns());
@@ -95,6 +97,7 @@ void TableTab::closeProject() {
     m_model.setTable(nullptr);
     m_table.reset();
     m_project = nullptr;
+    m_log = nullptr;
     m_tagged = 0;
     m_host->blockSignals(true);
     m_host->clear();
@@ -172,7 +175,11 @@ void TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work) {
 }
 
 void TableTab::countTagged() {
-    m_tagged = m_project->execAndGet("SELECT Count(*) FROM URLs WHERE Tagged <> 0").getInt64();
+    m_tagged =
+        trapped(*m_log, Severity::Low, "MainForm.countTagged()", kNotSerious, m_tagged, [this] {
+            const char *count = "SELECT Count(*) FROM URLs WHERE Tagged <> 0";
+            return qint64{m_project->execAndGet(count).getInt64()};
+        });
     emit statusChanged();
 }
 

@@ -76,7 +76,8 @@ class TableTab final : public QWidget {
     RunTask m_runTask;
     Examiner &m_examiner;
     std::unique_ptr<UrlTable> m_table;
-    SQLite::Database *m_project = nullptr;
+    SQLite::Database *m_project = nullptr; ///< null while no project is open, like the log
+    FailureLog *m_log = nullptr;
     qint64 m_tagged = 0;
     UrlModel m_model;
     UrlGrid *m_grid = nullptr;

@@ -60,6 +60,16 @@ QString UrlModel::cellText(std::size_t place, UrlColumn column) const {
     return toQt(m_table->cell(place, column));
 }
 
+/// An empty cell of the local date would be taken for a record without a date.
+QString UrlModel::tipText(std::size_t place, UrlColumn column) const {
+    const QString text = cellText(place, column);
+    const bool leftOut = column == UrlColumn::ActionDateLocal && text.isEmpty() &&
+                         !m_table->cell(place, UrlColumn::ActionDateUtc).empty();
+    return leftOut ? tr("This column leaves out dates of more than ten years ago. "
+                        "The date stands in the column Action Date [UTC].")
+                   : text;
+}
+
 QVariant UrlModel::data(const QModelIndex &index, int role) const {
     if (!m_table || !index.isValid() || index.row() >= m_rows)
         return {};
@@ -71,7 +81,7 @@ QVariant UrlModel::data(const QModelIndex &index, int role) const {
                                                                      : cellText(place, column);
     case Qt::ToolTipRole:
         // Tooltips guess whether they are rich text: evidence is escaped, so that it never is.
-        return Qt::convertFromPlainText(cellText(place, column));
+        return Qt::convertFromPlainText(tipText(place, column));
     case Qt::CheckStateRole:
         if (column == UrlColumn::Tag)
             return m_table->isTagged(place) ? Qt::Checked : Qt::Unchecked;

@@ -36,6 +36,7 @@ class UrlModel final : public QAbstractTableModel {
 
   private:
     QString cellText(std::size_t place, UrlColumn column) const;
+    QString tipText(std::size_t place, UrlColumn column) const;
 
     UrlTable *m_table = nullptr;
     int m_rows = 0;
