@@ -35,7 +35,7 @@ ReadResult ParseFirefoxCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         TableCursor cursor(database, "moz_cookies", kColumns);
         const Date fileCreated = creationDateOf(ctx.file.FullPath);
-        return eachRow(cursor, ctx.task, ctx.log, kReader.procedure, [&](const Row &row) {
+        return eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
             URLClass record = cookieRecord(ctx,
                                            {row.text(kHost), row.text(kName), row.text(kValue),
                                             dateOf(row, kLastAccessed), dateOf(row, kExpiry)},
