@@ -37,14 +37,14 @@ void tellGroundZero(Program &program) {
 }
 
 /// The whole command line is one path, blanks included.
-QString commandLinePath(const QApplication &application) {
-    return application.arguments().mid(1).join(u' ');
+QString commandLinePath() {
+    return QApplication::arguments().mid(1).join(u' ');
 }
 
-int runProgram(QApplication &application, SplashForm &splash) {
+int runProgram(SplashForm &splash) {
     Window window;
     Program &program = window.program;
-    applyTheme(application, keptTheme(program.settings));
+    applyTheme(keptTheme(program.settings));
     QObject::connect(&window.status, &StatusForm::cancelled, &window.status,
                      [&program] { program.thread.CancelTask = true; });
     splash.showCentred();
@@ -58,9 +58,9 @@ int runProgram(QApplication &application, SplashForm &splash) {
     splash.close();
     if (program.settings.ReadIniValue("OPTIONS", "ShowTipsAtStartup", true))
         form.showTips();
-    if (const QString path = commandLinePath(application); !path.isEmpty())
+    if (const QString path = commandLinePath(); !path.isEmpty())
         form.commands().LoadCommandLineFile(pathFromQt(path));
-    const int result = application.exec();
+    const int result = QApplication::exec();
     window.status.setParent(nullptr);
     return result;
 }
@@ -73,7 +73,7 @@ int main(int argc, char **argv) {
     QApplication::setWindowIcon(icon("norvelane-logo"));
     try {
         SplashForm splash({});
-        return runProgram(application, splash);
+        return runProgram(splash);
     } catch (const std::exception &failure) {
         QtExaminer().tell(messages::startupError(failure.what()));
         return 1;

@@ -1,18 +1,11 @@
-#include "app/Project.h"
-#include "app/ui/MainForm.h"
-#include "app/ui/StatusForm.h"
 #include "db/ProjectFields.h"
+#include "gui/Desk.h"
 #include "import/ui/ImportForm.h"
-#include "platform/Network.h"
-#include "support/TempFolder.h"
-#include "support/TestDoubles.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/IndexDat.h"
 #include "views/ui/ColumnsForm.h"
 #include "views/ui/TableTab.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -20,75 +13,17 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTableView>
-#include <QTest>
-#include <QTimer>
 #include <QWindow>
 #include <SQLiteCpp/SQLiteCpp.h>
-
-#include <deque>
 
 // The window as an examiner uses it: with clicks and keys, on evidence that the test makes.
 namespace nv {
 
 namespace fs = std::filesystem;
 
+using namespace test;
+
 namespace {
-
-/// Answers in order; with no answer left, what nobody would be asked gets the unattended answer.
-struct Answers final : Examiner {
-    Answer ask(const Message &message) override {
-        heard.push_back(message.id);
-        if (script.empty())
-            return message.unattended;
-        const Answer answer = script.front();
-        script.pop_front();
-        return answer;
-    }
-    std::vector<std::string> heard;
-    std::deque<Answer> script;
-};
-
-struct Dialogs final : WindowDialogs {
-    std::optional<fs::path> chooseProject() override { return answer; }
-    std::optional<fs::path> CreateNewProjectFilename() override { return answer; }
-    std::optional<fs::path> chooseSaveAs() override { return answer; }
-    std::optional<fs::path> chooseFolder(const std::string &, const fs::path &) override {
-        return answer;
-    }
-    std::optional<fs::path> answer;
-};
-
-struct OneNetwork final : Network {
-    std::string NetworkConnectionStatus(std::string_view) const override { return status; }
-    std::string status;
-};
-
-struct OneZone final : SystemTime {
-    MachineZone zone() const override { return {300, "Eastern Standard Time"}; }
-};
-
-/// A window over a program in a folder of its own.
-struct Desk {
-    Desk() {
-        QObject::connect(&status, &StatusForm::cancelled, &status,
-                         [this] { program.thread.CancelTask = true; });
-        fs::create_directories(folder.path() / "program");
-        fs::create_directories(folder.path() / "home");
-        fs::copy_file(NV_TIME_ZONES, folder.path() / "program" / "nvTZ.dat");
-        startUp(program, Front::window);
-    }
-    test::TempFolder folder;
-    Answers examiner;
-    StatusForm status{nullptr, std::chrono::milliseconds(0)};
-    test::FixedClock clock;
-    OneZone zone;
-    OneNetwork network;
-    Dialogs dialogs;
-    Program program{{folder.path() / "program", folder.path() / "home"},
-                    Front::window,
-                    {examiner, status, clock, zone, network}};
-};
-
 fs::path makeEvidence(const test::TempFolder &folder) {
     test::IndexDat index;
     for (const char *url : {"Visited: mara@http://b.example/", "Visited: mara@http://a.example/",
@@ -105,31 +40,6 @@ fs::path makeEvidence(const test::TempFolder &folder) {
     history.close();
     folder.write("evidence/Profile/_CACHE_MAP_", std::string(64, 'x'));
     return folder.path() / "evidence";
-}
-
-template <class Child>
-Child &child(QWidget &parent, const char *name) {
-    auto *found = parent.findChild<Child *>(QString::fromLatin1(name));
-    if (!found)
-        qFatal("no child %s", name);
-    return *found;
-}
-
-void trigger(MainForm &form, const char *action) {
-    auto *found = form.findChild<QAction *>(QString::fromLatin1(action));
-    if (!found)
-        qFatal("no action %s", action);
-    found->trigger();
-}
-
-/// Runs `act` on the window of the given kind that comes up modal next.
-template <class Form>
-void whenShown(const std::function<void(Form &)> &act) {
-    QTimer::singleShot(0, qApp, [act] {
-        auto *form = qobject_cast<Form *>(QApplication::activeModalWidget());
-        QVERIFY(form);
-        act(*form);
-    });
 }
 
 } // namespace
