@@ -20,15 +20,17 @@ std::string_view severityWord(Severity severity) {
 
 RecordTrap::~RecordTrap() {
     if (m_failed > kLoggedRecords)
-        m_log.write({fmt::format("{} further bad records of this file are not listed",
-                                 m_failed - kLoggedRecords),
-                     m_procedure, Severity::Warning, std::string(kContactSupport)});
+        write(fmt::format("{} further bad records are not listed", m_failed - kLoggedRecords));
 }
 
 void RecordTrap::note(std::uint64_t place, std::string_view message) {
     if (++m_failed <= kLoggedRecords)
-        m_log.write({fmt::format("record at {}: {}", place, message), m_procedure,
-                     Severity::Warning, std::string(kContactSupport)});
+        write(fmt::format("record at {}: {}", place, message));
+}
+
+void RecordTrap::write(std::string_view message) {
+    m_log.write({fmt::format("{}{}{}", m_file, m_file.empty() ? "" : ": ", message), m_procedure,
+                 Severity::Warning, std::string(kContactSupport)});
 }
 
 } // namespace nv

@@ -36,7 +36,9 @@ class RecordTrap {
   public:
     static constexpr std::uint64_t kLoggedRecords = 50;
 
-    RecordTrap(FailureLog &log, std::string_view procedure) : m_log(log), m_procedure(procedure) {}
+    /// `file` names the evidence in the log; empty where the records are those of the project.
+    RecordTrap(FailureLog &log, std::string_view procedure, std::string file = {})
+        : m_log(log), m_procedure(procedure), m_file(std::move(file)) {}
     ~RecordTrap();
     RecordTrap(const RecordTrap &) = delete;
     RecordTrap &operator=(const RecordTrap &) = delete;
@@ -59,9 +61,11 @@ class RecordTrap {
 
   private:
     void note(std::uint64_t place, std::string_view message);
+    void write(std::string_view message);
 
     FailureLog &m_log;
     std::string m_procedure;
+    std::string m_file;
     std::uint64_t m_failed = 0;
 };
 

@@ -15,7 +15,7 @@ constexpr std::string_view kAdvice = "Queries of new projects that look for its 
 /// A term that is no pattern is logged and left out: it would end the making of a project.
 std::vector<std::string> termsOf(const std::filesystem::path &file, FailureLog &log) {
     std::vector<std::string> terms;
-    RecordTrap trap(log, kProcedure);
+    RecordTrap trap(log, kProcedure, textOf(file));
     const Bytes bytes = readWhole(file);
     std::uint64_t lineNumber = 0;
     for (const std::string_view line : split(ByteView(bytes).raw(), '\n')) {

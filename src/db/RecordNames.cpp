@@ -32,9 +32,15 @@ bool mayBeFileName(std::string_view tail) {
            !startsWithNoCase(tail, "file://");
 }
 
+/// What stands behind the last slash; nothing without one, as with a cookie's host.
+std::string_view tailOf(std::string_view url) {
+    return url.find_first_of("/\\") == std::string_view::npos ? std::string_view()
+                                                              : GetFilenameFromPath(url);
+}
+
 /// A tail that ends as host names do gives neither a name nor an extension.
 void nameFromUrl(URLClass &record) {
-    const std::string_view tail = GetFilenameFromPath(record.URL);
+    const std::string_view tail = tailOf(record.URL);
     const std::string extension = GetFileExtension(record.URL);
     const bool isHost = isOneOf(extension, kHostEndings);
     if (!isHost && mayBeFileName(tail)) {

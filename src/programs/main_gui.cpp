@@ -38,8 +38,8 @@ void tellGroundZero(Program &program) {
 }
 
 /// The whole command line is one path, blanks included.
-QString commandLinePath(const QApplication &application) {
-    return application.arguments().mid(1).join(u' ');
+QString commandLinePath() {
+    return QApplication::arguments().mid(1).join(u' ');
 }
 
 /// Not by making it the parent, which would destroy it first.
@@ -51,7 +51,7 @@ void keepAbove(QWidget &upper, const QWidget &lower) {
 int runProgram(GuardedApplication &application, SplashForm &splash) {
     Window window;
     Program &program = window.program;
-    applyTheme(application, keptTheme(program.settings));
+    applyTheme(keptTheme(program.settings));
     QObject::connect(&window.status, &StatusForm::cancelled, &window.status,
                      [&program] { program.thread.CancelTask = true; });
     splash.showCentred();
@@ -65,10 +65,10 @@ int runProgram(GuardedApplication &application, SplashForm &splash) {
     splash.close();
     if (program.settings.ReadIniValue("OPTIONS", "ShowTipsAtStartup", true))
         form.showTips();
-    if (const QString path = commandLinePath(application); !path.isEmpty())
+    if (const QString path = commandLinePath(); !path.isEmpty())
         form.LoadCommandLineFile(pathFromQt(path));
     application.report(program.log, window.examiner);
-    const int result = application.exec();
+    const int result = QApplication::exec();
     application.stopReporting();
     return result;
 }

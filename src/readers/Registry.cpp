@@ -3,7 +3,9 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "readers/Evidence.h"
+#include "readers/chrome/Cookies.h"
 #include "readers/chrome/History.h"
+#include "readers/firefox/Cookies.h"
 #include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
 
@@ -174,11 +176,11 @@ constexpr std::array<Reader, 21> kReaders = {{
     {operaCookies, "opera-cookies", "Opera Cookies", "9.0", "chkCookiesOpera", "cookies4.dat",
      isOperaCookies, nullptr},
     {firefoxCookies, "firefox-cookies", "Firefox Cookies", "3.0", "chkCookiesFirefox",
-     "cookies.sqlite", isFirefoxCookies, nullptr},
+     "cookies.sqlite", isFirefoxCookies, ParseFirefoxCookiesFile},
     {safariCookies, "safari-cookies", "Safari Cookies", "3.0", "chkCookiesSafari", "cookies.plist",
      isSafariCookies, nullptr},
     {chromeCookies, "chrome-cookies", "Chrome Cookies", "1.0", "chkCookiesChrome", "Cookies",
-     isChromeCookies, nullptr},
+     isChromeCookies, ParseChromeCookiesFile},
     {netAnalysis, "netanalysis", "NetAnalysis", "1.x", "IncludeNetAnalysis", "*.net", isNetAnalysis,
      nullptr},
     {norvelaneNVD, "nvd", "Norvelane NVD", "2.x", "chkHistoryNVD", "*.nvd", isNorvelaneNVD,

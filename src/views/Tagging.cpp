@@ -1,46 +1,56 @@
 #include "views/Tagging.h"
 
 #include "base/Trap.h"
-#include "db/ProjectFields.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <optional>
+#include <stdexcept>
 
 namespace nv {
 namespace {
 
 constexpr std::string_view kProcedure = "MainForm.URLGrid_Click()";
 
-bool writeAll(SQLite::Database &database, std::span<const std::int32_t> ids, bool tagged,
-              TaskMonitor &task) {
+/// How many of the rows there are, or nothing after a cancel: then none is written.
+std::optional<std::size_t> writeAll(SQLite::Database &database, std::span<const std::int32_t> ids,
+                                    bool tagged, TaskMonitor &task) {
     SQLite::Transaction transaction(database);
     SQLite::Statement update(database, "UPDATE URLs SET Tagged = ? WHERE URL_ID = ?");
     update.bind(1, tagged ? 1 : 0);
     std::size_t done = 0;
+    std::size_t written = 0;
     for (const std::int32_t id : ids) {
         if (!task.advance(static_cast<double>(done++) / static_cast<double>(ids.size())))
-            return false;
+            return std::nullopt;
         update.bind(2, id);
-        update.exec();
+        written += static_cast<std::size_t>(update.exec());
         update.reset();
     }
     transaction.commit();
-    return true;
+    return written;
 }
 
 } // namespace
 
+// Errors of the database are kept as they are here: a full disk that ends an import must not end
+// the program over a tick.
+
 bool setTagged(SQLite::Database &database, FailureLog &log, UrlId id, bool tagged) {
     return trapped(log, Severity::Low, kProcedure, kNotSerious, false, [&] {
-        return ProjectFields(database, log)
-            .PutDBField(tagged ? "1" : "0", std::to_string(number(id)), "URL_ID", "URLs", "Tagged",
-                        Severity::Low);
+        const auto row = static_cast<std::int32_t>(number(id));
+        Unwatched task;
+        if (writeAll(database, std::span(&row, 1), tagged, task) != 1)
+            throw std::runtime_error(fmt::format("there is no row with URL_ID {}", row));
+        return true;
     });
 }
 
 bool setTagged(SQLite::Database &database, FailureLog &log, std::span<const std::int32_t> ids,
                bool tagged, TaskMonitor &task) {
     return trapped(log, Severity::Low, kProcedure, kNotSerious, false,
-                   [&] { return writeAll(database, ids, tagged, task); });
+                   [&] { return writeAll(database, ids, tagged, task).has_value(); });
 }
 
 } // namespace nv

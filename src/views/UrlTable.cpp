@@ -75,10 +75,13 @@ LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
 /// What makes the load quick and the evidence found. A project that can't be written is shown all
 /// the same. False when cancelled.
 bool UrlTable::prepareProject(TaskMonitor &task) {
-    return trapped(m_log, Severity::Low, kProcedure, kNotSerious, true, [&] {
-        return mendRootPath(m_project, m_log, RootPath, task).has_value() &&
-               ensureDateIndex(m_project, task) != IndexState::Cancelled;
+    bool goOn = true;
+    failureOf(m_log, kProcedure, [&] {
+        goOn = mendRootPath(m_project, m_log, RootPath, task).has_value() &&
+               ensureDateIndex(m_project, task) != IndexState::Cancelled &&
+               ensureLinkIndexes(m_project, task) != IndexState::Cancelled;
     });
+    return goOn;
 }
 
 Walk UrlTable::fill(const IdQuery &query, TaskMonitor &task, RowIds &ids) {

@@ -65,6 +65,47 @@ void showAScreenAnywhere(benchmark::State &state) {
 }
 BENCHMARK(showAScreenAnywhere)->Unit(benchmark::kMillisecond);
 
+/// A hundred pages one after another, none of them at hand.
+void scrollAHundredPages(benchmark::State &state) {
+    BigProject &big = bigProject();
+    const TimeZoneClass zone{Date::fromDays(40000)};
+    UrlTable table(big.project.connection(), big.project.log, zone);
+    table.LoadURLs(big.task);
+    std::size_t place = 0;
+    for (auto _ : state)
+        for (int page = 0; page < 100; ++page) {
+            place = (place + 377'777) % (kRows - kScreen);
+            lookAtScreen(table, place);
+        }
+}
+BENCHMARK(scrollAHundredPages)->Unit(benchmark::kMillisecond);
+
+/// The first load after an import: every row is looked at once for its base folder.
+void loadWithRowsNotSeenYet(benchmark::State &state) {
+    BigProject &big = bigProject();
+    const TimeZoneClass zone{Date::fromDays(40000)};
+    big.project.connection().exec("UPDATE URLs SET RootPath = '/evidence/'");
+    UrlTable table(big.project.connection(), big.project.log, zone);
+    table.RootPath = "/evidence/";
+    for (auto _ : state) {
+        big.project.connection().exec(
+            "DELETE FROM DefaultSettings WHERE DefaultName = 'RootPathSeen'");
+        table.LoadURLs(big.task);
+    }
+}
+BENCHMARK(loadWithRowsNotSeenYet)->Unit(benchmark::kMillisecond);
+
+/// The record filters look at every row.
+void loadThroughTheFilter(benchmark::State &state) {
+    BigProject &big = bigProject();
+    const TimeZoneClass zone{Date::fromDays(40000)};
+    UrlTable table(big.project.connection(), big.project.log, zone);
+    table.filter = [](const FilterFacts &facts) { return facts.URL.ends_with("7.html"); };
+    for (auto _ : state)
+        table.LoadURLs(big.task);
+}
+BENCHMARK(loadThroughTheFilter)->Unit(benchmark::kMillisecond);
+
 void sortByUrl(benchmark::State &state) {
     BigProject &big = bigProject();
     const TimeZoneClass zone{Date::fromDays(40000)};

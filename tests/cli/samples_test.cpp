@@ -75,11 +75,15 @@ void compareFact(SQLite::Database &project, int row, const std::string &name, co
 
 void compareRecord(SQLite::Database &project, const json &record) {
     const bool byOffset = record.contains("record_offset");
-    SQLite::Statement row(project, fmt::format("SELECT URL_ID FROM URLs WHERE {} = ? AND "
-                                               "URLRawValue = ?",
-                                               byOffset ? "MapFileOffset" : "Reference_ID"));
-    row.bind(1, record.at(byOffset ? "record_offset" : "Reference_ID").get<std::int64_t>());
-    row.bind(2, record.at("URLRawValue").get<std::string>());
+    const bool isCookie = !byOffset && !record.contains("Reference_ID");
+    const char *key = isCookie ? "MetaData" : byOffset ? "MapFileOffset" : "Reference_ID";
+    SQLite::Statement row(project, fmt::format("SELECT URL_ID FROM URLs WHERE {} = ? AND {} = ?",
+                                               key, isCookie ? "URLFileName" : "URLRawValue"));
+    if (isCookie)
+        row.bind(1, record.at("MetaData").get<std::string>());
+    else
+        row.bind(1, record.at(byOffset ? "record_offset" : key).get<std::int64_t>());
+    row.bind(2, record.at(isCookie ? "URLFileName" : "URLRawValue").get<std::string>());
     ASSERT_TRUE(row.executeStep()) << "no row for " << describe(record);
     const int id = row.getColumn(0).getInt();
     for (const auto &[name, want] : record.items())

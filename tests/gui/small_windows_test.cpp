@@ -133,7 +133,7 @@ void SmallWindowsTest::theThemeIsKeptAndSetsReadableColours() {
     QCOMPARE(keptTheme(IniFile(settings.path(), log)), Theme::Dark);
 
     for (const Theme theme : {Theme::Light, Theme::Dark}) {
-        applyTheme(*qApp, theme);
+        applyTheme(theme);
         const QPalette palette = QApplication::palette();
         const int ground = palette.color(QPalette::Base).lightness();
         const int text = palette.color(QPalette::Text).lightness();

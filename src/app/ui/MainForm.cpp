@@ -155,7 +155,7 @@ void MainForm::showAbout() {
 
 void MainForm::chooseTheme(Theme theme) {
     keepTheme(m_program.settings, theme);
-    applyTheme(*qApp, theme);
+    applyTheme(theme);
 }
 
 void MainForm::setCaption(const std::string &caption) {

@@ -105,11 +105,11 @@ void keepTheme(IniFile &settings, Theme theme) {
     settings.WriteIniValue(kSection, kKey, themeName(theme));
 }
 
-void applyTheme(QApplication &application, Theme theme) {
+void applyTheme(Theme theme) {
     const bool dark = theme == Theme::Dark || (theme == Theme::System && systemIsDark());
-    application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    application.setPalette(paletteOf(dark ? kDark : kLight));
-    application.setStyleSheet(QString::fromLatin1(dark ? kDarkFrames : ""));
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setPalette(paletteOf(dark ? kDark : kLight));
+    qApp->setStyleSheet(QString::fromLatin1(dark ? kDarkFrames : ""));
 }
 
 } // namespace nv

@@ -4,8 +4,6 @@
 
 #include <string_view>
 
-class QApplication;
-
 namespace nv {
 
 enum class Theme { System, Light, Dark };
@@ -18,6 +16,6 @@ void keepTheme(IniFile &settings, Theme theme);
 
 /// Gives all windows the theme's colours. The system's choice is read from the colours that the
 /// desktop handed to the program at its start.
-void applyTheme(QApplication &application, Theme theme);
+void applyTheme(Theme theme);
 
 } // namespace nv

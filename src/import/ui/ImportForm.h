@@ -28,6 +28,8 @@ class ImportForm final : public QDialog {
     ImportForm(Program &program, const std::filesystem::path &start, ChooseFolder chooseFolder,
                QWidget *parent = nullptr);
     ~ImportForm() override;
+    ImportForm(const ImportForm &) = delete;
+    ImportForm &operator=(const ImportForm &) = delete;
 
     /// True when files were read, so that the table has to be loaded anew.
     bool imported() const { return m_imported; }

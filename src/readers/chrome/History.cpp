@@ -67,7 +67,7 @@ ReadResult readPages(ReadContext &ctx, EvidenceDatabase &database) {
     TableCursor cursor(database, "urls", kColumns);
     const Date fileCreated = creationDateOf(ctx.file.FullPath);
     std::vector<std::int64_t> pages;
-    ReadResult result = eachRow(cursor, ctx.task, ctx.log, kReader.procedure, [&](const Row &row) {
+    ReadResult result = eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
         URLClass record = pageRecord(ctx, row, fileCreated);
         pages.push_back(record.Reference_ID);
         ctx.sink.save(record);

@@ -73,7 +73,7 @@ ReadResult readPlaces(ReadContext &ctx, EvidenceDatabase &database) {
         return {ReadState::cancelled, {}, 0, {}};
     const Date fileCreated = creationDateOf(ctx.file.FullPath);
     SubTask task(ctx.task, kVisitsShare, 1);
-    ReadResult result = eachRow(cursor, task, ctx.log, kReader.procedure, [&](const Row &row) {
+    ReadResult result = eachRow(cursor, ctx, task, kReader.procedure, [&](const Row &row) {
         URLClass record = placeRecord(ctx, row, visits, fileCreated);
         ctx.sink.save(record);
     });

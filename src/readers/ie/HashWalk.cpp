@@ -59,7 +59,8 @@ ByteView recordAt(ByteView file, std::uint64_t offset) {
 }
 
 HashWalk::HashWalk(ReadContext &ctx, ByteView file, std::string_view procedure)
-    : m_ctx(ctx), m_file(file), m_procedure(procedure), m_trap(ctx.log, procedure) {}
+    : m_ctx(ctx), m_file(file), m_procedure(procedure),
+      m_trap(ctx.log, procedure, textOf(ctx.file.FullPath)) {}
 
 bool HashWalk::open(ReadResult &result) {
     if (m_file.size() < kShortestIndex) {

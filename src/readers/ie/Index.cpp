@@ -37,7 +37,7 @@ class IndexReading {
   public:
     IndexReading(ReadContext &ctx, ByteView bytes)
         : m_ctx(ctx), m_bytes(bytes), m_walk(ctx, bytes, kProcedure),
-          m_contents(ctx.log, kProcedure) {}
+          m_contents(ctx.log, kProcedure, textOf(ctx.file.FullPath)) {}
 
     ReadResult run() {
         ReadResult result;

@@ -60,9 +60,9 @@ ReadResult readSqliteFile(ReadContext &ctx, const SqliteReader &reader,
     return result;
 }
 
-ReadResult eachRow(TableCursor &cursor, TaskMonitor &task, FailureLog &log,
+ReadResult eachRow(TableCursor &cursor, ReadContext &ctx, TaskMonitor &task,
                    std::string_view procedure, const std::function<void(const Row &row)> &save) {
-    RecordTrap trap(log, procedure);
+    RecordTrap trap(ctx.log, procedure, textOf(ctx.file.FullPath));
     ReadResult result;
     while (cursor.next()) {
         if (!task.advance(cursor.fraction())) {

@@ -26,7 +26,7 @@ ReadResult readSqliteFile(ReadContext &ctx, const SqliteReader &reader,
 
 /// Hands on each row of the cursor's table. A row that fails is logged, and the walk goes on.
 /// `task` counts these rows; its cancelling ends the walk.
-ReadResult eachRow(TableCursor &cursor, TaskMonitor &task, FailureLog &log,
+ReadResult eachRow(TableCursor &cursor, ReadContext &ctx, TaskMonitor &task,
                    std::string_view procedure, const std::function<void(const Row &row)> &save);
 
 /// Adds damage that no row was lost to, or not of the table that gives the records.

@@ -1,5 +1,6 @@
 #include "readers/sqlite/TableCursor.h"
 
+#include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/sqlite/KeptMessage.h"
 
@@ -57,7 +58,7 @@ void TableCursor::prepareStatements(std::span<const std::string_view> columns) {
     std::string list = m_idColumn;
     int position = 0;
     for (const std::string_view column : columns) {
-        const bool has = present.contains(std::string(column));
+        const bool has = present.contains(toLower(column));
         m_positions.push_back(has ? ++position : -1);
         if (has)
             list += fmt::format(", \"{}\"", column);

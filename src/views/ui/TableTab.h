@@ -31,6 +31,8 @@ class TableTab final : public QWidget {
   public:
     TableTab(RunTask runTask, Examiner &examiner, QWidget *parent = nullptr);
     ~TableTab() override;
+    TableTab(const TableTab &) = delete;
+    TableTab &operator=(const TableTab &) = delete;
 
     /// Takes up an open project, without loading it. The project, log and zone must stay until
     /// closeProject(), which has to come before the project's connection goes.

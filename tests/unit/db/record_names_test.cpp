@@ -43,9 +43,10 @@ TEST(RecordNames, wantMoreThanFiveCharactersAndAPoint) {
 }
 
 TEST(RecordNames, takeNoTailThatLooksLikeAUrl) {
-    EXPECT_EQ(named("http.server.gif").URLFileName, "");
-    EXPECT_EQ(named("res:shdoclc.dll").URLFileName, "");
-    EXPECT_EQ(named("xres:shdoclc.dll").URLFileName, "xres:shdoclc.dll");
+    EXPECT_EQ(named("http://host/http.server.gif").URLFileName, "");
+    EXPECT_EQ(named("http://host/res:shdoclc.dll").URLFileName, "");
+    EXPECT_EQ(named("http://host/xres:shdoclc.dll").URLFileName, "xres:shdoclc.dll");
+    EXPECT_EQ(named("xres:shdoclc.dll").URLFileName, "") << "no slash, no tail";
 }
 
 TEST(RecordNames, keepTheCachedFilesExtensionWhereTheUrlHasNone) {
@@ -113,6 +114,15 @@ TEST(RecordNames, changeNothingTheSecondTime) {
         EXPECT_EQ(once.CacheFileExt, twice.CacheFileExt);
         EXPECT_EQ(once.IsPicture, twice.IsPicture);
     }
+}
+
+TEST(OrderNames, keepsTheNameOfACookieWhoseUrlIsABareHost) {
+    URLClass record;
+    record.URL = "adap.tv";
+    record.URLFileName = "audienceData";
+    orderNames(record);
+    EXPECT_EQ(record.URLFileName, "audienceData");
+    EXPECT_EQ(record.CacheFileExt, "");
 }
 
 } // namespace

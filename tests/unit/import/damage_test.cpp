@@ -1,4 +1,5 @@
 #include "support/builders/ChromeHistory.h"
+#include "support/builders/Cookies.h"
 #include "support/builders/IndexDat.h"
 #include "support/builders/Places.h"
 #include "unit/import/ImportFixture.h"
@@ -41,6 +42,12 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
              test::ChromeHistory history(path);
              test::addExamplePages(history);
          }},
+        {"chrome-cookies",
+         [](const auto &path) {
+             test::ChromeCookies(path).add({.creation = 1}).add({.creation = 2});
+         }},
+        {"firefox-cookies",
+         [](const auto &path) { test::FirefoxCookies(path).add({}).add({.name = "other"}); }},
         {"firefox3-history",
          [](const auto &path) {
              test::Places places(path);
@@ -110,7 +117,7 @@ TEST_P(DamageTest, isSurvived) {
 
 INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
                          testing::Values("ie-history", "ie-cache", "chrome-history",
-                                         "firefox3-history"));
+                                         "firefox3-history", "chrome-cookies", "firefox-cookies"));
 
 TEST(DamageTests, coverEveryReader) {
     for (const Reader &reader : registry())

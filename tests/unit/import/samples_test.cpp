@@ -18,7 +18,8 @@ using Listing = std::vector<std::pair<std::string, int>>;
 Listing expectedListing(const fs::path &sample) {
     std::ifstream file(sample / "expected.json");
     Listing listing;
-    for (const auto &entry : nlohmann::json::parse(file).at("scan")) {
+    const nlohmann::json expected = nlohmann::json::parse(file);
+    for (const auto &entry : expected.at("scan")) {
         if (entry.at("scan_type").is_null())
             continue;
         const int type = entry.at("scan_type");

@@ -228,7 +228,7 @@ TEST_F(ChromeHistoryReader, goesOnBehindARecordThatCanNotBeSaved) {
     EXPECT_EQ(ParseChromeHistoryFile(context).state, ReadState::complete);
     EXPECT_EQ(sink.kept, (std::vector<std::int64_t>{1, 3}));
     ASSERT_EQ(reading.log.entries.size(), 1U);
-    EXPECT_EQ(reading.log.entries[0].message, "record at 2: not this one");
+    EXPECT_EQ(reading.log.entries[0].message, textOf(file()) + ": record at 2: not this one");
     EXPECT_EQ(reading.log.entries[0].severity, Severity::Warning);
 }
 

@@ -40,8 +40,9 @@ struct MadeProject {
             names += fmt::format("{}[{}]", names.empty() ? "" : ", ", name);
             marks += marks.empty() ? "?" : ", ?";
         }
-        SQLite::Statement statement(
-            db(), fmt::format("INSERT INTO {} ({}) VALUES ({})", table, names, marks));
+        const std::string values =
+            names.empty() ? "DEFAULT VALUES" : fmt::format("({}) VALUES ({})", names, marks);
+        SQLite::Statement statement(db(), fmt::format("INSERT INTO {} {}", table, values));
         int at = 1;
         for (const auto &field : fields)
             bind(statement, at++, field.second);

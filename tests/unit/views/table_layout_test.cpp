@@ -1,3 +1,5 @@
+#include "db/ProjectFields.h"
+#include "support/TestProject.h"
 #include "views/TableLayout.h"
 
 #include <gtest/gtest.h>
@@ -96,6 +98,27 @@ TEST(TableLayout, givesAShownColumnAWidth) {
     EXPECT_EQ(layout.widthTwips(UrlColumn::KeywordFlag), 0);
     layout.setHidden(UrlColumn::KeywordFlag, false);
     EXPECT_GT(layout.widthTwips(UrlColumn::KeywordFlag), 0);
+}
+
+TEST(TableLayout, survivesACloseAndAnOpenOfTheProject) {
+    test::TestProject project;
+    {
+        TableLayout layout;
+        layout.setHidden(UrlColumn::Host, true);
+        layout.move(UrlColumn::Value, 1);
+        ProjectFields fields(project.connection(), project.log);
+        layout.save([&](std::string_view name, std::string_view value) {
+            fields.SaveDefaultSetting(name, value);
+        });
+    }
+    project.database.CloseDB();
+    project.database.open();
+    const ProjectFields fields(project.connection(), project.log);
+    TableLayout layout;
+    layout.restore([&](std::string_view name) { return fields.GetDefault(name); });
+    EXPECT_TRUE(layout.hidden(UrlColumn::Host));
+    EXPECT_EQ(layout.position(UrlColumn::Value), 1);
+    EXPECT_TRUE(project.log.entries.empty());
 }
 
 TEST(FormatColumns, takesHeaderAndVisibilityByKey) {

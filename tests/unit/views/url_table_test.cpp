@@ -201,5 +201,152 @@ TEST_F(UrlTableTest, movedEvidenceIsMendedAtLoad) {
     EXPECT_EQ(fieldOf(id, "RootPath"), "/new/");
 }
 
+TEST_F(UrlTableTest, aLoadShowsWhatItIsAt) {
+    page(1, "a");
+    test::MemoryTask shown;
+    table.RecordsetDirty = true;
+    EXPECT_EQ(table.LoadURLs(shown), LoadResult::Loaded);
+    EXPECT_FALSE(table.RecordsetDirty);
+    ASSERT_EQ(shown.headings.size(), 1u);
+    EXPECT_EQ(shown.headings[0].title, "LOADING URLS");
+    EXPECT_TRUE(shown.headings[0].detail.starts_with("TIP: If you are using Filters"));
+    ASSERT_FALSE(shown.steps.empty());
+    EXPECT_EQ(shown.steps.back().topMessage, "Validating and Loading Records ");
+    EXPECT_EQ(shown.steps.back().bottomMessage, "URL 1 of 1");
+}
+
+TEST_F(UrlTableTest, theRecordFilterComesAfterTheQueryAndStaysThroughASort) {
+    page(1, "b keep");
+    page(2, "drop");
+    page(3, "a keep");
+    table.filter = [](const FilterFacts &facts) { return facts.URL.ends_with("keep"); };
+    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(urls(), (Texts{"b keep", "a keep"}));
+    EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, task), LoadResult::Loaded);
+    EXPECT_EQ(urls(), (Texts{"a keep", "b keep"}));
+    table.filter = [](const FilterFacts &) { return false; };
+    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.emptyState(), EmptyState::NoMatches);
+}
+
+TEST_F(UrlTableTest, saysWhyItIsEmpty) {
+    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.emptyState(), EmptyState::NoRecords);
+    page(1, "a");
+    test::CancelAfter now(0);
+    EXPECT_EQ(table.LoadURLs(now), LoadResult::Cancelled);
+    EXPECT_EQ(table.emptyState(), EmptyState::Cancelled);
+    table.LoadURLs(task);
+    EXPECT_EQ(table.emptyState(), EmptyState::HasRows);
+}
+
+TEST_F(UrlTableTest, aCancelledSortLeavesTheOrder) {
+    page(1, "b");
+    page(2, "a");
+    table.LoadURLs(task);
+    test::CancelAfter now(0);
+    EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, now), LoadResult::Cancelled);
+    EXPECT_EQ(urls(), (Texts{"b", "a"}));
+    EXPECT_EQ(table.columnSort(), std::nullopt);
+}
+
+TEST_F(UrlTableTest, everySortableColumnSorts) {
+    page(1, "b");
+    page(2, "a");
+    table.LoadURLs(task);
+    for (const UrlColumnFacts &facts : kUrlColumns) {
+        EXPECT_EQ(table.sortBy(facts.column, SortDirection::Descending, task), LoadResult::Loaded)
+            << facts.key;
+        EXPECT_EQ(table.rowCount(), 2u);
+    }
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(UrlTableTest, aSortStaysWithinTheRowsOfTheQuery) {
+    for (int i = 0; i < 30; ++i)
+        add({{"Visits", std::int64_t{i}}, {"URL", fmt::format("{:02}", i)}});
+    table.choice.ActiveQueryName = "TOP 25 URLs";
+    table.LoadURLs(task);
+    EXPECT_EQ(table.rowCount(), 25u);
+    EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, task), LoadResult::Loaded);
+    ASSERT_EQ(table.rowCount(), 25u);
+    EXPECT_EQ(table.cell(0, UrlColumn::Value), "05");
+}
+
+TEST_F(UrlTableTest, everyStoredQueryOfANewProjectLoads) {
+    page(1, "a");
+    for (const StoredQuery &query : StoredQueries(db()).list()) {
+        table.choice = {query.name, false, ""};
+        EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded) << query.name;
+    }
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(UrlTableTest, aCancelledTaggingTagsNone) {
+    const auto first = page(1, "a");
+    page(2, "b");
+    table.LoadURLs(task);
+    test::CancelAfter soon(1);
+    EXPECT_FALSE(table.setTagged(0, 2, true, soon));
+    EXPECT_EQ(fieldOf(first, "Tagged"), "0");
+    EXPECT_FALSE(table.isTagged(0));
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(UrlTableTest, aProjectThatCantBeWrittenIsShownAllTheSame) {
+    page(1, "a");
+    db().exec("PRAGMA query_only = 1");
+    table.RootPath = "/new";
+    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(urls(), Texts{"a"});
+    ASSERT_EQ(log.entries.size(), 1u);
+    EXPECT_FALSE(table.setTagged(0, true));
+    EXPECT_FALSE(table.setTagged(0, 1, true, task));
+    EXPECT_FALSE(table.isTagged(0));
+    ASSERT_EQ(log.entries.size(), 3u);
+    EXPECT_EQ(log.entries[1].severity, Severity::Low);
+    EXPECT_EQ(log.entries[2].recommendation, "This is not a serious error.");
+}
+
+/// A window that paints itself whenever the task lets it.
+struct PaintingTask final : TaskMonitor {
+    explicit PaintingTask(UrlTable &painted) : table(painted) {}
+    void describe(const TaskHeading &) override {}
+    bool advance(double) override {
+        cells.push_back(table.cell(0, UrlColumn::Value));
+        table.setTagged(0, true);
+        return true;
+    }
+    bool wantsStep() const override { return false; }
+    void show(const TaskStep &) override {}
+    UrlTable &table;
+    std::vector<std::string> cells;
+};
+
+TEST_F(UrlTableTest, cellsThatAreAskedForDuringASortAreThoseAtHand) {
+    const auto id = page(1, "a");
+    table.LoadURLs(task);
+    urls();
+    PaintingTask painting(table);
+    const std::size_t read = table.pagesRead();
+    EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, painting),
+              LoadResult::Loaded);
+    EXPECT_EQ(painting.cells, Texts{"a"});
+    EXPECT_EQ(table.pagesRead(), read);
+    EXPECT_EQ(fieldOf(id, "Tagged"), "0") << "and nothing is written meanwhile";
+}
+
+TEST_F(UrlTableTest, findsARowByItsKey) {
+    const auto b = page(2, "b");
+    page(1, "a");
+    table.LoadURLs(task);
+    EXPECT_EQ(table.placeOf(UrlId{b}), 1u);
+    EXPECT_EQ(table.placeOf(UrlId{99}), std::nullopt);
+    EXPECT_EQ(table.idAt(1), UrlId{b});
+    EXPECT_EQ(table.idAt(2), UrlId::none);
+    EXPECT_EQ(table.cell(2, UrlColumn::Value), "");
+    EXPECT_TRUE(std::holds_alternative<std::monostate>(table.machineCell(2, UrlColumn::Value)));
+}
+
 } // namespace
 } // namespace nv

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "readers/Reader.h"
+
+namespace nv {
+
+/// Reads table `cookies` of Chrome's `Cookies`; docs/formats/chrome-cookies.md.
+ReadResult ParseChromeCookiesFile(ReadContext &ctx);
+
+} // namespace nv

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "readers/Reader.h"
+
+namespace nv {
+
+/// Reads table `moz_cookies` of Firefox's `cookies.sqlite`; docs/formats/firefox-cookies.md.
+ReadResult ParseFirefoxCookiesFile(ReadContext &ctx);
+
+} // namespace nv

@@ -1,0 +1,55 @@
+#include "readers/sqlite/CookieRow.h"
+
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "base/Text.h"
+#include "readers/Dissection.h"
+#include "time/SourceClocks.h"
+
+namespace nv {
+
+namespace {
+
+/// Cookies don't count visits; 0 would say that nobody visited the host.
+constexpr std::int64_t kVisitsUnknown = -1;
+
+/// A leading point says that the cookie holds for all hosts of the domain.
+std::string_view withoutLeadingPoint(std::string_view host) {
+    return host.starts_with('.') ? host.substr(1) : host;
+}
+
+bool hasExpired(const CookieRow &row, const Clock &clock) {
+    return row.expiry.has() && row.expiry < Date::fromTimePoint(clock.now());
+}
+
+} // namespace
+
+URLClass cookieRecord(const ReadContext &ctx, const CookieRow &row, std::string_view cacheType,
+                      Date fileCreated) {
+    URLClass record;
+    record.Action = "Cached";
+    record.SourceFile_ID = ctx.file.SourceFile_ID;
+    record.URLRawValue = withoutLeadingPoint(row.host);
+    record.host = record.URLRawValue;
+    record.URL = percentDecode(ParseURLFromRawURL(record.URLRawValue));
+    record.HashedURL = hashOfUrl(record.URL);
+    record.RecordSize = charCount(record.URL);
+    record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
+    record.cacheType = cacheType;
+    record.CacheFileCreatedGMTDOS = fileCreated;
+    record.HistoryFilePath = textOf(ctx.file.FullPath);
+    record.HistoryVersion = ctx.file.Version;
+    record.IsCookie = true;
+    record.ActionDateUTC = row.lastAccess;
+    record.LastVisited = row.lastAccess;
+    record.ActionDateLocal = UTCDateToLocal(row.lastAccess, ctx.clock);
+    record.ExpiryDate = row.expiry;
+    record.Status = hasExpired(row, ctx.clock) ? "Expired" : "Cookie";
+    record.MetaData = row.value;
+    record.URLFileName = row.name;
+    record.URLParameters = row.value;
+    record.Visits = kVisitsUnknown;
+    return record;
+}
+
+} // namespace nv
