@@ -170,6 +170,7 @@ void WindowLifeTest::theCommandLineOpensAProject() {
     m_form->LoadCommandLineFile(project());
     QCOMPARE(grid().model()->rowCount(), 6);
     QVERIFY(grid().isVisible());
+    QCOMPARE(m_form->focusWidget(), &grid());
 }
 
 void WindowLifeTest::aWrongCommandLineIsToldAndLeavesNoProject() {

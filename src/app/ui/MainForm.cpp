@@ -17,7 +17,6 @@
 
 #include <QApplication>
 #include <QInputDialog>
-#include <QStackedWidget>
 
 namespace nv {
 
@@ -222,8 +221,6 @@ void MainForm::LoadURLs() {
     m_table->table()->RootPath = textOf(m_program.thisClass.RootPath);
     m_table->table()->dates() = dateSettings(m_program);
     m_table->LoadURLs();
-    if (!m_pages->isAncestorOf(QApplication::focusWidget()))
-        m_table->grid().setFocus();
 }
 
 } // namespace nv

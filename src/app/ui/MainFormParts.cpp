@@ -195,8 +195,10 @@ void MainForm::Unlock_Controls() {
     QApplication::restoreOverrideCursor();
     m_menus.setEnabled(true);
     m_pages->setEnabled(true);
-    if (m_focusBeforeLock && isAncestorOf(m_focusBeforeLock))
+    if (m_focusBeforeLock && m_focusBeforeLock->isVisible() && isAncestorOf(m_focusBeforeLock))
         m_focusBeforeLock->setFocus();
+    else
+        m_table->grid().setFocus();
 }
 
 void MainForm::closeEvent(QCloseEvent *event) {
