@@ -7,7 +7,8 @@ namespace nv::test {
 std::optional<std::filesystem::path> samplesFolder() {
     const char *named = std::getenv("NV_SAMPLES");
     const std::filesystem::path folder = named ? named : NV_SAMPLES_DIR;
-    return std::filesystem::is_directory(folder) ? std::optional(folder) : std::nullopt;
+    return std::filesystem::is_directory(folder) ? std::optional(std::filesystem::canonical(folder))
+                                                 : std::nullopt;
 }
 
 } // namespace nv::test
