@@ -20,6 +20,18 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// The copy stands aside until it is whole: a failure leaves what was at `to`.
+void copyProject(const fs::path &from, const fs::path &to) {
+    const fs::path aside = to.native() + ".new";
+    copyToScratch(from, aside);
+    fs::rename(aside, to);
+}
+
+bool isSameFile(const fs::path &one, const fs::path &other) {
+    std::error_code neitherThere;
+    return one == other || fs::equivalent(one, other, neitherThere);
+}
+
 constexpr std::string_view kDefaultQueryInCapitals =
     "SELECT * FROM URLS ORDER BY ACTIONDATELOCAL ASC";
 
@@ -112,13 +124,13 @@ bool ProjectCommands::SaveAs() {
     if (!project.isOpen())
         return false;
     const auto target = m_dialogs.chooseSaveAs();
-    if (!target || *target == project.FilePath)
+    if (!target || isSameFile(*target, project.FilePath))
         return false;
     const fs::path source = project.FilePath;
     m_view.saveLayout();
     closeProject(m_program);
     const auto failure =
-        failureOf(m_program.log, "MainForm.SaveAs()", [&] { copyToScratch(source, *target); });
+        failureOf(m_program.log, "MainForm.SaveAs()", [&] { copyProject(source, *target); });
     if (failure)
         m_program.around.examiner.tell(
             messages::saveAsFailed(*failure + "\n\nThe project stays where it is."));

@@ -155,6 +155,14 @@ TEST_F(ProjectCommandsTest, saveAsGoesOnInTheCopy) {
     EXPECT_EQ(rows(), 1);
 }
 
+TEST_F(ProjectCommandsTest, saveAsOntoItselfByAnotherPathLosesNothing) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
+    dialogs.answer = folder.path() / "home" / ".." / "case.nvp";
+    EXPECT_FALSE(commands.SaveAs());
+    EXPECT_EQ(rows(), 1);
+}
+
 TEST_F(ProjectCommandsTest, aFailedSaveAsStaysWithTheProject) {
     commands.OpenFile(path, OpenMode::newAtPath);
     dialogs.answer = folder.path() / "none" / "copy.nvp";
