@@ -4,12 +4,15 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace nv {
 
@@ -97,6 +100,55 @@ bool readInBlocks(
             return false;
     }
     return true;
+}
+
+FileReader::FileReader(const std::filesystem::path &path)
+    : m_path(path), m_fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+    if (m_fd < 0)
+        throw FileFailure("cannot open", path, errno);
+    struct stat facts {};
+    m_size = ::fstat(m_fd, &facts) == 0 ? static_cast<std::uint64_t>(facts.st_size) : 0;
+}
+
+FileReader::~FileReader() {
+    if (m_fd >= 0)
+        ::close(m_fd);
+}
+
+FileReader::FileReader(FileReader &&other) noexcept
+    : m_path(std::move(other.m_path)), m_fd(std::exchange(other.m_fd, -1)), m_size(other.m_size) {}
+
+Bytes FileReader::read(std::uint64_t offset, std::uint64_t count) const {
+    // A length from a file is no reason to ask for memory: only what is there is read.
+    Bytes bytes(offset < m_size ? std::min(count, m_size - offset) : 0);
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t got = ::pread(m_fd, bytes.data() + done, bytes.size() - done,
+                                    static_cast<off_t>(offset + done));
+        if (got < 0 && errno != EINTR)
+            throw FileFailure("cannot read", m_path, errno);
+        if (got == 0)
+            break;
+        done += got > 0 ? static_cast<std::size_t>(got) : 0;
+    }
+    bytes.resize(done);
+    return bytes;
+}
+
+std::uint64_t copyRange(const FileReader &from, std::uint64_t offset, std::uint64_t count,
+                        const std::filesystem::path &to) {
+    std::error_code ignored;
+    std::filesystem::remove(to, ignored);
+    const File target(to, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0600);
+    std::uint64_t done = 0;
+    while (done < count) {
+        const Bytes block = from.read(offset + done, std::min<std::uint64_t>(kBlock, count - done));
+        if (block.empty())
+            break;
+        target.writeAll(ByteView(block).raw());
+        done += block.size();
+    }
+    return done;
 }
 
 void copyToScratch(const std::filesystem::path &from, const std::filesystem::path &to) {

@@ -34,6 +34,33 @@ Bytes readWhole(const std::filesystem::path &path);
 /// True when the whole file was read. Throws FileFailure.
 bool readInBlocks(const std::filesystem::path &path,
                   const std::function<bool(std::string_view block, std::uint64_t readSoFar)> &take);
+/// An open file of evidence, read where a format's addresses point. Each call reads anew: nothing
+/// of the file is kept.
+class FileReader {
+  public:
+    /// Throws FileFailure.
+    explicit FileReader(const std::filesystem::path &path);
+    ~FileReader();
+    FileReader(FileReader &&other) noexcept;
+    FileReader(const FileReader &) = delete;
+    FileReader &operator=(const FileReader &) = delete;
+
+    const std::filesystem::path &path() const { return m_path; }
+    /// In bytes, when the file was opened.
+    std::uint64_t size() const { return m_size; }
+    /// Up to `count` bytes from `offset` (0-based), fewer where the file ends. Throws FileFailure.
+    Bytes read(std::uint64_t offset, std::uint64_t count) const;
+
+  private:
+    std::filesystem::path m_path;
+    int m_fd;
+    std::uint64_t m_size;
+};
+
+/// Copies up to `count` bytes of `from`, beginning at `offset` (0-based), over `to`. Returns how
+/// many there were. Throws FileFailure.
+std::uint64_t copyRange(const FileReader &from, std::uint64_t offset, std::uint64_t count,
+                        const std::filesystem::path &to);
 /// Copies `from` over `to`; the copy is the owner's to write. Throws FileFailure.
 void copyToScratch(const std::filesystem::path &from, const std::filesystem::path &to);
 void writeWhole(const std::filesystem::path &path, std::string_view bytes);

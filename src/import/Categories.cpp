@@ -1,6 +1,5 @@
 #include "import/Categories.h"
 
-#include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 
@@ -10,8 +9,6 @@
 #include <span>
 
 namespace nv {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -51,36 +48,6 @@ bool hasWord(std::string_view words, std::string_view word) {
     return false;
 }
 
-/// These hold their bodies in block files or tables: their readers leave a body in
-/// `RunTimeTempFilePath`.
-bool isExtracted(std::string_view cacheType) {
-    return equalsNoCase(cacheType, "FIREFOX CACHE") || equalsNoCase(cacheType, "SAFARI CACHE") ||
-           equalsNoCase(cacheType, "CHROME CACHE");
-}
-
-bool isPlainFile(const fs::path &path) {
-    std::error_code none;
-    return fs::is_regular_file(fs::symlink_status(path, none));
-}
-
-bool leadsUp(const fs::path &relative) {
-    return std::ranges::find(relative, fs::path("..")) != relative.end();
-}
-
-/// The record's content as a plain file; evidence is read where it lies. Nothing when it is gone.
-std::optional<fs::path> contentOf(const URLClass &record, const Evidence &evidence) {
-    if (isExtracted(record.cacheType))
-        return isPlainFile(record.RunTimeTempFilePath) ? std::optional(record.RunTimeTempFilePath)
-                                                       : std::nullopt;
-    if (record.CacheFileRelativePath.empty())
-        return std::nullopt;
-    const fs::path direct = record.RootPath + record.CacheFileRelativePath;
-    if (!leadsUp(record.CacheFileRelativePath) && isPlainFile(direct))
-        return direct;
-    // Names that aren't UTF-8 on the disk are found through the folder's listing.
-    return evidence.find(record.RootPath, record.CacheFileRelativePath);
-}
-
 std::string extensionOf(const ContentFacts &facts) {
     if (!facts.extension.empty())
         return facts.extension;
@@ -106,7 +73,7 @@ void Verdict::applyTo(URLClass &record) const {
         record.CacheFileExt = extension;
 }
 
-Verdict Categories::verdictOn(const URLClass &record) const {
+Verdict Categories::verdictOn(URLClass &record) const {
     Verdict verdict;
     if (looksAtContent(record))
         verdict.extension = extensionByContent(record);
@@ -122,11 +89,12 @@ bool Categories::looksAtContent(const URLClass &record) const {
            (m_signatures == Signatures::verify || record.CacheFileExt.empty());
 }
 
-std::string Categories::extensionByContent(const URLClass &record) const {
-    return trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::string(), [&] {
-        const auto file = contentOf(record, m_evidence);
-        return file ? extensionOf(m_content.facts(*file)) : std::string();
-    });
+std::string Categories::extensionByContent(URLClass &record) const {
+    return trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, std::string(),
+                   [&] {
+                       const auto file = contentOf(record, m_extraction);
+                       return file ? extensionOf(m_content.facts(*file)) : std::string();
+                   });
 }
 
 } // namespace nv

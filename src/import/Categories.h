@@ -1,12 +1,12 @@
 #pragma once
 
-#include "base/FailureLog.h"
 #include "db/URLClass.h"
+#include "readers/CachedBody.h"
 #include "readers/ContentProbe.h"
-#include "readers/Evidence.h"
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace nv {
 
@@ -30,26 +30,25 @@ enum class Signatures { verify, trustNames };
 class Categories {
   public:
     /// All must outlive this. `content` is shared with the reader, so a file is read once.
-    Categories(Signatures signatures, const Evidence &evidence, ContentProbe &content,
-               FailureLog &log)
-        : m_signatures(signatures), m_evidence(evidence), m_content(content), m_log(log) {}
+    Categories(Signatures signatures, Extraction extraction, ContentProbe &content)
+        : m_signatures(signatures), m_extraction(std::move(extraction)), m_content(content) {}
 
-    /// Decides without changing the record, whose names must be in order (orderNames() in
-    /// db/RecordNames.h). Cached content that can't be read is logged, and the name decides.
-    Verdict verdictOn(const URLClass &record) const;
+    /// Decides without changing the record's words; its names must be in order (orderNames() in
+    /// db/RecordNames.h). A body that had to be fetched stays in `RunTimeTempFilePath`. Cached
+    /// content that can't be read is logged, and the name decides.
+    Verdict verdictOn(URLClass &record) const;
 
     /// The documented whole for a record that is saved already: what changes is the record alone,
     /// its row gets `Category` from the caller.
     void SetURLCategory(URLClass &record) const { verdictOn(record).applyTo(record); }
 
   private:
-    std::string extensionByContent(const URLClass &record) const;
+    std::string extensionByContent(URLClass &record) const;
     bool looksAtContent(const URLClass &record) const;
 
     Signatures m_signatures;
-    const Evidence &m_evidence;
+    Extraction m_extraction;
     ContentProbe &m_content;
-    FailureLog &m_log;
 };
 
 } // namespace nv

@@ -32,6 +32,7 @@ class ScratchFolder {
     ScratchFolder(const ScratchFolder &) = delete;
     ScratchFolder &operator=(const ScratchFolder &) = delete;
 
+    const fs::path &path() const { return m_path; }
     const fs::path &emptied() const {
         fs::remove_all(m_path);
         fs::create_directory(m_path);
@@ -79,10 +80,11 @@ class Import {
   public:
     Import(const ImportRun &run, ImportClass &job, ImportSummary &summary)
         : m_run(run), m_files(job.HistoryFiles), m_summary(summary), m_log(run.log),
+          m_scratch(run.scratch),
           m_categories(job.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames,
-                       run.evidence, m_content, m_log),
+                       {run.evidence, m_scratch.path(), m_log}, m_content),
           m_sources(run.project, run.clock, m_log),
-          m_store(run.project, run.zone, run.clock, m_log), m_scratch(run.scratch) {}
+          m_store(run.project, run.zone, run.clock, m_log) {}
 
     void all() {
         double total = 0;
@@ -125,7 +127,7 @@ class Import {
 
     void read(const Reader &reader, HistoryFile &file, ArtefactResult &result, SubTask task) {
         WriteBatch batch(m_run.project);
-        ImportSink sink(m_store, m_categories, batch, file, result);
+        ImportSink sink(m_store, m_categories, m_content, batch, file, result);
         settle(result, ArtefactState::failed, "the import ended while this file was read");
         ReadResult outcome = readTrapped(reader, file, sink, task);
         result.type = file.HistoryFileType;
@@ -158,10 +160,10 @@ class Import {
     ImportSummary &m_summary;
     HeardLog m_log;
     ContentProbe m_content;
+    ScratchFolder m_scratch;
     Categories m_categories;
     SourceFiles m_sources;
     RecordStore m_store;
-    ScratchFolder m_scratch;
 };
 
 /// Every file of the list as one that the import hasn't reached.

@@ -16,7 +16,18 @@ void ImportSink::save(URLClass &record) {
         ++m_result.rowsLost;
     else
         ++m_result.rowsSaved;
+    dropBody(record);
     m_batch.written();
+}
+
+/// A fetched body is of use for this one record, and the next one's gets the same name.
+void ImportSink::dropBody(URLClass &record) {
+    if (record.RunTimeTempFilePath.empty())
+        return;
+    std::error_code ignored;
+    std::filesystem::remove(record.RunTimeTempFilePath, ignored);
+    record.RunTimeTempFilePath.clear();
+    m_content.forget();
 }
 
 } // namespace nv

@@ -14,16 +14,19 @@ class ImportSink final : public RecordSink {
   public:
     /// All must outlive this. Rows are counted in `result` as they come, so that the count stands
     /// whatever ends the import.
-    ImportSink(RecordStore &store, const Categories &categories, WriteBatch &batch,
-               const HistoryFile &file, ArtefactResult &result)
-        : m_store(store), m_categories(categories), m_batch(batch), m_file(file), m_result(result) {
-    }
+    ImportSink(RecordStore &store, const Categories &categories, ContentProbe &content,
+               WriteBatch &batch, const HistoryFile &file, ArtefactResult &result)
+        : m_store(store), m_categories(categories), m_content(content), m_batch(batch),
+          m_file(file), m_result(result) {}
 
     void save(URLClass &record) override;
 
   private:
+    void dropBody(URLClass &record);
+
     RecordStore &m_store;
     const Categories &m_categories;
+    ContentProbe &m_content;
     WriteBatch &m_batch;
     const HistoryFile &m_file;
     ArtefactResult &m_result;

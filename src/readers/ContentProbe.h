@@ -23,6 +23,8 @@ class ContentProbe {
   public:
     /// Throws FileFailure when the file can't be read.
     const ContentFacts &facts(const std::filesystem::path &file);
+    /// To be called when the last file is about to be written anew.
+    void forget() { m_file.clear(); }
 
   private:
     std::filesystem::path m_file;

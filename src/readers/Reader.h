@@ -66,6 +66,12 @@ struct Candidate {
     bool verifySignatures = true;
 };
 
+/// Writes the body of a record that its reader made to `target`, as it is stored. The rest of
+/// `target`'s folder may be used meanwhile. False when evidence doesn't hold the body; throws
+/// FileFailure, OutOfBytes and other failures of reading.
+using Fetch = bool (*)(const URLClass &record, const Evidence &evidence,
+                       const std::filesystem::path &target);
+
 /// One format. The table in Registry.cpp is the list of them, in order of trial.
 struct Reader {
     HistoryFileType type;
@@ -77,6 +83,8 @@ struct Reader {
     bool (*recognises)(const Candidate &);
     /// Null while the format is listed but not read yet.
     ReadResult (*read)(ReadContext &);
+    /// Null where the cached bodies are files of their own, or the format has none.
+    Fetch fetch = nullptr;
 };
 
 } // namespace nv

@@ -140,6 +140,11 @@ bool isHistEx(const Candidate &file) {
     return nameHas(file, kRecoveredIndex);
 }
 
+/// Formats whose files have no name of their own: the examiner says what a file is.
+bool isNeverMet(const Candidate &) {
+    return false;
+}
+
 bool isSimpleHTML(const Candidate &file) {
     return file.extension == "htm" || file.extension == "html";
 }
@@ -148,7 +153,7 @@ using enum HistoryFileType;
 
 // The mask stands with the option: rows that share an option show the same mask. Cookies of
 // Internet Explorer add none, so they are met only where history or cache is looked for too.
-constexpr std::array<Reader, 21> kReaders = {{
+constexpr std::array<Reader, 23> kReaders = {{
     {firefoxCache, "firefox-cache", "Firefox Cache", "", "chkCacheFirefox", "_cache_map_*",
      isFirefoxCache, nullptr},
     {morkHistory, "firefox-mork-history", "Firefox2 History", "2.0", "chkHistoryFirefox",
@@ -187,6 +192,8 @@ constexpr std::array<Reader, 21> kReaders = {{
      nullptr},
     {histEx, "hist-ex", "Hist-Ex", "1.x", "chkHistEx", "*-UC-index.dat", isHistEx, nullptr},
     {simpleHTML, "html", "Simple HTML", "", "chkHTMLFiles", "*.htm;*.html", isSimpleHTML, nullptr},
+    {macIECache, "mac-cache", "Mac IE Cache", "", "", "", isNeverMet, nullptr},
+    {csv, "csv", "Unallocated", "", "", "", isNeverMet, nullptr},
 }};
 
 /// The type under which a type without a row of its own is read.
@@ -225,6 +232,11 @@ const Reader *readerFor(HistoryFileType type) {
 
 const Reader *readerByKey(std::string_view key) {
     return findReader([key](const Reader &reader) { return reader.key == key; });
+}
+
+const Reader *readerOfKind(std::string_view cacheType) {
+    return findReader(
+        [cacheType](const Reader &reader) { return equalsNoCase(reader.kind, cacheType); });
 }
 
 Candidate candidateOf(const std::filesystem::path &file) {

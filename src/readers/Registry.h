@@ -9,8 +9,8 @@
 
 namespace nv {
 
-/// All formats that a scan looks for, in the order of trial: the first that recognises a file takes
-/// it, so the order is part of what an import finds.
+/// All formats, in the order of trial: the first that recognises a file takes it, so the order is
+/// part of what an import finds. The rows that recognise nothing are read when asked for.
 std::span<const Reader> registry();
 
 /// The row that takes the file; null when no format does.
@@ -22,6 +22,9 @@ const Reader *readerFor(HistoryFileType type);
 
 /// The row of a short key such as "ie-cache"; null when there is none.
 const Reader *readerByKey(std::string_view key);
+
+/// The row whose records have this `cacheType`, in either case; null when there is none.
+const Reader *readerOfKind(std::string_view cacheType);
 
 /// What recognition may know of a file without opening it; the caller adds `head` when contents are
 /// verified.

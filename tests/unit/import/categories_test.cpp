@@ -25,7 +25,7 @@ class CategoriesTest : public testing::Test {
     }
 
     std::string categoryOf(URLClass record, Signatures signatures = Signatures::verify) {
-        Categories(signatures, evidence, content, log).SetURLCategory(record);
+        Categories(signatures, {evidence, folder.path(), log}, content).SetURLCategory(record);
         return record.Category;
     }
 
@@ -108,7 +108,7 @@ TEST_F(CategoriesTest, keepTheReadersWordWhenTheExtensionSaysNothing) {
 
 TEST_F(CategoriesTest, writeTheCacheTypeInCapitalsAndTheExtensionIntoTheRecord) {
     URLClass record = cached("page.gif", "<html>");
-    const Categories categories(Signatures::verify, evidence, content, log);
+    const Categories categories(Signatures::verify, {evidence, folder.path(), log}, content);
     const Verdict verdict = categories.verdictOn(record);
     EXPECT_EQ(record.cacheType, "IE Cache");
     verdict.applyTo(record);

@@ -24,8 +24,12 @@ TEST(ImportClass, wantsEverythingAtFirst) {
 }
 
 TEST(ImportClass, hasABoxForEachFormat) {
-    for (const Reader &reader : registry())
-        EXPECT_NO_THROW(wants(ImportClass(), reader.option)) << reader.key;
+    for (const Reader &reader : registry()) {
+        const bool isScannedFor = !reader.option.empty(); // the others are read when asked for
+        if (isScannedFor) {
+            EXPECT_NO_THROW(wants(ImportClass(), reader.option)) << reader.key;
+        }
+    }
     EXPECT_THROW(wants(ImportClass(), "chkNothing"), std::out_of_range);
 }
 

@@ -41,8 +41,8 @@ TEST(Registry, listsTheFormatsInTheOrderOfTrial) {
     std::vector<int> types;
     for (const Reader &reader : registry())
         types.push_back(static_cast<int>(reader.type));
-    EXPECT_EQ(types, (std::vector{8, 7,  21, 20, 22, 16, 17, 18, 19, 5, 1,
-                                  4, 26, 27, 29, 28, 30, 12, 13, 24, 25}));
+    EXPECT_EQ(types, (std::vector{8,  7,  21, 20, 22, 16, 17, 18, 19, 5,  1, 4,
+                                  26, 27, 29, 28, 30, 12, 13, 24, 25, 10, 15}));
 }
 
 TEST(Registry, hasEachKeyOnceAndFindsItAgain) {
@@ -73,7 +73,19 @@ TEST(Registry, readsTypesWithoutARowWithTheirFormat) {
     EXPECT_EQ(readerFor(HistoryFileType::ieIndexByCommandLine)->key, "ie-history");
     EXPECT_EQ(readerFor(HistoryFileType::firefoxCacheByName)->key, "firefox-cache");
     EXPECT_EQ(readerFor(HistoryFileType::none), nullptr);
-    EXPECT_EQ(readerFor(HistoryFileType::csv), nullptr);
+}
+
+TEST(Registry, holdsFormatsThatNoScanFinds) {
+    for (const HistoryFileType type : {HistoryFileType::csv, HistoryFileType::macIECache}) {
+        ASSERT_NE(readerFor(type), nullptr);
+        EXPECT_FALSE(readerFor(type)->recognises(candidateOf("/x/Cache.waf")));
+    }
+}
+
+TEST(Registry, findsTheFormatOfARecord) {
+    EXPECT_EQ(readerOfKind("FIREFOX CACHE")->key, "firefox-cache");
+    EXPECT_EQ(readerOfKind("Chrome Cache")->key, "chrome-cache");
+    EXPECT_EQ(readerOfKind(""), nullptr);
 }
 
 TEST(Recognition, knowsFilesByTheirNames) {

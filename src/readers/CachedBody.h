@@ -1,0 +1,33 @@
+#pragma once
+
+#include "base/FailureLog.h"
+#include "db/URLClass.h"
+#include "readers/Evidence.h"
+#include "readers/Reader.h"
+
+#include <filesystem>
+#include <optional>
+#include <string_view>
+
+namespace nv {
+
+/// What fetching bodies needs; all must outlive it.
+struct Extraction {
+    const Evidence &evidence;
+    std::filesystem::path folder; ///< an existing folder of the program's own, for the body
+    FailureLog &log;
+};
+
+/// What the Extract... operations of the readers have in common. Writes the body to a file of the
+/// folder, with `fileNameSuffix` as extension where given, unpacks it when it is packed, and sets
+/// `RunTimeTempFilePath`, `CacheFileExists`, `CacheFileExt`, `GZipEncoded`, `IsPicture` and
+/// `IsWebPage` of the record. False when there is no body; a failure is logged under `procedure`.
+bool extractBody(URLClass &record, Fetch fetch, std::string_view fileNameSuffix,
+                 const Extraction &ctx, std::string_view procedure);
+
+/// The record's content as a plain file: evidence is read where it lies; what is held in block
+/// files or tables is fetched into the folder of `ctx`, and `RunTimeTempFilePath` says where.
+/// Nothing when it is gone.
+std::optional<std::filesystem::path> contentOf(URLClass &record, const Extraction &ctx);
+
+} // namespace nv

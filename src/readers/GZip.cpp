@@ -1,0 +1,144 @@
+#include "readers/GZip.h"
+
+#include "base/Files.h"
+#include "base/Trap.h"
+#include "readers/Limits.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cerrno>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+#include <zlib.h>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kProcedure = "ParserClass.DecompressGZipFile()";
+constexpr std::string_view kMark = "\x1F\x8B";
+constexpr std::size_t kBlock = std::size_t{256} << 10;
+/// zlib: the largest window, and a gzip header is expected.
+constexpr int kGZipWindow = 15 + 16;
+
+struct EndInflate {
+    void operator()(z_stream *stream) const { inflateEnd(stream); }
+};
+
+/// Inflates one file, member after member, as browsers do.
+class Unpacking {
+  public:
+    Unpacking(const fs::path &packed, std::ofstream &target) : m_packed(packed), m_target(target) {
+        if (inflateInit2(&m_stream, kGZipWindow) != Z_OK)
+            throw std::runtime_error("the unpacking can't begin: out of memory");
+        m_end.reset(&m_stream);
+    }
+
+    void take(std::string_view block) {
+        // zlib reads the input only, in spite of its parameter's type.
+        m_stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(block.data()));
+        m_stream.avail_in = static_cast<uInt>(block.size());
+        while (m_stream.avail_in > 0 && !m_trailing)
+            step();
+    }
+
+    /// Throws when the stream ended before its content did.
+    void finish() const {
+        if (!m_memberEnded)
+            throw std::runtime_error(fmt::format("\"{}\" ends amid its packed content, after {} "
+                                                 "unpacked bytes",
+                                                 textOf(m_packed), m_unpacked));
+    }
+
+  private:
+    void step() {
+        if (m_memberEnded && !beginMember())
+            return;
+        m_stream.next_out = reinterpret_cast<Bytef *>(m_out->data());
+        m_stream.avail_out = kBlock;
+        const int result = inflate(&m_stream, Z_NO_FLUSH);
+        if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR)
+            throw std::runtime_error(fmt::format("\"{}\" is no sound gzip data behind {} unpacked "
+                                                 "bytes: {}",
+                                                 textOf(m_packed), m_unpacked,
+                                                 m_stream.msg ? m_stream.msg : "damaged"));
+        write(kBlock - m_stream.avail_out);
+        m_memberEnded = result == Z_STREAM_END;
+    }
+
+    /// What follows a member is either another one or padding, which is left.
+    bool beginMember() {
+        m_trailing = *m_stream.next_in != static_cast<Bytef>(kMark.front());
+        if (!m_trailing)
+            inflateReset(&m_stream);
+        m_memberEnded = m_trailing;
+        return !m_trailing;
+    }
+
+    void write(std::size_t count) {
+        m_unpacked += count;
+        if (m_unpacked > limits::kUnpackedBytes)
+            throw std::runtime_error(fmt::format("\"{}\" unpacks to more than {} bytes and is left "
+                                                 "packed",
+                                                 textOf(m_packed), limits::kUnpackedBytes));
+        m_target.write(m_out->data(), static_cast<std::streamsize>(count));
+        if (!m_target)
+            throw StorageFailure("the unpacked content can't be written: the disk is full");
+    }
+
+    const fs::path &m_packed;
+    std::ofstream &m_target;
+    z_stream m_stream{};
+    std::unique_ptr<z_stream, EndInflate> m_end;
+    std::unique_ptr<std::array<char, kBlock>> m_out = std::make_unique<std::array<char, kBlock>>();
+    std::uint64_t m_unpacked = 0;
+    bool m_memberEnded = false;
+    bool m_trailing = false;
+};
+
+/// The work file beside the target, gone at the end of the scope.
+class WorkFile {
+  public:
+    explicit WorkFile(const fs::path &target) : path(target) {
+        path += ".~gzip";
+        fs::remove(path);
+    }
+    ~WorkFile() {
+        std::error_code ignored;
+        fs::remove(path, ignored);
+    }
+    WorkFile(const WorkFile &) = delete;
+    WorkFile &operator=(const WorkFile &) = delete;
+
+    fs::path path;
+};
+
+} // namespace
+
+bool beginsAsGZip(ByteView head) {
+    return head.raw().starts_with(kMark);
+}
+
+bool DecompressGZipFile(const fs::path &packed, const fs::path &target, FailureLog &log) {
+    return trapped(log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+        const WorkFile work(target);
+        std::ofstream unpacked(work.path, std::ios::binary | std::ios::trunc);
+        if (!unpacked)
+            throw FileFailure("cannot write", work.path, errno);
+        Unpacking unpacking(packed, unpacked);
+        readInBlocks(packed, [&unpacking](std::string_view block, std::uint64_t) {
+            unpacking.take(block);
+            return true;
+        });
+        unpacking.finish();
+        unpacked.close();
+        fs::rename(work.path, target);
+        return true;
+    });
+}
+
+} // namespace nv
