@@ -106,6 +106,9 @@ std::string summaryText(const ImportSummary &summary) {
                     "over\n",
                     summary.rowsSaved(), summary.count(ArtefactState::complete),
                     summary.artefacts.size(), summary.notReached(), summary.passedOver());
+    for (const auto &[reader, reasons] : summary.passedOverByReader())
+        for (const auto &[reason, count] : reasons)
+            text += fmt::format("{:<12} {:>9} passed over: {}\n", reader, count, reason);
     if (summary.cancelled)
         text += "The import was cancelled; what was written is kept.\n";
     if (!summary.failure.empty())

@@ -157,6 +157,23 @@ void RecordStore::insertLinks(const URLClass &record) {
     m_insertLink.tryReset();
 }
 
+void RecordStore::storeBodyFlags(const URLClass &record) {
+    const auto store = [&] {
+        SQLite::Statement update(m_database,
+                                 "UPDATE URLs SET GZipEncoded = ?, IsPicture = ?, IsWebpage = ?, "
+                                 "CacheFileExists = ? WHERE URL_ID = ?");
+        update.bind(1, record.GZipEncoded ? 1 : 0);
+        update.bind(2, record.IsPicture ? 1 : 0);
+        update.bind(3, record.IsWebPage ? 1 : 0);
+        update.bind(4, record.CacheFileExists ? 1 : 0);
+        update.bind(5, number(record.URLID));
+        update.exec();
+        return true;
+    };
+    trapped(m_log, Severity::Warning, "ADO.PutDBField()", kContactSupport, false,
+            [&store] { return onProject(store); });
+}
+
 std::optional<URLClass> RecordStore::GetURL(UrlId id) {
     const auto read = [&]() -> std::optional<URLClass> {
         m_select.tryReset();

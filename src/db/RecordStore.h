@@ -34,6 +34,10 @@ class RecordStore {
     /// Nothing when there is no such row, or when it can't be read, which is logged.
     std::optional<URLClass> GetURL(UrlId id);
 
+    /// Keeps in its row what fetching the record's body found out: `GZipEncoded`, `IsPicture`,
+    /// `IsWebPage` and `CacheFileExists`. A failure is logged.
+    void storeBodyFlags(const URLClass &record);
+
   private:
     void complete(URLClass &record, const HistoryFile &file) const;
     void insertRow(URLClass &record);

@@ -8,6 +8,8 @@
 #include "import/ImportSink.h"
 #include "readers/ContentProbe.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <chrono>
 #include <utility>
@@ -19,6 +21,8 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kProcedure = "ImportForm.ImportFiles()";
+// What is left out by rule is no failure, but whoever reads the log later has to learn of it.
+constexpr std::string_view kCounts = "ImportForm.ImportFiles() counts";
 constexpr std::string_view kScratchName = "~import";
 
 /// The import's own folder below the scratch folder, emptied for each file and gone at the end.
@@ -134,9 +138,22 @@ class Import {
         result.notReached = outcome.notReached;
         result.passedOver = std::move(outcome.passedOver);
         settle(result, stateOf(outcome.state), outcome.reason);
+        logCounts(file, result);
         if (outcome.state == ReadState::complete)
             m_sources.setSuccessful(file.SourceFile_ID);
         batch.commit(); // here and not at the batch's end, where a full disk couldn't be told
+    }
+
+    void logCounts(const HistoryFile &file, const ArtefactResult &result) {
+        const auto write = [&](std::uint64_t count, std::string_view what) {
+            m_run.log.write({fmt::format("{} ({}): {} {}", textOf(file.FullPath), result.readerKey,
+                                         count, what),
+                             std::string(kCounts), Severity::Low, std::string(kNotSerious)});
+        };
+        for (const auto &[reason, count] : result.passedOver)
+            write(count, "passed over: " + reason);
+        if (result.notReached > 0)
+            write(result.notReached, "entries not reached: " + result.reason);
     }
 
     /// A reader that fails unforeseen is told like one that knows why.

@@ -49,6 +49,8 @@ struct ImportSummary {
     std::uint64_t rowsSaved() const;
     std::uint64_t rowsLost() const;
     std::uint64_t passedOver() const;
+    /// How many records the rules leave out, by key of the reader and reason.
+    std::map<std::string, std::map<std::string, std::uint64_t>> passedOverByReader() const;
     std::uint64_t notReached() const;
     std::size_t count(ArtefactState state) const;
     double seconds() const;

@@ -19,6 +19,7 @@ struct ImportArguments {
     std::string base;
     std::int64_t zone = 0; ///< `Time_Zone_ID`; 0 keeps the project's
     std::vector<std::string> kinds;
+    std::string as; ///< key of the reader that takes every PATH; empty to find artefacts
     bool noMetadata = false;
     bool noSignatures = false;
     bool thumbnails = false;
@@ -42,7 +43,13 @@ Exit queryCommand(Session &session, const std::string &project, const std::strin
                   Format format);
 Exit queriesCommand(Session &session, const std::string &project, Format format);
 Exit showCommand(Session &session, const std::string &project, std::int64_t urlId, Format format);
-Exit dumpCommand(Session &session, const std::string &file, Format format);
+/// `as` is the key of the reader to use, or empty for the one that recognises the file.
+Exit dumpCommand(Session &session, const std::string &file, const std::string &as, Format format);
+
+enum class IfThere { refuse, overwrite };
+/// Writes the cached body of a row to `file`, "-" being the standard output.
+Exit extractCommand(Session &session, const std::string &project, std::int64_t urlId,
+                    const std::string &file, IfThere ifThere);
 Exit zonesCommand(Session &session, Format format);
 
 } // namespace nv::cli

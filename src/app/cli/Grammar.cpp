@@ -17,6 +17,7 @@ constexpr const char *kExamples = R"(Examples:
   norvelane-cli list case.nvp --format csv > rows.csv  all rows for a spreadsheet
   norvelane-cli query case.nvp "SELECT TOP 5 URL FROM URLs WHERE ActionDateUTC > #1/15/2009#"
   norvelane-cli show case.nvp 17                       everything about one row
+  norvelane-cli extract case.nvp 17 page.html          its cached content as a file
   norvelane-cli dump index.dat --format jsonl          the records of one file, without a project
 Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged, 3 the project can't be used,
 130 interrupted: what was written is kept.)";
@@ -67,6 +68,8 @@ void Grammar::addImport() {
     c->add_option("--zone", m_import.zone, "Time zone of the project, see the command zones");
     c->add_option("--kinds", m_import.kinds, "Only these readers, by key, separated by commas")
         ->delimiter(',');
+    c->add_option("--as", m_import.as,
+                  "Take each PATH, a file, as the artefact of this reader, whatever it is called");
     c->add_flag("--no-metadata", m_import.noMetadata, "Don't read cached pages' contents");
     c->add_flag("--no-signatures", m_import.noSignatures, "Recognise files by name alone");
     c->add_flag("--thumbnails", m_import.thumbnails, "Make thumbnails while importing");
@@ -115,9 +118,19 @@ void Grammar::addShow() {
 
 void Grammar::addFiles() {
     CLI::App *dump = command("dump", "The records of one artefact, without a project",
-                             [this](Session &s) { return dumpCommand(s, m_file, m_format); });
+                             [this](Session &s) { return dumpCommand(s, m_file, m_as, m_format); });
     dump->add_option("FILE", m_file, "The artefact")->required();
+    dump->add_option("--as", m_as, "Key of the reader to use (default: the one that knows it)");
     addFormat(dump);
+    CLI::App *extract =
+        command("extract", "Write the cached content of a row to a file", [this](Session &s) {
+            return extractCommand(s, m_project, m_urlId, m_file,
+                                  m_overwrite ? IfThere::overwrite : IfThere::refuse);
+        });
+    addProject(extract, m_project);
+    extract->add_option("URL_ID", m_urlId, "Key of the row")->required();
+    extract->add_option("FILE", m_file, "Where to write it; - is the standard output")->required();
+    extract->add_flag("--overwrite", m_overwrite, "Replace FILE when it is there");
     CLI::App *zones = command("zones", "The time zones and their ids",
                               [this](Session &s) { return zonesCommand(s, m_format); });
     addFormat(zones);

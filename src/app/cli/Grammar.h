@@ -38,6 +38,8 @@ class Grammar {
     std::string m_project;
     std::string m_sql;
     std::string m_file;
+    std::string m_as;
+    bool m_overwrite = false;
     std::int64_t m_urlId = 0;
 };
 
