@@ -50,6 +50,41 @@ enum class IfThere { refuse, overwrite };
 /// Writes the cached body of a row to `file`, "-" being the standard output.
 Exit extractCommand(Session &session, const std::string &project, std::int64_t urlId,
                     const std::string &file, IfThere ifThere);
+struct RebuildArguments {
+    std::string project;
+    std::vector<std::int64_t> ids;
+    bool tagged = false;
+    bool allPages = false;
+    std::string out; ///< folder that gets a folder a page
+    bool noScripts = false;
+    bool wideIds = false;
+};
+Exit rebuildCommand(Session &session, const RebuildArguments &arguments);
+/// What stands in the place of each reference of a page that was rebuilt.
+Exit auditCommand(Session &session, const std::string &project, std::int64_t urlId, bool wideIds,
+                  Format format);
+
+struct TagArguments {
+    std::string project;
+    std::vector<std::int64_t> ids;
+    std::string where; ///< a condition on URLs in the project's dialect
+    bool off = false;
+};
+Exit tagCommand(Session &session, const TagArguments &arguments);
+
+struct TemplateArguments {
+    std::string project;
+    std::vector<std::int64_t> ids;
+    std::string file;   ///< a template
+    std::string folder; ///< of templates; empty for the settings' one
+    bool overwrite = false;
+    bool anyTitle = false; ///< lay a template also over pages of another title
+    bool wideIds = false;
+};
+Exit templateCreateCommand(Session &session, const TemplateArguments &arguments);
+Exit templateListCommand(Session &session, const TemplateArguments &arguments, Format format);
+Exit templateApplyCommand(Session &session, const TemplateArguments &arguments);
+
 Exit zonesCommand(Session &session, Format format);
 
 } // namespace nv::cli

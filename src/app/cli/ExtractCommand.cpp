@@ -1,4 +1,5 @@
 #include "app/cli/Commands.h"
+#include "app/cli/OutputPath.h"
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Text.h"
@@ -40,20 +41,14 @@ bool flagsDiffer(const URLClass &a, const URLClass &b) {
            a.IsWebPage != b.IsWebPage || a.CacheFileExists != b.CacheFileExists;
 }
 
-/// Throws UsageError when writing to `file` would cost something: another file, or the state of the
-/// evidence.
+/// Throws UsageError when writing to `file` would cost something.
 void checkTarget(const fs::path &file, const fs::path &base, IfThere ifThere) {
     if (fs::exists(file) && !fs::is_regular_file(file))
         throw UsageError(fmt::format("\"{}\" is no plain file", textOf(file)));
     if (fs::exists(file) && ifThere == IfThere::refuse)
         throw UsageError(
             fmt::format("\"{}\" is there already; --overwrite replaces it", textOf(file)));
-    const Evidence evidence(base);
-    const bool inEvidence = evidence.rootOf(fs::weakly_canonical(file)) != "/";
-    if (inEvidence)
-        throw UsageError(fmt::format("\"{}\" lies in the evidence folder {}: nothing is written "
-                                     "there",
-                                     textOf(file), textOf(base)));
+    refuseEvidence(file, base);
 }
 
 void writeContent(Session &session, const fs::path &content, const std::string &file) {

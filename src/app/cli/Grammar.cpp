@@ -18,6 +18,7 @@ constexpr const char *kExamples = R"(Examples:
   norvelane-cli query case.nvp "SELECT TOP 5 URL FROM URLs WHERE ActionDateUTC > #1/15/2009#"
   norvelane-cli show case.nvp 17                       everything about one row
   norvelane-cli extract case.nvp 17 page.html          its cached content as a file
+  norvelane-cli rebuild case.nvp 17 --out pages        the page with its parts, for offline view
   norvelane-cli dump index.dat --format jsonl          the records of one file, without a project
 Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged, 3 the project can't be used,
 130 interrupted: what was written is kept.)";
@@ -38,6 +39,8 @@ Grammar::Grammar()
     addQueries();
     addShow();
     addFiles();
+    addRebuilding();
+    addTemplates();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {
@@ -134,6 +137,59 @@ void Grammar::addFiles() {
     CLI::App *zones = command("zones", "The time zones and their ids",
                               [this](Session &s) { return zonesCommand(s, m_format); });
     addFormat(zones);
+}
+
+void Grammar::addRebuilding() {
+    CLI::App *rebuild = command("rebuild", "Rebuild cached pages for viewing offline",
+                                [this](Session &s) { return rebuildCommand(s, m_rebuild); });
+    addProject(rebuild, m_rebuild.project);
+    rebuild->add_option("URL_ID", m_rebuild.ids, "Keys of the pages' rows");
+    rebuild->add_flag("--tagged", m_rebuild.tagged, "The rows with the tick");
+    rebuild->add_flag("--all-pages", m_rebuild.allPages, "Every cached page");
+    rebuild->add_option("--out", m_rebuild.out, "Folder that gets a folder a page")->required();
+    rebuild->add_flag("--no-scripts", m_rebuild.noScripts, "Turn scripts into comments");
+    rebuild->add_flag("--wide-ids", m_rebuild.wideIds, "Parts may have ids above 32767");
+
+    CLI::App *audit =
+        command("audit", "What stands for each reference of a rebuilt page", [this](Session &s) {
+            return auditCommand(s, m_project, m_urlId, m_wideIds, m_format);
+        });
+    addProject(audit, m_project);
+    audit->add_option("URL_ID", m_urlId, "Key of the page's row")->required();
+    audit->add_flag("--wide-ids", m_wideIds, "Parts may have ids above 32767");
+    addFormat(audit);
+
+    CLI::App *tag = command("tag", "Set or take away the tick of rows",
+                            [this](Session &s) { return tagCommand(s, m_tag); });
+    addProject(tag, m_tag.project);
+    tag->add_option("URL_ID", m_tag.ids, "Keys of the rows");
+    tag->add_option("--where", m_tag.where, "A condition on URLs, such as \"Visits > 5\"");
+    tag->add_flag("--off", m_tag.off, "Take the tick away");
+}
+
+void Grammar::addTemplates() {
+    CLI::App *all = app.add_subcommand("template", "Templates made of rebuilt pages");
+    all->require_subcommand(1);
+    const auto add = [this, all](const char *name, const char *what, Run run) {
+        CLI::App *added = all->add_subcommand(name, what);
+        added->callback([this, run = std::move(run)] { chosen = run; });
+        added->add_option("--folder", m_template.folder, "Folder of templates");
+        return added;
+    };
+    CLI::App *create = add("create", "Make templates of rebuilt pages",
+                           [this](Session &s) { return templateCreateCommand(s, m_template); });
+    addProject(create, m_template.project);
+    create->add_option("URL_ID", m_template.ids, "Keys of the pages' rows")->required();
+    create->add_flag("--overwrite", m_template.overwrite, "Replace templates of the same name");
+    create->add_flag("--wide-ids", m_template.wideIds, "Parts may have ids above 32767");
+    addFormat(add("list", "The templates of the folder",
+                  [this](Session &s) { return templateListCommand(s, m_template, m_format); }));
+    CLI::App *apply = add("apply", "Lay a template over pages",
+                          [this](Session &s) { return templateApplyCommand(s, m_template); });
+    addProject(apply, m_template.project);
+    apply->add_option("TEMPLATE", m_template.file, "The template's file")->required();
+    apply->add_option("URL_ID", m_template.ids, "Keys of the pages' rows")->required();
+    apply->add_flag("--any-title", m_template.anyTitle, "Pages of another title too");
 }
 
 } // namespace nv::cli

@@ -30,9 +30,15 @@ class Grammar {
     void addQueries();
     void addShow();
     void addFiles();
+    void addRebuilding();
+    void addTemplates();
 
     ImportArguments m_import;
     ListArguments m_list;
+    RebuildArguments m_rebuild;
+    TagArguments m_tag;
+    TemplateArguments m_template;
+    bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";
     std::string m_project;
