@@ -133,6 +133,7 @@ class Import {
         result.type = file.HistoryFileType;
         result.notReached = outcome.notReached;
         result.passedOver = std::move(outcome.passedOver);
+        result.noted = std::move(outcome.noted);
         settle(result, stateOf(outcome.state), outcome.reason);
         if (outcome.state == ReadState::complete)
             m_sources.setSuccessful(file.SourceFile_ID);
