@@ -58,6 +58,8 @@ std::string artefactText(const ArtefactResult &artefact) {
         note(fmt::format("{} records could not be saved, see the log", artefact.rowsLost));
     for (const auto &[reason, count] : artefact.passedOver)
         note(fmt::format("{} passed over: {}", count, reason));
+    for (const auto &[reason, count] : artefact.noted)
+        note(fmt::format("{} noted: {}", count, reason));
     return text;
 }
 

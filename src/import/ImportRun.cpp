@@ -137,6 +137,7 @@ class Import {
         result.type = file.HistoryFileType;
         result.notReached = outcome.notReached;
         result.passedOver = std::move(outcome.passedOver);
+        result.noted = std::move(outcome.noted);
         settle(result, stateOf(outcome.state), outcome.reason);
         logCounts(file, result);
         if (outcome.state == ReadState::complete)

@@ -37,7 +37,8 @@ struct ArtefactResult {
     std::uint64_t rowsLost = 0;   ///< records that the project did not take
     std::uint64_t notReached = 0; ///< entries behind the damage
     std::map<std::string, std::uint64_t>
-        passedOver; ///< records that the rules leave out, by reason
+        passedOver;                             ///< records that the rules leave out, by reason
+    std::map<std::string, std::uint64_t> noted; ///< peculiar records that are stored, by reason
     double seconds = 0;
 };
 

@@ -17,4 +17,28 @@ inline constexpr std::size_t kIndexHashTables = 201;
 /// body that grows beyond this is built to fill the disk and stays packed.
 inline constexpr std::uint64_t kUnpackedBytes = std::uint64_t{256} << 20;
 
+// The history of Firefox 2 is read in memory, where each of its bytes costs several. A profile of
+// years has some ten thousand pages in a few MB.
+
+/// What is read of the file.
+inline constexpr std::size_t kMorkFileBytes = std::size_t{256} << 20;
+
+/// Browsers break lines after some 80 characters; a longer URL makes a line longer, but not this
+/// long.
+inline constexpr std::size_t kMorkLineBytes = std::size_t{16} << 20;
+
+/// The 20th part of this is the longest URL that the browser could open.
+inline constexpr std::size_t kMorkValueBytes = std::size_t{1} << 20;
+
+/// The browser knows 13 columns.
+inline constexpr std::size_t kMorkColumns = 10'000;
+
+/// Each page brings about four values.
+inline constexpr std::size_t kMorkValues = 4'000'000;
+inline constexpr std::size_t kMorkRows = 500'000;
+
+/// Texts of all entries. Every row may name the same value, so that a small file can hold more text
+/// than any memory.
+inline constexpr std::size_t kMorkTextBytes = std::size_t{256} << 20;
+
 } // namespace nv::limits

@@ -6,6 +6,7 @@
 #include "readers/chrome/Cookies.h"
 #include "readers/chrome/History.h"
 #include "readers/firefox/Cookies.h"
+#include "readers/firefox/MorkHistory.h"
 #include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
 
@@ -157,7 +158,7 @@ constexpr std::array<Reader, 23> kReaders = {{
     {firefoxCache, "firefox-cache", "Firefox Cache", "", "chkCacheFirefox", "_cache_map_*",
      isFirefoxCache, nullptr},
     {morkHistory, "firefox-mork-history", "Firefox2 History", "2.0", "chkHistoryFirefox",
-     "history*.dat;places*.sqlite", isMorkHistory, nullptr},
+     "history*.dat;places*.sqlite", isMorkHistory, ParseMorkFile},
     {chromeHistory, "chrome-history", "Chrome History", "1.0", "chkHistoryChrome",
      "History;Archived History", isChromeHistory, ParseChromeHistoryFile},
     {chromeCache, "chrome-cache", "Chrome Cache", "1.0", "chkCacheChrome", "data_0", isChromeCache,

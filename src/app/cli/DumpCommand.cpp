@@ -103,6 +103,8 @@ const Reader *chooseReader(const fs::path &path, const std::string &as, HistoryF
 Exit tellResult(Session &session, const ReadResult &result) {
     for (const auto &[reason, count] : result.passedOver)
         session.err << fmt::format("{} passed over: {}\n", count, printable(reason));
+    for (const auto &[reason, count] : result.noted)
+        session.err << fmt::format("{} noted: {}\n", count, printable(reason));
     if (!result.reason.empty())
         session.err << printable(result.reason) << '\n';
     if (result.notReached > 0)

@@ -128,8 +128,8 @@ Cell jsonOf(const ArtefactResult &artefact) {
             {"reader", artefact.readerKey},       {"md5", artefact.MD5Hash},
             {"state", stateWord(artefact.state)}, {"rows", artefact.rowsSaved},
             {"rows_lost", artefact.rowsLost},     {"not_reached", artefact.notReached},
-            {"passed_over", artefact.passedOver}, {"reason", artefact.reason},
-            {"seconds", artefact.seconds}};
+            {"passed_over", artefact.passedOver}, {"noted", artefact.noted},
+            {"reason", artefact.reason},          {"seconds", artefact.seconds}};
 }
 
 Cell jsonOf(const ImportSummary &summary) {

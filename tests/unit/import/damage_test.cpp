@@ -1,6 +1,7 @@
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
 #include "support/builders/IndexDat.h"
+#include "support/builders/Mork.h"
 #include "support/builders/Places.h"
 #include "unit/import/ImportFixture.h"
 
@@ -37,6 +38,12 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
     static const std::map<std::string_view, MakeFile> files = {
         {"ie-history", [](const auto &path) { makeIndex(path, false); }},
         {"ie-cache", [](const auto &path) { makeIndex(path, true); }},
+        {"firefox-mork-history",
+         [](const auto &path) {
+             test::MorkHistory history;
+             test::addExamplePages(history);
+             writeWhole(path, history.bytes());
+         }},
         {"chrome-history",
          [](const auto &path) {
              test::ChromeHistory history(path);
@@ -117,7 +124,8 @@ TEST_P(DamageTest, isSurvived) {
 
 INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
                          testing::Values("ie-history", "ie-cache", "chrome-history",
-                                         "firefox3-history", "chrome-cookies", "firefox-cookies"));
+                                         "firefox3-history", "firefox-mork-history",
+                                         "chrome-cookies", "firefox-cookies"));
 
 TEST(DamageTests, coverEveryReader) {
     for (const Reader &reader : registry())
