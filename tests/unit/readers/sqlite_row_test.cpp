@@ -88,7 +88,7 @@ TEST_F(SqliteRow, givesBytesAsTheyAreStored) {
 }
 
 TEST_F(SqliteRow, givesTheBytesOfUtf16TextAsUtf8) {
-    SQLite::Database wide(":memory:");
+    SQLite::Database wide(":memory:", SQLite::OPEN_READWRITE);
     wide.exec("PRAGMA encoding='UTF-16be'; CREATE TABLE t(a); INSERT INTO t VALUES('caf\u00e9')");
     SQLite::Statement query(wide, "SELECT a FROM t");
     ASSERT_TRUE(query.executeStep());
