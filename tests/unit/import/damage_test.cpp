@@ -2,6 +2,7 @@
 #include "support/builders/Cookies.h"
 #include "support/builders/IndexDat.h"
 #include "support/builders/Places.h"
+#include "support/builders/Safari.h"
 #include "unit/import/ImportFixture.h"
 
 #include <functional>
@@ -53,6 +54,18 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
              test::Places places(path);
              test::addExamplePlaces(places);
          }},
+        {"safari-cache",
+         [](const auto &path) {
+             test::SafariCache cache(path);
+             test::addExampleEntries(cache);
+         }},
+        {"safari-history",
+         [](const auto &path) {
+             test::SafariHistory history;
+             test::addExampleVisits(history);
+             writeWhole(path, history.text());
+         }},
+        {"safari-cookies", [](const auto &path) { writeWhole(path, "<plist/>"); }}, // none is read
     };
     return files;
 }
@@ -117,7 +130,8 @@ TEST_P(DamageTest, isSurvived) {
 
 INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
                          testing::Values("ie-history", "ie-cache", "chrome-history",
-                                         "firefox3-history", "chrome-cookies", "firefox-cookies"));
+                                         "firefox3-history", "chrome-cookies", "firefox-cookies",
+                                         "safari-cache", "safari-history"));
 
 TEST(DamageTests, coverEveryReader) {
     for (const Reader &reader : registry())
