@@ -9,6 +9,9 @@
 #include "readers/firefox/MorkHistory.h"
 #include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
+#include "readers/safari/Cache.h"
+#include "readers/safari/Cookies.h"
+#include "readers/safari/History.h"
 
 #include <algorithm>
 #include <array>
@@ -170,9 +173,9 @@ constexpr std::array<Reader, 23> kReaders = {{
     {operaHistory, "opera-history", "Opera History", "9.0", "chkHistoryOpera",
      "global*.dat;download.dat;type_history.xml", isOperaHistory, nullptr},
     {safariCache, "safari-cache", "Safari Cache", "3.0", "chkCacheSafari", "cache*.db",
-     isSafariCache, nullptr},
+     isSafariCache, ParseSafariCacheFile, fetchSafariBody},
     {safariHistory, "safari-history", "Safari History", "3.0", "chkHistorySafari", "history*.plist",
-     isSafariHistory, nullptr},
+     isSafariHistory, ParseSafariHistoryFile},
     {ieCookies, "ie-cookies", "IE Cookies", "", "chkCookiesIE", "", isIECookies, nullptr},
     {ieHistory, "ie-history", "IE History", "", "chkHistoryIE", "index*.dat", isIEHistory,
      ParseIECacheFile},
@@ -184,7 +187,7 @@ constexpr std::array<Reader, 23> kReaders = {{
     {firefoxCookies, "firefox-cookies", "Firefox Cookies", "3.0", "chkCookiesFirefox",
      "cookies.sqlite", isFirefoxCookies, ParseFirefoxCookiesFile},
     {safariCookies, "safari-cookies", "Safari Cookies", "3.0", "chkCookiesSafari", "cookies.plist",
-     isSafariCookies, nullptr},
+     isSafariCookies, ParseSafariCookiesFile},
     {chromeCookies, "chrome-cookies", "Chrome Cookies", "1.0", "chkCookiesChrome", "Cookies",
      isChromeCookies, ParseChromeCookiesFile},
     {netAnalysis, "netanalysis", "NetAnalysis", "1.x", "IncludeNetAnalysis", "*.net", isNetAnalysis,

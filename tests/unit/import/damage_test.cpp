@@ -3,6 +3,7 @@
 #include "support/builders/IndexDat.h"
 #include "support/builders/Mork.h"
 #include "support/builders/Places.h"
+#include "support/builders/Safari.h"
 #include "unit/import/ImportFixture.h"
 
 #include <functional>
@@ -60,6 +61,18 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
              test::Places places(path);
              test::addExamplePlaces(places);
          }},
+        {"safari-cache",
+         [](const auto &path) {
+             test::SafariCache cache(path);
+             test::addExampleEntries(cache);
+         }},
+        {"safari-history",
+         [](const auto &path) {
+             test::SafariHistory history;
+             test::addExampleVisits(history);
+             writeWhole(path, history.text());
+         }},
+        {"safari-cookies", [](const auto &path) { writeWhole(path, "<plist/>"); }}, // none is read
     };
     return files;
 }
@@ -73,7 +86,7 @@ std::vector<std::size_t> positionsIn(std::size_t size) {
     return positions;
 }
 
-class DamageTest : public test::ImportFixture, public testing::WithParamInterface<const char *> {
+class DamageTest : public test::ImportFixture, public testing::WithParamInterface<std::string> {
   protected:
     /// Imports the bytes and checks what holds for any import, whatever is in the file.
     void importDamaged(const std::string &bytes, const std::string &what) {
@@ -122,10 +135,14 @@ TEST_P(DamageTest, isSurvived) {
     EXPECT_EQ(project.text("PRAGMA integrity_check"), "ok");
 }
 
-INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
-                         testing::Values("ie-history", "ie-cache", "chrome-history",
-                                         "firefox3-history", "firefox-mork-history",
-                                         "chrome-cookies", "firefox-cookies"));
+std::vector<std::string> keysOfSmallFiles() {
+    std::vector<std::string> keys;
+    for (const auto &[key, make] : smallFiles())
+        keys.emplace_back(key);
+    return keys;
+}
+
+INSTANTIATE_TEST_SUITE_P(Readers, DamageTest, testing::ValuesIn(keysOfSmallFiles()));
 
 TEST(DamageTests, coverEveryReader) {
     for (const Reader &reader : registry())
