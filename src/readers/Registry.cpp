@@ -8,6 +8,7 @@
 #include "readers/firefox/Cookies.h"
 #include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
+#include "readers/results/NetAnalysis.h"
 
 #include <algorithm>
 #include <array>
@@ -187,7 +188,7 @@ constexpr std::array<Reader, 23> kReaders = {{
     {chromeCookies, "chrome-cookies", "Chrome Cookies", "1.0", "chkCookiesChrome", "Cookies",
      isChromeCookies, ParseChromeCookiesFile},
     {netAnalysis, "netanalysis", "NetAnalysis", "1.x", "IncludeNetAnalysis", "*.net", isNetAnalysis,
-     nullptr},
+     ParseNetAnalysisFile},
     {norvelaneNVD, "nvd", "Norvelane NVD", "2.x", "chkHistoryNVD", "*.nvd", isNorvelaneNVD,
      nullptr},
     {histEx, "hist-ex", "Hist-Ex", "1.x", "chkHistEx", "*-UC-index.dat", isHistEx, nullptr},
