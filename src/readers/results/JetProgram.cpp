@@ -46,13 +46,7 @@ std::string failureOf(const JetLines &lines, const ChildResult &result) {
 JetOutcome readJetTable(const JetQuery &query, const JetLines::Receiver &receiver,
                         const std::function<bool()> &goOn) {
     JetOutcome outcome;
-    const auto program = companionProgram("norvelane-jet");
-    if (!program) {
-        outcome.failure = "the program norvelane-jet, which reads such files, is missing: it "
-                          "belongs into the folder of this program";
-        return outcome;
-    }
-    ChildCommand command{*program, {query.file.native(), std::string(query.table)}};
+    ChildCommand command{query.program, {query.file.native(), std::string(query.table)}};
     command.arguments.insert(command.arguments.end(), query.columns.begin(), query.columns.end());
     command.longestSilence = std::chrono::milliseconds(limits::kJetSilenceMs);
     command.longestLine = limits::kJetLineBytes;

@@ -13,6 +13,7 @@ namespace nv {
 /// A table of a Jet database, read by the program norvelane-jet: damaged files can crash or hang
 /// the library that knows the format.
 struct JetQuery {
+    std::filesystem::path program; ///< where norvelane-jet is
     std::filesystem::path file;
     std::string_view table;
     std::span<const std::string_view> columns; ///< names; case doesn't count

@@ -7,6 +7,7 @@
 
 #include "base/Files.h"
 #include "base/Trap.h"
+#include "platform/ChildProcess.h"
 #include "readers/results/JetProgram.h"
 #include "readers/results/NetAnalysisRow.h"
 
@@ -33,8 +34,9 @@ constexpr std::uint64_t kSmallestRow = 5;
 
 class CaseReading {
   public:
-    explicit CaseReading(ReadContext &ctx)
-        : m_ctx(ctx), m_path(textOf(ctx.file.FullPath)), m_trap(ctx.log, kProcedure, m_path) {}
+    CaseReading(ReadContext &ctx, const std::filesystem::path &program)
+        : m_ctx(ctx), m_program(program), m_path(textOf(ctx.file.FullPath)),
+          m_trap(ctx.log, kProcedure, m_path) {}
 
     ReadResult run() {
         if (readCase() && readHistory())
@@ -55,6 +57,7 @@ class CaseReading {
     }
 
     ReadContext &m_ctx;
+    const std::filesystem::path &m_program;
     std::string m_path;
     RecordTrap m_trap;
     ReadResult m_result;
@@ -110,11 +113,12 @@ bool CaseReading::readCase() {
             if (head.kinds[i] != "text")
                 addDamage(fmt::format("table Case has no text column \"{}\"", kCaseColumns[i]));
     };
-    return read({m_ctx.file.FullPath, "Case", kCaseColumns}, {noteColumns, takeCase}, "Case");
+    return read({m_program, m_ctx.file.FullPath, "Case", kCaseColumns}, {noteColumns, takeCase},
+                "Case");
 }
 
 bool CaseReading::readHistory() {
-    return read({m_ctx.file.FullPath, "History", kNetAnalysisColumns},
+    return read({m_program, m_ctx.file.FullPath, "History", kNetAnalysisColumns},
                 {[this](const JetHead &head) { takeHead(head); },
                  [this](const JetRow &row) { return takeRow(row); }},
                 "History");
@@ -177,17 +181,30 @@ void CaseReading::sumUp() {
     const std::uint64_t size = std::filesystem::file_size(m_ctx.file.FullPath, unknown);
     if (m_counted > found && m_counted <= size / kSmallestRow)
         m_result.notReached = m_counted - found;
-    m_ctx.log.write({fmt::format("{}: {}", m_path, m_result.reason), std::string(kProcedure),
-                     Severity::Warning, std::string(kRecommendation)});
+    m_result.reason = fmt::format("{}: {}", m_path, m_result.reason);
+    m_ctx.log.write({m_result.reason, std::string(kProcedure), Severity::Warning,
+                     std::string(kRecommendation)});
 }
 
 } // namespace
 
+ReadResult readNetAnalysisFile(ReadContext &ctx,
+                               const std::optional<std::filesystem::path> &program) {
+    const std::string path = textOf(ctx.file.FullPath);
+    ReadResult failed{ReadState::failed, path + ": could not be read", 0, {}};
+    if (!program) {
+        failed.reason = path + ": the program norvelane-jet, which reads such files, is missing "
+                               "from the folder of this program";
+        ctx.log.write({failed.reason, std::string(kProcedure), Severity::Warning,
+                       std::string(kContactSupport)});
+        return failed;
+    }
+    return trapped(ctx.log, Severity::Warning, kProcedure, kRecommendation, failed,
+                   [&] { return CaseReading(ctx, *program).run(); });
+}
+
 ReadResult ParseNetAnalysisFile(ReadContext &ctx) {
-    const ReadResult unread{
-        ReadState::failed, "could not be read: " + textOf(ctx.file.FullPath), 0, {}};
-    return trapped(ctx.log, Severity::Warning, kProcedure, kRecommendation, unread,
-                   [&ctx] { return CaseReading(ctx).run(); });
+    return readNetAnalysisFile(ctx, companionProgram("norvelane-jet"));
 }
 
 } // namespace nv

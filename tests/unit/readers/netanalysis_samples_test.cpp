@@ -61,10 +61,9 @@ TEST_F(NetAnalysisSample, givesTheCountedRecordsAndLosesNone) {
     EXPECT_EQ(countOf([](const URLClass &r) { return r.CacheFileExists; }),
               counts.at("rows_FileExists"));
     EXPECT_EQ(countOf([](const URLClass &r) { return r.Typed; }), counts.at("rows_Typed"));
-    EXPECT_EQ(countOf([](const URLClass &r) {
-                  return !r.ActionDateUTC.has() && !r.OtherDate.has();
-              }),
-              counts.at("rows_with_null_dates"));
+    EXPECT_EQ(
+        countOf([](const URLClass &r) { return !r.ActionDateUTC.has() && !r.OtherDate.has(); }),
+        counts.at("rows_with_null_dates"));
     EXPECT_EQ(countOf([&](const URLClass &r) {
                   return r.CacheFolderName == counts.at("case_CachePath").get<std::string>();
               }),
