@@ -49,6 +49,7 @@ class CaseReading {
     bool readHistory();
     void takeHead(const JetHead &head);
     bool takeRow(const JetRow &row);
+    bool advance();
     bool read(const JetQuery &query, const JetLines::Receiver &receiver, std::string_view what);
     void showStep(const std::string &text);
     void sumUp();
@@ -73,10 +74,7 @@ class CaseReading {
 /// False when cancelled.
 bool CaseReading::read(const JetQuery &query, const JetLines::Receiver &receiver,
                        std::string_view what) {
-    const auto goOn = [this] {
-        const auto met = static_cast<double>(std::min(m_met, m_counted));
-        return m_ctx.task.advance(m_counted == 0 ? 0 : met / static_cast<double>(m_counted));
-    };
+    const auto goOn = [this] { return advance(); };
     const JetOutcome outcome = readJetTable(query, receiver, goOn);
     if (!outcome.libraryWords.empty())
         m_ctx.log.write({fmt::format("{}: {}: {}", m_path, what, outcome.libraryWords),
@@ -136,6 +134,12 @@ void CaseReading::takeHead(const JetHead &head) {
                                   kNetAnalysisColumns[i]));
 }
 
+bool CaseReading::advance() {
+    const auto met = static_cast<double>(std::min(m_met, m_counted));
+    return m_ctx.task.advance(m_counted == 0 ? 0 : met / static_cast<double>(m_counted));
+}
+
+/// False when cancelled.
 bool CaseReading::takeRow(const JetRow &row) {
     ++m_met;
     if (m_ctx.task.wantsStep())
@@ -143,7 +147,7 @@ bool CaseReading::takeRow(const JetRow &row) {
     if (!row.damage.empty()) {
         ++m_damaged;
         m_trap.run(row.place, [&] { throw std::runtime_error(row.damage); });
-        return true;
+        return advance();
     }
     m_trap.run(row.place, [&] {
         URLClass record = netAnalysisRecord(m_ctx, row, m_cachePath);
@@ -156,7 +160,7 @@ bool CaseReading::takeRow(const JetRow &row) {
                                                  kNetAnalysisColumns[row.cut.front()]));
         });
     }
-    return true;
+    return advance();
 }
 
 void CaseReading::showStep(const std::string &text) {
@@ -168,6 +172,8 @@ void CaseReading::sumUp() {
     const std::uint64_t found = m_met - m_damaged;
     if (found != m_counted)
         addDamage(fmt::format("table History counts {} rows, and {} were found", m_counted, found));
+    if (m_damaged > 0)
+        addDamage(fmt::format("{} rows can't be read", m_damaged));
     if (m_cut > 0)
         addDamage(fmt::format("{} rows have values that are cut", m_cut));
     if (m_result.reason.empty()) {

@@ -1,6 +1,7 @@
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
 #include "support/builders/IndexDat.h"
+#include "support/builders/NetAnalysisCase.h"
 #include "support/builders/Places.h"
 #include "unit/import/ImportFixture.h"
 
@@ -52,6 +53,12 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
          [](const auto &path) {
              test::Places places(path);
              test::addExamplePlaces(places);
+         }},
+        {"netanalysis",
+         [](const auto &path) {
+             test::NetAnalysisCase made;
+             made.add({.InternetHistory = "http://host/a.htm"}).add({.Comment = "note"});
+             writeWhole(path, made.bytes());
          }},
     };
     return files;
@@ -117,7 +124,8 @@ TEST_P(DamageTest, isSurvived) {
 
 INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
                          testing::Values("ie-history", "ie-cache", "chrome-history",
-                                         "firefox3-history", "chrome-cookies", "firefox-cookies"));
+                                         "firefox3-history", "chrome-cookies", "firefox-cookies",
+                                         "netanalysis"));
 
 TEST(DamageTests, coverEveryReader) {
     for (const Reader &reader : registry())
