@@ -4,7 +4,7 @@
 //                                         asked for; null where there is none
 //   {"row":["a",null],"place":4110}       and "cut":[0] where a value is not whole
 //   {"damage":"...","place":4112}         a row that can't be read
-//   {"end":true,"deleted":2,"damage":""}  without this line the output is cut
+//   {"end":true,"deleted":2,"unlisted":0,"damage":""}      without this line the output is cut
 // or, when nothing can be read:
 //   {"error":"..."}
 // The library under it can crash or hang on damaged files: that costs this process only.
@@ -44,8 +44,9 @@ void setLimits(const std::filesystem::path &file) {
 #endif
 }
 
+/// At once: a crash must not take the rows before it along.
 void write(const json &line) {
-    std::cout << line.dump(-1, ' ', false, json::error_handler_t::replace) << '\n';
+    std::cout << line.dump(-1, ' ', false, json::error_handler_t::replace) << '\n' << std::flush;
 }
 
 struct Column {
@@ -95,6 +96,7 @@ void writeTable(const JetFile &file, std::string_view name,
     table.eachRow([&](const Row &row) { writeRow(file, columns, row); });
     write({{"end", true},
            {"deleted", table.deletedRows()},
+           {"unlisted", table.unlistedRows()},
            {"damage", file.endsAmidPage() ? "the file ends amid a page" : ""}});
 }
 
@@ -120,7 +122,6 @@ int main(int argc, char **argv) {
     }
     std::ios::sync_with_stdio(false);
     const int code = run(arguments);
-    std::cout.flush();
     // What the library made of a damaged file had better not be taken down by it.
     std::_Exit(code);
 }

@@ -50,6 +50,8 @@ class JetFile {
     /// False where the file ends before the end of the page: the library takes the missing bytes
     /// for zeros.
     bool holds(std::uint64_t page) const { return page < m_size / pageSize(); }
+    /// True for the last page too where the file ends amid it.
+    bool begins(std::uint64_t page) const { return page * pageSize() < m_size; }
     /// The row that a reference (page << 8 | row) leads to; nothing when there is none. It stays
     /// valid until the next reference is followed.
     std::optional<ByteView> target(std::uint32_t reference) const;

@@ -7,6 +7,7 @@
 #include "programs/jet/JetTable.h"
 
 #include "base/Text.h"
+#include "programs/jet/JetPages.h"
 
 #include <algorithm>
 
@@ -42,7 +43,6 @@ JetTable::JetTable(const JetFile &file, std::string_view name)
     m_rowsCounted = m_table->num_rows;
     // The library fills one for each column, however many the definition says there are.
     m_fields.resize(std::max<std::size_t>(m_table->columns->len, MDB_MAX_COLS));
-    mdb_rewind_table(m_table.get());
 }
 
 MdbColumn &JetTable::columnAt(std::size_t index) const {
@@ -57,10 +57,22 @@ std::optional<std::size_t> JetTable::column(std::string_view name) const {
 }
 
 // The library's own walk leaves out rows that lie elsewhere, takes a damaged row for none, and
-// believes a definition that counts no rows. So only its list of the table's pages is used.
+// believes a definition that counts no rows. So only its knowledge of rows and columns is used.
 void JetTable::eachRow(const std::function<void(const Row &row)> &take) {
-    while (mdb_read_next_dpg(m_table.get()) != 0)
-        readPage(m_file.handle().cur_pg, take);
+    std::uint64_t sound = 0;
+    const auto count = [&](const Row &row) {
+        sound += row.damage.empty() ? 1 : 0;
+        take(row);
+    };
+    const std::vector<std::uint32_t> listed = listedPages(m_file, *m_table);
+    for (const std::uint32_t page : listed)
+        readPage(page, count);
+    // Pages that the table gave up still name it, so the others are looked at only in need.
+    const std::uint64_t soundListed = sound;
+    if (soundListed < m_rowsCounted)
+        for (const std::uint32_t page : unlistedPages(m_file, *m_table, listed))
+            readPage(page, count);
+    m_unlisted = sound - soundListed;
 }
 
 std::uint64_t JetTable::deletedRows() const {
@@ -69,6 +81,7 @@ std::uint64_t JetTable::deletedRows() const {
 
 void JetTable::readPage(std::uint32_t page, const std::function<void(const Row &row)> &take) {
     MdbHandle &handle = m_file.handle();
+    mdb_read_pg(&handle, page);
     const int first = handle.fmt->row_count_offset + 2;
     const int rows = mdb_get_int16(handle.pg_buf, handle.fmt->row_count_offset);
     int lowest = static_cast<int>(m_file.pageSize()); // where the rows met so far begin

@@ -23,6 +23,9 @@ class JetTable {
     void eachRow(const std::function<void(const Row &row)> &take);
     /// Rows that eachRow() met whose entry says that they are deleted while they have bytes.
     std::uint64_t deletedRows() const;
+    /// Of the rows that eachRow() met: those on pages that the table's list of pages lacks. They
+    /// are looked for when rows are missing.
+    std::uint64_t unlistedRows() const { return m_unlisted; }
 
   private:
     struct Slot {
@@ -45,6 +48,7 @@ class JetTable {
     const JetFile &m_file;
     std::unique_ptr<MdbTableDef, Free> m_table;
     std::uint64_t m_rowsCounted = 0;
+    std::uint64_t m_unlisted = 0;
     std::uint64_t m_deleted = 0;
     std::uint64_t m_referredTo = 0; ///< of them, those that rows of other pages refer to
     std::vector<MdbField> m_fields;

@@ -69,6 +69,7 @@ bool JetLines::take(std::string_view line) {
         return takeRow(parsed);
     m_hasEnded = true;
     m_deleted = parsed.number("deleted");
+    m_unlisted = parsed.number("unlisted");
     m_damage = parsed.text("damage");
     return true;
 }

@@ -45,6 +45,8 @@ class JetLines {
     /// What is wrong with the file as a whole, although its rows could be read.
     const std::string &damage() const { return m_damage; }
     std::uint64_t deletedRows() const { return m_deleted; }
+    /// Rows that were found although the table's list of pages doesn't lead to them.
+    std::uint64_t unlistedRows() const { return m_unlisted; }
 
   private:
     struct Parsed;
@@ -59,6 +61,7 @@ class JetLines {
     std::string m_failure;
     std::string m_damage;
     std::uint64_t m_deleted = 0;
+    std::uint64_t m_unlisted = 0;
 };
 
 } // namespace nv

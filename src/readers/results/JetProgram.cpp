@@ -58,6 +58,7 @@ JetOutcome readJetTable(const JetQuery &query, const JetLines::Receiver &receive
         outcome.failure = failureOf(lines, result);
     outcome.damage = lines.damage();
     outcome.deletedRows = lines.deletedRows();
+    outcome.unlistedRows = lines.unlistedRows();
     outcome.libraryWords = trim(result.errors);
     return outcome;
 }

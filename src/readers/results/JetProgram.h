@@ -25,7 +25,8 @@ struct JetOutcome {
     std::string failure;
     std::string damage; ///< of the file as a whole; no row needs to be lost to it
     std::uint64_t deletedRows = 0;
-    std::string libraryWords; ///< what the library said meanwhile
+    std::uint64_t unlistedRows = 0; ///< read, although the table's list of pages lacks them
+    std::string libraryWords;       ///< what the library said meanwhile
 };
 
 /// `goOn` is asked several times a second and cancels with false, and so does the receiver's `row`.

@@ -86,6 +86,9 @@ bool CaseReading::read(const JetQuery &query, const JetLines::Receiver &receiver
     for (const std::string &text : {outcome.failure, outcome.damage})
         if (!text.empty() && m_result.reason.find(text) == std::string::npos)
             addDamage(text);
+    if (outcome.unlistedRows > 0)
+        addDamage(fmt::format("{} rows of table {} lie on pages that its list of pages lacks",
+                              outcome.unlistedRows, query.table));
     if (outcome.deletedRows > 0)
         m_result.passedOver[fmt::format("deleted rows of table {}", query.table)] =
             outcome.deletedRows;

@@ -64,6 +64,7 @@ TEST_F(NetAnalysisDamage, ofTheCountOfRowsLosesNone) {
     put16(definition + Jet4::kRowCountAt, 61);
     read(bytes);
     expectCutShort(60, 1, "table History counts 61 rows, and 60 were found");
+    EXPECT_EQ(urls().back(), "http://a/60"); // none is read twice
 }
 
 TEST_F(NetAnalysisDamage, ofAPagesOwnerCostsThatPage) {
@@ -71,6 +72,31 @@ TEST_F(NetAnalysisDamage, ofAPagesOwnerCostsThatPage) {
     bytes[pages[0] * Jet4::kPage + 4] = 0x55;
     read(bytes);
     expectCutShort(60 - lost, lost, fmt::format("and {} were found", 60 - lost));
+}
+
+TEST_F(NetAnalysisDamage, ofTheListOfPagesLosesNone) {
+    const std::size_t at = definition + 55; // row:u8 page:u24 of the list
+    const std::size_t page = static_cast<std::uint8_t>(bytes[at + 1]) * Jet4::kPage;
+    const std::size_t row = static_cast<std::uint8_t>(bytes[at]);
+    const std::size_t entry = page + Jet4::kPageRowsAt + 2 + 2 * row;
+    const std::size_t list = page + static_cast<std::uint8_t>(bytes[entry]) +
+                             256U * static_cast<std::uint8_t>(bytes[entry + 1]);
+    const std::string sound = bytes;
+    bytes.replace(list + 5, 64, std::string(64, '\0'));
+    read(bytes);
+    expectCutShort(60, 0, "60 rows of table History lie on pages that its list of pages lacks");
+    bytes.replace(list + 5, 64, std::string(64, '\xFF')); // also pages that aren't the table's
+    read(bytes);
+    EXPECT_EQ(result.state, ReadState::complete) << result.reason;
+    EXPECT_EQ(sink.records.size(), 60U);
+    bytes[list] = 1; // the long form, which these bytes are not
+    read(bytes);
+    expectCutShort(60, 0, "60 rows of table History");
+    bytes = sound;
+    bytes[list] = 9;
+    read(bytes);
+    EXPECT_EQ(result.state, ReadState::complete) << result.reason;
+    EXPECT_EQ(sink.records.size(), 60U);
 }
 
 TEST_F(NetAnalysisDamage, ofARowsEntryCostsItAndItsNeighbour) {
