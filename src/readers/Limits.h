@@ -56,4 +56,11 @@ inline constexpr std::size_t kResponseBytes = std::size_t{1} << 20;
 /// table that makes them so has lost the key by which browsers find rows.
 inline constexpr std::uint64_t kSlowLookUps = 100;
 
+/// How long the program that reads Jet databases may say nothing: it writes a line a row, so that
+/// silence means that a damaged file keeps it busy for nothing.
+inline constexpr int kJetSilenceMs = 60'000;
+
+/// A row of it has 16 values of at most 1 MB, whose bytes take up to six in JSON.
+inline constexpr std::size_t kJetLineBytes = std::size_t{128} << 20;
+
 } // namespace nv::limits

@@ -9,6 +9,7 @@
 #include "readers/firefox/MorkHistory.h"
 #include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
+#include "readers/results/NetAnalysis.h"
 #include "readers/safari/Cache.h"
 #include "readers/safari/Cookies.h"
 #include "readers/safari/History.h"
@@ -191,7 +192,7 @@ constexpr std::array<Reader, 23> kReaders = {{
     {chromeCookies, "chrome-cookies", "Chrome Cookies", "1.0", "chkCookiesChrome", "Cookies",
      isChromeCookies, ParseChromeCookiesFile},
     {netAnalysis, "netanalysis", "NetAnalysis", "1.x", "IncludeNetAnalysis", "*.net", isNetAnalysis,
-     nullptr},
+     ParseNetAnalysisFile},
     {norvelaneNVD, "nvd", "Norvelane NVD", "2.x", "chkHistoryNVD", "*.nvd", isNorvelaneNVD,
      nullptr},
     {histEx, "hist-ex", "Hist-Ex", "1.x", "chkHistEx", "*-UC-index.dat", isHistEx, nullptr},

@@ -2,6 +2,7 @@
 #include "support/builders/Cookies.h"
 #include "support/builders/IndexDat.h"
 #include "support/builders/Mork.h"
+#include "support/builders/NetAnalysisCase.h"
 #include "support/builders/Places.h"
 #include "support/builders/Safari.h"
 #include "unit/import/ImportFixture.h"
@@ -73,6 +74,13 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
              writeWhole(path, history.text());
          }},
         {"safari-cookies", [](const auto &path) { writeWhole(path, "<plist/>"); }}, // none is read
+
+        {"netanalysis",
+         [](const auto &path) {
+             test::NetAnalysisCase made;
+             made.add({.InternetHistory = "http://host/a.htm"}).add({.Comment = "note"});
+             writeWhole(path, made.bytes());
+         }},
     };
     return files;
 }
