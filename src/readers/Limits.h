@@ -17,4 +17,8 @@ inline constexpr std::size_t kIndexHashTables = 201;
 /// body that grows beyond this is built to fill the disk and stays packed.
 inline constexpr std::uint64_t kUnpackedBytes = std::uint64_t{256} << 20;
 
+/// Blocks that an address of Chrome's cache can name: 8 bits for the file, 16 for the block. A
+/// chain of entries ends at a block that was met before, so all chains together have no more steps.
+inline constexpr std::size_t kChromeCacheBlocks = std::size_t{1} << 24;
+
 } // namespace nv::limits
