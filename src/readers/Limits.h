@@ -63,4 +63,8 @@ inline constexpr int kJetSilenceMs = 60'000;
 /// A row of it has 16 values of at most 1 MB, whose bytes take up to six in JSON.
 inline constexpr std::size_t kJetLineBytes = std::size_t{128} << 20;
 
+/// Blocks that an address of Chrome's cache can name: 8 bits for the file, 16 for the block. A
+/// chain of entries ends at a block that was met before, so all chains together have no more steps.
+inline constexpr std::size_t kChromeCacheBlocks = std::size_t{1} << 24;
+
 } // namespace nv::limits

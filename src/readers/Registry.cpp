@@ -3,6 +3,8 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "readers/Evidence.h"
+#include "readers/chrome/Cache.h"
+#include "readers/chrome/CacheBody.h"
 #include "readers/chrome/Cookies.h"
 #include "readers/chrome/History.h"
 #include "readers/firefox/Cookies.h"
@@ -166,7 +168,7 @@ constexpr std::array<Reader, 23> kReaders = {{
     {chromeHistory, "chrome-history", "Chrome History", "1.0", "chkHistoryChrome",
      "History;Archived History", isChromeHistory, ParseChromeHistoryFile},
     {chromeCache, "chrome-cache", "Chrome Cache", "1.0", "chkCacheChrome", "data_0", isChromeCache,
-     nullptr},
+     ParseChromeCache, fetchChromeBody},
     {firefox3History, "firefox3-history", "Firefox3 History", "3.0", "chkHistoryFirefox",
      "history*.dat;places*.sqlite", isFirefox3History, ParseFirefox3HistoryFile},
     {operaCache, "opera-cache", "Opera Cache", "9.0", "chkCacheOpera", "dcache4*.url", isOperaCache,

@@ -1,3 +1,4 @@
+#include "support/builders/ChromeCache.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
 #include "support/builders/IndexDat.h"
@@ -35,6 +36,14 @@ void makeIndex(const std::filesystem::path &path, bool isCache) {
     writeWhole(path, index.bytes());
 }
 
+/// The block files stay whole beside the index.
+void makeChromeCache(const std::filesystem::path &index) {
+    test::ChromeCache cache(16);
+    cache.add({.url = "http://host/a.htm", .requested = 1, .modified = 2, .body = "<html>"});
+    cache.add({.url = "http://host/b.htm", .requested = 3, .modified = 4, .body = "<html>"});
+    std::filesystem::rename(cache.write(index.parent_path()), index);
+}
+
 /// A small sound file of each format that is read. A new reader needs a line here.
 const std::map<std::string_view, MakeFile> &smallFiles() {
     static const std::map<std::string_view, MakeFile> files = {
@@ -51,6 +60,7 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
              test::ChromeHistory history(path);
              test::addExamplePages(history);
          }},
+        {"chrome-cache", makeChromeCache},
         {"chrome-cookies",
          [](const auto &path) {
              test::ChromeCookies(path).add({.creation = 1}).add({.creation = 2});
