@@ -87,7 +87,8 @@ class Import {
           m_scratch(run.scratch),
           m_categories(job.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        {run.evidence, m_scratch.path(), m_log}, m_content),
-          m_sources(run.project, run.clock, m_log),
+          m_metadata({run.evidence, m_scratch.path(), m_log}, m_content),
+          m_looksIntoPages(job.ParseAdvancedMetadata), m_sources(run.project, run.clock, m_log),
           m_store(run.project, run.zone, run.clock, m_log) {}
 
     void all() {
@@ -131,7 +132,8 @@ class Import {
 
     void read(const Reader &reader, HistoryFile &file, ArtefactResult &result, SubTask task) {
         WriteBatch batch(m_run.project);
-        ImportSink sink(m_store, m_categories, m_content, batch, file, result);
+        ImportSink sink(m_store, m_categories, m_content, batch, file, result,
+                        m_looksIntoPages ? &m_metadata : nullptr);
         settle(result, ArtefactState::failed, "the import ended while this file was read");
         ReadResult outcome = readTrapped(reader, file, sink, task);
         result.type = file.HistoryFileType;
@@ -180,6 +182,8 @@ class Import {
     ContentProbe m_content;
     ScratchFolder m_scratch;
     Categories m_categories;
+    AdvancedMetadata m_metadata;
+    bool m_looksIntoPages;
     SourceFiles m_sources;
     RecordStore m_store;
 };
