@@ -68,8 +68,8 @@ class CacheReading {
         openBlobs();
         ReadResult result = eachRow(m_cursor, m_ctx, m_ctx.task, kReader.procedure,
                                     [this](const Row &row) { saveEntry(row); });
-        if (result.state == ReadState::complete)
-            countOrphans();
+        if (result.state == ReadState::complete && !countOrphans())
+            result.state = ReadState::cancelled;
         result.passedOver = m_passedOver;
         if (result.state == ReadState::cancelled)
             return result;
@@ -171,17 +171,21 @@ class CacheReading {
         record.RunTimeTempFilePath = target;
     }
 
-    /// Entries that were taken out of the list while their blobs stayed.
-    void countOrphans() {
+    /// Entries that were taken out of the list while their blobs stayed. False when cancelled.
+    bool countOrphans() {
         if (!m_blobs)
-            return;
+            return true;
         TableCursor blobs(m_database, "cfurl_cache_blob_data", std::array{kColumns[kEntryId]});
         std::uint64_t orphans = 0;
-        while (blobs.next())
+        while (blobs.next()) {
+            if (!m_ctx.task.advance(1))
+                return false;
             if (blobs.isReadable() && !m_entries.contains(blobs.row().number(0).value_or(0)))
                 ++orphans;
+        }
         if (orphans > 0)
             m_passedOver["headers and bodies whose entry is no longer listed"] = orphans;
+        return true;
     }
 
     ReadContext &m_ctx;

@@ -12,8 +12,10 @@ namespace nv {
 RowLookup::RowLookup(EvidenceDatabase &database, std::string_view table, std::string_view key,
                      std::span<const std::string_view> columns)
     : m_database(database), m_table(table) {
-    const std::set<std::string> present = database.columnsOf(table);
-    if (!database.hasTable(table) || !present.contains(toLower(key)))
+    // Of a view or a virtual table not even the columns are asked for: that would run it.
+    const std::set<std::string> present =
+        database.hasTable(table) ? database.columnsOf(table) : std::set<std::string>();
+    if (!present.contains(toLower(key)))
         throw EvidenceDamage(fmt::format("in its list of tables: table \"{}\" with column \"{}\" "
                                          "was expected and is not there",
                                          table, key));

@@ -279,5 +279,13 @@ TEST_F(SafariCacheTest, cancellingKeepsTheRowsSoFar) {
     EXPECT_TRUE(fs::is_empty(reading.scratch.path()));
 }
 
+TEST_F(SafariCacheTest, cancellingBehindTheLastRowIsToldToo) {
+    SafariCache(file()).add({.id = 1}).add({.id = 2, .url = "http://b/"});
+    test::CancelAfter task(3);
+    reading.read(ParseSafariCacheFile, file(), task);
+    EXPECT_EQ(reading.result.state, ReadState::cancelled);
+    EXPECT_EQ(reading.records().size(), 2U);
+}
+
 } // namespace
 } // namespace nv
