@@ -170,51 +170,52 @@ void RecordStore::storeBodyFlags(const URLClass &record) {
     };
     trapped(m_log, Severity::Warning, "ADO.PutDBField()", kContactSupport, false,
             [&store] { return onProject(store); });
+}
 
-    /// `url` must stay until the statement has run.
-    void RecordStore::bindLink(UrlId id, const std::string &url, const std::string &hash) {
-        m_insertLink.tryReset();
-        m_insertLink.bind(1, number(id));
-        bindText(m_insertLink, 2, url);
-        m_insertLink.bind(3, hash);
-    }
+/// `url` must stay until the statement has run.
+void RecordStore::bindLink(UrlId id, const std::string &url, const std::string &hash) {
+    m_insertLink.tryReset();
+    m_insertLink.bind(1, number(id));
+    bindText(m_insertLink, 2, url);
+    m_insertLink.bind(3, hash);
+}
 
-    void RecordStore::addLinksToItself(const URLClass &page, std::size_t count) {
-        onProject([&] {
-            bindLink(page.URLID, page.URL, page.HashedURL);
-            for (std::size_t i = 0; i < count; ++i) {
-                m_insertLink.exec();
-                m_insertLink.reset(); // the values stay bound
-            }
-        });
-    }
+void RecordStore::addLinksToItself(const URLClass &page, std::size_t count) {
+    onProject([&] {
+        bindLink(page.URLID, page.URL, page.HashedURL);
+        for (std::size_t i = 0; i < count; ++i) {
+            m_insertLink.exec();
+            m_insertLink.reset(); // the values stay bound
+        }
+    });
+}
 
-    void RecordStore::markAsWebPage(URLClass & record) {
-        onProject([&] {
-            m_markAsWebPage.tryReset();
-            m_markAsWebPage.bind(1, number(record.URLID));
-            m_markAsWebPage.exec();
-            m_markAsWebPage.tryReset();
-        });
-        record.IsWebPage = true;
-    }
+void RecordStore::markAsWebPage(URLClass &record) {
+    onProject([&] {
+        m_markAsWebPage.tryReset();
+        m_markAsWebPage.bind(1, number(record.URLID));
+        m_markAsWebPage.exec();
+        m_markAsWebPage.tryReset();
+    });
+    record.IsWebPage = true;
+}
 
-    std::optional<URLClass> RecordStore::GetURL(UrlId id) {
-        const auto read = [&]() -> std::optional<URLClass> {
-            m_select.tryReset();
-            m_select.bind(1, number(id));
-            if (!m_select.executeStep())
-                return std::nullopt;
-            URLClass record;
-            record.URLID = id;
-            int at = 0;
-            for (const RecordColumn &column : recordColumns())
-                std::visit(Reading{m_select, record, at++}, column.member);
-            m_select.tryReset();
-            return record;
-        };
-        return trapped(m_log, Severity::Warning, "MainBAS.GetURL()", kContactSupport,
-                       std::optional<URLClass>(), [&read] { return onProject(read); });
-    }
+std::optional<URLClass> RecordStore::GetURL(UrlId id) {
+    const auto read = [&]() -> std::optional<URLClass> {
+        m_select.tryReset();
+        m_select.bind(1, number(id));
+        if (!m_select.executeStep())
+            return std::nullopt;
+        URLClass record;
+        record.URLID = id;
+        int at = 0;
+        for (const RecordColumn &column : recordColumns())
+            std::visit(Reading{m_select, record, at++}, column.member);
+        m_select.tryReset();
+        return record;
+    };
+    return trapped(m_log, Severity::Warning, "MainBAS.GetURL()", kContactSupport,
+                   std::optional<URLClass>(), [&read] { return onProject(read); });
+}
 
 } // namespace nv
