@@ -69,6 +69,8 @@ ArtefactState stateOf(ReadState state) {
         return ArtefactState::cancelled;
     case ReadState::cutShort:
         return ArtefactState::cutShort;
+    case ReadState::notReadYet:
+        return ArtefactState::notReadYet;
     case ReadState::failed:
         break;
     }

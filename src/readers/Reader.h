@@ -31,8 +31,9 @@ class ContentProbe;
 enum class ReadState {
     complete,
     cancelled,
-    cutShort, ///< damage ended the reading: `reason` says where, `notReached` how much
-    failed,   ///< nothing could be read at all: `reason` says why
+    cutShort,   ///< damage ended the reading: `reason` says where, `notReached` how much
+    failed,     ///< nothing could be read at all: `reason` says why
+    notReadYet, ///< a form of the format that this program doesn't read: `reason` names it
 };
 
 struct ReadResult {

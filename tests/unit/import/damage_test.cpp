@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 
 namespace nv {
 namespace {
@@ -18,6 +19,9 @@ namespace {
 // tests go through all positions; here is what all must have in common.
 
 constexpr std::size_t kPositions = 240;
+
+/// Formats that are listed and hold nothing that is read.
+const std::set<std::string> kWithoutRows = {"opera-cookies", "safari-cookies"};
 
 using MakeFile = std::function<void(const std::filesystem::path &)>;
 
@@ -141,7 +145,9 @@ class DamageTest : public test::ImportFixture, public testing::WithParamInterfac
 TEST_P(DamageTest, isSurvived) {
     const std::string sound = soundFile();
     importDamaged(sound, "sound");
-    EXPECT_GT(rows(), 0);
+    if (!kWithoutRows.contains(GetParam())) {
+        EXPECT_GT(rows(), 0);
+    }
     for (const std::size_t at : positionsIn(sound.size())) {
         importDamaged(sound.substr(0, at), "cut at " + std::to_string(at));
         for (const int value : {0x00, 0x7F, 0x80, 0xFF}) {
