@@ -22,7 +22,7 @@ namespace {
 /// The format counts no visits.
 constexpr std::int64_t kVisitsUnknown = -1;
 
-void setUrl(URLClass &record, const std::string &keyURL) {
+void setKeyURL(URLClass &record, const std::string &keyURL) {
     record.URL = keyURL;
     record.HashedURL = hashOfUrl(keyURL);
     record.host = ParseHost(keyURL);
@@ -81,7 +81,7 @@ URLClass ParseChromeCacheURL(const ChromeEntryClass &entry, const ReadContext &c
     record.Visits = kVisitsUnknown;
     record.RecordSize = entry.KeyLength;
     record.MapFileOffset = static_cast<std::int64_t>(entry.MapFileOffset);
-    setUrl(record, entry.keyURL);
+    setKeyURL(record, entry.keyURL);
     setSource(record, ctx);
     setBody(record, entry);
     if (entry.HeaderObject) {
