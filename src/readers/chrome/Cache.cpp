@@ -7,7 +7,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
-#include "readers/chrome/CacheWalk.h"
+#include "readers/chrome/CacheClass.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "time/SourceClocks.h"
 

@@ -1,6 +1,7 @@
 #include "readers/chrome/CacheBody.h"
 
 #include "base/Files.h"
+#include "readers/chrome/CacheRecords.h"
 
 #include <optional>
 
@@ -20,14 +21,19 @@ std::optional<fs::path> folderOf(const URLClass &record, const Evidence &evidenc
     return index ? std::optional(index->parent_path()) : std::nullopt;
 }
 
+/// What the row tells of its body may be one.
+bool namesBody(const URLClass &record) {
+    const bool isInBlocks = record.DataBlockFile.starts_with("data_");
+    constexpr std::int64_t kFirstBlock = ChromeDataFileClass::kSize;
+    // An entry without a body names "f_000000", and its size is 0.
+    return record.CacheFileSize > 0 && record.DataBlockFileOffset >= (isInBlocks ? kFirstBlock : 0);
+}
+
 /// The file that holds the body. The name is looked for among those of the folder, so that a row
 /// of a hostile project leads nowhere else.
 std::optional<fs::path> sourceOf(const URLClass &record, const Evidence &evidence) {
-    const auto folder = folderOf(record, evidence);
-    // An entry without a body names "f_000000", and its size is 0.
-    if (!folder || record.CacheFileSize <= 0 || record.DataBlockFileOffset < 0)
-        return std::nullopt;
-    return evidence.find(*folder, record.DataBlockFile);
+    const auto folder = namesBody(record) ? folderOf(record, evidence) : std::nullopt;
+    return folder ? evidence.find(*folder, record.DataBlockFile) : std::nullopt;
 }
 
 } // namespace

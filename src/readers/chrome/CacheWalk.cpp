@@ -4,100 +4,30 @@
 
 #include "readers/chrome/CacheWalk.h"
 
-#include "base/Trap.h"
-#include "readers/chrome/CacheChains.h"
-#include "readers/chrome/CacheIndex.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
 
 namespace nv {
 
-namespace {
+ChromeCacheWalk::ChromeCacheWalk(ChromeCacheClass &cache, ChromeBlockFiles &blocks, FailureLog &log,
+                                 TaskMonitor &task, const ChromeCacheClass::TakeEntry &take)
+    : m_cache(cache), m_blocks(blocks), m_log(log), m_task(task), m_take(take),
+      m_index(cache.indexPath), m_trap(log, kProcedure, textOf(cache.indexPath)) {}
 
-constexpr std::string_view kProcedure = "ParserClass.ParseChromeCache()";
-
-/// Holds `Reading` while a walk lasts, however it ends.
-class ReadingFlag {
-  public:
-    explicit ReadingFlag(bool &flag) : m_flag(flag) { m_flag = true; }
-    ~ReadingFlag() { m_flag = false; }
-    ReadingFlag(const ReadingFlag &) = delete;
-    ReadingFlag &operator=(const ReadingFlag &) = delete;
-
-  private:
-    bool &m_flag;
-};
-
-/// One walk through the table of an index.
-class CacheWalk {
-  public:
-    CacheWalk(ChromeCacheClass &cache, ChromeBlockFiles &blocks, FailureLog &log, TaskMonitor &task,
-              const ChromeCacheClass::TakeEntry &take)
-        : m_cache(cache), m_blocks(blocks), m_log(log), m_task(task), m_take(take),
-          m_index(cache.indexPath), m_trap(log, kProcedure, textOf(cache.indexPath)) {}
-
-    ReadResult run() {
-        m_cache.IndexInfo = m_index.head();
-        if (!isReadable())
-            return m_result;
-        if (walkTable() && countBehindTable() && countChains())
-            noteTableCutShort();
-        else
-            m_result.state = ReadState::cancelled;
-        noteFailures();
+ReadResult ChromeCacheWalk::run() {
+    m_cache.IndexInfo = m_index.head();
+    if (!isReadable())
         return m_result;
-    }
+    if (walkTable() && countBehindTable() && countChains())
+        noteTableCutShort();
+    else
+        m_result.state = ReadState::cancelled;
+    noteFailures();
+    return m_result;
+}
 
-  private:
-    bool isReadable();
-    bool walkTable();
-    bool countBehindTable();
-    bool countChains();
-    void noteTableCutShort();
-    void noteFailures();
-
-    void takeSlot(std::uint64_t slot);
-    void takeEntry(ChromeEntryClass &entry);
-    void miss(std::string_view what, const ChromeAddressMapClass &map, std::string_view reason);
-    void notePartsLost(const ChromeEntryClass &entry);
-    void showStep(std::uint64_t slot);
-
-    bool goOn(std::uint64_t slot) {
-        return m_cache.Reading && m_task.advance(static_cast<double>(slot - 1) /
-                                                 static_cast<double>(m_index.wordsThere()));
-    }
-    std::uint64_t slots() const {
-        return std::min<std::uint64_t>(m_index.head().AddressCount, m_index.wordsThere());
-    }
-    void passOver(std::string_view reason) { ++m_result.passedOver[std::string(reason)]; }
-    /// The first damage is what the result tells.
-    std::string damage(const std::string &text) {
-        if (m_result.state == ReadState::complete)
-            m_result.state = ReadState::cutShort;
-        if (m_result.reason.empty())
-            m_result.reason = text;
-        return text;
-    }
-    void write(const std::string &text) {
-        m_log.write(
-            {text, std::string(kProcedure), Severity::Serious, std::string(kContactSupport)});
-    }
-
-    ChromeCacheClass &m_cache;
-    ChromeBlockFiles &m_blocks;
-    FailureLog &m_log;
-    TaskMonitor &m_task;
-    const ChromeCacheClass::TakeEntry &m_take;
-    ChromeIndexFile m_index;
-    RecordTrap m_trap;
-    ChromeChains m_chains;
-    ReadResult m_result;
-    std::uint64_t m_addresses = 0; ///< slots in use so far
-};
-
-bool CacheWalk::isReadable() {
+bool ChromeCacheWalk::isReadable() {
     const std::string path = textOf(m_cache.indexPath);
     if (!m_index.hasHead())
         m_result.reason = fmt::format("{}: the index has {} bytes, its head alone has {}", path,
@@ -113,7 +43,7 @@ bool CacheWalk::isReadable() {
     return false;
 }
 
-bool CacheWalk::walkTable() {
+bool ChromeCacheWalk::walkTable() {
     for (std::uint64_t slot = 1; slot <= slots(); ++slot) {
         if (!goOn(slot))
             return false;
@@ -125,13 +55,13 @@ bool CacheWalk::walkTable() {
     return true;
 }
 
-void CacheWalk::showStep(std::uint64_t slot) {
+void ChromeCacheWalk::showStep(std::uint64_t slot) {
     const auto total = static_cast<std::int64_t>(m_index.head().AddressCount);
     const auto now = static_cast<std::int64_t>(slot);
     m_task.show({fmt::format("MAP bucket {} of {}", now, total), now, total, {}, 0, 0});
 }
 
-void CacheWalk::takeSlot(std::uint64_t slot) {
+void ChromeCacheWalk::takeSlot(std::uint64_t slot) {
     const auto map = ChromeCacheClass::GetAddressMap(m_index.word(slot));
     if (!map)
         return;
@@ -144,32 +74,35 @@ void CacheWalk::takeSlot(std::uint64_t slot) {
     m_chains.add(*map, entry->NextEntryAddressMap);
     if (!entry->HeaderObject)
         return miss("header", entry->HeaderAddressMap, "entry without a header");
-    takeEntry(*entry);
+    notePartsLost(*entry);
+    m_take(*entry);
 }
 
-void CacheWalk::takeEntry(ChromeEntryClass &entry) {
-    notePartsLost(entry);
-    m_take(entry);
-}
-
-void CacheWalk::notePartsLost(const ChromeEntryClass &entry) {
+void ChromeCacheWalk::notePartsLost(const ChromeEntryClass &entry) {
     if (entry.KeyAddress != 0)
         passOver("URL that is kept outside of its entry");
     else if (entry.isKeyCutShort)
         passOver("rest of a URL of more than 218 characters");
     if (entry.HeaderObject->isCutShort)
-        damage(fmt::format("{}: the file ends in the header at {}: its dates read as 1601-01-01",
-                           m_blocks.pathOf(entry.HeaderAddressMap.DataBlockFileNumber),
-                           entry.HeaderAddressMap.DataBlockFileOffset));
+        noteHeaderCutShort(entry.HeaderAddressMap);
     // Asked for here so that a missing file is logged, though nothing is read of it.
     if (entry.ContentAddressMap.DataBlockFileOffset != 0)
         m_blocks.file(entry.ContentAddressMap.DataBlockFileNumber);
 }
 
+/// Only the first is logged: many addresses may lead to the end of one file.
+void ChromeCacheWalk::noteHeaderCutShort(const ChromeAddressMapClass &map) {
+    const auto text =
+        damage(fmt::format("{}: the file ends in the header at {}",
+                           m_blocks.pathOf(map.DataBlockFileNumber), map.DataBlockFileOffset));
+    if (++m_result.passedOver["header that is cut short, its dates read as 1601-01-01"] == 1)
+        write(text);
+}
+
 /// An entry can't be had. Addresses that name no block are as the browser wrote them; everything
 /// else is damage.
-void CacheWalk::miss(std::string_view what, const ChromeAddressMapClass &map,
-                     std::string_view reason) {
+void ChromeCacheWalk::miss(std::string_view what, const ChromeAddressMapClass &map,
+                           std::string_view reason) {
     if (map.DataBlockFileOffset == 0)
         return passOver(reason);
     const std::string path = m_blocks.pathOf(map.DataBlockFileNumber);
@@ -184,8 +117,7 @@ void CacheWalk::miss(std::string_view what, const ChromeAddressMapClass &map,
                            map.DataBlockFileOffset, file->size())));
 }
 
-/// False when cancelled.
-bool CacheWalk::countBehindTable() {
+bool ChromeCacheWalk::countBehindTable() {
     for (std::uint64_t slot = slots() + 1; slot <= m_index.wordsThere(); ++slot) {
         if (!goOn(slot))
             return false;
@@ -197,8 +129,7 @@ bool CacheWalk::countBehindTable() {
     return true;
 }
 
-/// False when cancelled.
-bool CacheWalk::countChains() {
+bool ChromeCacheWalk::countChains() {
     bool isDone = true;
     m_trap.run(0, [&] {
         const auto others = m_chains.countOthers(m_blocks, m_task);
@@ -209,7 +140,7 @@ bool CacheWalk::countChains() {
     return isDone;
 }
 
-void CacheWalk::noteTableCutShort() {
+void ChromeCacheWalk::noteTableCutShort() {
     const ChromeIndexClass &head = m_index.head();
     if (slots() == head.AddressCount)
         return;
@@ -221,84 +152,34 @@ void CacheWalk::noteTableCutShort() {
     m_result.notReached += std::min(head.AddressCount - slots(), unmet);
 }
 
-void CacheWalk::noteFailures() {
+void ChromeCacheWalk::noteFailures() {
     if (m_trap.failed() == 0)
         return;
     m_result.notReached += m_trap.failed();
     damage(textOf(m_cache.indexPath) + ": entries could not be read, the log tells which");
 }
 
-} // namespace
-
-ChromeCacheClass::ChromeCacheClass(std::filesystem::path index, const Evidence &evidence,
-                                   FailureLog &log, TaskMonitor &task)
-    : indexPath(std::move(index)), m_evidence(evidence), m_log(log), m_task(task),
-      m_blocks(evidence, indexPath.parent_path(), log, kProcedure) {}
-
-ReadResult ChromeCacheClass::ReadCache(const TakeEntry &take) {
-    const std::string path = textOf(indexPath);
-    if (Reading)
-        return {ReadState::failed, "is being read already: " + path, 0, {}};
-    const ReadingFlag reading(Reading);
-    Entries.Clear();
-    m_task.describe(
-        {"PARSING GOOGLE CHROME CACHE", "Reading INDEX File...", path, "chrome-32.gif"});
-    const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
-    ReadResult result = trapped(m_log, Severity::Serious, kProcedure, kContactSupport, unread, [&] {
-        return CacheWalk(*this, m_blocks, m_log, m_task, take).run();
-    });
-    CacheError = result.reason;
-    return result;
+bool ChromeCacheWalk::goOn(std::uint64_t slot) {
+    const auto done = static_cast<double>(slot - 1);
+    return m_cache.Reading && m_task.advance(done / static_cast<double>(m_index.wordsThere()));
 }
 
-ReadResult ChromeCacheClass::ReadCache() {
-    return ReadCache([this](const ChromeEntryClass &entry) { Entries.Add(entry); });
+/// Those that the index counts, as far as the file reaches.
+std::uint64_t ChromeCacheWalk::slots() const {
+    return std::min<std::uint64_t>(m_index.head().AddressCount, m_index.wordsThere());
 }
 
-std::optional<ChromeAddressMapClass> ChromeCacheClass::GetAddressMap(std::uint32_t addressWord) {
-    if (addressWord == 0)
-        return std::nullopt;
-    return chromeAddressMapOf(addressWord);
+/// The first damage is what the result tells.
+std::string ChromeCacheWalk::damage(const std::string &text) {
+    if (m_result.state == ReadState::complete)
+        m_result.state = ReadState::cutShort;
+    if (m_result.reason.empty())
+        m_result.reason = text;
+    return text;
 }
 
-std::optional<ChromeEntryClass> ChromeCacheClass::GetEntry(const ChromeAddressMapClass &map) {
-    const Bytes bytes = m_blocks.read(map, ChromeEntryClass::kSize);
-    if (!isWholeChromeEntry(ByteView(bytes)))
-        return std::nullopt;
-    ChromeEntryClass entry = chromeEntryOf(ByteView(bytes));
-    entry.AddressMap = map;
-    entry.MapFileOffset = map.DataBlockFileOffset;
-    entry.HeaderObject = GetHeaderObject(entry.HeaderAddressMap);
-    entry.RankingObject = GetRankingObject(entry.RankingsAddressMap);
-    return entry;
-}
-
-std::optional<ChromeHeaderClass>
-ChromeCacheClass::GetHeaderObject(const ChromeAddressMapClass &map) {
-    const Bytes bytes = m_blocks.read(map, ChromeHeaderClass::kSize);
-    if (bytes.empty())
-        return std::nullopt;
-    return chromeHeaderOf(ByteView(bytes));
-}
-
-std::optional<ChromeRankingClass>
-ChromeCacheClass::GetRankingObject(const ChromeAddressMapClass &map) {
-    const Bytes bytes = m_blocks.read(map, ChromeRankingClass::kSize);
-    if (bytes.empty())
-        return std::nullopt;
-    return chromeRankingOf(ByteView(bytes));
-}
-
-std::optional<ChromeContentClass>
-ChromeCacheClass::GetContentObject(const ChromeAddressMapClass &map, std::uint64_t size) {
-    Bytes bytes;
-    if (map.BlockFileType != 0)
-        bytes = m_blocks.read(map, size);
-    else if (const auto file = m_evidence.find(indexPath.parent_path(), map.SeparateFileName))
-        bytes = FileReader(*file).read(0, size);
-    if (bytes.empty())
-        return std::nullopt;
-    return ChromeContentClass{std::move(bytes)};
+void ChromeCacheWalk::write(const std::string &text) {
+    m_log.write({text, std::string(kProcedure), Severity::Serious, std::string(kContactSupport)});
 }
 
 } // namespace nv

@@ -1,57 +1,54 @@
 #pragma once
 
-#include "base/FailureLog.h"
-#include "base/TaskMonitor.h"
-#include "readers/Reader.h"
-#include "readers/chrome/CacheBlockFiles.h"
-#include "readers/chrome/CacheRecords.h"
-
-#include <cstdint>
-#include <filesystem>
-#include <functional>
-#include <optional>
-#include <string>
+#include "base/Trap.h"
+#include "readers/chrome/CacheChains.h"
+#include "readers/chrome/CacheClass.h"
+#include "readers/chrome/CacheIndex.h"
 
 namespace nv {
 
-/// Chrome's block cache, opened by its index. Bodies are read only when asked for.
-class ChromeCacheClass {
+/// One walk through the table of an index, for ChromeCacheClass::ReadCache.
+class ChromeCacheWalk {
   public:
-    using TakeEntry = std::function<void(const ChromeEntryClass &entry)>;
+    static constexpr std::string_view kProcedure = "ParserClass.ParseChromeCache()";
 
-    /// All must outlive this.
-    ChromeCacheClass(std::filesystem::path index, const Evidence &evidence, FailureLog &log,
-                     TaskMonitor &task);
+    /// All must outlive this. Throws FileFailure when the index can't be opened.
+    ChromeCacheWalk(ChromeCacheClass &cache, ChromeBlockFiles &blocks, FailureLog &log,
+                    TaskMonitor &task, const ChromeCacheClass::TakeEntry &take);
 
-    const std::filesystem::path indexPath;
-    ChromeIndexClass IndexInfo;    ///< of the last ReadCache
-    ChromeEntryCollection Entries; ///< of the last ReadCache that kept them
-    bool Reading = false;          ///< clearing it ends the walk at the next slot
-    std::string CacheError;        ///< what went wrong in the last ReadCache
-
-    /// Hands on the first entry of each slot that has a header, in the order of the slots.
-    ReadResult ReadCache(const TakeEntry &take);
-    /// Keeps them in `Entries`, which takes memory for all of them.
-    ReadResult ReadCache();
-
-    /// Nothing for the word 0.
-    static std::optional<ChromeAddressMapClass> GetAddressMap(std::uint32_t addressWord);
-
-    // Nothing when the address names no block, or the block isn't there. They throw FileFailure.
-
-    /// The entry with its header and rankings.
-    std::optional<ChromeEntryClass> GetEntry(const ChromeAddressMapClass &map);
-    std::optional<ChromeHeaderClass> GetHeaderObject(const ChromeAddressMapClass &map);
-    std::optional<ChromeRankingClass> GetRankingObject(const ChromeAddressMapClass &map);
-    /// Up to `size` bytes of a body, from its block file or separate file.
-    std::optional<ChromeContentClass> GetContentObject(const ChromeAddressMapClass &map,
-                                                       std::uint64_t size);
+    ReadResult run();
 
   private:
-    const Evidence &m_evidence;
+    bool isReadable();
+    // False when cancelled.
+    bool walkTable();
+    bool countBehindTable();
+    bool countChains();
+    bool goOn(std::uint64_t slot);
+
+    void takeSlot(std::uint64_t slot);
+    void miss(std::string_view what, const ChromeAddressMapClass &map, std::string_view reason);
+    void notePartsLost(const ChromeEntryClass &entry);
+    void noteHeaderCutShort(const ChromeAddressMapClass &map);
+    void noteTableCutShort();
+    void noteFailures();
+    void showStep(std::uint64_t slot);
+
+    std::uint64_t slots() const;
+    void passOver(std::string_view reason) { ++m_result.passedOver[std::string(reason)]; }
+    std::string damage(const std::string &text);
+    void write(const std::string &text);
+
+    ChromeCacheClass &m_cache;
+    ChromeBlockFiles &m_blocks;
     FailureLog &m_log;
     TaskMonitor &m_task;
-    ChromeBlockFiles m_blocks;
+    const ChromeCacheClass::TakeEntry &m_take;
+    ChromeIndexFile m_index;
+    RecordTrap m_trap;
+    ChromeChains m_chains;
+    ReadResult m_result;
+    std::uint64_t m_addresses = 0; ///< slots in use so far
 };
 
 } // namespace nv

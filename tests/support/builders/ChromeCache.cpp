@@ -131,6 +131,12 @@ ChromeCache &ChromeCache::word(std::uint32_t address) {
     return *this;
 }
 
+void ChromeCache::removeEmpty() {
+    for (std::size_t number = 0; number < m_used.size(); ++number)
+        if (m_used[number] == 0)
+            remove(blockFileName(number));
+}
+
 std::filesystem::path ChromeCache::write(const std::filesystem::path &folder) const {
     std::filesystem::create_directories(folder);
     for (const auto &[name, bytes] : m_files)

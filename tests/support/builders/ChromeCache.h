@@ -49,8 +49,10 @@ class ChromeCache {
 
     /// The bytes of a file, to be damaged: "index", "data_1", "f_000001". Heads of block files are
     /// brought up to date by add() only.
-    std::string &file(const std::string &name) { return m_files[name]; }
+    std::string &file(const std::string &name) { return m_files.at(name); }
     void remove(const std::string &name) { m_files.erase(name); }
+    /// Leaves out the block files that hold nothing.
+    void removeEmpty();
     /// Writes all files; the path of the index.
     std::filesystem::path write(const std::filesystem::path &folder) const;
 

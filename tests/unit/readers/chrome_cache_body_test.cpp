@@ -115,6 +115,16 @@ TEST_F(ChromeCacheBody, ofAnAddressWithTheTopBitAloneIsTheFileWithSixZeros) {
     EXPECT_EQ(content(), "separate");
 }
 
+TEST_F(ChromeCacheBody, ofAnAddressThatNamesNoBlockIsNone) {
+    const auto place = cache.add(entry("http://host.example/", "12345678"));
+    put(place.entry, 0x20, 0xD001'0000);
+    read();
+    record = reading.records().at(0);
+    EXPECT_EQ(record.DataBlockFile, "data_1");
+    EXPECT_EQ(record.DataBlockFileOffset, 0);
+    EXPECT_FALSE(extract()); // the head of the block file is nobody's body
+}
+
 TEST_F(ChromeCacheBody, whoseFileIsGoneIsNone) {
     add(std::string(20000, 'x'));
     fs::remove(folder() / "f_000001");

@@ -190,9 +190,10 @@ TEST_F(ChromeCacheDamage, thatCutsAHeaderGivesDatesOf1601) {
     EXPECT_EQ(isoUtc(reading.records()[0].ActionDateUTC), "1601-01-01T00:00:00Z");
     EXPECT_EQ(isoUtc(reading.records()[0].OtherDate), "1601-01-01T00:00:00Z");
     EXPECT_EQ(reading.result.state, ReadState::cutShort);
-    EXPECT_EQ(reading.result.reason, pathOf("data_1") +
-                                         ": the file ends in the header at 8960: its dates read "
-                                         "as 1601-01-01");
+    EXPECT_EQ(reading.result.reason, pathOf("data_1") + ": the file ends in the header at 8960");
+    EXPECT_THAT(reading.result.passedOver,
+                ElementsAre(Pair("header that is cut short, its dates read as 1601-01-01", 1)));
+    EXPECT_EQ(reading.log.entries.back().message, reading.result.reason);
 }
 
 TEST_F(ChromeCacheDamage, byAFileCutAtAnyByteGivesWholeUrlsOnly) {

@@ -1,5 +1,5 @@
 #include "base/Files.h"
-#include "readers/chrome/CacheWalk.h"
+#include "readers/chrome/CacheClass.h"
 #include "time/DateFormat.h"
 #include "unit/readers/ChromeCacheFixture.h"
 
