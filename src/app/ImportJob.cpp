@@ -50,7 +50,7 @@ std::string artefactText(const ArtefactResult &artefact) {
                     artefact.rowsSaved, static_cast<int>(artefact.type), artefact.readerKey,
                     artefact.MD5Hash, textOf(artefact.path));
     const auto note = [&text](std::string_view what) { text += fmt::format("    {}\n", what); };
-    if (!artefact.reason.empty() && artefact.state != ArtefactState::notReadYet)
+    if (!artefact.reason.empty())
         note(artefact.reason);
     if (artefact.notReached > 0)
         note(fmt::format("{} entries were not reached", artefact.notReached));

@@ -67,4 +67,8 @@ inline constexpr std::size_t kJetLineBytes = std::size_t{128} << 20;
 /// chain of entries ends at a block that was met before, so all chains together have no more steps.
 inline constexpr std::size_t kChromeCacheBlocks = std::size_t{1} << 24;
 
+/// A body in a block file of Chrome's cache has at most four blocks, 16 KB; what claims to be larger
+/// than this would copy the block file anew for every record.
+inline constexpr std::uint64_t kChromeBlockBody = std::uint64_t{1} << 20;
+
 } // namespace nv::limits

@@ -43,6 +43,8 @@ std::string wordOf(ReadState state) {
         return "cancelled";
     case ReadState::cutShort:
         return "cutShort";
+    case ReadState::notReadYet:
+        return "notReadYet";
     case ReadState::failed:
         return "failed";
     }

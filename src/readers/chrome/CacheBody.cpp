@@ -1,8 +1,10 @@
 #include "readers/chrome/CacheBody.h"
 
 #include "base/Files.h"
+#include "readers/Limits.h"
 #include "readers/chrome/CacheRecords.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace nv {
@@ -43,7 +45,9 @@ bool fetchChromeBody(const URLClass &record, const Evidence &evidence, const fs:
     if (!source)
         return false;
     const auto offset = static_cast<std::uint64_t>(record.DataBlockFileOffset);
-    const auto size = static_cast<std::uint64_t>(record.CacheFileSize);
+    auto size = static_cast<std::uint64_t>(record.CacheFileSize);
+    if (record.DataBlockFile.starts_with("data_"))
+        size = std::min(size, limits::kChromeBlockBody);
     if (copyRange(FileReader(*source), offset, size, target) > 0)
         return true;
     fs::remove(target);

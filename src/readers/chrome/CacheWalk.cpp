@@ -37,7 +37,7 @@ bool ChromeCacheWalk::isReadable() {
         m_result.reason = "later block cache, not read yet";
     else
         return true;
-    m_result.state = ReadState::failed;
+    m_result.state = m_index.hasHead() ? ReadState::notReadYet : ReadState::failed;
     m_result.notReached = m_index.head().EntryCount;
     write(m_index.hasHead() ? path + ": " + m_result.reason : m_result.reason);
     return false;

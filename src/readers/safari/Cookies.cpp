@@ -4,7 +4,7 @@ namespace nv {
 
 /// Not "complete": a file without findings would be taken for one without cookies.
 ReadResult ParseSafariCookiesFile(ReadContext &) {
-    return {ReadState::failed, "cookies of Safari are found and listed, but not read", 0, {}};
+    return {ReadState::notReadYet, "cookies of Safari are found and listed, but not read", 0, {}};
 }
 
 } // namespace nv

@@ -174,7 +174,10 @@ ReadResult readHistory(ReadContext &ctx) {
     const Bytes bytes = readWhole(ctx.file.FullPath);
     const ByteView file(bytes);
     if (isBinaryPropertyList(file))
-        throw PropertyListDamage("a property list in binary form: a later form, not read yet");
+        return {ReadState::notReadYet,
+                "a property list in binary form: a later form, not read yet",
+                0,
+                {}};
     const PropertyList list(file.raw(), limits::kPropertyListBytes);
     return HistoryReading(ctx, list).read();
 }
