@@ -17,4 +17,12 @@ inline constexpr std::size_t kIndexHashTables = 201;
 /// body that grows beyond this is built to fill the disk and stays packed.
 inline constexpr std::uint64_t kUnpackedBytes = std::uint64_t{256} << 20;
 
+/// URL and headers of one entry of Firefox's disk cache: four blocks of 4096 bytes hold them in
+/// every sound cache, while damaged lengths go up to 4 GB each.
+inline constexpr std::int64_t kFirefoxCacheMetaData = std::int64_t{64} << 10;
+
+/// A body in a block file of that cache: four blocks again, at most 16 KiB. Thousands of entries
+/// may claim 4 GB each, and every body is copied while it is imported.
+inline constexpr std::uint64_t kFirefoxCacheBlockBody = std::uint64_t{1} << 20;
+
 } // namespace nv::limits

@@ -5,6 +5,8 @@
 #include "readers/Evidence.h"
 #include "readers/chrome/Cookies.h"
 #include "readers/chrome/History.h"
+#include "readers/firefox/CacheBody.h"
+#include "readers/firefox/CacheParse.h"
 #include "readers/firefox/Cookies.h"
 #include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
@@ -155,7 +157,7 @@ using enum HistoryFileType;
 // Internet Explorer add none, so they are met only where history or cache is looked for too.
 constexpr std::array<Reader, 23> kReaders = {{
     {firefoxCache, "firefox-cache", "Firefox Cache", "", "chkCacheFirefox", "_cache_map_*",
-     isFirefoxCache, nullptr},
+     isFirefoxCache, ParseFirefoxCache, fetchFirefoxCacheBody},
     {morkHistory, "firefox-mork-history", "Firefox2 History", "2.0", "chkHistoryFirefox",
      "history*.dat;places*.sqlite", isMorkHistory, nullptr},
     {chromeHistory, "chrome-history", "Chrome History", "1.0", "chkHistoryChrome",

@@ -1,5 +1,6 @@
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
+#include "support/builders/FirefoxCache.h"
 #include "support/builders/IndexDat.h"
 #include "support/builders/Places.h"
 #include "unit/import/ImportFixture.h"
@@ -32,6 +33,13 @@ void makeIndex(const std::filesystem::path &path, bool isCache) {
     writeWhole(path, index.bytes());
 }
 
+/// The map; its block files lie beside it under their own names.
+void makeFirefoxCache(const std::filesystem::path &path) {
+    test::FirefoxCache cache(test::FirefoxCache::kFirefox3, 8);
+    test::addExampleEntries(cache);
+    std::filesystem::rename(cache.writeTo(path.parent_path()), path);
+}
+
 /// A small sound file of each format that is read. A new reader needs a line here.
 const std::map<std::string_view, MakeFile> &smallFiles() {
     static const std::map<std::string_view, MakeFile> files = {
@@ -46,6 +54,7 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
          [](const auto &path) {
              test::ChromeCookies(path).add({.creation = 1}).add({.creation = 2});
          }},
+        {"firefox-cache", makeFirefoxCache},
         {"firefox-cookies",
          [](const auto &path) { test::FirefoxCookies(path).add({}).add({.name = "other"}); }},
         {"firefox3-history",
@@ -117,7 +126,8 @@ TEST_P(DamageTest, isSurvived) {
 
 INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
                          testing::Values("ie-history", "ie-cache", "chrome-history",
-                                         "firefox3-history", "chrome-cookies", "firefox-cookies"));
+                                         "firefox3-history", "chrome-cookies", "firefox-cookies",
+                                         "firefox-cache"));
 
 TEST(DamageTests, coverEveryReader) {
     for (const Reader &reader : registry())
