@@ -41,6 +41,8 @@ struct ReadResult {
     std::uint64_t notReached = 0; ///< entries behind the damage
     /// Records that are there and that the reader's rules pass over, by reason.
     std::map<std::string, std::uint64_t> passedOver;
+    /// What an examiner has to know of records that are stored all the same, by reason.
+    std::map<std::string, std::uint64_t> noted = {};
 };
 
 /// All that a reader gets. It asks nobody, knows no database, and writes only below `scratch`.

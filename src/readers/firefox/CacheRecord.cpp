@@ -4,6 +4,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
+#include "readers/PageObjects.h"
 #include "time/SourceClocks.h"
 
 #include <filesystem>
@@ -36,6 +37,7 @@ void setUrl(URLClass &url, const mzRecordMetaData &metaData) {
     url.URLProtocol = GetURLProtocol(url.URL);
     url.URLParameters = parametersOf(url.URL);
     url.User = ParseUserFromURL(url.URL);
+    setPageObjects(url);
 }
 
 /// The cache's folder: bodies are fetched from `RootPath` + `CacheRootPath`.

@@ -1,8 +1,12 @@
+#include "support/builders/ChromeCache.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
 #include "support/builders/FirefoxCache.h"
 #include "support/builders/IndexDat.h"
+#include "support/builders/Mork.h"
+#include "support/builders/NetAnalysisCase.h"
 #include "support/builders/Places.h"
+#include "support/builders/Safari.h"
 #include "unit/import/ImportFixture.h"
 
 #include <functional>
@@ -40,16 +44,31 @@ void makeFirefoxCache(const std::filesystem::path &path) {
     std::filesystem::rename(cache.writeTo(path.parent_path()), path);
 }
 
+/// The block files stay whole beside the index.
+void makeChromeCache(const std::filesystem::path &index) {
+    test::ChromeCache cache(16);
+    cache.add({.url = "http://host/a.htm", .requested = 1, .modified = 2, .body = "<html>"});
+    cache.add({.url = "http://host/b.htm", .requested = 3, .modified = 4, .body = "<html>"});
+    std::filesystem::rename(cache.write(index.parent_path()), index);
+}
+
 /// A small sound file of each format that is read. A new reader needs a line here.
 const std::map<std::string_view, MakeFile> &smallFiles() {
     static const std::map<std::string_view, MakeFile> files = {
         {"ie-history", [](const auto &path) { makeIndex(path, false); }},
         {"ie-cache", [](const auto &path) { makeIndex(path, true); }},
+        {"firefox-mork-history",
+         [](const auto &path) {
+             test::MorkHistory history;
+             test::addExamplePages(history);
+             writeWhole(path, history.bytes());
+         }},
         {"chrome-history",
          [](const auto &path) {
              test::ChromeHistory history(path);
              test::addExamplePages(history);
          }},
+        {"chrome-cache", makeChromeCache},
         {"chrome-cookies",
          [](const auto &path) {
              test::ChromeCookies(path).add({.creation = 1}).add({.creation = 2});
@@ -61,6 +80,25 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
          [](const auto &path) {
              test::Places places(path);
              test::addExamplePlaces(places);
+         }},
+        {"safari-cache",
+         [](const auto &path) {
+             test::SafariCache cache(path);
+             test::addExampleEntries(cache);
+         }},
+        {"safari-history",
+         [](const auto &path) {
+             test::SafariHistory history;
+             test::addExampleVisits(history);
+             writeWhole(path, history.text());
+         }},
+        {"safari-cookies", [](const auto &path) { writeWhole(path, "<plist/>"); }}, // none is read
+
+        {"netanalysis",
+         [](const auto &path) {
+             test::NetAnalysisCase made;
+             made.add({.InternetHistory = "http://host/a.htm"}).add({.Comment = "note"});
+             writeWhole(path, made.bytes());
          }},
     };
     return files;
@@ -75,7 +113,7 @@ std::vector<std::size_t> positionsIn(std::size_t size) {
     return positions;
 }
 
-class DamageTest : public test::ImportFixture, public testing::WithParamInterface<const char *> {
+class DamageTest : public test::ImportFixture, public testing::WithParamInterface<std::string> {
   protected:
     /// Imports the bytes and checks what holds for any import, whatever is in the file.
     void importDamaged(const std::string &bytes, const std::string &what) {
@@ -124,10 +162,14 @@ TEST_P(DamageTest, isSurvived) {
     EXPECT_EQ(project.text("PRAGMA integrity_check"), "ok");
 }
 
-INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
-                         testing::Values("ie-history", "ie-cache", "chrome-history",
-                                         "firefox3-history", "chrome-cookies", "firefox-cookies",
-                                         "firefox-cache"));
+std::vector<std::string> keysOfSmallFiles() {
+    std::vector<std::string> keys;
+    for (const auto &[key, make] : smallFiles())
+        keys.emplace_back(key);
+    return keys;
+}
+
+INSTANTIATE_TEST_SUITE_P(Readers, DamageTest, testing::ValuesIn(keysOfSmallFiles()));
 
 TEST(DamageTests, coverEveryReader) {
     for (const Reader &reader : registry())

@@ -10,6 +10,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Pair;
 using testing::SizeIs;
 
 class FirefoxCacheDamage : public test::FirefoxCacheFixture {
@@ -55,8 +56,11 @@ TEST_F(FirefoxCacheDamage, ofALengthOfHeadersLosesTheirEndOnly) {
         damageSecond(kHeadersSize, size);
         read(cache);
         EXPECT_THAT(urls(), ElementsAre("http://1/", "http://2/", "http://3/")) << size;
-        EXPECT_THAT(messages(), ElementsAre(HasSubstr("bytes of its headers"))) << size;
+        EXPECT_THAT(messages(), ElementsAre(HasSubstr("stored from headers that are longer")))
+            << size;
         EXPECT_THAT(result.passedOver, IsEmpty());
+        EXPECT_THAT(result.noted,
+                    ElementsAre(Pair("headers that are longer than what is there", 1)));
         EXPECT_THAT(records().at(1).MetaData, testing::StartsWith("request-method GET"));
     }
 }
@@ -75,14 +79,15 @@ TEST_F(FirefoxCacheDamage, ofHeadersThatLeadBeyondTheirBlocksIsSaid) {
     read(cache);
     EXPECT_THAT(urls(), SizeIs(3));
     EXPECT_THAT(records().at(1).MetaData, SizeIs(600));
-    EXPECT_THAT(messages(), ElementsAre(HasSubstr("beyond its 2 blocks")));
+    EXPECT_THAT(messages(),
+                ElementsAre(HasSubstr("record at 308: stored from headers that lead beyond")));
 }
 
 TEST_F(FirefoxCacheDamage, ofMetadataOfAnotherVersionIsSaid) {
     damageSecond(0, 0x00010009);
     read(cache);
     EXPECT_THAT(urls(), SizeIs(3));
-    EXPECT_THAT(messages(), ElementsAre(HasSubstr("metadata of version 00010009")));
+    EXPECT_THAT(messages(), ElementsAre(HasSubstr("stored from metadata of another version")));
 }
 
 TEST_F(FirefoxCacheDamage, ofAMissingBlockFileLosesNoOthers) {

@@ -63,6 +63,7 @@ TEST_F(FirefoxCacheRecord, hasEveryFieldOfAnEntryInABlockFile) {
     EXPECT_EQ(record.CacheFileNameRecordOffset, 0u);
     EXPECT_EQ(record.MetaData, "request-method GET response-head HTTP/1.1 200 OK\r\n"
                                "Content-Type: text/html\r\n ");
+    EXPECT_FALSE(record.IsValidHTMLTagObject); // a query stands behind the extension
     EXPECT_FALSE(record.IsHistory || record.IsCookie || record.CacheFileRebuilt);
     EXPECT_EQ(record.HTMLBody + record.Notes + record.Category + record.CacheFileExt, "");
     EXPECT_THAT(messages(), IsEmpty());
@@ -142,6 +143,12 @@ TEST_F(FirefoxCacheRecord, leavesAsAWebPageWhateverItIs) {
         EXPECT_TRUE(record.IsWebPage) << type;
         EXPECT_FALSE(record.IsPicture) << type;
     }
+}
+
+TEST_F(FirefoxCacheRecord, saysWhetherATagMayStandForIt) {
+    EXPECT_TRUE(recordOf({.key = "HTTP:http://host/menu.js"}).IsValidHTMLTagObject);
+    EXPECT_TRUE(recordOf({.key = "HTTP:http://host/a.gif"}).IsValidHTMLPictureObject);
+    EXPECT_FALSE(recordOf({.key = "HTTP:http://host/a.gif"}).IsValidHTMLTagObject);
 }
 
 TEST_F(FirefoxCacheRecord, hasTheFirstAndTheLastDate) {

@@ -1,0 +1,304 @@
+// index      = head pad word*@40          a word is the address of the first entry of a slot, or 0
+// block file = head[2000] block*          "data_0" and so on, each with blocks of one size
+// Entry, header and rankings are blocks; a body is a run of blocks or a separate file "f_000001".
+
+#include "readers/chrome/CacheWalk.h"
+
+#include "base/Trap.h"
+#include "readers/chrome/CacheChains.h"
+#include "readers/chrome/CacheIndex.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kProcedure = "ParserClass.ParseChromeCache()";
+
+/// Holds `Reading` while a walk lasts, however it ends.
+class ReadingFlag {
+  public:
+    explicit ReadingFlag(bool &flag) : m_flag(flag) { m_flag = true; }
+    ~ReadingFlag() { m_flag = false; }
+    ReadingFlag(const ReadingFlag &) = delete;
+    ReadingFlag &operator=(const ReadingFlag &) = delete;
+
+  private:
+    bool &m_flag;
+};
+
+/// One walk through the table of an index.
+class CacheWalk {
+  public:
+    CacheWalk(ChromeCacheClass &cache, ChromeBlockFiles &blocks, FailureLog &log, TaskMonitor &task,
+              const ChromeCacheClass::TakeEntry &take)
+        : m_cache(cache), m_blocks(blocks), m_log(log), m_task(task), m_take(take),
+          m_index(cache.indexPath), m_trap(log, kProcedure, textOf(cache.indexPath)) {}
+
+    ReadResult run() {
+        m_cache.IndexInfo = m_index.head();
+        if (!isReadable())
+            return m_result;
+        if (walkTable() && countBehindTable() && countChains())
+            noteTableCutShort();
+        else
+            m_result.state = ReadState::cancelled;
+        noteFailures();
+        return m_result;
+    }
+
+  private:
+    bool isReadable();
+    bool walkTable();
+    bool countBehindTable();
+    bool countChains();
+    void noteTableCutShort();
+    void noteFailures();
+
+    void takeSlot(std::uint64_t slot);
+    void takeEntry(ChromeEntryClass &entry);
+    void miss(std::string_view what, const ChromeAddressMapClass &map, std::string_view reason);
+    void notePartsLost(const ChromeEntryClass &entry);
+    void showStep(std::uint64_t slot);
+
+    bool goOn(std::uint64_t slot) {
+        return m_cache.Reading && m_task.advance(static_cast<double>(slot - 1) /
+                                                 static_cast<double>(m_index.wordsThere()));
+    }
+    std::uint64_t slots() const {
+        return std::min<std::uint64_t>(m_index.head().AddressCount, m_index.wordsThere());
+    }
+    void passOver(std::string_view reason) { ++m_result.passedOver[std::string(reason)]; }
+    /// The first damage is what the result tells.
+    std::string damage(const std::string &text) {
+        if (m_result.state == ReadState::complete)
+            m_result.state = ReadState::cutShort;
+        if (m_result.reason.empty())
+            m_result.reason = text;
+        return text;
+    }
+    void write(const std::string &text) {
+        m_log.write(
+            {text, std::string(kProcedure), Severity::Serious, std::string(kContactSupport)});
+    }
+
+    ChromeCacheClass &m_cache;
+    ChromeBlockFiles &m_blocks;
+    FailureLog &m_log;
+    TaskMonitor &m_task;
+    const ChromeCacheClass::TakeEntry &m_take;
+    ChromeIndexFile m_index;
+    RecordTrap m_trap;
+    ChromeChains m_chains;
+    ReadResult m_result;
+    std::uint64_t m_addresses = 0; ///< slots in use so far
+};
+
+bool CacheWalk::isReadable() {
+    const std::string path = textOf(m_cache.indexPath);
+    if (!m_index.hasHead())
+        m_result.reason = fmt::format("{}: the index has {} bytes, its head alone has {}", path,
+                                      m_index.size(), ChromeIndexClass::kSize);
+    else if (m_index.isLater())
+        // Its records would come out with dates and lengths taken from the wrong places.
+        m_result.reason = "later block cache, not read yet";
+    else
+        return true;
+    m_result.state = ReadState::failed;
+    m_result.notReached = m_index.head().EntryCount;
+    write(m_index.hasHead() ? path + ": " + m_result.reason : m_result.reason);
+    return false;
+}
+
+bool CacheWalk::walkTable() {
+    for (std::uint64_t slot = 1; slot <= slots(); ++slot) {
+        if (!goOn(slot))
+            return false;
+        if (slot == 1 || m_task.wantsStep())
+            showStep(slot);
+        m_trap.run(ChromeIndexFile::placeOf(slot), [&] { takeSlot(slot); });
+    }
+    showStep(slots());
+    return true;
+}
+
+void CacheWalk::showStep(std::uint64_t slot) {
+    const auto total = static_cast<std::int64_t>(m_index.head().AddressCount);
+    const auto now = static_cast<std::int64_t>(slot);
+    m_task.show({fmt::format("MAP bucket {} of {}", now, total), now, total, {}, 0, 0});
+}
+
+void CacheWalk::takeSlot(std::uint64_t slot) {
+    const auto map = ChromeCacheClass::GetAddressMap(m_index.word(slot));
+    if (!map)
+        return;
+    if (!map->Initialised)
+        return passOver("slot with a word that is no address");
+    ++m_addresses;
+    auto entry = m_cache.GetEntry(*map);
+    if (!entry)
+        return miss("entry", *map, "slot that leads to no block file");
+    m_chains.add(*map, entry->NextEntryAddressMap);
+    if (!entry->HeaderObject)
+        return miss("header", entry->HeaderAddressMap, "entry without a header");
+    takeEntry(*entry);
+}
+
+void CacheWalk::takeEntry(ChromeEntryClass &entry) {
+    notePartsLost(entry);
+    m_take(entry);
+}
+
+void CacheWalk::notePartsLost(const ChromeEntryClass &entry) {
+    if (entry.KeyAddress != 0)
+        passOver("URL that is kept outside of its entry");
+    else if (entry.isKeyCutShort)
+        passOver("rest of a URL of more than 218 characters");
+    if (entry.HeaderObject->isCutShort)
+        damage(fmt::format("{}: the file ends in the header at {}: its dates read as 1601-01-01",
+                           m_blocks.pathOf(entry.HeaderAddressMap.DataBlockFileNumber),
+                           entry.HeaderAddressMap.DataBlockFileOffset));
+    // Asked for here so that a missing file is logged, though nothing is read of it.
+    if (entry.ContentAddressMap.DataBlockFileOffset != 0)
+        m_blocks.file(entry.ContentAddressMap.DataBlockFileNumber);
+}
+
+/// An entry can't be had. Addresses that name no block are as the browser wrote them; everything
+/// else is damage.
+void CacheWalk::miss(std::string_view what, const ChromeAddressMapClass &map,
+                     std::string_view reason) {
+    if (map.DataBlockFileOffset == 0)
+        return passOver(reason);
+    const std::string path = m_blocks.pathOf(map.DataBlockFileNumber);
+    const FileReader *file = m_blocks.file(map.DataBlockFileNumber);
+    if (!file) {
+        ++m_result.notReached; // the file was logged when it was looked for
+        damage(path + ": the block file is missing");
+        return;
+    }
+    throw std::runtime_error(
+        damage(fmt::format("{}: no whole {} at {}, the file has {} bytes", path, what,
+                           map.DataBlockFileOffset, file->size())));
+}
+
+/// False when cancelled.
+bool CacheWalk::countBehindTable() {
+    for (std::uint64_t slot = slots() + 1; slot <= m_index.wordsThere(); ++slot) {
+        if (!goOn(slot))
+            return false;
+        m_trap.run(ChromeIndexFile::placeOf(slot), [&] {
+            if (chromeAddressMapOf(m_index.word(slot)).Initialised)
+                passOver("address behind the slots that the index counts");
+        });
+    }
+    return true;
+}
+
+/// False when cancelled.
+bool CacheWalk::countChains() {
+    bool isDone = true;
+    m_trap.run(0, [&] {
+        const auto others = m_chains.countOthers(m_blocks, m_task);
+        isDone = others.has_value();
+        if (others.value_or(0) > 0)
+            m_result.passedOver["entry that shares a slot with the one before it"] = *others;
+    });
+    return isDone;
+}
+
+void CacheWalk::noteTableCutShort() {
+    const ChromeIndexClass &head = m_index.head();
+    if (slots() == head.AddressCount)
+        return;
+    write(damage(fmt::format("{}: the table of addresses ends behind slot {} of {}",
+                             textOf(m_cache.indexPath), slots(), head.AddressCount)));
+    // Most slots of a cache are empty: the entries that the index counts say more.
+    const std::uint64_t unmet =
+        head.EntryCount - std::min<std::uint64_t>(head.EntryCount, m_addresses);
+    m_result.notReached += std::min(head.AddressCount - slots(), unmet);
+}
+
+void CacheWalk::noteFailures() {
+    if (m_trap.failed() == 0)
+        return;
+    m_result.notReached += m_trap.failed();
+    damage(textOf(m_cache.indexPath) + ": entries could not be read, the log tells which");
+}
+
+} // namespace
+
+ChromeCacheClass::ChromeCacheClass(std::filesystem::path index, const Evidence &evidence,
+                                   FailureLog &log, TaskMonitor &task)
+    : indexPath(std::move(index)), m_evidence(evidence), m_log(log), m_task(task),
+      m_blocks(evidence, indexPath.parent_path(), log, kProcedure) {}
+
+ReadResult ChromeCacheClass::ReadCache(const TakeEntry &take) {
+    const std::string path = textOf(indexPath);
+    if (Reading)
+        return {ReadState::failed, "is being read already: " + path, 0, {}};
+    const ReadingFlag reading(Reading);
+    Entries.Clear();
+    m_task.describe(
+        {"PARSING GOOGLE CHROME CACHE", "Reading INDEX File...", path, "chrome-32.gif"});
+    const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
+    ReadResult result = trapped(m_log, Severity::Serious, kProcedure, kContactSupport, unread, [&] {
+        return CacheWalk(*this, m_blocks, m_log, m_task, take).run();
+    });
+    CacheError = result.reason;
+    return result;
+}
+
+ReadResult ChromeCacheClass::ReadCache() {
+    return ReadCache([this](const ChromeEntryClass &entry) { Entries.Add(entry); });
+}
+
+std::optional<ChromeAddressMapClass> ChromeCacheClass::GetAddressMap(std::uint32_t addressWord) {
+    if (addressWord == 0)
+        return std::nullopt;
+    return chromeAddressMapOf(addressWord);
+}
+
+std::optional<ChromeEntryClass> ChromeCacheClass::GetEntry(const ChromeAddressMapClass &map) {
+    const Bytes bytes = m_blocks.read(map, ChromeEntryClass::kSize);
+    if (!isWholeChromeEntry(ByteView(bytes)))
+        return std::nullopt;
+    ChromeEntryClass entry = chromeEntryOf(ByteView(bytes));
+    entry.AddressMap = map;
+    entry.MapFileOffset = map.DataBlockFileOffset;
+    entry.HeaderObject = GetHeaderObject(entry.HeaderAddressMap);
+    entry.RankingObject = GetRankingObject(entry.RankingsAddressMap);
+    return entry;
+}
+
+std::optional<ChromeHeaderClass>
+ChromeCacheClass::GetHeaderObject(const ChromeAddressMapClass &map) {
+    const Bytes bytes = m_blocks.read(map, ChromeHeaderClass::kSize);
+    if (bytes.empty())
+        return std::nullopt;
+    return chromeHeaderOf(ByteView(bytes));
+}
+
+std::optional<ChromeRankingClass>
+ChromeCacheClass::GetRankingObject(const ChromeAddressMapClass &map) {
+    const Bytes bytes = m_blocks.read(map, ChromeRankingClass::kSize);
+    if (bytes.empty())
+        return std::nullopt;
+    return chromeRankingOf(ByteView(bytes));
+}
+
+std::optional<ChromeContentClass>
+ChromeCacheClass::GetContentObject(const ChromeAddressMapClass &map, std::uint64_t size) {
+    Bytes bytes;
+    if (map.BlockFileType != 0)
+        bytes = m_blocks.read(map, size);
+    else if (const auto file = m_evidence.find(indexPath.parent_path(), map.SeparateFileName))
+        bytes = FileReader(*file).read(0, size);
+    if (bytes.empty())
+        return std::nullopt;
+    return ChromeContentClass{std::move(bytes)};
+}
+
+} // namespace nv

@@ -1,0 +1,61 @@
+#include "support/builders/NetAnalysisCase.h"
+
+#include <chrono>
+
+namespace nv::test {
+
+namespace {
+
+JetValue textOrNull(std::string_view text) {
+    return text.empty() ? JetValue() : JetValue(std::string(text));
+}
+
+template <class Number>
+JetValue orNull(const std::optional<Number> &number) {
+    return number ? JetValue(*number) : JetValue();
+}
+
+} // namespace
+
+double jetDate(int year, int month, int day, int hour, int minute, int second) {
+    using namespace std::chrono;
+    const sys_days date = std::chrono::year(year) / month / day;
+    const sys_days first = std::chrono::year(1899) / 12 / 30;
+    return static_cast<double>((date - first).count()) +
+           (hour * 3600 + minute * 60 + second) / 86400.0;
+}
+
+NetAnalysisCase::NetAnalysisCase(std::string_view CachePath, std::string_view Version) {
+    using enum JetType;
+    m_file.table("Case", {{"CaseID", longInteger}, {"CachePath", memo}, {"Version", text}});
+    m_file.row({std::int32_t{1}, textOrNull(CachePath), textOrNull(Version)});
+    m_file.table("History", {{"URN", longInteger},
+                             {"Type", text},
+                             {"LastVisited", dateTime},
+                             {"SecondaryDate", dateTime},
+                             {"User", text},
+                             {"Hits", longInteger},
+                             {"InternetHistory", memo},
+                             {"Hostname", text},
+                             {"URLFileName", text},
+                             {"FileExists", boolean},
+                             {"FileOffset", longInteger},
+                             {"HistoryVersion", text},
+                             {"ContentData", memo},
+                             {"Comment", memo},
+                             {"Status", text},
+                             {"SearchCriteria", memo}});
+}
+
+NetAnalysisCase &NetAnalysisCase::add(const NetAnalysisEvent &event) {
+    m_file.row(
+        {++m_events, textOrNull(event.Type), orNull(event.LastVisited), orNull(event.SecondaryDate),
+         textOrNull(event.User), orNull(event.Hits), textOrNull(event.InternetHistory),
+         textOrNull(event.Hostname), textOrNull(event.URLFileName), event.FileExists,
+         orNull(event.FileOffset), textOrNull(event.HistoryVersion), textOrNull(event.ContentData),
+         textOrNull(event.Comment), textOrNull(event.Status), textOrNull(event.SearchCriteria)},
+        event.place);
+    return *this;
+}
+
+} // namespace nv::test
