@@ -67,8 +67,16 @@ inline constexpr std::size_t kJetLineBytes = std::size_t{128} << 20;
 /// chain of entries ends at a block that was met before, so all chains together have no more steps.
 inline constexpr std::size_t kChromeCacheBlocks = std::size_t{1} << 24;
 
-/// A body in a block file of Chrome's cache has at most four blocks, 16 KB; what claims to be larger
-/// than this would copy the block file anew for every record.
+/// A body in a block file of Chrome's cache has at most four blocks, 16 KB; what claims to be
+/// larger than this would copy the block file anew for every record.
 inline constexpr std::uint64_t kChromeBlockBody = std::uint64_t{1} << 20;
+
+/// URL and headers of one entry of Firefox's disk cache: four blocks of 4096 bytes hold them in
+/// every sound cache, while damaged lengths go up to 4 GB each.
+inline constexpr std::int64_t kFirefoxCacheMetaData = std::int64_t{64} << 10;
+
+/// A body in a block file of that cache: four blocks again, at most 16 KiB. Thousands of entries
+/// may claim 4 GB each, and every body is copied while it is imported.
+inline constexpr std::uint64_t kFirefoxCacheBlockBody = std::uint64_t{1} << 20;
 
 } // namespace nv::limits

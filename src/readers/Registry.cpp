@@ -7,6 +7,8 @@
 #include "readers/chrome/CacheBody.h"
 #include "readers/chrome/Cookies.h"
 #include "readers/chrome/History.h"
+#include "readers/firefox/CacheBody.h"
+#include "readers/firefox/CacheParse.h"
 #include "readers/firefox/Cookies.h"
 #include "readers/firefox/MorkHistory.h"
 #include "readers/firefox/Places.h"
@@ -162,7 +164,7 @@ using enum HistoryFileType;
 // Internet Explorer add none, so they are met only where history or cache is looked for too.
 constexpr std::array<Reader, 23> kReaders = {{
     {firefoxCache, "firefox-cache", "Firefox Cache", "", "chkCacheFirefox", "_cache_map_*",
-     isFirefoxCache, nullptr},
+     isFirefoxCache, ParseFirefoxCache, fetchFirefoxCacheBody},
     {morkHistory, "firefox-mork-history", "Firefox2 History", "2.0", "chkHistoryFirefox",
      "history*.dat;places*.sqlite", isMorkHistory, ParseMorkFile},
     {chromeHistory, "chrome-history", "Chrome History", "1.0", "chkHistoryChrome",

@@ -1,6 +1,7 @@
 #include "support/builders/ChromeCache.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
+#include "support/builders/FirefoxCache.h"
 #include "support/builders/IndexDat.h"
 #include "support/builders/Mork.h"
 #include "support/builders/NetAnalysisCase.h"
@@ -40,6 +41,13 @@ void makeIndex(const std::filesystem::path &path, bool isCache) {
     writeWhole(path, index.bytes());
 }
 
+/// The map; its block files lie beside it under their own names.
+void makeFirefoxCache(const std::filesystem::path &path) {
+    test::FirefoxCache cache(test::FirefoxCache::kFirefox3, 8);
+    test::addExampleEntries(cache);
+    std::filesystem::rename(cache.writeTo(path.parent_path()), path);
+}
+
 /// The block files stay whole beside the index.
 void makeChromeCache(const std::filesystem::path &index) {
     test::ChromeCache cache(16);
@@ -69,6 +77,7 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
          [](const auto &path) {
              test::ChromeCookies(path).add({.creation = 1}).add({.creation = 2});
          }},
+        {"firefox-cache", makeFirefoxCache},
         {"firefox-cookies",
          [](const auto &path) { test::FirefoxCookies(path).add({}).add({.name = "other"}); }},
         {"firefox3-history",

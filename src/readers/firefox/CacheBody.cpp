@@ -1,0 +1,81 @@
+#include "readers/firefox/CacheBody.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "readers/Limits.h"
+#include "readers/firefox/Cache.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+namespace nv {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The file `name` in the record's cache folder, case set right.
+std::optional<fs::path> inCacheFolder(const URLClass &record, const Evidence &evidence,
+                                      const std::string &name) {
+    std::error_code none;
+    const fs::path relative = record.CacheRootPath;
+    const bool leadsUp = std::ranges::find(relative, fs::path("..")) != relative.end();
+    const fs::path folder = record.RootPath + record.CacheRootPath;
+    if (!leadsUp && fs::is_directory(folder, none))
+        return evidence.find(folder, name);
+    // Folders whose names aren't UTF-8 on the disk are found through their parents' listings.
+    return evidence.find(record.RootPath, record.CacheRootPath + "/" + name);
+}
+
+std::optional<fs::path> separateFile(const URLClass &record, const Evidence &evidence) {
+    const std::string name = record.DataBlockFile + "d01";
+    if (const auto beside = inCacheFolder(record, evidence, name))
+        return beside;
+    // Later caches spread these files over folders named by the hash: "3/3D/ED165d01".
+    constexpr std::size_t kHashDigits = 8;
+    if (record.DataBlockFile.size() != kHashDigits)
+        return std::nullopt;
+    return inCacheFolder(record, evidence,
+                         name.substr(0, 1) + "/" + name.substr(1, 2) + "/" + name.substr(3));
+}
+
+std::optional<fs::path> blockFile(const URLClass &record, const Evidence &evidence) {
+    for (const std::int64_t number : {1, 2, 3})
+        if (record.DataBlockFile == std::to_string(number))
+            return inCacheFolder(record, evidence, blockFileName(number));
+    return std::nullopt;
+}
+
+} // namespace
+
+bool fetchFirefoxCacheBody(const URLClass &record, const Evidence &evidence,
+                           const fs::path &target) {
+    const std::string map = fs::path(record.HistoryFilePath).filename().string();
+    if (record.DataBlockFileOffset < 0 || record.CacheFileSize < 0 ||
+        !inCacheFolder(record, evidence, map))
+        return false;
+    const bool isSeparate = record.DataBlockFileOffset == 0;
+    const auto source = isSeparate ? separateFile(record, evidence) : blockFile(record, evidence);
+    if (!source)
+        return false;
+    const auto wanted = static_cast<std::uint64_t>(record.CacheFileSize);
+    const std::uint64_t count =
+        isSeparate ? wanted : std::min(wanted, limits::kFirefoxCacheBlockBody);
+    const std::uint64_t copied = copyRange(
+        FileReader(*source), static_cast<std::uint64_t>(record.DataBlockFileOffset), count, target);
+    if (copied > 0 || wanted == 0)
+        return true;
+    fs::remove(target);
+    return false;
+}
+
+bool ExtractFirefoxCacheFile(URLClass &record, std::string_view fileNameSuffix,
+                             const Extraction &ctx) {
+    if (record.URLID <= UrlId::none)
+        return false;
+    return extractBody(record, fetchFirefoxCacheBody, fileNameSuffix, ctx,
+                       "ParserClass.ExtractFirefoxCacheFile()");
+}
+
+} // namespace nv

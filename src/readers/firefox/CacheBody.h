@@ -1,0 +1,20 @@
+#pragma once
+
+#include "readers/CachedBody.h"
+#include "readers/Reader.h"
+
+#include <filesystem>
+#include <string_view>
+
+namespace nv {
+
+/// Writes the body of a record of the Firefox cache to `target`, as it is stored.
+bool fetchFirefoxCacheBody(const URLClass &record, const Evidence &evidence,
+                           const std::filesystem::path &target);
+
+/// The body of a stored record as a file of its own, unpacked; see extractBody() for what is set
+/// in the record. False for a record that isn't stored yet and for one without a body.
+bool ExtractFirefoxCacheFile(URLClass &record, std::string_view fileNameSuffix,
+                             const Extraction &ctx);
+
+} // namespace nv

@@ -1,0 +1,150 @@
+#include "readers/firefox/CacheParse.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "readers/firefox/Cache.h"
+#include "readers/firefox/CacheRecord.h"
+
+#include <fmt/format.h>
+
+#include <map>
+#include <stdexcept>
+#include <utility>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kProcedure = "ParserClass.ParseFirefoxCache()";
+
+/// Reading the map is this part of the task.
+constexpr double kShareOfMap = 0.1;
+
+/// Why a stored record should not be taken as it stands; empty when it may be.
+std::string doubtOn(const mzCacheRecord &record) {
+    const mzRecordMetaData &metaData = *record.RecordMetaData;
+    if (metaData.Version != record.header.Version)
+        return "metadata of another version than the map's: their blocks may hold something else";
+    const auto there = static_cast<std::int64_t>(metaData.MetaData.size());
+    if (there < metaData.MetaDataSize)
+        return "headers that are longer than what is there";
+    const std::int64_t blocks = record.BucketMetaData.NumContBlocks + 1;
+    if (kMetaDataHeader + metaData.URLSize + there > blocks * record.BucketMetaData.BlockSize)
+        return "headers that lead beyond their blocks: the end belongs to other entries";
+    return {};
+}
+
+class CacheReading {
+  public:
+    explicit CacheReading(ReadContext &ctx)
+        : m_ctx(ctx), m_path(textOf(ctx.file.FullPath)), m_cache(ctx.log),
+          m_records(ctx.log, kProcedure, m_path), m_doubts(ctx.log, kProcedure, m_path) {}
+
+    ReadResult run() {
+        if (!OpenFirefoxCache(m_cache, m_ctx.file.FullPath, m_ctx.evidence, m_ctx.log))
+            return {ReadState::failed, "could not be opened: " + m_path, 0, {}};
+        if (!m_cache.ReadCache(m_ctx.file, m_ctx.task, m_result)) {
+            m_result.state = ReadState::failed;
+            noteLoss(m_cache.CacheError);
+        } else if (m_result.state != ReadState::cancelled) {
+            readRecords();
+        }
+        return m_result;
+    }
+
+  private:
+    void readRecords() {
+        if (m_result.state == ReadState::cutShort)
+            noteLoss(std::exchange(m_result.reason, {}));
+        const auto count = static_cast<std::int64_t>(m_cache.CacheRecords.Count());
+        m_ctx.task.describe({"PARSING MOZILLA FIREFOX CACHE",
+                             fmt::format("A total of {} URLs were found.", count),
+                             {},
+                             "firefox-32.gif"});
+        for (std::int64_t i = 1; i <= count; ++i) {
+            if (!m_ctx.task.advance(fractionOf(i, count))) {
+                m_result.state = ReadState::cancelled;
+                break;
+            }
+            readRecord(i, count);
+        }
+        countLosses();
+        if (m_result.state != ReadState::cancelled && m_ctx.task.wantsStep())
+            m_ctx.task.show({"All done.", count, count, {}, 0, 0});
+    }
+
+    static double fractionOf(std::int64_t i, std::int64_t count) {
+        return kShareOfMap +
+               (1 - kShareOfMap) * static_cast<double>(i) / static_cast<double>(count);
+    }
+
+    void readRecord(std::int64_t i, std::int64_t count) {
+        mzCacheRecord record = m_cache.CacheRecords.Item(static_cast<std::size_t>(i));
+        const std::int64_t blockFile = record.BucketMetaData.CacheBlockFileNumber;
+        if (!m_cache.GetFileHandle(blockFile)) {
+            ++m_missing[blockFile];
+            return;
+        }
+        const auto place = static_cast<std::uint64_t>(record.Bucket.FileOffset);
+        const bool stored = m_records.run(place, [&] {
+            record.RecordMetaData = m_cache.GetRecordMetaData(record.BucketMetaData);
+            auto url = ParseFirefoxCacheURL(record, m_ctx.file, m_ctx.evidence, m_ctx.clock);
+            show(i, count, url->URL);
+            m_ctx.sink.save(*url);
+        });
+        if (stored)
+            noteDoubt(place, doubtOn(record));
+    }
+
+    void noteDoubt(std::uint64_t place, const std::string &doubt) {
+        if (doubt.empty())
+            return;
+        ++m_result.noted[doubt];
+        // The trap gives the line its form, and their number an end.
+        m_doubts.run(place, [&doubt] { throw std::runtime_error("stored from " + doubt); });
+    }
+
+    void show(std::int64_t i, std::int64_t count, const std::string &url) {
+        if (m_ctx.task.wantsStep())
+            m_ctx.task.show({fmt::format("Record {} of {}", i, count), i, count, url, 0, 0});
+    }
+
+    void countLosses() {
+        if (m_records.failed() > 0)
+            m_result.passedOver["damaged record"] += m_records.failed();
+        for (const auto &[blockFile, entries] : m_missing) {
+            m_result.notReached += entries;
+            if (m_result.state == ReadState::complete)
+                m_result.state = ReadState::cutShort;
+            noteLoss(fmt::format("{} entries have their metadata in {}, which can't be read",
+                                 entries, blockFileName(blockFile)));
+        }
+    }
+
+    void noteLoss(const std::string &reason) {
+        const std::string text = fmt::format("{}: {}", m_path, reason);
+        m_ctx.log.write(
+            {text, std::string(kProcedure), Severity::Warning, std::string(kContactSupport)});
+        m_result.reason += (m_result.reason.empty() ? "" : "; ") + text;
+    }
+
+    ReadContext &m_ctx;
+    std::string m_path;
+    mzMozillaCache m_cache;
+    RecordTrap m_records;
+    RecordTrap m_doubts; ///< of records that are stored
+    ReadResult m_result;
+    std::map<std::int64_t, std::uint64_t> m_missing; ///< entries by block file
+};
+
+} // namespace
+
+ReadResult ParseFirefoxCache(ReadContext &ctx) {
+    const ReadResult unread{
+        ReadState::failed, "could not be read: " + textOf(ctx.file.FullPath), 0, {}};
+    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unread,
+                   [&ctx] { return CacheReading(ctx).run(); });
+}
+
+} // namespace nv

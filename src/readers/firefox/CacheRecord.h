@@ -1,0 +1,18 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "db/HistoryFile.h"
+#include "db/URLClass.h"
+#include "readers/Evidence.h"
+#include "readers/firefox/CacheTypes.h"
+
+#include <optional>
+
+namespace nv {
+
+/// One entry of the cache as a URL record; nothing when its metadata weren't read. `file` is the
+/// map.
+std::optional<URLClass> ParseFirefoxCacheURL(const mzCacheRecord &record, const HistoryFile &file,
+                                             const Evidence &evidence, const Clock &clock);
+
+} // namespace nv
