@@ -41,4 +41,10 @@ inline constexpr std::size_t kMorkRows = 500'000;
 /// than any memory.
 inline constexpr std::size_t kMorkTextBytes = std::size_t{256} << 20;
 
+/// What is read of a file of Opera. Its index tells of a cache of 400 MB at most, in some MB.
+inline constexpr std::size_t kOperaFileBytes = std::size_t{256} << 20;
+
+/// The list of typed addresses holds some hundred; an element of 4 bytes takes 100 in memory.
+inline constexpr std::size_t kOperaTypedBytes = std::size_t{16} << 20;
+
 } // namespace nv::limits

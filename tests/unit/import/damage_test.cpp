@@ -2,6 +2,7 @@
 #include "support/builders/Cookies.h"
 #include "support/builders/IndexDat.h"
 #include "support/builders/Mork.h"
+#include "support/builders/Opera.h"
 #include "support/builders/Places.h"
 #include "unit/import/ImportFixture.h"
 
@@ -44,6 +45,20 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
              test::addExamplePages(history);
              writeWhole(path, history.bytes());
          }},
+        {"opera-cache",
+         [](const auto &path) {
+             test::OperaCache cache;
+             test::addExampleFiles(cache);
+             writeWhole(path, cache.bytes());
+         }},
+        {"opera-history",
+         [](const auto &path) {
+             test::OperaHistory history;
+             test::addExampleVisits(history);
+             writeWhole(path, history.bytes());
+         }},
+        // Known to hold nothing that is read, so it isn't among the files with rows below.
+        {"opera-cookies", [](const auto &path) { writeWhole(path, "cookies"); }},
         {"chrome-history",
          [](const auto &path) {
              test::ChromeHistory history(path);
@@ -125,7 +140,8 @@ TEST_P(DamageTest, isSurvived) {
 INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
                          testing::Values("ie-history", "ie-cache", "chrome-history",
                                          "firefox3-history", "firefox-mork-history",
-                                         "chrome-cookies", "firefox-cookies"));
+                                         "chrome-cookies", "firefox-cookies", "opera-cache",
+                                         "opera-history"));
 
 TEST(DamageTests, coverEveryReader) {
     for (const Reader &reader : registry())

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "readers/Reader.h"
+
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+inline constexpr std::string_view kOperaHistoryProcedure = "ParserClass.ParseOperaHistoryFile()";
+
+/// The record of a URL of the history, without its title.
+URLClass operaHistoryRecord(const ReadContext &ctx, const std::string &url, Date visited,
+                            std::uint64_t offset);
+
+} // namespace nv
