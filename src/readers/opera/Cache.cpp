@@ -54,9 +54,12 @@ class CacheReading {
     ReadResult run() {
         m_at = kFirstField;
         while (m_at < m_file.size()) {
-            if (m_at >= m_askAt && !goOn())
-                return m_result;
             const auto field = operaFieldAt(m_file, m_at);
+            if (beginsRecord(field))
+                close();
+            // Never amid a record: half of one would be saved, or none.
+            if (!m_record && (beginsRecord(field) || m_at >= m_askAt) && !goOn())
+                return m_result;
             const bool isUsed = field && take(*field);
             if (isUsed && field->isCut)
                 m_cutAt = m_at;
@@ -80,9 +83,12 @@ class CacheReading {
         }
         if (m_ctx.task.advance(fraction))
             return true;
-        close();
         m_result.state = ReadState::cancelled;
         return false;
+    }
+
+    static bool beginsRecord(const std::optional<OperaField> &field) {
+        return field && field->tag == OperaTag::url && !textOf(*field).empty();
     }
 
     /// False when the bytes only look like a field.
@@ -110,8 +116,6 @@ class CacheReading {
         const std::string url = textOf(field);
         if (url.empty())
             return false;
-        close();
-        m_askAt = m_at + field.length; // a record is a step of the task
         m_record.emplace();
         setUrl(url);
         setOperaCacheFolder(*m_record, m_ctx.file, m_ctx.evidence);

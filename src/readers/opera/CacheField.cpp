@@ -44,11 +44,35 @@ std::uint64_t bigEndian(ByteView value) {
     return number;
 }
 
+/// Whether a text begins as "http:" does.
+bool beginsWithScheme(std::string_view text) {
+    constexpr std::size_t kLongestScheme = 12;
+    const std::size_t mark = text.substr(0, kLongestScheme).find(':');
+    return mark != std::string_view::npos && mark > 0 &&
+           std::ranges::all_of(text.substr(0, mark), [](char c) {
+               return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-';
+           });
+}
+
+/// The field of a URL of more than 255 bytes. Its tag's second byte is the length's higher one, so
+/// it is only believed where a URL follows. Passed over, its date would go to the record before it.
+std::optional<OperaField> longUrlAt(ByteView file, std::uint64_t at) {
+    const std::uint64_t length =
+        std::uint64_t{file.u8(at + 1)} << 8 | std::uint64_t{file.u8(at + kLengthAt)};
+    const bool isLong = file.u8(at) == static_cast<std::uint8_t>(OperaTag::url) && length > 255;
+    if (!isLong || !file.has(at + kValueAt, length) ||
+        !beginsWithScheme(file.sub(at + kValueAt, length).raw()))
+        return std::nullopt;
+    return OperaField{OperaTag::url, file.sub(at + kValueAt, length), false, kValueAt + length};
+}
+
 } // namespace
 
 std::optional<OperaField> operaFieldAt(ByteView file, std::uint64_t at) {
-    if (!file.has(at, kValueAt) || !isKnown(file.u16le(at)))
+    if (!file.has(at, kValueAt))
         return std::nullopt;
+    if (!isKnown(file.u16le(at)))
+        return longUrlAt(file, at);
     OperaField field;
     field.tag = OperaTag{file.u16le(at)};
     const std::uint64_t wanted = lengthOf(field.tag, file.u8(at + kLengthAt));

@@ -67,7 +67,7 @@ bool leadsOut(const std::string &name) {
 
 void setOperaCacheFolder(URLClass &record, const HistoryFile &file, const Evidence &evidence) {
     record.RootPath = evidence.rootOf(file.FullPath);
-    record.CacheRootPath = evidence.relativeOf(file.FullPath.parent_path());
+    record.CacheRootPath = fs::path(evidence.relativeOf(file.FullPath)).parent_path().string();
     record.CacheFolderName = record.CacheRootPath;
 }
 
@@ -83,7 +83,8 @@ bool setOperaCachedFile(URLClass &record, const std::string &name, const History
     if (found)
         record.CacheFileRelativePath = evidence.relativeOf(*found);
     else if (!leadsOut(name))
-        record.CacheFileRelativePath = record.CacheRootPath + "/" + replaceAll(name, "\\", "/");
+        record.CacheFileRelativePath =
+            (fs::path(record.CacheRootPath) / replaceAll(name, "\\", "/")).string();
     if (found && name.find(kNumbered) != std::string::npos)
         setFacts(record, *found);
     setKind(record, extensionOf(found));

@@ -10,22 +10,24 @@
 #include "readers/Limits.h"
 #include "readers/opera/HistoryRecord.h"
 #include "readers/opera/HistoryTyped.h"
+#include "readers/sqlite/HistoryRow.h"
 #include "time/SourceClocks.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
-#include <limits>
 #include <optional>
+#include <utility>
 
 namespace nv {
 
 namespace {
 
 constexpr std::size_t kLines = 4;
-enum Line : std::size_t { kTitle, kUrl, kVisited };
+enum Line : std::size_t { kTitle, kUrl, kVisited, kPopularity };
 
 /// Four lines and where they end; the first begins at `at`.
 struct Window {
@@ -57,10 +59,11 @@ std::optional<std::int64_t> secondsIn(std::string_view line) {
     return isNumber ? std::optional(seconds) : std::nullopt;
 }
 
-/// The number is one of 32 bits with a sign; 0 stands for none.
+/// The number is one of 32 bits with a sign. 0 stands for none, and so does -1, which is the fourth
+/// line of most records: it only stands here where a line is missing.
 Date visitDate(std::string_view line) {
     const auto seconds = secondsIn(line);
-    if (!seconds || *seconds == 0 || !std::in_range<std::int32_t>(*seconds))
+    if (!seconds || *seconds == 0 || *seconds == -1 || !std::in_range<std::int32_t>(*seconds))
         return {};
     return SecondsToDate1970(static_cast<double>(*seconds));
 }
@@ -82,11 +85,24 @@ std::size_t linesOutOfStep(std::string_view file, const Window &window) {
     return 0;
 }
 
+/// Where the next record begins. A last line that is no number may be the next title, when that
+/// brings the next lines in step.
+std::size_t behindRecord(std::string_view file, const Window &window) {
+    if (!secondsIn(window.lines[kPopularity]))
+        if (const auto next = windowAt(file, window.next[kVisited]); next && isInStep(*next))
+            return window.next[kVisited];
+    return window.next[kPopularity];
+}
+
+bool isBlank(const Window &window) {
+    return std::ranges::all_of(window.lines, &std::string_view::empty);
+}
+
 class LineReading {
   public:
     LineReading(ReadContext &ctx, std::string_view file, ReadResult &result)
-        : m_ctx(ctx), m_file(file), m_result(result),
-          m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)) {}
+        : m_ctx(ctx), m_source{ctx, creationDateOf(ctx.file.FullPath)}, m_file(file),
+          m_result(result), m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)) {}
 
     void run() {
         while (const auto window = windowAt(m_file, m_at)) {
@@ -111,15 +127,19 @@ class LineReading {
             m_at = window.next[skipped - 1];
             return;
         }
-        m_trap.run(m_at, [&] { save(window); });
-        m_at = window.next.back();
+        if (isBlank(window))
+            ++m_result.passedOver["four empty lines"];
+        else
+            m_trap.run(m_at, [&] { save(window); });
+        m_at = behindRecord(m_file, window);
     }
 
     void save(const Window &window) {
         const Date visited = visitDate(window.lines[kVisited]);
         if (!visited.has())
             ++m_result.noted["visit without a date that can be read"];
-        URLClass record = operaHistoryRecord(m_ctx, decodeText(window.lines[kUrl]), visited, m_at);
+        URLClass record =
+            operaHistoryRecord(m_source, decodeText(window.lines[kUrl]), visited, m_at);
         record.WebpageTitle = decodeText(window.lines[kTitle]);
         m_ctx.sink.save(record);
     }
@@ -134,6 +154,7 @@ class LineReading {
     }
 
     ReadContext &m_ctx;
+    OperaHistorySource m_source;
     std::string_view m_file;
     ReadResult &m_result;
     RecordTrap m_trap;

@@ -4,13 +4,13 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
-#include "readers/sqlite/HistoryRow.h"
 #include "time/SourceClocks.h"
 
 namespace nv {
 
-URLClass operaHistoryRecord(const ReadContext &ctx, const std::string &url, Date visited,
+URLClass operaHistoryRecord(const OperaHistorySource &source, const std::string &url, Date visited,
                             std::uint64_t offset) {
+    const ReadContext &ctx = source.ctx;
     URLClass record;
     record.Action = "Visited";
     record.SourceFile_ID = ctx.file.SourceFile_ID;
@@ -18,7 +18,7 @@ URLClass operaHistoryRecord(const ReadContext &ctx, const std::string &url, Date
     record.URLRawValue = url;
     record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
     record.cacheType = "Opera History";
-    record.CacheFileCreatedGMTDOS = creationDateOf(ctx.file.FullPath);
+    record.CacheFileCreatedGMTDOS = source.fileCreated;
     record.HashedURL = hashOfUrl(url);
     record.HistoryFilePath = textOf(ctx.file.FullPath);
     record.HistoryVersion = ctx.file.Version;

@@ -9,8 +9,14 @@ namespace nv {
 
 inline constexpr std::string_view kOperaHistoryProcedure = "ParserClass.ParseOperaHistoryFile()";
 
+/// What is one for all records of a file.
+struct OperaHistorySource {
+    const ReadContext &ctx;
+    Date fileCreated;
+};
+
 /// The record of a URL of the history, without its title.
-URLClass operaHistoryRecord(const ReadContext &ctx, const std::string &url, Date visited,
+URLClass operaHistoryRecord(const OperaHistorySource &source, const std::string &url, Date visited,
                             std::uint64_t offset);
 
 } // namespace nv

@@ -10,11 +10,12 @@
 #include "base/Trap.h"
 #include "readers/Limits.h"
 #include "readers/opera/HistoryRecord.h"
+#include "readers/sqlite/HistoryRow.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
-#include <cstring>
 #include <optional>
 #include <pugixml.hpp>
 
@@ -48,8 +49,10 @@ Date isoDate(std::string_view text) {
 /// Saves the record of each item, wherever in the tree it stands.
 class ItemWalk final : public pugi::xml_tree_walker {
   public:
-    ItemWalk(ReadContext &ctx, double bytes, ReadResult &result)
-        : m_ctx(ctx), m_bytes(bytes), m_result(result),
+    /// Damage lies at `damagedAt`, behind the end of a sound text.
+    ItemWalk(ReadContext &ctx, std::string_view text, std::size_t damagedAt, ReadResult &result)
+        : m_ctx(ctx), m_source{ctx, creationDateOf(ctx.file.FullPath)}, m_text(text),
+          m_damagedAt(damagedAt), m_result(result),
           m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)) {}
 
     bool for_each(pugi::xml_node &node) override {
@@ -57,15 +60,23 @@ class ItemWalk final : public pugi::xml_tree_walker {
             return true;
         const auto offset =
             static_cast<std::uint64_t>(std::max<std::ptrdiff_t>(node.offset_debug(), 0));
-        if (!m_ctx.task.advance(static_cast<double>(offset) / m_bytes)) {
+        if (!m_ctx.task.advance(static_cast<double>(offset) / static_cast<double>(m_text.size()))) {
             m_result.state = ReadState::cancelled;
             return false;
         }
-        m_trap.run(offset, [&] { save(node, offset); });
+        if (isCut(offset))
+            ++m_result.notReached;
+        else
+            m_trap.run(offset, [&] { save(node, offset); });
         return true;
     }
 
   private:
+    /// Whether the damage lies within the item itself, of which half an address may be left.
+    bool isCut(std::uint64_t offset) const {
+        return m_damagedAt <= m_text.size() && m_text.find('>', offset) >= m_damagedAt;
+    }
+
     void save(const pugi::xml_node &item, std::uint64_t offset) {
         const std::string content = decodeText(item.attribute("content").value());
         if (content.empty()) {
@@ -75,16 +86,27 @@ class ItemWalk final : public pugi::xml_tree_walker {
         const Date typed = isoDate(item.attribute("last_typed").value());
         if (!typed.has())
             ++m_result.noted["typed address without a date that can be read"];
-        URLClass record = operaHistoryRecord(m_ctx, content, typed, offset);
+        URLClass record = operaHistoryRecord(m_source, content, typed, offset);
         record.Typed = true;
         m_ctx.sink.save(record);
     }
 
     ReadContext &m_ctx;
-    double m_bytes;
+    OperaHistorySource m_source;
+    std::string_view m_text;
+    std::size_t m_damagedAt;
     ReadResult &m_result;
     RecordTrap m_trap;
 };
+
+/// How many items begin in a text that can't be read as XML.
+std::uint64_t itemsIn(std::string_view text) {
+    constexpr std::string_view kItem = "<typed_history_item";
+    std::uint64_t count = 0;
+    for (std::size_t at = 0; (at = text.find(kItem, at)) != std::string_view::npos; ++at)
+        ++count;
+    return count;
+}
 
 } // namespace
 
@@ -101,11 +123,15 @@ void readOperaTyped(ReadContext &ctx, ByteView bytes, ReadResult &result) {
     pugi::xml_document document;
     // Of a document that is damaged the part before the damage is there.
     const pugi::xml_parse_result parsed = document.load_buffer(text.data(), text.size());
-    ItemWalk walk(ctx, static_cast<double>(text.size()), result);
+    const std::size_t end =
+        parsed ? text.size() + 1
+               : static_cast<std::size_t>(std::max<std::ptrdiff_t>(parsed.offset, 0));
+    ItemWalk walk(ctx, text, end, result);
     document.traverse(walk);
     if (result.state == ReadState::cancelled || parsed)
         return;
     result.state = ReadState::cutShort;
+    result.notReached += itemsIn(bytes.raw().substr(std::min(end, bytes.size())));
     result.reason =
         text.size() < bytes.size()
             ? fmt::format("of {} bytes only the first {} are read", bytes.size(), text.size())

@@ -23,7 +23,9 @@ class OperaCache {
     OperaCache();
 
     OperaCache &add(const OperaCached &record);
-    /// Adds a field as it is, outside of a record of its own.
+    /// Adds the beginning of a record whose fields follow one by one.
+    OperaCache &begin() { return raw(std::string_view("\x01\0\0", 3)); }
+    /// Adds a field as it is.
     OperaCache &field(std::uint8_t tag, std::string_view value);
     OperaCache &raw(std::string_view bytes);
     const std::string &bytes() const { return m_bytes; }
