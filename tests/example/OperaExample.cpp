@@ -45,8 +45,8 @@ void writeCache(const fs::path &folder) {
         const std::string body = isPicture ? dots(i) : page(host, i);
         const std::string name =
             fmt::format("opr0002{}{}", static_cast<char>('J' + i), isPicture ? ".gif" : ".htm");
-        cache.add({.url = fmt::format("http://{}/{}{}", host, isPicture ? "dots" : "page",
-                                      fmt::format(isPicture ? "{}.gif" : "{}.html", i)),
+        cache.add({.url = isPicture ? fmt::format("http://{}/dots{}.gif", host, i)
+                                    : fmt::format("http://{}/page{}.html", host, i),
                    .visited = kMarch2011 + static_cast<std::uint32_t>(i) * 611,
                    .status = i % 8 == 7 ? 4U : 2U,
                    .size = static_cast<std::uint32_t>(body.size()),

@@ -123,10 +123,9 @@ void readOperaTyped(ReadContext &ctx, ByteView bytes, ReadResult &result) {
     pugi::xml_document document;
     // Of a document that is damaged the part before the damage is there.
     const pugi::xml_parse_result parsed = document.load_buffer(text.data(), text.size());
-    const std::size_t end =
-        parsed ? text.size() + 1
-               : static_cast<std::size_t>(std::max<std::ptrdiff_t>(parsed.offset, 0));
-    ItemWalk walk(ctx, text, end, result);
+    const auto end = static_cast<std::size_t>(std::max<std::ptrdiff_t>(parsed.offset, 0));
+    const bool lacksEndsOnly = parsed.status == pugi::status_end_element_mismatch;
+    ItemWalk walk(ctx, text, parsed || lacksEndsOnly ? text.size() + 1 : end, result);
     document.traverse(walk);
     if (result.state == ReadState::cancelled || parsed)
         return;
