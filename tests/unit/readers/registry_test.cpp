@@ -113,9 +113,9 @@ TEST(Recognition, knowsFilesByTheirNames) {
 }
 
 TEST(Recognition, passesOverNamesThatOnlyResemble) {
-    EXPECT_EQ(keyByName("/x/History"), "");            // not below a folder of Chrome
-    EXPECT_EQ(keyByName("/x/Chrome2/Cookies"), "");    // the folder's name must be just that
-    EXPECT_EQ(keyByName("/x/data_0"), "");             // no index beside it
+    EXPECT_EQ(keyByName("/x/History"), "");         // not below a folder of Chrome
+    EXPECT_EQ(keyByName("/x/Chrome2/Cookies"), ""); // the folder's name must be just that
+    EXPECT_EQ(keyByName("/x/data_0"), "");          // no index beside it
     EXPECT_EQ(keyByName("/x/places.sqlite-wal"), "");
     EXPECT_EQ(keyByName("/x/setup.exe"), "");
     EXPECT_EQ(keyByName(""), "");
