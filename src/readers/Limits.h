@@ -79,4 +79,10 @@ inline constexpr std::int64_t kFirefoxCacheMetaData = std::int64_t{64} << 10;
 /// may claim 4 GB each, and every body is copied while it is imported.
 inline constexpr std::uint64_t kFirefoxCacheBlockBody = std::uint64_t{1} << 20;
 
+/// What is read of a file of Opera. Its index tells of a cache of 400 MB at most, in some MB.
+inline constexpr std::size_t kOperaFileBytes = std::size_t{256} << 20;
+
+/// The list of typed addresses holds some hundred; an element of 4 bytes takes 100 in memory.
+inline constexpr std::size_t kOperaTypedBytes = std::size_t{16} << 20;
+
 } // namespace nv::limits

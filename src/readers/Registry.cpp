@@ -13,6 +13,9 @@
 #include "readers/firefox/MorkHistory.h"
 #include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
+#include "readers/opera/Cache.h"
+#include "readers/opera/Cookies.h"
+#include "readers/opera/History.h"
 #include "readers/results/NetAnalysis.h"
 #include "readers/safari/Cache.h"
 #include "readers/safari/Cookies.h"
@@ -56,8 +59,18 @@ bool isFirefoxCache(const Candidate &file) {
     return nameHas(file, "_cache_map_");
 }
 
+/// Browsers write "global_history.dat" and "typed_history.xml"; examiners know the other names.
+bool isOperaHistory(const Candidate &file) {
+    constexpr std::array<std::string_view, 5> kNames = {"global.dat", "global_history.dat",
+                                                        "download.dat", "type_history.xml",
+                                                        "typed_history.xml"};
+    return std::ranges::find(kNames, file.name) != kNames.end();
+}
+
+/// Without verification Opera's global history would be taken by its name.
 bool isMorkHistory(const Candidate &file) {
-    return nameHas(file, "history") && file.extension == "dat" && contentHas(file, "<mdb:mork:z");
+    return nameHas(file, "history") && file.extension == "dat" && !isOperaHistory(file) &&
+           contentHas(file, "<mdb:mork:z");
 }
 
 bool isChromeHistory(const Candidate &file) {
@@ -74,12 +87,6 @@ bool isFirefox3History(const Candidate &file) {
 
 bool isOperaCache(const Candidate &file) {
     return nameHas(file, "dcache4");
-}
-
-// Opera itself writes "typed_history.xml", which this has never taken.
-bool isOperaHistory(const Candidate &file) {
-    return file.name == "global.dat" || file.name == "download.dat" ||
-           file.name == "type_history.xml";
 }
 
 bool isSafariCache(const Candidate &file) {
@@ -174,9 +181,10 @@ constexpr std::array<Reader, 23> kReaders = {{
     {firefox3History, "firefox3-history", "Firefox3 History", "3.0", "chkHistoryFirefox",
      "history*.dat;places*.sqlite", isFirefox3History, ParseFirefox3HistoryFile},
     {operaCache, "opera-cache", "Opera Cache", "9.0", "chkCacheOpera", "dcache4*.url", isOperaCache,
-     nullptr},
+     ParseOperaCache},
     {operaHistory, "opera-history", "Opera History", "9.0", "chkHistoryOpera",
-     "global*.dat;download.dat;type_history.xml", isOperaHistory, nullptr},
+     "global*.dat;download.dat;type_history.xml;typed_history.xml", isOperaHistory,
+     ParseOperaHistoryFile},
     {safariCache, "safari-cache", "Safari Cache", "3.0", "chkCacheSafari", "cache*.db",
      isSafariCache, ParseSafariCacheFile, fetchSafariBody},
     {safariHistory, "safari-history", "Safari History", "3.0", "chkHistorySafari", "history*.plist",
@@ -188,7 +196,7 @@ constexpr std::array<Reader, 23> kReaders = {{
     {histExIndex, "hist-ex-index", "Hist-Ex Index", "", "chkHistEx", "*-UC-index.dat",
      isHistExIndex, nullptr},
     {operaCookies, "opera-cookies", "Opera Cookies", "9.0", "chkCookiesOpera", "cookies4.dat",
-     isOperaCookies, nullptr},
+     isOperaCookies, ParseOperaCookiesFile},
     {firefoxCookies, "firefox-cookies", "Firefox Cookies", "3.0", "chkCookiesFirefox",
      "cookies.sqlite", isFirefoxCookies, ParseFirefoxCookiesFile},
     {safariCookies, "safari-cookies", "Safari Cookies", "3.0", "chkCookiesSafari", "cookies.plist",

@@ -5,6 +5,7 @@
 #include "support/builders/IndexDat.h"
 #include "support/builders/Mork.h"
 #include "support/builders/NetAnalysisCase.h"
+#include "support/builders/Opera.h"
 #include "support/builders/Places.h"
 #include "support/builders/Safari.h"
 #include "unit/import/ImportFixture.h"
@@ -67,6 +68,20 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
              test::addExamplePages(history);
              writeWhole(path, history.bytes());
          }},
+        {"opera-cache",
+         [](const auto &path) {
+             test::OperaCache cache;
+             test::addExampleFiles(cache);
+             writeWhole(path, cache.bytes());
+         }},
+        {"opera-history",
+         [](const auto &path) {
+             test::OperaHistory history;
+             test::addExampleVisits(history);
+             writeWhole(path, history.bytes());
+         }},
+        // Known to hold nothing that is read, so it isn't among the files with rows below.
+        {"opera-cookies", [](const auto &path) { writeWhole(path, "cookies"); }},
         {"chrome-history",
          [](const auto &path) {
              test::ChromeHistory history(path);

@@ -36,7 +36,7 @@ TEST(ImportClass, hasABoxForEachFormat) {
 TEST(MaskText, joinsThePiecesOfTheBoxesThatAreOn) {
     EXPECT_EQ(maskText(ImportClass()),
               "data_0;_cache_map_*;index*.dat;dcache4*.url;cache*.db;*.nvd;"
-              "global*.dat;download.dat;type_history.xml;history*.plist;"
+              "global*.dat;download.dat;type_history.xml;typed_history.xml;history*.plist;"
               "history*.dat;places*.sqlite;History;Archived History;index*.dat;"
               "cookies.sqlite;cookies4.dat;cookies.plist;Cookies;*.net;*-UC-index.dat;"
               "*.htm;*.html");

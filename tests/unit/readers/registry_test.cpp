@@ -98,6 +98,8 @@ TEST(Recognition, knowsFilesByTheirNames) {
     EXPECT_EQ(keyByName("/x/GLOBAL.DAT"), "opera-history");
     EXPECT_EQ(keyByName("/x/download.dat"), "opera-history");
     EXPECT_EQ(keyByName("/x/type_history.xml"), "opera-history");
+    EXPECT_EQ(keyByName("/x/typed_history.xml"), "opera-history");
+    EXPECT_EQ(keyByName("/x/global_history.dat"), "opera-history");
     EXPECT_EQ(keyByName("/x/Cache.db"), "safari-cache");
     EXPECT_EQ(keyByName("/x/History.plist"), "safari-history");
     EXPECT_EQ(keyByName("/x/cookies4.dat"), "opera-cookies");
@@ -111,11 +113,9 @@ TEST(Recognition, knowsFilesByTheirNames) {
 }
 
 TEST(Recognition, passesOverNamesThatOnlyResemble) {
-    EXPECT_EQ(keyByName("/x/History"), "");            // not below a folder of Chrome
-    EXPECT_EQ(keyByName("/x/Chrome2/Cookies"), "");    // the folder's name must be just that
-    EXPECT_EQ(keyByName("/x/global_history.dat"), ""); // listed by the mask, known to no format
-    EXPECT_EQ(keyByName("/x/typed_history.xml"), "");  // what Opera itself writes
-    EXPECT_EQ(keyByName("/x/data_0"), "");             // no index beside it
+    EXPECT_EQ(keyByName("/x/History"), "");         // not below a folder of Chrome
+    EXPECT_EQ(keyByName("/x/Chrome2/Cookies"), ""); // the folder's name must be just that
+    EXPECT_EQ(keyByName("/x/data_0"), "");          // no index beside it
     EXPECT_EQ(keyByName("/x/places.sqlite-wal"), "");
     EXPECT_EQ(keyByName("/x/setup.exe"), "");
     EXPECT_EQ(keyByName(""), "");
@@ -133,6 +133,7 @@ TEST(Recognition, wantsTheMorkMarkInAMorkHistory) {
               "firefox-mork-history");
     EXPECT_EQ(keyOf({"/x/history.dat", "something else"}), "");
     EXPECT_EQ(keyOf({"/x/history.dat", "", false}), "firefox-mork-history");
+    EXPECT_EQ(keyOf({"/x/global_history.dat", "", false}), "opera-history");
 }
 
 TEST(Recognition, tellsAnIndexByTheNumberOfItsFolders) {

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "readers/Reader.h"
+
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+inline constexpr std::string_view kOperaHistoryProcedure = "ParserClass.ParseOperaHistoryFile()";
+
+/// What is one for all records of a file.
+struct OperaHistorySource {
+    const ReadContext &ctx;
+    Date fileCreated;
+};
+
+/// The record of a URL of the history, without its title.
+URLClass operaHistoryRecord(const OperaHistorySource &source, const std::string &url, Date visited,
+                            std::uint64_t offset);
+
+} // namespace nv

@@ -1,0 +1,57 @@
+// The input is read as a text history and as a list of typed addresses: nothing may be thrown, and
+// every record lies in the file and has texts of it.
+
+#include "readers/ContentProbe.h"
+#include "readers/opera/History.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+struct StillClock final : nv::Clock {
+    TimePoint now() const override { return {}; }
+    std::chrono::minutes localOffset() const override { return std::chrono::minutes(60); }
+};
+
+struct NoLog final : nv::FailureLog {
+    void write(const nv::Failure &) override {}
+};
+
+struct CheckingSink final : nv::RecordSink {
+    explicit CheckingSink(std::size_t bytes) : size(bytes) {}
+    void save(nv::URLClass &record) override {
+        const auto offset = static_cast<std::uint64_t>(record.MapFileOffset);
+        // XML may be in a code of its own, whose characters are up to four bytes in memory.
+        if (offset > 4 * size || record.URL.size() > 4 * size ||
+            record.WebpageTitle.size() > 4 * size || ++records > size)
+            std::abort();
+    }
+    std::size_t size;
+    std::size_t records = 0;
+};
+
+void read(const char *path, const std::string &bytes) {
+    const nv::Evidence evidence("");
+    const StillClock clock;
+    NoLog log;
+    nv::Unwatched task;
+    nv::ContentProbe content;
+    nv::HistoryFile file;
+    file.FullPath = path;
+    CheckingSink sink(bytes.size());
+    nv::ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
+    nv::readOperaHistory(ctx, nv::viewOf(bytes));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    const std::string input(data, data + size);
+    read("/nowhere/global_history.dat", input);
+    read("/nowhere/typed_history.xml", input);
+    read("/nowhere/typed_history.xml", "<typed_history><typed_history_item content=\"" + input +
+                                           "\" last_typed=\"2013-11-11T23:45:27Z\"/>");
+    return 0;
+}
