@@ -318,7 +318,9 @@ HtmlCost costOf(std::string_view html, const HtmlLimits &limits) {
         cost.attributes = std::max(cost.attributes, tag.attributes);
         if (opensText && (open.isForeign() || (open.isOpaque() && !isScript(tag)))) {
             // Whether this is text here can't be told: whatever comes counts as tags.
-            cost.depth = std::max(cost.depth, open.size() + startsIn(tags.rest()));
+            const std::size_t starts = startsIn(tags.rest());
+            cost.depth = std::max(cost.depth, open.size() + starts);
+            cost.nodes += starts * (1 + open.formattingWeight());
             return cost;
         }
         if (opensText)
