@@ -8,6 +8,7 @@
 #include "readers/firefox/Cookies.h"
 #include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
+#include "readers/mac/Cache.h"
 
 #include <algorithm>
 #include <array>
@@ -192,7 +193,8 @@ constexpr std::array<Reader, 23> kReaders = {{
      nullptr},
     {histEx, "hist-ex", "Hist-Ex", "1.x", "chkHistEx", "*-UC-index.dat", isHistEx, nullptr},
     {simpleHTML, "html", "Simple HTML", "", "chkHTMLFiles", "*.htm;*.html", isSimpleHTML, nullptr},
-    {macIECache, "mac-cache", "Mac IE Cache", "", "", "", isNeverMet, nullptr},
+    {macIECache, "mac-cache", "Mac IE Cache", "", "", "", isNeverMet, ParseMACIECache,
+     ExtractMACFile},
     {csv, "csv", "Unallocated", "", "", "", isNeverMet, nullptr},
 }};
 

@@ -1,6 +1,7 @@
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
 #include "support/builders/IndexDat.h"
+#include "support/builders/MacCache.h"
 #include "support/builders/Places.h"
 #include "unit/import/ImportFixture.h"
 
@@ -52,6 +53,13 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
          [](const auto &path) {
              test::Places places(path);
              test::addExamplePlaces(places);
+         }},
+        {"mac-cache",
+         [](const auto &path) {
+             test::MacCache cache;
+             for (const char *url : {"http://host/a.htm", "http://host/b.htm"})
+                 cache.add({.url = url, .body = "<html>"});
+             writeWhole(path, cache.bytes());
          }},
     };
     return files;
@@ -117,7 +125,8 @@ TEST_P(DamageTest, isSurvived) {
 
 INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
                          testing::Values("ie-history", "ie-cache", "chrome-history",
-                                         "firefox3-history", "chrome-cookies", "firefox-cookies"));
+                                         "firefox3-history", "chrome-cookies", "firefox-cookies",
+                                         "mac-cache"));
 
 TEST(DamageTests, coverEveryReader) {
     for (const Reader &reader : registry())
