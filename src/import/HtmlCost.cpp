@@ -245,7 +245,7 @@ void OpenElements::makeRoom(Kind kind) {
 
 void OpenElements::start(const HtmlTag &tag, Kind kind) {
     if (isOpaque()) {
-        if (kind == Kind::option && m_open.back().kind == Kind::option)
+        if (!isForeign() && kind == Kind::option && m_open.back().kind == kind)
             m_open.pop_back();
         return push(tag, kind);
     }
@@ -257,7 +257,7 @@ void OpenElements::start(const HtmlTag &tag, Kind kind) {
 }
 
 void OpenElements::endOpaque(std::string_view name) {
-    if (equalsNoCase(name, "select"))
+    if (!isForeign() && equalsNoCase(name, "select"))
         endThrough({Kind::option}, [](const Element &e) { return equalsNoCase(e.name, "select"); });
     else if (equalsNoCase(m_open.back().name, name))
         cutFrom(m_open.size() - 1);
@@ -318,7 +318,9 @@ HtmlCost costOf(std::string_view html, const HtmlLimits &limits) {
         cost.attributes = std::max(cost.attributes, tag.attributes);
         if (opensText && (open.isForeign() || (open.isOpaque() && !isScript(tag)))) {
             // Whether this is text here can't be told: whatever comes counts as tags.
-            cost.depth = std::max(cost.depth, open.size() + startsIn(tags.rest()));
+            const std::size_t starts = startsIn(tags.rest());
+            cost.depth = std::max(cost.depth, open.size() + starts);
+            cost.nodes += starts * (1 + open.formattingWeight());
             return cost;
         }
         if (opensText)

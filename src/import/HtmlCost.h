@@ -15,8 +15,8 @@ struct HtmlLimits {
     std::size_t depth = 4'000;
     /// Of one tag; the parser compares each with all before it.
     std::size_t attributes = 500;
-    /// Tags, and copies that the parser makes of formatting tags left open: 150 bytes each.
-    std::uint64_t nodes = 3'000'000;
+    /// Tags, and copies that the parser makes of formatting tags left open; up to 600 bytes each.
+    std::uint64_t nodes = 1'000'000;
     /// Elements looked at when the parser searches those that are open, at each tag.
     std::uint64_t steps = 200'000'000;
 };

@@ -13,6 +13,7 @@
 #include "readers/firefox/MorkHistory.h"
 #include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
+#include "readers/mac/Cache.h"
 #include "readers/opera/Cache.h"
 #include "readers/opera/Cookies.h"
 #include "readers/opera/History.h"
@@ -209,7 +210,8 @@ constexpr std::array<Reader, 23> kReaders = {{
      nullptr},
     {histEx, "hist-ex", "Hist-Ex", "1.x", "chkHistEx", "*-UC-index.dat", isHistEx, nullptr},
     {simpleHTML, "html", "Simple HTML", "", "chkHTMLFiles", "*.htm;*.html", isSimpleHTML, nullptr},
-    {macIECache, "mac-cache", "Mac IE Cache", "", "", "", isNeverMet, nullptr},
+    {macIECache, "mac-cache", "Mac IE Cache", "", "", "", isNeverMet, ParseMACIECache,
+     ExtractMACFile},
     {csv, "csv", "Unallocated", "", "", "", isNeverMet, nullptr},
 }};
 

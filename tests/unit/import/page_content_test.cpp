@@ -198,6 +198,7 @@ TEST(HtmlCost, keepsWhatAnEndTagMayNotEnd) {
     EXPECT_EQ(depthOf(repeated("<tr><div></tr>", 100)), 100U);
     EXPECT_EQ(depthOf(repeated("<p><b></p>", 100)), 101U); // the parser opens each again
     EXPECT_GE(depthOf("<svg><title>" + repeated("<g>", 100)), 100U);
+    EXPECT_EQ(depthOf("<svg>" + repeated("<option>", 100)), 101U); // no list of choices
 }
 
 TEST(HtmlCost, refusesWhatIsBuiltToExhaust) {
