@@ -90,7 +90,7 @@ void writeRow(const JetFile &file, const std::vector<Column> &columns, const Row
 
 void writeTable(const JetFile &file, std::string_view name,
                 const std::vector<std::string_view> &columnNames) {
-    JetTable table(file, name);
+    JetTable table = JetTable::named(file, name);
     const std::vector<Column> columns = columnsOf(table, columnNames);
     writeHead(table, columns);
     table.eachRow([&](const Row &row) { writeRow(file, columns, row); });

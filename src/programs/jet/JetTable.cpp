@@ -8,8 +8,10 @@
 
 #include "base/Text.h"
 #include "programs/jet/JetPages.h"
+#include "programs/jet/JetValue.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace nv::jet {
 
@@ -22,24 +24,49 @@ constexpr int kElsewhere = 0x4000;
 /// Rows that moved twice refer to a row that refers on. More steps than this lead in a circle.
 constexpr int kReferenceSteps = 8;
 
-MdbCatalogEntry &entryNamed(MdbHandle &handle, std::string_view name) {
-    GPtrArray *catalogue = mdb_read_catalog(&handle, MDB_TABLE);
-    if (catalogue == nullptr)
-        throw JetFailure("the file's list of tables can't be read");
-    for (guint i = 0; i < catalogue->len; ++i) {
-        auto *entry = static_cast<MdbCatalogEntry *>(g_ptr_array_index(catalogue, i));
-        if (entry->object_type == MDB_TABLE && equalsNoCase(entry->object_name, name))
-            return *entry;
-    }
-    throw JetFailure("the file has no table \"" + std::string(name) + "\"");
-}
+/// Where every file has the definition of its list of tables.
+constexpr std::uint32_t kListPage = 2;
+/// In the list: the type of a table, and the part of an id that is the definition's page.
+constexpr std::int64_t kTableType = 1;
+constexpr std::int64_t kTypeMask = 0x7F;
+constexpr std::int64_t kPageMask = 0xFFFFFF;
 
 } // namespace
 
-JetTable::JetTable(const JetFile &file, std::string_view name)
-    : m_file(file), m_table(mdb_read_table(&entryNamed(file.handle(), name))) {
+JetTable JetTable::named(const JetFile &file, std::string_view name) {
+    JetTable list(file, kListPage);
+    const auto idAt = list.column("Id");
+    const auto nameAt = list.column("Name");
+    const auto typeAt = list.column("Type");
+    if (!idAt || !nameAt || !typeAt)
+        throw JetFailure("the file's list of tables can't be read");
+    std::optional<std::uint32_t> page;
+    list.eachRow([&](const Row &row) {
+        if (page || !row.damage.empty())
+            return;
+        const auto value = [&](std::size_t column) {
+            return valueOf(file, list.typeOf(column), row.fields.at(column)).json;
+        };
+        const auto [id, text, type] = std::tuple(value(*idAt), value(*nameAt), value(*typeAt));
+        if (id.is_number_integer() && type.is_number_integer() && text.is_string() &&
+            (type.get<std::int64_t>() & kTypeMask) == kTableType &&
+            equalsNoCase(text.get<std::string>(), name))
+            page = static_cast<std::uint32_t>(id.get<std::int64_t>() & kPageMask);
+    });
+    if (!page)
+        throw JetFailure("the file has no table \"" + std::string(name) + "\"");
+    return {file, *page};
+}
+
+JetTable::JetTable(const JetFile &file, std::uint32_t definitionPage)
+    : m_file(file), m_entry(std::make_unique<MdbCatalogEntry>()) {
+    m_entry->mdb = &file.handle();
+    m_entry->object_type = MDB_TABLE;
+    m_entry->table_pg = definitionPage;
+    if (file.begins(definitionPage))
+        m_table.reset(mdb_read_table(m_entry.get()));
     if (!m_table || mdb_read_columns(m_table.get()) == nullptr || m_table->columns->len == 0)
-        throw JetFailure("the definition of table \"" + std::string(name) + "\" can't be read");
+        throw JetFailure("the definition of a table can't be read");
     m_rowsCounted = m_table->num_rows;
     // The library fills one for each column, however many the definition says there are.
     m_fields.resize(std::max<std::size_t>(m_table->columns->len, MDB_MAX_COLS));

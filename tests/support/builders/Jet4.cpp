@@ -1,7 +1,7 @@
 // Pages of 4096 bytes: 0 header, 1 maps (which pages a table has, one row each), 2 the definition
 // of the list of tables, then for each table its definition, its rows and its long texts.
 //   header   = 00 01 00 00 "Standard Jet DB\0" version:u32@14 settings[128]@18    enciphered: RC4
-//   map      = 00 first:u32 pages[512 bits]
+//   map      = 00 first:u32 pages[512 bits] | 01 page[16]:u32
 //   longText = length:u32 reference:u32 0:u32 text    the length's high bits say where the text is
 // A reference is row:u8 page:u24.
 
@@ -102,7 +102,8 @@ class Jet4Pages {
         m_long.clear();
         for (const Jet4::Row &row : table.rows)
             addRow(table, row);
-        const std::size_t pages = m_maps.add(pagesMap(table.pages));
+        const std::size_t pages =
+            m_maps.add(table.hasLongList ? longList(table.pages) : pagesMap(table.pages));
         const std::size_t free = m_maps.add(pagesMap({}));
         const auto kept = static_cast<std::size_t>(
             std::count_if(table.rows.begin(), table.rows.end(),
@@ -127,6 +128,13 @@ class Jet4Pages {
             throw std::length_error("the file has too many pages");
         m_pages.emplace_back();
         return m_pages.size() - 1;
+    }
+
+    /// A page of bits of its own, and the list that names it.
+    std::string longList(const std::vector<std::size_t> &pages) {
+        const std::size_t map = newPage();
+        m_pages[map] = std::string("\x05\x01\0\0", 4) + pagesMap(pages).substr(5);
+        return '\1' + u32(static_cast<std::uint32_t>(map)) + std::string(64, '\0');
     }
 
     void addRow(const Jet4::Table &table, const Jet4::Row &row) {
@@ -186,7 +194,12 @@ class Jet4Pages {
 Jet4::Jet4() = default;
 
 Jet4 &Jet4::table(std::string_view name, std::vector<JetColumn> columns) {
-    m_tables.push_back({std::string(name), std::move(columns), {}, 0, {}});
+    m_tables.push_back({std::string(name), std::move(columns), {}, false, 0, {}});
+    return *this;
+}
+
+Jet4 &Jet4::longList() {
+    m_tables.back().hasLongList = true;
     return *this;
 }
 
@@ -197,7 +210,7 @@ Jet4 &Jet4::row(std::vector<JetValue> values, JetPlace place) {
 
 std::string Jet4::bytes() const {
     // The list of tables comes first: all is made once to learn which pages it has to name.
-    Table list{"MSysObjects", catalogueColumns(), {}, 0, {}};
+    Table list{"MSysObjects", catalogueColumns(), {}, false, 0, {}};
     const auto entry = [](const std::string &name, std::size_t page, std::int32_t flags) {
         return Row{{static_cast<std::int32_t>(page), name, std::int32_t{1}, flags, {}}, {}};
     };

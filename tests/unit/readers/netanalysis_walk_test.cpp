@@ -45,6 +45,17 @@ TEST_F(NetAnalysisWalk, readsRowsOfManyPagesInTheirOrder) {
     EXPECT_TRUE(log.entries.empty());
 }
 
+TEST_F(NetAnalysisWalk, readsTablesWithAListOnAPageOfItsOwn) {
+    Jet4 made;
+    made.table("History", {{"InternetHistory", JetType::memo}, {"Comment", JetType::text}});
+    made.longList();
+    for (int i = 1; i <= 300; ++i)
+        made.row({fmt::format("http://a/{}", i), std::string(40, 'x')});
+    read(made.bytes());
+    EXPECT_EQ(sink.records.size(), 300U);
+    EXPECT_THAT(result.reason, testing::Not(HasSubstr("list of pages")));
+}
+
 TEST_F(NetAnalysisWalk, takesTheCasesVersion) {
     read(caseOf(1));
     EXPECT_EQ(history.Version, "1.37");
