@@ -25,6 +25,14 @@ using nlohmann::json;
 namespace {
 
 constexpr rlim_t kMemory = rlim_t{1} << 30;
+// The address sanitizer reserves far more address space than it uses.
+#if defined(__has_feature)
+constexpr bool kIsSanitized = __has_feature(address_sanitizer);
+#elif defined(__SANITIZE_ADDRESS__)
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
 /// A case of some GB is read at 50 MB a second and more.
 constexpr rlim_t kBaseSeconds = 20;
 constexpr rlim_t kBytesPerSecond = rlim_t{5} << 20;
@@ -39,9 +47,8 @@ void setLimits(const std::filesystem::path &file) {
     const std::uintmax_t size = std::filesystem::file_size(file, unknown);
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_CPU, kBaseSeconds + (unknown ? 0 : size / kBytesPerSecond));
-#ifndef __SANITIZE_ADDRESS__ // the sanitizer reserves far more address space than it uses
-    limit(RLIMIT_AS, kMemory);
-#endif
+    if (!kIsSanitized)
+        limit(RLIMIT_AS, kMemory);
 }
 
 /// At once: a crash must not take the rows before it along.

@@ -27,8 +27,9 @@ constexpr std::uint32_t kTextHere = 0x80000000;
 constexpr std::uint32_t kTextInOneRow = 0x40000000;
 constexpr std::size_t kShortText = 64;
 constexpr std::size_t kPieceOfText = 4000;
-constexpr std::uint16_t kDeleted = 0x8000;
+constexpr std::uint16_t kReferredTo = 0x8000;
 constexpr std::uint16_t kReference = 0x4000;
+constexpr std::uint16_t kDeleted = 0xC000;
 
 std::string u32(std::uint32_t number) {
     std::string bytes;
@@ -144,7 +145,7 @@ class Jet4Pages {
             addTo(table, bytes, row.place == JetPlace::deleted ? kDeleted : 0);
             return;
         }
-        const std::size_t target = addTo(table, bytes, kDeleted);
+        const std::size_t target = addTo(table, bytes, kReferredTo);
         addTo(table, u32(static_cast<std::uint32_t>(target)), kReference);
     }
 
