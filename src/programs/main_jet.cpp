@@ -33,12 +33,13 @@ constexpr bool kIsSanitized = true;
 #else
 constexpr bool kIsSanitized = false;
 #endif
-/// A case of some GB is read at 50 MB a second and more.
+/// Far more than a sound file takes on a slow machine.
 constexpr rlim_t kBaseSeconds = 20;
 constexpr rlim_t kBytesPerSecond = rlim_t{5} << 20;
 
+/// The hard limit lies a little higher: at the soft one the signal tells what was exceeded.
 void limit(int resource, rlim_t value) {
-    const rlimit both = {value, value};
+    const rlimit both = {value, value + (value == 0 ? 0 : 1)};
     ::setrlimit(static_cast<__rlimit_resource>(resource), &both);
 }
 

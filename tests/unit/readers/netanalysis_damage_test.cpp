@@ -176,6 +176,9 @@ TEST_F(NetAnalysisDamage, ofTheProgramItselfIsNamed) {
     playProgram(events + "kill -SEGV $$");
     read(bytes);
     expectCutShort(1, 1, "crashed on the file (signal 11)");
+    playProgram(events + "kill -XCPU $$"); // its limit of time
+    read(bytes);
+    expectCutShort(1, 1, "got stuck in the file");
     playProgram(events + "exit 0");
     read(bytes);
     expectCutShort(1, 1, "ended before the last row");
