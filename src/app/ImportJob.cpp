@@ -58,6 +58,8 @@ std::string artefactText(const ArtefactResult &artefact) {
         note(fmt::format("{} records could not be saved, see the log", artefact.rowsLost));
     for (const auto &[reason, count] : artefact.passedOver)
         note(fmt::format("{} passed over: {}", count, reason));
+    for (const auto &[reason, count] : artefact.noted)
+        note(fmt::format("{} noted: {}", count, reason));
     return text;
 }
 
@@ -106,6 +108,9 @@ std::string summaryText(const ImportSummary &summary) {
                     "over\n",
                     summary.rowsSaved(), summary.count(ArtefactState::complete),
                     summary.artefacts.size(), summary.notReached(), summary.passedOver());
+    for (const auto &[reader, reasons] : summary.passedOverByReader())
+        for (const auto &[reason, count] : reasons)
+            text += fmt::format("{:<12} {:>9} passed over: {}\n", reader, count, reason);
     if (summary.cancelled)
         text += "The import was cancelled; what was written is kept.\n";
     if (!summary.failure.empty())

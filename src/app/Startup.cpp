@@ -52,6 +52,8 @@ void readPaths(const Program &program, ThisClass &state) {
                                                      textOf(program.paths.home / "favorites.ini"));
     state.SharedFavoritesPath = settings.ReadIniValue("OPTIONS", "SharedFavoritesPath", "");
     state.AgencyLogoPath = settings.ReadIniValue("FILE PATHS", "AgencyLogoPath", "");
+    state.TemplatesPath =
+        settings.ReadIniValue("BEYOND", "TemplatesPath", textOf(program.paths.home / "Templates"));
     state.PublishTempFolder = settings.ReadIniValue("FILE PATHS", "PublishFolder", "");
 }
 
@@ -79,6 +81,7 @@ void readOptions(const IniFile &settings, ThisClass &state) {
     state.NetworkConnectionName =
         settings.ReadIniValue("OPTIONS", "NetworkConnectionName", "Local Area Connection");
     state.ConnectionOffline = settings.ReadIniValue("DEFAULT", "ConnectionOffline", true);
+    state.WideRecordIds = settings.ReadIniValue("BEYOND", "WideRecordIds", false);
     state.HTMLReplaceableHREFTags = settings.ReadIniValue("DEFAULT", "HTMLReplaceableHREFTags",
                                                           "js;css;php;txt;asp;aspx;htm;html;");
     state.HTMLReplaceablePictureTags = settings.ReadIniValue(

@@ -24,6 +24,7 @@ struct ThisClass {
     // Paths
     std::filesystem::path RootPath; ///< the project's base root folder
     std::filesystem::path TempFolderPath;
+    std::filesystem::path TemplatesPath;
     std::filesystem::path PublishTempFolder;
     std::filesystem::path LocalFavoritesPath;
     std::filesystem::path SharedFavoritesPath;
@@ -59,6 +60,10 @@ struct ThisClass {
     // Rebuild behaviour
     std::string HTMLReplaceableHREFTags;
     std::string HTMLReplaceablePictureTags;
+    bool DisableScriptTags = false;    ///< not kept between runs
+    bool TemplateMatchByTitle = false; ///< a template is laid over pages of its title only
+    /// Beyond the documented settings: record ids above 32,767 may be parts of rebuilt pages.
+    bool WideRecordIds = false;
 
     // Task control
     int ProgressBarRefreshRate = 0; ///< seconds

@@ -104,7 +104,8 @@ RecordStore::RecordStore(SQLite::Database &database, const ProjectZone &zone, co
     : m_database(database), m_zone(zone), m_clock(clock), m_log(log),
       m_insert(database, insertText()),
       m_insertLink(database, "INSERT INTO Links (URL_ID, URL, HashedURL) VALUES (?, ?, ?)"),
-      m_select(database, "SELECT " + columnNames() + " FROM URLs WHERE URL_ID = ?") {}
+      m_select(database, "SELECT " + columnNames() + " FROM URLs WHERE URL_ID = ?"),
+      m_markAsWebPage(database, "UPDATE URLs SET IsWebPage = 1 WHERE URL_ID = ?") {}
 
 void RecordStore::SaveRecord(URLClass &record, const HistoryFile &file) {
     record.URLID = UrlId::none;
@@ -148,13 +149,55 @@ void RecordStore::insertLinks(const URLClass &record) {
         if (!containsNoCase(part, "http"))
             continue;
         const std::string link(part);
-        m_insertLink.tryReset();
-        m_insertLink.bind(1, number(record.URLID));
-        bindText(m_insertLink, 2, link);
-        m_insertLink.bind(3, hashOfUrl(link));
+        bindLink(record.URLID, link, hashOfUrl(link));
         m_insertLink.exec();
     }
     m_insertLink.tryReset();
+}
+
+void RecordStore::storeBodyFlags(const URLClass &record) {
+    const auto store = [&] {
+        SQLite::Statement update(m_database,
+                                 "UPDATE URLs SET GZipEncoded = ?, IsPicture = ?, IsWebpage = ?, "
+                                 "CacheFileExists = ? WHERE URL_ID = ?");
+        update.bind(1, record.GZipEncoded ? 1 : 0);
+        update.bind(2, record.IsPicture ? 1 : 0);
+        update.bind(3, record.IsWebPage ? 1 : 0);
+        update.bind(4, record.CacheFileExists ? 1 : 0);
+        update.bind(5, number(record.URLID));
+        update.exec();
+        return true;
+    };
+    trapped(m_log, Severity::Warning, "ADO.PutDBField()", kContactSupport, false,
+            [&store] { return onProject(store); });
+}
+
+/// `url` must stay until the statement has run.
+void RecordStore::bindLink(UrlId id, const std::string &url, const std::string &hash) {
+    m_insertLink.tryReset();
+    m_insertLink.bind(1, number(id));
+    bindText(m_insertLink, 2, url);
+    m_insertLink.bind(3, hash);
+}
+
+void RecordStore::addLinksToItself(const URLClass &page, std::size_t count) {
+    onProject([&] {
+        bindLink(page.URLID, page.URL, page.HashedURL);
+        for (std::size_t i = 0; i < count; ++i) {
+            m_insertLink.exec();
+            m_insertLink.reset(); // the values stay bound
+        }
+    });
+}
+
+void RecordStore::markAsWebPage(URLClass &record) {
+    onProject([&] {
+        m_markAsWebPage.tryReset();
+        m_markAsWebPage.bind(1, number(record.URLID));
+        m_markAsWebPage.exec();
+        m_markAsWebPage.tryReset();
+    });
+    record.IsWebPage = true;
 }
 
 std::optional<URLClass> RecordStore::GetURL(UrlId id) {

@@ -7,7 +7,9 @@
 
 #include <SQLiteCpp/Statement.h>
 
+#include <cstddef>
 #include <optional>
+#include <string>
 
 namespace nv {
 
@@ -34,10 +36,22 @@ class RecordStore {
     /// Nothing when there is no such row, or when it can't be read, which is logged.
     std::optional<URLClass> GetURL(UrlId id);
 
+    /// Keeps in its row what fetching the record's body found out: `GZipEncoded`, `IsPicture`,
+    /// `IsWebPage` and `CacheFileExists`. A failure is logged.
+    void storeBodyFlags(const URLClass &record);
+
+    /// Adds `count` rows to `Links` for the links found in the saved record's page. Unlike those
+    /// that SaveRecord makes of `URLClass::Links`, each names the page: link analysis finds a page
+    /// by them. Throws.
+    void addLinksToItself(const URLClass &page, std::size_t count);
+    /// Sets `IsWebPage` of the record and of its row. Throws.
+    void markAsWebPage(URLClass &record);
+
   private:
     void complete(URLClass &record, const HistoryFile &file) const;
     void insertRow(URLClass &record);
     void insertLinks(const URLClass &record);
+    void bindLink(UrlId id, const std::string &url, const std::string &hash);
 
     SQLite::Database &m_database;
     ProjectZone m_zone;
@@ -46,6 +60,7 @@ class RecordStore {
     SQLite::Statement m_insert;
     SQLite::Statement m_insertLink;
     SQLite::Statement m_select;
+    SQLite::Statement m_markAsWebPage;
 };
 
 } // namespace nv

@@ -109,6 +109,9 @@ struct URLClass {
     // In memory only
     std::filesystem::path RunTimeTempFilePath; ///< scratch copy of the content in hand
     std::filesystem::path RunTimeContentPath;
+    std::filesystem::path RunTimeRebuiltFilePath; ///< the rewritten page in its rebuild folder
+    std::filesystem::path RunTimeThumbnailPath;
+    std::filesystem::path RunTimeArchivePath;
     std::uint64_t RecordSize = 0;
     std::uint64_t MetaDataRecordOffset = 0;
     std::uint64_t CacheFileNameRecordOffset = 0;

@@ -8,6 +8,8 @@
 #include "import/ImportSink.h"
 #include "readers/ContentProbe.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <chrono>
 #include <utility>
@@ -19,6 +21,8 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kProcedure = "ImportForm.ImportFiles()";
+// What is left out by rule is no failure, but whoever reads the log later has to learn of it.
+constexpr std::string_view kCounts = "ImportForm.ImportFiles() counts";
 constexpr std::string_view kScratchName = "~import";
 
 /// The import's own folder below the scratch folder, emptied for each file and gone at the end.
@@ -65,6 +69,8 @@ ArtefactState stateOf(ReadState state) {
         return ArtefactState::cancelled;
     case ReadState::cutShort:
         return ArtefactState::cutShort;
+    case ReadState::notReadYet:
+        return ArtefactState::notReadYet;
     case ReadState::failed:
         break;
     }
@@ -83,7 +89,8 @@ class Import {
           m_scratch(run.scratch),
           m_categories(job.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        {run.evidence, m_scratch.path(), m_log}, m_content),
-          m_sources(run.project, run.clock, m_log),
+          m_metadata({run.evidence, m_scratch.path(), m_log}, m_content),
+          m_looksIntoPages(job.ParseAdvancedMetadata), m_sources(run.project, run.clock, m_log),
           m_store(run.project, run.zone, run.clock, m_log) {}
 
     void all() {
@@ -127,16 +134,31 @@ class Import {
 
     void read(const Reader &reader, HistoryFile &file, ArtefactResult &result, SubTask task) {
         WriteBatch batch(m_run.project);
-        ImportSink sink(m_store, m_categories, m_content, batch, file, result);
+        ImportSink sink(m_store, m_categories, m_content, batch, file, result,
+                        m_looksIntoPages ? &m_metadata : nullptr);
         settle(result, ArtefactState::failed, "the import ended while this file was read");
         ReadResult outcome = readTrapped(reader, file, sink, task);
         result.type = file.HistoryFileType;
         result.notReached = outcome.notReached;
         result.passedOver = std::move(outcome.passedOver);
+        result.noted = std::move(outcome.noted);
         settle(result, stateOf(outcome.state), outcome.reason);
+        logCounts(file, result);
         if (outcome.state == ReadState::complete)
             m_sources.setSuccessful(file.SourceFile_ID);
         batch.commit(); // here and not at the batch's end, where a full disk couldn't be told
+    }
+
+    void logCounts(const HistoryFile &file, const ArtefactResult &result) {
+        const auto write = [&](std::uint64_t count, std::string_view what) {
+            m_run.log.write({fmt::format("{} ({}): {} {}", textOf(file.FullPath), result.readerKey,
+                                         count, what),
+                             std::string(kCounts), Severity::Low, std::string(kNotSerious)});
+        };
+        for (const auto &[reason, count] : result.passedOver)
+            write(count, "passed over: " + reason);
+        if (result.notReached > 0)
+            write(result.notReached, "entries not reached: " + result.reason);
     }
 
     /// A reader that fails unforeseen is told like one that knows why.
@@ -162,6 +184,8 @@ class Import {
     ContentProbe m_content;
     ScratchFolder m_scratch;
     Categories m_categories;
+    AdvancedMetadata m_metadata;
+    bool m_looksIntoPages;
     SourceFiles m_sources;
     RecordStore m_store;
 };

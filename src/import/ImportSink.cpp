@@ -10,7 +10,7 @@ void ImportSink::save(URLClass &record) {
     orderNames(record);
     const Verdict verdict = m_categories.verdictOn(record);
     record.Category = verdict.Category;
-    m_store.SaveRecord(record, m_file);
+    write(record);
     verdict.applyTo(record);
     if (record.URLID == UrlId::none)
         ++m_result.rowsLost;
@@ -18,6 +18,14 @@ void ImportSink::save(URLClass &record) {
         ++m_result.rowsSaved;
     dropBody(record);
     m_batch.written();
+}
+
+void ImportSink::write(URLClass &record) {
+    if (!m_metadata)
+        return m_store.SaveRecord(record, m_file);
+    const PageFindings found = m_metadata->ParseAdvancedMetadata(record);
+    m_store.SaveRecord(record, m_file);
+    m_metadata->store(record, found, m_store);
 }
 
 /// A fetched body is of use for this one record, and the next one's gets the same name.

@@ -2,6 +2,7 @@
 
 #include "db/RecordStore.h"
 #include "db/WriteBatch.h"
+#include "import/AdvancedMetadata.h"
 #include "import/Categories.h"
 #include "import/ImportSummary.h"
 #include "readers/Reader.h"
@@ -13,15 +14,17 @@ namespace nv {
 class ImportSink final : public RecordSink {
   public:
     /// All must outlive this. Rows are counted in `result` as they come, so that the count stands
-    /// whatever ends the import.
+    /// whatever ends the import. Without `metadata` no page is looked into.
     ImportSink(RecordStore &store, const Categories &categories, ContentProbe &content,
-               WriteBatch &batch, const HistoryFile &file, ArtefactResult &result)
+               WriteBatch &batch, const HistoryFile &file, ArtefactResult &result,
+               const AdvancedMetadata *metadata = nullptr)
         : m_store(store), m_categories(categories), m_content(content), m_batch(batch),
-          m_file(file), m_result(result) {}
+          m_file(file), m_result(result), m_metadata(metadata) {}
 
     void save(URLClass &record) override;
 
   private:
+    void write(URLClass &record);
     void dropBody(URLClass &record);
 
     RecordStore &m_store;
@@ -30,6 +33,7 @@ class ImportSink final : public RecordSink {
     WriteBatch &m_batch;
     const HistoryFile &m_file;
     ArtefactResult &m_result;
+    const AdvancedMetadata *m_metadata;
 };
 
 } // namespace nv

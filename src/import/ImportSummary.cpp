@@ -49,6 +49,15 @@ std::uint64_t ImportSummary::passedOver() const {
     });
 }
 
+std::map<std::string, std::map<std::string, std::uint64_t>>
+ImportSummary::passedOverByReader() const {
+    std::map<std::string, std::map<std::string, std::uint64_t>> counts;
+    for (const ArtefactResult &artefact : artefacts)
+        for (const auto &[reason, count] : artefact.passedOver)
+            counts[artefact.readerKey][reason] += count;
+    return counts;
+}
+
 std::uint64_t ImportSummary::notReached() const {
     return sumOver<std::uint64_t>(artefacts, [](const auto &each) { return each.notReached; });
 }

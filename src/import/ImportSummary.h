@@ -37,7 +37,8 @@ struct ArtefactResult {
     std::uint64_t rowsLost = 0;   ///< records that the project did not take
     std::uint64_t notReached = 0; ///< entries behind the damage
     std::map<std::string, std::uint64_t>
-        passedOver; ///< records that the rules leave out, by reason
+        passedOver;                             ///< records that the rules leave out, by reason
+    std::map<std::string, std::uint64_t> noted; ///< peculiar records that are stored, by reason
     double seconds = 0;
 };
 
@@ -49,6 +50,8 @@ struct ImportSummary {
     std::uint64_t rowsSaved() const;
     std::uint64_t rowsLost() const;
     std::uint64_t passedOver() const;
+    /// How many records the rules leave out, by key of the reader and reason.
+    std::map<std::string, std::map<std::string, std::uint64_t>> passedOverByReader() const;
     std::uint64_t notReached() const;
     std::size_t count(ArtefactState state) const;
     double seconds() const;

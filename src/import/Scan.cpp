@@ -47,6 +47,12 @@ class Scan {
         return std::move(m_result);
     }
 
+    ScanResult takeAs(const Reader &reader, const fs::path &file) {
+        const fs::path whole = fs::absolute(file).lexically_normal();
+        attempt(whole, [&] { list(describe(whole, reader), 0); });
+        return std::move(m_result);
+    }
+
   private:
     void scanFolders(const fs::path &start) {
         const auto depth = m_job.RecurseSubfolders ? Depth::allBelow : Depth::thisFolder;
@@ -133,6 +139,11 @@ class Scan {
 
 ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log) {
     return Scan(job, task, log).run();
+}
+
+ScanResult listAs(const Reader &reader, const fs::path &file, TaskMonitor &task, FailureLog &log) {
+    const ImportClass job;
+    return Scan(job, task, log).takeAs(reader, file);
 }
 
 } // namespace nv

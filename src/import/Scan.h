@@ -4,6 +4,9 @@
 #include "base/TaskMonitor.h"
 #include "import/FolderList.h"
 #include "import/ImportClass.h"
+#include "readers/Reader.h"
+
+#include <filesystem>
 
 namespace nv {
 
@@ -17,5 +20,9 @@ struct ScanResult {
 /// Looks for artefacts in the starting directory, or at that one file when it is a file: then no
 /// mask is applied. A file whose format's check box is off is passed over.
 ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log);
+
+/// Lists that one file as the format of `reader`, whatever its name and bytes say.
+ScanResult listAs(const Reader &reader, const std::filesystem::path &file, TaskMonitor &task,
+                  FailureLog &log);
 
 } // namespace nv

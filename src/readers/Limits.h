@@ -17,11 +17,54 @@ inline constexpr std::size_t kIndexHashTables = 201;
 /// body that grows beyond this is built to fill the disk and stays packed.
 inline constexpr std::uint64_t kUnpackedBytes = std::uint64_t{256} << 20;
 
+// The history of Firefox 2 is read in memory, where each of its bytes costs several. A profile of
+// years has some ten thousand pages in a few MB.
+
+/// What is read of the file.
+inline constexpr std::size_t kMorkFileBytes = std::size_t{256} << 20;
+
+/// Browsers break lines after some 80 characters; a longer URL makes a line longer, but not this
+/// long.
+inline constexpr std::size_t kMorkLineBytes = std::size_t{16} << 20;
+
+/// The 20th part of this is the longest URL that the browser could open.
+inline constexpr std::size_t kMorkValueBytes = std::size_t{1} << 20;
+
+/// The browser knows 13 columns.
+inline constexpr std::size_t kMorkColumns = 10'000;
+
+/// Each page brings about four values.
+inline constexpr std::size_t kMorkValues = 4'000'000;
+inline constexpr std::size_t kMorkRows = 500'000;
+
+/// Texts of all entries. Every row may name the same value, so that a small file can hold more text
+/// than any memory.
+inline constexpr std::size_t kMorkTextBytes = std::size_t{256} << 20;
+
+/// A property list in XML form. Its tree takes up to sixteen times its size in memory, and a
+/// history of 150,000 pages has this size.
+inline constexpr std::size_t kPropertyListBytes = std::size_t{64} << 20;
+
+/// Elements within each other in a property list. Browsers nest six deep; what goes deeper is built
+/// to exhaust the stack of programs that descend by recursion.
+inline constexpr int kPropertyListDepth = 256;
+
+/// The property list of one cached response: its headers, which servers limit to some 64 KB.
+inline constexpr std::size_t kResponseBytes = std::size_t{1} << 20;
+
+/// Look-ups of single rows that take longer than any honest one, each at a cost of some 10 ms. A
+/// table that makes them so has lost the key by which browsers find rows.
+inline constexpr std::uint64_t kSlowLookUps = 100;
+
 /// How long the program that reads Jet databases may say nothing: it writes a line a row, so that
 /// silence means that a damaged file keeps it busy for nothing.
 inline constexpr int kJetSilenceMs = 60'000;
 
 /// A row of it has 16 values of at most 1 MB, whose bytes take up to six in JSON.
 inline constexpr std::size_t kJetLineBytes = std::size_t{128} << 20;
+
+/// Blocks that an address of Chrome's cache can name: 8 bits for the file, 16 for the block. A
+/// chain of entries ends at a block that was met before, so all chains together have no more steps.
+inline constexpr std::size_t kChromeCacheBlocks = std::size_t{1} << 24;
 
 } // namespace nv::limits

@@ -31,8 +31,9 @@ class ContentProbe;
 enum class ReadState {
     complete,
     cancelled,
-    cutShort, ///< damage ended the reading: `reason` says where, `notReached` how much
-    failed,   ///< nothing could be read at all: `reason` says why
+    cutShort,   ///< damage ended the reading: `reason` says where, `notReached` how much
+    failed,     ///< nothing could be read at all: `reason` says why
+    notReadYet, ///< a form of the format that this program doesn't read: `reason` names it
 };
 
 struct ReadResult {
@@ -41,6 +42,8 @@ struct ReadResult {
     std::uint64_t notReached = 0; ///< entries behind the damage
     /// Records that are there and that the reader's rules pass over, by reason.
     std::map<std::string, std::uint64_t> passedOver;
+    /// What an examiner has to know of records that are stored all the same, by reason.
+    std::map<std::string, std::uint64_t> noted = {};
 };
 
 /// All that a reader gets. It asks nobody, knows no database, and writes only below `scratch`.

@@ -3,12 +3,18 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "readers/Evidence.h"
+#include "readers/chrome/Cache.h"
+#include "readers/chrome/CacheBody.h"
 #include "readers/chrome/Cookies.h"
 #include "readers/chrome/History.h"
 #include "readers/firefox/Cookies.h"
+#include "readers/firefox/MorkHistory.h"
 #include "readers/firefox/Places.h"
 #include "readers/ie/Index.h"
 #include "readers/results/NetAnalysis.h"
+#include "readers/safari/Cache.h"
+#include "readers/safari/Cookies.h"
+#include "readers/safari/History.h"
 
 #include <algorithm>
 #include <array>
@@ -158,11 +164,11 @@ constexpr std::array<Reader, 23> kReaders = {{
     {firefoxCache, "firefox-cache", "Firefox Cache", "", "chkCacheFirefox", "_cache_map_*",
      isFirefoxCache, nullptr},
     {morkHistory, "firefox-mork-history", "Firefox2 History", "2.0", "chkHistoryFirefox",
-     "history*.dat;places*.sqlite", isMorkHistory, nullptr},
+     "history*.dat;places*.sqlite", isMorkHistory, ParseMorkFile},
     {chromeHistory, "chrome-history", "Chrome History", "1.0", "chkHistoryChrome",
      "History;Archived History", isChromeHistory, ParseChromeHistoryFile},
     {chromeCache, "chrome-cache", "Chrome Cache", "1.0", "chkCacheChrome", "data_0", isChromeCache,
-     nullptr},
+     ParseChromeCache, fetchChromeBody},
     {firefox3History, "firefox3-history", "Firefox3 History", "3.0", "chkHistoryFirefox",
      "history*.dat;places*.sqlite", isFirefox3History, ParseFirefox3HistoryFile},
     {operaCache, "opera-cache", "Opera Cache", "9.0", "chkCacheOpera", "dcache4*.url", isOperaCache,
@@ -170,9 +176,9 @@ constexpr std::array<Reader, 23> kReaders = {{
     {operaHistory, "opera-history", "Opera History", "9.0", "chkHistoryOpera",
      "global*.dat;download.dat;type_history.xml", isOperaHistory, nullptr},
     {safariCache, "safari-cache", "Safari Cache", "3.0", "chkCacheSafari", "cache*.db",
-     isSafariCache, nullptr},
+     isSafariCache, ParseSafariCacheFile, fetchSafariBody},
     {safariHistory, "safari-history", "Safari History", "3.0", "chkHistorySafari", "history*.plist",
-     isSafariHistory, nullptr},
+     isSafariHistory, ParseSafariHistoryFile},
     {ieCookies, "ie-cookies", "IE Cookies", "", "chkCookiesIE", "", isIECookies, nullptr},
     {ieHistory, "ie-history", "IE History", "", "chkHistoryIE", "index*.dat", isIEHistory,
      ParseIECacheFile},
@@ -184,7 +190,7 @@ constexpr std::array<Reader, 23> kReaders = {{
     {firefoxCookies, "firefox-cookies", "Firefox Cookies", "3.0", "chkCookiesFirefox",
      "cookies.sqlite", isFirefoxCookies, ParseFirefoxCookiesFile},
     {safariCookies, "safari-cookies", "Safari Cookies", "3.0", "chkCookiesSafari", "cookies.plist",
-     isSafariCookies, nullptr},
+     isSafariCookies, ParseSafariCookiesFile},
     {chromeCookies, "chrome-cookies", "Chrome Cookies", "1.0", "chkCookiesChrome", "Cookies",
      isChromeCookies, ParseChromeCookiesFile},
     {netAnalysis, "netanalysis", "NetAnalysis", "1.x", "IncludeNetAnalysis", "*.net", isNetAnalysis,

@@ -1,6 +1,7 @@
 #include "base/Files.h"
 #include "cli/CliRun.h"
 #include "support/TempFolder.h"
+#include "support/builders/IndexDat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
@@ -201,6 +202,66 @@ TEST_F(CliTest, dumpReadsOneArtefactWithoutAProject) {
     EXPECT_EQ(std::count(dump.out.begin(), dump.out.end(), '\n'), 3);
     EXPECT_EQ(cli({"dump", folder.write("x.bin", "nothing").string()}).exit, 2);
     EXPECT_EQ(cli({"dump", (folder.path() / "none").string()}).exit, 1);
+}
+
+/// A cache of one page, whose response had `headers`.
+void makeCache(const fs::path &folder, const std::string &page) {
+    IndexDat index;
+    index.folder("ABCDEFGH");
+    index.add({.url = "http://host/a.htm",
+               .fileSize = static_cast<std::uint32_t>(page.size()),
+               .folder = 0,
+               .fileName = "a[1].htm",
+               .headers = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n"});
+    fs::create_directories(folder / "ABCDEFGH");
+    writeWhole(folder / "index.dat", index.bytes());
+    writeWhole(folder / "ABCDEFGH" / "a[1].htm", page);
+}
+
+TEST_F(CliTest, extractWritesTheCachedContentAndNothingElse) {
+    const std::string page = "<html><body>caf\xE9</body></html>";
+    makeCache(evidence / "Content.IE5", page);
+    ASSERT_EQ(cli({"import", project.string(), evidence.string()}).exit, 0);
+    const fs::path out = folder.path() / "out.htm";
+    const auto extract = [&](const fs::path &to) {
+        return cli({"extract", project.string(), "1", to.string()});
+    };
+    const CliResult first = extract(out);
+    EXPECT_EQ(first.exit, 0) << first.err;
+    EXPECT_EQ(ByteView(readWhole(out)).raw(), page);
+    EXPECT_EQ(extract(out).exit, 1); // it is there already
+    EXPECT_EQ(extract("-").out, page);
+    EXPECT_EQ(extract(evidence / "new.htm").exit, 1);
+    EXPECT_FALSE(fs::exists(evidence / "new.htm"));
+    EXPECT_EQ(cli({"extract", project.string(), "99", out.string(), "--overwrite"}).exit, 1);
+    fs::remove(evidence / "Content.IE5" / "ABCDEFGH" / "a[1].htm");
+    const CliResult gone = cli({"extract", project.string(), "1", out.string(), "--overwrite"});
+    EXPECT_EQ(gone.exit, 2);
+    EXPECT_NE(gone.err.find("a[1].htm"), std::string::npos) << gone.err;
+    EXPECT_EQ(ByteView(readWhole(out)).raw(), page);
+}
+
+TEST_F(CliTest, showGivesHttpHeadersOneALine) {
+    makeCache(evidence / "Content.IE5", "page");
+    ASSERT_EQ(cli({"import", project.string(), evidence.string()}).exit, 0);
+    const CliResult show = cli({"show", project.string(), "1"});
+    EXPECT_NE(show.out.find("HTTP/1.1 200 OK\n" + std::string(24, ' ') + "Content-Type"),
+              std::string::npos)
+        << show.out;
+}
+
+TEST_F(CliTest, asReadsAFileUnderAnotherName) {
+    const fs::path renamed = evidence / "0001.bin";
+    makeChromeHistory(renamed, 3);
+    EXPECT_EQ(cli({"dump", renamed.string()}).exit, 2);
+    EXPECT_EQ(cli({"dump", renamed.string(), "--as", "chrome-history"}).exit, 0);
+    const CliResult run =
+        cli({"import", project.string(), renamed.string(), "--as", "chrome-history"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_NE(run.out.find("3 rows"), std::string::npos) << run.out;
+    EXPECT_EQ(cli({"import", project.string(), evidence.string(), "--as", "chrome-history"}).exit,
+              1);
+    EXPECT_EQ(cli({"import", project.string(), renamed.string(), "--as", "nonsense"}).exit, 1);
 }
 
 TEST_F(CliTest, ctrlCKeepsWhatWasWritten) {

@@ -73,17 +73,32 @@ void compareFact(SQLite::Database &project, int row, const std::string &name, co
         compareNumber(want, field.getColumn(0), where);
 }
 
+/// The columns that a record is found by, with its facts of them: what its format has.
+std::vector<std::pair<const char *, json>> keysOf(const json &record) {
+    if (record.contains("record_offset"))
+        return {{"MapFileOffset", record.at("record_offset")},
+                {"URLRawValue", record.at("URLRawValue")}};
+    if (record.contains("Reference_ID"))
+        return {{"Reference_ID", record.at("Reference_ID")},
+                {"URLRawValue", record.at("URLRawValue")}};
+    if (record.contains("MetaData"))
+        return {{"MetaData", record.at("MetaData")}, {"URLFileName", record.at("URLFileName")}};
+    return {{"URLRawValue", record.value("URLRawValue", record.value("URL", json()))}};
+}
+
 void compareRecord(SQLite::Database &project, const json &record) {
-    const bool byOffset = record.contains("record_offset");
-    const bool isCookie = !byOffset && !record.contains("Reference_ID");
-    const char *key = isCookie ? "MetaData" : byOffset ? "MapFileOffset" : "Reference_ID";
-    SQLite::Statement row(project, fmt::format("SELECT URL_ID FROM URLs WHERE {} = ? AND {} = ?",
-                                               key, isCookie ? "URLFileName" : "URLRawValue"));
-    if (isCookie)
-        row.bind(1, record.at("MetaData").get<std::string>());
-    else
-        row.bind(1, record.at(byOffset ? "record_offset" : key).get<std::int64_t>());
-    row.bind(2, record.at(isCookie ? "URLFileName" : "URLRawValue").get<std::string>());
+    const auto keys = keysOf(record);
+    std::string sql = "SELECT URL_ID FROM URLs WHERE 1";
+    for (const auto &[column, value] : keys)
+        sql += fmt::format(" AND {} = ?", column);
+    SQLite::Statement row(project, sql);
+    int position = 0;
+    for (const auto &[column, value] : keys) {
+        if (value.is_number())
+            row.bind(++position, value.get<std::int64_t>());
+        else
+            row.bind(++position, value.get<std::string>());
+    }
     ASSERT_TRUE(row.executeStep()) << "no row for " << describe(record);
     const int id = row.getColumn(0).getInt();
     for (const auto &[name, want] : record.items())

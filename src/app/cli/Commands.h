@@ -19,6 +19,7 @@ struct ImportArguments {
     std::string base;
     std::int64_t zone = 0; ///< `Time_Zone_ID`; 0 keeps the project's
     std::vector<std::string> kinds;
+    std::string as; ///< key of the reader that takes every PATH; empty to find artefacts
     bool noMetadata = false;
     bool noSignatures = false;
     bool thumbnails = false;
@@ -42,7 +43,48 @@ Exit queryCommand(Session &session, const std::string &project, const std::strin
                   Format format);
 Exit queriesCommand(Session &session, const std::string &project, Format format);
 Exit showCommand(Session &session, const std::string &project, std::int64_t urlId, Format format);
-Exit dumpCommand(Session &session, const std::string &file, Format format);
+/// `as` is the key of the reader to use, or empty for the one that recognises the file.
+Exit dumpCommand(Session &session, const std::string &file, const std::string &as, Format format);
+
+enum class IfThere { refuse, overwrite };
+/// Writes the cached body of a row to `file`, "-" being the standard output.
+Exit extractCommand(Session &session, const std::string &project, std::int64_t urlId,
+                    const std::string &file, IfThere ifThere);
+struct RebuildArguments {
+    std::string project;
+    std::vector<std::int64_t> ids;
+    bool tagged = false;
+    bool allPages = false;
+    std::string out; ///< folder that gets a folder a page
+    bool noScripts = false;
+    bool wideIds = false;
+};
+Exit rebuildCommand(Session &session, const RebuildArguments &arguments);
+/// What stands in the place of each reference of a page that was rebuilt.
+Exit auditCommand(Session &session, const std::string &project, std::int64_t urlId, bool wideIds,
+                  Format format);
+
+struct TagArguments {
+    std::string project;
+    std::vector<std::int64_t> ids;
+    std::string where; ///< a condition on URLs in the project's dialect
+    bool off = false;
+};
+Exit tagCommand(Session &session, const TagArguments &arguments);
+
+struct TemplateArguments {
+    std::string project;
+    std::vector<std::int64_t> ids;
+    std::string file;   ///< a template
+    std::string folder; ///< of templates; empty for the settings' one
+    bool overwrite = false;
+    bool anyTitle = false; ///< lay a template also over pages of another title
+    bool wideIds = false;
+};
+Exit templateCreateCommand(Session &session, const TemplateArguments &arguments);
+Exit templateListCommand(Session &session, const TemplateArguments &arguments, Format format);
+Exit templateApplyCommand(Session &session, const TemplateArguments &arguments);
+
 Exit zonesCommand(Session &session, Format format);
 
 } // namespace nv::cli

@@ -83,14 +83,14 @@ class DumpSink final : public RecordSink {
 };
 
 /// The reader that takes the file, and what it has to know of it.
-const Reader *recognised(const fs::path &path, HistoryFile &file) {
+const Reader *chooseReader(const fs::path &path, const std::string &as, HistoryFile &file) {
     Candidate candidate = candidateOf(path);
     const Bytes head = readHead(path, limits::kHeadBytes);
     candidate.head = ByteView(head);
-    const Reader *reader = recognise(candidate);
+    const Reader *reader = as.empty() ? recognise(candidate) : readerByKey(as);
     if (!reader)
         return nullptr;
-    file.FullPath = artefactOf(*reader, candidate);
+    file.FullPath = as.empty() ? artefactOf(*reader, candidate) : path;
     file.FileName = textOf(file.FullPath.filename());
     file.FileParentPath = textOf(file.FullPath.parent_path());
     file.fileExt = candidate.extension;
@@ -103,6 +103,8 @@ const Reader *recognised(const fs::path &path, HistoryFile &file) {
 Exit tellResult(Session &session, const ReadResult &result) {
     for (const auto &[reason, count] : result.passedOver)
         session.err << fmt::format("{} passed over: {}\n", count, printable(reason));
+    for (const auto &[reason, count] : result.noted)
+        session.err << fmt::format("{} noted: {}\n", count, printable(reason));
     if (!result.reason.empty())
         session.err << printable(result.reason) << '\n';
     if (result.notReached > 0)
@@ -114,11 +116,13 @@ Exit tellResult(Session &session, const ReadResult &result) {
 
 } // namespace
 
-Exit dumpCommand(Session &session, const std::string &file, Format format) {
+Exit dumpCommand(Session &session, const std::string &file, const std::string &as, Format format) {
+    if (!as.empty() && !readerByKey(as))
+        throw UsageError(fmt::format("there is no reader \"{}\"", as));
     if (!fs::is_regular_file(file))
         throw UsageError(fmt::format("there is no file \"{}\"", file));
     HistoryFile artefact;
-    const Reader *reader = recognised(fs::canonical(file), artefact);
+    const Reader *reader = chooseReader(fs::canonical(file), as, artefact);
     if (!reader || !reader->read) {
         session.err << fmt::format("\"{}\" is {}\n", printable(file),
                                    reader ? "a format that is not read yet"

@@ -17,6 +17,8 @@ constexpr const char *kExamples = R"(Examples:
   norvelane-cli list case.nvp --format csv > rows.csv  all rows for a spreadsheet
   norvelane-cli query case.nvp "SELECT TOP 5 URL FROM URLs WHERE ActionDateUTC > #1/15/2009#"
   norvelane-cli show case.nvp 17                       everything about one row
+  norvelane-cli extract case.nvp 17 page.html          its cached content as a file
+  norvelane-cli rebuild case.nvp 17 --out pages        the page with its parts, for offline view
   norvelane-cli dump index.dat --format jsonl          the records of one file, without a project
 Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged, 3 the project can't be used,
 130 interrupted: what was written is kept.)";
@@ -37,6 +39,8 @@ Grammar::Grammar()
     addQueries();
     addShow();
     addFiles();
+    addRebuilding();
+    addTemplates();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {
@@ -67,6 +71,8 @@ void Grammar::addImport() {
     c->add_option("--zone", m_import.zone, "Time zone of the project, see the command zones");
     c->add_option("--kinds", m_import.kinds, "Only these readers, by key, separated by commas")
         ->delimiter(',');
+    c->add_option("--as", m_import.as,
+                  "Take each PATH, a file, as the artefact of this reader, whatever it is called");
     c->add_flag("--no-metadata", m_import.noMetadata, "Don't read cached pages' contents");
     c->add_flag("--no-signatures", m_import.noSignatures, "Recognise files by name alone");
     c->add_flag("--thumbnails", m_import.thumbnails, "Make thumbnails while importing");
@@ -115,12 +121,75 @@ void Grammar::addShow() {
 
 void Grammar::addFiles() {
     CLI::App *dump = command("dump", "The records of one artefact, without a project",
-                             [this](Session &s) { return dumpCommand(s, m_file, m_format); });
+                             [this](Session &s) { return dumpCommand(s, m_file, m_as, m_format); });
     dump->add_option("FILE", m_file, "The artefact")->required();
+    dump->add_option("--as", m_as, "Key of the reader to use (default: the one that knows it)");
     addFormat(dump);
+    CLI::App *extract =
+        command("extract", "Write the cached content of a row to a file", [this](Session &s) {
+            return extractCommand(s, m_project, m_urlId, m_file,
+                                  m_overwrite ? IfThere::overwrite : IfThere::refuse);
+        });
+    addProject(extract, m_project);
+    extract->add_option("URL_ID", m_urlId, "Key of the row")->required();
+    extract->add_option("FILE", m_file, "Where to write it; - is the standard output")->required();
+    extract->add_flag("--overwrite", m_overwrite, "Replace FILE when it is there");
     CLI::App *zones = command("zones", "The time zones and their ids",
                               [this](Session &s) { return zonesCommand(s, m_format); });
     addFormat(zones);
+}
+
+void Grammar::addRebuilding() {
+    CLI::App *rebuild = command("rebuild", "Rebuild cached pages for viewing offline",
+                                [this](Session &s) { return rebuildCommand(s, m_rebuild); });
+    addProject(rebuild, m_rebuild.project);
+    rebuild->add_option("URL_ID", m_rebuild.ids, "Keys of the pages' rows");
+    rebuild->add_flag("--tagged", m_rebuild.tagged, "The rows with the tick");
+    rebuild->add_flag("--all-pages", m_rebuild.allPages, "Every cached page");
+    rebuild->add_option("--out", m_rebuild.out, "Folder that gets a folder a page")->required();
+    rebuild->add_flag("--no-scripts", m_rebuild.noScripts, "Turn scripts into comments");
+    rebuild->add_flag("--wide-ids", m_rebuild.wideIds, "Parts may have ids above 32767");
+
+    CLI::App *audit =
+        command("audit", "What stands for each reference of a rebuilt page", [this](Session &s) {
+            return auditCommand(s, m_project, m_urlId, m_wideIds, m_format);
+        });
+    addProject(audit, m_project);
+    audit->add_option("URL_ID", m_urlId, "Key of the page's row")->required();
+    audit->add_flag("--wide-ids", m_wideIds, "Parts may have ids above 32767");
+    addFormat(audit);
+
+    CLI::App *tag = command("tag", "Set or take away the tick of rows",
+                            [this](Session &s) { return tagCommand(s, m_tag); });
+    addProject(tag, m_tag.project);
+    tag->add_option("URL_ID", m_tag.ids, "Keys of the rows");
+    tag->add_option("--where", m_tag.where, "A condition on URLs, such as \"Visits > 5\"");
+    tag->add_flag("--off", m_tag.off, "Take the tick away");
+}
+
+void Grammar::addTemplates() {
+    CLI::App *all = app.add_subcommand("template", "Templates made of rebuilt pages");
+    all->require_subcommand(1);
+    const auto add = [this, all](const char *name, const char *what, Run run) {
+        CLI::App *added = all->add_subcommand(name, what);
+        added->callback([this, run = std::move(run)] { chosen = run; });
+        added->add_option("--folder", m_template.folder, "Folder of templates");
+        return added;
+    };
+    CLI::App *create = add("create", "Make templates of rebuilt pages",
+                           [this](Session &s) { return templateCreateCommand(s, m_template); });
+    addProject(create, m_template.project);
+    create->add_option("URL_ID", m_template.ids, "Keys of the pages' rows")->required();
+    create->add_flag("--overwrite", m_template.overwrite, "Replace templates of the same name");
+    create->add_flag("--wide-ids", m_template.wideIds, "Parts may have ids above 32767");
+    addFormat(add("list", "The templates of the folder",
+                  [this](Session &s) { return templateListCommand(s, m_template, m_format); }));
+    CLI::App *apply = add("apply", "Lay a template over pages",
+                          [this](Session &s) { return templateApplyCommand(s, m_template); });
+    addProject(apply, m_template.project);
+    apply->add_option("TEMPLATE", m_template.file, "The template's file")->required();
+    apply->add_option("URL_ID", m_template.ids, "Keys of the pages' rows")->required();
+    apply->add_flag("--any-title", m_template.anyTitle, "Pages of another title too");
 }
 
 } // namespace nv::cli

@@ -30,14 +30,22 @@ class Grammar {
     void addQueries();
     void addShow();
     void addFiles();
+    void addRebuilding();
+    void addTemplates();
 
     ImportArguments m_import;
     ListArguments m_list;
+    RebuildArguments m_rebuild;
+    TagArguments m_tag;
+    TemplateArguments m_template;
+    bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";
     std::string m_project;
     std::string m_sql;
     std::string m_file;
+    std::string m_as;
+    bool m_overwrite = false;
     std::int64_t m_urlId = 0;
 };
 

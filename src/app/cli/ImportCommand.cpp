@@ -42,6 +42,15 @@ void checkKinds(const std::vector<std::string> &kinds) {
             throw UsageError(fmt::format("there is no reader \"{}\"", kind));
 }
 
+void checkAs(const ImportArguments &arguments) {
+    if (arguments.as.empty())
+        return;
+    checkKinds({arguments.as});
+    for (const std::string &path : arguments.paths)
+        if (!fs::is_regular_file(path))
+            throw UsageError(fmt::format("\"{}\": --as needs a file", path));
+}
+
 /// Opens the project, or makes it when there is none.
 void openOrCreate(Session &session, const fs::path &project) {
     if (fs::exists(project) || !isProjectName(project))
@@ -86,14 +95,21 @@ bool isWanted(const HistoryFile &file, const std::set<std::string_view> &kinds) 
     return kinds.empty() || (reader && kinds.contains(reader->key));
 }
 
+ScanResult scanPath(Session &session, const ImportArguments &arguments, const fs::path &path) {
+    Program &program = session.program;
+    if (const Reader *reader = readerByKey(arguments.as))
+        return listAs(*reader, path, session.task, program.log);
+    program.import.StartingDirectory = path.string();
+    return scan(program.import, session.task, program.log);
+}
+
 /// Scans every path; false when the scan was cancelled.
 bool findArtefacts(Session &session, const ImportArguments &arguments) {
     ImportClass &job = session.program.import;
     const std::set<std::string_view> kinds(arguments.kinds.begin(), arguments.kinds.end());
     job.HistoryFiles.Clear();
     for (const std::string &path : arguments.paths) {
-        job.StartingDirectory = fs::canonical(path).string();
-        const ScanResult found = scan(job, session.task, session.program.log);
+        const ScanResult found = scanPath(session, arguments, fs::canonical(path));
         for (const HistoryFile &file : found.HistoryFiles)
             if (isWanted(file, kinds))
                 job.HistoryFiles.Add(file);
@@ -112,8 +128,8 @@ Cell jsonOf(const ArtefactResult &artefact) {
             {"reader", artefact.readerKey},       {"md5", artefact.MD5Hash},
             {"state", stateWord(artefact.state)}, {"rows", artefact.rowsSaved},
             {"rows_lost", artefact.rowsLost},     {"not_reached", artefact.notReached},
-            {"passed_over", artefact.passedOver}, {"reason", artefact.reason},
-            {"seconds", artefact.seconds}};
+            {"passed_over", artefact.passedOver}, {"noted", artefact.noted},
+            {"reason", artefact.reason},          {"seconds", artefact.seconds}};
 }
 
 Cell jsonOf(const ImportSummary &summary) {
@@ -128,6 +144,7 @@ Cell jsonOf(const ImportSummary &summary) {
               {"not_reached", summary.notReached()},
               {"passed_over", summary.passedOver()},
               {"seconds", summary.seconds()}}},
+            {"passed_over", summary.passedOverByReader()},
             {"cancelled", summary.cancelled},
             {"failure", summary.failure}};
 }
@@ -148,6 +165,7 @@ Exit importCommand(Session &session, const ImportArguments &arguments) {
     checkPaths(arguments);
     checkZone(session, arguments.zone);
     checkKinds(arguments.kinds);
+    checkAs(arguments);
     openOrCreate(session, arguments.project);
     Program &program = session.program;
     if (arguments.zone > 0)

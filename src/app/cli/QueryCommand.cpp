@@ -8,6 +8,7 @@
 #include "db/Dialect.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/StoredQueries.h"
+#include "views/HttpHeaders.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -41,6 +42,19 @@ SQLite::Statement prepared(SQLite::Database &database, const std::string &sql, F
     if (failure)
         throw UsageError(*failure);
     return std::move(*statement);
+}
+
+/// A line a property, but HTTP headers one below the other.
+void showProperty(std::ostream &out, std::string_view name, const std::string &value) {
+    std::vector<std::string> lines = {value};
+    if (name == "MetaData")
+        lines = httpHeaderLines(value);
+    if (lines.empty())
+        lines.emplace_back();
+    for (const std::string &line : lines) {
+        out << fmt::format("{:<24}{}\n", name, printable(line));
+        name = {};
+    }
 }
 
 } // namespace
@@ -85,8 +99,7 @@ Exit showCommand(Session &session, const std::string &project, std::int64_t urlI
     }
     const std::vector<Cell> values = cells.cells();
     for (std::size_t i = 0; i < values.size(); ++i)
-        session.out << fmt::format("{:<24}{}\n", cells.headings()[i],
-                                   printable(plainText(values[i])));
+        showProperty(session.out, cells.headings()[i], plainText(values[i]));
     return Exit::ok;
 }
 

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <utility>
 
 namespace nv {
 
@@ -15,18 +16,6 @@ namespace {
 
 /// As other readers have it where a format doesn't count visits.
 constexpr std::int64_t kVisitsUnknown = -1;
-
-void setUrl(URLClass &record, const std::string &stored) {
-    record.URLRawValue = stored;
-    record.URL = percentDecode(ParseURLFromRawURL(stored));
-    record.URLFileName = GetFilenameFromPath(record.URL);
-    record.HashedURL = hashOfUrl(record.URL);
-    record.host = ParseHost(record.URL);
-    record.RecordSize = charCount(record.URL);
-    record.URLProtocol = GetURLProtocol(record.URL);
-    if (!record.URL.starts_with('?')) // with nothing before it, it begins no parameters
-        record.URLParameters = parametersOf(record.URL);
-}
 
 /// A row that the browser made by itself, such as a bookmark that was never opened, has no visits:
 /// that it was the browser's tells more than that it was deleted.
@@ -44,7 +33,8 @@ URLClass historyRecord(const ReadContext &ctx, const HistoryRow &row, std::strin
     record.Action = "Visited";
     record.SourceFile_ID = ctx.file.SourceFile_ID;
     record.Reference_ID = row.id;
-    setUrl(record, row.url);
+    record.URLRawValue = row.url;
+    setUrl(record, percentDecode(ParseURLFromRawURL(row.url)));
     record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
     record.cacheType = cacheType;
     record.CacheFileCreatedGMTDOS = fileCreated;
@@ -55,6 +45,17 @@ URLClass historyRecord(const ReadContext &ctx, const HistoryRow &row, std::strin
     record.Visits = row.visitCount.value_or(kVisitsUnknown);
     record.Status = statusOf(ctx, record);
     return record;
+}
+
+void setUrl(URLClass &record, std::string url) {
+    record.URL = std::move(url);
+    record.URLFileName = GetFilenameFromPath(record.URL);
+    record.HashedURL = hashOfUrl(record.URL);
+    record.host = ParseHost(record.URL);
+    record.RecordSize = charCount(record.URL);
+    record.URLProtocol = GetURLProtocol(record.URL);
+    if (!record.URL.starts_with('?')) // with nothing before it, it begins no parameters
+        record.URLParameters = parametersOf(record.URL);
 }
 
 Date creationDateOf(const std::filesystem::path &file) {

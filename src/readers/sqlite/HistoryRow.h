@@ -21,6 +21,9 @@ struct HistoryRow {
 URLClass historyRecord(const ReadContext &ctx, const HistoryRow &row, std::string_view cacheType,
                        Date fileCreated);
 
+/// `URL` and what is read out of it: the file's name, host, protocol, parameters and hash.
+void setUrl(URLClass &record, std::string url);
+
 /// When the file was created, in UTC. File systems that don't tell give the date of the last
 /// change.
 Date creationDateOf(const std::filesystem::path &file);

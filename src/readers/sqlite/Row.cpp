@@ -90,4 +90,14 @@ bool Row::truth(std::size_t column) const {
     return number(column).value_or(0) != 0 || equalsNoCase(trim(text(column)), "true");
 }
 
+std::optional<ByteView> Row::bytes(std::size_t column) const {
+    const auto value = valueAt(column);
+    if (!value || value->isNull())
+        return std::nullopt;
+    // The size first: asking for it turns UTF-16 text into UTF-8, which moves the bytes.
+    const auto size = static_cast<std::size_t>(value->getBytes());
+    const auto *data = static_cast<const std::uint8_t *>(value->getBlob());
+    return ByteView({data, data ? size : 0});
+}
+
 } // namespace nv

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/ByteView.h"
+
 #include <SQLiteCpp/SQLiteCpp.h>
 
 #include <cstddef>
@@ -27,6 +29,9 @@ class Row {
     std::optional<std::int64_t> number(std::size_t column) const;
     /// A number other than 0, or the word "true".
     bool truth(std::size_t column) const;
+    /// The bytes of a blob or of a text (as UTF-8), not copied. Nothing for NULL; numbers give
+    /// their decimal text. May be of no length.
+    std::optional<ByteView> bytes(std::size_t column) const;
 
   private:
     std::optional<SQLite::Column> valueAt(std::size_t column) const;

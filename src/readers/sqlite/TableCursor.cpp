@@ -1,7 +1,7 @@
 #include "readers/sqlite/TableCursor.h"
 
-#include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/sqlite/ColumnList.h"
 #include "readers/sqlite/KeptMessage.h"
 
 #include <fmt/format.h>
@@ -55,18 +55,12 @@ TableCursor::TableCursor(EvidenceDatabase &database, std::string_view table,
 void TableCursor::prepareStatements(std::span<const std::string_view> columns) {
     const std::set<std::string> present = m_database.columnsOf(m_table);
     m_idColumn = idColumnOf(present);
-    std::string list = m_idColumn;
-    int position = 0;
-    for (const std::string_view column : columns) {
-        const bool has = present.contains(toLower(column));
-        m_positions.push_back(has ? ++position : -1);
-        if (has)
-            list += fmt::format(", \"{}\"", column);
-    }
+    const ColumnList list(present, columns, {m_idColumn});
+    m_positions = list.positions;
     // Never by way of an index: what it holds may differ from the rows in a damaged file.
     constexpr const char *kSql =
         "SELECT {0} FROM main.\"{1}\" NOT INDEXED WHERE {2} >= ?1 ORDER BY {2}";
-    m_rows.emplace(m_database.prepare(fmt::format(kSql, list, m_table, m_idColumn)));
+    m_rows.emplace(m_database.prepare(fmt::format(kSql, list.sql, m_table, m_idColumn)));
     m_ids.emplace(m_database.prepare(fmt::format(kSql, m_idColumn, m_table, m_idColumn)));
 }
 

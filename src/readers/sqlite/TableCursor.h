@@ -29,6 +29,8 @@ class TableCursor {
     /// Throws EvidenceDamage when the row is there and its content can't be read.
     Row row();
 
+    /// Rows of the table; nothing when they can't be counted.
+    std::optional<std::uint64_t> total() const { return m_total; }
     /// 0 to 1; 0 when the number of rows can't be told.
     double fraction() const;
     /// Rows given whole so far.

@@ -1,12 +1,16 @@
+#include "support/builders/ChromeCache.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
 #include "support/builders/IndexDat.h"
+#include "support/builders/Mork.h"
 #include "support/builders/NetAnalysisCase.h"
 #include "support/builders/Places.h"
+#include "support/builders/Safari.h"
 #include "unit/import/ImportFixture.h"
 
 #include <functional>
 #include <map>
+#include <set>
 
 namespace nv {
 namespace {
@@ -15,6 +19,9 @@ namespace {
 // tests go through all positions; here is what all must have in common.
 
 constexpr std::size_t kPositions = 240;
+
+/// Formats that are listed and hold nothing that is read.
+const std::set<std::string> kWithoutRows = {"opera-cookies", "safari-cookies"};
 
 using MakeFile = std::function<void(const std::filesystem::path &)>;
 
@@ -33,16 +40,31 @@ void makeIndex(const std::filesystem::path &path, bool isCache) {
     writeWhole(path, index.bytes());
 }
 
+/// The block files stay whole beside the index.
+void makeChromeCache(const std::filesystem::path &index) {
+    test::ChromeCache cache(16);
+    cache.add({.url = "http://host/a.htm", .requested = 1, .modified = 2, .body = "<html>"});
+    cache.add({.url = "http://host/b.htm", .requested = 3, .modified = 4, .body = "<html>"});
+    std::filesystem::rename(cache.write(index.parent_path()), index);
+}
+
 /// A small sound file of each format that is read. A new reader needs a line here.
 const std::map<std::string_view, MakeFile> &smallFiles() {
     static const std::map<std::string_view, MakeFile> files = {
         {"ie-history", [](const auto &path) { makeIndex(path, false); }},
         {"ie-cache", [](const auto &path) { makeIndex(path, true); }},
+        {"firefox-mork-history",
+         [](const auto &path) {
+             test::MorkHistory history;
+             test::addExamplePages(history);
+             writeWhole(path, history.bytes());
+         }},
         {"chrome-history",
          [](const auto &path) {
              test::ChromeHistory history(path);
              test::addExamplePages(history);
          }},
+        {"chrome-cache", makeChromeCache},
         {"chrome-cookies",
          [](const auto &path) {
              test::ChromeCookies(path).add({.creation = 1}).add({.creation = 2});
@@ -54,6 +76,19 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
              test::Places places(path);
              test::addExamplePlaces(places);
          }},
+        {"safari-cache",
+         [](const auto &path) {
+             test::SafariCache cache(path);
+             test::addExampleEntries(cache);
+         }},
+        {"safari-history",
+         [](const auto &path) {
+             test::SafariHistory history;
+             test::addExampleVisits(history);
+             writeWhole(path, history.text());
+         }},
+        {"safari-cookies", [](const auto &path) { writeWhole(path, "<plist/>"); }}, // none is read
+
         {"netanalysis",
          [](const auto &path) {
              test::NetAnalysisCase made;
@@ -73,7 +108,7 @@ std::vector<std::size_t> positionsIn(std::size_t size) {
     return positions;
 }
 
-class DamageTest : public test::ImportFixture, public testing::WithParamInterface<const char *> {
+class DamageTest : public test::ImportFixture, public testing::WithParamInterface<std::string> {
   protected:
     /// Imports the bytes and checks what holds for any import, whatever is in the file.
     void importDamaged(const std::string &bytes, const std::string &what) {
@@ -110,7 +145,9 @@ class DamageTest : public test::ImportFixture, public testing::WithParamInterfac
 TEST_P(DamageTest, isSurvived) {
     const std::string sound = soundFile();
     importDamaged(sound, "sound");
-    EXPECT_GT(rows(), 0);
+    if (!kWithoutRows.contains(GetParam())) {
+        EXPECT_GT(rows(), 0);
+    }
     for (const std::size_t at : positionsIn(sound.size())) {
         importDamaged(sound.substr(0, at), "cut at " + std::to_string(at));
         for (const int value : {0x00, 0x7F, 0x80, 0xFF}) {
@@ -122,10 +159,14 @@ TEST_P(DamageTest, isSurvived) {
     EXPECT_EQ(project.text("PRAGMA integrity_check"), "ok");
 }
 
-INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
-                         testing::Values("ie-history", "ie-cache", "chrome-history",
-                                         "firefox3-history", "chrome-cookies", "firefox-cookies",
-                                         "netanalysis"));
+std::vector<std::string> keysOfSmallFiles() {
+    std::vector<std::string> keys;
+    for (const auto &[key, make] : smallFiles())
+        keys.emplace_back(key);
+    return keys;
+}
+
+INSTANTIATE_TEST_SUITE_P(Readers, DamageTest, testing::ValuesIn(keysOfSmallFiles()));
 
 TEST(DamageTests, coverEveryReader) {
     for (const Reader &reader : registry())

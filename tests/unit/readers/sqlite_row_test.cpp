@@ -72,5 +72,28 @@ TEST_F(SqliteRow, readsTruth) {
     EXPECT_FALSE(of("1").truth(1));
 }
 
+TEST_F(SqliteRow, givesBytesAsTheyAreStored) {
+    const auto bytes = [this](const std::string &value) {
+        const auto found = of(value).bytes(0);
+        return found ? std::string(found->raw()) : "nothing";
+    };
+    EXPECT_EQ(bytes("x'00ff00'"), "\0\xFF\0"s);
+    EXPECT_EQ(bytes("'caf\u00e9'"), "caf\u00e9");
+    EXPECT_EQ(bytes("CAST(x'636166e9' AS TEXT)"), "caf\xE9");
+    EXPECT_EQ(bytes("-12"), "-12");
+    EXPECT_EQ(bytes("x''"), "");
+    EXPECT_EQ(bytes("''"), "");
+    EXPECT_EQ(bytes("NULL"), "nothing");
+    EXPECT_FALSE(of("x'00'").bytes(1));
+}
+
+TEST_F(SqliteRow, givesTheBytesOfUtf16TextAsUtf8) {
+    SQLite::Database wide(":memory:", SQLite::OPEN_READWRITE);
+    wide.exec("PRAGMA encoding='UTF-16be'; CREATE TABLE t(a); INSERT INTO t VALUES('caf\u00e9')");
+    SQLite::Statement query(wide, "SELECT a FROM t");
+    ASSERT_TRUE(query.executeStep());
+    EXPECT_EQ(Row(query, positions).bytes(0)->raw(), "caf\u00e9");
+}
+
 } // namespace
 } // namespace nv

@@ -1,4 +1,4 @@
-#include "import/ReplaceableTags.h"
+#include "rebuild/ReplaceableTags.h"
 
 #include "base/Text.h"
 

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "app/Program.h"
+#include "db/RecordStore.h"
+#include "rebuild/RebuildContext.h"
+#include "views/Audit.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <span>
+#include <vector>
+
+namespace nv {
+
+/// The settings that rebuilding goes by.
+RebuildSettings rebuildSettings(const Program &program);
+
+/// What rebuilding works with while the project stays open: make it, use it, let it go.
+class RebuildTools {
+  public:
+    /// `scratch` is an existing folder of the program's own, in which pages are rebuilt.
+    RebuildTools(Program &program, TaskMonitor &task, const std::filesystem::path &scratch);
+
+    const RebuildContext &context() const { return m_context; }
+    std::optional<URLClass> record(std::int64_t URL_ID) { return m_records.GetURL(UrlId{URL_ID}); }
+
+  private:
+    RecordStore m_records;
+    Evidence m_evidence;
+    RebuildContext m_context;
+};
+
+/// Records with the tick, by id.
+std::vector<std::int64_t> taggedIds(Program &program);
+
+/// What became of one page of a batch.
+struct RebuiltPage {
+    std::int64_t URL_ID = 0;
+    bool rebuilt = false;
+    std::size_t tagsFound = 0;
+    std::size_t replaced = 0; ///< references whose part lies beside the page
+    std::size_t missing = 0;
+    std::filesystem::path folder;
+};
+
+/// Rebuilds each page in turn and hands on what became of it; a page that fails doesn't stop the
+/// run. False when cancelled.
+bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids,
+                  const std::function<void(const RebuiltPage &)> &done);
+
+} // namespace nv

@@ -1,0 +1,92 @@
+#include "app/cli/Commands.h"
+#include "app/cli/OutputPath.h"
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "base/Text.h"
+#include "db/RecordStore.h"
+#include "readers/CachedBody.h"
+
+#include <fmt/format.h>
+
+namespace nv::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kStandardOutput = "-";
+
+RecordStore storeOf(Program &program) {
+    const ThisClass &state = program.thisClass;
+    return {program.thisClass.ProjectDB.connection(),
+            {state.GMTZone, state.EnableDSTChanges},
+            program.around.clock,
+            program.log};
+}
+
+/// Where the content of a record was to be found, for the examiner who has to look for it.
+std::string placeOf(const URLClass &record) {
+    if (record.DataBlockFile.empty())
+        return record.CacheFileRelativePath.empty()
+                   ? "the record names no cached file"
+                   : "expected at " + record.RootPath + record.CacheFileRelativePath;
+    return fmt::format("expected {} bytes at {} of the block file or file \"{}\" of the cache in "
+                       "{}{}",
+                       record.CacheFileSize, record.DataBlockFileOffset, record.DataBlockFile,
+                       record.RootPath, record.CacheRootPath);
+}
+
+bool flagsDiffer(const URLClass &a, const URLClass &b) {
+    return a.GZipEncoded != b.GZipEncoded || a.IsPicture != b.IsPicture ||
+           a.IsWebPage != b.IsWebPage || a.CacheFileExists != b.CacheFileExists;
+}
+
+/// Throws UsageError when writing to `file` would cost something.
+void checkTarget(const fs::path &file, const fs::path &base, IfThere ifThere) {
+    if (fs::exists(file) && !fs::is_regular_file(file))
+        throw UsageError(fmt::format("\"{}\" is no plain file", textOf(file)));
+    if (fs::exists(file) && ifThere == IfThere::refuse)
+        throw UsageError(
+            fmt::format("\"{}\" is there already; --overwrite replaces it", textOf(file)));
+    refuseEvidence(file, base);
+}
+
+void writeContent(Session &session, const fs::path &content, const std::string &file) {
+    if (file != kStandardOutput)
+        return copyToScratch(content, file);
+    readInBlocks(content, [&session](std::string_view block, std::uint64_t) {
+        session.out.write(block.data(), static_cast<std::streamsize>(block.size()));
+        return session.out.good();
+    });
+}
+
+} // namespace
+
+Exit extractCommand(Session &session, const std::string &project, std::int64_t urlId,
+                    const std::string &file, IfThere ifThere) {
+    session.open(project);
+    Program &program = session.program;
+    if (file != kStandardOutput)
+        checkTarget(file, program.thisClass.RootPath, ifThere);
+    RecordStore store = storeOf(program);
+    const auto stored = store.GetURL(UrlId{urlId});
+    if (!stored)
+        throw UsageError(fmt::format("the project has no row {}", urlId));
+    URLClass record = *stored;
+    const Evidence evidence(program.thisClass.RootPath);
+    const auto content = contentOf(record, {evidence, session.scratch(), program.log});
+    if (!content) {
+        session.err << fmt::format("row {} has no cached content: {}\n", urlId,
+                                   printable(placeOf(record)));
+        return Exit::damagedEvidence;
+    }
+    writeContent(session, *content, file);
+    session.err << fmt::format("{} bytes, MD5 {}{}\n", fs::file_size(*content),
+                               FileMD5(*content).value_or(""),
+                               record.GZipEncoded ? ", unpacked" : "");
+    if (flagsDiffer(*stored, record))
+        store.storeBodyFlags(record);
+    return Exit::ok;
+}
+
+} // namespace nv::cli

@@ -1,0 +1,132 @@
+#include "app/Project.h"
+#include "app/RebuildJob.h"
+#include "app/cli/Commands.h"
+#include "app/cli/OutputPath.h"
+#include "base/Files.h"
+#include "rebuild/Harvest.h"
+#include "rebuild/LocalNames.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+namespace nv::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<std::int64_t> allPages(Program &program) {
+    std::vector<std::int64_t> ids;
+    SQLite::Statement rows(program.thisClass.ProjectDB.connection(),
+                           "SELECT URL_ID FROM URLs WHERE CacheFileExists AND NOT IsHistory "
+                           "AND (IsWebPage OR Category = 'HTML' OR Category = 'Scripts, HTML') "
+                           "AND NOT IsPicture ORDER BY URL_ID");
+    while (rows.executeStep())
+        ids.push_back(rows.getColumn(0).getInt64());
+    return ids;
+}
+
+std::vector<std::int64_t> chosenIds(Program &program, const RebuildArguments &arguments) {
+    if (arguments.allPages)
+        return allPages(program);
+    if (arguments.tagged)
+        return taggedIds(program);
+    return arguments.ids;
+}
+
+void checkArguments(const RebuildArguments &arguments) {
+    const int ways =
+        (arguments.ids.empty() ? 0 : 1) + (arguments.tagged ? 1 : 0) + (arguments.allPages ? 1 : 0);
+    if (ways != 1)
+        throw UsageError("either URL_IDs, --tagged or --all-pages were expected");
+}
+
+/// Copies the page's folder to the examiner's, and empties the one that it was rebuilt in.
+void handOver(const RebuiltPage &page, const fs::path &out) {
+    const fs::path target = out / page.folder.filename();
+    fs::remove_all(target);
+    fs::create_directories(target);
+    for (const fs::directory_entry &entry : fs::directory_iterator(page.folder))
+        copyToScratch(entry.path(), target / entry.path().filename());
+    fs::remove_all(page.folder);
+}
+
+struct Totals {
+    std::size_t pages = 0;
+    std::size_t rebuilt = 0;
+    std::size_t replaced = 0;
+    std::size_t missing = 0;
+};
+
+void add(Totals &totals, const RebuiltPage &page) {
+    ++totals.pages;
+    totals.rebuilt += page.rebuilt ? 1 : 0;
+    totals.replaced += page.replaced;
+    totals.missing += page.missing;
+}
+
+std::string lineOf(const RebuiltPage &page) {
+    if (!page.rebuilt)
+        return fmt::format("{:>9}  not rebuilt: no references that can be replaced, or no cached "
+                           "content\n",
+                           page.URL_ID);
+    return fmt::format("{:>9}  {} tags found, {} replaced, {} missing  {}\n", page.URL_ID,
+                       page.tagsFound, page.replaced, page.missing, textOf(page.folder.filename()));
+}
+
+} // namespace
+
+Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
+    checkArguments(arguments);
+    session.open(arguments.project);
+    Program &program = session.program;
+    refuseEvidence(arguments.out, program.thisClass.RootPath);
+    program.thisClass.DisableScriptTags = arguments.noScripts;
+    program.thisClass.WideRecordIds |= arguments.wideIds;
+    Totals totals;
+    bool whole = false;
+    {
+        RebuildTools tools(program, session.task, session.scratch());
+        const auto ids = chosenIds(program, arguments);
+        whole = rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
+            if (page.rebuilt)
+                handOver(page, arguments.out);
+            add(totals, page);
+            session.task.clear();
+            session.out << lineOf(page);
+        });
+    }
+    session.task.clear();
+    session.out << fmt::format("{} of {} pages rebuilt, {} references replaced, {} missing\n",
+                               totals.rebuilt, totals.pages, totals.replaced, totals.missing);
+    closeProject(program);
+    return whole ? Exit::ok : Exit::interrupted;
+}
+
+Exit auditCommand(Session &session, const std::string &project, std::int64_t urlId, bool wideIds,
+                  Format format) {
+    session.open(project);
+    Program &program = session.program;
+    program.thisClass.WideRecordIds |= wideIds;
+    {
+        RebuildTools tools(program, session.task, session.scratch());
+        auto page = tools.record(urlId);
+        if (!page)
+            throw UsageError(fmt::format("the project has no row {}", urlId));
+        if (!page->CacheFileRebuilt)
+            throw UsageError(fmt::format("row {} was not rebuilt", urlId));
+        UnpackIngredients(*page, tools.context());
+        const auto writer = makeRowWriter(
+            format, session.out, {"number", "original", "new", "extension", "state", "URL_ID"});
+        for (const AuditRow &row :
+             LoadAudit(*page, rebuildFolderOf(page->URLID, tools.context()), tools.context()))
+            writer->row({row.number, row.originalValue, row.newValue, row.extension, row.state,
+                         row.TagURLID});
+        writer->finish();
+        session.task.clear();
+    }
+    closeProject(program);
+    return Exit::ok;
+}
+
+} // namespace nv::cli

@@ -1,0 +1,67 @@
+#include "app/Project.h"
+#include "app/cli/Commands.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/Dialect.h"
+#include "db/ReadOnlyConnection.h"
+#include "views/Tagging.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace nv::cli {
+
+namespace {
+
+/// The rows of a condition, found on a connection that can only read.
+std::vector<std::int32_t> idsWhere(const std::string &project, const std::string &where,
+                                   FailureLog &log) {
+    const auto database = openReadOnly(project);
+    std::vector<std::int32_t> ids;
+    const auto failure = failureOf(log, "TestQuery()", [&] {
+        SQLite::Statement rows(*database,
+                               translate("SELECT URL_ID FROM URLs WHERE (" + where + ")"));
+        while (rows.executeStep())
+            ids.push_back(rows.getColumn(0).getInt());
+    });
+    if (failure)
+        throw UsageError(*failure);
+    return ids;
+}
+
+void checkThere(SQLite::Database &project, const std::vector<std::int32_t> &ids) {
+    SQLite::Statement row(project, "SELECT 1 FROM URLs WHERE URL_ID = ?");
+    for (const std::int32_t id : ids) {
+        row.reset();
+        row.bind(1, id);
+        if (!row.executeStep())
+            throw UsageError(fmt::format("the project has no row {}", id));
+    }
+}
+
+} // namespace
+
+Exit tagCommand(Session &session, const TagArguments &arguments) {
+    if (arguments.ids.empty() == arguments.where.empty())
+        throw UsageError("either URL_IDs or --where were expected");
+    session.open(arguments.project);
+    Program &program = session.program;
+    std::vector<std::int32_t> ids;
+    for (const std::int64_t id : arguments.ids)
+        ids.push_back(static_cast<std::int32_t>(id));
+    SQLite::Database &project = program.thisClass.ProjectDB.connection();
+    if (!arguments.where.empty())
+        ids = idsWhere(arguments.project, arguments.where, program.log);
+    checkThere(project, ids);
+    const bool done = setTagged(project, program.log, ids, !arguments.off, session.task);
+    session.task.clear();
+    session.out << fmt::format("{} rows {}\n", done ? ids.size() : 0,
+                               arguments.off ? "untagged" : "tagged");
+    closeProject(program);
+    return done ? Exit::ok : Exit::projectUnusable;
+}
+
+} // namespace nv::cli

@@ -1,0 +1,86 @@
+#include "import/AdvancedMetadata.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "import/PageContent.h"
+
+#include <fmt/format.h>
+
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kProcedure = "MainBAS.ParseAdvancedMetaData()";
+
+/// The text between the first "<title>" and "</title>", as the probe finds it in the bytes.
+std::string_view titleIn(std::string_view html) {
+    constexpr std::string_view kTitle = "<title>";
+    const std::size_t tag = findNoCase(html, kTitle);
+    if (tag == html.npos)
+        return {};
+    const std::size_t begin = tag + kTitle.size();
+    const std::size_t end = findNoCase(html, "</title>", begin);
+    return end == html.npos ? std::string_view() : trim(html.substr(begin, end - begin));
+}
+
+} // namespace
+
+PageFindings AdvancedMetadata::ParseAdvancedMetadata(URLClass &record) const {
+    PageFindings found;
+    // A reader that knows of no content names the artefact itself as the record's file.
+    if (!record.CacheFileExists)
+        return found;
+    const auto examineAll = [&] {
+        examine(record, found);
+        return true;
+    };
+    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, false, examineAll);
+    return found;
+}
+
+void AdvancedMetadata::examine(URLClass &record, PageFindings &found) const {
+    const auto file = contentOf(record, m_extraction);
+    if (!file)
+        return;
+    const ContentFacts &facts = m_content.facts(*file);
+    if (!facts.hasHtml && !facts.hasBody)
+        return;
+    found.isPage = !equalsNoCase(record.URLFileExt, "js");
+    record.IsWebPage = found.isPage; // scripts write pages: what they hold isn't one
+    if (!found.isPage)
+        return;
+    const bool hasTitle = !facts.title.empty();
+    if (hasTitle)
+        record.WebpageTitle = facts.title;
+    // With a trap of its own: a page that can't be parsed stays one, and keeps its title.
+    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+        const std::string html = ReadPageText(*file, record.MetaData);
+        // The probe knows whether there is a title, but not the page's encoding.
+        if (const std::string_view title = titleIn(html); hasTitle && !title.empty())
+            record.WebpageTitle = title;
+        PageContent page = ReadPageContent(html, *file);
+        found.links = page.Links.size();
+        if (!page.Body.empty())
+            record.HTMLBody = std::move(page.Body);
+        return true;
+    });
+}
+
+void AdvancedMetadata::store(URLClass &record, const PageFindings &found, RecordStore &rows) const {
+    if (!found.isPage || record.URLID == UrlId::none)
+        return;
+    const auto write = [&] {
+        // The name of a picture or a text takes the mark away when the record is saved.
+        if (!record.IsWebPage)
+            rows.markAsWebPage(record);
+        rows.addLinksToItself(record, found.links);
+        return true;
+    };
+    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, false, write);
+}
+
+} // namespace nv

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace nv {
+
+/// One start or end tag of a page.
+struct HtmlTag {
+    std::string_view name; ///< as it stands in the text, which must outlive it
+    bool isEnd = false;
+    std::size_t attributes = 0;
+};
+
+/// Finds the tags of a page in one pass, at the same places as an HTML parser's tokenizer: comments
+/// and declarations are passed over, ">" in quotes ends no tag. Builds nothing.
+class HtmlTags {
+  public:
+    explicit HtmlTags(std::string_view html) : m_html(html) {}
+
+    /// False at the end of the page, where a tag without its ">" is none.
+    bool next(HtmlTag &tag);
+    /// Passes over the text of `name` (a script, a style, a title), in which nothing is a tag.
+    void skipText(std::string_view name);
+    /// What next() hasn't reached yet.
+    std::string_view rest() const { return m_html.substr(m_at); }
+
+  private:
+    bool startsTag(std::size_t at) const;
+    bool isNamed(std::size_t at, std::string_view name) const;
+    void skipDeclaration();
+    void skipBehind(std::string_view mark, std::size_t from);
+    void skipScript();
+    bool readTag(HtmlTag &tag);
+    bool skipAttribute();
+    char at(std::size_t place) const { return place < m_html.size() ? m_html[place] : '\0'; }
+
+    std::string_view m_html;
+    std::size_t m_at = 0;
+};
+
+} // namespace nv

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nv {
+
+/// A cached page larger than this isn't read as a page: those that people wrote stay far below, and
+/// the parser takes many times the memory. In bytes.
+inline constexpr std::uint64_t kPageBytes = std::uint64_t{8} << 20;
+
+/// A page that is beyond a limit; the message names both.
+class PageTooLarge : public std::runtime_error {
+  public:
+    PageTooLarge(const std::filesystem::path &file, std::string_view why);
+};
+
+/// What a browser's document says of a page, in UTF-8.
+struct PageContent {
+    /// The text between the tags of "body" as a browser shows it: no script, no style, no comment,
+    /// white space as one blank, and a line break where a block begins or ends.
+    std::string Body;
+    /// The targets of "a" and "area" in their order, as they stand in the page: what they lead to
+    /// depends on the page's address, which is the record's. Without empty ones.
+    std::vector<std::string> Links;
+};
+
+/// The text of a page file in UTF-8. Throws FileFailure, and PageTooLarge for more than kPageBytes.
+std::string ReadPageText(const std::filesystem::path &file, std::string_view httpHeader);
+
+/// Reads a page in UTF-8; `file` is its name in failures. Throws PageTooLarge.
+PageContent ReadPageContent(std::string_view html, const std::filesystem::path &file);
+
+} // namespace nv

@@ -1,0 +1,129 @@
+#include "import/PageText.h"
+
+#include "base/Text.h"
+
+#include <unicode/ucnv.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <utility>
+
+namespace nv {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+/// Browsers look for the charset in the first 1024 bytes; pages of the time often had it later.
+constexpr std::size_t kMetaBytes = 4096;
+
+constexpr std::array<std::pair<std::string_view, std::string_view>, 3> kMarks = {{
+    {"\xEF\xBB\xBF"sv, "utf-8"},
+    {"\xFF\xFE"sv, "utf-16le"},
+    {"\xFE\xFF"sv, "utf-16be"},
+}};
+
+// Browsers read these names as their supersets; pages rely on it.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 9> kSupersets = {{
+    {"iso-8859-1", "windows-1252"},
+    {"latin1", "windows-1252"},
+    {"us-ascii", "windows-1252"},
+    {"ascii", "windows-1252"},
+    {"iso-8859-9", "windows-1254"},
+    {"tis-620", "windows-874"},
+    {"gb2312", "gb18030"},
+    {"gbk", "gb18030"},
+    {"ks_c_5601-1987", "windows-949"},
+}};
+
+using Converter = std::unique_ptr<UConverter, decltype(&ucnv_close)>;
+
+std::string convert(std::string_view bytes, UConverter *converter) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString text(bytes.data(), static_cast<std::int32_t>(bytes.size()), converter,
+                                  status);
+    std::string utf8;
+    return U_SUCCESS(status) ? text.toUTF8String(utf8) : utf8;
+}
+
+Converter converterOf(std::string_view charset) {
+    const auto *superset = std::ranges::find_if(
+        kSupersets, [charset](const auto &row) { return equalsNoCase(row.first, charset); });
+    const std::string name(superset == kSupersets.end() ? charset : superset->second);
+    UErrorCode status = U_ZERO_ERROR;
+    return {ucnv_open(name.c_str(), &status), &ucnv_close};
+}
+
+/// A converter for an encoding in which tags are tags, as it must be for the charset to have been
+/// found; null for others and for unknown names.
+Converter pageConverter(std::string_view charset) {
+    constexpr std::string_view kTag = "<a href=\"b\">";
+    if (charset.empty())
+        return {nullptr, &ucnv_close};
+    // A page whose charset can be read isn't in UTF-16: browsers take the word for UTF-8.
+    Converter converter = converterOf(startsWithNoCase(charset, "utf-16") ? "utf-8" : charset);
+    if (converter && convert(kTag, converter.get()) != kTag)
+        converter.reset();
+    return converter;
+}
+
+std::string_view behindSign(std::string_view text) {
+    text = trim(text);
+    return text.starts_with('=') ? trim(text.substr(1)) : std::string_view();
+}
+
+/// The value behind "charset =" in a tag or a header line.
+std::string_view charsetIn(std::string_view text) {
+    constexpr std::string_view kWord = "charset";
+    for (std::size_t at = 0; (at = findNoCase(text, kWord, at)) != text.npos; at += kWord.size()) {
+        std::string_view value = behindSign(text.substr(at + kWord.size()));
+        if (value.starts_with('"') || value.starts_with('\''))
+            value.remove_prefix(1);
+        value = trim(value.substr(0, value.find_first_of("\"';>/, \t\r\n", 0)));
+        if (!value.empty())
+            return value;
+    }
+    return {};
+}
+
+} // namespace
+
+std::string_view charsetOfMeta(std::string_view head) {
+    constexpr std::string_view kMeta = "<meta";
+    for (std::size_t at = 0; (at = head.find('<', at)) != head.npos;) {
+        const std::string_view text = head.substr(at);
+        if (text.starts_with("<!--")) {
+            at = std::min(head.find("-->", at), head.size());
+            continue;
+        }
+        at += 1;
+        if (!startsWithNoCase(text, kMeta))
+            continue;
+        if (const auto charset = charsetIn(text.substr(0, text.find('>'))); !charset.empty())
+            return charset;
+    }
+    return {};
+}
+
+std::string_view charsetOfHeader(std::string_view httpHeader) {
+    for (const std::string_view line : split(httpHeader, '\n'))
+        if (startsWithNoCase(trim(line), "content-type:"))
+            return charsetIn(line);
+    return {};
+}
+
+std::string decodePage(ByteView bytes, std::string_view httpHeader) {
+    const std::string_view text = bytes.raw();
+    for (const auto &[mark, charset] : kMarks)
+        if (text.starts_with(mark))
+            return convert(text.substr(mark.size()), converterOf(charset).get());
+    for (const std::string_view charset :
+         {charsetOfMeta(text.substr(0, kMetaBytes)), charsetOfHeader(httpHeader)})
+        if (const Converter converter = pageConverter(charset))
+            return convert(text, converter.get());
+    return fromAnsi(text);
+}
+
+} // namespace nv

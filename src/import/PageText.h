@@ -1,0 +1,21 @@
+#pragma once
+
+#include "base/ByteView.h"
+
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+/// The text of a page in UTF-8, by the encoding that the page names: a byte-order mark, else its
+/// "meta" tag, else the HTTP header, else Windows-1252. Names that nobody knows are passed over.
+/// Bytes that the encoding doesn't know become U+FFFD.
+std::string decodePage(ByteView bytes, std::string_view httpHeader);
+
+/// The charset that the first bytes of a page name in a "meta" tag; empty for none.
+std::string_view charsetOfMeta(std::string_view head);
+
+/// The charset of the "Content-Type" line; empty for none.
+std::string_view charsetOfHeader(std::string_view httpHeader);
+
+} // namespace nv

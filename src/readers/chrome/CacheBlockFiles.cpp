@@ -1,0 +1,75 @@
+#include "readers/chrome/CacheBlockFiles.h"
+
+#include "base/Trap.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+namespace {
+
+/// Of the head, what ChromeDataFileClass holds.
+constexpr std::uint64_t kHeadFields = 0x18;
+
+std::string nameOf(std::uint8_t number) {
+    return fmt::format("data_{}", number);
+}
+
+/// How long the file is by its own head; 0 when that says nothing.
+std::uint64_t sizeByHead(const FileReader &file) {
+    const Bytes bytes = file.read(0, kHeadFields);
+    if (bytes.size() < kHeadFields)
+        return ChromeDataFileClass::kSize;
+    const ChromeDataFileClass head = chromeDataFileOf(ByteView(bytes));
+    if (head.BlockSize <= 0 || head.EntryCountMax <= 0)
+        return 0;
+    return ChromeDataFileClass::kSize + static_cast<std::uint64_t>(head.BlockSize) *
+                                            static_cast<std::uint64_t>(head.EntryCountMax);
+}
+
+} // namespace
+
+const FileReader *ChromeBlockFiles::file(std::uint8_t number) {
+    auto found = m_files.find(number);
+    if (found == m_files.end())
+        found = m_files.emplace(number, open(number)).first;
+    return found->second ? &*found->second : nullptr;
+}
+
+std::string ChromeBlockFiles::pathOf(std::uint8_t number) const {
+    return textOf(m_folder / nameOf(number));
+}
+
+Bytes ChromeBlockFiles::read(const ChromeAddressMapClass &map, std::uint64_t count) {
+    const FileReader *source =
+        map.DataBlockFileOffset == 0 ? nullptr : file(map.DataBlockFileNumber);
+    return source ? source->read(map.DataBlockFileOffset, count) : Bytes();
+}
+
+std::optional<FileReader> ChromeBlockFiles::open(std::uint8_t number) const {
+    return trapped(m_log, Severity::Serious, m_procedure, kContactSupport,
+                   std::optional<FileReader>(), [&]() -> std::optional<FileReader> {
+                       const auto path = m_evidence.find(m_folder, nameOf(number));
+                       if (!path) {
+                           write(pathOf(number) + ": the block file is missing");
+                           return std::nullopt;
+                       }
+                       FileReader opened(*path);
+                       noteMissingEnd(opened);
+                       return opened;
+                   });
+}
+
+/// Bodies are not read here: without this, nobody would learn that some have gone.
+void ChromeBlockFiles::noteMissingEnd(const FileReader &file) const {
+    if (const std::uint64_t whole = sizeByHead(file); file.size() < whole)
+        write(fmt::format("{}: the block file has {} bytes of {}", textOf(file.path()), file.size(),
+                          whole));
+}
+
+void ChromeBlockFiles::write(const std::string &message) const {
+    m_log.write(
+        {message, std::string(m_procedure), Severity::Serious, std::string(kContactSupport)});
+}
+
+} // namespace nv

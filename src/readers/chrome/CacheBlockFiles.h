@@ -1,0 +1,46 @@
+#pragma once
+
+#include "base/FailureLog.h"
+#include "base/Files.h"
+#include "readers/Evidence.h"
+#include "readers/chrome/CacheRecords.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+/// The files "data_0" to "data_255" beside an index, each opened once and kept open. Failures are
+/// logged once a file.
+class ChromeBlockFiles {
+  public:
+    /// All must outlive this.
+    ChromeBlockFiles(const Evidence &evidence, std::filesystem::path folder, FailureLog &log,
+                     std::string_view procedure)
+        : m_evidence(evidence), m_folder(std::move(folder)), m_log(log), m_procedure(procedure) {}
+
+    /// Null when there is no such file, or it can't be opened.
+    const FileReader *file(std::uint8_t number);
+    /// The path that the file has or would have.
+    std::string pathOf(std::uint8_t number) const;
+    /// Up to `count` bytes of the block; none when the address names no block, its file is missing
+    /// or ends before it. Throws FileFailure.
+    Bytes read(const ChromeAddressMapClass &map, std::uint64_t count);
+
+  private:
+    std::optional<FileReader> open(std::uint8_t number) const;
+    void noteMissingEnd(const FileReader &file) const;
+    void write(const std::string &message) const;
+
+    const Evidence &m_evidence;
+    std::filesystem::path m_folder;
+    FailureLog &m_log;
+    std::string_view m_procedure;
+    std::map<std::uint8_t, std::optional<FileReader>> m_files;
+};
+
+} // namespace nv

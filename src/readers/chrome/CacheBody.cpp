@@ -1,0 +1,63 @@
+#include "readers/chrome/CacheBody.h"
+
+#include "base/Files.h"
+#include "readers/chrome/CacheRecords.h"
+
+#include <optional>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The cache's folder as the row names it. When that is no folder any more, or its name is no
+/// UTF-8, the index tells where it is.
+std::optional<fs::path> folderOf(const URLClass &record, const Evidence &evidence) {
+    std::error_code none;
+    if (fs::is_directory(record.CacheRootPath, none))
+        return record.CacheRootPath;
+    const auto index = evidence.find(record.RootPath, record.CacheFileRelativePath);
+    return index ? std::optional(index->parent_path()) : std::nullopt;
+}
+
+/// What the row tells of its body may be one.
+bool namesBody(const URLClass &record) {
+    const bool isInBlocks = record.DataBlockFile.starts_with("data_");
+    constexpr std::int64_t kFirstBlock = ChromeDataFileClass::kSize;
+    // An entry without a body names "f_000000", and its size is 0.
+    return record.CacheFileSize > 0 && record.DataBlockFileOffset >= (isInBlocks ? kFirstBlock : 0);
+}
+
+/// The file that holds the body. The name is looked for among those of the folder, so that a row
+/// of a hostile project leads nowhere else.
+std::optional<fs::path> sourceOf(const URLClass &record, const Evidence &evidence) {
+    const auto folder = namesBody(record) ? folderOf(record, evidence) : std::nullopt;
+    return folder ? evidence.find(*folder, record.DataBlockFile) : std::nullopt;
+}
+
+} // namespace
+
+bool fetchChromeBody(const URLClass &record, const Evidence &evidence, const fs::path &target) {
+    const auto source = sourceOf(record, evidence);
+    if (!source)
+        return false;
+    const auto offset = static_cast<std::uint64_t>(record.DataBlockFileOffset);
+    const auto size = static_cast<std::uint64_t>(record.CacheFileSize);
+    if (copyRange(FileReader(*source), offset, size, target) > 0)
+        return true;
+    fs::remove(target);
+    return false;
+}
+
+bool ExtractChromeCacheFile(URLClass &record, std::string_view fileNameSuffix,
+                            const Extraction &ctx) {
+    if (record.URLID == UrlId::none)
+        return false;
+    if (const auto source = sourceOf(record, ctx.evidence))
+        record.RunTimeContentPath = *source;
+    return extractBody(record, fetchChromeBody, fileNameSuffix, ctx,
+                       "ParserClass.ExtractChromeCacheFile()");
+}
+
+} // namespace nv

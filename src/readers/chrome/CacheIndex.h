@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/Files.h"
+#include "readers/chrome/CacheRecords.h"
+
+#include <cstdint>
+#include <filesystem>
+
+namespace nv {
+
+/// The open file "index" with its table of addresses, of which a part is held at a time: a table
+/// as long as the file says would fill the memory.
+class ChromeIndexFile {
+  public:
+    /// Throws FileFailure.
+    explicit ChromeIndexFile(const std::filesystem::path &path);
+
+    std::uint64_t size() const { return m_file.size(); }
+    bool hasHead() const { return size() >= ChromeIndexClass::kSize; }
+    /// All zeros without hasHead().
+    const ChromeIndexClass &head() const { return m_head; }
+    /// The block cache of later versions, whose entries are made otherwise.
+    bool isLater() const;
+    /// Whole words from the start of the table to the end of the file.
+    std::uint64_t wordsThere() const;
+    /// `slot` is 1-based and not above wordsThere(). Throws FileFailure.
+    std::uint32_t word(std::uint64_t slot);
+
+    /// Where the slot's word stands in the file.
+    static std::uint64_t placeOf(std::uint64_t slot);
+
+  private:
+    FileReader m_file;
+    ChromeIndexClass m_head;
+    Bytes m_part;
+    std::uint64_t m_partAt = 0;
+};
+
+} // namespace nv

@@ -1,0 +1,189 @@
+// The layout is told in MorkFile.cpp.
+
+#include "readers/firefox/MorkHistory.h"
+
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "readers/Dissection.h"
+#include "readers/PageObjects.h"
+#include "readers/firefox/MorkFile.h"
+#include "time/SourceClocks.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kProcedure = "MainBAS.ParseMorkFile()";
+constexpr std::string_view kLikelyDamaged =
+    "Mork file is likely improperly formatted or partially corrupted";
+constexpr std::string_view kTakesTime =
+    "Due to the complex file format of Firefox history files, this could take a few minutes for "
+    "larger files so please be extra patient...";
+
+/// The share of the task that finding the entries takes.
+constexpr double kParseShare = 0.5;
+/// Dates hold microseconds; their first digits are the seconds.
+constexpr std::size_t kSecondDigits = 10;
+
+/// Noon and midnight to the second are taken for dates that were never set, as they always were:
+/// examiners compare with earlier cases. The summary counts them.
+bool isTakenForNone(Date date) {
+    constexpr int kHalfDay = 12;
+    const CivilTime time = date.civil();
+    return time.hour % kHalfDay == 0 && time.minute == 0 && time.second == 0;
+}
+
+Date storedDate(std::string_view digits, const char *reason, ReadResult &result) {
+    if (digits.size() < kSecondDigits || !morkFileClass::numberOf(digits))
+        return {};
+    const Date date = morkFileClass::ConvertSecondsToUTCDate(digits.substr(0, kSecondDigits));
+    if (!date.has() || !isTakenForNone(date))
+        return date;
+    ++result.noted[reason];
+    return {};
+}
+
+/// A page whose count isn't told was visited all the same.
+std::int64_t visitsOf(std::string_view count) {
+    std::int64_t visits = 0;
+    count = trim(count);
+    std::from_chars(count.data(), count.data() + count.size(), visits);
+    return visits == 0 ? 1 : visits;
+}
+
+/// What follows the first "?", when that is neither the first character nor the last.
+std::string parametersBehind(const std::string &url) {
+    return url.starts_with('?') ? std::string() : parametersOf(url);
+}
+
+void setUrl(URLClass &record, const morkEntryClass &entry) {
+    record.URL = entry.URL;
+    record.URLRawValue = entry.URL;
+    record.host = entry.Hostname;
+    record.HashedURL = hashOfUrl(record.URL);
+    record.CacheFileName = GetFilenameFromPath(record.URL);
+    record.URLProtocol = GetURLProtocol(record.URL);
+    record.URLParameters = parametersBehind(record.URL);
+    setPageObjects(record);
+}
+
+void setDates(URLClass &record, const morkEntryClass &entry, const Clock &clock,
+              ReadResult &result) {
+    record.ActionDateUTC = storedDate(
+        entry.LastVisitDate, "last visit at noon or midnight, stored without that date", result);
+    record.LastVisited = record.ActionDateUTC;
+    record.ActionDateLocal = UTCDateToLocal(record.ActionDateUTC, clock);
+    record.OtherDate = storedDate(
+        entry.FirstVisitDate, "first visit at noon or midnight, stored without that date", result);
+    if (record.OtherDate.has())
+        record.OtherDateMeaning = "First Visit Date";
+}
+
+URLClass entryRecord(const ReadContext &ctx, const morkEntryClass &entry,
+                     const std::string &version, ReadResult &result) {
+    URLClass record;
+    record.SourceFile_ID = ctx.file.SourceFile_ID;
+    setUrl(record, entry);
+    record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
+    record.HistoryFilePath = textOf(ctx.file.FullPath);
+    if (!record.URL.empty())
+        record.HistoryVersion = version;
+    record.MapFileOffset = entry.FileOffset;
+    record.cacheType = "Firefox2 History";
+    record.IsHistory = true;
+    record.Action = "Visited";
+    record.Status = "URL";
+    record.Typed = entry.Typed == "1";
+    record.Visits = visitsOf(entry.VisitCount);
+    setDates(record, entry, ctx.clock, result);
+    return record;
+}
+
+void noteEntry(const morkEntryClass &entry, ReadResult &result) {
+    if (entry.URL.empty())
+        ++result.noted["row without a URL, stored as it is"];
+    if (entry.RowID.starts_with('-'))
+        ++result.noted["row marked for deletion"];
+}
+
+void showStep(TaskMonitor &task, std::size_t number, std::size_t total) {
+    if (!task.wantsStep())
+        return;
+    TaskStep step;
+    step.topMessage = fmt::format("Saving record {} of {} records...", number, total);
+    step.topCounter = static_cast<std::int64_t>(number);
+    step.topTotal = static_cast<std::int64_t>(total);
+    task.show(step);
+}
+
+void saveEntries(ReadContext &ctx, const morkFileClass &file, ReadResult &result) {
+    RecordTrap trap(ctx.log, kProcedure, textOf(ctx.file.FullPath));
+    SubTask task(ctx.task, kParseShare, 1);
+    const std::size_t total = file.Entries.Count();
+    std::size_t number = 0;
+    for (const morkEntryClass &entry : file.Entries) {
+        if (!task.advance(static_cast<double>(number++) / static_cast<double>(total))) {
+            result.state = ReadState::cancelled;
+            return;
+        }
+        showStep(task, number, total);
+        trap.run(static_cast<std::uint64_t>(entry.FileOffset), [&] {
+            URLClass record = entryRecord(ctx, entry, file.Version, result);
+            noteEntry(entry, result);
+            ctx.sink.save(record);
+        });
+    }
+}
+
+/// The damage is told when all that could be read is saved.
+void tellDamage(ReadContext &ctx, ReadResult &result) {
+    if (result.state != ReadState::cutShort && result.state != ReadState::failed)
+        return;
+    result.reason = textOf(ctx.file.FullPath) + ": " + result.reason;
+    ctx.log.write(
+        {result.reason, std::string(kProcedure), Severity::Warning, std::string(kLikelyDamaged)});
+}
+
+/// `parse` fills the file's entries.
+template <class Parse>
+ReadResult readEntries(ReadContext &ctx, Parse &&parse) {
+    ReadResult result;
+    morkFileClass file;
+    SubTask task(ctx.task, 0, kParseShare);
+    parse(file, task, result);
+    if (result.state != ReadState::cancelled && file.Entries.Count() > 0) {
+        ctx.task.describe({"PARSING MOZILLA FIREFOX HISTORY FILE",
+                           fmt::format("A total of {} URLs were found.", file.Entries.Count()),
+                           std::string(kTakesTime), "firefox-32.gif"});
+        saveEntries(ctx, file, result);
+    }
+    tellDamage(ctx, result);
+    return result;
+}
+
+} // namespace
+
+ReadResult readMorkHistory(ReadContext &ctx, ByteView bytes) {
+    return readEntries(ctx, [bytes](morkFileClass &file, TaskMonitor &task, ReadResult &result) {
+        file.ParseBytes(bytes, task, result);
+    });
+}
+
+ReadResult ParseMorkFile(ReadContext &ctx) {
+    const ReadResult unread{
+        ReadState::failed, "could not be read: " + textOf(ctx.file.FullPath), 0, {}};
+    return trapped(ctx.log, Severity::Warning, kProcedure, kLikelyDamaged, unread, [&ctx] {
+        return readEntries(ctx, [&ctx](morkFileClass &file, TaskMonitor &task, ReadResult &result) {
+            file.ParseFile(ctx.file.FullPath, task, result);
+        });
+    });
+}
+
+} // namespace nv

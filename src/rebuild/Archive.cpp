@@ -1,0 +1,176 @@
+#include "rebuild/Archive.h"
+
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/SqliteErrors.h"
+#include "rebuild/Harvest.h"
+#include "rebuild/LocalNames.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <stdexcept>
+#include <vector>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t kGapBeforeName = 12;
+constexpr std::size_t kGapBeforeData = 2;
+constexpr std::string_view kHashMark = "HASH";
+constexpr std::size_t kHashBlock = 8;
+constexpr std::size_t kEntrySize = 16;
+constexpr std::size_t kTrailerSize = 8;
+
+void put32(std::string &bytes, std::uint64_t value) {
+    if (value > UINT32_MAX)
+        throw std::length_error("an archive can't hold more than 4 GB");
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes += static_cast<char>(value >> shift & 0xFF);
+}
+
+std::vector<fs::path> filesIn(const fs::path &folder) {
+    std::vector<fs::path> files;
+    for (const fs::directory_entry &entry : fs::directory_iterator(folder))
+        if (entry.is_regular_file() && toUpper(textOf(entry.path().extension())) != ".CAB")
+            files.push_back(entry.path());
+    std::ranges::sort(files);
+    return files;
+}
+
+/// The first page of the folder.
+std::optional<fs::path> pageIn(const std::vector<fs::path> &files) {
+    const auto page = std::ranges::find_if(
+        files, [](const fs::path &file) { return toUpper(textOf(file.extension())) == ".HTM"; });
+    return page == files.end() ? std::nullopt : std::optional(*page);
+}
+
+std::string packed(const std::vector<fs::path> &files) {
+    std::string archive;
+    std::string index;
+    for (const fs::path &file : files) {
+        const std::string name = toAnsi(textOf(file.filename()));
+        const Bytes data = readWhole(file);
+        archive.append(kGapBeforeName, '\0');
+        const std::size_t nameAt = archive.size();
+        archive.append(name).append(kGapBeforeData, '\0');
+        put32(index, archive.size());
+        put32(index, data.size());
+        put32(index, nameAt);
+        put32(index, name.size());
+        archive.append(ByteView(data).raw());
+    }
+    const std::size_t indexArea = archive.size();
+    const std::string hash = md5Hex(archive).substr(0, kHashBlock - kHashMark.size());
+    archive.append(kHashMark).append(hash).append(index);
+    put32(archive, files.size());
+    put32(archive, indexArea);
+    return archive;
+}
+
+void storeArchive(URLClass &page, const RebuildContext &ctx) {
+    page.CacheFileRebuiltBLOB = readWhole(page.RunTimeArchivePath);
+    SQLite::Statement update(ctx.project,
+                             "UPDATE URLs SET CacheFileRebuiltBLOB = ? WHERE URL_ID = ?");
+    update.bind(1, page.CacheFileRebuiltBLOB.data(),
+                static_cast<int>(page.CacheFileRebuiltBLOB.size()));
+    update.bind(2, number(page.URLID));
+    update.exec();
+}
+
+bool create(const fs::path &folder, URLClass &page, const RebuildContext &ctx) {
+    const auto files = filesIn(folder);
+    const auto html = pageIn(files);
+    if (!html)
+        return false;
+    page.RunTimeArchivePath = folder / ("~" + html->stem().string() + ".CAB");
+    page.RunTimeTempFilePath = *html;
+    writeWhole(page.RunTimeArchivePath, packed(files));
+    if (ArchiveSeal(page.RunTimeArchivePath) != 0)
+        return false;
+    storeArchive(page, ctx);
+    return true;
+}
+
+/// A name as a file of the folder, whatever folders it names.
+fs::path plainName(std::string_view name) {
+    const std::string plain(GetFilenameFromPath(name));
+    if (plain.empty() || plain == "." || plain == "..")
+        throw std::runtime_error("an archive holds a file without a name");
+    return plain;
+}
+
+/// Files that overlap could be made to fill the disk.
+void checkTotal(const ArchiveClass &items, std::size_t archiveSize) {
+    std::uint64_t total = 0;
+    for (const ArchiveItemClass &item : items.FileItems)
+        total += item.DataSize;
+    if (total > archiveSize)
+        throw std::runtime_error("the files of an archive are larger than the archive");
+}
+
+bool unpack(URLClass &page, const RebuildContext &ctx) {
+    if (page.CacheFileRebuiltBLOB.empty())
+        if (const auto stored = ctx.records.GetURL(page.URLID))
+            page.CacheFileRebuiltBLOB = stored->CacheFileRebuiltBLOB;
+    const ByteView archive(page.CacheFileRebuiltBLOB);
+    const ArchiveClass items = readArchive(archive);
+    if (items.FileItems.Count() == 0)
+        return false;
+    checkTotal(items, archive.size());
+    const fs::path folder = rebuildFolderOf(page.URLID, ctx);
+    fs::create_directories(folder);
+    for (const ArchiveItemClass &item : items.FileItems)
+        writeWhole(folder / plainName(item.FileName),
+                   archive.sub(item.DataOffset, item.DataSize).raw());
+    page.RunTimeRebuiltFilePath = folder / (sidOf(page.URLID) + ".htm");
+    page.RunTimeThumbnailPath = folder / (sidOf(page.URLID) + ".thumbnail.jpg");
+    return true;
+}
+
+} // namespace
+
+ArchiveClass readArchive(ByteView archive) {
+    ArchiveClass items;
+    if (archive.size() < kTrailerSize)
+        return items;
+    const std::int32_t count = archive.i32le(archive.size() - kTrailerSize);
+    const std::int32_t indexArea = archive.i32le(archive.size() - kTrailerSize + 4);
+    if (indexArea < 0 || count <= 0)
+        return items;
+    for (std::int32_t i = 0; i < count; ++i) {
+        const ByteView entry = archive.sub(static_cast<std::uint64_t>(indexArea) + kHashBlock +
+                                               static_cast<std::uint64_t>(i) * kEntrySize,
+                                           kEntrySize);
+        ArchiveItemClass item;
+        item.DataOffset = entry.u32le(0);
+        item.DataSize = entry.u32le(4);
+        item.FileNameOffset = entry.u32le(8);
+        item.FileNameSize = entry.u32le(12);
+        item.FileName = fromAnsi(archive.sub(item.FileNameOffset, item.FileNameSize));
+        items.FileItems.Add(std::move(item));
+    }
+    return items;
+}
+
+int ArchiveSeal(const fs::path &path) {
+    return fs::exists(path) ? 0 : ENOENT;
+}
+
+bool CreateCabinetFile(const fs::path &folder, URLClass &page, const RebuildContext &ctx) {
+    return trapped(ctx.log, Severity::Warning, "ParserClass.CreateCabinetFile()", kContactSupport,
+                   false, [&] { return onProject([&] { return create(folder, page, ctx); }); });
+}
+
+bool UnpackCabinetFile(URLClass &page, const RebuildContext &ctx) {
+    return trapped(ctx.log, Severity::Warning, "ParserClass.UnpackCabinetFile()", kContactSupport,
+                   false, [&] { return unpack(page, ctx); });
+}
+
+} // namespace nv

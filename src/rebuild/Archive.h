@@ -1,0 +1,50 @@
+#pragma once
+
+#include "base/KeyedList.h"
+#include "db/URLClass.h"
+#include "rebuild/RebuildContext.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+namespace nv {
+
+// A rebuilt page with its parts as one value of the project. Numbers are 32 bits, little-endian;
+// offsets are 0-based positions in the archive:
+//   Archive = File* "HASH" hash:byte[4] Entry{count} count:u32 indexArea:u32
+//   File    = gap:byte[12] name gap:byte[2] data
+//   Entry   = dataOffset:u32 dataSize:u32 nameOffset:u32 nameSize:u32
+// indexArea is the position of "HASH". Names are Windows-1252.
+
+struct ArchiveItemClass {
+    std::string FileName;
+    std::uint32_t FileNameSize = 0;
+    std::uint32_t FileNameOffset = 0;
+    std::uint32_t DataSize = 0;
+    std::uint32_t DataOffset = 0;
+};
+using ArchiveItemCollection = KeyedList<ArchiveItemClass>;
+
+struct ArchiveClass {
+    ArchiveItemCollection FileItems;
+    std::string IndexFilename;
+};
+
+/// The entries of an archive. Throws OutOfBytes when they lie outside of it.
+ArchiveClass readArchive(ByteView archive);
+
+/// Closes an archive that was written, and opens one that is to be read. Archives are plain files:
+/// returns 0 when the file is there, otherwise the system's error number.
+int ArchiveSeal(const std::filesystem::path &path);
+
+/// Packs all files of a rebuild folder, which holds the page, into an archive beside them and
+/// stores it in the record's row. False when there is no page and after a failure, which is logged.
+bool CreateCabinetFile(const std::filesystem::path &folder, URLClass &page,
+                       const RebuildContext &ctx);
+
+/// Unpacks the record's archive into its rebuild folder. Names can't lead out of it. False when
+/// there is no archive and after a failure, which is logged.
+bool UnpackCabinetFile(URLClass &page, const RebuildContext &ctx);
+
+} // namespace nv

@@ -1,0 +1,113 @@
+#include "rebuild/FindTags.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/Savepoint.h"
+#include "db/SqliteErrors.h"
+#include "rebuild/PageText.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kProcedure = "MainBAS.FindTagsInFile()";
+constexpr std::string_view kScratchName = "~tmp";
+
+void showBeginning(const URLClass &page, const RebuildContext &ctx) {
+    if (ctx.settings.CreatingReport)
+        return;
+    ctx.task.describe({"REBUILDING WEB PAGE",
+                       "Finding tags in cached file.  This may take a few moments.  Please be "
+                       "patient, thank you.",
+                       fmt::format("URL ID#{}: {}", number(page.URLID), page.URL), ""});
+}
+
+void showStep(const RebuildContext &ctx, std::string_view what, std::int64_t percent) {
+    TaskStep step;
+    step.bottomMessage = what;
+    step.bottomCounter = percent;
+    step.bottomTotal = 100;
+    ctx.task.show(step);
+}
+
+void deleteTags(const URLClass &page, const RebuildContext &ctx) {
+    SQLite::Statement remove(ctx.project, "DELETE FROM Tags WHERE URL_ID = ?");
+    remove.bind(1, number(page.URLID));
+    remove.exec();
+}
+
+void insertTags(const URLClass &page, const URLTags &tags, const RebuildContext &ctx) {
+    SQLite::Statement insert(
+        ctx.project,
+        "INSERT INTO Tags (URL_ID, TagFileName, FileOffset, CacheFolderName, CacheFileName, "
+        "NewTag, "
+        "OriginalTag, AccuracyScore, TagOption_ID, TagDefinition, TagType, TagSansParentPaths) "
+        "VALUES (?, ?, ?, '', '', '', ?, '', 0, ?, ?, ?)");
+    for (const URLTag &tag : tags) {
+        if (trim(tag.OriginalTag).empty())
+            continue;
+        insert.reset();
+        insert.bind(1, number(page.URLID));
+        insert.bind(2, tag.TagFileName);
+        insert.bind(3, static_cast<std::int64_t>(tag.FileOffset));
+        insert.bind(4, tag.OriginalTag);
+        insert.bind(5, tag.TagDefinition);
+        insert.bind(6, tag.TagType);
+        insert.bind(7, tag.TagSansParentPaths);
+        insert.exec();
+    }
+}
+
+/// Takes the place of the tags of an earlier rebuild in one step, so that no half of them is left.
+void storeTags(const URLClass &page, const URLTags &tags, const RebuildContext &ctx) {
+    onProject([&] {
+        Savepoint whole(ctx.project);
+        deleteTags(page, ctx);
+        insertTags(page, tags, ctx);
+        whole.release();
+    });
+}
+
+} // namespace
+
+std::optional<std::string> pageText(URLClass &page, const RebuildContext &ctx) {
+    page.RunTimeTempFilePath.clear(); // what another step left there may be another page's
+    const auto content = contentOf(page, ctx.extraction());
+    if (!content)
+        return std::nullopt;
+    if (page.RunTimeTempFilePath.empty()) {
+        page.RunTimeContentPath = *content;
+        page.RunTimeTempFilePath = ctx.TempFolderPath / kScratchName;
+        copyToScratch(*content, page.RunTimeTempFilePath);
+    } else {
+        page.RunTimeContentPath = page.RunTimeTempFilePath;
+    }
+    return ReadTextFile(page.RunTimeTempFilePath, LineBreaks::strip);
+}
+
+std::size_t FindTagsInFile(URLClass &page, const RebuildContext &ctx) {
+    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, std::size_t{0}, [&] {
+        showBeginning(page, ctx);
+        showStep(ctx, "Locating Tags", 0);
+        const auto text = pageText(page, ctx);
+        if (!text)
+            return std::size_t{0};
+        const auto found = scanTags(*text, ctx.settings.lists(), ctx.task);
+        if (!found)
+            return std::size_t{0};
+        showStep(ctx, "Reconciling", 33);
+        const URLTags tags = reconcileTags(*found);
+        showStep(ctx, "Reconciling", 66);
+        storeTags(page, tags, ctx);
+        showStep(ctx, "Reconciling", 100);
+        return tags.Count();
+    });
+}
+
+} // namespace nv

@@ -1,0 +1,184 @@
+#include "rebuild/Harvest.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/SqliteErrors.h"
+#include "rebuild/LocalNames.h"
+#include "rebuild/PageText.h"
+#include "rebuild/StyleSheet.h"
+#include "rebuild/TagOptions.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <charconv>
+#include <stdexcept>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kListName = "_TagIDs.txt";
+constexpr std::string_view kScratchName = "~tmp";
+constexpr std::int64_t kLargestNarrowId = 32767;
+
+std::int64_t idOf(std::string_view field, const RebuildSettings &settings) {
+    std::int64_t id = 0;
+    const std::string_view digits = trim(field);
+    std::from_chars(digits.data(), digits.data() + digits.size(), id);
+    if (id > kLargestNarrowId && !settings.WideRecordIds)
+        throw std::out_of_range(
+            fmt::format("the record id {} is above 32767, which parts of pages can't have unless "
+                        "WideRecordIds is switched on in the settings",
+                        id));
+    return id;
+}
+
+std::vector<std::string_view> linesOf(std::string_view text) {
+    std::vector<std::string_view> lines;
+    for (const std::string_view part : split(text, '\n')) {
+        const std::string_view line = part.substr(0, part.find_last_not_of('\r') + 1);
+        if (!line.empty())
+            lines.push_back(line);
+    }
+    return lines;
+}
+
+/// Types whose parts can be fetched.
+bool isHarvested(std::string_view cacheType) {
+    return namesPartsByUrl(cacheType) || cacheType == "IE CACHE";
+}
+
+void removeOtherFiles(const fs::path &folder, const fs::path &page) {
+    for (const fs::directory_entry &entry : fs::directory_iterator(folder))
+        if (entry.path() != page && !entry.is_directory())
+            fs::remove(entry.path());
+}
+
+class Harvest {
+  public:
+    Harvest(URLClass &page, fs::path folder, Batch batch, const RebuildContext &ctx)
+        : m_page(page), m_folder(std::move(folder)), m_batch(batch), m_ctx(ctx) {}
+
+    bool run() {
+        fs::create_directories(m_folder);
+        m_page.RunTimeRebuiltFilePath = m_folder / (sidOf(m_page.URLID) + ".htm");
+        if (!fs::exists(m_page.RunTimeRebuiltFilePath) && !m_page.RebuiltSourceCode.empty())
+            writeWhole(m_page.RunTimeRebuiltFilePath, toAnsi(m_page.RebuiltSourceCode));
+        removeOtherFiles(m_folder, m_page.RunTimeRebuiltFilePath);
+        const bool whole = takeParts();
+        if (!m_list.empty())
+            writeWhole(m_folder / kListName, toAnsi(m_list));
+        return whole;
+    }
+
+  private:
+    bool takeParts() {
+        const auto lines = linesOf(m_page.IngredientIDs);
+        if (!lines.empty() && m_batch == Batch::no && !m_ctx.settings.CreatingReport)
+            m_ctx.task.describe(
+                {"HARVESTING ITEMS FOR SELECTED FILE", "Please standby...", "", ""});
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            if (!m_ctx.task.advance(static_cast<double>(i) / static_cast<double>(lines.size())))
+                return false;
+            for (const Substitution &part : substitutionsOf(lines[i], m_ctx.settings)) {
+                showPart(part, i + 1, lines.size());
+                takePart(part);
+            }
+        }
+        return true;
+    }
+
+    void takePart(const Substitution &line) {
+        if (line.TagURLID <= 0 || !isHarvested(toUpper(m_page.cacheType)))
+            return;
+        auto part = m_ctx.records.GetURL(UrlId{line.TagURLID});
+        if (!part)
+            return;
+        const std::string name = localNameOf(part->URLID, part->URLFileExt);
+        m_list += fmt::format("{}|{}|{}|\r\n", line.TagURLID, line.OriginalTag, name);
+        const fs::path target = m_folder / name;
+        if (!fs::exists(target))
+            if (const auto content = contentOf(*part, m_ctx.extraction()))
+                copyToScratch(*content, target);
+        if (GetFileExtension(line.OriginalTag) == "css" && fs::exists(target))
+            FindReplaceCSSTags(target, *part, m_ctx);
+    }
+
+    void showPart(const Substitution &part, std::size_t n, std::size_t count) {
+        if (!m_ctx.task.wantsStep())
+            return;
+        TaskStep step;
+        step.topMessage = part.NewTag;
+        step.bottomMessage = fmt::format("Harvesting {} of {}", n, count);
+        step.bottomCounter = static_cast<std::int64_t>(n);
+        step.bottomTotal = static_cast<std::int64_t>(count);
+        m_ctx.task.show(step);
+    }
+
+    URLClass &m_page;
+    fs::path m_folder;
+    Batch m_batch;
+    const RebuildContext &m_ctx;
+    std::string m_list;
+};
+
+} // namespace
+
+std::vector<Substitution> substitutionsOf(std::string_view IngredientIDs,
+                                          const RebuildSettings &settings) {
+    std::vector<Substitution> substitutions;
+    for (const std::string_view line : linesOf(IngredientIDs)) {
+        const auto fields = split(line, '|');
+        const auto field = [&fields](std::size_t i) {
+            return std::string(i < fields.size() ? fields[i] : std::string_view());
+        };
+        substitutions.push_back({idOf(field(0), settings), field(1), field(2)});
+    }
+    return substitutions;
+}
+
+fs::path rebuildFolderOf(UrlId id, const RebuildContext &ctx) {
+    return ctx.TempFolderPath / (sidOf(id) + ".NVR");
+}
+
+bool HarvestParts(URLClass &page, const fs::path &folder, Batch batch, const RebuildContext &ctx) {
+    return trapped(
+        ctx.log, Severity::Serious, "MainForm.HarvestParts()", kContactSupport, false,
+        [&] { return onProject([&] { return Harvest(page, folder, batch, ctx).run(); }); });
+}
+
+bool StoreIngredientIDs(URLClass &page, const RebuildContext &ctx) {
+    const auto store = [&] {
+        const fs::path list = rebuildFolderOf(page.URLID, ctx) / kListName;
+        if (!fs::exists(list))
+            return false;
+        page.IngredientIDs = fromAnsi(ReadTextFile(list, LineBreaks::keep));
+        SQLite::Statement update(ctx.project, "UPDATE URLs SET IngredientIDs = ? WHERE URL_ID = ?");
+        update.bind(1, page.IngredientIDs);
+        update.bind(2, number(page.URLID));
+        update.exec();
+        return true;
+    };
+    return trapped(ctx.log, Severity::Warning, "ParserClass.StoreIngredientIDs()", kContactSupport,
+                   false, [&] { return onProject(store); });
+}
+
+bool UnpackIngredients(URLClass &page, const RebuildContext &ctx) {
+    return trapped(ctx.log, Severity::Critical, "ParserClass.UnpackIngredients()", kContactSupport,
+                   false, [&] {
+                       const fs::path folder = rebuildFolderOf(page.URLID, ctx);
+                       fs::create_directories(folder);
+                       page.RunTimeRebuiltFilePath = folder / (sidOf(page.URLID) + ".htm");
+                       writeWhole(page.RunTimeRebuiltFilePath, toAnsi(page.RebuiltSourceCode));
+                       const bool whole = HarvestParts(page, folder, Batch::no, ctx);
+                       page.RunTimeTempFilePath = ctx.TempFolderPath / kScratchName;
+                       copyToScratch(page.RunTimeRebuiltFilePath, page.RunTimeTempFilePath);
+                       return whole;
+                   });
+}
+
+} // namespace nv

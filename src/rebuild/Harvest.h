@@ -1,0 +1,43 @@
+#pragma once
+
+#include "db/URLClass.h"
+#include "rebuild/RebuildContext.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nv {
+
+/// A line of the substitution log.
+struct Substitution {
+    std::int64_t TagURLID = 0; ///< 0 for a reference without a part
+    std::string OriginalTag;
+    std::string NewTag;
+};
+/// The lines of `IngredientIDs`. Throws std::out_of_range for an id above 32,767 unless wide ids
+/// are on: earlier versions could not hold it, and cases made with them have no such parts.
+std::vector<Substitution> substitutionsOf(std::string_view IngredientIDs,
+                                          const RebuildSettings &settings);
+
+/// Where pages of this id are rebuilt: a folder "0000017.NVR" below the Temp folder.
+std::filesystem::path rebuildFolderOf(UrlId id, const RebuildContext &ctx);
+
+enum class Batch { no, yes };
+
+/// Copies each cached part that the page's substitution log names into `folder`, beside the page,
+/// under its local name, and writes the list of them to "_TagIDs.txt" there. The page itself is
+/// written from the project when the folder doesn't have it. All other files of the folder are
+/// removed first. A part that is gone leaves no file. False after a failure, which is logged.
+bool HarvestParts(URLClass &page, const std::filesystem::path &folder, Batch batch,
+                  const RebuildContext &ctx);
+
+/// Stores the list of the harvested as the page's substitution log. False when there is none.
+bool StoreIngredientIDs(URLClass &page, const RebuildContext &ctx);
+
+/// Makes the rebuild folder anew from what the project holds, and leaves a copy of the page in
+/// `RunTimeTempFilePath`. False after a failure, which is logged.
+bool UnpackIngredients(URLClass &page, const RebuildContext &ctx);
+
+} // namespace nv

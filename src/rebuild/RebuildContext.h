@@ -1,0 +1,43 @@
+#pragma once
+
+#include "base/FailureLog.h"
+#include "base/TaskMonitor.h"
+#include "db/RecordStore.h"
+#include "readers/CachedBody.h"
+#include "rebuild/TagScan.h"
+
+#include <filesystem>
+#include <string>
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+/// What the examiner's settings say of rebuilding.
+struct RebuildSettings {
+    std::string HTMLReplaceablePictureTags{kHTMLReplaceablePictureTags};
+    std::string HTMLReplaceableHREFTags{kHTMLReplaceableHREFTags};
+    bool DisableScriptTags = false;
+    bool CreatingReport = false; ///< a report owns the status window
+    /// Record ids above 32,767, which earlier versions could not hold, are used like any other.
+    bool WideRecordIds = false;
+
+    ReplaceableLists lists() const { return {HTMLReplaceablePictureTags, HTMLReplaceableHREFTags}; }
+};
+
+/// All that rebuilding a page needs. Everything must outlive it.
+struct RebuildContext {
+    SQLite::Database &project;
+    RecordStore &records;
+    const Evidence &evidence;
+    std::filesystem::path TempFolderPath; ///< an existing folder of the program's own
+    FailureLog &log;
+    TaskMonitor &task;
+    RebuildSettings settings;
+
+    Extraction extraction() const { return {evidence, TempFolderPath, log}; }
+};
+
+} // namespace nv

@@ -1,0 +1,117 @@
+#include "rebuild/RebuildWebPage.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/SqliteErrors.h"
+#include "rebuild/FindTags.h"
+#include "rebuild/LocalNames.h"
+#include "rebuild/ReplaceTags.h"
+#include "rebuild/Scripts.h"
+#include "rebuild/TagChoice.h"
+#include "rebuild/TagOptions.h"
+#include "time/DateFormat.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kProcedure = "MainBAS.RebuildWebPage()";
+constexpr std::string_view kRebuiltMethod = "Cache";
+
+/// One part of the rebuild's own progress, 0 to 1.
+RebuildContext stageOf(const RebuildContext &ctx, TaskMonitor &task) {
+    return {ctx.project, ctx.records, ctx.evidence, ctx.TempFolderPath,
+            ctx.log,     task,        ctx.settings};
+}
+
+class Rebuild {
+  public:
+    Rebuild(URLClass &page, Batch batch, const RebuildContext &ctx, const Clock &clock)
+        : m_page(page), m_batch(batch), m_ctx(ctx), m_clock(clock) {}
+
+    /// `work` with its own part of the progress, 0 to 1 of the whole.
+    template <class Work>
+    auto stage(double from, double to, Work &&work) {
+        SubTask part(m_ctx.task, from, to);
+        return work(stageOf(m_ctx, part));
+    }
+
+    bool run() {
+        const fs::path folder = rebuildFolderOf(m_page.URLID, m_ctx);
+        m_page.RunTimeRebuiltFilePath = folder / (sidOf(m_page.URLID) + ".htm");
+        fs::create_directories(folder);
+        if (!chooseParts())
+            return false;
+        writePage(disarmed(stage(
+            0.75, 0.85, [this](const RebuildContext &ctx) { return ReplaceTags(m_page, ctx); })));
+        storeRow();
+        if (m_page.IngredientIDs.empty())
+            StoreIngredientIDs(m_page, m_ctx);
+        return stage(0.85, 1, [&](const RebuildContext &ctx) {
+            return HarvestParts(m_page, folder, m_batch, ctx);
+        });
+    }
+
+  private:
+    bool chooseParts() {
+        return stage(0, 0.5,
+                     [this](const RebuildContext &ctx) { return FindTagsInFile(m_page, ctx); }) >
+                   0 &&
+               stage(0.5, 0.7,
+                     [this](const RebuildContext &ctx) { return FindTagOptions(m_page, ctx); }) &&
+               stage(0.7, 0.75,
+                     [this](const RebuildContext &ctx) { return ChooseTagOptions(m_page, ctx); });
+    }
+
+    /// With scripts switched off the page is commented here a second time: rebuilt pages of earlier
+    /// cases have both.
+    std::string disarmed(std::string text) const {
+        if (m_ctx.settings.DisableScriptTags)
+            text = StriptScriptTags(text);
+        return NeutraliseEventHandlers(text);
+    }
+
+    void writePage(const std::string &text) {
+        m_page.RebuiltSourceCode = fromAnsi(text);
+        fs::remove(m_page.RunTimeRebuiltFilePath);
+        writeWhole(m_page.RunTimeRebuiltFilePath, text + "\r\n");
+    }
+
+    void storeRow() {
+        m_page.RebuiltMethod = kRebuiltMethod;
+        m_page.RebuiltDateTime =
+            formatDate(Date::fromTimePoint(m_clock.now()), "dd-mm-yyyy Hh:Nn:Ss");
+        m_page.CacheFileRebuilt = true;
+        m_page.RebuiltFilePath = textOf(m_page.RunTimeRebuiltFilePath);
+        SQLite::Statement update(
+            m_ctx.project,
+            "UPDATE URLs SET RebuiltMethod = ?, RebuiltDateTime = ?, CacheFileRebuilt = 1, "
+            "RebuiltFilePath = ?, RebuiltSourceCode = ? WHERE URL_ID = ?");
+        update.bind(1, m_page.RebuiltMethod);
+        update.bind(2, m_page.RebuiltDateTime);
+        update.bind(3, m_page.RebuiltFilePath);
+        update.bind(4, m_page.RebuiltSourceCode);
+        update.bind(5, number(m_page.URLID));
+        update.exec();
+    }
+
+    URLClass &m_page;
+    Batch m_batch;
+    const RebuildContext &m_ctx;
+    const Clock &m_clock;
+};
+
+} // namespace
+
+bool RebuildWebPage(URLClass &page, Batch batch, const RebuildContext &ctx, const Clock &clock) {
+    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+        return onProject([&] { return Rebuild(page, batch, ctx, clock).run(); });
+    });
+}
+
+} // namespace nv

@@ -1,0 +1,132 @@
+#include "rebuild/StyleSheet.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/SqliteErrors.h"
+#include "rebuild/PageText.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kProcedure = "MainBAS.FindReplaceCSSTags()";
+constexpr std::string_view kWorkName = "~csstmp";
+constexpr std::array<std::string_view, 6> kPictures = {"gif", "jpg", "jpeg", "jpe", "bmp", "png"};
+// This web mail keeps the parts of its pages on a second host.
+constexpr std::string_view kWebMail = "mail.yahoo.com";
+constexpr std::string_view kWebMailParts = "mail.yimg.com";
+
+/// 1-based position of `c` behind the 1-based `position`, or 0.
+std::size_t behind(std::size_t position, std::string_view line, char c) {
+    const std::size_t found = line.find(c, position);
+    return found == std::string_view::npos ? 0 : found + 1;
+}
+
+std::string withoutQuotes(std::string_view text) {
+    std::string plain;
+    std::ranges::copy_if(text, std::back_inserter(plain),
+                         [](char c) { return c != '\'' && c != ' ' && c != '"'; });
+    return plain;
+}
+
+class SheetRewriting {
+  public:
+    SheetRewriting(fs::path folder, const URLClass &sheet, const RebuildContext &ctx)
+        : m_folder(std::move(folder)), m_sheet(sheet), m_ctx(ctx) {}
+
+    void addLine(std::string line) {
+        for (;;) {
+            const std::size_t open = behind(m_close, line, '(');
+            m_close = behind(open, line, ')');
+            const bool isPair = open > 0 && m_close > open;
+            if (isPair)
+                replacePicture(line, open);
+            m_output += line + "\r\n";
+            if (!isPair)
+                return;
+        }
+    }
+
+    const std::string &output() const { return m_output; }
+    std::size_t replaced() const { return m_replaced; }
+
+  private:
+    void replacePicture(std::string &line, std::size_t open) {
+        const std::string inner =
+            withoutQuotes(std::string_view(line).substr(open, m_close - open - 1));
+        const std::string extension = GetFileExtension(fromAnsi(inner));
+        if (std::ranges::find(kPictures, extension) == kPictures.end())
+            return;
+        auto picture = pictureOf(fromAnsi(inner), extension);
+        if (!picture)
+            return;
+        const std::string name = fmt::format("_css{:07}.{}", ++m_replaced, extension);
+        if (const auto content = contentOf(*picture, m_ctx.extraction()))
+            copyToScratch(*content, m_folder / name);
+        line = ReplaceAllText(line, inner, name);
+        if (line.find(';') == std::string::npos)
+            line += ';';
+    }
+
+    /// The first record whose URL ends in the picture's file name, from the sheet's own host.
+    std::optional<URLClass> pictureOf(const std::string &inner, const std::string &extension) {
+        const std::string file(GetFilenameFromPath(inner));
+        std::string base = file;
+        if (const std::string end = "." + extension; toLower(base).ends_with(end))
+            base.resize(base.size() - end.size());
+        const bool isWebMail = containsNoCase(m_sheet.host, kWebMail);
+        SQLite::Statement row(m_ctx.project,
+                              "SELECT URL_ID FROM URLs WHERE URL LIKE ? AND CacheFileName LIKE ? "
+                              "AND (Host = ? OR Host = ?) ORDER BY URL_ID LIMIT 1");
+        row.bind(1, "%" + file);
+        row.bind(2, base + "%." + extension);
+        row.bind(3, m_sheet.host);
+        row.bind(4, isWebMail ? std::string(kWebMailParts) : m_sheet.host);
+        if (!row.executeStep())
+            return std::nullopt;
+        return m_ctx.records.GetURL(UrlId{row.getColumn(0).getInt64()});
+    }
+
+    fs::path m_folder;
+    const URLClass &m_sheet;
+    const RebuildContext &m_ctx;
+    std::string m_output;
+    std::size_t m_replaced = 0;
+    std::size_t m_close = 0; ///< 1-based; where the search in the next line begins
+};
+
+void rewrite(const fs::path &path, const URLClass &sheet, const RebuildContext &ctx) {
+    if (!fs::exists(path))
+        return;
+    SheetRewriting rewriting(path.parent_path(), sheet, ctx);
+    const std::string text = ReadTextFile(path, LineBreaks::keep);
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = text.find("\r\n", at);
+        rewriting.addLine(text.substr(at, end - at));
+        at = end + 2;
+    }
+    const fs::path work = ctx.TempFolderPath / kWorkName;
+    writeWhole(work, rewriting.output());
+    if (rewriting.replaced() > 0)
+        copyToScratch(work, path);
+}
+
+} // namespace
+
+void FindReplaceCSSTags(const fs::path &path, const URLClass &sheet, const RebuildContext &ctx) {
+    trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+        onProject([&] { rewrite(path, sheet, ctx); });
+        return true;
+    });
+}
+
+} // namespace nv

@@ -1,0 +1,232 @@
+#include "rebuild/TagChoice.h"
+
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/SqliteErrors.h"
+#include "rebuild/TagOptions.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <array>
+#include <optional>
+#include <vector>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct TagRow {
+    std::int64_t URL_ID = 0;
+    std::string OriginalTag;
+    std::string TagSansParentPaths;
+    std::string CacheFolderName;
+    std::string CacheFileName;
+};
+
+struct OptionRow {
+    std::int64_t TagOption_ID = 0;
+    std::string Option;
+    std::int64_t TagURLID = 0;
+};
+
+std::optional<TagRow> readTag(std::int64_t Tag_ID, const RebuildContext &ctx) {
+    SQLite::Statement row(ctx.project, "SELECT URL_ID, OriginalTag, TagSansParentPaths, "
+                                       "CacheFolderName, CacheFileName FROM Tags WHERE Tag_ID = ?");
+    row.bind(1, Tag_ID);
+    if (!row.executeStep())
+        return std::nullopt;
+    const auto text = [&row](int at) { return row.getColumn(at).getString(); };
+    return TagRow{row.getColumn(0).getInt64(), text(1), text(2), text(3), text(4)};
+}
+
+/// The first option and how many there are; only the first can be taken.
+struct Options {
+    std::int64_t count = 0;
+    OptionRow first;
+};
+
+Options readOptions(std::int64_t Tag_ID, const RebuildContext &ctx) {
+    Options options;
+    SQLite::Statement count(ctx.project, "SELECT Count(*) FROM TagOptions WHERE Tag_ID = ?");
+    count.bind(1, Tag_ID);
+    count.executeStep();
+    options.count = count.getColumn(0).getInt64();
+    SQLite::Statement row(ctx.project, "SELECT TagOption_ID, Option, TagURLID FROM TagOptions "
+                                       "WHERE Tag_ID = ? ORDER BY TagOption_ID LIMIT 1");
+    row.bind(1, Tag_ID);
+    if (row.executeStep())
+        options.first = {row.getColumn(0).getInt64(), row.getColumn(1).getString(),
+                         row.getColumn(2).getInt64()};
+    return options;
+}
+
+std::string urlOf(std::int64_t URL_ID, const RebuildContext &ctx) {
+    const auto page = ctx.records.GetURL(UrlId{URL_ID});
+    return page ? page->URL : std::string();
+}
+
+bool endsWithNoCase(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && equalsNoCase(text.substr(text.size() - end.size()), end);
+}
+
+/// Whether one of the four tests picks an option by its id. All of them look at the page's own URL
+/// and never at the option, so what decides is whether any succeeds, and then the first option is
+/// taken. Earlier cases were rebuilt that way.
+bool isPickedById(const TagRow &tag, std::string_view pageURL) {
+    if (pageURL.empty())
+        return false; // nothing is found in an empty text, not even an empty one
+    const std::string_view name = GetFilenameFromPath(trim(tag.OriginalTag));
+    const std::string sans(trim(tag.TagSansParentPaths));
+    const std::string line = replaceAll(replaceAll(sans, "\n", ""), "\r", "");
+    const std::string tail = sans.find('/') == std::string::npos ? "/" + sans : sans;
+    return (endsWithNoCase(pageURL, line) && containsNoCase(pageURL, name)) ||
+           pageURL.find(HostFromURL(pageURL)) != std::string_view::npos ||
+           endsWithNoCase(pageURL, tail) || containsNoCase(pageURL, sans);
+}
+
+/// What is written to the tag's row; members without a value leave their column.
+struct Pick {
+    std::optional<std::string> NewTag;
+    std::string AccuracyScore;
+    std::optional<std::int64_t> TagURLID;
+    std::optional<std::int64_t> TagOption_ID;
+};
+
+void store(const Pick &pick, std::int64_t Tag_ID, const RebuildContext &ctx) {
+    SQLite::Statement update(ctx.project,
+                             "UPDATE Tags SET AccuracyScore = ?, NewTag = coalesce(?, NewTag), "
+                             "TagURLID = coalesce(?, TagURLID), "
+                             "TagOption_ID = coalesce(?, TagOption_ID) WHERE Tag_ID = ?");
+    const auto bindNumber = [&update](int at, const std::optional<std::int64_t> &value) {
+        value ? update.bind(at, *value) : update.bind(at);
+    };
+    update.bind(1, pick.AccuracyScore);
+    pick.NewTag ? update.bind(2, *pick.NewTag) : update.bind(2);
+    bindNumber(3, pick.TagURLID);
+    bindNumber(4, pick.TagOption_ID);
+    update.bind(5, Tag_ID);
+    update.exec();
+}
+
+std::string score(std::int64_t count) {
+    return fmt::format("{}:{}", count > 0 ? 1 : 0, count);
+}
+
+Pick pickForIE(const TagRow &tag, const Options &options, std::string_view pageURL) {
+    Pick pick;
+    pick.AccuracyScore = score(options.count);
+    if (options.count == 0) {
+        pick.NewTag = tag.OriginalTag;
+        return pick;
+    }
+    const bool byId = options.count == 1 || isPickedById(tag, pageURL);
+    pick.NewTag = options.count == 1 || !byId ? std::string(trim(options.first.Option))
+                                              : options.first.Option;
+    pick.TagOption_ID = byId ? options.first.TagOption_ID : 0;
+    if (byId)
+        pick.TagURLID = options.first.TagURLID;
+    return pick;
+}
+
+Pick pickForOthers(const TagRow &tag, const Options &options, std::string_view pageURL) {
+    Pick pick;
+    pick.AccuracyScore = score(options.count);
+    if (options.count == 0)
+        pick.TagURLID = 0;
+    else if (options.count == 1 || isPickedById(tag, pageURL))
+        pick.TagURLID = options.first.TagURLID;
+    else
+        pick.NewTag = std::string(trim(options.first.Option));
+    return pick;
+}
+
+// "../ABCDEFGH/name": where folder and name stand in a path of Internet Explorer, in characters.
+constexpr std::string_view kParent = "../";
+constexpr std::size_t kFolderLength = 8;
+constexpr std::size_t kNameAt = kParent.size() + kFolderLength + 1;
+
+void keepFolder(std::int64_t URL_ID, std::string_view newTag, const RebuildContext &ctx) {
+    SQLite::Statement update(ctx.project, "UPDATE URLs SET CacheFolderName = ?, CacheFileName = ? "
+                                          "WHERE URL_ID = ?");
+    update.bind(1, std::string(charSub(newTag, kParent.size(), kFolderLength)));
+    update.bind(2, std::string(charSub(newTag, kNameAt)));
+    update.bind(3, URL_ID);
+    update.exec();
+}
+
+void keepSize(const TagRow &tag, const RebuildContext &ctx) {
+    const auto page = ctx.records.GetURL(UrlId{tag.URL_ID});
+    if (!page || tag.CacheFolderName.empty())
+        return;
+    const auto file = ctx.evidence.find(
+        page->RootPath, page->CacheRootPath + "/" + tag.CacheFolderName + "/" + tag.CacheFileName);
+    if (!file)
+        return;
+    SQLite::Statement update(ctx.project, "UPDATE URLs SET CacheFileSize = ? WHERE URL_ID = ?");
+    update.bind(1, static_cast<std::int64_t>(fs::file_size(*file)));
+    update.bind(2, tag.URL_ID);
+    update.exec();
+}
+
+std::vector<std::pair<std::int64_t, std::string>> tagsInOrder(const URLClass &page,
+                                                              const RebuildContext &ctx) {
+    std::vector<std::pair<std::int64_t, std::string>> tags;
+    SQLite::Statement rows(ctx.project, "SELECT Tag_ID, OriginalTag FROM Tags WHERE URL_ID = ? "
+                                        "ORDER BY OriginalTag ASC, Tag_ID");
+    rows.bind(1, number(page.URLID));
+    while (rows.executeStep())
+        tags.emplace_back(rows.getColumn(0).getInt64(), rows.getColumn(1).getString());
+    return tags;
+}
+
+} // namespace
+
+bool PickIETagOption(std::int64_t Tag_ID, const RebuildContext &ctx) {
+    const auto pick = [&] {
+        const auto tag = readTag(Tag_ID, ctx);
+        if (!tag)
+            return true;
+        const Pick made = pickForIE(*tag, readOptions(Tag_ID, ctx), urlOf(tag->URL_ID, ctx));
+        store(made, Tag_ID, ctx);
+        if (charCount(*made.NewTag) < kNameAt + 1)
+            return true;
+        if (made.NewTag->starts_with(kParent))
+            keepFolder(tag->URL_ID, *made.NewTag, ctx);
+        keepSize(*tag, ctx);
+        return true;
+    };
+    return trapped(ctx.log, Severity::Warning, "MainBAS.PickIETagOption()", kContactSupport, false,
+                   [&] { return onProject(pick); });
+}
+
+bool PickNonIETagOption(std::string_view, std::int64_t Tag_ID, const RebuildContext &ctx) {
+    const auto pick = [&] {
+        if (const auto tag = readTag(Tag_ID, ctx))
+            store(pickForOthers(*tag, readOptions(Tag_ID, ctx), urlOf(tag->URL_ID, ctx)), Tag_ID,
+                  ctx);
+        return true;
+    };
+    return trapped(ctx.log, Severity::Warning, "MainBAS.PickNonIETagOption()", kContactSupport,
+                   false, [&] { return onProject(pick); });
+}
+
+bool ChooseTagOptions(const URLClass &page, const RebuildContext &ctx) {
+    const bool byUrl = namesPartsByUrl(toUpper(page.cacheType));
+    const auto tags = trapped(ctx.log, Severity::Warning, "MainBAS.ChooseTagOptions()",
+                              kContactSupport, std::optional<decltype(tagsInOrder(page, ctx))>(),
+                              [&] { return std::optional(tagsInOrder(page, ctx)); });
+    if (!tags)
+        return false;
+    double done = 0;
+    for (const auto &[Tag_ID, OriginalTag] : *tags) {
+        if (!ctx.task.advance(done++ / static_cast<double>(tags->size())))
+            return false;
+        byUrl ? PickNonIETagOption(trim(OriginalTag), Tag_ID, ctx) : PickIETagOption(Tag_ID, ctx);
+    }
+    return true;
+}
+
+} // namespace nv

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "base/KeyedList.h"
+#include "db/URLClass.h"
+#include "rebuild/RebuildContext.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+/// A replacement that an examiner may choose by hand.
+struct URLChoice {
+    std::string ProposedNewValue;
+    std::string URL;
+    std::string RelativePath;
+};
+using URLChoices = KeyedList<URLChoice>;
+
+/// Picks one of its options for every tag of the page, in the order of their texts, and writes pick
+/// and score into the tag's row. False after a failure, which is logged, and when cancelled.
+bool ChooseTagOptions(const URLClass &page, const RebuildContext &ctx);
+
+/// The pick for a page of Internet Explorer, whose parts are named by cache folder and file. What
+/// is found of the folder is written to the page's own record: that is how it has always been, and
+/// the audit of earlier cases shows it.
+bool PickIETagOption(std::int64_t Tag_ID, const RebuildContext &ctx);
+
+/// The pick for a page of the other browsers, whose parts are named by URL.
+bool PickNonIETagOption(std::string_view OriginalTag, std::int64_t Tag_ID,
+                        const RebuildContext &ctx);
+
+} // namespace nv

@@ -1,0 +1,208 @@
+#include "rebuild/TagOptions.h"
+
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/Savepoint.h"
+#include "db/SqliteErrors.h"
+#include "rebuild/PageText.h"
+#include "rebuild/UrlPatterns.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kProcedure = "MainBAS.FindTagOptions()";
+// This web mail keeps the parts of its pages on a second host.
+constexpr std::string_view kWebMail = "mail.yahoo.com";
+constexpr std::string_view kWebMailParts = "mail.yimg.com";
+
+struct SearchedTag {
+    std::int64_t Tag_ID;
+    std::optional<std::size_t> pattern; ///< nothing for a text that can't be searched for
+};
+
+/// Records that hold a tag's text in their URL, by URL_ID in rising order.
+struct Candidates {
+    std::vector<std::int64_t> ofHost;
+    std::vector<std::int64_t> ofAnyHost;
+};
+
+std::string without(std::string_view text, std::string_view what) {
+    return replaceAll(text, what, "");
+}
+
+/// Which records belong to the page's own site.
+class SiteTest {
+  public:
+    explicit SiteTest(std::string_view host)
+        : m_host(host), m_isWebMail(containsNoCase(host, kWebMail)),
+          m_inUrl(LikePattern::compile("%" + std::string(host) + "%")) {}
+
+    bool takes(std::string_view host, std::string_view url) const {
+        if (equalsNoCase(host, m_host))
+            return true;
+        return m_isWebMail ? equalsNoCase(host, kWebMailParts) : m_inUrl && m_inUrl->matches(url);
+    }
+
+  private:
+    std::string m_host;
+    bool m_isWebMail;
+    std::optional<LikePattern> m_inUrl;
+};
+
+class OptionSearch {
+  public:
+    OptionSearch(const URLClass &page, const RebuildContext &ctx)
+        : m_page(page), m_ctx(ctx), m_cacheType(toUpper(page.cacheType)), m_site(page.host) {}
+
+    /// False when cancelled.
+    bool run() {
+        readTags();
+        return findCandidates() && storeOptions();
+    }
+
+  private:
+    void readTags() {
+        SQLite::Statement tags(m_ctx.project, "SELECT Tag_ID, OriginalTag FROM Tags "
+                                              "WHERE URL_ID = ? ORDER BY Tag_ID");
+        tags.bind(1, number(m_page.URLID));
+        while (tags.executeStep()) {
+            const std::string text = searchTextOf(tags.getColumn(1).getString());
+            m_tags.push_back({tags.getColumn(0).getInt64(), m_patterns.add(text)});
+            if (m_tags.back().pattern)
+                m_candidates.emplace_back();
+        }
+    }
+
+    bool findCandidates() {
+        if (m_candidates.empty())
+            return true;
+        SQLite::Statement urls(m_ctx.project, "SELECT URL_ID, URL, Host FROM URLs "
+                                              "WHERE CacheType = ? ORDER BY URL_ID");
+        urls.bind(1, m_cacheType); // the column compares without regard to case
+        while (urls.executeStep()) {
+            if (!m_ctx.task.advance(0.5))
+                return false;
+            const std::string_view url = textIn(urls.getColumn(1));
+            const std::string_view host = textIn(urls.getColumn(2));
+            m_patterns.find(url, [&](std::size_t pattern) {
+                Candidates &candidates = m_candidates[pattern];
+                const bool ofHost = m_site.takes(host, url);
+                (ofHost ? candidates.ofHost : candidates.ofAnyHost)
+                    .push_back(urls.getColumn(0).getInt64());
+            });
+        }
+        return true;
+    }
+
+    static std::string_view textIn(const SQLite::Column &column) {
+        return {column.getText(), static_cast<std::size_t>(column.getBytes())};
+    }
+
+    bool storeOptions() {
+        SQLite::Statement remove(m_ctx.project, "DELETE FROM TagOptions WHERE Tag_ID = ?");
+        SQLite::Statement insert(m_ctx.project, insertText());
+        const auto count = static_cast<double>(m_tags.size());
+        for (std::size_t i = 0; i < m_tags.size(); ++i) {
+            showTag(i + 1);
+            if (!m_ctx.task.advance(static_cast<double>(i) / count))
+                return false;
+            Savepoint whole(m_ctx.project);
+            remove.reset();
+            remove.bind(1, m_tags[i].Tag_ID);
+            remove.exec();
+            if (m_tags[i].pattern)
+                insertOptions(insert, m_tags[i].Tag_ID, m_candidates[*m_tags[i].pattern]);
+            whole.release();
+        }
+        return true;
+    }
+
+    std::string insertText() const {
+        const std::string option = namesPartsByUrl(m_cacheType)
+                                       ? "trim(URL)"
+                                       : "'../' || trim(coalesce(CacheFolderName, '')) || '/' || "
+                                         "trim(coalesce(CacheFileName, ''))";
+        return "INSERT INTO TagOptions (TagURLID, Option, Tag_ID) SELECT URL_ID, " + option +
+               ", ? FROM URLs WHERE URL_ID = ?";
+    }
+
+    static void insertOptions(SQLite::Statement &insert, std::int64_t tag,
+                              const Candidates &candidates) {
+        const auto &chosen = candidates.ofHost.empty() ? candidates.ofAnyHost : candidates.ofHost;
+        for (const std::int64_t url : chosen) {
+            insert.reset();
+            insert.bind(1, tag);
+            insert.bind(2, url);
+            insert.exec();
+        }
+    }
+
+    void showTag(std::size_t n) {
+        if (!m_ctx.task.wantsStep())
+            return;
+        TaskStep step;
+        step.bottomMessage = fmt::format("Finding Options for Tag #{} of {} ", n, m_tags.size());
+        step.bottomCounter = static_cast<std::int64_t>(n);
+        step.bottomTotal = static_cast<std::int64_t>(m_tags.size());
+        m_ctx.task.show(step);
+    }
+
+    const URLClass &m_page;
+    const RebuildContext &m_ctx;
+    std::string m_cacheType;
+    SiteTest m_site;
+    UrlPatterns m_patterns;
+    std::vector<SearchedTag> m_tags;
+    std::vector<Candidates> m_candidates; ///< by pattern
+};
+
+} // namespace
+
+std::string StripWhitespace(std::string_view text) {
+    std::string stripped;
+    std::ranges::copy_if(text, std::back_inserter(stripped),
+                         [](char c) { return c != ' ' && c != '\r' && c != '\n' && c != '\t'; });
+    return stripped;
+}
+
+std::string HostFromURL(std::string_view url) {
+    if (charCount(url) < 4 || !startsWithNoCase(url, "http"))
+        return {};
+    std::size_t slash = url.find('/');
+    for (int i = 1; i < 3 && slash != std::string_view::npos; ++i)
+        slash = url.find('/', slash + 1);
+    if (slash == std::string_view::npos)
+        return {};
+    std::string host(url.substr(0, slash));
+    for (const std::string_view prefix : {"http://www.", "http://", "https://", "www."})
+        host = ReplaceAllText(host, prefix, "");
+    const std::size_t port = host.find(':');
+    return port != std::string::npos && port > 0 ? host.substr(0, port) : host;
+}
+
+std::string searchTextOf(std::string_view OriginalTag) {
+    const std::string text = StripWhitespace(without(trim(OriginalTag), "../"));
+    const bool beginsHere = text.size() > 2 && text.starts_with("./");
+    return beginsHere ? without(without(text, "../"), "./") : text;
+}
+
+bool namesPartsByUrl(std::string_view cacheType) {
+    constexpr std::array<std::string_view, 4> kTypes = {"FIREFOX CACHE", "CHROME CACHE",
+                                                        "OPERA CACHE", "SAFARI CACHE"};
+    return std::ranges::find(kTypes, cacheType) != kTypes.end();
+}
+
+bool FindTagOptions(const URLClass &page, const RebuildContext &ctx) {
+    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false,
+                   [&] { return onProject([&] { return OptionSearch(page, ctx).run(); }); });
+}
+
+} // namespace nv

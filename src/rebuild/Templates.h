@@ -1,0 +1,51 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "db/URLClass.h"
+#include "rebuild/RebuildContext.h"
+#include "rebuild/TemplateFile.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nv {
+
+enum class IfTemplateExists { refuse, overwrite };
+enum class TemplateResult {
+    made,
+    noRebuild, ///< the record has no rebuild folder with its list of parts in this session
+    exists,    ///< the examiner has to be asked
+    failed,    ///< the log says why
+};
+
+/// Where CreateTemplate() writes for this record: the URL's file name below the folder, with what
+/// file names can't hold taken out.
+std::filesystem::path templatePathOf(const URLClass &page, const std::filesystem::path &templates);
+
+/// Makes a template of a page that was rebuilt in this session.
+TemplateResult CreateTemplate(const URLClass &page, const std::filesystem::path &templates,
+                              std::string_view version, IfTemplateExists ifExists,
+                              const RebuildContext &ctx);
+
+/// Unpacks a template for viewing; its page is "0000001.htm" in the folder that is returned.
+/// Nothing after a failure, which is logged.
+std::optional<std::filesystem::path> LoadTemplate(const std::filesystem::path &file,
+                                                  const RebuildContext &ctx);
+
+/// Lays a template over the record: its page and parts take the place of the record's own rebuild.
+/// Parts whose id stands for other bytes in this project are stored without one, so that no later
+/// harvest puts a stranger's picture in their place. False without records in the template, and
+/// after a failure, which is logged.
+bool RebuildFromTemplate(URLClass &page, const std::filesystem::path &file,
+                         const RebuildContext &ctx, const Clock &clock);
+
+/// Whether title and template belong together: trimmed and in either case, they are the same.
+bool templateMatchesTitle(const TemplateClass &made, std::string_view WebPageTitle);
+
+/// Template files of the folder, by name.
+std::vector<std::filesystem::path> templatesIn(const std::filesystem::path &folder);
+
+} // namespace nv

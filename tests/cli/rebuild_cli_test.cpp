@@ -1,0 +1,108 @@
+#include "base/Files.h"
+#include "cli/CliRun.h"
+#include "support/TempFolder.h"
+#include "support/builders/IndexDat.h"
+
+#include <gtest/gtest.h>
+
+namespace nv::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A cache of a page (row 1) and its picture (row 2), imported.
+class RebuildCliTest : public testing::Test {
+  protected:
+    RebuildCliTest() {
+        IndexDat index;
+        index.folder("ABCDEFGH");
+        add(index, "http://host/page.html", "page[1].htm",
+            "<html><title>Inbox</title><img src=\"pic/logo.gif\" ><img src=\"gone.gif\" ></html> ");
+        add(index, "http://host/pic/logo.gif", "logo[1].gif", "GIF89a");
+        writeWhole(evidence / "index.dat", index.bytes());
+        const CliResult run = cli({"import", project, evidence.string()});
+        EXPECT_EQ(run.exit, 0) << run.err;
+    }
+
+    void add(IndexDat &index, const std::string &url, const std::string &name,
+             const std::string &content) {
+        fs::create_directories(evidence / "ABCDEFGH");
+        writeWhole(evidence / "ABCDEFGH" / name, content);
+        index.add({.url = url,
+                   .fileSize = static_cast<std::uint32_t>(content.size()),
+                   .folder = 0,
+                   .fileName = name});
+    }
+    CliResult cli(std::vector<std::string> arguments) {
+        return runCli(arguments, folder.path() / "home");
+    }
+    std::string text(const fs::path &file) {
+        return fs::exists(file) ? std::string(ByteView(readWhole(file)).raw()) : "";
+    }
+
+    TempFolder folder;
+    fs::path evidence = folder.path() / "evidence";
+    fs::path out = folder.path() / "out";
+    std::string project = (folder.path() / "case.nvp").string();
+};
+
+TEST_F(RebuildCliTest, aPageIsHandedOverWithItsParts) {
+    const CliResult run = cli({"rebuild", project, "1", "--out", out.string()});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_NE(run.out.find("2 tags found, 1 replaced, 1 missing"), std::string::npos) << run.out;
+    EXPECT_NE(text(out / "0000001.NVR" / "0000001.htm").find("src=\"0000002.gif\""),
+              std::string::npos);
+    EXPECT_EQ(text(out / "0000001.NVR" / "0000002.gif"), "GIF89a");
+    const CliResult audit = cli({"audit", project, "1", "--format", "tsv"});
+    EXPECT_EQ(audit.exit, 0) << audit.err;
+    EXPECT_NE(audit.out.find("pic/logo.gif\t0000002.gif\tgif\t0000002.gif\t2"), std::string::npos)
+        << audit.out;
+    EXPECT_NE(audit.out.find("Missing or Invalid Tag"), std::string::npos) << audit.out;
+}
+
+TEST_F(RebuildCliTest, pagesAreChosenByIdTickOrAll) {
+    EXPECT_EQ(cli({"rebuild", project, "--out", out.string()}).exit, 1);
+    EXPECT_EQ(cli({"rebuild", project, "1", "--tagged", "--out", out.string()}).exit, 1);
+    EXPECT_NE(cli({"rebuild", project, "--tagged", "--out", out.string()}).out.find("0 of 0"),
+              std::string::npos);
+    EXPECT_EQ(cli({"tag", project, "--where", "URL LIKE '%.html'"}).exit, 0);
+    EXPECT_NE(cli({"rebuild", project, "--tagged", "--out", out.string()}).out.find("1 of 1"),
+              std::string::npos);
+    EXPECT_NE(cli({"rebuild", project, "--all-pages", "--out", out.string()}).out.find("1 of 1"),
+              std::string::npos);
+}
+
+TEST_F(RebuildCliTest, nothingIsWrittenIntoTheEvidence) {
+    const CliResult run = cli({"rebuild", project, "1", "--out", (evidence / "out").string()});
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_FALSE(fs::exists(evidence / "out"));
+}
+
+TEST_F(RebuildCliTest, ticksAreSetAndTakenAway) {
+    EXPECT_NE(cli({"tag", project, "1", "2"}).out.find("2 rows tagged"), std::string::npos);
+    EXPECT_NE(cli({"tag", project, "1", "--off"}).out.find("1 rows untagged"), std::string::npos);
+    EXPECT_NE(cli({"query", project, "SELECT Count(*) FROM URLs WHERE Tagged"}).out.find("1"),
+              std::string::npos);
+    EXPECT_EQ(cli({"tag", project, "99"}).exit, 1);
+    EXPECT_EQ(cli({"tag", project}).exit, 1);
+    EXPECT_EQ(cli({"tag", project, "--where", "1); DELETE FROM URLs; --"}).exit, 1);
+    EXPECT_NE(cli({"query", project, "SELECT Count(*) FROM URLs"}).out.find("2"),
+              std::string::npos);
+}
+
+TEST_F(RebuildCliTest, aTemplateIsMadeListedAndLaidOver) {
+    EXPECT_EQ(cli({"template", "create", project, "1"}).exit, 1); // not rebuilt yet
+    ASSERT_EQ(cli({"rebuild", project, "1", "--out", out.string()}).exit, 0);
+    const CliResult made = cli({"template", "create", project, "1"});
+    EXPECT_EQ(made.exit, 0) << made.out << made.err;
+    EXPECT_EQ(cli({"template", "create", project, "1"}).exit, 1); // it is there
+    EXPECT_EQ(cli({"template", "create", project, "1", "--overwrite"}).exit, 0);
+    EXPECT_NE(cli({"template", "list"}).out.find("Inbox"), std::string::npos);
+    const std::string file = made.out.substr(0, made.out.find("  "));
+    EXPECT_EQ(cli({"template", "apply", project, file, "2"}).exit, 1); // another title
+    EXPECT_EQ(cli({"template", "apply", project, file, "2", "--any-title"}).exit, 0);
+    EXPECT_EQ(cli({"audit", project, "2"}).exit, 0);
+}
+
+} // namespace
+} // namespace nv::test

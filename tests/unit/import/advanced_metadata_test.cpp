@@ -1,0 +1,216 @@
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "db/RecordNames.h"
+#include "import/ImportSink.h"
+#include "support/TestProject.h"
+#include "unit/import/ImportFixture.h"
+
+#include <gtest/gtest.h>
+
+namespace nv {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr std::string_view kPage =
+    "<html><head><title> Harbour &amp; News </title></head><body>Tide <b>tables</b>"
+    "<a href='http://a/'>a</a><a href='/b'>b</a><a href='#c'>c</a></body></html>";
+
+class AdvancedMetadataTest : public testing::Test {
+  protected:
+    /// A record whose content lies in the test's folder.
+    URLClass cached(const std::string &name, std::string_view bytes) {
+        const auto file = project.folder.write(name, bytes);
+        URLClass record;
+        record.cacheType = "IE Cache";
+        record.URL = "http://host/" + name;
+        record.CacheFileExists = true;
+        record.RootPath = evidence.rootOf(file);
+        record.CacheFileRelativePath = evidence.relativeOf(file);
+        return record;
+    }
+
+    /// The record on its way into the project.
+    URLClass saved(URLClass record) {
+        const Extraction extraction{evidence, project.folder.path(), project.log};
+        const Categories categories(Signatures::verify, extraction, content);
+        const AdvancedMetadata metadata(extraction, content);
+        WriteBatch batch(project.connection());
+        ImportSink sink(store, categories, content, batch, project.file, result, &metadata);
+        sink.save(record);
+        return record;
+    }
+
+    /// Its row afterwards.
+    URLClass row(const URLClass &record) {
+        return store.GetURL(saved(record).URLID).value_or(URLClass());
+    }
+    URLClass rowOf(const std::string &name, std::string_view bytes) {
+        return row(cached(name, bytes));
+    }
+    std::int64_t links() { return project.number("SELECT Count(*) FROM Links"); }
+
+    test::TestProject project;
+    RecordStore store = project.store();
+    Evidence evidence{project.folder.path()};
+    ContentProbe content;
+    ArtefactResult result;
+};
+
+TEST_F(AdvancedMetadataTest, putsWhatAPageSaysIntoItsRow) {
+    const URLClass page = rowOf("page.htm", kPage);
+    EXPECT_EQ(page.WebpageTitle, "Harbour &amp; News"); // as it stands between the tags
+    EXPECT_EQ(page.HTMLBody, "Tide tablesabc");
+    EXPECT_TRUE(page.IsWebPage);
+    EXPECT_EQ(page.Links, "");
+    EXPECT_TRUE(project.log.entries.empty());
+}
+
+TEST_F(AdvancedMetadataTest, addsARowForEachLinkThatNamesThePageItself) {
+    const URLClass page = rowOf("page.htm", kPage);
+    EXPECT_EQ(links(), 3);
+    EXPECT_EQ(project.text("SELECT group_concat(DISTINCT URL_ID || URL || HashedURL) FROM Links"),
+              "1http://host/page.htm" + hashOfUrl(page.URL));
+}
+
+TEST_F(AdvancedMetadataTest, leavesTheLinksThatTheReaderFoundAsTheyAre) {
+    URLClass record = cached("page.htm", "<html><a href=x>");
+    record.Links = "http://one/|two";
+    record.IsWebPage = true;
+    EXPECT_EQ(row(record).Links, "http://one/|two");
+    EXPECT_EQ(project.text("SELECT group_concat(URL) FROM Links"),
+              "http://one/,http://host/page.htm");
+}
+
+TEST_F(AdvancedMetadataTest, takesAScriptForNoPageWhateverItHolds) {
+    for (const std::string name : {"script.js", "SCRIPT.JS"}) {
+        URLClass record = cached(name, kPage);
+        record.IsWebPage = true;
+        const URLClass script = row(record);
+        EXPECT_EQ(script.HTMLBody, "") << name;
+        EXPECT_EQ(script.WebpageTitle, "") << name;
+        EXPECT_FALSE(script.IsWebPage) << name;
+    }
+    EXPECT_EQ(links(), 0);
+}
+
+TEST_F(AdvancedMetadataTest, passesOverContentThatIsNoPage) {
+    const URLClass row = rowOf("text.htm", "<title>Title</title><p>text<a href=x>");
+    EXPECT_EQ(row.HTMLBody, "");
+    EXPECT_EQ(row.WebpageTitle, "");
+    EXPECT_EQ(links(), 0);
+}
+
+TEST_F(AdvancedMetadataTest, marksAPageWhateverItsNameSays) {
+    for (const std::string name : {"page.gif", "page.txt", "page.bin", "noname", "page.asp"}) {
+        const URLClass row = rowOf(name, "..<BODY>text");
+        EXPECT_TRUE(row.IsWebPage) << name;
+        EXPECT_EQ(row.HTMLBody, "..text") << name;
+    }
+}
+
+TEST_F(AdvancedMetadataTest, keepsTheTitleOfARecordWhosePageHasNone) {
+    URLClass record = cached("page.htm", "<html><body>text");
+    record.WebpageTitle = "from the index";
+    EXPECT_EQ(row(record).WebpageTitle, "from the index");
+    record = cached("open.htm", "<html><title>never ended <body>text");
+    record.WebpageTitle = "from the index";
+    EXPECT_EQ(row(record).WebpageTitle, "from the index");
+    record = cached("empty.htm", "<html><title> </title><body>text");
+    record.WebpageTitle = "from the index";
+    EXPECT_EQ(row(record).WebpageTitle, "from the index");
+}
+
+TEST_F(AdvancedMetadataTest, readsTitleAndBodyInThePagesOwnEncoding) {
+    const std::string bytes = "<html><title>\xCF\xF0</title><body>\xCF\xF0";
+    const URLClass page = rowOf("page.htm", bytes + "<meta charset=windows-1251>");
+    EXPECT_EQ(page.WebpageTitle, "\xD0\x9F\xD1\x80");
+    EXPECT_EQ(page.HTMLBody, "\xD0\x9F\xD1\x80");
+    URLClass record = cached("other.htm", bytes);
+    record.MetaData = "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=windows-1251\r\n";
+    EXPECT_EQ(row(record).WebpageTitle, "\xD0\x9F\xD1\x80");
+}
+
+TEST_F(AdvancedMetadataTest, endsWithoutAFile) {
+    URLClass record = cached("page.htm", kPage);
+    std::filesystem::remove(project.folder.path() / "page.htm");
+    EXPECT_FALSE(row(record).IsWebPage);
+    record = cached("page.htm", kPage);
+    record.CacheFileExists = false;
+    EXPECT_EQ(row(record).HTMLBody, "");
+    EXPECT_TRUE(project.log.entries.empty());
+    EXPECT_EQ(result.rowsSaved, 2U);
+}
+
+TEST_F(AdvancedMetadataTest, savesAPageBeyondALimitWithItsTitleAndSaysSo) {
+    std::string deep = "<html><title>Deep</title><body>";
+    for (int i = 0; i < 100'000; ++i)
+        deep += "<b>";
+    const URLClass page = rowOf("deep.htm", deep);
+    EXPECT_TRUE(page.IsWebPage);
+    EXPECT_EQ(page.WebpageTitle, "Deep");
+    EXPECT_EQ(page.HTMLBody, "");
+    ASSERT_EQ(project.log.entries.size(), 1U);
+    const Failure &failure = project.log.entries[0];
+    EXPECT_EQ(failure.procedure, "MainBAS.ParseAdvancedMetaData()");
+    EXPECT_EQ(failure.severity, Severity::Warning);
+    EXPECT_NE(failure.message.find("deep.htm"), std::string::npos);
+    EXPECT_NE(failure.message.find("4000"), std::string::npos);
+}
+
+TEST_F(AdvancedMetadataTest, savesAPageOfFiftyMegabytesWithItsTitle) {
+    const URLClass page =
+        rowOf("large.htm", "<html><title>Large</title>" + std::string(50 << 20, 'x'));
+    EXPECT_EQ(page.WebpageTitle, "Large");
+    EXPECT_TRUE(page.IsWebPage);
+    EXPECT_EQ(page.HTMLBody, "");
+    ASSERT_EQ(project.log.entries.size(), 1U);
+    EXPECT_NE(project.log.entries[0].message.find("8388608"), std::string::npos);
+}
+
+TEST_F(AdvancedMetadataTest, keepsTheRowWhenItsLinksCantBeStored) {
+    project.connection().exec("CREATE TRIGGER NoLinks BEFORE INSERT ON Links "
+                              "BEGIN SELECT RAISE(ABORT, 'no links today'); END");
+    EXPECT_EQ(rowOf("page.htm", kPage).HTMLBody, "Tide tablesabc");
+    ASSERT_EQ(project.log.entries.size(), 1U);
+    EXPECT_EQ(project.log.entries[0].procedure, "MainBAS.ParseAdvancedMetaData()");
+    EXPECT_EQ(result.rowsSaved, 1U);
+}
+
+TEST_F(AdvancedMetadataTest, writesNoLinksOfARowThatTheProjectDidntTake) {
+    project.connection().exec("CREATE TRIGGER NoRows BEFORE INSERT ON URLs "
+                              "BEGIN SELECT RAISE(ABORT, 'no rows today'); END");
+    EXPECT_EQ(saved(cached("page.htm", kPage)).URLID, UrlId::none);
+    EXPECT_EQ(links(), 0);
+}
+
+/// A reader that saves the page "page.htm" beside its file.
+ReadResult readPageBeside(ReadContext &ctx) {
+    URLClass record;
+    record.URL = "http://host/page.htm";
+    record.CacheFileExists = true;
+    record.RootPath = textOf(ctx.file.FullPath.parent_path()) + "/";
+    record.CacheFileRelativePath = "page.htm";
+    ctx.sink.save(record);
+    return {};
+}
+
+constexpr Reader kPageReader = test::madeUp(HistoryFileType::csv, "page", readPageBeside);
+
+class AdvancedMetadataOption : public test::ImportFixture {};
+
+TEST_F(AdvancedMetadataOption, turnsTheStepOnAndOff) {
+    add(HistoryFileType::csv, "file", "");
+    project.folder.write("page.htm", kPage);
+    for (const bool wanted : {true, false}) {
+        job.ParseAdvancedMetadata = wanted;
+        Unwatched task;
+        import(task, [](HistoryFileType) { return &kPageReader;
+    });
+}
+EXPECT_EQ(project.text("SELECT group_concat(HTMLBody, '|') FROM URLs"), "Tide tablesabc|");
+EXPECT_EQ(project.number("SELECT Count(*) FROM Links"), 3);
+} // namespace
+
+} // namespace nv
+} // namespace nv

@@ -1,0 +1,236 @@
+#include "import/HtmlCost.h"
+#include "import/PageContent.h"
+#include "import/PageText.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace nv {
+namespace {
+
+using namespace std::string_literals;
+using Strings = std::vector<std::string>;
+
+std::string repeated(std::string_view text, std::size_t times) {
+    std::string all;
+    all.reserve(text.size() * times);
+    for (std::size_t i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
+std::string bodyOf(std::string_view html) {
+    return ReadPageContent(html, "page").Body;
+}
+
+Strings linksOf(std::string_view html) {
+    return ReadPageContent(html, "page").Links;
+}
+
+std::string decoded(const std::string &bytes, std::string_view header = {}) {
+    return decodePage(viewOf(bytes), header);
+}
+
+/// Why the page isn't read; empty when it is.
+std::string refusalOf(std::string_view html) {
+    const HtmlLimits limits;
+    return costOf(html, limits).beyond(limits);
+}
+
+std::size_t depthOf(std::string_view html) {
+    return costOf(html, {}).depth;
+}
+
+TEST(PageContent, givesTheTextOfTheBody) {
+    EXPECT_EQ(bodyOf("<html><head><title>Title</title></head><body>one <b>two</b>three</body>"),
+              "one twothree");
+    EXPECT_EQ(bodyOf("<p>without any frame"), "without any frame");
+    EXPECT_EQ(bodyOf(""), "");
+}
+
+TEST(PageContent, leavesOutWhatABrowserDoesntShow) {
+    EXPECT_EQ(bodyOf("<body>a<script>var s='<p>no</p>'</script>b<style>p{}</style>c<!-- no -->d"
+                     "<noscript>no</noscript>e<iframe>no</iframe>f<template>no</template>g"),
+              "abcdefg");
+}
+
+TEST(PageContent, partsBlocksByLines) {
+    EXPECT_EQ(bodyOf("<h1>Head</h1>\n\n<p>one\n  two<br>three<ul><li>four<li>five</ul>"),
+              "Head\r\none two\r\nthree\r\nfour\r\nfive");
+    EXPECT_EQ(bodyOf("<table><tr><td>a<td>b<tr><td>c</table>d"), "a b\r\nc\r\nd");
+    EXPECT_EQ(bodyOf("<pre>a  b\nc</pre>"), "a b\r\nc");
+    EXPECT_EQ(bodyOf("<select><option>one<option>two</select>"), "one\r\ntwo");
+}
+
+TEST(PageContent, drawsWhiteSpaceTogether) {
+    EXPECT_EQ(bodyOf("  a\t\r\n b&nbsp;c &amp; caf&eacute; &#x20AC; "),
+              "a b c & caf\xC3\xA9 \xE2\x82\xAC");
+    EXPECT_EQ(bodyOf("<b>a</b> <i>b</i>"), "a b");
+}
+
+TEST(PageContent, listsTheTargetsAsTheyStandInThePage) {
+    EXPECT_EQ(linksOf("<a href='http://a/'>x</a><a name=n>y</a><map><area href=\"/b?c=d&amp;e\">"
+                      "</map><A HREF=#top><a href=''>z</a><a href=' c\nd '><link href=no>"),
+              (Strings{"http://a/", "/b?c=d&e", "#top", "cd"}));
+    EXPECT_EQ(linksOf("<a href='a|b'>"), Strings{"a|b"});
+    EXPECT_EQ(linksOf("<body><noscript><a href=a></noscript><script>'<a href=b>'</script>"),
+              Strings{});
+}
+
+TEST(PageContent, ofASetOfFramesIsEmpty) {
+    const PageContent page = ReadPageContent(
+        "<html><frameset><frame src=a><noframes>none</noframes></frameset>", "page");
+    EXPECT_EQ(page.Body, "");
+    EXPECT_TRUE(page.Links.empty());
+}
+
+TEST(PageContent, survivesOddBytes) {
+    EXPECT_EQ(bodyOf("<body>a\0b<p\0>c"s).substr(0, 1), "a");
+    EXPECT_EQ(bodyOf("<title>"), "");
+    EXPECT_EQ(bodyOf("<body><title>never ended"), "");
+    EXPECT_EQ(bodyOf("<body>a<"), "a<");
+    EXPECT_EQ(bodyOf("<body>a<b href='"), "a");
+    EXPECT_EQ(bodyOf(std::string(1 << 20, '\0')).find("<"), std::string::npos);
+}
+
+TEST(PageText, followsTheByteOrderMarkFirst) {
+    EXPECT_EQ(decoded("\xEF\xBB\xBF<meta charset=iso-8859-1>\xC3\xA9"),
+              "<meta charset=iso-8859-1>\xC3\xA9");
+    EXPECT_EQ(decoded("\xFF\xFE<\0h\0\xE9\0"s), "<h\xC3\xA9");
+    EXPECT_EQ(decoded("\xFE\xFF\0<\0h\0\xE9"s), "<h\xC3\xA9");
+    EXPECT_EQ(decoded("\xFF\xFE"s), "");
+}
+
+TEST(PageText, followsTheMetaTagBeforeTheHeader) {
+    const std::string_view header = "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\n";
+    EXPECT_EQ(decoded("<META http-equiv='Content-Type' content='text/html; charset=windows-1251'>"
+                      "\xCF",
+                      header)
+                  .substr(74),
+              "\xD0\x9F");
+    EXPECT_EQ(decoded("\xC3\xA9", header), "\xC3\xA9");
+    EXPECT_EQ(decoded("\xC3\xA9"), "\xC3\x83\xC2\xA9");
+    EXPECT_EQ(decoded("\x80", "HTTP/1.1 200 OK\r\n"), "\xE2\x82\xAC");
+}
+
+TEST(PageText, findsTheCharsetHoweverItIsWritten) {
+    for (const std::string_view meta :
+         {"<meta charset=big5>", "<meta charset = \"big5\" />", "<META CHARSET='big5'>",
+          "<meta content=\"text/html;charset=big5\">", "<meta content='text/html; Charset=big5;x'>",
+          "<meta name=charset><meta charset=big5>", "<!-- <meta charset=x> --><meta charset=big5>"})
+        EXPECT_EQ(charsetOfMeta(meta), "big5") << meta;
+    for (const std::string_view none :
+         {"<meta charset>", "<meta charset=>", "charset=x", "<!-- <meta charset=x>"})
+        EXPECT_EQ(charsetOfMeta(none), "") << none;
+    EXPECT_EQ(charsetOfHeader("HTTP/1.0 200\r\ncontent-type:text/html;charset=\"KOI8-R\"\r\n"),
+              "KOI8-R");
+    EXPECT_EQ(charsetOfHeader("X-charset: a\r\n"), "");
+}
+
+TEST(PageText, readsEncodingsOfManyTongues) {
+    EXPECT_EQ(decoded("\x83\x65", "Content-Type: text/html; charset=Shift_JIS"), "\xE3\x83\x86");
+    EXPECT_EQ(decoded("\xB0\xA1", "Content-Type: a; charset=gb2312"), "\xE5\x95\x8A");
+    EXPECT_EQ(decoded("\xF0", "Content-Type: a; charset=koi8-r"), "\xD0\x9F");
+    EXPECT_EQ(decoded("\x80", "Content-Type: a; charset=ISO-8859-1"), "\xE2\x82\xAC");
+}
+
+TEST(PageText, passesOverEncodingsThatCantBe) {
+    for (const std::string_view name : {"nonsense", "ibm-37", "utf-32", "\xFF", "utf-8\0x"}) {
+        const std::string header = "Content-Type: a; charset=" + std::string(name);
+        EXPECT_EQ(decoded("<\x80>", header).substr(0, 1), "<") << name;
+    }
+    EXPECT_EQ(decoded("<meta charset=nonsense>\x80"), "<meta charset=nonsense>\xE2\x82\xAC");
+    EXPECT_EQ(decoded("<meta charset=utf-16>\xC3\xA9"), "<meta charset=utf-16>\xC3\xA9");
+}
+
+TEST(PageText, marksBytesThatTheEncodingDoesntKnow) {
+    EXPECT_EQ(decoded("\xEF\xBB\xBF"
+                      "a\xFF"
+                      "b"),
+              "a\xEF\xBF\xBD"
+              "b");
+    EXPECT_EQ(decoded("\xFF\xFE"
+                      "a\0b"s),
+              "a\xEF\xBF\xBD");
+    EXPECT_EQ(decoded("\xFF\xFE\0\xD8"
+                      "b\0"s),
+              "\xEF\xBF\xBD"
+              "b");
+}
+
+TEST(PageText, isReadFromAFileWithinALimit) {
+    const test::TempFolder folder;
+    const auto page = folder.write("page.htm", std::string(kPageBytes, ' '));
+    EXPECT_EQ(ReadPageText(page, "").size(), kPageBytes);
+    const auto large = folder.write("large.htm", std::string(kPageBytes + 1, ' '));
+    try {
+        ReadPageText(large, "");
+        FAIL() << "a page beyond the limit was read";
+    } catch (const PageTooLarge &failure) {
+        EXPECT_EQ(failure.what(), large.string() + " is not read as a page: its 8388609 bytes are "
+                                                   "more than the limit of 8388608");
+    }
+}
+
+TEST(HtmlCost, ofOrdinaryPagesIsSmall) {
+    EXPECT_EQ(depthOf("<html><body><div><p>a<p>b</div><br><img src=a></body></html>"), 2U);
+    EXPECT_EQ(depthOf(repeated("<div><span>x</span></div>", 1000)), 2U);
+    EXPECT_EQ(depthOf("<ul>" + repeated("<li>x", 5000) + "</ul>"), 2U);
+    EXPECT_EQ(depthOf(repeated("<p>x", 5000)), 1U);
+    EXPECT_EQ(depthOf("<table>" + repeated("<tr><td><font size=1>a<th>b", 5000) + "</table>"), 4U);
+    EXPECT_EQ(depthOf("<select>" + repeated("<option>x", 5000) + "</select>"), 2U);
+    EXPECT_EQ(depthOf(repeated("<a name=x>text<a href=y>", 5000)), 1U);
+    EXPECT_EQ(depthOf("<dl>" + repeated("<dt>x<dd>y", 5000) + "</dl>"), 2U);
+    EXPECT_EQ(depthOf(repeated("<table><tr><td>x</table>", 5000)), 3U);
+}
+
+TEST(HtmlCost, doesntCountTagsInTextCommentsAndQuotes) {
+    EXPECT_EQ(depthOf("<script>" + repeated("<div>", 50) + "</script>"), 0U);
+    EXPECT_EQ(depthOf("<script><!--<script></script>" + repeated("<b>", 50) + "--></script>"), 0U);
+    EXPECT_EQ(depthOf("<!-- " + repeated("<div>", 50) + "-->"), 0U);
+    EXPECT_EQ(depthOf("<!--><i><!---><i><!-- --!><i>"), 3U);
+    EXPECT_EQ(depthOf("<div title='" + repeated("<div>", 50) + "'>"), 1U);
+    EXPECT_EQ(depthOf("<textarea>" + repeated("<div>", 50)), 0U);
+}
+
+TEST(HtmlCost, keepsWhatAnEndTagMayNotEnd) {
+    EXPECT_EQ(depthOf(repeated("<div><marquee></div></marquee>", 100)), 101U);
+    EXPECT_EQ(depthOf(repeated("<tr><div></tr>", 100)), 100U);
+    EXPECT_EQ(depthOf(repeated("<p><b></p>", 100)), 101U); // the parser opens each again
+    EXPECT_GE(depthOf("<svg><title>" + repeated("<g>", 100)), 100U);
+}
+
+TEST(HtmlCost, refusesWhatIsBuiltToExhaust) {
+    EXPECT_NE(refusalOf(repeated("<b>", 100'000)).find("limit of 4000"), std::string::npos);
+    EXPECT_NE(refusalOf(repeated("<div>", 100'000)), "");
+    EXPECT_NE(refusalOf(repeated("<p><b id=1></p>", 100'000)), "");
+    EXPECT_NE(refusalOf("<p " + repeated("a ", 100'000) + ">"), "");
+    EXPECT_NE(refusalOf("<p" + repeated(" a=1", 501) + ">").find("limit of 500"),
+              std::string::npos);
+    EXPECT_EQ(refusalOf("<p" + repeated(" a=1", 500) + ">"), "");
+    EXPECT_NE(refusalOf(repeated("<i>", 3900) + repeated("<br>", 100'000)), "");
+    EXPECT_NE(refusalOf(repeated("<font a=1 b=2 c=3>", 3000) + repeated("<p>", 10'000)), "");
+}
+
+TEST(HtmlCost, endsWithTheFirstLimitPassed) {
+    EXPECT_EQ(depthOf(repeated("<b>", 1'000'000)), 4001U);
+}
+
+TEST(PageContent, refusesWhatIsBeyondALimitAndNamesTheFile) {
+    try {
+        ReadPageContent(repeated("<b>", 100'000), "/cache/page.htm");
+        FAIL() << "a page beyond the limit was read";
+    } catch (const PageTooLarge &failure) {
+        EXPECT_STREQ(failure.what(), "/cache/page.htm is not read as a page: its tags nest deeper "
+                                     "than the limit of 4000");
+    }
+}
+
+TEST(PageContent, readsToTheLimits) {
+    EXPECT_EQ(bodyOf(repeated("<div>", 4000) + "x"), "x");
+    EXPECT_EQ(linksOf(repeated("<a href=x>", 100'000)).size(), 100'000U);
+    EXPECT_EQ(bodyOf("<p" + repeated(" a=1", 500) + ">x"), "x");
+}
+
+} // namespace
+} // namespace nv

@@ -1,0 +1,182 @@
+#include "base/Files.h"
+#include "readers/Registry.h"
+#include "readers/chrome/CacheBody.h"
+#include "support/builders/Packed.h"
+#include "unit/readers/ChromeCacheFixture.h"
+
+namespace nv {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::IsEmpty;
+
+/// Reads the first record of a cache and extracts its body, as from a stored row.
+struct ChromeCacheBody : test::ChromeCacheTest {
+    test::TempFolder scratch;
+    test::MemoryLog log;
+    URLClass record;
+
+    bool extractBelow(const fs::path &base, std::string_view suffix) {
+        const Evidence evidence(base);
+        return ExtractChromeCacheFile(record, suffix, {evidence, scratch.path(), log});
+    }
+    bool extract(std::string_view suffix = "") { return extractBelow(disk.path(), suffix); }
+    void add(const std::string &body) {
+        cache.add(entry("http://host.example/", body));
+        read();
+        record = reading.records().at(0);
+    }
+    std::string content() const {
+        const Bytes bytes = readWhole(record.RunTimeTempFilePath);
+        return {bytes.begin(), bytes.end()};
+    }
+};
+
+TEST_F(ChromeCacheBody, comesOutOfItsBlocks) {
+    add("the body");
+    ASSERT_TRUE(extract("txt"));
+    EXPECT_EQ(content(), "the body");
+    EXPECT_EQ(record.RunTimeTempFilePath.extension(), ".txt");
+    EXPECT_EQ(record.RunTimeContentPath, folder() / "data_1");
+    EXPECT_TRUE(record.CacheFileExists);
+    EXPECT_FALSE(record.GZipEncoded);
+    EXPECT_THAT(log.entries, IsEmpty());
+}
+
+TEST_F(ChromeCacheBody, ofEachSizeComesOutWhole) {
+    for (const std::size_t size : {1U, 1024U, 1025U, 4096U, 4097U, 16384U, 16385U, 100'000U})
+        cache.add(entry("http://host.example/", std::string(size, static_cast<char>(size))));
+    read();
+    for (const URLClass &each : reading.records()) {
+        record = each;
+        ASSERT_TRUE(extract()) << each.CacheFileSize;
+        EXPECT_EQ(content(), std::string(static_cast<std::size_t>(each.CacheFileSize),
+                                         static_cast<char>(each.CacheFileSize)));
+    }
+}
+
+TEST_F(ChromeCacheBody, isFoundWhateverTheCaseOfItsFile) {
+    add(std::string(20000, 'x'));
+    fs::rename(folder() / "f_000001", folder() / "F_000001");
+    ASSERT_TRUE(extract());
+    EXPECT_EQ(content().size(), 20000U);
+    EXPECT_EQ(record.RunTimeContentPath, folder() / "F_000001");
+}
+
+TEST_F(ChromeCacheBody, isUnpacked) {
+    add(test::gzip("<html><body>page"));
+    ASSERT_TRUE(extract());
+    EXPECT_EQ(content(), "<html><body>page");
+    EXPECT_TRUE(record.GZipEncoded);
+}
+
+TEST_F(ChromeCacheBody, thatIsAPictureIsKnownAsOne) {
+    add("GIF89a" + std::string(20, '\1'));
+    ASSERT_TRUE(extract());
+    EXPECT_TRUE(record.IsPicture);
+    EXPECT_EQ(record.CacheFileExt, "gif");
+}
+
+TEST_F(ChromeCacheBody, longerThanItsFileGivesWhatIsThere) {
+    add("the body");
+    record.CacheFileSize = 0xFFFF'FFFF;
+    ASSERT_TRUE(extract());
+    EXPECT_EQ(content().size(), 512U); // its block, and the one of the entry behind it
+}
+
+TEST_F(ChromeCacheBody, behindTheEndOfItsFileIsNone) {
+    add("the body");
+    record.DataBlockFileOffset = 1LL << 40;
+    EXPECT_FALSE(extract());
+    EXPECT_TRUE(record.RunTimeTempFilePath.empty());
+    EXPECT_THAT(log.entries, IsEmpty());
+    EXPECT_TRUE(fs::is_empty(scratch.path()));
+}
+
+TEST_F(ChromeCacheBody, ofAnEntryWithoutOneIsNone) {
+    test::ChromeCacheEntry none = entry("http://host.example/", "");
+    none.where = test::ChromeCacheEntry::Body::none;
+    cache.add(none);
+    read();
+    record = reading.records().at(0);
+    disk.write(folder() / "f_000000", "not the body of this entry");
+    EXPECT_EQ(record.DataBlockFile, "f_000000");
+    EXPECT_FALSE(extract());
+}
+
+TEST_F(ChromeCacheBody, ofAnAddressWithTheTopBitAloneIsTheFileWithSixZeros) {
+    const auto place = cache.add(entry("http://host.example/", "12345678"));
+    put(place.entry, 0x20, 0x8000'0000);
+    read();
+    record = reading.records().at(0);
+    EXPECT_EQ(record.DataBlockFile, "f_000000");
+    disk.write(folder() / "f_000000", "separate body");
+    ASSERT_TRUE(extract());
+    EXPECT_EQ(content(), "separate");
+}
+
+TEST_F(ChromeCacheBody, ofAnAddressThatNamesNoBlockIsNone) {
+    const auto place = cache.add(entry("http://host.example/", "12345678"));
+    put(place.entry, 0x20, 0xD001'0000);
+    read();
+    record = reading.records().at(0);
+    EXPECT_EQ(record.DataBlockFile, "data_1");
+    EXPECT_EQ(record.DataBlockFileOffset, 0);
+    EXPECT_FALSE(extract()); // the head of the block file is nobody's body
+}
+
+TEST_F(ChromeCacheBody, whoseFileIsGoneIsNone) {
+    add(std::string(20000, 'x'));
+    fs::remove(folder() / "f_000001");
+    record.CacheFileExists = true;
+    EXPECT_FALSE(extract());
+    EXPECT_TRUE(record.CacheFileExists); // as stored
+    EXPECT_THAT(log.entries, IsEmpty());
+}
+
+TEST_F(ChromeCacheBody, isExtractedForStoredRecordsOnly) {
+    add("the body");
+    record.URLID = UrlId::none;
+    EXPECT_FALSE(extract());
+}
+
+TEST_F(ChromeCacheBody, isFoundBesideTheIndexWhenTheFolderIsNamedOtherwise) {
+    add("the body");
+    const fs::path moved = scratch.path() / "moved";
+    fs::rename(disk.path() / "mara", disk.path() / "MARA");
+    EXPECT_TRUE(extract()); // the row's folder is gone, its index is found by its name
+    fs::create_directories(moved);
+    fs::rename(disk.path() / "MARA", moved / "mara");
+    EXPECT_FALSE(extract());
+    record.RootPath = textOf(moved) + "/"; // as a project's new base folder sets it
+    ASSERT_TRUE(extractBelow(moved, ""));
+    EXPECT_EQ(content(), "the body");
+}
+
+TEST_F(ChromeCacheBody, isNotSoughtOutsideOfTheFolder) {
+    add("the body");
+    disk.write("mara/Chrome/Default/secret", "secret");
+    for (const char *name : {"../secret", "..\\secret", "/etc/hostname", "", "."}) {
+        record.DataBlockFile = name;
+        EXPECT_FALSE(extract()) << name;
+    }
+    record.DataBlockFile = "data_1";
+    record.DataBlockFileOffset = -1;
+    EXPECT_FALSE(extract());
+}
+
+TEST_F(ChromeCacheBody, isFetchedThroughTheRegistry) {
+    const Reader *reader = readerByKey("chrome-cache");
+    ASSERT_NE(reader, nullptr);
+    EXPECT_EQ(reader->read, &ParseChromeCache);
+    EXPECT_EQ(reader->fetch, &fetchChromeBody);
+    add("the body");
+    record.cacheType = "CHROME CACHE";
+    const Evidence evidence(disk.path());
+    const auto file = contentOf(record, {evidence, scratch.path(), log});
+    ASSERT_TRUE(file);
+    EXPECT_EQ(content(), "the body");
+}
+
+} // namespace
+} // namespace nv
