@@ -25,12 +25,21 @@ using nlohmann::json;
 namespace {
 
 constexpr rlim_t kMemory = rlim_t{1} << 30;
-/// A case of some GB is read at 50 MB a second and more.
+// The address sanitizer reserves far more address space than it uses.
+#if defined(__has_feature)
+constexpr bool kIsSanitized = __has_feature(address_sanitizer);
+#elif defined(__SANITIZE_ADDRESS__)
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
+/// Far more than a sound file takes on a slow machine.
 constexpr rlim_t kBaseSeconds = 20;
 constexpr rlim_t kBytesPerSecond = rlim_t{5} << 20;
 
+/// The hard limit lies a little higher: at the soft one the signal tells what was exceeded.
 void limit(int resource, rlim_t value) {
-    const rlimit both = {value, value};
+    const rlimit both = {value, value + (value == 0 ? 0 : 1)};
     ::setrlimit(static_cast<__rlimit_resource>(resource), &both);
 }
 
@@ -39,9 +48,8 @@ void setLimits(const std::filesystem::path &file) {
     const std::uintmax_t size = std::filesystem::file_size(file, unknown);
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_CPU, kBaseSeconds + (unknown ? 0 : size / kBytesPerSecond));
-#ifndef __SANITIZE_ADDRESS__ // the sanitizer reserves far more address space than it uses
-    limit(RLIMIT_AS, kMemory);
-#endif
+    if (!kIsSanitized)
+        limit(RLIMIT_AS, kMemory);
 }
 
 /// At once: a crash must not take the rows before it along.
@@ -90,7 +98,7 @@ void writeRow(const JetFile &file, const std::vector<Column> &columns, const Row
 
 void writeTable(const JetFile &file, std::string_view name,
                 const std::vector<std::string_view> &columnNames) {
-    JetTable table(file, name);
+    JetTable table = JetTable::named(file, name);
     const std::vector<Column> columns = columnsOf(table, columnNames);
     writeHead(table, columns);
     table.eachRow([&](const Row &row) { writeRow(file, columns, row); });

@@ -2,6 +2,7 @@
 
 #include "base/ByteView.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -47,9 +48,10 @@ class JetFile {
     bool hasUnicode() const { return m_handle->f->jet_version != MDB_VER_JET3; }
     std::uint64_t pageSize() const { return static_cast<std::uint64_t>(m_handle->fmt->pg_size); }
     bool endsAmidPage() const { return m_size % pageSize() != 0; }
-    /// False where the file ends before the end of the page: the library takes the missing bytes
-    /// for zeros.
-    bool holds(std::uint64_t page) const { return page < m_size / pageSize(); }
+    /// How many bytes of the page the file has. The library takes those that are missing for zeros.
+    std::uint64_t bytesOf(std::uint64_t page) const {
+        return begins(page) ? std::min(pageSize(), m_size - page * pageSize()) : 0;
+    }
     /// True for the last page too where the file ends amid it.
     bool begins(std::uint64_t page) const { return page * pageSize() < m_size; }
     /// The row that a reference (page << 8 | row) leads to; nothing when there is none. It stays

@@ -1,6 +1,6 @@
 // Page = kind:u8@0 (1 data) owner:u32@4 rows:u16@12 entry[rows]:u16@14      numbers little-endian
 // An entry is the row's offset on the page, with two flags:
-//   0x8000  the row is deleted, or was too long for another page that refers to it
+//   0x8000  not met in a walk: another page refers to the row, or, with both flags, it is deleted
 //   0x4000  the row lies elsewhere: here is only the reference (row:u8 page:u24)
 // The rows lie from the end of the page downwards.
 
@@ -8,8 +8,10 @@
 
 #include "base/Text.h"
 #include "programs/jet/JetPages.h"
+#include "programs/jet/JetValue.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace nv::jet {
 
@@ -22,24 +24,49 @@ constexpr int kElsewhere = 0x4000;
 /// Rows that moved twice refer to a row that refers on. More steps than this lead in a circle.
 constexpr int kReferenceSteps = 8;
 
-MdbCatalogEntry &entryNamed(MdbHandle &handle, std::string_view name) {
-    GPtrArray *catalogue = mdb_read_catalog(&handle, MDB_TABLE);
-    if (catalogue == nullptr)
-        throw JetFailure("the file's list of tables can't be read");
-    for (guint i = 0; i < catalogue->len; ++i) {
-        auto *entry = static_cast<MdbCatalogEntry *>(g_ptr_array_index(catalogue, i));
-        if (entry->object_type == MDB_TABLE && equalsNoCase(entry->object_name, name))
-            return *entry;
-    }
-    throw JetFailure("the file has no table \"" + std::string(name) + "\"");
-}
+/// Where every file has the definition of its list of tables.
+constexpr std::uint32_t kListPage = 2;
+/// In the list: the type of a table, and the part of an id that is the definition's page.
+constexpr std::int64_t kTableType = 1;
+constexpr std::int64_t kTypeMask = 0x7F;
+constexpr std::int64_t kPageMask = 0xFFFFFF;
 
 } // namespace
 
-JetTable::JetTable(const JetFile &file, std::string_view name)
-    : m_file(file), m_table(mdb_read_table(&entryNamed(file.handle(), name))) {
+JetTable JetTable::named(const JetFile &file, std::string_view name) {
+    JetTable list(file, kListPage);
+    const auto idAt = list.column("Id");
+    const auto nameAt = list.column("Name");
+    const auto typeAt = list.column("Type");
+    if (!idAt || !nameAt || !typeAt)
+        throw JetFailure("the file's list of tables can't be read");
+    std::optional<std::uint32_t> page;
+    list.eachRow([&](const Row &row) {
+        if (page || !row.damage.empty())
+            return;
+        const auto value = [&](std::size_t column) {
+            return valueOf(file, list.typeOf(column), row.fields.at(column)).json;
+        };
+        const auto [id, text, type] = std::tuple(value(*idAt), value(*nameAt), value(*typeAt));
+        if (id.is_number_integer() && type.is_number_integer() && text.is_string() &&
+            (type.get<std::int64_t>() & kTypeMask) == kTableType &&
+            equalsNoCase(text.get<std::string>(), name))
+            page = static_cast<std::uint32_t>(id.get<std::int64_t>() & kPageMask);
+    });
+    if (!page)
+        throw JetFailure("the file has no table \"" + std::string(name) + "\"");
+    return {file, *page};
+}
+
+JetTable::JetTable(const JetFile &file, std::uint32_t definitionPage)
+    : m_file(file), m_entry(std::make_unique<MdbCatalogEntry>()) {
+    m_entry->mdb = &file.handle();
+    m_entry->object_type = MDB_TABLE;
+    m_entry->table_pg = definitionPage;
+    if (file.begins(definitionPage))
+        m_table.reset(mdb_read_table(m_entry.get()));
     if (!m_table || mdb_read_columns(m_table.get()) == nullptr || m_table->columns->len == 0)
-        throw JetFailure("the definition of table \"" + std::string(name) + "\" can't be read");
+        throw JetFailure("the definition of a table can't be read");
     m_rowsCounted = m_table->num_rows;
     // The library fills one for each column, however many the definition says there are.
     m_fields.resize(std::max<std::size_t>(m_table->columns->len, MDB_MAX_COLS));
@@ -56,8 +83,9 @@ std::optional<std::size_t> JetTable::column(std::string_view name) const {
     return std::nullopt;
 }
 
-// The library's own walk leaves out rows that lie elsewhere, takes a damaged row for none, and
-// believes a definition that counts no rows. So only its knowledge of rows and columns is used.
+// The library's own walk takes a damaged row for none, and gives rows that another page refers to
+// where they lie, whether or not anything refers to them. So only its knowledge of rows and columns
+// is used.
 void JetTable::eachRow(const std::function<void(const Row &row)> &take) {
     std::uint64_t sound = 0;
     const auto count = [&](const Row &row) {
@@ -89,6 +117,8 @@ void JetTable::readPage(std::uint32_t page, const std::function<void(const Row &
         mdb_read_pg(&handle, page); // a row that lies elsewhere has turned to its own page
         const int entryAt = first + 2 * i;
         const std::uint64_t place = page * m_file.pageSize() + static_cast<std::uint64_t>(entryAt);
+        if (static_cast<std::uint64_t>(entryAt) + 2 > m_file.bytesOf(page))
+            return; // the rows that the table counts tell how many are missing
         if (entryAt + 2 > lowest || mdb_get_int16(handle.pg_buf, entryAt) == 0) {
             take({place, {}, "the page's number of rows makes no sense"});
             return;
@@ -99,9 +129,7 @@ void JetTable::readPage(std::uint32_t page, const std::function<void(const Row &
             m_deleted += slot->length > 0 ? 1 : 0;
             continue;
         }
-        Row row = m_file.holds(page) ? read(slot.value_or(Slot{})) : Row{};
-        if (!m_file.holds(page))
-            row.damage = "the file ends amid its page";
+        Row row = read(slot.value_or(Slot{}));
         row.place = place;
         take(row);
     }
@@ -137,7 +165,7 @@ Row JetTable::readElsewhere(const Slot &slot) {
     for (int step = 0; step < kReferenceSteps && at.isElsewhere && at.length >= 4; ++step) {
         const auto reference = static_cast<std::uint32_t>(mdb_get_int32(handle.pg_buf, at.start));
         at = {};
-        if (m_file.holds(reference >> 8) && mdb_read_pg(&handle, reference >> 8) > 0 &&
+        if (m_file.begins(reference >> 8) && mdb_read_pg(&handle, reference >> 8) > 0 &&
             handle.pg_buf[0] == MDB_PAGE_DATA)
             at = slotAt(static_cast<int>(reference & 0xFF)).value_or(Slot{});
     }
@@ -151,6 +179,10 @@ Row JetTable::readElsewhere(const Slot &slot) {
 
 void JetTable::crack(const Slot &slot, Row &row) {
     MdbHandle &handle = m_file.handle();
+    if (static_cast<std::uint64_t>(slot.start) + slot.length > m_file.bytesOf(handle.cur_pg)) {
+        row.damage = "the file ends before its bytes do";
+        return;
+    }
     // A row begins with the number of its columns, which is never 0.
     if (slot.length < 3 || mdb_get_int16(handle.pg_buf, slot.start) == 0 ||
         mdb_crack_row(m_table.get(), slot.start, slot.length, m_fields.data()) < 0) {

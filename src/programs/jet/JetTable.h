@@ -9,8 +9,9 @@ namespace nv::jet {
 /// One table, read row by row in the order of its pages.
 class JetTable {
   public:
-    /// The name is compared without regard to case. Throws JetFailure when there is none.
-    JetTable(const JetFile &file, std::string_view name);
+    /// The table that the file lists under the name, compared without regard to case. Throws
+    /// JetFailure when there is none.
+    static JetTable named(const JetFile &file, std::string_view name);
 
     /// How many rows the table's definition counts.
     std::uint64_t rowsCounted() const { return m_rowsCounted; }
@@ -38,6 +39,7 @@ class JetTable {
         void operator()(MdbTableDef *table) const { mdb_free_tabledef(table); }
     };
 
+    JetTable(const JetFile &file, std::uint32_t definitionPage);
     MdbColumn &columnAt(std::size_t index) const;
     void readPage(std::uint32_t page, const std::function<void(const Row &row)> &take);
     std::optional<Slot> slotAt(int row) const;
@@ -46,6 +48,7 @@ class JetTable {
     void crack(const Slot &slot, Row &row);
 
     const JetFile &m_file;
+    std::unique_ptr<MdbCatalogEntry> m_entry; ///< what the library knows of the table beforehand
     std::unique_ptr<MdbTableDef, Free> m_table;
     std::uint64_t m_rowsCounted = 0;
     std::uint64_t m_unlisted = 0;

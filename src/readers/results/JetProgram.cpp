@@ -7,20 +7,25 @@
 #include <fmt/format.h>
 
 #include <chrono>
+#include <csignal>
 
 namespace nv {
 
 namespace {
+
+constexpr std::string_view kStuck = "the program norvelane-jet got stuck in the file";
 
 /// Nothing when it ended as it should.
 std::string endText(const ChildResult &result) {
     using enum ChildResult::End;
     switch (result.end) {
     case crashed:
+        if (result.code == SIGXCPU)
+            return std::string(kStuck);
         return fmt::format("the program norvelane-jet crashed on the file (signal {})",
                            result.code);
     case silent:
-        return "the program norvelane-jet got stuck in the file";
+        return std::string(kStuck);
     case lineTooLong:
         return "a row of the file is larger than any that is read";
     case notStarted:

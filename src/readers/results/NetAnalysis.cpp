@@ -17,6 +17,7 @@
 #include <array>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace nv {
 
@@ -131,10 +132,13 @@ void CaseReading::takeHead(const JetHead &head) {
                          fmt::format("A total of {} URLs were found.", m_counted), m_path,
                          "net-32.gif"});
     m_hasHistory = true;
+    std::vector<std::string_view> lacking;
     for (std::size_t i = 0; i < head.kinds.size(); ++i)
         if (!takesNetAnalysisKind(i, head.kinds[i]))
-            addDamage(fmt::format("table History has no column \"{}\" of a type that can be read",
-                                  kNetAnalysisColumns[i]));
+            lacking.push_back(kNetAnalysisColumns[i]);
+    if (!lacking.empty())
+        addDamage(fmt::format("table History lacks columns, or has them of another type: {}",
+                              fmt::join(lacking, ", ")));
 }
 
 bool CaseReading::advance() {

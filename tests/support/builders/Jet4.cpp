@@ -1,7 +1,7 @@
 // Pages of 4096 bytes: 0 header, 1 maps (which pages a table has, one row each), 2 the definition
 // of the list of tables, then for each table its definition, its rows and its long texts.
 //   header   = 00 01 00 00 "Standard Jet DB\0" version:u32@14 settings[128]@18    enciphered: RC4
-//   map      = 00 first:u32 pages[512 bits]
+//   map      = 00 first:u32 pages[512 bits] | 01 page[16]:u32
 //   longText = length:u32 reference:u32 0:u32 text    the length's high bits say where the text is
 // A reference is row:u8 page:u24.
 
@@ -27,8 +27,9 @@ constexpr std::uint32_t kTextHere = 0x80000000;
 constexpr std::uint32_t kTextInOneRow = 0x40000000;
 constexpr std::size_t kShortText = 64;
 constexpr std::size_t kPieceOfText = 4000;
-constexpr std::uint16_t kDeleted = 0x8000;
+constexpr std::uint16_t kReferredTo = 0x8000;
 constexpr std::uint16_t kReference = 0x4000;
+constexpr std::uint16_t kDeleted = 0xC000;
 
 std::string u32(std::uint32_t number) {
     std::string bytes;
@@ -102,7 +103,8 @@ class Jet4Pages {
         m_long.clear();
         for (const Jet4::Row &row : table.rows)
             addRow(table, row);
-        const std::size_t pages = m_maps.add(pagesMap(table.pages));
+        const std::size_t pages =
+            m_maps.add(table.hasLongList ? longList(table.pages) : pagesMap(table.pages));
         const std::size_t free = m_maps.add(pagesMap({}));
         const auto kept = static_cast<std::size_t>(
             std::count_if(table.rows.begin(), table.rows.end(),
@@ -129,6 +131,13 @@ class Jet4Pages {
         return m_pages.size() - 1;
     }
 
+    /// A page of bits of its own, and the list that names it.
+    std::string longList(const std::vector<std::size_t> &pages) {
+        const std::size_t map = newPage();
+        m_pages[map] = std::string("\x05\x01\0\0", 4) + pagesMap(pages).substr(5);
+        return '\1' + u32(static_cast<std::uint32_t>(map)) + std::string(64, '\0');
+    }
+
     void addRow(const Jet4::Table &table, const Jet4::Row &row) {
         const std::string bytes = jetRow(table.columns, row.values,
                                          [this](const std::string &text) { return keep(text); });
@@ -136,7 +145,7 @@ class Jet4Pages {
             addTo(table, bytes, row.place == JetPlace::deleted ? kDeleted : 0);
             return;
         }
-        const std::size_t target = addTo(table, bytes, kDeleted);
+        const std::size_t target = addTo(table, bytes, kReferredTo);
         addTo(table, u32(static_cast<std::uint32_t>(target)), kReference);
     }
 
@@ -186,7 +195,12 @@ class Jet4Pages {
 Jet4::Jet4() = default;
 
 Jet4 &Jet4::table(std::string_view name, std::vector<JetColumn> columns) {
-    m_tables.push_back({std::string(name), std::move(columns), {}, 0, {}});
+    m_tables.push_back({std::string(name), std::move(columns), {}, false, 0, {}});
+    return *this;
+}
+
+Jet4 &Jet4::longList() {
+    m_tables.back().hasLongList = true;
     return *this;
 }
 
@@ -197,7 +211,7 @@ Jet4 &Jet4::row(std::vector<JetValue> values, JetPlace place) {
 
 std::string Jet4::bytes() const {
     // The list of tables comes first: all is made once to learn which pages it has to name.
-    Table list{"MSysObjects", catalogueColumns(), {}, 0, {}};
+    Table list{"MSysObjects", catalogueColumns(), {}, false, 0, {}};
     const auto entry = [](const std::string &name, std::size_t page, std::int32_t flags) {
         return Row{{static_cast<std::int32_t>(page), name, std::int32_t{1}, flags, {}}, {}};
     };

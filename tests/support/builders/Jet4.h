@@ -48,6 +48,8 @@ class Jet4 {
 
     Jet4();
     Jet4 &table(std::string_view name, std::vector<JetColumn> columns);
+    /// The last table lists its pages as large tables do, on a page of their own.
+    Jet4 &longList();
     /// Adds to the last table; a value for each column.
     Jet4 &row(std::vector<JetValue> values, JetPlace place = JetPlace::here);
 
@@ -66,6 +68,7 @@ class Jet4 {
         std::string name;
         std::vector<JetColumn> columns;
         std::vector<Row> rows;
+        bool hasLongList = false;
         mutable std::size_t definition = 0;
         mutable std::vector<std::size_t> pages;
     };

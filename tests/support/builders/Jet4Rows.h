@@ -30,8 +30,8 @@ class JetRowPage {
     /// `owner` is the definition's page, or "LVAL" as a number for long texts.
     explicit JetRowPage(std::uint32_t owner);
     bool hasRoom(std::size_t bytes) const;
-    /// Returns the row's number. The flags 0x8000 (deleted) and 0x4000 (a reference) go to its
-    /// entry.
+    /// Returns the row's number. The flags 0x8000 (referred to), 0x4000 (a reference) and 0xC000
+    /// (deleted) go to its entry.
     std::size_t add(std::string_view row, std::uint16_t flags = 0);
     const std::string &bytes() const { return m_bytes; }
 

@@ -143,14 +143,23 @@ TEST_F(NetAnalysisDamage, ofALongTextThatLeadsBackToItselfEnds) {
     EXPECT_EQ(sink.records.size(), 60U);
 }
 
-TEST_F(NetAnalysisDamage, ofAFileThatEndsAmidAPageLeavesThatPageOut) {
+TEST_F(NetAnalysisDamage, ofAFileThatEndsAmidAPageLeavesTheRowsBefore) {
+    // Rows lie from the end of a page downwards: those that come last are whole.
     const std::string whole = bytes;
-    bytes.resize(pages[1] * Jet4::kPage + 2000);
-    read(bytes);
-    EXPECT_EQ(result.state, ReadState::cutShort);
-    EXPECT_EQ(sink.records.size(), rowsOfPage(pages[0]));
-    EXPECT_EQ(result.notReached, 60 - sink.records.size());
-    EXPECT_THAT(result.reason, HasSubstr("the file ends amid a page"));
+    const std::size_t first = rowsOfPage(pages[0]);
+    std::size_t before = 60;
+    for (const std::size_t length : {4095U, 3000U, 2000U, 600U, 14U, 12U}) {
+        read(whole.substr(0, pages[1] * Jet4::kPage + length));
+        EXPECT_EQ(result.state, ReadState::cutShort);
+        EXPECT_LT(sink.records.size(), before == first ? before + 1 : before) << length;
+        EXPECT_GE(sink.records.size(), first);
+        EXPECT_EQ(result.notReached, 60 - sink.records.size());
+        EXPECT_THAT(result.reason, HasSubstr("the file ends amid a page"));
+        for (const URLClass &record : sink.records)
+            EXPECT_TRUE(record.URL.starts_with("http://a/")) << record.URL;
+        before = sink.records.size();
+    }
+    EXPECT_EQ(before, first);
     read(whole + "tail");
     expectCutShort(60, 0, "the file ends amid a page");
 }
@@ -167,6 +176,9 @@ TEST_F(NetAnalysisDamage, ofTheProgramItselfIsNamed) {
     playProgram(events + "kill -SEGV $$");
     read(bytes);
     expectCutShort(1, 1, "crashed on the file (signal 11)");
+    playProgram(events + "kill -XCPU $$"); // its limit of time
+    read(bytes);
+    expectCutShort(1, 1, "got stuck in the file");
     playProgram(events + "exit 0");
     read(bytes);
     expectCutShort(1, 1, "ended before the last row");
