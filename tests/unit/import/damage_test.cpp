@@ -114,18 +114,20 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
          }},
         {"safari-cookies", [](const auto &path) { writeWhole(path, "<plist/>"); }}, // none is read
 
-        {"netanalysis", [](const auto &path) {
+        {"netanalysis",
+         [](const auto &path) {
              test::NetAnalysisCase made;
              made.add({.InternetHistory = "http://host/a.htm"}).add({.Comment = "note"});
              writeWhole(path, made.bytes());
-
-             {"mac-cache", [](const auto &path) {
-                  test::MacCache cache;
-                  for (const char *url : {"http://host/a.htm", "http://host/b.htm"})
-                      cache.add({.url = url, .body = "<html>"});
-                  writeWhole(path, cache.bytes());
-              }},
-         };
+         }},
+        {"mac-cache",
+         [](const auto &path) {
+             test::MacCache cache;
+             for (const char *url : {"http://host/a.htm", "http://host/b.htm"})
+                 cache.add({.url = url, .body = "<html>"});
+             writeWhole(path, cache.bytes());
+         }},
+    };
     return files;
 }
 
