@@ -17,4 +17,8 @@ inline constexpr std::size_t kIndexHashTables = 201;
 /// body that grows beyond this is built to fill the disk and stays packed.
 inline constexpr std::uint64_t kUnpackedBytes = std::uint64_t{256} << 20;
 
+/// The text file of a cookie, as far as it is kept. The browser holds a host's cookies to some
+/// hundred KB; a longer file is none of its own.
+inline constexpr std::uint64_t kCookieText = std::uint64_t{1} << 20;
+
 } // namespace nv::limits

@@ -7,6 +7,7 @@
 #include "readers/chrome/History.h"
 #include "readers/firefox/Cookies.h"
 #include "readers/firefox/Places.h"
+#include "readers/ie/Cookies.h"
 #include "readers/ie/Index.h"
 
 #include <algorithm>
@@ -172,7 +173,7 @@ constexpr std::array<Reader, 23> kReaders = {{
      isSafariCache, nullptr},
     {safariHistory, "safari-history", "Safari History", "3.0", "chkHistorySafari", "history*.plist",
      isSafariHistory, nullptr},
-    {ieCookies, "ie-cookies", "IE Cookies", "", "chkCookiesIE", "", isIECookies, nullptr},
+    {ieCookies, "ie-cookies", "IE Cookies", "", "chkCookiesIE", "", isIECookies, ParseIECookies},
     {ieHistory, "ie-history", "IE History", "", "chkHistoryIE", "index*.dat", isIEHistory,
      ParseIECacheFile},
     {ieCache, "ie-cache", "IE Cache", "", "chkCacheIE", "index*.dat", isIECache, ParseIECacheFile},

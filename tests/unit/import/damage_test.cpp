@@ -32,11 +32,21 @@ void makeIndex(const std::filesystem::path &path, bool isCache) {
     writeWhole(path, index.bytes());
 }
 
+void makeCookiesIndex(const std::filesystem::path &path) {
+    test::IndexDat index(1, 2);
+    for (const char *host : {"one.example", "two.example"})
+        index.add({.url = "Cookie:user@" + std::string(host) + "/",
+                   .secondDate = test::fileTime(2011, 6, 15),
+                   .fileName = "user@" + std::string(host) + "[1].txt"});
+    writeWhole(path, index.bytes());
+}
+
 /// A small sound file of each format that is read. A new reader needs a line here.
 const std::map<std::string_view, MakeFile> &smallFiles() {
     static const std::map<std::string_view, MakeFile> files = {
         {"ie-history", [](const auto &path) { makeIndex(path, false); }},
         {"ie-cache", [](const auto &path) { makeIndex(path, true); }},
+        {"ie-cookies", makeCookiesIndex},
         {"chrome-history",
          [](const auto &path) {
              test::ChromeHistory history(path);
@@ -116,7 +126,7 @@ TEST_P(DamageTest, isSurvived) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
-                         testing::Values("ie-history", "ie-cache", "chrome-history",
+                         testing::Values("ie-history", "ie-cache", "ie-cookies", "chrome-history",
                                          "firefox3-history", "chrome-cookies", "firefox-cookies"));
 
 TEST(DamageTests, coverEveryReader) {
