@@ -9,6 +9,9 @@
 #include "readers/firefox/Places.h"
 #include "readers/ie/Cookies.h"
 #include "readers/ie/Index.h"
+#include "readers/results/HistEx.h"
+#include "readers/results/LooseFile.h"
+#include "readers/results/Nvd.h"
 
 #include <algorithm>
 #include <array>
@@ -178,7 +181,7 @@ constexpr std::array<Reader, 23> kReaders = {{
      ParseIECacheFile},
     {ieCache, "ie-cache", "IE Cache", "", "chkCacheIE", "index*.dat", isIECache, ParseIECacheFile},
     {histExIndex, "hist-ex-index", "Hist-Ex Index", "", "chkHistEx", "*-UC-index.dat",
-     isHistExIndex, nullptr},
+     isHistExIndex, ParseHistExFile},
     {operaCookies, "opera-cookies", "Opera Cookies", "9.0", "chkCookiesOpera", "cookies4.dat",
      isOperaCookies, nullptr},
     {firefoxCookies, "firefox-cookies", "Firefox Cookies", "3.0", "chkCookiesFirefox",
@@ -190,11 +193,12 @@ constexpr std::array<Reader, 23> kReaders = {{
     {netAnalysis, "netanalysis", "NetAnalysis", "1.x", "IncludeNetAnalysis", "*.net", isNetAnalysis,
      nullptr},
     {norvelaneNVD, "nvd", "Norvelane NVD", "2.x", "chkHistoryNVD", "*.nvd", isNorvelaneNVD,
-     nullptr},
-    {histEx, "hist-ex", "Hist-Ex", "1.x", "chkHistEx", "*-UC-index.dat", isHistEx, nullptr},
-    {simpleHTML, "html", "Simple HTML", "", "chkHTMLFiles", "*.htm;*.html", isSimpleHTML, nullptr},
+     ParseNorvelaneNVDFile},
+    {histEx, "hist-ex", "Hist-Ex", "1.x", "chkHistEx", "*-UC-index.dat", isHistEx, ParseHistExFile},
+    {simpleHTML, "html", "Simple HTML", "", "chkHTMLFiles", "*.htm;*.html", isSimpleHTML,
+     ParseSimpleHTML},
     {macIECache, "mac-cache", "Mac IE Cache", "", "", "", isNeverMet, nullptr},
-    {csv, "csv", "Unallocated", "", "", "", isNeverMet, nullptr},
+    {csv, "csv", "Unallocated", "", "", "", isNeverMet, ParseCSVFile},
 }};
 
 /// The type under which a type without a row of its own is read.

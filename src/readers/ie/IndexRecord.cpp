@@ -112,11 +112,13 @@ struct Meaning {
 };
 
 using Links = Meaning::Links;
-constexpr std::array<Meaning, 6> kMeanings = {{
+constexpr std::array<Meaning, 8> kMeanings = {{
     {HistoryFileType::ieHistory, "IE History", Links::toItself, "Last Visited (GMT)"},
     {HistoryFileType::ieDaily, "IE Daily", Links::toItself, "Last Visited (GMT)"},
     {HistoryFileType::ieCookies, "IE Cookie", Links::toItself, ""},
     {HistoryFileType::importedBinary, "Imported Binary", Links::toItself, ""},
+    {HistoryFileType::histEx, "Unallocated", Links::toItself, ""},
+    {HistoryFileType::histExIndex, "Unallocated", Links::toItself, ""},
     {HistoryFileType::ieWeekly, "IE Weekly", Links::unset, "File Created (GMT)"},
     {HistoryFileType::ieCache, "IE Cache", Links::unset, "Server Modified (GMT)"},
 }};

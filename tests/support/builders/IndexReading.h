@@ -3,6 +3,8 @@
 #include "readers/ContentProbe.h"
 #include "readers/ie/Cookies.h"
 #include "readers/ie/Index.h"
+#include "readers/results/HistEx.h"
+#include "readers/results/Nvd.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 
@@ -17,6 +19,8 @@ struct RecordReader {
 };
 inline constexpr RecordReader kIndexReader = {readIEIndex, ParseIECacheFile};
 inline constexpr RecordReader kCookiesReader = {readIECookies, ParseIECookies};
+inline constexpr RecordReader kHistExReader = {readHistEx, ParseHistExFile};
+inline constexpr RecordReader kNvdReader = {readNvd, ParseNorvelaneNVDFile};
 
 /// One reading of an index, or of another file that holds its records, with all that it says.
 struct IndexReading {

@@ -1,6 +1,8 @@
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
+#include "support/builders/HistEx.h"
 #include "support/builders/IndexDat.h"
+#include "support/builders/Nvd.h"
 #include "support/builders/Places.h"
 #include "unit/import/ImportFixture.h"
 
@@ -41,12 +43,36 @@ void makeCookiesIndex(const std::filesystem::path &path) {
     writeWhole(path, index.bytes());
 }
 
+void makeHistEx(const std::filesystem::path &path) {
+    test::HistEx carved;
+    carved.add({.url = "Visited: user@http://host/", .secondDate = test::fileTime(2011, 6, 15)});
+    carved.addRedirect("http://host/a");
+    carved.add({.signature = "LEAK", .url = "http://host/b"});
+    writeWhole(path, carved.bytes());
+}
+
+void makeNvd(const std::filesystem::path &path) {
+    test::Nvd results;
+    results.add({.url = "Visited: user@http://host/", .secondDate = test::fileTime(2011, 6, 15)});
+    results.addRedirect("http://host/a");
+    writeWhole(path, results.bytes());
+}
+
+void makePage(const std::filesystem::path &path) {
+    writeWhole(path, "<html><head><title>A page</title></head><body></body></html>");
+}
+
 /// A small sound file of each format that is read. A new reader needs a line here.
 const std::map<std::string_view, MakeFile> &smallFiles() {
     static const std::map<std::string_view, MakeFile> files = {
         {"ie-history", [](const auto &path) { makeIndex(path, false); }},
         {"ie-cache", [](const auto &path) { makeIndex(path, true); }},
         {"ie-cookies", makeCookiesIndex},
+        {"hist-ex", makeHistEx},
+        {"hist-ex-index", makeHistEx},
+        {"nvd", makeNvd},
+        {"html", makePage},
+        {"csv", makePage},
         {"chrome-history",
          [](const auto &path) {
              test::ChromeHistory history(path);
@@ -126,7 +152,8 @@ TEST_P(DamageTest, isSurvived) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Readers, DamageTest,
-                         testing::Values("ie-history", "ie-cache", "ie-cookies", "chrome-history",
+                         testing::Values("ie-history", "ie-cache", "ie-cookies", "hist-ex",
+                                         "hist-ex-index", "nvd", "html", "csv", "chrome-history",
                                          "firefox3-history", "chrome-cookies", "firefox-cookies"));
 
 TEST(DamageTests, coverEveryReader) {
