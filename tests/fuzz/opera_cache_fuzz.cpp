@@ -26,7 +26,7 @@ struct CheckingSink final : nv::RecordSink {
         // A byte of the file is three in memory at most; no cached file is there.
         if (offset < next || offset >= size || record.URL.empty() || record.URL.size() > 3 * size ||
             record.CacheFileSize != 0 ||
-            record.CacheFileRelativePath.find("../") != std::string::npos)
+            ("/" + record.CacheFileRelativePath + "/").find("/../") != std::string::npos)
             std::abort();
         next = offset + 1;
     }

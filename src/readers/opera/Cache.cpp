@@ -147,7 +147,8 @@ class CacheReading {
         }
         const auto begin = static_cast<std::uint64_t>(m_record->MapFileOffset);
         m_record->CacheFileNameRecordOffset = m_at - begin;
-        addFile(textOf(field));
+        if (const std::string name = textOf(field); !name.empty())
+            addFile(name);
         close();
         return true;
     }

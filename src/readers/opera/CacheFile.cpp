@@ -78,7 +78,7 @@ bool setOperaCachedFile(URLClass &record, const std::string &name, const History
     record.DataBlockFileOffset = 0;
     record.CacheFileExists = true; // as the index says, which earlier cases show
     std::optional<fs::path> found;
-    if (!name.empty() && !equalsNoCase(name, kHeldOpen))
+    if (!equalsNoCase(name, kHeldOpen))
         found = evidence.find(file.FullPath.parent_path(), name);
     if (found)
         record.CacheFileRelativePath = evidence.relativeOf(*found);

@@ -11,7 +11,8 @@ namespace nv {
 /// Sets where the files of the index lie.
 void setOperaCacheFolder(URLClass &record, const HistoryFile &file, const Evidence &evidence);
 
-/// Sets what the name of the record's cached file and that file itself say. Its folder must be set.
+/// Sets what the name of the record's cached file, not empty, and that file itself say. The folder
+/// must be set.
 /// True when the file is there. Throws FileFailure when it can't be read.
 bool setOperaCachedFile(URLClass &record, const std::string &name, const HistoryFile &file,
                         const Evidence &evidence);

@@ -230,6 +230,15 @@ TEST_F(OperaCacheReader, storesARecordWithoutAFileName) {
     EXPECT_EQ(result.noted.at(kNameless), 2U);
 }
 
+TEST_F(OperaCacheReader, closesARecordWithAnEmptyFileName) {
+    const URLClass &record =
+        only(OperaCache().begin().field(3, "http://x/").field(13, "").field(7, "\x02\0"s));
+    EXPECT_EQ(record.Status, "");
+    EXPECT_FALSE(record.CacheFileExists);
+    EXPECT_EQ(record.CacheFileRelativePath, "");
+    EXPECT_EQ(result.noted.at(kNameless), 1U);
+}
+
 TEST_F(OperaCacheReader, notesACachedFileThatIsGone) {
     const URLClass &record = only(OperaCache().add({.url = "http://x/", .fileName = "opr00021"}));
     EXPECT_TRUE(record.CacheFileExists); // as the index says
