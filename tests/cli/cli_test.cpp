@@ -126,7 +126,7 @@ TEST_F(CliTest, anEmptyFolderIsToldAndIsNoFailure) {
 }
 
 TEST_F(CliTest, formatsThatAreNotReadYetAreListed) {
-    folder.write("evidence/Profile/_CACHE_MAP_", std::string(64, 'x'));
+    folder.write("evidence/Safari/Cookies.plist", std::string(64, 'x'));
     const CliResult run = cli({"import", project.string(), evidence.string(), "--format", "json"});
     EXPECT_EQ(run.exit, 0);
     EXPECT_EQ(json::parse(run.out)["artefacts"][0]["state"], "not read yet");

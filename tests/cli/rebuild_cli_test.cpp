@@ -20,7 +20,7 @@ class RebuildCliTest : public testing::Test {
             "<html><title>Inbox</title><img src=\"pic/logo.gif\" ><img src=\"gone.gif\" ></html> ");
         add(index, "http://host/pic/logo.gif", "logo[1].gif", "GIF89a");
         writeWhole(evidence / "index.dat", index.bytes());
-        const CliResult run = cli({"import", project, evidence.string()});
+        const CliResult run = cli({"import", project, evidence.string(), "--kinds", "ie-cache"});
         EXPECT_EQ(run.exit, 0) << run.err;
     }
 

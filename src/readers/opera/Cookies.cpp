@@ -3,9 +3,7 @@
 namespace nv {
 
 ReadResult ParseOperaCookiesFile(ReadContext &) {
-    ReadResult result;
-    result.reason = "the cookies of Opera hold nothing that this program reads";
-    return result;
+    return {ReadState::notReadYet, "cookies of Opera are found and listed, but not read", 0, {}};
 }
 
 } // namespace nv

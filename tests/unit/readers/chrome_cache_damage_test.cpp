@@ -94,7 +94,7 @@ TEST_F(ChromeCacheDamage, isNotMixedUpWithALaterCache) {
         put32(index(), 4, version);
         reading = {};
         read();
-        EXPECT_EQ(reading.result.state, ReadState::failed);
+        EXPECT_EQ(reading.result.state, ReadState::notReadYet);
         EXPECT_EQ(reading.result.reason, "later block cache, not read yet");
         EXPECT_EQ(reading.result.notReached, 1U);
         EXPECT_THAT(urls(), IsEmpty());

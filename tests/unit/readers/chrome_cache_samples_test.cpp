@@ -125,7 +125,7 @@ TEST_F(ChromeCacheSample, ofALaterVersionIsTold) {
     if (!read("chrome_cache_v20_plaso"))
         GTEST_SKIP() << "the folder of real samples is not here";
     EXPECT_THAT(reading.records(), IsEmpty());
-    EXPECT_EQ(reading.result.state, ReadState::failed);
+    EXPECT_EQ(reading.result.state, ReadState::notReadYet);
     EXPECT_EQ(reading.result.reason, "later block cache, not read yet");
     EXPECT_EQ(reading.result.notReached, expected.at("expected").at("index_num_entries_field"));
 }

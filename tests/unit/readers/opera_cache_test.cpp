@@ -390,8 +390,8 @@ TEST(OperaCookiesReader, saysThatNothingIsRead) {
     test::MemoryTask task;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
     const ReadResult result = ParseOperaCookiesFile(ctx);
-    EXPECT_EQ(result.state, ReadState::complete);
-    EXPECT_EQ(result.reason, "the cookies of Opera hold nothing that this program reads");
+    EXPECT_EQ(result.state, ReadState::notReadYet);
+    EXPECT_EQ(result.reason, "cookies of Opera are found and listed, but not read");
     EXPECT_TRUE(sink.records.empty());
     EXPECT_TRUE(log.entries.empty());
 }

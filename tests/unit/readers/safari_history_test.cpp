@@ -284,7 +284,7 @@ TEST(SafariCookies, areNotReadAndTheResultSaysSo) {
     test::SqliteHistoryReading reading;
     reading.read(ParseSafariCookiesFile, folder.write("Cookies.plist", "<plist/>"));
     EXPECT_TRUE(reading.records().empty());
-    EXPECT_EQ(reading.result.state, ReadState::failed);
+    EXPECT_EQ(reading.result.state, ReadState::notReadYet);
     EXPECT_EQ(reading.result.reason, "cookies of Safari are found and listed, but not read");
     EXPECT_TRUE(reading.log.entries.empty());
 }
