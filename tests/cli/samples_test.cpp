@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <set>
@@ -122,6 +123,17 @@ std::map<fs::path, std::uintmax_t> listingOf(const fs::path &folder) {
     return listing;
 }
 
+/// Where the facts are given by file, a file of carved records counts with the rows that are there
+/// for a walk that begins at a record, not at letters of one in the header.
+int rowsOf(const json &expected) {
+    if (expected.contains("rows") || !std::ranges::all_of(expected, &json::is_object))
+        return expected.value("rows", 0);
+    int rows = 0;
+    for (const json &file : expected)
+        rows += file.value("rows", file.value("rows_if_the_walk_starts_at_the_first_record", 0));
+    return rows;
+}
+
 struct SampleTest : testing::TestWithParam<fs::path> {};
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SampleTest);
 
@@ -146,7 +158,7 @@ TEST_P(SampleTest, agreesWithItsExpectedFacts) {
         EXPECT_EQ(run.exit, 0) << "a format that is not read yet is no failure";
         return;
     }
-    EXPECT_EQ(rows, told.at("expected").value("rows", 0));
+    EXPECT_EQ(rows, rowsOf(told.at("expected")));
     for (const json &record : told.value("records", json::array()))
         compareRecord(database, record);
 }
