@@ -12,12 +12,16 @@
 #include "readers/firefox/Cookies.h"
 #include "readers/firefox/MorkHistory.h"
 #include "readers/firefox/Places.h"
+#include "readers/ie/Cookies.h"
 #include "readers/ie/Index.h"
 #include "readers/mac/Cache.h"
 #include "readers/opera/Cache.h"
 #include "readers/opera/Cookies.h"
 #include "readers/opera/History.h"
+#include "readers/results/HistEx.h"
+#include "readers/results/LooseFile.h"
 #include "readers/results/NetAnalysis.h"
+#include "readers/results/Nvd.h"
 #include "readers/safari/Cache.h"
 #include "readers/safari/Cookies.h"
 #include "readers/safari/History.h"
@@ -190,12 +194,12 @@ constexpr std::array<Reader, 23> kReaders = {{
      isSafariCache, ParseSafariCacheFile, fetchSafariBody},
     {safariHistory, "safari-history", "Safari History", "3.0", "chkHistorySafari", "history*.plist",
      isSafariHistory, ParseSafariHistoryFile},
-    {ieCookies, "ie-cookies", "IE Cookies", "", "chkCookiesIE", "", isIECookies, nullptr},
+    {ieCookies, "ie-cookies", "IE Cookies", "", "chkCookiesIE", "", isIECookies, ParseIECookies},
     {ieHistory, "ie-history", "IE History", "", "chkHistoryIE", "index*.dat", isIEHistory,
      ParseIECacheFile},
     {ieCache, "ie-cache", "IE Cache", "", "chkCacheIE", "index*.dat", isIECache, ParseIECacheFile},
     {histExIndex, "hist-ex-index", "Hist-Ex Index", "", "chkHistEx", "*-UC-index.dat",
-     isHistExIndex, nullptr},
+     isHistExIndex, ParseHistExFile},
     {operaCookies, "opera-cookies", "Opera Cookies", "9.0", "chkCookiesOpera", "cookies4.dat",
      isOperaCookies, ParseOperaCookiesFile},
     {firefoxCookies, "firefox-cookies", "Firefox Cookies", "3.0", "chkCookiesFirefox",
@@ -207,12 +211,13 @@ constexpr std::array<Reader, 23> kReaders = {{
     {netAnalysis, "netanalysis", "NetAnalysis", "1.x", "IncludeNetAnalysis", "*.net", isNetAnalysis,
      ParseNetAnalysisFile},
     {norvelaneNVD, "nvd", "Norvelane NVD", "2.x", "chkHistoryNVD", "*.nvd", isNorvelaneNVD,
-     nullptr},
-    {histEx, "hist-ex", "Hist-Ex", "1.x", "chkHistEx", "*-UC-index.dat", isHistEx, nullptr},
-    {simpleHTML, "html", "Simple HTML", "", "chkHTMLFiles", "*.htm;*.html", isSimpleHTML, nullptr},
+     ParseNorvelaneNVDFile},
+    {histEx, "hist-ex", "Hist-Ex", "1.x", "chkHistEx", "*-UC-index.dat", isHistEx, ParseHistExFile},
+    {simpleHTML, "html", "Simple HTML", "", "chkHTMLFiles", "*.htm;*.html", isSimpleHTML,
+     ParseSimpleHTML},
     {macIECache, "mac-cache", "Mac IE Cache", "", "", "", isNeverMet, ParseMACIECache,
      ExtractMACFile},
-    {csv, "csv", "Unallocated", "", "", "", isNeverMet, nullptr},
+    {csv, "csv", "Unallocated", "", "", "", isNeverMet, ParseCSVFile},
 }};
 
 /// The type under which a type without a row of its own is read.

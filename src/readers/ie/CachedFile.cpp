@@ -18,12 +18,6 @@ namespace {
 constexpr std::array<std::string_view, 8> kTitledExtensions = {"htm",  "html", "",    "asp",
                                                                "aspx", "cgi",  "php", "js"};
 
-/// The file system's date of last access, in UTC; no date when there is none.
-Date lastAccess(const std::filesystem::path &file) {
-    struct stat facts {};
-    return ::stat(file.c_str(), &facts) == 0 ? Date::fromUnixSeconds(facts.st_atime) : Date();
-}
-
 /// A cached file may have been cleared while its record stayed, and the other way round: the
 /// record's own word, such as "LEAK", is kept only while the file is there.
 void noteFound(URLClass &record, const std::optional<std::filesystem::path> &found,
@@ -71,6 +65,11 @@ void examineCachedFile(URLClass &record, const std::filesystem::path &cachedFile
     if (std::find(kTitledExtensions.begin(), kTitledExtensions.end(), extension) !=
         kTitledExtensions.end())
         record.WebpageTitle = facts.title;
+}
+
+Date lastAccess(const std::filesystem::path &file) {
+    struct stat facts {};
+    return ::stat(file.c_str(), &facts) == 0 ? Date::fromUnixSeconds(facts.st_atime) : Date();
 }
 
 } // namespace nv

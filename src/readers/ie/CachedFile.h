@@ -21,4 +21,7 @@ std::optional<std::filesystem::path> locateCachedFile(URLClass &record, const Hi
 void examineCachedFile(URLClass &record, const std::filesystem::path &cachedFile,
                        ContentProbe &content);
 
+/// The file system's date of last access, in UTC; no date when there is none.
+Date lastAccess(const std::filesystem::path &file);
+
 } // namespace nv

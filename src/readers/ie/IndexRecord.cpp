@@ -70,18 +70,6 @@ Date createdDate(ByteView record) {
     return dosDateToUtc(record.u16le(kCreated), record.u16le(kCreated + 2));
 }
 
-void setUrl(URLClass &result, ByteView record) {
-    result.URLRawValue = textAt(record, kUrl);
-    result.URL = percentDecode(ParseURLFromRawURL(result.URLRawValue));
-    result.HashedURL = hashOfUrl(result.URL);
-    for (const std::string_view scheme : {"http://", "https://", "file:///"})
-        if (containsNoCase(result.URL, scheme))
-            result.host = ParseHost(result.URL);
-    result.User = ParseUserFromURL(result.URLRawValue);
-    result.URLProtocol = GetURLProtocol(result.URL);
-    result.URLParameters = parametersOf(result.URL);
-}
-
 bool isPictureUrl(std::string_view url) {
     const std::string_view tail = url.substr(url.size() - std::min<std::size_t>(url.size(), 4));
     const std::size_t point = tail.rfind('.');
@@ -124,11 +112,13 @@ struct Meaning {
 };
 
 using Links = Meaning::Links;
-constexpr std::array<Meaning, 6> kMeanings = {{
+constexpr std::array<Meaning, 8> kMeanings = {{
     {HistoryFileType::ieHistory, "IE History", Links::toItself, "Last Visited (GMT)"},
     {HistoryFileType::ieDaily, "IE Daily", Links::toItself, "Last Visited (GMT)"},
     {HistoryFileType::ieCookies, "IE Cookie", Links::toItself, ""},
     {HistoryFileType::importedBinary, "Imported Binary", Links::toItself, ""},
+    {HistoryFileType::histEx, "Unallocated", Links::toItself, ""},
+    {HistoryFileType::histExIndex, "Unallocated", Links::toItself, ""},
     {HistoryFileType::ieWeekly, "IE Weekly", Links::unset, "File Created (GMT)"},
     {HistoryFileType::ieCache, "IE Cache", Links::unset, "Server Modified (GMT)"},
 }};
@@ -173,6 +163,17 @@ void parseRedirect(URLClass &result, ByteView record, HistoryFileType type) {
 
 } // namespace
 
+void setUrl(URLClass &record, std::string_view text) {
+    record.URL = percentDecode(ParseURLFromRawURL(text));
+    record.HashedURL = hashOfUrl(record.URL);
+    for (const std::string_view scheme : {"http://", "https://", "file:///"})
+        if (containsNoCase(record.URL, scheme))
+            record.host = ParseHost(record.URL);
+    record.User = ParseUserFromURL(record.URLRawValue);
+    record.URLProtocol = GetURLProtocol(record.URL);
+    record.URLParameters = parametersOf(record.URL);
+}
+
 std::optional<URLClass> ParseIEURL(ByteView record, const HistoryFile &file,
                                    std::uint64_t recordOffset, const FolderList &folders,
                                    DeletedFlag deletedFlag, const Clock &clock) {
@@ -194,7 +195,8 @@ std::optional<URLClass> ParseIEURL(ByteView record, const HistoryFile &file,
     result->Visits = record.i32le(kHits);
     result->RecordSize = std::uint64_t{record.u32le(kBlocks)} * 0x80;
     result->CacheFileCreatedGMTDOS = createdDate(record);
-    setUrl(*result, record);
+    result->URLRawValue = textAt(record, kUrl);
+    setUrl(*result, result->URLRawValue);
     if (type == HistoryFileType::ieCache)
         setCacheFields(*result, record, folders);
     else

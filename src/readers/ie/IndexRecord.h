@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 namespace nv {
 
@@ -21,5 +22,9 @@ enum class DeletedFlag { no, yes };
 std::optional<URLClass> ParseIEURL(ByteView record, const HistoryFile &file,
                                    std::uint64_t recordOffset, const FolderList &folders,
                                    DeletedFlag deletedFlag, const Clock &clock);
+
+/// Sets `URL` from `text`, cleaned and decoded, and what follows from it and from `URLRawValue`,
+/// which stands before: hash, host, user, protocol and parameters.
+void setUrl(URLClass &record, std::string_view text);
 
 } // namespace nv

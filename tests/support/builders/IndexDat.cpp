@@ -36,7 +36,9 @@ void putBehind(std::string &record, std::size_t field, std::string_view text) {
     record.append(text).push_back('\0');
 }
 
-std::string bytesOf(const IndexRecord &record) {
+} // namespace
+
+std::string recordBytes(const IndexRecord &record) {
     std::string bytes(kUrl, '\0');
     putText(bytes, 0, record.signature);
     put64(bytes, 0x08, record.firstDate);
@@ -53,7 +55,11 @@ std::string bytesOf(const IndexRecord &record) {
     return inBlocks(std::move(bytes));
 }
 
-} // namespace
+std::string redirectBytes(std::string_view url) {
+    std::string record(0x10, '\0');
+    putText(record, 0, "REDR");
+    return inBlocks(record.append(url) + '\0');
+}
 
 void put16(std::string &bytes, std::size_t at, std::uint16_t value) {
     put(bytes, at, value, 2);
@@ -102,15 +108,13 @@ std::size_t IndexDat::add(const IndexRecord &record) {
 }
 
 std::size_t IndexDat::addRedirect(std::string_view url) {
-    std::string record(0x10, '\0');
-    putText(record, 0, "REDR");
-    const std::size_t at = append(inBlocks(record.append(url) + '\0'));
+    const std::size_t at = append(redirectBytes(url));
     entry(static_cast<std::uint32_t>(at) << 6 | 0x05, static_cast<std::uint32_t>(at));
     return at;
 }
 
 std::size_t IndexDat::addUnreferenced(const IndexRecord &record) {
-    return append(bytesOf(record));
+    return append(recordBytes(record));
 }
 
 IndexDat &IndexDat::entry(std::uint32_t status, std::uint32_t recordOffset) {

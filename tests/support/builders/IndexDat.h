@@ -29,6 +29,10 @@ struct IndexRecord {
     std::string headers = {};  ///< HTTP headers; empty: an offset of 0
 };
 
+/// The bytes of a record, filled up to whole blocks.
+std::string recordBytes(const IndexRecord &record);
+std::string redirectBytes(std::string_view url);
+
 /// Makes an index.dat: header, tables of the hash with filler at their ends, records behind them.
 /// Records are written as they are added, so a million of them is a matter of a second.
 class IndexDat {

@@ -1,11 +1,10 @@
 #include "support/builders/IndexReading.h"
 
 #include "base/Files.h"
-#include "readers/ie/Index.h"
 
 namespace nv::test {
 
-IndexReading::IndexReading(HistoryFileType type) {
+IndexReading::IndexReading(HistoryFileType type, RecordReader reader) : m_reader(reader) {
     file.HistoryFileType = type;
     file.SourceFile_ID = SourceFileId{7};
 }
@@ -18,12 +17,17 @@ void IndexReading::name(const std::filesystem::path &path) {
 }
 
 IndexReading &IndexReading::readBytes(const std::string &bytes, const std::filesystem::path &path) {
+    Unwatched task;
+    return readBytes(bytes, task, path);
+}
+
+IndexReading &IndexReading::readBytes(const std::string &bytes, TaskMonitor &task,
+                                      const std::filesystem::path &path) {
     name(path);
     const Evidence evidence("");
     ContentProbe content;
-    Unwatched task;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task, deleted};
-    result = readIEIndex(ctx, viewOf(bytes));
+    result = m_reader.bytes(ctx, viewOf(bytes));
     return *this;
 }
 
@@ -33,7 +37,7 @@ IndexReading &IndexReading::readFile(const std::filesystem::path &path,
     const Evidence evidence(base);
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task, deleted};
-    result = ParseIECacheFile(ctx);
+    result = m_reader.file(ctx);
     return *this;
 }
 

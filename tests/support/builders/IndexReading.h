@@ -1,6 +1,10 @@
 #pragma once
 
 #include "readers/ContentProbe.h"
+#include "readers/ie/Cookies.h"
+#include "readers/ie/Index.h"
+#include "readers/results/HistEx.h"
+#include "readers/results/Nvd.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 
@@ -8,7 +12,17 @@
 
 namespace nv::test {
 
-/// One reading of an index by its reader, with all that it says.
+/// A reader of index records, of bytes in memory and of a file.
+struct RecordReader {
+    ReadResult (*bytes)(ReadContext &, ByteView);
+    ReadResult (*file)(ReadContext &);
+};
+inline constexpr RecordReader kIndexReader = {readIEIndex, ParseIECacheFile};
+inline constexpr RecordReader kCookiesReader = {readIECookies, ParseIECookies};
+inline constexpr RecordReader kHistExReader = {readHistEx, ParseHistExFile};
+inline constexpr RecordReader kNvdReader = {readNvd, ParseNorvelaneNVDFile};
+
+/// One reading of an index, or of another file that holds its records, with all that it says.
 struct IndexReading {
     HistoryFile file;
     FixedClock clock;
@@ -17,10 +31,13 @@ struct IndexReading {
     ReadResult result;
     bool deleted = false;
 
-    explicit IndexReading(HistoryFileType type = HistoryFileType::ieHistory);
+    explicit IndexReading(HistoryFileType type = HistoryFileType::ieHistory,
+                          RecordReader reader = kIndexReader);
 
     /// Reads bytes as a file of that path, which need not exist.
     IndexReading &readBytes(const std::string &bytes,
+                            const std::filesystem::path &path = "/evidence/index.dat");
+    IndexReading &readBytes(const std::string &bytes, TaskMonitor &task,
                             const std::filesystem::path &path = "/evidence/index.dat");
     /// Reads the file at `path`, with `base` as the base folder of the evidence.
     IndexReading &readFile(const std::filesystem::path &path, const std::filesystem::path &base,
@@ -30,6 +47,8 @@ struct IndexReading {
 
   private:
     void name(const std::filesystem::path &path);
+
+    RecordReader m_reader;
 };
 
 } // namespace nv::test

@@ -2,10 +2,12 @@
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
 #include "support/builders/FirefoxCache.h"
+#include "support/builders/HistEx.h"
 #include "support/builders/IndexDat.h"
 #include "support/builders/MacCache.h"
 #include "support/builders/Mork.h"
 #include "support/builders/NetAnalysisCase.h"
+#include "support/builders/Nvd.h"
 #include "support/builders/Opera.h"
 #include "support/builders/Places.h"
 #include "support/builders/Safari.h"
@@ -58,6 +60,34 @@ void makeChromeCache(const std::filesystem::path &index) {
     std::filesystem::rename(cache.write(index.parent_path()), index);
 }
 
+void makeCookiesIndex(const std::filesystem::path &path) {
+    test::IndexDat index(1, 2);
+    for (const char *host : {"one.example", "two.example"})
+        index.add({.url = "Cookie:user@" + std::string(host) + "/",
+                   .secondDate = test::fileTime(2011, 6, 15),
+                   .fileName = "user@" + std::string(host) + "[1].txt"});
+    writeWhole(path, index.bytes());
+}
+
+void makeHistEx(const std::filesystem::path &path) {
+    test::HistEx carved;
+    carved.add({.url = "Visited: user@http://host/", .secondDate = test::fileTime(2011, 6, 15)});
+    carved.addRedirect("http://host/a");
+    carved.add({.signature = "LEAK", .url = "http://host/b"});
+    writeWhole(path, carved.bytes());
+}
+
+void makeNvd(const std::filesystem::path &path) {
+    test::Nvd results;
+    results.add({.url = "Visited: user@http://host/", .secondDate = test::fileTime(2011, 6, 15)});
+    results.addRedirect("http://host/a");
+    writeWhole(path, results.bytes());
+}
+
+void makePage(const std::filesystem::path &path) {
+    writeWhole(path, "<html><head><title>A page</title></head><body></body></html>");
+}
+
 /// A small sound file of each format that is read. A new reader needs a line here.
 const std::map<std::string_view, MakeFile> &smallFiles() {
     static const std::map<std::string_view, MakeFile> files = {
@@ -83,6 +113,12 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
          }},
         // Known to hold nothing that is read, so it isn't among the files with rows below.
         {"opera-cookies", [](const auto &path) { writeWhole(path, "cookies"); }},
+        {"ie-cookies", makeCookiesIndex},
+        {"hist-ex", makeHistEx},
+        {"hist-ex-index", makeHistEx},
+        {"nvd", makeNvd},
+        {"html", makePage},
+        {"csv", makePage},
         {"chrome-history",
          [](const auto &path) {
              test::ChromeHistory history(path);
@@ -114,18 +150,20 @@ const std::map<std::string_view, MakeFile> &smallFiles() {
          }},
         {"safari-cookies", [](const auto &path) { writeWhole(path, "<plist/>"); }}, // none is read
 
-        {"netanalysis", [](const auto &path) {
+        {"netanalysis",
+         [](const auto &path) {
              test::NetAnalysisCase made;
              made.add({.InternetHistory = "http://host/a.htm"}).add({.Comment = "note"});
              writeWhole(path, made.bytes());
-
-             {"mac-cache", [](const auto &path) {
-                  test::MacCache cache;
-                  for (const char *url : {"http://host/a.htm", "http://host/b.htm"})
-                      cache.add({.url = url, .body = "<html>"});
-                  writeWhole(path, cache.bytes());
-              }},
-         };
+         }},
+        {"mac-cache",
+         [](const auto &path) {
+             test::MacCache cache;
+             for (const char *url : {"http://host/a.htm", "http://host/b.htm"})
+                 cache.add({.url = url, .body = "<html>"});
+             writeWhole(path, cache.bytes());
+         }},
+    };
     return files;
 }
 

@@ -64,6 +64,8 @@ std::string_view stateWord(ReadState state) {
         return "cutShort";
     case ReadState::failed:
         return "failed";
+    case ReadState::notReadYet:
+        return "notReadYet";
     }
     return "";
 }

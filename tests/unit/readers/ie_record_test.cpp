@@ -125,7 +125,8 @@ TEST(ParseIEURL, setsWhatTheKindOfIndexMeans) {
         {ieCache, "IE Cache", "Visited", false, kSecond, kFirst, "Server Modified (GMT)", false},
         {ieIndexByCommandLine, "", "", false, noDate, noDate, "", false},
         {netAnalysis, "", "", false, noDate, noDate, "", false},
-        {histEx, "", "", false, noDate, noDate, "", false},
+        {histEx, "Unallocated", "Visited", true, kSecond, noDate, "", true},
+        {histExIndex, "Unallocated", "Visited", true, kSecond, noDate, "", true},
     };
     for (const KindCase &kind : cases) {
         SCOPED_TRACE(static_cast<int>(kind.type));

@@ -1,0 +1,112 @@
+#include "readers/ie/CookieRecord.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "readers/Dissection.h"
+#include "readers/Limits.h"
+#include "time/SourceClocks.h"
+
+#include <string_view>
+
+namespace nv {
+
+// A record, offsets from its signature:
+//   cookie = "URL " blocks:u32 modified:filetime@08 used:filetime@10 expires:filetime@18
+//   size:i32@20
+//            name:u32@3C hits:i32@54 text:text0@68
+// name is an offset within the record; text is "Cookie:user@host/path"; text0 ends at a zero byte
+// or with the record.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uint64_t kBlocks = 4;
+constexpr std::uint64_t kModified = 8;
+constexpr std::uint64_t kLastUsed = 0x10;
+constexpr std::uint64_t kExpires = 0x18;
+constexpr std::uint64_t kFileSize = 0x20;
+constexpr std::uint64_t kFileName = 0x3C;
+constexpr std::uint64_t kHits = 0x54;
+constexpr std::uint64_t kText = 0x68;
+
+std::string textAt(ByteView record, std::uint64_t at) {
+    return fromAnsi(record.untilZero(at));
+}
+
+/// All but the date of the event are kept as the examiner's machine shows them.
+void setDates(URLClass &result, ByteView record, const Clock &clock) {
+    result.OtherDate = FileTimeToLocalDate(record.u64le(kModified), clock);
+    result.OtherDateMeaning = "Cookie Modified";
+    result.CacheFileLastAccessed = FileTimeToLocalDate(record.u64le(kLastUsed), clock);
+    result.ActionDateLocal = result.CacheFileLastAccessed;
+    result.ActionDateUTC = LocalDateToUTC(result.ActionDateLocal, clock);
+    result.ExpiryDate = FileTimeToLocalDate(record.u64le(kExpires), clock);
+}
+
+void setCookieUrl(URLClass &result, ByteView record) {
+    result.URLRawValue = textAt(record, kText);
+    const std::string_view raw = result.URLRawValue;
+    // With nothing before it, "@" parts no user from the host.
+    const std::size_t at = raw.find('@');
+    const bool hasUser = at != std::string_view::npos && at > 0;
+    setUrl(result, hasUser ? raw.substr(at + 1) : raw);
+    if (result.host.empty()) // a cookie's text names no protocol
+        result.host = ParseHost("://" + result.URL);
+}
+
+} // namespace
+
+URLClass ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t recordOffset,
+                       DeletedFlag deletedFlag, const Clock &clock) {
+    URLClass result;
+    result.HistoryFilePath = textOf(file.FullPath);
+    result.MapFileOffset = static_cast<std::int64_t>(recordOffset);
+    result.HistoryVersion = file.Version;
+    result.SourceFile_ID = file.SourceFile_ID;
+    result.Visits = record.i32le(kHits);
+    result.RecordSize = std::uint64_t{record.u32le(kBlocks)} * 0x80;
+    result.cacheType = "IE Cookies";
+    result.Action = "Stored";
+    setDates(result, record, clock);
+    result.CacheFileSize = record.i32le(kFileSize);
+    result.CacheFileNameRecordOffset = record.u32le(kFileName);
+    if (result.CacheFileNameRecordOffset != 0) // 0 is no name, not one that begins "URL "
+        result.CacheFileName = textAt(record, result.CacheFileNameRecordOffset);
+    result.CacheFileExt = GetFileExtension(result.CacheFileName);
+    setCookieUrl(result, record);
+    result.IsCookie = true;
+    result.Status = deletedFlag == DeletedFlag::yes ? "Deleted" : "Cookie";
+    result.Links = result.URL + ";";
+    return result;
+}
+
+std::optional<fs::path> locateCookieFile(URLClass &record, const HistoryFile &file,
+                                         const Evidence &evidence) {
+    record.RootPath = evidence.rootOf(file.FullPath);
+    if (record.CacheFileName.empty())
+        return std::nullopt;
+    const fs::path folder = file.FullPath.parent_path();
+    std::optional<fs::path> found = evidence.find(folder, record.CacheFileName);
+    if (!found)
+        return std::nullopt;
+    record.CacheFileExists = true;
+    record.CacheFolderName = textOf(folder.filename());
+    record.CacheRootPath = textOf(folder);
+    record.Category = "Cookies";
+    // The index and not the text file: that one's text stands in the record itself, and earlier
+    // cases have the index here.
+    record.CacheFileRelativePath = evidence.relativeOf(file.FullPath);
+    record.RunTimeContentPath = *found;
+    return found;
+}
+
+CookieText readCookieText(const fs::path &path) {
+    const FileReader file(path);
+    const Bytes bytes = file.read(0, limits::kCookieText);
+    CookieText result{fromAnsi(ByteView(bytes)), file.size() <= bytes.size()};
+    std::erase_if(result.text, [](char c) { return c == '\r' || c == '\n'; });
+    return result;
+}
+
+} // namespace nv

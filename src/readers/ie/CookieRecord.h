@@ -1,0 +1,37 @@
+#pragma once
+
+#include "base/ByteView.h"
+#include "base/Clock.h"
+#include "db/HistoryFile.h"
+#include "db/URLClass.h"
+#include "readers/Evidence.h"
+#include "readers/ie/IndexRecord.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace nv {
+
+/// One record of a cookies index: `record` begins with the signature and has the record's length.
+/// Throws when a field lies outside of it. Does no I/O: what lies on disk comes from
+/// locateCookieFile() and
+/// readCookieText().
+URLClass ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t recordOffset,
+                       DeletedFlag deletedFlag, const Clock &clock);
+
+/// Sets where the record's text file lies. Returns the file when it is there, beside the index.
+std::optional<std::filesystem::path> locateCookieFile(URLClass &record, const HistoryFile &file,
+                                                      const Evidence &evidence);
+
+/// A cookie's text as it is kept: without line ends, and no more of it than limits::kCookieText.
+struct CookieText {
+    std::string text;
+    bool whole = true;
+};
+
+/// Throws FileFailure.
+CookieText readCookieText(const std::filesystem::path &path);
+
+} // namespace nv

@@ -1,0 +1,75 @@
+#include "readers/results/LooseFile.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "readers/ContentProbe.h"
+#include "readers/ie/CachedFile.h"
+#include "readers/sqlite/HistoryRow.h"
+
+#include <cstdint>
+#include <filesystem>
+
+namespace nv {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::int64_t kVisitsUnknown = -1;
+
+/// The record has no URL and names no history file: nothing is known of where the file came from.
+URLClass recordOf(const ReadContext &ctx) {
+    const fs::path &file = ctx.file.FullPath;
+    const std::uint64_t size = fs::file_size(file);
+    URLClass record;
+    record.SourceFile_ID = ctx.file.SourceFile_ID;
+    record.Category = "HTML";
+    record.CacheFolderName = textOf(file.parent_path().filename());
+    record.CacheFileCreatedGMTDOS = creationDateOf(file);
+    record.CacheFileLastAccessed = lastAccess(file);
+    record.CacheFileName = textOf(file.filename());
+    record.CacheFileNameDecoded = percentDecode(record.CacheFileName);
+    record.MapFileOffset = 1;
+    record.RootPath = ctx.evidence.rootOf(file);
+    record.CacheFileRelativePath = ctx.evidence.relativeOf(file);
+    record.CacheFileSize = static_cast<std::int64_t>(size);
+    record.RecordSize = size;
+    record.IsWebPage = true;
+    record.Visits = kVisitsUnknown;
+    return record;
+}
+
+/// Where the two formats differ.
+struct Kind {
+    std::string_view procedure;
+    std::string_view action;
+    std::string_view cacheType;
+    bool exists;
+};
+
+ReadResult readLooseFile(ReadContext &ctx, const Kind &kind) {
+    const ReadResult unread{
+        ReadState::failed, "could not be read: " + textOf(ctx.file.FullPath), 0, {}};
+    return trapped(ctx.log, Severity::Warning, kind.procedure, kContactSupport, unread, [&] {
+        URLClass record = recordOf(ctx);
+        record.WebpageTitle = ctx.content.facts(ctx.file.FullPath).title;
+        record.Action = kind.action;
+        record.cacheType = kind.cacheType;
+        record.CacheFileExists = kind.exists;
+        ctx.sink.save(record);
+        return ReadResult();
+    });
+}
+
+} // namespace
+
+ReadResult ParseSimpleHTML(ReadContext &ctx) {
+    return readLooseFile(ctx, {"ParserClass.ParseSimpleHTML()", "Not Known", "Simple HTML", true});
+}
+
+ReadResult ParseCSVFile(ReadContext &ctx) {
+    return readLooseFile(ctx, {"ParserClass.ParseCSVFile()", "", "Unallocated", false});
+}
+
+} // namespace nv
