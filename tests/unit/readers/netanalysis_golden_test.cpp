@@ -1,4 +1,5 @@
 #include "base/Text.h"
+#include "support/SqliteHistoryReading.h"
 #include "time/DateFormat.h"
 #include "unit/readers/NetAnalysisFixture.h"
 
@@ -8,13 +9,6 @@ namespace nv {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string wordOf(ReadState state) {
-    return state == ReadState::complete   ? "complete"
-           : state == ReadState::cutShort ? "cutShort"
-           : state == ReadState::failed   ? "failed"
-                                          : "cancelled";
-}
 
 /// One line a record, so that a difference shows as one line.
 std::string rowOf(const URLClass &record) {
@@ -46,7 +40,7 @@ struct NetAnalysisGolden : test::NetAnalysisFixture {
     /// All that a reading says, in the form of expected.tsv. What the library says of damage is
     /// logged as of low severity; its words change with its versions.
     std::string resultText() const {
-        std::string text = fmt::format("@state\t{}\t{}\t{}\n", wordOf(result.state),
+        std::string text = fmt::format("@state\t{}\t{}\t{}\n", test::wordOf(result.state),
                                        result.notReached, result.reason);
         for (const auto &[reason, count] : result.passedOver)
             text += fmt::format("@passedOver\t{}\t{}\n", reason, count);
