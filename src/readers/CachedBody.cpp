@@ -82,6 +82,8 @@ std::optional<fs::path> contentOf(URLClass &record, const Extraction &ctx) {
             return std::nullopt;
         return record.RunTimeTempFilePath;
     }
+    if (record.IsCookie) // its path is that of the index
+        return ctx.evidence.find(record.CacheRootPath, record.CacheFileName);
     if (record.CacheFileRelativePath.empty())
         return std::nullopt;
     const fs::path direct = record.RootPath + record.CacheFileRelativePath;

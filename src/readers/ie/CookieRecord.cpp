@@ -34,14 +34,14 @@ std::string textAt(ByteView record, std::uint64_t at) {
     return fromAnsi(record.untilZero(at));
 }
 
-/// All but the date of the event are kept as the examiner's machine shows them.
+/// All in UTC, as every record has them: what a row says must not hang on the examiner's machine.
 void setDates(URLClass &result, ByteView record, const Clock &clock) {
-    result.OtherDate = FileTimeToLocalDate(record.u64le(kModified), clock);
+    result.OtherDate = fileTimeToUtc(record.u64le(kModified));
     result.OtherDateMeaning = "Cookie Modified";
-    result.CacheFileLastAccessed = FileTimeToLocalDate(record.u64le(kLastUsed), clock);
-    result.ActionDateLocal = result.CacheFileLastAccessed;
-    result.ActionDateUTC = LocalDateToUTC(result.ActionDateLocal, clock);
-    result.ExpiryDate = FileTimeToLocalDate(record.u64le(kExpires), clock);
+    result.CacheFileLastAccessed = fileTimeToUtc(record.u64le(kLastUsed));
+    result.ActionDateUTC = result.CacheFileLastAccessed;
+    result.ActionDateLocal = UTCDateToLocal(result.ActionDateUTC, clock);
+    result.ExpiryDate = fileTimeToUtc(record.u64le(kExpires));
 }
 
 void setCookieUrl(URLClass &result, ByteView record) {

@@ -34,10 +34,10 @@ struct SafariHistoryTest : testing::Test {
         return record;
     }
     /// Reads what yields nothing, and gives back why.
-    std::string reasonFor(const std::string &bytes) {
+    std::string reasonFor(const std::string &bytes, ReadState state = ReadState::failed) {
         reading.log.entries.clear();
         EXPECT_TRUE(read(bytes).empty());
-        EXPECT_EQ(reading.result.state, ReadState::failed);
+        EXPECT_EQ(reading.result.state, state);
         EXPECT_EQ(reading.log.entries.size(), 1U);
         const Failure &failure = reading.log.entries.at(0);
         EXPECT_EQ(failure.procedure, "ParserClass.ParseSafariHistoryFile()");
@@ -192,7 +192,7 @@ TEST_F(SafariHistoryTest, fromDeletedSpaceTheStatusIsDeleted) {
 }
 
 TEST_F(SafariHistoryTest, theBinaryFormIsNotReadYet) {
-    EXPECT_EQ(reasonFor("bplist00\xd3"),
+    EXPECT_EQ(reasonFor("bplist00\xd3", ReadState::notReadYet),
               "a property list in binary form: a later form, not read yet");
 }
 
