@@ -1,0 +1,84 @@
+// A small sound disk cache with bytes of the input written over its map and first block file: no
+// reading throws, every entry is stored or told, bodies come from the cache's folder only.
+//   input = damage*      damage = place:u16 (odd: block file) value:u32
+
+#include "readers/ContentProbe.h"
+#include "readers/firefox/CacheBody.h"
+#include "readers/firefox/CacheParse.h"
+#include "support/TempFolder.h"
+#include "support/builders/FirefoxCache.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace {
+
+using nv::test::FirefoxCache;
+
+struct StillClock final : nv::Clock {
+    TimePoint now() const override { return {}; }
+    std::chrono::minutes localOffset() const override { return std::chrono::minutes(60); }
+};
+
+struct CountingLog final : nv::FailureLog {
+    void write(const nv::Failure &) override { ++entries; }
+    std::uint64_t entries = 0;
+};
+
+void require(bool condition) {
+    if (!condition)
+        std::abort();
+}
+
+/// Fetches the body of each record, as an import does.
+struct FetchingSink final : nv::RecordSink {
+    FetchingSink(const nv::Evidence &from, const std::filesystem::path &to)
+        : evidence(from), scratch(to) {}
+    void save(nv::URLClass &record) override {
+        require(++records <= 16 && record.CacheFileSize >= 0 && record.DataBlockFileOffset >= 0);
+        require(record.MetaData.size() <= std::size_t{3} << 16);
+        const std::filesystem::path target = scratch / "body";
+        const bool fetched = nv::fetchFirefoxCacheBody(record, evidence, target);
+        require(fetched == std::filesystem::exists(target));
+        std::filesystem::remove(target);
+    }
+    const nv::Evidence &evidence;
+    const std::filesystem::path &scratch;
+    std::uint64_t records = 0;
+};
+
+FirefoxCache damagedCache(const std::uint8_t *data, std::size_t size) {
+    FirefoxCache cache(FirefoxCache::kFirefox3, 16);
+    nv::test::addExampleEntries(cache);
+    for (; size >= 6; data += 6, size -= 6) {
+        const std::size_t word = std::size_t{data[0]} | std::size_t{data[1]} << 8;
+        // Metadata stand behind the bitmap, which is never read.
+        std::string &bytes = word % 2 == 0 ? cache.map : cache.blocks[1];
+        const std::size_t first = word % 2 == 0 ? 0 : 4096;
+        const std::size_t at = first + word / 2 % (bytes.size() - first - 4);
+        for (std::size_t i = 0; i < 4; ++i)
+            bytes[at + i] = static_cast<char>(data[2 + i]);
+    }
+    return cache;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    static const nv::test::TempFolder folder;
+    static const nv::test::TempFolder scratch;
+    const nv::Evidence evidence(folder.path());
+    nv::HistoryFile file;
+    file.FullPath = damagedCache(data, size).writeTo(folder.path());
+    nv::ContentProbe content;
+    const StillClock clock;
+    FetchingSink sink(evidence, scratch.path());
+    CountingLog log;
+    nv::Unwatched task;
+    nv::ReadContext ctx{file, evidence, content, clock, scratch.path(), sink, log, task};
+    const nv::ReadResult result = nv::ParseFirefoxCache(ctx);
+    require((result.state == nv::ReadState::complete) == result.reason.empty());
+    require(result.state == nv::ReadState::complete || log.entries > 0);
+    require(result.state != nv::ReadState::failed || sink.records == 0);
+    return 0;
+}
