@@ -18,7 +18,4 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task,
 /// Mork history by its contents, a recovered-record file. Nothing for any other.
 std::optional<HistoryFile> artefactOfCommandLine(const std::filesystem::path &path);
 
-/// What became of each artefact, for people: a line each, with what was not reached or passed over.
-std::string summaryText(const ImportSummary &summary);
-
 } // namespace nv

@@ -49,13 +49,20 @@ std::uint64_t ImportSummary::passedOver() const {
     });
 }
 
-std::map<std::string, std::map<std::string, std::uint64_t>>
-ImportSummary::passedOverByReader() const {
-    std::map<std::string, std::map<std::string, std::uint64_t>> counts;
-    for (const ArtefactResult &artefact : artefacts)
+std::map<std::string, KindTotals> ImportSummary::byReader() const {
+    std::map<std::string, KindTotals> kinds;
+    for (const ArtefactResult &artefact : artefacts) {
+        KindTotals &kind = kinds[artefact.readerKey];
+        ++kind.artefacts;
+        kind.complete += artefact.state == ArtefactState::complete ? 1 : 0;
+        kind.rows += artefact.rowsSaved;
+        kind.notReached += artefact.notReached;
         for (const auto &[reason, count] : artefact.passedOver)
-            counts[artefact.readerKey][reason] += count;
-    return counts;
+            kind.passedOver[reason] += count;
+        for (const auto &[reason, count] : artefact.noted)
+            kind.noted[reason] += count;
+    }
+    return kinds;
 }
 
 std::uint64_t ImportSummary::notReached() const {

@@ -42,6 +42,16 @@ struct ArtefactResult {
     double seconds = 0;
 };
 
+/// What the files of one reader came to.
+struct KindTotals {
+    std::size_t artefacts = 0;
+    std::size_t complete = 0;
+    std::uint64_t rows = 0;
+    std::uint64_t notReached = 0;
+    std::map<std::string, std::uint64_t> passedOver; ///< by reason
+    std::map<std::string, std::uint64_t> noted;      ///< by reason
+};
+
 struct ImportSummary {
     std::vector<ArtefactResult> artefacts; ///< every file of the list, in its order
     bool cancelled = false;
@@ -50,8 +60,7 @@ struct ImportSummary {
     std::uint64_t rowsSaved() const;
     std::uint64_t rowsLost() const;
     std::uint64_t passedOver() const;
-    /// How many records the rules leave out, by key of the reader and reason.
-    std::map<std::string, std::map<std::string, std::uint64_t>> passedOverByReader() const;
+    std::map<std::string, KindTotals> byReader() const; ///< by key
     std::uint64_t notReached() const;
     std::size_t count(ArtefactState state) const;
     double seconds() const;

@@ -1,7 +1,17 @@
 #include "ExampleEvidence.h"
 
+#include "ChromeCacheExample.h"
+#include "FirefoxCacheExample.h"
+#include "IECookiesExample.h"
+#include "MacCacheExample.h"
+#include "MorkExample.h"
+#include "NetAnalysisExample.h"
+#include "OperaExample.h"
+#include "RecoveredExample.h"
+#include "SafariExample.h"
 #include "base/Files.h"
 #include "support/builders/ChromeHistory.h"
+#include "support/builders/Cookies.h"
 #include "support/builders/IndexDat.h"
 #include "support/builders/Places.h"
 
@@ -196,6 +206,48 @@ void writeChrome(const fs::path &file) {
     }
 }
 
+Cookie cookieOf(const Site &site, int number) {
+    Cookie cookie;
+    cookie.host = fmt::format(".{}", site.host);
+    cookie.name = fmt::format("visit{}", number);
+    cookie.value = fmt::format("from=start&n={}", number * 17);
+    return cookie;
+}
+
+void writeFirefoxCookies(const fs::path &file) {
+    FirefoxCookies cookies(file);
+    for (int i = 0; i < 9; ++i) {
+        Cookie cookie = cookieOf(kSites[static_cast<std::size_t>(i) % kSites.size()], i);
+        cookie.lastAccess = firefoxTime(kMarch2011 + i * 4711);
+        cookie.expiry = kMarch2011 + i * 4711 + 31536000; // a year
+        cookies.add(cookie);
+    }
+}
+
+void writeChromeCookies(const fs::path &file) {
+    ChromeCookies cookies(file);
+    for (int i = 0; i < 11; ++i) {
+        Cookie cookie = cookieOf(kSites[static_cast<std::size_t>(i) % kSites.size()], i);
+        cookie.creation = chromeTime(kMarch2011 + i * 3313);
+        cookie.lastAccess = chromeTime(kMarch2011 + i * 3313 + 600);
+        cookie.expiry = chromeTime(kMarch2011 + i * 3313 + 31536000);
+        cookies.add(cookie);
+    }
+}
+
+/// What came of the formats that have a file of their own here.
+void writeOtherBrowsers(const fs::path &user) {
+    writeIECookiesExample(user);
+    writeMorkExample(user);
+    writeFirefoxCacheExample(user);
+    writeChromeCacheExample(user);
+    writeSafariExample(user);
+    writeOperaExample(user);
+    writeMacCacheExample(user);
+    writeRecoveredExample(user);
+    writeNetAnalysisExample(user);
+}
+
 } // namespace
 
 void writeEvidence(const fs::path &folder) {
@@ -206,10 +258,15 @@ void writeEvidence(const fs::path &folder) {
     writeHistory(history / "index.dat", "Visited: ", 20, 35);
     writeHistory(history / "MSHist012011032120110322" / "index.dat", ":2011032120110322: ", 21, 14);
     writeHistory(history / "MSHist012011031420110321" / "index.dat", ":2011031420110321: ", 16, 21);
-    writePlaces(user / "Application Data" / "Mozilla" / "Firefox" / "Profiles" /
-                "q7w8e9r0.default" / "places.sqlite");
-    writeChrome(local / "Application Data" / "Google" / "Chrome" / "User Data" / "Default" /
-                "History");
+    const fs::path firefox =
+        user / "Application Data" / "Mozilla" / "Firefox" / "Profiles" / "q7w8e9r0.default";
+    const fs::path chrome =
+        local / "Application Data" / "Google" / "Chrome" / "User Data" / "Default";
+    writePlaces(firefox / "places.sqlite");
+    writeFirefoxCookies(firefox / "cookies.sqlite");
+    writeChrome(chrome / "History");
+    writeChromeCookies(chrome / "Cookies");
+    writeOtherBrowsers(user);
 }
 
 void writeIndex(const fs::path &file, std::size_t records) {

@@ -5,9 +5,8 @@
 
 namespace nv::example {
 
-/// Writes the disk of an invented person, Mara Quill, as an examiner would have it mounted:
-/// Internet Explorer's cache with its files, main, daily and weekly history, Firefox 3 and Chrome
-/// histories. The same bytes on every run.
+/// Writes the disk of an invented person, Mara Quill, as an examiner would have it mounted, with a
+/// file of every format. The folder must be new. The same bytes on every run.
 void writeEvidence(const std::filesystem::path &folder);
 
 /// An Internet Explorer cache index of `records` records.

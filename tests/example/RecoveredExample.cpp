@@ -72,6 +72,7 @@ void writeRecoveredExample(const fs::path &userFolder) {
     writeCarved(folder / "0001-UC-index.dat", "");
     writeCarved(folder / "carved" / "index.dat", "NetAnalysisURLCacheMSIE5Hstex");
     writeResults(folder / "search results.nvd");
+    writeWhole(folder / "visits.csv", "url,visits\r\nhttp://www.harbour-news.example/,12\r\n");
     writeWhole(folder / "pages" / "ferry%20times.htm",
                page("Ferry times", "The night boat leaves at 23:40 from the north quay."));
     writeWhole(folder / "pages" / "order.html",

@@ -1,4 +1,5 @@
 #include "app/ImportJob.h"
+#include "app/ImportText.h"
 #include "app/Messages.h"
 #include "app/Project.h"
 #include "app/cli/Commands.h"
@@ -136,6 +137,14 @@ Cell jsonOf(const ImportSummary &summary) {
     Cell artefacts = Cell::array();
     for (const ArtefactResult &artefact : summary.artefacts)
         artefacts.push_back(jsonOf(artefact));
+    Cell kinds = Cell::object();
+    for (const auto &[key, kind] : summary.byReader())
+        kinds[key] = {{"artefacts", kind.artefacts},
+                      {"complete", kind.complete},
+                      {"rows", kind.rows},
+                      {"not_reached", kind.notReached},
+                      {"passed_over", kind.passedOver},
+                      {"noted", kind.noted}};
     return {{"artefacts", artefacts},
             {"totals",
              {{"artefacts", summary.artefacts.size()},
@@ -144,7 +153,7 @@ Cell jsonOf(const ImportSummary &summary) {
               {"not_reached", summary.notReached()},
               {"passed_over", summary.passedOver()},
               {"seconds", summary.seconds()}}},
-            {"passed_over", summary.passedOverByReader()},
+            {"kinds", kinds},
             {"cancelled", summary.cancelled},
             {"failure", summary.failure}};
 }

@@ -1,6 +1,7 @@
 #include "import/ui/ImportForm.h"
 
 #include "app/ImportJob.h"
+#include "app/ImportText.h"
 #include "app/Messages.h"
 #include "app/Project.h"
 #include "base/Trap.h"

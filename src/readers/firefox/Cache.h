@@ -27,8 +27,9 @@ class mzMozillaCache {
     std::optional<FileReader> FileHandle003;
     bool OpenCache = false;
 
-    bool Reading = false;   ///< while ReadCache runs
-    std::string CacheError; ///< why ReadCache gave nothing
+    bool Reading = false;        ///< while ReadCache runs
+    std::string CacheError;      ///< why ReadCache gave nothing
+    bool isLaterVersion = false; ///< and that is because the map is one of a later Firefox
     mzCacheRecords CacheRecords;
 
     // Bit operations on words that are held in 64 bits.

@@ -45,7 +45,7 @@ class CacheReading {
         if (!OpenFirefoxCache(m_cache, m_ctx.file.FullPath, m_ctx.evidence, m_ctx.log))
             return {ReadState::failed, "could not be opened: " + m_path, 0, {}};
         if (!m_cache.ReadCache(m_ctx.file, m_ctx.task, m_result)) {
-            m_result.state = ReadState::failed;
+            m_result.state = m_cache.isLaterVersion ? ReadState::notReadYet : ReadState::failed;
             noteLoss(m_cache.CacheError);
         } else if (m_result.state != ReadState::cancelled) {
             readRecords();

@@ -79,7 +79,7 @@ bool mzMozillaCache::acceptVersion(HistoryFile &file) {
         file.Version = "2.0";
     else if (version == kFirefox3)
         file.Version = "3.0";
-    else if (version > kFirefox3 && version.starts_with("0001"))
+    else if (isLaterVersion = version > kFirefox3 && version.starts_with("0001"); isLaterVersion)
         CacheError = fmt::format("the map is of version {}, later than Firefox 3's ({}), and such "
                                  "caches are not read",
                                  version, kFirefox3);

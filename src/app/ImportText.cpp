@@ -1,0 +1,86 @@
+#include "app/ImportText.h"
+
+#include "base/Files.h"
+
+#include <fmt/format.h>
+
+#include <map>
+
+namespace nv {
+
+namespace {
+
+/// Of each kind of one-row files; a cache may hold thousands of loose pages.
+constexpr int kListed = 5;
+
+std::string artefactText(const ArtefactResult &artefact) {
+    std::string text =
+        fmt::format("{:<12} {:>9} rows  type {:<3} {:<20} {}  {}\n", stateWord(artefact.state),
+                    artefact.rowsSaved, static_cast<int>(artefact.type), artefact.readerKey,
+                    artefact.MD5Hash, textOf(artefact.path));
+    const auto note = [&text](std::string_view what) { text += fmt::format("    {}\n", what); };
+    if (!artefact.reason.empty())
+        note(artefact.reason);
+    if (artefact.notReached > 0)
+        note(fmt::format("{} entries were not reached", artefact.notReached));
+    if (artefact.rowsLost > 0)
+        note(fmt::format("{} records could not be saved, see the log", artefact.rowsLost));
+    for (const auto &[reason, count] : artefact.passedOver)
+        note(fmt::format("{} passed over: {}", count, reason));
+    for (const auto &[reason, count] : artefact.noted)
+        note(fmt::format("{} noted: {}", count, reason));
+    return text;
+}
+
+/// A whole file that is one record, with nothing to tell of it.
+bool isPlain(const ArtefactResult &artefact) {
+    return artefact.type == HistoryFileType::simpleHTML &&
+           artefact.state == ArtefactState::complete && artefact.rowsLost == 0 &&
+           artefact.passedOver.empty() && artefact.noted.empty();
+}
+
+std::string artefactsText(const ImportSummary &summary) {
+    std::string text;
+    std::map<std::string, int> plain;
+    for (const ArtefactResult &artefact : summary.artefacts)
+        if (!isPlain(artefact) || ++plain[artefact.readerKey] <= kListed)
+            text += artefactText(artefact);
+    for (const auto &[reader, count] : plain)
+        if (count > kListed)
+            text += fmt::format("{:<12} {:>9} rows  {} further files of the kind {}\n",
+                                stateWord(ArtefactState::complete), count - kListed,
+                                count - kListed, reader);
+    return text;
+}
+
+std::string kindText(const std::string &reader, const KindTotals &kind) {
+    std::string text = fmt::format("{:<20} {:>9} rows from {} of {} artefacts\n", reader, kind.rows,
+                                   kind.complete, kind.artefacts);
+    if (kind.notReached > 0)
+        text += fmt::format("{:<20} {:>9} entries not reached\n", "", kind.notReached);
+    for (const auto &[reason, count] : kind.passedOver)
+        text += fmt::format("{:<20} {:>9} passed over: {}\n", "", count, reason);
+    for (const auto &[reason, count] : kind.noted)
+        text += fmt::format("{:<20} {:>9} noted: {}\n", "", count, reason);
+    return text;
+}
+
+} // namespace
+
+std::string summaryText(const ImportSummary &summary) {
+    std::string text = artefactsText(summary);
+    for (const auto &[reader, kind] : summary.byReader())
+        text += kindText(reader, kind);
+    text +=
+        fmt::format("{} rows from {} of {} artefacts; {} entries not reached, {} records passed "
+                    "over\n",
+                    summary.rowsSaved(), summary.count(ArtefactState::complete),
+                    summary.artefacts.size(), summary.notReached(), summary.passedOver());
+    if (summary.cancelled)
+        text += "The import was cancelled; what was written is kept.\n";
+    if (!summary.failure.empty())
+        text += fmt::format("The import ended: {}\n", summary.failure);
+    return text;
+}
+
+} // namespace nv

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "import/ImportSummary.h"
+
+#include <string>
+
+namespace nv {
+
+/// What became of each artefact, for people: a line each with what was not reached or passed over,
+/// then a line for each kind. Loose files without anything to tell are summed up.
+std::string summaryText(const ImportSummary &summary);
+
+} // namespace nv
