@@ -1,9 +1,23 @@
 #include "ExampleEvidence.h"
+#include "LargeFiles.h"
 
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <string_view>
+
+namespace {
+
+constexpr std::string_view kUsage =
+    "usage: norvelane-example FOLDER                      example evidence\n"
+    "       norvelane-example --large KEY N BYTES FOLDER  an artefact of N records, whose bodies,\n"
+    "                                                     where it has some, are of BYTES bytes\n";
+
+std::size_t numberOf(const char *word) {
+    return std::strtoull(word, nullptr, 10);
+}
+
+} // namespace
 
 int main(int argc, char **argv) {
     try {
@@ -11,12 +25,11 @@ int main(int argc, char **argv) {
             nv::example::writeEvidence(argv[1]);
             return 0;
         }
-        if (argc == 4 && std::string_view(argv[1]) == "--index") {
-            nv::example::writeIndex(argv[3], std::strtoull(argv[2], nullptr, 10));
+        if (argc == 6 && std::string_view(argv[1]) == "--large") {
+            nv::example::writeLarge(argv[2], numberOf(argv[3]), numberOf(argv[4]), argv[5]);
             return 0;
         }
-        std::cerr << "usage: norvelane-example FOLDER            example evidence\n"
-                     "       norvelane-example --index N FILE    an index.dat of N records\n";
+        std::cerr << kUsage;
         return 1;
     } catch (const std::exception &failure) {
         std::cerr << "norvelane-example: " << failure.what() << '\n';

@@ -1,0 +1,261 @@
+#include "LargeFiles.h"
+
+#include "ExampleEvidence.h"
+#include "base/Files.h"
+#include "support/builders/ChromeCache.h"
+#include "support/builders/ChromeHistory.h"
+#include "support/builders/Cookies.h"
+#include "support/builders/FirefoxCache.h"
+#include "support/builders/HistEx.h"
+#include "support/builders/MacCache.h"
+#include "support/builders/Mork.h"
+#include "support/builders/NetAnalysisCase.h"
+#include "support/builders/Nvd.h"
+#include "support/builders/Opera.h"
+#include "support/builders/Places.h"
+#include "support/builders/Safari.h"
+
+#include <fmt/format.h>
+
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <string>
+
+namespace nv::example {
+
+namespace fs = std::filesystem;
+using namespace nv::test;
+
+namespace {
+
+constexpr std::int64_t kMarch2011 = 1300000000; // 2011-03-13 07:06:40 UTC
+
+struct Wanted {
+    std::size_t records;
+    std::size_t bodyBytes;
+    fs::path folder;
+};
+
+std::string urlOf(std::size_t i) {
+    return fmt::format("http://host{}.example/folder/page{}.html?q={}", i % 997, i, i * 7);
+}
+
+/// A page of that size, or a picture for every other record: bytes that don't repeat.
+std::string bodyOf(std::size_t i, std::size_t size) {
+    std::string body = i % 2 == 0 ? "<html><body>" : "GIF89a";
+    body.reserve(size);
+    std::uint32_t state = static_cast<std::uint32_t>(i) + 1;
+    while (body.size() < size) {
+        state = state * 1664525 + 1013904223;
+        body += static_cast<char>('0' + (state >> 24) % 75);
+    }
+    return body;
+}
+
+std::int64_t secondsOf(std::size_t i) {
+    return kMarch2011 + static_cast<std::int64_t>(i);
+}
+
+template <class Add>
+void each(const Wanted &wanted, Add &&add) {
+    for (std::size_t i = 0; i < wanted.records; ++i)
+        add(i);
+}
+
+void firefoxCache(const Wanted &wanted) {
+    FirefoxCache cache(FirefoxCache::kFirefox3, 8192);
+    each(wanted, [&](std::size_t i) {
+        cache.add({.key = "HTTP:" + urlOf(i), .body = bodyOf(i, wanted.bodyBytes)});
+    });
+    cache.writeTo(wanted.folder / "Cache");
+}
+
+void chromeCache(const Wanted &wanted) {
+    ChromeCache cache(65536);
+    each(wanted, [&](std::size_t i) {
+        const auto time = static_cast<std::uint64_t>(chromeTime(secondsOf(i)));
+        cache.add({.url = urlOf(i),
+                   .requested = time,
+                   .modified = time,
+                   .body = bodyOf(i, wanted.bodyBytes)});
+    });
+    cache.write(wanted.folder / "Chrome" / "Cache");
+}
+
+void mork(const Wanted &wanted) {
+    MorkHistory history;
+    each(wanted, [&](std::size_t i) {
+        history.add({.url = urlOf(i),
+                     .lastVisit = morkTime(secondsOf(i)),
+                     .firstVisit = morkTime(secondsOf(i)),
+                     .host = "host.example",
+                     .title = "A page"});
+    });
+    writeWhole(wanted.folder / "history.dat", history.bytes());
+}
+
+void places(const Wanted &wanted) {
+    Places places(wanted.folder / "places.sqlite");
+    each(wanted, [&](std::size_t i) {
+        places.add({static_cast<std::int64_t>(i) + 1,
+                    urlOf(i),
+                    "A page",
+                    1,
+                    false,
+                    {firefoxTime(secondsOf(i))}});
+    });
+}
+
+void chromeHistory(const Wanted &wanted) {
+    fs::create_directories(wanted.folder / "Chrome");
+    ChromeHistory history(wanted.folder / "Chrome" / "History");
+    each(wanted, [&](std::size_t i) {
+        history.add({static_cast<std::int64_t>(i) + 1,
+                     urlOf(i),
+                     "A page",
+                     1,
+                     chromeTime(secondsOf(i)),
+                     false,
+                     0,
+                     {chromeTime(secondsOf(i))}});
+    });
+}
+
+void safariCache(const Wanted &wanted) {
+    SafariCache cache(wanted.folder / "Cache.db");
+    each(wanted, [&](std::size_t i) {
+        cache.add(
+            {static_cast<std::int64_t>(i) + 1, urlOf(i),
+             safariResponse(urlOf(i), headersOf("text/html", "Sun, 13 Mar 2011 07:06:40 GMT")),
+             bodyOf(i, wanted.bodyBytes)});
+    });
+}
+
+void safariHistory(const Wanted &wanted) {
+    SafariHistory history;
+    each(wanted, [&](std::size_t i) {
+        history.add({.url = urlOf(i), .title = "A page", .lastVisited = "321692800.0"});
+    });
+    writeWhole(wanted.folder / "History.plist", history.text());
+}
+
+void operaCache(const Wanted &wanted) {
+    OperaCache cache;
+    each(wanted, [&](std::size_t i) {
+        cache.add({.url = urlOf(i),
+                   .visited = static_cast<std::uint32_t>(secondsOf(i)),
+                   .status = 2,
+                   .mimeType = "text/html",
+                   .fileName = "opr00020.htm"});
+    });
+    writeWhole(wanted.folder / "dcache4.url", cache.bytes());
+}
+
+void operaHistory(const Wanted &wanted) {
+    OperaHistory history;
+    each(wanted,
+         [&](std::size_t i) { history.add("A page", urlOf(i), std::to_string(secondsOf(i))); });
+    writeWhole(wanted.folder / "global_history.dat", history.bytes());
+}
+
+IndexRecord carvedRecord(std::size_t i) {
+    IndexRecord record;
+    record.url = "Visited: mara@" + urlOf(i);
+    record.secondDate = fileTime(2011, 3, 13, 7, 6, static_cast<int>(i % 60));
+    return record;
+}
+
+void histEx(const Wanted &wanted) {
+    HistEx carved;
+    each(wanted, [&](std::size_t i) { carved.add(carvedRecord(i)); });
+    writeWhole(wanted.folder / "0001-UC-index.dat", carved.bytes());
+}
+
+void nvd(const Wanted &wanted) {
+    Nvd results;
+    each(wanted, [&](std::size_t i) { results.add(carvedRecord(i)); });
+    writeWhole(wanted.folder / "results.nvd", results.bytes());
+}
+
+void macCache(const Wanted &wanted) {
+    MacCache cache;
+    each(wanted, [&](std::size_t i) {
+        cache.add({.url = urlOf(i), .mime = "text/html", .body = bodyOf(i, wanted.bodyBytes)});
+    });
+    writeWhole(wanted.folder / "cache.waf", cache.bytes());
+}
+
+void netAnalysis(const Wanted &wanted) {
+    NetAnalysisCase made;
+    each(wanted, [&](std::size_t i) {
+        made.add({.LastVisited = jetDate(2011, 3, 13, 7, 6, static_cast<int>(i % 60)),
+                  .Hits = 1,
+                  .InternetHistory = urlOf(i)});
+    });
+    writeWhole(wanted.folder / "case.net", made.bytes());
+}
+
+void firefoxCookies(const Wanted &wanted) {
+    FirefoxCookies cookies(wanted.folder / "cookies.sqlite");
+    each(wanted, [&](std::size_t i) {
+        Cookie cookie;
+        cookie.name = fmt::format("name{}", i);
+        cookie.lastAccess = firefoxTime(secondsOf(i));
+        cookie.expiry = secondsOf(i);
+        cookies.add(cookie);
+    });
+}
+
+void chromeCookies(const Wanted &wanted) {
+    fs::create_directories(wanted.folder / "Chrome");
+    ChromeCookies cookies(wanted.folder / "Chrome" / "Cookies");
+    each(wanted, [&](std::size_t i) {
+        Cookie cookie;
+        cookie.creation = chromeTime(secondsOf(i));
+        cookie.lastAccess = cookie.creation;
+        cookies.add(cookie);
+    });
+}
+
+/// `folderName` makes the difference between cookies and a cache.
+void index(const Wanted &wanted, std::string_view folderName) {
+    fs::create_directories(wanted.folder / folderName);
+    writeIndex(wanted.folder / folderName / "index.dat", wanted.records);
+}
+
+const std::map<std::string_view, std::function<void(const Wanted &)>> &makers() {
+    static const std::map<std::string_view, std::function<void(const Wanted &)>> all = {
+        {"firefox-cache", firefoxCache},
+        {"chrome-cache", chromeCache},
+        {"firefox-mork-history", mork},
+        {"firefox3-history", places},
+        {"chrome-history", chromeHistory},
+        {"safari-cache", safariCache},
+        {"safari-history", safariHistory},
+        {"opera-cache", operaCache},
+        {"opera-history", operaHistory},
+        {"hist-ex", histEx},
+        {"nvd", nvd},
+        {"mac-cache", macCache},
+        {"netanalysis", netAnalysis},
+        {"firefox-cookies", firefoxCookies},
+        {"chrome-cookies", chromeCookies},
+        {"ie-cache", [](const Wanted &wanted) { index(wanted, "Content.IE5"); }},
+        {"ie-cookies", [](const Wanted &wanted) { index(wanted, "Cookies"); }},
+    };
+    return all;
+}
+
+} // namespace
+
+void writeLarge(std::string_view key, std::size_t records, std::size_t bodyBytes,
+                const fs::path &folder) {
+    const auto maker = makers().find(key);
+    if (maker == makers().end())
+        throw std::invalid_argument(fmt::format("no file of the format \"{}\" can be made", key));
+    fs::create_directories(folder);
+    maker->second({records, bodyBytes, folder});
+}
+
+} // namespace nv::example
