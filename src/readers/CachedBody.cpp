@@ -8,6 +8,8 @@
 #include "readers/Limits.h"
 #include "readers/Registry.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 
@@ -36,7 +38,7 @@ fs::path targetOf(const Extraction &ctx, std::string_view suffix) {
     // The suffix may come from a URL, which must not lead out of the folder.
     const fs::path plain = fs::path(suffix).filename();
     if (!plain.empty())
-        target += "." + plain.string();
+        target.replace_filename(fmt::format("{}.{}", kBodyName, plain.string()));
     return target;
 }
 
