@@ -93,7 +93,7 @@ inline fs::path makeEvidence(const TempFolder &folder) {
     ChromeHistory history(folder.path() / "evidence" / "Chrome" / "History");
     addExamplePages(history);
     history.close();
-    folder.write("evidence/Profile/_CACHE_MAP_", std::string(64, 'x'));
+    folder.write("evidence/Safari/Cookies.plist", std::string(64, 'x')); // is not read yet
     return folder.path() / "evidence";
 }
 
