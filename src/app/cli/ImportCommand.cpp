@@ -163,7 +163,7 @@ Cell jsonOf(const ImportSummary &summary) {
 }
 
 Exit exitFor(const ImportSummary &summary) {
-    if (!summary.failure.empty())
+    if (!summary.failure.empty() || !summary.thumbnails.failure.empty())
         return Exit::projectUnusable;
     if (summary.cancelled)
         return Exit::interrupted;
