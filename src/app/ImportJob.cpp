@@ -53,14 +53,15 @@ void makeImportThumbnails(Program &program, TaskMonitor &task, const fs::path &s
     const auto ids = importedDrawableIds(program, lastId);
     if (ids.empty())
         return;
-    summary.thumbnails.failure = failureOf(program.log, "MainBAS.MakeThumbnail()", [&] {
-                                     const ThumbnailTools tools(program, scratch);
-                                     const ThumbnailTotals totals =
-                                         makeThumbnails(tools.context(), ids, task);
-                                     summary.thumbnails.made = totals.made;
-                                     summary.thumbnails.failed = totals.failed;
-                                     summary.cancelled = totals.cancelled;
-                                 }).value_or(std::string());
+    summary.thumbnails.failure =
+        failureOf(program.log, "MainBAS.MakeThumbnail()", [&] {
+            const ThumbnailTools tools(program, scratch);
+            const ThumbnailTotals totals = makeThumbnails(tools.context(), ids, task);
+            summary.thumbnails.made = totals.made;
+            summary.thumbnails.failed = totals.failed;
+            summary.thumbnails.passedOver = totals.withoutContent + totals.otherKinds;
+            summary.cancelled = totals.cancelled;
+        }).value_or(std::string());
 }
 
 } // namespace

@@ -67,9 +67,10 @@ std::string kindText(const std::string &reader, const KindTotals &kind) {
 
 std::string thumbnailsText(const ImportThumbnails &thumbnails) {
     std::string text;
-    if (thumbnails.made + thumbnails.failed > 0)
-        text = fmt::format("{} thumbnails made, {} could not be drawn, see the log\n",
-                           thumbnails.made, thumbnails.failed);
+    if (thumbnails.made + thumbnails.failed + thumbnails.passedOver > 0)
+        text = fmt::format("{} thumbnails made, {} could not be drawn, {} without cached content "
+                           "or of other kinds\n",
+                           thumbnails.made, thumbnails.failed, thumbnails.passedOver);
     if (!thumbnails.failure.empty())
         text += fmt::format("No more thumbnails were made: {}\n", thumbnails.failure);
     return text;

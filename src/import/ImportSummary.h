@@ -56,7 +56,8 @@ struct KindTotals {
 struct ImportThumbnails {
     std::uint64_t made = 0;
     std::uint64_t failed = 0;
-    std::string failure; ///< why drawing ended
+    std::uint64_t passedOver = 0; ///< no cached content, or a form that isn't drawn
+    std::string failure;          ///< why drawing ended
 };
 
 struct ImportSummary {

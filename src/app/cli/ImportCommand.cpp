@@ -157,6 +157,7 @@ Cell jsonOf(const ImportSummary &summary) {
             {"thumbnails",
              {{"made", summary.thumbnails.made},
               {"failed", summary.thumbnails.failed},
+              {"passed_over", summary.thumbnails.passedOver},
               {"failure", summary.thumbnails.failure}}},
             {"cancelled", summary.cancelled},
             {"failure", summary.failure}};
