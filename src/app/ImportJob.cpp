@@ -1,10 +1,15 @@
 #include "app/ImportJob.h"
 
+#include "app/ThumbnailJob.h"
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "import/ImportRun.h"
 #include "views/DateIndex.h"
+
+#include <SQLiteCpp/Column.h>
+#include <SQLiteCpp/Database.h>
 
 #include <algorithm>
 
@@ -38,6 +43,27 @@ HistoryFileType typeOfCommandLine(const fs::path &file) {
     return HistoryFileType::none;
 }
 
+std::int64_t lastIdOf(SQLite::Database &project) {
+    return project.execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs").getInt64();
+}
+
+/// Behind the reading: the rows are safe by then, whatever drawing comes to.
+void makeImportThumbnails(Program &program, TaskMonitor &task, const fs::path &scratch,
+                          std::int64_t lastId, ImportSummary &summary) {
+    const auto ids = importedDrawableIds(program, lastId);
+    if (ids.empty())
+        return;
+    summary.thumbnails.failure =
+        failureOf(program.log, "MainBAS.MakeThumbnail()", [&] {
+            const ThumbnailTools tools(program, scratch);
+            const ThumbnailTotals totals = makeThumbnails(tools.context(), ids, task);
+            summary.thumbnails.made = totals.made;
+            summary.thumbnails.failed = totals.failed;
+            summary.thumbnails.passedOver = totals.withoutContent + totals.otherKinds;
+            summary.cancelled = totals.cancelled;
+        }).value_or(std::string());
+}
+
 } // namespace
 
 ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &scratch) {
@@ -48,9 +74,12 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
                         evidence,    program.around.clock,
                         program.log, task,
                         scratch};
+    const std::int64_t lastId = lastIdOf(project);
     ImportSummary summary = runImport(run, program.import);
     if (!summary.cancelled && summary.failure.empty())
         ensureDateIndex(project, task);
+    if (!summary.cancelled && summary.failure.empty())
+        makeImportThumbnails(program, task, scratch, lastId, summary);
     return summary;
 }
 

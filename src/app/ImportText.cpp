@@ -65,6 +65,17 @@ std::string kindText(const std::string &reader, const KindTotals &kind) {
     return text;
 }
 
+std::string thumbnailsText(const ImportThumbnails &thumbnails) {
+    std::string text;
+    if (thumbnails.made + thumbnails.failed + thumbnails.passedOver > 0)
+        text = fmt::format("{} thumbnails made, {} could not be drawn, {} without cached content "
+                           "or of other kinds\n",
+                           thumbnails.made, thumbnails.failed, thumbnails.passedOver);
+    if (!thumbnails.failure.empty())
+        text += fmt::format("No more thumbnails were made: {}\n", thumbnails.failure);
+    return text;
+}
+
 } // namespace
 
 std::string summaryText(const ImportSummary &summary) {
@@ -76,6 +87,7 @@ std::string summaryText(const ImportSummary &summary) {
                     "over\n",
                     summary.rowsSaved(), summary.count(ArtefactState::complete),
                     summary.artefacts.size(), summary.notReached(), summary.passedOver());
+    text += thumbnailsText(summary.thumbnails);
     if (summary.cancelled)
         text += "The import was cancelled; what was written is kept.\n";
     if (!summary.failure.empty())

@@ -52,10 +52,19 @@ struct KindTotals {
     std::map<std::string, std::uint64_t> noted;      ///< by reason
 };
 
+/// What became of the thumbnails that were asked for.
+struct ImportThumbnails {
+    std::uint64_t made = 0;
+    std::uint64_t failed = 0;
+    std::uint64_t passedOver = 0; ///< no cached content, or a form that isn't drawn
+    std::string failure;          ///< why drawing ended
+};
+
 struct ImportSummary {
     std::vector<ArtefactResult> artefacts; ///< every file of the list, in its order
     bool cancelled = false;
     std::string failure; ///< what ended the import itself, such as a full disk
+    ImportThumbnails thumbnails;
 
     std::uint64_t rowsSaved() const;
     std::uint64_t rowsLost() const;

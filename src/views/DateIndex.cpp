@@ -51,4 +51,11 @@ IndexState ensureLinkIndexes(SQLite::Database &database, TaskMonitor &task) {
     return children == IndexState::Present ? parents : children;
 }
 
+IndexState ensureGalleryIndex(SQLite::Database &database, TaskMonitor &task) {
+    return ensureIndex(database, task, "URLGalleryIndex",
+                       "URLs(Host, ThumbnailMD5Hash, PARDValue, PictureWidth, PictureHeight, "
+                       "IsPicture, IsWebPage, Category, CacheFileExists) "
+                       "WHERE length(ThumbnailMD5Hash) > 0");
+}
+
 } // namespace nv

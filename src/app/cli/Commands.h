@@ -64,6 +64,28 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments);
 Exit auditCommand(Session &session, const std::string &project, std::int64_t urlId, bool wideIds,
                   Format format);
 
+struct ThumbnailArguments {
+    std::string project;
+    std::vector<std::int64_t> ids;
+    bool all = false;
+    bool redo = false; ///< rows that have a thumbnail too
+};
+Exit thumbnailsCommand(Session &session, const ThumbnailArguments &arguments);
+
+struct GalleryArguments {
+    std::string project;
+    std::string query;
+    std::string host;
+    std::string pard; ///< "15-40"; empty for any
+    std::vector<std::string> sizes;
+    int page = 1;
+    int perPage = 0; ///< 0 for the settings' number
+    std::string out; ///< an HTML file
+    bool overwrite = false;
+};
+/// Writes a page of the gallery as a contact sheet.
+Exit galleryCommand(Session &session, const GalleryArguments &arguments);
+
 struct TagArguments {
     std::string project;
     std::vector<std::int64_t> ids;

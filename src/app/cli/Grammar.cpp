@@ -19,6 +19,7 @@ constexpr const char *kExamples = R"(Examples:
   norvelane-cli show case.nvp 17                       everything about one row
   norvelane-cli extract case.nvp 17 page.html          its cached content as a file
   norvelane-cli rebuild case.nvp 17 --out pages        the page with its parts, for offline view
+  norvelane-cli gallery case.nvp --pard 15-40 --out p.html   a contact sheet of photographs
   norvelane-cli dump index.dat --format jsonl          the records of one file, without a project
 Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged, 3 the project can't be used,
 130 interrupted: what was written is kept.)";
@@ -41,6 +42,7 @@ Grammar::Grammar()
     addFiles();
     addRebuilding();
     addTemplates();
+    addPictures();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {
@@ -190,6 +192,30 @@ void Grammar::addTemplates() {
     apply->add_option("TEMPLATE", m_template.file, "The template's file")->required();
     apply->add_option("URL_ID", m_template.ids, "Keys of the pages' rows")->required();
     apply->add_flag("--any-title", m_template.anyTitle, "Pages of another title too");
+}
+
+void Grammar::addPictures() {
+    CLI::App *thumbnails =
+        command("thumbnails", "Draw cached pictures and pages small",
+                [this](Session &s) { return thumbnailsCommand(s, m_thumbnails); });
+    addProject(thumbnails, m_thumbnails.project);
+    thumbnails->add_option("URL_ID", m_thumbnails.ids, "Keys of the rows");
+    thumbnails->add_flag("--all", m_thumbnails.all, "Every cached picture and page");
+    thumbnails->add_flag("--redo", m_thumbnails.redo, "Rows that have a thumbnail too");
+
+    CLI::App *gallery = command("gallery", "Write a page of thumbnails as one HTML file",
+                                [this](Session &s) { return galleryCommand(s, m_gallery); });
+    addProject(gallery, m_gallery.project);
+    gallery->add_option("--query", m_gallery.query, "Name of a stored query (default: _DEFAULT)");
+    gallery->add_option("--host", m_gallery.host, "Only hosts that contain this text");
+    gallery->add_option("--pard", m_gallery.pard, "Only P.A.R.D. values FROM-TO, best 15-40");
+    gallery->add_option("--sizes", m_gallery.sizes, "Only these sizes: xs,s,m,l,xl")
+        ->delimiter(',');
+    gallery->add_option("--page", m_gallery.page, "Number of the page, from 1");
+    gallery->add_option("--per-page", m_gallery.perPage, "Tiles a page (default: the settings')")
+        ->check(CLI::PositiveNumber);
+    gallery->add_option("--out", m_gallery.out, "The HTML file to write")->required();
+    gallery->add_flag("--overwrite", m_gallery.overwrite, "Replace the file when it is there");
 }
 
 } // namespace nv::cli

@@ -32,11 +32,14 @@ class Grammar {
     void addFiles();
     void addRebuilding();
     void addTemplates();
+    void addPictures();
 
     ImportArguments m_import;
     ListArguments m_list;
     RebuildArguments m_rebuild;
     TagArguments m_tag;
+    ThumbnailArguments m_thumbnails;
+    GalleryArguments m_gallery;
     TemplateArguments m_template;
     bool m_wideIds = false;
     Format m_format = Format::table;

@@ -154,12 +154,17 @@ Cell jsonOf(const ImportSummary &summary) {
               {"passed_over", summary.passedOver()},
               {"seconds", summary.seconds()}}},
             {"kinds", kinds},
+            {"thumbnails",
+             {{"made", summary.thumbnails.made},
+              {"failed", summary.thumbnails.failed},
+              {"passed_over", summary.thumbnails.passedOver},
+              {"failure", summary.thumbnails.failure}}},
             {"cancelled", summary.cancelled},
             {"failure", summary.failure}};
 }
 
 Exit exitFor(const ImportSummary &summary) {
-    if (!summary.failure.empty())
+    if (!summary.failure.empty() || !summary.thumbnails.failure.empty())
         return Exit::projectUnusable;
     if (summary.cancelled)
         return Exit::interrupted;
@@ -183,8 +188,6 @@ Exit importCommand(Session &session, const ImportArguments &arguments) {
     program.import.VerifyFileSignatures &= !arguments.noSignatures;
     program.import.ParseAdvancedMetadata &= !arguments.noMetadata;
     program.import.MakeThumbnails = arguments.thumbnails;
-    if (arguments.thumbnails)
-        session.err << "thumbnails can't be made by this build; the rows are imported without\n";
 
     ImportSummary summary;
     summary.cancelled = !findArtefacts(session, arguments);

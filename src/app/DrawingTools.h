@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/Drawing.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace nv {
+
+/// What draws pictures and pages in this build. `scratch` is an existing folder of the program's
+/// own. Throws StorageFailure when it can't draw.
+std::unique_ptr<Drawing> makeDrawing(const std::filesystem::path &scratch);
+
+} // namespace nv

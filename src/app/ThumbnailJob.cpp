@@ -1,0 +1,81 @@
+#include "app/ThumbnailJob.h"
+
+#include "app/DrawingTools.h"
+#include "db/SqliteErrors.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+std::vector<std::int64_t> idsOf(Program &program, const std::string &sql) {
+    return onProject([&] {
+        std::vector<std::int64_t> ids;
+        SQLite::Statement rows(program.thisClass.ProjectDB.connection(), sql);
+        while (rows.executeStep())
+            ids.push_back(rows.getColumn(0).getInt64());
+        return ids;
+    });
+}
+
+ThumbnailSettings settingsOf(const Program &program) {
+    const ThisClass &state = program.thisClass;
+    return {state.ViewerThumbnailWidth, std::chrono::seconds(state.ThumbnailRedrawTimeout),
+            program.import.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames};
+}
+
+} // namespace
+
+ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &scratch)
+    : m_records(program.thisClass.ProjectDB.connection(),
+                {program.thisClass.GMTZone, program.thisClass.EnableDSTChanges},
+                program.around.clock, program.log),
+      m_evidence(program.thisClass.RootPath),
+      m_drawing(makeDrawing(scratch)), m_context{program.thisClass.ProjectDB.connection(),
+                                                 m_records,
+                                                 m_evidence,
+                                                 scratch,
+                                                 *m_drawing,
+                                                 program.around.clock,
+                                                 program.log,
+                                                 settingsOf(program)} {}
+
+std::vector<std::int64_t> drawableIds(Program &program, Redo redo) {
+    return idsOf(
+        program,
+        fmt::format("SELECT URL_ID FROM URLs WHERE CacheFileExists AND (IsPicture "
+                    "OR IsWebPage OR Category IN ('Pictures', 'HTML', "
+                    "'Scripts, HTML')){} ORDER BY URL_ID",
+                    redo == Redo::yes ? "" : " AND ifnull(length(ThumbnailMD5Hash), 0) = 0"));
+}
+
+std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids) {
+    onProject([&] {
+        SQLite::Statement row(
+            program.thisClass.ProjectDB.connection(),
+            "SELECT 1 FROM URLs WHERE URL_ID = ? AND length(ThumbnailMD5Hash) > 0");
+        std::erase_if(ids, [&row](std::int64_t id) {
+            row.reset();
+            row.bind(1, id);
+            return row.executeStep();
+        });
+    });
+    return ids;
+}
+
+std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t lastId) {
+    const ImportClass &import = program.import;
+    // Without pictures there are no pages either: see MakeThumbnail.
+    if (!import.MakeThumbnails || !import.MakePictureThumbnails)
+        return {};
+    return idsOf(program,
+                 fmt::format("SELECT URL_ID FROM URLs WHERE URL_ID > {} AND CacheFileExists AND "
+                             "Category IN ('Pictures'{}) ORDER BY URL_ID",
+                             lastId, import.MakeWebPageThumbnails ? ", 'HTML'" : ""));
+}
+
+} // namespace nv

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "app/Program.h"
+#include "views/Thumbnails.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+namespace nv {
+
+/// What drawing works with while the project stays open: make it, use it, let it go.
+class ThumbnailTools {
+  public:
+    /// `scratch` is an existing folder of the program's own. Throws StorageFailure when this build
+    /// can't draw.
+    ThumbnailTools(Program &program, const std::filesystem::path &scratch);
+
+    const ThumbnailContext &context() const { return m_context; }
+
+  private:
+    RecordStore m_records;
+    Evidence m_evidence;
+    std::unique_ptr<Drawing> m_drawing;
+    ThumbnailContext m_context;
+};
+
+enum class Redo { no, yes };
+
+/// Rows with cached content that may be a picture or a page, by id; with `Redo::no` those without a
+/// thumbnail only.
+std::vector<std::int64_t> drawableIds(Program &program, Redo redo);
+/// Of `ids` those that have no thumbnail yet.
+std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids);
+/// Rows above `lastId` that an import with these settings makes thumbnails of.
+std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t lastId);
+
+} // namespace nv

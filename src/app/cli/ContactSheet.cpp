@@ -1,0 +1,120 @@
+#include "app/cli/ContactSheet.h"
+
+#include "app/cli/RowWriter.h"
+#include "base/Text.h"
+#include "readers/ContentProbe.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace nv::cli {
+
+namespace {
+
+// Whatever a hostile project holds: nothing but the file's own pictures and style is loaded.
+constexpr std::string_view kHead = R"(<!DOCTYPE html>
+<html lang="en">
+<head>
+<meta charset="utf-8">
+<meta http-equiv="Content-Security-Policy" content="default-src 'none'; img-src data:; style-src 'unsafe-inline'">
+<title>{0}</title>
+<style>
+body {{ font: 14px sans-serif; margin: 1.5em; color: #222; background: #fff }}
+main {{ display: flex; flex-wrap: wrap; gap: 12px }}
+figure {{ width: 220px; margin: 0; padding: 8px; border: 1px solid #bbb; break-inside: avoid }}
+figure.tagged {{ border: 3px solid #b30000; padding: 6px }}
+.picture {{ height: 170px; display: flex; align-items: center; justify-content: center }}
+img {{ max-width: 100%; max-height: 100% }}
+figcaption {{ overflow-wrap: anywhere }}
+small {{ display: block; color: #555; unicode-bidi: isolate }}
+</style>
+</head>
+<body>
+<h1>{0}</h1>
+)";
+
+std::string escaped(std::string_view text) {
+    const std::string plain = printable(isUtf8(text) ? std::string(text) : decodeText(text));
+    std::string html;
+    for (const char c : plain)
+        switch (c) {
+        case '&':
+            html += "&amp;";
+            break;
+        case '<':
+            html += "&lt;";
+            break;
+        case '>':
+            html += "&gt;";
+            break;
+        case '"':
+            html += "&quot;";
+            break;
+        case '\'':
+            html += "&#39;";
+            break;
+        default:
+            html += c;
+        }
+    return html;
+}
+
+std::string base64(ByteView bytes) {
+    constexpr std::string_view kLetters =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    const std::string_view raw = bytes.raw();
+    const auto at = [raw](std::size_t i) -> unsigned {
+        return i < raw.size() ? static_cast<unsigned char>(raw[i]) : 0U;
+    };
+    std::string text;
+    text.reserve((raw.size() + 2) / 3 * 4);
+    for (std::size_t i = 0; i < raw.size(); i += 3) {
+        const unsigned group = at(i) << 16 | at(i + 1) << 8 | at(i + 2);
+        for (const unsigned shift : {18U, 12U, 6U, 0U})
+            text += kLetters[group >> shift & 63U];
+    }
+    // What stands for bytes beyond the end gives way to the filling.
+    const std::size_t missing = (3 - raw.size() % 3) % 3;
+    text.replace(text.size() - missing, missing, missing, '=');
+    return text;
+}
+
+/// The picture as data, when it is one of a form that browsers draw and that can't hold a script.
+std::string pictureOf(const Bytes &thumbnail) {
+    constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kForms = {
+        {{"bmp", "bmp"}, {"jpg", "jpeg"}, {"gif", "gif"}, {"png", "png"}}};
+    const std::string extension = GetExtBySignature(ByteView(thumbnail));
+    const auto *form = std::ranges::find(kForms, extension, [](auto &each) { return each.first; });
+    if (form == kForms.end())
+        return "no picture";
+    return fmt::format("<img alt=\"\" src=\"data:image/{};base64,{}\">", form->second,
+                       base64(ByteView(thumbnail)));
+}
+
+std::string tileText(const TileClass &tile, const Bytes &thumbnail) {
+    std::string shape;
+    if (tile.PictureWidth > 0 && tile.PictureHeight > 0)
+        shape = fmt::format("<small>{} x {}, P.A.R.D. {}</small>", tile.PictureWidth,
+                            tile.PictureHeight, tile.PARDValue);
+    return fmt::format("<figure{}><div class=\"picture\">{}</div><figcaption>{}{}{}<small>{}"
+                       "</small></figcaption></figure>\n",
+                       tile.Tagged ? " class=\"tagged\"" : "", pictureOf(thumbnail),
+                       captionOf(tile), tile.Tagged ? ", tagged" : "", shape,
+                       escaped(tile.ToolTip));
+}
+
+} // namespace
+
+void writeContactSheet(std::ostream &out, const ContactSheet &sheet) {
+    out << fmt::format(kHead, escaped(sheet.title));
+    for (const std::string &line : sheet.lines)
+        out << "<p>" << escaped(line) << "</p>\n";
+    out << "<main>\n";
+    for (const TileClass &tile : sheet.tiles)
+        out << tileText(tile, sheet.thumbnail(UrlId{tile.URL_ID}));
+    out << "</main>\n</body>\n</html>\n";
+}
+
+} // namespace nv::cli

@@ -1,0 +1,148 @@
+#include "app/Project.h"
+#include "app/cli/Commands.h"
+#include "app/cli/ContactSheet.h"
+#include "app/cli/OutputPath.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "db/StoredQueries.h"
+#include "views/Gallery.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <fstream>
+#include <optional>
+
+namespace nv::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct SizeWord {
+    std::string_view word;
+    bool PARDClass::*flag;
+};
+constexpr std::array<SizeWord, 5> kSizes = {{{"xs", &PARDClass::ShowXSmallPics},
+                                             {"s", &PARDClass::ShowSmallPics},
+                                             {"m", &PARDClass::ShowMediumPics},
+                                             {"l", &PARDClass::ShowLargePics},
+                                             {"xl", &PARDClass::ShowXLargePics}}};
+
+std::optional<std::int16_t> valueOf(std::string_view text) {
+    std::int16_t value = 0;
+    const char *end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end || value < 0 || value > 100)
+        return std::nullopt;
+    return value;
+}
+
+/// A range that runs backwards shows everything, which nobody asks for here.
+void readRange(const std::string &text, PARDClass &PARD) {
+    const auto parts = split(text, '-');
+    const auto from = parts.size() == 2 ? valueOf(parts[0]) : std::nullopt;
+    const auto to = parts.size() == 2 ? valueOf(parts[1]) : std::nullopt;
+    if (!from || !to || *from > *to)
+        throw UsageError(fmt::format("--pard {}: a range from 0-0 to 100-100 was expected, such as "
+                                     "15-40",
+                                     text));
+    PARD.FromValue = *from;
+    PARD.ToValue = *to;
+}
+
+PARDClass shapesOf(const GalleryArguments &arguments) {
+    PARDClass PARD;
+    // Sizes count together with a range only; this one leaves no picture out.
+    PARD.ToValue = 100;
+    PARD.EnablePARD = !arguments.pard.empty() || !arguments.sizes.empty();
+    if (!arguments.pard.empty())
+        readRange(arguments.pard, PARD);
+    for (const std::string &word : arguments.sizes) {
+        const auto *size = std::ranges::find(kSizes, word, &SizeWord::word);
+        if (size == kSizes.end())
+            throw UsageError(
+                fmt::format("--sizes: xs, s, m, l and xl were expected, not {}", word));
+        PARD.*(size->flag) = true;
+    }
+    return PARD;
+}
+
+void checkTarget(const GalleryArguments &arguments, const fs::path &base) {
+    const fs::path file = arguments.out;
+    if (toLower(textOf(file.extension())) != ".html" && toLower(textOf(file.extension())) != ".htm")
+        throw UsageError(fmt::format("--out {}: a file *.html was expected", arguments.out));
+    if (fs::exists(file) && (!arguments.overwrite || !fs::is_regular_file(file)))
+        throw UsageError(
+            fmt::format("\"{}\" is there already; --overwrite replaces a file", textOf(file)));
+    refuseEvidence(file, base);
+}
+
+Gallery galleryOf(Session &session, const GalleryArguments &arguments) {
+    const ThisClass &state = session.program.thisClass;
+    SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
+    if (!arguments.query.empty() && !StoredQueries(project).text(arguments.query))
+        throw UsageError(fmt::format("the project has no stored query \"{}\"", arguments.query));
+    Gallery gallery(project, session.program.log);
+    gallery.choice = {arguments.query, !arguments.host.empty(), arguments.host};
+    gallery.PARD = shapesOf(arguments);
+    gallery.settings.GalleryRecordsPerPage =
+        arguments.perPage > 0 ? arguments.perPage : state.GalleryRecordsPerPage;
+    gallery.settings.media = {state.GalleryIncludePictures, state.GalleryIncludeHTML};
+    return gallery;
+}
+
+/// What was asked for, so that a printed sheet says what it leaves out.
+std::vector<std::string> linesOf(const Gallery &gallery, const GalleryArguments &arguments) {
+    std::vector<std::string> lines{fmt::format("Page {}, {} of {} pictures and pages",
+                                               gallery.pageText(), gallery.gallery().Tiles.Count(),
+                                               gallery.rowCount())};
+    if (!arguments.query.empty())
+        lines.push_back("Query: " + arguments.query);
+    if (!arguments.host.empty())
+        lines.push_back("Hosts that contain: " + arguments.host);
+    if (!arguments.pard.empty())
+        lines.push_back("P.A.R.D.: " + arguments.pard);
+    if (!arguments.sizes.empty())
+        lines.push_back(fmt::format("Sizes: {}", fmt::join(arguments.sizes, ", ")));
+    return lines;
+}
+
+void writeSheet(Session &session, const Gallery &gallery, const GalleryArguments &arguments) {
+    Program &program = session.program;
+    errno = 0;
+    std::ofstream file(fs::path(arguments.out), std::ios::binary | std::ios::trunc);
+    writeContactSheet(
+        file, {"Gallery of " + textOf(fs::path(arguments.project).filename()),
+               linesOf(gallery, arguments), gallery.gallery().Tiles, [&program](UrlId id) {
+                   return thumbnailOf(program.thisClass.ProjectDB.connection(), program.log, id);
+               }});
+    file.close();
+    if (!file)
+        throw FileFailure("cannot write", arguments.out, errno);
+}
+
+} // namespace
+
+Exit galleryCommand(Session &session, const GalleryArguments &arguments) {
+    session.open(arguments.project);
+    Program &program = session.program;
+    checkTarget(arguments, program.thisClass.RootPath);
+    Gallery gallery = galleryOf(session, arguments);
+    const LoadResult loaded = gallery.load(session.task);
+    session.task.clear();
+    if (loaded == LoadResult::Cancelled)
+        return Exit::interrupted;
+    if (loaded == LoadResult::Failed || !gallery.showPage(arguments.page))
+        throw StorageFailure(
+            fmt::format("the gallery can't be shown; see \"{}\"", textOf(program.log.path())));
+    writeSheet(session, gallery, arguments);
+    session.out << fmt::format("page {}, {} of {} pictures and pages\n", gallery.pageText(),
+                               gallery.gallery().Tiles.Count(), gallery.rowCount());
+    closeProject(program);
+    return Exit::ok;
+}
+
+} // namespace nv::cli

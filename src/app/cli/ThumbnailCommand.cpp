@@ -1,0 +1,60 @@
+#include "app/Project.h"
+#include "app/ThumbnailJob.h"
+#include "app/cli/Commands.h"
+#include "base/Files.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+namespace nv::cli {
+
+namespace {
+
+void checkThere(Program &program, const std::vector<std::int64_t> &ids) {
+    SQLite::Statement row(program.thisClass.ProjectDB.connection(),
+                          "SELECT 1 FROM URLs WHERE URL_ID = ?");
+    for (const std::int64_t id : ids) {
+        row.reset();
+        row.bind(1, id);
+        if (!row.executeStep())
+            throw UsageError(fmt::format("the project has no row {}", id));
+    }
+}
+
+std::vector<std::int64_t> chosenIds(Program &program, const ThumbnailArguments &arguments) {
+    if (arguments.all)
+        return drawableIds(program, arguments.redo ? Redo::yes : Redo::no);
+    checkThere(program, arguments.ids);
+    return arguments.redo ? arguments.ids : withoutThumbnail(program, arguments.ids);
+}
+
+std::string textOf(const ThumbnailTotals &totals) {
+    return fmt::format("{} thumbnails made, {} could not be drawn, {} without cached content, {} "
+                       "of other kinds\n",
+                       totals.made, totals.failed, totals.withoutContent, totals.otherKinds);
+}
+
+} // namespace
+
+Exit thumbnailsCommand(Session &session, const ThumbnailArguments &arguments) {
+    if (arguments.ids.empty() != arguments.all)
+        throw UsageError("either URL_IDs or --all were expected");
+    session.open(arguments.project);
+    Program &program = session.program;
+    ThumbnailTotals totals;
+    const auto ids = chosenIds(program, arguments);
+    if (!ids.empty()) {
+        const ThumbnailTools tools(program, session.scratch());
+        totals = makeThumbnails(tools.context(), ids, session.task);
+    }
+    session.task.clear();
+    session.out << textOf(totals);
+    if (totals.failed > 0)
+        session.err << fmt::format("see \"{}\"\n", nv::textOf(program.log.path()));
+    closeProject(program);
+    if (totals.cancelled)
+        return Exit::interrupted;
+    return totals.failed > 0 ? Exit::damagedEvidence : Exit::ok;
+}
+
+} // namespace nv::cli

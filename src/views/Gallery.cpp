@@ -1,0 +1,127 @@
+#include "views/Gallery.h"
+
+#include "base/Trap.h"
+#include "db/Dialect.h"
+#include "db/StoredQueries.h"
+#include "views/DateIndex.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kProcedure = "MainForm.LoadGallery()";
+
+TileClass tileIn(SQLite::Statement &row) {
+    TileClass tile;
+    tile.URL_ID = row.getColumn(0).getInt();
+    tile.Tagged = row.getColumn(1).getInt() != 0;
+    tile.IsPicture = row.getColumn(2).getInt() != 0;
+    tile.ToolTip = row.getColumn(3).getString();
+    tile.Host = row.getColumn(4).getString();
+    tile.PictureWidth = row.getColumn(5).getInt64();
+    tile.PictureHeight = row.getColumn(6).getInt64();
+    tile.PARDValue = row.getColumn(7).getInt64();
+    return tile;
+}
+
+} // namespace
+
+std::string captionOf(const TileClass &tile) {
+    const std::string digits = fmt::format("{:07}", tile.URL_ID);
+    return "ID #" + digits.substr(digits.size() - 7);
+}
+
+IdQuery galleryQuery(const RowChoice &rows, const PARDClass &PARD, const GalleryMedia &media) {
+    const std::string query = quotedName(
+        rows.ActiveQueryName.empty() ? kDefaultQueryName : std::string_view(rows.ActiveQueryName));
+    const bool byHost = rows.FilterByHostEnabled && !rows.FilterByHostValue.empty();
+    // As `length` and not `Len`: that lets the index over the thumbnails' rows serve it.
+    return {fmt::format("SELECT {0}.URL_ID FROM {0} WHERE {1}length({0}.ThumbnailMD5Hash) > 0{2} "
+                        "ORDER BY {0}.Host ASC, {0}.URL_ID ASC",
+                        query, byHost ? fmt::format("{}.Host LIKE ? AND ", query) : "",
+                        translate(BuildGalleryFilter(PARD, media))),
+            byHost ? hostPattern(rows.FilterByHostValue) : std::string()};
+}
+
+LoadResult Gallery::load(TaskMonitor &task) {
+    m_ids.clear();
+    // Cells are 16-bit.
+    m_pageSize = static_cast<std::size_t>(std::clamp<int>(
+        settings.GalleryRecordsPerPage, 1, std::numeric_limits<std::int16_t>::max()));
+    const auto walk = trapped(
+        m_log, Severity::Warning, kProcedure, kContactSupport, std::optional<Walk>(),
+        [&]() -> std::optional<Walk> {
+            if (ensureGalleryIndex(m_project, task) == IndexState::Cancelled)
+                return Walk::Cancelled;
+            return collectIds(m_project, galleryQuery(choice, PARD, settings.media), task, m_ids);
+        });
+    if (walk != Walk::Finished)
+        m_ids.clear();
+    m_pageCount = static_cast<int>((m_ids.size() + m_pageSize - 1) / m_pageSize);
+    const bool shown = showPage(m_page);
+    if (walk == Walk::Cancelled)
+        return LoadResult::Cancelled;
+    if (!walk || !shown)
+        return LoadResult::Failed;
+    GalleryDirty = false;
+    return LoadResult::Loaded;
+}
+
+bool Gallery::showPage(int page) {
+    m_page = std::max(1, std::min(page, m_pageCount));
+    m_gallery.Tiles.Clear();
+    const bool read = trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [this] {
+        readTiles();
+        return true;
+    });
+    if (!read)
+        m_gallery.Tiles.Clear();
+    return read;
+}
+
+void Gallery::readTiles() {
+    SQLite::Statement row(m_project, "SELECT URL_ID, Tagged, IsPicture, URL, Host, PictureWidth, "
+                                     "PictureHeight, PARDValue FROM URLs WHERE URL_ID = ?");
+    const std::size_t first = static_cast<std::size_t>(m_page - 1) * m_pageSize;
+    const std::size_t end = std::min(m_ids.size(), first + m_pageSize);
+    const int columns = std::max(1, settings.tilesPerRow);
+    for (std::size_t place = first; place < end; ++place) {
+        row.reset();
+        row.bind(1, m_ids[place]);
+        if (!row.executeStep())
+            continue; // deleted since the load
+        TileClass tile = tileIn(row);
+        const int cell = static_cast<int>(m_gallery.Tiles.Count());
+        tile.XCoord = static_cast<std::int16_t>(cell % columns);
+        tile.YCoord = static_cast<std::int16_t>(cell / columns);
+        m_gallery.Tiles.Add(std::move(tile));
+    }
+}
+
+std::string Gallery::pageText() const {
+    return fmt::format("{} of {}", m_page, m_pageCount);
+}
+
+Bytes thumbnailOf(SQLite::Database &project, FailureLog &log, UrlId id) {
+    return trapped(log, Severity::Warning, kProcedure, kContactSupport, Bytes(), [&] {
+        SQLite::Statement row(project, "SELECT ThumbnailBLOB FROM URLs WHERE URL_ID = ?");
+        row.bind(1, number(id));
+        if (!row.executeStep())
+            return Bytes();
+        const std::string bytes = row.getColumn(0).getString();
+        return Bytes(bytes.begin(), bytes.end());
+    });
+}
+
+Message galleryNotChanged() {
+    return {"gallery-not-changed", "Refresh Gallery", "The current gallery has not changed.",
+            Choices::Ok,           Tone::Information, Answer::Ok};
+}
+
+} // namespace nv

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "base/Examiner.h"
+#include "base/FailureLog.h"
+#include "base/KeyedList.h"
+#include "base/TaskMonitor.h"
+#include "views/Pard.h"
+#include "views/UrlQuery.h"
+#include "views/UrlTable.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace nv {
+
+/// One tile of the gallery. `XCoord` and `YCoord` are its column and row, 0-based.
+struct TileClass {
+    bool Selected = false;
+    std::string ToolTip; ///< the URL
+    std::int32_t URL_ID = 0;
+    std::int16_t YCoord = 0;
+    std::int16_t XCoord = 0;
+    bool Tagged = false;
+    bool IsPicture = false;
+    std::string Host;
+    std::int64_t PictureWidth = 0;
+    std::int64_t PictureHeight = 0;
+    std::int64_t PARDValue = 0;
+};
+using TileCollection = KeyedList<TileClass>;
+
+struct GalleryClass {
+    TileCollection Tiles;
+};
+
+/// "ID #" and seven digits, as everywhere the last ones of the id.
+std::string captionOf(const TileClass &tile);
+
+struct GallerySettings {
+    int GalleryRecordsPerPage = 300;
+    GalleryMedia media;
+    int tilesPerRow = 6;
+};
+
+/// What a gallery asks for: its rows by host, equal ones by id, so that pages never overlap. The
+/// host is never part of the text.
+IdQuery galleryQuery(const RowChoice &rows, const PARDClass &PARD, const GalleryMedia &media);
+
+/// The gallery without its window: the ids of all that it shows, and the tiles of one page. Owns
+/// neither the connection nor the log.
+class Gallery {
+  public:
+    Gallery(SQLite::Database &project, FailureLog &log) : m_project(project), m_log(log) {}
+
+    // What the next load takes up.
+    RowChoice choice;
+    PARDClass PARD;
+    GallerySettings settings;
+
+    /// Set by whoever changes thumbnails or rows: the gallery no longer shows what there is.
+    bool GalleryDirty = false;
+
+    /// Finds the rows and shows the page in hand, or the last one when there are fewer now. A
+    /// failure is logged and leaves no tiles, and so does a cancel.
+    LoadResult load(TaskMonitor &task);
+    /// Shows another page of the rows that load() found, from 1: before the first is the first,
+    /// beyond the end the last. False after a failure, which is logged and leaves no tiles.
+    bool showPage(int page);
+    bool firstPage() { return showPage(1); }
+    bool previousPage() { return showPage(m_page - 1); }
+    bool nextPage() { return showPage(m_page < m_pageCount ? m_page + 1 : m_page); }
+    bool lastPage() { return showPage(m_pageCount); }
+
+    int GalleryADOPage() const { return m_page; }           ///< from 1
+    int GalleryADOPageCount() const { return m_pageCount; } ///< 0 when there is nothing to show
+    std::size_t rowCount() const { return m_ids.size(); }
+    /// The bottom line, "2 of 7".
+    std::string pageText() const;
+
+    GalleryClass &gallery() { return m_gallery; }
+    const GalleryClass &gallery() const { return m_gallery; }
+
+  private:
+    void readTiles();
+
+    SQLite::Database &m_project;
+    FailureLog &m_log;
+    RowIds m_ids;
+    std::size_t m_pageSize = 1;
+    int m_page = 1;
+    int m_pageCount = 0;
+    GalleryClass m_gallery;
+};
+
+/// A row's thumbnail: a bitmap or a JPEG. Empty when it has none; a failure is logged.
+Bytes thumbnailOf(SQLite::Database &project, FailureLog &log, UrlId id);
+
+/// What the examiner is told when a refresh would show the same again.
+Message galleryNotChanged();
+
+} // namespace nv

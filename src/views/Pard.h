@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace nv {
+
+/// The examiner's choice of pictures by shape and size.
+struct PARDClass {
+    bool ShowXSmallPics = false;
+    bool ShowXLargePics = false;
+    bool ShowSmallPics = false;
+    bool ShowMediumPics = false;
+    bool ShowLargePics = false;
+    bool EnablePARD = false;
+    std::int16_t ToValue = 0;
+    std::int16_t FromValue = 0;
+};
+
+/// The "Photograph Aspect Ratio Differential", 0 to 100, of a picture's sides in pixels: 0 is a
+/// square, photographs lie between 15 and 40, banners and spacers above.
+std::int16_t pardValue(std::int64_t width, std::int64_t height);
+
+/// What a gallery shows besides P.A.R.D. and size.
+struct GalleryMedia {
+    bool GalleryIncludePictures = true;
+    bool GalleryIncludeHTML = true;
+};
+
+/// The conditions of the gallery's query, each with " AND " before it, in the project's dialect.
+std::string BuildGalleryFilter(const PARDClass &PARD, const GalleryMedia &media);
+
+} // namespace nv

@@ -1,0 +1,148 @@
+#include "views/ThumbnailJobs.h"
+
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "base/Text.h"
+#include "db/SqliteErrors.h"
+#include "readers/CachedBody.h"
+#include "readers/ContentProbe.h"
+#include "views/Pard.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kScratchName = "~tmp";
+
+constexpr std::array<std::string_view, 5> kPictures = {"jpg", "jpeg", "bmp", "png", "gif"};
+constexpr std::array<std::string_view, 4> kPages = {"html", "htm", "asp", "aspx"};
+
+bool holds(std::span<const std::string_view> words, std::string_view word) {
+    return std::ranges::find(words, word) != words.end();
+}
+
+/// As an import knows the record: its extension is that of its content, when that speaks for one.
+/// Rows keep the reader's words.
+void takeVerdict(URLClass &record, const Extraction &extraction, Signatures signatures) {
+    ContentProbe content;
+    const Verdict verdict = Categories(signatures, extraction, content).verdictOn(record);
+    if (!verdict.extension.empty())
+        record.CacheFileExt = verdict.extension;
+}
+
+std::string extensionOf(const URLClass &record, const fs::path &content) {
+    if (!record.CacheFileExt.empty())
+        return toLower(record.CacheFileExt);
+    if (!record.URLFileExt.empty())
+        return toLower(record.URLFileExt);
+    constexpr std::size_t kHeadBytes = 4096;
+    return GetExtBySignature(ByteView(readHead(content, kHeadBytes)));
+}
+
+/// Brings the content to the fixed name by which it is drawn.
+fs::path toScratch(const fs::path &content, const fs::path &folder, std::string_view suffix) {
+    const fs::path scratch = folder / fmt::format("{}{}", kScratchName, suffix);
+    if (content.parent_path() == folder)
+        fs::rename(content, scratch);
+    else
+        copyToScratch(content, scratch);
+    return scratch;
+}
+
+void setKind(URLClass &record, DrawJob::Kind kind) {
+    record.IsPicture = kind == DrawJob::Kind::picture;
+    record.IsWebPage = kind == DrawJob::Kind::page;
+    record.ThumbnailFormat = record.IsPicture ? "Bitmap" : "JPEG";
+}
+
+void fill(URLClass &record, const DrawJob &job, const Drawn &drawn, const ThumbnailContext &ctx) {
+    record.RunTimeThumbnailPath = job.target;
+    record.ThumbnailBLOB = readWhole(job.target);
+    record.ThumbnailMD5Hash = FileMD5(job.target).value_or("");
+    record.ThumbnailCreated = Date::fromTimePoint(ctx.clock.now());
+    record.ThumbnailWidth = job.width;
+    record.ThumbnailHeight = job.height;
+    record.ThumbnailDirty = false;
+    if (job.kind == DrawJob::Kind::page)
+        return;
+    record.PictureHeight = drawn.pictureHeight;
+    record.PictureWidth = drawn.pictureWidth;
+    record.PARDValue = pardValue(drawn.pictureWidth, drawn.pictureHeight);
+}
+
+void writeRow(const URLClass &record, SQLite::Database &project) {
+    onProject([&] {
+        SQLite::Statement update(
+            project, "UPDATE URLs SET ThumbnailBLOB = ?, ThumbnailWidth = ?, ThumbnailHeight = ?, "
+                     "ThumbnailCreated = ?, ThumbnailMD5Hash = ?, ThumbnailDirty = ?, "
+                     "IsPicture = ?, PARDValue = ?, PictureHeight = ?, PictureWidth = ? "
+                     "WHERE URL_ID = ?");
+        update.bindNoCopy(1, record.ThumbnailBLOB.data(),
+                          static_cast<int>(record.ThumbnailBLOB.size()));
+        update.bind(2, record.ThumbnailWidth);
+        update.bind(3, record.ThumbnailHeight);
+        update.bind(4, record.ThumbnailCreated.days());
+        update.bind(5, record.ThumbnailMD5Hash);
+        update.bind(6, record.ThumbnailDirty ? 1 : 0);
+        update.bind(7, record.IsPicture ? 1 : 0);
+        update.bind(8, record.PARDValue);
+        update.bind(9, record.PictureHeight);
+        update.bind(10, record.PictureWidth);
+        update.bind(11, number(record.URLID));
+        update.exec();
+    });
+}
+
+} // namespace
+
+std::optional<DrawJob::Kind> drawnAs(std::string_view extension) {
+    if (holds(kPictures, extension))
+        return DrawJob::Kind::picture;
+    return holds(kPages, extension) ? std::optional(DrawJob::Kind::page) : std::nullopt;
+}
+
+Preparation prepareThumbnail(ThumbnailJob &job, const fs::path &folder,
+                             const ThumbnailContext &ctx) {
+    URLClass &record = job.record;
+    if (!record.CacheFileExists)
+        return Preparation::noContent;
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    record.RunTimeTempFilePath.clear();
+    const Extraction extraction{ctx.evidence, folder, ctx.log};
+    takeVerdict(record, extraction, ctx.settings.signatures);
+    const auto content = contentOf(record, extraction);
+    if (!content)
+        return Preparation::noContent;
+    const auto kind = drawnAs(extensionOf(record, *content));
+    if (!kind)
+        return Preparation::otherKind;
+    const bool picture = *kind == DrawJob::Kind::picture;
+    record.RunTimeTempFilePath = toScratch(*content, folder, picture ? ".jpg" : ".htm");
+    setKind(record, *kind);
+    job.drawing = {*kind, record.RunTimeTempFilePath, folder, ctx.settings.ViewerThumbnailWidth,
+                   thumbnailHeight(ctx.settings.ViewerThumbnailWidth)};
+    job.drawing.target += picture ? ".thumb.bmp" : ".thumb.jpg";
+    fs::remove(job.drawing.target);
+    return Preparation::ready;
+}
+
+void keepThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext &ctx) {
+    fill(job.record, job.drawing, drawn, ctx);
+    writeRow(job.record, ctx.project);
+}
+
+void logUndrawn(UrlId URL_ID, std::string_view failure, FailureLog &log) {
+    log.write({fmt::format("URL ID: {} {}", number(URL_ID), failure), "MainBAS.MakeThumbnail()",
+               Severity::Low, std::string(kNotSerious)});
+}
+
+} // namespace nv

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "views/Thumbnails.h"
+
+#include <filesystem>
+#include <optional>
+#include <string_view>
+
+namespace nv {
+
+/// How files of this extension, in lower case, are drawn; nothing for all that aren't.
+std::optional<DrawJob::Kind> drawnAs(std::string_view extension);
+
+/// A thumbnail's height for its width, in pixels.
+constexpr int thumbnailHeight(int width) {
+    return width * 3 / 4;
+}
+
+/// A record whose content lies in scratch, and its drawing.
+struct ThumbnailJob {
+    URLClass record;
+    DrawJob drawing;
+};
+
+enum class Preparation { ready, noContent, otherKind };
+
+/// Copies the record's content into `folder`, which is made, and where nothing else lies: a page
+/// must not show what belongs to another. The target lies beside the folder. Throws.
+Preparation prepareThumbnail(ThumbnailJob &job, const std::filesystem::path &folder,
+                             const ThumbnailContext &ctx);
+
+/// Reads the finished drawing into the record and its row, in one write. Throws.
+void keepThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext &ctx);
+
+void logUndrawn(UrlId URL_ID, std::string_view failure, FailureLog &log);
+
+} // namespace nv

@@ -1,0 +1,244 @@
+#include "views/Thumbnails.h"
+
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "base/Trap.h"
+#include "db/SqliteErrors.h"
+#include "db/WriteBatch.h"
+#include "views/DateIndex.h"
+#include "views/Pard.h"
+#include "views/ThumbnailJobs.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <vector>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Enough that starting to draw doesn't count, few enough copies of evidence in scratch.
+constexpr std::size_t kBatch = 32;
+constexpr std::string_view kScratchName = "~thumbs";
+
+/// The run's own folder below the scratch folder, gone at its end.
+class ThumbnailFolder {
+  public:
+    explicit ThumbnailFolder(const fs::path &parent) : m_path(parent / kScratchName) { empty(); }
+    ~ThumbnailFolder() {
+        std::error_code ignored;
+        fs::remove_all(m_path, ignored);
+    }
+    ThumbnailFolder(const ThumbnailFolder &) = delete;
+    ThumbnailFolder &operator=(const ThumbnailFolder &) = delete;
+
+    void empty() const {
+        fs::remove_all(m_path);
+        fs::create_directories(m_path);
+    }
+    fs::path place(std::size_t job) const { return m_path / std::to_string(job); }
+
+  private:
+    fs::path m_path;
+};
+
+/// Draws one file with the settings' time-out.
+Drawn drawOne(const DrawJob &job, const ThumbnailContext &ctx) {
+    Drawn result;
+    result.failure = "it was not drawn";
+    ctx.drawing.draw(
+        std::span(&job, 1), ctx.settings.ThumbnailRedrawTimeout,
+        [&](std::size_t, const Drawn &drawn) {
+            result = drawn;
+            return true;
+        },
+        [] { return true; });
+    return result;
+}
+
+class ThumbnailRun {
+  public:
+    ThumbnailRun(const ThumbnailContext &ctx, std::span<const std::int64_t> ids, TaskMonitor &task)
+        : m_ctx(ctx), m_ids(ids), m_task(task), m_folder(ctx.TempFolderPath), m_rows(ctx.project) {}
+
+    ThumbnailTotals all() {
+        m_task.describe({"CREATING THUMBNAILS", "Creating Thumbnails ", "", ""});
+        while (m_next < m_ids.size() && !m_totals.cancelled) {
+            prepareBatch();
+            if (!m_totals.cancelled)
+                drawBatch();
+            m_rows.commit();
+            m_folder.empty();
+        }
+        return m_totals;
+    }
+
+  private:
+    void prepareBatch() {
+        m_jobs.clear();
+        while (m_next < m_ids.size() && m_jobs.size() < kBatch && goOn())
+            prepare(UrlId{m_ids[m_next++]});
+    }
+
+    void prepare(UrlId id) {
+        auto record = m_ctx.records.GetURL(id);
+        if (!record)
+            return void(++m_totals.withoutContent);
+        ThumbnailJob job{std::move(*record), {}};
+        const auto state =
+            trapped(m_ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport,
+                    Preparation::noContent,
+                    [&] { return prepareThumbnail(job, m_folder.place(m_jobs.size()), m_ctx); });
+        if (state == Preparation::ready)
+            m_jobs.push_back(std::move(job));
+        else
+            ++(state == Preparation::noContent ? m_totals.withoutContent : m_totals.otherKinds);
+    }
+
+    void drawBatch() {
+        std::vector<DrawJob> drawings;
+        for (const ThumbnailJob &job : m_jobs)
+            drawings.push_back(job.drawing);
+        m_ctx.drawing.draw(
+            drawings, m_ctx.settings.ThumbnailRedrawTimeout,
+            [this](std::size_t at, const Drawn &drawn) { return take(m_jobs.at(at), drawn); },
+            [this] { return goOn(); });
+    }
+
+    bool take(ThumbnailJob &job, const Drawn &drawn) {
+        const bool kept =
+            drawn.done && trapped(m_ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()",
+                                  kContactSupport, false, [&] {
+                                      keepThumbnail(job, drawn, m_ctx);
+                                      return true;
+                                  });
+        if (!drawn.done)
+            logUndrawn(job.record.URLID, drawn.failure, m_ctx.log);
+        ++(kept ? m_totals.made : m_totals.failed);
+        m_rows.written();
+        return goOn();
+    }
+
+    std::size_t done() const {
+        return static_cast<std::size_t>(m_totals.made + m_totals.failed + m_totals.withoutContent +
+                                        m_totals.otherKinds);
+    }
+
+    bool goOn() {
+        m_totals.cancelled |=
+            !m_task.advance(static_cast<double>(done()) / static_cast<double>(m_ids.size()));
+        if (m_task.wantsStep())
+            m_task.show({fmt::format("Thumbnail {} of {}", done(), m_ids.size()),
+                         static_cast<std::int64_t>(done()), static_cast<std::int64_t>(m_ids.size()),
+                         "", 0, 0});
+        return !m_totals.cancelled;
+    }
+
+    const ThumbnailContext &m_ctx;
+    std::span<const std::int64_t> m_ids;
+    TaskMonitor &m_task;
+    ThumbnailFolder m_folder;
+    WriteBatch m_rows;
+    std::vector<ThumbnailJob> m_jobs;
+    std::size_t m_next = 0; ///< place in the list of ids
+    ThumbnailTotals m_totals;
+};
+
+bool holdsAlready(UrlId id, const std::string &hash, SQLite::Database &project) {
+    SQLite::Statement row(project, "SELECT 1 FROM URLs WHERE URL_ID = ? AND ThumbnailMD5Hash = ?");
+    row.bind(1, number(id));
+    row.bind(2, hash);
+    return row.executeStep();
+}
+
+} // namespace
+
+ThumbnailTotals makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> ids,
+                               TaskMonitor &task) {
+    // Now, while few rows have thumbnails: the index grows with them.
+    if (onProject([&] { return ensureGalleryIndex(ctx.project, task); }) == IndexState::Cancelled)
+        return {0, 0, 0, 0, true};
+    return ThumbnailRun(ctx, ids, task).all();
+}
+
+bool MakeThumbnail(URLClass &URL, const ImportClass &import, const ThumbnailContext &ctx) {
+    if (!import.MakePictureThumbnails || !URL.CacheFileExists)
+        return false;
+    return trapped(ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport, false,
+                   [&] {
+                       const ThumbnailFolder folder(ctx.TempFolderPath);
+                       ThumbnailJob job{URL, {}};
+                       if (prepareThumbnail(job, folder.place(0), ctx) != Preparation::ready)
+                           return false;
+                       const Drawn drawn = drawOne(job.drawing, ctx);
+                       if (drawn.done)
+                           keepThumbnail(job, drawn, ctx);
+                       else
+                           logUndrawn(URL.URLID, drawn.failure, ctx.log);
+                       URL = std::move(job.record);
+                       // They lay in a folder that goes now.
+                       URL.RunTimeTempFilePath.clear();
+                       URL.RunTimeThumbnailPath.clear();
+                       return drawn.done;
+                   });
+}
+
+bool MakePictureThumbnail(const fs::path &source, const fs::path &destination, URLClass &URL,
+                          int width, const ThumbnailContext &ctx) {
+    const Drawn drawn =
+        drawOne({DrawJob::Kind::picture, source, destination, width, thumbnailHeight(width)}, ctx);
+    if (!drawn.done) {
+        logUndrawn(URL.URLID, drawn.failure, ctx.log);
+        return false;
+    }
+    URL.PictureWidth = drawn.pictureWidth;
+    URL.PictureHeight = drawn.pictureHeight;
+    URL.PARDValue = pardValue(drawn.pictureWidth, drawn.pictureHeight);
+    return true;
+}
+
+bool CreateHTMLThumbnail(const fs::path &page, const fs::path &destination, UrlId URL_ID, int width,
+                         const ThumbnailContext &ctx) {
+    constexpr std::string_view kProcedure = "MainBAS.CreateHTMLThumbnail()";
+    constexpr int kTrials = 2;
+    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+        for (int trial = 0; trial < kTrials; ++trial) {
+            fs::remove(destination);
+            const Drawn drawn = drawOne(
+                {DrawJob::Kind::page, page, destination, width, thumbnailHeight(width)}, ctx);
+            if (drawn.done) {
+                StoreThumbnail(URL_ID, destination, ctx);
+                return true;
+            }
+            ctx.log.write({fmt::format("Win32 Error: {}", drawn.failure), std::string(kProcedure),
+                           Severity::Warning, std::string(kContactSupport)});
+        }
+        return false;
+    });
+}
+
+Stored StoreThumbnail(UrlId URL_ID, const fs::path &path, const ThumbnailContext &ctx) {
+    const std::string hash = FileMD5(path).value_or("");
+    const Bytes bytes = readWhole(path);
+    return onProject([&] {
+        if (holdsAlready(URL_ID, hash, ctx.project))
+            return Stored::sameBytes;
+        SQLite::Statement update(ctx.project,
+                                 "UPDATE URLs SET ThumbnailBLOB = ?, ThumbnailMD5Hash = ?, "
+                                 "ThumbnailWidth = ?, ThumbnailHeight = ?, ThumbnailCreated = ? "
+                                 "WHERE URL_ID = ?");
+        update.bindNoCopy(1, bytes.data(), static_cast<int>(bytes.size()));
+        update.bind(2, hash);
+        update.bind(3, ctx.settings.ViewerThumbnailWidth);
+        update.bind(4, thumbnailHeight(ctx.settings.ViewerThumbnailWidth));
+        update.bind(5, Date::fromTimePoint(ctx.clock.now()).days());
+        update.bind(6, number(URL_ID));
+        update.exec();
+        return Stored::written;
+    });
+}
+
+} // namespace nv

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "base/FailureLog.h"
+#include "base/TaskMonitor.h"
+#include "db/RecordStore.h"
+#include "import/Categories.h"
+#include "import/ImportClass.h"
+#include "platform/Drawing.h"
+#include "readers/Evidence.h"
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+
+namespace nv {
+
+struct ThumbnailSettings {
+    int ViewerThumbnailWidth = 120; ///< pixels; thumbnails are three quarters as high
+    std::chrono::seconds ThumbnailRedrawTimeout{5};
+    Signatures signatures = Signatures::verify;
+};
+
+/// All that making thumbnails needs. Everything must outlive it.
+struct ThumbnailContext {
+    SQLite::Database &project;
+    RecordStore &records;
+    const Evidence &evidence;
+    std::filesystem::path TempFolderPath; ///< an existing folder of the program's own
+    Drawing &drawing;
+    const Clock &clock;
+    FailureLog &log;
+    ThumbnailSettings settings;
+};
+
+/// What became of the records of a run.
+struct ThumbnailTotals {
+    std::uint64_t made = 0;
+    std::uint64_t failed = 0; ///< drawings that failed; each is logged
+    std::uint64_t withoutContent = 0;
+    std::uint64_t otherKinds = 0; ///< neither a picture nor a page that can be drawn
+    bool cancelled = false;
+};
+
+/// Makes the thumbnails of many rows: their cached contents are copied to scratch and drawn in
+/// batches, and each row is written as its drawing comes. A drawing that fails leaves its row as it
+/// was, and so does a cancel the rows that it didn't reach. Throws what the project or the drawing
+/// as a whole can't do.
+ThumbnailTotals makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> ids,
+                               TaskMonitor &task);
+
+/// Builds the record's thumbnail and its P.A.R.D. value, in the record and in its row. Only when
+/// `import` makes thumbnails of pictures: that box is asked for pages too, as it always was. False
+/// when there is none.
+bool MakeThumbnail(URLClass &URL, const ImportClass &import, const ThumbnailContext &ctx);
+
+/// Draws one picture file, `width` pixels wide, and measures it into the record. A failure is
+/// logged.
+bool MakePictureThumbnail(const std::filesystem::path &source,
+                          const std::filesystem::path &destination, URLClass &URL, int width,
+                          const ThumbnailContext &ctx);
+
+/// Draws a rebuilt page and stores the drawing as the row's thumbnail. A drawing that fails is
+/// tried once more; both failures are logged.
+bool CreateHTMLThumbnail(const std::filesystem::path &page,
+                         const std::filesystem::path &destination, UrlId URL_ID, int width,
+                         const ThumbnailContext &ctx);
+
+enum class Stored { written, sameBytes };
+/// Reads a finished thumbnail into the row; one that holds the same bytes already isn't written.
+/// Throws.
+Stored StoreThumbnail(UrlId URL_ID, const std::filesystem::path &path, const ThumbnailContext &ctx);
+
+} // namespace nv

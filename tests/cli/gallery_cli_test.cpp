@@ -1,0 +1,121 @@
+#include "base/Files.h"
+#include "base/Text.h"
+#include "cli/CliRun.h"
+#include "support/TempFolder.h"
+#include "support/builders/IndexDat.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace nv::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
+
+/// An imported cache of six pictures, whose thumbnails are put into their rows by hand.
+class GalleryCliTest : public testing::Test {
+  protected:
+    GalleryCliTest() {
+        IndexDat index;
+        index.folder("ABCDEFGH");
+        for (int i = 1; i <= 6; ++i)
+            add(index, "http://host" + std::to_string(i) + ".example/<b>&p.gif",
+                "p" + std::to_string(i) + ".gif");
+        writeWhole(evidence / "index.dat", index.bytes());
+        const CliResult run = cli({"import", project, evidence.string(), "--kinds", "ie-cache"});
+        EXPECT_EQ(run.exit, 0) << run.err;
+        SQLite::Database rows(project, SQLite::OPEN_READWRITE);
+        rows.exec("UPDATE URLs SET IsPicture = 1, ThumbnailMD5Hash = 'x', ThumbnailBLOB = "
+                  "CAST('GIF89a' || URL_ID AS BLOB), PictureWidth = 100 * URL_ID, "
+                  "PictureHeight = 75 * URL_ID, PARDValue = 25 WHERE URL_ID < 6");
+        rows.exec("UPDATE URLs SET ThumbnailBLOB = '<svg onload=\"x()\">' WHERE URL_ID = 3");
+        rows.exec("UPDATE URLs SET PictureWidth = 468, PictureHeight = 60, PARDValue = 88, "
+                  "Tagged = 1 WHERE URL_ID = 2");
+    }
+
+    void add(IndexDat &index, const std::string &url, const std::string &name) {
+        fs::create_directories(evidence / "ABCDEFGH");
+        writeWhole(evidence / "ABCDEFGH" / name, "GIF89a");
+        index.add({.url = url, .fileSize = 6, .folder = 0, .fileName = name});
+    }
+    CliResult cli(std::vector<std::string> arguments) {
+        return runCli(arguments, folder.path() / "home");
+    }
+    CliResult gallery(std::vector<std::string> more) {
+        std::vector<std::string> words{"gallery", project, "--out", out.string(), "--overwrite"};
+        words.insert(words.end(), more.begin(), more.end());
+        return cli(words);
+    }
+    std::string sheet() { return std::string(ByteView(readWhole(out)).raw()); }
+
+    TempFolder folder;
+    fs::path evidence = folder.path() / "evidence";
+    fs::path out = folder.path() / "sheet.html";
+    std::string project = (folder.path() / "case.nvp").string();
+};
+
+TEST_F(GalleryCliTest, aSheetHoldsPicturesCaptionsAndShapes) {
+    const CliResult run = gallery({});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("page 1 of 1, 5 of 5"));
+    const std::string html = sheet();
+    EXPECT_THAT(html, HasSubstr("data:image/gif;base64,R0lGODlhMQ=="));
+    EXPECT_THAT(html, HasSubstr("ID #0000002, tagged<small>468 x 60, P.A.R.D. 88</small>"));
+    EXPECT_THAT(html, HasSubstr("http://host1.example/&lt;b&gt;&amp;p.gif"));
+    EXPECT_THAT(html, Not(HasSubstr("<b>")));
+    EXPECT_THAT(html, Not(HasSubstr("href")));
+    EXPECT_THAT(html, Not(HasSubstr("svg"))); // a form that can hold scripts
+    EXPECT_THAT(html, HasSubstr("default-src 'none'"));
+    EXPECT_THAT(html, Not(HasSubstr("ID #0000006")));
+}
+
+TEST_F(GalleryCliTest, picturesAreChosenByShapeSizeAndHost) {
+    EXPECT_THAT(gallery({"--pard", "15-40"}).out, HasSubstr("4 of 4"));
+    EXPECT_THAT(gallery({"--pard", "80-100"}).out, HasSubstr("1 of 1"));
+    EXPECT_THAT(gallery({"--sizes", "s"}).out, HasSubstr("1 of 1"));
+    EXPECT_THAT(gallery({"--sizes", "s,m"}).out, HasSubstr("4 of 4")); // 468 x 60 in none
+    EXPECT_THAT(gallery({"--host", "host3"}).out, HasSubstr("1 of 1"));
+    EXPECT_THAT(gallery({"--host", "' OR '1'='1"}).out, HasSubstr("0 of 0"));
+    EXPECT_THAT(sheet(), HasSubstr("Hosts that contain: &#39; OR"));
+}
+
+TEST_F(GalleryCliTest, pagesAreTurnedAndTheLastOneHolds) {
+    EXPECT_THAT(gallery({"--per-page", "2", "--page", "2"}).out, HasSubstr("page 2 of 3, 2 of 5"));
+    EXPECT_THAT(gallery({"--per-page", "2", "--page", "99"}).out, HasSubstr("page 3 of 3, 1 of 5"));
+    EXPECT_THAT(gallery({"--per-page", "2", "--page", "-1"}).out, HasSubstr("page 1 of 3, 2 of 5"));
+}
+
+TEST_F(GalleryCliTest, callsThatMakeNoSenseAreRefused) {
+    for (const char *pard : {"40-15", "15", "a-b", "0-101", "1-2-3", ""})
+        EXPECT_EQ(gallery({"--pard", pard, "--sizes", "huge"}).exit, 1) << pard;
+    EXPECT_EQ(gallery({"--query", "no such"}).exit, 1);
+    EXPECT_EQ(cli({"gallery", project}).exit, 1);
+    EXPECT_EQ(cli({"gallery", project, "--out", (folder.path() / "sheet.txt").string()}).exit, 1);
+    EXPECT_FALSE(fs::exists(out));
+}
+
+TEST_F(GalleryCliTest, nothingIsWrittenOverAFileOrIntoTheEvidence) {
+    folder.write("sheet.html", "mine");
+    EXPECT_EQ(cli({"gallery", project, "--out", out.string()}).exit, 1);
+    EXPECT_EQ(sheet(), "mine");
+    const fs::path inside = evidence / "sheet.html";
+    EXPECT_EQ(cli({"gallery", project, "--out", inside.string()}).exit, 1);
+    EXPECT_FALSE(fs::exists(inside));
+    EXPECT_EQ(cli({"gallery", project, "--out", (folder.path() / "no" / "x.html").string()}).exit,
+              3);
+}
+
+TEST_F(GalleryCliTest, thumbnailsAreAskedForByIdOrAll) {
+    EXPECT_EQ(cli({"thumbnails", project}).exit, 1);
+    EXPECT_EQ(cli({"thumbnails", project, "1", "--all"}).exit, 1);
+    EXPECT_EQ(cli({"thumbnails", project, "99"}).exit, 1);
+    const CliResult there = cli({"thumbnails", project, "1", "2"});
+    EXPECT_EQ(there.exit, 0) << there.err;
+    EXPECT_THAT(there.out, HasSubstr("0 thumbnails made"));
+}
+
+} // namespace
+} // namespace nv::test

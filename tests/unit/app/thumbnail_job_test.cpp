@@ -1,0 +1,63 @@
+#include "ProgramFixture.h"
+#include "app/ImportText.h"
+#include "app/Project.h"
+#include "app/ThumbnailJob.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gmock/gmock.h>
+
+namespace nv {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+/// Rows of all kinds: 1 a picture, 2 the same with a thumbnail, 3 a page, 4 a picture that is gone,
+/// 5 a style sheet.
+struct ThumbnailJobTest : test::ProgramFixture {
+    ThumbnailJobTest() {
+        start(Front::headless);
+        EXPECT_TRUE(createProject(*program, folder.path() / "case.nvp"));
+        program->thisClass.ProjectDB.connection().exec(
+            "INSERT INTO URLs(Category, CacheFileExists, ThumbnailMD5Hash) VALUES "
+            "('PICTURES', 1, ''), ('Pictures', 1, 'x'), ('HTML', 1, NULL), ('Pictures', 0, ''), "
+            "('Stylesheets', 1, '')");
+    }
+};
+
+TEST_F(ThumbnailJobTest, rowsThatHaveAThumbnailAreLeftUnlessAskedFor) {
+    EXPECT_THAT(drawableIds(*program, Redo::no), ElementsAre(1, 3));
+    EXPECT_THAT(drawableIds(*program, Redo::yes), ElementsAre(1, 2, 3));
+    EXPECT_THAT(withoutThumbnail(*program, {5, 2, 1}), ElementsAre(5, 1));
+}
+
+TEST_F(ThumbnailJobTest, anImportDrawsItsOwnRows) {
+    EXPECT_THAT(importedDrawableIds(*program, 0), ElementsAre(1, 2, 3));
+    EXPECT_THAT(importedDrawableIds(*program, 2), ElementsAre(3));
+    EXPECT_THAT(importedDrawableIds(*program, 5), IsEmpty());
+}
+
+TEST_F(ThumbnailJobTest, theBoxesOfTheImportHold) {
+    program->import.MakeWebPageThumbnails = false;
+    EXPECT_THAT(importedDrawableIds(*program, 0), ElementsAre(1, 2));
+    program->import.MakeWebPageThumbnails = true;
+    program->import.MakePictureThumbnails = false; // asked for pages too
+    EXPECT_THAT(importedDrawableIds(*program, 0), IsEmpty());
+    program->import.MakePictureThumbnails = true;
+    program->import.MakeThumbnails = false;
+    EXPECT_THAT(importedDrawableIds(*program, 0), IsEmpty());
+}
+
+TEST(ImportSummaryText, tellsOfThumbnails) {
+    ImportSummary summary;
+    EXPECT_THAT(summaryText(summary), Not(HasSubstr("thumbnails")));
+    summary.thumbnails = {3, 2, 1, "the disk is full"};
+    EXPECT_THAT(summaryText(summary),
+                HasSubstr("3 thumbnails made, 2 could not be drawn, 1 without cached content or of "
+                          "other kinds\nNo more thumbnails were made: the disk is full\n"));
+}
+
+} // namespace
+} // namespace nv
