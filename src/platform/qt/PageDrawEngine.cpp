@@ -6,12 +6,15 @@
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QImage>
+#include <QPointer>
 #include <QTimer>
 #include <QWebEngineSettings>
 #include <QWebEngineView>
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace nv {
 
@@ -31,6 +34,18 @@ QSize screenFor(const DrawJob &job) {
     const int height = static_cast<int>(qint64{kScreenWidth} * job.height / job.width);
     return {kScreenWidth, std::clamp(height, kLowestScreen, kHighestScreen)};
 }
+
+/// Outlives the wait for it: the engine answers late, or when the page goes.
+struct Loading {
+    void end(std::string failure) {
+        if (!outcome)
+            outcome = std::move(failure);
+        if (loop)
+            loop->quit();
+    }
+    QPointer<QEventLoop> loop;
+    std::optional<std::string> outcome; ///< empty text when the page is ready
+};
 
 void wait(std::chrono::milliseconds time) {
     QEventLoop loop;
@@ -60,24 +75,24 @@ PageDrawEngine::~PageDrawEngine() = default;
 
 std::string PageDrawEngine::load(QWebEngineView &view, const DrawJob &job,
                                  std::chrono::milliseconds timeout) {
-    std::string failure = fmt::format("The page was not ready within {} seconds.",
-                                      std::chrono::duration<double>(timeout).count());
-    m_isStuck = true;
     QEventLoop loop;
-    const auto end = [&](std::string why) {
-        failure = std::move(why);
-        m_isStuck = false;
-        loop.quit();
-    };
-    QObject::connect(view.page(), &QWebEnginePage::loadFinished, &loop, [&](bool isLoaded) {
-        end(isLoaded ? std::string() : "The page can't be loaded.");
+    const auto loading = std::make_shared<Loading>();
+    loading->loop = &loop;
+    QWebEnginePage &page = *view.page();
+    QObject::connect(&page, &QWebEnginePage::loadFinished, &loop, [&page, loading](bool isLoaded) {
+        if (!isLoaded)
+            return loading->end("The page can't be loaded.");
+        // A page that is loaded may be long from laid out, which its text has to wait for.
+        page.toPlainText([loading](const QString &) { loading->end({}); });
     });
-    QObject::connect(view.page(), &QWebEnginePage::renderProcessTerminated, &loop,
-                     [&] { end("The page crashed the engine that draws it."); });
+    QObject::connect(&page, &QWebEnginePage::renderProcessTerminated, &loop,
+                     [loading] { loading->end("The page crashed the engine that draws it."); });
     QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
     view.load(QUrl::fromLocalFile(pathToQt(job.source)));
     loop.exec();
-    return failure;
+    m_isStuck = !loading->outcome;
+    return loading->outcome.value_or(fmt::format("The page was not ready within {} seconds.",
+                                                 std::chrono::duration<double>(timeout).count()));
 }
 
 Drawn PageDrawEngine::draw(const DrawJob &job, std::chrono::milliseconds timeout) {
