@@ -80,16 +80,22 @@ std::string PageDrawEngine::load(QWebEngineView &view, const DrawJob &job,
     loading->loop = &loop;
     QWebEnginePage &page = *view.page();
     QObject::connect(&page, &QWebEnginePage::loadFinished, &loop, [&page, loading](bool isLoaded) {
-        if (!isLoaded)
+        // A page that is there and fails was refused to lead elsewhere: it is shown all the same.
+        if (!isLoaded && page.url().isEmpty())
             return loading->end("The page can't be loaded.");
         // A page that is loaded may be long from laid out, which its text has to wait for.
         page.toPlainText([loading](const QString &) { loading->end({}); });
     });
-    QObject::connect(&page, &QWebEnginePage::renderProcessTerminated, &loop,
-                     [loading] { loading->end("The page crashed the engine that draws it."); });
+    QObject::connect(&page, &QWebEnginePage::renderProcessTerminated, &loop, [loading] {
+        // Then the engine has answered nothing, or nothing that counts.
+        loading->outcome = "The page crashed the engine that draws it.";
+        loading->end({});
+    });
     QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
     view.load(QUrl::fromLocalFile(pathToQt(job.source)));
     loop.exec();
+    if (loading->outcome && loading->outcome->empty())
+        wait(kSettling);
     m_isStuck = !loading->outcome;
     return loading->outcome.value_or(fmt::format("The page was not ready within {} seconds.",
                                                  std::chrono::duration<double>(timeout).count()));
@@ -108,7 +114,6 @@ Drawn PageDrawEngine::draw(const DrawJob &job, std::chrono::milliseconds timeout
     showUnseen(view, job, *m_profile);
     drawn.failure = load(view, job, timeout);
     if (drawn.failure.empty()) {
-        wait(kSettling);
         drawn.done = save(view.grab().toImage(), job);
         if (!drawn.done)
             drawn.failure = "The thumbnail can't be written.";
