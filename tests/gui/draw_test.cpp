@@ -275,10 +275,10 @@ void DrawTest::aPageThatNeverEndsTimesOutAlone() {
     addPage("<body bgcolor=red>");
     addPage(endless + "</defs><use href='#a8' /></svg>");
     addPage("<body bgcolor=blue>");
-    const auto all = draw(3s);
+    const auto all = draw(5s);
     QCOMPARE(all.size(), 3U);
     QVERIFY(all[0].done);
-    QCOMPARE(all[1].failure, std::string("The page was not ready within 3 seconds."));
+    QCOMPARE(all[1].failure, std::string("The page was not ready within 5 seconds."));
     QVERIFY2(all[2].done, all[2].failure.c_str());
     QVERIFY(isNear(drawing(2).pixel(160, 120), Qt::blue));
 }
