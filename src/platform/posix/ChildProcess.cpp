@@ -61,6 +61,7 @@ struct Pipe {
 /// As the system takes lists of texts: with an empty pointer at the end.
 std::vector<char *> pointersTo(std::vector<std::string> &texts) {
     std::vector<char *> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string &text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);
