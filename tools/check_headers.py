@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compiles each header of src/ and tests/support/ alone, with the flags of a source beside it.
+"""Compiles each header of src/ and tests/support/ alone, with the flags of its own source or one beside it.
 
 usage: tools/check_headers.py [--build FOLDER] [HEADER...]
 """
@@ -15,8 +15,9 @@ COMPILER = os.environ.get("CXX", "g++")
 
 
 def likeness(header, source):
-    """How many folders two paths share from the left."""
-    return len(os.path.commonpath([header, source])) if header[0] == source[0] else 0
+    """How much two paths share from the left; of one folder, a header's own source is next."""
+    shared = len(os.path.commonpath([header, source])) if header[0] == source[0] else 0
+    return shared, os.path.splitext(header)[0] == os.path.splitext(source)[0]
 
 
 def flags_for(header, commands):

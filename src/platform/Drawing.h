@@ -17,8 +17,8 @@ namespace nv {
 struct DrawJob {
     enum class Kind {
         picture, ///< `target` becomes a bitmap of at most `width` by `height`, in proportion
-        page,    ///< `target` becomes a JPEG of `width` by `height`; `source` is an HTML file, and
-                 ///< only files of its own folder are shown
+        page,    ///< `target` becomes a JPEG of `width` by `height`; `source` is an HTML file named
+                 ///< *.htm or *.html, and only files of its own folder and below it are shown
     };
     Kind kind = Kind::picture;
     std::filesystem::path source;
