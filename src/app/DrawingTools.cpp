@@ -1,11 +1,23 @@
 #include "app/DrawingTools.h"
 
 #include "base/Files.h"
+#include "platform/ChildProcess.h"
+#include "platform/posix/DrawProgram.h"
 
 namespace nv {
 
-std::unique_ptr<Drawing> makeDrawing(const std::filesystem::path &) {
-    throw StorageFailure("this build can't draw");
+namespace {
+
+constexpr std::string_view kProgram = "norvelane-draw";
+
+} // namespace
+
+std::unique_ptr<Drawing> makeDrawing(const std::filesystem::path &scratch) {
+    const auto program = companionProgram(kProgram);
+    if (!program)
+        throw StorageFailure("pictures and pages can't be drawn: norvelane-draw, which comes with "
+                             "the window, is not beside this program");
+    return std::make_unique<DrawProgram>(program, scratch);
 }
 
 } // namespace nv
