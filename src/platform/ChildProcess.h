@@ -17,6 +17,8 @@ namespace nv {
 struct ChildCommand {
     std::filesystem::path program;
     std::vector<std::string> arguments; ///< without the program's own name
+    /// "NAME=value": all that it gets besides the locale.
+    std::vector<std::string> environment{};
     /// A child that writes nothing for so long is killed.
     std::chrono::milliseconds longestSilence{60'000};
     /// In bytes; a child that writes a longer line is killed.
@@ -38,10 +40,10 @@ struct ChildResult {
 };
 
 /// Runs a program and hands on each line of its standard output, without the line break; a last
-/// line that no line break ends is not handed on. It gets no input, no environment and no open file
-/// of ours, and no shell is involved. `take` stops it with false; so does `goOn`, which is asked
-/// several times a second, also while the child is busy. The child is gone when this returns or
-/// throws.
+/// line that no line break ends is not handed on. It gets no input, no environment but what the
+/// command names and no open file of ours, and no shell is involved. `take` stops it with false; so
+/// does `goOn`, which is asked several times a second, also while the child is busy. The child is
+/// gone when this returns or throws, and so is what it started.
 ChildResult runChild(const ChildCommand &command,
                      const std::function<bool(std::string_view line)> &take,
                      const std::function<bool()> &goOn);

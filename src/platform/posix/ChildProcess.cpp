@@ -58,6 +58,15 @@ struct Pipe {
     Descriptor writing;
 };
 
+/// As the system takes lists of texts: with an empty pointer at the end.
+std::vector<char *> pointersTo(std::vector<std::string> &texts) {
+    std::vector<char *> pointers;
+    for (std::string &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 /// What the child's files are, and that it starts with ordinary signals in a group of its own: the
 /// terminal's interrupt is for this program, which then stops the child itself.
 class SpawnSettings {
@@ -88,15 +97,14 @@ class SpawnSettings {
 
     /// The system's error number, 0 when the child runs.
     int spawn(const ChildCommand &command, pid_t &pid) const {
-        std::string program = command.program.native();
+        const std::string program = command.program.native();
         std::vector<std::string> texts = command.arguments;
-        std::vector<char *> arguments = {program.data()};
-        for (std::string &text : texts)
-            arguments.push_back(text.data());
-        arguments.push_back(nullptr);
+        texts.insert(texts.begin(), program);
+        std::vector<char *> arguments = pointersTo(texts);
         // Settings of the examiner's shell must not change what is read out of evidence.
-        std::string locale = "LC_ALL=C.UTF-8";
-        std::array<char *, 2> environment = {locale.data(), nullptr};
+        std::vector<std::string> settings = command.environment;
+        settings.emplace_back("LC_ALL=C.UTF-8");
+        std::vector<char *> environment = pointersTo(settings);
         return ::posix_spawn(&pid, program.c_str(), &m_files, &m_attributes, arguments.data(),
                              environment.data());
     }
@@ -152,6 +160,7 @@ class Child {
     void takeErrors();
     bool handOnLines();
     ChildResult end();
+    bool hasEnded() const;
 
     const ChildCommand &m_command;
     const std::function<bool(std::string_view)> &m_take;
@@ -229,26 +238,32 @@ bool Child::handOnLines() {
 }
 
 /// Whatever became of it, the child is killed and buried: a child that closed its output has
-/// nothing more to say.
+/// nothing more to say. What it has started is in its group, which keeps its number until the child
+/// is buried.
 ChildResult Child::end() {
     if (m_pid < 0)
         return {};
-    int status = 0;
-    pid_t ended = 0;
     // A child that is about to exit gets the moment that it needs for that.
     const auto patience = SteadyClock::now() + std::chrono::seconds(m_output.isOpen() ? 0 : 2);
-    while ((ended = ::waitpid(m_pid, &status, WNOHANG)) == 0 && SteadyClock::now() < patience)
+    while (!hasEnded() && SteadyClock::now() < patience)
         ::poll(nullptr, 0, 1);
-    if (ended == 0) {
-        ::kill(m_pid, SIGKILL);
-        do
-            ended = ::waitpid(m_pid, &status, 0);
-        while (ended < 0 && errno == EINTR);
-    }
+    ::kill(-m_pid, SIGKILL);
+    int status = 0;
+    pid_t ended = 0;
+    do
+        ended = ::waitpid(m_pid, &status, 0);
+    while (ended < 0 && errno == EINTR);
     m_pid = -1;
     if (WIFSIGNALED(status))
         return {ChildResult::End::crashed, WTERMSIG(status), {}};
     return {ChildResult::End::exited, WEXITSTATUS(status), {}};
+}
+
+/// Without burying it.
+bool Child::hasEnded() const {
+    siginfo_t info{};
+    return ::waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           info.si_pid == m_pid;
 }
 
 } // namespace

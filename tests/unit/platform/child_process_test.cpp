@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fstream>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -52,6 +53,31 @@ TEST_F(ChildProcessTest, givesNoInputAndNoEnvironmentAndNoFiles) {
         std::to_string(open) + " ]; then echo open; fi");
     ::close(open);
     EXPECT_EQ(lines, (std::vector<std::string>{"no input", ""}));
+}
+
+TEST_F(ChildProcessTest, givesTheEnvironmentThatTheCommandNames) {
+    command.environment = {"HOME=/a folder"};
+    run("echo \"$HOME $LC_ALL\"");
+    EXPECT_EQ(lines, (std::vector<std::string>{"/a folder C.UTF-8"}));
+}
+
+TEST_F(ChildProcessTest, takesWhatTheChildStartedAlong) {
+    run("sleep 60 >/dev/null 2>&1 & echo $!");
+    ASSERT_EQ(lines.size(), 1U);
+    // It may be some time until the system has buried it.
+    const pid_t grandchild = std::stoi(lines[0]);
+    const auto isRunning = [grandchild] {
+        std::ifstream file("/proc/" + std::to_string(grandchild) + "/stat");
+        std::string pid;
+        std::string name;
+        std::string state;
+        file >> pid >> name >> state;
+        return !state.empty() && state != "Z";
+    };
+    const auto patience = std::chrono::steady_clock::now() + 10s;
+    while (isRunning() && std::chrono::steady_clock::now() < patience)
+        ::usleep(1000);
+    EXPECT_FALSE(isRunning());
 }
 
 TEST_F(ChildProcessTest, tellsACrash) {

@@ -1,0 +1,161 @@
+#include "platform/posix/DrawProgram.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "platform/ChildProcess.h"
+#include "platform/posix/DrawLines.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using End = ChildResult::End;
+using Take = std::function<bool(std::size_t job, const Drawn &)>;
+
+/// The web engine grows with each page.
+constexpr std::size_t kJobsPerProcess = 300;
+
+Drawn failed(std::string why) {
+    Drawn drawn;
+    drawn.failure = std::move(why);
+    return drawn;
+}
+
+/// The program's folder for all that it and the web engine write, removed at the end.
+class DrawFolder {
+  public:
+    explicit DrawFolder(const fs::path &scratch) {
+        std::string name = (scratch / "draw-XXXXXX").native();
+        if (::mkdtemp(name.data()) == nullptr) // which lets its owner in only
+            throw FileFailure("A folder for drawing can't be made", scratch, errno);
+        m_path = name;
+    }
+    ~DrawFolder() {
+        std::error_code none;
+        fs::remove_all(m_path, none);
+    }
+    DrawFolder(const DrawFolder &) = delete;
+    DrawFolder &operator=(const DrawFolder &) = delete;
+
+    const fs::path &path() const { return m_path; }
+
+  private:
+    fs::path m_path;
+};
+
+class DrawRun {
+  public:
+    DrawRun(const fs::path &program, const fs::path &folder, std::span<const DrawJob> jobs,
+            std::chrono::seconds timeout, const Take &take, const std::function<bool()> &goOn)
+        : m_jobs(jobs), m_timeout(timeout), m_take(take), m_goOn(goOn), m_jobFile(folder / "jobs") {
+        m_command.program = program;
+        m_command.arguments = {m_jobFile.native()};
+        m_command.environment = {"HOME=" + folder.native(), "TMPDIR=" + folder.native(),
+                                 "XDG_RUNTIME_DIR=" + folder.native()};
+    }
+
+    void drawAll(std::chrono::seconds longestSilence) {
+        m_command.longestSilence = longestSilence;
+        while (m_next < m_jobs.size() && !m_isStopped)
+            drawSome();
+    }
+
+  private:
+    void drawSome();
+    bool takeLine(std::string_view line);
+    void handOn(const Drawn &drawn) { m_isStopped = !m_take(m_next++, drawn) || m_isStopped; }
+    void blame(const ChildResult &result);
+    void failRest(const std::string &why) {
+        while (m_next < m_jobs.size() && !m_isStopped)
+            handOn(failed(why));
+    }
+
+    std::span<const DrawJob> m_jobs;
+    std::chrono::seconds m_timeout;
+    const Take &m_take;
+    const std::function<bool()> &m_goOn;
+    fs::path m_jobFile;
+    ChildCommand m_command;
+    std::size_t m_next = 0;  ///< the first job that nothing is known of
+    std::size_t m_first = 0; ///< of the process at work
+    std::size_t m_end = 0;   ///< behind its last one
+    bool m_isReady = false;  ///< that process has come as far as its jobs
+    bool m_isStopped = false;
+};
+
+void DrawRun::drawSome() {
+    m_first = m_next;
+    m_isReady = false;
+    std::string lines;
+    m_end = std::min(m_jobs.size(), m_first + kJobsPerProcess);
+    for (const DrawJob &job : m_jobs.subspan(m_first, m_end - m_first))
+        lines += lineOf({job, m_timeout}) + '\n';
+    writeWhole(m_jobFile, lines);
+    const ChildResult result = runChild(
+        m_command, [this](std::string_view line) { return takeLine(line); }, m_goOn);
+    if (result.end == End::stopped)
+        m_isStopped = true;
+    else if (m_next < m_end)
+        blame(result);
+}
+
+/// Anything but the lines agreed on comes from a program gone wrong, and is passed over: the job
+/// then counts as not drawn.
+bool DrawRun::takeLine(std::string_view line) {
+    if (line == kDrawReady)
+        m_isReady = true;
+    else if (const auto drawn = drawnJobOf(line);
+             drawn && m_next < m_end && drawn->job == m_next - m_first)
+        handOn(drawn->drawn);
+    return !m_isStopped;
+}
+
+/// For a process that ended before its time. A crash need not come from the job
+/// at hand: only the first job of a process is blamed, any other one is given to a new process. So
+/// each process brings the drawing forward by a job at least.
+void DrawRun::blame(const ChildResult &result) {
+    const std::string words(trim(std::string_view(result.errors)));
+    if (result.end == End::notStarted)
+        return failRest(
+            fmt::format("The program norvelane-draw can't be started (error {}).", result.code));
+    if (!m_isReady)
+        return failRest(fmt::format("The program norvelane-draw ended before it drew anything. {}",
+                                    decodeText(words)));
+    // The signal is that of the limit on the processor's time.
+    if (result.end == End::silent || (result.end == End::crashed && result.code == SIGXCPU))
+        return handOn(failed("The drawing got stuck and was stopped."));
+    if (m_next > m_first)
+        return;
+    handOn(failed(result.end == End::crashed
+                      ? fmt::format("The drawing crashed (signal {}).", result.code)
+                      : fmt::format("The drawing ended early (code {}).", result.code)));
+}
+
+} // namespace
+
+DrawProgram::DrawProgram(std::optional<fs::path> program, fs::path scratch)
+    : m_program(std::move(program)), m_scratch(std::move(scratch)) {}
+
+void DrawProgram::draw(std::span<const DrawJob> jobs, std::chrono::seconds timeout,
+                       const Take &take, const std::function<bool()> &goOn) {
+    if (!m_program) {
+        for (std::size_t job = 0; job < jobs.size(); ++job)
+            if (!take(job, failed("The program norvelane-draw is missing: nothing can be drawn.")))
+                return;
+        return;
+    }
+    const DrawFolder folder(fs::absolute(m_scratch));
+    DrawRun run(*m_program, folder.path(), jobs, timeout, take, goOn);
+    run.drawAll(timeout + longestStart);
+}
+
+} // namespace nv
