@@ -23,6 +23,7 @@ class QTabWidget;
 namespace nv {
 
 class AuditPane;
+class BrowserPane;
 class PropertiesPane;
 struct RebuildReport;
 struct URLClass;
@@ -92,6 +93,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     void showFrontPane();
     bool bringBack(URLClass &page);
     void showAudit(UrlId id);
+    void showPage(UrlId id);
     void showNotice(const QString &text);
     void showStatus();
     void showStatusParts();
@@ -109,6 +111,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     TableTab *m_table = nullptr;
     QTabWidget *m_viewers = nullptr;
     PropertiesPane *m_properties = nullptr;
+    BrowserPane *m_browser = nullptr;
     AuditPane *m_audit = nullptr;
     QTimer m_showSoon; ///< until the front pane is filled
     struct {

@@ -7,6 +7,7 @@
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
 #include "views/ui/AuditPane.h"
+#include "views/ui/BrowserPane.h"
 #include "views/ui/PropertiesPane.h"
 #include "views/ui/TableTab.h"
 
@@ -78,6 +79,8 @@ QWidget *MainForm::newProjectPage() {
     m_splitter->setObjectName(QStringLiteral("mainSplitter"));
     m_splitter->addWidget(newTabs("dataTabs", m_table, tr("Table")));
     m_viewers = newTabs("viewerTabs", m_properties, tr("Properties"));
+    m_browser = new BrowserPane;
+    m_viewers->addTab(m_browser, tr("Browser"));
     m_audit = new AuditPane;
     m_viewers->addTab(m_audit, tr("Audit"));
     m_splitter->addWidget(m_viewers);
@@ -143,6 +146,7 @@ void MainForm::connectOtherActions() {
         m_viewers->setVisible(shown);
         showViewers();
     });
+    connect(m_browser, &BrowserPane::navigationBlocked, this, &MainForm::showNotice);
     m_showSoon.setSingleShot(true);
     connect(&m_showSoon, &QTimer::timeout, this, &MainForm::showFrontPane);
     connect(m_viewers, &QTabWidget::currentChanged, this, &MainForm::showViewers);

@@ -1,10 +1,12 @@
 // The main window's part of rebuilding, and the panes that show the current record.
 #include "app/Messages.h"
 #include "app/RebuildText.h"
+#include "app/ShownPage.h"
 #include "app/ui/MainForm.h"
 #include "platform/qt/QtText.h"
 #include "rebuild/Harvest.h"
 #include "views/ui/AuditPane.h"
+#include "views/ui/BrowserPane.h"
 #include "views/ui/PropertiesPane.h"
 #include "views/ui/TableTab.h"
 
@@ -116,6 +118,7 @@ void MainForm::showViewers() {
     const QModelIndex current = m_table->grid().currentIndex();
     if (!m_table->table() || !m_table->grid().currentUrl()) {
         m_properties->clear();
+        m_browser->clear();
         m_audit->clear();
     } else if (m_viewers->currentWidget() == m_properties) {
         m_properties->showRecord(*m_table->table(), static_cast<std::size_t>(current.row()));
@@ -134,6 +137,8 @@ void MainForm::showFrontPane() {
         return;
     if (m_viewers->currentWidget() == m_audit)
         run("MainForm.LoadAudit()", [this, &id] { showAudit(*id); });
+    else if (m_viewers->currentWidget() == m_browser)
+        run("MainForm.showPage()", [this, &id] { showPage(*id); });
 }
 
 /// The folder of a page that was rebuilt in an earlier run of the program is made anew.
@@ -166,6 +171,22 @@ void MainForm::showAudit(UrlId id) {
         m_audit->showReason(auditFailure(*page, ctx.settings));
     else
         m_audit->showAudit(std::move(rows));
+}
+
+/// A page whose parts couldn't be brought back is shown as it was cached.
+void MainForm::showPage(UrlId id) {
+    m_browser->clear();
+    Unwatched nobody;
+    RebuildTools tools(m_program, nobody, m_program.thisClass.TempFolderPath);
+    auto record = tools.record(number(id));
+    if (!record)
+        return;
+    record->CacheFileRebuilt = record->CacheFileRebuilt && bringBack(*record);
+    const ShownPage shown = pageToShow(tools, *record);
+    if (shown.file.empty())
+        m_browser->showReason(toQt(shown.reason));
+    else
+        m_browser->showPage(shown.file, shown.rebuilt ? tr("Rebuilt page") : tr("Cached content"));
 }
 
 } // namespace nv

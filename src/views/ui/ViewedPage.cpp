@@ -1,0 +1,21 @@
+#include "views/ui/ViewedPage.h"
+
+namespace nv {
+
+bool ViewedPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) {
+    const bool isAsked = type == NavigationTypeLinkClicked || type == NavigationTypeBackForward;
+    if (isMainFrame && isAsked && guard().lets(url))
+        return true;
+    const bool accepted = GuardedPage::acceptNavigationRequest(url, type, isMainFrame);
+    if (!accepted)
+        emit blocked(url.toString());
+    return accepted;
+}
+
+QWebEnginePage *ViewedPage::createWindow(WebWindowType) {
+    guard().countRefusal();
+    emit blocked({});
+    return nullptr;
+}
+
+} // namespace nv
