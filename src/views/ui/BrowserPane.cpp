@@ -10,7 +10,6 @@
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QTimer>
-#include <QWebEngineHistory>
 #include <QWebEngineView>
 
 namespace nv {
@@ -74,7 +73,7 @@ BrowserPane::~BrowserPane() {
 }
 
 QWidget *BrowserPane::newLocationBar() {
-    m_back = new QPushButton(tr("&Back"));
+    m_back = new QPushButton(tr("&Back to Page"));
     m_back->setObjectName(QStringLiteral("btnBrowserBack"));
     connect(m_back, &QPushButton::clicked, this, &BrowserPane::goBack);
     m_kind = newLabel("labBrowserKind");
@@ -119,8 +118,8 @@ void BrowserPane::showPage(const std::filesystem::path &page, const QString &kin
     if (!m_view)
         startEngine();
     m_profile->guard().protect(page);
-    m_view->history()->clear();
-    m_view->load(QUrl::fromLocalFile(pathToQt(page)));
+    m_page = QUrl::fromLocalFile(pathToQt(page));
+    m_view->load(m_page);
     m_pages->setCurrentWidget(m_view);
     m_kind->setText(kind);
     m_count->start(kCountStep);
@@ -144,14 +143,14 @@ std::uint64_t BrowserPane::refused() const {
 }
 
 void BrowserPane::goBack() {
-    m_view->back();
+    m_view->load(m_page);
 }
 
 void BrowserPane::showLocation() {
     if (m_pages->currentWidget() != m_view)
         return;
     m_location->setText(toQt(displayText(fromQt(m_view->url().toLocalFile()))));
-    m_back->setEnabled(m_view->history()->canGoBack());
+    m_back->setEnabled(m_view->url() != m_page);
 }
 
 void BrowserPane::showRefused() {

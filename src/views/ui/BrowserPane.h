@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QUrl>
 #include <QWidget>
 
 #include <cstdint>
@@ -45,6 +46,7 @@ class BrowserPane final : public QWidget {
   private:
     QWidget *newLocationBar();
     void startEngine();
+    /// Not the engine's own way back, which leads to pages of other records.
     void goBack();
     void showLocation();
     void showRefused();
@@ -57,6 +59,7 @@ class BrowserPane final : public QWidget {
     QLabel *m_refused = nullptr;
     QTimer *m_count = nullptr;
     std::unique_ptr<GuardedProfile> m_profile; ///< must outlive the view's page
+    QUrl m_page;                               ///< what was last asked for
     QWebEngineView *m_view = nullptr;          ///< null until the first page is shown
 };
 

@@ -3,8 +3,7 @@
 namespace nv {
 
 bool ViewedPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) {
-    const bool isAsked = type == NavigationTypeLinkClicked || type == NavigationTypeBackForward;
-    if (isMainFrame && isAsked && guard().lets(url))
+    if (isMainFrame && type == NavigationTypeLinkClicked && guard().lets(url))
         return true;
     const bool accepted = GuardedPage::acceptNavigationRequest(url, type, isMainFrame);
     if (!accepted)
