@@ -40,7 +40,7 @@ QTableView *newTable(AuditModel &model) {
 
 /// In characters of the table's font, which are all of one width.
 void setWidths(QTableView &table) {
-    constexpr int kChars[AuditModel::Count] = {7, 56, 20, 12, 26};
+    constexpr int kChars[AuditModel::Count] = {7, 50, 32, 12, 26};
     QHeaderView *header = table.horizontalHeader();
     header->setObjectName(QStringLiteral("AuditGridHeader"));
     header->setHighlightSections(false);
