@@ -33,6 +33,7 @@ class BrowserTest : public QObject {
     void linksWithinTheFolderOpenAndLeadBack();
     void theRebuiltPageIsShownWithItsParts();
     void anEarlierRunsRebuildIsBroughtBack();
+    void aRebuildThatCantBeBroughtBackIsTold();
     void whatIsNoPageIsNotShown();
     void closingTheProjectBlanksThePane();
     void theLocationIsReadOnlyAndReachedByKeys();
@@ -179,6 +180,18 @@ void BrowserTest::anEarlierRunsRebuildIsBroughtBack() {
     show(1);
     QCOMPARE(label("labBrowserKind"), QStringLiteral("Rebuilt page"));
     QVERIFY(fs::exists(tempFile("0000001.NVR") / "0000002.gif"));
+}
+
+void BrowserTest::aRebuildThatCantBeBroughtBackIsTold() {
+    child<TableTab>(*m_form, "TableTab").grid().setCurrentUrl(UrlId{1});
+    trigger(*m_form, "actRebuild");
+    fs::remove_all(tempFile("0000001.NVR"));
+    m_desk->program.thisClass.ProjectDB.connection().exec(
+        "UPDATE URLs SET IngredientIDs = '40000|a.gif|0040000.gif|' WHERE URL_ID = 1");
+    show(1);
+    QCOMPARE(label("labBrowserKind"), QStringLiteral("Cached content"));
+    QVERIFY(label("labNotice").contains(QStringLiteral("[BEYOND] WideRecordIds")));
+    QVERIFY(!fs::exists(tempFile("0000001.NVR")));
 }
 
 void BrowserTest::whatIsNoPageIsNotShown() {

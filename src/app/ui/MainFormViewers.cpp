@@ -30,6 +30,12 @@ QString auditFailure(const URLClass &page, const RebuildSettings &settings) {
                : failure;
 }
 
+QString notBroughtBack(const URLClass &page, const RebuildSettings &settings) {
+    const bool ids = needsWideIds(page.IngredientIDs, settings);
+    return MainForm::tr("The rebuilt page can't be brought back: %1.")
+        .arg(toQt(reasonText(ids ? NotRebuilt::wideIds : NotRebuilt::failed)));
+}
+
 } // namespace
 
 /// In the order of the grid: ticked rows that it doesn't show are left alone.
@@ -173,7 +179,7 @@ void MainForm::showAudit(UrlId id) {
         m_audit->showAudit(std::move(rows));
 }
 
-/// A page whose parts couldn't be brought back is shown as it was cached.
+/// A rebuilt page that can't be brought back is shown as it was cached, and the examiner learns it.
 void MainForm::showPage(UrlId id) {
     m_browser->clear();
     Unwatched nobody;
@@ -181,7 +187,10 @@ void MainForm::showPage(UrlId id) {
     auto record = tools.record(number(id));
     if (!record)
         return;
-    record->CacheFileRebuilt = record->CacheFileRebuilt && bringBack(*record);
+    if (record->CacheFileRebuilt && !bringBack(*record)) {
+        record->CacheFileRebuilt = false;
+        showNotice(notBroughtBack(*record, tools.context().settings));
+    }
     const ShownPage shown = pageToShow(tools, *record);
     if (shown.file.empty())
         m_browser->showReason(toQt(shown.reason));
