@@ -150,6 +150,19 @@ Message importFailed(std::string_view reason) {
     return failure("import-failed", "Error Importing Files", reason);
 }
 
+Message idsBeyondNarrow(std::int64_t largest) {
+    return question(
+        "ids-beyond-narrow", "Large Project",
+        fmt::format("The record ids of this project go up to {}. A page that is rebuilt can't have "
+                    "parts with ids above 32767, as earlier versions could not hold them: such a "
+                    "page isn't rebuilt.\n\n"
+                    "Do you want to allow such parts from now on? Earlier versions can't open the "
+                    "pages that are rebuilt with them. The switch is WideRecordIds in the section "
+                    "[BEYOND] of the settings file.",
+                    largest),
+        Answer::No);
+}
+
 Message columnsFailed(std::string_view reason) {
     return failure("columns-failed", "Error Formatting Columns", reason);
 }

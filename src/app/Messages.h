@@ -2,6 +2,7 @@
 
 #include "base/Examiner.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -34,6 +35,7 @@ Message startingDirectoryGone();
 Message nothingToImport();
 Message networkDetected();
 Message importFailed(std::string_view reason);
+Message idsBeyondNarrow(std::int64_t largest);
 Message columnsFailed(std::string_view reason);
 Message commandFailed(std::string_view reason);
 Message about(std::string_view title, std::string_view version);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -34,19 +35,39 @@ class RebuildTools {
 /// Records with the tick, by id.
 std::vector<std::int64_t> taggedIds(Program &program);
 
-/// What became of one page of a batch.
+/// Why a page wasn't rebuilt.
+enum class NotRebuilt {
+    contentGone,  ///< no cached bytes
+    noReferences, ///< nothing in the page that could be replaced
+    wideIds,      ///< a part's id is above 32,767 and `WideRecordIds` is off
+    cancelled,
+    failed, ///< the log tells
+};
+
+/// What became of one page.
 struct RebuiltPage {
     std::int64_t URL_ID = 0;
     bool rebuilt = false;
+    NotRebuilt why = NotRebuilt::failed; ///< of a page that isn't rebuilt
     std::size_t tagsFound = 0;
     std::size_t replaced = 0; ///< references whose part lies beside the page
     std::size_t missing = 0;
     std::filesystem::path folder;
 };
 
+/// Rebuilds one page by itself. Nothing when the project has no such record.
+std::optional<RebuiltPage> rebuildPage(Program &program, RebuildTools &tools, std::int64_t URL_ID);
+
 /// Rebuilds each page in turn and hands on what became of it; a page that fails doesn't stop the
 /// run. False when cancelled.
 bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids,
                   const std::function<void(const RebuiltPage &)> &done);
+
+/// Whether this run of the program has the page's rebuild folder; sets `RunTimeRebuiltFilePath`.
+bool hasFolder(const RebuildTools &tools, URLClass &page);
+
+/// Makes the rebuild folder of a page that was rebuilt earlier, when this run of the program has
+/// none yet. False when it can't be made: it was cancelled, or the log tells.
+bool bringBackFolder(RebuildTools &tools, URLClass &page);
 
 } // namespace nv

@@ -7,6 +7,7 @@
 #include "platform/posix/SysfsNetwork.h"
 #include "platform/qt/GuardedApplication.h"
 #include "platform/qt/Icons.h"
+#include "platform/qt/PageGuard.h"
 #include "platform/qt/QtExaminer.h"
 #include "platform/qt/QtText.h"
 
@@ -76,6 +77,7 @@ int runProgram(GuardedApplication &application, SplashForm &splash) {
 } // namespace
 
 int main(int argc, char **argv) {
+    prepareWebEngine();
     GuardedApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("norvelane"));
     QApplication::setWindowIcon(icon("norvelane-logo"));

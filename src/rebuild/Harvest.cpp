@@ -12,6 +12,7 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <stdexcept>
 
@@ -23,7 +24,6 @@ namespace {
 
 constexpr std::string_view kListName = "_TagIDs.txt";
 constexpr std::string_view kScratchName = "~tmp";
-constexpr std::int64_t kLargestNarrowId = 32767;
 
 std::int64_t idOf(std::string_view field, const RebuildSettings &settings) {
     std::int64_t id = 0;
@@ -139,6 +139,15 @@ std::vector<Substitution> substitutionsOf(std::string_view IngredientIDs,
         substitutions.push_back({idOf(field(0), settings), field(1), field(2)});
     }
     return substitutions;
+}
+
+bool needsWideIds(std::string_view IngredientIDs, const RebuildSettings &settings) {
+    RebuildSettings wide = settings;
+    wide.WideRecordIds = true;
+    const auto parts = substitutionsOf(IngredientIDs, wide);
+    return !settings.WideRecordIds &&
+           std::any_of(parts.begin(), parts.end(),
+                       [](const Substitution &part) { return part.TagURLID > kLargestNarrowId; });
 }
 
 fs::path rebuildFolderOf(UrlId id, const RebuildContext &ctx) {

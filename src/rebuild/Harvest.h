@@ -21,6 +21,11 @@ struct Substitution {
 std::vector<Substitution> substitutionsOf(std::string_view IngredientIDs,
                                           const RebuildSettings &settings);
 
+/// Whether the log names a part that only wide ids allow, while they are off.
+bool needsWideIds(std::string_view IngredientIDs, const RebuildSettings &settings);
+
+inline constexpr std::int64_t kLargestNarrowId = 32767;
+
 /// Where pages of this id are rebuilt: a folder "0000017.NVR" below the Temp folder.
 std::filesystem::path rebuildFolderOf(UrlId id, const RebuildContext &ctx);
 

@@ -37,6 +37,7 @@ MainActions::MainActions(QObject *o)
       find(make(o, "actFind", tr("&Find..."), "find", QKeySequence::Find)),
       findNext(make(o, "actFindNext", tr("Find &Next"), "", QKeySequence::FindNext)),
       tag(make(o, "actTag", tr("&Tag or Untag"), "tag", Qt::CTRL | Qt::Key_T)),
+      rebuild(make(o, "actRebuild", tr("&Rebuild"), "rebuild", Qt::CTRL | Qt::Key_B)),
       columns(make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::Key_L)),
       viewers(make(o, "actViewers", tr("&Viewers"), "", Qt::Key_F4)),
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
@@ -45,13 +46,14 @@ MainActions::MainActions(QObject *o)
       errorLog(make(o, "actErrorLog", tr("&Error Log..."), "text")),
       tips(make(o, "actTips", tr("&Tip of the Day..."), "tip")),
       about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {
+    rebuild->setToolTip(tr("Rebuild the tagged web pages, or the current one when none is tagged"));
     viewers->setCheckable(true);
     viewers->setChecked(true);
 }
 
 void MainActions::setProjectOpen(bool open) {
     for (QAction *action : {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext,
-                            tag, columns, refresh, baseFolder, timeZone})
+                            tag, rebuild, columns, refresh, baseFolder, timeZone})
         action->setEnabled(open);
 }
 

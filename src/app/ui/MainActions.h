@@ -22,6 +22,7 @@ struct MainActions {
     QAction *find;
     QAction *findNext;
     QAction *tag;
+    QAction *rebuild;
     QAction *columns;
     QAction *viewers;
     QAction *refresh;

@@ -53,6 +53,7 @@ void MainForm::openProject(const fs::path &path) {
         return;
     m_commands.tellOfChangedDefaultQuery();
     LoadURLs();
+    tellOfWideIds();
     offerWebpages();
 }
 
@@ -83,8 +84,10 @@ void MainForm::import(const fs::path &start) {
     };
     ImportForm form(m_program, start, chooseFolder, this);
     form.exec();
-    if (form.imported())
+    if (form.imported()) {
         LoadURLs();
+        tellOfWideIds();
+    }
 }
 
 void MainForm::takePath(const fs::path &path) {
@@ -98,6 +101,8 @@ void MainForm::LoadCommandLineFile(const fs::path &path) {
     Lock_Controls();
     const auto failure = failureOf(m_program.log, "MainForm.LoadCommandLineFile()",
                                    [&] { m_commands.LoadCommandLineFile(path); });
+    if (!failure)
+        tellOfWideIds();
     Unlock_Controls();
     if (failure)
         m_program.around.examiner.tell(messages::openingFailed(*failure));

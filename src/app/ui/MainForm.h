@@ -5,19 +5,28 @@
 #include "app/ui/MainActions.h"
 #include "app/ui/MainMenus.h"
 #include "app/ui/WindowDialogs.h"
+#include "db/Ids.h"
 
 #include <QMainWindow>
 #include <QPointer>
+#include <QTimer>
 
+#include <cstdint>
 #include <functional>
+#include <vector>
 
 class QLabel;
 class QSplitter;
 class QStackedWidget;
+class QTabWidget;
 
 namespace nv {
 
+class AuditPane;
+class BrowserPane;
 class PropertiesPane;
+struct RebuildReport;
+struct URLClass;
 class TableTab;
 
 /// The main window, from which every command starts. It holds no data: what it shows is the
@@ -74,8 +83,20 @@ class MainForm final : public QMainWindow, public ProjectView {
     void showAbout();
     void chooseTheme(Theme theme);
     void showStoredQueries();
-    void showProperties();
+    std::vector<std::int64_t> shownTagged();
+    void rebuild();
+    void RebuildTaggedPages(const std::vector<std::int64_t> &ids);
+    void rebuildOne(std::int64_t id);
+    void showRebuilt(const RebuildReport &report);
+    void tellOfWideIds();
+    void showViewers();
+    void showFrontPane();
+    bool bringBack(URLClass &page);
+    void showAudit(UrlId id);
+    void showPage(UrlId id);
+    void showNotice(const QString &text);
     void showStatus();
+    void showStatusParts();
     void showProjectState();
     void keepGeometry();
     void restoreGeometryKept();
@@ -88,11 +109,16 @@ class MainForm final : public QMainWindow, public ProjectView {
     QStackedWidget *m_pages = nullptr;
     QSplitter *m_splitter = nullptr;
     TableTab *m_table = nullptr;
+    QTabWidget *m_viewers = nullptr;
     PropertiesPane *m_properties = nullptr;
+    BrowserPane *m_browser = nullptr;
+    AuditPane *m_audit = nullptr;
+    QTimer m_showSoon; ///< until the front pane is filled
     struct {
-        QLabel *rows, *tagged, *query, *zone, *base;
+        QLabel *rows, *tagged, *notice, *query, *zone, *base;
     } m_status = {};
     int m_locks = 0;
+    bool m_toldOfWideIds = false; ///< once a session is enough
     QPointer<QWidget> m_focusBeforeLock;
 };
 

@@ -6,6 +6,8 @@
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
+#include "views/ui/AuditPane.h"
+#include "views/ui/BrowserPane.h"
 #include "views/ui/PropertiesPane.h"
 #include "views/ui/TableTab.h"
 
@@ -18,7 +20,6 @@
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTabWidget>
-#include <QTimer>
 
 namespace nv {
 
@@ -77,7 +78,12 @@ QWidget *MainForm::newProjectPage() {
     m_splitter = new QSplitter(Qt::Vertical);
     m_splitter->setObjectName(QStringLiteral("mainSplitter"));
     m_splitter->addWidget(newTabs("dataTabs", m_table, tr("Table")));
-    m_splitter->addWidget(newTabs("viewerTabs", m_properties, tr("Properties")));
+    m_viewers = newTabs("viewerTabs", m_properties, tr("Properties"));
+    m_browser = new BrowserPane;
+    m_viewers->addTab(m_browser, tr("Browser"));
+    m_audit = new AuditPane;
+    m_viewers->addTab(m_audit, tr("Audit"));
+    m_splitter->addWidget(m_viewers);
     m_splitter->setStretchFactor(0, 3);
     m_splitter->setStretchFactor(1, 1);
     m_splitter->setSizes({560, 220});
@@ -93,8 +99,10 @@ void MainForm::buildStatusBar() {
         statusBar()->addWidget(label, stretch);
         return label;
     };
-    m_status = {add("labRows", 0), add("labTagged", 0), add("labQuery", 0), add("labZone", 0),
-                add("labBase", 1)};
+    m_status = {add("labRows", 0),  add("labTagged", 0), add("labNotice", 1),
+                add("labQuery", 0), add("labZone", 0),   add("labBase", 1)};
+    // A long notice is cut instead of making the window wider; its tooltip is whole.
+    m_status.notice->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
 void MainForm::connectFileActions() {
@@ -113,6 +121,7 @@ void MainForm::connectFileActions() {
     connect(m_actions.exit, &QAction::triggered, this, &QWidget::close);
     on(m_actions.baseFolder, "MainForm.chooseBaseFolder()", &MainForm::chooseBaseFolder);
     on(m_actions.timeZone, "MainForm.chooseTimeZone()", &MainForm::chooseTimeZone);
+    on(m_actions.rebuild, "MainForm.RebuildTaggedPages()", &MainForm::rebuild);
     on(m_actions.refresh, "MainForm.LoadURLs()", &MainForm::LoadURLs);
     on(m_actions.errorLog, "MainForm.showErrorLog()", &MainForm::showErrorLog);
     on(m_actions.tips, "MainForm.showTips()", &MainForm::showTips);
@@ -126,15 +135,26 @@ void MainForm::connectEditActions() {
     connect(m_actions.find, &QAction::triggered, m_table, &TableTab::openFind);
     connect(m_actions.findNext, &QAction::triggered, m_table, &TableTab::findNext);
     connect(m_actions.tag, &QAction::triggered, m_table, &TableTab::flipTags);
-    m_table->grid().addActions({m_actions.copyCell, m_actions.copyRows, m_actions.tag});
+    m_table->grid().addActions(
+        {m_actions.copyCell, m_actions.copyRows, m_actions.tag, m_actions.rebuild});
     m_table->grid().setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 void MainForm::connectOtherActions() {
     connect(m_actions.columns, &QAction::triggered, m_table, &TableTab::showColumnsForm);
-    connect(m_actions.viewers, &QAction::toggled, m_splitter->widget(1), &QWidget::setVisible);
+    connect(m_actions.viewers, &QAction::toggled, this, [this](bool shown) {
+        m_viewers->setVisible(shown);
+        showViewers();
+    });
+    connect(m_browser, &BrowserPane::navigationBlocked, this, &MainForm::showNotice);
+    m_showSoon.setSingleShot(true);
+    connect(&m_showSoon, &QTimer::timeout, this, &MainForm::showFrontPane);
+    connect(m_viewers, &QTabWidget::currentChanged, this, &MainForm::showViewers);
     connect(m_table, &TableTab::statusChanged, this, &MainForm::showStatus);
-    connect(m_table, &TableTab::currentUrlChanged, this, &MainForm::showProperties);
+    connect(m_table, &TableTab::currentUrlChanged, this, [this] {
+        showNotice({});
+        showViewers();
+    });
     connect(m_table, &TableTab::importRequested, m_actions.import, &QAction::trigger);
 }
 
@@ -143,14 +163,6 @@ void MainForm::connectMenus() {
     connect(&m_menus, &MainMenus::quickQueryChosen, m_table, &TableTab::chooseQuery);
     connect(&m_menus, &MainMenus::sortChosen, m_table, &TableTab::sortBy);
     connect(&m_menus, &MainMenus::themeChosen, this, &MainForm::chooseTheme);
-}
-
-void MainForm::showProperties() {
-    const QModelIndex current = m_table->grid().currentIndex();
-    if (m_table->table() && current.isValid())
-        m_properties->showRecord(*m_table->table(), static_cast<std::size_t>(current.row()));
-    else
-        m_properties->clear();
 }
 
 void MainForm::showStatus() {
@@ -173,9 +185,7 @@ void MainForm::showProjectState() {
     m_pages->setCurrentIndex(open ? 1 : 0);
     m_actions.setProjectOpen(open);
     m_menus.setProjectOpen(open);
-    for (QLabel *label :
-         {m_status.rows, m_status.tagged, m_status.query, m_status.zone, m_status.base})
-        label->setVisible(open);
+    showStatusParts();
     if (open)
         showStatus();
 }

@@ -89,6 +89,8 @@ void MainMenus::addThemes(QMenu &menu) {
 
 void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     QMenu *tools = named(m_window.menuBar()->addMenu(tr("&Tools")), "menuTools");
+    tools->addAction(actions.rebuild);
+    tools->addSeparator();
     tools->addActions({actions.baseFolder, actions.timeZone});
     tools->addSeparator();
     tools->addAction(actions.errorLog);
@@ -104,7 +106,8 @@ void MainMenus::buildToolBar(const MainActions &actions) {
     m_toolBar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     m_toolBar->addActions({actions.newProject, actions.openProject, actions.import});
     m_toolBar->addSeparator();
-    m_toolBar->addActions({actions.tag, actions.find, actions.columns, actions.refresh});
+    m_toolBar->addActions(
+        {actions.tag, actions.rebuild, actions.find, actions.columns, actions.refresh});
 }
 
 void MainMenus::showRecentFiles(const std::vector<RecentFile> &files) {

@@ -147,6 +147,13 @@ void TableTab::LoadURLs() {
     reload([this](TaskMonitor &task) { return m_table->LoadURLs(task); });
 }
 
+void TableTab::refreshRows() {
+    if (!m_table)
+        return;
+    m_table->refreshRows();
+    m_model.cellsChanged();
+}
+
 void TableTab::sortBy(SortChoice choice) {
     if (m_table)
         reload([this, choice](TaskMonitor &task) { return m_table->sortBy(choice, task); });

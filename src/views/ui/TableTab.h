@@ -48,6 +48,8 @@ class TableTab final : public QWidget {
     QString queryName() const;
 
     void LoadURLs();
+    /// The rows' texts have changed; the list and the current row stay.
+    void refreshRows();
     void sortBy(SortChoice choice);
     void flipTags();
     void copyCell();

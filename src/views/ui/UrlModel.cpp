@@ -4,6 +4,8 @@
 #include "platform/qt/QtText.h"
 #include "views/IconKey.h"
 
+#include <QGuiApplication>
+#include <QPalette>
 #include <QTextDocument>
 
 #include <algorithm>
@@ -39,6 +41,11 @@ void UrlModel::ticksChanged() {
         emit dataChanged(index(0, section), index(m_rows - 1, section), {Qt::CheckStateRole});
 }
 
+void UrlModel::cellsChanged() {
+    if (m_rows > 0)
+        emit dataChanged(index(0, 0), index(m_rows - 1, columnCount() - 1));
+}
+
 bool UrlModel::flipTag(int row) {
     const auto place = static_cast<std::size_t>(row);
     if (!m_table || !m_table->setTagged(place, !m_table->isTagged(place)))
@@ -70,6 +77,10 @@ QString UrlModel::tipText(std::size_t place, UrlColumn column) const {
                    : text;
 }
 
+bool UrlModel::isRebuilt(std::size_t place, UrlColumn column) const {
+    return column == UrlColumn::Rebuilt && m_table->cell(place, column) == "Yes";
+}
+
 QVariant UrlModel::data(const QModelIndex &index, int role) const {
     if (!m_table || !index.isValid() || index.row() >= m_rows)
         return {};
@@ -90,6 +101,9 @@ QVariant UrlModel::data(const QModelIndex &index, int role) const {
         if (column == UrlColumn::Icon)
             return icon(familyName(iconFamily(m_table->iconKey(place))));
         return {};
+    case Qt::ForegroundRole:
+        return isRebuilt(place, column) ? QGuiApplication::palette().brush(QPalette::Link)
+                                        : QVariant();
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(Qt::AlignVCenter |
                                    (isNumber(column) ? Qt::AlignRight : Qt::AlignLeft));

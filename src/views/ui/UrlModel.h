@@ -23,6 +23,8 @@ class UrlModel final : public QAbstractTableModel {
     void rowsChanged();
     /// Ticks have changed in rows that are still the same.
     void ticksChanged();
+    /// Texts have changed in rows that are still the same.
+    void cellsChanged();
     /// Flips the tick of one row and writes it at once.
     bool flipTag(int row);
 
@@ -36,6 +38,7 @@ class UrlModel final : public QAbstractTableModel {
 
   private:
     QString cellText(std::size_t place, UrlColumn column) const;
+    bool isRebuilt(std::size_t place, UrlColumn column) const;
     QString tipText(std::size_t place, UrlColumn column) const;
 
     UrlTable *m_table = nullptr;

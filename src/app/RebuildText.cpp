@@ -1,0 +1,54 @@
+#include "app/RebuildText.h"
+
+#include <fmt/format.h>
+
+#include <map>
+
+namespace nv {
+
+namespace {
+
+std::string pageText(const RebuiltPage &page) {
+    if (!page.rebuilt)
+        return fmt::format("Record {} was not rebuilt: {}.", page.URL_ID, reasonText(page.why));
+    return fmt::format("Record {} was rebuilt: {} references replaced, {} missing.", page.URL_ID,
+                       page.replaced, page.missing);
+}
+
+} // namespace
+
+std::string reasonText(NotRebuilt why) {
+    switch (why) {
+    case NotRebuilt::contentGone:
+        return "its cached content is gone";
+    case NotRebuilt::noReferences:
+        return "it holds no reference that can be replaced";
+    case NotRebuilt::wideIds:
+        return "a part has an id above 32767; switch on [BEYOND] WideRecordIds in the settings";
+    case NotRebuilt::cancelled:
+        return "cancelled";
+    case NotRebuilt::failed:
+        break;
+    }
+    return "it failed; the error log tells why";
+}
+
+std::string reportText(const RebuildReport &report) {
+    if (report.asked == 1 && report.pages.size() == 1)
+        return pageText(report.pages.front());
+    std::size_t rebuilt = 0;
+    std::map<NotRebuilt, std::size_t> reasons;
+    for (const RebuiltPage &page : report.pages) {
+        if (page.rebuilt)
+            ++rebuilt;
+        else
+            ++reasons[page.why];
+    }
+    std::string text = fmt::format("{}{} of {} pages rebuilt.",
+                                   report.cancelled ? "Cancelled: " : "", rebuilt, report.asked);
+    for (const auto &[why, count] : reasons)
+        text += fmt::format(" {} not: {}.", count, reasonText(why));
+    return text;
+}
+
+} // namespace nv

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "app/RebuildJob.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace nv {
+
+/// What a Rebuild command did.
+struct RebuildReport {
+    std::size_t asked = 0; ///< pages that were to be rebuilt
+    std::vector<RebuiltPage> pages;
+    bool cancelled = false;
+};
+
+/// One line for people: what was rebuilt, and in plain words why the rest wasn't.
+std::string reportText(const RebuildReport &report);
+
+/// Why a page wasn't rebuilt, without a full stop.
+std::string reasonText(NotRebuilt why);
+
+} // namespace nv

@@ -1,0 +1,93 @@
+#include "views/ui/AuditModel.h"
+
+#include "platform/qt/QtText.h"
+#include "views/CellText.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+#include <QTextDocument>
+
+namespace nv {
+
+namespace {
+
+/// Red that stands out from the table's ground by 4.5:1 or more, light or dark.
+QColor missingInk() {
+    const bool dark = QGuiApplication::palette().color(QPalette::Base).lightness() < 128;
+    return dark ? QColor(0xff, 0x8a, 0x80) : QColor(0xb3, 0x1b, 0x1b);
+}
+
+} // namespace
+
+void AuditModel::setRows(std::vector<AuditRow> rows) {
+    beginResetModel();
+    m_rows = std::move(rows);
+    endResetModel();
+}
+
+int AuditModel::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+}
+
+int AuditModel::columnCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : Count;
+}
+
+QString AuditModel::textOf(const AuditRow &row, int column) {
+    switch (column) {
+    case Number:
+        return QString::number(row.number);
+    case Original:
+        return toQt(displayText(row.originalValue));
+    case New:
+        return toQt(displayText(row.newValue));
+    case Extension:
+        return toQt(displayText(row.extension));
+    default:
+        return toQt(displayText(row.state));
+    }
+}
+
+QVariant AuditModel::data(const QModelIndex &index, int role) const {
+    if (!index.isValid() || index.row() >= rowCount())
+        return {};
+    const AuditRow &row = m_rows[static_cast<std::size_t>(index.row())];
+    switch (role) {
+    case Qt::DisplayRole:
+        return textOf(row, index.column());
+    case Qt::ToolTipRole:
+        // Tooltips guess whether they are rich text: evidence is escaped, so that it never is.
+        return Qt::convertFromPlainText(textOf(row, index.column()));
+    case Qt::ForegroundRole:
+        return row.isThere ? QVariant() : QVariant(missingInk());
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(Qt::AlignVCenter |
+                                   (index.column() == Number ? Qt::AlignRight : Qt::AlignLeft));
+    default:
+        return {};
+    }
+}
+
+QVariant AuditModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal)
+        return {};
+    if (role == Qt::TextAlignmentRole)
+        return QVariant::fromValue(Qt::AlignVCenter |
+                                   (section == Number ? Qt::AlignRight : Qt::AlignLeft));
+    if (role != Qt::DisplayRole)
+        return {};
+    switch (section) {
+    case Number:
+        return tr("No.");
+    case Original:
+        return tr("Original Value");
+    case New:
+        return tr("New Value");
+    case Extension:
+        return tr("Extension");
+    default:
+        return tr("State");
+    }
+}
+
+} // namespace nv

@@ -1,0 +1,262 @@
+#include "gui/CachedSite.h"
+#include "platform/qt/QtText.h"
+#include "rebuild/Harvest.h"
+#include "views/ui/AuditPane.h"
+#include "views/ui/TableTab.h"
+
+#include <QClipboard>
+#include <QLabel>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTest>
+#include <QToolBar>
+#include <QToolButton>
+#include <SQLiteCpp/Database.h>
+
+// Rebuilding from the window, and the audit of what was put in place of what.
+namespace nv {
+
+using namespace test;
+
+constexpr const char *kPage = "<html><title>Inbox</title><img src=\"pic/logo.gif\" >"
+                              "<img src=\"gone.gif\" ></html> ";
+
+class RebuildTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init();
+    void cleanup();
+
+    void theToolbarRebuildsTheCurrentRow();
+    void anUntickedCurrentRowIsLeftAloneWhenOthersAreTicked();
+    void cancelLeavesTheRemainingRows();
+    void rebuildIsInTheRowMenuAndOnAKey();
+    void theStatusBarSaysWhyAPageIsNotRebuilt();
+    void theNoticeGoesWithTheRow();
+    void partsWithLargeIdsNameTheirSwitch();
+    void theAuditShowsEachReference();
+    void theAuditBringsBackTheFolderOfAnEarlierRun();
+    void theAuditOfOtherRowsSaysWhyItIsEmpty();
+    void theAuditIsReachedByKeys();
+    void aLargeProjectAsksOnceAndTurnsTheSwitch();
+
+  private:
+    UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
+    SQLite::Database &project() { return m_desk->program.thisClass.ProjectDB.connection(); }
+    QString cell(int id, UrlColumn column) {
+        const auto place = child<TableTab>(*m_form, "TableTab").table()->placeOf(UrlId{id});
+        return grid()
+            .model()
+            ->index(static_cast<int>(place.value()), UrlModel::sectionOf(column))
+            .data()
+            .toString();
+    }
+    std::string stored(const std::string &column, int id) {
+        return project()
+            .execAndGet("SELECT ifnull(" + column +
+                        ", '') FROM URLs WHERE URL_ID = " + std::to_string(id))
+            .getString();
+    }
+    fs::path folderOf(const char *sid) {
+        return m_desk->program.thisClass.TempFolderPath / (std::string(sid) + ".NVR");
+    }
+    QString notice() { return child<QLabel>(*m_form, "labNotice").text(); }
+    QTableView &audit() { return child<QTableView>(*m_form, "AuditGrid"); }
+    QString auditCell(int row, int column) {
+        return audit().model()->index(row, column).data().toString();
+    }
+    void choose(int id) { grid().setCurrentUrl(UrlId{id}); }
+    void tick(int id) {
+        project().exec("UPDATE URLs SET Tagged = 1 WHERE URL_ID = " + std::to_string(id));
+        trigger(*m_form, "actRefresh");
+    }
+    void openAudit() {
+        auto &viewers = child<QTabWidget>(*m_form, "viewerTabs");
+        viewers.setCurrentWidget(&child<AuditPane>(*m_form, "AuditPane"));
+        QTest::qWait(20);
+    }
+
+    std::unique_ptr<Desk> m_desk;
+    std::unique_ptr<MainForm> m_form;
+};
+
+void RebuildTest::init() {
+    m_desk = std::make_unique<Desk>();
+    m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
+    m_form->resize(1200, 800);
+    m_form->show();
+    CachedSite(m_desk->folder.path() / "evidence")
+        .add("http://host/page.html", "page[1].htm", kPage)
+        .add("http://host/pic/logo.gif", "logo[1].gif", "GIF89a")
+        .add("http://host/second.html", "second[1].htm", kPage)
+        .add("http://host/plain.html", "plain[1].htm", "<html><body>nothing</body></html> ")
+        .open(*m_desk, *m_form);
+    choose(1);
+}
+
+void RebuildTest::cleanup() {
+    m_form.reset();
+    m_desk.reset();
+}
+
+void RebuildTest::theToolbarRebuildsTheCurrentRow() {
+    auto &toolBar = child<QToolBar>(*m_form, "toolBar");
+    QWidget *button =
+        toolBar.widgetForAction(m_form->findChild<QAction *>(QStringLiteral("actRebuild")));
+    QCOMPARE(cell(1, UrlColumn::Rebuilt), QStringLiteral("No"));
+    QTest::mouseClick(button, Qt::LeftButton);
+    QCOMPARE(cell(1, UrlColumn::Rebuilt), QStringLiteral("Yes"));
+    QCOMPARE(cell(3, UrlColumn::Rebuilt), QStringLiteral("No"));
+    QVERIFY(!cell(1, UrlColumn::TimeRebuilt).isEmpty());
+    QCOMPARE(notice(), QStringLiteral("Record 1 was rebuilt: 1 references replaced, 1 missing."));
+    QVERIFY(fs::exists(folderOf("0000001") / "0000001.htm"));
+    QVERIFY(fs::exists(folderOf("0000001") / "0000002.gif"));
+    QVERIFY(!m_desk->program.thread.IsOpen);
+}
+
+void RebuildTest::anUntickedCurrentRowIsLeftAloneWhenOthersAreTicked() {
+    tick(3);
+    choose(1);
+    trigger(*m_form, "actRebuild");
+    QCOMPARE(cell(1, UrlColumn::Rebuilt), QStringLiteral("No"));
+    QCOMPARE(cell(3, UrlColumn::Rebuilt), QStringLiteral("Yes"));
+}
+
+void RebuildTest::cancelLeavesTheRemainingRows() {
+    for (const int id : {1, 3, 4})
+        tick(id);
+    QTimer poll;
+    connect(&poll, &QTimer::timeout, this, [&] {
+        if (child<QLabel>(m_desk->status, "labMsg1").text() !=
+            QStringLiteral("REBUILDING WEB PAGES"))
+            return;
+        poll.stop();
+        QTest::mouseClick(&child<QPushButton>(m_desk->status, "btnCancel"), Qt::LeftButton);
+    });
+    poll.start(0);
+    trigger(*m_form, "actRebuild");
+    QVERIFY2(notice().startsWith(QStringLiteral("Cancelled: 0 of 3")), qPrintable(notice()));
+    QCOMPARE(cell(4, UrlColumn::Rebuilt), QStringLiteral("No"));
+    trigger(*m_form, "actRebuild");
+    QVERIFY2(notice().startsWith(QStringLiteral("2 of 3 pages rebuilt. 1 not: it holds no")),
+             qPrintable(notice()));
+}
+
+void RebuildTest::rebuildIsInTheRowMenuAndOnAKey() {
+    QAction *action = m_form->findChild<QAction *>(QStringLiteral("actRebuild"));
+    QVERIFY(grid().actions().contains(action));
+    QVERIFY(!action->shortcut().isEmpty());
+    trigger(*m_form, "actClose");
+    QVERIFY(!action->isEnabled());
+}
+
+void RebuildTest::theStatusBarSaysWhyAPageIsNotRebuilt() {
+    choose(4);
+    trigger(*m_form, "actRebuild");
+    QCOMPARE(notice(), QStringLiteral("Record 4 was not rebuilt: it holds no reference that can "
+                                      "be replaced."));
+    fs::remove(m_desk->folder.path() / "evidence" / "ABCDEFGH" / "page[1].htm");
+    choose(1);
+    trigger(*m_form, "actRebuild");
+    QCOMPARE(notice(), QStringLiteral("Record 1 was not rebuilt: its cached content is gone."));
+    QVERIFY(child<QLabel>(*m_form, "labNotice").isVisible());
+    QVERIFY(m_desk->examiner.heard.empty());
+}
+
+void RebuildTest::theNoticeGoesWithTheRow() {
+    trigger(*m_form, "actRebuild");
+    QVERIFY(!notice().isEmpty());
+    choose(4);
+    QVERIFY(notice().isEmpty());
+    QVERIFY(child<QLabel>(*m_form, "labQuery").isVisible());
+}
+
+void RebuildTest::partsWithLargeIdsNameTheirSwitch() {
+    project().exec("UPDATE URLs SET URL_ID = 40000 WHERE URL_ID = 2");
+    trigger(*m_form, "actRefresh");
+    choose(1);
+    trigger(*m_form, "actRebuild");
+    QVERIFY2(notice().contains(QStringLiteral("[BEYOND] WideRecordIds")), qPrintable(notice()));
+    openAudit();
+    QVERIFY(waitFor([this] { return !child<QLabel>(*m_form, "labAudit").text().isEmpty(); }));
+    const QString reason = child<QLabel>(*m_form, "labAudit").text();
+    QVERIFY2(reason.startsWith(QStringLiteral("Error Loading Audit: ")), qPrintable(reason));
+}
+
+void RebuildTest::theAuditShowsEachReference() {
+    trigger(*m_form, "actRebuild");
+    openAudit();
+    QVERIFY(waitFor([this] { return audit().model()->rowCount() == 2; }));
+    QCOMPARE(child<QLabel>(*m_form, "labAudit").text(),
+             QStringLiteral("References: 2. Replaced by a cached part: 1. Missing: 1."));
+    QCOMPARE(auditCell(0, 0), QStringLiteral("1"));
+    QCOMPARE(auditCell(0, 1), QStringLiteral("pic/logo.gif"));
+    QCOMPARE(auditCell(0, 2), QStringLiteral("0000002.gif"));
+    QCOMPARE(auditCell(0, 3), QStringLiteral("gif"));
+    QCOMPARE(auditCell(0, 4), QStringLiteral("0000002.gif"));
+    QCOMPARE(auditCell(1, 4), QStringLiteral("Missing or Invalid Tag"));
+    QVERIFY(!audit().model()->index(0, 4).data(Qt::ForegroundRole).isValid());
+    QVERIFY(audit().model()->index(1, 4).data(Qt::ForegroundRole).isValid());
+    QCOMPARE(audit().font().family(), QStringLiteral("Courier New"));
+}
+
+void RebuildTest::theAuditBringsBackTheFolderOfAnEarlierRun() {
+    trigger(*m_form, "actRebuild");
+    fs::remove_all(folderOf("0000001"));
+    openAudit();
+    QVERIFY(waitFor([this] { return audit().model()->rowCount() == 2; }));
+    QCOMPARE(auditCell(0, 4), QStringLiteral("0000002.gif"));
+    QVERIFY(fs::exists(folderOf("0000001") / "0000001.htm"));
+}
+
+void RebuildTest::theAuditOfOtherRowsSaysWhyItIsEmpty() {
+    openAudit();
+    const auto text = [this] { return child<QLabel>(*m_form, "labAudit").text(); };
+    QVERIFY(waitFor([&] { return text().contains(QStringLiteral("not rebuilt")); }));
+    QVERIFY(!audit().isVisible());
+    trigger(*m_form, "actClose");
+    QVERIFY(text().isEmpty());
+}
+
+void RebuildTest::theAuditIsReachedByKeys() {
+    trigger(*m_form, "actRebuild");
+    openAudit();
+    QVERIFY(waitFor([this] { return audit().model()->rowCount() == 2; }));
+    auto &viewers = child<QTabWidget>(*m_form, "viewerTabs");
+    grid().setFocus();
+    for (int i = 0; i < 10 && m_form->focusWidget() != &audit(); ++i)
+        QTest::keyClick(m_form->focusWidget(), Qt::Key_Tab);
+    QCOMPARE(m_form->focusWidget(), &audit());
+    QTest::keyClick(&audit(), Qt::Key_Down);
+    QCOMPARE(audit().currentIndex().row(), 1);
+    QTest::keyClick(&audit(), Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("gone.gif"));
+    QVERIFY(viewers.focusPolicy() != Qt::NoFocus);
+}
+
+void RebuildTest::aLargeProjectAsksOnceAndTurnsTheSwitch() {
+    Program &program = m_desk->program;
+    const auto timesAsked = [this] {
+        const auto &heard = m_desk->examiner.heard;
+        return std::count(heard.begin(), heard.end(), "ids-beyond-narrow");
+    };
+    project().exec("UPDATE URLs SET URL_ID = 32768 WHERE URL_ID = 2");
+    trigger(*m_form, "actClose");
+    QCOMPARE(timesAsked(), 0);
+    m_desk->examiner.script = {Answer::Yes};
+    trigger(*m_form, "actOpen");
+    QCOMPARE(timesAsked(), 1);
+    QVERIFY(program.thisClass.WideRecordIds);
+    QVERIFY(program.settings.ReadIniValue("BEYOND", "WideRecordIds", false));
+    program.thisClass.WideRecordIds = false;
+    trigger(*m_form, "actClose");
+    trigger(*m_form, "actOpen");
+    QCOMPARE(timesAsked(), 1);
+}
+
+} // namespace nv
+
+QTEST_MAIN(nv::RebuildTest)
+#include "rebuild_test.moc"

@@ -1,0 +1,52 @@
+#include "app/RebuildText.h"
+
+#include <gtest/gtest.h>
+
+namespace nv {
+namespace {
+
+RebuiltPage rebuiltPage(std::int64_t id, std::size_t replaced, std::size_t missing) {
+    RebuiltPage page;
+    page.URL_ID = id;
+    page.rebuilt = true;
+    page.replaced = replaced;
+    page.missing = missing;
+    return page;
+}
+
+RebuiltPage notRebuilt(std::int64_t id, NotRebuilt why) {
+    RebuiltPage page;
+    page.URL_ID = id;
+    page.why = why;
+    return page;
+}
+
+TEST(RebuildText, onePageIsToldWithItsReferences) {
+    EXPECT_EQ(reportText({1, {rebuiltPage(17, 12, 3)}, false}),
+              "Record 17 was rebuilt: 12 references replaced, 3 missing.");
+}
+
+TEST(RebuildText, onePageIsToldWithItsReason) {
+    EXPECT_EQ(reportText({1, {notRebuilt(17, NotRebuilt::contentGone)}, false}),
+              "Record 17 was not rebuilt: its cached content is gone.");
+    EXPECT_EQ(reportText({1, {notRebuilt(17, NotRebuilt::failed)}, false}),
+              "Record 17 was not rebuilt: it failed; the error log tells why.");
+}
+
+TEST(RebuildText, aBatchCountsItsReasons) {
+    EXPECT_EQ(
+        reportText({4,
+                    {rebuiltPage(1, 1, 0), notRebuilt(2, NotRebuilt::noReferences),
+                     notRebuilt(3, NotRebuilt::noReferences), notRebuilt(4, NotRebuilt::wideIds)},
+                    false}),
+        "1 of 4 pages rebuilt. 2 not: it holds no reference that can be replaced. 1 not: a "
+        "part has an id above 32767; switch on [BEYOND] WideRecordIds in the settings.");
+}
+
+TEST(RebuildText, aCancelledBatchSaysHowFarItCame) {
+    EXPECT_EQ(reportText({3, {rebuiltPage(1, 1, 0)}, true}), "Cancelled: 1 of 3 pages rebuilt.");
+    EXPECT_EQ(reportText({1, {}, true}), "Cancelled: 0 of 1 pages rebuilt.");
+}
+
+} // namespace
+} // namespace nv
