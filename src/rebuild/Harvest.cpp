@@ -98,7 +98,7 @@ class Harvest {
         auto part = m_ctx.records.GetURL(UrlId{line.TagURLID});
         if (!part)
             return;
-        const std::string name = localNameOf(part->URLID, part->URLFileExt);
+        const std::string name = localNameOf(part->URLID, trim(part->URLFileExt));
         m_list += fmt::format("{}|{}|{}|\r\n", line.TagURLID, line.OriginalTag, name);
         const fs::path target = m_folder / name;
         if (!fs::exists(target))
