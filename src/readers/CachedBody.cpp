@@ -36,7 +36,7 @@ fs::path targetOf(const Extraction &ctx, std::string_view suffix) {
     // The suffix may come from a URL, which must not lead out of the folder.
     const fs::path plain = fs::path(suffix).filename();
     if (!plain.empty())
-        (target += ".") += plain;
+        target += "." + plain.string();
     return target;
 }
 
