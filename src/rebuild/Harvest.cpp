@@ -98,7 +98,7 @@ class Harvest {
         auto part = m_ctx.records.GetURL(UrlId{line.TagURLID});
         if (!part)
             return;
-        const std::string name = localNameOf(part->URLID, part->URLFileExt);
+        const std::string name = localNameOf(part->URLID, trim(part->URLFileExt));
         m_list += fmt::format("{}|{}|{}|\r\n", line.TagURLID, line.OriginalTag, name);
         const fs::path target = m_folder / name;
         if (!fs::exists(target))
@@ -106,6 +106,15 @@ class Harvest {
                 copyToScratch(*content, target);
         if (GetFileExtension(line.OriginalTag) == "css" && fs::exists(target))
             FindReplaceCSSTags(target, *part, m_ctx);
+        copyAsNamed(line, target);
+    }
+
+    /// A page of Internet Explorer names its part by the extension of the cached file, which may be
+    /// another one than its URL has: the part then lies there under both names.
+    void copyAsNamed(const Substitution &line, const fs::path &target) {
+        const std::string named = localNameOf(UrlId{line.TagURLID}, GetFileExtension(line.NewTag));
+        if (named == line.NewTag && named != target.filename() && fs::exists(target))
+            copyToScratch(target, m_folder / named);
     }
 
     void showPart(const Substitution &part, std::size_t n, std::size_t count) {

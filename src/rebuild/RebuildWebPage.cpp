@@ -42,6 +42,8 @@ class Rebuild {
     }
 
     bool run() {
+        if (m_batch == Batch::yes && !m_ctx.task.advance(0))
+            return false; // cancelled before this page's turn
         const fs::path folder = rebuildFolderOf(m_page.URLID, m_ctx);
         m_page.RunTimeRebuiltFilePath = folder / (sidOf(m_page.URLID) + ".htm");
         fs::create_directories(folder);
@@ -84,8 +86,8 @@ class Rebuild {
 
     void storeRow() {
         m_page.RebuiltMethod = kRebuiltMethod;
-        m_page.RebuiltDateTime =
-            formatDate(Date::fromTimePoint(m_clock.now()), "dd-mm-yyyy Hh:Nn:Ss");
+        m_page.RebuiltDateTime = formatDate(
+            Date::fromTimePoint(m_clock.now() + m_clock.localOffset()), "dd-mm-yyyy Hh:Nn:Ss");
         m_page.CacheFileRebuilt = true;
         m_page.RebuiltFilePath = textOf(m_page.RunTimeRebuiltFilePath);
         SQLite::Statement update(

@@ -6,13 +6,13 @@
 #include "rebuild/FindTags.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
+#include "rebuild/Replacement.h"
 #include "rebuild/Scripts.h"
 #include "rebuild/TagOptions.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
-#include <array>
 #include <vector>
 
 namespace nv {
@@ -58,22 +58,6 @@ std::string newValueOf(const TagRow &tag, bool byUrl, const RebuildContext &ctx)
     return name.starts_with(kNoRecord) ? tag.OriginalTag : name;
 }
 
-/// Every spelling of the reference, everywhere in the page: the same value written twice is
-/// replaced once for all. The rules for styles that end in "url" find nothing here, since a "("
-/// follows there; earlier cases were rebuilt that way. So do the two with line breaks, which the
-/// text has lost.
-std::string replaced(std::string_view text, const TagRow &tag, const std::string &newValue) {
-    const std::string rule = toAnsi(tag.TagDefinition);
-    const std::string old = toAnsi(tag.OriginalTag);
-    std::string page(text);
-    for (const std::string_view opening : {"\"", "'"})
-        page = ReplaceAllText(page, rule + std::string(opening) + old,
-                              rule + std::string(opening) + newValue);
-    for (const std::string_view between : {"", "\n", "\r"})
-        page = ReplaceAllText(page, rule + std::string(between) + old, rule + newValue);
-    return page;
-}
-
 void storeLog(URLClass &page, std::string log, const RebuildContext &ctx) {
     SQLite::Statement update(ctx.project, "UPDATE URLs SET IngredientIDs = ? WHERE URL_ID = ?");
     update.bind(1, log);
@@ -86,15 +70,18 @@ std::string rewritten(URLClass &page, const RebuildContext &ctx) {
     std::string text = pageText(page, ctx).value_or(std::string());
     const bool byUrl = namesPartsByUrl(toUpper(page.cacheType));
     const std::vector<TagRow> tags = readTags(page, ctx);
+    std::vector<Replacement> replacements;
     std::string log;
     double done = 0;
     for (const TagRow &tag : tags) {
         if (!ctx.task.advance(done++ / static_cast<double>(tags.size())))
             break;
         const std::string newValue = newValueOf(tag, byUrl, ctx);
-        text = replaced(text, tag, toAnsi(newValue));
+        replacements.push_back(
+            {toAnsi(tag.TagDefinition), toAnsi(tag.OriginalTag), toAnsi(newValue)});
         log += fmt::format("{}|{}|{}|\r\n", tag.TagURLID, tag.OriginalTag, newValue);
     }
+    text = replacedInOrder(text, replacements);
     // Only now: attributes with blanks around "=" are tidied but were not searched.
     text = ReplaceAllText(text, " = ", "=");
     if (ctx.settings.DisableScriptTags)

@@ -11,6 +11,9 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <unordered_map>
+#include <utility>
 
 namespace nv {
 
@@ -20,6 +23,11 @@ namespace {
 
 constexpr std::string_view kProcedure = "MainBAS.FindReplaceCSSTags()";
 constexpr std::string_view kWorkName = "~csstmp";
+// A line of thousands of pairs would be written thousands of times: beyond this much only its last
+// form is, which shows the same.
+constexpr std::size_t kMostRepeated = 16U << 20;
+/// Pictures that one sheet may bring: every mention is a copy.
+constexpr std::size_t kMostPictures = 10'000;
 constexpr std::array<std::string_view, 6> kPictures = {"gif", "jpg", "jpeg", "jpe", "bmp", "png"};
 // This web mail keeps the parts of its pages on a second host.
 constexpr std::string_view kWebMail = "mail.yahoo.com";
@@ -50,7 +58,8 @@ class SheetRewriting {
             const bool isPair = open > 0 && m_close > open;
             if (isPair)
                 replacePicture(line, open);
-            m_output += line + "\r\n";
+            if (!isPair || m_output.size() < kMostRepeated)
+                m_output += line + "\r\n";
             if (!isPair)
                 return;
         }
@@ -64,9 +73,10 @@ class SheetRewriting {
         const std::string inner =
             withoutQuotes(std::string_view(line).substr(open, m_close - open - 1));
         const std::string extension = GetFileExtension(fromAnsi(inner));
-        if (std::ranges::find(kPictures, extension) == kPictures.end())
+        if (std::ranges::find(kPictures, extension) == kPictures.end() || isFull())
             return;
-        auto picture = pictureOf(fromAnsi(inner), extension);
+        const auto id = pictureOf(std::string(GetFilenameFromPath(fromAnsi(inner))), extension);
+        auto picture = id ? m_ctx.records.GetURL(*id) : std::nullopt;
         if (!picture)
             return;
         const std::string name = fmt::format("_css{:07}.{}", ++m_replaced, extension);
@@ -77,9 +87,25 @@ class SheetRewriting {
             line += ';';
     }
 
+    bool isFull() {
+        if (m_replaced < kMostPictures)
+            return false;
+        if (!std::exchange(m_saidSo, true))
+            m_ctx.log.write(
+                {fmt::format("the style sheet of record {} names more than {} pictures; "
+                             "the rest is left as it stands",
+                             number(m_sheet.URLID), kMostPictures),
+                 std::string(kProcedure), Severity::Low, std::string(kContactSupport)});
+        return true;
+    }
+
+    std::optional<UrlId> pictureOf(const std::string &file, const std::string &extension) {
+        const auto known = m_known.find(file);
+        return known != m_known.end() ? known->second : m_known[file] = lookUp(file, extension);
+    }
+
     /// The first record whose URL ends in the picture's file name, from the sheet's own host.
-    std::optional<URLClass> pictureOf(const std::string &inner, const std::string &extension) {
-        const std::string file(GetFilenameFromPath(inner));
+    std::optional<UrlId> lookUp(const std::string &file, const std::string &extension) const {
         std::string base = file;
         if (const std::string end = "." + extension; toLower(base).ends_with(end))
             base.resize(base.size() - end.size());
@@ -93,14 +119,16 @@ class SheetRewriting {
         row.bind(4, isWebMail ? std::string(kWebMailParts) : m_sheet.host);
         if (!row.executeStep())
             return std::nullopt;
-        return m_ctx.records.GetURL(UrlId{row.getColumn(0).getInt64()});
+        return UrlId{row.getColumn(0).getInt64()};
     }
 
     fs::path m_folder;
     const URLClass &m_sheet;
     const RebuildContext &m_ctx;
     std::string m_output;
+    std::unordered_map<std::string, std::optional<UrlId>> m_known; ///< by file name
     std::size_t m_replaced = 0;
+    bool m_saidSo = false;
     std::size_t m_close = 0; ///< 1-based; where the search in the next line begins
 };
 

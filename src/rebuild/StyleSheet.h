@@ -9,7 +9,8 @@ namespace nv {
 
 /// Rewrites the harvested style sheet at `path`, the cached content of `sheet`: every picture that
 /// a "url(...)" names and the project has is copied beside it and named "_css0000001.gif" and so
-/// on. A line is written once for each pair of parentheses and once more, which style sheets allow.
+/// on. A line is written once for each pair of parentheses and once more, which style sheets allow
+/// (a sheet that would grow to many megabytes so gets only its last form).
 /// A sheet without such pictures stays as it is. A failure is logged.
 void FindReplaceCSSTags(const std::filesystem::path &path, const URLClass &sheet,
                         const RebuildContext &ctx);

@@ -45,10 +45,13 @@ class SiteTest {
         : m_host(host), m_isWebMail(containsNoCase(host, kWebMail)),
           m_inUrl(LikePattern::compile("%" + std::string(host) + "%")) {}
 
+    /// False for a host that makes no valid pattern: its pages are given no options at all.
+    bool isPossible() const { return m_isWebMail || m_inUrl; }
+
     bool takes(std::string_view host, std::string_view url) const {
         if (equalsNoCase(host, m_host))
             return true;
-        return m_isWebMail ? equalsNoCase(host, kWebMailParts) : m_inUrl && m_inUrl->matches(url);
+        return m_isWebMail ? equalsNoCase(host, kWebMailParts) : m_inUrl->matches(url);
     }
 
   private:
@@ -65,6 +68,7 @@ class OptionSearch {
     /// False when cancelled.
     bool run() {
         readTags();
+        showStep("Finding Options", 0);
         return findCandidates() && storeOptions();
     }
 
@@ -82,7 +86,7 @@ class OptionSearch {
     }
 
     bool findCandidates() {
-        if (m_candidates.empty())
+        if (m_candidates.empty() || !m_site.isPossible())
             return true;
         SQLite::Statement urls(m_ctx.project, "SELECT URL_ID, URL, Host FROM URLs "
                                               "WHERE CacheType = ? ORDER BY URL_ID");
@@ -111,8 +115,10 @@ class OptionSearch {
         SQLite::Statement insert(m_ctx.project, insertText());
         const auto count = static_cast<double>(m_tags.size());
         for (std::size_t i = 0; i < m_tags.size(); ++i) {
-            showTag(i + 1);
-            if (!m_ctx.task.advance(static_cast<double>(i) / count))
+            if (m_ctx.task.wantsStep())
+                showStep(fmt::format("Finding Options for Tag #{} of {} ", i + 1, m_tags.size()),
+                         i + 1);
+            if (!m_ctx.task.advance(0.5 + static_cast<double>(i) / count / 2))
                 return false;
             Savepoint whole(m_ctx.project);
             remove.reset();
@@ -145,11 +151,9 @@ class OptionSearch {
         }
     }
 
-    void showTag(std::size_t n) {
-        if (!m_ctx.task.wantsStep())
-            return;
+    void showStep(std::string_view message, std::size_t n) const {
         TaskStep step;
-        step.bottomMessage = fmt::format("Finding Options for Tag #{} of {} ", n, m_tags.size());
+        step.bottomMessage = message;
         step.bottomCounter = static_cast<std::int64_t>(n);
         step.bottomTotal = static_cast<std::int64_t>(m_tags.size());
         m_ctx.task.show(step);

@@ -1,0 +1,219 @@
+#include "base/Files.h"
+#include "base/Text.h"
+#include "import/ImportRun.h"
+#include "import/Scan.h"
+#include "rebuild/LocalNames.h"
+#include "rebuild/RebuildWebPage.h"
+#include "support/TestProject.h"
+#include "support/builders/WebSite.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace nv {
+namespace {
+
+namespace fs = std::filesystem;
+using test::SiteCache;
+
+/// Files of a rebuild folder by name.
+using Files = std::map<std::string, std::string>;
+
+/// A project with the site in one browser's form, imported as an examiner would.
+class ImportedSite {
+  public:
+    explicit ImportedSite(SiteCache cache) {
+        test::writeSite(test::exampleSite(), cache, evidence);
+        fs::create_directories(temp);
+        const Evidence found(evidence);
+        Unwatched task;
+        ImportClass job;
+        job.StartingDirectory = evidence.string();
+        job.HistoryFiles = scan(job, task, project.log).HistoryFiles;
+        const ImportRun run{project.connection(),
+                            project.projectZone(),
+                            found,
+                            project.clock,
+                            project.log,
+                            task,
+                            temp};
+        runImport(run, job);
+    }
+
+    UrlId idOf(const std::string &url) {
+        SQLite::Statement row(project.connection(), "SELECT URL_ID FROM URLs WHERE URL = ?");
+        row.bind(1, url);
+        return row.executeStep() ? UrlId{row.getColumn(0).getInt64()} : UrlId::none;
+    }
+    /// Runs `work` with the page and what rebuilding needs.
+    template <class Work>
+    bool with(UrlId id, Work &&work) {
+        const Evidence found(evidence);
+        RecordStore store = project.store();
+        Unwatched task;
+        const RebuildContext ctx{project.connection(), store, found, temp, project.log, task, {}};
+        URLClass page = *store.GetURL(id);
+        return work(page, ctx);
+    }
+    bool rebuild(UrlId id) {
+        return with(id, [this](URLClass &page, const RebuildContext &ctx) {
+            return RebuildWebPage(page, Batch::no, ctx, project.clock);
+        });
+    }
+    /// Closes and opens the project, with nothing left of the rebuild but its rows.
+    bool harvestLater(UrlId id) {
+        fs::remove_all(temp);
+        fs::create_directories(temp);
+        project.database.CloseDB();
+        project.database.open();
+        return with(id, UnpackIngredients);
+    }
+    Files files(UrlId id) {
+        Files files;
+        for (const fs::directory_entry &entry : fs::directory_iterator(temp / (sidOf(id) + ".NVR")))
+            files[entry.path().filename().string()] =
+                readWhole(entry.path()).empty() ? "" : ByteView(readWhole(entry.path())).raw();
+        return files;
+    }
+    std::vector<Substitution> substitutions(UrlId id) {
+        return substitutionsOf(project.text("SELECT IngredientIDs FROM URLs WHERE URL_ID = " +
+                                            std::to_string(number(id))),
+                               {});
+    }
+    std::string urlOf(std::int64_t id) {
+        return project.text("SELECT URL FROM URLs WHERE URL_ID = " + std::to_string(id));
+    }
+    /// The rebuilt page with every local name replaced by the URL of its record.
+    std::string textOfPage(UrlId id) {
+        std::string text = project.text("SELECT RebuiltSourceCode FROM URLs WHERE URL_ID = " +
+                                        std::to_string(number(id)));
+        for (const Substitution &part : substitutions(id))
+            if (part.TagURLID > 0)
+                text = replaceAll(text, part.NewTag, "{" + urlOf(part.TagURLID) + "}");
+        return text;
+    }
+    /// Contents of the parts by URL.
+    Files parts(UrlId id) {
+        Files parts;
+        for (const auto &[name, content] : files(id))
+            if (name.front() == '0' && !name.ends_with(".htm"))
+                parts[urlOf(std::stoi(name))] = content;
+        return parts;
+    }
+
+    test::TestProject project;
+    fs::path evidence = project.folder.path() / "evidence";
+    fs::path temp = project.folder.path() / "temp";
+};
+
+constexpr const char *kPage = "http://www.harbour-news.example/news/index.html";
+
+// What stands in the page for each reference, whatever browser kept it.
+constexpr const char *kRebuilt =
+    "<html><head><title>Harbour News</title>"
+    "<link rel=\"stylesheet\" href=\"{http://www.harbour-news.example/style/main.css}\" >"
+    "<script src=\"{http://www.harbour-news.example/script/menu.js}\" ></script>"
+    "<script>commonCss.setAttribute(\"href\", \"/style/extra.css\" );</script>"
+    "<style>a { background:url(/pics/one.gif) }"
+    "b { background: url({http://www.harbour-news.example/pics/two.gif}) }"
+    "c { list-style: url({http://www.harbour-news.example/pics/three.gif}) }"
+    "d { background-image:url(/pics/four.gif) }</style></head>"
+    "<body background=\"{http://www.harbour-news.example/pics/paper.gif}\" void=\"start()\" >"
+    "<iframe src=\"{http://www.harbour-news.example/frame.html}\" ></iframe>"
+    "<img src=\"{http://www.harbour-news.example/pics/logo.gif}\" alt=\"x\" >"
+    "<IMG src='{http://www.harbour-news.example/pics/logo.gif}' >"
+    "<img src={http://www.harbour-news.example/pics/logo.gif} >"
+    "<img src=\"{http://cdn.tidewater.example/far/away.gif}\" >"
+    "<img src=\"{http://www.harbour-news.example/pics/chart.php?tide=5}\" >"
+    "<img src=\"{http://www.harbour-news.example/pics/caf\xC3\xA9.gif}\" >"
+    "<img src=\"{http://www.harbour-news.example/pics/cleared.gif}\" >"
+    "<img src=\"/pics/never.gif\" >"
+    "<object><param value=\"{http://www.harbour-news.example/pics/button.gif}\" ></object>"
+    "</body></html>";
+
+class RebuiltSite : public testing::TestWithParam<SiteCache> {};
+
+TEST_P(RebuiltSite, showsThePartsThatTheCacheHolds) {
+    ImportedSite site(GetParam());
+    const UrlId page = site.idOf(kPage);
+    ASSERT_NE(page, UrlId::none);
+    ASSERT_TRUE(site.rebuild(page));
+    EXPECT_EQ(site.textOfPage(page), kRebuilt);
+    EXPECT_TRUE(site.project.log.entries.empty());
+}
+
+TEST_P(RebuiltSite, bringsTheBytesThatTheServerSent) {
+    ImportedSite site(GetParam());
+    const UrlId page = site.idOf(kPage);
+    ASSERT_TRUE(site.rebuild(page));
+    const Files parts = site.parts(page);
+    EXPECT_EQ(parts.size(), 14u);
+    for (const test::SiteItem &item : test::exampleSite()) {
+        const auto part = parts.find(fromAnsi(item.url));
+        const bool isSheet = item.url.ends_with("main.css");
+        if (part != parts.end() && !isSheet) {
+            EXPECT_EQ(part->second, item.body) << item.url;
+        }
+        EXPECT_FALSE(item.isCleared && part != parts.end());
+    }
+}
+
+TEST_P(RebuiltSite, hasEveryPartUnderTheNameThatThePageSays) {
+    ImportedSite site(GetParam());
+    const UrlId page = site.idOf(kPage);
+    ASSERT_TRUE(site.rebuild(page));
+    const Files files = site.files(page);
+    for (const Substitution &part : site.substitutions(page)) {
+        const bool isGone =
+            part.TagURLID == 0 || site.urlOf(part.TagURLID).ends_with("cleared.gif");
+        EXPECT_NE(files.contains(part.NewTag), isGone) << part.NewTag;
+    }
+}
+
+TEST_P(RebuiltSite, bringsTheStyleSheetWithWhatItsCacheNamesByFile) {
+    ImportedSite site(GetParam());
+    const UrlId page = site.idOf(kPage);
+    ASSERT_TRUE(site.rebuild(page));
+    const std::string css = site.parts(page)["http://www.harbour-news.example/style/main.css"];
+    // Records of Safari and Opera don't know their pictures by a file name.
+    const bool isNamed = GetParam() != SiteCache::safari && GetParam() != SiteCache::opera;
+    EXPECT_EQ(css.find("_css0000001.gif") != std::string::npos, isNamed) << css;
+    EXPECT_EQ(site.files(page).contains("_css0000001.gif"), isNamed);
+}
+
+TEST_P(RebuiltSite, comesBackFromTheProjectInALaterSession) {
+    ImportedSite site(GetParam());
+    const UrlId page = site.idOf(kPage);
+    ASSERT_TRUE(site.rebuild(page));
+    Files before = site.files(page);
+    ASSERT_TRUE(site.harvestLater(page));
+    Files after = site.files(page);
+    before[sidOf(page) + ".htm"].resize(before[sidOf(page) + ".htm"].size() - 2); // its last break
+    EXPECT_EQ(after, before);
+    EXPECT_TRUE(site.project.log.entries.empty());
+}
+
+TEST_P(RebuiltSite, rebuildsItsFrameLikewise) {
+    ImportedSite site(GetParam());
+    const UrlId frame = site.idOf("http://www.harbour-news.example/frame.html");
+    ASSERT_TRUE(site.rebuild(frame));
+    EXPECT_EQ(site.textOfPage(frame),
+              "<html><img src=\"{http://www.harbour-news.example/pics/logo.gif}\" >"
+              "<p>Tides</p></html>");
+}
+
+std::string nameOf(const testing::TestParamInfo<SiteCache> &info) {
+    constexpr const char *kNames[] = {"InternetExplorer", "Firefox", "Chrome", "Safari", "Opera"};
+    return kNames[static_cast<std::size_t>(info.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCache, RebuiltSite,
+                         testing::Values(SiteCache::internetExplorer, SiteCache::firefox,
+                                         SiteCache::chrome, SiteCache::safari, SiteCache::opera),
+                         nameOf);
+
+} // namespace
+} // namespace nv
