@@ -12,6 +12,7 @@
 #include "import/ui/ImportForm.h"
 #include "platform/qt/QtText.h"
 #include "time/ZoneDatabase.h"
+#include "views/ui/GalleryTab.h"
 #include "views/ui/PropertiesPane.h"
 #include "views/ui/TableTab.h"
 
@@ -177,6 +178,7 @@ void MainForm::restoreLayout() {
         m_program.around.examiner.tell(messages::columnsFailed(*failure));
     m_table->grid().setTableLayout(layout);
     m_table->openProject(project, m_program.log, m_program.thisClass.GMTZone);
+    openGallery();
     showStoredQueries();
     showProjectState();
 }
@@ -186,6 +188,7 @@ void MainForm::saveLayout() {
     SQLite::Database &project = m_program.thisClass.ProjectDB.connection();
     ProjectFields fields(project, m_program.log);
     m_table->closeProject();
+    m_gallery->closeProject();
     WriteBatch batch(project);
     m_table->grid().tableLayout().save([&fields](std::string_view name, std::string_view value) {
         fields.SaveDefaultSetting(name, value);
@@ -216,6 +219,7 @@ void MainForm::showRecentFiles() {
 void MainForm::clear() {
     if (m_table->table())
         m_table->closeProject();
+    m_gallery->closeProject();
     m_table->setQueries({});
     showProjectState();
 }

@@ -24,6 +24,7 @@ namespace nv {
 
 class AuditPane;
 class BrowserPane;
+class GalleryTab;
 class PropertiesPane;
 struct RebuildReport;
 struct URLClass;
@@ -89,6 +90,9 @@ class MainForm final : public QMainWindow, public ProjectView {
     void rebuildOne(std::int64_t id);
     void showRebuilt(const RebuildReport &report);
     void tellOfWideIds();
+    void connectGallery();
+    void openGallery();
+    void makeThumbnailsOfAll();
     void showViewers();
     void showFrontPane();
     bool bringBack(URLClass &page);
@@ -109,6 +113,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     QStackedWidget *m_pages = nullptr;
     QSplitter *m_splitter = nullptr;
     TableTab *m_table = nullptr;
+    GalleryTab *m_gallery = nullptr;
     QTabWidget *m_viewers = nullptr;
     PropertiesPane *m_properties = nullptr;
     BrowserPane *m_browser = nullptr;

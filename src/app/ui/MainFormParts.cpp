@@ -8,6 +8,7 @@
 #include "views/CellText.h"
 #include "views/ui/AuditPane.h"
 #include "views/ui/BrowserPane.h"
+#include "views/ui/GalleryTab.h"
 #include "views/ui/PropertiesPane.h"
 #include "views/ui/TableTab.h"
 
@@ -63,6 +64,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     connectEditActions();
     connectOtherActions();
     connectMenus();
+    connectGallery();
     m_commands.UpdateProgramCaption();
     m_menus.showTheme(keptTheme(program.settings));
     showRecentFiles();
@@ -77,7 +79,12 @@ QWidget *MainForm::newProjectPage() {
     m_properties = new PropertiesPane;
     m_splitter = new QSplitter(Qt::Vertical);
     m_splitter->setObjectName(QStringLiteral("mainSplitter"));
-    m_splitter->addWidget(newTabs("dataTabs", m_table, tr("Table")));
+    QTabWidget *dataTabs = newTabs("dataTabs", m_table, tr("Table"));
+    m_gallery = new GalleryTab(
+        [this](const TaskHeading &heading, const auto &work) { runTask(heading, work); },
+        m_program.around.examiner);
+    dataTabs->addTab(m_gallery, tr("Gallery"));
+    m_splitter->addWidget(dataTabs);
     m_viewers = newTabs("viewerTabs", m_properties, tr("Properties"));
     m_browser = new BrowserPane;
     m_viewers->addTab(m_browser, tr("Browser"));

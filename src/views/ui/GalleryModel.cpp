@@ -1,0 +1,110 @@
+#include "views/ui/GalleryModel.h"
+
+#include "platform/qt/QtText.h"
+#include "views/CellText.h"
+#include "views/Tagging.h"
+
+#include <QBuffer>
+#include <QImageReader>
+#include <QTextDocument>
+
+namespace nv {
+
+namespace {
+
+/// A stored thumbnail is some KB; what claims to be larger than this isn't one.
+constexpr int kMegabytes = 16;
+
+QString toolTipOf(const TileClass &tile) {
+    QString text = toQt(displayText(tile.ToolTip));
+    if (tile.IsPicture)
+        text += GalleryModel::tr("\n%1 by %2 pixels, P.A.R.D. %3")
+                    .arg(tile.PictureWidth)
+                    .arg(tile.PictureHeight)
+                    .arg(tile.PARDValue);
+    // Tooltips guess whether they are rich text: evidence is escaped, so that it never is.
+    return Qt::convertFromPlainText(text);
+}
+
+} // namespace
+
+void GalleryModel::setGallery(Gallery *gallery, SQLite::Database *project, FailureLog *log) {
+    m_gallery = gallery;
+    m_project = project;
+    m_log = log;
+    reset();
+}
+
+void GalleryModel::reset() {
+    beginResetModel();
+    m_thumbnails.clear();
+    endResetModel();
+}
+
+TileClass &GalleryModel::tile(const QModelIndex &index) const {
+    return m_gallery->gallery().Tiles.Item(static_cast<std::size_t>(index.row()) + 1);
+}
+
+qint64 GalleryModel::idAt(const QModelIndex &index) const {
+    return tile(index).URL_ID;
+}
+
+int GalleryModel::rowCount(const QModelIndex &parent) const {
+    if (parent.isValid() || !m_gallery)
+        return 0;
+    return static_cast<int>(m_gallery->gallery().Tiles.Count());
+}
+
+QVariant GalleryModel::data(const QModelIndex &index, int role) const {
+    if (!index.isValid() || index.row() >= rowCount())
+        return {};
+    const TileClass &shown = tile(index);
+    switch (role) {
+    case Qt::DisplayRole:
+        return toQt(captionOf(shown));
+    case Qt::ToolTipRole:
+        return toolTipOf(shown);
+    case Qt::DecorationRole:
+        return thumbnail(shown.URL_ID);
+    case Qt::CheckStateRole:
+        return shown.Tagged ? Qt::Checked : Qt::Unchecked;
+    default:
+        return {};
+    }
+}
+
+bool GalleryModel::setData(const QModelIndex &index, const QVariant &value, int role) {
+    if (role != Qt::CheckStateRole || !index.isValid() || !m_project)
+        return false;
+    TileClass &changed = tile(index);
+    const bool wanted = value.toInt() == Qt::Checked;
+    if (!setTagged(*m_project, *m_log, UrlId{changed.URL_ID}, wanted))
+        return false;
+    changed.Tagged = wanted;
+    emit dataChanged(index, index, {role});
+    emit tagged();
+    return true;
+}
+
+Qt::ItemFlags GalleryModel::flags(const QModelIndex &index) const {
+    return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable
+                           : Qt::NoItemFlags;
+}
+
+QPixmap GalleryModel::thumbnail(std::int32_t id) const {
+    const auto known = m_thumbnails.constFind(id);
+    if (known != m_thumbnails.constEnd())
+        return *known;
+    const Bytes stored = thumbnailOf(*m_project, *m_log, UrlId{id});
+    const std::string_view raw = ByteView(stored).raw();
+    QByteArray bytes(raw.data(), static_cast<qsizetype>(raw.size()));
+    QBuffer buffer(&bytes);
+    QImageReader reader(&buffer);
+    QImageReader::setAllocationLimit(kMegabytes);
+    QImage image = reader.read();
+    if (!image.isNull())
+        image = image.scaled(m_size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    return *m_thumbnails.insert(id, QPixmap::fromImage(image));
+}
+
+} // namespace nv

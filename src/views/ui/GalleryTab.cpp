@@ -1,0 +1,272 @@
+#include "views/ui/GalleryTab.h"
+
+#include "platform/qt/QtText.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+namespace nv {
+
+namespace {
+
+// The shapes of photographs.
+constexpr int kBestFrom = 15;
+constexpr int kBestTo = 40;
+
+using Turn = bool (Gallery::*)();
+
+} // namespace
+
+GalleryTab::GalleryTab(RunTask runTask, Examiner &examiner, QWidget *parent)
+    : QWidget(parent), m_runTask(std::move(runTask)), m_examiner(examiner) {
+    setObjectName(QStringLiteral("GalleryTab"));
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(newChoiceBar());
+    m_empty = new QLabel;
+    m_empty->setObjectName(QStringLiteral("labGalleryEmpty"));
+    m_empty->setAlignment(Qt::AlignCenter);
+    m_empty->setWordWrap(true);
+    column->addWidget(m_empty, 1);
+    column->addWidget(newTiles(), 1);
+    column->addWidget(newPageBar());
+    connect(&m_model, &GalleryModel::tagged, this, &GalleryTab::tagsChanged);
+    showState();
+}
+
+QCheckBox *GalleryTab::newBox(const char *name, const QString &text, const QString &toolTip,
+                              bool on) {
+    auto *box = new QCheckBox(text);
+    box->setObjectName(QLatin1String(name));
+    box->setToolTip(toolTip);
+    box->setChecked(on);
+    connect(box, &QCheckBox::toggled, this, &GalleryTab::takeChoice);
+    return box;
+}
+
+QWidget *GalleryTab::newChoiceBar() {
+    auto *bar = new QWidget;
+    auto *row = new QHBoxLayout(bar);
+    row->setContentsMargins(6, 6, 6, 6);
+    const QString hint = tr("Photograph Aspect Ratio Differential (Best range: 15% to 40%)");
+    m_pard = newBox("chkPARD", tr("P.A.R.D."), hint, false);
+    row->addWidget(m_pard);
+    const auto newLimit = [&](const char *name, int value) {
+        auto *limit = new QSpinBox;
+        limit->setObjectName(QLatin1String(name));
+        limit->setRange(0, 100);
+        limit->setValue(value);
+        limit->setToolTip(hint);
+        limit->setEnabled(false);
+        connect(limit, &QSpinBox::valueChanged, this, &GalleryTab::takeChoice);
+        row->addWidget(limit);
+        return limit;
+    };
+    m_from = newLimit("spnFrom", kBestFrom);
+    row->addWidget(new QLabel(tr("to")));
+    m_to = newLimit("spnTo", kBestTo);
+    struct Box {
+        const char *name;
+        QString text;
+        QString toolTip;
+    };
+    const std::array<Box, 5> sizes = {
+        {{"chkXSmall", tr("XS"), tr("Up to 39 by 39 pixels")},
+         {"chkSmall", tr("S"), tr("40 to 299 pixels")},
+         {"chkMedium", tr("M"), tr("300 to 599 pixels wide, 100 to 599 high")},
+         {"chkLarge", tr("L"), tr("600 to 1199 pixels")},
+         {"chkXLarge", tr("XL"), tr("1200 pixels and more")}}};
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+        m_sizes[i] = newBox(sizes[i].name, sizes[i].text,
+                            sizes[i].toolTip + tr("; sizes count together with P.A.R.D."), false);
+        m_sizes[i]->setEnabled(false);
+        row->addWidget(m_sizes[i]);
+    }
+    m_pictures = newBox("chkIncludePictures", tr("Pictures"), tr("Show pictures"), true);
+    m_pages = newBox("chkIncludeHTML", tr("Web Pages"), tr("Show web pages"), true);
+    row->addWidget(m_pictures);
+    row->addWidget(m_pages);
+    m_host = new QLineEdit;
+    m_host->setObjectName(QStringLiteral("txtGalleryHost"));
+    m_host->setPlaceholderText(tr("Part of a host's name, then Enter"));
+    m_host->setClearButtonEnabled(true);
+    connect(m_host, &QLineEdit::editingFinished, this, &GalleryTab::takeChoice);
+    row->addWidget(m_host, 1);
+    return bar;
+}
+
+QWidget *GalleryTab::newPageBar() {
+    auto *bar = new QWidget;
+    auto *row = new QHBoxLayout(bar);
+    row->setContentsMargins(6, 4, 6, 4);
+    struct Button {
+        const char *name;
+        QString text;
+        QString toolTip;
+        Turn turn;
+    };
+    const std::array<Button, 4> turns = {
+        {{"btnFirst", tr("|<"), tr("First page"), &Gallery::firstPage},
+         {"btnPrevious", tr("<"), tr("Previous page"), &Gallery::previousPage},
+         {"btnNextPage", tr(">"), tr("Next page"), &Gallery::nextPage},
+         {"btnLast", tr(">|"), tr("Last page"), &Gallery::lastPage}}};
+    for (std::size_t i = 0; i < turns.size(); ++i) {
+        m_turn[i] = new QPushButton(turns[i].text);
+        m_turn[i]->setObjectName(QLatin1String(turns[i].name));
+        m_turn[i]->setToolTip(turns[i].toolTip);
+        m_turn[i]->setAccessibleName(turns[i].toolTip);
+        connect(m_turn[i], &QPushButton::clicked, this,
+                [this, turn = turns[i].turn] { showPage(turn); });
+        row->addWidget(m_turn[i]);
+        if (i == 1) {
+            m_page = new QLabel;
+            m_page->setObjectName(QStringLiteral("labGalleryPage"));
+            row->addWidget(m_page);
+        }
+    }
+    row->addStretch(1);
+    auto *make = new QPushButton(tr("Make Thumbnails"));
+    make->setObjectName(QStringLiteral("btnMakeThumbnails"));
+    make->setToolTip(tr("Draw the pictures and pages that have no thumbnail yet"));
+    connect(make, &QPushButton::clicked, this, &GalleryTab::thumbnailsWanted);
+    row->addWidget(make);
+    auto *again = new QPushButton(tr("Refresh"));
+    again->setObjectName(QStringLiteral("btnRefreshGallery"));
+    connect(again, &QPushButton::clicked, this, &GalleryTab::refresh);
+    row->addWidget(again);
+    return bar;
+}
+
+QListView *GalleryTab::newTiles() {
+    m_tiles = new QListView;
+    m_tiles->setObjectName(QStringLiteral("GalleryTiles"));
+    m_tiles->setViewMode(QListView::IconMode);
+    m_tiles->setResizeMode(QListView::Adjust);
+    m_tiles->setMovement(QListView::Static);
+    m_tiles->setUniformItemSizes(true);
+    m_tiles->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_tiles->setModel(&m_model);
+    const auto choose = [this](const QModelIndex &tile) {
+        if (tile.isValid())
+            emit urlChosen(m_model.idAt(tile));
+    };
+    connect(m_tiles, &QListView::activated, this, choose);
+    connect(m_tiles->selectionModel(), &QItemSelectionModel::currentChanged, this, choose);
+    return m_tiles;
+}
+
+void GalleryTab::openProject(SQLite::Database &project, FailureLog &log,
+                             const GallerySettings &settings, int thumbnailWidth) {
+    m_gallery = std::make_unique<Gallery>(project, log);
+    m_gallery->settings = settings;
+    m_gallery->GalleryDirty = true;
+    const QSize size(thumbnailWidth, thumbnailWidth * 3 / 4);
+    m_model.setThumbnailSize(size);
+    m_tiles->setIconSize(size);
+    m_tiles->setGridSize(size + QSize(30, 34)); // the caption below, and room for the tick
+    m_model.setGallery(m_gallery.get(), &project, &log);
+    {
+        const QSignalBlocker quiet(this);
+        m_pictures->setChecked(settings.media.GalleryIncludePictures);
+        m_pages->setChecked(settings.media.GalleryIncludeHTML);
+    }
+    if (isVisible())
+        load();
+    showState();
+}
+
+void GalleryTab::closeProject() {
+    m_model.setGallery(nullptr, nullptr, nullptr);
+    m_gallery.reset();
+    showState();
+}
+
+void GalleryTab::setQuery(const std::string &name) {
+    if (!m_gallery || m_gallery->choice.ActiveQueryName == name)
+        return;
+    m_gallery->choice.ActiveQueryName = name;
+    setDirty();
+}
+
+void GalleryTab::setDirty() {
+    if (!m_gallery)
+        return;
+    m_gallery->GalleryDirty = true;
+    if (isVisible())
+        load();
+}
+
+void GalleryTab::showEvent(QShowEvent *event) {
+    QWidget::showEvent(event);
+    if (m_gallery && m_gallery->GalleryDirty)
+        load();
+}
+
+void GalleryTab::takeChoice() {
+    const bool byShape = m_pard->isChecked();
+    m_from->setEnabled(byShape);
+    m_to->setEnabled(byShape);
+    for (QCheckBox *size : m_sizes)
+        size->setEnabled(byShape);
+    if (!m_gallery)
+        return;
+    PARDClass &choice = m_gallery->PARD;
+    choice.EnablePARD = byShape;
+    choice.FromValue = static_cast<std::int16_t>(m_from->value());
+    choice.ToValue = static_cast<std::int16_t>(m_to->value());
+    choice.ShowXSmallPics = m_sizes[0]->isChecked();
+    choice.ShowSmallPics = m_sizes[1]->isChecked();
+    choice.ShowMediumPics = m_sizes[2]->isChecked();
+    choice.ShowLargePics = m_sizes[3]->isChecked();
+    choice.ShowXLargePics = m_sizes[4]->isChecked();
+    m_gallery->settings.media = {m_pictures->isChecked(), m_pages->isChecked()};
+    m_gallery->choice.FilterByHostValue = fromQt(m_host->text());
+    m_gallery->choice.FilterByHostEnabled = !m_host->text().isEmpty();
+    load();
+}
+
+void GalleryTab::load() {
+    if (!m_gallery)
+        return;
+    m_runTask({}, [this](TaskMonitor &task) { m_gallery->load(task); });
+    m_model.reset();
+    showState();
+}
+
+void GalleryTab::refresh() {
+    if (!m_gallery)
+        return;
+    if (!m_gallery->GalleryDirty)
+        m_examiner.tell(galleryNotChanged());
+    else
+        load();
+}
+
+void GalleryTab::showPage(bool (Gallery::*turn)()) {
+    if (!m_gallery)
+        return;
+    (m_gallery.get()->*turn)();
+    m_model.reset();
+    m_tiles->scrollToTop();
+    showState();
+}
+
+void GalleryTab::showState() {
+    const int count = m_gallery ? m_gallery->GalleryADOPageCount() : 0;
+    const int page = m_gallery ? m_gallery->GalleryADOPage() : 0;
+    m_page->setText(count > 0 ? tr("Page %1").arg(toQt(m_gallery->pageText())) : tr("No pages"));
+    for (std::size_t i = 0; i < m_turn.size(); ++i)
+        m_turn[i]->setEnabled(i < 2 ? page > 1 : page < count);
+    m_tiles->setVisible(count > 0);
+    m_empty->setVisible(count == 0);
+    m_empty->setText(tr("No thumbnails to show. \"Make Thumbnails\" draws the pictures and pages "
+                        "whose content is there; a narrower choice above may hide the others."));
+}
+
+} // namespace nv

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "views/Gallery.h"
+#include "views/ui/GalleryModel.h"
+#include "views/ui/TableTab.h"
+
+#include <QWidget>
+
+#include <array>
+#include <memory>
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QListView;
+class QPushButton;
+class QSpinBox;
+
+namespace nv {
+
+/// The Gallery tab: thumbnails page by page, chosen by shape, size, kind and host.
+class GalleryTab final : public QWidget {
+    Q_OBJECT
+
+  public:
+    GalleryTab(RunTask runTask, Examiner &examiner, QWidget *parent = nullptr);
+
+    /// Takes up an open project; it is loaded when the tab is looked at. The project and the log
+    /// must stay until closeProject(). `thumbnailWidth` is in pixels.
+    void openProject(SQLite::Database &project, FailureLog &log, const GallerySettings &settings,
+                     int thumbnailWidth);
+    void closeProject();
+    /// The rows of the table's query are shown.
+    void setQuery(const std::string &name);
+    /// Rows or thumbnails have changed.
+    void setDirty();
+
+  signals:
+    /// The examiner opened a tile, or went to it.
+    void urlChosen(qint64 URL_ID);
+    void tagsChanged();
+    void thumbnailsWanted();
+
+  protected:
+    void showEvent(QShowEvent *event) override;
+
+  private:
+    QWidget *newChoiceBar();
+    QWidget *newPageBar();
+    QListView *newTiles();
+    QCheckBox *newBox(const char *name, const QString &text, const QString &toolTip, bool on);
+    void takeChoice();
+    void load();
+    void refresh();
+    void showPage(bool (Gallery::*turn)());
+    void showState();
+
+    RunTask m_runTask;
+    Examiner &m_examiner;
+    std::unique_ptr<Gallery> m_gallery;
+    GalleryModel m_model;
+    QListView *m_tiles = nullptr;
+    QLabel *m_empty = nullptr;
+    QCheckBox *m_pard = nullptr;
+    QSpinBox *m_from = nullptr;
+    QSpinBox *m_to = nullptr;
+    std::array<QCheckBox *, 5> m_sizes{}; ///< from extra small to extra large
+    QCheckBox *m_pictures = nullptr;
+    QCheckBox *m_pages = nullptr;
+    QLineEdit *m_host = nullptr;
+    QLabel *m_page = nullptr;
+    std::array<QPushButton *, 4> m_turn{}; ///< first, previous, next, last
+};
+
+} // namespace nv
