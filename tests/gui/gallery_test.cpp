@@ -27,6 +27,7 @@ class GalleryTest : public QObject {
     }
     void tilesHaveCaptionAndThumbnail();
     void aTickIsWrittenToTheProject();
+    void aClickOnTheTickAndSpaceFlipIt();
     void shapeAndSizeNarrowTheTiles();
     void pagesTurn();
     void refreshOfTheSameIsTold();
@@ -92,6 +93,20 @@ void GalleryTest::aTickIsWrittenToTheProject() {
     QVERIFY(tiles().setData(first, Qt::Checked, Qt::CheckStateRole));
     QCOMPARE(project().execAndGet("SELECT count(*) FROM URLs WHERE Tagged").getInt(), 1);
     QCOMPARE(first.data(Qt::CheckStateRole).toInt(), static_cast<int>(Qt::Checked));
+}
+
+void GalleryTest::aClickOnTheTickAndSpaceFlipIt() {
+    auto &view = child<QListView>(*m_form, "GalleryTiles");
+    const QModelIndex first = tiles().index(0, 0);
+    const auto isTicked = [&] { return first.data(Qt::CheckStateRole).toInt() == Qt::Checked; };
+    const QRect tile = view.visualRect(first);
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, tile.bottomLeft() + QPoint(22, -16));
+    QVERIFY(isTicked());
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, tile.center());
+    QVERIFY(isTicked()); // beside the tick a click only goes to the tile
+    QTest::keyClick(&view, Qt::Key_Space);
+    QVERIFY(!isTicked());
+    QCOMPARE(project().execAndGet("SELECT count(*) FROM URLs WHERE Tagged").getInt(), 0);
 }
 
 void GalleryTest::shapeAndSizeNarrowTheTiles() {

@@ -152,6 +152,8 @@ QListView *GalleryTab::newTiles() {
     m_tiles->setUniformItemSizes(true);
     m_tiles->setSelectionMode(QAbstractItemView::SingleSelection);
     m_tiles->setModel(&m_model);
+    m_tiles->setItemDelegate(&m_tile);
+    m_tiles->setSpacing(4);
     const auto choose = [this](const QModelIndex &tile) {
         if (tile.isValid())
             emit urlChosen(m_model.idAt(tile));
@@ -168,8 +170,7 @@ void GalleryTab::openProject(SQLite::Database &project, FailureLog &log,
     m_gallery->GalleryDirty = true;
     const QSize size(thumbnailWidth, thumbnailWidth * 3 / 4);
     m_model.setThumbnailSize(size);
-    m_tiles->setIconSize(size);
-    m_tiles->setGridSize(size + QSize(30, 34)); // the caption below, and room for the tick
+    m_tile.setThumbnailSize(size);
     m_model.setGallery(m_gallery.get(), &project, &log);
     {
         const QSignalBlocker quiet(this);

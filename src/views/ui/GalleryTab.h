@@ -2,6 +2,7 @@
 
 #include "views/Gallery.h"
 #include "views/ui/GalleryModel.h"
+#include "views/ui/GalleryTile.h"
 #include "views/ui/TableTab.h"
 
 #include <QWidget>
@@ -59,6 +60,7 @@ class GalleryTab final : public QWidget {
     Examiner &m_examiner;
     std::unique_ptr<Gallery> m_gallery;
     GalleryModel m_model;
+    GalleryTile m_tile;
     QListView *m_tiles = nullptr;
     QLabel *m_empty = nullptr;
     QCheckBox *m_pard = nullptr;
