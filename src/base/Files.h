@@ -44,6 +44,7 @@ class FileReader {
     FileReader(FileReader &&other) noexcept;
     FileReader(const FileReader &) = delete;
     FileReader &operator=(const FileReader &) = delete;
+    FileReader &operator=(FileReader &&) = delete;
 
     const std::filesystem::path &path() const { return m_path; }
     /// In bytes, when the file was opened.

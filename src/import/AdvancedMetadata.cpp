@@ -20,11 +20,12 @@ constexpr std::string_view kProcedure = "MainBAS.ParseAdvancedMetaData()";
 std::string_view titleIn(std::string_view html) {
     constexpr std::string_view kTitle = "<title>";
     const std::size_t tag = findNoCase(html, kTitle);
-    if (tag == html.npos)
+    if (tag == std::string_view::npos)
         return {};
     const std::size_t begin = tag + kTitle.size();
     const std::size_t end = findNoCase(html, "</title>", begin);
-    return end == html.npos ? std::string_view() : trim(html.substr(begin, end - begin));
+    return end == std::string_view::npos ? std::string_view()
+                                         : trim(html.substr(begin, end - begin));
 }
 
 } // namespace

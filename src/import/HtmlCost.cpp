@@ -286,7 +286,7 @@ bool isScript(const HtmlTag &tag) {
 /// Counts the elements that the rest of a page could open at most.
 std::size_t startsIn(std::string_view html) {
     std::size_t count = 0;
-    for (std::size_t at = html.find('<'); at != html.npos; at = html.find('<', at + 1))
+    for (std::size_t at = html.find('<'); at != std::string_view::npos; at = html.find('<', at + 1))
         ++count;
     return count;
 }

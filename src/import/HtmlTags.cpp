@@ -91,8 +91,9 @@ void HtmlTags::skipDeclaration() {
 }
 
 void HtmlTags::skipBehind(std::string_view mark, std::size_t from) {
-    const std::size_t found = from < m_html.size() ? m_html.find(mark, from) : m_html.npos;
-    m_at = found == m_html.npos ? m_html.size() : found + mark.size();
+    const std::size_t found =
+        from < m_html.size() ? m_html.find(mark, from) : std::string_view::npos;
+    m_at = found == std::string_view::npos ? m_html.size() : found + mark.size();
 }
 
 /// Whether "<name" or "</name" stands at `place`, where `name` comes with its "<" or "</".

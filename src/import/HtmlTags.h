@@ -26,8 +26,8 @@ class HtmlTags {
     std::string_view rest() const { return m_html.substr(m_at); }
 
   private:
-    bool startsTag(std::size_t at) const;
-    bool isNamed(std::size_t at, std::string_view name) const;
+    bool startsTag(std::size_t place) const;
+    bool isNamed(std::size_t place, std::string_view name) const;
     void skipDeclaration();
     void skipBehind(std::string_view mark, std::size_t from);
     void skipScript();

@@ -77,7 +77,8 @@ std::string_view behindSign(std::string_view text) {
 /// The value behind "charset =" in a tag or a header line.
 std::string_view charsetIn(std::string_view text) {
     constexpr std::string_view kWord = "charset";
-    for (std::size_t at = 0; (at = findNoCase(text, kWord, at)) != text.npos; at += kWord.size()) {
+    for (std::size_t at = 0; (at = findNoCase(text, kWord, at)) != std::string_view::npos;
+         at += kWord.size()) {
         std::string_view value = behindSign(text.substr(at + kWord.size()));
         if (value.starts_with('"') || value.starts_with('\''))
             value.remove_prefix(1);
@@ -92,7 +93,7 @@ std::string_view charsetIn(std::string_view text) {
 
 std::string_view charsetOfMeta(std::string_view head) {
     constexpr std::string_view kMeta = "<meta";
-    for (std::size_t at = 0; (at = head.find('<', at)) != head.npos;) {
+    for (std::size_t at = 0; (at = head.find('<', at)) != std::string_view::npos;) {
         const std::string_view text = head.substr(at);
         if (text.starts_with("<!--")) {
             at = std::min(head.find("-->", at), head.size());

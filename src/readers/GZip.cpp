@@ -11,6 +11,7 @@
 #include <fstream>
 #include <memory>
 #include <stdexcept>
+#define ZLIB_CONST // zlib only reads its input
 #include <zlib.h>
 
 namespace nv {
@@ -39,8 +40,7 @@ class Unpacking {
     }
 
     void take(std::string_view block) {
-        // zlib reads the input only, in spite of its parameter's type.
-        m_stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(block.data()));
+        m_stream.next_in = reinterpret_cast<const Bytef *>(block.data());
         m_stream.avail_in = static_cast<uInt>(block.size());
         while (m_stream.avail_in > 0 && !m_trailing)
             step();

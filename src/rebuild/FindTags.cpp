@@ -12,8 +12,6 @@
 
 namespace nv {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 constexpr std::string_view kProcedure = "MainBAS.FindTagsInFile()";

@@ -121,7 +121,7 @@ std::optional<Block> BlockWalk::blockHere() {
             return Block{m_at, m_file.sub(m_at, 4).raw(), m_file.sub(m_at + kBlockHead, length)};
     }
     const std::string_view rest = m_file.from(m_at).raw();
-    if (rest.size() < kBlockHead && rest.find_first_not_of('\0') == rest.npos)
+    if (rest.size() < kBlockHead && rest.find_first_not_of('\0') == std::string_view::npos)
         m_at = m_file.size(); // padding
     else
         endAt("the block");

@@ -104,7 +104,7 @@ bool CaseReading::readCase() {
             addDamage("a row of table Case is damaged");
         if (!row.damage.empty() || std::exchange(m_hasCase, true))
             return true;
-        if (const auto *path = std::get_if<std::string>(&row.cells[0]))
+        if (const auto *path = std::get_if<std::string>(row.cells.data()))
             m_cachePath = *path;
         if (const auto *version = std::get_if<std::string>(&row.cells[1]))
             m_ctx.file.Version = *version;

@@ -37,7 +37,7 @@ class MorkHistory {
     /// Adds a value with an id of the caller's, its text not escaped.
     MorkHistory &rawValue(std::string_view id, std::string_view text);
     /// Adds a line among the rows.
-    MorkHistory &rawRow(std::string_view line);
+    MorkHistory &rawRow(std::string_view text);
     /// Adds text behind the table.
     MorkHistory &behindTable(std::string_view text);
     /// Begins a change of the file, as the browser appends it: pages that are added now stand in a

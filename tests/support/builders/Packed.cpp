@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+#define ZLIB_CONST // zlib only reads its input
 #include <zlib.h>
 
 namespace nv::test {
@@ -22,7 +23,7 @@ class Packing {
     Packing &operator=(const Packing &) = delete;
 
     void add(std::string_view piece, int flush) {
-        m_stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(piece.data()));
+        m_stream.next_in = reinterpret_cast<const Bytef *>(piece.data());
         m_stream.avail_in = static_cast<uInt>(piece.size());
         std::array<char, 4096> out{};
         do {

@@ -89,6 +89,7 @@ void makePage(const std::filesystem::path &path) {
 }
 
 /// A small sound file of each format that is read. A new reader needs a line here.
+// NOLINTNEXTLINE(readability-function-size): it is one table
 const std::map<std::string_view, MakeFile> &smallFiles() {
     static const std::map<std::string_view, MakeFile> files = {
         {"ie-history", [](const auto &path) { makeIndex(path, false); }},

@@ -7,7 +7,6 @@ namespace {
 using namespace std::string_literals;
 using test::FirefoxCache;
 using test::put32be;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

@@ -11,7 +11,6 @@ namespace {
 
 using test::Jet4;
 using test::NetAnalysisCase;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using Reading = test::NetAnalysisFixture;
 

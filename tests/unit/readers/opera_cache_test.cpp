@@ -19,7 +19,6 @@ namespace {
 
 using test::bigEndian;
 using test::OperaCache;
-using test::operaField;
 using namespace std::string_literals;
 
 constexpr const char *kNotThere = "cached file that isn't beside the index";

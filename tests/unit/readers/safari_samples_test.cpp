@@ -96,8 +96,9 @@ TEST_F(SafariSample, theCacheGivesItsRecordsAndBodies) {
               counts.at("rows_with_date_header"));
     EXPECT_EQ(count([](const URLClass &r) { return r.OtherDate.has(); }),
               counts.at("rows_with_last_modified"));
-    for (const auto &[type, number] : counts.at("MIMEType_counts").items())
-        EXPECT_EQ(count([&](const URLClass &r) { return r.MIMEType == type; }), number) << type;
+    for (const auto &each : counts.at("MIMEType_counts").items())
+        EXPECT_EQ(count([&](const URLClass &r) { return r.MIMEType == each.key(); }), each.value())
+            << each.key();
 }
 
 TEST_F(SafariSample, theCachesListedRecordsAgreeFieldByField) {
