@@ -98,6 +98,10 @@ void readSettings(Program &program) {
     program.import.ParseAdvancedMetadata =
         program.settings.ReadIniValue("OPTIONS", "ParseAdvancedMetaData", true);
     program.import.VerifyFileSignatures = state.VerifyFileSignatures;
+    // Some seven pages a second would make an import of a large cache a matter of hours; the
+    // gallery's button draws them when they are wanted.
+    program.import.MakeThumbnails =
+        program.settings.ReadIniValue("BEYOND", "ThumbnailsWhileImporting", false);
 }
 
 /// The machine's zone without its daylight shift until a project sets one: see ZoneDatabase.

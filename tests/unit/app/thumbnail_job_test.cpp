@@ -24,6 +24,8 @@ struct ThumbnailJobTest : test::ProgramFixture {
             "INSERT INTO URLs(Category, CacheFileExists, ThumbnailMD5Hash) VALUES "
             "('PICTURES', 1, ''), ('Pictures', 1, 'x'), ('HTML', 1, NULL), ('Pictures', 0, ''), "
             "('Stylesheets', 1, '')");
+        EXPECT_FALSE(program->import.MakeThumbnails); // until it is asked for
+        program->import.MakeThumbnails = true;
     }
 };
 
