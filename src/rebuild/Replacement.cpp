@@ -5,6 +5,8 @@
 #include "rebuild/ReplacementIndex.h"
 #include "rebuild/Tags.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <set>
 #include <stdexcept>
@@ -42,7 +44,8 @@ class Sections {
         std::size_t end = m_text.find_first_of(kClosing);
         while (end != std::string_view::npos && !endsSection(end))
             end = m_text.find_first_of(kClosing, end + 1);
-        const std::string_view section = m_text.substr(0, end == m_text.npos ? end : end + 1);
+        const std::string_view section =
+            m_text.substr(0, end == std::string_view::npos ? end : end + 1);
         m_text.remove_prefix(section.size());
         return section;
     }
@@ -116,10 +119,10 @@ std::string replacedEverywhere(std::string_view text, const Replacement &replace
     const std::string &rule = replacement.rule;
     std::string page(text);
     for (const std::string_view opening : {"\"", "'"})
-        page = ReplaceAllText(page, rule + std::string(opening) + replacement.old,
-                              rule + std::string(opening) + replacement.newValue);
+        page = ReplaceAllText(page, fmt::format("{}{}{}", rule, opening, replacement.old),
+                              fmt::format("{}{}", rule, opening) + replacement.newValue);
     for (const std::string_view between : {"", "\n", "\r"})
-        page = ReplaceAllText(page, rule + std::string(between) + replacement.old,
+        page = ReplaceAllText(page, fmt::format("{}{}{}", rule, between, replacement.old),
                               rule + replacement.newValue);
     return page;
 }

@@ -17,6 +17,8 @@ class PageDrawEngine {
   public:
     PageDrawEngine();
     ~PageDrawEngine();
+    PageDrawEngine(const PageDrawEngine &) = delete;
+    PageDrawEngine &operator=(const PageDrawEngine &) = delete;
 
     /// Writes a JPEG of exactly the job's width by height, of the page's upper part. The source's
     /// name has to end in .htm or .html. Events are handled meanwhile.

@@ -41,7 +41,7 @@ GalleryTab::GalleryTab(RunTask runTask, Examiner &examiner, QWidget *parent)
 }
 
 QCheckBox *GalleryTab::newBox(const char *name, const QString &text, const QString &toolTip,
-                              bool on) {
+                              bool on) const {
     auto *box = new QCheckBox(text);
     box->setObjectName(QLatin1String(name));
     box->setToolTip(toolTip);

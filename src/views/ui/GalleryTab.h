@@ -49,7 +49,7 @@ class GalleryTab final : public QWidget {
     QWidget *newChoiceBar();
     QWidget *newPageBar();
     QListView *newTiles();
-    QCheckBox *newBox(const char *name, const QString &text, const QString &toolTip, bool on);
+    QCheckBox *newBox(const char *name, const QString &text, const QString &toolTip, bool on) const;
     void takeChoice();
     void load();
     void refresh();
