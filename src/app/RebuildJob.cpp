@@ -123,7 +123,7 @@ bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::in
 
 bool hasFolder(const RebuildTools &tools, URLClass &page) {
     page.RunTimeRebuiltFilePath =
-        rebuildFolderOf(page.URLID, tools.context()) / (sidOf(page.URLID) + ".htm");
+        rebuildFolderOf(page.URLID, tools.context()) / pageNameOf(page.URLID);
     return std::filesystem::exists(page.RunTimeRebuiltFilePath);
 }
 

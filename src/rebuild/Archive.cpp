@@ -129,7 +129,7 @@ bool unpack(URLClass &page, const RebuildContext &ctx) {
     for (const ArchiveItemClass &item : items.FileItems)
         writeWhole(folder / plainName(item.FileName),
                    archive.sub(item.DataOffset, item.DataSize).raw());
-    page.RunTimeRebuiltFilePath = folder / (sidOf(page.URLID) + ".htm");
+    page.RunTimeRebuiltFilePath = folder / pageNameOf(page.URLID);
     page.RunTimeThumbnailPath = folder / (sidOf(page.URLID) + ".thumbnail.jpg");
     return true;
 }

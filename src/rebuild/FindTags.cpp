@@ -5,6 +5,7 @@
 #include "base/Trap.h"
 #include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
+#include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -15,7 +16,6 @@ namespace nv {
 namespace {
 
 constexpr std::string_view kProcedure = "MainBAS.FindTagsInFile()";
-constexpr std::string_view kScratchName = "~tmp";
 
 void showBeginning(const URLClass &page, const RebuildContext &ctx) {
     if (ctx.settings.CreatingReport)
@@ -81,7 +81,7 @@ std::optional<std::string> pageText(URLClass &page, const RebuildContext &ctx) {
         return std::nullopt;
     if (page.RunTimeTempFilePath.empty()) {
         page.RunTimeContentPath = *content;
-        page.RunTimeTempFilePath = ctx.TempFolderPath / kScratchName;
+        page.RunTimeTempFilePath = ctx.TempFolderPath / kPageCopy;
         copyToScratch(*content, page.RunTimeTempFilePath);
     } else {
         page.RunTimeContentPath = page.RunTimeTempFilePath;

@@ -6,6 +6,7 @@
 #include "db/SqliteErrors.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
+#include "rebuild/RebuiltRow.h"
 #include "rebuild/StyleSheet.h"
 #include "rebuild/TagOptions.h"
 
@@ -21,9 +22,6 @@ namespace nv {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::string_view kListName = "_TagIDs.txt";
-constexpr std::string_view kScratchName = "~tmp";
 
 std::int64_t idOf(std::string_view field, const RebuildSettings &settings) {
     std::int64_t id = 0;
@@ -65,13 +63,13 @@ class Harvest {
 
     bool run() {
         fs::create_directories(m_folder);
-        m_page.RunTimeRebuiltFilePath = m_folder / (sidOf(m_page.URLID) + ".htm");
+        m_page.RunTimeRebuiltFilePath = m_folder / pageNameOf(m_page.URLID);
         if (!fs::exists(m_page.RunTimeRebuiltFilePath) && !m_page.RebuiltSourceCode.empty())
             writeWhole(m_page.RunTimeRebuiltFilePath, toAnsi(m_page.RebuiltSourceCode));
         removeOtherFiles(m_folder, m_page.RunTimeRebuiltFilePath);
         const bool whole = takeParts();
         if (!m_list.empty())
-            writeWhole(m_folder / kListName, toAnsi(m_list));
+            writeWhole(m_folder / kPartsList, toAnsi(m_list));
         return whole;
     }
 
@@ -171,14 +169,10 @@ bool HarvestParts(URLClass &page, const fs::path &folder, Batch batch, const Reb
 
 bool StoreIngredientIDs(URLClass &page, const RebuildContext &ctx) {
     const auto store = [&] {
-        const fs::path list = rebuildFolderOf(page.URLID, ctx) / kListName;
+        const fs::path list = rebuildFolderOf(page.URLID, ctx) / kPartsList;
         if (!fs::exists(list))
             return false;
-        page.IngredientIDs = fromAnsi(ReadTextFile(list, LineBreaks::keep));
-        SQLite::Statement update(ctx.project, "UPDATE URLs SET IngredientIDs = ? WHERE URL_ID = ?");
-        update.bind(1, page.IngredientIDs);
-        update.bind(2, number(page.URLID));
-        update.exec();
+        storeSubstitutions(page, fromAnsi(ReadTextFile(list, LineBreaks::keep)), ctx);
         return true;
     };
     return trapped(ctx.log, Severity::Warning, "ParserClass.StoreIngredientIDs()", kContactSupport,
@@ -190,10 +184,10 @@ bool UnpackIngredients(URLClass &page, const RebuildContext &ctx) {
                    false, [&] {
                        const fs::path folder = rebuildFolderOf(page.URLID, ctx);
                        fs::create_directories(folder);
-                       page.RunTimeRebuiltFilePath = folder / (sidOf(page.URLID) + ".htm");
+                       page.RunTimeRebuiltFilePath = folder / pageNameOf(page.URLID);
                        writeWhole(page.RunTimeRebuiltFilePath, toAnsi(page.RebuiltSourceCode));
                        const bool whole = HarvestParts(page, folder, Batch::no, ctx);
-                       page.RunTimeTempFilePath = ctx.TempFolderPath / kScratchName;
+                       page.RunTimeTempFilePath = ctx.TempFolderPath / kPageCopy;
                        copyToScratch(page.RunTimeRebuiltFilePath, page.RunTimeTempFilePath);
                        return whole;
                    });

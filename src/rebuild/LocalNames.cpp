@@ -22,6 +22,10 @@ std::string sidOf(UrlId id) {
     return padded.substr(padded.size() - kDigits);
 }
 
+std::string pageNameOf(UrlId id) {
+    return sidOf(id) + ".htm";
+}
+
 std::string localNameOf(UrlId id, std::string_view extension) {
     const bool isTaken = !extension.empty() && extension.size() <= kLongestExtension &&
                          std::ranges::all_of(extension, isLetterOrDigit);

@@ -11,6 +11,15 @@ namespace nv {
 /// 9,999,999 loses its leading ones.
 std::string sidOf(UrlId id);
 
+/// The name of a rebuilt page within its folder: "0000017.htm".
+std::string pageNameOf(UrlId id);
+
+/// In that folder, the list of the parts that lie in it, in the form of a substitution log.
+inline constexpr std::string_view kPartsList = "_TagIDs.txt";
+
+/// In the Temp folder, the copy of the page in hand.
+inline constexpr std::string_view kPageCopy = "~tmp";
+
 /// The name of a cached part within the folder of a rebuilt page, made of its record's key, so that
 /// it says where the part comes from: "0000017.gif". An extension is taken when it is 1 to 4 ASCII
 /// letters or digits: a name can't lead out of its folder.

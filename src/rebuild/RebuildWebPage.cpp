@@ -6,13 +6,11 @@
 #include "db/SqliteErrors.h"
 #include "rebuild/FindTags.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/RebuiltRow.h"
 #include "rebuild/ReplaceTags.h"
 #include "rebuild/Scripts.h"
 #include "rebuild/TagChoice.h"
 #include "rebuild/TagOptions.h"
-#include "time/DateFormat.h"
-
-#include <SQLiteCpp/SQLiteCpp.h>
 
 namespace nv {
 
@@ -21,7 +19,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kProcedure = "MainBAS.RebuildWebPage()";
-constexpr std::string_view kRebuiltMethod = "Cache";
 
 /// One part of the rebuild's own progress, 0 to 1.
 RebuildContext stageOf(const RebuildContext &ctx, TaskMonitor &task) {
@@ -45,13 +42,13 @@ class Rebuild {
         if (m_batch == Batch::yes && !m_ctx.task.advance(0))
             return false; // cancelled before this page's turn
         const fs::path folder = rebuildFolderOf(m_page.URLID, m_ctx);
-        m_page.RunTimeRebuiltFilePath = folder / (sidOf(m_page.URLID) + ".htm");
+        m_page.RunTimeRebuiltFilePath = folder / pageNameOf(m_page.URLID);
         fs::create_directories(folder);
         if (!chooseParts())
             return false;
         writePage(disarmed(stage(
             0.75, 0.85, [this](const RebuildContext &ctx) { return ReplaceTags(m_page, ctx); })));
-        storeRow();
+        storeRebuilt(m_page, m_ctx, m_clock);
         if (m_page.IngredientIDs.empty())
             StoreIngredientIDs(m_page, m_ctx);
         return stage(0.85, 1, [&](const RebuildContext &ctx) {
@@ -82,24 +79,6 @@ class Rebuild {
         m_page.RebuiltSourceCode = fromAnsi(text);
         fs::remove(m_page.RunTimeRebuiltFilePath);
         writeWhole(m_page.RunTimeRebuiltFilePath, text + "\r\n");
-    }
-
-    void storeRow() {
-        m_page.RebuiltMethod = kRebuiltMethod;
-        m_page.RebuiltDateTime = formatDate(
-            Date::fromTimePoint(m_clock.now() + m_clock.localOffset()), "dd-mm-yyyy Hh:Nn:Ss");
-        m_page.CacheFileRebuilt = true;
-        m_page.RebuiltFilePath = textOf(m_page.RunTimeRebuiltFilePath);
-        SQLite::Statement update(
-            m_ctx.project,
-            "UPDATE URLs SET RebuiltMethod = ?, RebuiltDateTime = ?, CacheFileRebuilt = 1, "
-            "RebuiltFilePath = ?, RebuiltSourceCode = ? WHERE URL_ID = ?");
-        update.bind(1, m_page.RebuiltMethod);
-        update.bind(2, m_page.RebuiltDateTime);
-        update.bind(3, m_page.RebuiltFilePath);
-        update.bind(4, m_page.RebuiltSourceCode);
-        update.bind(5, number(m_page.URLID));
-        update.exec();
     }
 
     URLClass &m_page;

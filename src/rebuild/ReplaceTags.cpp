@@ -6,6 +6,7 @@
 #include "rebuild/FindTags.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
+#include "rebuild/RebuiltRow.h"
 #include "rebuild/Replacement.h"
 #include "rebuild/Scripts.h"
 #include "rebuild/TagOptions.h"
@@ -58,14 +59,6 @@ std::string newValueOf(const TagRow &tag, bool byUrl, const RebuildContext &ctx)
     return name.starts_with(kNoRecord) ? tag.OriginalTag : name;
 }
 
-void storeLog(URLClass &page, std::string log, const RebuildContext &ctx) {
-    SQLite::Statement update(ctx.project, "UPDATE URLs SET IngredientIDs = ? WHERE URL_ID = ?");
-    update.bind(1, log);
-    update.bind(2, number(page.URLID));
-    update.exec();
-    page.IngredientIDs = std::move(log);
-}
-
 std::string rewritten(URLClass &page, const RebuildContext &ctx) {
     std::string text = pageText(page, ctx).value_or(std::string());
     const bool byUrl = namesPartsByUrl(toUpper(page.cacheType));
@@ -86,7 +79,7 @@ std::string rewritten(URLClass &page, const RebuildContext &ctx) {
     text = ReplaceAllText(text, " = ", "=");
     if (ctx.settings.DisableScriptTags)
         text = StriptScriptTags(text);
-    storeLog(page, std::move(log), ctx);
+    storeSubstitutions(page, std::move(log), ctx);
     return text;
 }
 

@@ -5,6 +5,7 @@
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
 #include "rebuild/PageText.h"
+#include "rebuild/WebMail.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -29,9 +30,6 @@ constexpr std::size_t kMostRepeated = 16U << 20;
 /// Pictures that one sheet may bring: every mention is a copy.
 constexpr std::size_t kMostPictures = 10'000;
 constexpr std::array<std::string_view, 6> kPictures = {"gif", "jpg", "jpeg", "jpe", "bmp", "png"};
-// This web mail keeps the parts of its pages on a second host.
-constexpr std::string_view kWebMail = "mail.yahoo.com";
-constexpr std::string_view kWebMailParts = "mail.yimg.com";
 
 /// 1-based position of `c` behind the 1-based `position`, or 0.
 std::size_t behind(std::size_t position, std::string_view line, char c) {
@@ -109,14 +107,13 @@ class SheetRewriting {
         std::string base = file;
         if (const std::string end = "." + extension; toLower(base).ends_with(end))
             base.resize(base.size() - end.size());
-        const bool isWebMail = containsNoCase(m_sheet.host, kWebMail);
         SQLite::Statement row(m_ctx.project,
                               "SELECT URL_ID FROM URLs WHERE URL LIKE ? AND CacheFileName LIKE ? "
                               "AND (Host = ? OR Host = ?) ORDER BY URL_ID LIMIT 1");
         row.bind(1, "%" + file);
         row.bind(2, base + "%." + extension);
         row.bind(3, m_sheet.host);
-        row.bind(4, isWebMail ? std::string(kWebMailParts) : m_sheet.host);
+        row.bind(4, isWebMail(m_sheet.host) ? std::string(kWebMailParts) : m_sheet.host);
         if (!row.executeStep())
             return std::nullopt;
         return UrlId{row.getColumn(0).getInt64()};

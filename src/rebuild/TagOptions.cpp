@@ -6,6 +6,7 @@
 #include "db/SqliteErrors.h"
 #include "rebuild/PageText.h"
 #include "rebuild/UrlPatterns.h"
+#include "rebuild/WebMail.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -19,9 +20,6 @@ namespace nv {
 namespace {
 
 constexpr std::string_view kProcedure = "MainBAS.FindTagOptions()";
-// This web mail keeps the parts of its pages on a second host.
-constexpr std::string_view kWebMail = "mail.yahoo.com";
-constexpr std::string_view kWebMailParts = "mail.yimg.com";
 
 struct SearchedTag {
     std::int64_t Tag_ID;
@@ -42,7 +40,7 @@ std::string without(std::string_view text, std::string_view what) {
 class SiteTest {
   public:
     explicit SiteTest(std::string_view host)
-        : m_host(host), m_isWebMail(containsNoCase(host, kWebMail)),
+        : m_host(host), m_isWebMail(isWebMail(host)),
           m_inUrl(LikePattern::compile("%" + std::string(host) + "%")) {}
 
     /// False for a host that makes no valid pattern: its pages are given no options at all.

@@ -37,9 +37,9 @@ std::string header(std::string_view version) {
     return bytes;
 }
 
-/// The page keeps its name; a part's is made of its id.
-std::string relativePathOf(const TemplateRecord &record) {
-    return record.TagID == 0 ? std::string(kTemplatePage)
+/// A part's name is made of its id; one without a record keeps the name that its page knows.
+std::string partNameOf(const TemplateRecord &record) {
+    return record.TagID == 0 ? record.FileName
                              : fmt::format("{}.{}", sidOf(UrlId{record.TagID}),
                                            GetFileExtension(record.FileName));
 }
@@ -85,7 +85,8 @@ std::string templateBytes(TemplateRecordsCollection &records, std::string_view W
     std::string bytes = header(version);
     for (TemplateRecord &record : records) {
         const Bytes content = readWhole(record.FilePath);
-        record.NewTagRelativePath = relativePathOf(record);
+        const bool isPage = &record == &records.Item(1);
+        record.NewTagRelativePath = isPage ? std::string(kTemplatePage) : partNameOf(record);
         record.recordOffset = static_cast<std::uint32_t>(bytes.size());
         record.RecordSize = static_cast<std::uint32_t>(content.size());
         bytes.append(ByteView(content).raw()).append(kBreak);

@@ -8,12 +8,12 @@
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
-#include "time/DateFormat.h"
+#include "rebuild/RebuiltRow.h"
 
-#include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace nv {
 
@@ -21,7 +21,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kListName = "_TagIDs.txt";
 constexpr std::string_view kViewFolder = "TEMPLATE.NVR";
 constexpr std::string_view kExtension = ".NVT";
 
@@ -29,13 +28,13 @@ constexpr std::string_view kExtension = ".NVT";
 std::vector<Substitution> harvestedParts(const fs::path &folder) {
     RebuildSettings wide;
     wide.WideRecordIds = true;
-    return substitutionsOf(fromAnsi(ReadTextFile(folder / kListName, LineBreaks::keep)), wide);
+    return substitutionsOf(fromAnsi(ReadTextFile(folder / kPartsList, LineBreaks::keep)), wide);
 }
 
 TemplateRecordsCollection recordsOf(const URLClass &page, const fs::path &folder) {
     TemplateRecordsCollection records;
     TemplateRecord html;
-    html.FileName = sidOf(page.URLID) + ".htm";
+    html.FileName = pageNameOf(page.URLID);
     html.FilePath = folder / html.FileName;
     records.Add(html);
     for (const Substitution &part : harvestedParts(folder)) {
@@ -78,37 +77,22 @@ bool isSamePart(const TemplateRecord &record, ByteView content, const RebuildCon
 void writeRecords(const TemplateClass &made, ByteView bytes, const fs::path &folder,
                   const std::string &pageName, const RebuildContext &ctx) {
     std::string list;
+    bool hasPage = false;
     for (const TemplateRecord &record : made.records) {
         const ByteView content = bytes.sub(record.recordOffset, record.RecordSize);
-        const bool isPage = record.TagID == 0;
+        // A part that has no record of its own has the id 0 too.
+        const bool isPage = record.TagID == 0 && record.NewTagRelativePath == kTemplatePage &&
+                            !std::exchange(hasPage, true);
         writeWhole(folder / (isPage ? pageName : plainNameOf(record)), content.raw());
         if (!isPage)
             list += listLine(record, isSamePart(record, content, ctx) ? record.TagID : 0);
     }
-    writeWhole(folder / kListName, toAnsi(list));
+    writeWhole(folder / kPartsList, toAnsi(list));
 }
 
 void emptied(const fs::path &folder) {
     fs::remove_all(folder);
     fs::create_directories(folder);
-}
-
-void storeRebuild(URLClass &page, const RebuildContext &ctx, const Clock &clock) {
-    page.RebuiltMethod = "Cache";
-    page.RebuiltDateTime = formatDate(Date::fromTimePoint(clock.now()), "dd-mm-yyyy Hh:Nn:Ss");
-    page.CacheFileRebuilt = true;
-    page.RebuiltFilePath = textOf(page.RunTimeRebuiltFilePath);
-    page.RebuiltSourceCode = fromAnsi(ByteView(readWhole(page.RunTimeRebuiltFilePath)).raw());
-    SQLite::Statement update(ctx.project,
-                             "UPDATE URLs SET RebuiltMethod = ?, RebuiltDateTime = ?, "
-                             "CacheFileRebuilt = 1, RebuiltFilePath = ?, RebuiltSourceCode = ? "
-                             "WHERE URL_ID = ?");
-    update.bind(1, page.RebuiltMethod);
-    update.bind(2, page.RebuiltDateTime);
-    update.bind(3, page.RebuiltFilePath);
-    update.bind(4, page.RebuiltSourceCode); // what a later session has to go by
-    update.bind(5, number(page.URLID));
-    update.exec();
 }
 
 bool applyTemplate(URLClass &page, const fs::path &file, const RebuildContext &ctx,
@@ -118,12 +102,13 @@ bool applyTemplate(URLClass &page, const fs::path &file, const RebuildContext &c
     if (made.records.Count() == 0)
         return false;
     const fs::path folder = rebuildFolderOf(page.URLID, ctx);
-    const std::string pageName = sidOf(page.URLID) + ".htm";
+    const std::string pageName = pageNameOf(page.URLID);
     emptied(folder);
     writeRecords(made, ByteView(bytes), folder, pageName, ctx);
     page.RunTimeRebuiltFilePath = folder / pageName;
+    page.RebuiltSourceCode = fromAnsi(ByteView(readWhole(page.RunTimeRebuiltFilePath)).raw());
     StoreIngredientIDs(page, ctx);
-    storeRebuild(page, ctx, clock);
+    storeRebuilt(page, ctx, clock);
     return true;
 }
 
@@ -149,7 +134,7 @@ TemplateResult CreateTemplate(const URLClass &page, const fs::path &templates,
                               const RebuildContext &ctx) {
     const auto create = [&] {
         const fs::path folder = rebuildFolderOf(page.URLID, ctx);
-        if (!fs::exists(folder / kListName) || !fs::exists(folder / (sidOf(page.URLID) + ".htm")))
+        if (!fs::exists(folder / kPartsList) || !fs::exists(folder / pageNameOf(page.URLID)))
             return TemplateResult::noRebuild;
         const fs::path target = templatePathOf(page, templates);
         if (fs::exists(target) && ifExists == IfTemplateExists::refuse)

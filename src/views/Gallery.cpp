@@ -3,6 +3,7 @@
 #include "base/Trap.h"
 #include "db/Dialect.h"
 #include "db/StoredQueries.h"
+#include "rebuild/LocalNames.h"
 #include "views/DateIndex.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -33,8 +34,7 @@ TileClass tileIn(SQLite::Statement &row) {
 } // namespace
 
 std::string captionOf(const TileClass &tile) {
-    const std::string digits = fmt::format("{:07}", tile.URL_ID);
-    return "ID #" + digits.substr(digits.size() - 7);
+    return "ID #" + sidOf(UrlId{tile.URL_ID});
 }
 
 IdQuery galleryQuery(const RowChoice &rows, const PARDClass &PARD, const GalleryMedia &media) {

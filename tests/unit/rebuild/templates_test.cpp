@@ -76,6 +76,20 @@ TEST_F(TemplatesTest, neverNameAStrangersRecordAsTheirPart) {
     EXPECT_EQ(record.IngredientIDs, "0|a/logo.gif|0000001.gif|\r\n");
 }
 
+TEST_F(TemplatesTest, keepTheirPageWhenAPartHasNoRecord) {
+    const auto file = makeTemplate();
+    project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");
+    page = get(add("http://host/second.html", "page"));
+    ASSERT_TRUE(RebuildFromTemplate(page, file, context(), project.clock)); // the part's id is 0
+    page.URLFileName = "second";
+    ASSERT_EQ(create(page), TemplateResult::made);
+    URLClass third = get(add("http://host/third.html", "page"));
+    ASSERT_TRUE(
+        RebuildFromTemplate(third, templatePathOf(page, templates), context(), project.clock));
+    EXPECT_EQ(fileOf(third.URLID, "0000004.htm"), "<img src=\"0000001.gif\" > \r\n");
+    EXPECT_EQ(fileOf(third.URLID, "0000001.gif"), "GIF89a");
+}
+
 TEST_F(TemplatesTest, areMadeOnlyOfPagesRebuiltInThisSession) {
     const URLClass record = get(add("http://host/page.html", "page"));
     EXPECT_EQ(create(record), TemplateResult::noRebuild);

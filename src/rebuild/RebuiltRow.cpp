@@ -1,0 +1,38 @@
+#include "rebuild/RebuiltRow.h"
+
+#include "base/Files.h"
+#include "time/DateFormat.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <utility>
+
+namespace nv {
+
+void storeRebuilt(URLClass &page, const RebuildContext &ctx, const Clock &clock) {
+    page.RebuiltMethod = "Cache";
+    page.RebuiltDateTime =
+        formatDate(Date::fromTimePoint(clock.now() + clock.localOffset()), "dd-mm-yyyy Hh:Nn:Ss");
+    page.CacheFileRebuilt = true;
+    page.RebuiltFilePath = textOf(page.RunTimeRebuiltFilePath);
+    SQLite::Statement update(ctx.project,
+                             "UPDATE URLs SET RebuiltMethod = ?, RebuiltDateTime = ?, "
+                             "CacheFileRebuilt = 1, RebuiltFilePath = ?, RebuiltSourceCode = ? "
+                             "WHERE URL_ID = ?");
+    update.bind(1, page.RebuiltMethod);
+    update.bind(2, page.RebuiltDateTime);
+    update.bind(3, page.RebuiltFilePath);
+    update.bind(4, page.RebuiltSourceCode); // what a later session has to go by
+    update.bind(5, number(page.URLID));
+    update.exec();
+}
+
+void storeSubstitutions(URLClass &page, std::string log, const RebuildContext &ctx) {
+    page.IngredientIDs = std::move(log);
+    SQLite::Statement update(ctx.project, "UPDATE URLs SET IngredientIDs = ? WHERE URL_ID = ?");
+    update.bind(1, page.IngredientIDs);
+    update.bind(2, number(page.URLID));
+    update.exec();
+}
+
+} // namespace nv
