@@ -120,10 +120,10 @@ std::string replacedEverywhere(std::string_view text, const Replacement &replace
     std::string page(text);
     for (const std::string_view opening : {"\"", "'"})
         page = ReplaceAllText(page, fmt::format("{}{}{}", rule, opening, replacement.old),
-                              fmt::format("{}{}", rule, opening) + replacement.newValue);
+                              fmt::format("{}{}{}", rule, opening, replacement.newValue));
     for (const std::string_view between : {"", "\n", "\r"})
         page = ReplaceAllText(page, fmt::format("{}{}{}", rule, between, replacement.old),
-                              rule + replacement.newValue);
+                              fmt::format("{}{}", rule, replacement.newValue));
     return page;
 }
 
