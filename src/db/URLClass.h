@@ -10,6 +10,9 @@
 
 namespace nv {
 
+/// `Visits` where the artefact counts none: not 0, which is a page that was never visited.
+inline constexpr std::int64_t kVisitsUnknown = -1;
+
 /// One URL record: the only form in which readers, views, rebuilding and reports exchange records.
 /// Texts are UTF-8. Members carry the names of their columns in table `URLs` (db/Schema.cpp), but
 /// `host` (Host), `Tag` (Tagged), `cacheType` (CacheType), `WebpageTitle` (WebPageTitle) and

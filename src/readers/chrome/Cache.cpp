@@ -19,9 +19,6 @@ namespace nv {
 
 namespace {
 
-/// The format counts no visits.
-constexpr std::int64_t kVisitsUnknown = -1;
-
 void setKeyURL(URLClass &record, const std::string &keyURL) {
     record.URL = keyURL;
     record.HashedURL = hashOfUrl(keyURL);

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/WholeFile.h"
 #include "readers/firefox/Cache.h"
 #include "readers/firefox/CacheRecord.h"
 
@@ -141,9 +142,7 @@ class CacheReading {
 } // namespace
 
 ReadResult ParseFirefoxCache(ReadContext &ctx) {
-    const ReadResult unread{
-        ReadState::failed, "could not be read: " + textOf(ctx.file.FullPath), 0, {}};
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unread,
+    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),
                    [&ctx] { return CacheReading(ctx).run(); });
 }
 

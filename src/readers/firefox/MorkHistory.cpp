@@ -8,6 +8,7 @@
 #include "base/Trap.h"
 #include "readers/Dissection.h"
 #include "readers/PageObjects.h"
+#include "readers/WholeFile.h"
 #include "readers/firefox/MorkFile.h"
 #include "time/SourceClocks.h"
 
@@ -177,9 +178,7 @@ ReadResult readMorkHistory(ReadContext &ctx, ByteView bytes) {
 }
 
 ReadResult ParseMorkFile(ReadContext &ctx) {
-    const ReadResult unread{
-        ReadState::failed, "could not be read: " + textOf(ctx.file.FullPath), 0, {}};
-    return trapped(ctx.log, Severity::Warning, kProcedure, kLikelyDamaged, unread, [&ctx] {
+    return trapped(ctx.log, Severity::Warning, kProcedure, kLikelyDamaged, unreadable(ctx), [&ctx] {
         return readEntries(ctx, [&ctx](morkFileClass &file, TaskMonitor &task, ReadResult &result) {
             file.ParseFile(ctx.file.FullPath, task, result);
         });

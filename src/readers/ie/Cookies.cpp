@@ -6,6 +6,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/WholeFile.h"
 #include "readers/ie/CookieRecord.h"
 #include "readers/ie/HashWalk.h"
 
@@ -90,13 +91,9 @@ ReadResult readIECookies(ReadContext &ctx, ByteView bytes) {
 }
 
 ReadResult ParseIECookies(ReadContext &ctx) {
-    const std::string path = textOf(ctx.file.FullPath);
-    ctx.task.describe({"PARSING COOKIES INDEX.DAT FILE", "Internet Explorer", path, "ie-32.gif"});
-    const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unread, [&ctx] {
-        const Bytes bytes = readWhole(ctx.file.FullPath);
-        return readIECookies(ctx, ByteView(bytes));
-    });
+    return readWholeFile(ctx,
+                         {"PARSING COOKIES INDEX.DAT FILE", "Internet Explorer", "", "ie-32.gif"},
+                         kProcedure, [&ctx](ByteView bytes) { return readIECookies(ctx, bytes); });
 }
 
 } // namespace nv

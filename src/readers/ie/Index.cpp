@@ -11,6 +11,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/WholeFile.h"
 #include "readers/ie/CachedFile.h"
 #include "readers/ie/HashWalk.h"
 #include "readers/ie/IndexKind.h"
@@ -82,13 +83,8 @@ ReadResult readIEIndex(ReadContext &ctx, ByteView bytes) {
 }
 
 ReadResult ParseIECacheFile(ReadContext &ctx) {
-    const std::string path = textOf(ctx.file.FullPath);
-    ctx.task.describe({"PARSING CACHE INDEX FILE", "Internet Explorer", path, "ie-32.gif"});
-    const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unread, [&ctx] {
-        const Bytes bytes = readWhole(ctx.file.FullPath);
-        return readIEIndex(ctx, ByteView(bytes));
-    });
+    return readWholeFile(ctx, {"PARSING CACHE INDEX FILE", "Internet Explorer", "", "ie-32.gif"},
+                         kProcedure, [&ctx](ByteView bytes) { return readIEIndex(ctx, bytes); });
 }
 
 } // namespace nv

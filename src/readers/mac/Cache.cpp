@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/Dissection.h"
+#include "readers/WholeFile.h"
 
 namespace nv {
 
@@ -78,13 +79,9 @@ ReadResult readMACIECache(ReadContext &ctx, ByteView bytes) {
 }
 
 ReadResult ParseMACIECache(ReadContext &ctx) {
-    const std::string path = textOf(ctx.file.FullPath);
-    ctx.task.describe({"PARSING MACINTOSH CACHE FILE", "Internet Explorer", path, "ie-32.gif"});
-    const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unread, [&ctx] {
-        const Bytes bytes = readWhole(ctx.file.FullPath);
-        return readMACIECache(ctx, ByteView(bytes));
-    });
+    return readWholeFile(ctx,
+                         {"PARSING MACINTOSH CACHE FILE", "Internet Explorer", "", "ie-32.gif"},
+                         kProcedure, [&ctx](ByteView bytes) { return readMACIECache(ctx, bytes); });
 }
 
 bool ExtractMACFile(const URLClass &record, const Evidence &evidence,

@@ -14,6 +14,7 @@
 #include "readers/Dissection.h"
 #include "readers/Limits.h"
 #include "readers/PageObjects.h"
+#include "readers/WholeFile.h"
 #include "readers/opera/CacheField.h"
 #include "readers/opera/CacheFile.h"
 #include "time/SourceClocks.h"
@@ -125,7 +126,7 @@ class CacheReading {
         m_record->MapFileOffset = static_cast<std::int64_t>(m_at);
         m_record->cacheType = "Opera Cache";
         m_record->Action = "Visited";
-        m_record->Visits = -1; // not counted by the browser
+        m_record->Visits = kVisitsUnknown;
         return true;
     }
 
@@ -227,14 +228,14 @@ ReadResult readOperaCache(ReadContext &ctx, ByteView bytes) {
 ReadResult ParseOperaCache(ReadContext &ctx) {
     const std::string path = textOf(ctx.file.FullPath);
     ctx.task.describe({"PARSING OPERA CACHE FILE", "Opera", path, "opera-32.gif"});
-    const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unread, [&ctx] {
-        const FileReader file(ctx.file.FullPath);
-        const Bytes bytes = file.read(0, limits::kOperaFileBytes);
-        ReadResult result = CacheReading(ctx, ByteView(bytes)).run();
-        tellSize(ctx, file.size(), bytes.size(), result);
-        return result;
-    });
+    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),
+                   [&ctx] {
+                       const FileReader file(ctx.file.FullPath);
+                       const Bytes bytes = file.read(0, limits::kOperaFileBytes);
+                       ReadResult result = CacheReading(ctx, ByteView(bytes)).run();
+                       tellSize(ctx, file.size(), bytes.size(), result);
+                       return result;
+                   });
 }
 
 } // namespace nv

@@ -8,6 +8,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/Limits.h"
+#include "readers/WholeFile.h"
 #include "readers/opera/HistoryRecord.h"
 #include "readers/opera/HistoryTyped.h"
 #include "readers/sqlite/HistoryRow.h"
@@ -200,9 +201,8 @@ ReadResult readOperaHistory(ReadContext &ctx, ByteView bytes) {
 ReadResult ParseOperaHistoryFile(ReadContext &ctx) {
     const std::string path = textOf(ctx.file.FullPath);
     ctx.task.describe({"PARSING OPERA HISTORY FILE", "Opera", path, "opera-32.gif"});
-    const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
-    return trapped(ctx.log, Severity::Serious, kOperaHistoryProcedure, kContactSupport, unread,
-                   [&ctx] {
+    return trapped(ctx.log, Severity::Serious, kOperaHistoryProcedure, kContactSupport,
+                   unreadable(ctx), [&ctx] {
                        const FileReader file(ctx.file.FullPath);
                        const Bytes bytes = file.read(0, limits::kOperaFileBytes);
                        ReadResult result;

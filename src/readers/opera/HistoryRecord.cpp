@@ -32,7 +32,7 @@ URLClass operaHistoryRecord(const OperaHistorySource &source, const std::string 
     record.Status = ctx.deleted ? "Deleted" : "URL";
     record.URLParameters = parametersOf(url);
     record.URLProtocol = GetURLProtocol(url);
-    record.Visits = -1; // not counted by the browser
+    record.Visits = kVisitsUnknown;
     return record;
 }
 

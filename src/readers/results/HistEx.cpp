@@ -9,6 +9,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/WholeFile.h"
 #include "readers/ie/CachedFile.h"
 #include "readers/ie/HashWalk.h"
 #include "readers/ie/IndexRecord.h"
@@ -121,14 +122,10 @@ ReadResult readHistEx(ReadContext &ctx, ByteView bytes) {
 }
 
 ReadResult ParseHistExFile(ReadContext &ctx) {
-    const std::string path = textOf(ctx.file.FullPath);
-    ctx.task.describe({"PARSING NET ANALYSIS HIST-EX FILE", "Internet Explorer (Unallocated Space)",
-                       path, "net-32.gif"});
-    const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unread, [&ctx] {
-        const Bytes bytes = readWhole(ctx.file.FullPath);
-        return readHistEx(ctx, ByteView(bytes));
-    });
+    return readWholeFile(ctx,
+                         {"PARSING NET ANALYSIS HIST-EX FILE",
+                          "Internet Explorer (Unallocated Space)", "", "net-32.gif"},
+                         kProcedure, [&ctx](ByteView bytes) { return readHistEx(ctx, bytes); });
 }
 
 } // namespace nv

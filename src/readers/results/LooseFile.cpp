@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/ContentProbe.h"
+#include "readers/WholeFile.h"
 #include "readers/ie/CachedFile.h"
 #include "readers/sqlite/HistoryRow.h"
 
@@ -15,8 +16,6 @@ namespace nv {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::int64_t kVisitsUnknown = -1;
 
 /// The record has no URL and names no history file: nothing is known of where the file came from.
 URLClass recordOf(const ReadContext &ctx) {
@@ -49,17 +48,16 @@ struct Kind {
 };
 
 ReadResult readLooseFile(ReadContext &ctx, const Kind &kind) {
-    const ReadResult unread{
-        ReadState::failed, "could not be read: " + textOf(ctx.file.FullPath), 0, {}};
-    return trapped(ctx.log, Severity::Warning, kind.procedure, kContactSupport, unread, [&] {
-        URLClass record = recordOf(ctx);
-        record.WebpageTitle = ctx.content.facts(ctx.file.FullPath).title;
-        record.Action = kind.action;
-        record.cacheType = kind.cacheType;
-        record.CacheFileExists = kind.exists;
-        ctx.sink.save(record);
-        return ReadResult();
-    });
+    return trapped(ctx.log, Severity::Warning, kind.procedure, kContactSupport, unreadable(ctx),
+                   [&] {
+                       URLClass record = recordOf(ctx);
+                       record.WebpageTitle = ctx.content.facts(ctx.file.FullPath).title;
+                       record.Action = kind.action;
+                       record.cacheType = kind.cacheType;
+                       record.CacheFileExists = kind.exists;
+                       ctx.sink.save(record);
+                       return ReadResult();
+                   });
 }
 
 } // namespace

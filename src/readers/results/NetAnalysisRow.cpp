@@ -37,9 +37,6 @@ enum Column : std::size_t {
     kHits,
 };
 
-/// As other readers have it where visits aren't counted: 0 would say that there was none.
-constexpr std::int64_t kVisitsUnknown = -1;
-
 /// The cells of a row by column; a value of another kind than the column's becomes what is wanted
 /// where that loses nothing.
 class Cells {

@@ -8,6 +8,7 @@
 
 #include "base/Files.h"
 #include "base/Trap.h"
+#include "readers/WholeFile.h"
 #include "readers/ie/CachedFile.h"
 #include "readers/ie/IndexRecord.h"
 
@@ -143,12 +144,11 @@ ReadResult readNvd(ReadContext &ctx, ByteView bytes) {
 }
 
 ReadResult ParseNorvelaneNVDFile(ReadContext &ctx) {
-    const ReadResult unread{
-        ReadState::failed, "could not be read: " + textOf(ctx.file.FullPath), 0, {}};
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unread, [&ctx] {
-        const Bytes bytes = readWhole(ctx.file.FullPath);
-        return readNvd(ctx, ByteView(bytes));
-    });
+    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),
+                   [&ctx] {
+                       const Bytes bytes = readWhole(ctx.file.FullPath);
+                       return readNvd(ctx, ByteView(bytes));
+                   });
 }
 
 } // namespace nv

@@ -10,9 +10,6 @@ namespace nv {
 
 namespace {
 
-/// Cookies don't count visits; 0 would say that nobody visited the host.
-constexpr std::int64_t kVisitsUnknown = -1;
-
 /// A leading point says that the cookie holds for all hosts of the domain.
 std::string_view withoutLeadingPoint(std::string_view host) {
     return host.starts_with('.') ? host.substr(1) : host;

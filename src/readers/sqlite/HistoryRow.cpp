@@ -14,9 +14,6 @@ namespace nv {
 
 namespace {
 
-/// As other readers have it where a format doesn't count visits.
-constexpr std::int64_t kVisitsUnknown = -1;
-
 /// A row that the browser made by itself, such as a bookmark that was never opened, has no visits:
 /// that it was the browser's tells more than that it was deleted.
 std::string statusOf(const ReadContext &ctx, const URLClass &record) {

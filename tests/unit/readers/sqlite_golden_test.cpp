@@ -1,78 +1,47 @@
-#include "base/Files.h"
-#include "base/Text.h"
 #include "readers/chrome/History.h"
 #include "readers/firefox/Places.h"
-#include "support/SqliteHistoryReading.h"
+#include "support/RecordGolden.h"
 #include "time/DateFormat.h"
 
-#include <fmt/format.h>
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace nv {
 namespace {
 
 namespace fs = std::filesystem;
-using test::SqliteHistoryReading;
 
 struct Format {
     const char *key; ///< the folder of its cases
     const char *file;
-    SqliteHistoryReading::ReadFunction read;
+    ReadResult (*read)(ReadContext &);
 };
 
-/// One line a record, so that a difference shows as one line.
-std::string rowOf(const URLClass &record) {
-    const std::vector<std::string> cells = {std::to_string(record.Reference_ID),
-                                            record.Status,
-                                            record.Action,
-                                            isoUtc(record.ActionDateUTC),
-                                            std::to_string(record.Visits),
-                                            record.Hidden ? "hidden" : "",
-                                            record.URL,
-                                            record.URLRawValue,
-                                            record.host,
-                                            record.URLParameters,
-                                            record.WebpageTitle};
-    return fmt::format("{}\n", fmt::join(cells, "\t"));
-}
-
-/// All that a reading says, in the form of expected.tsv.
-std::string resultOf(const SqliteHistoryReading &reading, const fs::path &input) {
-    std::string text = fmt::format("@state\t{}\t{}\t{}\n", test::wordOf(reading.result.state),
-                                   reading.result.notReached, reading.result.reason);
-    for (const auto &[reason, count] : reading.result.passedOver)
-        text += fmt::format("@passedOver\t{}\t{}\n", reason, count);
-    for (const Failure &failure : reading.log.entries)
-        text += fmt::format("@log\t{}\t{}\t{}\n", severityWord(failure.severity), failure.procedure,
-                            failure.message);
-    text += "Reference_ID\tStatus\tAction\tActionDateUTC\tVisits\tHidden\tURL\tURLRawValue\thost\t"
-            "URLParameters\tWebpageTitle\n";
-    for (const URLClass &record : reading.records())
-        text += rowOf(record);
-    return replaceAll(text, input.string() + "/", "");
-}
-
-std::string contentOf(const fs::path &path) {
-    const Bytes bytes = readWhole(path);
-    return {bytes.begin(), bytes.end()};
+std::vector<test::GoldenColumn> columns() {
+    return {
+        {"Reference_ID",
+         [](const URLClass &record) -> std::string { return std::to_string(record.Reference_ID); }},
+        {"Status", [](const URLClass &record) -> std::string { return record.Status; }},
+        {"Action", [](const URLClass &record) -> std::string { return record.Action; }},
+        {"ActionDateUTC",
+         [](const URLClass &record) -> std::string { return isoUtc(record.ActionDateUTC); }},
+        {"Visits",
+         [](const URLClass &record) -> std::string { return std::to_string(record.Visits); }},
+        {"Hidden",
+         [](const URLClass &record) -> std::string { return record.Hidden ? "hidden" : ""; }},
+        {"URL", [](const URLClass &record) -> std::string { return record.URL; }},
+        {"URLRawValue", [](const URLClass &record) -> std::string { return record.URLRawValue; }},
+        {"host", [](const URLClass &record) -> std::string { return record.host; }},
+        {"URLParameters",
+         [](const URLClass &record) -> std::string { return record.URLParameters; }},
+        {"WebpageTitle", [](const URLClass &record) -> std::string { return record.WebpageTitle; }},
+    };
 }
 
 class SqliteGolden : public testing::TestWithParam<Format> {};
 
 TEST_P(SqliteGolden, casesReadAsTheyAreWrittenDown) {
-    std::size_t cases = 0;
-    for (const auto &entry : fs::directory_iterator(fs::path(NV_GOLDEN_DIR) / GetParam().key)) {
-        SCOPED_TRACE(entry.path().filename().string());
-        const fs::path input = entry.path() / "input";
-        SqliteHistoryReading reading;
-        reading.read(GetParam().read, input / GetParam().file);
-        EXPECT_EQ(resultOf(reading, input), contentOf(entry.path() / "expected.tsv"));
-        EXPECT_FALSE(contentOf(entry.path() / "case.md").empty());
-        ++cases;
-    }
-    EXPECT_GE(cases, 5U);
+    test::checkGoldenCases(
+        {fs::path(NV_GOLDEN_DIR) / GetParam().key, GetParam().file, GetParam().read, columns()}, 5);
 }
 
 INSTANTIATE_TEST_SUITE_P(
