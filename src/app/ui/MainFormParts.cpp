@@ -2,6 +2,7 @@
 #include "app/Messages.h"
 #include "app/ui/GalleryPart.h"
 #include "app/ui/MainForm.h"
+#include "app/ui/NetworkPart.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
 #include "app/ui/WelcomePage.h"
@@ -101,6 +102,7 @@ void MainForm::addParts() {
     m_viewers->addPane(*properties, *properties, tr("Properties"), "MainForm.LoadProperties()");
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
+    m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));
