@@ -1,8 +1,9 @@
 #include "app/ImportJob.h"
 
 #include "app/ThumbnailJob.h"
+#include "app/Trail.h"
+#include "base/Digest.h"
 #include "base/Files.h"
-#include "base/Md5.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "import/ImportRun.h"
@@ -76,6 +77,7 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
                         scratch};
     const std::int64_t lastId = lastIdOf(project);
     ImportSummary summary = runImport(run, program.import);
+    noteImport(program, summary);
     if (!summary.cancelled && summary.failure.empty())
         ensureDateIndex(project, task);
     if (!summary.cancelled && summary.failure.empty())
@@ -92,8 +94,11 @@ std::optional<HistoryFile> artefactOfCommandLine(const fs::path &path) {
     file.FileName = textOf(path.filename());
     file.FileParentPath = textOf(file.FullPath.parent_path());
     file.fileExt = toLower(textOf(path.extension())).substr(1);
-    file.FileSize = fs::file_size(path);
-    file.MD5Hash = FileMD5(path).value_or("");
+    if (const auto hashes = hashesOfFile(path)) {
+        file.FileSize = hashes->size;
+        file.MD5Hash = hashes->MD5;
+        file.SHA256Hash = hashes->SHA256;
+    }
     return file;
 }
 

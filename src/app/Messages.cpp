@@ -1,5 +1,7 @@
 #include "app/Messages.h"
 
+#include "maintenance/SourceCheck.h"
+
 #include <fmt/format.h>
 
 namespace nv::messages {
@@ -160,6 +162,11 @@ Message connectionNotFound(Switched why, std::string_view name) {
 
 Message networkSwitchFailed(std::string_view reason) {
     return failure("network-switch-failed", "Network Connection", reason);
+}
+
+Message sourcesVerified(const SourceCheck &check) {
+    return notice("sources-verified", "Verify Source Files", summaryText(check),
+                  check.allSame() ? Tone::Information : Tone::Warning);
 }
 
 Message importFailed(std::string_view reason) {

@@ -7,6 +7,10 @@
 #include <string>
 #include <string_view>
 
+namespace nv {
+struct SourceCheck;
+}
+
 namespace nv::messages {
 
 // Every text that the program asks or tells, in one place. Examiners' manuals quote them, so they
@@ -39,6 +43,7 @@ Message networkDisabled();
 /// `why` is noFolder or noItem.
 Message connectionNotFound(Switched why, std::string_view name);
 Message networkSwitchFailed(std::string_view reason);
+Message sourcesVerified(const SourceCheck &check);
 Message importFailed(std::string_view reason);
 Message idsBeyondNarrow(std::int64_t largest);
 Message columnsFailed(std::string_view reason);

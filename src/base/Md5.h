@@ -1,32 +1,14 @@
 #pragma once
 
-#include "base/ByteView.h"
-
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace nv {
 
-/// MD5 over bytes that arrive in pieces. Hexadecimal results are lower-case, 32 digits.
-class Md5 {
-  public:
-    Md5();
-    ~Md5();
-    Md5(const Md5 &) = delete;
-    Md5 &operator=(const Md5 &) = delete;
-
-    void add(std::string_view bytes);
-    /// The digest so far; the object then starts anew.
-    std::string takeHex();
-
-  private:
-    struct Context;
-    std::unique_ptr<Context> m_context;
-};
+// MD5s are lower-case hexadecimal, 32 digits.
 
 std::string md5Hex(std::string_view bytes);
 

@@ -49,6 +49,7 @@ std::span<const Table> projectTables();
 /// Made on first use only.
 const Table &flaggedUrls();
 const Table &keywordFlags();
+const Table &auditTrail();
 /// The tables of the scratch file of a Mork history.
 std::span<const Table> morkTables();
 /// In the order of their making.

@@ -123,6 +123,19 @@ constexpr Column kKeywordFlags[] = {
     {"FlagCode", Text, 10, false, "", ""},
 };
 
+constexpr Column kAuditTrail[] = {
+    {"Trail_ID", Long, 0, true, "Trail_ID", "Unique record ID"},
+    {"ActionDateUTC", Date, 0, false, "Date [UTC]", "When it was done"},
+    {"Action", Text, 20, false, "Action", "What was done"},
+    {"Detail", Memo, 0, false, "Detail", "How, and what came of it"},
+    {"FilePath", Memo, 0, false, "File", "The file that was read or written"},
+    {"FileSize", Long, 0, false, "File Size", "The size of the file in bytes"},
+    {"MD5Hash", Text, 32, false, "MD5 Hash", "Of that file"},
+    {"SHA256Hash", Text, 64, false, "SHA-256 Hash", "Of that file"},
+    {"RowCount", Long, 0, false, "Rows", "Records that it was about"},
+    {"AppVersion", Text, 20, false, "Version", "Of the program that did it"},
+};
+
 constexpr std::array<Relationship, 6> kRelationships = {{
     {"URLsLinks", "URLs", "URL_ID", "LinkAnalysis", "Parent_ID"},
     {"URLsLinks1", "URLs", "URL_ID", "LinkAnalysis", "Child_ID"},
@@ -164,6 +177,11 @@ const Table &flaggedUrls() {
 
 const Table &keywordFlags() {
     static const Table table{"KeywordFlags", "", kKeywordFlags};
+    return table;
+}
+
+const Table &auditTrail() {
+    static const Table table{"AuditTrail", "Trail_ID_PK", kAuditTrail};
     return table;
 }
 

@@ -199,7 +199,9 @@ ImportSummary nothingReached(const ImportRun &run, const HistoryFiles &files) {
         result.path = file.FullPath;
         result.type = file.HistoryFileType;
         result.readerKey = reader ? reader->key : "";
+        result.FileSize = file.FileSize;
         result.MD5Hash = file.MD5Hash;
+        result.SHA256Hash = file.SHA256Hash;
     }
     return summary;
 }

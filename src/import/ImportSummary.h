@@ -30,7 +30,9 @@ struct ArtefactResult {
     std::filesystem::path path;
     HistoryFileType type = HistoryFileType::none; ///< as the reader refined it
     std::string readerKey;
+    std::uint64_t FileSize = 0; ///< bytes
     std::string MD5Hash;
+    std::string SHA256Hash;
     ArtefactState state = ArtefactState::notReached;
     std::string reason; ///< why it isn't complete
     std::uint64_t rowsSaved = 0;

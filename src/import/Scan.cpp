@@ -1,7 +1,7 @@
 #include "import/Scan.h"
 
 #include "base/Files.h"
-#include "base/Md5.h"
+#include "base/Digest.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "import/FileMask.h"
@@ -90,13 +90,14 @@ class Scan {
     }
 
     void list(HistoryFile artefact, double fraction) {
-        const auto hash = FileMD5(artefact.FullPath, [&](std::uint64_t readSoFar) {
+        const auto hashes = hashesOfFile(artefact.FullPath, [&](std::uint64_t readSoFar) {
             artefact.FileSize = readSoFar;
             return goOn(fraction);
         });
-        if (!hash)
+        if (!hashes)
             return; // cancelled: without its hash it can't be told from another file
-        artefact.MD5Hash = *hash;
+        artefact.MD5Hash = hashes->MD5;
+        artefact.SHA256Hash = hashes->SHA256;
         m_result.HistoryFiles.Add(std::move(artefact));
     }
 

@@ -1,4 +1,5 @@
 #include "app/Project.h"
+#include "app/ui/CaseTrailForm.h"
 #include "db/ProjectFields.h"
 #include "gui/Desk.h"
 #include "import/ui/ImportForm.h"
@@ -14,6 +15,7 @@
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 #include <QWindow>
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -52,6 +54,7 @@ class MainWindowTest : public QObject {
     void theHostBoxNarrowsTheRows();
     void sortsThatFailAreToldAndKeepTheRows();
     void theNetworkIsSwitchedOffAndOn();
+    void theCaseTrailTellsOfTheImport();
     void exitAsks();
 
   private:
@@ -297,6 +300,22 @@ void MainWindowTest::theNetworkIsSwitchedOffAndOn() {
     m_desk->network.answer = Switched::noItem;
     action.trigger();
     QCOMPARE(m_desk->examiner.heard.back(), std::string("connection-not-found"));
+}
+
+void MainWindowTest::theCaseTrailTellsOfTheImport() {
+    openExample(*m_desk, *m_form);
+    whenShown<CaseTrailForm>([&](CaseTrailForm &form) {
+        auto &list = child<QTreeWidget>(form, "lstTrail");
+        const int before = list.topLevelItemCount();
+        QVERIFY(before >= 2);
+        QCOMPARE(list.topLevelItem(0)->text(1), QStringLiteral("Import"));
+        QCOMPARE(list.topLevelItem(0)->text(7).size(), 64);
+        QTest::mouseClick(&child<QPushButton>(form, "btnVerify"), Qt::LeftButton);
+        QCOMPARE(m_desk->examiner.heard.back(), std::string("sources-verified"));
+        QCOMPARE(list.topLevelItemCount(), before + 1);
+        form.reject();
+    });
+    trigger(*m_form, "actCaseTrail");
 }
 
 void MainWindowTest::exitAsks() {

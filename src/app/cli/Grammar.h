@@ -33,6 +33,7 @@ class Grammar {
     void addRebuilding();
     void addTemplates();
     void addPictures();
+    void addTrail();
 
     ImportArguments m_import;
     ListArguments m_list;

@@ -43,18 +43,20 @@ MainActions::MainActions(QObject *o)
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
       baseFolder(make(o, "actBaseFolder", tr("&Base Folder..."), "folder")),
       timeZone(make(o, "actTimeZone", tr("&Time Zone..."), "history")),
+      caseTrail(make(o, "actCaseTrail", tr("&Case Trail..."), "document")),
       network(make(o, "actNetwork", tr("Disable &Network"), "")),
       errorLog(make(o, "actErrorLog", tr("&Error Log..."), "text")),
       tips(make(o, "actTips", tr("&Tip of the Day..."), "tip")),
       about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {
     rebuild->setToolTip(tr("Rebuild the tagged web pages, or the current one when none is tagged"));
+    caseTrail->setToolTip(tr("What was done with this project, when and on which file"));
     viewers->setCheckable(true);
     viewers->setChecked(true);
 }
 
 void MainActions::setProjectOpen(bool open) {
     for (QAction *action : {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext,
-                            tag, rebuild, columns, refresh, baseFolder, timeZone})
+                            tag, rebuild, columns, refresh, baseFolder, timeZone, caseTrail})
         action->setEnabled(open);
 }
 

@@ -28,6 +28,7 @@ struct MainActions {
     QAction *refresh;
     QAction *baseFolder;
     QAction *timeZone;
+    QAction *caseTrail;
     QAction *network;
     QAction *errorLog;
     QAction *tips;

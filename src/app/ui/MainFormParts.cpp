@@ -5,6 +5,7 @@
 #include "app/ui/NetworkPart.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
+#include "app/ui/TrailPart.h"
 #include "app/ui/WelcomePage.h"
 #include "app/ui/Workbench.h"
 #include "base/Files.h"
@@ -103,6 +104,7 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));
+    m_parts.push_back(std::make_unique<TrailPart>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));

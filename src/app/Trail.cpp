@@ -1,0 +1,84 @@
+#include "app/Trail.h"
+
+#include "base/Digest.h"
+#include "base/Files.h"
+#include "base/Trap.h"
+#include "db/WriteBatch.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+namespace {
+
+constexpr const char *kProcedure = "MainBAS.CaseTrail()";
+
+void complete(const Program &program, TrailEntry &entry) {
+    entry.ActionDateUTC = Date::fromTimePoint(program.around.clock.now());
+    entry.AppVersion = program.thisClass.AppVersion;
+}
+
+TrailEntry entryOf(const ArtefactResult &artefact) {
+    TrailEntry entry;
+    entry.Action = "Import";
+    entry.Detail = fmt::format("{}: {}", artefact.readerKey, stateWord(artefact.state));
+    if (!artefact.reason.empty())
+        entry.Detail += fmt::format(" ({})", artefact.reason);
+    if (artefact.rowsLost > 0)
+        entry.Detail += fmt::format(", {} records not stored", artefact.rowsLost);
+    if (artefact.notReached > 0)
+        entry.Detail += fmt::format(", {} entries not reached", artefact.notReached);
+    entry.FilePath = textOf(artefact.path);
+    entry.FileSize = static_cast<std::int64_t>(artefact.FileSize);
+    entry.MD5Hash = artefact.MD5Hash;
+    entry.SHA256Hash = artefact.SHA256Hash;
+    entry.RowCount = static_cast<std::int64_t>(artefact.rowsSaved);
+    return entry;
+}
+
+} // namespace
+
+void noteInTrail(Program &program, TrailEntry entry) {
+    failureOf(program.log, kProcedure, [&] {
+        complete(program, entry);
+        CaseTrail(program.thisClass.ProjectDB.connection()).add(entry);
+    });
+}
+
+void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file) {
+    failureOf(program.log, kProcedure, [&] {
+        entry.FilePath = textOf(file);
+        if (const auto hashes = hashesOfFile(file)) {
+            entry.FileSize = static_cast<std::int64_t>(hashes->size);
+            entry.MD5Hash = hashes->MD5;
+            entry.SHA256Hash = hashes->SHA256;
+        }
+    });
+    noteInTrail(program, std::move(entry));
+}
+
+void noteImport(Program &program, const ImportSummary &summary) {
+    failureOf(program.log, kProcedure, [&] {
+        SQLite::Database &project = program.thisClass.ProjectDB.connection();
+        WriteBatch batch(project);
+        CaseTrail trail(project);
+        for (const ArtefactResult &artefact : summary.artefacts) {
+            if (artefact.state == ArtefactState::notReached)
+                continue;
+            TrailEntry entry = entryOf(artefact);
+            complete(program, entry);
+            trail.add(entry);
+            batch.written();
+        }
+        batch.commit();
+    });
+}
+
+void noteVerify(Program &program, const SourceCheck &check) {
+    TrailEntry entry;
+    entry.Action = "Verify";
+    entry.Detail = summaryText(check);
+    noteInTrail(program, std::move(entry));
+}
+
+} // namespace nv

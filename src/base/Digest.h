@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+enum class DigestAlgorithm { md5, sha256 };
+
+/// A digest over bytes that arrive in pieces. Hexadecimal results are lower-case.
+class Digest {
+  public:
+    explicit Digest(DigestAlgorithm algorithm);
+    ~Digest();
+    Digest(const Digest &) = delete;
+    Digest &operator=(const Digest &) = delete;
+
+    void add(std::string_view bytes);
+    /// The digest so far; the object then starts anew.
+    std::string takeHex();
+
+  private:
+    struct Context;
+    std::unique_ptr<Context> m_context;
+};
+
+/// What tells whether a file is still the one that was examined: MD5 for comparing with other
+/// tools, SHA-256 since MD5s can be forged.
+struct FileHashes {
+    std::string MD5;
+    std::string SHA256;
+    std::uint64_t size = 0; ///< bytes that were hashed
+
+    bool operator==(const FileHashes &) const = default;
+};
+
+/// Both of a whole file, which is read once in blocks. `goOn` is asked after each block with the
+/// number of bytes read so far; false ends the reading and gives nothing. Throws FileFailure.
+std::optional<FileHashes> hashesOfFile(const std::filesystem::path &path,
+                                       const std::function<bool(std::uint64_t)> &goOn = {});
+
+} // namespace nv

@@ -1,0 +1,74 @@
+#include "db/CaseTrail.h"
+
+#include "db/SchemaCatalogue.h"
+#include "db/SqliteErrors.h"
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+
+namespace nv {
+
+namespace {
+
+constexpr const char *kTable = "AuditTrail";
+
+constexpr const char *kInsert =
+    "INSERT INTO AuditTrail (ActionDateUTC, Action, Detail, FilePath, FileSize, MD5Hash, "
+    "SHA256Hash, RowCount, AppVersion) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)";
+
+constexpr const char *kSelect =
+    "SELECT Trail_ID, ActionDateUTC, Action, Detail, FilePath, FileSize, MD5Hash, SHA256Hash, "
+    "RowCount, AppVersion FROM AuditTrail ORDER BY Trail_ID";
+
+/// What is written stays as it was written.
+constexpr const char *kGuards =
+    "CREATE TRIGGER AuditTrail_NoUpdate BEFORE UPDATE ON AuditTrail BEGIN "
+    "SELECT RAISE(ABORT, 'the case trail can''t be changed'); END;"
+    "CREATE TRIGGER AuditTrail_NoDelete BEFORE DELETE ON AuditTrail BEGIN "
+    "SELECT RAISE(ABORT, 'the case trail can''t be changed'); END";
+
+TrailEntry entryOf(SQLite::Statement &row) {
+    return {row.getColumn(0).getInt64(),  Date::fromDays(row.getColumn(1).getDouble()),
+            row.getColumn(2).getString(), row.getColumn(3).getString(),
+            row.getColumn(4).getString(), row.getColumn(5).getInt64(),
+            row.getColumn(6).getString(), row.getColumn(7).getString(),
+            row.getColumn(8).getInt64(),  row.getColumn(9).getString()};
+}
+
+} // namespace
+
+void CaseTrail::makeTable() {
+    if (m_database.tableExists(kTable))
+        return;
+    SchemaCatalogue(m_database).add(schema::auditTrail());
+    m_database.exec(kGuards);
+}
+
+void CaseTrail::add(const TrailEntry &entry) {
+    onProject([&] {
+        makeTable();
+        SQLite::Statement insert(m_database, kInsert);
+        insert.bind(1, entry.ActionDateUTC.days());
+        insert.bind(2, entry.Action);
+        insert.bind(3, entry.Detail);
+        insert.bind(4, entry.FilePath);
+        insert.bind(5, entry.FileSize);
+        insert.bind(6, entry.MD5Hash);
+        insert.bind(7, entry.SHA256Hash);
+        insert.bind(8, entry.RowCount);
+        insert.bind(9, entry.AppVersion);
+        insert.exec();
+    });
+}
+
+std::vector<TrailEntry> CaseTrail::entries() const {
+    std::vector<TrailEntry> all;
+    if (!m_database.tableExists(kTable))
+        return all;
+    SQLite::Statement row(m_database, kSelect);
+    while (row.executeStep())
+        all.push_back(entryOf(row));
+    return all;
+}
+
+} // namespace nv

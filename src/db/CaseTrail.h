@@ -1,0 +1,47 @@
+#pragma once
+
+#include "time/Date.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+/// One thing that was done with a project.
+struct TrailEntry {
+    std::int64_t Trail_ID = 0; ///< in order of the doing
+    Date ActionDateUTC;
+    std::string Action; ///< "Import", "Rebuild", ...
+    std::string Detail; ///< for people
+    std::string FilePath;
+    std::int64_t FileSize = 0; ///< bytes
+    std::string MD5Hash;       ///< both empty when no file was read or written
+    std::string SHA256Hash;
+    std::int64_t RowCount = 0;
+    std::string AppVersion;
+};
+
+/// The case trail: what was done with a project, when, on which file and by which version. Entries
+/// are added and never changed; the database itself refuses that. Its table is made on first use.
+/// Errors of the database are thrown; a project that can't be written gives a StorageFailure.
+class CaseTrail {
+  public:
+    explicit CaseTrail(SQLite::Database &database) : m_database(database) {}
+
+    /// All but the key, which the database gives.
+    void add(const TrailEntry &entry);
+    /// In order of the doing.
+    std::vector<TrailEntry> entries() const;
+
+  private:
+    void makeTable();
+
+    SQLite::Database &m_database;
+};
+
+} // namespace nv

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "base/FailureLog.h"
+#include "base/TaskMonitor.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+enum class SourceState {
+    same,
+    changed,
+    gone,
+    unreadable, ///< the log says why
+    unknown,    ///< no hash was taken when it was imported
+};
+
+/// "same", "changed", "gone", "unreadable", "no hash".
+std::string_view stateWord(SourceState state);
+
+/// A file that was imported, and what it is now.
+struct CheckedSource {
+    std::string path;
+    SourceState state = SourceState::unknown;
+    std::int64_t sizeThen = 0; ///< bytes
+    std::int64_t sizeNow = 0;  ///< 0 when it can't be read
+    std::string MD5Then;
+    std::string MD5Now;
+    std::string SHA256Then; ///< empty when the project has none, as of earlier versions
+    std::string SHA256Now;
+};
+
+struct SourceCheck {
+    std::vector<CheckedSource> sources; ///< in order of their import
+    bool cancelled = false;
+
+    std::size_t count(SourceState state) const;
+    bool allSame() const { return count(SourceState::same) == sources.size(); }
+};
+
+/// "12 files are as they were imported." or what differs, in one line for people.
+std::string summaryText(const SourceCheck &check);
+
+/// Hashes every file that the project's rows come from again. Writes nothing. Throws what the
+/// database says.
+SourceCheck verifySources(SQLite::Database &project, FailureLog &log, TaskMonitor &task);
+
+} // namespace nv

@@ -1,0 +1,59 @@
+#include "base/Files.h"
+#include "cli/CliRun.h"
+#include "support/TempFolder.h"
+#include "support/builders/IndexDat.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace nv::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+class TrailCliTest : public testing::Test {
+  protected:
+    TrailCliTest() {
+        IndexDat index;
+        index.add({.url = "Visited: mara@http://a.example/"});
+        fs::create_directories(evidence);
+        writeWhole(evidence / "index.dat", index.bytes());
+        EXPECT_EQ(cli({"import", project, evidence.string()}).exit, 0);
+    }
+    CliResult cli(std::vector<std::string> arguments) {
+        return runCli(arguments, folder.path() / "home");
+    }
+
+    TempFolder folder;
+    fs::path evidence = folder.path() / "History.IE5";
+    std::string project = (folder.path() / "case.nvp").string();
+};
+
+TEST_F(TrailCliTest, anImportIsInTheTrail) {
+    const CliResult trail = cli({"trail", project, "--format", "jsonl"});
+    EXPECT_EQ(trail.exit, 0) << trail.err;
+    EXPECT_THAT(trail.out, HasSubstr(R"("Action":"Import","Detail":"ie-)"));
+    EXPECT_THAT(trail.out, HasSubstr((evidence / "index.dat").string()));
+    EXPECT_THAT(trail.out, HasSubstr(R"("SHA256Hash":")"));
+}
+
+TEST_F(TrailCliTest, verifyTellsWhetherEvidenceIsAsItWas) {
+    EXPECT_EQ(cli({"verify", project}).exit, 0);
+    writeWhole(evidence / "index.dat", "something else");
+    const CliResult changed = cli({"verify", project, "--format", "tsv"});
+    EXPECT_EQ(changed.exit, 2);
+    EXPECT_THAT(changed.out, HasSubstr("changed\t"));
+    EXPECT_THAT(changed.err, HasSubstr("0 of 1 imported files are as they were, 1 changed."));
+    fs::remove(evidence / "index.dat");
+    EXPECT_THAT(cli({"verify", project}).out, HasSubstr("gone"));
+    EXPECT_THAT(cli({"trail", project}).out, HasSubstr("Verify"));
+}
+
+TEST_F(TrailCliTest, aFileThatIsNoProjectIsRefused) {
+    EXPECT_EQ(cli({"verify", (folder.path() / "none.nvp").string()}).exit, 3);
+    EXPECT_EQ(cli({"trail", (folder.path() / "none.nvp").string()}).exit, 3);
+}
+
+} // namespace
+} // namespace nv::test
