@@ -43,6 +43,7 @@ Grammar::Grammar()
     addRebuilding();
     addTemplates();
     addPictures();
+    addLinks();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {
