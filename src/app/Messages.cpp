@@ -181,7 +181,7 @@ Message useLinkAnalysis() {
                     "time that the 'Parse Advanced Metadata' option\n"
                     "is selected.\n\n"
                     "Do you wish to continue with Link Analysis?",
-                    Answer::No);
+                    Answer::Yes);
 }
 
 Message linkAnalysisResults(std::int64_t matches, std::string_view notes) {

@@ -1,6 +1,7 @@
 // How the main window is put together, and what it does by itself: locking, closing, drag and drop.
 #include "app/Messages.h"
 #include "app/ui/GalleryPart.h"
+#include "app/ui/LinkPart.h"
 #include "app/ui/MainForm.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
@@ -101,6 +102,7 @@ void MainForm::addParts() {
     m_viewers->addPane(*properties, *properties, tr("Properties"), "MainForm.LoadProperties()");
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
+    m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));
