@@ -109,7 +109,7 @@ void LinksTest::openEvidence() {
                .fileName = "page[1].htm"});
     m_desk->folder.write("evidence/a/index.dat", cache.bytes());
     IndexDat history;
-    for (const std::uint16_t day : {2, 3})
+    for (const std::uint16_t day : {std::uint16_t{2}, std::uint16_t{3}})
         history.add({.url = std::string("Visited: mara@") + kPage,
                      .secondDate = fileTime(2011, 3, day, 12)});
     m_desk->folder.write("evidence/b/index.dat", history.bytes());
@@ -339,6 +339,5 @@ void LinksTest::textsOfEvidenceStayTexts() {
 
 } // namespace nv
 
-using nv::LinksTest;
-QTEST_MAIN(LinksTest)
+QTEST_MAIN(nv::LinksTest)
 #include "links_test.moc"
