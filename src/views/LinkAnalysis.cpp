@@ -1,5 +1,6 @@
 #include "views/LinkAnalysis.h"
 
+#include "base/Md5.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
@@ -122,6 +123,13 @@ class PageRefresh {
     SQLite::Statement m_update;
 };
 
+/// Loose pages have no URL. All of them carry the hash of an empty text, and would be taken for
+/// pages that link to each other.
+bool hasUrl(const ExaminedRow &row) {
+    static const std::string none = hashOfUrl("");
+    return !row.hash.empty() && !equalsNoCase(row.hash, none);
+}
+
 /// Finds the pages that link to a record.
 class Matching {
   public:
@@ -134,10 +142,6 @@ class Matching {
     /// Stores a pair for each page that holds the record's hash, in the order in which imports
     /// found the links; says how many there are.
     std::int64_t addPairsOf(const ExaminedRow &row) {
-        // A record that was never hashed has no URL to compare: it isn't linked to by what else
-        // lacks a hash.
-        if (row.hash.empty())
-            return 0;
         findFirstLinks(row);
         for (const std::int64_t link : m_links) {
             m_insert.reset();
@@ -200,7 +204,10 @@ class LinkWalk {
         show();
         if (row.mayBePage)
             m_pages.run(row.id);
-        m_totals.matches += m_matching.addPairsOf(row);
+        if (hasUrl(row))
+            m_totals.matches += m_matching.addPairsOf(row);
+        else
+            ++m_totals.withoutUrl;
         return true;
     }
 
@@ -255,9 +262,12 @@ std::string notesOn(const LinkTotals &totals) {
     if (totals.links == 0)
         add("The project holds no hyperlinks: nothing was imported with the 'Parse Advanced "
             "Metadata' option.");
+    if (totals.withoutUrl > 0)
+        add(fmt::format("{} records have no URL and were compared with nothing.",
+                        totals.withoutUrl));
     if (totals.notFetched > 0)
-        add(fmt::format("The cached content of {} records is not where it was imported from; what "
-                        "their pages say was left as it is.",
+        add(fmt::format("The cached content of {} records was not found in the evidence; what the "
+                        "project holds of their pages was left as it is.",
                         totals.notFetched));
     if (totals.notRead > 0)
         add(fmt::format("{} records could not be read as pages; the error log has the reasons.",

@@ -23,9 +23,11 @@ void checkWidth(UrlId URL_ID, RecordIds ids) {
 }
 
 constexpr const char *kPairs =
-    "SELECT A.Parent_ID, A.Child_ID, A.URL, A.HashedURL, U.Visits IS NOT NULL, U.Visits, CASE WHEN "
-    "U.URL_ID IS NULL THEN '' WHEN U.IsHistory THEN 'History' "
-    "WHEN U.IsCookie THEN 'Cookie' WHEN U.IsBookmark THEN 'Bookmark' ELSE 'Cache' END "
+    "SELECT A.Parent_ID, A.Child_ID, A.URL, A.HashedURL, U.Visits IS NOT NULL, U.Visits, "
+    "CASE WHEN U.URL_ID IS NULL THEN '' WHEN U.IsHistory THEN 'History' "
+    "WHEN U.IsCookie THEN 'Cookie' WHEN U.IsBookmark THEN 'Bookmark' "
+    "WHEN substr(trim(U.CacheType), -5) <> 'cache' COLLATE NOCASE THEN trim(U.CacheType) "
+    "ELSE 'Cache' END "
     "FROM LinkAnalysis A LEFT JOIN URLs U ON U.URL_ID = "
     "CASE WHEN A.Parent_ID = ?1 THEN A.Child_ID ELSE A.Parent_ID END "
     "WHERE A.Parent_ID = ?1 OR A.Child_ID = ?1 ORDER BY A.URL ASC, A.Link_ID";

@@ -22,7 +22,7 @@ enum class LinkEnd { parent, child };
 struct LinkRow {
     UrlId other = UrlId::none; ///< the record at the other end
     LinkEnd end = LinkEnd::child;
-    std::string kind; ///< of the other record: History, Cookie, Bookmark or Cache
+    std::string kind; ///< of the other record: History, Cookie, Bookmark, Cache, or its `CacheType`
     /// How many rows with that id hold a count of visits: 1 as long as the record is there. Earlier
     /// cases list this number.
     std::int64_t VisitCount = 0;

@@ -9,12 +9,6 @@ namespace nv {
 
 namespace {
 
-Qt::Alignment alignmentOf(int column) {
-    const bool isNumber = column == LinksModel::Record || column == LinksModel::VisitCount ||
-                          column == LinksModel::Visits;
-    return Qt::AlignVCenter | (isNumber ? Qt::AlignRight : Qt::AlignLeft);
-}
-
 QString titleOf(int column) {
     switch (column) {
     case LinksModel::Record:
@@ -105,8 +99,6 @@ QVariant LinksModel::data(const QModelIndex &index, int role) const {
     case Qt::ToolTipRole:
         // Tooltips guess whether they are rich text: evidence is escaped, so that it never is.
         return Qt::convertFromPlainText(toQt(displayText(textOf(row, index.column()))));
-    case Qt::TextAlignmentRole:
-        return QVariant::fromValue(alignmentOf(index.column()));
     default:
         return {};
     }
@@ -120,8 +112,6 @@ QVariant LinksModel::headerData(int section, Qt::Orientation orientation, int ro
         return titleOf(section);
     case Qt::ToolTipRole:
         return meaningOf(section);
-    case Qt::TextAlignmentRole:
-        return QVariant::fromValue(alignmentOf(section));
     default:
         return {};
     }

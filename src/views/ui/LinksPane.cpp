@@ -28,6 +28,7 @@ void setWidths(QTableView &table) {
     QHeaderView *header = table.horizontalHeader();
     header->setObjectName(QStringLiteral("LinksGridHeader"));
     header->setHighlightSections(false);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     for (int column = 0; column < LinksModel::Count; ++column)
         header->resizeSection(column, kChars[column] * table.fontMetrics().horizontalAdvance(u'0'));
     header->setStretchLastSection(true);

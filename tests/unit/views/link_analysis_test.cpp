@@ -87,6 +87,16 @@ TEST_F(LinkAnalysisTest, recordsWithoutAHashAreNotTakenForEqual) {
     EXPECT_EQ(run().matches, 0);
 }
 
+TEST_F(LinkAnalysisTest, recordsWithoutAUrlAreComparedWithNothingAndCounted) {
+    const auto one = record("");
+    record("");
+    link(one, "");
+    const LinkTotals totals = run();
+    EXPECT_EQ(totals.matches, 0);
+    EXPECT_EQ(totals.withoutUrl, 2);
+    EXPECT_EQ(notesOn(totals), "2 records have no URL and were compared with nothing.");
+}
+
 TEST_F(LinkAnalysisTest, aSecondRunGivesTheSamePairsUnderNewIds) {
     const auto page = record("http://a/page");
     record("http://b/", true);
@@ -184,7 +194,7 @@ TEST_F(LinkAnalysisTest, contentThatIsGoneIsCountedAndTold) {
     db().exec("UPDATE URLs SET HTMLBody = 'old'");
     const LinkTotals totals = run();
     EXPECT_EQ(totals.notFetched, 2);
-    EXPECT_THAT(notesOn(totals), HasSubstr("The cached content of 2 records is not where"));
+    EXPECT_THAT(notesOn(totals), HasSubstr("The cached content of 2 records was not found"));
     EXPECT_EQ(field("HTMLBody", page), "old");
 }
 

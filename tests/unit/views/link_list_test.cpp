@@ -60,6 +60,10 @@ TEST_F(LinkListTest, theKindOfCookiesAndBookmarksIsNamed) {
     EXPECT_EQ(list(page).rows.at(0).kind, "Cookie");
     db().exec("UPDATE URLs SET IsCookie = 0, IsBookmark = 1");
     EXPECT_EQ(list(page).rows.at(0).kind, "Bookmark");
+    db().exec("UPDATE URLs SET IsBookmark = 0, CacheType = 'Simple HTML'");
+    EXPECT_EQ(list(page).rows.at(0).kind, "Simple HTML");
+    db().exec("UPDATE URLs SET CacheType = 'IE CACHE '");
+    EXPECT_EQ(list(page).rows.at(0).kind, "Cache");
 }
 
 TEST_F(LinkListTest, anIdBeyond16BitsIsRefusedAndTheSwitchNamed) {
