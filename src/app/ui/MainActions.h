@@ -29,6 +29,7 @@ struct MainActions {
     QAction *refresh;
     QAction *baseFolder;
     QAction *timeZone;
+    QAction *network;
     QAction *errorLog;
     QAction *tips;
     QAction *about;

@@ -3,6 +3,7 @@
 #include "app/ui/GalleryPart.h"
 #include "app/ui/LinkPart.h"
 #include "app/ui/MainForm.h"
+#include "app/ui/NetworkPart.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
 #include "app/ui/WelcomePage.h"
@@ -103,6 +104,7 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
+    m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));
