@@ -150,7 +150,7 @@ void LinksTest::theMenuRunsTheAnalysisAndTheLinkedColumnIsFresh() {
     QTest::mouseClick(m_form->menuBar(), Qt::LeftButton, {},
                       m_form->menuBar()->actionGeometry(tools.menuAction()).center());
     QVERIFY(tools.isVisible());
-    QAction *action = m_form->findChild<QAction *>(QStringLiteral("actLinkAnalysis"));
+    auto *action = m_form->findChild<QAction *>(QStringLiteral("actLinkAnalysis"));
     QTest::mouseClick(&tools, Qt::LeftButton, {}, tools.actionGeometry(action).center());
     const std::vector<std::string> heard = {"use-link-analysis", "link-analysis-results"};
     QCOMPARE(m_desk->examiner.heard, heard);
