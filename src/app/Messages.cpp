@@ -186,6 +186,51 @@ Message idsBeyondNarrow(std::int64_t largest) {
         Answer::No);
 }
 
+Message useLinkAnalysis() {
+    return question("use-link-analysis", "*** Using Link Analysis ***",
+                    "Norvelane will now scan the current project file for\n"
+                    "matches between History URLs and hyperlinks found\n"
+                    "embedded inside of cache web pages.\n\n"
+                    "For each match that is made, a counter will increment\n"
+                    "and the result will be displayed in the Links column,\n"
+                    "for the related URL records.\n\n"
+                    "NOTE:\n\n"
+                    "If you did not choose the 'Parse Advanced Metadata'\n"
+                    "option during the initial import process, then this \n"
+                    "analysis will produce no results.\n\n"
+                    "If you still wish to use this feature, then\n"
+                    "you will need to create a new project file and \n"
+                    "re-import the necessary files -- making sure this\n"
+                    "time that the 'Parse Advanced Metadata' option\n"
+                    "is selected.\n\n"
+                    "Do you wish to continue with Link Analysis?",
+                    Answer::Yes);
+}
+
+Message linkAnalysisResults(std::int64_t matches, std::string_view notes) {
+    return notice("link-analysis-results", "Link Analysis Results",
+                  fmt::format("A total of {} matches were made.{}{}", matches,
+                              notes.empty() ? "" : "\n\n", notes),
+                  notes.empty() ? Tone::Information : Tone::Warning);
+}
+
+Message linkAnalysisFailed(std::string_view reason) {
+    return failure("link-analysis-failed", "Link Analysis Error", reason);
+}
+
+Message linkRecordUnavailable() {
+    return notice("link-record-unavailable", "Link Record Unavailable",
+                  "The selected URL entry could not be displayed because the existing query "
+                  "statement has excluded it from the results in the Table View.\n\n"
+                  "You may wish to modify or limit the selected Filters or change the SQL "
+                  "statement manually.",
+                  Tone::Information);
+}
+
+Message findingRecordFailed(std::string_view reason) {
+    return failure("finding-record-failed", "Error Finding Record", reason);
+}
+
 Message columnsFailed(std::string_view reason) {
     return failure("columns-failed", "Error Formatting Columns", reason);
 }

@@ -46,6 +46,12 @@ Message networkSwitchFailed(std::string_view reason);
 Message sourcesVerified(const SourceCheck &check);
 Message importFailed(std::string_view reason);
 Message idsBeyondNarrow(std::int64_t largest);
+Message useLinkAnalysis();
+/// `notes` are lines that follow the number of matches; mostly none.
+Message linkAnalysisResults(std::int64_t matches, std::string_view notes);
+Message linkAnalysisFailed(std::string_view reason);
+Message linkRecordUnavailable();
+Message findingRecordFailed(std::string_view reason);
 Message columnsFailed(std::string_view reason);
 Message commandFailed(std::string_view reason);
 Message about(std::string_view title, std::string_view version);

@@ -51,6 +51,10 @@ IndexState ensureLinkIndexes(SQLite::Database &database, TaskMonitor &task) {
     return children == IndexState::Present ? parents : children;
 }
 
+IndexState ensureLinkHashIndex(SQLite::Database &database, TaskMonitor &task) {
+    return ensureIndex(database, task, "LinkHashIndex", "Links(HashedURL, URL_ID)");
+}
+
 IndexState ensureGalleryIndex(SQLite::Database &database, TaskMonitor &task) {
     return ensureIndex(database, task, "URLGalleryIndex",
                        "URLs(Host, ThumbnailMD5Hash, PARDValue, PictureWidth, PictureHeight, "

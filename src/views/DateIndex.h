@@ -18,6 +18,10 @@ IndexState ensureDateIndex(SQLite::Database &database, TaskMonitor &task);
 /// The same for both ends of a link, so that counting a row's links reads no more than these.
 IndexState ensureLinkIndexes(SQLite::Database &database, TaskMonitor &task);
 
+/// The same for the hashes of pages' links, by which link analysis finds the pages that lead to a
+/// record.
+IndexState ensureLinkHashIndex(SQLite::Database &database, TaskMonitor &task);
+
 /// The same for all that the gallery chooses rows by, of rows that have a thumbnail. The hash lies
 /// behind the thumbnail's bytes: without the index each of those would be read.
 IndexState ensureGalleryIndex(SQLite::Database &database, TaskMonitor &task);

@@ -44,6 +44,7 @@ Grammar::Grammar()
     addTemplates();
     addPictures();
     addTrail();
+    addLinks();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/cli/Commands.h"
+#include "app/cli/LinkCommands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -34,6 +35,7 @@ class Grammar {
     void addTemplates();
     void addPictures();
     void addTrail();
+    void addLinks();
 
     ImportArguments m_import;
     ListArguments m_list;
@@ -42,6 +44,7 @@ class Grammar {
     ThumbnailArguments m_thumbnails;
     GalleryArguments m_gallery;
     TemplateArguments m_template;
+    LinkArguments m_links;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";

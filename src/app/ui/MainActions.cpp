@@ -38,6 +38,8 @@ MainActions::MainActions(QObject *o)
       findNext(make(o, "actFindNext", tr("Find &Next"), "", QKeySequence::FindNext)),
       tag(make(o, "actTag", tr("&Tag or Untag"), "tag", Qt::CTRL | Qt::Key_T)),
       rebuild(make(o, "actRebuild", tr("&Rebuild"), "rebuild", Qt::CTRL | Qt::Key_B)),
+      linkAnalysis(make(o, "actLinkAnalysis", tr("Run &Link Analysis..."), "links",
+                        Qt::CTRL | Qt::SHIFT | Qt::Key_L)),
       columns(make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::Key_L)),
       viewers(make(o, "actViewers", tr("&Viewers"), "", Qt::Key_F4)),
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
@@ -50,13 +52,15 @@ MainActions::MainActions(QObject *o)
       about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {
     rebuild->setToolTip(tr("Rebuild the tagged web pages, or the current one when none is tagged"));
     caseTrail->setToolTip(tr("What was done with this project, when and on which file"));
+    linkAnalysis->setToolTip(tr("Find the cached pages that hold a link to each record"));
     viewers->setCheckable(true);
     viewers->setChecked(true);
 }
 
 void MainActions::setProjectOpen(bool open) {
-    for (QAction *action : {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext,
-                            tag, rebuild, columns, refresh, baseFolder, timeZone, caseTrail})
+    for (QAction *action :
+         {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext, tag, rebuild,
+          linkAnalysis, columns, refresh, baseFolder, timeZone, caseTrail})
         action->setEnabled(open);
 }
 

@@ -23,6 +23,7 @@ struct MainActions {
     QAction *findNext;
     QAction *tag;
     QAction *rebuild;
+    QAction *linkAnalysis;
     QAction *columns;
     QAction *viewers;
     QAction *refresh;

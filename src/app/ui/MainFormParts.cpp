@@ -1,6 +1,7 @@
 // How the main window is put together, and what it does by itself: locking, closing, drag and drop.
 #include "app/Messages.h"
 #include "app/ui/GalleryPart.h"
+#include "app/ui/LinkPart.h"
 #include "app/ui/MainForm.h"
 #include "app/ui/NetworkPart.h"
 #include "app/ui/RebuildPart.h"
@@ -103,6 +104,7 @@ void MainForm::addParts() {
     m_viewers->addPane(*properties, *properties, tr("Properties"), "MainForm.LoadProperties()");
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
+    m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
     m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));
     m_parts.push_back(std::make_unique<TrailPart>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);

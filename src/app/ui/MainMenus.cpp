@@ -89,7 +89,7 @@ void MainMenus::addThemes(QMenu &menu) {
 
 void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     QMenu *tools = named(m_window.menuBar()->addMenu(tr("&Tools")), "menuTools");
-    tools->addAction(actions.rebuild);
+    tools->addActions({actions.rebuild, actions.linkAnalysis});
     tools->addSeparator();
     tools->addActions({actions.baseFolder, actions.timeZone});
     tools->addSeparator();
