@@ -151,6 +151,8 @@ void Grammar::addRebuilding() {
     rebuild->add_option("--out", m_rebuild.out, "Folder that gets a folder a page")->required();
     rebuild->add_flag("--no-scripts", m_rebuild.noScripts, "Turn scripts into comments");
     rebuild->add_flag("--wide-ids", m_rebuild.wideIds, "Parts may have ids above 32767");
+    rebuild->add_flag("--no-thumbnails", m_rebuild.noThumbnails,
+                      "Leave the pages' thumbnails as they are");
 
     CLI::App *audit =
         command("audit", "What stands for each reference of a rebuilt page", [this](Session &s) {
