@@ -1,12 +1,12 @@
 # The windows: the sources of all ui/ folders and of platform/qt are one target.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets Svg WebEngineCore WebEngineWidgets)
+find_package(Qt6 6.4 REQUIRED COMPONENTS DBus Widgets Svg WebEngineCore WebEngineWidgets)
 
 file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/*.cpp")
 list(FILTER sources INCLUDE REGEX "/src/([a-z]+/ui|platform/qt)/")
 list(FILTER sources EXCLUDE REGEX "/src/platform/qt/(ImageThumbnailer|SheetPainter|Page[A-Za-z]+)\\.cpp")
 add_library(nv_ui STATIC ${sources} "${CMAKE_SOURCE_DIR}/data/images/images.qrc")
 set_target_properties(nv_ui PROPERTIES AUTOMOC ON AUTORCC ON)
-target_link_libraries(nv_ui PUBLIC nv_app nv_web Qt6::Widgets Qt6::Svg PRIVATE nv_warnings)
+target_link_libraries(nv_ui PUBLIC nv_app nv_web Qt6::Widgets Qt6::Svg Qt6::DBus PRIVATE nv_warnings)
 target_precompile_headers(nv_ui PRIVATE <QAbstractTableModel> <QAction> <QDialog> <QIcon> <QMainWindow> <QPainter>
                           <QString> <QTableView> <QWidget>)
 

@@ -146,6 +146,22 @@ Message networkDetected() {
             Answer::Yes};
 }
 
+Message networkDisabled() {
+    return notice("network-disabled", "Network Connection",
+                  "Your network connection has been disabled.", Tone::Information);
+}
+
+Message connectionNotFound(Switched why, std::string_view name) {
+    return notice("connection-not-found", "Network Connection",
+                  why == Switched::noFolder
+                      ? std::string("Couldn't find 'Network Connections' folder")
+                      : fmt::format("Couldn't find '{}' item", name));
+}
+
+Message networkSwitchFailed(std::string_view reason) {
+    return failure("network-switch-failed", "Network Connection", reason);
+}
+
 Message importFailed(std::string_view reason) {
     return failure("import-failed", "Error Importing Files", reason);
 }

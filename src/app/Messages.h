@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Examiner.h"
+#include "platform/Network.h"
 
 #include <cstdint>
 #include <string>
@@ -34,6 +35,10 @@ Message startingDirectoryMissing();
 Message startingDirectoryGone();
 Message nothingToImport();
 Message networkDetected();
+Message networkDisabled();
+/// `why` is noFolder or noItem.
+Message connectionNotFound(Switched why, std::string_view name);
+Message networkSwitchFailed(std::string_view reason);
 Message importFailed(std::string_view reason);
 Message idsBeyondNarrow(std::int64_t largest);
 Message columnsFailed(std::string_view reason);

@@ -19,7 +19,7 @@ struct Surroundings {
     StatusView &status;
     const Clock &clock;
     const SystemTime &systemTime;
-    const Network &network;
+    Network &network;
 };
 
 enum class Front { window, headless };

@@ -7,6 +7,7 @@
 #include "platform/posix/SysfsNetwork.h"
 #include "platform/qt/GuardedApplication.h"
 #include "platform/qt/Icons.h"
+#include "platform/qt/NetworkManagerNetwork.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtExaminer.h"
 #include "platform/qt/QtText.h"
@@ -26,7 +27,8 @@ struct Window {
     StatusForm status;
     SystemClock clock;
     PosixSystemTime systemTime;
-    SysfsNetwork network;
+    SysfsNetwork interfaces;
+    NetworkManagerNetwork network{interfaces};
     QtWindowDialogs dialogs{examiner};
     Program program{findProgramPaths(std::filesystem::read_symlink("/proc/self/exe")),
                     Front::window,

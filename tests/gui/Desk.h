@@ -50,7 +50,13 @@ struct Dialogs final : WindowDialogs {
 
 struct OneNetwork final : Network {
     std::string NetworkConnectionStatus(std::string_view) const override { return status; }
+    Switched switchConnection(std::string_view, ConnectionState state) override {
+        if (answer == Switched::done)
+            status = state == ConnectionState::enabled ? "ENABLED" : "DISABLED";
+        return answer;
+    }
     std::string status;
+    Switched answer = Switched::done;
 };
 
 struct OneZone final : SystemTime {

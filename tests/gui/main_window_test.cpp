@@ -51,6 +51,7 @@ class MainWindowTest : public QObject {
     void textsOfEvidenceAreNeverMarkup();
     void theHostBoxNarrowsTheRows();
     void sortsThatFailAreToldAndKeepTheRows();
+    void theNetworkIsSwitchedOffAndOn();
     void exitAsks();
 
   private:
@@ -281,6 +282,21 @@ void MainWindowTest::sortsThatFailAreToldAndKeepTheRows() {
     child<TableTab>(*m_form, "TableTab").sortBy(SortChoice::FileSize);
     QCOMPARE(grid().model()->rowCount(), 6);
     QVERIFY(!m_desk->examiner.heard.empty());
+}
+
+void MainWindowTest::theNetworkIsSwitchedOffAndOn() {
+    m_desk->network.status = "ENABLED";
+    auto &action = *m_form->findChild<QAction *>(QStringLiteral("actNetwork"));
+    action.trigger();
+    QCOMPARE(m_desk->examiner.heard, std::vector<std::string>{"network-disabled"});
+    QCOMPARE(m_desk->network.status, std::string("DISABLED"));
+    QCOMPARE(action.text(), QStringLiteral("Enable &Network"));
+    action.trigger();
+    QCOMPARE(m_desk->network.status, std::string("ENABLED"));
+    QCOMPARE(action.text(), QStringLiteral("Disable &Network"));
+    m_desk->network.answer = Switched::noItem;
+    action.trigger();
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("connection-not-found"));
 }
 
 void MainWindowTest::exitAsks() {

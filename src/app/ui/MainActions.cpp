@@ -43,6 +43,7 @@ MainActions::MainActions(QObject *o)
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
       baseFolder(make(o, "actBaseFolder", tr("&Base Folder..."), "folder")),
       timeZone(make(o, "actTimeZone", tr("&Time Zone..."), "history")),
+      network(make(o, "actNetwork", tr("Disable &Network"), "")),
       errorLog(make(o, "actErrorLog", tr("&Error Log..."), "text")),
       tips(make(o, "actTips", tr("&Tip of the Day..."), "tip")),
       about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {

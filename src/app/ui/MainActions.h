@@ -28,6 +28,7 @@ struct MainActions {
     QAction *refresh;
     QAction *baseFolder;
     QAction *timeZone;
+    QAction *network;
     QAction *errorLog;
     QAction *tips;
     QAction *about;

@@ -93,7 +93,7 @@ void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     tools->addSeparator();
     tools->addActions({actions.baseFolder, actions.timeZone});
     tools->addSeparator();
-    tools->addAction(actions.errorLog);
+    tools->addActions({actions.network, actions.errorLog});
     QMenu *help = named(m_window.menuBar()->addMenu(tr("&Help")), "menuHelp");
     help->addActions({actions.tips, actions.about});
 }

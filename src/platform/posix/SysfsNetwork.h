@@ -14,6 +14,10 @@ class SysfsNetwork final : public Network {
     explicit SysfsNetwork(std::filesystem::path interfaces = "/sys/class/net");
 
     std::string NetworkConnectionStatus(std::string_view connectionName) const override;
+    /// The kernel's files can't switch anything.
+    Switched switchConnection(std::string_view, ConnectionState) override {
+        return Switched::noFolder;
+    }
 
   private:
     std::filesystem::path m_interfaces;

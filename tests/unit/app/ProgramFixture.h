@@ -13,8 +13,19 @@ struct FixedSystemTime final : SystemTime {
     MachineZone machine{300, "Eastern Standard Time"};
 };
 
+/// A system that tells nothing of its network until a test says otherwise.
 struct NoNetwork final : Network {
-    std::string NetworkConnectionStatus(std::string_view) const override { return {}; }
+    std::string NetworkConnectionStatus(std::string_view) const override { return status; }
+    Switched switchConnection(std::string_view name, ConnectionState state) override {
+        if (refuses)
+            throw std::runtime_error("not allowed");
+        asked.emplace_back(std::string(name), state);
+        return answer;
+    }
+    std::string status;
+    Switched answer = Switched::noFolder;
+    bool refuses = false;
+    std::vector<std::pair<std::string, ConnectionState>> asked;
 };
 
 struct NoView final : StatusView {

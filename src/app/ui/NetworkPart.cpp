@@ -1,0 +1,38 @@
+#include "app/ui/NetworkPart.h"
+
+#include "app/Messages.h"
+#include "platform/qt/QtText.h"
+
+#include <QAction>
+#include <QMenu>
+
+namespace nv {
+
+NetworkPart::NetworkPart(Workbench &bench) : m_bench(bench) {
+    connect(bench.actions.network, &QAction::triggered, this,
+            [this] { m_bench.run("MainForm.toggleNetwork()", [this] { toggle(); }); });
+    // The menus are made before the parts: the state is looked up each time theirs opens.
+    if (auto *tools = bench.window.findChild<QMenu *>(QStringLiteral("menuTools")))
+        connect(tools, &QMenu::aboutToShow, this, &NetworkPart::showState);
+}
+
+void NetworkPart::toggle() {
+    Program &program = m_bench.program;
+    const bool isUp = NetworkConnectionStatus(program) == "ENABLED";
+    const bool done = ToggleNetworkConnection(
+        program, isUp ? ConnectionState::disabled : ConnectionState::enabled, Quiet::no);
+    if (done && isUp)
+        m_bench.examiner().tell(messages::networkDisabled());
+    showState();
+}
+
+void NetworkPart::showState() {
+    const std::string status = NetworkConnectionStatus(m_bench.program);
+    QAction &action = *m_bench.actions.network;
+    action.setText(status == "DISABLED" ? tr("Enable &Network") : tr("Disable &Network"));
+    const QString name = toQt(m_bench.program.thisClass.NetworkConnectionName);
+    action.setToolTip(status.empty() ? tr("Network Connection Not Found")
+                                     : tr("The network connection \"%1\"").arg(name));
+}
+
+} // namespace nv
