@@ -108,6 +108,13 @@ TEST_F(GalleryCliTest, nothingIsWrittenOverAFileOrIntoTheEvidence) {
               3);
 }
 
+TEST_F(GalleryCliTest, urlsThatTurnTheDirectionOfWritingAreSeenThrough) {
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("UPDATE URLs SET URL = 'http://host/' || char(8238) || 'gpj.exe'");
+    ASSERT_EQ(gallery({}).exit, 0);
+    EXPECT_THAT(sheet(), HasSubstr("http://host/&lt;U+202E&gt;gpj.exe"));
+}
+
 TEST_F(GalleryCliTest, aSheetMayBeAPicture) {
     const fs::path picture = folder.path() / "Sheet.PNG";
     const CliResult run = cli({"gallery", project, "--out", picture.string()});

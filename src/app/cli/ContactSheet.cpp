@@ -1,8 +1,8 @@
 #include "app/cli/ContactSheet.h"
 
-#include "app/cli/RowWriter.h"
 #include "base/Text.h"
 #include "readers/ContentProbe.h"
+#include "views/CellText.h"
 
 #include <fmt/format.h>
 
@@ -106,7 +106,8 @@ std::string tileText(const TileClass &tile, const Bytes &thumbnail) {
 } // namespace
 
 std::string plainLine(std::string_view text) {
-    return printable(isUtf8(text) ? std::string(text) : decodeText(text));
+    constexpr std::size_t kMostChars = 4096; // some cached URLs are longer than any sheet
+    return displayText(isUtf8(text) ? std::string(text) : decodeText(text), kMostChars);
 }
 
 std::string shapeText(const TileClass &tile) {

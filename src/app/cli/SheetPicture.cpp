@@ -38,9 +38,11 @@ class SheetFolder {
 };
 
 SheetFile::Tile tileOf(const TileClass &tile) {
-    return {{captionOf(tile) + (tile.Tagged ? ", tagged" : ""), shapeText(tile),
-             plainLine(tile.ToolTip)},
-            tile.Tagged};
+    SheetFile::Tile told{{captionOf(tile) + (tile.Tagged ? ", tagged" : "")}, tile.Tagged};
+    if (std::string shape = shapeText(tile); !shape.empty())
+        told.captions.push_back(std::move(shape));
+    told.captions.push_back(plainLine(tile.ToolTip));
+    return told;
 }
 
 fs::path writeParts(const ContactSheet &sheet, const SheetFolder &folder) {

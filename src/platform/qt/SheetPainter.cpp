@@ -28,6 +28,8 @@ constexpr int kUrlLines = 3;
 constexpr int kNarrowest = 4; ///< columns, so that the title has room
 /// Tiles are nearly square: this gives a sheet about one and a half times as high as wide.
 constexpr double kColumnsPerRow = 0.65;
+constexpr std::size_t kMostCaptions = 8;
+constexpr QColor kEdge(0xBB, 0xBB, 0xBB);
 constexpr qint64 kLargestFile = qint64{16} << 20;
 
 QFont fontOf(int size, QFont::Weight weight) {
@@ -56,12 +58,8 @@ class Sheet {
             static_cast<int>(std::ceil(std::sqrt(static_cast<double>(count) * kColumnsPerRow))));
         m_rows = (static_cast<int>(count) + m_columns - 1) / m_columns;
         const int line = QFontMetrics(m_plain).lineSpacing();
-        const std::size_t captions =
-            m_sheet.tiles.empty() ? 0 : m_sheet.tiles.front().captions.size();
         m_tile = {m_picture.width() + 2 * kPadding,
-                  m_picture.height() + 3 * kPadding +
-                      line *
-                          (static_cast<int>(std::max<std::size_t>(captions, 1)) - 1 + kUrlLines)};
+                  m_picture.height() + 3 * kPadding + line * (mostCaptions() - 1 + kUrlLines)};
         m_head = kMargin + QFontMetrics(m_title).lineSpacing() +
                  line * static_cast<int>(m_sheet.lines.size()) + kGap;
     }
@@ -81,6 +79,13 @@ class Sheet {
     }
 
   private:
+    int mostCaptions() const {
+        std::size_t most = 1;
+        for (const SheetFile::Tile &tile : m_sheet.tiles)
+            most = std::max(most, tile.captions.size());
+        return static_cast<int>(std::min(most, kMostCaptions));
+    }
+
     void drawHead(QPainter &painter, int width) const {
         int top = kMargin;
         const auto line = [&](const QFont &font, const QString &text) {
@@ -104,7 +109,7 @@ class Sheet {
                           m_head + at / m_columns * (m_tile.height() + kGap), m_tile.width(),
                           m_tile.height());
         const int line = tile.isMarked ? kFrame : 1;
-        painter.setPen(QPen(tile.isMarked ? QColor(0xB3, 0, 0) : QColor(0xBB, 0xBB, 0xBB), line));
+        painter.setPen(QPen(tile.isMarked ? QColor(0xB3, 0, 0) : kEdge, line));
         painter.drawRect(frame.adjusted(line / 2, line / 2, -1 - line / 2, -1 - line / 2));
         drawPicture(painter, {frame.topLeft() + QPoint(kPadding, kPadding), m_picture}, at);
         drawCaptions(painter,
@@ -123,13 +128,17 @@ class Sheet {
             painter.drawText(box, Qt::AlignCenter, QStringLiteral("no picture"));
             return;
         }
-        painter.drawImage(box.center() - picture.rect().center(), picture);
+        const QPoint corner(box.center() - picture.rect().center());
+        painter.drawImage(corner, picture);
+        painter.setPen(kEdge); // pages are white, as the sheet is
+        painter.drawRect(QRect(corner, picture.size()).adjusted(-1, -1, 0, 0));
     }
 
     void drawCaptions(QPainter &painter, QRect box, const std::vector<std::string> &texts) const {
         painter.setPen(Qt::black);
-        for (std::size_t i = 0; i < texts.size(); ++i) {
-            const bool isLast = i + 1 == texts.size();
+        const std::size_t count = std::min(texts.size(), kMostCaptions);
+        for (std::size_t i = 0; i < count; ++i) {
+            const bool isLast = i + 1 == count;
             const QFont &font = i == 0 ? m_bold : m_plain;
             box.setTop(drawWrapped(painter, font, toQt(texts[i]), box, isLast ? kUrlLines : 1));
             painter.setPen(QColor(0x44, 0x44, 0x44));
