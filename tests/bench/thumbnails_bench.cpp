@@ -8,6 +8,8 @@
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
 
+#include <cstdint>
+#include <string>
 #include <vector>
 
 namespace nv {
@@ -27,8 +29,27 @@ bool drawPhotographs(Drawing &drawing, std::span<const DrawJob> jobs) {
     return all;
 }
 
-/// A project of cached photographs of 1024 by 768, some 300 KB each: the drawing program makes
-/// them, of pages that are full of noise.
+/// A page of small letters on patches of all colours, which makes a picture as rich as a
+/// photograph.
+std::string patchwork(std::size_t seed) {
+    constexpr int kRows = 48;
+    constexpr int kColumns = 64;
+    std::string html = "<body style='margin:0;font:9px sans-serif'><table cellspacing=0 "
+                       "cellpadding=0 style='table-layout:fixed;width:1024px;height:768px'>";
+    std::uint32_t noise = static_cast<std::uint32_t>(seed) + 1;
+    for (int row = 0; row < kRows; ++row) {
+        html += "<tr>";
+        for (int column = 0; column < kColumns; ++column) {
+            noise = noise * 1664525U + 1013904223U;
+            html += fmt::format("<td bgcolor=#{:06x}>{:02x}</td>", noise >> 8, noise >> 24);
+        }
+        html += "</tr>";
+    }
+    return html;
+}
+
+/// A project of cached pictures of 1024 by 768, as rich as photographs: the drawing program makes
+/// them.
 struct Album {
     test::TestProject project;
     RecordStore store = project.store();
@@ -43,13 +64,8 @@ struct Album {
         fs::create_directories(temp);
         std::vector<DrawJob> jobs;
         for (std::size_t i = 0; i < kDifferent; ++i) {
-            const fs::path page = project.folder.write(
-                fmt::format("page{}/page.htm", i),
-                fmt::format("<body style='margin:0;background:linear-gradient({}deg,#124,#fc8)'>"
-                            "<svg width=1024 height=768><filter id=n><feTurbulence seed={} "
-                            "type=fractalNoise baseFrequency=0.05 numOctaves=4 /></filter>"
-                            "<rect width=1024 height=768 filter='url(#n)' opacity=0.6 /></svg>",
-                            i * 60, i));
+            const fs::path page =
+                project.folder.write(fmt::format("page{}/page.htm", i), patchwork(i));
             jobs.push_back(
                 {DrawJob::Kind::page, page, folder / fmt::format("{}.jpg", i), 1024, 768});
         }
