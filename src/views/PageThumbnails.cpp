@@ -38,6 +38,7 @@ class PageRun {
     /// The places of the pages whose drawing failed.
     std::vector<std::size_t> drawSome(const std::vector<std::size_t> &places) {
         std::vector<DrawJob> jobs;
+        jobs.reserve(places.size());
         for (const std::size_t place : places)
             jobs.push_back(jobOf(m_pages[place]));
         std::vector<std::size_t> failed;
