@@ -1,11 +1,14 @@
 #include "app/RebuildJob.h"
 
+#include "app/RebuildThumbnails.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildWebPage.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace nv {
 
@@ -55,6 +58,67 @@ RebuiltPage outcomeOf(const URLClass &page, bool rebuilt, const RebuildContext &
     return outcome;
 }
 
+/// `ctx` with its progress shown as that of `task`.
+RebuildContext watchedBy(const RebuildContext &ctx, TaskMonitor &task) {
+    return {ctx.project, ctx.records, ctx.evidence, ctx.TempFolderPath,
+            ctx.log,     task,        ctx.settings};
+}
+
+class RebuildRun {
+  public:
+    RebuildRun(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids)
+        : m_program(program), m_tools(tools), m_ids(ids), m_thumbnails(program, tools) {}
+
+    bool all(const std::function<void(const RebuiltPage &)> &done) {
+        TaskMonitor &task = m_tools.context().task;
+        task.describe({std::string(kTitle), "Rebuilding Web Pages ", "", ""});
+        const auto count = static_cast<double>(m_ids.size());
+        while (m_next < m_ids.size() && !m_cancelled) {
+            const std::size_t end = std::min(m_ids.size(), m_next + m_thumbnails.pagesAtOnce());
+            SubTask part(task, static_cast<double>(m_next) / count,
+                         static_cast<double>(end) / count);
+            rebuildTo(end, part);
+            m_thumbnails.draw(m_pages, part);
+            for (const RebuiltPage &page : m_pages)
+                done(page);
+            m_pages.clear();
+        }
+        return !m_cancelled;
+    }
+
+  private:
+    void rebuildTo(std::size_t end, TaskMonitor &task) {
+        const double each = m_thumbnails.shareOfRebuilding() / static_cast<double>(end - m_next);
+        for (double at = 0; m_next < end; ++m_next, at += each) {
+            SubTask part(task, at, at + each);
+            m_cancelled = !part.advance(0);
+            if (m_cancelled)
+                return;
+            if (auto page = m_tools.record(m_ids[m_next]))
+                rebuild(*page, part);
+        }
+    }
+
+    void rebuild(URLClass &page, TaskMonitor &task) {
+        task.describe({std::string(kTitle),
+                       fmt::format("Rebuilding Web Page #{} of {} ", m_next + 1, m_ids.size()),
+                       page.URL, ""});
+        const RebuildContext ctx = watchedBy(m_tools.context(), task);
+        const bool rebuilt = RebuildWebPage(page, Batch::yes, ctx, m_program.around.clock);
+        m_pages.push_back(outcomeOf(page, rebuilt, ctx));
+        if (rebuilt)
+            m_thumbnails.add(page);
+    }
+
+    Program &m_program;
+    RebuildTools &m_tools;
+    std::span<const std::int64_t> m_ids;
+    RebuildThumbnails m_thumbnails;
+    std::size_t m_next = 0;           ///< place in the list of ids
+    std::vector<RebuiltPage> m_pages; ///< not handed on yet
+    bool m_cancelled = false;
+};
+
 } // namespace
 
 RebuildSettings rebuildSettings(const Program &program) {
@@ -93,32 +157,21 @@ std::optional<RebuiltPage> rebuildPage(Program &program, RebuildTools &tools, st
     auto page = tools.record(URL_ID);
     if (!page)
         return std::nullopt;
-    const bool rebuilt = RebuildWebPage(*page, Batch::no, tools.context(), program.around.clock);
-    return outcomeOf(*page, rebuilt, tools.context());
+    const RebuildContext &ctx = tools.context();
+    RebuildThumbnails thumbnails(program, tools);
+    SubTask rebuilding(ctx.task, 0, thumbnails.shareOfRebuilding());
+    const RebuildContext part = watchedBy(ctx, rebuilding);
+    const bool rebuilt = RebuildWebPage(*page, Batch::no, part, program.around.clock);
+    RebuiltPage outcome = outcomeOf(*page, rebuilt, part);
+    if (rebuilt)
+        thumbnails.add(*page);
+    thumbnails.draw(std::span(&outcome, 1), ctx.task);
+    return outcome;
 }
 
 bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids,
                   const std::function<void(const RebuiltPage &)> &done) {
-    const RebuildContext &whole = tools.context();
-    const auto count = static_cast<double>(ids.size());
-    whole.task.describe({std::string(kTitle), "Rebuilding Web Pages ", "", ""});
-    for (std::size_t i = 0; i < ids.size(); ++i) {
-        SubTask part(whole.task, static_cast<double>(i) / count,
-                     static_cast<double>(i + 1) / count);
-        if (!part.advance(0))
-            return false;
-        auto page = tools.record(ids[i]);
-        if (!page)
-            continue;
-        whole.task.describe({std::string(kTitle),
-                             fmt::format("Rebuilding Web Page #{} of {} ", i + 1, ids.size()),
-                             page->URL, ""});
-        RebuildContext ctx{whole.project, whole.records, whole.evidence, whole.TempFolderPath,
-                           whole.log,     part,          whole.settings};
-        const bool rebuilt = RebuildWebPage(*page, Batch::yes, ctx, program.around.clock);
-        done(outcomeOf(*page, rebuilt, whole));
-    }
-    return true;
+    return RebuildRun(program, tools, ids).all(done);
 }
 
 bool hasFolder(const RebuildTools &tools, URLClass &page) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/DrawingTools.h"
 #include "app/Program.h"
 #include "db/RecordStore.h"
 #include "rebuild/RebuildContext.h"
@@ -8,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -25,6 +27,10 @@ class RebuildTools {
 
     const RebuildContext &context() const { return m_context; }
     std::optional<URLClass> record(std::int64_t URL_ID) { return m_records.GetURL(UrlId{URL_ID}); }
+
+    /// Makes what draws thumbnails of rebuilt pages; asked only when there is one to draw.
+    std::function<std::unique_ptr<Drawing>(const std::filesystem::path &scratch)> drawing =
+        makeDrawing;
 
   private:
     RecordStore m_records;
@@ -44,6 +50,13 @@ enum class NotRebuilt {
     failed, ///< the log tells
 };
 
+/// What became of the thumbnail of a page that was rebuilt.
+enum class Redrawn {
+    notWanted, ///< the setting is off; so it is as well for what wasn't reached before a cancel
+    yes,
+    failed, ///< the log tells; the older thumbnail stays
+};
+
 /// What became of one page.
 struct RebuiltPage {
     std::int64_t URL_ID = 0;
@@ -52,14 +65,17 @@ struct RebuiltPage {
     std::size_t tagsFound = 0;
     std::size_t replaced = 0; ///< references whose part lies beside the page
     std::size_t missing = 0;
+    Redrawn thumbnail = Redrawn::notWanted;
     std::filesystem::path folder;
 };
 
-/// Rebuilds one page by itself. Nothing when the project has no such record.
+/// Rebuilds one page by itself, and draws its thumbnail anew as `RedrawThumbIfPageRebuilt` says.
+/// Nothing when the project has no such record.
 std::optional<RebuiltPage> rebuildPage(Program &program, RebuildTools &tools, std::int64_t URL_ID);
 
 /// Rebuilds each page in turn and hands on what became of it; a page that fails doesn't stop the
-/// run. False when cancelled.
+/// run. Thumbnails are drawn for some ten pages at once, and these are handed on together.
+/// False when cancelled.
 bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids,
                   const std::function<void(const RebuiltPage &)> &done);
 

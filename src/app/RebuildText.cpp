@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <map>
 
 namespace nv {
@@ -11,8 +12,18 @@ namespace {
 std::string pageText(const RebuiltPage &page) {
     if (!page.rebuilt)
         return fmt::format("Record {} was not rebuilt: {}.", page.URL_ID, reasonText(page.why));
-    return fmt::format("Record {} was rebuilt: {} references replaced, {} missing.", page.URL_ID,
-                       page.replaced, page.missing);
+    return fmt::format("Record {} was rebuilt: {} references replaced, {} missing.{}", page.URL_ID,
+                       page.replaced, page.missing,
+                       page.thumbnail == Redrawn::failed
+                           ? " Its thumbnail could not be drawn; the error log tells why."
+                           : "");
+}
+
+std::string undrawnText(const std::vector<RebuiltPage> &pages) {
+    const auto count = std::ranges::count(pages, Redrawn::failed, &RebuiltPage::thumbnail);
+    return count == 0
+               ? std::string()
+               : fmt::format(" {} thumbnails could not be drawn; the error log tells why.", count);
 }
 
 } // namespace
@@ -48,7 +59,7 @@ std::string reportText(const RebuildReport &report) {
                                    report.cancelled ? "Cancelled: " : "", rebuilt, report.asked);
     for (const auto &[why, count] : reasons)
         text += fmt::format(" {} not: {}.", count, reasonText(why));
-    return text;
+    return text + undrawnText(report.pages);
 }
 
 } // namespace nv

@@ -31,18 +31,22 @@ ThumbnailSettings settingsOf(const Program &program) {
 } // namespace
 
 ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &scratch)
+    : ThumbnailTools(program, scratch, makeDrawing(scratch)) {}
+
+ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &scratch,
+                               std::unique_ptr<Drawing> drawing)
     : m_records(program.thisClass.ProjectDB.connection(),
                 {program.thisClass.GMTZone, program.thisClass.EnableDSTChanges},
                 program.around.clock, program.log),
       m_evidence(program.thisClass.RootPath),
-      m_drawing(makeDrawing(scratch)), m_context{program.thisClass.ProjectDB.connection(),
-                                                 m_records,
-                                                 m_evidence,
-                                                 scratch,
-                                                 *m_drawing,
-                                                 program.around.clock,
-                                                 program.log,
-                                                 settingsOf(program)} {}
+      m_drawing(std::move(drawing)), m_context{program.thisClass.ProjectDB.connection(),
+                                               m_records,
+                                               m_evidence,
+                                               scratch,
+                                               *m_drawing,
+                                               program.around.clock,
+                                               program.log,
+                                               settingsOf(program)} {}
 
 std::vector<std::int64_t> drawableIds(Program &program, Redo redo) {
     return idsOf(

@@ -16,6 +16,8 @@ class ThumbnailTools {
     /// `scratch` is an existing folder of the program's own. Throws StorageFailure when this build
     /// can't draw.
     ThumbnailTools(Program &program, const std::filesystem::path &scratch);
+    ThumbnailTools(Program &program, const std::filesystem::path &scratch,
+                   std::unique_ptr<Drawing> drawing);
 
     const ThumbnailContext &context() const { return m_context; }
 

@@ -13,12 +13,14 @@ namespace nv {
 // The seam to the drawing of pictures and pages, which hostile bytes can crash or hold up: it is
 // done by a program of its own.
 
-/// One picture or page of evidence that is to be drawn small.
+/// One picture or page of evidence that is to be drawn small, or a sheet of such pictures.
 struct DrawJob {
     enum class Kind {
         picture, ///< `target` becomes a bitmap of at most `width` by `height`, in proportion
         page,    ///< `target` becomes a JPEG of `width` by `height`; `source` is an HTML file named
                  ///< *.htm or *.html, and only files of its own folder and below it are shown
+        sheet,   ///< `target` becomes a PNG; `source` is a SheetFile with its pictures beside it,
+                 ///< each shown in a box of `width` by `height`
     };
     Kind kind = Kind::picture;
     std::filesystem::path source;

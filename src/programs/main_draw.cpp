@@ -1,13 +1,14 @@
-// norvelane-draw JOBFILE: draws pictures and pages small. The file holds a job a line; of each a
-// line is written as soon as it is drawn (platform/posix/DrawLines.h). Without the closing line the
-// program has crashed, or has given up behind a page that still holds the engine: the jobs that no
-// line tells of are for another process.
+// norvelane-draw JOBFILE: draws pictures and pages small, and sheets of them. The file holds a job
+// a line; of each a line is written as soon as it is drawn (platform/posix/DrawLines.h). Without
+// the closing line the program has crashed, or has given up behind a page that still holds the
+// engine: the jobs that no line tells of are for another process.
 
 #include "platform/posix/DrawLines.h"
 #include "platform/posix/NetworkLock.h"
 #include "platform/qt/ImageThumbnailer.h"
 #include "platform/qt/PageDrawEngine.h"
 #include "platform/qt/PageGuard.h"
+#include "platform/qt/SheetPainter.h"
 
 #include <QApplication>
 
@@ -85,7 +86,7 @@ class Artist {
     Drawn drawPicture(const DrawJob &job) {
         if (!m_pages)
             limit(RLIMIT_CPU, secondsTaken() + kSecondsPerPicture);
-        return m_pictures.draw(job);
+        return job.kind == DrawJob::Kind::sheet ? SheetPainter().draw(job) : m_pictures.draw(job);
     }
 
     /// The web engine sets far more memory aside than it uses, and its threads share the limits.

@@ -103,7 +103,7 @@ class Harvest {
             if (const auto content = contentOf(*part, m_ctx.extraction()))
                 copyToScratch(*content, target);
         if (GetFileExtension(line.OriginalTag) == "css" && fs::exists(target))
-            FindReplaceCSSTags(target, *part, m_ctx);
+            m_sheetPictures = FindReplaceCSSTags(target, *part, m_ctx, m_sheetPictures);
         copyAsNamed(line, target);
     }
 
@@ -131,6 +131,7 @@ class Harvest {
     Batch m_batch;
     const RebuildContext &m_ctx;
     std::string m_list;
+    std::size_t m_sheetPictures = 0; ///< names given to pictures of style sheets
 };
 
 } // namespace

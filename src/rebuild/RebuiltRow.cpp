@@ -12,7 +12,7 @@ namespace nv {
 void storeRebuilt(URLClass &page, const RebuildContext &ctx, const Clock &clock) {
     page.RebuiltMethod = "Cache";
     page.RebuiltDateTime =
-        formatDate(Date::fromTimePoint(clock.now() + clock.localOffset()), "dd-mm-yyyy Hh:Nn:Ss");
+        formatDate(Date::fromTimePoint(clock.now() + clock.localOffset()), kRebuiltTimeFormat);
     page.CacheFileRebuilt = true;
     page.RebuiltFilePath = textOf(page.RunTimeRebuiltFilePath);
     SQLite::Statement update(ctx.project,

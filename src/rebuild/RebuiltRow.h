@@ -5,10 +5,14 @@
 #include "rebuild/RebuildContext.h"
 
 #include <string>
+#include <string_view>
 
 namespace nv {
 
 // What a rebuild keeps in the page's record and row. Both throw what the database says.
+
+/// The form of `RebuiltDateTime`.
+inline constexpr std::string_view kRebuiltTimeFormat = "dd-mm-yyyy Hh:Nn:Ss";
 
 /// The page in `RunTimeRebuiltFilePath`, whose text is `RebuiltSourceCode`, is the record's rebuild
 /// from now on. `RebuiltDateTime` is a text in the machine's local time.

@@ -46,8 +46,10 @@ std::string withoutQuotes(std::string_view text) {
 
 class SheetRewriting {
   public:
-    SheetRewriting(fs::path folder, const URLClass &sheet, const RebuildContext &ctx)
-        : m_folder(std::move(folder)), m_sheet(sheet), m_ctx(ctx) {}
+    /// `taken` is counted on by the names given.
+    SheetRewriting(fs::path folder, const URLClass &sheet, const RebuildContext &ctx,
+                   std::size_t &taken)
+        : m_folder(std::move(folder)), m_sheet(sheet), m_ctx(ctx), m_taken(taken) {}
 
     void addLine(std::string line) {
         for (;;) {
@@ -77,7 +79,8 @@ class SheetRewriting {
         auto picture = id ? m_ctx.records.GetURL(*id) : std::nullopt;
         if (!picture)
             return;
-        const std::string name = fmt::format("_css{:07}.{}", ++m_replaced, extension);
+        const std::string name = fmt::format("_css{:07}.{}", ++m_taken, extension);
+        ++m_replaced;
         if (const auto content = contentOf(*picture, m_ctx.extraction()))
             copyToScratch(*content, m_folder / name);
         line = ReplaceAllText(line, inner, name);
@@ -122,6 +125,7 @@ class SheetRewriting {
     fs::path m_folder;
     const URLClass &m_sheet;
     const RebuildContext &m_ctx;
+    std::size_t &m_taken;
     std::string m_output;
     std::unordered_map<std::string, std::optional<UrlId>> m_known; ///< by file name
     std::size_t m_replaced = 0;
@@ -129,10 +133,11 @@ class SheetRewriting {
     std::size_t m_close = 0; ///< 1-based; where the search in the next line begins
 };
 
-void rewrite(const fs::path &path, const URLClass &sheet, const RebuildContext &ctx) {
+void rewrite(const fs::path &path, const URLClass &sheet, const RebuildContext &ctx,
+             std::size_t &taken) {
     if (!fs::exists(path))
         return;
-    SheetRewriting rewriting(path.parent_path(), sheet, ctx);
+    SheetRewriting rewriting(path.parent_path(), sheet, ctx, taken);
     const std::string text = ReadTextFile(path, LineBreaks::keep);
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = text.find("\r\n", at);
@@ -147,11 +152,14 @@ void rewrite(const fs::path &path, const URLClass &sheet, const RebuildContext &
 
 } // namespace
 
-void FindReplaceCSSTags(const fs::path &path, const URLClass &sheet, const RebuildContext &ctx) {
+std::size_t FindReplaceCSSTags(const fs::path &path, const URLClass &sheet,
+                               const RebuildContext &ctx, std::size_t taken) {
+    // After a failure too: pictures may lie there by then.
     trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-        onProject([&] { rewrite(path, sheet, ctx); });
+        onProject([&] { rewrite(path, sheet, ctx, taken); });
         return true;
     });
+    return taken;
 }
 
 } // namespace nv

@@ -3,6 +3,7 @@
 #include "db/URLClass.h"
 #include "rebuild/RebuildContext.h"
 
+#include <cstddef>
 #include <filesystem>
 
 namespace nv {
@@ -12,7 +13,10 @@ namespace nv {
 /// on. A line is written once for each pair of parentheses and once more, which style sheets allow
 /// (a sheet that would grow to many megabytes so gets only its last form).
 /// A sheet without such pictures stays as it is. A failure is logged.
-void FindReplaceCSSTags(const std::filesystem::path &path, const URLClass &sheet,
-                        const RebuildContext &ctx);
+/// Names are counted on from `taken`, the result of the sheet before it in the same folder: counted
+/// from 1 in each, the pictures of one would take the place of another's. Returns the last number
+/// given.
+std::size_t FindReplaceCSSTags(const std::filesystem::path &path, const URLClass &sheet,
+                               const RebuildContext &ctx, std::size_t taken = 0);
 
 } // namespace nv

@@ -1,19 +1,22 @@
 #include "views/RowCells.h"
 
 #include "base/Text.h"
+#include "rebuild/RebuiltRow.h"
 #include "views/CellText.h"
 #include "views/IconKey.h"
 
 #include <fmt/format.h>
 
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 
 namespace nv {
 namespace {
 
-constexpr std::string_view kFileCreatedFormat = "dd-mmm-yyyy Hh:Nn:Ss";
+// With the month as a word nobody takes it for the day.
+constexpr std::string_view kWordyFormat = "dd-mmm-yyyy Hh:Nn:Ss";
 constexpr std::string_view kBadPath = "Bad Path";
 
 const StoredValue &storedIn(const UrlRow &row, UrlColumn column) {
@@ -72,6 +75,20 @@ std::string rebuiltTime(const UrlRow &row) {
     const bool isNull =
         equalsNoCase(trim(text), "12:00:00AM") || equalsNoCase(trim(text), "12:00:00 AM");
     return isNull ? std::string() : text;
+}
+
+/// The stored form says "15-06-2011 12:00:00"; any other text stands as it is.
+std::string shownRebuiltTime(const UrlRow &row) {
+    const std::string text = rebuiltTime(row);
+    const auto part = [&text](std::size_t at, std::size_t length) {
+        int value = 0;
+        if (at + length <= text.size())
+            std::from_chars(text.data() + at, text.data() + at + length, value);
+        return value;
+    };
+    const Date date = Date::fromCivil(
+        {part(6, 4), part(3, 2), part(0, 2), part(11, 2), part(14, 2), part(17, 2)});
+    return formatDate(date, kRebuiltTimeFormat) == text ? formatDate(date, kWordyFormat) : text;
 }
 
 std::string yesNo(bool yes) {
@@ -152,13 +169,15 @@ std::string RowCells::text(const UrlRow &row, UrlColumn column) {
     case CellRule::ZoneDate:
         return dateText(row, column);
     case CellRule::FileCreated:
-        return formatDate(storedDate(row, column), kFileCreatedFormat);
+        return formatDate(storedDate(row, column), kWordyFormat);
     case CellRule::Number:
         return displayText(plain(machineNumber(storedIn(row, column))));
     case CellRule::Flag:
         return storedFlag(row, column) ? "True" : "False";
     case CellRule::Linked:
         return row.links > 0 ? std::to_string(row.links) : std::string();
+    case CellRule::RebuiltTime:
+        return displayText(shownRebuiltTime(row));
     case CellRule::Status:
         return displayText(wordOf(row, column, isBadPath(row)));
     default:

@@ -1,7 +1,5 @@
 #include "views/Thumbnails.h"
 
-#include "base/Files.h"
-#include "base/Md5.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
 #include "db/WriteBatch.h"
@@ -147,13 +145,6 @@ class ThumbnailRun {
     ThumbnailTotals m_totals;
 };
 
-bool holdsAlready(UrlId id, const std::string &hash, SQLite::Database &project) {
-    SQLite::Statement row(project, "SELECT 1 FROM URLs WHERE URL_ID = ? AND ThumbnailMD5Hash = ?");
-    row.bind(1, number(id));
-    row.bind(2, hash);
-    return row.executeStep();
-}
-
 } // namespace
 
 ThumbnailTotals makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> ids,
@@ -198,47 +189,6 @@ bool MakePictureThumbnail(const fs::path &source, const fs::path &destination, U
     URL.PictureHeight = drawn.pictureHeight;
     URL.PARDValue = pardValue(drawn.pictureWidth, drawn.pictureHeight);
     return true;
-}
-
-bool CreateHTMLThumbnail(const fs::path &page, const fs::path &destination, UrlId URL_ID, int width,
-                         const ThumbnailContext &ctx) {
-    constexpr std::string_view kProcedure = "MainBAS.CreateHTMLThumbnail()";
-    constexpr int kTrials = 2;
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-        for (int trial = 0; trial < kTrials; ++trial) {
-            fs::remove(destination);
-            const Drawn drawn = drawOne(
-                {DrawJob::Kind::page, page, destination, width, thumbnailHeight(width)}, ctx);
-            if (drawn.done) {
-                StoreThumbnail(URL_ID, destination, ctx);
-                return true;
-            }
-            ctx.log.write({fmt::format("Win32 Error: {}", drawn.failure), std::string(kProcedure),
-                           Severity::Warning, std::string(kContactSupport)});
-        }
-        return false;
-    });
-}
-
-Stored StoreThumbnail(UrlId URL_ID, const fs::path &path, const ThumbnailContext &ctx) {
-    const std::string hash = FileMD5(path).value_or("");
-    const Bytes bytes = readWhole(path);
-    return onProject([&] {
-        if (holdsAlready(URL_ID, hash, ctx.project))
-            return Stored::sameBytes;
-        SQLite::Statement update(ctx.project,
-                                 "UPDATE URLs SET ThumbnailBLOB = ?, ThumbnailMD5Hash = ?, "
-                                 "ThumbnailWidth = ?, ThumbnailHeight = ?, ThumbnailCreated = ? "
-                                 "WHERE URL_ID = ?");
-        update.bindNoCopy(1, bytes.data(), static_cast<int>(bytes.size()));
-        update.bind(2, hash);
-        update.bind(3, ctx.settings.ViewerThumbnailWidth);
-        update.bind(4, thumbnailHeight(ctx.settings.ViewerThumbnailWidth));
-        update.bind(5, Date::fromTimePoint(ctx.clock.now()).days());
-        update.bind(6, number(URL_ID));
-        update.exec();
-        return Stored::written;
-    });
 }
 
 } // namespace nv

@@ -62,15 +62,4 @@ bool MakePictureThumbnail(const std::filesystem::path &source,
                           const std::filesystem::path &destination, URLClass &URL, int width,
                           const ThumbnailContext &ctx);
 
-/// Draws a rebuilt page and stores the drawing as the row's thumbnail. A drawing that fails is
-/// tried once more; both failures are logged.
-bool CreateHTMLThumbnail(const std::filesystem::path &page,
-                         const std::filesystem::path &destination, UrlId URL_ID, int width,
-                         const ThumbnailContext &ctx);
-
-enum class Stored { written, sameBytes };
-/// Reads a finished thumbnail into the row; one that holds the same bytes already isn't written.
-/// Throws.
-Stored StoreThumbnail(UrlId URL_ID, const std::filesystem::path &path, const ThumbnailContext &ctx);
-
 } // namespace nv

@@ -108,6 +108,30 @@ TEST_F(GalleryCliTest, nothingIsWrittenOverAFileOrIntoTheEvidence) {
               3);
 }
 
+TEST_F(GalleryCliTest, urlsThatTurnTheDirectionOfWritingAreSeenThrough) {
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("UPDATE URLs SET URL = 'http://host/' || char(8238) || 'gpj.exe'");
+    ASSERT_EQ(gallery({}).exit, 0);
+    EXPECT_THAT(sheet(), HasSubstr("http://host/&lt;U+202E&gt;gpj.exe"));
+}
+
+TEST_F(GalleryCliTest, aSheetMayBeAPicture) {
+    const fs::path picture = folder.path() / "Sheet.PNG";
+    const CliResult run = cli({"gallery", project, "--out", picture.string()});
+    if (!fs::exists(fs::path(NV_CLI).parent_path() / "norvelane-draw")) {
+        EXPECT_EQ(run.exit, 3);
+        EXPECT_THAT(run.err, HasSubstr("norvelane-draw"));
+        EXPECT_FALSE(fs::exists(picture));
+        return;
+    }
+    ASSERT_EQ(run.exit, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("page 1 of 1, 5 of 5"));
+    EXPECT_EQ(ByteView(readHead(picture, 8)).raw(), "\x89PNG\r\n\x1A\n");
+    EXPECT_EQ(cli({"gallery", project, "--out", picture.string()}).exit, 1); // it is there
+    EXPECT_EQ(cli({"gallery", project, "--out", (evidence / "s.png").string()}).exit, 1);
+    EXPECT_FALSE(fs::exists(evidence / "s.png"));
+}
+
 TEST_F(GalleryCliTest, thumbnailsAreAskedForByIdOrAll) {
     EXPECT_EQ(cli({"thumbnails", project}).exit, 1);
     EXPECT_EQ(cli({"thumbnails", project, "1", "--all"}).exit, 1);

@@ -90,6 +90,23 @@ TEST_F(RebuildCliTest, ticksAreSetAndTakenAway) {
               std::string::npos);
 }
 
+TEST_F(RebuildCliTest, thumbnailsAreDrawnAnewOrToldOf) {
+    const bool draws = fs::exists(fs::path(NV_CLI).parent_path() / "norvelane-draw");
+    const fs::path drawn = out / "0000001.NVR" / "~0000001.thumbnail.jpg";
+    const CliResult off = cli({"rebuild", project, "1", "--out", out.string(), "--no-thumbnails"});
+    EXPECT_EQ(off.exit, 0);
+    EXPECT_EQ((off.out + off.err).find("thumbnail"), std::string::npos) << off.out << off.err;
+    EXPECT_FALSE(fs::exists(drawn));
+    const CliResult run = cli({"rebuild", project, "1", "--out", out.string()});
+    EXPECT_EQ(run.exit, 0) << run.err; // the page is rebuilt either way
+    EXPECT_EQ(fs::exists(drawn), draws);
+    if (draws)
+        EXPECT_NE(run.out.find("1 thumbnails drawn anew"), std::string::npos) << run.out;
+    else
+        EXPECT_NE(run.err.find("1 thumbnails could not be drawn; see"), std::string::npos)
+            << run.err;
+}
+
 TEST_F(RebuildCliTest, aTemplateIsMadeListedAndLaidOver) {
     EXPECT_EQ(cli({"template", "create", project, "1"}).exit, 1); // not rebuilt yet
     ASSERT_EQ(cli({"rebuild", project, "1", "--out", out.string()}).exit, 0);

@@ -1,11 +1,13 @@
 #include "platform/ChildProcess.h"
 #include "platform/posix/DrawProgram.h"
+#include "platform/posix/SheetFile.h"
 #include "platform/qt/QtText.h"
 #include "support/TempFolder.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QImage>
+#include <QPainter>
 #include <QTcpServer>
 #include <QTest>
 #include <fmt/format.h>
@@ -29,6 +31,9 @@ class DrawTest : public QObject {
     void anExtremeShapeKeepsItsSmallerSide();
     void theFormatIsSeenInTheContent();
     void whatIsClearBecomesWhite();
+    void aPhotographIsTurnedAsItsCameraSays();
+    void aSheetShowsItsPicturesAndCaptions();
+    void aSheetThatIsNoneFailsAlone();
     void damagedPicturesFailAlone();
     void aHugePictureIsMeasuredAndNotDrawn();
     void aVectorPictureIsRefused();
@@ -159,6 +164,65 @@ void DrawTest::whatIsClearBecomesWhite() {
     addPicture(clear, "png");
     QVERIFY(draw()[0].done);
     QCOMPARE(drawing(0).pixelColor(25, 25), QColor(Qt::white));
+}
+
+void DrawTest::aPhotographIsTurnedAsItsCameraSays() {
+    QImage lying = plain(400, 200, Qt::blue);
+    QPainter(&lying).fillRect(0, 0, 200, 200, Qt::red);
+    // The left side is the top: to be turned clockwise by a quarter.
+    const QByteArray exif("\xFF\xE1\0\x22"
+                          "Exif\0\0II*\0\x08\0\0\0\1\0\x12\1\3\0\1\0\0\0\6\0\0\0\0\0\0\0",
+                          36);
+    addPicture(viewOf(bytesOf(lying, "jpg").insert(2, exif)));
+    addPicture(lying, "jpg");
+    const auto all = draw();
+    QVERIFY2(all[0].done, all[0].failure.c_str());
+    QCOMPARE(drawing(0).size(), QSize(120, 240));
+    QVERIFY(isNear(drawing(0).pixel(60, 40), Qt::red));
+    QVERIFY(isNear(drawing(0).pixel(60, 200), Qt::blue));
+    QCOMPARE(drawing(1).size(), QSize(320, 160));
+    for (const Drawn &drawn : all) { // as stored: P.A.R.D. is computed of it
+        QCOMPARE(drawn.pictureWidth, 400);
+        QCOMPARE(drawn.pictureHeight, 200);
+    }
+}
+
+void DrawTest::aSheetShowsItsPicturesAndCaptions() {
+    SheetFile sheet{"Gallery", {"Page 1 of 1"}, {}};
+    for (int i = 0; i < 6; ++i)
+        sheet.tiles.push_back({{"ID #000000" + std::to_string(i), "http://host/"}, i == 1});
+    m_folder->write("sheet/0", viewOf(bytesOf(plain(640, 480, Qt::blue), "jpg")));
+    m_folder->write("sheet/1", "no picture at all");
+    add(DrawJob::Kind::sheet, m_folder->write("sheet/sheet", textOf(sheet)));
+    const auto all = draw();
+    QVERIFY2(all[0].done, all[0].failure.c_str());
+    const QImage drawn = drawing(0);
+    QCOMPARE(drawn.width(), 24 * 2 + 4 * 336 + 3 * 10); // four columns
+    const auto holds = [&drawn](const QRect &part, QColor colour) {
+        for (int y = part.top(); y <= part.bottom(); ++y)
+            for (int x = part.left(); x <= part.right(); ++x)
+                if (isNear(drawn.pixel(x, y), colour))
+                    return true;
+        return false;
+    };
+    const int half = drawn.height() / 2;
+    QVERIFY(holds({24, 0, 336, half}, Qt::blue));
+    QVERIFY(holds({24, 0, 336, half}, Qt::black)); // letters
+    QVERIFY(!holds({370, 0, 336, half}, Qt::blue));
+    QVERIFY(holds({370, 0, 336, half}, QColor(0xB3, 0, 0))); // the mark
+    QVERIFY(!holds({0, half + 60, drawn.width(), half - 60}, QColor(0xB3, 0, 0)));
+}
+
+void DrawTest::aSheetThatIsNoneFailsAlone() {
+    for (const char *text : {"", "[]", "{\"tiles\":[1]}", "{\"tiles\":[], \"title\":7}"})
+        add(DrawJob::Kind::sheet, m_folder->write("sheet" + std::to_string(m_jobs.size()), text));
+    SheetFile large;
+    large.tiles.resize(kMostSheetTiles + 1);
+    add(DrawJob::Kind::sheet, m_folder->write("large", textOf(large)));
+    const auto all = draw();
+    for (const std::size_t job : {0U, 1U, 2U, 4U})
+        QCOMPARE(all[job].failure, std::string("The file is no contact sheet."));
+    QVERIFY2(all[3].done, all[3].failure.c_str()); // without tiles and title
 }
 
 void DrawTest::damagedPicturesFailAlone() {

@@ -6,6 +6,7 @@
 #include "views/ui/ColumnsForm.h"
 #include "views/ui/TableTab.h"
 
+#include <QCheckBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -42,6 +43,7 @@ class MainWindowTest : public QObject {
 
     void withoutAProjectTheWindowSaysWhatToDo();
     void theWizardImportsWithClicks();
+    void theWizardMakesThumbnailsWhenItsBoxIsTicked();
     void theWizardWarnsOfANetworkAndStops();
     void theWizardRefusesAFolderThatIsNotThere();
     void anUntickedFileIsNotRead();
@@ -104,6 +106,32 @@ void MainWindowTest::theWizardImportsWithClicks() {
     QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("6"));
     QCOMPARE(inProject("SELECT count(*) FROM SourceFiles WHERE Successful = 1"), std::string("2"));
     QVERIFY(!m_desk->program.thread.IsOpen);
+}
+
+void MainWindowTest::theWizardMakesThumbnailsWhenItsBoxIsTicked() {
+    Program &program = m_desk->program;
+    const fs::path evidence = makeEvidence(m_desk->folder);
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actNew");
+    whenShown<ImportForm>([evidence](ImportForm &wizard) {
+        auto &box = child<QCheckBox>(wizard, "chkThumbnailsWhileImporting");
+        QVERIFY(!box.isChecked()); // the setting is off
+        QVERIFY(box.toolTip().contains(QStringLiteral("slower")));
+        QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(10, box.height() / 2));
+        QVERIFY(box.isChecked());
+        child<QLineEdit>(wizard, "txtStartingDirectory")
+            .setText(QString::fromStdString(evidence.string()));
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
+    QVERIFY(program.import.MakeThumbnails);
+    QVERIFY(program.settings.ReadIniValue("BEYOND", "ThumbnailsWhileImporting", false));
+    whenShown<ImportForm>([](ImportForm &wizard) {
+        QVERIFY(child<QCheckBox>(wizard, "chkThumbnailsWhileImporting").isChecked());
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
 }
 
 void MainWindowTest::theWizardWarnsOfANetworkAndStops() {

@@ -2,10 +2,12 @@
 #include "platform/qt/QtText.h"
 #include "rebuild/Harvest.h"
 #include "views/ui/AuditPane.h"
+#include "views/ui/GalleryTab.h"
 #include "views/ui/TableTab.h"
 
 #include <QClipboard>
 #include <QLabel>
+#include <QListView>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTableView>
@@ -31,6 +33,7 @@ class RebuildTest : public QObject {
 
     void theToolbarRebuildsTheCurrentRow();
     void anUntickedCurrentRowIsLeftAloneWhenOthersAreTicked();
+    void rebuildDrawsTheThumbnailThatTheGalleryShows();
     void cancelLeavesTheRemainingRows();
     void rebuildIsInTheRowMenuAndOnAKey();
     void theStatusBarSaysWhyAPageIsNotRebuilt();
@@ -84,6 +87,7 @@ class RebuildTest : public QObject {
 
 void RebuildTest::init() {
     m_desk = std::make_unique<Desk>();
+    m_desk->program.thisClass.RedrawThumbIfPageRebuilt = false; // starting to draw takes a second
     m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
     m_form->resize(1200, 800);
     m_form->show();
@@ -109,7 +113,7 @@ void RebuildTest::theToolbarRebuildsTheCurrentRow() {
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(cell(1, UrlColumn::Rebuilt), QStringLiteral("Yes"));
     QCOMPARE(cell(3, UrlColumn::Rebuilt), QStringLiteral("No"));
-    QVERIFY(!cell(1, UrlColumn::TimeRebuilt).isEmpty());
+    QCOMPARE(cell(1, UrlColumn::TimeRebuilt), QStringLiteral("15-Jun-2011 12:00:00"));
     QCOMPARE(notice(), QStringLiteral("Record 1 was rebuilt: 1 references replaced, 1 missing."));
     QVERIFY(fs::exists(folderOf("0000001") / "0000001.htm"));
     QVERIFY(fs::exists(folderOf("0000001") / "0000002.gif"));
@@ -122,6 +126,21 @@ void RebuildTest::anUntickedCurrentRowIsLeftAloneWhenOthersAreTicked() {
     trigger(*m_form, "actRebuild");
     QCOMPARE(cell(1, UrlColumn::Rebuilt), QStringLiteral("No"));
     QCOMPARE(cell(3, UrlColumn::Rebuilt), QStringLiteral("Yes"));
+    QCOMPARE(cell(3, UrlColumn::TimeRebuilt), QStringLiteral("15-Jun-2011 12:00:00"));
+    QVERIFY(cell(1, UrlColumn::TimeRebuilt).isEmpty());
+}
+
+void RebuildTest::rebuildDrawsTheThumbnailThatTheGalleryShows() {
+    m_desk->program.thisClass.RedrawThumbIfPageRebuilt = true;
+    auto &gallery = child<GalleryTab>(*m_form, "GalleryTab");
+    child<QTabWidget>(*m_form, "dataTabs").setCurrentWidget(&gallery);
+    auto &tiles = child<QListView>(gallery, "GalleryTiles");
+    QCOMPARE(tiles.model()->rowCount(), 0);
+    trigger(*m_form, "actRebuild");
+    QCOMPARE(notice(), QStringLiteral("Record 1 was rebuilt: 1 references replaced, 1 missing."));
+    QVERIFY(fs::exists(folderOf("0000001") / "~0000001.thumbnail.jpg"));
+    QVERIFY(!stored("ThumbnailMD5Hash", 1).empty());
+    QCOMPARE(tiles.model()->rowCount(), 1);
 }
 
 void RebuildTest::cancelLeavesTheRemainingRows() {

@@ -58,6 +58,7 @@ struct RebuildArguments {
     std::string out; ///< folder that gets a folder a page
     bool noScripts = false;
     bool wideIds = false;
+    bool noThumbnails = false; ///< whatever the setting says
 };
 Exit rebuildCommand(Session &session, const RebuildArguments &arguments);
 /// What stands in the place of each reference of a page that was rebuilt.

@@ -1,8 +1,8 @@
 #include "app/cli/ContactSheet.h"
 
-#include "app/cli/RowWriter.h"
 #include "base/Text.h"
 #include "readers/ContentProbe.h"
+#include "views/CellText.h"
 
 #include <fmt/format.h>
 
@@ -36,9 +36,8 @@ small {{ display: block; color: #555; unicode-bidi: isolate }}
 )";
 
 std::string escaped(std::string_view text) {
-    const std::string plain = printable(isUtf8(text) ? std::string(text) : decodeText(text));
     std::string html;
-    for (const char c : plain)
+    for (const char c : plainLine(text))
         switch (c) {
         case '&':
             html += "&amp;";
@@ -94,10 +93,9 @@ std::string pictureOf(const Bytes &thumbnail) {
 }
 
 std::string tileText(const TileClass &tile, const Bytes &thumbnail) {
-    std::string shape;
-    if (tile.PictureWidth > 0 && tile.PictureHeight > 0)
-        shape = fmt::format("<small>{} x {}, P.A.R.D. {}</small>", tile.PictureWidth,
-                            tile.PictureHeight, tile.PARDValue);
+    std::string shape = shapeText(tile);
+    if (!shape.empty())
+        shape = "<small>" + shape + "</small>";
     return fmt::format("<figure{}><div class=\"picture\">{}</div><figcaption>{}{}{}<small>{}"
                        "</small></figcaption></figure>\n",
                        tile.Tagged ? " class=\"tagged\"" : "", pictureOf(thumbnail),
@@ -106,6 +104,18 @@ std::string tileText(const TileClass &tile, const Bytes &thumbnail) {
 }
 
 } // namespace
+
+std::string plainLine(std::string_view text) {
+    constexpr std::size_t kMostChars = 4096; // some cached URLs are longer than any sheet
+    return displayText(isUtf8(text) ? std::string(text) : decodeText(text), kMostChars);
+}
+
+std::string shapeText(const TileClass &tile) {
+    if (tile.PictureWidth <= 0 || tile.PictureHeight <= 0)
+        return {};
+    return fmt::format("{} x {}, P.A.R.D. {}", tile.PictureWidth, tile.PictureHeight,
+                       tile.PARDValue);
+}
 
 void writeContactSheet(std::ostream &out, const ContactSheet &sheet) {
     out << fmt::format(kHead, escaped(sheet.title));

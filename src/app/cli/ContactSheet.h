@@ -6,12 +6,12 @@
 #include <functional>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace nv::cli {
 
-/// A gallery page as one HTML file that needs nothing else: thumbnails stand in it as data, and
-/// texts of evidence as texts that lead nowhere.
+/// A gallery page on one sheet.
 struct ContactSheet {
     std::string title;
     std::vector<std::string> lines; ///< under the title: what is shown
@@ -19,6 +19,13 @@ struct ContactSheet {
     std::function<Bytes(UrlId)> thumbnail;
 };
 
+/// A text of evidence as one line of UTF-8.
+std::string plainLine(std::string_view text);
+/// "468 x 60, P.A.R.D. 88"; empty for a tile that was not measured.
+std::string shapeText(const TileClass &tile);
+
+/// As one HTML file that needs nothing else: thumbnails stand in it as data, and texts of evidence
+/// as texts that lead nowhere.
 void writeContactSheet(std::ostream &out, const ContactSheet &sheet);
 
 } // namespace nv::cli

@@ -1,10 +1,13 @@
+#include "app/DrawingTools.h"
 #include "app/Project.h"
 #include "app/cli/Commands.h"
 #include "app/cli/ContactSheet.h"
 #include "app/cli/OutputPath.h"
+#include "app/cli/SheetPicture.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "db/StoredQueries.h"
+#include "platform/posix/SheetFile.h"
 #include "views/Gallery.h"
 
 #include <fmt/format.h>
@@ -70,10 +73,16 @@ PARDClass shapesOf(const GalleryArguments &arguments) {
     return PARD;
 }
 
+bool isPicture(const fs::path &file) {
+    return toLower(textOf(file.extension())) == ".png";
+}
+
 void checkTarget(const GalleryArguments &arguments, const fs::path &base) {
     const fs::path file = arguments.out;
-    if (toLower(textOf(file.extension())) != ".html" && toLower(textOf(file.extension())) != ".htm")
-        throw UsageError(fmt::format("--out {}: a file *.html was expected", arguments.out));
+    const std::string extension = toLower(textOf(file.extension()));
+    if (extension != ".html" && extension != ".htm" && !isPicture(file))
+        throw UsageError(
+            fmt::format("--out {}: a file *.html or *.png was expected", arguments.out));
     if (fs::exists(file) && (!arguments.overwrite || !fs::is_regular_file(file)))
         throw UsageError(
             fmt::format("\"{}\" is there already; --overwrite replaces a file", textOf(file)));
@@ -110,15 +119,26 @@ std::vector<std::string> linesOf(const Gallery &gallery, const GalleryArguments 
     return lines;
 }
 
+void drawSheet(Session &session, const ContactSheet &sheet, const GalleryArguments &arguments) {
+    if (sheet.tiles.Count() > kMostSheetTiles)
+        throw UsageError(fmt::format("{} tiles are too many for a picture: ask for {} with "
+                                     "--per-page, or for *.html",
+                                     sheet.tiles.Count(), kMostSheetTiles));
+    drawContactSheet(sheet, *makeDrawing(session.scratch()), session.scratch(), arguments.out);
+}
+
 void writeSheet(Session &session, const Gallery &gallery, const GalleryArguments &arguments) {
     Program &program = session.program;
+    const ContactSheet sheet{
+        "Gallery of " + textOf(fs::path(arguments.project).filename()), linesOf(gallery, arguments),
+        gallery.gallery().Tiles, [&program](UrlId id) {
+            return thumbnailOf(program.thisClass.ProjectDB.connection(), program.log, id);
+        }};
+    if (isPicture(arguments.out))
+        return drawSheet(session, sheet, arguments);
     errno = 0;
     std::ofstream file(fs::path(arguments.out), std::ios::binary | std::ios::trunc);
-    writeContactSheet(
-        file, {"Gallery of " + textOf(fs::path(arguments.project).filename()),
-               linesOf(gallery, arguments), gallery.gallery().Tiles, [&program](UrlId id) {
-                   return thumbnailOf(program.thisClass.ProjectDB.connection(), program.log, id);
-               }});
+    writeContactSheet(file, sheet);
     file.close();
     if (!file)
         throw FileFailure("cannot write", arguments.out, errno);

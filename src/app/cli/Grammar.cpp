@@ -153,6 +153,8 @@ void Grammar::addRebuilding() {
     rebuild->add_option("--out", m_rebuild.out, "Folder that gets a folder a page")->required();
     rebuild->add_flag("--no-scripts", m_rebuild.noScripts, "Turn scripts into comments");
     rebuild->add_flag("--wide-ids", m_rebuild.wideIds, "Parts may have ids above 32767");
+    rebuild->add_flag("--no-thumbnails", m_rebuild.noThumbnails,
+                      "Leave the pages' thumbnails as they are");
 
     CLI::App *audit =
         command("audit", "What stands for each reference of a rebuilt page", [this](Session &s) {
@@ -205,7 +207,7 @@ void Grammar::addPictures() {
     thumbnails->add_flag("--all", m_thumbnails.all, "Every cached picture and page");
     thumbnails->add_flag("--redo", m_thumbnails.redo, "Rows that have a thumbnail too");
 
-    CLI::App *gallery = command("gallery", "Write a page of thumbnails as one HTML file",
+    CLI::App *gallery = command("gallery", "Write a page of thumbnails as one HTML file or picture",
                                 [this](Session &s) { return galleryCommand(s, m_gallery); });
     addProject(gallery, m_gallery.project);
     gallery->add_option("--query", m_gallery.query, "Name of a stored query (default: _DEFAULT)");
@@ -216,7 +218,7 @@ void Grammar::addPictures() {
     gallery->add_option("--page", m_gallery.page, "Number of the page, from 1");
     gallery->add_option("--per-page", m_gallery.perPage, "Tiles a page (default: the settings')")
         ->check(CLI::PositiveNumber);
-    gallery->add_option("--out", m_gallery.out, "The HTML file to write")->required();
+    gallery->add_option("--out", m_gallery.out, "The file to write, *.html or *.png")->required();
     gallery->add_flag("--overwrite", m_gallery.overwrite, "Replace the file when it is there");
 }
 

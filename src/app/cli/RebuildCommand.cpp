@@ -56,6 +56,8 @@ struct Totals {
     std::size_t rebuilt = 0;
     std::size_t replaced = 0;
     std::size_t missing = 0;
+    std::size_t drawn = 0;   ///< thumbnails
+    std::size_t undrawn = 0; ///< of them failed
 };
 
 void add(Totals &totals, const RebuiltPage &page) {
@@ -63,6 +65,8 @@ void add(Totals &totals, const RebuiltPage &page) {
     totals.rebuilt += page.rebuilt ? 1 : 0;
     totals.replaced += page.replaced;
     totals.missing += page.missing;
+    totals.drawn += page.thumbnail == Redrawn::yes ? 1 : 0;
+    totals.undrawn += page.thumbnail == Redrawn::failed ? 1 : 0;
 }
 
 std::string lineOf(const RebuiltPage &page) {
@@ -70,8 +74,19 @@ std::string lineOf(const RebuiltPage &page) {
         return fmt::format("{:>9}  not rebuilt: no references that can be replaced, or no cached "
                            "content\n",
                            page.URL_ID);
-    return fmt::format("{:>9}  {} tags found, {} replaced, {} missing  {}\n", page.URL_ID,
-                       page.tagsFound, page.replaced, page.missing, textOf(page.folder.filename()));
+    return fmt::format("{:>9}  {} tags found, {} replaced, {} missing  {}{}\n", page.URL_ID,
+                       page.tagsFound, page.replaced, page.missing, textOf(page.folder.filename()),
+                       page.thumbnail == Redrawn::failed ? "  thumbnail not drawn" : "");
+}
+
+void tellTotals(Session &session, const Totals &totals) {
+    session.out << fmt::format("{} of {} pages rebuilt, {} references replaced, {} missing\n",
+                               totals.rebuilt, totals.pages, totals.replaced, totals.missing);
+    if (totals.drawn > 0)
+        session.out << fmt::format("{} thumbnails drawn anew\n", totals.drawn);
+    if (totals.undrawn > 0)
+        session.err << fmt::format("{} thumbnails could not be drawn; see \"{}\"\n", totals.undrawn,
+                                   textOf(session.program.log.path()));
 }
 
 } // namespace
@@ -83,6 +98,7 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
     refuseEvidence(arguments.out, program.thisClass.RootPath);
     program.thisClass.DisableScriptTags = arguments.noScripts;
     program.thisClass.WideRecordIds |= arguments.wideIds;
+    program.thisClass.RedrawThumbIfPageRebuilt &= !arguments.noThumbnails;
     Totals totals;
     bool whole = false;
     {
@@ -97,8 +113,7 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
         });
     }
     session.task.clear();
-    session.out << fmt::format("{} of {} pages rebuilt, {} references replaced, {} missing\n",
-                               totals.rebuilt, totals.pages, totals.replaced, totals.missing);
+    tellTotals(session, totals);
     closeProject(program);
     return whole ? Exit::ok : Exit::interrupted;
 }

@@ -17,6 +17,7 @@ GalleryPart::GalleryPart(Workbench &bench)
         m_bench.run("MainForm.makeThumbnails()", [this] { makeThumbnailsOfAll(); });
     });
     connect(&table, &TableTab::statusChanged, this, &GalleryPart::followTable);
+    connect(&bench, &Workbench::thumbnailsChanged, m_gallery, &GalleryTab::setDirty);
     connect(&bench, &Workbench::projectOpened, this, &GalleryPart::open);
     connect(&bench, &Workbench::projectClosing, m_gallery, &GalleryTab::closeProject);
 }
@@ -48,7 +49,7 @@ void GalleryPart::makeThumbnailsOfAll() {
             const ThumbnailTools tools(program, program.thisClass.TempFolderPath);
             totals = makeThumbnails(tools.context(), drawableIds(program, Redo::no), task);
         });
-    m_gallery->setDirty();
+    emit m_bench.thumbnailsChanged();
     m_bench.showNotice(
         tr("%L1 thumbnails made, %L2 drawings failed").arg(totals.made).arg(totals.failed));
 }

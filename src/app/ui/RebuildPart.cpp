@@ -66,6 +66,8 @@ void RebuildPart::rebuildOne(std::int64_t id) {
 
 void RebuildPart::showRebuilt(const RebuildReport &report) {
     m_bench.refreshRows();
+    if (std::ranges::count(report.pages, Redrawn::yes, &RebuiltPage::thumbnail) > 0)
+        emit m_bench.thumbnailsChanged();
     m_bench.showNotice(toQt(reportText(report)));
 }
 

@@ -152,7 +152,12 @@ QWidget *ImportChoicePage::newOptions(const ImportClass &job) {
                       job.VerifyFileSignatures);
     m_metadata = newBox(tr("Read titles, texts and links of cached pages (advanced &metadata)"),
                         "chkParseAdvancedMetadata", job.ParseAdvancedMetadata);
-    for (QCheckBox *box : {m_recurse, m_verify, m_metadata})
+    m_thumbnails = newBox(tr("Make &thumbnails of pictures and pages while importing"),
+                          "chkThumbnailsWhileImporting", job.MakeThumbnails);
+    m_thumbnails->setToolTip(
+        tr("Makes the import slower: some seven pages and some hundred pictures are drawn in a "
+           "second. The gallery can make them later."));
+    for (QCheckBox *box : {m_recurse, m_verify, m_metadata, m_thumbnails})
         column->addWidget(box);
     return group;
 }
@@ -167,6 +172,7 @@ void ImportChoicePage::applyTo(ImportClass &job) const {
     job.RecurseSubfolders = m_recurse->isChecked();
     job.VerifyFileSignatures = m_verify->isChecked();
     job.ParseAdvancedMetadata = m_metadata->isChecked();
+    job.MakeThumbnails = m_thumbnails->isChecked();
     for (const Kind &kind : m_kinds)
         job.*kind.member = kind.box->isChecked();
 }

@@ -53,6 +53,7 @@ class ImportChoicePage final : public QWidget {
     QCheckBox *m_recurse = nullptr;
     QCheckBox *m_verify = nullptr;
     QCheckBox *m_metadata = nullptr;
+    QCheckBox *m_thumbnails = nullptr;
     std::vector<Kind> m_kinds;
 };
 

@@ -90,6 +90,7 @@ void ImportForm::startScan() {
     ImportClass &job = m_program.import;
     m_choice->applyTo(job);
     m_program.settings.WriteIniValue("OPTIONS", "ParseAdvancedMetaData", job.ParseAdvancedMetadata);
+    m_program.settings.WriteIniValue("BEYOND", "ThumbnailsWhileImporting", job.MakeThumbnails);
     if (!startingDirectoryIsThere())
         return;
     job.HistoryFiles.Clear();

@@ -2,6 +2,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <array>
+#include <utility>
+
 namespace nv {
 
 using nlohmann::json;
@@ -38,6 +42,19 @@ std::string lineOf(const json &object) {
     return object.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
+using Kind = DrawJob::Kind;
+constexpr std::array<std::pair<Kind, std::string_view>, 3> kKinds = {
+    {{Kind::picture, "picture"}, {Kind::page, "page"}, {Kind::sheet, "sheet"}}};
+
+std::string_view wordOf(Kind kind) {
+    return std::ranges::find(kKinds, kind, &std::pair<Kind, std::string_view>::first)->second;
+}
+
+std::optional<Kind> kindOf(std::string_view word) {
+    const auto *found = std::ranges::find(kKinds, word, &std::pair<Kind, std::string_view>::second);
+    return found != kKinds.end() ? std::optional(found->first) : std::nullopt;
+}
+
 /// Parses without a failure thrown; what is missing or of another kind is read as `otherwise`.
 template <class Value>
 Value member(const json &object, const char *name, Value otherwise) {
@@ -61,7 +78,7 @@ json objectOf(std::string_view line) {
 } // namespace
 
 std::string lineOf(const TimedJob &job) {
-    return lineOf(json{{"kind", job.job.kind == DrawJob::Kind::page ? "page" : "picture"},
+    return lineOf(json{{"kind", wordOf(job.job.kind)},
                        {"source", charactersOf(job.job.source)},
                        {"target", charactersOf(job.job.target)},
                        {"width", job.job.width},
@@ -80,17 +97,16 @@ std::string lineOf(const DrawnJob &drawn) {
 
 std::optional<TimedJob> timedJobOf(std::string_view line) {
     const json object = objectOf(line);
-    const auto kind = member<std::string>(object, "kind", {});
+    const auto kind = kindOf(member<std::string>(object, "kind", {}));
     TimedJob timed;
-    timed.job.kind = kind == "page" ? DrawJob::Kind::page : DrawJob::Kind::picture;
+    timed.job.kind = kind.value_or(Kind::picture);
     timed.job.source = pathOf(member<std::string>(object, "source", {}));
     timed.job.target = pathOf(member<std::string>(object, "target", {}));
     timed.job.width = static_cast<int>(number(object, "width"));
     timed.job.height = static_cast<int>(number(object, "height"));
     timed.timeout = std::chrono::seconds(number(object, "timeout"));
-    const bool isWhole = (kind == "page" || kind == "picture") && !timed.job.source.empty() &&
-                         !timed.job.target.empty() && timed.job.width > 0 && timed.job.height > 0 &&
-                         timed.timeout.count() > 0;
+    const bool isWhole = kind && !timed.job.source.empty() && !timed.job.target.empty() &&
+                         timed.job.width > 0 && timed.job.height > 0 && timed.timeout.count() > 0;
     return isWhole ? std::optional(timed) : std::nullopt;
 }
 

@@ -2,7 +2,6 @@
 
 #include "platform/qt/QtText.h"
 
-#include <QImage>
 #include <QImageReader>
 #include <QPainter>
 
@@ -38,48 +37,57 @@ QImage onWhite(const QImage &picture) {
     return flat;
 }
 
-Drawn failed(Drawn drawn, std::string why) {
-    drawn.failure = std::move(why);
-    return drawn;
-}
-
 } // namespace
 
 ImageThumbnailer::ImageThumbnailer() {
     QImageReader::setAllocationLimit(kMostMegabytes);
 }
 
-Drawn ImageThumbnailer::draw(const DrawJob &job) const {
-    Drawn drawn;
-    QImageReader reader(pathToQt(job.source));
+QImage ImageThumbnailer::read(const QString &file, QSize box, Drawn &drawn) const {
+    QImageReader reader(file);
     reader.setDecideFormatFromContent(true);
     // Before anything else is asked: afterwards the reader no longer looks at the content.
-    if (!isDrawn(reader.format()))
-        return failed(drawn, "The file is no picture that can be drawn.");
-    const QSize box(job.width, job.height);
-    const QSize size = reader.size();
+    if (!isDrawn(reader.format())) {
+        drawn.failure = "The file is no picture that can be drawn.";
+        return {};
+    }
+    reader.setAutoTransform(true);
+    const QSize size = reader.size(); // as stored
     if (size.isValid()) {
         drawn.pictureWidth = size.width();
         drawn.pictureHeight = size.height();
-        if (pixelsOf(size) > kMostPixels)
-            return failed(drawn, "The picture has too many pixels to be drawn.");
-        // The decoder then makes the small picture itself, which takes half the time.
-        reader.setScaledSize(fitted(size, box));
+        if (pixelsOf(size) > kMostPixels) {
+            drawn.failure = "The picture has too many pixels to be drawn.";
+            return {};
+        }
+        // The decoder then makes the small picture itself, which takes half the time. It is turned
+        // afterwards.
+        const bool isOnItsSide = reader.transformation() & QImageIOHandler::TransformationRotate90;
+        reader.setScaledSize(fitted(size, isOnItsSide ? box.transposed() : box));
     }
     const QImage picture = reader.read();
-    if (picture.isNull())
-        return failed(drawn, fromQt(reader.errorString()));
+    if (picture.isNull()) {
+        drawn.failure = fromQt(reader.errorString());
+        return {};
+    }
     if (!size.isValid()) {
         drawn.pictureWidth = picture.width();
         drawn.pictureHeight = picture.height();
     }
     const QSize target = fitted(picture.size(), box);
-    const QImage small = target == picture.size() ? picture
-                                                  : picture.scaled(target, Qt::IgnoreAspectRatio,
-                                                                   Qt::SmoothTransformation);
-    if (!onWhite(small).save(pathToQt(job.target), "BMP"))
-        return failed(drawn, "The thumbnail can't be written.");
-    drawn.done = true;
+    return onWhite(target == picture.size()
+                       ? picture
+                       : picture.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+}
+
+Drawn ImageThumbnailer::draw(const DrawJob &job) const {
+    Drawn drawn;
+    const QImage small = read(pathToQt(job.source), {job.width, job.height}, drawn);
+    if (small.isNull())
+        return drawn;
+    drawn.done = small.save(pathToQt(job.target), "BMP");
+    if (!drawn.done)
+        drawn.failure = "The thumbnail can't be written.";
     return drawn;
 }
 

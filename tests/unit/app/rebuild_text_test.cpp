@@ -43,6 +43,17 @@ TEST(RebuildText, aBatchCountsItsReasons) {
         "part has an id above 32767; switch on [BEYOND] WideRecordIds in the settings.");
 }
 
+TEST(RebuildText, thumbnailsThatWereNotDrawnAreTold) {
+    RebuiltPage page = rebuiltPage(17, 12, 3);
+    page.thumbnail = Redrawn::failed;
+    EXPECT_EQ(
+        reportText({1, {page}, false}),
+        "Record 17 was rebuilt: 12 references replaced, 3 missing. Its thumbnail could not be "
+        "drawn; the error log tells why.");
+    EXPECT_EQ(reportText({3, {page, rebuiltPage(1, 0, 0), page}, false}),
+              "3 of 3 pages rebuilt. 2 thumbnails could not be drawn; the error log tells why.");
+}
+
 TEST(RebuildText, aCancelledBatchSaysHowFarItCame) {
     EXPECT_EQ(reportText({3, {rebuiltPage(1, 1, 0)}, true}), "Cancelled: 1 of 3 pages rebuilt.");
     EXPECT_EQ(reportText({1, {}, true}), "Cancelled: 0 of 1 pages rebuilt.");

@@ -73,6 +73,27 @@ TEST_F(StyleSheetTest, isSearchedForTheNameWithoutBlanksAndReplacedOnlyAsItStand
     EXPECT_TRUE(hasPicture("_css0000001.gif"));
 }
 
+TEST_F(StyleSheetTest, ofTwoInAPageNeitherLosesAPicture) {
+    picture("http://host/one_pic.gif", "GIF89a one");
+    picture("http://host/two_pic.gif", "GIF89a two");
+    picture("http://host/gone_pic.gif", ""); // keeps its number
+    add("http://host/style/main.css", "url(gone_pic.gif);\r\n\r\nurl(one_pic.gif);\r\n");
+    add("http://host/style/extra.css", "url(two_pic.gif);\r\n");
+    const UrlId pageId =
+        add("http://host/page.html", "<html><link href=\"/style/main.css\" >\r\n<link "
+                                     "href=\"/style/extra.css\" >\r\n<body>text</body></html> ");
+    ASSERT_TRUE(rebuild(pageId));
+    EXPECT_NE(fileOf(pageId, "0000004.css").find("url(_css0000001.gif);"), std::string::npos);
+    EXPECT_NE(fileOf(pageId, "0000004.css").find("url(_css0000002.gif);"), std::string::npos);
+    EXPECT_NE(fileOf(pageId, "0000005.css").find("url(_css0000003.gif);"), std::string::npos);
+    EXPECT_EQ(fileOf(pageId, "_css0000002.gif"), "GIF89a one");
+    EXPECT_EQ(fileOf(pageId, "_css0000003.gif"), "GIF89a two");
+    EXPECT_FALSE(fs::exists(rebuildFolderOf(pageId, context()) / "_css0000001.gif"));
+    // Another harvest gives the same names.
+    ASSERT_TRUE(UnpackIngredients(page, context()));
+    EXPECT_EQ(fileOf(pageId, "_css0000003.gif"), "GIF89a two");
+}
+
 TEST_F(StyleSheetTest, isRenamedThoughItsPictureIsMissing) {
     picture("http://host/one_pic.gif", "");
     EXPECT_EQ(rewritten("url(one_pic.gif);\n"),

@@ -63,6 +63,18 @@ TEST_F(RowCellsTest, historyCountsItsParentsAndOthersTheirChildren) {
     EXPECT_EQ(text(add({}), UrlColumn::Linked), "") << "only numbers above 0";
 }
 
+TEST_F(RowCellsTest, theTimeOfARebuildHasItsMonthAsAWord) {
+    const auto shown = [this](const char *stored) {
+        return text(add({{"RebuiltDateTime", stored}}), UrlColumn::TimeRebuilt);
+    };
+    EXPECT_EQ(shown("03-06-2011 09:05:00"), "03-Jun-2011 09:05:00");
+    EXPECT_EQ(shown("29-02-2012 23:59:59"), "29-Feb-2012 23:59:59");
+    // What isn't in the form that rebuilding writes stands as it was written.
+    for (const char *other : {"29-02-2011 23:59:59", "15-06-2011", "2011-06-15 12:00:00", "soon",
+                              "15-06-2011 12:00:00 PM", "15-06-2011 25:00:00", ""})
+        EXPECT_EQ(shown(other), other);
+}
+
 TEST_F(RowCellsTest, nullDatesAreEmptyInWhateverForm) {
     const auto id = add({{"ExpiryDate", 0.0}, {"RebuiltDateTime", "12:00:00AM"}});
     EXPECT_EQ(text(id, UrlColumn::ExpiryDate), "");

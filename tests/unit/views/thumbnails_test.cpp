@@ -2,14 +2,14 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
+#include "support/FakeDrawing.h"
 #include "support/TestProject.h"
+#include "views/PageThumbnails.h"
 #include "views/ThumbnailJobs.h"
 #include "views/Thumbnails.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <set>
 
 namespace nv::test {
 namespace {
@@ -20,39 +20,6 @@ using testing::HasSubstr;
 std::string contentsOf(const fs::path &file) {
     return std::string(ByteView(readWhole(file)).raw());
 }
-
-/// Draws by writing "BM" or "JPEG" and the source's bytes. A source that holds "broken" fails.
-class FakeDrawing final : public Drawing {
-  public:
-    void draw(std::span<const DrawJob> jobs, std::chrono::seconds timeout,
-              const std::function<bool(std::size_t, const Drawn &)> &take,
-              const std::function<bool()> &goOn) override {
-        batches.push_back(jobs.size());
-        timeouts.push_back(timeout);
-        for (std::size_t i = 0; i < jobs.size(); ++i)
-            if (!goOn() || !take(i, drawOne(jobs[i])))
-                return;
-    }
-
-    std::vector<std::size_t> batches;
-    std::vector<std::chrono::seconds> timeouts;
-    std::vector<DrawJob> drawn;
-    std::set<std::string> neighbours; ///< names seen beside the sources
-    int failures = 0;                 ///< of the next drawings
-
-  private:
-    Drawn drawOne(const DrawJob &job) {
-        drawn.push_back(job);
-        for (const fs::directory_entry &entry : fs::directory_iterator(job.source.parent_path()))
-            neighbours.insert(entry.path().filename().string());
-        const std::string source = contentsOf(job.source);
-        if (failures-- > 0 || source.find("broken") != std::string::npos)
-            return {false, "not a picture", 0, 0, 0};
-        const bool picture = job.kind == DrawJob::Kind::picture;
-        writeWhole(job.target, (picture ? "BM" : "JPEG") + source);
-        return {true, "", picture ? 468 : 0, picture ? 60 : 0, 0};
-    }
-};
 
 /// A project with cached files of Internet Explorer that lie in a folder of evidence.
 class ThumbnailsTest : public testing::Test {
@@ -257,6 +224,21 @@ TEST_F(ThumbnailsTest, aRebuiltPageIsTriedTwice) {
     EXPECT_FALSE(CreateHTMLThumbnail(page, temp / "page.jpg", UrlId{id}, 120, context()));
     EXPECT_EQ(drawing.drawn.size(), 4u);
     EXPECT_FALSE(fs::exists(temp / "page.jpg")); // the old one doesn't pass for a new one
+}
+
+TEST_F(ThumbnailsTest, rebuiltPagesAreDrawnTogetherAndTheFailedOnesOnceMore) {
+    std::vector<PageDrawing> pages;
+    for (const char *text : {"one", "broken", "three"}) {
+        const UrlId id{add(std::string(text) + "[1].htm", "<html>")};
+        pages.push_back({id, project.folder.write(std::string(text) + ".htm", text),
+                         temp / (std::string(text) + ".jpg")});
+    }
+    EXPECT_EQ(CreateHTMLThumbnails(pages, 200, context(), task),
+              (std::vector<bool>{true, false, true}));
+    EXPECT_EQ(drawing.batches, (std::vector<std::size_t>{3, 1}));
+    EXPECT_EQ(field(3, "ThumbnailBLOB"), "JPEGthree");
+    EXPECT_EQ(project.log.entries.size(), 2u);
+    EXPECT_TRUE(CreateHTMLThumbnails({}, 200, context(), task).empty());
 }
 
 TEST_F(ThumbnailsTest, theSameBytesCostNoWrite) {
