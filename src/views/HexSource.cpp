@@ -39,13 +39,6 @@ Bytes HexSource::row(std::uint64_t index) {
     return {raw.begin(), raw.end()};
 }
 
-std::string HexSource::line(std::uint64_t index) {
-    const Bytes bytes = row(index);
-    const ByteView view(bytes, index * kHexRowBytes);
-    return fmt::format("{}  {:<{}}  {}", hexOffset(view.place(), offsetDigits()), hexBytes(view),
-                       kHexWidth, hexChars(view));
-}
-
 std::string hexOffset(std::uint64_t offset, int digits) {
     return fmt::format("{:0{}X}", offset, digits);
 }
@@ -55,6 +48,11 @@ std::string hexBytes(ByteView bytes) {
     for (std::size_t at = 0; at < bytes.size(); ++at)
         text += fmt::format("{}{:02X}", at == 0 ? "" : " ", bytes.u8(at));
     return text;
+}
+
+std::string hexLine(ByteView bytes, int digits) {
+    return fmt::format("{}  {:<{}}  {}", hexOffset(bytes.place(), digits), hexBytes(bytes),
+                       kHexWidth, hexChars(bytes));
 }
 
 std::string hexChars(ByteView bytes) {

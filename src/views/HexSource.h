@@ -25,8 +25,6 @@ class HexSource {
     int offsetDigits() const;
     /// The bytes of a row, 0-based; fewer in the last one, none behind it. Throws FileFailure.
     Bytes row(std::uint64_t index);
-    /// "00000010  4A 46 49 46 ...  JFIF...".
-    std::string line(std::uint64_t index);
 
   private:
     static constexpr std::uint64_t kWindowBytes = 64 * 1024;
@@ -40,6 +38,9 @@ class HexSource {
 std::string hexOffset(std::uint64_t offset, int digits);
 /// "4A 46 49 46".
 std::string hexBytes(ByteView bytes);
+/// "00000010  4A 46 49 46 ...  JFIF...": at most a row's bytes with their offset, which is the
+/// view's place.
+std::string hexLine(ByteView bytes, int digits);
 /// A character a byte: printable ASCII as it is, a point for every other byte.
 std::string hexChars(ByteView bytes);
 

@@ -43,6 +43,7 @@ Grammar::Grammar()
     addRebuilding();
     addTemplates();
     addPictures();
+    addViewers();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/cli/Commands.h"
+#include "app/cli/ViewerCommands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -33,6 +34,7 @@ class Grammar {
     void addRebuilding();
     void addTemplates();
     void addPictures();
+    void addViewers();
 
     ImportArguments m_import;
     ListArguments m_list;
@@ -41,6 +43,9 @@ class Grammar {
     ThumbnailArguments m_thumbnails;
     GalleryArguments m_gallery;
     TemplateArguments m_template;
+    NoteArguments m_note;
+    HexArguments m_hex;
+    RowArguments m_row;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";

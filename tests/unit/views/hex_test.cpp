@@ -27,6 +27,11 @@ class HexTest : public testing::Test {
         return find(bytes, needlesOfText(text, letters));
     }
 
+    static std::string lineOf(HexSource &source, std::uint64_t row) {
+        const Bytes bytes = source.row(row);
+        return hexLine(ByteView(bytes, row * kHexRowBytes), source.offsetDigits());
+    }
+
     TempFolder folder;
 };
 
@@ -34,10 +39,10 @@ TEST_F(HexTest, rowsHaveOffsetBytesAndCharacters) {
     HexSource source(folder.write("bytes", "0123456789ABCDEF\x00JF\xE9\x7F"s));
     EXPECT_EQ(source.size(), 21U);
     EXPECT_EQ(source.rowCount(), 2U);
-    EXPECT_EQ(source.line(0), "00000000  30 31 32 33 34 35 36 37 38 39 41 42 43 44 45 46  "
-                              "0123456789ABCDEF");
-    EXPECT_EQ(source.line(1), "00000010  00 4A 46 E9 7F                                   "
-                              ".JF..");
+    EXPECT_EQ(lineOf(source, 0), "00000000  30 31 32 33 34 35 36 37 38 39 41 42 43 44 45 46  "
+                                 "0123456789ABCDEF");
+    EXPECT_EQ(lineOf(source, 1), "00000010  00 4A 46 E9 7F                                   "
+                                 ".JF..");
     EXPECT_TRUE(source.row(2).empty());
     EXPECT_TRUE(source.row(UINT64_MAX).empty());
 }
@@ -60,7 +65,7 @@ TEST_F(HexTest, aFileOfGigabytesIsReadOnlyWhereItIsLookedAt) {
     HexSource source(path);
     EXPECT_EQ(source.offsetDigits(), 9);
     EXPECT_EQ(source.rowCount(), size / 16 + 1);
-    EXPECT_EQ(source.line(source.rowCount() - 1).substr(0, 20), "500000000  65 6E 64 ");
+    EXPECT_EQ(lineOf(source, source.rowCount() - 1).substr(0, 20), "500000000  65 6E 64 ");
     Unwatched task;
     const HexSearch search =
         findInFile(source.file(), needlesOfText("END", LetterCase::ignored), size - 1000, task);
