@@ -14,14 +14,18 @@ namespace fs = std::filesystem;
 namespace {
 
 std::string placeOf(const URLClass &record) {
-    if (record.DataBlockFile.empty())
-        return record.CacheFileRelativePath.empty()
-                   ? "the record names no cached file"
-                   : "expected at " + record.RootPath + record.CacheFileRelativePath;
-    return fmt::format("expected {} bytes at {} of the block file or file \"{}\" of the cache in "
-                       "{}{}",
-                       record.CacheFileSize, record.DataBlockFileOffset, record.DataBlockFile,
-                       record.RootPath, record.CacheRootPath);
+    if (!record.DataBlockFile.empty())
+        return fmt::format("expected {} bytes at {} of the block file or file \"{}\" of the cache "
+                           "in {}{}",
+                           record.CacheFileSize, record.DataBlockFileOffset, record.DataBlockFile,
+                           record.RootPath, record.CacheRootPath);
+    if (!record.CacheFileRelativePath.empty())
+        return "expected at " + record.RootPath + record.CacheFileRelativePath;
+    // What wasn't there at the import has a name, but no path.
+    if (!record.CacheFileName.empty())
+        return fmt::format("expected as \"{}\" in the folder \"{}\" of the cache in {}",
+                           record.CacheFileName, record.CacheFolderName, record.CacheRootPath);
+    return "the record names no cached file";
 }
 
 bool isPlainFile(const fs::path &path) {

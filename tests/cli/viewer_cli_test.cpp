@@ -33,6 +33,7 @@ class ViewerCliTest : public testing::Test {
         fs::create_directories(evidence / "ABCDEFGH");
         writeWhole(evidence / "ABCDEFGH" / name, content);
         index.add({.url = url,
+                   .secondDate = fileTime(2011, 3, 1, 12),
                    .fileSize = static_cast<std::uint32_t>(content.size()),
                    .folder = 0,
                    .fileName = name});

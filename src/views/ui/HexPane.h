@@ -1,5 +1,6 @@
 #pragma once
 
+#include "views/HexFind.h"
 #include "views/ui/TableTab.h"
 #include "views/ui/ViewerFrame.h"
 

@@ -79,7 +79,7 @@ void PropertiesPane::clear() {
 }
 
 void PropertiesPane::showChosen() {
-    const QTreeWidgetItem *item = m_list->currentItem();
+    QTreeWidgetItem *item = m_list->currentItem();
     const auto place = static_cast<std::size_t>(m_list->indexOfTopLevelItem(item));
     if (!item || place >= m_properties.size())
         return m_whole->clear();
