@@ -103,7 +103,8 @@ void ViewersTest::init() {
     m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
     m_form->resize(1200, 900);
     m_form->show();
-    m_form->activateWindow();
+    QApplication::setActiveWindow(m_form.get());
+    QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
     CachedSite(m_desk->folder.path() / "evidence")
         .add("http://host/a.html", "a[1].htm",
              "<html><meta charset=utf-8>caf\xC3\xA9 one\tcaf\xC3\xA9 two \xE2\x80\xAE</html>")
