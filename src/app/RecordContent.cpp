@@ -53,6 +53,12 @@ std::string missingContent(const URLClass &record) {
     return "no cached content: " + placeOf(record);
 }
 
+std::string missingSource(const URLClass &record) {
+    if (record.HistoryFilePath.empty())
+        return "the record names no source file: its cached content is all there is";
+    return fmt::format("the source file \"{}\" isn't there", record.HistoryFilePath);
+}
+
 std::optional<SourcePlace> sourceOfRecord(const URLClass &record) {
     if (record.HistoryFilePath.empty())
         return std::nullopt;

@@ -29,6 +29,9 @@ struct SourcePlace {
     std::uint64_t offset = 0; ///< 0 too where the format's records have none
 };
 
+/// Why sourceOfRecord() gave nothing.
+std::string missingSource(const URLClass &record);
+
 /// The artefact file that the record was read from; nothing when it isn't there any more.
 std::optional<SourcePlace> sourceOfRecord(const URLClass &record);
 

@@ -26,8 +26,7 @@ std::optional<Place> placeOf(Session &session, RebuildTools &tools, const HexArg
             throw UsageError(fmt::format("the project has no row {}", urlId));
         if (const auto source = sourceOfRecord(*record))
             return Place{source->file, source->offset};
-        session.err << fmt::format("row {}: its source file \"{}\" isn't there\n", urlId,
-                                   printable(record->HistoryFilePath));
+        session.err << fmt::format("row {}: {}\n", urlId, printable(missingSource(*record)));
         return std::nullopt;
     }
     const auto content = contentOfRecord(tools, UrlId{urlId});

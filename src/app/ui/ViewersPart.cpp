@@ -191,11 +191,11 @@ void ViewersPart::showSource(UrlId id) {
     Unwatched nobody;
     RebuildTools tools(program, nobody, program.thisClass.TempFolderPath);
     const auto record = tools.record(number(id));
-    const auto source = record ? sourceOfRecord(*record) : std::nullopt;
+    if (!record)
+        return m_hex->showMissing(tr("The selected record could not be found."));
+    const auto source = sourceOfRecord(*record);
     if (!source)
-        return m_hex->showMissing(
-            tr("The source file isn't there: %1")
-                .arg(toQt(displayText(record ? record->HistoryFilePath : std::string(), 2000))));
+        return m_hex->showMissing(sentence(missingSource(*record)));
     state().Viewer.HexFilePath = textOf(source->file);
     m_hex->showFile(source->file, source->offset);
 }

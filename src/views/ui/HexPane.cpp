@@ -16,6 +16,10 @@ namespace {
 
 enum Kind { anyCase, sameCase, asBytes }; ///< in the order of the box
 
+QString sourceText() {
+    return HexPane::tr("&Source file at this record's offset");
+}
+
 } // namespace
 
 HexPane::HexPane(RunTask runTask, QWidget *parent)
@@ -51,7 +55,7 @@ void HexPane::addPlace() {
     m_offset->setPlaceholderText(tr("Go to offset"));
     m_offset->setToolTip(tr("Decimal, or hexadecimal as 0x1F40"));
     m_offset->setMaximumWidth(150);
-    m_source = new QPushButton(tr("&Source file at this record's offset"));
+    m_source = new QPushButton(sourceText());
     m_source->setObjectName(QStringLiteral("btnHexSource"));
     m_source->setCheckable(true);
     m_source->setToolTip(tr("Show the artefact file where the record stands in it, "
@@ -61,7 +65,11 @@ void HexPane::addPlace() {
     bar().addWidget(m_source);
     bar().addWidget(m_place);
     connect(m_offset, &QLineEdit::returnPressed, this, &HexPane::goToTyped);
-    connect(m_source, &QPushButton::toggled, this, &HexPane::sourceToggled);
+    connect(m_source, &QPushButton::toggled, this, [this](bool source) {
+        // A button that is down hardly looks it in some themes.
+        m_source->setText(source ? tr("&Back to the cached content") : sourceText());
+        emit sourceToggled();
+    });
 }
 
 void HexPane::showFile(const std::filesystem::path &file, std::uint64_t offset) {

@@ -1,6 +1,6 @@
+#include "MadeProject.h"
 #include "base/Files.h"
 #include "support/builders/ExifJpeg.h"
-#include "MadeProject.h"
 #include "views/Properties.h"
 
 #include <gmock/gmock.h>
