@@ -208,6 +208,9 @@ void ViewersTest::bytesAreShownFoundAndCopied() {
     typeInto("txtFindInHex", QStringLiteral("3C 68 74"));
     QTest::keyClick(&pane<QLineEdit>("txtFindInHex"), Qt::Key_Return);
     QCOMPARE(grid.selection().offset, 0U);
+    typeInto("txtFindInHex", QStringLiteral("3C"));
+    QTest::keyClick(&pane<QLineEdit>("txtFindInHex"), Qt::Key_Return);
+    QCOMPARE(grid.selection().offset, 6U); // not the match with the cursor once more
     typeInto("txtHexOffset", QStringLiteral("0x1A"));
     QTest::keyClick(&pane<QLineEdit>("txtHexOffset"), Qt::Key_Return);
     QCOMPARE(grid.cursor(), 26U);

@@ -74,6 +74,7 @@ void HexPane::addPlace() {
 
 void HexPane::showFile(const std::filesystem::path &file, std::uint64_t offset) {
     m_grid->setSource(std::make_unique<HexSource>(file));
+    m_matchAt.reset();
     showContent();
     m_grid->goTo(offset);
     showNotice(m_grid->source()->size() == 0 ? tr("The file is empty.") : QString());
@@ -122,20 +123,21 @@ void HexPane::findNext() {
     if (!m_grid->source() || !wanted)
         return;
     const FileReader &file = m_grid->source()->file();
-    const std::uint64_t from = m_grid->selection().length > 0 ? m_grid->cursor() + 1 : 0;
+    // A match with the cursor on it has been seen; a byte that was gone to may begin one.
+    const std::uint64_t from = m_grid->cursor() + (m_matchAt == m_grid->cursor() ? 1 : 0);
     HexSearch search;
     bool fromTop = false;
     m_runTask({"SEARCHING", "Looking for text or bytes", fromQt(m_find->text()), ""},
               [&](TaskMonitor &task) {
-                  // The byte with the cursor counts when nothing has been found yet.
-                  const bool fresh = from == 1 && m_grid->selection().length == 1;
-                  search = findInFile(file, *wanted, fresh ? 0 : from, task);
+                  search = findInFile(file, *wanted, from, task);
                   fromTop = !search.match && !search.cancelled && from > 0;
                   if (fromTop)
                       search = findInFile(file, *wanted, 0, task);
               });
-    if (search.match)
+    if (search.match) {
         m_grid->select(*search.match);
+        m_matchAt = search.match->offset;
+    }
     showNotice(search.match       ? fromTop ? tr("Found from the top.") : QString()
                      : search.cancelled ? tr("The search was cancelled.")
                                   : tr("Not found."));

@@ -51,6 +51,7 @@ class HexPane final : public ViewerFrame {
     QLineEdit *m_offset = nullptr;
     QPushButton *m_source = nullptr;
     QLabel *m_place = nullptr;
+    std::optional<std::uint64_t> m_matchAt; ///< of the last match in this file
 };
 
 } // namespace nv
