@@ -241,10 +241,12 @@ void ViewersTest::theSourceFileIsShownAtTheRecordsOffset() {
 void ViewersTest::aSearchInABigFileIsCancelled() {
     const fs::path big = m_desk->folder.write("big", "");
     fs::resize_file(big, std::uintmax_t{40} << 30);
-    HexPane hex([](const TaskHeading &, const auto &work) {
+    MemoryLog log;
+    const RunTask cancelled = [](const TaskHeading &, const auto &work) {
         CancelAfter task(1);
         work(task);
-    });
+    };
+    HexPane hex(cancelled, log);
     hex.resize(900, 300);
     hex.show();
     hex.showFile(big, 0);

@@ -73,7 +73,7 @@ ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
     m_text = new TextPane;
     m_picture = new PicturePane;
     m_picture->setNoResize(state().NoResizePicture);
-    m_hex = new HexPane(bench.runTask);
+    m_hex = new HexPane(bench.runTask, bench.program.log);
     addContentPane(*m_text, tr("Text"), "MainForm.showText()", &ViewersPart::showText);
     addContentPane(*m_picture, tr("Picture"), "MainForm.showPicture()", &ViewersPart::showPicture);
     addContentPane(*m_hex, tr("Hex"), "MainForm.showHex()", &ViewersPart::showHex);

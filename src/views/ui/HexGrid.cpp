@@ -1,5 +1,6 @@
 #include "views/ui/HexGrid.h"
 
+#include "base/Trap.h"
 #include "platform/qt/QtText.h"
 
 #include <QApplication>
@@ -8,6 +9,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -21,7 +23,7 @@ constexpr std::uint64_t kMostCopied = std::uint64_t{1} << 20;
 
 } // namespace
 
-HexGrid::HexGrid(QWidget *parent) : QAbstractScrollArea(parent) {
+HexGrid::HexGrid(FailureLog &log, QWidget *parent) : QAbstractScrollArea(parent), m_log(log) {
     setObjectName(QStringLiteral("HexGrid"));
     setAccessibleName(tr("Bytes of the file"));
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
@@ -112,10 +114,20 @@ void HexGrid::resizeEvent(QResizeEvent *event) {
     updateScrollBars();
 }
 
+/// A drive that went away would fail again with every painting, so the file is let go.
 void HexGrid::paintEvent(QPaintEvent *) {
     QPainter painter(viewport());
     if (!m_source)
         return;
+    const auto failure = failureOf(m_log, "HexGrid.paintEvent()", [&] { paintRows(painter); });
+    if (failure)
+        QTimer::singleShot(0, this, [this, reason = toQt(*failure)] {
+            setSource(nullptr);
+            emit unreadable(reason);
+        });
+}
+
+void HexGrid::paintRows(QPainter &painter) {
     painter.setFont(font());
     painter.translate(-horizontalScrollBar()->value(), 0);
     const std::uint64_t first = firstRow();

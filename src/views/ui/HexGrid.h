@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/FailureLog.h"
 #include "views/HexFind.h"
 #include "views/HexSource.h"
 
@@ -15,7 +16,8 @@ class HexGrid final : public QAbstractScrollArea {
     Q_OBJECT
 
   public:
-    explicit HexGrid(QWidget *parent = nullptr);
+    /// `log` must outlive this.
+    explicit HexGrid(FailureLog &log, QWidget *parent = nullptr);
 
     /// Null shows nothing.
     void setSource(std::unique_ptr<HexSource> source);
@@ -31,6 +33,8 @@ class HexGrid final : public QAbstractScrollArea {
 
   signals:
     void cursorMoved();
+    /// The file can't be read any more: it isn't shown from now on.
+    void unreadable(const QString &reason);
 
   protected:
     void paintEvent(QPaintEvent *event) override;
@@ -54,8 +58,10 @@ class HexGrid final : public QAbstractScrollArea {
     void setCursorAt(std::uint64_t offset, Anchor anchor);
     void scrollToCursor();
     void updateScrollBars();
+    void paintRows(QPainter &painter);
     void paintRow(QPainter &painter, std::uint64_t row, int top);
 
+    FailureLog &m_log;
     std::unique_ptr<HexSource> m_source;
     std::uint64_t m_cursor = 0;
     std::uint64_t m_anchor = 0;

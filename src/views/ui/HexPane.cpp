@@ -22,12 +22,14 @@ QString sourceText() {
 
 } // namespace
 
-HexPane::HexPane(RunTask runTask, QWidget *parent)
-    : ViewerFrame("HexPane", *new HexGrid, parent), m_runTask(std::move(runTask)),
+HexPane::HexPane(RunTask runTask, FailureLog &log, QWidget *parent)
+    : ViewerFrame("HexPane", *new HexGrid(log), parent), m_runTask(std::move(runTask)),
       m_grid(findChild<HexGrid *>()) {
     addFind();
     addPlace();
     connect(m_grid, &HexGrid::cursorMoved, this, &HexPane::showPlace);
+    connect(m_grid, &HexGrid::unreadable, this,
+            [this](const QString &reason) { showMissing(reason); });
 }
 
 void HexPane::addFind() {

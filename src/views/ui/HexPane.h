@@ -19,8 +19,8 @@ class HexPane final : public ViewerFrame {
     Q_OBJECT
 
   public:
-    /// Searching is a task that can be cancelled.
-    explicit HexPane(RunTask runTask, QWidget *parent = nullptr);
+    /// Searching is a task that can be cancelled. `log` must outlive this.
+    HexPane(RunTask runTask, FailureLog &log, QWidget *parent = nullptr);
 
     /// Throws FileFailure.
     void showFile(const std::filesystem::path &file, std::uint64_t offset);
