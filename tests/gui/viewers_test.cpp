@@ -103,8 +103,6 @@ void ViewersTest::init() {
     m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
     m_form->resize(1200, 900);
     m_form->show();
-    QApplication::setActiveWindow(m_form.get());
-    QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
     CachedSite(m_desk->folder.path() / "evidence")
         .add("http://host/a.html", "a[1].htm",
              "<html><meta charset=utf-8>caf\xC3\xA9 one\tcaf\xC3\xA9 two \xE2\x80\xAE</html>")
@@ -114,6 +112,9 @@ void ViewersTest::init() {
         .add("http://host/long.txt", "long[1].txt", std::string(std::size_t{3} << 20, 'y'))
         .open(*m_desk, *m_form);
     fs::remove(m_desk->folder.path() / "evidence" / "ABCDEFGH" / "gone[1].htm");
+    // The status window of the import had the focus.
+    QApplication::setActiveWindow(m_form.get());
+    QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
 }
 
 void ViewersTest::cleanup() {
