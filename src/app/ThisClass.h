@@ -2,6 +2,7 @@
 
 #include "db/DatabaseClass.h"
 #include "time/TimeZoneClass.h"
+#include "views/ViewerClass.h"
 
 #include <filesystem>
 #include <string>
@@ -38,6 +39,10 @@ struct ThisClass {
     // Queries and table
     std::string DefaultSQLDef = "SELECT * FROM URLs ORDER BY ActionDateLocal ASC";
     std::string CurrentSQLDef = DefaultSQLDef;
+
+    // Viewers
+    ViewerClass Viewer;
+    bool NoResizePicture = false; ///< pictures are shown in their own size
 
     // Gallery
     int GalleryRecordsPerPage = 0;

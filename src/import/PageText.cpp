@@ -116,15 +116,23 @@ std::string_view charsetOfHeader(std::string_view httpHeader) {
 }
 
 std::string decodePage(ByteView bytes, std::string_view httpHeader) {
+    return decodedPage(bytes, httpHeader).text;
+}
+
+DecodedPage decodedPage(ByteView bytes, std::string_view httpHeader) {
     const std::string_view text = bytes.raw();
     for (const auto &[mark, charset] : kMarks)
         if (text.starts_with(mark))
-            return convert(text.substr(mark.size()), converterOf(charset).get());
-    for (const std::string_view charset :
-         {charsetOfMeta(text.substr(0, kMetaBytes)), charsetOfHeader(httpHeader)})
+            return {convert(text.substr(mark.size()), converterOf(charset).get()),
+                    std::string(charset), "byte-order mark"};
+    const std::array<std::pair<std::string_view, std::string_view>, 2> named = {{
+        {charsetOfMeta(text.substr(0, kMetaBytes)), "meta tag"},
+        {charsetOfHeader(httpHeader), "HTTP header"},
+    }};
+    for (const auto &[charset, foundIn] : named)
         if (const Converter converter = pageConverter(charset))
-            return convert(text, converter.get());
-    return fromAnsi(text);
+            return {convert(text, converter.get()), toLower(charset), foundIn};
+    return {fromAnsi(text), "windows-1252", "no charset named"};
 }
 
 } // namespace nv

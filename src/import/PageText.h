@@ -12,6 +12,14 @@ namespace nv {
 /// Bytes that the encoding doesn't know become U+FFFD.
 std::string decodePage(ByteView bytes, std::string_view httpHeader);
 
+/// The same with the name of the encoding and what named it, for people to see.
+struct DecodedPage {
+    std::string text;
+    std::string charset;
+    std::string_view foundIn; ///< in plain words
+};
+DecodedPage decodedPage(ByteView bytes, std::string_view httpHeader);
+
 /// The charset that the first bytes of a page name in a "meta" tag; empty for none.
 std::string_view charsetOfMeta(std::string_view head);
 

@@ -186,12 +186,12 @@ void TableTabTest::propertiesShowAllColumnsAndTheWholeText() {
     project().exec("UPDATE URLs SET URL = '" + url + "'");
     trigger(*m_form, "actRefresh");
     auto &list = child<QTreeWidget>(*m_form, "PropertiesGrid");
-    QCOMPARE(list.topLevelItemCount(), static_cast<int>(kUrlColumnCount) - 1);
+    QTRY_COMPARE(list.topLevelItemCount(), 74); // the fields of a record but "Typed"
     QCOMPARE(list.currentItem()->text(0), QStringLiteral("URL"));
     QTRY_COMPARE(child<QPlainTextEdit>(*m_form, "txtPropertyValue").toPlainText(), toQt(url));
     QVERIFY(list.currentItem()->text(1).size() < 400);
     trigger(*m_form, "actClose");
-    QVERIFY(list.currentItem()->text(1).isEmpty());
+    QCOMPARE(list.topLevelItemCount(), 0);
 }
 
 void TableTabTest::hostileTextIsShownWithStandIns() {

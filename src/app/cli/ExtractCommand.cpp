@@ -1,3 +1,4 @@
+#include "app/RecordContent.h"
 #include "app/cli/Commands.h"
 #include "app/cli/OutputPath.h"
 #include "base/Files.h"
@@ -22,18 +23,6 @@ RecordStore storeOf(Program &program) {
             {state.GMTZone, state.EnableDSTChanges},
             program.around.clock,
             program.log};
-}
-
-/// Where the content of a record was to be found, for the examiner who has to look for it.
-std::string placeOf(const URLClass &record) {
-    if (record.DataBlockFile.empty())
-        return record.CacheFileRelativePath.empty()
-                   ? "the record names no cached file"
-                   : "expected at " + record.RootPath + record.CacheFileRelativePath;
-    return fmt::format("expected {} bytes at {} of the block file or file \"{}\" of the cache in "
-                       "{}{}",
-                       record.CacheFileSize, record.DataBlockFileOffset, record.DataBlockFile,
-                       record.RootPath, record.CacheRootPath);
 }
 
 bool flagsDiffer(const URLClass &a, const URLClass &b) {
@@ -76,8 +65,7 @@ Exit extractCommand(Session &session, const std::string &project, std::int64_t u
     const Evidence evidence(program.thisClass.RootPath);
     const auto content = contentOf(record, {evidence, session.scratch(), program.log});
     if (!content) {
-        session.err << fmt::format("row {} has no cached content: {}\n", urlId,
-                                   printable(placeOf(record)));
+        session.err << fmt::format("row {}: {}\n", urlId, printable(missingContent(record)));
         return Exit::damagedEvidence;
     }
     writeContent(session, *content, file);

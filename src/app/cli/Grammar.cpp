@@ -45,6 +45,7 @@ Grammar::Grammar()
     addPictures();
     addTrail();
     addLinks();
+    addViewers();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {

@@ -2,6 +2,7 @@
 
 #include "app/cli/Commands.h"
 #include "app/cli/LinkCommands.h"
+#include "app/cli/ViewerCommands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -36,6 +37,7 @@ class Grammar {
     void addPictures();
     void addTrail();
     void addLinks();
+    void addViewers();
 
     ImportArguments m_import;
     ListArguments m_list;
@@ -45,6 +47,9 @@ class Grammar {
     GalleryArguments m_gallery;
     TemplateArguments m_template;
     LinkArguments m_links;
+    NoteArguments m_note;
+    HexArguments m_hex;
+    RowArguments m_row;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";

@@ -2,13 +2,13 @@
 #include "app/Project.h"
 #include "app/cli/Commands.h"
 #include "app/cli/StatementCells.h"
+#include "app/cli/ViewerCommands.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/Dialect.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/StoredQueries.h"
-#include "views/HttpHeaders.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -42,19 +42,6 @@ SQLite::Statement prepared(SQLite::Database &database, const std::string &sql, F
     if (failure)
         throw UsageError(*failure);
     return std::move(*statement);
-}
-
-/// A line a property, but HTTP headers one below the other.
-void showProperty(std::ostream &out, std::string_view name, const std::string &value) {
-    std::vector<std::string> lines = {value};
-    if (name == "MetaData")
-        lines = httpHeaderLines(value);
-    if (lines.empty())
-        lines.emplace_back();
-    for (const std::string &line : lines) {
-        out << fmt::format("{:<24}{}\n", name, printable(line));
-        name = {};
-    }
 }
 
 } // namespace
@@ -92,14 +79,12 @@ Exit showCommand(Session &session, const std::string &project, std::int64_t urlI
     row.bind(1, urlId);
     if (!row.executeStep())
         throw UsageError(fmt::format("the project has no row {}", urlId));
-    const StatementCells cells = cellsOf(session, row, format);
-    if (format != Format::table) {
-        makeRowWriter(format, session.out, cells.headings())->row(cells.cells());
+    if (format == Format::table) {
+        showForPeople(session, *database, project, urlId);
         return Exit::ok;
     }
-    const std::vector<Cell> values = cells.cells();
-    for (std::size_t i = 0; i < values.size(); ++i)
-        showProperty(session.out, cells.headings()[i], plainText(values[i]));
+    const StatementCells cells = cellsOf(session, row, format);
+    makeRowWriter(format, session.out, cells.headings())->row(cells.cells());
     return Exit::ok;
 }
 

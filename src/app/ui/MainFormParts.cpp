@@ -7,13 +7,13 @@
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
 #include "app/ui/TrailPart.h"
+#include "app/ui/ViewersPart.h"
 #include "app/ui/WelcomePage.h"
 #include "app/ui/Workbench.h"
 #include "base/Files.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
-#include "views/ui/PropertiesPane.h"
 #include "views/ui/TableTab.h"
 
 #include <QAction>
@@ -100,13 +100,13 @@ QWidget *MainForm::newProjectPage() {
 
 /// In the order of their tabs.
 void MainForm::addParts() {
-    auto *properties = new PropertiesPane([this] { return m_table->table(); });
-    m_viewers->addPane(*properties, *properties, tr("Properties"), "MainForm.LoadProperties()");
+    addProperties(*m_bench);
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
     m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));
     m_parts.push_back(std::make_unique<TrailPart>(*m_bench));
+    m_parts.push_back(std::make_unique<ViewersPart>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));

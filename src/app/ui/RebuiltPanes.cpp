@@ -2,6 +2,7 @@
 
 #include "app/RebuildText.h"
 #include "app/ShownPage.h"
+#include "base/Files.h"
 #include "platform/qt/QtText.h"
 #include "rebuild/Harvest.h"
 #include "views/ui/AuditPane.h"
@@ -106,6 +107,7 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
         m_bench.showNotice(notBroughtBack(*record, tools.context().settings));
     }
     const ShownPage shown = pageToShow(tools, *record);
+    program.thisClass.Viewer.BrowserURL = textOf(shown.file);
     if (shown.file.empty())
         pane.showReason(toQt(shown.reason));
     else

@@ -1,9 +1,8 @@
 #include "views/ui/PropertiesPane.h"
 
-#include "base/Text.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
-#include "views/ui/ColumnsForm.h"
+#include "views/ui/ShownLines.h"
 
 #include <QBoxLayout>
 #include <QHeaderView>
@@ -15,8 +14,7 @@ namespace nv {
 
 namespace {
 
-constexpr int kNameWidth = 190;               ///< pixels
-constexpr std::size_t kMostChars = 1'000'000; ///< a header or body that is longer is cut
+constexpr int kNameWidth = 190; ///< pixels
 
 QTreeWidget *newList() {
     auto *list = new QTreeWidget;
@@ -28,15 +26,6 @@ QTreeWidget *newList() {
     list->setUniformRowHeights(true);
     list->setAlternatingRowColors(true);
     list->setTextElideMode(Qt::ElideRight);
-    for (const UrlColumnFacts &facts : kUrlColumns) {
-        if (facts.column == UrlColumn::Icon)
-            continue;
-        auto *item =
-            new QTreeWidgetItem(list, {columnTitle(facts.column)}, static_cast<int>(facts.column));
-        // The one that is read first, and is hardly ever whole in its cell.
-        if (facts.column == UrlColumn::Value)
-            list->setCurrentItem(item, 0);
-    }
     return list;
 }
 
@@ -49,25 +38,11 @@ QPlainTextEdit *newWholeText() {
     return whole;
 }
 
-std::string valueOf(UrlTable &table, std::size_t place, UrlColumn column) {
-    if (column == UrlColumn::Tag)
-        return table.isTagged(place) ? "Yes" : "No";
-    return table.cell(place, column);
-}
-
-/// Text of several lines, each with the stand-ins that cells have.
-QString shownLines(const std::string &text) {
-    const std::string unified = replaceAll(text, "\r\n", "\n");
-    QStringList lines;
-    for (const std::string_view line : split(unified, '\n'))
-        lines += toQt(displayText(line, kMostChars));
-    return lines.join(u'\n');
-}
-
 } // namespace
 
-PropertiesPane::PropertiesPane(std::function<UrlTable *()> table, QWidget *parent)
-    : QWidget(parent), m_openTable(std::move(table)) {
+PropertiesPane::PropertiesPane(std::function<std::vector<Property>(UrlId)> load, QWidget *parent)
+    // The one that is read first, and is hardly ever whole in its cell.
+    : QWidget(parent), m_load(std::move(load)), m_chosen(QStringLiteral("URL")) {
     setObjectName(QStringLiteral("PropertiesPane"));
     m_list = newList();
     m_whole = newWholeText();
@@ -84,33 +59,32 @@ PropertiesPane::PropertiesPane(std::function<UrlTable *()> table, QWidget *paren
 }
 
 void PropertiesPane::showRecord(UrlId id) {
-    m_table = m_openTable();
-    const auto place = m_table ? m_table->placeOf(id) : std::nullopt;
-    if (!place)
-        return clear();
-    m_place = *place;
-    for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
-        QTreeWidgetItem *item = m_list->topLevelItem(row);
-        item->setText(1, toQt(valueOf(*m_table, m_place, static_cast<UrlColumn>(item->type()))));
+    m_properties = m_load(id);
+    const QSignalBlocker quiet(m_list);
+    m_list->clear();
+    for (const Property &property : m_properties) {
+        auto *item =
+            new QTreeWidgetItem(m_list, {toQt(property.name), toQt(displayText(property.value))});
+        if (item->text(0) == m_chosen)
+            m_list->setCurrentItem(item, 0);
     }
     showChosen();
 }
 
 void PropertiesPane::clear() {
-    m_table = nullptr;
-    for (int row = 0; row < m_list->topLevelItemCount(); ++row)
-        m_list->topLevelItem(row)->setText(1, {});
+    m_properties.clear();
+    const QSignalBlocker quiet(m_list);
+    m_list->clear();
     m_whole->clear();
 }
 
 void PropertiesPane::showChosen() {
-    const QTreeWidgetItem *item = m_list->currentItem();
-    if (!m_table || !item)
-        return;
-    const auto column = static_cast<UrlColumn>(item->type());
-    const bool isText = factsOf(column).rule == CellRule::Text;
-    m_whole->setPlainText(isText ? shownLines(m_table->fullText(m_place, column))
-                                 : toQt(valueOf(*m_table, m_place, column)));
+    QTreeWidgetItem *item = m_list->currentItem();
+    const auto place = static_cast<std::size_t>(m_list->indexOfTopLevelItem(item));
+    if (!item || place >= m_properties.size())
+        return m_whole->clear();
+    m_chosen = item->text(0);
+    m_whole->setPlainText(shownLines(m_properties[place].value));
 }
 
 } // namespace nv

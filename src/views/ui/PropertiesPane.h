@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/UrlTable.h"
+#include "views/Properties.h"
 #include "views/ui/RecordPane.h"
 
 #include <QWidget>
@@ -12,27 +12,27 @@ class QTreeWidget;
 
 namespace nv {
 
-/// All columns of one record with their values, hidden columns too; below them the whole text of
-/// the chosen one.
+/// All properties of one record; beside them the whole text of the chosen one.
 class PropertiesPane final : public QWidget, public RecordPane {
     Q_OBJECT
 
   public:
-    /// `table` gives the table that is open, which must outlive the showing: clear() ends it.
-    explicit PropertiesPane(std::function<UrlTable *()> table, QWidget *parent = nullptr);
+    /// `load` gives the properties of a record.
+    explicit PropertiesPane(std::function<std::vector<Property>(UrlId)> load,
+                            QWidget *parent = nullptr);
 
-    /// Keeps the chosen property.
+    /// Keeps the chosen property, by its name.
     void showRecord(UrlId id) override;
     void clear() override;
 
   private:
     void showChosen();
 
-    std::function<UrlTable *()> m_openTable;
+    std::function<std::vector<Property>(UrlId)> m_load;
     QTreeWidget *m_list = nullptr;
     QPlainTextEdit *m_whole = nullptr;
-    UrlTable *m_table = nullptr;
-    std::size_t m_place = 0; ///< of the record in the table, 0-based
+    std::vector<Property> m_properties; ///< in the order of the list
+    QString m_chosen;
 };
 
 } // namespace nv

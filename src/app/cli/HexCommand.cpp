@@ -1,0 +1,114 @@
+#include "app/Project.h"
+#include "app/RecordContent.h"
+#include "app/cli/ViewerCommands.h"
+#include "views/HexFind.h"
+#include "views/HexSource.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv::cli {
+
+namespace {
+
+struct Place {
+    std::filesystem::path file;
+    std::uint64_t offset = 0; ///< where to begin when the call doesn't say
+};
+
+/// Throws UsageError when there is no such row; nothing when there are no bytes, which is told.
+std::optional<Place> placeOf(Session &session, RebuildTools &tools, const HexArguments &arguments) {
+    const std::int64_t urlId = arguments.row.urlId;
+    if (arguments.source) {
+        const auto record = tools.record(urlId);
+        if (!record)
+            throw UsageError(fmt::format("the project has no row {}", urlId));
+        if (const auto source = sourceOfRecord(*record))
+            return Place{source->file, source->offset};
+        session.err << fmt::format("row {}: {}\n", urlId, printable(missingSource(*record)));
+        return std::nullopt;
+    }
+    const auto content = contentOfRecord(tools, UrlId{urlId});
+    if (!content)
+        throw UsageError(fmt::format("the project has no row {}", urlId));
+    if (content->file)
+        return Place{*content->file, 0};
+    session.err << fmt::format("row {}: {}\n", urlId, printable(content->reason));
+    return std::nullopt;
+}
+
+std::vector<HexNeedle> needlesOf(const HexArguments &arguments) {
+    if (!arguments.find.empty())
+        return needlesOfText(arguments.find,
+                             arguments.ignoreCase ? LetterCase::ignored : LetterCase::exact);
+    const auto needle = needleOfBytes(arguments.findBytes);
+    if (!needle)
+        throw UsageError("bytes are given as \"4A 46 49 46\"");
+    return {*needle};
+}
+
+std::uint64_t beginningOf(const HexArguments &arguments, std::uint64_t otherwise) {
+    if (arguments.offset.empty())
+        return otherwise;
+    const auto offset = offsetIn(arguments.offset);
+    if (!offset)
+        throw UsageError("an offset is a decimal number, or hexadecimal as 0x1F40");
+    return *offset;
+}
+
+Exit writeRows(Session &session, const HexSource &source, std::uint64_t at, std::uint64_t length) {
+    while (length > 0 && !interrupted) {
+        const Bytes bytes = source.file().read(at, std::min(length, kHexRowBytes));
+        if (bytes.empty())
+            break;
+        session.out << hexLine(ByteView(bytes, at), source.offsetDigits()) << '\n';
+        at += bytes.size();
+        length -= bytes.size();
+    }
+    return interrupted ? Exit::interrupted : Exit::ok;
+}
+
+/// Every match, with the row of bytes that begins there.
+Exit writeMatches(Session &session, const HexSource &source, std::uint64_t at,
+                  const std::vector<HexNeedle> &needles) {
+    std::uint64_t matches = 0;
+    for (;;) {
+        const HexSearch search = findInFile(source.file(), needles, at, session.task);
+        if (search.cancelled)
+            return Exit::interrupted;
+        if (!search.match)
+            break;
+        session.task.clear();
+        writeRows(session, source, search.match->offset, kHexRowBytes);
+        at = search.match->offset + 1;
+        ++matches;
+    }
+    session.task.clear();
+    session.err << fmt::format("{} matches\n", matches);
+    return Exit::ok;
+}
+
+} // namespace
+
+Exit hexCommand(Session &session, const HexArguments &arguments) {
+    const bool finds = !arguments.find.empty() || !arguments.findBytes.empty();
+    if (!arguments.find.empty() && !arguments.findBytes.empty())
+        throw UsageError("either --find or --find-bytes was expected");
+    const auto needles = finds ? needlesOf(arguments) : std::vector<HexNeedle>();
+    session.open(arguments.row.project);
+    Exit exit = Exit::damagedEvidence;
+    {
+        RebuildTools tools(session.program, session.task, session.scratch());
+        if (const auto place = placeOf(session, tools, arguments)) {
+            const HexSource source(place->file);
+            const std::uint64_t at = beginningOf(arguments, finds ? 0 : place->offset);
+            exit = finds ? writeMatches(session, source, at, needles)
+                         : writeRows(session, source, at, arguments.length);
+        }
+    }
+    closeProject(session.program);
+    return exit;
+}
+
+} // namespace nv::cli

@@ -1,0 +1,193 @@
+#include "views/Properties.h"
+
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/SchemaColumns.h"
+#include "views/EXIFClass.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace nv {
+
+namespace {
+
+using schema::ColumnType;
+
+constexpr std::string_view kProcedure = "MainForm.LoadProperties()";
+constexpr std::string_view kErrorCode = "ErrorCode";
+constexpr int kLastYearHidden = 1980;
+
+// Examiners compare these rows with those of earlier cases, so labels and order stay.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 12> kExifRows = {{
+    {"EXIF-EquipMake", "EquipMake"},
+    {"EXIF-EquipModel", "EquipModel"},
+    {"EXIF-DateTime", "DateTime"},
+    {"EXIF-DocumentName", "DocumentName"},
+    {"EXIF-ImageHeight", "ImageHeight"},
+    {"EXIF-ImageWidth", "ImageWidth"},
+    {"EXIF-ImageDescription", "ImageDescription"},
+    {"EXIF-HostComputer", "HostComputer"},
+    {"EXIF-FileSource", "FileSource"},
+    {"EXIF-Flash", "Flash"},
+    {"EXIF-SubjectDist", "SubjectDist"},
+    {"EXIF-SubjectLoc", "SubjectLoc"},
+}};
+
+template <class Body>
+bool attempt(FailureLog &log, Body &&body) {
+    return trapped(log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+        body();
+        return true;
+    });
+}
+
+bool isSkipped(std::string_view field) {
+    return equalsNoCase(field, "Record_Added") || equalsNoCase(field, "Typed");
+}
+
+bool isFileSize(std::string_view field) {
+    return equalsNoCase(field, "CacheFileSize") || equalsNoCase(field, "FileSize");
+}
+
+/// Fields that a project has beyond the schema show as they are stored.
+ColumnType typeOf(std::string_view field, const SQLite::Column &stored) {
+    for (const schema::Column &column : schema::urlColumns())
+        if (equalsNoCase(column.name, field))
+            return column.type;
+    return stored.isBlob() ? ColumnType::Binary : ColumnType::Memo;
+}
+
+std::string numberText(double value) {
+    constexpr double kExactWholes = 9007199254740992; // 2^53
+    if (std::trunc(value) == value && std::abs(value) < kExactWholes)
+        return std::to_string(static_cast<std::int64_t>(value)); // offsets are stored as floats
+    return fmt::format("{}", value);
+}
+
+std::string plainText(const SQLite::Column &stored) {
+    if (stored.isNull())
+        return {};
+    if (stored.isFloat())
+        return numberText(stored.getDouble());
+    if (stored.isBlob())
+        return fmt::format("<{} bytes>", stored.size());
+    return decodeText(stored.getString());
+}
+
+Date dateIn(const SQLite::Column &stored) {
+    return stored.isFloat() || stored.isInteger() ? Date::fromDays(stored.getDouble()) : Date();
+}
+
+/// What stands for "no date" in most formats is a date before the first browser.
+std::string otherDate(Date date, const DateSettings &dates) {
+    if (!date.has() || date.civil().year <= kLastYearHidden)
+        return {};
+    return formatDate(date, dates.DateTimeFormat());
+}
+
+/// The values of a record's row, field by field.
+class RecordFields {
+  public:
+    RecordFields(SQLite::Statement &row, const PropertySource &source)
+        : m_row(row), m_source(source) {}
+
+    std::vector<Property> all() const {
+        std::vector<Property> properties;
+        if (const std::string code = textNamed(kErrorCode); !code.empty())
+            properties.push_back({std::string(kErrorCode), code});
+        for (int at = 0; at < m_row.getColumnCount(); ++at) {
+            const std::string name = m_row.getColumnName(at);
+            if (isSkipped(name))
+                continue;
+            properties.push_back({name, {}});
+            attempt(m_source.log, [&] { properties.back().value = valueOf(name, at); });
+        }
+        return properties;
+    }
+
+    std::string textNamed(std::string_view field) const {
+        for (int at = 0; at < m_row.getColumnCount(); ++at)
+            if (equalsNoCase(m_row.getColumnName(at), field))
+                return plainText(m_row.getColumn(at));
+        return {};
+    }
+
+  private:
+    std::string valueOf(const std::string &name, int at) const {
+        const SQLite::Column stored = m_row.getColumn(at);
+        // The stored date is that of the zone at the time of the import; the project's may be
+        // another one by now.
+        if (equalsNoCase(name, "ActionDateLocal"))
+            return zoneProperty(actionDate(), m_source.GMTZone, m_source.dates);
+        if (equalsNoCase(name, "ActionDateUTC"))
+            return utcProperty(dateIn(stored), m_source.dates);
+        if (isFileSize(name) && stored.isInteger())
+            return sizeText(stored.getInt64());
+        switch (typeOf(name, stored)) {
+        case ColumnType::Date:
+            return otherDate(dateIn(stored), m_source.dates);
+        case ColumnType::YesNo:
+            return stored.getInt() != 0 ? "True" : "False";
+        case ColumnType::Binary:
+            return stored.size() > 0 ? fmt::format("<{} bytes>", stored.size()) : std::string();
+        default:
+            return plainText(stored);
+        }
+    }
+
+    Date actionDate() const { return dateIn(m_row.getColumn("ActionDateUTC")); }
+
+    SQLite::Statement &m_row;
+    const PropertySource &m_source;
+};
+
+void addExifRows(std::vector<Property> &properties, const PropertySource &source) {
+    std::optional<std::filesystem::path> picture;
+    attempt(source.log, [&] { picture = source.picture(); });
+    if (!picture)
+        return;
+    std::optional<ExifPicture> image;
+    attempt(source.log, [&] { image.emplace(*picture); });
+    if (!image)
+        return;
+    for (const auto &[label, tag] : kExifRows)
+        attempt(source.log, [&, label = label, tag = tag] {
+            const std::string value = EXIFClass::GetEXIFValue(tag, *image);
+            if (!value.empty())
+                properties.push_back({std::string(label), value});
+        });
+}
+
+} // namespace
+
+std::vector<Property> LoadProperties(UrlId url, const PropertySource &source) {
+    std::vector<Property> properties;
+    bool isPicture = false;
+    attempt(source.log, [&] {
+        SQLite::Statement row(source.project, "SELECT * FROM URLs WHERE URL_ID = ?");
+        row.bind(1, number(url));
+        if (!row.executeStep())
+            return;
+        const RecordFields fields(row, source);
+        properties = fields.all();
+        isPicture = equalsNoCase(fields.textNamed("Category"), "PICTURES");
+    });
+    if (isPicture && source.picture)
+        addExifRows(properties, source);
+    return properties;
+}
+
+std::string sizeText(std::int64_t bytes) {
+    std::string digits = std::to_string(bytes);
+    const std::size_t first = digits.front() == '-' ? 1 : 0;
+    for (std::size_t at = digits.size(); at > first + 3;)
+        digits.insert(at -= 3, 1, ',');
+    return digits + ".00";
+}
+
+} // namespace nv

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "base/FailureLog.h"
+#include "views/HexFind.h"
+#include "views/HexSource.h"
+
+#include <QAbstractScrollArea>
+
+#include <memory>
+
+namespace nv {
+
+/// The bytes of a file of any size: offset, hexadecimal and characters. Only the rows on the screen
+/// are read and painted.
+class HexGrid final : public QAbstractScrollArea {
+    Q_OBJECT
+
+  public:
+    /// `log` must outlive this.
+    explicit HexGrid(FailureLog &log, QWidget *parent = nullptr);
+
+    /// Null shows nothing.
+    void setSource(std::unique_ptr<HexSource> source);
+    const HexSource *source() const { return m_source.get(); }
+    /// The byte with the cursor.
+    std::uint64_t cursor() const { return m_cursor; }
+    void goTo(std::uint64_t offset);
+    void select(const HexMatch &match);
+    /// The chosen bytes, the one with the cursor among them.
+    HexMatch selection() const;
+    /// As "4A 46"; what is more than a megabyte is left out.
+    QString selectedText() const;
+
+  signals:
+    void cursorMoved();
+    /// The file can't be read any more: it isn't shown from now on.
+    void unreadable(const QString &reason);
+
+  protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    bool event(QEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+
+  private:
+    enum class Anchor { moves, stays };
+    int charWidth() const;
+    int rowHeight() const;
+    int hexLeft() const;
+    int charsLeft() const;
+    std::uint64_t firstRow() const;
+    std::uint64_t visibleRows() const;
+    std::uint64_t last() const;
+    std::uint64_t byteAt(QPoint place) const;
+    std::optional<std::uint64_t> placeAfter(const QKeyEvent &key) const;
+    void setCursorAt(std::uint64_t offset, Anchor anchor);
+    void scrollToCursor();
+    void updateScrollBars();
+    void paintRows(QPainter &painter);
+    void paintRow(QPainter &painter, std::uint64_t row, int top);
+
+    FailureLog &m_log;
+    std::unique_ptr<HexSource> m_source;
+    std::uint64_t m_cursor = 0;
+    std::uint64_t m_anchor = 0;
+    std::uint64_t m_rowsAStep = 1; ///< of the scroll bar, which counts in 31 bits
+};
+
+} // namespace nv

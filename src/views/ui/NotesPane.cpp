@@ -1,0 +1,86 @@
+#include "views/ui/NotesPane.h"
+
+#include "platform/qt/QtText.h"
+
+#include <QBoxLayout>
+#include <QEvent>
+#include <QLabel>
+#include <QPlainTextEdit>
+
+namespace nv {
+
+NotesPane::NotesPane(Storage storage, QWidget *parent)
+    : QWidget(parent), m_storage(std::move(storage)) {
+    setObjectName(QStringLiteral("NotesPane"));
+    m_text = new QPlainTextEdit;
+    m_text->setObjectName(QStringLiteral("NotesText"));
+    m_text->setAccessibleName(tr("Note of this record"));
+    m_text->setPlaceholderText(
+        tr("Your note of this record. It is stored when you leave the box."));
+    m_text->setTabChangesFocus(true);
+    m_text->setFrameShape(QFrame::NoFrame);
+    m_text->installEventFilter(this);
+    m_date = new QLabel;
+    m_date->setObjectName(QStringLiteral("labNotesDate"));
+    m_date->setTextFormat(Qt::PlainText);
+    m_date->setContentsMargins(8, 3, 8, 3);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_text, 1);
+    column->addWidget(m_date);
+    clear();
+}
+
+void NotesPane::showRecord(UrlId id) {
+    NotesText_Validate();
+    // What is typed now goes on; showing the same record anew would take its undo away.
+    if (m_id == id && m_text->hasFocus())
+        return;
+    const auto note = m_storage.read(id);
+    if (!note)
+        return clear();
+    m_id = id;
+    m_text->setPlainText(toQt(note->Notes));
+    m_text->document()->setModified(false);
+    m_text->setEnabled(true);
+    showDate(note->NotesDateTime);
+}
+
+void NotesPane::clear() {
+    NotesText_Validate();
+    m_id.reset();
+    m_text->clear();
+    m_text->document()->setModified(false);
+    m_text->setEnabled(false);
+    m_date->clear();
+}
+
+void NotesPane::NotesText_Validate() {
+    if (!m_id || !m_text->document()->isModified())
+        return;
+    // Before anything is told: a message box takes the focus, which would store once more.
+    m_text->document()->setModified(false);
+    const UrlId id = *m_id;
+    const NoteOutcome outcome = m_storage.write(id, fromQt(m_text->toPlainText()));
+    if (outcome.stored != NoteStored::stored) {
+        m_date->setText(tr("This note is not stored."));
+        m_storage.tell(noteMessage(outcome));
+        return;
+    }
+    if (const auto note = m_storage.read(id))
+        showDate(note->NotesDateTime);
+}
+
+void NotesPane::showDate(Date date) {
+    m_date->setText(date.has() ? tr("Last changed: %1").arg(toQt(m_storage.dateText(date)))
+                               : tr("No note yet."));
+}
+
+bool NotesPane::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == m_text && event->type() == QEvent::FocusOut)
+        NotesText_Validate();
+    return QWidget::eventFilter(watched, event);
+}
+
+} // namespace nv

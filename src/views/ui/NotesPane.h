@@ -1,0 +1,46 @@
+#pragma once
+
+#include "views/Notes.h"
+#include "views/ui/RecordPane.h"
+
+#include <QWidget>
+
+#include <functional>
+
+class QLabel;
+class QPlainTextEdit;
+
+namespace nv {
+
+/// The examiner's note of a record. A changed one is stored when the box is left, when another
+/// record comes, and before the project closes.
+class NotesPane final : public QWidget, public RecordPane {
+    Q_OBJECT
+
+  public:
+    struct Storage {
+        std::function<std::optional<Note>(UrlId)> read;
+        std::function<NoteOutcome(UrlId, const std::string &)> write;
+        std::function<std::string(Date)> dateText;
+        std::function<void(const Message &)> tell;
+    };
+    explicit NotesPane(Storage storage, QWidget *parent = nullptr);
+
+    void showRecord(UrlId id) override;
+    void clear() override;
+    /// Stores the note if it was changed; the examiner is told when that fails.
+    void NotesText_Validate();
+
+  protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+  private:
+    void showDate(Date date);
+
+    Storage m_storage;
+    QPlainTextEdit *m_text = nullptr;
+    QLabel *m_date = nullptr;
+    std::optional<UrlId> m_id;
+};
+
+} // namespace nv

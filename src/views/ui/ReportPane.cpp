@@ -1,0 +1,49 @@
+#include "views/ui/ReportPane.h"
+
+#include "platform/qt/QtText.h"
+#include "views/ui/BrowserPane.h"
+
+#include <QBoxLayout>
+
+namespace nv {
+
+namespace {
+
+std::filesystem::path pathOf(const std::string &ReportURL) {
+    const QUrl url(toQt(ReportURL));
+    return url.isLocalFile() ? pathFromQt(url.toLocalFile()) : std::filesystem::path(ReportURL);
+}
+
+} // namespace
+
+ReportPane::ReportPane(std::function<std::string()> ReportURL, QWidget *parent)
+    : QWidget(parent), m_ReportURL(std::move(ReportURL)) {
+    setObjectName(QStringLiteral("ReportPane"));
+    m_browser = new BrowserPane;
+    m_browser->setObjectName(QStringLiteral("ReportBrowser"));
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(m_browser);
+    refresh();
+}
+
+void ReportPane::showRecord(UrlId) {
+    refresh();
+}
+
+void ReportPane::refresh() {
+    const std::string report = m_ReportURL();
+    std::error_code ignored;
+    if (report.empty()) {
+        m_browser->showReason(tr("No report has been made since the program started. Tick the "
+                                 "records that belong into it and choose the report command of "
+                                 "the menu: it shows here when it is done."));
+    } else if (!std::filesystem::is_regular_file(pathOf(report), ignored)) {
+        m_browser->showReason(tr("The last report isn't there any more: %1").arg(toQt(report)));
+    } else if (report != m_shown) {
+        m_browser->showPage(pathOf(report), tr("Report"));
+    }
+    m_shown = report;
+}
+
+} // namespace nv
