@@ -25,6 +25,11 @@ enum class TemplateResult {
 /// file names can't hold taken out.
 std::filesystem::path templatePathOf(const URLClass &page, const std::filesystem::path &templates);
 
+/// The file of that name in the folder of `file`, as renaming gives it; nothing when the name holds
+/// no character that file names can.
+std::optional<std::filesystem::path> renamedTemplatePath(const std::filesystem::path &file,
+                                                         std::string_view name);
+
 /// Makes a template of a page that was rebuilt in this session.
 TemplateResult CreateTemplate(const URLClass &page, const std::filesystem::path &templates,
                               std::string_view version, IfTemplateExists ifExists,

@@ -4,6 +4,7 @@
 #include "app/ui/MainForm.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
+#include "app/ui/TemplatesPart.h"
 #include "app/ui/WelcomePage.h"
 #include "app/ui/Workbench.h"
 #include "base/Files.h"
@@ -100,6 +101,7 @@ void MainForm::addParts() {
     auto *properties = new PropertiesPane([this] { return m_table->table(); });
     m_viewers->addPane(*properties, *properties, tr("Properties"), "MainForm.LoadProperties()");
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
+    m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
