@@ -123,7 +123,7 @@ void TemplatesTab::makeActions() {
 }
 
 QWidget *TemplatesTab::newBar() {
-    m_matchByTitle = new QCheckBox(tr("Only pages of the template's &title"));
+    m_matchByTitle = new QCheckBox(tr("&Only pages of the template's title"));
     m_matchByTitle->setObjectName(QStringLiteral("chkTemplateMatchByTitle"));
     m_matchByTitle->setToolTip(tr("A template is laid only over pages that have the same title"));
     connect(m_matchByTitle, &QCheckBox::toggled, this, &TemplatesTab::matchByTitleChosen);
