@@ -42,8 +42,8 @@ enum class Refusal { counted, silent };
 
 /// One way to reach out of a page; see Listener::in() for its signs.
 struct HostileElement {
-    const char *name;
-    const char *html;
+    const char *name = "";
+    const char *html = "";
     Refusal refusal = Refusal::counted;
 };
 

@@ -5,6 +5,7 @@
 #include "rebuild/ui/TemplateModel.h"
 #include "rebuild/ui/TemplatesTab.h"
 #include "views/ui/BrowserPane.h"
+#include "views/ui/TableTab.h"
 
 #include <QCheckBox>
 #include <QClipboard>

@@ -2,6 +2,7 @@
 #include "app/ImportJob.h"
 #include "app/Project.h"
 #include "app/TemplateJob.h"
+#include "base/Files.h"
 #include "import/Scan.h"
 #include "rebuild/TemplateList.h"
 #include "support/builders/WebSite.h"
