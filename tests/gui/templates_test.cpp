@@ -280,6 +280,10 @@ void TemplatesTest::enterShowsTheTemplate() {
             .endsWith(QStringLiteral("TEMPLATE.NVR/0000001.htm"));
     }));
     QCOMPARE(preview.refused(), 0U);
+    QTest::keyClick(&list(), Qt::Key_Escape);
+    QVERIFY(preview.isHidden());
+    QTest::keyClick(&list(), Qt::Key_Return);
+    QVERIFY(preview.isVisible());
     trigger(*m_form, "actClose");
     QVERIFY(preview.isHidden());
 }

@@ -14,7 +14,8 @@ namespace nv {
 
 namespace {
 constexpr const char *kManaging = "MainForm.PopupMenuTemplates_Click()";
-}
+constexpr int kRenameWidth = 420; ///< pixels; names of pages are long
+} // namespace
 
 TemplatesPart::TemplatesPart(Workbench &bench) : m_bench(bench), m_tab(new TemplatesTab) {
     bench.dataTabs->addTab(m_tab, tr("Templates"));
@@ -114,6 +115,7 @@ void TemplatesPart::rename() {
     dialog.setWindowTitle(tr("Rename Template"));
     dialog.setLabelText(tr("Enter the new name:"));
     dialog.setTextValue(toQt(textOf(file->stem())));
+    dialog.resize(kRenameWidth, dialog.sizeHint().height());
     if (dialog.exec() != QDialog::Accepted)
         return;
     const auto renamed = renameTemplate(m_bench.program, *file, fromQt(dialog.textValue()));

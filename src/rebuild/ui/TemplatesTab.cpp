@@ -102,7 +102,7 @@ QAction *TemplatesTab::newAction(const char *name, const QString &text, const QS
 
 void TemplatesTab::makeActions() {
     m_view = newAction("actTemplateView", tr("&View Template"),
-                       tr("Show the template's page beside the list (Enter)"),
+                       tr("Show the template's page beside the list (Enter; Esc closes it)"),
                        &TemplatesTab::viewWanted);
     m_apply = newAction("actTemplateApply", tr("&Apply to Pages"),
                         tr("Lay the tagged templates, or the current one, over the tagged pages of "
@@ -117,7 +117,6 @@ void TemplatesTab::makeActions() {
                   tr("Give the template's file another name (F2)"), &TemplatesTab::renameWanted);
     m_delete = newAction("actTemplateDelete", tr("&Delete Template..."),
                          tr("Delete the template's file (Del)"), &TemplatesTab::deleteWanted);
-    m_view->setShortcuts({Qt::Key_Return, Qt::Key_Enter});
     m_rename->setShortcut(Qt::Key_F2);
     m_delete->setShortcut(QKeySequence::Delete);
 }
@@ -238,21 +237,38 @@ void TemplatesTab::showEvent(QShowEvent *event) {
 }
 
 /// The grid copies its own cell, which otherwise the main window's command would take for one of
-/// the URL table; the space bar tags the row whatever its current cell is.
+/// the URL table.
 bool TemplatesTab::eventFilter(QObject *watched, QEvent *event) {
-    if (watched != m_grid)
+    auto *key = watched == m_grid ? dynamic_cast<QKeyEvent *>(event) : nullptr;
+    if (!key)
         return QWidget::eventFilter(watched, event);
-    auto *key = dynamic_cast<QKeyEvent *>(event);
     if (event->type() == QEvent::ShortcutOverride && key->matches(QKeySequence::Copy)) {
         event->accept();
         return true;
     }
-    if (event->type() == QEvent::KeyPress && key->key() == Qt::Key_Space &&
-        m_grid->currentIndex().isValid()) {
-        m_model->flipTag(m_grid->currentIndex().row());
+    return (event->type() == QEvent::KeyPress && takeKey(key->key())) ||
+           QWidget::eventFilter(watched, event);
+}
+
+/// Keys that the grid would keep for its cells.
+bool TemplatesTab::takeKey(int key) {
+    const QModelIndex cell = m_grid->currentIndex();
+    switch (key) {
+    case Qt::Key_Space:
+        if (cell.isValid())
+            m_model->flipTag(cell.row());
         return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (cell.isValid())
+            emit viewWanted();
+        return true;
+    case Qt::Key_Escape:
+        closePreview();
+        return true;
+    default:
+        return false;
     }
-    return QWidget::eventFilter(watched, event);
 }
 
 } // namespace nv

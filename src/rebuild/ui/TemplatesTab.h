@@ -57,6 +57,7 @@ class TemplatesTab final : public QWidget {
     QAction *newAction(const char *name, const QString &text, const QString &tip,
                        void (TemplatesTab::*wanted)());
     void makeActions();
+    bool takeKey(int key);
     void showState();
 
     TemplateModel *m_model = nullptr;
