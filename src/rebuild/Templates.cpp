@@ -183,7 +183,8 @@ bool RebuildFromTemplate(URLClass &page, const fs::path &file, const RebuildCont
 }
 
 bool templateMatchesTitle(const TemplateClass &made, std::string_view WebPageTitle) {
-    return equalsNoCase(trim(made.WebpageTitle), trim(WebPageTitle));
+    const std::string_view title = trim(WebPageTitle);
+    return !title.empty() && equalsNoCase(trim(made.WebpageTitle), title);
 }
 
 std::vector<fs::path> templatesIn(const fs::path &folder) {

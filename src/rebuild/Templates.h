@@ -47,7 +47,8 @@ std::optional<std::filesystem::path> LoadTemplate(const std::filesystem::path &f
 bool RebuildFromTemplate(URLClass &page, const std::filesystem::path &file,
                          const RebuildContext &ctx, const Clock &clock);
 
-/// Whether title and template belong together: trimmed and in either case, they are the same.
+/// Whether title and template belong together: trimmed and in either case, they are the same. No
+/// title belongs to nothing, or a template without one would fit every page that has none.
 bool templateMatchesTitle(const TemplateClass &made, std::string_view WebPageTitle);
 
 /// Template files of the folder, by name.
