@@ -97,6 +97,8 @@ void TemplatesTest::init() {
     m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
     m_form->resize(1200, 800);
     m_form->show();
+    m_form->activateWindow(); // keys of one widget need the window to be the active one
+    QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
     CachedSite(m_desk->folder.path() / "evidence")
         .add("http://host/page.html", "page[1].htm", kPage)
         .add("http://host/pic/logo.gif", "logo[1].gif", "GIF89a")
