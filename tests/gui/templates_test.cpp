@@ -43,7 +43,7 @@ class TemplatesTest : public QObject {
     void onlyPagesOfTheTitleAreRebuilt();
     void onlyTaggedTemplatesAreLaid();
     void aTemplateThatFailsIsTold();
-    void f2RenamesTheTemplate();
+    void renameAsksForTheName();
     void deleteAsksAndDeletes();
     void aTemplateThatIsGoneIsTold();
     void enterShowsTheTemplate();
@@ -230,7 +230,7 @@ void TemplatesTest::aTemplateThatFailsIsTold() {
     QCOMPARE(heard().back(), std::string("template-rebuild-failed"));
 }
 
-void TemplatesTest::f2RenamesTheTemplate() {
+void TemplatesTest::renameAsksForTheName() {
     makeTemplate();
     whenShown<QInputDialog>([](QInputDialog &dialog) {
         QCOMPARE(dialog.windowTitle(), QStringLiteral("Rename Template"));
@@ -239,7 +239,9 @@ void TemplatesTest::f2RenamesTheTemplate() {
         dialog.setTextValue(QStringLiteral("Inbox of the mail"));
         dialog.accept();
     });
-    QTest::keyClick(&list(), Qt::Key_F2);
+    QCOMPARE(child<QAbstractButton>(*m_form, "btnTemplateRename").toolTip().right(4),
+             QStringLiteral("(F2)"));
+    click("btnTemplateRename");
     QCOMPARE(tab().current(), folder() / "Inbox of the mail.NVT");
     QVERIFY(fs::exists(folder() / "Inbox of the mail.NVT"));
     QVERIFY(!fs::exists(folder() / "page.html.NVT"));
@@ -248,11 +250,11 @@ void TemplatesTest::f2RenamesTheTemplate() {
 void TemplatesTest::deleteAsksAndDeletes() {
     makeTemplate();
     m_desk->examiner.script = {Answer::No};
-    QTest::keyClick(&list(), Qt::Key_Delete);
+    click("btnTemplateDelete");
     QCOMPARE(heard().back(), std::string("delete-template"));
     QVERIFY(fs::exists(folder() / "page.html.NVT"));
     m_desk->examiner.script = {Answer::Yes};
-    QTest::keyClick(&list(), Qt::Key_Delete);
+    click("btnTemplateDelete");
     QVERIFY(!fs::exists(folder() / "page.html.NVT"));
     QVERIFY(child<QLabel>(*m_form, "labNoTemplates").isVisible());
 }
