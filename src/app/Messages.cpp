@@ -231,6 +231,36 @@ Message findingRecordFailed(std::string_view reason) {
     return failure("finding-record-failed", "Error Finding Record", reason);
 }
 
+Message templateExists(std::string_view path) {
+    return question("template-exists", "Template Aleady Exists",
+                    fmt::format("The following template already exists:\n\n{}\n\n"
+                                "Do you wish to overwrite this file?",
+                                path),
+                    Answer::No);
+}
+
+Message templateMissing(std::string_view path) {
+    return notice("template-missing", "Template Missing",
+                  fmt::format("The selected template no longer exists:\n\n{}", path));
+}
+
+Message deleteTemplate(std::string_view path) {
+    return question("delete-template", "Delete Template",
+                    fmt::format("Delete the selected template?\n\n{}", path), Answer::No);
+}
+
+Message loadingTemplateFailed(std::string_view reason) {
+    return failure("loading-template-failed", "Error Loading Template", reason);
+}
+
+Message templateRebuildFailed(std::string_view reason) {
+    return failure("template-rebuild-failed", "Template Rebuild Error", reason);
+}
+
+Message templatesFailed(std::string_view reason) {
+    return failure("templates-failed", "Error Managing Templates", reason);
+}
+
 Message columnsFailed(std::string_view reason) {
     return failure("columns-failed", "Error Formatting Columns", reason);
 }

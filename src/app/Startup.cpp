@@ -52,6 +52,7 @@ void readPaths(const Program &program, ThisClass &state) {
                                                      textOf(program.paths.home / "favorites.ini"));
     state.SharedFavoritesPath = settings.ReadIniValue("OPTIONS", "SharedFavoritesPath", "");
     state.AgencyLogoPath = settings.ReadIniValue("FILE PATHS", "AgencyLogoPath", "");
+    state.TemplateMatchByTitle = settings.ReadIniValue("BEYOND", "TemplateMatchByTitle", true);
     state.TemplatesPath =
         settings.ReadIniValue("BEYOND", "TemplatesPath", textOf(program.paths.home / "Templates"));
     state.PublishTempFolder = settings.ReadIniValue("FILE PATHS", "PublishFolder", "");

@@ -117,16 +117,31 @@ bool isAllowed(char c) {
            std::string_view("\\/:*?\"<>|").find(c) == std::string_view::npos;
 }
 
+/// What is left of `text` for the name of a file, without extension: never a path.
+std::string cleanedName(std::string_view text) {
+    std::string name;
+    std::ranges::copy_if(text, std::back_inserter(name), isAllowed);
+    while (name.starts_with('.'))
+        name.erase(0, 1);
+    return name;
+}
+
 } // namespace
 
 fs::path templatePathOf(const URLClass &page, const fs::path &templates) {
-    std::string name;
-    std::ranges::copy_if(page.URLFileName, std::back_inserter(name), isAllowed);
-    while (name.starts_with('.'))
-        name.erase(0, 1);
+    std::string name = cleanedName(page.URLFileName);
     if (name.empty())
         name = sidOf(page.URLID);
     return templates / (name + std::string(kExtension));
+}
+
+std::optional<fs::path> renamedTemplatePath(const fs::path &file, std::string_view name) {
+    std::string cleaned = cleanedName(trim(name));
+    if (toLower(cleaned).ends_with(toLower(kExtension)))
+        cleaned.resize(cleaned.size() - kExtension.size());
+    if (trim(cleaned).empty())
+        return std::nullopt;
+    return file.parent_path() / (cleaned + std::string(kExtension));
 }
 
 TemplateResult CreateTemplate(const URLClass &page, const fs::path &templates,
@@ -168,7 +183,8 @@ bool RebuildFromTemplate(URLClass &page, const fs::path &file, const RebuildCont
 }
 
 bool templateMatchesTitle(const TemplateClass &made, std::string_view WebPageTitle) {
-    return equalsNoCase(trim(made.WebpageTitle), trim(WebPageTitle));
+    const std::string_view title = trim(WebPageTitle);
+    return !title.empty() && equalsNoCase(trim(made.WebpageTitle), title);
 }
 
 std::vector<fs::path> templatesIn(const fs::path &folder) {

@@ -25,6 +25,11 @@ enum class TemplateResult {
 /// file names can't hold taken out.
 std::filesystem::path templatePathOf(const URLClass &page, const std::filesystem::path &templates);
 
+/// The file of that name in the folder of `file`, as renaming gives it; nothing when the name holds
+/// no character that file names can.
+std::optional<std::filesystem::path> renamedTemplatePath(const std::filesystem::path &file,
+                                                         std::string_view name);
+
 /// Makes a template of a page that was rebuilt in this session.
 TemplateResult CreateTemplate(const URLClass &page, const std::filesystem::path &templates,
                               std::string_view version, IfTemplateExists ifExists,
@@ -42,7 +47,8 @@ std::optional<std::filesystem::path> LoadTemplate(const std::filesystem::path &f
 bool RebuildFromTemplate(URLClass &page, const std::filesystem::path &file,
                          const RebuildContext &ctx, const Clock &clock);
 
-/// Whether title and template belong together: trimmed and in either case, they are the same.
+/// Whether title and template belong together: trimmed and in either case, they are the same. No
+/// title belongs to nothing, or a template without one would fit every page that has none.
 bool templateMatchesTitle(const TemplateClass &made, std::string_view WebPageTitle);
 
 /// Template files of the folder, by name.

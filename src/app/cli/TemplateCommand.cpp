@@ -1,8 +1,9 @@
 #include "app/Project.h"
-#include "app/RebuildJob.h"
+#include "app/TemplateJob.h"
 #include "app/cli/Commands.h"
 #include "base/Files.h"
 #include "rebuild/Harvest.h"
+#include "rebuild/TemplateList.h"
 #include "rebuild/Templates.h"
 
 #include <fmt/format.h>
@@ -29,6 +30,13 @@ std::string_view wordOf(TemplateResult result) {
         break;
     }
     return "not made: the log says why";
+}
+
+std::string wordOf(Laid result) {
+    if (result == Laid::rebuilt)
+        return "rebuilt from the template";
+    return fmt::format("not rebuilt: {}{}", reasonText(result),
+                       result == Laid::otherTitle ? "; --any-title takes it all the same" : "");
 }
 
 URLClass recordOf(RebuildTools &tools, std::int64_t id) {
@@ -69,12 +77,9 @@ Exit templateCreateCommand(Session &session, const TemplateArguments &arguments)
 
 Exit templateListCommand(Session &session, const TemplateArguments &arguments, Format format) {
     const auto writer = makeRowWriter(format, session.out, {"file", "title", "files", "bytes"});
-    for (const fs::path &file : templatesIn(folderOf(session.program, arguments))) {
-        const Bytes bytes = readWhole(file);
-        const bool isWhole = bytes.size() >= 0x1000;
-        const TemplateClass made = isWhole ? readTemplate(ByteView(bytes)) : TemplateClass();
-        writer->row({textOf(file), made.WebpageTitle, made.records.Count(), bytes.size()});
-    }
+    const fs::path folder = folderOf(session.program, arguments);
+    for (const TemplateRow &row : listTemplates(folder, session.program.log))
+        writer->row({textOf(row.file), row.WebpageTitle, row.files, row.bytes});
     writer->finish();
     return Exit::ok;
 }
@@ -84,23 +89,19 @@ Exit templateApplyCommand(Session &session, const TemplateArguments &arguments) 
         throw UsageError(fmt::format("there is no template \"{}\"", arguments.file));
     session.open(arguments.project);
     Program &program = session.program;
+    program.thisClass.TemplateMatchByTitle = !arguments.anyTitle;
     Exit exit = Exit::ok;
     {
         RebuildTools tools(program, session.task, session.scratch());
-        const Bytes bytes = readWhole(arguments.file);
-        const TemplateClass made = readTemplate(ByteView(bytes));
-        for (const std::int64_t id : arguments.ids) {
-            URLClass page = recordOf(tools, id);
-            const bool fits = arguments.anyTitle || templateMatchesTitle(made, page.WebpageTitle);
-            const bool done = fits && RebuildFromTemplate(page, arguments.file, tools.context(),
-                                                          program.around.clock);
-            session.out << fmt::format("{:>9}  {}\n", id,
-                                       done   ? "rebuilt from the template"
-                                       : fits ? "not rebuilt: the log says why"
-                                              : "not rebuilt: its title is another; --any-title "
-                                                "takes it all the same");
-            exit = done ? exit : Exit::usage;
-        }
+        const std::vector<fs::path> templates{arguments.file};
+        for (const std::int64_t id : arguments.ids)
+            recordOf(tools, id);
+        RebuildFromTemplates(program, tools, arguments.ids, templates,
+                             [&](std::int64_t id, Laid result) {
+                                 session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
+                                 exit = result == Laid::rebuilt ? exit : Exit::usage;
+                             });
+        session.task.clear();
     }
     closeProject(program);
     return exit;

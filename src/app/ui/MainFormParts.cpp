@@ -8,6 +8,7 @@
 #include "app/ui/RebuiltPanes.h"
 #include "app/ui/TrailPart.h"
 #include "app/ui/ViewersPart.h"
+#include "app/ui/TemplatesPart.h"
 #include "app/ui/WelcomePage.h"
 #include "app/ui/Workbench.h"
 #include "base/Files.h"
@@ -102,6 +103,7 @@ QWidget *MainForm::newProjectPage() {
 void MainForm::addParts() {
     addProperties(*m_bench);
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
+    m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
     m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));

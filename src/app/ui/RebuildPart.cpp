@@ -18,11 +18,12 @@ RebuildPart::RebuildPart(Workbench &bench) : m_bench(bench) {
             [this] { m_bench.run("MainForm.RebuildTaggedPages()", [this] { rebuild(); }); });
 }
 
-/// In the order of the grid: ticked rows that it doesn't show are left alone.
-std::vector<std::int64_t> RebuildPart::shownTagged() {
-    const std::vector<std::int64_t> tagged = taggedIds(m_bench.program);
+std::vector<std::int64_t> shownTagged(Workbench &bench) {
     std::vector<std::int64_t> shown;
-    for (const std::int64_t id : m_bench.table->table()->ids())
+    if (!bench.table->table())
+        return shown;
+    const std::vector<std::int64_t> tagged = taggedIds(bench.program);
+    for (const std::int64_t id : bench.table->table()->ids())
         if (std::binary_search(tagged.begin(), tagged.end(), id))
             shown.push_back(id);
     return shown;
@@ -31,7 +32,7 @@ std::vector<std::int64_t> RebuildPart::shownTagged() {
 void RebuildPart::rebuild() {
     if (!m_bench.table->table())
         return;
-    const std::vector<std::int64_t> tagged = shownTagged();
+    const std::vector<std::int64_t> tagged = shownTagged(m_bench);
     if (!tagged.empty())
         RebuildTaggedPages(tagged);
     else if (const auto current = m_bench.table->grid().currentUrl())

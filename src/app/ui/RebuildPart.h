@@ -9,6 +9,9 @@ namespace nv {
 
 struct RebuildReport;
 
+/// Tagged rows in the order of the grid; those that it doesn't show are left alone.
+std::vector<std::int64_t> shownTagged(Workbench &bench);
+
 /// The command Rebuild.
 class RebuildPart final : public QObject {
     Q_OBJECT
@@ -21,7 +24,6 @@ class RebuildPart final : public QObject {
     void tellOfWideIds();
 
   private:
-    std::vector<std::int64_t> shownTagged();
     void rebuild();
     void RebuildTaggedPages(const std::vector<std::int64_t> &ids);
     void rebuildOne(std::int64_t id);

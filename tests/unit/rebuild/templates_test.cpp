@@ -156,6 +156,8 @@ TEST(TemplateTitle, isComparedTrimmedAndInEitherCase) {
     made.WebpageTitle = " Inbox ";
     EXPECT_TRUE(templateMatchesTitle(made, "INBOX"));
     EXPECT_FALSE(templateMatchesTitle(made, "Inbox (1)"));
+    made.WebpageTitle = "";
+    EXPECT_FALSE(templateMatchesTitle(made, " "));
 }
 
 TEST(TemplatePath, holdsNothingThatLeadsAway) {
