@@ -34,15 +34,47 @@ void showProgress(TaskMonitor &task, std::size_t done, std::size_t total) {
     task.show(step);
 }
 
-/// The columns that `filters` look at, in the order of factsIn(); what isn't needed is no column,
-/// so that its page need not be read.
+/// The rows from an id on with the columns that `filters` look at, in the order of factsIn(); one
+/// that isn't needed is no column, so that its page need not be read.
 std::string factsQuery(const FiltersClass &filters) {
     const FilterNeeds needs = needsOf(filters);
-    return fmt::format("SELECT IsHistory, IsCookie, IsBookmark, CacheType, {}, {}, {} FROM URLs "
-                       "WHERE URL_ID = ?",
-                       needs.Category ? "Category" : "NULL",
-                       needs.URLFileExt ? "URLFileExt" : "NULL", needs.URL ? "URL" : "NULL");
+    return fmt::format(
+        "SELECT URL_ID, IsHistory, IsCookie, IsBookmark, CacheType, {}, {}, {} FROM URLs "
+        "WHERE URL_ID >= ? ORDER BY URL_ID",
+        needs.Category ? "Category" : "NULL", needs.URLFileExt ? "URLFileExt" : "NULL",
+        needs.URL ? "URL" : "NULL");
 }
+
+/// Goes to rows by ascending ids. Steps from one to a near one, which takes a third of the time of
+/// looking each up.
+class RowWalk {
+  public:
+    explicit RowWalk(SQLite::Statement &rows) : m_rows(rows) {}
+
+    /// False when there is no row of this id.
+    bool goTo(std::int32_t id) {
+        constexpr std::int64_t kNear = 8;
+        if (!m_hasRow || id - m_id > kNear) {
+            m_rows.reset();
+            m_rows.bind(1, id);
+            step();
+        }
+        while (m_hasRow && m_id < id)
+            step();
+        return m_hasRow && m_id == id;
+    }
+
+  private:
+    void step() {
+        m_hasRow = m_rows.executeStep();
+        if (m_hasRow)
+            m_id = m_rows.getColumn(0).getInt64();
+    }
+
+    SQLite::Statement &m_rows;
+    bool m_hasRow = false;
+    std::int64_t m_id = 0;
+};
 
 std::string_view textIn(const SQLite::Column &column) {
     const char *bytes = column.getText(); // before the length, which it settles
@@ -51,28 +83,27 @@ std::string_view textIn(const SQLite::Column &column) {
 
 FilterFacts factsIn(SQLite::Statement &row) {
     FilterFacts facts;
-    facts.IsHistory = row.getColumn(0).getInt() != 0;
-    facts.IsCookie = row.getColumn(1).getInt() != 0;
-    facts.IsBookmark = row.getColumn(2).getInt() != 0;
-    facts.cacheType = toUpper(textIn(row.getColumn(3)));
-    facts.Category = toUpper(textIn(row.getColumn(4)));
-    facts.URLFileExt = textIn(row.getColumn(5));
-    facts.URL = toLower(textIn(row.getColumn(6)));
+    facts.IsHistory = row.getColumn(1).getInt() != 0;
+    facts.IsCookie = row.getColumn(2).getInt() != 0;
+    facts.IsBookmark = row.getColumn(3).getInt() != 0;
+    facts.cacheType = toUpper(textIn(row.getColumn(4)));
+    facts.Category = toUpper(textIn(row.getColumn(5)));
+    facts.URLFileExt = textIn(row.getColumn(6));
+    facts.URL = toLower(textIn(row.getColumn(7)));
     return facts;
 }
 
 /// Those of `sorted` that the filters admit, which are sorted too.
 Walk admittedIds(SQLite::Database &database, const RowIds &sorted, const FiltersClass &filters,
                  TaskMonitor &task, RowIds &admitted) {
-    SQLite::Statement row(database, factsQuery(filters));
+    SQLite::Statement rows(database, factsQuery(filters));
+    RowWalk walk(rows);
     std::size_t done = 0;
     for (const std::int32_t id : sorted) {
         if (!task.advance(static_cast<double>(done) / static_cast<double>(sorted.size())))
             return Walk::Cancelled;
-        row.bind(1, id);
-        if (row.executeStep() && FilterRecord(filters, factsIn(row)))
+        if (walk.goTo(id) && FilterRecord(filters, factsIn(rows)))
             admitted.push_back(id);
-        row.reset();
         showProgress(task, ++done, sorted.size());
     }
     return Walk::Finished;

@@ -323,6 +323,13 @@ TEST_F(FilterIdsTest, keepsTheOrderAndPassesOverRowsThatAreGone) {
     EXPECT_EQ(byColumns({}, withKind(&FiltersClass::showGIF)), RowIds{});
 }
 
+TEST_F(FilterIdsTest, findsRowsFarFromEachOtherAndTwice) {
+    for (int i = 0; i < 60; ++i)
+        add({{"URLFileExt", i % 2 == 0 ? "bmp" : "gif"}, {"CacheType", "IE CACHE"}});
+    EXPECT_EQ(byColumns({60, 2, 1, 30, 60, 59, 1000000, 44}, withKind(&FiltersClass::showGIF)),
+              (RowIds{60, 2, 30, 60, 44}));
+}
+
 TEST_F(FilterIdsTest, showsHowFarItIs) {
     for (int i = 0; i < 4; ++i)
         add({});
