@@ -161,4 +161,13 @@ bool hasSource(const FiltersClass &filters) {
            filters.showBookmarks;
 }
 
+Message missingRecordType() {
+    return {"missing-record-type",
+            "Missing Record Type",
+            "At least one DATA SOURCE option must be selected.",
+            Choices::Ok,
+            Tone::Warning,
+            Answer::Ok};
+}
+
 } // namespace nv

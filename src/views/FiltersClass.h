@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Examiner.h"
+
 #include <array>
 #include <cstddef>
 #include <initializer_list>
@@ -120,5 +122,7 @@ FilterNeeds needsOf(const FiltersClass &filters);
 
 /// Whether any data source is admitted: without one hardly a record can be.
 bool hasSource(const FiltersClass &filters);
+/// What the examiner is told of filters without one.
+Message missingRecordType();
 
 } // namespace nv

@@ -143,4 +143,17 @@ Walk filterIds(SQLite::Database &database, const RowIds &from, const FiltersClas
     return walk;
 }
 
+Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersClass &filters,
+              TaskMonitor &task, FoundRows &found) {
+    if (!filters.EnableFilters)
+        return collectIds(database, query, task, found.ids);
+    RowIds all;
+    Walk walk = collectIds(database, query, task, all);
+    if (walk == Walk::Finished)
+        walk = filterIds(database, all, filters, task, found.ids);
+    if (walk == Walk::Finished)
+        found.hidden = all.size() - found.ids.size();
+    return walk;
+}
+
 } // namespace nv

@@ -4,6 +4,7 @@
 #include "views/FiltersClass.h"
 #include "views/UrlQuery.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -27,5 +28,15 @@ Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &t
 /// cancel leaves those that it had found.
 Walk filterIds(SQLite::Database &database, const RowIds &from, const FiltersClass &filters,
                TaskMonitor &task, RowIds &ids);
+
+/// The rows that a query and the filters leave.
+struct FoundRows {
+    RowIds ids;
+    std::size_t hidden = 0; ///< that the filters took away; 0 while they are off
+};
+
+/// Both of the above. What was found before a cancel or a failure stays.
+Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersClass &filters,
+              TaskMonitor &task, FoundRows &found);
 
 } // namespace nv

@@ -59,7 +59,7 @@ LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
     m_columnSort.reset();
     refreshRows();
     const Busy busy(m_busy);
-    Found found;
+    FoundRows found;
     const LoadResult result =
         trapped(m_log, Severity::Warning, kProcedure, kContactSupport, LoadResult::Failed, [&] {
             if (!prepareProject(task))
@@ -84,19 +84,11 @@ bool UrlTable::prepareProject(TaskMonitor &task) {
     return goOn;
 }
 
-Walk UrlTable::fill(const IdQuery &query, TaskMonitor &task, Found &found) {
-    if (!Filters.EnableFilters)
-        return collectIds(m_project, query, task, found.ids);
-    RowIds all;
-    Walk walk = collectIds(m_project, query, task, all);
-    if (walk == Walk::Finished)
-        walk = filterIds(m_project, all, Filters, task, found.ids);
-    if (walk == Walk::Finished)
-        found.hidden = all.size() - found.ids.size();
-    return walk;
+Walk UrlTable::fill(const IdQuery &query, TaskMonitor &task, FoundRows &found) {
+    return findRows(m_project, query, Filters, task, found);
 }
 
-void UrlTable::take(Found &&found) {
+void UrlTable::take(FoundRows &&found) {
     m_ids = std::move(found.ids);
     m_hidden = found.hidden;
 }
@@ -117,7 +109,7 @@ EmptyState UrlTable::whyEmpty(LoadResult result) {
 LoadResult UrlTable::sortInto(const IdQuery &query, TaskMonitor &task) {
     describeLoad(task);
     const Busy busy(m_busy);
-    Found sorted;
+    FoundRows sorted;
     const LoadResult result =
         trapped(m_log, Severity::Warning, kProcedure, kContactSupport, LoadResult::Failed,
                 [&] { return resultOf(fill(query, task, sorted)); });

@@ -84,13 +84,8 @@ class UrlTable {
   private:
     class Busy;
     bool prepareProject(TaskMonitor &task);
-    /// What a query and the filters leave.
-    struct Found {
-        RowIds ids;
-        std::size_t hidden = 0;
-    };
-    Walk fill(const IdQuery &query, TaskMonitor &task, Found &found);
-    void take(Found &&found);
+    Walk fill(const IdQuery &query, TaskMonitor &task, FoundRows &found);
+    void take(FoundRows &&found);
     LoadResult sortInto(const IdQuery &query, TaskMonitor &task);
     EmptyState whyEmpty(LoadResult result);
     const UrlRow *rowFor(std::size_t place, UrlColumn column);

@@ -1,9 +1,12 @@
 #include "support/TestProject.h"
 #include "views/DateIndex.h"
+#include "views/Hosts.h"
 #include "views/UrlTable.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>
+
+#include <vector>
 
 namespace nv {
 namespace {
@@ -125,6 +128,15 @@ void loadThroughAllFilters(benchmark::State &state) {
     loadThrough(state, filters);
 }
 BENCHMARK(loadThroughAllFilters)->Unit(benchmark::kMillisecond);
+
+/// The list of hosts, of which this project has 997.
+void listTheHosts(benchmark::State &state) {
+    BigProject &big = bigProject();
+    std::vector<HostRow> hosts;
+    for (auto _ : state)
+        listHosts(big.project.connection(), HostSort::ByVisits, big.task, hosts);
+}
+BENCHMARK(listTheHosts)->Unit(benchmark::kMillisecond);
 
 void sortByUrl(benchmark::State &state) {
     BigProject &big = bigProject();

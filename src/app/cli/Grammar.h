@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/cli/Commands.h"
+#include "app/cli/FilterCommands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -25,6 +26,7 @@ class Grammar {
     CLI::App *command(const char *name, const char *what, Run run);
     void addProject(CLI::App *to, std::string &project);
     void addFormat(CLI::App *to);
+    void addFilter(CLI::App *to, std::vector<std::string> &filter);
     void addImport();
     void addList();
     void addQueries();
@@ -33,6 +35,7 @@ class Grammar {
     void addRebuilding();
     void addTemplates();
     void addPictures();
+    void addHosts();
 
     ImportArguments m_import;
     ListArguments m_list;
@@ -41,6 +44,7 @@ class Grammar {
     ThumbnailArguments m_thumbnails;
     GalleryArguments m_gallery;
     TemplateArguments m_template;
+    HostsArguments m_hosts;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";
