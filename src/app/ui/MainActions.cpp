@@ -38,6 +38,8 @@ MainActions::MainActions(QObject *o)
       findNext(make(o, "actFindNext", tr("Find &Next"), "", QKeySequence::FindNext)),
       tag(make(o, "actTag", tr("&Tag or Untag"), "tag", Qt::CTRL | Qt::Key_T)),
       rebuild(make(o, "actRebuild", tr("&Rebuild"), "rebuild", Qt::CTRL | Qt::Key_B)),
+      filters(make(o, "actFilters", tr("Filter&s..."), "filter", Qt::CTRL | Qt::SHIFT | Qt::Key_F)),
+      hosts(make(o, "actHosts", tr("&Hosts"), "net-32", Qt::CTRL | Qt::Key_H)),
       columns(make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::Key_L)),
       viewers(make(o, "actViewers", tr("&Viewers"), "", Qt::Key_F4)),
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
@@ -47,13 +49,16 @@ MainActions::MainActions(QObject *o)
       tips(make(o, "actTips", tr("&Tip of the Day..."), "tip")),
       about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {
     rebuild->setToolTip(tr("Rebuild the tagged web pages, or the current one when none is tagged"));
+    filters->setToolTip(tr("Show only records of some sources, kinds and sites"));
+    hosts->setToolTip(tr("The list of hosts beside the table"));
+    hosts->setCheckable(true);
     viewers->setCheckable(true);
     viewers->setChecked(true);
 }
 
 void MainActions::setProjectOpen(bool open) {
     for (QAction *action : {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext,
-                            tag, rebuild, columns, refresh, baseFolder, timeZone})
+                            tag, rebuild, filters, hosts, columns, refresh, baseFolder, timeZone})
         action->setEnabled(open);
 }
 

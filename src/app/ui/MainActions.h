@@ -23,6 +23,8 @@ struct MainActions {
     QAction *findNext;
     QAction *tag;
     QAction *rebuild;
+    QAction *filters;
+    QAction *hosts;
     QAction *columns;
     QAction *viewers;
     QAction *refresh;

@@ -1,6 +1,8 @@
 // How the main window is put together, and what it does by itself: locking, closing, drag and drop.
 #include "app/Messages.h"
+#include "app/ui/FiltersPart.h"
 #include "app/ui/GalleryPart.h"
+#include "app/ui/HostsPart.h"
 #include "app/ui/MainForm.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
@@ -82,12 +84,16 @@ QWidget *MainForm::newProjectPage() {
     m_bench =
         std::make_unique<Workbench>(m_program, m_dialogs, m_actions, *this, runCommands, runTasks);
     m_bench->dataTabs = dataTabs;
+    m_bench->dataArea = new QSplitter;
+    m_bench->dataArea->setObjectName(QStringLiteral("dataArea"));
+    m_bench->dataArea->setChildrenCollapsible(false);
+    m_bench->dataArea->addWidget(dataTabs);
     m_bench->table = m_table;
     m_bench->viewers = m_viewers;
     addParts();
     m_splitter = new QSplitter(Qt::Vertical);
     m_splitter->setObjectName(QStringLiteral("mainSplitter"));
-    m_splitter->addWidget(dataTabs);
+    m_splitter->addWidget(m_bench->dataArea);
     m_splitter->addWidget(m_viewers);
     m_splitter->setStretchFactor(0, 3);
     m_splitter->setStretchFactor(1, 1);
@@ -100,6 +106,8 @@ void MainForm::addParts() {
     auto *properties = new PropertiesPane([this] { return m_table->table(); });
     m_viewers->addPane(*properties, *properties, tr("Properties"), "MainForm.LoadProperties()");
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
+    m_parts.push_back(std::make_unique<HostsPart>(*m_bench));
+    m_parts.push_back(std::make_unique<FiltersPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
