@@ -1,6 +1,7 @@
 #include "app/ui/HostsPart.h"
 
 #include "app/ui/StatusSign.h"
+#include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
 #include "views/ui/GalleryTab.h"
@@ -66,14 +67,16 @@ void HostsPart::showPane(bool shown) {
 void HostsPart::fillIfStale() {
     if (!m_bench.isProjectOpen() || m_pane->isHidden())
         return;
-    m_bench.run("MainForm.fillHosts()", [this] {
-        const std::int64_t last =
-            m_bench.project().execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs").getInt64();
-        if (last == m_listedTo)
-            return;
-        m_listedTo = last;
-        fill();
-    });
+    const std::int64_t last = trapped(m_bench.program.log, Severity::Low, "MainForm.fillHosts()",
+                                      kNotSerious, m_listedTo, [this] {
+                                          return m_bench.project()
+                                              .execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs")
+                                              .getInt64();
+                                      });
+    if (last == m_listedTo)
+        return;
+    m_listedTo = last;
+    fill();
 }
 
 void HostsPart::fill() {
