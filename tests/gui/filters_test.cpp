@@ -7,6 +7,7 @@
 #include "views/ui/TickHeader.h"
 
 #include <QCheckBox>
+#include <QContextMenuEvent>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -45,6 +46,7 @@ class FiltersTest : public QObject {
     void theFrontTabDecidesWhatReloads();
     void theHostFilterLastsUntilItIsTurnedOff();
     void theListGrowsWithAnImport();
+    void aLongHostDoesntWidenTheWindow();
 
   private:
     TableTab &tab() { return child<TableTab>(*m_form, "TableTab"); }
@@ -231,6 +233,13 @@ void FiltersTest::theHostsStandInTheirOrder() {
     QCOMPARE(menu.actions().size(), 2);
     QCOMPARE(menu.actions().at(0)->text(), QStringLiteral("Hosts - By Name - Ascending"));
     QCOMPARE(menu.actions().at(1)->text(), QStringLiteral("Hosts - By Visits - Descending"));
+    QVERIFY(!menu.isVisible());
+    const QPoint place(20, 20);
+    QContextMenuEvent ask(QContextMenuEvent::Mouse, place,
+                          hostGrid().viewport()->mapToGlobal(place));
+    QApplication::sendEvent(hostGrid().viewport(), &ask);
+    QVERIFY(menu.isVisible());
+    menu.close();
     menu.actions().at(1)->trigger();
     QCOMPARE(hostAt(0), QStringLiteral("b.example"));
     QVERIFY(!state().FilterByHostEnabled);
@@ -326,6 +335,18 @@ void FiltersTest::theListGrowsWithAnImport() {
     state().ProjectDB.connection().exec("INSERT INTO URLs(Host) VALUES('zz.new.example')");
     tab().LoadURLs();
     QCOMPARE(hostGrid().model()->rowCount(), before + 1);
+}
+
+void FiltersTest::aLongHostDoesntWidenTheWindow() {
+    const std::string host(255, 'w');
+    state().ProjectDB.connection().exec("UPDATE URLs SET Host = '" + host + "'");
+    const int width = m_form->width();
+    box().setText(toQt(host));
+    QTest::keyClick(&box(), Qt::Key_Return);
+    QVERIFY(rows() > 0 && sign("labHostFilter").isVisible());
+    QCOMPARE(m_form->width(), width);
+    QVERIFY(sign("labHostFilter").width() < 500);
+    QVERIFY(sign("labHostFilter").toolTip().contains(toQt(host)));
 }
 
 } // namespace nv

@@ -152,7 +152,10 @@ void HostsPart::showSign() {
     if (!on)
         return;
     const std::string &host = table->choice.FilterByHostValue;
-    const QString text = toQt(displayText(host));
+    constexpr int kWidest = 320; // pixels: a host of 255 characters must not widen the window
+    const QString whole = toQt(displayText(host));
+    const QString text = m_sign->fontMetrics().elidedText(whole, Qt::ElideMiddle, kWidest);
+    m_sign->setToolTip(Qt::convertFromPlainText(tr("Only hosts that contain %1").arg(whole)));
     m_sign->setText(host == hostInForce() ? tr("Host: %1").arg(text)
                                           : tr("Host: %1, until the next refresh").arg(text));
 }

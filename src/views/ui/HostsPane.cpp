@@ -5,6 +5,7 @@
 #include "views/CellText.h"
 #include "views/ui/TickHeader.h"
 
+#include <QAbstractScrollArea>
 #include <QActionGroup>
 #include <QBoxLayout>
 #include <QLocale>
@@ -125,11 +126,14 @@ void HostsPane::buildMenu() {
         entry->setChecked(facts.sort == m_sort);
         group->addAction(entry);
     }
-    for (QWidget *place : {m_grid->viewport(), m_header->viewport()}) {
+    const auto showOn = [this](QAbstractScrollArea *place) {
         place->setContextMenuPolicy(Qt::CustomContextMenu);
-        connect(place, &QWidget::customContextMenuRequested, this,
-                [this, place](const QPoint &at) { m_menu->popup(place->mapToGlobal(at)); });
-    }
+        connect(place, &QWidget::customContextMenuRequested, this, [this, place](const QPoint &at) {
+            m_menu->popup(place->viewport()->mapToGlobal(at));
+        });
+    };
+    showOn(m_grid);
+    showOn(m_header);
 }
 
 /// With the tick set anew no row counts as chosen, so that a click on any of them filters.

@@ -7,7 +7,6 @@
 
 #include <vector>
 
-class QLabel;
 class QMenu;
 class QTableView;
 
