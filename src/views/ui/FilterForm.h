@@ -8,7 +8,6 @@
 #include <vector>
 
 class QCheckBox;
-class QGridLayout;
 
 namespace nv {
 
