@@ -2,6 +2,7 @@
 
 #include "db/DatabaseClass.h"
 #include "time/TimeZoneClass.h"
+#include "views/FiltersClass.h"
 #include "views/ViewerClass.h"
 
 #include <filesystem>
@@ -39,6 +40,9 @@ struct ThisClass {
     // Queries and table
     std::string DefaultSQLDef = "SELECT * FROM URLs ORDER BY ActionDateLocal ASC";
     std::string CurrentSQLDef = DefaultSQLDef;
+    bool FilterByHostEnabled = false; ///< until turned off, over projects
+    std::string FilterByHostValue;    ///< part of a host's name
+    FiltersClass Filters;             ///< over projects, but not kept between runs
 
     // Viewers
     ViewerClass Viewer;

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace nv {
 
@@ -51,18 +52,20 @@ IdQuery galleryQuery(const RowChoice &rows, const PARDClass &PARD, const Gallery
 
 LoadResult Gallery::load(TaskMonitor &task) {
     m_ids.clear();
+    FoundRows found;
     // Cells are 16-bit.
     m_pageSize = static_cast<std::size_t>(std::clamp<int>(
         settings.GalleryRecordsPerPage, 1, std::numeric_limits<std::int16_t>::max()));
-    const auto walk = trapped(
-        m_log, Severity::Warning, kProcedure, kContactSupport, std::optional<Walk>(),
-        [&]() -> std::optional<Walk> {
-            if (ensureGalleryIndex(m_project, task) == IndexState::Cancelled)
-                return Walk::Cancelled;
-            return collectIds(m_project, galleryQuery(choice, PARD, settings.media), task, m_ids);
-        });
-    if (walk != Walk::Finished)
-        m_ids.clear();
+    const auto walk =
+        trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::optional<Walk>(),
+                [&]() -> std::optional<Walk> {
+                    if (ensureGalleryIndex(m_project, task) == IndexState::Cancelled)
+                        return Walk::Cancelled;
+                    return findRows(m_project, galleryQuery(choice, PARD, settings.media), Filters,
+                                    task, found);
+                });
+    if (walk == Walk::Finished)
+        m_ids = std::move(found.ids);
     m_pageCount = static_cast<int>((m_ids.size() + m_pageSize - 1) / m_pageSize);
     const bool shown = showPage(m_page);
     if (walk == Walk::Cancelled)

@@ -56,6 +56,7 @@ class Gallery {
 
     // What the next load takes up.
     RowChoice choice;
+    FiltersClass Filters; ///< off in the window, whose gallery goes by shape and host alone
     PARDClass PARD;
     GallerySettings settings;
 

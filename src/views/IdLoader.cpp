@@ -1,10 +1,12 @@
 #include "views/IdLoader.h"
 
+#include "base/Text.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 
@@ -32,17 +34,79 @@ void showProgress(TaskMonitor &task, std::size_t done, std::size_t total) {
     task.show(step);
 }
 
+/// The rows from an id on with the columns that `filters` look at, in the order of factsIn(); one
+/// that isn't needed is no column, so that its page need not be read.
+std::string factsQuery(const FiltersClass &filters) {
+    const FilterNeeds needs = needsOf(filters);
+    return fmt::format(
+        "SELECT URL_ID, IsHistory, IsCookie, IsBookmark, CacheType, {}, {}, {} FROM URLs "
+        "WHERE URL_ID >= ? ORDER BY URL_ID",
+        needs.Category ? "Category" : "NULL", needs.URLFileExt ? "URLFileExt" : "NULL",
+        needs.URL ? "URL" : "NULL");
+}
+
+/// Goes to rows by ascending ids. Steps from one to a near one, which takes a third of the time of
+/// looking each up.
+class RowWalk {
+  public:
+    explicit RowWalk(SQLite::Statement &rows) : m_rows(rows) {}
+
+    /// False when there is no row of this id.
+    bool goTo(std::int32_t id) {
+        constexpr std::int64_t kNear = 8;
+        if (!m_hasRow || id - m_id > kNear) {
+            m_rows.reset();
+            m_rows.bind(1, id);
+            step();
+        }
+        while (m_hasRow && m_id < id)
+            step();
+        return m_hasRow && m_id == id;
+    }
+
+  private:
+    void step() {
+        m_hasRow = m_rows.executeStep();
+        if (m_hasRow)
+            m_id = m_rows.getColumn(0).getInt64();
+    }
+
+    SQLite::Statement &m_rows;
+    bool m_hasRow = false;
+    std::int64_t m_id = 0;
+};
+
+std::string_view textIn(const SQLite::Column &column) {
+    const char *bytes = column.getText(); // before the length, which it settles
+    return {bytes, static_cast<std::size_t>(column.getBytes())};
+}
+
 FilterFacts factsIn(SQLite::Statement &row) {
     FilterFacts facts;
-    facts.id = UrlId{row.getColumn(0).getInt64()};
     facts.IsHistory = row.getColumn(1).getInt() != 0;
     facts.IsCookie = row.getColumn(2).getInt() != 0;
     facts.IsBookmark = row.getColumn(3).getInt() != 0;
-    facts.cacheType = row.getColumn(4).getString();
-    facts.Category = row.getColumn(5).getString();
-    facts.URLFileExt = row.getColumn(6).getString();
-    facts.URL = row.getColumn(7).getString();
+    facts.cacheType = toUpper(textIn(row.getColumn(4)));
+    facts.Category = toUpper(textIn(row.getColumn(5)));
+    facts.URLFileExt = textIn(row.getColumn(6));
+    facts.URL = toLower(textIn(row.getColumn(7)));
     return facts;
+}
+
+/// Those of `sorted` that the filters admit, which are sorted too.
+Walk admittedIds(SQLite::Database &database, const RowIds &sorted, const FiltersClass &filters,
+                 TaskMonitor &task, RowIds &admitted) {
+    SQLite::Statement rows(database, factsQuery(filters));
+    RowWalk walk(rows);
+    std::size_t done = 0;
+    for (const std::int32_t id : sorted) {
+        if (!task.advance(static_cast<double>(done) / static_cast<double>(sorted.size())))
+            return Walk::Cancelled;
+        if (walk.goTo(id) && FilterRecord(filters, factsIn(rows)))
+            admitted.push_back(id);
+        showProgress(task, ++done, sorted.size());
+    }
+    return Walk::Finished;
 }
 
 } // namespace
@@ -65,21 +129,31 @@ Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &t
     return Walk::Finished;
 }
 
-Walk filterIds(SQLite::Database &database, const RowIds &from, const RowFilter &filter,
+// Rows are read in the order in which they lie in the file, which is several times as quick as in
+// that of their dates.
+Walk filterIds(SQLite::Database &database, const RowIds &from, const FiltersClass &filters,
                TaskMonitor &task, RowIds &ids) {
-    SQLite::Statement row(database, "SELECT URL_ID, IsHistory, IsCookie, IsBookmark, CacheType,"
-                                    " Category, URLFileExt, URL FROM URLs WHERE URL_ID = ?");
-    std::size_t done = 0;
-    for (const std::int32_t id : from) {
-        if (!task.advance(static_cast<double>(done) / static_cast<double>(from.size())))
-            return Walk::Cancelled;
-        row.bind(1, id);
-        if (row.executeStep() && filter(factsIn(row)))
+    RowIds sorted = from;
+    std::ranges::sort(sorted);
+    RowIds admitted;
+    const Walk walk = admittedIds(database, sorted, filters, task, admitted);
+    for (const std::int32_t id : from)
+        if (std::ranges::binary_search(admitted, id))
             ids.push_back(id);
-        row.reset();
-        showProgress(task, ++done, from.size());
-    }
-    return Walk::Finished;
+    return walk;
+}
+
+Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersClass &filters,
+              TaskMonitor &task, FoundRows &found) {
+    if (!filters.EnableFilters)
+        return collectIds(database, query, task, found.ids);
+    RowIds all;
+    Walk walk = collectIds(database, query, task, all);
+    if (walk == Walk::Finished)
+        walk = filterIds(database, all, filters, task, found.ids);
+    if (walk == Walk::Finished)
+        found.hidden = all.size() - found.ids.size();
+    return walk;
 }
 
 } // namespace nv

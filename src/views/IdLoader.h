@@ -1,12 +1,11 @@
 #pragma once
 
 #include "base/TaskMonitor.h"
-#include "db/Ids.h"
+#include "views/FiltersClass.h"
 #include "views/UrlQuery.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <string>
 #include <vector>
 
 namespace SQLite {
@@ -25,21 +24,19 @@ enum class Walk { Finished, Cancelled };
 /// std::runtime_error for a row without an id or with one beyond 32 bits.
 Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &task, RowIds &ids);
 
-/// What the record filters look at.
-struct FilterFacts {
-    UrlId id = UrlId::none;
-    bool IsHistory = false;
-    bool IsCookie = false;
-    bool IsBookmark = false;
-    std::string cacheType;
-    std::string Category;
-    std::string URLFileExt;
-    std::string URL;
-};
-using RowFilter = std::function<bool(const FilterFacts &)>;
-
-/// Appends those of `from` that pass `filter`, in their order, and shows how far it is.
-Walk filterIds(SQLite::Database &database, const RowIds &from, const RowFilter &filter,
+/// Appends those of `from` that FilterRecord() admits, in their order, and shows how far it is. A
+/// cancel leaves those that it had found.
+Walk filterIds(SQLite::Database &database, const RowIds &from, const FiltersClass &filters,
                TaskMonitor &task, RowIds &ids);
+
+/// The rows that a query and the filters leave.
+struct FoundRows {
+    RowIds ids;
+    std::size_t hidden = 0; ///< that the filters took away; 0 while they are off
+};
+
+/// Both of the above. What was found before a cancel or a failure stays.
+Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersClass &filters,
+              TaskMonitor &task, FoundRows &found);
 
 } // namespace nv

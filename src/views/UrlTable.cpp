@@ -59,14 +59,14 @@ LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
     m_columnSort.reset();
     refreshRows();
     const Busy busy(m_busy);
-    RowIds found;
+    FoundRows found;
     const LoadResult result =
         trapped(m_log, Severity::Warning, kProcedure, kContactSupport, LoadResult::Failed, [&] {
             if (!prepareProject(task))
                 return LoadResult::Cancelled;
             return resultOf(fill(loadQuery(choice), task, found));
         });
-    m_ids = std::move(found);
+    take(std::move(found));
     m_empty = whyEmpty(result);
     RecordsetDirty = false;
     return result;
@@ -84,12 +84,13 @@ bool UrlTable::prepareProject(TaskMonitor &task) {
     return goOn;
 }
 
-Walk UrlTable::fill(const IdQuery &query, TaskMonitor &task, RowIds &ids) {
-    if (!filter)
-        return collectIds(m_project, query, task, ids);
-    RowIds all;
-    const Walk walk = collectIds(m_project, query, task, all);
-    return walk == Walk::Finished ? filterIds(m_project, all, filter, task, ids) : walk;
+Walk UrlTable::fill(const IdQuery &query, TaskMonitor &task, FoundRows &found) {
+    return findRows(m_project, query, Filters, task, found);
+}
+
+void UrlTable::take(FoundRows &&found) {
+    m_ids = std::move(found.ids);
+    m_hidden = found.hidden;
 }
 
 EmptyState UrlTable::whyEmpty(LoadResult result) {
@@ -98,6 +99,8 @@ EmptyState UrlTable::whyEmpty(LoadResult result) {
     return trapped(m_log, Severity::Low, kProcedure, kNotSerious, EmptyState::Failed, [&] {
         if (result == LoadResult::Failed)
             return EmptyState::Failed;
+        if (m_hidden > 0)
+            return EmptyState::AllHidden;
         SQLite::Statement any(m_project, "SELECT 1 FROM URLs LIMIT 1");
         return any.executeStep() ? EmptyState::NoMatches : EmptyState::NoRecords;
     });
@@ -106,13 +109,13 @@ EmptyState UrlTable::whyEmpty(LoadResult result) {
 LoadResult UrlTable::sortInto(const IdQuery &query, TaskMonitor &task) {
     describeLoad(task);
     const Busy busy(m_busy);
-    RowIds sorted;
+    FoundRows sorted;
     const LoadResult result =
         trapped(m_log, Severity::Warning, kProcedure, kContactSupport, LoadResult::Failed,
                 [&] { return resultOf(fill(query, task, sorted)); });
     if (result != LoadResult::Loaded)
         return result;
-    m_ids = std::move(sorted);
+    take(std::move(sorted));
     m_empty = whyEmpty(result);
     m_columnSort.reset();
     refreshRows();

@@ -17,7 +17,7 @@ namespace nv {
 
 enum class LoadResult { Loaded, Cancelled, Failed };
 /// Why a table without rows has none.
-enum class EmptyState { HasRows, NotLoaded, NoRecords, NoMatches, Cancelled, Failed };
+enum class EmptyState { HasRows, NotLoaded, NoRecords, NoMatches, AllHidden, Cancelled, Failed };
 
 struct ColumnSort {
     UrlColumn column;
@@ -35,7 +35,7 @@ class UrlTable {
     // What the next load takes up.
     RowChoice choice;
     std::string RootPath; ///< the project's base folder; empty mends no rows
-    RowFilter filter;     ///< empty when the record filters are off
+    FiltersClass Filters; ///< as the program's stand at the load
 
     /// Other tabs set and read it: true when the rows are no longer those that they show.
     bool RecordsetDirty = false;
@@ -54,6 +54,8 @@ class UrlTable {
     std::size_t rowCount() const { return m_ids.size(); }
     EmptyState emptyState() const { return m_ids.empty() ? m_empty : EmptyState::HasRows; }
     const RowIds &ids() const { return m_ids; }
+    /// Rows of the query that the record filters hide.
+    std::size_t hiddenCount() const { return m_hidden; }
     UrlId idAt(std::size_t place) const;
     /// The first row with this id.
     std::optional<std::size_t> placeOf(UrlId id) const;
@@ -82,7 +84,8 @@ class UrlTable {
   private:
     class Busy;
     bool prepareProject(TaskMonitor &task);
-    Walk fill(const IdQuery &query, TaskMonitor &task, RowIds &ids);
+    Walk fill(const IdQuery &query, TaskMonitor &task, FoundRows &found);
+    void take(FoundRows &&found);
     LoadResult sortInto(const IdQuery &query, TaskMonitor &task);
     EmptyState whyEmpty(LoadResult result);
     const UrlRow *rowFor(std::size_t place, UrlColumn column);
@@ -91,6 +94,7 @@ class UrlTable {
     FailureLog &m_log;
     const TimeZoneClass &m_zone;
     RowIds m_ids;
+    std::size_t m_hidden = 0;
     RowPager m_pager;
     RowCells m_cells;
     std::optional<ColumnSort> m_columnSort;

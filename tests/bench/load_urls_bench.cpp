@@ -1,9 +1,12 @@
 #include "support/TestProject.h"
 #include "views/DateIndex.h"
+#include "views/Hosts.h"
 #include "views/UrlTable.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>
+
+#include <vector>
 
 namespace nv {
 namespace {
@@ -95,16 +98,45 @@ void loadWithRowsNotSeenYet(benchmark::State &state) {
 }
 BENCHMARK(loadWithRowsNotSeenYet)->Unit(benchmark::kMillisecond);
 
-/// The record filters look at every row.
-void loadThroughTheFilter(benchmark::State &state) {
+void loadThrough(benchmark::State &state, const FiltersClass &filters) {
     BigProject &big = bigProject();
     const TimeZoneClass zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
-    table.filter = [](const FilterFacts &facts) { return facts.URL.ends_with("7.html"); };
+    table.Filters = filters;
+    table.Filters.EnableFilters = true;
+    table.Filters.showHistoryURLs = true;
     for (auto _ : state)
         table.LoadURLs(big.task);
+    state.counters["rows"] = static_cast<double>(table.rowCount());
 }
-BENCHMARK(loadThroughTheFilter)->Unit(benchmark::kMillisecond);
+
+/// The record filters look at every row, by its extension alone.
+void loadThroughAKindFilter(benchmark::State &state) {
+    FiltersClass filters;
+    filters.showGIF = true;
+    loadThrough(state, filters);
+}
+BENCHMARK(loadThroughAKindFilter)->Unit(benchmark::kMillisecond);
+
+/// Every flag but the one that makes looking needless, on rows that hardly any of them admits.
+void loadThroughAllFilters(benchmark::State &state) {
+    FiltersClass filters;
+    for (const FilterFlag &each : filterFlags())
+        filters.*each.flag = true;
+    filters.showMissingFileExt = false; // admits all rows of this project
+    filters.showAll = false;
+    loadThrough(state, filters);
+}
+BENCHMARK(loadThroughAllFilters)->Unit(benchmark::kMillisecond);
+
+/// The list of hosts, of which this project has 997.
+void listTheHosts(benchmark::State &state) {
+    BigProject &big = bigProject();
+    std::vector<HostRow> hosts;
+    for (auto _ : state)
+        listHosts(big.project.connection(), HostSort::ByVisits, big.task, hosts);
+}
+BENCHMARK(listTheHosts)->Unit(benchmark::kMillisecond);
 
 void sortByUrl(benchmark::State &state) {
     BigProject &big = bigProject();

@@ -33,6 +33,7 @@ struct ListArguments {
     std::string project;
     std::string query;
     std::string host;
+    std::vector<std::string> filter; ///< flags of the record filters
     std::vector<std::string> columns;
     Format format = Format::table;
     Dates dates = Dates::iso; ///< of csv and jsonl; tables for people show them as the window does
@@ -77,7 +78,8 @@ struct GalleryArguments {
     std::string project;
     std::string query;
     std::string host;
-    std::string pard; ///< "15-40"; empty for any
+    std::vector<std::string> filter; ///< flags of the record filters
+    std::string pard;                ///< "15-40"; empty for any
     std::vector<std::string> sizes;
     int page = 1;
     int perPage = 0; ///< 0 for the settings' number

@@ -2,6 +2,7 @@
 #include "app/Project.h"
 #include "app/cli/Commands.h"
 #include "app/cli/ContactSheet.h"
+#include "app/cli/FilterCommands.h"
 #include "app/cli/OutputPath.h"
 #include "app/cli/SheetPicture.h"
 #include "base/Files.h"
@@ -96,6 +97,7 @@ Gallery galleryOf(Session &session, const GalleryArguments &arguments) {
         throw UsageError(fmt::format("the project has no stored query \"{}\"", arguments.query));
     Gallery gallery(project, session.program.log);
     gallery.choice = {arguments.query, !arguments.host.empty(), arguments.host};
+    gallery.Filters = filtersFrom(arguments.filter);
     gallery.PARD = shapesOf(arguments);
     gallery.settings.GalleryRecordsPerPage =
         arguments.perPage > 0 ? arguments.perPage : state.GalleryRecordsPerPage;
@@ -112,6 +114,8 @@ std::vector<std::string> linesOf(const Gallery &gallery, const GalleryArguments 
         lines.push_back("Query: " + arguments.query);
     if (!arguments.host.empty())
         lines.push_back("Hosts that contain: " + arguments.host);
+    if (!arguments.filter.empty())
+        lines.push_back(fmt::format("Filters: {}", fmt::join(arguments.filter, ", ")));
     if (!arguments.pard.empty())
         lines.push_back("P.A.R.D.: " + arguments.pard);
     if (!arguments.sizes.empty())

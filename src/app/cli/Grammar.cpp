@@ -14,6 +14,7 @@ constexpr const char *kExamples = R"(Examples:
   norvelane-cli import case.nvp /mnt/seized            import all that is found below a folder
   norvelane-cli import case.nvp History --zone 15      one file, dates shown in the zone 15
   norvelane-cli list case.nvp --host example.com       the rows of a host as a table
+  norvelane-cli list case.nvp --filter CacheURLs,JPEG  cached JPEG pictures only
   norvelane-cli list case.nvp --format csv > rows.csv  all rows for a spreadsheet
   norvelane-cli query case.nvp "SELECT TOP 5 URL FROM URLs WHERE ActionDateUTC > #1/15/2009#"
   norvelane-cli show case.nvp 17                       everything about one row
@@ -46,6 +47,7 @@ Grammar::Grammar()
     addTrail();
     addLinks();
     addViewers();
+    addHosts();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {
@@ -94,6 +96,7 @@ void Grammar::addList() {
     addProject(c, m_list.project);
     c->add_option("--query", m_list.query, "Name of a stored query (default: _DEFAULT)");
     c->add_option("--host", m_list.host, "Only hosts that contain this text");
+    addFilter(c, m_list.filter);
     c->add_option("--columns", m_list.columns, "Column keys, separated by commas")->delimiter(',');
     c->add_flag_callback(
         "--dates-as-shown", [this] { m_list.dates = Dates::asShown; },
@@ -213,6 +216,7 @@ void Grammar::addPictures() {
     addProject(gallery, m_gallery.project);
     gallery->add_option("--query", m_gallery.query, "Name of a stored query (default: _DEFAULT)");
     gallery->add_option("--host", m_gallery.host, "Only hosts that contain this text");
+    addFilter(gallery, m_gallery.filter);
     gallery->add_option("--pard", m_gallery.pard, "Only P.A.R.D. values FROM-TO, best 15-40");
     gallery->add_option("--sizes", m_gallery.sizes, "Only these sizes: xs,s,m,l,xl")
         ->delimiter(',');

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/cli/Commands.h"
+#include "app/cli/FilterCommands.h"
 #include "app/cli/LinkCommands.h"
 #include "app/cli/ViewerCommands.h"
 
@@ -27,6 +28,7 @@ class Grammar {
     CLI::App *command(const char *name, const char *what, Run run);
     void addProject(CLI::App *to, std::string &project);
     void addFormat(CLI::App *to);
+    void addFilter(CLI::App *to, std::vector<std::string> &filter);
     void addImport();
     void addList();
     void addQueries();
@@ -38,6 +40,7 @@ class Grammar {
     void addTrail();
     void addLinks();
     void addViewers();
+    void addHosts();
 
     ImportArguments m_import;
     ListArguments m_list;
@@ -50,6 +53,7 @@ class Grammar {
     NoteArguments m_note;
     HexArguments m_hex;
     RowArguments m_row;
+    HostsArguments m_hosts;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";

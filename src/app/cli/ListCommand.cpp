@@ -1,5 +1,6 @@
 #include "app/Project.h"
 #include "app/cli/Commands.h"
+#include "app/cli/FilterCommands.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "db/StoredQueries.h"
@@ -73,6 +74,7 @@ void checkQuery(Session &session, const std::string &name) {
 
 LoadResult load(Session &session, const ListArguments &arguments, UrlTable &table) {
     table.choice = {arguments.query, !arguments.host.empty(), arguments.host};
+    table.Filters = session.program.thisClass.Filters;
     table.RootPath = textOf(session.program.thisClass.RootPath);
     table.dates() = dateSettings(session.program);
     const LoadResult loaded = table.LoadURLs(session.task);
@@ -80,6 +82,9 @@ LoadResult load(Session &session, const ListArguments &arguments, UrlTable &tabl
     if (loaded == LoadResult::Failed)
         throw StorageFailure(
             fmt::format("{}; see \"{}\"", loadFailure().title, textOf(session.program.log.path())));
+    if (table.hiddenCount() > 0)
+        session.err << fmt::format("filters hide {} of {} rows\n", table.hiddenCount(),
+                                   table.hiddenCount() + table.rowCount());
     return loaded;
 }
 
@@ -101,6 +106,7 @@ void writeRows(const ListArguments &arguments, const std::vector<UrlColumn> &col
 
 Exit listCommand(Session &session, const ListArguments &arguments) {
     const std::vector<UrlColumn> columns = chosenColumns(arguments);
+    session.program.thisClass.Filters = filtersFrom(arguments.filter);
     session.open(arguments.project);
     checkQuery(session, arguments.query);
     const ThisClass &state = session.program.thisClass;

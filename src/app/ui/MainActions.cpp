@@ -40,6 +40,8 @@ MainActions::MainActions(QObject *o)
       rebuild(make(o, "actRebuild", tr("&Rebuild"), "rebuild", Qt::CTRL | Qt::Key_B)),
       linkAnalysis(make(o, "actLinkAnalysis", tr("Run &Link Analysis..."), "links",
                         Qt::CTRL | Qt::SHIFT | Qt::Key_L)),
+      filters(make(o, "actFilters", tr("Filter&s..."), "filter", Qt::CTRL | Qt::SHIFT | Qt::Key_F)),
+      hosts(make(o, "actHosts", tr("&Hosts"), "net-32", Qt::CTRL | Qt::Key_H)),
       columns(make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::Key_L)),
       viewers(make(o, "actViewers", tr("&Viewers"), "", Qt::Key_F4)),
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
@@ -53,6 +55,9 @@ MainActions::MainActions(QObject *o)
     rebuild->setToolTip(tr("Rebuild the tagged web pages, or the current one when none is tagged"));
     caseTrail->setToolTip(tr("What was done with this project, when and on which file"));
     linkAnalysis->setToolTip(tr("Find the cached pages that hold a link to each record"));
+    filters->setToolTip(tr("Show only records of some sources, kinds and sites"));
+    hosts->setToolTip(tr("The list of hosts beside the table"));
+    hosts->setCheckable(true);
     viewers->setCheckable(true);
     viewers->setChecked(true);
 }
@@ -60,7 +65,7 @@ MainActions::MainActions(QObject *o)
 void MainActions::setProjectOpen(bool open) {
     for (QAction *action :
          {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext, tag, rebuild,
-          linkAnalysis, columns, refresh, baseFolder, timeZone, caseTrail})
+          linkAnalysis, columns, refresh, baseFolder, timeZone, caseTrail, filters, hosts})
         action->setEnabled(open);
 }
 

@@ -24,6 +24,8 @@ struct MainActions {
     QAction *tag;
     QAction *rebuild;
     QAction *linkAnalysis;
+    QAction *filters;
+    QAction *hosts;
     QAction *columns;
     QAction *viewers;
     QAction *refresh;

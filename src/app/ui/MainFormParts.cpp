@@ -1,14 +1,16 @@
 // How the main window is put together, and what it does by itself: locking, closing, drag and drop.
 #include "app/Messages.h"
+#include "app/ui/FiltersPart.h"
 #include "app/ui/GalleryPart.h"
+#include "app/ui/HostsPart.h"
 #include "app/ui/LinkPart.h"
 #include "app/ui/MainForm.h"
 #include "app/ui/NetworkPart.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
+#include "app/ui/TemplatesPart.h"
 #include "app/ui/TrailPart.h"
 #include "app/ui/ViewersPart.h"
-#include "app/ui/TemplatesPart.h"
 #include "app/ui/WelcomePage.h"
 #include "app/ui/Workbench.h"
 #include "base/Files.h"
@@ -86,12 +88,16 @@ QWidget *MainForm::newProjectPage() {
     m_bench =
         std::make_unique<Workbench>(m_program, m_dialogs, m_actions, *this, runCommands, runTasks);
     m_bench->dataTabs = dataTabs;
+    m_bench->dataArea = new QSplitter;
+    m_bench->dataArea->setObjectName(QStringLiteral("dataArea"));
+    m_bench->dataArea->setChildrenCollapsible(false);
+    m_bench->dataArea->addWidget(dataTabs);
     m_bench->table = m_table;
     m_bench->viewers = m_viewers;
     addParts();
     m_splitter = new QSplitter(Qt::Vertical);
     m_splitter->setObjectName(QStringLiteral("mainSplitter"));
-    m_splitter->addWidget(dataTabs);
+    m_splitter->addWidget(m_bench->dataArea);
     m_splitter->addWidget(m_viewers);
     m_splitter->setStretchFactor(0, 3);
     m_splitter->setStretchFactor(1, 1);
@@ -104,6 +110,8 @@ void MainForm::addParts() {
     addProperties(*m_bench);
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
     m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
+    m_parts.push_back(std::make_unique<HostsPart>(*m_bench));
+    m_parts.push_back(std::make_unique<FiltersPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
     m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));

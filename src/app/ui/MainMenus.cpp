@@ -57,12 +57,12 @@ void MainMenus::buildEdit(const MainActions &actions) {
 
 void MainMenus::buildView(const MainActions &actions) {
     QMenu *menu = named(m_window.menuBar()->addMenu(tr("&View")), "menuView");
-    menu->addActions({actions.columns});
+    menu->addActions({actions.filters, actions.columns});
     m_sortBy = named(menu->addMenu(tr("&Sort By")), "PopupMenuSortBy");
     addSortChoices();
     menu->addAction(actions.refresh);
     menu->addSeparator();
-    menu->addAction(actions.viewers);
+    menu->addActions({actions.viewers, actions.hosts});
     addThemes(*named(menu->addMenu(icon("theme"), tr("&Theme")), "menuTheme"));
 }
 
@@ -106,8 +106,8 @@ void MainMenus::buildToolBar(const MainActions &actions) {
     m_toolBar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     m_toolBar->addActions({actions.newProject, actions.openProject, actions.import});
     m_toolBar->addSeparator();
-    m_toolBar->addActions(
-        {actions.tag, actions.rebuild, actions.find, actions.columns, actions.refresh});
+    m_toolBar->addActions({actions.tag, actions.rebuild, actions.find, actions.filters,
+                           actions.hosts, actions.columns, actions.refresh});
 }
 
 void MainMenus::showRecentFiles(const std::vector<RecentFile> &files) {

@@ -8,6 +8,8 @@
 
 #include <QObject>
 
+class QSplitter;
+
 namespace nv {
 
 /// What the parts of the main window share. A part is an object of its own for one topic: it
@@ -29,6 +31,7 @@ class Workbench final : public QObject {
     RunTask runTask;
     // Made with the project page, and there when parts are made.
     QTabWidget *dataTabs = nullptr;
+    QSplitter *dataArea = nullptr; ///< the data tabs and what stands beside them
     TableTab *table = nullptr;
     ViewerTabs *viewers = nullptr;
 

@@ -10,12 +10,15 @@ namespace nv {
 
 namespace {
 
-QString textOf(EmptyState state) {
+QString textOf(EmptyState state, std::size_t hidden) {
     switch (state) {
     case EmptyState::NoRecords:
         return EmptyPage::tr("This project holds no records yet.\nImport evidence to fill it.");
     case EmptyState::NoMatches:
         return EmptyPage::tr("No record matches the query and the host.");
+    case EmptyState::AllHidden:
+        return EmptyPage::tr("The filters hide all %L1 records that the query and the host give.")
+            .arg(hidden);
     case EmptyState::Cancelled:
         return EmptyPage::tr("The loading was cancelled before any record was found.");
     case EmptyState::Failed:
@@ -45,10 +48,14 @@ EmptyPage::EmptyPage(QWidget *parent) : QWidget(parent) {
     m_import->setIcon(icon("import"));
     m_showAll = newButton("btnEmptyShowAll", tr("Show &All Records"));
 
+    m_filters = newButton("btnEmptyFilters", tr("&Filters..."));
+    m_filters->setIcon(icon("filter"));
+
     auto *buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(m_import);
     buttons->addWidget(m_showAll);
+    buttons->addWidget(m_filters);
     buttons->addStretch();
     auto *column = new QVBoxLayout(this);
     column->addStretch();
@@ -58,12 +65,15 @@ EmptyPage::EmptyPage(QWidget *parent) : QWidget(parent) {
     column->addStretch();
     connect(m_import, &QPushButton::clicked, this, &EmptyPage::importRequested);
     connect(m_showAll, &QPushButton::clicked, this, &EmptyPage::showAllRequested);
+    connect(m_filters, &QPushButton::clicked, this, &EmptyPage::filtersRequested);
 }
 
-void EmptyPage::showState(EmptyState state) {
-    m_text->setText(textOf(state));
+void EmptyPage::showState(EmptyState state, std::size_t hidden) {
+    m_text->setText(textOf(state, hidden));
     m_import->setVisible(state == EmptyState::NoRecords);
-    m_showAll->setVisible(state != EmptyState::NoRecords && state != EmptyState::NotLoaded);
+    m_showAll->setVisible(state != EmptyState::NoRecords && state != EmptyState::NotLoaded &&
+                          state != EmptyState::AllHidden);
+    m_filters->setVisible(state == EmptyState::AllHidden);
 }
 
 } // namespace nv

@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <cstddef>
+
 class QLabel;
 class QPushButton;
 
@@ -15,16 +17,19 @@ class EmptyPage final : public QWidget {
 
   public:
     explicit EmptyPage(QWidget *parent = nullptr);
-    void showState(EmptyState state);
+    /// `hidden` is how many records the filters hide.
+    void showState(EmptyState state, std::size_t hidden = 0);
 
   signals:
     void importRequested();
     void showAllRequested();
+    void filtersRequested();
 
   private:
     QLabel *m_text = nullptr;
     QPushButton *m_import = nullptr;
     QPushButton *m_showAll = nullptr;
+    QPushButton *m_filters = nullptr;
 };
 
 } // namespace nv

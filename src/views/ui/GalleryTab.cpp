@@ -168,6 +168,7 @@ void GalleryTab::openProject(SQLite::Database &project, FailureLog &log,
     m_gallery = std::make_unique<Gallery>(project, log);
     m_gallery->settings = settings;
     m_gallery->GalleryDirty = true;
+    takeHost();
     const QSize size(thumbnailWidth, thumbnailWidth * 3 / 4);
     m_model.setThumbnailSize(size);
     m_tile.setThumbnailSize(size);
@@ -227,9 +228,27 @@ void GalleryTab::takeChoice() {
     choice.ShowLargePics = m_sizes[3]->isChecked();
     choice.ShowXLargePics = m_sizes[4]->isChecked();
     m_gallery->settings.media = {m_pictures->isChecked(), m_pages->isChecked()};
-    m_gallery->choice.FilterByHostValue = fromQt(m_host->text());
-    m_gallery->choice.FilterByHostEnabled = !m_host->text().isEmpty();
+    if (takeHost())
+        emit hostEntered(m_host->text().trimmed());
     load();
+}
+
+/// True when the box says something new.
+bool GalleryTab::takeHost() {
+    const std::string host = fromQt(m_host->text().trimmed());
+    RowChoice &choice = m_gallery->choice;
+    if (choice.FilterByHostValue == host)
+        return false;
+    choice.FilterByHostValue = host;
+    choice.FilterByHostEnabled = !host.empty();
+    return true;
+}
+
+void GalleryTab::setHost(const QString &host) {
+    const QSignalBlocker quiet(m_host);
+    m_host->setText(host);
+    if (m_gallery && takeHost())
+        m_gallery->GalleryDirty = true;
 }
 
 void GalleryTab::load() {

@@ -33,6 +33,8 @@ class GalleryTab final : public QWidget {
     void closeProject();
     /// The rows of the table's query are shown.
     void setQuery(const std::string &name);
+    /// What the next load filters by; empty turns the host filter off. The box shows it.
+    void setHost(const QString &host);
     /// Rows or thumbnails have changed.
     void setDirty();
 
@@ -40,6 +42,8 @@ class GalleryTab final : public QWidget {
     /// The examiner opened a tile, or went to it.
     void urlChosen(qint64 URL_ID);
     void tagsChanged();
+    /// The examiner has changed the box.
+    void hostEntered(const QString &host);
     void thumbnailsWanted();
 
   protected:
@@ -51,6 +55,7 @@ class GalleryTab final : public QWidget {
     QListView *newTiles();
     QCheckBox *newBox(const char *name, const QString &text, const QString &toolTip, bool on) const;
     void takeChoice();
+    bool takeHost();
     void load();
     void refresh();
     void showPage(bool (Gallery::*turn)());

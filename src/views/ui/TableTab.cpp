@@ -80,6 +80,7 @@ void TableTab::connectParts() {
     connect(m_grid, &UrlGrid::currentUrlChanged, this, &TableTab::currentUrlChanged);
     connect(m_empty, &EmptyPage::importRequested, this, &TableTab::importRequested);
     connect(m_empty, &EmptyPage::showAllRequested, this, &TableTab::showAll);
+    connect(m_empty, &EmptyPage::filtersRequested, this, &TableTab::filtersRequested);
     connect(m_find, &FindBar::nextRequested, this, &TableTab::findNext);
     connect(m_find, &FindBar::closed, this, [this] { m_grid->setFocus(); });
 }
@@ -99,9 +100,6 @@ void TableTab::closeProject() {
     m_project = nullptr;
     m_log = nullptr;
     m_tagged = 0;
-    m_host->blockSignals(true);
-    m_host->clear();
-    m_host->blockSignals(false);
     m_empty->showState(EmptyState::NotLoaded);
     m_pages->setCurrentWidget(m_empty);
     m_grid->showSort(std::nullopt);
@@ -131,11 +129,18 @@ void TableTab::chooseQuery(const QString &name) {
 void TableTab::takeHost() {
     if (!m_table || m_table->choice.FilterByHostValue == fromQt(m_host->text().trimmed()))
         return;
+    emit hostEntered(m_host->text().trimmed());
     LoadURLs();
 }
 
+void TableTab::setHost(const QString &host) {
+    const QSignalBlocker quiet(m_host);
+    m_host->setText(host);
+}
+
 void TableTab::showAll() {
-    m_host->clear();
+    setHost({});
+    emit hostEntered({});
     chooseQuery({});
 }
 
@@ -169,7 +174,7 @@ void TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work) {
     m_runTask({}, [&](TaskMonitor &task) { result = work(task); });
     m_model.rowsChanged();
     m_grid->showSort(m_table->columnSort());
-    m_empty->showState(m_table->emptyState());
+    m_empty->showState(m_table->emptyState(), m_table->hiddenCount());
     m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);
     if (current)
         m_grid->setCurrentUrl(*current);

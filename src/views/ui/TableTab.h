@@ -46,6 +46,8 @@ class TableTab final : public QWidget {
     /// Chooses a query, loads its rows.
     void chooseQuery(const QString &name);
     QString queryName() const;
+    /// What the next load filters by; empty turns the host filter off. The box shows it.
+    void setHost(const QString &host);
 
     void LoadURLs();
     /// The rows' texts have changed; the list and the current row stay.
@@ -65,6 +67,9 @@ class TableTab final : public QWidget {
     void statusChanged();
     void currentUrlChanged();
     void importRequested();
+    void filtersRequested();
+    /// Comes before the load when the examiner has changed the box.
+    void hostEntered(const QString &host);
 
   private:
     QWidget *newChoiceBar();

@@ -64,30 +64,5 @@ TEST_F(IdLoaderTest, anIdBeyondThirtyTwoBitsFailsClearly) {
     EXPECT_THROW(collectIds(db(), {"SELECT 'seven'", ""}, task, ids), std::runtime_error);
 }
 
-TEST_F(IdLoaderTest, theFilterSeesTheRecordAndKeepsTheOrder) {
-    add({{"URL", "a"}, {"URLFileExt", "jpg"}, {"CacheType", "IE Cache"}});
-    add({{"URL", "b"}, {"IsCookie", std::int64_t{1}}, {"Category", "Cookies"}});
-    add({{"URL", "c"}, {"IsHistory", std::int64_t{1}}, {"IsBookmark", std::int64_t{1}}});
-    test::MemoryTask shown;
-    const RowFilter filter = [](const FilterFacts &facts) {
-        return facts.URLFileExt == "jpg" || (facts.IsHistory && facts.IsBookmark);
-    };
-    EXPECT_EQ(filterIds(db(), {3, 99, 2, 1}, filter, shown, ids), Walk::Finished);
-    EXPECT_EQ(ids, (RowIds{3, 1})) << "99 is no row any more";
-    ASSERT_EQ(shown.steps.size(), 4u);
-    EXPECT_EQ(shown.steps[1].topMessage, "Validating and Loading Records ");
-    EXPECT_EQ(shown.steps[1].bottomMessage, "URL 2 of 4");
-}
-
-TEST_F(IdLoaderTest, aCancelledFilterKeepsTheRowsThatPassed) {
-    for (int i = 0; i < 5; ++i)
-        add({});
-    test::CancelAfter soon(2);
-    EXPECT_EQ(filterIds(
-                  db(), {1, 2, 3, 4, 5}, [](const FilterFacts &) { return true; }, soon, ids),
-              Walk::Cancelled);
-    EXPECT_EQ(ids, (RowIds{1, 2}));
-}
-
 } // namespace
 } // namespace nv

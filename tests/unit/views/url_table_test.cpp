@@ -215,18 +215,36 @@ TEST_F(UrlTableTest, aLoadShowsWhatItIsAt) {
     EXPECT_EQ(shown.steps.back().bottomMessage, "URL 1 of 1");
 }
 
-TEST_F(UrlTableTest, theRecordFilterComesAfterTheQueryAndStaysThroughASort) {
-    page(1, "b keep");
+TEST_F(UrlTableTest, theRecordFiltersComeAfterTheQueryAndStayThroughASort) {
+    page(1, "b blog");
     page(2, "drop");
-    page(3, "a keep");
-    table.filter = [](const FilterFacts &facts) { return facts.URL.ends_with("keep"); };
+    page(3, "a blog");
+    table.Filters.EnableFilters = true;
+    table.Filters.showHistoryURLs = true;
+    table.Filters.showBlogs = true;
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
-    EXPECT_EQ(urls(), (Texts{"b keep", "a keep"}));
+    EXPECT_EQ(urls(), (Texts{"b blog", "a blog"}));
+    EXPECT_EQ(table.hiddenCount(), 1u);
     EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, task), LoadResult::Loaded);
-    EXPECT_EQ(urls(), (Texts{"a keep", "b keep"}));
-    table.filter = [](const FilterFacts &) { return false; };
+    EXPECT_EQ(urls(), (Texts{"a blog", "b blog"}));
+    EXPECT_EQ(table.hiddenCount(), 1u);
+    table.Filters.EnableFilters = false;
+    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.rowCount(), 3u);
+    EXPECT_EQ(table.hiddenCount(), 0u);
+}
+
+TEST_F(UrlTableTest, tellsFiltersThatHideEverythingFromAQueryThatFindsNothing) {
+    page(1, "a");
+    table.Filters.EnableFilters = true;
+    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.emptyState(), EmptyState::AllHidden);
+    EXPECT_EQ(table.hiddenCount(), 1u);
+    table.choice.FilterByHostEnabled = true;
+    table.choice.FilterByHostValue = "elsewhere";
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.emptyState(), EmptyState::NoMatches);
+    EXPECT_EQ(table.hiddenCount(), 0u);
 }
 
 TEST_F(UrlTableTest, saysWhyItIsEmpty) {

@@ -1,0 +1,163 @@
+#include "app/ui/HostsPart.h"
+
+#include "app/ui/StatusSign.h"
+#include "base/Trap.h"
+#include "platform/qt/QtText.h"
+#include "views/CellText.h"
+#include "views/ui/GalleryTab.h"
+#include "views/ui/HostsPane.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QSplitter>
+#include <SQLiteCpp/Database.h>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kSection = "BEYOND"; ///< of the settings file
+constexpr std::string_view kShowHosts = "ShowHosts";
+constexpr std::int64_t kNotListed = -1;
+
+} // namespace
+
+HostsPart::HostsPart(Workbench &bench)
+    : m_bench(bench), m_pane(new HostsPane), m_gallery(bench.dataTabs->findChild<GalleryTab *>()),
+      m_sign(newStatusSign(bench.window, "labHostFilter")) {
+    bench.dataArea->insertWidget(0, m_pane);
+    bench.dataArea->setStretchFactor(0, 0);
+    bench.dataArea->setStretchFactor(1, 1);
+    bench.dataArea->setSizes({280, 1000});
+    bench.actions.hosts->setChecked(
+        bench.program.settings.ReadIniValue(kSection, kShowHosts, false));
+    m_pane->setVisible(bench.actions.hosts->isChecked());
+    connectPane();
+    connect(bench.table, &TableTab::hostEntered, this, &HostsPart::takeEntered);
+    connect(bench.table, &TableTab::statusChanged, this, [this] {
+        fillIfStale();
+        showSign();
+    });
+    connect(m_gallery, &GalleryTab::hostEntered, this, &HostsPart::takeEntered);
+    connect(bench.dataTabs, &QTabWidget::currentChanged, this, &HostsPart::reloadStaleTable);
+    connect(&bench, &Workbench::projectClosing, this, [this] {
+        m_pane->setHosts({});
+        m_listedTo = kNotListed;
+        m_sign->hide();
+    });
+}
+
+void HostsPart::connectPane() {
+    connect(m_bench.actions.hosts, &QAction::toggled, this, &HostsPart::showPane);
+    // Comes before the rows are loaded anew, which then fills the list.
+    connect(m_bench.actions.refresh, &QAction::triggered, this,
+            [this] { m_listedTo = kNotListed; });
+    connect(m_pane, &HostsPane::hostChosen, this, &HostsPart::choose);
+    connect(m_pane, &HostsPane::unticked, this, &HostsPart::untick);
+    connect(m_pane, &HostsPane::sortChosen, this, &HostsPart::fill);
+}
+
+void HostsPart::showPane(bool shown) {
+    m_pane->setVisible(shown);
+    m_bench.program.settings.WriteIniValue(kSection, kShowHosts, shown);
+    fillIfStale();
+}
+
+/// Records only ever come in at the end, so a new highest one is what brings new hosts.
+void HostsPart::fillIfStale() {
+    if (!m_bench.isProjectOpen() || m_pane->isHidden())
+        return;
+    const std::int64_t last = trapped(m_bench.program.log, Severity::Low, "MainForm.fillHosts()",
+                                      kNotSerious, m_listedTo, [this] {
+                                          return m_bench.project()
+                                              .execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs")
+                                              .getInt64();
+                                      });
+    if (last == m_listedTo)
+        return;
+    m_listedTo = last;
+    fill();
+}
+
+void HostsPart::fill() {
+    if (!m_bench.isProjectOpen())
+        return;
+    std::vector<HostRow> hosts;
+    m_bench.runTask({"LISTING HOSTS", "", "", ""}, [&](TaskMonitor &task) {
+        listHosts(m_bench.project(), m_pane->sort(), task, hosts);
+    });
+    m_pane->setHosts(std::move(hosts));
+}
+
+/// Another row of the list. Without the tick the filter goes off, and what is shown stays until
+/// the examiner asks for it.
+void HostsPart::choose(const std::string &host) {
+    ThisClass &state = m_bench.program.thisClass;
+    const bool ticked = m_pane->isTicked();
+    state.FilterByHostEnabled = ticked;
+    if (ticked)
+        state.FilterByHostValue = host;
+    showFilter();
+    if (ticked)
+        reloadFrontTab();
+}
+
+void HostsPart::untick() {
+    m_bench.program.thisClass.FilterByHostEnabled = false;
+    showFilter();
+}
+
+/// From a box, whose tab loads itself.
+void HostsPart::takeEntered(const QString &host) {
+    ThisClass &state = m_bench.program.thisClass;
+    state.FilterByHostEnabled = !host.isEmpty();
+    state.FilterByHostValue = fromQt(host);
+    m_pane->setTicked(state.FilterByHostEnabled);
+    showFilter();
+}
+
+std::string HostsPart::hostInForce() const {
+    const ThisClass &state = m_bench.program.thisClass;
+    return state.FilterByHostEnabled ? state.FilterByHostValue : std::string();
+}
+
+void HostsPart::showFilter() {
+    const QString host = toQt(hostInForce());
+    m_bench.table->setHost(host);
+    m_gallery->setHost(host);
+    showSign();
+}
+
+void HostsPart::reloadFrontTab() {
+    const QWidget *front = m_bench.dataTabs->currentWidget();
+    if (front == m_bench.table)
+        m_bench.reload();
+    else if (front == m_gallery)
+        m_gallery->setDirty();
+}
+
+/// A host that was chosen before another tab holds for the table too, once it is looked at.
+void HostsPart::reloadStaleTable() {
+    UrlTable *table = m_bench.table->table();
+    if (table && m_bench.dataTabs->currentWidget() == m_bench.table &&
+        table->choice.FilterByHostValue != hostInForce())
+        m_bench.reload();
+}
+
+/// Tells what the rows shown are filtered by, which isn't always what the next load will be.
+void HostsPart::showSign() {
+    const UrlTable *table = m_bench.table->table();
+    const bool on = table && table->choice.FilterByHostEnabled;
+    m_sign->setVisible(on);
+    if (!on)
+        return;
+    const std::string &host = table->choice.FilterByHostValue;
+    constexpr int kWidest = 320; // pixels: a host of 255 characters must not widen the window
+    const QString whole = toQt(displayText(host));
+    const QString text = m_sign->fontMetrics().elidedText(whole, Qt::ElideMiddle, kWidest);
+    m_sign->setToolTip(Qt::convertFromPlainText(tr("Only hosts that contain %1").arg(whole)));
+    m_sign->setText(host == hostInForce() ? tr("Host: %1").arg(text)
+                                          : tr("Host: %1, until the next refresh").arg(text));
+}
+
+} // namespace nv

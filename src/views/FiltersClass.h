@@ -1,0 +1,128 @@
+#pragma once
+
+#include "base/Examiner.h"
+
+#include <array>
+#include <cstddef>
+#include <initializer_list>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+struct URLClass;
+
+/// The record filters: which rows of a query are shown. Kept in memory only, for one run of the
+/// program. The flags stand in the order of their tests.
+struct FiltersClass {
+    bool EnableFilters = false; ///< off: every row is shown
+
+    // Data sources: off, they veto.
+    bool showHistoryURLs = false;
+    bool showCacheURLs = false;
+    bool showCookies = false;
+    bool showBookmarks = false;
+
+    // Kinds of file
+    bool showBitmaps = false;
+    bool showPNG = false;
+    bool showGIF = false;
+    bool showJPEG = false;
+    bool showMusic = false;
+    bool showAudioFiles = false;
+    bool showPDF = false;
+    bool showHTML = false;
+    bool showXML = false;
+    bool showASP = false;
+    bool showJS = false;
+    bool showCSS = false;
+    bool showPHPCGI = false;
+    bool showMissingFileExt = false;
+    bool showExcelDocs = false;
+    bool showPowerpoint = false;
+    bool showEXEs = false;
+    bool showHelp = false;
+    bool showAccessFiles = false;
+    bool showMovies = false;
+    bool showWordDocs = false;
+    bool showArchiveFiles = false;
+
+    // Sites
+    bool showGoogle = false;
+    bool showYahoo = false;
+    bool showHotmailLive = false;
+    bool showAOL = false;
+    bool showFacebook = false;
+    bool showMySpace = false;
+    bool showYouTube = false;
+    bool showEBAY = false;
+    bool showBlogs = false;
+    bool showFilesOpened = false;
+
+    bool showAll = false; ///< what no source vetoes is shown, whatever its kind
+
+    bool operator==(const FiltersClass &) const = default;
+};
+
+/// What the filters look at, in the form in which they compare it.
+struct FilterFacts {
+    bool IsHistory = false;
+    bool IsCookie = false;
+    bool IsBookmark = false;
+    std::string cacheType;  ///< upper case
+    std::string Category;   ///< upper case
+    std::string URLFileExt; ///< as stored
+    std::string URL;        ///< lower case
+};
+
+/// A few words of a filter's test, at most as many as the longest needs.
+struct FilterWords {
+    std::array<std::string_view, 4> word{};
+    std::size_t count = 0;
+    constexpr FilterWords(std::initializer_list<std::string_view> words) {
+        for (const std::string_view each : words)
+            word[count++] = each;
+    }
+    std::span<const std::string_view> all() const { return {word.data(), count}; }
+};
+
+enum class FilterGroup { Source, Kind, Site, All };
+
+/// A flag: its name, what the dialog calls it, and what admits a record by it. Sources and
+/// `showAll` have no words.
+struct FilterFlag {
+    bool FiltersClass::*flag;
+    std::string_view name;
+    std::string_view label;
+    FilterGroup group;
+    FilterWords extensions = {};    ///< the extension is one of these
+    FilterWords categories = {};    ///< the category is one of these
+    FilterWords categoryParts = {}; ///< the category contains one of these
+    FilterWords urlParts = {};      ///< the URL contains one of these
+};
+
+/// All flags but `EnableFilters`, in the order of their tests.
+std::span<const FilterFlag> filterFlags();
+/// By its name in any case, with or without the "show" before it; null when there is none.
+const FilterFlag *findFilterFlag(std::string_view name);
+
+/// Whether a record is shown by flags that are enabled.
+bool FilterRecord(const FiltersClass &filters, const URLClass &record);
+/// The same by what was read of a row. Facts that needsOf() leaves out may be empty.
+bool FilterRecord(const FiltersClass &filters, const FilterFacts &facts);
+
+/// Which facts the flags that are on look at, besides source and type.
+struct FilterNeeds {
+    bool Category = false;
+    bool URLFileExt = false;
+    bool URL = false;
+};
+FilterNeeds needsOf(const FiltersClass &filters);
+
+/// Whether any data source is admitted: without one hardly a record can be.
+bool hasSource(const FiltersClass &filters);
+/// What the examiner is told of filters without one.
+Message missingRecordType();
+
+} // namespace nv

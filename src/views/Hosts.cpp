@@ -1,0 +1,37 @@
+#include "views/Hosts.h"
+
+#include "views/StatementWatch.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+namespace nv {
+
+const std::array<HostSortFacts, 2> kHostSorts = {{
+    {HostSort::ByName, "Hosts - By Name - Ascending"},
+    {HostSort::ByVisits, "Hosts - By Visits - Descending"},
+}};
+
+// Grouping gives the same names as "SELECT Distinct Host FROM URLs ORDER BY Host ASC", with their
+// counts. An artefact without a host leaves either no value or an empty text.
+Walk listHosts(SQLite::Database &project, HostSort sort, TaskMonitor &task,
+               std::vector<HostRow> &hosts) {
+    hosts.clear();
+    SQLite::Statement rows(
+        project, fmt::format("SELECT ifnull(Host, '') COLLATE NOCASE AS Name, "
+                             "CAST(total(max(Visits, 0)) AS INTEGER) AS Visited, count(*) "
+                             "FROM URLs GROUP BY Name ORDER BY {}Name ASC",
+                             sort == HostSort::ByVisits ? "Visited DESC, " : ""));
+    StatementWatch watch(project, task);
+    Step step = watch.step(rows);
+    for (; step == Step::Row; step = watch.step(rows))
+        hosts.push_back({rows.getColumn(0).getString(), rows.getColumn(1).getInt64(),
+                         rows.getColumn(2).getInt64()});
+    if (step == Step::Cancelled) {
+        hosts.clear();
+        return Walk::Cancelled;
+    }
+    return Walk::Finished;
+}
+
+} // namespace nv

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "base/Examiner.h"
+#include "views/FiltersClass.h"
+
+#include <QDialog>
+
+#include <vector>
+
+class QCheckBox;
+
+namespace nv {
+
+/// The dialog of the record filters: a check box a flag. It changes nothing itself; the flags are
+/// there once it was confirmed.
+class FilterForm final : public QDialog {
+    Q_OBJECT
+
+  public:
+    FilterForm(const FiltersClass &filters, Examiner &examiner, QWidget *parent = nullptr);
+
+    FiltersClass filters() const;
+    /// Stays open, saying why, when no data source is ticked while the filters are enabled.
+    void accept() override;
+
+  private:
+    struct FlagBox {
+        QCheckBox *box;
+        bool FiltersClass::*flag;
+    };
+    QCheckBox *newBox(const QString &name, const QString &text, bool FiltersClass::*flag);
+    QWidget *newGroup(const QString &title, FilterGroup group, int columns);
+    void enableBoxes();
+    void tickAll(bool ticked);
+
+    Examiner &m_examiner;
+    FiltersClass m_start;
+    std::vector<FlagBox> m_boxes; ///< all, that of `EnableFilters` first
+    QWidget *m_groups = nullptr;
+    QCheckBox *m_all = nullptr;
+};
+
+} // namespace nv

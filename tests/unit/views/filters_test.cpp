@@ -1,0 +1,356 @@
+#include "MadeProject.h"
+#include "db/RecordStore.h"
+#include "db/URLClass.h"
+#include "import/Categories.h"
+#include "views/FiltersClass.h"
+#include "views/IdLoader.h"
+
+#include <random>
+#include <set>
+#include <vector>
+
+namespace nv {
+namespace {
+
+FiltersClass withSources() {
+    FiltersClass filters;
+    filters.EnableFilters = true;
+    filters.showHistoryURLs = filters.showCacheURLs = true;
+    filters.showCookies = filters.showBookmarks = true;
+    return filters;
+}
+
+FiltersClass withKind(bool FiltersClass::*flag) {
+    FiltersClass filters = withSources();
+    filters.*flag = true;
+    return filters;
+}
+
+/// A record of the cache with an extension that no flag knows, so that only what is set admits it.
+URLClass cached() {
+    URLClass record;
+    record.cacheType = "IE Cache";
+    record.URLFileExt = "xyz";
+    record.URL = "http://h/";
+    return record;
+}
+
+URLClass withExtension(const std::string &extension) {
+    URLClass record = cached();
+    record.URLFileExt = extension;
+    return record;
+}
+
+URLClass withCategory(const std::string &category) {
+    URLClass record = cached();
+    record.Category = category;
+    return record;
+}
+
+URLClass withUrl(const std::string &url) {
+    URLClass record = cached();
+    record.URL = url;
+    return record;
+}
+
+TEST(FiltersTest, everythingIsOffAtFirst) {
+    const FiltersClass filters;
+    EXPECT_FALSE(filters.EnableFilters);
+    for (const FilterFlag &each : filterFlags())
+        EXPECT_FALSE(filters.*each.flag) << each.name;
+}
+
+TEST(FiltersTest, everyFlagStandsInTheTableOnce) {
+    FiltersClass filters;
+    std::set<std::string_view> names;
+    for (const FilterFlag &each : filterFlags()) {
+        EXPECT_FALSE(filters.*each.flag) << each.name << " is there twice";
+        filters.*each.flag = true;
+        names.insert(each.name);
+        EXPECT_TRUE(each.name.starts_with("show"));
+        EXPECT_FALSE(each.label.empty());
+    }
+    EXPECT_EQ(names.size(), filterFlags().size());
+    // All members are flags of one byte: the table leaves out none but `EnableFilters`.
+    EXPECT_EQ(filterFlags().size() + 1, sizeof(FiltersClass));
+}
+
+TEST(FiltersTest, sourcesVeto) {
+    const auto isShownWithout = [](bool FiltersClass::*source, const URLClass &record) {
+        FiltersClass filters = withSources();
+        filters.showAll = true;
+        filters.*source = false;
+        return FilterRecord(filters, record);
+    };
+    URLClass record;
+    record.IsHistory = true;
+    EXPECT_FALSE(isShownWithout(&FiltersClass::showHistoryURLs, record));
+    EXPECT_TRUE(isShownWithout(&FiltersClass::showCookies, record));
+    EXPECT_FALSE(isShownWithout(&FiltersClass::showCacheURLs, cached()));
+    EXPECT_TRUE(isShownWithout(&FiltersClass::showHistoryURLs, cached()));
+    record = {};
+    record.IsBookmark = true;
+    EXPECT_FALSE(isShownWithout(&FiltersClass::showBookmarks, record));
+    EXPECT_TRUE(isShownWithout(&FiltersClass::showCookies, record));
+    record = {};
+    record.cacheType = "ORPHANED";
+    for (const FilterFlag &each : filterFlags())
+        EXPECT_TRUE(isShownWithout(each.flag, record) || each.group != FilterGroup::Source)
+            << "a record of no source is vetoed by none";
+}
+
+TEST(FiltersTest, theVetoOfCookiesComesBeforeShowAll) {
+    URLClass cookie;
+    cookie.IsCookie = true;
+    FiltersClass filters = withSources();
+    filters.showAll = true;
+    EXPECT_TRUE(FilterRecord(filters, cookie));
+    filters.showCookies = false;
+    EXPECT_FALSE(FilterRecord(filters, cookie));
+}
+
+TEST(FiltersTest, sourcesAloneShowOnlyCookiesAndBookmarks) {
+    const FiltersClass filters = withSources();
+    URLClass record;
+    record.IsHistory = true;
+    record.URL = "http://www.google.example/";
+    record.URLFileExt = "gif";
+    EXPECT_FALSE(FilterRecord(filters, record));
+    EXPECT_FALSE(FilterRecord(filters, withExtension("gif")));
+    record.IsCookie = true;
+    EXPECT_TRUE(FilterRecord(filters, record));
+    record.IsCookie = false;
+    record.IsBookmark = true;
+    EXPECT_TRUE(FilterRecord(filters, record));
+}
+
+TEST(FiltersTest, aVetoComesBeforeTheOtherSourcesAdmission) {
+    URLClass record;
+    record.IsCookie = true;
+    record.IsHistory = true;
+    FiltersClass filters = withSources();
+    filters.showHistoryURLs = false;
+    EXPECT_FALSE(FilterRecord(filters, record));
+}
+
+TEST(FiltersTest, eachKindAdmitsItsExtensionsOnly) {
+    const std::vector<std::pair<bool FiltersClass::*, std::vector<std::string>>> kinds = {
+        {&FiltersClass::showBitmaps, {"bmp"}},
+        {&FiltersClass::showPNG, {"png"}},
+        {&FiltersClass::showGIF, {"gif"}},
+        {&FiltersClass::showJPEG, {"jpg", "jpe", "jpeg"}},
+        {&FiltersClass::showMusic, {}},
+        {&FiltersClass::showAudioFiles, {}},
+        {&FiltersClass::showPDF, {"pdf"}},
+        {&FiltersClass::showHTML, {"html", "htm"}},
+        {&FiltersClass::showXML, {"xml"}},
+        {&FiltersClass::showASP, {"asp", "aspx"}},
+        {&FiltersClass::showJS, {"js"}},
+        {&FiltersClass::showCSS, {"css"}},
+        {&FiltersClass::showPHPCGI, {"php", "cgi"}},
+        {&FiltersClass::showMissingFileExt, {""}},
+        {&FiltersClass::showExcelDocs, {"xls"}},
+        {&FiltersClass::showPowerpoint, {"ppt"}},
+        {&FiltersClass::showEXEs, {"exe"}},
+        {&FiltersClass::showHelp, {"chm", "hlp"}},
+        {&FiltersClass::showAccessFiles, {"mdb"}},
+        {&FiltersClass::showMovies, {}},
+        {&FiltersClass::showWordDocs, {"doc", "txt", "rtf"}},
+        {&FiltersClass::showArchiveFiles, {}},
+    };
+    for (const auto &[flag, own] : kinds)
+        for (const auto &[other, extensions] : kinds)
+            for (const std::string &extension : extensions)
+                EXPECT_EQ(FilterRecord(withKind(flag), withExtension(extension)), flag == other)
+                    << extension;
+}
+
+TEST(FiltersTest, extensionsAreComparedAsTheyAreStored) {
+    EXPECT_FALSE(FilterRecord(withKind(&FiltersClass::showGIF), withExtension("GIF")));
+    EXPECT_FALSE(FilterRecord(withKind(&FiltersClass::showJPEG), withExtension("jpg ")));
+}
+
+TEST(FiltersTest, kindsByCategoryTakeTheWordsOfCategorisingAndTheOlderOnes) {
+    using Words = std::vector<std::string>;
+    const std::vector<std::pair<bool FiltersClass::*, Words>> kinds = {
+        {&FiltersClass::showMusic, {"MUSIC/AUDIO", "Music, Audio", "Audio", "MUSIC, AUDIO"}},
+        {&FiltersClass::showAudioFiles, {"MUSIC/AUDIO", "Music, Audio", "Audio", "music/audio"}},
+        {&FiltersClass::showMovies, {"MOVIES", "Movies, Animation", "MOVIES, ANIMATION"}},
+        {&FiltersClass::showArchiveFiles,
+         {"COMPRESSED FILES", "EXECUTABLES", "Archive, Compressed", "Binary, Executables",
+          "ARCHIVE, COMPRESSED", "BINARY, EXECUTABLES"}},
+        {&FiltersClass::showPDF, {"Adobe", "ADOBE", "Adobe Acrobat"}},
+        {&FiltersClass::showHTML, {"HTML", "Scripts, HTML", "Scripts/HTML"}},
+    };
+    for (const auto &[flag, words] : kinds)
+        for (const std::string &word : words)
+            EXPECT_TRUE(FilterRecord(withKind(flag), withCategory(word))) << word;
+    for (const char *other : {"Pictures", "Office Documents", "XML", "", "Movies", "Music"})
+        EXPECT_EQ(FilterRecord(withKind(&FiltersClass::showMovies), withCategory(other)),
+                  std::string_view(other) == "Movies")
+            << other;
+    EXPECT_FALSE(FilterRecord(withKind(&FiltersClass::showMusic), withCategory("Movies, Audio")))
+        << "a category is compared whole";
+}
+
+TEST(FiltersTest, whatCategorisingWritesIsAdmitted) {
+    const std::vector<std::pair<std::string_view, bool FiltersClass::*>> cases = {
+        {"mp3", &FiltersClass::showMusic},        {"mp3", &FiltersClass::showAudioFiles},
+        {"wav", &FiltersClass::showMovies},       {"avi", &FiltersClass::showMovies},
+        {"zip", &FiltersClass::showArchiveFiles}, {"dll", &FiltersClass::showArchiveFiles},
+        {"pdf", &FiltersClass::showPDF},          {"php", &FiltersClass::showHTML}};
+    for (const auto &[extension, flag] : cases)
+        EXPECT_TRUE(
+            FilterRecord(withKind(flag), withCategory(std::string(categoryOfExtension(extension)))))
+            << extension;
+}
+
+TEST(FiltersTest, sitesAreFoundAnywhereInTheUrlInAnyCase) {
+    const std::vector<std::pair<bool FiltersClass::*, std::vector<std::string>>> sites = {
+        {&FiltersClass::showGoogle, {"http://www.GOOGLE.example/"}},
+        {&FiltersClass::showYahoo, {"http://yahoo.example/", "http://l.yimg.example/"}},
+        {&FiltersClass::showHotmailLive, {"http://Hotmail.com/", "https://mail.live.com/x"}},
+        {&FiltersClass::showAOL, {"http://aol.example/"}},
+        {&FiltersClass::showFacebook, {"http://facebook.example/"}},
+        {&FiltersClass::showMySpace, {"http://MySpace.example/"}},
+        {&FiltersClass::showYouTube, {"http://youtube.example/"}},
+        {&FiltersClass::showEBAY, {"http://eBay.example/"}},
+        {&FiltersClass::showBlogs, {"http://h/?a=weblogs"}},
+        {&FiltersClass::showFilesOpened, {"file:///C:/a.doc", "FILE:///c:/"}},
+        {&FiltersClass::showPHPCGI, {"http://h/x.PHP?a=1", "http://h/bin/run.cgi?x"}},
+    };
+    for (const auto &[flag, own] : sites)
+        for (const auto &[other, urls] : sites)
+            for (const std::string &url : urls)
+                EXPECT_EQ(FilterRecord(withKind(flag), withUrl(url)), flag == other) << url;
+}
+
+TEST(FiltersTest, showAllAdmitsWhatNoKindKnows) {
+    FiltersClass filters = withSources();
+    EXPECT_FALSE(FilterRecord(filters, cached()));
+    filters.showAll = true;
+    EXPECT_TRUE(FilterRecord(filters, cached()));
+}
+
+TEST(FiltersTest, flagsAreFoundByNameWithOrWithoutShow) {
+    for (const FilterFlag &each : filterFlags()) {
+        EXPECT_EQ(findFilterFlag(each.name), &each);
+        EXPECT_EQ(findFilterFlag(each.name.substr(4)), &each);
+    }
+    EXPECT_EQ(findFilterFlag("SHOWgif")->flag, &FiltersClass::showGIF);
+    EXPECT_EQ(findFilterFlag("all")->flag, &FiltersClass::showAll);
+    EXPECT_EQ(findFilterFlag("show"), nullptr);
+    EXPECT_EQ(findFilterFlag(""), nullptr);
+    EXPECT_EQ(findFilterFlag("EnableFilters"), nullptr);
+}
+
+struct FilterIdsTest : testing::Test, test::MadeProject {
+    /// What the filters leave of `from`, record by record.
+    RowIds oneByOne(const RowIds &from, const FiltersClass &filters) {
+        RecordStore store(db(), {zone}, clock, log);
+        RowIds left;
+        for (const std::int32_t id : from) {
+            const auto record = store.GetURL(UrlId{id});
+            if (record && FilterRecord(filters, *record))
+                left.push_back(id);
+        }
+        return left;
+    }
+    RowIds byColumns(const RowIds &from, const FiltersClass &filters) {
+        RowIds left;
+        EXPECT_EQ(filterIds(db(), from, filters, task, left), Walk::Finished);
+        return left;
+    }
+    /// Rows of everything that a flag may look at, in an order that isn't that of their ids.
+    RowIds addMadeRows(std::mt19937 &random) {
+        const auto pick = [&random](const std::vector<const char *> &from) {
+            return std::string(from[random() % from.size()]);
+        };
+        RowIds made;
+        for (int i = 0; i < 400; ++i)
+            made.push_back(static_cast<std::int32_t>(add(
+                {{"IsHistory", std::int64_t{random() % 3 == 0}},
+                 {"IsCookie", std::int64_t{random() % 6 == 0}},
+                 {"IsBookmark", std::int64_t{random() % 6 == 0}},
+                 {"CacheType", pick({"IE CACHE", "IE Cache", "Chrome History", "", "HTML"})},
+                 {"Category", pick({"Pictures", "Adobe", "Scripts, HTML", "Music, Audio",
+                                    "MUSIC/AUDIO", "Audio", "MOVIES", "Movies, Animation",
+                                    "COMPRESSED FILES", "Binary, Executables", ""})},
+                 {"URLFileExt",
+                  pick({"",   "bmp", "png", "gif", "GIF", "jpe", "pdf", "htm", "xml", "asp",
+                        "js", "css", "php", "xls", "ppt", "exe", "hlp", "mdb", "rtf", "xyz"})},
+                 {"URL", pick({"http://google.example/", "http://h/a.PHP", "http://h/", "file:///c",
+                               "http://yim.example", "http://live.com", "http://aol.example",
+                               "http://b/?facebook", "http://ebay", "http://myspace",
+                               "http://YouTube.example/", "http://blog"})}})));
+        // What an import of an earlier version left open.
+        made.push_back(static_cast<std::int32_t>(
+            add({{"URL", nullptr}, {"URLFileExt", nullptr}, {"Category", nullptr}})));
+        std::shuffle(made.begin(), made.end(), random);
+        return made;
+    }
+    Unwatched task;
+};
+
+TEST_F(FilterIdsTest, findsByColumnsWhatTheRecordsGiveForEveryFlag) {
+    std::mt19937 random(7);
+    const RowIds from = addMadeRows(random);
+    for (const FilterFlag &each : filterFlags()) {
+        EXPECT_EQ(byColumns(from, withKind(each.flag)), oneByOne(from, withKind(each.flag)))
+            << each.name;
+        FiltersClass alone;
+        alone.*each.flag = true;
+        EXPECT_EQ(byColumns(from, alone), oneByOne(from, alone)) << each.name << " alone";
+    }
+}
+
+TEST_F(FilterIdsTest, findsByColumnsWhatTheRecordsGiveForAnyCombination) {
+    std::mt19937 random(11);
+    const RowIds from = addMadeRows(random);
+    for (int round = 0; round < 60; ++round) {
+        FiltersClass filters;
+        const unsigned oneIn = 1 + static_cast<unsigned>(random() % 8);
+        for (const FilterFlag &each : filterFlags())
+            filters.*each.flag = random() % oneIn == 0;
+        EXPECT_EQ(byColumns(from, filters), oneByOne(from, filters)) << "round " << round;
+    }
+}
+
+TEST_F(FilterIdsTest, keepsTheOrderAndPassesOverRowsThatAreGone) {
+    for (int i = 0; i < 4; ++i)
+        add({{"URLFileExt", i == 1 ? "bmp" : "gif"}, {"CacheType", "IE CACHE"}});
+    EXPECT_EQ(byColumns({4, 99, 2, 1, -3, 3}, withKind(&FiltersClass::showGIF)), (RowIds{4, 1, 3}));
+    EXPECT_EQ(byColumns({}, withKind(&FiltersClass::showGIF)), RowIds{});
+}
+
+TEST_F(FilterIdsTest, findsRowsFarFromEachOtherAndTwice) {
+    for (int i = 0; i < 60; ++i)
+        add({{"URLFileExt", i % 2 == 0 ? "bmp" : "gif"}, {"CacheType", "IE CACHE"}});
+    EXPECT_EQ(byColumns({60, 2, 1, 30, 60, 59, 1000000, 44}, withKind(&FiltersClass::showGIF)),
+              (RowIds{60, 2, 30, 60, 44}));
+}
+
+TEST_F(FilterIdsTest, showsHowFarItIs) {
+    for (int i = 0; i < 4; ++i)
+        add({});
+    test::MemoryTask shown;
+    RowIds left;
+    filterIds(db(), {1, 2, 3, 4}, withSources(), shown, left);
+    ASSERT_EQ(shown.steps.size(), 4u);
+    EXPECT_EQ(shown.steps[1].topMessage, "Validating and Loading Records ");
+    EXPECT_EQ(shown.steps[1].bottomMessage, "URL 2 of 4");
+    EXPECT_DOUBLE_EQ(shown.fractions[2], 0.5);
+}
+
+TEST_F(FilterIdsTest, aCancelKeepsTheRowsThatPassed) {
+    for (int i = 0; i < 5; ++i)
+        add({{"URLFileExt", "gif"}});
+    test::CancelAfter soon(2);
+    RowIds left;
+    EXPECT_EQ(filterIds(db(), {5, 1, 2, 3, 4}, withKind(&FiltersClass::showGIF), soon, left),
+              Walk::Cancelled);
+    EXPECT_EQ(left, (RowIds{1, 2}));
+}
+
+} // namespace
+} // namespace nv
