@@ -2,6 +2,7 @@
 
 #include "db/DatabaseClass.h"
 #include "time/TimeZoneClass.h"
+#include "views/QueryDefinitions.h"
 
 #include <filesystem>
 #include <string>
@@ -10,7 +11,7 @@ namespace nv {
 
 /// The shared state of the program: a plain bag with no logic, passed by reference. Members stand
 /// at the zero of their type until start-up fills them.
-struct ThisClass {
+struct ThisClass : QueryDefinitions {
     ThisClass(FailureLog &log, const Clock &clock)
         : ProjectDB(log, clock), GMTZone(Date::fromTimePoint(clock.now() + clock.localOffset())) {}
 
@@ -34,10 +35,6 @@ struct ThisClass {
 
     // Database
     DatabaseClass ProjectDB;
-
-    // Queries and table
-    std::string DefaultSQLDef = "SELECT * FROM URLs ORDER BY ActionDateLocal ASC";
-    std::string CurrentSQLDef = DefaultSQLDef;
 
     // Gallery
     int GalleryRecordsPerPage = 0;

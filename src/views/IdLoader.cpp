@@ -1,5 +1,6 @@
 #include "views/IdLoader.h"
 
+#include "db/ReadOnlyConnection.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -49,6 +50,7 @@ FilterFacts factsIn(SQLite::Statement &row) {
 
 Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &task, RowIds &ids) {
     constexpr std::size_t kRowsBetween = 4096;
+    const ReadingOnly guard(database);
     SQLite::Statement statement(database, query.sql);
     if (statement.getBindParameterCount() > 0)
         statement.bind(1, query.bound);
