@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/cli/Commands.h"
+#include "app/cli/QueryCommands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -28,6 +29,7 @@ class Grammar {
     void addImport();
     void addList();
     void addQueries();
+    void addStoredQueries();
     void addShow();
     void addFiles();
     void addRebuilding();
@@ -41,6 +43,7 @@ class Grammar {
     ThumbnailArguments m_thumbnails;
     GalleryArguments m_gallery;
     TemplateArguments m_template;
+    StoredQueryArguments m_storedQuery;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";

@@ -86,11 +86,11 @@ TEST_F(QueryCommandsTest, validateTellsOfBothOutcomes) {
     commands.btnValidateSQL();
     EXPECT_EQ(examiner.heard.back().title, "No Errors");
     EXPECT_EQ(examiner.heard.back().text, "The current SQL statement is valid.");
-    view.box = "SELECT nothing FROM URLs";
+    view.box = "SELECT colour FROM URLs";
     examiner.expect("statement-invalid");
     commands.btnValidateSQL();
     EXPECT_EQ(examiner.heard.back().title, "Invalid Query Statement");
-    EXPECT_EQ(examiner.heard.back().text, "no such column: nothing");
+    EXPECT_EQ(examiner.heard.back().text, "no such column: colour");
     EXPECT_EQ(view.loads, 0);
 }
 
@@ -110,7 +110,7 @@ TEST_F(QueryCommandsTest, applyKeepsTheStatementAsTheDefaultQuery) {
 
 TEST_F(QueryCommandsTest, aWrongStatementChangesNothing) {
     ASSERT_TRUE(apply(kVisits));
-    for (const char *bad : {"SELECT nothing FROM URLs", "DELETE FROM URLs", "", "VACUUM"}) {
+    for (const char *bad : {"SELECT colour FROM URLs", "DELETE FROM URLs", "", "VACUUM"}) {
         examiner.expect("bad-definition");
         EXPECT_FALSE(apply(bad)) << bad;
     }

@@ -37,10 +37,10 @@ TEST_F(TestQueryTest, aSelectIsValid) {
 }
 
 TEST_F(TestQueryTest, refusalsComeInTheDatabasesOwnWords) {
-    const QueryClass query = check("SELECT nothing FROM URLs");
+    const QueryClass query = check("SELECT colour FROM URLs");
     EXPECT_EQ(query.ErrCode, 1);
-    EXPECT_EQ(query.ErrDescription, "no such column: nothing");
-    EXPECT_EQ(query.SQL, "SELECT nothing FROM URLs");
+    EXPECT_EQ(query.ErrDescription, "no such column: colour");
+    EXPECT_EQ(query.SQL, "SELECT colour FROM URLs");
     ASSERT_EQ(made.log.entries.size(), 1u);
     EXPECT_EQ(made.log.entries[0].procedure, "TestQuery()");
     EXPECT_THAT(check("SELECT * FROM URLs WHERE ActionDateUTC > #31/31/2009#").ErrDescription,
