@@ -194,10 +194,13 @@ bool QueryCommands::DeleteStoredQuery(std::string_view name, DeleteMode mode) {
                                      queries.remove(name);
                                      return isThere;
                                  });
-    if (deleted && equalsNoCase(name, m_state.ActiveQueryName))
-        m_state.ActiveQueryName.clear();
-    if (mode.reload)
+    const bool wasActive = deleted && equalsNoCase(name, m_state.ActiveQueryName);
+    if (mode.reload && !wasActive)
         LoadStoredQueries();
+    if (wasActive) {
+        takeActiveQuery({});
+        m_view.LoadURLs();
+    }
     return deleted;
 }
 
@@ -207,6 +210,17 @@ void QueryCommands::takeStatement(std::string_view sql) {
     if (failure)
         return m_examiner.tell(messages::statementNotKept(*failure));
     putInForce(std::string(sql), std::string(kDefaultQueryName));
+    m_view.showStatement(m_state.CurrentSQLDef);
+    LoadStoredQueries();
+}
+
+void QueryCommands::takeActiveQuery(std::string_view name) {
+    const auto text =
+        trapped(m_log, Severity::Warning, "MainForm.LoadStoredQuery()", kContactSupport,
+                std::optional<std::string>(), [&] {
+                    return StoredQueries(m_project).text(name.empty() ? kDefaultQueryName : name);
+                });
+    putInForce(text.value_or(m_state.DefaultSQLDef), std::string(name));
     m_view.showStatement(m_state.CurrentSQLDef);
     LoadStoredQueries();
 }

@@ -69,6 +69,8 @@ class QueryCommands {
 
     /// The rows of `sql` have been loaded already, by a quick sort: it is in force from now on.
     void takeStatement(std::string_view sql);
+    /// The table has loaded this query by itself; empty for "_DEFAULT".
+    void takeActiveQuery(std::string_view name);
     /// The query dialog's statement goes into the box.
     void takeCustomQuery();
 

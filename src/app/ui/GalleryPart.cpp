@@ -17,6 +17,7 @@ GalleryPart::GalleryPart(Workbench &bench)
         m_bench.run("MainForm.makeThumbnails()", [this] { makeThumbnailsOfAll(); });
     });
     connect(&table, &TableTab::statusChanged, this, &GalleryPart::followTable);
+    connect(&bench, &Workbench::thumbnailsOutdated, m_gallery, &GalleryTab::setDirty);
     connect(&bench, &Workbench::projectOpened, this, &GalleryPart::open);
     connect(&bench, &Workbench::projectClosing, m_gallery, &GalleryTab::closeProject);
 }

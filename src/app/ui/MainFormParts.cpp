@@ -2,6 +2,7 @@
 #include "app/Messages.h"
 #include "app/ui/GalleryPart.h"
 #include "app/ui/MainForm.h"
+#include "app/ui/QueryPart.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
 #include "app/ui/WelcomePage.h"
@@ -99,6 +100,7 @@ QWidget *MainForm::newProjectPage() {
 void MainForm::addParts() {
     auto *properties = new PropertiesPane([this] { return m_table->table(); });
     m_viewers->addPane(*properties, *properties, tr("Properties"), "MainForm.LoadProperties()");
+    m_parts.push_back(std::make_unique<QueryPart>(*m_bench));
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);

@@ -46,6 +46,8 @@ class Workbench final : public QObject {
   signals:
     void noticed(const QString &text);
     void reloadWanted();
+    /// Thumbnails may show what the table's rows no longer do.
+    void thumbnailsOutdated();
     /// The project's connection is open, its rows not loaded yet.
     void projectOpened();
     /// Comes before the connection goes: whoever uses it lets go of it now.

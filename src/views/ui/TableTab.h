@@ -45,6 +45,8 @@ class TableTab final : public QWidget {
     void setQueries(const QStringList &names);
     /// Chooses a query, loads its rows.
     void chooseQuery(const QString &name);
+    /// Shows that the rows are those of this query, without loading them.
+    void showQuery(const QString &name);
     QString queryName() const;
 
     void LoadURLs();
@@ -64,6 +66,8 @@ class TableTab final : public QWidget {
     /// Rows, ticks, query or host have changed.
     void statusChanged();
     void currentUrlChanged();
+    /// An entry of the `Sort By` menu has taken effect.
+    void sortedBy(nv::SortChoice choice);
     void importRequested();
 
   private:
@@ -71,7 +75,7 @@ class TableTab final : public QWidget {
     void connectParts();
     void sortByColumn(UrlColumn column, SortDirection direction);
     /// Runs a load or a sort and shows what came of it, with the same record as the current one.
-    void reload(const std::function<LoadResult(TaskMonitor &)> &work);
+    LoadResult reload(const std::function<LoadResult(TaskMonitor &)> &work);
     void showHeaderMenu(UrlColumn column, const QPoint &place);
     void showAll();
     void takeHost();

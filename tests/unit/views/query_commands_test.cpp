@@ -263,7 +263,9 @@ TEST_F(QueryCommandsTest, deletingAsksAndSparesReservedQueries) {
     EXPECT_EQ(examiner.heard.back().title, "Delete Stored Query");
     EXPECT_EQ(stored("Mine"), "(none)");
     EXPECT_THAT(view.names, Not(Contains("Mine")));
-    EXPECT_EQ(state.ActiveQueryName, ""); // it was the active one
+    EXPECT_EQ(state.ActiveQueryName, ""); // it was the active one: the default one is loaded
+    EXPECT_EQ(view.box, kDefaultQueryText);
+    EXPECT_EQ(view.loads, 2);
     examiner.expect("reserved-query-not-deleted");
     EXPECT_FALSE(commands.DeleteStoredQuery("_Tagged Items"));
     EXPECT_EQ(examiner.heard.back().text, "This is a reserved query which cannot be modified or\n"
@@ -274,7 +276,11 @@ TEST_F(QueryCommandsTest, deletingAsksAndSparesReservedQueries) {
 TEST_F(QueryCommandsTest, deletingCanBeSilentForcedAndWithoutAReload) {
     ASSERT_TRUE(save(kVisits, "Mine"));
     EXPECT_TRUE(commands.DeleteStoredQuery("Mine", {.reload = false, .force = true}));
-    EXPECT_THAT(view.names, Contains("Mine"));
+    EXPECT_THAT(view.names, Not(Contains("Mine"))); // an active one is always taken off
+    ASSERT_TRUE(save(kVisits, "Other"));
+    commands.btnDefaultQuery();
+    EXPECT_TRUE(commands.DeleteStoredQuery("Other", {.reload = false, .force = true}));
+    EXPECT_THAT(view.names, Contains("Other"));
     EXPECT_TRUE(commands.DeleteStoredQuery("_Tagged Items", {.silent = true}));
     EXPECT_THAT(view.names, Not(Contains("_Tagged Items")));
     EXPECT_FALSE(commands.DeleteStoredQuery("no such", {.silent = true}));
@@ -287,6 +293,18 @@ TEST_F(QueryCommandsTest, aQuickSortsStatementIsInForceAfterIt) {
     EXPECT_EQ(state.CurrentSQLDef, view.box);
     EXPECT_EQ(view.selector, "_DEFAULT");
     EXPECT_EQ(view.loads, 0);
+}
+
+TEST_F(QueryCommandsTest, whatTheTableLoadsByItselfIsInForce) {
+    commands.takeActiveQuery("Facebook");
+    EXPECT_EQ(view.box, stored("Facebook"));
+    EXPECT_EQ(view.selector, "Facebook");
+    EXPECT_EQ(state.ActiveQueryName, "Facebook");
+    EXPECT_EQ(view.loads, 0);
+    commands.takeActiveQuery("");
+    EXPECT_EQ(view.box, kDefaultQueryText);
+    EXPECT_EQ(state.ActiveQueryName, "");
+    EXPECT_EQ(state.LastSQLDef, stored("Facebook"));
 }
 
 TEST_F(QueryCommandsTest, theDialogsStatementGoesIntoTheBox) {
