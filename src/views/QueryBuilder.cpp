@@ -56,6 +56,7 @@ std::vector<std::string> builderTables() {
 std::vector<std::string> LoadFieldNames(SQLite::Database &database, std::string_view table) {
     SQLite::Statement statement(database, "SELECT * FROM " + quotedName(table));
     std::vector<std::string> names;
+    names.reserve(static_cast<std::size_t>(statement.getColumnCount()));
     for (int i = 0; i < statement.getColumnCount(); ++i)
         names.emplace_back(statement.getColumnName(i));
     return names;

@@ -7,6 +7,8 @@
 #include <QSignalBlocker>
 #include <QStyledItemDelegate>
 
+#include <algorithm>
+#include <functional>
 #include <set>
 #include <utility>
 
@@ -17,8 +19,8 @@ namespace {
 /// Offers the choices of a cell in a box, whose choice is taken at once.
 class ChoiceDelegate final : public QStyledItemDelegate {
   public:
-    ChoiceDelegate(GrowingGrid::Choices choices, QObject *parent)
-        : QStyledItemDelegate(parent), m_choices(std::move(choices)) {}
+    ChoiceDelegate(GrowingGrid::Choices choices, GrowingGrid &grid)
+        : QStyledItemDelegate(&grid), m_choices(std::move(choices)), m_grid(grid) {}
 
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override {
@@ -28,11 +30,7 @@ class ChoiceDelegate final : public QStyledItemDelegate {
         auto *box = new QComboBox(parent);
         box->setObjectName(QStringLiteral("cbCell"));
         box->addItems(offered);
-        auto *self = const_cast<ChoiceDelegate *>(this);
-        connect(box, &QComboBox::activated, self, [self, box] {
-            emit self->commitData(box);
-            emit self->closeEditor(box);
-        });
+        connect(box, &QComboBox::activated, &m_grid, [this, box] { m_grid.takeChoice(box); });
         return box;
     }
     void setEditorData(QWidget *editor, const QModelIndex &index) const override {
@@ -51,6 +49,7 @@ class ChoiceDelegate final : public QStyledItemDelegate {
 
   private:
     GrowingGrid::Choices m_choices;
+    GrowingGrid &m_grid;
 };
 
 } // namespace
@@ -60,7 +59,7 @@ GrowingGrid::GrowingGrid(const char *name, const QStringList &headings, Choices 
     : QTableWidget(0, static_cast<int>(headings.size()), parent) {
     setObjectName(QLatin1String(name));
     setHorizontalHeaderLabels(headings);
-    setItemDelegate(new ChoiceDelegate(std::move(choices), this));
+    setItemDelegate(new ChoiceDelegate(std::move(choices), *this));
     setEditTriggers(AllEditTriggers);
     setAlternatingRowColors(true);
     setTabKeyNavigation(true);
@@ -112,6 +111,11 @@ QList<QStringList> GrowingGrid::filledRows() const {
 void GrowingGrid::clearRows() {
     setRowCount(0);
     addBlankRow();
+}
+
+void GrowingGrid::takeChoice(QWidget *editor) {
+    commitData(editor);
+    closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
 
 void GrowingGrid::removeSelected() {

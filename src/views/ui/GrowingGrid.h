@@ -22,6 +22,8 @@ class GrowingGrid final : public QTableWidget {
     void clearRows();
     /// Those with a selected cell.
     void removeSelected();
+    /// Ends the editing of a cell with what its editor shows.
+    void takeChoice(QWidget *editor);
 
   signals:
     void changed();
