@@ -26,7 +26,7 @@ QString tableName(const std::string &name) {
 } // namespace
 
 QueryPart::QueryPart(Workbench &bench)
-    : m_bench(bench), m_actions(this), m_tab(new QueryTab(m_actions)) {
+    : m_bench(bench), m_actions(&bench.window), m_tab(new QueryTab(m_actions)) {
     constexpr int kBesideTable = 1;
     bench.dataTabs->insertTab(kBesideTable, m_tab, tr("Query"));
     if (auto *window = qobject_cast<QMainWindow *>(&bench.window))

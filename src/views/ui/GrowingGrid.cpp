@@ -115,7 +115,6 @@ void GrowingGrid::clearRows() {
 
 void GrowingGrid::takeChoice(QWidget *editor) {
     commitData(editor);
-    closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
 
 void GrowingGrid::removeSelected() {

@@ -22,7 +22,7 @@ class GrowingGrid final : public QTableWidget {
     void clearRows();
     /// Those with a selected cell.
     void removeSelected();
-    /// Ends the editing of a cell with what its editor shows.
+    /// The cell takes what its editor shows; the editor stays, as arrow keys walk the choices.
     void takeChoice(QWidget *editor);
 
   signals:

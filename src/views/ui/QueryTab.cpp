@@ -33,6 +33,7 @@ QToolButton *newButton(const char *name, QAction *action) {
     button->setDefaultAction(action);
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setMinimumWidth(90);
+    button->setFocusPolicy(Qt::StrongFocus); // a cell that is being edited ends with the click
     return button;
 }
 
