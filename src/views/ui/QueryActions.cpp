@@ -39,7 +39,7 @@ QueryActions::QueryActions(QObject *o)
                     Qt::CTRL | Qt::Key_E, "find"})),
       validate(make(o, {"actValidateSQL", tr("&Validate"),
                         tr("Test the statement without running it to its end"),
-                        Qt::CTRL | Qt::SHIFT | Qt::Key_Return, "tick"})),
+                        Qt::CTRL | Qt::SHIFT | Qt::Key_Return, ""})),
       apply(make(o,
                  {"actApplyQuery", tr("&Apply"), tr("Put the statement in force and load its rows"),
                   Qt::CTRL | Qt::Key_Return, "filter"})),
