@@ -95,8 +95,9 @@ void QueryTest::choose(GrowingGrid &grid, int row, int column, const QString &te
     while (offered->currentIndex() != place)
         QTest::keyClick(offered, offered->currentIndex() < place ? Qt::Key_Down : Qt::Key_Up);
     QTest::keyClick(offered, Qt::Key_Return);
+    // The editor closes when the key's event is over.
+    QTRY_VERIFY(!grid.viewport()->findChild<QComboBox *>(QStringLiteral("cbCell")));
     QCOMPARE(grid.item(row, column)->text(), text);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void QueryTest::type(GrowingGrid &grid, int row, int column, const QString &text) {
@@ -105,8 +106,8 @@ void QueryTest::type(GrowingGrid &grid, int row, int column, const QString &text
     QVERIFY(line);
     QTest::keyClicks(line, text);
     QTest::keyClick(line, Qt::Key_Return);
+    QTRY_VERIFY(!grid.viewport()->findChild<QLineEdit *>());
     QCOMPARE(grid.item(row, column)->text(), text);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void QueryTest::saveAs(const QString &name) {
