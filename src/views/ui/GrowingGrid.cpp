@@ -60,7 +60,10 @@ GrowingGrid::GrowingGrid(const char *name, const QStringList &headings, Choices 
     setObjectName(QLatin1String(name));
     setHorizontalHeaderLabels(headings);
     setItemDelegate(new ChoiceDelegate(std::move(choices), *this));
-    setEditTriggers(AllEditTriggers);
+    // A click edits its cell; choosing a row by its number doesn't, so that Delete removes the row.
+    setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
+    connect(this, &QTableWidget::clicked, this,
+            [this](const QModelIndex &index) { QTableWidget::edit(index); });
     setAlternatingRowColors(true);
     setTabKeyNavigation(true);
     horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
