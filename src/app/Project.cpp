@@ -57,6 +57,7 @@ bool createProject(Program &program, const fs::path &path) {
     DatabaseClass &project = program.thisClass.ProjectDB;
     project.FilePath = fs::absolute(path);
     project.KeywordFolder = program.paths.program / "keywords";
+    project.AgencyKeywordFolder = program.paths.home / "keywords";
     if (!project.CreateDatabaseProject())
         return false;
     keepVersion(program);

@@ -3,6 +3,7 @@
 #include "db/DatabaseClass.h"
 #include "time/TimeZoneClass.h"
 #include "views/FiltersClass.h"
+#include "views/QueryDefinitions.h"
 #include "views/ViewerClass.h"
 
 #include <filesystem>
@@ -12,7 +13,7 @@ namespace nv {
 
 /// The shared state of the program: a plain bag with no logic, passed by reference. Members stand
 /// at the zero of their type until start-up fills them.
-struct ThisClass {
+struct ThisClass : QueryDefinitions {
     ThisClass(FailureLog &log, const Clock &clock)
         : ProjectDB(log, clock), GMTZone(Date::fromTimePoint(clock.now() + clock.localOffset())) {}
 
@@ -37,9 +38,7 @@ struct ThisClass {
     // Database
     DatabaseClass ProjectDB;
 
-    // Queries and table
-    std::string DefaultSQLDef = "SELECT * FROM URLs ORDER BY ActionDateLocal ASC";
-    std::string CurrentSQLDef = DefaultSQLDef;
+    // Hosts and filters
     bool FilterByHostEnabled = false; ///< until turned off, over projects
     std::string FilterByHostValue;    ///< part of a host's name
     FiltersClass Filters;             ///< over projects, but not kept between runs

@@ -78,7 +78,8 @@ void DatabaseClass::fillNewProject() {
     catalogue.create();
     for (const schema::Table &table : tables.first(schema::kTablesBeforeQueries))
         catalogue.add(table);
-    StoredQueries(*m_database).createAll(m_clock, loadKeywordLists(KeywordFolder, m_log));
+    StoredQueries(*m_database)
+        .createAll(m_clock, loadKeywordLists({KeywordFolder, AgencyKeywordFolder}, m_log));
     for (const schema::Table &table : tables.subspan(schema::kTablesBeforeQueries))
         catalogue.add(table);
     catalogue.noteRelationships();
@@ -106,7 +107,7 @@ void DatabaseClass::addOnFirstUse(const schema::Table &table) {
 
 bool DatabaseClass::PopulateKeywordFlags() {
     return !failureOf(m_log, "DatabaseClass.PopulateKeywordFlags()", [this] {
-        const KeywordLists lists = loadKeywordLists(KeywordFolder, m_log);
+        const KeywordLists lists = loadKeywordLists({KeywordFolder, AgencyKeywordFolder}, m_log);
         onProject([&] {
             addOnFirstUse(schema::keywordFlags());
             addFlag(*m_database, {"Adult Content", "AC", lists.adultContent});

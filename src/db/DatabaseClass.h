@@ -29,6 +29,8 @@ class DatabaseClass {
     std::filesystem::path TemplatesDBFilePath;
     /// Where the term lists of the keyword queries lie; read when a project is made.
     std::filesystem::path KeywordFolder;
+    /// The examiner's own lists, which stand in for those of the same name there.
+    std::filesystem::path AgencyKeywordFolder;
 
     /// Makes the file at FilePath with the whole schema, and leaves it open. False on a failure,
     /// which is logged; what was written stays on disk. A file that is there isn't touched: the

@@ -86,6 +86,9 @@ void addContents(std::vector<StoredQuery> &queries, const KeywordLists &keywords
               fmt::format("CacheFileExists = True AND Category = 'Movies' AND {}", kMovieFile)));
     queries.push_back(
         where("Movie Files (any source)", fmt::format("Category = 'Movies' AND {}", kMovieFile)));
+    // The two above ask for a category that importing doesn't write; these find what it writes.
+    queries.push_back(where("Movies (all)", "Category = 'Movies, Animation'"));
+    queries.push_back(where("Music (all)", "Category = 'Music, Audio' OR Category = 'Audio'"));
     queries.push_back(where("XXX Content (from Cache)", anyLike("HTMLBody", adult)));
     queries.push_back(where("XXX Content (in URLs)", anyLike("URL", adult)));
     queries.push_back(where(

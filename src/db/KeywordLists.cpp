@@ -31,14 +31,22 @@ std::vector<std::string> termsOf(const std::filesystem::path &file, FailureLog &
     return terms;
 }
 
+/// An agency's file that is there but can't be read is told of, not passed over.
+std::filesystem::path fileOf(const KeywordFolders &folders, const char *name) {
+    std::error_code none;
+    if (!folders.agency.empty() && std::filesystem::exists(folders.agency / name, none))
+        return folders.agency / name;
+    return folders.shipped / name;
+}
+
 } // namespace
 
-KeywordLists loadKeywordLists(const std::filesystem::path &folder, FailureLog &log) {
-    if (folder.empty())
+KeywordLists loadKeywordLists(const KeywordFolders &folders, FailureLog &log) {
+    if (folders.shipped.empty())
         return {};
     const auto read = [&](const char *name) {
         return trapped(log, Severity::Warning, kProcedure, kAdvice, std::vector<std::string>(),
-                       [&] { return termsOf(folder / name, log); });
+                       [&] { return termsOf(fileOf(folders, name), log); });
     };
     return {read("child-exploitation.txt"), read("adult-content.txt")};
 }

@@ -32,4 +32,15 @@ std::unique_ptr<SQLite::Database> openReadOnly(const std::filesystem::path &proj
     return database;
 }
 
+ReadingOnly::ReadingOnly(SQLite::Database &database)
+    : m_database(sqlite3_db_readonly(database.getHandle(), "main") == 1 ? nullptr : &database) {
+    if (m_database)
+        sqlite3_set_authorizer(m_database->getHandle(), allowReading, nullptr);
+}
+
+ReadingOnly::~ReadingOnly() {
+    if (m_database)
+        sqlite3_set_authorizer(m_database->getHandle(), nullptr, nullptr);
+}
+
 } // namespace nv

@@ -14,4 +14,17 @@ namespace nv {
 /// file can't be opened or is no project.
 std::unique_ptr<SQLite::Database> openReadOnly(const std::filesystem::path &project);
 
+/// While it lives, statements that are compiled on the project's own connection can read and
+/// nothing else: stored queries come with a project that anybody may have made.
+class ReadingOnly {
+  public:
+    explicit ReadingOnly(SQLite::Database &database);
+    ~ReadingOnly();
+    ReadingOnly(const ReadingOnly &) = delete;
+    ReadingOnly &operator=(const ReadingOnly &) = delete;
+
+  private:
+    SQLite::Database *m_database; ///< null for a connection that can't write anyhow
+};
+
 } // namespace nv

@@ -1,6 +1,7 @@
 #include "views/IdLoader.h"
 
 #include "base/Text.h"
+#include "db/ReadOnlyConnection.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -113,6 +114,7 @@ Walk admittedIds(SQLite::Database &database, const RowIds &sorted, const Filters
 
 Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &task, RowIds &ids) {
     constexpr std::size_t kRowsBetween = 4096;
+    const ReadingOnly guard(database);
     SQLite::Statement statement(database, query.sql);
     if (statement.getBindParameterCount() > 0)
         statement.bind(1, query.bound);

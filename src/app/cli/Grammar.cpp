@@ -17,6 +17,7 @@ constexpr const char *kExamples = R"(Examples:
   norvelane-cli list case.nvp --filter CacheURLs,JPEG  cached JPEG pictures only
   norvelane-cli list case.nvp --format csv > rows.csv  all rows for a spreadsheet
   norvelane-cli query case.nvp "SELECT TOP 5 URL FROM URLs WHERE ActionDateUTC > #1/15/2009#"
+  norvelane-cli queries save case.nvp Often "SELECT * FROM URLs WHERE Visits > 9"
   norvelane-cli show case.nvp 17                       everything about one row
   norvelane-cli extract case.nvp 17 page.html          its cached content as a file
   norvelane-cli rebuild case.nvp 17 --out pages        the page with its parts, for offline view
@@ -39,6 +40,7 @@ Grammar::Grammar()
     addImport();
     addList();
     addQueries();
+    addStoredQueries();
     addShow();
     addFiles();
     addRebuilding();
@@ -102,20 +104,6 @@ void Grammar::addList() {
         "--dates-as-shown", [this] { m_list.dates = Dates::asShown; },
         "Dates of csv and jsonl as the window shows them, not ISO 8601");
     addFormat(c);
-}
-
-void Grammar::addQueries() {
-    CLI::App *query =
-        command("query", "Run a SELECT in the project's dialect, reading only",
-                [this](Session &s) { return queryCommand(s, m_project, m_sql, m_format); });
-    addProject(query, m_project);
-    query->add_option("SQL", m_sql, "The statement")->required();
-    addFormat(query);
-    CLI::App *queries = command("queries", "The stored queries of a project", [this](Session &s) {
-        return queriesCommand(s, m_project, m_format);
-    });
-    addProject(queries, m_project);
-    addFormat(queries);
 }
 
 void Grammar::addShow() {

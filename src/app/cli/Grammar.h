@@ -3,6 +3,7 @@
 #include "app/cli/Commands.h"
 #include "app/cli/FilterCommands.h"
 #include "app/cli/LinkCommands.h"
+#include "app/cli/QueryCommands.h"
 #include "app/cli/ViewerCommands.h"
 
 #include <CLI/CLI.hpp>
@@ -32,6 +33,7 @@ class Grammar {
     void addImport();
     void addList();
     void addQueries();
+    void addStoredQueries();
     void addShow();
     void addFiles();
     void addRebuilding();
@@ -54,6 +56,7 @@ class Grammar {
     HexArguments m_hex;
     RowArguments m_row;
     HostsArguments m_hosts;
+    StoredQueryArguments m_storedQuery;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";

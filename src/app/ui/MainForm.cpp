@@ -14,6 +14,7 @@
 #include "import/ui/ImportForm.h"
 #include "platform/qt/QtText.h"
 #include "time/ZoneDatabase.h"
+#include "views/QueryCommands.h"
 #include "views/ui/TableTab.h"
 
 #include <QApplication>
@@ -179,7 +180,7 @@ void MainForm::restoreLayout() {
     m_table->grid().setTableLayout(layout);
     m_table->openProject(project, m_program.log, m_program.thisClass.GMTZone);
     emit m_bench->projectOpened();
-    showStoredQueries();
+    showQuickQueries();
     showProjectState();
 }
 
@@ -196,19 +197,14 @@ void MainForm::saveLayout() {
     batch.commit();
 }
 
-void MainForm::showStoredQueries() {
-    QStringList all = {QString()};
+void MainForm::showQuickQueries() {
     QStringList quick;
     for (const StoredQuery &query :
          StoredQueries(m_program.thisClass.ProjectDB.connection()).list()) {
         const QString name = toQt(query.name);
-        if (name.contains(u'~') || query.name == kDefaultQueryName)
-            continue;
-        all += name;
-        if (name.startsWith(u'_'))
+        if (isListedQuery(query.name) && isReservedQuery(query.name))
             quick += name;
     }
-    m_table->setQueries(all);
     m_menus.showQuickQueries(quick);
 }
 

@@ -83,7 +83,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     void showErrorLog();
     void showAbout();
     void chooseTheme(Theme theme);
-    void showStoredQueries();
+    void showQuickQueries();
     void showNotice(const QString &text);
     void showStatus();
     void showStatusParts();

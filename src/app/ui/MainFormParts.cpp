@@ -6,6 +6,7 @@
 #include "app/ui/LinkPart.h"
 #include "app/ui/MainForm.h"
 #include "app/ui/NetworkPart.h"
+#include "app/ui/QueryPart.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
 #include "app/ui/TemplatesPart.h"
@@ -108,6 +109,7 @@ QWidget *MainForm::newProjectPage() {
 /// In the order of their tabs.
 void MainForm::addParts() {
     addProperties(*m_bench);
+    m_parts.push_back(std::make_unique<QueryPart>(*m_bench));
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
     m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
     m_parts.push_back(std::make_unique<HostsPart>(*m_bench));

@@ -126,6 +126,13 @@ void TableTab::chooseQuery(const QString &name) {
     LoadURLs();
 }
 
+void TableTab::showQuery(const QString &name) {
+    m_queries->setCurrentIndex(std::max(0, m_queries->findData(name)));
+    if (m_table)
+        m_table->choice.ActiveQueryName = fromQt(queryName());
+    emit statusChanged();
+}
+
 void TableTab::takeHost() {
     if (!m_table || m_table->choice.FilterByHostValue == fromQt(m_host->text().trimmed()))
         return;
@@ -160,15 +167,19 @@ void TableTab::refreshRows() {
 }
 
 void TableTab::sortBy(SortChoice choice) {
-    if (m_table)
+    if (!m_table)
+        return;
+    const LoadResult result =
         reload([this, choice](TaskMonitor &task) { return m_table->sortBy(choice, task); });
+    if (result == LoadResult::Loaded)
+        emit sortedBy(choice);
 }
 
 void TableTab::sortByColumn(UrlColumn column, SortDirection direction) {
     reload([=, this](TaskMonitor &task) { return m_table->sortBy(column, direction, task); });
 }
 
-void TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work) {
+LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work) {
     const auto current = m_grid->currentUrl();
     LoadResult result = LoadResult::Failed;
     m_runTask({}, [&](TaskMonitor &task) { result = work(task); });
@@ -184,6 +195,7 @@ void TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work) {
     emit currentUrlChanged();
     if (result == LoadResult::Failed)
         m_examiner.tell(loadFailure());
+    return result;
 }
 
 void TableTab::countTagged() {

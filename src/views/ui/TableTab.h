@@ -45,6 +45,8 @@ class TableTab final : public QWidget {
     void setQueries(const QStringList &names);
     /// Chooses a query, loads its rows.
     void chooseQuery(const QString &name);
+    /// Shows that the rows are those of this query, without loading them.
+    void showQuery(const QString &name);
     QString queryName() const;
     /// What the next load filters by; empty turns the host filter off. The box shows it.
     void setHost(const QString &host);
@@ -66,6 +68,8 @@ class TableTab final : public QWidget {
     /// Rows, ticks, query or host have changed.
     void statusChanged();
     void currentUrlChanged();
+    /// An entry of the `Sort By` menu has taken effect.
+    void sortedBy(nv::SortChoice choice);
     void importRequested();
     void filtersRequested();
     /// Comes before the load when the examiner has changed the box.
@@ -76,7 +80,7 @@ class TableTab final : public QWidget {
     void connectParts();
     void sortByColumn(UrlColumn column, SortDirection direction);
     /// Runs a load or a sort and shows what came of it, with the same record as the current one.
-    void reload(const std::function<LoadResult(TaskMonitor &)> &work);
+    LoadResult reload(const std::function<LoadResult(TaskMonitor &)> &work);
     void showHeaderMenu(UrlColumn column, const QPoint &place);
     void showAll();
     void takeHost();

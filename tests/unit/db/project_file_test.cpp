@@ -145,12 +145,28 @@ TEST(ProjectFile, aTermThatIsNoPatternIsLeftOutAndLogged) {
     test::MemoryLog log;
     folder.write("adult-content.txt", "# ours\nxxx\n[open; fine\n");
     folder.write("child-exploitation.txt", "a\xC4#b");
-    const KeywordLists lists = loadKeywordLists(folder.path(), log);
+    const KeywordLists lists = loadKeywordLists({folder.path(), {}}, log);
     EXPECT_EQ(lists.adultContent, (std::vector<std::string>{"xxx", "fine"}));
     EXPECT_EQ(lists.childExploitation, std::vector<std::string>{"a\u00c4"});
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_TRUE(
         log.entries[0].message.ends_with("adult-content.txt: record at 3: Invalid pattern string"));
+}
+
+TEST(ProjectFile, anAgencysListStandsInForTheShippedOneOfItsName) {
+    test::TempFolder shipped;
+    test::TempFolder agency;
+    test::MemoryLog log;
+    shipped.write("adult-content.txt", "shipped");
+    shipped.write("child-exploitation.txt", "shipped too");
+    agency.write("adult-content.txt", "ours");
+    const KeywordLists lists = loadKeywordLists({shipped.path(), agency.path()}, log);
+    EXPECT_EQ(lists.adultContent, std::vector<std::string>{"ours"});
+    EXPECT_EQ(lists.childExploitation, std::vector<std::string>{"shipped too"});
+    EXPECT_TRUE(log.entries.empty());
+    std::filesystem::create_directory(agency.path() / "child-exploitation.txt"); // unreadable
+    EXPECT_TRUE(loadKeywordLists({shipped.path(), agency.path()}, log).childExploitation.empty());
+    EXPECT_EQ(log.entries.size(), 1u);
 }
 
 TEST(ProjectFile, aListOfThousandsOfTermsStillMakesAProject) {

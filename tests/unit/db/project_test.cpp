@@ -71,7 +71,7 @@ TEST_F(ProjectTest, keysIndexesAndRelationshipsCarryTheirNames) {
 TEST_F(ProjectTest, everyStoredQueryRunsAsAView) {
     create();
     const auto queries = StoredQueries(project.connection()).list();
-    ASSERT_EQ(queries.size(), 36u);
+    ASSERT_EQ(queries.size(), 38u);
     EXPECT_EQ(queries.front().name, "_DEFAULT");
     EXPECT_EQ(queries.front().sql, "SELECT * FROM URLs ORDER BY ActionDateLocal ASC");
     EXPECT_EQ(queries.back().name, "_Tagged Items");
@@ -82,6 +82,14 @@ TEST_F(ProjectTest, everyStoredQueryRunsAsAView) {
     EXPECT_EQ(StoredQueries(project.connection()).text("XXX Content (in URLs)"),
               "SELECT * FROM URLs WHERE URL LIKE '%term one%' OR URL LIKE '%it''s%' ORDER BY "
               "ActionDateLocal ASC");
+}
+
+TEST_F(ProjectTest, theQueriesOfAllMoviesAndMusicFindWhatImportingWrites) {
+    create();
+    project.connection().exec("INSERT INTO URLs (Category) VALUES ('Movies, Animation'), "
+                              "('Music, Audio'), ('Audio'), ('Movies'), ('Pictures')");
+    EXPECT_EQ(get("SELECT count(*) FROM [Movies (all)]"), "1");
+    EXPECT_EQ(get("SELECT count(*) FROM [Music (all)]"), "2");
 }
 
 TEST_F(ProjectTest, activityQueriesWrapIntoTheYearBefore) {
@@ -108,7 +116,7 @@ TEST_F(ProjectTest, aBrokenQueryLeavesEverythingAsItWas) {
     EXPECT_EQ(get("SELECT count(*) FROM Mine"), "0");
     for (const char *taken : {"URLs", "StoredQueries", "sqlite_x", "URLIndex"})
         EXPECT_THROW(queries.save({taken, "SELECT 1"}), SQLite::Exception) << taken;
-    EXPECT_EQ(queries.list().size(), 37u);
+    EXPECT_EQ(queries.list().size(), 39u);
     project.connection().exec("BEGIN; COMMIT"); // no transaction was left open
     queries.save({"it's \"odd\"", "SELECT 1"});
     EXPECT_EQ(get("SELECT * FROM \"it's \"\"odd\"\"\""), "1");
