@@ -1,8 +1,7 @@
 #include "app/cli/ContactSheet.h"
 
-#include "app/cli/RowWriter.h"
-#include "base/Text.h"
 #include "readers/ContentProbe.h"
+#include "reports/Html.h"
 
 #include <fmt/format.h>
 
@@ -34,32 +33,6 @@ small {{ display: block; color: #555; unicode-bidi: isolate }}
 <body>
 <h1>{0}</h1>
 )";
-
-std::string escaped(std::string_view text) {
-    const std::string plain = printable(isUtf8(text) ? std::string(text) : decodeText(text));
-    std::string html;
-    for (const char c : plain)
-        switch (c) {
-        case '&':
-            html += "&amp;";
-            break;
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '"':
-            html += "&quot;";
-            break;
-        case '\'':
-            html += "&#39;";
-            break;
-        default:
-            html += c;
-        }
-    return html;
-}
 
 std::string base64(ByteView bytes) {
     constexpr std::string_view kLetters =
@@ -102,15 +75,15 @@ std::string tileText(const TileClass &tile, const Bytes &thumbnail) {
                        "</small></figcaption></figure>\n",
                        tile.Tagged ? " class=\"tagged\"" : "", pictureOf(thumbnail),
                        captionOf(tile), tile.Tagged ? ", tagged" : "", shape,
-                       escaped(tile.ToolTip));
+                       htmlText(tile.ToolTip));
 }
 
 } // namespace
 
 void writeContactSheet(std::ostream &out, const ContactSheet &sheet) {
-    out << fmt::format(kHead, escaped(sheet.title));
+    out << fmt::format(kHead, htmlText(sheet.title));
     for (const std::string &line : sheet.lines)
-        out << "<p>" << escaped(line) << "</p>\n";
+        out << "<p>" << htmlText(line) << "</p>\n";
     out << "<main>\n";
     for (const TileClass &tile : sheet.tiles)
         out << tileText(tile, sheet.thumbnail(UrlId{tile.URL_ID}));

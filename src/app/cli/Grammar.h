@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/cli/Commands.h"
+#include "app/cli/ReportCommands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -33,6 +34,7 @@ class Grammar {
     void addRebuilding();
     void addTemplates();
     void addPictures();
+    void addReport();
 
     ImportArguments m_import;
     ListArguments m_list;
@@ -41,6 +43,7 @@ class Grammar {
     ThumbnailArguments m_thumbnails;
     GalleryArguments m_gallery;
     TemplateArguments m_template;
+    ReportArguments m_report;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";

@@ -30,7 +30,7 @@ QSize fitted(QSize picture, QSize box) {
     return picture.scaled(box, Qt::KeepAspectRatio).expandedTo({1, 1});
 }
 
-/// A bitmap holds no transparency.
+/// Neither a bitmap nor a JPEG holds transparency.
 QImage onWhite(const QImage &picture) {
     QImage flat(picture.size(), QImage::Format_RGB32);
     flat.fill(Qt::white);
@@ -77,7 +77,8 @@ Drawn ImageThumbnailer::draw(const DrawJob &job) const {
     const QImage small = target == picture.size() ? picture
                                                   : picture.scaled(target, Qt::IgnoreAspectRatio,
                                                                    Qt::SmoothTransformation);
-    if (!onWhite(small).save(pathToQt(job.target), "BMP"))
+    const char *form = job.target.extension() == ".jpg" ? "JPEG" : "BMP";
+    if (!onWhite(small).save(pathToQt(job.target), form))
         return failed(drawn, "The thumbnail can't be written.");
     drawn.done = true;
     return drawn;
