@@ -17,10 +17,11 @@ namespace {
 constexpr std::string_view kHeadCell = "<td bgcolor='#E0E0E0' style='font-size:10px;'><strong>";
 
 std::string heading(std::string_view title, std::string_view text) {
-    return fmt::format("<tr><td colspan='3' bgcolor='#5E5E5E' style='font-size:11px;color:white;'>"
-                       "<strong>{}</strong></td></tr>\r\n<tr><td colspan='3' "
-                       "style='font-size:11px;'>{}\r\n",
-                       title, text);
+    return fmt::format(
+        "<tr><td colspan='3' bgcolor='#5E5E5E' style='font-size:11px;color:white;padding:3px;'>"
+        "<strong>{}</strong></td></tr>\r\n<tr><td colspan='3' "
+        "style='font-size:11px;padding:3px;'>{}\r\n",
+        title, text);
 }
 
 std::string openTable(std::string_view name, std::initializer_list<std::string_view> columns) {

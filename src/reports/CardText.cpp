@@ -39,9 +39,10 @@ std::string picture(const ReportCard &card, const ReportClass &report) {
 }
 
 std::string leftCell(const ReportCard &card, const ReportClass &report) {
-    return fmt::format("   <td width='240' align='center' valign='middle' style='font-size:11px;'>"
-                       "{}<br>URL ID #{}</td>\r\n",
-                       picture(card, report), number(card.record.URLID));
+    return fmt::format(
+        "   <td width='240' align='center' valign='middle' style='font-size:11px;padding:6px;'>"
+        "{}<br>URL ID #{}</td>\r\n",
+        picture(card, report), number(card.record.URLID));
 }
 
 std::string rebuiltRow(const ReportClass &report) {
@@ -103,7 +104,8 @@ std::string facts(const ReportCard &card, const ReportClass &report, const Repor
     const auto orBlank = [](std::string_view value) {
         return value.empty() ? std::string("&nbsp;") : htmlText(value);
     };
-    return "   <td valign='top'>\r\n       <table name='TABLE2' width='100%' border='0' "
+    return "   <td valign='top' style='padding:4px;'>\r\n       <table name='TABLE2' width='100%' "
+           "border='0' "
            "cellspacing='0' cellpadding='2'>\r\n" +
            row("Title:", orBlank(report.pageTitle)) +
            row("Cache File Name:", orBlank(report.PageFileName)) +
@@ -117,7 +119,7 @@ std::string facts(const ReportCard &card, const ReportClass &report, const Repor
 } // namespace
 
 std::string cardText(const ReportClass &report, const ReportCard &card, const ReportContext &ctx) {
-    std::string text = "<table width='760' border='0' cellspacing='0' cellpadding='4' "
+    std::string text = "<table width='760' border='0' cellspacing='0' cellpadding='0' "
                        "style='font-family:Tahoma,sans-serif;border-bottom:1px solid #c0c0c0;"
                        "page-break-inside:avoid;'>\r\n<tr>\r\n" +
                        leftCell(card, report) + std::string(kDivider) + facts(card, report, ctx) +

@@ -43,17 +43,23 @@ MainActions::MainActions(QObject *o)
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
       baseFolder(make(o, "actBaseFolder", tr("&Base Folder..."), "folder")),
       timeZone(make(o, "actTimeZone", tr("&Time Zone..."), "history")),
+      createReport(make(o, "actCreateReport", tr("&Create Report..."), "document",
+                        Qt::CTRL | Qt::SHIFT | Qt::Key_R)),
+      publishReport(make(o, "actPublishReport", tr("&Publish Report..."), "save-as")),
+      openReportFolder(make(o, "actOpenReportFolder", tr("Open Report &Folder"), "folder")),
       errorLog(make(o, "actErrorLog", tr("&Error Log..."), "text")),
       tips(make(o, "actTips", tr("&Tip of the Day..."), "tip")),
       about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {
     rebuild->setToolTip(tr("Rebuild the tagged web pages, or the current one when none is tagged"));
+    openReportFolder->setEnabled(false);
     viewers->setCheckable(true);
     viewers->setChecked(true);
 }
 
 void MainActions::setProjectOpen(bool open) {
-    for (QAction *action : {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext,
-                            tag, rebuild, columns, refresh, baseFolder, timeZone})
+    for (QAction *action :
+         {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext, tag, rebuild,
+          columns, refresh, baseFolder, timeZone, createReport, publishReport})
         action->setEnabled(open);
 }
 

@@ -28,6 +28,9 @@ struct MainActions {
     QAction *refresh;
     QAction *baseFolder;
     QAction *timeZone;
+    QAction *createReport;
+    QAction *publishReport;
+    QAction *openReportFolder; ///< enabled by the first report
     QAction *errorLog;
     QAction *tips;
     QAction *about;

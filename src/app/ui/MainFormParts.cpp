@@ -4,6 +4,7 @@
 #include "app/ui/MainForm.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
+#include "app/ui/ReportPart.h"
 #include "app/ui/WelcomePage.h"
 #include "app/ui/Workbench.h"
 #include "base/Files.h"
@@ -104,6 +105,7 @@ void MainForm::addParts() {
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));
+    m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
 }
 
 void MainForm::buildStatusBar() {

@@ -91,6 +91,8 @@ void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     QMenu *tools = named(m_window.menuBar()->addMenu(tr("&Tools")), "menuTools");
     tools->addAction(actions.rebuild);
     tools->addSeparator();
+    tools->addActions({actions.createReport, actions.publishReport, actions.openReportFolder});
+    tools->addSeparator();
     tools->addActions({actions.baseFolder, actions.timeZone});
     tools->addSeparator();
     tools->addAction(actions.errorLog);

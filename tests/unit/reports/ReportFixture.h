@@ -104,10 +104,10 @@ class ReportFixture : public RebuildFixture {
     static std::string textAt(const std::filesystem::path &file) {
         return std::filesystem::exists(file) ? std::string(ByteView(readWhole(file)).raw()) : "";
     }
-    std::string inReport(const std::string &name) { return textAt(report.path / name); }
+    std::string inReport(const std::string &name) { return textAt(made.path / name); }
 
     std::filesystem::path images;
-    ReportFolder report{temp};
+    ReportFolder made{temp};
     FakeDrawing drawings;
     Drawing *drawing = &drawings;
     Unwatched nobody;

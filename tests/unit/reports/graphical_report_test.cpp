@@ -21,20 +21,20 @@ class GraphicalReportTest : public ReportFixture {
   protected:
     /// Row 1 is a rebuilt page with its picture in row 2.
     void addRebuiltPage() {
-        const UrlId page = add("http://host/page.html", kPage);
+        const UrlId html = add("http://host/page.html", kPage);
         add("http://host/pic/logo.gif", "GIF89a logo");
-        ASSERT_TRUE(rebuild(page));
+        ASSERT_TRUE(rebuild(html));
     }
 };
 
 TEST_F(GraphicalReportTest, noRowsGiveHeadLegendAndFooter) {
-    const std::string page = make(0);
-    EXPECT_THAT(page, AllOf(HasSubstr("<table><tr><td valign='top'>\r\n</td></tr></table>\r\n"),
+    const std::string html = make(0);
+    EXPECT_THAT(html, AllOf(HasSubstr("<table><tr><td valign='top'>\r\n</td></tr></table>\r\n"),
                             HasSubstr("<strong>LEGEND:</strong><ol>"),
                             HasSubstr("Report created using Norvelene<SUP>")));
     EXPECT_EQ(inReport("~rptids"), "");
     EXPECT_EQ(inReport("images/ie.gif"), "picture");
-    EXPECT_FALSE(fs::exists(report.images() / "readme.txt"));
+    EXPECT_FALSE(fs::exists(made.images() / "readme.txt"));
     EXPECT_TRUE(project.log.entries.empty());
 }
 
@@ -42,9 +42,9 @@ TEST_F(GraphicalReportTest, onlyTickedRowsAreTakenWhenAskedFor) {
     addHistory("http://one/", 1);
     const UrlId two = addHistory("http://two/", 2);
     project.connection().exec("UPDATE URLs SET Tagged = 1 WHERE URL_ID = 2");
-    const std::string page = make(0, [](ReportClass &each) { each.IncludeAll = false; });
-    EXPECT_EQ(countOf(page, "TABLE2"), 1u);
-    EXPECT_THAT(page, HasSubstr("http://two/"));
+    const std::string html = make(0, [](ReportClass &each) { each.IncludeAll = false; });
+    EXPECT_EQ(countOf(html, "TABLE2"), 1u);
+    EXPECT_THAT(html, HasSubstr("http://two/"));
     EXPECT_EQ(inReport("~rptids"), sidOf(two) + ".NVR\r\n");
 }
 
@@ -58,23 +58,23 @@ TEST_F(GraphicalReportTest, aHistoryRowShowsTheDefaultPicture) {
 TEST_F(GraphicalReportTest, rowsFollowTheirLocalDate) {
     addHistory("http://late/", 20);
     addHistory("http://early/", 10);
-    std::string page = make(0);
-    EXPECT_LT(page.find("http://early/"), page.find("http://late/"));
-    page = make(0, [](ReportClass &each) { each.SortAscending = false; });
-    EXPECT_GT(page.find("http://early/"), page.find("http://late/"));
+    std::string html = make(0);
+    EXPECT_LT(html.find("http://early/"), html.find("http://late/"));
+    html = make(0, [](ReportClass &each) { each.SortAscending = false; });
+    EXPECT_GT(html.find("http://early/"), html.find("http://late/"));
     EXPECT_EQ(inReport("~rptids"), "0000001.NVR\r\n0000002.NVR\r\n");
 }
 
 TEST_F(GraphicalReportTest, aPictureGetsItsRealExtensionAndAThumbnail) {
     add("http://host/show.php", "GIF89a picture");
-    const std::string page = make(0);
+    const std::string html = make(0);
     EXPECT_EQ(inReport("pictures/0000001.gif"), "GIF89a picture");
     EXPECT_EQ(inReport("pictures/0000001.jpg"), "JPEG");
-    EXPECT_THAT(page,
+    EXPECT_THAT(html,
                 HasSubstr("<a href='pictures/0000001.gif' target='_new'><img "
                           "src='pictures/0000001.jpg' width='100' alt='Click to display a full "
                           "size version of the file.' border='2' style='border-color: #000080;'>"));
-    EXPECT_THAT(page, HasSubstr("<a href='pictures/0000001.gif' target='_new'>"
+    EXPECT_THAT(html, HasSubstr("<a href='pictures/0000001.gif' target='_new'>"
                                 "pictures/0000001.gif</a>"));
     EXPECT_EQ(ByteView(readWhole(evidenceFolder / "ABCDEFGH" / "file1.php")).raw(),
               "GIF89a picture");
@@ -82,9 +82,9 @@ TEST_F(GraphicalReportTest, aPictureGetsItsRealExtensionAndAThumbnail) {
 
 TEST_F(GraphicalReportTest, aPhotographIsShownItself) {
     add("http://host/photo.jpg", "\xFF\xD8\xFF\xE1 camera data");
-    const std::string page = make(0);
+    const std::string html = make(0);
     EXPECT_EQ(inReport("pictures/0000001.jpg"), "\xFF\xD8\xFF\xE1 camera data");
-    EXPECT_THAT(page, HasSubstr("<img src='pictures/0000001.jpg'"));
+    EXPECT_THAT(html, HasSubstr("<img src='pictures/0000001.jpg'"));
     EXPECT_TRUE(drawings.drawn.empty());
 }
 
@@ -100,26 +100,26 @@ TEST_F(GraphicalReportTest, aPictureThatCannotBeDrawnFallsBack) {
 
 TEST_F(GraphicalReportTest, contentThatIsGoneFallsBack) {
     add("http://host/a.gif", "");
-    const std::string page = make(0);
-    EXPECT_THAT(page, HasSubstr("<img src='images/report-default.png' width='200' alt='Click to "
+    const std::string html = make(0);
+    EXPECT_THAT(html, HasSubstr("<img src='images/report-default.png' width='200' alt='Click to "
                                 "display a full size version of the file.'"));
-    EXPECT_THAT(page, HasSubstr("The cached file is gone."));
+    EXPECT_THAT(html, HasSubstr("The cached file is gone."));
 }
 
 TEST_F(GraphicalReportTest, aRebuiltPageComesWithItsPartsAndIsGuarded) {
     addRebuiltPage();
-    const std::string page = make(0, [](ReportClass &each) { each.IncludeAudit = true; });
+    const std::string html = make(0, [](ReportClass &each) { each.IncludeAudit = true; });
     const std::string copy = inReport("0000001.NVR/0000001.htm");
     EXPECT_THAT(copy, AllOf(HasSubstr("src=\"0000002.gif\""), HasSubstr("default-src 'none'"),
                             HasSubstr("<script"), HasSubstr("void-equiv=\"refresh\"")));
     EXPECT_TRUE(copy.starts_with("<!DOCTYPE html><meta http-equiv=\"Content-Security-Policy\""));
     EXPECT_EQ(inReport("0000001.NVR/0000002.gif"), "GIF89a logo");
     EXPECT_EQ(inReport("0000001.NVR/~0000001.thumbnail.jpg"), "JPEG");
-    EXPECT_THAT(page, HasSubstr("<a href='0000001.NVR/0000001.htm' target='_new'><img "
+    EXPECT_THAT(html, HasSubstr("<a href='0000001.NVR/0000001.htm' target='_new'><img "
                                 "src='0000001.NVR/~0000001.thumbnail.jpg' width='200'"));
-    EXPECT_THAT(page, HasSubstr("<a href='0000001.NVR/0000002.gif' target='_new'>0000002.gif</a>"));
-    EXPECT_THAT(page, HasSubstr("<font color='red'>Missing or Invalid Tag</font>"));
-    EXPECT_THAT(page, HasSubstr("AUDIT INFORMATION"));
+    EXPECT_THAT(html, HasSubstr("<a href='0000001.NVR/0000002.gif' target='_new'>0000002.gif</a>"));
+    EXPECT_THAT(html, HasSubstr("<font color='red'>Missing or Invalid Tag</font>"));
+    EXPECT_THAT(html, HasSubstr("AUDIT INFORMATION"));
     EXPECT_TRUE(project.log.entries.empty());
 }
 
@@ -150,10 +150,10 @@ TEST_F(GraphicalReportTest, anArchiveOfAnEarlierVersionIsUnpacked) {
 
 TEST_F(GraphicalReportTest, aPageThatWasNotRebuiltIsHandedOnAsText) {
     add("http://host/page.html", kPage);
-    const std::string page = make(0);
+    const std::string html = make(0);
     EXPECT_EQ(inReport("0000001.NVR/0000001.txt"), kPage);
-    EXPECT_FALSE(fs::exists(report.path / "0000001.NVR/0000001.htm"));
-    EXPECT_THAT(page, HasSubstr("<a href='0000001.NVR/0000001.txt' target='_new'><img "
+    EXPECT_FALSE(fs::exists(made.path / "0000001.NVR/0000001.htm"));
+    EXPECT_THAT(html, HasSubstr("<a href='0000001.NVR/0000001.txt' target='_new'><img "
                                 "src='0000001.NVR/~0000001.thumbnail.jpg'"));
     EXPECT_FALSE(fs::exists(temp / "~cards"));
 }
@@ -161,44 +161,44 @@ TEST_F(GraphicalReportTest, aPageThatWasNotRebuiltIsHandedOnAsText) {
 TEST_F(GraphicalReportTest, programsAreNotCopied) {
     add("http://host/setup.exe", std::string("MZ\0\x01\x02", 5));
     EXPECT_THAT(make(0), HasSubstr("The cached file is neither a page, a picture nor text."));
-    EXPECT_TRUE(fs::is_empty(report.pictures()));
+    EXPECT_TRUE(fs::is_empty(made.pictures()));
 }
 
 TEST_F(GraphicalReportTest, aSecondReportDeletesWhatTheFirstBroughtIn) {
     add("http://host/a.gif", "GIF89a");
     make(0);
     project.connection().exec("DELETE FROM URLs");
-    fs::create_directories(report.path / "0000077.NVR");
+    fs::create_directories(made.path / "0000077.NVR");
     make(0);
-    EXPECT_TRUE(fs::is_empty(report.pictures()));
-    EXPECT_FALSE(fs::exists(report.path / "0000077.NVR"));
+    EXPECT_TRUE(fs::is_empty(made.pictures()));
+    EXPECT_FALSE(fs::exists(made.path / "0000077.NVR"));
 }
 
 TEST_F(GraphicalReportTest, aCancelLeavesTheUnfinishedPageOnly) {
     for (int day = 1; day <= 20; ++day)
         addHistory("http://host/", day);
     make(0);
-    ASSERT_TRUE(fs::exists(report.index(0)));
+    ASSERT_TRUE(fs::exists(made.index(0)));
     for (const int calls : {0, 1, 15, 20}) {
         CancelAfter canceller(calls);
         monitor = &canceller;
         EXPECT_EQ(make(0), "") << calls;
         EXPECT_TRUE(cancelled);
-        EXPECT_TRUE(fs::exists(report.unfinished()));
-        EXPECT_FALSE(fs::exists(report.index(0)));
+        EXPECT_TRUE(fs::exists(made.unfinished()));
+        EXPECT_FALSE(fs::exists(made.index(0)));
         monitor = &nobody;
     }
 }
 
 TEST_F(GraphicalReportTest, visitedLinksOfAPageAreListed) {
-    const UrlId page = addHistory("http://page/", 1);
+    const UrlId html = addHistory("http://page/", 1);
     const UrlId few = addHistory("http://few/", 2);
     const UrlId many = addHistory("javascript:alert(1)", 3);
     project.connection().exec("UPDATE URLs SET Visits = 9 WHERE URL_ID = 3");
     for (const UrlId child : {few, many, few})
         project.connection().exec(
             fmt::format("INSERT INTO LinkAnalysis (Parent_ID, Child_ID) VALUES ({}, {})",
-                        number(page), number(child)));
+                        number(html), number(child)));
     const std::string text = make(0, [](ReportClass &each) { each.IncludeLinkAnalysis = true; });
     const std::string first = text.substr(text.find("Table3"), 2000);
     EXPECT_LT(first.find(">3</td><td"), first.find("http://few/"));
@@ -226,16 +226,16 @@ TEST_F(GraphicalReportTest, everyLocalLinkLeadsToAFileOfTheReport) {
     addRebuiltPage();
     add("http://host/other.html", kPage);
     addHistory("http://one/", 1);
-    const std::string page =
+    const std::string html =
         make(0, [](ReportClass &each) { each.IncludeAudit = each.IncludeLinkAnalysis = true; });
     const std::regex link("(?:href|src)='([^']*)'");
     std::size_t local = 0;
-    for (std::sregex_iterator at(page.begin(), page.end(), link), end; at != end; ++at) {
+    for (std::sregex_iterator at(html.begin(), html.end(), link), end; at != end; ++at) {
         const std::string target = (*at)[1];
         if (target.starts_with("http://"))
             continue;
         ++local;
-        EXPECT_TRUE(fs::is_regular_file(report.path / target)) << target;
+        EXPECT_TRUE(fs::is_regular_file(made.path / target)) << target;
     }
     EXPECT_GE(local, 8u);
 }
@@ -244,11 +244,11 @@ TEST_F(GraphicalReportTest, ownPicturesTakeThePlaceOfTheProgramsOwn) {
     addHistory("http://one/", 1);
     add("http://host/a.gif", "");
     const auto mine = project.folder.write("mine.dat", "GIF89a mine");
-    const std::string page = make(0, [&](ReportClass &each) {
+    const std::string html = make(0, [&](ReportClass &each) {
         each.UseCustomLogo = each.UseDefaultThumbnailPath = true;
         each.AgencyLogoPath = each.DefaultThumbnailPath = mine;
     });
-    EXPECT_THAT(page, AllOf(HasSubstr("src='images/agency-logo.gif'"),
+    EXPECT_THAT(html, AllOf(HasSubstr("src='images/agency-logo.gif'"),
                             HasSubstr("src='images/default-thumbnail.gif'")));
     EXPECT_EQ(inReport("images/agency-logo.gif"), "GIF89a mine");
     writeWhole(mine, "<svg onload=alert(1)>");

@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 class PublishReportTest : public ReportFixture {
   protected:
     PublishReportTest() { fs::create_directories(target); }
-    Published publish(int type) { return PublishReport(report, type, target, task); }
+    Published publish(int type) { return PublishReport(made, type, target, task); }
     fs::path target = project.folder.path() / "handed over";
 };
 
@@ -17,11 +17,11 @@ TEST_F(PublishReportTest, aGraphicalReportGoesWithItsPicturesAndPages) {
     add("http://host/a.gif", "GIF89a");
     add("http://host/page.html", "<html>page</html>");
     make(0);
-    writeWhole(report.path / "stray.txt", "not of the report");
-    fs::create_directories(report.path / "0000099.NVR");
-    writeWhole(report.path / "0000099.NVR" / "0000099.htm", "of no row");
-    EXPECT_TRUE(isReportThere(report, 0));
-    EXPECT_FALSE(isReportThere(report, 1));
+    writeWhole(made.path / "stray.txt", "not of the report");
+    fs::create_directories(made.path / "0000099.NVR");
+    writeWhole(made.path / "0000099.NVR" / "0000099.htm", "of no row");
+    EXPECT_TRUE(isReportThere(made, 0));
+    EXPECT_FALSE(isReportThere(made, 1));
     const Published published = publish(0);
     EXPECT_EQ(published.files, 9u); // index, 4 images, 2 pictures, 2 of the page
     EXPECT_EQ(textAt(target / "index-cache.htm"), inReport("index-cache.htm"));
@@ -43,12 +43,12 @@ TEST_F(PublishReportTest, aTabularReportIsItsPageAndImages) {
 TEST_F(PublishReportTest, itShowsItselfAndCanBeCancelled) {
     make(1);
     MemoryTask watched;
-    PublishReport(report, 1, target, watched);
+    PublishReport(made, 1, target, watched);
     EXPECT_EQ(watched.headings[0].title, "PUBLISHING REPORT");
     EXPECT_EQ(watched.headings[0].subject, "Copying report contents to output folder...");
     EXPECT_EQ(watched.steps[0].topMessage, "Copying 1 of 5");
     CancelAfter canceller(2);
-    const Published published = PublishReport(report, 1, target, canceller);
+    const Published published = PublishReport(made, 1, target, canceller);
     EXPECT_TRUE(published.cancelled);
     EXPECT_EQ(published.files, 2u);
 }

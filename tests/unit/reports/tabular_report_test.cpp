@@ -24,16 +24,16 @@ TEST_F(TabularReportTest, aRowHasItsCells) {
     EXPECT_THAT(inReport("index-history.htm"),
                 HasSubstr("<a href='http://one/?a=1&amp;b=2' target='_new'>"
                           "http://one/?a=1&amp;b=2</a>"));
-    EXPECT_FALSE(fs::exists(report.pictures()));
+    EXPECT_FALSE(fs::exists(made.pictures()));
 }
 
 TEST_F(TabularReportTest, columnsFollowTheOptions) {
     addHistory("http://one/", 7);
-    const std::string page = make(1, [](ReportClass &each) {
+    const std::string html = make(1, [](ReportClass &each) {
         each.IncludeUser = each.IncludeDataSource = false;
         each.URLColWidth = 400;
     });
-    EXPECT_THAT(page, AllOf(Not(HasSubstr("mara")), Not(HasSubstr("Data Source")),
+    EXPECT_THAT(html, AllOf(Not(HasSubstr("mara")), Not(HasSubstr("Data Source")),
                             Not(HasSubstr("IE Daily<")), HasSubstr("<td valign='top' width='400'"),
                             HasSubstr("<strong>Last Visited [Local]</strong></td><td><strong>"
                                       "Universal Resource Locator (URL)</strong>")));
@@ -53,10 +53,10 @@ TEST_F(TabularReportTest, iconsAreChosenByTheBeginningOfTheType) {
     for (const auto &[type, icon] : icons)
         addHistory("http://one/", 1, type);
     addHistory("http://one/", 1, "Unallocated");
-    const std::string page = make(1);
+    const std::string html = make(1);
     for (const auto &[type, icon] : icons)
-        EXPECT_THAT(page, HasSubstr(icon)) << type;
-    EXPECT_EQ(countOf(page, "<img src='images/"), icons.size() + 1); // and the logo
+        EXPECT_THAT(html, HasSubstr(icon)) << type;
+    EXPECT_EQ(countOf(html, "<img src='images/"), icons.size() + 1); // and the logo
 }
 
 TEST_F(TabularReportTest, weeklyHistoryIsOrange) {
@@ -106,15 +106,15 @@ TEST_F(TabularReportTest, evidenceBecomesNoMarkup) {
         set(id, column, hostile);
     project.connection().exec("UPDATE URLs SET CacheType = '<i>kind'  WHERE URL_ID = 2");
     for (const int type : {0, 1}) {
-        const std::string page = make(
+        const std::string html = make(
             type, [](ReportClass &each) { each.IncludeAudit = each.IncludeLinkAnalysis = true; });
-        EXPECT_EQ(countOf(page, "<script"), 0u);
-        EXPECT_EQ(countOf(page, "<img src=x"), 0u);
-        EXPECT_EQ(countOf(page, "<i>kind"), 0u);
-        EXPECT_THAT(page, AllOf(HasSubstr("&lt;script&gt;"), HasSubstr("javascript:alert("),
+        EXPECT_EQ(countOf(html, "<script"), 0u);
+        EXPECT_EQ(countOf(html, "<img src=x"), 0u);
+        EXPECT_EQ(countOf(html, "<i>kind"), 0u);
+        EXPECT_THAT(html, AllOf(HasSubstr("&lt;script&gt;"), HasSubstr("javascript:alert("),
                                 Not(HasSubstr("href='javascript")), Not(HasSubstr("href='data")),
                                 HasSubstr("href='HTTPS://host/'"), HasSubstr("\xE2\x90\x81")));
-        EXPECT_THAT(page, HasSubstr("href='http://host/&quot;&#39;&gt;&lt;script&gt;"));
+        EXPECT_THAT(html, HasSubstr("href='http://host/&quot;&#39;&gt;&lt;script&gt;"));
     }
 }
 
@@ -124,8 +124,8 @@ TEST_F(TabularReportTest, aCancelLeavesNoIndex) {
     CancelAfter canceller(0);
     monitor = &canceller;
     EXPECT_EQ(make(1), "");
-    EXPECT_TRUE(fs::exists(report.unfinished()));
-    EXPECT_FALSE(fs::exists(report.index(1)));
+    EXPECT_TRUE(fs::exists(made.unfinished()));
+    EXPECT_FALSE(fs::exists(made.index(1)));
 }
 
 TEST_F(TabularReportTest, theTaskShowsItself) {
