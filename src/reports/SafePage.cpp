@@ -79,8 +79,82 @@ std::string withoutServers(std::string_view page) {
     return ReplaceAllText(ReplaceAllText(named, "file:/", "void:/"), "file:\\", "void:/");
 }
 
+constexpr std::string_view kSpaces = " \t\r\n\f";
+
+/// The value of the first attribute `wanted` of a tag, as browsers read it; `tag` begins behind the
+/// element's name. Empty when there is none.
+std::string_view attributeOf(std::string_view tag, std::string_view wanted) {
+    const auto skip = [&tag](std::size_t at, std::string_view what) {
+        return std::min(tag.find_first_not_of(what, at), tag.size());
+    };
+    const auto until = [&tag](std::size_t at, std::string_view what) {
+        return std::min(tag.find_first_of(what, at), tag.size());
+    };
+    std::size_t at = skip(0, " \t\r\n\f/");
+    while (at < tag.size() && tag[at] != '>') {
+        const std::size_t nameEnd = until(at + 1, " \t\r\n\f/>=");
+        const std::string_view name = tag.substr(at, nameEnd - at);
+        std::string_view value;
+        at = skip(nameEnd, kSpaces);
+        if (at < tag.size() && tag[at] == '=') {
+            at = skip(at + 1, kSpaces);
+            const bool quoted = at < tag.size() && (tag[at] == '"' || tag[at] == '\'');
+            const std::size_t begin = quoted ? at + 1 : at;
+            at = quoted ? until(begin, tag.substr(at, 1)) : until(begin, " \t\r\n\f>");
+            value = tag.substr(begin, at - begin);
+            at += quoted && at < tag.size() ? 1 : 0;
+        }
+        if (equalsNoCase(name, wanted))
+            return value;
+        at = skip(at, " \t\r\n\f/");
+    }
+    return {};
+}
+
+/// The name of a part beside the page: seven digits, and an extension.
+bool isPart(std::string_view address) {
+    constexpr std::size_t kDigits = 7;
+    const std::size_t digits = std::min(address.find_first_not_of("0123456789"), address.size());
+    return digits == kDigits && (address.size() == digits || address[digits] == '.');
+}
+
+bool isShown(std::string_view relation) {
+    return equalsNoCase(relation, "stylesheet") || equalsNoCase(relation, "icon") ||
+           equalsNoCase(relation, "shortcut icon");
+}
+
+/// Elements for which browsers look up a host before they ask the policy. Those that lead to a part
+/// of the page stay.
+struct LeadingElement {
+    std::string_view tag;
+    std::string_view attribute;
+    bool (*stays)(std::string_view value);
+};
+constexpr std::array<LeadingElement, 3> kLeading = {
+    {{"<iframe", "src", isPart}, {"<frame", "src", isPart}, {"<link", "rel", isShown}}};
+
+std::string withoutLeads(std::string_view page, const LeadingElement &element) {
+    std::string disarmed;
+    std::size_t from = 0;
+    for (std::size_t at = findNoCase(page, element.tag); at != std::string_view::npos;
+         at = findNoCase(page, element.tag, from)) {
+        const std::size_t end = at + element.tag.size();
+        const std::string_view tag = page.substr(end);
+        const bool whole = tag.empty() || std::string_view(" \t\r\n\f/>").find(tag.front()) !=
+                                              std::string_view::npos;
+        const bool stays = !whole || element.stays(attributeOf(tag, element.attribute));
+        disarmed.append(page.substr(from, at - from));
+        disarmed.append(stays ? "<" : "<void-").append(page.substr(at + 1, end - at - 1));
+        from = end;
+    }
+    return disarmed.append(page.substr(from));
+}
+
 std::string withoutHints(std::string_view page) {
-    return ReplaceAllText(ReplaceAllText(page, "dns-prefetch", "void"), "preconnect", "void");
+    std::string disarmed(page);
+    for (const LeadingElement &element : kLeading)
+        disarmed = withoutLeads(disarmed, element);
+    return disarmed;
 }
 
 /// Behind a mark of the encoding and a document type: in front of these the page would look as one

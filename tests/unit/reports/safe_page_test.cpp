@@ -38,8 +38,20 @@ TEST(SafePage, addressesOfFileServersBecomeOnesOfTheWeb) {
     EXPECT_THAT(guardedPage("<img src='file://host/a'>"), HasSubstr("'void://host/a'"));
     EXPECT_THAT(guardedPage("<img src=\"/a.gif\"> http://host/"),
                 AllOf(HasSubstr("src=\"/a.gif\""), HasSubstr(" http://host/")));
-    EXPECT_THAT(guardedPage("<link rel=\"DNS-prefetch\"><link rel=preconnect>"),
-                HasSubstr("<link rel=\"void\"><link rel=void>"));
+}
+
+TEST(SafePage, noHostIsLookedUpAheadOfThePolicy) {
+    for (const char *page :
+         {"<iframe src=\"http://live/\">", "<IFRAME title=\"src=0000001.htm > \" src=http://live/>",
+          "<frame name='a' src='&#104;ttp://live/'>", "<iframe/src=//live/>", "<iframe>", "<iframe",
+          "<iframe src=\"00000012\">", "<link rel=\"DNS-prefetch\" href=x>",
+          "<link href=x rel=pre&#99;onnect>", "<link rel=x rel=stylesheet>"})
+        EXPECT_THAT(guardedPage(page), HasSubstr("<void-")) << page;
+    for (const char *page :
+         {"<iframe src=\"0000001.htm\">", "<frame name=\"a>b\" SRC = '0000001.htm'>",
+          "<frameset rows=1><frame src=0000001>", "<link href=x rel=\"StyleSheet\">",
+          "<link rel='shortcut icon' href=x>"})
+        EXPECT_TRUE(guardedPage(page).ends_with(page)) << page;
 }
 
 TEST(SafePage, pagesOf16BitsBecomeReadable) {
