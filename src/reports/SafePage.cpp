@@ -133,13 +133,17 @@ struct LeadingElement {
 constexpr std::array<LeadingElement, 3> kLeading = {
     {{"<iframe", "src", isPart}, {"<frame", "src", isPart}, {"<link", "rel", isShown}}};
 
+/// Of a longer one the rest isn't read, and it goes: else reading tags without an end takes for
+/// ever.
+constexpr std::size_t kLongestTag = 4096;
+
 std::string withoutLeads(std::string_view page, const LeadingElement &element) {
     std::string disarmed;
     std::size_t from = 0;
     for (std::size_t at = findNoCase(page, element.tag); at != std::string_view::npos;
          at = findNoCase(page, element.tag, from)) {
         const std::size_t end = at + element.tag.size();
-        const std::string_view tag = page.substr(end);
+        const std::string_view tag = page.substr(end, kLongestTag);
         const bool whole = tag.empty() || std::string_view(" \t\r\n\f/>").find(tag.front()) !=
                                               std::string_view::npos;
         const bool stays = !whole || element.stays(attributeOf(tag, element.attribute));
