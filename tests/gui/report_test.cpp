@@ -153,6 +153,10 @@ void ReportTest::nothingIsPublishedIntoTheEvidence() {
 
 void ReportTest::aCancelLeavesNoReport() {
     make(2);
+    m_desk->program.thisClass.ProjectDB.connection().exec(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 20000) "
+        "INSERT INTO URLs (URL, CacheType) SELECT 'http://host/' || i, 'IE Daily' FROM n");
+    trigger(*m_form, "actRefresh");
     QTimer poll;
     connect(&poll, &QTimer::timeout, this, [&] {
         if (child<QLabel>(m_desk->status, "labMsg1").text() != QStringLiteral("CREATING REPORT"))
