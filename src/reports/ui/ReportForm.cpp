@@ -98,7 +98,7 @@ void ReportForm::addWhat(QFormLayout &form, std::size_t rows, std::size_t tagged
 void ReportForm::addTexts(QFormLayout &form) {
     form.addRow(tr("&Title:"), m_title = newText("txtReportTitle"));
     form.addRow(tr("&Case number:"), m_caseNumber = newText("txtCaseNumber"));
-    form.addRow(tr("Or&ganization:"), m_organization = newText("txtOrganization"));
+    form.addRow(tr("Organi&zation:"), m_organization = newText("txtOrganization"));
     form.addRow(tr("Prepared &by:"), m_reportedBy = newText("txtReportedBy"));
 }
 
@@ -180,6 +180,7 @@ void ReportForm::show(const ReportClass &report) {
     m_user->setChecked(report.IncludeUser);
     m_header->setChecked(report.SkipHeader);
     m_width->setCurrentIndex(std::max(0, m_width->findData(report.URLColWidth)));
+    previewLogo();
     followType();
 }
 
