@@ -12,6 +12,10 @@ constexpr std::string_view kProgram = "norvelane-draw";
 
 } // namespace
 
+bool canDraw() {
+    return companionProgram(kProgram).has_value();
+}
+
 std::unique_ptr<Drawing> makeDrawing(const std::filesystem::path &scratch) {
     const auto program = companionProgram(kProgram);
     if (!program)

@@ -11,4 +11,7 @@ namespace nv {
 /// own. Throws StorageFailure when it can't draw.
 std::unique_ptr<Drawing> makeDrawing(const std::filesystem::path &scratch);
 
+/// Whether this build can draw.
+bool canDraw();
+
 } // namespace nv

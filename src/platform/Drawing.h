@@ -16,7 +16,8 @@ namespace nv {
 /// One picture or page of evidence that is to be drawn small, or a sheet of such pictures.
 struct DrawJob {
     enum class Kind {
-        picture, ///< `target` becomes a bitmap of at most `width` by `height`, in proportion
+        picture, ///< `target` becomes a bitmap, or a JPEG when it is named *.jpg, of at most
+                 ///< `width` by `height`, in proportion
         page,    ///< `target` becomes a JPEG of `width` by `height`; `source` is an HTML file named
                  ///< *.htm or *.html, and only files of its own folder and below it are shown
         sheet,   ///< `target` becomes a PNG; `source` is a SheetFile with its pictures beside it,

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "readers/ContentProbe.h"
+#include "reports/Html.h"
 #include "views/CellText.h"
 
 #include <fmt/format.h>
@@ -34,31 +35,6 @@ small {{ display: block; color: #555; unicode-bidi: isolate }}
 <body>
 <h1>{0}</h1>
 )";
-
-std::string escaped(std::string_view text) {
-    std::string html;
-    for (const char c : plainLine(text))
-        switch (c) {
-        case '&':
-            html += "&amp;";
-            break;
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '"':
-            html += "&quot;";
-            break;
-        case '\'':
-            html += "&#39;";
-            break;
-        default:
-            html += c;
-        }
-    return html;
-}
 
 std::string base64(ByteView bytes) {
     constexpr std::string_view kLetters =
@@ -100,7 +76,7 @@ std::string tileText(const TileClass &tile, const Bytes &thumbnail) {
                        "</small></figcaption></figure>\n",
                        tile.Tagged ? " class=\"tagged\"" : "", pictureOf(thumbnail),
                        captionOf(tile), tile.Tagged ? ", tagged" : "", shape,
-                       escaped(tile.ToolTip));
+                       htmlText(plainLine(tile.ToolTip)));
 }
 
 } // namespace
@@ -118,9 +94,9 @@ std::string shapeText(const TileClass &tile) {
 }
 
 void writeContactSheet(std::ostream &out, const ContactSheet &sheet) {
-    out << fmt::format(kHead, escaped(sheet.title));
+    out << fmt::format(kHead, htmlText(plainLine(sheet.title)));
     for (const std::string &line : sheet.lines)
-        out << "<p>" << escaped(line) << "</p>\n";
+        out << "<p>" << htmlText(plainLine(line)) << "</p>\n";
     out << "<main>\n";
     for (const TileClass &tile : sheet.tiles)
         out << tileText(tile, sheet.thumbnail(UrlId{tile.URL_ID}));

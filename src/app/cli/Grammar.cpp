@@ -22,6 +22,7 @@ constexpr const char *kExamples = R"(Examples:
   norvelane-cli extract case.nvp 17 page.html          its cached content as a file
   norvelane-cli rebuild case.nvp 17 --out pages        the page with its parts, for offline view
   norvelane-cli gallery case.nvp --pard 15-40 --out p.html   a contact sheet of photographs
+  norvelane-cli report case.nvp --type graphical --tagged --out report   to be handed over
   norvelane-cli dump index.dat --format jsonl          the records of one file, without a project
 Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged, 3 the project can't be used,
 130 interrupted: what was written is kept.)";
@@ -50,6 +51,7 @@ Grammar::Grammar()
     addLinks();
     addViewers();
     addHosts();
+    addReport();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {

@@ -4,6 +4,7 @@
 #include "app/cli/FilterCommands.h"
 #include "app/cli/LinkCommands.h"
 #include "app/cli/QueryCommands.h"
+#include "app/cli/ReportCommands.h"
 #include "app/cli/ViewerCommands.h"
 
 #include <CLI/CLI.hpp>
@@ -43,6 +44,7 @@ class Grammar {
     void addLinks();
     void addViewers();
     void addHosts();
+    void addReport();
 
     ImportArguments m_import;
     ListArguments m_list;
@@ -57,6 +59,7 @@ class Grammar {
     RowArguments m_row;
     HostsArguments m_hosts;
     StoredQueryArguments m_storedQuery;
+    ReportArguments m_report;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";

@@ -49,6 +49,10 @@ MainActions::MainActions(QObject *o)
       timeZone(make(o, "actTimeZone", tr("&Time Zone..."), "history")),
       caseTrail(make(o, "actCaseTrail", tr("&Case Trail..."), "document")),
       network(make(o, "actNetwork", tr("Disable &Network"), "")),
+      createReport(make(o, "actCreateReport", tr("&Create Report..."), "document",
+                        Qt::CTRL | Qt::SHIFT | Qt::Key_R)),
+      publishReport(make(o, "actPublishReport", tr("&Publish Report..."), "save-as")),
+      openReportFolder(make(o, "actOpenReportFolder", tr("Open Report &Folder"), "folder")),
       errorLog(make(o, "actErrorLog", tr("&Error Log..."), "text")),
       tips(make(o, "actTips", tr("&Tip of the Day..."), "tip")),
       about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {
@@ -58,14 +62,15 @@ MainActions::MainActions(QObject *o)
     filters->setToolTip(tr("Show only records of some sources, kinds and sites"));
     hosts->setToolTip(tr("The list of hosts beside the table"));
     hosts->setCheckable(true);
+    openReportFolder->setEnabled(false);
     viewers->setCheckable(true);
     viewers->setChecked(true);
 }
 
 void MainActions::setProjectOpen(bool open) {
-    for (QAction *action :
-         {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext, tag, rebuild,
-          linkAnalysis, columns, refresh, baseFolder, timeZone, caseTrail, filters, hosts})
+    for (QAction *action : {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext,
+                            tag, rebuild, linkAnalysis, columns, refresh, baseFolder, timeZone,
+                            caseTrail, filters, hosts, createReport, publishReport})
         action->setEnabled(open);
 }
 

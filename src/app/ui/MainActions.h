@@ -33,6 +33,9 @@ struct MainActions {
     QAction *timeZone;
     QAction *caseTrail;
     QAction *network;
+    QAction *createReport;
+    QAction *publishReport;
+    QAction *openReportFolder; ///< enabled by the first report
     QAction *errorLog;
     QAction *tips;
     QAction *about;

@@ -9,6 +9,7 @@
 #include "app/ui/QueryPart.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
+#include "app/ui/ReportPart.h"
 #include "app/ui/TemplatesPart.h"
 #include "app/ui/TrailPart.h"
 #include "app/ui/ViewersPart.h"
@@ -122,6 +123,7 @@ void MainForm::addParts() {
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));
+    m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
 }
 
 void MainForm::buildStatusBar() {

@@ -91,6 +91,8 @@ void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     QMenu *tools = named(m_window.menuBar()->addMenu(tr("&Tools")), "menuTools");
     tools->addActions({actions.rebuild, actions.linkAnalysis});
     tools->addSeparator();
+    tools->addActions({actions.createReport, actions.publishReport, actions.openReportFolder});
+    tools->addSeparator();
     tools->addActions({actions.baseFolder, actions.timeZone});
     tools->addSeparator();
     tools->addActions({actions.caseTrail, actions.network, actions.errorLog});

@@ -29,7 +29,7 @@ QSize fitted(QSize picture, QSize box) {
     return picture.scaled(box, Qt::KeepAspectRatio).expandedTo({1, 1});
 }
 
-/// A bitmap holds no transparency.
+/// Neither a bitmap nor a JPEG holds transparency.
 QImage onWhite(const QImage &picture) {
     QImage flat(picture.size(), QImage::Format_RGB32);
     flat.fill(Qt::white);
@@ -85,7 +85,8 @@ Drawn ImageThumbnailer::draw(const DrawJob &job) const {
     const QImage small = read(pathToQt(job.source), {job.width, job.height}, drawn);
     if (small.isNull())
         return drawn;
-    drawn.done = small.save(pathToQt(job.target), "BMP");
+    const char *form = job.target.extension() == ".jpg" ? "JPEG" : "BMP";
+    drawn.done = small.save(pathToQt(job.target), form);
     if (!drawn.done)
         drawn.failure = "The thumbnail can't be written.";
     return drawn;

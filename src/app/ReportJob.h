@@ -1,0 +1,38 @@
+#pragma once
+
+#include "app/RebuildJob.h"
+#include "reports/ReportClass.h"
+#include "reports/SortTable.h"
+
+#include <filesystem>
+#include <memory>
+#include <span>
+
+namespace nv {
+
+/// What a report is made with while the project stays open: make it, set the options of `report`,
+/// run it, let it go.
+class ReportTools {
+  public:
+    /// `folder` is an existing folder of the program's own; the report lies in its "Report".
+    ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder);
+
+    /// The driver: makes the report of `ids`, the rows of the table, or with `IncludeAll` off of
+    /// those that are ticked. True when it was finished. Throws StorageFailure.
+    bool run(std::span<const std::int32_t> ids);
+
+  private:
+    RebuildTools m_rebuild;
+    std::unique_ptr<Drawing> m_drawing; ///< none when this build can't draw
+    ReportContext m_context;
+    std::filesystem::path m_folder;
+
+  public:
+    ReportClass report;
+};
+
+/// The options of the last report, and back. `UseDefaultThumbnailPath` is kept but never read.
+void readReportOptions(const IniFile &settings, ReportClass &report);
+void writeReportOptions(const ReportClass &report, IniFile &settings);
+
+} // namespace nv

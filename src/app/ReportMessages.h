@@ -1,0 +1,18 @@
+#pragma once
+
+#include "base/Examiner.h"
+
+#include <string_view>
+
+namespace nv::messages {
+
+// What the examiner is told of reports; as everywhere the texts stand as they are.
+
+Message reportTypeMissing();
+Message reportingError(std::string_view reason);
+Message reportNotLoaded(std::string_view reason);
+Message nothingToPublish();
+Message readyToPublish();
+Message reportPublished();
+
+} // namespace nv::messages

@@ -1,0 +1,125 @@
+#include "app/Project.h"
+#include "app/ReportJob.h"
+#include "app/cli/OutputPath.h"
+#include "app/cli/ReportCommands.h"
+#include "app/cli/Session.h"
+#include "base/Files.h"
+#include "db/SqliteErrors.h"
+#include "db/StoredQueries.h"
+#include "reports/PublishReport.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+
+namespace nv::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr double kMaking = 0.9; ///< of the whole work
+
+void checkTarget(const ReportArguments &arguments, const fs::path &base) {
+    const fs::path out = arguments.out;
+    refuseEvidence(out, base);
+    if (fs::exists(out) && !fs::is_directory(out))
+        throw UsageError(fmt::format("--out {}: a folder was expected", arguments.out));
+    if (fs::exists(out) && !fs::is_empty(out) && !arguments.overwrite)
+        throw UsageError(fmt::format("the folder \"{}\" is not empty; --overwrite replaces the "
+                                     "report in it",
+                                     textOf(out)));
+}
+
+void checkPicture(const char *option, const std::string &path) {
+    if (!path.empty() && !fs::is_regular_file(path))
+        throw UsageError(fmt::format("{} {}: there is no such file", option, path));
+}
+
+RowIds rowsOf(Session &session, const ReportArguments &arguments) {
+    SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
+    if (!arguments.query.empty() && !StoredQueries(project).text(arguments.query))
+        throw UsageError(fmt::format("the project has no stored query \"{}\"", arguments.query));
+    RowIds ids;
+    collectIds(project, loadQuery({arguments.query, false, {}}), session.task, ids);
+    return ids;
+}
+
+void setOptions(ReportClass &report, const ReportArguments &arguments) {
+    report.ReportType = arguments.type == "graphical" ? 0 : 1;
+    report.IncludeAll = !arguments.tagged;
+    if (!arguments.title.empty())
+        report.ReportTitle = arguments.title;
+    report.CaseNumber = arguments.caseNumber;
+    report.Organization = arguments.organization;
+    report.ReportedBy = arguments.reportedBy;
+    report.AgencyLogoPath = arguments.logo;
+    report.UseCustomLogo = !arguments.logo.empty();
+    report.DefaultThumbnailPath = arguments.thumbnail;
+    report.UseDefaultThumbnailPath = !arguments.thumbnail.empty();
+    report.IncludeNotes = arguments.notes;
+    report.IncludeAudit = arguments.audit;
+    report.IncludeLinkAnalysis = arguments.links;
+    report.IncludeTimeRebuilt = arguments.timeRebuilt;
+    report.IncludeDataSource = arguments.dataSource;
+    report.IncludeUser = arguments.user;
+    report.SkipHeader = arguments.noHeader;
+    report.SortAscending = !arguments.descending;
+    report.URLColWidth = arguments.urlWidth;
+}
+
+/// Nothing when it was cancelled.
+std::optional<Published> make(Session &session, const ReportArguments &arguments,
+                              const RowIds &ids) {
+    SubTask making(session.task, 0, kMaking);
+    ReportTools tools(session.program, making, session.scratch());
+    setOptions(tools.report, arguments);
+    const bool finished = tools.run(ids);
+    if (!finished && !tools.report.Cancel)
+        throw StorageFailure(fmt::format("the report could not be made; see \"{}\"",
+                                         textOf(session.program.log.path())));
+    if (!finished)
+        return std::nullopt;
+    fs::create_directories(arguments.out);
+    removePublished(arguments.out);
+    SubTask publishing(session.task, kMaking, 1);
+    const Published published = PublishReport(ReportFolder(session.scratch()),
+                                              tools.report.ReportType, arguments.out, publishing);
+    return published.cancelled ? std::nullopt : std::optional(published);
+}
+
+std::int64_t rowsReported(Program &program) {
+    return onProject([&] {
+        return program.thisClass.ProjectDB.connection()
+            .execAndGet("SELECT count(*) FROM URLSortTable")
+            .getInt64();
+    });
+}
+
+} // namespace
+
+Exit reportCommand(Session &session, const ReportArguments &arguments) {
+    if (arguments.all && arguments.tagged)
+        throw UsageError("either --all or --tagged was expected");
+    session.open(arguments.project);
+    Program &program = session.program;
+    checkTarget(arguments, program.thisClass.RootPath);
+    checkPicture("--logo", arguments.logo);
+    checkPicture("--thumbnail", arguments.thumbnail);
+    program.thisClass.DisableScriptTags = arguments.noScripts;
+    program.thisClass.WideRecordIds |= arguments.wideIds;
+    const auto published = make(session, arguments, rowsOf(session, arguments));
+    session.task.clear();
+    if (!published) {
+        closeProject(program);
+        return Exit::interrupted;
+    }
+    const fs::path index =
+        ReportFolder::at(arguments.out).index(arguments.type == "graphical" ? 0 : 1);
+    session.out << fmt::format("{} rows reported, {} files written\n{}\n", rowsReported(program),
+                               published->files, textOf(index));
+    closeProject(program);
+    return Exit::ok;
+}
+
+} // namespace nv::cli

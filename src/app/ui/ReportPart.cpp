@@ -1,0 +1,131 @@
+#include "app/ui/ReportPart.h"
+
+#include "app/ReportJob.h"
+#include "app/ReportMessages.h"
+#include "base/Files.h"
+#include "base/Trap.h"
+#include "platform/qt/QtText.h"
+#include "readers/Evidence.h"
+#include "reports/PublishReport.h"
+#include "reports/ui/ReportForm.h"
+
+#include <QAction>
+#include <QDesktopServices>
+#include <QUrl>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kChooseFolder =
+    "Publish Report: Select an output folder for the published report:";
+
+/// Nothing is ever written beside evidence.
+void refuseEvidence(const fs::path &target, const fs::path &base) {
+    const fs::path whole = fs::weakly_canonical(target);
+    if (whole == base || Evidence(base).rootOf(whole) != "/")
+        throw StorageFailure(
+            fmt::format("\"{}\" lies in the evidence folder {}: nothing is written "
+                        "there",
+                        textOf(target), textOf(base)));
+}
+
+} // namespace
+
+ReportPart::ReportPart(Workbench &bench) : m_bench(bench) {
+    connect(bench.actions.createReport, &QAction::triggered, this,
+            [this] { m_bench.run("ReportForm.OkBtn_Click()", [this] { create(); }); });
+    connect(bench.actions.publishReport, &QAction::triggered, this,
+            [this] { m_bench.run("MainForm.PublishReport()", [this] { PublishReport(); }); });
+    connect(bench.actions.openReportFolder, &QAction::triggered, this, &ReportPart::openFolder);
+}
+
+void ReportPart::create() {
+    if (!m_bench.table->table())
+        return;
+    Program &program = m_bench.program;
+    ReportTools tools(program, program.thread, program.thisClass.TempFolderPath);
+    if (!chooseOptions(tools))
+        return;
+    bool finished = false;
+    std::optional<std::string> failure;
+    m_bench.runTask({"CREATING REPORT", "Overall Progress", "", ""}, [&](TaskMonitor &) {
+        failure = failureOf(program.log, "ReportForm.OkBtn_Click()",
+                            [&] { finished = tools.run(m_bench.table->table()->ids()); });
+    });
+    if (failure)
+        m_bench.examiner().tell(messages::reportingError(*failure));
+    else
+        tellOf(tools, finished);
+}
+
+/// False when the examiner thinks better of it.
+bool ReportPart::chooseOptions(ReportTools &tools) {
+    Program &program = m_bench.program;
+    readReportOptions(program.settings, tools.report);
+    const RowIds &ids = m_bench.table->table()->ids();
+    const auto tagged = taggedIds(program);
+    const auto shown = static_cast<std::size_t>(std::ranges::count_if(
+        ids, [&tagged](std::int64_t id) { return std::ranges::binary_search(tagged, id); }));
+    tools.report.IncludeAll = shown == 0;
+    ReportForm form(tools.report, ids.size(), shown, m_bench.examiner(), &m_bench.window);
+    if (form.exec() != QDialog::Accepted)
+        return false;
+    form.apply(tools.report);
+    writeReportOptions(tools.report, program.settings);
+    return true;
+}
+
+void ReportPart::tellOf(const ReportTools &tools, bool finished) {
+    if (finished) {
+        m_bench.actions.openReportFolder->setEnabled(true);
+        emit reportMade(tools.report.ReportFilePath);
+        m_bench.showNotice(
+            tr("The report is ready: %1").arg(pathToQt(tools.report.ReportFilePath)));
+    } else if (tools.report.Cancel) {
+        m_bench.showNotice(tr("The report was cancelled."));
+    } else {
+        m_bench.examiner().tell(messages::reportingError(fmt::format(
+            "The report could not be made; see \"{}\".", textOf(m_bench.program.log.path()))));
+    }
+}
+
+void ReportPart::PublishReport() {
+    const ThisClass &state = m_bench.program.thisClass;
+    const int type = m_bench.program.settings.ReadIniValue("REPORT", "ReportType", 0);
+    if (!isReportThere(ReportFolder(state.TempFolderPath), type))
+        return m_bench.examiner().tell(messages::nothingToPublish());
+    const auto target =
+        m_bench.dialogs.chooseFolder(std::string(kChooseFolder), state.PublishTempFolder);
+    if (!target || !fs::is_directory(*target))
+        return;
+    refuseEvidence(*target, state.RootPath);
+    if (m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes)
+        publishTo(*target, type);
+}
+
+void ReportPart::publishTo(const fs::path &target, int type) {
+    std::optional<Published> published; // runTask() tells of a failure
+    m_bench.runTask({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""},
+                    [&](TaskMonitor &task) {
+                        const ReportFolder report(m_bench.program.thisClass.TempFolderPath);
+                        published = nv::PublishReport(report, type, target, task);
+                    });
+    if (published && published->cancelled)
+        m_bench.showNotice(tr("Publishing was cancelled after %L1 files.").arg(published->files));
+    else if (published)
+        m_bench.examiner().tell(messages::reportPublished());
+}
+
+void ReportPart::openFolder() {
+    const ReportFolder report(m_bench.program.thisClass.TempFolderPath);
+    QDesktopServices::openUrl(QUrl::fromLocalFile(pathToQt(report.path)));
+}
+
+} // namespace nv

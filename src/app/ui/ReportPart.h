@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/ui/Workbench.h"
+
+#include <filesystem>
+
+namespace nv {
+
+class ReportTools;
+
+/// The commands Create Report and Publish Report.
+class ReportPart final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit ReportPart(Workbench &bench);
+
+  signals:
+    /// `page` is the finished report, which the report viewer shows.
+    void reportMade(const std::filesystem::path &page);
+
+  private:
+    void create();
+    bool chooseOptions(ReportTools &tools);
+    void tellOf(const ReportTools &tools, bool finished);
+    void PublishReport();
+    void publishTo(const std::filesystem::path &target, int type);
+    void openFolder();
+
+    Workbench &m_bench;
+};
+
+} // namespace nv

@@ -1,0 +1,114 @@
+#include "base/Text.h"
+#include "db/SqliteErrors.h"
+#include "rebuild/LocalNames.h"
+#include "reports/CardText.h"
+#include "reports/Html.h"
+#include "reports/ReportValues.h"
+#include "views/Audit.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kHeadCell = "<td bgcolor='#E0E0E0' style='font-size:10px;'><strong>";
+
+std::string heading(std::string_view title, std::string_view text) {
+    return fmt::format(
+        "<tr><td colspan='3' bgcolor='#5E5E5E' style='font-size:11px;color:white;padding:3px;'>"
+        "<strong>{}</strong></td></tr>\r\n<tr><td colspan='3' "
+        "style='font-size:11px;padding:3px;'>{}\r\n",
+        title, text);
+}
+
+std::string openTable(std::string_view name, std::initializer_list<std::string_view> columns) {
+    std::string text = fmt::format("<table name='{}' width='100%' border='1' cellspacing='0' "
+                                   "cellpadding='2' style='border-collapse:collapse;'>\r\n<tr>",
+                                   name);
+    for (const std::string_view column : columns)
+        text += fmt::format("{}{}</strong></td>", kHeadCell, column);
+    return text + "</tr>\r\n";
+}
+
+/// The cells are HTML.
+std::string tableRow(std::initializer_list<std::string> cells) {
+    std::string text = "<tr>";
+    for (const std::string &cell : cells)
+        text += fmt::format("<td valign='top' style='font-size:10px;overflow-wrap:anywhere;'>{}"
+                            "</td>",
+                            cell.empty() ? "&nbsp;" : cell);
+    return text + "</tr>\r\n";
+}
+
+constexpr std::string_view kEnd = "</table></td></tr>\r\n";
+
+std::string addressCell(const std::string &url) {
+    return isLink(url)
+               ? fmt::format("<a href='{}' target='_new'>{}</a>", htmlAddress(url), htmlText(url))
+               : htmlText(url);
+}
+
+/// What stands in the place of a reference: a part that lies beside the page, or nothing. It is
+/// looked for there and not in a folder of its own, which only rows of this report have.
+std::string statusCell(std::int64_t TagURLID, std::string_view extension, const ReportCard &card,
+                       const fs::path &report) {
+    const fs::path name = localNameOf(UrlId{TagURLID}, extension);
+    const fs::path part = fs::path(card.target).parent_path() / name;
+    if (TagURLID <= 0 || !fs::is_regular_file(report / part))
+        return fmt::format("<font color='red'>{}</font>", kMissingPart);
+    return fmt::format("<a href='{}' target='_new'>{}</a>", part.string(), name.string());
+}
+
+} // namespace
+
+std::string linkSection(const ReportCard &card, const ReportContext &ctx) {
+    std::string text = heading("LINK ANALYSIS INFORMATION",
+                               "The following is a list of VISITED hyperlinks that were contained "
+                               "within the above web page.") +
+                       openTable("Table3", {"Item", "URL_ID", "Visits", "URL"});
+    return onProject([&] {
+        SQLite::Statement row(ctx.rebuild.project,
+                              "SELECT URL_ID, Visits, URL FROM URLs WHERE URL_ID IN (SELECT "
+                              "Child_ID FROM LinkAnalysis WHERE Parent_ID = ?) "
+                              "ORDER BY Visits DESC, ActionDateUTC DESC, URL_ID");
+        row.bind(1, number(card.record.URLID));
+        for (std::size_t item = 1; row.executeStep(); ++item)
+            text += tableRow({fmt::format("{}", item), row.getColumn(0).getString(),
+                              visitsText(row.getColumn(1).getInt64()),
+                              addressCell(row.getColumn(2).getString())});
+        return text + std::string(kEnd);
+    });
+}
+
+std::string notesSection(const ReportCard &card) {
+    if (card.record.Notes.empty())
+        return {};
+    return heading("NOTES ABOUT THIS PAGE",
+                   fmt::format("<i>{}</i></td></tr>", htmlLines(card.record.Notes)));
+}
+
+std::string auditSection(const ReportCard &card, const fs::path &report, const ReportContext &ctx) {
+    std::string text =
+        heading("AUDIT INFORMATION",
+                "The following is a list of TAGS that have been replaced within the file.") +
+        openTable("Table4", {"Original Tag", "New Tag", "Status", "Accuracy Score"});
+    return onProject([&] {
+        SQLite::Statement row(ctx.rebuild.project,
+                              "SELECT Tags.OriginalTag, Tags.NewTag, Tags.AccuracyScore, "
+                              "Tags.TagURLID, URLs.URLFileExt FROM Tags LEFT JOIN URLs "
+                              "ON URLs.URL_ID = Tags.TagURLID WHERE Tags.URL_ID = ? "
+                              "ORDER BY Tags.Tag_ID");
+        row.bind(1, number(card.record.URLID));
+        const auto value = [&row](int at) { return row.getColumn(at).getString(); };
+        while (row.executeStep())
+            text += tableRow({htmlText(value(0)), htmlText(value(1)),
+                              statusCell(row.getColumn(3).getInt64(), trim(value(4)), card, report),
+                              htmlText(value(2))});
+        return text + std::string(kEnd);
+    });
+}
+
+} // namespace nv

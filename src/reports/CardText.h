@@ -1,0 +1,24 @@
+#pragma once
+
+#include "reports/CardEvidence.h"
+#include "reports/ReportClass.h"
+
+#include <string>
+
+namespace nv {
+
+/// The cue card of the record in hand, with the sections that the report includes.
+std::string cardText(const ReportClass &report, const ReportCard &card, const ReportContext &ctx);
+
+/// In the place of a card that can't be written.
+std::string brokenCard(UrlId id);
+
+/// The section of the visited links of a page. Throws.
+std::string linkSection(const ReportCard &card, const ReportContext &ctx);
+/// Empty without notes.
+std::string notesSection(const ReportCard &card);
+/// The section of the replaced references of a page; `report` is the report's folder. Throws.
+std::string auditSection(const ReportCard &card, const std::filesystem::path &report,
+                         const ReportContext &ctx);
+
+} // namespace nv

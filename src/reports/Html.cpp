@@ -1,0 +1,63 @@
+#include "reports/Html.h"
+
+#include "base/Text.h"
+#include "views/CellText.h"
+
+#include <algorithm>
+#include <array>
+
+namespace nv {
+
+namespace {
+
+constexpr std::array<std::string_view, 4> kSchemes = {"http://", "https://", "ftp://", "file://"};
+
+std::string quoted(std::string_view text) {
+    std::string html;
+    html.reserve(text.size());
+    for (const char c : text)
+        switch (c) {
+        case '&':
+            html += "&amp;";
+            break;
+        case '<':
+            html += "&lt;";
+            break;
+        case '>':
+            html += "&gt;";
+            break;
+        case '"':
+            html += "&quot;";
+            break;
+        case '\'':
+            html += "&#39;";
+            break;
+        default:
+            html += c;
+        }
+    return html;
+}
+
+} // namespace
+
+std::string htmlText(std::string_view value) {
+    return quoted(displayText(value, value.size()));
+}
+
+std::string htmlLines(std::string_view value) {
+    std::string html;
+    for (const std::string_view line : split(value, '\n'))
+        html += htmlText(trim(line)) + "<br>";
+    return html.substr(0, html.size() - std::string_view("<br>").size());
+}
+
+std::string htmlAddress(std::string_view value) {
+    return quoted(decodeText(value));
+}
+
+bool isLink(std::string_view url) {
+    return std::ranges::any_of(
+        kSchemes, [url](std::string_view scheme) { return startsWithNoCase(url, scheme); });
+}
+
+} // namespace nv

@@ -1,0 +1,81 @@
+#include "reports/PublishReport.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+
+#include <fmt/format.h>
+
+#include <vector>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void addFolder(std::vector<fs::path> &files, const fs::path &folder) {
+    if (!fs::is_directory(folder))
+        return;
+    for (const fs::directory_entry &entry : fs::directory_iterator(folder))
+        if (entry.is_regular_file())
+            files.push_back(entry.path());
+}
+
+std::vector<fs::path> filesOf(const ReportFolder &report, int ReportType) {
+    std::vector<fs::path> files{report.index(ReportType)};
+    addFolder(files, report.images());
+    if (ReportType != 0)
+        return files;
+    addFolder(files, report.pictures());
+    const Bytes names = readWhole(report.rowFolders());
+    for (const std::string_view line : split(ByteView(names).raw(), '\n'))
+        if (const std::string_view name = trim(line); !name.empty())
+            addFolder(files, report.path / name);
+    return files;
+}
+
+void show(std::size_t n, std::size_t total, const fs::path &file, TaskMonitor &task) {
+    if (!task.wantsStep())
+        return;
+    TaskStep step;
+    step.topMessage = fmt::format("Copying {} of {}", n, total);
+    step.topCounter = static_cast<std::int64_t>(n);
+    step.topTotal = static_cast<std::int64_t>(total);
+    step.bottomMessage = textOf(file.filename());
+    task.show(step);
+}
+
+} // namespace
+
+void removePublished(const fs::path &target) {
+    const ReportFolder old = ReportFolder::at(target);
+    for (const fs::path &path : {old.index(0), old.index(1), old.images(), old.pictures()})
+        fs::remove_all(path);
+    old.removeRowFolders();
+}
+
+bool isReportThere(const ReportFolder &report, int ReportType) {
+    return fs::is_regular_file(report.index(ReportType));
+}
+
+Published PublishReport(const ReportFolder &report, int ReportType, const fs::path &target,
+                        TaskMonitor &task) {
+    task.describe({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""});
+    const auto files = filesOf(report, ReportType);
+    Published published;
+    for (const fs::path &file : files) {
+        show(published.files + 1, files.size(), file, task);
+        if (!task.advance(static_cast<double>(published.files) /
+                          static_cast<double>(files.size()))) {
+            published.cancelled = true;
+            return published;
+        }
+        const fs::path copy = target / file.lexically_relative(report.path);
+        fs::create_directories(copy.parent_path());
+        copyToScratch(file, copy);
+        ++published.files;
+    }
+    return published;
+}
+
+} // namespace nv

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "base/TaskMonitor.h"
+#include "reports/ReportFolder.h"
+
+#include <cstddef>
+#include <filesystem>
+
+namespace nv {
+
+struct Published {
+    std::size_t files = 0;
+    bool cancelled = false;
+};
+
+/// Whether there is a finished report of this type.
+bool isReportThere(const ReportFolder &report, int ReportType);
+
+/// Copies the finished report to `target`, an existing folder: its page and its images, and for a
+/// graphical report the pictures and the folder of each row. Other files of `target` stay. Throws
+/// what can't be copied.
+Published PublishReport(const ReportFolder &report, int ReportType,
+                        const std::filesystem::path &target, TaskMonitor &task);
+
+/// Takes an earlier report out of `target`, and nothing else: what it held and the next one doesn't
+/// would be handed over with it.
+void removePublished(const std::filesystem::path &target);
+
+} // namespace nv

@@ -1,0 +1,281 @@
+#include "reports/ReportClass.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/SqliteErrors.h"
+#include "rebuild/LocalNames.h"
+#include "reports/CardText.h"
+#include "reports/ReportValues.h"
+#include "reports/SortTable.h"
+#include "reports/TabularText.h"
+#include "views/DateIndex.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <fstream>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kReportDate = "dddd, mmmm dd, yyyy Hh:Mm:Ss AMPM";
+// Enough that starting to draw doesn't count, few enough that memory stays bounded.
+constexpr std::size_t kBatch = 32;
+
+constexpr std::string_view kLegend =
+    "<br><div style='font-family:Tahoma;font-size:10px;padding-right:50px;line-height:18px;"
+    "width:700px;'>\r\n"
+    "<strong>LEGEND:</strong><ol>\r\n"
+    "<li>Timestamps displayed in <font color='#C00000'><strong>RED</strong></font> indicate "
+    "Coordinated Universal Time (UTC) as calculated by the selected time zone setting."
+    "<br style='line-height:1px;'><br style='line-height:5px;'></li>\r\n"
+    "<li>Timestamps displayed in <font color='#909090'><strong>GREY</strong></font> indicate a "
+    "File Created time or a Server Modified time. &nbsp;Not releveant in most cases."
+    "<br style='line-height:1px;'><br style='line-height:5px;'></li>\r\n"
+    "<li>Timestamps displayed in <font color='#FC9F0C'><strong>ORANGE</strong></font> indicate an "
+    "IE WEEKLY history in <u>Local Time</u>. &nbsp;This means that the time does <u>not</u> take "
+    "into account the selected UTC Offset and is the actual Local Time of the computer FROM which "
+    "the URL was originally accessed.</li>\r\n"
+    "</ol></div>";
+
+struct BrowserName {
+    std::string_view cacheType;
+    std::string_view name;
+};
+constexpr std::array<BrowserName, 7> kBrowsers = {{{"IE CACHE", "Internet Explorer"},
+                                                   {"FIREFOX CACHE", "Firefox"},
+                                                   {"OPERA CACHE", "Opera"},
+                                                   {"CHROME CACHE", "Google Chrome"},
+                                                   {"SAFARI CACHE", "Safari"},
+                                                   {"MAC CACHE", "MAC Internet Explorer"},
+                                                   {"NETANALYSIS", "NetAnalysis"}}};
+
+/// Whatever isn't in the list goes by the name of the first: reports of earlier cases read so.
+std::string_view browserOf(std::string_view cacheType) {
+    const auto *found = std::ranges::find(kBrowsers, toUpper(cacheType), &BrowserName::cacheType);
+    return found == kBrowsers.end() ? kBrowsers.front().name : found->name;
+}
+
+/// A page that was cut short must not look finished.
+void check(std::ostream &file, const fs::path &path) {
+    if (!file.flush())
+        throw StorageFailure(fmt::format("the report \"{}\" can't be written", textOf(path)));
+}
+
+} // namespace
+
+ReportClass::ReportClass(const ReportContext &ctx) : m_ctx(ctx), m_folder(fs::path()) {}
+
+void ReportClass::PrintEntry(std::ostream &file, std::string_view entry) {
+    file << entry << "\r\n";
+}
+
+void ReportClass::CreateGraphicalReport(const fs::path &folder) {
+    trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalReport()",
+            kContactSupport, false, [&] {
+                create(folder, 0, &ReportClass::writeCards);
+                return true;
+            });
+}
+
+void ReportClass::CreateTabularReport(const fs::path &folder) {
+    trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateTabularReport()",
+            kContactSupport, false, [&] {
+                create(folder, 1, &ReportClass::writeRows);
+                return true;
+            });
+}
+
+void ReportClass::create(const fs::path &folder, int type, Entries entries) {
+    m_folder = ReportFolder(folder);
+    reportFolderPath = m_folder.path;
+    ReportFilePath = m_folder.index(type);
+    m_ctx.rebuild.task.describe({"CREATING REPORT", "Overall Progress", "", ""});
+    m_folder.prepare(type);
+    m_folder.copyImages(m_ctx.settings.images);
+    ReportDate =
+        formatDate(Date::fromTimePoint(m_ctx.clock.now() + m_ctx.clock.localOffset()), kReportDate);
+    std::ofstream file(m_folder.unfinished(), std::ios::binary | std::ios::trunc);
+    CreateHeader(file);
+    const RowIds ids = sortedRows(m_ctx.rebuild.project,
+                                  SortAscending ? DateOrder::oldestFirst : DateOrder::newestFirst);
+    buildingReport = true;
+    Cancel = !(this->*entries)(ids, file);
+    buildingReport = false;
+    if (!Cancel) {
+        PrintEntry(file, "</td></tr></table>");
+        PrintEntry(file, kLegend);
+        CreateFooter(file);
+    }
+    check(file, m_folder.unfinished());
+    file.close();
+    if (!Cancel)
+        copyToScratch(m_folder.unfinished(), ReportFilePath);
+}
+
+bool ReportClass::writeCards(const RowIds &ids, std::ostream &file) {
+    PrintEntry(file, "<table><tr><td valign='top'>");
+    std::ofstream names(m_folder.rowFolders(), std::ios::binary | std::ios::trunc);
+    if (UseDefaultThumbnailPath && !DefaultThumbnailPath.empty())
+        m_fallback =
+            m_folder.takePicture(DefaultThumbnailPath, "default-thumbnail", m_ctx.rebuild.log);
+    if (m_fallback.empty())
+        m_fallback = kNoPicture;
+    if (IncludeLinkAnalysis)
+        onProject([&] { ensureLinkIndexes(m_ctx.rebuild.project, m_ctx.rebuild.task); });
+    for (std::size_t first = 0; first < ids.size(); first += kBatch) {
+        const auto batch = std::span(ids).subspan(first, std::min(kBatch, ids.size() - first));
+        if (!bringCards(batch, first, ids.size()))
+            return false;
+        for (std::size_t i = 0; i < batch.size(); ++i) {
+            CreateGraphicalRecord(UrlId{batch[i]}, first + i + 1, file);
+            names << sidOf(UrlId{batch[i]}) << ".NVR\r\n";
+        }
+        check(file, m_folder.unfinished());
+        check(names, m_folder.rowFolders());
+    }
+    return step(ids.size(), ids.size(), 0);
+}
+
+/// Brings the evidence of a batch and draws it. False when cancelled.
+bool ReportClass::bringCards(std::span<const std::int32_t> ids, std::size_t first,
+                             std::size_t total) {
+    m_cards.clear();
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        if (!step(first + i, total, ids[i]))
+            return false;
+        const double whole = static_cast<double>(total);
+        SubTask part(m_ctx.rebuild.task, static_cast<double>(first + i) / whole,
+                     static_cast<double>(first + i + 1) / whole);
+        m_cards.push_back(cardOf(UrlId{ids[i]}, i, part));
+    }
+    SubTask rest(m_ctx.rebuild.task,
+                 static_cast<double>(first + ids.size()) / static_cast<double>(total), 1);
+    trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
+            kContactSupport, false, [&] {
+                evidence().draw(m_cards, rest);
+                return true;
+            });
+    return rest.advance(0);
+}
+
+/// What the row holds, brought into the report. Evidence that can't be read leaves the card
+/// without, and is logged.
+ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) const {
+    ReportCard card;
+    auto record = m_ctx.rebuild.records.GetURL(id);
+    if (!record)
+        return card;
+    card.record = std::move(*record);
+    const bool brought =
+        trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
+                kContactSupport, false, [&] {
+                    evidence().bring(card, place, task);
+                    return true;
+                });
+    if (!brought)
+        card.absence = "The cached file could not be read; the log of the program says why.";
+    return card;
+}
+
+CardEvidence ReportClass::evidence() const {
+    return {m_ctx, m_folder, DisableScriptTags ? Scripts::remove : Scripts::keep};
+}
+
+/// The row's card of the batch; one that belongs to none is brought now.
+ReportCard &ReportClass::cardFor(UrlId id) {
+    const auto found =
+        std::ranges::find(m_cards, id, [](const ReportCard &each) { return each.record.URLID; });
+    if (found != m_cards.end())
+        return *found;
+    ReportCard card = cardOf(id, m_cards.size(), m_ctx.rebuild.task);
+    if (card.record.URLID != id)
+        throw std::runtime_error(fmt::format("the record {} can't be read", number(id)));
+    evidence().draw(std::span(&card, 1), m_ctx.rebuild.task);
+    return m_cards.emplace_back(std::move(card));
+}
+
+void ReportClass::CreateGraphicalRecord(UrlId urlID, std::size_t index, std::ostream &file) {
+    const auto write = [&] {
+        ReportCard &card = cardFor(urlID);
+        take(card.record, index);
+        HREF = card.target;
+        const bool shown = !card.thumbnail.empty();
+        if (!shown)
+            card.width = m_ctx.settings.ReportThumbnailWidth;
+        ImageRelativePath = shown ? card.thumbnail : m_fallback;
+        if (card.record.IsHistory)
+            ImageRelativePath = kNoPicture;
+        PrintEntry(file, cardText(*this, card, m_ctx));
+        return true;
+    };
+    if (!trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
+                 kContactSupport, false, write))
+        PrintEntry(file, brokenCard(urlID));
+}
+
+bool ReportClass::writeRows(const RowIds &ids, std::ostream &file) {
+    PrintEntry(file, "<br style='line-height:1px;'><br style='line-height:10px;'><table><tr>"
+                     "<td valign='top'>");
+    PrintEntry(file, tabularHead(*this));
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        if (!step(i, ids.size(), ids[i]))
+            return false;
+        CreateTabularRecord(UrlId{ids[i]}, i + 1, file);
+    }
+    PrintEntry(file, "   </table>");
+    return step(ids.size(), ids.size(), 0);
+}
+
+void ReportClass::CreateTabularRecord(UrlId urlID, std::size_t index, std::ostream &file) {
+    const auto write = [&] {
+        const auto record = m_ctx.rebuild.records.GetURL(urlID);
+        if (!record)
+            throw std::runtime_error(fmt::format("the record {} can't be read", number(urlID)));
+        take(*record, index);
+        PrintEntry(file, tabularRow(*this, *record, m_ctx));
+        return true;
+    };
+    if (!trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateTabularRecord()",
+                 kContactSupport, false, write))
+        PrintEntry(file, brokenRow(urlID, index));
+}
+
+void ReportClass::take(const URLClass &record, std::size_t index) {
+    Index = index;
+    User = record.User;
+    Status = record.Status;
+    OtherDate = utcCell(record.OtherDate, m_ctx.settings.dates);
+    Browser = browserOf(record.cacheType);
+    OriginalURL = record.URL;
+    RebuiltDateTime = record.RebuiltDateTime;
+    PageParentFolderName = record.CacheFolderName;
+    PageFileSize = record.CacheFileSize;
+    ActionDate = utcCell(record.ActionDateUTC, m_ctx.settings.dates);
+    Visits = visitsText(record.Visits);
+    PageFileName = record.CacheFileName;
+    pageTitle = record.WebpageTitle;
+    HREF.clear();
+}
+
+/// Shows how far it is. False when cancelled.
+bool ReportClass::step(std::size_t done, std::size_t total, std::int64_t id) {
+    TaskMonitor &task = m_ctx.rebuild.task;
+    if (task.wantsStep()) {
+        TaskStep now;
+        now.topMessage = fmt::format("Processing URLs {} of {}", done, total);
+        now.topCounter = static_cast<std::int64_t>(done);
+        now.topTotal = static_cast<std::int64_t>(total);
+        now.bottomMessage = fmt::format("URL_ID: {}", id);
+        task.show(now);
+    }
+    return task.advance(total == 0 ? 1 : static_cast<double>(done) / static_cast<double>(total));
+}
+
+} // namespace nv

@@ -1,0 +1,75 @@
+#include "reports/ReportFolder.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "reports/PictureKind.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t kRowName = 11; ///< "0000017.NVR"
+
+bool isRowFolder(const fs::path &folder) {
+    const std::string name = textOf(folder.filename());
+    return name.size() == kRowName && name.ends_with(".NVR") &&
+           name.find_first_not_of("0123456789") == name.find('.');
+}
+
+bool isImage(const fs::path &file) {
+    const std::string name = toLower(textOf(file.filename()));
+    return name.ends_with(".gif") || name.ends_with(".png") || name.starts_with("norvelane");
+}
+
+} // namespace
+
+ReportFolder ReportFolder::at(const fs::path &place) {
+    ReportFolder folder(place);
+    folder.path = place;
+    return folder;
+}
+
+void ReportFolder::removeRowFolders() const {
+    if (!fs::is_directory(path))
+        return;
+    for (const fs::directory_entry &entry : fs::directory_iterator(path))
+        if (isRowFolder(entry.path()))
+            fs::remove_all(entry.path());
+}
+
+void ReportFolder::prepare(int ReportType) const {
+    fs::create_directories(images());
+    fs::remove(unfinished());
+    fs::remove(index(ReportType));
+    if (ReportType != 0)
+        return;
+    fs::remove_all(pictures());
+    fs::create_directories(pictures());
+    removeRowFolders();
+}
+
+void ReportFolder::copyImages(const fs::path &from) const {
+    if (!fs::is_directory(from))
+        return;
+    for (const fs::directory_entry &entry : fs::directory_iterator(from))
+        if (entry.is_regular_file() && isImage(entry.path()))
+            copyToScratch(entry.path(), images() / entry.path().filename());
+}
+
+std::string ReportFolder::takePicture(const fs::path &picture, const std::string &name,
+                                      FailureLog &log) const {
+    const std::string kind = fs::is_regular_file(picture) ? pictureKindOf(picture) : "";
+    if (!isShownByBrowsers(kind)) {
+        log.write({fmt::format("\"{}\" is no picture that a report can show", textOf(picture)),
+                   "ReportClass.CreateHeader()", Severity::Warning, std::string(kNotSerious)});
+        return {};
+    }
+    copyToScratch(picture, images() / fmt::format("{}.{}", name, kind));
+    return fmt::format("images/{}.{}", name, kind);
+}
+
+} // namespace nv

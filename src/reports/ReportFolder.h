@@ -1,0 +1,40 @@
+#pragma once
+
+#include "base/FailureLog.h"
+
+#include <filesystem>
+#include <string>
+
+namespace nv {
+
+/// Where the files of a report lie: a folder by itself, which holds one report at a time.
+struct ReportFolder {
+    explicit ReportFolder(const std::filesystem::path &parent) : path(parent / "Report") {}
+    /// A report that lies elsewhere, such as a published one.
+    static ReportFolder at(const std::filesystem::path &place);
+
+    std::filesystem::path path;
+
+    std::filesystem::path unfinished() const { return path / "~report.htm"; }
+    /// Names the folders of the rows of a graphical report, one a line.
+    std::filesystem::path rowFolders() const { return path / "~rptids"; }
+    /// The finished page; `ReportType` 0 is graphical.
+    std::filesystem::path index(int ReportType) const {
+        return path / (ReportType == 0 ? "index-cache.htm" : "index-history.htm");
+    }
+    std::filesystem::path images() const { return path / "images"; }
+    std::filesystem::path pictures() const { return path / "pictures"; }
+
+    /// Makes the folders and takes away what an earlier report of this type left; a graphical
+    /// report takes all folders of rows with it: they may be those of another case.
+    void prepare(int ReportType) const;
+    void removeRowFolders() const;
+    /// Brings in the program's own pictures, new for each report.
+    void copyImages(const std::filesystem::path &images) const;
+    /// Brings in a picture of the examiner's as "images/NAME.gif" or so. Empty when it isn't there
+    /// or is no picture that browsers show, which is logged.
+    std::string takePicture(const std::filesystem::path &picture, const std::string &name,
+                            FailureLog &log) const;
+};
+
+} // namespace nv

@@ -1,0 +1,50 @@
+#include "reports/SortTable.h"
+
+#include "db/Savepoint.h"
+#include "db/SqliteErrors.h"
+
+namespace nv {
+
+namespace {
+
+Walk fill(SQLite::Database &project, std::span<const std::int32_t> ids, ReportRows rows,
+          TaskMonitor &task) {
+    Savepoint whole(project);
+    SQLite::Statement add(project,
+                          std::string("INSERT INTO URLSortTable (URL_ID, ActionDateLocal) "
+                                      "SELECT URL_ID, ActionDateLocal FROM URLs WHERE URL_ID = ?") +
+                              (rows == ReportRows::tagged ? " AND Tagged" : ""));
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        if (!task.advance(static_cast<double>(i) / static_cast<double>(ids.size())))
+            return Walk::Cancelled;
+        add.bind(1, ids[i]);
+        add.exec();
+        add.reset();
+    }
+    whole.release();
+    return Walk::Finished;
+}
+
+} // namespace
+
+Walk fillSortTable(SQLite::Database &project, std::span<const std::int32_t> ids, ReportRows rows,
+                   TaskMonitor &task) {
+    return onProject([&] {
+        project.exec("DELETE FROM URLSortTable");
+        return fill(project, ids, rows, task);
+    });
+}
+
+RowIds sortedRows(SQLite::Database &project, DateOrder order) {
+    return onProject([&] {
+        RowIds ids;
+        SQLite::Statement row(
+            project, std::string("SELECT URL_ID FROM URLSortTable ORDER BY ActionDateLocal") +
+                         (order == DateOrder::oldestFirst ? " ASC" : " DESC") + ", URL_ID");
+        while (row.executeStep())
+            ids.push_back(row.getColumn(0).getInt());
+        return ids;
+    });
+}
+
+} // namespace nv

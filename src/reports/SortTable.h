@@ -1,0 +1,26 @@
+#pragma once
+
+#include "base/TaskMonitor.h"
+#include "views/IdLoader.h"
+
+#include <span>
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+/// Makes `URLSortTable` the list of the rows that a report is to hold: those of `ids` that are
+/// there, with `tagged` only the ones that are ticked. All of them, or after a cancel none. Throws
+/// what the project can't do.
+enum class ReportRows { all, tagged };
+Walk fillSortTable(SQLite::Database &project, std::span<const std::int32_t> ids, ReportRows rows,
+                   TaskMonitor &task);
+
+enum class DateOrder { oldestFirst, newestFirst };
+/// The rows of `URLSortTable` by their local date, equal ones by id. Throws what the project can't
+/// do.
+RowIds sortedRows(SQLite::Database &project, DateOrder order);
+
+} // namespace nv

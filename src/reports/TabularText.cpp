@@ -1,0 +1,111 @@
+#include "reports/TabularText.h"
+
+#include "base/Text.h"
+#include "reports/Html.h"
+#include "reports/ReportValues.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace nv {
+
+namespace {
+
+struct TypeIcon {
+    std::string_view beginning; ///< of the record's type, in upper case
+    std::string_view image;
+    std::string_view alt;
+};
+// The first that fits counts. Opera's says "Safari": reports of earlier cases do.
+constexpr std::array<TypeIcon, 11> kIcons = {{
+    {"IE DAILY", "ie.gif", "Internet Explorer Daily History"},
+    {"IE WEEKLY", "ie.gif", "Internet Explorer Weekly History"},
+    {"IE HISTORY", "ie.gif", "Internet Explorer Master History"},
+    {"IE CACHE", "ie.gif", "Internet Explorer Cache"},
+    {"IE", "ie.gif", "Internet Explorer"},
+    {"FIREFOX", "firefox.gif", "Mozilla Firefox"},
+    {"MAC", "net.gif", "MAC Internet Explorer"},
+    {"SAFARI", "safari.gif", "Safari"},
+    {"OPERA", "opera.gif", "Safari"},
+    {"NETANALYSIS", "net.gif", "NetAnalysis"},
+    {"CHROME", "chrome.gif", "Google Chrome"},
+}};
+
+std::string cell(std::string_view html) {
+    return fmt::format("<td valign='top'>{}</td>", html.empty() ? "&nbsp;" : html);
+}
+
+std::string typeCell(const URLClass &record) {
+    const std::string type = toUpper(trim(record.cacheType));
+    const auto *icon = std::ranges::find_if(
+        kIcons, [&type](const TypeIcon &each) { return type.starts_with(each.beginning); });
+    return cell(icon == kIcons.end() ? std::string()
+                                     : fmt::format("<img src='images/{0}' alt='{1}' title='{1}'>",
+                                                   icon->image, icon->alt));
+}
+
+std::string dateCell(const URLClass &record, const ReportContext &ctx) {
+    const ZoneDate date = actionDate(record, ctx);
+    if (date.text.empty())
+        return cell("");
+    return cell(fmt::format("<font color='{}'>{}</font> [<font style='color:#C00000;'>{}</font> "
+                            "{}]",
+                            dateColour(record), htmlText(date.text), date.bias, date.daylight));
+}
+
+std::string addressCell(const ReportClass &report) {
+    const std::string text = htmlText(report.OriginalURL);
+    const std::string width =
+        report.URLColWidth > 0 ? fmt::format(" width='{}'", report.URLColWidth) : "";
+    const std::string link = isLink(report.OriginalURL)
+                                 ? fmt::format("<a href='{}' target='_new'>{}</a>",
+                                               htmlAddress(report.OriginalURL), text)
+                                 : text;
+    return fmt::format("<td valign='top'{} style='overflow-wrap:anywhere;'>{}</td>", width,
+                       link.empty() ? "&nbsp;" : link);
+}
+
+} // namespace
+
+std::string tabularHead(const ReportClass &report) {
+    std::string text = "   <table border='1' cellspacing='0' cellpadding='3' style='font-family:"
+                       "Tahoma,sans-serif;font-size:11px;border-collapse:collapse;'>\r\n   <tr "
+                       "bgcolor='#E0E0E0'>";
+    const auto head = [&text](std::string_view label) {
+        text += fmt::format("<td><strong>{}</strong></td>", label);
+    };
+    for (const std::string_view label : {"&nbsp;", "Index", "URL_ID", "Type", "Visits"})
+        head(label);
+    if (report.IncludeDataSource)
+        head("Data Source");
+    head("Last Visited [Local]");
+    if (report.IncludeUser)
+        head("User");
+    head("Universal Resource Locator (URL)");
+    return text + "</tr>";
+}
+
+std::string tabularRow(const ReportClass &report, const URLClass &record,
+                       const ReportContext &ctx) {
+    std::string text =
+        fmt::format("   <tr><td><input type='checkbox' name='box{}'></td>", report.Index) +
+        cell(std::to_string(report.Index)) + cell(std::to_string(number(record.URLID))) +
+        typeCell(record) + cell(report.Visits);
+    if (report.IncludeDataSource)
+        text += cell(htmlText(record.cacheType));
+    text += dateCell(record, ctx);
+    if (report.IncludeUser)
+        text += cell(htmlText(report.User));
+    return text + addressCell(report) + "</tr>";
+}
+
+std::string brokenRow(UrlId id, std::size_t index) {
+    return fmt::format("   <tr><td>&nbsp;</td><td>{}</td><td>{}</td><td colspan='6'><font "
+                       "color='red'>this record could not be written; the log of the program says "
+                       "why.</font></td></tr>",
+                       index, number(id));
+}
+
+} // namespace nv

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "reports/ReportClass.h"
+
+#include <string>
+
+namespace nv {
+
+/// The opening of the table, with the heading cells that the report includes.
+std::string tabularHead(const ReportClass &report);
+/// The row of the record in hand. Throws.
+std::string tabularRow(const ReportClass &report, const URLClass &record, const ReportContext &ctx);
+/// In the place of a row that can't be written.
+std::string brokenRow(UrlId id, std::size_t index);
+
+} // namespace nv

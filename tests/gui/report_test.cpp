@@ -1,0 +1,176 @@
+#include "base/Files.h"
+#include "gui/CachedSite.h"
+#include "reports/ui/ReportForm.h"
+#include "views/ui/TableTab.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <SQLiteCpp/Database.h>
+
+// Making and publishing reports from the window.
+namespace nv {
+
+using namespace test;
+
+class ReportTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init();
+    void cleanup();
+
+    void aTypeHasToBeChosen();
+    void aReportIsMadeOfTheRowsInView();
+    void taggedRowsAreOfferedFirst();
+    void optionsAreKept();
+    void aReportIsPublished();
+    void withoutAReportThereIsNothingToPublish();
+    void nothingIsPublishedIntoTheEvidence();
+    void aCancelLeavesNoReport();
+
+  private:
+    fs::path report() { return m_desk->program.thisClass.TempFolderPath / "Report"; }
+    std::string page(const char *name) {
+        const fs::path file = report() / name;
+        return fs::exists(file) ? std::string(ByteView(readWhole(file)).raw()) : "";
+    }
+    QString notice() { return child<QLabel>(*m_form, "labNotice").text(); }
+    static void press(ReportForm &form, QDialogButtonBox::StandardButton button) {
+        QTest::mouseClick(form.findChild<QDialogButtonBox *>()->button(button), Qt::LeftButton);
+    }
+    /// Creates a report of the type at this place of the list, after `act`.
+    void make(int type, const std::function<void(ReportForm &)> &act = {}) {
+        whenShown<ReportForm>([type, act](ReportForm &form) {
+            child<QComboBox>(form, "cbReportType").setCurrentIndex(type);
+            if (act)
+                act(form);
+            press(form, QDialogButtonBox::Ok);
+        });
+        trigger(*m_form, "actCreateReport");
+    }
+
+    std::unique_ptr<Desk> m_desk;
+    std::unique_ptr<MainForm> m_form;
+};
+
+void ReportTest::init() {
+    m_desk = std::make_unique<Desk>();
+    m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
+    m_form->show();
+    openExample(*m_desk, *m_form);
+}
+
+void ReportTest::cleanup() {
+    m_form.reset();
+    m_desk.reset();
+}
+
+void ReportTest::aTypeHasToBeChosen() {
+    whenShown<ReportForm>([](ReportForm &form) {
+        child<QComboBox>(form, "cbReportType").setCurrentIndex(0);
+        press(form, QDialogButtonBox::Ok);
+        QVERIFY(form.isVisible());
+        press(form, QDialogButtonBox::Cancel);
+    });
+    trigger(*m_form, "actCreateReport");
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("report-type-missing"));
+    QVERIFY(!fs::exists(report() / "~report.htm"));
+}
+
+void ReportTest::aReportIsMadeOfTheRowsInView() {
+    make(2, [](ReportForm &form) {
+        QVERIFY(child<QLabel>(form, "labType").text().startsWith(QStringLiteral("URL records")));
+        QVERIFY(!child<QCheckBox>(form, "chkIncludeAudit").isEnabled());
+        QVERIFY(child<QCheckBox>(form, "chkIncludeUser").isEnabled());
+        child<QLineEdit>(form, "txtCaseNumber").setText(QStringLiteral("<7>"));
+    });
+    const std::string text = page("index-history.htm");
+    QVERIFY(text.find("http://a.example/") != std::string::npos);
+    QVERIFY(text.find("&lt;7&gt;") != std::string::npos);
+    QVERIFY(notice().contains(QStringLiteral("index-history.htm")));
+    QVERIFY(m_form->findChild<QAction *>(QStringLiteral("actOpenReportFolder"))->isEnabled());
+    make(1);
+    QVERIFY(page("index-cache.htm").find("This is a HISTORY record.") != std::string::npos);
+}
+
+void ReportTest::taggedRowsAreOfferedFirst() {
+    m_desk->program.thisClass.ProjectDB.connection().exec(
+        "UPDATE URLs SET Tagged = 1 WHERE URL_ID = 2");
+    trigger(*m_form, "actRefresh");
+    make(2, [](ReportForm &form) { QVERIFY(child<QRadioButton>(form, "opTagged").isChecked()); });
+    const std::string text = page("index-history.htm");
+    QVERIFY(text.find("name='box1'") != std::string::npos);
+    QVERIFY(text.find("name='box2'") == std::string::npos);
+}
+
+void ReportTest::optionsAreKept() {
+    make(2, [](ReportForm &form) {
+        child<QLineEdit>(form, "txtOrganization").setText(QStringLiteral("Unit 4"));
+        child<QCheckBox>(form, "chkIncludeUser").setChecked(false);
+    });
+    const IniFile &settings = m_desk->program.settings;
+    QCOMPARE(settings.ReadIniValue("REPORT", "Organization", ""), std::string("Unit 4"));
+    QCOMPARE(settings.ReadIniValue("REPORT", "IncludeUser", true), false);
+    QCOMPARE(settings.ReadIniValue("REPORT", "ReportType", 0), 1);
+    whenShown<ReportForm>([](ReportForm &form) {
+        QCOMPARE(child<QLineEdit>(form, "txtOrganization").text(), QStringLiteral("Unit 4"));
+        QVERIFY(!child<QCheckBox>(form, "chkIncludeUser").isChecked());
+        QCOMPARE(child<QComboBox>(form, "cbReportType").currentIndex(), 2);
+        press(form, QDialogButtonBox::Cancel);
+    });
+    trigger(*m_form, "actCreateReport");
+}
+
+void ReportTest::aReportIsPublished() {
+    make(2);
+    const fs::path target = m_desk->folder.path() / "published";
+    fs::create_directories(target);
+    m_desk->dialogs.answer = target;
+    trigger(*m_form, "actPublishReport");
+    QVERIFY(fs::exists(target / "index-history.htm"));
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("report-published"));
+}
+
+void ReportTest::withoutAReportThereIsNothingToPublish() {
+    trigger(*m_form, "actPublishReport");
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("nothing-to-publish"));
+}
+
+void ReportTest::nothingIsPublishedIntoTheEvidence() {
+    make(2);
+    const fs::path target = m_desk->folder.path() / "evidence" / "Chrome";
+    m_desk->dialogs.answer = target;
+    trigger(*m_form, "actPublishReport");
+    QVERIFY(!fs::exists(target / "index-history.htm"));
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("command-failed"));
+}
+
+void ReportTest::aCancelLeavesNoReport() {
+    make(2);
+    m_desk->program.thisClass.ProjectDB.connection().exec(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 20000) "
+        "INSERT INTO URLs (URL, CacheType) SELECT 'http://host/' || i, 'IE Daily' FROM n");
+    trigger(*m_form, "actRefresh");
+    QTimer poll;
+    connect(&poll, &QTimer::timeout, this, [&] {
+        if (child<QLabel>(m_desk->status, "labMsg1").text() != QStringLiteral("CREATING REPORT"))
+            return;
+        poll.stop();
+        QTest::mouseClick(&child<QPushButton>(m_desk->status, "btnCancel"), Qt::LeftButton);
+    });
+    poll.start(0);
+    make(2);
+    QVERIFY(page("index-history.htm").empty());
+    QVERIFY(notice().contains(QStringLiteral("cancelled")));
+}
+
+} // namespace nv
+
+QTEST_MAIN(nv::ReportTest)
+#include "report_test.moc"

@@ -1,0 +1,70 @@
+#include "reports/PublishReport.h"
+#include "unit/reports/ReportFixture.h"
+
+namespace nv::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PublishReportTest : public ReportFixture {
+  protected:
+    PublishReportTest() { fs::create_directories(target); }
+    Published publish(int type) { return PublishReport(made, type, target, task); }
+    fs::path target = project.folder.path() / "handed over";
+};
+
+TEST_F(PublishReportTest, aGraphicalReportGoesWithItsPicturesAndPages) {
+    add("http://host/a.gif", "GIF89a");
+    add("http://host/page.html", "<html>page</html>");
+    make(0);
+    writeWhole(made.path / "stray.txt", "not of the report");
+    fs::create_directories(made.path / "0000099.NVR");
+    writeWhole(made.path / "0000099.NVR" / "0000099.htm", "of no row");
+    EXPECT_TRUE(isReportThere(made, 0));
+    EXPECT_FALSE(isReportThere(made, 1));
+    const Published published = publish(0);
+    EXPECT_EQ(published.files, 9u); // index, 4 images, 2 pictures, 2 of the page
+    EXPECT_EQ(textAt(target / "index-cache.htm"), inReport("index-cache.htm"));
+    EXPECT_EQ(textAt(target / "pictures/0000001.gif"), "GIF89a");
+    EXPECT_EQ(textAt(target / "0000002.NVR/0000002.txt"), "<html>page</html>");
+    EXPECT_FALSE(fs::exists(target / "stray.txt"));
+    EXPECT_FALSE(fs::exists(target / "0000099.NVR"));
+    EXPECT_FALSE(fs::exists(target / "~report.htm"));
+}
+
+TEST_F(PublishReportTest, aTabularReportIsItsPageAndImages) {
+    make(0);
+    make(1);
+    EXPECT_EQ(publish(1).files, 5u);
+    EXPECT_FALSE(fs::exists(target / "pictures"));
+    EXPECT_FALSE(fs::exists(target / "index-cache.htm"));
+}
+
+TEST_F(PublishReportTest, itShowsItselfAndCanBeCancelled) {
+    make(1);
+    MemoryTask watched;
+    PublishReport(made, 1, target, watched);
+    EXPECT_EQ(watched.headings[0].title, "PUBLISHING REPORT");
+    EXPECT_EQ(watched.headings[0].subject, "Copying report contents to output folder...");
+    EXPECT_EQ(watched.steps[0].topMessage, "Copying 1 of 5");
+    CancelAfter canceller(2);
+    const Published published = PublishReport(made, 1, target, canceller);
+    EXPECT_TRUE(published.cancelled);
+    EXPECT_EQ(published.files, 2u);
+}
+
+TEST_F(PublishReportTest, removingTakesAReportAndNothingElse) {
+    add("http://host/a.gif", "GIF89a");
+    make(0);
+    publish(0);
+    writeWhole(target / "letter.txt", "mine");
+    fs::create_directories(target / "mine.NVR");
+    removePublished(target);
+    std::set<std::string> left;
+    for (const fs::directory_entry &entry : fs::directory_iterator(target))
+        left.insert(entry.path().filename().string());
+    EXPECT_EQ(left, (std::set<std::string>{"letter.txt", "mine.NVR"}));
+}
+
+} // namespace
+} // namespace nv::test
