@@ -98,6 +98,39 @@ Message olderProject() {
         "any necessary internal data structures or relationships.");
 }
 
+Message runUpgradeWizard() {
+    return question("run-upgrade-wizard", "File Version Conflict",
+                    "Would you like to run the Upgrade Wizard utility now?", Answer::No);
+}
+
+Message fixFile() {
+    return notice("fix-file", "Fix File",
+                  "Norvelane can fix the existing problem(s) \n"
+                  "by migrating all existing data into a new \n"
+                  "file.\n\n"
+                  "Your existing file will be automatically \n"
+                  "backed up and renamed with an '.OLD' file \n"
+                  "extension.\n\n"
+                  "Click the 'Fix Now' button to proceed...",
+                  Tone::Information);
+}
+
+Message scanError(std::string_view reason) {
+    return failure("scan-error", "Scan Error", reason);
+}
+
+Message fixError(std::string_view reason) {
+    return failure("fix-error", "Fix Error",
+                   fmt::format("{}\n\nThe project file stays as it was.", reason));
+}
+
+Message upgradeClosesProject() {
+    return question("upgrade-closes-project", "Upgrade Wizard",
+                    "The Upgrade Wizard works on a closed project. Do you want to close the "
+                    "project now?\n\nIt is opened again when the wizard is closed.",
+                    Answer::No);
+}
+
 Message versionCheckCanBeTurnedOff() {
     return notice("version-check-can-be-turned-off", "Disable Notification",
                   "You can turn off File Version Conflict checking through the Options menu on the "
