@@ -3,8 +3,10 @@
 
 #include "app/Messages.h"
 #include "app/Project.h"
+#include "app/ui/RebuildPart.h"
 #include "app/ui/TextForm.h"
 #include "app/ui/TipForm.h"
+#include "app/ui/Workbench.h"
 #include "base/Trap.h"
 #include "db/ProjectFields.h"
 #include "db/StoredQueries.h"
@@ -12,8 +14,6 @@
 #include "import/ui/ImportForm.h"
 #include "platform/qt/QtText.h"
 #include "time/ZoneDatabase.h"
-#include "views/ui/GalleryTab.h"
-#include "views/ui/PropertiesPane.h"
 #include "views/ui/TableTab.h"
 
 #include <QApplication>
@@ -54,7 +54,7 @@ void MainForm::openProject(const fs::path &path) {
         return;
     m_commands.tellOfChangedDefaultQuery();
     LoadURLs();
-    tellOfWideIds();
+    m_rebuild->tellOfWideIds();
     offerWebpages();
 }
 
@@ -87,7 +87,7 @@ void MainForm::import(const fs::path &start) {
     form.exec();
     if (form.imported()) {
         LoadURLs();
-        tellOfWideIds();
+        m_rebuild->tellOfWideIds();
     }
 }
 
@@ -103,7 +103,7 @@ void MainForm::LoadCommandLineFile(const fs::path &path) {
     const auto failure = failureOf(m_program.log, "MainForm.LoadCommandLineFile()",
                                    [&] { m_commands.LoadCommandLineFile(path); });
     if (!failure)
-        tellOfWideIds();
+        m_rebuild->tellOfWideIds();
     Unlock_Controls();
     if (failure)
         m_program.around.examiner.tell(messages::openingFailed(*failure));
@@ -178,7 +178,7 @@ void MainForm::restoreLayout() {
         m_program.around.examiner.tell(messages::columnsFailed(*failure));
     m_table->grid().setTableLayout(layout);
     m_table->openProject(project, m_program.log, m_program.thisClass.GMTZone);
-    openGallery();
+    emit m_bench->projectOpened();
     showStoredQueries();
     showProjectState();
 }
@@ -188,7 +188,7 @@ void MainForm::saveLayout() {
     SQLite::Database &project = m_program.thisClass.ProjectDB.connection();
     ProjectFields fields(project, m_program.log);
     m_table->closeProject();
-    m_gallery->closeProject();
+    emit m_bench->projectClosing();
     WriteBatch batch(project);
     m_table->grid().tableLayout().save([&fields](std::string_view name, std::string_view value) {
         fields.SaveDefaultSetting(name, value);
@@ -219,7 +219,7 @@ void MainForm::showRecentFiles() {
 void MainForm::clear() {
     if (m_table->table())
         m_table->closeProject();
-    m_gallery->closeProject();
+    emit m_bench->projectClosing();
     m_table->setQueries({});
     showProjectState();
 }

@@ -5,38 +5,36 @@
 #include "app/ui/MainActions.h"
 #include "app/ui/MainMenus.h"
 #include "app/ui/WindowDialogs.h"
-#include "db/Ids.h"
 
 #include <QMainWindow>
 #include <QPointer>
-#include <QTimer>
 
-#include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 class QLabel;
 class QSplitter;
 class QStackedWidget;
-class QTabWidget;
 
 namespace nv {
 
-class AuditPane;
-class BrowserPane;
-class GalleryTab;
-class PropertiesPane;
-struct RebuildReport;
-struct URLClass;
+class RebuildPart;
 class TableTab;
+class ViewerTabs;
+class Workbench;
 
 /// The main window, from which every command starts. It holds no data: what it shows is the
-/// project's, and every change goes there at once.
+/// project's, and every change goes there at once. Files, locking and the frame are here; what
+/// belongs to one topic is a part of its own (see Workbench).
 class MainForm final : public QMainWindow, public ProjectView {
     Q_OBJECT
 
   public:
     MainForm(Program &program, WindowDialogs &dialogs);
+    ~MainForm() override;
+    MainForm(const MainForm &) = delete;
+    MainForm &operator=(const MainForm &) = delete;
 
     /// Takes up the one path of the command line.
     void LoadCommandLineFile(const std::filesystem::path &path);
@@ -71,6 +69,8 @@ class MainForm final : public QMainWindow, public ProjectView {
     /// Runs a command; the examiner is told when it fails.
     void run(const char *procedure, const std::function<void()> &command);
     void runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work);
+    /// Makes the parts of the window that have a topic of their own.
+    void addParts();
     bool isProjectOpen() const { return m_program.thisClass.ProjectDB.isOpen(); }
 
     void newProject();
@@ -84,20 +84,6 @@ class MainForm final : public QMainWindow, public ProjectView {
     void showAbout();
     void chooseTheme(Theme theme);
     void showStoredQueries();
-    std::vector<std::int64_t> shownTagged();
-    void rebuild();
-    void RebuildTaggedPages(const std::vector<std::int64_t> &ids);
-    void rebuildOne(std::int64_t id);
-    void showRebuilt(const RebuildReport &report);
-    void tellOfWideIds();
-    void connectGallery();
-    void openGallery();
-    void makeThumbnailsOfAll();
-    void showViewers();
-    void showFrontPane();
-    bool bringBack(URLClass &page);
-    void showAudit(UrlId id);
-    void showPage(UrlId id);
     void showNotice(const QString &text);
     void showStatus();
     void showStatusParts();
@@ -113,17 +99,14 @@ class MainForm final : public QMainWindow, public ProjectView {
     QStackedWidget *m_pages = nullptr;
     QSplitter *m_splitter = nullptr;
     TableTab *m_table = nullptr;
-    GalleryTab *m_gallery = nullptr;
-    QTabWidget *m_viewers = nullptr;
-    PropertiesPane *m_properties = nullptr;
-    BrowserPane *m_browser = nullptr;
-    AuditPane *m_audit = nullptr;
-    QTimer m_showSoon; ///< until the front pane is filled
+    ViewerTabs *m_viewers = nullptr;
+    std::unique_ptr<Workbench> m_bench;
+    std::vector<std::unique_ptr<QObject>> m_parts; ///< go before the bench
+    RebuildPart *m_rebuild = nullptr;
     struct {
         QLabel *rows, *tagged, *notice, *query, *zone, *base;
     } m_status = {};
     int m_locks = 0;
-    bool m_toldOfWideIds = false; ///< once a session is enough
     QPointer<QWidget> m_focusBeforeLock;
 };
 

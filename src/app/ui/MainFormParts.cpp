@@ -1,14 +1,15 @@
 // How the main window is put together, and what it does by itself: locking, closing, drag and drop.
 #include "app/Messages.h"
+#include "app/ui/GalleryPart.h"
 #include "app/ui/MainForm.h"
+#include "app/ui/RebuildPart.h"
+#include "app/ui/RebuiltPanes.h"
 #include "app/ui/WelcomePage.h"
+#include "app/ui/Workbench.h"
 #include "base/Files.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
-#include "views/ui/AuditPane.h"
-#include "views/ui/BrowserPane.h"
-#include "views/ui/GalleryTab.h"
 #include "views/ui/PropertiesPane.h"
 #include "views/ui/TableTab.h"
 
@@ -27,14 +28,6 @@ namespace nv {
 namespace {
 
 constexpr std::string_view kSection = "BEYOND"; ///< of the settings file
-
-QTabWidget *newTabs(const char *name, QWidget *page, const QString &title) {
-    auto *tabs = new QTabWidget;
-    tabs->setObjectName(QLatin1String(name));
-    tabs->setDocumentMode(true);
-    tabs->addTab(page, title);
-    return tabs;
-}
 
 QString keptBytes(const QByteArray &bytes) {
     return QString::fromLatin1(bytes.toBase64());
@@ -64,7 +57,6 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     connectEditActions();
     connectOtherActions();
     connectMenus();
-    connectGallery();
     m_commands.UpdateProgramCaption();
     m_menus.showTheme(keptTheme(program.settings));
     showRecentFiles();
@@ -72,29 +64,46 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     restoreGeometryKept();
 }
 
+MainForm::~MainForm() = default;
+
 QWidget *MainForm::newProjectPage() {
-    m_table = new TableTab(
-        [this](const TaskHeading &heading, const auto &work) { runTask(heading, work); },
-        m_program.around.examiner);
-    m_properties = new PropertiesPane;
+    const RunTask runTasks = [this](const TaskHeading &heading, const auto &work) {
+        runTask(heading, work);
+    };
+    const RunCommand runCommands = [this](const char *procedure, const auto &command) {
+        run(procedure, command);
+    };
+    m_table = new TableTab(runTasks, m_program.around.examiner);
+    auto *dataTabs = new QTabWidget;
+    dataTabs->setObjectName(QStringLiteral("dataTabs"));
+    dataTabs->setDocumentMode(true);
+    dataTabs->addTab(m_table, tr("Table"));
+    m_viewers = new ViewerTabs(runCommands, [this] { return m_locks > 0; });
+    m_bench =
+        std::make_unique<Workbench>(m_program, m_dialogs, m_actions, *this, runCommands, runTasks);
+    m_bench->dataTabs = dataTabs;
+    m_bench->table = m_table;
+    m_bench->viewers = m_viewers;
+    addParts();
     m_splitter = new QSplitter(Qt::Vertical);
     m_splitter->setObjectName(QStringLiteral("mainSplitter"));
-    QTabWidget *dataTabs = newTabs("dataTabs", m_table, tr("Table"));
-    m_gallery = new GalleryTab(
-        [this](const TaskHeading &heading, const auto &work) { runTask(heading, work); },
-        m_program.around.examiner);
-    dataTabs->addTab(m_gallery, tr("Gallery"));
     m_splitter->addWidget(dataTabs);
-    m_viewers = newTabs("viewerTabs", m_properties, tr("Properties"));
-    m_browser = new BrowserPane;
-    m_viewers->addTab(m_browser, tr("Browser"));
-    m_audit = new AuditPane;
-    m_viewers->addTab(m_audit, tr("Audit"));
     m_splitter->addWidget(m_viewers);
     m_splitter->setStretchFactor(0, 3);
     m_splitter->setStretchFactor(1, 1);
     m_splitter->setSizes({560, 220});
     return m_splitter;
+}
+
+/// In the order of their tabs.
+void MainForm::addParts() {
+    auto *properties = new PropertiesPane([this] { return m_table->table(); });
+    m_viewers->addPane(*properties, *properties, tr("Properties"), "MainForm.LoadProperties()");
+    m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
+    m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
+    auto rebuild = std::make_unique<RebuildPart>(*m_bench);
+    m_rebuild = rebuild.get();
+    m_parts.push_back(std::move(rebuild));
 }
 
 void MainForm::buildStatusBar() {
@@ -128,7 +137,6 @@ void MainForm::connectFileActions() {
     connect(m_actions.exit, &QAction::triggered, this, &QWidget::close);
     on(m_actions.baseFolder, "MainForm.chooseBaseFolder()", &MainForm::chooseBaseFolder);
     on(m_actions.timeZone, "MainForm.chooseTimeZone()", &MainForm::chooseTimeZone);
-    on(m_actions.rebuild, "MainForm.RebuildTaggedPages()", &MainForm::rebuild);
     on(m_actions.refresh, "MainForm.LoadURLs()", &MainForm::LoadURLs);
     on(m_actions.errorLog, "MainForm.showErrorLog()", &MainForm::showErrorLog);
     on(m_actions.tips, "MainForm.showTips()", &MainForm::showTips);
@@ -151,16 +159,14 @@ void MainForm::connectOtherActions() {
     connect(m_actions.columns, &QAction::triggered, m_table, &TableTab::showColumnsForm);
     connect(m_actions.viewers, &QAction::toggled, this, [this](bool shown) {
         m_viewers->setVisible(shown);
-        showViewers();
+        m_viewers->refresh();
     });
-    connect(m_browser, &BrowserPane::navigationBlocked, this, &MainForm::showNotice);
-    m_showSoon.setSingleShot(true);
-    connect(&m_showSoon, &QTimer::timeout, this, &MainForm::showFrontPane);
-    connect(m_viewers, &QTabWidget::currentChanged, this, &MainForm::showViewers);
+    connect(m_bench.get(), &Workbench::noticed, this, &MainForm::showNotice);
+    connect(m_bench.get(), &Workbench::reloadWanted, this, &MainForm::LoadURLs);
     connect(m_table, &TableTab::statusChanged, this, &MainForm::showStatus);
     connect(m_table, &TableTab::currentUrlChanged, this, [this] {
         showNotice({});
-        showViewers();
+        m_viewers->setRecord(m_table->grid().currentUrl());
     });
     connect(m_table, &TableTab::importRequested, m_actions.import, &QAction::trigger);
 }
@@ -170,6 +176,23 @@ void MainForm::connectMenus() {
     connect(&m_menus, &MainMenus::quickQueryChosen, m_table, &TableTab::chooseQuery);
     connect(&m_menus, &MainMenus::sortChosen, m_table, &TableTab::sortBy);
     connect(&m_menus, &MainMenus::themeChosen, this, &MainForm::chooseTheme);
+}
+
+/// Stands in the status bar until the examiner goes to another row.
+void MainForm::showNotice(const QString &text) {
+    m_status.notice->setText(text);
+    m_status.notice->setToolTip(Qt::convertFromPlainText(text));
+    showStatusParts();
+}
+
+void MainForm::showStatusParts() {
+    const bool open = isProjectOpen();
+    const bool noticed = open && !m_status.notice->text().isEmpty();
+    m_status.notice->setVisible(noticed);
+    for (QLabel *label : {m_status.rows, m_status.tagged})
+        label->setVisible(open);
+    for (QLabel *label : {m_status.query, m_status.zone, m_status.base})
+        label->setVisible(open && !noticed);
 }
 
 void MainForm::showStatus() {

@@ -66,7 +66,8 @@ QString shownLines(const std::string &text) {
 
 } // namespace
 
-PropertiesPane::PropertiesPane(QWidget *parent) : QWidget(parent) {
+PropertiesPane::PropertiesPane(std::function<UrlTable *()> table, QWidget *parent)
+    : QWidget(parent), m_openTable(std::move(table)) {
     setObjectName(QStringLiteral("PropertiesPane"));
     m_list = newList();
     m_whole = newWholeText();
@@ -82,12 +83,15 @@ PropertiesPane::PropertiesPane(QWidget *parent) : QWidget(parent) {
     connect(m_list, &QTreeWidget::currentItemChanged, this, &PropertiesPane::showChosen);
 }
 
-void PropertiesPane::showRecord(UrlTable &table, std::size_t place) {
-    m_table = &table;
-    m_place = place;
+void PropertiesPane::showRecord(UrlId id) {
+    m_table = m_openTable();
+    const auto place = m_table ? m_table->placeOf(id) : std::nullopt;
+    if (!place)
+        return clear();
+    m_place = *place;
     for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
         QTreeWidgetItem *item = m_list->topLevelItem(row);
-        item->setText(1, toQt(valueOf(table, place, static_cast<UrlColumn>(item->type()))));
+        item->setText(1, toQt(valueOf(*m_table, m_place, static_cast<UrlColumn>(item->type()))));
     }
     showChosen();
 }

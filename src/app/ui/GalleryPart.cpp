@@ -1,0 +1,56 @@
+#include "app/ui/GalleryPart.h"
+
+#include "app/ThumbnailJob.h"
+#include "platform/qt/QtText.h"
+#include "views/ui/GalleryTab.h"
+
+namespace nv {
+
+GalleryPart::GalleryPart(Workbench &bench)
+    : m_bench(bench), m_gallery(new GalleryTab(bench.runTask, bench.examiner())) {
+    bench.dataTabs->addTab(m_gallery, tr("Gallery"));
+    TableTab &table = *bench.table;
+    connect(m_gallery, &GalleryTab::urlChosen, &table,
+            [&table](qint64 id) { table.grid().setCurrentUrl(UrlId{id}); });
+    connect(m_gallery, &GalleryTab::tagsChanged, &table, &TableTab::refreshRows);
+    connect(m_gallery, &GalleryTab::thumbnailsWanted, this, [this] {
+        m_bench.run("MainForm.makeThumbnails()", [this] { makeThumbnailsOfAll(); });
+    });
+    connect(&table, &TableTab::statusChanged, this, &GalleryPart::followTable);
+    connect(&bench, &Workbench::projectOpened, this, &GalleryPart::open);
+    connect(&bench, &Workbench::projectClosing, m_gallery, &GalleryTab::closeProject);
+}
+
+/// What happens in the table is shown when the gallery comes up again.
+void GalleryPart::followTable() {
+    if (m_gallery->isVisible())
+        return;
+    m_gallery->setQuery(fromQt(m_bench.table->queryName()));
+    m_gallery->setDirty();
+}
+
+void GalleryPart::open() {
+    const ThisClass &state = m_bench.program.thisClass;
+    GallerySettings settings;
+    settings.GalleryRecordsPerPage = state.GalleryRecordsPerPage;
+    settings.media = {state.GalleryIncludePictures, state.GalleryIncludeHTML};
+    m_gallery->openProject(m_bench.project(), m_bench.program.log, settings,
+                           state.ViewerThumbnailWidth);
+}
+
+void GalleryPart::makeThumbnailsOfAll() {
+    if (!m_bench.isProjectOpen())
+        return;
+    Program &program = m_bench.program;
+    ThumbnailTotals totals;
+    m_bench.runTask(
+        {"MAKING THUMBNAILS", "Drawing pictures and web pages", "", ""}, [&](TaskMonitor &task) {
+            const ThumbnailTools tools(program, program.thisClass.TempFolderPath);
+            totals = makeThumbnails(tools.context(), drawableIds(program, Redo::no), task);
+        });
+    m_gallery->setDirty();
+    m_bench.showNotice(
+        tr("%L1 thumbnails made, %L2 drawings failed").arg(totals.made).arg(totals.failed));
+}
+
+} // namespace nv

@@ -1,0 +1,87 @@
+#include "app/ui/RebuildPart.h"
+
+#include "app/Messages.h"
+#include "app/RebuildJob.h"
+#include "app/RebuildText.h"
+#include "platform/qt/QtText.h"
+#include "rebuild/Harvest.h"
+
+#include <QAction>
+#include <SQLiteCpp/Database.h>
+
+#include <algorithm>
+
+namespace nv {
+
+RebuildPart::RebuildPart(Workbench &bench) : m_bench(bench) {
+    connect(bench.actions.rebuild, &QAction::triggered, this,
+            [this] { m_bench.run("MainForm.RebuildTaggedPages()", [this] { rebuild(); }); });
+}
+
+/// In the order of the grid: ticked rows that it doesn't show are left alone.
+std::vector<std::int64_t> RebuildPart::shownTagged() {
+    const std::vector<std::int64_t> tagged = taggedIds(m_bench.program);
+    std::vector<std::int64_t> shown;
+    for (const std::int64_t id : m_bench.table->table()->ids())
+        if (std::binary_search(tagged.begin(), tagged.end(), id))
+            shown.push_back(id);
+    return shown;
+}
+
+void RebuildPart::rebuild() {
+    if (!m_bench.table->table())
+        return;
+    const std::vector<std::int64_t> tagged = shownTagged();
+    if (!tagged.empty())
+        RebuildTaggedPages(tagged);
+    else if (const auto current = m_bench.table->grid().currentUrl())
+        rebuildOne(number(*current));
+}
+
+void RebuildPart::RebuildTaggedPages(const std::vector<std::int64_t> &ids) {
+    Program &program = m_bench.program;
+    RebuildReport report;
+    report.asked = ids.size();
+    m_bench.runTask(
+        {"REBUILDING WEB PAGES", "Rebuilding Web Pages ", "", ""}, [&](TaskMonitor &task) {
+            RebuildTools tools(program, task, program.thisClass.TempFolderPath);
+            report.cancelled = !rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
+                report.pages.push_back(page);
+            });
+        });
+    showRebuilt(report);
+}
+
+void RebuildPart::rebuildOne(std::int64_t id) {
+    Program &program = m_bench.program;
+    RebuildReport report;
+    report.asked = 1;
+    m_bench.runTask({"Rebuilding", "", "", ""}, [&](TaskMonitor &task) {
+        RebuildTools tools(program, task, program.thisClass.TempFolderPath);
+        if (const auto page = rebuildPage(program, tools, id))
+            report.pages.push_back(*page);
+    });
+    showRebuilt(report);
+}
+
+void RebuildPart::showRebuilt(const RebuildReport &report) {
+    m_bench.refreshRows();
+    m_bench.showNotice(toQt(reportText(report)));
+}
+
+void RebuildPart::tellOfWideIds() {
+    ThisClass &state = m_bench.program.thisClass;
+    if (m_toldOfWideIds || state.WideRecordIds || !m_bench.isProjectOpen())
+        return;
+    const std::int64_t largest =
+        m_bench.project().execAndGet("SELECT max(URL_ID) FROM URLs").getInt64();
+    if (largest <= kLargestNarrowId)
+        return;
+    m_toldOfWideIds = true;
+    if (m_bench.examiner().ask(messages::idsBeyondNarrow(largest)) != Answer::Yes)
+        return;
+    state.WideRecordIds = true;
+    m_bench.program.settings.WriteIniValue("BEYOND", "WideRecordIds", true);
+}
+
+} // namespace nv

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "app/ui/Workbench.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace nv {
+
+struct RebuildReport;
+
+/// The command Rebuild.
+class RebuildPart final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit RebuildPart(Workbench &bench);
+
+    /// Parts of rebuilt pages are what ids above 32,767 can't be by default, so it is told, once a
+    /// session, when a project has some.
+    void tellOfWideIds();
+
+  private:
+    std::vector<std::int64_t> shownTagged();
+    void rebuild();
+    void RebuildTaggedPages(const std::vector<std::int64_t> &ids);
+    void rebuildOne(std::int64_t id);
+    void showRebuilt(const RebuildReport &report);
+
+    Workbench &m_bench;
+    bool m_toldOfWideIds = false;
+};
+
+} // namespace nv

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "app/Program.h"
+#include "app/ui/MainActions.h"
+#include "app/ui/ViewerTabs.h"
+#include "app/ui/WindowDialogs.h"
+#include "views/ui/TableTab.h"
+
+#include <QObject>
+
+namespace nv {
+
+/// What the parts of the main window share. A part is an object of its own for one topic: it
+/// connects itself to the actions, tabs and signals that it needs. All members outlive the parts.
+class Workbench final : public QObject {
+    Q_OBJECT
+
+  public:
+    Workbench(Program &programOf, WindowDialogs &dialogsOf, MainActions &actionsOf,
+              QWidget &windowOf, RunCommand runOf, RunTask runTaskOf)
+        : program(programOf), dialogs(dialogsOf), actions(actionsOf), window(windowOf),
+          run(std::move(runOf)), runTask(std::move(runTaskOf)) {}
+
+    Program &program;
+    WindowDialogs &dialogs;
+    MainActions &actions;
+    QWidget &window; ///< parent of dialogs
+    RunCommand run;
+    RunTask runTask;
+    // Made with the project page, and there when parts are made.
+    QTabWidget *dataTabs = nullptr;
+    TableTab *table = nullptr;
+    ViewerTabs *viewers = nullptr;
+
+    Examiner &examiner() const { return program.around.examiner; }
+    bool isProjectOpen() const { return program.thisClass.ProjectDB.isOpen(); }
+    /// Of an open project only.
+    SQLite::Database &project() const { return program.thisClass.ProjectDB.connection(); }
+    /// A text in the status bar until the examiner goes to another row.
+    void showNotice(const QString &text) { emit noticed(text); }
+    /// The rows of the table have changed in the project; the list of them stays.
+    void refreshRows();
+    /// Runs the active query anew.
+    void reload() { emit reloadWanted(); }
+
+  signals:
+    void noticed(const QString &text);
+    void reloadWanted();
+    /// The project's connection is open, its rows not loaded yet.
+    void projectOpened();
+    /// Comes before the connection goes: whoever uses it lets go of it now.
+    void projectClosing();
+};
+
+} // namespace nv
