@@ -46,7 +46,7 @@ bool createProject(Program &program, const fs::path &path) {
     removeProjectFiles(path);
     DatabaseClass &project = program.thisClass.ProjectDB;
     project.FilePath = fs::absolute(path);
-    project.KeywordFolder = program.paths.program / "keywords";
+    project.KeywordFolder = program.paths.keywords();
     if (!project.CreateDatabaseProject())
         return false;
     stampVersion(project.connection(), program.log, buildOf(program));

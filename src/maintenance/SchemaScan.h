@@ -13,6 +13,10 @@ namespace nv {
 inline constexpr std::string_view kMissing = "Missing";
 inline constexpr std::string_view kSizeMismatch = "Size Mismatch";
 inline constexpr std::string_view kFixed = "Fixed!";
+inline constexpr std::string_view kScanComplete = "Scan complete.";
+/// Comes before the lines of what a fix doesn't move.
+inline constexpr std::string_view kLeftBehind =
+    "A fix leaves behind what this build doesn't know. It stays in the '.old' file only:";
 
 /// A row of the wizard's grid. Its columns are headed by kDifferenceHeadings.
 struct SchemaDifference {

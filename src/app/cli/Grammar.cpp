@@ -21,7 +21,7 @@ constexpr const char *kExamples = R"(Examples:
   norvelane-cli rebuild case.nvp 17 --out pages        the page with its parts, for offline view
   norvelane-cli gallery case.nvp --pard 15-40 --out p.html   a contact sheet of photographs
   norvelane-cli dump index.dat --format jsonl          the records of one file, without a project
-Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged, 3 the project can't be used,
+Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged or a project's schema differs, 3 the project can't be used,
 130 interrupted: what was written is kept.)";
 
 const std::map<std::string, Format> kFormats = {
@@ -43,6 +43,8 @@ Grammar::Grammar()
     addRebuilding();
     addTemplates();
     addPictures();
+    addExport();
+    addUpgrade();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/cli/Commands.h"
+#include "app/cli/ExportCommands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -33,6 +34,8 @@ class Grammar {
     void addRebuilding();
     void addTemplates();
     void addPictures();
+    void addExport();
+    void addUpgrade();
 
     ImportArguments m_import;
     ListArguments m_list;
@@ -41,6 +44,8 @@ class Grammar {
     ThumbnailArguments m_thumbnails;
     GalleryArguments m_gallery;
     TemplateArguments m_template;
+    ExportArguments m_export;
+    UpgradeArguments m_upgrade;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";
