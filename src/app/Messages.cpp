@@ -152,6 +152,33 @@ Message exitProgram() {
     return question("exit-program", "Exit Program", "Are you sure?", Answer::Yes);
 }
 
+Message exportPathMissing() {
+    return notice("export-path-missing", "Missing Path",
+                  "No path has been specified for export file.");
+}
+
+Message exportRefused(std::string_view reason) {
+    return notice("export-refused", "Invalid Path", std::string(reason));
+}
+
+Message overwriteExport(std::string_view path) {
+    return question("overwrite-export", "File Already Exists",
+                    fmt::format("{}\n\nDo you want to overwrite the file?", path), Answer::No);
+}
+
+Message exportFailed(std::string_view reason) {
+    return failure("export-failed", "Error Exporting URLs", reason);
+}
+
+Message columnsExported(std::string_view notes) {
+    return question("columns-exported", "Columns Exported",
+                    fmt::format("The selected columns have been exported \n"
+                                "to disk Successfully.\n{}\n"
+                                "Would you like to view the file now?",
+                                notes.empty() ? std::string() : fmt::format("{}\n", notes)),
+                    Answer::No);
+}
+
 Message startingDirectoryMissing() {
     return notice("starting-directory-missing", "Invalid Path",
                   "The starting directory has not been selected.");

@@ -35,6 +35,13 @@ Message zoneNotSet(int errorNumber);
 Message showOnlyWebpages();
 Message exitProgram();
 
+Message exportPathMissing();
+Message exportRefused(std::string_view reason);
+Message overwriteExport(std::string_view path);
+Message exportFailed(std::string_view reason);
+/// `notes` are lines that follow the text.
+Message columnsExported(std::string_view notes);
+
 Message startingDirectoryMissing();
 Message startingDirectoryGone();
 Message nothingToImport();

@@ -29,6 +29,7 @@ MainActions::MainActions(QObject *o)
       openProject(make(o, "actOpen", tr("&Open..."), "open", QKeySequence::Open)),
       import(make(o, "actImport", tr("&Import..."), "import", Qt::CTRL | Qt::Key_I)),
       saveAs(make(o, "actSaveAs", tr("Save &As..."), "save-as", QKeySequence::SaveAs)),
+      exportRows(make(o, "actExport", tr("&Export..."), "save-as", Qt::CTRL | Qt::Key_E)),
       closeProject(make(o, "actClose", tr("&Close"), "close", QKeySequence::Close)),
       exit(make(o, "actExit", tr("E&xit"), "", QKeySequence::Quit)),
       copyCell(make(o, "actCopyCell", tr("&Copy Cell"), "", QKeySequence::Copy)),
@@ -43,6 +44,7 @@ MainActions::MainActions(QObject *o)
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
       baseFolder(make(o, "actBaseFolder", tr("&Base Folder..."), "folder")),
       timeZone(make(o, "actTimeZone", tr("&Time Zone..."), "history")),
+      upgradeWizard(make(o, "actUpgradeWizard", tr("&Upgrade Wizard..."), "rebuild")),
       errorLog(make(o, "actErrorLog", tr("&Error Log..."), "text")),
       tips(make(o, "actTips", tr("&Tip of the Day..."), "tip")),
       about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {
@@ -52,8 +54,8 @@ MainActions::MainActions(QObject *o)
 }
 
 void MainActions::setProjectOpen(bool open) {
-    for (QAction *action : {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext,
-                            tag, rebuild, columns, refresh, baseFolder, timeZone})
+    for (QAction *action : {saveAs, exportRows, closeProject, copyCell, copyRows, selectAll, find,
+                            findNext, tag, rebuild, columns, refresh, baseFolder, timeZone})
         action->setEnabled(open);
 }
 

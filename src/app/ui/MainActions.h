@@ -14,6 +14,7 @@ struct MainActions {
     QAction *openProject;
     QAction *import;
     QAction *saveAs;
+    QAction *exportRows;
     QAction *closeProject;
     QAction *exit;
     QAction *copyCell;
@@ -28,6 +29,7 @@ struct MainActions {
     QAction *refresh;
     QAction *baseFolder;
     QAction *timeZone;
+    QAction *upgradeWizard;
     QAction *errorLog;
     QAction *tips;
     QAction *about;

@@ -1,9 +1,11 @@
 // How the main window is put together, and what it does by itself: locking, closing, drag and drop.
 #include "app/Messages.h"
+#include "app/ui/ExportPart.h"
 #include "app/ui/GalleryPart.h"
 #include "app/ui/MainForm.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
+#include "app/ui/UpgradePart.h"
 #include "app/ui/WelcomePage.h"
 #include "app/ui/Workbench.h"
 #include "base/Files.h"
@@ -104,6 +106,11 @@ void MainForm::addParts() {
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));
+    m_parts.push_back(std::make_unique<ExportPart>(*m_bench));
+}
+
+void MainForm::showUpgradeWizard(const std::filesystem::path &project) {
+    UpgradePart(*m_bench).show(project);
 }
 
 void MainForm::buildStatusBar() {
@@ -134,6 +141,8 @@ void MainForm::connectFileActions() {
             [this] { run("MainForm.CloseFile()", [this] { m_commands.CloseFile(); }); });
     connect(m_actions.import, &QAction::triggered, this,
             [this] { run("MainForm.import()", [this] { import({}); }); });
+    connect(m_actions.upgradeWizard, &QAction::triggered, this,
+            [this] { run("MainForm.upgradeWizard()", [this] { m_commands.upgradeWizard(); }); });
     connect(m_actions.exit, &QAction::triggered, this, &QWidget::close);
     on(m_actions.baseFolder, "MainForm.chooseBaseFolder()", &MainForm::chooseBaseFolder);
     on(m_actions.timeZone, "MainForm.chooseTimeZone()", &MainForm::chooseTimeZone);
