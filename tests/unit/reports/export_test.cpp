@@ -24,7 +24,7 @@ struct ExportTest : testing::Test {
                      {"Action", "Visited"},
                      {"Host", "a.example"},
                      {"CacheType", "IE History"},
-                     {"ActionDateUTC", test::daysOf({2009, 2, 13, 23, 31, 30}) + 0.5 / 86400},
+                     {"ActionDateUTC", test::daysOf({2009, 2, 13, 23, 31, 30}) + 0.25 / 86400},
                      {"Tagged", std::int64_t{1}}});
         project.add({{"URL", "=HYPERLINK(\"http://x\")"},
                      {"Host", "b.example"},
@@ -142,8 +142,8 @@ TEST_F(ExportTest, jsonLinesAreEventsOfATimeline) {
     const nlohmann::json &event = list.at(0);
     EXPECT_EQ(event.at("message"), std::string("IE History Visited ") + kWhole);
     EXPECT_EQ(event.at("timestamp_desc"), "Visited");
-    EXPECT_EQ(event.at("datetime"), "2009-02-13T23:31:30.500000+00:00");
-    EXPECT_EQ(event.at("timestamp"), 1234567890500000);
+    EXPECT_EQ(event.at("datetime"), "2009-02-13T23:31:30.250000+00:00");
+    EXPECT_EQ(event.at("timestamp"), 1234567890250000);
     EXPECT_TRUE(event.at("timestamp").is_number_integer());
     EXPECT_EQ(event.at("COL_URL_VALUE"), kWhole);
     EXPECT_EQ(event.at("COL_URL_VISITS"), 3);
