@@ -1,6 +1,8 @@
 #include "Desk.h"
+#include "base/Files.h"
 #include "maintenance/ui/UpgradeWizardForm.h"
 #include "reports/ui/ExportForm.h"
+#include "views/ui/TableTab.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
