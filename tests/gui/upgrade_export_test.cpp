@@ -177,8 +177,9 @@ void UpgradeExportTest::aNameFollowsItsFormat() {
     QCOMPARE(name.text(), QStringLiteral("/nowhere/rows.jsonl"));
     QVERIFY(!child<QWidget>(form, "opDelimiter").isEnabled());
     formats.setCurrentIndex(0);
-    click(form, "opDelimiter3");
-    click(form, "opRowsTagged");
+    form.show();
+    child<QAbstractButton>(form, "opDelimiter3").click();
+    child<QAbstractButton>(form, "opRowsTagged").click();
     form.accept();
     QCOMPARE(job.delimiter, std::string("\t"));
     QVERIFY(!job.ExportAllRows);
