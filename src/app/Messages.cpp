@@ -100,6 +100,39 @@ Message olderProject() {
         "any necessary internal data structures or relationships.");
 }
 
+Message runUpgradeWizard() {
+    return question("run-upgrade-wizard", "File Version Conflict",
+                    "Would you like to run the Upgrade Wizard utility now?", Answer::No);
+}
+
+Message fixFile() {
+    return notice("fix-file", "Fix File",
+                  "Norvelane can fix the existing problem(s) \n"
+                  "by migrating all existing data into a new \n"
+                  "file.\n\n"
+                  "Your existing file will be automatically \n"
+                  "backed up and renamed with an '.OLD' file \n"
+                  "extension.\n\n"
+                  "Click the 'Fix Now' button to proceed...",
+                  Tone::Information);
+}
+
+Message scanError(std::string_view reason) {
+    return failure("scan-error", "Scan Error", reason);
+}
+
+Message fixError(std::string_view reason) {
+    return failure("fix-error", "Fix Error",
+                   fmt::format("{}\n\nThe project file stays as it was.", reason));
+}
+
+Message upgradeClosesProject() {
+    return question("upgrade-closes-project", "Upgrade Wizard",
+                    "The Upgrade Wizard works on a closed project. Do you want to close the "
+                    "project now?\n\nIt is opened again when the wizard is closed.",
+                    Answer::No);
+}
+
 Message versionCheckCanBeTurnedOff() {
     return notice("version-check-can-be-turned-off", "Disable Notification",
                   "You can turn off File Version Conflict checking through the Options menu on the "
@@ -119,6 +152,33 @@ Message showOnlyWebpages() {
 
 Message exitProgram() {
     return question("exit-program", "Exit Program", "Are you sure?", Answer::Yes);
+}
+
+Message exportPathMissing() {
+    return notice("export-path-missing", "Missing Path",
+                  "No path has been specified for export file.");
+}
+
+Message exportRefused(std::string_view reason) {
+    return notice("export-refused", "Invalid Path", std::string(reason));
+}
+
+Message overwriteExport(std::string_view path) {
+    return question("overwrite-export", "File Already Exists",
+                    fmt::format("{}\n\nDo you want to overwrite the file?", path), Answer::No);
+}
+
+Message exportFailed(std::string_view reason) {
+    return failure("export-failed", "Error Exporting URLs", reason);
+}
+
+Message columnsExported(std::string_view notes) {
+    return question("columns-exported", "Columns Exported",
+                    fmt::format("The selected columns have been exported \n"
+                                "to disk Successfully.\n{}\n"
+                                "Would you like to view the file now?",
+                                notes.empty() ? std::string() : fmt::format("{}\n", notes)),
+                    Answer::No);
 }
 
 Message startingDirectoryMissing() {

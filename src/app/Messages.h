@@ -30,10 +30,22 @@ Message saveAsFailed(std::string_view reason);
 Message overwriteProject(std::string_view path);
 Message defaultQueryChanged();
 Message olderProject();
+Message runUpgradeWizard();
 Message versionCheckCanBeTurnedOff();
+Message fixFile();
+Message scanError(std::string_view reason);
+Message fixError(std::string_view reason);
+Message upgradeClosesProject();
 Message zoneNotSet(int errorNumber);
 Message showOnlyWebpages();
 Message exitProgram();
+
+Message exportPathMissing();
+Message exportRefused(std::string_view reason);
+Message overwriteExport(std::string_view path);
+Message exportFailed(std::string_view reason);
+/// `notes` are lines that follow the text.
+Message columnsExported(std::string_view notes);
 
 Message startingDirectoryMissing();
 Message startingDirectoryGone();

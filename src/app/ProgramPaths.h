@@ -17,6 +17,7 @@ struct ProgramPaths {
     std::filesystem::path defaultTemp() const { return home / "Temp"; }
     std::filesystem::path zones() const { return program / "nvTZ.dat"; }
     std::filesystem::path tips() const { return program / "dailytips.txt"; }
+    std::filesystem::path keywords() const { return program / "keywords"; }
     std::filesystem::path images() const { return program / "images"; }
 };
 

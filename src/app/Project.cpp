@@ -9,8 +9,6 @@
 
 #include <fmt/format.h>
 
-#include <tuple>
-
 namespace nv {
 
 namespace fs = std::filesystem;
@@ -22,14 +20,6 @@ constexpr std::string_view kRootSetting = "RootPath";
 
 ProjectFields fieldsOf(Program &program) {
     return {program.thisClass.ProjectDB.connection(), program.log};
-}
-
-void keepVersion(Program &program) {
-    ProjectFields fields = fieldsOf(program);
-    const ThisClass &state = program.thisClass;
-    fields.SaveDefaultSetting("AppMajor", fmt::format("{}", state.AppBuildMajor));
-    fields.SaveDefaultSetting("AppMinor", fmt::format("{}", state.AppBuildMinor));
-    fields.SaveDefaultSetting("AppRevision", fmt::format("{}", state.AppBuildRevision));
 }
 
 void removeProjectFiles(const fs::path &path) {
@@ -56,11 +46,11 @@ bool createProject(Program &program, const fs::path &path) {
     removeProjectFiles(path);
     DatabaseClass &project = program.thisClass.ProjectDB;
     project.FilePath = fs::absolute(path);
-    project.KeywordFolder = program.paths.program / "keywords";
+    project.KeywordFolder = program.paths.keywords();
     project.AgencyKeywordFolder = program.paths.home / "keywords";
     if (!project.CreateDatabaseProject())
         return false;
-    keepVersion(program);
+    stampVersion(project.connection(), program.log, buildOf(program));
     becomeOpen(program);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
     setZone(program, program.thisClass.GMTZone.tzTimeZoneID);
@@ -113,17 +103,15 @@ void setRootPath(Program &program, const fs::path &root) {
     fieldsOf(program).SaveDefaultSetting(kRootSetting, textOf(root));
 }
 
-bool isOlderProject(Program &program) {
+AppBuild buildOf(const Program &program) {
     const ThisClass &state = program.thisClass;
-    if (state.DisableFileVersionCheck)
+    return {state.AppBuildMajor, state.AppBuildMinor, state.AppBuildRevision};
+}
+
+bool isOlderProject(Program &program) {
+    if (program.thisClass.DisableFileVersionCheck)
         return false;
-    const ProjectFields fields = fieldsOf(program);
-    const auto number = [&fields](std::string_view name) {
-        return fields.defaultNumber(name).value_or(0);
-    };
-    return std::make_tuple(number("AppMajor"), number("AppMinor"), number("AppRevision")) <
-           std::make_tuple(std::int64_t{state.AppBuildMajor}, std::int64_t{state.AppBuildMinor},
-                           std::int64_t{state.AppBuildRevision});
+    return stampOf(program.thisClass.ProjectDB.connection(), program.log) < buildOf(program);
 }
 
 } // namespace nv

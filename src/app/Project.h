@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Program.h"
+#include "maintenance/VersionStamp.h"
 #include "time/ShownDate.h"
 
 #include <cstdint>
@@ -33,6 +34,9 @@ bool setZone(Program &program, std::int64_t id);
 
 /// How dates are shown now.
 DateSettings dateSettings(const Program &program);
+
+/// The version of this program.
+AppBuild buildOf(const Program &program);
 
 /// The version that made the open project is older than this build, and the check isn't turned off.
 bool isOlderProject(Program &program);

@@ -63,8 +63,8 @@ bool ProjectCommands::OpenFile(const fs::path &path, OpenMode mode) {
     const bool isNew = mode != OpenMode::existing;
     if (isNew ? !create(*chosen) : !openExisting(*chosen))
         return false;
-    afterOpening(isNew);
-    return true;
+    afterOpening();
+    return isNew || checkVersion();
 }
 
 bool ProjectCommands::openExisting(const fs::path &path) {
@@ -75,23 +75,43 @@ bool ProjectCommands::openExisting(const fs::path &path) {
     return !failure;
 }
 
-void ProjectCommands::afterOpening(bool isNew) {
+void ProjectCommands::afterOpening() {
     m_program.log.remove();
     m_program.thisClass.TempFolderPath = tempFolderFrom(m_program);
     m_view.restoreLayout();
     UpdateProgramCaption();
     StoreFilenameINI(m_program.settings, m_program.thisClass.ProjectDBPath);
     m_view.showRecentFiles();
-    if (!isNew)
-        checkVersion();
 }
 
-void ProjectCommands::checkVersion() {
+bool ProjectCommands::checkVersion() {
     if (!isOlderProject(m_program))
-        return;
+        return true;
     Examiner &examiner = m_program.around.examiner;
     examiner.tell(messages::olderProject());
+    if (examiner.ask(messages::runUpgradeWizard()) == Answer::Yes)
+        return upgradeAndReopen();
     examiner.tell(messages::versionCheckCanBeTurnedOff());
+    return true;
+}
+
+/// The version isn't asked about again: an examiner who has left the wizard has decided.
+bool ProjectCommands::upgradeAndReopen() {
+    const fs::path project = m_program.thisClass.ProjectDBPath;
+    CloseFile();
+    m_view.showUpgradeWizard(project);
+    if (!openExisting(project))
+        return false;
+    afterOpening();
+    return true;
+}
+
+void ProjectCommands::upgradeWizard() {
+    if (!m_program.thisClass.ProjectDB.isOpen())
+        return m_view.showUpgradeWizard({});
+    if (m_program.around.examiner.ask(messages::upgradeClosesProject()) == Answer::Yes &&
+        upgradeAndReopen())
+        m_view.LoadURLs();
 }
 
 void ProjectCommands::tellOfChangedDefaultQuery() {

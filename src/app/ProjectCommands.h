@@ -31,6 +31,8 @@ class ProjectView {
     virtual void clear() = 0;
     /// Runs the active query anew.
     virtual void LoadURLs() = 0;
+    /// Shows the wizard for a closed project and returns when it is closed.
+    virtual void showUpgradeWizard(const std::filesystem::path &) {}
 };
 
 enum class OpenMode { existing, newByDialog, newAtPath };
@@ -50,6 +52,9 @@ class ProjectCommands {
     /// Takes the one path of the command line: a project, or an artefact that is imported into a
     /// scratch project at once.
     bool LoadCommandLineFile(const std::filesystem::path &path);
+    /// Closes the open project, when the examiner agrees, for the wizard, and opens it again behind
+    /// it; without one the wizard asks for a project.
+    void upgradeWizard();
     /// After a project was opened from the File menu: tells of a changed default query.
     void tellOfChangedDefaultQuery();
     void UpdateProgramCaption();
@@ -58,8 +63,10 @@ class ProjectCommands {
     std::optional<std::filesystem::path> pathFor(const std::filesystem::path &given, OpenMode mode);
     bool create(const std::filesystem::path &path);
     bool openExisting(const std::filesystem::path &path);
-    void afterOpening(bool isNew);
-    void checkVersion();
+    void afterOpening();
+    /// False when the project didn't open again behind the wizard.
+    bool checkVersion();
+    bool upgradeAndReopen();
 
     Program &m_program;
     FileDialogs &m_dialogs;

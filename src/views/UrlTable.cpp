@@ -175,6 +175,11 @@ std::string UrlTable::fullText(std::size_t place, UrlColumn column) {
     });
 }
 
+Date UrlTable::actionDateUTC(std::size_t place) {
+    const UrlRow *row = rowFor(place, UrlColumn::ActionDateUtc);
+    return row ? row->actionDateUtc : Date();
+}
+
 bool UrlTable::isTagged(std::size_t place) {
     const UrlRow *row = rowFor(place, UrlColumn::Tag);
     return row && row->tagged;

@@ -66,6 +66,8 @@ class UrlTable {
     MachineValue machineCell(std::size_t place, UrlColumn column);
     /// The cell's text without a cut and without stand-ins; of stored texts only.
     std::string fullText(std::size_t place, UrlColumn column);
+    /// With the fraction of its second, which cells don't show.
+    Date actionDateUTC(std::size_t place);
     bool isTagged(std::size_t place);
     std::string_view iconKey(std::size_t place);
     std::string header(UrlColumn column) const { return headerText(column, m_zone); }

@@ -24,7 +24,7 @@ constexpr const char *kExamples = R"(Examples:
   norvelane-cli gallery case.nvp --pard 15-40 --out p.html   a contact sheet of photographs
   norvelane-cli report case.nvp --type graphical --tagged --out report   to be handed over
   norvelane-cli dump index.dat --format jsonl          the records of one file, without a project
-Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged, 3 the project can't be used,
+Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged or a project's schema differs, 3 the project can't be used,
 130 interrupted: what was written is kept.)";
 
 const std::map<std::string, Format> kFormats = {
@@ -52,6 +52,8 @@ Grammar::Grammar()
     addViewers();
     addHosts();
     addReport();
+    addExport();
+    addUpgrade();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {

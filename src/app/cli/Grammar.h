@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/cli/Commands.h"
+#include "app/cli/ExportCommands.h"
 #include "app/cli/FilterCommands.h"
 #include "app/cli/LinkCommands.h"
 #include "app/cli/QueryCommands.h"
@@ -45,6 +46,8 @@ class Grammar {
     void addViewers();
     void addHosts();
     void addReport();
+    void addExport();
+    void addUpgrade();
 
     ImportArguments m_import;
     ListArguments m_list;
@@ -60,6 +63,8 @@ class Grammar {
     HostsArguments m_hosts;
     StoredQueryArguments m_storedQuery;
     ReportArguments m_report;
+    ExportArguments m_export;
+    UpgradeArguments m_upgrade;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";

@@ -1,10 +1,8 @@
 #include "app/Project.h"
 #include "app/cli/Commands.h"
 #include "app/cli/FilterCommands.h"
-#include "base/Files.h"
+#include "app/cli/LoadedTable.h"
 #include "base/Text.h"
-#include "db/StoredQueries.h"
-#include "views/UrlTable.h"
 
 #include <fmt/format.h>
 
@@ -66,28 +64,6 @@ Cell cellOf(MachineValue value) {
         std::move(value));
 }
 
-void checkQuery(Session &session, const std::string &name) {
-    SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
-    if (!name.empty() && !StoredQueries(project).text(name))
-        throw UsageError(fmt::format("the project has no stored query \"{}\"", name));
-}
-
-LoadResult load(Session &session, const ListArguments &arguments, UrlTable &table) {
-    table.choice = {arguments.query, !arguments.host.empty(), arguments.host};
-    table.Filters = session.program.thisClass.Filters;
-    table.RootPath = textOf(session.program.thisClass.RootPath);
-    table.dates() = dateSettings(session.program);
-    const LoadResult loaded = table.LoadURLs(session.task);
-    session.task.clear();
-    if (loaded == LoadResult::Failed)
-        throw StorageFailure(
-            fmt::format("{}; see \"{}\"", loadFailure().title, textOf(session.program.log.path())));
-    if (table.hiddenCount() > 0)
-        session.err << fmt::format("filters hide {} of {} rows\n", table.hiddenCount(),
-                                   table.hiddenCount() + table.rowCount());
-    return loaded;
-}
-
 void writeRows(const ListArguments &arguments, const std::vector<UrlColumn> &columns,
                UrlTable &table, RowWriter &writer) {
     const bool shown = arguments.format == Format::table || arguments.dates == Dates::asShown;
@@ -108,14 +84,14 @@ Exit listCommand(Session &session, const ListArguments &arguments) {
     const std::vector<UrlColumn> columns = chosenColumns(arguments);
     session.program.thisClass.Filters = filtersFrom(arguments.filter);
     session.open(arguments.project);
-    checkQuery(session, arguments.query);
     const ThisClass &state = session.program.thisClass;
     LoadResult loaded = LoadResult::Failed;
     {
         UrlTable table(session.program.thisClass.ProjectDB.connection(), session.program.log,
                        state.GMTZone);
         table.showColumns(columns);
-        loaded = load(session, arguments, table);
+        loaded =
+            loadTable(session, {arguments.query, !arguments.host.empty(), arguments.host}, table);
         const auto writer =
             makeRowWriter(arguments.format, session.out, headingsOf(columns, arguments.format));
         writeRows(arguments, columns, table, *writer);

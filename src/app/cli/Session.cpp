@@ -38,6 +38,10 @@ void Session::open(const std::filesystem::path &project) {
         throw StorageFailure(
             fmt::format("\"{}\": {}", textOf(project), messages::notAProjectFile().text));
     openProject(program, project);
+    if (isOlderProject(program))
+        err << fmt::format("This project file was made with an earlier build of Norvelane: the "
+                           "command `upgrade {}` compares it with this one's.\n",
+                           printable(textOf(project)));
 }
 
 const std::filesystem::path &Session::scratch() {

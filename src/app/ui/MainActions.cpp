@@ -29,6 +29,7 @@ MainActions::MainActions(QObject *o)
       openProject(make(o, "actOpen", tr("&Open..."), "open", QKeySequence::Open)),
       import(make(o, "actImport", tr("&Import..."), "import", Qt::CTRL | Qt::Key_I)),
       saveAs(make(o, "actSaveAs", tr("Save &As..."), "save-as", QKeySequence::SaveAs)),
+      exportRows(make(o, "actExport", tr("&Export..."), "save-as", Qt::CTRL | Qt::Key_E)),
       closeProject(make(o, "actClose", tr("&Close"), "close", QKeySequence::Close)),
       exit(make(o, "actExit", tr("E&xit"), "", QKeySequence::Quit)),
       copyCell(make(o, "actCopyCell", tr("&Copy Cell"), "", QKeySequence::Copy)),
@@ -53,6 +54,7 @@ MainActions::MainActions(QObject *o)
                         Qt::CTRL | Qt::SHIFT | Qt::Key_R)),
       publishReport(make(o, "actPublishReport", tr("&Publish Report..."), "save-as")),
       openReportFolder(make(o, "actOpenReportFolder", tr("Open Report &Folder"), "folder")),
+      upgradeWizard(make(o, "actUpgradeWizard", tr("&Upgrade Wizard..."), "rebuild")),
       errorLog(make(o, "actErrorLog", tr("&Error Log..."), "text")),
       tips(make(o, "actTips", tr("&Tip of the Day..."), "tip")),
       about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {
@@ -68,9 +70,10 @@ MainActions::MainActions(QObject *o)
 }
 
 void MainActions::setProjectOpen(bool open) {
-    for (QAction *action : {saveAs, closeProject, copyCell, copyRows, selectAll, find, findNext,
-                            tag, rebuild, linkAnalysis, columns, refresh, baseFolder, timeZone,
-                            caseTrail, filters, hosts, createReport, publishReport})
+    for (QAction *action :
+         {saveAs,    closeProject, copyCell,     copyRows,     selectAll,     find,       findNext,
+          tag,       rebuild,      linkAnalysis, columns,      refresh,       baseFolder, timeZone,
+          caseTrail, filters,      hosts,        createReport, publishReport, exportRows})
         action->setEnabled(open);
 }
 

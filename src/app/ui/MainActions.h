@@ -14,6 +14,7 @@ struct MainActions {
     QAction *openProject;
     QAction *import;
     QAction *saveAs;
+    QAction *exportRows;
     QAction *closeProject;
     QAction *exit;
     QAction *copyCell;
@@ -36,6 +37,7 @@ struct MainActions {
     QAction *createReport;
     QAction *publishReport;
     QAction *openReportFolder; ///< enabled by the first report
+    QAction *upgradeWizard;
     QAction *errorLog;
     QAction *tips;
     QAction *about;

@@ -53,6 +53,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     void showRecentFiles() override;
     void clear() override;
     void LoadURLs() override;
+    void showUpgradeWizard(const std::filesystem::path &project) override;
 
   protected:
     void closeEvent(QCloseEvent *event) override;

@@ -1,5 +1,6 @@
 // How the main window is put together, and what it does by itself: locking, closing, drag and drop.
 #include "app/Messages.h"
+#include "app/ui/ExportPart.h"
 #include "app/ui/FiltersPart.h"
 #include "app/ui/GalleryPart.h"
 #include "app/ui/HostsPart.h"
@@ -12,6 +13,7 @@
 #include "app/ui/ReportPart.h"
 #include "app/ui/TemplatesPart.h"
 #include "app/ui/TrailPart.h"
+#include "app/ui/UpgradePart.h"
 #include "app/ui/ViewersPart.h"
 #include "app/ui/WelcomePage.h"
 #include "app/ui/Workbench.h"
@@ -124,6 +126,11 @@ void MainForm::addParts() {
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));
     m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
+    m_parts.push_back(std::make_unique<ExportPart>(*m_bench));
+}
+
+void MainForm::showUpgradeWizard(const std::filesystem::path &project) {
+    UpgradePart(*m_bench).show(project);
 }
 
 void MainForm::buildStatusBar() {
@@ -154,6 +161,8 @@ void MainForm::connectFileActions() {
             [this] { run("MainForm.CloseFile()", [this] { m_commands.CloseFile(); }); });
     connect(m_actions.import, &QAction::triggered, this,
             [this] { run("MainForm.import()", [this] { import({}); }); });
+    connect(m_actions.upgradeWizard, &QAction::triggered, this,
+            [this] { run("MainForm.upgradeWizard()", [this] { m_commands.upgradeWizard(); }); });
     connect(m_actions.exit, &QAction::triggered, this, &QWidget::close);
     on(m_actions.baseFolder, "MainForm.chooseBaseFolder()", &MainForm::chooseBaseFolder);
     on(m_actions.timeZone, "MainForm.chooseTimeZone()", &MainForm::chooseTimeZone);

@@ -38,7 +38,7 @@ void MainMenus::buildFile(const MainActions &actions) {
     m_file = named(m_window.menuBar()->addMenu(tr("&File")), "menuFile");
     m_file->addActions({actions.newProject, actions.openProject, actions.import});
     m_file->addSeparator();
-    m_file->addActions({actions.saveAs, actions.closeProject});
+    m_file->addActions({actions.saveAs, actions.exportRows, actions.closeProject});
     m_file->addSeparator();
     m_quickQuery = named(m_file->addMenu(icon("filter"), tr("&Quick Query")), "menuQuickQuery");
     m_file->addSeparator();
@@ -95,7 +95,9 @@ void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     tools->addSeparator();
     tools->addActions({actions.baseFolder, actions.timeZone});
     tools->addSeparator();
-    tools->addActions({actions.caseTrail, actions.network, actions.errorLog});
+    tools->addActions({actions.caseTrail, actions.network});
+    tools->addSeparator();
+    tools->addActions({actions.upgradeWizard, actions.errorLog});
     QMenu *help = named(m_window.menuBar()->addMenu(tr("&Help")), "menuHelp");
     help->addActions({actions.tips, actions.about});
 }

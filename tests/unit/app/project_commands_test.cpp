@@ -28,6 +28,12 @@ struct RecordingProjectView final : ProjectView {
     void showRecentFiles() override {}
     void clear() override { ++cleared; }
     void LoadURLs() override { ++loaded; }
+    void showUpgradeWizard(const fs::path &project) override {
+        EXPECT_FALSE(isOpen()) << "the wizard works on a closed project";
+        upgraded.push_back(project);
+    }
+    std::function<bool()> isOpen;
+    std::vector<fs::path> upgraded;
     std::string caption;
     int restored = 0;
     int saved = 0;
@@ -178,12 +184,42 @@ TEST_F(ProjectCommandsTest, anOlderProjectIsToldUnlessTheCheckIsOff) {
     set("AppMinor", "0");
     commands.CloseFile();
     examiner.expect("older-project");
+    examiner.expect("run-upgrade-wizard", Answer::No);
     examiner.expect("version-check-can-be-turned-off");
     commands.OpenFile(path, OpenMode::existing);
     EXPECT_TRUE(examiner.heard.at(0).text.starts_with("This project file was creatd with"));
     program->thisClass.DisableFileVersionCheck = true;
     commands.OpenFile(path, OpenMode::existing);
-    EXPECT_EQ(examiner.heard.size(), 2u);
+    EXPECT_EQ(examiner.heard.size(), 3u);
+    EXPECT_TRUE(window.upgraded.empty());
+}
+
+TEST_F(ProjectCommandsTest, yesToTheVersionQuestionRunsTheWizardOnTheClosedProject) {
+    window.isOpen = [this] { return db().isOpen(); };
+    commands.OpenFile(path, OpenMode::newAtPath);
+    set("AppMinor", "0");
+    commands.CloseFile();
+    examiner.expect("older-project");
+    examiner.expect("run-upgrade-wizard", Answer::Yes);
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_EQ(examiner.heard.at(1).title, "File Version Conflict");
+    EXPECT_EQ(window.upgraded, std::vector<fs::path>{path});
+    EXPECT_TRUE(db().isOpen()) << "and it isn't asked again";
+}
+
+TEST_F(ProjectCommandsTest, theWizardAsksBeforeItClosesTheProject) {
+    window.isOpen = [this] { return db().isOpen(); };
+    commands.upgradeWizard();
+    EXPECT_EQ(window.upgraded, std::vector<fs::path>{fs::path()}) << "it asks for a project";
+    commands.OpenFile(path, OpenMode::newAtPath);
+    examiner.expect("upgrade-closes-project", Answer::No);
+    commands.upgradeWizard();
+    EXPECT_EQ(window.upgraded.size(), 1u);
+    examiner.expect("upgrade-closes-project", Answer::Yes);
+    commands.upgradeWizard();
+    EXPECT_EQ(window.upgraded.at(1), path);
+    EXPECT_TRUE(db().isOpen());
+    EXPECT_EQ(window.loaded, 1);
 }
 
 TEST_F(ProjectCommandsTest, theCommandLineTakesOneProjectOrArtefact) {

@@ -1,0 +1,98 @@
+#include "app/Project.h"
+#include "app/cli/ExportCommands.h"
+#include "app/cli/LoadedTable.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "reports/ExportRows.h"
+
+#include <fmt/format.h>
+
+namespace nv::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+ExportFormat formatOf(const ExportArguments &arguments) {
+    if (arguments.format)
+        return *arguments.format;
+    const std::string extension = toLower(textOf(fs::path(arguments.file).extension()));
+    for (const ExportFormat format : {ExportFormat::csv, ExportFormat::jsonl, ExportFormat::xlsx})
+        if (extension == "." + std::string(extensionOf(format)))
+            return format;
+    return ExportFormat::delimited;
+}
+
+std::string delimiterOf(const std::string &word) {
+    if (equalsNoCase(word, "tab") || word == "\\t" || word == "\t")
+        return "\t";
+    if (word != "|" && word != "," && word != ";")
+        throw UsageError(fmt::format("--delimiter: | , ; or tab were expected, not {}", word));
+    return word;
+}
+
+SelectedColumns columnsOf(const std::vector<std::string> &keys) {
+    std::string text;
+    for (const std::string &key : keys) {
+        const auto column = columnOfKey(key);
+        if (column)
+            text += fmt::format("{}|{};", factsOf(*column).header, factsOf(*column).key);
+        else if (equalsNoCase(key, kIndexColumn))
+            text += "Index|Index;";
+        else
+            throw UsageError(fmt::format("there is no column \"{}\": Index or keys such as "
+                                         "COL_URL_VALUE were expected",
+                                         key));
+    }
+    return columnsFromString(text);
+}
+
+ExportClass jobOf(const ExportArguments &arguments) {
+    ExportClass job;
+    job.format = formatOf(arguments);
+    job.delimiter = delimiterOf(arguments.delimiter);
+    job.ExportAllRows = !arguments.tagged;
+    job.ExportAllColumns = arguments.columns.empty();
+    job.SelectedColumns = columnsOf(arguments.columns);
+    job.OutputFilePath = arguments.file;
+    job.guardFormulas = arguments.guardFormulas;
+    return job;
+}
+
+void checkTarget(const ExportArguments &arguments, const ThisClass &state) {
+    if (const auto refusal = refusalOf(arguments.file, {state.ProjectDBPath, state.RootPath}))
+        throw UsageError(*refusal);
+    if (fs::exists(fs::path(arguments.file)) && !arguments.overwrite)
+        throw UsageError(
+            fmt::format("\"{}\" is there already; --overwrite replaces it", arguments.file));
+}
+
+} // namespace
+
+Exit exportCommand(Session &session, const ExportArguments &arguments) {
+    ExportClass job = jobOf(arguments);
+    session.open(arguments.project);
+    const ThisClass &state = session.program.thisClass;
+    checkTarget(arguments, state);
+    ExportEnd end = ExportEnd::cancelled;
+    {
+        SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
+        UrlTable table(project, session.program.log, state.GMTZone);
+        const RowChoice choice{arguments.query, !arguments.host.empty(), arguments.host};
+        if (loadTable(session, choice, table) == LoadResult::Loaded) {
+            if (arguments.tagged)
+                selectTagged(job, table, project);
+            end = exportRows(job, table, session.scratch(), session.task);
+        }
+    }
+    session.task.clear();
+    closeProject(session.program);
+    if (end == ExportEnd::cancelled)
+        return Exit::interrupted;
+    session.err << fmt::format("{} rows\n", job.counts.rows);
+    for (const std::string &note : notesOf(job.counts))
+        session.err << note << '\n';
+    return Exit::ok;
+}
+
+} // namespace nv::cli

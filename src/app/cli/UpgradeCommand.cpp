@@ -1,0 +1,64 @@
+#include "app/Messages.h"
+#include "app/Project.h"
+#include "app/cli/ExportCommands.h"
+#include "base/Files.h"
+#include "maintenance/ProjectUpgrade.h"
+
+#include <fmt/format.h>
+
+namespace nv::cli {
+
+namespace {
+
+void writeDifferences(Session &session, const SchemaScan &scan, Format format) {
+    const auto writer = makeRowWriter(
+        format, session.out, {std::begin(kDifferenceHeadings), std::end(kDifferenceHeadings)});
+    for (const SchemaDifference &d : scan.differences)
+        writer->row({d.table, d.object, d.name, d.status});
+    writer->finish();
+}
+
+void warn(Session &session, const SchemaScan &scan) {
+    if (!scan.leftBehind.empty())
+        session.err << kLeftBehind << '\n';
+    for (const std::string &line : scan.leftBehind)
+        session.err << "  " << printable(line) << '\n';
+}
+
+Exit fix(Session &session, ProjectUpgrade &upgrade, SchemaScan &scan, Format format) {
+    const FixOutcome outcome = upgrade.fix(session.task);
+    session.task.clear();
+    if (outcome.end == FixEnd::stopped)
+        return Exit::interrupted;
+    for (SchemaDifference &difference : scan.differences)
+        difference.status = kFixed;
+    writeDifferences(session, scan, format);
+    for (const std::string &note : outcome.notes)
+        session.err << printable(note) << '\n';
+    session.err << fmt::format("Fixed. The old project lies at \"{}\".\n",
+                               printable(textOf(outcome.oldProject)));
+    return Exit::ok;
+}
+
+} // namespace
+
+Exit upgradeCommand(Session &session, const UpgradeArguments &arguments, Format format) {
+    if (!isProjectName(arguments.project))
+        throw StorageFailure(
+            fmt::format("\"{}\": {}", arguments.project, messages::notAProjectFile().text));
+    Program &program = session.program;
+    ProjectUpgrade upgrade({arguments.project, session.scratch(), program.paths.keywords()},
+                           buildOf(program), program.log, program.around.clock);
+    SchemaScan scan = upgrade.scan(session.task);
+    session.task.clear();
+    if (!scan.complete)
+        return Exit::interrupted;
+    session.err << kScanComplete << '\n';
+    warn(session, scan);
+    if (arguments.fix && !scan.differences.empty())
+        return fix(session, upgrade, scan, format);
+    writeDifferences(session, scan, format);
+    return scan.differences.empty() ? Exit::ok : Exit::differs;
+}
+
+} // namespace nv::cli

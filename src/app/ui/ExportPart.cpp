@@ -1,0 +1,69 @@
+#include "app/ui/ExportPart.h"
+
+#include "app/Messages.h"
+#include "base/Files.h"
+#include "base/Trap.h"
+#include "platform/qt/QtText.h"
+#include "reports/ExportRows.h"
+#include "reports/ui/ExportForm.h"
+
+#include <QAction>
+#include <QDesktopServices>
+#include <QUrl>
+
+namespace nv {
+
+ExportPart::ExportPart(Workbench &bench)
+    : openFile([](const std::filesystem::path &path) {
+          QDesktopServices::openUrl(QUrl::fromLocalFile(pathToQt(path)));
+      }),
+      m_bench(bench) {
+    connect(bench.actions.exportRows, &QAction::triggered, this,
+            [this] { m_bench.run("MainForm.ExportColumns()", [this] { ExportColumns(); }); });
+}
+
+void ExportPart::ExportColumns() {
+    UrlTable *table = m_bench.table->table();
+    if (!table)
+        return;
+    const ThisClass &state = m_bench.program.thisClass;
+    ExportClass job;
+    job.ColumnsAsString = columnsAsString(m_bench.table->grid().tableLayout().shownColumns());
+    selectTagged(job, *table, m_bench.project());
+    ExportForm form(job, table->rowCount(), {state.ProjectDBPath, state.RootPath},
+                    m_bench.examiner(), &m_bench.window);
+    form.exec();
+    if (form.result() == QDialog::Accepted && !job.Cancel)
+        run(job);
+}
+
+void ExportPart::run(ExportClass &job) {
+    UrlTable &table = *m_bench.table->table();
+    ExportEnd end = ExportEnd::cancelled;
+    std::optional<std::string> failure;
+    m_bench.runTask({"EXPORTING URLS", "Collecting row data...", "", ""}, [&](TaskMonitor &task) {
+        failure = failureOf(m_bench.program.log, "MainForm.ExportColumns()", [&] {
+            end = exportRows(job, table, m_bench.program.thisClass.TempFolderPath, task);
+        });
+    });
+    job.abandon();
+    table.showColumns(m_bench.table->grid().tableLayout().shownColumns());
+    if (failure)
+        m_bench.examiner().tell(messages::exportFailed(*failure));
+    else if (end == ExportEnd::cancelled)
+        m_bench.showNotice(tr("The export was cancelled: nothing was written."));
+    else
+        tell(job);
+}
+
+void ExportPart::tell(const ExportClass &job) {
+    std::string notes;
+    for (const std::string &note : notesOf(job.counts))
+        notes += "\n" + note;
+    m_bench.showNotice(
+        tr("%L1 rows exported to %2").arg(job.counts.rows).arg(toQt(textOf(job.OutputFilePath))));
+    if (m_bench.examiner().ask(messages::columnsExported(notes)) == Answer::Yes)
+        openFile(job.OutputFilePath);
+}
+
+} // namespace nv

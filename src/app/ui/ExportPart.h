@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/ui/Workbench.h"
+#include "reports/ExportClass.h"
+
+#include <filesystem>
+#include <functional>
+
+namespace nv {
+
+/// The command Export: the table as it is shown leaves as a file.
+class ExportPart final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit ExportPart(Workbench &bench);
+
+    /// Opens a file that was written; tests look on instead of starting a program.
+    std::function<void(const std::filesystem::path &)> openFile;
+
+  private:
+    void ExportColumns();
+    void run(ExportClass &job);
+    void tell(const ExportClass &job);
+
+    Workbench &m_bench;
+};
+
+} // namespace nv

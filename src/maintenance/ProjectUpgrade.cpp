@@ -1,0 +1,198 @@
+#include "maintenance/ProjectUpgrade.h"
+
+#include "base/Files.h"
+#include "base/Replace.h"
+#include "base/Trap.h"
+#include "db/Connection.h"
+#include "db/DatabaseClass.h"
+#include "db/SqliteErrors.h"
+#include "maintenance/ProjectLock.h"
+#include "maintenance/QueryMove.h"
+#include "maintenance/StatusText.h"
+#include "maintenance/TableMove.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char *kNewAside = ".~new";
+constexpr const char *kOldAside = ".~old";
+
+void removeDatabase(const fs::path &file) {
+    for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
+        std::error_code ignored;
+        fs::remove(file.native() + suffix, ignored);
+    }
+}
+
+/// A new project of this build in a temporary file, over a leftover of its name.
+void createTemplate(DatabaseClass &database, const fs::path &file, const fs::path &keywords) {
+    removeDatabase(file);
+    database.FilePath = file;
+    database.KeywordFolder = keywords;
+    if (!database.CreateDatabaseProject())
+        throw StorageFailure(
+            fmt::format("no database can be made at \"{}\"; the log says why", textOf(file)));
+}
+
+/// What a link leads to is what is replaced, not the link.
+fs::path followed(const fs::path &project) {
+    return fs::is_symlink(project) ? fs::canonical(project) : fs::absolute(project);
+}
+
+/// From the old project to the new one, up to its closing.
+class Migration {
+  public:
+    Migration(SQLite::Database &from, SQLite::Database &to, TaskMonitor &task)
+        : m_from(from), m_to(to), m_task(task) {}
+
+    /// False when stopped.
+    bool moveTables(const std::function<void(std::string_view)> &done) {
+        // Rows whose parents were deleted by an earlier build are evidence too.
+        m_to.exec("PRAGMA foreign_keys=OFF");
+        double place = 0;
+        for (const std::string_view table : kMovedTables) {
+            const double share = 1.0 / static_cast<double>(std::size(kMovedTables));
+            SubTask part(m_task, place * share, (place + 1) * share);
+            if (!moveOne(std::string(table), part))
+                return false;
+            if (done)
+                done(table);
+            ++place;
+        }
+        moveRowNumbers(m_from, m_to);
+        return true;
+    }
+
+  private:
+    bool moveOne(const std::string &table, TaskMonitor &part) {
+        if (!m_from.tableExists(table))
+            return m_task.advance(0);
+        if (table == "StoredQueries")
+            m_to.exec("DELETE FROM StoredQueries");
+        showStatus(m_task, "Copying table: " + table);
+        return moveTable(m_from, m_to, table, part).has_value();
+    }
+
+    SQLite::Database &m_from;
+    SQLite::Database &m_to;
+    TaskMonitor &m_task;
+};
+
+/// The old project goes to its own path with ".old" behind it, the new one in its place.
+void swapIn(const fs::path &fresh, const fs::path &project, const ProjectLock &lock,
+            TaskMonitor &task) {
+    const fs::perms mode = fs::status(project).permissions();
+    const fs::path aside = project.native() + kNewAside;
+    copyToScratch(fresh, aside);
+    fs::permissions(aside, mode);
+    const fs::path oldAside = project.native() + kOldAside;
+    showStatus(task, "Backing up: " + textOf(project));
+    if (copyRange(lock.bytes(), 0, lock.bytes().size(), oldAside) != lock.bytes().size())
+        throw StorageFailure(fmt::format("\"{}\" can't be copied", textOf(project)));
+    fs::permissions(oldAside, mode);
+    replaceDurably(oldAside, project.native() + ".old");
+    showStatus(task, "Replacing: " + textOf(project));
+    replaceDurably(aside, project);
+}
+
+/// Removes what lies beside the project of a swap that didn't come to its end.
+class Leftovers {
+  public:
+    explicit Leftovers(fs::path project) : m_project(std::move(project)) { remove(); }
+    ~Leftovers() { remove(); }
+    Leftovers(const Leftovers &) = delete;
+    Leftovers &operator=(const Leftovers &) = delete;
+
+  private:
+    void remove() const {
+        for (const char *suffix : {kNewAside, kOldAside}) {
+            std::error_code ignored;
+            fs::remove(m_project.native() + suffix, ignored);
+        }
+    }
+
+    fs::path m_project;
+};
+
+} // namespace
+
+ProjectUpgrade::ProjectUpgrade(UpgradeWhere where, const AppBuild &build, FailureLog &log,
+                               const Clock &clock)
+    : m_where(std::move(where)), m_build(build), m_log(log), m_clock(clock) {}
+
+fs::path ProjectUpgrade::temporary(const char *name) const {
+    return m_where.TempFolderPath / name;
+}
+
+SchemaScan ProjectUpgrade::scan(TaskMonitor &task) {
+    SchemaScan scan;
+    const fs::path templates = temporary("~adoxschema1");
+    DatabaseClass reference(m_log, m_clock);
+    createTemplate(reference, templates, m_where.KeywordFolder);
+    const ProjectShape wanted = shapeOf(reference.connection());
+    onFile(m_where.project, [&] {
+        const auto project = connect(m_where.project, Access::read);
+        const ProjectShape found = shapeOf(*project);
+        scan.complete = compareShapes(wanted, found, task, scan.differences);
+        if (scan.complete && !scan.differences.empty())
+            scan.leftBehind = leftBehindBy(*project, found, wanted);
+    });
+    reference.CloseDB();
+    removeDatabase(templates);
+    if (scan.complete && scan.differences.empty())
+        stampWhenOlder();
+    return scan;
+}
+
+/// A later build's stamp stays: this build knows nothing of what that one has added. A project
+/// that can't be written is fit all the same, and the log tells.
+void ProjectUpgrade::stampWhenOlder() {
+    DatabaseClass project(m_log, m_clock);
+    project.FilePath = m_where.project;
+    failureOf(m_log, "UpgradeWizardForm.ScanBtn_Click()", [&] {
+        if (stampOf(*connect(m_where.project, Access::read), m_log) >= m_build)
+            return;
+        project.open();
+        stampVersion(project.connection(), m_log, m_build);
+    });
+}
+
+FixOutcome ProjectUpgrade::fix(TaskMonitor &task,
+                               const std::function<void(std::string_view)> &tableDone) {
+    const fs::path project = followed(m_where.project);
+    const Leftovers leftovers(project);
+    const ProjectLock lock(project);
+    const fs::path temp = temporary("~tempdb");
+    DatabaseClass fresh(m_log, m_clock);
+    createTemplate(fresh, temp, m_where.KeywordFolder);
+    FixOutcome outcome;
+    const bool moved = onFile(project, [&] {
+        const auto from = connect(project, Access::read);
+        return Migration(*from, fresh.connection(), task).moveTables(tableDone);
+    });
+    if (moved) {
+        remakeViews(fresh.connection(), m_log, outcome.notes);
+        if (!stampVersion(fresh.connection(), m_log, m_build))
+            throw StorageFailure("the new project can't be written; the log says why");
+    }
+    fresh.CloseDB();
+    if (moved && task.advance(1)) {
+        if (fs::exists(temp.native() + "-wal"))
+            throw StorageFailure(fmt::format("\"{}\" can't be closed", textOf(temp)));
+        swapIn(temp, project, lock, task);
+        outcome.end = FixEnd::fixed;
+        outcome.oldProject = project.native() + ".old";
+    }
+    removeDatabase(temp);
+    return outcome;
+}
+
+} // namespace nv

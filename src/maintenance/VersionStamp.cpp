@@ -1,0 +1,24 @@
+#include "maintenance/VersionStamp.h"
+
+#include "db/ProjectFields.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+AppBuild stampOf(SQLite::Database &project, FailureLog &log) {
+    const ProjectFields fields(project, log);
+    const auto number = [&fields](std::string_view name) {
+        return fields.defaultNumber(name).value_or(0);
+    };
+    return {number("AppMajor"), number("AppMinor"), number("AppRevision")};
+}
+
+bool stampVersion(SQLite::Database &project, FailureLog &log, const AppBuild &build) {
+    ProjectFields fields(project, log);
+    return fields.SaveDefaultSetting("AppMajor", fmt::format("{}", build.AppMajor)) &&
+           fields.SaveDefaultSetting("AppMinor", fmt::format("{}", build.AppMinor)) &&
+           fields.SaveDefaultSetting("AppRevision", fmt::format("{}", build.AppRevision));
+}
+
+} // namespace nv

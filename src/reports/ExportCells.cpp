@@ -1,0 +1,65 @@
+#include "base/Text.h"
+#include "reports/ExportWriter.h"
+#include "views/CellText.h"
+
+#include <fmt/format.h>
+
+#include <limits>
+
+namespace nv {
+
+namespace {
+
+/// The grid ends longer texts with "…".
+bool mayBeCut(const std::string &cell) {
+    return cell.size() > kCellChars && cell.ends_with("\u2026");
+}
+
+} // namespace
+
+std::string ExportCells::shown(std::size_t place, const ExportColumn &column) {
+    if (!column.column)
+        return std::to_string(place + 1);
+    const CellRule rule = factsOf(*column.column).rule;
+    if (rule == CellRule::Tick)
+        return plainText(m_table.machineCell(place, *column.column));
+    std::string cell = m_table.cell(place, *column.column);
+    if (rule != CellRule::Text || !mayBeCut(cell))
+        return cell;
+    return displayText(m_table.fullText(place, *column.column),
+                       std::numeric_limits<std::size_t>::max());
+}
+
+MachineValue ExportCells::machine(std::size_t place, UrlColumn column) {
+    MachineValue value = m_table.machineCell(place, column);
+    if (auto *text = std::get_if<std::string>(&value))
+        *text = decodeText(*text);
+    return value;
+}
+
+MachineValue ExportCells::machine(std::size_t place, const ExportColumn &column) {
+    if (!column.column)
+        return static_cast<std::int64_t>(place) + 1;
+    return machine(place, *column.column);
+}
+
+Date ExportCells::actionDate(std::size_t place) {
+    return m_table.actionDateUTC(place);
+}
+
+std::string plainText(const MachineValue &value) {
+    if (const auto *flag = std::get_if<bool>(&value))
+        return *flag ? "True" : "False";
+    if (const auto *whole = std::get_if<std::int64_t>(&value))
+        return std::to_string(*whole);
+    if (const auto *real = std::get_if<double>(&value))
+        return fmt::format("{}", *real);
+    const auto *text = std::get_if<std::string>(&value);
+    return text ? *text : std::string();
+}
+
+bool looksLikeFormula(std::string_view text) {
+    return !text.empty() && std::string_view("=+-@\t\r").find(text.front()) != std::string::npos;
+}
+
+} // namespace nv

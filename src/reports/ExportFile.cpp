@@ -1,0 +1,67 @@
+#include "reports/ExportFile.h"
+
+#include "base/Files.h"
+#include "base/Replace.h"
+#include "base/Text.h"
+#include "readers/Evidence.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+ExportFile::ExportFile(fs::path place)
+    : m_place(std::move(place)), m_aside(m_place.native() + ".~export") {
+    // A link of this name would lead the writing elsewhere.
+    std::error_code ignored;
+    fs::remove(m_aside, ignored);
+    errno = 0;
+    m_stream.open(m_aside, std::ios::binary | std::ios::trunc);
+    if (!m_stream)
+        throw FileFailure("cannot write", m_place, errno);
+}
+
+ExportFile::~ExportFile() {
+    std::error_code ignored;
+    fs::remove(m_aside, ignored);
+}
+
+void ExportFile::write(std::string_view bytes) {
+    errno = 0;
+    if (!m_stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size())))
+        throw FileFailure("cannot write", m_place, errno);
+}
+
+void ExportFile::finish() {
+    errno = 0;
+    m_stream.close();
+    if (!m_stream)
+        throw FileFailure("cannot write", m_place, errno);
+    replaceDurably(m_aside, m_place);
+}
+
+std::optional<std::string> refusalOf(const fs::path &target, const Untouchable &untouchable) {
+    std::error_code none;
+    const fs::path whole = fs::weakly_canonical(target, none);
+    const auto because = [&target](std::string_view reason) {
+        return fmt::format("\"{}\" {}", textOf(target), reason);
+    };
+    if (fs::exists(whole, none) && !fs::is_regular_file(whole, none))
+        return because("is no plain file");
+    const fs::path project = fs::weakly_canonical(untouchable.project, none);
+    for (const char *suffix : {"", "-wal", "-shm", "-journal", ".old"})
+        if (whole == project.native() + suffix || fs::equivalent(whole, project, none))
+            return because("belongs to the project: nothing is written over it");
+    if (equalsNoCase(whole.extension().native(), ".nvp"))
+        return because("has the name of a project: nothing is written over it");
+    const fs::path base = fs::weakly_canonical(untouchable.RootPath, none);
+    if (!base.empty() && base != "/" && Evidence(base).rootOf(whole) != "/")
+        return because("lies in the evidence folder: nothing is written there");
+    return std::nullopt;
+}
+
+} // namespace nv

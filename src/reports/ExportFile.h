@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+/// A file that is written beside its place and takes it when it is whole. Until finish() what was
+/// there stays, and an unfinished file leaves nothing behind. All throw FileFailure.
+class ExportFile {
+  public:
+    explicit ExportFile(std::filesystem::path place);
+    ~ExportFile();
+    ExportFile(const ExportFile &) = delete;
+    ExportFile &operator=(const ExportFile &) = delete;
+
+    /// Where it is written, for those that write it themselves.
+    const std::filesystem::path &aside() const { return m_aside; }
+    void write(std::string_view bytes);
+    void finish();
+
+  private:
+    std::filesystem::path m_place;
+    std::filesystem::path m_aside;
+    std::ofstream m_stream;
+};
+
+/// What lies in the project and can't be written over.
+struct Untouchable {
+    std::filesystem::path project;
+    std::filesystem::path RootPath; ///< of the evidence; empty or "/" for none
+};
+/// Why nothing is written to `target`: it is the project, lies in the evidence or is no plain file.
+std::optional<std::string> refusalOf(const std::filesystem::path &target,
+                                     const Untouchable &untouchable);
+
+} // namespace nv

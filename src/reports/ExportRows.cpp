@@ -1,0 +1,127 @@
+#include "reports/ExportRows.h"
+
+#include "reports/ExportWriter.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace nv {
+
+namespace {
+
+ExportColumn columnOf(const ColumnClass &chosen) {
+    return {chosen.ColumnHeader, chosen.KeyName, columnOfKey(chosen.KeyName),
+            chosen.DefaultColWidth};
+}
+
+std::vector<ExportColumn> columnsOf(const ExportClass &job) {
+    std::vector<ExportColumn> columns;
+    const SelectedColumns chosen = job.ExportAllColumns ? defaultUrlColumns() : job.SelectedColumns;
+    for (const ColumnClass &column : chosen)
+        columns.push_back(columnOf(column));
+    return columns;
+}
+
+void selectAll(ExportClass &job, const UrlTable &table) {
+    job.SelectedURLs.Clear();
+    for (std::size_t row = 1; row <= table.rowCount(); ++row)
+        job.SelectedURLs.Add({row});
+}
+
+std::unique_ptr<ExportWriter> makeWriter(ExportClass &job, const std::filesystem::path &scratch) {
+    switch (job.format) {
+    case ExportFormat::csv:
+        return makeCsvWriter(job);
+    case ExportFormat::jsonl:
+        return makeJsonLinesWriter(job);
+    case ExportFormat::xlsx:
+        return makeXlsxWriter(job, scratch);
+    case ExportFormat::delimited:
+        break;
+    }
+    return makeDelimitedWriter(job);
+}
+
+/// Rows are read with what they need at once.
+void showColumns(UrlTable &table, const std::vector<ExportColumn> &columns, ExportFormat format) {
+    std::vector<UrlColumn> needed;
+    for (const ExportColumn &column : columns)
+        if (column.column)
+            needed.push_back(*column.column);
+    if (format == ExportFormat::jsonl)
+        needed.insert(needed.end(), {UrlColumn::Action, UrlColumn::ActionDateUtc, UrlColumn::Value,
+                                     UrlColumn::CacheType, UrlColumn::WebpageTitle});
+    table.showColumns(needed);
+}
+
+void showProgress(TaskMonitor &task, std::int64_t row, std::size_t total) {
+    if (!task.wantsStep())
+        return;
+    TaskStep step;
+    step.topMessage = "Collecting row data...";
+    step.topCounter = row;
+    step.topTotal = static_cast<std::int64_t>(total);
+    step.bottomMessage = fmt::format("Exporting {} of {}", row, total);
+    task.show(step);
+}
+
+} // namespace
+
+ExportEnd exportRows(ExportClass &job, UrlTable &table, const std::filesystem::path &scratch,
+                     TaskMonitor &task) {
+    task.describe({"EXPORTING URLS", "", "", ""});
+    job.counts = {};
+    job.ExportText.clear();
+    const auto columns = columnsOf(job);
+    showColumns(table, columns, job.format);
+    if (job.ExportAllRows)
+        selectAll(job, table);
+    const auto writer = makeWriter(job, scratch);
+    ExportCells cells(table);
+    writer->begin(columns);
+    const std::size_t total = job.SelectedURLs.Count();
+    for (const RowClass &row : job.SelectedURLs) {
+        if (!task.advance(static_cast<double>(job.counts.rows) / static_cast<double>(total))) {
+            job.ExportText.clear();
+            job.abandon();
+            return ExportEnd::cancelled;
+        }
+        writer->row(cells, row.RowNumber - 1);
+        showProgress(task, ++job.counts.rows, total);
+    }
+    writer->finish();
+    return ExportEnd::exported;
+}
+
+void selectTagged(ExportClass &job, const UrlTable &table, SQLite::Database &project) {
+    // One statement instead of reading a million rows for their ticks.
+    std::unordered_set<std::int64_t> tagged;
+    SQLite::Statement ids(project, "SELECT URL_ID FROM URLs WHERE Tagged <> 0");
+    while (ids.executeStep())
+        tagged.insert(ids.getColumn(0).getInt64());
+    job.SelectedURLs.Clear();
+    std::size_t row = 0;
+    for (const std::int32_t id : table.ids()) {
+        ++row;
+        if (tagged.contains(id))
+            job.SelectedURLs.Add({row});
+    }
+}
+
+std::vector<std::string> notesOf(const ExportCounts &counts) {
+    std::vector<std::string> notes;
+    const auto note = [&notes](std::int64_t count, std::string_view what) {
+        if (count > 0)
+            notes.push_back(fmt::format("{} {}", count, what));
+    };
+    note(counts.charactersLost, "characters became \"?\": Windows-1252 can't hold them.");
+    note(counts.cellsCut, "cells were cut at 32,767 characters: a sheet's cell holds no more.");
+    note(counts.cellsGuarded, "cells got an apostrophe in front.");
+    note(counts.rowsWithoutDate, "events have no date: \"datetime\" and \"timestamp\" are null.");
+    return notes;
+}
+
+} // namespace nv

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "base/TaskMonitor.h"
+#include "reports/ExportClass.h"
+#include "views/UrlTable.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace nv {
+
+enum class ExportEnd {
+    exported,
+    cancelled, ///< nothing was written
+};
+
+/// Writes the chosen rows and columns of the table to `job.OutputFilePath`. With `ExportAllRows`
+/// the rows on show are taken, otherwise those of `SelectedURLs`; with `ExportAllColumns` every
+/// column of the table, otherwise those of `SelectedColumns`. `scratch` is an existing folder for
+/// temporary files. Throws FileFailure.
+ExportEnd exportRows(ExportClass &job, UrlTable &table, const std::filesystem::path &scratch,
+                     TaskMonitor &task);
+
+/// Puts the table's rows with the tick into `SelectedURLs`. Throws the database's errors.
+void selectTagged(ExportClass &job, const UrlTable &table, SQLite::Database &project);
+
+/// What the examiner has to know of a file that was written, a sentence each.
+std::vector<std::string> notesOf(const ExportCounts &counts);
+
+} // namespace nv

@@ -1,0 +1,191 @@
+#include "base/Text.h"
+#include "reports/ExportWriter.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <utility>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kLineBreak = "\r\n";
+
+/// What forms of text share: lines go to the job, which hands them on to the file.
+class TextWriter : public ExportWriter {
+  public:
+    explicit TextWriter(ExportClass &job) : m_job(job) {}
+
+    void begin(const std::vector<ExportColumn> &columns) override {
+        m_columns = columns;
+        m_job.ExportText = heading();
+    }
+    void row(ExportCells &cells, std::size_t place) override {
+        appendRow(cells, place);
+        m_job.drain();
+    }
+    void finish() override { m_job.ExportToFile(); }
+
+  protected:
+    virtual std::string heading() = 0;
+    virtual void appendRow(ExportCells &cells, std::size_t place) = 0;
+
+    const std::vector<ExportColumn> &columns() const { return m_columns; }
+    ExportClass &job() { return m_job; }
+    std::string &text() { return m_job.ExportText; }
+
+  private:
+    ExportClass &m_job;
+    std::vector<ExportColumn> m_columns;
+};
+
+/// A cell that holds the delimiter isn't quoted: readers of this form never knew quotes.
+class DelimitedWriter final : public TextWriter {
+  public:
+    using TextWriter::TextWriter;
+
+  private:
+    std::string heading() override {
+        std::string line;
+        for (const ExportColumn &column : columns())
+            line.append(&column == &columns().front() ? "" : job().delimiter).append(column.header);
+        return line.append(kLineBreak);
+    }
+    void appendRow(ExportCells &cells, std::size_t place) override {
+        bool first = true;
+        for (const ExportColumn &column : columns()) {
+            text()
+                .append(std::exchange(first, false) ? "" : job().delimiter)
+                .append(cells.shown(place, column));
+        }
+        text().append(kLineBreak);
+    }
+};
+
+class CsvWriter final : public TextWriter {
+  public:
+    using TextWriter::TextWriter;
+
+  private:
+    /// Columns without a heading have their key.
+    std::string heading() override {
+        std::string line;
+        for (const ExportColumn &column : columns())
+            appendCell(line, column.header.empty() ? column.key : column.header);
+        return endLine(line);
+    }
+    void appendRow(ExportCells &cells, std::size_t place) override {
+        std::string line;
+        for (const ExportColumn &column : columns()) {
+            const MachineValue value = cells.machine(place, column);
+            const auto *words = std::get_if<std::string>(&value);
+            if (words && job().guardFormulas && looksLikeFormula(*words)) {
+                appendCell(line, "'" + *words);
+                ++job().counts.cellsGuarded;
+            } else {
+                appendCell(line, plainText(value));
+            }
+        }
+        text() += endLine(line);
+    }
+
+    static void appendCell(std::string &line, const std::string &cell) {
+        if (cell.find_first_of(",\"\r\n") == std::string::npos)
+            line += cell;
+        else
+            line += '"' + replaceAll(cell, "\"", "\"\"") + '"';
+        line += ',';
+    }
+    static std::string &endLine(std::string &line) {
+        if (!line.empty())
+            line.pop_back();
+        return line.append(kLineBreak);
+    }
+};
+
+using Json = nlohmann::ordered_json;
+
+Json jsonOf(MachineValue value) {
+    return std::visit(
+        [](auto &&held) -> Json {
+            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>)
+                return nullptr;
+            else
+                return std::forward<decltype(held)>(held);
+        },
+        std::move(value));
+}
+
+/// Milliseconds since 1970: a date is stored as a float of days, which holds no less for sure.
+std::int64_t unixMilliseconds(Date date) {
+    return std::llround((date.days() - Date::kUnixEpoch) * 86'400'000.0);
+}
+
+/// "2009-02-13T23:31:30.500000+00:00".
+std::string isoWithFraction(std::int64_t milliseconds) {
+    const std::int64_t fraction = ((milliseconds % 1000) + 1000) % 1000;
+    const CivilTime time = Date::fromUnixSeconds((milliseconds - fraction) / 1000).civil();
+    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}.{:03}000+00:00", time.year, time.month,
+                       time.day, time.hour, time.minute, time.second, fraction);
+}
+
+class JsonLinesWriter final : public TextWriter {
+  public:
+    using TextWriter::TextWriter;
+
+  private:
+    std::string heading() override { return {}; }
+    void appendRow(ExportCells &cells, std::size_t place) override {
+        Json event;
+        event["message"] = message(cells, place);
+        addDate(event, cells.actionDate(place));
+        const std::string action = plainText(cells.machine(place, UrlColumn::Action));
+        event["timestamp_desc"] = action.empty() ? "Action Date" : action;
+        for (const ExportColumn &column : columns())
+            event[column.key] = jsonOf(cells.machine(place, column));
+        text() += event.dump(-1, ' ', false, Json::error_handler_t::replace);
+        text() += '\n';
+    }
+
+    static std::string message(ExportCells &cells, std::size_t place) {
+        std::string words;
+        for (const UrlColumn column :
+             {UrlColumn::CacheType, UrlColumn::Action, UrlColumn::Value, UrlColumn::WebpageTitle}) {
+            const std::string word = plainText(cells.machine(place, column));
+            if (!word.empty())
+                words += (words.empty() ? "" : " ") + word;
+        }
+        return words;
+    }
+
+    /// A made-up date would be worse than none: events without one say so.
+    void addDate(Json &event, Date date) {
+        event["datetime"] = nullptr;
+        event["timestamp"] = nullptr;
+        if (!date.has()) {
+            ++job().counts.rowsWithoutDate;
+            return;
+        }
+        const std::int64_t milliseconds = unixMilliseconds(date);
+        event["datetime"] = isoWithFraction(milliseconds);
+        event["timestamp"] = milliseconds * 1000;
+    }
+};
+
+} // namespace
+
+std::unique_ptr<ExportWriter> makeDelimitedWriter(ExportClass &job) {
+    return std::make_unique<DelimitedWriter>(job);
+}
+
+std::unique_ptr<ExportWriter> makeCsvWriter(ExportClass &job) {
+    return std::make_unique<CsvWriter>(job);
+}
+
+std::unique_ptr<ExportWriter> makeJsonLinesWriter(ExportClass &job) {
+    return std::make_unique<JsonLinesWriter>(job);
+}
+
+} // namespace nv

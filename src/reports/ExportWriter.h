@@ -1,0 +1,62 @@
+#pragma once
+
+#include "reports/ExportClass.h"
+#include "views/UrlTable.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nv {
+
+/// A column that takes part.
+struct ExportColumn {
+    std::string header;
+    std::string key;
+    std::optional<UrlColumn> column; ///< nothing for the row's number
+    int widthTwips = 0;
+};
+
+/// Cells of the table without the cut that the grid makes of long ones.
+class ExportCells {
+  public:
+    explicit ExportCells(UrlTable &table) : m_table(table) {}
+
+    /// As the grid shows it: one line, with stand-ins for characters that would deceive. A tick is
+    /// "True" or "False".
+    std::string shown(std::size_t place, const ExportColumn &column);
+    /// As programs want it: texts as they are stored but in valid UTF-8, dates in ISO 8601.
+    MachineValue machine(std::size_t place, const ExportColumn &column);
+    MachineValue machine(std::size_t place, UrlColumn column);
+    Date actionDate(std::size_t place);
+
+  private:
+    UrlTable &m_table;
+};
+
+/// One form of an export. Rows come in their order; each of the three throws FileFailure.
+class ExportWriter {
+  public:
+    virtual ~ExportWriter() = default;
+    virtual void begin(const std::vector<ExportColumn> &columns) = 0;
+    /// `place` is the 0-based row of the table.
+    virtual void row(ExportCells &cells, std::size_t place) = 0;
+    /// The file is in its place behind it.
+    virtual void finish() = 0;
+};
+
+std::unique_ptr<ExportWriter> makeDelimitedWriter(ExportClass &job);
+std::unique_ptr<ExportWriter> makeCsvWriter(ExportClass &job);
+std::unique_ptr<ExportWriter> makeJsonLinesWriter(ExportClass &job);
+/// `scratch` is an existing folder for the sheet on its way.
+std::unique_ptr<ExportWriter> makeXlsxWriter(ExportClass &job,
+                                             const std::filesystem::path &scratch);
+
+/// True and False for truth values, nothing for nothing.
+std::string plainText(const MachineValue &value);
+/// Programs of spreadsheets take such a text for a formula.
+bool looksLikeFormula(std::string_view text);
+
+} // namespace nv

@@ -1,0 +1,177 @@
+#include "base/Files.h"
+#include "base/Text.h"
+#include "reports/ExportWriter.h"
+
+#include <fmt/format.h>
+
+#include <cctype>
+#include <xlsxwriter.h>
+
+namespace nv {
+
+namespace {
+
+constexpr lxw_row_t kSheetRows = 1'048'576;   // with the headings
+constexpr std::size_t kCellUnits = 32'767;    // of UTF-16
+constexpr double kTwipsPerWidth = 15.0 * 7.0; // a column's width counts digits of 7 pixels
+
+/// Cut where a cell of a sheet ends; the end is "…" then.
+bool cutToCell(std::string &text) {
+    if (text.size() <= kCellUnits)
+        return false;
+    std::size_t units = 0;
+    std::size_t lastWhole = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        if ((byte & 0xC0U) == 0x80)
+            continue;
+        if (units + 1 <= kCellUnits - 1)
+            lastWhole = at;
+        units += byte >= 0xF0 ? 2 : 1;
+    }
+    if (units <= kCellUnits)
+        return false;
+    text.resize(lastWhole);
+    text += "\u2026";
+    return true;
+}
+
+/// "_x0041_" in a sheet means "A": evidence that holds such a text must not turn into another one.
+std::string withoutCodes(const std::string &text) {
+    if (text.find("_x") == std::string::npos)
+        return text;
+    std::string safe;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const std::string_view code = std::string_view(text).substr(at, 7);
+        const bool isCode = code.size() == 7 && code.starts_with("_x") && code.back() == '_' &&
+                            code.find_first_not_of("0123456789abcdefABCDEF", 2) == 6;
+        safe += isCode ? "_x005F_" : std::string(1, text[at]);
+    }
+    return safe;
+}
+
+/// What no sheet can hold gets a stand-in.
+std::string sheetText(std::string text) {
+    // The library takes texts that end at a zero.
+    std::size_t at = 0;
+    while ((at = text.find('\0', at)) != std::string::npos)
+        text.replace(at, 1, "\u2400");
+    text = replaceAll(text, "\xEF\xBF\xBE", "\uFFFD"); // U+FFFE and U+FFFF are no XML
+    return replaceAll(text, "\xEF\xBF\xBF", "\uFFFD");
+}
+
+/// Cells are strings or numbers, never formulas or links. A row is on the disk when the next one
+/// begins, so a sheet of any length needs little memory.
+class XlsxWriter final : public ExportWriter {
+  public:
+    XlsxWriter(ExportClass &job, const std::filesystem::path &scratch)
+        : m_job(job), m_file(job.OutputFilePath), m_scratch(scratch.string()) {
+        lxw_workbook_options options{};
+        options.constant_memory = LXW_TRUE;
+        options.tmpdir = m_scratch.data();
+        m_book = workbook_new_opt(m_file.aside().c_str(), &options);
+        if (!m_book)
+            throw FileFailure("cannot write", m_job.OutputFilePath, ENOMEM);
+    }
+    ~XlsxWriter() override {
+        if (m_book)
+            lxw_workbook_free(m_book);
+    }
+    XlsxWriter(const XlsxWriter &) = delete;
+    XlsxWriter &operator=(const XlsxWriter &) = delete;
+
+    void begin(const std::vector<ExportColumn> &columns) override {
+        m_columns = columns;
+        m_bold = workbook_add_format(m_book);
+        format_set_bold(m_bold);
+        addSheet();
+    }
+
+    void row(ExportCells &cells, std::size_t place) override {
+        if (m_row == kSheetRows)
+            addSheet();
+        lxw_col_t at = 0;
+        for (const ExportColumn &column : m_columns)
+            write(at++, cells.machine(place, column));
+        ++m_row;
+    }
+
+    void finish() override {
+        const lxw_error problem = workbook_close(std::exchange(m_book, nullptr));
+        if (problem != LXW_NO_ERROR)
+            throw std::runtime_error(fmt::format(
+                "cannot write \"{}\": {}", textOf(m_job.OutputFilePath), lxw_strerror(problem)));
+        m_file.finish();
+    }
+
+  private:
+    /// The first row has the headings and stays in sight.
+    void addSheet() {
+        const std::string name = ++m_sheets == 1 ? "URLs" : fmt::format("URLs {}", m_sheets);
+        m_sheet = workbook_add_worksheet(m_book, name.c_str());
+        lxw_col_t at = 0;
+        for (const ExportColumn &column : m_columns) {
+            constexpr double kLeast = 6;
+            worksheet_set_column(m_sheet, at, at,
+                                 std::max(kLeast, column.widthTwips / kTwipsPerWidth), nullptr);
+            const std::string &words = column.header.empty() ? column.key : column.header;
+            worksheet_write_string(m_sheet, 0, at++, words.c_str(), m_bold);
+        }
+        worksheet_freeze_panes(m_sheet, 1, 0);
+        m_row = 1;
+    }
+
+    void write(lxw_col_t at, const MachineValue &value) {
+        if (const auto *flag = std::get_if<bool>(&value)) {
+            worksheet_write_boolean(m_sheet, m_row, at, *flag ? 1 : 0, nullptr);
+        } else if (const auto *whole = std::get_if<std::int64_t>(&value)) {
+            writeNumber(at, *whole);
+        } else if (const auto *real = std::get_if<double>(&value)) {
+            worksheet_write_number(m_sheet, m_row, at, *real, nullptr);
+        } else if (const auto *text = std::get_if<std::string>(&value)) {
+            writeText(at, *text);
+        }
+    }
+
+    /// Sheets hold floats: a number that isn't one exactly stands as its digits.
+    void writeNumber(lxw_col_t at, std::int64_t number) {
+        constexpr std::int64_t kExact = std::int64_t{1} << 53;
+        if (number > -kExact && number < kExact)
+            worksheet_write_number(m_sheet, m_row, at, static_cast<double>(number), nullptr);
+        else
+            writeText(at, std::to_string(number));
+    }
+
+    void writeText(lxw_col_t at, const std::string &value) {
+        std::string text = sheetText(value);
+        if (cutToCell(text))
+            ++m_job.counts.cellsCut;
+        const std::string safe = withoutCodes(text);
+        const lxw_error problem = worksheet_write_string(m_sheet, m_row, at, safe.c_str(), nullptr);
+        if (problem == LXW_NO_ERROR)
+            return;
+        // The codes' escapes have made it too long: a shorter cell says so.
+        ++m_job.counts.cellsCut;
+        const std::string shorter = std::string(charSub(safe, 0, kCellUnits / 2)) + "\u2026";
+        worksheet_write_string(m_sheet, m_row, at, shorter.c_str(), nullptr);
+    }
+
+    ExportClass &m_job;
+    ExportFile m_file;
+    std::string m_scratch;
+    lxw_workbook *m_book = nullptr;
+    lxw_worksheet *m_sheet = nullptr;
+    lxw_format *m_bold = nullptr;
+    std::vector<ExportColumn> m_columns;
+    lxw_row_t m_row = 0;
+    int m_sheets = 0;
+};
+
+} // namespace
+
+std::unique_ptr<ExportWriter> makeXlsxWriter(ExportClass &job,
+                                             const std::filesystem::path &scratch) {
+    return std::make_unique<XlsxWriter>(job, scratch);
+}
+
+} // namespace nv

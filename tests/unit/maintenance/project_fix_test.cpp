@@ -1,0 +1,220 @@
+#include "UpgradeFixture.h"
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace nv {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace fs = std::filesystem;
+
+/// Ends the process, as a power cut would, at one of the steps of a task.
+class KilledAt final : public TaskMonitor {
+  public:
+    explicit KilledAt(int step) : m_left(step) {}
+    void describe(const TaskHeading &) override {}
+    bool advance(double) override { return step(), true; }
+    bool wantsStep() const override { return true; }
+    void show(const TaskStep &) override { step(); }
+
+  private:
+    void step() {
+        if (m_left-- == 0)
+            ::kill(::getpid(), SIGKILL);
+    }
+    int m_left;
+};
+
+struct ProjectFixTest : test::UpgradeFixture {
+    ProjectFixTest() { change("DROP INDEX URLIndex; DROP TABLE URLMetaData"); }
+
+    /// How the fix ended that is killed at `step`: true when it came to its end before.
+    bool fixKilledAt(int step) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            KilledAt task(step);
+            upgrade().fix(task);
+            ::_exit(0);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return WIFEXITED(status);
+    }
+    std::string shapeOfRows(const fs::path &file) {
+        return text("SELECT group_concat(URL_ID || URL || coalesce(Visits, '-') || "
+                    "coalesce(ActionDateUTC, '-') || coalesce(hex(ThumbnailBLOB), '-')) FROM URLs",
+                    file);
+    }
+};
+
+TEST_F(ProjectFixTest, allDataStandsInAProjectOfThisBuild) {
+    const std::string before = bytes(path);
+    const std::string rows = shapeOfRows(path);
+    std::vector<std::string> tables;
+    Unwatched task;
+    const FixOutcome outcome =
+        upgrade().fix(task, [&](std::string_view name) { tables.emplace_back(name); });
+    EXPECT_EQ(outcome.end, FixEnd::fixed);
+    EXPECT_EQ(outcome.oldProject, old);
+    EXPECT_THAT(outcome.notes, IsEmpty());
+    EXPECT_THAT(tables, ElementsAre("DefaultSettings", "StoredQueries", "SourceFiles", "URLs",
+                                    "Links", "URLMetaData", "Tags", "TagOptions", "LinkAnalysis"));
+    EXPECT_EQ(bytes(old), before);
+    EXPECT_EQ(shapeOfRows(path), rows);
+    EXPECT_EQ(text("SELECT URL FROM Links WHERE URL_ID = 1"), "http://c.example/");
+    EXPECT_EQ(text("SELECT DefaultValue FROM DefaultSettings WHERE DefaultName = "
+                   "'LastTimeZoneID'"),
+              "15");
+    EXPECT_THAT(linesOf(scan()), IsEmpty());
+    EXPECT_EQ(text("SELECT DefaultValue FROM DefaultSettings WHERE DefaultName = 'AppMinor'"), "1");
+    EXPECT_THAT(filesBeside(), testing::UnorderedElementsAre("case.nvp", "case.nvp.old", "Temp"));
+    EXPECT_TRUE(fs::is_empty(temp));
+    EXPECT_THAT(log.entries, IsEmpty());
+}
+
+TEST_F(ProjectFixTest, aNumberThatWasGivenOnceIsNotGivenAgain) {
+    fix();
+    change("INSERT INTO URLs (URL) VALUES ('new')");
+    EXPECT_EQ(text("SELECT max(URL_ID) FROM URLs"), "4") << "3 was deleted before the fix";
+}
+
+TEST_F(ProjectFixTest, newFieldsGetTheirDefaults) {
+    dropColumn("Tagged");
+    dropColumn("Notes");
+    fix();
+    EXPECT_EQ(text("SELECT group_concat(Tagged || coalesce(Notes, '-')) FROM URLs"), "0-,0-");
+}
+
+TEST_F(ProjectFixTest, storedQueriesRunAsTheExaminerLeftThem) {
+    change("UPDATE StoredQueries SET SQLText = 'SELECT * FROM URLs WHERE Visits > 2' WHERE Name = "
+           "'eBay'; DELETE FROM StoredQueries WHERE Name = 'Kijiji/Craigslist'; "
+           "INSERT INTO StoredQueries VALUES ('Mine', 'SELECT URL FROM [eBay]', 0)");
+    dropViews();
+    EXPECT_THAT(fix().notes, IsEmpty());
+    EXPECT_EQ(text("SELECT URL FROM eBay"), text("SELECT URL FROM URLs WHERE URL_ID = 1"));
+    EXPECT_EQ(text("SELECT count(*) FROM Mine"), "1");
+    EXPECT_EQ(text("SELECT count(*) FROM _DEFAULT"), "2");
+    EXPECT_EQ(text("SELECT count(*) FROM sqlite_master WHERE name LIKE 'Kijiji%'"), "0");
+}
+
+TEST_F(ProjectFixTest, aQueryThatCantRunKeepsItsText) {
+    change("UPDATE StoredQueries SET SQLText = 'SELECT * FROM Nowhere' WHERE Name IN ('eBay', "
+           "'_DEFAULT')");
+    const FixOutcome outcome = fix();
+    EXPECT_EQ(outcome.notes.size(), 2U);
+    EXPECT_EQ(text("SELECT SQLText FROM StoredQueries WHERE Name = 'eBay'"),
+              "SELECT * FROM Nowhere");
+    EXPECT_EQ(text("SELECT count(*) FROM _DEFAULT"), "2") << "every project has this one";
+    EXPECT_FALSE(log.entries.empty());
+}
+
+TEST_F(ProjectFixTest, aProjectWithoutQueriesGetsTheFirstOnes) {
+    dropViews();
+    change("DROP TABLE StoredQueries");
+    fix();
+    EXPECT_EQ(text("SELECT count(*) FROM _DEFAULT"), "2");
+}
+
+TEST_F(ProjectFixTest, rowsWithoutTheirParentsAreMovedToo) {
+    change("INSERT INTO Links (URL_ID, URL) VALUES (77, 'http://orphan.example/')");
+    EXPECT_EQ(fix().end, FixEnd::fixed);
+    EXPECT_EQ(text("SELECT URL FROM Links WHERE URL_ID = 77"), "http://orphan.example/");
+}
+
+TEST_F(ProjectFixTest, tablesThatOnlyTheProjectHasStayBehind) {
+    change("CREATE TABLE Mine (a); INSERT INTO Mine VALUES (1)");
+    fix();
+    EXPECT_EQ(text("SELECT count(*) FROM sqlite_master WHERE name = 'Mine'"), "0");
+    EXPECT_EQ(text("SELECT count(*) FROM Mine", old), "1");
+}
+
+TEST_F(ProjectFixTest, aStopAnywhereLeavesTheProjectAndNoOldFile) {
+    const std::string before = bytes(path);
+    for (int calls = 0;; ++calls) {
+        test::CancelAfter task(calls);
+        if (upgrade().fix(task).end == FixEnd::fixed)
+            break;
+        ASSERT_EQ(bytes(path), before) << calls;
+        ASSERT_FALSE(fs::exists(old)) << calls;
+        ASSERT_LT(calls, 1000);
+    }
+    EXPECT_EQ(bytes(old), before);
+}
+
+TEST_F(ProjectFixTest, aKillAnywhereLeavesTheOldOrTheNewProjectWhole) {
+    const std::string before = bytes(path);
+    const std::string rows = shapeOfRows(path);
+    int step = 0;
+    while (!fixKilledAt(step)) {
+        ASSERT_EQ(bytes(path), before) << "killed at step " << step;
+        ASSERT_LT(++step, 1000);
+    }
+    EXPECT_GT(step, 20) << "every table, every query row and the swap itself are steps";
+    EXPECT_EQ(shapeOfRows(path), rows);
+    EXPECT_EQ(bytes(old), before);
+    EXPECT_THAT(filesBeside(), testing::UnorderedElementsAre("case.nvp", "case.nvp.old", "Temp"));
+}
+
+TEST_F(ProjectFixTest, aSecondFixOverwritesTheOldFile) {
+    fix();
+    const std::string before = bytes(path);
+    fix();
+    EXPECT_EQ(bytes(old), before);
+}
+
+TEST_F(ProjectFixTest, aProjectThatIsOpenElsewhereIsNotReplaced) {
+    DatabaseClass other(log, clock);
+    other.FilePath = path;
+    other.open();
+    ProjectFields(other.connection(), log).GetDefault("LastTimeZoneID");
+    EXPECT_THROW(fix(), StorageFailure);
+    other.CloseDB();
+    EXPECT_EQ(fix().end, FixEnd::fixed);
+}
+
+TEST_F(ProjectFixTest, whatACrashLeftInTheLogIsMovedToo) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        SQLite::Database crashing(path, SQLite::OPEN_READWRITE);
+        crashing.exec("PRAGMA journal_mode=WAL; INSERT INTO URLs (URL) VALUES ('late')");
+        ::kill(::getpid(), SIGKILL);
+    }
+    ::waitpid(child, nullptr, 0);
+    ASSERT_TRUE(fs::exists(path.native() + "-wal"));
+    EXPECT_EQ(fix().end, FixEnd::fixed);
+    EXPECT_EQ(text("SELECT count(*) FROM URLs WHERE URL = 'late'"), "1");
+    EXPECT_EQ(text("SELECT count(*) FROM URLs WHERE URL = 'late'", old), "1");
+}
+
+TEST_F(ProjectFixTest, twoRowsOfOneKeyStopTheFixAndNothingIsLost) {
+    dropViews();
+    change("DROP TABLE TagOptions; CREATE TABLE TagOptions (TagOption_ID INTEGER); "
+           "INSERT INTO TagOptions VALUES (1), (1)");
+    const std::string before = bytes(path);
+    EXPECT_THROW(fix(), StorageFailure);
+    EXPECT_EQ(bytes(path), before);
+    EXPECT_FALSE(fs::exists(old));
+}
+
+TEST_F(ProjectFixTest, theModeOfTheFileStays) {
+    fs::permissions(path, fs::perms(0640));
+    fix();
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
+}
+
+TEST_F(ProjectFixTest, whatALinkLeadsToIsReplaced) {
+    const fs::path link = folder.path() / "link.nvp";
+    fs::create_symlink("case.nvp", link);
+    Unwatched task;
+    ProjectUpgrade({link, temp, {}}, build, log, clock).fix(task);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_TRUE(fs::exists(old));
+}
+
+} // namespace
+} // namespace nv

@@ -1,0 +1,263 @@
+#include "../views/MadeProject.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "reports/ExportRows.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <regex>
+
+namespace nv {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr const char *kWhole = "http://a.example/|x,\"y\";caf\u00E9\u4E2D";
+
+struct ExportTest : testing::Test {
+    ExportTest() {
+        project.add({{"URL", kWhole},
+                     {"Visits", std::int64_t{3}},
+                     {"Action", "Visited"},
+                     {"Host", "a.example"},
+                     {"CacheType", "IE History"},
+                     {"ActionDateUTC", test::daysOf({2009, 2, 13, 23, 31, 30}) + 0.25 / 86400},
+                     {"Tagged", std::int64_t{1}}});
+        project.add({{"URL", "=HYPERLINK(\"http://x\")"},
+                     {"Host", "b.example"},
+                     {"WebPageTitle", "two\r\nlines"}});
+        job.SelectedColumns = columnsFromString(
+            "Index|Index;|COL_URL_TAG;URL|COL_URL_VALUE;Visits|COL_URL_VISITS;Action Date "
+            "[UTC]|COL_URL_ACTION_DATE_UTC;Web Page Title|COL_URL_WEBPAGE_TITLE;");
+        job.ExportAllColumns = false;
+        table.LoadURLs(nobody);
+        table.sortBy(UrlColumn::Id, SortDirection::Ascending, nobody);
+    }
+
+    std::string written(ExportFormat format) {
+        job.format = format;
+        job.OutputFilePath = out;
+        EXPECT_EQ(exportRows(job, table, project.folder.path(), nobody), ExportEnd::exported);
+        return std::string(ByteView(readWhole(out)).raw());
+    }
+    std::vector<nlohmann::json> events() {
+        std::vector<nlohmann::json> list;
+        const std::string text = written(ExportFormat::jsonl);
+        for (const std::string_view line : split(text, '\n'))
+            if (!line.empty())
+                list.push_back(nlohmann::json::parse(line));
+        return list;
+    }
+    std::size_t files() {
+        std::size_t count = 0;
+        for ([[maybe_unused]] const auto &entry : fs::directory_iterator(out.parent_path()))
+            ++count;
+        return count;
+    }
+
+    test::MadeProject project;
+    Unwatched nobody;
+    UrlTable table{project.db(), project.log, project.zone};
+    ExportClass job;
+    test::TempFolder folder;
+    fs::path out = folder.path() / "out.txt";
+};
+
+TEST_F(ExportTest, theDelimitedFormStandsAsDocumented) {
+    EXPECT_EQ(written(ExportFormat::delimited),
+              "Index||URL|Visits|Action Date [UTC]|Web Page Title\r\n"
+              "1|True|http://a.example/|x,\"y\";caf\xE9?|3|2009-02-13 23:31:30|\r\n"
+              "2|False|=HYPERLINK(\"http://x\")||"
+              "|two??lines\r\n");
+    EXPECT_EQ(job.counts.charactersLost, 3) << "one Chinese character, two stand-ins";
+    EXPECT_EQ(job.counts.rows, 2);
+}
+
+TEST_F(ExportTest, anotherDelimiterIsTaken) {
+    job.delimiter = "\t";
+    EXPECT_TRUE(written(ExportFormat::delimited).starts_with("Index\t\tURL\tVisits"));
+}
+
+TEST_F(ExportTest, noTaggedRowsGiveTheHeadingLineOnly) {
+    job.ExportAllRows = false;
+    EXPECT_EQ(written(ExportFormat::delimited),
+              "Index||URL|Visits|Action Date [UTC]|Web Page Title\r\n");
+}
+
+TEST_F(ExportTest, taggedRowsAreTakenWithTheirNumbersInTheTable) {
+    project.db().exec("UPDATE URLs SET Tagged = 1 - Tagged");
+    job.ExportAllRows = false;
+    selectTagged(job, table, project.db());
+    ASSERT_EQ(job.SelectedURLs.Count(), 1U);
+    EXPECT_EQ(job.SelectedURLs.Item(std::size_t{1}).RowNumber, 2U);
+    EXPECT_THAT(written(ExportFormat::delimited), HasSubstr("\r\n2|True|"));
+}
+
+TEST_F(ExportTest, aHostFilterHoldsForTheExport) {
+    table.choice.FilterByHostEnabled = true;
+    table.choice.FilterByHostValue = "b.ex";
+    table.LoadURLs(nobody);
+    written(ExportFormat::delimited);
+    EXPECT_EQ(job.counts.rows, 1);
+}
+
+TEST_F(ExportTest, allColumnsAreThoseOfTheTableHiddenOnesToo) {
+    job.ExportAllColumns = true;
+    job.delimiter = ";";
+    const std::string text = written(ExportFormat::delimited);
+    const std::string heading = text.substr(0, text.find('\r'));
+    EXPECT_EQ(split(heading, ';').size(), kUrlColumnCount);
+    EXPECT_THAT(heading, HasSubstr("Keyword Flag"));
+}
+
+TEST_F(ExportTest, longTextsAreWholeAndCantForgeALine) {
+    const std::string longTitle = std::string(5000, 'a') + "\r\n2|forged" + std::string(400, 'b');
+    project.db().exec("UPDATE URLs SET WebPageTitle = '" + longTitle + "' WHERE URL_ID = 1");
+    table.refreshRows();
+    const std::string text = written(ExportFormat::delimited);
+    EXPECT_THAT(text, HasSubstr(std::string(5000, 'a') + "??2|forged" + std::string(400, 'b')));
+    EXPECT_EQ(std::ranges::count(text, '\n'), 3);
+    EXPECT_THAT(written(ExportFormat::csv), HasSubstr('"' + longTitle + '"'));
+}
+
+TEST_F(ExportTest, csvIsQuotedAndInUtf8) {
+    EXPECT_EQ(written(ExportFormat::csv),
+              "Index,COL_URL_TAG,URL,Visits,Action Date [UTC],Web Page Title\r\n"
+              "1,True,\"http://a.example/|x,\"\"y\"\";caf\u00E9\u4E2D\",3,2009-02-13T23:31:30Z,\r\n"
+              "2,False,\"=HYPERLINK(\"\"http://x\"\")\",,,\"two\r\nlines\"\r\n");
+}
+
+TEST_F(ExportTest, formulasOfCsvAreGuardedOnDemand) {
+    job.guardFormulas = true;
+    EXPECT_THAT(written(ExportFormat::csv), HasSubstr("\"'=HYPERLINK("));
+    EXPECT_EQ(job.counts.cellsGuarded, 1);
+}
+
+TEST_F(ExportTest, jsonLinesAreEventsOfATimeline) {
+    const auto list = events();
+    ASSERT_EQ(list.size(), 2U);
+    const nlohmann::json &event = list.at(0);
+    EXPECT_EQ(event.at("message"), std::string("IE History Visited ") + kWhole);
+    EXPECT_EQ(event.at("timestamp_desc"), "Visited");
+    EXPECT_EQ(event.at("datetime"), "2009-02-13T23:31:30.250000+00:00");
+    EXPECT_EQ(event.at("timestamp"), 1234567890250000);
+    EXPECT_TRUE(event.at("timestamp").is_number_integer());
+    EXPECT_EQ(event.at("COL_URL_VALUE"), kWhole);
+    EXPECT_EQ(event.at("COL_URL_VISITS"), 3);
+    EXPECT_EQ(event.at("COL_URL_TAG"), true);
+    EXPECT_EQ(event.at("Index"), 1);
+    EXPECT_EQ(list.at(1).at("COL_URL_WEBPAGE_TITLE"), "two\r\nlines");
+}
+
+TEST_F(ExportTest, everyDateOfAnEventIsIso) {
+    job.ExportAllColumns = true;
+    const std::regex iso(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d(\.\d{6}\+00:00|Z|[+-]\d\d:\d\d))");
+    const nlohmann::json event = events().at(0);
+    for (const char *key : {"datetime", "COL_URL_ACTION_DATE_UTC", "COL_URL_ACTION_DATE_LOCAL"})
+        EXPECT_TRUE(std::regex_match(event.at(key).get<std::string>(), iso)) << event.at(key);
+}
+
+TEST_F(ExportTest, anEventWithoutADateSaysSo) {
+    const nlohmann::json event = events().at(1);
+    EXPECT_TRUE(event.at("datetime").is_null());
+    EXPECT_TRUE(event.at("timestamp").is_null());
+    EXPECT_EQ(event.at("timestamp_desc"), "Action Date");
+    EXPECT_EQ(job.counts.rowsWithoutDate, 1);
+    EXPECT_THAT(notesOf(job.counts), ElementsAre(HasSubstr("1 events have no date")));
+}
+
+TEST_F(ExportTest, datesBefore1970CountBackwards) {
+    project.db().exec("UPDATE URLs SET ActionDateUTC = 25568.999994212963 WHERE URL_ID = 1");
+    table.refreshRows();
+    const nlohmann::json event = events().at(0);
+    EXPECT_EQ(event.at("datetime"), "1969-12-31T23:59:59.500000+00:00");
+    EXPECT_EQ(event.at("timestamp"), -500000);
+}
+
+TEST_F(ExportTest, bytesThatAreNoUtf8BecomeText) {
+    project.db().exec("UPDATE URLs SET WebPageTitle = CAST(x'636166E9' AS TEXT) WHERE URL_ID = 1");
+    table.refreshRows();
+    EXPECT_EQ(events().at(0).at("COL_URL_WEBPAGE_TITLE"), "caf\u00E9");
+    EXPECT_TRUE(isUtf8(written(ExportFormat::csv)));
+}
+
+TEST_F(ExportTest, aSheetIsWrittenAndLongCellsAreCounted) {
+    project.db().exec("UPDATE URLs SET WebPageTitle = CAST(zeroblob(40000) AS TEXT), URL = "
+                      "replace(hex(zeroblob(20000)), '0', 'x') WHERE URL_ID = 1");
+    table.refreshRows();
+    EXPECT_TRUE(written(ExportFormat::xlsx).starts_with("PK"));
+    EXPECT_EQ(job.counts.cellsCut, 2);
+    EXPECT_EQ(files(), 1U) << "nothing is left beside it";
+}
+
+TEST_F(ExportTest, aCancelWritesNothing) {
+    for (const ExportFormat format :
+         {ExportFormat::delimited, ExportFormat::csv, ExportFormat::jsonl, ExportFormat::xlsx}) {
+        job.format = format;
+        job.OutputFilePath = out;
+        test::CancelAfter task(1);
+        EXPECT_EQ(exportRows(job, table, project.folder.path(), task), ExportEnd::cancelled);
+        EXPECT_EQ(task.headings.at(0).title, "EXPORTING URLS");
+        EXPECT_EQ(files(), 0U);
+    }
+}
+
+TEST_F(ExportTest, aCancelledOverwriteLeavesTheFile) {
+    writeWhole(out, "before");
+    job.OutputFilePath = out;
+    test::CancelAfter task(1);
+    exportRows(job, table, project.folder.path(), task);
+    EXPECT_EQ(std::string(ByteView(readWhole(out)).raw()), "before");
+}
+
+TEST_F(ExportTest, anUnwritablePathIsAFailure) {
+    job.OutputFilePath = folder.path() / "none" / "out.txt";
+    for (const ExportFormat format : {ExportFormat::delimited, ExportFormat::xlsx}) {
+        job.format = format;
+        EXPECT_THROW(exportRows(job, table, project.folder.path(), nobody), FileFailure);
+    }
+}
+
+TEST_F(ExportTest, progressNamesTheRows) {
+    test::MemoryTask task;
+    job.OutputFilePath = out;
+    exportRows(job, table, project.folder.path(), task);
+    ASSERT_EQ(task.steps.size(), 2U);
+    EXPECT_EQ(task.steps.at(1).topMessage, "Collecting row data...");
+    EXPECT_EQ(task.steps.at(1).bottomMessage, "Exporting 2 of 2");
+}
+
+TEST_F(ExportTest, theWholeTextCanBeWrittenInOneGo) {
+    job.OutputFilePath = out;
+    job.ExportText = "caf\u00E9\r\n";
+    EXPECT_TRUE(job.ExportToFile());
+    EXPECT_EQ(std::string(ByteView(readWhole(out)).raw()), "caf\xE9\r\n");
+}
+
+TEST_F(ExportTest, theColumnsOnShowAreOneText) {
+    const std::array shown{UrlColumn::Tag, UrlColumn::Value};
+    const std::string text = columnsAsString(shown);
+    EXPECT_EQ(text, "Index|Index;|COL_URL_TAG;URL|COL_URL_VALUE;");
+    const SelectedColumns columns = columnsFromString(text);
+    ASSERT_EQ(columns.Count(), 3U);
+    EXPECT_EQ(columns.Item("COL_URL_VALUE").ColumnHeader, "URL");
+    EXPECT_EQ(columns.Item(std::size_t{2}).KeyName, "COL_URL_TAG");
+}
+
+TEST_F(ExportTest, theProjectAndTheEvidenceAreNotWrittenOver) {
+    const fs::path nvp = project.folder.path() / "case.nvp";
+    const fs::path evidence = folder.path() / "evidence";
+    fs::create_directories(evidence);
+    fs::create_symlink(nvp, folder.path() / "link.txt");
+    for (const fs::path &target : {nvp, fs::path(nvp.native() + "-wal"), folder.path() / "link.txt",
+                                   evidence / "x.txt", folder.path() / "other.nvp", evidence})
+        EXPECT_TRUE(refusalOf(target, {nvp, evidence})) << target;
+    EXPECT_FALSE(refusalOf(out, {nvp, evidence}));
+    EXPECT_FALSE(refusalOf(out, {nvp, "/"}));
+}
+
+} // namespace
+} // namespace nv
