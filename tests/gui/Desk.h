@@ -142,9 +142,10 @@ inline void openExample(Desk &desk, MainForm &form) {
     trigger(form, "actRefresh");
 }
 
-/// Lets timers and queued events run until `done`, at most a few seconds.
+/// Lets timers and queued events run until `done`; gives up when even a loaded machine would be
+/// done.
 inline bool waitFor(const std::function<bool()> &done) {
-    return QTest::qWaitFor(done, 5000);
+    return QTest::qWaitFor(done, 20'000);
 }
 
 } // namespace nv::test
