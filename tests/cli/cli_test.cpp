@@ -125,6 +125,32 @@ TEST_F(CliTest, anEmptyFolderIsToldAndIsNoFailure) {
     EXPECT_NE((run.out + run.err).find("No valid history or cache files found"), std::string::npos);
 }
 
+TEST_F(CliTest, aNamedFileThatIsNoArtefactIsToldWithAWayOut) {
+    makeChromeHistory(folder.path() / "copy" / "History", 3); // its folder tells nothing
+    const std::string file = (folder.path() / "copy" / "History").string();
+    const CliResult run = cli({"import", project.string(), file});
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_NE(run.err.find("--as READER"), std::string::npos) << run.err;
+    EXPECT_EQ(cli({"import", project.string(), file, "--as", "chrome-history"}).exit, 0);
+}
+
+TEST_F(CliTest, aProjectIsNeverMadeAmongTheEvidence) {
+    makeChromeHistory(evidence / "Chrome" / "Default" / "History", 3);
+    const fs::path inside = evidence / "Chrome" / "case.nvp";
+    const CliResult run = cli({"import", inside.string(), evidence.string()});
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_NE(run.err.find("lies in the evidence folder"), std::string::npos) << run.err;
+    EXPECT_FALSE(fs::exists(inside));
+}
+
+TEST_F(CliTest, aRowThatIsNotThereIsNotRebuilt) {
+    importThree();
+    const std::string out = (folder.path() / "pages").string();
+    const CliResult run = cli({"rebuild", project.string(), "99999", "--out", out});
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_NE(run.err.find("the project has no row 99999"), std::string::npos) << run.err;
+}
+
 TEST_F(CliTest, formatsThatAreNotReadYetAreListed) {
     folder.write("evidence/Safari/Cookies.plist", std::string(64, 'x'));
     const CliResult run = cli({"import", project.string(), evidence.string(), "--format", "json"});

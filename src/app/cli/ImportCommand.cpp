@@ -3,6 +3,7 @@
 #include "app/Messages.h"
 #include "app/Project.h"
 #include "app/cli/Commands.h"
+#include "app/cli/OutputPath.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "import/Scan.h"
@@ -26,6 +27,20 @@ void checkPaths(const ImportArguments &arguments) {
             throw UsageError(fmt::format("there is no file or folder \"{}\"", path));
     if (!arguments.base.empty() && !fs::is_directory(arguments.base))
         throw UsageError(fmt::format("the base folder \"{}\" does not exist", arguments.base));
+}
+
+/// Evidence is only read: a project among it would change what other tools see of it.
+void checkProjectPlace(const ImportArguments &arguments) {
+    for (const std::string &path : arguments.paths)
+        if (fs::is_directory(path))
+            refuseEvidence(arguments.project, fs::canonical(path));
+}
+
+/// Without the table of zones, local dates would be stored by a guess.
+void checkZones(const Program &program) {
+    if (!fs::exists(program.paths.zones()))
+        throw StorageFailure(fmt::format("the table of time zones is missing: \"{}\" was expected",
+                                         textOf(program.paths.zones())));
 }
 
 void checkZone(Session &session, std::int64_t id) {
@@ -104,6 +119,19 @@ ScanResult scanPath(Session &session, const ImportArguments &arguments, const fs
     return scan(program.import, session.task, program.log);
 }
 
+void tellGaps(Session &session, const fs::path &path, const ScanResult &found) {
+    for (const std::string &gap : found.gaps.unreadable)
+        session.err << "not readable: " << printable(gap) << '\n';
+    if (found.gaps.linksNotFollowed > 0)
+        session.err << fmt::format("{} links were not followed\n", found.gaps.linksNotFollowed);
+    // Whoever names a file expects it to be read.
+    if (fs::is_regular_file(path) && found.HistoryFiles.Count() == 0 && !found.cancelled)
+        session.err << fmt::format(
+            "\"{}\" is not known as an artefact by its name, place and first "
+            "bytes; --as READER takes it as one\n",
+            printable(textOf(path)));
+}
+
 /// Scans every path; false when the scan was cancelled.
 bool findArtefacts(Session &session, const ImportArguments &arguments) {
     ImportClass &job = session.program.import;
@@ -114,10 +142,7 @@ bool findArtefacts(Session &session, const ImportArguments &arguments) {
         for (const HistoryFile &file : found.HistoryFiles)
             if (isWanted(file, kinds))
                 job.HistoryFiles.Add(file);
-        for (const std::string &gap : found.gaps.unreadable)
-            session.err << "not readable: " << printable(gap) << '\n';
-        if (found.gaps.linksNotFollowed > 0)
-            session.err << fmt::format("{} links were not followed\n", found.gaps.linksNotFollowed);
+        tellGaps(session, path, found);
         if (found.cancelled)
             return false;
     }
@@ -177,6 +202,8 @@ Exit exitFor(const ImportSummary &summary) {
 
 Exit importCommand(Session &session, const ImportArguments &arguments) {
     checkPaths(arguments);
+    checkProjectPlace(arguments);
+    checkZones(session.program);
     checkZone(session, arguments.zone);
     checkKinds(arguments.kinds);
     checkAs(arguments);
@@ -199,7 +226,12 @@ Exit importCommand(Session &session, const ImportArguments &arguments) {
     closeProject(program);
     session.out << (arguments.json ? jsonText(jsonOf(summary), 2) + "\n"
                                    : printableLines(summaryText(summary)));
-    return exitFor(summary);
+    // A folder may well hold nothing; a file was named because it was thought to be one.
+    const bool unknown = summary.artefacts.empty() && !summary.cancelled &&
+                         std::ranges::any_of(arguments.paths, [](const std::string &path) {
+                             return fs::is_regular_file(path);
+                         });
+    return unknown ? Exit::usage : exitFor(summary);
 }
 
 } // namespace nv::cli

@@ -1,5 +1,6 @@
 #include "app/Project.h"
 #include "app/RebuildJob.h"
+#include "app/RebuildText.h"
 #include "app/cli/Commands.h"
 #include "app/cli/OutputPath.h"
 #include "base/Files.h"
@@ -31,6 +32,14 @@ std::vector<std::int64_t> chosenIds(Program &program, const RebuildArguments &ar
         return allPages(program);
     if (arguments.tagged)
         return taggedIds(program);
+    SQLite::Statement row(program.thisClass.ProjectDB.connection(),
+                          "SELECT 1 FROM URLs WHERE URL_ID = ?");
+    for (const std::int64_t id : arguments.ids) {
+        row.reset();
+        row.bind(1, id);
+        if (!row.executeStep())
+            throw UsageError(fmt::format("the project has no row {}", id));
+    }
     return arguments.ids;
 }
 
@@ -71,9 +80,7 @@ void add(Totals &totals, const RebuiltPage &page) {
 
 std::string lineOf(const RebuiltPage &page) {
     if (!page.rebuilt)
-        return fmt::format("{:>9}  not rebuilt: no references that can be replaced, or no cached "
-                           "content\n",
-                           page.URL_ID);
+        return fmt::format("{:>9}  not rebuilt: {}\n", page.URL_ID, reasonText(page.why));
     return fmt::format("{:>9}  {} tags found, {} replaced, {} missing  {}{}\n", page.URL_ID,
                        page.tagsFound, page.replaced, page.missing, textOf(page.folder.filename()),
                        page.thumbnail == Redrawn::failed ? "  thumbnail not drawn" : "");
