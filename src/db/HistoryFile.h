@@ -49,7 +49,7 @@ struct HistoryFile {
     std::uint64_t FileSize = 0;
     std::string FileParentPath; ///< the folder that holds the file, without a closing separator
     std::filesystem::path FullPath;
-    std::string MD5Hash; ///< of the whole file, lower-case hexadecimal
+    std::string MD5Hash;    ///< of the whole file, lower-case hexadecimal
     std::string SHA256Hash; ///< the same
     nv::HistoryFileType HistoryFileType = nv::HistoryFileType::none;
     std::string Version;

@@ -1,7 +1,7 @@
 #include "import/Scan.h"
 
-#include "base/Files.h"
 #include "base/Digest.h"
+#include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "import/FileMask.h"
