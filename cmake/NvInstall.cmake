@@ -1,7 +1,5 @@
 # What `cmake --install` puts where. The programs look for their files relative to themselves
 # (app/ProgramPaths.h, platform/ChildProcess.h), so an installed tree can be moved as a whole.
-include(GNUInstallDirs)
-
 set(NV_ID org.norvelane.Norvelane)
 
 # SOURCE_DATE_EPOCH in the environment fixes it: two builds of one commit are the same.
@@ -15,15 +13,26 @@ add_custom_command(
   DEPENDS norvelane-man
   COMMENT "Writing the manual page of norvelane-cli"
   VERBATIM)
-add_custom_target(nv_manual ALL DEPENDS "${cli_page}")
+
+# nv_packed(FILE FOLDER): FILE is installed into FOLDER packed, as Debian wants pages and changelogs.
+set(packed_files)
+function(nv_packed FILE FOLDER)
+  get_filename_component(name "${FILE}" NAME)
+  set(packed "${CMAKE_BINARY_DIR}/${name}.gz")
+  add_custom_command(OUTPUT "${packed}" COMMAND gzip -9nc "${FILE}" > "${packed}" DEPENDS "${FILE}" VERBATIM)
+  install(FILES "${packed}" DESTINATION "${FOLDER}")
+  set(packed_files ${packed_files} "${packed}" PARENT_SCOPE)
+endfunction()
 
 install(TARGETS norvelane-cli RUNTIME DESTINATION bin)
 install(TARGETS norvelane-jet RUNTIME DESTINATION libexec/norvelane)
 install(FILES "${CMAKE_BINARY_DIR}/nvTZ.dat" DESTINATION share/norvelane)
 install(DIRECTORY "${CMAKE_SOURCE_DIR}/data/keywords" DESTINATION share/norvelane)
 install(DIRECTORY "${CMAKE_BINARY_DIR}/images" DESTINATION share/norvelane)
-install(FILES "${cli_page}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
-install(FILES "${CMAKE_SOURCE_DIR}/README.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+nv_packed("${cli_page}" share/man/man1)
+string(TIMESTAMP NV_CHANGELOG_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
+configure_file("${CMAKE_SOURCE_DIR}/data/changelog.in" "${CMAKE_BINARY_DIR}/changelog" @ONLY)
+nv_packed("${CMAKE_BINARY_DIR}/changelog" share/doc/norvelane)
 
 # The licence of the zones' names is quoted as the field of a Debian copyright file.
 file(READ "${CMAKE_SOURCE_DIR}/data/time_zones_LICENSE.txt" UNICODE_LICENSE)
@@ -31,7 +40,7 @@ string(STRIP "${UNICODE_LICENSE}" UNICODE_LICENSE)
 string(REPLACE "\n\n" "\n.\n" UNICODE_LICENSE "${UNICODE_LICENSE}")
 string(REPLACE "\n" "\n " UNICODE_LICENSE " ${UNICODE_LICENSE}")
 configure_file("${CMAKE_SOURCE_DIR}/data/copyright.in" "${CMAKE_BINARY_DIR}/copyright" @ONLY)
-install(FILES "${CMAKE_BINARY_DIR}/copyright" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(FILES "${CMAKE_BINARY_DIR}/copyright" DESTINATION share/doc/norvelane)
 
 if(NV_GUI)
   set(desktop "${CMAKE_SOURCE_DIR}/data/desktop")
@@ -45,7 +54,8 @@ if(NV_GUI)
   install(FILES "${CMAKE_BINARY_DIR}/${NV_ID}.metainfo.xml" DESTINATION share/metainfo)
   install(FILES "${CMAKE_SOURCE_DIR}/data/images/norvelane-logo.svg" DESTINATION ${icons}/apps RENAME ${NV_ID}.svg)
   install(FILES "${desktop}/application-x-norvelane-project.svg" DESTINATION ${icons}/mimetypes)
-  install(FILES "${CMAKE_SOURCE_DIR}/docs/man/norvelane.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+  nv_packed("${CMAKE_SOURCE_DIR}/docs/man/norvelane.1" share/man/man1)
 endif()
+add_custom_target(nv_manual ALL DEPENDS ${packed_files})
 
 include(NvPackage)

@@ -2,6 +2,7 @@
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME norvelane)
 set(CPACK_PACKAGE_VENDOR "The Norvelane authors")
+# Who passes the package on puts an address in: cpack -D CPACK_PACKAGE_CONTACT="NAME <ADDRESS>".
 set(CPACK_PACKAGE_CONTACT "The Norvelane authors <norvelane@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "examine the caches and histories of web browsers")
 set(CPACK_PACKAGE_DESCRIPTION
