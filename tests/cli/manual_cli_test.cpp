@@ -19,6 +19,11 @@ std::string contentsOf(const std::filesystem::path &file) {
     return std::string(ByteView(bytes).raw());
 }
 
+/// A hyphen as troff has it.
+std::string escaped(const std::string &text) {
+    return std::regex_replace(text, std::regex("-"), "\\-");
+}
+
 /// The manual page and the README hold what the program says of itself.
 struct ManualTest : testing::Test {
     std::string help(std::vector<std::string> words) {
@@ -63,7 +68,7 @@ TEST_F(ManualTest, theReadmeShowsEveryCommand) {
 TEST_F(ManualTest, theManualPageHasEachCommandWithItsOptions) {
     const std::regex option("\n +(?:-\\w,)?(--[a-z-]+)");
     for (const std::string &command : commands()) {
-        const auto begin = manual.find("\n.SS \\&" + command + "\\&");
+        const auto begin = manual.find("\n.SS \\&" + escaped(command) + "\\&");
         ASSERT_NE(begin, std::string::npos) << command;
         const std::string section = manual.substr(begin, manual.find("\n.S", begin + 1) - begin);
         std::istringstream words(command);
@@ -71,7 +76,7 @@ TEST_F(ManualTest, theManualPageHasEachCommandWithItsOptions) {
             help({std::istream_iterator<std::string>(words), std::istream_iterator<std::string>()});
         for (std::sregex_iterator found(text.begin(), text.end(), option), end; found != end;
              ++found) {
-            const std::string name = std::regex_replace((*found)[1].str(), std::regex("-"), "\\-");
+            const std::string name = escaped((*found)[1].str());
             if (name != "\\-\\-help") {
                 EXPECT_THAT(section, HasSubstr(name)) << command;
             }

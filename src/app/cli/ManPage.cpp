@@ -112,8 +112,8 @@ std::string optionText(const CLI::Option &option) {
     else if (option.get_items_expected_max() == 0)
         text += fmt::format(".B {}\n", troff(namesOf(option)));
     else
-        text +=
-            fmt::format(".BI \"{} \" {}\n", troff(namesOf(option)), troff(option.get_type_name()));
+        text += fmt::format(".BI \"{} \" \"{}\"\n", troff(namesOf(option)),
+                            troff(option.get_type_name()));
     text += troff(option.get_description());
     if (!option.get_default_str().empty())
         text += fmt::format(" (default: {})", troff(option.get_default_str()));
