@@ -44,8 +44,9 @@ struct ManualTest : testing::Test {
     std::vector<std::string> commands() {
         std::vector<std::string> all;
         for (const std::string &command : commandsIn(help({}))) {
-            const auto inner = commandsIn(help({command}));
-            if (inner.empty())
+            const std::string text = help({command});
+            const auto inner = commandsIn(text);
+            if (inner.empty() || text.find("Positionals:") != std::string::npos)
                 all.push_back(command);
             for (const std::string &each : inner)
                 all.push_back(command + " " + each);

@@ -120,17 +120,23 @@ std::string optionText(const CLI::Option &option) {
     return text + '\n';
 }
 
+bool canBeCalled(const CLI::App &command) {
+    const auto options =
+        command.get_options([](const CLI::Option *option) { return !isHelp(*option); });
+    return !options.empty() ||
+           command.get_subcommands([](const CLI::App *) { return true; }).empty();
+}
+
 std::string commandText(const CLI::App &command, const std::string &name) {
     std::string text;
-    const auto inner = command.get_subcommands([](const CLI::App *) { return true; });
-    if (inner.empty()) {
+    if (canBeCalled(command)) {
         text = fmt::format(".SS {}{}\n{}\n", troff(name), troff(synopsisOf(command)),
                            troff(command.get_description()));
         for (const CLI::Option *option : command.get_options())
             if (!isHelp(*option))
                 text += optionText(*option);
     }
-    for (const CLI::App *each : inner)
+    for (const CLI::App *each : command.get_subcommands([](const CLI::App *) { return true; }))
         text += commandText(*each, name + " " + each->get_name());
     return text;
 }
@@ -140,7 +146,7 @@ std::string globalOptions(const CLI::App &app) {
     for (const CLI::Option *option : app.get_options())
         text += fmt::format(".TP\n.B {}\n{}\n", troff(namesOf(*option)),
                             troff(option->get_description()));
-    return text + "Of a command:\n.B norvelane\\-cli\n.I COMMAND\n.BR \\-\\-help .\n";
+    return text + ".PP\nOf a command:\n.B norvelane\\-cli\n.I COMMAND\n.BR \\-\\-help .\n";
 }
 
 } // namespace
