@@ -20,7 +20,7 @@ std::unique_ptr<Drawing> makeDrawing(const std::filesystem::path &scratch) {
     const auto program = companionProgram(kProgram);
     if (!program)
         throw StorageFailure("pictures and pages can't be drawn: norvelane-draw, which comes with "
-                             "the window, is not beside this program");
+                             "the window, was not found");
     return std::make_unique<DrawProgram>(program, scratch);
 }
 

@@ -145,7 +145,8 @@ fs::path tempFolderFrom(const Program &program) {
     const char *home = std::getenv("HOME");
     const bool harmless =
         fs::is_directory(named) && !holds(named, program.paths.program) &&
-        !holds(named, program.paths.home) && !(home && *home && holds(named, home)) &&
+        !holds(named, program.paths.home) && !holds(named, program.paths.config) &&
+        !holds(named, program.paths.state) && !(home && *home && holds(named, home)) &&
         (program.thisClass.ProjectDBPath.empty() || !holds(named, program.thisClass.ProjectDBPath));
     if (harmless)
         return named;

@@ -48,8 +48,9 @@ ChildResult runChild(const ChildCommand &command,
                      const std::function<bool(std::string_view line)> &take,
                      const std::function<bool()> &goOn);
 
-/// A program that belongs to this one: in its own folder, otherwise in the folder that the
-/// environment's NORVELANE_PROGRAMS names. Nothing when it is in neither.
+/// A program that belongs to this one: in its own folder; once installed, in ../libexec/norvelane;
+/// otherwise in the folder that the environment's NORVELANE_PROGRAMS names. Nothing when it is in
+/// none of them.
 std::optional<std::filesystem::path> companionProgram(std::string_view name);
 
 } // namespace nv

@@ -82,6 +82,7 @@ int main(int argc, char **argv) {
     prepareWebEngine();
     GuardedApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("norvelane"));
+    QApplication::setDesktopFileName(QStringLiteral("org.norvelane.Norvelane"));
     QApplication::setWindowIcon(icon("norvelane-logo"));
     try {
         SplashForm splash({});

@@ -12,6 +12,7 @@
 #include <system_error>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace nv {
 
@@ -277,14 +278,14 @@ ChildResult runChild(const ChildCommand &command,
 
 std::optional<std::filesystem::path> companionProgram(std::string_view name) {
     std::error_code error;
-    const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (const auto beside = self.parent_path() / name; std::filesystem::exists(beside, error))
-        return beside;
-    const char *folder = std::getenv("NORVELANE_PROGRAMS");
-    if (folder == nullptr || *folder == '\0')
-        return std::nullopt;
-    const auto named = std::filesystem::path(folder) / name;
-    return std::filesystem::exists(named, error) ? std::optional(named) : std::nullopt;
+    const auto own = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    std::vector<std::filesystem::path> folders{own, own.parent_path() / "libexec" / "norvelane"};
+    if (const char *named = std::getenv("NORVELANE_PROGRAMS"); named && *named)
+        folders.emplace_back(named);
+    for (const std::filesystem::path &folder : folders)
+        if (std::filesystem::exists(folder / name, error))
+            return folder / name;
+    return std::nullopt;
 }
 
 } // namespace nv

@@ -62,6 +62,19 @@ TEST_F(StartupTest, aFolderThatHoldsTheProgramIsNeverEmptied) {
     EXPECT_TRUE(fs::exists(paths.zones()));
 }
 
+TEST_F(StartupTest, aFolderThatHoldsTheSettingsOrTheLogsIsNeverEmptied) {
+    paths.config = folder.path() / "user" / "config";
+    paths.state = folder.path() / "other" / "state";
+    for (const char *named : {"user", "other"}) {
+        fs::create_directories(folder.path() / named);
+        const fs::path kept = folder.write(fs::path(named) / "kept.txt", "x");
+        folder.write("user/config/Norvelane.ini",
+                     "[DEFAULT]\nTempFolderPath=" + (folder.path() / named).string() + "\n");
+        EXPECT_EQ(start().thisClass.TempFolderPath, paths.state / "Temp");
+        EXPECT_TRUE(fs::exists(kept));
+    }
+}
+
 TEST_F(StartupTest, theHeadlessProgramLeavesTheTempFolderOfTheWindowAlone) {
     folder.write("home/Temp/of-the-window.txt", "x");
     folder.write("home/error.log", "of the window");
