@@ -53,6 +53,7 @@ class ReportClass {
     std::filesystem::path reportFolderPath;
     std::filesystem::path AgencyLogoPath;
     bool IncludeLinkAnalysis = false;
+    bool IncludeCaseTrail = false; ///< what was done with the project, behind the legend
     bool DisableScriptTags = false;
     std::string OriginalURL;
     std::string RebuiltDateTime;
