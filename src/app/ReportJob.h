@@ -18,7 +18,8 @@ class ReportTools {
     ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder);
 
     /// The driver: makes the report of `ids`, the rows of the table, or with `IncludeAll` off of
-    /// those that are ticked. True when it was finished, which the case trail then tells. Throws StorageFailure.
+    /// those that are ticked. True when it was finished, which the case trail then tells. Throws
+    /// StorageFailure.
     bool run(std::span<const std::int32_t> ids);
 
   private:

@@ -102,8 +102,8 @@ void noteTemplate(Program &program, const std::filesystem::path &file, const std
 void noteReport(Program &program, const ReportClass &report, std::int64_t rows) {
     TrailEntry entry;
     entry.Action = "Report";
-    entry.Detail = fmt::format("{} report of {} rows",
-                               report.ReportType == 0 ? "Graphical" : "Tabular", rows);
+    entry.Detail =
+        fmt::format("{} report of {} rows", report.ReportType == 0 ? "Graphical" : "Tabular", rows);
     entry.RowCount = rows;
     noteFileInTrail(program, std::move(entry), report.ReportFilePath);
 }
@@ -111,7 +111,8 @@ void noteReport(Program &program, const ReportClass &report, std::int64_t rows) 
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published) {
     TrailEntry entry;
     entry.Action = "Publish";
-    entry.Detail = fmt::format("{} files copied to {}", published.files, textOf(page.parent_path()));
+    entry.Detail =
+        fmt::format("{} files copied to {}", published.files, textOf(page.parent_path()));
     noteFileInTrail(program, std::move(entry), page);
 }
 

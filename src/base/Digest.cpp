@@ -94,9 +94,8 @@ constexpr std::uint64_t kBlock = std::uint64_t{1} << 20; ///< bytes
 std::optional<FileHashes> hashesOfFile(const std::filesystem::path &path,
                                        const std::function<bool(std::uint64_t)> &goOn) {
     BothHashes hashes;
-    const bool whole = readInBlocks(path, [&](std::string_view block, std::uint64_t) {
-        return hashes.add(block, goOn);
-    });
+    const bool whole = readInBlocks(
+        path, [&](std::string_view block, std::uint64_t) { return hashes.add(block, goOn); });
     return whole ? std::optional(hashes.take()) : std::nullopt;
 }
 

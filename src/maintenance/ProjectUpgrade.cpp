@@ -126,8 +126,8 @@ std::optional<TrailEntry> upgradeEntry(const ProjectLock &lock, const fs::path &
     TrailEntry entry;
     entry.Action = "Upgrade";
     entry.RowCount = fresh.execAndGet("SELECT count(*) FROM URLs").getInt64();
-    entry.Detail = fmt::format("{} rows moved into a new project; the file is the old one",
-                               entry.RowCount);
+    entry.Detail =
+        fmt::format("{} rows moved into a new project; the file is the old one", entry.RowCount);
     entry.FilePath = textOf(project) + ".old";
     entry.FileSize = static_cast<std::int64_t>(hashes->size);
     entry.MD5Hash = hashes->MD5;

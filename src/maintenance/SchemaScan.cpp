@@ -140,7 +140,8 @@ std::vector<std::string> leftBehindBy(SQLite::Database &database, const ProjectS
             addColumns(table, *wanted, lines);
             continue;
         }
-        const std::int64_t rows = isRemade(table.name) || isCaseTrail(table) ? 0 : rowsOf(database, table.name);
+        const std::int64_t rows =
+            isRemade(table.name) || isCaseTrail(table) ? 0 : rowsOf(database, table.name);
         if (rows > 0)
             lines.push_back(fmt::format("Table \"{}\" with {} {}", table.name, rows,
                                         rows == 1 ? "row" : "rows"));

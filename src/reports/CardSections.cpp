@@ -56,8 +56,8 @@ std::string linkSection(const ReportCard &card, const ReportContext &ctx) {
         row.bind(1, number(card.record.URLID));
         for (std::size_t item = 1; row.executeStep(); ++item)
             text += htmlRow({fmt::format("{}", item), row.getColumn(0).getString(),
-                              visitsText(row.getColumn(1).getInt64()),
-                              addressCell(row.getColumn(2).getString())});
+                             visitsText(row.getColumn(1).getInt64()),
+                             addressCell(row.getColumn(2).getString())});
         return text + std::string(kEnd);
     });
 }
@@ -84,8 +84,8 @@ std::string auditSection(const ReportCard &card, const fs::path &report, const R
         const auto value = [&row](int at) { return row.getColumn(at).getString(); };
         while (row.executeStep())
             text += htmlRow({htmlText(value(0)), htmlText(value(1)),
-                              statusCell(row.getColumn(3).getInt64(), trim(value(4)), card, report),
-                              htmlText(value(2))});
+                             statusCell(row.getColumn(3).getInt64(), trim(value(4)), card, report),
+                             htmlText(value(2))});
         return text + std::string(kEnd);
     });
 }

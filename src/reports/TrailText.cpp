@@ -15,16 +15,15 @@ namespace {
 std::string hashesCell(const TrailEntry &entry) {
     if (entry.MD5Hash.empty() && entry.SHA256Hash.empty())
         return {};
-    return fmt::format("MD5 {}<br>SHA-256 {}", htmlText(entry.MD5Hash),
-                       htmlText(entry.SHA256Hash));
+    return fmt::format("MD5 {}<br>SHA-256 {}", htmlText(entry.MD5Hash), htmlText(entry.SHA256Hash));
 }
 
 std::string rowOf(const TrailEntry &entry) {
     return htmlRow({std::to_string(entry.Trail_ID), htmlText(isoUtc(entry.ActionDateUTC)),
                     htmlText(entry.Action), htmlText(entry.Detail), std::to_string(entry.RowCount),
                     htmlText(entry.FilePath),
-                    entry.FilePath.empty() ? "" : std::to_string(entry.FileSize),
-                    hashesCell(entry), htmlText(entry.AppVersion)});
+                    entry.FilePath.empty() ? "" : std::to_string(entry.FileSize), hashesCell(entry),
+                    htmlText(entry.AppVersion)});
 }
 
 } // namespace

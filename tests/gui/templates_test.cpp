@@ -182,8 +182,8 @@ void TemplatesTest::theTemplateIsLaidOverTheCurrentPage() {
     QCOMPARE(rebuilt.data().toString(), QStringLiteral("Yes"));
     auto &pane = child<BrowserPane>(*m_form, "BrowserPane");
     child<QTabWidget>(*m_form, "viewerTabs").setCurrentWidget(&pane);
-    QVERIFY(waitFor([this] {
-        return child<QLabel>(*m_form, "labBrowserKind").text() == QStringLiteral("Rebuilt page");
+    QVERIFY(waitFor([&pane] {
+        return child<QLabel>(pane, "labBrowserKind").text() == QStringLiteral("Rebuilt page");
     }));
 }
 

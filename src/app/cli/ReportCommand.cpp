@@ -113,7 +113,8 @@ Exit reportCommand(Session &session, const ReportArguments &arguments) {
     }
     const fs::path index =
         ReportFolder::at(arguments.out).index(arguments.type == "graphical" ? 0 : 1);
-    session.out << fmt::format("{} rows reported, {} files written\n{}\n", rowsReported(program.thisClass.ProjectDB.connection()),
+    session.out << fmt::format("{} rows reported, {} files written\n{}\n",
+                               rowsReported(program.thisClass.ProjectDB.connection()),
                                published->files, textOf(index));
     closeProject(program);
     return Exit::ok;
