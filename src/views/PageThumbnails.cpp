@@ -107,7 +107,7 @@ bool CreateHTMLThumbnail(const fs::path &page, const fs::path &destination, UrlI
                          const ThumbnailContext &ctx) {
     const PageDrawing drawing{URL_ID, page, destination};
     Unwatched nobody;
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&]() -> bool {
         return CreateHTMLThumbnails(std::span(&drawing, 1), width, ctx, nobody).front();
     });
 }

@@ -40,9 +40,9 @@ class BrowserTest : public QObject {
 
   private:
     BrowserPane &pane() { return child<BrowserPane>(*m_form, "BrowserPane"); }
-    QWebEngineView &view() { return child<QWebEngineView>(*m_form, "browserView"); }
-    QString label(const char *name) { return child<QLabel>(*m_form, name).text(); }
-    QString location() { return child<QLineEdit>(*m_form, "txtLocation").text(); }
+    QWebEngineView &view() { return child<QWebEngineView>(pane(), "browserView"); }
+    QString label(const char *name) { return child<QLabel>(pane(), name).text(); }
+    QString location() { return child<QLineEdit>(pane(), "txtLocation").text(); }
     /// Brings the record up in the pane.
     void show(int id);
     QString pageText();
@@ -156,11 +156,11 @@ void BrowserTest::linksWithinTheFolderOpenAndLeadBack() {
     trigger(*m_form, "actRebuild");
     show(5);
     const QString first = location();
-    QVERIFY(!child<QPushButton>(*m_form, "btnBrowserBack").isEnabled());
+    QVERIFY(!child<QPushButton>(pane(), "btnBrowserBack").isEnabled());
     clickLink();
     QVERIFY(waitFor([&] { return location().endsWith(QStringLiteral("/0000002.gif")); }));
-    QVERIFY(waitFor([this] { return child<QPushButton>(*m_form, "btnBrowserBack").isEnabled(); }));
-    QTest::mouseClick(&child<QPushButton>(*m_form, "btnBrowserBack"), Qt::LeftButton);
+    QVERIFY(waitFor([this] { return child<QPushButton>(pane(), "btnBrowserBack").isEnabled(); }));
+    QTest::mouseClick(&child<QPushButton>(pane(), "btnBrowserBack"), Qt::LeftButton);
     QVERIFY(waitFor([&] { return location() == first; }));
 }
 
@@ -216,7 +216,7 @@ void BrowserTest::closingTheProjectBlanksThePane() {
 
 void BrowserTest::theLocationIsReadOnlyAndReachedByKeys() {
     show(1);
-    auto &text = child<QLineEdit>(*m_form, "txtLocation");
+    auto &text = child<QLineEdit>(pane(), "txtLocation");
     QVERIFY(text.isReadOnly());
     child<TableTab>(*m_form, "TableTab").grid().setFocus();
     for (int i = 0; i < 10 && m_form->focusWidget() != &text; ++i)

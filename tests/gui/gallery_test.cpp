@@ -77,7 +77,7 @@ void GalleryTest::init() {
     draw(2, 100, 100);
     draw(3, 468, 60);
     trigger(*m_form, "actRefresh");
-    child<QTabWidget>(*m_form, "dataTabs").setCurrentIndex(1);
+    child<QTabWidget>(*m_form, "dataTabs").setCurrentWidget(&child<QWidget>(*m_form, "GalleryTab"));
 }
 
 void GalleryTest::tilesHaveCaptionAndThumbnail() {

@@ -254,8 +254,8 @@ void HostileBrowserTest::aCachedPageOfAllElementsReachesNothing() {
     QTRY_VERIFY2(pane.refused() > 20, qPrintable(QString::number(pane.refused())));
     pause(kReaching);
     trigger(form, "actRebuild");
-    QVERIFY(waitFor([&form] {
-        return child<QLabel>(form, "labBrowserKind").text() == QStringLiteral("Rebuilt page");
+    QVERIFY(waitFor([&pane] {
+        return child<QLabel>(pane, "labBrowserKind").text() == QStringLiteral("Rebuilt page");
     }));
     QTRY_VERIFY2(pane.refused() > 20, qPrintable(QString::number(pane.refused())));
     pause(3 * kReaching);

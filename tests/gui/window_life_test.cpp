@@ -156,10 +156,10 @@ void WindowLifeTest::recentFilesAreInTheFileMenu() {
 }
 
 void WindowLifeTest::geometryAndTheViewersAreKept() {
-    m_form->resize(913, 611);
+    m_form->resize(1113, 711);
     trigger(*m_form, "actViewers");
     reopenWindow();
-    QCOMPARE(m_form->size(), QSize(913, 611));
+    QCOMPARE(m_form->size(), QSize(1113, 711));
     QVERIFY(!m_form->findChild<QAction *>(QStringLiteral("actViewers"))->isChecked());
     QVERIFY(child<QSplitter>(*m_form, "mainSplitter").widget(1)->isHidden());
 }
