@@ -62,8 +62,8 @@ void RebuildPart::rebuildOne(std::int64_t id) {
         RebuildTools tools(program, task, program.thisClass.TempFolderPath);
         if (const auto page = rebuildPage(program, tools, id))
             report.pages.push_back(*page);
-        noteRebuild(program, std::ranges::count(report.pages, true, &RebuiltPage::rebuilt) > 0, 1,
-                    TaskEnd::whole);
+        const auto rebuilt = std::ranges::count(report.pages, true, &RebuiltPage::rebuilt);
+        noteRebuild(program, static_cast<std::size_t>(rebuilt), 1, TaskEnd::whole);
     });
     showRebuilt(report);
 }

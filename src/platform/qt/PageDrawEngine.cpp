@@ -28,7 +28,7 @@ constexpr int kHighestScreen = 4096;
 /// picture is of the page before, and a page that paints slowly comes out white.
 constexpr std::chrono::milliseconds kSettling{50};
 /// A page that is white by itself or moves for ever is waited for no longer.
-constexpr std::chrono::milliseconds kLongestSettling{1000};
+constexpr std::chrono::milliseconds kLongestSettling{500};
 constexpr int kQuality = 85; ///< of the JPEG, in percent
 constexpr qint64 kLargestPage = qint64{64} << 20;
 

@@ -169,6 +169,20 @@ TEST_F(ProjectCommandsTest, saveAsOntoItselfByAnotherPathLosesNothing) {
     EXPECT_EQ(rows(), 1);
 }
 
+TEST_F(ProjectCommandsTest, saveAsTakesNothingFromTheLogOfWhatWasThere) {
+    const fs::path other = folder.path() / "other.nvp";
+    const fs::path log = other.native() + "-wal";
+    commands.OpenFile(other, OpenMode::newAtPath);
+    db().connection().exec("INSERT INTO URLs(URL) VALUES ('theirs')");
+    const Bytes crashed = readWhole(log);
+    commands.OpenFile(path, OpenMode::newAtPath);
+    writeWhole(log, ByteView(crashed).raw());
+    dialogs.answer = other;
+    EXPECT_TRUE(commands.SaveAs());
+    EXPECT_EQ(rows(), 0);
+    EXPECT_FALSE(fs::exists(other.native() + ".~export"));
+}
+
 TEST_F(ProjectCommandsTest, aFailedSaveAsStaysWithTheProject) {
     commands.OpenFile(path, OpenMode::newAtPath);
     dialogs.answer = folder.path() / "none" / "copy.nvp";
