@@ -28,7 +28,6 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 /// An entry for each file that the import took up.
 void noteImport(Program &program, const ImportSummary &summary);
 void noteVerify(Program &program, const SourceCheck &check);
-/// Nothing when no page was reached.
 void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end);
 /// The template's file is named; `outcome` is for people.
 void noteTemplate(Program &program, const std::filesystem::path &file, const std::string &outcome,

@@ -53,7 +53,6 @@ class ReportClass {
     std::filesystem::path reportFolderPath;
     std::filesystem::path AgencyLogoPath;
     bool IncludeLinkAnalysis = false;
-    bool IncludeCaseTrail = false; ///< what was done with the project, behind the legend
     bool DisableScriptTags = false;
     std::string OriginalURL;
     std::string RebuiltDateTime;
@@ -66,6 +65,7 @@ class ReportClass {
     std::string Visits;
     std::string PageFileName;
     std::string pageTitle;
+    bool IncludeCaseTrail = false; ///< what was done with the project, behind the legend
 
     static constexpr std::string_view kNoPicture = "images/report-default.png";
     static constexpr std::string_view kDefaultReportTitle =

@@ -102,7 +102,7 @@ void ReportPart::tellOf(const ReportTools &tools, bool finished) {
 /// The finished report comes to the front of the viewers.
 void ReportPart::showReport(const fs::path &page) {
     const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
-        m_bench.program.thisClass.Viewer.ReportURL = textOf(page);
+        m_bench.program.thisClass.Viewer.ReportURL = page.string();
         auto *pane = m_bench.viewers->findChild<ReportPane *>();
         pane->refresh();
         m_bench.viewers->setCurrentWidget(pane);

@@ -98,7 +98,7 @@ PageDrawEngine::PageDrawEngine() : m_profile(std::make_unique<GuardedProfile>())
 PageDrawEngine::~PageDrawEngine() = default;
 
 std::string PageDrawEngine::load(QWebEngineView &view, const DrawJob &job,
-                                 std::chrono::milliseconds timeout) {
+                                 std::chrono::milliseconds timeout, QImage &shot) {
     QEventLoop loop;
     const auto loading = std::make_shared<Loading>();
     loading->loop = &loop;
@@ -118,6 +118,8 @@ std::string PageDrawEngine::load(QWebEngineView &view, const DrawJob &job,
     QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
     view.load(QUrl::fromLocalFile(pathToQt(job.source)));
     loop.exec();
+    if (loading->outcome && loading->outcome->empty())
+        shot = settledShot(view, timeout);
     m_isStuck = !loading->outcome;
     return loading->outcome.value_or(fmt::format("The page was not ready within {} seconds.",
                                                  std::chrono::duration<double>(timeout).count()));
@@ -134,9 +136,10 @@ Drawn PageDrawEngine::draw(const DrawJob &job, std::chrono::milliseconds timeout
     m_profile->guard().protect(job.source);
     QWebEngineView view;
     showUnseen(view, job, *m_profile);
-    drawn.failure = load(view, job, timeout);
+    QImage shot;
+    drawn.failure = load(view, job, timeout, shot);
     if (drawn.failure.empty()) {
-        drawn.done = save(settledShot(view, timeout), job);
+        drawn.done = save(shot, job);
         if (!drawn.done)
             drawn.failure = "The thumbnail can't be written.";
     }

@@ -3,6 +3,7 @@
 #include "app/ProjectCommands.h"
 #include "app/RecentFiles.h"
 #include "app/TempFolder.h"
+#include "base/Files.h"
 #include "db/ProjectFields.h"
 #include "db/StoredQueries.h"
 #include "support/builders/IndexDat.h"
