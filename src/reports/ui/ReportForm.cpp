@@ -240,14 +240,15 @@ void ReportForm::followType() {
 }
 
 void ReportForm::previewLogo() {
+    if (m_logo->text().isEmpty())
+        return m_logoPreview->setText(tr("The program's logo is shown."));
     QImageReader reader(m_logo->text());
     reader.setDecideFormatFromContent(true);
     if (const QSize size = reader.size(); size.isValid())
         reader.setScaledSize(size.scaled(kPreview, Qt::KeepAspectRatio));
     const QImage logo = reader.read();
     if (logo.isNull())
-        m_logoPreview->setText(m_logo->text().isEmpty() ? tr("The program's logo is shown.")
-                                                        : tr("This is no picture."));
+        m_logoPreview->setText(tr("This is no picture."));
     else
         m_logoPreview->setPixmap(QPixmap::fromImage(logo));
 }
