@@ -9,6 +9,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/StoredQueries.h"
+#include "reports/ExportFile.h"
 
 #include <fmt/format.h>
 
@@ -20,11 +21,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The copy stands aside until it is whole: a failure leaves what was at `to`.
+/// The copy stands aside until it is whole: a failure leaves what was at `to`. The log that a crash
+/// left of that one would be read into the copy.
 void copyProject(const fs::path &from, const fs::path &to) {
-    const fs::path aside = to.native() + ".new";
-    copyToScratch(from, aside);
-    fs::rename(aside, to);
+    ExportFile copy(to);
+    copyToScratch(from, copy.aside());
+    copy.finish();
+    for (const char *suffix : {"-wal", "-shm", "-journal"})
+        fs::remove(to.native() + suffix);
 }
 
 bool isSameFile(const fs::path &one, const fs::path &other) {

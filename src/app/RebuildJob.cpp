@@ -1,6 +1,7 @@
 #include "app/RebuildJob.h"
 
 #include "app/RebuildThumbnails.h"
+#include "app/Trail.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildWebPage.h"
@@ -171,7 +172,13 @@ std::optional<RebuiltPage> rebuildPage(Program &program, RebuildTools &tools, st
 
 bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids,
                   const std::function<void(const RebuiltPage &)> &done) {
-    return RebuildRun(program, tools, ids).all(done);
+    std::size_t rebuilt = 0;
+    const bool whole = RebuildRun(program, tools, ids).all([&](const RebuiltPage &page) {
+        rebuilt += page.rebuilt ? 1 : 0;
+        done(page);
+    });
+    noteRebuild(program, rebuilt, ids.size(), whole ? TaskEnd::whole : TaskEnd::cancelled);
+    return whole;
 }
 
 bool hasFolder(const RebuildTools &tools, URLClass &page) {

@@ -75,7 +75,7 @@ std::optional<RebuiltPage> rebuildPage(Program &program, RebuildTools &tools, st
 
 /// Rebuilds each page in turn and hands on what became of it; a page that fails doesn't stop the
 /// run. Thumbnails are drawn for some ten pages at once, and these are handed on together.
-/// False when cancelled.
+/// The case trail tells of the run. False when cancelled.
 bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids,
                   const std::function<void(const RebuiltPage &)> &done);
 

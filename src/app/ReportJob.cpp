@@ -2,6 +2,7 @@
 
 #include "app/DrawingTools.h"
 #include "app/Project.h"
+#include "app/Trail.h"
 #include "base/Files.h"
 
 #include <fmt/format.h>
@@ -36,7 +37,7 @@ struct KeptFlag {
     bool ReportClass::*flag;
     bool byDefault;
 };
-constexpr std::array<KeptFlag, 7> kFlags = {{
+constexpr std::array<KeptFlag, 8> kFlags = {{
     {"UseCustomLogo", &ReportClass::UseCustomLogo, false},
     {"IncludeAudit", &ReportClass::IncludeAudit, false},
     {"IncludeLinkAnalysis", &ReportClass::IncludeLinkAnalysis, false},
@@ -44,6 +45,7 @@ constexpr std::array<KeptFlag, 7> kFlags = {{
     {"IncludeTimeRebuilt", &ReportClass::IncludeTimeRebuilt, true},
     {"IncludeDataSource", &ReportClass::IncludeDataSource, true},
     {"IncludeUser", &ReportClass::IncludeUser, true},
+    {"IncludeCaseTrail", &ReportClass::IncludeCaseTrail, false},
 }};
 
 struct KeptText {
@@ -61,7 +63,7 @@ constexpr std::array<KeptText, 4> kTexts = {{
 } // namespace
 
 ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder)
-    : m_rebuild(program, task, folder),
+    : m_program(program), m_rebuild(program, task, folder),
       m_drawing(canDraw() ? makeDrawing(folder) : nullptr), m_context{m_rebuild.context(),
                                                                       program.thisClass.GMTZone,
                                                                       program.around.clock,
@@ -84,7 +86,10 @@ bool ReportTools::run(std::span<const std::int32_t> ids) {
         report.CreateGraphicalReport(m_folder);
     else
         report.CreateTabularReport(m_folder);
-    return !report.Cancel && std::filesystem::is_regular_file(report.ReportFilePath);
+    if (report.Cancel || !std::filesystem::is_regular_file(report.ReportFilePath))
+        return false;
+    noteReport(m_program, report, rowsReported(ctx.project));
+    return true;
 }
 
 void readReportOptions(const IniFile &settings, ReportClass &report) {

@@ -18,10 +18,12 @@ class ReportTools {
     ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder);
 
     /// The driver: makes the report of `ids`, the rows of the table, or with `IncludeAll` off of
-    /// those that are ticked. True when it was finished. Throws StorageFailure.
+    /// those that are ticked. True when it was finished, which the case trail then tells. Throws
+    /// StorageFailure.
     bool run(std::span<const std::int32_t> ids);
 
   private:
+    Program &m_program;
     RebuildTools m_rebuild;
     std::unique_ptr<Drawing> m_drawing; ///< none when this build can't draw
     ReportContext m_context;

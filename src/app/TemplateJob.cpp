@@ -1,6 +1,7 @@
 #include "app/TemplateJob.h"
 
 #include "app/Messages.h"
+#include "app/Trail.h"
 #include "base/Files.h"
 #include "base/Trap.h"
 
@@ -149,6 +150,10 @@ LaidTemplates RebuildFromTemplates(Program &program, RebuildTools &tools,
         if (done)
             done(number(page.URLID), result);
     });
+    const auto rebuilt = static_cast<std::int64_t>(
+        laid.results.contains(Laid::rebuilt) ? laid.results.at(Laid::rebuilt) : 0);
+    for (const fs::path &file : templates)
+        noteTemplate(program, file, laidText(laid), rebuilt);
     return laid;
 }
 

@@ -44,7 +44,7 @@ struct LaidTemplates {
 };
 
 /// Lays the templates over each record in turn: what the last one that fits shows is what stays.
-/// `done` learns of each record.
+/// `done` learns of each record, and the case trail of each template.
 LaidTemplates RebuildFromTemplates(Program &program, RebuildTools &tools,
                                    std::span<const std::int64_t> ids,
                                    std::span<const std::filesystem::path> templates,

@@ -81,4 +81,47 @@ void noteVerify(Program &program, const SourceCheck &check) {
     noteInTrail(program, std::move(entry));
 }
 
+void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end) {
+    TrailEntry entry;
+    entry.Action = "Rebuild";
+    entry.Detail = fmt::format("{} of {} pages rebuilt{}", rebuilt, asked,
+                               end == TaskEnd::cancelled ? ", then cancelled" : "");
+    entry.RowCount = static_cast<std::int64_t>(rebuilt);
+    noteInTrail(program, std::move(entry));
+}
+
+void noteTemplate(Program &program, const std::filesystem::path &file, const std::string &outcome,
+                  std::int64_t rows) {
+    TrailEntry entry;
+    entry.Action = "Template";
+    entry.Detail = outcome;
+    entry.RowCount = rows;
+    noteFileInTrail(program, std::move(entry), file);
+}
+
+void noteReport(Program &program, const ReportClass &report, std::int64_t rows) {
+    TrailEntry entry;
+    entry.Action = "Report";
+    entry.Detail =
+        fmt::format("{} report of {} rows", report.ReportType == 0 ? "Graphical" : "Tabular", rows);
+    entry.RowCount = rows;
+    noteFileInTrail(program, std::move(entry), report.ReportFilePath);
+}
+
+void notePublish(Program &program, const std::filesystem::path &page, const Published &published) {
+    TrailEntry entry;
+    entry.Action = "Publish";
+    entry.Detail =
+        fmt::format("{} files copied to {}", published.files, textOf(page.parent_path()));
+    noteFileInTrail(program, std::move(entry), page);
+}
+
+void noteExport(Program &program, const ExportClass &job) {
+    TrailEntry entry;
+    entry.Action = "Export";
+    entry.Detail = fmt::format("{} rows exported as {}", job.counts.rows, extensionOf(job.format));
+    entry.RowCount = job.counts.rows;
+    noteFileInTrail(program, std::move(entry), job.OutputFilePath);
+}
+
 } // namespace nv

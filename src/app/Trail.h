@@ -4,7 +4,12 @@
 #include "db/CaseTrail.h"
 #include "import/ImportSummary.h"
 #include "maintenance/SourceCheck.h"
+#include "reports/ExportClass.h"
+#include "reports/PublishReport.h"
+#include "reports/ReportClass.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -13,6 +18,9 @@ namespace nv {
 // What the program adds to the case trail of the open project. A failure is logged and costs the
 // entry only: nobody's work stops because of it.
 
+/// How a task that is noted ended.
+enum class TaskEnd { whole, cancelled };
+
 /// Time and version are filled in.
 void noteInTrail(Program &program, TrailEntry entry);
 /// The same with a file that the program wrote or read, which is hashed now.
@@ -20,5 +28,14 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 /// An entry for each file that the import took up.
 void noteImport(Program &program, const ImportSummary &summary);
 void noteVerify(Program &program, const SourceCheck &check);
+void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end);
+/// The template's file is named; `outcome` is for people.
+void noteTemplate(Program &program, const std::filesystem::path &file, const std::string &outcome,
+                  std::int64_t rows);
+/// Of a finished one.
+void noteReport(Program &program, const ReportClass &report, std::int64_t rows);
+/// `page` is the index page in the folder that is handed over.
+void notePublish(Program &program, const std::filesystem::path &page, const Published &published);
+void noteExport(Program &program, const ExportClass &job);
 
 } // namespace nv

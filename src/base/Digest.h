@@ -10,6 +10,8 @@
 
 namespace nv {
 
+class FileReader;
+
 enum class DigestAlgorithm { md5, sha256 };
 
 /// A digest over bytes that arrive in pieces. Hexadecimal results are lower-case.
@@ -42,6 +44,9 @@ struct FileHashes {
 /// Both of a whole file, which is read once in blocks. `goOn` is asked after each block with the
 /// number of bytes read so far; false ends the reading and gives nothing. Throws FileFailure.
 std::optional<FileHashes> hashesOfFile(const std::filesystem::path &path,
+                                       const std::function<bool(std::uint64_t)> &goOn = {});
+/// The same of a file that is open already.
+std::optional<FileHashes> hashesOfFile(const FileReader &file,
                                        const std::function<bool(std::uint64_t)> &goOn = {});
 
 } // namespace nv

@@ -10,8 +10,6 @@ namespace nv {
 
 namespace {
 
-constexpr const char *kTable = "AuditTrail";
-
 constexpr const char *kInsert =
     "INSERT INTO AuditTrail (ActionDateUTC, Action, Detail, FilePath, FileSize, MD5Hash, "
     "SHA256Hash, RowCount, AppVersion) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)";
@@ -38,7 +36,7 @@ TrailEntry entryOf(SQLite::Statement &row) {
 } // namespace
 
 void CaseTrail::makeTable() {
-    if (m_database.tableExists(kTable))
+    if (m_database.tableExists(kCaseTrailTable))
         return;
     SchemaCatalogue(m_database).add(schema::auditTrail());
     m_database.exec(kGuards);
@@ -63,7 +61,7 @@ void CaseTrail::add(const TrailEntry &entry) {
 
 std::vector<TrailEntry> CaseTrail::entries() const {
     std::vector<TrailEntry> all;
-    if (!m_database.tableExists(kTable))
+    if (!m_database.tableExists(kCaseTrailTable))
         return all;
     SQLite::Statement row(m_database, kSelect);
     while (row.executeStep())

@@ -12,6 +12,8 @@ class Database;
 
 namespace nv {
 
+inline constexpr const char *kCaseTrailTable = "AuditTrail";
+
 /// One thing that was done with a project.
 struct TrailEntry {
     std::int64_t Trail_ID = 0; ///< in order of the doing
@@ -37,10 +39,10 @@ class CaseTrail {
     void add(const TrailEntry &entry);
     /// In order of the doing.
     std::vector<TrailEntry> entries() const;
-
-  private:
+    /// Where there is none yet.
     void makeTable();
 
+  private:
     SQLite::Database &m_database;
 };
 

@@ -1,8 +1,10 @@
 #include "maintenance/ProjectUpgrade.h"
 
+#include "base/Digest.h"
 #include "base/Files.h"
 #include "base/Replace.h"
 #include "base/Trap.h"
+#include "db/CaseTrail.h"
 #include "db/Connection.h"
 #include "db/DatabaseClass.h"
 #include "db/SqliteErrors.h"
@@ -14,6 +16,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace nv {
@@ -67,11 +70,21 @@ class Migration {
                 done(table);
             ++place;
         }
+        if (!moveCaseTrail())
+            return false;
         moveRowNumbers(m_from, m_to);
         return true;
     }
 
   private:
+    /// What was done with the case isn't lost with the old file. Its numbers and guards stay.
+    bool moveCaseTrail() {
+        if (!m_from.tableExists(kCaseTrailTable))
+            return true;
+        CaseTrail(m_to).makeTable();
+        SubTask part(m_task, 1, 1);
+        return moveOne(kCaseTrailTable, part);
+    }
     bool moveOne(const std::string &table, TaskMonitor &part) {
         if (!m_from.tableExists(table))
             return m_task.advance(0);
@@ -101,6 +114,26 @@ void swapIn(const fs::path &fresh, const fs::path &project, const ProjectLock &l
     replaceDurably(oldAside, project.native() + ".old");
     showStatus(task, "Replacing: " + textOf(project));
     replaceDurably(aside, project);
+}
+
+/// The new project tells which file its rows come from. Nothing when stopped.
+std::optional<TrailEntry> upgradeEntry(const ProjectLock &lock, const fs::path &project,
+                                       SQLite::Database &fresh, TaskMonitor &task) {
+    showStatus(task, "Hashing: " + textOf(project));
+    const auto hashes =
+        hashesOfFile(lock.bytes(), [&task](std::uint64_t) { return task.advance(1); });
+    if (!hashes)
+        return std::nullopt;
+    TrailEntry entry;
+    entry.Action = "Upgrade";
+    entry.RowCount = fresh.execAndGet("SELECT count(*) FROM URLs").getInt64();
+    entry.Detail =
+        fmt::format("{} rows moved into a new project; the file is the old one", entry.RowCount);
+    entry.FilePath = textOf(project) + ".old";
+    entry.FileSize = static_cast<std::int64_t>(hashes->size);
+    entry.MD5Hash = hashes->MD5;
+    entry.SHA256Hash = hashes->SHA256;
+    return entry;
 }
 
 /// Removes what lies beside the project of a swap that didn't come to its end.
@@ -165,6 +198,19 @@ void ProjectUpgrade::stampWhenOlder() {
     });
 }
 
+/// False when stopped.
+bool ProjectUpgrade::noteFix(SQLite::Database &fresh, const fs::path &project,
+                             const ProjectLock &lock, TaskMonitor &task) const {
+    auto entry = upgradeEntry(lock, project, fresh, task);
+    if (!entry)
+        return false;
+    entry->ActionDateUTC = Date::fromTimePoint(m_clock.now());
+    entry->AppVersion =
+        fmt::format("{}.{}.{}", m_build.AppMajor, m_build.AppMinor, m_build.AppRevision);
+    CaseTrail(fresh).add(*entry);
+    return true;
+}
+
 FixOutcome ProjectUpgrade::fix(TaskMonitor &task,
                                const std::function<void(std::string_view)> &tableDone) {
     const fs::path project = followed(m_where.project);
@@ -174,10 +220,12 @@ FixOutcome ProjectUpgrade::fix(TaskMonitor &task,
     DatabaseClass fresh(m_log, m_clock);
     createTemplate(fresh, temp, m_where.KeywordFolder);
     FixOutcome outcome;
-    const bool moved = onFile(project, [&] {
+    bool moved = onFile(project, [&] {
         const auto from = connect(project, Access::read);
         return Migration(*from, fresh.connection(), task).moveTables(tableDone);
     });
+    if (moved)
+        moved = noteFix(fresh.connection(), project, lock, task);
     if (moved) {
         remakeViews(fresh.connection(), m_log, outcome.notes);
         if (!stampVersion(fresh.connection(), m_log, m_build))

@@ -11,7 +11,13 @@
 #include <string>
 #include <vector>
 
+namespace SQLite {
+class Database;
+}
+
 namespace nv {
+
+class ProjectLock;
 
 struct UpgradeWhere {
     std::filesystem::path project; ///< closed; nobody else may have it open for a fix
@@ -47,6 +53,8 @@ class ProjectUpgrade {
   private:
     std::filesystem::path temporary(const char *name) const;
     void stampWhenOlder();
+    bool noteFix(SQLite::Database &fresh, const std::filesystem::path &project,
+                 const ProjectLock &lock, TaskMonitor &task) const;
 
     UpgradeWhere m_where;
     AppBuild m_build;

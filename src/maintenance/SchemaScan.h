@@ -27,7 +27,8 @@ struct SchemaDifference {
 };
 inline constexpr std::string_view kDifferenceHeadings[] = {"TABLE", "OBJECT", "NAME", "STATUS"};
 
-/// Tables that a fix moves, in the order of its moving.
+/// Tables that a fix moves, in the order of its moving. The case trail, where there is one, comes
+/// behind them.
 inline constexpr std::string_view kMovedTables[] = {
     "DefaultSettings", "StoredQueries", "SourceFiles", "URLs",        "Links",
     "URLMetaData",     "Tags",          "TagOptions",  "LinkAnalysis"};

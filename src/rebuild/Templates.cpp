@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Md5.h"
+#include "base/Replace.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
@@ -112,6 +113,15 @@ bool applyTemplate(URLClass &page, const fs::path &file, const RebuildContext &c
     return true;
 }
 
+/// What was there stays until the new file is whole; a link of that name is replaced itself.
+void writeInPlaceOf(const fs::path &target, std::string_view bytes) {
+    const fs::path aside = target.native() + ".~new";
+    std::error_code ignored;
+    fs::remove(aside, ignored);
+    writeWhole(aside, bytes);
+    replaceDurably(aside, target);
+}
+
 bool isAllowed(char c) {
     return static_cast<unsigned char>(c) >= 0x20 &&
            std::string_view("\\/:*?\"<>|").find(c) == std::string_view::npos;
@@ -156,7 +166,7 @@ TemplateResult CreateTemplate(const URLClass &page, const fs::path &templates,
             return TemplateResult::exists;
         auto records = recordsOf(page, folder);
         fs::create_directories(templates);
-        writeWhole(target, templateBytes(records, page.WebpageTitle, version));
+        writeInPlaceOf(target, templateBytes(records, page.WebpageTitle, version));
         return TemplateResult::made;
     };
     return trapped(ctx.log, Severity::Warning, "MainForm.CreateTemplate()", kContactSupport,

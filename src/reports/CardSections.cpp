@@ -14,33 +14,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kHeadCell = "<td bgcolor='#E0E0E0' style='font-size:10px;'><strong>";
-
 std::string heading(std::string_view title, std::string_view text) {
     return fmt::format(
         "<tr><td colspan='3' bgcolor='#5E5E5E' style='font-size:11px;color:white;padding:3px;'>"
         "<strong>{}</strong></td></tr>\r\n<tr><td colspan='3' "
         "style='font-size:11px;padding:3px;'>{}\r\n",
         title, text);
-}
-
-std::string openTable(std::string_view name, std::initializer_list<std::string_view> columns) {
-    std::string text = fmt::format("<table name='{}' width='100%' border='1' cellspacing='0' "
-                                   "cellpadding='2' style='border-collapse:collapse;'>\r\n<tr>",
-                                   name);
-    for (const std::string_view column : columns)
-        text += fmt::format("{}{}</strong></td>", kHeadCell, column);
-    return text + "</tr>\r\n";
-}
-
-/// The cells are HTML.
-std::string tableRow(std::initializer_list<std::string> cells) {
-    std::string text = "<tr>";
-    for (const std::string &cell : cells)
-        text += fmt::format("<td valign='top' style='font-size:10px;overflow-wrap:anywhere;'>{}"
-                            "</td>",
-                            cell.empty() ? "&nbsp;" : cell);
-    return text + "</tr>\r\n";
 }
 
 constexpr std::string_view kEnd = "</table></td></tr>\r\n";
@@ -68,7 +47,7 @@ std::string linkSection(const ReportCard &card, const ReportContext &ctx) {
     std::string text = heading("LINK ANALYSIS INFORMATION",
                                "The following is a list of VISITED hyperlinks that were contained "
                                "within the above web page.") +
-                       openTable("Table3", {"Item", "URL_ID", "Visits", "URL"});
+                       htmlTable("Table3", {"Item", "URL_ID", "Visits", "URL"});
     return onProject([&] {
         SQLite::Statement row(ctx.rebuild.project,
                               "SELECT URL_ID, Visits, URL FROM URLs WHERE URL_ID IN (SELECT "
@@ -76,9 +55,9 @@ std::string linkSection(const ReportCard &card, const ReportContext &ctx) {
                               "ORDER BY Visits DESC, ActionDateUTC DESC, URL_ID");
         row.bind(1, number(card.record.URLID));
         for (std::size_t item = 1; row.executeStep(); ++item)
-            text += tableRow({fmt::format("{}", item), row.getColumn(0).getString(),
-                              visitsText(row.getColumn(1).getInt64()),
-                              addressCell(row.getColumn(2).getString())});
+            text += htmlRow({fmt::format("{}", item), row.getColumn(0).getString(),
+                             visitsText(row.getColumn(1).getInt64()),
+                             addressCell(row.getColumn(2).getString())});
         return text + std::string(kEnd);
     });
 }
@@ -94,7 +73,7 @@ std::string auditSection(const ReportCard &card, const fs::path &report, const R
     std::string text =
         heading("AUDIT INFORMATION",
                 "The following is a list of TAGS that have been replaced within the file.") +
-        openTable("Table4", {"Original Tag", "New Tag", "Status", "Accuracy Score"});
+        htmlTable("Table4", {"Original Tag", "New Tag", "Status", "Accuracy Score"});
     return onProject([&] {
         SQLite::Statement row(ctx.rebuild.project,
                               "SELECT Tags.OriginalTag, Tags.NewTag, Tags.AccuracyScore, "
@@ -104,9 +83,9 @@ std::string auditSection(const ReportCard &card, const fs::path &report, const R
         row.bind(1, number(card.record.URLID));
         const auto value = [&row](int at) { return row.getColumn(at).getString(); };
         while (row.executeStep())
-            text += tableRow({htmlText(value(0)), htmlText(value(1)),
-                              statusCell(row.getColumn(3).getInt64(), trim(value(4)), card, report),
-                              htmlText(value(2))});
+            text += htmlRow({htmlText(value(0)), htmlText(value(1)),
+                             statusCell(row.getColumn(3).getInt64(), trim(value(4)), card, report),
+                             htmlText(value(2))});
         return text + std::string(kEnd);
     });
 }

@@ -3,6 +3,8 @@
 #include "base/Text.h"
 #include "views/CellText.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 
@@ -58,6 +60,25 @@ std::string htmlAddress(std::string_view value) {
 bool isLink(std::string_view url) {
     return std::ranges::any_of(
         kSchemes, [url](std::string_view scheme) { return startsWithNoCase(url, scheme); });
+}
+
+std::string htmlTable(std::string_view name, std::initializer_list<std::string_view> columns) {
+    std::string text = fmt::format("<table name='{}' width='100%' border='1' cellspacing='0' "
+                                   "cellpadding='2' style='border-collapse:collapse;'>\r\n<tr>",
+                                   name);
+    for (const std::string_view column : columns)
+        text += fmt::format(
+            "<td bgcolor='#E0E0E0' style='font-size:10px;'><strong>{}</strong></td>", column);
+    return text + "</tr>\r\n";
+}
+
+std::string htmlRow(std::initializer_list<std::string> cells) {
+    std::string text = "<tr>";
+    for (const std::string &cell : cells)
+        text += fmt::format("<td valign='top' style='font-size:10px;overflow-wrap:anywhere;'>{}"
+                            "</td>",
+                            cell.empty() ? "&nbsp;" : cell);
+    return text + "</tr>\r\n";
 }
 
 } // namespace nv

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -20,5 +21,10 @@ std::string htmlAddress(std::string_view value);
 
 /// Whether a URL may be a link: http, https, ftp and file. A "javascript:" is no place to go to.
 bool isLink(std::string_view url);
+
+/// The beginning of a table with its line of headings; "</table>" ends it.
+std::string htmlTable(std::string_view name, std::initializer_list<std::string_view> columns);
+/// The cells are HTML.
+std::string htmlRow(std::initializer_list<std::string> cells);
 
 } // namespace nv

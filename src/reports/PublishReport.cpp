@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace nv {
@@ -45,10 +47,38 @@ void show(std::size_t n, std::size_t total, const fs::path &file, TaskMonitor &t
     task.show(step);
 }
 
+/// A folder of this name that is a link would lead the copies elsewhere, perhaps into evidence.
+void makeFolder(const fs::path &folder) {
+    if (fs::is_symlink(fs::symlink_status(folder)))
+        throw std::runtime_error(fmt::format(
+            "\"{}\" is a link to another place: nothing is written there", textOf(folder)));
+    fs::create_directories(folder);
+}
+
+/// The page of a report whose files didn't all arrive must not pass for one.
+class HalfPublished {
+  public:
+    explicit HalfPublished(fs::path index) : m_index(std::move(index)) {}
+    ~HalfPublished() {
+        std::error_code ignored;
+        if (!m_isWhole)
+            fs::remove(m_index, ignored);
+    }
+    HalfPublished(const HalfPublished &) = delete;
+    HalfPublished &operator=(const HalfPublished &) = delete;
+    void becomeWhole() { m_isWhole = true; }
+
+  private:
+    fs::path m_index;
+    bool m_isWhole = false;
+};
+
 } // namespace
 
 void removePublished(const fs::path &target) {
     const ReportFolder old = ReportFolder::at(target);
+    if (!isReportThere(old, 0) && !isReportThere(old, 1))
+        return;
     for (const fs::path &path : {old.index(0), old.index(1), old.images(), old.pictures()})
         fs::remove_all(path);
     old.removeRowFolders();
@@ -63,6 +93,7 @@ Published PublishReport(const ReportFolder &report, int ReportType, const fs::pa
     task.describe({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""});
     const auto files = filesOf(report, ReportType);
     Published published;
+    HalfPublished half(ReportFolder::at(target).index(ReportType));
     for (const fs::path &file : files) {
         show(published.files + 1, files.size(), file, task);
         if (!task.advance(static_cast<double>(published.files) /
@@ -71,10 +102,12 @@ Published PublishReport(const ReportFolder &report, int ReportType, const fs::pa
             return published;
         }
         const fs::path copy = target / file.lexically_relative(report.path);
-        fs::create_directories(copy.parent_path());
+        if (copy.parent_path() != target)
+            makeFolder(copy.parent_path());
         copyToScratch(file, copy);
         ++published.files;
     }
+    half.becomeWhole();
     return published;
 }
 

@@ -9,6 +9,7 @@
 #include "reports/ReportValues.h"
 #include "reports/SortTable.h"
 #include "reports/TabularText.h"
+#include "reports/TrailText.h"
 #include "views/DateIndex.h"
 
 #include <fmt/format.h>
@@ -111,6 +112,8 @@ void ReportClass::create(const fs::path &folder, int type, Entries entries) {
     if (!Cancel) {
         PrintEntry(file, "</td></tr></table>");
         PrintEntry(file, kLegend);
+        if (IncludeCaseTrail)
+            PrintEntry(file, trailSection(m_ctx));
         CreateFooter(file);
     }
     check(file, m_folder.unfinished());

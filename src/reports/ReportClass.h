@@ -65,6 +65,7 @@ class ReportClass {
     std::string Visits;
     std::string PageFileName;
     std::string pageTitle;
+    bool IncludeCaseTrail = false; ///< what was done with the project, behind the legend
 
     static constexpr std::string_view kNoPicture = "images/report-default.png";
     static constexpr std::string_view kDefaultReportTitle =

@@ -35,6 +35,11 @@ Walk fillSortTable(SQLite::Database &project, std::span<const std::int32_t> ids,
     });
 }
 
+std::int64_t rowsReported(SQLite::Database &project) {
+    return onProject(
+        [&] { return project.execAndGet("SELECT count(*) FROM URLSortTable").getInt64(); });
+}
+
 RowIds sortedRows(SQLite::Database &project, DateOrder order) {
     return onProject([&] {
         RowIds ids;

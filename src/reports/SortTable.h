@@ -3,6 +3,7 @@
 #include "base/TaskMonitor.h"
 #include "views/IdLoader.h"
 
+#include <cstdint>
 #include <span>
 
 namespace SQLite {
@@ -17,6 +18,9 @@ namespace nv {
 enum class ReportRows { all, tagged };
 Walk fillSortTable(SQLite::Database &project, std::span<const std::int32_t> ids, ReportRows rows,
                    TaskMonitor &task);
+
+/// How many rows that list holds.
+std::int64_t rowsReported(SQLite::Database &project);
 
 enum class DateOrder { oldestFirst, newestFirst };
 /// The rows of `URLSortTable` by their local date, equal ones by id. Throws what the project can't

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // Enough that starting to draw doesn't count, few enough copies of evidence in scratch.
-constexpr std::size_t kBatch = 32;
+constexpr std::size_t kBatch = 128;
 constexpr std::string_view kScratchName = "~thumbs";
 
 /// The run's own folder below the scratch folder, gone at its end.

@@ -1,3 +1,4 @@
+#include "base/Digest.h"
 #include "base/Files.h"
 #include "cli/CliRun.h"
 #include "support/TempFolder.h"
@@ -48,6 +49,24 @@ TEST_F(TrailCliTest, verifyTellsWhetherEvidenceIsAsItWas) {
     fs::remove(evidence / "index.dat");
     EXPECT_THAT(cli({"verify", project}).out, HasSubstr("gone"));
     EXPECT_THAT(cli({"trail", project}).out, HasSubstr("Verify"));
+}
+
+TEST_F(TrailCliTest, whatIsWrittenIsInTheTrail) {
+    const fs::path out = folder.path() / "report";
+    const fs::path file = folder.path() / "rows.csv";
+    EXPECT_EQ(cli({"export", project, file.string()}).exit, 0);
+    EXPECT_EQ(cli({"report", project, "--type", "tabular", "--out", out.string(), "--trail"}).exit,
+              0);
+    EXPECT_EQ(cli({"rebuild", project, "1", "--out", (folder.path() / "pages").string()}).exit, 0);
+    const std::string trail = cli({"trail", project, "--format", "jsonl"}).out;
+    EXPECT_THAT(trail, HasSubstr(R"("Action":"Export","Detail":"1 rows exported as csv")"));
+    EXPECT_THAT(trail, HasSubstr(hashesOfFile(file).value().SHA256));
+    EXPECT_THAT(trail, HasSubstr(R"("Action":"Report","Detail":"Tabular report of 1 rows")"));
+    EXPECT_THAT(trail, HasSubstr(R"("Action":"Publish")"));
+    EXPECT_THAT(trail, HasSubstr(hashesOfFile(out / "index-history.htm").value().SHA256));
+    EXPECT_THAT(trail, HasSubstr(R"("Action":"Rebuild","Detail":"0 of 1 pages rebuilt")"));
+    const Bytes page = readWhole(out / "index-history.htm");
+    EXPECT_THAT(std::string(ByteView(page).raw()), HasSubstr("1 rows exported as csv"));
 }
 
 TEST_F(TrailCliTest, aFileThatIsNoProjectIsRefused) {

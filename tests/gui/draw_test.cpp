@@ -39,6 +39,7 @@ class DrawTest : public QObject {
     void aVectorPictureIsRefused();
     void anOldTargetNeverPassesForADrawing();
     void aPageIsDrawnAsItLooks();
+    void aPageThatPaintsLateIsWaitedFor();
     void pagesAndPicturesMayBeMixed();
     void aHostilePageReachesNothing();
     void aPageThatNeverEndsTimesOutAlone();
@@ -276,6 +277,17 @@ void DrawTest::anOldTargetNeverPassesForADrawing() {
     m_folder->write("target0", "an older drawing");
     QVERIFY(!draw()[0].done);
     QVERIFY(!fs::exists(target(0)));
+}
+
+void DrawTest::aPageThatPaintsLateIsWaitedFor() {
+    addPage("<style>@keyframes late { to { background: red } } body { background: white; "
+            "animation: late 0s linear .2s forwards }</style><body>&nbsp;");
+    addPage("<body bgcolor=white>");
+    const auto all = draw();
+    QVERIFY2(all[0].done, all[0].failure.c_str());
+    QVERIFY(isNear(drawing(0).pixel(160, 120), Qt::red));
+    QVERIFY2(all[1].done, all[1].failure.c_str());
+    QVERIFY(isNear(drawing(1).pixel(160, 120), Qt::white));
 }
 
 void DrawTest::aPageIsDrawnAsItLooks() {

@@ -1,6 +1,8 @@
 #include "base/Files.h"
 #include "gui/CachedSite.h"
+#include "platform/qt/PageGuard.h"
 #include "reports/ui/ReportForm.h"
+#include "views/ui/BrowserPane.h"
 #include "views/ui/TableTab.h"
 
 #include <QCheckBox>
@@ -10,7 +12,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabWidget>
 #include <QTest>
+#include <QWebEngineView>
 #include <SQLiteCpp/Database.h>
 
 // Making and publishing reports from the window.
@@ -29,6 +33,7 @@ class ReportTest : public QObject {
     void aReportIsMadeOfTheRowsInView();
     void taggedRowsAreOfferedFirst();
     void optionsAreKept();
+    void aFinishedReportComesToTheFront();
     void aReportIsPublished();
     void withoutAReportThereIsNothingToPublish();
     void nothingIsPublishedIntoTheEvidence();
@@ -127,6 +132,27 @@ void ReportTest::optionsAreKept() {
     trigger(*m_form, "actCreateReport");
 }
 
+void ReportTest::aFinishedReportComesToTheFront() {
+    const auto shownText = [this] {
+        auto text = std::make_shared<QString>();
+        child<QWebEngineView>(child<BrowserPane>(*m_form, "ReportBrowser"), "browserView")
+            .page()
+            ->toPlainText([text](const QString &all) { *text = all; });
+        QTest::qWait(50);
+        return *text;
+    };
+    make(2, [](ReportForm &form) {
+        child<QLineEdit>(form, "txtReportTitle").setText(QStringLiteral("First findings"));
+    });
+    QCOMPARE(child<QTabWidget>(*m_form, "viewerTabs").currentWidget()->objectName(),
+             QStringLiteral("ReportPane"));
+    QTRY_VERIFY(shownText().contains(QStringLiteral("First findings")));
+    make(2, [](ReportForm &form) {
+        child<QLineEdit>(form, "txtReportTitle").setText(QStringLiteral("Second findings"));
+    });
+    QTRY_VERIFY(shownText().contains(QStringLiteral("Second findings")));
+}
+
 void ReportTest::aReportIsPublished() {
     make(2);
     const fs::path target = m_desk->folder.path() / "published";
@@ -172,5 +198,11 @@ void ReportTest::aCancelLeavesNoReport() {
 
 } // namespace nv
 
-QTEST_MAIN(nv::ReportTest)
+int main(int argc, char **argv) {
+    nv::prepareWebEngine();
+    QApplication application(argc, argv);
+    nv::ReportTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "report_test.moc"

@@ -4,12 +4,14 @@
 #include "reports/ui/ExportForm.h"
 #include "views/ui/TableTab.h"
 
+#include <QAction>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMap>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -33,6 +35,7 @@ class UpgradeExportTest : public QObject {
     void anEmptyPathStopsTheExport();
     void cancelInTheDialogWritesNothing();
     void aNameFollowsItsFormat();
+    void noKeysMeanTwoCommands();
 
   private:
     static void click(QWidget &parent, const char *name) {
@@ -185,6 +188,22 @@ void UpgradeExportTest::aNameFollowsItsFormat() {
     QVERIFY(!job.ExportAllRows);
     QCOMPARE(job.OutputFileExt, std::string("txt"));
     QCOMPARE(job.SelectedColumns.Count(), std::size_t{2});
+}
+
+/// Keys of two commands run neither.
+void UpgradeExportTest::noKeysMeanTwoCommands() {
+    Desk desk;
+    MainForm form(desk.program, desk.dialogs);
+    QMap<QString, QString> commands;
+    for (const QAction *action : form.findChildren<QAction *>()) {
+        if (action->shortcutContext() != Qt::WindowShortcut || action->shortcut().isEmpty())
+            continue;
+        const QString keys = action->shortcut().toString();
+        QVERIFY2(!commands.contains(keys),
+                 qPrintable(keys + u' ' + commands.value(keys) + u' ' + action->objectName()));
+        commands.insert(keys, action->objectName());
+    }
+    QVERIFY(commands.size() > 5);
 }
 
 } // namespace nv

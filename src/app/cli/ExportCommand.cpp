@@ -1,4 +1,5 @@
 #include "app/Project.h"
+#include "app/Trail.h"
 #include "app/cli/ExportCommands.h"
 #include "app/cli/LoadedTable.h"
 #include "base/Files.h"
@@ -83,6 +84,8 @@ Exit exportCommand(Session &session, const ExportArguments &arguments) {
             if (arguments.tagged)
                 selectTagged(job, table, project);
             end = exportRows(job, table, session.scratch(), session.task);
+            if (end == ExportEnd::exported)
+                noteExport(session.program, job);
         }
     }
     session.task.clear();

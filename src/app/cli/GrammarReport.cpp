@@ -30,6 +30,7 @@ void Grammar::addReport() {
     c->add_flag("--data-source,!--no-data-source", m_report.dataSource,
                 "Column of a tabular report (on)");
     c->add_flag("--user,!--no-user", m_report.user, "Column of a tabular report (on)");
+    c->add_flag("--trail,!--no-trail", m_report.trail, "What was done with the case (off)");
     c->add_option("--url-width", m_report.urlWidth, "Width of the URL column in pixels")
         ->check(CLI::PositiveNumber);
     c->add_flag("--no-scripts", m_report.noScripts, "Turn scripts of pages into comments");

@@ -1,10 +1,10 @@
 #include "app/Project.h"
 #include "app/ReportJob.h"
+#include "app/Trail.h"
 #include "app/cli/OutputPath.h"
 #include "app/cli/ReportCommands.h"
 #include "app/cli/Session.h"
 #include "base/Files.h"
-#include "db/SqliteErrors.h"
 #include "db/StoredQueries.h"
 #include "reports/PublishReport.h"
 
@@ -63,6 +63,7 @@ void setOptions(ReportClass &report, const ReportArguments &arguments) {
     report.IncludeTimeRebuilt = arguments.timeRebuilt;
     report.IncludeDataSource = arguments.dataSource;
     report.IncludeUser = arguments.user;
+    report.IncludeCaseTrail = arguments.trail;
     report.SkipHeader = arguments.noHeader;
     report.SortAscending = !arguments.descending;
     report.URLColWidth = arguments.urlWidth;
@@ -85,15 +86,11 @@ std::optional<Published> make(Session &session, const ReportArguments &arguments
     SubTask publishing(session.task, kMaking, 1);
     const Published published = PublishReport(ReportFolder(session.scratch()),
                                               tools.report.ReportType, arguments.out, publishing);
-    return published.cancelled ? std::nullopt : std::optional(published);
-}
-
-std::int64_t rowsReported(Program &program) {
-    return onProject([&] {
-        return program.thisClass.ProjectDB.connection()
-            .execAndGet("SELECT count(*) FROM URLSortTable")
-            .getInt64();
-    });
+    if (published.cancelled)
+        return std::nullopt;
+    notePublish(session.program, ReportFolder::at(arguments.out).index(tools.report.ReportType),
+                published);
+    return published;
 }
 
 } // namespace
@@ -116,7 +113,8 @@ Exit reportCommand(Session &session, const ReportArguments &arguments) {
     }
     const fs::path index =
         ReportFolder::at(arguments.out).index(arguments.type == "graphical" ? 0 : 1);
-    session.out << fmt::format("{} rows reported, {} files written\n{}\n", rowsReported(program),
+    session.out << fmt::format("{} rows reported, {} files written\n{}\n",
+                               rowsReported(program.thisClass.ProjectDB.connection()),
                                published->files, textOf(index));
     closeProject(program);
     return Exit::ok;

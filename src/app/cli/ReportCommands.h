@@ -27,6 +27,7 @@ struct ReportArguments {
     bool timeRebuilt = true;
     bool dataSource = true;
     bool user = true;
+    bool trail = false;
     bool noHeader = false;
     bool noScripts = false;
     bool wideIds = false;

@@ -1,6 +1,7 @@
 #include "app/ui/ExportPart.h"
 
 #include "app/Messages.h"
+#include "app/Trail.h"
 #include "base/Files.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
@@ -44,6 +45,8 @@ void ExportPart::run(ExportClass &job) {
     m_bench.runTask({"EXPORTING URLS", "Collecting row data...", "", ""}, [&](TaskMonitor &task) {
         failure = failureOf(m_bench.program.log, "MainForm.ExportColumns()", [&] {
             end = exportRows(job, table, m_bench.program.thisClass.TempFolderPath, task);
+            if (end == ExportEnd::exported)
+                noteExport(m_bench.program, job);
         });
     });
     job.abandon();

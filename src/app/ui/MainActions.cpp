@@ -29,7 +29,8 @@ MainActions::MainActions(QObject *o)
       openProject(make(o, "actOpen", tr("&Open..."), "open", QKeySequence::Open)),
       import(make(o, "actImport", tr("&Import..."), "import", Qt::CTRL | Qt::Key_I)),
       saveAs(make(o, "actSaveAs", tr("Save &As..."), "save-as", QKeySequence::SaveAs)),
-      exportRows(make(o, "actExport", tr("&Export..."), "save-as", Qt::CTRL | Qt::Key_E)),
+      exportRows(
+          make(o, "actExport", tr("&Export..."), "save-as", Qt::CTRL | Qt::SHIFT | Qt::Key_E)),
       closeProject(make(o, "actClose", tr("&Close"), "close", QKeySequence::Close)),
       exit(make(o, "actExit", tr("E&xit"), "", QKeySequence::Quit)),
       copyCell(make(o, "actCopyCell", tr("&Copy Cell"), "", QKeySequence::Copy)),

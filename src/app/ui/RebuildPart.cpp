@@ -3,6 +3,7 @@
 #include "app/Messages.h"
 #include "app/RebuildJob.h"
 #include "app/RebuildText.h"
+#include "app/Trail.h"
 #include "platform/qt/QtText.h"
 #include "rebuild/Harvest.h"
 
@@ -61,6 +62,8 @@ void RebuildPart::rebuildOne(std::int64_t id) {
         RebuildTools tools(program, task, program.thisClass.TempFolderPath);
         if (const auto page = rebuildPage(program, tools, id))
             report.pages.push_back(*page);
+        const auto rebuilt = std::ranges::count(report.pages, true, &RebuiltPage::rebuilt);
+        noteRebuild(program, static_cast<std::size_t>(rebuilt), 1, TaskEnd::whole);
     });
     showRebuilt(report);
 }

@@ -2,12 +2,14 @@
 
 #include "app/ReportJob.h"
 #include "app/ReportMessages.h"
+#include "app/Trail.h"
 #include "base/Files.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "readers/Evidence.h"
 #include "reports/PublishReport.h"
 #include "reports/ui/ReportForm.h"
+#include "views/ui/ReportPane.h"
 
 #include <QAction>
 #include <QDesktopServices>
@@ -53,6 +55,7 @@ void ReportPart::create() {
     ReportTools tools(program, program.thread, program.thisClass.TempFolderPath);
     if (!chooseOptions(tools))
         return;
+    withdrawReport();
     bool finished = false;
     std::optional<std::string> failure;
     m_bench.runTask({"CREATING REPORT", "Overall Progress", "", ""}, [&](TaskMonitor &) {
@@ -85,7 +88,7 @@ bool ReportPart::chooseOptions(ReportTools &tools) {
 void ReportPart::tellOf(const ReportTools &tools, bool finished) {
     if (finished) {
         m_bench.actions.openReportFolder->setEnabled(true);
-        emit reportMade(tools.report.ReportFilePath);
+        showReport(tools.report.ReportFilePath);
         m_bench.showNotice(
             tr("The report is ready: %1").arg(pathToQt(tools.report.ReportFilePath)));
     } else if (tools.report.Cancel) {
@@ -94,6 +97,25 @@ void ReportPart::tellOf(const ReportTools &tools, bool finished) {
         m_bench.examiner().tell(messages::reportingError(fmt::format(
             "The report could not be made; see \"{}\".", textOf(m_bench.program.log.path()))));
     }
+}
+
+/// The finished report comes to the front of the viewers.
+void ReportPart::showReport(const fs::path &page) {
+    const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
+        m_bench.program.thisClass.Viewer.ReportURL = page.string();
+        auto *pane = m_bench.viewers->findChild<ReportPane *>();
+        pane->refresh();
+        m_bench.viewers->setCurrentWidget(pane);
+        m_bench.viewers->refresh();
+    });
+    if (failure)
+        m_bench.examiner().tell(messages::reportNotLoaded(*failure));
+}
+
+/// The one that is shown is about to be written over, under the same name.
+void ReportPart::withdrawReport() {
+    m_bench.program.thisClass.Viewer.ReportURL.clear();
+    m_bench.viewers->findChild<ReportPane *>()->refresh();
 }
 
 void ReportPart::PublishReport() {
@@ -116,6 +138,9 @@ void ReportPart::publishTo(const fs::path &target, int type) {
                     [&](TaskMonitor &task) {
                         const ReportFolder report(m_bench.program.thisClass.TempFolderPath);
                         published = nv::PublishReport(report, type, target, task);
+                        if (!published->cancelled)
+                            notePublish(m_bench.program, ReportFolder::at(target).index(type),
+                                        *published);
                     });
     if (published && published->cancelled)
         m_bench.showNotice(tr("Publishing was cancelled after %L1 files.").arg(published->files));

@@ -15,14 +15,12 @@ class ReportPart final : public QObject {
   public:
     explicit ReportPart(Workbench &bench);
 
-  signals:
-    /// `page` is the finished report, which the report viewer shows.
-    void reportMade(const std::filesystem::path &page);
-
   private:
     void create();
     bool chooseOptions(ReportTools &tools);
     void tellOf(const ReportTools &tools, bool finished);
+    void showReport(const std::filesystem::path &page);
+    void withdrawReport();
     void PublishReport();
     void publishTo(const std::filesystem::path &target, int type);
     void openFolder();

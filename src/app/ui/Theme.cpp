@@ -55,8 +55,8 @@ QPalette paletteOf(const Colours &colours) {
     return palette;
 }
 
-/// The style draws the frames of tick boxes and entry boxes darker than the window, which nobody
-/// sees on a dark one.
+/// The style draws the frames of tick boxes, round choices and entry boxes darker than the window,
+/// which nobody sees on a dark one.
 constexpr const char *kDarkFrames = R"(
 QLineEdit { border: 1px solid #57616d; border-radius: 3px; padding: 2px 3px; background: #181b20; }
 QLineEdit:focus { border-color: #79b4f5; }
@@ -67,6 +67,15 @@ QAbstractItemView::indicator:checked, QCheckBox::indicator:checked {
     border-color: #79b4f5; background: #2a69b8; image: url(:/images/tick.svg);
 }
 QAbstractItemView::indicator:disabled, QCheckBox::indicator:disabled { border-color: #444c57; }
+QRadioButton::indicator {
+    width: 13px; height: 13px; border: 1px solid #8b96a3; border-radius: 7px; background: #181b20;
+}
+QRadioButton::indicator:checked {
+    border-color: #79b4f5;
+    background: qradialgradient(cx: 0.5, cy: 0.5, radius: 0.5, fx: 0.5, fy: 0.5,
+        stop: 0 #79b4f5, stop: 0.5 #79b4f5, stop: 0.6 #181b20, stop: 1 #181b20);
+}
+QRadioButton::indicator:disabled { border-color: #444c57; }
 )";
 
 bool systemIsDark() {

@@ -24,9 +24,11 @@ namespace {
 constexpr int kScreenWidth = 1024;
 constexpr int kLowestScreen = 64;
 constexpr int kHighestScreen = 4096;
-/// The frame on screen is behind what is loaded: shot at once, every twentieth picture is of the
-/// page before.
-constexpr std::chrono::milliseconds kSettling{100};
+/// Between two shots. The frame on screen is behind what is loaded: shot at once, every twentieth
+/// picture is of the page before, and a page that paints slowly comes out white.
+constexpr std::chrono::milliseconds kSettling{50};
+/// A page that is white by itself or moves for ever is waited for no longer.
+constexpr std::chrono::milliseconds kLongestSettling{500};
 constexpr int kQuality = 85; ///< of the JPEG, in percent
 constexpr qint64 kLargestPage = qint64{64} << 20;
 
@@ -62,6 +64,28 @@ void showUnseen(QWebEngineView &view, const DrawJob &job, GuardedProfile &profil
     view.show();
 }
 
+bool isWhite(const QImage &shot) {
+    QImage white(shot.size(), shot.format());
+    white.fill(Qt::white);
+    return shot == white;
+}
+
+/// The page when two shots of it agree and hold something, and what it is by then after a while.
+QImage settledShot(QWebEngineView &view, std::chrono::milliseconds timeout) {
+    const auto longest = std::min(timeout, kLongestSettling);
+    wait(kSettling);
+    QImage last = view.grab().toImage();
+    for (auto waited = kSettling; waited < longest; waited += kSettling) {
+        wait(kSettling);
+        QImage next = view.grab().toImage();
+        const bool settled = next == last && !isWhite(next);
+        last = std::move(next);
+        if (settled)
+            break;
+    }
+    return last;
+}
+
 bool save(const QImage &shot, const DrawJob &job) {
     return shot.scaled(job.width, job.height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
         .save(pathToQt(job.target), "JPEG", kQuality);
@@ -74,7 +98,7 @@ PageDrawEngine::PageDrawEngine() : m_profile(std::make_unique<GuardedProfile>())
 PageDrawEngine::~PageDrawEngine() = default;
 
 std::string PageDrawEngine::load(QWebEngineView &view, const DrawJob &job,
-                                 std::chrono::milliseconds timeout) {
+                                 std::chrono::milliseconds timeout, QImage &shot) {
     QEventLoop loop;
     const auto loading = std::make_shared<Loading>();
     loading->loop = &loop;
@@ -95,7 +119,7 @@ std::string PageDrawEngine::load(QWebEngineView &view, const DrawJob &job,
     view.load(QUrl::fromLocalFile(pathToQt(job.source)));
     loop.exec();
     if (loading->outcome && loading->outcome->empty())
-        wait(kSettling);
+        shot = settledShot(view, timeout);
     m_isStuck = !loading->outcome;
     return loading->outcome.value_or(fmt::format("The page was not ready within {} seconds.",
                                                  std::chrono::duration<double>(timeout).count()));
@@ -112,9 +136,10 @@ Drawn PageDrawEngine::draw(const DrawJob &job, std::chrono::milliseconds timeout
     m_profile->guard().protect(job.source);
     QWebEngineView view;
     showUnseen(view, job, *m_profile);
-    drawn.failure = load(view, job, timeout);
+    QImage shot;
+    drawn.failure = load(view, job, timeout, shot);
     if (drawn.failure.empty()) {
-        drawn.done = save(view.grab().toImage(), job);
+        drawn.done = save(shot, job);
         if (!drawn.done)
             drawn.failure = "The thumbnail can't be written.";
     }

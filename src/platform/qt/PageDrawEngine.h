@@ -5,6 +5,7 @@
 #include <chrono>
 #include <memory>
 
+class QImage;
 class QWebEngineView;
 
 namespace nv {
@@ -28,8 +29,9 @@ class PageDrawEngine {
     bool isStuck() const { return m_isStuck; }
 
   private:
-    /// Empty when the page is loaded.
-    std::string load(QWebEngineView &view, const DrawJob &job, std::chrono::milliseconds timeout);
+    /// Empty when the page is loaded; `shot` is what it looks like then.
+    std::string load(QWebEngineView &view, const DrawJob &job, std::chrono::milliseconds timeout,
+                     QImage &shot);
 
     std::unique_ptr<GuardedProfile> m_profile;
     bool m_isStuck = false;

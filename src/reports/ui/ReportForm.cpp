@@ -151,6 +151,8 @@ void ReportForm::addContents(QFormLayout &form) {
                     1);
     grid->addWidget(m_user = named<QCheckBox>("chkIncludeUser", tr("&User")), 1, 2);
     grid->addWidget(m_header = named<QCheckBox>("chkHeader", tr("&Skip the head")), 2, 0);
+    grid->addWidget(m_trail = named<QCheckBox>("chkIncludeCaseTrail", tr("Case tra&il")), 2, 1);
+    m_trail->setToolTip(tr("What was done with the project, when and by which version"));
     form.addRow(tr("Include:"), boxes);
     m_width = new QComboBox;
     m_width->setObjectName(QStringLiteral("cbURLColWidth"));
@@ -179,6 +181,7 @@ void ReportForm::show(const ReportClass &report) {
     m_dataSource->setChecked(report.IncludeDataSource);
     m_user->setChecked(report.IncludeUser);
     m_header->setChecked(report.SkipHeader);
+    m_trail->setChecked(report.IncludeCaseTrail);
     m_width->setCurrentIndex(std::max(0, m_width->findData(report.URLColWidth)));
     previewLogo();
     followType();
@@ -203,6 +206,7 @@ void ReportForm::apply(ReportClass &report) const {
     report.IncludeDataSource = m_dataSource->isChecked();
     report.IncludeUser = m_user->isChecked();
     report.SkipHeader = m_header->isChecked();
+    report.IncludeCaseTrail = m_trail->isChecked();
     report.URLColWidth = m_width->currentData().toInt();
 }
 
@@ -236,14 +240,15 @@ void ReportForm::followType() {
 }
 
 void ReportForm::previewLogo() {
+    if (m_logo->text().isEmpty())
+        return m_logoPreview->setText(tr("The program's logo is shown."));
     QImageReader reader(m_logo->text());
     reader.setDecideFormatFromContent(true);
     if (const QSize size = reader.size(); size.isValid())
         reader.setScaledSize(size.scaled(kPreview, Qt::KeepAspectRatio));
     const QImage logo = reader.read();
     if (logo.isNull())
-        m_logoPreview->setText(m_logo->text().isEmpty() ? tr("The program's logo is shown.")
-                                                        : tr("This is no picture."));
+        m_logoPreview->setText(tr("This is no picture."));
     else
         m_logoPreview->setPixmap(QPixmap::fromImage(logo));
 }

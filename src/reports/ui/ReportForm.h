@@ -55,6 +55,7 @@ class ReportForm final : public QDialog {
     QCheckBox *m_useThumbnail = nullptr;
     QLineEdit *m_thumbnail = nullptr;
     QCheckBox *m_header = nullptr;
+    QCheckBox *m_trail = nullptr;
     QCheckBox *m_audit = nullptr;
     QCheckBox *m_links = nullptr;
     QCheckBox *m_notes = nullptr;

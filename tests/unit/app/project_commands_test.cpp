@@ -3,6 +3,7 @@
 #include "app/ProjectCommands.h"
 #include "app/RecentFiles.h"
 #include "app/TempFolder.h"
+#include "base/Files.h"
 #include "db/ProjectFields.h"
 #include "db/StoredQueries.h"
 #include "support/builders/IndexDat.h"
@@ -167,6 +168,20 @@ TEST_F(ProjectCommandsTest, saveAsOntoItselfByAnotherPathLosesNothing) {
     dialogs.answer = folder.path() / "home" / ".." / "case.nvp";
     EXPECT_FALSE(commands.SaveAs());
     EXPECT_EQ(rows(), 1);
+}
+
+TEST_F(ProjectCommandsTest, saveAsTakesNothingFromTheLogOfWhatWasThere) {
+    const fs::path other = folder.path() / "other.nvp";
+    const fs::path log = other.native() + "-wal";
+    commands.OpenFile(other, OpenMode::newAtPath);
+    db().connection().exec("INSERT INTO URLs(URL) VALUES ('theirs')");
+    const Bytes crashed = readWhole(log);
+    commands.OpenFile(path, OpenMode::newAtPath);
+    writeWhole(log, ByteView(crashed).raw());
+    dialogs.answer = other;
+    EXPECT_TRUE(commands.SaveAs());
+    EXPECT_EQ(rows(), 0);
+    EXPECT_FALSE(fs::exists(other.native() + ".~export"));
 }
 
 TEST_F(ProjectCommandsTest, aFailedSaveAsStaysWithTheProject) {

@@ -2,7 +2,9 @@
 #include "app/ImportJob.h"
 #include "app/Project.h"
 #include "app/TemplateJob.h"
+#include "base/Digest.h"
 #include "base/Files.h"
+#include "db/CaseTrail.h"
 #include "import/Scan.h"
 #include "rebuild/TemplateList.h"
 #include "support/builders/WebSite.h"
@@ -91,6 +93,17 @@ TEST_F(TemplateJobTest, bringsBackARebuildOfAnEarlierRun) {
     fs::remove_all(scratch);
     fs::create_directories(scratch);
     EXPECT_EQ(madeText(create({1})), "1 of 1 templates made.");
+}
+
+TEST_F(TemplateJobTest, whatIsLaidIsInTheCaseTrail) {
+    const fs::path file = made();
+    const LaidTemplates laid = lay({1, 2}, {file});
+    const TrailEntry entry = CaseTrail(program->thisClass.ProjectDB.connection()).entries().back();
+    EXPECT_EQ(entry.Action, "Template");
+    EXPECT_EQ(entry.Detail, laidText(laid));
+    EXPECT_EQ(entry.RowCount, 1);
+    EXPECT_EQ(entry.FilePath, file.string());
+    EXPECT_EQ(entry.SHA256Hash, hashesOfFile(file).value().SHA256);
 }
 
 TEST_F(TemplateJobTest, asksBeforeATemplateIsOverwritten) {

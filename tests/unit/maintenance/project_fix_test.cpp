@@ -1,4 +1,6 @@
 #include "UpgradeFixture.h"
+#include "base/Digest.h"
+#include "db/CaseTrail.h"
 
 #include <csignal>
 #include <sys/wait.h>
@@ -81,6 +83,45 @@ TEST_F(ProjectFixTest, aNumberThatWasGivenOnceIsNotGivenAgain) {
     fix();
     change("INSERT INTO URLs (URL) VALUES ('new')");
     EXPECT_EQ(text("SELECT max(URL_ID) FROM URLs"), "4") << "3 was deleted before the fix";
+}
+
+TEST_F(ProjectFixTest, theCaseTrailGoesAlongAndTellsOfTheFix) {
+    {
+        SQLite::Database project(path, SQLite::OPEN_READWRITE);
+        TrailEntry entry;
+        entry.Action = "Import";
+        entry.Detail = "two of <these>";
+        CaseTrail(project).add(entry);
+        CaseTrail(project).add(entry);
+    }
+    EXPECT_THAT(scan().leftBehind, IsEmpty());
+    ASSERT_EQ(fix().end, FixEnd::fixed);
+    SQLite::Database project(path, SQLite::OPEN_READWRITE);
+    const auto entries = CaseTrail(project).entries();
+    ASSERT_EQ(entries.size(), 3u);
+    EXPECT_EQ(entries[1].Trail_ID, 2);
+    EXPECT_EQ(entries[1].Detail, "two of <these>");
+    EXPECT_EQ(entries[2].Trail_ID, 3);
+    EXPECT_EQ(entries[2].Action, "Upgrade");
+    EXPECT_EQ(entries[2].FilePath, old.string());
+    EXPECT_EQ(entries[2].RowCount, 2);
+    EXPECT_EQ(entries[2].AppVersion, "0.1.0");
+    const auto hashes = hashesOfFile(old).value();
+    EXPECT_EQ(entries[2].MD5Hash, hashes.MD5);
+    EXPECT_EQ(entries[2].SHA256Hash, hashes.SHA256);
+    EXPECT_EQ(entries[2].FileSize, static_cast<std::int64_t>(hashes.size));
+    EXPECT_THROW(project.exec("DELETE FROM AuditTrail"), SQLite::Exception);
+    EXPECT_THROW(project.exec("UPDATE AuditTrail SET Action = ''"), SQLite::Exception);
+}
+
+TEST_F(ProjectFixTest, aProjectWithoutATrailBeginsOneWithTheFix) {
+    fix();
+    EXPECT_EQ(text("SELECT group_concat(Action) FROM AuditTrail"), "Upgrade");
+}
+
+TEST_F(ProjectFixTest, aTableThatOnlyBearsTheNameOfTheTrailIsToldOf) {
+    change("CREATE TABLE AuditTrail (Note TEXT); INSERT INTO AuditTrail VALUES ('x')");
+    EXPECT_THAT(scan().leftBehind, ElementsAre("Table \"AuditTrail\" with 1 row"));
 }
 
 TEST_F(ProjectFixTest, newFieldsGetTheirDefaults) {

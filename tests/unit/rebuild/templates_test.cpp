@@ -102,6 +102,18 @@ TEST_F(TemplatesTest, areNotOverwrittenUnasked) {
     EXPECT_EQ(templatesIn(templates).size(), 1u);
 }
 
+TEST_F(TemplatesTest, replaceALinkAndNotWhatItLeadsTo) {
+    const auto file = makeTemplate();
+    const auto other = file.parent_path() / "other.dat";
+    writeWhole(other, "evidence");
+    std::filesystem::remove(file);
+    std::filesystem::create_symlink(other, file);
+    EXPECT_EQ(create(page, IfTemplateExists::overwrite), TemplateResult::made);
+    EXPECT_EQ(ByteView(readWhole(other)).raw(), "evidence");
+    EXPECT_FALSE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(templatesIn(templates).size(), 1u);
+}
+
 TEST_F(TemplatesTest, leaveOutPartsThatAreGone) {
     makeTemplate();
     std::filesystem::remove(rebuildFolderOf(page.URLID, context()) / "0000001.gif");

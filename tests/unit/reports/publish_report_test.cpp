@@ -53,6 +53,38 @@ TEST_F(PublishReportTest, itShowsItselfAndCanBeCancelled) {
     EXPECT_EQ(published.files, 2u);
 }
 
+TEST_F(PublishReportTest, aCancelLeavesNoPageThatLooksWhole) {
+    make(1);
+    CancelAfter canceller(2);
+    EXPECT_TRUE(PublishReport(made, 1, target, canceller).cancelled);
+    EXPECT_FALSE(fs::exists(target / "index-history.htm"));
+}
+
+TEST_F(PublishReportTest, nothingIsWrittenThroughALink) {
+    add("http://host/a.gif", "GIF89a");
+    make(0);
+    const fs::path evidence = project.folder.path() / "elsewhere";
+    for (const char *name : {"images", "pictures"}) {
+        fs::create_directories(evidence);
+        fs::create_directory_symlink(evidence, target / name);
+        EXPECT_THROW(publish(0), std::runtime_error);
+        EXPECT_TRUE(fs::is_empty(evidence));
+        EXPECT_FALSE(fs::exists(target / "index-cache.htm"));
+        fs::remove(target / name);
+    }
+    writeWhole(evidence / "page.htm", "evidence");
+    fs::create_symlink(evidence / "page.htm", target / "index-cache.htm");
+    publish(0);
+    EXPECT_EQ(textAt(evidence / "page.htm"), "evidence");
+}
+
+TEST_F(PublishReportTest, aFolderWithoutAReportIsLeftAlone) {
+    fs::create_directories(target / "pictures");
+    writeWhole(target / "pictures" / "mine.jpg", "mine");
+    removePublished(target);
+    EXPECT_TRUE(fs::exists(target / "pictures" / "mine.jpg"));
+}
+
 TEST_F(PublishReportTest, removingTakesAReportAndNothingElse) {
     add("http://host/a.gif", "GIF89a");
     make(0);

@@ -1,3 +1,4 @@
+#include "db/CaseTrail.h"
 #include "unit/reports/ReportFixture.h"
 
 namespace nv::test {
@@ -115,6 +116,27 @@ TEST_F(TabularReportTest, evidenceBecomesNoMarkup) {
                                 Not(HasSubstr("href='javascript")), Not(HasSubstr("href='data")),
                                 HasSubstr("href='HTTPS://host/'"), HasSubstr("\xE2\x90\x81")));
         EXPECT_THAT(html, HasSubstr("href='http://host/&quot;&#39;&gt;&lt;script&gt;"));
+    }
+}
+
+TEST_F(TabularReportTest, theCaseTrailStandsBehindTheLegendOnRequest) {
+    addHistory("http://a.example/", 1);
+    TrailEntry entry;
+    entry.ActionDateUTC = Date::fromCivil({2011, 5, 1, 12, 0, 0});
+    entry.Action = "Import";
+    entry.Detail = "<script>alert(1)</script>";
+    entry.FilePath = "/evidence/it's \"here\".dat";
+    entry.MD5Hash = "0123";
+    CaseTrail(project.connection()).add(entry);
+    EXPECT_EQ(make(1).find("CASE TRAIL"), std::string::npos);
+    for (const int type : {0, 1}) {
+        const std::string page = make(type, [](ReportClass &r) { r.IncludeCaseTrail = true; });
+        EXPECT_LT(page.find("LEGEND:"), page.find("CASE TRAIL:"));
+        EXPECT_LT(page.find("CASE TRAIL:"), page.find("Report created using"));
+        EXPECT_NE(page.find("&lt;script&gt;alert(1)&lt;/script&gt;"), std::string::npos);
+        EXPECT_NE(page.find("/evidence/it&#39;s &quot;here&quot;.dat"), std::string::npos);
+        EXPECT_NE(page.find("MD5 0123"), std::string::npos);
+        EXPECT_EQ(page.find("<script"), std::string::npos);
     }
 }
 

@@ -153,13 +153,13 @@ TEST_F(ThumbnailsTest, evidenceIsOnlyCopied) {
 
 TEST_F(ThumbnailsTest, manyRowsGoInBatches) {
     std::vector<std::int64_t> ids;
-    for (int i = 0; i < 70; ++i)
+    for (int i = 0; i < 270; ++i)
         ids.push_back(add(std::to_string(i) + "[1].gif", "GIF89a"));
     MemoryTask watched;
-    EXPECT_EQ(makeThumbnails(context(), ids, watched).made, 70u);
-    EXPECT_EQ(drawing.batches, (std::vector<std::size_t>{32, 32, 6}));
+    EXPECT_EQ(makeThumbnails(context(), ids, watched).made, 270u);
+    EXPECT_EQ(drawing.batches, (std::vector<std::size_t>{128, 128, 14}));
     EXPECT_EQ(watched.fractions.back(), 1.0);
-    EXPECT_EQ(watched.steps.back().topCounter, 70);
+    EXPECT_EQ(watched.steps.back().topCounter, 270);
 }
 
 TEST_F(ThumbnailsTest, aCancelKeepsWhatWasMade) {

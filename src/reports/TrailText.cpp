@@ -1,0 +1,43 @@
+#include "reports/TrailText.h"
+
+#include "db/CaseTrail.h"
+#include "db/SqliteErrors.h"
+#include "reports/Html.h"
+#include "time/DateFormat.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+namespace {
+
+/// What tells whether a file is still the one that was read or written.
+std::string hashesCell(const TrailEntry &entry) {
+    if (entry.MD5Hash.empty() && entry.SHA256Hash.empty())
+        return {};
+    return fmt::format("MD5 {}<br>SHA-256 {}", htmlText(entry.MD5Hash), htmlText(entry.SHA256Hash));
+}
+
+std::string rowOf(const TrailEntry &entry) {
+    return htmlRow({std::to_string(entry.Trail_ID), htmlText(isoUtc(entry.ActionDateUTC)),
+                    htmlText(entry.Action), htmlText(entry.Detail), std::to_string(entry.RowCount),
+                    htmlText(entry.FilePath),
+                    entry.FilePath.empty() ? "" : std::to_string(entry.FileSize), hashesCell(entry),
+                    htmlText(entry.AppVersion)});
+}
+
+} // namespace
+
+std::string trailSection(const ReportContext &ctx) {
+    std::string text =
+        "<br><div style='font-family:Tahoma,sans-serif;font-size:11px;'>\r\n"
+        "<strong>CASE TRAIL:</strong> what was done with this project up to this report.<br>\r\n" +
+        htmlTable("Trail", {"No.", "Date [UTC]", "Action", "Detail", "Rows", "File", "Bytes",
+                            "Hashes", "Version"});
+    const auto entries = onProject([&] { return CaseTrail(ctx.rebuild.project).entries(); });
+    for (const TrailEntry &entry : entries)
+        text += rowOf(entry);
+    return text + "</table></div>";
+}
+
+} // namespace nv
