@@ -37,6 +37,7 @@ class TableTabTest : public QObject {
     void escapeClosesTheFindBar();
     void quickQueriesAreInTheMenuAndChooseRows();
     void aQueryWithoutRowsSaysWhatToDo();
+    void theRecordStaysChosenOrTheFirstRowIs();
     void anEmptyProjectOffersToImport();
     void theFailingSortsStandInTheMenu();
     void propertiesShowAllColumnsAndTheWholeText();
@@ -161,6 +162,23 @@ void TableTabTest::aQueryWithoutRowsSaysWhatToDo() {
     QTest::mouseClick(&child<QPushButton>(*m_form, "btnEmptyShowAll"), Qt::LeftButton);
     QVERIFY(grid().isVisible());
     QCOMPARE(grid().model()->rowCount(), 6);
+}
+
+void TableTabTest::theRecordStaysChosenOrTheFirstRowIs() {
+    const UrlId last = tab().table()->idAt(5);
+    grid().setCurrentUrl(last);
+    auto &host = child<QLineEdit>(*m_form, "txtHostFilter");
+    host.setText(toQt(tab().table()->cell(5, UrlColumn::Host)));
+    QTest::keyClick(&host, Qt::Key_Return);
+    QVERIFY(grid().currentUrl() == last);
+    const QString other = toQt(tab().table()->cell(0, UrlColumn::Host)) == "a.example"
+                              ? QStringLiteral("b.example")
+                              : QStringLiteral("a.example");
+    host.setText(other);
+    QTest::keyClick(&host, Qt::Key_Return);
+    QVERIFY(!tab().table()->placeOf(last));
+    QVERIFY(grid().currentUrl() == tab().table()->idAt(0));
+    QTRY_VERIFY(child<QTreeWidget>(*m_form, "PropertiesGrid").topLevelItemCount() > 0);
 }
 
 void TableTabTest::anEmptyProjectOffersToImport() {

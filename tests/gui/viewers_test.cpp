@@ -46,6 +46,8 @@ class ViewersTest : public QObject {
     void bytesAreShownFoundAndCopied();
     void theSourceFileIsShownAtTheRecordsOffset();
     void aSearchInABigFileIsCancelled();
+    void aCopyThatIsCutIsTold();
+    void aSearchThatFailsIsNotTakenForOneWithoutAFind();
     void aNoteIsStoredWhenTheBoxIsLeft();
     void aNoteIsStoredWhenAnotherRowIsChosen();
     void aNoteIsStoredWhenTheProjectCloses();
@@ -259,6 +261,38 @@ void ViewersTest::aSearchInABigFileIsCancelled() {
     QTest::mouseClick(&child<QPushButton>(hex, "btnFindInHex"), Qt::LeftButton);
     QCOMPARE(child<QLabel>(hex, "labViewerNotice").text(),
              QStringLiteral("The search was cancelled."));
+}
+
+void ViewersTest::aCopyThatIsCutIsTold() {
+    MemoryLog log;
+    HexPane hex([](const TaskHeading &, const auto &) {}, log);
+    hex.show();
+    hex.showFile(m_desk->folder.write("big", std::string((1 << 20) + 5, 'x')), 0);
+    auto &grid = child<HexGrid>(hex, "HexGrid");
+    QTest::keyClick(&grid, Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier);
+    QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QApplication::clipboard()->text().size(), (1 << 20) * 3 - 1);
+    QCOMPARE(child<QLabel>(hex, "labViewerNotice").text(),
+             QStringLiteral("Only the first %L1 of %L2 chosen bytes were copied.")
+                 .arg(1 << 20)
+                 .arg((1 << 20) + 5));
+}
+
+void ViewersTest::aSearchThatFailsIsNotTakenForOneWithoutAFind() {
+    MemoryLog log;
+    const RunTask run = [&log](const TaskHeading &, const auto &work) {
+        Unwatched task;
+        failureOf(log, "test", [&] { work(task); });
+    };
+    HexPane hex(run, log);
+    const fs::path file = m_desk->folder.write("gone", "bytes");
+    hex.showFile(file, 0);
+    fs::remove(file);
+    child<QLineEdit>(hex, "txtFindInHex").setText(QStringLiteral("y"));
+    QTest::mouseClick(&child<QPushButton>(hex, "btnFindInHex"), Qt::LeftButton);
+    QCOMPARE(child<QLabel>(hex, "labViewerNotice").text(),
+             QStringLiteral("The file could not be searched."));
+    QCOMPARE(log.entries.size(), std::size_t{1});
 }
 
 void ViewersTest::aNoteIsStoredWhenTheBoxIsLeft() {

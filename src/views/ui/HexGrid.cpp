@@ -69,6 +69,12 @@ QString HexGrid::selectedText() const {
     return toQt(hexBytes(ByteView(bytes)));
 }
 
+void HexGrid::copySelection() {
+    QApplication::clipboard()->setText(selectedText());
+    if (const std::uint64_t chosen = selection().length; chosen > kMostCopied)
+        emit copyCut(chosen, kMostCopied);
+}
+
 int HexGrid::charWidth() const {
     return fontMetrics().horizontalAdvance(u'0');
 }
@@ -219,7 +225,7 @@ void HexGrid::keyPressEvent(QKeyEvent *event) {
     if (!m_source)
         return QAbstractScrollArea::keyPressEvent(event);
     if (event->matches(QKeySequence::Copy)) {
-        QApplication::clipboard()->setText(selectedText());
+        copySelection();
         return;
     }
     const auto place = placeAfter(*event);

@@ -33,6 +33,8 @@ class HexGrid final : public QAbstractScrollArea {
 
   signals:
     void cursorMoved();
+    /// The choice was longer than what is copied.
+    void copyCut(std::uint64_t chosen, std::uint64_t copied);
     /// The file can't be read any more: it isn't shown from now on.
     void unreadable(const QString &reason);
 
@@ -58,6 +60,7 @@ class HexGrid final : public QAbstractScrollArea {
     void setCursorAt(std::uint64_t offset, Anchor anchor);
     void scrollToCursor();
     void updateScrollBars();
+    void copySelection();
     void paintRows(QPainter &painter);
     void paintRow(QPainter &painter, std::uint64_t row, int top);
 
