@@ -1,3 +1,4 @@
+#include "base/Trap.h"
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
