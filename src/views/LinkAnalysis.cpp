@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace nv {
@@ -275,23 +276,17 @@ std::string notesOn(const LinkTotals &totals) {
     if (totals.links == 0)
         add("The project holds no hyperlinks: nothing was imported with the 'Parse Advanced "
             "Metadata' option.");
-    if (totals.withoutUrl > 0)
-        add(fmt::format("{} records have no URL and were compared with nothing.",
-                        totals.withoutUrl));
-    if (totals.withoutPage > 0)
-        add(fmt::format("{} matches were left out: the pages that hold these links are no longer "
-                        "in the project.",
-                        totals.withoutPage));
-    if (totals.withoutHash > 0)
-        add(fmt::format("{} hyperlinks carry no hash and were compared with nothing.",
-                        totals.withoutHash));
-    if (totals.notFetched > 0)
-        add(fmt::format("The cached content of {} records was not found in the evidence; what the "
-                        "project holds of their pages was left as it is.",
-                        totals.notFetched));
-    if (totals.notRead > 0)
-        add(fmt::format("{} records could not be read as pages; the error log has the reasons.",
-                        totals.notRead));
+    const std::pair<std::int64_t, std::string_view> counted[] = {
+        {totals.withoutUrl, "{} records have no URL and were compared with nothing."},
+        {totals.withoutHash, "{} hyperlinks carry no hash and were compared with nothing."},
+        {totals.withoutPage, "{} matches were left out: the pages that hold these links are no "
+                             "longer in the project."},
+        {totals.notFetched, "The cached content of {} records was not found in the evidence; what "
+                            "the project holds of their pages was left as it is."},
+        {totals.notRead, "{} records could not be read as pages; the error log has the reasons."}};
+    for (const auto &[count, text] : counted)
+        if (count > 0)
+            add(fmt::format(fmt::runtime(text), count));
     return notes;
 }
 

@@ -53,6 +53,7 @@ class ViewersTest : public QObject {
     void aNoteIsStoredWhenAnotherRowIsChosen();
     void aNoteIsStoredWhenTheProjectCloses();
     void aNoteOfARowThatIsGoneIsTold();
+    void aNoteThatCouldntBeStoredComesAgain();
     void propertiesHaveWhatTheCameraWrote();
     void aMissingFileLeavesThePanesBlankWithTheReason();
     void theLastReportIsShown();
@@ -337,6 +338,41 @@ void ViewersTest::aNoteOfARowThatIsGoneIsTold() {
     QVERIFY(!m_desk->examiner.heard.empty());
     QCOMPARE(m_desk->examiner.heard.back(), std::string("url-unavailable"));
     QCOMPARE(shownIn("NotesPane", "labNotesDate"), QStringLiteral("This note is not stored."));
+}
+
+void ViewersTest::aNoteThatCouldntBeStoredComesAgain() {
+    std::map<UrlId, std::string> stored{{UrlId{1}, "old"}, {UrlId{2}, ""}};
+    bool isFull = true;
+    int told = 0;
+    NotesPane notes({[&](UrlId id) {
+                         return Note{stored[id], {}};
+                     },
+                     [&](UrlId id, const std::string &text) {
+                         if (isFull)
+                             return NoteOutcome{NoteStored::failed, "the disk is full"};
+                         stored[id] = text;
+                         return NoteOutcome{};
+                     },
+                     [](Date) { return std::string(); }, [&](const Message &) { ++told; }});
+    auto &text = child<QPlainTextEdit>(notes, "NotesText");
+    notes.showRecord(UrlId{1});
+    QTest::keyClicks(&text, QStringLiteral("new "));
+    notes.showRecord(UrlId{2});
+    QCOMPARE(told, 1);
+    QCOMPARE(text.toPlainText(), QString());
+    notes.showRecord(UrlId{1});
+    QCOMPARE(text.toPlainText(), QStringLiteral("new old"));
+    QCOMPARE(child<QLabel>(notes, "labNotesDate").text(),
+             QStringLiteral("This note is not stored."));
+    isFull = false;
+    notes.showRecord(UrlId{2});
+    QCOMPARE(stored[UrlId{1}], std::string("new old"));
+    isFull = true;
+    QTest::keyClicks(&text, QStringLiteral("x"));
+    notes.clear();
+    notes.forgetUnstored();
+    notes.showRecord(UrlId{2});
+    QCOMPARE(text.toPlainText(), QString());
 }
 
 void ViewersTest::propertiesHaveWhatTheCameraWrote() {
