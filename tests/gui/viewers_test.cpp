@@ -1,4 +1,3 @@
-#include "base/Trap.h"
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
@@ -46,14 +45,10 @@ class ViewersTest : public QObject {
     void whatIsNoPictureIsTold();
     void bytesAreShownFoundAndCopied();
     void theSourceFileIsShownAtTheRecordsOffset();
-    void aSearchInABigFileIsCancelled();
-    void aCopyThatIsCutIsTold();
-    void aSearchThatFailsIsNotTakenForOneWithoutAFind();
     void aNoteIsStoredWhenTheBoxIsLeft();
     void aNoteIsStoredWhenAnotherRowIsChosen();
     void aNoteIsStoredWhenTheProjectCloses();
     void aNoteOfARowThatIsGoneIsTold();
-    void aNoteThatCouldntBeStoredComesAgain();
     void propertiesHaveWhatTheCameraWrote();
     void aMissingFileLeavesThePanesBlankWithTheReason();
     void theLastReportIsShown();
@@ -243,60 +238,6 @@ void ViewersTest::theSourceFileIsShownAtTheRecordsOffset() {
     QTRY_COMPARE(grid.source()->file().path().filename(), fs::path("a[1].htm"));
 }
 
-void ViewersTest::aSearchInABigFileIsCancelled() {
-    const fs::path big = m_desk->folder.write("big", "");
-    fs::resize_file(big, std::uintmax_t{40} << 30);
-    MemoryLog log;
-    const RunTask cancelled = [](const TaskHeading &, const auto &work) {
-        CancelAfter task(1);
-        work(task);
-    };
-    HexPane hex(cancelled, log);
-    hex.resize(900, 300);
-    hex.show();
-    hex.showFile(big, 0);
-    auto &grid = child<HexGrid>(hex, "HexGrid");
-    QTest::keyClick(&grid, Qt::Key_End, Qt::ControlModifier);
-    QCOMPARE(grid.cursor() + 1, std::uint64_t{40} << 30);
-    QTest::keyClick(&grid, Qt::Key_Home, Qt::ControlModifier);
-    child<QLineEdit>(hex, "txtFindInHex").setText(QStringLiteral("x"));
-    QTest::mouseClick(&child<QPushButton>(hex, "btnFindInHex"), Qt::LeftButton);
-    QCOMPARE(child<QLabel>(hex, "labViewerNotice").text(),
-             QStringLiteral("The search was cancelled."));
-}
-
-void ViewersTest::aCopyThatIsCutIsTold() {
-    MemoryLog log;
-    HexPane hex([](const TaskHeading &, const auto &) {}, log);
-    hex.show();
-    hex.showFile(m_desk->folder.write("big", std::string((1 << 20) + 5, 'x')), 0);
-    auto &grid = child<HexGrid>(hex, "HexGrid");
-    QTest::keyClick(&grid, Qt::Key_End, Qt::ControlModifier | Qt::ShiftModifier);
-    QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier);
-    QCOMPARE(QApplication::clipboard()->text().size(), (1 << 20) * 3 - 1);
-    QCOMPARE(child<QLabel>(hex, "labViewerNotice").text(),
-             QStringLiteral("Only the first %L1 of %L2 chosen bytes were copied.")
-                 .arg(1 << 20)
-                 .arg((1 << 20) + 5));
-}
-
-void ViewersTest::aSearchThatFailsIsNotTakenForOneWithoutAFind() {
-    MemoryLog log;
-    const RunTask run = [&log](const TaskHeading &, const auto &work) {
-        Unwatched task;
-        failureOf(log, "test", [&] { work(task); });
-    };
-    HexPane hex(run, log);
-    const fs::path file = m_desk->folder.write("gone", "bytes");
-    hex.showFile(file, 0);
-    fs::remove(file);
-    child<QLineEdit>(hex, "txtFindInHex").setText(QStringLiteral("y"));
-    QTest::mouseClick(&child<QPushButton>(hex, "btnFindInHex"), Qt::LeftButton);
-    QCOMPARE(child<QLabel>(hex, "labViewerNotice").text(),
-             QStringLiteral("The file could not be searched."));
-    QCOMPARE(log.entries.size(), std::size_t{1});
-}
-
 void ViewersTest::aNoteIsStoredWhenTheBoxIsLeft() {
     typeNote(1, QStringLiteral("seen"));
     QCOMPARE(note(1), std::string());
@@ -338,41 +279,6 @@ void ViewersTest::aNoteOfARowThatIsGoneIsTold() {
     QVERIFY(!m_desk->examiner.heard.empty());
     QCOMPARE(m_desk->examiner.heard.back(), std::string("url-unavailable"));
     QCOMPARE(shownIn("NotesPane", "labNotesDate"), QStringLiteral("This note is not stored."));
-}
-
-void ViewersTest::aNoteThatCouldntBeStoredComesAgain() {
-    std::map<UrlId, std::string> stored{{UrlId{1}, "old"}, {UrlId{2}, ""}};
-    bool isFull = true;
-    int told = 0;
-    NotesPane notes({[&](UrlId id) {
-                         return Note{stored[id], {}};
-                     },
-                     [&](UrlId id, const std::string &text) {
-                         if (isFull)
-                             return NoteOutcome{NoteStored::failed, "the disk is full"};
-                         stored[id] = text;
-                         return NoteOutcome{};
-                     },
-                     [](Date) { return std::string(); }, [&](const Message &) { ++told; }});
-    auto &text = child<QPlainTextEdit>(notes, "NotesText");
-    notes.showRecord(UrlId{1});
-    QTest::keyClicks(&text, QStringLiteral("new "));
-    notes.showRecord(UrlId{2});
-    QCOMPARE(told, 1);
-    QCOMPARE(text.toPlainText(), QString());
-    notes.showRecord(UrlId{1});
-    QCOMPARE(text.toPlainText(), QStringLiteral("new old"));
-    QCOMPARE(child<QLabel>(notes, "labNotesDate").text(),
-             QStringLiteral("This note is not stored."));
-    isFull = false;
-    notes.showRecord(UrlId{2});
-    QCOMPARE(stored[UrlId{1}], std::string("new old"));
-    isFull = true;
-    QTest::keyClicks(&text, QStringLiteral("x"));
-    notes.clear();
-    notes.forgetUnstored();
-    notes.showRecord(UrlId{2});
-    QCOMPARE(text.toPlainText(), QString());
 }
 
 void ViewersTest::propertiesHaveWhatTheCameraWrote() {

@@ -33,7 +33,7 @@ HexGrid::HexGrid(FailureLog &log, QWidget *parent) : QAbstractScrollArea(parent)
     viewport()->setCursor(Qt::IBeamCursor);
 }
 
-void HexGrid::setSource(std::unique_ptr<HexSource> source) {
+void HexGrid::setSource(std::shared_ptr<HexSource> source) {
     m_source = std::move(source);
     m_cursor = m_anchor = 0;
     updateScrollBars();

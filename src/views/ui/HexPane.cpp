@@ -133,13 +133,12 @@ void HexPane::findNext() {
     std::optional<HexSearch> search; // nothing when the file couldn't be read
     bool fromTop = false;
     m_runTask({"SEARCHING", "Looking for text or bytes", fromQt(m_find->text()), ""},
-              [&, path = m_grid->source()->file().path()](TaskMonitor &task) {
-                  // Of its own: the grid lets its file go when the drive goes away meanwhile.
-                  const FileReader file(path);
-                  HexSearch found = findInFile(file, *wanted, from, task);
+              // Held: the grid lets its file go when the drive goes away meanwhile.
+              [&, source = m_grid->source()](TaskMonitor &task) {
+                  HexSearch found = findInFile(source->file(), *wanted, from, task);
                   fromTop = !found.match && !found.cancelled && from > 0;
                   if (fromTop)
-                      found = findInFile(file, *wanted, 0, task);
+                      found = findInFile(source->file(), *wanted, 0, task);
                   search = found;
               });
     if (!search)
@@ -166,7 +165,7 @@ void HexPane::goToTyped() {
 }
 
 void HexPane::showPlace() {
-    const HexSource *source = m_grid->source();
+    const auto source = m_grid->source();
     if (!source)
         return m_place->clear();
     const QString place = tr("Offset %1 (%2) of %L3 bytes")
