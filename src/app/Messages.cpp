@@ -254,7 +254,7 @@ Message useLinkAnalysis() {
                     "For each match that is made, a counter will increment\n"
                     "and the result will be displayed in the Links column,\n"
                     "for the related URL records.\n\n"
-                    "NOTE:\n\n"
+                    "NOTE:\n"
                     "If you did not choose the 'Parse Advanced Metadata'\n"
                     "option during the initial import process, then this \n"
                     "analysis will produce no results.\n\n"

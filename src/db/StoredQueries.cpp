@@ -1,11 +1,59 @@
 #include "db/StoredQueries.h"
 
+#include "base/NoLog.h"
+#include "base/Trap.h"
 #include "db/Dialect.h"
 #include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
 #include "time/Date.h"
 
 namespace nv {
+
+namespace {
+
+constexpr std::string_view kRows =
+    "SELECT Q.Name, Q.SQLText, V.name, V.sql FROM StoredQueries Q LEFT JOIN sqlite_master V "
+    "ON V.type = 'view' AND V.name = Q.Name COLLATE NOCASE ";
+
+/// The database keeps neither a comment nor a semicolon at a statement's end.
+std::string_view withoutEnd(std::string_view sql) {
+    std::size_t length = 0;
+    for (const Token &token : tokensOf(sql))
+        if (token.kind != TokenKind::blank && token.source != ";")
+            length =
+                static_cast<std::size_t>(token.source.data() + token.source.size() - sql.data());
+    return sql.substr(0, length);
+}
+
+std::string startOfView(std::string_view name) {
+    return "CREATE VIEW " + quotedName(name) + " AS ";
+}
+
+/// The text as written, when the view is its translation. Else what the view itself says; all of
+/// its definition when this program can't have made it.
+std::string runningText(std::string text, std::string_view view, std::string_view definition) {
+    const std::string start = startOfView(view);
+    if (definition.empty()) // there is no view: the text can't run
+        return text;
+    bool isTranslation = false;
+    NoLog unheard; // a text that can't be translated is no translation
+    failureOf(unheard, {}, [&] {
+        const std::string translated = translate(text);
+        isTranslation = definition == start + std::string(withoutEnd(translated));
+    });
+    if (isTranslation)
+        return text;
+    return std::string(definition.starts_with(start) ? definition.substr(start.size())
+                                                     : definition);
+}
+
+StoredQuery queryIn(SQLite::Statement &row) {
+    return {row.getColumn(0).getString(),
+            runningText(row.getColumn(1).getString(), row.getColumn(2).getString(),
+                        row.getColumn(3).getString())};
+}
+
+} // namespace
 
 void StoredQueries::createAll(const Clock &clock, const KeywordLists &keywords) {
     m_database.exec("CREATE TABLE StoredQueries (Name TEXT COLLATE NOCASE PRIMARY KEY, "
@@ -18,19 +66,18 @@ void StoredQueries::createAll(const Clock &clock, const KeywordLists &keywords) 
 std::vector<StoredQuery> StoredQueries::list() const {
     return onProject([this] {
         std::vector<StoredQuery> queries;
-        SQLite::Statement rows(m_database,
-                               "SELECT Name, SQLText FROM StoredQueries ORDER BY Ordinal");
+        SQLite::Statement rows(m_database, std::string(kRows) + "ORDER BY Q.Ordinal");
         while (rows.executeStep())
-            queries.push_back({rows.getColumn(0).getString(), rows.getColumn(1).getString()});
+            queries.push_back(queryIn(rows));
         return queries;
     });
 }
 
 std::optional<std::string> StoredQueries::text(std::string_view name) const {
     return onProject([&] {
-        SQLite::Statement row(m_database, "SELECT SQLText FROM StoredQueries WHERE Name = ?");
+        SQLite::Statement row(m_database, std::string(kRows) + "WHERE Q.Name = ?");
         row.bind(1, std::string(name));
-        return row.executeStep() ? std::optional(row.getColumn(0).getString()) : std::nullopt;
+        return row.executeStep() ? std::optional(queryIn(row).sql) : std::nullopt;
     });
 }
 
@@ -38,7 +85,7 @@ void StoredQueries::save(const StoredQuery &query) {
     const std::string translated = translate(query.sql);
     onProject([&] {
         Savepoint savepoint(m_database);
-        replaceView(quotedName(query.name), translated);
+        replaceView(query.name, translated);
         SQLite::Statement row(m_database,
                               "INSERT INTO StoredQueries VALUES (?, ?, (SELECT 1 + "
                               "coalesce(max(Ordinal), 0) FROM StoredQueries)) "
@@ -50,11 +97,11 @@ void StoredQueries::save(const StoredQuery &query) {
     });
 }
 
-void StoredQueries::replaceView(const std::string &view, const std::string &select) {
-    m_database.exec("DROP VIEW IF EXISTS " + view);
-    m_database.exec("CREATE VIEW " + view + " AS " + select);
+void StoredQueries::replaceView(const std::string &name, const std::string &select) {
+    m_database.exec("DROP VIEW IF EXISTS " + quotedName(name));
+    m_database.exec(startOfView(name) + select);
     // Compiling a SELECT on the view is what finds unknown names in it.
-    SQLite::Statement(m_database, "SELECT * FROM " + view);
+    SQLite::Statement(m_database, "SELECT * FROM " + quotedName(name));
 }
 
 void StoredQueries::remove(std::string_view name) {

@@ -23,6 +23,8 @@ struct StoredQuery {
 /// `StoredQueries` and a real view of its name with the translation, so that any SQLite program can
 /// read it. Errors of the database and of the dialect are thrown and leave everything as it was; a
 /// project that can't be written gives a StorageFailure.
+/// The view is what runs. Where somebody has changed it behind the text's back, list() and text()
+/// give its own statement: no window shows one query and runs another.
 class StoredQueries {
   public:
     explicit StoredQueries(SQLite::Database &database) : m_database(database) {}
@@ -40,8 +42,8 @@ class StoredQueries {
     void ResetDEFAULTQuery();
 
   private:
-    /// Both as they stand in SQL.
-    void replaceView(const std::string &view, const std::string &select);
+    /// `select` is as SQLite reads it.
+    void replaceView(const std::string &name, const std::string &select);
 
     SQLite::Database &m_database;
 };

@@ -1,5 +1,6 @@
 #include "maintenance/QueryMove.h"
 
+#include "base/NoLog.h"
 #include "base/Trap.h"
 #include "db/Dialect.h"
 #include "db/StoredQueries.h"
@@ -23,14 +24,9 @@ void dropViews(SQLite::Database &project) {
         project.exec("DROP VIEW " + quotedName(view));
 }
 
-/// Failures here may be for want of a query that comes later: they aren't logged yet.
-struct NoLog final : FailureLog {
-    void write(const Failure &) override {}
-};
-
 /// True when at least one view more could be made; `waiting` keeps the others.
 bool makeSome(StoredQueries &queries, std::vector<StoredQuery> &waiting) {
-    NoLog unheard;
+    NoLog unheard; // it may be for want of a query that comes later
     const std::size_t before = waiting.size();
     std::erase_if(waiting, [&](const StoredQuery &query) {
         return !failureOf(unheard, {}, [&] { queries.save(query); });

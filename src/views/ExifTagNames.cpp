@@ -92,6 +92,7 @@ constexpr ExifTagName kNames[] = {
     {"JPEGPointTransforms", 0x0206},
     {"JPEGProc", 0x0200},
     {"JPEGQTables", 0x0207},
+    {"JPEGQuality", 0x5010},
     {"JPEGRestartInterval", 0x0203},
     {"LightSource", 0x9208},
     {"MakerNote", 0x927C},

@@ -27,7 +27,7 @@ class HexSource {
     Bytes row(std::uint64_t index);
 
   private:
-    static constexpr std::uint64_t kWindowBytes = 64 * 1024;
+    static constexpr std::uint64_t kWindowBytes = std::uint64_t{64} * 1024;
 
     FileReader m_file;
     std::uint64_t m_windowAt = 0;

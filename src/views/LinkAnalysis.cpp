@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace nv {
@@ -39,9 +40,10 @@ class RowsInTurn {
   public:
     /// Where an import found no content, the path of the row may be that of the index.
     explicit RowsInTurn(SQLite::Database &project)
-        : m_select(project, "SELECT URL_ID, ifnull(trim(HashedURL), ''), CacheFileExists AND "
-                            "upper(trim(CacheType)) IN ('FIREFOX CACHE', 'SAFARI CACHE', "
-                            "'CHROME CACHE', 'IE CACHE', 'OPERA CACHE') "
+        : m_select(project, "SELECT URL_ID, ifnull(trim(HashedURL), ''), CacheFileExists "
+                            "AND upper(trim(CacheType)) IN ('FIREFOX CACHE', 'SAFARI CACHE', "
+                            "'CHROME CACHE', 'IE CACHE', 'OPERA CACHE'), "
+                            "CASE WHEN ifnull(trim(HashedURL), '') = '' THEN URL END "
                             "FROM URLs WHERE URL_ID > ? ORDER BY URL_ID LIMIT ?") {}
 
     /// The next rows; none at the end.
@@ -52,12 +54,18 @@ class RowsInTurn {
         m_select.bind(2, kRowsAtHand);
         m_rows.clear();
         while (m_select.executeStep())
-            m_rows.push_back({m_select.getColumn(0).getInt64(), m_select.getColumn(1).getString(),
-                              m_select.getColumn(2).getInt() != 0});
+            m_rows.push_back(
+                {m_select.getColumn(0).getInt64(), hash(), m_select.getColumn(2).getInt() != 0});
         return m_rows;
     }
 
   private:
+    /// Rows that another program wrote may have a URL without its hash.
+    std::string hash() {
+        const std::string url = m_select.getColumn(3).getString();
+        return url.empty() ? m_select.getColumn(1).getString() : hashOfUrl(url);
+    }
+
     SQLite::Statement m_select;
     std::vector<ExaminedRow> m_rows;
 };
@@ -137,22 +145,26 @@ class Matching {
         : m_next(project, "SELECT URL_ID, Link_ID FROM Links WHERE HashedURL = ? AND URL_ID > ? "
                           "ORDER BY URL_ID, Link_ID LIMIT 1"),
           m_insert(project, "INSERT INTO LinkAnalysis (Parent_ID, Child_ID, URL, HashedURL) SELECT "
-                            "URL_ID, ?, trim(URL), HashedURL FROM Links WHERE Link_ID = ?") {}
+                            "URL_ID, ?, trim(URL), HashedURL FROM Links WHERE Link_ID = ? "
+                            "AND URL_ID IN (SELECT URL_ID FROM URLs)") {}
 
     /// Stores a pair for each page that holds the record's hash, in the order in which imports
-    /// found the links; says how many there are.
-    std::int64_t addPairsOf(const ExaminedRow &row) {
+    /// found the links.
+    void addPairsOf(const ExaminedRow &row, LinkTotals &totals) {
         findFirstLinks(row);
-        for (const std::int64_t link : m_links) {
-            m_insert.reset();
-            m_insert.bind(1, row.id);
-            m_insert.bind(2, link);
-            m_insert.exec();
-        }
-        return static_cast<std::int64_t>(m_links.size());
+        for (const std::int64_t link : m_links)
+            ++(insert(row.id, link) ? totals.matches : totals.withoutPage);
     }
 
   private:
+    /// False when the page isn't there: a pair of it can't be stored.
+    bool insert(std::int64_t child, std::int64_t link) {
+        m_insert.reset();
+        m_insert.bind(1, child);
+        m_insert.bind(2, link);
+        return m_insert.exec() > 0;
+    }
+
     /// A page holds a link many times over, its own address once for each of its links: the index
     /// is asked for the next page, so that only the first is read.
     void findFirstLinks(const ExaminedRow &row) {
@@ -205,7 +217,7 @@ class LinkWalk {
         if (row.mayBePage)
             m_pages.run(row.id);
         if (hasUrl(row))
-            m_totals.matches += m_matching.addPairsOf(row);
+            m_matching.addPairsOf(row, m_totals);
         else
             ++m_totals.withoutUrl;
         return true;
@@ -242,6 +254,8 @@ LinkTotals RunLinkAnalysis(const LinkContext &ctx) {
         ctx.project.tryExec("DELETE FROM LinkAnalysis");
         totals.records = countOf(ctx.project, "SELECT Count(URL_ID) As LinkCount FROM URLs");
         totals.links = countOf(ctx.project, "SELECT Count(*) FROM Links");
+        totals.withoutHash =
+            countOf(ctx.project, "SELECT Count(*) FROM Links WHERE ifnull(HashedURL, '') = ''");
         ctx.task.describe({std::string(kTitle), std::string(kSubject), "", ""});
         if (ensureLinkHashIndex(ctx.project, ctx.task) == IndexState::Cancelled)
             totals.cancelled = true;
@@ -262,16 +276,17 @@ std::string notesOn(const LinkTotals &totals) {
     if (totals.links == 0)
         add("The project holds no hyperlinks: nothing was imported with the 'Parse Advanced "
             "Metadata' option.");
-    if (totals.withoutUrl > 0)
-        add(fmt::format("{} records have no URL and were compared with nothing.",
-                        totals.withoutUrl));
-    if (totals.notFetched > 0)
-        add(fmt::format("The cached content of {} records was not found in the evidence; what the "
-                        "project holds of their pages was left as it is.",
-                        totals.notFetched));
-    if (totals.notRead > 0)
-        add(fmt::format("{} records could not be read as pages; the error log has the reasons.",
-                        totals.notRead));
+    const std::pair<std::int64_t, std::string_view> counted[] = {
+        {totals.withoutUrl, "{} records have no URL and were compared with nothing."},
+        {totals.withoutHash, "{} hyperlinks carry no hash and were compared with nothing."},
+        {totals.withoutPage, "{} matches were left out: the pages that hold these links are no "
+                             "longer in the project."},
+        {totals.notFetched, "The cached content of {} records was not found in the evidence; what "
+                            "the project holds of their pages was left as it is."},
+        {totals.notRead, "{} records could not be read as pages; the error log has the reasons."}};
+    for (const auto &[count, text] : counted)
+        if (count > 0)
+            add(fmt::format(fmt::runtime(text), count));
     return notes;
 }
 

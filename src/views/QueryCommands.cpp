@@ -51,13 +51,13 @@ bool QueryCommands::FormatQuerySQL(std::span<const QueryRow> rows,
                    });
 }
 
-QueryClass QueryCommands::checked() const {
+QueryClass QueryCommands::checked(Test test) const {
     const auto reader = openReadOnly(m_project.getFilename());
-    return testTyped(m_view.statement(), *reader, m_log);
+    return test(m_view.statement(), *reader, m_log);
 }
 
 void QueryCommands::btnValidateSQL() {
-    const QueryClass query = checked();
+    const QueryClass query = checked(testTyped);
     m_examiner.tell(query.ErrCode == 0 ? messages::statementValid()
                                        : messages::statementInvalid(query.ErrDescription));
 }
@@ -75,7 +75,7 @@ void QueryCommands::putInForce(std::string sql, std::string name) {
 }
 
 bool QueryCommands::btnApplyQuery() {
-    const QueryClass query = checked();
+    const QueryClass query = checked(testForTable);
     if (query.ErrCode != 0) {
         m_examiner.tell(messages::badDefinition());
         return false;
@@ -159,7 +159,7 @@ bool QueryCommands::mayReplace(std::string_view name) {
 }
 
 bool QueryCommands::btnSaveQuery(std::string name) {
-    const QueryClass query = checked();
+    const QueryClass query = checked(testTyped);
     if (query.ErrCode != 0) {
         m_examiner.tell(messages::badQueryDefinition());
         return false;

@@ -75,7 +75,8 @@ class QueryCommands {
     void takeCustomQuery();
 
   private:
-    QueryClass checked() const;
+    using Test = QueryClass (*)(std::string_view, SQLite::Database &, FailureLog &);
+    QueryClass checked(Test test) const;
     void putInForce(std::string sql, std::string name);
     void keepAsDefault(const std::string &sql);
     bool isReserved(std::string_view name, const Message &refusal);

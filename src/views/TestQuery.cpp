@@ -51,6 +51,13 @@ void open(SQLite::Database &connection, const std::string &translated) {
     StatementWatch(connection, work).step(statement);
 }
 
+void checkIds(const SQLite::Statement &statement) {
+    for (int i = 0; i < statement.getColumnCount(); ++i)
+        if (equalsNoCase(statement.getColumnName(i), "URL_ID"))
+            return;
+    throw DialectError("the statement gives no URL_ID, by which the table shows its rows");
+}
+
 std::string orderIn(std::string_view sql) {
     constexpr std::string_view kOrderBy = "ORDER BY ";
     const std::size_t at = toUpper(sql).rfind(kOrderBy);
@@ -101,6 +108,15 @@ QueryClass testTyped(std::string_view typed, SQLite::Database &connection, Failu
                        "lines are joined into one: a comment with \"--\" would hide what stands "
                        "behind it. Write it as /* comment */");
     return TestQuery(sql, connection, log);
+}
+
+QueryClass testForTable(std::string_view typed, SQLite::Database &connection, FailureLog &log) {
+    QueryClass query = testTyped(typed, connection, log);
+    if (query.ErrCode != 0)
+        return query;
+    const auto refused = failureOf(
+        log, kProcedure, [&] { checkIds(SQLite::Statement(connection, translate(query.SQL))); });
+    return refused ? outcome(query.SQL, kStatementError, *refused) : query;
 }
 
 } // namespace nv

@@ -25,10 +25,6 @@ void describeLoad(TaskMonitor &task) {
          ""});
 }
 
-LoadResult resultOf(Walk walk) {
-    return walk == Walk::Finished ? LoadResult::Loaded : LoadResult::Cancelled;
-}
-
 } // namespace
 
 /// Keeps cells from using the connection while a statement of the table is at work on it.
@@ -60,12 +56,9 @@ LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
     refreshRows();
     const Busy busy(m_busy);
     FoundRows found;
-    const LoadResult result =
-        trapped(m_log, Severity::Warning, kProcedure, kContactSupport, LoadResult::Failed, [&] {
-            if (!prepareProject(task))
-                return LoadResult::Cancelled;
-            return resultOf(fill(loadQuery(choice), task, found));
-        });
+    const LoadResult result = attempt([&] {
+        return prepareProject(task) ? fill(loadQuery(choice), task, found) : Walk::Cancelled;
+    });
     take(std::move(found));
     m_empty = whyEmpty(result);
     RecordsetDirty = false;
@@ -86,6 +79,15 @@ bool UrlTable::prepareProject(TaskMonitor &task) {
 
 Walk UrlTable::fill(const IdQuery &query, TaskMonitor &task, FoundRows &found) {
     return findRows(m_project, query, Filters, task, found);
+}
+
+LoadResult UrlTable::attempt(const std::function<Walk()> &work) {
+    Walk walk = Walk::Finished;
+    const auto failure = failureOf(m_log, kProcedure, [&] { walk = work(); });
+    m_failure = failure.value_or("");
+    if (failure)
+        return LoadResult::Failed;
+    return walk == Walk::Finished ? LoadResult::Loaded : LoadResult::Cancelled;
 }
 
 void UrlTable::take(FoundRows &&found) {
@@ -110,9 +112,7 @@ LoadResult UrlTable::sortInto(const IdQuery &query, TaskMonitor &task) {
     describeLoad(task);
     const Busy busy(m_busy);
     FoundRows sorted;
-    const LoadResult result =
-        trapped(m_log, Severity::Warning, kProcedure, kContactSupport, LoadResult::Failed,
-                [&] { return resultOf(fill(query, task, sorted)); });
+    const LoadResult result = attempt([&] { return fill(query, task, sorted); });
     if (result != LoadResult::Loaded)
         return result;
     take(std::move(sorted));
@@ -212,9 +212,9 @@ void UrlTable::refreshRows() {
     m_cells.forgetPaths();
 }
 
-Message loadFailure() {
-    return {"load-urls-failed", "Error",     "Error Loading Cache",
-            Choices::Ok,        Tone::Error, Answer::Ok};
+Message loadFailure(std::string_view reason) {
+    return {"load-urls-failed", "Error Loading Cache", std::string(reason),
+            Choices::Ok,        Tone::Error,           Answer::Ok};
 }
 
 } // namespace nv

@@ -8,6 +8,7 @@
 #include "views/UrlQuery.h"
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -51,6 +52,9 @@ class UrlTable {
     /// The column that the list is sorted by, when it is by one.
     const std::optional<ColumnSort> &columnSort() const { return m_columnSort; }
 
+    /// What the database said when the last load or sort failed.
+    const std::string &failure() const { return m_failure; }
+
     std::size_t rowCount() const { return m_ids.size(); }
     EmptyState emptyState() const { return m_ids.empty() ? m_empty : EmptyState::HasRows; }
     const RowIds &ids() const { return m_ids; }
@@ -87,6 +91,7 @@ class UrlTable {
     class Busy;
     bool prepareProject(TaskMonitor &task);
     Walk fill(const IdQuery &query, TaskMonitor &task, FoundRows &found);
+    LoadResult attempt(const std::function<Walk()> &work);
     void take(FoundRows &&found);
     LoadResult sortInto(const IdQuery &query, TaskMonitor &task);
     EmptyState whyEmpty(LoadResult result);
@@ -101,10 +106,11 @@ class UrlTable {
     RowCells m_cells;
     std::optional<ColumnSort> m_columnSort;
     EmptyState m_empty = EmptyState::NotLoaded;
+    std::string m_failure;
     bool m_busy = false;
 };
 
 /// What the examiner is told when a load or a sort has failed.
-Message loadFailure();
+Message loadFailure(std::string_view reason);
 
 } // namespace nv

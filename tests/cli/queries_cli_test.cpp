@@ -48,6 +48,14 @@ TEST_F(QueriesCliTest, aQueryIsSavedShownRunAndDeleted) {
     EXPECT_EQ(cli({"queries", "delete", project, "Mine"}).exit, 1);
 }
 
+TEST_F(QueriesCliTest, aQueryWhoseRowsCantBeListedSaysWhy) {
+    ASSERT_EQ(save("Hosts", "SELECT Host FROM URLs").exit, 0);
+    const CliResult listed = cli({"list", project, "--query", "Hosts"});
+    EXPECT_EQ(listed.exit, 3);
+    EXPECT_EQ(listed.out, "");
+    EXPECT_THAT(listed.err, HasSubstr("Error Loading Cache: no such column: URL_ID"));
+}
+
 TEST_F(QueriesCliTest, aNameThatIsTakenNeedsOverwrite) {
     ASSERT_EQ(save("Mine", "SELECT * FROM URLs").exit, 0);
     const CliResult again = save("MINE", "SELECT * FROM URLs WHERE Visits > 3");

@@ -43,6 +43,7 @@ class FiltersTest : public QObject {
     void withoutTheTickGoingToAHostReloadsNothing();
     void takingTheTickAwayTurnsTheFilterOffAtOnceButReloadsNothing();
     void theHostBoxAndTheListAgree();
+    void aHostThatIsTypedCountsWithARefreshToo();
     void theFrontTabDecidesWhatReloads();
     void theHostFilterLastsUntilItIsTurnedOff();
     void theListGrowsWithAnImport();
@@ -288,6 +289,15 @@ void FiltersTest::takingTheTickAwayTurnsTheFilterOffAtOnceButReloadsNothing() {
     clickTick();
     clickHost(QStringLiteral("a.example"));
     QVERIFY2(state().FilterByHostEnabled, "the row that was chosen before counts as another one");
+}
+
+void FiltersTest::aHostThatIsTypedCountsWithARefreshToo() {
+    QTest::keyClicks(&box(), QStringLiteral("a.example"));
+    QVERIFY(!state().FilterByHostEnabled);
+    trigger(*m_form, "actRefresh");
+    QCOMPARE(rows(), 1);
+    QVERIFY(state().FilterByHostEnabled);
+    QCOMPARE(sign("labHostFilter").text(), QStringLiteral("Host: a.example"));
 }
 
 void FiltersTest::theHostBoxAndTheListAgree() {

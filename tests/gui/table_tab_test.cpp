@@ -37,6 +37,7 @@ class TableTabTest : public QObject {
     void escapeClosesTheFindBar();
     void quickQueriesAreInTheMenuAndChooseRows();
     void aQueryWithoutRowsSaysWhatToDo();
+    void theRecordStaysChosenOrTheFirstRowIs();
     void anEmptyProjectOffersToImport();
     void theFailingSortsStandInTheMenu();
     void propertiesShowAllColumnsAndTheWholeText();
@@ -161,6 +162,26 @@ void TableTabTest::aQueryWithoutRowsSaysWhatToDo() {
     QTest::mouseClick(&child<QPushButton>(*m_form, "btnEmptyShowAll"), Qt::LeftButton);
     QVERIFY(grid().isVisible());
     QCOMPARE(grid().model()->rowCount(), 6);
+}
+
+void TableTabTest::theRecordStaysChosenOrTheFirstRowIs() {
+    const auto hostOf = [this](std::size_t place) {
+        return toQt(tab().table()->cell(place, UrlColumn::Host));
+    };
+    QStringList hosts;
+    for (std::size_t place = 0; place < 6; ++place)
+        hosts += hostOf(place);
+    const UrlId last = tab().table()->idAt(5);
+    grid().setCurrentUrl(last);
+    auto &host = child<QLineEdit>(*m_form, "txtHostFilter");
+    host.setText(hosts.at(5));
+    QTest::keyClick(&host, Qt::Key_Return);
+    QVERIFY(grid().currentUrl() == last);
+    host.setText(hosts.at(5) == hosts.at(0) ? hosts.at(1) : hosts.at(0));
+    QTest::keyClick(&host, Qt::Key_Return);
+    QVERIFY(!tab().table()->placeOf(last));
+    QVERIFY(grid().currentUrl() == tab().table()->idAt(0));
+    QTRY_VERIFY(child<QTreeWidget>(*m_form, "PropertiesGrid").topLevelItemCount() > 0);
 }
 
 void TableTabTest::anEmptyProjectOffersToImport() {

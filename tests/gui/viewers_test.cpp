@@ -45,7 +45,6 @@ class ViewersTest : public QObject {
     void whatIsNoPictureIsTold();
     void bytesAreShownFoundAndCopied();
     void theSourceFileIsShownAtTheRecordsOffset();
-    void aSearchInABigFileIsCancelled();
     void aNoteIsStoredWhenTheBoxIsLeft();
     void aNoteIsStoredWhenAnotherRowIsChosen();
     void aNoteIsStoredWhenTheProjectCloses();
@@ -237,28 +236,6 @@ void ViewersTest::theSourceFileIsShownAtTheRecordsOffset() {
     QCOMPARE(std::string(ByteView(bytes).raw()), std::string("URL "));
     QTest::mouseClick(&pane<QPushButton>("btnHexSource"), Qt::LeftButton);
     QTRY_COMPARE(grid.source()->file().path().filename(), fs::path("a[1].htm"));
-}
-
-void ViewersTest::aSearchInABigFileIsCancelled() {
-    const fs::path big = m_desk->folder.write("big", "");
-    fs::resize_file(big, std::uintmax_t{40} << 30);
-    MemoryLog log;
-    const RunTask cancelled = [](const TaskHeading &, const auto &work) {
-        CancelAfter task(1);
-        work(task);
-    };
-    HexPane hex(cancelled, log);
-    hex.resize(900, 300);
-    hex.show();
-    hex.showFile(big, 0);
-    auto &grid = child<HexGrid>(hex, "HexGrid");
-    QTest::keyClick(&grid, Qt::Key_End, Qt::ControlModifier);
-    QCOMPARE(grid.cursor() + 1, std::uint64_t{40} << 30);
-    QTest::keyClick(&grid, Qt::Key_Home, Qt::ControlModifier);
-    child<QLineEdit>(hex, "txtFindInHex").setText(QStringLiteral("x"));
-    QTest::mouseClick(&child<QPushButton>(hex, "btnFindInHex"), Qt::LeftButton);
-    QCOMPARE(child<QLabel>(hex, "labViewerNotice").text(),
-             QStringLiteral("The search was cancelled."));
 }
 
 void ViewersTest::aNoteIsStoredWhenTheBoxIsLeft() {

@@ -27,8 +27,7 @@ LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table)
     const LoadResult loaded = table.LoadURLs(session.task);
     session.task.clear();
     if (loaded == LoadResult::Failed)
-        throw StorageFailure(
-            fmt::format("{}; see \"{}\"", loadFailure().title, textOf(session.program.log.path())));
+        throw StorageFailure(fmt::format("{}: {}", loadFailure({}).title, table.failure()));
     if (table.hiddenCount() > 0)
         session.err << fmt::format("filters hide {} of {} rows\n", table.hiddenCount(),
                                    table.hiddenCount() + table.rowCount());

@@ -99,6 +99,7 @@ void ViewersPart::addNotes() {
     connect(&bench, &Workbench::projectClosing, m_notes, [this] {
         if (m_bench.isProjectOpen())
             m_notes->clear();
+        m_notes->forgetUnstored();
     });
 }
 

@@ -33,7 +33,7 @@ HexGrid::HexGrid(FailureLog &log, QWidget *parent) : QAbstractScrollArea(parent)
     viewport()->setCursor(Qt::IBeamCursor);
 }
 
-void HexGrid::setSource(std::unique_ptr<HexSource> source) {
+void HexGrid::setSource(std::shared_ptr<HexSource> source) {
     m_source = std::move(source);
     m_cursor = m_anchor = 0;
     updateScrollBars();
@@ -67,6 +67,12 @@ QString HexGrid::selectedText() const {
         return {};
     const Bytes bytes = m_source->file().read(chosen.offset, std::min(chosen.length, kMostCopied));
     return toQt(hexBytes(ByteView(bytes)));
+}
+
+void HexGrid::copySelection() {
+    QApplication::clipboard()->setText(selectedText());
+    if (const std::uint64_t chosen = selection().length; chosen > kMostCopied)
+        emit copyCut(chosen, kMostCopied);
 }
 
 int HexGrid::charWidth() const {
@@ -219,7 +225,7 @@ void HexGrid::keyPressEvent(QKeyEvent *event) {
     if (!m_source)
         return QAbstractScrollArea::keyPressEvent(event);
     if (event->matches(QKeySequence::Copy)) {
-        QApplication::clipboard()->setText(selectedText());
+        copySelection();
         return;
     }
     const auto place = placeAfter(*event);

@@ -20,8 +20,8 @@ class HexGrid final : public QAbstractScrollArea {
     explicit HexGrid(FailureLog &log, QWidget *parent = nullptr);
 
     /// Null shows nothing.
-    void setSource(std::unique_ptr<HexSource> source);
-    const HexSource *source() const { return m_source.get(); }
+    void setSource(std::shared_ptr<HexSource> source);
+    std::shared_ptr<const HexSource> source() const { return m_source; }
     /// The byte with the cursor.
     std::uint64_t cursor() const { return m_cursor; }
     void goTo(std::uint64_t offset);
@@ -33,6 +33,8 @@ class HexGrid final : public QAbstractScrollArea {
 
   signals:
     void cursorMoved();
+    /// The choice was longer than what is copied.
+    void copyCut(std::uint64_t chosen, std::uint64_t copied);
     /// The file can't be read any more: it isn't shown from now on.
     void unreadable(const QString &reason);
 
@@ -58,11 +60,12 @@ class HexGrid final : public QAbstractScrollArea {
     void setCursorAt(std::uint64_t offset, Anchor anchor);
     void scrollToCursor();
     void updateScrollBars();
+    void copySelection();
     void paintRows(QPainter &painter);
     void paintRow(QPainter &painter, std::uint64_t row, int top);
 
     FailureLog &m_log;
-    std::unique_ptr<HexSource> m_source;
+    std::shared_ptr<HexSource> m_source;
     std::uint64_t m_cursor = 0;
     std::uint64_t m_anchor = 0;
     std::uint64_t m_rowsAStep = 1; ///< of the scroll bar, which counts in 31 bits

@@ -28,6 +28,10 @@ HexPane::HexPane(RunTask runTask, FailureLog &log, QWidget *parent)
     addFind();
     addPlace();
     connect(m_grid, &HexGrid::cursorMoved, this, &HexPane::showPlace);
+    connect(m_grid, &HexGrid::copyCut, this, [this](std::uint64_t chosen, std::uint64_t copied) {
+        showNotice(
+            tr("Only the first %L1 of %L2 chosen bytes were copied.").arg(copied).arg(chosen));
+    });
     connect(m_grid, &HexGrid::unreadable, this,
             [this](const QString &reason) { showMissing(reason); });
 }
@@ -124,25 +128,28 @@ void HexPane::findNext() {
     const auto wanted = needles();
     if (!m_grid->source() || !wanted)
         return;
-    const FileReader &file = m_grid->source()->file();
     // A match with the cursor on it has been seen; a byte that was gone to may begin one.
     const std::uint64_t from = m_grid->cursor() + (m_matchAt == m_grid->cursor() ? 1 : 0);
-    HexSearch search;
+    std::optional<HexSearch> search; // nothing when the file couldn't be read
     bool fromTop = false;
     m_runTask({"SEARCHING", "Looking for text or bytes", fromQt(m_find->text()), ""},
-              [&](TaskMonitor &task) {
-                  search = findInFile(file, *wanted, from, task);
-                  fromTop = !search.match && !search.cancelled && from > 0;
+              // Held: the grid lets its file go when the drive goes away meanwhile.
+              [&, source = m_grid->source()](TaskMonitor &task) {
+                  HexSearch found = findInFile(source->file(), *wanted, from, task);
+                  fromTop = !found.match && !found.cancelled && from > 0;
                   if (fromTop)
-                      search = findInFile(file, *wanted, 0, task);
+                      found = findInFile(source->file(), *wanted, 0, task);
+                  search = found;
               });
-    if (search.match) {
-        m_grid->select(*search.match);
-        m_matchAt = search.match->offset;
+    if (!search)
+        return showNotice(tr("The file could not be searched."));
+    if (search->match && m_grid->source()) {
+        m_grid->select(*search->match);
+        m_matchAt = search->match->offset;
     }
-    showNotice(search.match       ? fromTop ? tr("Found from the top.") : QString()
-                     : search.cancelled ? tr("The search was cancelled.")
-                                  : tr("Not found."));
+    showNotice(search->match       ? fromTop ? tr("Found from the top.") : QString()
+                     : search->cancelled ? tr("The search was cancelled.")
+                                   : tr("Not found."));
 }
 
 void HexPane::goToTyped() {
@@ -158,7 +165,7 @@ void HexPane::goToTyped() {
 }
 
 void HexPane::showPlace() {
-    const HexSource *source = m_grid->source();
+    const auto source = m_grid->source();
     if (!source)
         return m_place->clear();
     const QString place = tr("Offset %1 (%2) of %L3 bytes")

@@ -41,10 +41,19 @@ void NotesPane::showRecord(UrlId id) {
     if (!note)
         return clear();
     m_id = id;
-    m_text->setPlainText(toQt(note->Notes));
-    m_text->document()->setModified(false);
     m_text->setEnabled(true);
-    showDate(note->NotesDateTime);
+    showNote(*note);
+}
+
+void NotesPane::showNote(const Note &note) {
+    const auto unstored = m_unstored.find(*m_id);
+    const bool isStored = unstored == m_unstored.end();
+    m_text->setPlainText(isStored ? toQt(note.Notes) : unstored->second);
+    m_text->document()->setModified(!isStored); // it is tried again
+    if (isStored)
+        showDate(note.NotesDateTime);
+    else
+        m_date->setText(notStored());
 }
 
 void NotesPane::clear() {
@@ -62,12 +71,15 @@ void NotesPane::NotesText_Validate() {
     // Before anything is told: a message box takes the focus, which would store once more.
     m_text->document()->setModified(false);
     const UrlId id = *m_id;
-    const NoteOutcome outcome = m_storage.write(id, fromQt(m_text->toPlainText()));
+    const QString text = m_text->toPlainText();
+    const NoteOutcome outcome = m_storage.write(id, fromQt(text));
     if (outcome.stored != NoteStored::stored) {
-        m_date->setText(tr("This note is not stored."));
+        m_unstored[id] = text;
+        m_date->setText(notStored());
         m_storage.tell(noteMessage(outcome));
         return;
     }
+    m_unstored.erase(id);
     if (const auto note = m_storage.read(id))
         showDate(note->NotesDateTime);
 }
@@ -81,6 +93,14 @@ bool NotesPane::eventFilter(QObject *watched, QEvent *event) {
     if (watched == m_text && event->type() == QEvent::FocusOut)
         NotesText_Validate();
     return QWidget::eventFilter(watched, event);
+}
+
+void NotesPane::forgetUnstored() {
+    m_unstored.clear();
+}
+
+QString NotesPane::notStored() {
+    return tr("This note is not stored.");
 }
 
 } // namespace nv

@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <map>
 
 class QLabel;
 class QPlainTextEdit;
@@ -13,7 +14,8 @@ class QPlainTextEdit;
 namespace nv {
 
 /// The examiner's note of a record. A changed one is stored when the box is left, when another
-/// record comes, and before the project closes.
+/// record comes, and before the project closes. One that couldn't be stored comes again with its
+/// record, and is tried again.
 class NotesPane final : public QWidget, public RecordPane {
     Q_OBJECT
 
@@ -30,17 +32,22 @@ class NotesPane final : public QWidget, public RecordPane {
     void clear() override;
     /// Stores the note if it was changed; the examiner is told when that fails.
     void NotesText_Validate();
+    /// The records to come are those of another project.
+    void forgetUnstored();
 
   protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
   private:
+    void showNote(const Note &note);
     void showDate(Date date);
+    static QString notStored();
 
     Storage m_storage;
     QPlainTextEdit *m_text = nullptr;
     QLabel *m_date = nullptr;
     std::optional<UrlId> m_id;
+    std::map<UrlId, QString> m_unstored;
 };
 
 } // namespace nv

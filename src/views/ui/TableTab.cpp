@@ -134,15 +134,24 @@ void TableTab::showQuery(const QString &name) {
 }
 
 void TableTab::takeHost() {
-    if (!m_table || m_table->choice.FilterByHostValue == fromQt(m_host->text().trimmed()))
-        return;
-    emit hostEntered(m_host->text().trimmed());
-    LoadURLs();
+    const QString host = m_host->text().trimmed();
+    if (m_table && (host != m_knownHost || fromQt(host) != m_table->choice.FilterByHostValue))
+        LoadURLs();
 }
 
 void TableTab::setHost(const QString &host) {
     const QSignalBlocker quiet(m_host);
     m_host->setText(host);
+    m_knownHost = host;
+}
+
+/// What was typed counts with any load, also without Enter: the others must know of it.
+void TableTab::announceHost() {
+    const QString host = m_host->text().trimmed();
+    if (host == m_knownHost)
+        return;
+    m_knownHost = host;
+    emit hostEntered(host);
 }
 
 void TableTab::showAll() {
@@ -154,6 +163,7 @@ void TableTab::showAll() {
 void TableTab::LoadURLs() {
     if (!m_table)
         return;
+    announceHost();
     const std::string host = fromQt(m_host->text().trimmed());
     m_table->choice = {fromQt(queryName()), !host.empty(), host};
     reload([this](TaskMonitor &task) { return m_table->LoadURLs(task); });
@@ -187,14 +197,13 @@ LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work
     m_grid->showSort(m_table->columnSort());
     m_empty->showState(m_table->emptyState(), m_table->hiddenCount());
     m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);
-    if (current)
-        m_grid->setCurrentUrl(*current);
-    else if (m_table->rowCount() > 0)
+    // Rows without a current one would leave every pane empty.
+    if ((!current || !m_grid->setCurrentUrl(*current)) && m_table->rowCount() > 0)
         m_grid->setCurrentUrl(m_table->idAt(0));
     countTagged();
     emit currentUrlChanged();
     if (result == LoadResult::Failed)
-        m_examiner.tell(loadFailure());
+        m_examiner.tell(loadFailure(m_table->failure()));
     return result;
 }
 

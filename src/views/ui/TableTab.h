@@ -84,6 +84,7 @@ class TableTab final : public QWidget {
     void showHeaderMenu(UrlColumn column, const QPoint &place);
     void showAll();
     void takeHost();
+    void announceHost();
     void countTagged();
 
     RunTask m_runTask;
@@ -99,6 +100,7 @@ class TableTab final : public QWidget {
     FindBar *m_find = nullptr;
     QComboBox *m_queries = nullptr;
     QLineEdit *m_host = nullptr;
+    QString m_knownHost; ///< as it was set or told last
 };
 
 } // namespace nv

@@ -142,12 +142,13 @@ std::optional<UrlId> UrlGrid::currentUrl() const {
     return id == UrlId::none ? std::nullopt : std::optional(id);
 }
 
-void UrlGrid::setCurrentUrl(UrlId id) {
+bool UrlGrid::setCurrentUrl(UrlId id) {
     const auto place = m_model.table() ? m_model.table()->placeOf(id) : std::nullopt;
     if (!place)
-        return;
+        return false;
     const int section = std::max(0, horizontalHeader()->logicalIndexAt(0));
     setCurrentIndex(m_model.index(static_cast<int>(*place), section));
+    return true;
 }
 
 void UrlGrid::clickCell(const QModelIndex &cell) {

@@ -26,7 +26,7 @@ class UrlGrid final : public QTableView {
 
     std::optional<UrlId> currentUrl() const;
     /// Makes the row of this record the current one, when it is in the list.
-    void setCurrentUrl(UrlId id);
+    bool setCurrentUrl(UrlId id);
 
     /// Flips the tick of the current row, and gives all selected rows the same.
     void flipSelectedTags(TaskMonitor &task);

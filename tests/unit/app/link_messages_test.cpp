@@ -18,7 +18,6 @@ and the result will be displayed in the Links column,
 for the related URL records.
 
 NOTE:
-
 If you did not choose the 'Parse Advanced Metadata'
 option during the initial import process, then this 
 analysis will produce no results.

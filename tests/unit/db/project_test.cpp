@@ -124,6 +124,39 @@ TEST_F(ProjectTest, aBrokenQueryLeavesEverythingAsItWas) {
     EXPECT_EQ(queries.text("it's \"odd\""), std::nullopt);
 }
 
+TEST_F(ProjectTest, theTextOfAQueryIsAsItWasWritten) {
+    create();
+    StoredQueries queries(project.connection());
+    for (const char *text :
+         {"SELECT * FROM URLs WHERE ActionDateUTC > #1/15/2009# ; ", "SELECT TOP 3 * FROM [URLs]",
+          "SELECT * FROM URLs /* mine */", "SELECT * FROM URLs WHERE Host = \"a\" -- b",
+          " SELECT /* why */ Len(URL) AS n FROM URLs"}) {
+        queries.save({"It's \"odd\"", text});
+        EXPECT_EQ(queries.text("it's \"ODD\""), text);
+        EXPECT_EQ(queries.list().back().sql, text);
+    }
+    for (const StoredQuery &query : firstQueries(2026, 11, {{"a'b"}, {"c[d"}}))
+        EXPECT_EQ(queries.text(query.name).value_or("").substr(0, 7), "SELECT ") << query.name;
+}
+
+TEST_F(ProjectTest, ofAViewThatSomebodyChangedItsOwnStatementIsShown) {
+    create();
+    StoredQueries queries(project.connection());
+    queries.save({"Mine", "SELECT * FROM URLs WHERE Visits > 3"});
+    project.connection().exec(
+        "DROP VIEW Mine; CREATE VIEW \"Mine\" AS SELECT * FROM URLs LIMIT 1;"
+        "UPDATE StoredQueries SET SQLText = 'no ''end' WHERE Name = 'Phishing'");
+    EXPECT_EQ(queries.text("Mine"), "SELECT * FROM URLs LIMIT 1");
+    EXPECT_EQ(queries.list().back().sql, "SELECT * FROM URLs LIMIT 1");
+    EXPECT_EQ(queries.text("Phishing").value_or("").find("SELECT * FROM URLs WHERE"), 0u);
+    project.connection().exec("DROP VIEW Mine; CREATE VIEW mine(URL_ID) AS SELECT 1");
+    EXPECT_EQ(queries.text("Mine"), "CREATE VIEW mine(URL_ID) AS SELECT 1");
+    project.connection().exec("DROP VIEW Mine");
+    EXPECT_EQ(queries.text("Mine"), "SELECT * FROM URLs WHERE Visits > 3");
+    queries.save({"Mine", "SELECT * FROM URLs"});
+    EXPECT_EQ(queries.text("Mine"), "SELECT * FROM URLs");
+}
+
 TEST_F(ProjectTest, resetDEFAULTQueryRestoresTheFirstText) {
     create();
     StoredQueries queries(project.connection());

@@ -38,6 +38,7 @@ TEST_F(ExifTest, namesAreInAlphabeticalOrderAndOnce) {
     };
     EXPECT_TRUE(std::ranges::is_sorted(names, before));
     EXPECT_EQ(std::ranges::adjacent_find(names, {}, &ExifTagName::name), names.end());
+    EXPECT_EQ(names.size(), 145U);
     EXPECT_EQ(names.front().name, "Aperture");
     EXPECT_EQ(names.back().name, "YResolution");
 }

@@ -97,6 +97,47 @@ TEST_F(LinkAnalysisTest, recordsWithoutAUrlAreComparedWithNothingAndCounted) {
     EXPECT_EQ(notesOn(totals), "2 records have no URL and were compared with nothing.");
 }
 
+TEST_F(LinkAnalysisTest, aRecordWithAUrlButNoHashIsComparedAllTheSame) {
+    const auto page = record("http://a/page");
+    const auto one = record("http://b/", true);
+    const auto two = record("http://b/", true);
+    link(page, "http://b/");
+    db().exec(fmt::format("UPDATE URLs SET HashedURL = NULL WHERE URL_ID = {};"
+                          "UPDATE URLs SET HashedURL = ' ' WHERE URL_ID = {}",
+                          one, two));
+    EXPECT_EQ(run().withoutUrl, 0);
+    EXPECT_THAT(pairs(), ElementsAre(pair(page, one, "http://b/"), pair(page, two, "http://b/")));
+}
+
+TEST_F(LinkAnalysisTest, linksWithoutAHashAreCountedAndTold) {
+    const auto page = record("http://a/page");
+    record("http://b/", true);
+    link(page, "http://b/");
+    link(page, "http://c/");
+    db().exec("UPDATE Links SET HashedURL = CASE Link_ID WHEN 1 THEN NULL ELSE '' END");
+    const LinkTotals totals = run();
+    EXPECT_EQ(totals.withoutHash, 2);
+    EXPECT_EQ(notesOn(totals), "2 hyperlinks carry no hash and were compared with nothing.");
+}
+
+TEST_F(LinkAnalysisTest, linksOfPagesThatAreGoneAreLeftOutAndCounted) {
+    const auto gone = record("http://a/gone");
+    const auto page = record("http://a/page");
+    const auto visit = record("http://b/", true);
+    link(gone, "http://b/");
+    link(page, "http://b/");
+    db().exec(fmt::format("PRAGMA foreign_keys = OFF; DELETE FROM URLs WHERE URL_ID = {};"
+                          "PRAGMA foreign_keys = ON",
+                          gone));
+    const LinkTotals totals = run();
+    EXPECT_THAT(pairs(), ElementsAre(pair(page, visit, "http://b/")));
+    EXPECT_EQ(totals.matches, 1);
+    EXPECT_EQ(totals.withoutPage, 1);
+    EXPECT_EQ(notesOn(totals), "1 matches were left out: the pages that hold these links are no "
+                               "longer in the project.");
+    EXPECT_THAT(project.log.entries, IsEmpty());
+}
+
 TEST_F(LinkAnalysisTest, aSecondRunGivesTheSamePairsUnderNewIds) {
     const auto page = record("http://a/page");
     record("http://b/", true);

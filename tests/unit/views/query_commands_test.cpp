@@ -126,6 +126,34 @@ TEST_F(QueryCommandsTest, aWrongStatementChangesNothing) {
     EXPECT_EQ(view.loads, 1);
 }
 
+TEST_F(QueryCommandsTest, aStatementWhoseRowsTheTableCantShowIsNotApplied) {
+    for (const char *blind :
+         {"SELECT Host FROM URLs", "SELECT count(*) FROM URLs", "SELECT URL_ID AS n FROM URLs"}) {
+        examiner.expect("bad-definition");
+        EXPECT_FALSE(apply(blind)) << blind;
+        EXPECT_EQ(made.log.entries.back().message,
+                  "the statement gives no URL_ID, by which the table shows its rows");
+        EXPECT_EQ(stored("_DEFAULT"), kDefaultQueryText);
+        EXPECT_EQ(state.CurrentSQLDef, kDefaultQueryText);
+        EXPECT_EQ(state.LastSQLDef, "");
+    }
+    EXPECT_EQ(view.loads, 0);
+    examiner.expect("statement-valid"); // as a statement there is nothing wrong with it
+    commands.btnValidateSQL();
+    EXPECT_TRUE(apply("SELECT url_id, Host FROM URLs"));
+    EXPECT_TRUE(apply("SELECT * FROM URLs INNER JOIN Links ON URLs.URL_ID = Links.URL_ID"));
+}
+
+TEST_F(QueryCommandsTest, whatTheTableRunsIsWhatTheBoxShows) {
+    made.db().exec("DROP VIEW Facebook;"
+                   "CREATE VIEW \"Facebook\" AS SELECT * FROM URLs WHERE Host <> 'facebook.com'");
+    commands.LoadStoredQueries("Facebook");
+    EXPECT_EQ(view.box, "SELECT * FROM URLs WHERE Host <> 'facebook.com'");
+    EXPECT_EQ(state.CurrentSQLDef, view.box);
+    commands.LoadStoredQuery("facebook");
+    EXPECT_EQ(view.box, state.CurrentSQLDef);
+}
+
 TEST_F(QueryCommandsTest, undoGoesOneStepBackAndComesAgain) {
     ASSERT_TRUE(apply(kVisits) && apply(kHosts));
     commands.btnUndoQuery();

@@ -66,6 +66,13 @@ TEST_F(UrlTableTest, aQueryThatFailsIsLoggedAndShowsNothing) {
     EXPECT_EQ(table.emptyState(), EmptyState::Failed);
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_EQ(log.entries[0].procedure, "MainForm.LoadURLs()");
+    EXPECT_EQ(table.failure(), "no such table: no such query");
+    const Message told = loadFailure(table.failure());
+    EXPECT_EQ(told.title, "Error Loading Cache");
+    EXPECT_EQ(told.text, table.failure());
+    table.choice.ActiveQueryName.clear();
+    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.failure(), "");
 }
 
 TEST_F(UrlTableTest, aCancelledLoadLeavesTheRowsUpToThatMoment) {
