@@ -145,6 +145,11 @@ void TableTab::setHost(const QString &host) {
     m_host->setText(host);
 }
 
+void TableTab::filterByHost(const QString &host) {
+    setHost(host);
+    takeHost();
+}
+
 void TableTab::showAll() {
     setHost({});
     emit hostEntered({});
