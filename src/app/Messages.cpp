@@ -236,12 +236,12 @@ Message importFailed(std::string_view reason) {
 Message idsBeyondNarrow(std::int64_t largest) {
     return question(
         "ids-beyond-narrow", "Large Project",
-        fmt::format("The record ids of this project go up to {}. A page that is rebuilt can't have "
-                    "parts with ids above 32767, as earlier versions could not hold them: such a "
-                    "page isn't rebuilt.\n\n"
-                    "Do you want to allow such parts from now on? Earlier versions can't open the "
-                    "pages that are rebuilt with them. The switch is WideRecordIds in the section "
-                    "[BEYOND] of the settings file.",
+        fmt::format("The record ids of this project go up to {}. Earlier versions could hold ids "
+                    "up to 32767 only. Above that a page isn't rebuilt when a part of it has such "
+                    "an id, and the links of such a record aren't listed.\n\n"
+                    "Do you want to allow such ids from now on, in rebuilt pages and in links? "
+                    "Earlier versions can't open the pages that are rebuilt with them. The switch "
+                    "is WideRecordIds in the section [BEYOND] of the settings file.",
                     largest),
         Answer::No);
 }

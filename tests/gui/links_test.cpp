@@ -302,7 +302,7 @@ void LinksTest::cellsAndRowsAreCopied() {
     QTest::keyClick(&links(), Qt::Key_C, Qt::ControlModifier);
     QCOMPARE(QApplication::clipboard()->text(), QString::fromLatin1(kPage));
     links().selectAll();
-    links().findChild<QAction *>(QStringLiteral("actCopyLinkRows"))->trigger();
+    links().findChild<QAction *>(QStringLiteral("actCopyGridRows"))->trigger();
     const QStringList lines = QApplication::clipboard()->text().split(u'\n');
     QCOMPARE(lines.size(), 3);
     QCOMPARE(lines[0], QStringLiteral("URL ID\tDirection\tKind\tVisit Count\tVisits\tURL\t"

@@ -35,7 +35,7 @@ class RebuildTest : public QObject {
     void anUntickedCurrentRowIsLeftAloneWhenOthersAreTicked();
     void rebuildDrawsTheThumbnailThatTheGalleryShows();
     void cancelLeavesTheRemainingRows();
-    void rebuildIsInTheRowMenuAndOnAKey();
+    void rebuildIsOnAKeyAndNeedsAProject();
     void theStatusBarSaysWhyAPageIsNotRebuilt();
     void theNoticeGoesWithTheRow();
     void partsWithLargeIdsNameTheirSwitch();
@@ -163,9 +163,8 @@ void RebuildTest::cancelLeavesTheRemainingRows() {
              qPrintable(notice()));
 }
 
-void RebuildTest::rebuildIsInTheRowMenuAndOnAKey() {
+void RebuildTest::rebuildIsOnAKeyAndNeedsAProject() {
     QAction *action = m_form->findChild<QAction *>(QStringLiteral("actRebuild"));
-    QVERIFY(grid().actions().contains(action));
     QVERIFY(!action->shortcut().isEmpty());
     trigger(*m_form, "actClose");
     QVERIFY(!action->isEnabled());

@@ -4,6 +4,7 @@
 #include "platform/qt/QtText.h"
 #include "time/DateFormat.h"
 #include "views/CellText.h"
+#include "views/ui/GridCopy.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -42,6 +43,7 @@ QTreeWidget *newList() {
     list->setUniformRowHeights(true);
     list->setAlternatingRowColors(true);
     list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    letCopy(*list);
     return list;
 }
 

@@ -44,6 +44,9 @@ struct MainActions {
 
     /// What makes sense only with a project.
     void setProjectOpen(bool open);
+
+  private:
+    void describe();
 };
 
 } // namespace nv

@@ -14,7 +14,6 @@
 #include <vector>
 
 class QLabel;
-class QSplitter;
 class QStackedWidget;
 
 namespace nv {
@@ -98,7 +97,6 @@ class MainForm final : public QMainWindow, public ProjectView {
     MainActions m_actions;
     MainMenus m_menus;
     QStackedWidget *m_pages = nullptr;
-    QSplitter *m_splitter = nullptr;
     TableTab *m_table = nullptr;
     ViewerTabs *m_viewers = nullptr;
     std::unique_ptr<Workbench> m_bench;

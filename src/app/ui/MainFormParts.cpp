@@ -11,11 +11,13 @@
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
 #include "app/ui/ReportPart.h"
+#include "app/ui/RowMenuPart.h"
 #include "app/ui/TemplatesPart.h"
 #include "app/ui/TrailPart.h"
 #include "app/ui/UpgradePart.h"
 #include "app/ui/ViewersPart.h"
 #include "app/ui/WelcomePage.h"
+#include "app/ui/WindowLayout.h"
 #include "app/ui/Workbench.h"
 #include "base/Files.h"
 #include "platform/qt/Icons.h"
@@ -38,15 +40,6 @@ namespace nv {
 namespace {
 
 constexpr std::string_view kSection = "BEYOND"; ///< of the settings file
-
-QString keptBytes(const QByteArray &bytes) {
-    return QString::fromLatin1(bytes.toBase64());
-}
-
-QByteArray bytesKept(const IniFile &settings, std::string_view key) {
-    return QByteArray::fromBase64(
-        QByteArray::fromStdString(settings.ReadIniValue(kSection, key, std::string_view())));
-}
 
 } // namespace
 
@@ -99,14 +92,14 @@ QWidget *MainForm::newProjectPage() {
     m_bench->table = m_table;
     m_bench->viewers = m_viewers;
     addParts();
-    m_splitter = new QSplitter(Qt::Vertical);
-    m_splitter->setObjectName(QStringLiteral("mainSplitter"));
-    m_splitter->addWidget(m_bench->dataArea);
-    m_splitter->addWidget(m_viewers);
-    m_splitter->setStretchFactor(0, 3);
-    m_splitter->setStretchFactor(1, 1);
-    m_splitter->setSizes({560, 220});
-    return m_splitter;
+    auto *halves = new QSplitter(Qt::Vertical);
+    halves->setObjectName(QStringLiteral("mainSplitter"));
+    halves->addWidget(m_bench->dataArea);
+    halves->addWidget(m_viewers);
+    halves->setStretchFactor(0, 3);
+    halves->setStretchFactor(1, 1);
+    halves->setSizes({560, 220});
+    return halves;
 }
 
 /// In the order of their tabs.
@@ -127,6 +120,7 @@ void MainForm::addParts() {
     m_parts.push_back(std::move(rebuild));
     m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
     m_parts.push_back(std::make_unique<ExportPart>(*m_bench));
+    m_parts.push_back(std::make_unique<RowMenuPart>(*m_bench));
 }
 
 void MainForm::showUpgradeWizard(const std::filesystem::path &project) {
@@ -179,9 +173,6 @@ void MainForm::connectEditActions() {
     connect(m_actions.find, &QAction::triggered, m_table, &TableTab::openFind);
     connect(m_actions.findNext, &QAction::triggered, m_table, &TableTab::findNext);
     connect(m_actions.tag, &QAction::triggered, m_table, &TableTab::flipTags);
-    m_table->grid().addActions(
-        {m_actions.copyCell, m_actions.copyRows, m_actions.tag, m_actions.rebuild});
-    m_table->grid().setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 void MainForm::connectOtherActions() {
@@ -281,15 +272,12 @@ void MainForm::closeEvent(QCloseEvent *event) {
 }
 
 void MainForm::keepGeometry() {
-    IniFile &settings = m_program.settings;
-    settings.WriteIniValue(kSection, "MainGeometry", fromQt(keptBytes(saveGeometry())));
-    settings.WriteIniValue(kSection, "MainSplitter", fromQt(keptBytes(m_splitter->saveState())));
-    settings.WriteIniValue(kSection, "ShowViewers", m_actions.viewers->isChecked());
+    keepWindowLayout(*this, m_program.settings);
+    m_program.settings.WriteIniValue(kSection, "ShowViewers", m_actions.viewers->isChecked());
 }
 
 void MainForm::restoreGeometryKept() {
-    restoreGeometry(bytesKept(m_program.settings, "MainGeometry"));
-    m_splitter->restoreState(bytesKept(m_program.settings, "MainSplitter"));
+    restoreWindowLayout(*this, m_program.settings);
     m_actions.viewers->setChecked(m_program.settings.ReadIniValue(kSection, "ShowViewers", true));
 }
 

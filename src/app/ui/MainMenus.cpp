@@ -110,8 +110,12 @@ void MainMenus::buildToolBar(const MainActions &actions) {
     m_toolBar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     m_toolBar->addActions({actions.newProject, actions.openProject, actions.import});
     m_toolBar->addSeparator();
-    m_toolBar->addActions({actions.tag, actions.rebuild, actions.find, actions.filters,
-                           actions.hosts, actions.columns, actions.refresh});
+    m_toolBar->addActions(
+        {actions.find, actions.filters, actions.hosts, actions.columns, actions.refresh});
+    m_toolBar->addSeparator();
+    m_toolBar->addActions({actions.tag, actions.rebuild, actions.createReport, actions.exportRows});
+    m_toolBar->addSeparator();
+    m_toolBar->addAction(actions.network);
 }
 
 void MainMenus::showRecentFiles(const std::vector<RecentFile> &files) {

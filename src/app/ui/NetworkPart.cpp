@@ -1,6 +1,7 @@
 #include "app/ui/NetworkPart.h"
 
 #include "app/Messages.h"
+#include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 
 #include <QAction>
@@ -29,7 +30,10 @@ void NetworkPart::toggle() {
 void NetworkPart::showState() {
     const std::string status = NetworkConnectionStatus(m_bench.program);
     QAction &action = *m_bench.actions.network;
-    action.setText(status == "DISABLED" ? tr("Enable &Network") : tr("Disable &Network"));
+    const bool isDown = status == "DISABLED";
+    action.setText(isDown ? tr("Enable &Network") : tr("Disable &Network"));
+    action.setIconText(tr("Network"));
+    action.setIcon(icon(isDown ? "network-off" : "network"));
     const QString name = toQt(m_bench.program.thisClass.NetworkConnectionName);
     action.setToolTip(status.empty() ? tr("Network Connection Not Found")
                                      : tr("The network connection \"%1\"").arg(name));

@@ -17,6 +17,9 @@ namespace nv {
 RebuildPart::RebuildPart(Workbench &bench) : m_bench(bench) {
     connect(bench.actions.rebuild, &QAction::triggered, this,
             [this] { m_bench.run("MainForm.RebuildTaggedPages()", [this] { rebuild(); }); });
+    connect(&bench, &Workbench::rebuildWanted, this, [this](qint64 id) {
+        m_bench.run("MainForm.RebuildWebPage()", [this, id] { rebuildOne(id); });
+    });
 }
 
 std::vector<std::int64_t> shownTagged(Workbench &bench) {

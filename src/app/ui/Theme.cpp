@@ -2,7 +2,7 @@
 
 #include <QApplication>
 #include <QPalette>
-#include <QStyleFactory>
+#include <QProxyStyle>
 
 namespace nv {
 
@@ -58,6 +58,7 @@ QPalette paletteOf(const Colours &colours) {
 /// The style draws the frames of tick boxes, round choices and entry boxes darker than the window,
 /// which nobody sees on a dark one.
 constexpr const char *kDarkFrames = R"(
+QMenu { border: 1px solid #57616d; background: #262b32; }
 QLineEdit { border: 1px solid #57616d; border-radius: 3px; padding: 2px 3px; background: #181b20; }
 QLineEdit:focus { border-color: #79b4f5; }
 QAbstractItemView::indicator, QCheckBox::indicator {
@@ -77,6 +78,18 @@ QRadioButton::indicator:checked {
 }
 QRadioButton::indicator:disabled { border-color: #444c57; }
 )";
+
+/// Without the toolkit's own pictures on buttons, which match none of ours.
+class PlainStyle final : public QProxyStyle {
+  public:
+    PlainStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                  QStyleHintReturn *returned) const override {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons
+                   ? 0
+                   : QProxyStyle::styleHint(hint, option, widget, returned);
+    }
+};
 
 bool systemIsDark() {
     static const bool dark = [] {
@@ -116,7 +129,7 @@ void keepTheme(IniFile &settings, Theme theme) {
 
 void applyTheme(Theme theme) {
     const bool dark = theme == Theme::Dark || (theme == Theme::System && systemIsDark());
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new PlainStyle);
     QApplication::setPalette(paletteOf(dark ? kDark : kLight));
     qApp->setStyleSheet(QString::fromLatin1(dark ? kDarkFrames : ""));
 }

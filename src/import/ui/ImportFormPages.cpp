@@ -1,6 +1,7 @@
 // How the wizard's window is put together.
 #include "import/ui/FoundFilesModel.h"
 #include "import/ui/ImportForm.h"
+#include "views/ui/GridCopy.h"
 
 #include <QBoxLayout>
 #include <QFontDatabase>
@@ -48,6 +49,7 @@ QTableView *newFilesGrid(FoundFilesModel &model) {
         grid->setColumnWidth(column, kWidths[column]);
     grid->horizontalHeader()->setSectionResizeMode(FoundFilesModel::Path, QHeaderView::Stretch);
     grid->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    letCopy(*grid);
     return grid;
 }
 

@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
+#include "views/ui/GridCopy.h"
 
 #include <QApplication>
 #include <QBoxLayout>
@@ -84,6 +85,7 @@ void UpgradeWizardForm::buildGrid() {
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_grid->setAlternatingRowColors(true);
+    letCopy(*m_grid);
 }
 
 QWidget *UpgradeWizardForm::newButtons() {

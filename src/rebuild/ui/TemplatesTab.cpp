@@ -2,6 +2,7 @@
 
 #include "rebuild/ui/TemplateModel.h"
 #include "views/ui/BrowserPane.h"
+#include "views/ui/GridCopy.h"
 
 #include <QAction>
 #include <QBoxLayout>
@@ -80,6 +81,7 @@ QTableView *TemplatesTab::newGrid() {
     grid->verticalHeader()->setDefaultSectionSize(grid->fontMetrics().height() + kRowPadding);
     constexpr int kChars[TemplateModel::Count] = {6, 26, 44, 8, 14, 22, 60};
     QHeaderView *header = grid->horizontalHeader();
+    header->setObjectName(QStringLiteral("TemplateGridHeader"));
     header->setHighlightSections(false);
     header->setStretchLastSection(true);
     for (int column = 0; column < TemplateModel::Count; ++column)
@@ -119,6 +121,7 @@ void TemplatesTab::makeActions() {
                          tr("Delete the template's file (Del)"), &TemplatesTab::deleteWanted);
     m_rename->setShortcut(Qt::Key_F2);
     m_delete->setShortcut(QKeySequence::Delete);
+    letCopy(*m_grid);
 }
 
 QWidget *TemplatesTab::newBar() {
@@ -236,18 +239,10 @@ void TemplatesTab::showEvent(QShowEvent *event) {
     emit shown();
 }
 
-/// The grid copies its own cell, which otherwise the main window's command would take for one of
-/// the URL table.
 bool TemplatesTab::eventFilter(QObject *watched, QEvent *event) {
-    auto *key = watched == m_grid ? dynamic_cast<QKeyEvent *>(event) : nullptr;
-    if (!key)
+    if (watched != m_grid || event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
-    if (event->type() == QEvent::ShortcutOverride && key->matches(QKeySequence::Copy)) {
-        event->accept();
-        return true;
-    }
-    return (event->type() == QEvent::KeyPress && takeKey(key->key())) ||
-           QWidget::eventFilter(watched, event);
+    return takeKey(static_cast<QKeyEvent *>(event)->key()) || QWidget::eventFilter(watched, event);
 }
 
 /// Keys that the grid would keep for its cells.

@@ -1,10 +1,10 @@
 #include "views/ui/AuditPane.h"
 
 #include "views/ui/AuditModel.h"
+#include "views/ui/GridCopy.h"
 
 #include <QBoxLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QTableView>
 
@@ -62,7 +62,7 @@ AuditPane::AuditPane(QWidget *parent) : QWidget(parent) {
     m_model = new AuditModel(this);
     m_table = newTable(*m_model);
     setWidths(*m_table);
-    m_table->installEventFilter(this);
+    letCopy(*m_table);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -90,17 +90,6 @@ void AuditPane::showReason(const QString &text) {
     m_model->setRows({});
     m_table->setVisible(false);
     m_summary->setText(text);
-}
-
-/// The table copies its own cell: otherwise the key would go to the main window, which copies one
-/// of the URL table.
-bool AuditPane::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() == QEvent::ShortcutOverride &&
-        static_cast<QKeyEvent *>(event)->matches(QKeySequence::Copy)) {
-        event->accept();
-        return true;
-    }
-    return QWidget::eventFilter(watched, event);
 }
 
 } // namespace nv

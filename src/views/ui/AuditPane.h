@@ -24,8 +24,6 @@ class AuditPane final : public QWidget {
     void clear() { showReason({}); }
 
   protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
   private:
     QLabel *m_summary = nullptr;
     AuditModel *m_model = nullptr;

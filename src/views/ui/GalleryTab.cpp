@@ -1,6 +1,7 @@
 #include "views/ui/GalleryTab.h"
 
 #include "platform/qt/QtText.h"
+#include "views/ui/GridCopy.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -154,6 +155,7 @@ QListView *GalleryTab::newTiles() {
     m_tiles->setModel(&m_model);
     m_tiles->setItemDelegate(&m_tile);
     m_tiles->setSpacing(4);
+    letCopy(*m_tiles);
     const auto choose = [this](const QModelIndex &tile) {
         if (tile.isValid())
             emit urlChosen(m_model.idAt(tile));

@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
+#include "views/ui/GridCopy.h"
 #include "views/ui/TickHeader.h"
 
 #include <QAbstractScrollArea>
@@ -90,6 +91,10 @@ HostsPane::HostsPane(QWidget *parent) : QWidget(parent) {
     m_header->setSectionResizeMode(kVisits, QHeaderView::ResizeToContents);
     m_header->setSectionResizeMode(kRecords, QHeaderView::ResizeToContents);
     m_header->setResizeContentsPrecision(200); // rows: a long list needn't be measured whole
+    // Names of hosts are what the list is for: it never opens too narrow to read them.
+    constexpr int kNarrowest = 40; // characters
+    setMinimumWidth(kNarrowest * fontMetrics().averageCharWidth());
+    letCopy(*m_grid);
     buildMenu();
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -126,6 +131,8 @@ void HostsPane::buildMenu() {
         entry->setChecked(facts.sort == m_sort);
         group->addAction(entry);
     }
+    m_menu->addSeparator();
+    m_menu->addActions(m_grid->actions());
     const auto showOn = [this](QAbstractScrollArea *place) {
         place->setContextMenuPolicy(Qt::CustomContextMenu);
         connect(place, &QWidget::customContextMenuRequested, this, [this, place](const QPoint &at) {

@@ -3,12 +3,11 @@
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
+#include "views/ui/GridCopy.h"
 #include "views/ui/LinksModel.h"
 
 #include <QAction>
 #include <QBoxLayout>
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
@@ -93,9 +92,7 @@ void LinksPane::addTableActions() {
         m_table->addAction(action);
     };
     add("actGoToLinked", tr("&Go to Record in Table"), &LinksPane::goToOther);
-    add("actCopyLinkCell", tr("&Copy Cell"), &LinksPane::copyCell);
-    add("actCopyLinkRows", tr("Copy &Rows"), &LinksPane::copyRows);
-    m_table->setContextMenuPolicy(Qt::ActionsContextMenu);
+    letCopy(*m_table, LinksModel::kWholeText);
 }
 
 void LinksPane::showRecord(UrlId id) {
@@ -145,45 +142,14 @@ void LinksPane::goToOther() {
         emit recordWanted(number(m_model->otherOf(current.row())));
 }
 
-void LinksPane::copyCell() const {
-    QGuiApplication::clipboard()->setText(
-        m_table->currentIndex().data(LinksModel::kWholeText).toString());
-}
-
-/// The chosen rows divided by tabs, with the headings above.
-void LinksPane::copyRows() const {
-    QModelIndexList rows = m_table->selectionModel()->selectedRows();
-    std::sort(rows.begin(), rows.end());
-    QStringList titles;
-    for (int column = 0; column < LinksModel::Count; ++column)
-        titles += m_model->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
-    QStringList lines(titles.join(u'\t'));
-    for (const QModelIndex &row : rows) {
-        QStringList cells;
-        for (int column = 0; column < LinksModel::Count; ++column)
-            cells += row.siblingAtColumn(column).data(LinksModel::kWholeText).toString();
-        lines += cells.join(u'\t');
-    }
-    QGuiApplication::clipboard()->setText(lines.join(u'\n'));
-}
-
-/// The table copies its own cell: otherwise the key would go to the main window, which copies one
-/// of the URL table.
+/// The table would keep the key for its cells.
 bool LinksPane::eventFilter(QObject *watched, QEvent *event) {
-    const bool isKey =
-        event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
-    if (watched != m_table || !isKey)
+    if (watched != m_table || event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
-    const auto *key = static_cast<QKeyEvent *>(event);
-    const bool copies = key->matches(QKeySequence::Copy);
-    const bool goes = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
-    if (!copies && !goes)
+    const int key = static_cast<QKeyEvent *>(event)->key();
+    if (key != Qt::Key_Return && key != Qt::Key_Enter)
         return QWidget::eventFilter(watched, event);
-    event->accept();
-    if (event->type() == QEvent::KeyPress && copies)
-        copyCell();
-    else if (event->type() == QEvent::KeyPress)
-        goToOther();
+    goToOther();
     return true;
 }
 

@@ -47,8 +47,6 @@ class LinksPane final : public QWidget, public RecordPane {
     /// No table, but why there is none and what to do about it.
     void showReason(const QString &text, bool offersAnalysis);
     void goToOther();
-    void copyCell() const;
-    void copyRows() const;
 
     Source m_source;
     QLabel *m_summary = nullptr;

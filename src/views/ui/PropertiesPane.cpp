@@ -2,6 +2,7 @@
 
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
+#include "views/ui/GridCopy.h"
 #include "views/ui/ShownLines.h"
 
 #include <QBoxLayout>
@@ -22,10 +23,13 @@ QTreeWidget *newList() {
     list->setColumnCount(2);
     list->setHeaderLabels({PropertiesPane::tr("Property"), PropertiesPane::tr("Value")});
     list->header()->resizeSection(0, kNameWidth);
+    list->header()->setObjectName(QStringLiteral("PropertiesGridHeader"));
     list->setRootIsDecorated(false);
     list->setUniformRowHeights(true);
     list->setAlternatingRowColors(true);
     list->setTextElideMode(Qt::ElideRight);
+    list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    letCopy(*list);
     return list;
 }
 

@@ -36,7 +36,7 @@ QString tr(const char *text) {
 
 QueryActions::QueryActions(QObject *o)
     : show(make(o, {"actQueryTab", tr("Query &Tab"), tr("Write or build a statement"),
-                    Qt::CTRL | Qt::Key_E, "find"})),
+                    Qt::CTRL | Qt::Key_E, "query"})),
       validate(make(o, {"actValidateSQL", tr("&Validate"),
                         tr("Test the statement without running it to its end"),
                         Qt::CTRL | Qt::SHIFT | Qt::Key_Return, ""})),
@@ -50,7 +50,7 @@ QueryActions::QueryActions(QObject *o)
           o,
           {"actDefaultQuery", tr("&Default"), tr("All rows in the order of their dates"), {}, ""})),
       save(make(o, {"actSaveQuery", tr("&Save..."), tr("Store the statement under a name"),
-                    Qt::CTRL | Qt::SHIFT | Qt::Key_S, ""})),
+                    Qt::CTRL | Qt::Key_S, ""})),
       remove(make(
           o,
           {"actDeleteQuery", tr("D&elete..."), tr("Delete the stored query chosen here"), {}, ""})),
@@ -61,7 +61,7 @@ QueryActions::QueryActions(QObject *o)
                          tr("Manage &favorites (queries)"),
                          tr("Manage favorites (queries)"),
                          {},
-                         "database"})) {
+                         "star"})) {
     favorites->setIconText(tr("Favorites"));
     setProjectOpen(false);
 }

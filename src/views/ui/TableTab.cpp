@@ -154,6 +154,11 @@ void TableTab::announceHost() {
     emit hostEntered(host);
 }
 
+void TableTab::filterByHost(const QString &host) {
+    setHost(host);
+    takeHost();
+}
+
 void TableTab::showAll() {
     setHost({});
     emit hostEntered({});

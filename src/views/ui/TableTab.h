@@ -50,6 +50,8 @@ class TableTab final : public QWidget {
     QString queryName() const;
     /// What the next load filters by; empty turns the host filter off. The box shows it.
     void setHost(const QString &host);
+    /// As if the examiner had entered it in the box.
+    void filterByHost(const QString &host);
 
     void LoadURLs();
     /// The rows' texts have changed; the list and the current row stay.

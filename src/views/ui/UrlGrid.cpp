@@ -146,7 +146,9 @@ bool UrlGrid::setCurrentUrl(UrlId id) {
     const auto place = m_model.table() ? m_model.table()->placeOf(id) : std::nullopt;
     if (!place)
         return false;
-    const int section = std::max(0, horizontalHeader()->logicalIndexAt(0));
+    const int section = currentIndex().isValid()
+                            ? currentIndex().column()
+                            : std::max(0, horizontalHeader()->logicalIndexAt(0));
     setCurrentIndex(m_model.index(static_cast<int>(*place), section));
     return true;
 }
