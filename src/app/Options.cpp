@@ -255,11 +255,6 @@ fs::path folderOfProjects(const Program &program) {
     return program.paths.home;
 }
 
-std::string sampleOf(const Program &program, std::string_view format) {
-    const Clock &clock = program.around.clock;
-    return formatDate(Date::fromTimePoint(clock.now() + clock.localOffset()), format);
-}
-
 } // namespace
 
 Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
@@ -308,6 +303,11 @@ Options readNewProjectOptions(const Program &program, const std::vector<ZoneRow>
 OptionsOutcome applyOptions(Program &program, const Options &options,
                             const OptionsOccasion &occasion) {
     return Application(program, options, occasion).run();
+}
+
+std::string sampleOf(const Program &program, std::string_view format) {
+    const Clock &clock = program.around.clock;
+    return formatDate(Date::fromTimePoint(clock.now() + clock.localOffset()), format);
 }
 
 std::string chooseDateFormat(Program &program, std::string_view format) {

@@ -88,7 +88,9 @@ Options readNewProjectOptions(const Program &program, const std::vector<ZoneRow>
 OptionsOutcome applyOptions(Program &program, const Options &options,
                             const OptionsOccasion &occasion = {});
 
-/// The choice of a format is written at once; gives the sample, `now` in that format.
+/// Now, in that format.
+std::string sampleOf(const Program &program, std::string_view format);
+/// The choice of a format is written at once; gives the sample.
 std::string chooseDateFormat(Program &program, std::string_view format);
 std::string chooseTimeFormat(Program &program, std::string_view format);
 

@@ -180,7 +180,8 @@ std::vector<std::string> nearestNames(std::string_view name,
                      [](const auto &a, const auto &b) { return a.first < b.first; });
     std::vector<std::string> nearest;
     for (const auto &[distance, each] : ranked) {
-        if (nearest.size() < kShown && std::find(nearest.begin(), nearest.end(), each) == nearest.end())
+        if (nearest.size() < kShown &&
+            std::find(nearest.begin(), nearest.end(), each) == nearest.end())
             nearest.push_back(each);
     }
     return nearest;

@@ -34,8 +34,7 @@ std::span<const SettingFacts> settingsTable();
 std::vector<const SettingFacts *> settingsNamed(std::string_view name);
 
 /// The names that are most like `name`, the likest first.
-std::vector<std::string> nearestNames(std::string_view name,
-                                      const std::vector<std::string> &names);
+std::vector<std::string> nearestNames(std::string_view name, const std::vector<std::string> &names);
 
 /// "SECTION/Key".
 std::string fullName(const SettingFacts &facts);

@@ -12,9 +12,8 @@ void Grammar::addOptions() {
                           "The values that this project keeps for itself");
         return added;
     };
-    CLI::App *get = add("get", "List settings with their defaults", [this](Session &s) {
-        return optionsGetCommand(s, m_options, m_format);
-    });
+    CLI::App *get = add("get", "List settings with their defaults",
+                        [this](Session &s) { return optionsGetCommand(s, m_options, m_format); });
     get->add_option("KEY", m_options.key, "Only this one: Key or SECTION/Key");
     addFormat(get);
     CLI::App *set = add("set", "Change a setting after a check of its value",

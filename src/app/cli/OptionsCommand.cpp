@@ -39,8 +39,8 @@ const SettingFacts &oneSetting(const std::string &key) {
     std::vector<std::string> names;
     for (const SettingFacts *facts : found)
         names.push_back(fullName(*facts));
-    throw UsageError(fmt::format("\"{}\" stands in two sections: say which of {}", key,
-                                 fmt::join(names, ", ")));
+    throw UsageError(
+        fmt::format("\"{}\" stands in two sections: say which of {}", key, fmt::join(names, ", ")));
 }
 
 const ProjectValueFacts &oneProjectValue(const std::string &key) {

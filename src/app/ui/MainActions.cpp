@@ -48,6 +48,7 @@ MainActions::MainActions(QObject *o)
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
       baseFolder(make(o, "actBaseFolder", tr("&Base Folder..."), "folder")),
       timeZone(make(o, "actTimeZone", tr("&Time Zone..."), "history")),
+      options(make(o, "actOptions", tr("&Options..."), "options", Qt::CTRL | Qt::Key_Comma)),
       caseTrail(make(o, "actCaseTrail", tr("&Case Trail..."), "document")),
       network(make(o, "actNetwork", tr("Disable &Network"), "")),
       createReport(make(o, "actCreateReport", tr("&Create Report..."), "document",
@@ -62,6 +63,7 @@ MainActions::MainActions(QObject *o)
     caseTrail->setToolTip(tr("What was done with this project, when and on which file"));
     linkAnalysis->setToolTip(tr("Find the cached pages that hold a link to each record"));
     filters->setToolTip(tr("Show only records of some sources, kinds and sites"));
+    options->setToolTip(tr("Settings of the program and the project"));
     hosts->setToolTip(tr("The list of hosts beside the table"));
     hosts->setCheckable(true);
     openReportFolder->setEnabled(false);

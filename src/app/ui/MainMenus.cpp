@@ -93,7 +93,7 @@ void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     tools->addSeparator();
     tools->addActions({actions.createReport, actions.publishReport, actions.openReportFolder});
     tools->addSeparator();
-    tools->addActions({actions.baseFolder, actions.timeZone});
+    tools->addActions({actions.baseFolder, actions.timeZone, actions.options});
     tools->addSeparator();
     tools->addActions({actions.caseTrail, actions.network});
     tools->addSeparator();
@@ -112,6 +112,8 @@ void MainMenus::buildToolBar(const MainActions &actions) {
     m_toolBar->addSeparator();
     m_toolBar->addActions({actions.tag, actions.rebuild, actions.find, actions.filters,
                            actions.hosts, actions.columns, actions.refresh});
+    m_toolBar->addSeparator();
+    m_toolBar->addAction(actions.options);
 }
 
 void MainMenus::showRecentFiles(const std::vector<RecentFile> &files) {
