@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 
+#include <cstdlib>
 #include <utility>
 
 namespace nv {

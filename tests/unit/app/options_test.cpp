@@ -14,7 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-using testing::Not;
 
 struct OptionsTest : test::ProgramFixture {
     OptionsTest() { start(); }
@@ -261,9 +260,16 @@ TEST_F(OptionsTest, aZoneListThatCantBeReadIsToldAndLogged) {
 }
 
 TEST_F(OptionsTest, theListSelectsByIdThenByBiasAndCanadaWins) {
-    ZoneRow plain{.Time_Zone_ID = 1, .Landmarks = "Bogota", .STD_Bias = 300};
-    ZoneRow canada{.Time_Zone_ID = 2, .Landmarks = "Eastern Time (US & Canada)", .STD_Bias = 300};
-    ZoneRow other{.Time_Zone_ID = 3, .Landmarks = "Chicago", .STD_Bias = 360};
+    const auto row = [](std::int32_t id, const char *places, std::int16_t bias) {
+        ZoneRow zone;
+        zone.Time_Zone_ID = id;
+        zone.Landmarks = places;
+        zone.STD_Bias = bias;
+        return zone;
+    };
+    const ZoneRow plain = row(1, "Bogota", 300);
+    const ZoneRow canada = row(2, "Eastern Time (US & Canada)", 300);
+    const ZoneRow other = row(3, "Chicago", 360);
     state().GMTZone.tzBias = 300;
     state().GMTZone.tzTimeZoneID = 3;
     EXPECT_EQ(readOptions(*program, {plain, canada, other}).Time_Zone_ID, 3);
