@@ -8,6 +8,8 @@
 #include <QScrollBar>
 #include <QSpinBox>
 
+#include <algorithm>
+
 // What the tabs of the Options dialog are made of.
 namespace nv {
 
@@ -22,7 +24,6 @@ inline QLabel *newHint(const QString &text) {
     auto *hint = new QLabel(text);
     hint->setTextFormat(Qt::PlainText);
     hint->setWordWrap(true);
-    hint->setForegroundRole(QPalette::PlaceholderText);
     return hint;
 }
 
