@@ -145,6 +145,32 @@ Message zoneNotSet(int errorNumber) {
                    fmt::format("Error Setting Time Zone ({})", errorNumber));
 }
 
+Message zoneNotSelected() {
+    return notice("zone-not-selected", "Time Zone Not Selected",
+                  "A time zone setting has not been defined.\n"
+                  "Please select a time zone before continuing...");
+}
+
+Message zonesNotRead() {
+    return failure("zones-not-read", "Error Loading Time Zones",
+                   "The list of time zones can't be read; the error log tells why.");
+}
+
+Message invalidProjectPath() {
+    return notice("invalid-project-path", "Invalid File Path",
+                  "The selected PROJECT file path is invalid or does not exist.");
+}
+
+Message invalidTempFolder() {
+    return notice("invalid-temp-folder", "Invalid Folder Path",
+                  "The selected TEMP folder is invalid or does not exist.");
+}
+
+Message invalidBaseFolder() {
+    return notice("invalid-base-folder", "Invalid Folder Path",
+                  "The selected BASE folder is invalid or does not exist.");
+}
+
 Message showOnlyWebpages() {
     return question("show-only-webpages", "Quick Query",
                     "Would you like to Show Only Webpages now?", Answer::No);

@@ -37,6 +37,11 @@ Message scanError(std::string_view reason);
 Message fixError(std::string_view reason);
 Message upgradeClosesProject();
 Message zoneNotSet(int errorNumber);
+Message zoneNotSelected();
+Message zonesNotRead();
+Message invalidProjectPath();
+Message invalidTempFolder();
+Message invalidBaseFolder();
 Message showOnlyWebpages();
 Message exitProgram();
 

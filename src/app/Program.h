@@ -48,5 +48,7 @@ void startUp(Program &program, Front front);
 /// can't hurt, else the default, which is made. Never a folder that holds the program, its
 /// settings, the user's home or the project.
 std::filesystem::path tempFolderFrom(const Program &program);
+/// It is there, and holds none of those.
+bool isUsableTempFolder(const Program &program, const std::filesystem::path &folder);
 
 } // namespace nv

@@ -138,17 +138,23 @@ Program::Program(ProgramPaths where, Front front, const Surroundings &surroundin
       log(paths.errorLog(front == Front::headless), around.clock), settings(paths.settings(), log),
       thread(around.status), thisClass(log, around.clock) {}
 
+bool isUsableTempFolder(const Program &program, const fs::path &folder) {
+    const fs::path &project = program.thisClass.ProjectDBPath;
+    const char *home = std::getenv("HOME");
+    return fs::is_directory(folder) && !holds(folder, program.paths.program) &&
+           !holds(folder, program.paths.home) && !holds(folder, program.paths.config) &&
+           !holds(folder, program.paths.state) && !(home && *home && holds(folder, home)) &&
+           (project.empty() || !holds(folder, project));
+}
+
 fs::path tempFolderFrom(const Program &program) {
     const fs::path byDefault = program.paths.defaultTemp();
+    const fs::path &ofRun = program.thisClass.TempFolderOfRun;
+    if (!ofRun.empty() && isUsableTempFolder(program, ofRun))
+        return ofRun;
     const fs::path named =
         program.settings.ReadIniValue("DEFAULT", "TempFolderPath", textOf(byDefault));
-    const char *home = std::getenv("HOME");
-    const bool harmless =
-        fs::is_directory(named) && !holds(named, program.paths.program) &&
-        !holds(named, program.paths.home) && !holds(named, program.paths.config) &&
-        !holds(named, program.paths.state) && !(home && *home && holds(named, home)) &&
-        (program.thisClass.ProjectDBPath.empty() || !holds(named, program.thisClass.ProjectDBPath));
-    if (harmless)
+    if (isUsableTempFolder(program, named))
         return named;
     fs::create_directories(byDefault);
     return byDefault;
@@ -160,6 +166,9 @@ void startUp(Program &program, Front front) {
     program.log.remove();
     findCompanionTool(program);
     state.TempFolderPath = tempFolderFrom(program);
+    // The shapes of photographs.
+    state.PARD.FromValue = 15;
+    state.PARD.ToValue = 40;
     readSettings(program);
     takeMachineZone(program);
     state.DebugMain = program.settings.ReadIniValue("OPTIONS", "DebugMain", false);

@@ -3,6 +3,7 @@
 #include "db/DatabaseClass.h"
 #include "time/TimeZoneClass.h"
 #include "views/FiltersClass.h"
+#include "views/Pard.h"
 #include "views/QueryDefinitions.h"
 #include "views/ViewerClass.h"
 
@@ -27,6 +28,8 @@ struct ThisClass : QueryDefinitions {
     // Paths
     std::filesystem::path RootPath; ///< the project's base root folder
     std::filesystem::path TempFolderPath;
+    /// Chosen in Options: goes before that of the settings until the program ends.
+    std::filesystem::path TempFolderOfRun;
     std::filesystem::path TemplatesPath;
     std::filesystem::path PublishTempFolder;
     std::filesystem::path LocalFavoritesPath;
@@ -51,6 +54,7 @@ struct ThisClass : QueryDefinitions {
     int GalleryRecordsPerPage = 0;
     bool GalleryIncludeHTML = false;
     bool GalleryIncludePictures = false;
+    PARDClass PARD; ///< until the program ends: no picture is hidden by an earlier run's choice
 
     // Thumbnails
     int ViewerThumbnailWidth = 0;   ///< pixels

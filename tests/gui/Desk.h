@@ -5,6 +5,7 @@
 #include "app/ui/MainForm.h"
 #include "app/ui/StatusForm.h"
 #include "import/Scan.h"
+#include "maintenance/ui/OptionsForm.h"
 #include "platform/Network.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
@@ -13,6 +14,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QLineEdit>
 #include <QTest>
 #include <QTimer>
 
@@ -44,6 +46,15 @@ struct Dialogs final : WindowDialogs {
     std::optional<fs::path> chooseSaveAs() override { return answer; }
     std::optional<fs::path> chooseFolder(const std::string &, const fs::path &) override {
         return answer;
+    }
+    /// The answer is typed over the offered file, and confirmed.
+    bool confirmNewProject(OptionsForm &form) override {
+        if (!answer)
+            return false;
+        form.findChild<QLineEdit *>(QStringLiteral("txtPathProject"))
+            ->setText(QString::fromStdString(answer->string()));
+        form.accept();
+        return form.result() == QDialog::Accepted;
     }
     std::optional<fs::path> answer;
 };

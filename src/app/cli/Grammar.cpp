@@ -54,6 +54,7 @@ Grammar::Grammar()
     addReport();
     addExport();
     addUpgrade();
+    addOptions();
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {

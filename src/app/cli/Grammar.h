@@ -4,6 +4,7 @@
 #include "app/cli/ExportCommands.h"
 #include "app/cli/FilterCommands.h"
 #include "app/cli/LinkCommands.h"
+#include "app/cli/OptionsCommands.h"
 #include "app/cli/QueryCommands.h"
 #include "app/cli/ReportCommands.h"
 #include "app/cli/ViewerCommands.h"
@@ -48,6 +49,7 @@ class Grammar {
     void addReport();
     void addExport();
     void addUpgrade();
+    void addOptions();
 
     ImportArguments m_import;
     ListArguments m_list;
@@ -65,6 +67,7 @@ class Grammar {
     ReportArguments m_report;
     ExportArguments m_export;
     UpgradeArguments m_upgrade;
+    OptionsArguments m_options;
     bool m_wideIds = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";

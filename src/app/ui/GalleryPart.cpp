@@ -18,6 +18,15 @@ GalleryPart::GalleryPart(Workbench &bench)
     });
     connect(&table, &TableTab::statusChanged, this, &GalleryPart::followTable);
     connect(&bench, &Workbench::thumbnailsChanged, m_gallery, &GalleryTab::setDirty);
+    connect(&bench, &Workbench::galleryOutdated, m_gallery, &GalleryTab::setOutdated);
+    connect(&bench, &Workbench::optionsChanged, this, &GalleryPart::takeOptions);
+    connect(m_gallery, &GalleryTab::choiceChanged, this,
+            [this](const PARDClass &PARD, const GalleryMedia &media) {
+                ThisClass &state = m_bench.program.thisClass;
+                state.PARD = PARD;
+                state.GalleryIncludePictures = media.GalleryIncludePictures;
+                state.GalleryIncludeHTML = media.GalleryIncludeHTML;
+            });
     connect(&bench, &Workbench::projectOpened, this, &GalleryPart::open);
     connect(&bench, &Workbench::projectClosing, m_gallery, &GalleryTab::closeProject);
 }
@@ -30,13 +39,23 @@ void GalleryPart::followTable() {
     m_gallery->setDirty();
 }
 
-void GalleryPart::open() {
+GallerySettings GalleryPart::settings() const {
     const ThisClass &state = m_bench.program.thisClass;
     GallerySettings settings;
     settings.GalleryRecordsPerPage = state.GalleryRecordsPerPage;
     settings.media = {state.GalleryIncludePictures, state.GalleryIncludeHTML};
-    m_gallery->openProject(m_bench.project(), m_bench.program.log, settings,
-                           state.ViewerThumbnailWidth);
+    return settings;
+}
+
+void GalleryPart::open() {
+    m_gallery->openProject(m_bench.project(), m_bench.program.log, settings(),
+                           m_bench.program.thisClass.ViewerThumbnailWidth);
+    takeOptions();
+}
+
+void GalleryPart::takeOptions() {
+    const ThisClass &state = m_bench.program.thisClass;
+    m_gallery->setChoice(settings(), state.PARD, state.ViewerThumbnailWidth);
 }
 
 void GalleryPart::makeThumbnailsOfAll() {

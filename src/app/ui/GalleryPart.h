@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ui/Workbench.h"
+#include "views/Gallery.h"
 
 namespace nv {
 
@@ -14,7 +15,9 @@ class GalleryPart final : public QObject {
     explicit GalleryPart(Workbench &bench);
 
   private:
+    GallerySettings settings() const;
     void open();
+    void takeOptions();
     void followTable();
     void makeThumbnailsOfAll();
 

@@ -56,6 +56,7 @@ MainActions::MainActions(QObject *o)
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
       baseFolder(make(o, "actBaseFolder", tr("&Base Folder..."), "folder")),
       timeZone(make(o, "actTimeZone", tr("&Time Zone..."), "history")),
+      options(make(o, "actOptions", tr("&Options..."), "options", Qt::CTRL | Qt::Key_Comma)),
       caseTrail(make(o, "actCaseTrail", tr("Case Tr&ail..."), "trail")),
       network(make(o, "actNetwork", tr("Disable &Network"), "network")),
       createReport(make(o, "actCreateReport", tr("&Create Report..."), "report",
@@ -100,6 +101,7 @@ void MainActions::describe() {
     refresh->setToolTip(tr("Load the rows of the query anew"));
     baseFolder->setToolTip(tr("Tell where the evidence lies now"));
     timeZone->setToolTip(tr("Choose the zone in which times are shown"));
+    options->setToolTip(tr("Settings of the program and the project"));
     caseTrail->setToolTip(tr("What was done with this project, when and on which file"));
     network->setToolTip(tr("Switch the computer's network connection"));
     createReport->setToolTip(tr("Make a report of the tagged rows, or of all"));

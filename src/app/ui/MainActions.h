@@ -32,6 +32,7 @@ struct MainActions {
     QAction *refresh;
     QAction *baseFolder;
     QAction *timeZone;
+    QAction *options;
     QAction *caseTrail;
     QAction *network;
     QAction *createReport;

@@ -3,6 +3,7 @@
 
 #include "app/Messages.h"
 #include "app/Project.h"
+#include "app/ui/OptionsPart.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/TextForm.h"
 #include "app/ui/TipForm.h"
@@ -45,8 +46,10 @@ void MainForm::runTask(const TaskHeading &heading, const std::function<void(Task
 }
 
 void MainForm::newProject() {
-    if (!m_commands.OpenFile({}, OpenMode::newByDialog))
+    const auto made = m_options->askNewProject([this] { m_commands.CloseFile(); });
+    if (!made || !m_commands.OpenFile(made->path, OpenMode::newAtPath))
         return;
+    m_options->storeNewProject(*made);
     LoadURLs();
 }
 

@@ -18,6 +18,7 @@ class QStackedWidget;
 
 namespace nv {
 
+class OptionsPart;
 class RebuildPart;
 class TableTab;
 class ViewerTabs;
@@ -102,6 +103,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     std::unique_ptr<Workbench> m_bench;
     std::vector<std::unique_ptr<QObject>> m_parts; ///< go before the bench
     RebuildPart *m_rebuild = nullptr;
+    OptionsPart *m_options = nullptr;
     struct {
         QLabel *rows, *tagged, *notice, *query, *zone, *base;
     } m_status = {};

@@ -7,6 +7,7 @@
 #include "app/ui/LinkPart.h"
 #include "app/ui/MainForm.h"
 #include "app/ui/NetworkPart.h"
+#include "app/ui/OptionsPart.h"
 #include "app/ui/QueryPart.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/RebuiltPanes.h"
@@ -118,6 +119,9 @@ void MainForm::addParts() {
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));
+    auto options = std::make_unique<OptionsPart>(*m_bench);
+    m_options = options.get();
+    m_parts.push_back(std::move(options));
     m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
     m_parts.push_back(std::make_unique<ExportPart>(*m_bench));
     m_parts.push_back(std::make_unique<RowMenuPart>(*m_bench));

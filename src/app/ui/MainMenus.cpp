@@ -93,7 +93,7 @@ void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     tools->addSeparator();
     tools->addActions({actions.createReport, actions.publishReport, actions.openReportFolder});
     tools->addSeparator();
-    tools->addActions({actions.baseFolder, actions.timeZone});
+    tools->addActions({actions.baseFolder, actions.timeZone, actions.options});
     tools->addSeparator();
     tools->addActions({actions.caseTrail, actions.network});
     tools->addSeparator();
@@ -115,7 +115,7 @@ void MainMenus::buildToolBar(const MainActions &actions) {
     m_toolBar->addSeparator();
     m_toolBar->addActions({actions.tag, actions.rebuild, actions.createReport, actions.exportRows});
     m_toolBar->addSeparator();
-    m_toolBar->addAction(actions.network);
+    m_toolBar->addActions({actions.network, actions.options});
 }
 
 void MainMenus::showRecentFiles(const std::vector<RecentFile> &files) {

@@ -2,6 +2,7 @@
 
 #include "app/Messages.h"
 #include "base/Files.h"
+#include "maintenance/ui/OptionsForm.h"
 #include "platform/qt/QtText.h"
 
 #include <QApplication>
@@ -35,6 +36,10 @@ std::optional<std::filesystem::path> chooseFile(const char *name, const char *ti
 }
 
 } // namespace
+
+bool WindowDialogs::confirmNewProject(OptionsForm &form) {
+    return form.exec() == QDialog::Accepted;
+}
 
 std::optional<std::filesystem::path>
 QtWindowDialogs::unlessKept(const std::optional<std::filesystem::path> &chosen) {

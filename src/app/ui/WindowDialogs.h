@@ -5,12 +5,16 @@
 
 namespace nv {
 
+class OptionsForm;
+
 /// The dialogs that the main window shows. Tests have their own.
 class WindowDialogs : public FileDialogs {
   public:
     /// Nothing is chosen when the examiner cancels.
     virtual std::optional<std::filesystem::path>
     chooseFolder(const std::string &title, const std::filesystem::path &start) = 0;
+    /// Shows the first step of a new project; false when the examiner cancels.
+    virtual bool confirmNewProject(OptionsForm &form);
 };
 
 /// The system's dialogs. Names without an extension get "nvp". An existing file is only given back

@@ -57,6 +57,10 @@ class Workbench final : public QObject {
     void projectOpened();
     /// Comes before the connection goes: whoever uses it lets go of it now.
     void projectClosing();
+    /// Other settings are in force; the rows are loaded anew behind it.
+    void optionsChanged();
+    /// The gallery shows other kinds than those that are now ticked.
+    void galleryOutdated();
 };
 
 } // namespace nv

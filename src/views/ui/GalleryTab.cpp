@@ -171,9 +171,7 @@ void GalleryTab::openProject(SQLite::Database &project, FailureLog &log,
     m_gallery->settings = settings;
     m_gallery->GalleryDirty = true;
     takeHost();
-    const QSize size(thumbnailWidth, thumbnailWidth * 3 / 4);
-    m_model.setThumbnailSize(size);
-    m_tile.setThumbnailSize(size);
+    showThumbnailSize(thumbnailWidth);
     m_model.setGallery(m_gallery.get(), &project, &log);
     {
         const QSignalBlocker quiet(this);
@@ -206,22 +204,61 @@ void GalleryTab::setDirty() {
         load();
 }
 
+void GalleryTab::setOutdated() {
+    if (m_gallery)
+        m_gallery->GalleryDirty = true;
+}
+
+void GalleryTab::showThumbnailSize(int width) {
+    const QSize size(width, width * 3 / 4);
+    m_model.setThumbnailSize(size);
+    m_tile.setThumbnailSize(size);
+}
+
+void GalleryTab::setChoice(const GallerySettings &settings, const PARDClass &PARD,
+                           int thumbnailWidth) {
+    for (QObject *control :
+         std::initializer_list<QObject *>{m_pard, m_from, m_to, m_pictures, m_pages})
+        control->blockSignals(true);
+    m_pard->setChecked(PARD.EnablePARD);
+    m_from->setValue(PARD.FromValue);
+    m_to->setValue(PARD.ToValue);
+    m_pictures->setChecked(settings.media.GalleryIncludePictures);
+    m_pages->setChecked(settings.media.GalleryIncludeHTML);
+    for (QObject *control :
+         std::initializer_list<QObject *>{m_pard, m_from, m_to, m_pictures, m_pages})
+        control->blockSignals(false);
+    enableShapes();
+    showThumbnailSize(thumbnailWidth);
+    if (!m_gallery)
+        return;
+    m_gallery->settings = settings;
+    m_gallery->PARD.EnablePARD = PARD.EnablePARD;
+    m_gallery->PARD.FromValue = PARD.FromValue;
+    m_gallery->PARD.ToValue = PARD.ToValue;
+    setDirty();
+}
+
 void GalleryTab::showEvent(QShowEvent *event) {
     QWidget::showEvent(event);
     if (m_gallery && m_gallery->GalleryDirty)
         load();
 }
 
-void GalleryTab::takeChoice() {
+void GalleryTab::enableShapes() {
     const bool byShape = m_pard->isChecked();
     m_from->setEnabled(byShape);
     m_to->setEnabled(byShape);
     for (QCheckBox *size : m_sizes)
         size->setEnabled(byShape);
+}
+
+void GalleryTab::takeChoice() {
+    enableShapes();
     if (!m_gallery)
         return;
     PARDClass &choice = m_gallery->PARD;
-    choice.EnablePARD = byShape;
+    choice.EnablePARD = m_pard->isChecked();
     choice.FromValue = static_cast<std::int16_t>(m_from->value());
     choice.ToValue = static_cast<std::int16_t>(m_to->value());
     choice.ShowXSmallPics = m_sizes[0]->isChecked();
@@ -230,6 +267,7 @@ void GalleryTab::takeChoice() {
     choice.ShowLargePics = m_sizes[3]->isChecked();
     choice.ShowXLargePics = m_sizes[4]->isChecked();
     m_gallery->settings.media = {m_pictures->isChecked(), m_pages->isChecked()};
+    emit choiceChanged(choice, m_gallery->settings.media);
     if (takeHost())
         emit hostEntered(m_host->text().trimmed());
     load();

@@ -37,6 +37,10 @@ class GalleryTab final : public QWidget {
     void setHost(const QString &host);
     /// Rows or thumbnails have changed.
     void setDirty();
+    /// The same, but what is shown stays until it is refreshed.
+    void setOutdated();
+    /// Takes up other settings and the choice of shapes, and shows what they lead to.
+    void setChoice(const GallerySettings &settings, const PARDClass &PARD, int thumbnailWidth);
 
   signals:
     /// The examiner opened a tile, or went to it.
@@ -45,6 +49,8 @@ class GalleryTab final : public QWidget {
     /// The examiner has changed the box.
     void hostEntered(const QString &host);
     void thumbnailsWanted();
+    /// The examiner has ticked other shapes or kinds.
+    void choiceChanged(const nv::PARDClass &PARD, const nv::GalleryMedia &media);
 
   protected:
     void showEvent(QShowEvent *event) override;
@@ -54,6 +60,8 @@ class GalleryTab final : public QWidget {
     QWidget *newPageBar();
     QListView *newTiles();
     QCheckBox *newBox(const char *name, const QString &text, const QString &toolTip, bool on) const;
+    void showThumbnailSize(int width);
+    void enableShapes();
     void takeChoice();
     bool takeHost();
     void load();

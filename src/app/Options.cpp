@@ -1,0 +1,351 @@
+#include "app/Options.h"
+
+#include "app/Messages.h"
+#include "app/NetworkSwitch.h"
+#include "app/Project.h"
+#include "app/ProjectOptions.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "time/DateFormat.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <utility>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kOptions = "OPTIONS";
+constexpr std::string_view kThumbnails = "THUMBNAILS";
+constexpr std::string_view kPaths = "FILE PATHS";
+constexpr std::string_view kBeyond = "BEYOND";
+
+/// One press of Okay.
+class Application {
+  public:
+    Application(Program &program, const Options &options, const OptionsOccasion &occasion)
+        : m_program(program), m_state(program.thisClass), m_settings(program.settings),
+          m_options(options), m_occasion(occasion) {}
+
+    OptionsOutcome run();
+
+  private:
+    bool mayOverwrite() const;
+    void takeFormats();
+    bool takeZone();
+    std::optional<OptionsField> wrongPath();
+    void takePaths();
+    void takeGallery();
+    void takeSafety();
+    void takeThumbnailsAndStatus();
+    void takeBeyond();
+    void keepTheRest();
+    void toProject();
+
+    OptionsOutcome stay(const Message &message, OptionsField field) {
+        m_program.around.examiner.tell(message);
+        return {false, field};
+    }
+    void write(std::string_view section, std::string_view key, int number) {
+        m_settings.WriteIniValue(section, key, fmt::format("{}", number));
+    }
+
+    Program &m_program;
+    ThisClass &m_state;
+    IniFile &m_settings;
+    const Options &m_options;
+    const OptionsOccasion &m_occasion;
+};
+
+Message messageFor(OptionsField field) {
+    return field == OptionsField::project ? messages::invalidProjectPath()
+           : field == OptionsField::temp  ? messages::invalidTempFolder()
+                                          : messages::invalidBaseFolder();
+}
+
+/// The order is that of the steps: an examiner who is sent back keeps what came before.
+OptionsOutcome Application::run() {
+    if (!mayOverwrite())
+        return {false, OptionsField::project};
+    m_state.VerifyFileSignatures = m_options.VerifyFileSignatures;
+    m_program.import.VerifyFileSignatures = m_options.VerifyFileSignatures;
+    m_settings.WriteIniValue(kOptions, "VerifyFileSignatures", m_options.VerifyFileSignatures);
+    takeFormats();
+    m_state.EnableDSTChanges = m_options.EnableDSTChanges;
+    if (!m_options.Time_Zone_ID)
+        return stay(messages::zoneNotSelected(), OptionsField::zone);
+    // What follows belongs to the new project and must not reach the one that is still open.
+    if (m_occasion.newProject && m_state.ProjectDB.isOpen() && m_occasion.closeOpenProject &&
+        !wrongPath())
+        m_occasion.closeOpenProject();
+    if (!takeZone())
+        return {false, OptionsField::zone};
+    if (const auto field = wrongPath())
+        return stay(messageFor(*field), *field);
+    takePaths();
+    takeGallery();
+    takeSafety();
+    takeThumbnailsAndStatus();
+    takeBeyond();
+    keepTheRest();
+    toProject();
+    return {true, OptionsField::none};
+}
+
+bool Application::mayOverwrite() const {
+    const fs::path &path = m_options.ProjectDBPath;
+    if (!m_occasion.newProject || path == m_occasion.overwriteAgreed || !fs::is_regular_file(path))
+        return true;
+    return m_program.around.examiner.ask(messages::overwriteProject(textOf(path))) == Answer::Yes;
+}
+
+void Application::takeFormats() {
+    // Not the format that the program starts with: whoever empties the box has always got this one.
+    m_state.DateFormat = m_options.DateFormat.empty() ? "MM/DD/YY" : m_options.DateFormat;
+    m_settings.WriteIniValue(kOptions, "DateFormat", m_state.DateFormat);
+    m_state.TimeFormat = m_options.TimeFormat.empty() ? "Hh:Nn:Ss" : m_options.TimeFormat;
+    m_settings.WriteIniValue(kOptions, "TimeFormat", m_state.TimeFormat);
+    m_state.DateTimeFormat = m_state.DateFormat + " " + m_state.TimeFormat;
+}
+
+bool Application::takeZone() {
+    // A new project with a wrong path doesn't change the zone of the one that is open.
+    if (m_occasion.newProject && m_state.ProjectDB.isOpen())
+        return true;
+    if (!setZone(m_program, *m_options.Time_Zone_ID))
+        return false;
+    const TimeZoneClass &zone = m_state.GMTZone;
+    write(kOptions, "TimeZoneBias", zone.tzBias);
+    m_settings.WriteIniValue(kOptions, "TimeZoneName", zone.tzName);
+    write(kOptions, "TimeZoneID", zone.tzTimeZoneID);
+    if (m_state.ProjectDB.isOpen())
+        storeProjectValues(m_program,
+                           {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
+                            {"TimeZoneName", zone.tzName},
+                            {"TimeZoneID", fmt::format("{}", zone.tzTimeZoneID)}},
+                           TrailNote::yes);
+    return true;
+}
+
+/// The base folder of an open project may be gone, as evidence is unplugged: only a new choice is
+/// tested.
+std::optional<OptionsField> Application::wrongPath() {
+    const fs::path &project = m_options.ProjectDBPath;
+    const bool isNew = m_occasion.newProject;
+    if (isNew && (!isProjectName(project) || fs::is_directory(project) ||
+                  !fs::is_directory(fs::absolute(project).parent_path())))
+        return OptionsField::project;
+    if (!isUsableTempFolder(m_program, m_options.TempFolderPath))
+        return OptionsField::temp;
+    const fs::path &base = m_options.RootPath;
+    const bool asItWas = !m_state.ProjectDB.isOpen() || base == m_state.RootPath;
+    if ((isNew ? base.empty() : asItWas) || fs::is_directory(base))
+        return std::nullopt;
+    return OptionsField::base;
+}
+
+void Application::takePaths() {
+    m_state.PublishTempFolder = m_options.PublishTempFolder;
+    m_state.TempFolderPath = m_options.TempFolderPath;
+    m_state.TempFolderOfRun = m_options.TempFolderPath;
+    m_state.AgencyLogoPath = m_options.AgencyLogoPath;
+    m_state.TemplatesPath = m_options.TemplatesPath;
+    m_settings.WriteIniValue(kPaths, "TempFolder", textOf(m_options.TempFolderPath));
+    m_settings.WriteIniValue(kPaths, "LastProjectDBPath", textOf(m_options.ProjectDBPath));
+    m_settings.WriteIniValue(kPaths, "AgencyLogoPath", textOf(m_options.AgencyLogoPath));
+    m_settings.WriteIniValue(kPaths, "PublishFolder", textOf(m_options.PublishTempFolder));
+    m_settings.WriteIniValue(kBeyond, "TemplatesPath", textOf(m_options.TemplatesPath));
+}
+
+void Application::takeGallery() {
+    m_state.DisableScriptTags = m_options.DisableScriptTags;
+    m_state.GalleryIncludeHTML = m_options.GalleryIncludeHTML;
+    m_state.GalleryIncludePictures = m_options.GalleryIncludePictures;
+    m_state.RedrawThumbIfPageRebuilt = m_options.RedrawThumbIfPageRebuilt;
+    m_state.GalleryRecordsPerPage = m_options.GalleryRecordsPerPage;
+    m_state.ThumbnailRedrawTimeout = m_options.ThumbnailRedrawTimeout;
+    m_settings.WriteIniValue(kOptions, "DisableScriptTags", m_options.DisableScriptTags);
+    m_settings.WriteIniValue(kOptions, "GalleryIncludeHTML", m_options.GalleryIncludeHTML);
+    m_settings.WriteIniValue(kOptions, "GalleryIncludePictures", m_options.GalleryIncludePictures);
+    m_settings.WriteIniValue(kOptions, "RedrawThumbIfPageRebuilt",
+                             m_options.RedrawThumbIfPageRebuilt);
+    m_state.PARD.EnablePARD = m_options.EnablePARD;
+    m_state.PARD.FromValue = static_cast<std::int16_t>(m_options.PARDFrom);
+    m_state.PARD.ToValue = static_cast<std::int16_t>(m_options.PARDTo);
+}
+
+void Application::takeSafety() {
+    if (m_options.ConnectionOffline)
+        m_state.ConnectionOffline = *m_options.ConnectionOffline;
+    m_state.DisableFileVersionCheck = m_options.DisableFileVersionCheck;
+    m_state.NetworkConnectionName = m_options.NetworkConnectionName.empty()
+                                        ? std::string(kDefaultConnection)
+                                        : m_options.NetworkConnectionName;
+}
+
+void Application::takeThumbnailsAndStatus() {
+    m_state.ViewerThumbnailWidth = m_options.ViewerThumbnailWidth;
+    m_state.ProgressBarRefreshRate = m_options.ProgressBarRefreshRate;
+    m_program.thread.ProgressBarRefreshRate = m_options.ProgressBarRefreshRate;
+    write(kThumbnails, "ViewerThumbnailWidth", m_options.ViewerThumbnailWidth);
+    write(kThumbnails, "ReportThumbnailWidth", m_options.ReportThumbnailWidth);
+    write(kOptions, "ProgressBarRefreshRate", m_options.ProgressBarRefreshRate);
+}
+
+void Application::takeBeyond() {
+    m_state.WideRecordIds = m_options.WideRecordIds;
+    m_state.TemplateMatchByTitle = m_options.TemplateMatchByTitle;
+    m_program.import.MakeThumbnails = m_options.ThumbnailsWhileImporting;
+    m_settings.WriteIniValue(kBeyond, "WideRecordIds", m_options.WideRecordIds);
+    m_settings.WriteIniValue(kBeyond, "TemplateMatchByTitle", m_options.TemplateMatchByTitle);
+    m_settings.WriteIniValue(kBeyond, "ThumbnailsWhileImporting",
+                             m_options.ThumbnailsWhileImporting);
+    m_settings.WriteIniValue(kBeyond, "KeepAllOptions", m_options.KeepAllOptions);
+}
+
+/// These have always held until the program ends; a switch of ours keeps them.
+void Application::keepTheRest() {
+    if (!m_options.KeepAllOptions)
+        return;
+    write(kOptions, "GalleryRecordsPerPage", m_options.GalleryRecordsPerPage);
+    write(kOptions, "ThumbnailRedrawTimeout", m_options.ThumbnailRedrawTimeout);
+    write(kThumbnails, "ThumbnailRedrawTimeout", m_options.ThumbnailRedrawTimeout);
+    m_settings.WriteIniValue(kOptions, "DisableFileVersionCheck",
+                             m_options.DisableFileVersionCheck);
+    m_settings.WriteIniValue(kOptions, "NetworkConnectionName", m_state.NetworkConnectionName);
+}
+
+void Application::toProject() {
+    if (!m_state.ProjectDB.isOpen())
+        return;
+    if (!m_options.RootPath.empty() && m_options.RootPath != m_state.RootPath)
+        m_state.RootPath = fs::canonical(m_options.RootPath);
+    storeProjectValues(m_program, projectValuesInForce(m_program), TrailNote::yes);
+}
+
+fs::path firstOf(const fs::path &inForce, const IniFile &settings, std::string_view key) {
+    return inForce.empty() ? fs::path(settings.ReadIniValue(kPaths, key, "")) : inForce;
+}
+
+void readPaths(const Program &program, Options &options) {
+    const ThisClass &state = program.thisClass;
+    options.ProjectDBPath = state.ProjectDBPath;
+    options.RootPath = state.RootPath;
+    options.TempFolderPath = firstOf(state.TempFolderPath, program.settings, "Temp");
+    options.TemplatesPath = state.TemplatesPath;
+    options.PublishTempFolder = firstOf(state.PublishTempFolder, program.settings, "Publish");
+    options.AgencyLogoPath = firstOf(state.AgencyLogoPath, program.settings, "AgencyLogo");
+}
+
+/// The folder of the settings, that of the last project, or the user's own.
+fs::path folderOfProjects(const Program &program) {
+    const IniFile &settings = program.settings;
+    const fs::path last = settings.ReadIniValue(kPaths, "LastProjectDBPath", "");
+    const char *home = std::getenv("HOME");
+    const fs::path user = home ? home : "";
+    for (const fs::path &folder : {fs::path(settings.ReadIniValue(kPaths, "Project", "")),
+                                   last.parent_path(), user / "Documents", user}) {
+        if (folder.is_absolute() && fs::is_directory(folder))
+            return folder;
+    }
+    return program.paths.home;
+}
+
+} // namespace
+
+Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
+    const ThisClass &state = program.thisClass;
+    const IniFile &settings = program.settings;
+    Options options;
+    readPaths(program, options);
+    options.DateFormat = settings.ReadIniValue(kOptions, "DateFormat", kOptionsDateFormat);
+    options.TimeFormat = settings.ReadIniValue(kOptions, "TimeFormat", kOptionsTimeFormat);
+    if (const auto place = placeInList(zones, state.GMTZone))
+        options.Time_Zone_ID = zones[*place].Time_Zone_ID;
+    options.EnableDSTChanges = state.EnableDSTChanges;
+    options.GalleryIncludeHTML = state.GalleryIncludeHTML;
+    options.GalleryIncludePictures = state.GalleryIncludePictures;
+    options.GalleryRecordsPerPage = state.GalleryRecordsPerPage;
+    options.RedrawThumbIfPageRebuilt = state.RedrawThumbIfPageRebuilt;
+    // Not the time-out of the start, which stands in another section.
+    options.ThumbnailRedrawTimeout = settings.ReadIniValue(kOptions, "ThumbnailRedrawTimeout", 15);
+    options.EnablePARD = state.PARD.EnablePARD;
+    options.PARDFrom = state.PARD.FromValue;
+    options.PARDTo = state.PARD.ToValue;
+    options.ViewerThumbnailWidth = state.ViewerThumbnailWidth;
+    options.ReportThumbnailWidth = settings.ReadIniValue(kThumbnails, "ReportThumbnailWidth", 200);
+    options.DisableScriptTags = state.DisableScriptTags;
+    options.VerifyFileSignatures = state.VerifyFileSignatures;
+    options.DisableFileVersionCheck = state.DisableFileVersionCheck;
+    options.NetworkConnectionName = state.NetworkConnectionName;
+    options.ProgressBarRefreshRate = state.ProgressBarRefreshRate;
+    options.WideRecordIds = state.WideRecordIds;
+    options.ThumbnailsWhileImporting = program.import.MakeThumbnails;
+    options.TemplateMatchByTitle = state.TemplateMatchByTitle;
+    options.KeepAllOptions = settings.ReadIniValue(kBeyond, "KeepAllOptions", false);
+    return options;
+}
+
+Options readNewProjectOptions(const Program &program, const std::vector<ZoneRow> &zones) {
+    Options options = readOptions(program, zones);
+    options.RootPath.clear();
+    const fs::path folder = folderOfProjects(program);
+    options.ProjectDBPath = folder / "Case.nvp";
+    for (int number = 2; fs::exists(options.ProjectDBPath); ++number)
+        options.ProjectDBPath = folder / fmt::format("Case {}.nvp", number);
+    return options;
+}
+
+OptionsOutcome applyOptions(Program &program, const Options &options,
+                            const OptionsOccasion &occasion) {
+    return Application(program, options, occasion).run();
+}
+
+std::string sampleOf(const Program &program, std::string_view format) {
+    const Clock &clock = program.around.clock;
+    return formatDate(Date::fromTimePoint(clock.now() + clock.localOffset()), format);
+}
+
+std::string chooseDateFormat(Program &program, std::string_view format) {
+    program.settings.WriteIniValue(kOptions, "DateFormat", format);
+    return sampleOf(program, format);
+}
+
+std::string chooseTimeFormat(Program &program, std::string_view format) {
+    program.settings.WriteIniValue(kOptions, "TimeFormat", format);
+    return sampleOf(program, format);
+}
+
+std::vector<ZoneRow> InitTimeZone(Program &program) {
+    std::vector<ZoneRow> zones = ZoneDatabase(program.paths.zones(), program.log).listZones();
+    if (zones.empty())
+        program.around.examiner.tell(messages::zonesNotRead());
+    return zones;
+}
+
+std::string connectionStatus(Program &program, const std::string &name) {
+    std::string &inForce = program.thisClass.NetworkConnectionName;
+    const std::string kept = std::exchange(inForce, name);
+    const std::string status = NetworkConnectionStatus(program);
+    inForce = kept;
+    return status;
+}
+
+std::string switchConnectionOver(Program &program, const std::string &name) {
+    const bool isUp = connectionStatus(program, name) == "ENABLED";
+    std::string &inForce = program.thisClass.NetworkConnectionName;
+    const std::string kept = std::exchange(inForce, name);
+    const bool done = ToggleNetworkConnection(
+        program, isUp ? ConnectionState::disabled : ConnectionState::enabled, Quiet::no);
+    inForce = kept;
+    if (done && isUp)
+        program.around.examiner.tell(messages::networkDisabled());
+    return connectionStatus(program, name);
+}
+
+} // namespace nv

@@ -1,0 +1,146 @@
+#include "app/Project.h"
+#include "app/ProjectOptions.h"
+#include "app/SettingsTable.h"
+#include "app/cli/OptionsCommands.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "db/ProjectFields.h"
+#include "db/ReadOnlyConnection.h"
+
+#include <SQLiteCpp/Database.h>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+
+namespace nv::cli {
+
+namespace {
+
+[[noreturn]] void refuseName(const std::string &key, const std::vector<std::string> &names) {
+    throw UsageError(fmt::format("there is no setting \"{}\". The nearest names: {}",
+                                 printable(key), fmt::join(nearestNames(key, names), ", ")));
+}
+
+std::vector<const SettingFacts *> settingsOfName(const std::string &key) {
+    auto found = settingsNamed(key);
+    if (!found.empty())
+        return found;
+    std::vector<std::string> names;
+    for (const SettingFacts &facts : settingsTable())
+        names.emplace_back(facts.key);
+    refuseName(key, names);
+}
+
+const SettingFacts &oneSetting(const std::string &key) {
+    const auto found = settingsOfName(key);
+    if (found.size() == 1)
+        return *found.front();
+    std::vector<std::string> names;
+    for (const SettingFacts *facts : found)
+        names.push_back(fullName(*facts));
+    throw UsageError(
+        fmt::format("\"{}\" stands in two sections: say which of {}", key, fmt::join(names, ", ")));
+}
+
+const ProjectValueFacts &oneProjectValue(const std::string &key) {
+    const auto table = projectValueTable();
+    const auto found = std::find_if(table.begin(), table.end(), [&](const ProjectValueFacts &each) {
+        return equalsNoCase(each.name, key);
+    });
+    if (found != table.end())
+        return *found;
+    std::vector<std::string> names;
+    for (const ProjectValueFacts &facts : table)
+        names.emplace_back(facts.name);
+    refuseName(key, names);
+}
+
+void listSettings(Session &session, const std::string &key, Format format) {
+    std::vector<const SettingFacts *> chosen;
+    if (key.empty()) {
+        for (const SettingFacts &facts : settingsTable())
+            chosen.push_back(&facts);
+    } else {
+        chosen = settingsOfName(key);
+    }
+    const auto writer = makeRowWriter(format, session.out,
+                                      {"Section", "Key", "Value", "Default", "What it changes"});
+    for (const SettingFacts *facts : chosen)
+        writer->row({facts->section, facts->key, valueOf(session.program, *facts),
+                     defaultOf(session.program, *facts), facts->what});
+    writer->finish();
+}
+
+/// The settings file's value of the same name stands in for what the project doesn't keep.
+std::string defaultInProject(const Program &program, std::string_view name) {
+    const auto found = settingsNamed(name);
+    return found.size() == 1 ? valueOf(program, *found.front()) : std::string();
+}
+
+void listProject(Session &session, const OptionsArguments &arguments, Format format) {
+    const auto database = openReadOnly(arguments.project);
+    const ProjectFields fields(*database, session.program.log);
+    const ProjectValueFacts *only =
+        arguments.key.empty() ? nullptr : &oneProjectValue(arguments.key);
+    const auto writer = makeRowWriter(format, session.out,
+                                      {"Section", "Key", "Value", "Default", "What it changes"});
+    for (const ProjectValueFacts &facts : projectValueTable()) {
+        if (!only || only == &facts)
+            writer->row({"PROJECT", facts.name, fields.GetDefault(facts.name),
+                         defaultInProject(session.program, facts.name), facts.what});
+    }
+    writer->finish();
+}
+
+/// What the value of a project is checked as.
+SettingFacts factsOf(const ProjectValueFacts &value) {
+    if (value.name == "RootPath")
+        return {"PROJECT", value.name, SettingKind::folder, "", 0, 0, ""};
+    if (value.name == "LastTimeZoneID")
+        return {"PROJECT", value.name, SettingKind::zone, "", 0, 0, ""};
+    return *settingsNamed(value.name).front();
+}
+
+std::string checked(Program &program, const SettingFacts &facts, const std::string &value) {
+    const CheckedValue result = checkValue(program, facts, value);
+    if (!result.refusal.empty())
+        throw UsageError(fmt::format("{} \"{}\": {}", facts.key, printable(value), result.refusal));
+    return result.value;
+}
+
+void setInProject(Session &session, const OptionsArguments &arguments) {
+    const ProjectValueFacts &facts = oneProjectValue(arguments.key);
+    if (!facts.settable)
+        throw UsageError(fmt::format("{} is written by the program itself", facts.name));
+    const std::string value = checked(session.program, factsOf(facts), arguments.value);
+    session.open(arguments.project);
+    storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes);
+}
+
+} // namespace
+
+Exit optionsGetCommand(Session &session, const OptionsArguments &arguments, Format format) {
+    if (arguments.project.empty())
+        listSettings(session, arguments.key, format);
+    else
+        listProject(session, arguments, format);
+    return Exit::ok;
+}
+
+Exit optionsSetCommand(Session &session, const OptionsArguments &arguments) {
+    if (!arguments.project.empty()) {
+        setInProject(session, arguments);
+        return Exit::ok;
+    }
+    const SettingFacts &facts = oneSetting(arguments.key);
+    const std::string value = checked(session.program, facts, arguments.value);
+    if (!session.program.settings.WriteIniValue(facts.section, facts.key, value))
+        throw StorageFailure(fmt::format("the settings can't be written: \"{}\"",
+                                         textOf(session.program.settings.path())));
+    session.err << fmt::format("[{}] {} = {}\n", facts.section, facts.key,
+                               printable(valueOf(session.program, facts)));
+    return Exit::ok;
+}
+
+} // namespace nv::cli

@@ -1,0 +1,334 @@
+// The tabs of the Options dialog.
+#include "maintenance/ui/OptionsForm.h"
+#include "maintenance/ui/OptionsWidgets.h"
+#include "platform/qt/QtText.h"
+
+#include <QButtonGroup>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabWidget>
+
+#include <array>
+
+namespace nv {
+
+namespace {
+
+struct Size {
+    int width;
+    const char *text;
+};
+constexpr std::array<Size, 3> kSizes = {
+    {{200, "200 x 150 pixels"}, {160, "160 x 120 pixels"}, {120, "120 x 80 pixels"}}};
+
+constexpr std::array<const char *, 15> kLetters = {
+    "yyyy = year (eg: 2009)", "yy = year (eg: 09)",  "d = day (eg: 9)",     "dd = day (eg: 09)",
+    "ddd = day (eg: Mon)",    "m = month (eg: 9)",   "mm = month (eg: 09)", "mmm = month (eg: Sep)",
+    "h = hour (eg: 9)",       "Hh = hour (eg: 09)",  "n = minute (eg: 9)",  "Nn = minute (eg: 09)",
+    "s = second (eg: 9)",     "Ss = second (eg: 9)", "AM/PM = 12hr clock"};
+
+/// A tab and its column.
+QVBoxLayout *columnOf(QWidget &tab) {
+    return new QVBoxLayout(&tab);
+}
+
+} // namespace
+
+QLineEdit *OptionsForm::addPath(QFormLayout &form, int index, const QString &label,
+                                const char *name, const std::filesystem::path &path,
+                                const QString &hint) {
+    auto *line = new QWidget;
+    auto *row = new QHBoxLayout(line);
+    row->setContentsMargins(0, 0, 0, 0);
+    auto *text = named(new QLineEdit(pathToQt(path)), name);
+    text->setToolTip(hint);
+    auto *button = new QPushButton(tr("Browse..."));
+    button->setObjectName(QStringLiteral("btnPath%1").arg(index));
+    button->setAccessibleName(tr("Browse for: %1").arg(label));
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, [this, index] { btnPath_Click(index); });
+    row->addWidget(text, 1);
+    row->addWidget(button);
+    form.addRow(label, line);
+    m_paths.push_back(text);
+    return text;
+}
+
+QWidget *OptionsForm::newPaths() {
+    auto *tab = new QWidget;
+    auto *form = new QFormLayout(tab);
+    const bool isNew = m_mode == Mode::newProject;
+    const bool open = m_program.thisClass.ProjectDB.isOpen();
+    QLineEdit *project = addPath(*form, 0, tr("&Project file:"), "txtPathProject",
+                                 m_start.ProjectDBPath, tr("The file that holds the case"));
+    project->setReadOnly(!isNew);
+    QLineEdit *base = addPath(*form, 1, tr("&Base folder:"), "txtPathBase", m_start.RootPath,
+                              tr("Cached files of the evidence are looked for below it"));
+    base->setEnabled(isNew || open);
+    if (isNew)
+        base->setPlaceholderText(tr("The folder of the first import"));
+    addPath(*form, 2, tr("&Temp folder:"), "txtPathTempFolder", m_start.TempFolderPath,
+            tr("Scratch files, until the program ends"));
+    addPath(*form, 3, tr("T&emplates folder:"), "txtPathTemplatesFolder", m_start.TemplatesPath,
+            tr("Templates made of rebuilt pages"));
+    addPath(*form, 4, tr("P&ublish folder:"), "txtPathPublish", m_start.PublishTempFolder,
+            tr("Offered when a report is published"));
+    addPath(*form, 5, tr("Agency &logo:"), "txtPathAgencyLogo", m_start.AgencyLogoPath,
+            tr("The picture at the head of reports"));
+    if (auto *browse = tab->findChild<QPushButton *>(QStringLiteral("btnPath0")))
+        browse->setEnabled(isNew);
+    if (auto *browse = tab->findChild<QPushButton *>(QStringLiteral("btnPath1")))
+        browse->setEnabled(isNew || open);
+    form->addRow(newHint(tr("The Temp folder holds until the program ends; at each start it is "
+                            "TempFolderPath of the section [DEFAULT] of the settings file, and is "
+                            "emptied.")));
+    return tab;
+}
+
+QWidget *OptionsForm::newFormats(const char *group, const char *box, const QStringList &formats,
+                                 const QString &chosen, QLineEdit *&entry, QLabel *&sample,
+                                 const char *name,
+                                 std::string (*choose)(Program &, std::string_view)) {
+    auto *frame = new QGroupBox(QString::fromLatin1(name));
+    auto *column = columnOf(*frame);
+    entry = named(new QLineEdit(chosen), box);
+    entry->setToolTip(tr("Any format of the letters below"));
+    sample = named(new QLabel, name[0] == 'D' ? "labCurrentDay" : "labCurrentTime");
+    sample->setTextFormat(Qt::PlainText);
+    auto *choices = new QButtonGroup(this);
+    for (const QString &format : formats) {
+        auto *button = new QRadioButton(format);
+        button->setObjectName(QLatin1String(group) + QString::number(choices->buttons().size()));
+        button->setChecked(format == chosen);
+        choices->addButton(button);
+        column->addWidget(button);
+        connect(button, &QRadioButton::clicked, entry, [entry, format] { entry->setText(format); });
+    }
+    column->addWidget(entry);
+    column->addWidget(sample);
+    const auto follow = [this, choices, &sample, choose](const QString &text) {
+        choices->setExclusive(false);
+        for (QAbstractButton *button : choices->buttons())
+            button->setChecked(button->text() == text);
+        choices->setExclusive(true);
+        sample->setText(toQt(choose(m_program, fromQt(text))));
+    };
+    connect(entry, &QLineEdit::textChanged, this, follow);
+    sample->setText(toQt(sampleOf(m_program, fromQt(chosen))));
+    return frame;
+}
+
+QWidget *OptionsForm::newDateTime() {
+    auto *tab = new QWidget;
+    auto *grid = new QGridLayout(tab);
+    grid->addWidget(newFormats("optDateFormat", "txtDateFormat",
+                               {QStringLiteral("YYYY-MM-DD"), QStringLiteral("MM/DD/YY"),
+                                QStringLiteral("DD/MM/YYYY"), QStringLiteral("dd mmm yyyy")},
+                               toQt(m_start.DateFormat), m_dateFormat, m_day, "Date",
+                               &chooseDateFormat),
+                    0, 0);
+    grid->addWidget(newFormats("optTimeFormat", "txtTimeFormat",
+                               {QStringLiteral("24:00:00"), QStringLiteral("Hh:Nn"),
+                                QStringLiteral("h:Nn:Ss AM/PM"), QStringLiteral("h:Nn AM/PM")},
+                               toQt(m_start.TimeFormat), m_timeFormat, m_time, "Time",
+                               &chooseTimeFormat),
+                    0, 1);
+    auto *letters = new QGridLayout;
+    constexpr int kColumns = 3;
+    int place = 0;
+    for (const char *text : kLetters) {
+        letters->addWidget(newHint(QString::fromLatin1(text)), place / kColumns, place % kColumns);
+        ++place;
+    }
+    grid->addLayout(letters, 1, 0, 1, 2);
+    grid->addWidget(
+        newHint(tr("A format is kept as soon as it is chosen; views follow with Okay.")), 2, 0, 1,
+        2);
+    grid->setRowStretch(3, 1);
+    return tab;
+}
+
+QWidget *OptionsForm::newZone() {
+    auto *tab = new QWidget;
+    auto *column = columnOf(*tab);
+    m_zone = named(new QComboBox, "cbTimeZone");
+    for (const ZoneRow &zone : m_zones)
+        m_zone->addItem(toQt(zone.listText()), zone.Time_Zone_ID);
+    m_zone->setCurrentIndex(m_start.Time_Zone_ID ? m_zone->findData(*m_start.Time_Zone_ID) : -1);
+    m_zone->setPlaceholderText(tr("Select a time zone"));
+    column->addWidget(new QLabel(tr("Times are shown in:")));
+    column->addWidget(m_zone);
+    m_dst = addBox(*column, "chkEnableDSTChanges", tr("&Daylight saving time changes"),
+                   tr("Off, all dates are shown in standard time."), m_start.EnableDSTChanges);
+    auto *properties =
+        named(new QPushButton(tr("Time Zone &Properties...")), "btnConfigureTimeZone");
+    properties->setAutoDefault(false);
+    connect(properties, &QPushButton::clicked, this, &OptionsForm::showZoneProperties);
+    column->addWidget(properties, 0, Qt::AlignLeft);
+    column->addStretch(1);
+    return tab;
+}
+
+QWidget *OptionsForm::newGallery() {
+    auto *tab = new QWidget;
+    auto *column = columnOf(*tab);
+    m_html = addBox(*column, "chkIncludeHTML", tr("Include &web pages"),
+                    tr("The gallery shows cached web pages."), m_start.GalleryIncludeHTML);
+    m_pictures = addBox(*column, "chkIncludePictures", tr("Include &pictures"),
+                        tr("The gallery shows cached pictures."), m_start.GalleryIncludePictures);
+    for (QCheckBox *box : {m_html, m_pictures})
+        connect(box, &QCheckBox::clicked, this, &OptionsForm::galleryOutdated);
+    m_redraw = addBox(*column, "chkRedrawHTMLThumbnails", tr("&Redraw thumbnails"),
+                      tr("A page that is rebuilt gets a new thumbnail."),
+                      m_start.RedrawThumbIfPageRebuilt);
+    auto *form = new QFormLayout;
+    m_perPage = newNumbers("cbThumbnailsPerPage", {50, 100, 200, 300, 500, 1000},
+                           m_start.GalleryRecordsPerPage);
+    form->addRow(tr("Thumbnails per pa&ge:"), m_perPage);
+    m_timeout =
+        newNumbers("cbRedrawTimeout", {5, 10, 15, 20, 30, 60}, m_start.ThumbnailRedrawTimeout);
+    form->addRow(tr("Redraw &time-out (seconds):"), m_timeout);
+    column->addLayout(form);
+    column->addWidget(newHint(tr("Both numbers hold until the program ends.")));
+    column->addStretch(1);
+    return tab;
+}
+
+QWidget *OptionsForm::newPard() {
+    auto *tab = new QWidget;
+    auto *column = columnOf(*tab);
+    m_pard = addBox(*column, "chkUsePARD", tr("&Use P.A.R.D."),
+                    tr("Photograph Aspect Ratio Differential (Best range: 15% to 40%): the gallery "
+                       "shows only pictures of these shapes, until the program ends."),
+                    m_start.EnablePARD);
+    auto *form = new QFormLayout;
+    const auto limit = [&](const QString &label, const char *name, const char *scroll, int value) {
+        auto *line = new QWidget;
+        auto *row = new QHBoxLayout(line);
+        row->setContentsMargins(0, 0, 0, 0);
+        QSpinBox *number = addScrolled(*row, name, scroll, Qt::Horizontal, 100, value);
+        number->setSuffix(QStringLiteral(" %"));
+        form->addRow(label, line);
+        return number;
+    };
+    m_from = limit(tr("&From:"), "txtPARDFrom", "scrollPARDFrom", m_start.PARDFrom);
+    m_to = limit(tr("&To:"), "txtPARDTo", "scrollPARDTo", m_start.PARDTo);
+    column->addLayout(form);
+    m_pardText = named(new QLabel, "labPARD");
+    column->addWidget(m_pardText);
+    column->addStretch(1);
+    connect(m_pard, &QCheckBox::toggled, this, &OptionsForm::showPard);
+    connect(m_from, &QSpinBox::valueChanged, this, &OptionsForm::showPard);
+    connect(m_to, &QSpinBox::valueChanged, this, &OptionsForm::showPard);
+    return tab;
+}
+
+QButtonGroup *OptionsForm::addSizes(QFormLayout &form, const QString &label, const char *name,
+                                    int width) {
+    auto *group = new QButtonGroup(this);
+    auto *box = new QWidget;
+    auto *column = new QVBoxLayout(box);
+    column->setContentsMargins(0, 0, 0, 12);
+    for (const Size &size : kSizes) {
+        auto *button = new QRadioButton(QString::fromLatin1(size.text));
+        button->setObjectName(QLatin1String(name) + QString::number(group->buttons().size()));
+        button->setChecked(size.width == width);
+        group->addButton(button, size.width);
+        column->addWidget(button);
+    }
+    form.addRow(label, box);
+    return group;
+}
+
+QWidget *OptionsForm::newThumbnails() {
+    auto *tab = new QWidget;
+    auto *form = new QFormLayout(tab);
+    m_viewerSizes =
+        addSizes(*form, tr("Viewers:"), "optThumbnailViewers", m_start.ViewerThumbnailWidth);
+    m_reportSizes =
+        addSizes(*form, tr("Reports:"), "optThumbnailReports", m_start.ReportThumbnailWidth);
+    form->addRow(newHint(tr("Thumbnails that are drawn from now on have this size.")));
+    return tab;
+}
+
+QWidget *OptionsForm::newSafety() {
+    auto *tab = new QWidget;
+    auto *column = columnOf(*tab);
+    m_scripts = addBox(*column, "chkDisableScripts", tr("Disable &scripts"),
+                       tr("Scripts of pages become comments when they are rebuilt."),
+                       m_start.DisableScriptTags);
+    m_verify = addBox(*column, "chkVerifyFileContents", tr("&Verify file contents"),
+                      tr("Files are recognised by their content, not by name alone."),
+                      m_start.VerifyFileSignatures);
+    m_versions = addBox(*column, "chkDisableVersionChecking", tr("Disable version &checking"),
+                        tr("Projects of earlier builds open without a question, until the program "
+                           "ends."),
+                        m_start.DisableFileVersionCheck);
+    auto *frame = new QGroupBox(tr("Network connection"));
+    auto *grid = new QGridLayout(frame);
+    m_connection = new QButtonGroup(this);
+    auto *usual = named(new QRadioButton(toQt(kDefaultConnection)), "optLocalAreaConnection0");
+    auto *other = named(new QRadioButton(tr("&Other:")), "optLocalAreaConnection1");
+    m_connection->addButton(usual, 0);
+    m_connection->addButton(other, 1);
+    const bool isUsual = m_start.NetworkConnectionName == kDefaultConnection;
+    (isUsual ? usual : other)->setChecked(true);
+    m_connectionName =
+        named(new QLineEdit(toQt(m_start.NetworkConnectionName)), "txtLocalAreaConnection");
+    m_switch = named(new QPushButton, "btnLocalAreaConnection");
+    m_switch->setAutoDefault(false);
+    m_switch->setToolTip(tr("Cut the network before pages are looked at; it happens at once"));
+    m_status = named(new QLabel, "labConnectionStatus");
+    grid->addWidget(usual, 0, 0, 1, 2);
+    grid->addWidget(other, 1, 0);
+    grid->addWidget(m_connectionName, 1, 1);
+    grid->addWidget(m_switch, 2, 0);
+    grid->addWidget(m_status, 2, 1);
+    column->addWidget(frame);
+    column->addStretch(1);
+    connect(m_connection, &QButtonGroup::idClicked, this, &OptionsForm::showConnection);
+    connect(m_connectionName, &QLineEdit::editingFinished, this, &OptionsForm::showConnection);
+    connect(m_switch, &QPushButton::clicked, this, &OptionsForm::btnLocalAreaConnection_Click);
+    return tab;
+}
+
+QWidget *OptionsForm::newStatus() {
+    auto *tab = new QWidget;
+    auto *form = new QFormLayout(tab);
+    auto *line = new QWidget;
+    auto *row = new QHBoxLayout(line);
+    row->setContentsMargins(0, 0, 0, 0);
+    constexpr int kMostSeconds = 60;
+    m_rate = addScrolled(*row, "txtStatusRefreshRate", "VScroll1", Qt::Vertical, kMostSeconds,
+                         m_start.ProgressBarRefreshRate);
+    row->addStretch(1);
+    form->addRow(tr("&Refresh rate (seconds):"), line);
+    form->addRow(newHint(tr("The status window of a long task changes its texts this often.")));
+    return tab;
+}
+
+QWidget *OptionsForm::newBeyond() {
+    auto *tab = new QWidget;
+    auto *column = columnOf(*tab);
+    m_wideIds = addBox(*column, "chkWideRecordIds", tr("&Wide record ids"),
+                       tr("Records with ids above 32767 may be parts of rebuilt pages, which "
+                          "earlier versions then can't open."),
+                       m_start.WideRecordIds);
+    m_thumbnails = addBox(*column, "chkThumbnailsWhileImporting", tr("&Thumbnails while importing"),
+                          tr("Imports draw all pictures and pages, which takes much longer."),
+                          m_start.ThumbnailsWhileImporting);
+    m_byTitle = addBox(*column, "chkTemplateMatchByTitle", tr("Templates match by t&itle"),
+                       tr("A template is laid only over pages of its own title."),
+                       m_start.TemplateMatchByTitle);
+    m_keepAll = addBox(*column, "chkKeepAllOptions", tr("&Keep all options"),
+                       tr("What otherwise holds until the program ends (gallery numbers, version "
+                          "checking, network connection) is kept for the next start."),
+                       m_start.KeepAllOptions);
+    column->addStretch(1);
+    return tab;
+}
+
+} // namespace nv
