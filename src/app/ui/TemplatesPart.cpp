@@ -38,7 +38,7 @@ void TemplatesPart::connectTab() {
     on(&TemplatesTab::viewWanted, "MainForm.LoadTemplate()", &TemplatesPart::view);
     on(&TemplatesTab::renameWanted, kManaging, &TemplatesPart::rename);
     on(&TemplatesTab::deleteWanted, kManaging, &TemplatesPart::remove);
-    connect(&bench, &Workbench::optionsChanged, m_tab,
+    connect(&m_bench, &Workbench::optionsChanged, m_tab,
             [this] { m_tab->setMatchByTitle(m_bench.program.thisClass.TemplateMatchByTitle); });
     connect(m_tab, &TemplatesTab::matchByTitleChosen, this, &TemplatesPart::chooseMatchByTitle);
 }

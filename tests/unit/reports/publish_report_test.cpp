@@ -63,19 +63,19 @@ TEST_F(PublishReportTest, aCancelLeavesNoPageThatLooksWhole) {
 TEST_F(PublishReportTest, nothingIsWrittenThroughALink) {
     add("http://host/a.gif", "GIF89a");
     make(0);
-    const fs::path evidence = project.folder.path() / "elsewhere";
+    const fs::path elsewhere = project.folder.path() / "elsewhere";
     for (const char *name : {"images", "pictures"}) {
-        fs::create_directories(evidence);
-        fs::create_directory_symlink(evidence, target / name);
+        fs::create_directories(elsewhere);
+        fs::create_directory_symlink(elsewhere, target / name);
         EXPECT_THROW(publish(0), std::runtime_error);
-        EXPECT_TRUE(fs::is_empty(evidence));
+        EXPECT_TRUE(fs::is_empty(elsewhere));
         EXPECT_FALSE(fs::exists(target / "index-cache.htm"));
         fs::remove(target / name);
     }
-    writeWhole(evidence / "page.htm", "evidence");
-    fs::create_symlink(evidence / "page.htm", target / "index-cache.htm");
+    writeWhole(elsewhere / "page.htm", "evidence");
+    fs::create_symlink(elsewhere / "page.htm", target / "index-cache.htm");
     publish(0);
-    EXPECT_EQ(textAt(evidence / "page.htm"), "evidence");
+    EXPECT_EQ(textAt(elsewhere / "page.htm"), "evidence");
 }
 
 TEST_F(PublishReportTest, aFolderWithoutAReportIsLeftAlone) {

@@ -130,13 +130,13 @@ TEST_F(TabularReportTest, theCaseTrailStandsBehindTheLegendOnRequest) {
     CaseTrail(project.connection()).add(entry);
     EXPECT_EQ(make(1).find("CASE TRAIL"), std::string::npos);
     for (const int type : {0, 1}) {
-        const std::string page = make(type, [](ReportClass &r) { r.IncludeCaseTrail = true; });
-        EXPECT_LT(page.find("LEGEND:"), page.find("CASE TRAIL:"));
-        EXPECT_LT(page.find("CASE TRAIL:"), page.find("Report created using"));
-        EXPECT_NE(page.find("&lt;script&gt;alert(1)&lt;/script&gt;"), std::string::npos);
-        EXPECT_NE(page.find("/evidence/it&#39;s &quot;here&quot;.dat"), std::string::npos);
-        EXPECT_NE(page.find("MD5 0123"), std::string::npos);
-        EXPECT_EQ(page.find("<script"), std::string::npos);
+        const std::string written = make(type, [](ReportClass &r) { r.IncludeCaseTrail = true; });
+        EXPECT_LT(written.find("LEGEND:"), written.find("CASE TRAIL:"));
+        EXPECT_LT(written.find("CASE TRAIL:"), written.find("Report created using"));
+        EXPECT_NE(written.find("&lt;script&gt;alert(1)&lt;/script&gt;"), std::string::npos);
+        EXPECT_NE(written.find("/evidence/it&#39;s &quot;here&quot;.dat"), std::string::npos);
+        EXPECT_NE(written.find("MD5 0123"), std::string::npos);
+        EXPECT_EQ(written.find("<script"), std::string::npos);
     }
 }
 
