@@ -91,7 +91,8 @@ TEST_F(FiltersCliTest, hostsAreListedByNameOrByVisits) {
 
 TEST_F(FiltersCliTest, aGalleryTakesTheSameFlags) {
     SQLite::Database(project, SQLite::OPEN_READWRITE)
-        .exec("UPDATE URLs SET IsPicture = 1, ThumbnailMD5Hash = 'x', ThumbnailBLOB = 'GIF89a'");
+        .exec("UPDATE URLs SET IsPicture = 1, CacheFileExists = 1, ThumbnailMD5Hash = 'x', "
+              "ThumbnailBLOB = 'GIF89a'");
     const std::string out = (folder.path() / "sheet.html").string();
     const CliResult run = cli({"gallery", project, "--out", out, "--filter", "cacheurls,gif"});
     ASSERT_EQ(run.exit, 0) << run.err;

@@ -138,7 +138,7 @@ void BrowserTest::aClickOnALinkIsRefusedAndTold() {
     clickLink();
     const QString blocked =
         QStringLiteral("URL BLOCKED: http://127.0.0.1:%1/next").arg(m_server->serverPort());
-    QVERIFY(waitFor([&] { return label("labNotice") == blocked; }));
+    QVERIFY(waitFor([&] { return child<QLabel>(*m_form, "labNotice").text() == blocked; }));
     QCOMPARE(location(), before);
     QCOMPARE(pageText(), QStringLiteral("live"));
 }
@@ -146,8 +146,9 @@ void BrowserTest::aClickOnALinkIsRefusedAndTold() {
 void BrowserTest::aLinkThatOpensAWindowIsTold() {
     show(4);
     clickLink();
-    QVERIFY(
-        waitFor([this] { return label("labNotice").startsWith(QStringLiteral("URL BLOCKED")); }));
+    QVERIFY(waitFor([this] {
+        return child<QLabel>(*m_form, "labNotice").text().startsWith(QStringLiteral("URL BLOCKED"));
+    }));
     QVERIFY(pane().refused() > 0);
 }
 
@@ -190,7 +191,9 @@ void BrowserTest::aRebuildThatCantBeBroughtBackIsTold() {
         "UPDATE URLs SET IngredientIDs = '40000|a.gif|0040000.gif|' WHERE URL_ID = 1");
     show(1);
     QCOMPARE(label("labBrowserKind"), QStringLiteral("Cached content"));
-    QVERIFY(label("labNotice").contains(QStringLiteral("[BEYOND] WideRecordIds")));
+    QVERIFY(child<QLabel>(*m_form, "labNotice")
+                .text()
+                .contains(QStringLiteral("[BEYOND] WideRecordIds")));
     QVERIFY(!fs::exists(tempFile("0000001.NVR")));
 }
 

@@ -305,11 +305,12 @@ void TemplatesTest::whatIsNoTemplateCantBeShown() {
 void TemplatesTest::theMenuHoldsEveryCommand() {
     QStringList texts;
     for (const QAction *action : list().actions())
-        texts += action->text().remove(u'&');
+        texts += action->text().remove(u'&').section(u'\t', 0, 0); // without its keys
     QCOMPARE(texts,
              QStringList({QStringLiteral("View Template"), QStringLiteral("Apply to Pages"),
                           QStringLiteral("Create from Pages"), QStringLiteral("Rename Template..."),
-                          QStringLiteral("Delete Template...")}));
+                          QStringLiteral("Delete Template..."), QStringLiteral("Copy Cell"),
+                          QStringLiteral("Copy Rows")}));
     QCOMPARE(list().contextMenuPolicy(), Qt::ActionsContextMenu);
 }
 

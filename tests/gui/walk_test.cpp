@@ -1,6 +1,7 @@
 #include "base/Files.h"
 #include "gui/Desk.h"
 #include "import/ui/ImportForm.h"
+#include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
 #include "views/ui/LinksModel.h"
 #include "views/ui/TableTab.h"
@@ -50,6 +51,9 @@ class WalkTest : public QObject {
   private:
     void makeSite();
     void import();
+    void activate();
+    /// A key with Ctrl.
+    void press(Qt::Key key);
     void runAnalysis();
     UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
     int rows() { return grid().model()->rowCount(); }
@@ -148,6 +152,18 @@ void WalkTest::import() {
     QCOMPARE(rows(), 4);
 }
 
+/// Keys of menus go to the active window only, and so does the focus. No window manager is there to
+/// make it that again after a task's window was up.
+void WalkTest::activate() {
+    m_form->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
+}
+
+void WalkTest::press(Qt::Key key) {
+    activate();
+    QTest::keyClick(m_form.get(), key, Qt::ControlModifier);
+}
+
 void WalkTest::runAnalysis() {
     m_desk->examiner.script = {Answer::Yes, Answer::Ok};
     trigger(*m_form, "actLinkAnalysis");
@@ -185,9 +201,9 @@ void WalkTest::theWholeWayFromTheWizardToThePanes() {
     QTest::mouseClick(&child<QPushButton>(*m_form, "btnEmptyShowAll"), Qt::LeftButton);
     QCOMPARE(rows(), 4);
     // Write a query, save it, run another, run the saved one from the table's list.
-    QTest::keyClick(m_form.get(), Qt::Key_E, Qt::ControlModifier);
+    press(Qt::Key_E);
     auto &statement = child<QPlainTextEdit>(*m_form, "txtSQLDef");
-    QVERIFY(statement.hasFocus());
+    QTRY_VERIFY(statement.hasFocus());
     statement.clear();
     QTest::keyClicks(&statement, QStringLiteral("SELECT * FROM URLs WHERE IsHistory = False"));
     whenShown<QInputDialog>([](QInputDialog &dialog) {
@@ -224,13 +240,14 @@ void WalkTest::theWholeWayFromTheWizardToThePanes() {
     bringUp("NotesPane");
     auto &note = child<QPlainTextEdit>(*m_form, "NotesText");
     QTRY_VERIFY(note.isEnabled());
+    activate();
     note.setFocus();
     QTest::keyClicks(&note, QStringLiteral("seen"));
     grid().setFocus();
     QCOMPARE(inProject("SELECT Notes FROM URLs WHERE Notes <> ''"), std::string("seen"));
     QTest::keyClick(&grid(), Qt::Key_Space);
     QCOMPARE(inProject("SELECT URL FROM URLs WHERE Tagged <> 0"), std::string(kPage));
-    QTest::keyClick(m_form.get(), Qt::Key_B, Qt::ControlModifier);
+    press(Qt::Key_B);
     QCOMPARE(inProject("SELECT Count(*) FROM URLs WHERE CacheFileRebuilt <> 0"), std::string("1"));
     // Each pane shows it.
     auto &panes = viewers();
@@ -341,5 +358,11 @@ void WalkTest::theLayoutOutlivesTheRun() {
 
 } // namespace nv
 
-QTEST_MAIN(nv::WalkTest)
+int main(int argc, char **argv) {
+    nv::prepareWebEngine();
+    QApplication application(argc, argv);
+    nv::WalkTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "walk_test.moc"

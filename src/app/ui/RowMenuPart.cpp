@@ -26,7 +26,10 @@ bool isOfFile(UrlColumn column) {
 
 } // namespace
 
-RowMenuPart::RowMenuPart(Workbench &bench) : m_bench(bench) {
+RowMenuPart::RowMenuPart(Workbench &bench)
+    : m_bench(bench), m_menu(new QMenu(&bench.table->grid())) {
+    m_menu->setObjectName(QStringLiteral("PopupMenuURLs"));
+    m_menu->setToolTipsVisible(true);
     UrlGrid &grid = bench.table->grid();
     grid.setContextMenuPolicy(Qt::CustomContextMenu);
     connect(&grid, &QWidget::customContextMenuRequested, this, &RowMenuPart::open);
@@ -50,21 +53,19 @@ void RowMenuPart::open(const QPoint &place) {
     if (!m_bench.table->table() || !grid.currentIndex().isValid())
         return;
     const MainActions &actions = m_bench.actions;
-    auto *menu = new QMenu(&grid);
-    menu->setObjectName(QStringLiteral("PopupMenuURLs"));
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->setToolTipsVisible(true);
-    addOfCell(*menu, column());
-    menu->addActions({actions.copyCell, actions.copyRows, actions.selectAll});
-    menu->addSeparator();
-    menu->addActions({actions.tag, actions.rebuild});
-    addViewers(*menu);
-    menu->addSeparator();
-    addOfHost(*menu);
-    menu->addActions({actions.filters, actions.columns});
-    menu->addSeparator();
-    menu->addActions({actions.createReport, actions.exportRows});
-    menu->popup(grid.viewport()->mapToGlobal(place));
+    m_menu->clear();
+    qDeleteAll(m_menu->findChildren<QMenu *>());
+    addOfCell(*m_menu, column());
+    m_menu->addActions({actions.copyCell, actions.copyRows, actions.selectAll});
+    m_menu->addSeparator();
+    m_menu->addActions({actions.tag, actions.rebuild});
+    addViewers(*m_menu);
+    m_menu->addSeparator();
+    addOfHost(*m_menu);
+    m_menu->addActions({actions.filters, actions.columns});
+    m_menu->addSeparator();
+    m_menu->addActions({actions.createReport, actions.exportRows});
+    m_menu->popup(grid.viewport()->mapToGlobal(place));
 }
 
 void RowMenuPart::addOfCell(QMenu &menu, UrlColumn column) {

@@ -26,6 +26,7 @@ class RowMenuPart final : public QObject {
     UrlColumn column() const;
 
     Workbench &m_bench;
+    QMenu *m_menu; ///< filled anew each time; a command may run while it is up
 };
 
 } // namespace nv
