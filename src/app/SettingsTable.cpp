@@ -87,11 +87,11 @@ constexpr auto kSettings = std::to_array<SettingFacts>({
 std::size_t editDistance(std::string_view one, std::string_view other) {
     std::vector<std::size_t> row(other.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < one.size(); ++i) {
+    for (const char letter : one) {
         std::size_t diagonal = row[0]++;
         for (std::size_t j = 0; j < other.size(); ++j) {
             const std::size_t above = row[j + 1];
-            row[j + 1] = std::min({above + 1, row[j] + 1, diagonal + (one[i] != other[j])});
+            row[j + 1] = std::min({above + 1, row[j] + 1, diagonal + (letter != other[j])});
             diagonal = above;
         }
     }

@@ -44,13 +44,13 @@ std::string hexOf(const std::array<unsigned char, EVP_MAX_MD_SIZE> &digest, unsi
 } // namespace
 
 struct Digest::Context {
-    const EVP_MD *algorithm;
+    const EVP_MD *algorithm = nullptr;
     std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> evp{EVP_MD_CTX_new(), &EVP_MD_CTX_free};
     void start() const { EVP_DigestInit_ex2(evp.get(), algorithm, nullptr); }
 };
 
-Digest::Digest(DigestAlgorithm algorithm)
-    : m_context(std::make_unique<Context>(fetched(algorithm))) {
+Digest::Digest(DigestAlgorithm algorithm) : m_context(std::make_unique<Context>()) {
+    m_context->algorithm = fetched(algorithm);
     m_context->start();
 }
 Digest::~Digest() = default;

@@ -2,7 +2,9 @@
 
 #include "base/FailureLog.h"
 
+#include <compare>
 #include <cstdint>
+#include <tuple>
 
 namespace SQLite {
 class Database;
@@ -16,7 +18,11 @@ struct AppBuild {
     std::int64_t AppMinor = 0;
     std::int64_t AppRevision = 0;
 
-    friend auto operator<=>(const AppBuild &, const AppBuild &) = default;
+    friend bool operator==(const AppBuild &, const AppBuild &) = default;
+    friend std::strong_ordering operator<=>(const AppBuild &a, const AppBuild &b) {
+        return std::tie(a.AppMajor, a.AppMinor, a.AppRevision) <=>
+               std::tie(b.AppMajor, b.AppMinor, b.AppRevision);
+    }
 };
 
 /// The build that made or last upgraded the project; zeros for what it doesn't say.

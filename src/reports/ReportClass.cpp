@@ -153,7 +153,7 @@ bool ReportClass::bringCards(std::span<const std::int32_t> ids, std::size_t firs
     for (std::size_t i = 0; i < ids.size(); ++i) {
         if (!step(first + i, total, ids[i]))
             return false;
-        const double whole = static_cast<double>(total);
+        const auto whole = static_cast<double>(total);
         SubTask part(m_ctx.rebuild.task, static_cast<double>(first + i) / whole,
                      static_cast<double>(first + i + 1) / whole);
         m_cards.push_back(cardOf(UrlId{ids[i]}, i, part));

@@ -30,7 +30,7 @@ struct ReportFolder {
     void prepare(int ReportType) const;
     void removeRowFolders() const;
     /// Brings in the program's own pictures, new for each report.
-    void copyImages(const std::filesystem::path &images) const;
+    void copyImages(const std::filesystem::path &from) const;
     /// Brings in a picture of the examiner's as "images/NAME.gif" or so. Empty when it isn't there
     /// or is no picture that browsers show, which is logged.
     std::string takePicture(const std::filesystem::path &picture, const std::string &name,

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-struct _ExifData;
+struct _ExifData; // NOLINT(bugprone-reserved-identifier): the library calls it so
 
 namespace nv {
 
@@ -55,6 +55,6 @@ class EXIFClass {
 
 /// The EXIF block of a JPEG or TIFF file, beginning with "Exif" and two zeros; nothing when there
 /// is none. Throws FileFailure.
-std::optional<Bytes> exifBlockOf(const std::filesystem::path &file);
+std::optional<Bytes> exifBlockOf(const std::filesystem::path &path);
 
 } // namespace nv

@@ -37,6 +37,7 @@ const SettingFacts &oneSetting(const std::string &key) {
     if (found.size() == 1)
         return *found.front();
     std::vector<std::string> names;
+    names.reserve(found.size());
     for (const SettingFacts *facts : found)
         names.push_back(fullName(*facts));
     throw UsageError(

@@ -78,7 +78,7 @@ MainActions::MainActions(QObject *o)
     viewers->setChecked(true);
 }
 
-void MainActions::describe() {
+void MainActions::describe() const {
     newProject->setToolTip(tr("Make a project file for a case"));
     openProject->setToolTip(tr("Open a project file"));
     import->setToolTip(tr("Read the browser artefacts of a folder into the project"));

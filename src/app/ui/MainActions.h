@@ -47,7 +47,7 @@ struct MainActions {
     void setProjectOpen(bool open);
 
   private:
-    void describe();
+    void describe() const;
 };
 
 } // namespace nv

@@ -148,7 +148,7 @@ void ReportPart::publishTo(const fs::path &target, int type) {
         m_bench.examiner().tell(messages::reportPublished());
 }
 
-void ReportPart::openFolder() {
+void ReportPart::openFolder() const {
     const ReportFolder report(m_bench.program.thisClass.TempFolderPath);
     QDesktopServices::openUrl(QUrl::fromLocalFile(pathToQt(report.path)));
 }

@@ -23,7 +23,7 @@ class ReportPart final : public QObject {
     void withdrawReport();
     void PublishReport();
     void publishTo(const std::filesystem::path &target, int type);
-    void openFolder();
+    void openFolder() const;
 
     Workbench &m_bench;
 };
