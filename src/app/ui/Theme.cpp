@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QPalette>
 #include <QProxyStyle>
+#include <QStyleOptionViewItem>
 
 namespace nv {
 
@@ -79,7 +80,9 @@ QRadioButton::indicator:checked {
 QRadioButton::indicator:disabled { border-color: #444c57; }
 )";
 
-/// Without the toolkit's own pictures on buttons, which match none of ours.
+/// Without the toolkit's own pictures on buttons, which match none of ours, and with values of
+/// evidence from left to right in every window: otherwise "-1" would read "1-" in one that runs the
+/// other way, and a date would stand behind its time.
 class PlainStyle final : public QProxyStyle {
   public:
     PlainStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
@@ -89,6 +92,19 @@ class PlainStyle final : public QProxyStyle {
                    ? 0
                    : QProxyStyle::styleHint(hint, option, widget, returned);
     }
+    void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                     const QWidget *widget) const override {
+        const auto *cell = qstyleoption_cast<const QStyleOptionViewItem *>(option);
+        if (element != CE_ItemViewItem || !cell || cell->direction == Qt::LeftToRight)
+            return QProxyStyle::drawControl(element, option, painter, widget);
+        QStyleOptionViewItem isolated(*cell);
+        isolated.text = kLeftToRight + cell->text + kEndOfIsolate;
+        QProxyStyle::drawControl(element, &isolated, painter, widget);
+    }
+
+  private:
+    static constexpr QChar kLeftToRight{0x2066};
+    static constexpr QChar kEndOfIsolate{0x2069};
 };
 
 bool systemIsDark() {
