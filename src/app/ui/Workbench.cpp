@@ -2,7 +2,7 @@
 
 namespace nv {
 
-void Workbench::refreshRows() {
+void Workbench::refreshRows() const {
     table->refreshRows();
     viewers->refresh();
 }

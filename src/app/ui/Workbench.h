@@ -42,7 +42,7 @@ class Workbench final : public QObject {
     /// A text in the status bar until the examiner goes to another row.
     void showNotice(const QString &text) { emit noticed(text); }
     /// The rows of the table have changed in the project; the list of them stays.
-    void refreshRows();
+    void refreshRows() const;
     /// Runs the active query anew.
     void reload() { emit reloadWanted(); }
 
