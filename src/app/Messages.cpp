@@ -1,27 +1,11 @@
 #include "app/Messages.h"
 
+#include "base/MessageKinds.h"
 #include "maintenance/SourceCheck.h"
 
 #include <fmt/format.h>
 
 namespace nv::messages {
-
-namespace {
-
-Message notice(std::string id, std::string title, std::string text, Tone tone = Tone::Warning) {
-    return {std::move(id), std::move(title), std::move(text), Choices::Ok, tone, Answer::Ok};
-}
-
-Message failure(std::string id, std::string title, std::string_view reason) {
-    return notice(std::move(id), std::move(title), std::string(reason), Tone::Error);
-}
-
-Message question(std::string id, std::string title, std::string text, Answer unattended) {
-    return {std::move(id),  std::move(title),  std::move(text),
-            Choices::YesNo, Tone::Information, unattended};
-}
-
-} // namespace
 
 Message commandLineFileMissing() {
     return notice("command-line-file-missing", "Invalid Command Line Argument",

@@ -1,20 +1,22 @@
 #include "app/ReportMessages.h"
 
+#include "base/MessageKinds.h"
+
 #include <string>
 
 namespace nv::messages {
 
 Message reportTypeMissing() {
-    return {"report-type-missing", "Option Missing", "The report TYPE has not been selected."};
+    return notice("report-type-missing", "Option Missing",
+                  "The report TYPE has not been selected.");
 }
 
 Message reportingError(std::string_view reason) {
-    return {"reporting-error", "Reporting Error", std::string(reason), Choices::Ok, Tone::Error};
+    return failure("reporting-error", "Reporting Error", reason);
 }
 
 Message reportNotLoaded(std::string_view reason) {
-    return {"report-not-loaded", "Error Loading Report", std::string(reason), Choices::Ok,
-            Tone::Error};
+    return failure("report-not-loaded", "Error Loading Report", reason);
 }
 
 Message nothingToPublish() {
@@ -37,8 +39,8 @@ Message readyToPublish() {
 }
 
 Message reportPublished() {
-    return {"report-published", "", "Your report has been Successfully published.", Choices::Ok,
-            Tone::Information};
+    return notice("report-published", "", "Your report has been Successfully published.",
+                  Tone::Information);
 }
 
 } // namespace nv::messages

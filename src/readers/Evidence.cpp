@@ -92,4 +92,13 @@ std::optional<fs::path> Evidence::find(const fs::path &folder, std::string_view 
     return isFile ? std::optional(found) : std::nullopt;
 }
 
+bool liesInEvidence(const fs::path &path, const fs::path &base) {
+    std::error_code unreadable;
+    const fs::path folder = fs::weakly_canonical(base, unreadable);
+    if (folder.empty() || folder == "/")
+        return false;
+    const fs::path whole = fs::weakly_canonical(path, unreadable);
+    return whole == folder || Evidence(folder).rootOf(whole) != "/";
+}
+
 } // namespace nv

@@ -35,4 +35,8 @@ class Evidence {
     std::unique_ptr<Listings> m_listings;
 };
 
+/// Whether `path`, which need not exist, is the evidence folder `base` or lies below it, links of
+/// both followed. An empty base and "/" are no evidence folder.
+bool liesInEvidence(const std::filesystem::path &path, const std::filesystem::path &base);
+
 } // namespace nv

@@ -58,8 +58,7 @@ std::optional<std::string> refusalOf(const fs::path &target, const Untouchable &
             return because("belongs to the project: nothing is written over it");
     if (equalsNoCase(whole.extension().native(), ".nvp"))
         return because("has the name of a project: nothing is written over it");
-    const fs::path base = fs::weakly_canonical(untouchable.RootPath, none);
-    if (!base.empty() && base != "/" && Evidence(base).rootOf(whole) != "/")
+    if (liesInEvidence(whole, untouchable.RootPath))
         return because("lies in the evidence folder: nothing is written there");
     return std::nullopt;
 }

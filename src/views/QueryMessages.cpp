@@ -1,5 +1,7 @@
 #include "views/QueryMessages.h"
 
+#include "base/MessageKinds.h"
+
 #include <string>
 #include <utility>
 
@@ -7,18 +9,9 @@ namespace nv::messages {
 
 namespace {
 
-Message notice(std::string id, std::string title, std::string text, Tone tone = Tone::Warning) {
-    return {std::move(id), std::move(title), std::move(text), Choices::Ok, tone, Answer::Ok};
-}
-
-Message failure(std::string id, std::string title, std::string_view reason) {
-    return notice(std::move(id), std::move(title), std::string(reason), Tone::Error);
-}
-
 /// Nobody there means No: nothing that is kept is replaced or deleted unasked.
-Message question(std::string id, std::string title, std::string text) {
-    return {std::move(id),  std::move(title), std::move(text),
-            Choices::YesNo, Tone::Warning,    Answer::No};
+Message warningQuestion(std::string id, std::string title, std::string text) {
+    return question(std::move(id), std::move(title), std::move(text), Answer::No, Tone::Warning);
 }
 
 } // namespace
@@ -67,9 +60,9 @@ Message reservedQuery() {
 }
 
 Message queryExists() {
-    return question("query-exists", "Query Exists",
-                    "A query with the specified name already exists.\n"
-                    "Overwrite existing query?");
+    return warningQuestion("query-exists", "Query Exists",
+                           "A query with the specified name already exists.\n"
+                           "Overwrite existing query?");
 }
 
 Message savingQueryFailed(std::string_view reason) {
@@ -84,10 +77,10 @@ Message reservedQueryNotDeleted() {
 }
 
 Message deleteStoredQuery() {
-    return question("delete-stored-query", "Delete Stored Query",
-                    "You are about to permanently delete the \n"
-                    "selected stored query from the database.\n"
-                    "Do you still want to delete the query?");
+    return warningQuestion("delete-stored-query", "Delete Stored Query",
+                           "You are about to permanently delete the \n"
+                           "selected stored query from the database.\n"
+                           "Do you still want to delete the query?");
 }
 
 Message favorites() {

@@ -84,6 +84,7 @@ TEST_F(RebuildCliTest, ticksAreSetAndTakenAway) {
     EXPECT_NE(cli({"query", project, "SELECT Count(*) FROM URLs WHERE Tagged"}).out.find("1"),
               std::string::npos);
     EXPECT_EQ(cli({"tag", project, "99"}).exit, 1);
+    EXPECT_EQ(cli({"tag", project, "4294967297"}).exit, 1); // 2^32 + 1 is not row 1
     EXPECT_EQ(cli({"tag", project}).exit, 1);
     EXPECT_EQ(cli({"tag", project, "--where", "1); DELETE FROM URLs; --"}).exit, 1);
     EXPECT_NE(cli({"query", project, "SELECT Count(*) FROM URLs"}).out.find("2"),

@@ -9,9 +9,7 @@
 namespace nv::cli {
 
 void refuseEvidence(const std::filesystem::path &path, const std::filesystem::path &base) {
-    const Evidence evidence(base);
-    const auto whole = std::filesystem::weakly_canonical(path);
-    if (whole == base || evidence.rootOf(whole) != "/")
+    if (liesInEvidence(path, base))
         throw UsageError(fmt::format("\"{}\" lies in the evidence folder {}: nothing is written "
                                      "there",
                                      textOf(path), textOf(base)));

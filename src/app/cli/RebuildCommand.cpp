@@ -3,6 +3,7 @@
 #include "app/RebuildText.h"
 #include "app/cli/Commands.h"
 #include "app/cli/OutputPath.h"
+#include "app/cli/RowCheck.h"
 #include "base/Files.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
@@ -32,14 +33,7 @@ std::vector<std::int64_t> chosenIds(Program &program, const RebuildArguments &ar
         return allPages(program);
     if (arguments.tagged)
         return taggedIds(program);
-    SQLite::Statement row(program.thisClass.ProjectDB.connection(),
-                          "SELECT 1 FROM URLs WHERE URL_ID = ?");
-    for (const std::int64_t id : arguments.ids) {
-        row.reset();
-        row.bind(1, id);
-        if (!row.executeStep())
-            throw UsageError(fmt::format("the project has no row {}", id));
-    }
+    checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
     return arguments.ids;
 }
 

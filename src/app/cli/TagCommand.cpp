@@ -1,5 +1,6 @@
 #include "app/Project.h"
 #include "app/cli/Commands.h"
+#include "app/cli/RowCheck.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/Dialect.h"
@@ -32,16 +33,6 @@ std::vector<std::int32_t> idsWhere(const std::string &project, const std::string
     return ids;
 }
 
-void checkThere(SQLite::Database &project, const std::vector<std::int32_t> &ids) {
-    SQLite::Statement row(project, "SELECT 1 FROM URLs WHERE URL_ID = ?");
-    for (const std::int32_t id : ids) {
-        row.reset();
-        row.bind(1, id);
-        if (!row.executeStep())
-            throw UsageError(fmt::format("the project has no row {}", id));
-    }
-}
-
 } // namespace
 
 Exit tagCommand(Session &session, const TagArguments &arguments) {
@@ -49,13 +40,13 @@ Exit tagCommand(Session &session, const TagArguments &arguments) {
         throw UsageError("either URL_IDs or --where were expected");
     session.open(arguments.project);
     Program &program = session.program;
+    SQLite::Database &project = program.thisClass.ProjectDB.connection();
+    checkRows(project, arguments.ids);
     std::vector<std::int32_t> ids;
     for (const std::int64_t id : arguments.ids)
         ids.push_back(static_cast<std::int32_t>(id));
-    SQLite::Database &project = program.thisClass.ProjectDB.connection();
     if (!arguments.where.empty())
         ids = idsWhere(arguments.project, arguments.where, program.log);
-    checkThere(project, ids);
     const bool done = setTagged(project, program.log, ids, !arguments.off, session.task);
     session.task.clear();
     session.out << fmt::format("{} rows {}\n", done ? ids.size() : 0,

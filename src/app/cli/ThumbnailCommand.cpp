@@ -1,6 +1,7 @@
 #include "app/Project.h"
 #include "app/ThumbnailJob.h"
 #include "app/cli/Commands.h"
+#include "app/cli/RowCheck.h"
 #include "base/Files.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -10,21 +11,10 @@ namespace nv::cli {
 
 namespace {
 
-void checkThere(Program &program, const std::vector<std::int64_t> &ids) {
-    SQLite::Statement row(program.thisClass.ProjectDB.connection(),
-                          "SELECT 1 FROM URLs WHERE URL_ID = ?");
-    for (const std::int64_t id : ids) {
-        row.reset();
-        row.bind(1, id);
-        if (!row.executeStep())
-            throw UsageError(fmt::format("the project has no row {}", id));
-    }
-}
-
 std::vector<std::int64_t> chosenIds(Program &program, const ThumbnailArguments &arguments) {
     if (arguments.all)
         return drawableIds(program, arguments.redo ? Redo::yes : Redo::no);
-    checkThere(program, arguments.ids);
+    checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
     return arguments.redo ? arguments.ids : withoutThumbnail(program, arguments.ids);
 }
 

@@ -30,8 +30,7 @@ constexpr std::string_view kChooseFolder =
 
 /// Nothing is ever written beside evidence.
 void refuseEvidence(const fs::path &target, const fs::path &base) {
-    const fs::path whole = fs::weakly_canonical(target);
-    if (whole == base || Evidence(base).rootOf(whole) != "/")
+    if (liesInEvidence(target, base))
         throw StorageFailure(
             fmt::format("\"{}\" lies in the evidence folder {}: nothing is written "
                         "there",

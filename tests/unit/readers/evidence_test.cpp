@@ -45,5 +45,22 @@ TEST(Evidence, isNotLedOutOfTheFolder) {
     EXPECT_EQ(evidence.find(folder.path(), ""), std::nullopt);
 }
 
+TEST(Evidence, knowsWhatLiesInItThroughLinks) {
+    const test::TempFolder folder;
+    folder.write("evidence/a.txt", "x");
+    folder.write("evidence2/b.txt", "x");
+    const auto evidence = folder.path() / "evidence";
+    const auto link = folder.path() / "link";
+    std::filesystem::create_directory_symlink(evidence, link);
+    EXPECT_TRUE(liesInEvidence(evidence, evidence));
+    EXPECT_TRUE(liesInEvidence(evidence / "new" / "case.nvp", evidence));
+    EXPECT_TRUE(liesInEvidence(link / "case.nvp", evidence));
+    EXPECT_TRUE(liesInEvidence(evidence / "case.nvp", link));
+    EXPECT_FALSE(liesInEvidence(folder.path() / "evidence2" / "b.txt", evidence));
+    EXPECT_FALSE(liesInEvidence(folder.path(), evidence));
+    EXPECT_FALSE(liesInEvidence(evidence, ""));
+    EXPECT_FALSE(liesInEvidence(evidence, "/"));
+}
+
 } // namespace
 } // namespace nv
