@@ -16,6 +16,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <fmt/format.h>
 
 #include <array>
 #include <utility>
@@ -159,7 +160,7 @@ void ExportForm::followFormat() {
     std::filesystem::path path = pathFromQt(m_file->text());
     for (const ExportFormat known :
          {ExportFormat::delimited, ExportFormat::csv, ExportFormat::jsonl, ExportFormat::xlsx})
-        if (path.extension() == "." + std::string(extensionOf(known))) {
+        if (path.extension() == fmt::format(".{}", extensionOf(known))) {
             path.replace_extension(extensionOf(format()));
             m_file->setText(pathToQt(path));
             return;
