@@ -1,11 +1,7 @@
-#include "base/Files.h"
-#include "cli/CliRun.h"
-#include "support/TempFolder.h"
-#include "support/builders/IndexDat.h"
+#include "cli/CliCase.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <csignal>
@@ -17,7 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-class ExportCliTest : public testing::Test {
+class ExportCliTest : public CliCase {
   protected:
     ExportCliTest() {
         IndexDat index;
@@ -29,9 +25,6 @@ class ExportCliTest : public testing::Test {
         const CliResult run = cli({"import", project, (folder.path() / "evidence").string()});
         EXPECT_EQ(run.exit, 0) << run.err;
     }
-    CliResult cli(std::vector<std::string> arguments) {
-        return runCli(arguments, folder.path() / "home");
-    }
     CliResult exported(std::vector<std::string> more) {
         std::vector<std::string> words{"export", project, out.string()};
         words.insert(words.end(), more.begin(), more.end());
@@ -42,9 +35,7 @@ class ExportCliTest : public testing::Test {
         SQLite::Database(project, SQLite::OPEN_READWRITE).exec(sql);
     }
 
-    TempFolder folder;
     fs::path out = folder.path() / "rows.out";
-    std::string project = (folder.path() / "case.nvp").string();
 };
 
 TEST_F(ExportCliTest, rowsAreExportedInTheChosenForm) {

@@ -1,11 +1,7 @@
-#include "base/Files.h"
-#include "cli/CliRun.h"
-#include "support/TempFolder.h"
-#include "support/builders/IndexDat.h"
+#include "cli/CliCase.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 namespace nv::test {
@@ -16,7 +12,7 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 /// A project of one cached picture, one cached page and a page of the history.
-class FiltersCliTest : public testing::Test {
+class FiltersCliTest : public CliCase {
   protected:
     FiltersCliTest() {
         IndexDat index;
@@ -26,18 +22,11 @@ class FiltersCliTest : public testing::Test {
         index.add(
             {.url = "http://a.example/q.htm", .fileSize = 6, .folder = 0, .fileName = "q.htm"});
         index.add({.url = "http://a.example/blog", .fileSize = 6, .folder = 0, .fileName = "b"});
-        const fs::path evidence = folder.path() / "evidence";
-        fs::create_directories(evidence);
-        writeWhole(evidence / "index.dat", index.bytes());
-        const CliResult run = cli({"import", project, evidence.string(), "--kinds", "ie-cache"});
-        EXPECT_EQ(run.exit, 0) << run.err;
+        import(index);
         SQLite::Database rows(project, SQLite::OPEN_READWRITE);
         rows.exec("UPDATE URLs SET IsHistory = 1, CacheType = 'IE HISTORY', Visits = 9 "
                   "WHERE URL = 'http://a.example/blog'");
         rows.exec("UPDATE URLs SET Visits = 30 WHERE URL LIKE '%gif'");
-    }
-    CliResult cli(const std::vector<std::string> &arguments) {
-        return runCli(arguments, folder.path() / "home");
     }
     /// The URLs that `list --filter WORDS` gives, each on a line.
     std::string listed(const std::vector<std::string> &words) {
@@ -49,8 +38,6 @@ class FiltersCliTest : public testing::Test {
         said = run.err;
         return run.out;
     }
-    TempFolder folder;
-    std::string project = (folder.path() / "case.nvp").string();
     std::string said;
 };
 

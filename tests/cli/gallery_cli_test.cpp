@@ -1,12 +1,8 @@
-#include "base/Files.h"
 #include "base/Text.h"
-#include "cli/CliRun.h"
-#include "support/TempFolder.h"
-#include "support/builders/IndexDat.h"
+#include "cli/CliCase.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace nv::test {
 namespace {
@@ -16,17 +12,15 @@ using testing::HasSubstr;
 using testing::Not;
 
 /// An imported cache of six pictures, whose thumbnails are put into their rows by hand.
-class GalleryCliTest : public testing::Test {
+class GalleryCliTest : public CliCase {
   protected:
     GalleryCliTest() {
         IndexDat index;
         index.folder("ABCDEFGH");
         for (int i = 1; i <= 6; ++i)
-            add(index, "http://host" + std::to_string(i) + ".example/<b>&p.gif",
-                "p" + std::to_string(i) + ".gif");
-        writeWhole(evidence / "index.dat", index.bytes());
-        const CliResult run = cli({"import", project, evidence.string(), "--kinds", "ie-cache"});
-        EXPECT_EQ(run.exit, 0) << run.err;
+            addCached(index, "http://host" + std::to_string(i) + ".example/<b>&p.gif",
+                      "p" + std::to_string(i) + ".gif", "GIF89a");
+        import(index);
         SQLite::Database rows(project, SQLite::OPEN_READWRITE);
         rows.exec("UPDATE URLs SET IsPicture = 1, ThumbnailMD5Hash = 'x', ThumbnailBLOB = "
                   "CAST('GIF89a' || URL_ID AS BLOB), PictureWidth = 100 * URL_ID, "
@@ -35,15 +29,6 @@ class GalleryCliTest : public testing::Test {
         rows.exec("UPDATE URLs SET PictureWidth = 468, PictureHeight = 60, PARDValue = 88, "
                   "Tagged = 1 WHERE URL_ID = 2");
     }
-
-    void add(IndexDat &index, const std::string &url, const std::string &name) {
-        fs::create_directories(evidence / "ABCDEFGH");
-        writeWhole(evidence / "ABCDEFGH" / name, "GIF89a");
-        index.add({.url = url, .fileSize = 6, .folder = 0, .fileName = name});
-    }
-    CliResult cli(std::vector<std::string> arguments) {
-        return runCli(arguments, folder.path() / "home");
-    }
     CliResult gallery(std::vector<std::string> more) {
         std::vector<std::string> words{"gallery", project, "--out", out.string(), "--overwrite"};
         words.insert(words.end(), more.begin(), more.end());
@@ -51,10 +36,7 @@ class GalleryCliTest : public testing::Test {
     }
     std::string sheet() { return std::string(ByteView(readWhole(out)).raw()); }
 
-    TempFolder folder;
-    fs::path evidence = folder.path() / "evidence";
     fs::path out = folder.path() / "sheet.html";
-    std::string project = (folder.path() / "case.nvp").string();
 };
 
 TEST_F(GalleryCliTest, aSheetHoldsPicturesCaptionsAndShapes) {

@@ -1,13 +1,9 @@
-#include "base/Files.h"
 #include "base/Text.h"
-#include "cli/CliRun.h"
-#include "support/TempFolder.h"
-#include "support/builders/IndexDat.h"
+#include "cli/CliCase.h"
 #include "support/builders/WebSite.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace nv::test {
 namespace {
@@ -19,30 +15,22 @@ using testing::StartsWith;
 constexpr const char *kPage = "http://host/page.html";
 
 /// A cached page (row 1), a picture (row 2), and a visit to that page (row 3), imported.
-class LinksCliTest : public testing::Test {
+class LinksCliTest : public CliCase {
   protected:
     LinksCliTest() {
         IndexDat cache;
         cache.folder("ABCDEFGH");
-        add(cache, kPage, "page[1].htm",
+        addCached(
+            cache, kPage, "page[1].htm",
             "<html><title>Inbox</title><body>Hello <a href='http://host/pic/logo.gif'>logo</a>"
-            "<a href='b.html'>b</a></body></html> ");
-        add(cache, "http://host/pic/logo.gif", "logo[1].gif", "GIF89a");
+            "<a href='b.html'>b</a></body></html> ",
+            evidence / "a");
+        addCached(cache, "http://host/pic/logo.gif", "logo[1].gif", "GIF89a", evidence / "a");
         writeWhole(evidence / "a" / "index.dat", cache.bytes());
         IndexDat history;
         history.add({.url = std::string("Visited: mara@") + kPage});
         fs::create_directories(evidence / "b");
         writeWhole(evidence / "b" / "index.dat", history.bytes());
-    }
-
-    void add(IndexDat &index, const std::string &url, const std::string &name,
-             const std::string &content) {
-        fs::create_directories(evidence / "a" / "ABCDEFGH");
-        writeWhole(evidence / "a" / "ABCDEFGH" / name, content);
-        index.add({.url = url,
-                   .fileSize = static_cast<std::uint32_t>(content.size()),
-                   .folder = 0,
-                   .fileName = name});
     }
     void import(std::vector<std::string> more = {}) {
         std::vector<std::string> words = {"import", project, evidence.string(), "--kinds",
@@ -52,17 +40,10 @@ class LinksCliTest : public testing::Test {
         const CliResult run = cli(words);
         ASSERT_EQ(run.exit, 0) << run.err;
     }
-    CliResult cli(const std::vector<std::string> &arguments) {
-        return runCli(arguments, folder.path() / "home");
-    }
     std::string value(const std::string &query) {
         SQLite::Database database(project);
         return database.execAndGet(query).getString();
     }
-
-    TempFolder folder;
-    fs::path evidence = folder.path() / "evidence";
-    std::string project = (folder.path() / "case.nvp").string();
 };
 
 TEST_F(LinksCliTest, thePagesThatLeadToARecordAreFoundAndListed) {

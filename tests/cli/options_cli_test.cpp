@@ -1,22 +1,13 @@
-#include "cli/CliRun.h"
-#include "support/TempFolder.h"
-#include "support/builders/IndexDat.h"
+#include "cli/CliCase.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace nv::test {
 namespace {
 
 using testing::HasSubstr;
 
-class OptionsCliTest : public testing::Test {
-  protected:
-    CliResult cli(std::vector<std::string> arguments) {
-        return runCli(arguments, folder.path() / "home");
-    }
-    TempFolder folder;
-};
+using OptionsCliTest = CliCase;
 
 TEST_F(OptionsCliTest, settingsAreListedWithTheirDefaults) {
     const CliResult all = cli({"options", "get", "--format", "tsv"});
@@ -48,7 +39,6 @@ TEST_F(OptionsCliTest, anUnknownOrDoubleKeyIsRefusedWithNames) {
 TEST_F(OptionsCliTest, aProjectsOwnValuesAreChangedAndNoted) {
     IndexDat index;
     index.add({.url = "Visited: mara@http://a.example/"});
-    const std::string project = (folder.path() / "case.nvp").string();
     folder.write("evidence/index.dat", index.bytes());
     ASSERT_EQ(cli({"import", project, (folder.path() / "evidence").string()}).exit, 0);
     EXPECT_EQ(cli({"options", "set", "LastTimeZoneID", "20", "--project", project}).exit, 0);

@@ -1,10 +1,6 @@
-#include "base/Files.h"
-#include "cli/CliRun.h"
-#include "support/TempFolder.h"
-#include "support/builders/IndexDat.h"
+#include "cli/CliCase.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace nv::test {
 namespace {
@@ -13,7 +9,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 /// A project of one imported row, and the commands that change its stored queries.
-class QueriesCliTest : public testing::Test {
+class QueriesCliTest : public CliCase {
   protected:
     QueriesCliTest() {
         IndexDat index;
@@ -21,15 +17,9 @@ class QueriesCliTest : public testing::Test {
         writeWhole(folder.path() / "index.dat", index.bytes());
         EXPECT_EQ(cli({"import", project, (folder.path() / "index.dat").string()}).exit, 0);
     }
-    CliResult cli(const std::vector<std::string> &arguments) {
-        return runCli(arguments, folder.path() / "home");
-    }
     CliResult save(const std::string &name, const std::string &sql) {
         return cli({"queries", "save", project, name, sql});
     }
-
-    TempFolder folder;
-    std::string project = (folder.path() / "case.nvp").string();
 };
 
 TEST_F(QueriesCliTest, aQueryIsSavedShownRunAndDeleted) {

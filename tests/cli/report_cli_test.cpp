@@ -1,9 +1,4 @@
-#include "base/Files.h"
-#include "cli/CliRun.h"
-#include "support/TempFolder.h"
-#include "support/builders/IndexDat.h"
-
-#include <gtest/gtest.h>
+#include "cli/CliCase.h"
 
 namespace nv::test {
 namespace {
@@ -11,44 +6,23 @@ namespace {
 namespace fs = std::filesystem;
 
 /// A cache of a page (row 1) and its picture (row 2), imported.
-class ReportCliTest : public testing::Test {
+class ReportCliTest : public CliCase {
   protected:
     ReportCliTest() {
         IndexDat index;
         index.folder("ABCDEFGH");
-        add(index, "http://host/page.html", "page[1].htm",
-            "<html><title>Inbox</title><img src=\"pic/logo.gif\" ></html> ");
-        add(index, "http://host/pic/logo.gif", "logo[1].gif", "GIF89a");
-        writeWhole(evidence / "index.dat", index.bytes());
-        const CliResult run = cli({"import", project, evidence.string(), "--kinds", "ie-cache"});
-        EXPECT_EQ(run.exit, 0) << run.err;
-    }
-
-    void add(IndexDat &index, const std::string &url, const std::string &name,
-             const std::string &content) {
-        fs::create_directories(evidence / "ABCDEFGH");
-        writeWhole(evidence / "ABCDEFGH" / name, content);
-        index.add({.url = url,
-                   .fileSize = static_cast<std::uint32_t>(content.size()),
-                   .folder = 0,
-                   .fileName = name});
-    }
-    CliResult cli(std::vector<std::string> arguments) {
-        return runCli(arguments, folder.path() / "home");
+        addCached(index, "http://host/page.html", "page[1].htm",
+                  "<html><title>Inbox</title><img src=\"pic/logo.gif\" ></html> ");
+        addCached(index, "http://host/pic/logo.gif", "logo[1].gif", "GIF89a");
+        import(index);
     }
     CliResult report(const std::string &type, std::vector<std::string> more = {}) {
         std::vector<std::string> all{"report", project, "--type", type, "--out", out.string()};
         all.insert(all.end(), more.begin(), more.end());
         return cli(all);
     }
-    std::string text(const fs::path &file) {
-        return fs::exists(file) ? std::string(ByteView(readWhole(file)).raw()) : "";
-    }
 
-    TempFolder folder;
-    fs::path evidence = folder.path() / "evidence";
     fs::path out = folder.path() / "out";
-    std::string project = (folder.path() / "case.nvp").string();
 };
 
 TEST_F(ReportCliTest, aGraphicalReportIsHandedOver) {

@@ -1,10 +1,5 @@
-#include "base/Files.h"
-#include "cli/CliRun.h"
-#include "support/TempFolder.h"
+#include "cli/CliCase.h"
 #include "support/builders/ExifJpeg.h"
-#include "support/builders/IndexDat.h"
-
-#include <gtest/gtest.h>
 
 namespace nv::test {
 namespace {
@@ -12,39 +7,19 @@ namespace {
 namespace fs = std::filesystem;
 
 /// A cache of a page (row 1), a photograph (row 2) and a page whose file is gone (row 3).
-class ViewerCliTest : public testing::Test {
+class ViewerCliTest : public CliCase {
   protected:
     ViewerCliTest() {
         IndexDat index;
         index.folder("ABCDEFGH");
-        add(index, "http://host/page.html", "page[1].htm",
-            "<html><meta charset=utf-8>caf\xC3\xA9 \x1B[2J</html>");
-        add(index, "http://host/photo.jpg", "photo[1].jpg",
-            ExifJpeg().ascii(0x010F, "Acme").ascii(0x0110, "C-100").bytes());
-        add(index, "http://host/gone.html", "gone[1].htm", "x");
+        addCached(index, "http://host/page.html", "page[1].htm",
+                  "<html><meta charset=utf-8>caf\xC3\xA9 \x1B[2J</html>");
+        addCached(index, "http://host/photo.jpg", "photo[1].jpg",
+                  ExifJpeg().ascii(0x010F, "Acme").ascii(0x0110, "C-100").bytes());
+        addCached(index, "http://host/gone.html", "gone[1].htm", "x");
         fs::remove(evidence / "ABCDEFGH" / "gone[1].htm");
-        writeWhole(evidence / "index.dat", index.bytes());
-        const CliResult run = cli({"import", project, evidence.string(), "--kinds", "ie-cache"});
-        EXPECT_EQ(run.exit, 0) << run.err;
+        import(index);
     }
-
-    void add(IndexDat &index, const std::string &url, const std::string &name,
-             const std::string &content) {
-        fs::create_directories(evidence / "ABCDEFGH");
-        writeWhole(evidence / "ABCDEFGH" / name, content);
-        index.add({.url = url,
-                   .secondDate = fileTime(2011, 3, 1, 12),
-                   .fileSize = static_cast<std::uint32_t>(content.size()),
-                   .folder = 0,
-                   .fileName = name});
-    }
-    CliResult cli(std::vector<std::string> arguments) {
-        return runCli(arguments, folder.path() / "home");
-    }
-
-    TempFolder folder;
-    fs::path evidence = folder.path() / "evidence";
-    std::string project = (folder.path() / "case.nvp").string();
 };
 
 TEST_F(ViewerCliTest, aNoteIsWrittenPrintedAndTakenAway) {

@@ -1,28 +1,11 @@
 #pragma once
 
-#include "readers/ContentProbe.h"
-#include "readers/Reader.h"
+#include "fuzz/Reading.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 namespace nv::fuzz {
-
-inline void require(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
-struct StillClock final : Clock {
-    TimePoint now() const override { return {}; }
-    std::chrono::minutes localOffset() const override { return std::chrono::minutes(60); }
-};
-
-struct CountingLog final : FailureLog {
-    void write(const Failure &) override { ++entries; }
-    std::uint64_t entries = 0;
-};
 
 /// Many entries may lead to one long record: a task like an examiner's gives up in the end.
 struct Patience final : TaskMonitor {

@@ -2,7 +2,7 @@
 // may be thrown, a record comes from a slot of the index, and a body is no longer than its file.
 
 #include "base/Files.h"
-#include "readers/ContentProbe.h"
+#include "fuzz/Reading.h"
 #include "readers/chrome/Cache.h"
 #include "readers/chrome/CacheBody.h"
 #include "support/TempFolder.h"
@@ -10,30 +10,20 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <map>
 
 namespace {
 
 namespace fs = std::filesystem;
-
-struct StillClock final : nv::Clock {
-    TimePoint now() const override { return {}; }
-    std::chrono::minutes localOffset() const override { return std::chrono::minutes(60); }
-};
-
-struct NoLog final : nv::FailureLog {
-    void write(const nv::Failure &) override {}
-};
+using nv::fuzz::require;
 
 struct CheckingSink final : nv::RecordSink {
     CheckingSink(const nv::Evidence &files, fs::path folder)
         : evidence(files), target(std::move(folder)) {}
     void save(nv::URLClass &record) override {
-        if (++count > kSlots || record.URL.size() > kLongestUrl)
-            std::abort();
-        if (nv::fetchChromeBody(record, evidence, target) && fs::file_size(target) > kLongestFile)
-            std::abort();
+        require(++count <= kSlots && record.URL.size() <= kLongestUrl);
+        require(!nv::fetchChromeBody(record, evidence, target) ||
+                fs::file_size(target) <= kLongestFile);
     }
 
     static constexpr std::size_t kSlots = 64;
@@ -87,16 +77,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         if (std::string &old = written[name]; old != bytes)
             nv::writeWhole(folder.path() / name, old = bytes);
     const nv::Evidence evidence(folder.path());
-    const StillClock clock;
-    NoLog log;
-    nv::HistoryFile file;
-    file.FullPath = folder.path() / "index";
-    nv::ContentProbe content;
-    nv::Unwatched task;
     CheckingSink sink(evidence, folder.path() / "~body");
-    nv::ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    const nv::ReadResult result = nv::ParseChromeCache(ctx);
-    if (result.state == nv::ReadState::cancelled)
-        std::abort();
+    nv::fuzz::Reading reading(folder.path() / "index", evidence, sink);
+    require(nv::ParseChromeCache(reading.context).state != nv::ReadState::cancelled);
     return 0;
 }

@@ -2,33 +2,18 @@
 // reading throws, every entry is stored or told, bodies come from the cache's folder only.
 //   input = damage*      damage = place:u16 (odd: block file) value:u32
 
-#include "readers/ContentProbe.h"
+#include "fuzz/Reading.h"
 #include "readers/firefox/CacheBody.h"
 #include "readers/firefox/CacheParse.h"
 #include "support/TempFolder.h"
 #include "support/builders/FirefoxCache.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
+using nv::fuzz::require;
 using nv::test::FirefoxCache;
-
-struct StillClock final : nv::Clock {
-    TimePoint now() const override { return {}; }
-    std::chrono::minutes localOffset() const override { return std::chrono::minutes(60); }
-};
-
-struct CountingLog final : nv::FailureLog {
-    void write(const nv::Failure &) override { ++entries; }
-    std::uint64_t entries = 0;
-};
-
-void require(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 /// Fetches the body of each record, as an import does.
 struct FetchingSink final : nv::RecordSink {
@@ -68,17 +53,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     static const nv::test::TempFolder folder;
     static const nv::test::TempFolder scratch;
     const nv::Evidence evidence(folder.path());
-    nv::HistoryFile file;
-    file.FullPath = damagedCache(data, size).writeTo(folder.path());
-    nv::ContentProbe content;
-    const StillClock clock;
+    const auto map = damagedCache(data, size).writeTo(folder.path());
     FetchingSink sink(evidence, scratch.path());
-    CountingLog log;
-    nv::Unwatched task;
-    nv::ReadContext ctx{file, evidence, content, clock, scratch.path(), sink, log, task};
-    const nv::ReadResult result = nv::ParseFirefoxCache(ctx);
-    require((result.state == nv::ReadState::complete) == result.reason.empty());
-    require(result.state == nv::ReadState::complete || log.entries > 0);
-    require(result.state != nv::ReadState::failed || sink.records == 0);
+    nv::fuzz::Reading reading(map, evidence, sink, scratch.path());
+    reading.requireNothingLost(nv::ParseFirefoxCache(reading.context), sink.records);
     return 0;
 }

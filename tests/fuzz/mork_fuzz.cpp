@@ -1,31 +1,20 @@
 // The input is read as a history.dat behind a sound beginning, and once as it is: nothing may be
 // thrown, and an entry's texts come from the file.
 
-#include "readers/ContentProbe.h"
+#include "fuzz/Reading.h"
 #include "readers/firefox/MorkHistory.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 namespace {
-
-struct StillClock final : nv::Clock {
-    TimePoint now() const override { return {}; }
-    std::chrono::minutes localOffset() const override { return std::chrono::minutes(60); }
-};
-
-struct NoLog final : nv::FailureLog {
-    void write(const nv::Failure &) override {}
-};
 
 struct CheckingSink final : nv::RecordSink {
     explicit CheckingSink(std::size_t bytes) : size(bytes) {}
     void save(nv::URLClass &record) override {
         const auto offset = static_cast<std::uint64_t>(record.MapFileOffset);
         // A byte of the file is three in memory at most.
-        if (offset > size || record.URL.size() > 3 * size || ++records > size)
-            std::abort();
+        nv::fuzz::require(offset <= size && record.URL.size() <= 3 * size && ++records <= size);
     }
     std::size_t size;
     std::size_t records = 0;
@@ -33,15 +22,9 @@ struct CheckingSink final : nv::RecordSink {
 
 void read(const std::string &bytes) {
     const nv::Evidence evidence("");
-    const StillClock clock;
-    NoLog log;
-    nv::Unwatched task;
-    nv::ContentProbe content;
-    nv::HistoryFile file;
-    file.FullPath = "/nowhere/history.dat";
     CheckingSink sink(bytes.size());
-    nv::ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    nv::readMorkHistory(ctx, nv::viewOf(bytes));
+    nv::fuzz::Reading reading("/nowhere/history.dat", evidence, sink);
+    nv::readMorkHistory(reading.context, nv::viewOf(bytes));
 }
 
 } // namespace

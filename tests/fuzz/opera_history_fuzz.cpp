@@ -1,32 +1,23 @@
 // The input is read as a text history and as a list of typed addresses: nothing may be thrown, and
 // every record lies in the file and has texts of it.
 
-#include "readers/ContentProbe.h"
+#include "fuzz/Reading.h"
 #include "readers/opera/History.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 namespace {
 
-struct StillClock final : nv::Clock {
-    TimePoint now() const override { return {}; }
-    std::chrono::minutes localOffset() const override { return std::chrono::minutes(60); }
-};
-
-struct NoLog final : nv::FailureLog {
-    void write(const nv::Failure &) override {}
-};
+using nv::fuzz::require;
 
 struct CheckingSink final : nv::RecordSink {
     explicit CheckingSink(std::size_t bytes) : size(bytes) {}
     void save(nv::URLClass &record) override {
         const auto offset = static_cast<std::uint64_t>(record.MapFileOffset);
         // XML may be in a code of its own, whose characters are up to four bytes in memory.
-        if (offset > 4 * size || record.URL.size() > 4 * size ||
-            record.WebpageTitle.size() > 4 * size || ++records > size)
-            std::abort();
+        require(offset <= 4 * size && record.URL.size() <= 4 * size);
+        require(record.WebpageTitle.size() <= 4 * size && ++records <= size);
     }
     std::size_t size;
     std::size_t records = 0;
@@ -34,15 +25,9 @@ struct CheckingSink final : nv::RecordSink {
 
 void read(const char *path, const std::string &bytes) {
     const nv::Evidence evidence("");
-    const StillClock clock;
-    NoLog log;
-    nv::Unwatched task;
-    nv::ContentProbe content;
-    nv::HistoryFile file;
-    file.FullPath = path;
     CheckingSink sink(bytes.size());
-    nv::ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    nv::readOperaHistory(ctx, nv::viewOf(bytes));
+    nv::fuzz::Reading reading(path, evidence, sink);
+    nv::readOperaHistory(reading.context, nv::viewOf(bytes));
 }
 
 } // namespace

@@ -3,57 +3,24 @@
 //   input = log:u8 database     with an odd first byte the second half is the database's log
 
 #include "base/Files.h"
-#include "readers/ContentProbe.h"
+#include "fuzz/Reading.h"
 #include "readers/chrome/History.h"
 #include "readers/firefox/Places.h"
 #include "support/TempFolder.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 namespace {
 
-struct StillClock final : nv::Clock {
-    TimePoint now() const override { return {}; }
-    std::chrono::minutes localOffset() const override { return {}; }
-};
-
-struct CountingSink final : nv::RecordSink {
-    void save(nv::URLClass &record) override {
-        ++records;
-        textBytes += record.URL.size() + record.WebpageTitle.size();
-    }
-    std::uint64_t records = 0;
-    std::uint64_t textBytes = 0;
-};
-
-struct CountingLog final : nv::FailureLog {
-    void write(const nv::Failure &) override { ++entries; }
-    std::uint64_t entries = 0;
-};
-
-void require(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
 void read(nv::ReadResult (*reader)(nv::ReadContext &), const nv::test::TempFolder &folder) {
     const nv::Evidence evidence(folder.path() / "evidence");
-    nv::HistoryFile file;
-    file.FullPath = folder.path() / "evidence" / "history";
-    nv::ContentProbe content;
-    const StillClock clock;
-    CountingSink sink;
-    CountingLog log;
-    nv::Unwatched task;
-    nv::ReadContext context{file, evidence, content, clock, folder.path() / "scratch",
-                            sink, log,      task};
-    const nv::ReadResult result = reader(context);
-    require(std::filesystem::is_empty(folder.path() / "scratch"));
-    require((result.state == nv::ReadState::complete) == result.reason.empty());
-    require(result.state == nv::ReadState::complete || log.entries > 0);
-    require(result.state != nv::ReadState::failed || sink.records == 0);
+    const auto scratch = folder.path() / "scratch";
+    nv::fuzz::CountingSink sink;
+    nv::fuzz::Reading reading(folder.path() / "evidence" / "history", evidence, sink, scratch);
+    const nv::ReadResult result = reader(reading.context);
+    nv::fuzz::require(std::filesystem::is_empty(scratch));
+    reading.requireNothingLost(result, sink.records);
 }
 
 } // namespace
