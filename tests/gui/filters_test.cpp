@@ -47,6 +47,7 @@ class FiltersTest : public QObject {
     void theFrontTabDecidesWhatReloads();
     void theHostFilterLastsUntilItIsTurnedOff();
     void theListGrowsWithAnImport();
+    void aListingThatWasStoppedSaysSo();
     void aLongHostDoesntWidenTheWindow();
 
   private:
@@ -345,6 +346,16 @@ void FiltersTest::theListGrowsWithAnImport() {
     state().ProjectDB.connection().exec("INSERT INTO URLs(Host) VALUES('zz.new.example')");
     tab().LoadURLs();
     QCOMPARE(hostGrid().model()->rowCount(), before + 1);
+}
+
+void FiltersTest::aListingThatWasStoppedSaysSo() {
+    trigger(*m_form, "actHosts");
+    QVERIFY(sign("labHostsUnfinished").isHidden());
+    hosts().setHosts({}, Walk::Cancelled);
+    QVERIFY(sign("labHostsUnfinished").isVisible());
+    trigger(*m_form, "actRefresh");
+    QVERIFY(sign("labHostsUnfinished").isHidden());
+    QVERIFY(hostGrid().model()->rowCount() > 0);
 }
 
 void FiltersTest::aLongHostDoesntWidenTheWindow() {

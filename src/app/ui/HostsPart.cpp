@@ -41,7 +41,7 @@ HostsPart::HostsPart(Workbench &bench)
     connect(m_gallery, &GalleryTab::hostEntered, this, &HostsPart::takeEntered);
     connect(bench.dataTabs, &QTabWidget::currentChanged, this, &HostsPart::reloadStaleTable);
     connect(&bench, &Workbench::projectClosing, this, [this] {
-        m_pane->setHosts({});
+        m_pane->setHosts({}, Walk::Finished);
         m_listedTo = kNotListed;
         m_sign->hide();
     });
@@ -83,10 +83,11 @@ void HostsPart::fill() {
     if (!m_bench.isProjectOpen())
         return;
     std::vector<HostRow> hosts;
+    Walk listing = Walk::Cancelled; // which a failure leaves as it is
     m_bench.runTask({"LISTING HOSTS", "", "", ""}, [&](TaskMonitor &task) {
-        listHosts(m_bench.project(), m_pane->sort(), task, hosts);
+        listing = listHosts(m_bench.project(), m_pane->sort(), task, hosts);
     });
-    m_pane->setHosts(std::move(hosts));
+    m_pane->setHosts(std::move(hosts), listing);
 }
 
 /// Another row of the list. Without the tick the filter goes off, and what is shown stays until

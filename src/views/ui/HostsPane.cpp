@@ -9,6 +9,7 @@
 #include <QAbstractScrollArea>
 #include <QActionGroup>
 #include <QBoxLayout>
+#include <QLabel>
 #include <QLocale>
 #include <QMenu>
 #include <QTableView>
@@ -106,7 +107,14 @@ HostsPane::HostsPane(QWidget *parent) : QWidget(parent) {
     order->setPopupMode(QToolButton::InstantPopup);
     order->setAutoRaise(true);
     order->setMenu(m_menu);
-    column->addWidget(order, 0, Qt::AlignRight);
+    m_unfinished = new QLabel(tr("Not listed. Refresh (F5) tries again."));
+    m_unfinished->setObjectName(QStringLiteral("labHostsUnfinished"));
+    m_unfinished->hide();
+    auto *top = new QHBoxLayout;
+    top->addWidget(m_unfinished, 1);
+    top->addStretch();
+    top->addWidget(order);
+    column->addLayout(top);
     column->addWidget(m_grid, 1);
 
     connect(m_header, &TickHeader::flipped, this, &HostsPane::takeFlip);
@@ -151,7 +159,8 @@ void HostsPane::takeFlip(bool ticked) {
         emit unticked();
 }
 
-void HostsPane::setHosts(std::vector<HostRow> hosts) {
+void HostsPane::setHosts(std::vector<HostRow> hosts, Walk listing) {
+    m_unfinished->setVisible(listing != Walk::Finished);
     m_filling = true;
     m_model.setHosts(std::move(hosts));
     m_filling = false;

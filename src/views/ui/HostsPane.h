@@ -7,6 +7,7 @@
 
 #include <vector>
 
+class QLabel;
 class QMenu;
 class QTableView;
 
@@ -38,8 +39,8 @@ class HostsPane final : public QWidget {
   public:
     explicit HostsPane(QWidget *parent = nullptr);
 
-    /// Fills the list without choosing a host.
-    void setHosts(std::vector<HostRow> hosts);
+    /// Fills the list without choosing a host. A listing that did not finish says so.
+    void setHosts(std::vector<HostRow> hosts, Walk listing);
     HostSort sort() const { return m_sort; }
     bool isTicked() const;
     /// Shows whether a host filter is on, wherever it was set.
@@ -60,6 +61,7 @@ class HostsPane final : public QWidget {
     QTableView *m_grid = nullptr;
     TickHeader *m_header = nullptr;
     QMenu *m_menu = nullptr;
+    QLabel *m_unfinished = nullptr;
     HostSort m_sort = HostSort::ByName;
     bool m_filling = false;
 };
