@@ -34,6 +34,8 @@ class OptionsTest : public QObject {
     void zonePropertiesStoreNothing();
     void enterMakesANewProject();
     void cancelLeavesTheOpenProject();
+    void everyControlSaysWhatItIs();
+    void aPlaceInTheEvidenceLeadsBackToItsField();
 
   private:
     void options(const std::function<void(OptionsForm &)> &act) {
@@ -274,6 +276,48 @@ void OptionsTest::cancelLeavesTheOpenProject() {
     m_desk->dialogs.answer.reset();
     trigger(*m_form, "actNew");
     QCOMPARE(m_desk->program.thisClass.ProjectDBPath, open);
+}
+
+/// By its own text, an accessible name or a label that leads to it; and with a tooltip.
+void OptionsTest::everyControlSaysWhatItIs() {
+    options([](OptionsForm &form) {
+        QList<QWidget *> labelled;
+        for (const QLabel *label : form.findChildren<QLabel *>())
+            labelled += label->buddy();
+        for (QWidget *control : form.findChildren<QWidget *>()) {
+            const auto *button = qobject_cast<QAbstractButton *>(control);
+            const bool ofOurs = button || qobject_cast<QLineEdit *>(control) ||
+                                qobject_cast<QComboBox *>(control) ||
+                                qobject_cast<QSpinBox *>(control) ||
+                                qobject_cast<QScrollBar *>(control);
+            if (!ofOurs || control->objectName().isEmpty() ||
+                control->objectName().startsWith(QStringLiteral("qt_")))
+                continue;
+            const QByteArray name = control->objectName().toUtf8();
+            const bool isNamed = (button && !button->text().isEmpty()) ||
+                                 !control->accessibleName().isEmpty() || labelled.contains(control);
+            QVERIFY2(isNamed, name);
+            const bool closes = name == "btnOkay" || name == "btnCancel";
+            QVERIFY2(closes || !control->toolTip().isEmpty(), name);
+        }
+        press(form, "btnCancel");
+    });
+}
+
+void OptionsTest::aPlaceInTheEvidenceLeadsBackToItsField() {
+    openExample(*m_desk, *m_form);
+    const fs::path base = m_desk->program.thisClass.RootPath;
+    options([this, base](OptionsForm &form) {
+        showTab(form, 8);
+        auto &publish = child<QLineEdit>(form, "txtPathPublish");
+        publish.setText(QString::fromStdString((base / "reports").string()));
+        press(form, "btnOkay");
+        QCOMPARE(m_desk->examiner.heard.back(), std::string("lies-in-evidence"));
+        QVERIFY(form.isVisible());
+        QCOMPARE(child<QTabWidget>(form, "optionsTabs").currentIndex(), 0);
+        QCOMPARE(form.focusWidget(), &publish);
+        press(form, "btnCancel");
+    });
 }
 
 } // namespace nv

@@ -30,6 +30,7 @@ class UpgradeExportTest : public QObject {
   private slots:
     void theWizardFindsAndFixesADifference();
     void aProjectThatFitsOffersNoFix();
+    void aScanThatFailsIsToldAndOffersNoFix();
     void theOpenProjectIsClosedForTheWizardAndOpenedBehindIt();
     void anExportWritesWhatTheDialogSays();
     void anEmptyPathStopsTheExport();
@@ -93,6 +94,23 @@ void UpgradeExportTest::aProjectThatFitsOffersNoFix() {
         QVERIFY(!child<QPushButton>(wizard, "FixBtn").isEnabled());
         QVERIFY(!asked(desk, "fix-file"));
         click(wizard, "btnCancel");
+    });
+    trigger(form, "actUpgradeWizard");
+}
+
+void UpgradeExportTest::aScanThatFailsIsToldAndOffersNoFix() {
+    Desk desk;
+    MainForm form(desk.program, desk.dialogs);
+    desk.dialogs.answer = desk.folder.write("cut.nvp", "SQLite format 3");
+    whenShown<UpgradeWizardForm>([&](UpgradeWizardForm &wizard) {
+        click(wizard, "ScanBtn");
+        QVERIFY(asked(desk, "scan-error"));
+        QCOMPARE(child<QLabel>(wizard, "labUpgradeStatus").text(),
+                 QStringLiteral("The scan failed."));
+        QCOMPARE(child<QPushButton>(wizard, "ScanBtn").text(), QStringLiteral("Scan"));
+        QVERIFY(!child<QPushButton>(wizard, "FixBtn").isEnabled());
+        QTest::keyClick(&wizard, Qt::Key_Escape);
+        QVERIFY(!wizard.isVisible());
     });
     trigger(form, "actUpgradeWizard");
 }

@@ -59,11 +59,14 @@ UpgradeWizardForm::UpgradeWizardForm(const UpgradeWhere &where, ProjectUpgrade &
     m_leftBehind = new QPlainTextEdit;
     m_leftBehind->setObjectName(QStringLiteral("txtLeftBehind"));
     m_leftBehind->setReadOnly(true);
+    m_leftBehind->setAccessibleName(tr("What a fix leaves behind, or what it has to tell"));
     m_leftBehind->setMaximumHeight(110);
     m_leftBehind->hide();
     m_status = new QLabel(tr("Press Scan to compare the project with this build."));
     m_status->setObjectName(QStringLiteral("labUpgradeStatus"));
     m_status->setTextFormat(Qt::PlainText);
+    m_status->setWordWrap(true);
+    m_status->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto *column = new QVBoxLayout(this);
     column->addWidget(project);
     column->addWidget(m_grid, 1);
@@ -82,6 +85,7 @@ void UpgradeWizardForm::buildGrid() {
     m_grid->setHorizontalHeaderLabels(headings);
     m_grid->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     m_grid->verticalHeader()->hide();
+    m_grid->setAccessibleName(tr("Differences from this build"));
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_grid->setAlternatingRowColors(true);
@@ -104,7 +108,9 @@ QWidget *UpgradeWizardForm::newButtons() {
     m_fix = add("FixBtn", [this] { FixBtn_Click(); });
     m_fix->setToolTip(tr("Move all data into a new file and keep the old one beside it"));
     row->addStretch();
-    add("btnCancel", [this] { reject(); })->setText(tr("Close"));
+    auto *close = add("btnCancel", [this] { reject(); });
+    close->setText(tr("&Close"));
+    close->setToolTip(tr("A scan or fix that runs is stopped; the project stays as it is"));
     return bar;
 }
 

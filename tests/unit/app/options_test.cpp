@@ -365,5 +365,97 @@ TEST_F(OptionsTest, theNamedConnectionIsSwitchedWithoutChangingTheSetting) {
     EXPECT_EQ(network.asked[1].second, ConnectionState::enabled);
 }
 
+TEST_F(OptionsTest, nothingThatIsWrittenMayLieInTheEvidence) {
+    openCase();
+    const fs::path evidence = folder.path() / "evidence";
+    fs::create_directories(evidence / "inner");
+    setRootPath(*program, evidence);
+    const std::pair<fs::path Options::*, OptionsField> places[] = {
+        {&Options::TempFolderPath, OptionsField::temp},
+        {&Options::TemplatesPath, OptionsField::templates},
+        {&Options::PublishTempFolder, OptionsField::publish}};
+    for (const auto &[member, field] : places) {
+        Options options = shown();
+        options.*member = evidence / "inner";
+        examiner.expect("lies-in-evidence");
+        const OptionsOutcome outcome = applyOptions(*program, options);
+        EXPECT_FALSE(outcome.applied);
+        EXPECT_EQ(outcome.focus, field);
+        EXPECT_EQ(examiner.heard.back().text, "\"" + (evidence / "inner").string() +
+                                                  "\" lies in the evidence folder " +
+                                                  evidence.string() + ": nothing is written there");
+    }
+    EXPECT_EQ(ini("FILE PATHS", "PublishFolder"), "(none)");
+    Options options = shown();
+    options.AgencyLogoPath = evidence / "logo.jpg"; // is only read
+    EXPECT_TRUE(apply(options));
+}
+
+TEST_F(OptionsTest, aTempFolderThatHoldsTheEvidenceIsRefused) {
+    openCase();
+    fs::create_directories(folder.path() / "scratch" / "evidence");
+    setRootPath(*program, folder.path() / "scratch" / "evidence");
+    Options options = shown();
+    options.TempFolderPath = folder.path() / "scratch";
+    examiner.expect("temp-folder-holds-evidence");
+    EXPECT_EQ(applyOptions(*program, options).focus, OptionsField::temp);
+}
+
+TEST_F(OptionsTest, foldersOfTheProgramAmongTheEvidenceBlockNothingThatIsntChanged) {
+    openCase();
+    setRootPath(*program, folder.path()); // a machine that is examined by itself
+    Options options = shown();
+    options.GalleryIncludeHTML = false;
+    EXPECT_TRUE(apply(options));
+    EXPECT_FALSE(state().GalleryIncludeHTML);
+}
+
+TEST_F(OptionsTest, aNewProjectNeverStandsAmongTheEvidence) {
+    openCase();
+    fs::create_directories(folder.path() / "evidence");
+    fs::create_directories(folder.path() / "open");
+    setRootPath(*program, folder.path() / "open");
+    Options options = readNewProjectOptions(*program, zones());
+    options.RootPath = folder.path() / "evidence";
+    bool closed = false;
+    const OptionsOccasion fresh{
+        .newProject = true, .closeOpenProject = [&] { closed = true; }, .overwriteAgreed = {}};
+    for (const char *where : {"evidence", "open"}) { // its own, and that of the open project
+        options.ProjectDBPath = folder.path() / where / "new.nvp";
+        examiner.expect("lies-in-evidence");
+        EXPECT_EQ(applyOptions(*program, options, fresh).focus, OptionsField::project);
+        EXPECT_FALSE(closed);
+        EXPECT_FALSE(fs::exists(options.ProjectDBPath));
+    }
+}
+
+TEST_F(OptionsTest, pathsThatCantBeLookedAtAreInvalid) {
+    openCase();
+    Options options = shown();
+    for (const std::string &odd :
+         {std::string(5000, 'x'), std::string("no\nsuch"), std::string()}) {
+        options.TempFolderPath = odd;
+        examiner.expect("invalid-temp-folder");
+        EXPECT_FALSE(apply(options));
+    }
+    options = readNewProjectOptions(*program, zones());
+    options.ProjectDBPath = folder.path() / (std::string(5000, 'x') + ".nvp");
+    const OptionsOccasion fresh{.newProject = true, .closeOpenProject = {}, .overwriteAgreed = {}};
+    options.ProjectDBPath = fs::path(std::string(5000, 'x')) / "case.nvp";
+    examiner.expect("invalid-project-path");
+    EXPECT_EQ(applyOptions(*program, options, fresh).focus, OptionsField::project);
+}
+
+TEST_F(OptionsTest, settingsThatCantBeWrittenAreTold) {
+    Options options = shown();
+    options.GalleryIncludeHTML = false;
+    fs::create_directories(paths.settings().native() + ".new"); // stands where a file is written
+    examiner.expect("settings-not-written");
+    EXPECT_TRUE(apply(options));
+    EXPECT_THAT(examiner.heard.back().text, HasSubstr(paths.settings().string()));
+    EXPECT_FALSE(state().GalleryIncludeHTML) << "holds until the program ends";
+    EXPECT_EQ(ini("OPTIONS", "GalleryIncludeHTML"), "(none)");
+}
+
 } // namespace
 } // namespace nv
