@@ -11,6 +11,7 @@
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QSpinBox>
+#include <QTabBar>
 #include <QTabWidget>
 
 namespace nv {
@@ -291,6 +292,7 @@ void OptionsTest::everyControlSaysWhatItIs() {
                                 qobject_cast<QSpinBox *>(control) ||
                                 qobject_cast<QScrollBar *>(control);
             if (!ofOurs || control->objectName().isEmpty() ||
+                qobject_cast<QTabBar *>(control->parentWidget()) ||
                 control->objectName().startsWith(QStringLiteral("qt_")))
                 continue;
             const QByteArray name = control->objectName().toUtf8();

@@ -13,6 +13,7 @@
 #include <QListWidget>
 #include <QMap>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableWidget>
@@ -75,6 +76,8 @@ void UpgradeExportTest::theWizardFindsAndFixesADifference() {
         QVERIFY(child<QPlainTextEdit>(wizard, "txtLeftBehind").toPlainText().contains("Mine"));
         QVERIFY(asked(desk, "fix-file"));
         QCOMPARE(child<QPushButton>(wizard, "FixBtn").text(), QStringLiteral("Fix Now"));
+        QCOMPARE(wizard.focusWidget(), &child<QPushButton>(wizard, "FixBtn"));
+        QVERIFY(!child<QProgressBar>(wizard, "barUpgrade").isVisible());
         click(wizard, "FixBtn");
         QCOMPARE(grid.item(0, 3)->text(), QStringLiteral("Fixed!"));
         QVERIFY(!child<QPushButton>(wizard, "FixBtn").isEnabled());

@@ -13,6 +13,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTableWidget>
 
@@ -21,6 +22,7 @@ namespace nv {
 namespace {
 
 constexpr int kStatusColumn = 3;
+constexpr int kBarSteps = 1000;
 constexpr int kTimeStep = 50; // milliseconds between two looks at the Stop button
 
 } // namespace
@@ -30,7 +32,8 @@ class UpgradeWizardForm::Task final : public TaskMonitor {
   public:
     explicit Task(UpgradeWizardForm &form) : m_form(form) { m_timer.start(); }
     void describe(const TaskHeading &) override {}
-    bool advance(double) override {
+    bool advance(double fraction) override {
+        m_form.m_bar->setValue(static_cast<int>(fraction * kBarSteps));
         if (m_timer.elapsed() >= kTimeStep) {
             QApplication::processEvents();
             m_timer.restart();
@@ -72,6 +75,15 @@ UpgradeWizardForm::UpgradeWizardForm(const UpgradeWhere &where, ProjectUpgrade &
     column->addWidget(m_grid, 1);
     column->addWidget(m_leftBehind);
     column->addWidget(m_status);
+    m_bar = new QProgressBar;
+    m_bar->setObjectName(QStringLiteral("barUpgrade"));
+    m_bar->setRange(0, kBarSteps);
+    m_bar->setTextVisible(false);
+    m_bar->setAccessibleName(tr("Progress"));
+    QSizePolicy kept = m_bar->sizePolicy();
+    kept.setRetainSizeWhenHidden(true); // or the list would jump
+    m_bar->setSizePolicy(kept);
+    column->addWidget(m_bar);
     column->addWidget(newButtons());
     showState(State::idle);
 }
@@ -89,6 +101,7 @@ void UpgradeWizardForm::buildGrid() {
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_grid->setAlternatingRowColors(true);
+    m_grid->setTabKeyNavigation(false); // Tab leads on to the buttons
     letCopy(*m_grid);
 }
 
@@ -119,6 +132,7 @@ void UpgradeWizardForm::showState(State state) {
     m_scan->setText(state == State::scanning ? tr("Stop") : tr("Scan"));
     m_fix->setText(state == State::fixing ? tr("Stop") : tr("Fix Now"));
     m_scan->setEnabled(state != State::fixing);
+    m_bar->setVisible(state != State::idle);
     m_fix->setEnabled(state == State::fixing || (state == State::idle && m_canFix));
 }
 
@@ -172,8 +186,10 @@ void UpgradeWizardForm::scan() {
     setStatus(found.complete ? toQt(kScanComplete) : tr("The scan was stopped."));
     m_canFix = found.complete && !found.differences.empty();
     showState(State::idle);
-    if (m_canFix)
-        m_examiner.tell(messages::fixFile());
+    if (!m_canFix)
+        return;
+    m_examiner.tell(messages::fixFile());
+    m_fix->setFocus();
 }
 
 void UpgradeWizardForm::showDifferences(const SchemaScan &scan) {
