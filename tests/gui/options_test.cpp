@@ -10,9 +10,11 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QSpinBox>
 #include <QTabBar>
 #include <QTabWidget>
+#include <SQLiteCpp/SQLiteCpp.h>
 
 namespace nv {
 
@@ -35,6 +37,8 @@ class OptionsTest : public QObject {
     void zonePropertiesStoreNothing();
     void enterMakesANewProject();
     void cancelLeavesTheOpenProject();
+    void aClickOutdatesTheGalleryBeforeOkay();
+    void theZonesStandByOffset();
     void everyControlSaysWhatItIs();
     void aPlaceInTheEvidenceLeadsBackToItsField();
 
@@ -277,6 +281,39 @@ void OptionsTest::cancelLeavesTheOpenProject() {
     m_desk->dialogs.answer.reset();
     trigger(*m_form, "actNew");
     QCOMPARE(m_desk->program.thisClass.ProjectDBPath, open);
+}
+
+void OptionsTest::aClickOutdatesTheGalleryBeforeOkay() {
+    options([](OptionsForm &form) {
+        QSignalSpy outdated(&form, &OptionsForm::galleryOutdated);
+        showTab(form, 3);
+        child<QCheckBox>(form, "chkIncludeHTML").click();
+        child<QCheckBox>(form, "chkIncludePictures").click();
+        QCOMPARE(outdated.count(), 2);
+        child<QCheckBox>(form, "chkRedrawHTMLThumbnails").click();
+        QCOMPARE(outdated.count(), 2);
+        press(form, "btnCancel");
+    });
+    QVERIFY(m_desk->program.thisClass.GalleryIncludeHTML);
+}
+
+void OptionsTest::theZonesStandByOffset() {
+    const fs::path file = m_desk->program.paths.zones();
+    options([file](OptionsForm &form) {
+        const auto &list = child<QComboBox>(form, "cbTimeZone");
+        SQLite::Database zones(file.string());
+        SQLite::Statement row(zones, "SELECT Time_Zone_ID, UTC_Offset, Landmarks FROM Time_Zones "
+                                     "ORDER BY UTC_Offset ASC, Time_Zone_ID");
+        int place = 0;
+        for (; row.executeStep(); ++place) {
+            QCOMPARE(list.itemData(place).toInt(), row.getColumn(0).getInt());
+            const std::string text =
+                "(UTC" + row.getColumn(1).getString() + ") " + row.getColumn(2).getString();
+            QCOMPARE(list.itemText(place).toStdString(), text);
+        }
+        QCOMPARE(list.count(), place);
+        press(form, "btnCancel");
+    });
 }
 
 /// By its own text, an accessible name or a label that leads to it; and with a tooltip.
