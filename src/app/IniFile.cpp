@@ -1,5 +1,6 @@
 #include "app/IniFile.h"
 
+#include "base/FileLock.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
@@ -58,22 +59,24 @@ std::optional<Range> rangeOf(const std::vector<std::string> &lines, std::string_
 IniFile::IniFile(std::filesystem::path path, FailureLog &log)
     : m_path(std::move(path)), m_log(log) {
     trapped(m_log, Severity::Warning, "File Read Error", kContactSupport, false, [this] {
-        load();
+        m_lines = load();
         return true;
     });
 }
 
-void IniFile::load() {
+std::vector<std::string> IniFile::load() const {
+    std::vector<std::string> lines;
     if (!std::filesystem::exists(m_path))
-        return;
+        return lines;
     const Bytes bytes = readWhole(m_path);
     std::string_view text = ByteView(bytes).raw();
     if (text.starts_with("\xEF\xBB\xBF"))
         text.remove_prefix(3);
     for (std::string_view line : split(text, '\n'))
-        m_lines.emplace_back(line.ends_with('\r') ? line.substr(0, line.size() - 1) : line);
-    if (!m_lines.empty() && m_lines.back().empty())
-        m_lines.pop_back();
+        lines.emplace_back(line.ends_with('\r') ? line.substr(0, line.size() - 1) : line);
+    if (!lines.empty() && lines.back().empty())
+        lines.pop_back();
+    return lines;
 }
 
 std::optional<std::string> IniFile::valueOf(std::string_view section, std::string_view key) const {
@@ -116,17 +119,27 @@ bool IniFile::WriteIniValue(std::string_view section, std::string_view key,
     std::string line = replaceAll(trim(value), "\r\n", " ");
     std::replace_if(
         line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    put(section, key, line);
+    m_unwritten.push_back({std::string(section), std::string(key), line});
     return trapped(m_log, Severity::Warning, "File Write Error", kContactSupport, false, [&] {
-        put(section, key, line);
-        std::string text;
-        for (const std::string &kept : m_lines)
-            text += kept + "\r\n";
-        // Written aside and put in place whole: a crash never leaves half a settings file.
-        const std::filesystem::path aside = m_path.native() + ".new";
-        writeWhole(aside, text);
-        std::filesystem::rename(aside, m_path);
+        const FileLock lock(m_path);
+        m_lines = load(); // another program may have written
+        for (const Value &each : m_unwritten)
+            put(each.section, each.key, each.text);
+        writeLines();
+        m_unwritten.clear();
         return true;
     });
+}
+
+/// Written aside and put in place whole: a crash never leaves half a settings file.
+void IniFile::writeLines() const {
+    std::string text;
+    for (const std::string &line : m_lines)
+        text += line + "\r\n";
+    const std::filesystem::path aside = m_path.native() + ".new";
+    writeWhole(aside, text);
+    std::filesystem::rename(aside, m_path);
 }
 
 void IniFile::put(std::string_view section, std::string_view key, const std::string &value) {

@@ -13,7 +13,7 @@ namespace nv {
 
 /// The settings file: sections of "key=value" lines, found without regard to case. A missing file
 /// is no failure: every key gives its default. Every write goes to the disk at once and leaves all
-/// other lines as they are.
+/// other lines as they are, also those that another program has written meanwhile.
 class IniFile {
   public:
     IniFile(std::filesystem::path path, FailureLog &log);
@@ -36,23 +36,35 @@ class IniFile {
     }
 
     /// Blanks at the ends go and line breaks become blanks, so that one value stays on one line.
-    /// False, logged, when the file can't be written.
+    /// False, logged, when the file can't be written: the value then holds until the program ends,
+    /// and the next write tries it again.
     bool WriteIniValue(std::string_view section, std::string_view key, std::string_view value);
     template <std::same_as<bool> Flag>
     bool WriteIniValue(std::string_view section, std::string_view key, Flag value) {
         return WriteIniValue(section, key, std::string_view(value ? "True" : "False"));
     }
 
+    /// Values that couldn't be written.
+    bool hasUnwritten() const { return !m_unwritten.empty(); }
+
   private:
+    struct Value {
+        std::string section;
+        std::string key;
+        std::string text;
+    };
+
     bool readFlag(std::string_view section, std::string_view key, bool byDefault) const;
     int readNumber(std::string_view section, std::string_view key, int byDefault) const;
     std::optional<std::string> valueOf(std::string_view section, std::string_view key) const;
-    void load();
+    std::vector<std::string> load() const;
     void put(std::string_view section, std::string_view key, const std::string &value);
+    void writeLines() const;
 
     std::filesystem::path m_path;
     FailureLog &m_log;
     std::vector<std::string> m_lines;
+    std::vector<Value> m_unwritten;
 };
 
 } // namespace nv

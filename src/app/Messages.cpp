@@ -1,5 +1,6 @@
 #include "app/Messages.h"
 
+#include "base/Files.h"
 #include "base/MessageKinds.h"
 #include "maintenance/SourceCheck.h"
 
@@ -153,6 +154,28 @@ Message invalidTempFolder() {
 Message invalidBaseFolder() {
     return notice("invalid-base-folder", "Invalid Folder Path",
                   "The selected BASE folder is invalid or does not exist.");
+}
+
+Message liesInEvidence(const std::filesystem::path &path, const std::filesystem::path &base) {
+    return notice("lies-in-evidence", "Invalid Path",
+                  fmt::format("\"{}\" lies in the evidence folder {}: nothing is written there",
+                              textOf(path), textOf(base)));
+}
+
+Message tempFolderHoldsEvidence(const std::filesystem::path &base) {
+    return notice(
+        "temp-folder-holds-evidence", "Invalid Folder Path",
+        fmt::format("The selected TEMP folder holds the evidence folder {}: a TEMP folder "
+                    "is emptied.",
+                    textOf(base)));
+}
+
+Message settingsNotWritten(const std::filesystem::path &file) {
+    return notice(
+        "settings-not-written", "File Write Error",
+        fmt::format("The settings can't be written to \"{}\". What was chosen holds until "
+                    "the program ends.",
+                    textOf(file)));
 }
 
 Message showOnlyWebpages() {

@@ -4,6 +4,7 @@
 #include "platform/Network.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -42,6 +43,10 @@ Message zonesNotRead();
 Message invalidProjectPath();
 Message invalidTempFolder();
 Message invalidBaseFolder();
+/// Of a place that was chosen for writing.
+Message liesInEvidence(const std::filesystem::path &path, const std::filesystem::path &base);
+Message tempFolderHoldsEvidence(const std::filesystem::path &base);
+Message settingsNotWritten(const std::filesystem::path &file);
 Message showOnlyWebpages();
 Message exitProgram();
 

@@ -7,11 +7,11 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/Evidence.h"
 #include "time/DateFormat.h"
 
 #include <fmt/format.h>
 
-#include <cstdlib>
 #include <utility>
 
 namespace nv {
@@ -24,6 +24,17 @@ constexpr std::string_view kOptions = "OPTIONS";
 constexpr std::string_view kThumbnails = "THUMBNAILS";
 constexpr std::string_view kPaths = "FILE PATHS";
 constexpr std::string_view kBeyond = "BEYOND";
+
+struct Refusal {
+    OptionsField field;
+    Message message;
+};
+
+/// A path that can't be looked at, such as one that is too long, is none.
+bool isFolder(const fs::path &path) {
+    std::error_code notThere;
+    return fs::is_directory(path, notThere);
+}
 
 /// One press of Okay.
 class Application {
@@ -38,7 +49,8 @@ class Application {
     bool mayOverwrite() const;
     void takeFormats();
     bool takeZone();
-    std::optional<OptionsField> wrongPath();
+    std::optional<Refusal> refusalOfPaths() const;
+    std::optional<Refusal> refusalBeside(const fs::path &base) const;
     void takePaths();
     void takeGallery();
     void takeSafety();
@@ -51,6 +63,10 @@ class Application {
         m_program.around.examiner.tell(message);
         return {false, field};
     }
+    void take(std::string_view section, std::string_view key, bool &inForce, bool chosen) {
+        inForce = chosen;
+        m_settings.WriteIniValue(section, key, chosen);
+    }
     void write(std::string_view section, std::string_view key, int number) {
         m_settings.WriteIniValue(section, key, fmt::format("{}", number));
     }
@@ -62,31 +78,26 @@ class Application {
     const OptionsOccasion &m_occasion;
 };
 
-Message messageFor(OptionsField field) {
-    return field == OptionsField::project ? messages::invalidProjectPath()
-           : field == OptionsField::temp  ? messages::invalidTempFolder()
-                                          : messages::invalidBaseFolder();
-}
-
 /// The order is that of the steps: an examiner who is sent back keeps what came before.
 OptionsOutcome Application::run() {
     if (!mayOverwrite())
         return {false, OptionsField::project};
-    m_state.VerifyFileSignatures = m_options.VerifyFileSignatures;
+    take(kOptions, "VerifyFileSignatures", m_state.VerifyFileSignatures,
+         m_options.VerifyFileSignatures);
     m_program.import.VerifyFileSignatures = m_options.VerifyFileSignatures;
-    m_settings.WriteIniValue(kOptions, "VerifyFileSignatures", m_options.VerifyFileSignatures);
     takeFormats();
     m_state.EnableDSTChanges = m_options.EnableDSTChanges;
     if (!m_options.Time_Zone_ID)
         return stay(messages::zoneNotSelected(), OptionsField::zone);
     // What follows belongs to the new project and must not reach the one that is still open.
+    const auto refusal = refusalOfPaths();
     if (m_occasion.newProject && m_state.ProjectDB.isOpen() && m_occasion.closeOpenProject &&
-        !wrongPath())
+        !refusal)
         m_occasion.closeOpenProject();
     if (!takeZone())
         return {false, OptionsField::zone};
-    if (const auto field = wrongPath())
-        return stay(messageFor(*field), *field);
+    if (refusal)
+        return stay(refusal->message, refusal->field);
     takePaths();
     takeGallery();
     takeSafety();
@@ -94,12 +105,17 @@ OptionsOutcome Application::run() {
     takeBeyond();
     keepTheRest();
     toProject();
+    if (m_settings.hasUnwritten())
+        m_program.around.examiner.tell(messages::settingsNotWritten(m_settings.path()));
     return {true, OptionsField::none};
 }
 
 bool Application::mayOverwrite() const {
     const fs::path &path = m_options.ProjectDBPath;
-    if (!m_occasion.newProject || path == m_occasion.overwriteAgreed || !fs::is_regular_file(path))
+    if (!m_occasion.newProject || path == m_occasion.overwriteAgreed)
+        return true;
+    std::error_code notThere;
+    if (!fs::is_regular_file(path, notThere))
         return true;
     return m_program.around.examiner.ask(messages::overwriteProject(textOf(path))) == Answer::Yes;
 }
@@ -134,19 +150,47 @@ bool Application::takeZone() {
 
 /// The base folder of an open project may be gone, as evidence is unplugged: only a new choice is
 /// tested.
-std::optional<OptionsField> Application::wrongPath() {
+std::optional<Refusal> Application::refusalOfPaths() const {
     const fs::path &project = m_options.ProjectDBPath;
     const bool isNew = m_occasion.newProject;
-    if (isNew && (!isProjectName(project) || fs::is_directory(project) ||
-                  !fs::is_directory(fs::absolute(project).parent_path())))
-        return OptionsField::project;
+    if (isNew && (!isProjectName(project) || isFolder(project) ||
+                  !isFolder(fs::absolute(project).parent_path())))
+        return Refusal{OptionsField::project, messages::invalidProjectPath()};
     if (!isUsableTempFolder(m_program, m_options.TempFolderPath))
-        return OptionsField::temp;
+        return Refusal{OptionsField::temp, messages::invalidTempFolder()};
     const fs::path &base = m_options.RootPath;
     const bool asItWas = !m_state.ProjectDB.isOpen() || base == m_state.RootPath;
-    if ((isNew ? base.empty() : asItWas) || fs::is_directory(base))
-        return std::nullopt;
-    return OptionsField::base;
+    if (!(isNew ? base.empty() : asItWas) && !isFolder(base))
+        return Refusal{OptionsField::base, messages::invalidBaseFolder()};
+    if (auto refusal = refusalBeside(base))
+        return refusal;
+    return isNew ? refusalBeside(m_state.RootPath) : std::nullopt;
+}
+
+/// Nothing is written beside evidence. What was there before the examiner chose anything new stays:
+/// a machine that is examined by itself has the program's own folders among its evidence.
+std::optional<Refusal> Application::refusalBeside(const fs::path &base) const {
+    struct Place {
+        OptionsField field;
+        const fs::path &path;
+        const fs::path &before;
+    };
+    const Place places[] = {
+        {OptionsField::project, m_options.ProjectDBPath, m_state.ProjectDBPath},
+        {OptionsField::temp, m_options.TempFolderPath, m_state.TempFolderPath},
+        {OptionsField::templates, m_options.TemplatesPath, m_state.TemplatesPath},
+        {OptionsField::publish, m_options.PublishTempFolder, m_state.PublishTempFolder}};
+    for (const Place &place : places) {
+        const bool ofOpenProject = place.field == OptionsField::project && !m_occasion.newProject;
+        const bool asItWas = place.path == place.before && base == m_state.RootPath;
+        if (place.path.empty() || base.empty() || ofOpenProject || asItWas)
+            continue;
+        if (liesInEvidence(place.path, base))
+            return Refusal{place.field, messages::liesInEvidence(place.path, base)};
+        if (place.field == OptionsField::temp && liesInEvidence(base, place.path))
+            return Refusal{place.field, messages::tempFolderHoldsEvidence(base)};
+    }
+    return std::nullopt;
 }
 
 void Application::takePaths() {
@@ -163,17 +207,14 @@ void Application::takePaths() {
 }
 
 void Application::takeGallery() {
-    m_state.DisableScriptTags = m_options.DisableScriptTags;
-    m_state.GalleryIncludeHTML = m_options.GalleryIncludeHTML;
-    m_state.GalleryIncludePictures = m_options.GalleryIncludePictures;
-    m_state.RedrawThumbIfPageRebuilt = m_options.RedrawThumbIfPageRebuilt;
+    take(kOptions, "DisableScriptTags", m_state.DisableScriptTags, m_options.DisableScriptTags);
+    take(kOptions, "GalleryIncludeHTML", m_state.GalleryIncludeHTML, m_options.GalleryIncludeHTML);
+    take(kOptions, "GalleryIncludePictures", m_state.GalleryIncludePictures,
+         m_options.GalleryIncludePictures);
+    take(kOptions, "RedrawThumbIfPageRebuilt", m_state.RedrawThumbIfPageRebuilt,
+         m_options.RedrawThumbIfPageRebuilt);
     m_state.GalleryRecordsPerPage = m_options.GalleryRecordsPerPage;
     m_state.ThumbnailRedrawTimeout = m_options.ThumbnailRedrawTimeout;
-    m_settings.WriteIniValue(kOptions, "DisableScriptTags", m_options.DisableScriptTags);
-    m_settings.WriteIniValue(kOptions, "GalleryIncludeHTML", m_options.GalleryIncludeHTML);
-    m_settings.WriteIniValue(kOptions, "GalleryIncludePictures", m_options.GalleryIncludePictures);
-    m_settings.WriteIniValue(kOptions, "RedrawThumbIfPageRebuilt",
-                             m_options.RedrawThumbIfPageRebuilt);
     m_state.PARD.EnablePARD = m_options.EnablePARD;
     m_state.PARD.FromValue = static_cast<std::int16_t>(m_options.PARDFrom);
     m_state.PARD.ToValue = static_cast<std::int16_t>(m_options.PARDTo);
@@ -198,13 +239,11 @@ void Application::takeThumbnailsAndStatus() {
 }
 
 void Application::takeBeyond() {
-    m_state.WideRecordIds = m_options.WideRecordIds;
-    m_state.TemplateMatchByTitle = m_options.TemplateMatchByTitle;
-    m_program.import.MakeThumbnails = m_options.ThumbnailsWhileImporting;
-    m_settings.WriteIniValue(kBeyond, "WideRecordIds", m_options.WideRecordIds);
-    m_settings.WriteIniValue(kBeyond, "TemplateMatchByTitle", m_options.TemplateMatchByTitle);
-    m_settings.WriteIniValue(kBeyond, "ThumbnailsWhileImporting",
-                             m_options.ThumbnailsWhileImporting);
+    take(kBeyond, "WideRecordIds", m_state.WideRecordIds, m_options.WideRecordIds);
+    take(kBeyond, "TemplateMatchByTitle", m_state.TemplateMatchByTitle,
+         m_options.TemplateMatchByTitle);
+    take(kBeyond, "ThumbnailsWhileImporting", m_program.import.MakeThumbnails,
+         m_options.ThumbnailsWhileImporting);
     m_settings.WriteIniValue(kBeyond, "KeepAllOptions", m_options.KeepAllOptions);
 }
 
@@ -228,78 +267,7 @@ void Application::toProject() {
     storeProjectValues(m_program, projectValuesInForce(m_program), TrailNote::yes);
 }
 
-fs::path firstOf(const fs::path &inForce, const IniFile &settings, std::string_view key) {
-    return inForce.empty() ? fs::path(settings.ReadIniValue(kPaths, key, "")) : inForce;
-}
-
-void readPaths(const Program &program, Options &options) {
-    const ThisClass &state = program.thisClass;
-    options.ProjectDBPath = state.ProjectDBPath;
-    options.RootPath = state.RootPath;
-    options.TempFolderPath = firstOf(state.TempFolderPath, program.settings, "Temp");
-    options.TemplatesPath = state.TemplatesPath;
-    options.PublishTempFolder = firstOf(state.PublishTempFolder, program.settings, "Publish");
-    options.AgencyLogoPath = firstOf(state.AgencyLogoPath, program.settings, "AgencyLogo");
-}
-
-/// The folder of the settings, that of the last project, or the user's own.
-fs::path folderOfProjects(const Program &program) {
-    const IniFile &settings = program.settings;
-    const fs::path last = settings.ReadIniValue(kPaths, "LastProjectDBPath", "");
-    const char *home = std::getenv("HOME");
-    const fs::path user = home ? home : "";
-    for (const fs::path &folder : {fs::path(settings.ReadIniValue(kPaths, "Project", "")),
-                                   last.parent_path(), user / "Documents", user}) {
-        if (folder.is_absolute() && fs::is_directory(folder))
-            return folder;
-    }
-    return program.paths.home;
-}
-
 } // namespace
-
-Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
-    const ThisClass &state = program.thisClass;
-    const IniFile &settings = program.settings;
-    Options options;
-    readPaths(program, options);
-    options.DateFormat = settings.ReadIniValue(kOptions, "DateFormat", kOptionsDateFormat);
-    options.TimeFormat = settings.ReadIniValue(kOptions, "TimeFormat", kOptionsTimeFormat);
-    if (const auto place = placeInList(zones, state.GMTZone))
-        options.Time_Zone_ID = zones[*place].Time_Zone_ID;
-    options.EnableDSTChanges = state.EnableDSTChanges;
-    options.GalleryIncludeHTML = state.GalleryIncludeHTML;
-    options.GalleryIncludePictures = state.GalleryIncludePictures;
-    options.GalleryRecordsPerPage = state.GalleryRecordsPerPage;
-    options.RedrawThumbIfPageRebuilt = state.RedrawThumbIfPageRebuilt;
-    // Not the time-out of the start, which stands in another section.
-    options.ThumbnailRedrawTimeout = settings.ReadIniValue(kOptions, "ThumbnailRedrawTimeout", 15);
-    options.EnablePARD = state.PARD.EnablePARD;
-    options.PARDFrom = state.PARD.FromValue;
-    options.PARDTo = state.PARD.ToValue;
-    options.ViewerThumbnailWidth = state.ViewerThumbnailWidth;
-    options.ReportThumbnailWidth = settings.ReadIniValue(kThumbnails, "ReportThumbnailWidth", 200);
-    options.DisableScriptTags = state.DisableScriptTags;
-    options.VerifyFileSignatures = state.VerifyFileSignatures;
-    options.DisableFileVersionCheck = state.DisableFileVersionCheck;
-    options.NetworkConnectionName = state.NetworkConnectionName;
-    options.ProgressBarRefreshRate = state.ProgressBarRefreshRate;
-    options.WideRecordIds = state.WideRecordIds;
-    options.ThumbnailsWhileImporting = program.import.MakeThumbnails;
-    options.TemplateMatchByTitle = state.TemplateMatchByTitle;
-    options.KeepAllOptions = settings.ReadIniValue(kBeyond, "KeepAllOptions", false);
-    return options;
-}
-
-Options readNewProjectOptions(const Program &program, const std::vector<ZoneRow> &zones) {
-    Options options = readOptions(program, zones);
-    options.RootPath.clear();
-    const fs::path folder = folderOfProjects(program);
-    options.ProjectDBPath = folder / "Case.nvp";
-    for (int number = 2; fs::exists(options.ProjectDBPath); ++number)
-        options.ProjectDBPath = folder / fmt::format("Case {}.nvp", number);
-    return options;
-}
 
 OptionsOutcome applyOptions(Program &program, const Options &options,
                             const OptionsOccasion &occasion) {

@@ -71,7 +71,7 @@ struct OptionsOccasion {
 };
 
 /// Where the dialog stays when it can't go on.
-enum class OptionsField { none, project, base, temp, zone };
+enum class OptionsField { none, project, base, temp, templates, publish, zone };
 
 struct OptionsOutcome {
     bool applied = false;

@@ -9,6 +9,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/StoredQueries.h"
+#include "readers/Evidence.h"
 #include "reports/ExportFile.h"
 
 #include <fmt/format.h>
@@ -150,6 +151,11 @@ bool ProjectCommands::SaveAs() {
     const auto target = m_dialogs.chooseSaveAs();
     if (!target || isSameFile(*target, project.FilePath))
         return false;
+    if (liesInEvidence(*target, m_program.thisClass.RootPath)) {
+        m_program.around.examiner.tell(
+            messages::liesInEvidence(*target, m_program.thisClass.RootPath));
+        return false;
+    }
     const fs::path source = project.FilePath;
     m_view.saveLayout();
     closeProject(m_program);

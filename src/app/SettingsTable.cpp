@@ -1,5 +1,6 @@
 #include "app/SettingsTable.h"
 
+#include "app/Messages.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "time/ZoneDatabase.h"
@@ -19,7 +20,8 @@ namespace {
 
 using K = SettingKind;
 
-constexpr int kMost = 32767; // what earlier builds could hold
+constexpr int kMost = 32767;                // what earlier builds could hold
+constexpr std::size_t kLongestValue = 4000; // bytes; what earlier builds could read
 
 // clang-format off
 constexpr auto kSettings = std::to_array<SettingFacts>({
@@ -138,10 +140,20 @@ CheckedValue checkTheme(std::string_view value) {
     return refused("System, Light or Dark is expected");
 }
 
+/// The folders that Options tests have its words.
+std::string noSuchPath(SettingKind kind) {
+    if (kind == K::tempFolder)
+        return messages::invalidTempFolder().text;
+    if (kind == K::baseFolder)
+        return messages::invalidBaseFolder().text;
+    return kind == K::file ? "there is no such file" : "there is no such folder";
+}
+
 CheckedValue checkPath(const Program &program, SettingKind kind, std::string_view value) {
-    const fs::path path = fs::absolute(fs::path(value));
-    if (kind == K::file ? !fs::is_regular_file(path) : !fs::is_directory(path))
-        return refused(kind == K::file ? "there is no such file" : "there is no such folder");
+    const fs::path path = fs::absolute(fs::path(value)).lexically_normal();
+    std::error_code notThere;
+    if (kind == K::file ? !fs::is_regular_file(path, notThere) : !fs::is_directory(path, notThere))
+        return refused(noSuchPath(kind));
     if (kind == K::tempFolder && !isUsableTempFolder(program, path))
         return refused("the Temp folder is emptied at each start: this one holds the program, its "
                        "settings, the project or the user's home");
@@ -210,6 +222,8 @@ CheckedValue checkValue(Program &program, const SettingFacts &facts, std::string
     value = trim(value);
     if (std::any_of(value.begin(), value.end(), [](unsigned char c) { return c < ' '; }))
         return refused("a value stands on one line and has no control characters");
+    if (value.size() > kLongestValue)
+        return refused(fmt::format("a value has at most {} bytes", kLongestValue));
     if (facts.kind == K::flag)
         return checkFlag(value);
     if (value.empty() || facts.kind == K::text)

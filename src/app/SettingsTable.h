@@ -12,7 +12,7 @@ namespace nv {
 
 /// What a setting's value has to be. All but `flag` also take an empty value, which leads back to
 /// the default.
-enum class SettingKind { flag, text, number, file, folder, tempFolder, zone, theme };
+enum class SettingKind { flag, text, number, file, folder, tempFolder, baseFolder, zone, theme };
 
 /// A key of the settings file.
 struct SettingFacts {

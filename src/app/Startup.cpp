@@ -141,7 +141,8 @@ Program::Program(ProgramPaths where, Front front, const Surroundings &surroundin
 bool isUsableTempFolder(const Program &program, const fs::path &folder) {
     const fs::path &project = program.thisClass.ProjectDBPath;
     const char *home = std::getenv("HOME");
-    return fs::is_directory(folder) && !holds(folder, program.paths.program) &&
+    std::error_code notThere;
+    return fs::is_directory(folder, notThere) && !holds(folder, program.paths.program) &&
            !holds(folder, program.paths.home) && !holds(folder, program.paths.config) &&
            !holds(folder, program.paths.state) && !(home && *home && holds(folder, home)) &&
            (project.empty() || !holds(folder, project));

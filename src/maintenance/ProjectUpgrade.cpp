@@ -166,6 +166,11 @@ fs::path ProjectUpgrade::temporary(const char *name) const {
 }
 
 SchemaScan ProjectUpgrade::scan(TaskMonitor &task) {
+    // To SQLite this is a database without tables, and a fix would make an empty project of it.
+    std::error_code missing;
+    if (fs::is_empty(m_where.project, missing))
+        throw StorageFailure(
+            fmt::format("\"{}\" is empty: it holds no project", textOf(m_where.project)));
     SchemaScan scan;
     const fs::path templates = temporary("~adoxschema1");
     DatabaseClass reference(m_log, m_clock);

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+
 namespace nv::test {
 namespace {
 
@@ -48,6 +50,44 @@ TEST_F(OptionsCliTest, aProjectsOwnValuesAreChangedAndNoted) {
     EXPECT_EQ(cli({"options", "set", "LastTimeZoneID", "9999", "--project", project}).exit, 1);
     EXPECT_EQ(cli({"options", "set", "AppMajor", "9", "--project", project}).exit, 1);
     EXPECT_EQ(cli({"options", "set", "Nothing", "9", "--project", project}).exit, 1);
+}
+
+TEST_F(OptionsCliTest, hostileValuesAreRefusedOrKeptWhole) {
+    for (const std::string &bad : {std::string("a\nb"), std::string(100'000, 'x')}) {
+        const CliResult run = cli({"options", "set", "CaseNumber", bad});
+        EXPECT_EQ(run.exit, 1);
+        EXPECT_LT(run.err.size(), 400U);
+    }
+    EXPECT_EQ(cli({"options", "set", "TempFolderPath", "../../no/such"}).exit, 1);
+    EXPECT_EQ(cli({"options", "set", "CaseNumber", "\xE4\xBA\x8B 7/\xC3\x84"}).exit, 0);
+    EXPECT_THAT(cli({"options", "get", "CaseNumber", "--format", "tsv"}).out,
+                HasSubstr("\t\xE4\xBA\x8B 7/\xC3\x84\t"));
+    EXPECT_EQ(cli({"options", "set", "CaseNumber", ""}).exit, 0);
+    EXPECT_THAT(cli({"options", "get", "CaseNumber", "--format", "tsv"}).out,
+                HasSubstr("CaseNumber\t\t\t"));
+}
+
+TEST_F(OptionsCliTest, settingsThatCantBeWrittenAreSaid) {
+    folder.write("home/Norvelane.ini.new/stands-in-the-way", "x");
+    const CliResult run = cli({"options", "set", "DateFormat", "dd.mm.yyyy"});
+    EXPECT_NE(run.exit, 0);
+    EXPECT_THAT(run.err, HasSubstr("the settings can't be written"));
+    EXPECT_THAT(run.err, HasSubstr("Norvelane.ini"));
+}
+
+TEST_F(OptionsCliTest, programsAtOnceLoseNoSetting) {
+    const std::vector<std::string> keys = {"CaseNumber",  "ReportedBy", "Organization",
+                                           "ReportTitle", "DateFormat", "TimeFormat"};
+    std::vector<std::unique_ptr<CliProcess>> running;
+    for (const std::string &key : keys)
+        running.push_back(std::make_unique<CliProcess>(
+            std::vector<std::string>{"options", "set", key, "kept " + key},
+            folder.path() / "home"));
+    for (const auto &process : running)
+        EXPECT_EQ(process->finish().exit, 0);
+    const std::string all = cli({"options", "get", "--format", "tsv"}).out;
+    for (const std::string &key : keys)
+        EXPECT_THAT(all, HasSubstr("\tkept " + key + "\t"));
 }
 
 } // namespace

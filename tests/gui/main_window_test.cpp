@@ -43,6 +43,7 @@ class MainWindowTest : public QObject {
 
     void withoutAProjectTheWindowSaysWhatToDo();
     void theWizardImportsWithClicks();
+    void aProjectAmongTheEvidenceGetsNoImport();
     void theWizardMakesThumbnailsWhenItsBoxIsTicked();
     void theWizardWarnsOfANetworkAndStops();
     void theWizardRefusesAFolderThatIsNotThere();
@@ -106,6 +107,22 @@ void MainWindowTest::theWizardImportsWithClicks() {
     QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("6"));
     QCOMPARE(inProject("SELECT count(*) FROM SourceFiles WHERE Successful = 1"), std::string("2"));
     QVERIFY(!m_desk->program.thread.IsOpen);
+}
+
+void MainWindowTest::aProjectAmongTheEvidenceGetsNoImport() {
+    const fs::path evidence = makeEvidence(m_desk->folder);
+    m_desk->dialogs.answer = evidence / "case.nvp";
+    trigger(*m_form, "actNew"); // which can't know what will be imported
+    whenShown<ImportForm>([this, evidence](ImportForm &wizard) {
+        child<QLineEdit>(wizard, "txtStartingDirectory")
+            .setText(QString::fromStdString(evidence.string()));
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
+        QCOMPARE(m_desk->examiner.heard.back(), std::string("lies-in-evidence"));
+        QCOMPARE(child<QTableView>(wizard, "ImportGrid").model()->rowCount(), 0);
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
+    QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("0"));
 }
 
 void MainWindowTest::theWizardMakesThumbnailsWhenItsBoxIsTicked() {

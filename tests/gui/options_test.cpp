@@ -10,8 +10,11 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QSpinBox>
+#include <QTabBar>
 #include <QTabWidget>
+#include <SQLiteCpp/SQLiteCpp.h>
 
 namespace nv {
 
@@ -34,6 +37,10 @@ class OptionsTest : public QObject {
     void zonePropertiesStoreNothing();
     void enterMakesANewProject();
     void cancelLeavesTheOpenProject();
+    void aClickOutdatesTheGalleryBeforeOkay();
+    void theZonesStandByOffset();
+    void everyControlSaysWhatItIs();
+    void aPlaceInTheEvidenceLeadsBackToItsField();
 
   private:
     void options(const std::function<void(OptionsForm &)> &act) {
@@ -274,6 +281,82 @@ void OptionsTest::cancelLeavesTheOpenProject() {
     m_desk->dialogs.answer.reset();
     trigger(*m_form, "actNew");
     QCOMPARE(m_desk->program.thisClass.ProjectDBPath, open);
+}
+
+void OptionsTest::aClickOutdatesTheGalleryBeforeOkay() {
+    options([](OptionsForm &form) {
+        QSignalSpy outdated(&form, &OptionsForm::galleryOutdated);
+        showTab(form, 3);
+        child<QCheckBox>(form, "chkIncludeHTML").click();
+        child<QCheckBox>(form, "chkIncludePictures").click();
+        QCOMPARE(outdated.count(), 2);
+        child<QCheckBox>(form, "chkRedrawHTMLThumbnails").click();
+        QCOMPARE(outdated.count(), 2);
+        press(form, "btnCancel");
+    });
+    QVERIFY(m_desk->program.thisClass.GalleryIncludeHTML);
+}
+
+void OptionsTest::theZonesStandByOffset() {
+    const fs::path file = m_desk->program.paths.zones();
+    options([file](OptionsForm &form) {
+        const auto &list = child<QComboBox>(form, "cbTimeZone");
+        SQLite::Database zones(file.string());
+        SQLite::Statement row(zones, "SELECT Time_Zone_ID, UTC_Offset, Landmarks FROM Time_Zones "
+                                     "ORDER BY UTC_Offset ASC, Time_Zone_ID");
+        int place = 0;
+        for (; row.executeStep(); ++place) {
+            QCOMPARE(list.itemData(place).toInt(), row.getColumn(0).getInt());
+            const std::string text =
+                "(UTC" + row.getColumn(1).getString() + ") " + row.getColumn(2).getString();
+            QCOMPARE(list.itemText(place).toStdString(), text);
+        }
+        QCOMPARE(list.count(), place);
+        press(form, "btnCancel");
+    });
+}
+
+/// By its own text, an accessible name or a label that leads to it; and with a tooltip.
+void OptionsTest::everyControlSaysWhatItIs() {
+    options([](OptionsForm &form) {
+        QList<QWidget *> labelled;
+        for (const QLabel *label : form.findChildren<QLabel *>())
+            labelled += label->buddy();
+        for (QWidget *control : form.findChildren<QWidget *>()) {
+            const auto *button = qobject_cast<QAbstractButton *>(control);
+            const bool ofOurs = button || qobject_cast<QLineEdit *>(control) ||
+                                qobject_cast<QComboBox *>(control) ||
+                                qobject_cast<QSpinBox *>(control) ||
+                                qobject_cast<QScrollBar *>(control);
+            if (!ofOurs || control->objectName().isEmpty() ||
+                qobject_cast<QTabBar *>(control->parentWidget()) ||
+                control->objectName().startsWith(QStringLiteral("qt_")))
+                continue;
+            const QByteArray name = control->objectName().toUtf8();
+            const bool isNamed = (button && !button->text().isEmpty()) ||
+                                 !control->accessibleName().isEmpty() || labelled.contains(control);
+            QVERIFY2(isNamed, name);
+            const bool closes = name == "btnOkay" || name == "btnCancel";
+            QVERIFY2(closes || !control->toolTip().isEmpty(), name);
+        }
+        press(form, "btnCancel");
+    });
+}
+
+void OptionsTest::aPlaceInTheEvidenceLeadsBackToItsField() {
+    openExample(*m_desk, *m_form);
+    const fs::path base = m_desk->program.thisClass.RootPath;
+    options([this, base](OptionsForm &form) {
+        showTab(form, 8);
+        auto &publish = child<QLineEdit>(form, "txtPathPublish");
+        publish.setText(QString::fromStdString((base / "reports").string()));
+        press(form, "btnOkay");
+        QCOMPARE(m_desk->examiner.heard.back(), std::string("lies-in-evidence"));
+        QVERIFY(form.isVisible());
+        QCOMPARE(child<QTabWidget>(form, "optionsTabs").currentIndex(), 0);
+        QCOMPARE(form.focusWidget(), &publish);
+        press(form, "btnCancel");
+    });
 }
 
 } // namespace nv

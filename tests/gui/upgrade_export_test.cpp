@@ -13,6 +13,7 @@
 #include <QListWidget>
 #include <QMap>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableWidget>
@@ -30,6 +31,7 @@ class UpgradeExportTest : public QObject {
   private slots:
     void theWizardFindsAndFixesADifference();
     void aProjectThatFitsOffersNoFix();
+    void aScanThatFailsIsToldAndOffersNoFix();
     void theOpenProjectIsClosedForTheWizardAndOpenedBehindIt();
     void anExportWritesWhatTheDialogSays();
     void anEmptyPathStopsTheExport();
@@ -74,6 +76,8 @@ void UpgradeExportTest::theWizardFindsAndFixesADifference() {
         QVERIFY(child<QPlainTextEdit>(wizard, "txtLeftBehind").toPlainText().contains("Mine"));
         QVERIFY(asked(desk, "fix-file"));
         QCOMPARE(child<QPushButton>(wizard, "FixBtn").text(), QStringLiteral("Fix Now"));
+        QCOMPARE(wizard.focusWidget(), &child<QPushButton>(wizard, "FixBtn"));
+        QVERIFY(!child<QProgressBar>(wizard, "barUpgrade").isVisible());
         click(wizard, "FixBtn");
         QCOMPARE(grid.item(0, 3)->text(), QStringLiteral("Fixed!"));
         QVERIFY(!child<QPushButton>(wizard, "FixBtn").isEnabled());
@@ -93,6 +97,23 @@ void UpgradeExportTest::aProjectThatFitsOffersNoFix() {
         QVERIFY(!child<QPushButton>(wizard, "FixBtn").isEnabled());
         QVERIFY(!asked(desk, "fix-file"));
         click(wizard, "btnCancel");
+    });
+    trigger(form, "actUpgradeWizard");
+}
+
+void UpgradeExportTest::aScanThatFailsIsToldAndOffersNoFix() {
+    Desk desk;
+    MainForm form(desk.program, desk.dialogs);
+    desk.dialogs.answer = desk.folder.write("cut.nvp", "SQLite format 3");
+    whenShown<UpgradeWizardForm>([&](UpgradeWizardForm &wizard) {
+        click(wizard, "ScanBtn");
+        QVERIFY(asked(desk, "scan-error"));
+        QCOMPARE(child<QLabel>(wizard, "labUpgradeStatus").text(),
+                 QStringLiteral("The scan failed."));
+        QCOMPARE(child<QPushButton>(wizard, "ScanBtn").text(), QStringLiteral("Scan"));
+        QVERIFY(!child<QPushButton>(wizard, "FixBtn").isEnabled());
+        QTest::keyClick(&wizard, Qt::Key_Escape);
+        QVERIFY(!wizard.isVisible());
     });
     trigger(form, "actUpgradeWizard");
 }

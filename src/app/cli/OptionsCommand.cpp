@@ -97,7 +97,7 @@ void listProject(Session &session, const OptionsArguments &arguments, Format for
 /// What the value of a project is checked as.
 SettingFacts factsOf(const ProjectValueFacts &value) {
     if (value.name == "RootPath")
-        return {"PROJECT", value.name, SettingKind::folder, "", 0, 0, ""};
+        return {"PROJECT", value.name, SettingKind::baseFolder, "", 0, 0, ""};
     if (value.name == "LastTimeZoneID")
         return {"PROJECT", value.name, SettingKind::zone, "", 0, 0, ""};
     return *settingsNamed(value.name).front();
@@ -105,8 +105,11 @@ SettingFacts factsOf(const ProjectValueFacts &value) {
 
 std::string checked(Program &program, const SettingFacts &facts, const std::string &value) {
     const CheckedValue result = checkValue(program, facts, value);
+    constexpr std::size_t kQuoted = 100; // of a long value
     if (!result.refusal.empty())
-        throw UsageError(fmt::format("{} \"{}\": {}", facts.key, printable(value), result.refusal));
+        throw UsageError(fmt::format("{} \"{}\"{}: {}", facts.key,
+                                     printable(value.substr(0, kQuoted)),
+                                     value.size() > kQuoted ? "..." : "", result.refusal));
     return result.value;
 }
 

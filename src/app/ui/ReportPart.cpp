@@ -1,5 +1,6 @@
 #include "app/ui/ReportPart.h"
 
+#include "app/Messages.h"
 #include "app/ReportJob.h"
 #include "app/ReportMessages.h"
 #include "app/Trail.h"
@@ -31,10 +32,7 @@ constexpr std::string_view kChooseFolder =
 /// Nothing is ever written beside evidence.
 void refuseEvidence(const fs::path &target, const fs::path &base) {
     if (liesInEvidence(target, base))
-        throw StorageFailure(
-            fmt::format("\"{}\" lies in the evidence folder {}: nothing is written "
-                        "there",
-                        textOf(target), textOf(base)));
+        throw StorageFailure(messages::liesInEvidence(target, base).text);
 }
 
 } // namespace

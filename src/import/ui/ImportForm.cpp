@@ -7,6 +7,7 @@
 #include "base/Trap.h"
 #include "import/ui/FoundFilesModel.h"
 #include "platform/qt/QtText.h"
+#include "readers/Evidence.h"
 #include "views/CellText.h"
 
 #include <QLabel>
@@ -77,13 +78,19 @@ void ImportForm::back() {
     showStep(Choose);
 }
 
-bool ImportForm::startingDirectoryIsThere() {
+/// A project among the evidence would change what other tools see of it.
+bool ImportForm::startingDirectoryIsUsable() {
     const std::string &start = m_program.import.StartingDirectory;
     if (start.empty())
         m_program.around.examiner.tell(messages::startingDirectoryMissing());
     else if (!fs::exists(start))
         m_program.around.examiner.tell(messages::startingDirectoryGone());
-    return !start.empty() && fs::exists(start);
+    else if (liesInEvidence(m_program.thisClass.ProjectDBPath, start))
+        m_program.around.examiner.tell(
+            messages::liesInEvidence(m_program.thisClass.ProjectDBPath, start));
+    else
+        return true;
+    return false;
 }
 
 void ImportForm::startScan() {
@@ -91,7 +98,7 @@ void ImportForm::startScan() {
     m_choice->applyTo(job);
     m_program.settings.WriteIniValue("OPTIONS", "ParseAdvancedMetaData", job.ParseAdvancedMetadata);
     m_program.settings.WriteIniValue("BEYOND", "ThumbnailsWhileImporting", job.MakeThumbnails);
-    if (!startingDirectoryIsThere())
+    if (!startingDirectoryIsUsable())
         return;
     job.HistoryFiles.Clear();
     m_files->setFiles(job.HistoryFiles);

@@ -46,7 +46,7 @@ class ImportForm final : public QDialog {
     void NextBtn_Click();
     void back();
     void startScan();
-    bool startingDirectoryIsThere();
+    bool startingDirectoryIsUsable();
     ScanResult runScan();
     void showScan(const ScanResult &result);
     void runImport();

@@ -96,6 +96,10 @@ void OptionsForm::stayAt(OptionsField field) {
         control = m_paths[kBase];
     if (field == OptionsField::temp)
         control = m_paths[kTemp];
+    if (field == OptionsField::templates)
+        control = m_paths[kTemplates];
+    if (field == OptionsField::publish)
+        control = m_paths[kPublish];
     control->setFocus();
 }
 
@@ -112,7 +116,7 @@ void OptionsForm::btnPath_Click(int index) {
             m_overwriteAgreed = *chosen;
         break;
     case kBase:
-        folder("Select the BASE root folder for all evidence in project:");
+        folder("Select Base Folder: Select the BASE root folder for all evidence in project:");
         break;
     case kTemp:
         folder("Select a valid TEMP folder:");

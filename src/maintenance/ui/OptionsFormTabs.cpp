@@ -17,6 +17,8 @@ namespace nv {
 
 namespace {
 
+constexpr int kLongestFormat = 200; // letters
+
 struct Size {
     int width;
     const char *text;
@@ -47,12 +49,16 @@ QLineEdit *OptionsForm::addPath(QFormLayout &form, int index, const QString &lab
     text->setToolTip(hint);
     auto *button = new QPushButton(tr("Browse..."));
     button->setObjectName(QStringLiteral("btnPath%1").arg(index));
-    button->setAccessibleName(tr("Browse for: %1").arg(label));
+    const QString plain = QString(label).remove(u'&').remove(u':');
+    button->setAccessibleName(tr("Browse for: %1").arg(plain));
+    button->setToolTip(tr("Choose: %1").arg(plain));
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, [this, index] { btnPath_Click(index); });
     row->addWidget(text, 1);
     row->addWidget(button);
-    form.addRow(label, line);
+    auto *caption = new QLabel(label);
+    caption->setBuddy(text);
+    form.addRow(caption, line);
     m_paths.push_back(text);
     return text;
 }
@@ -95,7 +101,9 @@ QWidget *OptionsForm::newFormats(const char *group, const char *box, const QStri
     auto *frame = new QGroupBox(QString::fromLatin1(name));
     auto *column = columnOf(*frame);
     entry = named(new QLineEdit(chosen), box);
+    entry->setMaxLength(kLongestFormat);
     entry->setToolTip(tr("Any format of the letters below"));
+    entry->setAccessibleName(tr("%1 format").arg(QLatin1String(name)));
     sample = named(new QLabel, name[0] == 'D' ? "labCurrentDay" : "labCurrentTime");
     sample->setTextFormat(Qt::PlainText);
     auto *choices = new QButtonGroup(this);
@@ -103,6 +111,7 @@ QWidget *OptionsForm::newFormats(const char *group, const char *box, const QStri
         auto *button = new QRadioButton(format);
         button->setObjectName(QLatin1String(group) + QString::number(choices->buttons().size()));
         button->setChecked(format == chosen);
+        button->setToolTip(tr("Now it is %1").arg(toQt(sampleOf(m_program, fromQt(format)))));
         choices->addButton(button);
         column->addWidget(button);
         connect(button, &QRadioButton::clicked, entry, [entry, format] { entry->setText(format); });
@@ -159,13 +168,17 @@ QWidget *OptionsForm::newZone() {
         m_zone->addItem(toQt(zone.listText()), zone.Time_Zone_ID);
     m_zone->setCurrentIndex(m_start.Time_Zone_ID ? m_zone->findData(*m_start.Time_Zone_ID) : -1);
     m_zone->setPlaceholderText(tr("Select a time zone"));
-    column->addWidget(new QLabel(tr("Times are shown in:")));
+    m_zone->setToolTip(tr("All dates of the window, of reports and of exports"));
+    auto *caption = new QLabel(tr("Times are shown &in:"));
+    caption->setBuddy(m_zone);
+    column->addWidget(caption);
     column->addWidget(m_zone);
     m_dst = addBox(*column, "chkEnableDSTChanges", tr("&Daylight saving time changes"),
                    tr("Off, all dates are shown in standard time."), m_start.EnableDSTChanges);
     auto *properties =
         named(new QPushButton(tr("Time Zone &Properties...")), "btnConfigureTimeZone");
     properties->setAutoDefault(false);
+    properties->setToolTip(tr("Look at the offset and the daylight time of any zone"));
     connect(properties, &QPushButton::clicked, this, &OptionsForm::showZoneProperties);
     column->addWidget(properties, 0, Qt::AlignLeft);
     column->addStretch(1);
@@ -187,9 +200,11 @@ QWidget *OptionsForm::newGallery() {
     auto *form = new QFormLayout;
     m_perPage = newNumbers("cbThumbnailsPerPage", {50, 100, 200, 300, 500, 1000},
                            m_start.GalleryRecordsPerPage);
+    m_perPage->setToolTip(tr("More on a page take longer to be drawn"));
     form->addRow(tr("Thumbnails per pa&ge:"), m_perPage);
     m_timeout =
         newNumbers("cbRedrawTimeout", {5, 10, 15, 20, 30, 60}, m_start.ThumbnailRedrawTimeout);
+    m_timeout->setToolTip(tr("A page that isn't drawn by then gets no thumbnail"));
     form->addRow(tr("Redraw &time-out (seconds):"), m_timeout);
     column->addLayout(form);
     column->addWidget(newHint(tr("Both numbers hold until the program ends.")));
@@ -205,17 +220,12 @@ QWidget *OptionsForm::newPard() {
                        "shows only pictures of these shapes, until the program ends."),
                     m_start.EnablePARD);
     auto *form = new QFormLayout;
-    const auto limit = [&](const QString &label, const char *name, const char *scroll, int value) {
-        auto *line = new QWidget;
-        auto *row = new QHBoxLayout(line);
-        row->setContentsMargins(0, 0, 0, 0);
-        QSpinBox *number = addScrolled(*row, name, scroll, Qt::Horizontal, 100, value);
+    m_from = addScrolled(*form, tr("&From:"), tr("The least difference that is shown"),
+                         {"txtPARDFrom", "scrollPARDFrom", Qt::Horizontal, 100}, m_start.PARDFrom);
+    m_to = addScrolled(*form, tr("&To:"), tr("The greatest difference that is shown"),
+                       {"txtPARDTo", "scrollPARDTo", Qt::Horizontal, 100}, m_start.PARDTo);
+    for (QSpinBox *number : {m_from, m_to})
         number->setSuffix(QStringLiteral(" %"));
-        form->addRow(label, line);
-        return number;
-    };
-    m_from = limit(tr("&From:"), "txtPARDFrom", "scrollPARDFrom", m_start.PARDFrom);
-    m_to = limit(tr("&To:"), "txtPARDTo", "scrollPARDTo", m_start.PARDTo);
     column->addLayout(form);
     m_pardText = named(new QLabel, "labPARD");
     column->addWidget(m_pardText);
@@ -236,6 +246,8 @@ QButtonGroup *OptionsForm::addSizes(QFormLayout &form, const QString &label, con
         auto *button = new QRadioButton(QString::fromLatin1(size.text));
         button->setObjectName(QLatin1String(name) + QString::number(group->buttons().size()));
         button->setChecked(size.width == width);
+        button->setAccessibleName(tr("%1 %2").arg(label, button->text()));
+        button->setToolTip(tr("Thumbnails that are drawn from now on have this size."));
         group->addButton(button, size.width);
         column->addWidget(button);
     }
@@ -276,8 +288,12 @@ QWidget *OptionsForm::newSafety() {
     m_connection->addButton(other, 1);
     const bool isUsual = m_start.NetworkConnectionName == kDefaultConnection;
     (isUsual ? usual : other)->setChecked(true);
+    usual->setToolTip(tr("The connection that is taken when no other one is named"));
+    other->setToolTip(tr("A connection of another name"));
     m_connectionName =
         named(new QLineEdit(toQt(m_start.NetworkConnectionName)), "txtLocalAreaConnection");
+    m_connectionName->setAccessibleName(tr("Name of the connection"));
+    m_connectionName->setToolTip(tr("As the system names it, such as eth0"));
     m_switch = named(new QPushButton, "btnLocalAreaConnection");
     m_switch->setAutoDefault(false);
     m_switch->setToolTip(tr("Cut the network before pages are looked at; it happens at once"));
@@ -298,14 +314,11 @@ QWidget *OptionsForm::newSafety() {
 QWidget *OptionsForm::newStatus() {
     auto *tab = new QWidget;
     auto *form = new QFormLayout(tab);
-    auto *line = new QWidget;
-    auto *row = new QHBoxLayout(line);
-    row->setContentsMargins(0, 0, 0, 0);
     constexpr int kMostSeconds = 60;
-    m_rate = addScrolled(*row, "txtStatusRefreshRate", "VScroll1", Qt::Vertical, kMostSeconds,
+    m_rate = addScrolled(*form, tr("&Refresh rate (seconds):"),
+                         tr("0 shows each step, which slows a task down"),
+                         {"txtStatusRefreshRate", "VScroll1", Qt::Vertical, kMostSeconds},
                          m_start.ProgressBarRefreshRate);
-    row->addStretch(1);
-    form->addRow(tr("&Refresh rate (seconds):"), line);
     form->addRow(newHint(tr("The status window of a long task changes its texts this often.")));
     return tab;
 }

@@ -51,9 +51,21 @@ inline QComboBox *newNumbers(const char *name, QList<int> numbers, int chosen) {
     return list;
 }
 
-/// A number with a scroll bar that moves it in whole steps, and follows it.
-inline QSpinBox *addScrolled(QHBoxLayout &row, const char *name, const char *scroll,
-                             Qt::Orientation direction, int most, int value) {
+/// What `addScrolled` adds.
+struct Scrolled {
+    const char *name;
+    const char *scroll;
+    Qt::Orientation direction;
+    int most; ///< from 0 on
+};
+
+/// A line of the form with a number and a scroll bar that moves it in whole steps, and follows it.
+inline QSpinBox *addScrolled(QFormLayout &form, const QString &label, const QString &hint,
+                             const Scrolled &what, int value) {
+    const auto [name, scroll, direction, most] = what;
+    auto *line = new QWidget;
+    auto *row = new QHBoxLayout(line);
+    row->setContentsMargins(0, 0, 0, 0);
     auto *number = named(new QSpinBox, name);
     number->setRange(0, most);
     auto *bar = named(new QScrollBar(direction), scroll);
@@ -65,8 +77,19 @@ inline QSpinBox *addScrolled(QHBoxLayout &row, const char *name, const char *scr
     QObject::connect(bar, &QScrollBar::valueChanged, number, &QSpinBox::setValue);
     QObject::connect(number, &QSpinBox::valueChanged, bar, &QScrollBar::setValue);
     number->setValue(value);
-    row.addWidget(number);
-    row.addWidget(bar, direction == Qt::Horizontal ? 1 : 0);
+    number->setToolTip(hint);
+    bar->setToolTip(hint);
+    row->addWidget(number);
+    row->addWidget(bar, direction == Qt::Horizontal ? 1 : 0);
+    if (direction == Qt::Vertical) {
+        // As high as the number, or the label would stand above it.
+        bar->setFixedHeight(number->sizeHint().height());
+        row->addStretch(1);
+    }
+    auto *caption = new QLabel(label);
+    caption->setBuddy(number);
+    bar->setAccessibleName(QString(label).remove(u'&').remove(u':'));
+    form.addRow(caption, line);
     return number;
 }
 

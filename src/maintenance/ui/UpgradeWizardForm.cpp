@@ -13,6 +13,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTableWidget>
 
@@ -21,6 +22,7 @@ namespace nv {
 namespace {
 
 constexpr int kStatusColumn = 3;
+constexpr int kBarSteps = 1000;
 constexpr int kTimeStep = 50; // milliseconds between two looks at the Stop button
 
 } // namespace
@@ -30,7 +32,8 @@ class UpgradeWizardForm::Task final : public TaskMonitor {
   public:
     explicit Task(UpgradeWizardForm &form) : m_form(form) { m_timer.start(); }
     void describe(const TaskHeading &) override {}
-    bool advance(double) override {
+    bool advance(double fraction) override {
+        m_form.m_bar->setValue(static_cast<int>(fraction * kBarSteps));
         if (m_timer.elapsed() >= kTimeStep) {
             QApplication::processEvents();
             m_timer.restart();
@@ -59,16 +62,28 @@ UpgradeWizardForm::UpgradeWizardForm(const UpgradeWhere &where, ProjectUpgrade &
     m_leftBehind = new QPlainTextEdit;
     m_leftBehind->setObjectName(QStringLiteral("txtLeftBehind"));
     m_leftBehind->setReadOnly(true);
+    m_leftBehind->setAccessibleName(tr("What a fix leaves behind, or what it has to tell"));
     m_leftBehind->setMaximumHeight(110);
     m_leftBehind->hide();
     m_status = new QLabel(tr("Press Scan to compare the project with this build."));
     m_status->setObjectName(QStringLiteral("labUpgradeStatus"));
     m_status->setTextFormat(Qt::PlainText);
+    m_status->setWordWrap(true);
+    m_status->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto *column = new QVBoxLayout(this);
     column->addWidget(project);
     column->addWidget(m_grid, 1);
     column->addWidget(m_leftBehind);
     column->addWidget(m_status);
+    m_bar = new QProgressBar;
+    m_bar->setObjectName(QStringLiteral("barUpgrade"));
+    m_bar->setRange(0, kBarSteps);
+    m_bar->setTextVisible(false);
+    m_bar->setAccessibleName(tr("Progress"));
+    QSizePolicy kept = m_bar->sizePolicy();
+    kept.setRetainSizeWhenHidden(true); // or the list would jump
+    m_bar->setSizePolicy(kept);
+    column->addWidget(m_bar);
     column->addWidget(newButtons());
     showState(State::idle);
 }
@@ -82,9 +97,11 @@ void UpgradeWizardForm::buildGrid() {
     m_grid->setHorizontalHeaderLabels(headings);
     m_grid->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     m_grid->verticalHeader()->hide();
+    m_grid->setAccessibleName(tr("Differences from this build"));
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_grid->setAlternatingRowColors(true);
+    m_grid->setTabKeyNavigation(false); // Tab leads on to the buttons
     letCopy(*m_grid);
 }
 
@@ -104,7 +121,9 @@ QWidget *UpgradeWizardForm::newButtons() {
     m_fix = add("FixBtn", [this] { FixBtn_Click(); });
     m_fix->setToolTip(tr("Move all data into a new file and keep the old one beside it"));
     row->addStretch();
-    add("btnCancel", [this] { reject(); })->setText(tr("Close"));
+    auto *close = add("btnCancel", [this] { reject(); });
+    close->setText(tr("&Close"));
+    close->setToolTip(tr("A scan or fix that runs is stopped; the project stays as it is"));
     return bar;
 }
 
@@ -113,6 +132,7 @@ void UpgradeWizardForm::showState(State state) {
     m_scan->setText(state == State::scanning ? tr("Stop") : tr("Scan"));
     m_fix->setText(state == State::fixing ? tr("Stop") : tr("Fix Now"));
     m_scan->setEnabled(state != State::fixing);
+    m_bar->setVisible(state != State::idle);
     m_fix->setEnabled(state == State::fixing || (state == State::idle && m_canFix));
 }
 
@@ -166,8 +186,10 @@ void UpgradeWizardForm::scan() {
     setStatus(found.complete ? toQt(kScanComplete) : tr("The scan was stopped."));
     m_canFix = found.complete && !found.differences.empty();
     showState(State::idle);
-    if (m_canFix)
-        m_examiner.tell(messages::fixFile());
+    if (!m_canFix)
+        return;
+    m_examiner.tell(messages::fixFile());
+    m_fix->setFocus();
 }
 
 void UpgradeWizardForm::showDifferences(const SchemaScan &scan) {

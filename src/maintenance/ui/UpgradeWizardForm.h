@@ -9,6 +9,7 @@
 
 class QLabel;
 class QPlainTextEdit;
+class QProgressBar;
 class QPushButton;
 class QTableWidget;
 
@@ -49,6 +50,7 @@ class UpgradeWizardForm final : public QDialog {
     QTableWidget *m_grid = nullptr; ///< vsGrid
     QPlainTextEdit *m_leftBehind = nullptr;
     QLabel *m_status = nullptr;
+    QProgressBar *m_bar = nullptr;
     QPushButton *m_scan = nullptr;
     QPushButton *m_fix = nullptr;
     State m_state = State::idle;

@@ -78,5 +78,29 @@ TEST_F(IniFileTest, aFileThatCantBeWrittenIsLoggedAndGivesFalse) {
     EXPECT_EQ(log.entries[0].severity, Severity::Warning);
 }
 
+TEST_F(IniFileTest, twoProgramsAtOnceLoseNoSetting) {
+    IniFile one = open("[A]\r\nx=1\r\n");
+    IniFile other(folder.path() / "Norvelane.ini", log);
+    EXPECT_TRUE(one.WriteIniValue("A", "x", "2"));
+    EXPECT_TRUE(other.WriteIniValue("A", "y", "3"));
+    EXPECT_TRUE(one.WriteIniValue("B", "z", "4"));
+    EXPECT_EQ(onDisk(), "[A]\r\nx=2\r\ny=3\r\n[B]\r\nz=4\r\n");
+    EXPECT_EQ(one.ReadIniValue("A", "y", 0), 3) << "a write shows what the other one wrote";
+}
+
+TEST_F(IniFileTest, whatCouldNotBeWrittenHoldsAndIsTriedAgain) {
+    IniFile ini(folder.path() / "later" / "x.ini", log);
+    EXPECT_FALSE(ini.WriteIniValue("A", "b", "c"));
+    EXPECT_FALSE(ini.WriteIniValue("A", "d", "e"));
+    EXPECT_TRUE(ini.hasUnwritten());
+    EXPECT_EQ(ini.ReadIniValue("A", "b", ""), "c");
+    std::filesystem::create_directories(folder.path() / "later");
+    EXPECT_TRUE(ini.WriteIniValue("A", "f", "g"));
+    EXPECT_FALSE(ini.hasUnwritten());
+    const IniFile again(folder.path() / "later" / "x.ini", log);
+    for (const auto &[key, value] : {std::pair("b", "c"), {"d", "e"}, {"f", "g"}})
+        EXPECT_EQ(again.ReadIniValue("A", key, ""), value);
+}
+
 } // namespace
 } // namespace nv

@@ -1,11 +1,7 @@
-#include "ProgramFixture.h"
+#include "OptionsFixture.h"
 #include "app/NetworkSwitch.h"
-#include "app/Options.h"
-#include "app/Project.h"
 #include "app/ProjectOptions.h"
 #include "base/Files.h"
-#include "db/CaseTrail.h"
-#include "db/ProjectFields.h"
 
 #include <gmock/gmock.h>
 
@@ -15,24 +11,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-struct OptionsTest : test::ProgramFixture {
-    OptionsTest() { start(); }
-    std::vector<ZoneRow> zones() { return InitTimeZone(*program); }
-    Options shown() { return readOptions(*program, zones()); }
-    std::string ini(std::string_view section, std::string_view key) {
-        return IniFile(paths.settings(), program->log).ReadIniValue(section, key, "(none)");
-    }
-    void openCase() { ASSERT_TRUE(createProject(*program, folder.path() / "case.nvp")); }
-    std::string inProject(std::string_view name) {
-        return ProjectFields(program->thisClass.ProjectDB.connection(), program->log)
-            .GetDefault(name);
-    }
-    std::vector<TrailEntry> trail() {
-        return CaseTrail(program->thisClass.ProjectDB.connection()).entries();
-    }
-    bool apply(const Options &options) { return applyOptions(*program, options).applied; }
-    ThisClass &state() { return program->thisClass; }
-};
+using OptionsTest = test::OptionsFixture;
 
 TEST_F(OptionsTest, theDialogsDefaultsDifferFromThoseOfTheStart) {
     EXPECT_EQ(state().DateFormat, "yyyy-mm-dd");
@@ -279,78 +258,6 @@ TEST_F(OptionsTest, theListSelectsByIdThenByBiasAndCanadaWins) {
     EXPECT_EQ(readOptions(*program, {other}).Time_Zone_ID, std::nullopt);
 }
 
-TEST_F(OptionsTest, aNewProjectsPathMustBeValid) {
-    Options options = readNewProjectOptions(*program, zones());
-    const OptionsOccasion fresh{.newProject = true, .closeOpenProject = {}, .overwriteAgreed = {}};
-    for (const char *wrong : {"", "none/case.nvp", "case.txt"}) {
-        options.ProjectDBPath = *wrong ? folder.path() / wrong : fs::path();
-        examiner.expect("invalid-project-path");
-        EXPECT_EQ(applyOptions(*program, options, fresh).focus, OptionsField::project) << wrong;
-    }
-    EXPECT_EQ(examiner.heard.back().text,
-              "The selected PROJECT file path is invalid or does not exist.");
-    EXPECT_EQ(examiner.heard.back().title, "Invalid File Path");
-    options.ProjectDBPath = folder.path() / "new.nvp";
-    options.RootPath = folder.path() / "none";
-    examiner.expect("invalid-base-folder");
-    EXPECT_EQ(applyOptions(*program, options, fresh).focus, OptionsField::base);
-    options.RootPath.clear();
-    EXPECT_TRUE(applyOptions(*program, options, fresh).applied);
-    EXPECT_EQ(ini("FILE PATHS", "LastProjectDBPath"), (folder.path() / "new.nvp").string());
-}
-
-TEST_F(OptionsTest, anExistingFileIsAskedAboutBeforeAnythingElse) {
-    Options options = readNewProjectOptions(*program, zones());
-    options.ProjectDBPath = folder.write("kept.nvp", "x");
-    options.VerifyFileSignatures = false;
-    OptionsOccasion fresh{.newProject = true, .closeOpenProject = {}, .overwriteAgreed = {}};
-    examiner.expect("overwrite-project", Answer::No);
-    EXPECT_FALSE(applyOptions(*program, options, fresh).applied);
-    EXPECT_TRUE(state().VerifyFileSignatures);
-    EXPECT_THAT(examiner.heard.back().text, HasSubstr("The project file entered already exists."));
-    EXPECT_THAT(examiner.heard.back().text, HasSubstr("Do you want to overwrite the file?"));
-    EXPECT_EQ(examiner.heard.back().title, "File Already Exists");
-    examiner.expect("overwrite-project", Answer::Yes);
-    EXPECT_TRUE(applyOptions(*program, options, fresh).applied);
-    fresh.overwriteAgreed = options.ProjectDBPath;
-    EXPECT_TRUE(applyOptions(*program, options, fresh).applied) << "asked in the file dialog";
-}
-
-TEST_F(OptionsTest, theOpenProjectNeverGetsTheNewOnesValues) {
-    openCase();
-    const auto zone = state().GMTZone.tzTimeZoneID;
-    Options options = readNewProjectOptions(*program, zones());
-    options.Time_Zone_ID = 20;
-    options.ProjectDBPath = folder.path() / "none" / "new.nvp";
-    bool closed = false;
-    const OptionsOccasion fresh{.newProject = true,
-                                .closeOpenProject =
-                                    [&] {
-                                        closed = true;
-                                        closeProject(*program);
-                                    },
-                                .overwriteAgreed = {}};
-    examiner.expect("invalid-project-path");
-    EXPECT_FALSE(applyOptions(*program, options, fresh).applied);
-    EXPECT_FALSE(closed);
-    EXPECT_EQ(state().GMTZone.tzTimeZoneID, zone);
-    options.ProjectDBPath = folder.path() / "new.nvp";
-    EXPECT_TRUE(applyOptions(*program, options, fresh).applied);
-    EXPECT_TRUE(closed);
-    EXPECT_EQ(state().GMTZone.tzTimeZoneID, 20);
-    openProject(*program, folder.path() / "case.nvp");
-    EXPECT_EQ(inProject("LastTimeZoneID"), std::to_string(zone));
-    EXPECT_EQ(inProject("DateFormat"), "");
-}
-
-TEST_F(OptionsTest, aNewProjectIsOfferedAFileThatIsntThere) {
-    settings("[FILE PATHS]\nProject=" + folder.path().string() + "\n");
-    start();
-    EXPECT_EQ(readNewProjectOptions(*program, zones()).ProjectDBPath, folder.path() / "Case.nvp");
-    folder.write("Case.nvp", "x");
-    EXPECT_EQ(readNewProjectOptions(*program, zones()).ProjectDBPath, folder.path() / "Case 2.nvp");
-}
-
 TEST_F(OptionsTest, theNamedConnectionIsSwitchedWithoutChangingTheSetting) {
     network.status = "ENABLED";
     network.answer = Switched::done;
@@ -363,6 +270,17 @@ TEST_F(OptionsTest, theNamedConnectionIsSwitchedWithoutChangingTheSetting) {
     network.status = "DISABLED";
     switchConnectionOver(*program, "eth7");
     EXPECT_EQ(network.asked[1].second, ConnectionState::enabled);
+}
+
+TEST_F(OptionsTest, settingsThatCantBeWrittenAreTold) {
+    Options options = shown();
+    options.GalleryIncludeHTML = false;
+    fs::create_directories(paths.settings().native() + ".new"); // stands where a file is written
+    examiner.expect("settings-not-written");
+    EXPECT_TRUE(apply(options));
+    EXPECT_THAT(examiner.heard.back().text, HasSubstr(paths.settings().string()));
+    EXPECT_FALSE(state().GalleryIncludeHTML) << "holds until the program ends";
+    EXPECT_EQ(ini("OPTIONS", "GalleryIncludeHTML"), "(none)");
 }
 
 } // namespace

@@ -262,5 +262,17 @@ TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineGoesIntoTheScratchProject)
     EXPECT_EQ(window.loaded, 1);
 }
 
+TEST_F(ProjectCommandsTest, saveAsWritesNothingAmongTheEvidence) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    fs::create_directories(folder.path() / "evidence");
+    setRootPath(*program, folder.path() / "evidence");
+    dialogs.answer = folder.path() / "evidence" / "copy.nvp";
+    examiner.expect("lies-in-evidence");
+    EXPECT_FALSE(commands.SaveAs());
+    EXPECT_TRUE(fs::is_empty(folder.path() / "evidence"));
+    EXPECT_EQ(program->thisClass.ProjectDBPath, path) << "the open project stays open";
+    EXPECT_EQ(rows(), 0);
+}
+
 } // namespace
 } // namespace nv

@@ -77,5 +77,18 @@ TEST_F(SettingsTableTest, theNearestNamesAreOffered) {
               (std::vector<std::string>{"DateFormat", "TimeFormat", "Theme"}));
 }
 
+TEST_F(SettingsTableTest, hostileValuesAreRefusedWithTheWordsOfOptions) {
+    EXPECT_THAT(check("DateFormat", std::string(4001, 'y')).refusal, HasSubstr("4000 bytes"));
+    EXPECT_EQ(check("DateFormat", std::string(4000, 'y')).refusal, "");
+    EXPECT_EQ(check("TempFolderPath", "../../no/such").refusal,
+              "The selected TEMP folder is invalid or does not exist.");
+    EXPECT_NE(check("PublishFolder", std::string(3999, 'x')).refusal, "");
+    EXPECT_NE(check("CaseNumber", std::string("a\0b", 3)).refusal, "");
+    EXPECT_EQ(check("CaseNumber", "\xC3\x84rger \xE4\xBA\x8B").refusal, "");
+    std::filesystem::create_directories(folder.path() / "reports");
+    EXPECT_EQ(check("PublishFolder", (folder.path() / "home" / ".." / "reports").string()).value,
+              (folder.path() / "reports").string());
+}
+
 } // namespace
 } // namespace nv

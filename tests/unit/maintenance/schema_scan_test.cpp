@@ -104,6 +104,8 @@ TEST_F(SchemaScanTest, aLeftoverOfAnEarlierRunIsNoHindrance) {
 TEST_F(SchemaScanTest, whatIsNoDatabaseIsRefused) {
     writeWhole(path, std::string(5000, 'x'));
     EXPECT_THROW(scan(), StorageFailure);
+    writeWhole(path, ""); // SQLite takes it for a database
+    EXPECT_THROW(scan(), StorageFailure);
     std::filesystem::remove(path);
     EXPECT_THROW(scan(), StorageFailure);
     EXPECT_FALSE(std::filesystem::exists(path));

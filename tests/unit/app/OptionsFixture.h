@@ -1,0 +1,31 @@
+#pragma once
+
+#include "ProgramFixture.h"
+#include "app/Options.h"
+#include "app/Project.h"
+#include "db/CaseTrail.h"
+#include "db/ProjectFields.h"
+
+namespace nv::test {
+
+/// A program whose Options are read and applied.
+struct OptionsFixture : ProgramFixture {
+    OptionsFixture() { start(); }
+    std::vector<ZoneRow> zones() { return InitTimeZone(*program); }
+    Options shown() { return readOptions(*program, zones()); }
+    std::string ini(std::string_view section, std::string_view key) {
+        return IniFile(paths.settings(), program->log).ReadIniValue(section, key, "(none)");
+    }
+    void openCase() { ASSERT_TRUE(createProject(*program, folder.path() / "case.nvp")); }
+    std::string inProject(std::string_view name) {
+        return ProjectFields(program->thisClass.ProjectDB.connection(), program->log)
+            .GetDefault(name);
+    }
+    std::vector<TrailEntry> trail() {
+        return CaseTrail(program->thisClass.ProjectDB.connection()).entries();
+    }
+    bool apply(const Options &options) { return applyOptions(*program, options).applied; }
+    ThisClass &state() { return program->thisClass; }
+};
+
+} // namespace nv::test
