@@ -33,11 +33,11 @@ Session::~Session() {
     std::filesystem::remove_all(m_scratch, ignored);
 }
 
-void Session::open(const std::filesystem::path &project) {
+void Session::open(const std::filesystem::path &project, Access access) {
     if (!isProjectName(project))
         throw StorageFailure(
             fmt::format("\"{}\": {}", textOf(project), messages::notAProjectFile().text));
-    openProject(program, project);
+    openProject(program, project, access);
     if (isOlderProject(program))
         err << fmt::format("This project file was made with an earlier build of Norvelane: the "
                            "command `upgrade {}` compares it with this one's.\n",

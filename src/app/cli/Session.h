@@ -47,7 +47,9 @@ class Session {
 
     /// Throws StorageFailure when `project` has not the extension of projects, isn't there, or
     /// can't be opened.
-    void open(const std::filesystem::path &project);
+    void open(const std::filesystem::path &project, Access access = Access::write);
+    /// The same for commands that only look: no byte of the project changes.
+    void openForReading(const std::filesystem::path &project) { open(project, Access::read); }
     /// A folder of this run's own below the Temp folder, removed at its end.
     const std::filesystem::path &scratch();
 
