@@ -174,7 +174,7 @@ void TemplatesTest::theTemplateIsLaidOverTheCurrentPage() {
     choose(3);
     QVERIFY(rebuiltText(3).empty());
     click("btnTemplateApply");
-    QCOMPARE(notice(), QStringLiteral("1 of 1 pages rebuilt from the template."));
+    QCOMPARE(notice(), QStringLiteral("1 of 1 page rebuilt from the template."));
     QVERIFY(rebuiltText(3).find("0000002.gif") != std::string::npos);
     const auto place = child<TableTab>(*m_form, "TableTab").table()->placeOf(UrlId{3});
     const QModelIndex rebuilt = grid().model()->index(static_cast<int>(place.value()),

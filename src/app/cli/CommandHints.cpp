@@ -70,11 +70,15 @@ std::string meant(const std::string &word, const std::vector<std::string> &known
     return near.empty() ? "" : fmt::format("; was \"{}\" meant?", near);
 }
 
+bool isOption(const std::string &word) {
+    return word.starts_with("-");
+}
+
 /// Of a word that has no place in the call.
 std::string unknownWord(const Understood &place, const std::string &word) {
     const std::string shown = printable(word);
     const std::string of = place.words.empty() ? "" : " of " + place.words;
-    if (word.starts_with("-"))
+    if (isOption(word))
         return fmt::format("there is no option \"{}\"{}{}", shown, of,
                            meant(word, optionsOf(*place.command)));
     const auto commands = commandsOf(*place.command);
@@ -88,8 +92,9 @@ std::string unknownWord(const Understood &place, const std::string &word) {
 std::string reasonOf(const Understood &place, const CLI::Error &error) {
     const std::string what = error.what();
     const auto left = place.command->remaining();
-    if (error.get_name() == "ExtrasError" && !left.empty())
-        return unknownWord(place, left.front());
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) && !left.empty())
+        // A word behind an unknown option was meant as its value.
+        return unknownWord(place, *std::ranges::max_element(left, {}, isOption));
     if (what == CLI::RequiredError::Subcommand(1).what())
         return left.empty() ? "a command was expected" : unknownWord(place, left.front());
     constexpr std::string_view kNotConverted = "Could not convert: ";

@@ -127,7 +127,7 @@ TEST_F(TemplateJobTest, asksBeforeATemplateIsOverwritten) {
 TEST_F(TemplateJobTest, laysTemplatesOverPagesOfTheirTitle) {
     const fs::path file = made();
     EXPECT_EQ(laidText(lay({2}, {file})),
-              "0 of 1 pages rebuilt from the template. 1 not: its title is another than the "
+              "0 of 1 page rebuilt from the template. 1 not: its title is another than the "
               "template's.");
     EXPECT_FALSE(isRebuilt(2));
     setTitle(2, " HARBOUR news ");
@@ -158,7 +158,7 @@ TEST_F(TemplateJobTest, whatIsNoTemplateChangesNothing) {
     writeWhole(templates / "empty.NVT", std::string(0x1000, '\0'));
     EXPECT_EQ(lay({2}, {templates / "short.NVT"}).results[Laid::failed], 1u);
     EXPECT_EQ(laidText(lay({2}, {templates / "empty.NVT"})),
-              "0 of 1 pages rebuilt from the template. 1 not: the template holds no page.");
+              "0 of 1 page rebuilt from the template. 1 not: the template holds no page.");
     EXPECT_EQ(lay({2}, {templates / "gone.NVT"}).results[Laid::failed], 1u);
     EXPECT_FALSE(isRebuilt(2));
     const auto rows = listTemplates(templates, program->log);
