@@ -1,4 +1,5 @@
 #include "app/cli/Grammar.h"
+#include "base/Files.h"
 #include "db/SqlTokens.h"
 
 #include <filesystem>
@@ -22,7 +23,12 @@ int main(int argc, char **argv) {
         grammar.app.parse(argc, argv);
         const auto executable = std::filesystem::read_symlink("/proc/self/exe");
         Session session(executable.string(), std::cout, std::cerr);
-        return static_cast<int>(grammar.chosen(session));
+        const Exit exit = grammar.chosen(session);
+        std::cout.flush();
+        if (!std::cout)
+            throw StorageFailure("the standard output can't be written: what was printed is not "
+                                 "whole");
+        return static_cast<int>(exit);
     } catch (const CLI::ParseError &problem) {
         // Asking for help or the version ends the parsing too, with 0.
         return grammar.app.exit(problem) == 0 ? 0 : static_cast<int>(Exit::usage);

@@ -94,7 +94,7 @@ std::string closingLine(const ExportClass &job) {
 
 Exit exportCommand(Session &session, const ExportArguments &arguments) {
     ExportClass job = jobOf(arguments);
-    session.open(arguments.project);
+    const bool notes = session.openForNote(arguments.project);
     const ThisClass &state = session.program.thisClass;
     checkTarget(arguments, state);
     job.OutputFilePath = toStandardOutput(arguments) ? session.scratch() / "standard-output"
@@ -110,7 +110,7 @@ Exit exportCommand(Session &session, const ExportArguments &arguments) {
             end = exportRows(job, table, session.scratch(), session.task);
             if (end == ExportEnd::exported && toStandardOutput(arguments))
                 handOver(session, job.OutputFilePath);
-            if (end == ExportEnd::exported)
+            if (end == ExportEnd::exported && notes)
                 noteExport(session.program, job,
                            toStandardOutput(arguments) ? "standard output" : "");
         }

@@ -141,6 +141,8 @@ void writeSheet(Session &session, const Gallery &gallery, const GalleryArguments
         return drawSheet(session, sheet, arguments);
     errno = 0;
     std::ofstream file(fs::path(arguments.out), std::ios::binary | std::ios::trunc);
+    if (!file)
+        throw FileFailure("cannot write", arguments.out, errno);
     writeContactSheet(file, sheet);
     file.close();
     if (!file)

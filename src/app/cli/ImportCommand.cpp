@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <set>
+#include <unistd.h>
 
 namespace nv::cli {
 
@@ -86,6 +87,9 @@ void checkProjectFolder(const fs::path &project) {
     const fs::path folder = fs::absolute(project).parent_path();
     if (!fs::is_directory(folder))
         throw StorageFailure(fmt::format("\"{}\": there is no folder \"{}\" for the project",
+                                         textOf(project), textOf(folder)));
+    if (::access(folder.c_str(), W_OK) != 0)
+        throw StorageFailure(fmt::format("\"{}\": the folder \"{}\" can't be written",
                                          textOf(project), textOf(folder)));
 }
 

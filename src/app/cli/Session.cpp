@@ -44,6 +44,16 @@ void Session::open(const std::filesystem::path &project, Access access) {
                            printable(textOf(project)));
 }
 
+bool Session::openForNote(const std::filesystem::path &project) {
+    const auto folder = std::filesystem::absolute(project).parent_path();
+    const bool writable =
+        ::access(project.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
+    open(project, writable ? Access::write : Access::read);
+    if (!writable)
+        err << "the project can't be written: its trail has no note of this\n";
+    return writable;
+}
+
 const std::filesystem::path &Session::scratch() {
     if (m_scratch.empty()) {
         std::string name = (program.thisClass.TempFolderPath / "cli-XXXXXX").string();
