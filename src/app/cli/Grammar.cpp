@@ -69,9 +69,9 @@ void Grammar::addProject(CLI::App *to, std::string &project) {
 void Grammar::addFormat(CLI::App *to) {
     to->add_option("--format", m_format, "table, csv, tsv or jsonl")
         ->transform(numberOf({{"table", static_cast<int>(Format::table)},
-                           {"csv", static_cast<int>(Format::csv)},
-                           {"tsv", static_cast<int>(Format::tsv)},
-                           {"jsonl", static_cast<int>(Format::jsonl)}}))
+                              {"csv", static_cast<int>(Format::csv)},
+                              {"tsv", static_cast<int>(Format::tsv)},
+                              {"jsonl", static_cast<int>(Format::jsonl)}}))
         ->default_str("table");
 }
 

@@ -11,9 +11,9 @@ void Grammar::addExport() {
     c->add_option("--format", m_export.format,
                   "delimited, csv, jsonl or xlsx (default: by the extension of FILE)")
         ->transform(numberOf({{"delimited", static_cast<int>(ExportFormat::delimited)},
-                           {"csv", static_cast<int>(ExportFormat::csv)},
-                           {"jsonl", static_cast<int>(ExportFormat::jsonl)},
-                           {"xlsx", static_cast<int>(ExportFormat::xlsx)}}));
+                              {"csv", static_cast<int>(ExportFormat::csv)},
+                              {"jsonl", static_cast<int>(ExportFormat::jsonl)},
+                              {"xlsx", static_cast<int>(ExportFormat::xlsx)}}));
     c->add_option("--delimiter", m_export.delimiter, "Of delimited: | , ; or tab")
         ->default_str("|");
     c->add_option("--columns", m_export.columns,
