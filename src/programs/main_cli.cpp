@@ -10,6 +10,9 @@ using namespace nv::cli;
 
 namespace {
 
+/// As a shell shows a program that a closed pipe has ended.
+constexpr int kOutputClosed = 141;
+
 int fail(const std::exception &failure, Exit code) {
     std::cerr << "norvelane-cli: " << printable(failure.what()) << '\n';
     return static_cast<int>(code);
@@ -24,10 +27,9 @@ int main(int argc, char **argv) {
         const auto executable = std::filesystem::read_symlink("/proc/self/exe");
         Session session(executable.string(), std::cout, std::cerr);
         const Exit exit = grammar.chosen(session);
-        std::cout.flush();
-        if (!std::cout)
-            throw StorageFailure("the standard output can't be written: what was printed is not "
-                                 "whole");
+        if (outputClosed)
+            return kOutputClosed;
+        session.flushOutput();
         return static_cast<int>(exit);
     } catch (const CLI::ParseError &problem) {
         // Asking for help or the version ends the parsing too, with 0.
@@ -36,6 +38,10 @@ int main(int argc, char **argv) {
         return fail(failure, Exit::usage);
     } catch (const DialectError &failure) {
         return fail(failure, Exit::usage);
+    } catch (const std::filesystem::filesystem_error &failure) {
+        std::cerr << "norvelane-cli: \"" << printable(textOf(failure.path1()))
+                  << "\": " << failure.code().message() << '\n';
+        return static_cast<int>(Exit::projectUnusable);
     } catch (const std::exception &failure) {
         return fail(failure, Exit::projectUnusable);
     }

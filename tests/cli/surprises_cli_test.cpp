@@ -8,6 +8,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <sys/wait.h>
+
 namespace nv::test {
 namespace {
 
@@ -47,6 +50,19 @@ class SurprisesCliTest : public testing::Test {
     CliResult runAlone(std::vector<std::string> arguments) {
         return runProgram(folder.path() / "alone" / "norvelane-cli", arguments,
                           folder.path() / "home");
+    }
+    /// The exit code of a line that a shell runs with the program in front.
+    int shell(const std::string &line) {
+        fs::create_directories(folder.path() / "home");
+        // The messages of the program alone, also when the line goes on behind a "|".
+        const std::string command =
+            "NORVELANE_HOME='" + at("home") + "' 2> '" + at("err") + "' '" NV_CLI "' " + line;
+        const int status = std::system(command.c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    std::string errors() {
+        const Bytes bytes = readWhole(at("err"));
+        return std::string(ByteView(bytes).raw());
     }
     std::string at(const char *name) { return (folder.path() / name).string(); }
 
@@ -207,6 +223,51 @@ TEST_F(SurprisesCliTest, aTemplateIsFoundByItsNameInTheFolder) {
     for (const char *name : {"page", "page.NVT"})
         EXPECT_THAT(run({"template", "apply", project, name, "1", "--folder", at("mine")}).out,
                     HasSubstr("        1  not rebuilt"));
+}
+
+TEST_F(SurprisesCliTest, anOutputThatCantBeWrittenIsNoSuccess) {
+    import();
+    for (const char *call : {"list", "hosts", "queries", "trail"})
+        EXPECT_EQ(shell(std::string(call) + " '" + project + "' > /dev/full"), 3) << call;
+    EXPECT_THAT(errors(), HasSubstr("the standard output can't be written"));
+    EXPECT_EQ(shell("export '" + project + "' - > /dev/full"), 3);
+    EXPECT_THAT(run({"trail", project}).out, Not(HasSubstr("Export")));
+    EXPECT_EQ(shell("extract '" + project + "' 1 - > /dev/full"), 3);
+}
+
+TEST_F(SurprisesCliTest, aPipeThatIsClosedLeavesTheProjectInOrder) {
+    import();
+    EXPECT_EQ(shell("list '" + project + "' --format csv | true"), 0);
+    EXPECT_EQ(errors(), "");
+    EXPECT_TRUE(fs::is_empty(folder.path() / "home" / "Temp"));
+    EXPECT_FALSE(fs::exists(project + "-wal"));
+}
+
+TEST_F(SurprisesCliTest, namesThatAreTooLongAreRefusedWithTheReason) {
+    import();
+    const std::string longName(300, 'a');
+    const std::vector<std::vector<std::string>> calls = {
+        {"extract", project, "1", at(longName.c_str())},
+        {"export", project, at((longName + ".csv").c_str())},
+        {"gallery", project, "--out", at((longName + ".html").c_str())},
+        {"import", at((longName + ".nvp").c_str()), evidence.string()}};
+    for (const auto &call : calls) {
+        const CliResult wrong = run(call);
+        EXPECT_EQ(wrong.exit, 3) << call.front();
+        EXPECT_THAT(wrong.err, HasSubstr("\": File name too long")) << call.front();
+    }
+}
+
+TEST_F(SurprisesCliTest, aProjectThatIsNoneSaysWhatItIs) {
+    folder.write("empty.nvp", "");
+    EXPECT_THAT(run({"list", at("empty.nvp")}).err, HasSubstr("the file is empty"));
+    folder.write("text.nvp", std::string(5000, 'x'));
+    EXPECT_THAT(run({"list", at("text.nvp")}).err, HasSubstr("this is no project ("));
+    import();
+    fs::resize_file(project, fs::file_size(project) / 2);
+    const CliResult cut = run({"list", project});
+    EXPECT_EQ(cut.exit, 3);
+    EXPECT_THAT(cut.err, HasSubstr("damaged or cut short"));
 }
 
 } // namespace

@@ -78,7 +78,7 @@ void handOver(Session &session, const fs::path &file) {
         session.out.write(block.data(), static_cast<std::streamsize>(block.size()));
         return session.out.good();
     });
-    session.out.flush();
+    session.flushOutput();
 }
 
 /// Which form it is isn't plain when the extension has none.

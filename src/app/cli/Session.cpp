@@ -54,6 +54,12 @@ bool Session::openForNote(const std::filesystem::path &project) {
     return writable;
 }
 
+void Session::flushOutput() {
+    out.flush();
+    if (!out && !outputClosed)
+        throw StorageFailure("the standard output can't be written: what was printed is not whole");
+}
+
 const std::filesystem::path &Session::scratch() {
     if (m_scratch.empty()) {
         std::string name = (program.thisClass.TempFolderPath / "cli-XXXXXX").string();

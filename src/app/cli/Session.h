@@ -53,6 +53,8 @@ class Session {
     /// For commands whose only trace in the project is a note in its trail: on a medium that can't
     /// be written they work all the same, and tell that there is no note. False then.
     bool openForNote(const std::filesystem::path &project);
+    /// Throws StorageFailure when not everything that was printed has arrived.
+    void flushOutput();
     /// A folder of this run's own below the Temp folder, removed at its end.
     const std::filesystem::path &scratch();
 
