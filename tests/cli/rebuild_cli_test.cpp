@@ -77,7 +77,7 @@ TEST_F(RebuildCliTest, thumbnailsAreDrawnAnewOrToldOf) {
     EXPECT_EQ(run.exit, 0) << run.err; // the page is rebuilt either way
     EXPECT_EQ(fs::exists(drawn), draws);
     if (draws)
-        EXPECT_NE(run.out.find("1 thumbnails drawn anew"), std::string::npos) << run.out;
+        EXPECT_NE(run.out.find("1 thumbnail drawn anew"), std::string::npos) << run.out;
     else
         EXPECT_NE(run.err.find("1 thumbnail could not be drawn; see"), std::string::npos)
             << run.err;
