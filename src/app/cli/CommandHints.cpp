@@ -98,7 +98,8 @@ std::string reasonOf(const Understood &place, const CLI::Error &error) {
     if (what == CLI::RequiredError::Subcommand(1).what())
         return left.empty() ? "a command was expected" : unknownWord(place, left.front());
     constexpr std::string_view kNotConverted = "Could not convert: ";
-    if (const auto is = what.find(" = "); what.starts_with(kNotConverted) && is != what.npos)
+    if (const auto is = what.find(" = ");
+        what.starts_with(kNotConverted) && is != std::string::npos)
         return fmt::format("{}: \"{}\" is no number that can be taken",
                            what.substr(kNotConverted.size(), is - kNotConverted.size()),
                            what.substr(is + 3));
@@ -123,6 +124,7 @@ CLI::Validator numberOf(std::vector<std::pair<std::string, int>> words) {
 
 CLI::Validator oneOf(const std::vector<std::string> &words) {
     std::vector<std::pair<std::string, int>> numbered;
+    numbered.reserve(words.size());
     for (const std::string &word : words)
         numbered.emplace_back(word, static_cast<int>(numbered.size()));
     return CLI::Validator(
