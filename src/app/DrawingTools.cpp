@@ -4,6 +4,8 @@
 #include "platform/ChildProcess.h"
 #include "platform/posix/DrawProgram.h"
 
+#include <fmt/format.h>
+
 namespace nv {
 
 namespace {
@@ -16,11 +18,20 @@ bool canDraw() {
     return companionProgram(kProgram).has_value();
 }
 
+std::string whyNoDrawing() {
+    std::string places;
+    for (const std::filesystem::path &folder : companionFolders())
+        places += fmt::format("{}\"{}\"", places.empty() ? "" : ", ", textOf(folder));
+    return fmt::format(
+        "pictures and pages can't be drawn: {}, which comes with the window, was not "
+        "found in {}; the variable NORVELANE_PROGRAMS may name another folder",
+        kProgram, places);
+}
+
 std::unique_ptr<Drawing> makeDrawing(const std::filesystem::path &scratch) {
     const auto program = companionProgram(kProgram);
     if (!program)
-        throw StorageFailure("pictures and pages can't be drawn: norvelane-draw, which comes with "
-                             "the window, was not found");
+        throw StorageFailure(whyNoDrawing());
     return std::make_unique<DrawProgram>(program, scratch);
 }
 

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
 
 namespace nv {
 
@@ -13,5 +14,7 @@ std::unique_ptr<Drawing> makeDrawing(const std::filesystem::path &scratch);
 
 /// Whether this build can draw.
 bool canDraw();
+/// What is missing when it can't, and where it was looked for.
+std::string whyNoDrawing();
 
 } // namespace nv

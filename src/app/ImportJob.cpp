@@ -8,6 +8,7 @@
 #include "base/Trap.h"
 #include "import/ImportRun.h"
 #include "views/DateIndex.h"
+#include "views/MovedEvidence.h"
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Database.h>
@@ -48,6 +49,15 @@ std::int64_t lastIdOf(SQLite::Database &project) {
     return project.execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs").getInt64();
 }
 
+/// What the table would do at its first load: whoever only looks at the project then finds it
+/// ready, and needn't write to it.
+void prepareTable(Program &program, TaskMonitor &task) {
+    SQLite::Database &project = program.thisClass.ProjectDB.connection();
+    mendRootPath(project, program.log, textOf(program.thisClass.RootPath), task);
+    ensureDateIndex(project, task);
+    ensureLinkIndexes(project, task);
+}
+
 /// Behind the reading: the rows are safe by then, whatever drawing comes to.
 void makeImportThumbnails(Program &program, TaskMonitor &task, const fs::path &scratch,
                           std::int64_t lastId, ImportSummary &summary) {
@@ -79,7 +89,7 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
     ImportSummary summary = runImport(run, program.import);
     noteImport(program, summary);
     if (!summary.cancelled && summary.failure.empty())
-        ensureDateIndex(project, task);
+        prepareTable(program, task);
     if (!summary.cancelled && summary.failure.empty())
         makeImportThumbnails(program, task, scratch, lastId, summary);
     return summary;

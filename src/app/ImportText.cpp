@@ -1,6 +1,7 @@
 #include "app/ImportText.h"
 
 #include "base/Files.h"
+#include "base/Text.h"
 
 #include <fmt/format.h>
 
@@ -13,18 +14,24 @@ namespace {
 /// Of each kind of one-row files; a cache may hold thousands of loose pages.
 constexpr int kListed = 5;
 
+/// Behind a number that stands in a column of its own.
+std::string_view rowWord(std::uint64_t count) {
+    return count == 1 ? "row" : "rows";
+}
+
 std::string artefactText(const ArtefactResult &artefact) {
-    std::string text =
-        fmt::format("{:<12} {:>9} rows  type {:<3} {:<20} {}  {}\n", stateWord(artefact.state),
-                    artefact.rowsSaved, static_cast<int>(artefact.type), artefact.readerKey,
-                    artefact.MD5Hash, textOf(artefact.path));
+    std::string text = fmt::format("{:<12} {:>9} {:<4}  type {:<3} {:<20} {}  {}\n",
+                                   stateWord(artefact.state), artefact.rowsSaved,
+                                   rowWord(artefact.rowsSaved), static_cast<int>(artefact.type),
+                                   artefact.readerKey, artefact.MD5Hash, textOf(artefact.path));
     const auto note = [&text](std::string_view what) { text += fmt::format("    {}\n", what); };
     if (!artefact.reason.empty())
         note(artefact.reason);
     if (artefact.notReached > 0)
-        note(fmt::format("{} entries were not reached", artefact.notReached));
+        note(fmt::format("{} not reached", counted(artefact.notReached, "entry", "entries")));
     if (artefact.rowsLost > 0)
-        note(fmt::format("{} records could not be saved, see the log", artefact.rowsLost));
+        note(fmt::format("{} could not be saved, see the log",
+                         counted(artefact.rowsLost, "record")));
     for (const auto &[reason, count] : artefact.passedOver)
         note(fmt::format("{} passed over: {}", count, reason));
     for (const auto &[reason, count] : artefact.noted)
@@ -47,17 +54,20 @@ std::string artefactsText(const ImportSummary &summary) {
             text += artefactText(artefact);
     for (const auto &[reader, count] : plain)
         if (count > kListed)
-            text += fmt::format("{:<12} {:>9} rows  {} further files of the kind {}\n",
+            text += fmt::format("{:<12} {:>9} {:<4}  {} of the kind {}\n",
                                 stateWord(ArtefactState::complete), count - kListed,
-                                count - kListed, reader);
+                                rowWord(count - kListed), counted(count - kListed, "further file"),
+                                reader);
     return text;
 }
 
 std::string kindText(const std::string &reader, const KindTotals &kind) {
-    std::string text = fmt::format("{:<20} {:>9} rows from {} of {} artefacts\n", reader, kind.rows,
-                                   kind.complete, kind.artefacts);
+    std::string text =
+        fmt::format("{:<20} {:>9} {:<4} from {} of {}\n", reader, kind.rows, rowWord(kind.rows),
+                    kind.complete, counted(kind.artefacts, "artefact"));
     if (kind.notReached > 0)
-        text += fmt::format("{:<20} {:>9} entries not reached\n", "", kind.notReached);
+        text += fmt::format("{:<20} {:>9} {} not reached\n", "", kind.notReached,
+                            kind.notReached == 1 ? "entry" : "entries");
     for (const auto &[reason, count] : kind.passedOver)
         text += fmt::format("{:<20} {:>9} passed over: {}\n", "", count, reason);
     for (const auto &[reason, count] : kind.noted)
@@ -68,9 +78,10 @@ std::string kindText(const std::string &reader, const KindTotals &kind) {
 std::string thumbnailsText(const ImportThumbnails &thumbnails) {
     std::string text;
     if (thumbnails.made + thumbnails.failed + thumbnails.passedOver > 0)
-        text = fmt::format("{} thumbnails made, {} could not be drawn, {} without cached content "
+        text = fmt::format("{} made, {} could not be drawn, {} without cached content "
                            "or of other kinds\n",
-                           thumbnails.made, thumbnails.failed, thumbnails.passedOver);
+                           counted(thumbnails.made, "thumbnail"), thumbnails.failed,
+                           thumbnails.passedOver);
     if (!thumbnails.failure.empty())
         text += fmt::format("No more thumbnails were made: {}\n", thumbnails.failure);
     return text;
@@ -82,11 +93,10 @@ std::string summaryText(const ImportSummary &summary) {
     std::string text = artefactsText(summary);
     for (const auto &[reader, kind] : summary.byReader())
         text += kindText(reader, kind);
-    text +=
-        fmt::format("{} rows from {} of {} artefacts; {} entries not reached, {} records passed "
-                    "over\n",
-                    summary.rowsSaved(), summary.count(ArtefactState::complete),
-                    summary.artefacts.size(), summary.notReached(), summary.passedOver());
+    text += fmt::format(
+        "{} from {} of {}; {} not reached, {} passed over\n", counted(summary.rowsSaved(), "row"),
+        summary.count(ArtefactState::complete), counted(summary.artefacts.size(), "artefact"),
+        counted(summary.notReached(), "entry", "entries"), counted(summary.passedOver(), "record"));
     text += thumbnailsText(summary.thumbnails);
     if (summary.cancelled)
         text += "The import was cancelled; what was written is kept.\n";

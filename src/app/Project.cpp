@@ -57,10 +57,10 @@ bool createProject(Program &program, const fs::path &path) {
     return true;
 }
 
-void openProject(Program &program, const fs::path &path) {
+void openProject(Program &program, const fs::path &path, Access access) {
     DatabaseClass &project = program.thisClass.ProjectDB;
     project.FilePath = fs::absolute(path);
-    project.open();
+    project.open(access);
     becomeOpen(program);
     const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
     if (zone && *zone > 0)
@@ -88,9 +88,11 @@ DateSettings dateSettings(const Program &program) {
 
 void closeProject(Program &program) {
     ThisClass &state = program.thisClass;
-    fieldsOf(program).SaveDefaultSetting(kZoneSetting,
-                                         fmt::format("{}", state.GMTZone.tzTimeZoneID));
-    StoredQueries(state.ProjectDB.connection()).ResetDEFAULTQuery();
+    if (!state.ProjectDB.isReadOnly()) {
+        fieldsOf(program).SaveDefaultSetting(kZoneSetting,
+                                             fmt::format("{}", state.GMTZone.tzTimeZoneID));
+        StoredQueries(state.ProjectDB.connection()).ResetDEFAULTQuery();
+    }
     state.ProjectDB.CloseDB();
     state.ProjectDBPath.clear();
     state.RootPath.clear();

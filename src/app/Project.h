@@ -20,9 +20,11 @@ bool isProjectName(const std::filesystem::path &path);
 bool createProject(Program &program, const std::filesystem::path &path);
 
 /// Opens the project at `path`: its zone and base folder are in force afterwards.
-void openProject(Program &program, const std::filesystem::path &path);
+void openProject(Program &program, const std::filesystem::path &path,
+                 Access access = Access::write);
 
-/// Keeps zone and base folder in the project, sets the default query back and closes the file.
+/// Keeps zone and base folder in the project, sets the default query back and closes the file. One
+/// that was opened for reading is only closed.
 void closeProject(Program &program);
 
 /// Keeps the base folder in the open project; rows follow at the next load.

@@ -1,5 +1,7 @@
 #include "app/RebuildText.h"
 
+#include "base/Text.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -12,8 +14,8 @@ namespace {
 std::string pageText(const RebuiltPage &page) {
     if (!page.rebuilt)
         return fmt::format("Record {} was not rebuilt: {}.", page.URL_ID, reasonText(page.why));
-    return fmt::format("Record {} was rebuilt: {} references replaced, {} missing.{}", page.URL_ID,
-                       page.replaced, page.missing,
+    return fmt::format("Record {} was rebuilt: {} replaced, {} missing.{}", page.URL_ID,
+                       counted(page.replaced, "reference"), page.missing,
                        page.thumbnail == Redrawn::failed
                            ? " Its thumbnail could not be drawn; the error log tells why."
                            : "");
@@ -21,9 +23,9 @@ std::string pageText(const RebuiltPage &page) {
 
 std::string undrawnText(const std::vector<RebuiltPage> &pages) {
     const auto count = std::ranges::count(pages, Redrawn::failed, &RebuiltPage::thumbnail);
-    return count == 0
-               ? std::string()
-               : fmt::format(" {} thumbnails could not be drawn; the error log tells why.", count);
+    return count == 0 ? std::string()
+                      : fmt::format(" {} could not be drawn; the error log tells why.",
+                                    counted(static_cast<std::uint64_t>(count), "thumbnail"));
 }
 
 } // namespace
@@ -55,8 +57,8 @@ std::string reportText(const RebuildReport &report) {
         else
             ++reasons[page.why];
     }
-    std::string text = fmt::format("{}{} of {} pages rebuilt.",
-                                   report.cancelled ? "Cancelled: " : "", rebuilt, report.asked);
+    std::string text = fmt::format("{}{} of {} rebuilt.", report.cancelled ? "Cancelled: " : "",
+                                   rebuilt, counted(report.asked, "page"));
     for (const auto &[why, count] : reasons)
         text += fmt::format(" {} not: {}.", count, reasonText(why));
     return text + undrawnText(report.pages);

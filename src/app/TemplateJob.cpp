@@ -3,6 +3,7 @@
 #include "app/Messages.h"
 #include "app/Trail.h"
 #include "base/Files.h"
+#include "base/Text.h"
 #include "base/Trap.h"
 
 #include <fmt/format.h>
@@ -110,7 +111,7 @@ std::string_view reasonText(TemplateResult why) {
 }
 
 template <class Result>
-std::string countsText(bool cancelled, std::size_t asked, std::string_view done,
+std::string countsText(bool cancelled, const std::string &asked, std::string_view done,
                        const std::map<Result, std::size_t> &results, Result success) {
     const auto found = results.find(success);
     const std::size_t count = found == results.end() ? 0 : found->second;
@@ -171,13 +172,13 @@ std::string_view reasonText(Laid why) {
 }
 
 std::string madeText(const TemplatesMade &made) {
-    return countsText(made.cancelled, made.asked, "templates made", made.results,
+    return countsText(made.cancelled, counted(made.asked, "template"), "made", made.results,
                       TemplateResult::made);
 }
 
 std::string laidText(const LaidTemplates &laid) {
-    return countsText(laid.cancelled, laid.asked, "pages rebuilt from the template", laid.results,
-                      Laid::rebuilt);
+    return countsText(laid.cancelled, counted(laid.asked, "page"), "rebuilt from the template",
+                      laid.results, Laid::rebuilt);
 }
 
 bool isTemplateThere(Program &program, const fs::path &file) {

@@ -2,6 +2,7 @@
 
 #include "base/Digest.h"
 #include "base/Files.h"
+#include "base/Text.h"
 #include "base/Trap.h"
 #include "db/WriteBatch.h"
 
@@ -25,9 +26,10 @@ TrailEntry entryOf(const ArtefactResult &artefact) {
     if (!artefact.reason.empty())
         entry.Detail += fmt::format(" ({})", artefact.reason);
     if (artefact.rowsLost > 0)
-        entry.Detail += fmt::format(", {} records not stored", artefact.rowsLost);
+        entry.Detail += fmt::format(", {} not stored", counted(artefact.rowsLost, "record"));
     if (artefact.notReached > 0)
-        entry.Detail += fmt::format(", {} entries not reached", artefact.notReached);
+        entry.Detail +=
+            fmt::format(", {} not reached", counted(artefact.notReached, "entry", "entries"));
     entry.FilePath = textOf(artefact.path);
     entry.FileSize = static_cast<std::int64_t>(artefact.FileSize);
     entry.MD5Hash = artefact.MD5Hash;
@@ -47,7 +49,8 @@ void noteInTrail(Program &program, TrailEntry entry) {
 
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file) {
     failureOf(program.log, kProcedure, [&] {
-        entry.FilePath = textOf(file);
+        if (entry.FilePath.empty())
+            entry.FilePath = textOf(file);
         if (const auto hashes = hashesOfFile(file)) {
             entry.FileSize = static_cast<std::int64_t>(hashes->size);
             entry.MD5Hash = hashes->MD5;
@@ -84,7 +87,7 @@ void noteVerify(Program &program, const SourceCheck &check) {
 void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end) {
     TrailEntry entry;
     entry.Action = "Rebuild";
-    entry.Detail = fmt::format("{} of {} pages rebuilt{}", rebuilt, asked,
+    entry.Detail = fmt::format("{} of {} rebuilt{}", rebuilt, counted(asked, "page"),
                                end == TaskEnd::cancelled ? ", then cancelled" : "");
     entry.RowCount = static_cast<std::int64_t>(rebuilt);
     noteInTrail(program, std::move(entry));
@@ -102,8 +105,8 @@ void noteTemplate(Program &program, const std::filesystem::path &file, const std
 void noteReport(Program &program, const ReportClass &report, std::int64_t rows) {
     TrailEntry entry;
     entry.Action = "Report";
-    entry.Detail =
-        fmt::format("{} report of {} rows", report.ReportType == 0 ? "Graphical" : "Tabular", rows);
+    entry.Detail = fmt::format("{} report of {}", report.ReportType == 0 ? "Graphical" : "Tabular",
+                               counted(static_cast<std::uint64_t>(rows), "row"));
     entry.RowCount = rows;
     noteFileInTrail(program, std::move(entry), report.ReportFilePath);
 }
@@ -111,16 +114,18 @@ void noteReport(Program &program, const ReportClass &report, std::int64_t rows) 
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published) {
     TrailEntry entry;
     entry.Action = "Publish";
-    entry.Detail =
-        fmt::format("{} files copied to {}", published.files, textOf(page.parent_path()));
+    entry.Detail = fmt::format("{} copied to {}", counted(published.files, "file"),
+                               textOf(page.parent_path()));
     noteFileInTrail(program, std::move(entry), page);
 }
 
-void noteExport(Program &program, const ExportClass &job) {
+void noteExport(Program &program, const ExportClass &job, std::string_view place) {
     TrailEntry entry;
     entry.Action = "Export";
-    entry.Detail = fmt::format("{} rows exported as {}", job.counts.rows, extensionOf(job.format));
+    entry.Detail =
+        fmt::format("{} exported as {}", counted(job.counts.rows, "row"), extensionOf(job.format));
     entry.RowCount = job.counts.rows;
+    entry.FilePath = place;
     noteFileInTrail(program, std::move(entry), job.OutputFilePath);
 }
 

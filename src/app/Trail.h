@@ -36,6 +36,7 @@ void noteTemplate(Program &program, const std::filesystem::path &file, const std
 void noteReport(Program &program, const ReportClass &report, std::int64_t rows);
 /// `page` is the index page in the folder that is handed over.
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published);
-void noteExport(Program &program, const ExportClass &job);
+/// `place` stands for the name of the file where that says nothing: of the standard output.
+void noteExport(Program &program, const ExportClass &job, std::string_view place = {});
 
 } // namespace nv

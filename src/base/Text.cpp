@@ -107,6 +107,15 @@ std::string GetFileExtension(std::string_view path) {
     return clean ? toLower(extension) : std::string();
 }
 
+std::string counted(std::uint64_t count, std::string_view one, std::string_view many) {
+    std::string text = std::to_string(count) + ' ';
+    if (count == 1 || many.empty())
+        text += one;
+    else
+        text += many;
+    return count != 1 && many.empty() ? text + 's' : text;
+}
+
 std::string_view GetFilenameFromPath(std::string_view path) {
     const std::size_t slash = path.find_last_of("/\\");
     return slash == std::string_view::npos ? path : path.substr(slash + 1);

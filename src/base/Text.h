@@ -42,6 +42,9 @@ std::string_view trim(std::string_view text);
 std::string replaceAll(std::string_view text, std::string_view what, std::string_view with);
 std::vector<std::string_view> split(std::string_view text, char separator);
 
+/// "1 row" and "2 rows"; `many` is for words that an "s" doesn't make more of.
+std::string counted(std::uint64_t count, std::string_view one, std::string_view many = {});
+
 /// Length in characters (code points), for rules that count characters and not bytes.
 std::size_t charCount(std::string_view text);
 /// From the 0-based character `first`, at most `count` characters.

@@ -7,6 +7,8 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <unistd.h>
+
 namespace nv {
 
 namespace fs = std::filesystem;
@@ -43,6 +45,10 @@ void checkPath(const fs::path &file, Access access) {
         refuse(file, "this is a folder");
     if (access != Access::create && !fs::exists(status))
         refuse(file, "there is no such file");
+    if (access != Access::create && ::access(file.c_str(), R_OK) != 0)
+        refuse(file, "it may not be read: permission denied");
+    if (access != Access::create && fs::file_size(file, none) == 0 && !none)
+        refuse(file, "this is no project: the file is empty");
     if (access == Access::create && fs::exists(status) && fs::file_size(file, none) > 0)
         refuse(file, "there is a file of this name already");
 }

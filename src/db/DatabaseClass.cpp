@@ -4,6 +4,7 @@
 #include "base/Trap.h"
 #include "db/Connection.h"
 #include "db/KeywordLists.h"
+#include "db/ReadOnlyConnection.h"
 #include "db/SchemaCatalogue.h"
 #include "db/SqliteErrors.h"
 #include "db/StoredQueries.h"
@@ -121,14 +122,18 @@ bool DatabaseClass::CreateFlaggedURLs() {
                       [this] { onProject([this] { addOnFirstUse(schema::flaggedUrls()); }); });
 }
 
-void DatabaseClass::open() {
+bool DatabaseClass::isReadOnly() const {
+    return m_database && nv::isReadOnly(*m_database);
+}
+
+void DatabaseClass::open(Access access) {
     CloseDB();
-    m_database = connectToProject(FilePath, Access::write);
+    m_database = connectToProject(FilePath, access);
 }
 
 void DatabaseClass::CloseDB() {
-    if (!m_database)
-        return;
+    if (!m_database || isReadOnly())
+        return m_database.reset();
     m_database->tryExec("ROLLBACK");
     m_database->tryExec("PRAGMA analysis_limit=400; PRAGMA optimize");
     // The checkpoint succeeds while others read the project; leaving WAL does not, and then the

@@ -2,6 +2,7 @@
 
 #include "base/Clock.h"
 #include "base/FailureLog.h"
+#include "db/Connection.h"
 
 #include <filesystem>
 #include <memory>
@@ -45,12 +46,15 @@ class DatabaseClass {
     /// Makes table `FlaggedURLs`, which no new project has. False on a failure, which is logged.
     bool CreateFlaggedURLs();
 
-    /// Opens the file at FilePath. Throws StorageFailure, saying what is wrong with the file.
-    void open();
+    /// Opens the file at FilePath. Throws StorageFailure, saying what is wrong with the file. What
+    /// is opened for reading keeps every byte, so that its hash stays that of the day it was filed.
+    void open(Access access = Access::write);
     /// Rolls a pending transaction back, brings the project into its one-file form and closes it.
     /// Does nothing when closed. Statements on the connection must be gone by then.
     void CloseDB();
     bool isOpen() const;
+    /// Opened for reading only.
+    bool isReadOnly() const;
     /// The one connection; only while open.
     SQLite::Database &connection();
 

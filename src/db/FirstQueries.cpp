@@ -142,6 +142,11 @@ void addQuickQueries(std::vector<StoredQuery> &queries, int year, int month) {
 
 } // namespace
 
+bool lacksTerms(std::string_view sql) {
+    const std::string none = anyLike({}, {});
+    return sql == where({}, none).sql || sql == where({}, none + " OR " + none).sql;
+}
+
 std::vector<StoredQuery> firstQueries(int year, int month, const KeywordLists &keywords) {
     std::vector<StoredQuery> queries{
         {std::string(kDefaultQueryName), std::string(kDefaultQueryText)}};

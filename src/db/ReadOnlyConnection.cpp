@@ -32,8 +32,18 @@ std::unique_ptr<SQLite::Database> openReadOnly(const std::filesystem::path &proj
     return database;
 }
 
+std::string meaningOf(const std::string &failure) {
+    return failure == "not authorized"
+               ? "not authorized: a query only reads the project, with SELECT"
+               : failure;
+}
+
+bool isReadOnly(SQLite::Database &database) {
+    return sqlite3_db_readonly(database.getHandle(), "main") == 1;
+}
+
 ReadingOnly::ReadingOnly(SQLite::Database &database)
-    : m_database(sqlite3_db_readonly(database.getHandle(), "main") == 1 ? nullptr : &database) {
+    : m_database(isReadOnly(database) ? nullptr : &database) {
     if (m_database)
         sqlite3_set_authorizer(m_database->getHandle(), allowReading, nullptr);
 }

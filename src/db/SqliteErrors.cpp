@@ -7,8 +7,27 @@
 
 namespace nv {
 
+namespace {
+
+constexpr int kPrimaryCode = 0xFF; // the rest of a code says more than is needed here
+
+/// What the database calls "malformed" and the like, for people.
+std::string wordsOf(const SQLite::Exception &error) {
+    switch (error.getErrorCode() & kPrimaryCode) {
+    case SQLITE_CORRUPT:
+        return fmt::format("the project is damaged or cut short ({})", error.what());
+    case SQLITE_NOTADB:
+        return fmt::format("this is no project ({})", error.what());
+    case SQLITE_BUSY:
+        return fmt::format("another program is writing to it ({})", error.what());
+    default:
+        return error.what();
+    }
+}
+
+} // namespace
+
 void throwMeaning(const SQLite::Exception &error) {
-    constexpr int kPrimaryCode = 0xFF; // the rest of a code says more than is needed here
     switch (error.getErrorCode() & kPrimaryCode) {
     case SQLITE_FULL:
     case SQLITE_READONLY:
@@ -19,14 +38,14 @@ void throwMeaning(const SQLite::Exception &error) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
     case SQLITE_PERM:
-        throw StorageFailure(error.what());
+        throw StorageFailure(wordsOf(error));
     default:
         throw SQLite::Exception(error);
     }
 }
 
 void throwFailureOf(const std::filesystem::path &file, const SQLite::Exception &error) {
-    throw StorageFailure(fmt::format("\"{}\": {}", textOf(file), error.what()));
+    throw StorageFailure(fmt::format("\"{}\": {}", textOf(file), wordsOf(error)));
 }
 
 } // namespace nv

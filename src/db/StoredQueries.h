@@ -52,6 +52,10 @@ inline constexpr std::string_view kDefaultQueryName = "_DEFAULT";
 inline constexpr std::string_view kDefaultQueryText =
     "SELECT * FROM URLs ORDER BY ActionDateLocal ASC";
 
+/// The text of a keyword query of a project that was made without the list of its terms: it finds
+/// nothing, whatever the evidence holds.
+bool lacksTerms(std::string_view sql);
+
 /// The texts of the queries of a new project that is made on the given day.
 std::vector<StoredQuery> firstQueries(int year, int month, const KeywordLists &keywords);
 

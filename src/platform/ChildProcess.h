@@ -52,5 +52,7 @@ ChildResult runChild(const ChildCommand &command,
 /// otherwise in the folder that the environment's NORVELANE_PROGRAMS names. Nothing when it is in
 /// none of them.
 std::optional<std::filesystem::path> companionProgram(std::string_view name);
+/// Where it looks.
+std::vector<std::filesystem::path> companionFolders();
 
 } // namespace nv

@@ -1,4 +1,5 @@
 #include "app/cli/Grammar.h"
+#include "base/Files.h"
 #include "db/SqlTokens.h"
 
 #include <filesystem>
@@ -8,6 +9,9 @@ using namespace nv;
 using namespace nv::cli;
 
 namespace {
+
+/// As a shell shows a program that a closed pipe has ended.
+constexpr int kOutputClosed = 141;
 
 int fail(const std::exception &failure, Exit code) {
     std::cerr << "norvelane-cli: " << printable(failure.what()) << '\n';
@@ -22,7 +26,11 @@ int main(int argc, char **argv) {
         grammar.app.parse(argc, argv);
         const auto executable = std::filesystem::read_symlink("/proc/self/exe");
         Session session(executable.string(), std::cout, std::cerr);
-        return static_cast<int>(grammar.chosen(session));
+        const Exit exit = grammar.chosen(session);
+        if (outputClosed)
+            return kOutputClosed;
+        session.flushOutput();
+        return static_cast<int>(exit);
     } catch (const CLI::ParseError &problem) {
         // Asking for help or the version ends the parsing too, with 0.
         return grammar.app.exit(problem) == 0 ? 0 : static_cast<int>(Exit::usage);
@@ -30,6 +38,10 @@ int main(int argc, char **argv) {
         return fail(failure, Exit::usage);
     } catch (const DialectError &failure) {
         return fail(failure, Exit::usage);
+    } catch (const std::filesystem::filesystem_error &failure) {
+        std::cerr << "norvelane-cli: \"" << printable(textOf(failure.path1()))
+                  << "\": " << failure.code().message() << '\n';
+        return static_cast<int>(Exit::projectUnusable);
     } catch (const std::exception &failure) {
         return fail(failure, Exit::projectUnusable);
     }

@@ -23,7 +23,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kViewFolder = "TEMPLATE.NVR";
-constexpr std::string_view kExtension = ".NVT";
 
 /// Wide ids are read whatever the setting: the list was written by this program.
 std::vector<Substitution> harvestedParts(const fs::path &folder) {
@@ -142,16 +141,16 @@ fs::path templatePathOf(const URLClass &page, const fs::path &templates) {
     std::string name = cleanedName(page.URLFileName);
     if (name.empty())
         name = sidOf(page.URLID);
-    return templates / (name + std::string(kExtension));
+    return templates / (name + std::string(kTemplateExtension));
 }
 
 std::optional<fs::path> renamedTemplatePath(const fs::path &file, std::string_view name) {
     std::string cleaned = cleanedName(trim(name));
-    if (toLower(cleaned).ends_with(toLower(kExtension)))
-        cleaned.resize(cleaned.size() - kExtension.size());
+    if (toLower(cleaned).ends_with(toLower(kTemplateExtension)))
+        cleaned.resize(cleaned.size() - kTemplateExtension.size());
     if (trim(cleaned).empty())
         return std::nullopt;
-    return file.parent_path() / (cleaned + std::string(kExtension));
+    return file.parent_path() / (cleaned + std::string(kTemplateExtension));
 }
 
 TemplateResult CreateTemplate(const URLClass &page, const fs::path &templates,

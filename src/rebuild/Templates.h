@@ -13,6 +13,9 @@
 
 namespace nv {
 
+/// Of template files.
+inline constexpr std::string_view kTemplateExtension = ".NVT";
+
 enum class IfTemplateExists { refuse, overwrite };
 enum class TemplateResult {
     made,

@@ -2,6 +2,7 @@
 
 #include "base/Trap.h"
 #include "db/Dialect.h"
+#include "db/ReadOnlyConnection.h"
 #include "db/StoredQueries.h"
 #include "rebuild/LocalNames.h"
 #include "views/DateIndex.h"
@@ -59,7 +60,8 @@ LoadResult Gallery::load(TaskMonitor &task) {
     const auto walk =
         trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::optional<Walk>(),
                 [&]() -> std::optional<Walk> {
-                    if (ensureGalleryIndex(m_project, task) == IndexState::Cancelled)
+                    if (!isReadOnly(m_project) &&
+                        ensureGalleryIndex(m_project, task) == IndexState::Cancelled)
                         return Walk::Cancelled;
                     return findRows(m_project, galleryQuery(choice, PARD, settings.media), Filters,
                                     task, found);

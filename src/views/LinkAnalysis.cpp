@@ -276,17 +276,20 @@ std::string notesOn(const LinkTotals &totals) {
     if (totals.links == 0)
         add("The project holds no hyperlinks: nothing was imported with the 'Parse Advanced "
             "Metadata' option.");
-    const std::pair<std::int64_t, std::string_view> counted[] = {
-        {totals.withoutUrl, "{} records have no URL and were compared with nothing."},
-        {totals.withoutHash, "{} hyperlinks carry no hash and were compared with nothing."},
-        {totals.withoutPage, "{} matches were left out: the pages that hold these links are no "
-                             "longer in the project."},
-        {totals.notFetched, "The cached content of {} records was not found in the evidence; what "
-                            "the project holds of their pages was left as it is."},
-        {totals.notRead, "{} records could not be read as pages; the error log has the reasons."}};
-    for (const auto &[count, text] : counted)
+    const auto tell = [&add](std::int64_t count, std::string_view one, std::string_view many,
+                             std::string_view what) {
         if (count > 0)
-            add(fmt::format(fmt::runtime(text), count));
+            add(fmt::format("{} {}", counted(static_cast<std::uint64_t>(count), one, many), what));
+    };
+    tell(totals.withoutUrl, "record", "", "without a URL: compared with nothing.");
+    tell(totals.withoutHash, "hyperlink", "", "without a hash: compared with nothing.");
+    tell(totals.withoutPage, "match", "matches",
+         "left out: the page that holds the link is no longer in the project.");
+    tell(totals.notFetched, "record", "",
+         "whose cached content was not found in the evidence; what the project holds of the page "
+         "was left as it is.");
+    tell(totals.notRead, "record", "",
+         "could not be read as a page; the error log has the reasons.");
     return notes;
 }
 

@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/Dialect.h"
+#include "db/ReadOnlyConnection.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -94,7 +95,7 @@ QueryClass TestQuery(std::string_view sql, SQLite::Database &connection, Failure
         return outcome(sql, kStatementError, *std::move(refused));
     if (auto refused = failureOf(log, kProcedure, [&] { open(connection, translated); })) {
         const int code = sqlite3_errcode(connection.getHandle());
-        return outcome(sql, code == SQLITE_OK ? kStatementError : code, *std::move(refused));
+        return outcome(sql, code == SQLITE_OK ? kStatementError : code, meaningOf(*refused));
     }
     return outcome(sql, 0, "");
 }

@@ -73,6 +73,14 @@ const UrlColumnFacts &factsOf(UrlColumn column) {
     return kUrlColumns.at(indexOf(column));
 }
 
+std::vector<std::string_view> columnKeys() {
+    std::vector<std::string_view> keys;
+    keys.reserve(kUrlColumnCount);
+    for (const UrlColumnFacts &facts : kUrlColumns)
+        keys.push_back(facts.key);
+    return keys;
+}
+
 std::optional<UrlColumn> columnOfKey(std::string_view key) {
     const auto found =
         std::find_if(kUrlColumns.begin(), kUrlColumns.end(),

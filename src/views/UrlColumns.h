@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 
@@ -108,6 +109,8 @@ struct UrlColumnFacts {
 extern const std::array<UrlColumnFacts, kUrlColumnCount> kUrlColumns;
 
 const UrlColumnFacts &factsOf(UrlColumn column);
+/// Of all columns, in order of their index.
+std::vector<std::string_view> columnKeys();
 /// By key, without regard to case.
 std::optional<UrlColumn> columnOfKey(std::string_view key);
 

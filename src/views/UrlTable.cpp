@@ -1,6 +1,8 @@
 #include "views/UrlTable.h"
 
 #include "base/Trap.h"
+#include "db/ReadOnlyConnection.h"
+#include "db/StoredQueries.h"
 #include "views/DateIndex.h"
 #include "views/MovedEvidence.h"
 #include "views/Tagging.h"
@@ -68,6 +70,8 @@ LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
 /// What makes the load quick and the evidence found. A project that can't be written is shown all
 /// the same. False when cancelled.
 bool UrlTable::prepareProject(TaskMonitor &task) {
+    if (isReadOnly(m_project))
+        return true;
     bool goOn = true;
     failureOf(m_log, kProcedure, [&] {
         goOn = mendRootPath(m_project, m_log, RootPath, task).has_value() &&
@@ -103,6 +107,10 @@ EmptyState UrlTable::whyEmpty(LoadResult result) {
             return EmptyState::Failed;
         if (m_hidden > 0)
             return EmptyState::AllHidden;
+        const auto text = StoredQueries(m_project).text(
+            choice.ActiveQueryName.empty() ? kDefaultQueryName : choice.ActiveQueryName);
+        if (text && lacksTerms(*text))
+            return EmptyState::NoTerms;
         SQLite::Statement any(m_project, "SELECT 1 FROM URLs LIMIT 1");
         return any.executeStep() ? EmptyState::NoMatches : EmptyState::NoRecords;
     });

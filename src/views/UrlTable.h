@@ -18,7 +18,16 @@ namespace nv {
 
 enum class LoadResult { Loaded, Cancelled, Failed };
 /// Why a table without rows has none.
-enum class EmptyState { HasRows, NotLoaded, NoRecords, NoMatches, AllHidden, Cancelled, Failed };
+enum class EmptyState {
+    HasRows,
+    NotLoaded,
+    NoRecords,
+    NoMatches,
+    NoTerms, ///< a keyword query of a project that was made without the list of its terms
+    AllHidden,
+    Cancelled,
+    Failed,
+};
 
 struct ColumnSort {
     UrlColumn column;

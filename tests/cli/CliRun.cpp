@@ -24,10 +24,11 @@ void redirect(const std::filesystem::path &file, int descriptor) {
 
 } // namespace
 
-CliProcess::CliProcess(const std::vector<std::string> &arguments, const std::filesystem::path &home)
+CliProcess::CliProcess(const std::vector<std::string> &arguments, const std::filesystem::path &home,
+                       const std::filesystem::path &program)
     : m_home(home), m_pid(-1) {
     std::filesystem::create_directories(home);
-    std::vector<std::string> words{NV_CLI};
+    std::vector<std::string> words{program.string()};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char *> argv;
     for (std::string &word : words)
@@ -67,6 +68,11 @@ CliResult CliProcess::finish() {
 
 CliResult runCli(const std::vector<std::string> &arguments, const std::filesystem::path &home) {
     return CliProcess(arguments, home).finish();
+}
+
+CliResult runProgram(const std::filesystem::path &program,
+                     const std::vector<std::string> &arguments, const std::filesystem::path &home) {
+    return CliProcess(arguments, home, program).finish();
 }
 
 } // namespace nv::test

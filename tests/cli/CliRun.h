@@ -14,11 +14,15 @@ struct CliResult {
 
 /// Runs the built norvelane-cli with a home folder of its own and no terminal.
 CliResult runCli(const std::vector<std::string> &arguments, const std::filesystem::path &home);
+/// The same with a copy of it that lies elsewhere.
+CliResult runProgram(const std::filesystem::path &program,
+                     const std::vector<std::string> &arguments, const std::filesystem::path &home);
 
 /// Starts it in the background; its output goes to files below `home`.
 class CliProcess {
   public:
-    CliProcess(const std::vector<std::string> &arguments, const std::filesystem::path &home);
+    CliProcess(const std::vector<std::string> &arguments, const std::filesystem::path &home,
+               const std::filesystem::path &program = NV_CLI);
     ~CliProcess();
     CliProcess(const CliProcess &) = delete;
     CliProcess &operator=(const CliProcess &) = delete;

@@ -50,8 +50,8 @@ TEST_F(LinksCliTest, thePagesThatLeadToARecordAreFoundAndListed) {
     import();
     const CliResult run = cli({"links", project});
     EXPECT_EQ(run.exit, 0) << run.err;
-    EXPECT_EQ(run.out, "3 records examined, 1 matches, 1 pages refreshed, 0 not fetched, 0 not "
-                       "read\n");
+    EXPECT_EQ(run.out,
+              "3 records examined, 1 match, 1 page refreshed, 0 not fetched, 0 not read\n");
     EXPECT_EQ(run.err, "");
     const CliResult child = cli({"links", project, "--url", "3", "--format", "tsv"});
     EXPECT_EQ(child.exit, 0) << child.err;
@@ -69,7 +69,7 @@ TEST_F(LinksCliTest, aProjectWithoutMetadataGivesNoneAndSaysWhy) {
     import({"--no-metadata"});
     const CliResult run = cli({"links", project});
     EXPECT_EQ(run.exit, 0);
-    EXPECT_THAT(run.out, HasSubstr("3 records examined, 0 matches, 1 pages refreshed"));
+    EXPECT_THAT(run.out, HasSubstr("3 records examined, 0 matches, 1 page refreshed"));
     EXPECT_THAT(run.err, HasSubstr("holds no hyperlinks"));
 }
 
@@ -85,8 +85,8 @@ TEST_F(LinksCliTest, contentThatIsGoneIsTold) {
     fs::remove_all(evidence);
     const CliResult run = cli({"links", project});
     EXPECT_EQ(run.exit, 0);
-    EXPECT_THAT(run.out, HasSubstr("1 matches, 0 pages refreshed, 2 not fetched"));
-    EXPECT_THAT(run.err, HasSubstr("The cached content of 2 records"));
+    EXPECT_THAT(run.out, HasSubstr("1 match, 0 pages refreshed, 2 not fetched"));
+    EXPECT_THAT(run.err, HasSubstr("2 records whose cached content was not found"));
 }
 
 TEST_F(LinksCliTest, anIdBeyond16BitsNamesTheSwitchThatLiftsIt) {

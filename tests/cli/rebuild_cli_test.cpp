@@ -55,7 +55,7 @@ TEST_F(RebuildCliTest, nothingIsWrittenIntoTheEvidence) {
 
 TEST_F(RebuildCliTest, ticksAreSetAndTakenAway) {
     EXPECT_NE(cli({"tag", project, "1", "2"}).out.find("2 rows tagged"), std::string::npos);
-    EXPECT_NE(cli({"tag", project, "1", "--off"}).out.find("1 rows untagged"), std::string::npos);
+    EXPECT_NE(cli({"tag", project, "1", "--off"}).out.find("1 row untagged"), std::string::npos);
     EXPECT_NE(cli({"query", project, "SELECT Count(*) FROM URLs WHERE Tagged"}).out.find("1"),
               std::string::npos);
     EXPECT_EQ(cli({"tag", project, "99"}).exit, 1);
@@ -77,9 +77,9 @@ TEST_F(RebuildCliTest, thumbnailsAreDrawnAnewOrToldOf) {
     EXPECT_EQ(run.exit, 0) << run.err; // the page is rebuilt either way
     EXPECT_EQ(fs::exists(drawn), draws);
     if (draws)
-        EXPECT_NE(run.out.find("1 thumbnails drawn anew"), std::string::npos) << run.out;
+        EXPECT_NE(run.out.find("1 thumbnail drawn anew"), std::string::npos) << run.out;
     else
-        EXPECT_NE(run.err.find("1 thumbnails could not be drawn; see"), std::string::npos)
+        EXPECT_NE(run.err.find("1 thumbnail could not be drawn; see"), std::string::npos)
             << run.err;
 }
 

@@ -42,7 +42,7 @@ TEST_F(ReportCliTest, aTabularReportFollowsQueryAndTicks) {
     EXPECT_NE(report("tabular", {"--tagged"}).out.find("0 rows reported"), std::string::npos);
     ASSERT_EQ(cli({"tag", project, "2"}).exit, 0);
     EXPECT_EQ(report("tabular", {"--tagged"}).exit, 1); // the folder is not empty
-    EXPECT_NE(report("tabular", {"--tagged", "--overwrite"}).out.find("1 rows reported"),
+    EXPECT_NE(report("tabular", {"--tagged", "--overwrite"}).out.find("1 row reported"),
               std::string::npos);
     EXPECT_NE(text(out / "index-history.htm").find("logo.gif"), std::string::npos);
     EXPECT_EQ(text(out / "index-history.htm").find("page.html"), std::string::npos);

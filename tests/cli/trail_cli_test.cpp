@@ -59,14 +59,14 @@ TEST_F(TrailCliTest, whatIsWrittenIsInTheTrail) {
               0);
     EXPECT_EQ(cli({"rebuild", project, "1", "--out", (folder.path() / "pages").string()}).exit, 0);
     const std::string trail = cli({"trail", project, "--format", "jsonl"}).out;
-    EXPECT_THAT(trail, HasSubstr(R"("Action":"Export","Detail":"1 rows exported as csv")"));
+    EXPECT_THAT(trail, HasSubstr(R"("Action":"Export","Detail":"1 row exported as csv")"));
     EXPECT_THAT(trail, HasSubstr(hashesOfFile(file).value().SHA256));
-    EXPECT_THAT(trail, HasSubstr(R"("Action":"Report","Detail":"Tabular report of 1 rows")"));
+    EXPECT_THAT(trail, HasSubstr(R"("Action":"Report","Detail":"Tabular report of 1 row")"));
     EXPECT_THAT(trail, HasSubstr(R"("Action":"Publish")"));
     EXPECT_THAT(trail, HasSubstr(hashesOfFile(out / "index-history.htm").value().SHA256));
-    EXPECT_THAT(trail, HasSubstr(R"("Action":"Rebuild","Detail":"0 of 1 pages rebuilt")"));
+    EXPECT_THAT(trail, HasSubstr(R"("Action":"Rebuild","Detail":"0 of 1 page rebuilt")"));
     const Bytes page = readWhole(out / "index-history.htm");
-    EXPECT_THAT(std::string(ByteView(page).raw()), HasSubstr("1 rows exported as csv"));
+    EXPECT_THAT(std::string(ByteView(page).raw()), HasSubstr("1 row exported as csv"));
 }
 
 TEST_F(TrailCliTest, aFileThatIsNoProjectIsRefused) {

@@ -54,7 +54,7 @@ TEST_F(ViewerCliTest, everyPlaceOfATextOrOfBytesIsFound) {
     EXPECT_EQ(text.out.substr(0, 8), "00000001");
     EXPECT_NE(cli({"hex", project, "1", "--find", "HTML"}).err.find("0 matches"),
               std::string::npos);
-    EXPECT_NE(cli({"hex", project, "1", "--find-bytes", "C3 A9"}).err.find("1 matches"),
+    EXPECT_NE(cli({"hex", project, "1", "--find-bytes", "C3 A9"}).err.find("1 match"),
               std::string::npos);
     EXPECT_EQ(cli({"hex", project, "1", "--find-bytes", "C3 A"}).exit, 1);
     EXPECT_EQ(cli({"hex", project, "1", "--find-bytes", "C3", "--find", "x"}).exit, 1);

@@ -130,7 +130,7 @@ void TemplatesTest::theEmptyTabSaysWhatToDo() {
 void TemplatesTest::aPageThatIsNotRebuiltGivesNoTemplate() {
     openTab();
     click("btnEmptyTemplateCreate");
-    QCOMPARE(notice(), QStringLiteral("0 of 1 templates made. 1 not: a template is made of a "
+    QCOMPARE(notice(), QStringLiteral("0 of 1 template made. 1 not: a template is made of a "
                                       "rebuilt page."));
     QVERIFY(!list().isVisible());
 }
@@ -138,7 +138,7 @@ void TemplatesTest::aPageThatIsNotRebuiltGivesNoTemplate() {
 void TemplatesTest::theCurrentPageBecomesATemplate() {
     makeTemplate();
     QVERIFY(list().isVisible());
-    QCOMPARE(notice(), QStringLiteral("1 of 1 templates made."));
+    QCOMPARE(notice(), QStringLiteral("1 of 1 template made."));
     QCOMPARE(cell(0, TemplateModel::COL_TEMPLATE_NAME), QStringLiteral("page.html"));
     QCOMPARE(cell(0, TemplateModel::COL_TEMPLATE_TITLE), QStringLiteral("Inbox"));
     QCOMPARE(cell(0, TemplateModel::COL_TEMPLATE_FILES), QStringLiteral("2"));
@@ -166,7 +166,7 @@ void TemplatesTest::oneThatIsThereIsOverwrittenOnlyWhenAsked() {
     QVERIFY(notice().contains(QStringLiteral("is kept")));
     m_desk->examiner.script = {Answer::Yes};
     click("btnTemplateCreate");
-    QCOMPARE(notice(), QStringLiteral("1 of 1 templates made."));
+    QCOMPARE(notice(), QStringLiteral("1 of 1 template made."));
 }
 
 void TemplatesTest::theTemplateIsLaidOverTheCurrentPage() {
@@ -174,7 +174,7 @@ void TemplatesTest::theTemplateIsLaidOverTheCurrentPage() {
     choose(3);
     QVERIFY(rebuiltText(3).empty());
     click("btnTemplateApply");
-    QCOMPARE(notice(), QStringLiteral("1 of 1 pages rebuilt from the template."));
+    QCOMPARE(notice(), QStringLiteral("1 of 1 page rebuilt from the template."));
     QVERIFY(rebuiltText(3).find("0000002.gif") != std::string::npos);
     const auto place = child<TableTab>(*m_form, "TableTab").table()->placeOf(UrlId{3});
     const QModelIndex rebuilt = grid().model()->index(static_cast<int>(place.value()),

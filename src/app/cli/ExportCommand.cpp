@@ -6,7 +6,7 @@
 #include "base/Text.h"
 #include "reports/ExportRows.h"
 
-#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace nv::cli {
 
@@ -41,9 +41,8 @@ SelectedColumns columnsOf(const std::vector<std::string> &keys) {
         else if (equalsNoCase(key, kIndexColumn))
             text += "Index|Index;";
         else
-            throw UsageError(fmt::format("there is no column \"{}\": Index or keys such as "
-                                         "COL_URL_VALUE were expected",
-                                         key));
+            throw UsageError(fmt::format("there is no column \"{}\": Index, {} were expected", key,
+                                         fmt::join(columnKeys(), ", ")));
     }
     return columnsFromString(text);
 }
@@ -55,12 +54,17 @@ ExportClass jobOf(const ExportArguments &arguments) {
     job.ExportAllRows = !arguments.tagged;
     job.ExportAllColumns = arguments.columns.empty();
     job.SelectedColumns = columnsOf(arguments.columns);
-    job.OutputFilePath = arguments.file;
     job.guardFormulas = arguments.guardFormulas;
     return job;
 }
 
+bool toStandardOutput(const ExportArguments &arguments) {
+    return arguments.file == "-";
+}
+
 void checkTarget(const ExportArguments &arguments, const ThisClass &state) {
+    if (toStandardOutput(arguments))
+        return;
     if (const auto refusal = refusalOf(arguments.file, {state.ProjectDBPath, state.RootPath}))
         throw UsageError(*refusal);
     if (fs::exists(fs::path(arguments.file)) && !arguments.overwrite)
@@ -68,13 +72,33 @@ void checkTarget(const ExportArguments &arguments, const ThisClass &state) {
             fmt::format("\"{}\" is there already; --overwrite replaces it", arguments.file));
 }
 
+/// A file that the writer left in the scratch folder goes to the standard output.
+void handOver(Session &session, const fs::path &file) {
+    readInBlocks(file, [&session](std::string_view block, std::uint64_t) {
+        session.out.write(block.data(), static_cast<std::streamsize>(block.size()));
+        return session.out.good();
+    });
+    session.flushOutput();
+}
+
+/// Which form it is isn't plain when the extension has none.
+std::string closingLine(const ExportClass &job) {
+    if (job.format == ExportFormat::delimited)
+        return fmt::format("{} written as text delimited by {}\n", counted(job.counts.rows, "row"),
+                           job.delimiter == "\t" ? "tabs" : '"' + job.delimiter + '"');
+    return fmt::format("{} written as {}\n", counted(job.counts.rows, "row"),
+                       extensionOf(job.format));
+}
+
 } // namespace
 
 Exit exportCommand(Session &session, const ExportArguments &arguments) {
     ExportClass job = jobOf(arguments);
-    session.open(arguments.project);
+    const bool notes = session.openForNote(arguments.project);
     const ThisClass &state = session.program.thisClass;
     checkTarget(arguments, state);
+    job.OutputFilePath = toStandardOutput(arguments) ? session.scratch() / "standard-output"
+                                                     : fs::path(arguments.file);
     ExportEnd end = ExportEnd::cancelled;
     {
         SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
@@ -84,15 +108,18 @@ Exit exportCommand(Session &session, const ExportArguments &arguments) {
             if (arguments.tagged)
                 selectTagged(job, table, project);
             end = exportRows(job, table, session.scratch(), session.task);
-            if (end == ExportEnd::exported)
-                noteExport(session.program, job);
+            if (end == ExportEnd::exported && toStandardOutput(arguments))
+                handOver(session, job.OutputFilePath);
+            if (end == ExportEnd::exported && notes)
+                noteExport(session.program, job,
+                           toStandardOutput(arguments) ? "standard output" : "");
         }
     }
     session.task.clear();
     closeProject(session.program);
     if (end == ExportEnd::cancelled)
         return Exit::interrupted;
-    session.err << fmt::format("{} rows\n", job.counts.rows);
+    session.err << closingLine(job);
     for (const std::string &note : notesOf(job.counts))
         session.err << note << '\n';
     return Exit::ok;

@@ -1,6 +1,7 @@
 #include "app/RecordContent.h"
 #include "app/cli/Commands.h"
 #include "app/cli/OutputPath.h"
+#include "app/cli/RowCheck.h"
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Text.h"
@@ -23,11 +24,6 @@ RecordStore storeOf(Program &program) {
             {state.GMTZone, state.EnableDSTChanges},
             program.around.clock,
             program.log};
-}
-
-bool flagsDiffer(const URLClass &a, const URLClass &b) {
-    return a.GZipEncoded != b.GZipEncoded || a.IsPicture != b.IsPicture ||
-           a.IsWebPage != b.IsWebPage || a.CacheFileExists != b.CacheFileExists;
 }
 
 /// Throws UsageError when writing to `file` would cost something.
@@ -53,15 +49,16 @@ void writeContent(Session &session, const fs::path &content, const std::string &
 
 Exit extractCommand(Session &session, const std::string &project, std::int64_t urlId,
                     const std::string &file, IfThere ifThere) {
-    session.open(project);
+    session.openForReading(project);
     Program &program = session.program;
     if (file != kStandardOutput)
         checkTarget(file, program.thisClass.RootPath, ifThere);
-    RecordStore store = storeOf(program);
-    const auto stored = store.GetURL(UrlId{urlId});
+    checkRow(program.thisClass.ProjectDB.connection(), urlId);
+    auto stored = storeOf(program).GetURL(UrlId{urlId});
     if (!stored)
-        throw UsageError(fmt::format("the project has no row {}", urlId));
-    URLClass record = *stored;
+        throw StorageFailure(
+            fmt::format("row {} can't be read; see \"{}\"", urlId, textOf(program.log.path())));
+    URLClass &record = *stored;
     const Evidence evidence(program.thisClass.RootPath);
     const auto content = contentOf(record, {evidence, session.scratch(), program.log});
     if (!content) {
@@ -69,11 +66,9 @@ Exit extractCommand(Session &session, const std::string &project, std::int64_t u
         return Exit::damagedEvidence;
     }
     writeContent(session, *content, file);
-    session.err << fmt::format("{} bytes, MD5 {}{}\n", fs::file_size(*content),
+    session.err << fmt::format("{}, MD5 {}{}\n", counted(fs::file_size(*content), "byte"),
                                FileMD5(*content).value_or(""),
                                record.GZipEncoded ? ", unpacked" : "");
-    if (flagsDiffer(*stored, record))
-        store.storeBodyFlags(record);
     return Exit::ok;
 }
 

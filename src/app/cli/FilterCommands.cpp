@@ -39,7 +39,7 @@ FiltersClass filtersFrom(const std::vector<std::string> &names) {
 }
 
 Exit hostsCommand(Session &session, const HostsArguments &arguments, Format format) {
-    session.open(arguments.project);
+    session.openForReading(arguments.project);
     std::vector<HostRow> hosts;
     const Walk walk = listHosts(session.program.thisClass.ProjectDB.connection(), arguments.sort,
                                 session.task, hosts);

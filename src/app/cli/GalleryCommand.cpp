@@ -3,11 +3,11 @@
 #include "app/cli/Commands.h"
 #include "app/cli/ContactSheet.h"
 #include "app/cli/FilterCommands.h"
+#include "app/cli/LoadedTable.h"
 #include "app/cli/OutputPath.h"
 #include "app/cli/SheetPicture.h"
 #include "base/Files.h"
 #include "base/Text.h"
-#include "db/StoredQueries.h"
 #include "platform/posix/SheetFile.h"
 #include "views/Gallery.h"
 
@@ -93,8 +93,7 @@ void checkTarget(const GalleryArguments &arguments, const fs::path &base) {
 Gallery galleryOf(Session &session, const GalleryArguments &arguments) {
     const ThisClass &state = session.program.thisClass;
     SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
-    if (!arguments.query.empty() && !StoredQueries(project).text(arguments.query))
-        throw UsageError(fmt::format("the project has no stored query \"{}\"", arguments.query));
+    checkQuery(session, arguments.query);
     Gallery gallery(project, session.program.log);
     gallery.choice = {arguments.query, !arguments.host.empty(), arguments.host};
     gallery.Filters = filtersFrom(arguments.filter);
@@ -142,16 +141,26 @@ void writeSheet(Session &session, const Gallery &gallery, const GalleryArguments
         return drawSheet(session, sheet, arguments);
     errno = 0;
     std::ofstream file(fs::path(arguments.out), std::ios::binary | std::ios::trunc);
+    if (!file)
+        throw FileFailure("cannot write", arguments.out, errno);
     writeContactSheet(file, sheet);
     file.close();
     if (!file)
         throw FileFailure("cannot write", arguments.out, errno);
 }
 
+/// The window shows the nearest page; a sheet of another page than was asked for would mislead.
+void checkPage(const Gallery &gallery, int page) {
+    const int last = std::max(1, gallery.GalleryADOPageCount());
+    if (page < 1 || page > last)
+        throw UsageError(fmt::format("--page {}: the gallery has {}", page,
+                                     counted(static_cast<std::uint64_t>(last), "page")));
+}
+
 } // namespace
 
 Exit galleryCommand(Session &session, const GalleryArguments &arguments) {
-    session.open(arguments.project);
+    session.openForReading(arguments.project);
     Program &program = session.program;
     checkTarget(arguments, program.thisClass.RootPath);
     Gallery gallery = galleryOf(session, arguments);
@@ -159,12 +168,17 @@ Exit galleryCommand(Session &session, const GalleryArguments &arguments) {
     session.task.clear();
     if (loaded == LoadResult::Cancelled)
         return Exit::interrupted;
+    if (loaded == LoadResult::Loaded)
+        checkPage(gallery, arguments.page);
     if (loaded == LoadResult::Failed || !gallery.showPage(arguments.page))
         throw StorageFailure(
             fmt::format("the gallery can't be shown; see \"{}\"", textOf(program.log.path())));
     writeSheet(session, gallery, arguments);
     session.out << fmt::format("page {}, {} of {} pictures and pages\n", gallery.pageText(),
                                gallery.gallery().Tiles.Count(), gallery.rowCount());
+    if (gallery.rowCount() == 0)
+        session.err << "no row that was asked for has a thumbnail; the command thumbnails draws "
+                       "them\n";
     closeProject(program);
     return Exit::ok;
 }

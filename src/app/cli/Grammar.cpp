@@ -1,41 +1,35 @@
 #include "app/cli/Grammar.h"
 
 #include "app/Version.h"
+#include "app/cli/CommandHints.h"
+#include "app/cli/Examples.h"
 
 #include <fmt/format.h>
-
-#include <map>
 
 namespace nv::cli {
 
 namespace {
 
-constexpr const char *kExamples = R"(Examples:
-  norvelane-cli import case.nvp /mnt/seized            import all that is found below a folder
-  norvelane-cli import case.nvp History --zone 15      one file, dates shown in the zone 15
-  norvelane-cli list case.nvp --host example.com       the rows of a host as a table
-  norvelane-cli list case.nvp --filter CacheURLs,JPEG  cached JPEG pictures only
-  norvelane-cli list case.nvp --format csv > rows.csv  all rows for a spreadsheet
-  norvelane-cli query case.nvp "SELECT TOP 5 URL FROM URLs WHERE ActionDateUTC > #1/15/2009#"
-  norvelane-cli queries save case.nvp Often "SELECT * FROM URLs WHERE Visits > 9"
-  norvelane-cli show case.nvp 17                       everything about one row
-  norvelane-cli extract case.nvp 17 page.html          its cached content as a file
-  norvelane-cli rebuild case.nvp 17 --out pages        the page with its parts, for offline view
-  norvelane-cli gallery case.nvp --pard 15-40 --out p.html   a contact sheet of photographs
-  norvelane-cli report case.nvp --type graphical --tagged --out report   to be handed over
-  norvelane-cli dump index.dat --format jsonl          the records of one file, without a project
+constexpr const char *kExitCodes = R"(
 Exit codes: 0 done, 1 wrong usage, 2 an artefact is damaged or a project's schema differs, 3 the project can't be used,
 130 interrupted: what was written is kept.)";
 
-const std::map<std::string, Format> kFormats = {
-    {"table", Format::table}, {"csv", Format::csv}, {"tsv", Format::tsv}, {"jsonl", Format::jsonl}};
+/// Each command's own examples; a command that only stands before others shows theirs.
+void addExamples(CLI::App &command, const std::string &words) {
+    std::string text = examplesText(words);
+    for (CLI::App *each : command.get_subcommands([](CLI::App *) { return true; })) {
+        const std::string name = words + " " + each->get_name();
+        addExamples(*each, name);
+        text += (text.empty() ? "" : "\n") + examplesText(name);
+    }
+    command.footer(text);
+}
 
 } // namespace
 
 Grammar::Grammar()
     : app("Norvelane: forensic examination of browser caches and histories", "norvelane-cli") {
     app.require_subcommand(1);
-    app.footer(kExamples);
     app.set_version_flag("--version", fmt::format("norvelane-cli {}.{}.{}", version::kMajor,
                                                   version::kMinor, version::kRevision));
     addImport();
@@ -55,6 +49,11 @@ Grammar::Grammar()
     addExport();
     addUpgrade();
     addOptions();
+    for (CLI::App *each : app.get_subcommands([](CLI::App *) { return true; }))
+        addExamples(*each, each->get_name());
+    app.footer(examplesText({}) + kExitCodes);
+    app.failure_message(
+        [](const CLI::App *all, const CLI::Error &error) { return explained(*all, error); });
 }
 
 CLI::App *Grammar::command(const char *name, const char *what, Run run) {
@@ -69,7 +68,10 @@ void Grammar::addProject(CLI::App *to, std::string &project) {
 
 void Grammar::addFormat(CLI::App *to) {
     to->add_option("--format", m_format, "table, csv, tsv or jsonl")
-        ->transform(CLI::CheckedTransformer(kFormats, CLI::ignore_case).description(""))
+        ->transform(numberOf({{"table", static_cast<int>(Format::table)},
+                              {"csv", static_cast<int>(Format::csv)},
+                              {"tsv", static_cast<int>(Format::tsv)},
+                              {"jsonl", static_cast<int>(Format::jsonl)}}))
         ->default_str("table");
 }
 
@@ -91,7 +93,7 @@ void Grammar::addImport() {
     c->add_flag("--no-signatures", m_import.noSignatures, "Recognise files by name alone");
     c->add_flag("--thumbnails", m_import.thumbnails, "Make thumbnails while importing");
     c->add_option("--format", m_importFormat, "text or json")
-        ->check(CLI::IsMember({"text", "json"}))
+        ->transform(oneOf({"text", "json"}))
         ->default_str("text");
 }
 
@@ -190,7 +192,8 @@ void Grammar::addTemplates() {
     CLI::App *apply = add("apply", "Lay a template over pages",
                           [this](Session &s) { return templateApplyCommand(s, m_template); });
     addProject(apply, m_template.project);
-    apply->add_option("TEMPLATE", m_template.file, "The template's file")->required();
+    apply->add_option("TEMPLATE", m_template.file, "Name of a template in the folder, or its file")
+        ->required();
     apply->add_option("URL_ID", m_template.ids, "Keys of the pages' rows")->required();
     apply->add_flag("--any-title", m_template.anyTitle, "Pages of another title too");
 }
@@ -215,7 +218,7 @@ void Grammar::addPictures() {
         ->delimiter(',');
     gallery->add_option("--page", m_gallery.page, "Number of the page, from 1");
     gallery->add_option("--per-page", m_gallery.perPage, "Tiles a page (default: the settings')")
-        ->check(CLI::PositiveNumber);
+        ->check(atLeastOne());
     gallery->add_option("--out", m_gallery.out, "The file to write, *.html or *.png")->required();
     gallery->add_flag("--overwrite", m_gallery.overwrite, "Replace the file when it is there");
 }

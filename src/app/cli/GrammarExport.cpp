@@ -1,22 +1,19 @@
+#include "app/cli/CommandHints.h"
 #include "app/cli/Grammar.h"
-
-#include <map>
 
 namespace nv::cli {
 
 void Grammar::addExport() {
-    static const std::map<std::string, ExportFormat> formats = {
-        {"delimited", ExportFormat::delimited},
-        {"csv", ExportFormat::csv},
-        {"jsonl", ExportFormat::jsonl},
-        {"xlsx", ExportFormat::xlsx}};
     CLI::App *c = command("export", "Write the rows of the table to a file for other programs",
                           [this](Session &s) { return exportCommand(s, m_export); });
     addProject(c, m_export.project);
-    c->add_option("FILE", m_export.file, "The file to write")->required();
+    c->add_option("FILE", m_export.file, "The file to write; - is the standard output")->required();
     c->add_option("--format", m_export.format,
                   "delimited, csv, jsonl or xlsx (default: by the extension of FILE)")
-        ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case).description(""));
+        ->transform(numberOf({{"delimited", static_cast<int>(ExportFormat::delimited)},
+                              {"csv", static_cast<int>(ExportFormat::csv)},
+                              {"jsonl", static_cast<int>(ExportFormat::jsonl)},
+                              {"xlsx", static_cast<int>(ExportFormat::xlsx)}}));
     c->add_option("--delimiter", m_export.delimiter, "Of delimited: | , ; or tab")
         ->default_str("|");
     c->add_option("--columns", m_export.columns,

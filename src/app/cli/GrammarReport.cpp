@@ -1,3 +1,4 @@
+#include "app/cli/CommandHints.h"
 #include "app/cli/Grammar.h"
 
 namespace nv::cli {
@@ -7,7 +8,7 @@ void Grammar::addReport() {
                           [this](Session &s) { return reportCommand(s, m_report); });
     addProject(c, m_report.project);
     c->add_option("--type", m_report.type, "graphical (a card a row) or tabular (a line a row)")
-        ->check(CLI::IsMember({"graphical", "tabular"}))
+        ->transform(oneOf({"graphical", "tabular"}))
         ->required();
     c->add_option("--out", m_report.out, "Folder that becomes the report")->required();
     c->add_flag("--overwrite", m_report.overwrite, "Replace the report in a folder");
@@ -32,7 +33,7 @@ void Grammar::addReport() {
     c->add_flag("--user,!--no-user", m_report.user, "Column of a tabular report (on)");
     c->add_flag("--trail,!--no-trail", m_report.trail, "What was done with the case (off)");
     c->add_option("--url-width", m_report.urlWidth, "Width of the URL column in pixels")
-        ->check(CLI::PositiveNumber);
+        ->check(atLeastOne());
     c->add_flag("--no-scripts", m_report.noScripts, "Turn scripts of pages into comments");
     c->add_flag("--wide-ids", m_report.wideIds, "Parts of pages may have ids above 32767");
 }

@@ -10,7 +10,7 @@ void Grammar::addViewers() {
     CLI::App *note = command("note", "Print, write or take away the note of a row",
                              [this](Session &s) { return noteCommand(s, m_note); });
     addRow(note, m_note.row);
-    note->add_option("TEXT", m_note.text, "The new note (default: print the note)");
+    note->add_option("TEXT", m_note.text, "The new note, not empty (default: print the note)");
     note->add_flag("--delete", m_note.remove, "Take the note away");
 
     CLI::App *hex = command("hex", "The bytes of a row's cached content",

@@ -1,6 +1,8 @@
 #include "app/Project.h"
 #include "app/RecordContent.h"
+#include "app/cli/RowCheck.h"
 #include "app/cli/ViewerCommands.h"
+#include "base/Text.h"
 #include "views/HexFind.h"
 #include "views/HexSource.h"
 
@@ -17,13 +19,13 @@ struct Place {
     std::uint64_t offset = 0; ///< where to begin when the call doesn't say
 };
 
-/// Throws UsageError when there is no such row; nothing when there are no bytes, which is told.
+/// Nothing when there are no bytes, which is told.
 std::optional<Place> placeOf(Session &session, RebuildTools &tools, const HexArguments &arguments) {
     const std::int64_t urlId = arguments.row.urlId;
     if (arguments.source) {
         const auto record = tools.record(urlId);
         if (!record)
-            throw UsageError(fmt::format("the project has no row {}", urlId));
+            return std::nullopt;
         if (const auto source = sourceOfRecord(*record))
             return Place{source->file, source->offset};
         session.err << fmt::format("row {}: {}\n", urlId, printable(missingSource(*record)));
@@ -31,7 +33,7 @@ std::optional<Place> placeOf(Session &session, RebuildTools &tools, const HexArg
     }
     const auto content = contentOfRecord(tools, UrlId{urlId});
     if (!content)
-        throw UsageError(fmt::format("the project has no row {}", urlId));
+        return std::nullopt;
     if (content->file)
         return Place{*content->file, 0};
     session.err << fmt::format("row {}: {}\n", urlId, printable(content->reason));
@@ -55,6 +57,15 @@ std::uint64_t beginningOf(const HexArguments &arguments, std::uint64_t otherwise
     if (!offset)
         throw UsageError("an offset is a decimal number, or hexadecimal as 0x1F40");
     return *offset;
+}
+
+/// Nothing at all would look as though the bytes had been read.
+void checkBeginning(const HexSource &source, std::uint64_t at) {
+    if (source.size() == 0)
+        throw UsageError("there is no byte to show: the file is empty");
+    if (at >= source.size())
+        throw UsageError(fmt::format("offset {0} (0x{0:X}) lies beyond the end: there are {1}", at,
+                                     counted(source.size(), "byte")));
 }
 
 Exit writeRows(Session &session, const HexSource &source, std::uint64_t at, std::uint64_t length) {
@@ -85,7 +96,7 @@ Exit writeMatches(Session &session, const HexSource &source, std::uint64_t at,
         ++matches;
     }
     session.task.clear();
-    session.err << fmt::format("{} matches\n", matches);
+    session.err << counted(matches, "match", "matches") << '\n';
     return Exit::ok;
 }
 
@@ -95,16 +106,22 @@ Exit hexCommand(Session &session, const HexArguments &arguments) {
     const bool finds = !arguments.find.empty() || !arguments.findBytes.empty();
     if (!arguments.find.empty() && !arguments.findBytes.empty())
         throw UsageError("either --find or --find-bytes was expected");
+    if (arguments.length < 1)
+        throw UsageError(
+            fmt::format("--length {}: at least 1 byte was expected", arguments.length));
     const auto needles = finds ? needlesOf(arguments) : std::vector<HexNeedle>();
-    session.open(arguments.row.project);
+    session.openForReading(arguments.row.project);
+    checkRow(session.program.thisClass.ProjectDB.connection(), arguments.row.urlId);
     Exit exit = Exit::damagedEvidence;
     {
         RebuildTools tools(session.program, session.task, session.scratch());
         if (const auto place = placeOf(session, tools, arguments)) {
             const HexSource source(place->file);
             const std::uint64_t at = beginningOf(arguments, finds ? 0 : place->offset);
+            checkBeginning(source, at);
             exit = finds ? writeMatches(session, source, at, needles)
-                         : writeRows(session, source, at, arguments.length);
+                         : writeRows(session, source, at,
+                                     static_cast<std::uint64_t>(arguments.length));
         }
     }
     closeProject(session.program);

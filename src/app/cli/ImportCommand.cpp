@@ -1,12 +1,17 @@
+#include "app/DrawingTools.h"
 #include "app/ImportJob.h"
 #include "app/ImportText.h"
 #include "app/Messages.h"
 #include "app/Project.h"
 #include "app/cli/Commands.h"
+#include "app/cli/LoadedTable.h"
 #include "app/cli/OutputPath.h"
 #include "base/Files.h"
+#include "base/Md5.h"
 #include "base/Text.h"
+#include "db/StoredQueries.h"
 #include "import/Scan.h"
+#include "platform/posix/Claim.h"
 #include "readers/Registry.h"
 #include "time/ZoneDatabase.h"
 
@@ -14,6 +19,7 @@
 
 #include <algorithm>
 #include <set>
+#include <unistd.h>
 
 namespace nv::cli {
 
@@ -67,14 +73,53 @@ void checkAs(const ImportArguments &arguments) {
             throw UsageError(fmt::format("\"{}\": --as needs a file", path));
 }
 
+/// Asked for before anything is read: whoever wants thumbnails shan't learn at the end of a long
+/// import that there are none.
+void checkDrawing(const ImportArguments &arguments) {
+    if (arguments.thumbnails && !canDraw())
+        throw StorageFailure(fmt::format("--thumbnails: {}. Nothing was imported: without "
+                                         "--thumbnails all is, and the command thumbnails draws "
+                                         "them later.",
+                                         whyNoDrawing()));
+}
+
+void checkProjectFolder(const fs::path &project) {
+    const fs::path folder = fs::absolute(project).parent_path();
+    if (!fs::is_directory(folder))
+        throw StorageFailure(fmt::format("\"{}\": there is no folder \"{}\" for the project",
+                                         textOf(project), textOf(folder)));
+    if (::access(folder.c_str(), W_OK) != 0)
+        throw StorageFailure(fmt::format("\"{}\": the folder \"{}\" can't be written",
+                                         textOf(project), textOf(folder)));
+}
+
+/// The queries of a new project hold the terms themselves: lists that are found later change
+/// nothing.
+void tellMissingLists(Session &session) {
+    StoredQueries queries(session.program.thisClass.ProjectDB.connection());
+    for (const StoredQuery &query : queries.list())
+        if (lacksTerms(query.sql))
+            session.err << missingTerms(query.name) << '\n';
+}
+
+/// Two imports at once would mix their rows, and each would take the other's for its own.
+void checkAlone(const Claim &claim, const fs::path &project) {
+    if (!claim.isHeld())
+        throw StorageFailure(fmt::format("\"{}\": another import into this project is running; "
+                                         "wait for its end",
+                                         textOf(project)));
+}
+
 /// Opens the project, or makes it when there is none.
 void openOrCreate(Session &session, const fs::path &project) {
     if (fs::exists(project) || !isProjectName(project))
         return session.open(project);
+    checkProjectFolder(project);
     if (!createProject(session.program, project))
         throw StorageFailure(fmt::format("\"{}\": {} The log \"{}\" says why.", textOf(project),
                                          messages::databaseNotCreated().text,
                                          textOf(session.program.log.path())));
+    tellMissingLists(session);
 }
 
 /// The deepest folder that holds all paths.
@@ -123,7 +168,8 @@ void tellGaps(Session &session, const fs::path &path, const ScanResult &found) {
     for (const std::string &gap : found.gaps.unreadable)
         session.err << "not readable: " << printable(gap) << '\n';
     if (found.gaps.linksNotFollowed > 0)
-        session.err << fmt::format("{} links were not followed\n", found.gaps.linksNotFollowed);
+        session.err << fmt::format("{} not followed\n",
+                                   counted(found.gaps.linksNotFollowed, "link"));
     // Whoever names a file expects it to be read.
     if (fs::is_regular_file(path) && found.HistoryFiles.Count() == 0 && !found.cancelled)
         session.err << fmt::format(
@@ -201,12 +247,16 @@ Exit exitFor(const ImportSummary &summary) {
 } // namespace
 
 Exit importCommand(Session &session, const ImportArguments &arguments) {
+    checkDrawing(arguments);
     checkPaths(arguments);
     checkProjectPlace(arguments);
     checkZones(session.program);
     checkZone(session, arguments.zone);
     checkKinds(arguments.kinds);
     checkAs(arguments);
+    const Claim claim("norvelane-import-" +
+                      md5Hex(fs::weakly_canonical(arguments.project).native()));
+    checkAlone(claim, arguments.project);
     openOrCreate(session, arguments.project);
     Program &program = session.program;
     if (arguments.zone > 0)

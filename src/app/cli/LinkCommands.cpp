@@ -2,7 +2,9 @@
 
 #include "app/LinkJob.h"
 #include "app/Project.h"
+#include "app/cli/RowCheck.h"
 #include "base/Files.h"
+#include "base/Text.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -14,10 +16,12 @@ namespace {
 Exit analyse(Session &session) {
     const LinkTotals totals = analyseLinks(session.program, session.task, session.scratch());
     session.task.clear();
-    session.out << fmt::format("{} records examined, {} matches, {} pages refreshed, {} not "
-                               "fetched, {} not read\n",
-                               totals.examined, totals.matches, totals.refreshed, totals.notFetched,
-                               totals.notRead);
+    session.out << fmt::format(
+        "{} examined, {}, {} refreshed, {} not fetched, {} not read\n",
+        counted(static_cast<std::uint64_t>(totals.examined), "record"),
+        counted(static_cast<std::uint64_t>(totals.matches), "match", "matches"),
+        counted(static_cast<std::uint64_t>(totals.refreshed), "page"), totals.notFetched,
+        totals.notRead);
     if (const std::string notes = notesOn(totals); !notes.empty())
         session.err << notes << '\n';
     if (totals.notRead > 0)
@@ -25,13 +29,6 @@ Exit analyse(Session &session) {
     if (totals.cancelled)
         return Exit::interrupted;
     return totals.notRead > 0 ? Exit::damagedEvidence : Exit::ok;
-}
-
-void checkThere(SQLite::Database &project, std::int64_t urlId) {
-    SQLite::Statement row(project, "SELECT 1 FROM URLs WHERE URL_ID = ?");
-    row.bind(1, urlId);
-    if (!row.executeStep())
-        throw UsageError(fmt::format("the project has no row {}", urlId));
 }
 
 void write(const LinkList &links, RowWriter &writer) {
@@ -44,7 +41,7 @@ void write(const LinkList &links, RowWriter &writer) {
 
 Exit list(Session &session, std::int64_t urlId, Format format) {
     SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
-    checkThere(project, urlId);
+    checkRow(project, urlId);
     const LinkList links = linksOf(session.program, UrlId{urlId});
     if (!links.failure.empty())
         throw UsageError(fmt::format("{} (here: --wide-ids)", links.failure));
@@ -60,7 +57,7 @@ Exit list(Session &session, std::int64_t urlId, Format format) {
 } // namespace
 
 Exit linksCommand(Session &session, const LinkArguments &arguments, Format format) {
-    session.open(arguments.project);
+    session.open(arguments.project, arguments.urlId ? Access::read : Access::write);
     session.program.thisClass.WideRecordIds |= arguments.wideIds;
     const Exit exit = arguments.urlId ? list(session, *arguments.urlId, format) : analyse(session);
     closeProject(session.program);

@@ -4,7 +4,7 @@
 #include "app/cli/LoadedTable.h"
 #include "base/Text.h"
 
-#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 
@@ -35,9 +35,8 @@ std::vector<UrlColumn> chosenColumns(const ListArguments &arguments) {
     for (const std::string &key : arguments.columns) {
         const auto column = columnOfKey(key);
         if (!column)
-            throw UsageError(fmt::format("there is no column \"{}\": keys such as COL_URL_VALUE "
-                                         "were expected",
-                                         key));
+            throw UsageError(fmt::format("there is no column \"{}\": {} were expected", key,
+                                         fmt::join(columnKeys(), ", ")));
         columns.push_back(*column);
     }
     return columns;
@@ -83,7 +82,7 @@ void writeRows(const ListArguments &arguments, const std::vector<UrlColumn> &col
 Exit listCommand(Session &session, const ListArguments &arguments) {
     const std::vector<UrlColumn> columns = chosenColumns(arguments);
     session.program.thisClass.Filters = filtersFrom(arguments.filter);
-    session.open(arguments.project);
+    session.openForReading(arguments.project);
     const ThisClass &state = session.program.thisClass;
     LoadResult loaded = LoadResult::Failed;
     {

@@ -1,22 +1,33 @@
 #include "app/cli/LoadedTable.h"
 
 #include "app/Project.h"
+#include "app/cli/RowWriter.h"
+#include "app/cli/Session.h"
 #include "base/Files.h"
+#include "base/Text.h"
 #include "db/StoredQueries.h"
 
 #include <fmt/format.h>
 
 namespace nv::cli {
 
-namespace {
+std::string missingTerms(const std::string &name) {
+    return fmt::format(
+        "the query \"{}\" looks for no keywords: their list was missing or empty when "
+        "the project was made, so it finds nothing, whatever the evidence holds",
+        printable(name));
+}
 
 void checkQuery(Session &session, const std::string &name) {
     SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
-    if (!name.empty() && !StoredQueries(project).text(name))
-        throw UsageError(fmt::format("the project has no stored query \"{}\"", name));
+    const auto text =
+        StoredQueries(project).text(name.empty() ? std::string(kDefaultQueryName) : name);
+    if (!name.empty() && !text)
+        throw UsageError(
+            fmt::format("the project has no stored query \"{}\": `queries` lists them", name));
+    if (text && lacksTerms(*text))
+        session.err << missingTerms(name) << '\n';
 }
-
-} // namespace
 
 LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table) {
     checkQuery(session, choice.ActiveQueryName);
@@ -29,8 +40,8 @@ LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table)
     if (loaded == LoadResult::Failed)
         throw StorageFailure(fmt::format("{}: {}", loadFailure({}).title, table.failure()));
     if (table.hiddenCount() > 0)
-        session.err << fmt::format("filters hide {} of {} rows\n", table.hiddenCount(),
-                                   table.hiddenCount() + table.rowCount());
+        session.err << fmt::format("filters hide {} of {}\n", table.hiddenCount(),
+                                   counted(table.hiddenCount() + table.rowCount(), "row"));
     return loaded;
 }
 

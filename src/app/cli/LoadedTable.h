@@ -1,9 +1,19 @@
 #pragma once
 
-#include "app/cli/Session.h"
 #include "views/UrlTable.h"
 
+#include <string>
+
 namespace nv::cli {
+
+class Session;
+
+/// That the stored query of this name finds nothing for want of its list of terms.
+std::string missingTerms(const std::string &name);
+
+/// Throws UsageError when the project has no such stored query; tells when it lacks its terms. An
+/// empty name stands for "_DEFAULT".
+void checkQuery(Session &session, const std::string &name);
 
 /// Fills `table`, made on the open project, as the window would. Throws UsageError for a query that
 /// isn't there and StorageFailure when the load fails.

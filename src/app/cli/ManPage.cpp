@@ -1,5 +1,7 @@
 #include "app/cli/ManPage.h"
 
+#include "app/cli/Examples.h"
+
 #include <fmt/format.h>
 
 namespace nv::cli {
@@ -127,6 +129,11 @@ bool canBeCalled(const CLI::App &command) {
            command.get_subcommands([](const CLI::App *) { return true; }).empty();
 }
 
+std::string examplesOf(const std::string &command) {
+    const std::string text = examplesText(command);
+    return text.empty() ? "" : fmt::format(".PP\n.nf\n{}\n.fi\n", troff(text));
+}
+
 std::string commandText(const CLI::App &command, const std::string &name) {
     std::string text;
     if (canBeCalled(command)) {
@@ -135,6 +142,7 @@ std::string commandText(const CLI::App &command, const std::string &name) {
         for (const CLI::Option *option : command.get_options())
             if (!isHelp(*option))
                 text += optionText(*option);
+        text += examplesOf(name);
     }
     for (const CLI::App *each : command.get_subcommands([](const CLI::App *) { return true; }))
         text += commandText(*each, name + " " + each->get_name());

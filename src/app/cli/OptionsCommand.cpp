@@ -6,6 +6,7 @@
 #include "base/Text.h"
 #include "db/ProjectFields.h"
 #include "db/ReadOnlyConnection.h"
+#include "views/MovedEvidence.h"
 
 #include <SQLiteCpp/Database.h>
 #include <fmt/format.h>
@@ -120,6 +121,9 @@ void setInProject(Session &session, const OptionsArguments &arguments) {
     const std::string value = checked(session.program, factsOf(facts), arguments.value);
     session.open(arguments.project);
     storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes);
+    if (facts.name == "RootPath")
+        mendRootPath(session.program.thisClass.ProjectDB.connection(), session.program.log, value,
+                     session.task);
 }
 
 } // namespace

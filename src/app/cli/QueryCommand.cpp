@@ -1,6 +1,8 @@
 #include "app/Messages.h"
 #include "app/Project.h"
 #include "app/cli/Commands.h"
+#include "app/cli/LoadedTable.h"
+#include "app/cli/RowCheck.h"
 #include "app/cli/StatementCells.h"
 #include "app/cli/ViewerCommands.h"
 #include "base/Files.h"
@@ -34,13 +36,20 @@ StatementCells cellsOf(Session &session, SQLite::Statement &statement, Format fo
             {state.DateFormat, state.TimeFormat, state.EnableDSTChanges, 0}};
 }
 
+/// Of the stored queries that the statement names.
+void tellMissingTerms(Session &session, SQLite::Database &database, std::string_view sql) {
+    for (const StoredQuery &query : StoredQueries(database).list())
+        if (lacksTerms(query.sql) && containsNoCase(sql, query.name))
+            session.err << missingTerms(query.name) << '\n';
+}
+
 /// The database's own message for a statement that it refuses.
 SQLite::Statement prepared(SQLite::Database &database, const std::string &sql, FailureLog &log) {
     std::optional<SQLite::Statement> statement;
     const auto failure =
         failureOf(log, "TestQuery()", [&] { statement.emplace(database, translate(sql)); });
     if (failure)
-        throw UsageError(*failure);
+        throw UsageError(meaningOf(*failure));
     return std::move(*statement);
 }
 
@@ -54,6 +63,7 @@ Exit queryCommand(Session &session, const std::string &project, const std::strin
     SQLite::Statement statement = prepared(*database, sql, session.program.log);
     if (statement.getColumnCount() == 0)
         throw UsageError("the statement gives no rows: a SELECT was expected");
+    tellMissingTerms(session, *database, sql);
     const StatementCells cells = cellsOf(session, statement, format);
     const auto writer = makeRowWriter(format, session.out, cells.headings());
     StatementWatch watch(*database, session.task);
@@ -75,14 +85,14 @@ Exit queriesCommand(Session &session, const std::string &project, Format format)
 
 Exit showCommand(Session &session, const std::string &project, std::int64_t urlId, Format format) {
     const auto database = readerOf(project);
-    SQLite::Statement row(*database, "SELECT * FROM URLs WHERE URL_ID = ?");
-    row.bind(1, urlId);
-    if (!row.executeStep())
-        throw UsageError(fmt::format("the project has no row {}", urlId));
+    checkRow(*database, urlId);
     if (format == Format::table) {
         showForPeople(session, *database, project, urlId);
         return Exit::ok;
     }
+    SQLite::Statement row(*database, "SELECT * FROM URLs WHERE URL_ID = ?");
+    row.bind(1, urlId);
+    row.executeStep();
     const StatementCells cells = cellsOf(session, row, format);
     makeRowWriter(format, session.out, cells.headings())->row(cells.cells());
     return Exit::ok;

@@ -5,6 +5,7 @@
 #include "app/cli/OutputPath.h"
 #include "app/cli/RowCheck.h"
 #include "base/Files.h"
+#include "base/Text.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 
@@ -75,18 +76,21 @@ void add(Totals &totals, const RebuiltPage &page) {
 std::string lineOf(const RebuiltPage &page) {
     if (!page.rebuilt)
         return fmt::format("{:>9}  not rebuilt: {}\n", page.URL_ID, reasonText(page.why));
-    return fmt::format("{:>9}  {} tags found, {} replaced, {} missing  {}{}\n", page.URL_ID,
-                       page.tagsFound, page.replaced, page.missing, textOf(page.folder.filename()),
+    return fmt::format("{:>9}  {} found, {} replaced, {} missing  {}{}\n", page.URL_ID,
+                       counted(page.tagsFound, "tag"), page.replaced, page.missing,
+                       textOf(page.folder.filename()),
                        page.thumbnail == Redrawn::failed ? "  thumbnail not drawn" : "");
 }
 
 void tellTotals(Session &session, const Totals &totals) {
-    session.out << fmt::format("{} of {} pages rebuilt, {} references replaced, {} missing\n",
-                               totals.rebuilt, totals.pages, totals.replaced, totals.missing);
+    session.out << fmt::format("{} of {} rebuilt, {} replaced, {} missing\n", totals.rebuilt,
+                               counted(totals.pages, "page"), counted(totals.replaced, "reference"),
+                               totals.missing);
     if (totals.drawn > 0)
-        session.out << fmt::format("{} thumbnails drawn anew\n", totals.drawn);
+        session.out << fmt::format("{} drawn anew\n", counted(totals.drawn, "thumbnail"));
     if (totals.undrawn > 0)
-        session.err << fmt::format("{} thumbnails could not be drawn; see \"{}\"\n", totals.undrawn,
+        session.err << fmt::format("{} could not be drawn; see \"{}\"\n",
+                                   counted(totals.undrawn, "thumbnail"),
                                    textOf(session.program.log.path()));
 }
 
@@ -121,15 +125,14 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
 
 Exit auditCommand(Session &session, const std::string &project, std::int64_t urlId, bool wideIds,
                   Format format) {
-    session.open(project);
+    session.openForReading(project);
     Program &program = session.program;
     program.thisClass.WideRecordIds |= wideIds;
     {
         RebuildTools tools(program, session.task, session.scratch());
+        checkRow(program.thisClass.ProjectDB.connection(), urlId);
         auto page = tools.record(urlId);
-        if (!page)
-            throw UsageError(fmt::format("the project has no row {}", urlId));
-        if (!page->CacheFileRebuilt)
+        if (!page || !page->CacheFileRebuilt)
             throw UsageError(fmt::format("row {} was not rebuilt", urlId));
         UnpackIngredients(*page, tools.context());
         const auto writer = makeRowWriter(

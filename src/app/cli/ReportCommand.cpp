@@ -1,11 +1,12 @@
 #include "app/Project.h"
 #include "app/ReportJob.h"
 #include "app/Trail.h"
+#include "app/cli/LoadedTable.h"
 #include "app/cli/OutputPath.h"
 #include "app/cli/ReportCommands.h"
 #include "app/cli/Session.h"
 #include "base/Files.h"
-#include "db/StoredQueries.h"
+#include "base/Text.h"
 #include "reports/PublishReport.h"
 
 #include <fmt/format.h>
@@ -38,8 +39,7 @@ void checkPicture(const char *option, const std::string &path) {
 
 RowIds rowsOf(Session &session, const ReportArguments &arguments) {
     SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
-    if (!arguments.query.empty() && !StoredQueries(project).text(arguments.query))
-        throw UsageError(fmt::format("the project has no stored query \"{}\"", arguments.query));
+    checkQuery(session, arguments.query);
     RowIds ids;
     collectIds(project, loadQuery({arguments.query, false, {}}), session.task, ids);
     return ids;
@@ -113,9 +113,11 @@ Exit reportCommand(Session &session, const ReportArguments &arguments) {
     }
     const fs::path index =
         ReportFolder::at(arguments.out).index(arguments.type == "graphical" ? 0 : 1);
-    session.out << fmt::format("{} rows reported, {} files written\n{}\n",
-                               rowsReported(program.thisClass.ProjectDB.connection()),
-                               published->files, textOf(index));
+    session.out << fmt::format(
+        "{} reported, {} written\n{}\n",
+        counted(static_cast<std::uint64_t>(rowsReported(program.thisClass.ProjectDB.connection())),
+                "row"),
+        counted(published->files, "file"), textOf(index));
     closeProject(program);
     return Exit::ok;
 }

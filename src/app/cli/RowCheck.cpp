@@ -17,4 +17,8 @@ void checkRows(SQLite::Database &project, std::span<const std::int64_t> ids) {
     }
 }
 
+void checkRow(SQLite::Database &project, std::int64_t id) {
+    checkRows(project, std::span(&id, 1));
+}
+
 } // namespace nv::cli

@@ -33,15 +33,31 @@ Session::~Session() {
     std::filesystem::remove_all(m_scratch, ignored);
 }
 
-void Session::open(const std::filesystem::path &project) {
+void Session::open(const std::filesystem::path &project, Access access) {
     if (!isProjectName(project))
         throw StorageFailure(
             fmt::format("\"{}\": {}", textOf(project), messages::notAProjectFile().text));
-    openProject(program, project);
+    openProject(program, project, access);
     if (isOlderProject(program))
         err << fmt::format("This project file was made with an earlier build of Norvelane: the "
                            "command `upgrade {}` compares it with this one's.\n",
                            printable(textOf(project)));
+}
+
+bool Session::openForNote(const std::filesystem::path &project) {
+    const auto folder = std::filesystem::absolute(project).parent_path();
+    const bool writable =
+        ::access(project.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
+    open(project, writable ? Access::write : Access::read);
+    if (!writable)
+        err << "the project can't be written: its trail has no note of this\n";
+    return writable;
+}
+
+void Session::flushOutput() {
+    out.flush();
+    if (!out && !outputClosed)
+        throw StorageFailure("the standard output can't be written: what was printed is not whole");
 }
 
 const std::filesystem::path &Session::scratch() {

@@ -47,7 +47,14 @@ class Session {
 
     /// Throws StorageFailure when `project` has not the extension of projects, isn't there, or
     /// can't be opened.
-    void open(const std::filesystem::path &project);
+    void open(const std::filesystem::path &project, Access access = Access::write);
+    /// The same for commands that only look: no byte of the project changes.
+    void openForReading(const std::filesystem::path &project) { open(project, Access::read); }
+    /// For commands whose only trace in the project is a note in its trail: on a medium that can't
+    /// be written they work all the same, and tell that there is no note. False then.
+    bool openForNote(const std::filesystem::path &project);
+    /// Throws StorageFailure when not everything that was printed has arrived.
+    void flushOutput();
     /// A folder of this run's own below the Temp folder, removed at its end.
     const std::filesystem::path &scratch();
 

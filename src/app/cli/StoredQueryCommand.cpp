@@ -52,7 +52,7 @@ Exit saveQueryCommand(Session &session, const StoredQueryArguments &arguments) {
 }
 
 Exit showQueryCommand(Session &session, const StoredQueryArguments &arguments) {
-    session.open(arguments.project);
+    session.openForReading(arguments.project);
     const auto text =
         StoredQueries(session.program.thisClass.ProjectDB.connection()).text(arguments.name);
     if (!text)

@@ -29,7 +29,7 @@ std::vector<std::int32_t> idsWhere(const std::string &project, const std::string
             ids.push_back(rows.getColumn(0).getInt());
     });
     if (failure)
-        throw UsageError(*failure);
+        throw UsageError(meaningOf(*failure));
     return ids;
 }
 
@@ -49,7 +49,7 @@ Exit tagCommand(Session &session, const TagArguments &arguments) {
         ids = idsWhere(arguments.project, arguments.where, program.log);
     const bool done = setTagged(project, program.log, ids, !arguments.off, session.task);
     session.task.clear();
-    session.out << fmt::format("{} rows {}\n", done ? ids.size() : 0,
+    session.out << fmt::format("{} {}\n", counted(done ? ids.size() : 0, "row"),
                                arguments.off ? "untagged" : "tagged");
     closeProject(program);
     return done ? Exit::ok : Exit::projectUnusable;

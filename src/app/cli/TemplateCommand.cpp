@@ -1,6 +1,7 @@
 #include "app/Project.h"
 #include "app/TemplateJob.h"
 #include "app/cli/Commands.h"
+#include "app/cli/RowCheck.h"
 #include "base/Files.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/TemplateList.h"
@@ -39,11 +40,16 @@ std::string wordOf(Laid result) {
                        result == Laid::otherTitle ? "; --any-title takes it all the same" : "");
 }
 
-URLClass recordOf(RebuildTools &tools, std::int64_t id) {
-    auto page = tools.record(id);
-    if (!page)
-        throw UsageError(fmt::format("the project has no row {}", id));
-    return *page;
+/// A path, or the name of a template in the folder, with its extension or without.
+fs::path templateOf(const Program &program, const TemplateArguments &arguments) {
+    const fs::path folder = folderOf(program, arguments);
+    for (const fs::path &file : {fs::path(arguments.file), folder / arguments.file,
+                                 folder / (arguments.file + std::string(kTemplateExtension))})
+        if (fs::is_regular_file(file))
+            return file;
+    throw UsageError(fmt::format("there is no template \"{}\", here or in the folder \"{}\": "
+                                 "`template list` lists them",
+                                 arguments.file, textOf(folder)));
 }
 
 } // namespace
@@ -51,20 +57,24 @@ URLClass recordOf(RebuildTools &tools, std::int64_t id) {
 Exit templateCreateCommand(Session &session, const TemplateArguments &arguments) {
     session.open(arguments.project);
     Program &program = session.program;
+    checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
     program.thisClass.WideRecordIds |= arguments.wideIds;
     const fs::path folder = folderOf(program, arguments);
     Exit exit = Exit::ok;
     {
         RebuildTools tools(program, session.task, session.scratch());
         for (const std::int64_t id : arguments.ids) {
-            URLClass page = recordOf(tools, id);
-            if (page.CacheFileRebuilt)
-                UnpackIngredients(page, tools.context());
-            const auto result = CreateTemplate(page, folder, program.thisClass.AppVersion,
+            auto page = tools.record(id);
+            if (!page)
+                throw StorageFailure(fmt::format("row {} can't be read; see \"{}\"", id,
+                                                 textOf(program.log.path())));
+            if (page->CacheFileRebuilt)
+                UnpackIngredients(*page, tools.context());
+            const auto result = CreateTemplate(*page, folder, program.thisClass.AppVersion,
                                                arguments.overwrite ? IfTemplateExists::overwrite
                                                                    : IfTemplateExists::refuse,
                                                tools.context());
-            session.out << fmt::format("{}  {}\n", textOf(templatePathOf(page, folder)),
+            session.out << fmt::format("{}  {}\n", textOf(templatePathOf(*page, folder)),
                                        wordOf(result));
             if (result != TemplateResult::made)
                 exit = Exit::usage;
@@ -85,17 +95,14 @@ Exit templateListCommand(Session &session, const TemplateArguments &arguments, F
 }
 
 Exit templateApplyCommand(Session &session, const TemplateArguments &arguments) {
-    if (!fs::is_regular_file(arguments.file))
-        throw UsageError(fmt::format("there is no template \"{}\"", arguments.file));
+    const std::vector<fs::path> templates{templateOf(session.program, arguments)};
     session.open(arguments.project);
     Program &program = session.program;
+    checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
     program.thisClass.TemplateMatchByTitle = !arguments.anyTitle;
     Exit exit = Exit::ok;
     {
         RebuildTools tools(program, session.task, session.scratch());
-        const std::vector<fs::path> templates{arguments.file};
-        for (const std::int64_t id : arguments.ids)
-            recordOf(tools, id);
         RebuildFromTemplates(program, tools, arguments.ids, templates,
                              [&](std::int64_t id, Laid result) {
                                  session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));

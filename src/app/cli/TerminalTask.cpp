@@ -11,6 +11,7 @@
 namespace nv::cli {
 
 std::atomic<bool> interrupted = false;
+std::atomic<bool> outputClosed = false;
 
 namespace {
 
@@ -23,10 +24,16 @@ void onInterrupt(int) {
     std::signal(SIGINT, SIG_DFL);
 }
 
+void onClosedPipe(int) {
+    outputClosed = true;
+    interrupted = true;
+}
+
 } // namespace
 
 void catchInterrupts() {
     std::signal(SIGINT, onInterrupt);
+    std::signal(SIGPIPE, onClosedPipe);
 }
 
 void TerminalTask::describe(const TaskHeading &heading) {

@@ -11,8 +11,11 @@ namespace nv::cli {
 
 /// Set by Ctrl-C; every loop of a task asks for it.
 extern std::atomic<bool> interrupted;
+/// Set when nobody reads the standard output any more, as behind "| head"; it interrupts as well.
+extern std::atomic<bool> outputClosed;
 
-/// Makes Ctrl-C set `interrupted`; a second one ends the process at once.
+/// Makes Ctrl-C set `interrupted`; a second one ends the process at once. A closed pipe sets it
+/// too, so that the project is closed in order and no scratch files stay.
 void catchInterrupts();
 
 /// The headless program's task monitor: a progress bar on a terminal's stderr, silence elsewhere.

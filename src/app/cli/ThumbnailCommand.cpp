@@ -3,6 +3,7 @@
 #include "app/cli/Commands.h"
 #include "app/cli/RowCheck.h"
 #include "base/Files.h"
+#include "base/Text.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -19,9 +20,10 @@ std::vector<std::int64_t> chosenIds(Program &program, const ThumbnailArguments &
 }
 
 std::string textOf(const ThumbnailTotals &totals) {
-    return fmt::format("{} thumbnails made, {} could not be drawn, {} without cached content, {} "
+    return fmt::format("{} made, {} could not be drawn, {} without cached content, {} "
                        "of other kinds\n",
-                       totals.made, totals.failed, totals.withoutContent, totals.otherKinds);
+                       counted(totals.made, "thumbnail"), totals.failed, totals.withoutContent,
+                       totals.otherKinds);
 }
 
 } // namespace

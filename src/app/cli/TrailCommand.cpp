@@ -39,14 +39,15 @@ Exit trailCommand(Session &session, const std::string &project, Format format) {
 }
 
 Exit verifyCommand(Session &session, const std::string &project, Format format) {
-    session.open(project);
+    const bool notes = session.openForNote(project);
     Program &program = session.program;
     const SourceCheck check =
         verifySources(program.thisClass.ProjectDB.connection(), program.log, session.task);
     session.task.clear();
     write(session, check, format);
     session.err << summaryText(check) << '\n';
-    noteVerify(program, check);
+    if (notes)
+        noteVerify(program, check);
     if (check.cancelled)
         return Exit::interrupted;
     return check.allSame() ? Exit::ok : Exit::damagedEvidence;

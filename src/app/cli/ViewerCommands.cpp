@@ -2,7 +2,9 @@
 
 #include "app/Project.h"
 #include "app/RecordContent.h"
+#include "app/cli/RowCheck.h"
 #include "base/Files.h"
+#include "base/Text.h"
 #include "db/SqliteErrors.h"
 #include "time/DateFormat.h"
 #include "views/CachedText.h"
@@ -18,23 +20,18 @@ namespace {
 /// More would stay in memory three times over.
 constexpr std::uint64_t kMostTextBytes = std::uint64_t{256} << 20;
 
-[[noreturn]] void refuseRow(std::int64_t urlId) {
-    throw UsageError(fmt::format("the project has no row {}", urlId));
-}
-
 /// Opens the project, hands the row's content to `show`, and closes it.
 template <class Show>
 Exit withContent(Session &session, const RowArguments &row, Show &&show) {
-    session.open(row.project);
+    session.openForReading(row.project);
+    checkRow(session.program.thisClass.ProjectDB.connection(), row.urlId);
     Exit exit = Exit::damagedEvidence;
     {
         RebuildTools tools(session.program, session.task, session.scratch());
         const auto content = contentOfRecord(tools, UrlId{row.urlId});
-        if (!content)
-            refuseRow(row.urlId);
-        if (content->file)
+        if (content && content->file)
             exit = show(*content);
-        else
+        else if (content)
             session.err << fmt::format("row {}: {}\n", row.urlId, printable(content->reason));
     }
     closeProject(session.program);
@@ -44,23 +41,23 @@ Exit withContent(Session &session, const RowArguments &row, Show &&show) {
 } // namespace
 
 Exit noteCommand(Session &session, const NoteArguments &arguments) {
-    if (arguments.remove && !arguments.text.empty())
+    if (arguments.remove && arguments.text)
         throw UsageError("either a TEXT or --delete was expected");
-    session.open(arguments.row.project);
+    // A script whose variable is unset would wipe out what an examiner has written.
+    if (arguments.text && trim(*arguments.text).empty())
+        throw UsageError("the TEXT is empty: --delete takes a note away");
+    const bool writes = arguments.remove || arguments.text;
+    session.open(arguments.row.project, writes ? Access::write : Access::read);
     Program &program = session.program;
     SQLite::Database &project = program.thisClass.ProjectDB.connection();
     const UrlId url{arguments.row.urlId};
-    if (arguments.remove || !arguments.text.empty()) {
+    checkRow(project, arguments.row.urlId);
+    if (writes) {
         const NoteOutcome outcome =
-            storeNote(project, url, arguments.text, program.around.clock, program.log);
-        if (outcome.stored == NoteStored::rowGone)
-            refuseRow(arguments.row.urlId);
+            storeNote(project, url, arguments.text.value_or(""), program.around.clock, program.log);
         if (outcome.stored == NoteStored::failed)
             throw StorageFailure(outcome.failure);
-    } else {
-        const auto note = readNote(project, url);
-        if (!note)
-            refuseRow(arguments.row.urlId);
+    } else if (const auto note = readNote(project, url)) {
         if (!note->Notes.empty())
             session.out << printableLines(note->Notes) << '\n';
         if (note->NotesDateTime.has())

@@ -2,6 +2,8 @@
 
 #include "app/cli/Commands.h"
 
+#include <optional>
+
 namespace SQLite {
 class Database;
 }
@@ -17,7 +19,7 @@ struct RowArguments {
 
 struct NoteArguments {
     RowArguments row;
-    std::string text; ///< empty to print the note
+    std::optional<std::string> text; ///< nothing to print the note
     bool remove = false;
 };
 Exit noteCommand(Session &session, const NoteArguments &arguments);
@@ -25,7 +27,7 @@ Exit noteCommand(Session &session, const NoteArguments &arguments);
 struct HexArguments {
     RowArguments row;
     std::string offset; ///< decimal, or hexadecimal with "0x"; empty for the start
-    std::uint64_t length = 512;
+    std::int64_t length = 512;
     bool source = false; ///< the artefact file at the record's offset, not the cached content
     std::string find;    ///< a text
     std::string findBytes;

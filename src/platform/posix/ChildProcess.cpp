@@ -276,13 +276,18 @@ ChildResult runChild(const ChildCommand &command,
     return Child(command, take, goOn).run();
 }
 
-std::optional<std::filesystem::path> companionProgram(std::string_view name) {
+std::vector<std::filesystem::path> companionFolders() {
     std::error_code error;
     const auto own = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
     std::vector<std::filesystem::path> folders{own, own.parent_path() / "libexec" / "norvelane"};
     if (const char *named = std::getenv("NORVELANE_PROGRAMS"); named && *named)
         folders.emplace_back(named);
-    for (const std::filesystem::path &folder : folders)
+    return folders;
+}
+
+std::optional<std::filesystem::path> companionProgram(std::string_view name) {
+    std::error_code error;
+    for (const std::filesystem::path &folder : companionFolders())
         if (std::filesystem::exists(folder / name, error))
             return folder / name;
     return std::nullopt;

@@ -6,6 +6,7 @@
 #include "readers/results/NetAnalysis.h"
 
 #include "base/Files.h"
+#include "base/Text.h"
 #include "base/Trap.h"
 #include "platform/ChildProcess.h"
 #include "readers/results/JetProgram.h"
@@ -180,9 +181,9 @@ void CaseReading::sumUp() {
     if (found != m_counted)
         addDamage(fmt::format("table History counts {} rows, and {} were found", m_counted, found));
     if (m_damaged > 0)
-        addDamage(fmt::format("{} rows can't be read", m_damaged));
+        addDamage(counted(m_damaged, "row") + " can't be read");
     if (m_cut > 0)
-        addDamage(fmt::format("{} rows have values that are cut", m_cut));
+        addDamage(counted(m_cut, "row") + " with values that are cut");
     if (m_result.reason.empty()) {
         if (m_ctx.task.wantsStep())
             showStep("All done.");

@@ -16,6 +16,10 @@ QString textOf(EmptyState state, std::size_t hidden) {
         return EmptyPage::tr("This project holds no records yet.\nImport evidence to fill it.");
     case EmptyState::NoMatches:
         return EmptyPage::tr("No record matches the query and the host.");
+    case EmptyState::NoTerms:
+        return EmptyPage::tr("This query looks for no keywords: their list was missing or empty "
+                             "when the project was made.\nIt finds nothing, whatever the evidence "
+                             "holds.");
     case EmptyState::AllHidden:
         return EmptyPage::tr("The filters hide all %L1 records that the query and the host give.")
             .arg(hidden);

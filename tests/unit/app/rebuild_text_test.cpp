@@ -56,7 +56,7 @@ TEST(RebuildText, thumbnailsThatWereNotDrawnAreTold) {
 
 TEST(RebuildText, aCancelledBatchSaysHowFarItCame) {
     EXPECT_EQ(reportText({3, {rebuiltPage(1, 1, 0)}, true}), "Cancelled: 1 of 3 pages rebuilt.");
-    EXPECT_EQ(reportText({1, {}, true}), "Cancelled: 0 of 1 pages rebuilt.");
+    EXPECT_EQ(reportText({1, {}, true}), "Cancelled: 0 of 1 page rebuilt.");
 }
 
 } // namespace

@@ -92,7 +92,7 @@ TEST_F(TemplateJobTest, bringsBackARebuildOfAnEarlierRun) {
     rebuild(1);
     fs::remove_all(scratch);
     fs::create_directories(scratch);
-    EXPECT_EQ(madeText(create({1})), "1 of 1 templates made.");
+    EXPECT_EQ(madeText(create({1})), "1 of 1 template made.");
 }
 
 TEST_F(TemplateJobTest, whatIsLaidIsInTheCaseTrail) {
@@ -112,7 +112,7 @@ TEST_F(TemplateJobTest, asksBeforeATemplateIsOverwritten) {
     setTitle(1, "Another Title");
     examiner.expect("template-exists", Answer::No);
     EXPECT_EQ(madeText(create({1})),
-              "0 of 1 templates made. 1 not: the template that was there is kept.");
+              "0 of 1 template made. 1 not: the template that was there is kept.");
     EXPECT_EQ(examiner.heard.back().title, "Template Aleady Exists");
     EXPECT_EQ(examiner.heard.back().text, "The following template already exists:\n\n" +
                                               file.string() +
@@ -127,11 +127,11 @@ TEST_F(TemplateJobTest, asksBeforeATemplateIsOverwritten) {
 TEST_F(TemplateJobTest, laysTemplatesOverPagesOfTheirTitle) {
     const fs::path file = made();
     EXPECT_EQ(laidText(lay({2}, {file})),
-              "0 of 1 pages rebuilt from the template. 1 not: its title is another than the "
+              "0 of 1 page rebuilt from the template. 1 not: its title is another than the "
               "template's.");
     EXPECT_FALSE(isRebuilt(2));
     setTitle(2, " HARBOUR news ");
-    EXPECT_EQ(laidText(lay({2}, {file})), "1 of 1 pages rebuilt from the template.");
+    EXPECT_EQ(laidText(lay({2}, {file})), "1 of 1 page rebuilt from the template.");
     EXPECT_TRUE(isRebuilt(2));
 }
 
@@ -158,7 +158,7 @@ TEST_F(TemplateJobTest, whatIsNoTemplateChangesNothing) {
     writeWhole(templates / "empty.NVT", std::string(0x1000, '\0'));
     EXPECT_EQ(lay({2}, {templates / "short.NVT"}).results[Laid::failed], 1u);
     EXPECT_EQ(laidText(lay({2}, {templates / "empty.NVT"})),
-              "0 of 1 pages rebuilt from the template. 1 not: the template holds no page.");
+              "0 of 1 page rebuilt from the template. 1 not: the template holds no page.");
     EXPECT_EQ(lay({2}, {templates / "gone.NVT"}).results[Laid::failed], 1u);
     EXPECT_FALSE(isRebuilt(2));
     const auto rows = listTemplates(templates, program->log);

@@ -83,5 +83,13 @@ TEST(FindNoCase, findsAsciiInEitherCase) {
     EXPECT_EQ(findNoCase("abc", "a", 9), std::string_view::npos);
 }
 
+TEST(Counted, countsAreSingularForOneAlone) {
+    EXPECT_EQ(counted(0, "row"), "0 rows");
+    EXPECT_EQ(counted(1, "row"), "1 row");
+    EXPECT_EQ(counted(2, "row"), "2 rows");
+    EXPECT_EQ(counted(1, "entry", "entries"), "1 entry");
+    EXPECT_EQ(counted(18446744073709551615U, "entry", "entries"), "18446744073709551615 entries");
+}
+
 } // namespace
 } // namespace nv

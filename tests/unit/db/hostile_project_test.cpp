@@ -45,12 +45,13 @@ struct HostileProjectTest : testing::Test {
 
 TEST_F(HostileProjectTest, openingNamesTheFileAndTheReason) {
     const auto text = folder.write("text.nvp", std::string(5000, 'x'));
-    EXPECT_EQ(reasonOf(text), "\"" + text.string() + "\": file is not a database");
+    EXPECT_EQ(reasonOf(text),
+              "\"" + text.string() + "\": this is no project (file is not a database)");
     EXPECT_NE(reasonOf(folder.path() / "none.nvp").find("there is no such file"),
               std::string::npos);
     EXPECT_NE(reasonOf(folder.path()).find("this is a folder"), std::string::npos);
     EXPECT_NE(reasonOf("").find("there is no such file"), std::string::npos);
-    EXPECT_NE(reasonOf(folder.write("empty.nvp", "")).find("no table URLs"), std::string::npos);
+    EXPECT_NE(reasonOf(folder.write("empty.nvp", "")).find("the file is empty"), std::string::npos);
     EXPECT_FALSE(project.isOpen());
 }
 

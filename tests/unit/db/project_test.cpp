@@ -1,3 +1,4 @@
+#include "base/Md5.h"
 #include "base/Trap.h"
 #include "db/DatabaseClass.h"
 #include "db/Dialect.h"
@@ -227,6 +228,30 @@ TEST_F(ProjectTest, closesIntoOneSoundFileAndOpensAgain) {
     EXPECT_EQ(get("SELECT URL FROM _DEFAULT"), "http://x/");
     EXPECT_EQ(get("PRAGMA integrity_check"), "ok");
     EXPECT_EQ(get("PRAGMA page_size"), "8192");
+}
+
+TEST_F(ProjectTest, whatIsOpenedForReadingKeepsItsBytes) {
+    create();
+    EXPECT_FALSE(project.isReadOnly());
+    project.CloseDB();
+    const auto before = FileMD5(project.FilePath);
+    project.open(Access::read);
+    EXPECT_TRUE(project.isReadOnly());
+    EXPECT_EQ(get("SELECT count(*) FROM URLs"), "0");
+    EXPECT_THROW(project.connection().exec("DELETE FROM StoredQueries"), SQLite::Exception);
+    project.CloseDB();
+    EXPECT_FALSE(project.isOpen());
+    EXPECT_EQ(FileMD5(project.FilePath), before);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 3);
+}
+
+TEST_F(ProjectTest, onlyAKeywordQueryWithoutTermsLacksThem) {
+    create();
+    const StoredQueries queries(project.connection());
+    EXPECT_TRUE(lacksTerms(*queries.text("Child Exploitation"))) << "its list is empty";
+    EXPECT_FALSE(lacksTerms(*queries.text("XXX Content (in URLs)")));
+    EXPECT_FALSE(lacksTerms(*queries.text("Webmail")));
+    EXPECT_FALSE(lacksTerms("SELECT * FROM URLs WHERE Tagged = False"));
 }
 
 TEST_F(ProjectTest, likeOfTheConnectionKnowsListsAndRefusesOpenOnes) {

@@ -111,7 +111,7 @@ TEST_F(NetAnalysisDamage, ofARowsEntryCostsItAndItsNeighbour) {
 TEST_F(NetAnalysisDamage, ofAPagesNumberOfRowsMakesNoneUp) {
     put16(pages.back() * Jet4::kPage + Jet4::kPageRowsAt, 900);
     read(bytes);
-    expectCutShort(60, 0, "1 rows can't be read");
+    expectCutShort(60, 0, "1 row can't be read");
     EXPECT_THAT(log.entries.at(0).message, HasSubstr("number of rows makes no sense"));
 }
 
@@ -121,7 +121,7 @@ TEST_F(NetAnalysisDamage, ofALongTextKeepsTheRow) {
     bytes[at - 4] = 0x05; // the text's page is no page of rows any more
     put16(at + Jet4::kPageRowsAt - 4 + 2, 0x1FFF);
     read(bytes);
-    expectCutShort(60, 0, "1 rows have values that are cut");
+    expectCutShort(60, 0, "1 row with values that are cut");
     EXPECT_THAT(log.entries.at(0).message, HasSubstr("its value of column \"ContentData\" is cut"));
     EXPECT_EQ(sink.records[1].URL, "http://a/2");
 }

@@ -94,7 +94,7 @@ TEST_F(LinkAnalysisTest, recordsWithoutAUrlAreComparedWithNothingAndCounted) {
     const LinkTotals totals = run();
     EXPECT_EQ(totals.matches, 0);
     EXPECT_EQ(totals.withoutUrl, 2);
-    EXPECT_EQ(notesOn(totals), "2 records have no URL and were compared with nothing.");
+    EXPECT_EQ(notesOn(totals), "2 records without a URL: compared with nothing.");
 }
 
 TEST_F(LinkAnalysisTest, aRecordWithAUrlButNoHashIsComparedAllTheSame) {
@@ -117,7 +117,7 @@ TEST_F(LinkAnalysisTest, linksWithoutAHashAreCountedAndTold) {
     db().exec("UPDATE Links SET HashedURL = CASE Link_ID WHEN 1 THEN NULL ELSE '' END");
     const LinkTotals totals = run();
     EXPECT_EQ(totals.withoutHash, 2);
-    EXPECT_EQ(notesOn(totals), "2 hyperlinks carry no hash and were compared with nothing.");
+    EXPECT_EQ(notesOn(totals), "2 hyperlinks without a hash: compared with nothing.");
 }
 
 TEST_F(LinkAnalysisTest, linksOfPagesThatAreGoneAreLeftOutAndCounted) {
@@ -133,7 +133,7 @@ TEST_F(LinkAnalysisTest, linksOfPagesThatAreGoneAreLeftOutAndCounted) {
     EXPECT_THAT(pairs(), ElementsAre(pair(page, visit, "http://b/")));
     EXPECT_EQ(totals.matches, 1);
     EXPECT_EQ(totals.withoutPage, 1);
-    EXPECT_EQ(notesOn(totals), "1 matches were left out: the pages that hold these links are no "
+    EXPECT_EQ(notesOn(totals), "1 match left out: the page that holds the link is no "
                                "longer in the project.");
     EXPECT_THAT(project.log.entries, IsEmpty());
 }
@@ -235,7 +235,7 @@ TEST_F(LinkAnalysisTest, contentThatIsGoneIsCountedAndTold) {
     db().exec("UPDATE URLs SET HTMLBody = 'old'");
     const LinkTotals totals = run();
     EXPECT_EQ(totals.notFetched, 2);
-    EXPECT_THAT(notesOn(totals), HasSubstr("The cached content of 2 records was not found"));
+    EXPECT_THAT(notesOn(totals), HasSubstr("2 records whose cached content was not found"));
     EXPECT_EQ(field("HTMLBody", page), "old");
 }
 
@@ -246,7 +246,7 @@ TEST_F(LinkAnalysisTest, aPageBeyondALimitIsLoggedAndCountedAndTheRunGoesOn) {
     const LinkTotals totals = run();
     EXPECT_EQ(totals.notRead, 1);
     EXPECT_EQ(totals.refreshed, 1);
-    EXPECT_THAT(notesOn(totals), HasSubstr("1 records could not be read as pages"));
+    EXPECT_THAT(notesOn(totals), HasSubstr("1 record could not be read as a page"));
     EXPECT_EQ(field("HTMLBody", big), "old");
     EXPECT_EQ(field("HTMLBody", page), "text");
     ASSERT_EQ(project.log.entries.size(), 1U);

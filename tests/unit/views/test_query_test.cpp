@@ -77,7 +77,8 @@ TEST_F(TestQueryTest, nothingButOneSelectIsTaken) {
         EXPECT_NE(query.ErrCode, 0) << sql;
         EXPECT_NE(query.ErrDescription, "") << sql;
     }
-    EXPECT_EQ(check("DELETE FROM URLs").ErrDescription, "not authorized");
+    EXPECT_EQ(check("DELETE FROM URLs").ErrDescription,
+              "not authorized: a query only reads the project, with SELECT");
     EXPECT_EQ(made.fieldOf(1, "URL"), "kept");
 }
 

@@ -40,6 +40,18 @@ TEST_F(UrlTableTest, loadsTheActiveQueryInDateOrder) {
     EXPECT_EQ(urls(), Texts{"second"});
 }
 
+TEST_F(UrlTableTest, aKeywordQueryWithoutItsTermsSaysWhyItFindsNothing) {
+    page(1, "a");
+    for (const char *name : {"Child Exploitation", "XXX Content (in URLs)"}) {
+        table.choice.ActiveQueryName = name;
+        EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+        EXPECT_EQ(table.emptyState(), EmptyState::NoTerms) << name;
+    }
+    table.choice.ActiveQueryName = "Phishing";
+    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.emptyState(), EmptyState::NoMatches);
+}
+
 TEST_F(UrlTableTest, theHostFilterTakesItsTextLiterally) {
     page(1, "a", "www.example.com");
     page(2, "b", "it's_100%.example");
