@@ -46,8 +46,13 @@ void noteInTrail(Program &program, TrailEntry entry) {
 }
 
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file) {
+    noteFileInTrail(program, std::move(entry), file, file);
+}
+
+void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
+                     const std::filesystem::path &name) {
     failureOf(program.log, kProcedure, [&] {
-        entry.FilePath = textOf(file);
+        entry.FilePath = textOf(name);
         if (const auto hashes = hashesOfFile(file)) {
             entry.FileSize = static_cast<std::int64_t>(hashes->size);
             entry.MD5Hash = hashes->MD5;
@@ -99,13 +104,17 @@ void noteTemplate(Program &program, const std::filesystem::path &file, const std
     noteFileInTrail(program, std::move(entry), file);
 }
 
+/// The report lies in the scratch folder, which the next start empties: a path in there would name
+/// nothing that anybody finds later. Its hashes do, since publishing copies byte by byte.
 void noteReport(Program &program, const ReportClass &report, std::int64_t rows) {
     TrailEntry entry;
     entry.Action = "Report";
-    entry.Detail =
-        fmt::format("{} report of {} rows", report.ReportType == 0 ? "Graphical" : "Tabular", rows);
+    entry.Detail = fmt::format("{} report of {} rows; in the program's scratch folder until it is "
+                               "published, with the same hashes",
+                               report.ReportType == 0 ? "Graphical" : "Tabular", rows);
     entry.RowCount = rows;
-    noteFileInTrail(program, std::move(entry), report.ReportFilePath);
+    noteFileInTrail(program, std::move(entry), report.ReportFilePath,
+                    report.ReportFilePath.filename());
 }
 
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published) {

@@ -26,7 +26,7 @@ constexpr std::string_view kBlock =
 } // namespace
 
 void ReportClass::CreateHeader(std::ostream &file) {
-    trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateHeader()",
+    HeaderFailed = !trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateHeader()",
             "Error Creating Report Header", false, [&] {
                 PrintEntry(file, "<!DOCTYPE HTML PUBLIC '-//W3C//DTD HTML 4.0 Transitional//EN'>");
                 PrintEntry(file, "<html>");
@@ -85,7 +85,7 @@ std::string ReportClass::zoneNote() const {
 }
 
 void ReportClass::CreateFooter(std::ostream &file) {
-    trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateFooter()",
+    FooterFailed = !trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateFooter()",
             "Error Creating Report Footer", false, [&] {
                 PrintEntry(file, "<br><br>");
                 PrintEntry(
