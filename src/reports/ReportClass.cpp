@@ -70,9 +70,8 @@ void check(std::ostream &file, const fs::path &path) {
     errno = 0;
     if (file.flush())
         return;
-    const std::string reason = errno == 0 ? "" : fmt::format(": {}", std::strerror(errno));
-    throw StorageFailure(
-        fmt::format("the report \"{}\" can't be written{}", textOf(path), reason));
+    throw StorageFailure(fmt::format("the report \"{}\" can't be written: {}", textOf(path),
+                                     std::strerror(errno == 0 ? ENOSPC : errno)));
 }
 
 /// On a full disk card after card would lack its picture for no reason of the evidence's.
@@ -87,7 +86,8 @@ void checkRoom(const fs::path &folder) {
 
 /// What was read to write the card, and may be megabytes a row.
 void letGo(URLClass &record) {
-    for (std::string *text : {&record.RebuiltSourceCode, &record.HTMLBody, &record.MetaData, &record.Links})
+    for (std::string *text :
+         {&record.RebuiltSourceCode, &record.HTMLBody, &record.MetaData, &record.Links})
         std::string().swap(*text);
     Bytes().swap(record.CacheFileRebuiltBLOB);
     Bytes().swap(record.ThumbnailBLOB);
@@ -325,8 +325,8 @@ std::vector<std::string> notesOf(const ReportClass &report) {
     if (report.FooterFailed)
         notes.emplace_back("Error Creating Report Footer");
     if (report.RecordsFailed > 0)
-        notes.push_back(
-            fmt::format("{} records could not be written; their entries say so.", report.RecordsFailed));
+        notes.push_back(fmt::format("{} records could not be written; their entries say so.",
+                                    report.RecordsFailed));
     if (report.FilesFailed > 0)
         notes.push_back(fmt::format("{} cached files could not be read; their cards say so.",
                                     report.FilesFailed));

@@ -1,5 +1,6 @@
 #include "app/ui/ReportPart.h"
 
+#include "app/Messages.h"
 #include "app/ReportJob.h"
 #include "app/ReportMessages.h"
 #include "app/Trail.h"
@@ -9,6 +10,7 @@
 #include "readers/Evidence.h"
 #include "reports/PublishReport.h"
 #include "reports/ui/ReportForm.h"
+#include "views/ui/BrowserPane.h"
 #include "views/ui/ReportPane.h"
 
 #include <QAction>
@@ -143,7 +145,8 @@ void ReportPart::PublishReport() {
     if (!target || !fs::is_directory(*target))
         return;
     refuseEvidence(*target, state.RootPath);
-    if (m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes && mayReplace(*target, type))
+    if (m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes &&
+        mayReplace(*target, type))
         publishTo(*target, type);
 }
 
