@@ -40,6 +40,33 @@ std::string quoted(std::string_view text) {
     return html;
 }
 
+/// Marks that turn around what is read, in UTF-8.
+bool turnsAround(std::string_view text) {
+    constexpr std::array<std::string_view, 11> kMarks = {"\u200E", "\u200F", "\u202A", "\u202B",
+                                                         "\u202C", "\u202D", "\u202E", "\u2066",
+                                                         "\u2067", "\u2068", "\u2069"};
+    return std::ranges::any_of(kMarks,
+                               [text](std::string_view mark) { return text.starts_with(mark); });
+}
+
+/// As browsers would ask for it, without characters that act on whoever reads the page's source.
+std::string percentCoded(std::string_view address) {
+    constexpr std::size_t kMark = 3; // bytes
+    std::string coded;
+    coded.reserve(address.size());
+    std::size_t markEnd = 0;
+    for (std::size_t at = 0; at < address.size(); ++at) {
+        const auto byte = static_cast<unsigned char>(address[at]);
+        if (byte == 0xE2 && turnsAround(address.substr(at, kMark)))
+            markEnd = at + kMark;
+        if (byte < 0x20 || byte == 0x7F || at < markEnd)
+            coded += fmt::format("%{:02X}", byte);
+        else
+            coded += address[at];
+    }
+    return coded;
+}
+
 } // namespace
 
 std::string htmlText(std::string_view value) {
@@ -54,7 +81,7 @@ std::string htmlLines(std::string_view value) {
 }
 
 std::string htmlAddress(std::string_view value) {
-    return quoted(decodeText(value));
+    return quoted(percentCoded(decodeText(value)));
 }
 
 bool isLink(std::string_view url) {
