@@ -102,6 +102,10 @@ void BrowserPane::startEngine() {
     m_view->setPage(page);
     m_pages->addWidget(m_view);
     connect(page, &ViewedPage::blocked, this, [this](const QString &address) {
+        // The very page that was asked for is refused when it has gone meanwhile.
+        if (address == m_page.toString())
+            return QTimer::singleShot(
+                0, this, [this] { showFailure(tr("The page can't be shown: it is gone.")); });
         showRefused();
         emit navigationBlocked(blockedText(address));
     });
