@@ -18,8 +18,8 @@ bool isReportThere(const ReportFolder &report, int ReportType);
 
 /// Copies the finished report to `target`, an existing folder: its page and its images, and for a
 /// graphical report the pictures and the folder of each row. Other files of `target` stay.
-/// The page comes last: after a cancel, a failure or a power cut `target` holds none. Throws what can't be copied, and when a
-/// folder in `target` is a link.
+/// The page comes last: after a cancel, a failure or a power cut `target` holds none. Throws what
+/// can't be copied, and when a folder in `target` is a link.
 Published PublishReport(const ReportFolder &report, int ReportType,
                         const std::filesystem::path &target, TaskMonitor &task);
 

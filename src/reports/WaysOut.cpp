@@ -57,8 +57,8 @@ bool endsWithWord(std::string_view text, std::string_view word) {
     if (text.size() < word.size() || !equalsNoCase(text.substr(text.size() - word.size()), word))
         return false;
     const std::size_t before = text.size() - word.size();
-    return before == 0 || std::string_view(" \t\r\n\f\"'/:").find(text[before - 1]) !=
-                              std::string_view::npos;
+    return before == 0 ||
+           std::string_view(" \t\r\n\f\"'/:").find(text[before - 1]) != std::string_view::npos;
 }
 
 /// Whether an address begins behind the first `at` characters; `at` is behind a "=", a "(" or the
