@@ -46,7 +46,10 @@ void noteInTrail(Program &program, TrailEntry entry) {
 }
 
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file) {
-    noteFileInTrail(program, std::move(entry), file, file);
+    // Where the program was started is known to nobody later.
+    std::error_code none;
+    const std::filesystem::path whole = std::filesystem::absolute(file, none);
+    noteFileInTrail(program, std::move(entry), file, none ? file : whole);
 }
 
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
