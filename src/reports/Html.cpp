@@ -40,13 +40,16 @@ std::string quoted(std::string_view text) {
     return html;
 }
 
-/// Marks that turn around what is read, in UTF-8.
+/// Marks that turn around what is read: U+200E, U+200F, U+202A to U+202E, U+2066 to U+2069. `text`
+/// begins with 0xE2.
 bool turnsAround(std::string_view text) {
-    constexpr std::array<std::string_view, 11> kMarks = {"\u200E", "\u200F", "\u202A", "\u202B",
-                                                         "\u202C", "\u202D", "\u202E", "\u2066",
-                                                         "\u2067", "\u2068", "\u2069"};
-    return std::ranges::any_of(kMarks,
-                               [text](std::string_view mark) { return text.starts_with(mark); });
+    if (text.size() < 3)
+        return false;
+    const auto second = static_cast<unsigned char>(text[1]);
+    const auto third = static_cast<unsigned char>(text[2]);
+    return (second == 0x80 &&
+            (third == 0x8E || third == 0x8F || (third >= 0xAA && third <= 0xAE))) ||
+           (second == 0x81 && third >= 0xA6 && third <= 0xA9);
 }
 
 /// As browsers would ask for it, without characters that act on whoever reads the page's source.

@@ -92,8 +92,8 @@ void countSheet(const FileReader &file, std::uint64_t from, std::uint64_t packed
 
 } // namespace
 
-SheetCount countSheets(const std::filesystem::path &path) {
-    const FileReader file(path);
+SheetCount countSheets(const std::filesystem::path &spreadsheet) {
+    const FileReader file(spreadsheet);
     if (file.size() < kEndRecord)
         damaged();
     const Bytes end = file.read(file.size() - kEndRecord, kEndRecord);

@@ -13,6 +13,6 @@ struct SheetCount {
 };
 
 /// Reads a finished spreadsheet (ZIP, up to 4 GB) back. Throws what makes it no sound one.
-SheetCount countSheets(const std::filesystem::path &file);
+SheetCount countSheets(const std::filesystem::path &spreadsheet);
 
 } // namespace nv
