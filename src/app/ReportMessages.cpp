@@ -2,6 +2,8 @@
 
 #include "base/MessageKinds.h"
 
+#include <fmt/format.h>
+
 #include <string>
 
 namespace nv::messages {
@@ -36,6 +38,17 @@ Message readyToPublish() {
             Choices::YesNo,
             Tone::Information,
             Answer::Yes};
+}
+
+Message replacePublished(std::string_view folder) {
+    return {"replace-published",
+            "Publish Report",
+            fmt::format("{}\n\nThis folder holds an earlier report of this type. Do you want to "
+                        "replace it, with its pictures and pages?",
+                        folder),
+            Choices::YesNo,
+            Tone::Warning,
+            Answer::No};
 }
 
 Message reportPublished() {

@@ -13,6 +13,7 @@ Message reportingError(std::string_view reason);
 Message reportNotLoaded(std::string_view reason);
 Message nothingToPublish();
 Message readyToPublish();
+Message replacePublished(std::string_view folder);
 Message reportPublished();
 
 } // namespace nv::messages

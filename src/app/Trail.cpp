@@ -48,9 +48,16 @@ void noteInTrail(Program &program, TrailEntry entry) {
 }
 
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file) {
+    // Where the program was started is known to nobody later.
+    std::error_code none;
+    const std::filesystem::path whole = std::filesystem::absolute(file, none);
+    noteFileInTrail(program, std::move(entry), file, none ? file : whole);
+}
+
+void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
+                     const std::filesystem::path &name) {
     failureOf(program.log, kProcedure, [&] {
-        if (entry.FilePath.empty())
-            entry.FilePath = textOf(file);
+        entry.FilePath = textOf(name);
         if (const auto hashes = hashesOfFile(file)) {
             entry.FileSize = static_cast<std::int64_t>(hashes->size);
             entry.MD5Hash = hashes->MD5;
@@ -102,13 +109,18 @@ void noteTemplate(Program &program, const std::filesystem::path &file, const std
     noteFileInTrail(program, std::move(entry), file);
 }
 
+/// The report lies in the scratch folder, which the next start empties: a path in there would name
+/// nothing that anybody finds later. Its hashes do, since publishing copies byte by byte.
 void noteReport(Program &program, const ReportClass &report, std::int64_t rows) {
     TrailEntry entry;
     entry.Action = "Report";
-    entry.Detail = fmt::format("{} report of {}", report.ReportType == 0 ? "Graphical" : "Tabular",
+    entry.Detail = fmt::format("{} report of {}; in the program's scratch folder until it is "
+                               "published, with the same hashes",
+                               report.ReportType == 0 ? "Graphical" : "Tabular",
                                counted(static_cast<std::uint64_t>(rows), "row"));
     entry.RowCount = rows;
-    noteFileInTrail(program, std::move(entry), report.ReportFilePath);
+    noteFileInTrail(program, std::move(entry), report.ReportFilePath,
+                    report.ReportFilePath.filename());
 }
 
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published) {
@@ -125,8 +137,10 @@ void noteExport(Program &program, const ExportClass &job, std::string_view place
     entry.Detail =
         fmt::format("{} exported as {}", counted(job.counts.rows, "row"), extensionOf(job.format));
     entry.RowCount = job.counts.rows;
-    entry.FilePath = place;
-    noteFileInTrail(program, std::move(entry), job.OutputFilePath);
+    if (place.empty())
+        noteFileInTrail(program, std::move(entry), job.OutputFilePath);
+    else
+        noteFileInTrail(program, std::move(entry), job.OutputFilePath, place);
 }
 
 } // namespace nv

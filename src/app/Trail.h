@@ -25,6 +25,9 @@ enum class TaskEnd { whole, cancelled };
 void noteInTrail(Program &program, TrailEntry entry);
 /// The same with a file that the program wrote or read, which is hashed now.
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file);
+/// The same under another name than the one where it lies now.
+void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
+                     const std::filesystem::path &name);
 /// An entry for each file that the import took up.
 void noteImport(Program &program, const ImportSummary &summary);
 void noteVerify(Program &program, const SourceCheck &check);

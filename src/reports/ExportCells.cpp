@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <limits>
 
 namespace nv {
@@ -59,7 +61,11 @@ std::string plainText(const MachineValue &value) {
 }
 
 bool looksLikeFormula(std::string_view text) {
-    return !text.empty() && std::string_view("=+-@\t\r").find(text.front()) != std::string::npos;
+    // The last four are the wide forms of the first four, which some spreadsheets take as well.
+    constexpr std::array<std::string_view, 11> kBeginnings = {
+        "=", "+", "-", "@", "\t", "\r", "\n", "\uFF1D", "\uFF0B", "\uFF0D", "\uFF20"};
+    return std::ranges::any_of(kBeginnings,
+                               [text](std::string_view sign) { return text.starts_with(sign); });
 }
 
 } // namespace nv

@@ -27,6 +27,7 @@ struct ExportCounts {
     std::int64_t cellsCut = 0;       ///< longer than a spreadsheet's cell may be
     std::int64_t cellsGuarded = 0;   ///< got an apostrophe in front
     std::int64_t rowsWithoutDate = 0;
+    std::int64_t sheets = 0; ///< of a spreadsheet
 };
 
 /// The choices of one export, and its text on the way to the file.

@@ -120,6 +120,9 @@ std::vector<std::string> notesOf(const ExportCounts &counts) {
     note(counts.charactersLost, "characters became \"?\": Windows-1252 can't hold them.");
     note(counts.cellsCut, "cells were cut at 32,767 characters: a sheet's cell holds no more.");
     note(counts.cellsGuarded, "cells got an apostrophe in front.");
+    if (counts.sheets > 1)
+        notes.push_back(
+            fmt::format("The rows go on over {} sheets: one holds no more.", counts.sheets));
     note(counts.rowsWithoutDate, "events have no date: \"datetime\" and \"timestamp\" are null.");
     return notes;
 }

@@ -98,9 +98,12 @@ class CsvWriter final : public TextWriter {
             line += '"' + replaceAll(cell, "\"", "\"\"") + '"';
         line += ',';
     }
+    /// A line without anything would be no row to most readers.
     static std::string &endLine(std::string &line) {
         if (!line.empty())
             line.pop_back();
+        if (line.empty())
+            line = "\"\"";
         return line.append(kLineBreak);
     }
 };

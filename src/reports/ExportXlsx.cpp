@@ -1,17 +1,21 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "reports/ExportWriter.h"
+#include "reports/SheetCount.h"
 
 #include <fmt/format.h>
 
-#include <cctype>
+#include <cerrno>
+#include <cstdio>
 #include <xlsxwriter.h>
 
 namespace nv {
 
 namespace {
 
-constexpr lxw_row_t kSheetRows = 1'048'576;   // with the headings
+constexpr lxw_row_t kSheetRows = 1'048'576; // with the headings
+constexpr lxw_row_t kLookEach = 4096;
+constexpr long kSheetBytes = 3'500'000'000;   // of its text
 constexpr std::size_t kCellUnits = 32'767;    // of UTF-16
 constexpr double kTwipsPerWidth = 15.0 * 7.0; // a column's width counts digits of 7 pixels
 
@@ -88,26 +92,50 @@ class XlsxWriter final : public ExportWriter {
     }
 
     void row(ExportCells &cells, std::size_t place) override {
-        if (m_row == kSheetRows)
+        if (m_row == kSheetRows || (m_row % kLookEach == 0 && isSheetLarge()))
             addSheet();
         lxw_col_t at = 0;
+        const std::int64_t before = m_written.cells;
         for (const ExportColumn &column : m_columns)
             write(at++, cells.machine(place, column));
         ++m_row;
+        m_written.rows += m_written.cells > before ? 1 : 0; // a row without cells isn't written
     }
 
     void finish() override {
+        checkDisk();
         const lxw_error problem = workbook_close(std::exchange(m_book, nullptr));
         if (problem != LXW_NO_ERROR)
             throw std::runtime_error(fmt::format(
                 "cannot write \"{}\": {}", textOf(m_job.OutputFilePath), lxw_strerror(problem)));
+        // The library takes no notice of a disk that fills up while it puts the sheets together.
+        if (countSheets(m_file.aside()) != m_written)
+            throw std::runtime_error(fmt::format(
+                "cannot write \"{}\": the sheets don't hold all rows; is there no room left in "
+                "\"{}\"?",
+                textOf(m_job.OutputFilePath), m_scratch));
         m_file.finish();
     }
 
   private:
+    /// Parts of 4 GB and more need a form of the file that not every program reads.
+    bool isSheetLarge() {
+        checkDisk();
+        return std::ftell(m_sheet->optimize_tmpfile) > kSheetBytes;
+    }
+
+    /// Rows go into a file in `m_scratch` of which the library doesn't ask whether it got them.
+    void checkDisk() {
+        errno = 0;
+        if (m_sheet->optimize_tmpfile &&
+            (std::fflush(m_sheet->optimize_tmpfile) != 0 || std::ferror(m_sheet->optimize_tmpfile)))
+            throw FileFailure("cannot write", m_scratch, errno == 0 ? ENOSPC : errno);
+    }
+
     /// The first row has the headings and stays in sight.
     void addSheet() {
-        const std::string name = ++m_sheets == 1 ? "URLs" : fmt::format("URLs {}", m_sheets);
+        const std::int64_t sheets = ++m_job.counts.sheets;
+        const std::string name = sheets == 1 ? "URLs" : fmt::format("URLs {}", sheets);
         m_sheet = workbook_add_worksheet(m_book, name.c_str());
         lxw_col_t at = 0;
         for (const ExportColumn &column : m_columns) {
@@ -116,12 +144,18 @@ class XlsxWriter final : public ExportWriter {
                                  std::max(kLeast, column.widthTwips / kTwipsPerWidth), nullptr);
             const std::string &words = column.header.empty() ? column.key : column.header;
             worksheet_write_string(m_sheet, 0, at++, words.c_str(), m_bold);
+            ++m_written.cells;
         }
+        ++m_written.rows;
         worksheet_freeze_panes(m_sheet, 1, 0);
         m_row = 1;
     }
 
     void write(lxw_col_t at, const MachineValue &value) {
+        // An empty text makes no cell.
+        const auto *words = std::get_if<std::string>(&value);
+        if (!std::holds_alternative<std::monostate>(value) && (!words || !words->empty()))
+            ++m_written.cells;
         if (const auto *flag = std::get_if<bool>(&value)) {
             worksheet_write_boolean(m_sheet, m_row, at, *flag ? 1 : 0, nullptr);
         } else if (const auto *whole = std::get_if<std::int64_t>(&value)) {
@@ -164,7 +198,7 @@ class XlsxWriter final : public ExportWriter {
     lxw_format *m_bold = nullptr;
     std::vector<ExportColumn> m_columns;
     lxw_row_t m_row = 0;
-    int m_sheets = 0;
+    SheetCount m_written;
 };
 
 } // namespace

@@ -40,6 +40,36 @@ std::string quoted(std::string_view text) {
     return html;
 }
 
+/// Marks that turn around what is read: U+200E, U+200F, U+202A to U+202E, U+2066 to U+2069. `text`
+/// begins with 0xE2.
+bool turnsAround(std::string_view text) {
+    if (text.size() < 3)
+        return false;
+    const auto second = static_cast<unsigned char>(text[1]);
+    const auto third = static_cast<unsigned char>(text[2]);
+    return (second == 0x80 &&
+            (third == 0x8E || third == 0x8F || (third >= 0xAA && third <= 0xAE))) ||
+           (second == 0x81 && third >= 0xA6 && third <= 0xA9);
+}
+
+/// As browsers would ask for it, without characters that act on whoever reads the page's source.
+std::string percentCoded(std::string_view address) {
+    constexpr std::size_t kMark = 3; // bytes
+    std::string coded;
+    coded.reserve(address.size());
+    std::size_t markEnd = 0;
+    for (std::size_t at = 0; at < address.size(); ++at) {
+        const auto byte = static_cast<unsigned char>(address[at]);
+        if (byte == 0xE2 && turnsAround(address.substr(at, kMark)))
+            markEnd = at + kMark;
+        if (byte < 0x20 || byte == 0x7F || at < markEnd)
+            coded += fmt::format("%{:02X}", byte);
+        else
+            coded += address[at];
+    }
+    return coded;
+}
+
 } // namespace
 
 std::string htmlText(std::string_view value) {
@@ -54,7 +84,7 @@ std::string htmlLines(std::string_view value) {
 }
 
 std::string htmlAddress(std::string_view value) {
-    return quoted(decodeText(value));
+    return quoted(percentCoded(decodeText(value)));
 }
 
 bool isLink(std::string_view url) {

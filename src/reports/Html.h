@@ -16,7 +16,8 @@ std::string htmlText(std::string_view value);
 /// The same for a text of several lines, which it keeps.
 std::string htmlLines(std::string_view value);
 
-/// A value as the target of a link, unchanged but for its quoting.
+/// A value as the target of a link, unchanged but for its quoting; control characters and marks of
+/// direction are percent-coded, as browsers would ask for them.
 std::string htmlAddress(std::string_view value);
 
 /// Whether a URL may be a link: http, https, ftp and file. A "javascript:" is no place to go to.

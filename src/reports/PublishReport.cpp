@@ -23,16 +23,18 @@ void addFolder(std::vector<fs::path> &files, const fs::path &folder) {
             files.push_back(entry.path());
 }
 
+/// The page comes last: whoever finds it, even behind a power cut, finds all that it shows.
 std::vector<fs::path> filesOf(const ReportFolder &report, int ReportType) {
-    std::vector<fs::path> files{report.index(ReportType)};
+    std::vector<fs::path> files;
     addFolder(files, report.images());
-    if (ReportType != 0)
-        return files;
-    addFolder(files, report.pictures());
-    const Bytes names = readWhole(report.rowFolders());
-    for (const std::string_view line : split(ByteView(names).raw(), '\n'))
-        if (const std::string_view name = trim(line); !name.empty())
-            addFolder(files, report.path / name);
+    if (ReportType == 0) {
+        addFolder(files, report.pictures());
+        const Bytes names = readWhole(report.rowFolders());
+        for (const std::string_view line : split(ByteView(names).raw(), '\n'))
+            if (const std::string_view name = trim(line); !name.empty())
+                addFolder(files, report.path / name);
+    }
+    files.push_back(report.index(ReportType));
     return files;
 }
 
@@ -88,12 +90,24 @@ bool isReportThere(const ReportFolder &report, int ReportType) {
     return fs::is_regular_file(report.index(ReportType));
 }
 
+void removePublished(const fs::path &target, int ReportType) {
+    const ReportFolder old = ReportFolder::at(target);
+    if (!isReportThere(old, ReportType))
+        return;
+    fs::remove(old.index(ReportType));
+    if (ReportType != 0)
+        return;
+    fs::remove_all(old.pictures());
+    old.removeRowFolders();
+}
+
 Published PublishReport(const ReportFolder &report, int ReportType, const fs::path &target,
                         TaskMonitor &task) {
     task.describe({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""});
     const auto files = filesOf(report, ReportType);
     Published published;
     HalfPublished half(ReportFolder::at(target).index(ReportType));
+    fs::remove(ReportFolder::at(target).index(ReportType)); // that of an earlier report
     for (const fs::path &file : files) {
         show(published.files + 1, files.size(), file, task);
         if (!task.advance(static_cast<double>(published.files) /

@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <fstream>
 
 namespace nv {
@@ -28,6 +29,7 @@ namespace {
 constexpr std::string_view kReportDate = "dddd, mmmm dd, yyyy Hh:Mm:Ss AMPM";
 // Enough that starting to draw doesn't count, few enough that memory stays bounded.
 constexpr std::size_t kBatch = 32;
+constexpr std::uintmax_t kLeastRoom = std::uintmax_t{1} << 20; // bytes
 
 constexpr std::string_view kLegend =
     "<br><div style='font-family:Tahoma;font-size:10px;padding-right:50px;line-height:18px;"
@@ -65,8 +67,30 @@ std::string_view browserOf(std::string_view cacheType) {
 
 /// A page that was cut short must not look finished.
 void check(std::ostream &file, const fs::path &path) {
-    if (!file.flush())
-        throw StorageFailure(fmt::format("the report \"{}\" can't be written", textOf(path)));
+    errno = 0;
+    if (file.flush())
+        return;
+    throw StorageFailure(fmt::format("the report \"{}\" can't be written: {}", textOf(path),
+                                     std::strerror(errno == 0 ? ENOSPC : errno)));
+}
+
+/// On a full disk card after card would lack its picture for no reason of the evidence's.
+void checkRoom(const fs::path &folder) {
+    std::error_code none;
+    const fs::space_info room = fs::space(folder, none);
+    if (!none && room.available < kLeastRoom)
+        throw StorageFailure(fmt::format("the report can't be written: there is no room left in "
+                                         "\"{}\"",
+                                         textOf(folder)));
+}
+
+/// What was read to write the card, and may be megabytes a row.
+void letGo(URLClass &record) {
+    for (std::string *text :
+         {&record.RebuiltSourceCode, &record.HTMLBody, &record.MetaData, &record.Links})
+        std::string().swap(*text);
+    Bytes().swap(record.CacheFileRebuiltBLOB);
+    Bytes().swap(record.ThumbnailBLOB);
 }
 
 } // namespace
@@ -99,7 +123,9 @@ void ReportClass::create(const fs::path &folder, int type, Entries entries) {
     ReportFilePath = m_folder.index(type);
     m_ctx.rebuild.task.describe({"CREATING REPORT", "Overall Progress", "", ""});
     m_folder.prepare(type);
-    m_folder.copyImages(m_ctx.settings.images);
+    m_folder.copyImages(m_ctx.settings.images, m_ctx.rebuild.log);
+    RecordsFailed = FilesFailed = 0;
+    HeaderFailed = FooterFailed = false;
     ReportDate =
         formatDate(Date::fromTimePoint(m_ctx.clock.now() + m_ctx.clock.localOffset()), kReportDate);
     std::ofstream file(m_folder.unfinished(), std::ios::binary | std::ios::trunc);
@@ -118,8 +144,11 @@ void ReportClass::create(const fs::path &folder, int type, Entries entries) {
     }
     check(file, m_folder.unfinished());
     file.close();
-    if (!Cancel)
-        copyToScratch(m_folder.unfinished(), ReportFilePath);
+    if (Cancel)
+        return;
+    // A copy that the disk cuts short must not have the name of a finished report.
+    copyToScratch(m_folder.unfinished(), m_folder.copied());
+    fs::rename(m_folder.copied(), ReportFilePath);
 }
 
 bool ReportClass::writeCards(const RowIds &ids, std::ostream &file) {
@@ -142,6 +171,7 @@ bool ReportClass::writeCards(const RowIds &ids, std::ostream &file) {
         }
         check(file, m_folder.unfinished());
         check(names, m_folder.rowFolders());
+        checkRoom(m_folder.path);
     }
     return step(ids.size(), ids.size(), 0);
 }
@@ -170,7 +200,7 @@ bool ReportClass::bringCards(std::span<const std::int32_t> ids, std::size_t firs
 
 /// What the row holds, brought into the report. Evidence that can't be read leaves the card
 /// without, and is logged.
-ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) const {
+ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) {
     ReportCard card;
     auto record = m_ctx.rebuild.records.GetURL(id);
     if (!record)
@@ -182,8 +212,11 @@ ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) c
                     evidence().bring(card, place, task);
                     return true;
                 });
-    if (!brought)
+    if (!brought) {
         card.absence = "The cached file could not be read; the log of the program says why.";
+        ++FilesFailed;
+    }
+    letGo(card.record);
     return card;
 }
 
@@ -219,8 +252,10 @@ void ReportClass::CreateGraphicalRecord(UrlId urlID, std::size_t index, std::ost
         return true;
     };
     if (!trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
-                 kContactSupport, false, write))
+                 kContactSupport, false, write)) {
         PrintEntry(file, brokenCard(urlID));
+        ++RecordsFailed;
+    }
 }
 
 bool ReportClass::writeRows(const RowIds &ids, std::ostream &file) {
@@ -246,8 +281,10 @@ void ReportClass::CreateTabularRecord(UrlId urlID, std::size_t index, std::ostre
         return true;
     };
     if (!trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateTabularRecord()",
-                 kContactSupport, false, write))
+                 kContactSupport, false, write)) {
         PrintEntry(file, brokenRow(urlID, index));
+        ++RecordsFailed;
+    }
 }
 
 void ReportClass::take(const URLClass &record, std::size_t index) {
@@ -279,6 +316,21 @@ bool ReportClass::step(std::size_t done, std::size_t total, std::int64_t id) {
         task.show(now);
     }
     return task.advance(total == 0 ? 1 : static_cast<double>(done) / static_cast<double>(total));
+}
+
+std::vector<std::string> notesOf(const ReportClass &report) {
+    std::vector<std::string> notes;
+    if (report.HeaderFailed)
+        notes.emplace_back("Error Creating Report Header");
+    if (report.FooterFailed)
+        notes.emplace_back("Error Creating Report Footer");
+    if (report.RecordsFailed > 0)
+        notes.push_back(fmt::format("{} records could not be written; their entries say so.",
+                                    report.RecordsFailed));
+    if (report.FilesFailed > 0)
+        notes.push_back(fmt::format("{} cached files could not be read; their cards say so.",
+                                    report.FilesFailed));
+    return notes;
 }
 
 } // namespace nv

@@ -66,6 +66,10 @@ class ReportClass {
     std::string PageFileName;
     std::string pageTitle;
     bool IncludeCaseTrail = false; ///< what was done with the project, behind the legend
+    std::size_t RecordsFailed = 0; ///< entries that only say so
+    std::size_t FilesFailed = 0;   ///< cards without a cached file that could not be read
+    bool HeaderFailed = false;
+    bool FooterFailed = false;
 
     static constexpr std::string_view kNoPicture = "images/report-default.png";
     static constexpr std::string_view kDefaultReportTitle =
@@ -92,7 +96,7 @@ class ReportClass {
     bool writeCards(const RowIds &ids, std::ostream &file);
     bool writeRows(const RowIds &ids, std::ostream &file);
     bool bringCards(std::span<const std::int32_t> ids, std::size_t first, std::size_t total);
-    ReportCard cardOf(UrlId id, std::size_t place, TaskMonitor &task) const;
+    ReportCard cardOf(UrlId id, std::size_t place, TaskMonitor &task);
     ReportCard &cardFor(UrlId id);
     bool step(std::size_t done, std::size_t total, std::int64_t id);
     void take(const URLClass &record, std::size_t index);
@@ -106,5 +110,8 @@ class ReportClass {
     std::string m_fallback{kNoPicture}; ///< shown where there is no picture
     std::vector<ReportCard> m_cards;    ///< brought, and not yet written
 };
+
+/// What the examiner has to know of a finished report, a sentence each; the log says why.
+std::vector<std::string> notesOf(const ReportClass &report);
 
 } // namespace nv

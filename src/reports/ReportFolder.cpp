@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "reports/PictureKind.h"
 
 #include <fmt/format.h>
@@ -44,6 +45,7 @@ void ReportFolder::removeRowFolders() const {
 void ReportFolder::prepare(int ReportType) const {
     fs::create_directories(images());
     fs::remove(unfinished());
+    fs::remove(copied());
     fs::remove(index(ReportType));
     if (ReportType != 0)
         return;
@@ -52,9 +54,14 @@ void ReportFolder::prepare(int ReportType) const {
     removeRowFolders();
 }
 
-void ReportFolder::copyImages(const fs::path &from) const {
-    if (!fs::is_directory(from))
+void ReportFolder::copyImages(const fs::path &from, FailureLog &log) const {
+    if (!fs::is_directory(from)) {
+        log.write({fmt::format("the program's pictures are missing: \"{}\" was expected; the "
+                               "report shows none",
+                               textOf(from)),
+                   "ReportClass.CreateHeader()", Severity::Warning, std::string(kNotSerious)});
         return;
+    }
     for (const fs::directory_entry &entry : fs::directory_iterator(from))
         if (entry.is_regular_file() && isImage(entry.path()))
             copyToScratch(entry.path(), images() / entry.path().filename());
@@ -68,8 +75,13 @@ std::string ReportFolder::takePicture(const fs::path &picture, const std::string
                    "ReportClass.CreateHeader()", Severity::Warning, std::string(kNotSerious)});
         return {};
     }
-    copyToScratch(picture, images() / fmt::format("{}.{}", name, kind));
-    return fmt::format("images/{}.{}", name, kind);
+    const std::string copy = fmt::format("images/{}.{}", name, kind);
+    const bool copied = trapped(log, Severity::Warning, "ReportClass.CreateHeader()",
+                                "Error Creating Report Header", false, [&] {
+                                    copyToScratch(picture, path / copy);
+                                    return true;
+                                });
+    return copied ? copy : std::string();
 }
 
 } // namespace nv

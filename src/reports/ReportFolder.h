@@ -16,6 +16,8 @@ struct ReportFolder {
     std::filesystem::path path;
 
     std::filesystem::path unfinished() const { return path / "~report.htm"; }
+    /// The finished page before it has its name.
+    std::filesystem::path copied() const { return path / "~index"; }
     /// Names the folders of the rows of a graphical report, one a line.
     std::filesystem::path rowFolders() const { return path / "~rptids"; }
     /// The finished page; `ReportType` 0 is graphical.
@@ -30,7 +32,7 @@ struct ReportFolder {
     void prepare(int ReportType) const;
     void removeRowFolders() const;
     /// Brings in the program's own pictures, new for each report.
-    void copyImages(const std::filesystem::path &from) const;
+    void copyImages(const std::filesystem::path &from, FailureLog &log) const;
     /// Brings in a picture of the examiner's as "images/NAME.gif" or so. Empty when it isn't there
     /// or is no picture that browsers show, which is logged.
     std::string takePicture(const std::filesystem::path &picture, const std::string &name,

@@ -26,27 +26,27 @@ constexpr std::string_view kBlock =
 } // namespace
 
 void ReportClass::CreateHeader(std::ostream &file) {
-    trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateHeader()",
-            "Error Creating Report Header", false, [&] {
-                PrintEntry(file, "<!DOCTYPE HTML PUBLIC '-//W3C//DTD HTML 4.0 Transitional//EN'>");
-                PrintEntry(file, "<html>");
-                PrintEntry(file, kPolicy);
-                PrintEntry(file,
-                           "   <head><title>Norvelane 2.0 Internet Cache and History Analysis "
-                           "Report</title></head>");
-                PrintEntry(file, "<body style='margin-top:10px;margin-bottom:10px;margin-left:10px;"
-                                 "margin-right:10px;' bgcolor='white'>");
-                PrintEntry(file, "<!-- report table -->");
-                PrintEntry(file, kBlock);
-                PrintEntry(
-                    file, fmt::format("<strong><font color='#000066'>{}</font></strong></div>",
-                                      ReportTitle.empty()
-                                          ? "Norvelane Internet Cache &amp; History Analysis Report"
-                                          : htmlText(ReportTitle)));
-                PrintEntry(file, customerOptions());
-                PrintEntry(file, zoneNote());
-                return true;
-            });
+    HeaderFailed = !trapped(
+        m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateHeader()",
+        "Error Creating Report Header", false, [&] {
+            PrintEntry(file, "<!DOCTYPE HTML PUBLIC '-//W3C//DTD HTML 4.0 Transitional//EN'>");
+            PrintEntry(file, "<html>");
+            PrintEntry(file, kPolicy);
+            PrintEntry(file, "   <head><title>Norvelane 2.0 Internet Cache and History Analysis "
+                             "Report</title></head>");
+            PrintEntry(file, "<body style='margin-top:10px;margin-bottom:10px;margin-left:10px;"
+                             "margin-right:10px;' bgcolor='white'>");
+            PrintEntry(file, "<!-- report table -->");
+            PrintEntry(file, kBlock);
+            PrintEntry(file,
+                       fmt::format("<strong><font color='#000066'>{}</font></strong></div>",
+                                   ReportTitle.empty()
+                                       ? "Norvelane Internet Cache &amp; History Analysis Report"
+                                       : htmlText(ReportTitle)));
+            PrintEntry(file, customerOptions());
+            PrintEntry(file, zoneNote());
+            return true;
+        });
 }
 
 std::string ReportClass::customerOptions() const {
@@ -85,21 +85,21 @@ std::string ReportClass::zoneNote() const {
 }
 
 void ReportClass::CreateFooter(std::ostream &file) {
-    trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateFooter()",
-            "Error Creating Report Footer", false, [&] {
-                PrintEntry(file, "<br><br>");
-                PrintEntry(
-                    file,
-                    fmt::format(
-                        "<table width='760' bgcolor='#E0E0E0' style='font-family:Tahoma,"
-                        "sans-serif;font-size:10px;'><tr><td>Report created using Norvelene<SUP>"
-                        "<FONT style='font-size: 8pt;'>&reg;</FONT></SUP> Version {}</td></tr>"
-                        "</table>",
-                        m_ctx.settings.version));
-                PrintEntry(file, "</body>");
-                PrintEntry(file, "</html>");
-                return true;
-            });
+    FooterFailed = !trapped(
+        m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateFooter()",
+        "Error Creating Report Footer", false, [&] {
+            PrintEntry(file, "<br><br>");
+            PrintEntry(file,
+                       fmt::format(
+                           "<table width='760' bgcolor='#E0E0E0' style='font-family:Tahoma,"
+                           "sans-serif;font-size:10px;'><tr><td>Report created using Norvelene<SUP>"
+                           "<FONT style='font-size: 8pt;'>&reg;</FONT></SUP> Version {}</td></tr>"
+                           "</table>",
+                           m_ctx.settings.version));
+            PrintEntry(file, "</body>");
+            PrintEntry(file, "</html>");
+            return true;
+        });
 }
 
 } // namespace nv

@@ -7,6 +7,7 @@
 #include "rebuild/PageText.h"
 #include "rebuild/Scripts.h"
 #include "reports/PictureKind.h"
+#include "reports/WaysOut.h"
 
 #include <algorithm>
 #include <array>
@@ -57,28 +58,6 @@ std::string withoutRefresh(std::string_view page) {
     return disarmed.append(page.substr(from));
 }
 
-bool isSlash(std::string_view text, std::size_t at) {
-    return at < text.size() && (text[at] == '/' || text[at] == '\\');
-}
-
-/// "//host/x" and "\\host\x" behind a quotation mark, "=" or "(" name a file server when the page
-/// is a file; on the web they meant a site, which the policy refuses. "file:" may name one too.
-std::string withoutServers(std::string_view page) {
-    std::string named;
-    named.reserve(page.size());
-    for (std::size_t at = 0; at < page.size(); ++at) {
-        named += page[at];
-        if (std::string_view("\"'=(").find(page[at]) == std::string_view::npos)
-            continue;
-        const std::size_t next = std::min(page.find_first_not_of(" \t\r\n\f", at + 1), page.size());
-        if (isSlash(page, next) && isSlash(page, next + 1)) {
-            named += "http://";
-            at = next + 1;
-        }
-    }
-    return ReplaceAllText(ReplaceAllText(named, "file:/", "void:/"), "file:\\", "void:/");
-}
-
 constexpr std::string_view kSpaces = " \t\r\n\f";
 
 /// The value of the first attribute `wanted` of a tag, as browsers read it; `tag` begins behind the
@@ -109,13 +88,6 @@ std::string_view attributeOf(std::string_view tag, std::string_view wanted) {
         at = skip(at, " \t\r\n\f/");
     }
     return {};
-}
-
-/// The name of a part beside the page: seven digits, and an extension.
-bool isPart(std::string_view address) {
-    constexpr std::size_t kDigits = 7;
-    const std::size_t digits = std::min(address.find_first_not_of("0123456789"), address.size());
-    return digits == kDigits && (address.size() == digits || address[digits] == '.');
 }
 
 bool isShown(std::string_view relation) {
@@ -152,6 +124,11 @@ std::string withoutLeads(std::string_view page, const LeadingElement &element) {
         from = end;
     }
     return disarmed.append(page.substr(from));
+}
+
+/// Of a list of addresses no reader here would see all: browsers take the plain one then.
+std::string withoutChoices(std::string_view page) {
+    return ReplaceAllText(page, "srcset", "void-srcset");
 }
 
 std::string withoutHints(std::string_view page) {
@@ -196,6 +173,11 @@ bool isToBeGuarded(const fs::path &file) {
     return holds(kPages, word) || pictureKindOf(file).empty();
 }
 
+/// A style has no policy of its own, but fetches by that of its page, which lets files through.
+bool isStyle(const fs::path &file) {
+    return toLower(textOf(file.extension())) == ".css";
+}
+
 bool hasLiveScripts(std::string_view page) {
     constexpr std::string_view kScript = "<script";
     constexpr std::string_view kComment = "<!-- ";
@@ -214,13 +196,17 @@ std::string contentsOf(const fs::path &file) {
 } // namespace
 
 std::string guardedPage(std::string_view page) {
-    std::string text = withoutHints(withoutServers(withoutRefresh(narrow(page))));
+    std::string text = withoutHints(withoutWaysOut(withoutRefresh(withoutChoices(narrow(page)))));
     return text.insert(placeForGuard(text), kGuard);
 }
 
 void guardFolder(const fs::path &page, Scripts scripts) {
     for (const fs::directory_entry &entry : fs::directory_iterator(page.parent_path())) {
-        if (!entry.is_regular_file() || !isToBeGuarded(entry.path()))
+        if (!entry.is_regular_file())
+            continue;
+        if (isStyle(entry.path()))
+            writeWhole(entry.path(), withoutWaysOut(contentsOf(entry.path())));
+        if (!isToBeGuarded(entry.path()))
             continue;
         std::string text = contentsOf(entry.path());
         if (scripts == Scripts::remove && entry.path() == page && hasLiveScripts(text))

@@ -34,7 +34,10 @@ class ReportTest : public QObject {
     void taggedRowsAreOfferedFirst();
     void optionsAreKept();
     void aFinishedReportComesToTheFront();
+    void aReportThatCannotBeLoadedIsToldOf();
     void aReportIsPublished();
+    void anEarlierReportIsReplacedOnRequest();
+    void aPublishingThatFailsIsToldOf();
     void withoutAReportThereIsNothingToPublish();
     void nothingIsPublishedIntoTheEvidence();
     void aCancelLeavesNoReport();
@@ -151,6 +154,55 @@ void ReportTest::aFinishedReportComesToTheFront() {
         child<QLineEdit>(form, "txtReportTitle").setText(QStringLiteral("Second findings"));
     });
     QTRY_VERIFY(shownText().contains(QStringLiteral("Second findings")));
+}
+
+void ReportTest::aReportThatCannotBeLoadedIsToldOf() {
+    make(2);
+    const fs::path gone = report() / "gone.htm";
+    child<BrowserPane>(*m_form, "ReportBrowser").showPage(gone, QStringLiteral("Report"));
+    const std::vector<std::string> &messages = m_desk->examiner.heard;
+    QTRY_VERIFY(!messages.empty() && messages.back() == "report-not-loaded");
+    QVERIFY(child<QLabel>(child<BrowserPane>(*m_form, "ReportBrowser"), "labBrowserReason")
+                .text()
+                .startsWith(QStringLiteral("The page can't be shown")));
+    const std::size_t heard = m_desk->examiner.heard.size();
+    make(2); // one that can be is shown again, without a word
+    QTest::qWait(300);
+    QCOMPARE(m_desk->examiner.heard.size(), heard);
+}
+
+void ReportTest::anEarlierReportIsReplacedOnRequest() {
+    make(1);
+    const fs::path target = m_desk->folder.path() / "published";
+    fs::create_directories(target);
+    m_desk->dialogs.answer = target;
+    trigger(*m_form, "actPublishReport");
+    fs::create_directories(target / "pictures");
+    writeWhole(target / "pictures" / "0000099.gif", "of the earlier report");
+    m_desk->examiner.script = {Answer::Yes, Answer::No};
+    trigger(*m_form, "actPublishReport");
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("replace-published"));
+    QVERIFY(fs::exists(target / "pictures" / "0000099.gif"));
+    m_desk->examiner.script = {Answer::Yes, Answer::Yes};
+    trigger(*m_form, "actPublishReport");
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("report-published"));
+    QVERIFY(!fs::exists(target / "pictures" / "0000099.gif"));
+    QVERIFY(fs::exists(target / "index-cache.htm"));
+}
+
+void ReportTest::aPublishingThatFailsIsToldOf() {
+    make(2);
+    const fs::path target = m_desk->folder.path() / "published";
+    fs::create_directories(target / "elsewhere");
+    fs::create_directory_symlink(target / "elsewhere", target / "images");
+    m_desk->dialogs.answer = target;
+    fs::create_directories(report() / "images");
+    writeWhole(report() / "images" / "ie.gif", "GIF89a");
+    trigger(*m_form, "actPublishReport");
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("command-failed"));
+    QVERIFY(!fs::exists(target / "index-history.htm"));
+    const Bytes log = readWhole(m_desk->program.log.path());
+    QVERIFY(ByteView(log).find("MainForm.PublishReport()"));
 }
 
 void ReportTest::aReportIsPublished() {

@@ -81,6 +81,8 @@ std::optional<Published> make(Session &session, const ReportArguments &arguments
                                          textOf(session.program.log.path())));
     if (!finished)
         return std::nullopt;
+    for (const std::string &note : notesOf(tools.report))
+        session.err << note << '\n';
     fs::create_directories(arguments.out);
     removePublished(arguments.out);
     SubTask publishing(session.task, kMaking, 1);

@@ -10,12 +10,14 @@
 #include "readers/Evidence.h"
 #include "reports/PublishReport.h"
 #include "reports/ui/ReportForm.h"
+#include "views/ui/BrowserPane.h"
 #include "views/ui/ReportPane.h"
 
 #include <QAction>
 #include <QDesktopServices>
 #include <QUrl>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <optional>
@@ -43,6 +45,17 @@ ReportPart::ReportPart(Workbench &bench) : m_bench(bench) {
     connect(bench.actions.publishReport, &QAction::triggered, this,
             [this] { m_bench.run("MainForm.PublishReport()", [this] { PublishReport(); }); });
     connect(bench.actions.openReportFolder, &QAction::triggered, this, &ReportPart::openFolder);
+    tellOfFailures();
+}
+
+/// Whatever comes later than the command that shows it: the engine loads by itself.
+void ReportPart::tellOfFailures() {
+    const BrowserPane &browser = m_bench.viewers->findChild<ReportPane *>()->browser();
+    connect(&browser, &BrowserPane::pageFailed, this, [this](const QString &reason) {
+        m_bench.program.log.write({fromQt(reason), "ReportForm.OkBtn_Click()", Severity::Warning,
+                                   std::string(kContactSupport)});
+        m_bench.examiner().tell(messages::reportNotLoaded(fromQt(reason)));
+    });
 }
 
 void ReportPart::create() {
@@ -88,6 +101,10 @@ void ReportPart::tellOf(const ReportTools &tools, bool finished) {
         showReport(tools.report.ReportFilePath);
         m_bench.showNotice(
             tr("The report is ready: %1").arg(pathToQt(tools.report.ReportFilePath)));
+        if (const auto notes = notesOf(tools.report); !notes.empty())
+            m_bench.examiner().tell(messages::reportingError(
+                fmt::format("{}\n\nThe log \"{}\" says why.", fmt::join(notes, "\n"),
+                            textOf(m_bench.program.log.path()))));
     } else if (tools.report.Cancel) {
         m_bench.showNotice(tr("The report was cancelled."));
     } else {
@@ -125,23 +142,38 @@ void ReportPart::PublishReport() {
     if (!target || !fs::is_directory(*target))
         return;
     refuseEvidence(*target, state.RootPath);
-    if (m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes)
+    if (m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes &&
+        mayReplace(*target, type))
         publishTo(*target, type);
 }
 
+/// What an earlier report held and this one doesn't would be handed over with it. False when the
+/// examiner thinks better of it.
+bool ReportPart::mayReplace(const fs::path &target, int type) const {
+    if (!isReportThere(ReportFolder::at(target), type))
+        return true;
+    return m_bench.examiner().ask(messages::replacePublished(textOf(target))) == Answer::Yes;
+}
+
 void ReportPart::publishTo(const fs::path &target, int type) {
-    std::optional<Published> published; // runTask() tells of a failure
+    Published published;
+    std::optional<std::string> failure;
     m_bench.runTask({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""},
                     [&](TaskMonitor &task) {
-                        const ReportFolder report(m_bench.program.thisClass.TempFolderPath);
-                        published = nv::PublishReport(report, type, target, task);
-                        if (!published->cancelled)
-                            notePublish(m_bench.program, ReportFolder::at(target).index(type),
-                                        *published);
+                        failure = failureOf(m_bench.program.log, "MainForm.PublishReport()", [&] {
+                            const ReportFolder report(m_bench.program.thisClass.TempFolderPath);
+                            removePublished(target, type);
+                            published = nv::PublishReport(report, type, target, task);
+                            if (!published.cancelled)
+                                notePublish(m_bench.program, ReportFolder::at(target).index(type),
+                                            published);
+                        });
                     });
-    if (published && published->cancelled)
-        m_bench.showNotice(tr("Publishing was cancelled after %L1 files.").arg(published->files));
-    else if (published)
+    if (failure)
+        m_bench.examiner().tell(messages::commandFailed(*failure));
+    else if (published.cancelled)
+        m_bench.showNotice(tr("Publishing was cancelled after %L1 files.").arg(published.files));
+    else
         m_bench.examiner().tell(messages::reportPublished());
 }
 

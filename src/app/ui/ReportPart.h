@@ -20,8 +20,10 @@ class ReportPart final : public QObject {
     bool chooseOptions(ReportTools &tools);
     void tellOf(const ReportTools &tools, bool finished);
     void showReport(const std::filesystem::path &page);
+    void tellOfFailures();
     void withdrawReport();
     void PublishReport();
+    bool mayReplace(const std::filesystem::path &target, int type) const;
     void publishTo(const std::filesystem::path &target, int type);
     void openFolder() const;
 

@@ -44,10 +44,10 @@ ExportForm::ExportForm(ExportClass &job, std::size_t rows, Untouchable untouchab
     resize(560, 620);
     auto *form = new QFormLayout;
     form->addRow(tr("Rows:"), newRowChoice(rows));
-    form->addRow(tr("Format:"), newFormatChoice());
+    form->addRow(tr("For&mat:"), newFormatChoice());
     form->addRow(tr("Delimiter:"), m_delimiters);
     form->addRow(QString(), m_guard);
-    form->addRow(tr("File:"), newFileLine());
+    form->addRow(tr("F&ile:"), newFileLine());
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     buttons->button(QDialogButtonBox::Ok)->setText(tr("&Okay"));
     connect(buttons, &QDialogButtonBox::accepted, this, &ExportForm::accept);
@@ -74,6 +74,7 @@ QWidget *ExportForm::newColumns() {
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         item->setCheckState(Qt::Checked);
     }
+    m_all->setToolTip(tr("Otherwise those that are ticked below"));
     connect(m_all, &QCheckBox::toggled, this, &ExportForm::tickAll);
     auto *column = new QVBoxLayout(box);
     column->addWidget(m_all);
@@ -109,7 +110,10 @@ QWidget *ExportForm::newFormatChoice() {
     m_guard = new QCheckBox(tr("Apostrophe before texts that look like &formulas"));
     m_guard->setObjectName(QStringLiteral("chkGuardFormulas"));
     m_guard->setToolTip(tr("A spreadsheet may run a text of evidence that begins with = + - or @"));
+    m_format->setToolTip(tr("Delimited text is what the table shows; the others hold what is "
+                            "stored, with dates in ISO 8601"));
     m_delimiters = new QWidget;
+    m_delimiters->setToolTip(tr("What stands between two cells; one in a cell isn't quoted"));
     m_delimiters->setObjectName(QStringLiteral("opDelimiter"));
     QHBoxLayout *row = lineOf(*m_delimiters);
     m_delimiter = new QButtonGroup(this);
@@ -136,6 +140,7 @@ QWidget *ExportForm::newFileLine() {
     button->setObjectName(QStringLiteral("btnBrowse"));
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, &ExportForm::browse);
+    line->setFocusProxy(m_file);
     row->addWidget(m_file, 1);
     row->addWidget(button);
     return line;

@@ -64,6 +64,7 @@ ReportForm::ReportForm(const ReportClass &report, std::size_t rows, std::size_t 
     column->addLayout(form);
     column->addStretch(1);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    buttons->button(QDialogButtonBox::Ok)->setText(tr("Okay"));
     connect(buttons, &QDialogButtonBox::accepted, this, &ReportForm::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column->addWidget(buttons);
@@ -152,7 +153,6 @@ void ReportForm::addContents(QFormLayout &form) {
     grid->addWidget(m_user = named<QCheckBox>("chkIncludeUser", tr("&User")), 1, 2);
     grid->addWidget(m_header = named<QCheckBox>("chkHeader", tr("&Skip the head")), 2, 0);
     grid->addWidget(m_trail = named<QCheckBox>("chkIncludeCaseTrail", tr("Case tra&il")), 2, 1);
-    m_trail->setToolTip(tr("What was done with the project, when and by which version"));
     form.addRow(tr("Include:"), boxes);
     m_width = new QComboBox;
     m_width->setObjectName(QStringLiteral("cbURLColWidth"));
@@ -160,6 +160,19 @@ void ReportForm::addContents(QFormLayout &form) {
         m_width->addItem(width == 0 ? tr("As wide as it needs") : tr("%1 pixels").arg(width),
                          width);
     form.addRow(tr("URL column &width:"), m_width);
+    explain();
+}
+
+void ReportForm::explain() {
+    m_audit->setToolTip(tr("What stands for each reference of a rebuilt page"));
+    m_links->setToolTip(tr("The visited pages that a page links to"));
+    m_notes->setToolTip(tr("The notes of the rows that have some"));
+    m_timeRebuilt->setToolTip(tr("When the page was rebuilt"));
+    m_dataSource->setToolTip(tr("A column with the kind of record"));
+    m_user->setToolTip(tr("A column with the user"));
+    m_header->setToolTip(tr("Only the title, the date and the time zone stand above the rows"));
+    m_trail->setToolTip(tr("What was done with the project, when and by which version"));
+    m_width->setToolTip(tr("Of a tabular report; longer addresses go on in the next line"));
 }
 
 void ReportForm::show(const ReportClass &report) {

@@ -32,6 +32,7 @@ class ReportForm final : public QDialog {
     void addTexts(QFormLayout &form);
     void addPictures(QFormLayout &form);
     void addContents(QFormLayout &form);
+    void explain();
     void show(const ReportClass &report);
     void followType();
     void previewLogo();

@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QTimer>
+#include <QWebEngineLoadingInfo>
 #include <QWebEngineView>
 
 namespace nv {
@@ -101,11 +102,20 @@ void BrowserPane::startEngine() {
     m_view->setPage(page);
     m_pages->addWidget(m_view);
     connect(page, &ViewedPage::blocked, this, [this](const QString &address) {
+        // The very page that was asked for is refused when it has gone meanwhile.
+        if (address == m_page.toString())
+            return QTimer::singleShot(
+                0, this, [this] { showFailure(tr("The page can't be shown: it is gone.")); });
         showRefused();
         emit navigationBlocked(blockedText(address));
     });
     connect(page, &QWebEnginePage::renderProcessTerminated, this,
-            [this] { showReason(tr("The page crashed the engine that draws it.")); });
+            [this] { showFailure(tr("The page crashed the engine that draws it.")); });
+    // One that is left before it is there was not meant to be shown any more.
+    connect(page, &QWebEnginePage::loadingChanged, this, [this](const QWebEngineLoadingInfo &info) {
+        if (info.status() == QWebEngineLoadingInfo::LoadFailedStatus && info.url() == m_page)
+            showFailure(tr("The page can't be shown: %1").arg(info.errorString()));
+    });
     connect(m_view, &QWebEngineView::urlChanged, this, &BrowserPane::showLocation);
     connect(m_view, &QWebEngineView::loadFinished, this, [this] {
         showLocation();
@@ -136,6 +146,11 @@ void BrowserPane::showReason(const QString &text) {
     m_location->clear();
     m_refused->clear();
     m_back->setEnabled(false);
+}
+
+void BrowserPane::showFailure(const QString &reason) {
+    showReason(reason);
+    emit pageFailed(reason);
 }
 
 std::uint64_t BrowserPane::refused() const {

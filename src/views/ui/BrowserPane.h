@@ -42,6 +42,8 @@ class BrowserPane final : public QWidget {
     /// A link was refused; the text is for people.
     void navigationBlocked(const QString &text);
     void pageShown();
+    /// The page that was asked for can't be shown; the text is for people, and shown in its place.
+    void pageFailed(const QString &reason);
 
   private:
     QWidget *newLocationBar();
@@ -49,6 +51,7 @@ class BrowserPane final : public QWidget {
     /// Not the engine's own way back, which leads to pages of other records.
     void goBack();
     void showLocation();
+    void showFailure(const QString &reason);
     void showRefused();
 
     QPushButton *m_back = nullptr;

@@ -2,7 +2,11 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "reports/ExportRows.h"
+#include "reports/ExportWriter.h"
+#include "reports/SheetCount.h"
+#include "support/SmallFiles.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -219,6 +223,77 @@ TEST_F(ExportTest, anUnwritablePathIsAFailure) {
         job.format = format;
         EXPECT_THROW(exportRows(job, table, project.folder.path(), nobody), FileFailure);
     }
+}
+
+TEST_F(ExportTest, aFullDiskIsAFailureInEveryForm) {
+    project.db().exec("UPDATE URLs SET WebPageTitle = hex(randomblob(15000))");
+    table.refreshRows();
+    for (const ExportFormat format :
+         {ExportFormat::delimited, ExportFormat::csv, ExportFormat::jsonl, ExportFormat::xlsx}) {
+        job.format = format;
+        job.OutputFilePath = out;
+        const test::SmallFiles limit(20'000);
+        EXPECT_ANY_THROW(exportRows(job, table, project.folder.path(), nobody));
+        job.abandon();
+        EXPECT_EQ(files(), 0U) << static_cast<int>(format);
+    }
+}
+
+TEST_F(ExportTest, aSheetIsReadBack) {
+    written(ExportFormat::xlsx);
+    EXPECT_EQ(countSheets(out), (SheetCount{3, 6 + 5 + 4}));
+    EXPECT_EQ(job.counts.sheets, 1);
+    for (const char *text : {"", "no zip at all, but longer than its end record"}) {
+        writeWhole(out, text);
+        EXPECT_ANY_THROW(countSheets(out));
+    }
+}
+
+TEST_F(ExportTest, furtherSheetsAreToldOf) {
+    job.counts.sheets = 1;
+    EXPECT_TRUE(notesOf(job.counts).empty());
+    job.counts.sheets = 2;
+    EXPECT_THAT(notesOf(job.counts), ElementsAre(HasSubstr("2 sheets")));
+}
+
+TEST_F(ExportTest, aRowOfOneEmptyCellIsARowOfCsv) {
+    job.SelectedColumns = columnsFromString("Web Page Title|COL_URL_WEBPAGE_TITLE;");
+    EXPECT_EQ(written(ExportFormat::csv), "Web Page Title\r\n\"\"\r\n\"two\r\nlines\"\r\n");
+}
+
+TEST_F(ExportTest, whatASpreadsheetRunsIsGuarded) {
+    for (const char *text : {"=cmd|' /C calc'!A0", "+1", "-1", "@SUM(1)", "\t=1", "\r=1", "\n=1",
+                             "\uFF1D1", "\uFF0B1", "\uFF0D1", "\uFF201"})
+        EXPECT_TRUE(looksLikeFormula(text)) << text;
+    for (const char *text : {"", "http://a.example/?a=1", "'=1", "1", "\u00E9"})
+        EXPECT_FALSE(looksLikeFormula(text)) << text;
+}
+
+TEST_F(ExportTest, hostileTextsGoThroughEveryForm) {
+    const std::string title("<script>\"'`\0\x01\x1B[31m\u202Egnp.exe,|;\t\r\n=cmd|' /C calc'!A0",
+                            52);
+    const std::string lone = "a\xED\xA0\x80z"; // half of a character of 32 bits
+    SQLite::Statement change(project.db(), "UPDATE URLs SET WebPageTitle = ?, Host = ?, URL = ?");
+    change.bind(1, title);
+    change.bind(2, lone);
+    change.bind(3, "javascript:" + std::string(1'000'000, 'x'));
+    change.exec();
+    table.refreshRows();
+    job.SelectedColumns = columnsFromString("Title|COL_URL_WEBPAGE_TITLE;Host|COL_URL_HOST;"
+                                            "URL|COL_URL_VALUE;");
+    const nlohmann::json event = events().at(0);
+    EXPECT_EQ(event.at("COL_URL_WEBPAGE_TITLE"), title);
+    EXPECT_EQ(event.at("COL_URL_VALUE").get<std::string>().size(), 1'000'011U);
+    EXPECT_TRUE(isUtf8(event.at("COL_URL_HOST").get<std::string>()));
+    const std::string csv = written(ExportFormat::csv);
+    EXPECT_THAT(csv, HasSubstr('"' + replaceAll(title, "\"", "\"\"") + '"'));
+    EXPECT_TRUE(isUtf8(csv));
+    const std::string plain = written(ExportFormat::delimited);
+    EXPECT_EQ(std::ranges::count(plain, '\n'), 3) << "a heading and two rows";
+    EXPECT_EQ(plain.find('\0'), std::string::npos);
+    written(ExportFormat::xlsx);
+    EXPECT_EQ(countSheets(out), (SheetCount{3, 9}));
+    EXPECT_EQ(job.counts.cellsCut, 2);
 }
 
 TEST_F(ExportTest, progressNamesTheRows) {

@@ -1,5 +1,6 @@
 #include "rebuild/Archive.h"
 #include "rebuild/LocalNames.h"
+#include "support/SmallFiles.h"
 #include "unit/reports/ReportFixture.h"
 
 #include <regex>
@@ -220,6 +221,13 @@ TEST_F(GraphicalReportTest, aRowThatIsGoneIsToldOf) {
     EXPECT_EQ(project.log.entries[0].severity, Severity::Serious);
     EXPECT_EQ(project.log.entries[0].recommendation, kContactSupport);
     EXPECT_EQ(number(id), 1);
+    EXPECT_THAT(notesOf(each),
+                testing::ElementsAre("1 records could not be written; their entries say so."));
+    each.CreateTabularReport(temp);
+    EXPECT_THAT(textAt(each.ReportFilePath), HasSubstr("this record could not be written"));
+    EXPECT_EQ(project.log.entries[1].procedure, "ReportClass.CreateTabularRecord()");
+    EXPECT_EQ(project.log.entries[1].severity, Severity::Serious);
+    EXPECT_EQ(each.RecordsFailed, 1u);
 }
 
 TEST_F(GraphicalReportTest, everyLocalLinkLeadsToAFileOfTheReport) {
@@ -259,6 +267,55 @@ TEST_F(GraphicalReportTest, ownPicturesTakeThePlaceOfTheProgramsOwn) {
                      }),
                 HasSubstr("src='images/norvelane-logo.png'"));
     EXPECT_EQ(project.log.entries.size(), 1u);
+}
+
+TEST_F(GraphicalReportTest, picturesThatAreMissingAreToldOf) {
+    images = project.folder.path() / "none";
+    EXPECT_NE(make(0), "");
+    ASSERT_EQ(project.log.entries.size(), 1u);
+    EXPECT_THAT(project.log.entries[0].message, HasSubstr("the program's pictures are missing"));
+}
+
+TEST_F(GraphicalReportTest, aLogoThatCannotBeCopiedCostsNothingElse) {
+    fs::create_directories(made.images() / "agency-logo.gif" / "in the way");
+    const auto mine = project.folder.write("mine.gif", "GIF89a mine");
+    const std::string html = make(0, [&](ReportClass &each) {
+        each.UseCustomLogo = true;
+        each.AgencyLogoPath = mine;
+    });
+    EXPECT_THAT(html, AllOf(HasSubstr("src='images/norvelane-logo.png'"),
+                            HasSubstr("The active time bias is set to:")));
+    ASSERT_EQ(project.log.entries.size(), 1u);
+    EXPECT_EQ(project.log.entries[0].procedure, "ReportClass.CreateHeader()");
+}
+
+/// A stream that throws what it can't write.
+struct NoRoom : std::streambuf {};
+
+TEST_F(GraphicalReportTest, aHeadAndAFootThatFailAreToldOf) {
+    const ReportContext ctx = reportContext();
+    ReportClass each(ctx);
+    NoRoom nowhere;
+    std::ostream file(&nowhere);
+    file.exceptions(std::ios::badbit);
+    each.CreateHeader(file);
+    file.clear();
+    each.CreateFooter(file);
+    EXPECT_THAT(notesOf(each), testing::ElementsAre("Error Creating Report Header",
+                                                    "Error Creating Report Footer"));
+    ASSERT_EQ(project.log.entries.size(), 2u);
+    EXPECT_EQ(project.log.entries[0].procedure, "ReportClass.CreateHeader()");
+    EXPECT_EQ(project.log.entries[1].procedure, "ReportClass.CreateFooter()");
+}
+
+TEST_F(GraphicalReportTest, aDiskThatFillsUpEndsTheReport) {
+    for (int day = 1; day <= 28; ++day)
+        addHistory("http://host/" + std::string(4000, 'a'), day);
+    for (const int type : {0, 1}) {
+        const SmallFiles limit(60'000);
+        EXPECT_THROW(make(type), StorageFailure);
+        EXPECT_FALSE(fs::exists(made.index(type)));
+    }
 }
 
 } // namespace

@@ -60,6 +60,34 @@ TEST_F(PublishReportTest, aCancelLeavesNoPageThatLooksWhole) {
     EXPECT_FALSE(fs::exists(target / "index-history.htm"));
 }
 
+TEST_F(PublishReportTest, thePageComesLast) {
+    add("http://host/a.gif", "GIF89a");
+    make(0);
+    publish(0);
+    for (const int calls : {0, 3, 6}) { // 7 files
+        CancelAfter canceller(calls);
+        EXPECT_TRUE(PublishReport(made, 0, target, canceller).cancelled);
+        EXPECT_FALSE(fs::exists(target / "index-cache.htm")) << "nor that of the earlier report";
+    }
+    EXPECT_TRUE(fs::exists(target / "pictures/0000001.gif"));
+    EXPECT_EQ(publish(0).files, 7u);
+}
+
+TEST_F(PublishReportTest, aReportOfOneTypeIsTakenOutByItself) {
+    add("http://host/a.gif", "GIF89a");
+    make(0);
+    make(1);
+    publish(0);
+    removePublished(target, 1); // there is none
+    EXPECT_TRUE(fs::exists(target / "pictures/0000001.gif"));
+    publish(1);
+    removePublished(target, 0);
+    EXPECT_FALSE(fs::exists(target / "index-cache.htm"));
+    EXPECT_FALSE(fs::exists(target / "pictures"));
+    EXPECT_TRUE(fs::exists(target / "index-history.htm"));
+    EXPECT_TRUE(fs::exists(target / "images/ie.gif"));
+}
+
 TEST_F(PublishReportTest, nothingIsWrittenThroughALink) {
     add("http://host/a.gif", "GIF89a");
     make(0);

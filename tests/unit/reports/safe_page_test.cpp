@@ -37,7 +37,33 @@ TEST(SafePage, addressesOfFileServersBecomeOnesOfTheWeb) {
     EXPECT_THAT(guardedPage("url(//host/a)"), HasSubstr("url(http://host/a)"));
     EXPECT_THAT(guardedPage("<img src='file://host/a'>"), HasSubstr("'void://host/a'"));
     EXPECT_THAT(guardedPage("<img src=\"/a.gif\"> http://host/"),
-                AllOf(HasSubstr("src=\"/a.gif\""), HasSubstr(" http://host/")));
+                AllOf(HasSubstr("src=\"void:/a.gif\""), HasSubstr(" http://host/")));
+}
+
+TEST(SafePage, nothingIsFetchedFromOutsideOfTheFolder) {
+    for (const char *page :
+         {"<img src=\"/etc/a.gif\">", "<img src='../0000001.NVR/a.gif'>", "<IMG SRC = ../a.gif>",
+          "<body background=/a.gif>", "<link rel=stylesheet href=' /a.css'>",
+          "<style>a{background:url(/a.gif)}</style>", "<p style=\"background:url('/a.gif')\">",
+          "<style>@import \"/a.css\"</style>", "<img src=c:/a.gif>", "<img src='a/%2e%2e/b'>",
+          "<img src='&#47;&#47;host/a'>", "<img src='/\t/host/a'>", "<image xlink:href=/a.gif>",
+          "<img src='0000001../../a'>"})
+        EXPECT_THAT(guardedPage(page).substr(kGuard.size()), HasSubstr("void:")) << page;
+    EXPECT_THAT(guardedPage("<img srcset='a.gif 1x, //host/a 2x' src=0000001.gif>"),
+                HasSubstr("<img void-srcset='a.gif 1x, //host/a 2x' src=0000001.gif>"));
+    for (const char *page :
+         {"<img src=\"0000012.gif\">", "<img src=pic/a.gif>", "<a href=\"http://host/?a=1&b=2\">",
+          "<a href='#top'>", "<a href='mailto:a@b'>", "<img src=data:image/gif;base64,R0lGOD//>",
+          "<img src=''>", "<p>(/etc) a=/b \"/c\" data-src=/d</p>", "<br class='a'/>",
+          "<style>a{background:url(0000012.gif)}</style>", "url", "src=", "@import", "="})
+        EXPECT_TRUE(guardedPage(page).ends_with(page)) << page;
+}
+
+TEST(SafePage, aPageOfOneWordIsReadInTime) {
+    std::string page;
+    for (int i = 0; i < 200'000; ++i)
+        page += "src=";
+    EXPECT_THAT(guardedPage(page), HasSubstr("src=void:src="));
 }
 
 TEST(SafePage, noHostIsLookedUpAheadOfThePolicy) {
@@ -59,6 +85,16 @@ TEST(SafePage, pagesOf16BitsBecomeReadable) {
     const std::string guarded = guardedPage(wide);
     EXPECT_TRUE(guarded.starts_with("\xEF\xBB\xBF" + kGuard));
     EXPECT_TRUE(guarded.ends_with("<b>"));
+}
+
+TEST(SafePage, stylesFetchNothingFromElsewhere) {
+    const test::TempFolder folder;
+    const auto page = folder.write("0000001.htm", "");
+    const auto style = folder.write("0000002.CSS", "a{background:url(//host/a)} b{content:'c'} "
+                                                   "d{background:url(0000003.gif)}");
+    guardFolder(page, Scripts::keep);
+    EXPECT_EQ(std::string(ByteView(readWhole(style)).raw()),
+              "a{background:url(http://host/a)} b{content:'c'} d{background:url(0000003.gif)}");
 }
 
 TEST(SafePage, allThatBrowsersTakeForPagesIsGuarded) {
