@@ -114,7 +114,7 @@ void RebuildTest::theToolbarRebuildsTheCurrentRow() {
     QCOMPARE(cell(1, UrlColumn::Rebuilt), QStringLiteral("Yes"));
     QCOMPARE(cell(3, UrlColumn::Rebuilt), QStringLiteral("No"));
     QCOMPARE(cell(1, UrlColumn::TimeRebuilt), QStringLiteral("15-Jun-2011 12:00:00"));
-    QCOMPARE(notice(), QStringLiteral("Record 1 was rebuilt: 1 references replaced, 1 missing."));
+    QCOMPARE(notice(), QStringLiteral("Record 1 was rebuilt: 1 reference replaced, 1 missing."));
     QVERIFY(fs::exists(folderOf("0000001") / "0000001.htm"));
     QVERIFY(fs::exists(folderOf("0000001") / "0000002.gif"));
     QVERIFY(!m_desk->program.thread.IsOpen);
@@ -137,7 +137,7 @@ void RebuildTest::rebuildDrawsTheThumbnailThatTheGalleryShows() {
     auto &tiles = child<QListView>(gallery, "GalleryTiles");
     QCOMPARE(tiles.model()->rowCount(), 0);
     trigger(*m_form, "actRebuild");
-    QCOMPARE(notice(), QStringLiteral("Record 1 was rebuilt: 1 references replaced, 1 missing."));
+    QCOMPARE(notice(), QStringLiteral("Record 1 was rebuilt: 1 reference replaced, 1 missing."));
     QVERIFY(fs::exists(folderOf("0000001") / "~0000001.thumbnail.jpg"));
     QVERIFY(!stored("ThumbnailMD5Hash", 1).empty());
     QCOMPARE(tiles.model()->rowCount(), 1);
