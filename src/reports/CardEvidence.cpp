@@ -24,7 +24,7 @@ namespace {
 constexpr std::uintmax_t kLargestText = std::uintmax_t{64} << 20;
 
 std::string rowFolder(const URLClass &record) {
-    return sidOf(record.URLID) + ".NVR";
+    return rowNameOf(record.URLID) + ".NVR";
 }
 
 std::string thumbnailName(const URLClass &record) {
@@ -72,7 +72,8 @@ bool CardEvidence::bringRebuilt(ReportCard &card, TaskMonitor &task) const {
     fs::remove_all(folder); // a row that is listed twice would be guarded twice
     if (!record.RebuiltSourceCode.empty())
         HarvestParts(record, folder, Batch::yes, contextFor(m_ctx.rebuild.TempFolderPath, task));
-    else if (!record.CacheFileRebuiltBLOB.empty())
+    // An archive unpacks into a folder of seven digits, which can be that of another row.
+    else if (!record.CacheFileRebuiltBLOB.empty() && sidOf(record.URLID) == rowNameOf(record.URLID))
         UnpackCabinetFile(record, contextFor(m_folder.path, task));
     if (!fs::exists(page))
         return false;
@@ -105,7 +106,7 @@ void CardEvidence::bringContent(ReportCard &card, std::size_t place) const {
 void CardEvidence::bringPicture(ReportCard &card, const fs::path &content,
                                 const std::string &kind) const {
     const URLClass &record = card.record;
-    card.target = fmt::format("pictures/{}.{}", sidOf(record.URLID), kind);
+    card.target = fmt::format("pictures/{}.{}", rowNameOf(record.URLID), kind);
     const fs::path picture = m_folder.path / card.target;
     copyToScratch(content, picture);
     const int width = m_ctx.settings.ReportThumbnailWidth;
@@ -115,7 +116,7 @@ void CardEvidence::bringPicture(ReportCard &card, const fs::path &content,
     // A JPEG has the very name that its thumbnail would get: it is shown itself.
     if (kind != "jpg")
         card.drawing = {DrawJob::Kind::picture, picture,
-                        m_folder.pictures() / (sidOf(record.URLID) + ".jpg"), width,
+                        m_folder.pictures() / (rowNameOf(record.URLID) + ".jpg"), width,
                         thumbnailHeight(width)};
 }
 
@@ -132,7 +133,7 @@ void CardEvidence::bringText(ReportCard &card, const fs::path &content, std::siz
     }
     const fs::path folder = m_folder.path / rowFolder(card.record);
     fs::create_directories(folder);
-    const std::string name = sidOf(card.record.URLID) + ".txt";
+    const std::string name = rowNameOf(card.record.URLID) + ".txt";
     copyToScratch(content, folder / name);
     card.target = rowFolder(card.record) + "/" + name;
     if (kind != TextKind::page || !m_ctx.drawing)

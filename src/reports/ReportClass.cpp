@@ -4,7 +4,6 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
-#include "rebuild/LocalNames.h"
 #include "reports/CardText.h"
 #include "reports/ReportValues.h"
 #include "reports/SortTable.h"
@@ -167,7 +166,7 @@ bool ReportClass::writeCards(const RowIds &ids, std::ostream &file) {
             return false;
         for (std::size_t i = 0; i < batch.size(); ++i) {
             CreateGraphicalRecord(UrlId{batch[i]}, first + i + 1, file);
-            names << sidOf(UrlId{batch[i]}) << ".NVR\r\n";
+            names << rowNameOf(UrlId{batch[i]}) << ".NVR\r\n";
         }
         check(file, m_folder.unfinished());
         check(names, m_folder.rowFolders());

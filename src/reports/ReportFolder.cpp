@@ -13,11 +13,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kRowName = 11; ///< "0000017.NVR"
+constexpr std::size_t kShortestRowName = 11; ///< "0000017.NVR"
 
 bool isRowFolder(const fs::path &folder) {
     const std::string name = textOf(folder.filename());
-    return name.size() == kRowName && name.ends_with(".NVR") &&
+    return name.size() >= kShortestRowName && name.ends_with(".NVR") &&
            name.find_first_not_of("0123456789") == name.find('.');
 }
 
@@ -27,6 +27,10 @@ bool isImage(const fs::path &file) {
 }
 
 } // namespace
+
+std::string rowNameOf(UrlId id) {
+    return fmt::format("{:0>7}", number(id));
+}
 
 ReportFolder ReportFolder::at(const fs::path &place) {
     ReportFolder folder(place);

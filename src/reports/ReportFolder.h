@@ -1,11 +1,16 @@
 #pragma once
 
 #include "base/FailureLog.h"
+#include "db/Ids.h"
 
 #include <filesystem>
 #include <string>
 
 namespace nv {
+
+/// Names a row's files in reports by the digits of its key, seven at least. Names of rebuilt pages
+/// are cut to seven; in a report two rows would then show the files of one.
+std::string rowNameOf(UrlId id);
 
 /// Where the files of a report lie: a folder by itself, which holds one report at a time.
 struct ReportFolder {

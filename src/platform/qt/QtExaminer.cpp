@@ -67,8 +67,7 @@ Answer answerOf(int button) {
 Answer QtExaminer::ask(const Message &message) {
     QMessageBox box(QApplication::activeWindow());
     box.setObjectName(toQt(message.id));
-    box.setWindowTitle(message.title.empty() ? QApplication::applicationDisplayName()
-                                             : toQt(message.title));
+    box.setWindowTitle(message.title.empty() ? QStringLiteral("Norvelane") : toQt(message.title));
     // Reasons can quote evidence, which is never rendered as rich text.
     box.setTextFormat(Qt::PlainText);
     box.setText(toQt(message.text));

@@ -230,6 +230,23 @@ TEST_F(GraphicalReportTest, aRowThatIsGoneIsToldOf) {
     EXPECT_EQ(each.RecordsFailed, 1u);
 }
 
+TEST_F(GraphicalReportTest, rowsWhoseLastDigitsAreAlikeKeepTheirOwnFiles) {
+    addRebuiltPage();
+    add("http://host/other.txt", "another row");
+    add("http://host/large.gif", "GIF89a large");
+    project.connection().exec("UPDATE URLs SET URL_ID = 10000001 WHERE URL_ID = 3;"
+                              "UPDATE URLs SET URL_ID = 10000002 WHERE URL_ID = 4");
+    const std::string html = make(0);
+    EXPECT_THAT(html, AllOf(HasSubstr("href='0000001.NVR/0000001.htm'"),
+                            HasSubstr("href='10000001.NVR/10000001.txt'")));
+    EXPECT_THAT(inReport("0000001.NVR/0000001.htm"), HasSubstr("Inbox"));
+    EXPECT_EQ(inReport("10000001.NVR/10000001.txt"), "another row");
+    EXPECT_EQ(inReport("pictures/0000002.gif"), "GIF89a logo");
+    EXPECT_EQ(inReport("pictures/10000002.gif"), "GIF89a large");
+    made.removeRowFolders();
+    EXPECT_FALSE(fs::exists(made.path / "10000001.NVR"));
+}
+
 TEST_F(GraphicalReportTest, everyLocalLinkLeadsToAFileOfTheReport) {
     addRebuiltPage();
     add("http://host/other.html", kPage);
