@@ -1,5 +1,6 @@
 #include "app/Options.h"
 
+#include "app/IniSections.h"
 #include "app/Messages.h"
 #include "app/NetworkSwitch.h"
 #include "app/Project.h"
@@ -19,11 +20,6 @@ namespace nv {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::string_view kOptions = "OPTIONS";
-constexpr std::string_view kThumbnails = "THUMBNAILS";
-constexpr std::string_view kPaths = "FILE PATHS";
-constexpr std::string_view kBeyond = "BEYOND";
 
 struct Refusal {
     OptionsField field;
@@ -82,7 +78,7 @@ class Application {
 OptionsOutcome Application::run() {
     if (!mayOverwrite())
         return {false, OptionsField::project};
-    take(kOptions, "VerifyFileSignatures", m_state.VerifyFileSignatures,
+    take(kOptionsSection, "VerifyFileSignatures", m_state.VerifyFileSignatures,
          m_options.VerifyFileSignatures);
     m_program.import.VerifyFileSignatures = m_options.VerifyFileSignatures;
     takeFormats();
@@ -123,9 +119,9 @@ bool Application::mayOverwrite() const {
 void Application::takeFormats() {
     // Not the format that the program starts with: whoever empties the box has always got this one.
     m_state.DateFormat = m_options.DateFormat.empty() ? "MM/DD/YY" : m_options.DateFormat;
-    m_settings.WriteIniValue(kOptions, "DateFormat", m_state.DateFormat);
+    m_settings.WriteIniValue(kOptionsSection, "DateFormat", m_state.DateFormat);
     m_state.TimeFormat = m_options.TimeFormat.empty() ? "Hh:Nn:Ss" : m_options.TimeFormat;
-    m_settings.WriteIniValue(kOptions, "TimeFormat", m_state.TimeFormat);
+    m_settings.WriteIniValue(kOptionsSection, "TimeFormat", m_state.TimeFormat);
     m_state.DateTimeFormat = m_state.DateFormat + " " + m_state.TimeFormat;
 }
 
@@ -136,9 +132,9 @@ bool Application::takeZone() {
     if (!setZone(m_program, *m_options.Time_Zone_ID))
         return false;
     const TimeZoneClass &zone = m_state.GMTZone;
-    write(kOptions, "TimeZoneBias", zone.tzBias);
-    m_settings.WriteIniValue(kOptions, "TimeZoneName", zone.tzName);
-    write(kOptions, "TimeZoneID", zone.tzTimeZoneID);
+    write(kOptionsSection, "TimeZoneBias", zone.tzBias);
+    m_settings.WriteIniValue(kOptionsSection, "TimeZoneName", zone.tzName);
+    write(kOptionsSection, "TimeZoneID", zone.tzTimeZoneID);
     if (m_state.ProjectDB.isOpen())
         storeProjectValues(m_program,
                            {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
@@ -199,19 +195,21 @@ void Application::takePaths() {
     m_state.TempFolderOfRun = m_options.TempFolderPath;
     m_state.AgencyLogoPath = m_options.AgencyLogoPath;
     m_state.TemplatesPath = m_options.TemplatesPath;
-    m_settings.WriteIniValue(kPaths, "TempFolder", textOf(m_options.TempFolderPath));
-    m_settings.WriteIniValue(kPaths, "LastProjectDBPath", textOf(m_options.ProjectDBPath));
-    m_settings.WriteIniValue(kPaths, "AgencyLogoPath", textOf(m_options.AgencyLogoPath));
-    m_settings.WriteIniValue(kPaths, "PublishFolder", textOf(m_options.PublishTempFolder));
-    m_settings.WriteIniValue(kBeyond, "TemplatesPath", textOf(m_options.TemplatesPath));
+    m_settings.WriteIniValue(kPathsSection, "TempFolder", textOf(m_options.TempFolderPath));
+    m_settings.WriteIniValue(kPathsSection, "LastProjectDBPath", textOf(m_options.ProjectDBPath));
+    m_settings.WriteIniValue(kPathsSection, "AgencyLogoPath", textOf(m_options.AgencyLogoPath));
+    m_settings.WriteIniValue(kPathsSection, "PublishFolder", textOf(m_options.PublishTempFolder));
+    m_settings.WriteIniValue(kBeyondSection, "TemplatesPath", textOf(m_options.TemplatesPath));
 }
 
 void Application::takeGallery() {
-    take(kOptions, "DisableScriptTags", m_state.DisableScriptTags, m_options.DisableScriptTags);
-    take(kOptions, "GalleryIncludeHTML", m_state.GalleryIncludeHTML, m_options.GalleryIncludeHTML);
-    take(kOptions, "GalleryIncludePictures", m_state.GalleryIncludePictures,
+    take(kOptionsSection, "DisableScriptTags", m_state.DisableScriptTags,
+         m_options.DisableScriptTags);
+    take(kOptionsSection, "GalleryIncludeHTML", m_state.GalleryIncludeHTML,
+         m_options.GalleryIncludeHTML);
+    take(kOptionsSection, "GalleryIncludePictures", m_state.GalleryIncludePictures,
          m_options.GalleryIncludePictures);
-    take(kOptions, "RedrawThumbIfPageRebuilt", m_state.RedrawThumbIfPageRebuilt,
+    take(kOptionsSection, "RedrawThumbIfPageRebuilt", m_state.RedrawThumbIfPageRebuilt,
          m_options.RedrawThumbIfPageRebuilt);
     m_state.GalleryRecordsPerPage = m_options.GalleryRecordsPerPage;
     m_state.ThumbnailRedrawTimeout = m_options.ThumbnailRedrawTimeout;
@@ -233,30 +231,31 @@ void Application::takeThumbnailsAndStatus() {
     m_state.ViewerThumbnailWidth = m_options.ViewerThumbnailWidth;
     m_state.ProgressBarRefreshRate = m_options.ProgressBarRefreshRate;
     m_program.thread.ProgressBarRefreshRate = m_options.ProgressBarRefreshRate;
-    write(kThumbnails, "ViewerThumbnailWidth", m_options.ViewerThumbnailWidth);
-    write(kThumbnails, "ReportThumbnailWidth", m_options.ReportThumbnailWidth);
-    write(kOptions, "ProgressBarRefreshRate", m_options.ProgressBarRefreshRate);
+    write(kThumbnailsSection, "ViewerThumbnailWidth", m_options.ViewerThumbnailWidth);
+    write(kThumbnailsSection, "ReportThumbnailWidth", m_options.ReportThumbnailWidth);
+    write(kOptionsSection, "ProgressBarRefreshRate", m_options.ProgressBarRefreshRate);
 }
 
 void Application::takeBeyond() {
-    take(kBeyond, "WideRecordIds", m_state.WideRecordIds, m_options.WideRecordIds);
-    take(kBeyond, "TemplateMatchByTitle", m_state.TemplateMatchByTitle,
+    take(kBeyondSection, "WideRecordIds", m_state.WideRecordIds, m_options.WideRecordIds);
+    take(kBeyondSection, "TemplateMatchByTitle", m_state.TemplateMatchByTitle,
          m_options.TemplateMatchByTitle);
-    take(kBeyond, "ThumbnailsWhileImporting", m_program.import.MakeThumbnails,
+    take(kBeyondSection, "ThumbnailsWhileImporting", m_program.import.MakeThumbnails,
          m_options.ThumbnailsWhileImporting);
-    m_settings.WriteIniValue(kBeyond, "KeepAllOptions", m_options.KeepAllOptions);
+    m_settings.WriteIniValue(kBeyondSection, "KeepAllOptions", m_options.KeepAllOptions);
 }
 
 /// These have always held until the program ends; a switch of ours keeps them.
 void Application::keepTheRest() {
     if (!m_options.KeepAllOptions)
         return;
-    write(kOptions, "GalleryRecordsPerPage", m_options.GalleryRecordsPerPage);
-    write(kOptions, "ThumbnailRedrawTimeout", m_options.ThumbnailRedrawTimeout);
-    write(kThumbnails, "ThumbnailRedrawTimeout", m_options.ThumbnailRedrawTimeout);
-    m_settings.WriteIniValue(kOptions, "DisableFileVersionCheck",
+    write(kOptionsSection, "GalleryRecordsPerPage", m_options.GalleryRecordsPerPage);
+    write(kOptionsSection, "ThumbnailRedrawTimeout", m_options.ThumbnailRedrawTimeout);
+    write(kThumbnailsSection, "ThumbnailRedrawTimeout", m_options.ThumbnailRedrawTimeout);
+    m_settings.WriteIniValue(kOptionsSection, "DisableFileVersionCheck",
                              m_options.DisableFileVersionCheck);
-    m_settings.WriteIniValue(kOptions, "NetworkConnectionName", m_state.NetworkConnectionName);
+    m_settings.WriteIniValue(kOptionsSection, "NetworkConnectionName",
+                             m_state.NetworkConnectionName);
 }
 
 void Application::toProject() {
@@ -280,12 +279,12 @@ std::string sampleOf(const Program &program, std::string_view format) {
 }
 
 std::string chooseDateFormat(Program &program, std::string_view format) {
-    program.settings.WriteIniValue(kOptions, "DateFormat", format);
+    program.settings.WriteIniValue(kOptionsSection, "DateFormat", format);
     return sampleOf(program, format);
 }
 
 std::string chooseTimeFormat(Program &program, std::string_view format) {
-    program.settings.WriteIniValue(kOptions, "TimeFormat", format);
+    program.settings.WriteIniValue(kOptionsSection, "TimeFormat", format);
     return sampleOf(program, format);
 }
 

@@ -1,4 +1,5 @@
 // What the Options dialog shows at first; Options.cpp applies it.
+#include "app/IniSections.h"
 #include "app/Options.h"
 
 #include <fmt/format.h>
@@ -11,13 +12,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kOptions = "OPTIONS";
-constexpr std::string_view kThumbnails = "THUMBNAILS";
-constexpr std::string_view kPaths = "FILE PATHS";
-constexpr std::string_view kBeyond = "BEYOND";
-
 fs::path firstOf(const fs::path &inForce, const IniFile &settings, std::string_view key) {
-    return inForce.empty() ? fs::path(settings.ReadIniValue(kPaths, key, "")) : inForce;
+    return inForce.empty() ? fs::path(settings.ReadIniValue(kPathsSection, key, "")) : inForce;
 }
 
 void readPaths(const Program &program, Options &options) {
@@ -33,11 +29,11 @@ void readPaths(const Program &program, Options &options) {
 /// The folder of the settings, that of the last project, or the user's own.
 fs::path folderOfProjects(const Program &program) {
     const IniFile &settings = program.settings;
-    const fs::path last = settings.ReadIniValue(kPaths, "LastProjectDBPath", "");
+    const fs::path last = settings.ReadIniValue(kPathsSection, "LastProjectDBPath", "");
     const char *home = std::getenv("HOME");
     const fs::path user = home ? home : "";
     std::error_code notThere;
-    for (const fs::path &folder : {fs::path(settings.ReadIniValue(kPaths, "Project", "")),
+    for (const fs::path &folder : {fs::path(settings.ReadIniValue(kPathsSection, "Project", "")),
                                    last.parent_path(), user / "Documents", user}) {
         if (folder.is_absolute() && fs::is_directory(folder, notThere))
             return folder;
@@ -52,8 +48,8 @@ Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
     const IniFile &settings = program.settings;
     Options options;
     readPaths(program, options);
-    options.DateFormat = settings.ReadIniValue(kOptions, "DateFormat", kOptionsDateFormat);
-    options.TimeFormat = settings.ReadIniValue(kOptions, "TimeFormat", kOptionsTimeFormat);
+    options.DateFormat = settings.ReadIniValue(kOptionsSection, "DateFormat", kOptionsDateFormat);
+    options.TimeFormat = settings.ReadIniValue(kOptionsSection, "TimeFormat", kOptionsTimeFormat);
     if (const auto place = placeInList(zones, state.GMTZone))
         options.Time_Zone_ID = zones[*place].Time_Zone_ID;
     options.EnableDSTChanges = state.EnableDSTChanges;
@@ -62,12 +58,14 @@ Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
     options.GalleryRecordsPerPage = state.GalleryRecordsPerPage;
     options.RedrawThumbIfPageRebuilt = state.RedrawThumbIfPageRebuilt;
     // Not the time-out of the start, which stands in another section.
-    options.ThumbnailRedrawTimeout = settings.ReadIniValue(kOptions, "ThumbnailRedrawTimeout", 15);
+    options.ThumbnailRedrawTimeout =
+        settings.ReadIniValue(kOptionsSection, "ThumbnailRedrawTimeout", 15);
     options.EnablePARD = state.PARD.EnablePARD;
     options.PARDFrom = state.PARD.FromValue;
     options.PARDTo = state.PARD.ToValue;
     options.ViewerThumbnailWidth = state.ViewerThumbnailWidth;
-    options.ReportThumbnailWidth = settings.ReadIniValue(kThumbnails, "ReportThumbnailWidth", 200);
+    options.ReportThumbnailWidth =
+        settings.ReadIniValue(kThumbnailsSection, "ReportThumbnailWidth", 200);
     options.DisableScriptTags = state.DisableScriptTags;
     options.VerifyFileSignatures = state.VerifyFileSignatures;
     options.DisableFileVersionCheck = state.DisableFileVersionCheck;
@@ -76,7 +74,7 @@ Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
     options.WideRecordIds = state.WideRecordIds;
     options.ThumbnailsWhileImporting = program.import.MakeThumbnails;
     options.TemplateMatchByTitle = state.TemplateMatchByTitle;
-    options.KeepAllOptions = settings.ReadIniValue(kBeyond, "KeepAllOptions", false);
+    options.KeepAllOptions = settings.ReadIniValue(kBeyondSection, "KeepAllOptions", false);
     return options;
 }
 

@@ -1,6 +1,7 @@
 #include "app/ReportJob.h"
 
 #include "app/DrawingTools.h"
+#include "app/IniSections.h"
 #include "app/Project.h"
 #include "app/Trail.h"
 #include "base/Files.h"
@@ -14,7 +15,6 @@ namespace nv {
 namespace {
 
 constexpr std::string_view kSection = "REPORT";
-constexpr std::string_view kPaths = "FILE PATHS";
 constexpr int kThumbnailWidth = 200;
 
 ReportSettings settingsOf(const Program &program) {
@@ -24,7 +24,7 @@ ReportSettings settingsOf(const Program &program) {
     settings.version = program.thisClass.AppVersion;
     // Whoever never chose a width has none in the settings.
     const int width =
-        program.settings.ReadIniValue("THUMBNAILS", "ReportThumbnailWidth", kThumbnailWidth);
+        program.settings.ReadIniValue(kThumbnailsSection, "ReportThumbnailWidth", kThumbnailWidth);
     settings.ReportThumbnailWidth = width > 0 ? width : kThumbnailWidth;
     settings.ThumbnailRedrawTimeout =
         std::chrono::seconds(program.thisClass.ThumbnailRedrawTimeout);
@@ -99,7 +99,7 @@ void readReportOptions(const IniFile &settings, ReportClass &report) {
         report.*kept.flag = settings.ReadIniValue(kSection, kept.key, kept.byDefault);
     report.ReportType = settings.ReadIniValue(kSection, "ReportType", 0);
     report.DefaultThumbnailPath = settings.ReadIniValue(kSection, "DefaultThumbnailPath", "");
-    report.AgencyLogoPath = settings.ReadIniValue(kPaths, "AgencyLogoPath", "");
+    report.AgencyLogoPath = settings.ReadIniValue(kPathsSection, "AgencyLogoPath", "");
 }
 
 void writeReportOptions(const ReportClass &report, IniFile &settings) {
@@ -110,7 +110,7 @@ void writeReportOptions(const ReportClass &report, IniFile &settings) {
     settings.WriteIniValue(kSection, "UseDefaultThumbnailPath", report.UseDefaultThumbnailPath);
     settings.WriteIniValue(kSection, "ReportType", fmt::format("{}", report.ReportType));
     settings.WriteIniValue(kSection, "DefaultThumbnailPath", textOf(report.DefaultThumbnailPath));
-    settings.WriteIniValue(kPaths, "AgencyLogoPath", textOf(report.AgencyLogoPath));
+    settings.WriteIniValue(kPathsSection, "AgencyLogoPath", textOf(report.AgencyLogoPath));
 }
 
 } // namespace nv

@@ -1,5 +1,6 @@
 #include "app/ui/HostsPart.h"
 
+#include "app/IniSections.h"
 #include "app/ui/StatusSign.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
@@ -16,7 +17,6 @@ namespace nv {
 
 namespace {
 
-constexpr std::string_view kSection = "BEYOND"; ///< of the settings file
 constexpr std::string_view kShowHosts = "ShowHosts";
 constexpr std::int64_t kNotListed = -1;
 
@@ -30,7 +30,7 @@ HostsPart::HostsPart(Workbench &bench)
     bench.dataArea->setStretchFactor(1, 1);
     bench.dataArea->setSizes({280, 1000});
     bench.actions.hosts->setChecked(
-        bench.program.settings.ReadIniValue(kSection, kShowHosts, false));
+        bench.program.settings.ReadIniValue(kBeyondSection, kShowHosts, false));
     m_pane->setVisible(bench.actions.hosts->isChecked());
     connectPane();
     connect(bench.table, &TableTab::hostEntered, this, &HostsPart::takeEntered);
@@ -59,7 +59,7 @@ void HostsPart::connectPane() {
 
 void HostsPart::showPane(bool shown) {
     m_pane->setVisible(shown);
-    m_bench.program.settings.WriteIniValue(kSection, kShowHosts, shown);
+    m_bench.program.settings.WriteIniValue(kBeyondSection, kShowHosts, shown);
     fillIfStale();
 }
 

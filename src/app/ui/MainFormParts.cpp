@@ -1,4 +1,5 @@
 // How the main window is put together, and what it does by itself: locking, closing, drag and drop.
+#include "app/IniSections.h"
 #include "app/Messages.h"
 #include "app/ui/ExportPart.h"
 #include "app/ui/FiltersPart.h"
@@ -37,12 +38,6 @@
 #include <QTabWidget>
 
 namespace nv {
-
-namespace {
-
-constexpr std::string_view kSection = "BEYOND"; ///< of the settings file
-
-} // namespace
 
 MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     : m_program(program), m_dialogs(dialogs), m_commands(program, dialogs, *this), m_actions(this),
@@ -277,12 +272,13 @@ void MainForm::closeEvent(QCloseEvent *event) {
 
 void MainForm::keepGeometry() {
     keepWindowLayout(*this, m_program.settings);
-    m_program.settings.WriteIniValue(kSection, "ShowViewers", m_actions.viewers->isChecked());
+    m_program.settings.WriteIniValue(kBeyondSection, "ShowViewers", m_actions.viewers->isChecked());
 }
 
 void MainForm::restoreGeometryKept() {
     restoreWindowLayout(*this, m_program.settings);
-    m_actions.viewers->setChecked(m_program.settings.ReadIniValue(kSection, "ShowViewers", true));
+    m_actions.viewers->setChecked(
+        m_program.settings.ReadIniValue(kBeyondSection, "ShowViewers", true));
 }
 
 void MainForm::dragEnterEvent(QDragEnterEvent *event) {

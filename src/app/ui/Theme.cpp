@@ -1,5 +1,7 @@
 #include "app/ui/Theme.h"
 
+#include "app/IniSections.h"
+
 #include <QApplication>
 #include <QPalette>
 #include <QProxyStyle>
@@ -10,7 +12,6 @@ namespace nv {
 namespace {
 
 /// Settings of this build that earlier ones don't know have a section of their own.
-constexpr std::string_view kSection = "BEYOND";
 constexpr std::string_view kKey = "Theme";
 
 struct Colours {
@@ -131,7 +132,7 @@ std::string_view themeName(Theme theme) {
 }
 
 Theme keptTheme(const IniFile &settings) {
-    const std::string name = settings.ReadIniValue(kSection, kKey, themeName(Theme::System));
+    const std::string name = settings.ReadIniValue(kBeyondSection, kKey, themeName(Theme::System));
     for (const Theme theme : {Theme::Light, Theme::Dark}) {
         if (name == themeName(theme))
             return theme;
@@ -140,7 +141,7 @@ Theme keptTheme(const IniFile &settings) {
 }
 
 void keepTheme(IniFile &settings, Theme theme) {
-    settings.WriteIniValue(kSection, kKey, themeName(theme));
+    settings.WriteIniValue(kBeyondSection, kKey, themeName(theme));
 }
 
 void applyTheme(Theme theme) {

@@ -1,6 +1,7 @@
 #include "app/ui/WindowLayout.h"
 
 #include "app/IniFile.h"
+#include "app/IniSections.h"
 #include "platform/qt/QtText.h"
 
 #include <QHeaderView>
@@ -12,7 +13,6 @@ namespace nv {
 
 namespace {
 
-constexpr std::string_view kSection = "BEYOND"; ///< of the settings file
 constexpr std::string_view kGeometry = "MainGeometry";
 
 std::string keyOf(const char *kind, const QObject &part) {
@@ -32,12 +32,12 @@ QList<Part *> namedParts(const QWidget &window) {
 }
 
 void keep(IniFile &settings, const std::string &key, const QByteArray &bytes) {
-    settings.WriteIniValue(kSection, key, bytes.toBase64().toStdString());
+    settings.WriteIniValue(kBeyondSection, key, bytes.toBase64().toStdString());
 }
 
 QByteArray kept(const IniFile &settings, const std::string &key) {
     return QByteArray::fromBase64(
-        QByteArray::fromStdString(settings.ReadIniValue(kSection, key, std::string_view())));
+        QByteArray::fromStdString(settings.ReadIniValue(kBeyondSection, key, std::string_view())));
 }
 
 } // namespace
@@ -51,7 +51,8 @@ void keepWindowLayout(const QMainWindow &window, IniFile &settings) {
     // By name: a later version may have other tabs.
     for (const QTabWidget *tabs : namedParts<QTabWidget>(window))
         if (const QWidget *front = tabs->currentWidget())
-            settings.WriteIniValue(kSection, keyOf("Tab_", *tabs), fromQt(front->objectName()));
+            settings.WriteIniValue(kBeyondSection, keyOf("Tab_", *tabs),
+                                   fromQt(front->objectName()));
 }
 
 void restoreWindowLayout(QMainWindow &window, const IniFile &settings) {
@@ -62,7 +63,7 @@ void restoreWindowLayout(QMainWindow &window, const IniFile &settings) {
         header->restoreState(kept(settings, keyOf("Header_", *header)));
     for (QTabWidget *tabs : namedParts<QTabWidget>(window)) {
         const QString name =
-            toQt(settings.ReadIniValue(kSection, keyOf("Tab_", *tabs), std::string_view()));
+            toQt(settings.ReadIniValue(kBeyondSection, keyOf("Tab_", *tabs), std::string_view()));
         for (int place = 0; !name.isEmpty() && place < tabs->count(); ++place)
             if (tabs->widget(place)->objectName() == name)
                 tabs->setCurrentIndex(place);
