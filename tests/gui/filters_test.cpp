@@ -338,6 +338,8 @@ void FiltersTest::theHostFilterLastsUntilItIsTurnedOff() {
     QCOMPARE(rows(), 1);
     QVERIFY(sign("labHostFilter").isVisible());
     QVERIFY(hostGrid().model()->rowCount() > 0);
+    const QModelIndex last = hostGrid().model()->index(hostGrid().model()->rowCount() - 1, 0);
+    QCOMPARE(last.data(Qt::ToolTipRole), last.data()); // the whole name, however narrow the column
 }
 
 void FiltersTest::theListGrowsWithAnImport() {

@@ -52,11 +52,13 @@ QVariant HostModel::data(const QModelIndex &index, int role) const {
     const bool isNone = host->Host.empty() && index.column() == kHost;
     if (role == Qt::ToolTipRole && isNone)
         return tr("Records without a host. No filter finds just these: it shows all records");
-    if (role != Qt::DisplayRole)
+    const bool isText =
+        role == Qt::DisplayRole || (role == Qt::ToolTipRole && index.column() == kHost);
+    if (!isText)
         return {};
     if (isNone)
         return tr("(no host)");
-    if (index.column() == kHost)
+    if (index.column() == kHost) // the tooltip holds it where the column is too narrow
         return toQt(displayText(host->Host));
     return QLocale().toString(index.column() == kVisits ? host->visits : host->records);
 }
