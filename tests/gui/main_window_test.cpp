@@ -1,3 +1,4 @@
+#include "app/ImportClaim.h"
 #include "app/Project.h"
 #include "app/ui/CaseTrailForm.h"
 #include "db/ProjectFields.h"
@@ -44,6 +45,7 @@ class MainWindowTest : public QObject {
     void withoutAProjectTheWindowSaysWhatToDo();
     void theWizardImportsWithClicks();
     void aProjectAmongTheEvidenceGetsNoImport();
+    void anImportBesideAnotherIsRefused();
     void theWizardMakesThumbnailsWhenItsBoxIsTicked();
     void theWizardWarnsOfANetworkAndStops();
     void theWizardRefusesAFolderThatIsNotThere();
@@ -123,6 +125,25 @@ void MainWindowTest::aProjectAmongTheEvidenceGetsNoImport() {
     });
     trigger(*m_form, "actImport");
     QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("0"));
+}
+
+void MainWindowTest::anImportBesideAnotherIsRefused() {
+    const fs::path evidence = makeEvidence(m_desk->folder);
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actNew");
+    whenShown<ImportForm>([this, evidence](ImportForm &wizard) {
+        child<QLineEdit>(wizard, "txtStartingDirectory")
+            .setText(QString::fromStdString(evidence.string()));
+        auto &next = child<QPushButton>(wizard, "btnNext");
+        QTest::mouseClick(&next, Qt::LeftButton);
+        const ImportClaim other(m_desk->folder.path() / "case.nvp");
+        QTest::mouseClick(&next, Qt::LeftButton);
+        QCOMPARE(m_desk->examiner.heard.back(), std::string("import-failed"));
+        QTest::mouseClick(&next, Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
+    QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("0"));
+    QVERIFY(m_desk->program.thisClass.RootPath.empty()); // the other import's base stands
 }
 
 void MainWindowTest::theWizardMakesThumbnailsWhenItsBoxIsTicked() {

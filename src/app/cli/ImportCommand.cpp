@@ -1,4 +1,5 @@
 #include "app/DrawingTools.h"
+#include "app/ImportClaim.h"
 #include "app/ImportJob.h"
 #include "app/ImportText.h"
 #include "app/Messages.h"
@@ -7,11 +8,9 @@
 #include "app/cli/LoadedTable.h"
 #include "app/cli/OutputPath.h"
 #include "base/Files.h"
-#include "base/Md5.h"
 #include "base/Text.h"
 #include "db/StoredQueries.h"
 #include "import/Scan.h"
-#include "platform/posix/Claim.h"
 #include "readers/Registry.h"
 #include "time/ZoneDatabase.h"
 
@@ -100,14 +99,6 @@ void tellMissingLists(Session &session) {
     for (const StoredQuery &query : queries.list())
         if (lacksTerms(query.sql))
             session.err << missingTerms(query.name) << '\n';
-}
-
-/// Two imports at once would mix their rows, and each would take the other's for its own.
-void checkAlone(const Claim &claim, const fs::path &project) {
-    if (!claim.isHeld())
-        throw StorageFailure(fmt::format("\"{}\": another import into this project is running; "
-                                         "wait for its end",
-                                         textOf(project)));
 }
 
 /// Opens the project, or makes it when there is none.
@@ -254,9 +245,7 @@ Exit importCommand(Session &session, const ImportArguments &arguments) {
     checkZone(session, arguments.zone);
     checkKinds(arguments.kinds);
     checkAs(arguments);
-    const Claim claim("norvelane-import-" +
-                      md5Hex(fs::weakly_canonical(arguments.project).native()));
-    checkAlone(claim, arguments.project);
+    const ImportClaim claim(arguments.project);
     openOrCreate(session, arguments.project);
     Program &program = session.program;
     if (arguments.zone > 0)

@@ -1,5 +1,6 @@
 #include "import/ui/ImportForm.h"
 
+#include "app/ImportClaim.h"
 #include "app/ImportJob.h"
 #include "app/ImportText.h"
 #include "app/Messages.h"
@@ -166,7 +167,6 @@ void ImportForm::ImportFiles() {
         return;
     m_files->prune(m_program.import.HistoryFiles);
     m_program.import.CancelImport = false;
-    chooseBase();
     runImport();
 }
 
@@ -175,6 +175,8 @@ void ImportForm::runImport() {
     setEnabled(false);
     ImportSummary summary;
     const auto failure = failureOf(m_program.log, "ImportForm.ImportFiles()", [&] {
+        const ImportClaim claim(m_program.thisClass.ProjectDBPath);
+        chooseBase();
         const OpenTask task(m_program.thread, {});
         summary = runImportJob(m_program, m_program.thread, m_program.thisClass.TempFolderPath);
     });
