@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/posix/Claim.h"
+#include "platform/Claim.h"
 
 #include <filesystem>
 

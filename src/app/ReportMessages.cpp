@@ -29,26 +29,20 @@ Message nothingToPublish() {
 }
 
 Message readyToPublish() {
-    return {"ready-to-publish",
-            "Ready To Publish",
-            "Norvelane is now ready to copy the report and related files "
-            "to the selected output folder.\n\n"
-            "Please note that this could take a while depending on the size "
-            "of the report.",
-            Choices::YesNo,
-            Tone::Information,
-            Answer::Yes};
+    return question("ready-to-publish", "Ready To Publish",
+                    "Norvelane is now ready to copy the report and related files "
+                    "to the selected output folder.\n\n"
+                    "Please note that this could take a while depending on the size "
+                    "of the report.",
+                    Answer::Yes);
 }
 
 Message replacePublished(std::string_view folder) {
-    return {"replace-published",
-            "Publish Report",
-            fmt::format("{}\n\nThis folder holds an earlier report of this type. Do you want to "
-                        "replace it, with its pictures and pages?",
-                        folder),
-            Choices::YesNo,
-            Tone::Warning,
-            Answer::No};
+    return question("replace-published", "Publish Report",
+                    fmt::format("{}\n\nThis folder holds an earlier report of this type. Do you "
+                                "want to replace it, with its pictures and pages?",
+                                folder),
+                    Answer::No, Tone::Warning);
 }
 
 Message reportPublished() {

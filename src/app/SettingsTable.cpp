@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <numeric>
 
 namespace nv {
 
@@ -85,20 +84,6 @@ constexpr auto kSettings = std::to_array<SettingFacts>({
     {"BEYOND", "Theme", K::theme, "System", 0, 0, "Colours of the windows: System, Light or Dark"},
 });
 // clang-format on
-
-std::size_t editDistance(std::string_view one, std::string_view other) {
-    std::vector<std::size_t> row(other.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (const char letter : one) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 0; j < other.size(); ++j) {
-            const std::size_t above = row[j + 1];
-            row[j + 1] = std::min({above + 1, row[j] + 1, diagonal + (letter != other[j])});
-            diagonal = above;
-        }
-    }
-    return row.back();
-}
 
 CheckedValue refused(std::string reason) {
     return {{}, std::move(reason)};

@@ -1,6 +1,7 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace nv {
 
@@ -114,6 +115,20 @@ std::string counted(std::uint64_t count, std::string_view one, std::string_view 
     else
         text += many;
     return count != 1 && many.empty() ? text + 's' : text;
+}
+
+std::size_t editDistance(std::string_view one, std::string_view other) {
+    std::vector<std::size_t> row(other.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (const char letter : one) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 0; j < other.size(); ++j) {
+            const std::size_t above = row[j + 1];
+            row[j + 1] = std::min({above + 1, row[j] + 1, diagonal + (letter != other[j])});
+            diagonal = above;
+        }
+    }
+    return row.back();
 }
 
 std::string_view GetFilenameFromPath(std::string_view path) {

@@ -45,6 +45,9 @@ std::vector<std::string_view> split(std::string_view text, char separator);
 /// "1 row" and "2 rows"; `many` is for words that an "s" doesn't make more of.
 std::string counted(std::uint64_t count, std::string_view one, std::string_view many = {});
 
+/// The number of bytes to add, take away or replace that makes one word the other.
+std::size_t editDistance(std::string_view one, std::string_view other);
+
 /// Length in characters (code points), for rules that count characters and not bytes.
 std::size_t charCount(std::string_view text);
 /// From the 0-based character `first`, at most `count` characters.

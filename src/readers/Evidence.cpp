@@ -92,12 +92,18 @@ std::optional<fs::path> Evidence::find(const fs::path &folder, std::string_view 
     return isFile ? std::optional(found) : std::nullopt;
 }
 
-bool liesInEvidence(const fs::path &path, const fs::path &base) {
+/// With its links followed; where they can't be, the path as it is written.
+static fs::path placeOf(const fs::path &path) {
     std::error_code unreadable;
-    const fs::path folder = fs::weakly_canonical(base, unreadable);
+    const fs::path whole = fs::weakly_canonical(path, unreadable);
+    return unreadable ? fs::absolute(path).lexically_normal() : whole;
+}
+
+bool liesInEvidence(const fs::path &path, const fs::path &base) {
+    const fs::path folder = base.empty() ? base : placeOf(base);
     if (folder.empty() || folder == "/")
         return false;
-    const fs::path whole = fs::weakly_canonical(path, unreadable);
+    const fs::path whole = placeOf(path);
     return whole == folder || Evidence(folder).rootOf(whole) != "/";
 }
 

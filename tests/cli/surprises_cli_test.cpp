@@ -1,7 +1,7 @@
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "cli/CliRun.h"
-#include "platform/posix/Claim.h"
+#include "platform/Claim.h"
 #include "support/TempFolder.h"
 #include "support/builders/IndexDat.h"
 

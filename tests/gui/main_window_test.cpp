@@ -82,13 +82,18 @@ void MainWindowTest::withoutAProjectTheWindowSaysWhatToDo() {
     QCOMPARE(m_form->windowTitle(), QStringLiteral("Norvelane"));
 }
 
+/// The folder that the wizard's first step asks for.
+static void startAt(ImportForm &wizard, const fs::path &evidence) {
+    child<QLineEdit>(wizard, "txtStartingDirectory")
+        .setText(QString::fromStdString(evidence.string()));
+}
+
 void MainWindowTest::importEvidence() {
     const fs::path evidence = makeEvidence(m_desk->folder);
     m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
     trigger(*m_form, "actNew");
     whenShown<ImportForm>([evidence](ImportForm &wizard) {
-        child<QLineEdit>(wizard, "txtStartingDirectory")
-            .setText(QString::fromStdString(evidence.string()));
+        startAt(wizard, evidence);
         auto &next = child<QPushButton>(wizard, "btnNext");
         QCOMPARE(next.text(), QStringLiteral("Next >>"));
         QTest::mouseClick(&next, Qt::LeftButton);
@@ -116,8 +121,7 @@ void MainWindowTest::aProjectAmongTheEvidenceGetsNoImport() {
     m_desk->dialogs.answer = evidence / "case.nvp";
     trigger(*m_form, "actNew"); // which can't know what will be imported
     whenShown<ImportForm>([this, evidence](ImportForm &wizard) {
-        child<QLineEdit>(wizard, "txtStartingDirectory")
-            .setText(QString::fromStdString(evidence.string()));
+        startAt(wizard, evidence);
         QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
         QCOMPARE(m_desk->examiner.heard.back(), std::string("lies-in-evidence"));
         QCOMPARE(child<QTableView>(wizard, "ImportGrid").model()->rowCount(), 0);
@@ -132,8 +136,7 @@ void MainWindowTest::anImportBesideAnotherIsRefused() {
     m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
     trigger(*m_form, "actNew");
     whenShown<ImportForm>([this, evidence](ImportForm &wizard) {
-        child<QLineEdit>(wizard, "txtStartingDirectory")
-            .setText(QString::fromStdString(evidence.string()));
+        startAt(wizard, evidence);
         auto &next = child<QPushButton>(wizard, "btnNext");
         QTest::mouseClick(&next, Qt::LeftButton);
         const ImportClaim other(m_desk->folder.path() / "case.nvp");
@@ -157,8 +160,7 @@ void MainWindowTest::theWizardMakesThumbnailsWhenItsBoxIsTicked() {
         QVERIFY(box.toolTip().contains(QStringLiteral("slower")));
         QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(10, box.height() / 2));
         QVERIFY(box.isChecked());
-        child<QLineEdit>(wizard, "txtStartingDirectory")
-            .setText(QString::fromStdString(evidence.string()));
+        startAt(wizard, evidence);
         QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
         QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
     });
@@ -179,8 +181,7 @@ void MainWindowTest::theWizardWarnsOfANetworkAndStops() {
     trigger(*m_form, "actNew");
     m_desk->examiner.script = {Answer::No};
     whenShown<ImportForm>([evidence](ImportForm &wizard) {
-        child<QLineEdit>(wizard, "txtStartingDirectory")
-            .setText(QString::fromStdString(evidence.string()));
+        startAt(wizard, evidence);
         QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
         QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
         QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
@@ -211,8 +212,7 @@ void MainWindowTest::anUntickedFileIsNotRead() {
     m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
     trigger(*m_form, "actNew");
     whenShown<ImportForm>([evidence](ImportForm &wizard) {
-        child<QLineEdit>(wizard, "txtStartingDirectory")
-            .setText(QString::fromStdString(evidence.string()));
+        startAt(wizard, evidence);
         auto &next = child<QPushButton>(wizard, "btnNext");
         QTest::mouseClick(&next, Qt::LeftButton);
         QAbstractItemModel *files = child<QTableView>(wizard, "ImportGrid").model();
@@ -235,8 +235,7 @@ void MainWindowTest::cancelWorksAboveTheWizard() {
     m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
     trigger(*m_form, "actNew");
     whenShown<ImportForm>([this, evidence](ImportForm &wizard) {
-        child<QLineEdit>(wizard, "txtStartingDirectory")
-            .setText(QString::fromStdString(evidence.string()));
+        startAt(wizard, evidence);
         auto &next = child<QPushButton>(wizard, "btnNext");
         QTest::mouseClick(&next, Qt::LeftButton);
         // Through the window and not the button: so a dialog that blocks it is noticed.

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <numeric>
 
 namespace nv::cli {
 
@@ -19,21 +18,6 @@ std::string listed(const std::vector<std::pair<std::string, int>> &words) {
     for (std::size_t i = 0; i < words.size(); ++i)
         text += (i == 0 ? "" : i + 1 == words.size() ? " and " : ", ") + words[i].first;
     return text;
-}
-
-/// The number of letters to add, take away or replace that makes one word the other.
-std::size_t distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, replaced});
-        }
-    }
-    return row.back();
 }
 
 /// "template apply" of the words that were understood; empty for the program itself.
@@ -156,7 +140,7 @@ std::string nearest(std::string_view word, const std::vector<std::string> &known
     // Half the word must be right.
     std::size_t closest = std::min<std::size_t>(3, word.size() / 2 + 1);
     for (const std::string &each : known) {
-        const std::size_t away = distance(toLower(word), each);
+        const std::size_t away = editDistance(toLower(word), each);
         if (away < closest) {
             closest = away;
             best = each;

@@ -2,6 +2,7 @@
 #include "app/RecordContent.h"
 #include "app/cli/RowCheck.h"
 #include "app/cli/ViewerCommands.h"
+#include "base/Files.h"
 #include "base/Text.h"
 #include "views/HexFind.h"
 #include "views/HexSource.h"
@@ -19,13 +20,20 @@ struct Place {
     std::uint64_t offset = 0; ///< where to begin when the call doesn't say
 };
 
+/// Of a row that is there and can't be read all the same.
+std::nullopt_t tellUnread(Session &session, std::int64_t urlId) {
+    session.err << fmt::format("row {}: it can't be read; see \"{}\"\n", urlId,
+                               printable(textOf(session.program.log.path())));
+    return std::nullopt;
+}
+
 /// Nothing when there are no bytes, which is told.
 std::optional<Place> placeOf(Session &session, RebuildTools &tools, const HexArguments &arguments) {
     const std::int64_t urlId = arguments.row.urlId;
     if (arguments.source) {
         const auto record = tools.record(urlId);
         if (!record)
-            return std::nullopt;
+            return tellUnread(session, urlId);
         if (const auto source = sourceOfRecord(*record))
             return Place{source->file, source->offset};
         session.err << fmt::format("row {}: {}\n", urlId, printable(missingSource(*record)));
@@ -33,7 +41,7 @@ std::optional<Place> placeOf(Session &session, RebuildTools &tools, const HexArg
     }
     const auto content = contentOfRecord(tools, UrlId{urlId});
     if (!content)
-        return std::nullopt;
+        return tellUnread(session, urlId);
     if (content->file)
         return Place{*content->file, 0};
     session.err << fmt::format("row {}: {}\n", urlId, printable(content->reason));

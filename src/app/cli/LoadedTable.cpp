@@ -20,13 +20,13 @@ std::string missingTerms(const std::string &name) {
 
 void checkQuery(Session &session, const std::string &name) {
     SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
-    const auto text =
-        StoredQueries(project).text(name.empty() ? std::string(kDefaultQueryName) : name);
+    const std::string query = name.empty() ? std::string(kDefaultQueryName) : name;
+    const auto text = StoredQueries(project).text(query);
     if (!name.empty() && !text)
         throw UsageError(
             fmt::format("the project has no stored query \"{}\": `queries` lists them", name));
     if (text && lacksTerms(*text))
-        session.err << missingTerms(name) << '\n';
+        session.err << missingTerms(query) << '\n';
 }
 
 LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table) {

@@ -132,7 +132,10 @@ Exit auditCommand(Session &session, const std::string &project, std::int64_t url
         RebuildTools tools(program, session.task, session.scratch());
         checkRow(program.thisClass.ProjectDB.connection(), urlId);
         auto page = tools.record(urlId);
-        if (!page || !page->CacheFileRebuilt)
+        if (!page)
+            throw StorageFailure(fmt::format("row {}: it can't be read; see \"{}\"", urlId,
+                                             textOf(program.log.path())));
+        if (!page->CacheFileRebuilt)
             throw UsageError(fmt::format("row {} was not rebuilt", urlId));
         UnpackIngredients(*page, tools.context());
         const auto writer = makeRowWriter(

@@ -1,4 +1,4 @@
-#include "platform/posix/Claim.h"
+#include "platform/Claim.h"
 
 #include <algorithm>
 #include <cerrno>
