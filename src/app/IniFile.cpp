@@ -121,7 +121,8 @@ bool IniFile::WriteIniValue(std::string_view section, std::string_view key,
         line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
     put(section, key, line);
     m_unwritten.push_back({std::string(section), std::string(key), line});
-    return trapped(m_log, Severity::Warning, "File Write Error", kContactSupport, false, [&] {
+    // No content is lost with them: the program goes on without.
+    return !failureOf(m_log, "File Write Error", [&] {
         const FileLock lock(m_path);
         m_lines = load(); // another program may have written
         for (const Value &each : m_unwritten)

@@ -1,5 +1,6 @@
 #include "base/Files.h"
 
+#include "base/Storage.h"
 #include "base/Text.h"
 
 #include <fmt/format.h>
@@ -19,18 +20,25 @@ namespace nv {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 20;
+constexpr std::size_t kLeastBlock = 4096;
 
-/// An open file descriptor, closed at the end of the scope.
+/// A file that is being read, closed at the end of the scope.
 class File {
   public:
-    File(const std::filesystem::path &path, int flags, mode_t mode = 0)
-        : m_path(path), m_fd(::open(path.c_str(), flags | O_CLOEXEC, mode)) {
+    explicit File(const std::filesystem::path &path)
+        : m_path(path), m_fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
         if (m_fd < 0)
             throw FileFailure("cannot open", path, errno);
     }
     ~File() { ::close(m_fd); }
     File(const File &) = delete;
     File &operator=(const File &) = delete;
+
+    /// In bytes; 0 for what has no size of its own.
+    std::uint64_t size() const {
+        struct stat facts {};
+        return ::fstat(m_fd, &facts) == 0 ? static_cast<std::uint64_t>(facts.st_size) : 0;
+    }
 
     std::size_t read(void *into, std::size_t count) const {
         for (;;) {
@@ -42,35 +50,34 @@ class File {
         }
     }
 
-    void writeAll(std::string_view bytes) const {
-        while (!bytes.empty()) {
-            const ssize_t put = ::write(m_fd, bytes.data(), bytes.size());
-            if (put < 0 && errno != EINTR)
-                throw FileFailure("cannot write", m_path, errno);
-            if (put > 0)
-                bytes.remove_prefix(static_cast<std::size_t>(put));
-        }
-    }
-
   private:
     const std::filesystem::path &m_path;
     int m_fd;
 };
 
-Bytes readUpTo(const std::filesystem::path &path, std::uint64_t limit) {
-    const File file(path, O_RDONLY);
-    std::error_code none;
-    Bytes bytes;
-    const std::uint64_t size = std::filesystem::file_size(path, none);
-    bytes.reserve(none ? 0 : std::min(size, limit));
+/// What a file holds behind the size that it had: it grew, or it is one without a size.
+void readOn(const File &file, std::uint64_t limit, Bytes &bytes) {
+    std::array<std::uint8_t, kLeastBlock> block;
     while (bytes.size() < limit) {
-        const std::size_t before = bytes.size();
-        bytes.resize(before + std::min<std::uint64_t>(kBlock, limit - before));
-        const std::size_t got = file.read(bytes.data() + before, bytes.size() - before);
-        bytes.resize(before + got);
+        const std::size_t got =
+            file.read(block.data(), std::min<std::uint64_t>(block.size(), limit - bytes.size()));
         if (got == 0)
-            break;
+            return;
+        bytes.insert(bytes.end(), block.begin(), block.begin() + got);
     }
+}
+
+/// Room for all at once: room that grows is twice the file while it is moved.
+Bytes readUpTo(const std::filesystem::path &path, std::uint64_t limit) {
+    const File file(path);
+    Bytes bytes(std::min(file.size(), limit));
+    std::size_t done = 0;
+    while (const std::size_t got = file.read(bytes.data() + done, bytes.size() - done))
+        done += got;
+    const bool isWhole = done == bytes.size();
+    bytes.resize(done);
+    if (isWhole)
+        readOn(file, limit, bytes);
     return bytes;
 }
 
@@ -91,12 +98,14 @@ Bytes readWhole(const std::filesystem::path &path) {
 bool readInBlocks(
     const std::filesystem::path &path,
     const std::function<bool(std::string_view block, std::uint64_t readSoFar)> &take) {
-    const File file(path, O_RDONLY);
-    const auto block = std::make_unique<std::array<char, kBlock>>();
+    const File file(path);
+    // No more room than the file needs, and not cleared: most cached bodies are small.
+    const std::size_t size = std::clamp<std::uint64_t>(file.size(), kLeastBlock, kBlock);
+    const auto block = std::make_unique_for_overwrite<char[]>(size);
     std::uint64_t readSoFar = 0;
-    while (const std::size_t got = file.read(block->data(), block->size())) {
+    while (const std::size_t got = file.read(block.get(), size)) {
         readSoFar += got;
-        if (!take({block->data(), got}, readSoFar))
+        if (!take({block.get(), got}, readSoFar))
             return false;
     }
     return true;
@@ -137,32 +146,32 @@ Bytes FileReader::read(std::uint64_t offset, std::uint64_t count) const {
 
 std::uint64_t copyRange(const FileReader &from, std::uint64_t offset, std::uint64_t count,
                         const std::filesystem::path &to) {
-    std::error_code ignored;
-    std::filesystem::remove(to, ignored);
-    const File target(to, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0600);
+    FileWriter target(to);
     std::uint64_t done = 0;
     while (done < count) {
         const Bytes block = from.read(offset + done, std::min<std::uint64_t>(kBlock, count - done));
         if (block.empty())
             break;
-        target.writeAll(ByteView(block).raw());
+        target.write(ByteView(block).raw());
         done += block.size();
     }
+    target.close();
     return done;
 }
 
 void copyToScratch(const std::filesystem::path &from, const std::filesystem::path &to) {
-    std::error_code ignored;
-    std::filesystem::remove(to, ignored);
-    const File target(to, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0600);
+    FileWriter target(to);
     readInBlocks(from, [&target](std::string_view block, std::uint64_t) {
-        target.writeAll(block);
+        target.write(block);
         return true;
     });
+    target.close();
 }
 
 void writeWhole(const std::filesystem::path &path, std::string_view bytes) {
-    File(path, O_WRONLY | O_CREAT | O_TRUNC, 0600).writeAll(bytes);
+    FileWriter target(path, Existing::overwrite);
+    target.write(bytes);
+    target.close();
 }
 
 std::string textOf(const std::filesystem::path &path) {

@@ -17,8 +17,9 @@ class FileFailure : public std::runtime_error {
     FileFailure(std::string_view what, const std::filesystem::path &path, int errorNumber);
 };
 
-/// The project can't be written any more, for instance on a full disk. This is no bad record: it
-/// passes through every trap and ends the task.
+/// What the program writes itself, the project and its scratch folder above all, can't be written
+/// any more, for instance on a full disk. This is no bad record: it passes through every trap and
+/// ends the task.
 class StorageFailure : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -58,11 +59,14 @@ class FileReader {
     std::uint64_t m_size;
 };
 
+// What is written is the program's own: these throw StorageFailure when it can't be, and
+// FileFailure for what is read (see base/Storage.h).
+
 /// Copies up to `count` bytes of `from`, beginning at `offset` (0-based), over `to`. Returns how
-/// many there were. Throws FileFailure.
+/// many there were.
 std::uint64_t copyRange(const FileReader &from, std::uint64_t offset, std::uint64_t count,
                         const std::filesystem::path &to);
-/// Copies `from` over `to`; the copy is the owner's to write. Throws FileFailure.
+/// Copies `from` over `to`; the copy is the owner's to write.
 void copyToScratch(const std::filesystem::path &from, const std::filesystem::path &to);
 void writeWhole(const std::filesystem::path &path, std::string_view bytes);
 

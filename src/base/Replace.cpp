@@ -1,6 +1,6 @@
 #include "base/Replace.h"
 
-#include "base/Files.h"
+#include "base/Storage.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -15,12 +15,12 @@ namespace {
 void writeToDisk(const std::filesystem::path &path) {
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)
-        throw FileFailure("cannot open", path, errno);
+        failStorage("cannot open", path, errno);
     const int failed = ::fsync(fd) == 0 ? 0 : errno;
     ::close(fd);
     // Some network file systems know no fsync of a folder.
     if (failed != 0 && failed != EINVAL)
-        throw FileFailure("cannot write", path, failed);
+        failStorage("cannot write", path, failed);
 }
 
 } // namespace
@@ -28,7 +28,7 @@ void writeToDisk(const std::filesystem::path &path) {
 void replaceDurably(const std::filesystem::path &whole, const std::filesystem::path &to) {
     writeToDisk(whole);
     if (std::rename(whole.c_str(), to.c_str()) != 0)
-        throw FileFailure("cannot replace", to, errno);
+        failStorage("cannot replace", to, errno);
     writeToDisk(std::filesystem::absolute(to).parent_path());
 }
 
