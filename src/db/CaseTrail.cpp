@@ -43,7 +43,7 @@ void CaseTrail::makeTable() {
 }
 
 void CaseTrail::add(const TrailEntry &entry) {
-    onProject([&] {
+    onProject(m_database, [&] {
         makeTable();
         SQLite::Statement insert(m_database, kInsert);
         insert.bind(1, entry.ActionDateUTC.days());

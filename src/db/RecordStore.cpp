@@ -117,7 +117,7 @@ void RecordStore::SaveRecord(URLClass &record, const HistoryFile &file) {
         return true;
     };
     trapped(m_log, Severity::Warning, "MainBAS.SaveRecord()", kContactSupport, false,
-            [&save] { return onProject(save); });
+            [&] { return onProject(m_database, save); });
 }
 
 void RecordStore::complete(URLClass &record, const HistoryFile &file) const {
@@ -169,7 +169,7 @@ void RecordStore::storeBodyFlags(const URLClass &record) {
         return true;
     };
     trapped(m_log, Severity::Warning, "ADO.PutDBField()", kContactSupport, false,
-            [&store] { return onProject(store); });
+            [&] { return onProject(m_database, store); });
 }
 
 /// `url` must stay until the statement has run.
@@ -181,7 +181,7 @@ void RecordStore::bindLink(UrlId id, const std::string &url, const std::string &
 }
 
 void RecordStore::addLinksToItself(const URLClass &page, std::size_t count) {
-    onProject([&] {
+    onProject(m_database, [&] {
         bindLink(page.URLID, page.URL, page.HashedURL);
         for (std::size_t i = 0; i < count; ++i) {
             m_insertLink.exec();
@@ -191,7 +191,7 @@ void RecordStore::addLinksToItself(const URLClass &page, std::size_t count) {
 }
 
 void RecordStore::markAsWebPage(URLClass &record) {
-    onProject([&] {
+    onProject(m_database, [&] {
         m_markAsWebPage.tryReset();
         m_markAsWebPage.bind(1, number(record.URLID));
         m_markAsWebPage.exec();

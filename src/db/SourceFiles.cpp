@@ -1,6 +1,7 @@
 #include "db/SourceFiles.h"
 
 #include "base/Files.h"
+#include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
 #include "time/Date.h"
@@ -13,7 +14,7 @@ namespace nv {
 template <class Body>
 bool SourceFiles::attempt(Body &&body) {
     return trapped(m_log, Severity::Warning, "MainBAS.LogFile()", kContactSupport, false, [&] {
-        onProject(body);
+        onProject(m_database, body);
         return true;
     });
 }
@@ -39,10 +40,21 @@ bool SourceFiles::setSuccessful(SourceFileId id) {
 SourceFileId SourceFiles::rowOf(const HistoryFile &file) {
     if (file.MD5Hash.empty())
         return SourceFileId::none;
-    SQLite::Statement select(m_database, "SELECT SourceFile_ID FROM SourceFiles WHERE MD5Hash = ?"
-                                         " ORDER BY SourceFile_ID");
-    select.bind(1, file.MD5Hash);
-    return select.executeStep() ? SourceFileId{select.getColumn(0).getInt64()} : SourceFileId::none;
+    const auto &rows = rowsByHash();
+    const auto row = rows.find(toLower(file.MD5Hash));
+    return row == rows.end() ? SourceFileId::none : row->second;
+}
+
+std::unordered_map<std::string, SourceFileId> &SourceFiles::rowsByHash() {
+    if (m_rowsByHash)
+        return *m_rowsByHash;
+    SQLite::Statement row(m_database,
+                          "SELECT MD5Hash, SourceFile_ID FROM SourceFiles ORDER BY SourceFile_ID");
+    auto &rows = m_rowsByHash.emplace();
+    while (row.executeStep())
+        rows.emplace(toLower(row.getColumn(0).getString()),
+                     SourceFileId{row.getColumn(1).getInt64()});
+    return rows;
 }
 
 SourceFileId SourceFiles::addRow(const HistoryFile &file) {
@@ -56,7 +68,9 @@ SourceFileId SourceFiles::addRow(const HistoryFile &file) {
     insert.bind(5, file.MD5Hash);
     insert.bind(6, static_cast<std::int64_t>(file.FileSize));
     insert.exec();
-    return SourceFileId{m_database.getLastInsertRowid()};
+    const SourceFileId id{m_database.getLastInsertRowid()};
+    rowsByHash().emplace(toLower(file.MD5Hash), id);
+    return id;
 }
 
 } // namespace nv

@@ -4,6 +4,10 @@
 #include "base/FailureLog.h"
 #include "db/HistoryFile.h"
 
+#include <optional>
+#include <string>
+#include <unordered_map>
+
 namespace SQLite {
 class Database;
 }
@@ -30,10 +34,14 @@ class SourceFiles {
     bool attempt(Body &&body);
     SourceFileId rowOf(const HistoryFile &file);
     SourceFileId addRow(const HistoryFile &file);
+    std::unordered_map<std::string, SourceFileId> &rowsByHash();
 
     SQLite::Database &m_database;
     const Clock &m_clock;
     FailureLog &m_log;
+    /// By MD5 in lower case. The table has no index by hash, and a cache may hold ten thousand
+    /// pages, each of which would be looked for among all.
+    std::optional<std::unordered_map<std::string, SourceFileId>> m_rowsByHash;
 };
 
 } // namespace nv

@@ -1,6 +1,7 @@
 #include "db/SqliteErrors.h"
 
 #include "base/Files.h"
+#include "base/Storage.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
@@ -25,9 +26,7 @@ std::string wordsOf(const SQLite::Exception &error) {
     }
 }
 
-} // namespace
-
-void throwMeaning(const SQLite::Exception &error) {
+bool meansStorage(const SQLite::Exception &error) {
     switch (error.getErrorCode() & kPrimaryCode) {
     case SQLITE_FULL:
     case SQLITE_READONLY:
@@ -38,10 +37,26 @@ void throwMeaning(const SQLite::Exception &error) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
     case SQLITE_PERM:
-        throw StorageFailure(wordsOf(error));
+        return true;
     default:
-        throw SQLite::Exception(error);
+        return false;
     }
+}
+
+} // namespace
+
+void throwMeaning(const SQLite::Exception &error) {
+    if (meansStorage(error))
+        throw StorageFailure(wordsOf(error));
+    throw SQLite::Exception(error);
+}
+
+void throwMeaning(const SQLite::Database &project, const SQLite::Exception &error) {
+    if (!meansStorage(error))
+        throw SQLite::Exception(error);
+    const std::filesystem::path file = project.getFilename();
+    throw StorageFailure(fmt::format("\"{}\" on the disk \"{}\": {}", textOf(file),
+                                     textOf(diskOf(file)), wordsOf(error)));
 }
 
 void throwFailureOf(const std::filesystem::path &file, const SQLite::Exception &error) {

@@ -10,6 +10,8 @@ namespace nv {
 /// Throws what a database error means: a StorageFailure when the file can't be read or written any
 /// more (disk full, read-only, damaged, not a database), otherwise the error itself again.
 [[noreturn]] void throwMeaning(const SQLite::Exception &error);
+/// The same, where the file can't be written any more with its name and its disk.
+[[noreturn]] void throwMeaning(const SQLite::Database &project, const SQLite::Exception &error);
 /// Throws a StorageFailure that names the file.
 [[noreturn]] void throwFailureOf(const std::filesystem::path &file, const SQLite::Exception &error);
 
@@ -22,6 +24,16 @@ decltype(auto) onProject(Body &&body) {
         return std::forward<Body>(body)();
     } catch (const SQLite::Exception &error) {
         throwMeaning(error);
+    }
+}
+
+/// The same for a task that writes much: its failure names the file and the disk.
+template <class Body>
+decltype(auto) onProject(const SQLite::Database &project, Body &&body) {
+    try {
+        return std::forward<Body>(body)();
+    } catch (const SQLite::Exception &error) {
+        throwMeaning(project, error);
     }
 }
 

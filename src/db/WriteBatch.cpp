@@ -11,17 +11,19 @@ constexpr std::chrono::milliseconds kCommitStep{250};
 
 } // namespace
 
-WriteBatch::WriteBatch(SQLite::Database &database) : m_database(database) {
+WriteBatch::WriteBatch(SQLite::Database &database, std::function<void()> kept)
+    : m_database(database), m_kept(std::move(kept)) {
     begin();
 }
 
 WriteBatch::~WriteBatch() {
-    // A failing disk is told by written() and commit(); here nothing can be told any more.
-    m_database.tryExec("COMMIT");
+    // A failing disk is told by written(), commit() and end(); here nothing can be told any more.
+    end();
 }
 
 void WriteBatch::begin() {
-    onProject([this] { m_database.exec("BEGIN"); });
+    onProject(m_database, [this] { m_database.exec("BEGIN"); });
+    m_isOpen = true;
     m_begun = std::chrono::steady_clock::now();
 }
 
@@ -31,8 +33,21 @@ void WriteBatch::written() {
 }
 
 void WriteBatch::commit() {
-    onProject([this] { m_database.exec("COMMIT"); });
+    onProject(m_database, [this] { m_database.exec("COMMIT"); });
+    m_isOpen = false;
+    m_kept();
     begin();
+}
+
+bool WriteBatch::end() {
+    if (!std::exchange(m_isOpen, false))
+        return true;
+    const bool isKept = m_database.tryExec("COMMIT") == SQLite::OK;
+    if (isKept)
+        m_kept();
+    else // the database itself may have given up what it couldn't write
+        m_database.tryExec("ROLLBACK");
+    return isKept;
 }
 
 } // namespace nv

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <utility>
 
 namespace SQLite {
 class Database;
@@ -14,7 +16,9 @@ namespace nv {
 /// The connection must outlive it; batches don't nest. Throws StorageFailure.
 class WriteBatch {
   public:
-    explicit WriteBatch(SQLite::Database &database);
+    /// `kept` is told each time that all that was written so far is in the file.
+    explicit WriteBatch(
+        SQLite::Database &database, std::function<void()> kept = [] {});
     ~WriteBatch();
     WriteBatch(const WriteBatch &) = delete;
     WriteBatch &operator=(const WriteBatch &) = delete;
@@ -22,12 +26,16 @@ class WriteBatch {
     /// Call after each record.
     void written();
     void commit();
+    /// Ends the batch before its time. False when what was written behind the last commit is lost.
+    bool end();
 
   private:
     void begin();
 
     SQLite::Database &m_database;
+    std::function<void()> m_kept;
     std::chrono::steady_clock::time_point m_begun;
+    bool m_isOpen = false;
 };
 
 } // namespace nv

@@ -56,6 +56,31 @@ TEST_F(WriteBatchTest, writesWithoutABatchAreSeenAtOnce) {
     EXPECT_EQ(seenByOthers(), 1);
 }
 
+TEST_F(WriteBatchTest, tellsEachTimeThatAllIsKept) {
+    int kept = 0;
+    WriteBatch batch(project.connection(), [&kept] { ++kept; });
+    addKeyword();
+    batch.written();
+    EXPECT_EQ(kept, 0);
+    batch.commit();
+    EXPECT_EQ(kept, 1);
+    addKeyword();
+    EXPECT_TRUE(batch.end());
+    EXPECT_EQ(kept, 2);
+    EXPECT_EQ(seenByOthers(), 2);
+    EXPECT_TRUE(batch.end());
+}
+
+TEST_F(WriteBatchTest, tellsThatTheDatabaseGaveUpWhatWasWritten) {
+    int kept = 0;
+    WriteBatch batch(project.connection(), [&kept] { ++kept; });
+    addKeyword();
+    project.connection().exec("ROLLBACK"); // as it does by itself on some errors of a disk
+    EXPECT_FALSE(batch.end());
+    EXPECT_EQ(kept, 0);
+    EXPECT_EQ(seenByOthers(), 0);
+}
+
 TEST_F(WriteBatchTest, aFullDiskIsTheEndOfTheTask) {
     project.connection().exec("PRAGMA max_page_count=1"); // as many as are in use
     WriteBatch batch(project.connection());
