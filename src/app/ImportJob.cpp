@@ -64,15 +64,15 @@ void makeImportThumbnails(Program &program, TaskMonitor &task, const fs::path &s
     const auto ids = importedDrawableIds(program, lastId);
     if (ids.empty())
         return;
-    summary.thumbnails.failure =
-        failureOf(program.log, "MainBAS.MakeThumbnail()", [&] {
-            const ThumbnailTools tools(program, scratch);
-            const ThumbnailTotals totals = makeThumbnails(tools.context(), ids, task);
-            summary.thumbnails.made = totals.made;
-            summary.thumbnails.failed = totals.failed;
-            summary.thumbnails.passedOver = totals.withoutContent + totals.otherKinds;
-            summary.cancelled = totals.cancelled;
-        }).value_or(std::string());
+    ThumbnailTotals totals;
+    summary.thumbnails.failure = failureOf(program.log, "MainBAS.MakeThumbnail()", [&] {
+                                     const ThumbnailTools tools(program, scratch);
+                                     makeThumbnails(tools.context(), ids, task, totals);
+                                 }).value_or(std::string());
+    summary.thumbnails.made = totals.made;
+    summary.thumbnails.failed = totals.failed;
+    summary.thumbnails.passedOver = totals.withoutContent + totals.otherKinds;
+    summary.cancelled = totals.cancelled;
 }
 
 } // namespace
@@ -88,8 +88,11 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
     const std::int64_t lastId = lastIdOf(project);
     ImportSummary summary = runImport(run, program.import);
     noteImport(program, summary);
+    // The rows are in the project by then, and the summary has to tell of them.
     if (!summary.cancelled && summary.failure.empty())
-        prepareTable(program, task);
+        summary.failure = failureOf(program.log, "ImportForm.ImportFiles()", [&] {
+                              prepareTable(program, task);
+                          }).value_or(std::string());
     if (!summary.cancelled && summary.failure.empty())
         makeImportThumbnails(program, task, scratch, lastId, summary);
     return summary;

@@ -101,7 +101,8 @@ std::string summaryText(const ImportSummary &summary) {
     if (summary.cancelled)
         text += "The import was cancelled; what was written is kept.\n";
     if (!summary.failure.empty())
-        text += fmt::format("The import ended: {}\n", summary.failure);
+        text += fmt::format("The import ended: {}\nWhat was written before is kept: {}.\n",
+                            summary.failure, counted(summary.rowsSaved(), "row"));
     return text;
 }
 

@@ -30,40 +30,38 @@ std::string_view titleIn(std::string_view html) {
 
 } // namespace
 
-PageFindings AdvancedMetadata::ParseAdvancedMetadata(URLClass &record) const {
+PageFindings AdvancedMetadata::ParseAdvancedMetadata(URLClass &record,
+                                                     SavedContent &content) const {
     PageFindings found;
     // A reader that knows of no content names the artefact itself as the record's file.
     if (!record.CacheFileExists)
         return found;
     const auto examineAll = [&] {
-        examine(record, found);
+        examine(record, content, found);
         return true;
     };
-    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, false, examineAll);
+    trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, examineAll);
     return found;
 }
 
-void AdvancedMetadata::examine(URLClass &record, PageFindings &found) const {
-    const auto file = contentOf(record, m_extraction);
-    if (!file)
-        return;
-    const ContentFacts &facts = m_content.facts(*file);
-    if (!facts.hasHtml && !facts.hasBody)
+void AdvancedMetadata::examine(URLClass &record, SavedContent &content, PageFindings &found) const {
+    const ContentFacts *facts = content.facts();
+    if (!facts || (!facts->hasHtml && !facts->hasBody))
         return;
     found.isPage = !equalsNoCase(record.URLFileExt, "js");
     record.IsWebPage = found.isPage; // scripts write pages: what they hold isn't one
     if (!found.isPage)
         return;
-    const bool hasTitle = !facts.title.empty();
+    const bool hasTitle = !facts->title.empty();
     if (hasTitle)
-        record.WebpageTitle = facts.title;
+        record.WebpageTitle = facts->title;
     // With a trap of its own: a page that can't be parsed stays one, and keeps its title.
-    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-        const std::string html = ReadPageText(*file, record.MetaData);
+    trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+        const std::string html = content.pageText();
         // The probe knows whether there is a title, but not the page's encoding.
         if (const std::string_view title = titleIn(html); hasTitle && !title.empty())
             record.WebpageTitle = title;
-        PageContent page = ReadPageContent(html, *file);
+        PageContent page = ReadPageContent(html, content.file());
         found.links = page.Links.size();
         if (!page.Body.empty())
             record.HTMLBody = std::move(page.Body);
@@ -81,7 +79,7 @@ void AdvancedMetadata::store(URLClass &record, const PageFindings &found, Record
         rows.addLinksToItself(record, found.links);
         return true;
     };
-    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, false, write);
+    trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, write);
 }
 
 } // namespace nv

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "base/FailureLog.h"
 #include "db/RecordStore.h"
 #include "db/URLClass.h"
-#include "readers/CachedBody.h"
-#include "readers/ContentProbe.h"
+#include "import/SavedContent.h"
 
 #include <cstddef>
-#include <utility>
 
 namespace nv {
 
@@ -21,22 +20,20 @@ struct PageFindings {
 /// Failures are logged and take nothing from the record.
 class AdvancedMetadata {
   public:
-    /// All must outlive this. `content` is shared with the other steps, so a file is read once.
-    AdvancedMetadata(Extraction extraction, ContentProbe &content)
-        : m_extraction(std::move(extraction)), m_content(content) {}
+    /// `log` must outlive this.
+    explicit AdvancedMetadata(FailureLog &log) : m_log(log) {}
 
     /// Before the record is saved, with its names in order: sets `IsWebPage`, `WebpageTitle` and
     /// `HTMLBody`, so that its row is written once. Its own `Links` stay as they are.
-    PageFindings ParseAdvancedMetadata(URLClass &record) const;
+    PageFindings ParseAdvancedMetadata(URLClass &record, SavedContent &content) const;
 
     /// After it: stores what is no member of the record.
     void store(URLClass &record, const PageFindings &found, RecordStore &rows) const;
 
   private:
-    void examine(URLClass &record, PageFindings &found) const;
+    void examine(URLClass &record, SavedContent &content, PageFindings &found) const;
 
-    Extraction m_extraction;
-    ContentProbe &m_content;
+    FailureLog &m_log;
 };
 
 } // namespace nv

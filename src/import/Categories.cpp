@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <span>
 
 namespace nv {
@@ -73,10 +72,10 @@ void Verdict::applyTo(URLClass &record) const {
         record.CacheFileExt = extension;
 }
 
-Verdict Categories::verdictOn(URLClass &record) const {
+Verdict Categories::verdictOn(const URLClass &record, SavedContent &content) const {
     Verdict verdict;
     if (looksAtContent(record))
-        verdict.extension = extensionByContent(record);
+        verdict.extension = extensionByContent(content);
     if (verdict.extension.empty())
         verdict.extension = record.URLFileExt.empty() ? record.CacheFileExt : record.URLFileExt;
     const std::string_view category = categoryOfExtension(verdict.extension);
@@ -89,12 +88,11 @@ bool Categories::looksAtContent(const URLClass &record) const {
            (m_signatures == Signatures::verify || record.CacheFileExt.empty());
 }
 
-std::string Categories::extensionByContent(URLClass &record) const {
-    return trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, std::string(),
-                   [&] {
-                       const auto file = contentOf(record, m_extraction);
-                       return file ? extensionOf(m_content.facts(*file)) : std::string();
-                   });
+std::string Categories::extensionByContent(SavedContent &content) const {
+    return trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::string(), [&] {
+        const ContentFacts *facts = content.facts();
+        return facts ? extensionOf(*facts) : std::string();
+    });
 }
 
 } // namespace nv

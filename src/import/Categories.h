@@ -1,12 +1,11 @@
 #pragma once
 
+#include "base/FailureLog.h"
 #include "db/URLClass.h"
-#include "readers/CachedBody.h"
-#include "readers/ContentProbe.h"
+#include "import/SavedContent.h"
 
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace nv {
 
@@ -29,26 +28,25 @@ enum class Signatures { verify, trustNames };
 /// otherwise by extension.
 class Categories {
   public:
-    /// All must outlive this. `content` is shared with the reader, so a file is read once.
-    Categories(Signatures signatures, Extraction extraction, ContentProbe &content)
-        : m_signatures(signatures), m_extraction(std::move(extraction)), m_content(content) {}
+    /// `log` must outlive this.
+    Categories(Signatures signatures, FailureLog &log) : m_signatures(signatures), m_log(log) {}
 
     /// Decides without changing the record's words; its names must be in order (orderNames() in
-    /// db/RecordNames.h). A body that had to be fetched stays in `RunTimeTempFilePath`. Cached
-    /// content that can't be read is logged, and the name decides.
-    Verdict verdictOn(URLClass &record) const;
+    /// db/RecordNames.h). Cached content that can't be read is logged, and the name decides.
+    Verdict verdictOn(const URLClass &record, SavedContent &content) const;
 
     /// The documented whole for a record that is saved already: what changes is the record alone,
     /// its row gets `Category` from the caller.
-    void SetURLCategory(URLClass &record) const { verdictOn(record).applyTo(record); }
+    void SetURLCategory(URLClass &record, SavedContent &content) const {
+        verdictOn(record, content).applyTo(record);
+    }
 
   private:
-    std::string extensionByContent(URLClass &record) const;
+    std::string extensionByContent(SavedContent &content) const;
     bool looksAtContent(const URLClass &record) const;
 
     Signatures m_signatures;
-    Extraction m_extraction;
-    ContentProbe &m_content;
+    FailureLog &m_log;
 };
 
 } // namespace nv

@@ -1,6 +1,8 @@
 #include "import/ImportRun.h"
 
 #include "base/Files.h"
+#include "base/Storage.h"
+#include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SourceFiles.h"
 #include "db/WriteBatch.h"
@@ -37,9 +39,11 @@ class ScratchFolder {
     ScratchFolder &operator=(const ScratchFolder &) = delete;
 
     const fs::path &path() const { return m_path; }
+    /// Throws StorageFailure.
     const fs::path &emptied() const {
-        fs::remove_all(m_path);
-        fs::create_directory(m_path);
+        std::error_code none;
+        if (!fs::is_empty(m_path, none) || none) // most readers leave nothing
+            makeEmptyFolder(m_path);
         return m_path;
     }
 
@@ -82,16 +86,31 @@ double weightOf(const HistoryFile &file) {
     return static_cast<double>(file.FileSize) + 1;
 }
 
+/// A loose page is one record, and there may be ten thousand of them: they share commits. Any other
+/// artefact may take its time before it brings the first record.
+bool isReadAtOnce(const HistoryFile &file) {
+    constexpr std::uint64_t kQuickPage = std::uint64_t{1} << 20; // bytes
+    return file.HistoryFileType == HistoryFileType::simpleHTML && file.FileSize <= kQuickPage;
+}
+
 class Import {
   public:
     Import(const ImportRun &run, ImportClass &job, ImportSummary &summary)
         : m_run(run), m_files(job.HistoryFiles), m_summary(summary), m_log(run.log),
-          m_scratch(run.scratch),
+          m_scratch(run.scratch), m_extraction{run.evidence, m_scratch.path(), m_log},
           m_categories(job.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames,
-                       {run.evidence, m_scratch.path(), m_log}, m_content),
-          m_metadata({run.evidence, m_scratch.path(), m_log}, m_content),
-          m_looksIntoPages(job.ParseAdvancedMetadata), m_sources(run.project, run.clock, m_log),
-          m_store(run.project, run.zone, run.clock, m_log) {}
+                       m_log),
+          m_metadata(m_log), m_looksIntoPages(job.ParseAdvancedMetadata),
+          m_sources(run.project, run.clock, m_log),
+          m_store(run.project, run.zone, run.clock, m_log),
+          m_batch(run.project, [this] { note(); }) {}
+    /// Whatever ends the import, the summary tells of what is in the project.
+    ~Import() {
+        if (!m_batch.end())
+            takeBack();
+    }
+    Import(const Import &) = delete;
+    Import &operator=(const Import &) = delete;
 
     void all() {
         double total = 0;
@@ -106,10 +125,35 @@ class Import {
                 one(file, m_summary.artefacts[i], from, done / total);
             else
                 m_summary.cancelled = true;
+            m_finished = i + 1;
+            m_batch.written();
         }
+        m_batch.commit(); // here and not at the batch's end, where a full disk couldn't be told
     }
 
   private:
+    /// Where the project stood at the last commit.
+    void note() {
+        m_finishedKept = m_finished;
+        m_rowsKept = m_finished < m_files.Count() ? m_summary.artefacts[m_finished].rowsSaved : 0;
+    }
+
+    /// Takes out of the summary what the project gave up with its last batch.
+    void takeBack() {
+        for (std::size_t i = m_finishedKept; i < m_files.Count(); ++i) {
+            ArtefactResult &result = m_summary.artefacts[i];
+            const std::uint64_t kept = i == m_finishedKept ? m_rowsKept : 0;
+            const bool isWhole = result.state == ArtefactState::complete;
+            if (result.rowsSaved == kept && !isWhole)
+                continue;
+            settle(result, ArtefactState::failed,
+                   fmt::format("the project could not be written: {} of its {} are kept", kept,
+                               counted(result.rowsSaved, "row")));
+            result.rowsLost += result.rowsSaved - kept;
+            result.rowsSaved = kept;
+        }
+    }
+
     void one(HistoryFile &file, ArtefactResult &result, double from, double to) {
         const auto begun = std::chrono::steady_clock::now();
         const Reader *reader = m_run.readerFor(file.HistoryFileType);
@@ -133,8 +177,9 @@ class Import {
     }
 
     void read(const Reader &reader, HistoryFile &file, ArtefactResult &result, SubTask task) {
-        WriteBatch batch(m_run.project);
-        ImportSink sink(m_store, m_categories, m_content, batch, file, result,
+        if (!isReadAtOnce(file))
+            m_batch.commit(); // what came before doesn't wait for it
+        ImportSink sink(m_store, m_categories, m_extraction, m_content, m_batch, file, result,
                         m_looksIntoPages ? &m_metadata : nullptr);
         settle(result, ArtefactState::failed, "the import ended while this file was read");
         ReadResult outcome = readTrapped(reader, file, sink, task);
@@ -146,7 +191,6 @@ class Import {
         logCounts(file, result);
         if (outcome.state == ReadState::complete)
             m_sources.setSuccessful(file.SourceFile_ID);
-        batch.commit(); // here and not at the batch's end, where a full disk couldn't be told
     }
 
     void logCounts(const HistoryFile &file, const ArtefactResult &result) {
@@ -183,11 +227,16 @@ class Import {
     HeardLog m_log;
     ContentProbe m_content;
     ScratchFolder m_scratch;
+    Extraction m_extraction;
     Categories m_categories;
     AdvancedMetadata m_metadata;
     bool m_looksIntoPages;
     SourceFiles m_sources;
     RecordStore m_store;
+    std::size_t m_finished = 0; ///< artefacts, from the first
+    std::size_t m_finishedKept = 0;
+    std::uint64_t m_rowsKept = 0; ///< of the artefact behind them
+    WriteBatch m_batch;           ///< over artefacts: a commit for each loose page takes long
 };
 
 /// Every file of the list as one that the import hasn't reached.

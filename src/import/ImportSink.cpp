@@ -8,9 +8,10 @@ namespace nv {
 /// CacheType and extension in the reader's words; the record in memory gets the verdict's.
 void ImportSink::save(URLClass &record) {
     orderNames(record);
-    const Verdict verdict = m_categories.verdictOn(record);
+    SavedContent content(record, m_extraction, m_content);
+    const Verdict verdict = m_categories.verdictOn(record, content);
     record.Category = verdict.Category;
-    write(record);
+    write(record, content);
     verdict.applyTo(record);
     if (record.URLID == UrlId::none)
         ++m_result.rowsLost;
@@ -20,10 +21,10 @@ void ImportSink::save(URLClass &record) {
     m_batch.written();
 }
 
-void ImportSink::write(URLClass &record) {
+void ImportSink::write(URLClass &record, SavedContent &content) {
     if (!m_metadata)
         return m_store.SaveRecord(record, m_file);
-    const PageFindings found = m_metadata->ParseAdvancedMetadata(record);
+    const PageFindings found = m_metadata->ParseAdvancedMetadata(record, content);
     m_store.SaveRecord(record, m_file);
     m_metadata->store(record, found, m_store);
 }

@@ -15,20 +15,21 @@ class ImportSink final : public RecordSink {
   public:
     /// All must outlive this. Rows are counted in `result` as they come, so that the count stands
     /// whatever ends the import. Without `metadata` no page is looked into.
-    ImportSink(RecordStore &store, const Categories &categories, ContentProbe &content,
-               WriteBatch &batch, const HistoryFile &file, ArtefactResult &result,
-               const AdvancedMetadata *metadata = nullptr)
-        : m_store(store), m_categories(categories), m_content(content), m_batch(batch),
-          m_file(file), m_result(result), m_metadata(metadata) {}
+    ImportSink(RecordStore &store, const Categories &categories, const Extraction &extraction,
+               ContentProbe &content, WriteBatch &batch, const HistoryFile &file,
+               ArtefactResult &result, const AdvancedMetadata *metadata = nullptr)
+        : m_store(store), m_categories(categories), m_extraction(extraction), m_content(content),
+          m_batch(batch), m_file(file), m_result(result), m_metadata(metadata) {}
 
     void save(URLClass &record) override;
 
   private:
-    void write(URLClass &record);
+    void write(URLClass &record, SavedContent &content);
     void dropBody(URLClass &record);
 
     RecordStore &m_store;
     const Categories &m_categories;
+    const Extraction &m_extraction;
     ContentProbe &m_content;
     WriteBatch &m_batch;
     const HistoryFile &m_file;

@@ -42,13 +42,32 @@ fs::path targetOf(const Extraction &ctx, std::string_view suffix) {
     return target;
 }
 
+/// Content that is a file of its own in the evidence.
+std::optional<fs::path> evidenceFileOf(const URLClass &record, const Evidence &evidence) {
+    if (record.IsCookie) // its path is that of the index
+        return evidence.find(record.CacheRootPath, record.CacheFileName);
+    if (record.CacheFileRelativePath.empty())
+        return std::nullopt;
+    const fs::path direct = record.RootPath + record.CacheFileRelativePath;
+    if (!leadsUp(record.CacheFileRelativePath) && isPlainFile(direct))
+        return direct;
+    // Names that aren't UTF-8 on the disk are found through the folder's listing.
+    return evidence.find(record.RootPath, record.CacheFileRelativePath);
+}
+
+Bytes headOf(const Body &body) {
+    if (!body.isInMemory)
+        return readHead(body.file, limits::kHeadBytes);
+    const std::size_t size = std::min(body.bytes.size(), limits::kHeadBytes);
+    return {body.bytes.data(), body.bytes.data() + size};
+}
+
 /// What the first bytes of the body say of the record; a packed body is unpacked first.
-void settleBody(URLClass &record, FailureLog &log) {
-    Bytes head = readHead(record.RunTimeTempFilePath, limits::kHeadBytes);
-    if (beginsAsGZip(ByteView(head)) &&
-        DecompressGZipFile(record.RunTimeTempFilePath, record.RunTimeTempFilePath, log)) {
+void settleBody(URLClass &record, Body &body, std::uint64_t inMemory, FailureLog &log) {
+    Bytes head = headOf(body);
+    if (beginsAsGZip(ByteView(head)) && unpackBody(body, inMemory, log)) {
         record.GZipEncoded = true;
-        head = readHead(record.RunTimeTempFilePath, limits::kHeadBytes);
+        head = headOf(body);
     }
     const std::string extension = GetExtBySignature(ByteView(head));
     if (std::ranges::find(kPictures, extension) != kPictures.end()) {
@@ -58,41 +77,52 @@ void settleBody(URLClass &record, FailureLog &log) {
     record.IsWebPage |= extension == "htm" || extension == "html";
 }
 
+/// Nothing when there is no body; `target` says where one goes that doesn't stay in memory.
+std::optional<Body> fetched(URLClass &record, Fetch fetch, const fs::path &target,
+                            const Extraction &ctx, std::uint64_t inMemory,
+                            std::string_view procedure) {
+    const auto run = [&]() -> std::optional<Body> {
+        record.RunTimeTempFilePath.clear();
+        std::error_code ignored; // what an earlier record left must not pass for this one's
+        if (inMemory == 0)
+            fs::remove(target, ignored);
+        BodyTarget into(target, inMemory);
+        if (!fetch || !fetch(record, ctx.evidence, into))
+            return std::nullopt;
+        Body body = into.take();
+        if (!body.isInMemory)
+            record.RunTimeTempFilePath = body.file;
+        settleBody(record, body, inMemory, ctx.log);
+        record.RunTimeTempFilePath = body.isInMemory ? fs::path() : body.file;
+        record.CacheFileExists = true;
+        return body;
+    };
+    return trapped(ctx.log, Severity::Warning, procedure, kContactSupport, std::optional<Body>(),
+                   run);
+}
+
 } // namespace
 
 bool extractBody(URLClass &record, Fetch fetch, std::string_view fileNameSuffix,
                  const Extraction &ctx, std::string_view procedure) {
-    return trapped(ctx.log, Severity::Warning, procedure, kContactSupport, false, [&] {
-        const fs::path target = targetOf(ctx, fileNameSuffix);
-        fs::remove(target);
-        record.RunTimeTempFilePath.clear();
-        if (!fetch || !fetch(record, ctx.evidence, target))
-            return false;
-        record.RunTimeTempFilePath = target;
-        settleBody(record, ctx.log);
-        record.CacheFileExists = true;
-        return true;
-    });
+    return fetched(record, fetch, targetOf(ctx, fileNameSuffix), ctx, 0, procedure).has_value();
+}
+
+std::optional<Body> bodyOf(URLClass &record, const Extraction &ctx, std::uint64_t inMemory) {
+    if (!record.RunTimeTempFilePath.empty() && isPlainFile(record.RunTimeTempFilePath))
+        return Body{record.RunTimeTempFilePath, false, {}};
+    const Reader *reader = readerOfKind(record.cacheType);
+    if (reader && reader->fetch)
+        return fetched(record, reader->fetch, targetOf(ctx, ""), ctx, inMemory,
+                       "ParserClass.ExtractCacheFile()");
+    if (const auto file = evidenceFileOf(record, ctx.evidence))
+        return Body{*file, false, {}};
+    return std::nullopt;
 }
 
 std::optional<fs::path> contentOf(URLClass &record, const Extraction &ctx) {
-    if (!record.RunTimeTempFilePath.empty() && isPlainFile(record.RunTimeTempFilePath))
-        return record.RunTimeTempFilePath;
-    const Reader *reader = readerOfKind(record.cacheType);
-    if (reader && reader->fetch) {
-        if (!extractBody(record, reader->fetch, "", ctx, "ParserClass.ExtractCacheFile()"))
-            return std::nullopt;
-        return record.RunTimeTempFilePath;
-    }
-    if (record.IsCookie) // its path is that of the index
-        return ctx.evidence.find(record.CacheRootPath, record.CacheFileName);
-    if (record.CacheFileRelativePath.empty())
-        return std::nullopt;
-    const fs::path direct = record.RootPath + record.CacheFileRelativePath;
-    if (!leadsUp(record.CacheFileRelativePath) && isPlainFile(direct))
-        return direct;
-    // Names that aren't UTF-8 on the disk are found through the folder's listing.
-    return ctx.evidence.find(record.RootPath, record.CacheFileRelativePath);
+    const std::optional<Body> body = bodyOf(record, ctx, 0);
+    return body ? std::optional(body->file) : std::nullopt;
 }
 
 } // namespace nv

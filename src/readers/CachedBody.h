@@ -2,6 +2,7 @@
 
 #include "base/FailureLog.h"
 #include "db/URLClass.h"
+#include "readers/Body.h"
 #include "readers/Evidence.h"
 #include "readers/Reader.h"
 
@@ -25,9 +26,12 @@ struct Extraction {
 bool extractBody(URLClass &record, Fetch fetch, std::string_view fileNameSuffix,
                  const Extraction &ctx, std::string_view procedure);
 
-/// The record's content as a plain file: evidence is read where it lies; what is held in block
-/// files or tables is fetched into the folder of `ctx`, and `RunTimeTempFilePath` says where.
-/// Nothing when it is gone.
+/// The record's content: evidence is named where it lies; what is held in block files or tables is
+/// fetched, up to `inMemory` bytes into memory, and otherwise into the folder of `ctx`, where
+/// `RunTimeTempFilePath` says. Nothing when it is gone.
+std::optional<Body> bodyOf(URLClass &record, const Extraction &ctx, std::uint64_t inMemory);
+
+/// The same as a plain file.
 std::optional<std::filesystem::path> contentOf(URLClass &record, const Extraction &ctx);
 
 } // namespace nv

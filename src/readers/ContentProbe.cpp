@@ -107,6 +107,20 @@ class TagScan {
     bool m_hadTitle = false;
 };
 
+ContentFacts factsOfLarge(const std::filesystem::path &file) {
+    ContentFacts facts;
+    TagScan scan(facts);
+    bool first = true;
+    readInBlocks(file, [&](std::string_view block, std::uint64_t) {
+        if (std::exchange(first, false))
+            facts.extension = GetExtBySignature(viewOf(block.substr(0, kLongestSignature)));
+        scan.feed(block);
+        return true;
+    });
+    scan.finish();
+    return facts;
+}
+
 } // namespace
 
 std::string GetExtBySignature(ByteView head) {
@@ -116,22 +130,39 @@ std::string GetExtBySignature(ByteView head) {
     return {};
 }
 
+ContentFacts factsOf(std::string_view bytes) {
+    ContentFacts facts;
+    facts.extension = GetExtBySignature(viewOf(bytes.substr(0, kLongestSignature)));
+    TagScan scan(facts);
+    scan.feed(bytes);
+    scan.finish();
+    return facts;
+}
+
 const ContentFacts &ContentProbe::facts(const std::filesystem::path &file) {
     if (file == m_file && !file.empty())
         return m_facts;
     m_file.clear();
-    m_facts = {};
-    TagScan scan(m_facts);
-    bool first = true;
-    readInBlocks(file, [&](std::string_view block, std::uint64_t) {
-        if (std::exchange(first, false))
-            m_facts.extension = GetExtBySignature(viewOf(block.substr(0, kLongestSignature)));
-        scan.feed(block);
-        return true;
-    });
-    scan.finish();
+    m_bytes.reset();
+    const FileReader reader(file);
+    if (reader.size() <= kBodyInMemory) {
+        m_bytes = reader.read(0, reader.size());
+        m_facts = factsOf(ByteView(*m_bytes).raw());
+    } else {
+        m_facts = factsOfLarge(file);
+    }
     m_file = file;
     return m_facts;
+}
+
+std::optional<std::string_view> ContentProbe::bytes() const {
+    return m_bytes ? std::optional(ByteView(*m_bytes).raw()) : std::nullopt;
+}
+
+void ContentProbe::forget() {
+    m_file.clear();
+    m_bytes.reset();
+    m_held.reset();
 }
 
 } // namespace nv

@@ -1,9 +1,13 @@
 #pragma once
 
 #include "base/ByteView.h"
+#include "readers/Body.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace nv {
 
@@ -17,19 +21,30 @@ struct ContentFacts {
     std::string title; ///< trimmed text between the first "<title>" and "</title>", decoded
 };
 
-/// Looks into cached files. The facts of the last file are kept, so that the steps of one record
-/// read its file once between them.
+/// Looks into cached files. The facts of the last file are kept, and its bytes when they are few,
+/// so that the steps of one record read its file once between them.
 class ContentProbe {
   public:
     /// Throws FileFailure when the file can't be read.
     const ContentFacts &facts(const std::filesystem::path &file);
-    /// To be called when the last file is about to be written anew.
-    void forget() { m_file.clear(); }
+    /// The bytes of the file whose facts were asked for last; nothing when it is a large one.
+    std::optional<std::string_view> bytes() const;
+
+    /// For a reader that has the body of the record at hand which it saves next: fetching it would
+    /// read the artefact anew. A scratch file of it stays the reader's.
+    void hold(Body body) { m_held = std::move(body); }
+    const std::optional<Body> &held() const { return m_held; }
+    /// To be called when the last file is about to be written anew, or its record is saved.
+    void forget();
 
   private:
     std::filesystem::path m_file;
     ContentFacts m_facts;
+    std::optional<Bytes> m_bytes;
+    std::optional<Body> m_held;
 };
+
+ContentFacts factsOf(std::string_view bytes);
 
 /// The extension that a file's first bytes speak for, or empty.
 std::string GetExtBySignature(ByteView head);

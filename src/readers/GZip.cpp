@@ -1,14 +1,12 @@
 #include "readers/GZip.h"
 
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "base/Trap.h"
 #include "readers/Limits.h"
 
 #include <fmt/format.h>
 
-#include <array>
-#include <cerrno>
-#include <fstream>
 #include <memory>
 #include <stdexcept>
 #define ZLIB_CONST // zlib only reads its input
@@ -30,10 +28,10 @@ struct EndInflate {
     void operator()(z_stream *stream) const { inflateEnd(stream); }
 };
 
-/// Inflates one file, member after member, as browsers do.
+/// Inflates a file or the bytes of one, member after member, as browsers do.
 class Unpacking {
   public:
-    Unpacking(const fs::path &packed, std::ofstream &target) : m_packed(packed), m_target(target) {
+    Unpacking(const fs::path &packed, BodyTarget &target) : m_packed(packed), m_target(target) {
         if (inflateInit2(&m_stream, kGZipWindow) != Z_OK)
             throw std::runtime_error("the unpacking can't begin: out of memory");
         m_end.reset(&m_stream);
@@ -58,7 +56,7 @@ class Unpacking {
     void step() {
         if (m_memberEnded && !beginMember())
             return;
-        m_stream.next_out = reinterpret_cast<Bytef *>(m_out->data());
+        m_stream.next_out = reinterpret_cast<Bytef *>(m_out.get());
         m_stream.avail_out = kBlock;
         const int result = inflate(&m_stream, Z_NO_FLUSH);
         if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR)
@@ -85,37 +83,41 @@ class Unpacking {
             throw std::runtime_error(fmt::format("\"{}\" unpacks to more than {} bytes and is left "
                                                  "packed",
                                                  textOf(m_packed), limits::kUnpackedBytes));
-        m_target.write(m_out->data(), static_cast<std::streamsize>(count));
-        if (!m_target)
-            throw StorageFailure("the unpacked content can't be written: the disk is full");
+        m_target.write({m_out.get(), count});
     }
 
     const fs::path &m_packed;
-    std::ofstream &m_target;
+    BodyTarget &m_target;
     z_stream m_stream{};
     std::unique_ptr<z_stream, EndInflate> m_end;
-    std::unique_ptr<std::array<char, kBlock>> m_out = std::make_unique<std::array<char, kBlock>>();
+    std::unique_ptr<char[]> m_out = std::make_unique_for_overwrite<char[]>(kBlock);
     std::uint64_t m_unpacked = 0;
     bool m_memberEnded = false;
     bool m_trailing = false;
 };
 
-/// The work file beside the target, gone at the end of the scope.
-class WorkFile {
-  public:
-    explicit WorkFile(const fs::path &target) : path(target) {
-        path += ".~gzip";
-        fs::remove(path);
-    }
-    ~WorkFile() {
-        std::error_code ignored;
-        fs::remove(path, ignored);
-    }
-    WorkFile(const WorkFile &) = delete;
-    WorkFile &operator=(const WorkFile &) = delete;
+/// The work file beside the target.
+fs::path workFileOf(const fs::path &target) {
+    fs::path work = target;
+    return work += ".~gzip";
+}
 
-    fs::path path;
-};
+void feed(Unpacking &unpacking, const Body &packed) {
+    if (packed.isInMemory)
+        return unpacking.take(packed.raw());
+    readInBlocks(packed.file, [&unpacking](std::string_view block, std::uint64_t) {
+        unpacking.take(block);
+        return true;
+    });
+}
+
+Body unpacked(const Body &packed, const fs::path &work, std::uint64_t inMemory) {
+    BodyTarget target(work, inMemory);
+    Unpacking unpacking(packed.file, target);
+    feed(unpacking, packed);
+    unpacking.finish();
+    return target.take();
+}
 
 } // namespace
 
@@ -125,18 +127,20 @@ bool beginsAsGZip(ByteView head) {
 
 bool DecompressGZipFile(const fs::path &packed, const fs::path &target, FailureLog &log) {
     return trapped(log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-        const WorkFile work(target);
-        std::ofstream unpacked(work.path, std::ios::binary | std::ios::trunc);
-        if (!unpacked)
-            throw FileFailure("cannot write", work.path, errno);
-        Unpacking unpacking(packed, unpacked);
-        readInBlocks(packed, [&unpacking](std::string_view block, std::uint64_t) {
-            unpacking.take(block);
-            return true;
-        });
-        unpacking.finish();
-        unpacked.close();
-        fs::rename(work.path, target);
+        moveFile(unpacked({packed, false, {}}, workFileOf(target), 0).file, target);
+        return true;
+    });
+}
+
+bool unpackBody(Body &body, std::uint64_t inMemory, FailureLog &log) {
+    return trapped(log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+        Body whole = unpacked(body, workFileOf(body.file), inMemory);
+        if (!whole.isInMemory)
+            moveFile(whole.file, body.file);
+        else if (!body.isInMemory)
+            fs::remove(body.file);
+        whole.file = body.file;
+        body = std::move(whole);
         return true;
     });
 }

@@ -2,6 +2,7 @@
 
 #include "base/ByteView.h"
 #include "base/FailureLog.h"
+#include "readers/Body.h"
 
 #include <filesystem>
 
@@ -15,5 +16,9 @@ bool beginsAsGZip(ByteView head);
 /// limits::kUnpackedBytes. True when `target` holds the whole content.
 bool DecompressGZipFile(const std::filesystem::path &packed, const std::filesystem::path &target,
                         FailureLog &log);
+
+/// The same for a body that was fetched: it becomes the unpacked one, of which up to `inMemory`
+/// bytes are kept in memory. False leaves it as it is.
+bool unpackBody(Body &body, std::uint64_t inMemory, FailureLog &log);
 
 } // namespace nv

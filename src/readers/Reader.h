@@ -69,11 +69,12 @@ struct Candidate {
     bool verifySignatures = true;
 };
 
-/// Writes the body of a record that its reader made to `target`, as it is stored. The rest of
-/// `target`'s folder may be used meanwhile. False when evidence doesn't hold the body; throws
+class BodyTarget;
+
+/// Writes the body of a record that its reader made to `target`, as it is stored. The rest of its
+/// file's folder may be used meanwhile. False when evidence doesn't hold the body; throws
 /// FileFailure, OutOfBytes and other failures of reading.
-using Fetch = bool (*)(const URLClass &record, const Evidence &evidence,
-                       const std::filesystem::path &target);
+using Fetch = bool (*)(const URLClass &record, const Evidence &evidence, BodyTarget &target);
 
 /// One format. The table in Registry.cpp is the list of them, in order of trial.
 struct Reader {

@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Md5.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 #include "db/SqliteErrors.h"
 #include "readers/CachedBody.h"
@@ -31,9 +32,8 @@ bool holds(std::span<const std::string_view> words, std::string_view word) {
 
 /// As an import knows the record: its extension is that of its content, when that speaks for one.
 /// Rows keep the reader's words.
-void takeVerdict(URLClass &record, const Extraction &extraction, Signatures signatures) {
-    ContentProbe content;
-    const Verdict verdict = Categories(signatures, extraction, content).verdictOn(record);
+void takeVerdict(URLClass &record, SavedContent &content, Signatures signatures, FailureLog &log) {
+    const Verdict verdict = Categories(signatures, log).verdictOn(record, content);
     if (!verdict.extension.empty())
         record.CacheFileExt = verdict.extension;
 }
@@ -51,7 +51,7 @@ std::string extensionOf(const URLClass &record, const fs::path &content) {
 fs::path toScratch(const fs::path &content, const fs::path &folder, std::string_view suffix) {
     const fs::path scratch = folder / fmt::format("{}{}", kScratchName, suffix);
     if (content.parent_path() == folder)
-        fs::rename(content, scratch);
+        moveFile(content, scratch);
     else
         copyToScratch(content, scratch);
     return scratch;
@@ -79,7 +79,7 @@ void fill(URLClass &record, const DrawJob &job, const Drawn &drawn, const Thumbn
 }
 
 void writeRow(const URLClass &record, SQLite::Database &project) {
-    onProject([&] {
+    onProject(project, [&] {
         SQLite::Statement update(
             project, "UPDATE URLs SET ThumbnailBLOB = ?, ThumbnailWidth = ?, ThumbnailHeight = ?, "
                      "ThumbnailCreated = ?, ThumbnailMD5Hash = ?, ThumbnailDirty = ?, "
@@ -114,19 +114,20 @@ Preparation prepareThumbnail(ThumbnailJob &job, const fs::path &folder,
     URLClass &record = job.record;
     if (!record.CacheFileExists)
         return Preparation::noContent;
-    fs::remove_all(folder);
-    fs::create_directories(folder);
+    makeEmptyFolder(folder);
     record.RunTimeTempFilePath.clear();
     const Extraction extraction{ctx.evidence, folder, ctx.log};
-    takeVerdict(record, extraction, ctx.settings.signatures);
-    const auto content = contentOf(record, extraction);
-    if (!content)
+    ContentProbe probe;
+    SavedContent content(record, extraction, probe, 0);
+    takeVerdict(record, content, ctx.settings.signatures, ctx.log);
+    const fs::path file = content.file();
+    if (file.empty())
         return Preparation::noContent;
-    const auto kind = drawnAs(extensionOf(record, *content));
+    const auto kind = drawnAs(extensionOf(record, file));
     if (!kind)
         return Preparation::otherKind;
     const bool picture = *kind == DrawJob::Kind::picture;
-    record.RunTimeTempFilePath = toScratch(*content, folder, picture ? ".jpg" : ".htm");
+    record.RunTimeTempFilePath = toScratch(file, folder, picture ? ".jpg" : ".htm");
     setKind(record, *kind);
     job.drawing = {*kind, record.RunTimeTempFilePath, folder, ctx.settings.ViewerThumbnailWidth,
                    thumbnailHeight(ctx.settings.ViewerThumbnailWidth)};

@@ -58,10 +58,10 @@ void saveThroughTheSink(benchmark::State &state) {
     WriteBatch batch(project.connection());
     const Evidence evidence("/evidence");
     ContentProbe content;
-    const Categories categories(Signatures::verify, {evidence, project.folder.path(), project.log},
-                                content);
+    const Categories categories(Signatures::verify, project.log);
+    const Extraction extraction{evidence, project.folder.path(), project.log};
     ArtefactResult result;
-    ImportSink sink(store, categories, content, batch, project.file, result);
+    ImportSink sink(store, categories, extraction, content, batch, project.file, result);
     std::int64_t n = 0;
     for (auto _ : state) {
         URLClass record = cacheRecord(++n);

@@ -9,6 +9,7 @@
 #include "app/cli/OutputPath.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "db/StoredQueries.h"
 #include "import/Scan.h"
 #include "readers/Registry.h"
@@ -225,6 +226,14 @@ Cell jsonOf(const ImportSummary &summary) {
             {"failure", summary.failure}};
 }
 
+/// A project that can't be closed, for instance on a full disk, still holds what the summary tells.
+void closeTold(Program &program, ImportSummary &summary) {
+    const auto failure =
+        failureOf(program.log, "MainForm.CloseFile()", [&program] { closeProject(program); });
+    if (failure && summary.failure.empty())
+        summary.failure = *failure;
+}
+
 Exit exitFor(const ImportSummary &summary) {
     if (!summary.failure.empty() || !summary.thumbnails.failure.empty())
         return Exit::projectUnusable;
@@ -262,7 +271,7 @@ Exit importCommand(Session &session, const ImportArguments &arguments) {
     session.task.clear();
     if (summary.artefacts.empty() && !summary.cancelled)
         session.err << messages::nothingToImport().text << '\n';
-    closeProject(program);
+    closeTold(program, summary);
     session.out << (arguments.json ? jsonText(jsonOf(summary), 2) + "\n"
                                    : printableLines(summaryText(summary)));
     // A folder may well hold nothing; a file was named because it was thought to be one.

@@ -40,7 +40,7 @@ std::optional<fs::path> sourceOf(const URLClass &record, const Evidence &evidenc
 
 } // namespace
 
-bool fetchChromeBody(const URLClass &record, const Evidence &evidence, const fs::path &target) {
+bool fetchChromeBody(const URLClass &record, const Evidence &evidence, BodyTarget &target) {
     const auto source = sourceOf(record, evidence);
     if (!source)
         return false;
@@ -48,10 +48,7 @@ bool fetchChromeBody(const URLClass &record, const Evidence &evidence, const fs:
     auto size = static_cast<std::uint64_t>(record.CacheFileSize);
     if (record.DataBlockFile.starts_with("data_"))
         size = std::min(size, limits::kChromeBlockBody);
-    if (copyRange(FileReader(*source), offset, size, target) > 0)
-        return true;
-    fs::remove(target);
-    return false;
+    return target.copy(FileReader(*source), offset, size) > 0;
 }
 
 bool ExtractChromeCacheFile(URLClass &record, std::string_view fileNameSuffix,

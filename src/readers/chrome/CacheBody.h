@@ -9,8 +9,7 @@ namespace nv {
 
 /// Writes the body of a record of ParseChromeCache, as it is stored, to `target`. A stored row is
 /// enough for it. Throws FileFailure.
-bool fetchChromeBody(const URLClass &record, const Evidence &evidence,
-                     const std::filesystem::path &target);
+bool fetchChromeBody(const URLClass &record, const Evidence &evidence, BodyTarget &target);
 
 /// Brings the body of a stored record into the folder of `ctx`, unpacked, as extractBody() does.
 /// False, with nothing changed but `RunTimeTempFilePath`, when there is none.

@@ -49,8 +49,7 @@ std::optional<fs::path> blockFile(const URLClass &record, const Evidence &eviden
 
 } // namespace
 
-bool fetchFirefoxCacheBody(const URLClass &record, const Evidence &evidence,
-                           const fs::path &target) {
+bool fetchFirefoxCacheBody(const URLClass &record, const Evidence &evidence, BodyTarget &target) {
     const std::string map = fs::path(record.HistoryFilePath).filename().string();
     if (record.DataBlockFileOffset < 0 || record.CacheFileSize < 0 ||
         !inCacheFolder(record, evidence, map))
@@ -62,12 +61,8 @@ bool fetchFirefoxCacheBody(const URLClass &record, const Evidence &evidence,
     const auto wanted = static_cast<std::uint64_t>(record.CacheFileSize);
     const std::uint64_t count =
         isSeparate ? wanted : std::min(wanted, limits::kFirefoxCacheBlockBody);
-    const std::uint64_t copied = copyRange(
-        FileReader(*source), static_cast<std::uint64_t>(record.DataBlockFileOffset), count, target);
-    if (copied > 0 || wanted == 0)
-        return true;
-    fs::remove(target);
-    return false;
+    const auto offset = static_cast<std::uint64_t>(record.DataBlockFileOffset);
+    return target.copy(FileReader(*source), offset, count) > 0 || wanted == 0;
 }
 
 bool ExtractFirefoxCacheFile(URLClass &record, std::string_view fileNameSuffix,

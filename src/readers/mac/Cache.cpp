@@ -4,6 +4,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/Body.h"
 #include "readers/Dissection.h"
 #include "readers/WholeFile.h"
 
@@ -84,16 +85,15 @@ ReadResult ParseMACIECache(ReadContext &ctx) {
                          kProcedure, [&ctx](ByteView bytes) { return readMACIECache(ctx, bytes); });
 }
 
-bool ExtractMACFile(const URLClass &record, const Evidence &evidence,
-                    const std::filesystem::path &target) {
+bool ExtractMACFile(const URLClass &record, const Evidence &evidence, BodyTarget &target) {
     const auto file = evidence.find(record.RootPath, record.CacheFileRelativePath);
     if (!file)
         return false;
     const FileReader cache(*file);
     if (!liesIn(cache.size(), record.DataBlockFileOffset, record.CacheFileSize))
         return false;
-    copyRange(cache, static_cast<std::uint64_t>(record.DataBlockFileOffset),
-              static_cast<std::uint64_t>(record.CacheFileSize), target);
+    target.copy(cache, static_cast<std::uint64_t>(record.DataBlockFileOffset),
+                static_cast<std::uint64_t>(record.CacheFileSize));
     return true;
 }
 

@@ -20,7 +20,6 @@ URLClass ParseMACIEURL(const macIEURLClass &entry, const ReadContext &ctx, std::
 
 /// Writes the body, `CacheFileSize` bytes from `DataBlockFileOffset` of the cache file, to
 /// `target`. False when they don't lie in it. Throws FileFailure.
-bool ExtractMACFile(const URLClass &record, const Evidence &evidence,
-                    const std::filesystem::path &target);
+bool ExtractMACFile(const URLClass &record, const Evidence &evidence, BodyTarget &target);
 
 } // namespace nv

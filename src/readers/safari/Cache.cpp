@@ -40,21 +40,32 @@ constexpr std::string_view kBodyName = "~safari_body";
 constexpr std::array<std::string_view, 2> kColumns = {"entry_id", "request_key"};
 enum Column : std::size_t { kEntryId, kRequestKey };
 
-/// The body of the record in hand as a file, gone at the end of the scope.
-class BodyFile {
+/// The body of the record in hand, let go of at the end of the scope.
+class HeldBody {
   public:
-    explicit BodyFile(const fs::path &scratch) : m_path(scratch / kBodyName) {}
-    ~BodyFile() {
+    HeldBody(ContentProbe &content, const fs::path &scratch)
+        : m_content(content), m_file(scratch / kBodyName) {}
+    ~HeldBody() {
+        m_content.forget();
         std::error_code ignored;
-        fs::remove(m_path, ignored);
+        if (m_isInFile)
+            fs::remove(m_file, ignored);
     }
-    BodyFile(const BodyFile &) = delete;
-    BodyFile &operator=(const BodyFile &) = delete;
+    HeldBody(const HeldBody &) = delete;
+    HeldBody &operator=(const HeldBody &) = delete;
 
-    const fs::path &path() const { return m_path; }
+    void take(const SafariBody &body) {
+        BodyTarget target(m_file, kBodyInMemory);
+        body.writeTo(target);
+        Body whole = target.take();
+        m_isInFile = !whole.isInMemory;
+        m_content.hold(std::move(whole));
+    }
 
   private:
-    fs::path m_path;
+    ContentProbe &m_content;
+    fs::path m_file;
+    bool m_isInFile = false;
 };
 
 class CacheReading {
@@ -102,11 +113,11 @@ class CacheReading {
             historyRecord(m_ctx, {.id = id, .url = row.text(kRequestKey), .visitCount = {}},
                           "Safari Cache", m_fileCreated);
         record.IsHistory = false;
-        const BodyFile bodyFile(m_ctx.scratch);
+        HeldBody held(m_ctx.content, m_ctx.scratch);
         if (m_blobs) {
             const auto place = static_cast<std::uint64_t>(id);
             m_lookUps.run(place, [&] { takeResponse(record, m_blobs->response(id)); });
-            m_lookUps.run(place, [&] { takeBody(record, m_blobs->body(id), bodyFile.path()); });
+            m_lookUps.run(place, [&] { takeBody(record, m_blobs->body(id), held); });
         }
         m_ctx.sink.save(record);
     }
@@ -156,7 +167,7 @@ class CacheReading {
     /// The size is the upper bound of the bytes counted from 0, one less than their number, and
     /// what has no size above 0 counts as not there: counts agree with those of earlier cases. A
     /// body of a single byte therefore counts as missing.
-    void takeBody(URLClass &record, const SafariBody &body, const fs::path &target) {
+    void takeBody(URLClass &record, const SafariBody &body, HeldBody &held) {
         const std::uint64_t size = body.size();
         record.CacheFileSize = size == 0 ? 0 : static_cast<std::int64_t>(size - 1);
         record.CacheFileExists = record.CacheFileSize > 0;
@@ -167,8 +178,7 @@ class CacheReading {
         if (!record.CacheFileExists)
             return;
         // At hand while the record is saved: fetching it would copy the whole cache.
-        body.writeTo(target);
-        record.RunTimeTempFilePath = target;
+        held.take(body);
     }
 
     /// Entries that were taken out of the list while their blobs stayed. False when cancelled.
@@ -208,11 +218,11 @@ ReadResult ParseSafariCacheFile(ReadContext &ctx) {
     });
 }
 
-bool fetchSafariBody(const URLClass &record, const Evidence &evidence, const fs::path &target) {
+bool fetchSafariBody(const URLClass &record, const Evidence &evidence, BodyTarget &target) {
     const fs::path file = record.HistoryFilePath;
     if (!fs::is_regular_file(file))
         return false;
-    const EvidenceCopy copy(evidence, file, target.parent_path());
+    const EvidenceCopy copy(evidence, file, target.file().parent_path());
     EvidenceDatabase database(copy.path(), copy.size());
     CacheBlobs blobs(database, evidence, file);
     const SafariBody body = blobs.body(record.Reference_ID);

@@ -12,8 +12,7 @@ namespace nv {
 ReadResult ParseSafariCacheFile(ReadContext &ctx);
 
 /// Writes the body of a record to `target`; see Fetch.
-bool fetchSafariBody(const URLClass &record, const Evidence &evidence,
-                     const std::filesystem::path &target);
+bool fetchSafariBody(const URLClass &record, const Evidence &evidence, BodyTarget &target);
 
 /// Fetches the body of a saved record into the folder of `ctx`, as extractBody does. The file gets
 /// the extension `fileNameSuffix`, or that of the URL.

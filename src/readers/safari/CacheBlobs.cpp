@@ -28,11 +28,13 @@ std::uint64_t SafariBody::size() const {
     return bytes ? bytes->size() : 0;
 }
 
-void SafariBody::writeTo(const fs::path &target) const {
-    if (file)
-        copyToScratch(*file, target);
-    else
-        writeWhole(target, bytes ? bytes->raw() : std::string_view());
+void SafariBody::writeTo(BodyTarget &target) const {
+    if (file) {
+        const FileReader reader(*file);
+        target.copy(reader, 0, reader.size());
+    } else if (bytes) {
+        target.write(bytes->raw());
+    }
 }
 
 CacheBlobs::CacheBlobs(EvidenceDatabase &database, const Evidence &evidence, const fs::path &file)

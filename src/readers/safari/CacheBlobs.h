@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/ByteView.h"
+#include "readers/Body.h"
 #include "readers/Evidence.h"
 #include "readers/sqlite/EvidenceDatabase.h"
 #include "readers/sqlite/RowLookup.h"
@@ -19,8 +20,8 @@ struct SafariBody {
 
     /// In bytes.
     std::uint64_t size() const;
-    /// Writes over `target`. Throws FileFailure.
-    void writeTo(const std::filesystem::path &target) const;
+    /// Throws FileFailure when its file can't be read.
+    void writeTo(BodyTarget &target) const;
 };
 
 /// What the tables beside the list of a Safari cache hold of an entry, in the layout of any

@@ -2,6 +2,7 @@
 
 #include "base/ByteView.h"
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 
 #include <algorithm>
@@ -69,7 +70,7 @@ void settleLeadingJournal(const fs::path &copy, const Evidence &evidence, const 
     if (!leading)
         return;
     if (leading->empty() || evidence.find(folder, *leading))
-        fs::resize_file(copy, fs::file_size(copy) - kMagic.size());
+        cutFile(copy, fs::file_size(copy) - kMagic.size());
     else
         fs::remove(copy);
 }

@@ -11,7 +11,8 @@ namespace nv {
 /// object. SQLite writes beside what it opens, so evidence itself is never opened.
 class EvidenceCopy {
   public:
-    /// Throws FileFailure when the file can't be read or the copy can't be written.
+    /// Throws FileFailure when the file can't be read, StorageFailure when the copy can't be
+    /// written.
     EvidenceCopy(const Evidence &evidence, const std::filesystem::path &database,
                  const std::filesystem::path &scratch);
     ~EvidenceCopy();

@@ -2,11 +2,13 @@
 
 #include "base/ByteView.h"
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace nv {
@@ -33,6 +35,12 @@ std::uint64_t pageSizeOf(const std::filesystem::path &file) {
     return size == 1 ? 65536 : size;
 }
 
+/// Why the scratch disk failed: SQLite writes beside the copy that it opens.
+int errnoOf(SQLite::Database &database) {
+    const int failed = sqlite3_system_errno(database.getHandle());
+    return failed == 0 ? ENOSPC : failed;
+}
+
 } // namespace
 
 EvidenceDatabase::EvidenceDatabase(const std::filesystem::path &copy, std::uint64_t size)
@@ -51,7 +59,7 @@ void EvidenceDatabase::cutTornPage(const std::filesystem::path &copy) {
     if (pageSize == 0 || length % pageSize == 0)
         return;
     m_damage = fmt::format("the file ends amid a page, at offset {}", length);
-    std::filesystem::resize_file(copy, length - length % pageSize);
+    cutFile(copy, length - length % pageSize);
 }
 
 void EvidenceDatabase::harden() {
@@ -85,6 +93,9 @@ void EvidenceDatabase::loadSchema() {
         m_connection.tryExec("PRAGMA writable_schema=ON");
         code = m_connection.tryExec(kFirstLook);
     }
+    const int primary = code & 0xFF; // the rest of the code says more than is needed
+    if (primary == SQLITE_FULL || primary == SQLITE_IOERR)
+        failStorage("cannot use the copy", m_connection.getFilename(), errnoOf(m_connection));
     if (code != SQLITE_OK)
         throw EvidenceDamage(
             fmt::format("at offset 0: {}; an SQLite database was expected", lastError()));

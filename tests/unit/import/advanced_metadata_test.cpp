@@ -33,10 +33,11 @@ class AdvancedMetadataTest : public testing::Test {
     /// The record on its way into the project.
     URLClass saved(URLClass record) {
         const Extraction extraction{evidence, project.folder.path(), project.log};
-        const Categories categories(Signatures::verify, extraction, content);
-        const AdvancedMetadata metadata(extraction, content);
+        const Categories categories(Signatures::verify, project.log);
+        const AdvancedMetadata metadata(project.log);
         WriteBatch batch(project.connection());
-        ImportSink sink(store, categories, content, batch, project.file, result, &metadata);
+        ImportSink sink(store, categories, extraction, content, batch, project.file, result,
+                        &metadata);
         sink.save(record);
         return record;
     }

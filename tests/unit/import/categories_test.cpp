@@ -25,7 +25,9 @@ class CategoriesTest : public testing::Test {
     }
 
     std::string categoryOf(URLClass record, Signatures signatures = Signatures::verify) {
-        Categories(signatures, {evidence, folder.path(), log}, content).SetURLCategory(record);
+        const Extraction extraction{evidence, folder.path(), log};
+        SavedContent saved(record, extraction, content);
+        Categories(signatures, log).SetURLCategory(record, saved);
         return record.Category;
     }
 
@@ -108,8 +110,9 @@ TEST_F(CategoriesTest, keepTheReadersWordWhenTheExtensionSaysNothing) {
 
 TEST_F(CategoriesTest, writeTheCacheTypeInCapitalsAndTheExtensionIntoTheRecord) {
     URLClass record = cached("page.gif", "<html>");
-    const Categories categories(Signatures::verify, {evidence, folder.path(), log}, content);
-    const Verdict verdict = categories.verdictOn(record);
+    const Extraction extraction{evidence, folder.path(), log};
+    SavedContent saved(record, extraction, content);
+    const Verdict verdict = Categories(Signatures::verify, log).verdictOn(record, saved);
     EXPECT_EQ(record.cacheType, "IE Cache");
     verdict.applyTo(record);
     EXPECT_EQ(record.cacheType, "IE CACHE");

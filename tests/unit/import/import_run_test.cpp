@@ -1,11 +1,14 @@
 #include "support/builders/IndexDat.h"
 #include "unit/import/ImportFixture.h"
 
+#include <gmock/gmock.h>
+
 namespace nv {
 namespace {
 
 using namespace std::string_literals;
 using test::ImportFixture;
+using testing::HasSubstr;
 using enum HistoryFileType;
 
 class ImportRunTest : public ImportFixture {};
@@ -180,9 +183,13 @@ TEST_F(ImportRunTest, leavesNothingInTheScratchFolder) {
 }
 
 TEST_F(ImportRunTest, failsWithoutAScratchFolder) {
-    scratch = project.folder.path() / "missing";
+    scratch = project.folder.write("no-folder", "");
     add(csv, "a", "");
-    EXPECT_EQ(import().artefacts[0].state, ArtefactState::failed);
+    add(csv, "b", "");
+    const ImportSummary summary = import();
+    EXPECT_THAT(summary.failure, HasSubstr((scratch / "~import").native()));
+    EXPECT_EQ(summary.artefacts[0].state, ArtefactState::failed);
+    EXPECT_EQ(summary.artefacts[1].state, ArtefactState::notReached);
     EXPECT_EQ(project.log.entries.size(), 1u);
 }
 

@@ -25,8 +25,8 @@ std::string contentOf(const fs::path &path) {
 /// MD5 of the body as it is stored.
 std::string bodyOf(const URLClass &record, const fs::path &input) {
     const test::TempFolder scratch;
-    const fs::path target = scratch.path() / "body";
-    return fetchChromeBody(record, Evidence(input), target) ? md5Hex(contentOf(target)) : "-";
+    BodyTarget target(scratch.path() / "body", kBodyInMemory);
+    return fetchChromeBody(record, Evidence(input), target) ? md5Hex(target.take().raw()) : "-";
 }
 
 /// One line a record, so that a difference shows as one line.

@@ -112,11 +112,11 @@ TEST_F(ChromeCacheSample, givesTheListedBodiesByteForByte) {
     const Evidence files(evidence);
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
-        const fs::path target = scratch.path() / "body";
+        BodyTarget target(scratch.path() / "body", 0);
         const bool isThere = fetchChromeBody(*recordAt(wanted.at("MapFileOffset")), files, target);
         ASSERT_EQ(isThere, wanted.contains("body_sha256"));
         if (isThere) {
-            EXPECT_EQ(sha256(target), wanted.at("body_sha256"));
+            EXPECT_EQ(sha256(target.take().file), wanted.at("body_sha256"));
         }
     }
 }

@@ -21,16 +21,19 @@ std::string contentOf(const fs::path &path) {
     return {bytes.begin(), bytes.end()};
 }
 
-/// Takes the body of each record as an import does: it reads the file and removes it.
+/// Takes the body of each record that its reader holds.
 struct BodySink final : RecordSink {
     void save(URLClass &record) override {
-        const fs::path &file = record.RunTimeTempFilePath;
-        bodies.push_back(file.empty() ? "" : contentOf(file));
-        if (!file.empty())
-            fs::remove(file);
+        const std::optional<Body> &body = content.held();
+        bodies.push_back(!body              ? ""
+                         : body->isInMemory ? std::string(body->raw())
+                                            : contentOf(body->file));
+        inFiles += body && !body->isInMemory ? 1 : 0;
         record.URLID = UrlId{1};
         records.push_back(record);
     }
+    ContentProbe content;
+    int inFiles = 0;
     std::vector<std::string> bodies;
     std::vector<URLClass> records;
 };
@@ -39,10 +42,10 @@ struct SafariBodies : testing::Test {
     fs::path file() const { return folder.path() / "Cache.db"; }
 
     std::vector<std::string> bodies() {
-        ContentProbe content;
         HistoryFile history;
         history.FullPath = file();
-        ReadContext context{history, evidence, content, clock, scratch.path(), sink, log, task};
+        ReadContext context{history,        evidence, sink.content, clock,
+                            scratch.path(), sink,     log,          task};
         result = ParseSafariCacheFile(context);
         EXPECT_TRUE(fs::is_empty(scratch.path()));
         return sink.bodies;
@@ -77,6 +80,17 @@ TEST_F(SafariBodies, areAtHandWhileTheirRecordIsSaved) {
         .add({.id = 3, .url = "c", .body = kPicture});
     EXPECT_EQ(bodies(), (std::vector<std::string>{"one", "", kPicture}));
     EXPECT_EQ(result.state, ReadState::complete);
+}
+
+TEST_F(SafariBodies, areHeldInMemoryUnlessTheyAreLarge) {
+    const std::string large(kBodyInMemory + 1, 'x');
+    SafariCache(file())
+        .add({.id = 1, .body = large})
+        .add({.id = 2, .url = "b"})
+        .add({.id = 3, .url = "c", .body = large.substr(1)});
+    EXPECT_EQ(bodies(), (std::vector<std::string>{large, "", large.substr(1)}));
+    EXPECT_EQ(sink.inFiles, 1);
+    EXPECT_FALSE(sink.content.held());
 }
 
 TEST_F(SafariBodies, areTakenFromATableOfTheirOwnInLaterVersions) {

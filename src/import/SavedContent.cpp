@@ -1,0 +1,45 @@
+#include "import/SavedContent.h"
+
+#include "import/PageContent.h"
+#include "import/PageText.h"
+
+namespace nv {
+
+const Body *SavedContent::body() {
+    if (m_probe.held())
+        return &*m_probe.held();
+    if (!m_isSought)
+        m_body = bodyOf(m_record, m_extraction, m_inMemory);
+    m_isSought = true;
+    return m_body ? &*m_body : nullptr;
+}
+
+const ContentFacts *SavedContent::facts() {
+    const Body *found = body();
+    if (!found)
+        return nullptr;
+    if (!found->isInMemory)
+        return &m_probe.facts(found->file);
+    if (!m_facts)
+        m_facts = factsOf(found->raw());
+    return &*m_facts;
+}
+
+std::filesystem::path SavedContent::file() {
+    const Body *found = body();
+    return found ? found->file : std::filesystem::path();
+}
+
+std::string SavedContent::pageText() {
+    const Body *found = body();
+    if (!found)
+        return {};
+    if (found->isInMemory)
+        return decodePage(ByteView(found->bytes), m_record.MetaData);
+    m_probe.facts(found->file);
+    const auto bytes = m_probe.bytes();
+    return bytes ? decodePage(viewOf(*bytes), m_record.MetaData)
+                 : ReadPageText(found->file, m_record.MetaData);
+}
+
+} // namespace nv

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "db/URLClass.h"
+#include "readers/CachedBody.h"
+#include "readers/ContentProbe.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace nv {
+
+/// The cached content of one record, for all who ask what is in it: found once and read once. What
+/// couldn't be found or read is tried again by the next who asks.
+class SavedContent {
+  public:
+    /// All must outlive this. Up to `inMemory` bytes of a body that has to be fetched are held in
+    /// memory, a larger one in a file that `RunTimeTempFilePath` names.
+    SavedContent(URLClass &record, const Extraction &extraction, ContentProbe &probe,
+                 std::uint64_t inMemory = kBodyInMemory)
+        : m_record(record), m_extraction(extraction), m_probe(probe), m_inMemory(inMemory) {}
+
+    // Each throws FileFailure when the content can't be read.
+
+    /// Null when there is no content.
+    const ContentFacts *facts();
+    /// Where it lies, or would lie if it weren't in memory; empty when there is none.
+    std::filesystem::path file();
+    /// That of a page in UTF-8. Throws PageTooLarge for more than kPageBytes.
+    std::string pageText();
+
+  private:
+    const Body *body();
+
+    URLClass &m_record;
+    const Extraction &m_extraction;
+    ContentProbe &m_probe;
+    std::uint64_t m_inMemory;
+    bool m_isSought = false;
+    std::optional<Body> m_body;
+    std::optional<ContentFacts> m_facts; ///< of a body in memory
+};
+
+} // namespace nv

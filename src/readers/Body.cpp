@@ -1,0 +1,64 @@
+#include "readers/Body.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace nv {
+
+namespace {
+
+constexpr std::uint64_t kBlock = std::uint64_t{1} << 20;
+
+} // namespace
+
+BodyTarget::BodyTarget(std::filesystem::path file, std::uint64_t inMemory)
+    : m_body{std::move(file), true, {}}, m_inMemory(inMemory) {}
+
+BodyTarget::~BodyTarget() {
+    std::error_code ignored;
+    if (m_file)
+        std::filesystem::remove(m_body.file, ignored);
+}
+
+void BodyTarget::write(std::string_view bytes) {
+    if (m_body.isInMemory && bytes.size() > m_inMemory - m_body.bytes.size())
+        spill();
+    if (m_body.isInMemory)
+        m_body.bytes.insert(m_body.bytes.end(), bytes.begin(), bytes.end());
+    else
+        m_file->write(bytes);
+}
+
+void BodyTarget::spill() {
+    m_file.emplace(m_body.file);
+    m_file->write(m_body.raw());
+    m_body.isInMemory = false;
+    Bytes().swap(m_body.bytes);
+}
+
+std::uint64_t BodyTarget::copy(const FileReader &from, std::uint64_t offset, std::uint64_t count) {
+    std::uint64_t done = 0;
+    while (done < count) {
+        Bytes block = from.read(offset + done, std::min(kBlock, count - done));
+        if (block.empty())
+            break;
+        done += block.size();
+        const bool isAll = m_body.isInMemory && m_body.bytes.empty() && block.size() <= m_inMemory;
+        if (isAll)
+            m_body.bytes = std::move(block);
+        else
+            write(ByteView(block).raw());
+    }
+    return done;
+}
+
+Body BodyTarget::take() {
+    if (m_body.isInMemory && m_inMemory == 0)
+        spill();
+    if (m_file)
+        m_file->close();
+    m_file.reset();
+    return std::move(m_body);
+}
+
+} // namespace nv

@@ -1,0 +1,59 @@
+#include "cli/CliCase.h"
+#include "support/SmallFiles.h"
+#include "support/builders/MacCache.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include <regex>
+
+namespace nv {
+namespace {
+
+using test::CliResult;
+using testing::HasSubstr;
+
+struct FullDiskCli : test::CliCase {
+    std::string rows() const { return cli({"query", project, "SELECT Count(*) FROM URLs"}).out; }
+};
+
+TEST_F(FullDiskCli, ofScratchEndsAnImportThatSaysWhatIsKept) {
+    constexpr std::size_t kLimit = std::size_t{4} << 20;
+    test::MacCache cache;
+    cache.add({.url = "http://host/small.html", .body = "<html>small</html>"});
+    cache.add({.url = "http://host/large.html", .body = "<html>" + std::string(kLimit, 'x')});
+    std::filesystem::create_directories(evidence);
+    writeWhole(evidence / "cache.waf", cache.bytes());
+    CliResult run;
+    {
+        const test::SmallFiles limit(kLimit);
+        run = cli({"import", project, (evidence / "cache.waf").string(), "--as", "mac-cache"});
+    }
+    EXPECT_EQ(run.exit, 3);
+    EXPECT_THAT(run.out, HasSubstr("The import ended: cannot write \""));
+    EXPECT_THAT(run.out, HasSubstr("~body\" on the disk \""));
+    EXPECT_THAT(run.out, HasSubstr("What was written before is kept: 1 row.\n"));
+    EXPECT_THAT(rows(), HasSubstr("\n1\n"));
+    EXPECT_THAT(cli({"trail", project}).out, HasSubstr("mac-cache: failed"));
+}
+
+TEST_F(FullDiskCli, ofTheProjectLeavesTheSummary) {
+    test::IndexDat cache;
+    for (int i = 0; i < 4000; ++i)
+        cache.add({.url = fmt::format("http://host/{}/{}.htm", i, std::string(400, 'p'))});
+    std::filesystem::create_directories(evidence);
+    writeWhole(evidence / "index.dat", cache.bytes());
+    CliResult run;
+    {
+        const test::SmallFiles limit(std::size_t{2} << 20);
+        run = cli({"import", project, evidence.string(), "--kinds", "ie-cache"});
+    }
+    EXPECT_EQ(run.exit, 3);
+    EXPECT_THAT(run.out, HasSubstr("The import ended: \"" + project + "\" on the disk \""));
+    std::smatch kept;
+    ASSERT_TRUE(std::regex_search(run.out, kept, std::regex("is kept: ([0-9]+) rows?\\.\n")));
+    EXPECT_THAT(rows(), HasSubstr(fmt::format("\n{}\n", kept[1].str())));
+}
+
+} // namespace
+} // namespace nv
