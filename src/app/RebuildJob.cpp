@@ -2,6 +2,8 @@
 
 #include "app/RebuildThumbnails.h"
 #include "app/Trail.h"
+#include "base/Text.h"
+#include "base/Trap.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildWebPage.h"
@@ -173,12 +175,19 @@ std::optional<RebuiltPage> rebuildPage(Program &program, RebuildTools &tools, st
 bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids,
                   const std::function<void(const RebuiltPage &)> &done) {
     std::size_t rebuilt = 0;
-    const bool whole = RebuildRun(program, tools, ids).all([&](const RebuiltPage &page) {
-        rebuilt += page.rebuilt ? 1 : 0;
-        done(page);
+    TaskEnd end = TaskEnd::failed;
+    const auto failure = failureOf(program.log, "MainBAS.RebuildWebPage()", [&] {
+        const bool whole = RebuildRun(program, tools, ids).all([&](const RebuiltPage &page) {
+            done(page);
+            rebuilt += page.rebuilt ? 1 : 0;
+        });
+        end = whole ? TaskEnd::whole : TaskEnd::cancelled;
     });
-    noteRebuild(program, rebuilt, ids.size(), whole ? TaskEnd::whole : TaskEnd::cancelled);
-    return whole;
+    noteRebuild(program, rebuilt, ids.size(), end);
+    if (failure)
+        throw StorageFailure(fmt::format("{}. {} of {} rebuilt before that, which is kept.",
+                                         *failure, rebuilt, counted(ids.size(), "page")));
+    return end == TaskEnd::whole;
 }
 
 bool hasFolder(const RebuildTools &tools, URLClass &page) {

@@ -1,6 +1,7 @@
 #include "app/ShownPage.h"
 
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "readers/ContentProbe.h"
 #include "rebuild/LocalNames.h"
 #include "views/TextKind.h"
@@ -41,8 +42,7 @@ ShownPage cachedPage(RebuildTools &tools, URLClass &record) {
     if (fs::file_size(*content) > kLargest)
         return {{}, false, "The cached content is too large to be shown."};
     const fs::path folder = tools.context().TempFolderPath / (sidOf(record.URLID) + ".VIEW");
-    fs::remove_all(folder);
-    fs::create_directories(folder);
+    makeEmptyFolder(folder);
     ShownPage shown;
     shown.file = folder / (sidOf(record.URLID) + "." + extension);
     copyToScratch(*content, shown.file);

@@ -94,8 +94,10 @@ void noteVerify(Program &program, const SourceCheck &check) {
 void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end) {
     TrailEntry entry;
     entry.Action = "Rebuild";
-    entry.Detail = fmt::format("{} of {} rebuilt{}", rebuilt, counted(asked, "page"),
-                               end == TaskEnd::cancelled ? ", then cancelled" : "");
+    const std::string_view how = end == TaskEnd::cancelled ? ", then cancelled"
+                                 : end == TaskEnd::failed  ? ", then a failure ended it"
+                                                           : "";
+    entry.Detail = fmt::format("{} of {} rebuilt{}", rebuilt, counted(asked, "page"), how);
     entry.RowCount = static_cast<std::int64_t>(rebuilt);
     noteInTrail(program, std::move(entry));
 }

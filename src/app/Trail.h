@@ -19,7 +19,7 @@ namespace nv {
 // entry only: nobody's work stops because of it.
 
 /// How a task that is noted ended.
-enum class TaskEnd { whole, cancelled };
+enum class TaskEnd { whole, cancelled, failed };
 
 /// Time and version are filled in.
 void noteInTrail(Program &program, TrailEntry entry);

@@ -7,6 +7,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace nv {
 
@@ -39,6 +40,9 @@ struct Drawn {
     /// What the page asked for and didn't get: the network, and files outside of its folder.
     std::uint64_t refusedRequests = 0;
 };
+
+/// The failure of a job whose picture was drawn and couldn't be written.
+inline constexpr std::string_view kTargetNotWritten = "The drawing can't be written.";
 
 class Drawing {
   public:

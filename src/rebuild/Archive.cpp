@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Md5.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
@@ -125,7 +126,7 @@ bool unpack(URLClass &page, const RebuildContext &ctx) {
         return false;
     checkTotal(items, archive.size());
     const fs::path folder = rebuildFolderOf(page.URLID, ctx);
-    fs::create_directories(folder);
+    makeFolder(folder);
     for (const ArchiveItemClass &item : items.FileItems)
         writeWhole(folder / plainName(item.FileName),
                    archive.sub(item.DataOffset, item.DataSize).raw());

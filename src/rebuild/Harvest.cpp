@@ -1,6 +1,7 @@
 #include "rebuild/Harvest.h"
 
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
@@ -62,7 +63,7 @@ class Harvest {
         : m_page(page), m_folder(std::move(folder)), m_batch(batch), m_ctx(ctx) {}
 
     bool run() {
-        fs::create_directories(m_folder);
+        makeFolder(m_folder);
         m_page.RunTimeRebuiltFilePath = m_folder / pageNameOf(m_page.URLID);
         if (!fs::exists(m_page.RunTimeRebuiltFilePath) && !m_page.RebuiltSourceCode.empty())
             writeWhole(m_page.RunTimeRebuiltFilePath, toAnsi(m_page.RebuiltSourceCode));
@@ -184,7 +185,7 @@ bool UnpackIngredients(URLClass &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Critical, "ParserClass.UnpackIngredients()", kContactSupport,
                    false, [&] {
                        const fs::path folder = rebuildFolderOf(page.URLID, ctx);
-                       fs::create_directories(folder);
+                       makeFolder(folder);
                        page.RunTimeRebuiltFilePath = folder / pageNameOf(page.URLID);
                        writeWhole(page.RunTimeRebuiltFilePath, toAnsi(page.RebuiltSourceCode));
                        const bool whole = HarvestParts(page, folder, Batch::no, ctx);

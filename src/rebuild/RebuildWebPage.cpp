@@ -1,6 +1,7 @@
 #include "rebuild/RebuildWebPage.h"
 
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
@@ -43,7 +44,7 @@ class Rebuild {
             return false; // cancelled before this page's turn
         const fs::path folder = rebuildFolderOf(m_page.URLID, m_ctx);
         m_page.RunTimeRebuiltFilePath = folder / pageNameOf(m_page.URLID);
-        fs::create_directories(folder);
+        makeFolder(folder);
         if (!chooseParts())
             return false;
         writePage(disarmed(stage(

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Replace.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
@@ -91,8 +92,7 @@ void writeRecords(const TemplateClass &made, ByteView bytes, const fs::path &fol
 }
 
 void emptied(const fs::path &folder) {
-    fs::remove_all(folder);
-    fs::create_directories(folder);
+    makeEmptyFolder(folder);
 }
 
 bool applyTemplate(URLClass &page, const fs::path &file, const RebuildContext &ctx,
@@ -164,7 +164,7 @@ TemplateResult CreateTemplate(const URLClass &page, const fs::path &templates,
         if (fs::exists(target) && ifExists == IfTemplateExists::refuse)
             return TemplateResult::exists;
         auto records = recordsOf(page, folder);
-        fs::create_directories(templates);
+        makeFolder(templates);
         writeInPlaceOf(target, templateBytes(records, page.WebpageTitle, version));
         return TemplateResult::made;
     };

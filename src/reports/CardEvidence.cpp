@@ -1,6 +1,7 @@
 #include "reports/CardEvidence.h"
 
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 #include "readers/CachedBody.h"
 #include "rebuild/Archive.h"
@@ -81,7 +82,7 @@ bool CardEvidence::bringRebuilt(ReportCard &card, TaskMonitor &task) const {
     card.target = rowFolder(record) + "/" + pageNameOf(record.URLID);
     const fs::path packed = folder / (sidOf(record.URLID) + ".thumbnail.jpg");
     if (fs::exists(packed)) {
-        fs::rename(packed, m_folder.path / thumbnailName(record));
+        moveFile(packed, m_folder.path / thumbnailName(record));
         card.thumbnail = thumbnailName(record);
         card.width = m_ctx.settings.ReportThumbnailWidth;
     } else {
@@ -132,14 +133,14 @@ void CardEvidence::bringText(ReportCard &card, const fs::path &content, std::siz
         return;
     }
     const fs::path folder = m_folder.path / rowFolder(card.record);
-    fs::create_directories(folder);
+    makeFolder(folder);
     const std::string name = rowNameOf(card.record.URLID) + ".txt";
     copyToScratch(content, folder / name);
     card.target = rowFolder(card.record) + "/" + name;
     if (kind != TextKind::page || !m_ctx.drawing)
         return;
     const fs::path alone = scratch() / std::to_string(place);
-    fs::create_directories(alone);
+    makeFolder(alone);
     copyToScratch(content, alone / "page.htm");
     planPage(card, alone / "page.htm");
 }

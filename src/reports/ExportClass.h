@@ -52,7 +52,7 @@ class ExportClass {
     ExportCounts counts;
 
     /// Writes `ExportText` to `OutputFilePath`, replacing what was there, and returns true. The
-    /// file is written beside and takes its place when it is whole. Throws FileFailure.
+    /// file is written beside and takes its place when it is whole. Throws StorageFailure.
     bool ExportToFile();
     /// Hands a long `ExportText` on to the file, so that a large export needs little memory.
     void drain();

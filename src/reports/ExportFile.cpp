@@ -7,7 +7,6 @@
 
 #include <fmt/format.h>
 
-#include <cerrno>
 #include <utility>
 
 namespace nv {
@@ -15,15 +14,7 @@ namespace nv {
 namespace fs = std::filesystem;
 
 ExportFile::ExportFile(fs::path place)
-    : m_place(std::move(place)), m_aside(m_place.native() + ".~export") {
-    // A link of this name would lead the writing elsewhere.
-    std::error_code ignored;
-    fs::remove(m_aside, ignored);
-    errno = 0;
-    m_stream.open(m_aside, std::ios::binary | std::ios::trunc);
-    if (!m_stream)
-        throw FileFailure("cannot write", m_place, errno);
-}
+    : m_place(std::move(place)), m_aside(m_place.native() + ".~export"), m_writer(m_aside) {}
 
 ExportFile::~ExportFile() {
     std::error_code ignored;
@@ -31,16 +22,11 @@ ExportFile::~ExportFile() {
 }
 
 void ExportFile::write(std::string_view bytes) {
-    errno = 0;
-    if (!m_stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size())))
-        throw FileFailure("cannot write", m_place, errno);
+    m_writer.write(bytes);
 }
 
 void ExportFile::finish() {
-    errno = 0;
-    m_stream.close();
-    if (!m_stream)
-        throw FileFailure("cannot write", m_place, errno);
+    m_writer.close();
     replaceDurably(m_aside, m_place);
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "base/Storage.h"
+
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,7 +10,7 @@
 namespace nv {
 
 /// A file that is written beside its place and takes it when it is whole. Until finish() what was
-/// there stays, and an unfinished file leaves nothing behind. All throw FileFailure.
+/// there stays, and an unfinished file leaves nothing behind. All throw StorageFailure.
 class ExportFile {
   public:
     explicit ExportFile(std::filesystem::path place);
@@ -25,7 +26,7 @@ class ExportFile {
   private:
     std::filesystem::path m_place;
     std::filesystem::path m_aside;
-    std::ofstream m_stream;
+    FileWriter m_writer;
 };
 
 /// What lies in the project and can't be written over.

@@ -36,7 +36,7 @@ class ExportCells {
     UrlTable &m_table;
 };
 
-/// One form of an export. Rows come in their order; each of the three throws FileFailure.
+/// One form of an export. Rows come in their order; each of the three throws StorageFailure.
 class ExportWriter {
   public:
     virtual ~ExportWriter() = default;

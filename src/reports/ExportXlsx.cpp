@@ -75,7 +75,7 @@ class XlsxWriter final : public ExportWriter {
         options.tmpdir = m_scratch.data();
         m_book = workbook_new_opt(m_file.aside().c_str(), &options);
         if (!m_book)
-            throw FileFailure("cannot write", m_job.OutputFilePath, ENOMEM);
+            failStorage("cannot write", m_job.OutputFilePath, ENOMEM);
     }
     ~XlsxWriter() override {
         if (m_book)
@@ -106,11 +106,11 @@ class XlsxWriter final : public ExportWriter {
         checkDisk();
         const lxw_error problem = workbook_close(std::exchange(m_book, nullptr));
         if (problem != LXW_NO_ERROR)
-            throw std::runtime_error(fmt::format(
-                "cannot write \"{}\": {}", textOf(m_job.OutputFilePath), lxw_strerror(problem)));
+            throw StorageFailure(fmt::format("cannot write \"{}\": {}",
+                                             textOf(m_job.OutputFilePath), lxw_strerror(problem)));
         // The library takes no notice of a disk that fills up while it puts the sheets together.
         if (countSheets(m_file.aside()) != m_written)
-            throw std::runtime_error(fmt::format(
+            throw StorageFailure(fmt::format(
                 "cannot write \"{}\": the sheets don't hold all rows; is there no room left in "
                 "\"{}\"?",
                 textOf(m_job.OutputFilePath), m_scratch));
@@ -129,7 +129,7 @@ class XlsxWriter final : public ExportWriter {
         errno = 0;
         if (m_sheet->optimize_tmpfile &&
             (std::fflush(m_sheet->optimize_tmpfile) != 0 || std::ferror(m_sheet->optimize_tmpfile)))
-            throw FileFailure("cannot write", m_scratch, errno == 0 ? ENOSPC : errno);
+            failStorage("cannot write in", m_scratch, errno == 0 ? ENOSPC : errno);
     }
 
     /// The first row has the headings and stays in sight.

@@ -1,6 +1,7 @@
 #include "reports/ReportClass.h"
 
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
@@ -16,7 +17,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 
 namespace nv {
@@ -69,8 +69,7 @@ void check(std::ostream &file, const fs::path &path) {
     errno = 0;
     if (file.flush())
         return;
-    throw StorageFailure(fmt::format("the report \"{}\" can't be written: {}", textOf(path),
-                                     std::strerror(errno == 0 ? ENOSPC : errno)));
+    failStorage("cannot write the report", path, errno == 0 ? ENOSPC : errno);
 }
 
 /// On a full disk card after card would lack its picture for no reason of the evidence's.
@@ -78,9 +77,7 @@ void checkRoom(const fs::path &folder) {
     std::error_code none;
     const fs::space_info room = fs::space(folder, none);
     if (!none && room.available < kLeastRoom)
-        throw StorageFailure(fmt::format("the report can't be written: there is no room left in "
-                                         "\"{}\"",
-                                         textOf(folder)));
+        failStorage("cannot write the report in", folder, ENOSPC);
 }
 
 /// What was read to write the card, and may be megabytes a row.
@@ -147,7 +144,7 @@ void ReportClass::create(const fs::path &folder, int type, Entries entries) {
         return;
     // A copy that the disk cuts short must not have the name of a finished report.
     copyToScratch(m_folder.unfinished(), m_folder.copied());
-    fs::rename(m_folder.copied(), ReportFilePath);
+    moveFile(m_folder.copied(), ReportFilePath);
 }
 
 bool ReportClass::writeCards(const RowIds &ids, std::ostream &file) {

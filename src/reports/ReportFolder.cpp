@@ -1,6 +1,7 @@
 #include "reports/ReportFolder.h"
 
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "reports/PictureKind.h"
@@ -47,14 +48,13 @@ void ReportFolder::removeRowFolders() const {
 }
 
 void ReportFolder::prepare(int ReportType) const {
-    fs::create_directories(images());
+    makeFolder(images());
     fs::remove(unfinished());
     fs::remove(copied());
     fs::remove(index(ReportType));
     if (ReportType != 0)
         return;
-    fs::remove_all(pictures());
-    fs::create_directories(pictures());
+    makeEmptyFolder(pictures());
     removeRowFolders();
 }
 

@@ -1,5 +1,6 @@
 #include "views/Thumbnails.h"
 
+#include "base/Storage.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
 #include "db/WriteBatch.h"
@@ -33,10 +34,7 @@ class ThumbnailFolder {
     ThumbnailFolder(const ThumbnailFolder &) = delete;
     ThumbnailFolder &operator=(const ThumbnailFolder &) = delete;
 
-    void empty() const {
-        fs::remove_all(m_path);
-        fs::create_directories(m_path);
-    }
+    void empty() const { makeEmptyFolder(m_path); }
     fs::path place(std::size_t job) const { return m_path / std::to_string(job); }
 
   private:
@@ -59,10 +57,19 @@ Drawn drawOne(const DrawJob &job, const ThumbnailContext &ctx) {
 
 class ThumbnailRun {
   public:
-    ThumbnailRun(const ThumbnailContext &ctx, std::span<const std::int64_t> ids, TaskMonitor &task)
-        : m_ctx(ctx), m_ids(ids), m_task(task), m_folder(ctx.TempFolderPath), m_rows(ctx.project) {}
+    ThumbnailRun(const ThumbnailContext &ctx, std::span<const std::int64_t> ids, TaskMonitor &task,
+                 ThumbnailTotals &totals)
+        : m_ctx(ctx), m_ids(ids), m_task(task), m_totals(totals), m_folder(ctx.TempFolderPath),
+          m_rows(ctx.project, [this] { m_kept = m_totals.made; }) {}
+    /// Whatever ends the run, the totals tell of what is in the project.
+    ~ThumbnailRun() {
+        if (!m_rows.end())
+            m_totals.failed += m_totals.made - std::exchange(m_totals.made, m_kept);
+    }
+    ThumbnailRun(const ThumbnailRun &) = delete;
+    ThumbnailRun &operator=(const ThumbnailRun &) = delete;
 
-    ThumbnailTotals all() {
+    void all() {
         m_task.describe({"CREATING THUMBNAILS", "Creating Thumbnails ", "", ""});
         while (m_next < m_ids.size() && !m_totals.cancelled) {
             prepareBatch();
@@ -71,7 +78,6 @@ class ThumbnailRun {
             m_rows.commit();
             m_folder.empty();
         }
-        return m_totals;
     }
 
   private:
@@ -138,21 +144,24 @@ class ThumbnailRun {
     const ThumbnailContext &m_ctx;
     std::span<const std::int64_t> m_ids;
     TaskMonitor &m_task;
+    ThumbnailTotals &m_totals;
+    std::uint64_t m_kept = 0; ///< of those made
     ThumbnailFolder m_folder;
     WriteBatch m_rows;
     std::vector<ThumbnailJob> m_jobs;
     std::size_t m_next = 0; ///< place in the list of ids
-    ThumbnailTotals m_totals;
 };
 
 } // namespace
 
-ThumbnailTotals makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> ids,
-                               TaskMonitor &task) {
+void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> ids,
+                    TaskMonitor &task, ThumbnailTotals &totals) {
     // Now, while few rows have thumbnails: the index grows with them.
-    if (onProject([&] { return ensureGalleryIndex(ctx.project, task); }) == IndexState::Cancelled)
-        return {0, 0, 0, 0, true};
-    return ThumbnailRun(ctx, ids, task).all();
+    const auto index =
+        onProject(ctx.project, [&] { return ensureGalleryIndex(ctx.project, task); });
+    totals.cancelled = index == IndexState::Cancelled;
+    if (!totals.cancelled)
+        ThumbnailRun(ctx, ids, task, totals).all();
 }
 
 bool MakeThumbnail(URLClass &URL, const ImportClass &import, const ThumbnailContext &ctx) {

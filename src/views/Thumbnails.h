@@ -46,10 +46,10 @@ struct ThumbnailTotals {
 
 /// Makes the thumbnails of many rows: their cached contents are copied to scratch and drawn in
 /// batches, and each row is written as its drawing comes. A drawing that fails leaves its row as it
-/// was, and so does a cancel the rows that it didn't reach. Throws what the project or the drawing
-/// as a whole can't do.
-ThumbnailTotals makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> ids,
-                               TaskMonitor &task);
+/// was, and so does a cancel the rows that it didn't reach. Throws what the project, the scratch
+/// folder or the drawing as a whole can't do; `totals` tells what was done before, and is kept.
+void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> ids,
+                    TaskMonitor &task, ThumbnailTotals &totals);
 
 /// Builds the record's thumbnail and its P.A.R.D. value, in the record and in its row. Only when
 /// `import` makes thumbnails of pictures: that box is asked for pages too, as it always was. False

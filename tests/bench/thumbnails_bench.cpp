@@ -103,9 +103,12 @@ void thumbnailsOfPhotographs(benchmark::State &state) {
                                album.project.log,
                                ThumbnailSettings{}};
     Unwatched task;
-    for (auto _ : state)
-        if (makeThumbnails(ctx, album.ids, task).made != album.ids.size())
+    for (auto _ : state) {
+        ThumbnailTotals totals;
+        makeThumbnails(ctx, album.ids, task, totals);
+        if (totals.made != album.ids.size())
             state.SkipWithError("not all were drawn");
+    }
     state.SetItemsProcessed(state.iterations() * kPictures);
 }
 BENCHMARK(thumbnailsOfPhotographs)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -4,9 +4,13 @@
 #include "app/cli/RowCheck.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
+
+#include <optional>
+#include <string>
 
 namespace nv::cli {
 
@@ -34,13 +38,17 @@ Exit thumbnailsCommand(Session &session, const ThumbnailArguments &arguments) {
     session.open(arguments.project);
     Program &program = session.program;
     ThumbnailTotals totals;
+    std::optional<std::string> failure;
     const auto ids = chosenIds(program, arguments);
     if (!ids.empty()) {
         const ThumbnailTools tools(program, session.scratch());
-        totals = makeThumbnails(tools.context(), ids, session.task);
+        failure = failureOf(program.log, "MainBAS.MakeThumbnail()",
+                            [&] { makeThumbnails(tools.context(), ids, session.task, totals); });
     }
     session.task.clear();
     session.out << textOf(totals);
+    if (failure)
+        throw StorageFailure(fmt::format("{}. What was made before is kept.", *failure));
     if (totals.failed > 0)
         session.err << fmt::format("see \"{}\"\n", nv::textOf(program.log.path()));
     closeProject(program);

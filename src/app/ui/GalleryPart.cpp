@@ -66,7 +66,7 @@ void GalleryPart::makeThumbnailsOfAll() {
     m_bench.runTask(
         {"MAKING THUMBNAILS", "Drawing pictures and web pages", "", ""}, [&](TaskMonitor &task) {
             const ThumbnailTools tools(program, program.thisClass.TempFolderPath);
-            totals = makeThumbnails(tools.context(), drawableIds(program, Redo::no), task);
+            makeThumbnails(tools.context(), drawableIds(program, Redo::no), task, totals);
         });
     emit m_bench.thumbnailsChanged();
     m_bench.showNotice(

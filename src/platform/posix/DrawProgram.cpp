@@ -1,6 +1,7 @@
 #include "platform/posix/DrawProgram.h"
 
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "base/Text.h"
 #include "platform/ChildProcess.h"
 #include "platform/posix/DrawLines.h"
@@ -36,7 +37,7 @@ class DrawFolder {
     explicit DrawFolder(const fs::path &scratch) {
         std::string name = (scratch / "draw-XXXXXX").native();
         if (::mkdtemp(name.data()) == nullptr) // which lets its owner in only
-            throw FileFailure("A folder for drawing can't be made", scratch, errno);
+            failStorage("cannot make a folder for drawing in", scratch, errno);
         m_path = name;
     }
     ~DrawFolder() {
@@ -51,6 +52,20 @@ class DrawFolder {
   private:
     fs::path m_path;
 };
+
+/// Where not even as many plain bytes can be written, it isn't the picture's fault. Throws
+/// StorageFailure.
+void checkRoomFor(const DrawJob &job) {
+    constexpr std::size_t kBytesPerPixel = 4;
+    const auto pixels = static_cast<std::size_t>(job.width) * static_cast<std::size_t>(job.height);
+    std::error_code ignored;
+    {
+        FileWriter trial(job.target);
+        trial.write(std::string(pixels * kBytesPerPixel, '\0'));
+        trial.close();
+    }
+    fs::remove(job.target, ignored);
+}
 
 class DrawRun {
   public:
@@ -72,7 +87,11 @@ class DrawRun {
   private:
     void drawSome();
     bool takeLine(std::string_view line);
-    void handOn(const Drawn &drawn) { m_isStopped = !m_take(m_next++, drawn) || m_isStopped; }
+    void handOn(const Drawn &drawn) {
+        if (drawn.failure == kTargetNotWritten)
+            checkRoomFor(m_jobs[m_next]);
+        m_isStopped = !m_take(m_next++, drawn) || m_isStopped;
+    }
     void blame(const ChildResult &result);
     void failRest(const std::string &why) {
         while (m_next < m_jobs.size() && !m_isStopped)

@@ -9,7 +9,7 @@ namespace nv {
 
 /// Has norvelane-draw do the drawing, some hundred jobs a process. What crashes or holds up such a
 /// process costs one job and its start anew.
-/// Throws FileFailure when its scratch folder can't be used.
+/// Throws StorageFailure when its scratch folder or the targets can't be written.
 class DrawProgram final : public Drawing {
   public:
     /// `program` is usually companionProgram("norvelane-draw"); without one each job fails and says

@@ -88,7 +88,7 @@ Drawn ImageThumbnailer::draw(const DrawJob &job) const {
     const char *form = job.target.extension() == ".jpg" ? "JPEG" : "BMP";
     drawn.done = small.save(pathToQt(job.target), form);
     if (!drawn.done)
-        drawn.failure = "The thumbnail can't be written.";
+        drawn.failure = kTargetNotWritten;
     return drawn;
 }
 

@@ -141,7 +141,7 @@ Drawn PageDrawEngine::draw(const DrawJob &job, std::chrono::milliseconds timeout
     if (drawn.failure.empty()) {
         drawn.done = save(shot, job);
         if (!drawn.done)
-            drawn.failure = "The thumbnail can't be written.";
+            drawn.failure = kTargetNotWritten;
     }
     drawn.refusedRequests = m_profile->guard().refused();
     return drawn;

@@ -97,6 +97,22 @@ struct RebuildJobTest : test::ProgramFixture {
     int m_files = 0;
 };
 
+TEST_F(RebuildJobTest, aFullDiskEndsTheBatchAndSaysWhatIsKept) {
+    const std::vector ids = {addPage("one"), addPage("two"), addPage("three")};
+    program->thisClass.RedrawThumbIfPageRebuilt = false;
+    int handedOn = 0;
+    const auto run = [&] {
+        rebuildPages(*program, tools(nobody), ids, [&](const RebuiltPage &) {
+            if (++handedOn == 2)
+                throw StorageFailure("no room");
+        });
+    };
+    EXPECT_THAT(run, testing::ThrowsMessage<StorageFailure>(
+                         "no room. 1 of 3 pages rebuilt before that, which is kept."));
+    EXPECT_EQ(project().execAndGet("SELECT Detail FROM AuditTrail").getString(),
+              "1 of 3 pages rebuilt, then a failure ended it");
+}
+
 TEST_F(RebuildJobTest, onePageIsDrawnFromItsRebuild) {
     const auto id = addPage("harbour");
     const auto page = rebuildPage(*program, tools(nobody), id);

@@ -29,7 +29,7 @@ struct DrawProgramTest : testing::Test {
                   std::chrono::seconds timeout) {
         std::vector<DrawJob> jobs(count);
         for (std::size_t i = 0; i < count; ++i)
-            jobs[i] = {DrawJob::Kind::picture, "/source" + std::to_string(i), "/target", 10, 10};
+            jobs[i] = {DrawJob::Kind::picture, "/source" + std::to_string(i), target, 10, 10};
         fs::create_directories(scratch);
         DrawProgram drawing(program, scratch);
         drawing.longestStart = 2s;
@@ -49,6 +49,7 @@ struct DrawProgramTest : testing::Test {
 
     test::TempFolder folder;
     fs::path scratch = folder.path() / "scratch";
+    fs::path target = "/target";
     std::vector<std::string> ends;
     std::size_t takes = 1'000'000;
     bool goesOn = true;
@@ -72,6 +73,18 @@ TEST_F(DrawProgramTest, aProgramThatFailsAtTheStartIsNotStartedForEachJob) {
     ASSERT_EQ(ends.size(), 400U);
     EXPECT_EQ(ends[0], "The program norvelane-draw ended before it drew anything. no library");
     EXPECT_EQ(seen("starts"), "x\n");
+}
+
+/// The drawing program can't tell a full disk from a picture that has no form as a file.
+TEST_F(DrawProgramTest, aTargetThatCannotBeWrittenIsAFailureOfStorageOnlyOnAFullDisk) {
+    const std::string unwritten = "ready; echo '{\"job\":0,\"done\":false,\"failure\":\"" +
+                                  std::string(kTargetNotWritten) + "\"}'\n";
+    target = folder.path() / "target";
+    draw(unwritten, 1);
+    EXPECT_EQ(ends, std::vector<std::string>{std::string(kTargetNotWritten)});
+    EXPECT_FALSE(fs::exists(target));
+    target = "/dev/full";
+    EXPECT_THROW(draw(unwritten, 1), StorageFailure);
 }
 
 TEST_F(DrawProgramTest, jobsGoToTheProgramAndWhatItDrewComesBack) {

@@ -221,7 +221,7 @@ TEST_F(ExportTest, anUnwritablePathIsAFailure) {
     job.OutputFilePath = folder.path() / "none" / "out.txt";
     for (const ExportFormat format : {ExportFormat::delimited, ExportFormat::xlsx}) {
         job.format = format;
-        EXPECT_THROW(exportRows(job, table, project.folder.path(), nobody), FileFailure);
+        EXPECT_THROW(exportRows(job, table, project.folder.path(), nobody), StorageFailure);
     }
 }
 

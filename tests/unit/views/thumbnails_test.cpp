@@ -49,7 +49,9 @@ class ThumbnailsTest : public testing::Test {
                 project.clock,        project.log, settings};
     }
     ThumbnailTotals make(std::vector<std::int64_t> ids) {
-        return makeThumbnails(context(), ids, task);
+        ThumbnailTotals totals;
+        makeThumbnails(context(), ids, task, totals);
+        return totals;
     }
     std::string field(std::int64_t id, const std::string &column) {
         return project.text("SELECT CAST(" + column +
@@ -156,7 +158,9 @@ TEST_F(ThumbnailsTest, manyRowsGoInBatches) {
     for (int i = 0; i < 270; ++i)
         ids.push_back(add(std::to_string(i) + "[1].gif", "GIF89a"));
     MemoryTask watched;
-    EXPECT_EQ(makeThumbnails(context(), ids, watched).made, 270u);
+    ThumbnailTotals totals;
+    makeThumbnails(context(), ids, watched, totals);
+    EXPECT_EQ(totals.made, 270u);
     EXPECT_EQ(drawing.batches, (std::vector<std::size_t>{128, 128, 14}));
     EXPECT_EQ(watched.fractions.back(), 1.0);
     EXPECT_EQ(watched.steps.back().topCounter, 270);
@@ -169,7 +173,8 @@ TEST_F(ThumbnailsTest, aCancelKeepsWhatWasMade) {
     bool stopped = false;
     for (int calls = 0; calls < 100 && !stopped; ++calls) {
         CancelAfter task2(calls);
-        const ThumbnailTotals totals = makeThumbnails(context(), ids, task2);
+        ThumbnailTotals totals;
+        makeThumbnails(context(), ids, task2, totals);
         stopped = !totals.cancelled;
         EXPECT_EQ(project.number("SELECT Count(*) FROM URLs WHERE length(ThumbnailMD5Hash) > 0"),
                   static_cast<std::int64_t>(totals.made));
