@@ -44,6 +44,10 @@ void throwMeaning(const SQLite::Exception &error) {
     }
 }
 
+bool isDamage(const SQLite::Exception &error) {
+    return (error.getErrorCode() & kPrimaryCode) == SQLITE_CORRUPT;
+}
+
 void throwFailureOf(const std::filesystem::path &file, const SQLite::Exception &error) {
     throw StorageFailure(fmt::format("\"{}\": {}", textOf(file), wordsOf(error)));
 }

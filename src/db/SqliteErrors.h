@@ -10,6 +10,8 @@ namespace nv {
 /// Throws what a database error means: a StorageFailure when the file can't be read or written any
 /// more (disk full, read-only, damaged, not a database), otherwise the error itself again.
 [[noreturn]] void throwMeaning(const SQLite::Exception &error);
+/// The bytes that were read make no sense, which says nothing of the rest of the file.
+bool isDamage(const SQLite::Exception &error);
 /// Throws a StorageFailure that names the file.
 [[noreturn]] void throwFailureOf(const std::filesystem::path &file, const SQLite::Exception &error);
 
@@ -21,6 +23,19 @@ decltype(auto) onProject(Body &&body) {
     try {
         return std::forward<Body>(body)();
     } catch (const SQLite::Exception &error) {
+        throwMeaning(error);
+    }
+}
+
+/// Runs `body`, which reads one row of the open project: damage of its page says nothing of other
+/// rows, so it stays an error of the database.
+template <class Body>
+decltype(auto) onRow(Body &&body) {
+    try {
+        return std::forward<Body>(body)();
+    } catch (const SQLite::Exception &error) {
+        if (isDamage(error))
+            throw;
         throwMeaning(error);
     }
 }

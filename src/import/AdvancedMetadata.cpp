@@ -35,11 +35,8 @@ PageFindings AdvancedMetadata::ParseAdvancedMetadata(URLClass &record) const {
     // A reader that knows of no content names the artefact itself as the record's file.
     if (!record.CacheFileExists)
         return found;
-    const auto examineAll = [&] {
-        examine(record, found);
-        return true;
-    };
-    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, false, examineAll);
+    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport,
+            [&] { examine(record, found); });
     return found;
 }
 
@@ -58,7 +55,7 @@ void AdvancedMetadata::examine(URLClass &record, PageFindings &found) const {
     if (hasTitle)
         record.WebpageTitle = facts.title;
     // With a trap of its own: a page that can't be parsed stays one, and keeps its title.
-    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, [&] {
         const std::string html = ReadPageText(*file, record.MetaData);
         // The probe knows whether there is a title, but not the page's encoding.
         if (const std::string_view title = titleIn(html); hasTitle && !title.empty())
@@ -67,7 +64,6 @@ void AdvancedMetadata::examine(URLClass &record, PageFindings &found) const {
         found.links = page.Links.size();
         if (!page.Body.empty())
             record.HTMLBody = std::move(page.Body);
-        return true;
     });
 }
 
@@ -79,9 +75,8 @@ void AdvancedMetadata::store(URLClass &record, const PageFindings &found, Record
         if (!record.IsWebPage)
             rows.markAsWebPage(record);
         rows.addLinksToItself(record, found.links);
-        return true;
     };
-    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, false, write);
+    trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, write);
 }
 
 } // namespace nv

@@ -195,7 +195,7 @@ SchemaScan ProjectUpgrade::scan(TaskMonitor &task) {
 void ProjectUpgrade::stampWhenOlder() {
     DatabaseClass project(m_log, m_clock);
     project.FilePath = m_where.project;
-    failureOf(m_log, "UpgradeWizardForm.ScanBtn_Click()", [&] {
+    logFailureOf(m_log, "UpgradeWizardForm.ScanBtn_Click()", [&] {
         if (stampOf(*connect(m_where.project, Access::read), m_log) >= m_build)
             return;
         project.open();

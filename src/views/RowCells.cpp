@@ -18,6 +18,9 @@ namespace {
 // With the month as a word nobody takes it for the day.
 constexpr std::string_view kWordyFormat = "dd-mmm-yyyy Hh:Nn:Ss";
 constexpr std::string_view kBadPath = "Bad Path";
+/// In the place of the status of a row that could not be read: nobody must take it for an empty
+/// one.
+constexpr std::string_view kUnreadable = "Unreadable";
 
 const StoredValue &storedIn(const UrlRow &row, UrlColumn column) {
     return row.stored.at(indexOf(column));
@@ -45,6 +48,12 @@ std::string plain(const MachineValue &value) {
         return fmt::format("{}", *real);
     const auto *text = std::get_if<std::string>(&value);
     return text ? *text : std::string();
+}
+
+MachineValue unreadCell(const UrlRow &row, UrlColumn column) {
+    if (column == UrlColumn::Id)
+        return number(row.id);
+    return column == UrlColumn::Status ? MachineValue(std::string(kUnreadable)) : MachineValue();
 }
 
 std::string storedText(const UrlRow &row, UrlColumn column) {
@@ -135,14 +144,14 @@ std::string RowCells::dateText(const UrlRow &row, UrlColumn column) {
     std::string text;
     // Made of the UTC date: the stored local date is in the zone that the project had at the
     // import.
-    m_dateTrap.run(static_cast<std::uint64_t>(number(row.id)),
-                   [&] { text = zoneCell(row.actionDateUtc, m_zone, dates); });
+    m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)),
+                       [&] { text = zoneCell(row.actionDateUtc, m_zone, dates); });
     return text;
 }
 
 std::string RowCells::zoneIso(const UrlRow &row) {
     std::string text;
-    m_dateTrap.run(static_cast<std::uint64_t>(number(row.id)), [&] {
+    m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)), [&] {
         const Date local = ConvertDateToZone(row.actionDateUtc, m_zone, dates.EnableDSTChanges);
         if (!local.has())
             return;
@@ -159,7 +168,7 @@ std::string RowCells::zoneIso(const UrlRow &row) {
 
 std::string RowCells::text(const UrlRow &row, UrlColumn column) {
     if (!row.found)
-        return column == UrlColumn::Id ? std::to_string(number(row.id)) : std::string();
+        return plain(unreadCell(row, column));
     switch (factsOf(column).rule) {
     case CellRule::Nothing:
     case CellRule::Tick:
@@ -187,7 +196,7 @@ std::string RowCells::text(const UrlRow &row, UrlColumn column) {
 
 MachineValue RowCells::machine(const UrlRow &row, UrlColumn column) {
     if (!row.found)
-        return column == UrlColumn::Id ? MachineValue(number(row.id)) : MachineValue();
+        return unreadCell(row, column);
     std::string text;
     switch (factsOf(column).rule) {
     case CellRule::Nothing:

@@ -73,6 +73,14 @@ class UrlTable {
     /// The first row with this id.
     std::optional<std::size_t> placeOf(UrlId id) const;
 
+    /// The rows that were looked at since the load and could not be read; they have no cells but
+    /// their id and a word in the Status column.
+    const UnreadRows &unread() const { return m_pager.unread(); }
+    bool isRead(std::size_t place);
+    /// Throws std::runtime_error when no row can be read, because the project lacks a column of
+    /// those that are shown.
+    void checkColumns();
+
     /// The columns that will be asked for; others work too, but cost a second reading of the rows.
     void showColumns(std::span<const UrlColumn> columns) { m_pager.setColumns(columns); }
     std::string cell(std::size_t place, UrlColumn column);
@@ -97,7 +105,17 @@ class UrlTable {
     std::size_t pagesRead() const { return m_pager.pagesRead(); }
 
   private:
-    class Busy;
+    /// Keeps cells from using the connection while a statement of the table is at work on it.
+    class Busy {
+      public:
+        explicit Busy(bool &flag) : m_flag(flag) { flag = true; }
+        ~Busy() { m_flag = false; }
+        Busy(const Busy &) = delete;
+        Busy &operator=(const Busy &) = delete;
+
+      private:
+        bool &m_flag;
+    };
     bool prepareProject(TaskMonitor &task);
     Walk fill(const IdQuery &query, TaskMonitor &task, FoundRows &found);
     LoadResult attempt(const std::function<Walk()> &work);
