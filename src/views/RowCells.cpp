@@ -1,6 +1,7 @@
 #include "views/RowCells.h"
 
 #include "base/Text.h"
+#include "db/URLClass.h"
 #include "rebuild/RebuiltRow.h"
 #include "views/CellText.h"
 #include "views/IconKey.h"
@@ -48,6 +49,14 @@ std::string plain(const MachineValue &value) {
         return fmt::format("{}", *real);
     const auto *text = std::get_if<std::string>(&value);
     return text ? *text : std::string();
+}
+
+/// Nothing where the format has no counter, so that nobody takes the stand-in for a number.
+MachineValue storedNumber(const UrlRow &row, UrlColumn column) {
+    const MachineValue value = machineNumber(storedIn(row, column));
+    const auto *whole = std::get_if<std::int64_t>(&value);
+    return column == UrlColumn::Visits && whole && *whole == kVisitsUnknown ? MachineValue()
+                                                                            : value;
 }
 
 MachineValue unreadCell(const UrlRow &row, UrlColumn column) {
@@ -180,7 +189,7 @@ std::string RowCells::text(const UrlRow &row, UrlColumn column) {
     case CellRule::FileCreated:
         return formatDate(storedDate(row, column), kWordyFormat);
     case CellRule::Number:
-        return displayText(plain(machineNumber(storedIn(row, column))));
+        return displayText(plain(storedNumber(row, column)));
     case CellRule::Flag:
         return storedFlag(row, column) ? "True" : "False";
     case CellRule::Linked:
@@ -206,7 +215,7 @@ MachineValue RowCells::machine(const UrlRow &row, UrlColumn column) {
     case CellRule::Flag:
         return storedFlag(row, column);
     case CellRule::Number:
-        return machineNumber(storedIn(row, column));
+        return storedNumber(row, column);
     case CellRule::Linked:
         return row.links > 0 ? MachineValue(row.links) : MachineValue();
     case CellRule::Date:
