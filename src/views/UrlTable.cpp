@@ -219,6 +219,7 @@ bool UrlTable::setTagged(std::size_t first, std::size_t count, bool tagged, Task
 void UrlTable::refreshRows() {
     m_pager.forget();
     m_cells.forgetPaths();
+    m_holding.reset();
 }
 
 Message loadFailure(std::string_view reason) {

@@ -3,6 +3,7 @@
 #include "base/Examiner.h"
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
+#include "views/FindText.h"
 #include "views/RowCells.h"
 #include "views/RowPager.h"
 #include "views/UrlQuery.h"
@@ -32,6 +33,14 @@ enum class EmptyState {
 struct ColumnSort {
     UrlColumn column;
     SortDirection direction;
+};
+
+enum class FindEnd { found, notThere, cancelled };
+struct FindResult {
+    FindEnd end = FindEnd::notThere;
+    std::size_t place = 0;
+    UrlColumn column = UrlColumn::Id;
+    UnreadRows unread; ///< rows in which nobody could look
 };
 
 /// The URL table without its window: the list of rows that the active query gives, and their cells.
@@ -81,6 +90,10 @@ class UrlTable {
     /// those that are shown.
     void checkColumns();
 
+    /// The next cell with the text, from the place `from` on and round. Throws what the database
+    /// says.
+    FindResult find(const FindText &what, std::size_t from, TaskMonitor &task);
+
     /// The columns that will be asked for; others work too, but cost a second reading of the rows.
     void showColumns(std::span<const UrlColumn> columns) { m_pager.setColumns(columns); }
     std::string cell(std::size_t place, UrlColumn column);
@@ -123,6 +136,9 @@ class UrlTable {
     LoadResult sortInto(const IdQuery &query, TaskMonitor &task);
     EmptyState whyEmpty(LoadResult result);
     const UrlRow *rowFor(std::size_t place, UrlColumn column);
+    std::optional<FindResult> foundAmong(const FoundTexts &rows, const FindText &what,
+                                         std::size_t from, std::size_t count);
+    std::optional<UrlColumn> columnWith(const FindText &what, std::size_t place);
 
     SQLite::Database &m_project;
     FailureLog &m_log;
@@ -134,6 +150,8 @@ class UrlTable {
     std::optional<ColumnSort> m_columnSort;
     EmptyState m_empty = EmptyState::NotLoaded;
     std::string m_failure;
+    FindText m_sought;                   ///< what was looked for last
+    std::optional<FoundTexts> m_holding; ///< all rows that hold it, when all were looked at
     bool m_busy = false;
 };
 
