@@ -1,5 +1,6 @@
 #include "app/ImportJob.h"
 
+#include "app/Project.h"
 #include "app/ThumbnailJob.h"
 #include "app/Trail.h"
 #include "base/Digest.h"
@@ -78,6 +79,7 @@ void makeImportThumbnails(Program &program, TaskMonitor &task, const fs::path &s
 } // namespace
 
 ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &scratch) {
+    requireZones(program);
     ThisClass &state = program.thisClass;
     SQLite::Database &project = state.ProjectDB.connection();
     const Evidence evidence(state.RootPath);

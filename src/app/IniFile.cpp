@@ -58,10 +58,8 @@ std::optional<Range> rangeOf(const std::vector<std::string> &lines, std::string_
 
 IniFile::IniFile(std::filesystem::path path, FailureLog &log)
     : m_path(std::move(path)), m_log(log) {
-    trapped(m_log, Severity::Warning, "File Read Error", kContactSupport, false, [this] {
-        m_lines = load();
-        return true;
-    });
+    trapped(m_log, Severity::Warning, "File Read Error", kContactSupport,
+            [this] { m_lines = load(); });
 }
 
 std::vector<std::string> IniFile::load() const {

@@ -130,6 +130,14 @@ Message zoneNotSet(int errorNumber) {
                    fmt::format("Error Setting Time Zone ({})", errorNumber));
 }
 
+Message zoneNotThere(std::int64_t id) {
+    return failure("zone-not-there", "Error Setting Time Zone",
+                   fmt::format("The table of time zones doesn't hold the project's zone, number "
+                               "{}. Local dates are shown in another one; the project keeps its "
+                               "number until a zone is chosen.",
+                               id));
+}
+
 Message zoneNotSelected() {
     return notice("zone-not-selected", "Time Zone Not Selected",
                   "A time zone setting has not been defined.\n"
@@ -168,6 +176,11 @@ Message tempFolderHoldsEvidence(const std::filesystem::path &base) {
         fmt::format("The selected TEMP folder holds the evidence folder {}: a TEMP folder "
                     "is emptied.",
                     textOf(base)));
+}
+
+Message trailNotWritten(std::string_view reason) {
+    return notice("trail-not-written", "Case Trail",
+                  fmt::format("The project's trail has no note of this: {}", reason));
 }
 
 Message settingsNotWritten(const std::filesystem::path &file) {

@@ -38,6 +38,8 @@ Message scanError(std::string_view reason);
 Message fixError(std::string_view reason);
 Message upgradeClosesProject();
 Message zoneNotSet(int errorNumber);
+/// The project names a zone that the table doesn't hold.
+Message zoneNotThere(std::int64_t id);
 Message zoneNotSelected();
 Message zonesNotRead();
 Message invalidProjectPath();
@@ -46,6 +48,8 @@ Message invalidBaseFolder();
 /// Of a place that was chosen for writing.
 Message liesInEvidence(const std::filesystem::path &path, const std::filesystem::path &base);
 Message tempFolderHoldsEvidence(const std::filesystem::path &base);
+/// The work itself was done.
+Message trailNotWritten(std::string_view reason);
 Message settingsNotWritten(const std::filesystem::path &file);
 Message showOnlyWebpages();
 Message exitProgram();

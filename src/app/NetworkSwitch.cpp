@@ -7,7 +7,7 @@ namespace nv {
 
 std::string NetworkConnectionStatus(Program &program) {
     std::string status;
-    failureOf(program.log, "MainBAS.NetworkConnectionStatus()", [&] {
+    logFailureOf(program.log, "MainBAS.NetworkConnectionStatus()", [&] {
         status =
             program.around.network.NetworkConnectionStatus(program.thisClass.NetworkConnectionName);
     });

@@ -36,6 +36,18 @@ void becomeOpen(Program &program) {
     state.CurrentSQLDef = state.DefaultSQLDef;
 }
 
+/// A zone that isn't in the table is told of: local dates would be those of another zone in
+/// silence.
+void takeZoneOfProject(Program &program) {
+    const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
+    bool &isUnread = program.thisClass.ZoneIsUnread;
+    isUnread = zone && *zone > 0;
+    if (!isUnread || setZone(program, *zone) || !fs::exists(program.paths.zones()))
+        return;
+    if (!ZoneDatabase(program.paths.zones(), program.log).listZones().empty())
+        program.around.examiner.tell(messages::zoneNotThere(*zone));
+}
+
 } // namespace
 
 bool isProjectName(const fs::path &path) {
@@ -62,9 +74,21 @@ void openProject(Program &program, const fs::path &path, Access access) {
     project.FilePath = fs::absolute(path);
     project.open(access);
     becomeOpen(program);
-    const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
-    if (zone && *zone > 0)
-        setZone(program, *zone);
+    takeZoneOfProject(program);
+}
+
+void requireZones(Program &program) {
+    const fs::path file = program.paths.zones();
+    const auto refuse = [&file](std::string_view what, std::string_view why) {
+        throw StorageFailure(
+            fmt::format("{}: \"{}\" {}. Nothing was imported", what, textOf(file), why));
+    };
+    if (!fs::exists(file))
+        refuse("the table of time zones is missing", "was expected");
+    if (ZoneDatabase(file, program.log).listZones().empty())
+        refuse("the table of time zones is damaged", "can't be read");
+    if (program.thisClass.ZoneIsUnread)
+        refuse("the project's time zone is not known", "doesn't hold it");
 }
 
 bool setZone(Program &program, std::int64_t id) {
@@ -77,6 +101,7 @@ bool setZone(Program &program, std::int64_t id) {
                             state.EnableDSTChanges);
     if (change.errorNumber != 0)
         program.around.examiner.tell(messages::zoneNotSet(change.errorNumber));
+    state.ZoneIsUnread = state.ZoneIsUnread && !change.found;
     return change.found;
 }
 
@@ -89,10 +114,12 @@ DateSettings dateSettings(const Program &program) {
 void closeProject(Program &program) {
     ThisClass &state = program.thisClass;
     if (!state.ProjectDB.isReadOnly()) {
-        fieldsOf(program).SaveDefaultSetting(kZoneSetting,
-                                             fmt::format("{}", state.GMTZone.tzTimeZoneID));
+        if (!state.ZoneIsUnread)
+            fieldsOf(program).SaveDefaultSetting(kZoneSetting,
+                                                 fmt::format("{}", state.GMTZone.tzTimeZoneID));
         StoredQueries(state.ProjectDB.connection()).ResetDEFAULTQuery();
     }
+    state.ZoneIsUnread = false;
     state.ProjectDB.CloseDB();
     state.ProjectDBPath.clear();
     state.RootPath.clear();

@@ -34,6 +34,10 @@ void setRootPath(Program &program, const std::filesystem::path &root);
 /// told when the zone database can't be read.
 bool setZone(Program &program, std::int64_t id);
 
+/// Throws StorageFailure when local dates would be stored by a guess: without a table of zones that
+/// can be read, or with an open project whose zone it doesn't hold.
+void requireZones(Program &program);
+
 /// How dates are shown now.
 DateSettings dateSettings(const Program &program);
 

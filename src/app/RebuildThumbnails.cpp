@@ -40,7 +40,8 @@ void RebuildThumbnails::add(URLClass &page) {
     page.RunTimeThumbnailPath = rebuildFolderOf(page.URLID, m_tools.context()) /
                                 fmt::format("~{}.thumbnail.jpg", sidOf(page.URLID));
     if (page.IsPicture)
-        failureOf(m_program.log, kProcedure, [&] { drawPicture(page, page.RunTimeThumbnailPath); });
+        logFailureOf(m_program.log, kProcedure,
+                     [&] { drawPicture(page, page.RunTimeThumbnailPath); });
     else
         m_pages.push_back({page.URLID, page.RunTimeRebuiltFilePath, page.RunTimeThumbnailPath});
 }
@@ -56,8 +57,8 @@ void RebuildThumbnails::draw(std::span<RebuiltPage> outcomes, TaskMonitor &task)
     SubTask part(task, shareOfRebuilding(), 1);
     part.describe({"CREATING THUMBNAILS", "Creating Thumbnails ", "", ""});
     std::vector<bool> drawn(m_pages.size(), false);
-    failureOf(m_program.log, kProcedure,
-              [&] { drawn = CreateHTMLThumbnails(m_pages, kWidth, context(), part); });
+    logFailureOf(m_program.log, kProcedure,
+                 [&] { drawn = CreateHTMLThumbnails(m_pages, kWidth, context(), part); });
     const Redrawn otherwise = part.advance(1) ? Redrawn::failed : Redrawn::notWanted;
     for (std::size_t i = 0; i < m_pages.size(); ++i) {
         const auto outcome =

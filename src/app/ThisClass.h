@@ -67,6 +67,8 @@ struct ThisClass : QueryDefinitions {
     std::string TimeFormat;
     std::string DateTimeFormat;
     TimeZoneClass GMTZone; ///< the zone of the open project
+    /// The open project keeps a zone that could not be taken into force.
+    bool ZoneIsUnread = false;
     bool EnableDSTChanges = true;
 
     // Rebuild behaviour

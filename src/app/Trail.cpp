@@ -1,5 +1,6 @@
 #include "app/Trail.h"
 
+#include "app/Messages.h"
 #include "base/Digest.h"
 #include "base/Files.h"
 #include "base/Text.h"
@@ -38,13 +39,19 @@ TrailEntry entryOf(const ArtefactResult &artefact) {
     return entry;
 }
 
+/// What was done is done, but nobody could prove it later.
+void tellWhenMissing(Program &program, const std::optional<std::string> &failure) {
+    if (failure)
+        program.around.examiner.tell(messages::trailNotWritten(*failure));
+}
+
 } // namespace
 
 void noteInTrail(Program &program, TrailEntry entry) {
-    failureOf(program.log, kProcedure, [&] {
-        complete(program, entry);
-        CaseTrail(program.thisClass.ProjectDB.connection()).add(entry);
-    });
+    tellWhenMissing(program, failureOf(program.log, kProcedure, [&] {
+                        complete(program, entry);
+                        CaseTrail(program.thisClass.ProjectDB.connection()).add(entry);
+                    }));
 }
 
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file) {
@@ -56,7 +63,7 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
                      const std::filesystem::path &name) {
-    failureOf(program.log, kProcedure, [&] {
+    logFailureOf(program.log, kProcedure, [&] {
         entry.FilePath = textOf(name);
         if (const auto hashes = hashesOfFile(file)) {
             entry.FileSize = static_cast<std::int64_t>(hashes->size);
@@ -68,7 +75,7 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 }
 
 void noteImport(Program &program, const ImportSummary &summary) {
-    failureOf(program.log, kProcedure, [&] {
+    const auto failure = failureOf(program.log, kProcedure, [&] {
         SQLite::Database &project = program.thisClass.ProjectDB.connection();
         WriteBatch batch(project);
         CaseTrail trail(project);
@@ -82,6 +89,7 @@ void noteImport(Program &program, const ImportSummary &summary) {
         }
         batch.commit();
     });
+    tellWhenMissing(program, failure);
 }
 
 void noteVerify(Program &program, const SourceCheck &check) {

@@ -15,7 +15,7 @@
 
 namespace nv {
 
-// What the program adds to the case trail of the open project. A failure is logged and costs the
+// What the program adds to the case trail of the open project. A failure is told and costs the
 // entry only: nobody's work stops because of it.
 
 /// How a task that is noted ended.

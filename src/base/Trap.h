@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace nv {
@@ -18,8 +19,8 @@ namespace nv {
 /// The procedure trap: runs `body`; a failure is logged once under `procedure`, and the result is
 /// `fallback`.
 template <class Result, class Body>
-Result trapped(FailureLog &log, Severity severity, std::string_view procedure,
-               std::string_view recommendation, Result fallback, Body &&body) {
+[[nodiscard]] Result trapped(FailureLog &log, Severity severity, std::string_view procedure,
+                             std::string_view recommendation, Result fallback, Body &&body) {
     try {
         return std::forward<Body>(body)();
     } catch (const StorageFailure &) {
@@ -28,6 +29,17 @@ Result trapped(FailureLog &log, Severity severity, std::string_view procedure,
         log.write({failure.what(), std::string(procedure), severity, std::string(recommendation)});
         return fallback;
     }
+}
+
+/// The same for a procedure without a result: nothing that follows depends on it.
+template <class Body>
+void trapped(FailureLog &log, Severity severity, std::string_view procedure,
+             std::string_view recommendation, Body &&body) {
+    static_assert(std::is_void_v<std::invoke_result_t<Body>>, "a result would be lost here");
+    static_cast<void>(trapped(log, severity, procedure, recommendation, false, [&body] {
+        std::forward<Body>(body)();
+        return true;
+    }));
 }
 
 /// The record trap: one bad record is logged with procedure and offset, counted, and the walk goes
@@ -45,7 +57,7 @@ class RecordTrap {
 
     /// True when `body` came through. `place` is the record's offset or row in its file.
     template <class Body>
-    bool run(std::uint64_t place, Body &&body) {
+    [[nodiscard]] bool run(std::uint64_t place, Body &&body) {
         try {
             std::forward<Body>(body)();
             return true;
@@ -55,6 +67,12 @@ class RecordTrap {
             note(place, failure.what());
             return false;
         }
+    }
+
+    /// The same where failed() tells the losses and nothing else depends on this one record.
+    template <class Body>
+    void attempt(std::uint64_t place, Body &&body) {
+        static_cast<void>(run(place, std::forward<Body>(body)));
     }
 
     std::uint64_t failed() const { return m_failed; }
@@ -73,7 +91,8 @@ class RecordTrap {
 /// at once. It is logged under `procedure`, and its message is the result; nothing when all went
 /// well.
 template <class Body>
-std::optional<std::string> failureOf(FailureLog &log, std::string_view procedure, Body &&body) {
+[[nodiscard]] std::optional<std::string> failureOf(FailureLog &log, std::string_view procedure,
+                                                   Body &&body) {
     try {
         std::forward<Body>(body)();
         return std::nullopt;
@@ -82,6 +101,12 @@ std::optional<std::string> failureOf(FailureLog &log, std::string_view procedure
                    std::string(kContactSupport)});
         return failure.what();
     }
+}
+
+/// The same for what no command depends on: the log tells, and the command goes on without.
+template <class Body>
+void logFailureOf(FailureLog &log, std::string_view procedure, Body &&body) {
+    static_cast<void>(failureOf(log, procedure, std::forward<Body>(body)));
 }
 
 } // namespace nv

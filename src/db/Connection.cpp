@@ -1,5 +1,6 @@
 #include "db/Connection.h"
 
+#include "base/ByteView.h"
 #include "base/Files.h"
 #include "db/SqlFunctions.h"
 #include "db/SqliteErrors.h"
@@ -16,7 +17,7 @@ namespace fs = std::filesystem;
 namespace {
 
 /// "NVP1" in the file header tells our files from other SQLite databases.
-constexpr int kApplicationId = 0x4E565031;
+constexpr std::uint32_t kApplicationId = 0x4E565031;
 constexpr int kLayoutVersion = 1;
 constexpr int kBusyTimeout = 5000; // milliseconds
 
@@ -53,6 +54,12 @@ void checkPath(const fs::path &file, Access access) {
         refuse(file, "there is a file of this name already");
 }
 
+/// The id in the file's header, which lies there in every state of a database.
+std::uint32_t applicationIdIn(ByteView head) {
+    constexpr std::uint64_t kPlace = 68;
+    return head.u32be(kPlace);
+}
+
 void protect(SQLite::Database &database, Access access) {
     sqlite3 *handle = database.getHandle();
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
@@ -82,6 +89,21 @@ std::unique_ptr<SQLite::Database> opened(const fs::path &file, Access access) {
 
 } // namespace
 
+void checkIsProject(const fs::path &file) {
+    constexpr std::size_t kHead = 100; // bytes
+    constexpr std::string_view kMagic("SQLite format 3\0", 16);
+    if (!fs::is_regular_file(file)) // reading a pipe would wait for whoever writes to it
+        refuse(file, "this is no plain file");
+    const Bytes bytes = readHead(file, kHead);
+    const ByteView head(bytes);
+    if (head.size() < kHead || !head.raw().starts_with(kMagic))
+        refuse(file, "this is no project (file is not a database)");
+    if (const std::uint32_t id = applicationIdIn(head); id != kApplicationId)
+        refuse(file, fmt::format("this is no project: its application_id is 0x{:08X}, and "
+                                 "0x{:08X} was expected; nothing in it was changed",
+                                 id, kApplicationId));
+}
+
 std::unique_ptr<SQLite::Database> connect(const fs::path &file, Access access) {
     checkPath(file, access);
     return onFile(file, [&] {
@@ -98,6 +120,7 @@ std::unique_ptr<SQLite::Database> connect(const fs::path &file, Access access) {
 
 std::unique_ptr<SQLite::Database> connectToProject(const fs::path &file, Access access) {
     checkPath(file, access);
+    checkIsProject(file);
     return onFile(file, [&] {
         auto database = opened(file, access);
         if (!database->tableExists("URLs"))

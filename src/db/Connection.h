@@ -21,8 +21,13 @@ enum class Access {
 /// what is wrong.
 std::unique_ptr<SQLite::Database> connect(const std::filesystem::path &file, Access access);
 
-/// The same for a project that must be there: a file without table `URLs` is refused before
-/// anything is written to it.
+/// Throws StorageFailure when the file's header doesn't say that this program made it. Reads bytes
+/// and opens nothing: a database that is opened takes up what lies in the journal beside it, and a
+/// file of somebody else's mustn't change.
+void checkIsProject(const std::filesystem::path &file);
+
+/// Opens a project that must be there: a file of another program, or one without table `URLs`, is
+/// refused before anything is written to it.
 std::unique_ptr<SQLite::Database> connectToProject(const std::filesystem::path &file,
                                                    Access access);
 

@@ -1,6 +1,7 @@
 #include "db/Dialect.h"
 
 #include "base/Text.h"
+#include "db/Comparisons.h"
 #include "db/LikePattern.h"
 
 #include <fmt/format.h>
@@ -35,7 +36,8 @@ struct Level {
 /// Puts the statement together, a level for every open parenthesis.
 class Translation {
   public:
-    explicit Translation(std::string_view sql) : m_tokens(tokensOf(sql)), m_levels(1) {}
+    explicit Translation(std::string sql)
+        : m_sql(std::move(sql)), m_tokens(tokensOf(m_sql)), m_levels(1) {}
 
     std::string run() {
         for (m_at = 0; m_at < m_tokens.size(); ++m_at)
@@ -185,7 +187,8 @@ class Translation {
 
     bool precededBy(char c) const { return wordBefore() == std::string_view(&c, 1); }
 
-    std::vector<Token> m_tokens;
+    std::string m_sql;
+    std::vector<Token> m_tokens; ///< lie in it
     std::vector<Level> m_levels;
     std::string m_out;
     std::size_t m_at = 0;
@@ -197,7 +200,9 @@ std::string translate(std::string_view sql) {
     if (sql.find('\0') != std::string_view::npos)
         throw DialectError("the statement holds a zero character, and what stands behind it would "
                            "not be read");
-    return Translation(sql).run();
+    const std::vector<Token> tokens = tokensOf(sql);
+    checkDateComparisons(tokens);
+    return Translation(withFoldedComparisons(tokens)).run();
 }
 
 std::string quotedName(std::string_view name) {

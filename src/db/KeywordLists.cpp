@@ -21,7 +21,7 @@ std::vector<std::string> termsOf(const std::filesystem::path &file, FailureLog &
     for (const std::string_view line : split(ByteView(bytes).raw(), '\n')) {
         ++lineNumber;
         for (const std::string_view part : split(line.substr(0, line.find('#')), ';'))
-            trap.run(lineNumber, [&] {
+            trap.attempt(lineNumber, [&] {
                 const std::string term = decodeText(trim(part));
                 LikePattern::check(term);
                 if (!term.empty())

@@ -114,10 +114,9 @@ void RecordStore::SaveRecord(URLClass &record, const HistoryFile &file) {
         insertRow(record);
         if (record.IsWebPage)
             insertLinks(record);
-        return true;
     };
-    trapped(m_log, Severity::Warning, "MainBAS.SaveRecord()", kContactSupport, false,
-            [&] { return onProject(m_database, save); });
+    trapped(m_log, Severity::Warning, "MainBAS.SaveRecord()", kContactSupport,
+            [&] { onProject(m_database, save); });
 }
 
 void RecordStore::complete(URLClass &record, const HistoryFile &file) const {
@@ -166,10 +165,9 @@ void RecordStore::storeBodyFlags(const URLClass &record) {
         update.bind(4, record.CacheFileExists ? 1 : 0);
         update.bind(5, number(record.URLID));
         update.exec();
-        return true;
     };
-    trapped(m_log, Severity::Warning, "ADO.PutDBField()", kContactSupport, false,
-            [&] { return onProject(m_database, store); });
+    trapped(m_log, Severity::Warning, "ADO.PutDBField()", kContactSupport,
+            [&] { onProject(m_database, store); });
 }
 
 /// `url` must stay until the statement has run.
@@ -215,7 +213,7 @@ std::optional<URLClass> RecordStore::GetURL(UrlId id) {
         return record;
     };
     return trapped(m_log, Severity::Warning, "MainBAS.GetURL()", kContactSupport,
-                   std::optional<URLClass>(), [&read] { return onProject(read); });
+                   std::optional<URLClass>(), [&read] { return onRow(read); });
 }
 
 } // namespace nv

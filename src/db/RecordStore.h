@@ -33,7 +33,8 @@ class RecordStore {
     /// it is logged and URLID is `none`. Throws StorageFailure when the project can't be written.
     void SaveRecord(URLClass &record, const HistoryFile &file);
 
-    /// Nothing when there is no such row, or when it can't be read, which is logged.
+    /// Nothing when there is no such row, or when it can't be read, which is logged: a damaged page
+    /// of the project costs its rows and no others. Throws StorageFailure when nothing can be read.
     std::optional<URLClass> GetURL(UrlId id);
 
     /// Keeps in its row what fetching the record's body found out: `GZipEncoded`, `IsPicture`,

@@ -59,6 +59,10 @@ void throwMeaning(const SQLite::Database &project, const SQLite::Exception &erro
                                      textOf(diskOf(file)), wordsOf(error)));
 }
 
+bool isDamage(const SQLite::Exception &error) {
+    return (error.getErrorCode() & kPrimaryCode) == SQLITE_CORRUPT;
+}
+
 void throwFailureOf(const std::filesystem::path &file, const SQLite::Exception &error) {
     throw StorageFailure(fmt::format("\"{}\": {}", textOf(file), wordsOf(error)));
 }

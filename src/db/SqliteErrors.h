@@ -12,6 +12,8 @@ namespace nv {
 [[noreturn]] void throwMeaning(const SQLite::Exception &error);
 /// The same, where the file can't be written any more with its name and its disk.
 [[noreturn]] void throwMeaning(const SQLite::Database &project, const SQLite::Exception &error);
+/// The bytes that were read make no sense, which says nothing of the rest of the file.
+bool isDamage(const SQLite::Exception &error);
 /// Throws a StorageFailure that names the file.
 [[noreturn]] void throwFailureOf(const std::filesystem::path &file, const SQLite::Exception &error);
 
@@ -34,6 +36,19 @@ decltype(auto) onProject(const SQLite::Database &project, Body &&body) {
         return std::forward<Body>(body)();
     } catch (const SQLite::Exception &error) {
         throwMeaning(project, error);
+    }
+}
+
+/// Runs `body`, which reads one row of the open project: damage of its page says nothing of other
+/// rows, so it stays an error of the database.
+template <class Body>
+decltype(auto) onRow(Body &&body) {
+    try {
+        return std::forward<Body>(body)();
+    } catch (const SQLite::Exception &error) {
+        if (isDamage(error))
+            throw;
+        throwMeaning(error);
     }
 }
 

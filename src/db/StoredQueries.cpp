@@ -37,7 +37,7 @@ std::string runningText(std::string text, std::string_view view, std::string_vie
         return text;
     bool isTranslation = false;
     NoLog unheard; // a text that can't be translated is no translation
-    failureOf(unheard, {}, [&] {
+    logFailureOf(unheard, {}, [&] {
         const std::string translated = translate(text);
         isTranslation = definition == start + std::string(withoutEnd(translated));
     });

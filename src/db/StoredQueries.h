@@ -48,6 +48,11 @@ class StoredQueries {
     SQLite::Database &m_database;
 };
 
+/// Names with "~" are kept but never listed: older projects hold system objects under them.
+inline bool isSystemObject(std::string_view name) {
+    return name.find('~') != std::string_view::npos;
+}
+
 inline constexpr std::string_view kDefaultQueryName = "_DEFAULT";
 inline constexpr std::string_view kDefaultQueryText =
     "SELECT * FROM URLs ORDER BY ActionDateLocal ASC";

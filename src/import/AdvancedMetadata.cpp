@@ -36,11 +36,8 @@ PageFindings AdvancedMetadata::ParseAdvancedMetadata(URLClass &record,
     // A reader that knows of no content names the artefact itself as the record's file.
     if (!record.CacheFileExists)
         return found;
-    const auto examineAll = [&] {
-        examine(record, content, found);
-        return true;
-    };
-    trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, examineAll);
+    trapped(m_log, Severity::Warning, kProcedure, kContactSupport,
+            [&] { examine(record, content, found); });
     return found;
 }
 
@@ -56,7 +53,7 @@ void AdvancedMetadata::examine(URLClass &record, SavedContent &content, PageFind
     if (hasTitle)
         record.WebpageTitle = facts->title;
     // With a trap of its own: a page that can't be parsed stays one, and keeps its title.
-    trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+    trapped(m_log, Severity::Warning, kProcedure, kContactSupport, [&] {
         const std::string html = content.pageText();
         // The probe knows whether there is a title, but not the page's encoding.
         if (const std::string_view title = titleIn(html); hasTitle && !title.empty())
@@ -65,7 +62,6 @@ void AdvancedMetadata::examine(URLClass &record, SavedContent &content, PageFind
         found.links = page.Links.size();
         if (!page.Body.empty())
             record.HTMLBody = std::move(page.Body);
-        return true;
     });
 }
 
@@ -77,9 +73,8 @@ void AdvancedMetadata::store(URLClass &record, const PageFindings &found, Record
         if (!record.IsWebPage)
             rows.markAsWebPage(record);
         rows.addLinksToItself(record, found.links);
-        return true;
     };
-    trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, write);
+    trapped(m_log, Severity::Warning, kProcedure, kContactSupport, write);
 }
 
 } // namespace nv

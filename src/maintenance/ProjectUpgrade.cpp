@@ -171,6 +171,8 @@ SchemaScan ProjectUpgrade::scan(TaskMonitor &task) {
     if (fs::is_empty(m_where.project, missing))
         throw StorageFailure(
             fmt::format("\"{}\" is empty: it holds no project", textOf(m_where.project)));
+    if (fs::exists(m_where.project, missing))
+        checkIsProject(m_where.project);
     SchemaScan scan;
     const fs::path templates = temporary("~adoxschema1");
     DatabaseClass reference(m_log, m_clock);
@@ -185,18 +187,19 @@ SchemaScan ProjectUpgrade::scan(TaskMonitor &task) {
     });
     reference.CloseDB();
     removeDatabase(templates);
-    if (scan.complete && scan.differences.empty())
-        stampWhenOlder();
     return scan;
 }
 
-/// A later build's stamp stays: this build knows nothing of what that one has added. A project
-/// that can't be written is fit all the same, and the log tells.
+bool ProjectUpgrade::isStampOlder() {
+    return stampOf(*connectToProject(m_where.project, Access::read), m_log) < m_build;
+}
+
+// A later build's stamp stays: this build knows nothing of what that one has added.
 void ProjectUpgrade::stampWhenOlder() {
     DatabaseClass project(m_log, m_clock);
     project.FilePath = m_where.project;
-    failureOf(m_log, "UpgradeWizardForm.ScanBtn_Click()", [&] {
-        if (stampOf(*connect(m_where.project, Access::read), m_log) >= m_build)
+    logFailureOf(m_log, "UpgradeWizardForm.ScanBtn_Click()", [&] {
+        if (!isStampOlder())
             return;
         project.open();
         stampVersion(project.connection(), m_log, m_build);
@@ -219,6 +222,7 @@ bool ProjectUpgrade::noteFix(SQLite::Database &fresh, const fs::path &project,
 FixOutcome ProjectUpgrade::fix(TaskMonitor &task,
                                const std::function<void(std::string_view)> &tableDone) {
     const fs::path project = followed(m_where.project);
+    checkIsProject(project);
     const Leftovers leftovers(project);
     const ProjectLock lock(project);
     const fs::path temp = temporary("~tempdb");

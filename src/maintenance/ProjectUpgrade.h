@@ -37,22 +37,27 @@ struct FixOutcome {
 };
 
 /// Compares a project with the schema of this build, and moves its data into a new project of that
-/// schema. Nothing is written to the project but the version stamp of one that is fit, until the
-/// new one is whole and takes its place.
+/// schema. Nothing is written to the project by a fix until the new one is whole and takes its
+/// place.
 class ProjectUpgrade {
   public:
     ProjectUpgrade(UpgradeWhere where, const AppBuild &build, FailureLog &log, const Clock &clock);
 
-    /// Throws StorageFailure when a database can't be read or made. A project that is fit gets the
-    /// stamp of this build when it bears that of an earlier one.
+    /// Throws StorageFailure when the file is no project, or when a database can't be read or made.
+    /// Only reads the project.
     SchemaScan scan(TaskMonitor &task);
+    /// The project bears the stamp of an earlier build than this one.
+    bool isStampOlder();
+    /// For a project in which the scan found nothing: gives it the stamp of this build when it
+    /// bears that of an earlier one. A failure is logged: a project that can't be written is fit
+    /// all the same.
+    void stampWhenOlder();
     /// Throws StorageFailure, FileFailure and the database's errors; the project then stays as it
     /// was. `tableDone` learns of each table that was moved.
     FixOutcome fix(TaskMonitor &task, const std::function<void(std::string_view)> &tableDone = {});
 
   private:
     std::filesystem::path temporary(const char *name) const;
-    void stampWhenOlder();
     bool noteFix(SQLite::Database &fresh, const std::filesystem::path &project,
                  const ProjectLock &lock, TaskMonitor &task) const;
 

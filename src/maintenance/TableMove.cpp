@@ -44,7 +44,8 @@ void bindAsStored(SQLite::Statement &into, int at, const SQLite::Column &value) 
     else if (value.isFloat())
         into.bind(at, value.getDouble());
     else if (value.isBlob())
-        into.bind(at, value.getBlob(), value.getBytes());
+        // Of no bytes the database gives no place, and binding that would store NULL.
+        into.bind(at, value.getBytes() > 0 ? value.getBlob() : "", value.getBytes());
     else
         into.bind(at, value.getString());
 }

@@ -155,10 +155,8 @@ void rewrite(const fs::path &path, const URLClass &sheet, const RebuildContext &
 std::size_t FindReplaceCSSTags(const fs::path &path, const URLClass &sheet,
                                const RebuildContext &ctx, std::size_t taken) {
     // After a failure too: pictures may lie there by then.
-    trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-        onProject([&] { rewrite(path, sheet, ctx, taken); });
-        return true;
-    });
+    trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport,
+            [&] { onProject([&] { rewrite(path, sheet, ctx, taken); }); });
     return taken;
 }
 

@@ -29,14 +29,13 @@ TemplateRow rowOf(const fs::path &file) {
     return row;
 }
 
-bool readIndex(TemplateRow &row) {
+void readIndex(TemplateRow &row) {
     if (row.bytes > kLargest)
         throw FileFailure("can't read the template", row.file, EFBIG);
     const Bytes bytes = readWhole(row.file);
     const TemplateClass made = readTemplate(ByteView(bytes));
     row.WebpageTitle = made.WebpageTitle;
     row.files = made.records.Count();
-    return true;
 }
 
 } // namespace
@@ -45,8 +44,8 @@ std::vector<TemplateRow> listTemplates(const fs::path &folder, FailureLog &log) 
     std::vector<TemplateRow> rows;
     for (const fs::path &file : templatesIn(folder)) {
         rows.push_back(rowOf(file));
-        trapped(log, Severity::Warning, "MainForm.LoadTemplates()", kContactSupport, false,
-                [&row = rows.back()] { return readIndex(row); });
+        trapped(log, Severity::Warning, "MainForm.LoadTemplates()", kContactSupport,
+                [&row = rows.back()] { readIndex(row); });
     }
     return rows;
 }

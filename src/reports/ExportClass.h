@@ -2,6 +2,7 @@
 
 #include "reports/ExportFile.h"
 #include "reports/RowClass.h"
+#include "views/UnreadRows.h"
 #include "views/UrlColumns.h"
 
 #include <cstdint>
@@ -28,6 +29,7 @@ struct ExportCounts {
     std::int64_t cellsGuarded = 0;   ///< got an apostrophe in front
     std::int64_t rowsWithoutDate = 0;
     std::int64_t sheets = 0; ///< of a spreadsheet
+    UnreadRows unread;       ///< rows that stand in the file with their id only
 };
 
 /// The choices of one export, and its text on the way to the file.

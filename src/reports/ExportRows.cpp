@@ -77,6 +77,7 @@ ExportEnd exportRows(ExportClass &job, UrlTable &table, const std::filesystem::p
     job.ExportText.clear();
     const auto columns = columnsOf(job);
     showColumns(table, columns, job.format);
+    table.checkColumns();
     if (job.ExportAllRows)
         selectAll(job, table);
     const auto writer = makeWriter(job, scratch);
@@ -90,6 +91,9 @@ ExportEnd exportRows(ExportClass &job, UrlTable &table, const std::filesystem::p
             return ExportEnd::cancelled;
         }
         writer->row(cells, row.RowNumber - 1);
+        if (!cells.isRead(row.RowNumber - 1))
+            job.counts.unread.insert(
+                static_cast<std::int32_t>(number(table.idAt(row.RowNumber - 1))));
         showProgress(task, ++job.counts.rows, total);
     }
     writer->finish();
@@ -113,6 +117,8 @@ void selectTagged(ExportClass &job, const UrlTable &table, SQLite::Database &pro
 
 std::vector<std::string> notesOf(const ExportCounts &counts) {
     std::vector<std::string> notes;
+    if (!counts.unread.empty())
+        notes.push_back(noteOf(counts.unread) + ". They stand in the file with their id only.");
     const auto note = [&notes](std::int64_t count, std::string_view what) {
         if (count > 0)
             notes.push_back(fmt::format("{} {}", count, what));

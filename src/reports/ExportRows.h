@@ -18,7 +18,7 @@ enum class ExportEnd {
 /// Writes the chosen rows and columns of the table to `job.OutputFilePath`. With `ExportAllRows`
 /// the rows on show are taken, otherwise those of `SelectedURLs`; with `ExportAllColumns` every
 /// column of the table, otherwise those of `SelectedColumns`. `scratch` is an existing folder for
-/// temporary files. Throws StorageFailure.
+/// temporary files. Throws StorageFailure, and std::runtime_error when no row can be read.
 ExportEnd exportRows(ExportClass &job, UrlTable &table, const std::filesystem::path &scratch,
                      TaskMonitor &task);
 

@@ -144,6 +144,8 @@ class JsonLinesWriter final : public TextWriter {
         Json event;
         event["message"] = message(cells, place);
         addDate(event, cells.actionDate(place));
+        if (!event["datetime"].is_string() && cells.isRead(place))
+            ++job().counts.rowsWithoutDate;
         const std::string action = plainText(cells.machine(place, UrlColumn::Action));
         event["timestamp_desc"] = action.empty() ? "Action Date" : action;
         for (const ExportColumn &column : columns())
@@ -153,6 +155,9 @@ class JsonLinesWriter final : public TextWriter {
     }
 
     static std::string message(ExportCells &cells, std::size_t place) {
+        if (!cells.isRead(place))
+            return fmt::format("row {} of the project could not be read",
+                               plainText(cells.machine(place, UrlColumn::Id)));
         std::string words;
         for (const UrlColumn column :
              {UrlColumn::CacheType, UrlColumn::Action, UrlColumn::Value, UrlColumn::WebpageTitle}) {
@@ -164,13 +169,11 @@ class JsonLinesWriter final : public TextWriter {
     }
 
     /// A made-up date would be worse than none: events without one say so.
-    void addDate(Json &event, Date date) {
+    static void addDate(Json &event, Date date) {
         event["datetime"] = nullptr;
         event["timestamp"] = nullptr;
-        if (!date.has()) {
-            ++job().counts.rowsWithoutDate;
+        if (!date.has())
             return;
-        }
         const std::int64_t milliseconds = unixMilliseconds(date);
         event["datetime"] = isoWithFraction(milliseconds);
         event["timestamp"] = milliseconds * 1000;

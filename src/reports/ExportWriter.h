@@ -31,6 +31,7 @@ class ExportCells {
     MachineValue machine(std::size_t place, const ExportColumn &column);
     MachineValue machine(std::size_t place, UrlColumn column);
     Date actionDate(std::size_t place);
+    bool isRead(std::size_t place) { return m_table.isRead(place); }
 
   private:
     UrlTable &m_table;

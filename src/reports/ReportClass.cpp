@@ -99,18 +99,12 @@ void ReportClass::PrintEntry(std::ostream &file, std::string_view entry) {
 
 void ReportClass::CreateGraphicalReport(const fs::path &folder) {
     trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalReport()",
-            kContactSupport, false, [&] {
-                create(folder, 0, &ReportClass::writeCards);
-                return true;
-            });
+            kContactSupport, [&] { create(folder, 0, &ReportClass::writeCards); });
 }
 
 void ReportClass::CreateTabularReport(const fs::path &folder) {
     trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateTabularReport()",
-            kContactSupport, false, [&] {
-                create(folder, 1, &ReportClass::writeRows);
-                return true;
-            });
+            kContactSupport, [&] { create(folder, 1, &ReportClass::writeRows); });
 }
 
 void ReportClass::create(const fs::path &folder, int type, Entries entries) {
@@ -121,6 +115,7 @@ void ReportClass::create(const fs::path &folder, int type, Entries entries) {
     m_folder.prepare(type);
     m_folder.copyImages(m_ctx.settings.images, m_ctx.rebuild.log);
     RecordsFailed = FilesFailed = 0;
+    FailedRows.clear();
     HeaderFailed = FooterFailed = false;
     ReportDate =
         formatDate(Date::fromTimePoint(m_ctx.clock.now() + m_ctx.clock.localOffset()), kReportDate);
@@ -187,10 +182,7 @@ bool ReportClass::bringCards(std::span<const std::int32_t> ids, std::size_t firs
     SubTask rest(m_ctx.rebuild.task,
                  static_cast<double>(first + ids.size()) / static_cast<double>(total), 1);
     trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
-            kContactSupport, false, [&] {
-                evidence().draw(m_cards, rest);
-                return true;
-            });
+            kContactSupport, [&] { evidence().draw(m_cards, rest); });
     return rest.advance(0);
 }
 
@@ -250,8 +242,13 @@ void ReportClass::CreateGraphicalRecord(UrlId urlID, std::size_t index, std::ost
     if (!trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
                  kContactSupport, false, write)) {
         PrintEntry(file, brokenCard(urlID));
-        ++RecordsFailed;
+        countFailed(urlID);
     }
+}
+
+void ReportClass::countFailed(UrlId id) {
+    ++RecordsFailed;
+    FailedRows.insert(static_cast<std::int32_t>(number(id)));
 }
 
 bool ReportClass::writeRows(const RowIds &ids, std::ostream &file) {
@@ -279,7 +276,7 @@ void ReportClass::CreateTabularRecord(UrlId urlID, std::size_t index, std::ostre
     if (!trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateTabularRecord()",
                  kContactSupport, false, write)) {
         PrintEntry(file, brokenRow(urlID, index));
-        ++RecordsFailed;
+        countFailed(urlID);
     }
 }
 
@@ -321,8 +318,9 @@ std::vector<std::string> notesOf(const ReportClass &report) {
     if (report.FooterFailed)
         notes.emplace_back("Error Creating Report Footer");
     if (report.RecordsFailed > 0)
-        notes.push_back(fmt::format("{} records could not be written; their entries say so.",
-                                    report.RecordsFailed));
+        notes.push_back(
+            fmt::format("{} records could not be written; their entries say so. Ids: {}.",
+                        report.RecordsFailed, rangesOf(report.FailedRows)));
     if (report.FilesFailed > 0)
         notes.push_back(fmt::format("{} cached files could not be read; their cards say so.",
                                     report.FilesFailed));

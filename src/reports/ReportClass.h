@@ -4,6 +4,7 @@
 #include "reports/ReportContext.h"
 #include "reports/ReportFolder.h"
 #include "views/IdLoader.h"
+#include "views/UnreadRows.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -67,6 +68,7 @@ class ReportClass {
     std::string pageTitle;
     bool IncludeCaseTrail = false; ///< what was done with the project, behind the legend
     std::size_t RecordsFailed = 0; ///< entries that only say so
+    UnreadRows FailedRows;         ///< which ones
     std::size_t FilesFailed = 0;   ///< cards without a cached file that could not be read
     bool HeaderFailed = false;
     bool FooterFailed = false;
@@ -100,6 +102,7 @@ class ReportClass {
     ReportCard &cardFor(UrlId id);
     bool step(std::size_t done, std::size_t total, std::int64_t id);
     void take(const URLClass &record, std::size_t index);
+    void countFailed(UrlId id);
     CardEvidence evidence() const;
     std::string customerOptions() const;
     std::string zoneNote() const;

@@ -1,5 +1,7 @@
 #include "reports/SortTable.h"
 
+#include "base/NoLog.h"
+#include "base/Trap.h"
 #include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
 
@@ -10,16 +12,25 @@ namespace {
 Walk fill(SQLite::Database &project, std::span<const std::int32_t> ids, ReportRows rows,
           TaskMonitor &task) {
     Savepoint whole(project);
+    SQLite::Statement addUnread(project, "INSERT INTO URLSortTable (URL_ID) VALUES (?)");
     SQLite::Statement add(project,
                           std::string("INSERT INTO URLSortTable (URL_ID, ActionDateLocal) "
                                       "SELECT URL_ID, ActionDateLocal FROM URLs WHERE URL_ID = ?") +
                               (rows == ReportRows::tagged ? " AND Tagged" : ""));
+    NoLog unheard; // the entry of the row says that it couldn't be read, and the report logs it
     for (std::size_t i = 0; i < ids.size(); ++i) {
         if (!task.advance(static_cast<double>(i) / static_cast<double>(ids.size())))
             return Walk::Cancelled;
         add.bind(1, ids[i]);
-        add.exec();
-        add.reset();
+        const bool isRead = trapped(unheard, Severity::Low, {}, {}, false, [&] {
+            return onRow([&add] { return add.exec(); }) > 0 || rows == ReportRows::tagged;
+        });
+        add.tryReset();
+        if (isRead)
+            continue;
+        addUnread.bind(1, ids[i]);
+        addUnread.exec();
+        addUnread.reset();
     }
     whole.release();
     return Walk::Finished;

@@ -1,22 +1,15 @@
 #pragma once
 
+#include "base/DisplayText.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace nv {
 
-/// Characters of a cell that are shown; the rest is "…".
-inline constexpr std::size_t kCellChars = 300;
 /// So many bytes always hold one character more than a cell shows.
 inline constexpr std::size_t kCellBytes = (kCellChars + 1) * 4;
-
-/// Evidence text as one line that can be shown: control characters get visible stand-ins,
-/// characters that turn the direction of writing or have no width are written out as "<U+202E>" (a
-/// file name must not look like another one), bytes that are no UTF-8 become U+FFFD, and what is
-/// longer than `maxChars` characters is cut. The result is plain text: show it as such, never as
-/// HTML.
-std::string displayText(std::string_view text, std::size_t maxChars = kCellChars);
 
 /// The short word of the Type column for a `CacheType`.
 std::string typeWord(std::string_view cacheType);

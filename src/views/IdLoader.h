@@ -25,7 +25,8 @@ enum class Walk { Finished, Cancelled };
 Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &task, RowIds &ids);
 
 /// Appends those of `from` that FilterRecord() admits, in their order, and shows how far it is. A
-/// cancel leaves those that it had found.
+/// row that can't be read is admitted: whoever looks at it learns that. A cancel leaves those that
+/// it had found.
 Walk filterIds(SQLite::Database &database, const RowIds &from, const FiltersClass &filters,
                TaskMonitor &task, RowIds &ids);
 

@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SchemaColumns.h"
+#include "db/URLClass.h"
 #include "views/EXIFClass.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -126,6 +127,9 @@ class RecordFields {
             return zoneProperty(actionDate(), m_source.GMTZone, m_source.dates);
         if (equalsNoCase(name, "ActionDateUTC"))
             return utcProperty(dateIn(stored), m_source.dates);
+        if (equalsNoCase(name, "Visits") && stored.isInteger() &&
+            stored.getInt64() == kVisitsUnknown)
+            return {};
         if (isFileSize(name) && stored.isInteger())
             return sizeText(stored.getInt64());
         switch (typeOf(name, stored)) {

@@ -19,7 +19,7 @@ bool isReservedQuery(std::string_view name) {
 }
 
 bool isListedQuery(std::string_view name) {
-    return name.find('~') == std::string_view::npos && name != kDefaultQueryName;
+    return !isSystemObject(name) && name != kDefaultQueryName;
 }
 
 void QueryCommands::start() {

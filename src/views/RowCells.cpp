@@ -1,6 +1,7 @@
 #include "views/RowCells.h"
 
 #include "base/Text.h"
+#include "db/URLClass.h"
 #include "rebuild/RebuiltRow.h"
 #include "views/CellText.h"
 #include "views/IconKey.h"
@@ -18,6 +19,9 @@ namespace {
 // With the month as a word nobody takes it for the day.
 constexpr std::string_view kWordyFormat = "dd-mmm-yyyy Hh:Nn:Ss";
 constexpr std::string_view kBadPath = "Bad Path";
+/// In the place of the status of a row that could not be read: nobody must take it for an empty
+/// one.
+constexpr std::string_view kUnreadable = "Unreadable";
 
 const StoredValue &storedIn(const UrlRow &row, UrlColumn column) {
     return row.stored.at(indexOf(column));
@@ -45,6 +49,20 @@ std::string plain(const MachineValue &value) {
         return fmt::format("{}", *real);
     const auto *text = std::get_if<std::string>(&value);
     return text ? *text : std::string();
+}
+
+/// Nothing where the format has no counter, so that nobody takes the stand-in for a number.
+MachineValue storedNumber(const UrlRow &row, UrlColumn column) {
+    const MachineValue value = machineNumber(storedIn(row, column));
+    const auto *whole = std::get_if<std::int64_t>(&value);
+    return column == UrlColumn::Visits && whole && *whole == kVisitsUnknown ? MachineValue()
+                                                                            : value;
+}
+
+MachineValue unreadCell(const UrlRow &row, UrlColumn column) {
+    if (column == UrlColumn::Id)
+        return number(row.id);
+    return column == UrlColumn::Status ? MachineValue(std::string(kUnreadable)) : MachineValue();
 }
 
 std::string storedText(const UrlRow &row, UrlColumn column) {
@@ -135,14 +153,14 @@ std::string RowCells::dateText(const UrlRow &row, UrlColumn column) {
     std::string text;
     // Made of the UTC date: the stored local date is in the zone that the project had at the
     // import.
-    m_dateTrap.run(static_cast<std::uint64_t>(number(row.id)),
-                   [&] { text = zoneCell(row.actionDateUtc, m_zone, dates); });
+    m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)),
+                       [&] { text = zoneCell(row.actionDateUtc, m_zone, dates); });
     return text;
 }
 
 std::string RowCells::zoneIso(const UrlRow &row) {
     std::string text;
-    m_dateTrap.run(static_cast<std::uint64_t>(number(row.id)), [&] {
+    m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)), [&] {
         const Date local = ConvertDateToZone(row.actionDateUtc, m_zone, dates.EnableDSTChanges);
         if (!local.has())
             return;
@@ -159,7 +177,7 @@ std::string RowCells::zoneIso(const UrlRow &row) {
 
 std::string RowCells::text(const UrlRow &row, UrlColumn column) {
     if (!row.found)
-        return column == UrlColumn::Id ? std::to_string(number(row.id)) : std::string();
+        return plain(unreadCell(row, column));
     switch (factsOf(column).rule) {
     case CellRule::Nothing:
     case CellRule::Tick:
@@ -171,7 +189,7 @@ std::string RowCells::text(const UrlRow &row, UrlColumn column) {
     case CellRule::FileCreated:
         return formatDate(storedDate(row, column), kWordyFormat);
     case CellRule::Number:
-        return displayText(plain(machineNumber(storedIn(row, column))));
+        return displayText(plain(storedNumber(row, column)));
     case CellRule::Flag:
         return storedFlag(row, column) ? "True" : "False";
     case CellRule::Linked:
@@ -187,7 +205,7 @@ std::string RowCells::text(const UrlRow &row, UrlColumn column) {
 
 MachineValue RowCells::machine(const UrlRow &row, UrlColumn column) {
     if (!row.found)
-        return column == UrlColumn::Id ? MachineValue(number(row.id)) : MachineValue();
+        return unreadCell(row, column);
     std::string text;
     switch (factsOf(column).rule) {
     case CellRule::Nothing:
@@ -197,7 +215,7 @@ MachineValue RowCells::machine(const UrlRow &row, UrlColumn column) {
     case CellRule::Flag:
         return storedFlag(row, column);
     case CellRule::Number:
-        return machineNumber(storedIn(row, column));
+        return storedNumber(row, column);
     case CellRule::Linked:
         return row.links > 0 ? MachineValue(row.links) : MachineValue();
     case CellRule::Date:

@@ -1,15 +1,21 @@
 #include "views/RowPager.h"
 
-#include "base/Trap.h"
+#include "base/NoLog.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace nv {
 
+namespace {
+constexpr std::string_view kProcedure = "MainForm.LoadURLs()";
+}
+
 RowPager::RowPager(SQLite::Database &database, FailureLog &log, const RowIds &ids)
-    : m_database(database), m_log(log), m_ids(ids) {}
+    : m_database(database), m_log(log), m_ids(ids), m_trap(log, kProcedure) {}
 
 RowPager::~RowPager() = default;
 
@@ -22,7 +28,7 @@ void RowPager::setColumns(std::span<const UrlColumn> columns) {
     m_held.fill(false);
     for (const UrlColumn column : columns)
         m_held.at(indexOf(column)) = true;
-    forget();
+    dropPages();
 }
 
 void RowPager::need(UrlColumn column) {
@@ -33,9 +39,27 @@ void RowPager::need(UrlColumn column) {
     setColumns(more);
 }
 
-void RowPager::forget() {
+void RowPager::dropPages() {
     m_pages.clear();
     m_reader.reset();
+}
+
+void RowPager::forget() {
+    dropPages();
+    m_unread.clear();
+}
+
+void RowPager::prepare() {
+    if (m_reader)
+        return;
+    NoLog unheard; // it is thrown again
+    const auto failure = failureOf(unheard, kProcedure, [this] {
+        m_reader = std::make_unique<RowReader>(m_database, m_columns);
+    });
+    if (failure)
+        throw std::runtime_error(fmt::format("the rows can't be read: {}. An upgrade brings the "
+                                             "project to the columns of this build",
+                                             *failure));
 }
 
 const UrlRow *RowPager::row(std::size_t place) {
@@ -65,16 +89,23 @@ RowPager::Page RowPager::readPage(std::size_t number) {
     const std::size_t first = number * kPageRows;
     const std::size_t end = std::min(first + kPageRows, m_ids.size());
     Page page{number, std::vector<UrlRow>(end - first)};
-    for (std::size_t at = first; at < end; ++at)
-        page.rows[at - first].id = UrlId{m_ids[at]};
     ++m_pagesRead;
-    trapped(m_log, Severity::Warning, "MainForm.LoadURLs()", kContactSupport, false, [&] {
-        if (!m_reader)
-            m_reader = std::make_unique<RowReader>(m_database, m_columns);
-        for (UrlRow &row : page.rows)
+    const bool ready =
+        trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [this] {
+            prepare();
+            return true;
+        });
+    for (std::size_t at = first; at < end; ++at) {
+        UrlRow &row = page.rows[at - first];
+        row.id = UrlId{m_ids[at]};
+        const auto read = [&] {
             row = m_reader->read(row.id);
-        return true;
-    });
+            if (!row.found)
+                throw std::runtime_error("it is listed, but the table doesn't hold it");
+        };
+        if (!ready || !m_trap.run(static_cast<std::uint64_t>(m_ids[at]), read))
+            m_unread.insert(m_ids[at]);
+    }
     return page;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "base/FailureLog.h"
+#include "base/Trap.h"
 #include "views/IdLoader.h"
+#include "views/UnreadRows.h"
 #include "views/UrlRow.h"
 
 #include <array>
@@ -31,9 +33,14 @@ class RowPager {
     void setColumns(std::span<const UrlColumn> columns);
     /// Adds a column that somebody asks for although it isn't shown.
     void need(UrlColumn column);
-    /// The row at the 0-based place of the list; null beyond its end. Valid until the next call. A
-    /// page that can't be read is logged once and shows rows without cells.
+    /// Throws std::runtime_error when no row can be read with these columns: the project lacks one.
+    void prepare();
+    /// The row at the 0-based place of the list; null beyond its end. Valid until the next call.
+    /// One that can't be read is logged and has no cells; the others are none the worse for it.
     const UrlRow *row(std::size_t place);
+    /// Those that were asked for since forget() and couldn't be read.
+    const UnreadRows &unread() const { return m_unread; }
+    void noteUnread(std::int32_t id) { m_unread.insert(id); }
     /// The row only when its page is at hand: doesn't touch the database.
     const UrlRow *known(std::size_t place) const;
     void noteTagged(UrlId id, bool tagged);
@@ -47,6 +54,7 @@ class RowPager {
         std::vector<UrlRow> rows;
     };
     Page readPage(std::size_t number);
+    void dropPages();
 
     SQLite::Database &m_database;
     FailureLog &m_log;
@@ -56,6 +64,8 @@ class RowPager {
     std::unique_ptr<RowReader> m_reader;
     std::list<Page> m_pages; ///< the most recently used first
     std::size_t m_pagesRead = 0;
+    UnreadRows m_unread;
+    RecordTrap m_trap;
 };
 
 } // namespace nv

@@ -89,8 +89,8 @@ class ThumbnailRun {
 
     void prepare(UrlId id) {
         auto record = m_ctx.records.GetURL(id);
-        if (!record)
-            return void(++m_totals.withoutContent);
+        if (!record) // the log has why
+            return void(++m_totals.failed);
         ThumbnailJob job{std::move(*record), {}};
         const auto state =
             trapped(m_ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport,

@@ -79,10 +79,8 @@ bool isSortable(UrlColumn column) {
 
 IdQuery sortQuery(const RowChoice &rows, UrlColumn column, SortDirection direction) {
     const UrlColumnFacts &facts = factsOf(column);
-    const std::string key =
-        facts.rule == CellRule::Rebuilt
-            ? "(CacheFileRebuilt <> 0 OR IngredientIDs <> '' OR length(CacheFileRebuiltBLOB) > 0)"
-            : fmt::format("[{}]", facts.source);
+    const std::string key = facts.rule == CellRule::Rebuilt ? std::string(kRebuiltCondition)
+                                                            : fmt::format("[{}]", facts.source);
     return {fmt::format("SELECT URL_ID FROM {}{} ORDER BY {} {}, URL_ID ASC", activeQuery(rows),
                         hostCondition(rows), key,
                         direction == SortDirection::Ascending ? "ASC" : "DESC"),

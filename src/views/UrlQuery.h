@@ -21,6 +21,10 @@ struct IdQuery {
     std::string bound; ///< value of the statement's one parameter; unused when it has none
 };
 
+/// Whether the Rebuilt column says "Yes".
+inline constexpr std::string_view kRebuiltCondition =
+    "(CacheFileRebuilt <> 0 OR IngredientIDs <> '' OR length(CacheFileRebuiltBLOB) > 0)";
+
 enum class SortDirection { Ascending, Descending };
 
 /// The entries of the `Sort By` menu.

@@ -1,6 +1,7 @@
 #include "views/UrlRow.h"
 
 #include "views/CellText.h"
+#include "views/UrlQuery.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -21,10 +22,9 @@ std::string cutText(std::string_view column, std::size_t bytes) {
 /// What the rules need whatever the columns; readFacts() takes them in this order.
 std::string factColumns() {
     return fmt::format(
-        "Tagged, IsHistory, IsBookmark, IsCookie, CacheFileExists,"
-        " (CacheFileRebuilt <> 0 OR IngredientIDs <> '' OR length(CacheFileRebuiltBLOB) > 0),"
+        "Tagged, IsHistory, IsBookmark, IsCookie, CacheFileExists, {},"
         " ActionDateUTC, {}, {}, {}, {}, {}, {}, {}",
-        cutText("CacheType", kCellBytes), cutText("Category", kCellBytes),
+        kRebuiltCondition, cutText("CacheType", kCellBytes), cutText("Category", kCellBytes),
         cutText("COALESCE(NULLIF(URLFileExt, ''), CacheFileExt)", kCellBytes),
         cutText("RootPath", kPathBytes), cutText("CacheFileRelativePath", kPathBytes),
         cutText("CacheFileName", kPathBytes), cutText("HistoryFilePath", kPathBytes));
@@ -73,6 +73,19 @@ void readFacts(SQLite::Statement &row, UrlRow &into) {
     into.historyFilePath = text();
 }
 
+/// A statement that isn't reset would keep the read transaction, and with it the log, open. One
+/// that has failed says so again when it is reset, which is of no use to anybody.
+class Finished {
+  public:
+    explicit Finished(SQLite::Statement &statement) : m_statement(statement) {}
+    ~Finished() { m_statement.tryReset(); }
+    Finished(const Finished &) = delete;
+    Finished &operator=(const Finished &) = delete;
+
+  private:
+    SQLite::Statement &m_statement;
+};
+
 } // namespace
 
 RowReader::RowReader(SQLite::Database &database, std::span<const UrlColumn> columns) {
@@ -103,28 +116,24 @@ RowReader::~RowReader() = default;
 UrlRow RowReader::read(UrlId id) {
     UrlRow row;
     row.id = id;
-    m_row->reset();
+    const Finished reading(*m_row);
     m_row->bind(1, number(id));
     row.found = m_row->executeStep();
-    if (row.found) {
-        readFacts(*m_row, row);
-        int at = kFactCount;
-        for (const UrlColumn column : m_stored)
-            row.stored.at(indexOf(column)) = valueIn(m_row->getColumn(at++));
-    }
-    // A statement that isn't reset would keep the read transaction, and with it the log, open.
-    m_row->reset();
-    row.links = reads(UrlColumn::Linked) && row.found ? linksOf(row) : 0;
+    if (!row.found)
+        return row;
+    readFacts(*m_row, row);
+    int at = kFactCount;
+    for (const UrlColumn column : m_stored)
+        row.stored.at(indexOf(column)) = valueIn(m_row->getColumn(at++));
+    row.links = reads(UrlColumn::Linked) ? linksOf(row) : 0;
     return row;
 }
 
 std::int64_t RowReader::linksOf(const UrlRow &row) {
     SQLite::Statement &count = row.isHistory ? *m_linksToChild : *m_linksOfParent;
-    count.reset();
+    const Finished counting(count);
     count.bind(1, number(row.id));
-    const std::int64_t links = count.executeStep() ? count.getColumn(0).getInt64() : 0;
-    count.reset();
-    return links;
+    return count.executeStep() ? count.getColumn(0).getInt64() : 0;
 }
 
 std::optional<std::string> fullTextOf(SQLite::Database &database, UrlId id, UrlColumn column) {

@@ -26,7 +26,7 @@ using StoredValue = std::variant<std::monostate, std::int64_t, double, std::stri
 /// What cells are made of. Columns that weren't asked for hold nothing.
 struct UrlRow {
     UrlId id = UrlId::none;
-    bool found = false; ///< false when the row has gone since the list was made
+    bool found = false; ///< false when the row could not be read, or has gone since it was listed
     bool tagged = false;
     bool isHistory = false;
     bool isBookmark = false;

@@ -29,18 +29,6 @@ void describeLoad(TaskMonitor &task) {
 
 } // namespace
 
-/// Keeps cells from using the connection while a statement of the table is at work on it.
-class UrlTable::Busy {
-  public:
-    explicit Busy(bool &flag) : m_flag(flag) { flag = true; }
-    ~Busy() { m_flag = false; }
-    Busy(const Busy &) = delete;
-    Busy &operator=(const Busy &) = delete;
-
-  private:
-    bool &m_flag;
-};
-
 UrlTable::UrlTable(SQLite::Database &project, FailureLog &log, const TimeZoneClass &GMTZone)
     : m_project(project), m_log(log), m_zone(GMTZone), m_pager(project, log, m_ids),
       m_cells(log, GMTZone) {
@@ -59,6 +47,7 @@ LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
     const Busy busy(m_busy);
     FoundRows found;
     const LoadResult result = attempt([&] {
+        m_pager.prepare();
         return prepareProject(task) ? fill(loadQuery(choice), task, found) : Walk::Cancelled;
     });
     take(std::move(found));
@@ -73,7 +62,7 @@ bool UrlTable::prepareProject(TaskMonitor &task) {
     if (isReadOnly(m_project))
         return true;
     bool goOn = true;
-    failureOf(m_log, kProcedure, [&] {
+    logFailureOf(m_log, kProcedure, [&] {
         goOn = mendRootPath(m_project, m_log, RootPath, task).has_value() &&
                ensureDateIndex(m_project, task) != IndexState::Cancelled &&
                ensureLinkIndexes(m_project, task) != IndexState::Cancelled;
@@ -162,6 +151,15 @@ const UrlRow *UrlTable::rowFor(std::size_t place, UrlColumn column) {
     return m_pager.row(place);
 }
 
+bool UrlTable::isRead(std::size_t place) {
+    const UrlRow *row = rowFor(place, UrlColumn::Id);
+    return row && row->found && !unread().contains(static_cast<std::int32_t>(number(row->id)));
+}
+
+void UrlTable::checkColumns() {
+    m_pager.prepare();
+}
+
 std::string UrlTable::cell(std::size_t place, UrlColumn column) {
     const UrlRow *row = rowFor(place, column);
     return row ? m_cells.text(*row, column) : std::string();
@@ -178,9 +176,12 @@ MachineValue UrlTable::machineCell(std::size_t place, UrlColumn column) {
 std::string UrlTable::fullText(std::size_t place, UrlColumn column) {
     if (m_busy)
         return {};
-    return trapped(m_log, Severity::Low, kProcedure, kNotSerious, std::string(), [&] {
-        return fullTextOf(m_project, idAt(place), column).value_or(std::string());
-    });
+    const auto text =
+        trapped(m_log, Severity::Low, kProcedure, kNotSerious, std::optional<std::string>(),
+                [&] { return fullTextOf(m_project, idAt(place), column); });
+    if (!text && !factsOf(column).source.empty() && idAt(place) != UrlId::none)
+        m_pager.noteUnread(static_cast<std::int32_t>(number(idAt(place))));
+    return text.value_or(std::string());
 }
 
 Date UrlTable::actionDateUTC(std::size_t place) {
@@ -218,6 +219,7 @@ bool UrlTable::setTagged(std::size_t first, std::size_t count, bool tagged, Task
 void UrlTable::refreshRows() {
     m_pager.forget();
     m_cells.forgetPaths();
+    m_holding.reset();
 }
 
 Message loadFailure(std::string_view reason) {

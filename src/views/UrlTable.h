@@ -3,6 +3,7 @@
 #include "base/Examiner.h"
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
+#include "views/FindText.h"
 #include "views/RowCells.h"
 #include "views/RowPager.h"
 #include "views/UrlQuery.h"
@@ -32,6 +33,14 @@ enum class EmptyState {
 struct ColumnSort {
     UrlColumn column;
     SortDirection direction;
+};
+
+enum class FindEnd { found, notThere, cancelled };
+struct FindResult {
+    FindEnd end = FindEnd::notThere;
+    std::size_t place = 0;
+    UrlColumn column = UrlColumn::Id;
+    UnreadRows unread; ///< rows in which nobody could look
 };
 
 /// The URL table without its window: the list of rows that the active query gives, and their cells.
@@ -73,6 +82,18 @@ class UrlTable {
     /// The first row with this id.
     std::optional<std::size_t> placeOf(UrlId id) const;
 
+    /// The rows that were looked at since the load and could not be read; they have no cells but
+    /// their id and a word in the Status column.
+    const UnreadRows &unread() const { return m_pager.unread(); }
+    bool isRead(std::size_t place);
+    /// Throws std::runtime_error when no row can be read, because the project lacks a column of
+    /// those that are shown.
+    void checkColumns();
+
+    /// The next cell with the text, from the place `from` on and round. Throws what the database
+    /// says.
+    FindResult find(const FindText &what, std::size_t from, TaskMonitor &task);
+
     /// The columns that will be asked for; others work too, but cost a second reading of the rows.
     void showColumns(std::span<const UrlColumn> columns) { m_pager.setColumns(columns); }
     std::string cell(std::size_t place, UrlColumn column);
@@ -97,7 +118,17 @@ class UrlTable {
     std::size_t pagesRead() const { return m_pager.pagesRead(); }
 
   private:
-    class Busy;
+    /// Keeps cells from using the connection while a statement of the table is at work on it.
+    class Busy {
+      public:
+        explicit Busy(bool &flag) : m_flag(flag) { flag = true; }
+        ~Busy() { m_flag = false; }
+        Busy(const Busy &) = delete;
+        Busy &operator=(const Busy &) = delete;
+
+      private:
+        bool &m_flag;
+    };
     bool prepareProject(TaskMonitor &task);
     Walk fill(const IdQuery &query, TaskMonitor &task, FoundRows &found);
     LoadResult attempt(const std::function<Walk()> &work);
@@ -105,6 +136,9 @@ class UrlTable {
     LoadResult sortInto(const IdQuery &query, TaskMonitor &task);
     EmptyState whyEmpty(LoadResult result);
     const UrlRow *rowFor(std::size_t place, UrlColumn column);
+    std::optional<FindResult> foundAmong(const FoundTexts &rows, const FindText &what,
+                                         std::size_t from, std::size_t count);
+    std::optional<UrlColumn> columnWith(const FindText &what, std::size_t place);
 
     SQLite::Database &m_project;
     FailureLog &m_log;
@@ -116,6 +150,8 @@ class UrlTable {
     std::optional<ColumnSort> m_columnSort;
     EmptyState m_empty = EmptyState::NotLoaded;
     std::string m_failure;
+    FindText m_sought;                   ///< what was looked for last
+    std::optional<FoundTexts> m_holding; ///< all rows that hold it, when all were looked at
     bool m_busy = false;
 };
 

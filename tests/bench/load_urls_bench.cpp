@@ -129,6 +129,25 @@ void loadThroughAllFilters(benchmark::State &state) {
 }
 BENCHMARK(loadThroughAllFilters)->Unit(benchmark::kMillisecond);
 
+/// Through all rows and back to the first: nothing holds the text.
+void findWithoutAMatch(benchmark::State &state, const char *text) {
+    BigProject &big = bigProject();
+    const TimeZoneClass zone{Date::fromDays(40000)};
+    UrlTable table(big.project.connection(), big.project.log, zone);
+    table.LoadURLs(big.task);
+    FindText what{text, {}};
+    for (const UrlColumnFacts &facts : kUrlColumns)
+        if (facts.shown == Shown::Yes)
+            what.columns.push_back(facts.column);
+    for (auto _ : state) {
+        table.refreshRows(); // or the second search would know
+        benchmark::DoNotOptimize(table.find(what, 0, big.task));
+    }
+}
+BENCHMARK_CAPTURE(findWithoutAMatch, aWord, "no such text")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(findWithoutAMatch, ofOtherLetters, "M\u00DCLLER")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(findWithoutAMatch, aDate, "1999-12-31")->Unit(benchmark::kMillisecond);
+
 /// The list of hosts, of which this project has 997.
 void listTheHosts(benchmark::State &state) {
     BigProject &big = bigProject();

@@ -100,8 +100,13 @@ TEST_F(ExportCliTest, aProjectThatCantBeOpenedCanBeUpgraded) {
 TEST_F(ExportCliTest, anOlderProjectNamesTheCommand) {
     change("UPDATE DefaultSettings SET DefaultValue = '0' WHERE DefaultName LIKE 'App%'");
     EXPECT_THAT(cli({"list", project}).err, HasSubstr("upgrade"));
-    EXPECT_EQ(cli({"upgrade", project}).exit, 0);
-    EXPECT_EQ(cli({"list", project}).err, "") << "the scan has stamped it";
+    const std::string before = CliCase::text(project);
+    const CliResult looked = cli({"upgrade", project});
+    EXPECT_EQ(looked.exit, 0);
+    EXPECT_THAT(looked.err, HasSubstr("--fix"));
+    EXPECT_EQ(CliCase::text(project), before) << "without --fix no byte changes";
+    EXPECT_EQ(cli({"upgrade", project, "--fix"}).exit, 0);
+    EXPECT_EQ(cli({"list", project}).err, "") << "the fix has stamped it";
 }
 
 TEST_F(ExportCliTest, aKilledFixLeavesAProjectThatOpens) {

@@ -102,6 +102,30 @@ TEST_F(SurprisesCliTest, aQueryWithoutItsKeywordsSaysSoWheneverItIsRun) {
     EXPECT_THAT(run({"list", project}).err, Not(HasSubstr("keywords")));
 }
 
+TEST_F(SurprisesCliTest, withoutASoundTableOfZonesNothingIsImported) {
+    lonelyProgram();
+    const fs::path zones = folder.path() / "alone" / "nvTZ.dat";
+    const Bytes sound = readWhole(zones);
+    fs::resize_file(zones, fs::file_size(zones) / 2);
+    const CliResult cut = runAlone({"import", project, evidence.string()});
+    EXPECT_EQ(cut.exit, 3);
+    EXPECT_THAT(cut.err, HasSubstr("the table of time zones is damaged"));
+    EXPECT_FALSE(fs::exists(project));
+    writeWhole(zones, ByteView(sound).raw());
+    EXPECT_EQ(runAlone({"import", project, evidence.string(), "--zone", "66"}).exit, 0);
+    fs::remove(zones);
+    const CliResult missing = runAlone({"import", project, evidence.string()});
+    EXPECT_EQ(missing.exit, 3);
+    EXPECT_THAT(missing.err, HasSubstr("is missing"));
+    runAlone({"tag", project, "1"}); // opens the project for writing, and closes it
+    EXPECT_THAT(run({"query", project,
+                     "SELECT DefaultValue FROM DefaultSettings WHERE DefaultName = "
+                     "'LastTimeZoneID'",
+                     "--format", "csv"})
+                    .out,
+                HasSubstr("\n66\r\n"));
+}
+
 TEST_F(SurprisesCliTest, aQueryWithItsKeywordsSaysNothing) {
     folder.write("home/keywords/child-exploitation.txt", "some");
     import();

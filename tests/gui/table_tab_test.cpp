@@ -34,6 +34,7 @@ class TableTabTest : public QObject {
     void aCopiedCellIsOneLine();
     void findGoesRoundFromRowToRow();
     void findSaysWhenThereIsNothing();
+    void findLooksBehindWhatACellShows();
     void escapeClosesTheFindBar();
     void quickQueriesAreInTheMenuAndChooseRows();
     void aQueryWithoutRowsSaysWhatToDo();
@@ -133,6 +134,19 @@ void TableTabTest::findSaysWhenThereIsNothing() {
     child<QLineEdit>(*m_form, "txtFind").setText(QStringLiteral("no such text"));
     QTest::mouseClick(&child<QPushButton>(*m_form, "btnFindNext"), Qt::LeftButton);
     QCOMPARE(child<QLabel>(*m_form, "labFindResult").text(), QStringLiteral("Not found"));
+}
+
+void TableTabTest::findLooksBehindWhatACellShows() {
+    project().exec("UPDATE URLs SET MetaData = printf('%.*c', 1000, 'x') || 'needle' "
+                   "WHERE URL_ID = 2");
+    trigger(*m_form, "actRefresh");
+    trigger(*m_form, "actFind");
+    auto &text = child<QLineEdit>(*m_form, "txtFind");
+    text.setText(QStringLiteral("NEEDLE"));
+    QTest::keyClick(&text, Qt::Key_Return);
+    QCOMPARE(child<QLabel>(*m_form, "labFindResult").text(), QString());
+    QCOMPARE(grid().currentIndex().column(), UrlModel::sectionOf(UrlColumn::HttpMetadata));
+    QCOMPARE(cell(grid().currentIndex().row(), UrlColumn::Id), QStringLiteral("2"));
 }
 
 void TableTabTest::escapeClosesTheFindBar() {

@@ -53,7 +53,7 @@ std::vector<Cell> cellsOf(const URLClass &r) {
             r.OtherDateMeaning,
             dateCell(r.ExpiryDate),
             dateCell(r.CacheFileCreatedGMTDOS),
-            r.Visits,
+            r.Visits == kVisitsUnknown ? Cell() : Cell(r.Visits),
             r.cacheType,
             r.URL,
             r.URLRawValue,

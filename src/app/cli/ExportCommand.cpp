@@ -122,7 +122,7 @@ Exit exportCommand(Session &session, const ExportArguments &arguments) {
     session.err << closingLine(job);
     for (const std::string &note : notesOf(job.counts))
         session.err << note << '\n';
-    return Exit::ok;
+    return job.counts.unread.empty() ? Exit::ok : Exit::rowsNotRead;
 }
 
 } // namespace nv::cli

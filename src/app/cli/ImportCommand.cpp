@@ -42,13 +42,6 @@ void checkProjectPlace(const ImportArguments &arguments) {
             refuseEvidence(arguments.project, fs::canonical(path));
 }
 
-/// Without the table of zones, local dates would be stored by a guess.
-void checkZones(const Program &program) {
-    if (!fs::exists(program.paths.zones()))
-        throw StorageFailure(fmt::format("the table of time zones is missing: \"{}\" was expected",
-                                         textOf(program.paths.zones())));
-}
-
 void checkZone(Session &session, std::int64_t id) {
     const auto zones = ZoneDatabase(session.program.paths.zones(), session.program.log).listZones();
     const bool known =
@@ -250,7 +243,7 @@ Exit importCommand(Session &session, const ImportArguments &arguments) {
     checkDrawing(arguments);
     checkPaths(arguments);
     checkProjectPlace(arguments);
-    checkZones(session.program);
+    requireZones(session.program);
     checkZone(session, arguments.zone);
     checkKinds(arguments.kinds);
     checkAs(arguments);
@@ -259,6 +252,7 @@ Exit importCommand(Session &session, const ImportArguments &arguments) {
     Program &program = session.program;
     if (arguments.zone > 0)
         setZone(program, arguments.zone);
+    requireZones(program); // now that of the project
     chooseBase(session, arguments);
     program.import.VerifyFileSignatures &= !arguments.noSignatures;
     program.import.ParseAdvancedMetadata &= !arguments.noMetadata;

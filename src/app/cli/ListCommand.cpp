@@ -85,6 +85,7 @@ Exit listCommand(Session &session, const ListArguments &arguments) {
     session.openForReading(arguments.project);
     const ThisClass &state = session.program.thisClass;
     LoadResult loaded = LoadResult::Failed;
+    Exit read = Exit::ok;
     {
         UrlTable table(session.program.thisClass.ProjectDB.connection(), session.program.log,
                        state.GMTZone);
@@ -94,9 +95,10 @@ Exit listCommand(Session &session, const ListArguments &arguments) {
         const auto writer =
             makeRowWriter(arguments.format, session.out, headingsOf(columns, arguments.format));
         writeRows(arguments, columns, table, *writer);
+        read = tellUnread(session, table.unread());
     }
     closeProject(session.program);
-    return interrupted || loaded == LoadResult::Cancelled ? Exit::interrupted : Exit::ok;
+    return interrupted || loaded == LoadResult::Cancelled ? Exit::interrupted : read;
 }
 
 } // namespace nv::cli

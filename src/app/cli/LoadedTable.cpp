@@ -45,4 +45,11 @@ LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table)
     return loaded;
 }
 
+Exit tellUnread(Session &session, const UnreadRows &rows) {
+    if (rows.empty())
+        return Exit::ok;
+    session.err << noteOf(rows) << '\n';
+    return Exit::rowsNotRead;
+}
+
 } // namespace nv::cli

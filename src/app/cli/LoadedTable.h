@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/cli/Exit.h"
 #include "views/UrlTable.h"
 
 #include <string>
@@ -18,5 +19,8 @@ void checkQuery(Session &session, const std::string &name);
 /// Fills `table`, made on the open project, as the window would. Throws UsageError for a query that
 /// isn't there and StorageFailure when the load fails.
 LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table);
+
+/// Names the rows that could not be read, and gives the exit code that tells so.
+Exit tellUnread(Session &session, const UnreadRows &rows);
 
 } // namespace nv::cli

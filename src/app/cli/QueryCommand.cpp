@@ -78,7 +78,8 @@ Exit queriesCommand(Session &session, const std::string &project, Format format)
     const auto database = readerOf(project);
     const auto writer = makeRowWriter(format, session.out, {"name", "sql"});
     for (const StoredQuery &query : StoredQueries(*database).list())
-        writer->row({query.name, query.sql});
+        if (!isSystemObject(query.name))
+            writer->row({query.name, query.sql});
     writer->finish();
     return Exit::ok;
 }

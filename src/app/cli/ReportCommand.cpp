@@ -70,8 +70,8 @@ void setOptions(ReportClass &report, const ReportArguments &arguments) {
 }
 
 /// Nothing when it was cancelled.
-std::optional<Published> make(Session &session, const ReportArguments &arguments,
-                              const RowIds &ids) {
+std::optional<Published> make(Session &session, const ReportArguments &arguments, const RowIds &ids,
+                              Exit &read) {
     SubTask making(session.task, 0, kMaking);
     ReportTools tools(session.program, making, session.scratch());
     setOptions(tools.report, arguments);
@@ -83,6 +83,7 @@ std::optional<Published> make(Session &session, const ReportArguments &arguments
         return std::nullopt;
     for (const std::string &note : notesOf(tools.report))
         session.err << note << '\n';
+    read = tools.report.RecordsFailed > 0 ? Exit::rowsNotRead : Exit::ok;
     fs::create_directories(arguments.out);
     removePublished(arguments.out);
     SubTask publishing(session.task, kMaking, 1);
@@ -107,7 +108,8 @@ Exit reportCommand(Session &session, const ReportArguments &arguments) {
     checkPicture("--thumbnail", arguments.thumbnail);
     program.thisClass.DisableScriptTags = arguments.noScripts;
     program.thisClass.WideRecordIds |= arguments.wideIds;
-    const auto published = make(session, arguments, rowsOf(session, arguments));
+    Exit read = Exit::ok;
+    const auto published = make(session, arguments, rowsOf(session, arguments), read);
     session.task.clear();
     if (!published) {
         closeProject(program);
@@ -121,7 +123,7 @@ Exit reportCommand(Session &session, const ReportArguments &arguments) {
                 "row"),
         counted(published->files, "file"), textOf(index));
     closeProject(program);
-    return Exit::ok;
+    return read;
 }
 
 } // namespace nv::cli

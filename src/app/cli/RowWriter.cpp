@@ -1,6 +1,9 @@
 #include "app/cli/RowWriter.h"
 
+#include "base/DisplayText.h"
 #include "base/Text.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 
@@ -111,7 +114,7 @@ class TsvWriter final : public RowWriter {
 class JsonLinesWriter final : public RowWriter {
   public:
     JsonLinesWriter(std::ostream &out, std::vector<std::string> headings)
-        : m_out(out), m_headings(std::move(headings)) {}
+        : m_out(out), m_headings(apart(std::move(headings))) {}
 
     void row(const std::vector<Cell> &cells) override {
         Cell object = Cell::object();
@@ -121,6 +124,18 @@ class JsonLinesWriter final : public RowWriter {
     }
 
   private:
+    /// An object holds a name once: of columns of equal names those that follow the first get a
+    /// number.
+    static std::vector<std::string> apart(std::vector<std::string> headings) {
+        for (auto heading = headings.begin(); heading != headings.end(); ++heading) {
+            const std::string name = *heading;
+            for (int number = 2; std::find(headings.begin(), heading, *heading) != heading;
+                 ++number)
+                *heading = fmt::format("{} ({})", name, number);
+        }
+        return headings;
+    }
+
     std::ostream &m_out;
     std::vector<std::string> m_headings;
 };
@@ -143,15 +158,8 @@ std::unique_ptr<RowWriter> makeRowWriter(Format format, std::ostream &out,
 }
 
 std::string printable(std::string_view text, std::size_t columns) {
-    std::string line = decodeText(columns ? text.substr(0, columns * 8) : text);
-    for (char &c : line)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
-            c = c == '\t' || c == '\n' || c == '\r' ? ' ' : '?';
-    // The C1 controls, which some terminals obey, are two bytes in UTF-8.
-    for (std::size_t at = line.find('\xC2'); at != std::string::npos;
-         at = line.find('\xC2', at + 1))
-        if (static_cast<unsigned char>(line[at + 1]) < 0xA0)
-            line.replace(at, 2, "?");
+    std::string line = isUtf8(text) ? std::string() : decodeText(text);
+    line = displayText(line.empty() ? text : line, columns ? columns : std::string::npos);
     if (columns && charCount(line) > columns)
         line = std::string(charSub(line, 0, columns - 1)) + "\u2026";
     return line;

@@ -29,8 +29,8 @@ class RowWriter {
 std::unique_ptr<RowWriter> makeRowWriter(Format format, std::ostream &out,
                                          std::vector<std::string> headings);
 
-/// One line for people: control characters become visible replacements, and what is longer than
-/// `columns` characters ends in an ellipsis; 0 leaves the length.
+/// One line for people, as displayText() has it, but bytes that are no UTF-8 are taken for
+/// Windows-1252. What is longer than `columns` characters ends in an ellipsis; 0 leaves the length.
 std::string printable(std::string_view text, std::size_t columns = 0);
 
 /// The same for a text of several lines, which it keeps.

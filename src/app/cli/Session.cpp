@@ -4,6 +4,7 @@
 #include "app/Project.h"
 #include "app/cli/RowWriter.h"
 #include "base/Files.h"
+#include "base/Text.h"
 
 #include <fmt/format.h>
 
@@ -13,7 +14,8 @@
 namespace nv::cli {
 
 Answer StreamExaminer::ask(const Message &message) {
-    m_err << (message.title.empty() ? "" : message.title + ": ") << printable(message.text) << '\n';
+    m_err << (message.title.empty() ? "" : message.title + ": ")
+          << printable(replaceAll(message.text, "\n", " ")) << '\n';
     return message.unattended;
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "db/Schema.h"
+#include "db/URLClass.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -35,6 +36,8 @@ StatementCells::Kind StatementCells::kindOf(const char *origin) {
         return Kind::plain;
     if (equalsNoCase(origin, "ActionDateLocal"))
         return Kind::localDate;
+    if (equalsNoCase(origin, "Visits"))
+        return Kind::visits;
     for (const schema::Table &table : schema::projectTables())
         if (const schema::Column *column = schema::findColumn(table, origin);
             column && column->type == schema::ColumnType::Date)
@@ -55,7 +58,9 @@ Cell StatementCells::cell(int index) const {
     const Kind kind = m_kinds[static_cast<std::size_t>(index)];
     if (column.isNull())
         return nullptr;
-    if (kind != Kind::plain && (column.isFloat() || column.isInteger()))
+    if (kind == Kind::visits && column.isInteger() && column.getInt64() == kVisitsUnknown)
+        return nullptr;
+    if (kind != Kind::plain && kind != Kind::visits && (column.isFloat() || column.isInteger()))
         return dateText(column.getDouble(), kind);
     if (column.isInteger())
         return column.getInt64();

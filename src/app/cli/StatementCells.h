@@ -13,7 +13,8 @@ class Statement;
 namespace nv::cli {
 
 /// Makes cells of a statement's rows. Date columns of the schema become texts: ISO 8601 for
-/// programs, the examiner's formats for people; bytes become their number.
+/// programs, the examiner's formats for people; bytes become their number; visits of a format
+/// without a counter are nothing.
 class StatementCells {
   public:
     enum class For { programs, people };
@@ -24,7 +25,7 @@ class StatementCells {
     std::vector<Cell> cells() const;
 
   private:
-    enum class Kind { plain, utcDate, localDate };
+    enum class Kind { plain, visits, utcDate, localDate };
     static Kind kindOf(const char *origin);
     Cell cell(int index) const;
     std::string dateText(double days, Kind kind) const;

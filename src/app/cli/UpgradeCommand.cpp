@@ -40,6 +40,15 @@ Exit fix(Session &session, ProjectUpgrade &upgrade, SchemaScan &scan, Format for
     return Exit::ok;
 }
 
+/// The stamp is all that a project of the right schema may lack, and only a fix writes.
+void stamp(Session &session, ProjectUpgrade &upgrade, bool fix) {
+    if (fix)
+        upgrade.stampWhenOlder();
+    else if (upgrade.isStampOlder())
+        session.err << "The project fits, but an earlier build's version stands in it: --fix puts "
+                       "this one's there.\n";
+}
+
 } // namespace
 
 Exit upgradeCommand(Session &session, const UpgradeArguments &arguments, Format format) {
@@ -57,6 +66,8 @@ Exit upgradeCommand(Session &session, const UpgradeArguments &arguments, Format 
     warn(session, scan);
     if (arguments.fix && !scan.differences.empty())
         return fix(session, upgrade, scan, format);
+    if (scan.differences.empty())
+        stamp(session, upgrade, arguments.fix);
     writeDifferences(session, scan, format);
     return scan.differences.empty() ? Exit::ok : Exit::differs;
 }

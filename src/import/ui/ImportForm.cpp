@@ -101,6 +101,7 @@ void ImportForm::startScan() {
     m_program.settings.WriteIniValue("BEYOND", "ThumbnailsWhileImporting", job.MakeThumbnails);
     if (!startingDirectoryIsUsable())
         return;
+    requireZones(m_program);
     job.HistoryFiles.Clear();
     m_files->setFiles(job.HistoryFiles);
     m_gaps->clear();

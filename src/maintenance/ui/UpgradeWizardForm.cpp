@@ -177,6 +177,8 @@ void UpgradeWizardForm::scan() {
     runStoppable(State::scanning, [&](TaskMonitor &task) {
         failure = failureOf(m_log, "UpgradeWizardForm.ScanBtn_Click()",
                             [&] { found = m_upgrade.scan(task); });
+        if (!failure && found.complete && found.differences.empty())
+            m_upgrade.stampWhenOlder();
     });
     showDifferences(found);
     if (failure) {

@@ -49,7 +49,7 @@ bool ChromeCacheWalk::walkTable() {
             return false;
         if (slot == 1 || m_task.wantsStep())
             showStep(slot);
-        m_trap.run(ChromeIndexFile::placeOf(slot), [&] { takeSlot(slot); });
+        m_trap.attempt(ChromeIndexFile::placeOf(slot), [&] { takeSlot(slot); });
     }
     showStep(slots());
     return true;
@@ -121,7 +121,7 @@ bool ChromeCacheWalk::countBehindTable() {
     for (std::uint64_t slot = slots() + 1; slot <= m_index.wordsThere(); ++slot) {
         if (!goOn(slot))
             return false;
-        m_trap.run(ChromeIndexFile::placeOf(slot), [&] {
+        m_trap.attempt(ChromeIndexFile::placeOf(slot), [&] {
             if (chromeAddressMapOf(m_index.word(slot)).Initialised)
                 passOver("address behind the slots that the index counts");
         });
@@ -131,7 +131,7 @@ bool ChromeCacheWalk::countBehindTable() {
 
 bool ChromeCacheWalk::countChains() {
     bool isDone = true;
-    m_trap.run(0, [&] {
+    m_trap.attempt(0, [&] {
         const auto others = m_chains.countOthers(m_blocks, m_task);
         isDone = others.has_value();
         if (others.value_or(0) > 0)

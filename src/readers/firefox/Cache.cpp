@@ -87,12 +87,11 @@ std::runtime_error damaged(std::string_view what, const FileReader &file, std::i
 void openBlockFile(std::int64_t number, std::optional<FileReader> &handle,
                    const std::filesystem::path &folder, const Evidence &evidence, FailureLog &log) {
     const std::string name = blockFileName(number);
-    trapped(log, Severity::Warning, "MainBAS.OpenFirefoxCache()", kContactSupport, false, [&] {
+    trapped(log, Severity::Warning, "MainBAS.OpenFirefoxCache()", kContactSupport, [&] {
         const auto found = evidence.find(folder, name);
         if (!found)
             throw FileFailure("cannot find", folder / name, ENOENT);
         handle.emplace(*found);
-        return true;
     });
 }
 

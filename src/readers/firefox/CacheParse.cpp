@@ -103,7 +103,7 @@ class CacheReading {
             return;
         ++m_result.noted[doubt];
         // The trap gives the line its form, and their number an end.
-        m_doubts.run(place, [&doubt] { throw std::runtime_error("stored from " + doubt); });
+        m_doubts.attempt(place, [&doubt] { throw std::runtime_error("stored from " + doubt); });
     }
 
     void show(std::int64_t i, std::int64_t count, const std::string &url) {

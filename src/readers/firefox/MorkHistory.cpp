@@ -135,11 +135,13 @@ void saveEntries(ReadContext &ctx, const morkFileClass &file, ReadResult &result
             return;
         }
         showStep(task, number, total);
-        trap.run(static_cast<std::uint64_t>(entry.FileOffset), [&] {
+        const bool saved = trap.run(static_cast<std::uint64_t>(entry.FileOffset), [&] {
             URLClass record = entryRecord(ctx, entry, file.Version, result);
             noteEntry(entry, result);
             ctx.sink.save(record);
         });
+        if (!saved)
+            ++result.passedOver["damaged record"];
     }
 }
 

@@ -69,12 +69,14 @@ class CookiesReading {
 
     void addText(URLClass &record, const std::filesystem::path &file) {
         record.MetaData = "Error Reading File";
-        m_texts.run(static_cast<std::uint64_t>(record.MapFileOffset), [&] {
+        const bool isRead = m_texts.run(static_cast<std::uint64_t>(record.MapFileOffset), [&] {
             CookieText read = readCookieText(file);
             record.MetaData = std::move(read.text);
             if (!read.whole)
                 ++m_result.passedOver["end of a cookie's text file behind 1 MiB"];
         });
+        if (!isRead)
+            ++m_result.noted["cookie whose text file could not be read"];
     }
 
     ReadContext &m_ctx;

@@ -123,7 +123,7 @@ HashWalk::Step HashWalk::walkEntry(Place place, const TakeRecord &take, ReadResu
                      fmt::format("the hash entry at {} expects a record at {}", at,
                                  static_cast<std::int32_t>(entry.recordOffset)),
                      result);
-    m_trap.run(offset, [&] {
+    m_trap.attempt(offset, [&] {
         if (const std::string_view reason = take(offset); !reason.empty())
             ++result.passedOver[std::string(reason)];
     });

@@ -46,6 +46,8 @@ class IndexReading {
             return result;
         m_folders = settleIndexKind(m_ctx.file, m_bytes, m_walk.chain());
         m_walk.run([this](std::uint64_t offset) { return take(offset); }, result);
+        if (m_contents.failed() > 0)
+            result.noted["record whose cached file could not be read"] = m_contents.failed();
         return result;
     }
 
@@ -66,7 +68,7 @@ class IndexReading {
     /// A cached file that can't be read is no reason to lose its record.
     void addCachedFile(URLClass &record, std::uint64_t offset) {
         if (const auto found = locateCachedFile(record, m_ctx.file, m_ctx.evidence))
-            m_contents.run(offset, [&] { examineCachedFile(record, *found, m_ctx.content); });
+            m_contents.attempt(offset, [&] { examineCachedFile(record, *found, m_ctx.content); });
     }
 
     ReadContext &m_ctx;

@@ -69,7 +69,7 @@ ReadResult readMACIECache(ReadContext &ctx, ByteView bytes) {
     RecordTrap trap(ctx.log, kProcedure, textOf(ctx.file.FullPath));
     macIECache cache;
     ReadResult result = cache.ReadMACIECache(bytes, ctx.task, [&](const macIEURLClass &entry) {
-        trap.run(entry.recordOffset, [&] {
+        trap.attempt(entry.recordOffset, [&] {
             URLClass record = ParseMACIEURL(entry, ctx, bytes.size());
             ctx.sink.save(record);
         });

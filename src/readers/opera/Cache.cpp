@@ -157,10 +157,12 @@ class CacheReading {
     /// A cached file that can't be read is no reason to lose its record.
     void addFile(const std::string &name) {
         bool isThere = true;
-        m_contents.run(m_at, [&] {
+        const bool isRead = m_contents.run(m_at, [&] {
             isThere = setOperaCachedFile(*m_record, name, m_ctx.file, m_ctx.evidence);
         });
-        if (!isThere)
+        if (!isRead)
+            ++m_result.noted["record whose cached file could not be read"];
+        else if (!isThere)
             ++m_result.noted["cached file that isn't beside the index"];
     }
 
@@ -173,8 +175,8 @@ class CacheReading {
             ++m_result.noted["record without the name of a cached file"];
         m_record->ActionDateLocal = UTCDateToLocal(m_record->ActionDateUTC, m_ctx.clock);
         m_record->LastVisited = m_record->ActionDateUTC;
-        m_trap.run(static_cast<std::uint64_t>(m_record->MapFileOffset),
-                   [&] { m_ctx.sink.save(*m_record); });
+        m_trap.attempt(static_cast<std::uint64_t>(m_record->MapFileOffset),
+                       [&] { m_ctx.sink.save(*m_record); });
         m_record.reset();
     }
 

@@ -130,8 +130,8 @@ class LineReading {
         }
         if (isBlank(window))
             ++m_result.passedOver["four empty lines"];
-        else
-            m_trap.run(m_at, [&] { save(window); });
+        else if (!m_trap.run(m_at, [&] { save(window); }))
+            ++m_result.passedOver["damaged record"];
         m_at = behindRecord(m_file, window);
     }
 

@@ -66,8 +66,8 @@ class ItemWalk final : public pugi::xml_tree_walker {
         }
         if (isCut(offset))
             ++m_result.notReached;
-        else
-            m_trap.run(offset, [&] { save(node, offset); });
+        else if (!m_trap.run(offset, [&] { save(node, offset); }))
+            ++m_result.passedOver["damaged record"];
         return true;
     }
 

@@ -86,7 +86,7 @@ class Carving {
     /// fails, since nothing that it says of its length can be trusted.
     std::uint64_t carve(std::uint64_t at) {
         std::uint64_t length = kBlock;
-        m_trap.run(at, [&] {
+        m_trap.attempt(at, [&] {
             const ByteView bytes = recordAt(m_file, at);
             if (bytes.empty())
                 throw std::runtime_error("the record has no length");

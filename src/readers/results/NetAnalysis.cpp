@@ -154,16 +154,18 @@ bool CaseReading::takeRow(const JetRow &row) {
         showStep(fmt::format("Processing {} of {}", m_met, m_counted));
     if (!row.damage.empty()) {
         ++m_damaged;
-        m_trap.run(row.place, [&] { throw std::runtime_error(row.damage); });
+        m_trap.attempt(row.place, [&] { throw std::runtime_error(row.damage); });
         return advance();
     }
-    m_trap.run(row.place, [&] {
+    const bool saved = m_trap.run(row.place, [&] {
         URLClass record = netAnalysisRecord(m_ctx, row, m_cachePath);
         m_ctx.sink.save(record);
     });
+    if (!saved)
+        ++m_result.passedOver["damaged record"];
     if (!row.cut.empty()) {
         ++m_cut;
-        m_trap.run(row.place, [&] {
+        m_trap.attempt(row.place, [&] {
             throw std::runtime_error(fmt::format("its value of column \"{}\" is cut",
                                                  kNetAnalysisColumns[row.cut.front()]));
         });

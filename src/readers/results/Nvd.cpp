@@ -105,7 +105,7 @@ class NvdReading {
             ++m_result.notReached;
             return;
         }
-        m_trap.run(place, [&] { takeRecord(m_bytes.sub(place, length)); });
+        m_trap.attempt(place, [&] { takeRecord(m_bytes.sub(place, length)); });
     }
 
     void takeRecord(ByteView bytes) {

@@ -81,7 +81,7 @@ class CacheReading {
                                     [this](const Row &row) { saveEntry(row); });
         if (result.state == ReadState::complete && !countOrphans())
             result.state = ReadState::cancelled;
-        result.passedOver = m_passedOver;
+        result.passedOver.merge(m_passedOver);
         if (result.state == ReadState::cancelled)
             return result;
         if (!m_missing.empty())
@@ -97,10 +97,8 @@ class CacheReading {
     /// Without the blobs there are no dates and no bodies, but the URLs are there all the same.
     void openBlobs() {
         KeptMessage failure;
-        trapped(failure, Severity::Warning, "", "", false, [this] {
-            m_blobs.emplace(m_database, m_ctx.evidence, m_ctx.file.FullPath);
-            return true;
-        });
+        trapped(failure, Severity::Warning, "", "",
+                [this] { m_blobs.emplace(m_database, m_ctx.evidence, m_ctx.file.FullPath); });
         if (!failure.text.empty())
             m_missing = failure.text + ", so dates and bodies are missing";
     }
@@ -116,8 +114,8 @@ class CacheReading {
         HeldBody held(m_ctx.content, m_ctx.scratch);
         if (m_blobs) {
             const auto place = static_cast<std::uint64_t>(id);
-            m_lookUps.run(place, [&] { takeResponse(record, m_blobs->response(id)); });
-            m_lookUps.run(place, [&] { takeBody(record, m_blobs->body(id), held); });
+            m_lookUps.attempt(place, [&] { takeResponse(record, m_blobs->response(id)); });
+            m_lookUps.attempt(place, [&] { takeBody(record, m_blobs->body(id), held); });
         }
         m_ctx.sink.save(record);
     }

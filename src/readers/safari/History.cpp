@@ -86,7 +86,7 @@ class HistoryReading {
             throw PropertyListDamage("a list of entries was expected and is not there");
         for (const pugi::xml_node dict : array.children("dict"))
             if (dict.child("key"))
-                m_trap.run(placeOf(dict), [&] { m_entries.Add(entryOf(dict)); });
+                m_trap.attempt(placeOf(dict), [&] { m_entries.Add(entryOf(dict)); });
             else
                 pass("entries that hold nothing", 1);
         constexpr const char *kDated = "dict[key='lastVisitedDate']";
@@ -137,7 +137,7 @@ class HistoryReading {
         for (const plistURL &entry : m_entries) {
             if (!m_ctx.task.advance(saved++ / static_cast<double>(m_entries.Count())))
                 return false;
-            m_trap.run(entry.place, [&] { save(entry, fileCreated); });
+            m_trap.attempt(entry.place, [&] { save(entry, fileCreated); });
         }
         return true;
     }

@@ -69,8 +69,10 @@ ReadResult eachRow(TableCursor &cursor, ReadContext &ctx, TaskMonitor &task,
             result.state = ReadState::cancelled;
             return result;
         }
-        trap.run(static_cast<std::uint64_t>(cursor.rowId()), [&] { save(cursor.row()); });
+        trap.attempt(static_cast<std::uint64_t>(cursor.rowId()), [&] { save(cursor.row()); });
     }
+    if (trap.failed() > 0)
+        result.passedOver["damaged record"] += trap.failed();
     if (cursor.lostRows()) {
         result.state = cursor.given() == 0 ? ReadState::failed : ReadState::cutShort;
         result.reason = cursor.lossText();

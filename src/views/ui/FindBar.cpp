@@ -50,8 +50,8 @@ QString FindBar::text() const {
     return m_text->text();
 }
 
-void FindBar::showResult(bool found) {
-    m_result->setText(found ? QString() : tr("Not found"));
+void FindBar::showResult(const QString &text) {
+    m_result->setText(text);
 }
 
 void FindBar::keyPressEvent(QKeyEvent *event) {

@@ -18,7 +18,8 @@ class FindBar final : public QWidget {
     void reveal();
     void dismiss();
     QString text() const;
-    void showResult(bool found);
+    /// A word on how the search ended; empty when the text was found.
+    void showResult(const QString &text);
 
   signals:
     void nextRequested();

@@ -1,5 +1,6 @@
 #include "views/ui/TableTab.h"
 
+#include "base/Text.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "views/ui/ColumnsForm.h"
@@ -245,6 +246,18 @@ void TableTab::copyRows() {
     });
 }
 
+/// Nothing where the text was found: the row shows it.
+static QString findText(const FindResult &result) {
+    if (result.end == FindEnd::found)
+        return {};
+    if (result.end == FindEnd::cancelled)
+        return TableTab::tr("Stopped");
+    if (result.unread.empty())
+        return TableTab::tr("Not found");
+    return TableTab::tr("Not found, but %1 could not be read")
+        .arg(toQt(counted(result.unread.size(), "row")));
+}
+
 void TableTab::openFind() {
     m_find->reveal();
 }
@@ -252,13 +265,16 @@ void TableTab::openFind() {
 void TableTab::findNext() {
     if (!m_table || m_find->text().isEmpty())
         return m_find->reveal();
-    std::optional<QModelIndex> found;
+    FindResult result;
+    std::optional<std::string> failure;
     m_runTask({"SEARCHING URLS", "", "", ""}, [&](TaskMonitor &task) {
-        found = m_grid->find(m_find->text(), m_grid->currentIndex().row() + 1, task);
+        failure = failureOf(*m_log, "MainForm.findNext()", [&] {
+            result = m_grid->find(m_find->text(), m_grid->currentIndex().row() + 1, task);
+        });
     });
-    m_find->showResult(found.has_value());
-    if (found)
-        m_grid->setCurrentIndex(*found);
+    m_find->showResult(failure ? toQt(*failure) : findText(result));
+    if (!failure && result.end == FindEnd::found)
+        m_grid->setCurrentIndex(m_grid->cellOf(result));
 }
 
 void TableTab::showColumnsForm() {

@@ -37,8 +37,9 @@ class UrlGrid final : public QTableView {
     std::optional<QString> selectedRowsText(TaskMonitor &task) const;
     int selectedRowCount() const;
     /// The next row at or after `fromRow` with the text in a shown column, in either case of
-    /// letters.
-    std::optional<QModelIndex> find(const QString &text, int fromRow, TaskMonitor &task) const;
+    /// letters. Throws what the database says.
+    FindResult find(const QString &text, int fromRow, TaskMonitor &task) const;
+    QModelIndex cellOf(const FindResult &found) const;
 
   signals:
     void sortRequested(nv::UrlColumn column, nv::SortDirection direction);

@@ -66,19 +66,15 @@ std::optional<QString> UrlGrid::selectedRowsText(TaskMonitor &task) const {
     return text;
 }
 
-std::optional<QModelIndex> UrlGrid::find(const QString &text, int fromRow,
-                                         TaskMonitor &task) const {
-    const std::vector<UrlColumn> columns = m_layout.shownColumns();
-    const int rows = m_model.rowCount();
-    for (int step = 0; step < rows && task.advance(double(step) / rows); ++step) {
-        const int row = (fromRow + step) % rows;
-        for (const UrlColumn column : columns) {
-            const QModelIndex cell = m_model.index(row, UrlModel::sectionOf(column));
-            if (cell.data().toString().contains(text, Qt::CaseInsensitive))
-                return cell;
-        }
-    }
-    return std::nullopt;
+FindResult UrlGrid::find(const QString &text, int fromRow, TaskMonitor &task) const {
+    if (!m_model.table())
+        return {};
+    return m_model.table()->find({fromQt(text), m_layout.shownColumns()},
+                                 static_cast<std::size_t>(fromRow), task);
+}
+
+QModelIndex UrlGrid::cellOf(const FindResult &found) const {
+    return m_model.index(static_cast<int>(found.place), UrlModel::sectionOf(found.column));
 }
 
 } // namespace nv

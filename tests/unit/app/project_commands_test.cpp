@@ -1,8 +1,10 @@
 #include "ProgramFixture.h"
+#include "app/ImportJob.h"
 #include "app/Project.h"
 #include "app/ProjectCommands.h"
 #include "app/RecentFiles.h"
 #include "app/TempFolder.h"
+#include "app/Trail.h"
 #include "base/Files.h"
 #include "db/ProjectFields.h"
 #include "db/StoredQueries.h"
@@ -139,6 +141,63 @@ TEST_F(ProjectCommandsTest, aMissingZoneDatabaseIsToldAndTheProjectOpens) {
     examiner.expect("zone-not-set");
     EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
     EXPECT_EQ(examiner.heard.at(0).title, "Error Setting Time Zone");
+}
+
+TEST_F(ProjectCommandsTest, aProjectThatIsOpenedWithoutItsZoneKeepsTheNumber) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    setZone(*program, 66); // not that of this machine
+    commands.CloseFile();
+    const Bytes zones = readWhole(paths.zones());
+    for (const std::string_view damage : {"", "no database", "cut"}) {
+        if (damage.empty())
+            fs::remove(paths.zones());
+        else if (damage == "cut") // the header is sound, and pages are not there
+            writeWhole(paths.zones(), ByteView(zones).sub(0, zones.size() / 2).raw());
+        else
+            writeWhole(paths.zones(), damage);
+        examiner.expect("zone-not-set");
+        EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing)) << damage;
+        EXPECT_TRUE(program->thisClass.ZoneIsUnread) << damage;
+        test::MemoryTask task;
+        EXPECT_THROW(runImportJob(*program, task, folder.path()), StorageFailure) << damage;
+        commands.CloseFile();
+    }
+    writeWhole(paths.zones(), ByteView(zones).raw());
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_EQ(setting("LastTimeZoneID"), "66");
+    EXPECT_EQ(program->thisClass.GMTZone.tzTimeZoneID, 66);
+}
+
+TEST_F(ProjectCommandsTest, aZoneThatTheTableDoesntHoldIsToldAndKept) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    set("LastTimeZoneID", "9999");
+    program->thisClass.ZoneIsUnread = true; // or closing would write the one in force
+    commands.CloseFile();
+    examiner.expect("zone-not-there");
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_THROW(requireZones(*program), StorageFailure);
+    commands.CloseFile();
+    examiner.expect("zone-not-there");
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_EQ(setting("LastTimeZoneID"), "9999");
+    EXPECT_TRUE(setZone(*program, 15)) << "the examiner chooses another";
+    EXPECT_NO_THROW(requireZones(*program));
+    commands.CloseFile();
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_EQ(setting("LastTimeZoneID"), "15");
+}
+
+TEST_F(ProjectCommandsTest, aTrailThatCantBeWrittenIsTold) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    noteInTrail(*program, TrailEntry());
+    db().connection().exec("DROP TABLE AuditTrail; CREATE TABLE AuditTrail (x)");
+    examiner.expect("trail-not-written");
+    noteInTrail(*program, TrailEntry());
+    EXPECT_NE(examiner.heard.back().text.find("no note of this"), std::string::npos);
+    examiner.expect("trail-not-written");
+    ImportSummary summary;
+    summary.artefacts.emplace_back().state = ArtefactState::complete;
+    noteImport(*program, summary);
 }
 
 TEST_F(ProjectCommandsTest, aNewProjectOverAnOldOneIsEmpty) {

@@ -32,7 +32,7 @@ TEST(RowWriter, jsonLinesAreTypedAndSurviveBadBytes) {
 
 TEST(RowWriter, theTableAlignsAndCutsButNeverObeysEvidence) {
     EXPECT_EQ(written(Format::table, {{1, "a"}, {22, "\x1B[31mred\nline"}}),
-              "id  text\n1   a\n22  ?[31mred line\n");
+              "id  text\n1   a\n22  \u241B[31mred\u240Aline\n");
     const std::string wide = written(Format::table, {{1, std::string(200, 'x')}});
     EXPECT_NE(wide.find(std::string(79, 'x') + "\u2026\n"), std::string::npos);
 }
@@ -47,8 +47,17 @@ TEST(RowWriter, rowsBeyondTheMeasuredOnesAreCutToTheColumn) {
     EXPECT_TRUE(written(Format::table, rows).ends_with("2   a m\u2026\n"));
 }
 
-TEST(Printable, replacesTheC1Controls) {
-    EXPECT_EQ(printable("a\u009Bb\u00e9"), "a?b\u00e9");
+TEST(RowWriter, columnsOfEqualNamesKeepTheirValues) {
+    std::ostringstream out;
+    makeRowWriter(Format::jsonl, out, {"URL", "URL", "URL (2)", "URL"})->row({1, 2, 3, 4});
+    EXPECT_EQ(out.str(), "{\"URL\":1,\"URL (2)\":2,\"URL (2) (2)\":3,\"URL (3)\":4}\n");
+}
+
+TEST(Printable, showsControlsAndMarksOfDirectionAsTheTableDoes) {
+    EXPECT_EQ(printable("a\u009Bb\u00e9"), "a<U+009B>b\u00e9");
+    EXPECT_EQ(printable("photo\u202Egnp.exe"), "photo<U+202E>gnp.exe");
+    EXPECT_EQ(printable("photo\u202Egnp.exe", 8), "photo<U\u2026");
+    EXPECT_EQ(printable("caf\xE9"), "caf\u00e9");
 }
 
 } // namespace

@@ -20,10 +20,22 @@ TEST(ProcedureTrap, logsOnceAndGivesTheDefault) {
 
 TEST(ProcedureTrap, letsAStorageFailureThrough) {
     test::MemoryLog log;
-    EXPECT_THROW(trapped(log, Severity::Warning, "x", "", 0,
-                         []() -> int { throw StorageFailure("disk full"); }),
+    EXPECT_THROW(static_cast<void>(trapped(log, Severity::Warning, "x", "", 0,
+                                           []() -> int { throw StorageFailure("disk full"); })),
                  StorageFailure);
+    EXPECT_THROW(
+        trapped(log, Severity::Warning, "x", "", [] { throw StorageFailure("disk full"); }),
+        StorageFailure);
     EXPECT_TRUE(log.entries.empty());
+}
+
+TEST(ProcedureTrap, withoutAResultOnlyLogs) {
+    test::MemoryLog log;
+    trapped(log, Severity::Low, "MainBAS.X()", kNotSerious, [] { viewOf("a").u8(1); });
+    logFailureOf(log, "MainBAS.Y()", [] { throw StorageFailure("disk full"); });
+    ASSERT_EQ(log.entries.size(), 2u);
+    EXPECT_EQ(log.entries[0].procedure, "MainBAS.X()");
+    EXPECT_EQ(log.entries[1].message, "disk full");
 }
 
 TEST(CommandTrap, givesTheReasonToTellAndLogsIt) {
@@ -42,6 +54,7 @@ TEST(RecordTrap, countsOnAfterFiftyAndSumsUp) {
         for (std::uint64_t i = 0; i < 53; ++i)
             EXPECT_FALSE(trap.run(i, [] { viewOf("a").u8(1); }));
         EXPECT_TRUE(trap.run(53, [] {}));
+        trap.attempt(54, [] {});
         EXPECT_EQ(trap.failed(), 53u);
     }
     ASSERT_EQ(log.entries.size(), 51u);

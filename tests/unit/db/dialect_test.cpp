@@ -21,6 +21,45 @@ TEST(Dialect, readsTextsInEitherQuote) {
     EXPECT_EQ(translate("SELECT a & b"), "SELECT a || b");
 }
 
+TEST(Dialect, comparesTextsBeyondAsciiAsLikeDoes) {
+    EXPECT_EQ(translate("SELECT * FROM t WHERE a = 'M\u00DCLLER' AND b = 'plain'"),
+              "SELECT * FROM t WHERE a  LIKE  'M\u00DCLLER' AND b = 'plain'");
+    EXPECT_EQ(translate("a <> \"\u00E4_%\""), "a  NOT LIKE  '\u00E4[_][%]'");
+    EXPECT_EQ(translate("a == '\u00E4''s'"), "a  LIKE  '\u00E4''s'");
+    EXPECT_EQ(translate("'\u00E4' = t.a AND b"), "   t.a LIKE '\u00E4' AND b");
+    EXPECT_EQ(translate("('\u00E4' != (b))"), "(   (b) NOT LIKE '\u00E4')");
+    for (const char *other : {"a < '\u00E4'", "a = '\u00E4' COLLATE BINARY", "a = '\u00E4' || b",
+                              "a IN ('\u00E4')", "SELECT '\u00E4'"})
+        EXPECT_EQ(translate(other), other);
+}
+
+TEST(Dialect, refusesADateThatIsComparedWithAText) {
+    for (const char *wrong :
+         {"ActionDateUTC = '2011-03-01'", "ActionDateUTC > '1/1/2011'", "[actiondateutc] <> ''",
+          "URLs.ExpiryDate <= \"2011\"", "'2011' < LastVisited", "'2011' = URLs.LastVisited",
+          "(OtherDate) > ('2011')", "ActionDateUTC > Date()", "ActionDateUTC >= DATE('now')",
+          "strftime('%Y', 'now') = ActionDateLocal", "TimeAdded = strftime('%Y', 'now')",
+          "ActionDateUTC LIKE '2011%'", "ActionDateUTC NOT LIKE '2011%'",
+          "ActionDateUTC IN (#2011-01-01#, '2011')", "ActionDateUTC BETWEEN '1' AND '2'",
+          "ActionDateUTC BETWEEN #2011-01-01# AND '2012'", "ActionDateUTC IS NOT '2011'"})
+        try {
+            translate(wrong);
+            ADD_FAILURE() << wrong;
+        } catch (const DialectError &refused) {
+            EXPECT_NE(std::string_view(refused.what()).find("#2011-03-01#"), std::string::npos)
+                << wrong;
+        }
+    for (const char *right :
+         {"ActionDateUTC > #2011-01-01#", "ActionDateUTC IS NULL", "ActionDateUTC > 40000",
+          "ActionDateUTC = OtherDate", "RebuiltDateTime = '2011'", "URL = 'ActionDateUTC'",
+          "ActionDateUTC IN (SELECT OtherDate FROM URLs WHERE URL = 'x')",
+          "SELECT ActionDateUTC AS 'when' FROM URLs WHERE URL = 'x'",
+          "ActionDateUTC > julianday('now') - 2415018.5",
+          "strftime('%Y', ActionDateUTC + 2415018.5) = '2011'",
+          "ActionDateUTC BETWEEN #2011-01-01# AND #2012-01-01# AND URL = 'x'"})
+        EXPECT_NO_THROW(translate(right)) << right;
+}
+
 TEST(Dialect, putsTheRowsOfTopAtTheEndOfTheirSelect) {
     EXPECT_EQ(translate("SELECT TOP 25 URLs.* FROM URLs ORDER BY Visits"),
               "SELECT  URLs.* FROM URLs ORDER BY Visits LIMIT 25");

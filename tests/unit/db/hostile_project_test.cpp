@@ -65,6 +65,30 @@ TEST_F(HostileProjectTest, aCutFileIsRefusedAndLeftAsItIs) {
     EXPECT_FALSE(fs::exists(cut.string() + "-wal"));
 }
 
+TEST_F(HostileProjectTest, aDatabaseOfAnotherProgramWithATableOfTheNameIsRefusedUnchanged) {
+    const auto foreign = folder.path() / "foreign.nvp";
+    SQLite::Database(foreign.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE)
+        .exec("CREATE TABLE URLs (URL_ID INTEGER PRIMARY KEY, URL TEXT); "
+              "INSERT INTO URLs (URL) VALUES ('theirs')");
+    // What they wrote last lies beside the file: to open it would bring that in.
+    SQLite::Database theirs(foreign.string(), SQLite::OPEN_READWRITE);
+    theirs.exec("PRAGMA journal_mode=WAL; INSERT INTO URLs (URL) VALUES ('more')");
+    const auto copy = folder.path() / "copy.nvp";
+    for (const char *suffix : {"", "-wal"})
+        fs::copy_file(foreign.string() + suffix, copy.string() + suffix);
+    const auto bytesOf = [](const fs::path &file) {
+        return std::string(ByteView(readWhole(file)).raw());
+    };
+    const std::string before = bytesOf(copy);
+    const std::string journal = bytesOf(copy.string() + "-wal");
+    EXPECT_NE(reasonOf(copy).find("this is no project: its application_id is 0x00000000"),
+              std::string::npos);
+    EXPECT_EQ(bytesOf(copy), before);
+    EXPECT_EQ(bytesOf(copy.string() + "-wal"), journal);
+    EXPECT_FALSE(fs::exists(copy.string() + "-shm"));
+    EXPECT_THROW(openReadOnly(copy), StorageFailure);
+}
+
 TEST_F(HostileProjectTest, aProjectThatLacksTheSmallTablesStillOpens) {
     makeProject("DROP TABLE Keywords; DROP TABLE URLSortTable; DROP TABLE SchemaColumns");
     EXPECT_EQ(reasonOf(project.FilePath), "opened");

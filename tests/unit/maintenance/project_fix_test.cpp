@@ -54,6 +54,15 @@ struct ProjectFixTest : test::UpgradeFixture {
     }
 };
 
+TEST_F(ProjectFixTest, aBlobOfNoBytesStaysOneAndIsNoNull) {
+    change("UPDATE URLs SET ThumbnailBLOB = x'' WHERE URL_ID = 2");
+    Unwatched task;
+    EXPECT_EQ(upgrade().fix(task).end, FixEnd::fixed);
+    EXPECT_EQ(text("SELECT typeof(ThumbnailBLOB) || length(ThumbnailBLOB) FROM URLs "
+                   "WHERE URL_ID = 2"),
+              "blob0");
+}
+
 TEST_F(ProjectFixTest, allDataStandsInAProjectOfThisBuild) {
     const std::string before = bytes(path);
     const std::string rows = shapeOfRows(path);

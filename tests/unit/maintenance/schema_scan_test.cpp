@@ -14,20 +14,41 @@ TEST_F(SchemaScanTest, aProjectOfThisBuildFitsAndIsStamped) {
     EXPECT_TRUE(found.complete);
     EXPECT_THAT(linesOf(found), IsEmpty());
     EXPECT_THAT(found.leftBehind, IsEmpty());
+    EXPECT_TRUE(upgrade().isStampOlder());
+    upgrade().stampWhenOlder();
+    EXPECT_FALSE(upgrade().isStampOlder());
     EXPECT_EQ(text("SELECT group_concat(DefaultName || '=' || DefaultValue, ' ') FROM "
                    "DefaultSettings WHERE DefaultName LIKE 'App%'"),
               "AppMajor=0 AppMinor=1 AppRevision=0");
     EXPECT_THAT(log.entries, IsEmpty());
 }
 
-TEST_F(SchemaScanTest, aProjectThatBearsTheStampIsNotWritten) {
-    scan();
+TEST_F(SchemaScanTest, aScanChangesNoByte) {
     const std::string before = bytes(path);
-    scan();
+    EXPECT_THAT(linesOf(scan()), IsEmpty());
+    EXPECT_EQ(bytes(path), before) << "whoever only looks leaves the stamp as it is";
+    EXPECT_THAT(filesBeside(), testing::UnorderedElementsAre("case.nvp", "Temp"));
+}
+
+TEST_F(SchemaScanTest, aProjectThatBearsTheStampIsNotWritten) {
+    upgrade().stampWhenOlder();
+    const std::string before = bytes(path);
+    upgrade().stampWhenOlder();
     EXPECT_EQ(bytes(path), before);
     build = {0, 0, 9};
-    scan();
+    upgrade().stampWhenOlder();
     EXPECT_EQ(bytes(path), before) << "a later build's stamp stays";
+}
+
+TEST_F(SchemaScanTest, aDatabaseOfAnotherProgramIsRefusedAndStaysAsItIs) {
+    change("PRAGMA application_id = 252006674");
+    const std::string before = bytes(path);
+    EXPECT_THROW(scan(), StorageFailure);
+    test::MemoryTask task;
+    EXPECT_THROW(upgrade().fix(task), StorageFailure);
+    upgrade().stampWhenOlder();
+    EXPECT_EQ(bytes(path), before);
+    EXPECT_THAT(filesBeside(), testing::UnorderedElementsAre("case.nvp", "Temp"));
 }
 
 TEST_F(SchemaScanTest, aMissingTableIsOneRow) {

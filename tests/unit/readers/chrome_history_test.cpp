@@ -42,6 +42,31 @@ class ChromeHistoryReader : public testing::Test {
     std::optional<ChromeHistory> m_history;
 };
 
+TEST_F(ChromeHistoryReader, aRecordThatCantBeTakenIsCountedAndNotOnlyLogged) {
+    struct RefusingSink final : RecordSink {
+        void save(URLClass &record) override {
+            if (record.URL == "http://refused/")
+                throw std::runtime_error("refused");
+            ++saved;
+        }
+        int saved = 0;
+    };
+    history().add({.id = 1, .url = "http://one/"});
+    history().add({.id = 2, .url = "http://refused/"});
+    history().add({.id = 3, .url = "http://three/"});
+    read(); // closes the builder
+    const Evidence evidence(file().parent_path());
+    ContentProbe content;
+    HistoryFile artefact;
+    artefact.FullPath = file();
+    RefusingSink sink;
+    ReadContext context{artefact, evidence,    content,      reading.clock, reading.scratch.path(),
+                        sink,     reading.log, reading.task, false};
+    const ReadResult result = ParseChromeHistoryFile(context);
+    EXPECT_EQ(sink.saved, 2);
+    EXPECT_EQ(result.passedOver.at("damaged record"), 1u);
+}
+
 TEST_F(ChromeHistoryReader, fillsEveryFieldOfARecord) {
     history().add({.id = 12,
                    .url = "http://user@www.example.com/a%20b/page.html?q=caf%C3%A9",

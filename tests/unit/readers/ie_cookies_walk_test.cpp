@@ -146,7 +146,9 @@ TEST_F(CookiesFolder, saysSoWhenTheFileCanNotBeRead) {
     const test::FixedClock clock;
     test::MemoryLog log;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    EXPECT_EQ(ParseIECookies(ctx).state, ReadState::complete);
+    const ReadResult result = ParseIECookies(ctx);
+    EXPECT_EQ(result.state, ReadState::complete);
+    EXPECT_THAT(result.noted, ElementsAre(Pair("cookie whose text file could not be read", 1u)));
     ASSERT_THAT(sink.records, SizeIs(2));
     EXPECT_EQ(sink.records[0].MetaData, "text");
     EXPECT_EQ(sink.records[1].MetaData, "Error Reading File");

@@ -221,8 +221,9 @@ TEST_F(GraphicalReportTest, aRowThatIsGoneIsToldOf) {
     EXPECT_EQ(project.log.entries[0].severity, Severity::Serious);
     EXPECT_EQ(project.log.entries[0].recommendation, kContactSupport);
     EXPECT_EQ(number(id), 1);
-    EXPECT_THAT(notesOf(each),
-                testing::ElementsAre("1 records could not be written; their entries say so."));
+    EXPECT_THAT(
+        notesOf(each),
+        testing::ElementsAre("1 records could not be written; their entries say so. Ids: 1."));
     each.CreateTabularReport(temp);
     EXPECT_THAT(textAt(each.ReportFilePath), HasSubstr("this record could not be written"));
     EXPECT_EQ(project.log.entries[1].procedure, "ReportClass.CreateTabularRecord()");
