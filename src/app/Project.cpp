@@ -2,7 +2,10 @@
 
 #include "app/Messages.h"
 #include "base/Files.h"
+#include "base/Paths.h"
+#include "base/Replace.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "db/ProjectFields.h"
 #include "db/StoredQueries.h"
 #include "time/ZoneDatabase.h"
@@ -22,17 +25,25 @@ ProjectFields fieldsOf(Program &program) {
     return {program.thisClass.ProjectDB.connection(), program.log};
 }
 
-void removeProjectFiles(const fs::path &path) {
-    for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
+/// What the database lays beside a project would be read into another one of its name.
+void removeBeside(const fs::path &path) {
+    for (const char *suffix : {"-wal", "-shm", "-journal"}) {
         std::error_code ignored;
         fs::remove(path.native() + suffix, ignored);
     }
 }
 
+void removeProjectFiles(const fs::path &path) {
+    std::error_code ignored;
+    fs::remove(path, ignored);
+    removeBeside(path);
+}
+
 void becomeOpen(Program &program) {
     ThisClass &state = program.thisClass;
     state.ProjectDBPath = state.ProjectDB.FilePath;
-    state.RootPath = fieldsOf(program).GetDefault(kRootSetting);
+    const std::string root = fieldsOf(program).GetDefault(kRootSetting);
+    state.RootPath = pathFromText(root).value_or(root);
     state.CurrentSQLDef = state.DefaultSQLDef;
 }
 

@@ -3,6 +3,7 @@
 #include "app/TempFolder.h"
 #include "app/Version.h"
 #include "base/Files.h"
+#include "base/Paths.h"
 #include "base/Trap.h"
 #include "time/ZoneDatabase.h"
 
@@ -126,8 +127,7 @@ void prepareTempFolder(Program &program) {
 }
 
 bool holds(const fs::path &folder, const fs::path &inner) {
-    const fs::path relative =
-        fs::weakly_canonical(inner).lexically_relative(fs::weakly_canonical(folder));
+    const fs::path relative = wholePath(inner).lexically_relative(wholePath(folder));
     return !relative.empty() && *relative.begin() != "..";
 }
 
