@@ -164,7 +164,8 @@ fs::path tempFolderFrom(const Program &program) {
 void startUp(Program &program, Front front) {
     ThisClass &state = program.thisClass;
     takeVersion(state);
-    program.log.remove();
+    if (front == Front::window)
+        program.log.remove();
     findCompanionTool(program);
     state.TempFolderPath = tempFolderFrom(program);
     // The shapes of photographs.

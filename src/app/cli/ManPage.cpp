@@ -47,7 +47,7 @@ where the folders below lie
 settings
 .TP
 .I ~/.local/state/norvelane/error-cli.log
-what could not be read in the last run, with offsets
+what commands could not read, with offsets; an older part lies beside it
 .TP
 .I ~/.local/state/norvelane/Temp
 scratch files
