@@ -54,14 +54,26 @@ bool isProjectName(const fs::path &path) {
 }
 
 bool createProject(Program &program, const fs::path &path) {
-    removeProjectFiles(path);
     DatabaseClass &project = program.thisClass.ProjectDB;
-    project.FilePath = fs::absolute(path);
+    const fs::path whole = fs::absolute(path);
+    // Whoever is killed meanwhile leaves no file that passes for a project and is none.
+    const fs::path aside = whole.native() + ".~new";
+    removeProjectFiles(aside);
+    project.FilePath = aside;
     project.KeywordFolder = program.paths.keywords();
     project.AgencyKeywordFolder = program.paths.home / "keywords";
-    if (!project.CreateDatabaseProject())
+    const bool made = project.CreateDatabaseProject() &&
+                      !failureOf(program.log, "DatabaseClass.CreateDatabaseProject()", [&] {
+                          stampVersion(project.connection(), program.log, buildOf(program));
+                          project.CloseDB();
+                          removeBeside(whole);
+                          replaceDurably(aside, whole);
+                          project.FilePath = whole;
+                          project.open();
+                      });
+    removeProjectFiles(aside);
+    if (!made)
         return false;
-    stampVersion(project.connection(), program.log, buildOf(program));
     becomeOpen(program);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
     setZone(program, program.thisClass.GMTZone.tzTimeZoneID);

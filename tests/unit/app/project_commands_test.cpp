@@ -262,6 +262,36 @@ TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineGoesIntoTheScratchProject)
     EXPECT_EQ(window.loaded, 1);
 }
 
+TEST_F(ProjectCommandsTest, aProjectStandsAtItsPlaceOnlyWhenItIsWhole) {
+    folder.write("case.nvp.~new", "left behind by a start that was killed");
+    folder.write("case.nvp-wal", "of an earlier project");
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
+    EXPECT_FALSE(fs::exists(path.native() + ".~new"));
+    EXPECT_EQ(db().FilePath, path);
+    set("Kept", "here");
+    EXPECT_EQ(setting("Kept"), "here");
+    commands.CloseFile();
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_EQ(setting("Kept"), "here");
+}
+
+TEST_F(ProjectCommandsTest, whatCantBecomeAProjectStays) {
+    folder.write("case.nvp/inner", "a folder of that name");
+    examiner.expect("database-not-created");
+    EXPECT_FALSE(commands.OpenFile(path, OpenMode::newAtPath));
+    EXPECT_TRUE(fs::exists(path / "inner"));
+    EXPECT_FALSE(fs::exists(path.native() + ".~new"));
+}
+
+TEST_F(ProjectCommandsTest, aBaseFolderWhoseNameIsNoUtf8IsFoundAgain) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    const fs::path base = folder.write("caf\xE9/a", "").parent_path();
+    setRootPath(*program, base);
+    commands.CloseFile();
+    commands.OpenFile(path, OpenMode::existing);
+    EXPECT_EQ(program->thisClass.RootPath, base);
+}
+
 TEST_F(ProjectCommandsTest, saveAsWritesNothingAmongTheEvidence) {
     commands.OpenFile(path, OpenMode::newAtPath);
     fs::create_directories(folder.path() / "evidence");
