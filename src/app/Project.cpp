@@ -121,6 +121,7 @@ void closeProject(Program &program) {
     state.RootPath.clear();
     state.CurrentSQLDef = state.DefaultSQLDef;
     program.import.HistoryFiles.Clear();
+    program.import.gaps = {};
 }
 
 void setRootPath(Program &program, const fs::path &root) {

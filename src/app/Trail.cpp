@@ -30,11 +30,22 @@ TrailEntry entryOf(const ArtefactResult &artefact) {
     if (artefact.notReached > 0)
         entry.Detail +=
             fmt::format(", {} not reached", counted(artefact.notReached, "entry", "entries"));
+    if (!artefact.warning.empty())
+        entry.Detail += "; " + artefact.warning;
     entry.FilePath = textOf(artefact.path);
     entry.FileSize = static_cast<std::int64_t>(artefact.FileSize);
     entry.MD5Hash = artefact.MD5Hash;
     entry.SHA256Hash = artefact.SHA256Hash;
     entry.RowCount = static_cast<std::int64_t>(artefact.rowsSaved);
+    return entry;
+}
+
+/// No entry "Import": there is nothing that a verification could compare.
+TrailEntry entryOf(const UnreadPlace &place) {
+    TrailEntry entry;
+    entry.Action = "Not Readable";
+    entry.Detail = place.reason;
+    entry.FilePath = textOf(place.path);
     return entry;
 }
 
@@ -76,6 +87,12 @@ void noteImport(Program &program, const ImportSummary &summary) {
             if (artefact.state == ArtefactState::notReached)
                 continue;
             TrailEntry entry = entryOf(artefact);
+            complete(program, entry);
+            trail.add(entry);
+            batch.written();
+        }
+        for (const UnreadPlace &place : summary.gaps.unreadable) {
+            TrailEntry entry = entryOf(place);
             complete(program, entry);
             trail.add(entry);
             batch.written();

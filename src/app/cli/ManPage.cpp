@@ -27,7 +27,7 @@ all was done, and all was read
 wrong usage
 .TP
 .B 2
-an artefact is damaged and the rest was read, or a project's schema differs from this build's
+an artefact is damaged or can't be read and the rest was, or a project's schema differs from this build's
 .TP
 .B 3
 the project or a file can't be used
