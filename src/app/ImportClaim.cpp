@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Md5.h"
+#include "base/Paths.h"
 #include "base/Trap.h"
 
 #include <fmt/format.h>
@@ -9,7 +10,7 @@
 namespace nv {
 
 ImportClaim::ImportClaim(const std::filesystem::path &project)
-    : m_claim("norvelane-import-" + md5Hex(std::filesystem::weakly_canonical(project).native())) {
+    : m_claim("norvelane-import-" + md5Hex(wholePath(project).native())) {
     if (!m_claim.isHeld())
         throw StorageFailure(fmt::format("\"{}\": another import into this project is running; "
                                          "wait for its end",

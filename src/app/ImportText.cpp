@@ -36,6 +36,8 @@ std::string artefactText(const ArtefactResult &artefact) {
         note(fmt::format("{} passed over: {}", count, reason));
     for (const auto &[reason, count] : artefact.noted)
         note(fmt::format("{} noted: {}", count, reason));
+    if (!artefact.warning.empty())
+        note("Warning: " + artefact.warning + ".");
     return text;
 }
 
@@ -75,6 +77,27 @@ std::string kindText(const std::string &reader, const KindTotals &kind) {
     return text;
 }
 
+std::string unreadableText(const ScanGaps &gaps) {
+    std::string text;
+    for (const UnreadPlace &place : gaps.unreadable)
+        text += fmt::format("{:<12} {}\n", "not readable", place.reason);
+    return text;
+}
+
+std::string gapsText(const ScanGaps &gaps) {
+    std::string text;
+    if (!gaps.unreadable.empty())
+        text += fmt::format("{} could not be read: what is in there is not in the project\n",
+                            counted(gaps.unreadable.size(), "file or folder", "files or folders"));
+    if (gaps.linksNotFollowed > 0)
+        text += fmt::format("{} not followed: a link could lead out of the evidence\n",
+                            counted(gaps.linksNotFollowed, "link"));
+    if (gaps.shaderCaches > 0)
+        text += fmt::format("{} passed over: compiled graphics programs, no addresses\n",
+                            counted(gaps.shaderCaches, "shader cache"));
+    return text;
+}
+
 std::string thumbnailsText(const ImportThumbnails &thumbnails) {
     std::string text;
     if (thumbnails.made + thumbnails.failed + thumbnails.passedOver > 0)
@@ -90,13 +113,14 @@ std::string thumbnailsText(const ImportThumbnails &thumbnails) {
 } // namespace
 
 std::string summaryText(const ImportSummary &summary) {
-    std::string text = artefactsText(summary);
+    std::string text = artefactsText(summary) + unreadableText(summary.gaps);
     for (const auto &[reader, kind] : summary.byReader())
         text += kindText(reader, kind);
     text += fmt::format(
         "{} from {} of {}; {} not reached, {} passed over\n", counted(summary.rowsSaved(), "row"),
         summary.count(ArtefactState::complete), counted(summary.artefacts.size(), "artefact"),
         counted(summary.notReached(), "entry", "entries"), counted(summary.passedOver(), "record"));
+    text += gapsText(summary.gaps);
     text += thumbnailsText(summary.thumbnails);
     if (summary.cancelled)
         text += "The import was cancelled; what was written is kept.\n";

@@ -18,6 +18,10 @@ Message commandLineFileUnknown() {
                   "The file specified is not a recognized history file.");
 }
 
+Message commandLineFileImported(std::string_view summary) {
+    return notice("command-line-file-imported", "Import", std::string(summary), Tone::Information);
+}
+
 Message startupError(std::string_view reason) {
     return failure("startup-error", "Startup Error in Main()", reason);
 }

@@ -19,6 +19,8 @@ namespace nv::messages {
 
 Message commandLineFileMissing();
 Message commandLineFileUnknown();
+/// What became of the artefact that the command line named; `summary` is its text.
+Message commandLineFileImported(std::string_view summary);
 Message startupError(std::string_view reason);
 Message groundZero();
 Message tempFolderNotCleared(std::string_view reason);

@@ -2,7 +2,10 @@
 
 #include "app/Messages.h"
 #include "base/Files.h"
+#include "base/Paths.h"
+#include "base/Replace.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "db/ProjectFields.h"
 #include "db/StoredQueries.h"
 #include "time/ZoneDatabase.h"
@@ -22,17 +25,25 @@ ProjectFields fieldsOf(Program &program) {
     return {program.thisClass.ProjectDB.connection(), program.log};
 }
 
-void removeProjectFiles(const fs::path &path) {
-    for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
+/// What the database lays beside a project would be read into another one of its name.
+void removeBeside(const fs::path &path) {
+    for (const char *suffix : {"-wal", "-shm", "-journal"}) {
         std::error_code ignored;
         fs::remove(path.native() + suffix, ignored);
     }
 }
 
+void removeProjectFiles(const fs::path &path) {
+    std::error_code ignored;
+    fs::remove(path, ignored);
+    removeBeside(path);
+}
+
 void becomeOpen(Program &program) {
     ThisClass &state = program.thisClass;
     state.ProjectDBPath = state.ProjectDB.FilePath;
-    state.RootPath = fieldsOf(program).GetDefault(kRootSetting);
+    const std::string root = fieldsOf(program).GetDefault(kRootSetting);
+    state.RootPath = pathFromText(root).value_or(root);
     state.CurrentSQLDef = state.DefaultSQLDef;
 }
 
@@ -55,14 +66,26 @@ bool isProjectName(const fs::path &path) {
 }
 
 bool createProject(Program &program, const fs::path &path) {
-    removeProjectFiles(path);
     DatabaseClass &project = program.thisClass.ProjectDB;
-    project.FilePath = fs::absolute(path);
+    const fs::path whole = fs::absolute(path);
+    // Whoever is killed meanwhile leaves no file that passes for a project and is none.
+    const fs::path aside = whole.native() + ".~new";
+    removeProjectFiles(aside);
+    project.FilePath = aside;
     project.KeywordFolder = program.paths.keywords();
     project.AgencyKeywordFolder = program.paths.home / "keywords";
-    if (!project.CreateDatabaseProject())
+    const bool made = project.CreateDatabaseProject() &&
+                      !failureOf(program.log, "DatabaseClass.CreateDatabaseProject()", [&] {
+                          stampVersion(project.connection(), program.log, buildOf(program));
+                          project.CloseDB();
+                          removeBeside(whole);
+                          replaceDurably(aside, whole);
+                          project.FilePath = whole;
+                          project.open();
+                      });
+    removeProjectFiles(aside);
+    if (!made)
         return false;
-    stampVersion(project.connection(), program.log, buildOf(program));
     becomeOpen(program);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
     setZone(program, program.thisClass.GMTZone.tzTimeZoneID);
@@ -125,6 +148,7 @@ void closeProject(Program &program) {
     state.RootPath.clear();
     state.CurrentSQLDef = state.DefaultSQLDef;
     program.import.HistoryFiles.Clear();
+    program.import.gaps = {};
 }
 
 void setRootPath(Program &program, const fs::path &root) {

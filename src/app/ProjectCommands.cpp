@@ -1,6 +1,7 @@
 #include "app/ProjectCommands.h"
 
 #include "app/ImportJob.h"
+#include "app/ImportText.h"
 #include "app/Messages.h"
 #include "app/Project.h"
 #include "app/RecentFiles.h"
@@ -39,6 +40,14 @@ bool isSameFile(const fs::path &one, const fs::path &other) {
 
 constexpr std::string_view kDefaultQueryInCapitals =
     "SELECT * FROM URLS ORDER BY ACTIONDATELOCAL ASC";
+
+ImportSummary importAlone(Program &program, const HistoryFile &artefact) {
+    program.import.HistoryFiles.Clear();
+    program.import.gaps = {};
+    program.import.HistoryFiles.Add(artefact);
+    const OpenTask task(program.thread, {});
+    return runImportJob(program, program.thread, program.thisClass.TempFolderPath);
+}
 
 } // namespace
 
@@ -196,11 +205,9 @@ bool ProjectCommands::LoadCommandLineFile(const fs::path &path) {
     const fs::path scratch = tempFileNames(m_program.thisClass.TempFolderPath).project;
     if (!OpenFile(scratch, OpenMode::newAtPath))
         return false;
-    m_program.import.HistoryFiles.Clear();
-    m_program.import.HistoryFiles.Add(*artefact);
-    const OpenTask task(m_program.thread, {});
-    runImportJob(m_program, m_program.thread, m_program.thisClass.TempFolderPath);
+    const ImportSummary summary = importAlone(m_program, *artefact);
     m_view.LoadURLs();
+    examiner.tell(messages::commandLineFileImported(summaryText(summary)));
     return true;
 }
 

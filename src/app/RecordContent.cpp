@@ -1,5 +1,6 @@
 #include "app/RecordContent.h"
 
+#include "base/Paths.h"
 #include "base/Text.h"
 #include "views/PathCheck.h"
 
@@ -30,7 +31,7 @@ std::string placeOf(const URLClass &record) {
 
 bool isPlainFile(const fs::path &path) {
     std::error_code ignored;
-    return path.native().find('\0') == std::string::npos && fs::is_regular_file(path, ignored);
+    return fs::is_regular_file(path, ignored);
 }
 
 } // namespace
@@ -63,12 +64,10 @@ std::optional<SourcePlace> sourceOfRecord(const URLClass &record) {
     if (record.HistoryFilePath.empty())
         return std::nullopt;
     const std::string moved = pathUnderBase(record.RootPath, record.HistoryFilePath);
-    // Names that were no UTF-8 are kept as Windows-1252 text.
-    for (const std::string &path : {record.HistoryFilePath, toAnsi(record.HistoryFilePath), moved,
-                                    toAnsi(moved), replaceAll(moved, "\\", "/")})
-        if (isPlainFile(path))
+    for (const std::string &text : {record.HistoryFilePath, moved, replaceAll(moved, "\\", "/")})
+        if (const auto path = pathFromText(text); path && isPlainFile(*path))
             return SourcePlace{
-                path, static_cast<std::uint64_t>(std::max<std::int64_t>(record.MapFileOffset, 0))};
+                *path, static_cast<std::uint64_t>(std::max<std::int64_t>(record.MapFileOffset, 0))};
     return std::nullopt;
 }
 

@@ -3,6 +3,7 @@
 #include "app/TempFolder.h"
 #include "app/Version.h"
 #include "base/Files.h"
+#include "base/Paths.h"
 #include "base/Trap.h"
 #include "time/ZoneDatabase.h"
 
@@ -126,8 +127,7 @@ void prepareTempFolder(Program &program) {
 }
 
 bool holds(const fs::path &folder, const fs::path &inner) {
-    const fs::path relative =
-        fs::weakly_canonical(inner).lexically_relative(fs::weakly_canonical(folder));
+    const fs::path relative = wholePath(inner).lexically_relative(wholePath(folder));
     return !relative.empty() && *relative.begin() != "..";
 }
 
@@ -164,7 +164,8 @@ fs::path tempFolderFrom(const Program &program) {
 void startUp(Program &program, Front front) {
     ThisClass &state = program.thisClass;
     takeVersion(state);
-    program.log.remove();
+    if (front == Front::window)
+        program.log.remove();
     findCompanionTool(program);
     state.TempFolderPath = tempFolderFrom(program);
     // The shapes of photographs.

@@ -31,6 +31,8 @@ TrailEntry entryOf(const ArtefactResult &artefact) {
     if (artefact.notReached > 0)
         entry.Detail +=
             fmt::format(", {} not reached", counted(artefact.notReached, "entry", "entries"));
+    if (!artefact.warning.empty())
+        entry.Detail += "; " + artefact.warning;
     entry.FilePath = textOf(artefact.path);
     entry.FileSize = static_cast<std::int64_t>(artefact.FileSize);
     entry.MD5Hash = artefact.MD5Hash;
@@ -43,6 +45,15 @@ TrailEntry entryOf(const ArtefactResult &artefact) {
 void tellWhenMissing(Program &program, const std::optional<std::string> &failure) {
     if (failure)
         program.around.examiner.tell(messages::trailNotWritten(*failure));
+}
+
+/// No entry "Import": there is nothing that a verification could compare.
+TrailEntry entryOf(const UnreadPlace &place) {
+    TrailEntry entry;
+    entry.Action = "Not Readable";
+    entry.Detail = place.reason;
+    entry.FilePath = textOf(place.path);
+    return entry;
 }
 
 } // namespace
@@ -83,6 +94,12 @@ void noteImport(Program &program, const ImportSummary &summary) {
             if (artefact.state == ArtefactState::notReached)
                 continue;
             TrailEntry entry = entryOf(artefact);
+            complete(program, entry);
+            trail.add(entry);
+            batch.written();
+        }
+        for (const UnreadPlace &place : summary.gaps.unreadable) {
+            TrailEntry entry = entryOf(place);
             complete(program, entry);
             trail.add(entry);
             batch.written();

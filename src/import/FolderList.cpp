@@ -4,7 +4,6 @@
 #include "base/Trap.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace nv {
 
@@ -20,7 +19,11 @@ void sortByBytes(std::vector<fs::path> &paths) {
 void addEntry(FolderContents &contents, const fs::directory_entry &entry) {
     std::error_code failed;
     const fs::file_status status = entry.symlink_status(failed);
-    if (fs::is_symlink(status))
+    // In a folder that may be listed and not entered every name is there and nothing behind it.
+    if (status.type() == fs::file_type::none)
+        contents.unreadable.push_back(
+            {entry.path(), FileFailure("cannot open", entry.path(), failed.value()).what()});
+    else if (fs::is_symlink(status))
         ++contents.links;
     else if (fs::is_directory(status))
         contents.folders.push_back(entry.path());
@@ -60,14 +63,14 @@ std::vector<fs::path> GetFolderList(const fs::path &root, Depth depth, TaskMonit
         const fs::path folder = std::move(waiting.back());
         waiting.pop_back();
         showFolder(task, folder);
-        auto contents = trapped(log, Severity::Warning, "ImportForm.GetFolderList()",
-                                kContactSupport, std::optional<FolderContents>(),
-                                [&] { return std::optional(contentsOf(folder)); });
-        if (!contents) {
-            gaps.unreadable.push_back(textOf(folder));
+        FolderContents contents;
+        const auto failure =
+            failureOf(log, "ImportForm.GetFolderList()", [&] { contents = contentsOf(folder); });
+        if (failure) {
+            gaps.unreadable.push_back({folder, *failure});
             continue;
         }
-        waiting.insert(waiting.end(), contents->folders.rbegin(), contents->folders.rend());
+        waiting.insert(waiting.end(), contents.folders.rbegin(), contents.folders.rend());
         list.push_back(folder);
     }
     return list;

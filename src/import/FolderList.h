@@ -2,6 +2,7 @@
 
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
+#include "import/ScanGaps.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -12,16 +13,11 @@ namespace nv {
 
 enum class Depth { thisFolder, allBelow };
 
-/// What a scan could not look at. Nothing that was left out is left out in silence.
-struct ScanGaps {
-    std::vector<std::string> unreadable; ///< folders and files; each is logged with its reason
-    std::uint64_t linksNotFollowed = 0;  ///< a link could lead out of the evidence
-};
-
 /// What lies in one folder, sorted by the bytes of the names: the order doesn't depend on the disk.
 struct FolderContents {
     std::vector<std::filesystem::path> files;
     std::vector<std::filesystem::path> folders;
+    std::vector<UnreadPlace> unreadable; ///< names of which nothing can be found out
     std::uint64_t links = 0;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "import/HistoryFiles.h"
+#include "import/ScanGaps.h"
 
 #include <cstdint>
 #include <span>
@@ -47,6 +48,7 @@ struct ImportClass {
 
     bool CancelImport = false; ///< the wizard's Cancel was pressed
     nv::HistoryFiles HistoryFiles;
+    ScanGaps gaps; ///< of the scan that made the list
 };
 
 /// A check box of the wizard that decides which artefacts are wanted; `name` is the word of

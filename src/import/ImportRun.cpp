@@ -188,6 +188,7 @@ class Import {
         result.passedOver = std::move(outcome.passedOver);
         result.noted = std::move(outcome.noted);
         settle(result, stateOf(outcome.state), outcome.reason);
+        result.warning = warningTrapped(reader, file);
         logCounts(file, result);
         if (outcome.state == ReadState::complete)
             m_sources.setSuccessful(file.SourceFile_ID);
@@ -203,6 +204,13 @@ class Import {
             write(count, "passed over: " + reason);
         if (result.notReached > 0)
             write(result.notReached, "entries not reached: " + result.reason);
+        if (!result.warning.empty())
+            write(result.rowsSaved, "rows: " + result.warning);
+    }
+
+    std::string warningTrapped(const Reader &reader, const HistoryFile &file) {
+        return trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::string(),
+                       [&] { return warningOn(reader, file.FullPath); });
     }
 
     /// A reader that fails unforeseen is told like one that knows why.
@@ -261,6 +269,7 @@ ImportSummary runImport(const ImportRun &run, ImportClass &job) {
     if (job.CancelImport)
         job.HistoryFiles.Clear();
     ImportSummary summary = nothingReached(run, job.HistoryFiles);
+    summary.gaps = job.gaps;
     summary.cancelled = job.CancelImport;
     summary.failure = failureOf(run.log, kProcedure, [&] {
                           Import(run, job, summary).all();

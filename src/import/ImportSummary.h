@@ -1,6 +1,7 @@
 #pragma once
 
 #include "db/HistoryFile.h"
+#include "import/ScanGaps.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -41,6 +42,7 @@ struct ArtefactResult {
     std::map<std::string, std::uint64_t>
         passedOver;                             ///< records that the rules leave out, by reason
     std::map<std::string, std::uint64_t> noted; ///< peculiar records that are stored, by reason
+    std::string warning;                        ///< what all its records have to be read with
     double seconds = 0;
 };
 
@@ -67,6 +69,7 @@ struct ImportSummary {
     bool cancelled = false;
     std::string failure; ///< what ended the import itself, such as a full disk
     ImportThumbnails thumbnails;
+    ScanGaps gaps; ///< what the scan could not look at
 
     std::uint64_t rowsSaved() const;
     std::uint64_t rowsLost() const;

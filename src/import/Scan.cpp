@@ -5,12 +5,14 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "import/FileMask.h"
+#include "import/FolderList.h"
 #include "readers/Limits.h"
 #include "readers/Registry.h"
 
 #include <fmt/format.h>
 
-#include <optional>
+#include <stdexcept>
+#include <utility>
 
 namespace nv {
 
@@ -41,7 +43,7 @@ class Scan {
         const fs::path start = fs::absolute(m_job.StartingDirectory).lexically_normal();
         std::error_code none;
         if (fs::is_regular_file(start, none))
-            tryFile(start, 0);
+            tryFile(start, Asked::byName, 0);
         else
             scanFolders(start);
         return std::move(m_result);
@@ -68,16 +70,21 @@ class Scan {
     void scanFolder(const fs::path &folder, double fraction) {
         const FolderContents contents = contentsOf(folder);
         m_result.gaps.linksNotFollowed += contents.links;
+        for (const UnreadPlace &place : contents.unreadable)
+            attempt(place.path, [&] { throw std::runtime_error(place.reason); });
         for (const fs::path &file : contents.files)
             if (m_mask.matches(textOf(file.filename())) && goOn(fraction))
-                tryFile(file, fraction);
+                tryFile(file, Asked::byFolder, fraction);
     }
 
-    void tryFile(const fs::path &file, double fraction) {
-        attempt(file, [&] { takeFile(file, fraction); });
+    /// Whether the examiner named the file itself.
+    enum class Asked { byName, byFolder };
+
+    void tryFile(const fs::path &file, Asked asked, double fraction) {
+        attempt(file, [&] { takeFile(file, asked, fraction); });
     }
 
-    void takeFile(const fs::path &file, double fraction) {
+    void takeFile(const fs::path &file, Asked asked, double fraction) {
         Candidate candidate = candidateOf(file);
         candidate.verifySignatures = m_job.VerifyFileSignatures;
         Bytes head;
@@ -85,7 +92,11 @@ class Scan {
             head = readHead(file, limits::kHeadBytes);
         candidate.head = ByteView(head);
         const Reader *reader = recognise(candidate);
-        if (reader && wants(m_job, reader->option))
+        if (!reader || !wants(m_job, reader->option))
+            return;
+        if (asked == Asked::byFolder && holdsShaders(*reader, candidate))
+            ++m_result.gaps.shaderCaches;
+        else
             list(describe(artefactOf(*reader, candidate), *reader), fraction);
     }
 
@@ -104,13 +115,8 @@ class Scan {
     /// A folder or file that can't be read is logged and noted, and the scan goes on.
     template <class Body>
     void attempt(const fs::path &path, Body &&body) {
-        const bool done =
-            trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-                body();
-                return true;
-            });
-        if (!done)
-            m_result.gaps.unreadable.push_back(textOf(path));
+        if (const auto failure = failureOf(m_log, kProcedure, std::forward<Body>(body)))
+            m_result.gaps.unreadable.push_back({path, *failure});
     }
 
     bool goOn(double fraction) {

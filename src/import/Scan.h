@@ -2,7 +2,6 @@
 
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
-#include "import/FolderList.h"
 #include "import/ImportClass.h"
 #include "readers/Reader.h"
 

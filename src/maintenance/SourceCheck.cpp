@@ -1,6 +1,9 @@
 #include "maintenance/SourceCheck.h"
 
 #include "base/Digest.h"
+#include "base/Files.h"
+#include "base/Md5.h"
+#include "base/Paths.h"
 #include "base/Trap.h"
 #include "db/CaseTrail.h"
 
@@ -14,6 +17,8 @@
 #include <functional>
 #include <optional>
 #include <set>
+#include <stdexcept>
+#include <system_error>
 #include <utility>
 
 namespace nv {
@@ -64,24 +69,58 @@ SourceState stateOf(const CheckedSource &source) {
     return same ? SourceState::same : SourceState::changed;
 }
 
+/// Nothing when it is gone. Only plain files are imported, so nothing else is opened: a pipe would
+/// never end. Throws FileFailure.
+std::optional<FileReader> opened(const std::string &text) {
+    const fs::path path = pathFromText(text).value_or(text);
+    std::error_code failed;
+    const fs::file_status status = fs::symlink_status(path, failed);
+    if (status.type() == fs::file_type::not_found)
+        return std::nullopt;
+    if (status.type() == fs::file_type::none)
+        throw FileFailure("cannot open", path, failed.value());
+    if (!fs::is_regular_file(status))
+        throw std::runtime_error(fmt::format("\"{}\" is no plain file any more", text));
+    return FileReader(path);
+}
+
+/// A file that has grown has changed: what lies behind its former end needs no reading, however
+/// long it is.
+bool hasGrown(const CheckedSource &source) {
+    const bool sizeIsKnown = source.sizeThen > 0 || source.MD5Then == md5Hex({});
+    return sizeIsKnown && source.sizeNow > source.sizeThen;
+}
+
 /// False when cancelled.
-bool check(CheckedSource &source, FailureLog &log, const std::function<bool()> &goOn) {
-    if (!fs::exists(source.path)) {
-        source.state = SourceState::gone;
+bool compare(CheckedSource &source, const FileReader &file, const std::function<bool()> &goOn) {
+    source.sizeNow = static_cast<std::int64_t>(file.size());
+    if (hasGrown(source)) {
+        source.state = SourceState::changed;
         return true;
     }
-    std::optional<FileHashes> now;
-    const auto failure = failureOf(log, "MainBAS.verifySources()", [&] {
-        now = hashesOfFile(source.path, [&](std::uint64_t) { return goOn(); });
-    });
+    const auto now = hashesOfFile(file, [&goOn](std::uint64_t) { return goOn(); });
+    if (!now)
+        return false;
+    source.sizeNow = static_cast<std::int64_t>(now->size);
+    source.MD5Now = now->MD5;
+    source.SHA256Now = now->SHA256;
+    source.state = stateOf(source);
+    return true;
+}
+
+/// False when cancelled.
+bool check(CheckedSource &source, FailureLog &log, const std::function<bool()> &goOn) {
+    bool whole = true;
     source.state = SourceState::unreadable;
-    if (now) {
-        source.sizeNow = static_cast<std::int64_t>(now->size);
-        source.MD5Now = now->MD5;
-        source.SHA256Now = now->SHA256;
-        source.state = stateOf(source);
-    }
-    return now || failure;
+    const auto failure = failureOf(log, "MainBAS.verifySources()", [&] {
+        if (const auto file = opened(source.path))
+            whole = compare(source, *file, goOn);
+        else
+            source.state = SourceState::gone;
+    });
+    if (failure)
+        source.sizeNow = 0;
+    return whole;
 }
 
 } // namespace

@@ -19,7 +19,7 @@ enum class SourceState {
     same,
     changed,
     gone,
-    unreadable, ///< the log says why
+    unreadable, ///< or no plain file any more; the log says why
     unknown,    ///< no hash was taken when it was imported
 };
 
@@ -33,7 +33,7 @@ struct CheckedSource {
     std::int64_t sizeThen = 0; ///< bytes
     std::int64_t sizeNow = 0;  ///< 0 when it can't be read
     std::string MD5Then;
-    std::string MD5Now;
+    std::string MD5Now;     ///< empty for a file that has grown: it isn't read
     std::string SHA256Then; ///< empty when the project has none, as of earlier versions
     std::string SHA256Now;
 };

@@ -1,5 +1,6 @@
 #include "app/cli/Grammar.h"
 #include "base/Files.h"
+#include "base/Text.h"
 #include "db/SqlTokens.h"
 
 #include <filesystem>
@@ -18,6 +19,16 @@ int fail(const std::exception &failure, Exit code) {
     return static_cast<int>(code);
 }
 
+/// As they would be typed, nearly: for people.
+std::string wordsOf(int argc, char **argv) {
+    std::string words = "norvelane-cli";
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = decodeText(argv[i]);
+        words += word.find_first_of(" \t") == std::string::npos ? " " + word : " \"" + word + '"';
+    }
+    return words;
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -25,7 +36,7 @@ int main(int argc, char **argv) {
     try {
         grammar.app.parse(argc, argv);
         const auto executable = std::filesystem::read_symlink("/proc/self/exe");
-        Session session(executable.string(), std::cout, std::cerr);
+        Session session(executable.string(), wordsOf(argc, argv), std::cout, std::cerr);
         const Exit exit = grammar.chosen(session);
         if (outputClosed)
             return kOutputClosed;

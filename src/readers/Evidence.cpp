@@ -1,8 +1,10 @@
 #include "readers/Evidence.h"
 
 #include "base/Files.h"
+#include "base/Paths.h"
 #include "base/Text.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace nv {
@@ -50,6 +52,13 @@ std::string withClosingSlash(const fs::path &folder) {
     return text;
 }
 
+/// Records name folders by their texts.
+fs::path onDisk(const fs::path &folder) {
+    const bool isPlain =
+        std::ranges::all_of(folder.native(), [](unsigned char c) { return c < 0x80; });
+    return isPlain ? folder : pathFromText(folder.native()).value_or(folder);
+}
+
 } // namespace
 
 struct Evidence::Listings {
@@ -72,12 +81,15 @@ std::string Evidence::rootOf(const fs::path &path) const {
 }
 
 std::string Evidence::relativeOf(const fs::path &path) const {
-    return textOf(path).substr(rootOf(path).size());
+    // Split before it becomes text: one name that is no UTF-8 changes the text of the others.
+    const std::string &whole = path.native();
+    const bool below = whole.starts_with(m_base.native());
+    return textOf(whole.substr(below ? m_base.native().size() : 1));
 }
 
 std::optional<fs::path> Evidence::find(const fs::path &folder, std::string_view name) const {
     const std::string unified = replaceAll(name, "\\", "/");
-    fs::path found = folder;
+    fs::path found = onDisk(folder);
     bool isFile = false;
     for (const std::string_view part : split(unified, '/')) {
         if (part.empty() || part == ".")
@@ -92,18 +104,11 @@ std::optional<fs::path> Evidence::find(const fs::path &folder, std::string_view 
     return isFile ? std::optional(found) : std::nullopt;
 }
 
-/// With its links followed; where they can't be, the path as it is written.
-static fs::path placeOf(const fs::path &path) {
-    std::error_code unreadable;
-    const fs::path whole = fs::weakly_canonical(path, unreadable);
-    return unreadable ? fs::absolute(path).lexically_normal() : whole;
-}
-
 bool liesInEvidence(const fs::path &path, const fs::path &base) {
-    const fs::path folder = base.empty() ? base : placeOf(base);
+    const fs::path folder = base.empty() ? base : wholePath(base);
     if (folder.empty() || folder == "/")
         return false;
-    const fs::path whole = placeOf(path);
+    const fs::path whole = wholePath(path);
     return whole == folder || Evidence(folder).rootOf(whole) != "/";
 }
 

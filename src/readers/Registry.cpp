@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "readers/Evidence.h"
+#include "readers/Limits.h"
 #include "readers/chrome/Cache.h"
 #include "readers/chrome/CacheBody.h"
 #include "readers/chrome/Cookies.h"
@@ -40,6 +41,10 @@ constexpr std::uint64_t kFolderCountAt = 72;
 
 // The mark that hist-ex puts in the names of the files it recovers.
 constexpr std::string_view kRecoveredIndex = "-uc-index.dat";
+
+/// Lower-case; those of "Dawn", such as "DawnGraphiteCache", are known by their beginning and end.
+constexpr std::array<std::string_view, 4> kShaderFolders = {"gpucache", "shadercache",
+                                                            "grshadercache", "graphitedawncache"};
 
 bool nameHas(const Candidate &file, std::string_view part) {
     return file.name.find(part) != std::string::npos;
@@ -112,8 +117,8 @@ bool isIEIndex(const Candidate &file) {
 
 /// An index with folders is a cache index; one without lists a history, whatever its own folder is
 /// called.
-bool hasCacheFolders(const Candidate &file) {
-    return file.head.has(kFolderCountAt, 1) && file.head.u8(kFolderCountAt) != 0;
+bool hasCacheFolders(ByteView head) {
+    return head.has(kFolderCountAt, 1) && head.u8(kFolderCountAt) != 0;
 }
 
 bool isIECookies(const Candidate &file) {
@@ -122,11 +127,11 @@ bool isIECookies(const Candidate &file) {
 
 /// Takes every index when contents aren't verified: the name can't tell history from cache.
 bool isIEHistory(const Candidate &file) {
-    return isIEIndex(file) && (!file.verifySignatures || !hasCacheFolders(file));
+    return isIEIndex(file) && (!file.verifySignatures || !hasCacheFolders(file.head));
 }
 
 bool isIECache(const Candidate &file) {
-    return isIEIndex(file) && hasCacheFolders(file);
+    return isIEIndex(file) && hasCacheFolders(file.head);
 }
 
 bool isHistExIndex(const Candidate &file) {
@@ -220,6 +225,12 @@ constexpr std::array<Reader, 23> kReaders = {{
     {csv, "csv", "Unallocated", "", "", "", isNeverMet, ParseCSVFile},
 }};
 
+bool isShaderFolder(const fs::path &folder) {
+    const std::string name = toLower(textOf(folder.filename()));
+    const bool isDawn = name.starts_with("dawn") && name.ends_with("cache");
+    return isDawn || std::ranges::find(kShaderFolders, name) != kShaderFolders.end();
+}
+
 /// The type under which a type without a row of its own is read.
 HistoryFileType readAs(HistoryFileType type) {
     switch (type) {
@@ -276,6 +287,25 @@ std::filesystem::path artefactOf(const Reader &reader, const Candidate &candidat
     if (reader.type != chromeCache)
         return candidate.file;
     return indexBeside(candidate).value_or(candidate.file);
+}
+
+/// Later browsers keep them as a database in a folder of its own, "GPUCache/.../cache.db".
+bool holdsShaders(const Reader &reader, const Candidate &candidate) {
+    const fs::path folder = candidate.file.parent_path();
+    return (reader.type == chromeCache && isShaderFolder(folder)) ||
+           (reader.type == safariCache && isShaderFolder(folder.parent_path()));
+}
+
+/// Taken by its name alone, a cache passes for a history.
+std::string warningOn(const Reader &reader, const std::filesystem::path &file) {
+    if (reader.type != ieHistory)
+        return {};
+    const Bytes head = readHead(file, limits::kHeadBytes);
+    if (!hasCacheFolders(ByteView(head)))
+        return {};
+    return "read as a history by its name alone, but it lists cache folders as a cache does: what "
+           "is called \"Last Visited\" here is a date of the server's, and cached files are not "
+           "looked for. Import it with file signatures verified";
 }
 
 } // namespace nv

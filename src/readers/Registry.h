@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace nv {
@@ -33,5 +34,13 @@ Candidate candidateOf(const std::filesystem::path &file);
 /// The file that is listed and read when `reader` takes `candidate`: the file itself, but for
 /// Chrome's cache, which is known by its first block file and read through the index beside it.
 std::filesystem::path artefactOf(const Reader &reader, const Candidate &candidate);
+
+/// A browser keeps compiled graphics programs in caches that look like those of pages: they hold no
+/// address and no page, only what the machine's graphics need.
+bool holdsShaders(const Reader &reader, const Candidate &candidate);
+
+/// Why what is stored from `file` has to be read with care, although nothing of it is damaged;
+/// empty for most files. Throws FileFailure.
+std::string warningOn(const Reader &reader, const std::filesystem::path &file);
 
 } // namespace nv

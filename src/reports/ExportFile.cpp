@@ -1,6 +1,7 @@
 #include "reports/ExportFile.h"
 
 #include "base/Files.h"
+#include "base/Paths.h"
 #include "base/Replace.h"
 #include "base/Text.h"
 #include "readers/Evidence.h"
@@ -32,13 +33,13 @@ void ExportFile::finish() {
 
 std::optional<std::string> refusalOf(const fs::path &target, const Untouchable &untouchable) {
     std::error_code none;
-    const fs::path whole = fs::weakly_canonical(target, none);
+    const fs::path whole = wholePath(target);
     const auto because = [&target](std::string_view reason) {
         return fmt::format("\"{}\" {}", textOf(target), reason);
     };
     if (fs::exists(whole, none) && !fs::is_regular_file(whole, none))
         return because("is no plain file");
-    const fs::path project = fs::weakly_canonical(untouchable.project, none);
+    const fs::path project = wholePath(untouchable.project);
     for (const char *suffix : {"", "-wal", "-shm", "-journal", ".old"})
         if (whole == project.native() + suffix || fs::equivalent(whole, project, none))
             return because("belongs to the project: nothing is written over it");

@@ -1,5 +1,6 @@
 #include "views/PathCheck.h"
 
+#include "base/Paths.h"
 #include "base/Text.h"
 
 #include <algorithm>
@@ -17,11 +18,10 @@ bool isSeparator(char c) {
     return c == '/' || c == '\\';
 }
 
-bool isFile(const std::string &path) {
-    if (path.find('\0') != std::string::npos)
-        return false;
+bool isFile(const std::string &text) {
+    const auto path = pathFromText(text);
     std::error_code ignored;
-    return std::filesystem::is_regular_file(path, ignored);
+    return path && std::filesystem::is_regular_file(*path, ignored);
 }
 
 std::string_view behindDrive(std::string_view path) {
@@ -61,9 +61,8 @@ bool PathCheck::exists(const std::string &path) {
         return known->second;
     if (m_known.size() >= kMostKnown)
         m_known.clear();
-    // Names that were no UTF-8 are kept as Windows-1252 text, and projects that were made on
-    // Windows hold its separators.
-    const bool found = isFile(path) || isFile(toAnsi(path)) || isFile(replaceAll(path, "\\", "/"));
+    // Projects that were made on Windows hold its separators.
+    const bool found = isFile(path) || isFile(replaceAll(path, "\\", "/"));
     return m_known.emplace(path, found).first->second;
 }
 

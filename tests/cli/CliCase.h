@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "cli/CliRun.h"
 #include "support/TempFolder.h"
+#include "support/WorkingFolder.h"
 #include "support/builders/IndexDat.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,12 @@ class CliCase : public testing::Test {
   protected:
     CliResult cli(const std::vector<std::string> &arguments) const {
         return runCli(arguments, folder.path() / "home");
+    }
+    /// The same, called from within `place`.
+    CliResult cliIn(const std::filesystem::path &place,
+                    const std::vector<std::string> &arguments) const {
+        const WorkingFolder in(place);
+        return cli(arguments);
     }
     /// Lays a cached file where an index of the cache in `place` finds it by its only folder.
     void addCached(IndexDat &index, const std::string &url, const std::string &name,

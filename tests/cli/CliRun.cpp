@@ -1,6 +1,7 @@
 #include "cli/CliRun.h"
 
 #include "base/Files.h"
+#include "support/Unprivileged.h"
 
 #include <csignal>
 #include <fcntl.h>
@@ -25,7 +26,7 @@ void redirect(const std::filesystem::path &file, int descriptor) {
 } // namespace
 
 CliProcess::CliProcess(const std::vector<std::string> &arguments, const std::filesystem::path &home,
-                       const std::filesystem::path &program)
+                       const std::filesystem::path &program, As as)
     : m_home(home), m_pid(-1) {
     std::filesystem::create_directories(home);
     std::vector<std::string> words{program.string()};
@@ -42,6 +43,9 @@ CliProcess::CliProcess(const std::vector<std::string> &arguments, const std::fil
         redirect("/dev/null", STDIN_FILENO);
         redirect(home / "stdout", STDOUT_FILENO);
         redirect(home / "stderr", STDERR_FILENO);
+        if (as == As::nobody && ::geteuid() == 0 &&
+            (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0))
+            ::_exit(127);
         ::execv(argv[0], argv.data());
         ::_exit(127);
     }

@@ -21,8 +21,10 @@ CliResult runProgram(const std::filesystem::path &program,
 /// Starts it in the background; its output goes to files below `home`.
 class CliProcess {
   public:
+    /// As nobody the program is bound by the modes of files, whoever runs the tests.
+    enum class As { whoeverTests, nobody };
     CliProcess(const std::vector<std::string> &arguments, const std::filesystem::path &home,
-               const std::filesystem::path &program = NV_CLI);
+               const std::filesystem::path &program = NV_CLI, As as = As::whoeverTests);
     ~CliProcess();
     CliProcess(const CliProcess &) = delete;
     CliProcess &operator=(const CliProcess &) = delete;

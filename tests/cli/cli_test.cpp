@@ -154,7 +154,7 @@ TEST_F(CliTest, aRowThatIsNotThereIsNotRebuilt) {
 TEST_F(CliTest, formatsThatAreNotReadYetAreListed) {
     folder.write("evidence/Safari/Cookies.plist", std::string(64, 'x'));
     const CliResult run = cli({"import", project.string(), evidence.string(), "--format", "json"});
-    EXPECT_EQ(run.exit, 0);
+    EXPECT_EQ(run.exit, 2);
     EXPECT_EQ(json::parse(run.out)["artefacts"][0]["state"], "not read yet");
 }
 

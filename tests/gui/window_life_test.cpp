@@ -11,6 +11,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTest>
@@ -35,7 +36,9 @@ class WindowLifeTest : public QObject {
     void recentFilesAreInTheFileMenu();
     void geometryAndTheViewersAreKept();
     void theCommandLineOpensAProject();
+    void theCommandLineReadsAnArtefactAndTellsWhatCameOfIt();
     void aWrongCommandLineIsToldAndLeavesNoProject();
+    void theWizardTellsWhatCouldNotBeRead();
     void anotherZoneChangesTheHeading();
     void aCancelledZoneChangesNothing();
     void theErrorLogIsShownAsPlainText();
@@ -171,6 +174,32 @@ void WindowLifeTest::theCommandLineOpensAProject() {
     QCOMPARE(grid().model()->rowCount(), 6);
     QVERIFY(grid().isVisible());
     QCOMPARE(m_form->focusWidget(), &grid());
+}
+
+void WindowLifeTest::theCommandLineReadsAnArtefactAndTellsWhatCameOfIt() {
+    const fs::path evidence = makeEvidence(m_desk->folder);
+    m_form->LoadCommandLineFile(evidence / "History.IE5" / "index.dat");
+    QCOMPARE(m_desk->examiner.heard, std::vector<std::string>{"command-line-file-imported"});
+    QCOMPARE(grid().model()->rowCount(), 3);
+    QVERIFY(!m_desk->program.thread.IsOpen);
+}
+
+/// The process's own memory is a file whose first bytes nobody can read.
+void WindowLifeTest::theWizardTellsWhatCouldNotBeRead() {
+    m_desk->dialogs.answer = project();
+    trigger(*m_form, "actNew");
+    whenShown<ImportForm>([this](ImportForm &wizard) {
+        child<QLineEdit>(wizard, "txtStartingDirectory").setText(QStringLiteral("/proc/self/mem"));
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
+        QCOMPARE(m_desk->examiner.heard.back(), std::string("nothing-to-import"));
+        const auto &gaps = child<QLabel>(wizard, "labScanGaps");
+        QVERIFY(gaps.isVisible());
+        QVERIFY(gaps.text().contains(QStringLiteral("could not be read: 1, the first one /proc/")));
+        QVERIFY(!child<QPushButton>(wizard, "btnNext").isEnabled());
+        QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
+    });
+    trigger(*m_form, "actImport");
+    QCOMPARE(m_desk->program.import.gaps.unreadable.size(), std::size_t{1});
 }
 
 void WindowLifeTest::aWrongCommandLineIsToldAndLeavesNoProject() {

@@ -6,7 +6,7 @@ namespace nv::cli {
 enum class Exit {
     ok = 0,
     usage = 1,
-    damagedEvidence = 2, ///< an artefact failed or was cut short; the rest is there
+    damagedEvidence = 2, ///< an artefact was not read, or not to its end; the rest is there
     rowsNotRead = 2,     ///< rows of the project could not be read; the others are there
     differs = 2,         ///< of an upgrade: the project has not the schema of this build
     projectUnusable = 3, ///< the project can't be opened or written

@@ -27,6 +27,23 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// Takes the paths away of which nothing can be found out, as of those in a folder that may not be
+/// entered: the others are imported.
+ScanGaps takeUnreachable(std::vector<std::string> &paths, FailureLog &log) {
+    ScanGaps gaps;
+    std::erase_if(paths, [&](const std::string &path) {
+        std::error_code failed;
+        if (fs::status(path, failed).type() != fs::file_type::none)
+            return false;
+        const std::string reason = FileFailure("cannot open", path, failed.value()).what();
+        log.write({reason, "ImportForm.NextBtn_Click()", Severity::Warning,
+                   std::string(kContactSupport)});
+        gaps.unreadable.push_back({fs::absolute(path).lexically_normal(), reason});
+        return true;
+    });
+    return gaps;
+}
+
 void checkPaths(const ImportArguments &arguments) {
     for (const std::string &path : arguments.paths)
         if (!fs::exists(path))
@@ -132,7 +149,7 @@ fs::path commonFolder(const std::vector<std::string> &paths) {
 void chooseBase(Session &session, const ImportArguments &arguments) {
     if (!arguments.base.empty())
         setRootPath(session.program, fs::canonical(arguments.base));
-    else if (session.program.thisClass.RootPath.empty())
+    else if (session.program.thisClass.RootPath.empty() && !arguments.paths.empty())
         setRootPath(session.program, commonFolder(arguments.paths));
 }
 
@@ -149,31 +166,29 @@ ScanResult scanPath(Session &session, const ImportArguments &arguments, const fs
     return scan(program.import, session.task, program.log);
 }
 
-void tellGaps(Session &session, const fs::path &path, const ScanResult &found) {
-    for (const std::string &gap : found.gaps.unreadable)
-        session.err << "not readable: " << printable(gap) << '\n';
-    if (found.gaps.linksNotFollowed > 0)
-        session.err << fmt::format("{} not followed\n",
-                                   counted(found.gaps.linksNotFollowed, "link"));
+void tellUnknown(Session &session, const fs::path &path, const ScanResult &found) {
+    const bool nothing = found.HistoryFiles.Count() == 0 && found.gaps.unreadable.empty();
     // Whoever names a file expects it to be read.
-    if (fs::is_regular_file(path) && found.HistoryFiles.Count() == 0 && !found.cancelled)
+    if (fs::is_regular_file(path) && nothing && !found.cancelled)
         session.err << fmt::format(
             "\"{}\" is not known as an artefact by its name, place and first "
             "bytes; --as READER takes it as one\n",
             printable(textOf(path)));
 }
 
-/// Scans every path; false when the scan was cancelled.
-bool findArtefacts(Session &session, const ImportArguments &arguments) {
+/// Scans every path; false when the scan was cancelled. `gaps` are known before.
+bool findArtefacts(Session &session, const ImportArguments &arguments, const ScanGaps &gaps) {
     ImportClass &job = session.program.import;
     const std::set<std::string_view> kinds(arguments.kinds.begin(), arguments.kinds.end());
     job.HistoryFiles.Clear();
+    job.gaps = gaps;
     for (const std::string &path : arguments.paths) {
         const ScanResult found = scanPath(session, arguments, fs::canonical(path));
         for (const HistoryFile &file : found.HistoryFiles)
             if (isWanted(file, kinds))
                 job.HistoryFiles.Add(file);
-        tellGaps(session, path, found);
+        job.gaps.add(found.gaps);
+        tellUnknown(session, path, found);
         if (found.cancelled)
             return false;
     }
@@ -186,7 +201,15 @@ Cell jsonOf(const ArtefactResult &artefact) {
             {"state", stateWord(artefact.state)}, {"rows", artefact.rowsSaved},
             {"rows_lost", artefact.rowsLost},     {"not_reached", artefact.notReached},
             {"passed_over", artefact.passedOver}, {"noted", artefact.noted},
-            {"reason", artefact.reason},          {"seconds", artefact.seconds}};
+            {"reason", artefact.reason},          {"warning", artefact.warning},
+            {"seconds", artefact.seconds}};
+}
+
+Cell jsonOf(const std::vector<UnreadPlace> &places) {
+    Cell all = Cell::array();
+    for (const UnreadPlace &place : places)
+        all.push_back({{"path", textOf(place.path)}, {"reason", place.reason}});
+    return all;
 }
 
 Cell jsonOf(const ImportSummary &summary) {
@@ -210,6 +233,9 @@ Cell jsonOf(const ImportSummary &summary) {
               {"passed_over", summary.passedOver()},
               {"seconds", summary.seconds()}}},
             {"kinds", kinds},
+            {"unreadable", jsonOf(summary.gaps.unreadable)},
+            {"links_not_followed", summary.gaps.linksNotFollowed},
+            {"shader_caches", summary.gaps.shaderCaches},
             {"thumbnails",
              {{"made", summary.thumbnails.made},
               {"failed", summary.thumbnails.failed},
@@ -233,13 +259,17 @@ Exit exitFor(const ImportSummary &summary) {
     if (summary.cancelled)
         return Exit::interrupted;
     const bool damaged = summary.count(ArtefactState::failed) > 0 ||
-                         summary.count(ArtefactState::cutShort) > 0 || summary.rowsLost() > 0;
+                         summary.count(ArtefactState::cutShort) > 0 ||
+                         summary.count(ArtefactState::notReadYet) > 0 || summary.rowsLost() > 0 ||
+                         !summary.gaps.unreadable.empty();
     return damaged ? Exit::damagedEvidence : Exit::ok;
 }
 
 } // namespace
 
-Exit importCommand(Session &session, const ImportArguments &arguments) {
+Exit importCommand(Session &session, const ImportArguments &given) {
+    ImportArguments arguments = given;
+    const ScanGaps unreachable = takeUnreachable(arguments.paths, session.program.log);
     checkDrawing(arguments);
     checkPaths(arguments);
     checkProjectPlace(arguments);
@@ -259,7 +289,7 @@ Exit importCommand(Session &session, const ImportArguments &arguments) {
     program.import.MakeThumbnails = arguments.thumbnails;
 
     ImportSummary summary;
-    summary.cancelled = !findArtefacts(session, arguments);
+    summary.cancelled = !findArtefacts(session, arguments, unreachable);
     if (!summary.cancelled)
         summary = runImportJob(program, session.task, session.scratch());
     session.task.clear();
@@ -269,10 +299,10 @@ Exit importCommand(Session &session, const ImportArguments &arguments) {
     session.out << (arguments.json ? jsonText(jsonOf(summary), 2) + "\n"
                                    : printableLines(summaryText(summary)));
     // A folder may well hold nothing; a file was named because it was thought to be one.
-    const bool unknown = summary.artefacts.empty() && !summary.cancelled &&
-                         std::ranges::any_of(arguments.paths, [](const std::string &path) {
-                             return fs::is_regular_file(path);
-                         });
+    const bool unknown =
+        summary.artefacts.empty() && summary.gaps.unreadable.empty() && !summary.cancelled &&
+        std::ranges::any_of(arguments.paths,
+                            [](const std::string &path) { return fs::is_regular_file(path); });
     return unknown ? Exit::usage : exitFor(summary);
 }
 

@@ -27,7 +27,7 @@ all was done, and all was read
 wrong usage
 .TP
 .B 2
-an artefact is damaged and the rest was read, or a project's schema differs from this build's
+an artefact is damaged or can't be read and the rest was, or a project's schema differs from this build's
 .TP
 .B 3
 the project or a file can't be used
@@ -47,7 +47,7 @@ where the folders below lie
 settings
 .TP
 .I ~/.local/state/norvelane/error-cli.log
-what could not be read in the last run, with offsets
+what commands could not read, with offsets; an older part lies beside it
 .TP
 .I ~/.local/state/norvelane/Temp
 scratch files

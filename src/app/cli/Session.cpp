@@ -19,11 +19,13 @@ Answer StreamExaminer::ask(const Message &message) {
     return message.unattended;
 }
 
-Session::Session(const std::string &executable, std::ostream &toOut, std::ostream &toErr)
+Session::Session(const std::string &executable, std::string_view command, std::ostream &toOut,
+                 std::ostream &toErr)
     : out(toOut), err(toErr), m_examiner(toErr),
       program(findProgramPaths(executable), Front::headless,
               {m_examiner, m_status, m_clock, m_systemTime, m_network}),
       task(toErr, ::isatty(STDERR_FILENO) == 1) {
+    program.log.goOnFor(command);
     startUp(program, Front::headless);
     catchInterrupts();
 }

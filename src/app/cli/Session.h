@@ -9,6 +9,7 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace nv::cli {
 
@@ -40,7 +41,9 @@ class NoStatusView final : public StatusView {
 /// What one run of the headless program works with.
 class Session {
   public:
-    Session(const std::string &executable, std::ostream &out, std::ostream &err);
+    /// `command` is what was called, for the log.
+    Session(const std::string &executable, std::string_view command, std::ostream &out,
+            std::ostream &err);
     ~Session();
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;

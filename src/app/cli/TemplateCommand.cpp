@@ -1,6 +1,7 @@
 #include "app/Project.h"
 #include "app/TemplateJob.h"
 #include "app/cli/Commands.h"
+#include "app/cli/OutputPath.h"
 #include "app/cli/RowCheck.h"
 #include "base/Files.h"
 #include "rebuild/Harvest.h"
@@ -60,6 +61,7 @@ Exit templateCreateCommand(Session &session, const TemplateArguments &arguments)
     checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
     program.thisClass.WideRecordIds |= arguments.wideIds;
     const fs::path folder = folderOf(program, arguments);
+    refuseEvidence(folder, program.thisClass.RootPath);
     Exit exit = Exit::ok;
     {
         RebuildTools tools(program, session.task, session.scratch());

@@ -5,6 +5,7 @@
 #include "app/ImportText.h"
 #include "app/Messages.h"
 #include "app/Project.h"
+#include "base/Files.h"
 #include "base/Trap.h"
 #include "import/ui/FoundFilesModel.h"
 #include "platform/qt/QtText.h"
@@ -32,10 +33,14 @@ QString gapsText(const ScanResult &result) {
     if (!result.gaps.unreadable.empty())
         gaps += ImportForm::tr("Folders or files that could not be read: %L1, the first one %2")
                     .arg(result.gaps.unreadable.size())
-                    .arg(toQt(displayText(result.gaps.unreadable.front())));
+                    .arg(toQt(displayText(textOf(result.gaps.unreadable.front().path))));
     if (result.gaps.linksNotFollowed > 0)
         gaps +=
             ImportForm::tr("Links that were not followed: %L1").arg(result.gaps.linksNotFollowed);
+    if (result.gaps.shaderCaches > 0)
+        gaps +=
+            ImportForm::tr("Shader caches that were passed over, as they hold no addresses: %L1")
+                .arg(result.gaps.shaderCaches);
     return gaps.join(u'\n');
 }
 
@@ -132,6 +137,7 @@ ScanResult ImportForm::runScan() {
 void ImportForm::showScan(const ScanResult &result) {
     ImportClass &job = m_program.import;
     job.HistoryFiles = result.HistoryFiles;
+    job.gaps = result.gaps;
     m_files->setFiles(job.HistoryFiles);
     m_scanFolder->clear();
     m_scanStep->setText(tr("Files found: %L1").arg(m_files->rowCount()));
@@ -141,7 +147,8 @@ void ImportForm::showScan(const ScanResult &result) {
     showStep(Files);
     if (m_files->rowCount() == 0 && !result.cancelled) {
         m_program.around.examiner.tell(messages::nothingToImport());
-        showStep(Choose);
+        // What could not be read is listed on this page.
+        showStep(result.gaps.unreadable.empty() ? Choose : Files);
     }
 }
 

@@ -75,6 +75,7 @@ class mzMozillaCache {
     bool readBuckets(const mzMapHeader &header, TaskMonitor &task, ReadResult &result);
     std::string_view takeBucket(const mzBucket &bucket, const mzMapHeader &header);
     void noteShortMap(const mzMapHeader &header, ReadResult &result) const;
+    void noteRefused(ReadResult &result);
     void noteBehindLastBucket(ReadResult &result) const;
 
     FailureLog &m_log;

@@ -1,4 +1,5 @@
 #include "base/Files.h"
+#include "base/Text.h"
 #include "readers/firefox/Cache.h"
 
 #include <fmt/format.h>
@@ -52,8 +53,11 @@ bool mzMozillaCache::ReadCache(HistoryFile &file, TaskMonitor &task, ReadResult 
     CacheError.clear();
     task.describe({"PARSING MOZILLA FIREFOX CACHE", "Reading MAP File...", textOf(file.FullPath),
                    "firefox-32.gif"});
-    if (!acceptVersion(file))
+    if (!acceptVersion(file)) {
+        if (isLaterVersion)
+            noteRefused(result);
         return false;
+    }
     const std::optional<mzMapHeader> header = GetHeader();
     if (!header) {
         CacheError =
@@ -126,6 +130,19 @@ std::string_view mzMozillaCache::takeBucket(const mzBucket &bucket, const mzMapH
         return "metadata in one block";
     CacheRecords.Add({bucket, *data, *metaData, header, GetRecordData(*data), std::nullopt});
     return {};
+}
+
+/// The map itself is laid out as before. Of a map that ends early only the header knows more.
+void mzMozillaCache::noteRefused(ReadResult &result) {
+    std::int64_t entries = 0;
+    for (std::int64_t n = 0; n < std::min(bucketCount(), kLastCounted); ++n)
+        if (const auto bucket = GetBucket(n); bucket && !isFree(*bucket))
+            ++entries;
+    if (const std::optional<mzMapHeader> header = GetHeader())
+        entries = std::max(entries, std::min(header->EntryCount, kLastCounted));
+    result.notReached = static_cast<std::uint64_t>(entries);
+    CacheError +=
+        fmt::format("; this one holds {}", counted(result.notReached, "entry", "entries"));
 }
 
 void mzMozillaCache::noteBehindLastBucket(ReadResult &result) const {

@@ -8,6 +8,7 @@
 #include "readers/safari/Cache.h"
 
 #include "base/Files.h"
+#include "base/Paths.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/ContentProbe.h"
@@ -217,12 +218,12 @@ ReadResult ParseSafariCacheFile(ReadContext &ctx) {
 }
 
 bool fetchSafariBody(const URLClass &record, const Evidence &evidence, BodyTarget &target) {
-    const fs::path file = record.HistoryFilePath;
-    if (!fs::is_regular_file(file))
+    const auto file = pathFromText(record.HistoryFilePath);
+    if (!file || !fs::is_regular_file(*file))
         return false;
-    const EvidenceCopy copy(evidence, file, target.file().parent_path());
+    const EvidenceCopy copy(evidence, *file, target.file().parent_path());
     EvidenceDatabase database(copy.path(), copy.size());
-    CacheBlobs blobs(database, evidence, file);
+    CacheBlobs blobs(database, evidence, *file);
     const SafariBody body = blobs.body(record.Reference_ID);
     if (body.size() == 0)
         return false;

@@ -314,11 +314,53 @@ TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineGoesIntoTheScratchProject)
     record.url = "Visited: mara@http://host.example/";
     record.secondDate = test::fileTime(2011, 3, 1);
     index.add(record);
+    examiner.expect("command-line-file-imported");
     EXPECT_TRUE(commands.LoadCommandLineFile(folder.write("any name.dat", index.bytes())));
+    const std::string &summary = examiner.heard.at(0).text;
+    EXPECT_NE(summary.find("complete             1 row"), std::string::npos) << summary;
+    EXPECT_NE(summary.find("1 row from 1 of 1 artefact;"), std::string::npos) << summary;
     EXPECT_EQ(program->thisClass.ProjectDBPath,
               tempFileNames(program->thisClass.TempFolderPath).project);
     EXPECT_EQ(rows(), 1);
     EXPECT_EQ(window.loaded, 1);
+}
+
+TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineThatCantBeReadIsTold) {
+    examiner.expect("command-line-file-imported");
+    EXPECT_TRUE(commands.LoadCommandLineFile(folder.write("x.dat", "Client UrlCache, no more")));
+    EXPECT_NE(examiner.heard.at(0).text.find("0 rows from"), std::string::npos)
+        << examiner.heard.at(0).text;
+    EXPECT_EQ(rows(), 0);
+}
+
+TEST_F(ProjectCommandsTest, aProjectStandsAtItsPlaceOnlyWhenItIsWhole) {
+    folder.write("case.nvp.~new", "left behind by a start that was killed");
+    folder.write("case.nvp-wal", "of an earlier project");
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
+    EXPECT_FALSE(fs::exists(path.native() + ".~new"));
+    EXPECT_EQ(db().FilePath, path);
+    set("Kept", "here");
+    EXPECT_EQ(setting("Kept"), "here");
+    commands.CloseFile();
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_EQ(setting("Kept"), "here");
+}
+
+TEST_F(ProjectCommandsTest, whatCantBecomeAProjectStays) {
+    folder.write("case.nvp/inner", "a folder of that name");
+    examiner.expect("database-not-created");
+    EXPECT_FALSE(commands.OpenFile(path, OpenMode::newAtPath));
+    EXPECT_TRUE(fs::exists(path / "inner"));
+    EXPECT_FALSE(fs::exists(path.native() + ".~new"));
+}
+
+TEST_F(ProjectCommandsTest, aBaseFolderWhoseNameIsNoUtf8IsFoundAgain) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    const fs::path base = folder.write("caf\xE9/a", "").parent_path();
+    setRootPath(*program, base);
+    commands.CloseFile();
+    commands.OpenFile(path, OpenMode::existing);
+    EXPECT_EQ(program->thisClass.RootPath, base);
 }
 
 TEST_F(ProjectCommandsTest, saveAsWritesNothingAmongTheEvidence) {

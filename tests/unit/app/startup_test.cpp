@@ -78,9 +78,11 @@ TEST_F(StartupTest, aFolderThatHoldsTheSettingsOrTheLogsIsNeverEmptied) {
 TEST_F(StartupTest, theHeadlessProgramLeavesTheTempFolderOfTheWindowAlone) {
     folder.write("home/Temp/of-the-window.txt", "x");
     folder.write("home/error.log", "of the window");
+    folder.write("home/error-cli.log", "of an earlier command");
     start(Front::headless);
     EXPECT_TRUE(fs::exists(folder.path() / "home" / "Temp" / "of-the-window.txt"));
     EXPECT_TRUE(fs::exists(folder.path() / "home" / "error.log"));
+    EXPECT_TRUE(fs::exists(folder.path() / "home" / "error-cli.log"));
 }
 
 TEST_F(StartupTest, theZoneIsTheMachinesOrTheDefault) {

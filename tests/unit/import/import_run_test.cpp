@@ -243,6 +243,32 @@ TEST_F(ImportRunTest, readsAnIndexByItsOwnReader) {
               "http://host/page.htm|user|HTML");
 }
 
+TEST_F(ImportRunTest, tellsOfWhatTheScanCouldNotLookAt) {
+    job.gaps.unreadable.push_back({"/e/index.dat", "cannot open"});
+    job.gaps.linksNotFollowed = 2;
+    const ImportSummary summary = import();
+    ASSERT_EQ(summary.gaps.unreadable.size(), 1u);
+    EXPECT_EQ(summary.gaps.unreadable[0].path, "/e/index.dat");
+    EXPECT_EQ(summary.gaps.linksNotFollowed, 2u);
+}
+
+TEST_F(ImportRunTest, warnsOfACacheThatIsReadAsAHistory) {
+    test::IndexDat cache;
+    cache.folder("ABCDEFGH");
+    cache.add({.url = "http://host/page.htm", .secondDate = test::fileTime(2011, 3, 1)});
+    test::IndexDat history;
+    history.add({.url = "Visited: mara@http://host/", .secondDate = test::fileTime(2011, 3, 1)});
+    add(ieHistory, "a/index.dat", cache.bytes());
+    add(ieHistory, "b/index.dat", history.bytes());
+    add(ieCache, "c/index.dat", cache.bytes());
+    Unwatched task;
+    const ImportSummary summary = import(task, readerFor);
+    EXPECT_NE(summary.artefacts[0].warning.find("lists cache folders"), std::string::npos);
+    EXPECT_EQ(summary.artefacts[1].warning, "");
+    EXPECT_EQ(summary.artefacts[2].warning, "");
+    EXPECT_EQ(project.log.entries.size(), 1u);
+}
+
 TEST(StateWords, areThoseOfTheSummary) {
     EXPECT_EQ(stateWord(ArtefactState::cutShort), "cut short");
     EXPECT_EQ(stateWord(ArtefactState::notReadYet), "not read yet");

@@ -2,6 +2,7 @@
 #include "import/Scan.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
+#include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
 
@@ -38,6 +39,18 @@ class ScanTest : public testing::Test {
             lines.push_back(std::to_string(static_cast<int>(file.HistoryFileType)) + " " +
                             fs::path(file.FullPath).lexically_relative(folder.path()).string());
         return lines;
+    }
+
+    /// As somebody to whom the modes of files mean something.
+    ScanResult scannedWithoutPrivileges() {
+        const test::Unprivileged nobody(folder.path());
+        return scanned();
+    }
+    static std::vector<std::string> unreadable(const ScanResult &result) {
+        std::vector<std::string> paths;
+        for (const UnreadPlace &place : result.gaps.unreadable)
+            paths.push_back(place.path.string());
+        return paths;
     }
 
     test::TempFolder folder;
@@ -172,24 +185,57 @@ TEST_F(ScanTest, notesAFolderThatIsntThere) {
     job.StartingDirectory = folder.path() / "gone";
     const ScanResult result = scanned();
     EXPECT_EQ(result.HistoryFiles.Count(), 0u);
-    EXPECT_EQ(result.gaps.unreadable, Lines{job.StartingDirectory});
+    EXPECT_EQ(unreadable(result), Lines{job.StartingDirectory});
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_EQ(log.entries[0].procedure, "ImportForm.GetFolderList()");
 }
 
 TEST_F(ScanTest, notesWhatItCantReadAndGoesOn) {
-    if (::geteuid() == 0)
-        GTEST_SKIP() << "the superuser can read everything";
     const auto file = folder.write("a/index.dat", indexBytes(0));
     folder.write("b/index.dat", indexBytes(0));
     folder.write("z/index.dat", indexBytes(0));
     fs::permissions(file, fs::perms::none);
     fs::permissions(folder.path() / "b", fs::perms::none);
-    const ScanResult result = scanned();
+    const ScanResult result = scannedWithoutPrivileges();
     fs::permissions(folder.path() / "b", fs::perms::owner_all);
     EXPECT_EQ(result.HistoryFiles.Count(), 1u);
-    EXPECT_EQ(result.gaps.unreadable, (Lines{(folder.path() / "b").string(), file.string()}));
+    EXPECT_EQ(unreadable(result), (Lines{(folder.path() / "b").string(), file.string()}));
+    EXPECT_NE(result.gaps.unreadable.at(1).reason.find("Permission denied"), std::string::npos);
     EXPECT_EQ(log.entries.size(), 2u);
+}
+
+TEST_F(ScanTest, notesTheNamesInAFolderThatCantBeEntered) {
+    folder.write("b/index.dat", indexBytes(0));
+    fs::permissions(folder.path() / "b", fs::perms::owner_read | fs::perms::others_read);
+    const ScanResult result = scannedWithoutPrivileges();
+    fs::permissions(folder.path() / "b", fs::perms::owner_all);
+    EXPECT_EQ(unreadable(result), Lines{(folder.path() / "b" / "index.dat").string()});
+}
+
+/// Its first bytes are where nothing is mapped, so reading fails although it was opened.
+TEST_F(ScanTest, notesAReadingThatFails) {
+    job.StartingDirectory = "/proc/self/mem";
+    const ScanResult result = scanned();
+    EXPECT_EQ(unreadable(result), Lines{"/proc/self/mem"});
+    EXPECT_NE(result.gaps.unreadable.at(0).reason.find("Input/output error"), std::string::npos);
+}
+
+TEST_F(ScanTest, passesShaderCachesOverAndCountsThem) {
+    for (const char *name :
+         {"Cache", "GPUCache", "DawnCache", "DawnGraphiteCache", "dawnWebGPUCache", "GrShaderCache",
+          "ShaderCache", "Dawn", "GPUCache2"}) {
+        folder.write(fs::path(name) / "data_0", "blocks");
+        folder.write(fs::path(name) / "index", "the index");
+    }
+    folder.write("GPUPersistentCache/GPUCache/DOZVSIMZ/cache.db", "later form");
+    EXPECT_EQ(found(), (Lines{"20 Cache/index", "20 Dawn/index", "20 GPUCache2/index"}));
+    EXPECT_EQ(scanned().gaps.shaderCaches, 7u);
+    job.StartingDirectory = folder.path() / "GPUCache" / "data_0";
+    EXPECT_EQ(scanned().HistoryFiles.Count(), 1u) << "whoever names it wants it";
+    job.StartingDirectory = folder.path();
+    job.IncludeCacheChrome = false;
+    job.IncludeCacheSafari = false;
+    EXPECT_EQ(scanned().gaps.shaderCaches, 0u);
 }
 
 TEST_F(ScanTest, showsWhereItIs) {

@@ -1,13 +1,17 @@
 #include "base/Digest.h"
+#include "base/Files.h"
 #include "db/CaseTrail.h"
 #include "db/DatabaseClass.h"
 #include "maintenance/SourceCheck.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
+#include "support/Unprivileged.h"
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 #include <gmock/gmock.h>
+
+#include <sys/stat.h>
 
 namespace nv {
 namespace {
@@ -27,13 +31,14 @@ struct SourceCheckTest : testing::Test {
         SQLite::Statement row(project.connection(),
                               "INSERT INTO SourceFiles (FilePath, MD5Hash, FileSize) "
                               "VALUES (?, ?, ?)");
-        row.bind(1, path.string());
+        row.bind(1, textOf(path));
         row.bind(2, hashes.MD5);
         row.bind(3, static_cast<std::int64_t>(hashes.size));
         row.exec();
         TrailEntry entry;
         entry.Action = "Import";
-        entry.FilePath = path.string();
+        entry.FilePath = textOf(path);
+        entry.FileSize = static_cast<std::int64_t>(hashes.size);
         entry.MD5Hash = hashes.MD5;
         entry.SHA256Hash = hashes.SHA256;
         CaseTrail(project.connection()).add(entry);
@@ -77,6 +82,60 @@ TEST_F(SourceCheckTest, changedGoneAndUnreadableFilesAreTold) {
     EXPECT_EQ(log.entries.size(), 1U);
     EXPECT_EQ(summaryText(check),
               "0 of 3 imported files are as they were, 1 changed, 1 gone, 1 unreadable.");
+}
+
+TEST_F(SourceCheckTest, onlyPlainFilesAreOpened) {
+    const fs::path pipe = add("pipe", "one");
+    const fs::path endless = add("endless", "two");
+    fs::remove(pipe);
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    fs::remove(endless);
+    fs::create_symlink("/dev/zero", endless);
+    const SourceCheck check = verify();
+    EXPECT_EQ(check.sources.at(0).state, SourceState::unreadable);
+    EXPECT_EQ(check.sources.at(1).state, SourceState::unreadable);
+    ASSERT_EQ(log.entries.size(), 2U);
+    EXPECT_NE(log.entries[0].message.find("is no plain file any more"), std::string::npos);
+}
+
+TEST_F(SourceCheckTest, aFileThatHasGrownHasChangedHoweverLongItIs) {
+    const fs::path grown = add("grown", "one");
+    const fs::path filled = add("filled", "");
+    constexpr std::uintmax_t kHuge = std::uintmax_t{1} << 40; // a sparse file, hours to read
+    fs::resize_file(grown, kHuge);
+    fs::resize_file(filled, kHuge);
+    const SourceCheck check = verify();
+    for (const CheckedSource &source : check.sources) {
+        EXPECT_EQ(source.state, SourceState::changed);
+        EXPECT_EQ(source.sizeNow, static_cast<std::int64_t>(kHuge));
+        EXPECT_EQ(source.MD5Now, "");
+    }
+}
+
+TEST_F(SourceCheckTest, findsFilesWhoseNamesAreNoUtf8) {
+    add("caf\xE9/na\xC3\xAFve/a", "one");
+    const SourceCheck check = verify();
+    EXPECT_TRUE(check.allSame()) << summaryText(check);
+}
+
+TEST_F(SourceCheckTest, whatMayNotBeOpenedIsNotGone) {
+    const fs::path file = add("closed/a", "one");
+    fs::permissions(file.parent_path(), fs::perms::none);
+    SourceCheck check;
+    {
+        const test::Unprivileged nobody(folder.path());
+        check = verify();
+    }
+    fs::permissions(file.parent_path(), fs::perms::owner_all);
+    EXPECT_EQ(check.sources.at(0).state, SourceState::unreadable);
+}
+
+TEST_F(SourceCheckTest, whatCouldNotBeImportedIsNotCompared) {
+    TrailEntry entry;
+    entry.Action = "Not Readable";
+    entry.FilePath = "/nowhere";
+    CaseTrail(project.connection()).add(entry);
+    EXPECT_TRUE(verify().sources.empty());
 }
 
 TEST_F(SourceCheckTest, aForgedMd5IsFoundByTheOtherHash) {

@@ -1,5 +1,6 @@
 #include "readers/Evidence.h"
 #include "support/TempFolder.h"
+#include "support/WorkingFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -60,6 +61,27 @@ TEST(Evidence, knowsWhatLiesInItThroughLinks) {
     EXPECT_FALSE(liesInEvidence(folder.path(), evidence));
     EXPECT_FALSE(liesInEvidence(evidence, ""));
     EXPECT_FALSE(liesInEvidence(evidence, "/"));
+}
+
+TEST(Evidence, knowsThatBareNamesLieInIt) {
+    const test::TempFolder folder;
+    folder.write("evidence/a.txt", "x");
+    const auto evidence = folder.path() / "evidence";
+    const test::WorkingFolder in(evidence);
+    EXPECT_TRUE(liesInEvidence("case.nvp", evidence));
+    EXPECT_TRUE(liesInEvidence("new/folder", evidence));
+    EXPECT_TRUE(liesInEvidence("case.nvp", "."));
+    EXPECT_FALSE(liesInEvidence("../case.nvp", evidence));
+}
+
+TEST(Evidence, partsPathsWhoseNamesAreNoUtf8) {
+    const test::TempFolder folder;
+    const auto file = folder.write("caf\xC3\xA9/na\xEFve/a.txt", "x");
+    const Evidence evidence(folder.path() / "caf\xC3\xA9");
+    EXPECT_EQ(evidence.relativeOf(file), "na\u00EFve/a.txt");
+    EXPECT_EQ(evidence.find(evidence.rootOf(file), evidence.relativeOf(file)), file);
+    const Evidence inner(file.parent_path());
+    EXPECT_EQ(inner.find(inner.rootOf(file), "a.txt"), file) << "the root is a text too";
 }
 
 } // namespace

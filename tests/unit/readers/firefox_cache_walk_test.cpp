@@ -85,7 +85,19 @@ TEST_F(FirefoxCacheWalk, isNoReadingOfALaterVersion) {
     EXPECT_THAT(urls(), IsEmpty());
     EXPECT_EQ(result.state, ReadState::notReadYet);
     EXPECT_THAT(result.reason, HasSubstr("version 00010013, later than Firefox 3's (0001000B)"));
+    EXPECT_THAT(result.reason, HasSubstr("holds 2 entries"));
+    EXPECT_EQ(result.notReached, 2u);
     EXPECT_THAT(messages(), ElementsAre(result.reason));
+}
+
+TEST_F(FirefoxCacheWalk, believesTheHeaderOfALaterMapThatEndsEarly) {
+    FirefoxCache cache = cacheOf(3, 0x00010013);
+    cache.map.resize(0x114);
+    read(cache);
+    EXPECT_EQ(result.notReached, 3u);
+    test::put32be(cache.map, 8, 0xFFFFFFFF);
+    read(cache);
+    EXPECT_EQ(result.notReached, 0x10000u) << "no count of a hostile map is taken as it is";
 }
 
 TEST_F(FirefoxCacheWalk, isNoReadingOfAnyOtherVersion) {

@@ -139,6 +139,16 @@ TEST_F(SafariBodies, areExtractedByTheirEntry) {
     EXPECT_TRUE(log.entries.empty());
 }
 
+TEST_F(SafariBodies, areExtractedBelowAFolderWhoseNameIsNoUtf8) {
+    fs::create_directory(folder.path() / "Caf\xE9");
+    const fs::path cache = folder.path() / "Caf\xE9" / "Cache.db";
+    SafariCache(cache).add({.id = 1, .body = "one"});
+    URLClass record = saved(1);
+    record.HistoryFilePath = textOf(cache);
+    ASSERT_TRUE(extract(record));
+    EXPECT_EQ(contentOf(record.RunTimeTempFilePath), "one");
+}
+
 TEST_F(SafariBodies, getTheSuffixThatIsAskedFor) {
     SafariCache(file()).add({.id = 1, .body = "x"});
     URLClass record = saved(1);

@@ -5,6 +5,7 @@
 #include "reports/ExportWriter.h"
 #include "reports/SheetCount.h"
 #include "support/SmallFiles.h"
+#include "support/WorkingFolder.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
@@ -332,6 +333,9 @@ TEST_F(ExportTest, theProjectAndTheEvidenceAreNotWrittenOver) {
         EXPECT_TRUE(refusalOf(target, {nvp, evidence})) << target;
     EXPECT_FALSE(refusalOf(out, {nvp, evidence}));
     EXPECT_FALSE(refusalOf(out, {nvp, "/"}));
+    const test::WorkingFolder in(evidence);
+    EXPECT_TRUE(refusalOf("new.csv", {nvp, evidence}));
+    EXPECT_FALSE(refusalOf("../new.csv", {nvp, evidence}));
 }
 
 } // namespace
