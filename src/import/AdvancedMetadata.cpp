@@ -32,8 +32,9 @@ std::string_view titleIn(std::string_view html) {
 
 PageFindings AdvancedMetadata::ParseAdvancedMetadata(URLClass &record) const {
     PageFindings found;
-    // A reader that knows of no content names the artefact itself as the record's file.
-    if (!record.CacheFileExists)
+    // A reader that knows of no content names the artefact itself as the record's file, and the
+    // text of a cookie is no page, whatever a site wrote into it.
+    if (!record.CacheFileExists || record.IsCookie)
         return found;
     const auto examineAll = [&] {
         examine(record, found);

@@ -48,7 +48,16 @@ bool hasWord(std::string_view words, std::string_view word) {
     return false;
 }
 
-std::string extensionOf(const ContentFacts &facts) {
+/// Firefox's pages may begin as XML does, and are told by their tags. Those of other browsers keep
+/// the category by the first bytes that earlier cases were counted with.
+bool isXhtmlOfFirefox(const URLClass &record, const ContentFacts &facts) {
+    return facts.extension == "xml" && (facts.hasHtml || facts.hasBody) &&
+           equalsNoCase(record.cacheType, "Firefox Cache");
+}
+
+std::string extensionOf(const URLClass &record, const ContentFacts &facts) {
+    if (isXhtmlOfFirefox(record, facts))
+        return "html";
     if (!facts.extension.empty())
         return facts.extension;
     if (facts.hasHtml || facts.hasBody || facts.hasTable)
@@ -74,6 +83,9 @@ void Verdict::applyTo(URLClass &record) const {
 }
 
 Verdict Categories::verdictOn(URLClass &record) const {
+    // A cookie is one whatever its file, or the address that it belongs to, is called.
+    if (record.IsCookie)
+        return {"", record.Category};
     Verdict verdict;
     if (looksAtContent(record))
         verdict.extension = extensionByContent(record);
@@ -93,7 +105,7 @@ std::string Categories::extensionByContent(URLClass &record) const {
     return trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport, std::string(),
                    [&] {
                        const auto file = contentOf(record, m_extraction);
-                       return file ? extensionOf(m_content.facts(*file)) : std::string();
+                       return file ? extensionOf(record, m_content.facts(*file)) : std::string();
                    });
 }
 

@@ -33,7 +33,8 @@ class Categories {
     Categories(Signatures signatures, Extraction extraction, ContentProbe &content)
         : m_signatures(signatures), m_extraction(std::move(extraction)), m_content(content) {}
 
-    /// Decides without changing the record's words; its names must be in order (orderNames() in
+    /// Decides without changing the record's words, and leaves cookies what their reader called
+    /// them; its names must be in order (orderNames() in
     /// db/RecordNames.h). A body that had to be fetched stays in `RunTimeTempFilePath`. Cached
     /// content that can't be read is logged, and the name decides.
     Verdict verdictOn(URLClass &record) const;
