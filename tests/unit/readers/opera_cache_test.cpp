@@ -13,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 
 namespace nv {
 namespace {
@@ -365,76 +364,6 @@ TEST_F(OperaCacheReader, survivesACutAtEveryByteAndEveryChange) {
     readBytes(bytes.substr(0, kHeader + 10));
     EXPECT_EQ(result.state, ReadState::cutShort);
     EXPECT_EQ(result.reason, file.FullPath.string() + ": the file ends within the field at 15");
-}
-
-/// An index as the browser writes it, with the fields that aren't read: a second date, a flag, and
-/// headers in fields of their own.
-OperaCache indexOfRecords(int count) {
-    OperaCache cache;
-    for (int i = 0; i < count; ++i) {
-        const std::string number = std::to_string(100 + i);
-        cache.field(1, test::operaField(3, "http://www.example.com/page" + number) +
-                           test::operaField(4, bigEndian(1300000000, 8)) +
-                           test::operaField(5, bigEndian(1300000000 + i, 8)) + "\x8B" +
-                           test::operaField(7, bigEndian(2, 4)) + test::operaField(9, "text/html") +
-                           test::operaField(16, test::operaField(21, "HTTP/1.1 200 OK")) +
-                           (i % 2 ? std::string() : test::operaField(13, "opr00" + number)));
-    }
-    return cache.field(0x40, "000123");
-}
-
-/// Whether a reading says that something is wrong with its file.
-bool isTold(const ReadResult &result) {
-    return result.state != ReadState::complete || !result.passedOver.empty();
-}
-
-TEST_F(OperaCacheReader, tellsNothingOfASoundIndex) {
-    read(indexOfRecords(40));
-    EXPECT_EQ(sink.records.size(), 40U);
-    EXPECT_FALSE(isTold(result)) << result.passedOver.begin()->first;
-    EXPECT_TRUE(log.entries.empty());
-}
-
-TEST_F(OperaCacheReader, tellsOfGarbageThatTakesRecords) {
-    const std::string bytes = indexOfRecords(40).bytes();
-    const Evidence evidence("");
-    ContentProbe content;
-    std::mt19937 random(20110615); // NOLINT: the same garbage each time
-    std::size_t lost = 0;
-    for (const std::size_t length : {4U, 16U, 60U, 300U, 1500U})
-        for (std::size_t at = kHeader; at + length <= bytes.size(); at += 23)
-            for (const bool zeros : {true, false}) {
-                std::string damaged = bytes;
-                for (std::size_t i = at; i < at + length; ++i)
-                    damaged[i] = zeros ? '\0' : static_cast<char>(random());
-                ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-                sink.records.clear();
-                result = readOperaCache(ctx, viewOf(damaged));
-                if (sink.records.size() >= 40U)
-                    continue;
-                ++lost;
-                EXPECT_TRUE(isTold(result)) << length << " bytes at " << at << ", zeros " << zeros;
-            }
-    EXPECT_GT(lost, 500U);
-}
-
-TEST_F(OperaCacheReader, logsWhereRecordsMayBeLost) {
-    const std::string sound = indexOfRecords(10).bytes();
-    const std::size_t at = sound.find("http://www.example.com/page105") - 6;
-    OperaCache damaged;
-    std::string bytes = sound;
-    bytes.replace(at, 200, 200, '\0');
-    folder.write("opera/cache4/dcache4.url", bytes);
-    const Evidence evidence(folder.path());
-    ContentProbe content;
-    ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    result = ParseOperaCache(ctx);
-    EXPECT_LT(sink.records.size(), 10U);
-    EXPECT_EQ(result.passedOver.at("stretch of bytes without a record, in which some may be lost"),
-              1U);
-    ASSERT_EQ(log.entries.size(), 1U);
-    EXPECT_NE(log.entries[0].message.find("at " + std::to_string(at)), std::string::npos)
-        << log.entries[0].message;
 }
 
 TEST_F(OperaCacheReader, readsAnyBytesInOnePass) {
