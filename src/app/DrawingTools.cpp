@@ -6,11 +6,20 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace nv {
 
 namespace {
 
 constexpr std::string_view kProgram = "norvelane-draw";
+
+std::filesystem::path drawingProgram() {
+    const auto program = companionProgram(kProgram);
+    if (!program)
+        throw StorageFailure(whyNoDrawing());
+    return *program;
+}
 
 } // namespace
 
@@ -29,10 +38,12 @@ std::string whyNoDrawing() {
 }
 
 std::unique_ptr<Drawing> makeDrawing(const std::filesystem::path &scratch) {
-    const auto program = companionProgram(kProgram);
-    if (!program)
-        throw StorageFailure(whyNoDrawing());
-    return std::make_unique<DrawProgram>(program, scratch);
+    return std::make_unique<DrawProgram>(drawingProgram(), scratch);
+}
+
+std::unique_ptr<DrawService> makeDrawService(const std::filesystem::path &scratch,
+                                             std::chrono::seconds timeout, DrawService::Done done) {
+    return std::make_unique<DrawService>(drawingProgram(), scratch, timeout, std::move(done));
 }
 
 } // namespace nv

@@ -51,7 +51,7 @@ ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &sc
 std::vector<std::int64_t> drawableIds(Program &program, Redo redo) {
     return idsOf(
         program,
-        fmt::format("SELECT URL_ID FROM URLs WHERE CacheFileExists AND (IsPicture "
+        fmt::format("SELECT URL_ID FROM URLs WHERE CacheFileExists AND NOT IsCookie AND (IsPicture "
                     "OR IsWebPage OR Category IN ('Pictures', 'HTML', "
                     "'Scripts, HTML')){} ORDER BY URL_ID",
                     redo == Redo::yes ? "" : " AND ifnull(length(ThumbnailMD5Hash), 0) = 0"));
@@ -78,7 +78,7 @@ std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t las
         return {};
     return idsOf(program,
                  fmt::format("SELECT URL_ID FROM URLs WHERE URL_ID > {} AND CacheFileExists AND "
-                             "Category IN ('Pictures'{}) ORDER BY URL_ID",
+                             "NOT IsCookie AND Category IN ('Pictures'{}) ORDER BY URL_ID",
                              lastId, import.MakeWebPageThumbnails ? ", 'HTML'" : ""));
 }
 

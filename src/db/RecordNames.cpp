@@ -38,11 +38,15 @@ std::string_view tailOf(std::string_view url) {
                                                               : GetFilenameFromPath(url);
 }
 
-/// A tail that ends as host names do gives neither a name nor an extension.
+/// A tail that ends as host names do gives neither a name nor an extension, and takes a reader's
+/// name away that can only be the host. Without a tail the name is the reader's own, such as a
+/// cookie's.
 void nameFromUrl(URLClass &record) {
     const std::string_view tail = tailOf(record.URL);
     const std::string extension = GetFileExtension(record.URL);
     const bool isHost = isOneOf(extension, kHostEndings);
+    if (isHost && !tail.empty())
+        record.URLFileName.clear();
     if (!isHost && mayBeFileName(tail)) {
         record.URLFileName = tail;
         // What the reader knows of the cached file stands where the URL tells nothing.

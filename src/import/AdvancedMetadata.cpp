@@ -33,8 +33,9 @@ std::string_view titleIn(std::string_view html) {
 PageFindings AdvancedMetadata::ParseAdvancedMetadata(URLClass &record,
                                                      SavedContent &content) const {
     PageFindings found;
-    // A reader that knows of no content names the artefact itself as the record's file.
-    if (!record.CacheFileExists)
+    // A reader that knows of no content names the artefact itself as the record's file, and the
+    // text of a cookie is no page, whatever a site wrote into it.
+    if (!record.CacheFileExists || record.IsCookie)
         return found;
     trapped(m_log, Severity::Warning, kProcedure, kContactSupport,
             [&] { examine(record, content, found); });

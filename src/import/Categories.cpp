@@ -47,7 +47,16 @@ bool hasWord(std::string_view words, std::string_view word) {
     return false;
 }
 
-std::string extensionOf(const ContentFacts &facts) {
+/// Firefox's pages may begin as XML does, and are told by their tags. Those of other browsers keep
+/// the category by the first bytes that earlier cases were counted with.
+bool isXhtmlOfFirefox(const URLClass &record, const ContentFacts &facts) {
+    return facts.extension == "xml" && (facts.hasHtml || facts.hasBody) &&
+           equalsNoCase(record.cacheType, "Firefox Cache");
+}
+
+std::string extensionOf(const URLClass &record, const ContentFacts &facts) {
+    if (isXhtmlOfFirefox(record, facts))
+        return "html";
     if (!facts.extension.empty())
         return facts.extension;
     if (facts.hasHtml || facts.hasBody || facts.hasTable)
@@ -73,9 +82,12 @@ void Verdict::applyTo(URLClass &record) const {
 }
 
 Verdict Categories::verdictOn(const URLClass &record, SavedContent &content) const {
+    // A cookie is one whatever its file, or the address that it belongs to, is called.
+    if (record.IsCookie)
+        return {"", record.Category};
     Verdict verdict;
     if (looksAtContent(record))
-        verdict.extension = extensionByContent(content);
+        verdict.extension = extensionByContent(record, content);
     if (verdict.extension.empty())
         verdict.extension = record.URLFileExt.empty() ? record.CacheFileExt : record.URLFileExt;
     const std::string_view category = categoryOfExtension(verdict.extension);
@@ -88,10 +100,10 @@ bool Categories::looksAtContent(const URLClass &record) const {
            (m_signatures == Signatures::verify || record.CacheFileExt.empty());
 }
 
-std::string Categories::extensionByContent(SavedContent &content) const {
+std::string Categories::extensionByContent(const URLClass &record, SavedContent &content) const {
     return trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::string(), [&] {
         const ContentFacts *facts = content.facts();
-        return facts ? extensionOf(*facts) : std::string();
+        return facts ? extensionOf(record, *facts) : std::string();
     });
 }
 

@@ -31,8 +31,9 @@ class Categories {
     /// `log` must outlive this.
     Categories(Signatures signatures, FailureLog &log) : m_signatures(signatures), m_log(log) {}
 
-    /// Decides without changing the record's words; its names must be in order (orderNames() in
-    /// db/RecordNames.h). Cached content that can't be read is logged, and the name decides.
+    /// Decides without changing the record's words, and leaves cookies what their reader called
+    /// them; its names must be in order (orderNames() in db/RecordNames.h). Cached content that can't
+    /// be read is logged, and the name decides.
     Verdict verdictOn(const URLClass &record, SavedContent &content) const;
 
     /// The documented whole for a record that is saved already: what changes is the record alone,
@@ -42,7 +43,7 @@ class Categories {
     }
 
   private:
-    std::string extensionByContent(SavedContent &content) const;
+    std::string extensionByContent(const URLClass &record, SavedContent &content) const;
     bool looksAtContent(const URLClass &record) const;
 
     Signatures m_signatures;

@@ -9,18 +9,10 @@ namespace nv {
 
 namespace {
 
-/// A mark that a URL is found by, in the order in which marks are tried.
-struct UrlMark {
-    std::string_view text;
-    enum class Begins { at, behind } begins;
-};
+constexpr std::array<std::string_view, 4> kProtocols = {"https:", "http:", "file:", "res:"};
 
-constexpr std::array<UrlMark, 6> kUrlMarks = {{{"https:", UrlMark::Begins::at},
-                                               {"http:", UrlMark::Begins::at},
-                                               {":host: ", UrlMark::Begins::behind},
-                                               {"file:", UrlMark::Begins::at},
-                                               {"res:", UrlMark::Begins::at},
-                                               {"@", UrlMark::Begins::behind}}};
+/// What a URL without one of the protocols stands behind, in the order of trial.
+constexpr std::array<std::string_view, 2> kLeadingMarks = {":host: ", "@"};
 
 constexpr std::size_t kShortestRawTextWithUser = 15;
 constexpr std::size_t kLongestUserOfDateRange = 30;
@@ -33,16 +25,17 @@ constexpr std::size_t kBehindDateRange = 19; // ":2009010120090108: "
 
 } // namespace
 
+// An address that another one carries, as in "http://host/url?q=https://other/", was not opened.
 std::string ParseURLFromRawURL(std::string_view raw) {
-    for (const UrlMark &mark : kUrlMarks) {
-        const std::size_t at = findNoCase(raw, mark.text);
-        if (at == std::string_view::npos)
-            continue;
-        if (mark.begins == UrlMark::Begins::at)
-            return std::string(raw.substr(at));
-        if (at + mark.text.size() < raw.size())
-            return std::string(raw.substr(at + mark.text.size()));
-    }
+    std::size_t begin = raw.size();
+    for (const std::string_view protocol : kProtocols)
+        begin = std::min(begin, findNoCase(raw, protocol));
+    if (begin < raw.size())
+        return std::string(raw.substr(begin));
+    for (const std::string_view mark : kLeadingMarks)
+        if (const std::size_t at = findNoCase(raw, mark);
+            at != std::string_view::npos && at + mark.size() < raw.size())
+            return std::string(raw.substr(at + mark.size()));
     return std::string(raw);
 }
 

@@ -8,8 +8,8 @@ namespace nv {
 // Every reader passes its raw text through these. None of them fails: bad text gives an empty
 // result.
 
-/// The URL part of a raw text: from "https:", "http:", behind ":host: ", from "file:", from "res:",
-/// or behind the first "@", whichever is met first in this order; otherwise the text whole.
+/// The URL part of a raw text: from "https:", "http:", "file:" or "res:", whichever stands first in
+/// it; where none does, behind ":host: " or else behind the first "@"; otherwise the text whole.
 std::string ParseURLFromRawURL(std::string_view raw);
 
 /// The user part of a raw text such as "Visited: user@http://host/", or empty.

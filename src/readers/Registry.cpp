@@ -26,6 +26,7 @@
 #include "readers/safari/Cache.h"
 #include "readers/safari/Cookies.h"
 #include "readers/safari/History.h"
+#include "readers/sqlite/SchemaHead.h"
 
 #include <algorithm>
 #include <array>
@@ -99,8 +100,13 @@ bool isOperaCache(const Candidate &file) {
     return nameHas(file, "dcache4");
 }
 
+/// Many programs call a database so; Safari's has tables of its own. Where they can't be told, as
+/// in a damaged file, the name decides.
 bool isSafariCache(const Candidate &file) {
-    return nameHas(file, "cache") && file.extension == "db";
+    if (!nameHas(file, "cache") || file.extension != "db")
+        return false;
+    const auto schema = schemaHead(file);
+    return !schema || containsNoCase(schema->bytes, "cfurl_cache");
 }
 
 bool isSafariHistory(const Candidate &file) {
@@ -142,8 +148,14 @@ bool isOperaCookies(const Candidate &file) {
     return file.name == "cookies4.dat";
 }
 
+/// Programs with libsoup, such as Epiphany, keep a file with the name and the table of Firefox's.
+/// Firefox notes when a cookie was created; before version 4 it didn't, but numbered its schema.
 bool isFirefoxCookies(const Candidate &file) {
-    return file.name == "cookies.sqlite";
+    if (file.name != "cookies.sqlite")
+        return false;
+    const auto schema = schemaHead(file);
+    return !schema || schema->userVersion != 0 || !containsNoCase(schema->bytes, "moz_cookies") ||
+           containsNoCase(schema->bytes, "creationTime");
 }
 
 bool isSafariCookies(const Candidate &file) {

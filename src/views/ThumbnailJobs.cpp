@@ -114,6 +114,8 @@ Preparation prepareThumbnail(ThumbnailJob &job, const fs::path &folder,
     URLClass &record = job.record;
     if (!record.CacheFileExists)
         return Preparation::noContent;
+    if (record.IsCookie) // its URL may be that of a page or of a picture, its content is neither
+        return Preparation::otherKind;
     makeEmptyFolder(folder);
     record.RunTimeTempFilePath.clear();
     const Extraction extraction{ctx.evidence, folder, ctx.log};

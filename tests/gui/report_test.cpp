@@ -34,6 +34,7 @@ class ReportTest : public QObject {
     void taggedRowsAreOfferedFirst();
     void optionsAreKept();
     void aFinishedReportComesToTheFront();
+    void aReportIsFoundAgainWithItsProject();
     void aReportThatCannotBeLoadedIsToldOf();
     void aReportIsPublished();
     void anEarlierReportIsReplacedOnRequest();
@@ -154,6 +155,27 @@ void ReportTest::aFinishedReportComesToTheFront() {
         child<QLineEdit>(form, "txtReportTitle").setText(QStringLiteral("Second findings"));
     });
     QTRY_VERIFY(shownText().contains(QStringLiteral("Second findings")));
+}
+
+void ReportTest::aReportIsFoundAgainWithItsProject() {
+    const auto location = [this] {
+        return child<QLineEdit>(child<BrowserPane>(*m_form, "ReportBrowser"), "txtLocation").text();
+    };
+    const auto open = [this](const char *name, const char *action) {
+        m_desk->dialogs.answer = m_desk->folder.path() / name;
+        trigger(*m_form, action);
+    };
+    make(2);
+    QTRY_VERIFY(location().endsWith(QStringLiteral("index-history.htm")));
+    open("other.nvp", "actNew"); // another case: its examiner must not take the report for hers
+    QVERIFY(m_desk->program.thisClass.Viewer.ReportURL.empty());
+    open("case.nvp", "actOpen");
+    QVERIFY(m_desk->program.thisClass.Viewer.ReportURL.ends_with("index-history.htm"));
+    QTRY_VERIFY(location().endsWith(QStringLiteral("index-history.htm")));
+    open("other.nvp", "actOpen");
+    fs::remove(report() / "index-history.htm");
+    open("case.nvp", "actOpen");
+    QVERIFY(m_desk->program.thisClass.Viewer.ReportURL.empty());
 }
 
 void ReportTest::aReportThatCannotBeLoadedIsToldOf() {

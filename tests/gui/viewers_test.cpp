@@ -8,6 +8,7 @@
 #include "views/ui/NotesPane.h"
 #include "views/ui/PicturePane.h"
 #include "views/ui/ReportPane.h"
+#include "views/ui/ShownSigns.h"
 #include "views/ui/TableTab.h"
 #include "views/ui/TextPane.h"
 
@@ -21,6 +22,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRawFont>
 #include <QTabWidget>
 #include <QTest>
 #include <QTreeWidget>
@@ -43,6 +45,7 @@ class ViewersTest : public QObject {
     void aTextOfOneLongLineIsShownSoon();
     void aPictureIsFittedAndZoomed();
     void whatIsNoPictureIsTold();
+    void headersAreShownInFontsOfDebian();
     void bytesAreShownFoundAndCopied();
     void theSourceFileIsShownAtTheRecordsOffset();
     void aNoteIsStoredWhenTheBoxIsLeft();
@@ -177,6 +180,26 @@ void ViewersTest::aPictureIsFittedAndZoomed() {
     QTest::mouseClick(&pane<QPushButton>("btnZoomOut"), Qt::LeftButton);
     QVERIFY(picture.zoom() < 1);
     QVERIFY(!fs::exists(m_desk->program.thisClass.TempFolderPath / "~picture.bmp"));
+}
+
+void ViewersTest::headersAreShownInFontsOfDebian() {
+    const QString shown =
+        shownSigns(QStringLiteral("HTTP/1.1 200 OK\u240D\u240AServer:\u2409a\u240Ab\u240D"
+                                  "c\u2401d\u2421e\u2400"));
+    QCOMPARE(shown, QStringLiteral("HTTP/1.1 200 OK\u21B5Server:\u21E5a\u21B5b\u21B5c<U+0001>d"
+                                   "<U+007F>e<U+0000>"));
+    QCOMPARE(shownSigns(QStringLiteral("caf\u00e9")), QStringLiteral("caf\u00e9"));
+    for (const char *family : {"DejaVu Sans", "DejaVu Sans Mono"}) {
+        const QRawFont font = QRawFont::fromFont(QFont(QString::fromLatin1(family)));
+        if (font.familyName() != QLatin1String(family))
+            QSKIP("fonts-dejavu-core isn't here");
+        for (const QChar each : shown)
+            QVERIFY2(font.supportsCharacter(each), qPrintable(QString(each)));
+    }
+    show(1, "PropertiesPane");
+    auto &list = child<QTreeWidget>(pane<QWidget>("PropertiesPane"), "PropertiesGrid");
+    for (int i = 0; i < list.topLevelItemCount(); ++i)
+        QVERIFY(!list.topLevelItem(i)->text(1).contains(u'\u240D'));
 }
 
 void ViewersTest::whatIsNoPictureIsTold() {

@@ -20,10 +20,11 @@ namespace {
 
 std::vector<std::int64_t> allPages(Program &program) {
     std::vector<std::int64_t> ids;
-    SQLite::Statement rows(program.thisClass.ProjectDB.connection(),
-                           "SELECT URL_ID FROM URLs WHERE CacheFileExists AND NOT IsHistory "
-                           "AND (IsWebPage OR Category = 'HTML' OR Category = 'Scripts, HTML') "
-                           "AND NOT IsPicture ORDER BY URL_ID");
+    SQLite::Statement rows(
+        program.thisClass.ProjectDB.connection(),
+        "SELECT URL_ID FROM URLs WHERE CacheFileExists AND NOT IsHistory "
+        "AND NOT IsCookie AND (IsWebPage OR Category = 'HTML' OR Category = 'Scripts, HTML') "
+        "AND NOT IsPicture ORDER BY URL_ID");
     while (rows.executeStep())
         ids.push_back(rows.getColumn(0).getInt64());
     return ids;

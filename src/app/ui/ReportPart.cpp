@@ -45,6 +45,7 @@ ReportPart::ReportPart(Workbench &bench) : m_bench(bench) {
     connect(bench.actions.publishReport, &QAction::triggered, this,
             [this] { m_bench.run("MainForm.PublishReport()", [this] { PublishReport(); }); });
     connect(bench.actions.openReportFolder, &QAction::triggered, this, &ReportPart::openFolder);
+    connect(&bench, &Workbench::projectOpened, this, &ReportPart::findReport);
     tellOfFailures();
 }
 
@@ -72,10 +73,27 @@ void ReportPart::create() {
         failure = failureOf(program.log, "ReportForm.OkBtn_Click()",
                             [&] { finished = tools.run(m_bench.table->table()->ids()); });
     });
+    if (!finished)
+        findReport(); // an earlier one of the other type is still there
     if (failure)
         m_bench.examiner().tell(messages::reportingError(*failure));
     else
         tellOf(tools, finished);
+}
+
+fs::path ReportPart::lastReport() const {
+    const fs::path &project = m_bench.program.thisClass.ProjectDBPath;
+    for (auto each = m_made.rbegin(); each != m_made.rend(); ++each)
+        if (std::error_code none; each->project == project && fs::is_regular_file(each->page, none))
+            return each->page;
+    return {};
+}
+
+/// The pane shows the report again of a project that is opened again: it lies in the folder for
+/// scratch until the program ends, or until another one takes its name.
+void ReportPart::findReport() {
+    m_bench.program.thisClass.Viewer.ReportURL = lastReport().string();
+    m_bench.viewers->findChild<ReportPane *>()->refresh();
 }
 
 /// False when the examiner thinks better of it.
@@ -116,6 +134,8 @@ void ReportPart::tellOf(const ReportTools &tools, bool finished) {
 /// The finished report comes to the front of the viewers.
 void ReportPart::showReport(const fs::path &page) {
     const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
+        std::erase_if(m_made, [&page](const Made &each) { return each.page == page; });
+        m_made.push_back({m_bench.program.thisClass.ProjectDBPath, page});
         m_bench.program.thisClass.Viewer.ReportURL = page.string();
         auto *pane = m_bench.viewers->findChild<ReportPane *>();
         pane->refresh();

@@ -3,6 +3,7 @@
 #include "app/ui/Workbench.h"
 
 #include <filesystem>
+#include <vector>
 
 namespace nv {
 
@@ -16,7 +17,16 @@ class ReportPart final : public QObject {
     explicit ReportPart(Workbench &bench);
 
   private:
+    /// A report that was made since the start.
+    struct Made {
+        std::filesystem::path project;
+        std::filesystem::path page;
+    };
+
     void create();
+    /// The newest report of the open project that is still there; empty for none.
+    std::filesystem::path lastReport() const;
+    void findReport();
     bool chooseOptions(ReportTools &tools);
     void tellOf(const ReportTools &tools, bool finished);
     void showReport(const std::filesystem::path &page);
@@ -28,6 +38,7 @@ class ReportPart final : public QObject {
     void openFolder() const;
 
     Workbench &m_bench;
+    std::vector<Made> m_made; ///< in their order; a page is there once
 };
 
 } // namespace nv

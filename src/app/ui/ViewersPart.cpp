@@ -1,7 +1,7 @@
 #include "app/ui/ViewersPart.h"
 
-#include "app/DrawingTools.h"
 #include "app/Project.h"
+#include "app/ui/PictureFeed.h"
 #include "base/Files.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
@@ -13,15 +13,11 @@
 #include "views/ui/ReportPane.h"
 #include "views/ui/TextPane.h"
 
-#include <QImage>
-
 namespace nv {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::chrono::seconds kDrawingTimeout{30};
 
 std::vector<Property> propertiesOf(Workbench &bench, UrlId id) {
     Program &program = bench.program;
@@ -75,7 +71,7 @@ ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
     m_picture->setNoResize(state().NoResizePicture);
     m_hex = new HexPane(bench.runTask, bench.program.log);
     addContentPane(*m_text, tr("Text"), "MainForm.showText()", &ViewersPart::showText);
-    addContentPane(*m_picture, tr("Picture"), "MainForm.showPicture()", &ViewersPart::showPicture);
+    addPicture();
     addContentPane(*m_hex, tr("Hex"), "MainForm.showHex()", &ViewersPart::showHex);
     addNotes();
     addReport();
@@ -83,6 +79,13 @@ ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
             [this](bool noResize) { state().NoResizePicture = noResize; });
     connect(m_hex, &HexPane::sourceToggled, bench.viewers, &ViewerTabs::refresh);
     connect(bench.table, &TableTab::currentUrlChanged, this, [this] { state().Viewer.ClearAll(); });
+}
+
+void ViewersPart::addPicture() {
+    auto *feed = new PictureFeed(m_bench, *m_picture);
+    auto *record = new ContentPane(
+        m_picture, [feed](UrlId id) { feed->show(id); }, [feed] { feed->clear(); });
+    m_bench.viewers->addPane(*m_picture, *record, tr("Picture"), "MainForm.showPicture()");
 }
 
 void ViewersPart::addNotes() {
@@ -138,42 +141,6 @@ void ViewersPart::showText(UrlId id) {
         readCachedText(*content->file, content->record.MetaData, TextPane::kMostBytes);
     state().Viewer.TextContent = text.text;
     m_text->showText(text);
-}
-
-void ViewersPart::showPicture(UrlId id) {
-    m_picture->clear();
-    const auto content =
-        contentFor(id, [this](const QString &reason) { m_picture->showReason(reason); });
-    if (!content)
-        return;
-    state().Viewer.PicturePath = textOf(*content->file);
-    drawPicture(*content->file);
-}
-
-/// Pictures of evidence are decoded outside of this process: damaged ones can crash what reads
-/// them.
-void ViewersPart::drawPicture(const fs::path &file) {
-    const fs::path scratch = state().TempFolderPath;
-    const fs::path target = scratch / "~picture.bmp";
-    const DrawJob job{DrawJob::Kind::picture, file, target, PicturePane::kMostPixels,
-                      PicturePane::kMostPixels};
-    Drawn drawn;
-    m_bench.runTask({"DRAWING", "Drawing the picture", "", ""}, [&](TaskMonitor &task) {
-        makeDrawing(scratch)->draw(
-            std::span(&job, 1), kDrawingTimeout,
-            [&drawn](std::size_t, const Drawn &done) {
-                drawn = done;
-                return true;
-            },
-            [&task] { return task.advance(0); });
-    });
-    const QImage image = drawn.done ? QImage(pathToQt(target)) : QImage();
-    std::error_code ignored; // it is scratch
-    fs::remove(target, ignored);
-    if (image.isNull())
-        return m_picture->showReason(tr("The cached content can't be shown as a picture. %1")
-                                         .arg(toQt(displayText(drawn.failure))));
-    m_picture->showPicture(image, {drawn.pictureWidth, drawn.pictureHeight});
 }
 
 void ViewersPart::showHex(UrlId id) {

@@ -3,8 +3,6 @@
 #include "app/RecordContent.h"
 #include "app/ui/Workbench.h"
 
-#include <filesystem>
-
 namespace nv {
 
 class HexPane;
@@ -29,13 +27,12 @@ class ViewersPart final : public QObject {
     template <class Pane>
     void addContentPane(Pane &pane, const QString &title, const char *procedure,
                         void (ViewersPart::*show)(UrlId));
+    void addPicture();
     void addNotes();
     void addReport();
     /// Nothing when the record has no content; `showReason` of the pane has been told why.
     std::optional<RecordContent> contentFor(UrlId id, const std::function<void(QString)> &missing);
     void showText(UrlId id);
-    void showPicture(UrlId id);
-    void drawPicture(const std::filesystem::path &file);
     void showHex(UrlId id);
     void showSource(UrlId id);
 

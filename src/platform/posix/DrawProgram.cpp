@@ -2,16 +2,12 @@
 
 #include "base/Files.h"
 #include "base/Storage.h"
-#include "base/Text.h"
 #include "platform/ChildProcess.h"
 #include "platform/posix/DrawLines.h"
-
-#include <fmt/format.h>
+#include "platform/posix/DrawProcess.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
-#include <cstdlib>
 
 namespace nv {
 
@@ -31,28 +27,6 @@ Drawn failed(std::string why) {
     return drawn;
 }
 
-/// The program's folder for all that it and the web engine write, removed at the end.
-class DrawFolder {
-  public:
-    explicit DrawFolder(const fs::path &scratch) {
-        std::string name = (scratch / "draw-XXXXXX").native();
-        if (::mkdtemp(name.data()) == nullptr) // which lets its owner in only
-            failStorage("cannot make a folder for drawing in", scratch, errno);
-        m_path = name;
-    }
-    ~DrawFolder() {
-        std::error_code none;
-        fs::remove_all(m_path, none);
-    }
-    DrawFolder(const DrawFolder &) = delete;
-    DrawFolder &operator=(const DrawFolder &) = delete;
-
-    const fs::path &path() const { return m_path; }
-
-  private:
-    fs::path m_path;
-};
-
 /// Where not even as many plain bytes can be written, it isn't the picture's fault. Throws
 /// StorageFailure.
 void checkRoomFor(const DrawJob &job) {
@@ -69,14 +43,10 @@ void checkRoomFor(const DrawJob &job) {
 
 class DrawRun {
   public:
-    DrawRun(const fs::path &program, const fs::path &folder, std::span<const DrawJob> jobs,
+    DrawRun(const fs::path &program, const DrawFolder &folder, std::span<const DrawJob> jobs,
             std::chrono::seconds timeout, const Take &take, const std::function<bool()> &goOn)
-        : m_jobs(jobs), m_timeout(timeout), m_take(take), m_goOn(goOn), m_jobFile(folder / "jobs") {
-        m_command.program = program;
-        m_command.arguments = {m_jobFile.native()};
-        m_command.environment = {"HOME=" + folder.native(), "TMPDIR=" + folder.native(),
-                                 "XDG_RUNTIME_DIR=" + folder.native()};
-    }
+        : m_jobs(jobs), m_timeout(timeout), m_take(take), m_goOn(goOn),
+          m_jobFile(folder.path() / "jobs"), m_command(drawCommand(program, folder, m_jobFile)) {}
 
     void drawAll(std::chrono::seconds longestSilence) {
         m_command.longestSilence = longestSilence;
@@ -142,21 +112,13 @@ bool DrawRun::takeLine(std::string_view line) {
 /// at hand: only the first job of a process is blamed, any other one is given to a new process. So
 /// each process brings the drawing forward by a job at least.
 void DrawRun::blame(const ChildResult &result) {
-    const std::string words(trim(std::string_view(result.errors)));
-    if (result.end == End::notStarted)
-        return failRest(
-            fmt::format("The program norvelane-draw can't be started (error {}).", result.code));
-    if (!m_isReady)
-        return failRest(fmt::format("The program norvelane-draw ended before it drew anything. {}",
-                                    decodeText(words)));
-    // The signal is that of the limit on the processor's time.
-    if (result.end == End::silent || (result.end == End::crashed && result.code == SIGXCPU))
-        return handOn(failed("The drawing got stuck and was stopped."));
-    if (m_next > m_first)
+    if (result.end == End::notStarted || !m_isReady)
+        return failRest(whyNothingWasDrawn(result));
+    const bool isStuck =
+        result.end == End::silent || (result.end == End::crashed && result.code == SIGXCPU);
+    if (m_next > m_first && !isStuck)
         return;
-    handOn(failed(result.end == End::crashed
-                      ? fmt::format("The drawing crashed (signal {}).", result.code)
-                      : fmt::format("The drawing ended early (code {}).", result.code)));
+    handOn(failed(whatEndedTheDrawing(result)));
 }
 
 } // namespace
@@ -173,7 +135,7 @@ void DrawProgram::draw(std::span<const DrawJob> jobs, std::chrono::seconds timeo
         return;
     }
     const DrawFolder folder(fs::absolute(m_scratch));
-    DrawRun run(*m_program, folder.path(), jobs, timeout, take, goOn);
+    DrawRun run(*m_program, folder, jobs, timeout, take, goOn);
     run.drawAll(timeout + longestStart);
 }
 

@@ -36,6 +36,11 @@ Date visitDate(const VisitTable::Page *page) {
     return UnixSecondsToDate(*page->firstDate / kMicrosecondsPerSecond);
 }
 
+/// Firefox counts no visit of these kinds: a page that was only downloaded, shown in a frame or
+/// loaded again has a count of 0 like one that nobody opened.
+constexpr const char *kUncounted =
+    "page with visits that Firefox doesn't count (a download, a frame, a reload), so \"(autogen)\"";
+
 URLClass placeRecord(const ReadContext &ctx, const Row &row, VisitTable &visits, Date fileCreated) {
     URLClass record = historyRecord(
         ctx,
@@ -73,10 +78,15 @@ ReadResult readPlaces(ReadContext &ctx, EvidenceDatabase &database) {
         return {ReadState::cancelled, {}, 0, {}};
     const Date fileCreated = creationDateOf(ctx.file.FullPath);
     SubTask task(ctx.task, kVisitsShare, 1);
+    std::uint64_t uncounted = 0;
     ReadResult result = eachRow(cursor, ctx, task, kReader.procedure, [&](const Row &row) {
         URLClass record = placeRecord(ctx, row, visits, fileCreated);
+        if (record.Visits == 0 && visits.listed(record.Reference_ID))
+            ++uncounted;
         ctx.sink.save(record);
     });
+    if (uncounted > 0)
+        result.noted[kUncounted] = uncounted;
     // With places lost it can't be told whose visits are whose.
     if (result.state == ReadState::complete)
         countVisits(result, visits);

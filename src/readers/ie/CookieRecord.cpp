@@ -11,9 +11,9 @@
 namespace nv {
 
 // A record, offsets from its signature:
-//   cookie = "URL " blocks:u32 modified:filetime@08 used:filetime@10 expires:filetime@18
-//   size:i32@20
-//            name:u32@3C hits:i32@54 text:text0@68
+//   cookie = "URL " blocks:u32 modified:filetime@08 used:filetime@10
+//            expires:(dosdate:u16 dostime:u16 0:u32 | filetime)@18
+//            size:i32@20 name:u32@3C hits:i32@54 text:text0@68
 // name is an offset within the record; text is "Cookie:user@host/path"; text0 ends at a zero byte
 // or with the record.
 
@@ -34,6 +34,17 @@ std::string textAt(ByteView record, std::uint64_t at) {
     return fromAnsi(record.untilZero(at));
 }
 
+/// Version 5 of the browser keeps a DOS date in the lower half of the field and zeros in the upper
+/// one; earlier versions a FILETIME. Eight bytes that hold a DOS date are, as a FILETIME, a moment
+/// of 1601, at which no cookie ends; a FILETIME of any year since 1970 has an upper half that no
+/// DOS date has beside it.
+Date expiryDate(ByteView record) {
+    constexpr std::uint64_t kYear1970 = 116444736000000000; // in 100 ns since 1601
+    const std::uint64_t ticks = record.u64le(kExpires);
+    return ticks < kYear1970 ? dosDateToUtc(record.u16le(kExpires), record.u16le(kExpires + 2))
+                             : fileTimeToUtc(ticks);
+}
+
 /// All in UTC, as every record has them: what a row says must not hang on the examiner's machine.
 void setDates(URLClass &result, ByteView record, const Clock &clock) {
     result.OtherDate = fileTimeToUtc(record.u64le(kModified));
@@ -41,7 +52,7 @@ void setDates(URLClass &result, ByteView record, const Clock &clock) {
     result.CacheFileLastAccessed = fileTimeToUtc(record.u64le(kLastUsed));
     result.ActionDateUTC = result.CacheFileLastAccessed;
     result.ActionDateLocal = UTCDateToLocal(result.ActionDateUTC, clock);
-    result.ExpiryDate = fileTimeToUtc(record.u64le(kExpires));
+    result.ExpiryDate = expiryDate(record);
 }
 
 void setCookieUrl(URLClass &result, ByteView record) {

@@ -64,7 +64,10 @@ HashWalk::HashWalk(ReadContext &ctx, ByteView file, std::string_view procedure)
 
 bool HashWalk::open(ReadResult &result) {
     if (m_file.size() < kShortestIndex) {
-        ++result.passedOver["file shorter than 4096 bytes"];
+        noteDamage(fmt::format("the file is {} bytes long, and an index has {} or more: what "
+                               "follows was cut off",
+                               m_file.size(), kShortestIndex),
+                   result);
         return false;
     }
     const std::int32_t first = firstHashTable(m_file);

@@ -17,11 +17,13 @@
 #include "readers/WholeFile.h"
 #include "readers/opera/CacheField.h"
 #include "readers/opera/CacheFile.h"
+#include "readers/opera/CacheGaps.h"
 #include "time/SourceClocks.h"
 
 #include <fmt/format.h>
 
 #include <optional>
+#include <stdexcept>
 
 namespace nv {
 
@@ -50,7 +52,9 @@ class CacheReading {
   public:
     CacheReading(ReadContext &ctx, ByteView file)
         : m_ctx(ctx), m_file(file), m_trap(ctx.log, kProcedure, textOf(ctx.file.FullPath)),
-          m_contents(ctx.log, kProcedure, textOf(ctx.file.FullPath)) {}
+          m_contents(ctx.log, kProcedure, textOf(ctx.file.FullPath)),
+          m_losses(ctx.log, kProcedure, textOf(ctx.file.FullPath)),
+          m_gaps(file, [this](std::uint64_t from, std::uint64_t end) { tellGap(from, end); }) {}
 
     ReadResult run() {
         m_at = kFirstField;
@@ -64,9 +68,14 @@ class CacheReading {
             const bool isUsed = field && take(*field);
             if (isUsed && field->isCut)
                 m_cutAt = m_at;
+            if (isUsed)
+                m_gaps.takes(*field, m_at);
+            else
+                m_gaps.stepsOver(m_at);
             m_at += isUsed ? field->length : 1;
         }
         close();
+        m_gaps.ends();
         tellEnd();
         return m_result;
     }
@@ -144,6 +153,7 @@ class CacheReading {
     bool closeWithFile(const OperaField &field) {
         if (!m_record) {
             ++m_result.passedOver["cached file without a URL that can be read"];
+            m_gaps.isTold();
             return true;
         }
         const auto begin = static_cast<std::uint64_t>(m_record->MapFileOffset);
@@ -180,6 +190,16 @@ class CacheReading {
         m_record.reset();
     }
 
+    void tellGap(std::uint64_t from, std::uint64_t end) {
+        ++m_result.passedOver["stretch of bytes without a record, in which some may be lost"];
+        // The trap gives the line its form, and their number an end.
+        m_losses.run(from, [&] {
+            throw std::runtime_error(
+                fmt::format("{} bytes without a record were stepped over; some may be lost in them",
+                            end - from));
+        });
+    }
+
     void tellEnd() {
         if (m_trap.failed() > 0)
             m_result.passedOver["damaged record"] += m_trap.failed();
@@ -193,7 +213,9 @@ class CacheReading {
     ByteView m_file;
     RecordTrap m_trap;
     RecordTrap m_contents;
+    RecordTrap m_losses;
     ReadResult m_result;
+    CacheGaps m_gaps;
     std::optional<URLClass> m_record; ///< the one that is open
     std::optional<std::uint64_t> m_cutAt;
     std::uint64_t m_at = 0;

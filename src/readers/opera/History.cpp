@@ -21,6 +21,7 @@
 #include <charconv>
 #include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 namespace nv {
@@ -103,7 +104,8 @@ class LineReading {
   public:
     LineReading(ReadContext &ctx, std::string_view file, ReadResult &result)
         : m_ctx(ctx), m_source{ctx, creationDateOf(ctx.file.FullPath)}, m_file(file),
-          m_result(result), m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)) {}
+          m_result(result), m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)),
+          m_doubts(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)) {}
 
     void run() {
         while (const auto window = windowAt(m_file, m_at)) {
@@ -139,10 +141,24 @@ class LineReading {
         const Date visited = visitDate(window.lines[kVisited]);
         if (!visited.has())
             ++m_result.noted["visit without a date that can be read"];
+        tellGarbage(window);
         URLClass record =
             operaHistoryRecord(m_source, decodeText(window.lines[kUrl]), visited, m_at);
         record.WebpageTitle = decodeText(window.lines[kTitle]);
         m_ctx.sink.save(record);
+    }
+
+    /// Garbage that runs from one record into another one leaves four lines in step, and the
+    /// records between them are gone.
+    void tellGarbage(const Window &window) {
+        if (std::ranges::none_of(window.lines, holdsNoText))
+            return;
+        ++m_result.noted[std::string(kOperaGarbage)];
+        // The trap gives the line its form, and their number an end.
+        m_doubts.run(m_at, [] {
+            throw std::runtime_error(
+                "stored with bytes that are no text; others may be lost in it");
+        });
     }
 
     /// The last record is dropped when it has fewer than four lines.
@@ -159,13 +175,21 @@ class LineReading {
     std::string_view m_file;
     ReadResult &m_result;
     RecordTrap m_trap;
+    RecordTrap m_doubts; ///< of records that are stored
     std::size_t m_at = 0;
 };
 
-/// Downloads and older histories are kept in tagged fields; such a file begins with its version in
-/// four bytes, big-endian.
+/// Downloads are kept in tagged fields; such a file begins with its version in four bytes,
+/// big-endian.
 bool beginsAsTaggedFile(ByteView bytes) {
     return bytes.has(0, 4) && bytes.u8(0) == 0;
+}
+
+/// A tagged file of downloads is what the browser writes; a history like that is damaged.
+ReadState stateOfTaggedFile(const ReadContext &ctx) {
+    return equalsNoCase(textOf(ctx.file.FullPath.filename()), "download.dat")
+               ? ReadState::notReadYet
+               : ReadState::failed;
 }
 
 bool isXml(const ReadContext &ctx, ByteView bytes) {
@@ -177,7 +201,7 @@ void readForm(ReadContext &ctx, ByteView bytes, ReadResult &result) {
         return readOperaTyped(ctx, bytes, result);
     if (!beginsAsTaggedFile(bytes))
         return LineReading(ctx, bytes.raw(), result).run();
-    result.state = ReadState::failed;
+    result.state = stateOfTaggedFile(ctx);
     result.reason = "holds tagged fields and not lines, which is a form that is not read";
 }
 

@@ -6,7 +6,15 @@
 #include "readers/Dissection.h"
 #include "time/SourceClocks.h"
 
+#include <algorithm>
+
 namespace nv {
+
+bool holdsNoText(std::string_view line) {
+    return std::ranges::any_of(line, [](char each) {
+        return (each >= 0 && each < ' ' && each != '\t') || each == '\x7F';
+    });
+}
 
 URLClass operaHistoryRecord(const OperaHistorySource &source, const std::string &url, Date visited,
                             std::uint64_t offset) {

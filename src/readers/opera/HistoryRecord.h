@@ -9,6 +9,13 @@ namespace nv {
 
 inline constexpr std::string_view kOperaHistoryProcedure = "ParserClass.ParseOperaHistoryFile()";
 
+/// What is noted of a record that holdsNoText() is true for.
+inline constexpr std::string_view kOperaGarbage =
+    "record with bytes that are no text, in which others may be lost";
+
+/// Whether control characters stand in a line, as garbage has them.
+bool holdsNoText(std::string_view line);
+
 /// What is one for all records of a file.
 struct OperaHistorySource {
     const ReadContext &ctx;

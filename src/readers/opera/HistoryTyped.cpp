@@ -86,6 +86,8 @@ class ItemWalk final : public pugi::xml_tree_walker {
         const Date typed = isoDate(item.attribute("last_typed").value());
         if (!typed.has())
             ++m_result.noted["typed address without a date that can be read"];
+        if (holdsNoText(content))
+            ++m_result.noted[std::string(kOperaGarbage)];
         URLClass record = operaHistoryRecord(m_source, content, typed, offset);
         record.Typed = true;
         m_ctx.sink.save(record);

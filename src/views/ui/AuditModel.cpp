@@ -2,6 +2,7 @@
 
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
+#include "views/ui/ShownSigns.h"
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -38,13 +39,13 @@ QString AuditModel::textOf(const AuditRow &row, int column) {
     case Number:
         return QString::number(row.number);
     case Original:
-        return toQt(displayText(row.originalValue));
+        return shownSigns(toQt(displayText(row.originalValue)));
     case New:
-        return toQt(displayText(row.newValue));
+        return shownSigns(toQt(displayText(row.newValue)));
     case Extension:
-        return toQt(displayText(row.extension));
+        return shownSigns(toQt(displayText(row.extension)));
     default:
-        return toQt(displayText(row.state));
+        return shownSigns(toQt(displayText(row.state)));
     }
 }
 

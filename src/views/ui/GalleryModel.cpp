@@ -3,6 +3,7 @@
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
 #include "views/Tagging.h"
+#include "views/ui/ShownSigns.h"
 
 #include <QBuffer>
 #include <QImageReader>
@@ -16,7 +17,7 @@ namespace {
 constexpr int kMegabytes = 16;
 
 QString toolTipOf(const TileClass &tile) {
-    QString text = toQt(displayText(tile.ToolTip));
+    QString text = shownSigns(toQt(displayText(tile.ToolTip)));
     if (tile.IsPicture)
         text += GalleryModel::tr("\n%1 by %2 pixels, P.A.R.D. %3")
                     .arg(tile.PictureWidth)

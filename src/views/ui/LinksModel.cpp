@@ -2,6 +2,7 @@
 
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
+#include "views/ui/ShownSigns.h"
 
 #include <QTextDocument>
 
@@ -91,14 +92,14 @@ QVariant LinksModel::data(const QModelIndex &index, int role) const {
     const LinkRow &row = m_rows[static_cast<std::size_t>(index.row())];
     switch (role) {
     case Qt::DisplayRole:
-        return toQt(displayText(textOf(row, index.column())));
+        return shownSigns(toQt(displayText(textOf(row, index.column()))));
     case kWholeText: {
         const std::string text = textOf(row, index.column());
         return toQt(displayText(text, text.size()));
     }
     case Qt::ToolTipRole:
         // Tooltips guess whether they are rich text: evidence is escaped, so that it never is.
-        return Qt::convertFromPlainText(toQt(displayText(textOf(row, index.column()))));
+        return Qt::convertFromPlainText(shownSigns(toQt(displayText(textOf(row, index.column())))));
     default:
         return {};
     }

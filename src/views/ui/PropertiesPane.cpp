@@ -4,6 +4,7 @@
 #include "views/CellText.h"
 #include "views/ui/GridCopy.h"
 #include "views/ui/ShownLines.h"
+#include "views/ui/ShownSigns.h"
 
 #include <QBoxLayout>
 #include <QHeaderView>
@@ -67,8 +68,8 @@ void PropertiesPane::showRecord(UrlId id) {
     const QSignalBlocker quiet(m_list);
     m_list->clear();
     for (const Property &property : m_properties) {
-        auto *item =
-            new QTreeWidgetItem(m_list, {toQt(property.name), toQt(displayText(property.value))});
+        auto *item = new QTreeWidgetItem(
+            m_list, {toQt(property.name), shownSigns(toQt(displayText(property.value)))});
         if (item->text(0) == m_chosen)
             m_list->setCurrentItem(item, 0);
     }

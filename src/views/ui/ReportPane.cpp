@@ -34,16 +34,16 @@ void ReportPane::showRecord(UrlId) {
 void ReportPane::refresh() {
     const std::string report = m_ReportURL();
     std::error_code ignored;
-    if (report.empty()) {
-        m_browser->showReason(tr("No report has been made since the program started. Tick the "
-                                 "records that belong into it and choose the report command of "
-                                 "the menu: it shows here when it is done."));
-    } else if (!std::filesystem::is_regular_file(pathOf(report), ignored)) {
+    const bool isThere = std::filesystem::is_regular_file(pathOf(report), ignored);
+    if (report.empty())
+        m_browser->showReason(tr("No report has been made of this project since the program "
+                                 "started. Tick the records that belong into it and choose the "
+                                 "report command of the menu: it shows here when it is done."));
+    else if (!isThere)
         m_browser->showReason(tr("The last report isn't there any more: %1").arg(toQt(report)));
-    } else if (report != m_shown) {
+    else if (report != m_shown)
         m_browser->showPage(pathOf(report), tr("Report"));
-    }
-    m_shown = report;
+    m_shown = isThere ? report : std::string();
 }
 
 } // namespace nv

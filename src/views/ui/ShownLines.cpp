@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
+#include "views/ui/ShownSigns.h"
 
 #include <QStringList>
 
@@ -14,7 +15,7 @@ namespace {
 QString shownLine(std::string_view line) {
     QStringList parts;
     for (const std::string_view part : split(line, '\t'))
-        parts += toQt(displayText(part, part.size()));
+        parts += shownSigns(toQt(displayText(part, part.size())));
     return parts.join(u'\t');
 }
 

@@ -3,6 +3,7 @@
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 #include "views/IconKey.h"
+#include "views/ui/ShownSigns.h"
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -64,7 +65,7 @@ int UrlModel::columnCount(const QModelIndex &parent) const {
 }
 
 QString UrlModel::cellText(std::size_t place, UrlColumn column) const {
-    return toQt(m_table->cell(place, column));
+    return shownSigns(toQt(m_table->cell(place, column)));
 }
 
 /// An empty cell of the local date would be taken for a record without a date.

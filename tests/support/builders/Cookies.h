@@ -15,6 +15,7 @@ struct Cookie {
     std::int64_t lastAccess = 0;
     std::int64_t expiry = 0;
     std::int64_t creation = 0;
+    std::string encrypted{}; ///< bytes; Chrome's only
 };
 
 /// A "Cookies" of Chrome. Dates in microseconds since 1601; each creation date once only.

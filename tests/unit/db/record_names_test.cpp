@@ -32,6 +32,20 @@ TEST(RecordNames, takeNothingFromTheTailOfAHostName) {
     EXPECT_EQ(named("http://www.example.com", "htm").URLFileExt, "htm");
 }
 
+TEST(RecordNames, takeAReadersFileNameAwayThatIsTheHost) {
+    const auto nameLeft = [](const std::string &url, const std::string &name) {
+        URLClass record;
+        record.URL = url;
+        record.URLFileName = name;
+        orderNames(record);
+        return record.URLFileName;
+    };
+    EXPECT_EQ(nameLeft("https://example.com", "example.com"), "");
+    EXPECT_EQ(nameLeft("http://www.army.MIL", "www.army.MIL"), "");
+    EXPECT_EQ(nameLeft("http://host/a.gif", "a.gif"), "a.gif") << "short, but a file's";
+    EXPECT_EQ(nameLeft("example.com", "session"), "session") << "a cookie's own name";
+}
+
 TEST(RecordNames, wantMoreThanFiveCharactersAndAPoint) {
     EXPECT_EQ(named("http://host/a.gif").URLFileName, "");
     EXPECT_EQ(named("http://host/a.gif").CacheFileExt, "");

@@ -74,6 +74,22 @@ TEST_F(CategoriesTest, findPagesByTheirTags) {
     EXPECT_EQ(categoryOf(cached("d.bin", "..<?xml?><html>")), "HTML");
 }
 
+TEST_F(CategoriesTest, takeXhtmlOfFirefoxForAPageAndNoOtherXml) {
+    const std::string xhtml = "<?xml version=\"1.0\"?>\n<!DOCTYPE html>\n<html>";
+    URLClass page = cached("page", xhtml);
+    EXPECT_EQ(categoryOf(page), "XML");
+    // Firefox's bodies lie in block files: this one is fetched already.
+    page.cacheType = "Firefox Cache";
+    page.RunTimeTempFilePath = folder.write("~body", xhtml);
+    EXPECT_EQ(categoryOf(page), "HTML");
+    content.forget();
+    page.RunTimeTempFilePath = folder.write("~body", "<?xml version=\"1.0\"?><feed>");
+    EXPECT_EQ(categoryOf(page), "XML");
+    content.forget();
+    page.RunTimeTempFilePath = folder.write("~body", "%PDF-1.4 <html><body>");
+    EXPECT_EQ(categoryOf(page), "Adobe");
+}
+
 TEST_F(CategoriesTest, fallBackOnTheName) {
     EXPECT_EQ(categoryOf(cached("styles.css", "body {}")), "Stylesheets");
     EXPECT_EQ(categoryOf(cached("picture.gif", "G")), "Pictures"); // too short for any signature
@@ -104,8 +120,18 @@ TEST_F(CategoriesTest, keepTheReadersWordWhenTheExtensionSaysNothing) {
     record.Category = "IE Resource";
     EXPECT_EQ(categoryOf(record), "IE Resource");
     record.URLFileExt = "txt";
-    record.Category = "Cookies";
     EXPECT_EQ(categoryOf(record), "ASCII Files");
+}
+
+TEST_F(CategoriesTest, takeACookieForNothingElse) {
+    for (const char *name : {"user@host[1].txt", "noname", "page.php", "picture.gif"}) {
+        URLClass record = cached(name, "<html><body>");
+        record.IsCookie = true;
+        EXPECT_EQ(categoryOf(record), "") << name; // its file is gone
+        record.Category = "Cookies";
+        EXPECT_EQ(categoryOf(record), "Cookies") << name;
+        EXPECT_EQ(categoryOf(record, Signatures::trustNames), "Cookies") << name;
+    }
 }
 
 TEST_F(CategoriesTest, writeTheCacheTypeInCapitalsAndTheExtensionIntoTheRecord) {

@@ -53,6 +53,23 @@ TEST_F(ImportRunTest, givesTheRowItsCategoryAndTheReadersWord) {
     EXPECT_EQ(project.text("SELECT Category FROM URLs WHERE URL_ID = 2"), "");
 }
 
+TEST_F(ImportRunTest, givesCookiesNoCategoryButTheirOwn) {
+    test::IndexDat index;
+    for (const char *path : {"", "shop/index.php", "shop/page.html", "pixel.gif", "gone"})
+        index.add({.url = std::string("Cookie:user@host.example/") + path,
+                   .fileName = std::string("user@host.example[1].") +
+                               (std::string_view(path) == "gone" ? "gone" : "txt")});
+    project.folder.write("Cookies/user@host.example[1].txt", "id\n<html><body><a href=x>");
+    add(ieCookies, "Cookies/index.dat", index.bytes());
+    job.ParseAdvancedMetadata = true;
+    Unwatched task;
+    import(task, readerFor);
+    EXPECT_EQ(project.text("SELECT group_concat(Category) FROM URLs"),
+              "Cookies,Cookies,Cookies,Cookies,");
+    EXPECT_EQ(project.number("SELECT Count(*) FROM URLs WHERE IsWebPage OR HTMLBody <> ''"), 0);
+    EXPECT_EQ(project.number("SELECT Count(*) FROM Links"), 0);
+}
+
 TEST_F(ImportRunTest, keepsTheRowsOfACancelAndReachesNoFurtherFile) {
     add(norvelaneNVD, "a", "http://a/1\x1Ehttp://a/2\x1Ehttp://a/3");
     add(norvelaneNVD, "b", "http://b/1");

@@ -70,6 +70,23 @@ TEST_F(CookiesTest, aFirefoxCookieHasItsExpiryAsOtherDate) {
     EXPECT_EQ(reading.task.headings.at(0).title, "PARSING FIREFOX COOKIES FILE");
 }
 
+TEST_F(CookiesTest, encryptedValuesAreNotedByTheirPrefix) {
+    test::ChromeCookies file(folder.path() / "Cookies");
+    std::int64_t creation = 0;
+    for (const char *encrypted : {"v10abc", "v10def", "v11abc", "v20abc", "\x01\x02\x03", "v1", ""})
+        file.add({.value = "", .creation = ++creation, .encrypted = encrypted});
+    file.add({.value = "plain", .creation = ++creation, .encrypted = "v10abc"});
+    file.close();
+    reading.read(ParseChromeCookiesFile, file.path());
+    EXPECT_EQ(reading.records().size(), 8U);
+    EXPECT_EQ(reading.result.noted, (std::map<std::string, std::uint64_t>{
+                                        {"encrypted value with the prefix \"v10\", not shown", 2},
+                                        {"encrypted value with the prefix \"v11\", not shown", 1},
+                                        {"encrypted value with the prefix \"v20\", not shown", 1},
+                                        {"encrypted value without a prefix, not shown", 2}}));
+    EXPECT_EQ(reading.result.state, ReadState::complete);
+}
+
 TEST_F(CookiesTest, onlyOneLeadingPointGoes) {
     EXPECT_EQ(chromeRecord({.host = "..example.com", .creation = 1}).URL, ".example.com");
 }

@@ -5,17 +5,26 @@
 namespace nv {
 namespace {
 
-TEST(ParseURLFromRawURL, takesTheFirstMarkInOrderOfTrial) {
+TEST(ParseURLFromRawURL, findsTheUrlBehindWhatLeadsIt) {
     EXPECT_EQ(ParseURLFromRawURL("Visited: user@http://x/"), "http://x/");
-    EXPECT_EQ(ParseURLFromRawURL("Visited: user@HTTPS://x/?u=http://y/"), "HTTPS://x/?u=http://y/");
-    EXPECT_EQ(ParseURLFromRawURL("http://x/?u=https://y/"),
-              "https://y/"); // "https:" is tried first
     EXPECT_EQ(ParseURLFromRawURL(":2013031020130311: -@:Host: www.x.com"), "www.x.com");
     EXPECT_EQ(ParseURLFromRawURL("Visited: u@file:///C:/a"), "file:///C:/a");
     EXPECT_EQ(ParseURLFromRawURL("Visited: u@res://ieframe.dll/x"), "res://ieframe.dll/x");
     EXPECT_EQ(ParseURLFromRawURL("user@about:blank"), "about:blank");
     EXPECT_EQ(ParseURLFromRawURL("plain"), "plain");
     EXPECT_EQ(ParseURLFromRawURL(""), "");
+}
+
+// An address within an address is part of it: nobody opened it.
+TEST(ParseURLFromRawURL, beginsAtTheProtocolThatStandsFirst) {
+    for (const char *url :
+         {"http://www.google.com/url?q=https://twitter.com/x", "HTTPS://x/?u=http://y/",
+          "http://x/file:///C:/a", "file:///C:/saved/http:/x", "res://a.dll/x#https://y/",
+          "https://x/?to=user@host", "http://x/?a=:Host: y", "https://x/res:y?file:z"}) {
+        EXPECT_EQ(ParseURLFromRawURL(url), url);
+        EXPECT_EQ(ParseURLFromRawURL(std::string("Visited: user@") + url), url);
+        EXPECT_EQ(ParseURLFromRawURL(std::string("Visited: user@:Host: ") + url), url);
+    }
 }
 
 TEST(ParseURLFromRawURL, passesOverMarksThatEndTheText) {

@@ -88,6 +88,26 @@ TEST_F(FirefoxPlaces, tellsPlacesThatNobodyVisited) {
     EXPECT_FALSE(record.ActionDateUTC.has());
 }
 
+TEST_F(FirefoxPlaces, notesPagesWhoseVisitsFirefoxDoesNotCount) {
+    places()
+        .add({.id = 1,
+              .url = "http://a/file.zip",
+              .visitCount = 0,
+              .visitDates = {firefoxTime(kStamp)}})
+        .add({.id = 2, .url = "http://b/", .visitCount = 0})
+        .add({.id = 3, .url = "http://c/", .visitCount = 1, .visitDates = {firefoxTime(kStamp)}});
+    places().run("UPDATE moz_historyvisits SET visit_type = 7 WHERE place_id = 1");
+    read();
+    ASSERT_EQ(reading.records().size(), 3U);
+    EXPECT_EQ(reading.records()[0].Status, "(autogen)");
+    EXPECT_EQ(reading.records()[0].ActionDateUTC, Date::fromUnixSeconds(kStamp));
+    EXPECT_EQ(reading.result.noted,
+              (std::map<std::string, std::uint64_t>{
+                  {"page with visits that Firefox doesn't count (a download, a frame, a reload), "
+                   "so \"(autogen)\"",
+                   1}}));
+}
+
 TEST_F(FirefoxPlaces, letsNeverVisitedWinOverDeleted) {
     places().add({.id = 1, .url = "http://a/"}).add({.id = 2, .url = "http://b/", .visitCount = 0});
     reading.deleted = true;

@@ -2,6 +2,7 @@
 #include "readers/ie/CookieRecord.h"
 #include "support/TestDoubles.h"
 #include "support/builders/IndexDat.h"
+#include "time/SourceClocks.h"
 
 #include <gtest/gtest.h>
 
@@ -93,6 +94,36 @@ TEST(ParseIECookie, givesNoDateForStampsThatAreNone) {
         EXPECT_FALSE(record.ActionDateUTC.has());
         EXPECT_FALSE(record.ExpiryDate.has());
     }
+}
+
+TEST(ParseIECookie, readsTheExpiryOfVersionFiveAsADosDate) {
+    const auto expiry = [](std::uint64_t stamp) {
+        return parse(recordBytes({.url = "x", .expiry = stamp})).ExpiryDate;
+    };
+    constexpr std::uint64_t kUpperHalf = std::uint64_t{1} << 32;
+    EXPECT_EQ(expiry(0x95C25399), Date::fromCivil({2021, 12, 25, 18, 46, 4})); // of a real index
+    EXPECT_EQ(expiry(test::dosDate(2027, 4, 15)), Date::fromCivil({2027, 4, 15}));
+    EXPECT_EQ(expiry(test::dosDate(1980, 1, 1)), Date::fromCivil({1980, 1, 1}));
+    EXPECT_EQ(expiry(0x12 * kUpperHalf + test::dosDate(2011, 6, 15, 12, 30, 2)),
+              Date::fromCivil({2011, 6, 15, 12, 30, 2}));
+    EXPECT_FALSE(expiry(0xFFFFFFFF).has()) << "neither a DOS date nor a time when cookies end";
+    EXPECT_FALSE(expiry(1).has());
+}
+
+TEST(ParseIECookie, readsTheExpiryOfEarlierVersionsAsAFileTime) {
+    // The lower half of each of these is a DOS date too.
+    for (const std::uint64_t low : {0x95C25399U, 0x00005E8FU, 0x959D539CU}) {
+        const std::uint64_t stamp = (fileTime(2021, 12, 25) >> 32 << 32) + low;
+        const Date read = parse(recordBytes({.url = "x", .expiry = stamp})).ExpiryDate;
+        EXPECT_EQ(read, fileTimeToUtc(stamp)) << std::hex << stamp;
+        EXPECT_GE(read, Date::fromCivil({2021, 12, 24})) << std::hex << stamp;
+    }
+    const auto expiry = [](std::uint64_t stamp) {
+        return parse(recordBytes({.url = "x", .expiry = stamp})).ExpiryDate;
+    };
+    EXPECT_EQ(expiry(fileTime(1970, 1, 1)), Date::fromCivil({1970, 1, 1}));
+    EXPECT_EQ(expiry(fileTime(9999, 12, 31, 23, 59, 59)),
+              Date::fromCivil({9999, 12, 31, 23, 59, 59}));
 }
 
 TEST(ParseIECookie, readsTheFirstAndTheLastDate) {

@@ -219,15 +219,18 @@ TEST(IECookies, countsRecordsOutsideOfTheHash) {
                 ElementsAre(Pair("URL record outside of the hash tables", 1)));
 }
 
-TEST(IECookies, passesOverFilesThatAreTooShortOrHaveNoHash) {
-    for (const std::string &bytes :
-         {std::string(), std::string("URL "), std::string(4095, 'x'), std::string(4096, '\0')}) {
+TEST(IECookies, tellsOfFilesThatAreTooShortAndPassesOverThoseWithoutAHash) {
+    for (const std::string &bytes : {std::string(), std::string("URL "), std::string(4095, 'x')}) {
         const IndexReading reading = readBytes(bytes);
         EXPECT_THAT(reading.records(), IsEmpty());
-        EXPECT_EQ(reading.result.state, ReadState::complete);
-        EXPECT_THAT(reading.result.passedOver, SizeIs(1));
-        EXPECT_THAT(reading.log.entries, IsEmpty());
+        EXPECT_EQ(reading.result.state, ReadState::cutShort);
+        EXPECT_THAT(reading.log.entries, SizeIs(1));
     }
+    const IndexReading zeros = readBytes(std::string(4096, '\0'));
+    EXPECT_THAT(zeros.records(), IsEmpty());
+    EXPECT_EQ(zeros.result.state, ReadState::complete);
+    EXPECT_THAT(zeros.result.passedOver, SizeIs(1));
+    EXPECT_THAT(zeros.log.entries, IsEmpty());
 }
 
 TEST(IECookies, losesOneDamagedRecordAndNoOther) {

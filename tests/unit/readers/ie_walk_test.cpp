@@ -143,21 +143,24 @@ TEST(IEWalk, goesOnBehindADamagedRecord) {
     EXPECT_EQ(reading.log.entries[0].procedure, "ParserClass.ParseIECacheFile()");
 }
 
-TEST(IEWalk, passesOverFilesThatAreNoIndexWithoutALogLine) {
-    const IndexReading tiny = IndexReading().readBytes(std::string(4095, 'x'));
-    EXPECT_THAT(tiny.result.passedOver,
-                UnorderedElementsAre(Pair("file shorter than 4096 bytes", 1)));
-    const IndexReading empty = IndexReading().readBytes("");
-    EXPECT_THAT(empty.result.passedOver,
-                UnorderedElementsAre(Pair("file shorter than 4096 bytes", 1)));
+TEST(IEWalk, tellsOfAFileThatEndsWithinItsHeader) {
+    for (const std::size_t size : {0U, 28U, 4095U}) {
+        const IndexReading reading = IndexReading().readBytes(std::string(size, 'x'));
+        EXPECT_EQ(reading.result.state, ReadState::cutShort) << size;
+        EXPECT_THAT(reading.result.reason,
+                    HasSubstr("the file is " + std::to_string(size) + " bytes long"));
+        EXPECT_THAT(reading.log.entries, SizeIs(1));
+        EXPECT_THAT(reading.records(), IsEmpty());
+    }
+}
+
+TEST(IEWalk, passesOverAFileWithoutAHashTableAndWithoutALogLine) {
     const IndexReading zeros = IndexReading().readBytes(std::string(4096, '\0'));
     EXPECT_THAT(zeros.result.passedOver,
                 UnorderedElementsAre(Pair("file without a hash table", 1)));
-    for (const IndexReading *reading : {&tiny, &empty, &zeros}) {
-        EXPECT_EQ(reading->result.state, ReadState::complete);
-        EXPECT_THAT(reading->log.entries, IsEmpty());
-        EXPECT_THAT(reading->records(), IsEmpty());
-    }
+    EXPECT_EQ(zeros.result.state, ReadState::complete);
+    EXPECT_THAT(zeros.log.entries, IsEmpty());
+    EXPECT_THAT(zeros.records(), IsEmpty());
 }
 
 TEST(IEWalk, readsTheFirstTableOffsetBigEndianFromTheByteBeforeIt) {

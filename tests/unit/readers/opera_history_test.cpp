@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace nv {
 namespace {
 
@@ -199,10 +201,54 @@ TEST_F(OperaHistoryReader, countsAndLogsTheLinesOfNoRecord) {
 }
 
 TEST_F(OperaHistoryReader, refusesAFileOfTaggedFields) {
-    read(test::OperaCache().add({.url = "http://x/a\nb\nc\nd\n"}).bytes());
+    const std::string tagged = test::OperaCache().add({.url = "http://x/a\nb\nc\nd\n"}).bytes();
+    read(tagged);
     EXPECT_TRUE(sink.records.empty());
     EXPECT_EQ(result.state, ReadState::failed);
     EXPECT_EQ(log.entries.size(), 1U);
+    file.FullPath = "/evidence/Download.dat"; // which the browser writes so
+    read(tagged);
+    EXPECT_TRUE(sink.records.empty());
+    EXPECT_EQ(result.state, ReadState::notReadYet);
+    EXPECT_EQ(result.reason, "holds tagged fields and not lines, which is a form that is not read");
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(OperaHistoryReader, tellsOfGarbageThatTakesRecords) {
+    OperaHistory history;
+    for (int i = 0; i < 40; ++i)
+        history.add("A title of page " + std::to_string(i),
+                    "http://www.example.com/page" + std::to_string(100 + i),
+                    std::to_string(1300000000 + i));
+    const std::string bytes = history.bytes();
+    std::mt19937 random(20110615); // NOLINT: the same garbage each time
+    std::size_t lost = 0;
+    for (const std::size_t length : {30U, 70U, 300U, 1500U})
+        for (std::size_t at = 1; at + length <= bytes.size(); at += 7)
+            for (const bool zeros : {true, false}) {
+                std::string damaged = bytes;
+                for (std::size_t i = at; i < at + length; ++i)
+                    damaged[i] = zeros ? '\0' : static_cast<char>(random());
+                read(damaged);
+                if (sink.records.size() >= 40U)
+                    continue;
+                ++lost;
+                EXPECT_TRUE(result.state != ReadState::complete || !result.passedOver.empty() ||
+                            !result.noted.empty())
+                    << length << " bytes at " << at << ", zeros " << zeros;
+                EXPECT_FALSE(result.state == ReadState::complete && log.entries.empty());
+            }
+    EXPECT_GT(lost, 500U);
+}
+
+TEST_F(OperaHistoryReader, notesTypedAddressesWithBytesThatAreNoText) {
+    readTyped(test::OperaTyped()
+                  .add("www.exa\x01\x02mple.com", "2011-03-05T09:30:00Z")
+                  .add("www.example.com", "2011-03-05T09:30:00Z")
+                  .bytes());
+    EXPECT_EQ(sink.records.size(), 2U);
+    EXPECT_EQ(result.noted.at("record with bytes that are no text, in which others may be lost"),
+              1U);
 }
 
 TEST_F(OperaHistoryReader, takesAnEmptyFileForOneWithoutRecords) {

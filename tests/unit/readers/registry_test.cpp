@@ -1,6 +1,8 @@
 #include "base/Files.h"
 #include "readers/Registry.h"
 #include "support/TempFolder.h"
+#include "support/builders/Cookies.h"
+#include "support/builders/Safari.h"
 
 #include <gtest/gtest.h>
 
@@ -119,6 +121,57 @@ TEST(Recognition, passesOverNamesThatOnlyResemble) {
     EXPECT_EQ(keyByName("/x/places.sqlite-wal"), "");
     EXPECT_EQ(keyByName("/x/setup.exe"), "");
     EXPECT_EQ(keyByName(""), "");
+}
+
+/// The key of a file that is there, by name and content.
+std::string keyOfFile(const std::filesystem::path &path, bool verify = true) {
+    const Bytes head = readHead(path, 65536);
+    return keyOf({path.string(), verify ? std::string(ByteView(head).raw()) : "", verify});
+}
+
+TEST(Recognition, takesADatabaseForSafarisCacheByItsTables) {
+    const test::TempFolder folder;
+    test::SafariCache(folder.path() / "Cache.db").close();
+    test::SafariCache(folder.path() / "wide-cache.db", test::SafariCache::Version::oneTable, 65536)
+        .close();
+    test::SqliteFile(folder.path() / "music/cache.db").run("CREATE TABLE songs(id)").close();
+    test::SqliteFile(folder.path() / "empty-cache.db").run("PRAGMA user_version = 1").close();
+    EXPECT_EQ(keyOfFile(folder.path() / "Cache.db"), "safari-cache");
+    EXPECT_EQ(keyOfFile(folder.path() / "wide-cache.db"), "safari-cache");
+    EXPECT_EQ(keyOfFile(folder.path() / "music/cache.db"), "");
+    EXPECT_EQ(keyOfFile(folder.path() / "empty-cache.db"), "");
+    // The name decides where contents aren't verified, and for what is damaged.
+    EXPECT_EQ(keyOfFile(folder.path() / "music/cache.db", false), "safari-cache");
+    EXPECT_EQ(keyOf({"/x/Cache.db", "SQLite format 3"}), "safari-cache");
+    EXPECT_EQ(keyOf({"/x/Cache.db", std::string(4096, 'x')}), "safari-cache");
+}
+
+TEST(Recognition, looksIntoTheLogBesideADatabase) {
+    const test::TempFolder folder;
+    test::SqliteFile kept(folder.path() / "kept/Cache.db");
+    kept.keepInLog().run("CREATE TABLE cfurl_cache_response(entry_ID INTEGER PRIMARY KEY)");
+    test::SqliteFile other(folder.path() / "other/Cache.db");
+    other.keepInLog().run("CREATE TABLE shaders(id)");
+    EXPECT_EQ(keyOfFile(kept.path()), "safari-cache");
+    EXPECT_EQ(keyOfFile(other.path()), "");
+    std::filesystem::resize_file(other.path().string() + "-wal", 2 << 20);
+    EXPECT_EQ(keyOfFile(other.path()), "safari-cache") << "too long to be sure";
+}
+
+TEST(Recognition, tellsTheCookiesOfOtherProgramsFromFirefoxs) {
+    const test::TempFolder folder;
+    constexpr const char *kColumns =
+        "CREATE TABLE moz_cookies (id INTEGER PRIMARY KEY, name TEXT, value TEXT, host TEXT, path "
+        "TEXT, expiry INTEGER, lastAccessed INTEGER, isSecure INTEGER, isHttpOnly INTEGER)";
+    test::FirefoxCookies(folder.path() / "four/cookies.sqlite").close();
+    test::SqliteFile(folder.path() / "three/cookies.sqlite")
+        .run(kColumns)
+        .run("PRAGMA user_version = 2")
+        .close();
+    test::SqliteFile(folder.path() / "epiphany/cookies.sqlite").run(kColumns).close();
+    EXPECT_EQ(keyOfFile(folder.path() / "four/cookies.sqlite"), "firefox-cookies");
+    EXPECT_EQ(keyOfFile(folder.path() / "three/cookies.sqlite"), "firefox-cookies");
+    EXPECT_EQ(keyOfFile(folder.path() / "epiphany/cookies.sqlite"), "");
 }
 
 TEST(Recognition, takesTheFirstRowThatMatches) {

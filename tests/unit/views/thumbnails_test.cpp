@@ -104,6 +104,14 @@ TEST_F(ThumbnailsTest, aPageIsDrawnAlone) {
     EXPECT_EQ(drawing.neighbours, (std::set<std::string>{"~tmp.htm", "~tmp.jpg"}));
 }
 
+TEST_F(ThumbnailsTest, aCookieIsNotDrawnWhateverItIsCalled) {
+    const auto page = add("user@host[1].htm", "<html>1024*");
+    const auto picture = add("user@host[2].gif", "GIF89a", "http://host/pixel.gif");
+    project.connection().exec("UPDATE URLs SET IsCookie = 1");
+    EXPECT_EQ(make({page, picture}).otherKinds, 2u);
+    EXPECT_TRUE(drawing.drawn.empty());
+}
+
 TEST_F(ThumbnailsTest, onlyDocumentedExtensionsAreDrawn) {
     for (const char *picture : {"jpg", "jpeg", "bmp", "png", "gif"})
         EXPECT_EQ(drawnAs(picture), DrawJob::Kind::picture) << picture;
