@@ -7,6 +7,7 @@ enum class Exit {
     ok = 0,
     usage = 1,
     damagedEvidence = 2, ///< an artefact failed or was cut short; the rest is there
+    nothingDone = 2,     ///< of a rebuild: not one of the pages could be rebuilt
     differs = 2,         ///< of an upgrade: the project has not the schema of this build
     projectUnusable = 3, ///< the project can't be opened or written
     interrupted = 130,
