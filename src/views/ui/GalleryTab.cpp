@@ -37,7 +37,7 @@ GalleryTab::GalleryTab(RunTask runTask, Examiner &examiner, QWidget *parent)
     column->addWidget(m_empty, 1);
     column->addWidget(newTiles(), 1);
     column->addWidget(newPageBar());
-    connect(&m_model, &GalleryModel::tagged, this, &GalleryTab::tagsChanged);
+    connect(&m_model, &GalleryModel::tagged, this, &GalleryTab::tagChanged);
     showState();
 }
 
