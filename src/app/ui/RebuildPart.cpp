@@ -20,6 +20,7 @@ RebuildPart::RebuildPart(Workbench &bench) : m_bench(bench) {
     connect(bench.actions.rebuildPage, &QAction::triggered, this,
             [this] { m_bench.run("MainForm.RebuildWebPage()", [this] { rebuildCurrent(); }); });
     connect(bench.table, &TableTab::statusChanged, this, &RebuildPart::sayWhatRebuildDoes);
+    connect(&bench, &Workbench::projectClosing, this, &RebuildPart::sayWhatRebuildDoes);
 }
 
 void RebuildPart::sayWhatRebuildDoes() const {

@@ -14,7 +14,12 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QStackedWidget>
-#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 namespace nv {
 
@@ -213,18 +218,20 @@ LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work
 }
 
 void TableTab::countTagged() {
-    trapped(*m_log, Severity::Low, "MainForm.countTagged()", kNotSerious, false, [this] {
+    const auto count = [this] {
         std::vector<std::int32_t> ticked;
         SQLite::Statement rows(*m_project,
                                "SELECT URL_ID FROM URLs WHERE Tagged <> 0 ORDER BY URL_ID");
         while (rows.executeStep())
             ticked.push_back(rows.getColumn(0).getInt());
-        m_tagged = static_cast<qint64>(ticked.size());
-        m_shownTagged = std::ranges::count_if(m_table->ids(), [&ticked](std::int32_t id) {
+        const auto shown = std::ranges::count_if(m_table->ids(), [&ticked](std::int32_t id) {
             return std::ranges::binary_search(ticked, id);
         });
-        return true;
-    });
+        return std::pair(static_cast<qint64>(ticked.size()), qint64{shown});
+    };
+    std::tie(m_tagged, m_shownTagged) =
+        trapped(*m_log, Severity::Low, "MainForm.countTagged()", kNotSerious,
+                std::pair(m_tagged, m_shownTagged), count);
     emit statusChanged();
 }
 
