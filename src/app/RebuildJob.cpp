@@ -56,7 +56,9 @@ RebuiltPage outcomeOf(const URLClass &page, bool rebuilt, const RebuildContext &
     }
     for (const AuditRow &row : LoadAudit(page, outcome.folder, ctx)) {
         ++outcome.tagsFound;
-        ++(row.isThere ? outcome.replaced : outcome.missing);
+        ++(!row.isThere      ? outcome.missing
+           : row.isRewritten ? outcome.replaced
+                             : outcome.notRewritten);
     }
     return outcome;
 }

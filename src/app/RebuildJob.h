@@ -63,8 +63,9 @@ struct RebuiltPage {
     bool rebuilt = false;
     NotRebuilt why = NotRebuilt::failed; ///< of a page that isn't rebuilt
     std::size_t tagsFound = 0;
-    std::size_t replaced = 0; ///< references whose part lies beside the page
-    std::size_t missing = 0;
+    std::size_t replaced = 0;     ///< references that the page names a part for, which lies there
+    std::size_t missing = 0;      ///< without a part beside the page
+    std::size_t notRewritten = 0; ///< there is a part, and the page doesn't name it
     Redrawn thumbnail = Redrawn::notWanted;
     std::filesystem::path folder;
 };

@@ -14,8 +14,9 @@ namespace {
 std::string pageText(const RebuiltPage &page) {
     if (!page.rebuilt)
         return fmt::format("Record {} was not rebuilt: {}.", page.URL_ID, reasonText(page.why));
-    return fmt::format("Record {} was rebuilt: {} replaced, {} missing.{}", page.URL_ID,
+    return fmt::format("Record {} was rebuilt: {} replaced, {} missing{}.{}", page.URL_ID,
                        counted(page.replaced, "reference"), page.missing,
+                       notRewrittenText(page.notRewritten),
                        page.thumbnail == Redrawn::failed
                            ? " Its thumbnail could not be drawn; the error log tells why."
                            : "");
@@ -29,6 +30,10 @@ std::string undrawnText(const std::vector<RebuiltPage> &pages) {
 }
 
 } // namespace
+
+std::string notRewrittenText(std::size_t count) {
+    return count == 0 ? std::string() : fmt::format(", {} not rewritten", count);
+}
 
 std::string reasonText(NotRebuilt why) {
     switch (why) {

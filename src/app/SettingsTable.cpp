@@ -27,7 +27,7 @@ constexpr auto kSettings = std::to_array<SettingFacts>({
     {"OPTIONS", "DebugMain", K::flag, "False", 0, 0, "A message at the start of the program"},
     {"OPTIONS", "OstermoorEXEPath", K::file, "<program>/Ostermoor.exe", 0, 0, "The companion tool"},
     {"OPTIONS", "ParseAdvancedMetaData", K::flag, "True", 0, 0, "Imports read title, text and links of cached pages"},
-    {"OPTIONS", "DisableAutoRebuildInHTMLGallery", K::flag, "False", 0, 0, "The gallery draws pages without rebuilding them"},
+    {"OPTIONS", "DisableAutoRebuildInHTMLGallery", K::flag, "False", 0, 0, "A tile of the gallery doesn't bring its rebuilt page back"},
     {"OPTIONS", "DisableFileVersionCheck", K::flag, "False", 0, 0, "Projects of earlier builds open without a question"},
     {"OPTIONS", "LocalFavoritesPath", K::text, "<home>/favorites.ini", 0, 0, "The examiner's favourites"},
     {"OPTIONS", "SharedFavoritesPath", K::text, "", 0, 0, "Favourites shared with others"},

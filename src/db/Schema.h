@@ -50,6 +50,7 @@ std::span<const Table> projectTables();
 const Table &flaggedUrls();
 const Table &keywordFlags();
 const Table &auditTrail();
+const Table &rebuildAudit();
 /// The tables of the scratch file of a Mork history.
 std::span<const Table> morkTables();
 /// In the order of their making.

@@ -136,6 +136,15 @@ constexpr Column kAuditTrail[] = {
     {"AppVersion", Text, 20, false, "Version", "Of the program that did it"},
 };
 
+constexpr Column kRebuildAudit[] = {
+    {"Audit_ID", Long, 0, true, "Audit_ID", "Unique record ID"},
+    {"URL_ID", Long, 0, false, "URL ID", "The rebuilt page"},
+    {"Reference", Long, 0, false, "Reference", "Its line in the page's IngredientIDs, from 1"},
+    {"AccuracyScore", Text, 20, false, "Score", "Picks and candidates"},
+    {"Rewritten", YesNo, 0, false, "Rewritten", "Whether the page names the part"},
+    {"Candidates", Memo, 0, false, "Candidates", "IDs of URLs, the chosen one first"},
+};
+
 constexpr std::array<Relationship, 6> kRelationships = {{
     {"URLsLinks", "URLs", "URL_ID", "LinkAnalysis", "Parent_ID"},
     {"URLsLinks1", "URLs", "URL_ID", "LinkAnalysis", "Child_ID"},
@@ -145,11 +154,12 @@ constexpr std::array<Relationship, 6> kRelationships = {{
     {"TagOptions_Relationship", "Tags", "Tag_ID", "TagOptions", "Tag_ID"},
 }};
 
-constexpr std::array<Index, 4> kIndexes = {{
+constexpr std::array<Index, 5> kIndexes = {{
     {"URLIndex", "URLs", "URL"},
     {"Links_Relationship", "Links", "URL_ID"},
     {"URLTags_Relationship", "Tags", "URL_ID"},
     {"TagOptions_Relationship", "TagOptions", "Tag_ID"},
+    {"RebuildAudit_Page", "RebuildAudit", "URL_ID"},
 }};
 
 } // namespace
@@ -182,6 +192,11 @@ const Table &keywordFlags() {
 
 const Table &auditTrail() {
     static const Table table{"AuditTrail", "Trail_ID_PK", kAuditTrail};
+    return table;
+}
+
+const Table &rebuildAudit() {
+    static const Table table{"RebuildAudit", "Audit_ID_PK", kRebuildAudit};
     return table;
 }
 

@@ -7,6 +7,7 @@
 #include "db/CaseTrail.h"
 #include "db/Connection.h"
 #include "db/DatabaseClass.h"
+#include "db/RebuildAudit.h"
 #include "db/SqliteErrors.h"
 #include "maintenance/ProjectLock.h"
 #include "maintenance/QueryMove.h"
@@ -70,20 +71,23 @@ class Migration {
                 done(table);
             ++place;
         }
-        if (!moveCaseTrail())
+        if (!moveMadeOnFirstUse<CaseTrail>(kCaseTrailTable) ||
+            !moveMadeOnFirstUse<RebuildAudit>(kRebuildAuditTable))
             return false;
         moveRowNumbers(m_from, m_to);
         return true;
     }
 
   private:
-    /// What was done with the case isn't lost with the old file. Its numbers and guards stay.
-    bool moveCaseTrail() {
-        if (!m_from.tableExists(kCaseTrailTable))
+    /// What was done with the case, and what the audit shows of rebuilt pages, isn't lost with the
+    /// old file. Numbers and guards stay.
+    template <class Table>
+    bool moveMadeOnFirstUse(const char *name) {
+        if (!m_from.tableExists(name))
             return true;
-        CaseTrail(m_to).makeTable();
+        Table(m_to).makeTable();
         SubTask part(m_task, 1, 1);
-        return moveOne(kCaseTrailTable, part);
+        return moveOne(name, part);
     }
     bool moveOne(const std::string &table, TaskMonitor &part) {
         if (!m_from.tableExists(table))

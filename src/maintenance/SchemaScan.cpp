@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "db/CaseTrail.h"
 #include "db/Dialect.h"
+#include "db/RebuildAudit.h"
 #include "maintenance/StatusText.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -85,9 +86,10 @@ bool isMoved(std::string_view table) {
         kMovedTables, [table](std::string_view moved) { return equalsNoCase(moved, table); });
 }
 
-/// It is made on first use, so that the reference has none, and a fix moves it.
-bool isCaseTrail(const TableShape &table) {
-    return equalsNoCase(table.name, kCaseTrailTable) && table.column("Trail_ID");
+/// They are made on first use, so that the reference has none, and a fix moves them.
+bool isMovedWhenThere(const TableShape &table) {
+    return (equalsNoCase(table.name, kCaseTrailTable) && table.column("Trail_ID")) ||
+           (equalsNoCase(table.name, kRebuildAuditTable) && table.column("Audit_ID"));
 }
 
 std::int64_t rowsOf(SQLite::Database &database, std::string_view table) {
@@ -141,7 +143,7 @@ std::vector<std::string> leftBehindBy(SQLite::Database &database, const ProjectS
             continue;
         }
         const std::int64_t rows =
-            isRemade(table.name) || isCaseTrail(table) ? 0 : rowsOf(database, table.name);
+            isRemade(table.name) || isMovedWhenThere(table) ? 0 : rowsOf(database, table.name);
         if (rows > 0)
             lines.push_back(fmt::format("Table \"{}\" with {} {}", table.name, rows,
                                         rows == 1 ? "row" : "rows"));

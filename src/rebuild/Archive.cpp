@@ -160,6 +160,13 @@ ArchiveClass readArchive(ByteView archive) {
     return items;
 }
 
+std::optional<ByteView> fileIn(ByteView archive, std::string_view name) {
+    for (const ArchiveItemClass &item : readArchive(archive).FileItems)
+        if (item.FileName == name)
+            return archive.sub(item.DataOffset, item.DataSize);
+    return std::nullopt;
+}
+
 int ArchiveSeal(const fs::path &path) {
     return fs::exists(path) ? 0 : ENOENT;
 }

@@ -6,7 +6,9 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace nv {
 
@@ -33,6 +35,10 @@ struct ArchiveClass {
 
 /// The entries of an archive. Throws OutOfBytes when they lie outside of it.
 ArchiveClass readArchive(ByteView archive);
+
+/// The bytes of the file of that name in the archive, when it has one; they stay the archive's own.
+/// Throws OutOfBytes.
+std::optional<ByteView> fileIn(ByteView archive, std::string_view name);
 
 /// Closes an archive that was written, and opens one that is to be read. Archives are plain files:
 /// returns 0 when the file is there, otherwise the system's error number.

@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
+#include "rebuild/Archive.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
 #include "rebuild/RebuiltRow.h"
@@ -92,7 +93,9 @@ class Harvest {
     }
 
     void takePart(const Substitution &line) {
-        if (line.TagURLID <= 0 || !isHarvested(toUpper(m_page.cacheType)))
+        if (line.TagURLID <= 0)
+            return takeStored(line);
+        if (!isHarvested(toUpper(m_page.cacheType)))
             return;
         auto part = m_ctx.records.GetURL(UrlId{line.TagURLID});
         if (!part)
@@ -103,16 +106,34 @@ class Harvest {
         if (!fs::exists(target))
             if (const auto content = contentOf(*part, m_ctx.extraction()))
                 copyToScratch(*content, target);
-        if (GetFileExtension(line.OriginalTag) == "css" && fs::exists(target))
+        if (GetFileExtension(line.OriginalTag) == "css" && !isPage(target) && fs::exists(target))
             m_sheetPictures = FindReplaceCSSTags(target, *part, m_ctx, m_sheetPictures);
         copyAsNamed(line, target);
     }
+
+    /// A part that a template has brought from another project lies in the page's archive only.
+    void takeStored(const Substitution &line) {
+        const bool isName = line.NewTag != line.OriginalTag && !line.NewTag.empty() &&
+                            GetFilenameFromPath(line.NewTag) == line.NewTag;
+        const fs::path target = m_folder / line.NewTag;
+        if (!isName || m_page.CacheFileRebuiltBLOB.empty() || isPage(target))
+            return;
+        const auto content = fileIn(ByteView(m_page.CacheFileRebuiltBLOB), line.NewTag);
+        if (!content)
+            return;
+        m_list += fmt::format("0|{}|{}|\r\n", line.OriginalTag, line.NewTag);
+        writeWhole(target, content->raw());
+    }
+
+    /// The rebuilt page is what stands for a page that is its own part.
+    bool isPage(const fs::path &file) const { return file == m_page.RunTimeRebuiltFilePath; }
 
     /// A page of Internet Explorer names its part by the extension of the cached file, which may be
     /// another one than its URL has: the part then lies there under both names.
     void copyAsNamed(const Substitution &line, const fs::path &target) {
         const std::string named = localNameOf(UrlId{line.TagURLID}, GetFileExtension(line.NewTag));
-        if (named == line.NewTag && named != target.filename() && fs::exists(target))
+        if (named == line.NewTag && named != target.filename() && !isPage(m_folder / named) &&
+            fs::exists(target))
             copyToScratch(target, m_folder / named);
     }
 
@@ -160,7 +181,7 @@ bool needsWideIds(std::string_view IngredientIDs, const RebuildSettings &setting
 }
 
 fs::path rebuildFolderOf(UrlId id, const RebuildContext &ctx) {
-    return ctx.TempFolderPath / (sidOf(id) + ".NVR");
+    return ctx.TempFolderPath / folderNameOf(id);
 }
 
 bool HarvestParts(URLClass &page, const fs::path &folder, Batch batch, const RebuildContext &ctx) {

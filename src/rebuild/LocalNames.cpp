@@ -26,6 +26,10 @@ std::string pageNameOf(UrlId id) {
     return sidOf(id) + ".htm";
 }
 
+std::string folderNameOf(UrlId id) {
+    return sidOf(id) + ".NVR";
+}
+
 std::string localNameOf(UrlId id, std::string_view extension) {
     const bool isTaken = !extension.empty() && extension.size() <= kLongestExtension &&
                          std::ranges::all_of(extension, isLetterOrDigit);

@@ -14,6 +14,9 @@ std::string sidOf(UrlId id);
 /// The name of a rebuilt page within its folder: "0000017.htm".
 std::string pageNameOf(UrlId id);
 
+/// The name of the folder that a page is rebuilt in: "0000017.NVR".
+std::string folderNameOf(UrlId id);
+
 /// In that folder, the list of the parts that lie in it, in the form of a substitution log.
 inline constexpr std::string_view kPartsList = "_TagIDs.txt";
 

@@ -45,16 +45,26 @@ class Rebuild {
         const fs::path folder = rebuildFolderOf(m_page.URLID, m_ctx);
         m_page.RunTimeRebuiltFilePath = folder / pageNameOf(m_page.URLID);
         makeFolder(folder);
+        forgetTagOptions(m_ctx);
         if (!chooseParts())
             return false;
-        writePage(disarmed(stage(
-            0.75, 0.85, [this](const RebuildContext &ctx) { return ReplaceTags(m_page, ctx); })));
-        storeRebuilt(m_page, m_ctx, m_clock);
+        const auto replaced = stage(
+            0.75, 0.85, [this](const RebuildContext &ctx) { return ReplaceTags(m_page, ctx); });
+        if (!replaced)
+            return false;
+        m_page.IngredientIDs = replaced->log;
+        writePage(disarmed(replaced->text));
         if (m_page.IngredientIDs.empty())
             StoreIngredientIDs(m_page, m_ctx);
-        return stage(0.85, 1, [&](const RebuildContext &ctx) {
+        const bool whole = stage(0.85, 1, [&](const RebuildContext &ctx) {
             return HarvestParts(m_page, folder, m_batch, ctx);
         });
+        // A cancelled rebuild never takes the place of an earlier one; a failed one stands as far
+        // as it came.
+        if (!whole && !m_ctx.task.advance(0.85))
+            return false;
+        storeRebuilt(m_page, replaced->notes, m_ctx, m_clock);
+        return whole;
     }
 
   private:

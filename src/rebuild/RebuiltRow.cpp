@@ -1,6 +1,7 @@
 #include "rebuild/RebuiltRow.h"
 
 #include "base/Files.h"
+#include "db/Savepoint.h"
 #include "time/DateFormat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -9,22 +10,28 @@
 
 namespace nv {
 
-void storeRebuilt(URLClass &page, const RebuildContext &ctx, const Clock &clock) {
+void storeRebuilt(URLClass &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
+                  const Clock &clock) {
     page.RebuiltMethod = "Cache";
     page.RebuiltDateTime =
         formatDate(Date::fromTimePoint(clock.now() + clock.localOffset()), kRebuiltTimeFormat);
     page.CacheFileRebuilt = true;
     page.RebuiltFilePath = textOf(page.RunTimeRebuiltFilePath);
+    page.CacheFileRebuiltBLOB.clear();
+    Savepoint whole(ctx.project);
     SQLite::Statement update(ctx.project,
                              "UPDATE URLs SET RebuiltMethod = ?, RebuiltDateTime = ?, "
-                             "CacheFileRebuilt = 1, RebuiltFilePath = ?, RebuiltSourceCode = ? "
-                             "WHERE URL_ID = ?");
+                             "CacheFileRebuilt = 1, RebuiltFilePath = ?, RebuiltSourceCode = ?, "
+                             "IngredientIDs = ?, CacheFileRebuiltBLOB = NULL WHERE URL_ID = ?");
     update.bind(1, page.RebuiltMethod);
     update.bind(2, page.RebuiltDateTime);
     update.bind(3, page.RebuiltFilePath);
     update.bind(4, page.RebuiltSourceCode); // what a later session has to go by
-    update.bind(5, number(page.URLID));
+    update.bind(5, page.IngredientIDs);
+    update.bind(6, number(page.URLID));
     update.exec();
+    RebuildAudit(ctx.project).store(page.URLID, notes);
+    whole.release();
 }
 
 void storeSubstitutions(URLClass &page, std::string log, const RebuildContext &ctx) {

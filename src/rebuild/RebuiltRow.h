@@ -1,9 +1,11 @@
 #pragma once
 
 #include "base/Clock.h"
+#include "db/RebuildAudit.h"
 #include "db/URLClass.h"
 #include "rebuild/RebuildContext.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -14,9 +16,11 @@ namespace nv {
 /// The form of `RebuiltDateTime`.
 inline constexpr std::string_view kRebuiltTimeFormat = "dd-mm-yyyy Hh:Nn:Ss";
 
-/// The page in `RunTimeRebuiltFilePath`, whose text is `RebuiltSourceCode`, is the record's rebuild
-/// from now on. `RebuiltDateTime` is a text in the machine's local time.
-void storeRebuilt(URLClass &page, const RebuildContext &ctx, const Clock &clock);
+/// The page in `RunTimeRebuiltFilePath`, whose text is `RebuiltSourceCode` and whose substitution
+/// log `IngredientIDs`, is the record's rebuild from now on; `notes` tell of the log's lines. An
+/// archive of an earlier one goes. `RebuiltDateTime` is a text in the machine's local time.
+void storeRebuilt(URLClass &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
+                  const Clock &clock);
 
 /// `log` is the page's substitution log from now on.
 void storeSubstitutions(URLClass &page, std::string log, const RebuildContext &ctx);

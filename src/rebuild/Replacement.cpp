@@ -84,30 +84,34 @@ void checkGrowth(std::size_t from, std::size_t to) {
 /// One section, in which the replacements that can change it are found one by one. One that was
 /// made and left the section as it stands can be passed over until another one has changed it.
 std::string inSection(std::string section, std::span<const Replacement> replacements,
-                      const ReplacementIndex &index) {
+                      const ReplacementIndex &index, std::vector<bool> &made) {
     const std::size_t size = section.size();
     std::set<const ReplacementIndex::Same *> settled;
     std::size_t from = 0;
     while (const auto found = index.firstIn(section, from, settled)) {
         std::string replaced = replacedEverywhere(section, replacements[found->number]);
         checkGrowth(size, replaced.size());
-        if (replaced == section)
+        if (replaced == section) {
             settled.insert(found->same);
-        else
+        } else {
             settled.clear();
+            made[found->number] = true;
+        }
         section = std::move(replaced);
         from = found->number + 1;
     }
     return section;
 }
 
-std::string inWhole(std::string text, std::span<const Replacement> replacements) {
-    const std::size_t size = text.size();
+ReplacedText inWhole(std::string_view text, std::span<const Replacement> replacements) {
+    ReplacedText page{std::string(text), {}};
     for (const Replacement &replacement : replacements) {
-        text = replacedEverywhere(text, replacement);
-        checkGrowth(size, text.size());
+        std::string replaced = replacedEverywhere(page.text, replacement);
+        checkGrowth(text.size(), replaced.size());
+        page.made.push_back(replaced != page.text);
+        page.text = std::move(replaced);
     }
-    return text;
+    return page;
 }
 
 } // namespace
@@ -127,16 +131,16 @@ std::string replacedEverywhere(std::string_view text, const Replacement &replace
     return page;
 }
 
-std::string replacedInOrder(std::string_view text, std::span<const Replacement> replacements) {
+ReplacedText replacedInOrder(std::string_view text, std::span<const Replacement> replacements) {
     const bool hasBreaks = text.find_first_of("\r\n") != std::string_view::npos;
     if (hasBreaks || !std::ranges::all_of(replacements, isFound)) // not as a search found them
-        return inWhole(std::string(text), replacements);
+        return inWhole(text, replacements);
     const ReplacementIndex index(replacements);
-    std::string page;
-    page.reserve(text.size());
+    ReplacedText page{{}, std::vector<bool>(replacements.size(), false)};
+    page.text.reserve(text.size());
     for (Sections sections(text); !sections.atEnd();) {
-        page += inSection(std::string(sections.next()), replacements, index);
-        checkGrowth(text.size(), page.size());
+        page.text += inSection(std::string(sections.next()), replacements, index, page.made);
+        checkGrowth(text.size(), page.text.size());
     }
     return page;
 }

@@ -3,6 +3,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 
@@ -17,8 +18,13 @@ struct Replacement {
 /// the rule in quotation marks, in apostrophes, bare, and behind a line break.
 std::string replacedEverywhere(std::string_view text, const Replacement &replacement);
 
+struct ReplacedText {
+    std::string text;
+    std::vector<bool> made; ///< by replacement: it changed something
+};
+
 /// `text` with all references replaced one after the other, in their order: each works on what the
 /// ones before it left. Throws std::length_error when the text grows beyond all measure.
-std::string replacedInOrder(std::string_view text, std::span<const Replacement> replacements);
+ReplacedText replacedInOrder(std::string_view text, std::span<const Replacement> replacements);
 
 } // namespace nv

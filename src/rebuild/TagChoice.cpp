@@ -8,13 +8,11 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
-#include <array>
+#include <algorithm>
 #include <optional>
 #include <vector>
 
 namespace nv {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -22,8 +20,7 @@ struct TagRow {
     std::int64_t URL_ID = 0;
     std::string OriginalTag;
     std::string TagSansParentPaths;
-    std::string CacheFolderName;
-    std::string CacheFileName;
+    std::string AccuracyScore; ///< what the search has counted, when it stored less
 };
 
 struct OptionRow {
@@ -34,26 +31,28 @@ struct OptionRow {
 
 std::optional<TagRow> readTag(std::int64_t Tag_ID, const RebuildContext &ctx) {
     SQLite::Statement row(ctx.project, "SELECT URL_ID, OriginalTag, TagSansParentPaths, "
-                                       "CacheFolderName, CacheFileName FROM Tags WHERE Tag_ID = ?");
+                                       "AccuracyScore FROM Tags WHERE Tag_ID = ?");
     row.bind(1, Tag_ID);
     if (!row.executeStep())
         return std::nullopt;
     const auto text = [&row](int at) { return row.getColumn(at).getString(); };
-    return TagRow{row.getColumn(0).getInt64(), text(1), text(2), text(3), text(4)};
+    return TagRow{row.getColumn(0).getInt64(), text(1), text(2), text(3)};
 }
 
-/// The first option and how many there are; only the first can be taken.
+/// The first option and how many there are, stored or not; only the first can be taken.
 struct Options {
     std::int64_t count = 0;
     OptionRow first;
 };
 
-Options readOptions(std::int64_t Tag_ID, const RebuildContext &ctx) {
+Options readOptions(std::int64_t Tag_ID, const TagRow &tag, const RebuildContext &ctx) {
     Options options;
     SQLite::Statement count(ctx.project, "SELECT Count(*) FROM TagOptions WHERE Tag_ID = ?");
     count.bind(1, Tag_ID);
     count.executeStep();
     options.count = count.getColumn(0).getInt64();
+    if (options.count > 0)
+        options.count = std::max(options.count, candidatesIn(tag.AccuracyScore));
     SQLite::Statement row(ctx.project, "SELECT TagOption_ID, Option, TagURLID FROM TagOptions "
                                        "WHERE Tag_ID = ? ORDER BY TagOption_ID LIMIT 1");
     row.bind(1, Tag_ID);
@@ -112,7 +111,7 @@ void store(const Pick &pick, std::int64_t Tag_ID, const RebuildContext &ctx) {
 }
 
 std::string score(std::int64_t count) {
-    return fmt::format("{}:{}", count > 0 ? 1 : 0, count);
+    return scoreText(count > 0 ? 1 : 0, count);
 }
 
 Pick pickForIE(const TagRow &tag, const Options &options, std::string_view pageURL) {
@@ -148,26 +147,14 @@ constexpr std::string_view kParent = "../";
 constexpr std::size_t kFolderLength = 8;
 constexpr std::size_t kNameAt = kParent.size() + kFolderLength + 1;
 
-void keepFolder(std::int64_t URL_ID, std::string_view newTag, const RebuildContext &ctx) {
-    SQLite::Statement update(ctx.project, "UPDATE URLs SET CacheFolderName = ?, CacheFileName = ? "
-                                          "WHERE URL_ID = ?");
+/// The tag's row has a copy of where the pick lies. The page's own record keeps what the artefact
+/// said of the page: table, reports and the search of later pages go by it.
+void keepFolder(std::int64_t Tag_ID, std::string_view newTag, const RebuildContext &ctx) {
+    SQLite::Statement update(ctx.project, "UPDATE Tags SET CacheFolderName = ?, CacheFileName = ? "
+                                          "WHERE Tag_ID = ?");
     update.bind(1, std::string(charSub(newTag, kParent.size(), kFolderLength)));
     update.bind(2, std::string(charSub(newTag, kNameAt)));
-    update.bind(3, URL_ID);
-    update.exec();
-}
-
-void keepSize(const TagRow &tag, const RebuildContext &ctx) {
-    const auto page = ctx.records.GetURL(UrlId{tag.URL_ID});
-    if (!page || tag.CacheFolderName.empty())
-        return;
-    const auto file = ctx.evidence.find(
-        page->RootPath, page->CacheRootPath + "/" + tag.CacheFolderName + "/" + tag.CacheFileName);
-    if (!file)
-        return;
-    SQLite::Statement update(ctx.project, "UPDATE URLs SET CacheFileSize = ? WHERE URL_ID = ?");
-    update.bind(1, static_cast<std::int64_t>(fs::file_size(*file)));
-    update.bind(2, tag.URL_ID);
+    update.bind(3, Tag_ID);
     update.exec();
 }
 
@@ -189,13 +176,12 @@ bool PickIETagOption(std::int64_t Tag_ID, const RebuildContext &ctx) {
         const auto tag = readTag(Tag_ID, ctx);
         if (!tag)
             return true;
-        const Pick made = pickForIE(*tag, readOptions(Tag_ID, ctx), urlOf(tag->URL_ID, ctx));
+        const Options options = readOptions(Tag_ID, *tag, ctx);
+        const Pick made = pickForIE(*tag, options, urlOf(tag->URL_ID, ctx));
         store(made, Tag_ID, ctx);
-        if (charCount(*made.NewTag) < kNameAt + 1)
-            return true;
-        if (made.NewTag->starts_with(kParent))
-            keepFolder(tag->URL_ID, *made.NewTag, ctx);
-        keepSize(*tag, ctx);
+        if (options.count > 0 && made.NewTag->starts_with(kParent) &&
+            charCount(*made.NewTag) > kNameAt)
+            keepFolder(Tag_ID, *made.NewTag, ctx);
         return true;
     };
     return trapped(ctx.log, Severity::Warning, "MainBAS.PickIETagOption()", kContactSupport, false,
@@ -205,8 +191,8 @@ bool PickIETagOption(std::int64_t Tag_ID, const RebuildContext &ctx) {
 bool PickNonIETagOption(std::string_view, std::int64_t Tag_ID, const RebuildContext &ctx) {
     const auto pick = [&] {
         if (const auto tag = readTag(Tag_ID, ctx))
-            store(pickForOthers(*tag, readOptions(Tag_ID, ctx), urlOf(tag->URL_ID, ctx)), Tag_ID,
-                  ctx);
+            store(pickForOthers(*tag, readOptions(Tag_ID, *tag, ctx), urlOf(tag->URL_ID, ctx)),
+                  Tag_ID, ctx);
         return true;
     };
     return trapped(ctx.log, Severity::Warning, "MainBAS.PickNonIETagOption()", kContactSupport,

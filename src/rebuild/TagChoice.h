@@ -22,9 +22,8 @@ using URLChoices = KeyedList<URLChoice>;
 /// and score into the tag's row. False after a failure, which is logged, and when cancelled.
 bool ChooseTagOptions(const URLClass &page, const RebuildContext &ctx);
 
-/// The pick for a page of Internet Explorer, whose parts are named by cache folder and file. What
-/// is found of the folder is written to the page's own record: that is how it has always been, and
-/// the audit of earlier cases shows it.
+/// The pick for a page of Internet Explorer, whose parts are named by cache folder and file: the
+/// tag's row notes both. The page's own record stays as it is.
 bool PickIETagOption(std::int64_t Tag_ID, const RebuildContext &ctx);
 
 /// The pick for a page of the other browsers, whose parts are named by URL.

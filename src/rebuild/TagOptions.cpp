@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <vector>
 
 namespace nv {
@@ -20,16 +21,42 @@ namespace nv {
 namespace {
 
 constexpr std::string_view kProcedure = "MainBAS.FindTagOptions()";
+constexpr std::size_t kShownText = 60; ///< characters of a reference in a message
 
 struct SearchedTag {
     std::int64_t Tag_ID;
     std::optional<std::size_t> pattern; ///< nothing for a text that can't be searched for
 };
 
-/// Records that hold a tag's text in their URL, by URL_ID in rising order.
+/// Records that hold a tag's text in their URL, by URL_ID in rising order. A text such as a list of
+/// countries has stands in nearly every URL, so that not all of them are kept.
+class Found {
+  public:
+    void add(std::int64_t URL_ID, std::string_view url, std::string_view text) {
+        ++m_count;
+        const bool isFull = m_ids.size() >= kMostOptions;
+        if (isFull && (m_exact == kMostExactOptions || !endsInText(url, text)))
+            return;
+        m_exact += isFull ? 1 : 0;
+        m_ids.push_back(URL_ID);
+    }
+    bool isEmpty() const { return m_count == 0; }
+    bool isCut() const { return m_ids.size() < static_cast<std::size_t>(m_count); }
+    std::int64_t count() const { return m_count; }
+    const std::vector<std::int64_t> &ids() const { return m_ids; }
+
+  private:
+    std::int64_t m_count = 0;
+    std::size_t m_exact = 0; ///< of those beyond the first ones
+    std::vector<std::int64_t> m_ids;
+};
+
 struct Candidates {
-    std::vector<std::int64_t> ofHost;
-    std::vector<std::int64_t> ofAnyHost;
+    std::string text; ///< that is searched for
+    Found ofHost;
+    Found ofAnyHost;
+
+    const Found &chosen() const { return ofHost.isEmpty() ? ofAnyHost : ofHost; }
 };
 
 std::string without(std::string_view text, std::string_view what) {
@@ -79,7 +106,7 @@ class OptionSearch {
             const std::string text = searchTextOf(tags.getColumn(1).getString());
             m_tags.push_back({tags.getColumn(0).getInt64(), m_patterns.add(text)});
             if (m_tags.back().pattern)
-                m_candidates.emplace_back();
+                m_candidates.push_back({text, {}, {}});
         }
     }
 
@@ -98,7 +125,7 @@ class OptionSearch {
                 Candidates &candidates = m_candidates[pattern];
                 const bool ofHost = m_site.takes(host, url);
                 (ofHost ? candidates.ofHost : candidates.ofAnyHost)
-                    .push_back(urls.getColumn(0).getInt64());
+                    .add(urls.getColumn(0).getInt64(), url, candidates.text);
             });
         }
         return true;
@@ -111,6 +138,7 @@ class OptionSearch {
     bool storeOptions() {
         SQLite::Statement remove(m_ctx.project, "DELETE FROM TagOptions WHERE Tag_ID = ?");
         SQLite::Statement insert(m_ctx.project, insertText());
+        SQLite::Statement note(m_ctx.project, "UPDATE Tags SET AccuracyScore = ? WHERE Tag_ID = ?");
         const auto count = static_cast<double>(m_tags.size());
         for (std::size_t i = 0; i < m_tags.size(); ++i) {
             if (m_ctx.task.wantsStep())
@@ -122,11 +150,40 @@ class OptionSearch {
             remove.reset();
             remove.bind(1, m_tags[i].Tag_ID);
             remove.exec();
-            if (m_tags[i].pattern)
-                insertOptions(insert, m_tags[i].Tag_ID, m_candidates[*m_tags[i].pattern]);
+            if (m_tags[i].pattern) {
+                const Candidates &candidates = m_candidates[*m_tags[i].pattern];
+                insertOptions(insert, m_tags[i].Tag_ID, candidates.chosen());
+                if (candidates.chosen().isCut())
+                    noteCut(note, m_tags[i].Tag_ID, candidates);
+            }
             whole.release();
         }
+        tellOfCut();
         return true;
+    }
+
+    /// What isn't stored is counted all the same: nothing is picked yet, of so many candidates.
+    void noteCut(SQLite::Statement &note, std::int64_t tag, const Candidates &candidates) {
+        note.reset();
+        note.bind(1, scoreText(0, candidates.chosen().count()));
+        note.bind(2, tag);
+        note.exec();
+        if (!m_widest || m_widest->chosen().count() < candidates.chosen().count())
+            m_widest = &candidates;
+        ++m_cut;
+    }
+
+    void tellOfCut() const {
+        if (!m_widest)
+            return;
+        m_ctx.log.write(
+            {fmt::format("record {}: {} more than {} candidates, of which these are kept; the text "
+                         "\"{}\" alone stands in {} URLs",
+                         number(m_page.URLID),
+                         m_cut == 1 ? "a reference has" : fmt::format("{} references have", m_cut),
+                         kMostOptions, charSub(m_widest->text, 0, kShownText),
+                         m_widest->chosen().count()),
+             std::string(kProcedure), Severity::Low, std::string(kNotSerious)});
     }
 
     std::string insertText() const {
@@ -138,10 +195,8 @@ class OptionSearch {
                ", ? FROM URLs WHERE URL_ID = ?";
     }
 
-    static void insertOptions(SQLite::Statement &insert, std::int64_t tag,
-                              const Candidates &candidates) {
-        const auto &chosen = candidates.ofHost.empty() ? candidates.ofAnyHost : candidates.ofHost;
-        for (const std::int64_t url : chosen) {
+    static void insertOptions(SQLite::Statement &insert, std::int64_t tag, const Found &chosen) {
+        for (const std::int64_t url : chosen.ids()) {
             insert.reset();
             insert.bind(1, tag);
             insert.bind(2, url);
@@ -164,6 +219,8 @@ class OptionSearch {
     UrlPatterns m_patterns;
     std::vector<SearchedTag> m_tags;
     std::vector<Candidates> m_candidates; ///< by pattern
+    const Candidates *m_widest = nullptr; ///< of the tags that have more options than are stored
+    std::size_t m_cut = 0;                ///< those tags
 };
 
 } // namespace
@@ -200,6 +257,28 @@ bool namesPartsByUrl(std::string_view cacheType) {
     constexpr std::array<std::string_view, 4> kTypes = {"FIREFOX CACHE", "CHROME CACHE",
                                                         "OPERA CACHE", "SAFARI CACHE"};
     return std::ranges::find(kTypes, cacheType) != kTypes.end();
+}
+
+bool endsInText(std::string_view url, std::string_view text) {
+    const std::string_view path = url.substr(0, url.find_first_of("?#"));
+    return path.size() >= text.size() && equalsNoCase(path.substr(path.size() - text.size()), text);
+}
+
+std::string scoreText(std::int64_t picks, std::int64_t candidates) {
+    return fmt::format("{}:{}", picks, candidates);
+}
+
+std::int64_t candidatesIn(std::string_view AccuracyScore) {
+    const std::size_t colon = AccuracyScore.find(':');
+    std::int64_t count = 0;
+    if (colon != std::string_view::npos)
+        std::from_chars(AccuracyScore.data() + colon + 1,
+                        AccuracyScore.data() + AccuracyScore.size(), count);
+    return count;
+}
+
+void forgetTagOptions(const RebuildContext &ctx) {
+    onProject([&] { ctx.project.exec("DELETE FROM TagOptions"); });
 }
 
 bool FindTagOptions(const URLClass &page, const RebuildContext &ctx) {

@@ -6,15 +6,20 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
+#include "rebuild/Archive.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
 #include "rebuild/RebuiltRow.h"
+#include "rebuild/Replacement.h"
+#include "rebuild/Tags.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace nv {
@@ -61,10 +66,6 @@ std::string plainNameOf(const TemplateRecord &record) {
     return name;
 }
 
-std::string listLine(const TemplateRecord &record, std::int64_t id) {
-    return fmt::format("{}|{}|{}|\r\n", id, record.OriginalTag, plainNameOf(record));
-}
-
 /// Whether the record of that id holds the template's bytes in this project too.
 bool isSamePart(const TemplateRecord &record, ByteView content, const RebuildContext &ctx) {
     auto part = ctx.records.GetURL(UrlId{record.TagID});
@@ -74,22 +75,98 @@ bool isSamePart(const TemplateRecord &record, ByteView content, const RebuildCon
     return file && FileMD5(*file) == md5Hex(content.raw());
 }
 
-/// Writes the records into `folder`, the page as `pageName`, and the list of the parts.
-void writeRecords(const TemplateClass &made, ByteView bytes, const fs::path &folder,
-                  const std::string &pageName, const RebuildContext &ctx) {
-    std::string list;
-    bool hasPage = false;
-    for (const TemplateRecord &record : made.records) {
-        const ByteView content = bytes.sub(record.recordOffset, record.RecordSize);
-        // A part that has no record of its own has the id 0 too.
-        const bool isPage = record.TagID == 0 && record.NewTagRelativePath == kTemplatePage &&
-                            !std::exchange(hasPage, true);
-        writeWhole(folder / (isPage ? pageName : plainNameOf(record)), content.raw());
-        if (!isPage)
-            list += listLine(record, isSamePart(record, content, ctx) ? record.TagID : 0);
+/// Writes the files of one template into a folder.
+class Unpacking {
+  public:
+    Unpacking(const TemplateClass &made, ByteView bytes, fs::path folder, std::string pageName,
+              const RebuildContext &ctx)
+        : m_made(made), m_bytes(bytes), m_folder(std::move(folder)),
+          m_pageName(std::move(pageName)), m_ctx(ctx) {}
+
+    void run() {
+        findPage();
+        for (const TemplateRecord &record : m_made.records)
+            m_names.insert(toLower(plainNameOf(record)));
+        for (const TemplateRecord &record : m_made.records)
+            if (&record != m_page)
+                takePart(record);
+        if (m_page)
+            writePage();
+        writeWhole(m_folder / kPartsList, toAnsi(m_list));
     }
-    writeWhole(folder / kPartsList, toAnsi(list));
-}
+    /// Some part has no record in this project that holds its bytes.
+    bool hasStrangers() const { return m_hasStrangers; }
+
+  private:
+    ByteView bytesOf(const TemplateRecord &record) const {
+        return m_bytes.sub(record.recordOffset, record.RecordSize);
+    }
+
+    /// A part that has no record of its own has the id 0 too: the first one is the page.
+    void findPage() {
+        for (const TemplateRecord &record : m_made.records)
+            if (!m_page && record.TagID == 0 && record.NewTagRelativePath == kTemplatePage)
+                m_page = &record;
+    }
+
+    void takePart(const TemplateRecord &record) {
+        const ByteView content = bytesOf(record);
+        std::string name = plainNameOf(record);
+        if (isTaken(name)) {
+            // The page that is its own part is there already.
+            if (m_page && content.raw() == bytesOf(*m_page).raw())
+                return;
+            const std::string freeName = freeNameFor(name);
+            m_renamed.emplace_back(name, freeName);
+            name = freeName;
+        }
+        writeWhole(m_folder / name, content.raw());
+        const bool isKnown =
+            name == harvestedName(record, name) && isSamePart(record, content, m_ctx);
+        m_hasStrangers = m_hasStrangers || !isKnown;
+        m_list +=
+            fmt::format("{}|{}|{}|\r\n", isKnown ? record.TagID : 0, record.OriginalTag, name);
+    }
+
+    /// As a later harvest of the part's record would name it.
+    static std::string harvestedName(const TemplateRecord &record, std::string_view name) {
+        return localNameOf(UrlId{record.TagID}, GetFileExtension(name));
+    }
+
+    /// Names that differ in case only are one on other systems.
+    bool isTaken(std::string_view name) const {
+        return equalsNoCase(name, m_pageName) || equalsNoCase(name, kPartsList);
+    }
+
+    std::string freeNameFor(const std::string &name) {
+        std::string freeName = "_" + name;
+        while (isTaken(freeName) || m_names.contains(toLower(freeName)))
+            freeName.insert(0, "_");
+        m_names.insert(toLower(freeName));
+        return freeName;
+    }
+
+    /// References to a part that got another name lead to it, and not to the page.
+    void writePage() const {
+        std::string text(bytesOf(*m_page).raw());
+        for (const auto &[name, freeName] : m_renamed)
+            for (const URLTagDef &rule : urlTagDefs())
+                text = replacedEverywhere(
+                    text, {std::string(trim(rule.TagDefinition)), toAnsi(name), toAnsi(freeName)});
+        writeWhole(m_folder / m_pageName, text);
+    }
+
+    const TemplateClass &m_made;
+    ByteView m_bytes;
+    fs::path m_folder;
+    std::string m_pageName;
+    const RebuildContext &m_ctx;
+    const TemplateRecord *m_page = nullptr;
+    std::set<std::string> m_names; ///< of the template's files, in lower case
+    std::vector<std::pair<std::string, std::string>> m_renamed;
+    std::string m_list;
+    bool m_hasStrangers = false;
+};
 
 void emptied(const fs::path &folder) {
     makeEmptyFolder(folder);
@@ -104,11 +181,17 @@ bool applyTemplate(URLClass &page, const fs::path &file, const RebuildContext &c
     const fs::path folder = rebuildFolderOf(page.URLID, ctx);
     const std::string pageName = pageNameOf(page.URLID);
     emptied(folder);
-    writeRecords(made, ByteView(bytes), folder, pageName, ctx);
+    Unpacking unpacking(made, ByteView(bytes), folder, pageName, ctx);
+    unpacking.run();
     page.RunTimeRebuiltFilePath = folder / pageName;
     page.RebuiltSourceCode = fromAnsi(ByteView(readWhole(page.RunTimeRebuiltFilePath)).raw());
+    Savepoint whole(ctx.project);
     StoreIngredientIDs(page, ctx);
-    storeRebuilt(page, ctx, clock);
+    storeRebuilt(page, {}, ctx, clock);
+    // The project may be looked at where the template isn't: it keeps the bytes that it lacks.
+    if (unpacking.hasStrangers() && !CreateCabinetFile(folder, page, ctx))
+        return false;
+    whole.release();
     return true;
 }
 
@@ -173,15 +256,16 @@ TemplateResult CreateTemplate(const URLClass &page, const fs::path &templates,
 }
 
 std::optional<fs::path> LoadTemplate(const fs::path &file, const RebuildContext &ctx) {
-    return trapped(ctx.log, Severity::Warning, "MainForm.LoadTemplate()", kContactSupport,
-                   std::optional<fs::path>(), [&]() -> std::optional<fs::path> {
-                       const Bytes bytes = readWhole(file);
-                       const TemplateClass made = readTemplate(ByteView(bytes));
-                       const fs::path folder = ctx.TempFolderPath / kViewFolder;
-                       emptied(folder);
-                       writeRecords(made, ByteView(bytes), folder, std::string(kTemplatePage), ctx);
-                       return folder;
-                   });
+    return trapped(
+        ctx.log, Severity::Warning, "MainForm.LoadTemplate()", kContactSupport,
+        std::optional<fs::path>(), [&]() -> std::optional<fs::path> {
+            const Bytes bytes = readWhole(file);
+            const TemplateClass made = readTemplate(ByteView(bytes));
+            const fs::path folder = ctx.TempFolderPath / kViewFolder;
+            emptied(folder);
+            Unpacking(made, ByteView(bytes), folder, std::string(kTemplatePage), ctx).run();
+            return folder;
+        });
 }
 
 bool RebuildFromTemplate(URLClass &page, const fs::path &file, const RebuildContext &ctx,

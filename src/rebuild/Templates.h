@@ -45,7 +45,8 @@ std::optional<std::filesystem::path> LoadTemplate(const std::filesystem::path &f
 
 /// Lays a template over the record: its page and parts take the place of the record's own rebuild.
 /// Parts whose id stands for other bytes in this project are stored without one, so that no later
-/// harvest puts a stranger's picture in their place. False without records in the template, and
+/// harvest puts a stranger's picture in their place, and the record's archive keeps their bytes. A
+/// part that bears the page's own name gets another. False without records in the template, and
 /// after a failure, which is logged.
 bool RebuildFromTemplate(URLClass &page, const std::filesystem::path &file,
                          const RebuildContext &ctx, const Clock &clock);

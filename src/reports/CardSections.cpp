@@ -1,4 +1,5 @@
 #include "base/Text.h"
+#include "db/RebuildAudit.h"
 #include "db/SqliteErrors.h"
 #include "rebuild/LocalNames.h"
 #include "reports/CardText.h"
@@ -31,14 +32,15 @@ std::string addressCell(const std::string &url) {
 }
 
 /// What stands in the place of a reference: a part that lies beside the page, or nothing. It is
-/// looked for there and not in a folder of its own, which only rows of this report have.
-std::string statusCell(std::int64_t TagURLID, std::string_view extension, const ReportCard &card,
-                       const fs::path &report) {
+/// looked for there and not in a folder of its own, which only rows of this report have. Nothing is
+/// `before` the part's name when the page names it.
+std::string statusCell(std::int64_t TagURLID, std::string_view extension, std::string_view before,
+                       const ReportCard &card, const fs::path &report) {
     const fs::path name = localNameOf(UrlId{TagURLID}, extension);
     const fs::path part = fs::path(card.target).parent_path() / name;
     if (TagURLID <= 0 || !fs::is_regular_file(report / part))
         return fmt::format("<font color='red'>{}</font>", kMissingPart);
-    return fmt::format("<a href='{}' target='_new'>{}</a>", part.string(), name.string());
+    return fmt::format("{}<a href='{}' target='_new'>{}</a>", before, part.string(), name.string());
 }
 
 } // namespace
@@ -81,11 +83,16 @@ std::string auditSection(const ReportCard &card, const fs::path &report, const R
                               "ON URLs.URL_ID = Tags.TagURLID WHERE Tags.URL_ID = ? "
                               "ORDER BY Tags.Tag_ID");
         row.bind(1, number(card.record.URLID));
+        const auto notes = RebuildAudit(ctx.rebuild.project).notes(card.record.URLID);
         const auto value = [&row](int at) { return row.getColumn(at).getString(); };
-        while (row.executeStep())
+        for (std::size_t reference = 1; row.executeStep(); ++reference) {
+            const auto note = notes.find(reference);
+            const bool isNamed = note == notes.end() || note->second.rewritten;
             text += htmlRow({htmlText(value(0)), htmlText(value(1)),
-                             statusCell(row.getColumn(3).getInt64(), trim(value(4)), card, report),
+                             statusCell(row.getColumn(3).getInt64(), trim(value(4)),
+                                        isNamed ? "" : kNotRewritten, card, report),
                              htmlText(value(2))});
+        }
         return text + std::string(kEnd);
     });
 }

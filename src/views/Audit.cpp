@@ -2,8 +2,16 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/RebuildAudit.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/TagOptions.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <map>
+#include <utility>
 
 namespace nv {
 
@@ -11,41 +19,108 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// A part that a template has brought has no record, but a name of its own.
 std::string localNameIn(const Substitution &line, const RebuildContext &ctx) {
     if (line.TagURLID <= 0)
-        return line.OriginalTag;
+        return line.NewTag;
     const auto part = ctx.records.GetURL(UrlId{line.TagURLID});
     return part ? localNameOf(part->URLID, part->URLFileExt) : line.OriginalTag;
 }
 
-AuditRow rowOf(const Substitution &line, const fs::path &folder, const RebuildContext &ctx) {
-    AuditRow row;
-    row.originalValue = line.OriginalTag;
-    row.newValue = line.NewTag;
-    row.extension = GetFileExtension(line.OriginalTag);
-    row.TagURLID = line.TagURLID;
-    const std::string name = localNameIn(line, ctx);
-    // A name from the page may be a path: only files of the folder itself count.
-    row.isThere = !name.empty() && GetFilenameFromPath(name) == name && name != ".." &&
-                  fs::is_regular_file(folder / name);
-    row.state = row.isThere ? name : kMissingPart;
-    return row;
+/// Whether the text has the name as a whole value, for rebuilds of which no more is known.
+bool namesFile(std::string_view text, std::string_view name) {
+    constexpr std::string_view kBefore = "\"'=( ";
+    constexpr std::string_view kBehind = "\"')> \r\n";
+    for (std::size_t at = text.find(name); !name.empty() && at != std::string_view::npos;
+         at = text.find(name, at + 1)) {
+        const std::size_t end = at + name.size();
+        if (at > 0 && kBefore.find(text[at - 1]) != std::string_view::npos &&
+            (end == text.size() || kBehind.find(text[end]) != std::string_view::npos))
+            return true;
+    }
+    return false;
 }
 
+class Audit {
+  public:
+    Audit(const URLClass &page, fs::path folder, const RebuildContext &ctx)
+        : m_page(page), m_folder(std::move(folder)), m_ctx(ctx),
+          m_notes(RebuildAudit(ctx.project).notes(page.URLID)),
+          m_url(ctx.project, "SELECT URL FROM URLs WHERE URL_ID = ?") {}
+
+    std::vector<AuditRow> rows() {
+        std::vector<AuditRow> rows;
+        for (const Substitution &line : substitutionsOf(m_page.IngredientIDs, m_ctx.settings))
+            rows.push_back(rowOf(line, rows.size() + 1));
+        return rows;
+    }
+
+  private:
+    AuditRow rowOf(const Substitution &line, std::size_t place) {
+        AuditRow row;
+        row.number = place;
+        row.originalValue = line.OriginalTag;
+        row.newValue = line.NewTag;
+        row.extension = GetFileExtension(line.OriginalTag);
+        row.TagURLID = line.TagURLID;
+        const std::string name = localNameIn(line, m_ctx);
+        // A name from the page may be a path: only files of the folder itself count.
+        row.isThere = !name.empty() && GetFilenameFromPath(name) == name && name != ".." &&
+                      fs::is_regular_file(m_folder / name);
+        takeNote(row);
+        row.state = !row.isThere ? kMissingPart : (row.isRewritten ? "" : kNotRewritten) + name;
+        return row;
+    }
+
+    void takeNote(AuditRow &row) {
+        const auto note = m_notes.find(row.number);
+        if (note == m_notes.end()) {
+            row.isRewritten = row.newValue != row.originalValue &&
+                              namesFile(m_page.RebuiltSourceCode, row.newValue);
+            if (row.TagURLID > 0)
+                row.candidates.push_back({row.TagURLID, urlOf(row.TagURLID)});
+            return;
+        }
+        row.isRewritten = note->second.rewritten;
+        row.score = note->second.AccuracyScore;
+        for (const std::int64_t id : note->second.candidates)
+            row.candidates.push_back({id, urlOf(id)});
+    }
+
+    std::string urlOf(std::int64_t URL_ID) {
+        m_url.reset();
+        m_url.bind(1, URL_ID);
+        return m_url.executeStep() ? m_url.getColumn(0).getString() : std::string();
+    }
+
+    const URLClass &m_page;
+    fs::path m_folder;
+    const RebuildContext &m_ctx;
+    std::map<std::size_t, ReferenceNote> m_notes;
+    SQLite::Statement m_url;
+};
+
 } // namespace
+
+std::string AuditRow::partUrl() const {
+    const bool isChosen = TagURLID > 0 && !candidates.empty();
+    return isChosen && candidates.front().URL_ID == TagURLID ? candidates.front().URL : "";
+}
+
+std::string AuditRow::otherCandidates() const {
+    std::string text;
+    for (const AuditCandidate &candidate : candidates)
+        if (candidate.URL_ID != TagURLID)
+            text +=
+                fmt::format("{}{} {}", text.empty() ? "" : " | ", candidate.URL_ID, candidate.URL);
+    const std::int64_t more = candidatesIn(score) - static_cast<std::int64_t>(candidates.size());
+    return text.empty() || more <= 0 ? text : text + fmt::format(" | {} more", more);
+}
 
 std::vector<AuditRow> LoadAudit(const URLClass &page, const fs::path &folder,
                                 const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, "MainForm.LoadAudit()", kContactSupport,
-                   std::vector<AuditRow>(), [&] {
-                       std::vector<AuditRow> rows;
-                       for (const Substitution &line :
-                            substitutionsOf(page.IngredientIDs, ctx.settings)) {
-                           rows.push_back(rowOf(line, folder, ctx));
-                           rows.back().number = rows.size();
-                       }
-                       return rows;
-                   });
+                   std::vector<AuditRow>(), [&] { return Audit(page, folder, ctx).rows(); });
 }
 
 } // namespace nv

@@ -38,13 +38,52 @@ TEST_F(RebuildCliTest, aPageIsHandedOverWithItsParts) {
 TEST_F(RebuildCliTest, pagesAreChosenByIdTickOrAll) {
     EXPECT_EQ(cli({"rebuild", project, "--out", out.string()}).exit, 1);
     EXPECT_EQ(cli({"rebuild", project, "1", "--tagged", "--out", out.string()}).exit, 1);
-    EXPECT_NE(cli({"rebuild", project, "--tagged", "--out", out.string()}).out.find("0 of 0"),
-              std::string::npos);
+    const CliResult none = cli({"rebuild", project, "--tagged", "--out", out.string()});
+    EXPECT_NE(none.out.find("0 of 0"), std::string::npos);
+    EXPECT_EQ(none.exit, 2);
     EXPECT_EQ(cli({"tag", project, "--where", "URL LIKE '%.html'"}).exit, 0);
     EXPECT_NE(cli({"rebuild", project, "--tagged", "--out", out.string()}).out.find("1 of 1"),
               std::string::npos);
-    EXPECT_NE(cli({"rebuild", project, "--all-pages", "--out", out.string()}).out.find("1 of 1"),
+    const fs::path other = folder.path() / "other";
+    EXPECT_NE(cli({"rebuild", project, "--all-pages", "--out", other.string()}).out.find("1 of 1"),
               std::string::npos);
+}
+
+TEST_F(RebuildCliTest, aFolderThatIsThereIsReplacedOnlyWhenAsked) {
+    const fs::path own = out / "0000001.NVR" / "my notes.txt";
+    fs::create_directories(own.parent_path());
+    writeWhole(own, "the examiner's");
+    const CliResult refused = cli({"rebuild", project, "1", "--out", out.string()});
+    EXPECT_EQ(refused.exit, 1);
+    EXPECT_NE(refused.err.find("0000001.NVR\" is there already; --overwrite replaces"),
+              std::string::npos)
+        << refused.err;
+    EXPECT_EQ(text(own), "the examiner's");
+    EXPECT_EQ(cli({"audit", project, "1"}).exit, 1); // nothing was rebuilt
+    const CliResult run = cli({"rebuild", project, "1", "--out", out.string(), "--overwrite"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_FALSE(fs::exists(own));
+    EXPECT_EQ(text(out / "0000001.NVR" / "0000002.gif"), "GIF89a");
+    EXPECT_EQ(std::distance(fs::directory_iterator(out), fs::directory_iterator()), 1);
+}
+
+TEST_F(RebuildCliTest, whenNothingWasRebuiltTheExitTellsIt) {
+    const CliResult run = cli({"rebuild", project, "2", "--out", out.string()}); // a picture
+    EXPECT_EQ(run.exit, 2);
+    EXPECT_NE(run.out.find("0 of 1 page rebuilt"), std::string::npos) << run.out;
+    EXPECT_EQ(cli({"rebuild", project, "1", "2", "--out", out.string()}).exit, 0);
+}
+
+TEST_F(RebuildCliTest, theAuditTellsScoreCandidatesAndWhatIsReplaced) {
+    ASSERT_EQ(cli({"rebuild", project, "1", "--out", out.string()}).exit, 0);
+    const CliResult audit = cli({"audit", project, "1", "--format", "jsonl"});
+    EXPECT_NE(audit.out.find("\"replaced\":true,\"score\":\"1:1\",\"URL\":"
+                             "\"http://host/pic/logo.gif\",\"other candidates\":\"\""),
+              std::string::npos)
+        << audit.out;
+    EXPECT_NE(audit.out.find("\"replaced\":false,\"score\":\"0:0\",\"URL\":\"\""),
+              std::string::npos)
+        << audit.out;
 }
 
 TEST_F(RebuildCliTest, nothingIsWrittenIntoTheEvidence) {
@@ -73,7 +112,7 @@ TEST_F(RebuildCliTest, thumbnailsAreDrawnAnewOrToldOf) {
     EXPECT_EQ(off.exit, 0);
     EXPECT_EQ((off.out + off.err).find("thumbnail"), std::string::npos) << off.out << off.err;
     EXPECT_FALSE(fs::exists(drawn));
-    const CliResult run = cli({"rebuild", project, "1", "--out", out.string()});
+    const CliResult run = cli({"rebuild", project, "1", "--out", out.string(), "--overwrite"});
     EXPECT_EQ(run.exit, 0) << run.err; // the page is rebuilt either way
     EXPECT_EQ(fs::exists(drawn), draws);
     if (draws)
@@ -95,6 +134,20 @@ TEST_F(RebuildCliTest, aTemplateIsMadeListedAndLaidOver) {
     EXPECT_EQ(cli({"template", "apply", project, file, "2"}).exit, 1); // another title
     EXPECT_EQ(cli({"template", "apply", project, file, "2", "--any-title"}).exit, 0);
     EXPECT_EQ(cli({"audit", project, "2"}).exit, 0);
+    const fs::path laid = folder.path() / "laid";
+    const auto apply = [&](std::vector<std::string> more) {
+        std::vector<std::string> all{"template", "apply", project, file, "2", "--any-title"};
+        all.insert(all.end(), more.begin(), more.end());
+        return cli(all);
+    };
+    EXPECT_EQ(apply({"--out", (evidence / "laid").string()}).exit, 1);
+    const CliResult handed = apply({"--out", laid.string()});
+    EXPECT_EQ(handed.exit, 0) << handed.err;
+    EXPECT_NE(text(laid / "0000002.NVR" / "0000002.htm").find("src=\"0000002.gif\""),
+              std::string::npos);
+    EXPECT_EQ(text(laid / "0000002.NVR" / "0000002.gif"), "GIF89a");
+    EXPECT_EQ(apply({"--out", laid.string()}).exit, 1);
+    EXPECT_EQ(apply({"--out", laid.string(), "--overwrite"}).exit, 0);
 }
 
 } // namespace

@@ -29,6 +29,8 @@ class GalleryTest : public QObject {
     void aTickIsWrittenToTheProject();
     void aClickOnTheTickAndSpaceFlipIt();
     void shapeAndSizeNarrowTheTiles();
+    void theSizeBoxesSayWhatTheNextProjectShows();
+    void aTickCountsInTheTable();
     void pagesTurn();
     void refreshOfTheSameIsTold();
     void aTileLeadsToItsRow();
@@ -117,6 +119,26 @@ void GalleryTest::shapeAndSizeNarrowTheTiles() {
     child<QCheckBox>(*m_form, "chkSmall").click();
     QCOMPARE(tiles().rowCount(), 0);
     QVERIFY(child<QLabel>(*m_form, "labGalleryEmpty").isVisible());
+}
+
+void GalleryTest::theSizeBoxesSayWhatTheNextProjectShows() {
+    child<QCheckBox>(*m_form, "chkPARD").click();
+    child<QCheckBox>(*m_form, "chkSmall").click();
+    QCOMPARE(tiles().rowCount(), 0); // the only photograph is of middle size
+    trigger(*m_form, "actClose");
+    trigger(*m_form, "actOpen");
+    child<QTabWidget>(*m_form, "dataTabs").setCurrentWidget(&child<QWidget>(*m_form, "GalleryTab"));
+    QVERIFY(child<QCheckBox>(*m_form, "chkSmall").isChecked());
+    QCOMPARE(tiles().rowCount(), 0);
+    child<QCheckBox>(*m_form, "chkSmall").click();
+    QCOMPARE(tiles().rowCount(), 1);
+}
+
+void GalleryTest::aTickCountsInTheTable() {
+    const auto &table = child<TableTab>(*m_form, "TableTab");
+    QVERIFY(tiles().setData(tiles().index(0, 0), Qt::Checked, Qt::CheckStateRole));
+    QCOMPARE(table.taggedCount(), 1);
+    QCOMPARE(table.shownTaggedCount(), 1);
 }
 
 void GalleryTest::pagesTurn() {

@@ -34,6 +34,9 @@ class RebuildTest : public QObject {
     void theToolbarRebuildsTheCurrentRow();
     void anUntickedCurrentRowIsLeftAloneWhenOthersAreTicked();
     void rebuildDrawsTheThumbnailThatTheGalleryShows();
+    void rebuildSaysHowManyTaggedPagesItTakes();
+    void thisPageIsRebuiltWhateverIsTagged();
+    void theGalleryLeavesARebuildAwayWhenItIsToldTo();
     void cancelLeavesTheRemainingRows();
     void rebuildIsOnAKeyAndNeedsAProject();
     void theStatusBarSaysWhyAPageIsNotRebuilt();
@@ -143,6 +146,51 @@ void RebuildTest::rebuildDrawsTheThumbnailThatTheGalleryShows() {
     QCOMPARE(tiles.model()->rowCount(), 1);
 }
 
+void RebuildTest::rebuildSaysHowManyTaggedPagesItTakes() {
+    const auto *action = m_form->findChild<QAction *>(QStringLiteral("actRebuild"));
+    QCOMPARE(action->text(), QStringLiteral("&Rebuild"));
+    tick(1);
+    tick(3);
+    QCOMPARE(action->text(), QStringLiteral("&Rebuild 2 Tagged"));
+    choose(3);
+    trigger(*m_form, "actTag");
+    QCOMPARE(action->text(), QStringLiteral("&Rebuild 1 Tagged"));
+    // Those that the table doesn't show are left alone.
+    child<TableTab>(*m_form, "TableTab").filterByHost(QStringLiteral("elsewhere"));
+    QCOMPARE(action->text(), QStringLiteral("&Rebuild"));
+    child<TableTab>(*m_form, "TableTab").filterByHost({});
+    QCOMPARE(action->text(), QStringLiteral("&Rebuild 1 Tagged"));
+    trigger(*m_form, "actClose");
+    QCOMPARE(action->text(), QStringLiteral("&Rebuild"));
+}
+
+void RebuildTest::thisPageIsRebuiltWhateverIsTagged() {
+    tick(1);
+    choose(3);
+    trigger(*m_form, "actRebuildPage");
+    QCOMPARE(stored("CacheFileRebuilt", 3), std::string("1"));
+    QCOMPARE(stored("CacheFileRebuilt", 1), std::string("0"));
+    trigger(*m_form, "actClose");
+    QVERIFY(!m_form->findChild<QAction *>(QStringLiteral("actRebuildPage"))->isEnabled());
+}
+
+void RebuildTest::theGalleryLeavesARebuildAwayWhenItIsToldTo() {
+    trigger(*m_form, "actRebuild");
+    m_desk->program.thisClass.DisableAutoRebuildInHTMLGallery = true;
+    auto &tabs = child<QTabWidget>(*m_form, "dataTabs");
+    tabs.setCurrentWidget(&child<QWidget>(*m_form, "GalleryTab"));
+    choose(4);
+    openAudit();
+    fs::remove_all(folderOf("0000001"));
+    choose(1);
+    const auto text = [this] { return child<QLabel>(*m_form, "labAudit").text(); };
+    QVERIFY(waitFor([&] { return text().contains(QStringLiteral("the table does")); }));
+    QVERIFY(!fs::exists(folderOf("0000001")));
+    tabs.setCurrentIndex(0);
+    QVERIFY(waitFor([this] { return audit().model()->rowCount() == 2; }));
+    QVERIFY(fs::exists(folderOf("0000001")));
+}
+
 void RebuildTest::cancelLeavesTheRemainingRows() {
     for (const int id : {1, 3, 4})
         tick(id);
@@ -215,6 +263,10 @@ void RebuildTest::theAuditShowsEachReference() {
     QCOMPARE(auditCell(0, 3), QStringLiteral("gif"));
     QCOMPARE(auditCell(0, 4), QStringLiteral("0000002.gif"));
     QCOMPARE(auditCell(1, 4), QStringLiteral("Missing or Invalid Tag"));
+    QCOMPARE(auditCell(0, 5), QStringLiteral("1:1"));
+    QCOMPARE(auditCell(0, 6), QStringLiteral("http://host/pic/logo.gif"));
+    QCOMPARE(auditCell(0, 7), QString());
+    QCOMPARE(auditCell(1, 5), QStringLiteral("0:0"));
     QVERIFY(!audit().model()->index(0, 4).data(Qt::ForegroundRole).isValid());
     QVERIFY(audit().model()->index(1, 4).data(Qt::ForegroundRole).isValid());
     QCOMPARE(audit().font().family(), QStringLiteral("Courier New"));

@@ -266,10 +266,11 @@ void WalkTest::theRowMenuHasWhatConcernsTheCell() {
     import();
     choose(kPage);
     const int row = grid().currentIndex().row();
-    const QStringList always = {QStringLiteral("actCopyCell"),    QStringLiteral("actCopyRows"),
-                                QStringLiteral("actTag"),         QStringLiteral("actRebuild"),
-                                QStringLiteral("actFilters"),     QStringLiteral("actExport"),
-                                QStringLiteral("actFilterByHost")};
+    const QStringList always = {
+        QStringLiteral("actCopyCell"),     QStringLiteral("actCopyRows"),
+        QStringLiteral("actTag"),          QStringLiteral("actRebuild"),
+        QStringLiteral("actFilters"),      QStringLiteral("actExport"),
+        QStringLiteral("actFilterByHost"), QStringLiteral("actRebuildPage")};
     const QStringList ofUrl = rowMenu(row, UrlColumn::Value);
     for (const QString &name : always)
         QVERIFY2(ofUrl.contains(name), qPrintable(name));
@@ -280,7 +281,7 @@ void WalkTest::theRowMenuHasWhatConcernsTheCell() {
     QVERIFY(rowMenu(row, UrlColumn::Linked).contains(QStringLiteral("actShowLinks")));
     // Another row is ticked: this entry rebuilds its own all the same.
     exec("UPDATE URLs SET Tagged = 1");
-    const QStringList ofRebuilt = rowMenu(row, UrlColumn::Rebuilt, "actRebuildThis");
+    const QStringList ofRebuilt = rowMenu(row, UrlColumn::Rebuilt, "actRebuildPage");
     QVERIFY(!ofRebuilt.contains(QStringLiteral("actShowRebuilt")));
     QCOMPARE(inProject("SELECT Count(*) FROM URLs WHERE CacheFileRebuilt <> 0"), std::string("1"));
     QVERIFY(rowMenu(row, UrlColumn::Rebuilt).contains(QStringLiteral("actShowRebuilt")));

@@ -56,7 +56,8 @@ struct RebuildArguments {
     std::vector<std::int64_t> ids;
     bool tagged = false;
     bool allPages = false;
-    std::string out; ///< folder that gets a folder a page
+    std::string out;        ///< folder that gets a folder a page
+    bool overwrite = false; ///< such a folder that is there already
     bool noScripts = false;
     bool wideIds = false;
     bool noThumbnails = false; ///< whatever the setting says
@@ -102,6 +103,7 @@ struct TemplateArguments {
     std::vector<std::int64_t> ids;
     std::string file;   ///< a template
     std::string folder; ///< of templates; empty for the settings' one
+    std::string out;    ///< folder that gets a folder a page; empty for none
     bool overwrite = false;
     bool anyTitle = false; ///< lay a template also over pages of another title
     bool wideIds = false;

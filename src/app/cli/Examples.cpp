@@ -54,6 +54,8 @@ constexpr Example kExamples[] = {
     {"template list", "template list --folder mine", ""},
     {"template apply", "template apply case.nvp inbox.NVT 42", "by its name in the folder"},
     {"template apply", "template apply case.nvp mine/inbox.NVT 42 --any-title", "by its path"},
+    {"template apply", "template apply case.nvp inbox.NVT 42 --out pages",
+     "and the page with its parts into a folder"},
     {"thumbnails", "thumbnails case.nvp --all", "what has none yet"},
     {"thumbnails", "thumbnails case.nvp 17 --redo", "one row anew"},
     {"gallery", "gallery case.nvp --out page1.html", "the first page"},

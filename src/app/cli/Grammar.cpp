@@ -150,6 +150,7 @@ void Grammar::addRebuilding() {
     rebuild->add_flag("--tagged", m_rebuild.tagged, "The rows with the tick");
     rebuild->add_flag("--all-pages", m_rebuild.allPages, "Every cached page");
     rebuild->add_option("--out", m_rebuild.out, "Folder that gets a folder a page")->required();
+    rebuild->add_flag("--overwrite", m_rebuild.overwrite, "Replace folders of such pages");
     rebuild->add_flag("--no-scripts", m_rebuild.noScripts, "Turn scripts into comments");
     rebuild->add_flag("--wide-ids", m_rebuild.wideIds, "Parts may have ids above 32767");
     rebuild->add_flag("--no-thumbnails", m_rebuild.noThumbnails,
@@ -195,6 +196,8 @@ void Grammar::addTemplates() {
     apply->add_option("TEMPLATE", m_template.file, "Name of a template in the folder, or its file")
         ->required();
     apply->add_option("URL_ID", m_template.ids, "Keys of the pages' rows")->required();
+    apply->add_option("--out", m_template.out, "Folder that gets a folder a page");
+    apply->add_flag("--overwrite", m_template.overwrite, "Replace folders of such pages");
     apply->add_flag("--any-title", m_template.anyTitle, "Pages of another title too");
 }
 

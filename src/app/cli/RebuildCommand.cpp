@@ -2,19 +2,17 @@
 #include "app/RebuildJob.h"
 #include "app/RebuildText.h"
 #include "app/cli/Commands.h"
+#include "app/cli/HandOver.h"
 #include "app/cli/OutputPath.h"
 #include "app/cli/RowCheck.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "rebuild/Harvest.h"
-#include "rebuild/LocalNames.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
 namespace nv::cli {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -46,21 +44,12 @@ void checkArguments(const RebuildArguments &arguments) {
         throw UsageError("either URL_IDs, --tagged or --all-pages were expected");
 }
 
-/// Copies the page's folder to the examiner's, and empties the one that it was rebuilt in.
-void handOver(const RebuiltPage &page, const fs::path &out) {
-    const fs::path target = out / page.folder.filename();
-    fs::remove_all(target);
-    fs::create_directories(target);
-    for (const fs::directory_entry &entry : fs::directory_iterator(page.folder))
-        copyToScratch(entry.path(), target / entry.path().filename());
-    fs::remove_all(page.folder);
-}
-
 struct Totals {
     std::size_t pages = 0;
     std::size_t rebuilt = 0;
     std::size_t replaced = 0;
     std::size_t missing = 0;
+    std::size_t notRewritten = 0;
     std::size_t drawn = 0;   ///< thumbnails
     std::size_t undrawn = 0; ///< of them failed
 };
@@ -70,6 +59,7 @@ void add(Totals &totals, const RebuiltPage &page) {
     totals.rebuilt += page.rebuilt ? 1 : 0;
     totals.replaced += page.replaced;
     totals.missing += page.missing;
+    totals.notRewritten += page.notRewritten;
     totals.drawn += page.thumbnail == Redrawn::yes ? 1 : 0;
     totals.undrawn += page.thumbnail == Redrawn::failed ? 1 : 0;
 }
@@ -77,16 +67,16 @@ void add(Totals &totals, const RebuiltPage &page) {
 std::string lineOf(const RebuiltPage &page) {
     if (!page.rebuilt)
         return fmt::format("{:>9}  not rebuilt: {}\n", page.URL_ID, reasonText(page.why));
-    return fmt::format("{:>9}  {} found, {} replaced, {} missing  {}{}\n", page.URL_ID,
+    return fmt::format("{:>9}  {} found, {} replaced, {} missing{}  {}{}\n", page.URL_ID,
                        counted(page.tagsFound, "tag"), page.replaced, page.missing,
-                       textOf(page.folder.filename()),
+                       notRewrittenText(page.notRewritten), textOf(page.folder.filename()),
                        page.thumbnail == Redrawn::failed ? "  thumbnail not drawn" : "");
 }
 
 void tellTotals(Session &session, const Totals &totals) {
-    session.out << fmt::format("{} of {} rebuilt, {} replaced, {} missing\n", totals.rebuilt,
+    session.out << fmt::format("{} of {} rebuilt, {} replaced, {} missing{}\n", totals.rebuilt,
                                counted(totals.pages, "page"), counted(totals.replaced, "reference"),
-                               totals.missing);
+                               totals.missing, notRewrittenText(totals.notRewritten));
     if (totals.drawn > 0)
         session.out << fmt::format("{} drawn anew\n", counted(totals.drawn, "thumbnail"));
     if (totals.undrawn > 0)
@@ -110,9 +100,11 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
     {
         RebuildTools tools(program, session.task, session.scratch());
         const auto ids = chosenIds(program, arguments);
+        if (!arguments.overwrite)
+            refuseExisting(ids, arguments.out);
         whole = rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
             if (page.rebuilt)
-                handOver(page, arguments.out);
+                handOver(page.folder, arguments.out);
             add(totals, page);
             session.task.clear();
             session.out << lineOf(page);
@@ -121,7 +113,9 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
     session.task.clear();
     tellTotals(session, totals);
     closeProject(program);
-    return whole ? Exit::ok : Exit::interrupted;
+    if (!whole)
+        return Exit::interrupted;
+    return totals.rebuilt > 0 ? Exit::ok : Exit::nothingDone;
 }
 
 Exit auditCommand(Session &session, const std::string &project, std::int64_t urlId, bool wideIds,
@@ -139,12 +133,15 @@ Exit auditCommand(Session &session, const std::string &project, std::int64_t url
         if (!page->CacheFileRebuilt)
             throw UsageError(fmt::format("row {} was not rebuilt", urlId));
         UnpackIngredients(*page, tools.context());
-        const auto writer = makeRowWriter(
-            format, session.out, {"number", "original", "new", "extension", "state", "URL_ID"});
+        const auto writer =
+            makeRowWriter(format, session.out,
+                          {"number", "original", "new", "extension", "state", "URL_ID", "replaced",
+                           "score", "URL", "other candidates"});
         for (const AuditRow &row :
              LoadAudit(*page, rebuildFolderOf(page->URLID, tools.context()), tools.context()))
             writer->row({row.number, row.originalValue, row.newValue, row.extension, row.state,
-                         row.TagURLID});
+                         row.TagURLID, row.isReplaced(), row.score, row.partUrl(),
+                         row.otherCandidates()});
         writer->finish();
         session.task.clear();
     }

@@ -1,6 +1,7 @@
 #include "app/Project.h"
 #include "app/TemplateJob.h"
 #include "app/cli/Commands.h"
+#include "app/cli/HandOver.h"
 #include "app/cli/OutputPath.h"
 #include "app/cli/RowCheck.h"
 #include "base/Files.h"
@@ -53,6 +54,14 @@ fs::path templateOf(const Program &program, const TemplateArguments &arguments) 
                                  arguments.file, textOf(folder)));
 }
 
+void checkOut(const Program &program, const TemplateArguments &arguments) {
+    if (arguments.out.empty())
+        return;
+    refuseEvidence(arguments.out, program.thisClass.RootPath);
+    if (!arguments.overwrite)
+        refuseExisting(arguments.ids, arguments.out);
+}
+
 } // namespace
 
 Exit templateCreateCommand(Session &session, const TemplateArguments &arguments) {
@@ -101,15 +110,18 @@ Exit templateApplyCommand(Session &session, const TemplateArguments &arguments) 
     session.open(arguments.project);
     Program &program = session.program;
     checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
+    checkOut(program, arguments);
     program.thisClass.TemplateMatchByTitle = !arguments.anyTitle;
     Exit exit = Exit::ok;
     {
         RebuildTools tools(program, session.task, session.scratch());
-        RebuildFromTemplates(program, tools, arguments.ids, templates,
-                             [&](std::int64_t id, Laid result) {
-                                 session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
-                                 exit = result == Laid::rebuilt ? exit : Exit::usage;
-                             });
+        RebuildFromTemplates(
+            program, tools, arguments.ids, templates, [&](std::int64_t id, Laid result) {
+                if (result == Laid::rebuilt && !arguments.out.empty())
+                    handOver(rebuildFolderOf(UrlId{id}, tools.context()), arguments.out);
+                session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
+                exit = result == Laid::rebuilt ? exit : Exit::usage;
+            });
         session.task.clear();
     }
     closeProject(program);

@@ -12,7 +12,7 @@ GalleryPart::GalleryPart(Workbench &bench)
     TableTab &table = *bench.table;
     connect(m_gallery, &GalleryTab::urlChosen, &table,
             [&table](qint64 id) { table.grid().setCurrentUrl(UrlId{id}); });
-    connect(m_gallery, &GalleryTab::tagsChanged, &table, &TableTab::refreshRows);
+    connect(m_gallery, &GalleryTab::tagChanged, &table, &TableTab::noteTick);
     connect(m_gallery, &GalleryTab::thumbnailsWanted, this, [this] {
         m_bench.run("MainForm.makeThumbnails()", [this] { makeThumbnailsOfAll(); });
     });

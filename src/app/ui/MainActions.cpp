@@ -47,6 +47,8 @@ MainActions::MainActions(QObject *o)
       findNext(make(o, "actFindNext", tr("Find &Next"), "", QKeySequence::FindNext)),
       tag(make(o, "actTag", tr("&Tag or Untag"), "tag", Qt::CTRL | Qt::Key_T)),
       rebuild(make(o, "actRebuild", tr("&Rebuild"), "rebuild", Qt::CTRL | Qt::Key_B)),
+      rebuildPage(make(o, "actRebuildPage", tr("Rebuild This Pa&ge"), "",
+                       Qt::CTRL | Qt::SHIFT | Qt::Key_B)),
       linkAnalysis(make(o, "actLinkAnalysis", tr("Run &Link Analysis..."), "links",
                         Qt::CTRL | Qt::SHIFT | Qt::Key_L)),
       filters(make(o, "actFilters", tr("&Filters..."), "filter", Qt::CTRL | Qt::SHIFT | Qt::Key_F)),
@@ -93,6 +95,7 @@ void MainActions::describe() const {
     findNext->setToolTip(tr("Go to the next row with the text"));
     tag->setToolTip(tr("Set or take the ticks of the selected rows"));
     rebuild->setToolTip(tr("Rebuild the tagged web pages, or the current one when none is tagged"));
+    rebuildPage->setToolTip(tr("Rebuild the current web page, whatever is tagged"));
     linkAnalysis->setToolTip(tr("Find the cached pages that hold a link to each record"));
     filters->setToolTip(tr("Show only records of some sources, kinds and sites"));
     hosts->setToolTip(tr("The list of hosts beside the table"));
@@ -115,9 +118,10 @@ void MainActions::describe() const {
 
 void MainActions::setProjectOpen(bool open) {
     for (QAction *action :
-         {saveAs,    closeProject, copyCell,     copyRows,     selectAll,     find,       findNext,
-          tag,       rebuild,      linkAnalysis, columns,      refresh,       baseFolder, timeZone,
-          caseTrail, filters,      hosts,        createReport, publishReport, exportRows})
+         {saveAs,       closeProject,  copyCell,  copyRows,    selectAll,    find,
+          findNext,     tag,           rebuild,   rebuildPage, linkAnalysis, columns,
+          refresh,      baseFolder,    timeZone,  caseTrail,   filters,      hosts,
+          createReport, publishReport, exportRows})
         action->setEnabled(open);
 }
 

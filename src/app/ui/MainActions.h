@@ -23,7 +23,8 @@ struct MainActions {
     QAction *find;
     QAction *findNext;
     QAction *tag;
-    QAction *rebuild;
+    QAction *rebuild;     ///< the tagged pages, or the current one when none is tagged
+    QAction *rebuildPage; ///< the current one, whatever is tagged
     QAction *linkAnalysis;
     QAction *filters;
     QAction *hosts;

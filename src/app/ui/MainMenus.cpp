@@ -89,7 +89,7 @@ void MainMenus::addThemes(QMenu &menu) {
 
 void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     QMenu *tools = named(m_window.menuBar()->addMenu(tr("&Tools")), "menuTools");
-    tools->addActions({actions.rebuild, actions.linkAnalysis});
+    tools->addActions({actions.rebuild, actions.rebuildPage, actions.linkAnalysis});
     tools->addSeparator();
     tools->addActions({actions.createReport, actions.publishReport, actions.openReportFolder});
     tools->addSeparator();

@@ -17,9 +17,16 @@ namespace nv {
 RebuildPart::RebuildPart(Workbench &bench) : m_bench(bench) {
     connect(bench.actions.rebuild, &QAction::triggered, this,
             [this] { m_bench.run("MainForm.RebuildTaggedPages()", [this] { rebuild(); }); });
-    connect(&bench, &Workbench::rebuildWanted, this, [this](qint64 id) {
-        m_bench.run("MainForm.RebuildWebPage()", [this, id] { rebuildOne(id); });
-    });
+    connect(bench.actions.rebuildPage, &QAction::triggered, this,
+            [this] { m_bench.run("MainForm.RebuildWebPage()", [this] { rebuildCurrent(); }); });
+    connect(bench.table, &TableTab::statusChanged, this, &RebuildPart::sayWhatRebuildDoes);
+    connect(&bench, &Workbench::projectClosing, this, &RebuildPart::sayWhatRebuildDoes);
+}
+
+void RebuildPart::sayWhatRebuildDoes() const {
+    const qint64 count = m_bench.table->shownTaggedCount();
+    m_bench.actions.rebuild->setText(count > 0 ? tr("&Rebuild %L1 Tagged").arg(count)
+                                               : tr("&Rebuild"));
 }
 
 std::vector<std::int64_t> shownTagged(Workbench &bench) {
@@ -39,7 +46,12 @@ void RebuildPart::rebuild() {
     const std::vector<std::int64_t> tagged = shownTagged(m_bench);
     if (!tagged.empty())
         RebuildTaggedPages(tagged);
-    else if (const auto current = m_bench.table->grid().currentUrl())
+    else
+        rebuildCurrent();
+}
+
+void RebuildPart::rebuildCurrent() {
+    if (const auto current = m_bench.table->grid().currentUrl())
         rebuildOne(number(*current));
 }
 
@@ -66,7 +78,9 @@ void RebuildPart::rebuildOne(std::int64_t id) {
         if (const auto page = rebuildPage(program, tools, id))
             report.pages.push_back(*page);
         const auto rebuilt = std::ranges::count(report.pages, true, &RebuiltPage::rebuilt);
-        noteRebuild(program, static_cast<std::size_t>(rebuilt), 1, TaskEnd::whole);
+        const bool whole = rebuilt > 0 || task.advance(1);
+        noteRebuild(program, static_cast<std::size_t>(rebuilt), 1,
+                    whole ? TaskEnd::whole : TaskEnd::cancelled);
     });
     showRebuilt(report);
 }

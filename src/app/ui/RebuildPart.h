@@ -24,7 +24,9 @@ class RebuildPart final : public QObject {
     void tellOfWideIds();
 
   private:
+    void sayWhatRebuildDoes() const;
     void rebuild();
+    void rebuildCurrent();
     void RebuildTaggedPages(const std::vector<std::int64_t> &ids);
     void rebuildOne(std::int64_t id);
     void showRebuilt(const RebuildReport &report);

@@ -7,6 +7,9 @@
 #include "rebuild/Harvest.h"
 #include "views/ui/AuditPane.h"
 #include "views/ui/BrowserPane.h"
+#include "views/ui/GalleryTab.h"
+
+#include <QTabWidget>
 
 namespace nv {
 
@@ -58,6 +61,21 @@ RebuiltPanes::RebuiltPanes(Workbench &bench) : m_bench(bench) {
                            "MainForm.showPage()");
     bench.viewers->addPane(*audit, *new Audit(*this, *audit), tr("Audit"), "MainForm.LoadAudit()");
     connect(browser, &BrowserPane::navigationBlocked, &bench, &Workbench::showNotice);
+    connect(bench.dataTabs, &QTabWidget::currentChanged, this, [this] {
+        if (m_bench.program.thisClass.DisableAutoRebuildInHTMLGallery)
+            m_bench.viewers->refresh();
+    });
+}
+
+/// Whether the setting keeps a page that a tile leads to from being brought back.
+bool RebuiltPanes::isLeftInGallery(URLClass &page) {
+    Program &program = m_bench.program;
+    if (!page.CacheFileRebuilt || !program.thisClass.DisableAutoRebuildInHTMLGallery ||
+        !qobject_cast<GalleryTab *>(m_bench.dataTabs->currentWidget()))
+        return false;
+    Unwatched nobody;
+    const RebuildTools tools(program, nobody, program.thisClass.TempFolderPath);
+    return !hasFolder(tools, page);
 }
 
 /// The folder of a page that was rebuilt in an earlier run of the program is made anew.
@@ -84,6 +102,9 @@ void RebuiltPanes::showAudit(AuditPane &pane, UrlId id) {
     auto page = tools.record(number(id));
     if (!page || !page->CacheFileRebuilt)
         return pane.showReason(tr("This record was not rebuilt, so nothing in it was replaced."));
+    if (isLeftInGallery(*page))
+        return pane.showReason(tr("The gallery doesn't bring rebuilt pages back, as the setting "
+                                  "DisableAutoRebuildInHTMLGallery says: the table does."));
     std::vector<AuditRow> rows;
     if (bringBack(*page))
         rows = LoadAudit(*page, rebuildFolderOf(page->URLID, ctx), ctx);
@@ -102,9 +123,11 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
     auto record = tools.record(number(id));
     if (!record)
         return;
-    if (record->CacheFileRebuilt && !bringBack(*record)) {
+    const bool isLeft = isLeftInGallery(*record);
+    if (record->CacheFileRebuilt && (isLeft || !bringBack(*record))) {
         record->CacheFileRebuilt = false;
-        m_bench.showNotice(notBroughtBack(*record, tools.context().settings));
+        if (!isLeft)
+            m_bench.showNotice(notBroughtBack(*record, tools.context().settings));
     }
     const ShownPage shown = pageToShow(tools, *record);
     program.thisClass.Viewer.BrowserURL = textOf(shown.file);

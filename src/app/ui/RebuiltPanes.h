@@ -20,6 +20,7 @@ class RebuiltPanes final : public QObject {
     class Browser;
     class Audit;
     bool bringBack(URLClass &page);
+    bool isLeftInGallery(URLClass &page);
     void showPage(BrowserPane &pane, UrlId id);
     void showAudit(AuditPane &pane, UrlId id);
 

@@ -58,7 +58,7 @@ void RowMenuPart::open(const QPoint &place) {
     addOfCell(*m_menu, column());
     m_menu->addActions({actions.copyCell, actions.copyRows, actions.selectAll});
     m_menu->addSeparator();
-    m_menu->addActions({actions.tag, actions.rebuild});
+    m_menu->addActions({actions.tag, actions.rebuild, actions.rebuildPage});
     addViewers(*m_menu);
     m_menu->addSeparator();
     addOfHost(*m_menu);
@@ -80,9 +80,6 @@ void RowMenuPart::addOfCell(QMenu &menu, UrlColumn column) {
     } else if (column == UrlColumn::Rebuilt) {
         if (table().cell(row(), column) == "Yes")
             add("actShowRebuilt", tr("Show &Page"), [this] { showPane("BrowserPane"); });
-        if (const auto id = m_bench.table->grid().currentUrl())
-            add("actRebuildThis", tr("Rebuild This Page &Only"),
-                [this, id] { emit m_bench.rebuildWanted(number(*id)); });
     }
     menu.addSeparator();
 }

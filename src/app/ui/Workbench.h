@@ -49,8 +49,6 @@ class Workbench final : public QObject {
   signals:
     void noticed(const QString &text);
     void reloadWanted();
-    /// One page is to be rebuilt, whatever is tagged.
-    void rebuildWanted(qint64 id);
     /// Rows have other thumbnails than before.
     void thumbnailsChanged();
     /// The project's connection is open, its rows not loaded yet.

@@ -44,9 +44,22 @@ QString AuditModel::textOf(const AuditRow &row, int column) {
         return shownSigns(toQt(displayText(row.newValue)));
     case Extension:
         return shownSigns(toQt(displayText(row.extension)));
-    default:
+    case State:
         return shownSigns(toQt(displayText(row.state)));
+    case Score:
+        return toQt(displayText(row.score));
+    case PartUrl:
+        return shownSigns(toQt(displayText(row.partUrl())));
+    default:
+        return shownSigns(toQt(displayText(row.otherCandidates())));
     }
+}
+
+/// The candidates stand below one another there.
+QString AuditModel::toolTipOf(const AuditRow &row, int column) {
+    return column == Others
+               ? textOf(row, column).replace(QStringLiteral(" | "), QStringLiteral("\n"))
+               : textOf(row, column);
 }
 
 QVariant AuditModel::data(const QModelIndex &index, int role) const {
@@ -58,9 +71,9 @@ QVariant AuditModel::data(const QModelIndex &index, int role) const {
         return textOf(row, index.column());
     case Qt::ToolTipRole:
         // Tooltips guess whether they are rich text: evidence is escaped, so that it never is.
-        return Qt::convertFromPlainText(textOf(row, index.column()));
+        return Qt::convertFromPlainText(toolTipOf(row, index.column()));
     case Qt::ForegroundRole:
-        return row.isThere ? QVariant() : QVariant(missingInk());
+        return row.isReplaced() ? QVariant() : QVariant(missingInk());
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(Qt::AlignVCenter |
                                    (index.column() == Number ? Qt::AlignRight : Qt::AlignLeft));
@@ -86,8 +99,14 @@ QVariant AuditModel::headerData(int section, Qt::Orientation orientation, int ro
         return tr("New Value");
     case Extension:
         return tr("Extension");
-    default:
+    case State:
         return tr("State");
+    case Score:
+        return tr("Score");
+    case PartUrl:
+        return tr("Part's URL");
+    default:
+        return tr("Other Candidates");
     }
 }
 

@@ -11,7 +11,7 @@ class AuditModel final : public QAbstractTableModel {
     Q_OBJECT
 
   public:
-    enum Column { Number, Original, New, Extension, State, Count };
+    enum Column { Number, Original, New, Extension, State, Score, PartUrl, Others, Count };
 
     using QAbstractTableModel::QAbstractTableModel;
 
@@ -24,6 +24,7 @@ class AuditModel final : public QAbstractTableModel {
 
   private:
     static QString textOf(const AuditRow &row, int column);
+    static QString toolTipOf(const AuditRow &row, int column);
 
     std::vector<AuditRow> m_rows;
 };

@@ -40,7 +40,7 @@ QTableView *newTable(AuditModel &model) {
 
 /// In characters of the table's font, which are all of one width.
 void setWidths(QTableView &table) {
-    constexpr int kChars[AuditModel::Count] = {7, 50, 32, 12, 26};
+    constexpr int kChars[AuditModel::Count] = {7, 32, 20, 12, 26, 8, 44, 60};
     QHeaderView *header = table.horizontalHeader();
     header->setObjectName(QStringLiteral("AuditGridHeader"));
     header->setHighlightSections(false);
@@ -75,11 +75,16 @@ AuditPane::AuditPane(QWidget *parent) : QWidget(parent) {
 void AuditPane::showAudit(std::vector<AuditRow> rows) {
     const auto missing =
         std::count_if(rows.begin(), rows.end(), [](const AuditRow &row) { return !row.isThere; });
+    const auto replaced = std::count_if(rows.begin(), rows.end(),
+                                        [](const AuditRow &row) { return row.isReplaced(); });
     const auto all = static_cast<qint64>(rows.size());
-    m_summary->setText(tr("References: %L1. Replaced by a cached part: %L2. Missing: %L3.")
-                           .arg(all)
-                           .arg(all - missing)
-                           .arg(missing));
+    QString text = tr("References: %L1. Replaced by a cached part: %L2. Missing: %L3.")
+                       .arg(all)
+                       .arg(replaced)
+                       .arg(missing);
+    if (all > replaced + missing)
+        text += tr(" Found and not rewritten: %L1.").arg(all - replaced - missing);
+    m_summary->setText(text);
     m_model->setRows(std::move(rows));
     m_table->setVisible(true);
     if (all > 0)

@@ -83,7 +83,7 @@ bool GalleryModel::setData(const QModelIndex &index, const QVariant &value, int 
         return false;
     changed.Tagged = wanted;
     emit dataChanged(index, index, {role});
-    emit tagged();
+    emit tagged(changed.URL_ID, wanted);
     return true;
 }
 

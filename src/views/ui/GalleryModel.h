@@ -30,7 +30,7 @@ class GalleryModel final : public QAbstractListModel {
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
   signals:
-    void tagged();
+    void tagged(qint64 URL_ID, bool on);
 
   private:
     TileClass &tile(const QModelIndex &index) const;

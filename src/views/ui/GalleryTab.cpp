@@ -20,6 +20,11 @@ namespace {
 constexpr int kBestFrom = 15;
 constexpr int kBestTo = 40;
 
+/// In the order of their boxes.
+constexpr std::array<bool PARDClass::*, 5> kSizeFlags = {
+    &PARDClass::ShowXSmallPics, &PARDClass::ShowSmallPics, &PARDClass::ShowMediumPics,
+    &PARDClass::ShowLargePics, &PARDClass::ShowXLargePics};
+
 using Turn = bool (Gallery::*)();
 
 } // namespace
@@ -37,7 +42,7 @@ GalleryTab::GalleryTab(RunTask runTask, Examiner &examiner, QWidget *parent)
     column->addWidget(m_empty, 1);
     column->addWidget(newTiles(), 1);
     column->addWidget(newPageBar());
-    connect(&m_model, &GalleryModel::tagged, this, &GalleryTab::tagsChanged);
+    connect(&m_model, &GalleryModel::tagged, this, &GalleryTab::tagChanged);
     showState();
 }
 
@@ -217,25 +222,25 @@ void GalleryTab::showThumbnailSize(int width) {
 
 void GalleryTab::setChoice(const GallerySettings &settings, const PARDClass &PARD,
                            int thumbnailWidth) {
-    for (QObject *control :
-         std::initializer_list<QObject *>{m_pard, m_from, m_to, m_pictures, m_pages})
+    std::vector<QObject *> controls = {m_pard, m_from, m_to, m_pictures, m_pages};
+    controls.insert(controls.end(), m_sizes.begin(), m_sizes.end());
+    for (QObject *control : controls)
         control->blockSignals(true);
     m_pard->setChecked(PARD.EnablePARD);
     m_from->setValue(PARD.FromValue);
     m_to->setValue(PARD.ToValue);
     m_pictures->setChecked(settings.media.GalleryIncludePictures);
     m_pages->setChecked(settings.media.GalleryIncludeHTML);
-    for (QObject *control :
-         std::initializer_list<QObject *>{m_pard, m_from, m_to, m_pictures, m_pages})
+    for (std::size_t i = 0; i < m_sizes.size(); ++i)
+        m_sizes[i]->setChecked(PARD.*kSizeFlags[i]);
+    for (QObject *control : controls)
         control->blockSignals(false);
     enableShapes();
     showThumbnailSize(thumbnailWidth);
     if (!m_gallery)
         return;
     m_gallery->settings = settings;
-    m_gallery->PARD.EnablePARD = PARD.EnablePARD;
-    m_gallery->PARD.FromValue = PARD.FromValue;
-    m_gallery->PARD.ToValue = PARD.ToValue;
+    m_gallery->PARD = PARD;
     setDirty();
 }
 
@@ -261,11 +266,8 @@ void GalleryTab::takeChoice() {
     choice.EnablePARD = m_pard->isChecked();
     choice.FromValue = static_cast<std::int16_t>(m_from->value());
     choice.ToValue = static_cast<std::int16_t>(m_to->value());
-    choice.ShowXSmallPics = m_sizes[0]->isChecked();
-    choice.ShowSmallPics = m_sizes[1]->isChecked();
-    choice.ShowMediumPics = m_sizes[2]->isChecked();
-    choice.ShowLargePics = m_sizes[3]->isChecked();
-    choice.ShowXLargePics = m_sizes[4]->isChecked();
+    for (std::size_t i = 0; i < m_sizes.size(); ++i)
+        choice.*kSizeFlags[i] = m_sizes[i]->isChecked();
     m_gallery->settings.media = {m_pictures->isChecked(), m_pages->isChecked()};
     emit choiceChanged(choice, m_gallery->settings.media);
     if (takeHost())

@@ -45,7 +45,7 @@ class GalleryTab final : public QWidget {
   signals:
     /// The examiner opened a tile, or went to it.
     void urlChosen(qint64 URL_ID);
-    void tagsChanged();
+    void tagChanged(qint64 URL_ID, bool tagged);
     /// The examiner has changed the box.
     void hostEntered(const QString &host);
     void thumbnailsWanted();

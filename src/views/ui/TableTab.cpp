@@ -15,7 +15,12 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QStackedWidget>
-#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 namespace nv {
 
@@ -100,7 +105,7 @@ void TableTab::closeProject() {
     m_table.reset();
     m_project = nullptr;
     m_log = nullptr;
-    m_tagged = 0;
+    m_tagged = m_shownTagged = 0;
     m_empty->showState(EmptyState::NotLoaded);
     m_pages->setCurrentWidget(m_empty);
     m_grid->showSort(std::nullopt);
@@ -214,12 +219,35 @@ LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work
 }
 
 void TableTab::countTagged() {
-    m_tagged =
-        trapped(*m_log, Severity::Low, "MainForm.countTagged()", kNotSerious, m_tagged, [this] {
-            const char *count = "SELECT Count(*) FROM URLs WHERE Tagged <> 0";
-            return qint64{m_project->execAndGet(count).getInt64()};
+    const auto count = [this] {
+        std::vector<std::int32_t> ticked;
+        SQLite::Statement rows(*m_project,
+                               "SELECT URL_ID FROM URLs WHERE Tagged <> 0 ORDER BY URL_ID");
+        while (rows.executeStep())
+            ticked.push_back(rows.getColumn(0).getInt());
+        const auto shown = std::ranges::count_if(m_table->ids(), [&ticked](std::int32_t id) {
+            return std::ranges::binary_search(ticked, id);
         });
+        return std::pair(static_cast<qint64>(ticked.size()), qint64{shown});
+    };
+    std::tie(m_tagged, m_shownTagged) =
+        trapped(*m_log, Severity::Low, "MainForm.countTagged()", kNotSerious,
+                std::pair(m_tagged, m_shownTagged), count);
     emit statusChanged();
+}
+
+void TableTab::countTick(bool tagged, bool isShown) {
+    m_tagged += tagged ? 1 : -1;
+    if (isShown)
+        m_shownTagged += tagged ? 1 : -1;
+    emit statusChanged();
+}
+
+void TableTab::noteTick(qint64 URL_ID, bool tagged) {
+    if (!m_table)
+        return;
+    refreshRows();
+    countTick(tagged, m_table->placeOf(UrlId{URL_ID}).has_value());
 }
 
 void TableTab::flipTags() {
@@ -228,9 +256,7 @@ void TableTab::flipTags() {
                   [this](TaskMonitor &task) { m_grid->flipSelectedTags(task); });
         countTagged();
     } else if (m_model.flipTag(m_grid->currentIndex().row())) {
-        const bool on = m_table->isTagged(static_cast<std::size_t>(m_grid->currentIndex().row()));
-        m_tagged += on ? 1 : -1;
-        emit statusChanged();
+        countTick(m_table->isTagged(static_cast<std::size_t>(m_grid->currentIndex().row())), true);
     }
     emit currentUrlChanged();
 }

@@ -65,6 +65,10 @@ class TableTab final : public QWidget {
     void showColumnsForm();
     /// Rows that are ticked in the whole project, as of the last look.
     qint64 taggedCount() const { return m_tagged; }
+    /// Of them those that the table shows.
+    qint64 shownTaggedCount() const { return m_shownTagged; }
+    /// A tick was set or taken elsewhere in the window.
+    void noteTick(qint64 URL_ID, bool tagged);
 
   signals:
     /// Rows, ticks, query or host have changed.
@@ -88,6 +92,7 @@ class TableTab final : public QWidget {
     void takeHost();
     void announceHost();
     void countTagged();
+    void countTick(bool tagged, bool isShown);
 
     RunTask m_runTask;
     Examiner &m_examiner;
@@ -95,6 +100,7 @@ class TableTab final : public QWidget {
     SQLite::Database *m_project = nullptr; ///< null while no project is open, like the log
     FailureLog *m_log = nullptr;
     qint64 m_tagged = 0;
+    qint64 m_shownTagged = 0;
     UrlModel m_model;
     UrlGrid *m_grid = nullptr;
     QStackedWidget *m_pages = nullptr;

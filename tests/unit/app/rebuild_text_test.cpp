@@ -26,6 +26,13 @@ TEST(RebuildText, onePageIsToldWithItsReferences) {
               "Record 17 was rebuilt: 12 references replaced, 3 missing.");
 }
 
+TEST(RebuildText, whatWasFoundAndNotRewrittenIsTold) {
+    RebuiltPage page = rebuiltPage(17, 12, 3);
+    page.notRewritten = 2;
+    EXPECT_EQ(reportText({1, {page}, false}),
+              "Record 17 was rebuilt: 12 references replaced, 3 missing, 2 not rewritten.");
+}
+
 TEST(RebuildText, onePageIsToldWithItsReason) {
     EXPECT_EQ(reportText({1, {notRebuilt(17, NotRebuilt::contentGone)}, false}),
               "Record 17 was not rebuilt: its cached content is gone.");

@@ -1,6 +1,7 @@
 #include "UpgradeFixture.h"
 #include "base/Digest.h"
 #include "db/CaseTrail.h"
+#include "db/RebuildAudit.h"
 
 #include <csignal>
 #include <sys/wait.h>
@@ -121,6 +122,23 @@ TEST_F(ProjectFixTest, theCaseTrailGoesAlongAndTellsOfTheFix) {
     EXPECT_EQ(entries[2].FileSize, static_cast<std::int64_t>(hashes.size));
     EXPECT_THROW(project.exec("DELETE FROM AuditTrail"), SQLite::Exception);
     EXPECT_THROW(project.exec("UPDATE AuditTrail SET Action = ''"), SQLite::Exception);
+}
+
+TEST_F(ProjectFixTest, whatTheAuditShowsOfRebuiltPagesGoesAlong) {
+    {
+        SQLite::Database project(path.string(), SQLite::OPEN_READWRITE);
+        const std::vector<ReferenceNote> notes = {{"1:3", true, {2, 7}}, {"0:0", false, {}}};
+        RebuildAudit(project).store(UrlId{1}, notes);
+    }
+    EXPECT_THAT(scan().leftBehind, IsEmpty());
+    Unwatched task;
+    ASSERT_EQ(upgrade().fix(task).end, FixEnd::fixed);
+    SQLite::Database project(path.string(), SQLite::OPEN_READONLY);
+    const auto notes = RebuildAudit(project).notes(UrlId{1});
+    ASSERT_EQ(notes.size(), 2u);
+    EXPECT_EQ(notes.at(1).AccuracyScore, "1:3");
+    EXPECT_TRUE(notes.at(1).rewritten);
+    EXPECT_THAT(notes.at(1).candidates, ElementsAre(2, 7));
 }
 
 TEST_F(ProjectFixTest, aProjectWithoutATrailBeginsOneWithTheFix) {

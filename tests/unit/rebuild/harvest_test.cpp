@@ -76,6 +76,33 @@ TEST_F(HarvestTest, ofAPageThatNamesItselfTakesItAsAPart) {
     EXPECT_EQ(fileOf(id, "0000001.htm"), "<img src=\"0000001.html\" > \r\n");
 }
 
+TEST_F(HarvestTest, ofAPageThatIsItsOwnPartUnderItsOwnNameKeepsItRebuilt) {
+    const UrlId id =
+        add("http://host/page.html", "<body onload=\"x()\"><img src=\"/page.html\" > ");
+    // Internet Explorer's file has another extension than the URL, and so the page's own name.
+    project.connection().exec("UPDATE URLs SET CacheFileName = 'page[1].htm'");
+    ASSERT_TRUE(rebuild(id));
+    EXPECT_EQ(page.IngredientIDs, "1|/page.html|0000001.htm|\r\n");
+    const std::string rebuilt = "<body void=\"x()\"><img src=\"0000001.htm\" > ";
+    EXPECT_EQ(fileOf(id, "0000001.htm"), rebuilt + "\r\n");
+    fs::remove_all(folder());
+    URLClass later = get(id);
+    ASSERT_TRUE(UnpackIngredients(later, context()));
+    EXPECT_EQ(fileOf(id, "0000001.htm"), rebuilt);
+}
+
+TEST_F(HarvestTest, neverTakesThePageForItsStyleSheet) {
+    add("http://host/pics/back.gif", "GIF89a back");
+    const UrlId id = add("http://host/page.htm?skin/main.css",
+                         "<link href=\"skin/main.css\" ><b style='url(back.gif)'> ");
+    project.connection().exec("UPDATE URLs SET URLFileExt = 'htm' WHERE URL_ID = 2;"
+                              "UPDATE URLs SET CacheFileName = 'back[1].gif' WHERE URL_ID = 1;"
+                              "UPDATE URLs SET CacheFileName = 'page[1].htm' WHERE URL_ID = 2");
+    ASSERT_TRUE(rebuild(id));
+    EXPECT_EQ(fileOf(id, "0000002.htm"),
+              "<link href=\"0000002.htm\" ><b style='url(back.gif)'> \r\n");
+}
+
 TEST_F(HarvestTest, givesAPartWithALongExtensionNone) {
     add("http://host/a/run.class", "bytes", "Opera Cache");
     const UrlId id = add("http://host/page.html", "<applet src=\"a/run.class\" > ", "Opera Cache");
@@ -133,21 +160,38 @@ class TagChoiceTest : public test::RebuildFixture {
     }
 };
 
-TEST_F(TagChoiceTest, writesFolderAndFileOfThePickIntoThePagesOwnRecord) {
+TEST_F(TagChoiceTest, notesFolderAndFileOfThePickAndLeavesThePagesRecord) {
     const UrlId id = add("http://host/page.html", "page");
     EXPECT_TRUE(PickIETagOption(tagWithTwo(id, "a/b.gif", "../QRSTUVWX/b[1].gif "), context()));
-    EXPECT_EQ(get(id).CacheFolderName, "QRSTUVWX");
-    EXPECT_EQ(get(id).CacheFileName, "b[1].gif ");
+    EXPECT_EQ(get(id).CacheFolderName, "ABCDEFGH");
+    EXPECT_EQ(get(id).CacheFileName, "file1.html");
+    EXPECT_EQ(tag("CacheFolderName", "1"), "QRSTUVWX");
+    EXPECT_EQ(tag("CacheFileName", "1"), "b[1].gif ");
     EXPECT_EQ(tag("NewTag", "1"), "../QRSTUVWX/b[1].gif ");
     EXPECT_EQ(tag("TagURLID", "1"), "7");
     EXPECT_EQ(tag("TagOption_ID", "1"), "1");
     EXPECT_EQ(tag("AccuracyScore", "1"), "1:2");
 }
 
-TEST_F(TagChoiceTest, leavesThePagesRecordForAShortPick) {
+TEST_F(TagChoiceTest, notesNothingForAShortPick) {
     const UrlId id = add("http://host/page.html", "page");
     EXPECT_TRUE(PickIETagOption(tagWithTwo(id, "a/b.gif", "../QRSTUVWX/"), context()));
-    EXPECT_EQ(get(id).CacheFolderName, "ABCDEFGH");
+    EXPECT_EQ(tag("coalesce(CacheFolderName, '')", "1"), "");
+}
+
+TEST_F(TagChoiceTest, ofABatchLeavesEveryRecordAsTheArtefactHadIt) {
+    add("http://host/a/logo.gif", "GIF89a");
+    const UrlId frame = add("http://host/frame.html", "<img src=\"a/logo.gif\" > ");
+    const UrlId html = add("http://host/page.html", "<iframe src=\"/frame.html\" > ");
+    const std::string sql = "SELECT group_concat(CacheFolderName || '/' || CacheFileName || ' ' || "
+                            "coalesce(CacheFileSize, 0)) FROM URLs";
+    const std::string before = project.text(sql);
+    ASSERT_TRUE(rebuild(frame));
+    EXPECT_EQ(project.text(sql), before);
+    // The frame's own cached file is found, although it was rebuilt before.
+    ASSERT_TRUE(rebuild(html));
+    EXPECT_EQ(tag("NewTag", "URL_ID = 3"), "../ABCDEFGH/file2.html");
+    EXPECT_EQ(project.text(sql), before);
 }
 
 TEST_F(TagChoiceTest, ofOtherBrowsersWritesNoNewTag) {

@@ -1,9 +1,28 @@
+#include "db/RebuildAudit.h"
 #include "unit/rebuild/RebuildFixture.h"
+
+#include <functional>
 
 namespace nv {
 namespace {
 
-class RebuildTest : public test::RebuildFixture {};
+class RebuildTest : public test::RebuildFixture {
+  protected:
+    /// Rebuilds the page, cancelling at a later step each time until it is rebuilt; `check` looks
+    /// at what a cancelled one left. The number of those.
+    int cancelAtEachStep(UrlId html, const std::function<void()> &check) {
+        for (int calls = 0; calls < 100; ++calls) {
+            test::CancelAfter cancelling(calls);
+            URLClass record = get(html);
+            const RebuildContext ctx{project.connection(), store,      evidence, temp,
+                                     project.log,          cancelling, settings};
+            if (RebuildWebPage(record, Batch::no, ctx, project.clock))
+                return calls;
+            check();
+        }
+        return 0;
+    }
+};
 
 TEST_F(RebuildTest, putsPageAndPartsSideBySide) {
     const UrlId picture = add("http://host/images/logo.gif", "GIF89a...");
@@ -150,17 +169,33 @@ TEST_F(RebuildTest, tellsOfIdsThatEarlierVersionsCouldNotHold) {
     EXPECT_EQ(fileOf(html, "0040001.gif"), "GIF89a");
 }
 
-TEST_F(RebuildTest, isCancelledBetweenItsSteps) {
+TEST_F(RebuildTest, cancelledAnywhereNeverStandsAsRebuilt) {
     add("http://host/a/logo.gif", "GIF89a");
     const UrlId html = add("http://host/page.html", "<img src=\"a/logo.gif\" > ");
-    for (int calls = 0; calls < 10; ++calls) {
-        test::CancelAfter cancelling(calls);
-        URLClass record = get(html);
-        const RebuildContext ctx{project.connection(), store,      evidence, temp,
-                                 project.log,          cancelling, settings};
-        EXPECT_FALSE(RebuildWebPage(record, Batch::no, ctx, project.clock)) << calls;
-    }
+    EXPECT_GT(cancelAtEachStep(html,
+                               [&] {
+                                   EXPECT_FALSE(get(html).CacheFileRebuilt);
+                                   EXPECT_EQ(get(html).IngredientIDs, "");
+                               }),
+              5);
+    EXPECT_TRUE(get(html).CacheFileRebuilt);
     EXPECT_TRUE(project.log.entries.empty());
+}
+
+TEST_F(RebuildTest, cancelledAnywhereLeavesTheRebuildThatThePageHad) {
+    add("http://host/a/logo.gif", "GIF89a");
+    const UrlId html = add("http://host/page.html", "<img src=\"a/logo.gif\" > ");
+    ASSERT_TRUE(rebuild(html));
+    project.connection().exec("UPDATE URLs SET RebuiltSourceCode = 'earlier', IngredientIDs = "
+                              "'0|x|y|' WHERE URL_ID = 2");
+    const auto earlier = RebuildAudit(project.connection()).notes(html);
+    ASSERT_EQ(earlier.size(), 1u);
+    cancelAtEachStep(html, [&] {
+        EXPECT_EQ(get(html).RebuiltSourceCode, "earlier");
+        EXPECT_EQ(get(html).IngredientIDs, "0|x|y|");
+        EXPECT_EQ(RebuildAudit(project.connection()).notes(html).size(), 1u);
+    });
+    EXPECT_EQ(get(html).IngredientIDs, "1|a/logo.gif|0000001.gif|\r\n");
 }
 
 TEST_F(RebuildTest, bringsTheStyleSheetsPictures) {

@@ -34,6 +34,17 @@ TEST(Replacement, ofAStyleWorksOnlyForTheRuleThatHoldsTheParenthesis) {
               "x{background: url(0000001.gif) }");
 }
 
+TEST(Replacement, tellsWhichOnesChangedSomething) {
+    const std::vector<Replacement> all = {{"src=", "a.gif", "0000001.gif"},
+                                          {"background:url", "a.gif", "0000001.gif"},
+                                          {"src=", "A.gif", "0000001.gif"},
+                                          {"src=", "b.gif", "b.gif"}};
+    const std::string page = "<img src=\"a.gif\" style=\"background:url(a.gif)\" src=\"b.gif\" >";
+    EXPECT_EQ(replacedInOrder(page, all).made, (std::vector<bool>{true, false, false, false}));
+    EXPECT_EQ(replacedInOrder(page + "\n", all).made,
+              (std::vector<bool>{true, false, false, false}));
+}
+
 TEST(Replacement, takesBreaksBehindTheRuleAway) {
     EXPECT_EQ(replacedEverywhere("src=\na.gif src=\ra.gif", {"src=", "a.gif", "1.gif"}),
               "src=1.gif src=1.gif");
@@ -42,13 +53,13 @@ TEST(Replacement, takesBreaksBehindTheRuleAway) {
 TEST(Replacement, ofAShortValueDamagesALongerOneBehindIt) {
     const std::vector<Replacement> order = {{"src=", "a", "0000001"},
                                             {"src=", "a.gif", "0000002.gif"}};
-    EXPECT_EQ(replacedInOrder("src=\"a.gif\" src=\"a\" ", order),
+    EXPECT_EQ(replacedInOrder("src=\"a.gif\" src=\"a\" ", order).text,
               "src=\"0000001.gif\" src=\"0000001\" ");
 }
 
 TEST(Replacement, ofAValueThatItsOwnNameBeginsWithIsRepeated) {
     const std::vector<Replacement> twice(2, {"src=", "0", "0000001.gif"});
-    EXPECT_EQ(replacedInOrder("src=\"0\"", twice), "src=\"0000001.gif000001.gif\"");
+    EXPECT_EQ(replacedInOrder("src=\"0\"", twice).text, "src=\"0000001.gif000001.gif\"");
 }
 
 TEST(Replacement, ofAPageThatGrowsBeyondAllMeasureIsGivenUp) {
@@ -107,7 +118,7 @@ TEST(Replacement, inOrderAgreesWithThePlainWay) {
         Pages pages(seed);
         const std::string page = pages.page();
         const std::vector<Replacement> replacements = pages.replacements();
-        ASSERT_EQ(replacedInOrder(page, replacements), plainly(page, replacements))
+        ASSERT_EQ(replacedInOrder(page, replacements).text, plainly(page, replacements))
             << seed << ": " << page;
     }
 }
@@ -121,7 +132,7 @@ TEST(Replacement, ofThousandsInALargePageIsAMatterOfAMoment) {
         replacements.push_back({"src=", name, "0000001.gif"});
     }
     const auto begin = std::chrono::steady_clock::now();
-    const std::string replaced = replacedInOrder(page, replacements);
+    const std::string replaced = replacedInOrder(page, replacements).text;
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
     EXPECT_EQ(replaced.find("http"), std::string::npos);
 }

@@ -76,6 +76,55 @@ TEST_F(TemplatesTest, neverNameAStrangersRecordAsTheirPart) {
     EXPECT_EQ(record.IngredientIDs, "0|a/logo.gif|0000001.gif|\r\n");
 }
 
+TEST_F(TemplatesTest, keepTheBytesOfAnotherProjectsPart) {
+    const auto file = makeTemplate();
+    project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");
+    const UrlId other = add("http://host/other.html", "<img src=\"a/logo.gif\" > ");
+    URLClass record = get(other);
+    ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
+    std::filesystem::remove(file);
+    std::filesystem::remove_all(temp);
+    std::filesystem::create_directories(temp);
+    URLClass later = get(other);
+    ASSERT_TRUE(UnpackIngredients(later, context()));
+    EXPECT_EQ(fileOf(other, "0000001.gif"), "GIF89a");
+    EXPECT_EQ(fileOf(other, "0000003.htm"), "<img src=\"0000001.gif\" > \r\n");
+    EXPECT_EQ(fileOf(other, "_TagIDs.txt"), "0|a/logo.gif|0000001.gif|\r\n");
+    // The page's own rebuild takes their place.
+    ASSERT_TRUE(rebuild(other));
+    EXPECT_TRUE(get(other).CacheFileRebuiltBLOB.empty());
+}
+
+TEST_F(TemplatesTest, ofPartsThatTheProjectHasStoreNoBytes) {
+    const auto file = makeTemplate();
+    URLClass record = get(add("http://host/other.html", "page"));
+    ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
+    EXPECT_TRUE(get(record.URLID).CacheFileRebuiltBLOB.empty());
+}
+
+TEST_F(TemplatesTest, giveAPartOfThePagesNameAnother) {
+    const UrlId frame = add("http://host/frame.htm", "<b>frame</b>", "Opera Cache");
+    project.connection().exec("UPDATE URLs SET URLFileExt = 'htm'");
+    const UrlId html = add("http://host/page.html", "<iframe src=\"frame.htm\" > ", "Opera Cache");
+    ASSERT_TRUE(rebuild(html));
+    ASSERT_EQ(create(page), TemplateResult::made);
+    const auto file = templatePathOf(page, templates);
+    URLClass record = get(frame); // its rebuilt page bears the name that the part has
+    ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
+    EXPECT_EQ(fileOf(frame, "0000001.htm"), "<iframe src=\"_0000001.htm\" > \r\n");
+    EXPECT_EQ(fileOf(frame, "_0000001.htm"), "<b>frame</b>");
+    EXPECT_EQ(record.IngredientIDs, "0|frame.htm|_0000001.htm|\r\n");
+    record = get(frame);
+    ASSERT_TRUE(UnpackIngredients(record, context()));
+    EXPECT_EQ(fileOf(frame, "_0000001.htm"), "<b>frame</b>");
+    EXPECT_EQ(fileOf(frame, "0000001.htm"), "<iframe src=\"_0000001.htm\" > \r\n");
+    const auto shown = LoadTemplate(file, context());
+    ASSERT_TRUE(shown);
+    EXPECT_EQ(ByteView(readWhole(*shown / "0000001.htm")).raw(),
+              "<iframe src=\"_0000001.htm\" > \r\n");
+    EXPECT_EQ(ByteView(readWhole(*shown / "_0000001.htm")).raw(), "<b>frame</b>");
+}
+
 TEST_F(TemplatesTest, keepTheirPageWhenAPartHasNoRecord) {
     const auto file = makeTemplate();
     project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");

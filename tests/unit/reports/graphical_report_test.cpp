@@ -124,6 +124,17 @@ TEST_F(GraphicalReportTest, aRebuiltPageComesWithItsPartsAndIsGuarded) {
     EXPECT_TRUE(project.log.entries.empty());
 }
 
+TEST_F(GraphicalReportTest, theAuditTellsAReferenceThatThePageDoesNotNameAPartFor) {
+    add("http://host/a/logo.gif", "GIF89a logo");
+    const UrlId id = add("http://host/page.html",
+                         "<b style=\"background:url(a/logo.gif)\"><img src=\"a/logo.gif\" > ");
+    ASSERT_TRUE(rebuild(id));
+    const std::string html = make(0, [](ReportClass &each) { each.IncludeAudit = true; });
+    const std::string part = "<a href='0000002.NVR/0000001.gif' target='_new'>0000001.gif</a>";
+    EXPECT_EQ(countOf(html, part), 2u);
+    EXPECT_EQ(countOf(html, "Not rewritten: " + part), 1u);
+}
+
 TEST_F(GraphicalReportTest, scriptsAreRemovedWhenTheyAreDisabled) {
     addRebuiltPage();
     const auto disable = [](ReportClass &each) { each.DisableScriptTags = true; };

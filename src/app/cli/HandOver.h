@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+
+namespace nv::cli {
+
+/// Throws UsageError when `out` holds something of the name that a page's folder would get: it may
+/// be the examiner's own.
+void refuseExisting(std::span<const std::int64_t> ids, const std::filesystem::path &out);
+
+/// Copies the folder of a rebuilt page into `out`, in place of what bears its name there, and
+/// removes the one that it was rebuilt in. What was there stays until the copy is whole.
+void handOver(const std::filesystem::path &folder, const std::filesystem::path &out);
+
+} // namespace nv::cli

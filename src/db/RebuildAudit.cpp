@@ -1,0 +1,73 @@
+#include "db/RebuildAudit.h"
+
+#include "base/Text.h"
+#include "db/Savepoint.h"
+#include "db/SchemaCatalogue.h"
+
+#include <SQLiteCpp/Statement.h>
+#include <fmt/format.h>
+
+#include <charconv>
+
+namespace nv {
+
+namespace {
+
+std::vector<std::int64_t> numbersIn(std::string_view text) {
+    std::vector<std::int64_t> numbers;
+    for (const std::string_view part : split(text, ' ')) {
+        std::int64_t value = 0;
+        if (std::from_chars(part.data(), part.data() + part.size(), value).ec == std::errc())
+            numbers.push_back(value);
+    }
+    return numbers;
+}
+
+} // namespace
+
+void RebuildAudit::makeTable() {
+    if (!m_database.tableExists(kRebuildAuditTable))
+        SchemaCatalogue(m_database).add(schema::rebuildAudit());
+}
+
+void RebuildAudit::forget(UrlId page) {
+    SQLite::Statement remove(m_database, "DELETE FROM RebuildAudit WHERE URL_ID = ?");
+    remove.bind(1, number(page));
+    remove.exec();
+}
+
+void RebuildAudit::store(UrlId page, std::span<const ReferenceNote> notes) {
+    Savepoint whole(m_database);
+    makeTable();
+    forget(page);
+    SQLite::Statement insert(m_database, "INSERT INTO RebuildAudit (URL_ID, Reference, "
+                                         "AccuracyScore, Rewritten, Candidates) "
+                                         "VALUES (?, ?, ?, ?, ?)");
+    std::int64_t reference = 0;
+    for (const ReferenceNote &note : notes) {
+        insert.reset();
+        insert.bind(1, number(page));
+        insert.bind(2, ++reference);
+        insert.bind(3, note.AccuracyScore);
+        insert.bind(4, note.rewritten ? 1 : 0);
+        insert.bind(5, fmt::format("{}", fmt::join(note.candidates, " ")));
+        insert.exec();
+    }
+    whole.release();
+}
+
+std::map<std::size_t, ReferenceNote> RebuildAudit::notes(UrlId page) const {
+    std::map<std::size_t, ReferenceNote> all;
+    if (!m_database.tableExists(kRebuildAuditTable))
+        return all;
+    SQLite::Statement row(m_database, "SELECT Reference, AccuracyScore, Rewritten, Candidates "
+                                      "FROM RebuildAudit WHERE URL_ID = ? ORDER BY Audit_ID");
+    row.bind(1, number(page));
+    while (row.executeStep())
+        all[static_cast<std::size_t>(row.getColumn(0).getInt64())] = {
+            row.getColumn(1).getString(), row.getColumn(2).getInt() != 0,
+            numbersIn(row.getColumn(3).getString())};
+    return all;
+}
+
+} // namespace nv
