@@ -165,8 +165,8 @@ Message liesInEvidence(const std::filesystem::path &path, const std::filesystem:
 Message tempFolderHoldsEvidence(const std::filesystem::path &base) {
     return notice(
         "temp-folder-holds-evidence", "Invalid Folder Path",
-        fmt::format("The selected TEMP folder holds the evidence folder {}: a TEMP folder "
-                    "is emptied.",
+        fmt::format("The selected TEMP folder holds the evidence folder {}: scratch files would "
+                    "lie beside evidence.",
                     textOf(base)));
 }
 

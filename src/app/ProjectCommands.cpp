@@ -81,8 +81,7 @@ bool ProjectCommands::openExisting(const fs::path &path) {
 }
 
 void ProjectCommands::afterOpening() {
-    m_program.log.remove();
-    m_program.thisClass.TempFolderPath = tempFolderFrom(m_program);
+    takeTempFolder(m_program, tempFolderFrom(m_program));
     m_view.restoreLayout();
     UpdateProgramCaption();
     StoreFilenameINI(m_program.settings, m_program.thisClass.ProjectDBPath);

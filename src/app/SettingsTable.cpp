@@ -57,7 +57,7 @@ constexpr auto kSettings = std::to_array<SettingFacts>({
     {"FILE PATHS", "Project", K::folder, "", 0, 0, "The folder that Options offers for new projects"},
     {"FILE PATHS", "Publish", K::folder, "", 0, 0, "The publish folder that Options offers while there is none"},
     {"FILE PATHS", "Temp", K::tempFolder, "", 0, 0, "The Temp folder that Options offers while there is none"},
-    {"DEFAULT", "TempFolderPath", K::tempFolder, "<home>/Temp", 0, 0, "The Temp folder from the start on; it is emptied then"},
+    {"DEFAULT", "TempFolderPath", K::tempFolder, "<state>/Temp", 0, 0, "The Temp folder from the start on; each run works in a folder of its own in there"},
     {"DEFAULT", "ConnectionOffline", K::flag, "True", 0, 0, "The connection is taken to be down at the start"},
     {"DEFAULT", "HTMLReplaceableHREFTags", K::text, "js;css;php;txt;asp;aspx;htm;html;", 0, 0, "Kinds of links that a rebuild replaces"},
     {"DEFAULT", "HTMLReplaceablePictureTags", K::text, "jpe;jpeg;jpg;gif;bmp;png;tif;", 0, 0, "Kinds of pictures that a rebuild replaces"},
@@ -140,8 +140,9 @@ CheckedValue checkPath(const Program &program, SettingKind kind, std::string_vie
     if (kind == K::file ? !fs::is_regular_file(path, notThere) : !fs::is_directory(path, notThere))
         return refused(noSuchPath(kind));
     if (kind == K::tempFolder && !isUsableTempFolder(program, path))
-        return refused("the Temp folder is emptied at each start: this one holds the program, its "
-                       "settings, the project or the user's home");
+        return refused(
+            "scratch files go there: this one can't be written to, or holds the program, "
+            "its settings, the project or the user's home");
     return {textOf(path), {}};
 }
 
@@ -186,9 +187,12 @@ std::vector<std::string> nearestNames(std::string_view name,
 
 std::string defaultOf(const Program &program, const SettingFacts &facts) {
     constexpr std::string_view home = "<home>/";
+    constexpr std::string_view state = "<state>/";
     constexpr std::string_view beside = "<program>/";
     if (facts.byDefault.starts_with(home))
         return textOf(program.paths.home / facts.byDefault.substr(home.size()));
+    if (facts.byDefault.starts_with(state))
+        return textOf(program.paths.state / facts.byDefault.substr(state.size()));
     if (facts.byDefault.starts_with(beside))
         return textOf(program.paths.program / facts.byDefault.substr(beside.size()));
     return std::string(facts.byDefault);

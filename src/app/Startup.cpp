@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <cstdlib>
+#include <unistd.h>
 
 namespace nv {
 
@@ -114,14 +115,17 @@ void takeMachineZone(Program &program) {
                                   Date::fromTimePoint(clock.now() + clock.localOffset()));
 }
 
-void prepareTempFolder(Program &program) {
-    const fs::path &folder = program.thisClass.TempFolderPath;
+void emptyTempFolder(Program &program, const fs::path &tempFolder) {
+    const bool isWindow = program.front == Front::window;
     const auto failure = failureOf(program.log, "Main()", [&] {
+        if (!isWindow) {
+            Unwatched nobody;
+            return EmptyTempFolder(tempFolder, program.front, nobody);
+        }
         const OpenTask task(program.thread, {});
-        EmptyTempFolder(folder, program.thread);
-        WriteScratchPages(tempFileNames(folder));
+        EmptyTempFolder(tempFolder, program.front, program.thread);
     });
-    if (failure)
+    if (failure && isWindow)
         program.around.examiner.tell(messages::tempFolderNotCleared(*failure));
 }
 
@@ -140,12 +144,15 @@ Program::Program(ProgramPaths where, Front front, const Surroundings &surroundin
 
 bool isUsableTempFolder(const Program &program, const fs::path &folder) {
     const fs::path &project = program.thisClass.ProjectDBPath;
+    const fs::path &scratch = program.thisClass.TempFolderPath;
+    const bool isScratchProject = !project.empty() && !scratch.empty() && holds(scratch, project);
     const char *home = std::getenv("HOME");
     std::error_code notThere;
-    return fs::is_directory(folder, notThere) && !holds(folder, program.paths.program) &&
-           !holds(folder, program.paths.home) && !holds(folder, program.paths.config) &&
-           !holds(folder, program.paths.state) && !(home && *home && holds(folder, home)) &&
-           (project.empty() || !holds(folder, project));
+    return fs::is_directory(folder, notThere) && ::access(folder.c_str(), W_OK) == 0 &&
+           !holds(folder, program.paths.program) && !holds(folder, program.paths.home) &&
+           !holds(folder, program.paths.config) && !holds(folder, program.paths.state) &&
+           !(home && *home && holds(folder, home)) &&
+           (project.empty() || isScratchProject || !holds(folder, project));
 }
 
 fs::path tempFolderFrom(const Program &program) {
@@ -174,7 +181,7 @@ void startUp(Program &program, Front front) {
     takeMachineZone(program);
     state.DebugMain = program.settings.ReadIniValue("OPTIONS", "DebugMain", false);
     if (front == Front::window)
-        prepareTempFolder(program);
+        takeTempFolder(program, state.TempFolderRoot);
 }
 
 } // namespace nv

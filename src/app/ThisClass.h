@@ -27,7 +27,11 @@ struct ThisClass : QueryDefinitions {
 
     // Paths
     std::filesystem::path RootPath; ///< the project's base root folder
+    /// The folder of this process's own below the Temp folder; the headless program has none until
+    /// it needs one.
     std::filesystem::path TempFolderPath;
+    /// The Temp folder of the settings, which the processes share.
+    std::filesystem::path TempFolderRoot;
     /// Chosen in Options: goes before that of the settings until the program ends.
     std::filesystem::path TempFolderOfRun;
     std::filesystem::path TemplatesPath;

@@ -7,7 +7,6 @@
 
 #include <fmt/format.h>
 
-#include <cstdlib>
 #include <unistd.h>
 
 namespace nv::cli {
@@ -27,10 +26,8 @@ Session::Session(const std::string &executable, std::ostream &toOut, std::ostrea
 }
 
 Session::~Session() {
-    if (m_scratch.empty())
-        return;
-    std::error_code ignored;
-    std::filesystem::remove_all(m_scratch, ignored);
+    for (const auto &folder : program.scratch)
+        folder->remove();
 }
 
 void Session::open(const std::filesystem::path &project, Access access) {
@@ -61,14 +58,9 @@ void Session::flushOutput() {
 }
 
 const std::filesystem::path &Session::scratch() {
-    if (m_scratch.empty()) {
-        std::string name = (program.thisClass.TempFolderPath / "cli-XXXXXX").string();
-        if (!::mkdtemp(name.data()))
-            throw StorageFailure(fmt::format("no scratch folder can be made in \"{}\"",
-                                             textOf(program.thisClass.TempFolderPath)));
-        m_scratch = name;
-    }
-    return m_scratch;
+    if (program.thisClass.TempFolderPath.empty())
+        takeTempFolder(program, program.thisClass.TempFolderRoot);
+    return program.thisClass.TempFolderPath;
 }
 
 } // namespace nv::cli

@@ -67,7 +67,6 @@ class Session {
     SystemClock m_clock;
     PosixSystemTime m_systemTime;
     SysfsNetwork m_network;
-    std::filesystem::path m_scratch;
 
   public:
     Program program;
