@@ -50,6 +50,29 @@ Message openingFailed(std::string_view reason) {
     return failure("opening-failed", "Error Opening File", reason);
 }
 
+Message projectInUse(const std::filesystem::path &project, std::string_view holder) {
+    return question("project-in-use", "Project In Use",
+                    fmt::format("\"{}\" is open already:\n{}\n\n"
+                                "Two programs that write to one project would write over each "
+                                "other's work.\n\nDo you want to open it for reading only?",
+                                textOf(project), holder),
+                    Answer::No, Tone::Warning);
+}
+
+Message projectNotWritable(const std::filesystem::path &project) {
+    return question("project-not-writable", "Project Write-Protected",
+                    fmt::format("\"{}\" can't be written: the file or its folder is "
+                                "write-protected.\n\nDo you want to open it for reading only?",
+                                textOf(project)),
+                    Answer::No, Tone::Warning);
+}
+
+Message readingOnly() {
+    return notice("reading-only", "Reading Only",
+                  "The project is open for reading only: nothing is written to it.",
+                  Tone::Information);
+}
+
 Message closingFailed(std::string_view reason) {
     return failure("closing-failed", "Error Closing File", reason);
 }

@@ -41,6 +41,11 @@ Message zoneNotSet(int errorNumber);
 Message zoneNotSelected();
 Message zonesNotRead();
 Message invalidProjectPath();
+/// Another program has it: reading only?
+Message projectInUse(const std::filesystem::path &project, std::string_view holder);
+Message projectNotWritable(const std::filesystem::path &project);
+/// A command that would write, in a project that is open for reading only.
+Message readingOnly();
 Message invalidTempFolder();
 Message invalidBaseFolder();
 /// Of a place that was chosen for writing.

@@ -4,6 +4,8 @@
 #include "app/Front.h"
 #include "app/IniFile.h"
 #include "app/ProgramPaths.h"
+#include "app/ProjectHold.h"
+#include "app/ScratchFolder.h"
 #include "app/ThisClass.h"
 #include "app/ThreadClass.h"
 #include "base/Clock.h"
@@ -37,6 +39,9 @@ struct Program {
     ErrorLog log;
     IniFile settings;
     ThreadClass thread;
+    /// All that this process has worked in: what is shown, or open, may lie in an earlier one.
+    std::vector<std::unique_ptr<ScratchFolder>> scratch;
+    std::unique_ptr<ProjectHold> projectHold; ///< of a project open for writing; goes behind it
     ThisClass thisClass;
     ImportClass import;
 };

@@ -29,7 +29,9 @@ void removeProjectFiles(const fs::path &path) {
     }
 }
 
-void becomeOpen(Program &program) {
+void becomeOpen(Program &program, LogOf log) {
+    if (log == LogOf::project)
+        program.log.remove();
     ThisClass &state = program.thisClass;
     state.ProjectDBPath = state.ProjectDB.FilePath;
     state.RootPath = fieldsOf(program).GetDefault(kRootSetting);
@@ -42,7 +44,9 @@ bool isProjectName(const fs::path &path) {
     return equalsNoCase(textOf(path.extension()), ".nvp");
 }
 
-bool createProject(Program &program, const fs::path &path) {
+bool createProject(Program &program, const fs::path &path, LogOf log) {
+    program.projectHold.reset();
+    auto hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
     removeProjectFiles(path);
     DatabaseClass &project = program.thisClass.ProjectDB;
     project.FilePath = fs::absolute(path);
@@ -50,18 +54,25 @@ bool createProject(Program &program, const fs::path &path) {
     project.AgencyKeywordFolder = program.paths.home / "keywords";
     if (!project.CreateDatabaseProject())
         return false;
+    program.projectHold = std::move(hold);
     stampVersion(project.connection(), program.log, buildOf(program));
-    becomeOpen(program);
+    becomeOpen(program, log);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
     setZone(program, program.thisClass.GMTZone.tzTimeZoneID);
     return true;
 }
 
-void openProject(Program &program, const fs::path &path, Access access) {
+void openProject(Program &program, const fs::path &path, Access access, Holding holding,
+                 LogOf log) {
+    program.projectHold.reset();
+    std::unique_ptr<ProjectHold> hold;
+    if (access != Access::read && holding == Holding::yes && fs::exists(path))
+        hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
     DatabaseClass &project = program.thisClass.ProjectDB;
     project.FilePath = fs::absolute(path);
     project.open(access);
-    becomeOpen(program);
+    program.projectHold = std::move(hold);
+    becomeOpen(program, log);
     const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
     if (zone && *zone > 0)
         setZone(program, *zone);
@@ -94,6 +105,7 @@ void closeProject(Program &program) {
         StoredQueries(state.ProjectDB.connection()).ResetDEFAULTQuery();
     }
     state.ProjectDB.CloseDB();
+    program.projectHold.reset();
     state.ProjectDBPath.clear();
     state.RootPath.clear();
     state.CurrentSQLDef = state.DefaultSQLDef;
@@ -102,7 +114,8 @@ void closeProject(Program &program) {
 
 void setRootPath(Program &program, const fs::path &root) {
     program.thisClass.RootPath = root;
-    fieldsOf(program).SaveDefaultSetting(kRootSetting, textOf(root));
+    if (!program.thisClass.ProjectDB.isReadOnly())
+        fieldsOf(program).SaveDefaultSetting(kRootSetting, textOf(root));
 }
 
 AppBuild buildOf(const Program &program) {

@@ -58,6 +58,8 @@ std::vector<ProjectValue> projectValuesInForce(const Program &program) {
 }
 
 void storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note) {
+    if (program.thisClass.ProjectDB.isReadOnly())
+        return;
     ProjectFields fields(program.thisClass.ProjectDB.connection(), program.log);
     std::string changes;
     for (const ProjectValue &each : values) {

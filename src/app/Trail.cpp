@@ -41,6 +41,8 @@ TrailEntry entryOf(const ArtefactResult &artefact) {
 } // namespace
 
 void noteInTrail(Program &program, TrailEntry entry) {
+    if (program.thisClass.ProjectDB.isReadOnly())
+        return;
     failureOf(program.log, kProcedure, [&] {
         complete(program, entry);
         CaseTrail(program.thisClass.ProjectDB.connection()).add(entry);

@@ -30,11 +30,11 @@ Session::~Session() {
         folder->remove();
 }
 
-void Session::open(const std::filesystem::path &project, Access access) {
+void Session::open(const std::filesystem::path &project, Access access, Holding holding) {
     if (!isProjectName(project))
         throw StorageFailure(
             fmt::format("\"{}\": {}", textOf(project), messages::notAProjectFile().text));
-    openProject(program, project, access);
+    openProject(program, project, access, holding);
     if (isOlderProject(program))
         err << fmt::format("This project file was made with an earlier build of Norvelane: the "
                            "command `upgrade {}` compares it with this one's.\n",
@@ -45,7 +45,7 @@ bool Session::openForNote(const std::filesystem::path &project) {
     const auto folder = std::filesystem::absolute(project).parent_path();
     const bool writable =
         ::access(project.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
-    open(project, writable ? Access::write : Access::read);
+    open(project, writable ? Access::write : Access::read, Holding::no);
     if (!writable)
         err << "the project can't be written: its trail has no note of this\n";
     return writable;

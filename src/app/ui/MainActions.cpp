@@ -113,12 +113,16 @@ void MainActions::describe() const {
     about->setToolTip(tr("Version and licence of the program"));
 }
 
-void MainActions::setProjectOpen(bool open) {
+void MainActions::setProjectOpen(bool open, bool readOnly) {
     for (QAction *action :
          {saveAs,    closeProject, copyCell,     copyRows,     selectAll,     find,       findNext,
           tag,       rebuild,      linkAnalysis, columns,      refresh,       baseFolder, timeZone,
           caseTrail, filters,      hosts,        createReport, publishReport, exportRows})
         action->setEnabled(open);
+    for (QAction *action : {import, upgradeWizard})
+        action->setEnabled(!readOnly);
+    for (QAction *action : {saveAs, tag, rebuild, linkAnalysis, baseFolder})
+        action->setEnabled(open && !readOnly);
 }
 
 } // namespace nv

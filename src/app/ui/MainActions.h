@@ -43,8 +43,8 @@ struct MainActions {
     QAction *tips;
     QAction *about;
 
-    /// What makes sense only with a project.
-    void setProjectOpen(bool open);
+    /// What makes sense only with a project, and only with one that may be written.
+    void setProjectOpen(bool open, bool readOnly);
 
   private:
     void describe() const;

@@ -187,6 +187,7 @@ void MainForm::connectOtherActions() {
         showNotice({});
         m_viewers->setRecord(m_table->grid().currentUrl());
     });
+    connect(m_table, &TableTab::tickingRefused, this, [this] { m_bench->mayWrite(); });
     connect(m_table, &TableTab::importRequested, m_actions.import, &QAction::trigger);
 }
 
@@ -232,7 +233,7 @@ void MainForm::showStatus() {
 void MainForm::showProjectState() {
     const bool open = isProjectOpen();
     m_pages->setCurrentIndex(open ? 1 : 0);
-    m_actions.setProjectOpen(open);
+    m_actions.setProjectOpen(open, m_program.thisClass.ProjectDB.isReadOnly());
     m_menus.setProjectOpen(open);
     showStatusParts();
     if (open)

@@ -1,6 +1,7 @@
 #include "views/ui/TableTab.h"
 
 #include "base/Trap.h"
+#include "db/ReadOnlyConnection.h"
 #include "platform/qt/QtText.h"
 #include "views/ui/ColumnsForm.h"
 #include "views/ui/EmptyPage.h"
@@ -222,6 +223,10 @@ void TableTab::countTagged() {
 }
 
 void TableTab::flipTags() {
+    if (m_project && isReadOnly(*m_project)) {
+        emit tickingRefused();
+        return;
+    }
     if (m_grid->selectedRowCount() > 1) {
         m_runTask({"TAGGING URLS", "", "", ""},
                   [this](TaskMonitor &task) { m_grid->flipSelectedTags(task); });
