@@ -74,7 +74,7 @@ constexpr auto kSettings = std::to_array<SettingFacts>({
     {"REPORT", "IncludeTimeRebuilt", K::flag, "True", 0, 0, "Reports tell when a page was rebuilt"},
     {"REPORT", "IncludeDataSource", K::flag, "True", 0, 0, "Reports tell the file of each record"},
     {"REPORT", "IncludeUser", K::flag, "True", 0, 0, "Reports tell the user of each record"},
-    {"BEYOND", "WideRecordIds", K::flag, "False", 0, 0, "Record ids above 32767 may be parts of rebuilt pages; earlier builds can't open such pages"},
+    {"BEYOND", "WideRecordIds", K::flag, "True", 0, 0, "Record ids above 32767 may be parts of rebuilt pages, which earlier builds can't open; False is their limit"},
     {"BEYOND", "ThumbnailsWhileImporting", K::flag, "False", 0, 0, "Imports draw thumbnails, which takes much longer"},
     {"BEYOND", "TemplateMatchByTitle", K::flag, "True", 0, 0, "A template is laid only over pages of its title"},
     {"BEYOND", "TemplatesPath", K::text, "<home>/Templates", 0, 0, "The folder of templates"},

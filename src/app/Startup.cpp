@@ -83,7 +83,7 @@ void readOptions(const IniFile &settings, ThisClass &state) {
     state.NetworkConnectionName =
         settings.ReadIniValue("OPTIONS", "NetworkConnectionName", "Local Area Connection");
     state.ConnectionOffline = settings.ReadIniValue("DEFAULT", "ConnectionOffline", true);
-    state.WideRecordIds = settings.ReadIniValue("BEYOND", "WideRecordIds", false);
+    state.WideRecordIds = settings.ReadIniValue("BEYOND", "WideRecordIds", true);
     state.HTMLReplaceableHREFTags = settings.ReadIniValue("DEFAULT", "HTMLReplaceableHREFTags",
                                                           "js;css;php;txt;asp;aspx;htm;html;");
     state.HTMLReplaceablePictureTags = settings.ReadIniValue(

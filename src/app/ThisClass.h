@@ -78,8 +78,9 @@ struct ThisClass : QueryDefinitions {
     std::string HTMLReplaceablePictureTags;
     bool DisableScriptTags = false;    ///< not kept between runs
     bool TemplateMatchByTitle = false; ///< a template is laid over pages of its title only
-    /// Beyond the documented settings: record ids above 32,767 may be parts of rebuilt pages.
-    bool WideRecordIds = false;
+    /// Record ids above 32,767 may be parts of rebuilt pages; otherwise the limit of earlier
+    /// builds.
+    bool WideRecordIds = true;
 
     // Task control
     int ProgressBarRefreshRate = 0; ///< seconds

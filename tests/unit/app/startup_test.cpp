@@ -26,6 +26,7 @@ TEST_F(StartupTest, aMissingSettingsFileGivesTheDefaults) {
     EXPECT_FALSE(state.DisableFileVersionCheck || state.DisableAutoRebuildInHTMLGallery ||
                  state.DebugMain);
     EXPECT_TRUE(program->import.ParseAdvancedMetadata);
+    EXPECT_TRUE(state.WideRecordIds);
     EXPECT_EQ(state.LocalFavoritesPath, paths.home / "favorites.ini");
     EXPECT_EQ(state.CurrentSQLDef, "SELECT * FROM URLs ORDER BY ActionDateLocal ASC");
     EXPECT_FALSE(fs::exists(paths.settings())) << "a start writes no settings";
@@ -38,6 +39,11 @@ TEST_F(StartupTest, twoValuesAreMended) {
     settings("[THUMBNAILS]\nThumbnailRedrawTimeout=1\nViewerThumbnailWidth=100\n");
     EXPECT_EQ(start().thisClass.ThumbnailRedrawTimeout, 1);
     EXPECT_EQ(program->thisClass.ViewerThumbnailWidth, 100);
+}
+
+TEST_F(StartupTest, theLimitOfEarlierBuildsIsASettingAway) {
+    settings("[BEYOND]\nWideRecordIds=False\n");
+    EXPECT_FALSE(start().thisClass.WideRecordIds);
 }
 
 TEST_F(StartupTest, theLogHoldsOnlyTheCurrentRun) {
