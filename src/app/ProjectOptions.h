@@ -19,7 +19,7 @@ struct ProjectValue {
 struct ProjectValueFacts {
     std::string_view name;
     std::string_view what;
-    bool settable = false;
+    bool settable = false; ///< the project goes by it when it is opened
 };
 std::span<const ProjectValueFacts> projectValueTable();
 
