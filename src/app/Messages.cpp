@@ -285,6 +285,13 @@ Message sourcesVerified(const SourceCheck &check) {
                   check.allSame() ? Tone::Information : Tone::Warning);
 }
 
+Message loggingFileFailed(const std::filesystem::path &file, std::string_view reason,
+                          std::size_t count) {
+    return failure("logging-file-failed", "Error Logging File",
+                   fmt::format("\"{}\": {}{}", textOf(file), reason,
+                               count > 1 ? fmt::format("\n\nand {} more files", count - 1) : ""));
+}
+
 Message importFailed(std::string_view reason) {
     return failure("import-failed", "Error Importing Files", reason);
 }

@@ -50,9 +50,17 @@ struct Program {
 /// settings, Temp folder, zone, scratch pages.
 void startUp(Program &program, Front front);
 
-/// The folder that a Temp setting leads to: the one named when it exists and deleting its contents
-/// can't hurt, else the default, which is made. Never a folder that holds the program, its
-/// settings, the user's home or the project.
+/// The P.A.R.D. range of a start, and of a project that is opened next.
+void resetPardRange(ThisClass &state);
+
+/// Works below `tempFolder` from now on, in a folder of this process's own. What processes that are
+/// gone have left there is removed; a failure to do so is told in the window and logged.
+/// Throws StorageFailure when there can't be a folder.
+void takeTempFolder(Program &program, const std::filesystem::path &tempFolder);
+
+/// The folder that a Temp setting leads to: the one named when it can be used, else the default,
+/// which is made. Never a folder that holds the program, its settings, the user's home or the
+/// project: nobody looks for those among scratch files.
 std::filesystem::path tempFolderFrom(const Program &program);
 /// It is there, can be written to, and holds none of those.
 bool isUsableTempFolder(const Program &program, const std::filesystem::path &folder);

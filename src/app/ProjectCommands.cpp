@@ -152,6 +152,7 @@ void ProjectCommands::CloseFile() {
     if (!m_program.thisClass.ProjectDB.isOpen())
         return;
     const fs::path path = m_program.thisClass.ProjectDBPath;
+    resetPardRange(m_program.thisClass);
     const auto failure = failureOf(m_program.log, "MainForm.CloseFile()", [this] {
         m_view.saveLayout();
         closeProject(m_program);

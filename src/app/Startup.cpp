@@ -137,10 +137,32 @@ bool holds(const fs::path &folder, const fs::path &inner) {
 
 } // namespace
 
-Program::Program(ProgramPaths where, Front front, const Surroundings &surroundings)
-    : paths(std::move(where)), around(surroundings),
-      log(paths.errorLog(front == Front::headless), around.clock), settings(paths.settings(), log),
-      thread(around.status), thisClass(log, around.clock) {}
+Program::Program(ProgramPaths where, Front whichFront, const Surroundings &surroundings)
+    : paths(std::move(where)), front(whichFront), around(surroundings),
+      log(paths.errorLog(whichFront == Front::headless), around.clock),
+      settings(paths.settings(), log), thread(around.status), thisClass(log, around.clock) {}
+
+/// The shapes of photographs.
+void resetPardRange(ThisClass &state) {
+    state.PARD.FromValue = 15;
+    state.PARD.ToValue = 40;
+}
+
+void takeTempFolder(Program &program, const fs::path &tempFolder) {
+    ThisClass &state = program.thisClass;
+    state.TempFolderRoot = tempFolder;
+    for (const auto &folder : program.scratch) {
+        if (folder->tempFolder() == tempFolder) {
+            state.TempFolderPath = folder->path();
+            return;
+        }
+    }
+    emptyTempFolder(program, tempFolder);
+    program.scratch.push_back(std::make_unique<ScratchFolder>(tempFolder, program.front));
+    state.TempFolderPath = program.scratch.back()->path();
+    if (program.front == Front::window)
+        WriteScratchPages(tempFileNames(state.TempFolderPath));
+}
 
 bool isUsableTempFolder(const Program &program, const fs::path &folder) {
     const fs::path &project = program.thisClass.ProjectDBPath;
@@ -173,10 +195,8 @@ void startUp(Program &program, Front front) {
     takeVersion(state);
     program.log.remove();
     findCompanionTool(program);
-    state.TempFolderPath = tempFolderFrom(program);
-    // The shapes of photographs.
-    state.PARD.FromValue = 15;
-    state.PARD.ToValue = 40;
+    state.TempFolderRoot = tempFolderFrom(program);
+    resetPardRange(state);
     readSettings(program);
     takeMachineZone(program);
     state.DebugMain = program.settings.ReadIniValue("OPTIONS", "DebugMain", false);

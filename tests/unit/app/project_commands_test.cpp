@@ -1,4 +1,5 @@
 #include "ProgramFixture.h"
+#include "app/ImportJob.h"
 #include "app/Project.h"
 #include "app/ProjectCommands.h"
 #include "app/ProjectOptions.h"
@@ -114,6 +115,16 @@ TEST_F(ProjectCommandsTest, closingKeepsTheZoneAndResetsTheDefaultQuery) {
     EXPECT_TRUE(examiner.heard.empty()) << "the query is as it was first";
 }
 
+TEST_F(ProjectCommandsTest, closingResetsThePardRange) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    PARDClass &PARD = program->thisClass.PARD;
+    PARD.FromValue = 1;
+    PARD.ToValue = 99;
+    commands.CloseFile();
+    EXPECT_EQ(PARD.FromValue, 15);
+    EXPECT_EQ(PARD.ToValue, 40);
+}
+
 TEST_F(ProjectCommandsTest, aChangedDefaultQueryIsTold) {
     commands.OpenFile(path, OpenMode::newAtPath);
     StoredQueries queries(db().connection());
@@ -140,9 +151,14 @@ TEST_F(ProjectCommandsTest, aMissingZoneDatabaseIsToldAndTheProjectOpens) {
     commands.OpenFile(path, OpenMode::newAtPath);
     commands.CloseFile();
     fs::remove(paths.zones());
+    writeWhole(paths.home / "error.log", "of before");
     examiner.expect("zone-not-set");
     EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
     EXPECT_EQ(examiner.heard.at(0).title, "Error Setting Time Zone");
+    const Bytes log = readWhole(paths.home / "error.log");
+    const std::string_view text = ByteView(log).raw();
+    EXPECT_EQ(text.find("of before"), std::string_view::npos);
+    EXPECT_NE(text.find("Function:"), std::string_view::npos) << "the log tells of the zone";
 }
 
 TEST_F(ProjectCommandsTest, aNewProjectOverAnOldOneIsEmpty) {
@@ -251,6 +267,25 @@ TEST_F(ProjectCommandsTest, theCommandLineTakesOneProjectOrArtefact) {
     commands.CloseFile();
     EXPECT_TRUE(commands.LoadCommandLineFile(path));
     EXPECT_EQ(window.loaded, 1);
+}
+
+TEST_F(ProjectCommandsTest, anArtefactThatCantBeRegisteredIsTold) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    db().connection().exec("ALTER TABLE SourceFiles RENAME TO Elsewhere");
+    test::IndexDat index;
+    index.add({.url = "Visited: mara@http://host.example/"});
+    program->import.HistoryFiles.Add(
+        artefactOfCommandLine(folder.write("index.dat", index.bytes())).value());
+    examiner.expect("logging-file-failed");
+    Unwatched nobody;
+    const ImportSummary summary = runImportJob(*program, nobody, program->thisClass.TempFolderPath);
+    EXPECT_EQ(summary.failure, "");
+    ASSERT_EQ(summary.artefacts.size(), 1u);
+    EXPECT_EQ(summary.artefacts[0].state, ArtefactState::failed) << summary.artefacts[0].reason;
+    ASSERT_EQ(examiner.heard.size(), 1u);
+    EXPECT_EQ(examiner.heard.at(0).title, "Error Logging File");
+    EXPECT_NE(examiner.heard.at(0).text.find("index.dat"), std::string::npos);
+    EXPECT_EQ(rows(), 0);
 }
 
 TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineGoesIntoTheScratchProject) {
