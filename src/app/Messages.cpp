@@ -253,33 +253,6 @@ Message nothingToImport() {
                   Tone::Information);
 }
 
-Message networkDetected() {
-    return {"network-detected",
-            "Network Connection Detected",
-            "Your computer appears to be connected to a network.\n\n"
-            "It is strongly recommended that you disable any outside connection to the Internet "
-            "while using Norvelane.\n\nDo you want to continue?",
-            Choices::YesNo,
-            Tone::Warning,
-            Answer::Yes};
-}
-
-Message networkDisabled() {
-    return notice("network-disabled", "Network Connection",
-                  "Your network connection has been disabled.", Tone::Information);
-}
-
-Message connectionNotFound(Switched why, std::string_view name) {
-    return notice("connection-not-found", "Network Connection",
-                  why == Switched::noFolder
-                      ? std::string("Couldn't find 'Network Connections' folder")
-                      : fmt::format("Couldn't find '{}' item", name));
-}
-
-Message networkSwitchFailed(std::string_view reason) {
-    return failure("network-switch-failed", "Network Connection", reason);
-}
-
 Message sourcesVerified(const SourceCheck &check) {
     return notice("sources-verified", "Verify Source Files", summaryText(check),
                   check.allSame() ? Tone::Information : Tone::Warning);

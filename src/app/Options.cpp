@@ -2,6 +2,7 @@
 
 #include "app/IniSections.h"
 #include "app/Messages.h"
+#include "app/NetworkMessages.h"
 #include "app/NetworkSwitch.h"
 #include "app/Project.h"
 #include "app/ProjectOptions.h"
