@@ -40,6 +40,7 @@ struct MainActions {
     QAction *openReportFolder; ///< enabled by the first report
     QAction *upgradeWizard;
     QAction *errorLog;
+    QAction *guide;
     QAction *tips;
     QAction *about;
 

@@ -4,6 +4,7 @@
 #include "app/ui/ExportPart.h"
 #include "app/ui/FiltersPart.h"
 #include "app/ui/GalleryPart.h"
+#include "app/ui/GuidePart.h"
 #include "app/ui/HostsPart.h"
 #include "app/ui/LinkPart.h"
 #include "app/ui/MainForm.h"
@@ -120,6 +121,7 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
     m_parts.push_back(std::make_unique<ExportPart>(*m_bench));
     m_parts.push_back(std::make_unique<RowMenuPart>(*m_bench));
+    m_parts.push_back(std::make_unique<GuidePart>(*m_bench));
 }
 
 void MainForm::showUpgradeWizard(const std::filesystem::path &project) {
