@@ -18,6 +18,8 @@ set_target_properties(nv_web PROPERTIES AUTOMOC ON)
 target_link_libraries(nv_web PUBLIC nv_platform Qt6::WebEngineCore Qt6::WebEngineWidgets PRIVATE nv_warnings)
 
 configure_file("${CMAKE_SOURCE_DIR}/data/dailytips.txt" "${CMAKE_BINARY_DIR}/dailytips.txt" COPYONLY)
+# The guide with all that it leads to, as the installed program has it in ../share/norvelane/docs.
+file(CREATE_LINK "${CMAKE_SOURCE_DIR}/docs" "${CMAKE_BINARY_DIR}/docs" SYMBOLIC)
 
 # nv_gui_test(FILE): the program gui_<name> of tests/gui/<name>_test.cpp, run without a display.
 function(nv_gui_test FILE)
@@ -26,7 +28,8 @@ function(nv_gui_test FILE)
   add_executable(gui_${name} "${FILE}")
   set_target_properties(gui_${name} PROPERTIES AUTOMOC ON)
   target_link_libraries(gui_${name} PRIVATE nv_ui nv_test_support nv_warnings Qt6::Test)
-  target_compile_definitions(gui_${name} PRIVATE NV_TIME_ZONES="${CMAKE_BINARY_DIR}/nvTZ.dat")
+  target_compile_definitions(gui_${name} PRIVATE NV_TIME_ZONES="${CMAKE_BINARY_DIR}/nvTZ.dat"
+                                                 NV_DOCS="${CMAKE_SOURCE_DIR}/docs")
   add_dependencies(gui_${name} nv_time_zones)
   add_test(NAME gui.${name} COMMAND gui_${name})
   set_tests_properties(gui.${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen" TIMEOUT 120)

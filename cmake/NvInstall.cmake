@@ -49,6 +49,8 @@ if(NV_GUI)
   install(TARGETS norvelane RUNTIME DESTINATION bin)
   install(TARGETS norvelane-draw RUNTIME DESTINATION libexec/norvelane)
   install(FILES "${CMAKE_SOURCE_DIR}/data/dailytips.txt" DESTINATION share/norvelane)
+  install(DIRECTORY "${CMAKE_SOURCE_DIR}/docs" DESTINATION share/norvelane
+          FILES_MATCHING PATTERN "*.md" PATTERN "*-light.png" PATTERN "docs/man" EXCLUDE)
   install(FILES "${desktop}/${NV_ID}.desktop" DESTINATION share/applications)
   install(FILES "${desktop}/${NV_ID}.xml" DESTINATION share/mime/packages)
   install(FILES "${CMAKE_BINARY_DIR}/${NV_ID}.metainfo.xml" DESTINATION share/metainfo)

@@ -1,5 +1,6 @@
 #include "app/ImportJob.h"
 
+#include "app/Messages.h"
 #include "app/Project.h"
 #include "app/ThumbnailJob.h"
 #include "app/Trail.h"
@@ -76,6 +77,17 @@ void makeImportThumbnails(Program &program, TaskMonitor &task, const fs::path &s
     summary.cancelled = totals.cancelled;
 }
 
+/// A file without a row in `SourceFiles` isn't read: nothing could tell where its rows come from.
+void tellNotLogged(Program &program, const ImportSummary &summary) {
+    const auto isMissing = [](const ArtefactResult &artefact) { return !artefact.isLogged; };
+    const auto first = std::ranges::find_if(summary.artefacts, isMissing);
+    if (first == summary.artefacts.end())
+        return;
+    program.around.examiner.tell(messages::loggingFileFailed(
+        first->path, first->reason,
+        static_cast<std::size_t>(std::ranges::count_if(summary.artefacts, isMissing))));
+}
+
 } // namespace
 
 ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &scratch) {
@@ -90,6 +102,7 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
     const std::int64_t lastId = lastIdOf(project);
     ImportSummary summary = runImport(run, program.import);
     noteImport(program, summary);
+    tellNotLogged(program, summary);
     // The rows are in the project by then, and the summary has to tell of them.
     if (!summary.cancelled && summary.failure.empty())
         summary.failure = failureOf(program.log, "ImportForm.ImportFiles()", [&] {

@@ -92,6 +92,21 @@ std::optional<std::string> IniFile::valueOf(std::string_view section, std::strin
     return std::nullopt;
 }
 
+std::vector<IniFile::Value> IniFile::values() const {
+    std::vector<Value> found;
+    std::string section;
+    for (const std::string &line : m_lines) {
+        const std::size_t equals = line.find('=');
+        if (const auto name = sectionOf(line))
+            section = *name;
+        else if (equals != std::string::npos && !section.empty() && !trim(line).starts_with(';')) {
+            const std::string key(trim(std::string_view(line).substr(0, equals)));
+            found.push_back({section, key, valueOf(section, key).value_or("")});
+        }
+    }
+    return found;
+}
+
 bool IniFile::readFlag(std::string_view section, std::string_view key, bool byDefault) const {
     const auto value = valueOf(section, key);
     return !value || value->empty() ? byDefault : *value == "True";

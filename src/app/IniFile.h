@@ -44,16 +44,18 @@ class IniFile {
         return WriteIniValue(section, key, std::string_view(value ? "True" : "False"));
     }
 
-    /// Values that couldn't be written.
-    bool hasUnwritten() const { return !m_unwritten.empty(); }
-
-  private:
     struct Value {
         std::string section;
         std::string key;
         std::string text;
     };
+    /// Everything in the file, in its order.
+    std::vector<Value> values() const;
 
+    /// Values that couldn't be written.
+    bool hasUnwritten() const { return !m_unwritten.empty(); }
+
+  private:
     bool readFlag(std::string_view section, std::string_view key, bool byDefault) const;
     int readNumber(std::string_view section, std::string_view key, int byDefault) const;
     std::optional<std::string> valueOf(std::string_view section, std::string_view key) const;

@@ -54,6 +54,29 @@ Message openingFailed(std::string_view reason) {
     return failure("opening-failed", "Error Opening File", reason);
 }
 
+Message projectInUse(const std::filesystem::path &project, std::string_view holder) {
+    return question("project-in-use", "Project In Use",
+                    fmt::format("\"{}\" is open already:\n{}\n\n"
+                                "Two programs that write to one project would write over each "
+                                "other's work.\n\nDo you want to open it for reading only?",
+                                textOf(project), holder),
+                    Answer::No, Tone::Warning);
+}
+
+Message projectNotWritable(const std::filesystem::path &project) {
+    return question("project-not-writable", "Project Write-Protected",
+                    fmt::format("\"{}\" can't be written: the file or its folder is "
+                                "write-protected.\n\nDo you want to open it for reading only?",
+                                textOf(project)),
+                    Answer::No, Tone::Warning);
+}
+
+Message readingOnly() {
+    return notice("reading-only", "Reading Only",
+                  "The project is open for reading only: nothing is written to it.",
+                  Tone::Information);
+}
+
 Message closingFailed(std::string_view reason) {
     return failure("closing-failed", "Error Closing File", reason);
 }
@@ -177,8 +200,8 @@ Message liesInEvidence(const std::filesystem::path &path, const std::filesystem:
 Message tempFolderHoldsEvidence(const std::filesystem::path &base) {
     return notice(
         "temp-folder-holds-evidence", "Invalid Folder Path",
-        fmt::format("The selected TEMP folder holds the evidence folder {}: a TEMP folder "
-                    "is emptied.",
+        fmt::format("The selected TEMP folder holds the evidence folder {}: scratch files would "
+                    "lie beside evidence.",
                     textOf(base)));
 }
 
@@ -247,36 +270,16 @@ Message nothingToImport() {
                   Tone::Information);
 }
 
-Message networkDetected() {
-    return {"network-detected",
-            "Network Connection Detected",
-            "Your computer appears to be connected to a network.\n\n"
-            "It is strongly recommended that you disable any outside connection to the Internet "
-            "while using Norvelane.\n\nDo you want to continue?",
-            Choices::YesNo,
-            Tone::Warning,
-            Answer::Yes};
-}
-
-Message networkDisabled() {
-    return notice("network-disabled", "Network Connection",
-                  "Your network connection has been disabled.", Tone::Information);
-}
-
-Message connectionNotFound(Switched why, std::string_view name) {
-    return notice("connection-not-found", "Network Connection",
-                  why == Switched::noFolder
-                      ? std::string("Couldn't find 'Network Connections' folder")
-                      : fmt::format("Couldn't find '{}' item", name));
-}
-
-Message networkSwitchFailed(std::string_view reason) {
-    return failure("network-switch-failed", "Network Connection", reason);
-}
-
 Message sourcesVerified(const SourceCheck &check) {
     return notice("sources-verified", "Verify Source Files", summaryText(check),
                   check.allSame() ? Tone::Information : Tone::Warning);
+}
+
+Message loggingFileFailed(const std::filesystem::path &file, std::string_view reason,
+                          std::size_t count) {
+    return failure("logging-file-failed", "Error Logging File",
+                   fmt::format("\"{}\": {}{}", textOf(file), reason,
+                               count > 1 ? fmt::format("\n\nand {} more files", count - 1) : ""));
 }
 
 Message importFailed(std::string_view reason) {

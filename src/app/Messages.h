@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/Examiner.h"
-#include "platform/Network.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -45,6 +44,11 @@ Message zoneNotThere(std::int64_t id);
 Message zoneNotSelected();
 Message zonesNotRead();
 Message invalidProjectPath();
+/// Another program has it: reading only?
+Message projectInUse(const std::filesystem::path &project, std::string_view holder);
+Message projectNotWritable(const std::filesystem::path &project);
+/// A command that would write, in a project that is open for reading only.
+Message readingOnly();
 Message invalidTempFolder();
 Message invalidBaseFolder();
 /// Of a place that was chosen for writing.
@@ -66,11 +70,9 @@ Message columnsExported(std::string_view notes);
 Message startingDirectoryMissing();
 Message startingDirectoryGone();
 Message nothingToImport();
-Message networkDetected();
-Message networkDisabled();
-/// `why` is noFolder or noItem.
-Message connectionNotFound(Switched why, std::string_view name);
-Message networkSwitchFailed(std::string_view reason);
+/// `count` files could not be registered, the first one for this reason.
+Message loggingFileFailed(const std::filesystem::path &file, std::string_view reason,
+                          std::size_t count);
 Message sourcesVerified(const SourceCheck &check);
 Message importFailed(std::string_view reason);
 Message idsBeyondNarrow(std::int64_t largest);

@@ -1,6 +1,6 @@
 #include "app/NetworkSwitch.h"
 
-#include "app/Messages.h"
+#include "app/NetworkMessages.h"
 #include "base/Trap.h"
 
 namespace nv {

@@ -2,6 +2,7 @@
 
 #include "app/IniSections.h"
 #include "app/Messages.h"
+#include "app/NetworkMessages.h"
 #include "app/NetworkSwitch.h"
 #include "app/Project.h"
 #include "app/ProjectOptions.h"
@@ -173,7 +174,7 @@ std::optional<Refusal> Application::refusalBeside(const fs::path &base) const {
     };
     const Place places[] = {
         {OptionsField::project, m_options.ProjectDBPath, m_state.ProjectDBPath},
-        {OptionsField::temp, m_options.TempFolderPath, m_state.TempFolderPath},
+        {OptionsField::temp, m_options.TempFolderPath, m_state.TempFolderRoot},
         {OptionsField::templates, m_options.TemplatesPath, m_state.TemplatesPath},
         {OptionsField::publish, m_options.PublishTempFolder, m_state.PublishTempFolder}};
     for (const Place &place : places) {
@@ -191,7 +192,7 @@ std::optional<Refusal> Application::refusalBeside(const fs::path &base) const {
 
 void Application::takePaths() {
     m_state.PublishTempFolder = m_options.PublishTempFolder;
-    m_state.TempFolderPath = m_options.TempFolderPath;
+    takeTempFolder(m_program, m_options.TempFolderPath);
     m_state.TempFolderOfRun = m_options.TempFolderPath;
     m_state.AgencyLogoPath = m_options.AgencyLogoPath;
     m_state.TemplatesPath = m_options.TemplatesPath;

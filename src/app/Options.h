@@ -54,7 +54,7 @@ struct Options {
     // Status
     int ProgressBarRefreshRate = 5; ///< seconds
     // Beyond
-    bool WideRecordIds = false;
+    bool WideRecordIds = true;
     bool ThumbnailsWhileImporting = false;
     bool TemplateMatchByTitle = true;
     /// Writes the settings that otherwise hold until the program ends only.

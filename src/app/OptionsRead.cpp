@@ -20,7 +20,7 @@ void readPaths(const Program &program, Options &options) {
     const ThisClass &state = program.thisClass;
     options.ProjectDBPath = state.ProjectDBPath;
     options.RootPath = state.RootPath;
-    options.TempFolderPath = firstOf(state.TempFolderPath, program.settings, "Temp");
+    options.TempFolderPath = firstOf(state.TempFolderRoot, program.settings, "Temp");
     options.TemplatesPath = state.TemplatesPath;
     options.PublishTempFolder = firstOf(state.PublishTempFolder, program.settings, "Publish");
     options.AgencyLogoPath = firstOf(state.AgencyLogoPath, program.settings, "AgencyLogo");

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "app/ErrorLog.h"
+#include "app/Front.h"
 #include "app/IniFile.h"
 #include "app/ProgramPaths.h"
+#include "app/ProjectHold.h"
+#include "app/ScratchFolder.h"
 #include "app/ThisClass.h"
 #include "app/ThreadClass.h"
 #include "base/Clock.h"
@@ -10,6 +13,9 @@
 #include "import/ImportClass.h"
 #include "platform/Network.h"
 #include "platform/SystemTime.h"
+
+#include <memory>
+#include <vector>
 
 namespace nv {
 
@@ -22,33 +28,41 @@ struct Surroundings {
     Network &network;
 };
 
-enum class Front { window, headless };
-
 /// The long-lived objects of the process, in the order of their making. They are handed down by
 /// reference; nothing reaches for them through a global.
 struct Program {
-    Program(ProgramPaths where, Front front, const Surroundings &surroundings);
+    Program(ProgramPaths where, Front whichFront, const Surroundings &surroundings);
 
     ProgramPaths paths;
+    Front front;
     Surroundings around;
     ErrorLog log;
     IniFile settings;
     ThreadClass thread;
+    /// All that this process has worked in: what is shown, or open, may lie in an earlier one.
+    std::vector<std::unique_ptr<ScratchFolder>> scratch;
+    std::unique_ptr<ProjectHold> projectHold; ///< of a project open for writing; goes behind it
     ThisClass thisClass;
     ImportClass import;
 };
 
 /// The start-up steps between the splash and the main window: version, log, companion tool,
-/// settings, Temp folder, zone, scratch pages. The window empties its Temp folder; the headless
-/// program works in a folder of its own below it and leaves the rest alone, as a window may be
-/// open.
+/// settings, Temp folder, zone, scratch pages.
 void startUp(Program &program, Front front);
 
-/// The folder that a Temp setting leads to: the one named when it exists and deleting its contents
-/// can't hurt, else the default, which is made. Never a folder that holds the program, its
-/// settings, the user's home or the project.
+/// The P.A.R.D. range of a start, and of a project that is opened next.
+void resetPardRange(ThisClass &state);
+
+/// Works below `tempFolder` from now on, in a folder of this process's own. What processes that are
+/// gone have left there is removed; a failure to do so is told in the window and logged.
+/// Throws StorageFailure when there can't be a folder.
+void takeTempFolder(Program &program, const std::filesystem::path &tempFolder);
+
+/// The folder that a Temp setting leads to: the one named when it can be used, else the default,
+/// which is made. Never a folder that holds the program, its settings, the user's home or the
+/// project: nobody looks for those among scratch files.
 std::filesystem::path tempFolderFrom(const Program &program);
-/// It is there, and holds none of those.
+/// It is there, can be written to, and holds none of those.
 bool isUsableTempFolder(const Program &program, const std::filesystem::path &folder);
 
 } // namespace nv

@@ -20,6 +20,7 @@ struct ProgramPaths {
     std::filesystem::path zones() const { return program / "nvTZ.dat"; }
     std::filesystem::path tips() const { return program / "dailytips.txt"; }
     std::filesystem::path keywords() const { return program / "keywords"; }
+    std::filesystem::path guide() const { return program / "docs" / "guide"; }
     std::filesystem::path images() const { return program / "images"; }
 };
 

@@ -39,7 +39,9 @@ void removeProjectFiles(const fs::path &path) {
     removeBeside(path);
 }
 
-void becomeOpen(Program &program) {
+void becomeOpen(Program &program, LogOf log) {
+    if (log == LogOf::project)
+        program.log.remove();
     ThisClass &state = program.thisClass;
     state.ProjectDBPath = state.ProjectDB.FilePath;
     const std::string root = fieldsOf(program).GetDefault(kRootSetting);
@@ -65,7 +67,9 @@ bool isProjectName(const fs::path &path) {
     return equalsNoCase(textOf(path.extension()), ".nvp");
 }
 
-bool createProject(Program &program, const fs::path &path) {
+bool createProject(Program &program, const fs::path &path, LogOf log) {
+    program.projectHold.reset();
+    auto hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
     DatabaseClass &project = program.thisClass.ProjectDB;
     const fs::path whole = fs::absolute(path);
     // Whoever is killed meanwhile leaves no file that passes for a project and is none.
@@ -86,17 +90,24 @@ bool createProject(Program &program, const fs::path &path) {
     removeProjectFiles(aside);
     if (!made)
         return false;
-    becomeOpen(program);
+    program.projectHold = std::move(hold);
+    becomeOpen(program, log);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
     setZone(program, program.thisClass.GMTZone.tzTimeZoneID);
     return true;
 }
 
-void openProject(Program &program, const fs::path &path, Access access) {
+void openProject(Program &program, const fs::path &path, Access access, Holding holding,
+                 LogOf log) {
+    program.projectHold.reset();
+    std::unique_ptr<ProjectHold> hold;
+    if (access != Access::read && holding == Holding::yes && fs::exists(path))
+        hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
     DatabaseClass &project = program.thisClass.ProjectDB;
     project.FilePath = fs::absolute(path);
     project.open(access);
-    becomeOpen(program);
+    program.projectHold = std::move(hold);
+    becomeOpen(program, log);
     takeZoneOfProject(program);
 }
 
@@ -144,6 +155,7 @@ void closeProject(Program &program) {
     }
     state.ZoneIsUnread = false;
     state.ProjectDB.CloseDB();
+    program.projectHold.reset();
     state.ProjectDBPath.clear();
     state.RootPath.clear();
     state.CurrentSQLDef = state.DefaultSQLDef;
@@ -153,7 +165,8 @@ void closeProject(Program &program) {
 
 void setRootPath(Program &program, const fs::path &root) {
     program.thisClass.RootPath = root;
-    fieldsOf(program).SaveDefaultSetting(kRootSetting, textOf(root));
+    if (!program.thisClass.ProjectDB.isReadOnly())
+        fieldsOf(program).SaveDefaultSetting(kRootSetting, textOf(root));
 }
 
 AppBuild buildOf(const Program &program) {

@@ -15,13 +15,22 @@ namespace nv {
 /// True for a file name with the extension of projects.
 bool isProjectName(const std::filesystem::path &path);
 
-/// Makes an empty project at `path`, over a file that is there, and leaves it open with the
-/// machine's zone. False when it couldn't be made; the reason is in the log.
-bool createProject(Program &program, const std::filesystem::path &path);
+/// Whose failures the log holds: from its opening in the window those of a project, and so also
+/// that its zone can't be set.
+enum class LogOf { run, project };
 
-/// Opens the project at `path`: its zone and base folder are in force afterwards.
-void openProject(Program &program, const std::filesystem::path &path,
-                 Access access = Access::write);
+/// Makes an empty project at `path`, over a file that is there and that nobody has open, and leaves
+/// it open with the machine's zone. False when it couldn't be made; the reason is in the log.
+bool createProject(Program &program, const std::filesystem::path &path, LogOf log = LogOf::run);
+
+/// Whether others are kept from writing to a project while it is open for writing here. A note in
+/// the trail is safe beside anybody.
+enum class Holding { no, yes };
+
+/// Opens the project at `path`: its zone and base folder are in force afterwards. Throws
+/// StorageFailure that says who has it when it is held against this program.
+void openProject(Program &program, const std::filesystem::path &path, Access access = Access::write,
+                 Holding holding = Holding::yes, LogOf log = LogOf::run);
 
 /// Keeps zone and base folder in the project, sets the default query back and closes the file. One
 /// that was opened for reading is only closed.

@@ -16,6 +16,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <unistd.h>
 
 namespace nv {
 
@@ -58,7 +59,7 @@ std::optional<fs::path> ProjectCommands::pathFor(const fs::path &given, OpenMode
 }
 
 bool ProjectCommands::create(const fs::path &path) {
-    if (createProject(m_program, path))
+    if (createProject(m_program, path, LogOf::project))
         return true;
     m_program.around.examiner.tell(messages::databaseNotCreated());
     return false;
@@ -81,17 +82,34 @@ bool ProjectCommands::OpenFile(const fs::path &path, OpenMode mode) {
     return isNew || checkVersion();
 }
 
+std::optional<Access> ProjectCommands::accessTo(const fs::path &path) {
+    Examiner &examiner = m_program.around.examiner;
+    const auto readOnly = [&examiner](const Message &question) {
+        return examiner.ask(question) == Answer::Yes ? std::optional(Access::read) : std::nullopt;
+    };
+    if (const auto holder = holderOf(path, Front::window))
+        return readOnly(messages::projectInUse(path, *holder));
+    const fs::path folder = fs::absolute(path).parent_path();
+    const bool writable = ::access(path.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
+    if (!writable && ::access(path.c_str(), R_OK) == 0)
+        return readOnly(messages::projectNotWritable(path));
+    return Access::write;
+}
+
 bool ProjectCommands::openExisting(const fs::path &path) {
-    const auto failure =
-        failureOf(m_program.log, "MainForm.OpenFile()", [&] { openProject(m_program, path); });
+    const auto access = accessTo(path);
+    if (!access)
+        return false;
+    const auto failure = failureOf(m_program.log, "MainForm.OpenFile()", [&] {
+        openProject(m_program, path, *access, Holding::yes, LogOf::project);
+    });
     if (failure)
         m_program.around.examiner.tell(messages::openingFailed(*failure));
     return !failure;
 }
 
 void ProjectCommands::afterOpening() {
-    m_program.log.remove();
-    m_program.thisClass.TempFolderPath = tempFolderFrom(m_program);
+    takeTempFolder(m_program, tempFolderFrom(m_program));
     m_view.restoreLayout();
     UpdateProgramCaption();
     StoreFilenameINI(m_program.settings, m_program.thisClass.ProjectDBPath);
@@ -103,6 +121,8 @@ bool ProjectCommands::checkVersion() {
         return true;
     Examiner &examiner = m_program.around.examiner;
     examiner.tell(messages::olderProject());
+    if (m_program.thisClass.ProjectDB.isReadOnly())
+        return true;
     if (examiner.ask(messages::runUpgradeWizard()) == Answer::Yes)
         return upgradeAndReopen();
     examiner.tell(messages::versionCheckCanBeTurnedOff());
@@ -141,6 +161,7 @@ void ProjectCommands::CloseFile() {
     if (!m_program.thisClass.ProjectDB.isOpen())
         return;
     const fs::path path = m_program.thisClass.ProjectDBPath;
+    resetPardRange(m_program.thisClass);
     const auto failure = failureOf(m_program.log, "MainForm.CloseFile()", [this] {
         m_view.saveLayout();
         closeProject(m_program);
@@ -155,7 +176,7 @@ void ProjectCommands::CloseFile() {
 
 bool ProjectCommands::SaveAs() {
     DatabaseClass &project = m_program.thisClass.ProjectDB;
-    if (!project.isOpen())
+    if (!project.isOpen() || project.isReadOnly())
         return false;
     const auto target = m_dialogs.chooseSaveAs();
     if (!target || isSameFile(*target, project.FilePath))
@@ -163,6 +184,13 @@ bool ProjectCommands::SaveAs() {
     if (liesInEvidence(*target, m_program.thisClass.RootPath)) {
         m_program.around.examiner.tell(
             messages::liesInEvidence(*target, m_program.thisClass.RootPath));
+        return false;
+    }
+    if (const auto holder = holderOf(*target, Front::window)) {
+        m_program.around.examiner.tell(
+            messages::saveAsFailed(fmt::format("\"{}\" is open already, for writing: {}\n\nThe "
+                                               "project stays where it is.",
+                                               textOf(*target), *holder)));
         return false;
     }
     const fs::path source = project.FilePath;
@@ -181,8 +209,10 @@ bool ProjectCommands::SaveAs() {
 void ProjectCommands::UpdateProgramCaption() {
     const ThisClass &state = m_program.thisClass;
     const bool open = m_program.thisClass.ProjectDB.isOpen();
-    m_view.setCaption(open ? fmt::format("{} - [{}]", state.AppTitle, textOf(state.ProjectDBPath))
-                           : state.AppTitle);
+    const char *mode = open && state.ProjectDB.isReadOnly() ? " (reading only)" : "";
+    m_view.setCaption(
+        open ? fmt::format("{} - [{}]{}", state.AppTitle, textOf(state.ProjectDBPath), mode)
+             : state.AppTitle);
 }
 
 bool ProjectCommands::LoadCommandLineFile(const fs::path &path) {

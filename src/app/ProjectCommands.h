@@ -63,6 +63,8 @@ class ProjectCommands {
     std::optional<std::filesystem::path> pathFor(const std::filesystem::path &given, OpenMode mode);
     bool create(const std::filesystem::path &path);
     bool openExisting(const std::filesystem::path &path);
+    /// Nothing when the project can't be written and the examiner doesn't want to read it only.
+    std::optional<Access> accessTo(const std::filesystem::path &path);
     void afterOpening();
     /// False when the project didn't open again behind the wizard.
     bool checkVersion();

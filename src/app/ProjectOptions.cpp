@@ -18,13 +18,15 @@ constexpr auto kValues = std::to_array<ProjectValueFacts>({
     {"TimeZoneID", "The zone last chosen in Options", false},
     {"TimeZoneName", "The zone last chosen in Options", false},
     {"TimeZoneBias", "The zone last chosen in Options, minutes", false},
-    {"DateFormat", "The date format when Options was confirmed", true},
-    {"TimeFormat", "The time format when Options was confirmed", true},
+    {"DateFormat", "The date format when Options was confirmed", false},
+    {"TimeFormat", "The time format when Options was confirmed", false},
     {"ProjectDBPath", "Where the project was when Options was confirmed", false},
-    {"GalleryIncludeHTML", "The gallery showed web pages", true},
-    {"GalleryIncludePictures", "The gallery showed pictures", true},
-    {"GalleryRecordsPerPage", "Thumbnails on a page of the gallery", true},
-    {"RedrawThumbIfPageRebuilt", "A rebuilt page got a new thumbnail", true},
+    {"GalleryIncludeHTML", "The gallery showed web pages when Options was confirmed", false},
+    {"GalleryIncludePictures", "The gallery showed pictures when Options was confirmed", false},
+    {"GalleryRecordsPerPage", "Thumbnails on a page of the gallery when Options was confirmed",
+     false},
+    {"RedrawThumbIfPageRebuilt", "A rebuilt page got a new thumbnail when Options was confirmed",
+     false},
     {"AppMajor", "The build that made or last upgraded the file", false},
     {"AppMinor", "The build that made or last upgraded the file", false},
     {"AppRevision", "The build that made or last upgraded the file", false},
@@ -58,6 +60,8 @@ std::vector<ProjectValue> projectValuesInForce(const Program &program) {
 }
 
 void storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note) {
+    if (program.thisClass.ProjectDB.isReadOnly())
+        return;
     ProjectFields fields(program.thisClass.ProjectDB.connection(), program.log);
     std::string changes;
     for (const ProjectValue &each : values) {

@@ -19,7 +19,7 @@ struct ProjectValue {
 struct ProjectValueFacts {
     std::string_view name;
     std::string_view what;
-    bool settable = false;
+    bool settable = false; ///< the project goes by it when it is opened
 };
 std::span<const ProjectValueFacts> projectValueTable();
 
@@ -29,6 +29,7 @@ std::vector<ProjectValue> projectValuesInForce(const Program &program);
 enum class TrailNote { no, yes };
 
 /// Writes the values that differ from what the open project holds, and notes them in its trail.
+/// Nothing in a project that is open for reading only: they hold until it is closed.
 void storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note);
 
 } // namespace nv

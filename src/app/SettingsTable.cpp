@@ -57,16 +57,23 @@ constexpr auto kSettings = std::to_array<SettingFacts>({
     {"FILE PATHS", "Project", K::folder, "", 0, 0, "The folder that Options offers for new projects"},
     {"FILE PATHS", "Publish", K::folder, "", 0, 0, "The publish folder that Options offers while there is none"},
     {"FILE PATHS", "Temp", K::tempFolder, "", 0, 0, "The Temp folder that Options offers while there is none"},
-    {"DEFAULT", "TempFolderPath", K::tempFolder, "<home>/Temp", 0, 0, "The Temp folder from the start on; it is emptied then"},
+    {"DEFAULT", "TempFolderPath", K::tempFolder, "<state>/Temp", 0, 0, "The Temp folder from the start on; each run works in a folder of its own in there"},
     {"DEFAULT", "ConnectionOffline", K::flag, "True", 0, 0, "The connection is taken to be down at the start"},
     {"DEFAULT", "HTMLReplaceableHREFTags", K::text, "js;css;php;txt;asp;aspx;htm;html;", 0, 0, "Kinds of links that a rebuild replaces"},
     {"DEFAULT", "HTMLReplaceablePictureTags", K::text, "jpe;jpeg;jpg;gif;bmp;png;tif;", 0, 0, "Kinds of pictures that a rebuild replaces"},
+    {"FILES", "File1", K::text, "", 0, 0, "The project opened last; the File menu lists it"},
+    {"FILES", "File2", K::text, "", 0, 0, "A project of the File menu"},
+    {"FILES", "File3", K::text, "", 0, 0, "A project of the File menu"},
+    {"FILES", "File4", K::text, "", 0, 0, "A project of the File menu"},
+    {"FILES", "File5", K::text, "", 0, 0, "A project of the File menu, written by hand only"},
+    {"FILES", "File6", K::text, "", 0, 0, "A project of the File menu, written by hand only"},
     {"REPORT", "CaseNumber", K::text, "", 0, 0, "Case number of reports"},
     {"REPORT", "ReportedBy", K::text, "", 0, 0, "Author of reports"},
     {"REPORT", "Organization", K::text, "", 0, 0, "Organization of reports"},
     {"REPORT", "DefaultThumbnailPath", K::file, "", 0, 0, "The picture of rows without a thumbnail"},
     {"REPORT", "ReportTitle", K::text, "Norvelane Internet Cache and History Analysis", 0, 0, "Title of reports"},
     {"REPORT", "ReportType", K::number, "0", 0, 9, "The kind of report made last"},
+    {"REPORT", "UseDefaultThumbnailPath", K::flag, "False", 0, 0, "The report window's box at that picture when it was last confirmed"},
     {"REPORT", "UseCustomLogo", K::flag, "False", 0, 0, "Reports show the agency's logo"},
     {"REPORT", "IncludeAudit", K::flag, "False", 0, 0, "Reports hold what rebuilds replaced"},
     {"REPORT", "IncludeLinkAnalysis", K::flag, "False", 0, 0, "Reports hold the link analysis"},
@@ -74,7 +81,7 @@ constexpr auto kSettings = std::to_array<SettingFacts>({
     {"REPORT", "IncludeTimeRebuilt", K::flag, "True", 0, 0, "Reports tell when a page was rebuilt"},
     {"REPORT", "IncludeDataSource", K::flag, "True", 0, 0, "Reports tell the file of each record"},
     {"REPORT", "IncludeUser", K::flag, "True", 0, 0, "Reports tell the user of each record"},
-    {"BEYOND", "WideRecordIds", K::flag, "False", 0, 0, "Record ids above 32767 may be parts of rebuilt pages; earlier builds can't open such pages"},
+    {"BEYOND", "WideRecordIds", K::flag, "True", 0, 0, "Record ids above 32767 may be parts of rebuilt pages, which earlier builds can't open; False is their limit"},
     {"BEYOND", "ThumbnailsWhileImporting", K::flag, "False", 0, 0, "Imports draw thumbnails, which takes much longer"},
     {"BEYOND", "TemplateMatchByTitle", K::flag, "True", 0, 0, "A template is laid only over pages of its title"},
     {"BEYOND", "TemplatesPath", K::text, "<home>/Templates", 0, 0, "The folder of templates"},
@@ -140,8 +147,9 @@ CheckedValue checkPath(const Program &program, SettingKind kind, std::string_vie
     if (kind == K::file ? !fs::is_regular_file(path, notThere) : !fs::is_directory(path, notThere))
         return refused(noSuchPath(kind));
     if (kind == K::tempFolder && !isUsableTempFolder(program, path))
-        return refused("the Temp folder is emptied at each start: this one holds the program, its "
-                       "settings, the project or the user's home");
+        return refused(
+            "scratch files go there: this one can't be written to, or holds the program, "
+            "its settings, the project or the user's home");
     return {textOf(path), {}};
 }
 
@@ -186,9 +194,12 @@ std::vector<std::string> nearestNames(std::string_view name,
 
 std::string defaultOf(const Program &program, const SettingFacts &facts) {
     constexpr std::string_view home = "<home>/";
+    constexpr std::string_view state = "<state>/";
     constexpr std::string_view beside = "<program>/";
     if (facts.byDefault.starts_with(home))
         return textOf(program.paths.home / facts.byDefault.substr(home.size()));
+    if (facts.byDefault.starts_with(state))
+        return textOf(program.paths.state / facts.byDefault.substr(state.size()));
     if (facts.byDefault.starts_with(beside))
         return textOf(program.paths.program / facts.byDefault.substr(beside.size()));
     return std::string(facts.byDefault);

@@ -19,7 +19,7 @@ struct SettingFacts {
     std::string_view section;
     std::string_view key;
     SettingKind kind = SettingKind::text;
-    /// "<home>" and "<program>" at its beginning stand for the program's folders.
+    /// "<home>", "<state>" and "<program>" at its beginning stand for the program's folders.
     std::string_view byDefault;
     int least = 0; ///< of numbers, both included
     int most = 0;

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include <cstdlib>
+#include <unistd.h>
 
 namespace nv {
 
@@ -83,7 +84,7 @@ void readOptions(const IniFile &settings, ThisClass &state) {
     state.NetworkConnectionName =
         settings.ReadIniValue("OPTIONS", "NetworkConnectionName", "Local Area Connection");
     state.ConnectionOffline = settings.ReadIniValue("DEFAULT", "ConnectionOffline", true);
-    state.WideRecordIds = settings.ReadIniValue("BEYOND", "WideRecordIds", false);
+    state.WideRecordIds = settings.ReadIniValue("BEYOND", "WideRecordIds", true);
     state.HTMLReplaceableHREFTags = settings.ReadIniValue("DEFAULT", "HTMLReplaceableHREFTags",
                                                           "js;css;php;txt;asp;aspx;htm;html;");
     state.HTMLReplaceablePictureTags = settings.ReadIniValue(
@@ -115,14 +116,17 @@ void takeMachineZone(Program &program) {
                                   Date::fromTimePoint(clock.now() + clock.localOffset()));
 }
 
-void prepareTempFolder(Program &program) {
-    const fs::path &folder = program.thisClass.TempFolderPath;
+void emptyTempFolder(Program &program, const fs::path &tempFolder) {
+    const bool isWindow = program.front == Front::window;
     const auto failure = failureOf(program.log, "Main()", [&] {
+        if (!isWindow) {
+            Unwatched nobody;
+            return EmptyTempFolder(tempFolder, program.front, nobody);
+        }
         const OpenTask task(program.thread, {});
-        EmptyTempFolder(folder, program.thread);
-        WriteScratchPages(tempFileNames(folder));
+        EmptyTempFolder(tempFolder, program.front, program.thread);
     });
-    if (failure)
+    if (failure && isWindow)
         program.around.examiner.tell(messages::tempFolderNotCleared(*failure));
 }
 
@@ -133,19 +137,44 @@ bool holds(const fs::path &folder, const fs::path &inner) {
 
 } // namespace
 
-Program::Program(ProgramPaths where, Front front, const Surroundings &surroundings)
-    : paths(std::move(where)), around(surroundings),
-      log(paths.errorLog(front == Front::headless), around.clock), settings(paths.settings(), log),
-      thread(around.status), thisClass(log, around.clock) {}
+Program::Program(ProgramPaths where, Front whichFront, const Surroundings &surroundings)
+    : paths(std::move(where)), front(whichFront), around(surroundings),
+      log(paths.errorLog(whichFront == Front::headless), around.clock),
+      settings(paths.settings(), log), thread(around.status), thisClass(log, around.clock) {}
+
+/// The shapes of photographs.
+void resetPardRange(ThisClass &state) {
+    state.PARD.FromValue = 15;
+    state.PARD.ToValue = 40;
+}
+
+void takeTempFolder(Program &program, const fs::path &tempFolder) {
+    ThisClass &state = program.thisClass;
+    state.TempFolderRoot = tempFolder;
+    for (const auto &folder : program.scratch) {
+        if (folder->tempFolder() == tempFolder) {
+            state.TempFolderPath = folder->path();
+            return;
+        }
+    }
+    emptyTempFolder(program, tempFolder);
+    program.scratch.push_back(std::make_unique<ScratchFolder>(tempFolder, program.front));
+    state.TempFolderPath = program.scratch.back()->path();
+    if (program.front == Front::window)
+        WriteScratchPages(tempFileNames(state.TempFolderPath));
+}
 
 bool isUsableTempFolder(const Program &program, const fs::path &folder) {
     const fs::path &project = program.thisClass.ProjectDBPath;
+    const fs::path &scratch = program.thisClass.TempFolderPath;
+    const bool isScratchProject = !project.empty() && !scratch.empty() && holds(scratch, project);
     const char *home = std::getenv("HOME");
     std::error_code notThere;
-    return fs::is_directory(folder, notThere) && !holds(folder, program.paths.program) &&
-           !holds(folder, program.paths.home) && !holds(folder, program.paths.config) &&
-           !holds(folder, program.paths.state) && !(home && *home && holds(folder, home)) &&
-           (project.empty() || !holds(folder, project));
+    return fs::is_directory(folder, notThere) && ::access(folder.c_str(), W_OK) == 0 &&
+           !holds(folder, program.paths.program) && !holds(folder, program.paths.home) &&
+           !holds(folder, program.paths.config) && !holds(folder, program.paths.state) &&
+           !(home && *home && holds(folder, home)) &&
+           (project.empty() || isScratchProject || !holds(folder, project));
 }
 
 fs::path tempFolderFrom(const Program &program) {
@@ -167,15 +196,13 @@ void startUp(Program &program, Front front) {
     if (front == Front::window)
         program.log.remove();
     findCompanionTool(program);
-    state.TempFolderPath = tempFolderFrom(program);
-    // The shapes of photographs.
-    state.PARD.FromValue = 15;
-    state.PARD.ToValue = 40;
+    state.TempFolderRoot = tempFolderFrom(program);
+    resetPardRange(state);
     readSettings(program);
     takeMachineZone(program);
     state.DebugMain = program.settings.ReadIniValue("OPTIONS", "DebugMain", false);
     if (front == Front::window)
-        prepareTempFolder(program);
+        takeTempFolder(program, state.TempFolderRoot);
 }
 
 } // namespace nv

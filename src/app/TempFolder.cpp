@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include <string_view>
-#include <vector>
 
 namespace nv {
 
@@ -24,26 +23,13 @@ void replacePage(const std::filesystem::path &path, std::string_view title, std:
 
 } // namespace
 
-TempFileNames tempFileNames(const std::filesystem::path &tempFolder) {
-    return {
-        tempFolder / "~tmp",           tempFolder / "~blob",           tempFolder / "~badurl.htm",
-        tempFolder / "~badreport.htm", tempFolder / "~pleasewait.htm", tempFolder / "~cmdtemp.nvp"};
-}
-
-void EmptyTempFolder(const std::filesystem::path &tempFolder, TaskMonitor &task) {
-    task.describe({"EMPTYING CONTENTS OF TEMP FOLDER", "", "", ""});
-    std::vector<std::filesystem::path> entries;
-    for (const auto &entry : std::filesystem::directory_iterator(tempFolder))
-        entries.push_back(entry.path());
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        if (!task.advance(static_cast<double>(i) / static_cast<double>(entries.size())))
-            return;
-        if (task.wantsStep())
-            task.show({fmt::format("Deleting {} of {}...", i + 1, entries.size()),
-                       static_cast<std::int64_t>(i + 1), static_cast<std::int64_t>(entries.size()),
-                       "", 0, 0});
-        std::filesystem::remove_all(entries[i]);
-    }
+TempFileNames tempFileNames(const std::filesystem::path &scratchFolder) {
+    return {scratchFolder / "~tmp",
+            scratchFolder / "~blob",
+            scratchFolder / "~badurl.htm",
+            scratchFolder / "~badreport.htm",
+            scratchFolder / "~pleasewait.htm",
+            scratchFolder / "~cmdtemp.nvp"};
 }
 
 void WriteScratchPages(const TempFileNames &names) {

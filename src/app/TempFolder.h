@@ -1,12 +1,11 @@
 #pragma once
 
-#include "base/TaskMonitor.h"
-
 #include <filesystem>
 
 namespace nv {
 
-/// The fixed names of scratch files. The last three are pages of the program's own with fixed text.
+/// The fixed names of scratch files in the folder of a process. The last three are pages of the
+/// program's own with fixed text.
 struct TempFileNames {
     std::filesystem::path scratch;    ///< "~tmp"
     std::filesystem::path blob;       ///< "~blob"
@@ -15,11 +14,7 @@ struct TempFileNames {
     std::filesystem::path pleaseWait; ///< "~pleasewait.htm"
     std::filesystem::path project;    ///< "~cmdtemp.nvp": the scratch project of the command line
 };
-TempFileNames tempFileNames(const std::filesystem::path &tempFolder);
-
-/// Removes everything in the folder and nothing outside of it: links are removed, not followed.
-/// Throws std::filesystem::filesystem_error.
-void EmptyTempFolder(const std::filesystem::path &tempFolder, TaskMonitor &task);
+TempFileNames tempFileNames(const std::filesystem::path &scratchFolder);
 
 /// Throws FileFailure.
 void WriteScratchPages(const TempFileNames &names);

@@ -27,7 +27,11 @@ struct ThisClass : QueryDefinitions {
 
     // Paths
     std::filesystem::path RootPath; ///< the project's base root folder
+    /// The folder of this process's own below the Temp folder; the headless program has none until
+    /// it needs one.
     std::filesystem::path TempFolderPath;
+    /// The Temp folder of the settings, which the processes share.
+    std::filesystem::path TempFolderRoot;
     /// Chosen in Options: goes before that of the settings until the program ends.
     std::filesystem::path TempFolderOfRun;
     std::filesystem::path TemplatesPath;
@@ -76,8 +80,9 @@ struct ThisClass : QueryDefinitions {
     std::string HTMLReplaceablePictureTags;
     bool DisableScriptTags = false;    ///< not kept between runs
     bool TemplateMatchByTitle = false; ///< a template is laid over pages of its title only
-    /// Beyond the documented settings: record ids above 32,767 may be parts of rebuilt pages.
-    bool WideRecordIds = false;
+    /// Record ids above 32,767 may be parts of rebuilt pages; otherwise the limit of earlier
+    /// builds.
+    bool WideRecordIds = true;
 
     // Task control
     int ProgressBarRefreshRate = 0; ///< seconds

@@ -59,6 +59,8 @@ TrailEntry entryOf(const UnreadPlace &place) {
 } // namespace
 
 void noteInTrail(Program &program, TrailEntry entry) {
+    if (program.thisClass.ProjectDB.isReadOnly())
+        return;
     tellWhenMissing(program, failureOf(program.log, kProcedure, [&] {
                         complete(program, entry);
                         CaseTrail(program.thisClass.ProjectDB.connection()).add(entry);

@@ -22,6 +22,7 @@ namespace nv {
 enum class TaskEnd { whole, cancelled, failed };
 
 /// Time and version are filled in.
+/// Nothing is noted in a project that is open for reading only.
 void noteInTrail(Program &program, TrailEntry entry);
 /// The same with a file that the program wrote or read, which is hashed now.
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file);

@@ -114,6 +114,17 @@ std::string ProjectFields::GetDefault(std::string_view name) const {
     return GetDB3Field("DefaultValue", "DefaultSettings", "DefaultName", name);
 }
 
+std::vector<std::string> ProjectFields::defaultNames() const {
+    return logged(m_log, "ADO.GetDB3Field()", std::vector<std::string>(), [&] {
+        std::vector<std::string> names;
+        SQLite::Statement row(m_database,
+                              "SELECT DefaultName FROM DefaultSettings ORDER BY DefaultName");
+        while (row.executeStep())
+            names.push_back(row.getColumn(0).getString());
+        return names;
+    });
+}
+
 std::optional<std::int64_t> ProjectFields::defaultNumber(std::string_view name) const {
     const std::string text = GetDefault(name);
     std::int64_t value = 0;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace SQLite {
 class Database;
@@ -37,6 +38,8 @@ class ProjectFields {
     /// Trimmed; empty when the row is missing.
     std::string GetDefault(std::string_view name) const;
     /// The setting as a whole number, when it is one.
+    /// The names of all values in `DefaultSettings`.
+    std::vector<std::string> defaultNames() const;
     std::optional<std::int64_t> defaultNumber(std::string_view name) const;
 
   private:

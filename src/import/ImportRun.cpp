@@ -162,7 +162,7 @@ class Import {
             settle(result, ArtefactState::vanished, "the file is no longer there");
         else if (!reader || !reader->read)
             settle(result, ArtefactState::notReadYet, "this format is not read yet");
-        else if (!m_sources.LogFile(file))
+        else if (result.isLogged = m_sources.LogFile(file); !result.isLogged)
             settle(result, ArtefactState::failed, m_log.last);
         else
             read(*reader, file, result, SubTask(m_run.task, from, to));

@@ -36,6 +36,8 @@ struct ArtefactResult {
     std::string SHA256Hash;
     ArtefactState state = ArtefactState::notReached;
     std::string reason; ///< why it isn't complete
+    bool isLogged =
+        true; ///< false when there is no row of it in `SourceFiles`, so that it wasn't read
     std::uint64_t rowsSaved = 0;
     std::uint64_t rowsLost = 0;   ///< records that the project did not take
     std::uint64_t notReached = 0; ///< entries behind the damage

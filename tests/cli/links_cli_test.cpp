@@ -96,6 +96,8 @@ TEST_F(LinksCliTest, anIdBeyond16BitsNamesTheSwitchThatLiftsIt) {
         database.exec("PRAGMA foreign_keys = OFF; UPDATE URLs SET URL_ID = 40000 WHERE URL_ID = 3");
     }
     EXPECT_EQ(cli({"links", project}).exit, 0);
+    EXPECT_EQ(cli({"links", project, "--url", "40000"}).exit, 0) << "as everybody expects";
+    ASSERT_EQ(cli({"options", "set", "WideRecordIds", "False"}).exit, 0);
     const CliResult run = cli({"links", project, "--url", "40000"});
     EXPECT_EQ(run.exit, 1);
     EXPECT_EQ(run.out, "");

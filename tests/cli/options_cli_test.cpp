@@ -52,6 +52,43 @@ TEST_F(OptionsCliTest, aProjectsOwnValuesAreChangedAndNoted) {
     EXPECT_EQ(cli({"options", "set", "Nothing", "9", "--project", project}).exit, 1);
 }
 
+TEST_F(OptionsCliTest, whatNoProjectKeepsIsRefusedForOne) {
+    IndexDat index;
+    index.add({.url = "Visited: mara@http://a.example/"});
+    folder.write("evidence/index.dat", index.bytes());
+    ASSERT_EQ(cli({"import", project, (folder.path() / "evidence").string()}).exit, 0);
+    for (const char *key : {"DateFormat", "GalleryRecordsPerPage", "ViewerThumbnailWidth"}) {
+        const CliResult run = cli({"options", "set", key, "200", "--project", project});
+        EXPECT_EQ(run.exit, 1) << key;
+        EXPECT_THAT(run.err, HasSubstr("no project keeps " + std::string(key))) << key;
+    }
+    const CliResult own = cli({"options", "set", "AppMajor", "9", "--project", project});
+    EXPECT_THAT(own.err, HasSubstr("written by the program itself"));
+    const CliResult unknown = cli({"options", "set", "RootPat", "x", "--project", project});
+    EXPECT_THAT(unknown.err, HasSubstr("The nearest names: RootPath"));
+}
+
+TEST_F(OptionsCliTest, getKnowsEveryKey) {
+    folder.write("home/Norvelane.ini", "[FILES]\r\nFile1=/cases/a.nvp\r\n[BEYOND]\r\n"
+                                       "; a comment = of somebody\r\nSplitter_dataArea=AAAA\r\n");
+    const std::string all = cli({"options", "get", "--format", "tsv"}).out;
+    EXPECT_THAT(all, HasSubstr("FILES\tFile1\t/cases/a.nvp\t"));
+    EXPECT_THAT(all, HasSubstr("REPORT\tUseDefaultThumbnailPath\tFalse\t"));
+    EXPECT_THAT(all, HasSubstr("BEYOND\tSplitter_dataArea\tAAAA\t"));
+    EXPECT_THAT(all, testing::Not(HasSubstr("comment")));
+    EXPECT_THAT(cli({"options", "get", "splitter_dataarea", "--format", "tsv"}).out,
+                HasSubstr("\tAAAA\t"));
+    EXPECT_EQ(cli({"options", "get", "Splitter_none"}).exit, 1);
+    IndexDat index;
+    index.add({.url = "Visited: mara@http://a.example/"});
+    folder.write("evidence/index.dat", index.bytes());
+    ASSERT_EQ(cli({"import", project, (folder.path() / "evidence").string()}).exit, 0);
+    EXPECT_THAT(
+        cli({"options", "get", "RootPathSeen", "--project", project, "--format", "tsv"}).out,
+        HasSubstr("PROJECT\tRootPathSeen\t1 "));
+    EXPECT_EQ(cli({"options", "get", "Nothing", "--project", project}).exit, 1);
+}
+
 TEST_F(OptionsCliTest, hostileValuesAreRefusedOrKeptWhole) {
     for (const std::string &bad : {std::string("a\nb"), std::string(100'000, 'x')}) {
         const CliResult run = cli({"options", "set", "CaseNumber", bad});

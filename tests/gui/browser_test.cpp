@@ -189,6 +189,7 @@ void BrowserTest::aRebuildThatCantBeBroughtBackIsTold() {
     fs::remove_all(tempFile("0000001.NVR"));
     m_desk->program.thisClass.ProjectDB.connection().exec(
         "UPDATE URLs SET IngredientIDs = '40000|a.gif|0040000.gif|' WHERE URL_ID = 1");
+    m_desk->program.thisClass.WideRecordIds = false;
     show(1);
     QCOMPARE(label("labBrowserKind"), QStringLiteral("Cached content"));
     QVERIFY(child<QLabel>(*m_form, "labNotice")

@@ -312,6 +312,7 @@ void LinksTest::cellsAndRowsAreCopied() {
 
 void LinksTest::idsBeyond16BitsNameTheirSwitch() {
     project().exec("INSERT INTO URLs (URL_ID, URL, HashedURL) VALUES (40000, 'x', 'y')");
+    m_desk->program.thisClass.WideRecordIds = false;
     trigger(*m_form, "actRefresh");
     choose(40000);
     openPane();

@@ -47,7 +47,6 @@ class MainWindowTest : public QObject {
     void aProjectAmongTheEvidenceGetsNoImport();
     void anImportBesideAnotherIsRefused();
     void theWizardMakesThumbnailsWhenItsBoxIsTicked();
-    void theWizardWarnsOfANetworkAndStops();
     void theWizardRefusesAFolderThatIsNotThere();
     void anUntickedFileIsNotRead();
     void cancelWorksAboveTheWizard();
@@ -58,7 +57,6 @@ class MainWindowTest : public QObject {
     void textsOfEvidenceAreNeverMarkup();
     void theHostBoxNarrowsTheRows();
     void sortsThatFailAreToldAndKeepTheRows();
-    void theNetworkIsSwitchedOffAndOn();
     void theCaseTrailTellsOfTheImport();
     void exitAsks();
 
@@ -172,23 +170,6 @@ void MainWindowTest::theWizardMakesThumbnailsWhenItsBoxIsTicked() {
         QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
     });
     trigger(*m_form, "actImport");
-}
-
-void MainWindowTest::theWizardWarnsOfANetworkAndStops() {
-    m_desk->network.status = "ENABLED";
-    const fs::path evidence = makeEvidence(m_desk->folder);
-    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
-    trigger(*m_form, "actNew");
-    m_desk->examiner.script = {Answer::No};
-    whenShown<ImportForm>([evidence](ImportForm &wizard) {
-        startAt(wizard, evidence);
-        QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
-        QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
-        QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
-    });
-    trigger(*m_form, "actImport");
-    QCOMPARE(m_desk->examiner.heard.back(), std::string("network-detected"));
-    QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("0"));
 }
 
 void MainWindowTest::theWizardRefusesAFolderThatIsNotThere() {
@@ -350,21 +331,6 @@ void MainWindowTest::sortsThatFailAreToldAndKeepTheRows() {
     child<TableTab>(*m_form, "TableTab").sortBy(SortChoice::FileSize);
     QCOMPARE(grid().model()->rowCount(), 6);
     QVERIFY(!m_desk->examiner.heard.empty());
-}
-
-void MainWindowTest::theNetworkIsSwitchedOffAndOn() {
-    m_desk->network.status = "ENABLED";
-    auto &action = *m_form->findChild<QAction *>(QStringLiteral("actNetwork"));
-    action.trigger();
-    QCOMPARE(m_desk->examiner.heard, std::vector<std::string>{"network-disabled"});
-    QCOMPARE(m_desk->network.status, std::string("DISABLED"));
-    QCOMPARE(action.text(), QStringLiteral("Enable &Network"));
-    action.trigger();
-    QCOMPARE(m_desk->network.status, std::string("ENABLED"));
-    QCOMPARE(action.text(), QStringLiteral("Disable &Network"));
-    m_desk->network.answer = Switched::noItem;
-    action.trigger();
-    QCOMPARE(m_desk->examiner.heard.back(), std::string("connection-not-found"));
 }
 
 void MainWindowTest::theCaseTrailTellsOfTheImport() {

@@ -242,6 +242,7 @@ void RebuildTest::theNoticeGoesWithTheRow() {
 void RebuildTest::partsWithLargeIdsNameTheirSwitch() {
     project().exec("UPDATE URLs SET URL_ID = 40000 WHERE URL_ID = 2");
     trigger(*m_form, "actRefresh");
+    m_desk->program.thisClass.WideRecordIds = false;
     choose(1);
     trigger(*m_form, "actRebuild");
     QVERIFY2(notice().contains(QStringLiteral("[BEYOND] WideRecordIds")), qPrintable(notice()));
@@ -314,7 +315,10 @@ void RebuildTest::aLargeProjectAsksOnceAndTurnsTheSwitch() {
     };
     project().exec("UPDATE URLs SET URL_ID = 32768 WHERE URL_ID = 2");
     trigger(*m_form, "actClose");
+    trigger(*m_form, "actOpen");
     QCOMPARE(timesAsked(), 0);
+    program.thisClass.WideRecordIds = false;
+    trigger(*m_form, "actClose");
     m_desk->examiner.script = {Answer::Yes};
     trigger(*m_form, "actOpen");
     QCOMPARE(timesAsked(), 1);

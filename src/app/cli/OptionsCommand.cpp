@@ -45,32 +45,66 @@ const SettingFacts &oneSetting(const std::string &key) {
         fmt::format("\"{}\" stands in two sections: say which of {}", key, fmt::join(names, ", ")));
 }
 
-const ProjectValueFacts &oneProjectValue(const std::string &key) {
+/// A value that the program keeps for itself, such as the places of windows.
+constexpr std::string_view kOwnValue = "Kept by the program for itself";
+
+const ProjectValueFacts *projectValueNamed(std::string_view key) {
     const auto table = projectValueTable();
     const auto found = std::find_if(table.begin(), table.end(), [&](const ProjectValueFacts &each) {
         return equalsNoCase(each.name, key);
     });
-    if (found != table.end())
-        return *found;
+    return found == table.end() ? nullptr : &*found;
+}
+
+/// One that a project goes by when it is opened; what it only notes would change nothing.
+const ProjectValueFacts &settableInProject(const std::string &key) {
+    const ProjectValueFacts *facts = projectValueNamed(key);
+    if (facts && facts->settable)
+        return *facts;
+    if (const auto setting = settingsNamed(key); !setting.empty())
+        throw UsageError(fmt::format("no project keeps {0}: it is a setting of the program, which "
+                                     "`options set {0} VALUE` changes",
+                                     setting.front()->key));
+    if (facts)
+        throw UsageError(fmt::format("{} is written by the program itself", facts->name));
     std::vector<std::string> names;
-    for (const ProjectValueFacts &facts : table)
-        names.emplace_back(facts.name);
+    for (const ProjectValueFacts &each : projectValueTable())
+        if (each.settable)
+            names.emplace_back(each.name);
     refuseName(key, names);
+}
+
+std::unique_ptr<RowWriter> newWriter(Session &session, Format format) {
+    return makeRowWriter(format, session.out,
+                         {"Section", "Key", "Value", "Default", "What it changes"});
+}
+
+/// What stands in the settings file and is not meant to be changed by hand.
+std::vector<IniFile::Value> ownSettings(const Program &program, std::string_view key) {
+    std::vector<IniFile::Value> own = program.settings.values();
+    std::erase_if(own, [key](const IniFile::Value &value) {
+        const std::string name = fmt::format("{}/{}", value.section, value.key);
+        const bool isAsked = key.empty() || equalsNoCase(key, value.key) || equalsNoCase(key, name);
+        return !isAsked || !settingsNamed(name).empty();
+    });
+    return own;
 }
 
 void listSettings(Session &session, const std::string &key, Format format) {
     std::vector<const SettingFacts *> chosen;
+    const std::vector<IniFile::Value> own = ownSettings(session.program, key);
     if (key.empty()) {
         for (const SettingFacts &facts : settingsTable())
             chosen.push_back(&facts);
     } else {
-        chosen = settingsOfName(key);
+        chosen = own.empty() ? settingsOfName(key) : settingsNamed(key);
     }
-    const auto writer = makeRowWriter(format, session.out,
-                                      {"Section", "Key", "Value", "Default", "What it changes"});
+    const auto writer = newWriter(session, format);
     for (const SettingFacts *facts : chosen)
         writer->row({facts->section, facts->key, valueOf(session.program, *facts),
                      defaultOf(session.program, *facts), facts->what});
+    for (const IniFile::Value &value : own)
+        writer->row({value.section, value.key, value.text, "", kOwnValue});
     writer->finish();
 }
 
@@ -83,25 +117,32 @@ std::string defaultInProject(const Program &program, std::string_view name) {
 void listProject(Session &session, const OptionsArguments &arguments, Format format) {
     const auto database = openReadOnly(arguments.project);
     const ProjectFields fields(*database, session.program.log);
-    const ProjectValueFacts *only =
-        arguments.key.empty() ? nullptr : &oneProjectValue(arguments.key);
-    const auto writer = makeRowWriter(format, session.out,
-                                      {"Section", "Key", "Value", "Default", "What it changes"});
-    for (const ProjectValueFacts &facts : projectValueTable()) {
-        if (!only || only == &facts)
-            writer->row({"PROJECT", facts.name, fields.GetDefault(facts.name),
-                         defaultInProject(session.program, facts.name), facts.what});
+    std::vector<std::string> names;
+    for (const ProjectValueFacts &facts : projectValueTable())
+        names.emplace_back(facts.name);
+    for (const std::string &name : fields.defaultNames())
+        if (!projectValueNamed(name))
+            names.push_back(name);
+    const std::vector<std::string> all = names;
+    if (!arguments.key.empty())
+        std::erase_if(names, [&](const auto &name) { return !equalsNoCase(name, arguments.key); });
+    if (names.empty())
+        refuseName(arguments.key, all);
+    const auto writer = newWriter(session, format);
+    for (const std::string &name : names) {
+        const ProjectValueFacts *facts = projectValueNamed(name);
+        writer->row({"PROJECT", name, fields.GetDefault(name),
+                     facts ? defaultInProject(session.program, name) : std::string(),
+                     facts ? facts->what : kOwnValue});
     }
     writer->finish();
 }
 
 /// What the value of a project is checked as.
 SettingFacts factsOf(const ProjectValueFacts &value) {
-    if (value.name == "RootPath")
-        return {"PROJECT", value.name, SettingKind::baseFolder, "", 0, 0, ""};
-    if (value.name == "LastTimeZoneID")
-        return {"PROJECT", value.name, SettingKind::zone, "", 0, 0, ""};
-    return *settingsNamed(value.name).front();
+    const bool isRoot = value.name == "RootPath";
+    return {"PROJECT", value.name, isRoot ? SettingKind::baseFolder : SettingKind::zone, "", 0,
+            0,         ""};
 }
 
 std::string checked(Program &program, const SettingFacts &facts, const std::string &value) {
@@ -115,9 +156,7 @@ std::string checked(Program &program, const SettingFacts &facts, const std::stri
 }
 
 void setInProject(Session &session, const OptionsArguments &arguments) {
-    const ProjectValueFacts &facts = oneProjectValue(arguments.key);
-    if (!facts.settable)
-        throw UsageError(fmt::format("{} is written by the program itself", facts.name));
+    const ProjectValueFacts &facts = settableInProject(arguments.key);
     const std::string value = checked(session.program, factsOf(facts), arguments.value);
     session.open(arguments.project);
     storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes);

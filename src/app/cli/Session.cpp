@@ -8,7 +8,6 @@
 
 #include <fmt/format.h>
 
-#include <cstdlib>
 #include <unistd.h>
 
 namespace nv::cli {
@@ -31,17 +30,15 @@ Session::Session(const std::string &executable, std::string_view command, std::o
 }
 
 Session::~Session() {
-    if (m_scratch.empty())
-        return;
-    std::error_code ignored;
-    std::filesystem::remove_all(m_scratch, ignored);
+    for (const auto &folder : program.scratch)
+        folder->remove();
 }
 
-void Session::open(const std::filesystem::path &project, Access access) {
+void Session::open(const std::filesystem::path &project, Access access, Holding holding) {
     if (!isProjectName(project))
         throw StorageFailure(
             fmt::format("\"{}\": {}", textOf(project), messages::notAProjectFile().text));
-    openProject(program, project, access);
+    openProject(program, project, access, holding);
     if (isOlderProject(program))
         err << fmt::format("This project file was made with an earlier build of Norvelane: the "
                            "command `upgrade {}` compares it with this one's.\n",
@@ -52,7 +49,7 @@ bool Session::openForNote(const std::filesystem::path &project) {
     const auto folder = std::filesystem::absolute(project).parent_path();
     const bool writable =
         ::access(project.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
-    open(project, writable ? Access::write : Access::read);
+    open(project, writable ? Access::write : Access::read, Holding::no);
     if (!writable)
         err << "the project can't be written: its trail has no note of this\n";
     return writable;
@@ -65,14 +62,9 @@ void Session::flushOutput() {
 }
 
 const std::filesystem::path &Session::scratch() {
-    if (m_scratch.empty()) {
-        std::string name = (program.thisClass.TempFolderPath / "cli-XXXXXX").string();
-        if (!::mkdtemp(name.data()))
-            throw StorageFailure(fmt::format("no scratch folder can be made in \"{}\"",
-                                             textOf(program.thisClass.TempFolderPath)));
-        m_scratch = name;
-    }
-    return m_scratch;
+    if (program.thisClass.TempFolderPath.empty())
+        takeTempFolder(program, program.thisClass.TempFolderRoot);
+    return program.thisClass.TempFolderPath;
 }
 
 } // namespace nv::cli

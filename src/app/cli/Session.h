@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Program.h"
+#include "app/Project.h"
 #include "app/cli/TerminalTask.h"
 #include "platform/posix/PosixSystemTime.h"
 #include "platform/posix/SysfsNetwork.h"
@@ -49,8 +49,9 @@ class Session {
     Session &operator=(const Session &) = delete;
 
     /// Throws StorageFailure when `project` has not the extension of projects, isn't there, or
-    /// can't be opened.
-    void open(const std::filesystem::path &project, Access access = Access::write);
+    /// can't be opened, or when a window has it open and the command would write.
+    void open(const std::filesystem::path &project, Access access = Access::write,
+              Holding holding = Holding::yes);
     /// The same for commands that only look: no byte of the project changes.
     void openForReading(const std::filesystem::path &project) { open(project, Access::read); }
     /// For commands whose only trace in the project is a note in its trail: on a medium that can't
@@ -70,7 +71,6 @@ class Session {
     SystemClock m_clock;
     PosixSystemTime m_systemTime;
     SysfsNetwork m_network;
-    std::filesystem::path m_scratch;
 
   public:
     Program program;

@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include <optional>
+
 namespace nv::cli {
 
 namespace {
@@ -56,6 +58,9 @@ Exit upgradeCommand(Session &session, const UpgradeArguments &arguments, Format 
         throw StorageFailure(
             fmt::format("\"{}\": {}", arguments.project, messages::notAProjectFile().text));
     Program &program = session.program;
+    std::optional<ProjectHold> hold;
+    if (arguments.fix && std::filesystem::exists(arguments.project))
+        hold.emplace(arguments.project, program.front, program.around.clock);
     ProjectUpgrade upgrade({arguments.project, session.scratch(), program.paths.keywords()},
                            buildOf(program), program.log, program.around.clock);
     SchemaScan scan = upgrade.scan(session.task);

@@ -59,7 +59,7 @@ void GalleryPart::takeOptions() {
 }
 
 void GalleryPart::makeThumbnailsOfAll() {
-    if (!m_bench.isProjectOpen())
+    if (!m_bench.isProjectOpen() || !m_bench.mayWrite())
         return;
     Program &program = m_bench.program;
     ThumbnailTotals totals;

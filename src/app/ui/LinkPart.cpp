@@ -15,7 +15,10 @@ LinkPart::LinkPart(Workbench &bench) : m_bench(bench) {
     bench.viewers->addPane(*pane, *pane, tr("Links"), "MainForm.LoadLinks()");
     connect(bench.actions.linkAnalysis, &QAction::triggered, this,
             [this] { m_bench.run("MainForm.RunLinkAnalysis()", [this] { analyse(); }); });
-    connect(pane, &LinksPane::analysisWanted, bench.actions.linkAnalysis, &QAction::trigger);
+    connect(pane, &LinksPane::analysisWanted, this, [this] {
+        if (m_bench.mayWrite())
+            m_bench.actions.linkAnalysis->trigger();
+    });
     connect(pane, &LinksPane::recordWanted, this, [this](qint64 id) { goTo(UrlId{id}); });
 }
 

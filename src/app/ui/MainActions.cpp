@@ -67,6 +67,7 @@ MainActions::MainActions(QObject *o)
       openReportFolder(make(o, "actOpenReportFolder", tr("Open Report &Folder"), "folder")),
       upgradeWizard(make(o, "actUpgradeWizard", tr("&Upgrade Wizard..."), "upgrade")),
       errorLog(make(o, "actErrorLog", tr("&Error Log..."), "text")),
+      guide(make(o, "actGuide", tr("User's &Guide"), "help", QKeySequence::HelpContents)),
       tips(make(o, "actTips", tr("&Tip of the Day..."), "tip")),
       about(make(o, "actAbout", tr("&About Norvelane"), "norvelane-logo")) {
     describe();
@@ -112,17 +113,22 @@ void MainActions::describe() const {
     openReportFolder->setToolTip(tr("Open the folder of the last report"));
     upgradeWizard->setToolTip(tr("Bring a project of an earlier version up to date"));
     errorLog->setToolTip(tr("What went wrong since the start of the program"));
+    guide->setToolTip(tr("How to work with the program, and what its figures mean"));
     tips->setToolTip(tr("Hints on working with the program"));
     about->setToolTip(tr("Version and licence of the program"));
 }
 
-void MainActions::setProjectOpen(bool open) {
+void MainActions::setProjectOpen(bool open, bool readOnly) {
     for (QAction *action :
          {saveAs,       closeProject,  copyCell,  copyRows,    selectAll,    find,
           findNext,     tag,           rebuild,   rebuildPage, linkAnalysis, columns,
           refresh,      baseFolder,    timeZone,  caseTrail,   filters,      hosts,
           createReport, publishReport, exportRows})
         action->setEnabled(open);
+    for (QAction *action : {import, upgradeWizard})
+        action->setEnabled(!readOnly);
+    for (QAction *action : {saveAs, tag, rebuild, linkAnalysis, baseFolder})
+        action->setEnabled(open && !readOnly);
 }
 
 } // namespace nv

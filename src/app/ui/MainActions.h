@@ -41,11 +41,12 @@ struct MainActions {
     QAction *openReportFolder; ///< enabled by the first report
     QAction *upgradeWizard;
     QAction *errorLog;
+    QAction *guide;
     QAction *tips;
     QAction *about;
 
-    /// What makes sense only with a project.
-    void setProjectOpen(bool open);
+    /// What makes sense only with a project, and only with one that may be written.
+    void setProjectOpen(bool open, bool readOnly);
 
   private:
     void describe() const;

@@ -80,6 +80,8 @@ void MainForm::saveAs() {
 }
 
 void MainForm::import(const fs::path &start) {
+    if (!m_bench->mayWrite())
+        return;
     if (!isProjectOpen())
         newProject();
     if (!isProjectOpen())
@@ -185,6 +187,8 @@ void MainForm::restoreLayout() {
     emit m_bench->projectOpened();
     showQuickQueries();
     showProjectState();
+    if (m_program.thisClass.ProjectDB.isReadOnly())
+        showNotice(tr("Open for reading only: nothing is written to the project."));
 }
 
 /// Comes before the connection goes, so the table lets go of it too.
@@ -193,6 +197,8 @@ void MainForm::saveLayout() {
     ProjectFields fields(project, m_program.log);
     m_table->closeProject();
     emit m_bench->projectClosing();
+    if (m_program.thisClass.ProjectDB.isReadOnly())
+        return;
     WriteBatch batch(project);
     m_table->grid().tableLayout().save([&fields](std::string_view name, std::string_view value) {
         fields.SaveDefaultSetting(name, value);

@@ -4,6 +4,7 @@
 #include "app/ui/ExportPart.h"
 #include "app/ui/FiltersPart.h"
 #include "app/ui/GalleryPart.h"
+#include "app/ui/GuidePart.h"
 #include "app/ui/HostsPart.h"
 #include "app/ui/LinkPart.h"
 #include "app/ui/MainForm.h"
@@ -120,6 +121,7 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
     m_parts.push_back(std::make_unique<ExportPart>(*m_bench));
     m_parts.push_back(std::make_unique<RowMenuPart>(*m_bench));
+    m_parts.push_back(std::make_unique<GuidePart>(*m_bench));
 }
 
 void MainForm::showUpgradeWizard(const std::filesystem::path &project) {
@@ -187,6 +189,7 @@ void MainForm::connectOtherActions() {
         showNotice({});
         m_viewers->setRecord(m_table->grid().currentUrl());
     });
+    connect(m_table, &TableTab::tickingRefused, this, [this] { m_bench->mayWrite(); });
     connect(m_table, &TableTab::importRequested, m_actions.import, &QAction::trigger);
 }
 
@@ -232,7 +235,7 @@ void MainForm::showStatus() {
 void MainForm::showProjectState() {
     const bool open = isProjectOpen();
     m_pages->setCurrentIndex(open ? 1 : 0);
-    m_actions.setProjectOpen(open);
+    m_actions.setProjectOpen(open, m_program.thisClass.ProjectDB.isReadOnly());
     m_menus.setProjectOpen(open);
     showStatusParts();
     if (open)

@@ -99,7 +99,7 @@ void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     tools->addSeparator();
     tools->addActions({actions.upgradeWizard, actions.errorLog});
     QMenu *help = named(m_window.menuBar()->addMenu(tr("&Help")), "menuHelp");
-    help->addActions({actions.tips, actions.about});
+    help->addActions({actions.guide, actions.tips, actions.about});
 }
 
 void MainMenus::buildToolBar(const MainActions &actions) {

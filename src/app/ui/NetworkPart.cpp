@@ -1,6 +1,6 @@
 #include "app/ui/NetworkPart.h"
 
-#include "app/Messages.h"
+#include "app/NetworkMessages.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 
@@ -20,8 +20,11 @@ NetworkPart::NetworkPart(Workbench &bench) : m_bench(bench) {
 void NetworkPart::toggle() {
     Program &program = m_bench.program;
     const bool isUp = NetworkConnectionStatus(program) == "ENABLED";
-    const bool done = ToggleNetworkConnection(
-        program, isUp ? ConnectionState::disabled : ConnectionState::enabled, Quiet::no);
+    const ConnectionState wanted = isUp ? ConnectionState::disabled : ConnectionState::enabled;
+    const std::string &name = program.thisClass.NetworkConnectionName;
+    if (m_bench.examiner().ask(messages::switchNetwork(wanted, name)) != Answer::Yes)
+        return;
+    const bool done = ToggleNetworkConnection(program, wanted, Quiet::no);
     if (done && isUp)
         m_bench.examiner().tell(messages::networkDisabled());
     showState();

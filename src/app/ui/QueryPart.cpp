@@ -39,6 +39,8 @@ QueryPart::QueryPart(Workbench &bench)
     });
     connect(bench.table, &TableTab::statusChanged, this, &QueryPart::followTable);
     connect(bench.table, &TableTab::sortedBy, this, [this](SortChoice choice) {
+        if (m_bench.program.thisClass.ProjectDB.isReadOnly())
+            return; // the order isn't kept
         m_commands->takeStatement(kSortChoices.at(static_cast<std::size_t>(choice)).query);
         m_bench.table->showQuery({});
     });
@@ -101,12 +103,12 @@ void QueryPart::open() {
                              kContactSupport, std::vector<QueryField>(),
                              [this] { return queryFields(m_bench.project()); }));
     m_commands->start();
-    m_actions.setProjectOpen(true);
+    m_actions.setProjectOpen(true, program.thisClass.ProjectDB.isReadOnly());
 }
 
 void QueryPart::close() {
     m_commands.reset();
-    m_actions.setProjectOpen(false);
+    m_actions.setProjectOpen(false, false);
     m_tab->setFields({});
     m_tab->setQueries({}, {});
     m_tab->setStatement({});

@@ -70,6 +70,8 @@ void RebuildPart::RebuildTaggedPages(const std::vector<std::int64_t> &ids) {
 }
 
 void RebuildPart::rebuildOne(std::int64_t id) {
+    if (!m_bench.mayWrite())
+        return;
     Program &program = m_bench.program;
     RebuildReport report;
     report.asked = 1;

@@ -19,7 +19,7 @@ class RebuildPart final : public QObject {
   public:
     explicit RebuildPart(Workbench &bench);
 
-    /// Parts of rebuilt pages are what ids above 32,767 can't be by default, so it is told, once a
+    /// With the switch off, parts of rebuilt pages can't have ids above 32,767: it is told, once a
     /// session, when a project has some.
     void tellOfWideIds();
 

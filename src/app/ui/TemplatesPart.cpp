@@ -74,6 +74,8 @@ void TemplatesPart::CreateTemplate() {
 }
 
 void TemplatesPart::RebuildFromTemplates() {
+    if (!m_bench.mayWrite())
+        return;
     const std::vector<std::filesystem::path> templates = m_tab->chosen();
     for (const std::filesystem::path &file : templates)
         if (!isTemplateThere(m_bench.program, file))

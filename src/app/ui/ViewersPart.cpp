@@ -99,6 +99,8 @@ void ViewersPart::addNotes() {
          [&bench](Date date) { return utcProperty(date, dateSettings(bench.program)); },
          [&bench](const Message &message) { bench.examiner().tell(message); }});
     bench.viewers->addPane(*m_notes, *m_notes, tr("Notes"), "MainForm.NotesText_Validate()");
+    connect(&bench, &Workbench::projectOpened, m_notes,
+            [this] { m_notes->setReadOnly(m_bench.program.thisClass.ProjectDB.isReadOnly()); });
     connect(&bench, &Workbench::projectClosing, m_notes, [this] {
         if (m_bench.isProjectOpen())
             m_notes->clear();

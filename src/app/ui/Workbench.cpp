@@ -1,6 +1,15 @@
 #include "app/ui/Workbench.h"
 
+#include "app/Messages.h"
+
 namespace nv {
+
+bool Workbench::mayWrite() const {
+    const bool may = !program.thisClass.ProjectDB.isReadOnly();
+    if (!may)
+        examiner().tell(messages::readingOnly());
+    return may;
+}
 
 void Workbench::refreshRows() const {
     table->refreshRows();

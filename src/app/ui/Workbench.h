@@ -37,6 +37,8 @@ class Workbench final : public QObject {
 
     Examiner &examiner() const { return program.around.examiner; }
     bool isProjectOpen() const { return program.thisClass.ProjectDB.isOpen(); }
+    /// False, and told, while the project is open for reading only.
+    bool mayWrite() const;
     /// Of an open project only.
     SQLite::Database &project() const { return program.thisClass.ProjectDB.connection(); }
     /// A text in the status bar until the examiner goes to another row.

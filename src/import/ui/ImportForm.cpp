@@ -4,6 +4,8 @@
 #include "app/ImportJob.h"
 #include "app/ImportText.h"
 #include "app/Messages.h"
+#include "app/NetworkMessages.h"
+#include "app/NetworkSwitch.h"
 #include "app/Project.h"
 #include "base/Files.h"
 #include "base/Trap.h"
@@ -152,10 +154,17 @@ void ImportForm::showScan(const ScanResult &result) {
     }
 }
 
+/// A connection that can't be disabled leaves the examiner in the wizard, to decide anew.
 bool ImportForm::goesOnDespiteNetwork() {
-    const std::string &name = m_program.thisClass.NetworkConnectionName;
-    return m_program.around.network.NetworkConnectionStatus(name) != "ENABLED" ||
-           m_program.around.examiner.ask(messages::networkDetected()) == Answer::Yes;
+    if (NetworkConnectionStatus(m_program) != "ENABLED")
+        return true;
+    const Answer answer = m_program.around.examiner.ask(messages::networkDetected());
+    if (answer != Answer::Yes)
+        return answer == Answer::No;
+    const bool done = ToggleNetworkConnection(m_program, ConnectionState::disabled, Quiet::no);
+    if (done)
+        m_program.around.examiner.tell(messages::networkDisabled());
+    return done;
 }
 
 /// A project keeps the base folder of its first import, since its rows are found by it, until

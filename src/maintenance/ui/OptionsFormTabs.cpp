@@ -89,8 +89,8 @@ QWidget *OptionsForm::newPaths() {
     if (auto *browse = tab->findChild<QPushButton *>(QStringLiteral("btnPath1")))
         browse->setEnabled(isNew || open);
     form->addRow(newHint(tr("The Temp folder holds until the program ends; at each start it is "
-                            "TempFolderPath of the section [DEFAULT] of the settings file, and is "
-                            "emptied.")));
+                            "TempFolderPath of the section [DEFAULT] of the settings file. Each "
+                            "run works in a folder of its own in there.")));
     return tab;
 }
 

@@ -1,5 +1,6 @@
 #include "views/ui/GalleryModel.h"
 
+#include "db/ReadOnlyConnection.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
 #include "views/Tagging.h"
@@ -75,7 +76,7 @@ QVariant GalleryModel::data(const QModelIndex &index, int role) const {
 }
 
 bool GalleryModel::setData(const QModelIndex &index, const QVariant &value, int role) {
-    if (role != Qt::CheckStateRole || !index.isValid() || !m_project)
+    if (role != Qt::CheckStateRole || !index.isValid() || !m_project || isReadOnly(*m_project))
         return false;
     TileClass &changed = tile(index);
     const bool wanted = value.toInt() == Qt::Checked;
@@ -88,8 +89,11 @@ bool GalleryModel::setData(const QModelIndex &index, const QVariant &value, int 
 }
 
 Qt::ItemFlags GalleryModel::flags(const QModelIndex &index) const {
-    return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable
-                           : Qt::NoItemFlags;
+    if (!index.isValid())
+        return Qt::NoItemFlags;
+    const bool ticks = m_project && !isReadOnly(*m_project);
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable |
+           (ticks ? Qt::ItemIsUserCheckable : Qt::NoItemFlags);
 }
 
 QPixmap GalleryModel::thumbnail(std::int32_t id) const {

@@ -15,8 +15,7 @@ NotesPane::NotesPane(Storage storage, QWidget *parent)
     m_text = new QPlainTextEdit;
     m_text->setObjectName(QStringLiteral("NotesText"));
     m_text->setAccessibleName(tr("Note of this record"));
-    m_text->setPlaceholderText(
-        tr("Your note of this record. It is stored when you leave the box."));
+    setReadOnly(false);
     m_text->setTabChangesFocus(true);
     m_text->setFrameShape(QFrame::NoFrame);
     m_text->installEventFilter(this);
@@ -93,6 +92,13 @@ bool NotesPane::eventFilter(QObject *watched, QEvent *event) {
     if (watched == m_text && event->type() == QEvent::FocusOut)
         NotesText_Validate();
     return QWidget::eventFilter(watched, event);
+}
+
+void NotesPane::setReadOnly(bool readOnly) {
+    m_text->setReadOnly(readOnly);
+    m_text->setPlaceholderText(
+        readOnly ? tr("The project is open for reading only: no note can be written.")
+                 : tr("Your note of this record. It is stored when you leave the box."));
 }
 
 void NotesPane::forgetUnstored() {

@@ -34,6 +34,8 @@ class NotesPane final : public QWidget, public RecordPane {
     void NotesText_Validate();
     /// The records to come are those of another project.
     void forgetUnstored();
+    /// Notes are shown and can't be changed.
+    void setReadOnly(bool readOnly);
 
   protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

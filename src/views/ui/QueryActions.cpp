@@ -63,12 +63,15 @@ QueryActions::QueryActions(QObject *o)
                          {},
                          "star"})) {
     favorites->setIconText(tr("Favorites"));
-    setProjectOpen(false);
+    setProjectOpen(false, false);
 }
 
-void QueryActions::setProjectOpen(bool open) {
-    for (QAction *action : {show, validate, apply, undo, reset, save, remove, builder})
+/// What is put in force is kept in the project, as its query "_DEFAULT".
+void QueryActions::setProjectOpen(bool open, bool readOnly) {
+    for (QAction *action : {show, validate})
         action->setEnabled(open);
+    for (QAction *action : {apply, undo, reset, save, remove, builder})
+        action->setEnabled(open && !readOnly);
 }
 
 } // namespace nv

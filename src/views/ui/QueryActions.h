@@ -20,7 +20,7 @@ struct QueryActions {
     QAction *builder;
     QAction *favorites;
 
-    void setProjectOpen(bool open);
+    void setProjectOpen(bool open, bool readOnly);
 };
 
 } // namespace nv

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/ReadOnlyConnection.h"
 #include "platform/qt/QtText.h"
 #include "views/ui/ColumnsForm.h"
 #include "views/ui/EmptyPage.h"
@@ -251,6 +252,10 @@ void TableTab::noteTick(qint64 URL_ID, bool tagged) {
 }
 
 void TableTab::flipTags() {
+    if (m_project && isReadOnly(*m_project)) {
+        emit tickingRefused();
+        return;
+    }
     if (m_grid->selectedRowCount() > 1) {
         m_runTask({"TAGGING URLS", "", "", ""},
                   [this](TaskMonitor &task) { m_grid->flipSelectedTags(task); });

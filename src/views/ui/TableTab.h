@@ -76,6 +76,8 @@ class TableTab final : public QWidget {
     void currentUrlChanged();
     /// An entry of the `Sort By` menu has taken effect.
     void sortedBy(nv::SortChoice choice);
+    /// A tick was to be set in a project that is open for reading only.
+    void tickingRefused();
     void importRequested();
     void filtersRequested();
     /// Comes before the load when the examiner has changed the box.

@@ -32,11 +32,13 @@ TEST_F(NetworkSwitchTest, aMissingFolderOrItemIsTold) {
     const bool before = program->thisClass.ConnectionOffline;
     examiner.expect("connection-not-found");
     EXPECT_FALSE(toggle(ConnectionState::enabled));
-    EXPECT_EQ(examiner.heard.back().text, "Couldn't find 'Network Connections' folder");
+    EXPECT_THAT(examiner.heard.back().text,
+                testing::HasSubstr("NetworkManager doesn't run on this computer"));
     network.answer = Switched::noItem;
     examiner.expect("connection-not-found");
     EXPECT_FALSE(toggle(ConnectionState::enabled));
-    EXPECT_EQ(examiner.heard.back().text, "Couldn't find 'Local Area Connection' item");
+    EXPECT_TRUE(
+        examiner.heard.back().text.starts_with("Couldn't find 'Local Area Connection' item"));
     EXPECT_FALSE(toggle(ConnectionState::enabled, Quiet::yes));
     EXPECT_EQ(program->thisClass.ConnectionOffline, before);
 }

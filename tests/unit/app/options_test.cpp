@@ -96,7 +96,7 @@ TEST_F(OptionsTest, wrongFoldersAreRefusedBehindTheZone) {
     EXPECT_EQ(state().GMTZone.tzTimeZoneID, 20) << "the zone was applied";
     EXPECT_EQ(inProject("TimeZoneID"), "20");
     EXPECT_EQ(inProject("DateFormat"), "") << "the last step wasn't reached";
-    options.TempFolderPath = state().TempFolderPath;
+    options.TempFolderPath = state().TempFolderRoot;
     options.RootPath = folder.path() / "none";
     examiner.expect("invalid-base-folder");
     EXPECT_EQ(applyOptions(*program, options).focus, OptionsField::base);
@@ -122,7 +122,8 @@ TEST_F(OptionsTest, theChosenTempFolderHoldsForTheRunAndOverProjects) {
     Options options = shown();
     options.TempFolderPath = folder.path() / "scratch";
     ASSERT_TRUE(apply(options));
-    EXPECT_EQ(state().TempFolderPath, folder.path() / "scratch");
+    EXPECT_EQ(state().TempFolderRoot, folder.path() / "scratch");
+    EXPECT_EQ(state().TempFolderPath.parent_path(), folder.path() / "scratch");
     EXPECT_EQ(tempFolderFrom(*program), folder.path() / "scratch");
     EXPECT_EQ(ini("FILE PATHS", "TempFolder"), (folder.path() / "scratch").string());
     EXPECT_EQ(ini("DEFAULT", "TempFolderPath"), "(none)");

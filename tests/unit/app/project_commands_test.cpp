@@ -2,6 +2,7 @@
 #include "app/ImportJob.h"
 #include "app/Project.h"
 #include "app/ProjectCommands.h"
+#include "app/ProjectOptions.h"
 #include "app/RecentFiles.h"
 #include "app/TempFolder.h"
 #include "app/Trail.h"
@@ -11,6 +12,8 @@
 #include "support/builders/IndexDat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+
+#include <unistd.h>
 
 namespace nv {
 namespace {
@@ -112,6 +115,16 @@ TEST_F(ProjectCommandsTest, closingKeepsTheZoneAndResetsTheDefaultQuery) {
     EXPECT_TRUE(examiner.heard.empty()) << "the query is as it was first";
 }
 
+TEST_F(ProjectCommandsTest, closingResetsThePardRange) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    PARDClass &PARD = program->thisClass.PARD;
+    PARD.FromValue = 1;
+    PARD.ToValue = 99;
+    commands.CloseFile();
+    EXPECT_EQ(PARD.FromValue, 15);
+    EXPECT_EQ(PARD.ToValue, 40);
+}
+
 TEST_F(ProjectCommandsTest, aChangedDefaultQueryIsTold) {
     commands.OpenFile(path, OpenMode::newAtPath);
     StoredQueries queries(db().connection());
@@ -138,9 +151,14 @@ TEST_F(ProjectCommandsTest, aMissingZoneDatabaseIsToldAndTheProjectOpens) {
     commands.OpenFile(path, OpenMode::newAtPath);
     commands.CloseFile();
     fs::remove(paths.zones());
+    writeWhole(paths.home / "error.log", "of before");
     examiner.expect("zone-not-set");
     EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
     EXPECT_EQ(examiner.heard.at(0).title, "Error Setting Time Zone");
+    const Bytes log = readWhole(paths.home / "error.log");
+    const std::string_view text = ByteView(log).raw();
+    EXPECT_EQ(text.find("of before"), std::string_view::npos);
+    EXPECT_NE(text.find("Function:"), std::string_view::npos) << "the log tells of the zone";
 }
 
 TEST_F(ProjectCommandsTest, aProjectThatIsOpenedWithoutItsZoneKeepsTheNumber) {
@@ -308,6 +326,25 @@ TEST_F(ProjectCommandsTest, theCommandLineTakesOneProjectOrArtefact) {
     EXPECT_EQ(window.loaded, 1);
 }
 
+TEST_F(ProjectCommandsTest, anArtefactThatCantBeRegisteredIsTold) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    db().connection().exec("ALTER TABLE SourceFiles RENAME TO Elsewhere");
+    test::IndexDat index;
+    index.add({.url = "Visited: mara@http://host.example/"});
+    program->import.HistoryFiles.Add(
+        artefactOfCommandLine(folder.write("index.dat", index.bytes())).value());
+    examiner.expect("logging-file-failed");
+    Unwatched nobody;
+    const ImportSummary summary = runImportJob(*program, nobody, program->thisClass.TempFolderPath);
+    EXPECT_EQ(summary.failure, "");
+    ASSERT_EQ(summary.artefacts.size(), 1u);
+    EXPECT_EQ(summary.artefacts[0].state, ArtefactState::failed) << summary.artefacts[0].reason;
+    ASSERT_EQ(examiner.heard.size(), 1u);
+    EXPECT_EQ(examiner.heard.at(0).title, "Error Logging File");
+    EXPECT_NE(examiner.heard.at(0).text.find("index.dat"), std::string::npos);
+    EXPECT_EQ(rows(), 0);
+}
+
 TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineGoesIntoTheScratchProject) {
     test::IndexDat index;
     test::IndexRecord record;
@@ -361,6 +398,80 @@ TEST_F(ProjectCommandsTest, aBaseFolderWhoseNameIsNoUtf8IsFoundAgain) {
     commands.CloseFile();
     commands.OpenFile(path, OpenMode::existing);
     EXPECT_EQ(program->thisClass.RootPath, base);
+}
+
+/// Another window has the project.
+struct ProjectInUseTest : ProjectCommandsTest {
+    ProjectInUseTest() {
+        commands.OpenFile(path, OpenMode::newAtPath);
+        db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
+        set("AppMinor", "0");
+        commands.CloseFile();
+        program->thisClass.DisableFileVersionCheck = true;
+        other = std::make_unique<ProjectHold>(path, Front::window, clock);
+    }
+    std::unique_ptr<ProjectHold> other;
+};
+
+TEST_F(ProjectInUseTest, readingOnlyIsOfferedWithWhoHasIt) {
+    const std::string who = holderOf(path, Front::window).value();
+    examiner.expect("project-in-use", Answer::No);
+    EXPECT_FALSE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_NE(examiner.heard.at(0).text.find(who), std::string::npos);
+    EXPECT_NE(examiner.heard.at(0).text.find(path.string()), std::string::npos);
+    EXPECT_FALSE(db().isOpen());
+    other.reset();
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing)) << "and without a question";
+    EXPECT_FALSE(db().isReadOnly());
+}
+
+TEST_F(ProjectInUseTest, readingOnlyWritesNothing) {
+    const Bytes before = readWhole(path);
+    examiner.expect("project-in-use", Answer::Yes);
+    ASSERT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_TRUE(db().isReadOnly());
+    EXPECT_EQ(rows(), 1);
+    EXPECT_TRUE(window.caption.ends_with("(reading only)"));
+    ASSERT_TRUE(setZone(*program, 20));
+    setRootPath(*program, folder.path());
+    storeProjectValues(*program, projectValuesInForce(*program), TrailNote::yes);
+    noteInTrail(*program, {});
+    dialogs.answer = folder.path() / "copy.nvp";
+    EXPECT_FALSE(commands.SaveAs());
+    commands.CloseFile();
+    EXPECT_TRUE(readWhole(path) == before);
+    EXPECT_FALSE(fs::exists(paths.home / "error.log")) << "and nothing has failed";
+}
+
+TEST_F(ProjectInUseTest, anOlderProjectThatIsReadOnlyOffersNoUpgrade) {
+    program->thisClass.DisableFileVersionCheck = false;
+    examiner.expect("project-in-use", Answer::Yes);
+    examiner.expect("older-project");
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_TRUE(db().isReadOnly());
+}
+
+TEST_F(ProjectInUseTest, neitherANewProjectNorSaveAsReplacesIt) {
+    EXPECT_THROW(commands.OpenFile(path, OpenMode::newAtPath), StorageFailure);
+    ASSERT_TRUE(commands.OpenFile(folder.path() / "second.nvp", OpenMode::newAtPath));
+    dialogs.answer = path;
+    examiner.expect("save-as-failed");
+    EXPECT_FALSE(commands.SaveAs());
+    EXPECT_EQ(program->thisClass.ProjectDBPath, folder.path() / "second.nvp");
+    other.reset();
+    ASSERT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_EQ(rows(), 1);
+}
+
+TEST_F(ProjectCommandsTest, aWriteProtectedProjectIsOfferedForReading) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "the superuser may write everywhere";
+    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.CloseFile();
+    fs::permissions(path, fs::perms::owner_read);
+    examiner.expect("project-not-writable", Answer::Yes);
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_TRUE(db().isReadOnly());
 }
 
 TEST_F(ProjectCommandsTest, saveAsWritesNothingAmongTheEvidence) {

@@ -58,7 +58,8 @@ TEST_F(SettingsTableTest, valuesAreChecked) {
     EXPECT_NE(check("DateFormat", "yyyy\nmm").refusal, "");
     EXPECT_THAT(check("PublishFolder", "/no/such/folder").refusal, HasSubstr("no such folder"));
     EXPECT_THAT(check("AgencyLogoPath", "/no/such.jpg").refusal, HasSubstr("no such file"));
-    EXPECT_THAT(check("TempFolderPath", folder.path().string()).refusal, HasSubstr("is emptied"));
+    EXPECT_THAT(check("TempFolderPath", folder.path().string()).refusal,
+                HasSubstr("scratch files go there"));
     EXPECT_EQ(check("PublishFolder", "").refusal, "");
 }
 

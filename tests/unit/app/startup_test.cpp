@@ -1,5 +1,8 @@
 #include "ProgramFixture.h"
 #include "app/TempFolder.h"
+#include "base/Files.h"
+
+#include <unistd.h>
 
 namespace nv {
 namespace {
@@ -23,6 +26,7 @@ TEST_F(StartupTest, aMissingSettingsFileGivesTheDefaults) {
     EXPECT_FALSE(state.DisableFileVersionCheck || state.DisableAutoRebuildInHTMLGallery ||
                  state.DebugMain);
     EXPECT_TRUE(program->import.ParseAdvancedMetadata);
+    EXPECT_TRUE(state.WideRecordIds);
     EXPECT_EQ(state.LocalFavoritesPath, paths.home / "favorites.ini");
     EXPECT_EQ(state.CurrentSQLDef, "SELECT * FROM URLs ORDER BY ActionDateLocal ASC");
     EXPECT_FALSE(fs::exists(paths.settings())) << "a start writes no settings";
@@ -37,6 +41,11 @@ TEST_F(StartupTest, twoValuesAreMended) {
     EXPECT_EQ(program->thisClass.ViewerThumbnailWidth, 100);
 }
 
+TEST_F(StartupTest, theLimitOfEarlierBuildsIsASettingAway) {
+    settings("[BEYOND]\nWideRecordIds=False\n");
+    EXPECT_FALSE(start().thisClass.WideRecordIds);
+}
+
 TEST_F(StartupTest, theLogHoldsOnlyTheCurrentRun) {
     folder.write("home/error.log", "old");
     folder.write("home/error-cli.log", "of another program");
@@ -48,21 +57,67 @@ TEST_F(StartupTest, theLogHoldsOnlyTheCurrentRun) {
 TEST_F(StartupTest, theTempFolderIsTheNamedOneWhenItExists) {
     const fs::path named = folder.path() / "scratch";
     settings("[DEFAULT]\nTempFolderPath=" + named.string() + "\n");
-    EXPECT_EQ(start().thisClass.TempFolderPath, paths.home / "Temp");
+    EXPECT_EQ(start().thisClass.TempFolderRoot, paths.home / "Temp");
     fs::create_directories(named);
-    folder.write("scratch/left-over.txt", "x");
-    EXPECT_EQ(start().thisClass.TempFolderPath, named);
-    EXPECT_FALSE(fs::exists(named / "left-over.txt"));
-    EXPECT_TRUE(fs::exists(tempFileNames(named).badUrl));
+    const ThisClass &state = start().thisClass;
+    EXPECT_EQ(state.TempFolderRoot, named);
+    EXPECT_EQ(state.TempFolderPath.parent_path(), named);
+    EXPECT_TRUE(fs::exists(tempFileNames(state.TempFolderPath).badUrl));
 }
 
-TEST_F(StartupTest, aFolderThatHoldsTheProgramIsNeverEmptied) {
+TEST_F(StartupTest, whatTheProgramDidNotMakeInTheTempFolderStays) {
+    const fs::path named = folder.path() / "scratch";
+    settings("[DEFAULT]\nTempFolderPath=" + named.string() + "\n");
+    folder.write("scratch/thesis.odt", "x");
+    folder.write("scratch/0000001.NVR/page.htm", "x");
+    folder.write("scratch/norvelane-window-abc123/notes.txt", "x");
+    start();
+    start();
+    for (const char *kept :
+         {"thesis.odt", "0000001.NVR/page.htm", "norvelane-window-abc123/notes.txt"})
+        EXPECT_TRUE(fs::exists(named / kept)) << kept;
+}
+
+TEST_F(StartupTest, twoWindowsKeepOutOfEachOthersScratch) {
+    const fs::path first = start().thisClass.TempFolderPath;
+    const fs::path report = first / "Report" / "~report.htm";
+    fs::create_directories(report.parent_path());
+    writeWhole(report, "not published yet");
+    const std::unique_ptr<Program> running = std::move(program);
+    const fs::path second = start().thisClass.TempFolderPath;
+    EXPECT_NE(first, second);
+    EXPECT_TRUE(fs::exists(report));
+    EXPECT_NE(tempFileNames(first).project, tempFileNames(second).project);
+}
+
+TEST_F(StartupTest, theScratchOfAWindowThatHasEndedGoesAtTheNextStart) {
+    const fs::path first = start().thisClass.TempFolderPath;
+    program.reset();
+    EXPECT_TRUE(fs::exists(first)) << "a report that isn't published outlives its window";
+    start(Front::headless);
+    takeTempFolder(*program, program->thisClass.TempFolderRoot);
+    EXPECT_TRUE(fs::exists(first)) << "and the command lines behind it";
+    start();
+    EXPECT_FALSE(fs::exists(first));
+}
+
+TEST_F(StartupTest, aTempFolderThatCantBeWrittenToIsNotTaken) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "the superuser may write everywhere";
+    const fs::path named = folder.path() / "scratch";
+    fs::create_directories(named);
+    fs::permissions(named, fs::perms::owner_read | fs::perms::owner_exec);
+    settings("[DEFAULT]\nTempFolderPath=" + named.string() + "\n");
+    EXPECT_EQ(start().thisClass.TempFolderRoot, paths.home / "Temp");
+}
+
+TEST_F(StartupTest, aFolderThatHoldsTheProgramIsNoTempFolder) {
     settings("[DEFAULT]\nTempFolderPath=" + folder.path().string() + "\n");
-    EXPECT_EQ(start().thisClass.TempFolderPath, paths.home / "Temp");
+    EXPECT_EQ(start().thisClass.TempFolderRoot, paths.home / "Temp");
     EXPECT_TRUE(fs::exists(paths.zones()));
 }
 
-TEST_F(StartupTest, aFolderThatHoldsTheSettingsOrTheLogsIsNeverEmptied) {
+TEST_F(StartupTest, aFolderThatHoldsTheSettingsOrTheLogsIsNoTempFolder) {
     paths.config = folder.path() / "user" / "config";
     paths.state = folder.path() / "other" / "state";
     for (const char *named : {"user", "other"}) {
@@ -70,7 +125,7 @@ TEST_F(StartupTest, aFolderThatHoldsTheSettingsOrTheLogsIsNeverEmptied) {
         const fs::path kept = folder.write(fs::path(named) / "kept.txt", "x");
         folder.write("user/config/Norvelane.ini",
                      "[DEFAULT]\nTempFolderPath=" + (folder.path() / named).string() + "\n");
-        EXPECT_EQ(start().thisClass.TempFolderPath, paths.state / "Temp");
+        EXPECT_EQ(start().thisClass.TempFolderRoot, paths.state / "Temp");
         EXPECT_TRUE(fs::exists(kept));
     }
 }
