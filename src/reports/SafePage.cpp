@@ -2,7 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
-#include "import/PageText.h"
+#include "markup/PageText.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
 #include "rebuild/Scripts.h"

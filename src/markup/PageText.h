@@ -20,6 +20,11 @@ struct DecodedPage {
 };
 DecodedPage decodedPage(ByteView bytes, std::string_view httpHeader);
 
+/// The text of a style sheet by CSS Syntax level 3: a byte-order mark, else what the server said,
+/// else "@charset" in the standard's very form, else the page's, else UTF-8. Names that nobody
+/// knows are passed over, and so is UTF-7, which no browser reads.
+DecodedPage decodedStyle(ByteView bytes, std::string_view server, std::string_view page);
+
 /// The charset that the first bytes of a page name in a "meta" tag; empty for none.
 std::string_view charsetOfMeta(std::string_view head);
 
