@@ -220,7 +220,7 @@ ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) {
 }
 
 CardEvidence ReportClass::evidence() const {
-    return {m_ctx, m_folder, DisableScriptTags ? Scripts::remove : Scripts::keep};
+    return {m_ctx, m_folder};
 }
 
 /// The row's card of the batch; one that belongs to none is brought now.

@@ -53,7 +53,6 @@ class ReportClass {
     std::filesystem::path reportFolderPath;
     std::filesystem::path AgencyLogoPath;
     bool IncludeLinkAnalysis = false;
-    bool DisableScriptTags = false;
     std::string OriginalURL;
     std::string RebuiltDateTime;
     std::string PageParentFolderName;

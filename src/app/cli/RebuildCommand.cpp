@@ -8,6 +8,7 @@
 #include "base/Text.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
+#include "reports/SafePage.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -45,7 +46,8 @@ void checkArguments(const RebuildArguments &arguments) {
         throw UsageError("either URL_IDs, --tagged or --all-pages were expected");
 }
 
-/// Copies the page's folder to the examiner's, and empties the one that it was rebuilt in.
+/// Copies the page's folder to the examiner's, in a form that is safe to open, and empties the one
+/// that it was rebuilt in.
 void handOver(const RebuiltPage &page, const fs::path &out) {
     const fs::path target = out / page.folder.filename();
     fs::remove_all(target);
@@ -53,6 +55,7 @@ void handOver(const RebuiltPage &page, const fs::path &out) {
     for (const fs::directory_entry &entry : fs::directory_iterator(page.folder))
         copyToScratch(entry.path(), target / entry.path().filename());
     fs::remove_all(page.folder);
+    guardFolder(target / pageNameOf(UrlId{page.URL_ID}));
 }
 
 struct Totals {
