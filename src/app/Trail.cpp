@@ -4,6 +4,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/ReadOnlyConnection.h"
 #include "db/WriteBatch.h"
 
 #include <fmt/format.h>
@@ -41,6 +42,8 @@ TrailEntry entryOf(const ArtefactResult &artefact) {
 } // namespace
 
 void noteInTrail(Program &program, TrailEntry entry) {
+    if (isReadOnly(program.thisClass.ProjectDB.connection()))
+        return;
     failureOf(program.log, kProcedure, [&] {
         complete(program, entry);
         CaseTrail(program.thisClass.ProjectDB.connection()).add(entry);

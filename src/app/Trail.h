@@ -16,7 +16,7 @@
 namespace nv {
 
 // What the program adds to the case trail of the open project. A failure is logged and costs the
-// entry only: nobody's work stops because of it.
+// entry only: nobody's work stops because of it. A project that is only read gets none.
 
 /// How a task that is noted ended.
 enum class TaskEnd { whole, cancelled };

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <ostream>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -67,6 +68,8 @@ class ReportClass {
     bool IncludeCaseTrail = false; ///< what was done with the project, behind the legend
     std::size_t RecordsFailed = 0; ///< entries that only say so
     std::size_t FilesFailed = 0;   ///< cards without a cached file that could not be read
+    /// The examiner's pictures that a report can't show.
+    std::set<std::filesystem::path> PicturesFailed;
     bool HeaderFailed = false;
     bool FooterFailed = false;
 
@@ -100,9 +103,11 @@ class ReportClass {
     bool step(std::size_t done, std::size_t total, std::int64_t id);
     void take(const URLClass &record, std::size_t index);
     CardEvidence evidence() const;
-    std::string customerOptions() const;
+    std::string customerOptions();
     std::string zoneNote() const;
-    std::string logo() const;
+    std::string logo();
+    /// Empty when it can't be shown, which is noted.
+    std::string ownPicture(const std::filesystem::path &picture, const std::string &name);
 
     const ReportContext &m_ctx;
     ReportFolder m_folder;
