@@ -85,7 +85,7 @@ bool CssWriter::needsGap(CssKind kind, std::string_view text) const {
     switch (m_last) {
     case CssKind::ident:
         return isWordLike || kind == CssKind::openRound || first == '-' ||
-               (first == '+' && (last == 'u' || last == 'U'));
+               (first == '+' && (last == 'u' || last == 'U')) || (first == '>' && last == '-');
     case CssKind::unicodeRange:
         return isWordLike || first == '-' || first == '?' || first == '(' || first == '+';
     case CssKind::atKeyword:

@@ -236,7 +236,7 @@ std::string StyleGuard::item(const CssItem &item, int depth) {
     if (item.kind != CssItem::Kind::qualifiedRule || depth >= kDeepestRule)
         return {};
     const auto front = prelude(item.value);
-    if (!front)
+    if (!front || front->empty())
         return {};
     return *front + " {\n" + items(cssBlock(m_tokens, item.block), depth + 1) + "}\n";
 }

@@ -32,7 +32,7 @@ inline constexpr std::array kHostileWays = {
                R"~(<style>body{background:-webkit-im\61ge-set("@/red.gif" 1x)}</style>)~"},
     HostileWay{
         "cross-fade",
-        R"~(<style>body{background:-webkit-cross-fade(url(@/red.gif),url(@/red.gif),50%)}</style>)~"},
+        R"~(<style>body{background:-webkit-cross-fade(url(@/red.gif),url(@/red.gif),0.5)}</style>)~"},
     HostileWay{"image()", R"~(<style>body{background:image("@/red.gif")}</style>)~"},
     HostileWay{"own property",
                R"~(<style>:root{--a:url(@/red.gif)}body{background:var(--a)}</style>)~"},
@@ -103,7 +103,7 @@ inline constexpr std::array kHostileWays = {
     HostileWay{"page as data", R"~(<iframe src="data:text/html,<img src='@/red.gif'>"></iframe>)~"},
     HostileWay{
         "page as data of 64",
-        R"~(<iframe src="DATA:TEXT/HTML ;charset=utf-8,%3Cstyle%3Ebody{background:url(@/red.gif)}</style>"></iframe>)~"},
+        R"~(<iframe src="DATA:TEXT/HTML ;charset=utf-8,&#37;3Cstyle&#37;3Ebody{background:url(@/red.gif)}</style>"></iframe>)~"},
     HostileWay{
         "svg as data",
         R"~(<iframe src="data:image/svg+xml,<svg xmlns='http://www.w3.org/2000/svg'><image href='@/red.gif'/></svg>"></iframe>)~"},
