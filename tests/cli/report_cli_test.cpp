@@ -75,10 +75,10 @@ TEST_F(ReportCliTest, rowsAreChosenByHostAndFilter) {
               std::string::npos);
     EXPECT_NE(report("tabular", {"--host", "host", "--overwrite"}).out.find("2 rows reported"),
               std::string::npos);
-    const CliResult run = report("tabular", {"--filter", "CacheURLs,Cookies", "--overwrite"});
+    const CliResult run = report("tabular", {"--filter", "CacheURLs,All", "--overwrite"});
     EXPECT_EQ(run.exit, 0) << run.err;
     EXPECT_NE(run.out.find("2 rows reported"), std::string::npos) << run.out;
-    const CliResult none = report("tabular", {"--filter", "HistoryURLs", "--overwrite"});
+    const CliResult none = report("tabular", {"--filter", "HistoryURLs,All", "--overwrite"});
     EXPECT_NE(none.out.find("0 rows reported"), std::string::npos) << none.out << none.err;
     EXPECT_NE(none.err.find("filters hide 2 of 2 rows"), std::string::npos) << none.err;
     EXPECT_EQ(report("tabular", {"--filter", "nothing", "--overwrite"}).exit, 1);
