@@ -143,7 +143,7 @@ DecodedPage decodedPage(ByteView bytes, std::string_view httpHeader) {
     for (const auto &[charset, foundIn] : named)
         if (const Converter converter = pageConverter(charset))
             return {convert(text, converter.get()), toLower(charset), foundIn};
-    return {fromAnsi(text), "windows-1252", "no charset named"};
+    return {fromAnsi(text), "windows-1252", kNoCharset};
 }
 
 DecodedPage decodedStyle(ByteView bytes, std::string_view server, std::string_view page) {
@@ -155,7 +155,7 @@ DecodedPage decodedStyle(ByteView bytes, std::string_view server, std::string_vi
         {trim(server), "HTTP header"},
         {charsetOfStyle(css), "@charset"},
         {page, "page"},
-        {"utf-8", "no charset named"},
+        {"utf-8", kNoCharset},
     }};
     for (const auto &[charset, foundIn] : named)
         if (const Converter converter = startsWithNoCase(charset, "utf-7")
@@ -163,7 +163,7 @@ DecodedPage decodedStyle(ByteView bytes, std::string_view server, std::string_vi
                                             : pageConverter(charset))
             return {convert(css, converter.get()),
                     startsWithNoCase(charset, "utf-16") ? "utf-8" : toLower(charset), foundIn};
-    return {fromAnsi(css), "windows-1252", "no charset named"};
+    return {fromAnsi(css), "windows-1252", kNoCharset};
 }
 
 } // namespace nv

@@ -18,6 +18,8 @@ struct DecodedPage {
     std::string charset;
     std::string_view foundIn; ///< in plain words
 };
+/// Then it was taken for Windows-1252.
+inline constexpr std::string_view kNoCharset = "no charset named";
 DecodedPage decodedPage(ByteView bytes, std::string_view httpHeader);
 
 /// The text of a style sheet by CSS Syntax level 3: a byte-order mark, else what the server said,

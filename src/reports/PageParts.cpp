@@ -3,7 +3,6 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "markup/HtmlDocument.h"
-#include "markup/PageText.h"
 #include "reports/PictureKind.h"
 
 #include <algorithm>
@@ -94,6 +93,14 @@ std::vector<std::string> stylesOf(std::string_view text) {
 
 } // namespace
 
+DecodedPage decodedPart(const Bytes &bytes) {
+    const ByteView view(bytes);
+    DecodedPage decoded = decodedPage(view, {});
+    if (decoded.foundIn == kNoCharset && isUtf8(view.raw()))
+        return {std::string(view.raw()), "utf-8", kNoCharset};
+    return decoded;
+}
+
 PageParts partsBeside(const fs::path &page) {
     PageParts parts;
     for (const fs::directory_entry &entry : fs::directory_iterator(page.parent_path()))
@@ -103,7 +110,7 @@ PageParts partsBeside(const fs::path &page) {
             parts.kinds.emplace(entry.path(), kindOf(entry.path()));
     if (const auto first = parts.kinds.find(page); first != parts.kinds.end()) {
         first->second = PartKind::page;
-        const DecodedPage decoded = decodedPage(ByteView(readWhole(page)), {});
+        const DecodedPage decoded = decodedPart(readWhole(page));
         parts.charset = decoded.charset;
         for (const std::string &name : stylesOf(decoded.text))
             if (const auto found = parts.kinds.find(page.parent_path() / name);

@@ -108,8 +108,7 @@ class HalfGuarded {
 std::string guardedBytes(const Bytes &bytes, PartKind kind, std::string_view charset,
                          const References &references) {
     const auto page = [&](PageForm form) {
-        return std::string(kUtf8Mark) +
-               guardedPage(decodePage(ByteView(bytes), {}), form, references);
+        return std::string(kUtf8Mark) + guardedPage(decodedPart(bytes).text, form, references);
     };
     switch (kind) {
     case PartKind::style:
@@ -119,7 +118,7 @@ std::string guardedBytes(const Bytes &bytes, PartKind kind, std::string_view cha
     case PartKind::svg:
         return page(PageForm::svg);
     case PartKind::xml:
-        return std::string(kUtf8Mark) + textPage(decodePage(ByteView(bytes), {}), PageForm::xhtml);
+        return std::string(kUtf8Mark) + textPage(decodedPart(bytes).text, PageForm::xhtml);
     default:
         return page(PageForm::html);
     }

@@ -256,7 +256,9 @@ TEST(SafePage, pagesOfEachEncodingBecomeUtf8) {
     const auto page = folder.write("0000001.htm", std::string("\xFF\xFE<\0b\0>\0\xE9\0", 10));
     folder.write("0000002.htm", "<meta charset=iso-8859-1>\xE9");
     folder.write("0000003.htm", "<meta charset=utf-7>+ADw-script+AD4-1");
+    folder.write("0000004.htm", "\xC3\xA9");
     guardFolder(page);
+    EXPECT_THAT(bytesOf(folder.path() / "0000004.htm"), HasSubstr("<body>\xC3\xA9</body>"));
     EXPECT_THAT(bytesOf(page),
                 AllOf(StartsWith("\xEF\xBB\xBF<html>"), HasSubstr("<b>\xC3\xA9</b>")));
     EXPECT_THAT(bytesOf(folder.path() / "0000002.htm"), HasSubstr("<body>\xC3\xA9</body>"));
