@@ -17,7 +17,7 @@ from common import ROOT, includes, project_files, read, resolve, without_comment
 
 LAYERS = [
     ("base",),
-    ("time", "platform"),
+    ("time", "platform", "markup"),
     ("db",),
     ("readers",),
     ("import", "rebuild"),

@@ -69,9 +69,7 @@ ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesys
                                                                       program.around.clock,
                                                                       m_drawing.get(),
                                                                       settingsOf(program)},
-      m_folder(folder), report(m_context) {
-    report.DisableScriptTags = program.thisClass.DisableScriptTags;
-}
+      m_folder(folder), report(m_context) {}
 
 bool ReportTools::run(std::span<const std::int32_t> ids) {
     const ReportRows rows = report.IncludeAll ? ReportRows::all : ReportRows::tagged;

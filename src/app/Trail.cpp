@@ -5,6 +5,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/ReadOnlyConnection.h"
 #include "db/WriteBatch.h"
 
 #include <fmt/format.h>
@@ -59,7 +60,7 @@ TrailEntry entryOf(const UnreadPlace &place) {
 } // namespace
 
 void noteInTrail(Program &program, TrailEntry entry) {
-    if (program.thisClass.ProjectDB.isReadOnly())
+    if (isReadOnly(program.thisClass.ProjectDB.connection()))
         return;
     tellWhenMissing(program, failureOf(program.log, kProcedure, [&] {
                         complete(program, entry);

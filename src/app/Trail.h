@@ -16,13 +16,12 @@
 namespace nv {
 
 // What the program adds to the case trail of the open project. A failure is told and costs the
-// entry only: nobody's work stops because of it.
+// entry only: nobody's work stops because of it. A project that is only read gets none.
 
 /// How a task that is noted ended.
 enum class TaskEnd { whole, cancelled, failed };
 
 /// Time and version are filled in.
-/// Nothing is noted in a project that is open for reading only.
 void noteInTrail(Program &program, TrailEntry entry);
 /// The same with a file that the program wrote or read, which is hashed now.
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file);

@@ -2,34 +2,17 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
-#include "import/HtmlCost.h"
-#include "import/PageText.h"
+#include "markup/PageText.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <gumbo.h>
-#include <memory>
-#include <span>
 
 namespace nv {
 
 namespace {
-
-/// As the library counts them: the error texts of a damaged page would take many times its memory.
-GumboOptions parserOptions() {
-    GumboOptions options = kGumboDefaultOptions;
-    options.max_errors = 0;
-    return options;
-}
-
-struct Destroy {
-    void operator()(GumboOutput *output) const {
-        gumbo_destroy_output(&kGumboDefaultOptions, output);
-    }
-};
-using Document = std::unique_ptr<GumboOutput, Destroy>;
 
 // What a browser doesn't show as text.
 constexpr std::array kUnseen = {GUMBO_TAG_SCRIPT,   GUMBO_TAG_STYLE,  GUMBO_TAG_NOSCRIPT,
@@ -60,15 +43,6 @@ constexpr std::array kLinks = {GUMBO_TAG_A, GUMBO_TAG_AREA};
 template <std::size_t Count>
 bool isOneOf(const std::array<GumboTag, Count> &tags, GumboTag tag) {
     return std::ranges::find(tags, tag) != tags.end();
-}
-
-std::span<GumboNode *const> childrenOf(const GumboNode &node) {
-    const GumboVector &children = node.v.element.children;
-    // An element without children has no array either.
-    if (node.type != GUMBO_NODE_ELEMENT || children.length == 0)
-        return {};
-    // The library keeps untyped pointers.
-    return {reinterpret_cast<GumboNode *const *>(children.data), children.length};
 }
 
 /// Text whose white space is drawn together, line by line.
@@ -118,7 +92,7 @@ class BodyWalk {
         enter(body);
         while (!m_path.empty()) {
             Step &step = m_path.back();
-            const auto children = childrenOf(*step.node);
+            const auto children = HtmlDocument::childrenOf(*step.node);
             if (step.next == children.size())
                 leave();
             else
@@ -180,18 +154,14 @@ class BodyWalk {
     std::size_t m_keepsLines = 0;
 };
 
-const GumboNode *bodyOf(const GumboNode *root) {
-    if (root)
-        for (const GumboNode *child : childrenOf(*root))
-            if (child->type == GUMBO_NODE_ELEMENT && child->v.element.tag == GUMBO_TAG_BODY)
-                return child;
+const GumboNode *bodyOf(const HtmlDocument &document) {
+    for (const GumboNode *child : HtmlDocument::childrenOf(document.root()))
+        if (child->type == GUMBO_NODE_ELEMENT && child->v.element.tag == GUMBO_TAG_BODY)
+            return child;
     return nullptr;
 }
 
 } // namespace
-
-PageTooLarge::PageTooLarge(const std::filesystem::path &file, std::string_view why)
-    : std::runtime_error(fmt::format("{} is not read as a page: {}", textOf(file), why)) {}
 
 std::string ReadPageText(const std::filesystem::path &file, std::string_view httpHeader) {
     const FileReader reader(file);
@@ -203,13 +173,9 @@ std::string ReadPageText(const std::filesystem::path &file, std::string_view htt
 }
 
 PageContent ReadPageContent(std::string_view html, const std::filesystem::path &file) {
-    const HtmlLimits limits;
-    if (const std::string beyond = costOf(html, limits).beyond(limits); !beyond.empty())
-        throw PageTooLarge(file, beyond);
-    const GumboOptions options = parserOptions();
-    const Document document(gumbo_parse_with_options(&options, html.data(), html.size()));
+    const HtmlDocument document(html, file);
     BodyWalk walk;
-    if (const GumboNode *body = bodyOf(document->root))
+    if (const GumboNode *body = bodyOf(document))
         walk.run(*body);
     return walk.take();
 }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "markup/HtmlDocument.h"
+
 #include <cstdint>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,12 +13,6 @@ namespace nv {
 /// A cached page larger than this isn't read as a page: those that people wrote stay far below, and
 /// the parser takes many times the memory. In bytes.
 inline constexpr std::uint64_t kPageBytes = std::uint64_t{8} << 20;
-
-/// A page that is beyond a limit; the message names both.
-class PageTooLarge : public std::runtime_error {
-  public:
-    PageTooLarge(const std::filesystem::path &file, std::string_view why);
-};
 
 /// What a browser's document says of a page, in UTF-8.
 struct PageContent {

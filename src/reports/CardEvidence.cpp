@@ -8,6 +8,7 @@
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "reports/PictureKind.h"
+#include "reports/SafePage.h"
 #include "views/TextKind.h"
 #include "views/ThumbnailJobs.h"
 
@@ -78,7 +79,7 @@ bool CardEvidence::bringRebuilt(ReportCard &card, TaskMonitor &task) const {
         UnpackCabinetFile(record, contextFor(m_folder.path, task));
     if (!fs::exists(page))
         return false;
-    guardFolder(page, m_scripts);
+    guardFolder(page);
     card.target = rowFolder(record) + "/" + pageNameOf(record.URLID);
     const fs::path packed = folder / (sidOf(record.URLID) + ".thumbnail.jpg");
     if (fs::exists(packed)) {

@@ -3,7 +3,6 @@
 #include "db/URLClass.h"
 #include "reports/ReportContext.h"
 #include "reports/ReportFolder.h"
-#include "reports/SafePage.h"
 
 #include <optional>
 #include <span>
@@ -26,8 +25,8 @@ struct ReportCard {
 class CardEvidence {
   public:
     /// Both must outlive it.
-    CardEvidence(const ReportContext &ctx, const ReportFolder &folder, Scripts scripts)
-        : m_ctx(ctx), m_folder(folder), m_scripts(scripts) {}
+    CardEvidence(const ReportContext &ctx, const ReportFolder &folder)
+        : m_ctx(ctx), m_folder(folder) {}
 
     /// The row's page or picture; `place` tells the rows of a batch apart. Throws.
     void bring(ReportCard &card, std::size_t place, TaskMonitor &task) const;
@@ -48,7 +47,6 @@ class CardEvidence {
 
     const ReportContext &m_ctx;
     const ReportFolder &m_folder;
-    Scripts m_scripts;
 };
 
 } // namespace nv

@@ -4,6 +4,7 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/ReadOnlyConnection.h"
 #include "db/SqliteErrors.h"
 #include "reports/CardText.h"
 #include "reports/ReportValues.h"
@@ -146,11 +147,10 @@ bool ReportClass::writeCards(const RowIds &ids, std::ostream &file) {
     PrintEntry(file, "<table><tr><td valign='top'>");
     std::ofstream names(m_folder.rowFolders(), std::ios::binary | std::ios::trunc);
     if (UseDefaultThumbnailPath && !DefaultThumbnailPath.empty())
-        m_fallback =
-            m_folder.takePicture(DefaultThumbnailPath, "default-thumbnail", m_ctx.rebuild.log);
+        m_fallback = ownPicture(DefaultThumbnailPath, "default-thumbnail");
     if (m_fallback.empty())
         m_fallback = kNoPicture;
-    if (IncludeLinkAnalysis)
+    if (IncludeLinkAnalysis && !isReadOnly(m_ctx.rebuild.project))
         onProject([&] { ensureLinkIndexes(m_ctx.rebuild.project, m_ctx.rebuild.task); });
     for (std::size_t first = 0; first < ids.size(); first += kBatch) {
         const auto batch = std::span(ids).subspan(first, std::min(kBatch, ids.size() - first));
@@ -209,7 +209,7 @@ ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) {
 }
 
 CardEvidence ReportClass::evidence() const {
-    return {m_ctx, m_folder, DisableScriptTags ? Scripts::remove : Scripts::keep};
+    return {m_ctx, m_folder};
 }
 
 /// The row's card of the batch; one that belongs to none is brought now.
@@ -324,6 +324,10 @@ std::vector<std::string> notesOf(const ReportClass &report) {
     if (report.FilesFailed > 0)
         notes.push_back(fmt::format("{} cached files could not be read; their cards say so.",
                                     report.FilesFailed));
+    for (const fs::path &picture : report.PicturesFailed)
+        notes.push_back(fmt::format("\"{}\" is no picture that a report can show; it has the "
+                                    "program's own instead.",
+                                    textOf(picture)));
     return notes;
 }
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <ostream>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -54,7 +55,6 @@ class ReportClass {
     std::filesystem::path reportFolderPath;
     std::filesystem::path AgencyLogoPath;
     bool IncludeLinkAnalysis = false;
-    bool DisableScriptTags = false;
     std::string OriginalURL;
     std::string RebuiltDateTime;
     std::string PageParentFolderName;
@@ -70,6 +70,8 @@ class ReportClass {
     std::size_t RecordsFailed = 0; ///< entries that only say so
     UnreadRows FailedRows;         ///< which ones
     std::size_t FilesFailed = 0;   ///< cards without a cached file that could not be read
+    /// The examiner's pictures that a report can't show.
+    std::set<std::filesystem::path> PicturesFailed;
     bool HeaderFailed = false;
     bool FooterFailed = false;
 
@@ -104,9 +106,11 @@ class ReportClass {
     void take(const URLClass &record, std::size_t index);
     void countFailed(UrlId id);
     CardEvidence evidence() const;
-    std::string customerOptions() const;
+    std::string customerOptions();
     std::string zoneNote() const;
-    std::string logo() const;
+    std::string logo();
+    /// Empty when it can't be shown, which is noted.
+    std::string ownPicture(const std::filesystem::path &picture, const std::string &name);
 
     const ReportContext &m_ctx;
     ReportFolder m_folder;

@@ -49,7 +49,7 @@ void ReportClass::CreateHeader(std::ostream &file) {
         });
 }
 
-std::string ReportClass::customerOptions() const {
+std::string ReportClass::customerOptions() {
     const std::string date =
         fmt::format("<strong>Report Date:</strong>&nbsp;&nbsp;{}", htmlText(ReportDate));
     if (SkipHeader)
@@ -65,10 +65,17 @@ std::string ReportClass::customerOptions() const {
         date, htmlText(ReportedBy), htmlText(Organization), htmlText(CaseNumber), logo());
 }
 
-std::string ReportClass::logo() const {
+std::string ReportClass::ownPicture(const std::filesystem::path &picture, const std::string &name) {
+    const std::string own = m_folder.takePicture(picture, name, m_ctx.rebuild.log);
+    if (own.empty())
+        PicturesFailed.insert(picture);
+    return own;
+}
+
+std::string ReportClass::logo() {
     std::string own;
     if (UseCustomLogo && !AgencyLogoPath.empty())
-        own = m_folder.takePicture(AgencyLogoPath, "agency-logo", m_ctx.rebuild.log);
+        own = ownPicture(AgencyLogoPath, "agency-logo");
     return own.empty() ? "images/norvelane-logo.png" : own;
 }
 

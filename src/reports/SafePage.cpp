@@ -2,15 +2,16 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
-#include "import/PageText.h"
-#include "rebuild/LocalNames.h"
-#include "rebuild/PageText.h"
-#include "rebuild/Scripts.h"
-#include "reports/PictureKind.h"
-#include "reports/WaysOut.h"
+#include "markup/HtmlDocument.h"
+#include "markup/PageText.h"
+#include "reports/PageParts.h"
+#include "reports/PageWriter.h"
+#include "reports/SafeStyle.h"
 
-#include <algorithm>
-#include <array>
+#include <fmt/format.h>
+
+#include <optional>
+#include <vector>
 
 namespace nv {
 
@@ -18,201 +19,124 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Short: browsers look for a page's encoding in its first 1024 bytes. "base-uri" keeps a page from
-// calling its parts those of its site.
-constexpr std::string_view kGuard =
-    R"(<meta http-equiv="Content-Security-Policy" content="default-src 'none'; img-src 'self' data:; )"
-    R"(style-src 'self' 'unsafe-inline' data:; font-src 'self' data:; media-src 'self'; )"
-    R"(frame-src 'self'; base-uri 'none'; form-action 'none'">)"
-    R"(<meta http-equiv="x-dns-prefetch-control" content="off">)"
-    R"(<meta name="referrer" content="no-referrer">)";
-
-constexpr std::string_view kEquivalent = "http-equiv";
-constexpr std::string_view kDisarmed = "void-equiv";
-constexpr std::string_view kBlanks = " \t\r\n\f\"'=/";
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+/// Pages that people wrote are the same the first or the second time that they are written.
+constexpr int kTries = 4;
 
-// Shown as what their names say, whatever they hold.
-constexpr std::array<std::string_view, 11> kHarmless = {"gif", "jpg", "jpeg", "jpe", "png", "bmp",
-                                                        "tif", "ico", "css",  "js",  "txt"};
-constexpr std::array<std::string_view, 8> kPages = {"htm", "html", "shtm", "xht",
-                                                    "xml", "xsl",  "svg",  "mht"};
-
-bool holds(std::span<const std::string_view> words, std::string_view word) {
-    return std::ranges::find(words, word) != words.end();
-}
-
-/// Only "Content-Type" keeps its meaning: of the others one moves on to another page.
-std::string withoutRefresh(std::string_view page) {
-    std::string disarmed;
-    std::size_t from = 0;
-    for (std::size_t at = findNoCase(page, kEquivalent); at != std::string_view::npos;
-         at = findNoCase(page, kEquivalent, from)) {
-        const std::size_t end = at + kEquivalent.size();
-        const std::size_t value = std::min(page.find_first_not_of(kBlanks, end), page.size());
-        const bool kept = startsWithNoCase(page.substr(value), "content-type");
-        disarmed.append(page.substr(from, at - from));
-        disarmed.append(kept ? page.substr(at, end - at) : kDisarmed);
-        from = end;
+const HtmlDocument::Node *firstPicture(const HtmlDocument &page) {
+    std::vector<const HtmlDocument::Node *> open{&page.root()};
+    while (!open.empty()) {
+        const HtmlDocument::Node *node = open.back();
+        open.pop_back();
+        if (HtmlDocument::isElement(*node) && HtmlDocument::spaceOf(*node) == HtmlSpace::svg)
+            return node;
+        const auto children = HtmlDocument::childrenOf(*node);
+        open.insert(open.end(), children.rbegin(), children.rend());
     }
-    return disarmed.append(page.substr(from));
+    return nullptr;
 }
 
-constexpr std::string_view kSpaces = " \t\r\n\f";
-
-/// The value of the first attribute `wanted` of a tag, as browsers read it; `tag` begins behind the
-/// element's name. Empty when there is none.
-std::string_view attributeOf(std::string_view tag, std::string_view wanted) {
-    const auto skip = [&tag](std::size_t at, std::string_view what) {
-        return std::min(tag.find_first_not_of(what, at), tag.size());
-    };
-    const auto until = [&tag](std::size_t at, std::string_view what) {
-        return std::min(tag.find_first_of(what, at), tag.size());
-    };
-    std::size_t at = skip(0, " \t\r\n\f/");
-    while (at < tag.size() && tag[at] != '>') {
-        const std::size_t nameEnd = until(at + 1, " \t\r\n\f/>=");
-        const std::string_view name = tag.substr(at, nameEnd - at);
-        std::string_view value;
-        at = skip(nameEnd, kSpaces);
-        if (at < tag.size() && tag[at] == '=') {
-            at = skip(at + 1, kSpaces);
-            const bool quoted = at < tag.size() && (tag[at] == '"' || tag[at] == '\'');
-            const std::size_t begin = quoted ? at + 1 : at;
-            at = quoted ? until(begin, tag.substr(at, 1)) : until(begin, " \t\r\n\f>");
-            value = tag.substr(begin, at - begin);
-            at += quoted && at < tag.size() ? 1 : 0;
-        }
-        if (equalsNoCase(name, wanted))
-            return value;
-        at = skip(at, " \t\r\n\f/");
-    }
-    return {};
+/// Nothing for a page that is beyond a limit.
+std::optional<std::string> writtenOnce(std::string_view html, PageForm form,
+                                       const References &references, Detail detail) {
+    const auto page = HtmlDocument::within(html);
+    if (!page)
+        return std::nullopt;
+    PageWriter writer(*page, references, form, detail);
+    const std::string doctype = writer.doctype();
+    if (form != PageForm::svg)
+        return doctype + writer.write(page->root());
+    const HtmlDocument::Node *picture = firstPicture(*page);
+    return picture ? writer.write(*picture)
+                   : std::string(R"(<svg xmlns="http://www.w3.org/2000/svg"></svg>)");
 }
 
-bool isShown(std::string_view relation) {
-    return equalsNoCase(relation, "stylesheet") || equalsNoCase(relation, "icon") ||
-           equalsNoCase(relation, "shortcut icon");
-}
-
-/// Elements for which browsers look up a host before they ask the policy. Those that lead to a part
-/// of the page stay.
-struct LeadingElement {
-    std::string_view tag;
-    std::string_view attribute;
-    bool (*stays)(std::string_view value);
-};
-constexpr std::array<LeadingElement, 3> kLeading = {
-    {{"<iframe", "src", isPart}, {"<frame", "src", isPart}, {"<link", "rel", isShown}}};
-
-/// Of a longer one the rest isn't read, and it goes: else reading tags without an end takes for
-/// ever.
-constexpr std::size_t kLongestTag = 4096;
-
-std::string withoutLeads(std::string_view page, const LeadingElement &element) {
-    std::string disarmed;
-    std::size_t from = 0;
-    for (std::size_t at = findNoCase(page, element.tag); at != std::string_view::npos;
-         at = findNoCase(page, element.tag, from)) {
-        const std::size_t end = at + element.tag.size();
-        const std::string_view tag = page.substr(end, kLongestTag);
-        const bool whole = tag.empty() || std::string_view(" \t\r\n\f/>").find(tag.front()) !=
-                                              std::string_view::npos;
-        const bool stays = !whole || element.stays(attributeOf(tag, element.attribute));
-        disarmed.append(page.substr(from, at - from));
-        disarmed.append(stays ? "<" : "<void-").append(page.substr(at + 1, end - at - 1));
-        from = end;
-    }
-    return disarmed.append(page.substr(from));
-}
-
-/// Of a list of addresses no reader here would see all: browsers take the plain one then.
-std::string withoutChoices(std::string_view page) {
-    return ReplaceAllText(page, "srcset", "void-srcset");
-}
-
-std::string withoutHints(std::string_view page) {
-    std::string disarmed(page);
-    for (const LeadingElement &element : kLeading)
-        disarmed = withoutLeads(disarmed, element);
-    return disarmed;
-}
-
-/// Behind a mark of the encoding and a document type: in front of these the page would look as one
-/// without.
-std::size_t placeForGuard(std::string_view page) {
-    std::size_t at = page.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0;
-    const std::size_t text = std::min(page.find_first_not_of(" \t\r\n\f", at), page.size());
-    const std::size_t end = page.find('>', text);
-    if (startsWithNoCase(page.substr(text), "<!doctype") && end != std::string_view::npos)
-        at = end + 1;
-    return at;
-}
-
-bool isWide(std::string_view page) {
-    return page.starts_with("\xFF\xFE") || page.starts_with("\xFE\xFF");
-}
-
-/// The policy is read in the page's own encoding, so that a page of 16 bits a letter becomes one of
-/// 8.
-std::string narrow(std::string_view page) {
-    if (!isWide(page))
-        return std::string(page);
-    const std::string text = decodePage(viewOf(page), {});
-    return std::string(kUtf8Mark) + (text.starts_with(kUtf8Mark) ? text.substr(3) : text);
-}
-
-bool isToBeGuarded(const fs::path &file) {
-    if (file.filename() == kPartsList)
-        return false;
-    const std::string extension = toLower(textOf(file.extension()));
-    const std::string_view word = std::string_view(extension).substr(extension.empty() ? 0 : 1);
-    if (holds(kHarmless, word))
-        return false;
-    // Of any other name browsers look at the first bytes.
-    return holds(kPages, word) || pictureKindOf(file).empty();
-}
-
-/// A style has no policy of its own, but fetches by that of its page, which lets files through.
-bool isStyle(const fs::path &file) {
-    return toLower(textOf(file.extension())) == ".css";
-}
-
-bool hasLiveScripts(std::string_view page) {
-    constexpr std::string_view kScript = "<script";
-    constexpr std::string_view kComment = "<!-- ";
-    for (std::size_t at = findNoCase(page, kScript); at != std::string_view::npos;
-         at = findNoCase(page, kScript, at + 1))
-        if (!page.substr(0, at).ends_with(kComment))
+/// A browser reads what was written, and may find another tree in it where elements were nested as
+/// they can't be: so the parser reads it too, until both agree.
+bool settle(std::string &page, PageForm form, const References &references, Detail detail) {
+    for (int i = 0; i < kTries; ++i) {
+        auto written = writtenOnce(page, form, references, detail);
+        if (!written || written->size() > kLongestPage)
+            return false;
+        if (*written == page)
             return true;
+        page = std::move(*written);
+    }
     return false;
-}
-
-std::string contentsOf(const fs::path &file) {
-    const Bytes bytes = readWhole(file);
-    return std::string(ByteView(bytes).raw());
 }
 
 } // namespace
 
-std::string guardedPage(std::string_view page) {
-    std::string text = withoutHints(withoutWaysOut(withoutRefresh(withoutChoices(narrow(page)))));
-    return text.insert(placeForGuard(text), kGuard);
+std::string textPage(std::string_view text, PageForm form) {
+    const std::string_view nameSpace =
+        form == PageForm::xhtml ? " xmlns=\"http://www.w3.org/1999/xhtml\"" : "";
+    const std::string written = markupText(text);
+    return fmt::format("<html{}><head>{}</head><body><pre>{}{}</pre></body></html>", nameSpace,
+                       guardOfHead(), written.starts_with('\n') ? "\n" : "", written);
 }
 
-void guardFolder(const fs::path &page, Scripts scripts) {
-    for (const fs::directory_entry &entry : fs::directory_iterator(page.parent_path())) {
-        if (!entry.is_regular_file())
-            continue;
-        if (isStyle(entry.path()))
-            writeWhole(entry.path(), withoutWaysOut(contentsOf(entry.path())));
-        if (!isToBeGuarded(entry.path()))
-            continue;
-        std::string text = contentsOf(entry.path());
-        if (scripts == Scripts::remove && entry.path() == page && hasLiveScripts(text))
-            text = StriptScriptTags(text);
-        writeWhole(entry.path(), guardedPage(text));
+std::string guardedPage(std::string_view html, PageForm form, const References &references) {
+    for (const Detail detail : {Detail::all, Detail::plain}) {
+        std::string page(html);
+        if (settle(page, form, references, detail))
+            return page;
     }
+    return form == PageForm::svg ? std::string(R"(<svg xmlns="http://www.w3.org/2000/svg"></svg>)")
+                                 : textPage(html, form);
+}
+
+namespace {
+
+/// Nothing of a folder that was guarded in part may be handed over.
+class HalfGuarded {
+  public:
+    explicit HalfGuarded(fs::path folder) : m_folder(std::move(folder)) {}
+    ~HalfGuarded() {
+        std::error_code ignored;
+        if (!m_isWhole)
+            fs::remove_all(m_folder, ignored);
+    }
+    HalfGuarded(const HalfGuarded &) = delete;
+    HalfGuarded &operator=(const HalfGuarded &) = delete;
+    void becomeWhole() { m_isWhole = true; }
+
+  private:
+    fs::path m_folder;
+    bool m_isWhole = false;
+};
+
+std::string guardedBytes(const Bytes &bytes, PartKind kind, std::string_view charset,
+                         const References &references) {
+    const auto page = [&](PageForm form) {
+        return std::string(kUtf8Mark) + guardedPage(decodedPart(bytes).text, form, references);
+    };
+    switch (kind) {
+    case PartKind::style:
+        return guardedStyle(decodedStyle(ByteView(bytes), {}, charset).text, references);
+    case PartKind::xhtml:
+        return page(PageForm::xhtml);
+    case PartKind::svg:
+        return page(PageForm::svg);
+    case PartKind::xml:
+        return std::string(kUtf8Mark) + textPage(decodedPart(bytes).text, PageForm::xhtml);
+    default:
+        return page(PageForm::html);
+    }
+}
+
+} // namespace
+
+void guardFolder(const fs::path &page) {
+    HalfGuarded half(page.parent_path());
+    const PageParts parts = partsBeside(page);
+    const References references(parts.folder);
+    for (const auto &[file, kind] : parts.kinds) {
+        if (kind == PartKind::unknown)
+            fs::remove(file);
+        else if (kind != PartKind::harmless)
+            writeWhole(file, guardedBytes(readWhole(file), kind, parts.charset, references));
+    }
+    half.becomeWhole();
 }
 
 } // namespace nv

@@ -1,26 +1,37 @@
 #pragma once
 
+#include "reports/References.h"
+
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
 namespace nv {
 
-// Whoever gets a report opens it in an ordinary browser, perhaps online. What was cached must not
+// Whoever gets a page that was cached opens it in an ordinary browser, perhaps online. It must not
 // reach the site it came from then: that would tell the site of the examination, and show what it
-// holds today among what was found. See docs/reports.md.
+// holds today among what was found. So only what is known to be harmless leaves, see
+// docs/reports.md.
 
-/// A cached page with a policy in front of it that lets it show the files of its own folder and
-/// nothing else, and run nothing. What a policy doesn't reach is disarmed in the text: moving on to
-/// another page by itself, asking for a name ahead of time, and addresses that become those of a
-/// file server when a page is opened as a file.
-std::string guardedPage(std::string_view page);
+/// How the file will be read, by its name.
+enum class PageForm : std::uint8_t {
+    html,
+    xhtml, ///< as XML
+    svg,   ///< a picture, of which browsers make a page too; as XML
+};
 
-enum class Scripts { keep, remove };
+/// The page read by a parser and written anew: elements and attributes that are known, references
+/// that stay within the page's folder, and a policy in front for what a browser may know besides.
+/// Whatever reads it finds the same page, and guarding it again changes nothing. Text in UTF-8.
+std::string guardedPage(std::string_view html, PageForm form, const References &references);
 
-/// Guards all files of a rebuilt page's folder that a browser may take for a page. `remove` turns
-/// the scripts of `page`, the rebuilt page, into comments where no rebuild has done so. Throws
-/// FileFailure.
-void guardFolder(const std::filesystem::path &page, Scripts scripts);
+/// A page that shows a text as it stands.
+std::string textPage(std::string_view text, PageForm form);
+
+/// Guards all files of a folder that a browser may take for a page or a style, of which `page` is
+/// the one to open. What is neither of these, nor a picture, a font, a sound, a film or a text, is
+/// taken out. A folder that can't be guarded whole is removed. Throws FileFailure.
+void guardFolder(const std::filesystem::path &page);
 
 } // namespace nv

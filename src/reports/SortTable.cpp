@@ -2,6 +2,7 @@
 
 #include "base/NoLog.h"
 #include "base/Trap.h"
+#include "db/ReadOnlyConnection.h"
 #include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
 
@@ -41,6 +42,10 @@ Walk fill(SQLite::Database &project, std::span<const std::int32_t> ids, ReportRo
 Walk fillSortTable(SQLite::Database &project, std::span<const std::int32_t> ids, ReportRows rows,
                    TaskMonitor &task) {
     return onProject([&] {
+        // A table of this name beside the project comes before the project's own.
+        if (isReadOnly(project))
+            project.exec("CREATE TEMP TABLE IF NOT EXISTS URLSortTable "
+                         "(URL_ID INTEGER, ActionDateLocal REAL)");
         project.exec("DELETE FROM URLSortTable");
         return fill(project, ids, rows, task);
     });

@@ -1,7 +1,7 @@
 #include "views/CachedText.h"
 
 #include "base/Files.h"
-#include "import/PageText.h"
+#include "markup/PageText.h"
 
 #include <fmt/format.h>
 

@@ -1,5 +1,5 @@
-#include "import/HtmlCost.h"
 #include "import/PageContent.h"
+#include "markup/HtmlCost.h"
 #include "support/TempFolder.h"
 
 #include <benchmark/benchmark.h>

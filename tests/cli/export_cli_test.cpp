@@ -38,6 +38,14 @@ class ExportCliTest : public CliCase {
     fs::path out = folder.path() / "rows.out";
 };
 
+TEST_F(ExportCliTest, rowsAreChosenByFilter) {
+    const CliResult run = exported({"--columns", "COL_URL_VALUE", "--filter", "CacheURLs"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(text(), "URL\r\n");
+    EXPECT_THAT(run.err, HasSubstr("filters hide 2 of 2 rows"));
+    EXPECT_EQ(exported({"--filter", "nothing", "--overwrite"}).exit, 1);
+}
+
 TEST_F(ExportCliTest, rowsAreExportedInTheChosenForm) {
     const CliResult run = exported({"--columns", "Index,COL_URL_VALUE", "--delimiter", "tab"});
     EXPECT_EQ(run.exit, 0) << run.err;

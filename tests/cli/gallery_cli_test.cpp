@@ -1,5 +1,6 @@
 #include "base/Text.h"
 #include "cli/CliCase.h"
+#include "support/SmallFiles.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
@@ -52,6 +53,23 @@ TEST_F(GalleryCliTest, aSheetHoldsPicturesCaptionsAndShapes) {
     EXPECT_THAT(html, Not(HasSubstr("svg"))); // a form that can hold scripts
     EXPECT_THAT(html, HasSubstr("default-src 'none'"));
     EXPECT_THAT(html, Not(HasSubstr("ID #0000006")));
+}
+
+TEST_F(GalleryCliTest, aSheetThatDoesntFitTheDiskLeavesNothing) {
+    ASSERT_EQ(gallery({}).exit, 0);
+    const std::string before = sheet();
+    {
+        const SmallFiles full(900); // bytes
+        EXPECT_EQ(gallery({}).exit, 3);
+    }
+    EXPECT_EQ(sheet(), before);
+    fs::remove(out);
+    {
+        const SmallFiles full(900);
+        EXPECT_EQ(gallery({}).exit, 3);
+    }
+    for (const fs::directory_entry &entry : fs::directory_iterator(folder.path()))
+        EXPECT_FALSE(entry.path().filename().string().starts_with("sheet")) << entry.path();
 }
 
 TEST_F(GalleryCliTest, picturesAreChosenByShapeSizeAndHost) {

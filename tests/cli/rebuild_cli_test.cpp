@@ -35,6 +35,25 @@ TEST_F(RebuildCliTest, aPageIsHandedOverWithItsParts) {
     EXPECT_NE(audit.out.find("Missing or Invalid Tag"), std::string::npos) << audit.out;
 }
 
+TEST_F(RebuildCliTest, aPageThatIsHandedOverReachesNothing) {
+    IndexDat index;
+    index.folder("ABCDEFGH");
+    addCached(index, "http://host/page.html", "page[1].htm",
+              "<html><link rel=stylesheet href=http://live/a.css><meta http-equiv=refresh "
+              "content='0;url=http://live/'><script src=\"http://live/a.js\"></script>"
+              "<iframe src=\"http://live/f.html\"></iframe><img src=\"pic/logo.gif\" >"
+              "<p style='background:u\\72l(http://live/b.gif)'>Good morning</html> ");
+    addCached(index, "http://host/pic/logo.gif", "logo[1].gif", "GIF89a");
+    project = (folder.path() / "other.nvp").string();
+    import(index);
+    ASSERT_EQ(cli({"rebuild", project, "1", "--out", out.string(), "--no-thumbnails"}).exit, 0);
+    const std::string page = text(out / "0000001.NVR" / "0000001.htm");
+    EXPECT_EQ(page.find("live"), std::string::npos) << page;
+    EXPECT_NE(page.find("default-src 'none'"), std::string::npos) << page;
+    EXPECT_NE(page.find("Good morning"), std::string::npos) << page;
+    EXPECT_NE(page.find("src=\"0000002.gif\""), std::string::npos) << page;
+}
+
 TEST_F(RebuildCliTest, pagesAreChosenByIdTickOrAll) {
     EXPECT_EQ(cli({"rebuild", project, "--out", out.string()}).exit, 1);
     EXPECT_EQ(cli({"rebuild", project, "1", "--tagged", "--out", out.string()}).exit, 1);

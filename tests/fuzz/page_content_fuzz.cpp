@@ -3,9 +3,9 @@
 //   input = repeats:u8 charset:u8 page
 
 #include "base/Text.h"
-#include "import/HtmlCost.h"
 #include "import/PageContent.h"
-#include "import/PageText.h"
+#include "markup/HtmlCost.h"
+#include "markup/PageText.h"
 
 #include <algorithm>
 #include <cstdint>

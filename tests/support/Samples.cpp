@@ -4,11 +4,23 @@
 
 namespace nv::test {
 
-std::optional<std::filesystem::path> samplesFolder() {
-    const char *named = std::getenv("NV_SAMPLES");
-    const std::filesystem::path folder = named ? named : NV_SAMPLES_DIR;
+namespace {
+
+std::optional<std::filesystem::path> folderOf(const char *variable, const char *otherwise) {
+    const char *named = std::getenv(variable);
+    const std::filesystem::path folder = named ? named : otherwise;
     return std::filesystem::is_directory(folder) ? std::optional(std::filesystem::canonical(folder))
                                                  : std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> samplesFolder() {
+    return folderOf("NV_SAMPLES", NV_SAMPLES_DIR);
+}
+
+std::optional<std::filesystem::path> standardsFolder() {
+    return folderOf("NV_STANDARDS", NV_STANDARDS_DIR);
 }
 
 } // namespace nv::test

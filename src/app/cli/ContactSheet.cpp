@@ -1,5 +1,6 @@
 #include "app/cli/ContactSheet.h"
 
+#include "base/Base64.h"
 #include "base/Text.h"
 #include "readers/ContentProbe.h"
 #include "reports/Html.h"
@@ -35,26 +36,6 @@ small {{ display: block; color: #555; unicode-bidi: isolate }}
 <body>
 <h1>{0}</h1>
 )";
-
-std::string base64(ByteView bytes) {
-    constexpr std::string_view kLetters =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    const std::string_view raw = bytes.raw();
-    const auto at = [raw](std::size_t i) -> unsigned {
-        return i < raw.size() ? static_cast<unsigned char>(raw[i]) : 0U;
-    };
-    std::string text;
-    text.reserve((raw.size() + 2) / 3 * 4);
-    for (std::size_t i = 0; i < raw.size(); i += 3) {
-        const unsigned group = at(i) << 16 | at(i + 1) << 8 | at(i + 2);
-        for (const unsigned shift : {18U, 12U, 6U, 0U})
-            text += kLetters[group >> shift & 63U];
-    }
-    // What stands for bytes beyond the end gives way to the filling.
-    const std::size_t missing = (3 - raw.size() % 3) % 3;
-    text.replace(text.size() - missing, missing, missing, '=');
-    return text;
-}
 
 /// The picture as data, when it is one of a form that browsers draw and that can't hold a script.
 std::string pictureOf(const Bytes &thumbnail) {

@@ -1,6 +1,7 @@
 #include "app/Project.h"
 #include "app/Trail.h"
 #include "app/cli/ExportCommands.h"
+#include "app/cli/FilterCommands.h"
 #include "app/cli/LoadedTable.h"
 #include "base/Files.h"
 #include "base/Text.h"
@@ -94,6 +95,7 @@ std::string closingLine(const ExportClass &job) {
 
 Exit exportCommand(Session &session, const ExportArguments &arguments) {
     ExportClass job = jobOf(arguments);
+    session.program.thisClass.Filters = filtersFrom(arguments.filter);
     const bool notes = session.openForNote(arguments.project);
     const ThisClass &state = session.program.thisClass;
     checkTarget(arguments, state);

@@ -19,6 +19,7 @@ struct ExportArguments {
     std::vector<std::string> columns;   ///< keys; empty for all
     std::string query;
     std::string host;
+    std::vector<std::string> filter;
     bool tagged = false;
     bool guardFormulas = false;
     bool overwrite = false;

@@ -9,6 +9,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "platform/posix/SheetFile.h"
+#include "reports/ExportFile.h"
 #include "views/Gallery.h"
 
 #include <fmt/format.h>
@@ -122,12 +123,12 @@ std::vector<std::string> linesOf(const Gallery &gallery, const GalleryArguments 
     return lines;
 }
 
-void drawSheet(Session &session, const ContactSheet &sheet, const GalleryArguments &arguments) {
+void drawSheet(Session &session, const ContactSheet &sheet, const fs::path &target) {
     if (sheet.tiles.Count() > kMostSheetTiles)
         throw UsageError(fmt::format("{} tiles are too many for a picture: ask for {} with "
                                      "--per-page, or for *.html",
                                      sheet.tiles.Count(), kMostSheetTiles));
-    drawContactSheet(sheet, *makeDrawing(session.scratch()), session.scratch(), arguments.out);
+    drawContactSheet(sheet, *makeDrawing(session.scratch()), session.scratch(), target);
 }
 
 void writeSheet(Session &session, const Gallery &gallery, const GalleryArguments &arguments) {
@@ -137,16 +138,18 @@ void writeSheet(Session &session, const Gallery &gallery, const GalleryArguments
         gallery.gallery().Tiles, [&program](UrlId id) {
             return thumbnailOf(program.thisClass.ProjectDB.connection(), program.log, id);
         }};
-    if (isPicture(arguments.out))
-        return drawSheet(session, sheet, arguments);
-    errno = 0;
-    std::ofstream file(fs::path(arguments.out), std::ios::binary | std::ios::trunc);
-    if (!file)
-        throw FileFailure("cannot write", arguments.out, errno);
-    writeContactSheet(file, sheet);
-    file.close();
-    if (!file)
-        throw FileFailure("cannot write", arguments.out, errno);
+    ExportFile file(arguments.out);
+    if (isPicture(arguments.out)) {
+        drawSheet(session, sheet, file.aside());
+    } else {
+        errno = 0;
+        std::ofstream page(file.aside(), std::ios::binary | std::ios::trunc);
+        writeContactSheet(page, sheet);
+        page.close();
+        if (!page)
+            throw FileFailure("cannot write", arguments.out, errno);
+    }
+    file.finish();
 }
 
 /// The window shows the nearest page; a sheet of another page than was asked for would mislead.

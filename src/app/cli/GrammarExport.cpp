@@ -21,6 +21,7 @@ void Grammar::addExport() {
         ->delimiter(',');
     c->add_option("--query", m_export.query, "Name of a stored query (default: _DEFAULT)");
     c->add_option("--host", m_export.host, "Only hosts that contain this text");
+    addFilter(c, m_export.filter);
     c->add_flag("--tagged", m_export.tagged, "Only rows with the tick");
     c->add_flag("--guard-formulas", m_export.guardFormulas,
                 "Of csv: an apostrophe before texts that a spreadsheet takes for a formula");

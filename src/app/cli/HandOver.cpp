@@ -3,6 +3,7 @@
 #include "app/cli/Session.h"
 #include "base/Files.h"
 #include "rebuild/LocalNames.h"
+#include "reports/SafePage.h"
 
 #include <fmt/format.h>
 
@@ -26,13 +27,15 @@ void refuseExisting(std::span<const std::int64_t> ids, const fs::path &out) {
                         textOf(first), more == 0 ? "" : fmt::format(", and so are {} more", more)));
 }
 
-void handOver(const fs::path &folder, const fs::path &out) {
+void handOver(const fs::path &page, const fs::path &out) {
+    const fs::path folder = page.parent_path();
     const fs::path target = out / folder.filename();
     const fs::path aside = target.native() + ".~new";
     fs::remove_all(aside);
     fs::create_directories(aside);
     for (const fs::directory_entry &entry : fs::directory_iterator(folder))
         copyToScratch(entry.path(), aside / entry.path().filename());
+    guardFolder(aside / page.filename());
     fs::remove_all(target);
     fs::rename(aside, target);
     fs::remove_all(folder);

@@ -8,6 +8,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "rebuild/Harvest.h"
+#include "rebuild/LocalNames.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -104,7 +105,7 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
             refuseExisting(ids, arguments.out);
         whole = rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
             if (page.rebuilt)
-                handOver(page.folder, arguments.out);
+                handOver(page.folder / pageNameOf(UrlId{page.URL_ID}), arguments.out);
             add(totals, page);
             session.task.clear();
             session.out << lineOf(page);

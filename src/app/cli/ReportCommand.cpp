@@ -1,12 +1,14 @@
 #include "app/Project.h"
 #include "app/ReportJob.h"
 #include "app/Trail.h"
+#include "app/cli/FilterCommands.h"
 #include "app/cli/LoadedTable.h"
 #include "app/cli/OutputPath.h"
 #include "app/cli/ReportCommands.h"
 #include "app/cli/Session.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "reports/PictureKind.h"
 #include "reports/PublishReport.h"
 
 #include <fmt/format.h>
@@ -33,47 +35,72 @@ void checkTarget(const ReportArguments &arguments, const fs::path &base) {
 }
 
 void checkPicture(const char *option, const std::string &path) {
-    if (!path.empty() && !fs::is_regular_file(path))
+    if (path.empty())
+        return;
+    if (!fs::is_regular_file(path))
         throw UsageError(fmt::format("{} {}: there is no such file", option, path));
+    if (!isShownByBrowsers(pictureKindOf(path)))
+        throw UsageError(fmt::format("{} {}: this is no picture that a report can show; a GIF, "
+                                     "JPEG, PNG, BMP, ICO or WebP was expected",
+                                     option, path));
 }
 
-RowIds rowsOf(Session &session, const ReportArguments &arguments) {
-    SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
-    checkQuery(session, arguments.query);
-    RowIds ids;
-    collectIds(project, loadQuery({arguments.query, false, {}}), session.task, ids);
-    return ids;
+/// Nothing when it was cancelled.
+std::optional<RowIds> rowsOf(Session &session, const ReportArguments &arguments) {
+    Program &program = session.program;
+    UrlTable table(program.thisClass.ProjectDB.connection(), program.log,
+                   program.thisClass.GMTZone);
+    const RowChoice choice{arguments.query, !arguments.host.empty(), arguments.host};
+    if (loadTable(session, choice, table) == LoadResult::Cancelled)
+        return std::nullopt;
+    return table.ids();
+}
+
+template <class Value>
+void take(const std::optional<Value> &said, Value &option) {
+    if (said)
+        option = *said;
 }
 
 void setOptions(ReportClass &report, const ReportArguments &arguments) {
-    report.ReportType = arguments.type == "graphical" ? 0 : 1;
+    if (arguments.type)
+        report.ReportType = *arguments.type == "graphical" ? 0 : 1;
     report.IncludeAll = !arguments.tagged;
-    if (!arguments.title.empty())
-        report.ReportTitle = arguments.title;
-    report.CaseNumber = arguments.caseNumber;
-    report.Organization = arguments.organization;
-    report.ReportedBy = arguments.reportedBy;
-    report.AgencyLogoPath = arguments.logo;
-    report.UseCustomLogo = !arguments.logo.empty();
+    take(arguments.title, report.ReportTitle);
+    take(arguments.caseNumber, report.CaseNumber);
+    take(arguments.organization, report.Organization);
+    take(arguments.reportedBy, report.ReportedBy);
+    if (arguments.logo) {
+        report.AgencyLogoPath = *arguments.logo;
+        report.UseCustomLogo = !arguments.logo->empty();
+    }
     report.DefaultThumbnailPath = arguments.thumbnail;
     report.UseDefaultThumbnailPath = !arguments.thumbnail.empty();
-    report.IncludeNotes = arguments.notes;
-    report.IncludeAudit = arguments.audit;
-    report.IncludeLinkAnalysis = arguments.links;
-    report.IncludeTimeRebuilt = arguments.timeRebuilt;
-    report.IncludeDataSource = arguments.dataSource;
-    report.IncludeUser = arguments.user;
-    report.IncludeCaseTrail = arguments.trail;
+    take(arguments.notes, report.IncludeNotes);
+    take(arguments.audit, report.IncludeAudit);
+    take(arguments.links, report.IncludeLinkAnalysis);
+    take(arguments.timeRebuilt, report.IncludeTimeRebuilt);
+    take(arguments.dataSource, report.IncludeDataSource);
+    take(arguments.user, report.IncludeUser);
+    take(arguments.trail, report.IncludeCaseTrail);
     report.SkipHeader = arguments.noHeader;
     report.SortAscending = !arguments.descending;
     report.URLColWidth = arguments.urlWidth;
 }
 
+/// What a report came to.
+struct Made {
+    fs::path index;
+    std::size_t files = 0;
+    std::int64_t rows = 0;
+    std::size_t rowsFailed = 0; ///< of the project, which could not be read
+};
+
 /// Nothing when it was cancelled.
-std::optional<Published> make(Session &session, const ReportArguments &arguments, const RowIds &ids,
-                              Exit &read) {
+std::optional<Made> make(Session &session, const ReportArguments &arguments, const RowIds &ids) {
     SubTask making(session.task, 0, kMaking);
     ReportTools tools(session.program, making, session.scratch());
+    readReportOptions(session.program.settings, tools.report);
     setOptions(tools.report, arguments);
     const bool finished = tools.run(ids);
     if (!finished && !tools.report.Cancel)
@@ -83,7 +110,6 @@ std::optional<Published> make(Session &session, const ReportArguments &arguments
         return std::nullopt;
     for (const std::string &note : notesOf(tools.report))
         session.err << note << '\n';
-    read = tools.report.RecordsFailed > 0 ? Exit::rowsNotRead : Exit::ok;
     fs::create_directories(arguments.out);
     removePublished(arguments.out);
     SubTask publishing(session.task, kMaking, 1);
@@ -91,9 +117,11 @@ std::optional<Published> make(Session &session, const ReportArguments &arguments
                                               tools.report.ReportType, arguments.out, publishing);
     if (published.cancelled)
         return std::nullopt;
-    notePublish(session.program, ReportFolder::at(arguments.out).index(tools.report.ReportType),
-                published);
-    return published;
+    const fs::path index = ReportFolder::at(arguments.out).index(tools.report.ReportType);
+    notePublish(session.program, index, published);
+    return Made{index, published.files,
+                rowsReported(session.program.thisClass.ProjectDB.connection()),
+                tools.report.RecordsFailed};
 }
 
 } // namespace
@@ -101,29 +129,24 @@ std::optional<Published> make(Session &session, const ReportArguments &arguments
 Exit reportCommand(Session &session, const ReportArguments &arguments) {
     if (arguments.all && arguments.tagged)
         throw UsageError("either --all or --tagged was expected");
-    session.open(arguments.project);
+    session.program.thisClass.Filters = filtersFrom(arguments.filter);
+    session.openForNote(arguments.project);
     Program &program = session.program;
     checkTarget(arguments, program.thisClass.RootPath);
-    checkPicture("--logo", arguments.logo);
+    checkPicture("--logo", arguments.logo.value_or(""));
     checkPicture("--thumbnail", arguments.thumbnail);
-    program.thisClass.DisableScriptTags = arguments.noScripts;
     program.thisClass.WideRecordIds |= arguments.wideIds;
-    Exit read = Exit::ok;
-    const auto published = make(session, arguments, rowsOf(session, arguments), read);
+    const auto ids = rowsOf(session, arguments);
+    const auto made = ids ? make(session, arguments, *ids) : std::nullopt;
     session.task.clear();
-    if (!published) {
-        closeProject(program);
-        return Exit::interrupted;
-    }
-    const fs::path index =
-        ReportFolder::at(arguments.out).index(arguments.type == "graphical" ? 0 : 1);
-    session.out << fmt::format(
-        "{} reported, {} written\n{}\n",
-        counted(static_cast<std::uint64_t>(rowsReported(program.thisClass.ProjectDB.connection())),
-                "row"),
-        counted(published->files, "file"), textOf(index));
+    if (made)
+        session.out << fmt::format("{} reported, {} written\n{}\n",
+                                   counted(static_cast<std::uint64_t>(made->rows), "row"),
+                                   counted(made->files, "file"), textOf(made->index));
     closeProject(program);
-    return read;
+    if (!made)
+        return Exit::interrupted;
+    return made->rowsFailed > 0 ? Exit::rowsNotRead : Exit::ok;
 }
 
 } // namespace nv::cli

@@ -118,7 +118,8 @@ Exit templateApplyCommand(Session &session, const TemplateArguments &arguments) 
         RebuildFromTemplates(
             program, tools, arguments.ids, templates, [&](std::int64_t id, Laid result) {
                 if (result == Laid::rebuilt && !arguments.out.empty())
-                    handOver(rebuildFolderOf(UrlId{id}, tools.context()), arguments.out);
+                    handOver(rebuildFolderOf(UrlId{id}, tools.context()) / pageNameOf(UrlId{id}),
+                             arguments.out);
                 session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
                 exit = result == Laid::rebuilt ? exit : Exit::usage;
             });

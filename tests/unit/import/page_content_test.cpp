@@ -1,6 +1,6 @@
-#include "import/HtmlCost.h"
 #include "import/PageContent.h"
-#include "import/PageText.h"
+#include "markup/HtmlCost.h"
+#include "markup/PageText.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #include "db/CaseTrail.h"
+#include "db/Connection.h"
 #include "unit/reports/ReportFixture.h"
 
 namespace nv::test {
@@ -26,6 +27,18 @@ TEST_F(TabularReportTest, aRowHasItsCells) {
                 HasSubstr("<a href='http://one/?a=1&amp;b=2' target='_new'>"
                           "http://one/?a=1&amp;b=2</a>"));
     EXPECT_FALSE(fs::exists(made.pictures()));
+}
+
+TEST_F(TabularReportTest, aProjectThatIsOnlyReadIsNotWrittenTo) {
+    addHistory("http://one/", 7);
+    addHistory("http://two/", 8);
+    const auto reading = connectToProject(project.database.FilePath, Access::read);
+    MemoryTask watched;
+    const RowIds ids{2, 1};
+    EXPECT_EQ(fillSortTable(*reading, ids, ReportRows::all, watched), Walk::Finished);
+    EXPECT_EQ(rowsReported(*reading), 2);
+    EXPECT_EQ(sortedRows(*reading, DateOrder::oldestFirst), (RowIds{1, 2}));
+    EXPECT_EQ(project.number("SELECT count(*) FROM URLSortTable"), 0);
 }
 
 TEST_F(TabularReportTest, columnsFollowTheOptions) {

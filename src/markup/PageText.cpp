@@ -1,4 +1,4 @@
-#include "import/PageText.h"
+#include "markup/PageText.h"
 
 #include "base/Text.h"
 
@@ -89,6 +89,17 @@ std::string_view charsetIn(std::string_view text) {
     return {};
 }
 
+/// The name in `@charset "name";`, of which no byte may differ.
+std::string_view charsetOfStyle(std::string_view css) {
+    constexpr std::string_view kBegin = "@charset \"";
+    if (!css.starts_with(kBegin))
+        return {};
+    css = css.substr(kBegin.size(), kMetaBytes);
+    const std::size_t end = css.find('"');
+    return end != std::string_view::npos && css.substr(end).starts_with("\";") ? css.substr(0, end)
+                                                                               : std::string_view();
+}
+
 } // namespace
 
 std::string_view charsetOfMeta(std::string_view head) {
@@ -132,7 +143,27 @@ DecodedPage decodedPage(ByteView bytes, std::string_view httpHeader) {
     for (const auto &[charset, foundIn] : named)
         if (const Converter converter = pageConverter(charset))
             return {convert(text, converter.get()), toLower(charset), foundIn};
-    return {fromAnsi(text), "windows-1252", "no charset named"};
+    return {fromAnsi(text), "windows-1252", kNoCharset};
+}
+
+DecodedPage decodedStyle(ByteView bytes, std::string_view server, std::string_view page) {
+    const std::string_view css = bytes.raw();
+    if (std::ranges::any_of(kMarks,
+                            [css](const auto &mark) { return css.starts_with(mark.first); }))
+        return decodedPage(bytes, {});
+    const std::array<std::pair<std::string_view, std::string_view>, 4> named = {{
+        {trim(server), "HTTP header"},
+        {charsetOfStyle(css), "@charset"},
+        {page, "page"},
+        {"utf-8", kNoCharset},
+    }};
+    for (const auto &[charset, foundIn] : named)
+        if (const Converter converter = startsWithNoCase(charset, "utf-7")
+                                            ? Converter{nullptr, &ucnv_close}
+                                            : pageConverter(charset))
+            return {convert(css, converter.get()),
+                    startsWithNoCase(charset, "utf-16") ? "utf-8" : toLower(charset), foundIn};
+    return {fromAnsi(css), "windows-1252", kNoCharset};
 }
 
 } // namespace nv

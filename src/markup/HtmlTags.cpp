@@ -1,4 +1,4 @@
-#include "import/HtmlTags.h"
+#include "markup/HtmlTags.h"
 
 #include "base/Text.h"
 
@@ -43,6 +43,7 @@ bool HtmlTags::startsTag(std::size_t place) const {
 
 bool HtmlTags::readTag(HtmlTag &tag) {
     tag = {};
+    const std::size_t begin = m_at;
     tag.isEnd = at(m_at + 1) == '/';
     m_at += tag.isEnd ? 2 : 1;
     const std::size_t end = std::min(m_html.find_first_of(kNameEnds, m_at), m_html.size());
@@ -50,6 +51,7 @@ bool HtmlTags::readTag(HtmlTag &tag) {
     m_at = end;
     while (skipAttribute())
         ++tag.attributes;
+    tag.size = m_at + 1 - begin;
     return m_at++ < m_html.size();
 }
 

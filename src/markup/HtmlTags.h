@@ -10,6 +10,7 @@ struct HtmlTag {
     std::string_view name; ///< as it stands in the text, which must outlive it
     bool isEnd = false;
     std::size_t attributes = 0;
+    std::size_t size = 0; ///< bytes, with its brackets
 };
 
 /// Finds the tags of a page in one pass, at the same places as an HTML parser's tokenizer: comments

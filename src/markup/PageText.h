@@ -18,7 +18,14 @@ struct DecodedPage {
     std::string charset;
     std::string_view foundIn; ///< in plain words
 };
+/// Then it was taken for Windows-1252.
+inline constexpr std::string_view kNoCharset = "no charset named";
 DecodedPage decodedPage(ByteView bytes, std::string_view httpHeader);
+
+/// The text of a style sheet by CSS Syntax level 3: a byte-order mark, else what the server said,
+/// else "@charset" in the standard's very form, else the page's, else UTF-8. Names that nobody
+/// knows are passed over, and so is UTF-7, which no browser reads.
+DecodedPage decodedStyle(ByteView bytes, std::string_view server, std::string_view page);
 
 /// The charset that the first bytes of a page name in a "meta" tag; empty for none.
 std::string_view charsetOfMeta(std::string_view head);

@@ -1,7 +1,7 @@
-#include "import/HtmlCost.h"
+#include "markup/HtmlCost.h"
 
 #include "base/Text.h"
-#include "import/HtmlTags.h"
+#include "markup/HtmlTags.h"
 
 #include <fmt/format.h>
 
@@ -90,10 +90,13 @@ Kind kindOf(std::string_view name) {
     return found == kinds.end() ? Kind::plain : found->second;
 }
 
+/// A copy of a tag has copies of its attributes' texts, which may be of any length.
+constexpr std::size_t kBytesOfPart = 600;
+
 struct Element {
     std::string_view name;
     Kind kind = Kind::plain;
-    std::uint64_t weight = 1; ///< itself and its attributes
+    std::uint64_t weight = 1; ///< itself, its attributes, and the texts of these
 };
 
 bool isFormatting(Kind kind) {
@@ -153,7 +156,7 @@ std::optional<std::size_t> OpenElements::nearest(IsIt isIt) const {
 }
 
 void OpenElements::push(const HtmlTag &tag, Kind kind) {
-    m_open.push_back({tag.name, kind, 1 + tag.attributes});
+    m_open.push_back({tag.name, kind, 1 + tag.attributes + tag.size / kBytesOfPart});
     if (isFormatting(kind))
         m_formatting += m_open.back().weight;
     m_foreign += kind == Kind::foreign ? 1 : 0;

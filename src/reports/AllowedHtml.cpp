@@ -1,0 +1,166 @@
+#include "reports/AllowedHtml.h"
+
+#include "base/Text.h"
+
+#include <array>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace nv {
+
+namespace {
+
+struct FateRow {
+    Fate fate;
+    std::string_view names; ///< separated by blanks
+};
+
+constexpr std::array<FateRow, 9> kHtml = {{
+    {Fate::keep,
+     "a abbr acronym address area article aside audio b basefont bdi bdo big blockquote body br "
+     "button canvas caption center cite code col colgroup data dd del details dfn dialog dir div "
+     "dl "
+     "dt em fieldset figcaption figure font footer form frame frameset h1 h2 h3 h4 h5 h6 head "
+     "header hgroup hr html i img input ins kbd label legend li main map mark marquee menu meter "
+     "nav nobr ol optgroup option output p picture pre progress q rp rt ruby s samp search section "
+     "select small source span strike strong sub summary sup table tbody td tfoot th thead time tr "
+     "tt u ul var video wbr"},
+    {Fate::unwrap, "applet object layer ilayer nolayer"},
+    {Fate::lines, "listing plaintext xmp"},
+    {Fate::text, "textarea title"},
+    {Fate::empty, "iframe"},
+    {Fate::style, "style"},
+    {Fate::link, "link"},
+    {Fate::meta, "meta"},
+    {Fate::drop,
+     "base bgsound embed isindex keygen noembed noframes noscript param script template "
+     "track"},
+}};
+
+constexpr std::array<FateRow, 4> kSvg = {{
+    {Fate::keep,
+     "circle clipPath defs ellipse feBlend feColorMatrix feComponentTransfer feComposite "
+     "feConvolveMatrix feDiffuseLighting feDisplacementMap feDistantLight feDropShadow feFlood "
+     "feFuncA feFuncB feFuncG feFuncR feGaussianBlur feMerge feMergeNode feMorphology feOffset "
+     "fePointLight feSpecularLighting feSpotLight feTile feTurbulence filter g image line "
+     "linearGradient marker mask path pattern polygon polyline radialGradient rect stop svg switch "
+     "symbol text textPath tspan use view"},
+    {Fate::unwrap, "a"},
+    {Fate::text, "title desc"},
+    {Fate::style, "style"},
+}};
+
+using Fates = std::unordered_map<std::string_view, Fate>;
+
+template <std::size_t Count>
+Fates fatesOf(const std::array<FateRow, Count> &rows) {
+    Fates fates;
+    for (const FateRow &row : rows)
+        for (const std::string_view name : split(row.names, ' '))
+            fates.emplace(name, row.fate);
+    return fates;
+}
+
+using Words = std::unordered_set<std::string_view>;
+
+Words wordsOf(std::string_view list) {
+    Words words;
+    for (const std::string_view word : split(list, ' '))
+        words.insert(word);
+    return words;
+}
+
+constexpr std::string_view kHtmlAttributes =
+    "abbr accesskey align alink alt axis behavior bgcolor bordercolor bordercolordark "
+    "bordercolorlight border bottommargin cellpadding cellspacing char charoff checked class clear "
+    "color cols colspan compact controls coords data-href datetime dir direction disabled "
+    "face for frame frameborder framespacing headers height hidden high hspace id ismap label lang "
+    "language leftmargin link loop low marginheight marginwidth max maxlength media min multiple "
+    "muted name nohref noresize noshade nowrap open optimum placeholder readonly required reversed "
+    "rightmargin role rows rowspan rules scope scrollamount scrolldelay scrolling selected shape "
+    "size span spellcheck start step summary tabindex target text title topmargin truespeed type "
+    "unselectable valign value version vlink vspace width wrap";
+
+constexpr std::string_view kSvgAttributes =
+    "amplitude azimuth baseFrequency bias class clipPathUnits cx cy d diffuseConstant divisor dx "
+    "dy "
+    "edgeMode elevation exponent filterUnits fr fx fy gradientTransform gradientUnits height id in "
+    "in2 intercept k1 k2 k3 k4 kernelMatrix kernelUnitLength lang lengthAdjust limitingConeAngle "
+    "markerHeight markerUnits markerWidth maskContentUnits maskUnits media method mode numOctaves "
+    "offset operator order orient pathLength patternContentUnits patternTransform patternUnits "
+    "points pointsAtX pointsAtY pointsAtZ preserveAlpha preserveAspectRatio primitiveUnits r "
+    "radius "
+    "refX refY result rotate rx ry scale seed side slope spacing specularConstant specularExponent "
+    "spreadMethod startOffset stdDeviation stitchTiles surfaceScale systemLanguage tableValues "
+    "targetX targetY textLength transform type values version viewBox width x x1 x2 "
+    "xChannelSelector y y1 y2 yChannelSelector z";
+
+constexpr std::string_view kSvgProperties =
+    "alignment-baseline baseline-shift clip clip-path clip-rule color color-interpolation "
+    "color-interpolation-filters cursor direction display dominant-baseline enable-background fill "
+    "fill-opacity fill-rule filter flood-color flood-opacity font-family font-size "
+    "font-size-adjust "
+    "font-stretch font-style font-variant font-weight image-rendering kerning letter-spacing "
+    "lighting-color marker marker-end marker-mid marker-start mask opacity overflow paint-order "
+    "pointer-events shape-rendering stop-color stop-opacity stroke stroke-dasharray "
+    "stroke-dashoffset stroke-linecap stroke-linejoin stroke-miterlimit stroke-opacity "
+    "stroke-width "
+    "text-anchor text-decoration text-rendering unicode-bidi visibility word-spacing writing-mode";
+
+struct UseRow {
+    std::string_view attribute;
+    std::string_view elements;
+    Use use;
+};
+constexpr std::array<UseRow, 6> kUses = {{
+    {"src", "img input", Use::image},
+    {"src", "audio video source", Use::media},
+    {"src", "iframe frame", Use::document},
+    {"href", "a area", Use::document},
+    {"background", "body table thead tbody tfoot tr td th", Use::image},
+    {"poster", "video", Use::image},
+}};
+
+} // namespace
+
+Fate fateOf(HtmlSpace space, std::string_view name) {
+    static const Fates html = fatesOf(kHtml);
+    static const Fates svg = fatesOf(kSvg);
+    if (space == HtmlSpace::mathMl)
+        return Fate::unwrap;
+    const Fates &fates = space == HtmlSpace::svg ? svg : html;
+    const auto found = fates.find(name);
+    if (found != fates.end())
+        return found->second;
+    return space == HtmlSpace::svg ? Fate::drop : Fate::rename;
+}
+
+bool isVoid(std::string_view name) {
+    static const Words voids =
+        wordsOf("area basefont br col frame hr img input link meta source wbr");
+    return voids.contains(name);
+}
+
+bool isPlainAttribute(HtmlSpace space, std::string_view name) {
+    static const Words html = wordsOf(kHtmlAttributes);
+    static const Words svg = wordsOf(kSvgAttributes);
+    return (space == HtmlSpace::svg ? svg : html).contains(name);
+}
+
+bool isPropertyAttribute(std::string_view name) {
+    static const Words properties = wordsOf(kSvgProperties);
+    return properties.contains(name);
+}
+
+std::optional<Use> useOf(std::string_view element, std::string_view attribute) {
+    for (const UseRow &row : kUses) {
+        if (row.attribute != attribute)
+            continue;
+        for (const std::string_view name : split(row.elements, ' '))
+            if (name == element)
+                return row.use;
+    }
+    return std::nullopt;
+}
+
+} // namespace nv

@@ -1,0 +1,147 @@
+#include "reports/References.h"
+
+#include "base/Base64.h"
+#include "base/Text.h"
+#include "markup/PageText.h"
+#include "reports/SafePage.h"
+#include "reports/SafeStyle.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace nv {
+
+namespace {
+
+/// Documents within documents as data; what lies deeper goes.
+constexpr int kDeepest = 3;
+
+constexpr std::array<std::string_view, 9> kPictures = {
+    "image/gif",  "image/jpeg",   "image/jpg",
+    "image/png",  "image/bmp",    "image/webp",
+    "image/avif", "image/x-icon", "image/vnd.microsoft.icon"};
+
+constexpr std::array<std::string_view, 14> kFonts = {"font/woff",
+                                                     "font/woff2",
+                                                     "font/ttf",
+                                                     "font/otf",
+                                                     "font/opentype",
+                                                     "font/truetype",
+                                                     "application/font-woff",
+                                                     "application/font-woff2",
+                                                     "application/x-font-woff",
+                                                     "application/x-font-ttf",
+                                                     "application/x-font-truetype",
+                                                     "application/x-font-opentype",
+                                                     "application/vnd.ms-fontobject",
+                                                     "application/octet-stream"};
+
+constexpr std::array<std::string_view, 10> kMedia = {
+    "audio/mpeg", "audio/ogg", "audio/wav",  "audio/mp4", "audio/webm",
+    "audio/aac",  "video/mp4", "video/webm", "video/ogg", "video/mpeg"};
+
+template <std::size_t Count>
+bool isOneOf(const std::array<std::string_view, Count> &types, std::string_view type) {
+    return std::ranges::find(types, type) != types.end();
+}
+
+/// As browsers read addresses: line breaks and tabs are nothing, and neither are blanks at the
+/// ends.
+std::string cleaned(std::string_view address) {
+    const auto isOuter = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
+    while (!address.empty() && isOuter(address.front()))
+        address.remove_prefix(1);
+    while (!address.empty() && isOuter(address.back()))
+        address.remove_suffix(1);
+    std::string clean(address);
+    std::erase_if(clean, [](char c) { return c == '\t' || c == '\n' || c == '\r'; });
+    return clean;
+}
+
+int hexValue(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    const char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+std::string percentBytes(std::string_view text) {
+    std::string bytes;
+    bytes.reserve(text.size());
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const int high = at + 2 < text.size() && text[at] == '%' ? hexValue(text[at + 1]) : -1;
+        const int low = high >= 0 ? hexValue(text[at + 2]) : -1;
+        if (low < 0) {
+            bytes += text[at];
+            continue;
+        }
+        bytes += static_cast<char>(high * 16 + low);
+        at += 2;
+    }
+    return bytes;
+}
+
+std::string dataOf(std::string_view type, std::string_view bytes) {
+    return fmt::format("data:{};base64,{}", type, base64(viewOf(bytes)));
+}
+
+} // namespace
+
+std::optional<std::string> References::kept(std::string_view address, Use use) const {
+    const std::string clean = cleaned(address);
+    if (startsWithNoCase(clean, "data:"))
+        return keptData(std::string_view(clean).substr(5), use);
+    const std::string_view name = std::string_view(clean).substr(0, clean.find('#'));
+    if (name.empty() && !clean.empty()) // a place in the page itself
+        return clean;
+    const auto &files = use == Use::style ? m_folder.styles : m_folder.files;
+    return files.contains(name) ? std::optional(clean) : std::nullopt;
+}
+
+/// What is kept is written anew, so that it has one form only.
+std::optional<std::string> References::keptData(std::string_view data, Use use) const {
+    data = data.substr(0, data.find('#'));
+    const std::size_t comma = data.find(',');
+    if (comma == std::string_view::npos)
+        return std::nullopt;
+    const std::string head = toLower(data.substr(0, comma));
+    const auto words = split(head, ';');
+    const std::string_view type = trim(words.front());
+    std::string_view charset;
+    for (const std::string_view word : words)
+        if (trim(word).starts_with("charset="))
+            charset = trim(word).substr(8);
+    std::string bytes = percentBytes(data.substr(comma + 1));
+    if (words.size() > 1 && trim(words.back()) == "base64")
+        bytes = fromBase64(bytes);
+    if ((use == Use::image || use == Use::document) && isOneOf(kPictures, type))
+        return dataOf(type, bytes);
+    if ((use == Use::font && isOneOf(kFonts, type)) || (use == Use::media && isOneOf(kMedia, type)))
+        return dataOf(type, bytes);
+    if (m_depth >= kDeepest)
+        return std::nullopt;
+    const References within(m_folder, m_depth + 1);
+    if (use == Use::style && type == "text/css")
+        return dataOf(type, guardedStyle(decodedStyle(viewOf(bytes), charset, {}).text, within));
+    if (use == Use::image && type == "image/svg+xml")
+        return keptDocument(type, bytes, charset);
+    return use == Use::document ? keptDocument(type, bytes, charset) : std::nullopt;
+}
+
+std::optional<std::string> References::keptDocument(std::string_view type, const std::string &bytes,
+                                                    std::string_view charset) const {
+    const References within(m_folder, m_depth + 1);
+    const std::string text =
+        decodePage(viewOf(bytes), fmt::format("Content-Type: x; charset={}", charset));
+    if (type == "text/html" || type == "application/xhtml+xml")
+        return dataOf("text/html", guardedPage(text, PageForm::html, within));
+    if (type == "image/svg+xml")
+        return dataOf(type, guardedPage(text, PageForm::svg, within));
+    if (type.empty() || type == "text/plain")
+        return dataOf("text/plain;charset=utf-8", text);
+    return std::nullopt;
+}
+
+} // namespace nv

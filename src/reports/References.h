@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace nv {
+
+/// What a browser makes of the thing that an address names.
+enum class Use : std::uint8_t {
+    image, ///< drawn, and never run: a picture that is a page of SVG fetches nothing
+    style,
+    font,
+    media,
+    document, ///< a frame, or what a click leads to
+};
+
+/// The names of the files that lie beside a page, without folders in front.
+struct PageFolder {
+    std::set<std::string, std::less<>> files;
+    std::set<std::string, std::less<>> styles; ///< those of them that were guarded as styles
+};
+
+/// Which references of a page may stay: those to files of its own folder, to places in itself, and
+/// data that the page itself holds. Whatever else there is goes, whether or not anybody knows that
+/// browsers fetch it.
+class References {
+  public:
+    /// `folder` must outlive it. `depth` counts the documents that this one lies in as data.
+    explicit References(const PageFolder &folder, int depth = 0)
+        : m_folder(folder), m_depth(depth) {}
+
+    /// The address in its plainest form; nothing when it has to go.
+    std::optional<std::string> kept(std::string_view address, Use use) const;
+
+    const PageFolder &folder() const { return m_folder; }
+    int depth() const { return m_depth; }
+
+  private:
+    std::optional<std::string> keptData(std::string_view data, Use use) const;
+    std::optional<std::string> keptDocument(std::string_view type, const std::string &bytes,
+                                            std::string_view charset) const;
+
+    const PageFolder &m_folder;
+    int m_depth;
+};
+
+} // namespace nv
