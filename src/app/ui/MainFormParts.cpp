@@ -22,6 +22,7 @@
 #include "app/ui/WindowLayout.h"
 #include "app/ui/Workbench.h"
 #include "base/Files.h"
+#include "platform/qt/AccessibleBoxes.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
@@ -42,6 +43,7 @@ namespace nv {
 MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     : m_program(program), m_dialogs(dialogs), m_commands(program, dialogs, *this), m_actions(this),
       m_menus(*this, m_actions) {
+    nameComboBoxes();
     setObjectName(QStringLiteral("MainForm"));
     setWindowIcon(icon("norvelane-logo"));
     setAcceptDrops(true);
