@@ -37,7 +37,7 @@ Bounds boundsOf(UrlColumn column) {
     case UrlColumn::WebpageTitle:
         return {14, 46};
     case UrlColumn::Host:
-        return {12, 34};
+        return {20, 34};
     default:
         return {0, 60};
     }

@@ -44,9 +44,11 @@ LayoutBar::LayoutBar(UrlGrid &grid, QWidget *parent) : QWidget(parent), m_grid(g
     more->setText(QStringLiteral("..."));
     more->setAccessibleName(tr("Layouts"));
     more->setToolTip(tr("Save, rename and delete layouts"));
-    more->setPopupMode(QToolButton::InstantPopup);
     more->setFocusPolicy(Qt::TabFocus);
-    more->setMenu(m_menu);
+    // A menu of the button's own would have an arrow drawn over its text.
+    connect(more, &QToolButton::clicked, this, [this, more] {
+        m_menu->popup(more->mapToGlobal(QPoint(0, more->height())));
+    });
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(label);

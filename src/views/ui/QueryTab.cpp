@@ -44,6 +44,8 @@ QWidget *under(const QString &title, QWidget *content) {
     column->setSpacing(3);
     auto *label = new QLabel(title);
     label->setBuddy(content);
+    constexpr int kLeastLines = 3; // so that the window fits small screens
+    content->setMinimumHeight(kLeastLines * content->fontMetrics().lineSpacing());
     content->setAccessibleName(QString(title).remove(u'&'));
     column->addWidget(label);
     column->addWidget(content, 1);
