@@ -46,9 +46,9 @@ struct ThisClass : QueryDefinitions {
     DatabaseClass ProjectDB;
 
     // Hosts and filters
-    bool FilterByHostEnabled = false; ///< until turned off, over projects
-    std::string FilterByHostValue;    ///< part of a host's name
-    FiltersClass Filters;             ///< over projects, but not kept between runs
+    bool FilterByHostEnabled = false;      ///< until turned off, over projects
+    std::string FilterByHostValue;         ///< part of a host's name
+    FiltersClass Filters = firstFilters(); ///< over projects, but not kept between runs
 
     // Viewers
     ViewerClass Viewer;

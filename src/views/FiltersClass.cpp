@@ -117,6 +117,14 @@ FilterFacts factsOf(const URLClass &record) {
 
 } // namespace
 
+FiltersClass firstFilters() {
+    FiltersClass filters;
+    for (const FilterFlag &each : kFlags)
+        if (each.group == Group::Source || each.group == Group::All)
+            filters.*each.flag = true;
+    return filters;
+}
+
 std::span<const FilterFlag> filterFlags() {
     return kFlags;
 }

@@ -65,6 +65,10 @@ struct FiltersClass {
     bool operator==(const FiltersClass &) const = default;
 };
 
+/// As a run of the program starts: off, and with every source and kind admitted, so that enabling
+/// them hides nothing yet.
+FiltersClass firstFilters();
+
 /// What the filters look at, in the form in which they compare it.
 struct FilterFacts {
     bool IsHistory = false;

@@ -9,6 +9,7 @@
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
+#include <sqlite3.h>
 
 #include <algorithm>
 #include <limits>
@@ -88,6 +89,14 @@ Walk admittedIds(SQLite::Database &database, const RowIds &sorted, const Filters
 
 } // namespace
 
+bool canRun(SQLite::Database &database, const IdQuery &query) {
+    sqlite3_stmt *statement = nullptr;
+    const int answer = sqlite3_prepare_v2(database.getHandle(), query.sql.c_str(),
+                                          static_cast<int>(query.sql.size()), &statement, nullptr);
+    sqlite3_finalize(statement);
+    return answer == SQLITE_OK;
+}
+
 Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &task, RowIds &ids) {
     constexpr std::size_t kRowsBetween = 4096;
     const ReadingOnly guard(database);
@@ -125,12 +134,13 @@ Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersCla
               TaskMonitor &task, FoundRows &found) {
     if (!filters.EnableFilters)
         return collectIds(database, query, task, found.ids);
+    const std::size_t before = found.ids.size();
     RowIds all;
     Walk walk = collectIds(database, query, task, all);
     if (walk == Walk::Finished)
         walk = filterIds(database, all, filters, task, found.ids);
     if (walk == Walk::Finished)
-        found.hidden = all.size() - found.ids.size();
+        found.hidden += all.size() - (found.ids.size() - before);
     return walk;
 }
 

@@ -19,6 +19,9 @@ using RowIds = std::vector<std::int32_t>;
 
 enum class Walk { Finished, Cancelled };
 
+/// Whether the database takes the statement: it may name columns that a stored query lacks.
+bool canRun(SQLite::Database &database, const IdQuery &query);
+
 /// Appends the ids that `query` gives, in its order. A statement that is still at work is cancelled
 /// too. What was appended before a cancel or a failure stays. Throws what the database says, and
 /// std::runtime_error for a row without an id or with one beyond 32 bits.
@@ -36,7 +39,8 @@ struct FoundRows {
     std::size_t hidden = 0; ///< that the filters took away; 0 while they are off
 };
 
-/// Both of the above. What was found before a cancel or a failure stays.
+/// Both of the above, behind what was found before. What was found before a cancel or a failure
+/// stays.
 Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersClass &filters,
               TaskMonitor &task, FoundRows &found);
 

@@ -130,6 +130,8 @@ std::string wordOf(const UrlRow &row, UrlColumn column, bool badPath) {
         return badPath ? std::string(kBadPath) : storedText(row, column);
     case CellRule::Icon:
         return std::string(RowCells::iconKeyOf(row));
+    case CellRule::Note:
+        return storedFlag(row, column) ? yesNo(true) : std::string();
     default:
         return {};
     }
@@ -148,13 +150,17 @@ bool RowCells::isBadPath(const UrlRow &row) {
 }
 
 std::string RowCells::dateText(const UrlRow &row, UrlColumn column) {
-    if (column != UrlColumn::ActionDateLocal)
+    const CellRule rule = factsOf(column).rule;
+    if (rule == CellRule::Date)
         return formatDate(storedDate(row, column), dates.DateTimeFormat());
+    DateSettings shown = dates;
+    if (rule == CellRule::LocalDate)
+        shown.currentYear = 0; // no date is too old for it
     std::string text;
     // Made of the UTC date: the stored local date is in the zone that the project had at the
     // import.
     m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)),
-                       [&] { text = zoneCell(row.actionDateUtc, m_zone, dates); });
+                       [&] { text = zoneCell(row.actionDateUtc, m_zone, shown); });
     return text;
 }
 
@@ -185,6 +191,7 @@ std::string RowCells::text(const UrlRow &row, UrlColumn column) {
         return {};
     case CellRule::Date:
     case CellRule::ZoneDate:
+    case CellRule::LocalDate:
         return dateText(row, column);
     case CellRule::FileCreated:
         return formatDate(storedDate(row, column), kWordyFormat);
@@ -213,6 +220,7 @@ MachineValue RowCells::machine(const UrlRow &row, UrlColumn column) {
     case CellRule::Tick:
         return row.tagged;
     case CellRule::Flag:
+    case CellRule::Note:
         return storedFlag(row, column);
     case CellRule::Number:
         return storedNumber(row, column);
@@ -223,6 +231,7 @@ MachineValue RowCells::machine(const UrlRow &row, UrlColumn column) {
         text = isoUtc(storedDate(row, column));
         break;
     case CellRule::ZoneDate:
+    case CellRule::LocalDate:
         text = zoneIso(row);
         break;
     default:

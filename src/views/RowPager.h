@@ -60,7 +60,7 @@ class RowPager {
     FailureLog &m_log;
     const RowIds &m_ids;
     std::vector<UrlColumn> m_columns;
-    std::array<bool, kUrlColumnCount> m_held{};
+    std::array<bool, kTableColumnCount> m_held{};
     std::unique_ptr<RowReader> m_reader;
     std::list<Page> m_pages; ///< the most recently used first
     std::size_t m_pagesRead = 0;

@@ -28,7 +28,7 @@ std::optional<int> numberIn(std::string_view text) {
 } // namespace
 
 TableLayout::TableLayout() {
-    for (const UrlColumnFacts &facts : kUrlColumns) {
+    for (const UrlColumnFacts &facts : kTableColumns) {
         at(facts.column) = {facts.shown == Shown::No, facts.widthTwips, std::string(facts.header)};
         m_order.push_back(facts.column);
     }
@@ -70,13 +70,16 @@ void TableLayout::FormatColumns(const URLTableColumns &columns) {
 }
 
 void TableLayout::restore(const Read &read) {
-    for (const UrlColumnFacts &facts : kUrlColumns) {
+    for (const UrlColumnFacts &facts : kTableColumns) {
         const std::string kept = read(nameOf(facts, "_ColIsHidden"));
         if (equalsNoCase(trim(kept), "True"))
             at(facts.column).hidden = true;
         else if (equalsNoCase(trim(kept), "False"))
             at(facts.column).hidden = false;
-        if (const auto width = numberIn(read(nameOf(facts, "_ColWidth"))))
+        const auto width = numberIn(read(nameOf(facts, "_ColWidth")));
+        if (width == 0)
+            fit(facts.column);
+        else if (width)
             setWidthTwips(facts.column, *width);
     }
     restorePositions(read);
@@ -86,7 +89,7 @@ void TableLayout::restore(const Read &read) {
 /// was; of two with one place the lower index stands first.
 void TableLayout::restorePositions(const Read &read) {
     std::vector<std::pair<int, UrlColumn>> kept;
-    for (const UrlColumnFacts &facts : kUrlColumns)
+    for (const UrlColumnFacts &facts : kTableColumns)
         if (const auto place = numberIn(read(nameOf(facts, "_ColPos"))); place && *place >= 0)
             kept.emplace_back(*place, facts.column);
     std::sort(kept.begin(), kept.end());
@@ -101,7 +104,7 @@ void TableLayout::restorePositions(const Read &read) {
 }
 
 void TableLayout::save(const Write &write) const {
-    for (const UrlColumnFacts &facts : kUrlColumns) {
+    for (const UrlColumnFacts &facts : kTableColumns) {
         const Place &place = at(facts.column);
         write(nameOf(facts, "_ColIsHidden"), place.hidden ? "True" : "False");
         write(nameOf(facts, "_ColPos"), std::to_string(position(facts.column)));

@@ -17,11 +17,14 @@ class TableLayout {
     using Read = std::function<std::string(std::string_view name)>;
     using Write = std::function<void(std::string_view name, std::string_view value)>;
 
-    /// As a new project shows the columns.
+    /// The documented columns in their order.
     TableLayout();
 
     bool hidden(UrlColumn column) const { return at(column).hidden; }
     void setHidden(UrlColumn column, bool hidden) { at(column).hidden = hidden; }
+    /// Whether the column is as wide as what it holds, until the examiner gives it a width.
+    bool isFitted(UrlColumn column) const { return at(column).widthTwips == 0; }
+    void fit(UrlColumn column) { at(column).widthTwips = 0; }
     /// A column that is shown is never so narrow that it can't be seen.
     int widthTwips(UrlColumn column) const;
     /// Values that no column can have are ignored.
@@ -44,17 +47,20 @@ class TableLayout {
     void restore(const Read &read);
     void save(const Write &write) const;
 
+    bool operator==(const TableLayout &) const = default;
+
   private:
     struct Place {
         bool hidden = false;
         int widthTwips = 0;
         std::string header;
+        bool operator==(const Place &) const = default;
     };
     Place &at(UrlColumn column) { return m_places.at(indexOf(column)); }
     const Place &at(UrlColumn column) const { return m_places.at(indexOf(column)); }
     void restorePositions(const Read &read);
 
-    std::array<Place, kUrlColumnCount> m_places;
+    std::array<Place, kTableColumnCount> m_places;
     std::vector<UrlColumn> m_order;
 };
 

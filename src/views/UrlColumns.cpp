@@ -14,7 +14,7 @@ using R = CellRule;
 } // namespace
 
 // clang-format off
-constexpr std::array<UrlColumnFacts, kUrlColumnCount> kUrlColumns = {{
+constexpr std::array<UrlColumnFacts, kTableColumnCount> kTableColumns = {{
     {C::Tag, "COL_URL_TAG", "", 1000, Shown::Yes, R::Tick, "Tagged"},
     {C::Icon, "COL_URL_ICON", "Icon", 600, Shown::Yes, R::Icon, ""},
     {C::Id, "COL_URL_ID", "URL ID", 800, Shown::Yes, R::Number, "URL_ID"},
@@ -66,26 +66,37 @@ constexpr std::array<UrlColumnFacts, kUrlColumnCount> kUrlColumns = {{
     {C::TimeAdded, "COL_URL_TIME_ADDED", "Time Added", 2300, Shown::Yes, R::Date, "TimeAdded"},
     {C::FileId, "COL_URL_FILEID", "", 0, Shown::No, R::Number, "SourceFile_ID"},
     {C::LastVisited, "COL_URL_LAST_VISITED", "", 0, Shown::No, R::Date, "LastVisited"},
+    {C::LocalDate, "COL_URL_LOCAL_DATE", "Local Date", 2200, Shown::No, R::LocalDate, "ActionDateLocal"},
+    {C::Note, "COL_URL_NOTE", "Note", 800, Shown::No, R::Note, "Notes"},
 }};
 // clang-format on
 
+constexpr std::span<const UrlColumnFacts, kUrlColumnCount> kUrlColumns =
+    std::span(kTableColumns).first<kUrlColumnCount>();
+
 const UrlColumnFacts &factsOf(UrlColumn column) {
-    return kUrlColumns.at(indexOf(column));
+    return kTableColumns.at(indexOf(column));
+}
+
+bool isDate(UrlColumn column) {
+    const CellRule rule = factsOf(column).rule;
+    return rule == CellRule::Date || rule == CellRule::ZoneDate || rule == CellRule::LocalDate ||
+           rule == CellRule::FileCreated;
 }
 
 std::vector<std::string_view> columnKeys() {
     std::vector<std::string_view> keys;
-    keys.reserve(kUrlColumnCount);
-    for (const UrlColumnFacts &facts : kUrlColumns)
+    keys.reserve(kTableColumnCount);
+    for (const UrlColumnFacts &facts : kTableColumns)
         keys.push_back(facts.key);
     return keys;
 }
 
 std::optional<UrlColumn> columnOfKey(std::string_view key) {
     const auto found =
-        std::find_if(kUrlColumns.begin(), kUrlColumns.end(),
+        std::find_if(kTableColumns.begin(), kTableColumns.end(),
                      [key](const UrlColumnFacts &facts) { return equalsNoCase(facts.key, key); });
-    if (found == kUrlColumns.end())
+    if (found == kTableColumns.end())
         return std::nullopt;
     return found->column;
 }
@@ -104,6 +115,8 @@ URLTableColumns defaultUrlColumns() {
 std::string headerText(UrlColumn column, const TimeZoneClass &zone) {
     if (column == UrlColumn::ActionDateLocal)
         return "Action Date Local\n" + zoneHeading(zone);
+    if (column == UrlColumn::LocalDate)
+        return "Local Date\n" + zoneHeading(zone);
     return std::string(factsOf(column).header);
 }
 

@@ -7,13 +7,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace nv {
 
-/// The columns of the URL table; the value is the documented index.
+/// The columns of the URL table; the value is the documented index. The last two came later: lists
+/// of "all columns" go without them.
 enum class UrlColumn : std::uint8_t {
     Tag,
     Icon,
@@ -66,8 +68,11 @@ enum class UrlColumn : std::uint8_t {
     TimeAdded,
     FileId,
     LastVisited,
+    LocalDate, ///< of any age, unlike ActionDateLocal
+    Note,
 };
-inline constexpr std::size_t kUrlColumnCount = 51;
+inline constexpr std::size_t kUrlColumnCount = 51;   ///< documented ones
+inline constexpr std::size_t kTableColumnCount = 53; ///< all that the table can show
 
 constexpr std::size_t indexOf(UrlColumn column) {
     return static_cast<std::size_t>(column);
@@ -82,6 +87,7 @@ enum class CellRule : std::uint8_t {
     YesNo,
     Date,
     ZoneDate,
+    LocalDate,
     FileCreated,
     RebuiltTime, ///< a text that stands for a date
     Tick,
@@ -90,6 +96,7 @@ enum class CellRule : std::uint8_t {
     Type,
     Rebuilt,
     Status,
+    Note, ///< "Yes" when the examiner has noted something
 };
 
 enum class Shown : std::uint8_t { Yes, No };
@@ -106,9 +113,13 @@ struct UrlColumnFacts {
 };
 
 /// All columns, in order of their index.
-extern const std::array<UrlColumnFacts, kUrlColumnCount> kUrlColumns;
+extern const std::array<UrlColumnFacts, kTableColumnCount> kTableColumns;
+/// The documented ones.
+extern const std::span<const UrlColumnFacts, kUrlColumnCount> kUrlColumns;
 
 const UrlColumnFacts &factsOf(UrlColumn column);
+/// Whether the cell is a date by which rows can be sorted.
+bool isDate(UrlColumn column);
 /// Of all columns, in order of their index.
 std::vector<std::string_view> columnKeys();
 /// By key, without regard to case.
@@ -131,10 +142,10 @@ struct ColumnClass {
 using URLTableColumns = KeyedList<ColumnClass>;
 using SelectedColumns = KeyedList<ColumnClass>;
 
-/// The columns as a new project shows them.
+/// The documented columns with their first widths.
 URLTableColumns defaultUrlColumns();
 
-/// The text of a header cell; that of the local date has a second line that names the zone's
+/// The text of a header cell; that of a local date has a second line that names the zone's
 /// offset.
 std::string headerText(UrlColumn column, const TimeZoneClass &zone);
 

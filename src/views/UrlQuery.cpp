@@ -48,7 +48,52 @@ std::string_view hostCondition(const RowChoice &rows) {
     return filtersByHost(rows) ? " WHERE Host LIKE ?" : "";
 }
 
+std::string sortKey(UrlColumn column, bool undatedLast) {
+    const UrlColumnFacts &facts = factsOf(column);
+    if (facts.rule == CellRule::Rebuilt)
+        return "(CacheFileRebuilt <> 0 OR IngredientIDs <> '' OR length(CacheFileRebuiltBLOB) > 0)";
+    if (facts.rule == CellRule::Note) // rows with a note come first
+        return fmt::format("(ifnull([{}], '') = '')", facts.source);
+    if (undatedLast && column == UrlColumn::ExpiryDate) // 0 was written for "never set"
+        return fmt::format("nullif([{}], 0)", facts.source);
+    return fmt::format("[{}]", facts.source);
+}
+
+/// The date column that stands first behind the last ORDER BY; empty when none does.
+std::string_view dateOrderOf(std::string_view sql) {
+    constexpr std::string_view kOrderBy = "ORDER BY ";
+    const std::string upper = replaceAll(replaceAll(toUpper(sql), "\r", " "), "\n", " ");
+    const std::size_t at = upper.rfind(kOrderBy);
+    if (at == std::string::npos)
+        return {};
+    std::string key(trim(std::string_view(upper).substr(at + kOrderBy.size())));
+    key = key.substr(0, key.find_first_of(" ,;)"));
+    std::erase_if(key, [](char c) { return c == '[' || c == ']' || c == '"'; });
+    key = key.substr(key.rfind('.') + 1);
+    for (const UrlColumnFacts &facts : kUrlColumns)
+        if (isDate(facts.column) && equalsNoCase(facts.source, key))
+            return facts.source;
+    return {};
+}
+
 } // namespace
+
+std::string sortText(const ColumnSort &sort) {
+    return fmt::format("{} {}", factsOf(sort.column).key,
+                       sort.direction == SortDirection::Ascending ? "ASC" : "DESC");
+}
+
+std::optional<ColumnSort> sortIn(std::string_view text) {
+    const auto parts = split(trim(text), ' ');
+    const auto column = parts.size() == 2 ? columnOfKey(parts[0]) : std::nullopt;
+    if (!column || !isSortable(*column))
+        return std::nullopt;
+    if (equalsNoCase(parts[1], "ASC"))
+        return ColumnSort{*column, SortDirection::Ascending};
+    if (equalsNoCase(parts[1], "DESC"))
+        return ColumnSort{*column, SortDirection::Descending};
+    return std::nullopt;
+}
 
 std::string hostPattern(std::string_view host) {
     std::string pattern = "%";
@@ -73,17 +118,28 @@ IdQuery loadQuery(const RowChoice &rows) {
     return {fmt::format("SELECT URL_ID FROM ({})", queryText(rows)), boundOf(rows)};
 }
 
+std::vector<IdQuery> undatedLastQueries(const RowChoice &rows, std::string_view queryText) {
+    // The host filter brings an order of its own.
+    const std::string_view date = filtersByHost(rows) ? "ActionDateLocal" : dateOrderOf(queryText);
+    if (date.empty())
+        return {};
+    IdQuery dated = loadQuery(rows);
+    IdQuery undated = dated;
+    dated.sql += fmt::format(" WHERE [{}] IS NOT NULL", date);
+    undated.sql += fmt::format(" WHERE [{}] IS NULL", date);
+    return {std::move(dated), std::move(undated)};
+}
+
 bool isSortable(UrlColumn column) {
     return factsOf(column).rule == CellRule::Rebuilt || !factsOf(column).source.empty();
 }
 
-IdQuery sortQuery(const RowChoice &rows, UrlColumn column, SortDirection direction) {
-    const UrlColumnFacts &facts = factsOf(column);
-    const std::string key = facts.rule == CellRule::Rebuilt ? std::string(kRebuiltCondition)
-                                                            : fmt::format("[{}]", facts.source);
-    return {fmt::format("SELECT URL_ID FROM {}{} ORDER BY {} {}, URL_ID ASC", activeQuery(rows),
-                        hostCondition(rows), key,
-                        direction == SortDirection::Ascending ? "ASC" : "DESC"),
+IdQuery sortQuery(const RowChoice &rows, const ColumnSort &sort, Undated undated) {
+    const bool last = undated == Undated::Last && isDate(sort.column);
+    return {fmt::format("SELECT URL_ID FROM {}{} ORDER BY {} {}{}, URL_ID ASC", activeQuery(rows),
+                        hostCondition(rows), sortKey(sort.column, last),
+                        sort.direction == SortDirection::Ascending ? "ASC" : "DESC",
+                        last ? " NULLS LAST" : ""),
             boundOf(rows)};
 }
 

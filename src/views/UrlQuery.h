@@ -3,8 +3,10 @@
 #include "views/UrlColumns.h"
 
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 
@@ -26,6 +28,18 @@ inline constexpr std::string_view kRebuiltCondition =
     "(CacheFileRebuilt <> 0 OR IngredientIDs <> '' OR length(CacheFileRebuiltBLOB) > 0)";
 
 enum class SortDirection { Ascending, Descending };
+struct ColumnSort {
+    UrlColumn column;
+    SortDirection direction;
+    bool operator==(const ColumnSort &) const = default;
+};
+/// As the project keeps it: "COL_URL_HOST DESC".
+std::string sortText(const ColumnSort &sort);
+/// Nothing for a text that isn't one, or names a column without an order.
+std::optional<ColumnSort> sortIn(std::string_view text);
+
+/// Where rows without a date stand among others that are sorted by it.
+enum class Undated { AsTheQueryHasThem, Last };
 
 /// The entries of the `Sort By` menu.
 enum class SortChoice { UrlFileName, FileSize, Url, Extension, Visits, HostAndVisits, HostAndDate };
@@ -42,10 +56,13 @@ std::string queryText(const RowChoice &rows);
 std::string hostPattern(std::string_view host);
 
 IdQuery loadQuery(const RowChoice &rows);
+/// The same rows in two statements, the later one for those without the date that `queryText` (of
+/// the active query) sorts by; empty when it sorts by something else.
+std::vector<IdQuery> undatedLastQueries(const RowChoice &rows, std::string_view queryText);
 /// Icons and counts of links have no order.
 bool isSortable(UrlColumn column);
 /// The same rows by one column; equal ones by URL_ID. Only for sortable columns.
-IdQuery sortQuery(const RowChoice &rows, UrlColumn column, SortDirection direction);
+IdQuery sortQuery(const RowChoice &rows, const ColumnSort &sort, Undated undated);
 /// All of `URLs` in the order of the menu's entry; a host filter still holds.
 IdQuery sortQuery(const RowChoice &rows, SortChoice choice);
 

@@ -38,7 +38,13 @@ bool holdsText(CellRule rule) {
 /// The other rules make do with the facts.
 bool holdsStored(CellRule rule) {
     return holdsText(rule) || rule == CellRule::Number || rule == CellRule::Flag ||
-           rule == CellRule::Date || rule == CellRule::FileCreated;
+           rule == CellRule::Date || rule == CellRule::FileCreated || rule == CellRule::Note;
+}
+
+std::string storedIn(const UrlColumnFacts &facts) {
+    if (facts.rule == CellRule::Note) // a note may be long: its cell only says that there is one
+        return fmt::format("({} <> '')", facts.source);
+    return holdsText(facts.rule) ? cutText(facts.source, kCellBytes) : std::string(facts.source);
 }
 
 StoredValue valueIn(const SQLite::Column &column) {
@@ -98,8 +104,7 @@ RowReader::RowReader(SQLite::Database &database, std::span<const UrlColumn> colu
         if (!holdsStored(facts.rule))
             continue;
         m_stored.push_back(column);
-        select += ", ";
-        select += holdsText(facts.rule) ? cutText(facts.source, kCellBytes) : facts.source;
+        select += ", " + storedIn(facts);
     }
     select += " FROM URLs WHERE URL_ID = ?";
     m_row = std::make_unique<SQLite::Statement>(database, select);

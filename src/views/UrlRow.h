@@ -42,7 +42,7 @@ struct UrlRow {
     std::string historyFilePath;
     Date actionDateUtc;
     std::int64_t links = 0; ///< counted only when that column was asked for
-    std::array<StoredValue, kUrlColumnCount> stored;
+    std::array<StoredValue, kTableColumnCount> stored;
 };
 
 /// Reads rows by their key with one prepared statement that names only what the columns need.
@@ -61,7 +61,7 @@ class RowReader {
     std::int64_t linksOf(const UrlRow &row);
 
     std::vector<UrlColumn> m_stored; ///< in the order of the statement
-    std::array<bool, kUrlColumnCount> m_reads{};
+    std::array<bool, kTableColumnCount> m_reads{};
     std::unique_ptr<SQLite::Statement> m_row;
     std::unique_ptr<SQLite::Statement> m_linksToChild;
     std::unique_ptr<SQLite::Statement> m_linksOfParent;

@@ -48,7 +48,7 @@ LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
     FoundRows found;
     const LoadResult result = attempt([&] {
         m_pager.prepare();
-        return prepareProject(task) ? fill(loadQuery(choice), task, found) : Walk::Cancelled;
+        return prepareProject(task) ? fill(loadQueries(), task, found) : Walk::Cancelled;
     });
     take(std::move(found));
     m_empty = whyEmpty(result);
@@ -70,8 +70,34 @@ bool UrlTable::prepareProject(TaskMonitor &task) {
     return goOn;
 }
 
-Walk UrlTable::fill(const IdQuery &query, TaskMonitor &task, FoundRows &found) {
-    return findRows(m_project, query, Filters, task, found);
+/// What gives the rows, one statement after another.
+std::vector<IdQuery> UrlTable::loadQueries() {
+    if (sort && isSortable(sort->column)) {
+        IdQuery sorted = sortQuery(choice, *sort, undated);
+        if (canRun(m_project, sorted)) {
+            m_columnSort = sort;
+            return {std::move(sorted)};
+        }
+    }
+    return ownOrder();
+}
+
+std::vector<IdQuery> UrlTable::ownOrder() {
+    if (undated == Undated::Last) {
+        const auto text = StoredQueries(m_project).text(
+            choice.ActiveQueryName.empty() ? kDefaultQueryName : choice.ActiveQueryName);
+        auto queries = undatedLastQueries(choice, text.value_or(""));
+        if (!queries.empty() && canRun(m_project, queries.front()))
+            return queries;
+    }
+    return {loadQuery(choice)};
+}
+
+Walk UrlTable::fill(const std::vector<IdQuery> &queries, TaskMonitor &task, FoundRows &found) {
+    for (const IdQuery &query : queries)
+        if (findRows(m_project, query, Filters, task, found) == Walk::Cancelled)
+            return Walk::Cancelled;
+    return Walk::Finished;
 }
 
 LoadResult UrlTable::attempt(const std::function<Walk()> &work) {
@@ -109,7 +135,7 @@ LoadResult UrlTable::sortInto(const IdQuery &query, TaskMonitor &task) {
     describeLoad(task);
     const Busy busy(m_busy);
     FoundRows sorted;
-    const LoadResult result = attempt([&] { return fill(query, task, sorted); });
+    const LoadResult result = attempt([&] { return fill({query}, task, sorted); });
     if (result != LoadResult::Loaded)
         return result;
     take(std::move(sorted));
@@ -122,14 +148,18 @@ LoadResult UrlTable::sortInto(const IdQuery &query, TaskMonitor &task) {
 LoadResult UrlTable::sortBy(UrlColumn column, SortDirection direction, TaskMonitor &task) {
     if (!isSortable(column))
         return LoadResult::Loaded;
-    const LoadResult result = sortInto(sortQuery(choice, column, direction), task);
+    const ColumnSort wanted{column, direction};
+    const LoadResult result = sortInto(sortQuery(choice, wanted, undated), task);
     if (result == LoadResult::Loaded)
-        m_columnSort = ColumnSort{column, direction};
+        sort = m_columnSort = wanted;
     return result;
 }
 
 LoadResult UrlTable::sortBy(SortChoice order, TaskMonitor &task) {
-    return sortInto(sortQuery(choice, order), task);
+    const LoadResult result = sortInto(sortQuery(choice, order), task);
+    if (result == LoadResult::Loaded)
+        sort.reset();
+    return result;
 }
 
 UrlId UrlTable::idAt(std::size_t place) const {

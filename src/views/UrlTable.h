@@ -30,11 +30,6 @@ enum class EmptyState {
     Failed,
 };
 
-struct ColumnSort {
-    UrlColumn column;
-    SortDirection direction;
-};
-
 enum class FindEnd { found, notThere, cancelled };
 struct FindResult {
     FindEnd end = FindEnd::notThere;
@@ -55,6 +50,10 @@ class UrlTable {
     RowChoice choice;
     std::string RootPath; ///< the project's base folder; empty mends no rows
     FiltersClass Filters; ///< as the program's stand at the load
+    Undated undated = Undated::AsTheQueryHasThem;
+    /// The column of the examiner's choice: it holds over the query's order, and a sort sets it. A
+    /// query without that column has its own order all the same.
+    std::optional<ColumnSort> sort;
 
     /// Other tabs set and read it: true when the rows are no longer those that they show.
     bool RecordsetDirty = false;
@@ -130,7 +129,9 @@ class UrlTable {
         bool &m_flag;
     };
     bool prepareProject(TaskMonitor &task);
-    Walk fill(const IdQuery &query, TaskMonitor &task, FoundRows &found);
+    std::vector<IdQuery> loadQueries();
+    std::vector<IdQuery> ownOrder();
+    Walk fill(const std::vector<IdQuery> &queries, TaskMonitor &task, FoundRows &found);
     LoadResult attempt(const std::function<Walk()> &work);
     void take(FoundRows &&found);
     LoadResult sortInto(const IdQuery &query, TaskMonitor &task);

@@ -54,6 +54,32 @@ void loadAndShowFirstRows(benchmark::State &state) {
 }
 BENCHMARK(loadAndShowFirstRows)->Unit(benchmark::kMillisecond);
 
+/// The same in a layout that has rows without a date at the end: two statements over the index.
+void loadWithRowsWithoutADateLast(benchmark::State &state) {
+    BigProject &big = bigProject();
+    const TimeZoneClass zone{Date::fromDays(40000)};
+    for (auto _ : state) {
+        UrlTable table(big.project.connection(), big.project.log, zone);
+        table.undated = Undated::Last;
+        table.LoadURLs(big.task);
+        lookAtScreen(table, 0);
+    }
+}
+BENCHMARK(loadWithRowsWithoutADateLast)->Unit(benchmark::kMillisecond);
+
+/// With the order of a heading, which now holds over every load.
+void loadSorted(benchmark::State &state, UrlColumn column) {
+    BigProject &big = bigProject();
+    const TimeZoneClass zone{Date::fromDays(40000)};
+    UrlTable table(big.project.connection(), big.project.log, zone);
+    table.undated = Undated::Last;
+    table.sort = ColumnSort{column, SortDirection::Descending};
+    for (auto _ : state)
+        table.LoadURLs(big.task);
+}
+BENCHMARK_CAPTURE(loadSorted, byDate, UrlColumn::LocalDate)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(loadSorted, byHost, UrlColumn::Host)->Unit(benchmark::kMillisecond);
+
 /// A screen of rows anywhere in the list, as dragging the scroll bar shows it.
 void showAScreenAnywhere(benchmark::State &state) {
     BigProject &big = bigProject();

@@ -31,6 +31,7 @@ class FiltersTest : public QObject {
     void cleanup();
 
     void theDialogHasABoxForEachFlagAndReturnsThem();
+    void aRunStartsWithEverySourceAndShowAllTicked();
     void nothingButTheSwitchIsLiveWhileFiltersAreOff();
     void showAllGivesItsStateToEveryBox();
     void theDialogStaysWithoutADataSource();
@@ -99,6 +100,7 @@ void press(QDialog &form, QDialogButtonBox::StandardButton button) {
 
 void FiltersTest::filterBy(const QStringList &boxes) {
     whenShown<FilterForm>([&](FilterForm &form) {
+        child<QCheckBox>(form, "chkShowAll").setChecked(false); // and all the others with it
         child<QCheckBox>(form, "chkEnableFilters").setChecked(true);
         for (QCheckBox *each : form.findChildren<QCheckBox *>())
             if (each->objectName() != QStringLiteral("chkEnableFilters") &&
@@ -121,6 +123,21 @@ void FiltersTest::theDialogHasABoxForEachFlagAndReturnsThem() {
         QCOMPARE(flagBox->isChecked(), filters.*each.flag);
         QVERIFY(!flagBox->toolTip().isEmpty());
     }
+}
+
+void FiltersTest::aRunStartsWithEverySourceAndShowAllTicked() {
+    whenShown<FilterForm>([](FilterForm &form) {
+        for (const char *name : {"chkShowHistoryURLs", "chkShowCacheURLs", "chkShowCookies",
+                                 "chkShowBookmarks", "chkShowAll"})
+            QVERIFY2(child<QCheckBox>(form, name).isChecked(), name);
+        QVERIFY(!child<QCheckBox>(form, "chkEnableFilters").isChecked());
+        QVERIFY(!child<QCheckBox>(form, "chkShowGIF").isChecked());
+        child<QCheckBox>(form, "chkEnableFilters").setChecked(true);
+        press(form, QDialogButtonBox::Ok);
+    });
+    const int all = rows();
+    trigger(*m_form, "actFilters");
+    QCOMPARE(rows(), all);
 }
 
 void FiltersTest::nothingButTheSwitchIsLiveWhileFiltersAreOff() {
@@ -147,6 +164,7 @@ void FiltersTest::showAllGivesItsStateToEveryBox() {
 
 void FiltersTest::theDialogStaysWithoutADataSource() {
     whenShown<FilterForm>([this](FilterForm &form) {
+        child<QCheckBox>(form, "chkShowAll").setChecked(false);
         child<QCheckBox>(form, "chkEnableFilters").setChecked(true);
         child<QCheckBox>(form, "chkShowGIF").setChecked(true);
         press(form, QDialogButtonBox::Ok);
@@ -166,11 +184,11 @@ void FiltersTest::theDialogStaysWithoutADataSource() {
 void FiltersTest::cancelChangesNothing() {
     whenShown<FilterForm>([](FilterForm &form) {
         child<QCheckBox>(form, "chkEnableFilters").setChecked(true);
-        child<QCheckBox>(form, "chkShowAll").setChecked(true);
+        child<QCheckBox>(form, "chkShowAll").setChecked(false);
         press(form, QDialogButtonBox::Cancel);
     });
     trigger(*m_form, "actFilters");
-    QVERIFY(state().Filters == FiltersClass());
+    QVERIFY(state().Filters == firstFilters());
 }
 
 void FiltersTest::theFiltersHideRowsAndASignSaysSo() {
@@ -249,8 +267,7 @@ void FiltersTest::theHostsStandInTheirOrder() {
 
 void FiltersTest::aTickedHeadingFiltersByTheHost() {
     trigger(*m_form, "actHosts");
-    clickTick();
-    QVERIFY(header().isTicked());
+    QVERIFY2(header().isTicked(), "a click on a host shows it from the start");
     QVERIFY2(!state().FilterByHostEnabled, "only a host turns it on");
     clickHost(QStringLiteral("a.example"));
     QVERIFY(state().FilterByHostEnabled);
@@ -267,6 +284,7 @@ void FiltersTest::aTickedHeadingFiltersByTheHost() {
 void FiltersTest::withoutTheTickGoingToAHostReloadsNothing() {
     trigger(*m_form, "actHosts");
     const int all = rows();
+    clickTick();
     clickHost(QStringLiteral("a.example"));
     QVERIFY(!state().FilterByHostEnabled);
     QCOMPARE(rows(), all);
@@ -276,7 +294,6 @@ void FiltersTest::withoutTheTickGoingToAHostReloadsNothing() {
 void FiltersTest::takingTheTickAwayTurnsTheFilterOffAtOnceButReloadsNothing() {
     trigger(*m_form, "actHosts");
     const int all = rows();
-    clickTick();
     clickHost(QStringLiteral("a.example"));
     clickTick();
     QVERIFY(!state().FilterByHostEnabled);
@@ -312,15 +329,17 @@ void FiltersTest::theHostBoxAndTheListAgree() {
     QCOMPARE(child<QLineEdit>(*m_form, "txtGalleryHost").text(), QStringLiteral("a.ex"));
     box().clear();
     QCOMPARE(rows(), all);
-    QVERIFY(!state().FilterByHostEnabled && !header().isTicked());
+    QVERIFY(!state().FilterByHostEnabled);
+    QVERIFY2(header().isTicked(), "the next click on a host shows it");
     QCOMPARE(child<QLineEdit>(*m_form, "txtGalleryHost").text(), QString());
+    clickHost(QStringLiteral("a.example"));
+    QCOMPARE(rows(), 1);
 }
 
 void FiltersTest::theFrontTabDecidesWhatReloads() {
     trigger(*m_form, "actHosts");
     const int all = rows();
     dataTabs().setCurrentWidget(&child<GalleryTab>(*m_form, "GalleryTab"));
-    clickTick();
     clickHost(QStringLiteral("a.example"));
     QCOMPARE(rows(), all);
     QCOMPARE(child<QLineEdit>(*m_form, "txtGalleryHost").text(), QStringLiteral("a.example"));
@@ -330,7 +349,6 @@ void FiltersTest::theFrontTabDecidesWhatReloads() {
 
 void FiltersTest::theHostFilterLastsUntilItIsTurnedOff() {
     trigger(*m_form, "actHosts");
-    clickTick();
     clickHost(QStringLiteral("a.example"));
     trigger(*m_form, "actClose");
     QCOMPARE(hostGrid().model()->rowCount(), 0);

@@ -96,6 +96,9 @@ void TableTabTest::aTickShowsInTheStatusBarAtOnce() {
 }
 
 void TableTabTest::copiedRowsAreTheShownColumnsWithHeadings() {
+    auto &layouts = child<QComboBox>(*m_form, "cbLayout");
+    layouts.setCurrentText(QStringLiteral("Classic"));
+    emit layouts.activated(layouts.currentIndex());
     for (const UrlColumnFacts &facts : kUrlColumns)
         if (facts.column != UrlColumn::Value && facts.column != UrlColumn::Action)
             grid().hideColumn(facts.column);
@@ -242,7 +245,7 @@ void TableTabTest::hostileTextIsShownWithStandIns() {
 void TableTabTest::theColumnsDialogSearchesMovesAndStartsAnew() {
     TableLayout layout;
     layout.setHidden(UrlColumn::Host, true);
-    ColumnsForm form(layout);
+    ColumnsForm form(layout, TableLayout());
     auto &list = child<QListWidget>(form, "lstColumns");
     QTest::keyClicks(&child<QLineEdit>(form, "txtColumnSearch"), QStringLiteral("host"));
     int shown = 0;
@@ -262,7 +265,7 @@ void TableTabTest::theColumnsDialogSearchesMovesAndStartsAnew() {
 }
 
 void TableTabTest::columnsWithoutHeadingsHaveNames() {
-    for (const UrlColumnFacts &facts : kUrlColumns)
+    for (const UrlColumnFacts &facts : kTableColumns)
         QVERIFY2(!columnTitle(facts.column).isEmpty(), std::string(facts.key).c_str());
 }
 

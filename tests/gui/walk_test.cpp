@@ -66,7 +66,13 @@ class WalkTest : public QObject {
     QTabWidget &viewers() { return child<QTabWidget>(*m_form, "viewerTabs"); }
     void bringUp(const char *pane) { viewers().setCurrentWidget(&child<QWidget>(*m_form, pane)); }
     QString front() { return viewers().currentWidget()->objectName(); }
+    /// In the layout that shows the column.
     QPoint placeOf(int row, UrlColumn column) {
+        if (grid().isColumnHidden(UrlModel::sectionOf(column))) {
+            auto &layouts = child<QComboBox>(*m_form, "cbLayout");
+            layouts.setCurrentText(QStringLiteral("Classic"));
+            emit layouts.activated(layouts.currentIndex());
+        }
         const QModelIndex cell = grid().model()->index(row, UrlModel::sectionOf(column));
         grid().scrollTo(cell);
         return grid().visualRect(cell).center();

@@ -6,6 +6,7 @@
 #include "app/cli/RowCheck.h"
 #include "base/Files.h"
 #include "rebuild/Harvest.h"
+#include "rebuild/LocalNames.h"
 #include "rebuild/TemplateList.h"
 #include "rebuild/Templates.h"
 

@@ -35,6 +35,7 @@ QStringList cellsOf(const TrailEntry &entry) {
 QTreeWidget *newList() {
     auto *list = new QTreeWidget;
     list->setObjectName(QStringLiteral("lstTrail"));
+    list->setAccessibleName(CaseTrailForm::tr("What was done with the case"));
     list->setHeaderLabels(
         {CaseTrailForm::tr("Date [UTC]"), CaseTrailForm::tr("Action"), CaseTrailForm::tr("Rows"),
          CaseTrailForm::tr("Detail"), CaseTrailForm::tr("File"), CaseTrailForm::tr("Bytes"),

@@ -113,7 +113,10 @@ void HostsPart::takeEntered(const QString &host) {
     ThisClass &state = m_bench.program.thisClass;
     state.FilterByHostEnabled = !host.isEmpty();
     state.FilterByHostValue = fromQt(host);
-    m_pane->setTicked(state.FilterByHostEnabled);
+    if (state.FilterByHostEnabled)
+        m_pane->setTicked(true);
+    else
+        m_pane->forgetChoice();
     showFilter();
 }
 

@@ -176,13 +176,12 @@ void MainForm::setCaption(const std::string &caption) {
 void MainForm::restoreLayout() {
     SQLite::Database &project = m_program.thisClass.ProjectDB.connection();
     const ProjectFields fields(project, m_program.log);
-    TableLayout layout;
     const auto failure = failureOf(m_program.log, "MainForm.FormatColumns()", [&] {
-        layout.restore([&fields](std::string_view name) { return fields.GetDefault(name); });
+        m_table->restoreLayout(
+            [&fields](std::string_view name) { return fields.GetDefault(name); });
     });
     if (failure)
         m_program.around.examiner.tell(messages::columnsFailed(*failure));
-    m_table->grid().setTableLayout(layout);
     m_table->openProject(project, m_program.log, m_program.thisClass.GMTZone);
     emit m_bench->projectOpened();
     showQuickQueries();
@@ -200,7 +199,7 @@ void MainForm::saveLayout() {
     if (m_program.thisClass.ProjectDB.isReadOnly())
         return;
     WriteBatch batch(project);
-    m_table->grid().tableLayout().save([&fields](std::string_view name, std::string_view value) {
+    m_table->saveLayout([&fields](std::string_view name, std::string_view value) {
         fields.SaveDefaultSetting(name, value);
     });
     batch.commit();

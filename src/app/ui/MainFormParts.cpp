@@ -23,6 +23,7 @@
 #include "app/ui/WindowLayout.h"
 #include "app/ui/Workbench.h"
 #include "base/Files.h"
+#include "platform/qt/AccessibleBoxes.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 #include "views/CellText.h"
@@ -43,10 +44,11 @@ namespace nv {
 MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     : m_program(program), m_dialogs(dialogs), m_commands(program, dialogs, *this), m_actions(this),
       m_menus(*this, m_actions) {
+    nameComboBoxes();
     setObjectName(QStringLiteral("MainForm"));
     setWindowIcon(icon("norvelane-logo"));
     setAcceptDrops(true);
-    resize(1280, 820);
+    resizeWithinScreen(*this, {1280, 820});
     m_pages = new QStackedWidget;
     m_pages->setObjectName(QStringLiteral("mainPages"));
     m_pages->addWidget(new WelcomePage(*m_actions.newProject, *m_actions.openProject));
@@ -139,8 +141,9 @@ void MainForm::buildStatusBar() {
     };
     m_status = {add("labRows", 0),  add("labTagged", 0), add("labNotice", 1),
                 add("labQuery", 0), add("labZone", 0),   add("labBase", 1)};
-    // A long notice is cut instead of making the window wider; its tooltip is whole.
-    m_status.notice->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    // Long texts are cut instead of making the window wider; their tooltips are whole.
+    for (QLabel *label : {m_status.notice, m_status.base})
+        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
 void MainForm::connectFileActions() {
@@ -225,11 +228,16 @@ void MainForm::showStatus() {
     m_status.rows->setText(tr("Rows: %L1").arg(table->rowCount()));
     m_status.tagged->setText(tr("Tagged: %L1").arg(m_table->taggedCount()));
     const QString query = m_table->queryName();
-    m_status.query->setText(tr("Query: %1").arg(query.isEmpty() ? tr("Default") : query));
+    constexpr int kWidestQuery = 200; // pixels
+    m_status.query->setText(m_status.query->fontMetrics().elidedText(
+        tr("Query: %1").arg(query.isEmpty() ? tr("Default") : query), Qt::ElideRight,
+        kWidestQuery));
+    m_status.query->setToolTip(Qt::convertFromPlainText(query));
     m_status.zone->setText(tr("Zone: %1").arg(toQt(state.GMTZone.GetBiasAsTime(0))));
     const std::string base = textOf(state.RootPath);
     m_status.base->setText(
         tr("Base folder: %1").arg(base.empty() ? tr("none") : toQt(displayText(base))));
+    m_status.base->setToolTip(Qt::convertFromPlainText(m_status.base->text()));
 }
 
 void MainForm::showProjectState() {

@@ -13,6 +13,7 @@ TextForm::TextForm(const QString &title, const QString &text, QWidget *parent) :
     resize(760, 480);
     auto *edit = new QPlainTextEdit;
     edit->setObjectName(QStringLiteral("txtText"));
+    edit->setAccessibleName(title);
     edit->setReadOnly(true);
     edit->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     edit->setPlainText(text);

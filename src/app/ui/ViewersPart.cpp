@@ -93,8 +93,10 @@ void ViewersPart::addNotes() {
     m_notes = new NotesPane(
         {[&bench](UrlId id) { return readNote(bench.project(), id); },
          [&bench](UrlId id, const std::string &text) {
-             return storeNote(bench.project(), id, text, bench.program.around.clock,
-                              bench.program.log);
+             NoteOutcome outcome = storeNote(bench.project(), id, text, bench.program.around.clock,
+                                             bench.program.log);
+             bench.table->refreshRows(); // its mark comes or goes
+             return outcome;
          },
          [&bench](Date date) { return utcProperty(date, dateSettings(bench.program)); },
          [&bench](const Message &message) { bench.examiner().tell(message); }});

@@ -6,7 +6,9 @@
 
 #include <QHeaderView>
 #include <QMainWindow>
+#include <QScreen>
 #include <QSplitter>
+#include <QStyle>
 #include <QTabWidget>
 
 namespace nv {
@@ -42,6 +44,13 @@ QByteArray kept(const IniFile &settings, const std::string &key) {
 
 } // namespace
 
+void resizeWithinScreen(QWidget &window, QSize wanted) {
+    constexpr int kBorders = 8; // pixels left and right; how wide they are is known once it stands
+    const int title = window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window);
+    const QSize room = window.screen()->availableSize() - QSize(kBorders, title + kBorders);
+    window.resize(wanted.boundedTo(room));
+}
+
 void keepWindowLayout(const QMainWindow &window, IniFile &settings) {
     keep(settings, std::string(kGeometry), window.saveGeometry());
     for (const QSplitter *splitter : namedParts<QSplitter>(window))
@@ -56,7 +65,8 @@ void keepWindowLayout(const QMainWindow &window, IniFile &settings) {
 }
 
 void restoreWindowLayout(QMainWindow &window, const IniFile &settings) {
-    window.restoreGeometry(kept(settings, std::string(kGeometry)));
+    if (window.restoreGeometry(kept(settings, std::string(kGeometry))) && !window.isMaximized())
+        resizeWithinScreen(window, window.size());
     for (QSplitter *splitter : namedParts<QSplitter>(window))
         splitter->restoreState(kept(settings, keyOf("Splitter_", *splitter)));
     for (QHeaderView *header : namedParts<QHeaderView>(window))

@@ -89,8 +89,11 @@ QLineEdit *ImportChoicePage::addFolderRow(QGridLayout &grid, const QString &labe
     edit->setMinimumWidth(360);
     auto *caption = new QLabel(label);
     caption->setBuddy(edit);
+    const QString plain = QString(label).remove(u'&').remove(u':');
+    edit->setAccessibleName(plain);
     auto *browse = new QPushButton(tr("Browse..."));
     browse->setObjectName(QStringLiteral("btn") + QLatin1String(name).mid(3));
+    browse->setAccessibleName(tr("Browse for: %1").arg(plain));
     browse->setAutoDefault(false);
     connect(browse, &QPushButton::clicked, this, [this, edit, dialogTitle] {
         if (const auto chosen = m_chooseFolder(dialogTitle, pathFromQt(edit->text())))

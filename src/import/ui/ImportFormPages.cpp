@@ -35,6 +35,7 @@ QTableView *newFilesGrid(FoundFilesModel &model) {
     auto *grid = new QTableView;
     grid->setTextElideMode(Qt::ElideMiddle); // paths differ at their ends
     grid->setObjectName(QStringLiteral("ImportGrid"));
+    grid->setAccessibleName(ImportForm::tr("Files found"));
     grid->setModel(&model);
     grid->setSelectionBehavior(QAbstractItemView::SelectRows);
     grid->setAlternatingRowColors(true);
@@ -94,6 +95,7 @@ QWidget *ImportForm::newFilesPage() {
     m_gaps = newLabel("labScanGaps");
     m_scanBar = new QProgressBar;
     m_scanBar->setObjectName(QStringLiteral("barScan"));
+    m_scanBar->setAccessibleName(tr("Progress of the search"));
     m_scanBar->setTextVisible(false);
     m_scanBar->setMaximumHeight(8);
     connect(m_files, &FoundFilesModel::ticksChanged, this,
@@ -113,6 +115,7 @@ QWidget *ImportForm::newFilesPage() {
 QWidget *ImportForm::newFinishPage() {
     m_summary = new QPlainTextEdit;
     m_summary->setObjectName(QStringLiteral("txtSummary"));
+    m_summary->setAccessibleName(tr("Summary of the import"));
     m_summary->setReadOnly(true);
     m_summary->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_summary->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));

@@ -50,6 +50,7 @@ QLineEdit *OptionsForm::addPath(QFormLayout &form, int index, const QString &lab
     auto *button = new QPushButton(tr("Browse..."));
     button->setObjectName(QStringLiteral("btnPath%1").arg(index));
     const QString plain = QString(label).remove(u'&').remove(u':');
+    text->setAccessibleName(plain);
     button->setAccessibleName(tr("Browse for: %1").arg(plain));
     button->setToolTip(tr("Choose: %1").arg(plain));
     button->setAutoDefault(false);
@@ -164,6 +165,7 @@ QWidget *OptionsForm::newZone() {
     auto *tab = new QWidget;
     auto *column = columnOf(*tab);
     m_zone = named(new QComboBox, "cbTimeZone");
+    m_zone->setAccessibleName(tr("Time zone"));
     for (const ZoneRow &zone : m_zones)
         m_zone->addItem(toQt(zone.listText()), zone.Time_Zone_ID);
     m_zone->setCurrentIndex(m_start.Time_Zone_ID ? m_zone->findData(*m_start.Time_Zone_ID) : -1);
@@ -200,10 +202,12 @@ QWidget *OptionsForm::newGallery() {
     auto *form = new QFormLayout;
     m_perPage = newNumbers("cbThumbnailsPerPage", {50, 100, 200, 300, 500, 1000},
                            m_start.GalleryRecordsPerPage);
+    m_perPage->setAccessibleName(tr("Thumbnails per page"));
     m_perPage->setToolTip(tr("More on a page take longer to be drawn"));
     form->addRow(tr("Thumbnails per pa&ge:"), m_perPage);
     m_timeout =
         newNumbers("cbRedrawTimeout", {5, 10, 15, 20, 30, 60}, m_start.ThumbnailRedrawTimeout);
+    m_timeout->setAccessibleName(tr("Redraw time-out in seconds"));
     m_timeout->setToolTip(tr("A page that isn't drawn by then gets no thumbnail"));
     form->addRow(tr("Redraw &time-out (seconds):"), m_timeout);
     column->addLayout(form);

@@ -88,7 +88,9 @@ inline QSpinBox *addScrolled(QFormLayout &form, const QString &label, const QStr
     }
     auto *caption = new QLabel(label);
     caption->setBuddy(number);
-    bar->setAccessibleName(QString(label).remove(u'&').remove(u':'));
+    const QString plain = QString(label).remove(u'&').remove(u':');
+    number->setAccessibleName(plain);
+    bar->setAccessibleName(plain);
     form.addRow(caption, line);
     return number;
 }

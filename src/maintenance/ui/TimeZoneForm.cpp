@@ -12,6 +12,7 @@ TimeZoneForm::TimeZoneForm(const std::vector<ZoneRow> &zones, int selected, QWid
     setObjectName(QStringLiteral("TimeZoneForm"));
     setWindowTitle(tr("Time Zone Properties"));
     m_list = named(new QComboBox, "cbTimeZone");
+    m_list->setAccessibleName(tr("Time zone"));
     for (const ZoneRow &zone : zones)
         m_list->addItem(toQt(zone.listText()));
     m_observed = named(new QCheckBox(tr("Daylight saving time is observed")), "chkDSTObserved");

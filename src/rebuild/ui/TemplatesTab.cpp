@@ -2,6 +2,7 @@
 
 #include "rebuild/ui/TemplateModel.h"
 #include "views/ui/BrowserPane.h"
+#include "views/ui/FlowLayout.h"
 #include "views/ui/GridCopy.h"
 
 #include <QAction>
@@ -133,16 +134,14 @@ QWidget *TemplatesTab::newBar() {
     m_count->setObjectName(QStringLiteral("labTemplates"));
     auto *bar = new QWidget;
     bar->setObjectName(QStringLiteral("templateBar"));
-    auto *row = new QHBoxLayout(bar);
+    auto *row = new FlowLayout(bar);
     row->setContentsMargins(6, 4, 6, 4);
     row->addWidget(newButton("btnTemplateCreate", m_create));
     row->addWidget(newButton("btnTemplateApply", m_apply));
     row->addWidget(m_matchByTitle);
-    row->addSpacing(12);
     row->addWidget(newButton("btnTemplateView", m_view));
     row->addWidget(newButton("btnTemplateRename", m_rename));
     row->addWidget(newButton("btnTemplateDelete", m_delete));
-    row->addStretch();
     row->addWidget(m_count);
     return bar;
 }

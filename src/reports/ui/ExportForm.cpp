@@ -65,6 +65,7 @@ QWidget *ExportForm::newColumns() {
     m_all->setObjectName(QStringLiteral("chkAll"));
     m_columns = new QListWidget;
     m_columns->setObjectName(QStringLiteral("List1"));
+    m_columns->setAccessibleName(tr("Columns"));
     m_columns->setAlternatingRowColors(true);
     for (const ColumnClass &column : columnsFromString(m_job.ColumnsAsString)) {
         const QString header = toQt(column.ColumnHeader);
@@ -103,6 +104,7 @@ QWidget *ExportForm::newRowChoice(std::size_t rows) {
 QWidget *ExportForm::newFormatChoice() {
     m_format = new QComboBox;
     m_format->setObjectName(QStringLiteral("cbFormat"));
+    m_format->setAccessibleName(tr("Format"));
     m_format->addItem(tr("Delimited text, Windows-1252, as shown"));
     m_format->addItem(tr("CSV, UTF-8, quoted"));
     m_format->addItem(tr("JSON lines, an event a line (Timesketch)"));
@@ -136,6 +138,7 @@ QWidget *ExportForm::newFileLine() {
     QHBoxLayout *row = lineOf(*line);
     m_file = new QLineEdit;
     m_file->setObjectName(QStringLiteral("txtOutputFilename"));
+    m_file->setAccessibleName(tr("File"));
     auto *button = new QPushButton(tr("&Browse..."));
     button->setObjectName(QStringLiteral("btnBrowse"));
     button->setAutoDefault(false);

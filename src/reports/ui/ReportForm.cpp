@@ -75,6 +75,7 @@ ReportForm::ReportForm(const ReportClass &report, std::size_t rows, std::size_t 
 void ReportForm::addWhat(QFormLayout &form, std::size_t rows, std::size_t tagged) {
     m_type = new QComboBox;
     m_type->setObjectName(QStringLiteral("cbReportType"));
+    m_type->setAccessibleName(tr("Type"));
     m_type->addItem(tr("(choose a type)"), -1);
     m_type->addItem(tr("Graphical"), 0);
     m_type->addItem(tr("Tabular"), 1);
@@ -101,6 +102,10 @@ void ReportForm::addTexts(QFormLayout &form) {
     form.addRow(tr("&Case number:"), m_caseNumber = newText("txtCaseNumber"));
     form.addRow(tr("Organi&zation:"), m_organization = newText("txtOrganization"));
     form.addRow(tr("Prepared &by:"), m_reportedBy = newText("txtReportedBy"));
+    m_title->setAccessibleName(tr("Title"));
+    m_caseNumber->setAccessibleName(tr("Case number"));
+    m_organization->setAccessibleName(tr("Organization"));
+    m_reportedBy->setAccessibleName(tr("Prepared by"));
 }
 
 void ReportForm::addPictures(QFormLayout &form) {
@@ -122,7 +127,9 @@ void ReportForm::addPictures(QFormLayout &form) {
 
 QWidget *ReportForm::picturePath(QLineEdit *&path, const char *name, const QString &title) {
     path = newText(name);
+    path->setAccessibleName(title);
     auto *browse = new QPushButton(tr("Browse..."));
+    browse->setAccessibleName(tr("Browse for: %1").arg(title));
     browse->setAutoDefault(false);
     auto *row = new QWidget;
     auto *layout = new QHBoxLayout(row);
@@ -156,6 +163,7 @@ void ReportForm::addContents(QFormLayout &form) {
     form.addRow(tr("Include:"), boxes);
     m_width = new QComboBox;
     m_width->setObjectName(QStringLiteral("cbURLColWidth"));
+    m_width->setAccessibleName(tr("URL column width"));
     for (const int width : kWidths)
         m_width->addItem(width == 0 ? tr("As wide as it needs") : tr("%1 pixels").arg(width),
                          width);

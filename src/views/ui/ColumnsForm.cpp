@@ -24,20 +24,22 @@ QString columnTitle(UrlColumn column) {
     }
 }
 
-ColumnsForm::ColumnsForm(const TableLayout &layout, QWidget *parent)
-    : QDialog(parent), m_layout(layout) {
+ColumnsForm::ColumnsForm(const TableLayout &layout, const TableLayout &defaults, QWidget *parent)
+    : QDialog(parent), m_layout(layout), m_defaults(defaults) {
     setObjectName(QStringLiteral("ColumnsForm"));
     setWindowTitle(tr("Columns"));
     resize(420, 560);
 
     m_search = new QLineEdit;
     m_search->setObjectName(QStringLiteral("txtColumnSearch"));
+    m_search->setAccessibleName(tr("Search columns"));
     m_search->setPlaceholderText(tr("Search columns"));
     m_search->setClearButtonEnabled(true);
     connect(m_search, &QLineEdit::textChanged, this, &ColumnsForm::search);
 
     m_columns = new QListWidget;
     m_columns->setObjectName(QStringLiteral("lstColumns"));
+    m_columns->setAccessibleName(tr("Columns"));
     m_columns->setDragDropMode(QAbstractItemView::InternalMove);
     m_columns->setAlternatingRowColors(true);
 
@@ -76,7 +78,7 @@ QWidget *ColumnsForm::newSideButtons() {
     column->addSpacing(12);
     add("btnColumnsAll", tr("&Show All"), [this] { tickAll(Qt::Checked); });
     add("btnColumnsNone", tr("&Hide All"), [this] { tickAll(Qt::Unchecked); });
-    add("btnColumnsDefault", tr("De&faults"), [this] { fill(TableLayout()); });
+    add("btnColumnsDefault", tr("De&faults"), [this] { fill(m_defaults); });
     column->addStretch();
     return side;
 }

@@ -18,7 +18,8 @@ class ColumnsForm final : public QDialog {
     Q_OBJECT
 
   public:
-    explicit ColumnsForm(const TableLayout &layout, QWidget *parent = nullptr);
+    /// `defaults` is what the button "Defaults" goes back to.
+    ColumnsForm(const TableLayout &layout, const TableLayout &defaults, QWidget *parent = nullptr);
 
     /// What the examiner made of the layout.
     TableLayout tableLayout() const;
@@ -31,6 +32,7 @@ class ColumnsForm final : public QDialog {
     QWidget *newSideButtons();
 
     TableLayout m_layout;
+    TableLayout m_defaults;
     QLineEdit *m_search = nullptr;
     QListWidget *m_columns = nullptr;
 };

@@ -12,6 +12,7 @@ FindBar::FindBar(QWidget *parent) : QWidget(parent) {
     setObjectName(QStringLiteral("FindBar"));
     m_text = new QLineEdit;
     m_text->setObjectName(QStringLiteral("txtFind"));
+    m_text->setAccessibleName(tr("Find in the columns that are shown"));
     m_text->setPlaceholderText(tr("Find in the columns that are shown"));
     m_text->setClearButtonEnabled(true);
     m_result = new QLabel;

@@ -63,9 +63,10 @@ QWidget *GalleryTab::newChoiceBar() {
     const QString hint = tr("Photograph Aspect Ratio Differential (Best range: 15% to 40%)");
     m_pard = newBox("chkPARD", tr("P.A.R.D."), hint, false);
     row->addWidget(m_pard);
-    const auto newLimit = [&](const char *name, int value) {
+    const auto newLimit = [&](const char *name, const QString &said, int value) {
         auto *limit = new QSpinBox;
         limit->setObjectName(QLatin1String(name));
+        limit->setAccessibleName(said);
         limit->setRange(0, 100);
         limit->setValue(value);
         limit->setToolTip(hint);
@@ -74,9 +75,9 @@ QWidget *GalleryTab::newChoiceBar() {
         row->addWidget(limit);
         return limit;
     };
-    m_from = newLimit("spnFrom", kBestFrom);
+    m_from = newLimit("spnFrom", tr("P.A.R.D. from"), kBestFrom);
     row->addWidget(new QLabel(tr("to")));
-    m_to = newLimit("spnTo", kBestTo);
+    m_to = newLimit("spnTo", tr("P.A.R.D. to"), kBestTo);
     struct Box {
         const char *name;
         QString text;
@@ -100,6 +101,7 @@ QWidget *GalleryTab::newChoiceBar() {
     row->addWidget(m_pages);
     m_host = new QLineEdit;
     m_host->setObjectName(QStringLiteral("txtGalleryHost"));
+    m_host->setAccessibleName(tr("Host"));
     m_host->setPlaceholderText(tr("Part of a host's name, then Enter"));
     m_host->setClearButtonEnabled(true);
     connect(m_host, &QLineEdit::editingFinished, this, &GalleryTab::takeChoice);
@@ -152,6 +154,7 @@ QWidget *GalleryTab::newPageBar() {
 QListView *GalleryTab::newTiles() {
     m_tiles = new QListView;
     m_tiles->setObjectName(QStringLiteral("GalleryTiles"));
+    m_tiles->setAccessibleName(tr("Pictures and pages"));
     m_tiles->setViewMode(QListView::IconMode);
     m_tiles->setResizeMode(QListView::Adjust);
     m_tiles->setMovement(QListView::Static);

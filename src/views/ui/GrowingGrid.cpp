@@ -29,6 +29,8 @@ class ChoiceDelegate final : public QStyledItemDelegate {
             return QStyledItemDelegate::createEditor(parent, option, index);
         auto *box = new QComboBox(parent);
         box->setObjectName(QStringLiteral("cbCell"));
+        box->setAccessibleName(
+            index.model()->headerData(index.column(), Qt::Horizontal).toString());
         box->addItems(offered);
         connect(box, &QComboBox::activated, &m_grid, [this, box] { m_grid.takeChoice(box); });
         return box;

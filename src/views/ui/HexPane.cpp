@@ -39,6 +39,7 @@ HexPane::HexPane(RunTask runTask, FailureLog &log, QWidget *parent)
 void HexPane::addFind() {
     m_find = new QLineEdit;
     m_find->setObjectName(QStringLiteral("txtFindInHex"));
+    m_find->setAccessibleName(tr("Find text or bytes"));
     m_find->setPlaceholderText(tr("Find text or bytes"));
     m_find->setClearButtonEnabled(true);
     m_kind = new QComboBox;
@@ -58,6 +59,7 @@ void HexPane::addFind() {
 void HexPane::addPlace() {
     m_offset = new QLineEdit;
     m_offset->setObjectName(QStringLiteral("txtHexOffset"));
+    m_offset->setAccessibleName(tr("Go to offset"));
     m_offset->setPlaceholderText(tr("Go to offset"));
     m_offset->setToolTip(tr("Decimal, or hexadecimal as 0x1F40"));
     m_offset->setMaximumWidth(150);

@@ -77,9 +77,12 @@ HostsPane::HostsPane(QWidget *parent) : QWidget(parent) {
     setObjectName(QStringLiteral("HostsPane"));
     m_header = new TickHeader;
     m_header->setObjectName(QStringLiteral("HostHeader"));
+    m_header->setAccessibleName(tr("Headings of the hosts"));
     m_header->setSectionsClickable(true);
+    m_header->setTicked(true); // a click on a host shows it
     m_grid = new QTableView;
     m_grid->setObjectName(QStringLiteral("HostGrid"));
+    m_grid->setAccessibleName(tr("Hosts"));
     m_grid->setHorizontalHeader(m_header);
     m_grid->setModel(&m_model);
     m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -153,10 +156,9 @@ void HostsPane::buildMenu() {
     showOn(m_header);
 }
 
-/// With the tick set anew no row counts as chosen, so that a click on any of them filters.
 void HostsPane::takeFlip(bool ticked) {
     if (ticked)
-        m_grid->setCurrentIndex({});
+        forgetChoice();
     else
         emit unticked();
 }
@@ -165,6 +167,12 @@ void HostsPane::setHosts(std::vector<HostRow> hosts, Walk listing) {
     m_unfinished->setVisible(listing != Walk::Finished);
     m_filling = true;
     m_model.setHosts(std::move(hosts));
+    m_filling = false;
+}
+
+void HostsPane::forgetChoice() {
+    m_filling = true;
+    m_grid->setCurrentIndex({});
     m_filling = false;
 }
 

@@ -43,8 +43,9 @@ class HostsPane final : public QWidget {
     void setHosts(std::vector<HostRow> hosts, Walk listing);
     HostSort sort() const { return m_sort; }
     bool isTicked() const;
-    /// Shows whether a host filter is on, wherever it was set.
     void setTicked(bool ticked);
+    /// No row counts as chosen, so that a click on any of them filters.
+    void forgetChoice();
 
   signals:
     /// Another row was gone to; the host may be empty.

@@ -21,6 +21,7 @@ constexpr int kNameWidth = 190; ///< pixels
 QTreeWidget *newList() {
     auto *list = new QTreeWidget;
     list->setObjectName(QStringLiteral("PropertiesGrid"));
+    list->setAccessibleName(PropertiesPane::tr("Properties of the record"));
     list->setColumnCount(2);
     list->setHeaderLabels({PropertiesPane::tr("Property"), PropertiesPane::tr("Value")});
     list->header()->resizeSection(0, kNameWidth);
@@ -37,6 +38,7 @@ QTreeWidget *newList() {
 QPlainTextEdit *newWholeText() {
     auto *whole = new QPlainTextEdit;
     whole->setObjectName(QStringLiteral("txtPropertyValue"));
+    whole->setAccessibleName(PropertiesPane::tr("Whole text of the property"));
     whole->setReadOnly(true);
     whole->setTabChangesFocus(true);
     whole->setPlaceholderText(PropertiesPane::tr("Choose a property to see its whole text."));

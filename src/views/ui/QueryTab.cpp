@@ -44,6 +44,9 @@ QWidget *under(const QString &title, QWidget *content) {
     column->setSpacing(3);
     auto *label = new QLabel(title);
     label->setBuddy(content);
+    constexpr int kLeastLines = 3; // so that the window fits small screens
+    content->setMinimumHeight(kLeastLines * content->fontMetrics().lineSpacing());
+    content->setAccessibleName(QString(title).remove(u'&'));
     column->addWidget(label);
     column->addWidget(content, 1);
     return whole;
@@ -69,6 +72,7 @@ QueryTab::QueryTab(const QueryActions &actions, QWidget *parent) : QWidget(paren
 QWidget *QueryTab::newChoiceBar(const QueryActions &actions) {
     m_queries = new QComboBox;
     m_queries->setObjectName(QStringLiteral("cbQueries"));
+    m_queries->setAccessibleName(tr("Stored query"));
     m_queries->setMinimumContentsLength(28);
     m_queries->setPlaceholderText(tr("Choose a stored query"));
     m_queries->setToolTip(tr("Shows a stored query's statement; Apply loads its rows"));

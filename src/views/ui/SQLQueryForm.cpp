@@ -28,9 +28,11 @@ SQLQueryForm::SQLQueryForm(SQLite::Database &project, FailureLog &log, Examiner 
     setWindowTitle(tr("Query Builder"));
     resize(680, 520);
     m_statement = new StatementBox("SQLText");
+    m_statement->setAccessibleName(tr("Statement"));
     m_statement->setStatement(toQt(m_builder.SQLText));
     m_name = new QLineEdit;
     m_name->setObjectName(QStringLiteral("txtFavoriteName"));
+    m_name->setAccessibleName(tr("Store as name"));
     m_name->setPlaceholderText(tr("Leave empty to use the statement without storing it"));
     m_name->setToolTip(tr("Letters, blanks, dashes and underscores"));
     auto *name = new QFormLayout;
@@ -50,11 +52,13 @@ SQLQueryForm::SQLQueryForm(SQLite::Database &project, FailureLog &log, Examiner 
 QWidget *SQLQueryForm::newFields() {
     m_tables = new QComboBox;
     m_tables->setObjectName(QStringLiteral("cbTables"));
+    m_tables->setAccessibleName(tr("Table"));
     m_tables->setToolTip(tr("The table whose fields are listed"));
     for (const std::string &table : builderTables())
         m_tables->addItem(toQt(table));
     m_fields = new QListWidget;
     m_fields->setObjectName(QStringLiteral("List1"));
+    m_fields->setAccessibleName(tr("Field"));
     connect(m_tables, &QComboBox::currentTextChanged, this, &SQLQueryForm::showFields);
     auto *side = new QWidget;
     auto *form = new QFormLayout(side);
@@ -67,10 +71,12 @@ QWidget *SQLQueryForm::newFields() {
 QWidget *SQLQueryForm::newCondition() {
     m_condition = new QComboBox;
     m_condition->setObjectName(QStringLiteral("cbCondition"));
+    m_condition->setAccessibleName(tr("Condition"));
     for (const std::string_view condition : kBuilderConditions)
         m_condition->addItem(toQt(condition));
     m_value = new QLineEdit;
     m_value->setObjectName(QStringLiteral("txtCondition"));
+    m_value->setAccessibleName(tr("Value"));
     m_value->setToolTip(tr("A text, a number, True, False or a date such as 1/15/2009"));
     auto *add = new QPushButton(tr("&Add"));
     add->setObjectName(QStringLiteral("btnAddNew"));

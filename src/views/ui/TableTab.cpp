@@ -7,6 +7,7 @@
 #include "views/ui/ColumnsForm.h"
 #include "views/ui/EmptyPage.h"
 #include "views/ui/FindBar.h"
+#include "views/ui/LayoutBar.h"
 
 #include <QBoxLayout>
 #include <QClipboard>
@@ -24,6 +25,12 @@
 #include <vector>
 
 namespace nv {
+
+namespace {
+
+constexpr std::string_view kSortSetting = "TableSort";
+
+} // namespace
 
 TableTab::TableTab(RunTask runTask, Examiner &examiner, QWidget *parent)
     : QWidget(parent), m_runTask(std::move(runTask)), m_examiner(examiner) {
@@ -50,9 +57,12 @@ TableTab::~TableTab() = default;
 QWidget *TableTab::newChoiceBar() {
     m_queries = new QComboBox;
     m_queries->setObjectName(QStringLiteral("cbActiveQuery"));
-    m_queries->setMinimumContentsLength(24);
+    m_queries->setAccessibleName(tr("Query"));
+    m_queries->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_queries->setMinimumContentsLength(20);
     m_host = new QLineEdit;
     m_host->setObjectName(QStringLiteral("txtHostFilter"));
+    m_host->setAccessibleName(tr("Host"));
     m_host->setPlaceholderText(tr("Part of a host's name, then Enter"));
     m_host->setClearButtonEnabled(true);
     m_host->setMaximumWidth(320);
@@ -65,6 +75,9 @@ QWidget *TableTab::newChoiceBar() {
     bar->setObjectName(QStringLiteral("choiceBar"));
     auto *row = new QHBoxLayout(bar);
     row->setContentsMargins(6, 6, 6, 6);
+    m_layouts = new LayoutBar(*m_grid);
+    row->addWidget(m_layouts);
+    row->addSpacing(12);
     row->addWidget(queryLabel);
     row->addWidget(m_queries);
     row->addSpacing(12);
@@ -81,6 +94,7 @@ void TableTab::connectParts() {
         if (text.isEmpty())
             takeHost();
     });
+    connect(m_layouts, &LayoutBar::chosen, this, &TableTab::takeLayout);
     connect(m_grid, &UrlGrid::sortRequested, this, &TableTab::sortByColumn);
     connect(m_grid, &UrlGrid::tagFlipRequested, this, &TableTab::flipTags);
     connect(m_grid, &UrlGrid::headerMenuRequested, this, &TableTab::showHeaderMenu);
@@ -97,8 +111,36 @@ void TableTab::openProject(SQLite::Database &project, FailureLog &log,
     m_project = &project;
     m_log = &log;
     m_table = std::make_unique<UrlTable>(project, log, GMTZone);
+    m_table->sort = m_sort;
+    m_table->undated = m_layouts->isClassic() ? Undated::AsTheQueryHasThem : Undated::Last;
     m_model.setTable(m_table.get());
     m_table->showColumns(m_grid->tableLayout().shownColumns());
+}
+
+void TableTab::restoreLayout(const TableLayout::Read &read) {
+    m_layouts->restore(read);
+    m_sort = sortIn(read(kSortSetting));
+}
+
+void TableTab::saveLayout(const TableLayout::Write &write) {
+    m_layouts->save(write);
+    write(kSortSetting, m_sort ? sortText(*m_sort) : std::string());
+}
+
+/// Classic has rows without a date where the query has them, the other layouts at the end.
+void TableTab::takeLayout() {
+    const Undated undated = m_layouts->isClassic() ? Undated::AsTheQueryHasThem : Undated::Last;
+    if (!m_table || m_table->undated == undated)
+        return;
+    m_table->undated = undated;
+    LoadURLs();
+}
+
+void TableTab::forgetSort() {
+    if (!m_table)
+        return;
+    m_table->sort.reset();
+    LoadURLs();
 }
 
 void TableTab::closeProject() {
@@ -205,7 +247,9 @@ LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work
     const auto current = m_grid->currentUrl();
     LoadResult result = LoadResult::Failed;
     m_runTask({}, [&](TaskMonitor &task) { result = work(task); });
+    m_sort = m_table->sort;
     m_model.rowsChanged();
+    m_grid->fitToRows();
     m_grid->showSort(m_table->columnSort());
     m_empty->showState(m_table->emptyState(), m_table->hiddenCount());
     m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);
@@ -309,7 +353,7 @@ void TableTab::findNext() {
 }
 
 void TableTab::showColumnsForm() {
-    ColumnsForm form(m_grid->tableLayout(), window());
+    ColumnsForm form(m_grid->tableLayout(), m_layouts->book().defaults(), window());
     if (form.exec() == QDialog::Accepted)
         m_grid->setTableLayout(form.tableLayout());
 }
@@ -322,9 +366,13 @@ void TableTab::showHeaderMenu(UrlColumn column, const QPoint &place) {
     QAction *descending = menu.addAction(tr("Sort &Descending"), this, [=, this] {
         sortByColumn(column, SortDirection::Descending);
     });
+    QAction *asQueried = menu.addAction(tr("In the &Query's Order"), this, &TableTab::forgetSort);
+    asQueried->setObjectName(QStringLiteral("actForgetSort"));
     ascending->setEnabled(m_table && isSortable(column));
     descending->setEnabled(ascending->isEnabled());
+    asQueried->setEnabled(m_sort.has_value());
     menu.addSeparator();
+    menu.addAction(tr("&Fit to What It Holds"), this, [=, this] { m_grid->fitColumn(column); });
     menu.addAction(tr("&Hide \"%1\"").arg(columnTitle(column)), this,
                    [=, this] { m_grid->hideColumn(column); });
     menu.addAction(tr("&Columns..."), this, &TableTab::showColumnsForm);

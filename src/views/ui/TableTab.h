@@ -19,6 +19,7 @@ namespace nv {
 
 class EmptyPage;
 class FindBar;
+class LayoutBar;
 
 /// Runs a long piece of work with the window locked and the status window at hand.
 using RunTask =
@@ -40,6 +41,11 @@ class TableTab final : public QWidget {
     void closeProject();
     UrlTable *table() { return m_table.get(); }
     UrlGrid &grid() { return *m_grid; }
+
+    /// How the project's rows are shown: column layouts and the examiner's order. Restored before
+    /// openProject(), and kept beyond closeProject().
+    void restoreLayout(const TableLayout::Read &read);
+    void saveLayout(const TableLayout::Write &write);
 
     /// The names that the query selector offers; an empty one is the default query.
     void setQueries(const QStringList &names);
@@ -90,6 +96,8 @@ class TableTab final : public QWidget {
     /// Runs a load or a sort and shows what came of it, with the same record as the current one.
     LoadResult reload(const std::function<LoadResult(TaskMonitor &)> &work);
     void showHeaderMenu(UrlColumn column, const QPoint &place);
+    void takeLayout();
+    void forgetSort();
     void showAll();
     void takeHost();
     void announceHost();
@@ -108,6 +116,8 @@ class TableTab final : public QWidget {
     QStackedWidget *m_pages = nullptr;
     EmptyPage *m_empty = nullptr;
     FindBar *m_find = nullptr;
+    LayoutBar *m_layouts = nullptr;
+    std::optional<ColumnSort> m_sort; ///< the examiner's, whatever query is shown
     QComboBox *m_queries = nullptr;
     QLineEdit *m_host = nullptr;
     QString m_knownHost; ///< as it was set or told last

@@ -35,6 +35,7 @@ TextPane::TextPane(QWidget *parent)
       m_text(findChild<QPlainTextEdit *>(QStringLiteral("txtContent"))) {
     m_find = new QLineEdit;
     m_find->setObjectName(QStringLiteral("txtFindInText"));
+    m_find->setAccessibleName(tr("Find in this text"));
     m_find->setPlaceholderText(tr("Find in this text"));
     m_find->setClearButtonEnabled(true);
     auto *next = new QPushButton(tr("Find &Next"));

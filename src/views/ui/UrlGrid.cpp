@@ -1,10 +1,11 @@
 #include "views/ui/UrlGrid.h"
 
 #include "platform/qt/QtText.h"
+#include "views/ui/PinnedHeader.h"
 
 #include <QGuiApplication>
-#include <QHeaderView>
 #include <QKeyEvent>
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -14,18 +15,20 @@ namespace {
 
 constexpr int kRowPadding = 8; ///< pixels
 
-/// The columns' widths were chosen for a font whose digits are so many pixels wide.
-constexpr double kDigitWidth = 6;
-
-/// How much wider the window's font is.
-double fontScale(const QWidget &widget) {
-    return std::max(1.0, widget.fontMetrics().horizontalAdvance(u'0') / kDigitWidth);
+/// The tick and the date of the event are what every row is known by.
+bool staysInSight(int section) {
+    const UrlColumn column = UrlModel::columnOf(section);
+    return column == UrlColumn::Tag || column == UrlColumn::LocalDate ||
+           column == UrlColumn::ActionDateLocal;
 }
 
 } // namespace
 
 UrlGrid::UrlGrid(UrlModel &model, QWidget *parent) : QTableView(parent), m_model(model) {
     setObjectName(QStringLiteral("URLGrid"));
+    setAccessibleName(tr("Records"));
+    m_header = new PinnedHeader(staysInSight);
+    setHorizontalHeader(m_header);
     setModel(&m_model);
     setSelectionBehavior(SelectRows);
     setSelectionMode(ExtendedSelection);
@@ -46,8 +49,9 @@ UrlGrid::UrlGrid(UrlModel &model, QWidget *parent) : QTableView(parent), m_model
 }
 
 void UrlGrid::setUpHeader() {
-    QHeaderView *header = horizontalHeader();
+    QHeaderView *header = m_header;
     header->setObjectName(QStringLiteral("URLGridHeader"));
+    header->setAccessibleName(tr("Headings of the records"));
     header->setSectionsMovable(true);
     header->setFirstSectionMovable(true);
     header->setSectionsClickable(true);
@@ -60,22 +64,26 @@ void UrlGrid::setUpHeader() {
 }
 
 void UrlGrid::connectHeader() {
-    QHeaderView *header = horizontalHeader();
+    QHeaderView *header = m_header;
     connect(header, &QHeaderView::sectionClicked, this, &UrlGrid::requestSort);
+    connect(header, &QHeaderView::sectionHandleDoubleClicked, this,
+            [this](int section) { fitColumn(UrlModel::columnOf(section)); });
     connect(header, &QHeaderView::sectionMoved, this,
             [this](int section, int, int to) { takeMove(section, to); });
     connect(header, &QHeaderView::sectionResized, this,
             [this](int section, int, int pixels) { takeWidth(section, pixels); });
-    connect(header, &QWidget::customContextMenuRequested, this, [this, header](QPoint place) {
-        const int section = header->logicalIndexAt(place);
+    connect(header, &QWidget::customContextMenuRequested, this, [this](QPoint place) {
+        const int section = m_header->sectionAt(place.x());
         if (section >= 0)
-            emit headerMenuRequested(UrlModel::columnOf(section), header->mapToGlobal(place));
+            emit headerMenuRequested(UrlModel::columnOf(section), m_header->mapToGlobal(place));
     });
 }
 
 void UrlGrid::setTableLayout(TableLayout layout) {
     m_layout = std::move(layout);
+    m_fitIsDue = true;
     applyLayout();
+    fitToRows();
     emit tableLayoutChanged();
 }
 
@@ -87,13 +95,41 @@ void UrlGrid::applyLayout() {
         const int section = UrlModel::sectionOf(column);
         header->moveSection(header->visualIndex(section), static_cast<int>(place));
         header->setSectionHidden(section, m_layout.hidden(column));
-        if (!m_layout.hidden(column))
-            header->resizeSection(section,
-                                  qRound(pixelsOf(m_layout.widthTwips(column)) * fontScale(*this)));
     }
     m_applying = false;
+    applyWidths();
     if (UrlTable *table = m_model.table())
         table->showColumns(m_layout.shownColumns());
+}
+
+void UrlGrid::applyWidths() {
+    m_applying = true;
+    const auto widths = m_fit.widths(m_layout, *this, viewport()->width());
+    for (const UrlColumn column : m_layout.shownColumns())
+        m_header->resizeSection(UrlModel::sectionOf(column), widths.at(indexOf(column)));
+    m_applying = false;
+    viewport()->update();
+}
+
+void UrlGrid::fitToRows() {
+    if (!m_fitIsDue || m_model.rowCount() == 0)
+        return;
+    m_fitIsDue = false;
+    m_fit.measure(m_model, m_layout, *this);
+    applyWidths();
+}
+
+void UrlGrid::fitColumn(UrlColumn column) {
+    m_layout.fit(column);
+    m_fitIsDue = true;
+    fitToRows();
+}
+
+void UrlGrid::fitAllColumns() {
+    for (const UrlColumn column : m_layout.shownColumns())
+        m_layout.fit(column);
+    m_fitIsDue = true;
+    fitToRows();
 }
 
 void UrlGrid::hideColumn(UrlColumn column) {
@@ -110,9 +146,10 @@ void UrlGrid::takeMove(int section, int to) {
 }
 
 void UrlGrid::takeWidth(int section, int pixels) {
-    if (!m_applying && pixels > 0)
-        m_layout.setWidthTwips(UrlModel::columnOf(section),
-                               qRound(pixels / fontScale(*this)) * kTwipsPerPixel);
+    if (m_applying || pixels <= 0)
+        return;
+    m_layout.setWidthTwips(UrlModel::columnOf(section), ColumnFit::twips(pixels, *this));
+    viewport()->update();
 }
 
 void UrlGrid::requestSort(int section) {
@@ -146,10 +183,11 @@ bool UrlGrid::setCurrentUrl(UrlId id) {
     const auto place = m_model.table() ? m_model.table()->placeOf(id) : std::nullopt;
     if (!place)
         return false;
-    const int section = currentIndex().isValid()
-                            ? currentIndex().column()
-                            : std::max(0, horizontalHeader()->logicalIndexAt(0));
+    const int section =
+        currentIndex().isValid() ? currentIndex().column() : std::max(0, m_header->sectionAt(0));
+    const int sideways = horizontalScrollBar()->value();
     setCurrentIndex(m_model.index(static_cast<int>(*place), section));
+    horizontalScrollBar()->setValue(sideways); // another row, but the columns that were looked at
     return true;
 }
 
@@ -165,6 +203,18 @@ void UrlGrid::keyPressEvent(QKeyEvent *event) {
         emit tagFlipRequested();
     else
         QTableView::keyPressEvent(event);
+}
+
+/// With Ctrl the toolkit would go to the first or last row and leave the old one chosen.
+QItemSelectionModel::SelectionFlags UrlGrid::selectionCommand(const QModelIndex &index,
+                                                              const QEvent *event) const {
+    if (event && event->type() == QEvent::KeyPress) {
+        const auto *key = static_cast<const QKeyEvent *>(event);
+        const bool toAnEnd = key->key() == Qt::Key_Home || key->key() == Qt::Key_End;
+        if (toAnEnd && key->modifiers() == Qt::ControlModifier)
+            return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+    }
+    return QTableView::selectionCommand(index, event);
 }
 
 void UrlGrid::currentChanged(const QModelIndex &current, const QModelIndex &previous) {

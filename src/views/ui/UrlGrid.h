@@ -2,6 +2,7 @@
 
 #include "base/TaskMonitor.h"
 #include "views/TableLayout.h"
+#include "views/ui/ColumnFit.h"
 #include "views/ui/UrlModel.h"
 
 #include <QTableView>
@@ -10,8 +11,11 @@
 
 namespace nv {
 
+class PinnedHeader;
+
 /// The grid of the Table tab. Columns are moved, sized and hidden through its TableLayout; the
-/// sorting itself is the owner's, since it is a long task.
+/// sorting itself is the owner's, since it is a long task. Tick and date stay in sight while it
+/// scrolls sideways.
 class UrlGrid final : public QTableView {
     Q_OBJECT
 
@@ -21,6 +25,11 @@ class UrlGrid final : public QTableView {
     const TableLayout &tableLayout() const { return m_layout; }
     void setTableLayout(TableLayout layout);
     void hideColumn(UrlColumn column);
+    /// Makes the column as wide as what it holds, and keeps it so.
+    void fitColumn(UrlColumn column);
+    void fitAllColumns();
+    /// Gives fitted columns their widths when there are rows for the first time in this layout.
+    void fitToRows();
     /// Shows by which column the rows are sorted, if by one.
     void showSort(const std::optional<ColumnSort> &sort);
 
@@ -41,6 +50,11 @@ class UrlGrid final : public QTableView {
     FindResult find(const QString &text, int fromRow, TaskMonitor &task) const;
     QModelIndex cellOf(const FindResult &found) const;
 
+    // Of what is seen: a column that stays in sight lies over others.
+    QModelIndex indexAt(const QPoint &place) const override;
+    QRect visualRect(const QModelIndex &index) const override;
+    void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
+
   signals:
     void sortRequested(nv::UrlColumn column, nv::SortDirection direction);
     void currentUrlChanged();
@@ -52,11 +66,18 @@ class UrlGrid final : public QTableView {
   protected:
     void keyPressEvent(QKeyEvent *event) override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                         const QEvent *event) const override;
+    void paintEvent(QPaintEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void resizeEvent(QResizeEvent *event) override;
 
   private:
     void setUpHeader();
     void connectHeader();
     void applyLayout();
+    void applyWidths();
+    void paintPinned(QPainter &painter, int row) const;
     void requestSort(int section);
     void takeMove(int section, int to);
     void takeWidth(int section, int pixels);
@@ -64,7 +85,10 @@ class UrlGrid final : public QTableView {
     QString copyText(std::size_t place, UrlColumn column) const;
 
     UrlModel &m_model;
+    PinnedHeader *m_header = nullptr;
     TableLayout m_layout;
+    ColumnFit m_fit;
+    bool m_fitIsDue = true;
     bool m_applying = false; ///< the header changes because the layout did
 };
 

@@ -61,7 +61,7 @@ int UrlModel::rowCount(const QModelIndex &parent) const {
 }
 
 int UrlModel::columnCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(kUrlColumnCount);
+    return parent.isValid() ? 0 : static_cast<int>(kTableColumnCount);
 }
 
 QString UrlModel::cellText(std::size_t place, UrlColumn column) const {

@@ -13,6 +13,11 @@ TEST(UrlColumns, standInTheirDocumentedOrder) {
     for (const UrlColumnFacts &facts : kUrlColumns)
         EXPECT_EQ(indexOf(facts.column), index++) << facts.key;
     EXPECT_EQ(index, 51u);
+    EXPECT_EQ(kTableColumns.size(), 53u);
+    EXPECT_EQ(kTableColumns[51].key, "COL_URL_LOCAL_DATE");
+    EXPECT_EQ(kTableColumns[52].key, "COL_URL_NOTE");
+    for (std::size_t at = 0; at < kTableColumns.size(); ++at)
+        EXPECT_EQ(indexOf(kTableColumns.at(at).column), at);
     EXPECT_EQ(kUrlColumns[0].key, "COL_URL_TAG");
     EXPECT_EQ(kUrlColumns[14].key, "COL_URL_VALUE");
     EXPECT_EQ(kUrlColumns[50].key, "COL_URL_LAST_VISITED");
@@ -65,6 +70,7 @@ TEST(HeaderText, namesTheOffsetOfTheZoneOnASecondLine) {
     zone.tzBias = 0;
     EXPECT_EQ(headerText(UrlColumn::ActionDateLocal, zone), "Action Date Local\n[+0000]");
     EXPECT_EQ(headerText(UrlColumn::ActionDateUtc, zone), "Action Date [UTC]");
+    EXPECT_EQ(headerText(UrlColumn::LocalDate, zone), "Local Date\n[+0000]");
     EXPECT_EQ(headerText(UrlColumn::FileId, zone), "");
 }
 

@@ -31,7 +31,7 @@ Kept saved(const TableLayout &layout) {
 
 TEST(TableLayout, startsAsTheColumnsAreListed) {
     const TableLayout layout;
-    EXPECT_EQ(layout.order().size(), 51u);
+    EXPECT_EQ(layout.order().size(), kTableColumnCount);
     EXPECT_EQ(layout.shownColumns().size(), 48u);
     EXPECT_EQ(layout.position(UrlColumn::Host), 27);
     EXPECT_TRUE(layout.hidden(UrlColumn::FileId));
@@ -88,9 +88,9 @@ TEST(TableLayout, putsColumnsOfOnePositionSideBySide) {
 TEST(TableLayout, putsPositionsBeyondTheEndAtTheEnd) {
     const TableLayout layout =
         restored({{"COL_URL_HOST_ColPos", "900"}, {"COL_URL_USER_ColPos", "800"}});
-    EXPECT_EQ(layout.position(UrlColumn::User), 49);
-    EXPECT_EQ(layout.position(UrlColumn::Host), 50);
-    EXPECT_EQ(layout.order().size(), 51u);
+    EXPECT_EQ(layout.position(UrlColumn::User), 51);
+    EXPECT_EQ(layout.position(UrlColumn::Host), 52);
+    EXPECT_EQ(layout.order().size(), kTableColumnCount);
 }
 
 TEST(TableLayout, givesAShownColumnAWidth) {
@@ -98,6 +98,17 @@ TEST(TableLayout, givesAShownColumnAWidth) {
     EXPECT_EQ(layout.widthTwips(UrlColumn::KeywordFlag), 0);
     layout.setHidden(UrlColumn::KeywordFlag, false);
     EXPECT_GT(layout.widthTwips(UrlColumn::KeywordFlag), 0);
+}
+
+TEST(TableLayout, keepsThatAColumnIsAsWideAsWhatItHolds) {
+    TableLayout layout;
+    EXPECT_FALSE(layout.isFitted(UrlColumn::Value));
+    layout.fit(UrlColumn::Value);
+    EXPECT_TRUE(layout.isFitted(UrlColumn::Value));
+    EXPECT_TRUE(restored(saved(layout)).isFitted(UrlColumn::Value));
+    EXPECT_EQ(restored(saved(layout)), layout);
+    layout.setWidthTwips(UrlColumn::Value, 900);
+    EXPECT_FALSE(layout.isFitted(UrlColumn::Value));
 }
 
 TEST(TableLayout, survivesACloseAndAnOpenOfTheProject) {

@@ -40,14 +40,51 @@ TEST(HostPattern, quotesTheCharactersOfLike) {
 }
 
 TEST(SortQuery, ordersTheActiveRowsByOneColumn) {
-    EXPECT_EQ(sortQuery({}, UrlColumn::Visits, SortDirection::Descending).sql,
+    EXPECT_EQ(sortQuery({}, {UrlColumn::Visits, SortDirection::Descending}, Undated::Last).sql,
               "SELECT URL_ID FROM [_DEFAULT] ORDER BY [Visits] DESC, URL_ID ASC");
     const IdQuery filtered =
-        sortQuery(hostFiltered("Hotmail", "h"), UrlColumn::Type, SortDirection::Ascending);
+        sortQuery(hostFiltered("Hotmail", "h"), {UrlColumn::Type, SortDirection::Ascending},
+                  Undated::AsTheQueryHasThem);
     EXPECT_EQ(
         filtered.sql,
         "SELECT URL_ID FROM [Hotmail] WHERE Host LIKE ? ORDER BY [CacheType] ASC, URL_ID ASC");
     EXPECT_EQ(filtered.bound, "%h%");
+}
+
+TEST(SortQuery, putsRowsWithoutADateLastInEitherOrder) {
+    EXPECT_EQ(
+        sortQuery({}, {UrlColumn::LocalDate, SortDirection::Ascending}, Undated::Last).sql,
+        "SELECT URL_ID FROM [_DEFAULT] ORDER BY [ActionDateLocal] ASC NULLS LAST, URL_ID ASC");
+    EXPECT_EQ(sortQuery({}, {UrlColumn::ExpiryDate, SortDirection::Descending}, Undated::Last).sql,
+              "SELECT URL_ID FROM [_DEFAULT] ORDER BY nullif([ExpiryDate], 0) DESC NULLS LAST, "
+              "URL_ID ASC");
+}
+
+TEST(UndatedLastQueries, areForOrdersThatBeginWithADate) {
+    for (const char *text : {"SELECT * FROM URLs ORDER BY ActionDateLocal ASC",
+                             "select * from urls order by actiondatelocal",
+                             "SELECT * FROM URLs\r\nORDER BY [URLs].[ActionDateLocal], Host"}) {
+        const auto queries = undatedLastQueries({}, text);
+        ASSERT_EQ(queries.size(), 2u) << text;
+        EXPECT_EQ(queries[0].sql, "SELECT URL_ID FROM (SELECT [_DEFAULT].* FROM [_DEFAULT]) "
+                                  "WHERE [ActionDateLocal] IS NOT NULL");
+        EXPECT_TRUE(queries[1].sql.ends_with("WHERE [ActionDateLocal] IS NULL"));
+    }
+    EXPECT_TRUE(
+        undatedLastQueries({}, "SELECT * FROM URLs ORDER BY Visits DESC, ActionDateLocal").empty());
+    EXPECT_TRUE(undatedLastQueries({}, "SELECT * FROM URLs").empty());
+    const auto filtered = undatedLastQueries(hostFiltered("", "h"), "SELECT * FROM URLs");
+    ASSERT_EQ(filtered.size(), 2u); // the host filter sorts by date
+    EXPECT_EQ(filtered[1].bound, "%h%");
+}
+
+TEST(SortText, comesBackAsItWasKept) {
+    const ColumnSort sort{UrlColumn::Host, SortDirection::Descending};
+    EXPECT_EQ(sortText(sort), "COL_URL_HOST DESC");
+    EXPECT_EQ(sortIn("COL_URL_HOST DESC"), sort);
+    for (const char *text : {"", "COL_URL_HOST", "COL_URL_NONE ASC", "COL_URL_ICON ASC",
+                             "COL_URL_HOST UP", "COL_URL_HOST ASC x"})
+        EXPECT_EQ(sortIn(text), std::nullopt) << text;
 }
 
 TEST(SortQuery, knowsColumnsWithoutAnOrder) {

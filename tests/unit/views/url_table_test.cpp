@@ -291,7 +291,7 @@ TEST_F(UrlTableTest, everySortableColumnSorts) {
     page(1, "b");
     page(2, "a");
     table.LoadURLs(task);
-    for (const UrlColumnFacts &facts : kUrlColumns) {
+    for (const UrlColumnFacts &facts : kTableColumns) {
         EXPECT_EQ(table.sortBy(facts.column, SortDirection::Descending, task), LoadResult::Loaded)
             << facts.key;
         EXPECT_EQ(table.rowCount(), 2u);

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "views/TableLayout.h"
+
+#include <array>
+
+class QTableView;
+
+namespace nv {
+
+class UrlModel;
+
+/// How wide columns have to be for what they hold: measured on rows from all over the list, shared
+/// out over the room that there is. Addresses, titles and hosts give way when it is scarce, and
+/// addresses get what is left.
+class ColumnFit {
+  public:
+    /// Looks at a few screens of rows.
+    void measure(const UrlModel &model, const TableLayout &layout, const QTableView &grid);
+    bool isMeasured() const { return m_measured; }
+    /// Pixels of each shown column, fitted or not, in `room` pixels.
+    std::array<int, kTableColumnCount> widths(const TableLayout &layout, const QTableView &grid,
+                                              int room) const;
+    /// Pixels of a width that the examiner has given, in the window's font.
+    static int pixels(int twips, const QTableView &grid);
+    static int twips(int pixels, const QTableView &grid);
+
+  private:
+    int wanted(const UrlModel &model, UrlColumn column, const QTableView &grid) const;
+
+    bool m_measured = false;
+    std::array<int, kTableColumnCount> m_wanted{};
+};
+
+} // namespace nv

@@ -1,0 +1,155 @@
+#include "gui/Desk.h"
+#include "maintenance/ui/TimeZoneForm.h"
+
+#include <QAccessible>
+#include <QComboBox>
+#include <QDialog>
+
+#include <set>
+
+// What a screen reader is told: the tree of accessible objects, not the widgets behind it.
+namespace nv {
+
+using namespace test;
+
+namespace {
+
+/// What somebody types into, chooses from, presses or reads.
+bool isBox(QAccessible::Role role) {
+    static const std::set<QAccessible::Role> boxes = {
+        QAccessible::EditableText, QAccessible::ComboBox,    QAccessible::SpinBox,
+        QAccessible::List,         QAccessible::Table,       QAccessible::Tree,
+        QAccessible::CheckBox,     QAccessible::RadioButton, QAccessible::PushButton,
+        QAccessible::ButtonMenu,   QAccessible::ProgressBar, QAccessible::Slider,
+        QAccessible::PageTabList,  QAccessible::Dial};
+    return boxes.contains(role);
+}
+
+/// Parts that the toolkit makes inside of its own widgets, and what is shown to nobody.
+bool isInner(const QAccessibleInterface &object) {
+    const auto *widget = qobject_cast<const QWidget *>(object.object());
+    if (!widget)
+        return true;
+    const QWidget *parent = widget->parentWidget();
+    const bool ofComboBox = parent && parent->inherits("QComboBoxPrivateContainer");
+    const bool ofSpinBox = qobject_cast<const QAbstractSpinBox *>(parent) != nullptr;
+    const bool clearsALine = parent && qobject_cast<const QLineEdit *>(parent);
+    const bool scrollsTabs =
+        widget->inherits("QToolButton") && parent && parent->inherits("QTabBar");
+    return ofComboBox || ofSpinBox || clearsALine || scrollsTabs ||
+           widget->objectName().startsWith(u"qt_");
+}
+
+void collectNameless(QAccessibleInterface *object, QStringList &nameless) {
+    if (!object || !object->isValid())
+        return;
+    if (isBox(object->role()) && !isInner(*object)) {
+        const QString name = object->text(QAccessible::Name).trimmed();
+        const bool saysItsValue =
+            object->role() == QAccessible::ComboBox && name == object->text(QAccessible::Value);
+        if (name.isEmpty() || saysItsValue)
+            nameless += object->object()->metaObject()->className() + QStringLiteral(" ") +
+                        object->object()->objectName();
+    }
+    const bool hasCells = object->tableInterface() || object->role() == QAccessible::List;
+    for (int at = 0; !hasCells && at < object->childCount(); ++at)
+        collectNameless(object->child(at), nameless);
+}
+
+QStringList namelessIn(QWidget &window) {
+    QStringList nameless;
+    collectNameless(QAccessible::queryAccessibleInterface(&window), nameless);
+    nameless.removeDuplicates();
+    return nameless;
+}
+
+} // namespace
+
+class AccessibleNamesTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init();
+    void cleanup();
+    void everyBoxOfTheWindowHasAName();
+    void everyBoxOfADialogHasAName_data();
+    void everyBoxOfADialogHasAName();
+    void everyBoxOfTheOtherWindowsHasAName();
+    void aComboBoxSaysItsNameAndItsValue();
+
+  private:
+    std::unique_ptr<Desk> m_desk;
+    std::unique_ptr<MainForm> m_form;
+};
+
+void AccessibleNamesTest::init() {
+    m_desk = std::make_unique<Desk>();
+    m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
+    m_form->show();
+    openExample(*m_desk, *m_form);
+}
+
+void AccessibleNamesTest::cleanup() {
+    m_form.reset();
+    m_desk.reset();
+}
+
+void AccessibleNamesTest::everyBoxOfTheWindowHasAName() {
+    trigger(*m_form, "actHosts");
+    trigger(*m_form, "actFind");
+    QCOMPARE(namelessIn(*m_form), QStringList());
+    trigger(*m_form, "actClose");
+    QCOMPARE(namelessIn(*m_form), QStringList());
+}
+
+void AccessibleNamesTest::everyBoxOfADialogHasAName_data() {
+    QTest::addColumn<QString>("action");
+    for (const char *action :
+         {"actColumns", "actFilters", "actImport", "actExport", "actCreateReport", "actCaseTrail",
+          "actOptions", "actTimeZone", "actErrorLog", "actTips", "actUpgradeWizard",
+          "actLayoutSaveAs", "actQueryForm"})
+        QTest::newRow(action) << QString::fromLatin1(action);
+}
+
+void AccessibleNamesTest::everyBoxOfADialogHasAName() {
+    QFETCH(QString, action);
+    auto *found = m_form->findChild<QAction *>(action);
+    QVERIFY2(found, qPrintable(action));
+    QStringList nameless{QStringLiteral("no dialog came")};
+    QTimer::singleShot(0, qApp, [&nameless] {
+        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        nameless = namelessIn(*dialog);
+        dialog->reject();
+    });
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    m_desk->examiner.script = {Answer::Yes};
+    found->trigger();
+    QCOMPARE(nameless, QStringList());
+}
+
+void AccessibleNamesTest::everyBoxOfTheOtherWindowsHasAName() {
+    const std::vector<ZoneRow> one{ZoneRow{}};
+    TimeZoneForm zones(one, 0);
+    QCOMPARE(namelessIn(zones), QStringList());
+    QCOMPARE(namelessIn(m_desk->status), QStringList());
+}
+
+void AccessibleNamesTest::aComboBoxSaysItsNameAndItsValue() {
+    auto &box = child<QComboBox>(*m_form, "cbLayout");
+    QAccessibleInterface *said = QAccessible::queryAccessibleInterface(&box);
+    QCOMPARE(said->text(QAccessible::Name), QStringLiteral("Layout"));
+    QCOMPARE(said->text(QAccessible::Value), QStringLiteral("Examiner"));
+    QCOMPARE(said->childCount(), 1);
+    QVERIFY(said->indexOfChild(said->child(0)) == 0);
+    said->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    QTRY_VERIFY(said->state().expanded);
+    said->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    QTRY_VERIFY(!said->state().expanded);
+}
+
+} // namespace nv
+
+QTEST_MAIN(nv::AccessibleNamesTest)
+#include "accessible_names_test.moc"

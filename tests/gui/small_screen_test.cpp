@@ -1,0 +1,135 @@
+#include "app/IniSections.h"
+#include "app/ui/WindowLayout.h"
+#include "db/StoredQueries.h"
+#include "gui/Desk.h"
+#include "views/ui/FlowLayout.h"
+#include "views/ui/TableTab.h"
+
+#include <QPushButton>
+#include <QScreen>
+#include <QTabWidget>
+#include <QTest>
+
+// The window on a screen of 960 by 540 logical pixels, which a laptop of twice as many has.
+namespace nv {
+
+using namespace test;
+
+class SmallScreenTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init();
+    void cleanup();
+    void theWindowFitsWhateverIsInFront();
+    void longNamesDontWidenIt();
+    void itStartsNoLargerThanTheScreen();
+    void aSizeThatWasKeptFromALargerScreenIsCut();
+    void aFlowGoesOnInTheNextLine();
+
+  private:
+    /// What is left of 960 by 540 beside the frame.
+    static constexpr QSize kRoom{952, 508};
+    QString tooLarge() {
+        const QSize least = m_form->minimumSizeHint();
+        if (least.width() <= kRoom.width() && least.height() <= kRoom.height())
+            return {};
+        QString text = QStringLiteral("%1 by %2:").arg(least.width()).arg(least.height());
+        for (const QWidget *widget : m_form->findChildren<QWidget *>())
+            if (widget->minimumSizeHint().width() > 700 || widget->minimumSizeHint().height() > 250)
+                text +=
+                    QStringLiteral(" %1 %2 %3x%4")
+                        .arg(QLatin1String(widget->metaObject()->className()), widget->objectName())
+                        .arg(widget->minimumSizeHint().width())
+                        .arg(widget->minimumSizeHint().height());
+        return text;
+    }
+
+    std::unique_ptr<Desk> m_desk;
+    std::unique_ptr<MainForm> m_form;
+};
+
+void SmallScreenTest::init() {
+    m_desk = std::make_unique<Desk>();
+    m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
+    m_form->show();
+    openExample(*m_desk, *m_form);
+}
+
+void SmallScreenTest::cleanup() {
+    m_form.reset();
+    m_desk.reset();
+}
+
+void SmallScreenTest::theWindowFitsWhateverIsInFront() {
+    trigger(*m_form, "actHosts");
+    trigger(*m_form, "actFind");
+    auto &data = child<QTabWidget>(*m_form, "dataTabs");
+    auto &viewers = child<QTabWidget>(*m_form, "viewerTabs");
+    for (int tab = 0; tab < data.count(); ++tab)
+        for (int pane = 0; pane < viewers.count(); ++pane) {
+            data.setCurrentIndex(tab);
+            viewers.setCurrentIndex(pane);
+            QApplication::processEvents();
+            QCOMPARE(tooLarge(), QString());
+        }
+    m_form->resize(kRoom);
+    QCOMPARE(m_form->size(), kRoom);
+}
+
+void SmallScreenTest::longNamesDontWidenIt() {
+    const std::string longName(200, 'w');
+    StoredQueries(m_desk->program.thisClass.ProjectDB.connection())
+        .save({longName, "SELECT * FROM URLs"});
+    const fs::path base = m_desk->folder.path() / longName / longName;
+    fs::create_directories(base);
+    setRootPath(m_desk->program, base);
+    trigger(*m_form, "actClose");
+    m_form->takePath(m_desk->folder.path() / "case.nvp");
+    child<TableTab>(*m_form, "TableTab").chooseQuery(QString::fromStdString(longName));
+    QApplication::processEvents();
+    QCOMPARE(tooLarge(), QString());
+}
+
+void SmallScreenTest::itStartsNoLargerThanTheScreen() {
+    const QSize screen = m_form->screen()->availableSize();
+    QVERIFY(m_form->frameGeometry().width() <= screen.width());
+    QVERIFY(m_form->frameGeometry().height() <= screen.height());
+}
+
+void SmallScreenTest::aSizeThatWasKeptFromALargerScreenIsCut() {
+    const QSize screen = m_form->screen()->availableSize();
+    m_form->resize(screen * 2);
+    keepWindowLayout(*m_form, m_desk->program.settings);
+    MainForm again(m_desk->program, m_desk->dialogs);
+    again.show();
+    QVERIFY(again.frameGeometry().width() <= screen.width());
+    QVERIFY(again.frameGeometry().height() <= screen.height());
+}
+
+void SmallScreenTest::aFlowGoesOnInTheNextLine() {
+    QWidget bar;
+    auto *flow = new FlowLayout(&bar);
+    flow->setContentsMargins(0, 0, 0, 0);
+    std::vector<QPushButton *> buttons;
+    for (int i = 0; i < 4; ++i) {
+        buttons.push_back(new QPushButton(QStringLiteral("A button")));
+        flow->addWidget(buttons.back());
+    }
+    const QSize whole = flow->sizeHint();
+    bar.resize(whole);
+    bar.show();
+    QCOMPARE(buttons.back()->y(), buttons.front()->y());
+    const int half = whole.width() / 2 + 10;
+    QVERIFY(flow->heightForWidth(half) >= 2 * whole.height());
+    bar.resize(half, flow->heightForWidth(half));
+    QApplication::processEvents();
+    QCOMPARE(buttons[2]->x(), buttons[0]->x());
+    QVERIFY(buttons[2]->y() > buttons[0]->y());
+    QVERIFY(flow->minimumSize().width() < whole.width() / 2);
+}
+
+} // namespace nv
+
+QTEST_MAIN(nv::SmallScreenTest)
+#include "small_screen_test.moc"
