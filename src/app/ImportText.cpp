@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <map>
+#include <vector>
 
 namespace nv {
 
@@ -19,25 +20,33 @@ std::string_view rowWord(std::uint64_t count) {
     return count == 1 ? "row" : "rows";
 }
 
+/// What has to be known of an artefact besides its state and its rows, a line each.
+std::vector<std::string> notesOf(const ArtefactResult &artefact) {
+    std::vector<std::string> notes;
+    if (!artefact.reason.empty())
+        notes.push_back(artefact.reason);
+    if (artefact.notReached > 0)
+        notes.push_back(
+            fmt::format("{} not reached", counted(artefact.notReached, "entry", "entries")));
+    if (artefact.rowsLost > 0)
+        notes.push_back(fmt::format("{} could not be saved, see the log",
+                                    counted(artefact.rowsLost, "record")));
+    for (const auto &[reason, count] : artefact.passedOver)
+        notes.push_back(fmt::format("{} passed over: {}", count, reason));
+    for (const auto &[reason, count] : artefact.noted)
+        notes.push_back(fmt::format("{} noted: {}", count, reason));
+    if (!artefact.warning.empty())
+        notes.push_back("Warning: " + artefact.warning + ".");
+    return notes;
+}
+
 std::string artefactText(const ArtefactResult &artefact) {
     std::string text = fmt::format("{:<12} {:>9} {:<4}  type {:<3} {:<20} {}  {}\n",
                                    stateWord(artefact.state), artefact.rowsSaved,
                                    rowWord(artefact.rowsSaved), static_cast<int>(artefact.type),
                                    artefact.readerKey, artefact.MD5Hash, textOf(artefact.path));
-    const auto note = [&text](std::string_view what) { text += fmt::format("    {}\n", what); };
-    if (!artefact.reason.empty())
-        note(artefact.reason);
-    if (artefact.notReached > 0)
-        note(fmt::format("{} not reached", counted(artefact.notReached, "entry", "entries")));
-    if (artefact.rowsLost > 0)
-        note(fmt::format("{} could not be saved, see the log",
-                         counted(artefact.rowsLost, "record")));
-    for (const auto &[reason, count] : artefact.passedOver)
-        note(fmt::format("{} passed over: {}", count, reason));
-    for (const auto &[reason, count] : artefact.noted)
-        note(fmt::format("{} noted: {}", count, reason));
-    if (!artefact.warning.empty())
-        note("Warning: " + artefact.warning + ".");
+    for (const std::string &note : notesOf(artefact))
+        text += fmt::format("    {}\n", note);
     return text;
 }
 
@@ -110,6 +119,16 @@ std::string thumbnailsText(const ImportThumbnails &thumbnails) {
     return text;
 }
 
+/// What ended the import before its end; empty for most.
+std::string endText(const ImportSummary &summary) {
+    std::string text;
+    if (summary.cancelled)
+        text += "The import was cancelled; what was written is kept.\n";
+    if (!summary.failure.empty())
+        text += fmt::format("The import ended: {}\n", summary.failure);
+    return text;
+}
+
 } // namespace
 
 std::string summaryText(const ImportSummary &summary) {
@@ -122,12 +141,33 @@ std::string summaryText(const ImportSummary &summary) {
         counted(summary.notReached(), "entry", "entries"), counted(summary.passedOver(), "record"));
     text += gapsText(summary.gaps);
     text += thumbnailsText(summary.thumbnails);
+<<<<<<< ours
     if (summary.cancelled)
         text += "The import was cancelled; what was written is kept.\n";
     if (!summary.failure.empty())
         text += fmt::format("The import ended: {}\nWhat was written before is kept: {}.\n",
                             summary.failure, counted(summary.rowsSaved(), "row"));
     return text;
+||||||| base
+    if (summary.cancelled)
+        text += "The import was cancelled; what was written is kept.\n";
+    if (!summary.failure.empty())
+        text += fmt::format("The import ended: {}\n", summary.failure);
+    return text;
+=======
+    return text + endText(summary);
+}
+
+std::string outcomeText(const ImportSummary &summary) {
+    std::string text;
+    for (const ArtefactResult &artefact : summary.artefacts) {
+        text += fmt::format("{}\n\n{}: {}, {}\n", textOf(artefact.path), artefact.readerKey,
+                            stateWord(artefact.state), counted(artefact.rowsSaved, "row"));
+        for (const std::string &note : notesOf(artefact))
+            text += note + '\n';
+    }
+    return text + endText(summary);
+>>>>>>> theirs
 }
 
 } // namespace nv

@@ -10,4 +10,7 @@ namespace nv {
 /// then a line for each kind. Loose files without anything to tell are summed up.
 std::string summaryText(const ImportSummary &summary);
 
+/// The same of one artefact that was imported alone, in lines that need no columns.
+std::string outcomeText(const ImportSummary &summary);
+
 } // namespace nv

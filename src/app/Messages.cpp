@@ -18,8 +18,8 @@ Message commandLineFileUnknown() {
                   "The file specified is not a recognized history file.");
 }
 
-Message commandLineFileImported(std::string_view summary) {
-    return notice("command-line-file-imported", "Import", std::string(summary), Tone::Information);
+Message commandLineFileImported(std::string_view outcome) {
+    return notice("command-line-file-imported", "Import", std::string(outcome), Tone::Information);
 }
 
 Message startupError(std::string_view reason) {

@@ -18,8 +18,8 @@ namespace nv::messages {
 
 Message commandLineFileMissing();
 Message commandLineFileUnknown();
-/// What became of the artefact that the command line named; `summary` is its text.
-Message commandLineFileImported(std::string_view summary);
+/// `outcome` is what became of the artefact that the command line named.
+Message commandLineFileImported(std::string_view outcome);
 Message startupError(std::string_view reason);
 Message groundZero();
 Message tempFolderNotCleared(std::string_view reason);

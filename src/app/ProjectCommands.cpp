@@ -237,7 +237,7 @@ bool ProjectCommands::LoadCommandLineFile(const fs::path &path) {
         return false;
     const ImportSummary summary = importAlone(m_program, *artefact);
     m_view.LoadURLs();
-    examiner.tell(messages::commandLineFileImported(summaryText(summary)));
+    examiner.tell(messages::commandLineFileImported(outcomeText(summary)));
     return true;
 }
 

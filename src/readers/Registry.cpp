@@ -308,16 +308,16 @@ bool holdsShaders(const Reader &reader, const Candidate &candidate) {
            (reader.type == safariCache && isShaderFolder(folder.parent_path()));
 }
 
-/// Taken by its name alone, a cache passes for a history.
+/// A cache that is taken by its name alone, or by itself, passes for a history.
 std::string warningOn(const Reader &reader, const std::filesystem::path &file) {
     if (reader.type != ieHistory)
         return {};
     const Bytes head = readHead(file, limits::kHeadBytes);
     if (!hasCacheFolders(ByteView(head)))
         return {};
-    return "read as a history by its name alone, but it lists cache folders as a cache does: what "
-           "is called \"Last Visited\" here is a date of the server's, and cached files are not "
-           "looked for. Import it with file signatures verified";
+    return "read as a history, but it lists cache folders as a cache does: what is called \"Last "
+           "Visited\" here is a date of the server's, and cached files are not looked for. Import "
+           "its folder with file signatures verified";
 }
 
 } // namespace nv

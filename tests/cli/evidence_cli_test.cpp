@@ -227,11 +227,12 @@ TEST_F(EvidenceCliTest, aCacheThatIsTakenForAHistoryByItsNameIsWarnedOf) {
     addHistory("History/index.dat");
     const CliResult run = cli({"import", project, evidence.string(), "--no-signatures"});
     EXPECT_EQ(run.exit, 0) << run.err;
-    const std::size_t warning = run.out.find("Warning: read as a history by its name alone");
+    const std::size_t warning =
+        run.out.find("Warning: read as a history, but it lists cache folders");
     ASSERT_NE(warning, std::string::npos) << run.out;
     EXPECT_EQ(run.out.find("Warning: ", warning + 1), std::string::npos) << run.out;
     EXPECT_THAT(trail()[1]["Detail"].dump() + trail()[0]["Detail"].dump(),
-                HasSubstr("by its name alone"));
+                HasSubstr("lists cache folders"));
     EXPECT_THAT(cli({"import", project, evidence.string()}).out, Not(HasSubstr("Warning")));
 }
 
