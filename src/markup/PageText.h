@@ -18,7 +18,7 @@ struct DecodedPage {
     std::string charset;
     std::string_view foundIn; ///< in plain words
 };
-/// Then it was taken for Windows-1252.
+/// `foundIn` of a page that names none: it is taken for Windows-1252.
 inline constexpr std::string_view kNoCharset = "no charset named";
 DecodedPage decodedPage(ByteView bytes, std::string_view httpHeader);
 
