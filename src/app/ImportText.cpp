@@ -125,7 +125,8 @@ std::string endText(const ImportSummary &summary) {
     if (summary.cancelled)
         text += "The import was cancelled; what was written is kept.\n";
     if (!summary.failure.empty())
-        text += fmt::format("The import ended: {}\n", summary.failure);
+        text += fmt::format("The import ended: {}\nWhat was written before is kept: {}.\n",
+                            summary.failure, counted(summary.rowsSaved(), "row"));
     return text;
 }
 
@@ -141,20 +142,6 @@ std::string summaryText(const ImportSummary &summary) {
         counted(summary.notReached(), "entry", "entries"), counted(summary.passedOver(), "record"));
     text += gapsText(summary.gaps);
     text += thumbnailsText(summary.thumbnails);
-<<<<<<< ours
-    if (summary.cancelled)
-        text += "The import was cancelled; what was written is kept.\n";
-    if (!summary.failure.empty())
-        text += fmt::format("The import ended: {}\nWhat was written before is kept: {}.\n",
-                            summary.failure, counted(summary.rowsSaved(), "row"));
-    return text;
-||||||| base
-    if (summary.cancelled)
-        text += "The import was cancelled; what was written is kept.\n";
-    if (!summary.failure.empty())
-        text += fmt::format("The import ended: {}\n", summary.failure);
-    return text;
-=======
     return text + endText(summary);
 }
 
@@ -167,7 +154,6 @@ std::string outcomeText(const ImportSummary &summary) {
             text += note + '\n';
     }
     return text + endText(summary);
->>>>>>> theirs
 }
 
 } // namespace nv

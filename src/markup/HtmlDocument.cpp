@@ -159,7 +159,7 @@ std::optional<SourceSpan> HtmlDocument::startTagOf(const Node &element) const {
 std::optional<SourceSpan> HtmlDocument::endTagOf(const Node &element) const {
     const GumboElement &e = element.v.element;
     const SourceSpan span = spanOf(e.original_end_tag.data, e.original_end_tag.length);
-    const bool isImplied = (element.v.element.parse_flags & GUMBO_INSERTION_IMPLICIT_END_TAG) != 0;
+    const bool isImplied = (element.parse_flags & GUMBO_INSERTION_IMPLICIT_END_TAG) != 0;
     return isImplied || span.begin == span.end ? std::nullopt : std::optional(span);
 }
 

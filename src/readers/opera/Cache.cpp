@@ -193,7 +193,7 @@ class CacheReading {
     void tellGap(std::uint64_t from, std::uint64_t end) {
         ++m_result.passedOver["stretch of bytes without a record, in which some may be lost"];
         // The trap gives the line its form, and their number an end.
-        m_losses.run(from, [&] {
+        m_losses.attempt(from, [&] {
             throw std::runtime_error(
                 fmt::format("{} bytes without a record were stepped over; some may be lost in them",
                             end - from));

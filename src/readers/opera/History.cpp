@@ -155,7 +155,7 @@ class LineReading {
             return;
         ++m_result.noted[std::string(kOperaGarbage)];
         // The trap gives the line its form, and their number an end.
-        m_doubts.run(m_at, [] {
+        m_doubts.attempt(m_at, [] {
             throw std::runtime_error(
                 "stored with bytes that are no text; others may be lost in it");
         });
