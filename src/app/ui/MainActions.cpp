@@ -127,7 +127,7 @@ void MainActions::setProjectOpen(bool open, bool readOnly) {
         action->setEnabled(open);
     for (QAction *action : {import, upgradeWizard})
         action->setEnabled(!readOnly);
-    for (QAction *action : {saveAs, tag, rebuild, linkAnalysis, baseFolder})
+    for (QAction *action : {saveAs, tag, rebuild, rebuildPage, linkAnalysis, baseFolder})
         action->setEnabled(open && !readOnly);
 }
 
