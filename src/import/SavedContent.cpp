@@ -1,7 +1,7 @@
 #include "import/SavedContent.h"
 
 #include "import/PageContent.h"
-#include "import/PageText.h"
+#include "markup/PageText.h"
 
 namespace nv {
 
