@@ -1,13 +1,11 @@
-#include "ProgramFixture.h"
+#include "ProjectCommandsFixture.h"
 #include "app/ImportJob.h"
 #include "app/Project.h"
-#include "app/ProjectCommands.h"
 #include "app/ProjectOptions.h"
 #include "app/RecentFiles.h"
 #include "app/TempFolder.h"
 #include "app/Trail.h"
 #include "base/Files.h"
-#include "db/ProjectFields.h"
 #include "db/StoredQueries.h"
 #include "support/builders/IndexDat.h"
 
@@ -19,51 +17,7 @@ namespace nv {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct ScriptedDialogs final : FileDialogs {
-    std::optional<fs::path> chooseProject() override { return answer; }
-    std::optional<fs::path> CreateNewProjectFilename() override { return answer; }
-    std::optional<fs::path> chooseSaveAs() override { return answer; }
-    std::optional<fs::path> answer;
-};
-
-struct RecordingProjectView final : ProjectView {
-    void setCaption(const std::string &text) override { caption = text; }
-    void restoreLayout() override { ++restored; }
-    void saveLayout() override { ++saved; }
-    void showRecentFiles() override {}
-    void clear() override { ++cleared; }
-    void LoadURLs() override { ++loaded; }
-    void showUpgradeWizard(const fs::path &project) override {
-        EXPECT_FALSE(isOpen()) << "the wizard works on a closed project";
-        upgraded.push_back(project);
-    }
-    std::function<bool()> isOpen;
-    std::vector<fs::path> upgraded;
-    std::string caption;
-    int restored = 0;
-    int saved = 0;
-    int cleared = 0;
-    int loaded = 0;
-};
-
-struct ProjectCommandsTest : test::ProgramFixture {
-    DatabaseClass &db() { return program->thisClass.ProjectDB; }
-    std::string setting(std::string_view name) {
-        return ProjectFields(db().connection(), program->log).GetDefault(name);
-    }
-    void set(std::string_view name, std::string_view value) {
-        ProjectFields(db().connection(), program->log).SaveDefaultSetting(name, value);
-    }
-    std::int64_t rows() {
-        return db().connection().execAndGet("SELECT count(*) FROM URLs").getInt64();
-    }
-
-    ScriptedDialogs dialogs;
-    RecordingProjectView window;
-    ProjectCommands commands{start(), dialogs, window};
-    fs::path path = folder.path() / "case.nvp";
-};
+using test::ProjectCommandsTest;
 
 TEST_F(ProjectCommandsTest, aNewProjectHoldsTheVersionAndIsRemembered) {
     ASSERT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
@@ -398,80 +352,6 @@ TEST_F(ProjectCommandsTest, aBaseFolderWhoseNameIsNoUtf8IsFoundAgain) {
     commands.CloseFile();
     commands.OpenFile(path, OpenMode::existing);
     EXPECT_EQ(program->thisClass.RootPath, base);
-}
-
-/// Another window has the project.
-struct ProjectInUseTest : ProjectCommandsTest {
-    ProjectInUseTest() {
-        commands.OpenFile(path, OpenMode::newAtPath);
-        db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
-        set("AppMinor", "0");
-        commands.CloseFile();
-        program->thisClass.DisableFileVersionCheck = true;
-        other = std::make_unique<ProjectHold>(path, Front::window, clock);
-    }
-    std::unique_ptr<ProjectHold> other;
-};
-
-TEST_F(ProjectInUseTest, readingOnlyIsOfferedWithWhoHasIt) {
-    const std::string who = holderOf(path, Front::window).value();
-    examiner.expect("project-in-use", Answer::No);
-    EXPECT_FALSE(commands.OpenFile(path, OpenMode::existing));
-    EXPECT_NE(examiner.heard.at(0).text.find(who), std::string::npos);
-    EXPECT_NE(examiner.heard.at(0).text.find(path.string()), std::string::npos);
-    EXPECT_FALSE(db().isOpen());
-    other.reset();
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing)) << "and without a question";
-    EXPECT_FALSE(db().isReadOnly());
-}
-
-TEST_F(ProjectInUseTest, readingOnlyWritesNothing) {
-    const Bytes before = readWhole(path);
-    examiner.expect("project-in-use", Answer::Yes);
-    ASSERT_TRUE(commands.OpenFile(path, OpenMode::existing));
-    EXPECT_TRUE(db().isReadOnly());
-    EXPECT_EQ(rows(), 1);
-    EXPECT_TRUE(window.caption.ends_with("(reading only)"));
-    ASSERT_TRUE(setZone(*program, 20));
-    setRootPath(*program, folder.path());
-    storeProjectValues(*program, projectValuesInForce(*program), TrailNote::yes);
-    noteInTrail(*program, {});
-    dialogs.answer = folder.path() / "copy.nvp";
-    EXPECT_FALSE(commands.SaveAs());
-    commands.CloseFile();
-    EXPECT_TRUE(readWhole(path) == before);
-    EXPECT_FALSE(fs::exists(paths.home / "error.log")) << "and nothing has failed";
-}
-
-TEST_F(ProjectInUseTest, anOlderProjectThatIsReadOnlyOffersNoUpgrade) {
-    program->thisClass.DisableFileVersionCheck = false;
-    examiner.expect("project-in-use", Answer::Yes);
-    examiner.expect("older-project");
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
-    EXPECT_TRUE(db().isReadOnly());
-}
-
-TEST_F(ProjectInUseTest, neitherANewProjectNorSaveAsReplacesIt) {
-    EXPECT_THROW(commands.OpenFile(path, OpenMode::newAtPath), StorageFailure);
-    ASSERT_TRUE(commands.OpenFile(folder.path() / "second.nvp", OpenMode::newAtPath));
-    dialogs.answer = path;
-    examiner.expect("save-as-failed");
-    EXPECT_FALSE(commands.SaveAs());
-    EXPECT_EQ(program->thisClass.ProjectDBPath, folder.path() / "second.nvp");
-    other.reset();
-    ASSERT_TRUE(commands.OpenFile(path, OpenMode::existing));
-    EXPECT_EQ(rows(), 1);
-}
-
-TEST_F(ProjectCommandsTest, aWriteProtectedProjectIsOfferedForReading) {
-    if (::geteuid() == 0)
-        GTEST_SKIP() << "the superuser may write everywhere";
-    commands.OpenFile(path, OpenMode::newAtPath);
-    commands.CloseFile();
-    fs::permissions(path, fs::perms::owner_read);
-    examiner.expect("project-not-writable", Answer::Yes);
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
-    EXPECT_TRUE(db().isReadOnly());
 }
 
 TEST_F(ProjectCommandsTest, saveAsWritesNothingAmongTheEvidence) {

@@ -25,10 +25,7 @@ struct StorageTest : testing::Test {
     /// What the StorageFailure says that `body` ends with in a trap; empty when there is none.
     std::string failureIn(const std::function<void()> &body) {
         try {
-            trapped(log, Severity::Warning, "Test()", "", false, [&] {
-                body();
-                return true;
-            });
+            trapped(log, Severity::Warning, "Test()", "", [&] { body(); });
         } catch (const StorageFailure &failure) {
             return failure.what();
         }
