@@ -241,10 +241,10 @@ void LayoutsTest::tickAndDateStayInSight() {
     QCOMPARE(header().stuck().size(), std::size_t{1});
     grid().horizontalScrollBar()->setValue(grid().horizontalScrollBar()->maximum());
     QCOMPARE(header().stuck().size(), std::size_t{2});
-    const QRect date = header().stuckColumn(sectionOf(UrlColumn::ActionDateLocal)).value();
+    const QRect date = header().stuckColumn(sectionOf(UrlColumn::ActionDateUtc)).value();
     QCOMPARE(date.left(), header().sectionSize(sectionOf(UrlColumn::Tag)));
     // What is drawn there is the date: the same pixels as where it stands by itself.
-    const QModelIndex cell = grid().model()->index(0, sectionOf(UrlColumn::ActionDateLocal));
+    const QModelIndex cell = grid().model()->index(0, sectionOf(UrlColumn::ActionDateUtc));
     const QRect there = grid().visualRect(cell);
     QCOMPARE(there.left(), date.left());
     grid().clearSelection();
@@ -264,14 +264,14 @@ void LayoutsTest::whatStaysInSightTakesTheMouse() {
     QTest::mouseClick(grid().viewport(), Qt::LeftButton, {}, grid().visualRect(tick).center());
     QVERIFY(tab().table()->isTagged(1));
     const int before = grid().horizontalScrollBar()->value();
-    const int section = sectionOf(UrlColumn::ActionDateLocal);
+    const int section = sectionOf(UrlColumn::ActionDateUtc);
     const QRect date = header().stuckColumn(section).value();
     QTest::mouseClick(header().viewport(), Qt::LeftButton, {}, date.center());
     QVERIFY(tab().table()->columnSort());
-    QVERIFY(tab().table()->columnSort()->column == UrlColumn::ActionDateLocal);
+    QVERIFY(tab().table()->columnSort()->column == UrlColumn::ActionDateUtc);
     QCOMPARE(grid().horizontalScrollBar()->value(), before);
     // A column that is gone to doesn't stay hidden under them.
-    grid().setCurrentIndex(grid().model()->index(0, sectionOf(UrlColumn::ActionDateUtc)));
+    grid().setCurrentIndex(grid().model()->index(0, sectionOf(UrlColumn::Action)));
     QVERIFY(grid().visualRect(grid().currentIndex()).left() >= header().stuckWidth());
 }
 

@@ -46,9 +46,8 @@ LayoutBar::LayoutBar(UrlGrid &grid, QWidget *parent) : QWidget(parent), m_grid(g
     more->setToolTip(tr("Save, rename and delete layouts"));
     more->setFocusPolicy(Qt::TabFocus);
     // A menu of the button's own would have an arrow drawn over its text.
-    connect(more, &QToolButton::clicked, this, [this, more] {
-        m_menu->popup(more->mapToGlobal(QPoint(0, more->height())));
-    });
+    connect(more, &QToolButton::clicked, this,
+            [this, more] { m_menu->popup(more->mapToGlobal(QPoint(0, more->height()))); });
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(label);

@@ -73,6 +73,8 @@ QWidget *QueryTab::newChoiceBar(const QueryActions &actions) {
     m_queries = new QComboBox;
     m_queries->setObjectName(QStringLiteral("cbQueries"));
     m_queries->setAccessibleName(tr("Stored query"));
+    // A long name doesn't make the window wider.
+    m_queries->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_queries->setMinimumContentsLength(28);
     m_queries->setPlaceholderText(tr("Choose a stored query"));
     m_queries->setToolTip(tr("Shows a stored query's statement; Apply loads its rows"));

@@ -15,19 +15,13 @@ namespace {
 
 constexpr int kRowPadding = 8; ///< pixels
 
-/// The tick and the date of the event are what every row is known by.
-bool staysInSight(int section) {
-    const UrlColumn column = UrlModel::columnOf(section);
-    return column == UrlColumn::Tag || column == UrlColumn::LocalDate ||
-           column == UrlColumn::ActionDateLocal;
-}
-
 } // namespace
 
 UrlGrid::UrlGrid(UrlModel &model, QWidget *parent) : QTableView(parent), m_model(model) {
     setObjectName(QStringLiteral("URLGrid"));
     setAccessibleName(tr("Records"));
-    m_header = new PinnedHeader(staysInSight);
+    m_header =
+        new PinnedHeader([this](int section) { return staysInSight(UrlModel::columnOf(section)); });
     setHorizontalHeader(m_header);
     setModel(&m_model);
     setSelectionBehavior(SelectRows);

@@ -77,6 +77,7 @@ class UrlGrid final : public QTableView {
     void connectHeader();
     void applyLayout();
     void applyWidths();
+    bool staysInSight(UrlColumn column) const;
     void paintPinned(QPainter &painter, int row) const;
     void requestSort(int section);
     void takeMove(int section, int to);

@@ -8,6 +8,18 @@
 
 namespace nv {
 
+/// The tick and the date of the event are what every row is known by. The documented local date
+/// leaves old dates out, so another one is preferred.
+bool UrlGrid::staysInSight(UrlColumn column) const {
+    if (column == UrlColumn::Tag)
+        return true;
+    for (const UrlColumn date :
+         {UrlColumn::LocalDate, UrlColumn::ActionDateUtc, UrlColumn::ActionDateLocal})
+        if (!m_layout.hidden(date))
+            return column == date;
+    return false;
+}
+
 QModelIndex UrlGrid::indexAt(const QPoint &place) const {
     const int section = m_header->sectionAt(place.x());
     if (section < 0 || !m_header->stuckColumn(section))
