@@ -41,16 +41,6 @@ bool holdsStored(CellRule rule) {
            rule == CellRule::Date || rule == CellRule::FileCreated;
 }
 
-StoredValue valueIn(const SQLite::Column &column) {
-    if (column.isNull())
-        return {};
-    if (column.isInteger())
-        return column.getInt64();
-    if (column.isFloat())
-        return column.getDouble();
-    return column.getString();
-}
-
 void readFacts(SQLite::Statement &row, UrlRow &into) {
     int at = 0;
     const auto flag = [&] { return row.getColumn(at++).getInt() != 0; };
@@ -87,6 +77,16 @@ class Finished {
 };
 
 } // namespace
+
+StoredValue valueIn(const SQLite::Column &column) {
+    if (column.isNull())
+        return {};
+    if (column.isInteger())
+        return column.getInt64();
+    if (column.isFloat())
+        return column.getDouble();
+    return column.getString();
+}
 
 RowReader::RowReader(SQLite::Database &database, std::span<const UrlColumn> columns) {
     std::string select = "SELECT " + factColumns();
