@@ -12,9 +12,10 @@ class Database;
 
 namespace nv {
 
-/// Makes `URLSortTable` the list of the rows that a report is to hold: those of `ids` that are
-/// there, with `tagged` only the ones that are ticked. All of them, or after a cancel none. Throws
-/// what the project can't do.
+/// Makes `URLSortTable` the list of the rows that a report is to hold: those of `ids`, with
+/// `tagged` only the ones that are ticked. Rows that can't be read take part without a date: nobody
+/// knows whether they have the tick, and their entries say so. All of them, or after a cancel none.
+/// Throws what the project can't do.
 enum class ReportRows { all, tagged };
 Walk fillSortTable(SQLite::Database &project, std::span<const std::int32_t> ids, ReportRows rows,
                    TaskMonitor &task);

@@ -64,16 +64,6 @@ std::string_view textIn(const SQLite::Column &column) {
     return {bytes, static_cast<std::size_t>(column.getBytes())};
 }
 
-StoredValue valueIn(const SQLite::Column &column) {
-    if (column.isNull())
-        return {};
-    if (column.isInteger())
-        return column.getInt64();
-    if (column.isFloat())
-        return column.getDouble();
-    return column.getString();
-}
-
 /// The number of links of each record, by the column of `LinkAnalysis` that names it.
 using LinkCounts = std::unordered_map<std::int64_t, std::int64_t>;
 

@@ -47,16 +47,6 @@ std::string storedIn(const UrlColumnFacts &facts) {
     return holdsText(facts.rule) ? cutText(facts.source, kCellBytes) : std::string(facts.source);
 }
 
-StoredValue valueIn(const SQLite::Column &column) {
-    if (column.isNull())
-        return {};
-    if (column.isInteger())
-        return column.getInt64();
-    if (column.isFloat())
-        return column.getDouble();
-    return column.getString();
-}
-
 void readFacts(SQLite::Statement &row, UrlRow &into) {
     int at = 0;
     const auto flag = [&] { return row.getColumn(at++).getInt() != 0; };
@@ -93,6 +83,16 @@ class Finished {
 };
 
 } // namespace
+
+StoredValue valueIn(const SQLite::Column &column) {
+    if (column.isNull())
+        return {};
+    if (column.isInteger())
+        return column.getInt64();
+    if (column.isFloat())
+        return column.getDouble();
+    return column.getString();
+}
 
 RowReader::RowReader(SQLite::Database &database, std::span<const UrlColumn> columns) {
     std::string select = "SELECT " + factColumns();

@@ -14,6 +14,7 @@
 #include <vector>
 
 namespace SQLite {
+class Column;
 class Database;
 class Statement;
 } // namespace SQLite
@@ -22,6 +23,8 @@ namespace nv {
 
 /// A stored value as it is; long texts are cut at kCellBytes.
 using StoredValue = std::variant<std::monostate, std::int64_t, double, std::string>;
+
+StoredValue valueIn(const SQLite::Column &column);
 
 /// What cells are made of. Columns that weren't asked for hold nothing.
 struct UrlRow {

@@ -106,8 +106,8 @@ TEST_F(UnreadRowsCliTest, aBrokenPageCostsTheListItsOwnRowsAlone) {
 
 TEST_F(UnreadRowsCliTest, withFiltersTheRowsThatCantBeReadAreNoneOfThoseHidden) {
     const std::vector<int> broken = breakLeaf();
-    const CliResult list = cli(
-        {"list", project, "--format", "csv", "--columns", "COL_URL_VALUE", "--filter", "historyurls,missingfileext"});
+    const CliResult list = cli({"list", project, "--format", "csv", "--columns", "COL_URL_VALUE",
+                                "--filter", "historyurls,missingfileext"});
     EXPECT_EQ(list.exit, 2) << list.err;
     EXPECT_EQ(linesOf(list.out).size(), kRows + 1u);
     EXPECT_THAT(list.err, HasSubstr(named(broken)));
