@@ -30,11 +30,10 @@ FileHold::Kind kindOf(Front front) {
 
 /// Whoever ends removes the file: a lock on one that is gone keeps nobody out.
 FileHold take(const fs::path &file, Front front) {
-    for (;;) {
-        FileHold hold(file, kindOf(front), FileHold::Make::yes);
-        if (!hold.isHeld() || hold.isStillAt(file))
-            return hold;
-    }
+    FileHold hold(file, kindOf(front), FileHold::Make::yes);
+    return !hold.isHeld() || hold.isStillAt(file)
+               ? std::move(hold)
+               : FileHold(file, kindOf(front), FileHold::Make::yes);
 }
 
 std::string userName() {

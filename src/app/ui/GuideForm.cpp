@@ -169,7 +169,7 @@ void GuideForm::listPages() {
 
 /// The list shows which page is looked at, when it is one of those listed.
 void GuideForm::followPage() {
-    const QString file = m_page->source().toLocalFile();
+    const QString file = m_page->file();
     m_list->setCurrentItem(nullptr);
     for (int place = 0; place < m_list->count(); ++place)
         if (m_list->item(place)->data(Qt::UserRole).toString() == file)

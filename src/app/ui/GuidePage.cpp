@@ -43,6 +43,8 @@ GuidePage::GuidePage(QString root, QWidget *parent)
     setOpenExternalLinks(false);
     setFrameShape(QFrame::NoFrame);
     document()->setDocumentMargin(kMargin);
+    // Pages that are gone back to come this way only.
+    connect(this, &QTextBrowser::sourceChanged, this, &GuidePage::formatTables);
 }
 
 bool GuidePage::isOfGuide(const QUrl &url) const {
@@ -53,11 +55,13 @@ bool GuidePage::isOfGuide(const QUrl &url) const {
 }
 
 QVariant GuidePage::loadResource(int type, const QUrl &name) {
-    const QUrl url = source().resolved(name);
+    const QUrl url = m_current.resolved(name);
     if (!isOfGuide(url))
         return {};
-    if (type != QTextDocument::ImageResource)
+    if (type != QTextDocument::ImageResource) {
+        m_current = url.adjusted(QUrl::RemoveFragment);
         return QTextBrowser::loadResource(type, url);
+    }
     QImage picture(url.toLocalFile());
     const int room = viewport()->width() - 2 * kMargin;
     return room > 0 && picture.width() > room
@@ -66,17 +70,15 @@ QVariant GuidePage::loadResource(int type, const QUrl &name) {
 }
 
 void GuidePage::doSetSource(const QUrl &url, QTextDocument::ResourceType type) {
-    QUrl page = source().resolved(url);
+    QUrl page = m_current.resolved(url);
     const QString anchor = page.fragment(QUrl::FullyDecoded);
     page.setFragment({});
     if (!isOfGuide(page)) {
         emit linkRefused(url.toString());
         return;
     }
-    if (page != source().adjusted(QUrl::RemoveFragment) || document()->isEmpty()) {
+    if (page != m_current)
         QTextBrowser::doSetSource(page, type);
-        formatTables();
-    }
     if (anchor.isEmpty())
         verticalScrollBar()->setValue(0);
     else

@@ -11,6 +11,8 @@ class GuidePage final : public QTextBrowser {
   public:
     explicit GuidePage(QString root, QWidget *parent = nullptr);
 
+    /// The file of the page, already while it is loaded.
+    QString file() const { return m_current.toLocalFile(); }
     QVariant loadResource(int type, const QUrl &name) override;
 
   signals:
@@ -26,6 +28,7 @@ class GuidePage final : public QTextBrowser {
     void goToHeading(const QString &anchor);
 
     QString m_root;
+    QUrl m_current; ///< without the heading
 };
 
 } // namespace nv
