@@ -159,6 +159,17 @@ void operaHistory(const Wanted &wanted) {
     writeWhole(wanted.folder / "global_history.dat", history.bytes());
 }
 
+/// Pages in files of their own, 500 to a folder.
+void loosePages(const Wanted &wanted) {
+    each(wanted, [&](std::size_t i) {
+        const fs::path folder = wanted.folder / fmt::format("folder{}", i / 500);
+        fs::create_directories(folder);
+        writeWhole(folder / fmt::format("page{}.htm", i),
+                   fmt::format("<html><head><title>Page {}</title></head><body>{}</body></html>", i,
+                               bodyOf(2 * i + 1, wanted.bodyBytes)));
+    });
+}
+
 IndexRecord carvedRecord(std::size_t i) {
     IndexRecord record;
     record.url = "Visited: mara@" + urlOf(i);
@@ -236,6 +247,7 @@ const std::map<std::string_view, std::function<void(const Wanted &)>> &makers() 
         {"opera-cache", operaCache},
         {"opera-history", operaHistory},
         {"hist-ex", histEx},
+        {"html", loosePages},
         {"nvd", nvd},
         {"mac-cache", macCache},
         {"netanalysis", netAnalysis},
