@@ -187,11 +187,11 @@ class Import {
         result.notReached = outcome.notReached;
         result.passedOver = std::move(outcome.passedOver);
         result.noted = std::move(outcome.noted);
-        settle(result, stateOf(outcome.state), outcome.reason);
         result.warning = warningTrapped(reader, file);
-        logCounts(file, result);
         if (outcome.state == ReadState::complete)
             m_sources.setSuccessful(file.SourceFile_ID);
+        settle(result, stateOf(outcome.state), outcome.reason); // now, since the mark may fail
+        logCounts(file, result);
     }
 
     void logCounts(const HistoryFile &file, const ArtefactResult &result) {

@@ -1,7 +1,10 @@
 #include "import/SavedContent.h"
 
+#include "base/Storage.h"
 #include "import/PageContent.h"
 #include "markup/PageText.h"
+
+#include <cerrno>
 
 namespace nv {
 
@@ -14,12 +17,23 @@ const Body *SavedContent::body() {
     return m_body ? &*m_body : nullptr;
 }
 
+/// What was fetched into scratch and is gone again was taken by somebody else: that is no lack of
+/// the evidence.
+void SavedContent::expectScratch(const Body &found) const {
+    std::error_code none;
+    if (found.file == m_record.RunTimeTempFilePath &&
+        !std::filesystem::is_regular_file(found.file, none))
+        failStorage("cannot read back", found.file, ENOENT);
+}
+
 const ContentFacts *SavedContent::facts() {
     const Body *found = body();
     if (!found)
         return nullptr;
-    if (!found->isInMemory)
+    if (!found->isInMemory) {
+        expectScratch(*found);
         return &m_probe.facts(found->file);
+    }
     if (!m_facts)
         m_facts = factsOf(found->raw());
     return &*m_facts;

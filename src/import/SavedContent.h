@@ -21,7 +21,8 @@ class SavedContent {
                  std::uint64_t inMemory = kBodyInMemory)
         : m_record(record), m_extraction(extraction), m_probe(probe), m_inMemory(inMemory) {}
 
-    // Each throws FileFailure when the content can't be read.
+    // Each throws FileFailure when the content can't be read, and StorageFailure when what was
+    // fetched into scratch isn't there any more.
 
     /// Null when there is no content.
     const ContentFacts *facts();
@@ -32,6 +33,7 @@ class SavedContent {
 
   private:
     const Body *body();
+    void expectScratch(const Body &found) const;
 
     URLClass &m_record;
     const Extraction &m_extraction;

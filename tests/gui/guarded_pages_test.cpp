@@ -3,8 +3,11 @@
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
 #include "reports/SafePage.h"
-#include "support/HostileWays.h"
 #include "support/TempFolder.h"
+
+#ifndef Q_MOC_RUN // which takes quotes within raw texts for ends of texts
+#include "support/HostileWays.h"
+#endif
 
 #include <QApplication>
 #include <QEventLoop>

@@ -5,6 +5,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -138,7 +139,6 @@ void GuideTest::aLinkGoesToItsHeadingAndBackAgain() {
     QCOMPARE(file(), QStringLiteral("index.md"));
     child<QPushButton>(*m_guide, "btnGuideForward").click();
     QCOMPARE(file(), QStringLiteral("limits.md"));
-    m_guide->grab().save(QStringLiteral("guide.png"));
 }
 
 void GuideTest::theFindBoxNarrowsTheListAndGoesOn() {
@@ -153,7 +153,6 @@ void GuideTest::theFindBoxNarrowsTheListAndGoesOn() {
         visited += file();
     }
     QCOMPARE(visited.size(), listed);
-    m_guide->grab().save(QStringLiteral("guide-find.png"));
     find().setText(QStringLiteral("no page has these words"));
     QCOMPARE(list().count(), 0);
     QCOMPARE(child<QLabel>(*m_guide, "labGuideFound").text(), QStringLiteral("On no page."));
