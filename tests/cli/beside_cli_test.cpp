@@ -18,6 +18,7 @@ using testing::HasSubstr;
 struct BesideCliTest : CliCase {
     void import() {
         IndexDat cache;
+        cache.folder("ABCDEFGH");
         addCached(cache, "http://host.example/page.htm", "page.htm", "<html><body>x</body></html>");
         CliCase::import(cache);
     }
@@ -92,6 +93,7 @@ TEST_F(BesideCliTest, whatAKilledCommandLeftGoesWithTheNextOne) {
 /// A command that is killed in the middle of its work, while another one and a window start.
 TEST_F(BesideCliTest, aRunningImportKeepsItsScratchThroughOtherStarts) {
     IndexDat cache;
+    cache.folder("ABCDEFGH");
     for (int i = 0; i < 400; ++i)
         addCached(cache, "http://host.example/" + std::to_string(i),
                   "page" + std::to_string(i) + ".htm", std::string(20'000, 'x'));

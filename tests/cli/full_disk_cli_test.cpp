@@ -39,6 +39,7 @@ TEST_F(FullDiskCli, ofScratchEndsAnImportThatSaysWhatIsKept) {
 
 TEST_F(FullDiskCli, ofTheProjectLeavesTheSummary) {
     test::IndexDat cache;
+    cache.folder("ABCDEFGH");
     for (int i = 0; i < 4000; ++i)
         cache.add({.url = fmt::format("http://host/{}/{}.htm", i, std::string(400, 'p'))});
     std::filesystem::create_directories(evidence);

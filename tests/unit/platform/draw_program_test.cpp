@@ -77,8 +77,9 @@ TEST_F(DrawProgramTest, aProgramThatFailsAtTheStartIsNotStartedForEachJob) {
 
 /// The drawing program can't tell a full disk from a picture that has no form as a file.
 TEST_F(DrawProgramTest, aTargetThatCannotBeWrittenIsAFailureOfStorageOnlyOnAFullDisk) {
-    const std::string unwritten = "ready; echo '{\"job\":0,\"done\":false,\"failure\":\"" +
-                                  std::string(kTargetNotWritten) + "\"}'\n";
+    // A here-document: the text holds an apostrophe.
+    const std::string unwritten = "ready; cat <<'LINE'\n{\"job\":0,\"done\":false,\"failure\":\"" +
+                                  std::string(kTargetNotWritten) + "\"}\nLINE\n";
     target = folder.path() / "target";
     draw(unwritten, 1);
     EXPECT_EQ(ends, std::vector<std::string>{std::string(kTargetNotWritten)});
