@@ -34,6 +34,14 @@ void collectTables(QTextFrame *frame, QList<QTextTable *> &tables) {
     }
 }
 
+/// A document on show is laid out anew with each word that its Markdown adds, which takes a second
+/// for a page; one that nobody looks at isn't.
+QString htmlOf(const QByteArray &markdown) {
+    QTextDocument unseen;
+    unseen.setMarkdown(QString::fromUtf8(markdown));
+    return unseen.toHtml();
+}
+
 } // namespace
 
 GuidePage::GuidePage(QString root, QWidget *parent)
@@ -60,7 +68,7 @@ QVariant GuidePage::loadResource(int type, const QUrl &name) {
         return {};
     if (type != QTextDocument::ImageResource) {
         m_current = url.adjusted(QUrl::RemoveFragment);
-        return QTextBrowser::loadResource(type, url);
+        return htmlOf(QTextBrowser::loadResource(type, url).toByteArray());
     }
     QImage picture(url.toLocalFile());
     const int room = viewport()->width() - 2 * kMargin;
@@ -69,7 +77,7 @@ QVariant GuidePage::loadResource(int type, const QUrl &name) {
                : picture;
 }
 
-void GuidePage::doSetSource(const QUrl &url, QTextDocument::ResourceType type) {
+void GuidePage::doSetSource(const QUrl &url, QTextDocument::ResourceType /*type*/) {
     QUrl page = m_current.resolved(url);
     const QString anchor = page.fragment(QUrl::FullyDecoded);
     page.setFragment({});
@@ -78,7 +86,7 @@ void GuidePage::doSetSource(const QUrl &url, QTextDocument::ResourceType type) {
         return;
     }
     if (page != m_current)
-        QTextBrowser::doSetSource(page, type);
+        QTextBrowser::doSetSource(page, QTextDocument::HtmlResource);
     if (anchor.isEmpty())
         verticalScrollBar()->setValue(0);
     else
@@ -89,6 +97,8 @@ void GuidePage::doSetSource(const QUrl &url, QTextDocument::ResourceType type) {
 void GuidePage::formatTables() {
     QList<QTextTable *> tables;
     collectTables(document()->rootFrame(), tables);
+    QTextCursor edit(document()); // all of it is laid out once
+    edit.beginEditBlock();
     for (QTextTable *table : tables) {
         QTextTableFormat format = table->format();
         format.setCellPadding(4);
@@ -99,6 +109,7 @@ void GuidePage::formatTables() {
         format.setBorderBrush(palette().brush(QPalette::Mid));
         table->setFormat(format);
     }
+    edit.endEditBlock();
 }
 
 void GuidePage::goToHeading(const QString &anchor) {
