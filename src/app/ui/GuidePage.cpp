@@ -50,6 +50,8 @@ GuidePage::GuidePage(QString root, QWidget *parent)
     setAccessibleName(tr("Page of the guide"));
     setOpenExternalLinks(false);
     setFrameShape(QFrame::NoFrame);
+    // Pictures are as wide as the page, which a bar that comes later would make narrower.
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     document()->setDocumentMargin(kMargin);
     // Pages that are gone back to come this way only.
     connect(this, &QTextBrowser::sourceChanged, this, &GuidePage::formatTables);
