@@ -32,8 +32,8 @@ class Categories {
     Categories(Signatures signatures, FailureLog &log) : m_signatures(signatures), m_log(log) {}
 
     /// Decides without changing the record's words, and leaves cookies what their reader called
-    /// them; its names must be in order (orderNames() in db/RecordNames.h). Cached content that can't
-    /// be read is logged, and the name decides.
+    /// them; its names must be in order (orderNames() in db/RecordNames.h). Cached content that
+    /// can't be read is logged, and the name decides.
     Verdict verdictOn(const URLClass &record, SavedContent &content) const;
 
     /// The documented whole for a record that is saved already: what changes is the record alone,

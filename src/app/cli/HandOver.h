@@ -10,9 +10,9 @@ namespace nv::cli {
 /// be the examiner's own.
 void refuseExisting(std::span<const std::int64_t> ids, const std::filesystem::path &out);
 
-/// Copies the folder of the rebuilt `page` into `out`, in a form that is safe to open and in place of
-/// what bears its name there, and removes the one that it was rebuilt in. What was there stays until
-/// the copy is whole.
+/// Copies the folder of the rebuilt `page` into `out`, in a form that is safe to open and in place
+/// of what bears its name there, and removes the one that it was rebuilt in. What was there stays
+/// until the copy is whole.
 void handOver(const std::filesystem::path &page, const std::filesystem::path &out);
 
 } // namespace nv::cli

@@ -85,7 +85,8 @@ TEST(CssWriter, writesWhatIsReadAsTheSame) {
                             "1-->",
                             "12/**/-->",
                             "!/**/important",
-                            "--/**/>", "a|b",
+                            "--/**/>",
+                            "a|b",
                             "*|*",
                             "a:b::c"}) {
         const auto read = [](std::string_view text) {
