@@ -106,6 +106,15 @@ bool isDateColumn(std::string_view name) {
     });
 }
 
+/// The name of a date column that stands at a place; empty for anything else.
+std::string_view dateColumnAt(const Meaning &sql, std::size_t at) {
+    if (at >= sql.size() || sql.is(at + 1, ".") || sql.is(at + 1, "("))
+        return {};
+    const Token &token = sql[at];
+    const bool isName = token.kind == TokenKind::word || token.kind == TokenKind::name;
+    return isName && isDateColumn(token.inner) ? token.inner : std::string_view();
+}
+
 /// The functions that give a date as a text.
 bool isDateCall(const Meaning &sql, std::size_t at) {
     constexpr std::array<std::string_view, 4> kFunctions = {"date", "datetime", "strftime", "time"};
@@ -119,7 +128,7 @@ class DateCheck {
 
     void run() {
         for (std::size_t at = 0; at < m_sql.size(); ++at)
-            if (const std::string_view column = columnAt(at); !column.empty())
+            if (const std::string_view column = dateColumnAt(m_sql, at); !column.empty())
                 checkBehind(at, column);
             else if (m_sql.isText(at))
                 checkOther(at + 1);
@@ -128,15 +137,6 @@ class DateCheck {
     }
 
   private:
-    /// The name of a date column that stands here; empty for anything else.
-    std::string_view columnAt(std::size_t at) const {
-        if (at >= m_sql.size() || m_sql.is(at + 1, ".") || m_sql.is(at + 1, "("))
-            return {};
-        const Token &token = m_sql[at];
-        const bool isName = token.kind == TokenKind::word || token.kind == TokenKind::name;
-        return isName && isDateColumn(token.inner) ? token.inner : std::string_view();
-    }
-
     [[noreturn]] static void refuse(std::string_view column) {
         throw DialectError(fmt::format(
             "{} holds dates, which are no texts: compare it with a date such as #2011-03-01# or "
@@ -164,8 +164,10 @@ class DateCheck {
             return checkList(at + 1, column);
         if (m_sql.is(at, "between") && m_sql.is(at + 2, "and"))
             refuseText(at + 3, column);
-        if (m_sql.is(at, "between") || m_sql.is(at, "like"))
+        if (m_sql.is(at, "between"))
             return refuseText(at + 1, column);
+        if (m_sql.is(at, "like") && isDateCall(m_sql, at + 1))
+            refuse(column);
         if (m_sql.isText(at) && (m_sql.is(at - 1, "is") || m_sql.is(at - 1, "not")))
             refuseText(at, column);
     }
@@ -187,7 +189,7 @@ class DateCheck {
             ++at;
         while (m_sql.is(at + 1, "."))
             at += 2;
-        if (const std::string_view column = columnAt(at); !column.empty())
+        if (const std::string_view column = dateColumnAt(m_sql, at); !column.empty())
             refuse(column);
     }
 
@@ -198,16 +200,18 @@ bool isBeyondAscii(std::string_view text) {
     return std::ranges::any_of(text, [](char c) { return (c & 0x80) != 0; });
 }
 
-class Folding {
+class Rewriting {
   public:
-    explicit Folding(const std::vector<Token> &tokens) : m_sql(tokens) {
+    explicit Rewriting(const std::vector<Token> &tokens) : m_sql(tokens) {
         for (const Token &token : tokens)
             m_pieces.emplace_back(token.source);
     }
 
     std::string run() {
         for (std::size_t at = 0; at < m_sql.size(); ++at)
-            if (m_sql.isText(at) && isBeyondAscii(m_sql[at].inner))
+            if (m_sql.is(at, "like"))
+                spellDate(at);
+            else if (m_sql.isText(at) && isBeyondAscii(m_sql[at].inner))
                 fold(at);
         std::string sql;
         for (const std::string &piece : m_pieces)
@@ -216,6 +220,28 @@ class Folding {
     }
 
   private:
+    /// The date column before LIKE and a text as a text.
+    void spellDate(std::size_t like) {
+        std::size_t pattern = like + 1;
+        while (m_sql.is(pattern, "("))
+            ++pattern;
+        std::size_t column = like - (m_sql.is(like - 1, "not") ? 2 : 1);
+        std::size_t parentheses = 0;
+        for (; m_sql.is(column, ")"); --column)
+            ++parentheses;
+        if (!m_sql.isText(pattern) || dateColumnAt(m_sql, column).empty())
+            return;
+        std::size_t first = column;
+        while (first > 1 && m_sql.is(first - 1, "."))
+            first -= 2;
+        for (std::size_t open = 1; open <= parentheses; ++open)
+            if (!m_sql.is(first - open, "("))
+                return; // the column is a part of something else
+        // Days are counted from 1899-12-30 00:00, whose Julian day this is.
+        m_pieces[m_sql.placeOf(first)].insert(0, "datetime(");
+        m_pieces[m_sql.placeOf(column)] += " + 2415018.5)";
+    }
+
     void fold(std::size_t at) {
         if (isPartOfMore(at))
             return;
@@ -289,8 +315,8 @@ void checkDateComparisons(const std::vector<Token> &tokens) {
     DateCheck(tokens).run();
 }
 
-std::string withFoldedComparisons(const std::vector<Token> &tokens) {
-    return Folding(tokens).run();
+std::string asExaminersMean(const std::vector<Token> &tokens) {
+    return Rewriting(tokens).run();
 }
 
 } // namespace nv

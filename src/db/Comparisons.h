@@ -14,7 +14,8 @@ namespace nv {
 void checkDateComparisons(const std::vector<Token> &tokens);
 
 /// The statement with "=" and "<>" beside a text that holds letters beyond ASCII as LIKE, which
-/// knows their other case; the collation of the columns, by which they are indexed, doesn't.
-std::string withFoldedComparisons(const std::vector<Token> &tokens);
+/// knows their other case; the collation of the columns, by which they are indexed, doesn't. A date
+/// column is matched with the text of LIKE as "2011-03-01 15:30:00" and not as a number of days.
+std::string asExaminersMean(const std::vector<Token> &tokens);
 
 } // namespace nv

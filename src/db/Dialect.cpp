@@ -202,7 +202,7 @@ std::string translate(std::string_view sql) {
                            "not be read");
     const std::vector<Token> tokens = tokensOf(sql);
     checkDateComparisons(tokens);
-    return Translation(withFoldedComparisons(tokens)).run();
+    return Translation(asExaminersMean(tokens)).run();
 }
 
 std::string quotedName(std::string_view name) {

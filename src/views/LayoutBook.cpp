@@ -58,7 +58,8 @@ bool takeColumn(std::string_view text, TableLayout &layout, int place) {
         return false;
     const auto column = static_cast<UrlColumn>(index);
     int twips = 0;
-    if (!layout.hidden(column) || std::from_chars(colon + 1, end, twips).ptr != end)
+    const auto [rest, widthError] = std::from_chars(colon + 1, end, twips);
+    if (widthError != std::errc() || rest != end || !layout.hidden(column))
         return false;
     layout.setHidden(column, false);
     layout.setWidthTwips(column, twips);

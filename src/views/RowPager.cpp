@@ -20,8 +20,10 @@ RowPager::RowPager(SQLite::Database &database, FailureLog &log, const RowIds &id
 RowPager::~RowPager() = default;
 
 void RowPager::setColumns(std::span<const UrlColumn> columns) {
-    const bool held = std::all_of(columns.begin(), columns.end(),
-                                  [this](UrlColumn column) { return m_held.at(indexOf(column)); });
+    // What is read already stays; nothing is read that nobody asks for.
+    const bool held =
+        m_reader && std::all_of(columns.begin(), columns.end(),
+                                [this](UrlColumn column) { return m_held.at(indexOf(column)); });
     if (held)
         return;
     m_columns.assign(columns.begin(), columns.end());

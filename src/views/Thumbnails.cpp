@@ -1,5 +1,6 @@
 #include "views/Thumbnails.h"
 
+#include "base/NoLog.h"
 #include "base/Storage.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
@@ -89,8 +90,8 @@ class ThumbnailRun {
 
     void prepare(UrlId id) {
         auto record = m_ctx.records.GetURL(id);
-        if (!record) // the log has why
-            return void(++m_totals.failed);
+        if (!record)
+            return void(++(isGone(id) ? m_totals.withoutContent : m_totals.failed));
         ThumbnailJob job{std::move(*record), {}};
         const auto state =
             trapped(m_ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport,
@@ -100,6 +101,16 @@ class ThumbnailRun {
             m_jobs.push_back(std::move(job));
         else
             ++(state == Preparation::noContent ? m_totals.withoutContent : m_totals.otherKinds);
+    }
+
+    /// The log has why another row can't be read.
+    bool isGone(UrlId id) const {
+        NoLog unheard;
+        return trapped(unheard, Severity::Low, {}, {}, false, [&] {
+            SQLite::Statement row(m_ctx.project, "SELECT Count(*) FROM URLs WHERE URL_ID = ?");
+            row.bind(1, number(id));
+            return row.executeStep() && row.getColumn(0).getInt() == 0;
+        });
     }
 
     void drawBatch() {

@@ -54,6 +54,8 @@ class TableTabTest : public QObject {
         return grid().model()->index(row, UrlModel::sectionOf(column)).data().toString();
     }
     int rowWith(const QString &text);
+    /// The layout that shows all columns.
+    void chooseClassic();
 
     std::unique_ptr<Desk> m_desk;
     std::unique_ptr<MainForm> m_form;
@@ -79,6 +81,12 @@ int TableTabTest::rowWith(const QString &text) {
     return -1;
 }
 
+void TableTabTest::chooseClassic() {
+    auto &layouts = child<QComboBox>(*m_form, "cbLayout");
+    layouts.setCurrentText(QStringLiteral("Classic"));
+    emit layouts.activated(layouts.currentIndex());
+}
+
 void TableTabTest::spaceTicksAllSelectedRows() {
     grid().selectAll();
     QTest::keyClick(&grid(), Qt::Key_Space);
@@ -96,9 +104,7 @@ void TableTabTest::aTickShowsInTheStatusBarAtOnce() {
 }
 
 void TableTabTest::copiedRowsAreTheShownColumnsWithHeadings() {
-    auto &layouts = child<QComboBox>(*m_form, "cbLayout");
-    layouts.setCurrentText(QStringLiteral("Classic"));
-    emit layouts.activated(layouts.currentIndex());
+    chooseClassic();
     for (const UrlColumnFacts &facts : kUrlColumns)
         if (facts.column != UrlColumn::Value && facts.column != UrlColumn::Action)
             grid().hideColumn(facts.column);
@@ -142,6 +148,7 @@ void TableTabTest::findSaysWhenThereIsNothing() {
 void TableTabTest::findLooksBehindWhatACellShows() {
     project().exec("UPDATE URLs SET MetaData = printf('%.*c', 1000, 'x') || 'needle' "
                    "WHERE URL_ID = 2");
+    chooseClassic();
     trigger(*m_form, "actRefresh");
     trigger(*m_form, "actFind");
     auto &text = child<QLineEdit>(*m_form, "txtFind");

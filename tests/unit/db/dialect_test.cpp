@@ -39,7 +39,7 @@ TEST(Dialect, refusesADateThatIsComparedWithAText) {
           "URLs.ExpiryDate <= \"2011\"", "'2011' < LastVisited", "'2011' = URLs.LastVisited",
           "(OtherDate) > ('2011')", "ActionDateUTC > Date()", "ActionDateUTC >= DATE('now')",
           "strftime('%Y', 'now') = ActionDateLocal", "TimeAdded = strftime('%Y', 'now')",
-          "ActionDateUTC LIKE '2011%'", "ActionDateUTC NOT LIKE '2011%'",
+          "ActionDateUTC LIKE date('now')", "ActionDateUTC NOT LIKE strftime('%Y', 'now')",
           "ActionDateUTC IN (#2011-01-01#, '2011')", "ActionDateUTC BETWEEN '1' AND '2'",
           "ActionDateUTC BETWEEN #2011-01-01# AND '2012'", "ActionDateUTC IS NOT '2011'"})
         try {
@@ -58,6 +58,17 @@ TEST(Dialect, refusesADateThatIsComparedWithAText) {
           "strftime('%Y', ActionDateUTC + 2415018.5) = '2011'",
           "ActionDateUTC BETWEEN #2011-01-01# AND #2012-01-01# AND URL = 'x'"})
         EXPECT_NO_THROW(translate(right)) << right;
+}
+
+TEST(Dialect, matchesDatesAsTextsWithLike) {
+    EXPECT_EQ(translate("ActionDateUTC LIKE '2011%'"),
+              "datetime(ActionDateUTC + 2415018.5) LIKE '2011%'");
+    EXPECT_EQ(translate("NOT ((URLs.[ExpiryDate]) NOT LIKE ('2011-03-01%'))"),
+              "NOT ((datetime(URLs.\"ExpiryDate\" + 2415018.5)) NOT LIKE ('2011-03-01%'))");
+    for (const char *other : {"URL LIKE '2011%'", "(Visits + ActionDateUTC) LIKE '4%'",
+                              "ActionDateUTC LIKE URL", "LIKE '2011%'", ") LIKE '2011%'"})
+        EXPECT_EQ(translate(other), other);
+    EXPECT_EQ(translate("ActionDateUTC LIKE #2011-03-01#"), "ActionDateUTC LIKE (40603)");
 }
 
 TEST(Dialect, putsTheRowsOfTopAtTheEndOfTheirSelect) {

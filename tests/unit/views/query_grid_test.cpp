@@ -1,5 +1,7 @@
 #include "MadeProject.h"
+#include "db/Dialect.h"
 #include "db/ReadOnlyConnection.h"
+#include "db/Schema.h"
 #include "views/QueryGrid.h"
 #include "views/TestQuery.h"
 
@@ -98,15 +100,42 @@ struct GridStatements : testing::Test {
     std::unique_ptr<SQLite::Database> reader = openReadOnly(made.project.FilePath);
 };
 
+bool holdsDates(const std::string &field) {
+    const auto *table = schema::findTable("URLs");
+    return schema::findColumn(*table, field)->type == schema::ColumnType::Date;
+}
+
+TEST_F(GridStatements, aDateIsSoughtByItsText) {
+    for (const double day : {39828.5, 39860.0}) // noon of 2009-01-15, 2009-02-16
+        made.add({{"ActionDateUTC", day}});
+    const auto found = [this](std::string_view what, std::string value) {
+        return made.db()
+            .execAndGet("SELECT group_concat(URL_ID) FROM (" +
+                        translate(of({{"ActionDateUTC", std::string(what), value, ""}})) + ")")
+            .getString();
+    };
+    EXPECT_EQ(found("contains", "09-01"), "1");
+    EXPECT_EQ(found("begins with", "2009-"), "1,2");
+    EXPECT_EQ(found("ends with", "00:00:00"), "2");
+    EXPECT_EQ(found("does not contain", "09-01"), "2");
+}
+
 TEST_F(GridStatements, whatTheGridOffersIsValid) {
     for (const QueryField &field : queryFields(made.db()))
         for (const std::string_view what : kConditions)
-            EXPECT_EQ(check(of({{field.name, std::string(what),
-                                 what == "between" ? "#1/1/2009# AND #2/1/2009#" : "x", ""}},
-                               {{field.name, "DESCENDING"}}))
-                          .ErrCode,
-                      0)
-                << field.name << what;
+            for (const char *value : {"x", "15", "#1/1/2009#"}) {
+                const std::string sql =
+                    of({{field.name, std::string(what),
+                         what == "between" ? "#1/1/2009# AND #2/1/2009#" : value, ""}},
+                       {{field.name, "DESCENDING"}});
+                // Which would find all rows or none; '%x%' of LIKE and the like are fine.
+                const bool isRefused =
+                    holdsDates(field.name) && sql.find(" 'x')") != std::string::npos;
+                const QueryClass checked = check(sql);
+                EXPECT_EQ(checked.ErrCode != 0, isRefused) << sql;
+                EXPECT_THAT(checked.ErrDescription,
+                            isRefused ? HasSubstr("such as #2011-03-01#") : HasSubstr(""));
+            }
 }
 
 TEST_F(GridStatements, apostrophesAndTrailingJoiningWordsFail) {
