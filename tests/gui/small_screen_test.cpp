@@ -5,10 +5,12 @@
 #include "views/ui/FlowLayout.h"
 #include "views/ui/TableTab.h"
 
+#include <QDialog>
 #include <QPushButton>
 #include <QScreen>
 #include <QTabWidget>
 #include <QTest>
+#include <QTimer>
 
 // The window on a screen of 960 by 540 logical pixels, which a laptop of twice as many has.
 namespace nv {
@@ -23,6 +25,8 @@ class SmallScreenTest : public QObject {
     void cleanup();
     void theWindowFitsWhateverIsInFront();
     void longNamesDontWidenIt();
+    void dialogsFit_data();
+    void dialogsFit();
     void itStartsNoLargerThanTheScreen();
     void aSizeThatWasKeptFromALargerScreenIsCut();
     void aFlowGoesOnInTheNextLine();
@@ -75,6 +79,34 @@ void SmallScreenTest::theWindowFitsWhateverIsInFront() {
         }
     m_form->resize(kRoom);
     QCOMPARE(m_form->size(), kRoom);
+}
+
+void SmallScreenTest::dialogsFit_data() {
+    QTest::addColumn<QString>("action");
+    for (const char *action : {"actColumns", "actFilters", "actImport", "actExport",
+                               "actCreateReport", "actCaseTrail", "actOptions", "actTimeZone",
+                               "actErrorLog", "actTips", "actQueryForm"})
+        QTest::newRow(action) << QString::fromLatin1(action);
+}
+
+/// The screen of the tests is 800 by 800 pixels.
+void SmallScreenTest::dialogsFit() {
+    QFETCH(QString, action);
+    QSize least(9999, 9999);
+    QSize size = least;
+    QTimer::singleShot(0, qApp, [&least, &size] {
+        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        least = dialog->minimumSizeHint().expandedTo(dialog->minimumSize());
+        size = dialog->size();
+        dialog->reject();
+    });
+    trigger(*m_form, qPrintable(action));
+    QVERIFY2(least.width() <= kRoom.width() && least.height() <= kRoom.height(),
+             qPrintable(QStringLiteral("%1 by %2").arg(least.width()).arg(least.height())));
+    QVERIFY(size.width() <= m_form->screen()->availableSize().width());
+    QVERIFY(size.height() <= m_form->screen()->availableSize().height());
 }
 
 void SmallScreenTest::longNamesDontWidenIt() {

@@ -25,7 +25,7 @@ struct ImportArguments {
     bool thumbnails = false;
     bool json = false;
 };
-Exit importCommand(Session &session, const ImportArguments &arguments);
+Exit importCommand(Session &session, const ImportArguments &given);
 
 enum class Dates { asShown, iso };
 

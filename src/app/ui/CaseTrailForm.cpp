@@ -2,6 +2,7 @@
 
 #include "db/CaseTrail.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/WithinScreen.h"
 #include "time/DateFormat.h"
 #include "views/CellText.h"
 #include "views/ui/GridCopy.h"
@@ -53,7 +54,7 @@ QTreeWidget *newList() {
 CaseTrailForm::CaseTrailForm(QWidget *parent) : QDialog(parent), m_list(newList()) {
     setObjectName(QStringLiteral("CaseTrailForm"));
     setWindowTitle(tr("Case Trail"));
-    resize(1100, 480);
+    resizeWithinScreen(*this, {1100, 480});
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     QPushButton *verify =
         buttons->addButton(tr("&Verify Source Files"), QDialogButtonBox::ActionRole);

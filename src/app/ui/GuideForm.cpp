@@ -2,6 +2,7 @@
 
 #include "app/ui/GuidePage.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/WithinScreen.h"
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>
@@ -43,7 +44,7 @@ GuideForm::GuideForm(const std::filesystem::path &folder, QWidget *parent) : QDi
     setObjectName(QStringLiteral("GuideForm"));
     setWindowTitle(tr("The User's Guide"));
     setWindowFlag(Qt::WindowMaximizeButtonHint);
-    resize(940, 520);
+    resizeWithinScreen(*this, {940, 520});
     const QString pages = pathToQt(std::filesystem::weakly_canonical(folder));
     m_page = new GuidePage(QDir::cleanPath(pages + QStringLiteral("/..")));
     auto *halves = new QSplitter;

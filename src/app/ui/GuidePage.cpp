@@ -44,8 +44,8 @@ QString htmlOf(const QByteArray &markdown) {
 
 } // namespace
 
-GuidePage::GuidePage(QString root, QWidget *parent)
-    : QTextBrowser(parent), m_root(QDir::cleanPath(std::move(root))) {
+GuidePage::GuidePage(const QString &root, QWidget *parent)
+    : QTextBrowser(parent), m_root(QDir::cleanPath(root)) {
     setObjectName(QStringLiteral("guidePage"));
     setAccessibleName(tr("Page of the guide"));
     setOpenExternalLinks(false);

@@ -9,7 +9,7 @@ class GuidePage final : public QTextBrowser {
     Q_OBJECT
 
   public:
-    explicit GuidePage(QString root, QWidget *parent = nullptr);
+    explicit GuidePage(const QString &root, QWidget *parent = nullptr);
 
     /// The file of the page, already while it is loaded.
     QString file() const { return m_current.toLocalFile(); }

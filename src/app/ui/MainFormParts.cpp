@@ -26,6 +26,7 @@
 #include "platform/qt/AccessibleBoxes.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/WithinScreen.h"
 #include "views/CellText.h"
 #include "views/ui/TableTab.h"
 

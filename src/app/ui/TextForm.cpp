@@ -1,5 +1,7 @@
 #include "app/ui/TextForm.h"
 
+#include "platform/qt/WithinScreen.h"
+
 #include <QBoxLayout>
 #include <QDialogButtonBox>
 #include <QFontDatabase>
@@ -10,7 +12,7 @@ namespace nv {
 TextForm::TextForm(const QString &title, const QString &text, QWidget *parent) : QDialog(parent) {
     setObjectName(QStringLiteral("TextForm"));
     setWindowTitle(title);
-    resize(760, 480);
+    resizeWithinScreen(*this, {760, 480});
     auto *edit = new QPlainTextEdit;
     edit->setObjectName(QStringLiteral("txtText"));
     edit->setAccessibleName(title);

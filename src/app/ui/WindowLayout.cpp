@@ -3,12 +3,11 @@
 #include "app/IniFile.h"
 #include "app/IniSections.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/WithinScreen.h"
 
 #include <QHeaderView>
 #include <QMainWindow>
-#include <QScreen>
 #include <QSplitter>
-#include <QStyle>
 #include <QTabWidget>
 
 namespace nv {
@@ -43,13 +42,6 @@ QByteArray kept(const IniFile &settings, const std::string &key) {
 }
 
 } // namespace
-
-void resizeWithinScreen(QWidget &window, QSize wanted) {
-    constexpr int kBorders = 8; // pixels left and right; how wide they are is known once it stands
-    const int title = window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window);
-    const QSize room = window.screen()->availableSize() - QSize(kBorders, title + kBorders);
-    window.resize(wanted.boundedTo(room));
-}
 
 void keepWindowLayout(const QMainWindow &window, IniFile &settings) {
     keep(settings, std::string(kGeometry), window.saveGeometry());

@@ -1,16 +1,10 @@
 #pragma once
 
-#include <QSize>
-
 class QMainWindow;
-class QWidget;
 
 namespace nv {
 
 class IniFile;
-
-/// As large as wanted, but with its frame no larger than the screen.
-void resizeWithinScreen(QWidget &window, QSize wanted);
 
 /// What the examiner has made of the window outlives the run: place and size, every splitter and
 /// set of tabs that has a name, and the widths in lists whose header has one.

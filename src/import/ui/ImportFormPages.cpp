@@ -1,6 +1,7 @@
 // How the wizard's window is put together.
 #include "import/ui/FoundFilesModel.h"
 #include "import/ui/ImportForm.h"
+#include "platform/qt/WithinScreen.h"
 #include "views/ui/GridCopy.h"
 
 #include <QBoxLayout>
@@ -63,7 +64,7 @@ ImportForm::ImportForm(Program &program, const std::filesystem::path &start,
     setWindowTitle(tr("Import"));
     // Blocks the main window only: the status window's Cancel button has to stay live.
     setWindowModality(Qt::WindowModal);
-    resize(860, 560);
+    resizeWithinScreen(*this, {860, 560});
 
     m_heading = newLabel("labStep");
     QFont large = m_heading->font();

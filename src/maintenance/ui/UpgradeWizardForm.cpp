@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/WithinScreen.h"
 #include "views/ui/GridCopy.h"
 
 #include <QApplication>
@@ -53,7 +54,7 @@ UpgradeWizardForm::UpgradeWizardForm(const UpgradeWhere &where, ProjectUpgrade &
     : QDialog(parent), m_upgrade(upgrade), m_examiner(examiner), m_log(log) {
     setObjectName(QStringLiteral("UpgradeWizardForm"));
     setWindowTitle(tr("Upgrade Wizard"));
-    resize(640, 480);
+    resizeWithinScreen(*this, {640, 480});
     auto *project = new QLabel(toQt(textOf(where.project)));
     project->setObjectName(QStringLiteral("labUpgradeProject"));
     project->setTextFormat(Qt::PlainText);

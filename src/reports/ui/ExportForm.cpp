@@ -3,6 +3,7 @@
 #include "app/Messages.h"
 #include "base/Files.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/WithinScreen.h"
 
 #include <QBoxLayout>
 #include <QButtonGroup>
@@ -41,7 +42,7 @@ ExportForm::ExportForm(ExportClass &job, std::size_t rows, Untouchable untouchab
     : QDialog(parent), m_job(job), m_untouchable(std::move(untouchable)), m_examiner(examiner) {
     setObjectName(QStringLiteral("ExportForm"));
     setWindowTitle(tr("Export Columns"));
-    resize(560, 620);
+    resizeWithinScreen(*this, {560, 620});
     auto *form = new QFormLayout;
     form->addRow(tr("Rows:"), newRowChoice(rows));
     form->addRow(tr("For&mat:"), newFormatChoice());

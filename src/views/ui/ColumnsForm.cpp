@@ -1,6 +1,7 @@
 #include "views/ui/ColumnsForm.h"
 
 #include "platform/qt/QtText.h"
+#include "platform/qt/WithinScreen.h"
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>
@@ -28,7 +29,7 @@ ColumnsForm::ColumnsForm(const TableLayout &layout, const TableLayout &defaults,
     : QDialog(parent), m_layout(layout), m_defaults(defaults) {
     setObjectName(QStringLiteral("ColumnsForm"));
     setWindowTitle(tr("Columns"));
-    resize(420, 560);
+    resizeWithinScreen(*this, {420, 560});
 
     m_search = new QLineEdit;
     m_search->setObjectName(QStringLiteral("txtColumnSearch"));

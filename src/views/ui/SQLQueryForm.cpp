@@ -4,6 +4,7 @@
 #include "base/Trap.h"
 #include "db/ProjectFields.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/WithinScreen.h"
 #include "views/QueryMessages.h"
 #include "views/TestQuery.h"
 #include "views/ui/StatementBox.h"
@@ -26,7 +27,7 @@ SQLQueryForm::SQLQueryForm(SQLite::Database &project, FailureLog &log, Examiner 
     : QDialog(parent), m_project(project), m_log(log), m_examiner(examiner) {
     setObjectName(QStringLiteral("SQLQueryForm"));
     setWindowTitle(tr("Query Builder"));
-    resize(680, 520);
+    resizeWithinScreen(*this, {680, 520});
     m_statement = new StatementBox("SQLText");
     m_statement->setAccessibleName(tr("Statement"));
     m_statement->setStatement(toQt(m_builder.SQLText));
