@@ -31,6 +31,7 @@ class LayoutsTest : public QObject {
     void aNarrowWindowShortensAddressesFirst();
     void rowsWithoutADateComeLastButInClassic();
     void ownLayoutsAreChosenAndKeptWithTheProject();
+    void aLayoutIsKeptAtOnce();
     void aNameThatIsTakenIsAskedAgain();
     void resetBringsTheBuiltInColumnsBack();
     void aProjectWithoutLayoutsOpensAsItWasLeft();
@@ -164,6 +165,20 @@ void LayoutsTest::ownLayoutsAreChosenAndKeptWithTheProject() {
     reopen();
     QCOMPARE(layouts().count(), 2);
     QVERIFY(!isShown(UrlColumn::User));
+}
+
+/// A program that is killed saves nothing at its end.
+void LayoutsTest::aLayoutIsKeptAtOnce() {
+    const auto kept = [this](const QString &name) {
+        return project()
+                   .execAndGet("SELECT count(*) FROM DefaultSettings WHERE Value = '" +
+                               name.toStdString() + "'")
+                   .getInt() > 0;
+    };
+    saveAs(QStringLiteral("Mine"));
+    QVERIFY(kept(QStringLiteral("Mine")));
+    choose(QStringLiteral("Classic"));
+    QVERIFY(kept(QStringLiteral("Classic")));
 }
 
 void LayoutsTest::aNameThatIsTakenIsAskedAgain() {

@@ -192,12 +192,16 @@ void MainForm::restoreLayout() {
 
 /// Comes before the connection goes, so the table lets go of it too.
 void MainForm::saveLayout() {
-    SQLite::Database &project = m_program.thisClass.ProjectDB.connection();
-    ProjectFields fields(project, m_program.log);
     m_table->closeProject();
     emit m_bench->projectClosing();
-    if (m_program.thisClass.ProjectDB.isReadOnly())
+    keepLayout();
+}
+
+void MainForm::keepLayout() {
+    if (!m_program.thisClass.ProjectDB.isOpen() || m_program.thisClass.ProjectDB.isReadOnly())
         return;
+    SQLite::Database &project = m_program.thisClass.ProjectDB.connection();
+    ProjectFields fields(project, m_program.log);
     WriteBatch batch(project);
     m_table->saveLayout([&fields](std::string_view name, std::string_view value) {
         fields.SaveDefaultSetting(name, value);

@@ -61,6 +61,8 @@ class MainForm final : public QMainWindow, public ProjectView {
     void dropEvent(QDropEvent *event) override;
 
   private:
+    /// At once, so that no crash takes a layout away.
+    void keepLayout();
     QWidget *newProjectPage();
     void buildStatusBar();
     void connectFileActions();

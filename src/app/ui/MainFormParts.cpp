@@ -193,6 +193,7 @@ void MainForm::connectOtherActions() {
         showNotice({});
         m_viewers->setRecord(m_table->grid().currentUrl());
     });
+    connect(m_table, &TableTab::layoutEdited, this, &MainForm::keepLayout);
     connect(m_table, &TableTab::tickingRefused, this, [this] { m_bench->mayWrite(); });
     connect(m_table, &TableTab::importRequested, m_actions.import, &QAction::trigger);
 }

@@ -92,8 +92,10 @@ void LayoutBar::save(const TableLayout::Write &write) {
 
 void LayoutBar::choose(const QString &name) {
     book();
-    if (m_book.choose(fromQt(name)))
-        showActive();
+    if (!m_book.choose(fromQt(name)))
+        return;
+    showActive();
+    emit edited();
 }
 
 void LayoutBar::showActive() {
@@ -141,23 +143,27 @@ void LayoutBar::saveAs() {
     showNames();
     if (wasClassic)
         emit chosen();
+    emit edited();
 }
 
 void LayoutBar::rename() {
     if (const auto name = askName(tr("Rename Layout"), toQt(m_book.active()), true)) {
         m_book.rename(fromQt(*name));
         showNames();
+        emit edited();
     }
 }
 
 void LayoutBar::remove() {
     m_book.remove();
     showActive();
+    emit edited();
 }
 
 void LayoutBar::reset() {
     m_book.reset();
     showActive();
+    emit edited();
 }
 
 } // namespace nv

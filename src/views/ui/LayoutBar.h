@@ -31,6 +31,8 @@ class LayoutBar final : public QWidget {
   signals:
     /// Another layout is shown.
     void chosen();
+    /// The examiner has chosen, made, renamed, deleted or reset one.
+    void edited();
 
   private:
     void buildMenu();

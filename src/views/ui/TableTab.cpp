@@ -95,6 +95,7 @@ void TableTab::connectParts() {
             takeHost();
     });
     connect(m_layouts, &LayoutBar::chosen, this, &TableTab::takeLayout);
+    connect(m_layouts, &LayoutBar::edited, this, &TableTab::layoutEdited);
     connect(m_grid, &UrlGrid::sortRequested, this, &TableTab::sortByColumn);
     connect(m_grid, &UrlGrid::tagFlipRequested, this, &TableTab::flipTags);
     connect(m_grid, &UrlGrid::headerMenuRequested, this, &TableTab::showHeaderMenu);

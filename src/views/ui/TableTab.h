@@ -80,6 +80,8 @@ class TableTab final : public QWidget {
     /// Rows, ticks, query or host have changed.
     void statusChanged();
     void currentUrlChanged();
+    /// The examiner has made something of the layouts that has to be kept.
+    void layoutEdited();
     /// An entry of the `Sort By` menu has taken effect.
     void sortedBy(nv::SortChoice choice);
     /// A tick was to be set in a project that is open for reading only.
