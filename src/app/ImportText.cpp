@@ -13,7 +13,7 @@ namespace nv {
 namespace {
 
 /// Of each kind of one-row files; a cache may hold thousands of loose pages.
-constexpr int kListed = 5;
+constexpr std::uint64_t kListed = 5;
 
 /// Behind a number that stands in a column of its own.
 std::string_view rowWord(std::uint64_t count) {
@@ -59,7 +59,7 @@ bool isPlain(const ArtefactResult &artefact) {
 
 std::string artefactsText(const ImportSummary &summary) {
     std::string text;
-    std::map<std::string, int> plain;
+    std::map<std::string, std::uint64_t> plain;
     for (const ArtefactResult &artefact : summary.artefacts)
         if (!isPlain(artefact) || ++plain[artefact.readerKey] <= kListed)
             text += artefactText(artefact);

@@ -164,8 +164,9 @@ void notePublish(Program &program, const std::filesystem::path &page, const Publ
 void noteExport(Program &program, const ExportClass &job, std::string_view place) {
     TrailEntry entry;
     entry.Action = "Export";
-    entry.Detail =
-        fmt::format("{} exported as {}", counted(job.counts.rows, "row"), extensionOf(job.format));
+    entry.Detail = fmt::format("{} exported as {}",
+                               counted(static_cast<std::uint64_t>(job.counts.rows), "row"),
+                               extensionOf(job.format));
     entry.RowCount = job.counts.rows;
     if (place.empty())
         noteFileInTrail(program, std::move(entry), job.OutputFilePath);

@@ -85,9 +85,11 @@ void handOver(Session &session, const fs::path &file) {
 /// Which form it is isn't plain when the extension has none.
 std::string closingLine(const ExportClass &job) {
     if (job.format == ExportFormat::delimited)
-        return fmt::format("{} written as text delimited by {}\n", counted(job.counts.rows, "row"),
+        return fmt::format("{} written as text delimited by {}\n",
+                           counted(static_cast<std::uint64_t>(job.counts.rows), "row"),
                            job.delimiter == "\t" ? "tabs" : '"' + job.delimiter + '"');
-    return fmt::format("{} written as {}\n", counted(job.counts.rows, "row"),
+    return fmt::format("{} written as {}\n",
+                       counted(static_cast<std::uint64_t>(job.counts.rows), "row"),
                        extensionOf(job.format));
 }
 
