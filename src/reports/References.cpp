@@ -94,8 +94,9 @@ std::optional<std::string> References::kept(std::string_view address, Use use) c
     if (startsWithNoCase(clean, "data:"))
         return keptData(std::string_view(clean).substr(5), use);
     const std::string_view name = std::string_view(clean).substr(0, clean.find('#'));
-    if (name.empty() && !clean.empty()) // a place in the page itself
-        return clean;
+    // A place in the page itself, which read as a style would fetch what its text says.
+    if (name.empty() && !clean.empty())
+        return use == Use::image || use == Use::document ? std::optional(clean) : std::nullopt;
     const auto &files = use == Use::style ? m_folder.styles : m_folder.files;
     return files.contains(name) ? std::optional(clean) : std::nullopt;
 }

@@ -57,7 +57,8 @@ TEST_F(TrailCliTest, whatIsWrittenIsInTheTrail) {
     EXPECT_EQ(cli({"export", project, file.string()}).exit, 0);
     EXPECT_EQ(cli({"report", project, "--type", "tabular", "--out", out.string(), "--trail"}).exit,
               0);
-    EXPECT_EQ(cli({"rebuild", project, "1", "--out", (folder.path() / "pages").string()}).exit, 0);
+    EXPECT_EQ(cli({"rebuild", project, "1", "--out", (folder.path() / "pages").string()}).exit, 2)
+        << "the visit has no page";
     const std::string trail = cli({"trail", project, "--format", "jsonl"}).out;
     EXPECT_THAT(trail, HasSubstr(R"("Action":"Export","Detail":"1 row exported as csv")"));
     EXPECT_THAT(trail, HasSubstr(hashesOfFile(file).value().SHA256));

@@ -192,8 +192,9 @@ void LinksTest::cancelKeepsWhatWasFoundAndSaysSo() {
 
 void LinksTest::aFailureIsToldAndLeavesNoPairs() {
     analyse();
-    project().exec("CREATE TRIGGER breaks BEFORE INSERT ON LinkAnalysis BEGIN SELECT RAISE(FAIL, "
-                   "'broken'); END");
+    // No trigger of a project's file ever runs: a second pair breaks the index.
+    project().exec("DELETE FROM LinkAnalysis; CREATE UNIQUE INDEX breaks ON LinkAnalysis "
+                   "(Parent_ID IS NOT NULL)");
     m_desk->examiner.heard.clear();
     analyse();
     const std::vector<std::string> heard = {"use-link-analysis", "link-analysis-failed"};

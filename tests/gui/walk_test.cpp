@@ -185,13 +185,16 @@ QStringList WalkTest::rowMenu(int row, UrlColumn column, const char *picked) {
     if (!menu)
         return {};
     QStringList names;
-    for (const QAction *each : menu->actions())
-        if (!each->objectName().isEmpty())
+    QList<QAction *> named; // not all are the menu's children: the window's commands are in it
+    for (QAction *each : menu->actions())
+        if (!each->objectName().isEmpty()) {
             names += each->objectName();
+            named += each;
+        }
     // The menu is gone once a command of it runs.
-    QAction *entry = picked ? menu->findChild<QAction *>(QLatin1String(picked)) : nullptr;
-    if (entry)
-        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(entry).center());
+    const qsizetype picks = picked ? names.indexOf(QLatin1String(picked)) : -1;
+    if (picks >= 0)
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(named[picks]).center());
     else
         menu->close();
     return names;

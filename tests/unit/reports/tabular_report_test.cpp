@@ -1,3 +1,4 @@
+#include "base/Trap.h"
 #include "db/CaseTrail.h"
 #include "db/Connection.h"
 #include "unit/reports/ReportFixture.h"
@@ -178,9 +179,10 @@ TEST_F(TabularReportTest, theTaskShowsItself) {
 TEST_F(TabularReportTest, aReportThatCannotBeWrittenFails) {
     addHistory("http://one/", 1);
     writeWhole(temp / "Report", "a file in the way");
-    EXPECT_EQ(make(1), "");
-    ASSERT_EQ(project.log.entries.size(), 1u);
-    EXPECT_EQ(project.log.entries[0].procedure, "ReportClass.CreateTabularReport()");
+    const auto failure = failureOf(project.log, "examiner", [this] { make(1); });
+    EXPECT_THAT(failure.value_or(""), HasSubstr((temp / "Report").string()));
+    EXPECT_EQ(project.log.entries.size(), 1u) << "it ends the task, which tells it once";
+    EXPECT_FALSE(std::filesystem::exists(ReportFolder(temp).index(1)));
 }
 
 } // namespace
