@@ -171,7 +171,7 @@ void LayoutsTest::ownLayoutsAreChosenAndKeptWithTheProject() {
 void LayoutsTest::aLayoutIsKeptAtOnce() {
     const auto kept = [this](const QString &name) {
         return project()
-                   .execAndGet("SELECT count(*) FROM DefaultSettings WHERE Value = '" +
+                   .execAndGet("SELECT count(*) FROM DefaultSettings WHERE DefaultValue = '" +
                                name.toStdString() + "'")
                    .getInt() > 0;
     };
