@@ -1,4 +1,5 @@
 #include "cli/CliCase.h"
+#include "support/SmallFiles.h"
 
 #include <gmock/gmock.h>
 
@@ -39,6 +40,24 @@ TEST_F(OutputCliTest, nothingIsWrittenOverAProject) {
     EXPECT_EQ(text(project), before);
     EXPECT_TRUE(fs::equivalent(sheet, project));
     EXPECT_EQ(text(other), "of another case");
+}
+
+TEST_F(OutputCliTest, contentThatDoesntFitTheDiskLeavesWhatWasThere) {
+    const fs::path place = folder.path() / "pages" / "page.htm";
+    fs::create_directories(place.parent_path());
+    const auto extract = [&] {
+        const SmallFiles full(std::size_t{200} << 10);
+        const CliResult run = cli({"extract", project, "1", place.string(), "--overwrite"});
+        EXPECT_EQ(run.exit, 3);
+        EXPECT_THAT(run.err, HasSubstr("on the disk \""));
+    };
+    extract();
+    EXPECT_TRUE(fs::is_empty(place.parent_path()));
+    writeWhole(place, "of before");
+    extract();
+    EXPECT_EQ(text(place), "of before");
+    EXPECT_EQ(cli({"extract", project, "1", place.string(), "--overwrite"}).exit, 0);
+    EXPECT_EQ(text(place), kPage);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "base/Text.h"
 #include "db/RecordStore.h"
 #include "readers/CachedBody.h"
+#include "reports/ExportFile.h"
 
 #include <fmt/format.h>
 
@@ -35,8 +36,11 @@ void checkTarget(const fs::path &file, const ThisClass &state, IfThere ifThere) 
 }
 
 void writeContent(Session &session, const fs::path &content, const std::string &file) {
-    if (file != kStandardOutput)
-        return copyToScratch(content, file);
+    if (file != kStandardOutput) {
+        ExportFile whole(file);
+        copyToScratch(content, whole.aside());
+        return whole.finish();
+    }
     readInBlocks(content, [&session](std::string_view block, std::uint64_t) {
         session.out.write(block.data(), static_cast<std::streamsize>(block.size()));
         return session.out.good();
