@@ -15,9 +15,7 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <cerrno>
 #include <charconv>
-#include <fstream>
 #include <optional>
 
 namespace nv::cli {
@@ -139,16 +137,10 @@ void writeSheet(Session &session, const Gallery &gallery, const GalleryArguments
             return thumbnailOf(program.thisClass.ProjectDB.connection(), program.log, id);
         }};
     ExportFile file(arguments.out);
-    if (isPicture(arguments.out)) {
+    if (isPicture(arguments.out))
         drawSheet(session, sheet, file.aside());
-    } else {
-        errno = 0;
-        std::ofstream page(file.aside(), std::ios::binary | std::ios::trunc);
-        writeContactSheet(page, sheet);
-        page.close();
-        if (!page)
-            throw FileFailure("cannot write", arguments.out, errno);
-    }
+    else
+        writeContactSheet([&file](std::string_view text) { file.write(text); }, sheet);
     file.finish();
 }
 
