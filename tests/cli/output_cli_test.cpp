@@ -60,5 +60,15 @@ TEST_F(OutputCliTest, contentThatDoesntFitTheDiskLeavesWhatWasThere) {
     EXPECT_EQ(text(place), kPage);
 }
 
+TEST_F(OutputCliTest, aFolderOfTheExaminersIsNoLeftover) {
+    const fs::path pages = folder.path() / "pages";
+    folder.write("pages/0000001.NVR.~new/notes.txt", "mine");
+    const CliResult run = cli({"rebuild", project, "1", "--out", pages.string()});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(text(pages / "0000001.NVR.~new" / "notes.txt"), "mine");
+    EXPECT_TRUE(fs::exists(pages / "0000001.NVR" / "0000001.htm"));
+    EXPECT_FALSE(fs::exists(pages / "0000001.NVR.~new2"));
+}
+
 } // namespace
 } // namespace nv::test
