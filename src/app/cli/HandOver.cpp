@@ -3,6 +3,7 @@
 #include "app/cli/Session.h"
 #include "base/Files.h"
 #include "base/Storage.h"
+#include "base/Unfinished.h"
 #include "rebuild/LocalNames.h"
 #include "reports/SafePage.h"
 
@@ -50,12 +51,14 @@ void handOver(const fs::path &page, const fs::path &out) {
     const fs::path folder = page.parent_path();
     const fs::path target = out / folder.filename();
     makeFolder(out);
-    const fs::path aside = newFolderBeside(target);
+    Unfinished made(newFolderBeside(target));
+    const fs::path &aside = made.path();
     for (const fs::directory_entry &entry : fs::directory_iterator(folder))
         copyToScratch(entry.path(), aside / entry.path().filename());
     guardFolder(aside / page.filename());
     fs::remove_all(target);
     moveFile(aside, target);
+    made.finished();
     fs::remove_all(folder);
 }
 
