@@ -70,5 +70,12 @@ TEST_F(OutputCliTest, aFolderOfTheExaminersIsNoLeftover) {
     EXPECT_FALSE(fs::exists(pages / "0000001.NVR.~new2"));
 }
 
+TEST_F(OutputCliTest, aDumpOfACacheAsAHistoryIsWarnedOf) {
+    const std::string index = (evidence / "index.dat").string();
+    const CliResult wrong = cli({"dump", index, "--as", "ie-history"});
+    EXPECT_THAT(wrong.err, HasSubstr("read as a history, but it lists cache folders"));
+    EXPECT_EQ(cli({"dump", index, "--as", "ie-cache"}).err, "");
+}
+
 } // namespace
 } // namespace nv::test
