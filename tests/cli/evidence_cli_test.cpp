@@ -135,6 +135,19 @@ TEST_F(EvidenceCliTest, anImportThatIsKilledAtItsBeginningLeavesNoHalfProject) {
         EXPECT_THAT(entry.path().filename().string(), Not(HasSubstr("~new")));
 }
 
+TEST_F(EvidenceCliTest, aReportOfContentThatCantBeReadSaysSo) {
+    importCache();
+    const fs::path page = evidence / "ABCDEFGH" / "page[1].htm";
+    fs::permissions(page, fs::perms::none);
+    if (asNobody({"--version"}).exit != 0)
+        GTEST_SKIP() << "nobody may not run the program where it lies";
+    const CliResult run = asNobody({"report", project, "--all", "--type", "graphical", "--out",
+                                    (folder.path() / "report").string()});
+    fs::permissions(page, fs::perms::owner_all);
+    EXPECT_THAT(run.err, HasSubstr("cached files could not be read"));
+    EXPECT_EQ(run.exit, 2) << run.err;
+}
+
 TEST_F(EvidenceCliTest, whatCantBeReadStandsInSummaryJsonAndTrail) {
     addHistory("a/index.dat");
     const fs::path file = addHistory("b/index.dat");
