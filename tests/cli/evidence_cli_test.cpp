@@ -148,6 +148,14 @@ TEST_F(EvidenceCliTest, aReportOfContentThatCantBeReadSaysSo) {
     EXPECT_EQ(run.exit, 2) << run.err;
 }
 
+TEST_F(EvidenceCliTest, aPipeThatIsNamedIsNoPlainFile) {
+    const fs::path pipe = folder.path() / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const CliResult run = cli({"import", project, pipe.string()});
+    EXPECT_EQ(run.exit, 2) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("\"" + pipe.string() + "\" is no plain file and no folder"));
+}
+
 TEST_F(EvidenceCliTest, whatCantBeReadStandsInSummaryJsonAndTrail) {
     addHistory("a/index.dat");
     const fs::path file = addHistory("b/index.dat");
