@@ -1,6 +1,8 @@
 #include "app/ProjectAside.h"
 
 #include "base/Files.h"
+#include "base/NoLog.h"
+#include "base/Trap.h"
 #include "db/Connection.h"
 
 #include <fmt/format.h>
@@ -29,12 +31,8 @@ bool isOurs(const fs::path &path) {
         return false;
     if (fs::file_size(path, none) == 0)
         return true;
-    try {
-        checkIsProject(path);
-        return true;
-    } catch (const std::runtime_error &) {
-        return false;
-    }
+    NoLog unheard;
+    return !failureOf(unheard, "", [&path] { checkIsProject(path); });
 }
 
 bool isFree(const fs::path &path) {
