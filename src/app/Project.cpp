@@ -1,6 +1,7 @@
 #include "app/Project.h"
 
 #include "app/Messages.h"
+#include "app/ProjectAside.h"
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Replace.h"
@@ -23,20 +24,6 @@ constexpr std::string_view kRootSetting = "RootPath";
 
 ProjectFields fieldsOf(Program &program) {
     return {program.thisClass.ProjectDB.connection(), program.log};
-}
-
-/// What the database lays beside a project would be read into another one of its name.
-void removeBeside(const fs::path &path) {
-    for (const char *suffix : {"-wal", "-shm", "-journal"}) {
-        std::error_code ignored;
-        fs::remove(path.native() + suffix, ignored);
-    }
-}
-
-void removeProjectFiles(const fs::path &path) {
-    std::error_code ignored;
-    fs::remove(path, ignored);
-    removeBeside(path);
 }
 
 void becomeOpen(Program &program, LogOf log) {
@@ -72,9 +59,9 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
     auto hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
     DatabaseClass &project = program.thisClass.ProjectDB;
     const fs::path whole = fs::absolute(path);
+    refuseLoneLog(whole);
     // Whoever is killed meanwhile leaves no file that passes for a project and is none.
-    const fs::path aside = whole.native() + ".~new";
-    removeProjectFiles(aside);
+    const fs::path aside = placeAside(whole);
     project.FilePath = aside;
     project.KeywordFolder = program.paths.keywords();
     project.AgencyKeywordFolder = program.paths.home / "keywords";

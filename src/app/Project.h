@@ -21,6 +21,7 @@ enum class LogOf { run, project };
 
 /// Makes an empty project at `path`, over a file that is there and that nobody has open, and leaves
 /// it open with the machine's zone. False when it couldn't be made; the reason is in the log.
+/// Throws StorageFailure when another project's log lies there alone.
 bool createProject(Program &program, const std::filesystem::path &path, LogOf log = LogOf::run);
 
 /// Whether others are kept from writing to a project while it is open for writing here. A note in

@@ -59,10 +59,13 @@ std::optional<fs::path> ProjectCommands::pathFor(const fs::path &given, OpenMode
 }
 
 bool ProjectCommands::create(const fs::path &path) {
-    if (createProject(m_program, path, LogOf::project))
-        return true;
-    m_program.around.examiner.tell(messages::databaseNotCreated());
-    return false;
+    bool made = false;
+    const auto refused = failureOf(m_program.log, "MainForm.OpenFile()",
+                                   [&] { made = createProject(m_program, path, LogOf::project); });
+    if (!made)
+        m_program.around.examiner.tell(refused ? messages::openingFailed(*refused)
+                                               : messages::databaseNotCreated());
+    return made;
 }
 
 bool ProjectCommands::OpenFile(const fs::path &path, OpenMode mode) {

@@ -4,7 +4,9 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,7 +41,7 @@ fs::path newFolder(const fs::path &tempFolder, Front owner) {
 void removeMarked(const fs::path &folder) {
     std::vector<fs::path> inside;
     for (const auto &entry : fs::directory_iterator(folder))
-        if (entry.path().filename() != kMark)
+        if (entry.path().filename() != kMark && entry.path().filename() != kUnlockedMark)
             inside.push_back(entry.path());
     for (const fs::path &path : inside)
         fs::remove_all(path);
@@ -51,6 +53,27 @@ struct GivenUp {
     FileHold mark; ///< keeps other starts off it
 };
 
+/// A start takes no time between making its mark and locking it, unless it was killed there.
+bool isOfKilledStart(const fs::path &unlockedMark, const FileHold &hold) {
+    constexpr std::chrono::minutes kLongestStart{1};
+    std::error_code failed;
+    const auto written = fs::last_write_time(unlockedMark, failed);
+    return !failed && written + kLongestStart < fs::file_time_type::clock::now() &&
+           (hold.text().empty() || hold.text() == kMarkText);
+}
+
+/// Held; nothing when its process lives, or when the folder is none of ours.
+std::optional<FileHold> markOfGivenUp(const fs::path &folder) {
+    FileHold mark(folder / kMark, FileHold::Kind::alone, FileHold::Make::no);
+    if (mark.isHeld() && mark.text() == kMarkText)
+        return mark;
+    const fs::path unlocked = folder / kUnlockedMark;
+    FileHold early(unlocked, FileHold::Kind::alone, FileHold::Make::no);
+    if (early.isHeld() && isOfKilledStart(unlocked, early))
+        return early;
+    return std::nullopt;
+}
+
 std::vector<GivenUp> givenUpIn(const fs::path &tempFolder, Front whoStarts) {
     std::vector<GivenUp> found;
     for (const auto &entry : fs::directory_iterator(tempFolder)) {
@@ -60,9 +83,9 @@ std::vector<GivenUp> givenUpIn(const fs::path &tempFolder, Front whoStarts) {
         std::error_code gone;
         if (!isOurs || !fs::is_directory(entry.symlink_status(gone)))
             continue;
-        FileHold mark(entry.path() / kMark, FileHold::Kind::alone, FileHold::Make::no);
-        if (mark.isHeld() && mark.text() == kMarkText)
-            found.push_back({entry.path(), std::move(mark)});
+        auto mark = markOfGivenUp(entry.path());
+        if (mark)
+            found.push_back({entry.path(), std::move(*mark)});
     }
     return found;
 }
@@ -77,6 +100,8 @@ ScratchFolder::ScratchFolder(const fs::path &tempFolder, Front owner)
     // unmarked, and is never taken for given up.
     if (m_mark.isHeld())
         fs::rename(m_path / kUnlockedMark, m_path / kMark);
+    else
+        fs::remove(m_path / kUnlockedMark);
 }
 
 void ScratchFolder::remove() const {

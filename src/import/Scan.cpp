@@ -33,6 +33,11 @@ HistoryFile describe(const fs::path &file, const Reader &reader) {
     return artefact;
 }
 
+/// Reading a pipe or a device could wait for ever.
+[[noreturn]] void refuseSpecial(const fs::path &file) {
+    throw std::runtime_error(fmt::format("\"{}\" is no plain file and no folder", textOf(file)));
+}
+
 class Scan {
   public:
     Scan(const ImportClass &job, TaskMonitor &task, FailureLog &log)
@@ -42,8 +47,11 @@ class Scan {
         // Paths go into the project: they must not hang on the folder that the program runs in.
         const fs::path start = fs::absolute(m_job.StartingDirectory).lexically_normal();
         std::error_code none;
-        if (fs::is_regular_file(start, none))
+        const fs::file_status status = fs::status(start, none);
+        if (fs::is_regular_file(status))
             tryFile(start, Asked::byName, 0);
+        else if (fs::exists(status) && !fs::is_directory(status))
+            attempt(start, [&] { refuseSpecial(start); });
         else
             scanFolders(start);
         return std::move(m_result);

@@ -136,8 +136,12 @@ std::size_t SourceCheck::count(SourceState state) const {
 }
 
 std::string summaryText(const SourceCheck &check) {
-    std::string text = fmt::format("{} of {} imported files are as they were",
-                                   check.count(SourceState::same), check.sources.size());
+    const std::size_t same = check.count(SourceState::same);
+    std::string text =
+        check.cancelled
+            ? fmt::format("{} of {} imported files checked, {} as they were", check.sources.size(),
+                          check.total, same)
+            : fmt::format("{} of {} imported files are as they were", same, check.total);
     for (const SourceState state :
          {SourceState::changed, SourceState::gone, SourceState::unreadable, SourceState::unknown})
         if (const std::size_t count = check.count(state); count > 0)
@@ -148,6 +152,7 @@ std::string summaryText(const SourceCheck &check) {
 SourceCheck verifySources(SQLite::Database &project, FailureLog &log, TaskMonitor &task) {
     SourceCheck result;
     const std::vector<CheckedSource> sources = sourcesOf(project);
+    result.total = sources.size();
     for (const CheckedSource &source : sources) {
         const double done =
             static_cast<double>(result.sources.size()) / static_cast<double>(sources.size());

@@ -39,7 +39,8 @@ struct CheckedSource {
 };
 
 struct SourceCheck {
-    std::vector<CheckedSource> sources; ///< in order of their import
+    std::vector<CheckedSource> sources; ///< in order of their import, as far as it came
+    std::size_t total = 0;              ///< how many were imported
     bool cancelled = false;
 
     std::size_t count(SourceState state) const;

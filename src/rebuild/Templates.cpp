@@ -6,6 +6,7 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "base/Unfinished.h"
 #include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
 #include "rebuild/Archive.h"
@@ -197,11 +198,12 @@ bool applyTemplate(URLClass &page, const fs::path &file, const RebuildContext &c
 
 /// What was there stays until the new file is whole; a link of that name is replaced itself.
 void writeInPlaceOf(const fs::path &target, std::string_view bytes) {
-    const fs::path aside = target.native() + ".~new";
+    Unfinished aside(target.native() + ".~new");
     std::error_code ignored;
-    fs::remove(aside, ignored);
-    writeWhole(aside, bytes);
-    replaceDurably(aside, target);
+    fs::remove(aside.path(), ignored);
+    writeWhole(aside.path(), bytes);
+    replaceDurably(aside.path(), target);
+    aside.finished();
 }
 
 bool isAllowed(char c) {

@@ -57,21 +57,36 @@ void makeFolder(const fs::path &folder) {
     fs::create_directories(folder);
 }
 
-/// The page of a report whose files didn't all arrive must not pass for one.
+/// What is new of a report whose files didn't all arrive goes: it must not pass for one. What was
+/// there before, perhaps of a report of the other type, stays.
 class HalfPublished {
   public:
-    explicit HalfPublished(fs::path index) : m_index(std::move(index)) {}
+    explicit HalfPublished(fs::path target) : m_target(std::move(target)) {}
     ~HalfPublished() {
-        std::error_code ignored;
         if (!m_isWhole)
-            fs::remove(m_index, ignored);
+            remove();
     }
     HalfPublished(const HalfPublished &) = delete;
     HalfPublished &operator=(const HalfPublished &) = delete;
+    /// Before `file` is written.
+    void expect(const fs::path &file) {
+        if (!fs::exists(fs::symlink_status(file)))
+            m_new.push_back(file);
+    }
     void becomeWhole() { m_isWhole = true; }
 
   private:
-    fs::path m_index;
+    void remove() const {
+        std::error_code ignored;
+        for (const fs::path &file : m_new) {
+            fs::remove(file, ignored);
+            if (file.parent_path() != m_target)
+                fs::remove(file.parent_path(), ignored); // when it is empty now
+        }
+    }
+
+    fs::path m_target;
+    std::vector<fs::path> m_new;
     bool m_isWhole = false;
 };
 
@@ -106,7 +121,7 @@ Published PublishReport(const ReportFolder &report, int ReportType, const fs::pa
     task.describe({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""});
     const auto files = filesOf(report, ReportType);
     Published published;
-    HalfPublished half(ReportFolder::at(target).index(ReportType));
+    HalfPublished half(target);
     fs::remove(ReportFolder::at(target).index(ReportType)); // that of an earlier report
     for (const fs::path &file : files) {
         show(published.files + 1, files.size(), file, task);
@@ -116,6 +131,7 @@ Published PublishReport(const ReportFolder &report, int ReportType, const fs::pa
             return published;
         }
         const fs::path copy = target / file.lexically_relative(report.path);
+        half.expect(copy);
         if (copy.parent_path() != target)
             makeFolder(copy.parent_path());
         copyToScratch(file, copy);

@@ -135,6 +135,27 @@ TEST_F(EvidenceCliTest, anImportThatIsKilledAtItsBeginningLeavesNoHalfProject) {
         EXPECT_THAT(entry.path().filename().string(), Not(HasSubstr("~new")));
 }
 
+TEST_F(EvidenceCliTest, aReportOfContentThatCantBeReadSaysSo) {
+    importCache();
+    const fs::path page = evidence / "ABCDEFGH" / "page[1].htm";
+    fs::permissions(page, fs::perms::none);
+    if (asNobody({"--version"}).exit != 0)
+        GTEST_SKIP() << "nobody may not run the program where it lies";
+    const CliResult run = asNobody({"report", project, "--all", "--type", "graphical", "--out",
+                                    (folder.path() / "report").string()});
+    fs::permissions(page, fs::perms::owner_all);
+    EXPECT_THAT(run.err, HasSubstr("cached files could not be read"));
+    EXPECT_EQ(run.exit, 2) << run.err;
+}
+
+TEST_F(EvidenceCliTest, aPipeThatIsNamedIsNoPlainFile) {
+    const fs::path pipe = folder.path() / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const CliResult run = cli({"import", project, pipe.string()});
+    EXPECT_EQ(run.exit, 2) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("\"" + pipe.string() + "\" is no plain file and no folder"));
+}
+
 TEST_F(EvidenceCliTest, whatCantBeReadStandsInSummaryJsonAndTrail) {
     addHistory("a/index.dat");
     const fs::path file = addHistory("b/index.dat");

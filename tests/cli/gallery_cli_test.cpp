@@ -60,7 +60,10 @@ TEST_F(GalleryCliTest, aSheetThatDoesntFitTheDiskLeavesNothing) {
     const std::string before = sheet();
     {
         const SmallFiles full(900); // bytes
-        EXPECT_EQ(gallery({}).exit, 3);
+        const CliResult run = gallery({});
+        EXPECT_EQ(run.exit, 3);
+        EXPECT_THAT(run.err, HasSubstr("sheet.html"));
+        EXPECT_THAT(run.err, HasSubstr("on the disk \""));
     }
     EXPECT_EQ(sheet(), before);
     fs::remove(out);

@@ -150,7 +150,7 @@ TEST_F(RebuildCliTest, aTemplateIsMadeListedAndLaidOver) {
     EXPECT_EQ(cli({"template", "create", project, "1", "--overwrite"}).exit, 0);
     EXPECT_NE(cli({"template", "list"}).out.find("Inbox"), std::string::npos);
     const std::string file = made.out.substr(0, made.out.find("  "));
-    EXPECT_EQ(cli({"template", "apply", project, file, "2"}).exit, 1); // another title
+    EXPECT_EQ(cli({"template", "apply", project, file, "2"}).exit, 2); // another title
     EXPECT_EQ(cli({"template", "apply", project, file, "2", "--any-title"}).exit, 0);
     EXPECT_EQ(cli({"audit", project, "2"}).exit, 0);
     const fs::path laid = folder.path() / "laid";

@@ -74,14 +74,15 @@ std::string shapeText(const TileClass &tile) {
                        tile.PARDValue);
 }
 
-void writeContactSheet(std::ostream &out, const ContactSheet &sheet) {
-    out << fmt::format(kHead, htmlText(plainLine(sheet.title)));
+void writeContactSheet(const std::function<void(std::string_view)> &write,
+                       const ContactSheet &sheet) {
+    write(fmt::format(kHead, htmlText(plainLine(sheet.title))));
     for (const std::string &line : sheet.lines)
-        out << "<p>" << htmlText(plainLine(line)) << "</p>\n";
-    out << "<main>\n";
+        write("<p>" + htmlText(plainLine(line)) + "</p>\n");
+    write("<main>\n");
     for (const TileClass &tile : sheet.tiles)
-        out << tileText(tile, sheet.thumbnail(UrlId{tile.URL_ID}));
-    out << "</main>\n</body>\n</html>\n";
+        write(tileText(tile, sheet.thumbnail(UrlId{tile.URL_ID})));
+    write("</main>\n</body>\n</html>\n");
 }
 
 } // namespace nv::cli

@@ -4,7 +4,6 @@
 #include "views/Gallery.h"
 
 #include <functional>
-#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +25,7 @@ std::string shapeText(const TileClass &tile);
 
 /// As one HTML file that needs nothing else: thumbnails stand in it as data, and texts of evidence
 /// as texts that lead nowhere.
-void writeContactSheet(std::ostream &out, const ContactSheet &sheet);
+void writeContactSheet(const std::function<void(std::string_view)> &write,
+                       const ContactSheet &sheet);
 
 } // namespace nv::cli

@@ -100,7 +100,9 @@ const Reader *chooseReader(const fs::path &path, const std::string &as, HistoryF
     return reader;
 }
 
-Exit tellResult(Session &session, const ReadResult &result) {
+Exit tellResult(Session &session, const ReadResult &result, const std::string &warning) {
+    if (!warning.empty())
+        session.err << printable(warning) << '\n';
     for (const auto &[reason, count] : result.passedOver)
         session.err << fmt::format("{} passed over: {}\n", count, printable(reason));
     for (const auto &[reason, count] : result.noted)
@@ -139,7 +141,7 @@ Exit dumpCommand(Session &session, const std::string &file, const std::string &a
     const ReadResult result = reader->read(context);
     session.task.clear();
     writer->finish();
-    return tellResult(session, result);
+    return tellResult(session, result, warningOn(*reader, artefact.FullPath));
 }
 
 } // namespace nv::cli

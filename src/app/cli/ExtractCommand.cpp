@@ -7,6 +7,7 @@
 #include "base/Text.h"
 #include "db/RecordStore.h"
 #include "readers/CachedBody.h"
+#include "reports/ExportFile.h"
 
 #include <fmt/format.h>
 
@@ -27,18 +28,19 @@ RecordStore storeOf(Program &program) {
 }
 
 /// Throws UsageError when writing to `file` would cost something.
-void checkTarget(const fs::path &file, const fs::path &base, IfThere ifThere) {
-    if (fs::exists(file) && !fs::is_regular_file(file))
-        throw UsageError(fmt::format("\"{}\" is no plain file", textOf(file)));
+void checkTarget(const fs::path &file, const ThisClass &state, IfThere ifThere) {
+    refuseUntouchable(file, state);
     if (fs::exists(file) && ifThere == IfThere::refuse)
         throw UsageError(
             fmt::format("\"{}\" is there already; --overwrite replaces it", textOf(file)));
-    refuseEvidence(file, base);
 }
 
 void writeContent(Session &session, const fs::path &content, const std::string &file) {
-    if (file != kStandardOutput)
-        return copyToScratch(content, file);
+    if (file != kStandardOutput) {
+        ExportFile whole(file);
+        copyToScratch(content, whole.aside());
+        return whole.finish();
+    }
     readInBlocks(content, [&session](std::string_view block, std::uint64_t) {
         session.out.write(block.data(), static_cast<std::streamsize>(block.size()));
         return session.out.good();
@@ -52,7 +54,7 @@ Exit extractCommand(Session &session, const std::string &project, std::int64_t u
     session.openForReading(project);
     Program &program = session.program;
     if (file != kStandardOutput)
-        checkTarget(file, program.thisClass.RootPath, ifThere);
+        checkTarget(file, program.thisClass, ifThere);
     checkRow(program.thisClass.ProjectDB.connection(), urlId);
     auto stored = storeOf(program).GetURL(UrlId{urlId});
     if (!stored)

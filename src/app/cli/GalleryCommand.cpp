@@ -15,9 +15,7 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <cerrno>
 #include <charconv>
-#include <fstream>
 #include <optional>
 
 namespace nv::cli {
@@ -79,16 +77,16 @@ bool isPicture(const fs::path &file) {
     return toLower(textOf(file.extension())) == ".png";
 }
 
-void checkTarget(const GalleryArguments &arguments, const fs::path &base) {
+void checkTarget(const GalleryArguments &arguments, const ThisClass &state) {
     const fs::path file = arguments.out;
     const std::string extension = toLower(textOf(file.extension()));
     if (extension != ".html" && extension != ".htm" && !isPicture(file))
         throw UsageError(
             fmt::format("--out {}: a file *.html or *.png was expected", arguments.out));
-    if (fs::exists(file) && (!arguments.overwrite || !fs::is_regular_file(file)))
+    refuseUntouchable(file, state);
+    if (fs::exists(file) && !arguments.overwrite)
         throw UsageError(
             fmt::format("\"{}\" is there already; --overwrite replaces a file", textOf(file)));
-    refuseEvidence(file, base);
 }
 
 Gallery galleryOf(Session &session, const GalleryArguments &arguments) {
@@ -139,16 +137,10 @@ void writeSheet(Session &session, const Gallery &gallery, const GalleryArguments
             return thumbnailOf(program.thisClass.ProjectDB.connection(), program.log, id);
         }};
     ExportFile file(arguments.out);
-    if (isPicture(arguments.out)) {
+    if (isPicture(arguments.out))
         drawSheet(session, sheet, file.aside());
-    } else {
-        errno = 0;
-        std::ofstream page(file.aside(), std::ios::binary | std::ios::trunc);
-        writeContactSheet(page, sheet);
-        page.close();
-        if (!page)
-            throw FileFailure("cannot write", arguments.out, errno);
-    }
+    else
+        writeContactSheet([&file](std::string_view text) { file.write(text); }, sheet);
     file.finish();
 }
 
@@ -165,7 +157,7 @@ void checkPage(const Gallery &gallery, int page) {
 Exit galleryCommand(Session &session, const GalleryArguments &arguments) {
     session.openForReading(arguments.project);
     Program &program = session.program;
-    checkTarget(arguments, program.thisClass.RootPath);
+    checkTarget(arguments, program.thisClass);
     Gallery gallery = galleryOf(session, arguments);
     const LoadResult loaded = gallery.load(session.task);
     session.task.clear();

@@ -2,6 +2,8 @@
 
 #include "app/cli/Session.h"
 #include "base/Files.h"
+#include "base/Storage.h"
+#include "base/Unfinished.h"
 #include "rebuild/LocalNames.h"
 #include "reports/SafePage.h"
 
@@ -27,17 +29,36 @@ void refuseExisting(std::span<const std::int64_t> ids, const fs::path &out) {
                         textOf(first), more == 0 ? "" : fmt::format(", and so are {} more", more)));
 }
 
+namespace {
+
+/// Under a name that nobody has: what lies there may be the examiner's.
+fs::path newFolderBeside(const fs::path &target) {
+    const std::string name = target.native() + ".~new";
+    fs::path folder = name;
+    for (int n = 2;; ++n) {
+        std::error_code failed;
+        if (fs::create_directory(folder, failed))
+            return folder;
+        if (failed && failed != std::errc::file_exists)
+            failStorage("cannot make the folder", folder, failed.value());
+        folder = fmt::format("{}{}", name, n);
+    }
+}
+
+} // namespace
+
 void handOver(const fs::path &page, const fs::path &out) {
     const fs::path folder = page.parent_path();
     const fs::path target = out / folder.filename();
-    const fs::path aside = target.native() + ".~new";
-    fs::remove_all(aside);
-    fs::create_directories(aside);
+    makeFolder(out);
+    Unfinished made(newFolderBeside(target));
+    const fs::path &aside = made.path();
     for (const fs::directory_entry &entry : fs::directory_iterator(folder))
         copyToScratch(entry.path(), aside / entry.path().filename());
     guardFolder(aside / page.filename());
     fs::remove_all(target);
-    fs::rename(aside, target);
+    moveFile(aside, target);
+    made.finished();
     fs::remove_all(folder);
 }
 

@@ -122,7 +122,7 @@ Exit templateApplyCommand(Session &session, const TemplateArguments &arguments) 
                     handOver(rebuildFolderOf(UrlId{id}, tools.context()) / pageNameOf(UrlId{id}),
                              arguments.out);
                 session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
-                exit = result == Laid::rebuilt ? exit : Exit::usage;
+                exit = result == Laid::rebuilt ? exit : Exit::nothingDone;
             });
         session.task.clear();
     }

@@ -325,8 +325,8 @@ TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineThatCantBeReadIsTold) {
 }
 
 TEST_F(ProjectCommandsTest, aProjectStandsAtItsPlaceOnlyWhenItIsWhole) {
-    folder.write("case.nvp.~new", "left behind by a start that was killed");
-    folder.write("case.nvp-wal", "of an earlier project");
+    folder.write("case.nvp.~new", "");
+    folder.write("case.nvp-wal", "");
     EXPECT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
     EXPECT_FALSE(fs::exists(path.native() + ".~new"));
     EXPECT_EQ(db().FilePath, path);
@@ -335,6 +335,32 @@ TEST_F(ProjectCommandsTest, aProjectStandsAtItsPlaceOnlyWhenItIsWhole) {
     commands.CloseFile();
     EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
     EXPECT_EQ(setting("Kept"), "here");
+}
+
+TEST_F(ProjectCommandsTest, onlyAProjectOfAKilledStartIsRemovedAside) {
+    const fs::path aside = path.native() + ".~new";
+    const fs::path second = aside.native() + "2";
+    EXPECT_TRUE(commands.OpenFile(second.native() + ".nvp", OpenMode::newAtPath));
+    commands.CloseFile();
+    fs::rename(second.native() + ".nvp", second);
+    folder.write("case.nvp.~new", "precious");
+    EXPECT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
+    EXPECT_EQ(ByteView(readWhole(aside)).raw(), "precious");
+    EXPECT_FALSE(fs::exists(second));
+    EXPECT_EQ(db().FilePath, path);
+}
+
+TEST_F(ProjectCommandsTest, theLogOfAProjectThatWasMovedAwayIsKept) {
+    const fs::path log = folder.write("case.nvp-wal", "its last rows");
+    try {
+        createProject(*program, path);
+        FAIL();
+    } catch (const StorageFailure &failure) {
+        EXPECT_NE(std::string(failure.what()).find("case.nvp-wal\" belongs to a project"),
+                  std::string::npos);
+    }
+    EXPECT_EQ(ByteView(readWhole(log)).raw(), "its last rows");
+    EXPECT_FALSE(fs::exists(path));
 }
 
 TEST_F(ProjectCommandsTest, whatCantBecomeAProjectStays) {

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -67,6 +68,28 @@ TEST(EmptyTempFolder, aFolderWithoutTheMarkIsNobodysToRemove) {
     EmptyTempFolder(temp.path(), kWindow, task);
     EXPECT_TRUE(fs::exists(unmarked));
     EXPECT_TRUE(fs::exists(otherMark));
+}
+
+TEST(EmptyTempFolder, aStartThatWasKilledBeforeItsLockIsGivenUpAfterAMinute) {
+    const test::TempFolder temp;
+    const auto early = [&temp](const char *name, std::chrono::seconds age) {
+        const fs::path folder = temp.path() / name;
+        fs::create_directories(folder);
+        const fs::path mark = folder / ".norvelane-scratch-new";
+        writeWhole(mark, "");
+        fs::last_write_time(mark, fs::file_time_type::clock::now() - age);
+        return folder;
+    };
+    const fs::path killed = early("norvelane-cli-killed", std::chrono::minutes(2));
+    const fs::path starting = early("norvelane-cli-starting", std::chrono::seconds(1));
+    const fs::path living = early("norvelane-cli-living", std::chrono::minutes(2));
+    const FileHold lock(living / ".norvelane-scratch-new", FileHold::Kind::alone,
+                        FileHold::Make::no);
+    test::MemoryTask task;
+    EmptyTempFolder(temp.path(), kCommandLine, task);
+    EXPECT_FALSE(fs::exists(killed));
+    EXPECT_TRUE(fs::exists(starting));
+    EXPECT_TRUE(fs::exists(living));
 }
 
 TEST(EmptyTempFolder, stopsWhenCancelledAndSaysWhatItCouldNotRead) {

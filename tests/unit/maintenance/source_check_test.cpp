@@ -181,6 +181,8 @@ TEST_F(SourceCheckTest, aCancelEndsIt) {
     const SourceCheck check = verifySources(project.connection(), log, task);
     EXPECT_TRUE(check.cancelled);
     EXPECT_TRUE(check.sources.empty());
+    EXPECT_EQ(summaryText(check),
+              "0 of 2 imported files checked, 0 as they were; cancelled before the end.");
 }
 
 TEST_F(SourceCheckTest, anEmptyProjectIsTheSame) {

@@ -1,4 +1,5 @@
 #include "rebuild/Templates.h"
+#include "support/SmallFiles.h"
 #include "unit/rebuild/RebuildFixture.h"
 
 #include <gmock/gmock.h>
@@ -42,6 +43,18 @@ TEST_F(TemplatesTest, haveTheirFormatToTheByte) {
               "\r\n{1|a/logo.gif|0000001.gif|4125|6}\r\n[/HASH]\r\n");
     EXPECT_EQ(file.sub(hash + file.u32le(0x204), 4).raw(), "\xAB\xABNV");
     EXPECT_EQ(file.size(), hash + file.u32le(0x204) + 4);
+}
+
+TEST_F(TemplatesTest, thatDontFitTheDiskLeaveWhatWasThere) {
+    const auto file = makeTemplate();
+    const auto size = std::filesystem::file_size(file);
+    {
+        const test::SmallFiles full(1000); // bytes
+        EXPECT_THROW(create(page, IfTemplateExists::overwrite), StorageFailure);
+    }
+    EXPECT_EQ(std::filesystem::file_size(file), size);
+    std::filesystem::remove(file);
+    EXPECT_TRUE(std::filesystem::is_empty(templates));
 }
 
 TEST_F(TemplatesTest, areShownFromAFolderOfTheirOwn) {

@@ -1,4 +1,5 @@
 #include "reports/PublishReport.h"
+#include "support/SmallFiles.h"
 #include "unit/reports/ReportFixture.h"
 
 namespace nv::test {
@@ -58,6 +59,18 @@ TEST_F(PublishReportTest, aCancelLeavesNoPageThatLooksWhole) {
     CancelAfter canceller(2);
     EXPECT_TRUE(PublishReport(made, 1, target, canceller).cancelled);
     EXPECT_FALSE(fs::exists(target / "index-history.htm"));
+}
+
+TEST_F(PublishReportTest, whatDoesntFitTheDiskLeavesNothingOfTheReport) {
+    add("http://host/a.gif", "GIF89a");
+    make(0);
+    writeWhole(target / "notes.txt", "the examiner's");
+    {
+        const SmallFiles full(100); // bytes
+        EXPECT_THROW(publish(0), StorageFailure);
+    }
+    fs::remove(target / "notes.txt");
+    EXPECT_TRUE(fs::is_empty(target));
 }
 
 TEST_F(PublishReportTest, thePageComesLast) {
