@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 
 namespace nv {
 
@@ -252,13 +253,13 @@ class Rewriting {
             return;
         }
         const auto behind = m_sql.operatorAt(at + 1);
-        if (!behind || behind->kind == Comparing::order || before)
+        if (!behind || behind->kind == Comparing::order || before || isCompared(at))
             return;
-        const std::size_t last = endOfOperand(at + 1 + behind->count);
-        if (last == at + behind->count)
+        const auto last = columnAt(at + 1 + behind->count);
+        if (!last)
             return;
         take(at, 1 + behind->count, " ");
-        m_pieces[m_sql.placeOf(last)] += likeOf(*behind) + patternOf(at);
+        m_pieces[m_sql.placeOf(*last)] += likeOf(*behind) + patternOf(at);
     }
 
     /// 'a' & 'b', and a comparison by a collation that the examiner has chosen.
@@ -286,23 +287,35 @@ class Rewriting {
         m_pieces[m_sql.placeOf(first)] = instead;
     }
 
-    /// The last token of what a text on the left is compared with; the one before `at` when nothing
-    /// stands there.
-    std::size_t endOfOperand(std::size_t at) const {
+    bool isAny(std::size_t at, std::span<const std::string_view> words) const {
+        return std::ranges::any_of(words,
+                                   [&](std::string_view word) { return m_sql.is(at, word); });
+    }
+
+    /// Whether a comparison that is spelt as a word takes the text that stands at `at`.
+    bool isCompared(std::size_t at) const {
+        constexpr std::array<std::string_view, 4> kWords = {"like", "glob", "is", "between"};
+        return (at > 0 && isAny(at - 1, kWords)) ||
+               (at > 1 && m_sql.is(at - 1, "not") && m_sql.is(at - 2, "is"));
+    }
+
+    /// The last token of a column that ends its expression. Of anything longer only the database
+    /// knows where it ends.
+    std::optional<std::size_t> columnAt(std::size_t at) const {
         constexpr std::array<std::string_view, 22> kEnds = {
-            "and",   "or",     "then",      "else",    "end",  "when",   "order", "group",
-            "limit", "having", "union",     "except",  "as",   "from",   "where", "is",
-            "in",    "not",    "intersect", "between", "like", "collate"};
-        for (; at < m_sql.size(); ++at) {
-            if (m_sql.is(at, "("))
-                at = m_sql.closing(at);
-            else if (m_sql.is(at, ")") || m_sql.is(at, ",") || m_sql.is(at, ";") ||
-                     m_sql.operatorAt(at) || std::ranges::any_of(kEnds, [&](std::string_view word) {
-                         return m_sql.is(at, word);
-                     }))
-                break;
-        }
-        return std::min(at, m_sql.size()) - 1;
+            ")",     ",",      ";",         "and",  "or",    "then", "else",   "end",
+            "order", "group",  "limit",     "from", "where", "as",   "having", "offset",
+            "union", "except", "intersect", "join", "inner", "left"};
+        const bool isOpen = m_sql.is(at, "(");
+        at += isOpen ? 1 : 0;
+        while (m_sql.is(at + 1, "."))
+            at += 2;
+        if (at >= m_sql.size() ||
+            (m_sql[at].kind != TokenKind::word && m_sql[at].kind != TokenKind::name))
+            return std::nullopt;
+        if (isOpen && !m_sql.is(++at, ")"))
+            return std::nullopt;
+        return at + 1 == m_sql.size() || isAny(at + 1, kEnds) ? std::optional(at) : std::nullopt;
     }
 
     Meaning m_sql;

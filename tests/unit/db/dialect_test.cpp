@@ -33,6 +33,20 @@ TEST(Dialect, comparesTextsBeyondAsciiAsLikeDoes) {
         EXPECT_EQ(translate(other), other);
 }
 
+TEST(Dialect, leavesATextOnTheLeftOfMoreThanAColumn) {
+    EXPECT_EQ(translate("SELECT '\u00E4' = [a b] AS x, '\u00E4' <> b FROM t"),
+              "SELECT    \"a b\" LIKE '\u00E4' AS x,    b NOT LIKE '\u00E4' FROM t");
+    EXPECT_EQ(translate("'\u00E4' = main.t.a OR b"), "   main.t.a LIKE '\u00E4' OR b");
+    for (const char *other :
+         {"SELECT '\u00E4' = a x FROM t", "'\u00E4' = CASE WHEN a THEN b END",
+          "'\u00E4' = a ISNULL", "'\u00E4' = a NOTNULL", "'\u00E4' = a || b", "'\u00E4' = (a) || b",
+          "'\u00E4' = f(a)", "'\u00E4' = a + 1", "'\u00E4' = a COLLATE BINARY",
+          "'\u00E4' = a IS NULL", "'\u00E4' = NOT a", "'\u00E4' = -a", "'\u00E4' = a.",
+          "'\u00E4' = (a", "'\u00E4' =", "b LIKE '\u00E4' = a", "b IS NOT '\u00E4' = a",
+          "b BETWEEN '\u00E4' = a AND c"})
+        EXPECT_EQ(translate(other), other);
+}
+
 TEST(Dialect, refusesADateThatIsComparedWithAText) {
     for (const char *wrong :
          {"ActionDateUTC = '2011-03-01'", "ActionDateUTC > '1/1/2011'", "[actiondateutc] <> ''",
