@@ -83,5 +83,27 @@ TEST_F(FullDiskCli, ofTheProjectIsNamedAtWhateverStepOfAnImport) {
     EXPECT_GT(ended, 0);
 }
 
+TEST_F(FullDiskCli, ofTheProjectCostsTheNoteOfWhatOnlyLooks) {
+    test::IndexDat cache;
+    cache.folder("ABCDEFGH");
+    cache.add({.url = "http://host/a.htm"});
+    import(cache);
+    const std::string before = text(project);
+    for (const std::vector<std::string> &words :
+         {std::vector<std::string>{"verify", project},
+          {"export", project, (folder.path() / "rows.csv").string()}}) {
+        CliResult run;
+        {
+            const test::SmallFiles full(std::size_t{7} << 10); // less than a page
+            run = cli(words);
+        }
+        EXPECT_EQ(run.exit, 0) << run.err;
+        EXPECT_THAT(run.err, HasSubstr("\"" + project + "\": on the disk \""));
+        EXPECT_THAT(run.err, HasSubstr("its trail has no note of this"));
+        EXPECT_EQ(text(project), before);
+    }
+    EXPECT_THAT(text(folder.path() / "rows.csv"), HasSubstr("http://host/a.htm"));
+}
+
 } // namespace
 } // namespace nv
