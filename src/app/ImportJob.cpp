@@ -8,6 +8,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/SqliteErrors.h"
 #include "import/ImportRun.h"
 #include "views/DateIndex.h"
 #include "views/MovedEvidence.h"
@@ -55,9 +56,11 @@ std::int64_t lastIdOf(SQLite::Database &project) {
 /// ready, and needn't write to it.
 void prepareTable(Program &program, TaskMonitor &task) {
     SQLite::Database &project = program.thisClass.ProjectDB.connection();
-    mendRootPath(project, program.log, textOf(program.thisClass.RootPath), task);
-    ensureDateIndex(project, task);
-    ensureLinkIndexes(project, task);
+    onProject(project, [&] {
+        mendRootPath(project, program.log, textOf(program.thisClass.RootPath), task);
+        ensureDateIndex(project, task);
+        ensureLinkIndexes(project, task);
+    });
 }
 
 /// Behind the reading: the rows are safe by then, whatever drawing comes to.

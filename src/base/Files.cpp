@@ -175,7 +175,14 @@ void writeWhole(const std::filesystem::path &path, std::string_view bytes) {
 }
 
 std::string textOf(const std::filesystem::path &path) {
-    return decodeText(path.native());
+    // Name by name: one that is no UTF-8 says nothing of the others.
+    std::string text;
+    for (const std::string_view name : split(path.native(), '/')) {
+        text += decodeText(name);
+        text += '/';
+    }
+    text.pop_back();
+    return text;
 }
 
 } // namespace nv

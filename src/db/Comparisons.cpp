@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 
 namespace nv {
 
@@ -82,6 +83,24 @@ class Meaning {
         return size();
     }
 
+    /// The place of the parenthesis around what stands at `inner`; size() when there is none.
+    std::size_t opening(std::size_t inner) const {
+        int depth = 0;
+        for (std::size_t at = inner; at-- > 0;) {
+            depth += is(at, "(") ? 1 : is(at, ")") ? -1 : 0;
+            if (depth == 1)
+                return at;
+        }
+        return size();
+    }
+
+    /// The first token of a name whose last one stands at `last`, as of main.URLs.Host.
+    std::size_t firstOfName(std::size_t last) const {
+        while (last > 1 && is(last - 1, "."))
+            last -= 2;
+        return last;
+    }
+
   private:
     /// One symbol, or two that touch each other.
     std::string symbolsAt(std::size_t at) const {
@@ -115,6 +134,12 @@ std::string_view dateColumnAt(const Meaning &sql, std::size_t at) {
     return isName && isDateColumn(token.inner) ? token.inner : std::string_view();
 }
 
+/// What gives the time of the query as a text.
+bool isNow(const Meaning &sql, std::size_t at) {
+    return sql.is(at, "current_timestamp") || sql.is(at, "current_date") ||
+           sql.is(at, "current_time");
+}
+
 /// The functions that give a date as a text.
 bool isDateCall(const Meaning &sql, std::size_t at) {
     constexpr std::array<std::string_view, 4> kFunctions = {"date", "datetime", "strftime", "time"};
@@ -130,7 +155,7 @@ class DateCheck {
         for (std::size_t at = 0; at < m_sql.size(); ++at)
             if (const std::string_view column = dateColumnAt(m_sql, at); !column.empty())
                 checkBehind(at, column);
-            else if (m_sql.isText(at))
+            else if (m_sql.isText(at) || isNow(m_sql, at))
                 checkOther(at + 1);
             else if (isDateCall(m_sql, at))
                 checkOther(m_sql.closing(at + 1) + 1);
@@ -147,15 +172,30 @@ class DateCheck {
     void refuseText(std::size_t at, std::string_view column) const {
         while (m_sql.is(at, "("))
             ++at;
-        if (m_sql.isText(at) || isDateCall(m_sql, at))
+        if (m_sql.isText(at) || isNow(m_sql, at) || isDateCall(m_sql, at))
             refuse(column);
+    }
+
+    /// What follows a date column and the parentheses and calls that hold nothing else. A date that
+    /// is one of several arguments says nothing of the call, but for calls that give dates.
+    std::size_t behind(std::size_t column) const {
+        std::size_t first = m_sql.firstOfName(column);
+        std::size_t at = column + 1;
+        for (; m_sql.is(at, ")"); ++at) {
+            const std::size_t open = m_sql.opening(first);
+            if (open == m_sql.size())
+                break;
+            const bool isCall = open > 0 && m_sql[open - 1].kind == TokenKind::word;
+            if (open + 1 != first && !(isCall && isDateCall(m_sql, open - 1)))
+                break;
+            first = isCall ? open - 1 : open;
+        }
+        return at;
     }
 
     /// "column > text" and the like.
     void checkBehind(std::size_t at, std::string_view column) const {
-        ++at;
-        while (m_sql.is(at, ")"))
-            ++at;
+        at = behind(at);
         if (const auto compares = m_sql.operatorAt(at))
             return refuseText(at + compares->count, column);
         at += m_sql.is(at, "not") || m_sql.is(at, "is") ? 1 : 0;
@@ -166,9 +206,11 @@ class DateCheck {
             refuseText(at + 3, column);
         if (m_sql.is(at, "between"))
             return refuseText(at + 1, column);
-        if (m_sql.is(at, "like") && isDateCall(m_sql, at + 1))
-            refuse(column);
-        if (m_sql.isText(at) && (m_sql.is(at - 1, "is") || m_sql.is(at - 1, "not")))
+        if (m_sql.is(at, "like") && !m_sql.isText(at + 1) && !m_sql.is(at + 1, "("))
+            return refuseText(at + 1, column);
+        if (m_sql.is(at, "glob"))
+            return refuseText(at + 1, column);
+        if (m_sql.is(at - 1, "is") || m_sql.is(at - 1, "not"))
             refuseText(at, column);
     }
 
@@ -181,16 +223,26 @@ class DateCheck {
 
     /// "text < column", where the operator may stand at `at`.
     void checkOther(std::size_t at) const {
-        const auto compares = m_sql.operatorAt(at);
-        if (!compares)
+        if (const auto compares = m_sql.operatorAt(at)) {
+            refuseColumn(at + compares->count);
             return;
-        at += compares->count;
+        }
+        at += m_sql.is(at, "not") ? 1 : 0;
+        if (!m_sql.is(at, "between"))
+            return;
+        if (const std::size_t low = refuseColumn(at + 1); m_sql.is(low + 1, "and"))
+            refuseColumn(low + 2);
+    }
+
+    /// The last token of the name at `at`, which is no date column.
+    std::size_t refuseColumn(std::size_t at) const {
         while (m_sql.is(at, "("))
             ++at;
         while (m_sql.is(at + 1, "."))
             at += 2;
         if (const std::string_view column = dateColumnAt(m_sql, at); !column.empty())
             refuse(column);
+        return at;
     }
 
     Meaning m_sql;
@@ -231,9 +283,7 @@ class Rewriting {
             ++parentheses;
         if (!m_sql.isText(pattern) || dateColumnAt(m_sql, column).empty())
             return;
-        std::size_t first = column;
-        while (first > 1 && m_sql.is(first - 1, "."))
-            first -= 2;
+        const std::size_t first = m_sql.firstOfName(column);
         for (std::size_t open = 1; open <= parentheses; ++open)
             if (!m_sql.is(first - open, "("))
                 return; // the column is a part of something else
@@ -252,13 +302,13 @@ class Rewriting {
             return;
         }
         const auto behind = m_sql.operatorAt(at + 1);
-        if (!behind || behind->kind == Comparing::order || before)
+        if (!behind || behind->kind == Comparing::order || before || isCompared(at))
             return;
-        const std::size_t last = endOfOperand(at + 1 + behind->count);
-        if (last == at + behind->count)
+        const auto last = columnAt(at + 1 + behind->count);
+        if (!last)
             return;
         take(at, 1 + behind->count, " ");
-        m_pieces[m_sql.placeOf(last)] += likeOf(*behind) + patternOf(at);
+        m_pieces[m_sql.placeOf(*last)] += likeOf(*behind) + patternOf(at);
     }
 
     /// 'a' & 'b', and a comparison by a collation that the examiner has chosen.
@@ -286,23 +336,35 @@ class Rewriting {
         m_pieces[m_sql.placeOf(first)] = instead;
     }
 
-    /// The last token of what a text on the left is compared with; the one before `at` when nothing
-    /// stands there.
-    std::size_t endOfOperand(std::size_t at) const {
+    bool isAny(std::size_t at, std::span<const std::string_view> words) const {
+        return std::ranges::any_of(words,
+                                   [&](std::string_view word) { return m_sql.is(at, word); });
+    }
+
+    /// Whether a comparison that is spelt as a word takes the text that stands at `at`.
+    bool isCompared(std::size_t at) const {
+        constexpr std::array<std::string_view, 4> kWords = {"like", "glob", "is", "between"};
+        return (at > 0 && isAny(at - 1, kWords)) ||
+               (at > 1 && m_sql.is(at - 1, "not") && m_sql.is(at - 2, "is"));
+    }
+
+    /// The last token of a column that ends its expression. Of anything longer only the database
+    /// knows where it ends.
+    std::optional<std::size_t> columnAt(std::size_t at) const {
         constexpr std::array<std::string_view, 22> kEnds = {
-            "and",   "or",     "then",      "else",    "end",  "when",   "order", "group",
-            "limit", "having", "union",     "except",  "as",   "from",   "where", "is",
-            "in",    "not",    "intersect", "between", "like", "collate"};
-        for (; at < m_sql.size(); ++at) {
-            if (m_sql.is(at, "("))
-                at = m_sql.closing(at);
-            else if (m_sql.is(at, ")") || m_sql.is(at, ",") || m_sql.is(at, ";") ||
-                     m_sql.operatorAt(at) || std::ranges::any_of(kEnds, [&](std::string_view word) {
-                         return m_sql.is(at, word);
-                     }))
-                break;
-        }
-        return std::min(at, m_sql.size()) - 1;
+            ")",     ",",      ";",         "and",  "or",    "then", "else",   "end",
+            "order", "group",  "limit",     "from", "where", "as",   "having", "offset",
+            "union", "except", "intersect", "join", "inner", "left"};
+        const bool isOpen = m_sql.is(at, "(");
+        at += isOpen ? 1 : 0;
+        while (m_sql.is(at + 1, "."))
+            at += 2;
+        if (at >= m_sql.size() ||
+            (m_sql[at].kind != TokenKind::word && m_sql[at].kind != TokenKind::name))
+            return std::nullopt;
+        if (isOpen && !m_sql.is(++at, ")"))
+            return std::nullopt;
+        return at + 1 == m_sql.size() || isAny(at + 1, kEnds) ? std::optional(at) : std::nullopt;
     }
 
     Meaning m_sql;

@@ -2,6 +2,7 @@
 
 #include "base/ByteView.h"
 #include "base/Files.h"
+#include "base/Storage.h"
 #include "db/SqlFunctions.h"
 #include "db/SqliteErrors.h"
 
@@ -75,7 +76,8 @@ void prepareWriting(SQLite::Database &database, const fs::path &file) {
     if (sqlite3_db_readonly(database.getHandle(), "main") != 0)
         refuse(file, "the file can't be written");
     if (database.tryExec("PRAGMA journal_mode=WAL") != SQLite::OK)
-        refuse(file, fmt::format("it or its folder can't be written: {}", database.getErrorMsg()));
+        refuse(file, fmt::format("on the disk \"{}\": it or its folder can't be written: {}",
+                                 textOf(diskOf(file)), database.getErrorMsg()));
     database.exec("PRAGMA synchronous=NORMAL; PRAGMA cache_size=-65536; PRAGMA foreign_keys=ON");
 }
 

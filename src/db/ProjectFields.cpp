@@ -94,7 +94,7 @@ bool ProjectFields::PutDBField(std::string_view value, std::string_view keyValue
                                              columnName(table, field), columnName(table, key)));
         bindTo(columnOf(table, field), update, value);
         update.bind(2, std::string(keyValue));
-        if (onProject([&] { return update.exec(); }) > 0)
+        if (onProject(m_database, [&] { return update.exec(); }) > 0)
             return true;
         if (!equalsNoCase(table, "DefaultSettings"))
             throw DialectError(fmt::format("table {} has no row {}", table, keyValue));
@@ -102,7 +102,7 @@ bool ProjectFields::PutDBField(std::string_view value, std::string_view keyValue
                                              "DefaultValue) VALUES (?, ?)");
         insert.bind(1, std::string(keyValue));
         insert.bind(2, std::string(value));
-        return onProject([&] { return insert.exec(); }) == 1;
+        return onProject(m_database, [&] { return insert.exec(); }) == 1;
     });
 }
 

@@ -64,7 +64,7 @@ void StoredQueries::createAll(const Clock &clock, const KeywordLists &keywords) 
 }
 
 std::vector<StoredQuery> StoredQueries::list() const {
-    return onProject([this] {
+    return onProject(m_database, [this] {
         std::vector<StoredQuery> queries;
         SQLite::Statement rows(m_database, std::string(kRows) + "ORDER BY Q.Ordinal");
         while (rows.executeStep())
@@ -74,7 +74,7 @@ std::vector<StoredQuery> StoredQueries::list() const {
 }
 
 std::optional<std::string> StoredQueries::text(std::string_view name) const {
-    return onProject([&] {
+    return onProject(m_database, [&] {
         SQLite::Statement row(m_database, std::string(kRows) + "WHERE Q.Name = ?");
         row.bind(1, std::string(name));
         return row.executeStep() ? std::optional(queryIn(row).sql) : std::nullopt;
@@ -83,7 +83,7 @@ std::optional<std::string> StoredQueries::text(std::string_view name) const {
 
 void StoredQueries::save(const StoredQuery &query) {
     const std::string translated = translate(query.sql);
-    onProject([&] {
+    onProject(m_database, [&] {
         Savepoint savepoint(m_database);
         replaceView(query.name, translated);
         SQLite::Statement row(m_database,
@@ -105,7 +105,7 @@ void StoredQueries::replaceView(const std::string &name, const std::string &sele
 }
 
 void StoredQueries::remove(std::string_view name) {
-    onProject([&] {
+    onProject(m_database, [&] {
         Savepoint savepoint(m_database);
         SQLite::Statement row(m_database, "DELETE FROM StoredQueries WHERE Name = ?");
         row.bind(1, std::string(name));

@@ -74,12 +74,11 @@ std::string_view behindSign(std::string_view text) {
     return text.starts_with('=') ? trim(text.substr(1)) : std::string_view();
 }
 
-/// The value behind "charset =" in a tag or a header line.
-std::string_view charsetIn(std::string_view text) {
-    constexpr std::string_view kWord = "charset";
-    for (std::size_t at = 0; (at = findNoCase(text, kWord, at)) != std::string_view::npos;
-         at += kWord.size()) {
-        std::string_view value = behindSign(text.substr(at + kWord.size()));
+/// The value behind "charset =" in a tag or a header line, or behind another word.
+std::string_view charsetIn(std::string_view text, std::string_view word = "charset") {
+    for (std::size_t at = 0; (at = findNoCase(text, word, at)) != std::string_view::npos;
+         at += word.size()) {
+        std::string_view value = behindSign(text.substr(at + word.size()));
         if (value.starts_with('"') || value.starts_with('\''))
             value.remove_prefix(1);
         value = trim(value.substr(0, value.find_first_of("\"';>/, \t\r\n", 0)));
@@ -87,6 +86,16 @@ std::string_view charsetIn(std::string_view text) {
             return value;
     }
     return {};
+}
+
+/// Of the declaration that pages in XHTML begin with.
+std::string_view charsetOfXml(std::string_view page) {
+    constexpr std::string_view kBegin = "<?xml";
+    page = trim(page.substr(0, kMetaBytes));
+    const std::size_t end = page.find("?>");
+    return startsWithNoCase(page, kBegin) && end != std::string_view::npos
+               ? charsetIn(page.substr(0, end), "encoding")
+               : std::string_view();
 }
 
 /// The name in `@charset "name";`, of which no byte may differ.
@@ -136,9 +145,10 @@ DecodedPage decodedPage(ByteView bytes, std::string_view httpHeader) {
         if (text.starts_with(mark))
             return {convert(text.substr(mark.size()), converterOf(charset).get()),
                     std::string(charset), "byte-order mark"};
-    const std::array<std::pair<std::string_view, std::string_view>, 2> named = {{
+    const std::array<std::pair<std::string_view, std::string_view>, 3> named = {{
         {charsetOfMeta(text.substr(0, kMetaBytes)), "meta tag"},
         {charsetOfHeader(httpHeader), "HTTP header"},
+        {charsetOfXml(text), "XML declaration"},
     }};
     for (const auto &[charset, foundIn] : named)
         if (const Converter converter = pageConverter(charset))

@@ -8,8 +8,8 @@
 namespace nv {
 
 /// The text of a page in UTF-8, by the encoding that the page names: a byte-order mark, else its
-/// "meta" tag, else the HTTP header, else Windows-1252. Names that nobody knows are passed over.
-/// Bytes that the encoding doesn't know become U+FFFD.
+/// "meta" tag, else the HTTP header, else its XML declaration, else Windows-1252. Names that nobody
+/// knows are passed over. Bytes that the encoding doesn't know become U+FFFD.
 std::string decodePage(ByteView bytes, std::string_view httpHeader);
 
 /// The same with the name of the encoding and what named it, for people to see.

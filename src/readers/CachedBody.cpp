@@ -1,6 +1,7 @@
 #include "readers/CachedBody.h"
 
 #include "base/Files.h"
+#include "base/Paths.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/ContentProbe.h"
@@ -49,10 +50,15 @@ std::optional<fs::path> evidenceFileOf(const URLClass &record, const Evidence &e
     if (record.CacheFileRelativePath.empty())
         return std::nullopt;
     const fs::path direct = record.RootPath + record.CacheFileRelativePath;
-    if (!leadsUp(record.CacheFileRelativePath) && isPlainFile(direct))
+    const bool goesUp = leadsUp(record.CacheFileRelativePath);
+    if (!goesUp && isPlainFile(direct))
         return direct;
     // Names that aren't UTF-8 on the disk are found through the folder's listing.
-    return evidence.find(record.RootPath, record.CacheFileRelativePath);
+    if (const auto found = evidence.find(record.RootPath, record.CacheFileRelativePath))
+        return found;
+    // Earlier builds decoded a path as a whole: one such name changed the text of its folders.
+    const auto decoded = goesUp ? std::nullopt : pathFromText(direct.native());
+    return decoded && isPlainFile(*decoded) ? decoded : std::nullopt;
 }
 
 Bytes headOf(const Body &body) {

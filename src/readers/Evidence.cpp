@@ -81,7 +81,6 @@ std::string Evidence::rootOf(const fs::path &path) const {
 }
 
 std::string Evidence::relativeOf(const fs::path &path) const {
-    // Split before it becomes text: one name that is no UTF-8 changes the text of the others.
     const std::string &whole = path.native();
     const bool below = whole.starts_with(m_base.native());
     return textOf(whole.substr(below ? m_base.native().size() : 1));

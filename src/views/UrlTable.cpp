@@ -112,6 +112,7 @@ LoadResult UrlTable::attempt(const std::function<Walk()> &work) {
 void UrlTable::take(FoundRows &&found) {
     m_ids = std::move(found.ids);
     m_hidden = found.hidden;
+    m_holding.reset();
 }
 
 EmptyState UrlTable::whyEmpty(LoadResult result) {

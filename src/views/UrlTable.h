@@ -89,8 +89,8 @@ class UrlTable {
     /// those that are shown.
     void checkColumns();
 
-    /// The next cell with the text, from the place `from` on and round. Throws what the database
-    /// says.
+    /// The next cell with the text, from the place `from` on and round; cancelled while a load or a
+    /// sort runs. Throws what the database says.
     FindResult find(const FindText &what, std::size_t from, TaskMonitor &task);
 
     /// The columns that will be asked for; others work too, but cost a second reading of the rows.

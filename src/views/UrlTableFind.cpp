@@ -14,6 +14,8 @@ constexpr std::size_t kNearRows = 1000;
 } // namespace
 
 FindResult UrlTable::find(const FindText &what, std::size_t from, TaskMonitor &task) {
+    if (m_busy)
+        return {.end = FindEnd::cancelled, .unread = {}};
     const Busy busy(m_busy);
     if (what != m_sought)
         m_holding.reset();

@@ -56,5 +56,54 @@ TEST_F(FullDiskCli, ofTheProjectLeavesTheSummary) {
     EXPECT_THAT(rows(), HasSubstr(fmt::format("\n{}\n", kept[1].str())));
 }
 
+TEST_F(FullDiskCli, ofTheProjectIsNamedAtWhateverStepOfAnImport) {
+    constexpr std::size_t kStep = std::size_t{16} << 10; // two pages of the project
+    for (int i = 0; i < 40; ++i)
+        folder.write(fmt::format("evidence/{}.html", i),
+                     fmt::format("<html><a href=\"http://host/{}\">{}</a></html>", i,
+                                 std::string(1000, 'x')));
+    const std::string first = folder.write("first.html", "<html></html>").string();
+    ASSERT_EQ(cli({"import", project, first}).exit, 0);
+    const std::string made = text(project);
+    int ended = 0;
+    CliResult run;
+    for (std::size_t limit = 6 * kStep; limit < 50 * kStep; limit += kStep) {
+        writeWhole(project, made);
+        {
+            const test::SmallFiles full(limit);
+            run = cli({"import", project, evidence.string()});
+        }
+        if (run.exit == 0)
+            continue;
+        ++ended;
+        EXPECT_THAT(run.out, HasSubstr("The import ended: \"" + project + "\" on the disk \""))
+            << limit;
+    }
+    EXPECT_EQ(run.exit, 0) << "there was room in the end";
+    EXPECT_GT(ended, 0);
+}
+
+TEST_F(FullDiskCli, ofTheProjectCostsTheNoteOfWhatOnlyLooks) {
+    test::IndexDat cache;
+    cache.folder("ABCDEFGH");
+    cache.add({.url = "http://host/a.htm"});
+    import(cache);
+    const std::string before = text(project);
+    for (const std::vector<std::string> &words :
+         {std::vector<std::string>{"verify", project},
+          {"export", project, (folder.path() / "rows.csv").string()}}) {
+        CliResult run;
+        {
+            const test::SmallFiles full(std::size_t{7} << 10); // less than a page
+            run = cli(words);
+        }
+        EXPECT_EQ(run.exit, 0) << run.err;
+        EXPECT_THAT(run.err, HasSubstr("\"" + project + "\": on the disk \""));
+        EXPECT_THAT(run.err, HasSubstr("its trail has no note of this"));
+        EXPECT_EQ(text(project), before);
+    }
+    EXPECT_THAT(text(folder.path() / "rows.csv"), HasSubstr("http://host/a.htm"));
+}
+
 } // namespace
 } // namespace nv

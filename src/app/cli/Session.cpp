@@ -5,6 +5,7 @@
 #include "app/cli/RowWriter.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 
 #include <fmt/format.h>
 
@@ -49,10 +50,18 @@ bool Session::openForNote(const std::filesystem::path &project) {
     const auto folder = std::filesystem::absolute(project).parent_path();
     const bool writable =
         ::access(project.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
-    open(project, writable ? Access::write : Access::read, Holding::no);
-    if (!writable)
-        err << "the project can't be written: its trail has no note of this\n";
-    return writable;
+    std::optional<std::string> why;
+    if (writable) { // a full disk shows only when something is written
+        why = failureOf(program.log, "DatabaseClass.OpenDB()",
+                        [&] { open(project, Access::write, Holding::no); });
+        if (!why)
+            return true;
+    }
+    open(project, Access::read, Holding::no);
+    if (why)
+        err << printable(*why) << '\n';
+    err << "the project can't be written: its trail has no note of this\n";
+    return false;
 }
 
 void Session::flushOutput() {

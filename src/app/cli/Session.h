@@ -55,7 +55,7 @@ class Session {
     /// The same for commands that only look: no byte of the project changes.
     void openForReading(const std::filesystem::path &project) { open(project, Access::read); }
     /// For commands whose only trace in the project is a note in its trail: on a medium that can't
-    /// be written they work all the same, and tell that there is no note. False then.
+    /// be written, or is full, they work all the same, and tell that there is no note. False then.
     bool openForNote(const std::filesystem::path &project);
     /// Throws StorageFailure when not everything that was printed has arrived.
     void flushOutput();

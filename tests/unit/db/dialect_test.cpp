@@ -33,6 +33,20 @@ TEST(Dialect, comparesTextsBeyondAsciiAsLikeDoes) {
         EXPECT_EQ(translate(other), other);
 }
 
+TEST(Dialect, leavesATextOnTheLeftOfMoreThanAColumn) {
+    EXPECT_EQ(translate("SELECT '\u00E4' = [a b] AS x, '\u00E4' <> b FROM t"),
+              "SELECT    \"a b\" LIKE '\u00E4' AS x,    b NOT LIKE '\u00E4' FROM t");
+    EXPECT_EQ(translate("'\u00E4' = main.t.a OR b"), "   main.t.a LIKE '\u00E4' OR b");
+    for (const char *other :
+         {"SELECT '\u00E4' = a x FROM t", "'\u00E4' = CASE WHEN a THEN b END",
+          "'\u00E4' = a ISNULL", "'\u00E4' = a NOTNULL", "'\u00E4' = a || b", "'\u00E4' = (a) || b",
+          "'\u00E4' = f(a)", "'\u00E4' = a + 1", "'\u00E4' = a COLLATE BINARY",
+          "'\u00E4' = a IS NULL", "'\u00E4' = NOT a", "'\u00E4' = -a", "'\u00E4' = a.",
+          "'\u00E4' = (a", "'\u00E4' =", "b LIKE '\u00E4' = a", "b IS NOT '\u00E4' = a",
+          "b BETWEEN '\u00E4' = a AND c"})
+        EXPECT_EQ(translate(other), other);
+}
+
 TEST(Dialect, refusesADateThatIsComparedWithAText) {
     for (const char *wrong :
          {"ActionDateUTC = '2011-03-01'", "ActionDateUTC > '1/1/2011'", "[actiondateutc] <> ''",
@@ -54,10 +68,24 @@ TEST(Dialect, refusesADateThatIsComparedWithAText) {
           "ActionDateUTC = OtherDate", "RebuiltDateTime = '2011'", "URL = 'ActionDateUTC'",
           "ActionDateUTC IN (SELECT OtherDate FROM URLs WHERE URL = 'x')",
           "SELECT ActionDateUTC AS 'when' FROM URLs WHERE URL = 'x'",
-          "ActionDateUTC > julianday('now') - 2415018.5",
+          "ActionDateUTC > julianday('now') - 2415018.5", "IIf(Tagged, 'x', ActionDateUTC) = 'x'",
+          "Nz(URL, (URLs.ActionDateUTC)) = 'x'",
+          "'2011' BETWEEN URL AND Host AND ActionDateUTC > 1", "ActionDateUTC) = '2011'",
           "strftime('%Y', ActionDateUTC + 2415018.5) = '2011'",
           "ActionDateUTC BETWEEN #2011-01-01# AND #2012-01-01# AND URL = 'x'"})
         EXPECT_NO_THROW(translate(right)) << right;
+}
+
+TEST(Dialect, refusesTheTimeOfTheQueryAndOtherFormsOfTexts) {
+    for (const char *wrong :
+         {"ActionDateUTC > CURRENT_TIMESTAMP", "CURRENT_DATE = ActionDateUTC",
+          "ActionDateUTC IS current_date", "ActionDateUTC IS NOT date('now')",
+          "ActionDateUTC NOT BETWEEN CURRENT_DATE AND CURRENT_TIMESTAMP",
+          "ActionDateUTC GLOB '2011*'", "URLs.ActionDateUTC NOT GLOB ('2011*')",
+          "'2011' BETWEEN ActionDateUTC AND 1", "'2011' NOT BETWEEN 1 AND URLs.OtherDate",
+          "date('now') BETWEEN (ActionDateUTC) AND 1", "max(ActionDateUTC) = '2011'",
+          "(date(URLs.ActionDateUTC)) = '2011'", "strftime('%Y', ActionDateUTC) = '2011'"})
+        EXPECT_THROW(translate(wrong), DialectError) << wrong;
 }
 
 TEST(Dialect, matchesDatesAsTextsWithLike) {

@@ -6,6 +6,7 @@
 #include "db/ReadOnlyConnection.h"
 #include "db/Schema.h"
 #include "db/StoredQueries.h"
+#include "support/SmallFiles.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 
@@ -277,6 +278,32 @@ TEST_F(ProjectTest, aReadOnlyConnectionReadsAndDoesNothingElse) {
     EXPECT_THROW(openReadOnly(folder.path() / "none.nvp"), StorageFailure);
     EXPECT_THROW(openReadOnly(folder.write("x.nvp", std::string(5000, 'x'))), StorageFailure);
     EXPECT_THROW(openReadOnly(folder.write("empty.nvp", "")), StorageFailure);
+}
+
+/// What is said when `body` meets a full disk.
+template <class Body>
+std::string saidOnFullDisk(Body &&body) {
+    const test::SmallFiles full(4096); // less than a page of the project
+    try {
+        std::forward<Body>(body)();
+    } catch (const StorageFailure &failure) {
+        return failure.what();
+    }
+    return {};
+}
+
+TEST_F(ProjectTest, aFullDiskIsNamedWithTheFile) {
+    create();
+    const std::string name = "\"" + project.FilePath.string() + "\"";
+    StoredQueries queries(project.connection());
+    EXPECT_EQ(saidOnFullDisk([&] { queries.ResetDEFAULTQuery(); }).find(name + " on the disk \""),
+              0u);
+    EXPECT_EQ(
+        saidOnFullDisk([&] { queries.remove(kDefaultQueryName); }).find(name + " on the disk \""),
+        0u);
+    project.CloseDB();
+    EXPECT_EQ(saidOnFullDisk([&] { project.open(); }).find(name + ": on the disk \""), 0u);
+    EXPECT_EQ(saidOnFullDisk([&] { project.open(Access::read); }), "");
 }
 
 } // namespace

@@ -113,6 +113,20 @@ TEST(PageText, followsTheMetaTagBeforeTheHeader) {
     EXPECT_EQ(decoded("\x80", "HTTP/1.1 200 OK\r\n"), "\xE2\x82\xAC");
 }
 
+TEST(PageText, followsTheXmlDeclarationLast) {
+    const std::string utf8 = R"(<?xml version="1.0" encoding="UTF-8"?>)";
+    EXPECT_EQ(decoded(utf8 + "\xC3\xA9"), utf8 + "\xC3\xA9");
+    EXPECT_EQ(decodedPage(viewOf(utf8), {}).foundIn, "XML declaration");
+    const std::string russian = "\n<?xml version='1.0' encoding = 'windows-1251' ?>";
+    EXPECT_EQ(decoded(russian + "\xCF"), russian + "\xD0\x9F");
+    EXPECT_EQ(decoded(utf8 + "\xCF", "Content-Type: a; charset=windows-1251"), utf8 + "\xD0\x9F");
+    EXPECT_EQ(decodedPage(viewOf(utf8 + "<meta charset=big5>"), {}).foundIn, "meta tag");
+    for (const std::string_view none :
+         {"<?xml version='1.0'?><a encoding='utf-8'>", "<?xml encoding='utf-8'", "<?xml?>",
+          "<html><?xml encoding='utf-8'?>", "<?xml encoding='nobody-knows'?>"})
+        EXPECT_EQ(decodedPage(viewOf(none), {}).foundIn, kNoCharset) << none;
+}
+
 TEST(PageText, findsTheCharsetHoweverItIsWritten) {
     for (const std::string_view meta :
          {"<meta charset=big5>", "<meta charset = \"big5\" />", "<META CHARSET='big5'>",

@@ -128,5 +128,18 @@ TEST_F(BodyTest, ofARecordIsFetchedIntoMemory) {
     EXPECT_TRUE(isScratchEmpty());
 }
 
+TEST_F(BodyTest, isFoundByAPathThatWasDecodedAsAWhole) {
+    const fs::path page = folder.write("s\xC3\xBC\xC3\x9F/w\xF6.html", "<html>");
+    folder.write("outside.html", "x");
+    const Evidence evidence(folder.path());
+    URLClass record;
+    record.RootPath = folder.path().native() + "/";
+    record.CacheFileRelativePath = fromAnsi(std::string_view("s\xC3\xBC\xC3\x9F/w\xF6.html"));
+    const Extraction ctx{evidence, scratch.path(), log};
+    EXPECT_EQ(contentOf(record, ctx), page);
+    record.CacheFileRelativePath = fromAnsi(std::string_view("s\xC3\xBC\xC3\x9F/../outside.html"));
+    EXPECT_EQ(contentOf(record, ctx), std::nullopt) << "no record leads up";
+}
+
 } // namespace
 } // namespace nv

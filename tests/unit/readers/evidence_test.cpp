@@ -84,5 +84,13 @@ TEST(Evidence, partsPathsWhoseNamesAreNoUtf8) {
     EXPECT_EQ(inner.find(inner.rootOf(file), "a.txt"), file) << "the root is a text too";
 }
 
+TEST(Evidence, keepsTheTextOfAFolderBesideANameThatIsNoUtf8) {
+    const test::TempFolder folder;
+    const auto file = folder.write("s\xC3\xBC\xC3\x9F/w\xF6.html", "x");
+    const Evidence evidence(folder.path());
+    EXPECT_EQ(evidence.relativeOf(file), "s\u00FC\u00DF/w\u00F6.html");
+    EXPECT_EQ(evidence.find(folder.path(), evidence.relativeOf(file)), file);
+}
+
 } // namespace
 } // namespace nv

@@ -32,6 +32,9 @@ TEST_F(CachedTextTest, theCharsetIsSaidWithWhatNamedIt) {
     const CachedText header = text("caf\xC3\xA9", "Content-Type: text/html; charset=UTF-8");
     EXPECT_EQ(header.text, "café");
     EXPECT_EQ(header.foundIn, "HTTP header");
+    const CachedText xml = text("<?xml version='1.0' encoding='UTF-8'?>caf\xC3\xA9");
+    EXPECT_EQ(xml.charset, "utf-8");
+    EXPECT_EQ(xml.foundIn, "XML declaration");
     const CachedText none = text("caf\xE9");
     EXPECT_EQ(none.text, "café");
     EXPECT_EQ(none.charset, "windows-1252");

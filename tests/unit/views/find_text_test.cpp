@@ -2,6 +2,8 @@
 #include "db/StoredQueries.h"
 #include "views/UrlTable.h"
 
+#include <gmock/gmock.h>
+
 #include <fstream>
 
 namespace nv {
@@ -111,6 +113,33 @@ TEST_F(FindTextTest, canBeCancelled) {
     test::CancelAfter cancel(10);
     EXPECT_EQ(table.find({"needle", shownColumns()}, 0, cancel).end, FindEnd::cancelled);
     EXPECT_EQ(found("needle"), "not there") << "what was not looked at isn't known";
+}
+
+/// Looks for a text while the table is at work, as a window does that stays alive meanwhile.
+struct LookingTask final : TaskMonitor {
+    LookingTask(UrlTable &theTable, FindText theText) : table(theTable), text(std::move(theText)) {}
+    void describe(const TaskHeading &) override {}
+    bool advance(double) override {
+        ends.push_back(table.find(text, 0, none).end);
+        return true;
+    }
+    bool wantsStep() const override { return false; }
+    void show(const TaskStep &) override {}
+
+    UrlTable &table;
+    FindText text;
+    Unwatched none;
+    std::vector<FindEnd> ends;
+};
+
+TEST_F(FindTextTest, whileALoadRunsNothingIsKnownOfItsRows) {
+    for (int i = 0; i < 50; ++i)
+        page("http://needle.example/");
+    LookingTask looking(table, {"needle", shownColumns()});
+    EXPECT_EQ(table.LoadURLs(looking), LoadResult::Loaded);
+    ASSERT_FALSE(looking.ends.empty());
+    EXPECT_THAT(looking.ends, testing::Each(FindEnd::cancelled));
+    EXPECT_EQ(found("needle"), "0 URL");
 }
 
 TEST_F(FindTextTest, inAnEmptyListThereIsNothing) {
