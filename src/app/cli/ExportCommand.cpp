@@ -3,6 +3,7 @@
 #include "app/cli/ExportCommands.h"
 #include "app/cli/FilterCommands.h"
 #include "app/cli/LoadedTable.h"
+#include "app/cli/OutputPath.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "reports/ExportRows.h"
@@ -66,8 +67,7 @@ bool toStandardOutput(const ExportArguments &arguments) {
 void checkTarget(const ExportArguments &arguments, const ThisClass &state) {
     if (toStandardOutput(arguments))
         return;
-    if (const auto refusal = refusalOf(arguments.file, {state.ProjectDBPath, state.RootPath}))
-        throw UsageError(*refusal);
+    refuseUntouchable(arguments.file, state);
     if (fs::exists(fs::path(arguments.file)) && !arguments.overwrite)
         throw UsageError(
             fmt::format("\"{}\" is there already; --overwrite replaces it", arguments.file));

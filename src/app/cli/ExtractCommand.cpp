@@ -27,13 +27,11 @@ RecordStore storeOf(Program &program) {
 }
 
 /// Throws UsageError when writing to `file` would cost something.
-void checkTarget(const fs::path &file, const fs::path &base, IfThere ifThere) {
-    if (fs::exists(file) && !fs::is_regular_file(file))
-        throw UsageError(fmt::format("\"{}\" is no plain file", textOf(file)));
+void checkTarget(const fs::path &file, const ThisClass &state, IfThere ifThere) {
+    refuseUntouchable(file, state);
     if (fs::exists(file) && ifThere == IfThere::refuse)
         throw UsageError(
             fmt::format("\"{}\" is there already; --overwrite replaces it", textOf(file)));
-    refuseEvidence(file, base);
 }
 
 void writeContent(Session &session, const fs::path &content, const std::string &file) {
@@ -52,7 +50,7 @@ Exit extractCommand(Session &session, const std::string &project, std::int64_t u
     session.openForReading(project);
     Program &program = session.program;
     if (file != kStandardOutput)
-        checkTarget(file, program.thisClass.RootPath, ifThere);
+        checkTarget(file, program.thisClass, ifThere);
     checkRow(program.thisClass.ProjectDB.connection(), urlId);
     auto stored = storeOf(program).GetURL(UrlId{urlId});
     if (!stored)

@@ -79,16 +79,16 @@ bool isPicture(const fs::path &file) {
     return toLower(textOf(file.extension())) == ".png";
 }
 
-void checkTarget(const GalleryArguments &arguments, const fs::path &base) {
+void checkTarget(const GalleryArguments &arguments, const ThisClass &state) {
     const fs::path file = arguments.out;
     const std::string extension = toLower(textOf(file.extension()));
     if (extension != ".html" && extension != ".htm" && !isPicture(file))
         throw UsageError(
             fmt::format("--out {}: a file *.html or *.png was expected", arguments.out));
-    if (fs::exists(file) && (!arguments.overwrite || !fs::is_regular_file(file)))
+    refuseUntouchable(file, state);
+    if (fs::exists(file) && !arguments.overwrite)
         throw UsageError(
             fmt::format("\"{}\" is there already; --overwrite replaces a file", textOf(file)));
-    refuseEvidence(file, base);
 }
 
 Gallery galleryOf(Session &session, const GalleryArguments &arguments) {
@@ -165,7 +165,7 @@ void checkPage(const Gallery &gallery, int page) {
 Exit galleryCommand(Session &session, const GalleryArguments &arguments) {
     session.openForReading(arguments.project);
     Program &program = session.program;
-    checkTarget(arguments, program.thisClass.RootPath);
+    checkTarget(arguments, program.thisClass);
     Gallery gallery = galleryOf(session, arguments);
     const LoadResult loaded = gallery.load(session.task);
     session.task.clear();

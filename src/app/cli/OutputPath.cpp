@@ -3,8 +3,14 @@
 #include "app/Messages.h"
 #include "app/cli/Session.h"
 #include "readers/Evidence.h"
+#include "reports/ExportFile.h"
 
 namespace nv::cli {
+
+void refuseUntouchable(const std::filesystem::path &file, const ThisClass &state) {
+    if (const auto refusal = refusalOf(file, {state.ProjectDBPath, state.RootPath}))
+        throw UsageError(*refusal);
+}
 
 void refuseEvidence(const std::filesystem::path &path, const std::filesystem::path &base) {
     if (liesInEvidence(path, base))

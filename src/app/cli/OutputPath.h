@@ -2,7 +2,15 @@
 
 #include <filesystem>
 
+namespace nv {
+struct ThisClass;
+}
+
 namespace nv::cli {
+
+/// Throws UsageError when `file`, where a single file is about to be written, is the project or
+/// bears the name of one, lies in its evidence or is no plain file.
+void refuseUntouchable(const std::filesystem::path &file, const ThisClass &state);
 
 /// Throws UsageError when `path`, where something is about to be written, lies in the evidence
 /// below `base`. An empty base and "/" are no evidence folder.
