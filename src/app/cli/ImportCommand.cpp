@@ -1,4 +1,5 @@
 #include "app/DrawingTools.h"
+#include "app/EvidenceFolders.h"
 #include "app/ImportClaim.h"
 #include "app/ImportJob.h"
 #include "app/ImportText.h"
@@ -151,6 +152,8 @@ void chooseBase(Session &session, const ImportArguments &arguments) {
         setRootPath(session.program, fs::canonical(arguments.base));
     else if (session.program.thisClass.RootPath.empty() && !arguments.paths.empty())
         setRootPath(session.program, commonFolder(arguments.paths));
+    for (const std::string &path : arguments.paths)
+        keepEvidenceFolder(session.program, path);
 }
 
 bool isWanted(const HistoryFile &file, const std::set<std::string_view> &kinds) {

@@ -92,7 +92,7 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
     checkArguments(arguments);
     session.open(arguments.project);
     Program &program = session.program;
-    refuseEvidence(arguments.out, program.thisClass.RootPath);
+    refuseEvidence(arguments.out, program.thisClass);
     program.thisClass.DisableScriptTags = arguments.noScripts;
     program.thisClass.WideRecordIds |= arguments.wideIds;
     program.thisClass.RedrawThumbIfPageRebuilt &= !arguments.noThumbnails;

@@ -55,10 +55,10 @@ fs::path templateOf(const Program &program, const TemplateArguments &arguments) 
                                  arguments.file, textOf(folder)));
 }
 
-void checkOut(const Program &program, const TemplateArguments &arguments) {
+void checkOut(Program &program, const TemplateArguments &arguments) {
     if (arguments.out.empty())
         return;
-    refuseEvidence(arguments.out, program.thisClass.RootPath);
+    refuseEvidence(arguments.out, program.thisClass);
     if (!arguments.overwrite)
         refuseExisting(arguments.ids, arguments.out);
 }
@@ -71,7 +71,7 @@ Exit templateCreateCommand(Session &session, const TemplateArguments &arguments)
     checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
     program.thisClass.WideRecordIds |= arguments.wideIds;
     const fs::path folder = folderOf(program, arguments);
-    refuseEvidence(folder, program.thisClass.RootPath);
+    refuseEvidence(folder, program.thisClass);
     Exit exit = Exit::ok;
     {
         RebuildTools tools(program, session.task, session.scratch());
