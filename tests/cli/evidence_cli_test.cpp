@@ -120,6 +120,29 @@ TEST_F(EvidenceCliTest, noFolderOfAnyImportIsWrittenTo) {
     EXPECT_EQ(cliIn(folder.path(), {"export", project, "rows.csv"}).exit, 0);
 }
 
+TEST_F(EvidenceCliTest, noProjectIsMadeInItsOwnBaseFolder) {
+    addHistory("inner/index.dat");
+    addHistory("other/index.dat");
+    const auto before = contentsOf(evidence);
+    for (const auto &[place, call] : std::vector<std::pair<fs::path, std::vector<std::string>>>{
+             {"inner", {"import", "me.nvp", "index.dat"}},
+             {"inner", {"import", "../me.nvp", "index.dat", "../other"}},
+             {"other", {"import", "me.nvp", "../inner", "--base", ".."}}}) {
+        const CliResult run = cliIn(evidence / place, call);
+        EXPECT_EQ(run.exit, 1) << run.err;
+        EXPECT_THAT(run.err, HasSubstr("lies in the evidence folder"));
+        EXPECT_EQ(contentsOf(evidence), before);
+    }
+}
+
+TEST_F(EvidenceCliTest, aProjectMayGetAFileThatLiesBesideIt) {
+    addHistory("index.dat");
+    EXPECT_EQ(cli({"import", project, evidence.string()}).exit, 0);
+    folder.write("index.dat", historyOf("http://beside/").bytes());
+    EXPECT_EQ(cliIn(folder.path(), {"import", "case.nvp", "index.dat"}).exit, 0);
+    EXPECT_EQ(cliIn(folder.path(), {"export", "case.nvp", "rows.csv"}).exit, 0);
+}
+
 TEST_F(EvidenceCliTest, aLinkToWhatIsNotThereYetLeadsNoOutputIntoTheEvidence) {
     importCache();
     fs::create_symlink(evidence / "new.htm", folder.path() / "link.htm");
