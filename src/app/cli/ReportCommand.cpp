@@ -2,6 +2,7 @@
 #include "app/ReportJob.h"
 #include "app/Trail.h"
 #include "app/cli/FilterCommands.h"
+#include "app/cli/HandOver.h"
 #include "app/cli/LoadedTable.h"
 #include "app/cli/OutputPath.h"
 #include "app/cli/ReportCommands.h"
@@ -26,8 +27,7 @@ constexpr double kMaking = 0.9; ///< of the whole work
 void checkTarget(const ReportArguments &arguments, ThisClass &state) {
     const fs::path out = arguments.out;
     refuseEvidence(out, state);
-    if (fs::exists(out) && !fs::is_directory(out))
-        throw UsageError(fmt::format("--out {}: a folder was expected", arguments.out));
+    refusePlainFile(out);
     if (fs::exists(out) && !fs::is_empty(out) && !arguments.overwrite)
         throw UsageError(fmt::format("the folder \"{}\" is not empty; --overwrite replaces the "
                                      "report in it",
