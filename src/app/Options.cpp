@@ -1,5 +1,6 @@
 #include "app/Options.h"
 
+#include "app/EvidenceFolders.h"
 #include "app/IniSections.h"
 #include "app/Messages.h"
 #include "app/NetworkMessages.h"
@@ -161,7 +162,10 @@ std::optional<Refusal> Application::refusalOfPaths() const {
         return Refusal{OptionsField::base, messages::invalidBaseFolder()};
     if (auto refusal = refusalBeside(base))
         return refusal;
-    return isNew ? refusalBeside(m_state.RootPath) : std::nullopt;
+    for (const fs::path &folder : evidenceFolders(m_state))
+        if (auto refusal = refusalBeside(folder))
+            return refusal;
+    return std::nullopt;
 }
 
 /// Nothing is written beside evidence. What was there before the examiner chose anything new stays:
@@ -177,9 +181,10 @@ std::optional<Refusal> Application::refusalBeside(const fs::path &base) const {
         {OptionsField::temp, m_options.TempFolderPath, m_state.TempFolderRoot},
         {OptionsField::templates, m_options.TemplatesPath, m_state.TemplatesPath},
         {OptionsField::publish, m_options.PublishTempFolder, m_state.PublishTempFolder}};
+    const bool isChosen = base == m_options.RootPath && base != m_state.RootPath;
     for (const Place &place : places) {
         const bool ofOpenProject = place.field == OptionsField::project && !m_occasion.newProject;
-        const bool asItWas = place.path == place.before && base == m_state.RootPath;
+        const bool asItWas = place.path == place.before && !isChosen;
         if (place.path.empty() || base.empty() || ofOpenProject || asItWas)
             continue;
         if (liesInEvidence(place.path, base))

@@ -1,5 +1,6 @@
 #include "app/ProjectCommands.h"
 
+#include "app/EvidenceFolders.h"
 #include "app/ImportJob.h"
 #include "app/ImportText.h"
 #include "app/Messages.h"
@@ -10,7 +11,6 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/StoredQueries.h"
-#include "readers/Evidence.h"
 #include "reports/ExportFile.h"
 
 #include <fmt/format.h>
@@ -184,9 +184,8 @@ bool ProjectCommands::SaveAs() {
     const auto target = m_dialogs.chooseSaveAs();
     if (!target || isSameFile(*target, project.FilePath))
         return false;
-    if (liesInEvidence(*target, m_program.thisClass.RootPath)) {
-        m_program.around.examiner.tell(
-            messages::liesInEvidence(*target, m_program.thisClass.RootPath));
+    if (const auto folder = evidenceAround(*target, m_program.thisClass)) {
+        m_program.around.examiner.tell(messages::liesInEvidence(*target, *folder));
         return false;
     }
     if (const auto holder = holderOf(*target, Front::window)) {

@@ -107,8 +107,14 @@ bool liesInEvidence(const fs::path &path, const fs::path &base) {
     const fs::path folder = base.empty() ? base : wholePath(base);
     if (folder.empty() || folder == "/")
         return false;
+    // Projects hold texts of paths, and of two folders that show as the same text none is written
+    // to: which of them is meant can't be told.
     const fs::path whole = wholePath(path);
-    return whole == folder || Evidence(folder).rootOf(whole) != "/";
+    return std::mismatch(folder.begin(), folder.end(), whole.begin(), whole.end(),
+                         [](const fs::path &a, const fs::path &b) {
+                             return a == b || textOf(a) == textOf(b);
+                         })
+               .first == folder.end();
 }
 
 } // namespace nv

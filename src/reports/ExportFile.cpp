@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace nv {
@@ -45,7 +46,9 @@ std::optional<std::string> refusalOf(const fs::path &target, const Untouchable &
             return because("belongs to the project: nothing is written over it");
     if (equalsNoCase(whole.extension().native(), ".nvp"))
         return because("has the name of a project: nothing is written over it");
-    if (liesInEvidence(whole, untouchable.RootPath))
+    if (std::ranges::any_of(untouchable.evidence, [&whole](const fs::path &folder) {
+            return liesInEvidence(whole, folder);
+        }))
         return because("lies in the evidence folder: nothing is written there");
     return std::nullopt;
 }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 
@@ -32,7 +33,7 @@ class ExportFile {
 /// What lies in the project and can't be written over.
 struct Untouchable {
     std::filesystem::path project;
-    std::filesystem::path RootPath; ///< of the evidence; empty or "/" for none
+    std::vector<std::filesystem::path> evidence; ///< its folders; empty or "/" is none
 };
 /// Why nothing is written to `target`: it is the project, lies in the evidence or is no plain file.
 std::optional<std::string> refusalOf(const std::filesystem::path &target,

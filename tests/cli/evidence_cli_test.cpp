@@ -96,6 +96,53 @@ TEST_F(EvidenceCliTest, bareNamesInTheEvidenceFolderWriteNothingThere) {
     EXPECT_EQ(cliIn(folder.path(), {"extract", project, "1", "page.htm"}).exit, 0);
 }
 
+TEST_F(EvidenceCliTest, noFolderOfAnyImportIsWrittenTo) {
+    importCache();
+    const fs::path second = folder.write("second/index.dat", historyOf("http://2/").bytes());
+    const fs::path third = folder.write("third/index.dat", historyOf("http://3/").bytes());
+    EXPECT_EQ(cli({"import", project, second.parent_path().string()}).exit, 0);
+    EXPECT_EQ(cli({"import", project, third.string(), "--base", third.parent_path()}).exit, 0);
+    for (const fs::path &place : {evidence, second.parent_path(), third.parent_path()}) {
+        const auto before = contentsOf(place);
+        for (const auto &call : std::vector<std::vector<std::string>>{
+                 {"extract", project, "1", "page.htm"},
+                 {"export", project, "rows.csv"},
+                 {"gallery", project, "--out", "sheet.html"},
+                 {"report", project, "--all", "--type", "tabular", "--out", "report"},
+                 {"rebuild", project, "1", "--out", "pages", "--no-thumbnails"},
+                 {"template", "create", project, "1", "--folder", "templates"}}) {
+            const CliResult run = cliIn(place, call);
+            EXPECT_EQ(run.exit, 1) << place << call.front() << run.err;
+            EXPECT_THAT(run.err, HasSubstr("lies in the evidence folder")) << call.front();
+        }
+        EXPECT_EQ(contentsOf(place), before);
+    }
+    EXPECT_EQ(cliIn(folder.path(), {"export", project, "rows.csv"}).exit, 0);
+}
+
+TEST_F(EvidenceCliTest, noProjectIsMadeInItsOwnBaseFolder) {
+    addHistory("inner/index.dat");
+    addHistory("other/index.dat");
+    const auto before = contentsOf(evidence);
+    for (const auto &[place, call] : std::vector<std::pair<fs::path, std::vector<std::string>>>{
+             {"inner", {"import", "me.nvp", "index.dat"}},
+             {"inner", {"import", "../me.nvp", "index.dat", "../other"}},
+             {"other", {"import", "me.nvp", "../inner", "--base", ".."}}}) {
+        const CliResult run = cliIn(evidence / place, call);
+        EXPECT_EQ(run.exit, 1) << run.err;
+        EXPECT_THAT(run.err, HasSubstr("lies in the evidence folder"));
+        EXPECT_EQ(contentsOf(evidence), before);
+    }
+}
+
+TEST_F(EvidenceCliTest, aProjectMayGetAFileThatLiesBesideIt) {
+    addHistory("index.dat");
+    EXPECT_EQ(cli({"import", project, evidence.string()}).exit, 0);
+    folder.write("index.dat", historyOf("http://beside/").bytes());
+    EXPECT_EQ(cliIn(folder.path(), {"import", "case.nvp", "index.dat"}).exit, 0);
+    EXPECT_EQ(cliIn(folder.path(), {"export", "case.nvp", "rows.csv"}).exit, 0);
+}
+
 TEST_F(EvidenceCliTest, aLinkToWhatIsNotThereYetLeadsNoOutputIntoTheEvidence) {
     importCache();
     fs::create_symlink(evidence / "new.htm", folder.path() / "link.htm");

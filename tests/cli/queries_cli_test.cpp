@@ -14,8 +14,8 @@ class QueriesCliTest : public CliCase {
     QueriesCliTest() {
         IndexDat index;
         index.add({.url = "http://host.example/"});
-        writeWhole(folder.path() / "index.dat", index.bytes());
-        EXPECT_EQ(cli({"import", project, (folder.path() / "index.dat").string()}).exit, 0);
+        const auto file = folder.write("evidence/index.dat", index.bytes());
+        EXPECT_EQ(cli({"import", project, file.string()}).exit, 0);
     }
     CliResult save(const std::string &name, const std::string &sql) {
         return cli({"queries", "save", project, name, sql});

@@ -35,6 +35,25 @@ TEST_F(RebuildCliTest, aPageIsHandedOverWithItsParts) {
     EXPECT_NE(audit.out.find("Missing or Invalid Tag"), std::string::npos) << audit.out;
 }
 
+TEST_F(RebuildCliTest, aPageThatIsNamedTwiceIsRebuiltOnce) {
+    const CliResult run =
+        cli({"rebuild", project, "1", "1", "--out", out.string(), "--no-thumbnails"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_NE(run.out.find("1 of 1 page rebuilt"), std::string::npos) << run.out;
+    EXPECT_TRUE(fs::exists(out / "0000001.NVR" / "0000001.htm"));
+}
+
+TEST_F(RebuildCliTest, aFileInPlaceOfTheFolderIsToldBeforeAnythingIsRebuilt) {
+    writeWhole(out, "mine");
+    for (const char *last : {"--no-thumbnails", "--overwrite"}) {
+        const CliResult run = cli({"rebuild", project, "1", "--out", out.string(), last});
+        EXPECT_EQ(run.exit, 1) << run.err;
+        EXPECT_NE(run.err.find("a folder was expected"), std::string::npos) << run.err;
+        EXPECT_EQ(text(out), "mine");
+    }
+    EXPECT_NE(cli({"audit", project, "1"}).err.find("was not rebuilt"), std::string::npos);
+}
+
 TEST_F(RebuildCliTest, aPageThatIsHandedOverReachesNothing) {
     IndexDat index;
     index.folder("ABCDEFGH");

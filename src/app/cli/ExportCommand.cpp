@@ -64,7 +64,7 @@ bool toStandardOutput(const ExportArguments &arguments) {
     return arguments.file == "-";
 }
 
-void checkTarget(const ExportArguments &arguments, const ThisClass &state) {
+void checkTarget(const ExportArguments &arguments, ThisClass &state) {
     if (toStandardOutput(arguments))
         return;
     refuseUntouchable(arguments.file, state);
@@ -99,7 +99,7 @@ Exit exportCommand(Session &session, const ExportArguments &arguments) {
     ExportClass job = jobOf(arguments);
     session.program.thisClass.Filters = filtersFrom(arguments.filter);
     const bool notes = session.openForNote(arguments.project);
-    const ThisClass &state = session.program.thisClass;
+    ThisClass &state = session.program.thisClass;
     checkTarget(arguments, state);
     job.OutputFilePath = toStandardOutput(arguments) ? session.scratch() / "standard-output"
                                                      : fs::path(arguments.file);

@@ -20,7 +20,7 @@ namespace {
 constexpr std::string_view kStandardOutput = "-";
 
 RecordStore storeOf(Program &program) {
-    const ThisClass &state = program.thisClass;
+    ThisClass &state = program.thisClass;
     return {program.thisClass.ProjectDB.connection(),
             {state.GMTZone, state.EnableDSTChanges},
             program.around.clock,
@@ -28,7 +28,7 @@ RecordStore storeOf(Program &program) {
 }
 
 /// Throws UsageError when writing to `file` would cost something.
-void checkTarget(const fs::path &file, const ThisClass &state, IfThere ifThere) {
+void checkTarget(const fs::path &file, ThisClass &state, IfThere ifThere) {
     refuseUntouchable(file, state);
     if (fs::exists(file) && ifThere == IfThere::refuse)
         throw UsageError(

@@ -77,7 +77,7 @@ bool isPicture(const fs::path &file) {
     return toLower(textOf(file.extension())) == ".png";
 }
 
-void checkTarget(const GalleryArguments &arguments, const ThisClass &state) {
+void checkTarget(const GalleryArguments &arguments, ThisClass &state) {
     const fs::path file = arguments.out;
     const std::string extension = toLower(textOf(file.extension()));
     if (extension != ".html" && extension != ".htm" && !isPicture(file))
@@ -90,7 +90,7 @@ void checkTarget(const GalleryArguments &arguments, const ThisClass &state) {
 }
 
 Gallery galleryOf(Session &session, const GalleryArguments &arguments) {
-    const ThisClass &state = session.program.thisClass;
+    ThisClass &state = session.program.thisClass;
     SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
     checkQuery(session, arguments.query);
     Gallery gallery(project, session.program.log);

@@ -13,6 +13,11 @@ namespace nv::cli {
 
 namespace fs = std::filesystem;
 
+void refusePlainFile(const fs::path &out) {
+    if (fs::exists(out) && !fs::is_directory(out))
+        throw UsageError(fmt::format("--out {}: a folder was expected", textOf(out)));
+}
+
 void refuseExisting(std::span<const std::int64_t> ids, const fs::path &out) {
     fs::path first;
     std::size_t more = 0;

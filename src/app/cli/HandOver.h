@@ -6,6 +6,9 @@
 
 namespace nv::cli {
 
+/// Throws UsageError when `out` is there and no folder.
+void refusePlainFile(const std::filesystem::path &out);
+
 /// Throws UsageError when `out` holds something of the name that a page's folder would get: it may
 /// be the examiner's own.
 void refuseExisting(std::span<const std::int64_t> ids, const std::filesystem::path &out);

@@ -1,4 +1,5 @@
 #include "app/DrawingTools.h"
+#include "app/EvidenceFolders.h"
 #include "app/ImportClaim.h"
 #include "app/ImportJob.h"
 #include "app/ImportText.h"
@@ -52,11 +53,39 @@ void checkPaths(const ImportArguments &arguments) {
         throw UsageError(fmt::format("the base folder \"{}\" does not exist", arguments.base));
 }
 
-/// Evidence is only read: a project among it would change what other tools see of it.
+/// The deepest folder that holds all paths.
+fs::path commonFolder(const std::vector<std::string> &paths) {
+    fs::path common;
+    for (const std::string &text : paths) {
+        const fs::path path = fs::canonical(text);
+        const fs::path folder = fs::is_directory(path) ? path : path.parent_path();
+        if (common.empty()) {
+            common = folder;
+            continue;
+        }
+        const auto [end, ignored] =
+            std::mismatch(common.begin(), common.end(), folder.begin(), folder.end());
+        fs::path shared;
+        for (auto part = common.begin(); part != end; ++part)
+            shared /= *part;
+        common = shared;
+    }
+    return common;
+}
+
+/// Which base folder the import gives to a project that has none yet.
+fs::path baseOf(const ImportArguments &arguments) {
+    return arguments.base.empty() ? commonFolder(arguments.paths) : fs::canonical(arguments.base);
+}
+
+/// Evidence is only read: a project among it would change what other tools see of it. One that is
+/// there already has a base folder, which only --base changes.
 void checkProjectPlace(const ImportArguments &arguments) {
     for (const std::string &path : arguments.paths)
         if (fs::is_directory(path))
             refuseEvidence(arguments.project, fs::canonical(path));
+    if (!fs::exists(arguments.project) || !arguments.base.empty())
+        refuseEvidence(arguments.project, baseOf(arguments));
 }
 
 void checkZone(Session &session, std::int64_t id) {
@@ -124,33 +153,17 @@ void openOrCreate(Session &session, const fs::path &project) {
     tellMissingLists(session);
 }
 
-/// The deepest folder that holds all paths.
-fs::path commonFolder(const std::vector<std::string> &paths) {
-    fs::path common;
-    for (const std::string &text : paths) {
-        const fs::path path = fs::canonical(text);
-        const fs::path folder = fs::is_directory(path) ? path : path.parent_path();
-        if (common.empty()) {
-            common = folder;
-            continue;
-        }
-        const auto [end, ignored] =
-            std::mismatch(common.begin(), common.end(), folder.begin(), folder.end());
-        fs::path shared;
-        for (auto part = common.begin(); part != end; ++part)
-            shared /= *part;
-        common = shared;
-    }
-    return common;
-}
-
 /// A project keeps the base folder of its first import, since its rows are found by it, until
 /// another one is named.
 void chooseBase(Session &session, const ImportArguments &arguments) {
-    if (!arguments.base.empty())
-        setRootPath(session.program, fs::canonical(arguments.base));
-    else if (session.program.thisClass.RootPath.empty() && !arguments.paths.empty())
-        setRootPath(session.program, commonFolder(arguments.paths));
+    if (!arguments.base.empty() || session.program.thisClass.RootPath.empty()) {
+        const fs::path base = baseOf(arguments);
+        refuseEvidence(arguments.project, base);
+        if (!base.empty())
+            setRootPath(session.program, base);
+    }
+    for (const std::string &path : arguments.paths)
+        keepEvidenceFolder(session.program, path);
 }
 
 bool isWanted(const HistoryFile &file, const std::set<std::string_view> &kinds) {

@@ -1,5 +1,6 @@
 #include "app/cli/OutputPath.h"
 
+#include "app/EvidenceFolders.h"
 #include "app/Messages.h"
 #include "app/cli/Session.h"
 #include "readers/Evidence.h"
@@ -7,9 +8,14 @@
 
 namespace nv::cli {
 
-void refuseUntouchable(const std::filesystem::path &file, const ThisClass &state) {
-    if (const auto refusal = refusalOf(file, {state.ProjectDBPath, state.RootPath}))
+void refuseUntouchable(const std::filesystem::path &file, ThisClass &state) {
+    if (const auto refusal = refusalOf(file, {state.ProjectDBPath, evidenceFolders(state)}))
         throw UsageError(*refusal);
+}
+
+void refuseEvidence(const std::filesystem::path &path, ThisClass &state) {
+    if (const auto folder = evidenceAround(path, state))
+        throw UsageError(messages::liesInEvidence(path, *folder).text);
 }
 
 void refuseEvidence(const std::filesystem::path &path, const std::filesystem::path &base) {

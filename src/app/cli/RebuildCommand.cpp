@@ -34,8 +34,7 @@ std::vector<std::int64_t> chosenIds(Program &program, const RebuildArguments &ar
         return allPages(program);
     if (arguments.tagged)
         return taggedIds(program);
-    checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
-    return arguments.ids;
+    return checkedRows(program.thisClass.ProjectDB.connection(), arguments.ids);
 }
 
 void checkArguments(const RebuildArguments &arguments) {
@@ -92,7 +91,8 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
     checkArguments(arguments);
     session.open(arguments.project);
     Program &program = session.program;
-    refuseEvidence(arguments.out, program.thisClass.RootPath);
+    refuseEvidence(arguments.out, program.thisClass);
+    refusePlainFile(arguments.out);
     program.thisClass.DisableScriptTags = arguments.noScripts;
     program.thisClass.WideRecordIds |= arguments.wideIds;
     program.thisClass.RedrawThumbIfPageRebuilt &= !arguments.noThumbnails;

@@ -2,6 +2,7 @@
 #include "app/ReportJob.h"
 #include "app/Trail.h"
 #include "app/cli/FilterCommands.h"
+#include "app/cli/HandOver.h"
 #include "app/cli/LoadedTable.h"
 #include "app/cli/OutputPath.h"
 #include "app/cli/ReportCommands.h"
@@ -23,11 +24,10 @@ namespace {
 
 constexpr double kMaking = 0.9; ///< of the whole work
 
-void checkTarget(const ReportArguments &arguments, const fs::path &base) {
+void checkTarget(const ReportArguments &arguments, ThisClass &state) {
     const fs::path out = arguments.out;
-    refuseEvidence(out, base);
-    if (fs::exists(out) && !fs::is_directory(out))
-        throw UsageError(fmt::format("--out {}: a folder was expected", arguments.out));
+    refuseEvidence(out, state);
+    refusePlainFile(out);
     if (fs::exists(out) && !fs::is_empty(out) && !arguments.overwrite)
         throw UsageError(fmt::format("the folder \"{}\" is not empty; --overwrite replaces the "
                                      "report in it",
@@ -132,7 +132,7 @@ Exit reportCommand(Session &session, const ReportArguments &arguments) {
     session.program.thisClass.Filters = filtersFrom(arguments.filter);
     session.openForNote(arguments.project);
     Program &program = session.program;
-    checkTarget(arguments, program.thisClass.RootPath);
+    checkTarget(arguments, program.thisClass);
     checkPicture("--logo", arguments.logo.value_or(""));
     checkPicture("--thumbnail", arguments.thumbnail);
     program.thisClass.WideRecordIds |= arguments.wideIds;

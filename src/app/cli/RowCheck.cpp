@@ -5,6 +5,10 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
+#include <unordered_set>
+
 namespace nv::cli {
 
 void checkRows(SQLite::Database &project, std::span<const std::int64_t> ids) {
@@ -15,6 +19,16 @@ void checkRows(SQLite::Database &project, std::span<const std::int64_t> ids) {
         if (!row.executeStep())
             throw UsageError(fmt::format("the project has no row {}", id));
     }
+}
+
+std::vector<std::int64_t> checkedRows(SQLite::Database &project,
+                                      std::span<const std::int64_t> ids) {
+    checkRows(project, ids);
+    std::unordered_set<std::int64_t> seen;
+    std::vector<std::int64_t> once;
+    std::ranges::copy_if(ids, std::back_inserter(once),
+                         [&seen](std::int64_t id) { return seen.insert(id).second; });
+    return once;
 }
 
 void checkRow(SQLite::Database &project, std::int64_t id) {

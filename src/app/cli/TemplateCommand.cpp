@@ -55,10 +55,11 @@ fs::path templateOf(const Program &program, const TemplateArguments &arguments) 
                                  arguments.file, textOf(folder)));
 }
 
-void checkOut(const Program &program, const TemplateArguments &arguments) {
+void checkOut(Program &program, const TemplateArguments &arguments) {
     if (arguments.out.empty())
         return;
-    refuseEvidence(arguments.out, program.thisClass.RootPath);
+    refuseEvidence(arguments.out, program.thisClass);
+    refusePlainFile(arguments.out);
     if (!arguments.overwrite)
         refuseExisting(arguments.ids, arguments.out);
 }
@@ -68,14 +69,14 @@ void checkOut(const Program &program, const TemplateArguments &arguments) {
 Exit templateCreateCommand(Session &session, const TemplateArguments &arguments) {
     session.open(arguments.project);
     Program &program = session.program;
-    checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
+    const auto ids = checkedRows(program.thisClass.ProjectDB.connection(), arguments.ids);
     program.thisClass.WideRecordIds |= arguments.wideIds;
     const fs::path folder = folderOf(program, arguments);
-    refuseEvidence(folder, program.thisClass.RootPath);
+    refuseEvidence(folder, program.thisClass);
     Exit exit = Exit::ok;
     {
         RebuildTools tools(program, session.task, session.scratch());
-        for (const std::int64_t id : arguments.ids) {
+        for (const std::int64_t id : ids) {
             auto page = tools.record(id);
             if (!page)
                 throw StorageFailure(fmt::format("row {} can't be read; see \"{}\"", id,
@@ -110,20 +111,19 @@ Exit templateApplyCommand(Session &session, const TemplateArguments &arguments) 
     const std::vector<fs::path> templates{templateOf(session.program, arguments)};
     session.open(arguments.project);
     Program &program = session.program;
-    checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
+    const auto ids = checkedRows(program.thisClass.ProjectDB.connection(), arguments.ids);
     checkOut(program, arguments);
     program.thisClass.TemplateMatchByTitle = !arguments.anyTitle;
     Exit exit = Exit::ok;
     {
         RebuildTools tools(program, session.task, session.scratch());
-        RebuildFromTemplates(
-            program, tools, arguments.ids, templates, [&](std::int64_t id, Laid result) {
-                if (result == Laid::rebuilt && !arguments.out.empty())
-                    handOver(rebuildFolderOf(UrlId{id}, tools.context()) / pageNameOf(UrlId{id}),
-                             arguments.out);
-                session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
-                exit = result == Laid::rebuilt ? exit : Exit::nothingDone;
-            });
+        RebuildFromTemplates(program, tools, ids, templates, [&](std::int64_t id, Laid result) {
+            if (result == Laid::rebuilt && !arguments.out.empty())
+                handOver(rebuildFolderOf(UrlId{id}, tools.context()) / pageNameOf(UrlId{id}),
+                         arguments.out);
+            session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
+            exit = result == Laid::rebuilt ? exit : Exit::nothingDone;
+        });
         session.task.clear();
     }
     closeProject(program);

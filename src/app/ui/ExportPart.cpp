@@ -1,5 +1,6 @@
 #include "app/ui/ExportPart.h"
 
+#include "app/EvidenceFolders.h"
 #include "app/Messages.h"
 #include "app/Trail.h"
 #include "base/Files.h"
@@ -27,11 +28,11 @@ void ExportPart::ExportColumns() {
     UrlTable *table = m_bench.table->table();
     if (!table)
         return;
-    const ThisClass &state = m_bench.program.thisClass;
+    ThisClass &state = m_bench.program.thisClass;
     ExportClass job;
     job.ColumnsAsString = columnsAsString(m_bench.table->grid().tableLayout().shownColumns());
     selectTagged(job, *table, m_bench.project());
-    ExportForm form(job, table->rowCount(), {state.ProjectDBPath, state.RootPath},
+    ExportForm form(job, table->rowCount(), {state.ProjectDBPath, evidenceFolders(state)},
                     m_bench.examiner(), &m_bench.window);
     form.exec();
     if (form.result() == QDialog::Accepted && !job.Cancel)

@@ -1,5 +1,6 @@
 #include "app/ui/ReportPart.h"
 
+#include "app/EvidenceFolders.h"
 #include "app/Messages.h"
 #include "app/ReportJob.h"
 #include "app/ReportMessages.h"
@@ -7,7 +8,6 @@
 #include "base/Files.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
-#include "readers/Evidence.h"
 #include "reports/PublishReport.h"
 #include "reports/ui/ReportForm.h"
 #include "views/ui/BrowserPane.h"
@@ -32,9 +32,9 @@ constexpr std::string_view kChooseFolder =
     "Publish Report: Select an output folder for the published report:";
 
 /// Nothing is ever written beside evidence.
-void refuseEvidence(const fs::path &target, const fs::path &base) {
-    if (liesInEvidence(target, base))
-        throw StorageFailure(messages::liesInEvidence(target, base).text);
+void refuseEvidence(const fs::path &target, ThisClass &state) {
+    if (const auto folder = evidenceAround(target, state))
+        throw StorageFailure(messages::liesInEvidence(target, *folder).text);
 }
 
 } // namespace
@@ -161,7 +161,7 @@ void ReportPart::PublishReport() {
         m_bench.dialogs.chooseFolder(std::string(kChooseFolder), state.PublishTempFolder);
     if (!target || !fs::is_directory(*target))
         return;
-    refuseEvidence(*target, state.RootPath);
+    refuseEvidence(*target, m_bench.program.thisClass);
     if (m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes &&
         mayReplace(*target, type))
         publishTo(*target, type);

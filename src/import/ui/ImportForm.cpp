@@ -1,5 +1,6 @@
 #include "import/ui/ImportForm.h"
 
+#include "app/EvidenceFolders.h"
 #include "app/ImportClaim.h"
 #include "app/ImportJob.h"
 #include "app/ImportText.h"
@@ -177,6 +178,7 @@ void ImportForm::chooseBase() {
                                                     : start.parent_path();
     if (base != m_program.thisClass.RootPath)
         setRootPath(m_program, base);
+    keepEvidenceFolder(m_program, start);
 }
 
 void ImportForm::ImportFiles() {

@@ -74,6 +74,20 @@ TEST(Evidence, knowsThatBareNamesLieInIt) {
     EXPECT_FALSE(liesInEvidence("../case.nvp", evidence));
 }
 
+TEST(Evidence, isAlsoTheFolderThatShowsAsTheSameText) {
+    const test::TempFolder folder;
+    const auto cafe = folder.path() / "caf\xC3\xA9";
+    const auto ansi = folder.write("caf\xC3\xA9/b\xE9se/a.txt", "x").parent_path();
+    const auto utf8 = folder.write("caf\xC3\xA9/b\xC3\xA9se/a.txt", "x").parent_path();
+    const auto link = folder.path() / "link";
+    std::filesystem::create_directory_symlink(ansi, link);
+    EXPECT_TRUE(liesInEvidence(link / "new.txt", utf8));
+    EXPECT_TRUE(liesInEvidence(utf8 / "\xC3\xBC.txt", ansi));
+    EXPECT_TRUE(liesInEvidence(ansi / "\xFC.txt", ansi));
+    EXPECT_FALSE(liesInEvidence(cafe / "b\xC3\xA8se" / "a.txt", ansi));
+    EXPECT_FALSE(liesInEvidence(cafe, ansi));
+}
+
 TEST(Evidence, partsPathsWhoseNamesAreNoUtf8) {
     const test::TempFolder folder;
     const auto file = folder.write("caf\xC3\xA9/na\xEFve/a.txt", "x");

@@ -330,12 +330,13 @@ TEST_F(ExportTest, theProjectAndTheEvidenceAreNotWrittenOver) {
     fs::create_symlink(nvp, folder.path() / "link.txt");
     for (const fs::path &target : {nvp, fs::path(nvp.native() + "-wal"), folder.path() / "link.txt",
                                    evidence / "x.txt", folder.path() / "other.nvp", evidence})
-        EXPECT_TRUE(refusalOf(target, {nvp, evidence})) << target;
-    EXPECT_FALSE(refusalOf(out, {nvp, evidence}));
-    EXPECT_FALSE(refusalOf(out, {nvp, "/"}));
+        EXPECT_TRUE(refusalOf(target, {nvp, {evidence}})) << target;
+    EXPECT_FALSE(refusalOf(out, {nvp, {evidence}}));
+    EXPECT_FALSE(refusalOf(out, {nvp, {"", "/"}}));
+    EXPECT_TRUE(refusalOf(evidence / "x.txt", {nvp, {folder.path() / "other", evidence}}));
     const test::WorkingFolder in(evidence);
-    EXPECT_TRUE(refusalOf("new.csv", {nvp, evidence}));
-    EXPECT_FALSE(refusalOf("../new.csv", {nvp, evidence}));
+    EXPECT_TRUE(refusalOf("new.csv", {nvp, {evidence}}));
+    EXPECT_FALSE(refusalOf("../new.csv", {nvp, {evidence}}));
 }
 
 } // namespace
