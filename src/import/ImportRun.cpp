@@ -9,11 +9,13 @@
 #include "import/Categories.h"
 #include "import/ImportSink.h"
 #include "readers/ContentProbe.h"
+#include "readers/EvidenceGaps.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <chrono>
+#include <set>
 #include <utility>
 
 namespace nv {
@@ -51,18 +53,29 @@ class ScratchFolder {
     fs::path m_path;
 };
 
-/// Keeps what the log was told last, so that the summary can say it too.
-class HeardLog final : public FailureLog {
+/// Keeps what the log was told last, so that the summary can say it too, and adds each file beside
+/// the artefacts that couldn't be read to what the scan couldn't read.
+class HeardLog final : public GapLog {
   public:
-    explicit HeardLog(FailureLog &log) : m_log(log) {}
+    HeardLog(FailureLog &log, std::vector<UnreadPlace> &unreadable)
+        : m_log(log), m_unreadable(unreadable) {
+        for (const UnreadPlace &place : unreadable)
+            m_known.insert(place.path);
+    }
     void write(const Failure &failure) override {
         last = failure.message;
         m_log.write(failure);
+    }
+    void unread(const fs::path &file, const std::string &reason) override {
+        if (m_known.insert(file).second)
+            m_unreadable.push_back({file, reason});
     }
     std::string last;
 
   private:
     FailureLog &m_log;
+    std::vector<UnreadPlace> &m_unreadable;
+    std::set<fs::path> m_known;
 };
 
 ArtefactState stateOf(ReadState state) {
@@ -96,7 +109,8 @@ bool isReadAtOnce(const HistoryFile &file) {
 class Import {
   public:
     Import(const ImportRun &run, ImportClass &job, ImportSummary &summary)
-        : m_run(run), m_files(job.HistoryFiles), m_summary(summary), m_log(run.log),
+        : m_run(run), m_files(job.HistoryFiles), m_summary(summary),
+          m_log(run.log, summary.gaps.unreadable),
           m_scratch(run.scratch), m_extraction{run.evidence, m_scratch.path(), m_log},
           m_categories(job.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        m_log),

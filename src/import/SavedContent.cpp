@@ -3,6 +3,7 @@
 #include "base/Storage.h"
 #include "import/PageContent.h"
 #include "markup/PageText.h"
+#include "readers/EvidenceGaps.h"
 
 #include <cerrno>
 
@@ -17,13 +18,23 @@ const Body *SavedContent::body() {
     return m_body ? &*m_body : nullptr;
 }
 
+bool SavedContent::isScratch(const Body &found) const {
+    return m_probe.held() || found.file == m_record.RunTimeTempFilePath;
+}
+
 /// What was fetched into scratch and is gone again was taken by somebody else: that is no lack of
 /// the evidence.
 void SavedContent::expectScratch(const Body &found) const {
     std::error_code none;
-    if (found.file == m_record.RunTimeTempFilePath &&
-        !std::filesystem::is_regular_file(found.file, none))
+    if (isScratch(found) && !std::filesystem::is_regular_file(found.file, none))
         failStorage("cannot read back", found.file, ENOENT);
+}
+
+const ContentFacts &SavedContent::factsIn(const Body &found) {
+    if (isScratch(found))
+        return m_probe.facts(found.file);
+    return readEvidence(m_extraction.log, found.file,
+                        [&]() -> const ContentFacts & { return m_probe.facts(found.file); });
 }
 
 const ContentFacts *SavedContent::facts() {
@@ -32,7 +43,7 @@ const ContentFacts *SavedContent::facts() {
         return nullptr;
     if (!found->isInMemory) {
         expectScratch(*found);
-        return &m_probe.facts(found->file);
+        return &factsIn(*found);
     }
     if (!m_facts)
         m_facts = factsOf(found->raw());
@@ -50,7 +61,7 @@ std::string SavedContent::pageText() {
         return {};
     if (found->isInMemory)
         return decodePage(ByteView(found->bytes), m_record.MetaData);
-    m_probe.facts(found->file);
+    factsIn(*found);
     const auto bytes = m_probe.bytes();
     return bytes ? decodePage(viewOf(*bytes), m_record.MetaData)
                  : ReadPageText(found->file, m_record.MetaData);

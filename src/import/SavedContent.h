@@ -33,6 +33,8 @@ class SavedContent {
 
   private:
     const Body *body();
+    bool isScratch(const Body &found) const;
+    const ContentFacts &factsIn(const Body &found);
     void expectScratch(const Body &found) const;
 
     URLClass &m_record;

@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/ContentProbe.h"
+#include "readers/EvidenceGaps.h"
 #include "readers/GZip.h"
 #include "readers/Limits.h"
 #include "readers/Registry.h"
@@ -93,7 +94,9 @@ std::optional<Body> fetched(URLClass &record, Fetch fetch, const fs::path &targe
         if (inMemory == 0)
             fs::remove(target, ignored);
         BodyTarget into(target, inMemory);
-        if (!fetch || !fetch(record, ctx.evidence, into))
+        if (!fetch)
+            return std::nullopt;
+        if (!tellingGaps(ctx.log, [&] { return fetch(record, ctx.evidence, into); }))
             return std::nullopt;
         Body body = into.take();
         if (!body.isInMemory)

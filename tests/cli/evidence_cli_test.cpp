@@ -1,6 +1,7 @@
 #include "cli/CliCase.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/Unprivileged.h"
+#include "support/builders/ChromeCache.h"
 #include "support/builders/FirefoxCache.h"
 #include "support/builders/Safari.h"
 
@@ -8,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include <fcntl.h>
+#include <set>
 #include <sys/stat.h>
 #include <thread>
 
@@ -232,6 +234,53 @@ TEST_F(EvidenceCliTest, whatCantBeReadStandsInSummaryJsonAndTrail) {
     EXPECT_EQ(entries[2]["FilePath"], file.string());
     fs::permissions(evidence / "closed", fs::perms::owner_all);
     EXPECT_EQ(cli({"verify", project}).exit, 0) << "there is nothing to compare it with";
+}
+
+TEST_F(EvidenceCliTest, filesBesideACacheThatCantBeReadStandInSummaryJsonAndTrail) {
+    const std::string page = "<html><title>T</title>" + std::string(2000, 'x');
+    FirefoxCache firefox;
+    firefox.add({.key = "HTTP:http://1/", .body = page, .bodyFile = 2});
+    firefox.add({.key = "HTTP:http://2/", .body = page, .bodyFile = 2});
+    firefox.add({.key = "HTTP:http://3/", .body = page, .bodyFile = 0});
+    firefox.writeTo(evidence / "firefox/Cache");
+    ChromeCache chrome;
+    chrome.add({.url = "http://4/", .body = page});
+    chrome.add({.url = "http://5/", .body = page, .where = ChromeCacheEntry::Body::separate});
+    chrome.write(evidence / "Chrome/Default/Cache");
+    IndexDat index;
+    index.folder("ABCDEFGH");
+    addCached(index, "http://6/page.htm", "page[1].htm", page, evidence / "ie");
+    folder.write("evidence/ie/index.dat", index.bytes());
+    std::set<std::string> closed = {
+        (evidence / "firefox/Cache/_CACHE_002_").string(),
+        (evidence / "firefox/Cache" / (firefox.separateFiles.begin()->first)).string(),
+        (evidence / "Chrome/Default/Cache/data_2").string(),
+        (evidence / "Chrome/Default/Cache/f_000001").string(),
+        (evidence / "ie/ABCDEFGH/page[1].htm").string()};
+    for (const std::string &file : closed)
+        fs::permissions(file, fs::perms::none);
+    if (asNobody({"--version"}).exit != 0)
+        GTEST_SKIP() << "nobody may not run the program where it lies";
+    // The loose page is an artefact too, which the scan can't read either.
+    const CliResult run = asNobody({"import", project, evidence.string(), "--format", "json"});
+    EXPECT_EQ(run.exit, 2) << run.err;
+    const json summary = json::parse(run.out);
+    EXPECT_EQ(summary["totals"]["rows"], 6);
+    std::multiset<std::string> told;
+    for (const json &place : summary["unreadable"]) {
+        told.insert(place["path"].get<std::string>());
+        EXPECT_THAT(place["reason"].get<std::string>(), HasSubstr("Permission denied"));
+    }
+    EXPECT_EQ(told, std::multiset<std::string>(closed.begin(), closed.end())) << "each once";
+    std::multiset<std::string> inTrail;
+    for (const json &entry : trail())
+        if (entry["Action"] == "Not Readable")
+            inTrail.insert(entry["FilePath"].get<std::string>());
+    EXPECT_EQ(inTrail, told);
+    const CliResult text = asNobody({"import", project, evidence.string()});
+    EXPECT_EQ(text.exit, 2);
+    EXPECT_THAT(text.out, HasSubstr("not readable cannot open \"" + *closed.begin()));
+    EXPECT_THAT(text.out, HasSubstr("5 files or folders could not be read"));
 }
 
 TEST_F(EvidenceCliTest, aNamedFileWhoseReadingFailsIsNoWrongUsage) {

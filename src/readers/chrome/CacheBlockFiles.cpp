@@ -1,6 +1,8 @@
 #include "readers/chrome/CacheBlockFiles.h"
 
 #include "base/Trap.h"
+#include "readers/EvidenceGaps.h"
+#include "readers/sqlite/KeptMessage.h"
 
 #include <fmt/format.h>
 
@@ -30,10 +32,19 @@ std::uint64_t sizeByHead(const FileReader &file) {
 } // namespace
 
 const FileReader *ChromeBlockFiles::file(std::uint8_t number) {
+    const Opened &found = opened(number);
+    return found.reader ? &*found.reader : nullptr;
+}
+
+const std::string &ChromeBlockFiles::lackOf(std::uint8_t number) {
+    return opened(number).lack;
+}
+
+ChromeBlockFiles::Opened &ChromeBlockFiles::opened(std::uint8_t number) {
     auto found = m_files.find(number);
     if (found == m_files.end())
         found = m_files.emplace(number, open(number)).first;
-    return found->second ? &*found->second : nullptr;
+    return found->second;
 }
 
 std::string ChromeBlockFiles::pathOf(std::uint8_t number) const {
@@ -46,18 +57,24 @@ Bytes ChromeBlockFiles::read(const ChromeAddressMapClass &map, std::uint64_t cou
     return source ? source->read(map.DataBlockFileOffset, count) : Bytes();
 }
 
-std::optional<FileReader> ChromeBlockFiles::open(std::uint8_t number) const {
-    return trapped(m_log, Severity::Serious, m_procedure, kContactSupport,
-                   std::optional<FileReader>(), [&]() -> std::optional<FileReader> {
-                       const auto path = m_evidence.find(m_folder, nameOf(number));
-                       if (!path) {
-                           write(pathOf(number) + ": the block file is missing");
-                           return std::nullopt;
-                       }
-                       FileReader opened(*path);
-                       noteMissingEnd(opened);
-                       return opened;
-                   });
+ChromeBlockFiles::Opened ChromeBlockFiles::open(std::uint8_t number) const {
+    const auto path = m_evidence.find(m_folder, nameOf(number));
+    KeptMessage failure;
+    auto reader = trapped(failure, Severity::Serious, m_procedure, kContactSupport,
+                          std::optional<FileReader>(), [&]() -> std::optional<FileReader> {
+                              if (!path)
+                                  return std::nullopt;
+                              return readEvidence(m_log, *path, [&] {
+                                  FileReader file(*path);
+                                  noteMissingEnd(file);
+                                  return std::optional(std::move(file));
+                              });
+                          });
+    if (reader)
+        return {std::move(reader), {}};
+    const std::string lack = path ? failure.text : pathOf(number) + ": the block file is missing";
+    write(lack);
+    return {std::nullopt, lack};
 }
 
 /// Bodies are not read here: without this, nobody would learn that some have gone.

@@ -25,6 +25,8 @@ class ChromeBlockFiles {
 
     /// Null when there is no such file, or it can't be opened.
     const FileReader *file(std::uint8_t number);
+    /// Why file() gives null; names the file.
+    const std::string &lackOf(std::uint8_t number);
     /// The path that the file has or would have.
     std::string pathOf(std::uint8_t number) const;
     /// Up to `count` bytes of the block; none when the address names no block, its file is missing
@@ -32,7 +34,13 @@ class ChromeBlockFiles {
     Bytes read(const ChromeAddressMapClass &map, std::uint64_t count);
 
   private:
-    std::optional<FileReader> open(std::uint8_t number) const;
+    struct Opened {
+        std::optional<FileReader> reader;
+        std::string lack;
+    };
+
+    Opened &opened(std::uint8_t number);
+    Opened open(std::uint8_t number) const;
     void noteMissingEnd(const FileReader &file) const;
     void write(const std::string &message) const;
 
@@ -40,7 +48,7 @@ class ChromeBlockFiles {
     std::filesystem::path m_folder;
     FailureLog &m_log;
     std::string_view m_procedure;
-    std::map<std::uint8_t, std::optional<FileReader>> m_files;
+    std::map<std::uint8_t, Opened> m_files;
 };
 
 } // namespace nv

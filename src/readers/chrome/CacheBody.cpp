@@ -1,6 +1,7 @@
 #include "readers/chrome/CacheBody.h"
 
 #include "base/Files.h"
+#include "readers/EvidenceGaps.h"
 #include "readers/Limits.h"
 #include "readers/chrome/CacheRecords.h"
 
@@ -48,7 +49,7 @@ bool fetchChromeBody(const URLClass &record, const Evidence &evidence, BodyTarge
     auto size = static_cast<std::uint64_t>(record.CacheFileSize);
     if (record.DataBlockFile.starts_with("data_"))
         size = std::min(size, limits::kChromeBlockBody);
-    return target.copy(FileReader(*source), offset, size) > 0;
+    return ofEvidence(*source, [&] { return target.copy(FileReader(*source), offset, size) > 0; });
 }
 
 bool ExtractChromeCacheFile(URLClass &record, std::string_view fileNameSuffix,

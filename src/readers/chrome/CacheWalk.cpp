@@ -109,7 +109,7 @@ void ChromeCacheWalk::miss(std::string_view what, const ChromeAddressMapClass &m
     const FileReader *file = m_blocks.file(map.DataBlockFileNumber);
     if (!file) {
         ++m_result.notReached; // the file was logged when it was looked for
-        damage(path + ": the block file is missing");
+        damage(m_blocks.lackOf(map.DataBlockFileNumber));
         return;
     }
     throw std::runtime_error(

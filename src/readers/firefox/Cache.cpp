@@ -12,6 +12,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/EvidenceGaps.h"
 #include "readers/Limits.h"
 #include "time/SourceClocks.h"
 
@@ -91,7 +92,7 @@ void openBlockFile(std::int64_t number, std::optional<FileReader> &handle,
         const auto found = evidence.find(folder, name);
         if (!found)
             throw FileFailure("cannot find", folder / name, ENOENT);
-        handle.emplace(*found);
+        readEvidence(log, *found, [&] { handle.emplace(*found); });
     });
 }
 

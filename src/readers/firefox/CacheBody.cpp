@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
+#include "readers/EvidenceGaps.h"
 #include "readers/Limits.h"
 #include "readers/firefox/Cache.h"
 
@@ -62,7 +63,9 @@ bool fetchFirefoxCacheBody(const URLClass &record, const Evidence &evidence, Bod
     const std::uint64_t count =
         isSeparate ? wanted : std::min(wanted, limits::kFirefoxCacheBlockBody);
     const auto offset = static_cast<std::uint64_t>(record.DataBlockFileOffset);
-    return target.copy(FileReader(*source), offset, count) > 0 || wanted == 0;
+    return ofEvidence(*source, [&] {
+        return target.copy(FileReader(*source), offset, count) > 0 || wanted == 0;
+    });
 }
 
 bool ExtractFirefoxCacheFile(URLClass &record, std::string_view fileNameSuffix,

@@ -6,6 +6,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/EvidenceGaps.h"
 #include "readers/WholeFile.h"
 #include "readers/ie/CookieRecord.h"
 #include "readers/ie/HashWalk.h"
@@ -70,7 +71,7 @@ class CookiesReading {
     void addText(URLClass &record, const std::filesystem::path &file) {
         record.MetaData = "Error Reading File";
         const bool isRead = m_texts.run(static_cast<std::uint64_t>(record.MapFileOffset), [&] {
-            CookieText read = readCookieText(file);
+            CookieText read = readEvidence(m_ctx.log, file, [&] { return readCookieText(file); });
             record.MetaData = std::move(read.text);
             if (!read.whole)
                 ++m_result.passedOver["end of a cookie's text file behind 1 MiB"];

@@ -1,4 +1,5 @@
 #include "base/Files.h"
+#include "support/Unprivileged.h"
 #include "time/DateFormat.h"
 #include "unit/readers/ChromeCacheFixture.h"
 
@@ -121,6 +122,20 @@ TEST_F(ChromeCacheDamage, ofAMissingBlockFileCostsItsEntriesAndIsLoggedOnce) {
     EXPECT_EQ(reading.result.state, ReadState::cutShort);
     EXPECT_EQ(reading.result.reason, pathOf("data_3") + ": the block file is missing");
     EXPECT_EQ(reading.result.notReached, 2U);
+    EXPECT_EQ(onlyFailure().message, reading.result.reason);
+    EXPECT_EQ(onlyFailure().severity, Severity::Serious);
+}
+
+TEST_F(ChromeCacheDamage, ofABlockFileThatMayNotBeOpenedIsNotToldAsMissing) {
+    cache.add(entry("http://one/"));
+    const auto index = cache.write(folder());
+    std::filesystem::permissions(folder() / "data_1", std::filesystem::perms::none);
+    const test::Unprivileged nobody(disk.path());
+    reading.read(index, disk.path());
+    EXPECT_THAT(urls(), IsEmpty());
+    EXPECT_EQ(reading.result.state, ReadState::cutShort);
+    EXPECT_EQ(reading.result.reason, "cannot open \"" + pathOf("data_1") + "\": Permission denied");
+    EXPECT_EQ(reading.result.notReached, 1U);
     EXPECT_EQ(onlyFailure().message, reading.result.reason);
     EXPECT_EQ(onlyFailure().severity, Severity::Serious);
 }
