@@ -178,6 +178,14 @@ TEST_F(UnreadRowsCliTest, withoutTheDateIndexABrokenPageCostsItsOwnRowsAlone) {
     EXPECT_THAT(run.err, HasSubstr(named(broken)));
 }
 
+TEST_F(UnreadRowsCliTest, aConditionThatMeetsABrokenPageIsNoWrongUsage) {
+    breakLeaf();
+    const CliResult run = cli({"tag", project, "--where", "URL LIKE '%/30'"});
+    EXPECT_EQ(run.exit, 3) << run.err;
+    EXPECT_THAT(run.err, HasSubstr("malformed"));
+    EXPECT_EQ(cli({"tag", project, "--where", "Nothing = 1"}).exit, 1);
+}
+
 TEST_F(UnreadRowsCliTest, withFiltersTheRowsThatCantBeReadAreNoneOfThoseHidden) {
     const std::vector<int> broken = breakLeaf();
     const CliResult list = cli({"list", project, "--format", "csv", "--columns", "COL_URL_VALUE",
