@@ -93,7 +93,7 @@ struct Made {
     fs::path index;
     std::size_t files = 0;
     std::int64_t rows = 0;
-    std::size_t rowsFailed = 0; ///< of the project, which could not be read
+    std::size_t rowsFailed = 0; ///< that could not be read, or not with all that belongs to them
 };
 
 /// Nothing when it was cancelled.
@@ -121,7 +121,7 @@ std::optional<Made> make(Session &session, const ReportArguments &arguments, con
     notePublish(session.program, index, published);
     return Made{index, published.files,
                 rowsReported(session.program.thisClass.ProjectDB.connection()),
-                tools.report.RecordsFailed};
+                tools.report.RecordsFailed + tools.report.PagesIncomplete};
 }
 
 } // namespace
