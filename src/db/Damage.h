@@ -1,22 +1,11 @@
 #pragma once
 
-#include "db/SqliteErrors.h"
-
-#include <utility>
+#include <functional>
 
 namespace nv {
 
-/// Runs `body`. False when bytes of the file made no sense; any other error passes on.
-template <class Body>
-[[nodiscard]] bool unlessDamaged(Body &&body) {
-    try {
-        std::forward<Body>(body)();
-        return true;
-    } catch (const SQLite::Exception &error) {
-        if (!isDamage(error))
-            throw;
-        return false;
-    }
-}
+/// Runs `body`. False when bytes of the file made no sense; any other error passes on. Defined with
+/// all else that tells errors of the database apart, in SqliteErrors.cpp.
+[[nodiscard]] bool unlessDamaged(const std::function<void()> &body);
 
 } // namespace nv
