@@ -54,7 +54,8 @@ RebuiltPage outcomeOf(const URLClass &page, bool rebuilt, const RebuildContext &
         dropFolder(outcome.folder);
         return outcome;
     }
-    for (const AuditRow &row : LoadAudit(page, outcome.folder, ctx)) {
+    const auto rows = LoadAudit(page, outcome.folder, ctx);
+    for (const AuditRow &row : rows.value_or(std::vector<AuditRow>())) {
         ++outcome.tagsFound;
         ++(!row.isThere      ? outcome.missing
            : row.isRewritten ? outcome.replaced

@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Storage.h"
+#include "db/Damage.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
@@ -61,6 +62,17 @@ void throwMeaning(const SQLite::Database &project, const SQLite::Exception &erro
 
 bool isDamage(const SQLite::Exception &error) {
     return (error.getErrorCode() & kPrimaryCode) == SQLITE_CORRUPT;
+}
+
+bool unlessDamaged(const std::function<void()> &body) {
+    try {
+        body();
+        return true;
+    } catch (const SQLite::Exception &error) {
+        if (!isDamage(error))
+            throw;
+        return false;
+    }
 }
 
 void throwFailureOf(const std::filesystem::path &file, const SQLite::Exception &error) {

@@ -54,8 +54,9 @@ class Rebuild {
             return false;
         m_page.IngredientIDs = replaced->log;
         writePage(disarmed(replaced->text));
-        if (m_page.IngredientIDs.empty())
-            StoreIngredientIDs(m_page, m_ctx);
+        if (m_page.IngredientIDs.empty() && fs::exists(folder / kPartsList) &&
+            !StoreIngredientIDs(m_page, m_ctx))
+            return false;
         const bool whole = stage(0.85, 1, [&](const RebuildContext &ctx) {
             return HarvestParts(m_page, folder, m_batch, ctx);
         });

@@ -206,13 +206,16 @@ bool ChooseTagOptions(const URLClass &page, const RebuildContext &ctx) {
                               [&] { return std::optional(tagsInOrder(page, ctx)); });
     if (!tags)
         return false;
+    bool whole = true;
     double done = 0;
     for (const auto &[Tag_ID, OriginalTag] : *tags) {
         if (!ctx.task.advance(done++ / static_cast<double>(tags->size())))
             return false;
-        byUrl ? PickNonIETagOption(trim(OriginalTag), Tag_ID, ctx) : PickIETagOption(Tag_ID, ctx);
+        const bool picked = byUrl ? PickNonIETagOption(trim(OriginalTag), Tag_ID, ctx)
+                                  : PickIETagOption(Tag_ID, ctx);
+        whole = whole && picked;
     }
-    return true;
+    return whole;
 }
 
 } // namespace nv

@@ -20,14 +20,14 @@ using URLChoices = KeyedList<URLChoice>;
 
 /// Picks one of its options for every tag of the page, in the order of their texts, and writes pick
 /// and score into the tag's row. False after a failure, which is logged, and when cancelled.
-bool ChooseTagOptions(const URLClass &page, const RebuildContext &ctx);
+[[nodiscard]] bool ChooseTagOptions(const URLClass &page, const RebuildContext &ctx);
 
 /// The pick for a page of Internet Explorer, whose parts are named by cache folder and file: the
 /// tag's row notes both. The page's own record stays as it is.
-bool PickIETagOption(std::int64_t Tag_ID, const RebuildContext &ctx);
+[[nodiscard]] bool PickIETagOption(std::int64_t Tag_ID, const RebuildContext &ctx);
 
 /// The pick for a page of the other browsers, whose parts are named by URL.
-bool PickNonIETagOption(std::string_view OriginalTag, std::int64_t Tag_ID,
-                        const RebuildContext &ctx);
+[[nodiscard]] bool PickNonIETagOption(std::string_view OriginalTag, std::int64_t Tag_ID,
+                                      const RebuildContext &ctx);
 
 } // namespace nv

@@ -187,7 +187,8 @@ bool applyTemplate(URLClass &page, const fs::path &file, const RebuildContext &c
     page.RunTimeRebuiltFilePath = folder / pageName;
     page.RebuiltSourceCode = fromAnsi(ByteView(readWhole(page.RunTimeRebuiltFilePath)).raw());
     Savepoint whole(ctx.project);
-    StoreIngredientIDs(page, ctx);
+    if (!StoreIngredientIDs(page, ctx))
+        return false;
     storeRebuilt(page, {}, ctx, clock);
     // The project may be looked at where the template isn't: it keeps the bytes that it lacks.
     if (unpacking.hasStrangers() && !CreateCabinetFile(folder, page, ctx))

@@ -73,7 +73,9 @@ bool CardEvidence::bringRebuilt(ReportCard &card, TaskMonitor &task) const {
     const fs::path page = folder / pageNameOf(record.URLID);
     fs::remove_all(folder); // a row that is listed twice would be guarded twice
     if (!record.RebuiltSourceCode.empty())
-        HarvestParts(record, folder, Batch::yes, contextFor(m_ctx.rebuild.TempFolderPath, task));
+        card.incomplete = !HarvestParts(record, folder, Batch::yes,
+                                        contextFor(m_ctx.rebuild.TempFolderPath, task)) &&
+                          task.advance(1); // a cancelled report has no cards
     // An archive unpacks into a folder of seven digits, which can be that of another row.
     else if (!record.CacheFileRebuiltBLOB.empty() && sidOf(record.URLID) == rowNameOf(record.URLID))
         UnpackCabinetFile(record, contextFor(m_folder.path, task));

@@ -13,10 +13,11 @@ namespace nv {
 /// A row on its way to its cue card. Paths are relative to the report's folder, with "/".
 struct ReportCard {
     URLClass record;
-    std::string target;    ///< the local copy of the content; empty when there is none
-    std::string absence;   ///< why not, in plain words
-    std::string thumbnail; ///< a small picture of the content; empty for none
-    int width = 0;         ///< of it, in pixels
+    std::string target;      ///< the local copy of the content; empty when there is none
+    std::string absence;     ///< why not, in plain words
+    bool incomplete = false; ///< not all parts of the rebuilt page could be brought
+    std::string thumbnail;   ///< a small picture of the content; empty for none
+    int width = 0;           ///< of it, in pixels
     std::optional<DrawJob> drawing;
 };
 

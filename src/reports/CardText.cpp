@@ -97,7 +97,10 @@ std::string fileRow(const ReportCard &card, const ReportClass &report) {
     if (report.HREF.empty())
         return row("Local Evidence File:", card.absence);
     return row("Local Evidence File:",
-               fmt::format("<a href='{0}' target='_new'>{0}</a>", report.HREF));
+               fmt::format("<a href='{0}' target='_new'>{0}</a>{1}", report.HREF,
+                           card.incomplete ? " Not all parts of the rebuilt page could be brought; "
+                                             "the log of the program says why."
+                                           : ""));
 }
 
 std::string facts(const ReportCard &card, const ReportClass &report, const ReportContext &ctx) {

@@ -204,6 +204,7 @@ ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) {
         card.absence = "The cached file could not be read; the log of the program says why.";
         ++FilesFailed;
     }
+    PagesIncomplete += card.incomplete ? 1 : 0;
     letGo(card.record);
     return card;
 }
@@ -324,6 +325,9 @@ std::vector<std::string> notesOf(const ReportClass &report) {
     if (report.FilesFailed > 0)
         notes.push_back(fmt::format("{} cached files could not be read; their cards say so.",
                                     report.FilesFailed));
+    if (report.PagesIncomplete > 0)
+        notes.push_back(fmt::format("{} could not be brought with all parts; their cards say so.",
+                                    counted(report.PagesIncomplete, "rebuilt page")));
     for (const fs::path &picture : report.PicturesFailed)
         notes.push_back(fmt::format("\"{}\" is no picture that a report can show; it has the "
                                     "program's own instead.",

@@ -66,10 +66,11 @@ class ReportClass {
     std::string Visits;
     std::string PageFileName;
     std::string pageTitle;
-    bool IncludeCaseTrail = false; ///< what was done with the project, behind the legend
-    std::size_t RecordsFailed = 0; ///< entries that only say so
-    UnreadRows FailedRows;         ///< which ones
-    std::size_t FilesFailed = 0;   ///< cards without a cached file that could not be read
+    bool IncludeCaseTrail = false;   ///< what was done with the project, behind the legend
+    std::size_t RecordsFailed = 0;   ///< entries that only say so
+    UnreadRows FailedRows;           ///< which ones
+    std::size_t FilesFailed = 0;     ///< cards without a cached file that could not be read
+    std::size_t PagesIncomplete = 0; ///< rebuilt pages that could not be brought with all parts
     /// The examiner's pictures that a report can't show.
     std::set<std::filesystem::path> PicturesFailed;
     bool HeaderFailed = false;

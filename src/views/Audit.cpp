@@ -117,10 +117,11 @@ std::string AuditRow::otherCandidates() const {
     return text.empty() || more <= 0 ? text : text + fmt::format(" | {} more", more);
 }
 
-std::vector<AuditRow> LoadAudit(const URLClass &page, const fs::path &folder,
-                                const RebuildContext &ctx) {
+std::optional<std::vector<AuditRow>> LoadAudit(const URLClass &page, const fs::path &folder,
+                                               const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, "MainForm.LoadAudit()", kContactSupport,
-                   std::vector<AuditRow>(), [&] { return Audit(page, folder, ctx).rows(); });
+                   std::optional<std::vector<AuditRow>>(),
+                   [&] { return std::optional(Audit(page, folder, ctx).rows()); });
 }
 
 } // namespace nv

@@ -4,6 +4,7 @@
 #include "rebuild/RebuildContext.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,7 +44,7 @@ inline constexpr const char *kNotRewritten = "Not rewritten: ";
 
 /// The substitution log of a rebuilt page, with what its rebuild folder `folder` holds of it. Empty
 /// after a failure, which is logged.
-std::vector<AuditRow> LoadAudit(const URLClass &page, const std::filesystem::path &folder,
-                                const RebuildContext &ctx);
+std::optional<std::vector<AuditRow>>
+LoadAudit(const URLClass &page, const std::filesystem::path &folder, const RebuildContext &ctx);
 
 } // namespace nv

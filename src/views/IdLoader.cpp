@@ -3,7 +3,9 @@
 #include "base/NoLog.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/Damage.h"
 #include "db/ReadOnlyConnection.h"
+#include "views/DamagedList.h"
 #include "views/RowWalk.h"
 #include "views/StatementWatch.h"
 
@@ -130,17 +132,51 @@ Walk filterIds(SQLite::Database &database, const RowIds &from, const FiltersClas
     return walk;
 }
 
+namespace {
+
+/// As collectIds(), but past damage: rows of which nobody can tell go into `lost`.
+Walk gatherIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &task, RowIds &ids,
+               FoundRows &found, UnreadRows &lost) {
+    const std::size_t before = ids.size();
+    Walk walk = Walk::Finished;
+    if (unlessDamaged([&] { walk = collectIds(database, query, task, ids); }))
+        return walk;
+    ids.resize(before);
+    found.oneByOne = true;
+    SurvivingRows rows;
+    walk = survivingRows(database, query, task, rows);
+    ids.insert(ids.end(), rows.ids.begin(), rows.ids.end());
+    lost = std::move(rows.lost);
+    return walk;
+}
+
+/// Another statement of the same list may have found them.
+void appendLost(UnreadRows lost, RowIds &ids) {
+    if (lost.empty())
+        return;
+    for (const std::int32_t id : ids)
+        lost.erase(id);
+    ids.insert(ids.end(), lost.begin(), lost.end());
+}
+
+} // namespace
+
 Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersClass &filters,
               TaskMonitor &task, FoundRows &found) {
-    if (!filters.EnableFilters)
-        return collectIds(database, query, task, found.ids);
-    const std::size_t before = found.ids.size();
-    RowIds all;
-    Walk walk = collectIds(database, query, task, all);
-    if (walk == Walk::Finished)
-        walk = filterIds(database, all, filters, task, found.ids);
-    if (walk == Walk::Finished)
-        found.hidden += all.size() - (found.ids.size() - before);
+    UnreadRows lost;
+    Walk walk = Walk::Finished;
+    if (!filters.EnableFilters) {
+        walk = gatherIds(database, query, task, found.ids, found, lost);
+    } else {
+        const std::size_t before = found.ids.size();
+        RowIds all;
+        walk = gatherIds(database, query, task, all, found, lost);
+        if (walk == Walk::Finished)
+            walk = filterIds(database, all, filters, task, found.ids);
+        if (walk == Walk::Finished)
+            found.hidden += all.size() - (found.ids.size() - before);
+    }
+    appendLost(std::move(lost), found.ids);
     return walk;
 }
 

@@ -37,10 +37,12 @@ Walk filterIds(SQLite::Database &database, const RowIds &from, const FiltersClas
 struct FoundRows {
     RowIds ids;
     std::size_t hidden = 0; ///< that the filters took away; 0 while they are off
+    bool oneByOne = false;  ///< the query failed at damage, so that each row was asked for itself
 };
 
 /// Both of the above, behind what was found before. What was found before a cancel or a failure
-/// stays.
+/// stays. A damaged page costs no more than its own rows: those of which nobody can tell whether
+/// the query gives them stand last.
 Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersClass &filters,
               TaskMonitor &task, FoundRows &found);
 

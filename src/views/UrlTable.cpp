@@ -113,6 +113,10 @@ void UrlTable::take(FoundRows &&found) {
     m_ids = std::move(found.ids);
     m_hidden = found.hidden;
     m_holding.reset();
+    m_oneByOne = found.oneByOne;
+    if (m_oneByOne)
+        m_log.write({std::string(kOneByOneNote), std::string(kProcedure), Severity::Serious,
+                     std::string(kContactSupport)});
 }
 
 EmptyState UrlTable::whyEmpty(LoadResult result) {

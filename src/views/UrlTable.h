@@ -77,6 +77,8 @@ class UrlTable {
     const RowIds &ids() const { return m_ids; }
     /// Rows of the query that the record filters hide.
     std::size_t hiddenCount() const { return m_hidden; }
+    /// The query failed at damage of the project, so that each row was asked for itself.
+    bool foundOneByOne() const { return m_oneByOne; }
     UrlId idAt(std::size_t place) const;
     /// The first row with this id.
     std::optional<std::size_t> placeOf(UrlId id) const;
@@ -146,6 +148,7 @@ class UrlTable {
     const TimeZoneClass &m_zone;
     RowIds m_ids;
     std::size_t m_hidden = 0;
+    bool m_oneByOne = false;
     RowPager m_pager;
     RowCells m_cells;
     std::optional<ColumnSort> m_columnSort;
@@ -156,6 +159,9 @@ class UrlTable {
     bool m_busy = false;
 };
 
+/// What is told of a list that was found one by one.
+inline constexpr std::string_view kOneByOneNote =
+    "The project is damaged: its rows were found one by one. Rows that could not be read are last.";
 /// What the examiner is told when a load or a sort has failed.
 Message loadFailure(std::string_view reason);
 

@@ -1,5 +1,7 @@
 #include "cli/CliCase.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
+
 namespace nv::test {
 namespace {
 
@@ -122,6 +124,40 @@ TEST_F(RebuildCliTest, theAuditTellsScoreCandidatesAndWhatIsReplaced) {
     EXPECT_NE(audit.out.find("\"replaced\":false,\"score\":\"0:0\",\"URL\":\"\""),
               std::string::npos)
         << audit.out;
+}
+
+TEST_F(RebuildCliTest, anAuditThatCannotBeMadeIsNoEmptyTable) {
+    ASSERT_EQ(cli({"rebuild", project, "1", "--out", out.string()}).exit, 0);
+    ASSERT_EQ(cli({"tag", project, "1"}).exit, 0);
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("UPDATE URLs SET IngredientIDs = replace(IngredientIDs, '2|', '40002|') "
+              "WHERE URL_ID = 1");
+    ASSERT_EQ(cli({"options", "set", "WideRecordIds", "False"}).exit, 0);
+    const CliResult audit = cli({"audit", project, "1"});
+    EXPECT_EQ(audit.exit, 1);
+    EXPECT_EQ(audit.out, "");
+    EXPECT_NE(audit.err.find("a part has an id above 32767"), std::string::npos) << audit.err;
+    EXPECT_EQ(cli({"audit", project, "1", "--wide-ids"}).exit, 0);
+    const CliResult made = cli({"template", "create", project, "1", "--folder", out.string()});
+    EXPECT_EQ(made.exit, 1);
+    EXPECT_NE(made.err.find("a part has an id above 32767"), std::string::npos) << made.err;
+    const fs::path pages = folder.path() / "report";
+    const CliResult report =
+        cli({"report", project, "--type", "graphical", "--tagged", "--out", pages.string()});
+    EXPECT_EQ(report.exit, 2);
+    EXPECT_NE(report.err.find("1 rebuilt page could not be brought with all parts"),
+              std::string::npos)
+        << report.err;
+}
+
+TEST_F(RebuildCliTest, anAuditWhoseNotesCannotBeReadFails) {
+    ASSERT_EQ(cli({"rebuild", project, "1", "--out", out.string()}).exit, 0);
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("DROP TABLE RebuildAudit; CREATE TABLE RebuildAudit (URL_ID INTEGER)");
+    const CliResult audit = cli({"audit", project, "1"});
+    EXPECT_EQ(audit.exit, 3);
+    EXPECT_EQ(audit.out, "");
+    EXPECT_NE(audit.err.find("the audit can't be read"), std::string::npos) << audit.err;
 }
 
 TEST_F(RebuildCliTest, nothingIsWrittenIntoTheEvidence) {

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <fstream>
 
 namespace nv::test {
@@ -40,22 +41,28 @@ class UnreadRowsCliTest : public CliCase {
 
     std::string at(const char *name) const { return (folder.path() / name).string(); }
 
-    /// Breaks a page in the middle of table URLs; the rows in it.
-    std::vector<int> breakLeaf() {
+    /// Breaks a page in the middle of a table or an index.
+    void breakPageOf(const std::string &name, int place) {
         std::int64_t page = 0;
         std::int64_t pageSize = 0;
         {
             SQLite::Database database(project, SQLite::OPEN_READONLY);
             page = database
-                       .execAndGet("SELECT pageno FROM dbstat WHERE name = 'URLs' AND pagetype = "
-                                   "'leaf' ORDER BY path LIMIT 1 OFFSET 20")
+                       .execAndGet(fmt::format(
+                           "SELECT pageno FROM dbstat WHERE name = '{}' AND pagetype = 'leaf' "
+                           "ORDER BY path LIMIT 1 OFFSET {}",
+                           name, place))
                        .getInt64();
             pageSize = database.execAndGet("PRAGMA page_size").getInt64();
         }
         std::fstream file(project, std::ios::binary | std::ios::in | std::ios::out);
         file.seekp((page - 1) * pageSize);
         file << std::string(16, '\xFF');
-        file.close();
+    }
+
+    /// Breaks a page in the middle of table URLs; the rows in it.
+    std::vector<int> breakLeaf() {
+        breakPageOf("URLs", 20);
         SQLite::Database database(project, SQLite::OPEN_READONLY);
         std::vector<int> broken;
         for (int id = 1; id <= kRows; ++id) {
@@ -67,6 +74,27 @@ class UnreadRowsCliTest : public CliCase {
         EXPECT_GT(broken.size(), 3u);
         EXPECT_LT(broken.size(), 200u);
         return broken;
+    }
+
+    /// What the list gives of the rows, by ids.
+    std::vector<std::string> listedIds(const std::vector<std::string> &more = {}) const {
+        std::vector<std::string> call = {"list", project,     "--format",
+                                         "csv",  "--columns", "COL_URL_ID,COL_URL_STATUS"};
+        call.insert(call.end(), more.begin(), more.end());
+        auto lines = linesOf(cli(call).out);
+        if (!lines.empty())
+            lines.erase(lines.begin()); // the headings
+        return lines;
+    }
+    /// The whole rows in their order, and behind them those that nobody can read.
+    static std::vector<std::string> wholeThen(const std::vector<int> &broken) {
+        std::vector<std::string> lines;
+        for (int id = 1; id <= kRows; ++id)
+            if (std::ranges::find(broken, id) == broken.end())
+                lines.push_back(fmt::format("{},URL", id));
+        for (const int id : broken)
+            lines.push_back(fmt::format("{},Unreadable", id));
+        return lines;
     }
 
     static std::string named(const std::vector<int> &broken) {
@@ -105,6 +133,57 @@ TEST_F(UnreadRowsCliTest, aBrokenPageCostsTheListItsOwnRowsAlone) {
     EXPECT_THAT(people.err, HasSubstr(named(broken)));
     // The columns are as wide as the first rows of the list need.
     EXPECT_THAT(people.out, HasSubstr("Unrea\u2026"));
+}
+
+TEST_F(UnreadRowsCliTest, aBrokenPageOfTheDateIndexCostsNoRow) {
+    const auto whole = listedIds();
+    breakPageOf("URLDateIndex", 2);
+    EXPECT_EQ(whole, wholeThen({}));
+    EXPECT_EQ(listedIds(), whole);
+    const CliResult list = cli({"list", project});
+    EXPECT_EQ(list.exit, 0);
+    EXPECT_THAT(list.err, HasSubstr("The project is damaged: its rows were found one by one."));
+    EXPECT_EQ(cli({"export", project, at("index.csv")}).exit, 0);
+    EXPECT_EQ(text(at("index.csv")), text(at("whole.csv")));
+    const CliResult report =
+        cli({"report", project, "--type", "tabular", "--out", at("report"), "--all"});
+    EXPECT_EQ(report.exit, 0) << report.err;
+    EXPECT_THAT(report.out, HasSubstr("3000 rows reported"));
+}
+
+TEST_F(UnreadRowsCliTest, aHostFilterGoesOnBehindABrokenPage) {
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("UPDATE URLs SET Host = 'other' WHERE URL_ID > 2000; "
+              "UPDATE URLs SET ActionDateLocal = 50000 WHERE URL_ID = 1");
+    const std::vector<int> broken = breakLeaf();
+    std::vector<std::string> expected;
+    for (int id = 2; id <= 2000; ++id)
+        if (std::ranges::find(broken, id) == broken.end())
+            expected.push_back(fmt::format("{},URL", id));
+    expected.emplace_back("1,URL"); // by its date
+    for (const int id : broken)
+        expected.push_back(fmt::format("{},Unreadable", id));
+    EXPECT_EQ(listedIds({"--host", "host"}), expected);
+    const CliResult run = cli({"export", project, at("host.csv"), "--host", "host"});
+    EXPECT_EQ(run.exit, 2);
+    EXPECT_THAT(run.err, HasSubstr(named(broken)));
+}
+
+TEST_F(UnreadRowsCliTest, withoutTheDateIndexABrokenPageCostsItsOwnRowsAlone) {
+    SQLite::Database(project, SQLite::OPEN_READWRITE).exec("DROP INDEX URLDateIndex");
+    const std::vector<int> broken = breakLeaf();
+    EXPECT_EQ(listedIds(), wholeThen(broken));
+    const CliResult run = cli({"export", project, at("rows.csv")});
+    EXPECT_EQ(run.exit, 2);
+    EXPECT_THAT(run.err, HasSubstr(named(broken)));
+}
+
+TEST_F(UnreadRowsCliTest, aConditionThatMeetsABrokenPageIsNoWrongUsage) {
+    breakLeaf();
+    const CliResult run = cli({"tag", project, "--where", "URL LIKE '%/30'"});
+    EXPECT_EQ(run.exit, 3) << run.err;
+    EXPECT_THAT(run.err, HasSubstr("malformed"));
+    EXPECT_EQ(cli({"tag", project, "--where", "Nothing = 1"}).exit, 1);
 }
 
 TEST_F(UnreadRowsCliTest, withFiltersTheRowsThatCantBeReadAreNoneOfThoseHidden) {

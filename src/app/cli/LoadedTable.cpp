@@ -39,6 +39,8 @@ LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table)
     session.task.clear();
     if (loaded == LoadResult::Failed)
         throw StorageFailure(fmt::format("{}: {}", loadFailure({}).title, table.failure()));
+    if (table.foundOneByOne())
+        session.err << kOneByOneNote << '\n';
     if (table.hiddenCount() > 0)
         session.err << fmt::format("filters hide {} of {}\n", table.hiddenCount(),
                                    counted(table.hiddenCount() + table.rowCount(), "row"));

@@ -85,6 +85,17 @@ void tellTotals(Session &session, const Totals &totals) {
                                    textOf(session.program.log.path()));
 }
 
+/// A table that lacked rows would pass for an audit.
+std::vector<AuditRow> auditOf(URLClass &page, RebuildTools &tools, const Program &program) {
+    unpackPage(page, tools, program);
+    const RebuildContext &ctx = tools.context();
+    auto rows = LoadAudit(page, rebuildFolderOf(page.URLID, ctx), ctx);
+    if (!rows)
+        throw StorageFailure(fmt::format("row {}: the audit can't be read; see \"{}\"",
+                                         number(page.URLID), textOf(program.log.path())));
+    return std::move(*rows);
+}
+
 } // namespace
 
 Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
@@ -133,13 +144,12 @@ Exit auditCommand(Session &session, const std::string &project, std::int64_t url
                                              textOf(program.log.path())));
         if (!page->CacheFileRebuilt)
             throw UsageError(fmt::format("row {} was not rebuilt", urlId));
-        UnpackIngredients(*page, tools.context());
+        const auto rows = auditOf(*page, tools, program);
         const auto writer =
             makeRowWriter(format, session.out,
                           {"number", "original", "new", "extension", "state", "URL_ID", "replaced",
                            "score", "URL", "other candidates"});
-        for (const AuditRow &row :
-             LoadAudit(*page, rebuildFolderOf(page->URLID, tools.context()), tools.context()))
+        for (const AuditRow &row : rows)
             writer->row({row.number, row.originalValue, row.newValue, row.extension, row.state,
                          row.TagURLID, row.isReplaced(), row.score, row.partUrl(),
                          row.otherCandidates()});

@@ -93,7 +93,7 @@ struct Made {
     fs::path index;
     std::size_t files = 0;
     std::int64_t rows = 0;
-    std::size_t unread = 0; ///< rows of the project and cached files
+    std::size_t unread = 0; ///< rows of the project, cached files, pages that lack parts
 };
 
 /// Nothing when it was cancelled.
@@ -119,9 +119,9 @@ std::optional<Made> make(Session &session, const ReportArguments &arguments, con
         return std::nullopt;
     const fs::path index = ReportFolder::at(arguments.out).index(tools.report.ReportType);
     notePublish(session.program, index, published);
-    return Made{index, published.files,
-                rowsReported(session.program.thisClass.ProjectDB.connection()),
-                tools.report.RecordsFailed + tools.report.FilesFailed};
+    return Made{
+        index, published.files, rowsReported(session.program.thisClass.ProjectDB.connection()),
+        tools.report.RecordsFailed + tools.report.FilesFailed + tools.report.PagesIncomplete};
 }
 
 } // namespace

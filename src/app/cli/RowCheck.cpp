@@ -1,6 +1,11 @@
 #include "app/cli/RowCheck.h"
 
+#include "app/Project.h"
+#include "app/RebuildJob.h"
+#include "app/RebuildText.h"
 #include "app/cli/Session.h"
+#include "base/Files.h"
+#include "rebuild/Harvest.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -33,6 +38,17 @@ std::vector<std::int64_t> checkedRows(SQLite::Database &project,
 
 void checkRow(SQLite::Database &project, std::int64_t id) {
     checkRows(project, std::span(&id, 1));
+}
+
+void unpackPage(URLClass &page, RebuildTools &tools, const Program &program) {
+    const RebuildContext &ctx = tools.context();
+    if (needsWideIds(page.IngredientIDs, ctx.settings))
+        throw UsageError(fmt::format("row {}: {} (here: --wide-ids)", number(page.URLID),
+                                     reasonText(NotRebuilt::wideIds)));
+    if (!UnpackIngredients(page, ctx))
+        throw StorageFailure(fmt::format("row {}: the rebuilt page can't be brought back; see "
+                                         "\"{}\"",
+                                         number(page.URLID), textOf(program.log.path())));
 }
 
 } // namespace nv::cli

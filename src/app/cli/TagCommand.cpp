@@ -3,6 +3,7 @@
 #include "app/cli/RowCheck.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/Damage.h"
 #include "db/Dialect.h"
 #include "db/ReadOnlyConnection.h"
 #include "views/Tagging.h"
@@ -22,12 +23,19 @@ std::vector<std::int32_t> idsWhere(const std::string &project, const std::string
                                    FailureLog &log) {
     const auto database = openReadOnly(project);
     std::vector<std::int32_t> ids;
-    const auto failure = failureOf(log, "TestQuery()", [&] {
+    const auto collect = [&] {
         SQLite::Statement rows(*database,
                                translate("SELECT URL_ID FROM URLs WHERE (" + where + ")"));
         while (rows.executeStep())
             ids.push_back(rows.getColumn(0).getInt());
-    });
+    };
+    bool whole = true;
+    const auto failure = failureOf(log, "TestQuery()", [&] { whole = unlessDamaged(collect); });
+    if (!whole)
+        throw StorageFailure(
+            fmt::format("\"{}\" is malformed, so that not every row could be asked: "
+                        "nothing was changed",
+                        project));
     if (failure)
         throw UsageError(meaningOf(*failure));
     return ids;

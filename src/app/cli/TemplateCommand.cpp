@@ -82,7 +82,7 @@ Exit templateCreateCommand(Session &session, const TemplateArguments &arguments)
                 throw StorageFailure(fmt::format("row {} can't be read; see \"{}\"", id,
                                                  textOf(program.log.path())));
             if (page->CacheFileRebuilt)
-                UnpackIngredients(*page, tools.context());
+                unpackPage(*page, tools, program);
             const auto result = CreateTemplate(*page, folder, program.thisClass.AppVersion,
                                                arguments.overwrite ? IfTemplateExists::overwrite
                                                                    : IfTemplateExists::refuse,

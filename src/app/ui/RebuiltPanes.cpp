@@ -105,13 +105,13 @@ void RebuiltPanes::showAudit(AuditPane &pane, UrlId id) {
     if (isLeftInGallery(*page))
         return pane.showReason(tr("The gallery doesn't bring rebuilt pages back, as the setting "
                                   "DisableAutoRebuildInHTMLGallery says: the table does."));
-    std::vector<AuditRow> rows;
+    std::optional<std::vector<AuditRow>> rows;
     if (bringBack(*page))
         rows = LoadAudit(*page, rebuildFolderOf(page->URLID, ctx), ctx);
-    if (rows.empty())
+    if (!rows || rows->empty())
         pane.showReason(auditFailure(*page, ctx.settings));
     else
-        pane.showAudit(std::move(rows));
+        pane.showAudit(std::move(*rows));
 }
 
 /// A rebuilt page that can't be brought back is shown as it was cached, and the examiner learns it.

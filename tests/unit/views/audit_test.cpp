@@ -13,7 +13,8 @@ class AuditTest : public test::RebuildFixture {
   protected:
     std::vector<AuditRow> audit(UrlId id) {
         const URLClass record = get(id);
-        return LoadAudit(record, rebuildFolderOf(id, context()), context());
+        return LoadAudit(record, rebuildFolderOf(id, context()), context())
+            .value_or(std::vector<AuditRow>());
     }
     static std::vector<std::string> states(const std::vector<AuditRow> &rows) {
         std::vector<std::string> all;
