@@ -57,7 +57,7 @@ class File {
 
 /// What a file holds behind the size that it had: it grew, or it is one without a size.
 void readOn(const File &file, std::uint64_t limit, Bytes &bytes) {
-    std::array<std::uint8_t, kLeastBlock> block;
+    std::array<std::uint8_t, kLeastBlock> block{};
     while (bytes.size() < limit) {
         const std::size_t got =
             file.read(block.data(), std::min<std::uint64_t>(block.size(), limit - bytes.size()));

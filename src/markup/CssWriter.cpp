@@ -46,7 +46,8 @@ std::string stringText(std::string_view value) {
     std::string text = "\"";
     for (std::size_t at = 0; at < value.size();) {
         const std::uint32_t code = nextCode(value, at);
-        if (code < 0x20 || code >= 0x7F || kEscaped.find(static_cast<char>(code)) != kEscaped.npos)
+        if (code < 0x20 || code >= 0x7F ||
+            kEscaped.find(static_cast<char>(code)) != std::string_view::npos)
             text += escaped(code);
         else
             text += static_cast<char>(code);

@@ -137,7 +137,7 @@ std::vector<HtmlAttribute> HtmlDocument::attributesOf(const Node &element) const
 
 /// Nothing where the library points elsewhere, as it does for what it made by itself.
 SourceSpan HtmlDocument::spanOf(const char *begin, std::size_t length) const {
-    const std::less<const char *> isBefore;
+    const std::less<> isBefore;
     if (!begin || isBefore(begin, m_html.data()) ||
         isBefore(m_html.data() + m_html.size(), begin + length))
         return {};

@@ -83,10 +83,12 @@ void ReportPart::create() {
 
 fs::path ReportPart::lastReport() const {
     const fs::path &project = m_bench.program.thisClass.ProjectDBPath;
-    for (auto each = m_made.rbegin(); each != m_made.rend(); ++each)
-        if (std::error_code none; each->project == project && fs::is_regular_file(each->page, none))
-            return each->page;
-    return {};
+    const auto isShown = [&project](const auto &made) {
+        std::error_code none;
+        return made.project == project && fs::is_regular_file(made.page, none);
+    };
+    const auto last = std::find_if(m_made.rbegin(), m_made.rend(), isShown);
+    return last == m_made.rend() ? fs::path() : last->page;
 }
 
 /// The pane shows the report again of a project that is opened again: it lies in the folder for

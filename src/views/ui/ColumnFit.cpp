@@ -49,6 +49,7 @@ std::vector<int> rowsToMeasure(int count) {
     constexpr int kEach = 16;
     constexpr int kParts = 4;
     std::vector<int> rows;
+    rows.reserve(kFirst + kEach * kParts);
     for (int row = 0; row < std::min(count, kFirst); ++row)
         rows.push_back(row);
     for (int part = 1; part <= kParts; ++part)
