@@ -115,20 +115,15 @@ class Survivors {
         RowIds ordered;
         const bool sorted = unlessDamaged([&] {
             SQLite::Statement rows(m_database,
-                                   fmt::format("SELECT URL_ID FROM ({}) WHERE URL_ID IN "
-                                               "(SELECT value FROM json_each(:rows))",
-                                               m_query.sql));
-            bindQuery(rows);
-            rows.bind(":rows", listOf(ids));
+                                   fmt::format("SELECT URL_ID FROM ({}) WHERE URL_ID IN ({})",
+                                               m_query.sql, fmt::join(ids, ",")));
+            if (rows.getBindParameterCount() > 0)
+                rows.bind(1, m_query.bound);
             while (rows.executeStep())
                 ordered.push_back(rows.getColumn(0).getInt());
         });
         if (sorted)
             ids = std::move(ordered);
-    }
-
-    static std::string listOf(const RowIds &ids) {
-        return fmt::format("[{}]", fmt::join(ids, ","));
     }
 
     void bindQuery(SQLite::Statement &statement) const {

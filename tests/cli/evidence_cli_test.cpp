@@ -198,7 +198,8 @@ TEST_F(EvidenceCliTest, aReportOfContentThatCantBeReadSaysSo) {
 }
 
 TEST_F(EvidenceCliTest, aPipeThatIsNamedIsNoPlainFile) {
-    const fs::path pipe = folder.path() / "pipe";
+    const fs::path pipe = evidence / "pipe";
+    fs::create_directories(evidence);
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     const CliResult run = cli({"import", project, pipe.string()});
     EXPECT_EQ(run.exit, 2) << run.err;

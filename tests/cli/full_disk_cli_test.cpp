@@ -62,7 +62,7 @@ TEST_F(FullDiskCli, ofTheProjectIsNamedAtWhateverStepOfAnImport) {
         folder.write(fmt::format("evidence/{}.html", i),
                      fmt::format("<html><a href=\"http://host/{}\">{}</a></html>", i,
                                  std::string(1000, 'x')));
-    const std::string first = folder.write("first.html", "<html></html>").string();
+    const std::string first = folder.write("first/page.html", "<html></html>").string();
     ASSERT_EQ(cli({"import", project, first}).exit, 0);
     const std::string made = text(project);
     int ended = 0;

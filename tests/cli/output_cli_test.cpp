@@ -19,8 +19,8 @@ class OutputCliTest : public CliCase {
         import(index);
     }
 
-    const std::string kPage =
-        "<html><title>T</title>" + std::string(std::size_t{300} << 10, 'x') + "</html>";
+    const std::string kPage = "<html><title>T</title><img src=\"a.gif\" >" +
+                              std::string(std::size_t{300} << 10, 'x') + "</html>";
 };
 
 TEST_F(OutputCliTest, nothingIsWrittenOverAProject) {
@@ -64,7 +64,7 @@ TEST_F(OutputCliTest, aFolderOfTheExaminersIsNoLeftover) {
     const fs::path pages = folder.path() / "pages";
     folder.write("pages/0000001.NVR.~new/notes.txt", "mine");
     const CliResult run = cli({"rebuild", project, "1", "--out", pages.string()});
-    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(run.exit, 0) << run.out << run.err;
     EXPECT_EQ(text(pages / "0000001.NVR.~new" / "notes.txt"), "mine");
     EXPECT_TRUE(fs::exists(pages / "0000001.NVR" / "0000001.htm"));
     EXPECT_FALSE(fs::exists(pages / "0000001.NVR.~new2"));

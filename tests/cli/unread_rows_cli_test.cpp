@@ -180,7 +180,7 @@ TEST_F(UnreadRowsCliTest, withoutTheDateIndexABrokenPageCostsItsOwnRowsAlone) {
 
 TEST_F(UnreadRowsCliTest, aConditionThatMeetsABrokenPageIsNoWrongUsage) {
     breakLeaf();
-    const CliResult run = cli({"tag", project, "--where", "URL LIKE '%/30'"});
+    const CliResult run = cli({"tag", project, "--where", "WebPageTitle LIKE '%30'"});
     EXPECT_EQ(run.exit, 3) << run.err;
     EXPECT_THAT(run.err, HasSubstr("malformed"));
     EXPECT_EQ(cli({"tag", project, "--where", "Nothing = 1"}).exit, 1);

@@ -67,7 +67,8 @@ TEST_F(ProjectInUseTest, anOlderProjectThatIsReadOnlyOffersNoUpgrade) {
 }
 
 TEST_F(ProjectInUseTest, neitherANewProjectNorSaveAsReplacesIt) {
-    EXPECT_THROW(commands.OpenFile(path, OpenMode::newAtPath), StorageFailure);
+    examiner.expect("opening-failed");
+    EXPECT_FALSE(commands.OpenFile(path, OpenMode::newAtPath));
     ASSERT_TRUE(commands.OpenFile(folder.path() / "second.nvp", OpenMode::newAtPath));
     dialogs.answer = path;
     examiner.expect("save-as-failed");
