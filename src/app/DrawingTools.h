@@ -13,7 +13,7 @@ namespace nv {
 /// own. Throws StorageFailure when it can't draw.
 std::unique_ptr<Drawing> makeDrawing(const std::filesystem::path &scratch);
 
-/// The same for pictures one by one, while the program goes on.
+/// The same for one after another, while the program goes on.
 std::unique_ptr<DrawService> makeDrawService(const std::filesystem::path &scratch,
                                              std::chrono::seconds timeout, DrawService::Done done);
 

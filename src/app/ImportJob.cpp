@@ -48,10 +48,6 @@ HistoryFileType typeOfCommandLine(const fs::path &file) {
     return HistoryFileType::none;
 }
 
-std::int64_t lastIdOf(SQLite::Database &project) {
-    return project.execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs").getInt64();
-}
-
 /// What the table would do at its first load: whoever only looks at the project then finds it
 /// ready, and needn't write to it.
 void prepareTable(Program &program, TaskMonitor &task) {
@@ -102,7 +98,7 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
                         evidence,    program.around.clock,
                         program.log, task,
                         scratch};
-    const std::int64_t lastId = lastIdOf(project);
+    const std::int64_t lastId = lastRow(program);
     ImportSummary summary = runImport(run, program.import);
     noteImport(program, summary);
     tellNotLogged(program, summary);

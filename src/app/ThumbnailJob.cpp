@@ -12,6 +12,10 @@ namespace nv {
 
 namespace {
 
+constexpr std::string_view kDrawable =
+    "CacheFileExists AND NOT IsCookie AND (IsPicture OR IsWebPage OR Category IN ('Pictures', "
+    "'HTML', 'Scripts, HTML'))";
+
 std::vector<std::int64_t> idsOf(Program &program, const std::string &sql) {
     return onProject([&] {
         std::vector<std::int64_t> ids;
@@ -51,10 +55,26 @@ ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &sc
 std::vector<std::int64_t> drawableIds(Program &program, Redo redo) {
     return idsOf(
         program,
-        fmt::format("SELECT URL_ID FROM URLs WHERE CacheFileExists AND NOT IsCookie AND (IsPicture "
-                    "OR IsWebPage OR Category IN ('Pictures', 'HTML', "
-                    "'Scripts, HTML')){} ORDER BY URL_ID",
+        fmt::format("SELECT URL_ID FROM URLs WHERE {}{} ORDER BY URL_ID", kDrawable,
                     redo == Redo::yes ? "" : " AND ifnull(length(ThumbnailMD5Hash), 0) = 0"));
+}
+
+std::int64_t lastRow(Program &program) {
+    return program.thisClass.ProjectDB.connection()
+        .execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs")
+        .getInt64();
+}
+
+ThumbnailCount countThumbnails(Program &program) {
+    return onProject([&] {
+        SQLite::Statement count(
+            program.thisClass.ProjectDB.connection(),
+            fmt::format("SELECT count(*), count(CASE WHEN length(ThumbnailMD5Hash) > 0 THEN 1 END) "
+                        "FROM URLs WHERE {}",
+                        kDrawable));
+        count.executeStep();
+        return ThumbnailCount{count.getColumn(1).getInt64(), count.getColumn(0).getInt64()};
+    });
 }
 
 std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids) {

@@ -33,6 +33,14 @@ enum class Redo { no, yes };
 /// Rows with cached content that may be a picture or a page, by id; with `Redo::no` those without a
 /// thumbnail only.
 std::vector<std::int64_t> drawableIds(Program &program, Redo redo);
+/// The greatest number of a row; 0 without rows.
+std::int64_t lastRow(Program &program);
+/// Of those rows, how many there are and how many have a thumbnail.
+struct ThumbnailCount {
+    std::int64_t drawn = 0;
+    std::int64_t drawable = 0;
+};
+ThumbnailCount countThumbnails(Program &program);
 /// Of `ids` those that have no thumbnail yet.
 std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids);
 /// Rows above `lastId` that an import with these settings makes thumbnails of.

@@ -2,8 +2,10 @@
 
 #include "base/Files.h"
 #include "base/Md5.h"
+#include "base/NoLog.h"
 #include "base/Storage.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "db/SqliteErrors.h"
 #include "readers/CachedBody.h"
 #include "readers/ContentProbe.h"
@@ -22,6 +24,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kScratchName = "~tmp";
+constexpr std::string_view kProcedure = "MainBAS.MakeThumbnail()";
 
 constexpr std::array<std::string_view, 5> kPictures = {"jpg", "jpeg", "bmp", "png", "gif"};
 constexpr std::array<std::string_view, 4> kPages = {"html", "htm", "asp", "aspx"};
@@ -101,6 +104,16 @@ void writeRow(const URLClass &record, SQLite::Database &project) {
     });
 }
 
+/// The log has why another row can't be read.
+bool isGone(UrlId URL_ID, const ThumbnailContext &ctx) {
+    NoLog unheard;
+    return trapped(unheard, Severity::Low, {}, {}, false, [&] {
+        SQLite::Statement row(ctx.project, "SELECT Count(*) FROM URLs WHERE URL_ID = ?");
+        row.bind(1, number(URL_ID));
+        return row.executeStep() && row.getColumn(0).getInt() == 0;
+    });
+}
+
 } // namespace
 
 std::optional<DrawJob::Kind> drawnAs(std::string_view extension) {
@@ -138,13 +151,42 @@ Preparation prepareThumbnail(ThumbnailJob &job, const fs::path &folder,
     return Preparation::ready;
 }
 
+std::optional<ThumbnailJob> jobOfRow(UrlId URL_ID, const fs::path &folder,
+                                     const ThumbnailContext &ctx, ThumbnailTotals &totals) {
+    auto record = ctx.records.GetURL(URL_ID);
+    if (!record) {
+        ++(isGone(URL_ID, ctx) ? totals.withoutContent : totals.failed);
+        return std::nullopt;
+    }
+    ThumbnailJob job{std::move(*record), {}};
+    const auto state =
+        trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, Preparation::noContent,
+                [&] { return prepareThumbnail(job, folder, ctx); });
+    if (state == Preparation::ready)
+        return job;
+    ++(state == Preparation::noContent ? totals.withoutContent : totals.otherKinds);
+    return std::nullopt;
+}
+
 void keepThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext &ctx) {
     fill(job.record, job.drawing, drawn, ctx);
     writeRow(job.record, ctx.project);
 }
 
+void settleThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext &ctx,
+                     ThumbnailTotals &totals) {
+    const bool kept =
+        drawn.done && trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+            keepThumbnail(job, drawn, ctx);
+            return true;
+        });
+    if (!drawn.done)
+        logUndrawn(job.record.URLID, drawn.failure, ctx.log);
+    ++(kept ? totals.made : totals.failed);
+}
+
 void logUndrawn(UrlId URL_ID, std::string_view failure, FailureLog &log) {
-    log.write({fmt::format("URL ID: {} {}", number(URL_ID), failure), "MainBAS.MakeThumbnail()",
+    log.write({fmt::format("URL ID: {} {}", number(URL_ID), failure), std::string(kProcedure),
                Severity::Low, std::string(kNotSerious)});
 }
 

@@ -28,9 +28,17 @@ enum class Preparation { ready, noContent, otherKind };
 /// must not show what belongs to another. The target lies beside the folder. Throws.
 Preparation prepareThumbnail(ThumbnailJob &job, const std::filesystem::path &folder,
                              const ThumbnailContext &ctx);
+/// The same for a row; nothing when there is nothing to draw, which is counted. A failure is
+/// logged. Throws StorageFailure.
+std::optional<ThumbnailJob> jobOfRow(UrlId URL_ID, const std::filesystem::path &folder,
+                                     const ThumbnailContext &ctx, ThumbnailTotals &totals);
 
 /// Reads the finished drawing into the record and its row, in one write. Throws.
 void keepThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext &ctx);
+/// Keeps what came of the drawing, when something did, and counts it. A failure is logged. Throws
+/// StorageFailure.
+void settleThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext &ctx,
+                     ThumbnailTotals &totals);
 
 void logUndrawn(UrlId URL_ID, std::string_view failure, FailureLog &log);
 

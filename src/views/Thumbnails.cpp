@@ -1,6 +1,5 @@
 #include "views/Thumbnails.h"
 
-#include "base/NoLog.h"
 #include "base/Storage.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
@@ -89,28 +88,8 @@ class ThumbnailRun {
     }
 
     void prepare(UrlId id) {
-        auto record = m_ctx.records.GetURL(id);
-        if (!record)
-            return void(++(isGone(id) ? m_totals.withoutContent : m_totals.failed));
-        ThumbnailJob job{std::move(*record), {}};
-        const auto state =
-            trapped(m_ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport,
-                    Preparation::noContent,
-                    [&] { return prepareThumbnail(job, m_folder.place(m_jobs.size()), m_ctx); });
-        if (state == Preparation::ready)
-            m_jobs.push_back(std::move(job));
-        else
-            ++(state == Preparation::noContent ? m_totals.withoutContent : m_totals.otherKinds);
-    }
-
-    /// The log has why another row can't be read.
-    bool isGone(UrlId id) const {
-        NoLog unheard;
-        return trapped(unheard, Severity::Low, {}, {}, false, [&] {
-            SQLite::Statement row(m_ctx.project, "SELECT Count(*) FROM URLs WHERE URL_ID = ?");
-            row.bind(1, number(id));
-            return row.executeStep() && row.getColumn(0).getInt() == 0;
-        });
+        if (auto job = jobOfRow(id, m_folder.place(m_jobs.size()), m_ctx, m_totals))
+            m_jobs.push_back(std::move(*job));
     }
 
     void drawBatch() {
@@ -124,15 +103,7 @@ class ThumbnailRun {
     }
 
     bool take(ThumbnailJob &job, const Drawn &drawn) {
-        const bool kept =
-            drawn.done && trapped(m_ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()",
-                                  kContactSupport, false, [&] {
-                                      keepThumbnail(job, drawn, m_ctx);
-                                      return true;
-                                  });
-        if (!drawn.done)
-            logUndrawn(job.record.URLID, drawn.failure, m_ctx.log);
-        ++(kept ? m_totals.made : m_totals.failed);
+        settleThumbnail(job, drawn, m_ctx, m_totals);
         m_rows.written();
         return goOn();
     }

@@ -168,7 +168,9 @@ void GalleryTest::withoutThumbnailsItSaysWhatToDo() {
     project().exec("UPDATE URLs SET ThumbnailMD5Hash = ''");
     gallery().setDirty();
     QCOMPARE(tiles().rowCount(), 0);
-    QVERIFY(child<QLabel>(*m_form, "labGalleryEmpty").text().contains(QStringLiteral("Make")));
+    QVERIFY(child<QLabel>(*m_form, "labGalleryEmpty")
+                .text()
+                .contains(QStringLiteral("The button below draws")));
 }
 
 } // namespace nv

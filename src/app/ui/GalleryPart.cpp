@@ -1,23 +1,35 @@
 #include "app/ui/GalleryPart.h"
 
-#include "app/ThumbnailJob.h"
+#include "base/Text.h"
 #include "platform/qt/QtText.h"
 #include "views/ui/GalleryTab.h"
 
 namespace nv {
 
 GalleryPart::GalleryPart(Workbench &bench)
-    : m_bench(bench), m_gallery(new GalleryTab(bench.runTask, bench.examiner())) {
+    : m_bench(bench), m_gallery(new GalleryTab(bench.runTask, bench.examiner())),
+      m_background(bench) {
     bench.dataTabs->addTab(m_gallery, tr("Gallery"));
     TableTab &table = *bench.table;
     connect(m_gallery, &GalleryTab::urlChosen, &table,
             [&table](qint64 id) { table.grid().setCurrentUrl(UrlId{id}); });
     connect(m_gallery, &GalleryTab::tagChanged, &table, &TableTab::noteTick);
-    connect(m_gallery, &GalleryTab::thumbnailsWanted, this, [this] {
-        m_bench.run("MainForm.makeThumbnails()", [this] { makeThumbnailsOfAll(); });
-    });
+    connect(m_gallery, &GalleryTab::thumbnailsWanted, this,
+            [this] { m_bench.run("MainForm.makeThumbnails()", [this] { switchDrawing(); }); });
+    connect(m_gallery, &GalleryTab::lookedAt, this, &GalleryPart::count);
+    connect(&m_background, &BackgroundThumbnails::progressed, this,
+            [this](const ThumbnailTotals &totals) {
+                m_drawnSince = totals.made;
+                m_gallery->setOutdated();
+                showCount();
+            });
+    connect(&m_background, &BackgroundThumbnails::ended, this, &GalleryPart::tellEnd);
     connect(&table, &TableTab::statusChanged, this, &GalleryPart::followTable);
-    connect(&bench, &Workbench::thumbnailsChanged, m_gallery, &GalleryTab::setDirty);
+    connect(&bench, &Workbench::thumbnailsChanged, this, [this] {
+        m_isCounted = false;
+        m_gallery->setDirty();
+        count();
+    });
     connect(&bench, &Workbench::galleryOutdated, m_gallery, &GalleryTab::setOutdated);
     connect(&bench, &Workbench::optionsChanged, this, &GalleryPart::takeOptions);
     connect(m_gallery, &GalleryTab::choiceChanged, this,
@@ -48,9 +60,11 @@ GallerySettings GalleryPart::settings() const {
 }
 
 void GalleryPart::open() {
+    m_isCounted = false;
     m_gallery->openProject(m_bench.project(), m_bench.program.log, settings(),
                            m_bench.program.thisClass.ViewerThumbnailWidth);
     takeOptions();
+    count();
 }
 
 void GalleryPart::takeOptions() {
@@ -58,19 +72,43 @@ void GalleryPart::takeOptions() {
     m_gallery->setChoice(settings(), state.PARD, state.ViewerThumbnailWidth);
 }
 
-void GalleryPart::makeThumbnailsOfAll() {
+void GalleryPart::switchDrawing() {
+    if (m_background.isRunning())
+        return m_background.stop();
     if (!m_bench.isProjectOpen() || !m_bench.mayWrite())
         return;
-    Program &program = m_bench.program;
-    ThumbnailTotals totals;
-    m_bench.runTask(
-        {"MAKING THUMBNAILS", "Drawing pictures and web pages", "", ""}, [&](TaskMonitor &task) {
-            const ThumbnailTools tools(program, program.thisClass.TempFolderPath);
-            makeThumbnails(tools.context(), drawableIds(program, Redo::no), task, totals);
-        });
+    m_drawnSince = 0;
+    m_background.start();
+    showCount();
+}
+
+/// Counting reads the whole table, so it isn't done for a tab that nobody looks at.
+void GalleryPart::count() {
+    if (!m_bench.isProjectOpen() || !m_gallery->isVisible() || m_background.isRunning())
+        return;
+    m_bench.run("MainForm.countThumbnails()", [this] {
+        const std::int64_t last = lastRow(m_bench.program);
+        if (!m_isCounted || last != m_countedTo)
+            m_counted = countThumbnails(m_bench.program);
+        m_isCounted = true;
+        m_countedTo = last;
+        m_drawnSince = 0;
+    });
+    showCount();
+}
+
+void GalleryPart::showCount() {
+    m_gallery->showDrawn(m_counted.drawn + static_cast<qint64>(m_drawnSince), m_counted.drawable,
+                         m_background.isRunning());
+}
+
+void GalleryPart::tellEnd(const ThumbnailTotals &totals) {
     emit m_bench.thumbnailsChanged();
-    m_bench.showNotice(
-        tr("%L1 thumbnails made, %L2 drawings failed").arg(totals.made).arg(totals.failed));
+    m_bench.showNotice(totals.failed == 0
+                           ? tr("%1 made").arg(toQt(counted(totals.made, "thumbnail")))
+                           : tr("%1 made, %2 failed")
+                                 .arg(toQt(counted(totals.made, "thumbnail")),
+                                      toQt(counted(totals.failed, "drawing"))));
 }
 
 } // namespace nv

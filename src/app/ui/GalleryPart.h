@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ui/BackgroundThumbnails.h"
 #include "app/ui/Workbench.h"
 #include "views/Gallery.h"
 
@@ -19,10 +20,18 @@ class GalleryPart final : public QObject {
     void open();
     void takeOptions();
     void followTable();
-    void makeThumbnailsOfAll();
+    void switchDrawing();
+    void count();
+    void showCount();
+    void tellEnd(const ThumbnailTotals &totals);
 
     Workbench &m_bench;
     GalleryTab *m_gallery = nullptr;
+    BackgroundThumbnails m_background;
+    ThumbnailCount m_counted;       ///< before the drawing that runs
+    std::uint64_t m_drawnSince = 0; ///< by it
+    bool m_isCounted = false;
+    std::int64_t m_countedTo = 0; ///< the last row
 };
 
 } // namespace nv

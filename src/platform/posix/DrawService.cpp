@@ -26,6 +26,8 @@ constexpr std::size_t kOrdersPerProcess = 300;
 /// A process without an order waits for the next one.
 constexpr std::chrono::hours kAnyTime{24 * 365};
 constexpr std::chrono::seconds kLongestStart{15};
+/// Of a page that takes too long the process tells by itself.
+constexpr std::chrono::seconds kGrace{2};
 
 class OrderPipe {
   public:
@@ -150,8 +152,8 @@ bool DrawService::takeLine(std::string_view line) {
 bool DrawService::goOn() {
     const std::scoped_lock lock(m_mutex);
     const bool isAtWork = m_atHand || !m_isReady;
-    m_isStuck = isAtWork && Clock::now() - m_since >
-                                m_timeout + (m_isReady ? std::chrono::seconds{} : kLongestStart);
+    m_isStuck =
+        isAtWork && Clock::now() - m_since > m_timeout + (m_isReady ? kGrace : kLongestStart);
     return !m_ends && !m_isStuck;
 }
 

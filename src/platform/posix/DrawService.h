@@ -19,13 +19,13 @@
 
 namespace nv {
 
-/// Draws pictures one by one while the program goes on, in a process that stays for the next one. A
-/// picture that crashes or holds up the process costs itself and a new start.
+/// Draws pictures and pages one by one while the program goes on, in a process that stays for the
+/// next one. One that crashes or holds up the process costs itself and a new start.
 class DrawService {
   public:
     struct Order {
         std::uint64_t number = 0; ///< the caller's, of this order only
-        DrawJob job;              ///< a picture
+        DrawJob job;
     };
     /// Is called in another thread than the caller's.
     using Done = std::function<void(const Order &, const Drawn &)>;

@@ -139,11 +139,14 @@ QWidget *GalleryTab::newPageBar() {
         }
     }
     row->addStretch(1);
-    auto *make = new QPushButton(tr("Make Thumbnails"));
-    make->setObjectName(QStringLiteral("btnMakeThumbnails"));
-    make->setToolTip(tr("Draw the pictures and pages that have no thumbnail yet"));
-    connect(make, &QPushButton::clicked, this, &GalleryTab::thumbnailsWanted);
-    row->addWidget(make);
+    m_drawn = new QLabel;
+    m_drawn->setObjectName(QStringLiteral("labGalleryDrawn"));
+    m_drawn->setToolTip(tr("Of the pictures and pages of the project whose content is there"));
+    row->addWidget(m_drawn);
+    m_make = new QPushButton(tr("Make Thumbnails"));
+    m_make->setObjectName(QStringLiteral("btnMakeThumbnails"));
+    connect(m_make, &QPushButton::clicked, this, &GalleryTab::thumbnailsWanted);
+    row->addWidget(m_make);
     auto *again = new QPushButton(tr("Refresh"));
     again->setObjectName(QStringLiteral("btnRefreshGallery"));
     connect(again, &QPushButton::clicked, this, &GalleryTab::refresh);
@@ -217,6 +220,19 @@ void GalleryTab::setOutdated() {
         m_gallery->GalleryDirty = true;
 }
 
+void GalleryTab::showDrawn(qint64 drawn, qint64 drawable, bool isDrawing) {
+    m_drawn->setText(drawable > 0 ? tr("%L1 of %L2 drawn").arg(drawn).arg(drawable) : QString());
+    m_make->setEnabled(isDrawing || drawn == 0 || drawn < drawable);
+    if (isDrawing)
+        m_make->setText(tr("Stop Drawing"));
+    else
+        m_make->setText(drawn > 0 ? tr("Draw the Rest") : tr("Make Thumbnails"));
+    m_make->setToolTip(isDrawing
+                           ? tr("What is drawn stays")
+                           : tr("Draw the pictures and pages that have no thumbnail yet, while you "
+                                "go on"));
+}
+
 void GalleryTab::showThumbnailSize(int width) {
     const QSize size(width, width * 3 / 4);
     m_model.setThumbnailSize(size);
@@ -251,6 +267,7 @@ void GalleryTab::showEvent(QShowEvent *event) {
     QWidget::showEvent(event);
     if (m_gallery && m_gallery->GalleryDirty)
         load();
+    emit lookedAt();
 }
 
 void GalleryTab::enableShapes() {
@@ -330,7 +347,7 @@ void GalleryTab::showState() {
         m_turn[i]->setEnabled(i < 2 ? page > 1 : page < count);
     m_tiles->setVisible(count > 0);
     m_empty->setVisible(count == 0);
-    m_empty->setText(tr("No thumbnails to show. \"Make Thumbnails\" draws the pictures and pages "
+    m_empty->setText(tr("No thumbnails to show. The button below draws the pictures and pages "
                         "whose content is there; a narrower choice above may hide the others."));
 }
 

@@ -39,6 +39,8 @@ class GalleryTab final : public QWidget {
     void setDirty();
     /// The same, but what is shown stays until it is refreshed.
     void setOutdated();
+    /// How many of the pictures and pages have a thumbnail, and whether the others are being drawn.
+    void showDrawn(qint64 drawn, qint64 drawable, bool isDrawing);
     /// Takes up other settings and the choice of shapes, and shows what they lead to.
     void setChoice(const GallerySettings &settings, const PARDClass &PARD, int thumbnailWidth);
 
@@ -48,7 +50,10 @@ class GalleryTab final : public QWidget {
     void tagChanged(qint64 URL_ID, bool tagged);
     /// The examiner has changed the box.
     void hostEntered(const QString &host);
+    /// Missing thumbnails are to be drawn, or no more of them.
     void thumbnailsWanted();
+    /// The tab is looked at, after it was out of sight.
+    void lookedAt();
     /// The examiner has ticked other shapes or kinds.
     void choiceChanged(const nv::PARDClass &PARD, const nv::GalleryMedia &media);
 
@@ -84,6 +89,8 @@ class GalleryTab final : public QWidget {
     QCheckBox *m_pages = nullptr;
     QLineEdit *m_host = nullptr;
     QLabel *m_page = nullptr;
+    QLabel *m_drawn = nullptr;
+    QPushButton *m_make = nullptr;
     std::array<QPushButton *, 4> m_turn{}; ///< first, previous, next, last
 };
 
