@@ -29,6 +29,8 @@ class LayoutsTest : public QObject {
     void aNewProjectShowsDateAndAddressOfItsRows();
     void widthsFitWhatTheColumnsHold();
     void aNarrowWindowShortensAddressesFirst();
+    void whatCantFitAnywayIsNotCut();
+    void theSignOfAnOrderWidensNoOtherColumn();
     void rowsWithoutADateComeLastButInClassic();
     void ownLayoutsAreChosenAndKeptWithTheProject();
     void aLayoutIsKeptAtOnce();
@@ -122,6 +124,24 @@ void LayoutsTest::aNarrowWindowShortensAddressesFirst() {
     m_form->resize(960, 540);
     QTRY_VERIFY(header().sectionSize(sectionOf(UrlColumn::Value)) < address);
     QCOMPARE(header().sectionSize(sectionOf(UrlColumn::LocalDate)), date);
+}
+
+void LayoutsTest::whatCantFitAnywayIsNotCut() {
+    choose(QStringLiteral("Classic"));
+    trigger(*m_form, "actLayoutFit");
+    const QFontMetrics metrics = grid().fontMetrics();
+    for (int row = 0; row < grid().model()->rowCount(); ++row)
+        QVERIFY(metrics.horizontalAdvance(cell(row, UrlColumn::Value)) <
+                header().sectionSize(sectionOf(UrlColumn::Value)));
+}
+
+void LayoutsTest::theSignOfAnOrderWidensNoOtherColumn() {
+    const int tick = header().sectionSize(sectionOf(UrlColumn::Tag));
+    const int icon = header().sectionSize(sectionOf(UrlColumn::Icon));
+    emit grid().sortRequested(UrlColumn::Host, SortDirection::Ascending);
+    trigger(*m_form, "actLayoutFit");
+    QCOMPARE(header().sectionSize(sectionOf(UrlColumn::Tag)), tick);
+    QCOMPARE(header().sectionSize(sectionOf(UrlColumn::Icon)), icon);
 }
 
 void LayoutsTest::rowsWithoutADateComeLastButInClassic() {

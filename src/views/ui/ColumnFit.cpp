@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace nv {
 
@@ -27,17 +28,19 @@ double fontScale(const QWidget &widget) {
 struct Bounds {
     int least; ///< 0: the column doesn't give way
     int most;
+    int turn = 0; ///< in which it gives way: an address tells more than the host that it holds
 };
+constexpr int kTurns = 2;
 
 Bounds boundsOf(UrlColumn column) {
     switch (column) {
     case UrlColumn::Value:
     case UrlColumn::RawValue:
-        return {24, 90};
+        return {24, 90, 1};
     case UrlColumn::WebpageTitle:
         return {14, 46};
     case UrlColumn::Host:
-        return {20, 34};
+        return {12, 34};
     default:
         return {0, 60};
     }
@@ -64,6 +67,15 @@ int marginsOf(const QTableView &grid) {
            grid.fontMetrics().averageCharWidth();
 }
 
+/// The header sets room for the sign of an order aside in all sections as soon as one has it.
+int headingWidth(QHeaderView &header, int section) {
+    const bool hasSign = header.isSortIndicatorShown();
+    header.setSortIndicatorShown(hasSign && header.sortIndicatorSection() == section);
+    const int width = header.sectionSizeHint(section);
+    header.setSortIndicatorShown(hasSign);
+    return width;
+}
+
 /// Of a cell that holds a picture or a tick.
 int cellWidth(const QTableView &grid, const QModelIndex &cell) {
     QStyleOptionViewItem option;
@@ -84,7 +96,7 @@ int ColumnFit::twips(int pixels, const QTableView &grid) {
 
 int ColumnFit::wanted(const UrlModel &model, UrlColumn column, const QTableView &grid) const {
     const int section = UrlModel::sectionOf(column);
-    int width = grid.horizontalHeader()->sectionSizeHint(section);
+    int width = headingWidth(*grid.horizontalHeader(), section);
     if (column == UrlColumn::Tag || column == UrlColumn::Icon)
         return model.rowCount() > 0 ? std::max(width, cellWidth(grid, model.index(0, section)))
                                     : width;
@@ -108,7 +120,7 @@ std::array<int, kTableColumnCount> ColumnFit::widths(const TableLayout &layout,
     std::array<int, kTableColumnCount> widths{};
     const int character = grid.fontMetrics().averageCharWidth();
     int total = 0;
-    int yielding = 0; // pixels that columns could do without
+    std::array<int, kTurns> yielding{}; // pixels that columns could do without
     const auto spare = [&](UrlColumn column) {
         const int least = boundsOf(column).least * character;
         const bool yields = layout.isFitted(column) && m_measured && least > 0;
@@ -119,16 +131,24 @@ std::array<int, kTableColumnCount> ColumnFit::widths(const TableLayout &layout,
         widths.at(indexOf(column)) =
             fitted ? m_wanted.at(indexOf(column)) : pixels(layout.widthTwips(column), grid);
         total += widths.at(indexOf(column));
-        yielding += spare(column);
+        yielding.at(std::size_t(boundsOf(column).turn)) += spare(column);
     }
-    if (total > room && yielding > 0) {
-        const double share = std::min(1.0, double(total - room) / yielding);
+    // What can't fit anyway is scrolled to, and nothing is cut for it.
+    int excess =
+        total - std::accumulate(yielding.begin(), yielding.end(), 0) > room ? 0 : total - room;
+    for (int turn = 0; turn < kTurns && excess > 0; ++turn) {
+        const int all = yielding.at(std::size_t(turn));
+        if (all == 0)
+            continue;
+        const double share = std::min(1.0, double(excess) / all);
         for (const UrlColumn column : layout.shownColumns())
-            widths.at(indexOf(column)) -= int(std::ceil(spare(column) * share));
-    } else if (total < room && m_measured && !layout.hidden(UrlColumn::Value) &&
-               layout.isFitted(UrlColumn::Value)) {
-        widths.at(indexOf(UrlColumn::Value)) += room - total;
+            if (boundsOf(column).turn == turn)
+                widths.at(indexOf(column)) -= int(std::ceil(spare(column) * share));
+        excess -= all;
     }
+    if (total < room && m_measured && !layout.hidden(UrlColumn::Value) &&
+        layout.isFitted(UrlColumn::Value))
+        widths.at(indexOf(UrlColumn::Value)) += room - total;
     return widths;
 }
 
