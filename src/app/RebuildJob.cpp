@@ -30,7 +30,7 @@ NotRebuilt whyNot(const URLClass &page, const RebuildContext &ctx) {
         return NotRebuilt::cancelled;
     // The search for tags begins with a scratch copy of the content.
     if (page.RunTimeTempFilePath.empty())
-        return NotRebuilt::contentGone;
+        return page.CacheFileExists ? NotRebuilt::contentGone : NotRebuilt::noContent;
     if (!hasTags(page, ctx))
         return NotRebuilt::noReferences;
     return needsWideIds(page.IngredientIDs, ctx.settings) ? NotRebuilt::wideIds

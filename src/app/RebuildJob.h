@@ -43,7 +43,8 @@ std::vector<std::int64_t> taggedIds(Program &program);
 
 /// Why a page wasn't rebuilt.
 enum class NotRebuilt {
-    contentGone,  ///< no cached bytes
+    noContent,    ///< a visit, or a page that was gone when it was imported
+    contentGone,  ///< no cached bytes any more
     noReferences, ///< nothing in the page that could be replaced
     wideIds,      ///< a part's id is above 32,767 and `WideRecordIds` is off
     cancelled,

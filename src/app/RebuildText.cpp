@@ -37,6 +37,8 @@ std::string notRewrittenText(std::size_t count) {
 
 std::string reasonText(NotRebuilt why) {
     switch (why) {
+    case NotRebuilt::noContent:
+        return "it has no cached content";
     case NotRebuilt::contentGone:
         return "its cached content is gone";
     case NotRebuilt::noReferences:

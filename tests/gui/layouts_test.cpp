@@ -41,6 +41,7 @@ class LayoutsTest : public QObject {
     void tickAndDateStayInSight();
     void whatStaysInSightTakesTheMouse();
     void aSortOutlivesRefreshFiltersQueriesAndReopening();
+    void anOrderByAHiddenColumnIsSaid();
     void theHeadingsMenuGoesBackToTheQuerysOrder();
     void ctrlHomeAndEndSelect();
     void aNoteShowsItsMarkAtOnce();
@@ -330,6 +331,15 @@ void LayoutsTest::aSortOutlivesRefreshFiltersQueriesAndReopening() {
     tab().chooseQuery({});
     reopen();
     QVERIFY(hosts() == sorted && isSorted());
+}
+
+void LayoutsTest::anOrderByAHiddenColumnIsSaid() {
+    const auto said = [this] { return child<QLabel>(*m_form, "labQuery").text(); };
+    choose(QStringLiteral("Classic"));
+    emit grid().sortRequested(UrlColumn::ActionDateUtc, SortDirection::Descending);
+    QVERIFY(!said().contains(QStringLiteral("by ")));
+    choose(QStringLiteral("Examiner"));
+    QVERIFY2(said().contains(QStringLiteral(", by ")), qPrintable(said()));
 }
 
 void LayoutsTest::theHeadingsMenuGoesBackToTheQuerysOrder() {

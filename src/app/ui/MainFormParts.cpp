@@ -230,11 +230,16 @@ void MainForm::showStatus() {
     m_status.rows->setText(tr("Rows: %L1").arg(table->rowCount()));
     m_status.tagged->setText(tr("Tagged: %L1").arg(m_table->taggedCount()));
     const QString query = m_table->queryName();
+    // A column that is shown has its sign in the heading.
+    const auto sort = table->columnSort();
+    const bool isSortHidden = sort && m_table->grid().tableLayout().hidden(sort->column);
+    const QString order =
+        isSortHidden ? tr(", by %1").arg(toQt(factsOf(sort->column).header)) : QString();
     constexpr int kWidestQuery = 200; // pixels
     m_status.query->setText(m_status.query->fontMetrics().elidedText(
-        tr("Query: %1").arg(query.isEmpty() ? tr("Default") : query), Qt::ElideRight,
+        tr("Query: %1").arg((query.isEmpty() ? tr("Default") : query) + order), Qt::ElideRight,
         kWidestQuery));
-    m_status.query->setToolTip(Qt::convertFromPlainText(query));
+    m_status.query->setToolTip(Qt::convertFromPlainText(query + order));
     m_status.zone->setText(tr("Zone: %1").arg(toQt(state.GMTZone.GetBiasAsTime(0))));
     const std::string base = textOf(state.RootPath);
     m_status.base->setText(

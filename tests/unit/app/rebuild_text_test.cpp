@@ -36,6 +36,8 @@ TEST(RebuildText, whatWasFoundAndNotRewrittenIsTold) {
 TEST(RebuildText, onePageIsToldWithItsReason) {
     EXPECT_EQ(reportText({1, {notRebuilt(17, NotRebuilt::contentGone)}, false}),
               "Record 17 was not rebuilt: its cached content is gone.");
+    EXPECT_EQ(reportText({1, {notRebuilt(17, NotRebuilt::noContent)}, false}),
+              "Record 17 was not rebuilt: it has no cached content.");
     EXPECT_EQ(reportText({1, {notRebuilt(17, NotRebuilt::failed)}, false}),
               "Record 17 was not rebuilt: it failed; the error log tells why.");
 }
