@@ -54,7 +54,8 @@ std::string_view valueOf(const std::vector<HtmlAttribute> &attributes, std::stri
 }
 
 bool holdsWord(std::string_view list, std::string_view wanted) {
-    for (const std::string_view word : split(replaceAll(list, "\n", " "), ' '))
+    const std::string words = replaceAll(list, "\n", " ");
+    for (const std::string_view word : split(words, ' '))
         if (equalsNoCase(trim(word), wanted))
             return true;
     return false;

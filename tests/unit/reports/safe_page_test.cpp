@@ -236,6 +236,15 @@ TEST(SafePage, whatIsNotInTheFolderGoes) {
     EXPECT_THAT(guarded("<link rel=stylesheet href=0000002.gif>"), Not(HasSubstr("<link")));
 }
 
+TEST(SafePage, aLinkOfManyWordsIsRead) {
+    EXPECT_THAT(guarded("<link rel='stylesheet of-a-page-that-says\nmuch-more-of-it' "
+                        "href=0000003.css>"),
+                HasSubstr("<link rel=\"stylesheet\" href=\"0000003.css\"/>"));
+    EXPECT_THAT(guarded("<link rel='of-a-page-that-says\nmuch-more-of-it stylesheet' "
+                        "href=0000003.css>"),
+                HasSubstr("<link rel=\"stylesheet\" href=\"0000003.css\"/>"));
+}
+
 TEST(SafePage, stylesAreWrittenAnew) {
     EXPECT_EQ(style("a:hover > b, [title='x y'] { color: #FFF !important; margin: 1px -2px }"),
               "a:hover > b, [title=\"x y\"] {color:#FFF!important;margin:1px -2px;}");
