@@ -40,7 +40,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     nv::cssBlock(tokens, {0, tokens.size()});
     const auto once = written(css);
     require(!once || written(*once) == once);
-    const nv::PageFolder folder{{"0000001.gif", "0000002.css"}, {"0000002.css"}};
+    const nv::PageFolder folder{{"0000001.gif", nv::PartKind::picture},
+                                {"0000002.css", nv::PartKind::style}};
     const nv::References references(folder);
     const std::string guarded = nv::guardedStyle(css, references);
     require(nv::guardedStyle(guarded, references) == guarded);
