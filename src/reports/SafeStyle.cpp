@@ -255,7 +255,8 @@ std::string StyleGuard::item(const CssItem &item, int depth) {
     if (item.kind != CssItem::Kind::qualifiedRule || depth >= kDeepestRule)
         return {};
     const auto front = written(item.value, {});
-    if (!front || front->empty())
+    // No selector ends in a colon; within a rule the block would be read as a property's value.
+    if (!front || front->empty() || front->ends_with(':'))
         return {};
     return *front + " {\n" + items(cssBlock(m_tokens, item.block), depth + 1) + "}\n";
 }
