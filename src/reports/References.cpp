@@ -150,11 +150,21 @@ std::optional<std::string> References::keptData(std::string_view data, Use use) 
     return use == Use::document ? keptDocument(type, bytes, charset) : std::nullopt;
 }
 
+namespace {
+
+/// XML is UTF-8 where nothing says otherwise.
+std::string decodedData(const std::string &bytes, std::string_view charset, bool isXml) {
+    DecodedPage page =
+        decodedPage(viewOf(bytes), fmt::format("Content-Type: x; charset={}", charset));
+    return isXml && page.foundIn == kNoCharset && isUtf8(bytes) ? bytes : std::move(page.text);
+}
+
+} // namespace
+
 std::optional<std::string> References::keptDocument(std::string_view type, const std::string &bytes,
                                                     std::string_view charset) const {
     const References within(m_folder, m_depth + 1);
-    const std::string text =
-        decodePage(viewOf(bytes), fmt::format("Content-Type: x; charset={}", charset));
+    const std::string text = decodedData(bytes, charset, type.ends_with("+xml"));
     if (type == "text/html" || type == "application/xhtml+xml")
         return dataOf("text/html",
                       std::string(kUtf8Mark) + guardedPage(text, PageForm::html, within));

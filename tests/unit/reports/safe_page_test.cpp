@@ -296,6 +296,7 @@ TEST(SafePage, stylesAreWrittenAnew) {
     EXPECT_EQ(style("p{a:expression (1);b:calc(1px + (2px));c:url/**/(a);d:1expression(1);"
                     "e:#a (1);--f:{url (a)};g:h}"),
               "p {b:calc(1px + (2px));g:h;}");
+    EXPECT_EQ(style("@media all{p{color:{a} b} p{color: {} b:c}}"), "@media all {p {}p {}}");
     EXPECT_EQ(style("@media screen and (color){p (a){b:c} p{a:b}}"),
               "@media screen and (color) {p {a:b;}}");
 }
@@ -316,6 +317,21 @@ TEST(SafePage, documentsAsDataAreGuardedAsWell) {
     EXPECT_EQ(body(page), page);
 }
 
+TEST(SafePage, drawingsAsDataAreUtf8UnlessTheySayOtherwise) {
+    constexpr std::string_view kBegin = "<img src=\"data:image/svg+xml;base64,";
+    for (const std::string drawing :
+         {"%3Csvg%3E%3Ctext%3E\xC3\xA9", ";charset=iso-8859-1,%3Csvg%3E%3Ctext%3E%E9",
+          "%3C?xml version='1.0' encoding='iso-8859-1'?%3E%3Csvg%3E%3Ctext%3E%E9"}) {
+        const std::string comma = drawing.starts_with(';') ? "" : ",";
+        const std::string page =
+            body("<img src=\"data:image/svg+xml" + comma + drawing + "\"><b>a</b>");
+        ASSERT_THAT(page, AllOf(StartsWith(std::string(kBegin)), EndsWith("<b>a</b>")));
+        EXPECT_EQ(fromBase64(page.substr(kBegin.size(), page.find("\"/>") - kBegin.size())),
+                  "<svg xmlns=\"http://www.w3.org/2000/svg\"><text>\xC3\xA9</text></svg>");
+        EXPECT_EQ(body(page), page);
+    }
+}
+
 TEST(SafePage, whatIsBuiltToExhaustIsShownAsText) {
     std::string deep;
     for (int i = 0; i < 50'000; ++i)
@@ -325,6 +341,9 @@ TEST(SafePage, whatIsBuiltToExhaustIsShownAsText) {
     for (int i = 0; i < 100'000; ++i)
         copies += "<p>";
     EXPECT_THAT(guarded(copies), HasSubstr("<body><pre>&lt;p&gt;&lt;b title="));
+    const std::string odd = guarded(deep + "\x7F \xC2\x81 \xEF\xB7\x90 \xF0\x9F\xBF\xBF");
+    EXPECT_THAT(odd, HasSubstr("&gt;\xEF\xBF\xBD \xEF\xBF\xBD \xEF\xBF\xBD \xEF\xBF\xBD</pre>"));
+    EXPECT_EQ(guarded(odd), odd);
 }
 
 } // namespace
