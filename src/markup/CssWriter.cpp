@@ -133,7 +133,9 @@ void CssWriter::put(CssKind kind, std::string_view text) {
 }
 
 void CssWriter::sign(CssKind kind, std::string_view text) {
-    const bool isWritten = m_last == CssKind::delim && m_text.ends_with(' '); // behind "<"
+    // Behind "<", and where what stood between two blanks has no form.
+    const bool isWritten =
+        m_last == CssKind::blank || (m_last == CssKind::delim && m_text.ends_with(' '));
     if (kind != CssKind::blank || !isWritten)
         put(kind, text);
 }

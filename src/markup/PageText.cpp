@@ -20,7 +20,7 @@ using namespace std::string_view_literals;
 constexpr std::size_t kMetaBytes = 4096;
 
 constexpr std::array<std::pair<std::string_view, std::string_view>, 3> kMarks = {{
-    {"\xEF\xBB\xBF"sv, "utf-8"},
+    {kUtf8Mark, "utf-8"},
     {"\xFF\xFE"sv, "utf-16le"},
     {"\xFE\xFF"sv, "utf-16be"},
 }};

@@ -7,6 +7,9 @@
 
 namespace nv {
 
+/// In front of a text, says that it is UTF-8, and holds over all else that says something.
+inline constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
 /// The text of a page in UTF-8, by the encoding that the page names: a byte-order mark, else its
 /// "meta" tag, else the HTTP header, else its XML declaration, else Windows-1252. Names that nobody
 /// knows are passed over. Bytes that the encoding doesn't know become U+FFFD.

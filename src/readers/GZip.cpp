@@ -125,13 +125,6 @@ bool beginsAsGZip(ByteView head) {
     return head.raw().starts_with(kMark);
 }
 
-bool DecompressGZipFile(const fs::path &packed, const fs::path &target, FailureLog &log) {
-    return trapped(log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-        moveFile(unpacked({packed, false, {}}, workFileOf(target), 0).file, target);
-        return true;
-    });
-}
-
 bool unpackBody(Body &body, std::uint64_t inMemory, FailureLog &log) {
     return trapped(log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
         Body whole = unpacked(body, workFileOf(body.file), inMemory);

@@ -4,21 +4,16 @@
 #include "base/FailureLog.h"
 #include "readers/Body.h"
 
-#include <filesystem>
+#include <cstdint>
 
 namespace nv {
 
 /// Whether the bytes begin as a gzip stream does.
 bool beginsAsGZip(ByteView head);
 
-/// Unpacks the gzip file `packed` to `target`, which may be the same path. A failure is logged and
-/// leaves `packed` as it is and no `target` of its own: damaged data, and data that grow beyond
-/// limits::kUnpackedBytes. True when `target` holds the whole content.
-bool DecompressGZipFile(const std::filesystem::path &packed, const std::filesystem::path &target,
-                        FailureLog &log);
-
-/// The same for a body that was fetched: it becomes the unpacked one, of which up to `inMemory`
-/// bytes are kept in memory. False leaves it as it is.
+/// Unpacks the gzip data of a body that was fetched: it becomes the unpacked one, of which up to
+/// `inMemory` bytes are kept in memory. A failure is logged and leaves it as it is: damaged data,
+/// and data that grow beyond limits::kUnpackedBytes. True when it holds the whole content.
 bool unpackBody(Body &body, std::uint64_t inMemory, FailureLog &log);
 
 } // namespace nv

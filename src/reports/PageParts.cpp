@@ -4,9 +4,11 @@
 #include "base/Text.h"
 #include "markup/HtmlDocument.h"
 #include "reports/PictureKind.h"
+#include "reports/Playlists.h"
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <vector>
 
 namespace nv {
@@ -23,15 +25,18 @@ struct KindRow {
 };
 
 // By their names, whatever they hold: so do browsers with files.
-constexpr std::array<KindRow, 6> kKinds = {{
-    {PartKind::harmless,
-     "gif jpg jpeg jpe png bmp tif tiff ico webp avif js txt woff woff2 ttf otf "
-     "eot mp3 mp4 ogg oga ogv wav webm avi mpg mpeg mov wmv wma mid"},
+constexpr std::array<KindRow, 9> kKinds = {{
+    {PartKind::picture, "gif jpg jpeg jpe png bmp tif tiff ico webp avif"},
+    {PartKind::plain, "js txt woff woff2 ttf otf eot"},
+    {PartKind::media, "mp3 mp4 ogg oga ogv wav webm avi mpg mpeg mov wmv wma mid"},
     {PartKind::style, "css"},
     {PartKind::page, "htm html shtm shtml"},
     {PartKind::xhtml, "xht xhtml"},
     {PartKind::svg, "svg"},
-    {PartKind::xml, "xml xsl xslt mht mhtml rss atom rdf"},
+    {PartKind::xml, "xml xsl xslt rss atom rdf"},
+    // Programs, lists and mail that fetch what they name, and are read before any policy is.
+    {PartKind::unknown, "mht mhtml maff eml hta htc sct wsc wsf wsh vbs vbe jse url lnk desktop "
+                        "webloc website m3u m3u8 pls asx wax wvx wmx wpl xspf ram smi smil qtl"},
 }};
 
 /// Text in 16 bits a letter has its mark; any other zero byte means that this is no text.
@@ -42,16 +47,30 @@ bool isBinary(const fs::path &file) {
     return !isWide && text.find('\0') != std::string_view::npos;
 }
 
-PartKind kindOf(const fs::path &file) {
+/// What the name says, nothing for a name that says nothing.
+std::optional<PartKind> kindByName(const fs::path &file) {
     const std::string extension = toLower(textOf(file.extension()));
     const std::string_view word = std::string_view(extension).substr(extension.empty() ? 0 : 1);
     for (const KindRow &row : kKinds)
         for (const std::string_view each : split(row.extensions, ' '))
             if (!word.empty() && word == each)
                 return row.kind;
-    // Of any other name browsers look at the first bytes.
+    return std::nullopt;
+}
+
+PartKind kindOf(const fs::path &file) {
+    const auto named = kindByName(file);
+    if (named == PartKind::media) {
+        const Bytes head = readHead(file, kPlaylistHead);
+        return mayBePlaylist(ByteView(head).raw()) ? PartKind::unknown : PartKind::media;
+    }
+    if (named && named != PartKind::picture)
+        return *named;
     if (!pictureKindOf(file).empty())
-        return PartKind::harmless;
+        return PartKind::picture;
+    if (named)
+        return PartKind::plain;
+    // Of any other name browsers look at the first bytes.
     return isBinary(file) ? PartKind::unknown : PartKind::text;
 }
 
@@ -119,11 +138,8 @@ PageParts partsBeside(const fs::path &page) {
     }
     for (const auto &[file, kind] : parts.kinds) {
         const std::string name = textOf(file.filename());
-        if (kind == PartKind::unknown || !isPlainName(name))
-            continue;
-        parts.folder.files.insert(name);
-        if (kind == PartKind::style)
-            parts.folder.styles.insert(name);
+        if (kind != PartKind::unknown && isPlainName(name))
+            parts.folder.emplace(name, kind);
     }
     return parts;
 }

@@ -1,26 +1,13 @@
 #pragma once
 
 #include "markup/PageText.h"
-#include "reports/References.h"
+#include "reports/PageFolder.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <string>
 
 namespace nv {
-
-/// What a browser takes a file for that it opens from a folder.
-enum class PartKind : std::uint8_t {
-    page,
-    text, ///< of a name that says nothing: browsers make a page of it where it looks like one
-    xhtml,
-    svg,
-    xml, ///< may name a program that makes a page of it
-    style,
-    harmless, ///< shown, drawn or played, and never a page
-    unknown,  ///< bytes that nothing of a guarded page shows
-};
 
 struct PageParts {
     PageFolder folder; ///< without what is unknown

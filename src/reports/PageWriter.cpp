@@ -28,6 +28,8 @@ constexpr std::array<std::string_view, 5> kTold = {"author", "description", "gen
 constexpr std::array<std::string_view, 7> kPlain = {"html", "head", "title", "body",
                                                     "div",  "br",   "img"};
 
+constexpr std::uint32_t kNoCharacter = 0xFFFD;
+
 /// Elements whose first line break isn't read.
 bool eatsLine(std::string_view name) {
     return name == "pre" || name == "textarea";
@@ -54,10 +56,18 @@ std::string_view valueOf(const std::vector<HtmlAttribute> &attributes, std::stri
 }
 
 bool holdsWord(std::string_view list, std::string_view wanted) {
-    for (const std::string_view word : split(replaceAll(list, "\n", " "), ' '))
+    const std::string words = replaceAll(list, "\n", " ");
+    for (const std::string_view word : split(words, ' '))
         if (equalsNoCase(trim(word), wanted))
             return true;
     return false;
+}
+
+/// What the parser reads as U+FFFD, though it is well written: controls behind ASCII's, and what
+/// will never be a character.
+bool isNoCharacter(std::uint32_t code) {
+    return (code >= 0x7F && code < 0xA0) || (code >= 0xFDD0 && code <= 0xFDEF) ||
+           (code > 0xFFFF && (code & 0xFFFE) == 0xFFFE);
 }
 
 } // namespace
@@ -84,9 +94,11 @@ std::string markupText(std::string_view text) {
             written += '\n';
         else if (code == '\f')
             written += ' ';
+        else if (isNoCharacter(code))
+            written += utf8Of(kNoCharacter);
         else if ((code >= ' ' || code == '\t') && (code & 0xFFFFFFFEU) != 0xFFFE)
-            written += at - begin == 1 && code == 0xFFFD
-                           ? utf8Of(code)
+            written += at - begin == 1 && code == kNoCharacter
+                           ? utf8Of(kNoCharacter)
                            : std::string(text.substr(begin, at - begin));
     }
     return written;

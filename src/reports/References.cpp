@@ -3,6 +3,7 @@
 #include "base/Base64.h"
 #include "base/Text.h"
 #include "markup/PageText.h"
+#include "reports/Playlists.h"
 #include "reports/SafePage.h"
 #include "reports/SafeStyle.h"
 
@@ -87,6 +88,21 @@ std::string dataOf(std::string_view type, std::string_view bytes) {
     return fmt::format("data:{};base64,{}", type, base64(viewOf(bytes)));
 }
 
+/// What decodes pictures and fonts makes nothing else of a file. Others go by what a file holds, so
+/// that only what was looked into is given to them.
+bool serves(PartKind kind, Use use) {
+    switch (use) {
+    case Use::style:
+        return kind == PartKind::style;
+    case Use::media:
+        return kind == PartKind::media;
+    case Use::document:
+        return kind != PartKind::style && kind != PartKind::plain && kind != PartKind::unknown;
+    default:
+        return kind != PartKind::unknown;
+    }
+}
+
 } // namespace
 
 std::optional<std::string> References::kept(std::string_view address, Use use) const {
@@ -97,8 +113,9 @@ std::optional<std::string> References::kept(std::string_view address, Use use) c
     // A place in the page itself, which read as a style would fetch what its text says.
     if (name.empty() && !clean.empty())
         return use == Use::image || use == Use::document ? std::optional(clean) : std::nullopt;
-    const auto &files = use == Use::style ? m_folder.styles : m_folder.files;
-    return files.contains(name) ? std::optional(clean) : std::nullopt;
+    const auto part = m_folder.find(name);
+    return part != m_folder.end() && serves(part->second, use) ? std::optional(clean)
+                                                               : std::nullopt;
 }
 
 /// What is kept is written anew, so that it has one form only.
@@ -119,7 +136,9 @@ std::optional<std::string> References::keptData(std::string_view data, Use use) 
         bytes = fromBase64(bytes);
     if ((use == Use::image || use == Use::document) && isOneOf(kPictures, type))
         return dataOf(type, bytes);
-    if ((use == Use::font && isOneOf(kFonts, type)) || (use == Use::media && isOneOf(kMedia, type)))
+    if (use == Use::font && isOneOf(kFonts, type))
+        return dataOf(type, bytes);
+    if (use == Use::media && isOneOf(kMedia, type) && !mayBePlaylist(bytes))
         return dataOf(type, bytes);
     if (m_depth >= kDeepest)
         return std::nullopt;
@@ -131,13 +150,24 @@ std::optional<std::string> References::keptData(std::string_view data, Use use) 
     return use == Use::document ? keptDocument(type, bytes, charset) : std::nullopt;
 }
 
+namespace {
+
+/// XML is UTF-8 where nothing says otherwise.
+std::string decodedData(const std::string &bytes, std::string_view charset, bool isXml) {
+    DecodedPage page =
+        decodedPage(viewOf(bytes), fmt::format("Content-Type: x; charset={}", charset));
+    return isXml && page.foundIn == kNoCharset && isUtf8(bytes) ? bytes : std::move(page.text);
+}
+
+} // namespace
+
 std::optional<std::string> References::keptDocument(std::string_view type, const std::string &bytes,
                                                     std::string_view charset) const {
     const References within(m_folder, m_depth + 1);
-    const std::string text =
-        decodePage(viewOf(bytes), fmt::format("Content-Type: x; charset={}", charset));
+    const std::string text = decodedData(bytes, charset, type.ends_with("+xml"));
     if (type == "text/html" || type == "application/xhtml+xml")
-        return dataOf("text/html", guardedPage(text, PageForm::html, within));
+        return dataOf("text/html",
+                      std::string(kUtf8Mark) + guardedPage(text, PageForm::html, within));
     if (type == "image/svg+xml")
         return dataOf(type, guardedPage(text, PageForm::svg, within));
     if (type.empty() || type == "text/plain")

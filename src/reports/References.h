@@ -1,8 +1,9 @@
 #pragma once
 
+#include "reports/PageFolder.h"
+
 #include <cstdint>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 
@@ -15,12 +16,6 @@ enum class Use : std::uint8_t {
     font,
     media,
     document, ///< a frame, or what a click leads to
-};
-
-/// The names of the files that lie beside a page, without folders in front.
-struct PageFolder {
-    std::set<std::string, std::less<>> files;
-    std::set<std::string, std::less<>> styles; ///< those of them that were guarded as styles
 };
 
 /// Which references of a page may stay: those to files of its own folder, to places in itself, and

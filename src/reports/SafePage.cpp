@@ -19,7 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 /// Pages that people wrote are the same the first or the second time that they are written.
 constexpr int kTries = 4;
 
@@ -124,6 +123,11 @@ std::string guardedBytes(const Bytes &bytes, PartKind kind, std::string_view cha
     }
 }
 
+/// Whether browsers find elements or styles in it; all else stays byte by byte.
+bool isGuarded(PartKind kind) {
+    return kind != PartKind::picture && kind != PartKind::media && kind != PartKind::plain;
+}
+
 } // namespace
 
 void guardFolder(const fs::path &page) {
@@ -133,7 +137,7 @@ void guardFolder(const fs::path &page) {
     for (const auto &[file, kind] : parts.kinds) {
         if (kind == PartKind::unknown)
             fs::remove(file);
-        else if (kind != PartKind::harmless)
+        else if (isGuarded(kind))
             writeWhole(file, guardedBytes(readWhole(file), kind, parts.charset, references));
     }
     half.becomeWhole();

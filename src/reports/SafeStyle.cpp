@@ -37,6 +37,7 @@ class StyleGuard {
   private:
     struct Context {
         std::string_view property; ///< in lower case; empty in front of a block
+        bool isCondition = false;  ///< in front of an at-rule's block, as in "not (color)"
         bool isOwn = false;        ///< a property that the page made up may end up in any other one
         std::vector<std::string> functions; ///< in lower case, those that the token stands in
         std::vector<CssKind> open;          ///< brackets
@@ -46,11 +47,12 @@ class StyleGuard {
     std::string item(const CssItem &item, int depth);
     std::string atRule(const CssItem &item, int depth);
     std::string import(const CssItem &item) const;
-    std::optional<std::string> prelude(CssRange part) const;
+    std::optional<std::string> condition(CssRange part) const;
     std::optional<std::string> written(CssRange part, Context context) const;
     bool write(std::size_t &at, CssRange part, Context &context, CssWriter &writer) const;
     bool writeFunction(std::size_t &at, CssRange part, Context &context, CssWriter &writer) const;
     bool writeAddress(std::string_view address, const Context &context, CssWriter &writer) const;
+    bool isAsideCall(std::size_t at, CssRange part) const;
     bool writeString(const std::string &text, const Context &context, CssWriter &writer) const;
     const CssToken *addressIn(CssRange part, std::size_t &at) const;
 
@@ -128,6 +130,17 @@ bool StyleGuard::writeFunction(std::size_t &at, CssRange part, Context &context,
     return true;
 }
 
+/// Whether the bracket at `at` follows a name, with or without blanks: old browsers take
+/// "expression (" and "url (" for functions as well, and no value has that otherwise.
+bool StyleGuard::isAsideCall(std::size_t at, CssRange part) const {
+    while (at > part.begin && m_tokens[at - 1].kind == CssKind::blank)
+        --at;
+    if (at == part.begin)
+        return false;
+    const CssKind before = m_tokens[at - 1].kind;
+    return before == CssKind::ident || before == CssKind::hash || before == CssKind::dimension;
+}
+
 /// Writes the token at `at`, which is moved on. False when the whole has to go.
 bool StyleGuard::write(std::size_t &at, CssRange part, Context &context, CssWriter &writer) const {
     const CssToken &token = m_tokens[at];
@@ -143,8 +156,12 @@ bool StyleGuard::write(std::size_t &at, CssRange part, Context &context, CssWrit
     case CssKind::openCurly:
         if (!context.isOwn)
             return false;
-        [[fallthrough]];
+        context.open.push_back(token.kind);
+        break;
     case CssKind::openRound:
+        if (!context.isCondition && isAsideCall(at, part))
+            return false;
+        [[fallthrough]];
     case CssKind::openSquare:
         context.open.push_back(token.kind);
         break;
@@ -184,8 +201,10 @@ std::optional<std::string> StyleGuard::value(std::string_view property, CssRange
     return written(part, context);
 }
 
-std::optional<std::string> StyleGuard::prelude(CssRange part) const {
-    return written(part, {});
+std::optional<std::string> StyleGuard::condition(CssRange part) const {
+    Context context;
+    context.isCondition = true;
+    return written(part, context);
 }
 
 std::string StyleGuard::import(const CssItem &item) const {
@@ -200,7 +219,7 @@ std::string StyleGuard::import(const CssItem &item) const {
     else if (address->kind != CssKind::url && address->kind != CssKind::string)
         return {};
     const auto kept = address ? m_references.kept(address->text, Use::style) : std::nullopt;
-    const auto rest = prelude({at, item.value.end});
+    const auto rest = condition({at, item.value.end});
     if (!kept || !rest || item.hasBlock)
         return {};
     CssWriter writer;
@@ -214,7 +233,7 @@ std::string StyleGuard::atRule(const CssItem &item, int depth) {
         return depth == 0 ? import(item) : std::string();
     if (!isAllowedRule(name))
         return {};
-    const auto front = prelude(item.value);
+    const auto front = condition(item.value);
     if (!front || (!item.hasBlock && name != "layer"))
         return {};
     const std::string head = '@' + name + (front->empty() ? "" : " " + *front);
@@ -235,8 +254,9 @@ std::string StyleGuard::item(const CssItem &item, int depth) {
     }
     if (item.kind != CssItem::Kind::qualifiedRule || depth >= kDeepestRule)
         return {};
-    const auto front = prelude(item.value);
-    if (!front || front->empty())
+    const auto front = written(item.value, {});
+    // No selector ends in a colon; within a rule the block would be read as a property's value.
+    if (!front || front->empty() || front->ends_with(':'))
         return {};
     return *front + " {\n" + items(cssBlock(m_tokens, item.block), depth + 1) + "}\n";
 }

@@ -47,7 +47,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string bytes(data + 1, data + size);
     const std::string html = nv::isUtf8(bytes) ? bytes : nv::fromAnsi(bytes);
     checkPlaces(html);
-    const nv::PageFolder folder{{"0000001.gif", "0000002.css", "0000003.htm"}, {"0000002.css"}};
+    const nv::PageFolder folder{{"0000001.gif", nv::PartKind::picture},
+                                {"0000002.css", nv::PartKind::style},
+                                {"0000003.htm", nv::PartKind::page}};
     const nv::References references(folder);
     const std::string guarded = nv::guardedPage(html, form, references);
     require(nv::guardedPage(guarded, form, references) == guarded);

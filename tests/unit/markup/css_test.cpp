@@ -104,6 +104,13 @@ TEST(CssWriter, writesWhatIsReadAsTheSame) {
     }
 }
 
+TEST(CssWriter, writesOneBlankWhereWhatStoodBetweenTwoHasNoForm) {
+    EXPECT_EQ(written("a url(b(c) d"), "a d");
+    EXPECT_EQ(written("a /* b */ /* c */ d"), "a d");
+    EXPECT_EQ(written("a 'b\n c"), "a c");
+    EXPECT_EQ(written("<!-- -->"), " ");
+}
+
 TEST(CssWriter, writesNothingThatIsATagOrACharacterReference) {
     EXPECT_EQ(written("a{content:'</style><img src=x>&lt;'}"),
               "a{content:\"\\3c /style\\3e \\3c img src=x\\3e \\26 lt;\"}");

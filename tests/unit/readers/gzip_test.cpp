@@ -12,43 +12,53 @@ namespace {
 
 class GZipTest : public testing::Test {
   protected:
+    /// As a body that lies in a file.
     bool unpack(const std::string &bytes) {
-        packed = folder.write("packed", bytes);
-        target = folder.path() / "target";
-        return DecompressGZipFile(packed, target, log);
+        body = {folder.write("body", bytes), false, {}};
+        return unpackBody(body, 0, log);
     }
-    std::string unpacked() const { return std::string(ByteView(readWhole(target)).raw()); }
+    std::string content() const {
+        const Bytes bytes = readWhole(body.file);
+        return std::string(ByteView(bytes).raw());
+    }
+    bool isAlone() const {
+        const std::filesystem::directory_iterator files(folder.path());
+        return std::distance(begin(files), end(files)) == 1;
+    }
 
     test::TempFolder folder;
     test::MemoryLog log;
-    std::filesystem::path packed;
-    std::filesystem::path target;
+    Body body;
 };
 
 TEST_F(GZipTest, unpacksWhatWasPacked) {
     const std::string page = "<html>caf\xC3\xA9</html>";
     ASSERT_TRUE(unpack(test::gzip(page)));
-    EXPECT_EQ(unpacked(), page);
+    EXPECT_EQ(content(), page);
+    EXPECT_FALSE(body.isInMemory);
+    EXPECT_TRUE(isAlone());
     EXPECT_TRUE(log.entries.empty());
 }
 
-TEST_F(GZipTest, unpacksOverItself) {
-    const auto file = folder.write("body", test::gzip("text"));
-    ASSERT_TRUE(DecompressGZipFile(file, file, log));
-    EXPECT_EQ(ByteView(readWhole(file)).raw(), "text");
+TEST_F(GZipTest, leavesNoFileOfABodyThatFitsInMemory) {
+    body = {folder.write("body", test::gzip("text")), false, {}};
+    ASSERT_TRUE(unpackBody(body, 4, log));
+    EXPECT_TRUE(body.isInMemory);
+    EXPECT_EQ(body.raw(), "text");
+    EXPECT_FALSE(std::filesystem::exists(body.file));
 }
 
 TEST_F(GZipTest, joinsMembersAndLeavesPadding) {
     ASSERT_TRUE(unpack(test::gzip("one ") + test::gzip("two") + std::string(300, '\0')));
-    EXPECT_EQ(unpacked(), "one two");
+    EXPECT_EQ(content(), "one two");
 }
 
 TEST_F(GZipTest, keepsDamagedDataPacked) {
     const std::string whole = test::gzip(std::string(5000, 'a') + "b");
     for (std::size_t cut = 0; cut < whole.size() - 8; ++cut) {
         EXPECT_FALSE(unpack(whole.substr(0, cut))) << cut;
-        EXPECT_FALSE(std::filesystem::exists(target)) << cut;
-        EXPECT_EQ(readWhole(packed).size(), cut);
+        EXPECT_EQ(content(), whole.substr(0, cut)) << cut;
+        EXPECT_TRUE(isAlone()) << cut;
     }
     ASSERT_FALSE(log.entries.empty());
     EXPECT_EQ(log.entries[0].procedure, "ParserClass.DecompressGZipFile()");
@@ -56,8 +66,10 @@ TEST_F(GZipTest, keepsDamagedDataPacked) {
 }
 
 TEST_F(GZipTest, refusesABombAndSaysTheLimit) {
-    EXPECT_FALSE(unpack(test::gzipOfZeros(limits::kUnpackedBytes + 1)));
-    EXPECT_FALSE(std::filesystem::exists(target));
+    const std::string bomb = test::gzipOfZeros(limits::kUnpackedBytes + 1);
+    EXPECT_FALSE(unpack(bomb));
+    EXPECT_EQ(content(), bomb);
+    EXPECT_TRUE(isAlone());
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_NE(log.entries[0].message.find(std::to_string(limits::kUnpackedBytes)),
               std::string::npos);
