@@ -149,4 +149,13 @@ Walk survivingRows(SQLite::Database &database, const IdQuery &query, TaskMonitor
     return Survivors(database, query, task).find(rows);
 }
 
+Walk rowsPastDamage(SQLite::Database &database, const IdQuery &query, TaskMonitor &task,
+                    SurvivingRows &rows) {
+    Walk walk = Walk::Finished;
+    if (unlessDamaged([&] { walk = collectIds(database, query, task, rows.ids); }))
+        return walk;
+    rows.ids.clear();
+    return survivingRows(database, query, task, rows);
+}
+
 } // namespace nv
