@@ -31,8 +31,8 @@ class ThumbnailTools {
 enum class Redo { no, yes };
 
 /// Rows with cached content that may be a picture or a page, by id; with `Redo::no` those without a
-/// thumbnail only.
-std::vector<std::int64_t> drawableIds(Program &program, Redo redo);
+/// thumbnail only. Those that can't be read are named in the log and in `unread`.
+std::vector<std::int64_t> drawableIds(Program &program, Redo redo, UnreadRows &unread);
 /// Of `ids` those that have no thumbnail yet.
 std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids);
 /// Rows above `lastId` that an import with these settings makes thumbnails of.

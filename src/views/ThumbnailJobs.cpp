@@ -79,7 +79,7 @@ void fill(URLClass &record, const DrawJob &job, const Drawn &drawn, const Thumbn
 }
 
 void writeRow(const URLClass &record, SQLite::Database &project) {
-    onProject(project, [&] {
+    onRow(project, [&] {
         SQLite::Statement update(
             project, "UPDATE URLs SET ThumbnailBLOB = ?, ThumbnailWidth = ?, ThumbnailHeight = ?, "
                      "ThumbnailCreated = ?, ThumbnailMD5Hash = ?, ThumbnailDirty = ?, "

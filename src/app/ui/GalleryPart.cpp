@@ -63,14 +63,18 @@ void GalleryPart::makeThumbnailsOfAll() {
         return;
     Program &program = m_bench.program;
     ThumbnailTotals totals;
-    m_bench.runTask(
-        {"MAKING THUMBNAILS", "Drawing pictures and web pages", "", ""}, [&](TaskMonitor &task) {
-            const ThumbnailTools tools(program, program.thisClass.TempFolderPath);
-            makeThumbnails(tools.context(), drawableIds(program, Redo::no), task, totals);
-        });
+    m_bench.runTask({"MAKING THUMBNAILS", "Drawing pictures and web pages", "", ""},
+                    [&](TaskMonitor &task) {
+                        const ThumbnailTools tools(program, program.thisClass.TempFolderPath);
+                        const auto ids = drawableIds(program, Redo::no, totals.unread);
+                        makeThumbnails(tools.context(), ids, task, totals);
+                    });
     emit m_bench.thumbnailsChanged();
-    m_bench.showNotice(
-        tr("%L1 thumbnails made, %L2 drawings failed").arg(totals.made).arg(totals.failed));
+    QString notice =
+        tr("%L1 thumbnails made, %L2 drawings failed").arg(totals.made).arg(totals.failed);
+    if (!totals.unread.empty())
+        notice += tr(". %1").arg(toQt(noteOf(totals.unread)));
+    m_bench.showNotice(notice);
 }
 
 } // namespace nv
