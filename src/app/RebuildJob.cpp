@@ -1,5 +1,6 @@
 #include "app/RebuildJob.h"
 
+#include "app/ChosenRows.h"
 #include "app/RebuildThumbnails.h"
 #include "app/Trail.h"
 #include "base/Text.h"
@@ -64,6 +65,13 @@ RebuiltPage outcomeOf(const URLClass &page, bool rebuilt, const RebuildContext &
     return outcome;
 }
 
+RebuiltPage unreadPage(std::int64_t URL_ID) {
+    RebuiltPage outcome;
+    outcome.URL_ID = URL_ID;
+    outcome.why = NotRebuilt::unreadable;
+    return outcome;
+}
+
 /// `ctx` with its progress shown as that of `task`.
 RebuildContext watchedBy(const RebuildContext &ctx, TaskMonitor &task) {
     return {ctx.project, ctx.records, ctx.evidence, ctx.TempFolderPath,
@@ -102,6 +110,8 @@ class RebuildRun {
                 return;
             if (auto page = m_tools.record(m_ids[m_next]))
                 rebuild(*page, part);
+            else
+                m_pages.push_back(unreadPage(m_ids[m_next]));
         }
     }
 
@@ -150,13 +160,8 @@ RebuildTools::RebuildTools(Program &program, TaskMonitor &task,
                                                         task,
                                                         rebuildSettings(program)} {}
 
-std::vector<std::int64_t> taggedIds(Program &program) {
-    std::vector<std::int64_t> ids;
-    SQLite::Statement rows(program.thisClass.ProjectDB.connection(),
-                           "SELECT URL_ID FROM URLs WHERE Tagged ORDER BY URL_ID");
-    while (rows.executeStep())
-        ids.push_back(rows.getColumn(0).getInt64());
-    return ids;
+std::vector<std::int64_t> taggedIds(Program &program, UnreadRows &unread) {
+    return idsPastDamage(program, "SELECT URL_ID FROM URLs WHERE Tagged ORDER BY URL_ID", unread);
 }
 
 std::optional<RebuiltPage> rebuildPage(Program &program, RebuildTools &tools, std::int64_t URL_ID) {

@@ -5,6 +5,7 @@
 #include "db/RecordStore.h"
 #include "rebuild/RebuildContext.h"
 #include "views/Audit.h"
+#include "views/UnreadRows.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -38,8 +39,8 @@ class RebuildTools {
     RebuildContext m_context;
 };
 
-/// Records with the tick, by id.
-std::vector<std::int64_t> taggedIds(Program &program);
+/// Records with the tick, by id. Those that can't be read are named in the log and in `unread`.
+std::vector<std::int64_t> taggedIds(Program &program, UnreadRows &unread);
 
 /// Why a page wasn't rebuilt.
 enum class NotRebuilt {
@@ -48,7 +49,8 @@ enum class NotRebuilt {
     noReferences, ///< nothing in the page that could be replaced
     wideIds,      ///< a part's id is above 32,767 and `WideRecordIds` is off
     cancelled,
-    failed, ///< the log tells
+    unreadable, ///< the project is damaged where the page's row lies
+    failed,     ///< the log tells
 };
 
 /// What became of the thumbnail of a page that was rebuilt.

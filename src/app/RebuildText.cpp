@@ -47,6 +47,8 @@ std::string reasonText(NotRebuilt why) {
         return "a part has an id above 32767; switch on [BEYOND] WideRecordIds in the settings";
     case NotRebuilt::cancelled:
         return "cancelled";
+    case NotRebuilt::unreadable:
+        return "its row can't be read, as the project is damaged there";
     case NotRebuilt::failed:
         break;
     }

@@ -1,5 +1,6 @@
 #include "app/ThumbnailJob.h"
 
+#include "app/ChosenRows.h"
 #include "app/DrawingTools.h"
 #include "db/SqliteErrors.h"
 
@@ -16,14 +17,8 @@ constexpr std::string_view kDrawable =
     "CacheFileExists AND NOT IsCookie AND (IsPicture OR IsWebPage OR Category IN ('Pictures', "
     "'HTML', 'Scripts, HTML'))";
 
-std::vector<std::int64_t> idsOf(Program &program, const std::string &sql) {
-    return onProject([&] {
-        std::vector<std::int64_t> ids;
-        SQLite::Statement rows(program.thisClass.ProjectDB.connection(), sql);
-        while (rows.executeStep())
-            ids.push_back(rows.getColumn(0).getInt64());
-        return ids;
-    });
+std::vector<std::int64_t> idsOf(Program &program, const std::string &sql, UnreadRows &unread) {
+    return onProject([&] { return idsPastDamage(program, sql, unread); });
 }
 
 ThumbnailSettings settingsOf(const Program &program) {
@@ -52,11 +47,12 @@ ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &sc
                                                program.log,
                                                settingsOf(program)} {}
 
-std::vector<std::int64_t> drawableIds(Program &program, Redo redo) {
+std::vector<std::int64_t> drawableIds(Program &program, Redo redo, UnreadRows &unread) {
     return idsOf(
         program,
         fmt::format("SELECT URL_ID FROM URLs WHERE {}{} ORDER BY URL_ID", kDrawable,
-                    redo == Redo::yes ? "" : " AND ifnull(length(ThumbnailMD5Hash), 0) = 0"));
+                    redo == Redo::yes ? "" : " AND ifnull(length(ThumbnailMD5Hash), 0) = 0"),
+        unread);
 }
 
 std::int64_t lastRow(Program &program) {
@@ -96,10 +92,12 @@ std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t las
     // Without pictures there are no pages either: see MakeThumbnail.
     if (!import.MakeThumbnails || !import.MakePictureThumbnails)
         return {};
+    UnreadRows logged;
     return idsOf(program,
                  fmt::format("SELECT URL_ID FROM URLs WHERE URL_ID > {} AND CacheFileExists AND "
                              "NOT IsCookie AND Category IN ('Pictures'{}) ORDER BY URL_ID",
-                             lastId, import.MakeWebPageThumbnails ? ", 'HTML'" : ""));
+                             lastId, import.MakeWebPageThumbnails ? ", 'HTML'" : ""),
+                 logged);
 }
 
 } // namespace nv

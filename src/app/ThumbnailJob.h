@@ -31,8 +31,8 @@ class ThumbnailTools {
 enum class Redo { no, yes };
 
 /// Rows with cached content that may be a picture or a page, by id; with `Redo::no` those without a
-/// thumbnail only.
-std::vector<std::int64_t> drawableIds(Program &program, Redo redo);
+/// thumbnail only. Those that can't be read are named in the log and in `unread`.
+std::vector<std::int64_t> drawableIds(Program &program, Redo redo, UnreadRows &unread);
 /// The greatest number of a row; 0 without rows.
 std::int64_t lastRow(Program &program);
 /// Of those rows, how many there are and how many have a thumbnail.
@@ -40,6 +40,7 @@ struct ThumbnailCount {
     std::int64_t drawn = 0;
     std::int64_t drawable = 0;
 };
+/// Throws what the database says: a damaged one can't be counted.
 ThumbnailCount countThumbnails(Program &program);
 /// Of `ids` those that have no thumbnail yet.
 std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids);

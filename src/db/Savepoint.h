@@ -1,20 +1,23 @@
 #pragma once
 
 #include <SQLiteCpp/Database.h>
+#include <sqlite3.h>
 
 namespace nv {
 
 /// Writes that happen together or not at all, inside of a transaction or without one. Unless
 /// release() was reached they are undone, and nothing stays open: the library's own class undoes
-/// them too, but leaves a transaction behind, and all that is written later would be lost.
+/// them too, but leaves a transaction behind, and all that is written later would be lost. Nor does
+/// one that met damage end by a savepoint: where it is the whole transaction, that is rolled back.
 class Savepoint {
   public:
-    explicit Savepoint(SQLite::Database &database) : m_database(database) {
+    explicit Savepoint(SQLite::Database &database)
+        : m_database(database), m_isWhole(sqlite3_get_autocommit(database.getHandle()) != 0) {
         m_database.exec("SAVEPOINT together");
     }
     ~Savepoint() {
         if (!m_released)
-            m_database.tryExec("ROLLBACK TO together; RELEASE together");
+            m_database.tryExec(m_isWhole ? "ROLLBACK" : "ROLLBACK TO together; RELEASE together");
     }
     Savepoint(const Savepoint &) = delete;
     Savepoint &operator=(const Savepoint &) = delete;
@@ -26,6 +29,7 @@ class Savepoint {
 
   private:
     SQLite::Database &m_database;
+    bool m_isWhole; ///< no transaction was open
     bool m_released = false;
 };
 

@@ -52,6 +52,19 @@ decltype(auto) onRow(Body &&body) {
     }
 }
 
+/// The same for a body that writes the row, which damage of a page beside the row's own makes fail
+/// too. A transaction in which that happened can only be rolled back as a whole.
+template <class Body>
+decltype(auto) onRow(const SQLite::Database &project, Body &&body) {
+    try {
+        return std::forward<Body>(body)();
+    } catch (const SQLite::Exception &error) {
+        if (isDamage(error))
+            throw;
+        throwMeaning(project, error);
+    }
+}
+
 /// Runs `body`, which opens or makes `file`: any error of the database is a StorageFailure.
 template <class Body>
 decltype(auto) onFile(const std::filesystem::path &file, Body &&body) {

@@ -39,6 +39,12 @@ void WriteBatch::commit() {
     begin();
 }
 
+void WriteBatch::giveUp() {
+    m_isOpen = false;
+    m_database.tryExec("ROLLBACK");
+    begin();
+}
+
 bool WriteBatch::end() {
     if (!std::exchange(m_isOpen, false))
         return true;

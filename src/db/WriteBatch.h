@@ -26,6 +26,9 @@ class WriteBatch {
     /// Call after each record.
     void written();
     void commit();
+    /// Undoes what was written since it was last kept. After a write that met damage the project
+    /// takes nothing else before that.
+    void giveUp();
     /// Ends the batch before its time. False when what was written behind the last commit is lost.
     bool end();
 

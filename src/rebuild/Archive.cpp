@@ -173,7 +173,7 @@ int ArchiveSeal(const fs::path &path) {
 
 bool CreateCabinetFile(const fs::path &folder, URLClass &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, "ParserClass.CreateCabinetFile()", kContactSupport,
-                   false, [&] { return onProject([&] { return create(folder, page, ctx); }); });
+                   false, [&] { return onRow([&] { return create(folder, page, ctx); }); });
 }
 
 bool UnpackCabinetFile(URLClass &page, const RebuildContext &ctx) {

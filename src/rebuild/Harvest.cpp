@@ -185,9 +185,8 @@ fs::path rebuildFolderOf(UrlId id, const RebuildContext &ctx) {
 }
 
 bool HarvestParts(URLClass &page, const fs::path &folder, Batch batch, const RebuildContext &ctx) {
-    return trapped(
-        ctx.log, Severity::Serious, "MainForm.HarvestParts()", kContactSupport, false,
-        [&] { return onProject([&] { return Harvest(page, folder, batch, ctx).run(); }); });
+    return trapped(ctx.log, Severity::Serious, "MainForm.HarvestParts()", kContactSupport, false,
+                   [&] { return onRow([&] { return Harvest(page, folder, batch, ctx).run(); }); });
 }
 
 bool StoreIngredientIDs(URLClass &page, const RebuildContext &ctx) {
@@ -199,7 +198,7 @@ bool StoreIngredientIDs(URLClass &page, const RebuildContext &ctx) {
         return true;
     };
     return trapped(ctx.log, Severity::Warning, "ParserClass.StoreIngredientIDs()", kContactSupport,
-                   false, [&] { return onProject(store); });
+                   false, [&] { return onRow(store); });
 }
 
 bool UnpackIngredients(URLClass &page, const RebuildContext &ctx) {

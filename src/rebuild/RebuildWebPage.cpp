@@ -102,9 +102,8 @@ class Rebuild {
 } // namespace
 
 bool RebuildWebPage(URLClass &page, Batch batch, const RebuildContext &ctx, const Clock &clock) {
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-        return onProject([&] { return Rebuild(page, batch, ctx, clock).run(); });
-    });
+    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false,
+                   [&] { return onRow([&] { return Rebuild(page, batch, ctx, clock).run(); }); });
 }
 
 } // namespace nv

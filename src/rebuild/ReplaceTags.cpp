@@ -160,7 +160,7 @@ std::optional<ReplacedPage> rewritten(URLClass &page, const RebuildContext &ctx)
 std::optional<ReplacedPage> ReplaceTags(URLClass &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport,
                    std::optional(ReplacedPage{{}, page.IngredientIDs, {}}),
-                   [&] { return onProject([&] { return rewritten(page, ctx); }); });
+                   [&] { return onRow([&] { return rewritten(page, ctx); }); });
 }
 
 } // namespace nv

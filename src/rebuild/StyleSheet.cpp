@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/KeyWalk.h"
 #include "db/SqliteErrors.h"
 #include "rebuild/PageText.h"
 #include "rebuild/WebMail.h"
@@ -111,13 +112,15 @@ class SheetRewriting {
         if (const std::string end = "." + extension; toLower(base).ends_with(end))
             base.resize(base.size() - end.size());
         SQLite::Statement row(m_ctx.project,
-                              "SELECT URL_ID FROM URLs WHERE URL LIKE ? AND CacheFileName LIKE ? "
-                              "AND (Host = ? OR Host = ?) ORDER BY URL_ID LIMIT 1");
-        row.bind(1, "%" + file);
-        row.bind(2, base + "%." + extension);
-        row.bind(3, m_sheet.host);
-        row.bind(4, isWebMail(m_sheet.host) ? std::string(kWebMailParts) : m_sheet.host);
-        if (!row.executeStep())
+                              "SELECT URL_ID FROM URLs WHERE URL_ID >= ?1 AND URL LIKE ?2 AND "
+                              "CacheFileName LIKE ?3 AND (Host = ?4 OR Host = ?5) ORDER BY URL_ID");
+        row.bind(2, "%" + file);
+        row.bind(3, base + "%." + extension);
+        row.bind(4, m_sheet.host);
+        row.bind(5, isWebMail(m_sheet.host) ? std::string(kWebMailParts) : m_sheet.host);
+        // The search for the page's own parts has told of rows that can't be read.
+        KeyWalk walk(m_ctx.project, row, [this](std::int64_t) { return m_ctx.task.advance(0.85); });
+        if (walk.next() != KeyStep::Row)
             return std::nullopt;
         return UrlId{row.getColumn(0).getInt64()};
     }
@@ -156,7 +159,7 @@ std::size_t FindReplaceCSSTags(const fs::path &path, const URLClass &sheet,
                                const RebuildContext &ctx, std::size_t taken) {
     // After a failure too: pictures may lie there by then.
     trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport,
-            [&] { onProject([&] { rewrite(path, sheet, ctx, taken); }); });
+            [&] { onRow([&] { rewrite(path, sheet, ctx, taken); }); });
     return taken;
 }
 

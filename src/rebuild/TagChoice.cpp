@@ -185,7 +185,7 @@ bool PickIETagOption(std::int64_t Tag_ID, const RebuildContext &ctx) {
         return true;
     };
     return trapped(ctx.log, Severity::Warning, "MainBAS.PickIETagOption()", kContactSupport, false,
-                   [&] { return onProject(pick); });
+                   [&] { return onRow(pick); });
 }
 
 bool PickNonIETagOption(std::string_view, std::int64_t Tag_ID, const RebuildContext &ctx) {
@@ -196,7 +196,7 @@ bool PickNonIETagOption(std::string_view, std::int64_t Tag_ID, const RebuildCont
         return true;
     };
     return trapped(ctx.log, Severity::Warning, "MainBAS.PickNonIETagOption()", kContactSupport,
-                   false, [&] { return onProject(pick); });
+                   false, [&] { return onRow(pick); });
 }
 
 bool ChooseTagOptions(const URLClass &page, const RebuildContext &ctx) {

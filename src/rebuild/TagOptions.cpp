@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/KeyWalk.h"
 #include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
 #include "rebuild/PageText.h"
@@ -113,10 +114,16 @@ class OptionSearch {
     bool findCandidates() {
         if (m_candidates.empty() || !m_site.isPossible())
             return true;
-        SQLite::Statement urls(m_ctx.project, "SELECT URL_ID, URL, Host FROM URLs "
-                                              "WHERE CacheType = ? ORDER BY URL_ID");
-        urls.bind(1, m_cacheType); // the column compares without regard to case
-        while (urls.executeStep()) {
+        SQLite::Statement urls(m_ctx.project, "SELECT URL_ID, URL, Host FROM URLs WHERE URL_ID >= "
+                                              "?1 AND CacheType = ?2 ORDER BY URL_ID");
+        urls.bind(2, m_cacheType); // the column compares without regard to case
+        std::size_t lost = 0;
+        KeyWalk walk(m_ctx.project, urls, [&](std::int64_t) {
+            ++lost;
+            return m_ctx.task.advance(0.5);
+        });
+        KeyStep step = walk.next();
+        for (; step == KeyStep::Row; step = walk.next()) {
             if (!m_ctx.task.advance(0.5))
                 return false;
             const std::string_view url = textIn(urls.getColumn(1));
@@ -128,7 +135,17 @@ class OptionSearch {
                     .add(urls.getColumn(0).getInt64(), url, candidates.text);
             });
         }
-        return true;
+        tellOfLost(lost);
+        return step == KeyStep::End;
+    }
+
+    void tellOfLost(std::size_t lost) const {
+        if (lost == 0)
+            return;
+        m_ctx.log.write({fmt::format("record {}: its parts were not looked for among {} that could "
+                                     "not be read, as the project is damaged where they lie",
+                                     number(m_page.URLID), counted(lost, "row")),
+                         std::string(kProcedure), Severity::Warning, std::string(kContactSupport)});
     }
 
     static std::string_view textIn(const SQLite::Column &column) {
@@ -283,7 +300,7 @@ void forgetTagOptions(const RebuildContext &ctx) {
 
 bool FindTagOptions(const URLClass &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false,
-                   [&] { return onProject([&] { return OptionSearch(page, ctx).run(); }); });
+                   [&] { return onRow([&] { return OptionSearch(page, ctx).run(); }); });
 }
 
 } // namespace nv

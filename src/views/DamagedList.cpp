@@ -1,6 +1,7 @@
 #include "views/DamagedList.h"
 
 #include "db/Damage.h"
+#include "db/KeyWalk.h"
 #include "db/ReadOnlyConnection.h"
 #include "views/StatementWatch.h"
 
@@ -46,44 +47,20 @@ class Survivors {
 
     /// Every number that lies on a broken page counts as a row.
     Walk numbersInTable() {
-        const std::int64_t greatest = greatestNumber();
         SQLite::Statement rows(m_database, "SELECT URL_ID FROM URLs NOT INDEXED WHERE URL_ID >= ? "
                                            "ORDER BY URL_ID");
-        for (std::int64_t next = 1; next <= greatest; ++next) {
-            const int end = stepFrom(rows, next);
-            if (end == SQLITE_DONE)
-                break;
-            if (end == SQLITE_ROW) // the task doesn't go on
+        KeyWalk walk(m_database, rows, [this](std::int64_t number) { return take(number); });
+        KeyStep step = walk.next();
+        for (; step == KeyStep::Row; step = walk.next())
+            if (!take(rows.getColumn(0).getInt64()))
                 return Walk::Cancelled;
-            if (next % static_cast<std::int64_t>(kRowsBetween) == 0 && !m_task.advance(0))
-                return Walk::Cancelled;
-            if (next <= greatest)
-                m_numbers.push_back(static_cast<std::int32_t>(next));
-        }
-        return Walk::Finished;
+        return step == KeyStep::End ? Walk::Finished : Walk::Cancelled;
     }
 
-    /// Steps to the first row that can't be read; `next` is then the number behind the last one
-    /// that could.
-    int stepFrom(SQLite::Statement &rows, std::int64_t &next) {
-        rows.tryReset();
-        rows.bind(1, next);
-        int answer = rows.tryExecuteStep();
-        for (; answer == SQLITE_ROW; answer = rows.tryExecuteStep()) {
-            next = rows.getColumn(0).getInt64() + 1;
-            m_numbers.push_back(static_cast<std::int32_t>(next - 1));
-            if (m_numbers.size() % kRowsBetween == 0 && !m_task.advance(0))
-                return SQLITE_ROW;
-        }
-        checkAnswer(answer);
-        return answer;
-    }
-
-    std::int64_t greatestNumber() {
-        SQLite::Statement given(m_database, "SELECT seq FROM sqlite_sequence WHERE name = 'URLs'");
-        if (!given.executeStep())
-            throw SQLite::Exception("database disk image is malformed", SQLITE_CORRUPT);
-        return std::min(given.getColumn(0).getInt64(), std::int64_t{0x7FFFFFFF});
+    /// False when the task doesn't go on.
+    bool take(std::int64_t number) {
+        m_numbers.push_back(static_cast<std::int32_t>(number));
+        return m_numbers.size() % kRowsBetween != 0 || m_task.advance(0);
     }
 
     /// Asks for each row whether the query gives it.
@@ -147,6 +124,15 @@ class Survivors {
 Walk survivingRows(SQLite::Database &database, const IdQuery &query, TaskMonitor &task,
                    SurvivingRows &rows) {
     return Survivors(database, query, task).find(rows);
+}
+
+Walk rowsPastDamage(SQLite::Database &database, const IdQuery &query, TaskMonitor &task,
+                    SurvivingRows &rows) {
+    Walk walk = Walk::Finished;
+    if (unlessDamaged([&] { walk = collectIds(database, query, task, rows.ids); }))
+        return walk;
+    rows.ids.clear();
+    return survivingRows(database, query, task, rows);
 }
 
 } // namespace nv

@@ -17,4 +17,9 @@ struct SurvivingRows {
 Walk survivingRows(SQLite::Database &database, const IdQuery &query, TaskMonitor &task,
                    SurvivingRows &rows);
 
+/// The rows that `query` gives: asked for together and, only where damage makes that fail, as
+/// above. Throws what collectIds() and survivingRows() throw.
+Walk rowsPastDamage(SQLite::Database &database, const IdQuery &query, TaskMonitor &task,
+                    SurvivingRows &rows);
+
 } // namespace nv

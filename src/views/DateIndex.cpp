@@ -1,5 +1,6 @@
 #include "views/DateIndex.h"
 
+#include "db/Damage.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -32,7 +33,10 @@ IndexState ensureIndex(SQLite::Database &database, TaskMonitor &task, std::strin
     showBuilding(task);
     SQLite::Statement statement(database, fmt::format("CREATE INDEX {} ON {}", name, columns));
     StatementWatch watch(database, task);
-    return watch.step(statement) == Step::Cancelled ? IndexState::Cancelled : IndexState::Made;
+    Step step = Step::Done;
+    if (!unlessDamaged([&] { step = watch.step(statement); }))
+        return IndexState::Damaged;
+    return step == Step::Cancelled ? IndexState::Cancelled : IndexState::Made;
 }
 
 } // namespace

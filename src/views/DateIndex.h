@@ -8,7 +8,12 @@ class Database;
 
 namespace nv {
 
-enum class IndexState { Present, Made, Cancelled };
+enum class IndexState {
+    Present,
+    Made,
+    Cancelled,
+    Damaged, ///< not all that it would hold can be read: lists do without
+};
 
 /// Makes `URLDateIndex` over the local date when the project has none: with it the default query
 /// reads no rows, only the index. Call it before a load and at the end of an import. A cancel

@@ -53,6 +53,7 @@ IdQuery galleryQuery(const RowChoice &rows, const PARDClass &PARD, const Gallery
 
 LoadResult Gallery::load(TaskMonitor &task) {
     m_ids.clear();
+    m_lost.clear();
     FoundRows found;
     // Cells are 16-bit.
     m_pageSize = static_cast<std::size_t>(std::clamp<int>(
@@ -66,8 +67,11 @@ LoadResult Gallery::load(TaskMonitor &task) {
                     return findRows(m_project, galleryQuery(choice, PARD, settings.media), Filters,
                                     task, found);
                 });
-    if (walk == Walk::Finished)
+    if (walk == Walk::Finished) {
         m_ids = std::move(found.ids);
+        m_lost = std::move(found.lost);
+        m_ids.resize(m_ids.size() - m_lost.size()); // they are its last
+    }
     m_pageCount = static_cast<int>((m_ids.size() + m_pageSize - 1) / m_pageSize);
     const bool shown = showPage(m_page);
     if (walk == Walk::Cancelled)
@@ -81,6 +85,7 @@ LoadResult Gallery::load(TaskMonitor &task) {
 bool Gallery::showPage(int page) {
     m_page = std::max(1, std::min(page, m_pageCount));
     m_gallery.Tiles.Clear();
+    m_tilesLost.clear();
     const bool read = trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [this] {
         readTiles();
         return true;
@@ -95,18 +100,32 @@ void Gallery::readTiles() {
                                      "PictureHeight, PARDValue FROM URLs WHERE URL_ID = ?");
     const std::size_t first = static_cast<std::size_t>(m_page - 1) * m_pageSize;
     const std::size_t end = std::min(m_ids.size(), first + m_pageSize);
-    const int columns = std::max(1, settings.tilesPerRow);
+    RecordTrap trap(m_log, kProcedure);
     for (std::size_t place = first; place < end; ++place) {
-        row.reset();
-        row.bind(1, m_ids[place]);
-        if (!row.executeStep())
-            continue; // deleted since the load
-        TileClass tile = tileIn(row);
-        const int cell = static_cast<int>(m_gallery.Tiles.Count());
-        tile.XCoord = static_cast<std::int16_t>(cell % columns);
-        tile.YCoord = static_cast<std::int16_t>(cell / columns);
-        m_gallery.Tiles.Add(std::move(tile));
+        const bool read = trap.run(static_cast<std::uint64_t>(m_ids[place]), [&] {
+            row.tryReset();
+            row.bind(1, m_ids[place]);
+            if (row.executeStep()) // not deleted since the load
+                addTile(row);
+        });
+        if (!read)
+            m_tilesLost.insert(m_ids[place]);
     }
+}
+
+void Gallery::addTile(SQLite::Statement &row) {
+    TileClass tile = tileIn(row);
+    const int columns = std::max(1, settings.tilesPerRow);
+    const int cell = static_cast<int>(m_gallery.Tiles.Count());
+    tile.XCoord = static_cast<std::int16_t>(cell % columns);
+    tile.YCoord = static_cast<std::int16_t>(cell / columns);
+    m_gallery.Tiles.Add(std::move(tile));
+}
+
+UnreadRows Gallery::unread() const {
+    UnreadRows rows = m_lost;
+    rows.insert(m_tilesLost.begin(), m_tilesLost.end());
+    return rows;
 }
 
 std::string Gallery::pageText() const {

@@ -13,6 +13,10 @@
 #include <optional>
 #include <string>
 
+namespace SQLite {
+class Statement;
+}
+
 namespace nv {
 
 /// One tile of the gallery. `XCoord` and `YCoord` are its column and row, 0-based.
@@ -77,6 +81,9 @@ class Gallery {
     int GalleryADOPage() const { return m_page; }           ///< from 1
     int GalleryADOPageCount() const { return m_pageCount; } ///< 0 when there is nothing to show
     std::size_t rowCount() const { return m_ids.size(); }
+    /// Rows of which nobody can tell whether they belong, and those of the page without a tile, as
+    /// they can't be read.
+    UnreadRows unread() const;
     /// The bottom line, "2 of 7".
     std::string pageText() const;
 
@@ -85,10 +92,13 @@ class Gallery {
 
   private:
     void readTiles();
+    void addTile(SQLite::Statement &row);
 
     SQLite::Database &m_project;
     FailureLog &m_log;
     RowIds m_ids;
+    UnreadRows m_lost;      ///< at the load
+    UnreadRows m_tilesLost; ///< of the page
     std::size_t m_pageSize = 1;
     int m_page = 1;
     int m_pageCount = 0;

@@ -2,6 +2,7 @@
 
 #include "base/TaskMonitor.h"
 #include "views/IdLoader.h"
+#include "views/UnreadRows.h"
 
 #include <array>
 #include <cstdint>
@@ -32,8 +33,9 @@ struct HostSortFacts {
 extern const std::array<HostSortFacts, 2> kHostSorts;
 
 /// All hosts of the project: by name ascending, or by visits descending and then by name. Throws
-/// what the database says; a cancel leaves `hosts` empty.
+/// what the database says; a cancel leaves `hosts` empty. No host counts the records in `unread`,
+/// which lie where the project is damaged.
 Walk listHosts(SQLite::Database &project, HostSort sort, TaskMonitor &task,
-               std::vector<HostRow> &hosts);
+               std::vector<HostRow> &hosts, UnreadRows &unread);
 
 } // namespace nv

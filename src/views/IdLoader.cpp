@@ -151,12 +151,13 @@ Walk gatherIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &ta
 }
 
 /// Another statement of the same list may have found them.
-void appendLost(UnreadRows lost, RowIds &ids) {
+void appendLost(UnreadRows lost, FoundRows &found) {
     if (lost.empty())
         return;
-    for (const std::int32_t id : ids)
+    for (const std::int32_t id : found.ids)
         lost.erase(id);
-    ids.insert(ids.end(), lost.begin(), lost.end());
+    found.ids.insert(found.ids.end(), lost.begin(), lost.end());
+    found.lost.merge(lost);
 }
 
 } // namespace
@@ -176,7 +177,7 @@ Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersCla
         if (walk == Walk::Finished)
             found.hidden += all.size() - (found.ids.size() - before);
     }
-    appendLost(std::move(lost), found.ids);
+    appendLost(std::move(lost), found);
     return walk;
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/TaskMonitor.h"
 #include "views/FiltersClass.h"
+#include "views/UnreadRows.h"
 #include "views/UrlQuery.h"
 
 #include <cstddef>
@@ -37,6 +38,7 @@ Walk filterIds(SQLite::Database &database, const RowIds &from, const FiltersClas
 struct FoundRows {
     RowIds ids;
     std::size_t hidden = 0; ///< that the filters took away; 0 while they are off
+    UnreadRows lost;        ///< of `ids`, those of which nobody can tell whether they belong
     bool oneByOne = false;  ///< the query failed at damage, so that each row was asked for itself
 };
 

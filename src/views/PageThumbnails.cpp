@@ -115,7 +115,7 @@ bool CreateHTMLThumbnail(const fs::path &page, const fs::path &destination, UrlI
 Stored StoreThumbnail(UrlId URL_ID, const fs::path &path, const ThumbnailContext &ctx) {
     const std::string hash = FileMD5(path).value_or("");
     const Bytes bytes = readWhole(path);
-    return onProject([&] {
+    return onRow(ctx.project, [&] {
         if (holdsAlready(URL_ID, hash, ctx.project))
             return Stored::sameBytes;
         SQLite::Statement update(ctx.project,

@@ -82,7 +82,7 @@ void fill(URLClass &record, const DrawJob &job, const Drawn &drawn, const Thumbn
 }
 
 void writeRow(const URLClass &record, SQLite::Database &project) {
-    onProject(project, [&] {
+    onRow(project, [&] {
         SQLite::Statement update(
             project, "UPDATE URLs SET ThumbnailBLOB = ?, ThumbnailWidth = ?, ThumbnailHeight = ?, "
                      "ThumbnailCreated = ?, ThumbnailMD5Hash = ?, ThumbnailDirty = ?, "
@@ -155,7 +155,10 @@ std::optional<ThumbnailJob> jobOfRow(UrlId URL_ID, const fs::path &folder,
                                      const ThumbnailContext &ctx, ThumbnailTotals &totals) {
     auto record = ctx.records.GetURL(URL_ID);
     if (!record) {
-        ++(isGone(URL_ID, ctx) ? totals.withoutContent : totals.failed);
+        if (isGone(URL_ID, ctx))
+            ++totals.withoutContent;
+        else
+            totals.unread.insert(static_cast<std::int32_t>(number(URL_ID)));
         return std::nullopt;
     }
     ThumbnailJob job{std::move(*record), {}};

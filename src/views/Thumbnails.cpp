@@ -2,6 +2,7 @@
 
 #include "base/Storage.h"
 #include "base/Trap.h"
+#include "db/Damage.h"
 #include "db/SqliteErrors.h"
 #include "db/WriteBatch.h"
 #include "views/DateIndex.h"
@@ -60,11 +61,12 @@ class ThumbnailRun {
     ThumbnailRun(const ThumbnailContext &ctx, std::span<const std::int64_t> ids, TaskMonitor &task,
                  ThumbnailTotals &totals)
         : m_ctx(ctx), m_ids(ids), m_task(task), m_totals(totals), m_folder(ctx.TempFolderPath),
-          m_rows(ctx.project, [this] { m_kept = m_totals.made; }) {}
+          m_rows(ctx.project, [this] { m_kept = m_totals.made; }),
+          m_isDamaged(!totals.unread.empty()), m_unreadBefore(totals.unread.size()) {}
     /// Whatever ends the run, the totals tell of what is in the project.
     ~ThumbnailRun() {
         if (!m_rows.end())
-            m_totals.failed += m_totals.made - std::exchange(m_totals.made, m_kept);
+            countLost();
     }
     ThumbnailRun(const ThumbnailRun &) = delete;
     ThumbnailRun &operator=(const ThumbnailRun &) = delete;
@@ -103,14 +105,38 @@ class ThumbnailRun {
     }
 
     bool take(ThumbnailJob &job, const Drawn &drawn) {
-        settleThumbnail(job, drawn, m_ctx, m_totals);
+        if (m_isDamaged)
+            m_rows.commit(); // so that a row that can't be written costs itself alone
+        const bool kept = drawn.done && keep(job, drawn);
+        if (!drawn.done)
+            logUndrawn(job.record.URLID, drawn.failure, m_ctx.log);
+        ++(kept ? m_totals.made : m_totals.failed);
         m_rows.written();
         return goOn();
     }
 
+    bool keep(ThumbnailJob &job, const Drawn &drawn) {
+        bool written = true;
+        const bool kept = trapped(
+            m_ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport, false, [&] {
+                written = unlessDamaged([&] { keepThumbnail(job, drawn, m_ctx); });
+                return written;
+            });
+        if (!written) {
+            m_isDamaged = true;
+            m_rows.giveUp();
+            countLost();
+            logUndrawn(job.record.URLID, "the project is damaged beside its row", m_ctx.log);
+        }
+        return kept;
+    }
+
+    void countLost() { m_totals.failed += m_totals.made - std::exchange(m_totals.made, m_kept); }
+
     std::size_t done() const {
         return static_cast<std::size_t>(m_totals.made + m_totals.failed + m_totals.withoutContent +
-                                        m_totals.otherKinds);
+                                        m_totals.otherKinds) +
+               m_totals.unread.size() - m_unreadBefore;
     }
 
     bool goOn() {
@@ -130,6 +156,8 @@ class ThumbnailRun {
     std::uint64_t m_kept = 0; ///< of those made
     ThumbnailFolder m_folder;
     WriteBatch m_rows;
+    bool m_isDamaged;           ///< as far as is known
+    std::size_t m_unreadBefore; ///< that were never in the list of ids
     std::vector<ThumbnailJob> m_jobs;
     std::size_t m_next = 0; ///< place in the list of ids
 };

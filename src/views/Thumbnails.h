@@ -8,6 +8,7 @@
 #include "import/ImportClass.h"
 #include "platform/Drawing.h"
 #include "readers/Evidence.h"
+#include "views/UnreadRows.h"
 
 #include <chrono>
 #include <cstdint>
@@ -41,6 +42,7 @@ struct ThumbnailTotals {
     std::uint64_t failed = 0; ///< drawings that failed; each is logged
     std::uint64_t withoutContent = 0;
     std::uint64_t otherKinds = 0; ///< neither a picture nor a page that can be drawn
+    UnreadRows unread; ///< rows that could not be read; nobody knows whether they can be drawn
     bool cancelled = false;
 };
 

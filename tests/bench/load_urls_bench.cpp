@@ -178,8 +178,9 @@ BENCHMARK_CAPTURE(findWithoutAMatch, aDate, "1999-12-31")->Unit(benchmark::kMill
 void listTheHosts(benchmark::State &state) {
     BigProject &big = bigProject();
     std::vector<HostRow> hosts;
+    UnreadRows unread;
     for (auto _ : state)
-        listHosts(big.project.connection(), HostSort::ByVisits, big.task, hosts);
+        listHosts(big.project.connection(), HostSort::ByVisits, big.task, hosts, unread);
 }
 BENCHMARK(listTheHosts)->Unit(benchmark::kMillisecond);
 

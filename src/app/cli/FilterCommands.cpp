@@ -1,6 +1,7 @@
 #include "app/cli/FilterCommands.h"
 
 #include "app/Project.h"
+#include "app/cli/LoadedTable.h"
 
 #include <fmt/ranges.h>
 
@@ -41,15 +42,21 @@ FiltersClass filtersFrom(const std::vector<std::string> &names) {
 Exit hostsCommand(Session &session, const HostsArguments &arguments, Format format) {
     session.openForReading(arguments.project);
     std::vector<HostRow> hosts;
+    UnreadRows unread;
     const Walk walk = listHosts(session.program.thisClass.ProjectDB.connection(), arguments.sort,
-                                session.task, hosts);
+                                session.task, hosts, unread);
     session.task.clear();
     const auto writer = makeRowWriter(format, session.out, {"Host", "Visits", "Records"});
     for (const HostRow &host : hosts)
         writer->row({host.Host, host.visits, host.records});
     writer->finish();
     closeProject(session.program);
-    return walk == Walk::Cancelled || interrupted ? Exit::interrupted : Exit::ok;
+    if (walk == Walk::Cancelled || interrupted)
+        return Exit::interrupted;
+    const Exit read = tellUnread(session, unread);
+    if (!unread.empty())
+        session.err << "no host counts them: visits and records may be too few\n";
+    return read;
 }
 
 } // namespace nv::cli

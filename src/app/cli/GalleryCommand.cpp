@@ -108,6 +108,8 @@ std::vector<std::string> linesOf(const Gallery &gallery, const GalleryArguments 
     std::vector<std::string> lines{fmt::format("Page {}, {} of {} pictures and pages",
                                                gallery.pageText(), gallery.gallery().Tiles.Count(),
                                                gallery.rowCount())};
+    if (const UnreadRows unread = gallery.unread(); !unread.empty())
+        lines.push_back(noteOf(unread));
     if (!arguments.query.empty())
         lines.push_back("Query: " + arguments.query);
     if (!arguments.host.empty())
@@ -174,8 +176,9 @@ Exit galleryCommand(Session &session, const GalleryArguments &arguments) {
     if (gallery.rowCount() == 0)
         session.err << "no row that was asked for has a thumbnail; the command thumbnails draws "
                        "them\n";
+    const Exit read = tellUnread(session, gallery.unread());
     closeProject(program);
-    return Exit::ok;
+    return read;
 }
 
 } // namespace nv::cli

@@ -93,7 +93,7 @@ Exit showCommand(Session &session, const std::string &project, std::int64_t urlI
     }
     SQLite::Statement row(*database, "SELECT * FROM URLs WHERE URL_ID = ?");
     row.bind(1, urlId);
-    row.executeStep();
+    namingDamage(*database, urlId, [&row] { row.executeStep(); });
     const StatementCells cells = cellsOf(session, row, format);
     makeRowWriter(format, session.out, cells.headings())->row(cells.cells());
     return Exit::ok;

@@ -1,8 +1,10 @@
+#include "app/ChosenRows.h"
 #include "app/Project.h"
 #include "app/RebuildJob.h"
 #include "app/RebuildText.h"
 #include "app/cli/Commands.h"
 #include "app/cli/HandOver.h"
+#include "app/cli/LoadedTable.h"
 #include "app/cli/OutputPath.h"
 #include "app/cli/RowCheck.h"
 #include "base/Files.h"
@@ -17,23 +19,17 @@ namespace nv::cli {
 
 namespace {
 
-std::vector<std::int64_t> allPages(Program &program) {
-    std::vector<std::int64_t> ids;
-    SQLite::Statement rows(
-        program.thisClass.ProjectDB.connection(),
-        "SELECT URL_ID FROM URLs WHERE CacheFileExists AND NOT IsHistory "
-        "AND NOT IsCookie AND (IsWebPage OR Category = 'HTML' OR Category = 'Scripts, HTML') "
-        "AND NOT IsPicture ORDER BY URL_ID");
-    while (rows.executeStep())
-        ids.push_back(rows.getColumn(0).getInt64());
-    return ids;
-}
+constexpr const char *kAllPages =
+    "SELECT URL_ID FROM URLs WHERE CacheFileExists AND NOT IsHistory AND NOT IsCookie AND "
+    "(IsWebPage OR Category = 'HTML' OR Category = 'Scripts, HTML') AND NOT IsPicture "
+    "ORDER BY URL_ID";
 
-std::vector<std::int64_t> chosenIds(Program &program, const RebuildArguments &arguments) {
+std::vector<std::int64_t> chosenIds(Program &program, const RebuildArguments &arguments,
+                                    UnreadRows &unread) {
     if (arguments.allPages)
-        return allPages(program);
+        return idsPastDamage(program, kAllPages, unread);
     if (arguments.tagged)
-        return taggedIds(program);
+        return taggedIds(program, unread);
     return checkedRows(program.thisClass.ProjectDB.connection(), arguments.ids);
 }
 
@@ -52,10 +48,13 @@ struct Totals {
     std::size_t notRewritten = 0;
     std::size_t drawn = 0;   ///< thumbnails
     std::size_t undrawn = 0; ///< of them failed
+    UnreadRows unread;       ///< pages, and rows of which nobody knows whether they are pages
 };
 
 void add(Totals &totals, const RebuiltPage &page) {
     ++totals.pages;
+    if (!page.rebuilt && page.why == NotRebuilt::unreadable)
+        totals.unread.insert(static_cast<std::int32_t>(page.URL_ID));
     totals.rebuilt += page.rebuilt ? 1 : 0;
     totals.replaced += page.replaced;
     totals.missing += page.missing;
@@ -111,7 +110,7 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
     bool whole = false;
     {
         RebuildTools tools(program, session.task, session.scratch());
-        const auto ids = chosenIds(program, arguments);
+        const auto ids = chosenIds(program, arguments, totals.unread);
         if (!arguments.overwrite)
             refuseExisting(ids, arguments.out);
         whole = rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
@@ -124,10 +123,11 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
     }
     session.task.clear();
     tellTotals(session, totals);
+    const Exit read = tellUnread(session, totals.unread);
     closeProject(program);
     if (!whole)
         return Exit::interrupted;
-    return totals.rebuilt > 0 ? Exit::ok : Exit::nothingDone;
+    return totals.rebuilt > 0 ? read : Exit::nothingDone;
 }
 
 Exit auditCommand(Session &session, const std::string &project, std::int64_t urlId, bool wideIds,

@@ -5,6 +5,7 @@
 #include "app/RebuildText.h"
 #include "app/cli/Session.h"
 #include "base/Files.h"
+#include "db/Damage.h"
 #include "rebuild/Harvest.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -16,12 +17,23 @@
 
 namespace nv::cli {
 
+void namingDamage(const SQLite::Database &project, std::int64_t id,
+                  const std::function<void()> &body) {
+    if (!unlessDamaged(body))
+        throw StorageFailure(fmt::format("row {} can't be read: \"{}\" is damaged where it lies",
+                                         id, project.getFilename()));
+}
+
 void checkRows(SQLite::Database &project, std::span<const std::int64_t> ids) {
     SQLite::Statement row(project, "SELECT 1 FROM URLs WHERE URL_ID = ?");
     for (const std::int64_t id : ids) {
-        row.reset();
-        row.bind(1, id);
-        if (!row.executeStep())
+        bool isThere = false;
+        namingDamage(project, id, [&] {
+            row.tryReset();
+            row.bind(1, id);
+            isThere = row.executeStep();
+        });
+        if (!isThere)
             throw UsageError(fmt::format("the project has no row {}", id));
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -16,7 +17,12 @@ struct URLClass;
 
 namespace nv::cli {
 
-/// Throws UsageError for the first id that is no row of the project.
+/// Runs `body`, which reads the row. Throws StorageFailure, which names row and file, when the
+/// project is damaged where the row lies.
+void namingDamage(const SQLite::Database &project, std::int64_t id,
+                  const std::function<void()> &body);
+
+/// Throws UsageError for the first id that is no row of the project, and as namingDamage() does.
 void checkRows(SQLite::Database &project, std::span<const std::int64_t> ids);
 /// The same; the ids in the order in which they were named, each once.
 std::vector<std::int64_t> checkedRows(SQLite::Database &project, std::span<const std::int64_t> ids);

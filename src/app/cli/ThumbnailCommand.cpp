@@ -1,6 +1,7 @@
 #include "app/Project.h"
 #include "app/ThumbnailJob.h"
 #include "app/cli/Commands.h"
+#include "app/cli/LoadedTable.h"
 #include "app/cli/RowCheck.h"
 #include "base/Files.h"
 #include "base/Text.h"
@@ -16,9 +17,10 @@ namespace nv::cli {
 
 namespace {
 
-std::vector<std::int64_t> chosenIds(Program &program, const ThumbnailArguments &arguments) {
+std::vector<std::int64_t> chosenIds(Program &program, const ThumbnailArguments &arguments,
+                                    UnreadRows &unread) {
     if (arguments.all)
-        return drawableIds(program, arguments.redo ? Redo::yes : Redo::no);
+        return drawableIds(program, arguments.redo ? Redo::yes : Redo::no, unread);
     checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
     return arguments.redo ? arguments.ids : withoutThumbnail(program, arguments.ids);
 }
@@ -39,7 +41,7 @@ Exit thumbnailsCommand(Session &session, const ThumbnailArguments &arguments) {
     Program &program = session.program;
     ThumbnailTotals totals;
     std::optional<std::string> failure;
-    const auto ids = chosenIds(program, arguments);
+    const auto ids = chosenIds(program, arguments, totals.unread);
     if (!ids.empty()) {
         const ThumbnailTools tools(program, session.scratch());
         failure = failureOf(program.log, "MainBAS.MakeThumbnail()",
@@ -47,6 +49,7 @@ Exit thumbnailsCommand(Session &session, const ThumbnailArguments &arguments) {
     }
     session.task.clear();
     session.out << textOf(totals);
+    const Exit read = tellUnread(session, totals.unread);
     if (failure)
         throw StorageFailure(fmt::format("{}. What was made before is kept.", *failure));
     if (totals.failed > 0)
@@ -54,7 +57,7 @@ Exit thumbnailsCommand(Session &session, const ThumbnailArguments &arguments) {
     closeProject(program);
     if (totals.cancelled)
         return Exit::interrupted;
-    return totals.failed > 0 ? Exit::damagedEvidence : Exit::ok;
+    return totals.failed > 0 ? Exit::damagedEvidence : read;
 }
 
 } // namespace nv::cli

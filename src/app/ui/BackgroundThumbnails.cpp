@@ -76,7 +76,9 @@ void BackgroundThumbnails::start() {
     if (isRunning())
         return;
     Program &program = m_bench.program;
-    auto work = std::make_unique<Work>(program, drawableIds(program, Redo::no));
+    UnreadRows unread;
+    auto work = std::make_unique<Work>(program, drawableIds(program, Redo::no, unread));
+    work->totals.unread = std::move(unread);
     work->service =
         makeDrawService(work->scratch.path(), work->tools.context().settings.ThumbnailRedrawTimeout,
                         [this](const DrawService::Order &order, const Drawn &drawn) {

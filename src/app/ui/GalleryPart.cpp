@@ -1,7 +1,9 @@
 #include "app/ui/GalleryPart.h"
 
 #include "base/Text.h"
+#include "db/Damage.h"
 #include "platform/qt/QtText.h"
+#include "views/UnreadRows.h"
 #include "views/ui/GalleryTab.h"
 
 namespace nv {
@@ -88,8 +90,11 @@ void GalleryPart::count() {
         return;
     m_bench.run("MainForm.countThumbnails()", [this] {
         const std::int64_t last = lastRow(m_bench.program);
-        if (!m_isCounted || last != m_countedTo)
-            m_counted = countThumbnails(m_bench.program);
+        const bool isKnown = (m_isCounted && last == m_countedTo) || unlessDamaged([this] {
+                                 m_counted = countThumbnails(m_bench.program);
+                             });
+        if (!isKnown)
+            m_counted = {};
         m_isCounted = true;
         m_countedTo = last;
         m_drawnSince = 0;
@@ -104,11 +109,13 @@ void GalleryPart::showCount() {
 
 void GalleryPart::tellEnd(const ThumbnailTotals &totals) {
     emit m_bench.thumbnailsChanged();
-    m_bench.showNotice(totals.failed == 0
-                           ? tr("%1 made").arg(toQt(counted(totals.made, "thumbnail")))
-                           : tr("%1 made, %2 failed")
-                                 .arg(toQt(counted(totals.made, "thumbnail")),
-                                      toQt(counted(totals.failed, "drawing"))));
+    QString notice = totals.failed == 0 ? tr("%1 made").arg(toQt(counted(totals.made, "thumbnail")))
+                                        : tr("%1 made, %2 failed")
+                                              .arg(toQt(counted(totals.made, "thumbnail")),
+                                                   toQt(counted(totals.failed, "drawing")));
+    if (!totals.unread.empty())
+        notice += tr(". %1").arg(toQt(noteOf(totals.unread)));
+    m_bench.showNotice(notice);
 }
 
 } // namespace nv

@@ -13,6 +13,8 @@
 #include <QSplitter>
 #include <SQLiteCpp/Database.h>
 
+#include <algorithm>
+
 namespace nv {
 
 namespace {
@@ -67,8 +69,9 @@ void HostsPart::showPane(bool shown) {
 void HostsPart::fillIfStale() {
     if (!m_bench.isProjectOpen() || m_pane->isHidden())
         return;
+    const std::int64_t atLeast = std::max(m_listedTo, std::int64_t{0}); // so that it lists once
     const std::int64_t last = trapped(m_bench.program.log, Severity::Low, "MainForm.fillHosts()",
-                                      kNotSerious, m_listedTo, [this] {
+                                      kNotSerious, atLeast, [this] {
                                           return m_bench.project()
                                               .execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs")
                                               .getInt64();
@@ -83,11 +86,12 @@ void HostsPart::fill() {
     if (!m_bench.isProjectOpen())
         return;
     std::vector<HostRow> hosts;
+    UnreadRows unread;
     Walk listing = Walk::Cancelled; // which a failure leaves as it is
     m_bench.runTask({"LISTING HOSTS", "", "", ""}, [&](TaskMonitor &task) {
-        listing = listHosts(m_bench.project(), m_pane->sort(), task, hosts);
+        listing = listHosts(m_bench.project(), m_pane->sort(), task, hosts, unread);
     });
-    m_pane->setHosts(std::move(hosts), listing);
+    m_pane->setHosts(std::move(hosts), listing, unread);
 }
 
 /// Another row of the list. Without the tick the filter goes off, and what is shown stays until

@@ -33,7 +33,8 @@ std::vector<std::int64_t> shownTagged(Workbench &bench) {
     std::vector<std::int64_t> shown;
     if (!bench.table->table())
         return shown;
-    const std::vector<std::int64_t> tagged = taggedIds(bench.program);
+    UnreadRows logged;
+    const std::vector<std::int64_t> tagged = taggedIds(bench.program, logged);
     for (const std::int64_t id : bench.table->table()->ids())
         if (std::binary_search(tagged.begin(), tagged.end(), id))
             shown.push_back(id);

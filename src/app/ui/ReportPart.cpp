@@ -103,7 +103,8 @@ bool ReportPart::chooseOptions(ReportTools &tools) {
     Program &program = m_bench.program;
     readReportOptions(program.settings, tools.report);
     const RowIds &ids = m_bench.table->table()->ids();
-    const auto tagged = taggedIds(program);
+    UnreadRows unread; // the report names them
+    const auto tagged = taggedIds(program, unread);
     const auto shown = static_cast<std::size_t>(std::ranges::count_if(
         ids, [&tagged](std::int64_t id) { return std::ranges::binary_search(tagged, id); }));
     tools.report.IncludeAll = shown == 0;

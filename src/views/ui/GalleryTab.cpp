@@ -1,5 +1,6 @@
 #include "views/ui/GalleryTab.h"
 
+#include "base/Text.h"
 #include "platform/qt/QtText.h"
 #include "views/ui/GridCopy.h"
 
@@ -10,6 +11,7 @@
 #include <QListView>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QTextDocument>
 #include <QVBoxLayout>
 
 namespace nv {
@@ -343,6 +345,11 @@ void GalleryTab::showState() {
     const int count = m_gallery ? m_gallery->GalleryADOPageCount() : 0;
     const int page = m_gallery ? m_gallery->GalleryADOPage() : 0;
     m_page->setText(count > 0 ? tr("Page %1").arg(toQt(m_gallery->pageText())) : tr("No pages"));
+    const UnreadRows unread = m_gallery ? m_gallery->unread() : UnreadRows();
+    if (!unread.empty())
+        m_page->setText(tr("%1; %2 could not be read")
+                            .arg(m_page->text(), toQt(counted(unread.size(), "row"))));
+    m_page->setToolTip(Qt::convertFromPlainText(toQt(noteOf(unread))));
     for (std::size_t i = 0; i < m_turn.size(); ++i)
         m_turn[i]->setEnabled(i < 2 ? page > 1 : page < count);
     m_tiles->setVisible(count > 0);

@@ -13,6 +13,7 @@
 #include <QLocale>
 #include <QMenu>
 #include <QTableView>
+#include <QTextDocument>
 #include <QToolButton>
 
 namespace nv {
@@ -112,8 +113,9 @@ HostsPane::HostsPane(QWidget *parent) : QWidget(parent) {
     order->setPopupMode(QToolButton::InstantPopup);
     order->setAutoRaise(true);
     order->setMenu(m_menu);
-    m_unfinished = new QLabel(tr("Not listed. Refresh (F5) tries again."));
+    m_unfinished = new QLabel;
     m_unfinished->setObjectName(QStringLiteral("labHostsUnfinished"));
+    m_unfinished->setWordWrap(true);
     m_unfinished->hide();
     auto *top = new QHBoxLayout;
     top->addWidget(m_unfinished, 1);
@@ -163,8 +165,14 @@ void HostsPane::takeFlip(bool ticked) {
         emit unticked();
 }
 
-void HostsPane::setHosts(std::vector<HostRow> hosts, Walk listing) {
-    m_unfinished->setVisible(listing != Walk::Finished);
+void HostsPane::setHosts(std::vector<HostRow> hosts, Walk listing, const UnreadRows &unread) {
+    const bool finished = listing == Walk::Finished;
+    m_unfinished->setVisible(!finished || !unread.empty());
+    m_unfinished->setText(
+        finished
+            ? tr("Without %1 that could not be read").arg(toQt(counted(unread.size(), "record")))
+            : tr("Not listed. Refresh (F5) tries again."));
+    m_unfinished->setToolTip(finished ? Qt::convertFromPlainText(toQt(noteOf(unread))) : QString());
     m_filling = true;
     m_model.setHosts(std::move(hosts));
     m_filling = false;

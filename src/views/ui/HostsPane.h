@@ -39,8 +39,9 @@ class HostsPane final : public QWidget {
   public:
     explicit HostsPane(QWidget *parent = nullptr);
 
-    /// Fills the list without choosing a host. A listing that did not finish says so.
-    void setHosts(std::vector<HostRow> hosts, Walk listing);
+    /// Fills the list without choosing a host. A listing that did not finish says so, and so does
+    /// one that lacks the records in `unread`.
+    void setHosts(std::vector<HostRow> hosts, Walk listing, const UnreadRows &unread = {});
     HostSort sort() const { return m_sort; }
     bool isTicked() const;
     void setTicked(bool ticked);

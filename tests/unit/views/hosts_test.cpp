@@ -15,7 +15,7 @@ struct HostsTest : testing::Test, test::MadeProject {
         add({{"Host", host}, {"Visits", visits}});
     }
     std::vector<std::string> names(HostSort sort) {
-        EXPECT_EQ(listHosts(db(), sort, task, hosts), Walk::Finished);
+        EXPECT_EQ(listHosts(db(), sort, task, hosts, unread), Walk::Finished);
         std::vector<std::string> all;
         for (const HostRow &each : hosts)
             all.push_back(each.Host);
@@ -24,6 +24,7 @@ struct HostsTest : testing::Test, test::MadeProject {
     using Names = std::vector<std::string>;
     Unwatched task;
     std::vector<HostRow> hosts;
+    UnreadRows unread;
 };
 
 TEST_F(HostsTest, listsEachHostOnceByName) {
@@ -97,7 +98,7 @@ TEST_F(HostsTest, aCancelLeavesNone) {
     db().exec("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 50000) "
               "INSERT INTO URLs(Host) SELECT 'host' || i FROM n");
     test::CancelAfter soon(1);
-    EXPECT_EQ(listHosts(db(), HostSort::ByName, soon, hosts), Walk::Cancelled);
+    EXPECT_EQ(listHosts(db(), HostSort::ByName, soon, hosts, unread), Walk::Cancelled);
     EXPECT_TRUE(hosts.empty());
 }
 
