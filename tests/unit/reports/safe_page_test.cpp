@@ -296,7 +296,7 @@ TEST(SafePage, stylesAreWrittenAnew) {
     EXPECT_EQ(style("p{a:expression (1);b:calc(1px + (2px));c:url/**/(a);d:1expression(1);"
                     "e:#a (1);--f:{url (a)};g:h}"),
               "p {b:calc(1px + (2px));g:h;}");
-    EXPECT_EQ(style("@media all{p{color:{a} b} p{color: {} b:c}}"), "@media all {p {}p {}}");
+    EXPECT_EQ(style("@media all{p{color:{a} b} p{color: {} b:c}}"), "@media all {p {}p {b:c;}}");
     EXPECT_EQ(style("@media screen and (color){p (a){b:c} p{a:b}}"),
               "@media screen and (color) {p {a:b;}}");
 }
