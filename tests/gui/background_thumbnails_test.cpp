@@ -43,6 +43,7 @@ class BackgroundThumbnailsTest : public QObject {
     void theRestIsDrawnWhileTheExaminerGoesOn();
     void whatIsDrawnStaysWhenItIsStopped();
     void closingTheProjectEndsIt();
+    void theyAreCountedWhenAProjectOpensBehindTheGallery();
 
   private:
     QPushButton &button() { return child<QPushButton>(*m_form, "btnMakeThumbnails"); }
@@ -110,6 +111,12 @@ void BackgroundThumbnailsTest::closingTheProjectEndsIt() {
     for (const auto &left :
          std::filesystem::directory_iterator(m_desk->program.thisClass.TempFolderPath))
         QVERIFY2(left.path().filename() != "~background", "its scratch folder stays");
+}
+
+void BackgroundThumbnailsTest::theyAreCountedWhenAProjectOpensBehindTheGallery() {
+    trigger(*m_form, "actClose");
+    trigger(*m_form, "actOpen"); // the dialog still answers with the project
+    QVERIFY(waitFor([this] { return said() == QStringLiteral("0 of 14 drawn"); }));
 }
 
 } // namespace nv

@@ -8,6 +8,12 @@
 
 namespace nv {
 
+namespace {
+
+constexpr std::chrono::milliseconds kUntilRecount{200};
+
+} // namespace
+
 GalleryPart::GalleryPart(Workbench &bench)
     : m_bench(bench), m_gallery(new GalleryTab(bench.runTask, bench.examiner())),
       m_background(bench) {
@@ -19,6 +25,9 @@ GalleryPart::GalleryPart(Workbench &bench)
     connect(m_gallery, &GalleryTab::thumbnailsWanted, this,
             [this] { m_bench.run("MainForm.makeThumbnails()", [this] { switchDrawing(); }); });
     connect(m_gallery, &GalleryTab::lookedAt, this, &GalleryPart::count);
+    m_recount.setSingleShot(true);
+    m_recount.setInterval(kUntilRecount);
+    connect(&m_recount, &QTimer::timeout, this, &GalleryPart::count);
     connect(&m_background, &BackgroundThumbnails::progressed, this,
             [this](const ThumbnailTotals &totals) {
                 m_drawnSince = totals.made;
@@ -63,6 +72,7 @@ GallerySettings GalleryPart::settings() const {
 
 void GalleryPart::open() {
     m_isCounted = false;
+    m_counted = {};
     m_gallery->openProject(m_bench.project(), m_bench.program.log, settings(),
                            m_bench.program.thisClass.ViewerThumbnailWidth);
     takeOptions();
@@ -88,7 +98,9 @@ void GalleryPart::switchDrawing() {
 void GalleryPart::count() {
     if (!m_bench.isProjectOpen() || !m_gallery->isVisible() || m_background.isRunning())
         return;
+    m_recount.start(); // the command doesn't run while a task has the project
     m_bench.run("MainForm.countThumbnails()", [this] {
+        m_recount.stop();
         const std::int64_t last = lastRow(m_bench.program);
         const bool isKnown = (m_isCounted && last == m_countedTo) || unlessDamaged([this] {
                                  m_counted = countThumbnails(m_bench.program);

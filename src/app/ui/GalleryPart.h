@@ -4,6 +4,8 @@
 #include "app/ui/Workbench.h"
 #include "views/Gallery.h"
 
+#include <QTimer>
+
 namespace nv {
 
 class GalleryTab;
@@ -28,6 +30,7 @@ class GalleryPart final : public QObject {
     Workbench &m_bench;
     GalleryTab *m_gallery = nullptr;
     BackgroundThumbnails m_background;
+    QTimer m_recount;
     ThumbnailCount m_counted;       ///< before the drawing that runs
     std::uint64_t m_drawnSince = 0; ///< by it
     bool m_isCounted = false;
