@@ -8,6 +8,7 @@
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildWebPage.h"
+#include "rebuild/WatchedBy.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -70,12 +71,6 @@ RebuiltPage unreadPage(std::int64_t URL_ID) {
     outcome.URL_ID = URL_ID;
     outcome.why = NotRebuilt::unreadable;
     return outcome;
-}
-
-/// `ctx` with its progress shown as that of `task`.
-RebuildContext watchedBy(const RebuildContext &ctx, TaskMonitor &task) {
-    return {ctx.project, ctx.records, ctx.evidence, ctx.TempFolderPath,
-            ctx.log,     task,        ctx.settings};
 }
 
 class RebuildRun {

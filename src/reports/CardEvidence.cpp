@@ -7,6 +7,7 @@
 #include "rebuild/Archive.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/WatchedBy.h"
 #include "reports/PictureKind.h"
 #include "reports/SafePage.h"
 #include "views/TextKind.h"
@@ -51,9 +52,8 @@ int shownWidth(std::int64_t width, std::int64_t height, int box) {
 } // namespace
 
 RebuildContext CardEvidence::contextFor(const fs::path &folder, TaskMonitor &task) const {
-    const RebuildContext &whole = m_ctx.rebuild;
-    RebuildContext ctx{whole.project, whole.records, whole.evidence, folder,
-                       whole.log,     task,          whole.settings};
+    RebuildContext ctx = watchedBy(m_ctx.rebuild, task);
+    ctx.TempFolderPath = folder;
     ctx.settings.CreatingReport = true;
     return ctx;
 }
