@@ -2,7 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Storage.h"
-#include "base/Trap.h"
+#include "base/Succeeds.h"
 #include "readers/Limits.h"
 
 #include <fmt/format.h>
@@ -126,7 +126,7 @@ bool beginsAsGZip(ByteView head) {
 }
 
 bool unpackBody(Body &body, std::uint64_t inMemory, FailureLog &log) {
-    return trapped(log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+    return succeeds(log, Severity::Warning, kProcedure, kContactSupport, [&] {
         Body whole = unpacked(body, workFileOf(body.file), inMemory);
         if (!whole.isInMemory)
             moveFile(whole.file, body.file);
@@ -134,7 +134,6 @@ bool unpackBody(Body &body, std::uint64_t inMemory, FailureLog &log) {
             fs::remove(body.file);
         whole.file = body.file;
         body = std::move(whole);
-        return true;
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Storage.h"
+#include "base/Succeeds.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/ReadOnlyConnection.h"
@@ -195,11 +196,8 @@ ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) {
         return card;
     card.record = std::move(*record);
     const bool brought =
-        trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
-                kContactSupport, false, [&] {
-                    evidence().bring(card, place, task);
-                    return true;
-                });
+        succeeds(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
+                 kContactSupport, [&] { evidence().bring(card, place, task); });
     if (!brought) {
         card.absence = "The cached file could not be read; the log of the program says why.";
         ++FilesFailed;

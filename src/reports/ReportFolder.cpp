@@ -2,8 +2,8 @@
 
 #include "base/Files.h"
 #include "base/Storage.h"
+#include "base/Succeeds.h"
 #include "base/Text.h"
-#include "base/Trap.h"
 #include "reports/PictureKind.h"
 
 #include <fmt/format.h>
@@ -80,11 +80,9 @@ std::string ReportFolder::takePicture(const fs::path &picture, const std::string
         return {};
     }
     const std::string copy = fmt::format("images/{}.{}", name, kind);
-    const bool copied = trapped(log, Severity::Warning, "ReportClass.CreateHeader()",
-                                "Error Creating Report Header", false, [&] {
-                                    copyToScratch(picture, path / copy);
-                                    return true;
-                                });
+    const bool copied =
+        succeeds(log, Severity::Warning, "ReportClass.CreateHeader()",
+                 "Error Creating Report Header", [&] { copyToScratch(picture, path / copy); });
     return copied ? copy : std::string();
 }
 

@@ -1,5 +1,6 @@
 #include "views/Gallery.h"
 
+#include "base/Succeeds.h"
 #include "base/Trap.h"
 #include "db/Dialect.h"
 #include "db/ReadOnlyConnection.h"
@@ -86,10 +87,8 @@ bool Gallery::showPage(int page) {
     m_page = std::max(1, std::min(page, m_pageCount));
     m_gallery.Tiles.Clear();
     m_tilesLost.clear();
-    const bool read = trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [this] {
-        readTiles();
-        return true;
-    });
+    const bool read =
+        succeeds(m_log, Severity::Warning, kProcedure, kContactSupport, [this] { readTiles(); });
     if (!read)
         m_gallery.Tiles.Clear();
     return read;

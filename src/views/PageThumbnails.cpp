@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Md5.h"
+#include "base/Succeeds.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
 #include "views/ThumbnailJobs.h"
@@ -68,11 +69,8 @@ class PageRun {
                  std::string(kProcedure), Severity::Warning, std::string(kContactSupport)});
             return false;
         }
-        m_drawn[place] =
-            trapped(m_ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-                StoreThumbnail(page.URL_ID, page.destination, m_ctx);
-                return true;
-            });
+        m_drawn[place] = succeeds(m_ctx.log, Severity::Warning, kProcedure, kContactSupport,
+                                  [&] { StoreThumbnail(page.URL_ID, page.destination, m_ctx); });
         m_done += m_drawn[place] ? 1 : 0;
         return m_drawn[place];
     }

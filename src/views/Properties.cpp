@@ -1,7 +1,7 @@
 #include "views/Properties.h"
 
+#include "base/Succeeds.h"
 #include "base/Text.h"
-#include "base/Trap.h"
 #include "db/SchemaColumns.h"
 #include "db/URLClass.h"
 #include "views/EXIFClass.h"
@@ -41,10 +41,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 12> kExifRow
 
 template <class Body>
 bool attempt(FailureLog &log, Body &&body) {
-    return trapped(log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-        body();
-        return true;
-    });
+    return succeeds(log, Severity::Warning, kProcedure, kContactSupport, [&] { body(); });
 }
 
 bool isSkipped(std::string_view field) {

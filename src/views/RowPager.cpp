@@ -1,6 +1,7 @@
 #include "views/RowPager.h"
 
 #include "base/NoLog.h"
+#include "base/Succeeds.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -93,10 +94,7 @@ RowPager::Page RowPager::readPage(std::size_t number) {
     Page page{number, std::vector<UrlRow>(end - first)};
     ++m_pagesRead;
     const bool ready =
-        trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [this] {
-            prepare();
-            return true;
-        });
+        succeeds(m_log, Severity::Warning, kProcedure, kContactSupport, [this] { prepare(); });
     for (std::size_t at = first; at < end; ++at) {
         UrlRow &row = page.rows[at - first];
         row.id = UrlId{m_ids[at]};

@@ -10,6 +10,7 @@
 
 #include "readers/firefox/Cache.h"
 
+#include "base/Succeeds.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/EvidenceGaps.h"
@@ -235,16 +236,14 @@ bool OpenFirefoxCache(mzMozillaCache &cache, const std::filesystem::path &mapPat
     std::error_code none;
     if (!std::filesystem::exists(mapPath, none))
         return false;
-    return trapped(log, Severity::Warning, "MainBAS.OpenFirefoxCache()", kContactSupport, false,
-                   [&] {
-                       cache.FileHandleMap.emplace(mapPath);
-                       const std::filesystem::path folder = mapPath.parent_path();
-                       openBlockFile(1, cache.FileHandle001, folder, evidence, log);
-                       openBlockFile(2, cache.FileHandle002, folder, evidence, log);
-                       openBlockFile(3, cache.FileHandle003, folder, evidence, log);
-                       cache.OpenCache = true;
-                       return true;
-                   });
+    return succeeds(log, Severity::Warning, "MainBAS.OpenFirefoxCache()", kContactSupport, [&] {
+        cache.FileHandleMap.emplace(mapPath);
+        const std::filesystem::path folder = mapPath.parent_path();
+        openBlockFile(1, cache.FileHandle001, folder, evidence, log);
+        openBlockFile(2, cache.FileHandle002, folder, evidence, log);
+        openBlockFile(3, cache.FileHandle003, folder, evidence, log);
+        cache.OpenCache = true;
+    });
 }
 
 } // namespace nv

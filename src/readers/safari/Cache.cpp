@@ -9,6 +9,7 @@
 
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "base/Succeeds.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/ContentProbe.h"
@@ -238,11 +239,10 @@ bool ExtractSafariCacheFile(URLClass &record, std::string_view fileNameSuffix,
     const std::string suffix(fileNameSuffix.empty() ? record.URLFileExt : fileNameSuffix);
     if (!extractBody(record, fetchSafariBody, suffix, ctx, kExtract))
         return false;
-    return trapped(ctx.log, Severity::Warning, kExtract, kContactSupport, false, [&record] {
+    return succeeds(ctx.log, Severity::Warning, kExtract, kContactSupport, [&record] {
         const Bytes head = readHead(record.RunTimeTempFilePath, limits::kHeadBytes);
         if (const std::string extension = GetExtBySignature(ByteView(head)); !extension.empty())
             record.CacheFileExt = extension;
-        return true;
     });
 }
 
