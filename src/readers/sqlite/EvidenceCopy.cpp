@@ -4,6 +4,7 @@
 #include "base/Files.h"
 #include "base/Storage.h"
 #include "base/Text.h"
+#include "db/SideFiles.h"
 
 #include <algorithm>
 #include <fstream>
@@ -17,16 +18,6 @@ namespace nv {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::string_view kLog = "-wal";
-constexpr std::string_view kJournal = "-journal";
-constexpr std::string_view kSharedMemory = "-shm";
-
-fs::path withSuffix(const fs::path &path, std::string_view suffix) {
-    fs::path result = path;
-    result += suffix;
-    return result;
-}
 
 std::optional<fs::path> companionOf(const Evidence &evidence, const fs::path &database,
                                     std::string_view suffix) {
@@ -95,21 +86,18 @@ EvidenceCopy::~EvidenceCopy() {
 void EvidenceCopy::copyAll(const Evidence &evidence, const fs::path &database) {
     copyToScratch(database, m_copy);
     m_size = fs::file_size(m_copy);
-    if (const auto log = companionOf(evidence, database, kLog)) {
-        copyToScratch(*log, withSuffix(m_copy, kLog));
-        m_size += fs::file_size(withSuffix(m_copy, kLog));
+    if (const auto log = companionOf(evidence, database, kLogSuffix)) {
+        copyToScratch(*log, sideFile(m_copy, kLogSuffix));
+        m_size += fs::file_size(sideFile(m_copy, kLogSuffix));
     }
-    if (const auto journal = companionOf(evidence, database, kJournal)) {
-        copyToScratch(*journal, withSuffix(m_copy, kJournal));
-        settleLeadingJournal(withSuffix(m_copy, kJournal), evidence, database.parent_path());
+    if (const auto journal = companionOf(evidence, database, kJournalSuffix)) {
+        copyToScratch(*journal, sideFile(m_copy, kJournalSuffix));
+        settleLeadingJournal(sideFile(m_copy, kJournalSuffix), evidence, database.parent_path());
     }
 }
 
 void EvidenceCopy::remove() const {
-    std::error_code ignored;
-    fs::remove(m_copy, ignored);
-    for (const std::string_view suffix : {kLog, kJournal, kSharedMemory})
-        fs::remove(withSuffix(m_copy, suffix), ignored);
+    removeDatabase(m_copy);
 }
 
 } // namespace nv

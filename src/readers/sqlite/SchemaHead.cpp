@@ -6,6 +6,7 @@
 #include "readers/sqlite/SchemaHead.h"
 
 #include "base/Files.h"
+#include "db/SideFiles.h"
 
 #include <system_error>
 
@@ -50,8 +51,7 @@ std::optional<SchemaHead> schemaHead(const Candidate &file) {
         return std::nullopt;
     SchemaHead schema{std::string(page->raw()),
                       static_cast<std::uint32_t>(bigEndian(page->sub(kUserVersionAt, 4)))};
-    fs::path log = file.file;
-    log += "-wal";
+    const fs::path log = sideFile(file.file, kLogSuffix);
     std::error_code none;
     if (!fs::is_regular_file(fs::symlink_status(log, none)))
         return schema;
