@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""Checks what each file of src/ includes, and where failures are caught.
+"""Checks what each file of src/ includes, where failures are caught, and how settings are read.
 
 - "folder/..." may point to the same or a lower layer only, and two folders never to each other.
 - Includes are written from src/, with quotation marks.
 - Qt stands in windows (*/ui/), platform/qt and programs only, and so do includes of them.
 - A family of readers never includes another one.
 - `catch` stands in the traps, main functions, platform adapters and the database's error adapter.
+- Settings are read and written by their rows (app/Settings.h), never by section and key.
 
 usage: tools/check_layers.py [FILE of src/...]
 """
@@ -48,6 +49,12 @@ CATCH_ALLOWED = {
     # Ends no failure: it adds which file of the evidence it is about, and passes it on.
     "src/readers/EvidenceGaps.h",
 }
+
+
+# What stands in the settings file is asked of app/IniFile by these alone: the rows themselves, and
+# the places of windows, which are no settings.
+INI_PLACES = re.compile(r"src/app/(IniFile|Settings|SettingsTable|Options)\.(h|cpp)"
+                        r"|src/app/cli/OptionsCommand\.cpp|src/app/ui/WindowLayout\.cpp")
 
 
 def layer_of(name):
@@ -96,10 +103,17 @@ def file_faults(path):
     for line, bracket, name in includes(text):
         for fault in include_faults(file, name, bracket):
             yield line, fault
-    if CATCH_PLACES.fullmatch(path) or path in CATCH_ALLOWED:
-        return
-    for match in re.finditer(r"\bcatch\s*\(", bare := without_comments(text)):
-        yield bare.count("\n", 0, match.start()) + 1, "catch: use the traps of base/Trap.h"
+    bare = without_comments(text)
+    if not (CATCH_PLACES.fullmatch(path) or path in CATCH_ALLOWED):
+        yield from faults_of(bare, r"\bcatch\s*\(", "catch: use the traps of base/Trap.h")
+    if not INI_PLACES.fullmatch(path):
+        yield from faults_of(bare, r"\b(Read|Write)IniValue\s*\(",
+                             "a setting has a row: use app/Settings.h")
+
+
+def faults_of(bare, pattern, fault):
+    for match in re.finditer(pattern, bare):
+        yield bare.count("\n", 0, match.start()) + 1, fault
 
 
 def circles(files):

@@ -141,8 +141,8 @@ void listProject(Session &session, const OptionsArguments &arguments, Format for
 /// What the value of a project is checked as.
 SettingFacts factsOf(const ProjectValueFacts &value) {
     const bool isRoot = value.name == "RootPath";
-    return {"PROJECT", value.name, isRoot ? SettingKind::baseFolder : SettingKind::zone, "", 0,
-            0,         ""};
+    return setting::text("PROJECT", value.name, "", value.what,
+                         isRoot ? SettingKind::baseFolder : SettingKind::zone);
 }
 
 std::string checked(Program &program, const SettingFacts &facts, const std::string &value) {

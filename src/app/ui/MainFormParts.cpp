@@ -1,6 +1,6 @@
 // How the main window is put together, and what it does by itself: locking, closing, drag and drop.
-#include "app/IniSections.h"
 #include "app/Messages.h"
+#include "app/Settings.h"
 #include "app/ui/ExportPart.h"
 #include "app/ui/FiltersPart.h"
 #include "app/ui/GalleryPart.h"
@@ -290,13 +290,12 @@ void MainForm::closeEvent(QCloseEvent *event) {
 
 void MainForm::keepGeometry() {
     keepWindowLayout(*this, m_program.settings);
-    m_program.settings.WriteIniValue(kBeyondSection, "ShowViewers", m_actions.viewers->isChecked());
+    writeFlag(m_program.settings, "ShowViewers", m_actions.viewers->isChecked());
 }
 
 void MainForm::restoreGeometryKept() {
     restoreWindowLayout(*this, m_program.settings);
-    m_actions.viewers->setChecked(
-        m_program.settings.ReadIniValue(kBeyondSection, "ShowViewers", true));
+    m_actions.viewers->setChecked(readFlag(m_program.settings, "ShowViewers"));
 }
 
 void MainForm::dragEnterEvent(QDragEnterEvent *event) {

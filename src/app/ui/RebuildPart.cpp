@@ -3,6 +3,7 @@
 #include "app/Messages.h"
 #include "app/RebuildJob.h"
 #include "app/RebuildText.h"
+#include "app/SettingsInForce.h"
 #include "app/Trail.h"
 #include "platform/qt/QtText.h"
 #include "rebuild/Harvest.h"
@@ -106,8 +107,7 @@ void RebuildPart::tellOfWideIds() {
     m_toldOfWideIds = true;
     if (m_bench.examiner().ask(messages::idsBeyondNarrow(largest)) != Answer::Yes)
         return;
-    state.WideRecordIds = true;
-    m_bench.program.settings.WriteIniValue("BEYOND", "WideRecordIds", true);
+    keepFlag(m_bench.program, "WideRecordIds", true);
 }
 
 } // namespace nv

@@ -1,6 +1,7 @@
 #include "app/ui/TemplatesPart.h"
 
 #include "app/Messages.h"
+#include "app/SettingsInForce.h"
 #include "app/TemplateJob.h"
 #include "app/ui/RebuildPart.h"
 #include "base/Files.h"
@@ -135,8 +136,7 @@ void TemplatesPart::remove() {
 }
 
 void TemplatesPart::chooseMatchByTitle(bool on) {
-    m_bench.program.thisClass.TemplateMatchByTitle = on;
-    m_bench.program.settings.WriteIniValue("BEYOND", "TemplateMatchByTitle", on);
+    keepFlag(m_bench.program, "TemplateMatchByTitle", on);
 }
 
 } // namespace nv
