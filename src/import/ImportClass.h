@@ -3,7 +3,6 @@
 #include "import/HistoryFiles.h"
 #include "import/ScanGaps.h"
 
-#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -39,12 +38,6 @@ struct ImportClass {
     bool IncludeHistEx = true;
     bool IncludeNetAnalysis = true;
     bool IncludeSimpleHTMLFiles = true;
-
-    std::string CSVFilePath;
-    std::string CSVFileDelimiter = ",";
-    std::int32_t CSVFileRowCount = 0;
-    bool FirstRowIsHeader = true;
-    std::string ColumnsMatchString;
 
     bool CancelImport = false; ///< the wizard's Cancel was pressed
     nv::HistoryFiles HistoryFiles;
