@@ -5,12 +5,12 @@
 #include "db/SchemaColumns.h"
 #include "db/URLClass.h"
 #include "views/EXIFClass.h"
+#include "views/StoredCell.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
 #include <array>
-#include <cmath>
 #include <utility>
 
 namespace nv {
@@ -63,23 +63,6 @@ ColumnType typeOf(std::string_view field, const SQLite::Column &stored) {
     return stored.isBlob() ? ColumnType::Binary : ColumnType::Memo;
 }
 
-std::string numberText(double value) {
-    constexpr double kExactWholes = 9007199254740992; // 2^53
-    if (std::trunc(value) == value && std::abs(value) < kExactWholes)
-        return std::to_string(static_cast<std::int64_t>(value)); // offsets are stored as floats
-    return fmt::format("{}", value);
-}
-
-std::string plainText(const SQLite::Column &stored) {
-    if (stored.isNull())
-        return {};
-    if (stored.isFloat())
-        return numberText(stored.getDouble());
-    if (stored.isBlob())
-        return fmt::format("<{} bytes>", stored.size());
-    return decodeText(stored.getString());
-}
-
 Date dateIn(const SQLite::Column &stored) {
     return stored.isFloat() || stored.isInteger() ? Date::fromDays(stored.getDouble()) : Date();
 }
@@ -114,7 +97,7 @@ class RecordFields {
     std::string textNamed(std::string_view field) const {
         for (int at = 0; at < m_row.getColumnCount(); ++at)
             if (equalsNoCase(m_row.getColumnName(at), field))
-                return plainText(m_row.getColumn(at));
+                return plainText(storedCell(m_row.getColumn(at)));
         return {};
     }
 
@@ -140,7 +123,7 @@ class RecordFields {
         case ColumnType::Binary:
             return stored.size() > 0 ? fmt::format("<{} bytes>", stored.size()) : std::string();
         default:
-            return plainText(stored);
+            return plainText(storedCell(stored));
         }
     }
 

@@ -200,11 +200,11 @@ std::string UrlTable::cell(std::size_t place, UrlColumn column) {
     return row ? m_cells.text(*row, column) : std::string();
 }
 
-MachineValue UrlTable::machineCell(std::size_t place, UrlColumn column) {
+Cell UrlTable::machineCell(std::size_t place, UrlColumn column) {
     const UrlRow *row = rowFor(place, column);
     if (!row)
         return {};
-    return isCut(row->stored.at(indexOf(column))) ? MachineValue(fullText(place, column))
+    return isCut(row->stored.at(indexOf(column))) ? Cell(fullText(place, column))
                                                   : m_cells.machine(*row, column);
 }
 

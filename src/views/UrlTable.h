@@ -98,7 +98,7 @@ class UrlTable {
     /// The columns that will be asked for; others work too, but cost a second reading of the rows.
     void showColumns(std::span<const UrlColumn> columns) { m_pager.setColumns(columns); }
     std::string cell(std::size_t place, UrlColumn column);
-    MachineValue machineCell(std::size_t place, UrlColumn column);
+    Cell machineCell(std::size_t place, UrlColumn column);
     /// The cell's text without a cut and without stand-ins; of stored texts only.
     std::string fullText(std::size_t place, UrlColumn column);
     /// With the fraction of its second, which cells don't show.

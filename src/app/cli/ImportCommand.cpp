@@ -6,6 +6,7 @@
 #include "app/Messages.h"
 #include "app/Project.h"
 #include "app/cli/Commands.h"
+#include "app/cli/ImportJson.h"
 #include "app/cli/LoadedTable.h"
 #include "app/cli/OutputPath.h"
 #include "base/Files.h"
@@ -208,56 +209,6 @@ bool findArtefacts(Session &session, const ImportArguments &arguments, const Sca
     return true;
 }
 
-Cell jsonOf(const ArtefactResult &artefact) {
-    return {{"path", textOf(artefact.path)},      {"type", static_cast<int>(artefact.type)},
-            {"reader", artefact.readerKey},       {"md5", artefact.MD5Hash},
-            {"state", stateWord(artefact.state)}, {"rows", artefact.rowsSaved},
-            {"rows_lost", artefact.rowsLost},     {"not_reached", artefact.notReached},
-            {"passed_over", artefact.passedOver}, {"noted", artefact.noted},
-            {"reason", artefact.reason},          {"warning", artefact.warning},
-            {"seconds", artefact.seconds}};
-}
-
-Cell jsonOf(const std::vector<UnreadPlace> &places) {
-    Cell all = Cell::array();
-    for (const UnreadPlace &place : places)
-        all.push_back({{"path", textOf(place.path)}, {"reason", place.reason}});
-    return all;
-}
-
-Cell jsonOf(const ImportSummary &summary) {
-    Cell artefacts = Cell::array();
-    for (const ArtefactResult &artefact : summary.artefacts)
-        artefacts.push_back(jsonOf(artefact));
-    Cell kinds = Cell::object();
-    for (const auto &[key, kind] : summary.byReader())
-        kinds[key] = {{"artefacts", kind.artefacts},
-                      {"complete", kind.complete},
-                      {"rows", kind.rows},
-                      {"not_reached", kind.notReached},
-                      {"passed_over", kind.passedOver},
-                      {"noted", kind.noted}};
-    return {{"artefacts", artefacts},
-            {"totals",
-             {{"artefacts", summary.artefacts.size()},
-              {"rows", summary.rowsSaved()},
-              {"rows_lost", summary.rowsLost()},
-              {"not_reached", summary.notReached()},
-              {"passed_over", summary.passedOver()},
-              {"seconds", summary.seconds()}}},
-            {"kinds", kinds},
-            {"unreadable", jsonOf(summary.gaps.unreadable)},
-            {"links_not_followed", summary.gaps.linksNotFollowed},
-            {"shader_caches", summary.gaps.shaderCaches},
-            {"thumbnails",
-             {{"made", summary.thumbnails.made},
-              {"failed", summary.thumbnails.failed},
-              {"passed_over", summary.thumbnails.passedOver},
-              {"failure", summary.thumbnails.failure}}},
-            {"cancelled", summary.cancelled},
-            {"failure", summary.failure}};
-}
-
 /// A project that can't be closed, for instance on a full disk, still holds what the summary tells.
 void closeTold(Program &program, ImportSummary &summary) {
     const auto failure =
@@ -309,8 +260,7 @@ Exit importCommand(Session &session, const ImportArguments &given) {
     if (summary.artefacts.empty() && !summary.cancelled)
         session.err << messages::nothingToImport().text << '\n';
     closeTold(program, summary);
-    session.out << (arguments.json ? jsonText(jsonOf(summary), 2) + "\n"
-                                   : printableLines(summaryText(summary)));
+    session.out << (arguments.json ? importJson(summary) : printableLines(summaryText(summary)));
     // A folder may well hold nothing; a file was named because it was thought to be one.
     const bool unknown =
         summary.artefacts.empty() && summary.gaps.unreadable.empty() && !summary.cancelled &&

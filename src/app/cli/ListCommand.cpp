@@ -52,17 +52,6 @@ std::vector<std::string> headingsOf(const std::vector<UrlColumn> &columns, Forma
     return headings;
 }
 
-Cell cellOf(MachineValue value) {
-    return std::visit(
-        [](auto &&held) -> Cell {
-            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>)
-                return nullptr;
-            else
-                return std::forward<decltype(held)>(held);
-        },
-        std::move(value));
-}
-
 void writeRows(const ListArguments &arguments, const std::vector<UrlColumn> &columns,
                UrlTable &table, RowWriter &writer) {
     const bool shown = arguments.format == Format::table || arguments.dates == Dates::asShown;
@@ -71,7 +60,7 @@ void writeRows(const ListArguments &arguments, const std::vector<UrlColumn> &col
         cells.reserve(columns.size());
         for (const UrlColumn column : columns)
             cells.push_back(shown ? Cell(table.cell(place, column))
-                                  : cellOf(table.machineCell(place, column)));
+                                  : table.machineCell(place, column));
         writer.row(cells);
     }
     writer.finish();

@@ -2,10 +2,12 @@
 
 #include "base/DisplayText.h"
 #include "base/Text.h"
+#include "base/TextRows.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace nv::cli {
 
@@ -64,26 +66,21 @@ class TableWriter final : public RowWriter {
     std::vector<std::size_t> m_widths;
 };
 
-/// RFC 4180.
+std::vector<std::string> textsOf(const std::vector<Cell> &cells) {
+    std::vector<std::string> texts;
+    std::ranges::transform(cells, std::back_inserter(texts), plainText);
+    return texts;
+}
+
 class CsvWriter final : public RowWriter {
   public:
     CsvWriter(std::ostream &out, const std::vector<std::string> &headings) : m_out(out) {
-        row({headings.begin(), headings.end()});
+        m_out << csvLine(headings);
     }
 
-    void row(const std::vector<Cell> &cells) override {
-        for (std::size_t i = 0; i < cells.size(); ++i)
-            m_out << (i ? "," : "") << quoted(plainText(cells[i]));
-        m_out << "\r\n";
-    }
+    void row(const std::vector<Cell> &cells) override { m_out << csvLine(textsOf(cells)); }
 
   private:
-    static std::string quoted(const std::string &text) {
-        if (text.find_first_of(",\"\r\n") == std::string::npos)
-            return text;
-        return '"' + replaceAll(text, "\"", "\"\"") + '"';
-    }
-
     std::ostream &m_out;
 };
 
@@ -116,12 +113,7 @@ class JsonLinesWriter final : public RowWriter {
     JsonLinesWriter(std::ostream &out, std::vector<std::string> headings)
         : m_out(out), m_headings(apart(std::move(headings))) {}
 
-    void row(const std::vector<Cell> &cells) override {
-        Cell object = Cell::object();
-        for (std::size_t i = 0; i < cells.size() && i < m_headings.size(); ++i)
-            object[m_headings[i]] = cells[i];
-        m_out << jsonText(object) << '\n';
-    }
+    void row(const std::vector<Cell> &cells) override { m_out << jsonLine(m_headings, cells); }
 
   private:
     /// An object holds a name once: of columns of equal names those that follow the first get a
@@ -171,18 +163,6 @@ std::string printableLines(std::string_view text) {
         lines += printable(line) + '\n';
     lines.pop_back();
     return lines;
-}
-
-std::string plainText(const Cell &cell) {
-    if (cell.is_null())
-        return {};
-    if (cell.is_boolean())
-        return cell.get<bool>() ? "True" : "False";
-    return cell.is_string() ? cell.get<std::string>() : cell.dump();
-}
-
-std::string jsonText(const Cell &cell, int indent) {
-    return cell.dump(indent, ' ', false, Cell::error_handler_t::replace);
 }
 
 } // namespace nv::cli

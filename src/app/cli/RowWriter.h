@@ -1,6 +1,6 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include "base/Cell.h"
 
 #include <memory>
 #include <ostream>
@@ -9,9 +9,6 @@
 #include <vector>
 
 namespace nv::cli {
-
-/// A cell: null, boolean, number or text. Text is UTF-8 and may hold anything that evidence holds.
-using Cell = nlohmann::ordered_json;
 
 enum class Format { table, csv, tsv, jsonl };
 
@@ -35,11 +32,5 @@ std::string printable(std::string_view text, std::size_t columns = 0);
 
 /// The same for a text of several lines, which it keeps.
 std::string printableLines(std::string_view text);
-
-/// A cell as a text, True and False for booleans, nothing for null.
-std::string plainText(const Cell &cell);
-
-/// The JSON text of a cell; bytes that are no UTF-8 are replaced, never thrown at.
-std::string jsonText(const Cell &cell, int indent = -1);
 
 } // namespace nv::cli

@@ -3,25 +3,11 @@
 #include "base/Text.h"
 #include "db/Schema.h"
 #include "db/URLClass.h"
+#include "views/StoredCell.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
-#include <fmt/format.h>
-
-#include <cmath>
 
 namespace nv::cli {
-
-namespace {
-
-/// Offsets are stored as floats; people and programs want them as the whole numbers that they are.
-Cell numberCell(double value) {
-    constexpr double kExactWholes = 9007199254740992; // 2^53
-    if (std::trunc(value) == value && std::abs(value) < kExactWholes)
-        return static_cast<std::int64_t>(value);
-    return value;
-}
-
-} // namespace
 
 StatementCells::StatementCells(SQLite::Statement &statement, For whom, DateSettings dates)
     : m_statement(statement), m_whom(whom), m_dates(std::move(dates)) {
@@ -56,19 +42,11 @@ std::vector<Cell> StatementCells::cells() const {
 Cell StatementCells::cell(int index) const {
     const SQLite::Column column = m_statement.getColumn(index);
     const Kind kind = m_kinds[static_cast<std::size_t>(index)];
-    if (column.isNull())
-        return nullptr;
     if (kind == Kind::visits && column.isInteger() && column.getInt64() == kVisitsUnknown)
         return nullptr;
     if (kind != Kind::plain && kind != Kind::visits && (column.isFloat() || column.isInteger()))
         return dateText(column.getDouble(), kind);
-    if (column.isInteger())
-        return column.getInt64();
-    if (column.isFloat())
-        return numberCell(column.getDouble());
-    if (column.isBlob())
-        return fmt::format("<{} bytes>", column.size());
-    return decodeText(column.getString());
+    return storedCell(column);
 }
 
 std::string StatementCells::dateText(double days, Kind kind) const {
