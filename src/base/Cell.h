@@ -10,6 +10,9 @@
 
 namespace nv {
 
+template <class Value>
+concept WholeNumber = std::integral<Value> && !std::same_as<Value, bool>;
+
 /// A cell for other programs: nothing, a truth value, a number or a text. Texts are UTF-8, but may
 /// hold anything that evidence holds.
 struct Cell : std::variant<std::monostate, bool, std::int64_t, double, std::string> {
@@ -18,9 +21,8 @@ struct Cell : std::variant<std::monostate, bool, std::int64_t, double, std::stri
     Cell() = default;
     Cell(std::nullptr_t) {}
     Cell(std::same_as<bool> auto flag) : Value(flag) {}
-    template <std::integral Whole>
-    requires(!std::same_as<Whole, bool>) Cell(Whole whole)
-        : Value(static_cast<std::int64_t>(whole)) {}
+    template <WholeNumber Whole>
+    Cell(Whole whole) : Value(static_cast<std::int64_t>(whole)) {}
     Cell(double real) : Value(real) {}
     Cell(std::string text) : Value(std::move(text)) {}
     Cell(std::string_view text) : Value(std::string(text)) {}
