@@ -41,9 +41,12 @@ CLI::Option *added(CLI::App &to, const Argument &argument) {
             using Held = std::decay_t<decltype(target)>;
             if constexpr (std::is_same_v<Held, Choice>)
                 return to.add_option_function<std::size_t>(argument.name, target.take, what);
-            else if constexpr (std::is_same_v<Held, bool *> ||
-                               std::is_same_v<Held, std::optional<bool> *>)
+            else if constexpr (std::is_same_v<Held, bool *>)
                 return to.add_flag(argument.name, *target, what);
+            else if constexpr (std::is_same_v<Held, std::optional<bool> *>)
+                // The library's own form for them takes what isn't said for a no.
+                return to.add_flag_function(
+                    argument.name, [target](std::int64_t times) { *target = times > 0; }, what);
             else
                 return to.add_option(argument.name, *target, what);
         },
