@@ -3,7 +3,6 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
-#include "rebuild/FindTags.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
 #include "rebuild/Replacement.h"
@@ -127,8 +126,9 @@ std::vector<bool> rewrittenOf(const std::vector<TagRow> &tags,
     return rewritten;
 }
 
-std::optional<ReplacedPage> rewritten(URLClass &page, const RebuildContext &ctx) {
-    const std::string text = pageText(page, ctx).value_or(std::string());
+std::optional<ReplacedPage> rewritten(const URLClass &page, PageSource &source,
+                                      const RebuildContext &ctx) {
+    const std::string text = source.text().value_or(std::string());
     const bool byUrl = namesPartsByUrl(toUpper(page.cacheType));
     const std::vector<TagRow> tags = readTags(page, ctx);
     std::vector<Replacement> replacements;
@@ -157,10 +157,11 @@ std::optional<ReplacedPage> rewritten(URLClass &page, const RebuildContext &ctx)
 
 } // namespace
 
-std::optional<ReplacedPage> ReplaceTags(URLClass &page, const RebuildContext &ctx) {
+std::optional<ReplacedPage> ReplaceTags(const URLClass &page, PageSource &source,
+                                        const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport,
                    std::optional(ReplacedPage{{}, page.IngredientIDs, {}}),
-                   [&] { return onRow([&] { return rewritten(page, ctx); }); });
+                   [&] { return onRow([&] { return rewritten(page, source, ctx); }); });
 }
 
 } // namespace nv

@@ -5,8 +5,7 @@
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
 #include "import/PageContent.h"
-#include "readers/CachedBody.h"
-#include "readers/ContentProbe.h"
+#include "import/SavedContent.h"
 #include "views/DateIndex.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -89,16 +88,17 @@ class PageRefresh {
   private:
     void refresh(URLClass &record) {
         record.cacheType = trim(record.cacheType);
-        const auto file = contentOf(record, {m_ctx.evidence, m_ctx.scratch, m_ctx.log});
-        if (!file) {
+        const Extraction extraction{m_ctx.evidence, m_ctx.scratch, m_ctx.log};
+        SavedContent content(record, extraction, m_content);
+        const ContentFacts *facts = content.facts();
+        if (!facts) {
             ++m_totals.notFetched;
             return;
         }
-        // The cheap test, which loads no file: most of a cache is pictures.
-        const ContentFacts &facts = m_content.facts(*file);
-        if (!facts.hasHtml && !facts.hasBody)
+        // The cheap test, before anything is decoded or parsed: most of a cache is pictures.
+        if (!facts->hasHtml && !facts->hasBody)
             return;
-        write(record.URLID, ReadPageContent(ReadPageText(*file, record.MetaData), *file));
+        write(record.URLID, ReadPageContent(content.pageText(), content.file()));
         ++m_totals.refreshed;
     }
 
