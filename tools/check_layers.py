@@ -4,6 +4,7 @@
 - "folder/..." may point to the same or a lower layer only, and two folders never to each other.
 - Includes are written from src/, with quotation marks.
 - Qt stands in windows (*/ui/), platform/qt and programs only, and so do includes of them.
+- A library that reads one kind of thing is included where that is read (LIBRARY_FOLDERS).
 - A family of readers never includes another one.
 - `catch` stands in the traps, main functions, platform adapters and the database's error adapter.
 
@@ -40,6 +41,9 @@ FAMILIES_ALLOWED = {
 QT = re.compile(r"Q[A-Z]\w*(/.*)?|Qt\w*/.*|q\w+\.h")
 QT_FOLDERS = re.compile(r"src/(.*/)?ui/|src/platform/qt/|src/programs/")
 
+# The parser of pages stands below one reading of pages, which has the limits and the places.
+LIBRARY_FOLDERS = {"gumbo.h": "src/markup/"}
+
 CATCH_PLACES = re.compile(r"src/base/Trap\.h|src/programs/[^/]*\.cpp|src/platform/.*"
                           r"|src/db/SqliteErrors\.(h|cpp)")
 
@@ -72,6 +76,8 @@ def include_faults(file, name, bracket):
             yield f'<{name}> is ours: write "{name}"'
         if QT.fullmatch(name) and not QT_FOLDERS.match("src/" + file):
             yield f"<{name}>: Qt stands only in */ui/, platform/qt and programs"
+        if not f"src/{file}".startswith(folder := LIBRARY_FOLDERS.get(name, "")):
+            yield f"<{name}>: only {folder} knows it"
         return
     if name.endswith(".moc"):
         return

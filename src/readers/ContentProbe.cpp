@@ -60,6 +60,7 @@ class TagScan {
         m_window.erase(0, m_window.size() - carry);
     }
     void finish() { take(m_window.size()); }
+    bool hadTitle() const { return m_hadTitle; }
 
   private:
     void take(std::size_t end) {
@@ -137,6 +138,16 @@ ContentFacts factsOf(std::string_view bytes) {
     scan.feed(bytes);
     scan.finish();
     return facts;
+}
+
+std::string titleOf(std::string_view bytes) {
+    constexpr std::size_t kPiece = 4096; // titles stand near the beginning
+    ContentFacts facts;
+    TagScan scan(facts);
+    for (; !bytes.empty() && !scan.hadTitle(); bytes.remove_prefix(std::min(kPiece, bytes.size())))
+        scan.feed(bytes.substr(0, kPiece));
+    scan.finish();
+    return facts.title;
 }
 
 const ContentFacts &ContentProbe::facts(const std::filesystem::path &file) {

@@ -46,6 +46,9 @@ class ContentProbe {
 
 ContentFacts factsOf(std::string_view bytes);
 
+/// The title alone, by the same rule; only what stands up to its end is looked at.
+std::string titleOf(std::string_view bytes);
+
 /// The extension that a file's first bytes speak for, or empty.
 std::string GetExtBySignature(ByteView head);
 

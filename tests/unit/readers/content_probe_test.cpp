@@ -52,6 +52,14 @@ TEST(ContentProbe, findsTagsAndTitlesThatABlockCuts) {
     }
 }
 
+TEST(ContentProbe, findsTheTitleAlone) {
+    EXPECT_EQ(titleOf("<html><TITLE> \u00e9t\u00e9 </TITLE><title>Two</title>"), "\u00e9t\u00e9");
+    EXPECT_EQ(titleOf("<title>never closed"), "");
+    EXPECT_EQ(titleOf(""), "");
+    for (std::size_t shift = 0; shift < 32; ++shift) // a tag that a piece of the search cuts
+        EXPECT_EQ(titleOf(std::string(4096 - shift, '.') + "<title>Across</title>"), "Across");
+}
+
 TEST(ContentProbe, givesUpOnATitleWithoutEnd) {
     EXPECT_EQ(factsOf("<title>" + std::string(200'000, 'x') + "</title>").title, "");
 }
