@@ -63,8 +63,8 @@ constexpr std::array<KeptText, 4> kTexts = {{
 } // namespace
 
 ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder)
-    : m_program(program), m_rebuild(program, task, folder),
-      m_drawing(canDraw() ? makeDrawing(folder) : nullptr), m_context{m_rebuild.context(),
+    : m_program(program), m_records(program, task, folder),
+      m_drawing(canDraw() ? makeDrawing(folder) : nullptr), m_context{m_records.context(),
                                                                       program.thisClass.GMTZone,
                                                                       program.around.clock,
                                                                       m_drawing.get(),

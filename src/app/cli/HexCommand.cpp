@@ -28,7 +28,7 @@ std::nullopt_t tellUnread(Session &session, std::int64_t urlId) {
 }
 
 /// Nothing when there are no bytes, which is told.
-std::optional<Place> placeOf(Session &session, RebuildTools &tools, const HexArguments &arguments) {
+std::optional<Place> placeOf(Session &session, RecordTools &tools, const HexArguments &arguments) {
     const std::int64_t urlId = arguments.row.urlId;
     if (arguments.source) {
         const auto record = tools.record(urlId);
@@ -122,7 +122,7 @@ Exit hexCommand(Session &session, const HexArguments &arguments) {
     checkRow(session.program.thisClass.ProjectDB.connection(), arguments.row.urlId);
     Exit exit = Exit::damagedEvidence;
     {
-        RebuildTools tools(session.program, session.task, session.scratch());
+        RecordTools tools(session.program, session.task, session.scratch());
         if (const auto place = placeOf(session, tools, arguments)) {
             const HexSource source(place->file);
             const std::uint64_t at = beginningOf(arguments, finds ? 0 : place->offset);

@@ -11,6 +11,7 @@
 #include "base/Text.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
+#include "views/Audit.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -85,7 +86,7 @@ void tellTotals(Session &session, const Totals &totals) {
 }
 
 /// A table that lacked rows would pass for an audit.
-std::vector<AuditRow> auditOf(URLClass &page, RebuildTools &tools, const Program &program) {
+std::vector<AuditRow> auditOf(URLClass &page, RecordTools &tools, const Program &program) {
     unpackPage(page, tools, program);
     const RebuildContext &ctx = tools.context();
     auto rows = LoadAudit(page, rebuildFolderOf(page.URLID, ctx), ctx);
@@ -109,7 +110,7 @@ Exit rebuildCommand(Session &session, const RebuildArguments &arguments) {
     Totals totals;
     bool whole = false;
     {
-        RebuildTools tools(program, session.task, session.scratch());
+        RecordTools tools(program, session.task, session.scratch());
         const auto ids = chosenIds(program, arguments, totals.unread);
         if (!arguments.overwrite)
             refuseExisting(ids, arguments.out);
@@ -136,7 +137,7 @@ Exit auditCommand(Session &session, const std::string &project, std::int64_t url
     Program &program = session.program;
     program.thisClass.WideRecordIds |= wideIds;
     {
-        RebuildTools tools(program, session.task, session.scratch());
+        RecordTools tools(program, session.task, session.scratch());
         checkRow(program.thisClass.ProjectDB.connection(), urlId);
         auto page = tools.record(urlId);
         if (!page)

@@ -10,7 +10,7 @@ class Database;
 }
 
 namespace nv {
-class RebuildTools;
+class RecordTools;
 struct Program;
 struct URLClass;
 } // namespace nv
@@ -30,6 +30,6 @@ void checkRow(SQLite::Database &project, std::int64_t id);
 
 /// The page's rebuilt folder made anew. Throws when it can't be whole: UsageError where a switch of
 /// the examiner's brings it, otherwise StorageFailure.
-void unpackPage(URLClass &page, RebuildTools &tools, const Program &program);
+void unpackPage(URLClass &page, RecordTools &tools, const Program &program);
 
 } // namespace nv::cli

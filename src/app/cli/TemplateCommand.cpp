@@ -75,7 +75,7 @@ Exit templateCreateCommand(Session &session, const TemplateArguments &arguments)
     refuseEvidence(folder, program.thisClass);
     Exit exit = Exit::ok;
     {
-        RebuildTools tools(program, session.task, session.scratch());
+        RecordTools tools(program, session.task, session.scratch());
         for (const std::int64_t id : ids) {
             auto page = tools.record(id);
             if (!page)
@@ -116,7 +116,7 @@ Exit templateApplyCommand(Session &session, const TemplateArguments &arguments) 
     program.thisClass.TemplateMatchByTitle = !arguments.anyTitle;
     Exit exit = Exit::ok;
     {
-        RebuildTools tools(program, session.task, session.scratch());
+        RecordTools tools(program, session.task, session.scratch());
         RebuildFromTemplates(program, tools, ids, templates, [&](std::int64_t id, Laid result) {
             if (result == Laid::rebuilt && !arguments.out.empty())
                 handOver(rebuildFolderOf(UrlId{id}, tools.context()) / pageNameOf(UrlId{id}),

@@ -27,7 +27,7 @@ Exit withContent(Session &session, const RowArguments &row, Show &&show) {
     checkRow(session.program.thisClass.ProjectDB.connection(), row.urlId);
     Exit exit = Exit::damagedEvidence;
     {
-        RebuildTools tools(session.program, session.task, session.scratch());
+        RecordTools tools(session.program, session.task, session.scratch());
         const auto content = contentOfRecord(tools, UrlId{row.urlId});
         if (content && content->file)
             exit = show(*content);

@@ -62,7 +62,7 @@ void RebuildPart::RebuildTaggedPages(const std::vector<std::int64_t> &ids) {
     report.asked = ids.size();
     m_bench.runTask(
         {"REBUILDING WEB PAGES", "Rebuilding Web Pages ", "", ""}, [&](TaskMonitor &task) {
-            RebuildTools tools(program, task, program.thisClass.TempFolderPath);
+            RecordTools tools(program, task, program.thisClass.TempFolderPath);
             report.cancelled = !rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
                 report.pages.push_back(page);
             });
@@ -77,7 +77,7 @@ void RebuildPart::rebuildOne(std::int64_t id) {
     RebuildReport report;
     report.asked = 1;
     m_bench.runTask({"Rebuilding", "", "", ""}, [&](TaskMonitor &task) {
-        RebuildTools tools(program, task, program.thisClass.TempFolderPath);
+        RecordTools tools(program, task, program.thisClass.TempFolderPath);
         if (const auto page = rebuildPage(program, tools, id))
             report.pages.push_back(*page);
         const auto rebuilt = std::ranges::count(report.pages, true, &RebuiltPage::rebuilt);

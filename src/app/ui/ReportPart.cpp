@@ -2,6 +2,7 @@
 
 #include "app/EvidenceFolders.h"
 #include "app/Messages.h"
+#include "app/RebuildJob.h"
 #include "app/ReportJob.h"
 #include "app/ReportMessages.h"
 #include "app/Trail.h"
