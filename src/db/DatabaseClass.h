@@ -17,7 +17,8 @@ namespace schema {
 struct Table;
 }
 
-/// The project file: one SQLite database with the documented tables, columns and stored queries.
+/// The project file: one SQLite database with tables, columns and stored queries
+/// (docs/formats/project-file.md).
 class DatabaseClass {
   public:
     DatabaseClass(FailureLog &log, const Clock &clock);

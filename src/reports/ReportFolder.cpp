@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::size_t kShortestRowName = 11; ///< "0000017.NVR"
 
+/// Only what reports themselves make may be removed: the examiner may have put more beside it.
 bool isRowFolder(const fs::path &folder) {
     const std::string name = textOf(folder.filename());
     return name.size() >= kShortestRowName && name.ends_with(".NVR") &&

@@ -73,6 +73,8 @@ LoadResult Gallery::load(TaskMonitor &task) {
         m_ids.resize(m_ids.size() - m_lost.size()); // they are its last
     }
     m_pageCount = static_cast<int>((m_ids.size() + m_pageSize - 1) / m_pageSize);
+    // After a cancelled or failed load too: there are no ids then, and no tile of the load before
+    // may stay.
     const bool shown = showPage(m_page);
     if (walk == Walk::Cancelled)
         return LoadResult::Cancelled;

@@ -1,6 +1,7 @@
 // An SQLite file; of it are read
-//   urls   = id url title visit_count last_visit_time hidden     dates in microseconds since 1601,
-//   UTC visits = url visit_time                                      url names the page's id
+//   urls   = id url title visit_count last_visit_time hidden
+//   visits = url visit_time                                      url names the page's id
+// with dates in microseconds since 1601, UTC.
 // Versions add columns and tables; the ones above have stayed.
 
 #include "readers/chrome/History.h"

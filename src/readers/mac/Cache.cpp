@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::string_view kProcedure = "ParserClass.ParseMACIECache()";
 
+/// Taken from the file's size, since an offset and a size of the file may overflow when added.
 bool liesIn(std::uint64_t fileSize, std::int64_t offset, std::int64_t size) {
     return offset > 0 && size > 0 && static_cast<std::uint64_t>(offset) <= fileSize &&
            static_cast<std::uint64_t>(size) <= fileSize - static_cast<std::uint64_t>(offset);

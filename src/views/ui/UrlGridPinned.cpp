@@ -8,8 +8,8 @@
 
 namespace nv {
 
-/// The tick and the date of the event are what every row is known by. The documented local date
-/// leaves old dates out, so another one is preferred.
+/// The tick and the date of the event are what every row is known by. "Action Date
+/// [Local]" leaves old dates out (docs/guide/limits.md), so another one is preferred.
 bool UrlGrid::staysInSight(UrlColumn column) const {
     if (column == UrlColumn::Tag)
         return true;
