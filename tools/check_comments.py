@@ -6,6 +6,8 @@
 - Pages of docs/ that comments name are there, and so are the sources that documents name in
   backticks, but for those of the made-up reader "foo".
 
+- What a list of the code offers to examiners stands in the page of the guide (LISTED).
+
 usage: tools/check_comments.py
 """
 
@@ -21,6 +23,21 @@ PAGE = re.compile(r"\bdocs/[\w/-]+\.md")
 CODE_BLOCK = re.compile(r"^(```|~~~).*?^\1", re.MULTILINE | re.DOTALL)
 NAMED = re.compile(r"`([\w./-]+\.(?:h|cpp|py)|(?:src|tests|tools|scripts|docs)/[\w./-]+)`")
 MADE_UP = re.compile(r"foo[-_A-Z/]|Foo[A-Z]")
+
+# (where the list stands, its keys, the page that tells what each is).
+LISTED = [("src/views/UrlColumns.cpp", re.compile(r'"(COL_URL_\w+)"'), "docs/guide/table.md")]
+
+
+def list_faults(names):
+    for source, key, page in LISTED:
+        if source not in names:
+            yield f"tools/check_comments.py: {source} is not there: name the file that has the list"
+            continue
+        told = read(page)
+        for match in key.finditer(text := read(source)):
+            if f"`{match.group(1)}`" not in told:
+                line = text.count("\n", 0, match.start()) + 1
+                yield f"{source}:{line}: {page} doesn't tell what {match.group(1)} is"
 
 
 def code_faults(path, text, names):
@@ -54,7 +71,7 @@ def main():
     for name in files:
         while name := posixpath.dirname(name):
             names.add(name)
-    faults = []
+    faults = list(list_faults(names))
     for path in files:
         if path.startswith(("src/", "tests/")) and path.endswith((".h", ".cpp")):
             found = code_faults(path, read(path), names)

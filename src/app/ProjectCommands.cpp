@@ -92,6 +92,7 @@ std::optional<Access> ProjectCommands::accessTo(const fs::path &path) {
     };
     if (const auto holder = holderOf(path, Front::window))
         return readOnly(messages::projectInUse(path, *holder));
+    // Of the folder too: the log of an open project is a file beside it.
     const fs::path folder = fs::absolute(path).parent_path();
     const bool writable = ::access(path.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
     if (!writable && ::access(path.c_str(), R_OK) == 0)

@@ -38,6 +38,7 @@ void addFlag(SQLite::Database &database, const KeywordFlag &flag) {
     insert.exec();
 }
 
+/// With its side files: a log that a crash left would be read into the new file.
 void removeFile(const std::filesystem::path &file) {
     for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
         std::error_code ignored;
@@ -134,6 +135,7 @@ void DatabaseClass::open(Access access) {
 void DatabaseClass::CloseDB() {
     if (!m_database || isReadOnly())
         return m_database.reset();
+    // A failure may have left a transaction open; what it wrote is not kept.
     m_database->tryExec("ROLLBACK");
     m_database->tryExec("PRAGMA analysis_limit=400; PRAGMA optimize");
     // The checkpoint succeeds while others read the project; leaving WAL does not, and then the

@@ -74,6 +74,7 @@ bool UrlTable::prepareProject(TaskMonitor &task) {
 std::vector<IdQuery> UrlTable::loadQueries() {
     if (sort && isSortable(sort->column)) {
         IdQuery sorted = sortQuery(choice, *sort, undated);
+        // An examiner's query may lack the column: its rows then come in their own order.
         if (canRun(m_project, sorted)) {
             m_columnSort = sort;
             return {std::move(sorted)};
@@ -139,7 +140,7 @@ EmptyState UrlTable::whyEmpty(LoadResult result) {
 LoadResult UrlTable::sortInto(const IdQuery &query, TaskMonitor &task) {
     describeLoad(task);
     const Busy busy(m_busy);
-    FoundRows sorted;
+    FoundRows sorted; // until it is whole the rows stand as they are
     const LoadResult result = attempt([&] { return fill({query}, task, sorted); });
     if (result != LoadResult::Loaded)
         return result;
@@ -180,6 +181,7 @@ std::optional<std::size_t> UrlTable::placeOf(UrlId id) const {
 }
 
 const UrlRow *UrlTable::rowFor(std::size_t place, UrlColumn column) {
+    // While ids are loaded the window may ask for cells: nothing is read in between.
     if (m_busy)
         return m_pager.known(place);
     m_pager.need(column);
