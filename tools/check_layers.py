@@ -6,6 +6,8 @@
 - Qt stands in windows (*/ui/), platform/qt and programs only, and so do includes of them.
 - A family of readers never includes another one.
 - `catch` stands in the traps, main functions, platform adapters and the database's error adapter.
+- Readers and the import ask the file system nothing and open nothing themselves: what lies in the
+  evidence they ask of readers/Evidence, what they made themselves of readers/Scratch.
 
 usage: tools/check_layers.py [FILE of src/...]
 """
@@ -45,9 +47,22 @@ CATCH_PLACES = re.compile(r"src/base/Trap\.h|src/programs/[^/]*\.cpp|src/platfor
 
 # Further files that may catch: each with the reason why neither trap does.
 CATCH_ALLOWED = {
-    # Ends no failure: it adds which file of the evidence it is about, and passes it on.
+    # End no failure: they add which file of the evidence it is about, or tell of it, and pass it on.
+    "src/readers/EvidenceFile.cpp",
     "src/readers/EvidenceGaps.h",
 }
+
+# Those that read evidence, but for windows, and the files that do it for all of them.
+EVIDENCE_READERS = re.compile(r"src/readers/.*|src/import/[^/]*")
+EVIDENCE_DOORS = re.compile(r"src/readers/(Evidence|EvidenceFile|Scratch)\.(h|cpp)")
+
+# Questions to the file system, and ways to open, list, change or copy what is in it. Paths
+# themselves ask nothing, and `absolute` asks where the program runs.
+PAST_EVIDENCE = re.compile(
+    r"\b(?:fs|filesystem)::(?!path\b|absolute\b|u8path\b|filesystem_error\b)[a-z]\w*"
+    r"|\b(?:FileReader|readHead|readWhole|readInBlocks|copyRange|copyToScratch|hashesOfFile"
+    r"|pathFromText|wholePath|[io]?fstream|fopen|sqlite3_open\w*)\b"
+    r"|(?<![\w.>)])::(?:f|l)?(?:stat|statx|open|openat|access|opendir|fopen|unlink|rename)\s*\(")
 
 
 def layer_of(name):
@@ -96,9 +111,14 @@ def file_faults(path):
     for line, bracket, name in includes(text):
         for fault in include_faults(file, name, bracket):
             yield line, fault
+    bare = without_comments(text)
+    if EVIDENCE_READERS.fullmatch(path) and not EVIDENCE_DOORS.fullmatch(path):
+        for match in PAST_EVIDENCE.finditer(bare):
+            yield bare.count("\n", 0, match.start()) + 1, \
+                f"{match[0]}: ask readers/Evidence, or readers/Scratch for files of our own"
     if CATCH_PLACES.fullmatch(path) or path in CATCH_ALLOWED:
         return
-    for match in re.finditer(r"\bcatch\s*\(", bare := without_comments(text)):
+    for match in re.finditer(r"\bcatch\s*\(", bare):
         yield bare.count("\n", 0, match.start()) + 1, "catch: use the traps of base/Trap.h"
 
 

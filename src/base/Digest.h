@@ -41,6 +41,23 @@ struct FileHashes {
     bool operator==(const FileHashes &) const = default;
 };
 
+/// Both over the bytes of a file that arrives in blocks.
+class FileHashing {
+  public:
+    void add(std::string_view block) {
+        m_md5.add(block);
+        m_sha256.add(block);
+        m_size += block.size();
+    }
+    std::uint64_t size() const { return m_size; }
+    FileHashes take() { return {m_md5.takeHex(), m_sha256.takeHex(), m_size}; }
+
+  private:
+    Digest m_md5{DigestAlgorithm::md5};
+    Digest m_sha256{DigestAlgorithm::sha256};
+    std::uint64_t m_size = 0; ///< bytes
+};
+
 /// Both of a whole file, which is read once in blocks. `goOn` is asked after each block with the
 /// number of bytes read so far; false ends the reading and gives nothing. Throws FileFailure.
 std::optional<FileHashes> hashesOfFile(const std::filesystem::path &path,

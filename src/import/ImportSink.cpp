@@ -1,6 +1,7 @@
 #include "import/ImportSink.h"
 
 #include "db/RecordNames.h"
+#include "readers/Scratch.h"
 
 namespace nv {
 
@@ -33,8 +34,7 @@ void ImportSink::write(URLClass &record, SavedContent &content) {
 void ImportSink::dropBody(URLClass &record) {
     if (record.RunTimeTempFilePath.empty())
         return;
-    std::error_code ignored;
-    std::filesystem::remove(record.RunTimeTempFilePath, ignored);
+    scratch::drop(record.RunTimeTempFilePath);
     record.RunTimeTempFilePath.clear();
     m_content.forget();
 }

@@ -1,6 +1,5 @@
 #include "import/PageContent.h"
 
-#include "base/Files.h"
 #include "base/Text.h"
 #include "markup/PageText.h"
 
@@ -163,12 +162,11 @@ const GumboNode *bodyOf(const HtmlDocument &document) {
 
 } // namespace
 
-std::string ReadPageText(const std::filesystem::path &file, std::string_view httpHeader) {
-    const FileReader reader(file);
-    if (reader.size() > kPageBytes)
-        throw PageTooLarge(file, fmt::format("its {} bytes are more than the limit of {}",
-                                             reader.size(), kPageBytes));
-    const Bytes bytes = reader.read(0, reader.size());
+std::string ReadPageText(const ByteSource &file, std::string_view httpHeader) {
+    if (file.size() > kPageBytes)
+        throw PageTooLarge(file.path(), fmt::format("its {} bytes are more than the limit of {}",
+                                                    file.size(), kPageBytes));
+    const Bytes bytes = file.read(0, file.size());
     return decodePage(ByteView(bytes), httpHeader);
 }
 

@@ -4,6 +4,7 @@
 #include "base/Storage.h"
 #include "base/Trap.h"
 #include "readers/Limits.h"
+#include "readers/Scratch.h"
 
 #include <fmt/format.h>
 
@@ -105,10 +106,10 @@ fs::path workFileOf(const fs::path &target) {
 void feed(Unpacking &unpacking, const Body &packed) {
     if (packed.isInMemory)
         return unpacking.take(packed.raw());
-    readInBlocks(packed.file, [&unpacking](std::string_view block, std::uint64_t) {
+    static_cast<void>(inBlocks(ScratchFile(packed.file), [&unpacking](std::string_view block) {
         unpacking.take(block);
         return true;
-    });
+    }));
 }
 
 Body unpacked(const Body &packed, const fs::path &work, std::uint64_t inMemory) {
@@ -131,7 +132,7 @@ bool unpackBody(Body &body, std::uint64_t inMemory, FailureLog &log) {
         if (!whole.isInMemory)
             moveFile(whole.file, body.file);
         else if (!body.isInMemory)
-            fs::remove(body.file);
+            scratch::remove(body.file);
         whole.file = body.file;
         body = std::move(whole);
         return true;

@@ -61,6 +61,7 @@ struct ReadContext {
 
 /// What recognition knows of a file, all texts lower-case, separators of the path "/".
 struct Candidate {
+    const Evidence *evidence = nullptr; ///< for a look at what lies beside the file
     std::filesystem::path file;
     std::string name;
     std::string path;
@@ -73,7 +74,7 @@ class BodyTarget;
 
 /// Writes the body of a record that its reader made to `target`, as it is stored. The rest of its
 /// file's folder may be used meanwhile. False when evidence doesn't hold the body; throws
-/// FileFailure, OutOfBytes and other failures of reading.
+/// EvidenceFailure, OutOfBytes and other failures of reading.
 using Fetch = bool (*)(const URLClass &record, const Evidence &evidence, BodyTarget &target);
 
 /// One format. The table in Registry.cpp is the list of them, in order of trial.

@@ -62,8 +62,7 @@ bool contentHas(const Candidate &file, std::string_view mark) {
 
 /// Chrome's index beside the block file. Names may have lost their case on the way here.
 std::optional<fs::path> indexBeside(const Candidate &file) {
-    const Evidence folder({});
-    return folder.find(file.file.parent_path(), "index");
+    return file.evidence->find(file.file.parent_path(), "index");
 }
 
 bool isFirefoxCache(const Candidate &file) {
@@ -286,8 +285,9 @@ const Reader *readerOfKind(std::string_view cacheType) {
         [cacheType](const Reader &reader) { return equalsNoCase(reader.kind, cacheType); });
 }
 
-Candidate candidateOf(const std::filesystem::path &file) {
+Candidate candidateOf(const std::filesystem::path &file, const Evidence &evidence) {
     Candidate candidate;
+    candidate.evidence = &evidence;
     candidate.file = file;
     candidate.name = toLower(textOf(file.filename()));
     candidate.path = toLower(replaceAll(textOf(file), "\\", "/"));
@@ -309,10 +309,11 @@ bool holdsShaders(const Reader &reader, const Candidate &candidate) {
 }
 
 /// A cache that is taken by its name alone, or by itself, passes for a history.
-std::string warningOn(const Reader &reader, const std::filesystem::path &file) {
+std::string warningOn(const Reader &reader, const std::filesystem::path &file,
+                      const Evidence &evidence) {
     if (reader.type != ieHistory)
         return {};
-    const Bytes head = readHead(file, limits::kHeadBytes);
+    const Bytes head = evidence.head(file, limits::kHeadBytes);
     if (!hasCacheFolders(ByteView(head)))
         return {};
     return "read as a history, but it lists cache folders as a cache does: what is called \"Last "

@@ -28,8 +28,8 @@ const Reader *readerByKey(std::string_view key);
 const Reader *readerOfKind(std::string_view cacheType);
 
 /// What recognition may know of a file without opening it; the caller adds `head` when contents are
-/// verified.
-Candidate candidateOf(const std::filesystem::path &file);
+/// verified. `evidence` must outlive the candidate.
+Candidate candidateOf(const std::filesystem::path &file, const Evidence &evidence);
 
 /// The file that is listed and read when `reader` takes `candidate`: the file itself, but for
 /// Chrome's cache, which is known by its first block file and read through the index beside it.
@@ -40,7 +40,8 @@ std::filesystem::path artefactOf(const Reader &reader, const Candidate &candidat
 bool holdsShaders(const Reader &reader, const Candidate &candidate);
 
 /// Why what is stored from `file` has to be read with care, although nothing of it is damaged;
-/// empty for most files. Throws FileFailure.
-std::string warningOn(const Reader &reader, const std::filesystem::path &file);
+/// empty for most files. Throws EvidenceFailure.
+std::string warningOn(const Reader &reader, const std::filesystem::path &file,
+                      const Evidence &evidence);
 
 } // namespace nv

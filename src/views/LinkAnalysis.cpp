@@ -7,6 +7,7 @@
 #include "import/PageContent.h"
 #include "readers/CachedBody.h"
 #include "readers/ContentProbe.h"
+#include "readers/Scratch.h"
 #include "views/DateIndex.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -95,10 +96,15 @@ class PageRefresh {
             return;
         }
         // The cheap test, which loads no file: most of a cache is pictures.
-        const ContentFacts &facts = m_content.facts(*file);
+        const bool isScratch = *file == record.RunTimeTempFilePath;
+        const ContentFacts &facts =
+            isScratch ? m_content.scratchFacts(*file) : m_content.facts(m_ctx.evidence, *file);
         if (!facts.hasHtml && !facts.hasBody)
             return;
-        write(record.URLID, ReadPageContent(ReadPageText(*file, record.MetaData), *file));
+        const std::string page = isScratch
+                                     ? ReadPageText(ScratchFile(*file), record.MetaData)
+                                     : ReadPageText(m_ctx.evidence.open(*file), record.MetaData);
+        write(record.URLID, ReadPageContent(page, *file));
         ++m_totals.refreshed;
     }
 

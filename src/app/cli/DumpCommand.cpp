@@ -83,9 +83,10 @@ class DumpSink final : public RecordSink {
 };
 
 /// The reader that takes the file, and what it has to know of it.
-const Reader *chooseReader(const fs::path &path, const std::string &as, HistoryFile &file) {
-    Candidate candidate = candidateOf(path);
-    const Bytes head = readHead(path, limits::kHeadBytes);
+const Reader *chooseReader(const fs::path &path, const std::string &as, const Evidence &evidence,
+                           HistoryFile &file) {
+    Candidate candidate = candidateOf(path, evidence);
+    const Bytes head = evidence.head(path, limits::kHeadBytes);
     candidate.head = ByteView(head);
     const Reader *reader = as.empty() ? recognise(candidate) : readerByKey(as);
     if (!reader)
@@ -94,7 +95,7 @@ const Reader *chooseReader(const fs::path &path, const std::string &as, HistoryF
     file.FileName = textOf(file.FullPath.filename());
     file.FileParentPath = textOf(file.FullPath.parent_path());
     file.fileExt = candidate.extension;
-    file.FileSize = fs::file_size(file.FullPath);
+    file.FileSize = evidence.factsOf(file.FullPath).size;
     file.HistoryFileType = reader->type;
     file.Version = reader->version;
     return reader;
@@ -124,7 +125,9 @@ Exit dumpCommand(Session &session, const std::string &file, const std::string &a
     if (!fs::is_regular_file(file))
         throw UsageError(fmt::format("there is no file \"{}\"", file));
     HistoryFile artefact;
-    const Reader *reader = chooseReader(fs::canonical(file), as, artefact);
+    const fs::path whole = fs::canonical(file);
+    const Evidence evidence(whole.parent_path()); // where the artefact lies too
+    const Reader *reader = chooseReader(whole, as, evidence, artefact);
     if (!reader || !reader->read) {
         session.err << fmt::format("\"{}\" is {}\n", printable(file),
                                    reader ? "a format that is not read yet"
@@ -133,7 +136,6 @@ Exit dumpCommand(Session &session, const std::string &file, const std::string &a
     }
     const auto writer = makeRowWriter(format, session.out, {kHeadings.begin(), kHeadings.end()});
     DumpSink sink(*writer);
-    const Evidence evidence(artefact.FileParentPath);
     ContentProbe content;
     Program &program = session.program;
     ReadContext context{artefact,          evidence, content,     program.around.clock,
@@ -141,7 +143,7 @@ Exit dumpCommand(Session &session, const std::string &file, const std::string &a
     const ReadResult result = reader->read(context);
     session.task.clear();
     writer->finish();
-    return tellResult(session, result, warningOn(*reader, artefact.FullPath));
+    return tellResult(session, result, warningOn(*reader, artefact.FullPath, evidence));
 }
 
 } // namespace nv::cli

@@ -47,7 +47,7 @@ void setSource(URLClass &record, const ReadContext &ctx) {
     record.CacheRootPath = textOf(folder);
     record.CacheFolderName = textOf(folder.filename());
     record.CacheFileRelativePath = ctx.evidence.relativeOf(ctx.file.FullPath);
-    record.CacheFileCreatedGMTDOS = creationDateOf(ctx.file.FullPath);
+    record.CacheFileCreatedGMTDOS = ctx.evidence.factsOf(ctx.file.FullPath).created;
 }
 
 /// That the body is there is taken for granted; extracting it shows.

@@ -61,7 +61,7 @@ std::string encryptionOf(const Row &row) {
 ReadResult ParseChromeCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         TableCursor cursor(database, "cookies", kColumns);
-        const Date fileCreated = creationDateOf(ctx.file.FullPath);
+        const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
         std::map<std::string, std::uint64_t> noted;
         ReadResult result = eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
             if (std::string encryption = encryptionOf(row); !encryption.empty())

@@ -65,7 +65,7 @@ bool countVisits(ReadContext &ctx, EvidenceDatabase &database,
 
 ReadResult readPages(ReadContext &ctx, EvidenceDatabase &database) {
     TableCursor cursor(database, "urls", kColumns);
-    const Date fileCreated = creationDateOf(ctx.file.FullPath);
+    const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
     std::vector<std::int64_t> pages;
     ReadResult result = eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
         URLClass record = pageRecord(ctx, row, fileCreated);

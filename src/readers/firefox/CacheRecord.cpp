@@ -42,8 +42,7 @@ void setUrl(URLClass &url, const mzRecordMetaData &metaData) {
 
 /// The cache's folder: bodies are fetched from `RootPath` + `CacheRootPath`.
 void setPlace(URLClass &url, const HistoryFile &file, const Evidence &evidence) {
-    std::error_code none;
-    if (!std::filesystem::is_directory(file.FullPath.parent_path(), none))
+    if (evidence.kindOf(file.FullPath.parent_path()) != PlaceKind::folder)
         return;
     const std::filesystem::path map = evidence.relativeOf(file.FullPath);
     url.RootPath = evidence.rootOf(file.FullPath);

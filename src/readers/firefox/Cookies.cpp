@@ -34,7 +34,7 @@ Date dateOf(const Row &row, std::size_t column) {
 ReadResult ParseFirefoxCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         TableCursor cursor(database, "moz_cookies", kColumns);
-        const Date fileCreated = creationDateOf(ctx.file.FullPath);
+        const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
         return eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
             URLClass record = cookieRecord(ctx,
                                            {row.text(kHost), row.text(kName), row.text(kValue),

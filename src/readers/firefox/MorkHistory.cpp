@@ -182,7 +182,7 @@ ReadResult readMorkHistory(ReadContext &ctx, ByteView bytes) {
 ReadResult ParseMorkFile(ReadContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kLikelyDamaged, unreadable(ctx), [&ctx] {
         return readEntries(ctx, [&ctx](morkFileClass &file, TaskMonitor &task, ReadResult &result) {
-            file.ParseFile(ctx.file.FullPath, task, result);
+            file.ParseFile(ctx.evidence.open(ctx.file.FullPath), task, result);
         });
     });
 }

@@ -76,7 +76,7 @@ ReadResult readPlaces(ReadContext &ctx, EvidenceDatabase &database) {
     VisitTable visits;
     if (!readVisits(ctx, database, visits))
         return {ReadState::cancelled, {}, 0, {}};
-    const Date fileCreated = creationDateOf(ctx.file.FullPath);
+    const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
     SubTask task(ctx.task, kVisitsShare, 1);
     std::uint64_t uncounted = 0;
     ReadResult result = eachRow(cursor, ctx, task, kReader.procedure, [&](const Row &row) {

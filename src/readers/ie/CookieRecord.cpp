@@ -112,8 +112,7 @@ std::optional<fs::path> locateCookieFile(URLClass &record, const HistoryFile &fi
     return found;
 }
 
-CookieText readCookieText(const fs::path &path) {
-    const FileReader file(path);
+CookieText readCookieText(const EvidenceFile &file) {
     const Bytes bytes = file.read(0, limits::kCookieText);
     CookieText result{fromAnsi(ByteView(bytes)), file.size() <= bytes.size()};
     std::erase_if(result.text, [](char c) { return c == '\r' || c == '\n'; });

@@ -89,7 +89,7 @@ bool ExtractMACFile(const URLClass &record, const Evidence &evidence, BodyTarget
     const auto file = evidence.find(record.RootPath, record.CacheFileRelativePath);
     if (!file)
         return false;
-    const FileReader cache(*file);
+    const EvidenceFile cache = evidence.open(*file);
     if (!liesIn(cache.size(), record.DataBlockFileOffset, record.CacheFileSize))
         return false;
     target.copy(cache, static_cast<std::uint64_t>(record.DataBlockFileOffset),

@@ -254,7 +254,7 @@ ReadResult ParseOperaCache(ReadContext &ctx) {
     ctx.task.describe({"PARSING OPERA CACHE FILE", "Opera", path, "opera-32.gif"});
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),
                    [&ctx] {
-                       const FileReader file(ctx.file.FullPath);
+                       const EvidenceFile file = ctx.evidence.open(ctx.file.FullPath);
                        const Bytes bytes = file.read(0, limits::kOperaFileBytes);
                        ReadResult result = CacheReading(ctx, ByteView(bytes)).run();
                        tellSize(ctx, file.size(), bytes.size(), result);

@@ -105,14 +105,14 @@ std::optional<fs::path> findCachedFile(const ReadContext &ctx, std::string_view 
 }
 
 void addCachedFile(URLClass &record, const fs::path &found, const Evidence &evidence) {
-    struct stat facts {};
-    if (::stat(found.c_str(), &facts) != 0)
+    const FileFacts facts = evidence.factsOf(found);
+    if (!facts.isThere)
         return;
     record.RootPath = evidence.rootOf(found);
     record.CacheFileRelativePath = evidence.relativeOf(found);
-    record.CacheFileCreatedGMTDOS = creationDateOf(found);
-    record.CacheFileLastAccessed = Date::fromUnixSeconds(facts.st_atime);
-    record.CacheFileSize = facts.st_size;
+    record.CacheFileCreatedGMTDOS = facts.created;
+    record.CacheFileLastAccessed = facts.lastAccessed;
+    record.CacheFileSize = static_cast<std::int64_t>(facts.size);
     record.RunTimeContentPath = found;
 }
 

@@ -132,7 +132,7 @@ class HistoryReading {
 
     /// False when cancelled.
     bool saveAll() {
-        const Date fileCreated = creationDateOf(m_ctx.file.FullPath);
+        const Date fileCreated = m_ctx.evidence.factsOf(m_ctx.file.FullPath).created;
         double saved = 0;
         for (const plistURL &entry : m_entries) {
             if (!m_ctx.task.advance(saved++ / static_cast<double>(m_entries.Count())))
@@ -167,11 +167,11 @@ class HistoryReading {
 
 ReadResult readHistory(ReadContext &ctx) {
     // Before it is read into memory.
-    if (std::filesystem::file_size(ctx.file.FullPath) > limits::kPropertyListBytes)
+    if (ctx.evidence.factsOf(ctx.file.FullPath).size > limits::kPropertyListBytes)
         throw PropertyListDamage(fmt::format("longer than the {} bytes that are read of a property "
                                              "list",
                                              limits::kPropertyListBytes));
-    const Bytes bytes = readWhole(ctx.file.FullPath);
+    const Bytes bytes = ctx.evidence.whole(ctx.file.FullPath);
     const ByteView file(bytes);
     if (isBinaryPropertyList(file))
         return {ReadState::notReadYet,

@@ -5,10 +5,6 @@
 
 #include "readers/sqlite/SchemaHead.h"
 
-#include "base/Files.h"
-
-#include <system_error>
-
 namespace nv {
 
 namespace {
@@ -52,12 +48,11 @@ std::optional<SchemaHead> schemaHead(const Candidate &file) {
                       static_cast<std::uint32_t>(bigEndian(page->sub(kUserVersionAt, 4)))};
     fs::path log = file.file;
     log += "-wal";
-    std::error_code none;
-    if (!fs::is_regular_file(fs::symlink_status(log, none)))
+    if (!file.evidence->isPlainFile(log))
         return schema;
-    if (fs::file_size(log, none) > kLongestLog)
+    if (file.evidence->factsOf(log).size > kLongestLog)
         return std::nullopt;
-    const Bytes pages = readHead(log, kLongestLog);
+    const Bytes pages = file.evidence->head(log, kLongestLog);
     schema.bytes += ByteView(pages).raw();
     return schema;
 }

@@ -1,6 +1,7 @@
 #include "readers/Body.h"
 #include "readers/CachedBody.h"
 #include "readers/GZip.h"
+#include "readers/Scratch.h"
 #include "support/MacCacheReading.h"
 #include "support/SmallFiles.h"
 #include "support/TempFolder.h"
@@ -63,7 +64,7 @@ TEST_F(BodyTest, leavesNoFileWhenItIsNotTaken) {
 }
 
 TEST_F(BodyTest, isCopiedFromItsPlace) {
-    const FileReader source(folder.write("source", std::string((2 << 20) + 5, 'x') + "end"));
+    const ScratchFile source(folder.write("source", std::string((2 << 20) + 5, 'x') + "end"));
     for (const std::uint64_t inMemory : {std::uint64_t{0}, kBodyInMemory, std::uint64_t{9} << 20}) {
         BodyTarget target(file, inMemory);
         EXPECT_EQ(target.copy(source, 2, source.size()), source.size() - 2);

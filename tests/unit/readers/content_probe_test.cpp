@@ -11,7 +11,7 @@ using namespace std::string_literals;
 
 ContentFacts factsOf(const std::string &bytes) {
     const test::TempFolder folder;
-    return ContentProbe().facts(folder.write("content", bytes));
+    return ContentProbe().scratchFacts(folder.write("content", bytes));
 }
 
 TEST(GetExtBySignature, knowsItsSignaturesAndNoOthers) {
@@ -58,7 +58,8 @@ TEST(ContentProbe, givesUpOnATitleWithoutEnd) {
 
 TEST(ContentProbe, saysWhatItCouldNotRead) {
     ContentProbe probe;
-    EXPECT_THROW(probe.facts("/nowhere/at/all"), FileFailure);
+    EXPECT_THROW(probe.scratchFacts("/nowhere/at/all"), FileFailure);
+    EXPECT_THROW(probe.facts(Evidence({}), "/nowhere/at/all"), EvidenceFailure);
     EXPECT_EQ(factsOf("x").extension, "");
 }
 

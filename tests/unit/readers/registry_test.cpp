@@ -28,7 +28,8 @@ struct Trial {
 };
 
 std::string keyOf(const Trial &trial) {
-    Candidate candidate = candidateOf(trial.path);
+    const Evidence evidence({});
+    Candidate candidate = candidateOf(trial.path, evidence);
     candidate.head = viewOf(trial.head);
     candidate.verifySignatures = trial.verify;
     const Reader *reader = recognise(candidate);
@@ -78,9 +79,10 @@ TEST(Registry, readsTypesWithoutARowWithTheirFormat) {
 }
 
 TEST(Registry, holdsFormatsThatNoScanFinds) {
+    const Evidence evidence({});
     for (const HistoryFileType type : {HistoryFileType::csv, HistoryFileType::macIECache}) {
         ASSERT_NE(readerFor(type), nullptr);
-        EXPECT_FALSE(readerFor(type)->recognises(candidateOf("/x/Cache.waf")));
+        EXPECT_FALSE(readerFor(type)->recognises(candidateOf("/x/Cache.waf", evidence)));
     }
 }
 
@@ -221,7 +223,8 @@ TEST(Recognition, listsTheIndexForTheFirstBlockFileOfChrome) {
     const auto data = folder.write("Cache/data_0", "");
     EXPECT_EQ(keyByName(data), "");
     const auto index = folder.write("Cache/Index", "");
-    const Candidate candidate = candidateOf(data);
+    const Evidence evidence(folder.path());
+    const Candidate candidate = candidateOf(data, evidence);
     const Reader *reader = recognise(candidate);
     ASSERT_NE(reader, nullptr);
     EXPECT_EQ(reader->key, "chrome-cache");
