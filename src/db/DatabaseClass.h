@@ -36,15 +36,15 @@ class DatabaseClass {
     /// Makes the file at FilePath with the whole schema, and leaves it open. False on a failure,
     /// which is logged; what was written stays on disk. A file that is there isn't touched: the
     /// caller deletes it first.
-    bool CreateDatabaseProject();
+    [[nodiscard]] bool CreateDatabaseProject();
     /// Makes a scratch file for a Mork history, over one that is there, and closes it. Needs no
     /// project. False on a failure, which is logged.
-    bool CreateMorkFileParser(const std::filesystem::path &file);
+    [[nodiscard]] bool CreateMorkFileParser(const std::filesystem::path &file);
     /// Fills table `KeywordFlags`, made on first use, with the term lists that the keyword queries
     /// look for. Flags that are there stay as they are. False on a failure, which is logged.
-    bool PopulateKeywordFlags();
+    [[nodiscard]] bool PopulateKeywordFlags();
     /// Makes table `FlaggedURLs`, which no new project has. False on a failure, which is logged.
-    bool CreateFlaggedURLs();
+    [[nodiscard]] bool CreateFlaggedURLs();
 
     /// Opens the file at FilePath. Throws StorageFailure, saying what is wrong with the file. What
     /// is opened for reading keeps every byte, so that its hash stays that of the day it was filed.

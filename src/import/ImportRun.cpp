@@ -209,8 +209,8 @@ class Import {
         result.warning = warningTrapped(reader, file);
         for (const UnreadPlace &place : m_run.evidence.unlisted())
             m_log.unlisted(place);
-        if (outcome.state == ReadState::complete)
-            m_sources.setSuccessful(file.SourceFile_ID);
+        if (outcome.state == ReadState::complete && !m_sources.setSuccessful(file.SourceFile_ID))
+            ++result.noted["file whose row could not be marked as read to its end"];
         settle(result, stateOf(outcome.state), outcome.reason); // now, since the mark may fail
         logCounts(file, result);
     }

@@ -19,11 +19,11 @@ struct ScanResult {
 /// Looks for artefacts in the starting directory, or at that one file when it is a file: then no
 /// mask is applied. A file whose format's check box is off is passed over. `watch` stands beside
 /// all reading, where given.
-ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log,
-                EvidenceWatch *watch = nullptr);
+[[nodiscard]] ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log,
+                              EvidenceWatch *watch = nullptr);
 
 /// Lists that one file as the format of `reader`, whatever its name and bytes say.
-ScanResult listAs(const Reader &reader, const std::filesystem::path &file, TaskMonitor &task,
-                  FailureLog &log);
+[[nodiscard]] ScanResult listAs(const Reader &reader, const std::filesystem::path &file,
+                                TaskMonitor &task, FailureLog &log);
 
 } // namespace nv

@@ -41,7 +41,7 @@ class BodyTarget {
 
     const std::filesystem::path &file() const { return m_body.file; }
     /// Ends the writing. Its file is the caller's to remove.
-    Body take();
+    [[nodiscard]] Body take();
 
   private:
     void spill();

@@ -149,7 +149,7 @@ inline void openExample(Desk &desk, MainForm &form) {
     program.import.StartingDirectory = evidence.string();
     Unwatched nobody;
     program.import.HistoryFiles = scan(program.import, nobody, program.log).HistoryFiles;
-    runImportJob(program, nobody, program.thisClass.TempFolderPath);
+    static_cast<void>(runImportJob(program, nobody, program.thisClass.TempFolderPath));
     trigger(form, "actRefresh");
 }
 

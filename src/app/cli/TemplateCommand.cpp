@@ -115,19 +115,21 @@ Exit templateApplyCommand(Session &session, const TemplateArguments &arguments) 
     checkOut(program, arguments);
     program.thisClass.TemplateMatchByTitle = !arguments.anyTitle;
     Exit exit = Exit::ok;
+    LaidTemplates laid;
     {
         RebuildTools tools(program, session.task, session.scratch());
-        RebuildFromTemplates(program, tools, ids, templates, [&](std::int64_t id, Laid result) {
-            if (result == Laid::rebuilt && !arguments.out.empty())
-                handOver(rebuildFolderOf(UrlId{id}, tools.context()) / pageNameOf(UrlId{id}),
-                         arguments.out);
-            session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
-            exit = result == Laid::rebuilt ? exit : Exit::nothingDone;
-        });
+        laid =
+            RebuildFromTemplates(program, tools, ids, templates, [&](std::int64_t id, Laid result) {
+                if (result == Laid::rebuilt && !arguments.out.empty())
+                    handOver(rebuildFolderOf(UrlId{id}, tools.context()) / pageNameOf(UrlId{id}),
+                             arguments.out);
+                session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
+                exit = result == Laid::rebuilt ? exit : Exit::nothingDone;
+            });
         session.task.clear();
     }
     closeProject(program);
-    return exit;
+    return laid.cancelled ? Exit::interrupted : exit;
 }
 
 } // namespace nv::cli

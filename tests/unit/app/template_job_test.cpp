@@ -30,7 +30,7 @@ struct TemplateJobTest : test::ProgramFixture {
         fs::create_directories(scratch);
         program->import.StartingDirectory = evidence.string();
         program->import.HistoryFiles = scan(program->import, task, program->log).HistoryFiles;
-        runImportJob(*program, task, scratch);
+        static_cast<void>(runImportJob(*program, task, scratch));
         setTitle(1, "Harbour News");
         setTitle(2, "Tides");
         program->thisClass.TemplatesPath = templates;

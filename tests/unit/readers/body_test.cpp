@@ -100,7 +100,7 @@ TEST_F(BodyTest, isUnpackedIntoAFileWhenItGrowsLarge) {
     EXPECT_EQ(fs::file_size(file), kBodyInMemory + 1);
     const test::SmallFiles limit(1000);
     body = {file, true, Bytes(packed.begin(), packed.end())};
-    EXPECT_THROW(unpackBody(body, kBodyInMemory, log), StorageFailure);
+    EXPECT_THROW(static_cast<void>(unpackBody(body, kBodyInMemory, log)), StorageFailure);
     EXPECT_TRUE(log.entries.empty());
 }
 
