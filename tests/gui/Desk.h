@@ -7,6 +7,7 @@
 #include "import/Scan.h"
 #include "maintenance/ui/OptionsForm.h"
 #include "platform/Network.h"
+#include "support/Places.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "support/builders/ChromeHistory.h"
@@ -81,7 +82,7 @@ struct Desk {
                          [this] { program.thread.CancelTask = true; });
         fs::create_directories(folder.path() / "program");
         fs::create_directories(folder.path() / "home");
-        fs::copy_file(NV_TIME_ZONES, folder.path() / "program" / "nvTZ.dat");
+        fs::copy_file(timeZonesFile(), folder.path() / "program" / "nvTZ.dat");
         startUp(program, Front::window);
     }
     TempFolder folder;
