@@ -99,11 +99,11 @@ double weightOf(const HistoryFile &file) {
     return static_cast<double>(file.FileSize) + 1;
 }
 
-/// A loose page is one record, and there may be ten thousand of them: they share commits. Any other
-/// artefact may take its time before it brings the first record.
-bool isReadAtOnce(const HistoryFile &file) {
+/// Files of one record, such as loose pages, share commits. Any other artefact may take its time
+/// before it brings the first record.
+bool isReadAtOnce(const Reader &reader, const HistoryFile &file) {
     constexpr std::uint64_t kQuickPage = std::uint64_t{1} << 20; // bytes
-    return file.HistoryFileType == HistoryFileType::simpleHTML && file.FileSize <= kQuickPage;
+    return reader.isOneRecord && file.FileSize <= kQuickPage;
 }
 
 class Import {
@@ -191,7 +191,7 @@ class Import {
     }
 
     void read(const Reader &reader, HistoryFile &file, ArtefactResult &result, SubTask task) {
-        if (!isReadAtOnce(file))
+        if (!isReadAtOnce(reader, file))
             m_batch.commit(); // what came before doesn't wait for it
         ImportSink sink(m_store, m_categories, m_extraction, m_content, m_batch, file, result,
                         m_looksIntoPages ? &m_metadata : nullptr);

@@ -8,6 +8,8 @@ namespace nv {
 /// CacheType and extension in the reader's words; the record in memory gets the verdict's.
 void ImportSink::save(URLClass &record) {
     orderNames(record);
+    // The reader may have found only now which type its file is of.
+    m_extraction.source = m_file.HistoryFileType;
     SavedContent content(record, m_extraction, m_content);
     const Verdict verdict = m_categories.verdictOn(record, content);
     record.Category = verdict.Category;

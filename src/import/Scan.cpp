@@ -5,12 +5,14 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "import/FileMask.h"
+#include "import/FolderHash.h"
 #include "import/FolderList.h"
 #include "readers/Limits.h"
 #include "readers/Registry.h"
 
 #include <fmt/format.h>
 
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -40,8 +42,9 @@ HistoryFile describe(const fs::path &file, const Reader &reader) {
 
 class Scan {
   public:
-    Scan(const ImportClass &job, TaskMonitor &task, FailureLog &log)
-        : m_job(job), m_mask(maskText(job)), m_task(task), m_log(log) {}
+    Scan(const ImportClass &job, TaskMonitor &task, FailureLog &log, Formats formats)
+        : m_job(job), m_formats(formats), m_mask(maskText(job, formats)), m_task(task), m_log(log) {
+    }
 
     ScanResult run() {
         // Paths go into the project: they must not hang on the folder that the program runs in.
@@ -99,20 +102,27 @@ class Scan {
         if (candidate.verifySignatures)
             head = readHead(file, limits::kHeadBytes);
         candidate.head = ByteView(head);
-        const Reader *reader = recognise(candidate);
-        if (!reader || !wants(m_job, reader->option))
-            return;
-        if (asked == Asked::byFolder && holdsShaders(*reader, candidate))
+        for (const Reader *reader : readersTaking(candidate, m_formats))
+            if (reader->option && wants(m_job, *reader->option))
+                take(*reader, candidate, asked, fraction);
+    }
+
+    void take(const Reader &reader, const Candidate &candidate, Asked asked, double fraction) {
+        if (asked == Asked::byFolder && holdsShaders(reader, candidate))
             ++m_result.gaps.shaderCaches;
-        else
-            list(describe(artefactOf(*reader, candidate), *reader), fraction);
+        else if (const fs::path path = artefactOf(reader, candidate);
+                 path == candidate.file || m_led.emplace(&reader, path).second)
+            list(describe(path, reader), fraction);
     }
 
     void list(HistoryFile artefact, double fraction) {
-        const auto hashes = hashesOfFile(artefact.FullPath, [&](std::uint64_t readSoFar) {
+        const auto goOnReading = [&](std::uint64_t readSoFar) {
             artefact.FileSize = readSoFar;
             return goOn(fraction);
-        });
+        };
+        const auto hashes = fs::is_directory(artefact.FullPath)
+                                ? hashesOfFolder(artefact.FullPath, goOnReading)
+                                : hashesOfFile(artefact.FullPath, goOnReading);
         if (!hashes)
             return; // cancelled: without its hash it can't be told from another file
         artefact.MD5Hash = hashes->MD5;
@@ -144,7 +154,10 @@ class Scan {
     }
 
     const ImportClass &m_job;
+    Formats m_formats;
     const FileMask m_mask;
+    /// What files led to that are not artefacts themselves: many files of a folder lead to it.
+    std::set<std::pair<const Reader *, fs::path>> m_led;
     TaskMonitor &m_task;
     FailureLog &m_log;
     ScanResult m_result;
@@ -152,13 +165,13 @@ class Scan {
 
 } // namespace
 
-ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log) {
-    return Scan(job, task, log).run();
+ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log, Formats formats) {
+    return Scan(job, task, log, formats).run();
 }
 
 ScanResult listAs(const Reader &reader, const fs::path &file, TaskMonitor &task, FailureLog &log) {
     const ImportClass job;
-    return Scan(job, task, log).takeAs(reader, file);
+    return Scan(job, task, log, registry()).takeAs(reader, file);
 }
 
 } // namespace nv

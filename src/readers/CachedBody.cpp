@@ -120,7 +120,8 @@ bool extractBody(URLClass &record, Fetch fetch, std::string_view fileNameSuffix,
 std::optional<Body> bodyOf(URLClass &record, const Extraction &ctx, std::uint64_t inMemory) {
     if (!record.RunTimeTempFilePath.empty() && isPlainFile(record.RunTimeTempFilePath))
         return Body{record.RunTimeTempFilePath, false, {}};
-    const Reader *reader = readerOfKind(record.cacheType);
+    const Reader *reader =
+        ctx.source == HistoryFileType::none ? sourceOf(record) : readerFor(ctx.source);
     if (reader && reader->fetch)
         return fetched(record, reader->fetch, targetOf(ctx, ""), ctx, inMemory,
                        "ParserClass.ExtractCacheFile()");

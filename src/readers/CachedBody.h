@@ -17,6 +17,9 @@ struct Extraction {
     const Evidence &evidence;
     std::filesystem::path folder; ///< an existing folder of the program's own, for the body
     FailureLog &log;
+    /// The type of the record's file where the caller knows it, as an import does. Otherwise the
+    /// record's kind and file say how its body is fetched.
+    HistoryFileType source = HistoryFileType::none;
 };
 
 /// What the Extract... operations of the readers have in common. Writes the body to a file of the

@@ -94,7 +94,7 @@ const Reader *chooseReader(const fs::path &path, const std::string &as, HistoryF
     file.FileName = textOf(file.FullPath.filename());
     file.FileParentPath = textOf(file.FullPath.parent_path());
     file.fileExt = candidate.extension;
-    file.FileSize = fs::file_size(file.FullPath);
+    file.FileSize = fs::is_directory(file.FullPath) ? 0 : fs::file_size(file.FullPath);
     file.HistoryFileType = reader->type;
     file.Version = reader->version;
     return reader;

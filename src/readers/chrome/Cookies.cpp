@@ -6,6 +6,7 @@
 
 #include "readers/chrome/Cookies.h"
 
+#include "readers/chrome/Kinds.h"
 #include "readers/sqlite/CookieRow.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/SqliteReading.h"
@@ -69,7 +70,7 @@ ReadResult ParseChromeCookiesFile(ReadContext &ctx) {
             URLClass record = cookieRecord(ctx,
                                            {row.text(kHost), row.text(kName), row.text(kValue),
                                             dateOf(row, kLastAccess), dateOf(row, kExpires)},
-                                           "Chrome Cookies", fileCreated);
+                                           kChromeCookies.word, fileCreated);
             record.OtherDate = dateOf(row, kCreation);
             record.OtherDateMeaning = "Creation Date (UTC)";
             ctx.sink.save(record);

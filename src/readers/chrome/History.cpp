@@ -6,6 +6,7 @@
 #include "readers/chrome/History.h"
 
 #include "base/Files.h"
+#include "readers/chrome/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "readers/sqlite/VisitTable.h"
@@ -36,7 +37,7 @@ URLClass pageRecord(const ReadContext &ctx, const Row &row, Date fileCreated) {
     URLClass record = historyRecord(
         ctx,
         {row.number(kId).value_or(0), row.text(kUrl), row.truth(kHidden), row.number(kVisitCount)},
-        "Chrome History", fileCreated);
+        kChromeHistory.word, fileCreated);
     record.ActionDateUTC = visitDate(row.number(kLastVisitTime));
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal = UTCDateToLocal(record.ActionDateUTC, ctx.clock);

@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "readers/Dissection.h"
 #include "readers/PageObjects.h"
+#include "readers/firefox/Kinds.h"
 #include "time/SourceClocks.h"
 
 #include <filesystem>
@@ -81,7 +82,7 @@ std::optional<URLClass> ParseFirefoxCacheURL(const mzCacheRecord &record, const 
         return std::nullopt;
     std::optional<URLClass> url(std::in_place);
     url->SourceFile_ID = file.SourceFile_ID;
-    url->cacheType = "Firefox Cache";
+    url->cacheType = kFirefoxCache.word;
     url->HistoryFilePath = textOf(file.FullPath);
     url->HistoryVersion = file.Version;
     // Of a separate file too, where it points nowhere: earlier cases have these values.

@@ -4,6 +4,7 @@
 
 #include "readers/firefox/Cookies.h"
 
+#include "readers/firefox/Kinds.h"
 #include "readers/sqlite/CookieRow.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/SqliteReading.h"
@@ -39,7 +40,7 @@ ReadResult ParseFirefoxCookiesFile(ReadContext &ctx) {
             URLClass record = cookieRecord(ctx,
                                            {row.text(kHost), row.text(kName), row.text(kValue),
                                             dateOf(row, kLastAccessed), dateOf(row, kExpiry)},
-                                           "Firefox Cookies", fileCreated);
+                                           kFirefoxCookies.word, fileCreated);
             record.LastVisited = record.ActionDateLocal;
             record.OtherDate = record.ExpiryDate;
             record.OtherDateMeaning = "Expiry Date";

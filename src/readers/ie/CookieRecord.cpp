@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "readers/Dissection.h"
 #include "readers/Limits.h"
+#include "readers/ie/Kinds.h"
 #include "time/SourceClocks.h"
 
 #include <string_view>
@@ -77,7 +78,7 @@ URLClass ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t r
     result.SourceFile_ID = file.SourceFile_ID;
     result.Visits = record.i32le(kHits);
     result.RecordSize = std::uint64_t{record.u32le(kBlocks)} * 0x80;
-    result.cacheType = "IE Cookies";
+    result.cacheType = kIECookies.word;
     result.Action = "Stored";
     setDates(result, record, clock);
     result.CacheFileSize = record.i32le(kFileSize);

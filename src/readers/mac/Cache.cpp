@@ -7,6 +7,7 @@
 #include "readers/Body.h"
 #include "readers/Dissection.h"
 #include "readers/WholeFile.h"
+#include "readers/mac/Kinds.h"
 
 namespace nv {
 
@@ -49,7 +50,7 @@ URLClass ParseMACIEURL(const macIEURLClass &entry, const ReadContext &ctx, std::
     URLClass record;
     setUrl(record, entry.macURL);
     setPlace(record, ctx);
-    record.cacheType = "Mac IE Cache";
+    record.cacheType = kMacIECache.word;
     record.Action = "Visited";
     record.Status = ctx.deleted ? "Deleted" : "URL";
     record.MIMEType = entry.macMime;

@@ -6,6 +6,8 @@
 #include "readers/ContentProbe.h"
 #include "readers/WholeFile.h"
 #include "readers/ie/CachedFile.h"
+#include "readers/ie/Kinds.h"
+#include "readers/results/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
 
 #include <cstdint>
@@ -63,11 +65,12 @@ ReadResult readLooseFile(ReadContext &ctx, const Kind &kind) {
 } // namespace
 
 ReadResult ParseSimpleHTML(ReadContext &ctx) {
-    return readLooseFile(ctx, {"ParserClass.ParseSimpleHTML()", "Not Known", "Simple HTML", true});
+    return readLooseFile(ctx,
+                         {"ParserClass.ParseSimpleHTML()", "Not Known", kSimpleHtml.word, true});
 }
 
 ReadResult ParseCSVFile(ReadContext &ctx) {
-    return readLooseFile(ctx, {"ParserClass.ParseCSVFile()", "", "Unallocated", false});
+    return readLooseFile(ctx, {"ParserClass.ParseCSVFile()", "", kUnallocated.word, false});
 }
 
 } // namespace nv

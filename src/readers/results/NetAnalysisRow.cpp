@@ -4,6 +4,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
+#include "readers/results/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "time/SourceClocks.h"
 
@@ -176,7 +177,7 @@ URLClass netAnalysisRecord(const ReadContext &ctx, const JetRow &row,
                            const std::string &CachePath) {
     const Cells cells(row);
     URLClass record;
-    record.cacheType = "NetAnalysis";
+    record.cacheType = kNetAnalysis.word;
     record.SourceFile_ID = ctx.file.SourceFile_ID;
     record.HistoryFilePath = textOf(ctx.file.FullPath);
     record.HistoryVersion = cells.text(kHistoryVersion);

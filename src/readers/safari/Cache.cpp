@@ -15,6 +15,7 @@
 #include "readers/Limits.h"
 #include "readers/safari/CacheBlobs.h"
 #include "readers/safari/CacheResponse.h"
+#include "readers/safari/Kinds.h"
 #include "readers/sqlite/EvidenceCopy.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/KeptMessage.h"
@@ -110,7 +111,7 @@ class CacheReading {
         m_entries.insert(id);
         URLClass record =
             historyRecord(m_ctx, {.id = id, .url = row.text(kRequestKey), .visitCount = {}},
-                          "Safari Cache", m_fileCreated);
+                          kSafariCache.word, m_fileCreated);
         record.IsHistory = false;
         HeldBody held(m_ctx.content, m_ctx.scratch);
         if (m_blobs) {

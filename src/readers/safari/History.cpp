@@ -14,6 +14,7 @@
 #include "base/Trap.h"
 #include "readers/Limits.h"
 #include "readers/plist/PropertyList.h"
+#include "readers/safari/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/KeptMessage.h"
 #include "time/SourceClocks.h"
@@ -144,7 +145,7 @@ class HistoryReading {
 
     /// The URL is taken as it stands, coded characters and all.
     void save(const plistURL &entry, Date fileCreated) {
-        URLClass record = historyRecord(m_ctx, {}, "Safari History", fileCreated);
+        URLClass record = historyRecord(m_ctx, {}, kSafariHistory.word, fileCreated);
         record.URLRawValue = entry.URLValue;
         setUrl(record, entry.URLValue);
         record.ActionDateUTC = entry.lastVisitedDate;

@@ -238,8 +238,8 @@ std::vector<std::string> keysOfSmallFiles() {
 INSTANTIATE_TEST_SUITE_P(Readers, DamageTest, testing::ValuesIn(keysOfSmallFiles()));
 
 TEST(DamageTests, coverEveryReader) {
-    for (const Reader &reader : registry())
-        EXPECT_EQ(reader.read != nullptr, smallFiles().contains(reader.key)) << reader.key;
+    for (const Reader *reader : registry())
+        EXPECT_EQ(reader->read != nullptr, smallFiles().contains(reader->key)) << reader->key;
 }
 
 } // namespace

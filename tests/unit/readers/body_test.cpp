@@ -128,6 +128,26 @@ TEST_F(BodyTest, ofARecordIsFetchedIntoMemory) {
     EXPECT_TRUE(isScratchEmpty());
 }
 
+/// Two formats may give their records one word.
+TEST_F(BodyTest, isFetchedByTheTypeOfTheSourceWhateverTheRecordIsCalled) {
+    test::MacCache cache;
+    cache.add({.url = "http://host/page.html", .body = "<html>page</html>"});
+    test::MacCacheReading reading;
+    reading.readFile(folder.write("cache.waf", cache.bytes()));
+    const Evidence evidence(folder.path());
+    // What isn't fetched is a file of its own; here that is the cache.
+    const auto fetched = [&](const std::string &word, HistoryFileType source) {
+        URLClass record = reading.records().at(0);
+        record.cacheType = word;
+        const auto body = bodyOf(record, {evidence, scratch.path(), log, source}, kBodyInMemory);
+        return body && body->isInMemory && body->raw() == "<html>page</html>";
+    };
+    EXPECT_TRUE(fetched("Firefox Cache", HistoryFileType::macIECache));
+    EXPECT_FALSE(fetched("Mac IE Cache", HistoryFileType::ieCache));
+    EXPECT_TRUE(fetched("Mac IE Cache", HistoryFileType::none)) << "as one from a project";
+    EXPECT_FALSE(fetched("Simple HTML", HistoryFileType::none));
+}
+
 TEST_F(BodyTest, isFoundByAPathThatWasDecodedAsAWhole) {
     const fs::path page = folder.write("s\xC3\xBC\xC3\x9F/w\xF6.html", "<html>");
     folder.write("outside.html", "x");
