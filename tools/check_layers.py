@@ -5,6 +5,7 @@
 - Includes are written from src/, with quotation marks.
 - Qt stands in windows (*/ui/), platform/qt and programs only, and so do includes of them.
 - A family of readers never includes another one.
+- The words of kinds of records stand in the readers' folders: everybody else asks readers/RecordKind.h.
 - `catch` stands in the traps, main functions, platform adapters and the database's error adapter.
 
 usage: tools/check_layers.py [FILE of src/...]
@@ -88,8 +89,25 @@ def include_faults(file, name, bracket):
         yield f'"{name}": readers/{families[0]} must not know readers/{families[1]}'
 
 
-def file_faults(path):
+def kind_words():
+    """What the rows of all kinds of records are called, in upper case."""
+    return {word.upper() for file in project_files("src/readers", endings=("Kinds.h",))
+            for word in re.findall(r'\.(?:word|otherWord)\s*=\s*"([^"]+)"', read(file))}
+
+
+def word_faults(path, text, words):
+    """Texts of src/ that are the word of a kind and stand outside of the readers."""
+    if path.startswith("src/readers/"):
+        return
+    for number, line in enumerate(without_comments(text, keep_strings=True).split("\n"), 1):
+        for word in re.findall(r'"([^"]*)"', line):
+            if word.upper() in words:
+                yield number, f'"{word}" is a kind of record: ask readers/RecordKind.h'
+
+
+def file_faults(path, words):
     text = read(path)
+    yield from word_faults(path, text, words)
     file = path.removeprefix("src/")
     if layer_of(file) not in RANK:
         yield 1, f"src/{file.split('/')[0]} has no layer: name it in tools/check_layers.py"
@@ -115,9 +133,12 @@ def circles(files):
 def main():
     every = project_files("src", endings=(".h", ".cpp"))
     files = [file for file in sys.argv[1:]] or every
-    count = 0
+    words = kind_words()
+    if not words:
+        print("tools/check_layers.py: no kind of record is found: are their rows still in Kinds.h?")
+    count = 0 if words else 1
     for path in files:
-        for line, fault in file_faults(path):
+        for line, fault in file_faults(path, words):
             print(f"{path}:{line}: {fault}")
             count += 1
     for a, b in circles(every):

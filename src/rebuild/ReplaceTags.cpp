@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
+#include "readers/RecordKind.h"
 #include "rebuild/FindTags.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
@@ -129,7 +130,7 @@ std::vector<bool> rewrittenOf(const std::vector<TagRow> &tags,
 
 std::optional<ReplacedPage> rewritten(URLClass &page, const RebuildContext &ctx) {
     const std::string text = pageText(page, ctx).value_or(std::string());
-    const bool byUrl = namesPartsByUrl(toUpper(page.cacheType));
+    const bool byUrl = partsOf(page.cacheType) == CacheParts::byUrl;
     const std::vector<TagRow> tags = readTags(page, ctx);
     std::vector<Replacement> replacements;
     ReplacedPage made;

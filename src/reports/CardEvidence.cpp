@@ -4,6 +4,7 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "readers/CachedBody.h"
+#include "readers/RecordKind.h"
 #include "rebuild/Archive.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
@@ -36,7 +37,8 @@ std::string thumbnailName(const URLClass &record) {
 bool hasContent(const URLClass &record) {
     if (record.IsHistory || record.IsCookie)
         return false;
-    return toUpper(record.cacheType) != "NETANALYSIS" || record.CacheFileExists;
+    const RecordKind *kind = recordKind(record.cacheType);
+    return !kind || !kind->mayLackContent || record.CacheFileExists;
 }
 
 /// The width of a picture within a thumbnail's box; it isn't made larger.

@@ -7,6 +7,7 @@
 #include "import/PageContent.h"
 #include "readers/CachedBody.h"
 #include "readers/ContentProbe.h"
+#include "readers/RecordKind.h"
 #include "views/DateIndex.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -40,10 +41,9 @@ class RowsInTurn {
   public:
     /// Where an import found no content, the path of the row may be that of the index.
     explicit RowsInTurn(SQLite::Database &project)
-        : m_select(project, "SELECT URL_ID, ifnull(trim(HashedURL), ''), CacheFileExists "
-                            "AND upper(trim(CacheType)) IN ('FIREFOX CACHE', 'SAFARI CACHE', "
-                            "'CHROME CACHE', 'IE CACHE', 'OPERA CACHE'), "
-                            "CASE WHEN ifnull(trim(HashedURL), '') = '' THEN URL END "
+        : m_select(project, "SELECT URL_ID, ifnull(trim(HashedURL), ''), "
+                            "CASE WHEN CacheFileExists THEN CacheType END, CASE WHEN "
+                            "ifnull(trim(HashedURL), '') = '' THEN URL END "
                             "FROM URLs WHERE URL_ID > ? ORDER BY URL_ID LIMIT ?") {}
 
     /// The next rows; none at the end.
@@ -54,12 +54,13 @@ class RowsInTurn {
         m_select.bind(2, kRowsAtHand);
         m_rows.clear();
         while (m_select.executeStep())
-            m_rows.push_back(
-                {m_select.getColumn(0).getInt64(), hash(), m_select.getColumn(2).getInt() != 0});
+            m_rows.push_back({m_select.getColumn(0).getInt64(), hash(), mayBePage()});
         return m_rows;
     }
 
   private:
+    bool mayBePage() { return partsOf(m_select.getColumn(2).getString()) != CacheParts::none; }
+
     /// Rows that another program wrote may have a URL without its hash.
     std::string hash() {
         const std::string url = m_select.getColumn(3).getString();
