@@ -62,6 +62,7 @@ void readAs(const nv::Reader &reader, std::string_view bytes) {
     const nv::test::TempFolder folder;
     const fs::path input = folder.path() / "evidence";
     const fs::path sound = fs::path(NV_GOLDEN_DIR) / reader.cases.sound / "input";
+    fs::create_directory(input);
     if (fs::is_directory(sound))
         fs::copy(sound, input, fs::copy_options::recursive);
     const fs::path file = artefactIn(input, reader);

@@ -49,6 +49,7 @@ class DamageTest : public test::ImportFixture, public testing::WithParamInterfac
     std::string soundFile() {
         const fs::path sound = test::soundCase(*GetParam(), NV_GOLDEN_DIR);
         const fs::path copy = project.folder.path() / "damaged";
+        fs::create_directory(copy);
         fs::copy(sound / "input", copy / "input", fs::copy_options::recursive);
         file.FullPath = test::artefactIn(copy, *GetParam());
         file.FileName = textOf(file.FullPath.filename());
