@@ -112,7 +112,7 @@ LoadResult UrlTable::attempt(const std::function<Walk()> &work) {
 void UrlTable::take(FoundRows &&found) {
     m_ids = std::move(found.ids);
     m_hidden = found.hidden;
-    m_holding.reset();
+    m_find.forget();
     m_oneByOne = found.oneByOne;
     if (m_oneByOne)
         m_log.write({std::string(kOneByOneNote), std::string(kProcedure), Severity::Serious,
@@ -165,6 +165,13 @@ LoadResult UrlTable::sortBy(SortChoice order, TaskMonitor &task) {
     if (result == LoadResult::Loaded)
         sort.reset();
     return result;
+}
+
+FindResult UrlTable::find(const FindText &what, std::size_t from, TaskMonitor &task) {
+    if (m_busy)
+        return {.end = FindEnd::cancelled, .unread = {}};
+    const Busy busy(m_busy);
+    return m_find.next(what, from, task);
 }
 
 UrlId UrlTable::idAt(std::size_t place) const {
@@ -254,7 +261,7 @@ bool UrlTable::setTagged(std::size_t first, std::size_t count, bool tagged, Task
 void UrlTable::refreshRows() {
     m_pager.forget();
     m_cells.forgetPaths();
-    m_holding.reset();
+    m_find.forget();
 }
 
 Message loadFailure(std::string_view reason) {

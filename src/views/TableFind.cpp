@@ -1,6 +1,4 @@
-// Looking for a text in the rows of the table.
-#include "views/FindText.h"
-#include "views/UrlTable.h"
+#include "views/TableFind.h"
 
 #include <algorithm>
 
@@ -13,10 +11,7 @@ constexpr std::size_t kNearRows = 1000;
 
 } // namespace
 
-FindResult UrlTable::find(const FindText &what, std::size_t from, TaskMonitor &task) {
-    if (m_busy)
-        return {.end = FindEnd::cancelled, .unread = {}};
-    const Busy busy(m_busy);
+FindResult TableFind::next(const FindText &what, std::size_t from, TaskMonitor &task) {
     if (what != m_sought)
         m_holding.reset();
     m_sought = what;
@@ -40,8 +35,8 @@ FindResult UrlTable::find(const FindText &what, std::size_t from, TaskMonitor &t
 }
 
 /// The first of `count` places from `from` on whose row is one of `rows`.
-std::optional<FindResult> UrlTable::foundAmong(const FoundTexts &rows, const FindText &what,
-                                               std::size_t from, std::size_t count) {
+std::optional<FindResult> TableFind::foundAmong(const FoundTexts &rows, const FindText &what,
+                                                std::size_t from, std::size_t count) {
     if (rows.ids.empty())
         return std::nullopt;
     for (std::size_t step = 0; step < count; ++step) {
@@ -55,12 +50,12 @@ std::optional<FindResult> UrlTable::foundAmong(const FoundTexts &rows, const Fin
 }
 
 /// The first column, as they are shown, that holds the text.
-std::optional<UrlColumn> UrlTable::columnWith(const FindText &what, std::size_t place) {
+std::optional<UrlColumn> TableFind::columnWith(const FindText &what, std::size_t place) {
     const FindPattern pattern(what.text);
     for (const UrlColumn column : what.columns) {
         const bool isText = factsOf(column).rule == CellRule::Text;
         if (isText) {
-            const auto text = fullTextOf(m_project, idAt(place), column);
+            const auto text = fullTextOf(m_project, UrlId{m_ids[place]}, column);
             if (text && pattern.isIn(*text))
                 return column;
         }
