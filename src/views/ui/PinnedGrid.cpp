@@ -1,6 +1,6 @@
-// The columns that stay in sight while the grid scrolls sideways.
+#include "views/ui/PinnedGrid.h"
+
 #include "views/ui/PinnedHeader.h"
-#include "views/ui/UrlGrid.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -8,27 +8,20 @@
 
 namespace nv {
 
-/// The tick and the date of the event are what every row is known by. The documented local date
-/// leaves old dates out, so another one is preferred.
-bool UrlGrid::staysInSight(UrlColumn column) const {
-    if (column == UrlColumn::Tag)
-        return true;
-    for (const UrlColumn date :
-         {UrlColumn::LocalDate, UrlColumn::ActionDateUtc, UrlColumn::ActionDateLocal})
-        if (!m_layout.hidden(date))
-            return column == date;
-    return false;
+PinnedGrid::PinnedGrid(std::function<bool(int)> isPinned, QWidget *parent)
+    : QTableView(parent), m_header(new PinnedHeader(std::move(isPinned))) {
+    setHorizontalHeader(m_header);
 }
 
-QModelIndex UrlGrid::indexAt(const QPoint &place) const {
+QModelIndex PinnedGrid::indexAt(const QPoint &place) const {
     const int section = m_header->sectionAt(place.x());
     if (section < 0 || !m_header->stuckColumn(section))
         return QTableView::indexAt(place);
     const int row = rowAt(place.y());
-    return row < 0 ? QModelIndex() : m_model.index(row, section);
+    return row < 0 ? QModelIndex() : model()->index(row, section);
 }
 
-QRect UrlGrid::visualRect(const QModelIndex &index) const {
+QRect PinnedGrid::visualRect(const QModelIndex &index) const {
     const auto column = m_header->stuckColumn(index.column());
     if (!index.isValid() || !column)
         return QTableView::visualRect(index);
@@ -36,7 +29,7 @@ QRect UrlGrid::visualRect(const QModelIndex &index) const {
             rowHeight(index.row())};
 }
 
-void UrlGrid::scrollTo(const QModelIndex &index, ScrollHint hint) {
+void PinnedGrid::scrollTo(const QModelIndex &index, ScrollHint hint) {
     const int before = horizontalScrollBar()->value();
     const bool isSeen = index.isValid() && m_header->stuckColumn(index.column());
     QTableView::scrollTo(index, hint);
@@ -49,7 +42,7 @@ void UrlGrid::scrollTo(const QModelIndex &index, ScrollHint hint) {
         horizontalScrollBar()->setValue(horizontalScrollBar()->value() - covered);
 }
 
-void UrlGrid::paintEvent(QPaintEvent *event) {
+void PinnedGrid::paintEvent(QPaintEvent *event) {
     QTableView::paintEvent(event);
     const int covered = m_header->stuckWidth();
     if (covered == 0)
@@ -59,16 +52,16 @@ void UrlGrid::paintEvent(QPaintEvent *event) {
     painter.fillRect(isRightToLeft() ? edge : 0, 0, covered, viewport()->height(),
                      palette().base());
     const int last = rowAt(event->rect().bottom());
-    const int end = last < 0 ? m_model.rowCount() - 1 : last;
+    const int end = last < 0 ? model()->rowCount() - 1 : last;
     for (int row = rowAt(event->rect().top()); row >= 0 && row <= end; ++row)
         paintPinned(painter, row);
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawLine(edge, 0, edge, viewport()->height());
 }
 
-void UrlGrid::paintPinned(QPainter &painter, int row) const {
+void PinnedGrid::paintPinned(QPainter &painter, int row) const {
     for (const PinnedHeader::Stuck &each : m_header->stuck()) {
-        const QModelIndex cell = m_model.index(row, each.section);
+        const QModelIndex cell = model()->index(row, each.section);
         QStyleOptionViewItem option;
         initViewItemOption(&option);
         option.rect = visualRect(cell);
@@ -81,18 +74,12 @@ void UrlGrid::paintPinned(QPainter &painter, int row) const {
 }
 
 /// Scrolling moves the pixels that are there, and with them those of the pinned columns.
-void UrlGrid::scrollContentsBy(int dx, int dy) {
+void PinnedGrid::scrollContentsBy(int dx, int dy) {
     QTableView::scrollContentsBy(dx, dy);
     if (dx == 0)
         return;
     viewport()->update();
     m_header->viewport()->update();
-}
-
-void UrlGrid::resizeEvent(QResizeEvent *event) {
-    QTableView::resizeEvent(event);
-    if (m_fit.isMeasured() && event->oldSize().width() != event->size().width())
-        applyWidths();
 }
 
 } // namespace nv
