@@ -53,7 +53,6 @@ struct HistoryFile {
     std::string SHA256Hash; ///< the same
     nv::HistoryFileType HistoryFileType = nv::HistoryFileType::none;
     std::string Version;
-    std::string ColumnDelimiter;
 };
 
 } // namespace nv

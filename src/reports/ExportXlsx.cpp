@@ -151,10 +151,10 @@ class XlsxWriter final : public ExportWriter {
         m_row = 1;
     }
 
-    void write(lxw_col_t at, const MachineValue &value) {
+    void write(lxw_col_t at, const Cell &value) {
         // An empty text makes no cell.
         const auto *words = std::get_if<std::string>(&value);
-        if (!std::holds_alternative<std::monostate>(value) && (!words || !words->empty()))
+        if (!value.isNothing() && (!words || !words->empty()))
             ++m_written.cells;
         if (const auto *flag = std::get_if<bool>(&value)) {
             worksheet_write_boolean(m_sheet, m_row, at, *flag ? 1 : 0, nullptr);

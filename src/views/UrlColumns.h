@@ -14,8 +14,9 @@
 
 namespace nv {
 
-/// The columns of the URL table; the value is the documented index. The last two came later: lists
-/// of "all columns" go without them.
+/// The columns of the URL table; the value is the number by which projects keep a column in their
+/// layouts (docs/formats/project-file.md). The last two came later: lists of "all columns" go
+/// without them.
 enum class UrlColumn : std::uint8_t {
     Tag,
     Icon,
@@ -71,7 +72,7 @@ enum class UrlColumn : std::uint8_t {
     LocalDate, ///< of any age, unlike ActionDateLocal
     Note,
 };
-inline constexpr std::size_t kUrlColumnCount = 51;   ///< documented ones
+inline constexpr std::size_t kUrlColumnCount = 51;   ///< those of layout "Classic"
 inline constexpr std::size_t kTableColumnCount = 53; ///< all that the table can show
 
 constexpr std::size_t indexOf(UrlColumn column) {
@@ -114,7 +115,7 @@ struct UrlColumnFacts {
 
 /// All columns, in order of their index.
 extern const std::array<UrlColumnFacts, kTableColumnCount> kTableColumns;
-/// The documented ones.
+/// Those of layout "Classic" (docs/guide/table.md).
 extern const std::span<const UrlColumnFacts, kUrlColumnCount> kUrlColumns;
 
 const UrlColumnFacts &factsOf(UrlColumn column);
@@ -142,7 +143,7 @@ struct ColumnClass {
 using URLTableColumns = KeyedList<ColumnClass>;
 using SelectedColumns = KeyedList<ColumnClass>;
 
-/// The documented columns with their first widths.
+/// The columns of layout "Classic" with their first widths.
 URLTableColumns defaultUrlColumns();
 
 /// The text of a header cell; that of a local date has a second line that names the zone's

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "views/FiltersClass.h"
+
+#include <string>
+#include <vector>
+
+namespace nv::cli {
+
+/// Filters that are on with these flags, by their names in any case with or without "show"; off
+/// when there are none. Throws UsageError for a name that is none, and when no data source is among
+/// them, as the window's dialog asks for one too.
+FiltersClass filtersFrom(const std::vector<std::string> &names);
+
+} // namespace nv::cli
