@@ -2,7 +2,7 @@
 """Finds links and pictures in Markdown files that lead nowhere.
 
 A file must be there under exactly that name, in upper and lower case too, as some file systems
-don't tell them apart. A part behind "#" must be a heading of that page. Addresses of other hosts
+don't tell them apart. A part after "#" must be a heading of that page. Addresses of other hosts
 are not looked at: a check that needs a network fails on a bad day.
 
 usage: tools/check_links.py [FILE...]

@@ -45,7 +45,7 @@ def function_name(head):
 
 
 def without_template(head):
-    """The head behind its `template <...>`, whose defaults would look like a value."""
+    """The head after its `template <...>`, whose defaults would look like a value."""
     if not re.match(r"template\s*<", head):
         return head
     depth = 0
@@ -57,7 +57,7 @@ def without_template(head):
 
 
 def kind_of(head, glued):
-    """What the brace behind `head` opens. `glued`: no blank stands before it."""
+    """What the brace after `head` opens. `glued`: no blank stands before it."""
     text = without_template(re.sub(r"\[\[.*?\]\]", "", head, flags=re.DOTALL).strip())
     if re.match(r"(?:inline\s+)?namespace\b", text) or re.fullmatch(r"extern\s*", text):
         return "space"

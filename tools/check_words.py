@@ -2,7 +2,7 @@
 """Looks for the patterns of tools/words.txt in files, file names and commit messages.
 
 usage: tools/check_words.py [--base REVISION]
-  --base   reads only the messages of commits behind that revision; without it, of all
+  --base   reads only the messages of commits after that revision; without it, of all
 """
 
 import argparse

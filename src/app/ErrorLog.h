@@ -20,7 +20,7 @@ class ErrorLog final : public FailureLog {
     /// Begins anew: the window's log holds only the current run, and from its opening only that of
     /// a project.
     void remove();
-    /// Goes on behind what earlier commands left. The first entry of this one stands below a line
+    /// Goes on after what earlier commands left. The first entry of this one stands below a line
     /// that names it and its time. A log of more than kMostBytes is turned over: it goes to
     /// olderPath(), and what lay there is lost.
     void goOnFor(std::string_view command);

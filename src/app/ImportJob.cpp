@@ -59,7 +59,7 @@ void prepareTable(Program &program, TaskMonitor &task) {
     });
 }
 
-/// Behind the reading: the rows are safe by then, whatever drawing comes to.
+/// After the reading: the rows are safe by then, whatever drawing comes to.
 void makeImportThumbnails(Program &program, TaskMonitor &task, const fs::path &scratch,
                           std::int64_t lastId, ImportSummary &summary) {
     const auto ids = importedDrawableIds(program, lastId);

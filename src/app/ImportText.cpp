@@ -16,7 +16,7 @@ namespace {
 /// Of each kind of one-row files; a cache may hold thousands of loose pages.
 constexpr std::uint64_t kListed = 5;
 
-/// Behind a number that stands in a column of its own.
+/// After a number that stands in a column of its own.
 std::string_view rowWord(std::uint64_t count) {
     return count == 1 ? "row" : "rows";
 }

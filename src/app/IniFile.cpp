@@ -35,7 +35,7 @@ std::string_view unquoted(std::string_view value) {
     return quoted ? value.substr(1, value.size() - 2) : value;
 }
 
-/// Lines of the section: index of the first one behind its heading, and of the one behind its last.
+/// Lines of the section: index of the first one after its heading, and of the one after its last.
 struct Range {
     std::size_t begin;
     std::size_t end;

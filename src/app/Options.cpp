@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The order in which settings files have what Okay writes, behind the zone and the paths. A setting
+// The order in which settings files have what Okay writes, after the zone and the paths. A setting
 // that isn't named here follows those that are.
 constexpr AnyKey kWritten[] = {
     "DisableScriptTags",        "GalleryIncludeHTML",   "GalleryIncludePictures",

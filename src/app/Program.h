@@ -41,7 +41,7 @@ struct Program {
     ThreadClass thread;
     /// All that this process has worked in: what is shown, or open, may lie in an earlier one.
     std::vector<std::unique_ptr<ScratchFolder>> scratch;
-    std::unique_ptr<ProjectHold> projectHold; ///< of a project open for writing; goes behind it
+    std::unique_ptr<ProjectHold> projectHold; ///< of a project open for writing; goes after it
     ThisClass thisClass;
     ImportClass import;
 };

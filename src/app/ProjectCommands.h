@@ -52,7 +52,7 @@ class ProjectCommands {
     /// Takes the one path of the command line: a project, or an artefact that is imported into a
     /// scratch project at once.
     bool LoadCommandLineFile(const std::filesystem::path &path);
-    /// Closes the open project, when the examiner agrees, for the wizard, and opens it again behind
+    /// Closes the open project, when the examiner agrees, for the wizard, and opens it again after
     /// it; without one the wizard asks for a project.
     void upgradeWizard();
     /// After a project was opened from the File menu: tells of a changed default query.
@@ -66,7 +66,7 @@ class ProjectCommands {
     /// Nothing when the project can't be written and the examiner doesn't want to read it only.
     std::optional<Access> accessTo(const std::filesystem::path &path);
     void afterOpening();
-    /// False when the project didn't open again behind the wizard.
+    /// False when the project didn't open again after the wizard.
     bool checkVersion();
     bool upgradeAndReopen();
 

@@ -58,7 +58,7 @@ struct SettingFacts {
     SettingOkay okay = SettingOkay::leaves;
     SettingControl control{};
 
-    // A row is made by the functions below, with one of these behind it for each further fact.
+    // A row is made by the functions below, with one of these after it for each further fact.
 
     constexpr SettingFacts keptIn(SettingMember where,
                                   SettingRead when = SettingRead::atStart) const {

@@ -55,7 +55,7 @@ class File {
     int m_fd;
 };
 
-/// What a file holds behind the size that it had: it grew, or it is one without a size.
+/// What a file holds after the size that it had: it grew, or it is one without a size.
 void readOn(const File &file, std::uint64_t limit, Bytes &bytes) {
     std::array<std::uint8_t, kLeastBlock> block{};
     while (bytes.size() < limit) {

@@ -55,10 +55,10 @@ std::string_view charSub(std::string_view text, std::size_t first,
                          std::size_t count = std::string_view::npos);
 
 /// Lower-case extension of 1 to 6 ASCII letters or digits, without the point; empty when there is
-/// none. A path of fewer than 6 characters has none, and neither has one with a query behind it:
+/// none. A path of fewer than 6 characters has none, and neither has one with a query after it:
 /// rebuilding and categorising depend on both.
 std::string GetFileExtension(std::string_view path);
-/// What stands behind the last "/" or "\".
+/// What stands after the last "/" or "\".
 std::string_view GetFilenameFromPath(std::string_view path);
 
 // Byte helpers that all readers share; positions are 0-based.

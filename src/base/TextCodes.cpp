@@ -41,7 +41,7 @@ int continuationBytes(std::uint8_t lead) {
     return lead >= 0xF0 && lead <= 0xF4 ? 3 : -1;
 }
 
-/// Reads one code point at `at` and moves behind it; kBadCode, one byte on, when it is no UTF-8.
+/// Reads one code point at `at` and moves after it; kBadCode, one byte on, when it is no UTF-8.
 char32_t nextCode(std::string_view text, std::size_t &at) {
     const auto lead = static_cast<std::uint8_t>(text[at++]);
     const int more = continuationBytes(lead);

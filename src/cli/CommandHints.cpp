@@ -36,7 +36,7 @@ std::string unknownWord(const Understood &place, const std::string &word) {
 
 std::string reasonOf(const Understood &place, Mistake mistake, const std::string &what) {
     if (mistake == Mistake::wordWithoutPlace && !place.left.empty())
-        // A word behind an unknown option was meant as its value.
+        // A word after an unknown option was meant as its value.
         return unknownWord(place, *std::ranges::max_element(place.left, {}, isOption));
     if (mistake == Mistake::noCommand)
         return place.left.empty() ? "a command was expected"

@@ -11,7 +11,7 @@ namespace nv::cli {
 
 /// Set by Ctrl-C; every loop of a task asks for it.
 extern std::atomic<bool> interrupted;
-/// Set when nobody reads the standard output any more, as behind "| head"; it interrupts as well.
+/// Set when nobody reads the standard output any more, as after "| head"; it interrupts as well.
 extern std::atomic<bool> outputClosed;
 
 /// Makes Ctrl-C set `interrupted`; a second one ends the process at once. A closed pipe sets it

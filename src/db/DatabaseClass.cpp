@@ -23,7 +23,7 @@ struct KeywordFlag {
     const std::vector<std::string> &terms;
 };
 
-/// Every term with ";" behind it.
+/// Every term with ";" after it.
 std::string flagList(const std::vector<std::string> &terms) {
     std::string list;
     for (const std::string &term : terms)

@@ -88,7 +88,7 @@ class Translation {
                                            "was expected",
                                            token.inner));
         // As many digits as bring the same number back: whole seconds compare as equal.
-        // In parentheses: behind a minus a negative number would begin a comment.
+        // In parentheses: after a minus a negative number would begin a comment.
         m_out += fmt::format("({})", date->days());
     }
 

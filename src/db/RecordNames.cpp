@@ -32,7 +32,7 @@ bool mayBeFileName(std::string_view tail) {
            !startsWithNoCase(tail, "file://");
 }
 
-/// What stands behind the last slash; nothing without one, as with a cookie's host.
+/// What stands after the last slash; nothing without one, as with a cookie's host.
 std::string_view tailOf(std::string_view url) {
     return url.find_first_of("/\\") == std::string_view::npos ? std::string_view()
                                                               : GetFilenameFromPath(url);

@@ -27,7 +27,7 @@ std::size_t endOfWord(std::string_view sql, std::size_t at) {
     return at;
 }
 
-/// Behind the closing quote; a doubled one stands for itself.
+/// After the closing quote; a doubled one stands for itself.
 std::size_t endOfQuoted(std::string_view sql, std::size_t at, char close) {
     for (std::size_t i = at + 1; i < sql.size(); ++i) {
         if (sql[i] != close)

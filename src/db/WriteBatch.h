@@ -29,7 +29,7 @@ class WriteBatch {
     /// Undoes what was written since it was last kept. After a write that met damage the project
     /// takes nothing else before that.
     void giveUp();
-    /// Ends the batch before its time. False when what was written behind the last commit is lost.
+    /// Ends the batch before its time. False when what was written after the last commit is lost.
     [[nodiscard]] bool end();
 
   private:

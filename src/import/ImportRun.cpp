@@ -264,7 +264,7 @@ class Import {
     RecordStore m_store;
     std::size_t m_finished = 0; ///< artefacts, from the first
     std::size_t m_finishedKept = 0;
-    std::uint64_t m_rowsKept = 0; ///< of the artefact behind them
+    std::uint64_t m_rowsKept = 0; ///< of the artefact after them
     WriteBatch m_batch;           ///< over artefacts: a commit for each loose page takes long
 };
 

@@ -40,7 +40,7 @@ struct ArtefactResult {
         true; ///< false when there is no row of it in `SourceFiles`, so that it wasn't read
     std::uint64_t rowsSaved = 0;
     std::uint64_t rowsLost = 0;   ///< records that the project did not take
-    std::uint64_t notReached = 0; ///< entries behind the damage
+    std::uint64_t notReached = 0; ///< entries after the damage
     std::map<std::string, std::uint64_t>
         passedOver;                             ///< records that the rules leave out, by reason
     std::map<std::string, std::uint64_t> noted; ///< peculiar records that are stored, by reason

@@ -97,7 +97,7 @@ class Migration {
     TaskMonitor &m_task;
 };
 
-/// The old project goes to its own path with ".old" behind it, the new one in its place.
+/// The old project goes to its own path with ".old" after it, the new one in its place.
 void swapIn(const fs::path &fresh, const fs::path &project, const ProjectLock &lock,
             TaskMonitor &task) {
     const fs::perms mode = fs::status(project).permissions();

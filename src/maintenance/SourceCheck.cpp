@@ -84,7 +84,7 @@ std::optional<FileReader> opened(const std::string &text) {
     return FileReader(path);
 }
 
-/// A file that has grown has changed: what lies behind its former end needs no reading, however
+/// A file that has grown has changed: what lies after its former end needs no reading, however
 /// long it is.
 bool hasGrown(const CheckedSource &source) {
     const bool sizeIsKnown = source.sizeThen > 0 || source.MD5Then == md5Hex({});

@@ -8,7 +8,7 @@
 
 namespace nv {
 
-/// A part of a token list: places from 0, `end` behind the last.
+/// A part of a token list: places from 0, `end` after the last.
 struct CssRange {
     std::size_t begin = 0;
     std::size_t end = 0;
@@ -44,7 +44,7 @@ std::vector<CssItem> cssBlock(const std::vector<CssToken> &tokens, CssRange part
 /// One declaration that fills the part; of the kind "invalid" when it is none.
 CssItem cssDeclaration(const std::vector<CssToken> &tokens, CssRange part);
 
-/// The place behind the component value at `at`: behind a bracket's partner, else the next token.
+/// The place after the component value at `at`: after a bracket's partner, else the next token.
 std::size_t behindValue(const std::vector<CssToken> &tokens, std::size_t at, CssRange part);
 
 } // namespace nv

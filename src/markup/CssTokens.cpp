@@ -60,7 +60,7 @@ class Tokenizer {
 
   private:
     bool isEnd(std::size_t ahead = 0) const { return m_at + ahead >= m_css.size(); }
-    /// A blank behind the end: nothing depends on which one.
+    /// A blank after the end: nothing depends on which one.
     char peek(std::size_t ahead = 0) const { return isEnd(ahead) ? '\n' : m_css[m_at + ahead]; }
     bool startsWith(std::string_view text) const { return m_css.substr(m_at).starts_with(text); }
 
@@ -115,7 +115,7 @@ void Tokenizer::readSign(CssKind kind, std::size_t length) {
     m_at += length;
 }
 
-/// Behind the "\".
+/// After the "\".
 void Tokenizer::addEscape(std::string &text) {
     if (isEnd()) {
         text += kReplacement;
@@ -281,7 +281,7 @@ void Tokenizer::readBadUrl() {
     m_at = std::min(m_at + 1, m_css.size());
 }
 
-/// Behind "U+" or "u+"; false when there is none.
+/// After "U+" or "u+"; false when there is none.
 bool Tokenizer::readUnicodeRange() {
     if (isEnd(2) || (peek() != 'u' && peek() != 'U') || peek(1) != '+' ||
         !(isHex(peek(2)) || peek(2) == '?'))

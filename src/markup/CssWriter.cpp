@@ -133,7 +133,7 @@ void CssWriter::put(CssKind kind, std::string_view text) {
 }
 
 void CssWriter::sign(CssKind kind, std::string_view text) {
-    // Behind "<", and where what stood between two blanks has no form.
+    // After "<", and where what stood between two blanks has no form.
     const bool isWritten =
         m_last == CssKind::blank || (m_last == CssKind::delim && m_text.ends_with(' '));
     if (kind != CssKind::blank || !isWritten)

@@ -170,7 +170,7 @@ void OpenElements::forget(const Element &element) {
     m_choices -= element.kind == Kind::choice ? 1 : 0;
 }
 
-/// Takes off the element at `first` and all above it but formatting, which goes on behind its
+/// Takes off the element at `first` and all above it but formatting, which goes on after its
 /// block; only the end of a cell ends the formatting in it.
 void OpenElements::cutFrom(std::size_t first) {
     std::size_t kept = first;

@@ -74,7 +74,7 @@ std::string_view behindSign(std::string_view text) {
     return text.starts_with('=') ? trim(text.substr(1)) : std::string_view();
 }
 
-/// The value behind "charset =" in a tag or a header line, or behind another word.
+/// The value after "charset =" in a tag or a header line, or after another word.
 std::string_view charsetIn(std::string_view text, std::string_view word = "charset") {
     for (std::size_t at = 0; (at = findNoCase(text, word, at)) != std::string_view::npos;
          at += word.size()) {

@@ -5,7 +5,7 @@
 
 namespace nv {
 
-/// Where something stands in the text that was read: byte positions from 0, `end` behind it.
+/// Where something stands in the text that was read: byte positions from 0, `end` after it.
 struct SourceSpan {
     std::size_t begin = 0;
     std::size_t end = 0;

@@ -1,6 +1,6 @@
 // norvelane-draw JOBFILE: draws pictures and pages small, and sheets of them. The file holds a job
 // a line; of each a line is written as soon as it is drawn (platform/posix/DrawLines.h). Without
-// the closing line the program has crashed, or has given up behind a page that still holds the
+// the closing line the program has crashed, or has given up after a page that still holds the
 // engine: the jobs that no line tells of are for another process.
 
 #include "platform/posix/DrawLines.h"

@@ -11,14 +11,14 @@ namespace {
 
 constexpr std::array<std::string_view, 4> kProtocols = {"https:", "http:", "file:", "res:"};
 
-/// What a URL without one of the protocols stands behind, in the order of trial.
+/// What a URL without one of the protocols stands after, in the order of trial.
 constexpr std::array<std::string_view, 2> kLeadingMarks = {":host: ", "@"};
 
 constexpr std::size_t kShortestRawTextWithUser = 15;
 constexpr std::size_t kLongestUserOfDateRange = 30;
 constexpr std::size_t kLongestProtocol = 8;
 
-// 0-based characters at which the user begins behind each prefix of an index.
+// 0-based characters at which the user begins after each prefix of an index.
 constexpr std::size_t kBehindVisited = 9;    // "Visited: "
 constexpr std::size_t kBehindCookie = 7;     // "Cookie:"
 constexpr std::size_t kBehindDateRange = 19; // ":2009010120090108: "

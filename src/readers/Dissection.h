@@ -9,7 +9,7 @@ namespace nv {
 // result.
 
 /// The URL part of a raw text: from "https:", "http:", "file:" or "res:", whichever stands first in
-/// it; where none does, behind ":host: " or else behind the first "@"; otherwise the text whole.
+/// it; where none does, after ":host: " or else after the first "@"; otherwise the text whole.
 std::string ParseURLFromRawURL(std::string_view raw);
 
 /// The user part of a raw text such as "Visited: user@http://host/", or empty.

@@ -44,7 +44,7 @@ FileFailure unlistable(const fs::path &folder, std::error_code failed) {
 void addEntry(FolderContents &contents, const fs::directory_entry &entry) {
     std::error_code failed;
     const fs::file_status status = entry.symlink_status(failed);
-    // In a folder that may be listed and not entered every name is there and nothing behind it.
+    // In a folder that may be listed and not entered every name is there and nothing after it.
     if (status.type() == fs::file_type::none)
         contents.unreadable.push_back(
             {entry.path(), FileFailure("cannot open", entry.path(), failed.value()).what()});

@@ -49,7 +49,7 @@ class Evidence {
 
     /// The "drive" of a path: the base folder when the path lies below it, else "/". Ends with "/".
     std::string rootOf(const std::filesystem::path &path) const;
-    /// What is left of `path` behind rootOf(path): rootOf + relativeOf is the path.
+    /// What is left of `path` after rootOf(path): rootOf + relativeOf is the path.
     std::string relativeOf(const std::filesystem::path &path) const;
 
     /// The file `name` (which may hold folders, parted by "\" or "/") below `folder`, its case set

@@ -16,7 +16,7 @@ constexpr std::array<std::string_view, 8> kTagExtensions = {"js",  "css",  "php"
 constexpr std::array<std::string_view, 7> kPictureExtensions = {"jpe", "jpeg", "jpg", "gif",
                                                                 "bmp", "png",  "tif"};
 
-/// What stands behind the last point of the URL's last four characters, or all of them.
+/// What stands after the last point of the URL's last four characters, or all of them.
 std::string endingOf(std::string_view url) {
     const std::string_view tail = url.substr(url.size() - std::min<std::size_t>(url.size(), 4));
     return toLower(tail.substr(tail.rfind('.') + 1));

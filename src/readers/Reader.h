@@ -40,7 +40,7 @@ enum class ReadState {
 struct ReadResult {
     ReadState state = ReadState::complete;
     std::string reason;
-    std::uint64_t notReached = 0; ///< entries behind the damage
+    std::uint64_t notReached = 0; ///< entries after the damage
     /// Records that are there and that the reader's rules pass over, by reason.
     std::map<std::string, std::uint64_t> passedOver;
     /// What an examiner has to know of records that are stored all the same, by reason.

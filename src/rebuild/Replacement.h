@@ -14,8 +14,8 @@ struct Replacement {
     std::string newValue;
 };
 
-/// `text` with every spelling of the reference replaced, wherever it stands in either case: behind
-/// the rule in quotation marks, in apostrophes, bare, and behind a line break.
+/// `text` with every spelling of the reference replaced, wherever it stands in either case: after
+/// the rule in quotation marks, in apostrophes, bare, and after a line break.
 std::string replacedEverywhere(std::string_view text, const Replacement &replacement);
 
 struct ReplacedText {

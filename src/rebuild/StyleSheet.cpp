@@ -32,7 +32,7 @@ constexpr std::size_t kMostRepeated = 16U << 20;
 constexpr std::size_t kMostPictures = 10'000;
 constexpr std::array<std::string_view, 6> kPictures = {"gif", "jpg", "jpeg", "jpe", "bmp", "png"};
 
-/// 1-based position of `c` behind the 1-based `position`, or 0.
+/// 1-based position of `c` after the 1-based `position`, or 0.
 std::size_t behind(std::size_t position, std::string_view line, char c) {
     const std::size_t found = line.find(c, position);
     return found == std::string_view::npos ? 0 : found + 1;

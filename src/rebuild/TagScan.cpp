@@ -13,7 +13,7 @@ namespace nv {
 
 namespace {
 
-/// A value that doesn't end within this length is given up, and the search goes on behind it.
+/// A value that doesn't end within this length is given up, and the search goes on after it.
 constexpr std::size_t kLongestValue = 1920;
 /// A form field's value is no reference: "<input" this close before it ends the rule.
 constexpr std::size_t kInputBefore = 75;
@@ -148,8 +148,8 @@ class Kinds {
 
     bool isThere(std::size_t place) const { return m_there[place]; }
 
-    /// Removes the last tag behind `place` that equals the one there, or the last blank one at or
-    /// behind it, whichever is later. Returns its place.
+    /// Removes the last tag after `place` that equals the one there, or the last blank one at or
+    /// after it, whichever is later. Returns its place.
     std::optional<std::size_t> removeFor(std::size_t place) {
         const auto equal = lastOf(*m_kindOf[place], place + 1);
         const auto blank = lastOf(m_blank, place);

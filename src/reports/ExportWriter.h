@@ -44,7 +44,7 @@ class ExportWriter {
     virtual void begin(const std::vector<ExportColumn> &columns) = 0;
     /// `place` is the 0-based row of the table.
     virtual void row(ExportCells &cells, std::size_t place) = 0;
-    /// The file is in its place behind it.
+    /// The file is in its place after it.
     virtual void finish() = 0;
 };
 

@@ -63,7 +63,7 @@ bool holdsWord(std::string_view list, std::string_view wanted) {
     return false;
 }
 
-/// What the parser reads as U+FFFD, though it is well written: controls behind ASCII's, and what
+/// What the parser reads as U+FFFD, though it is well written: controls after ASCII's, and what
 /// will never be a character.
 bool isNoCharacter(std::uint32_t code) {
     return (code >= 0x7F && code < 0xA0) || (code >= 0xFDD0 && code <= 0xFDEF) ||

@@ -33,7 +33,7 @@ class PageWriter {
     PageWriter(const HtmlDocument &page, const References &references, PageForm form, Detail detail)
         : m_page(page), m_references(references), m_form(form), m_detail(detail) {}
 
-    /// The part of the tree below `root`, and itself; cut short behind kLongestPage.
+    /// The part of the tree below `root`, and itself; cut short after kLongestPage.
     std::string write(const HtmlDocument::Node &root);
     std::string doctype() const;
 

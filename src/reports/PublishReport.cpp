@@ -23,7 +23,7 @@ void addFolder(std::vector<fs::path> &files, const fs::path &folder) {
             files.push_back(entry.path());
 }
 
-/// The page comes last: whoever finds it, even behind a power cut, finds all that it shows.
+/// The page comes last: whoever finds it, even after a power cut, finds all that it shows.
 std::vector<fs::path> filesOf(const ReportFolder &report, int ReportType) {
     std::vector<fs::path> files;
     addFolder(files, report.images());

@@ -67,7 +67,7 @@ class ReportClass {
     std::string Visits;
     std::string PageFileName;
     std::string pageTitle;
-    bool IncludeCaseTrail = false;   ///< what was done with the project, behind the legend
+    bool IncludeCaseTrail = false;   ///< what was done with the project, after the legend
     std::size_t RecordsFailed = 0;   ///< entries that only say so
     UnreadRows FailedRows;           ///< which ones
     std::size_t FilesFailed = 0;     ///< cards without a cached file that could not be read

@@ -99,8 +99,8 @@ bool StyleGuard::writeString(const std::string &text, const Context &context,
     return true;
 }
 
-/// The text in the brackets of a function that takes an address; `at` is behind its name, and moves
-/// behind the brackets.
+/// The text in the brackets of a function that takes an address; `at` is after its name, and moves
+/// after the brackets.
 const CssToken *StyleGuard::addressIn(CssRange part, std::size_t &at) const {
     const CssToken *found = nullptr;
     const std::size_t end = std::min(m_tokens[at - 1].partner, part.end);

@@ -44,7 +44,7 @@ std::size_t runLength(std::string_view text) {
     return static_cast<std::size_t>(end - text.begin());
 }
 
-/// What stands in quotes or behind "\" at the start of `text`; `used` is its length with them.
+/// What stands in quotes or after "\" at the start of `text`; `used` is its length with them.
 std::string_view quoted(std::string_view text, std::size_t &used) {
     if (text.front() == '\\') {
         used = std::min<std::size_t>(2, text.size());

@@ -12,7 +12,7 @@ inline constexpr std::string_view kTimeFormat = "Hh:Nn:Ss";
 
 /// The date by the letters of the Options dialog, in either case: yyyy yy, m mm mmm mmmm (month;
 /// minutes when m or mm follows the hours), d dd ddd dddd, h hh, n nn, s ss, and AM/PM, A/P or
-/// AMPM, which also make the hours run from 1 to 12. "24:00:00" means "Hh:Nn:Ss". A letter behind
+/// AMPM, which also make the hours run from 1 to 12. "24:00:00" means "Hh:Nn:Ss". A letter after
 /// "\" and text in double quotes stand as they are, as does every other character. Names are
 /// English on every machine. Empty without a date.
 std::string formatDate(Date date, std::string_view format);

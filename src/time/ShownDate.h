@@ -32,7 +32,7 @@ std::string zoneProperty(Date actionDateUTC, const TimeZoneClass &zone,
                          const DateSettings &settings);
 
 std::string utcCell(Date actionDateUTC, const DateSettings &settings);
-/// With " [UTC]" behind it when the year is above 1980.
+/// With " [UTC]" after it when the year is above 1980.
 std::string utcProperty(Date actionDateUTC, const DateSettings &settings);
 
 /// What the heading of the zone's column says of the zone: "[UTC -0500]", or "[+0000]".

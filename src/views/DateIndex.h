@@ -28,7 +28,7 @@ IndexState ensureLinkIndexes(SQLite::Database &database, TaskMonitor &task);
 IndexState ensureLinkHashIndex(SQLite::Database &database, TaskMonitor &task);
 
 /// The same for all that the gallery chooses rows by, of rows that have a thumbnail. The hash lies
-/// behind the thumbnail's bytes: without the index each of those would be read.
+/// after the thumbnail's bytes: without the index each of those would be read.
 IndexState ensureGalleryIndex(SQLite::Database &database, TaskMonitor &task);
 
 } // namespace nv

@@ -23,7 +23,7 @@ class HexSource {
     std::uint64_t rowCount() const { return (size() + kHexRowBytes - 1) / kHexRowBytes; }
     /// Digits of the offset column: at least 8.
     int offsetDigits() const;
-    /// The bytes of a row, 0-based; fewer in the last one, none behind it. Throws FileFailure.
+    /// The bytes of a row, 0-based; fewer in the last one, none after it. Throws FileFailure.
     Bytes row(std::uint64_t index);
 
   private:

@@ -7,7 +7,7 @@ namespace nv {
 namespace {
 
 // Firefox joins its own names and values with zero bytes, which the record has as blanks. The
-// response stands behind this name.
+// response stands after this name.
 constexpr std::string_view kResponse = "response-head ";
 
 void addLines(std::vector<std::string> &lines, std::string_view text) {

@@ -42,7 +42,7 @@ struct FoundRows {
     bool oneByOne = false;  ///< the query failed at damage, so that each row was asked for itself
 };
 
-/// Both of the above, behind what was found before. What was found before a cancel or a failure
+/// Both of the above, after what was found before. What was found before a cancel or a failure
 /// stays. A damaged page costs no more than its own rows: those of which nobody can tell whether
 /// the query gives them stand last.
 Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersClass &filters,

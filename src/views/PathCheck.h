@@ -34,7 +34,7 @@ class PathCheck {
 };
 
 /// The path of a history file as it lies under `rootPath`: itself when it begins with that,
-/// otherwise what follows its drive or leading separator, put behind `rootPath`.
+/// otherwise what follows its drive or leading separator, put after `rootPath`.
 std::string pathUnderBase(std::string_view rootPath, std::string_view historyFilePath);
 
 } // namespace nv

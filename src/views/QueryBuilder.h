@@ -17,7 +17,7 @@ class QueryBuilder {
     std::string SQLText = kStart;
 
     /// Adds a condition; nothing when the field, the condition or the value is empty. Values of
-    /// fields with "date" in their name become dates, also behind LIKE, and a range of values
+    /// fields with "date" in their name become dates, also after LIKE, and a range of values
     /// becomes one text: examiners correct such statements by hand.
     void Add(std::string_view field, std::string_view condition, std::string_view value);
     void Clear() { SQLText = kStart; }

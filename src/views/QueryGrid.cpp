@@ -56,7 +56,7 @@ std::string textFor(std::string_view condition, std::string_view value) {
     return fmt::format("'{}'", value);
 }
 
-/// A number stays bare even behind LIKE: examiners know "LIKE 15" and what it finds.
+/// A number stays bare even after LIKE: examiners know "LIKE 15" and what it finds.
 std::string valueOf(std::string_view condition, std::string_view value) {
     if (parseDateLiteral(value))
         return fmt::format("#{}#", value);

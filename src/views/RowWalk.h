@@ -18,7 +18,7 @@ class RowWalk {
     RowWalk &operator=(const RowWalk &) = delete;
 
     /// False when there is no row of this id. Throws what the database says; the walk can go on to
-    /// other rows behind that.
+    /// other rows after that.
     bool goTo(std::int32_t id) {
         constexpr std::int64_t kNear = 8;
         if (!m_hasRow || id - m_id > kNear) {

@@ -17,7 +17,7 @@ struct QueryClass {
     std::int32_t ErrCode = 0; ///< 0 means valid
     std::string ErrDescription;
     std::string SQL;
-    std::string OrderBy; ///< what stands behind the last ORDER BY; empty when there is none
+    std::string OrderBy; ///< what stands after the last ORDER BY; empty when there is none
 };
 
 /// Each CR LF pair, tab, CR and LF becomes one blank.
@@ -30,7 +30,7 @@ std::string SanitizeSQLText(std::string_view sql);
 QueryClass TestQuery(std::string_view sql, SQLite::Database &connection, FailureLog &log);
 
 /// The same for a text as it was typed: trimmed and sanitized first. A comment that begins with
-/// "--" would take what stands on the lines behind it along, and is refused.
+/// "--" would take what stands on the lines after it along, and is refused.
 QueryClass testTyped(std::string_view typed, SQLite::Database &connection, FailureLog &log);
 
 /// The same for what the table shall show: its rows must have a URL_ID.

@@ -59,7 +59,7 @@ std::string sortKey(UrlColumn column, bool undatedLast) {
     return fmt::format("[{}]", facts.source);
 }
 
-/// The date column that stands first behind the last ORDER BY; empty when none does.
+/// The date column that stands first after the last ORDER BY; empty when none does.
 std::string_view dateOrderOf(std::string_view sql) {
     constexpr std::string_view kOrderBy = "ORDER BY ";
     const std::string upper = replaceAll(replaceAll(toUpper(sql), "\r", " "), "\n", " ");

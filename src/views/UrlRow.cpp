@@ -14,7 +14,7 @@ namespace {
 /// Longer paths open no file.
 constexpr std::size_t kPathBytes = 4096;
 
-/// As bytes: substr() over text would end at a zero, and what stands behind it must be seen.
+/// As bytes: substr() over text would end at a zero, and what stands after it must be seen.
 std::string cutText(std::string_view column, std::size_t bytes) {
     return fmt::format("substr(CAST({} AS BLOB), 1, {})", column, bytes);
 }

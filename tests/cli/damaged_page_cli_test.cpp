@@ -12,7 +12,7 @@ using testing::HasSubstr;
 /// Whatever goes over the whole table URLs, on a project one page of which is broken.
 class DamagedPageCliTest : public DamagedProjectCase {
   protected:
-    /// A cached page (row 1) and its picture (row 2), behind which the other rows come.
+    /// A cached page (row 1) and its picture (row 2), after which the other rows come.
     void makeSite() const {
         IndexDat index;
         index.folder("ABCDEFGH");

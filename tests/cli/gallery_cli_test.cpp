@@ -86,7 +86,7 @@ TEST_F(GalleryCliTest, picturesAreChosenByShapeSizeAndHost) {
     EXPECT_THAT(sheet(), HasSubstr("Hosts that contain: &#39; OR"));
 }
 
-TEST_F(GalleryCliTest, pagesAreTurnedAndOneBehindTheLastIsRefused) {
+TEST_F(GalleryCliTest, pagesAreTurnedAndOneAfterTheLastIsRefused) {
     EXPECT_THAT(gallery({"--per-page", "2", "--page", "2"}).out, HasSubstr("page 2 of 3, 2 of 5"));
     EXPECT_THAT(gallery({"--per-page", "2", "--page", "4"}).err,
                 HasSubstr("--page 4: the gallery has 3 pages"));

@@ -31,7 +31,7 @@ struct ManualTest : testing::Test {
         words.emplace_back("--help");
         return runCli(words, folder.path() / "home").out;
     }
-    /// The words behind "Subcommands:" of a help text.
+    /// The words after "Subcommands:" of a help text.
     static std::vector<std::string> commandsIn(const std::string &text) {
         std::istringstream lines(text.substr(std::min(text.find("Subcommands:"), text.size())));
         std::vector<std::string> commands;

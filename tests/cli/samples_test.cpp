@@ -132,7 +132,7 @@ std::map<fs::path, std::uintmax_t> listingOf(const fs::path &folder) {
 
 /// Where the facts give no count of the whole sample, or two.
 const std::map<std::string, int> kRows = {
-    {"ff2_history_mork", 4},     // two files; the mark of the columns may stand behind "< "
+    {"ff2_history_mork", 4},     // two files; the mark of the columns may stand after "< "
     {"ff3_cache_kiosk", 307},    // headers that fit one block are passed over
     {"histex_made", 44},         // two files; only "URL " with its blank is a record's signature
     {"opera_history_plaso", 78}, // 37 in each of two files, and 4 typed addresses

@@ -55,7 +55,7 @@ class SurprisesCliTest : public testing::Test {
     /// The exit code of a line that a shell runs with the program in front.
     int shell(const std::string &line) {
         fs::create_directories(folder.path() / "home");
-        // The messages of the program alone, also when the line goes on behind a "|".
+        // The messages of the program alone, also when the line goes on after a "|".
         const std::string command = "NORVELANE_HOME='" + at("home") + "' 2> '" + at("err") + "' '" +
                                     cliProgram().string() + "' " + line;
         const int status = std::system(command.c_str());

@@ -29,7 +29,7 @@ class UnreadRowsCliTest : public DamagedProjectCase {
             lines.erase(lines.begin()); // the headings
         return lines;
     }
-    /// The whole rows in their order, and behind them those that nobody can read.
+    /// The whole rows in their order, and after them those that nobody can read.
     static std::vector<std::string> wholeThen(const std::vector<int> &broken) {
         std::vector<std::string> lines;
         for (int id = 1; id <= kRows; ++id)
@@ -79,7 +79,7 @@ TEST_F(UnreadRowsCliTest, aBrokenPageOfTheDateIndexCostsNoRow) {
     EXPECT_THAT(report.out, HasSubstr("3000 rows reported"));
 }
 
-TEST_F(UnreadRowsCliTest, aHostFilterGoesOnBehindABrokenPage) {
+TEST_F(UnreadRowsCliTest, aHostFilterGoesOnAfterABrokenPage) {
     SQLite::Database(project, SQLite::OPEN_READWRITE)
         .exec("UPDATE URLs SET Host = 'other' WHERE URL_ID > 2000; "
               "UPDATE URLs SET ActionDateLocal = 50000 WHERE URL_ID = 1");

@@ -1,4 +1,4 @@
-// A style sheet. Its tokens stand one behind the other in the text, what is written of them is read
+// A style sheet. Its tokens stand one after the other in the text, what is written of them is read
 // as the same, and guarding it twice changes nothing.
 //   input = style
 

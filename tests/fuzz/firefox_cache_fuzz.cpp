@@ -37,7 +37,7 @@ FirefoxCache damagedCache(const std::uint8_t *data, std::size_t size) {
     nv::test::addExampleEntries(cache);
     for (; size >= 6; data += 6, size -= 6) {
         const std::size_t word = std::size_t{data[0]} | std::size_t{data[1]} << 8;
-        // Metadata stand behind the bitmap, which is never read.
+        // Metadata stand after the bitmap, which is never read.
         std::string &bytes = word % 2 == 0 ? cache.map : cache.blocks[1];
         const std::size_t first = word % 2 == 0 ? 0 : 4096;
         const std::size_t at = first + word / 2 % (bytes.size() - first - 4);

@@ -1,4 +1,4 @@
-// The bytes behind the header of a Macintosh cache, with a header that fits: the reading ends, its
+// The bytes after the header of a Macintosh cache, with a header that fits: the reading ends, its
 // bodies lie in the file, and nothing is lost without a word.
 
 #include "fuzz/Reading.h"

@@ -1,4 +1,4 @@
-// The input is read as a history.dat behind a sound beginning, and once as it is: nothing may be
+// The input is read as a history.dat after a sound beginning, and once as it is: nothing may be
 // thrown, and an entry's texts come from the file.
 
 #include "fuzz/Reading.h"

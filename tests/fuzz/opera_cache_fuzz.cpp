@@ -1,4 +1,4 @@
-// The input is the fields of a cache index, behind its header: nothing may be thrown, and every
+// The input is the fields of a cache index, after its header: nothing may be thrown, and every
 // record lies in the file and has texts of it.
 
 #include "fuzz/Reading.h"

@@ -43,7 +43,7 @@ class BackgroundThumbnailsTest : public QObject {
     void theRestIsDrawnWhileTheExaminerGoesOn();
     void whatIsDrawnStaysWhenItIsStopped();
     void closingTheProjectEndsIt();
-    void theyAreCountedWhenAProjectOpensBehindTheGallery();
+    void theyAreCountedWhenAProjectOpensAfterTheGallery();
 
   private:
     QPushButton &button() { return child<QPushButton>(*m_form, "btnMakeThumbnails"); }
@@ -113,7 +113,7 @@ void BackgroundThumbnailsTest::closingTheProjectEndsIt() {
         QVERIFY2(left.path().filename() != "~background", "its scratch folder stays");
 }
 
-void BackgroundThumbnailsTest::theyAreCountedWhenAProjectOpensBehindTheGallery() {
+void BackgroundThumbnailsTest::theyAreCountedWhenAProjectOpensAfterTheGallery() {
     trigger(*m_form, "actClose");
     trigger(*m_form, "actOpen"); // the dialog still answers with the project
     QVERIFY(waitFor([this] { return said() == QStringLiteral("0 of 14 drawn"); }));

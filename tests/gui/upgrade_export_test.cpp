@@ -32,7 +32,7 @@ class UpgradeExportTest : public QObject {
     void theWizardFindsAndFixesADifference();
     void aProjectThatFitsOffersNoFix();
     void aScanThatFailsIsToldAndOffersNoFix();
-    void theOpenProjectIsClosedForTheWizardAndOpenedBehindIt();
+    void theOpenProjectIsClosedForTheWizardAndOpenedAfterIt();
     void anExportWritesWhatTheDialogSays();
     void anEmptyPathStopsTheExport();
     void cancelInTheDialogWritesNothing();
@@ -118,7 +118,7 @@ void UpgradeExportTest::aScanThatFailsIsToldAndOffersNoFix() {
     trigger(form, "actUpgradeWizard");
 }
 
-void UpgradeExportTest::theOpenProjectIsClosedForTheWizardAndOpenedBehindIt() {
+void UpgradeExportTest::theOpenProjectIsClosedForTheWizardAndOpenedAfterIt() {
     Desk desk;
     MainForm form(desk.program, desk.dialogs);
     openExample(desk, form);

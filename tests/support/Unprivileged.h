@@ -28,7 +28,7 @@ class Unprivileged {
     }
     ~Unprivileged() {
         if (m_isRoot && ::seteuid(0) != 0)
-            ::_exit(1); // every test behind this one would see another world
+            ::_exit(1); // every test after this one would see another world
     }
     Unprivileged(const Unprivileged &) = delete;
     Unprivileged &operator=(const Unprivileged &) = delete;

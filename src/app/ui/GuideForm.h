@@ -39,7 +39,7 @@ class GuideForm final : public QDialog {
     void readPages(const QString &folder);
     void listPages();
     void followPage();
-    /// Goes on behind the place found last, over the pages that are listed.
+    /// Goes on after the place found last, over the pages that are listed.
     void findNext();
 
     std::vector<Page> m_pages;

@@ -26,7 +26,7 @@ constexpr std::chrono::seconds kDrawingTimeout{30};
 constexpr std::array<int, 3> kAhead = {1, 2, -1};
 constexpr std::size_t kMostKept = 8;
 constexpr qsizetype kMostKeptBytes = qsizetype{192} << 20;
-/// Behind it the examiner is told that the picture is on its way.
+/// After it the examiner is told that the picture is on its way.
 constexpr int kPatience = 300; ///< milliseconds
 /// Only who stays on a row for so long wants the next ones.
 constexpr int kRest = 30; ///< milliseconds

@@ -20,7 +20,7 @@ class PicturePane;
 
 /// Fills the Picture pane. Pictures of evidence are decoded outside of this process, since damaged
 /// ones can crash what reads them, and one after another while the examiner goes on. Only the
-/// current record's is waited for; those behind it in the table are drawn ahead.
+/// current record's is waited for; those after it in the table are drawn ahead.
 class PictureFeed final : public QObject {
     Q_OBJECT
 

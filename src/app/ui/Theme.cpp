@@ -82,7 +82,7 @@ QRadioButton::indicator:disabled { border-color: #444c57; }
 
 /// Without the toolkit's own pictures on buttons, which match none of ours, and with values of
 /// evidence from left to right in every window: otherwise "-1" would read "1-" in one that runs the
-/// other way, and a date would stand behind its time.
+/// other way, and a date would stand after its time.
 class PlainStyle final : public QProxyStyle {
   public:
     PlainStyle() : QProxyStyle(QStringLiteral("Fusion")) {}

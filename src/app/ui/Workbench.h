@@ -57,7 +57,7 @@ class Workbench final : public QObject {
     void projectOpened();
     /// Comes before the connection goes: whoever uses it lets go of it now.
     void projectClosing();
-    /// Other settings are in force; the rows are loaded anew behind it.
+    /// Other settings are in force; the rows are loaded anew after it.
     void optionsChanged();
     /// The gallery shows other kinds than those that are now ticked.
     void galleryOutdated();

@@ -76,7 +76,7 @@ class DrawRun {
     ChildCommand m_command;
     std::size_t m_next = 0;  ///< the first job that nothing is known of
     std::size_t m_first = 0; ///< of the process at work
-    std::size_t m_end = 0;   ///< behind its last one
+    std::size_t m_end = 0;   ///< after its last one
     bool m_isReady = false;  ///< that process has come as far as its jobs
     bool m_isStopped = false;
 };

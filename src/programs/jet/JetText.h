@@ -6,7 +6,7 @@
 
 namespace nv::jet {
 
-/// Text of Jet 4 and later as UTF-8: UTF-16 little-endian, or, behind the mark FF FE, packed: runs
+/// Text of Jet 4 and later as UTF-8: UTF-16 little-endian, or, after the mark FF FE, packed: runs
 /// of one byte a character and runs of UTF-16, with a zero byte between them. Half a surrogate pair
 /// becomes U+FFFD.
 std::string fromUnicode(ByteView stored);

@@ -15,7 +15,7 @@ bool leadsOn(const ChromeAddressMapClass &map) {
     return map.Initialised && map.DataBlockFileOffset != 0;
 }
 
-/// The address of the entry behind this one; 0 when the block isn't there.
+/// The address of the entry after this one; 0 when the block isn't there.
 std::uint32_t nextOf(const ChromeAddressMapClass &entry, ChromeBlockFiles &blocks) {
     constexpr std::uint64_t kNextAt = 4;
     const Bytes head = blocks.read(entry, kNextAt + 4);

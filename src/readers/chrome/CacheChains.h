@@ -15,7 +15,7 @@ class ChromeChains {
   public:
     ChromeChains();
 
-    /// Notes an entry that a slot leads to, and the next one behind it.
+    /// Notes an entry that a slot leads to, and the next one after it.
     void add(const ChromeAddressMapClass &entry, const ChromeAddressMapClass &next);
     /// How many entries hang behind others and have no slot of their own; each is counted once.
     /// Nothing when cancelled. Throws EvidenceFailure.

@@ -1,7 +1,7 @@
 // An SQLite file; of it are read
 //   cookies = host_key name value last_access_utc creation_utc expires_utc encrypted_value
 // with dates in microseconds since 1601, UTC. 0 in expires_utc is a cookie of one session. Since
-// 2014 the value is empty, and encrypted_value has it behind "v10", "v11" or "v20" for the kind of
+// 2014 the value is empty, and encrypted_value has it after "v10", "v11" or "v20" for the kind of
 // key, or without such a prefix, encrypted for the user of the machine.
 
 #include "readers/chrome/Cookies.h"

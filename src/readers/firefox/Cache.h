@@ -56,12 +56,12 @@ class mzMozillaCache {
     static std::optional<mzRecordInfo> GetBucketMetaData(const mzBucket &bucket);
     static mzRecordData GetRecordData(const mzRecordInfo &info);
     /// Nothing when the metadata isn't in an open block file. Throws when the block lies
-    /// behind the file's end, or the file ends within the URL.
+    /// after the file's end, or the file ends within the URL.
     std::optional<mzRecordMetaData> GetRecordMetaData(const mzRecordInfo &info) const;
     /// 1 to 3; null for any other number and for a file that isn't there.
     const EvidenceFile *GetFileHandle(std::int64_t blockFileNumber) const;
 
-    /// These throw OutOfBytes behind the file's end.
+    /// These throw OutOfBytes after the file's end.
     static std::int64_t GetNextByte(std::int64_t position, const EvidenceFile &handle);
     static std::int64_t GetNextDWord(std::int64_t position, const EvidenceFile &handle);
     /// Eight hexadecimal digits in file order.

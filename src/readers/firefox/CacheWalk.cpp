@@ -14,7 +14,7 @@ constexpr std::string_view kFirefox2 = "00010008";
 constexpr std::string_view kFirefox3 = "0001000B";
 
 // Bucket 0 is never listed, though browsers use it: examiners compare counts with earlier cases.
-// It is counted, and so is what lies behind the last bucket.
+// It is counted, and so is what lies after the last bucket.
 constexpr std::int64_t kFirstListed = 1;
 constexpr std::int64_t kLastListed = 0x2000;
 /// Later maps have up to 16384 buckets; looking for more in a hostile one must end.

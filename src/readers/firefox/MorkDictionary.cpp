@@ -40,7 +40,7 @@ std::string cleanedMorkText(std::string_view text) {
     return without(without(without(text, "\r\n"), "  "), "\t");
 }
 
-/// Reads on in a cell from `at`. The place behind its end, or the line's end.
+/// Reads on in a cell from `at`. The place after its end, or the line's end.
 std::size_t MorkDictionary::scanCell(std::string_view line, std::size_t at) {
     std::size_t end = at;
     while (end < line.size() && line[end] != ')')

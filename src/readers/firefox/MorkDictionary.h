@@ -24,8 +24,8 @@ class MorkDictionary {
     std::uint64_t offset() const { return m_offset; }
     /// Whether the next line belongs to the value that the last one broke off.
     bool isContinued() const { return m_isContinued; }
-    /// Takes a line, the first one from behind the opening mark on. Nothing while the dictionary
-    /// goes on, otherwise the place in the line behind its end.
+    /// Takes a line, the first one from after the opening mark on. Nothing while the dictionary
+    /// goes on, otherwise the place in the line after its end.
     std::optional<std::size_t> take(std::string_view line);
 
   private:

@@ -41,8 +41,8 @@ std::string versionIn(std::string_view line) {
                                          : std::string(line.substr(begin, end - begin));
 }
 
-/// Where the columns begin behind the mark, which stands at the line's start or, in the files that
-/// browsers write, behind the "<" of the dictionary itself.
+/// Where the columns begin after the mark, which stands at the line's start or, in the files that
+/// browsers write, after the "<" of the dictionary itself.
 std::optional<std::size_t> behindColumnMark(std::string_view line) {
     const std::size_t mark = line.starts_with("< ") ? 2 : 0;
     if (!line.substr(mark).starts_with(kColumnMark))
@@ -153,7 +153,7 @@ bool morkFileClass::readLines(MorkLines &lines, MorkRowScan &rows, TaskMonitor &
     return true;
 }
 
-/// A line may hold the end of one dictionary, others whole, and rows behind them.
+/// A line may hold the end of one dictionary, others whole, and rows after them.
 void morkFileClass::takeLine(MorkLine line, MorkRowScan &rows) {
     for (;;) {
         std::size_t from = 0;

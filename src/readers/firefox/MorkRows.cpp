@@ -25,7 +25,7 @@ std::size_t endOfCell(std::string_view line, std::size_t at) {
 } // namespace
 
 void MorkRowScan::take(const MorkLine &line) {
-    // A cell goes on behind a backslash; any other line that begins as a row does is one.
+    // A cell goes on after a backslash; any other line that begins as a row does is one.
     const std::size_t begin = line.text.find_first_not_of(" \t");
     if (m_isRowOpen && !m_isContinued && begin != std::string_view::npos && line.text[begin] == '[')
         endRow(Ends::brokenOff);
@@ -36,7 +36,7 @@ void MorkRowScan::take(const MorkLine &line) {
 }
 
 /// The table's or a group's opening turns the reading of rows on. Its end turns it off only where
-/// it stands on a line with a row: browsers write it on a line of its own, and the rows behind it
+/// it stands on a line with a row: browsers write it on a line of its own, and the rows after it
 /// are read. Returns where in the line rows count.
 std::size_t MorkRowScan::applyMarks(std::string_view line) {
     if (has(line, "{1:^80") || has(line, "@$${")) {

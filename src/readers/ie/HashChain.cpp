@@ -24,7 +24,7 @@ constexpr std::uint32_t kNeverUsed = 0;
 constexpr std::uint32_t kEndOfRow = 3;
 constexpr std::uint32_t kFiller = 0xDEADBEEF;
 
-/// A hostile chain can name a table at every byte of the file; so many are counted behind the cap.
+/// A hostile chain can name a table at every byte of the file; so many are counted after the cap.
 constexpr std::size_t kCountedBehindCap = 4096;
 
 bool hasTable(ByteView file, std::int64_t at) {

@@ -51,7 +51,7 @@ std::uint64_t placeOfEntry(const HashTable &table, std::int64_t entry);
 HashEntry hashEntry(ByteView file, const HashTable &table, std::int64_t entry);
 /// Entries in use of the table from `from` on, as far as the file reaches.
 std::uint64_t usedEntries(ByteView file, const HashTable &table, std::int64_t from = 0);
-/// Entries in use of all tables, also of those behind the cap.
+/// Entries in use of all tables, also of those after the cap.
 std::uint64_t usedEntries(ByteView file, const HashChain &chain);
 
 } // namespace nv

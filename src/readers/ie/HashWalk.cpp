@@ -53,7 +53,7 @@ class ReferencedBlocks {
 
 ByteView recordAt(ByteView file, std::uint64_t offset) {
     const std::int32_t blocks = file.i32le(offset + kSignature);
-    // A length below zero is as far outside of the file as one behind its end.
+    // A length below zero is as far outside of the file as one after its end.
     return blocks < 0 ? file.sub(offset, std::numeric_limits<std::uint64_t>::max())
                       : file.sub(offset, static_cast<std::uint64_t>(blocks) * kBlock);
 }
@@ -153,7 +153,7 @@ void HashWalk::noteDamage(const std::string &damage, ReadResult &result) {
         result.reason = text;
 }
 
-/// No record is sought behind an entry that leads out of the file: the rest of the hash is as
+/// No record is sought after an entry that leads out of the file: the rest of the hash is as
 /// little to be trusted. What was saved stays; this entry and those that remain are counted.
 HashWalk::Step HashWalk::endAt(Place place, const std::string &damage, ReadResult &result) {
     noteDamage(fmt::format("{}, outside of the {} bytes", damage, m_file.size()), result);

@@ -97,7 +97,7 @@ void setCacheFields(URLClass &result, ByteView record, const FolderList &folders
         result.CacheFileNameDecoded = percentDecode(result.CacheFileName);
     result.CacheFileSize = record.i32le(kFileSize);
     setHeaders(result, record);
-    // Records without a file of their own have a number behind the folders, such as 254.
+    // Records without a file of their own have a number after the folders, such as 254.
     if (const std::uint8_t folder = record.u8(kFolder); folder < folders.size())
         result.CacheFolderName = folders[folder];
     result.IsValidHTMLTagObject = contains(kHrefExtensions, GetFileExtension(result.URL));

@@ -3,7 +3,7 @@
 //   block = tag[4] length:u32 value[length]
 //   entry = "NTRY" ("URL " | "BSRL" | "MIME" | "HNTT" | "HVRS" | "POST" | "DATA")* "CATE"
 //   CATE  = ?[8] entry:u32@10 first:u32@14 last:u32@18 ?[4] size:u32@20
-// The offsets within CATE are from its tag; `first` and `last` are dates of visits. Behind the body
+// The offsets within CATE are from its tag; `first` and `last` are dates of visits. After the body
 // in DATA comes the filler "XXXX" and a block "cate", which is no "CATE".
 
 #include "readers/mac/macIECache.h"
@@ -44,7 +44,7 @@ std::uint32_t number(ByteView file, std::uint64_t at) {
     return ByteView(reversed).u32le(0);
 }
 
-/// What is behind 1972 has its top bit set and is a negative number for TimeStampToDate(). A stamp
+/// What is after 1972 has its top bit set and is a negative number for TimeStampToDate(). A stamp
 /// of before 1970 is none: the browser is younger, and an empty stamp would become one of 2040.
 Date stampAt(ByteView file, std::uint64_t at) {
     const std::uint32_t stamp = number(file, at);
@@ -128,7 +128,7 @@ std::optional<Block> BlockWalk::blockHere() {
     return std::nullopt;
 }
 
-/// No block is sought behind one that leads out of the file.
+/// No block is sought after one that leads out of the file.
 void BlockWalk::endAt(std::string_view what) {
     m_result.state = ReadState::cutShort;
     m_result.reason = fmt::format("{} at {} leads out of the {} bytes", what, m_at, m_file.size());
@@ -173,7 +173,7 @@ void BlockWalk::noteUnended() {
         ++m_result.passedOver["entry without its end"];
 }
 
-/// A body's length isn't trusted: the marker behind it tells where the next block is. Entries that
+/// A body's length isn't trusted: the marker after it tells where the next block is. Entries that
 /// stand before a marker of another one's are passed over with it.
 std::uint64_t BlockWalk::bodyEnd(const Block &block) {
     m_url.macDataFileOffset = block.valueAt();

@@ -13,7 +13,7 @@ namespace nv {
 /// garbage, in which records may be lost.
 class CacheGaps {
   public:
-    /// Gets each gap, from its first byte to the one behind its last.
+    /// Gets each gap, from its first byte to the one after its last.
     using Tell = std::function<void(std::uint64_t from, std::uint64_t end)>;
 
     CacheGaps(ByteView file, Tell tell);
@@ -37,7 +37,7 @@ class CacheGaps {
     ByteView m_file;
     Tell m_tell;
     std::uint64_t m_otherAt = 0;  ///< the last field of another kind that was met
-    std::uint64_t m_otherEnd = 0; ///< and the byte behind it
+    std::uint64_t m_otherEnd = 0; ///< and the byte after it
     std::optional<std::uint64_t> m_gapAt;
     std::optional<std::uint64_t> m_openedAt; ///< a record that has no URL yet
     std::uint64_t m_recordAt = 0;

@@ -1,4 +1,4 @@
-// A global_history.dat, text with a line end behind each line:
+// A global_history.dat, text with a line end after each line:
 //   record = title url visited:digits (seconds since 1970, UTC) popularity
 // The typed addresses are told in HistoryTyped.cpp.
 
@@ -34,7 +34,7 @@ enum Line : std::size_t { kTitle, kUrl, kVisited, kPopularity };
 /// Four lines and where they end; the first begins at `at`.
 struct Window {
     std::array<std::string_view, kLines> lines;
-    std::array<std::size_t, kLines> next{}; ///< where the line behind each one begins
+    std::array<std::size_t, kLines> next{}; ///< where the line after each one begins
 };
 
 /// Nothing when fewer than four line ends follow.
@@ -76,7 +76,7 @@ bool isInStep(const Window &window) {
            window.lines[kUrl].find(':') != std::string_view::npos;
 }
 
-/// A line that damage took or added would turn all records behind it into wrong ones. How many
+/// A line that damage took or added would turn all records after it into wrong ones. How many
 /// lines belong to no record, so that the next ones are in step; 0 when they are, or none is.
 std::size_t linesOutOfStep(std::string_view file, const Window &window) {
     if (isInStep(window))

@@ -49,7 +49,7 @@ Date isoDate(std::string_view text) {
 /// Saves the record of each item, wherever in the tree it stands.
 class ItemWalk final : public pugi::xml_tree_walker {
   public:
-    /// Damage lies at `damagedAt`, behind the end of a sound text.
+    /// Damage lies at `damagedAt`, after the end of a sound text.
     ItemWalk(ReadContext &ctx, std::string_view text, std::size_t damagedAt, ReadResult &result)
         : m_ctx(ctx), m_source{ctx, ctx.evidence.factsOf(ctx.file.FullPath).created}, m_text(text),
           m_damagedAt(damagedAt), m_result(result),

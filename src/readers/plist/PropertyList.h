@@ -35,7 +35,7 @@ class PropertyList {
     /// What ended the reading before the end, and where; empty when nothing did. Only the `dict`
     /// elements that had ended before are whole; no value that was cut is in the tree.
     const std::string &damage() const { return m_damage; }
-    /// `dict` elements that begin behind what was read.
+    /// `dict` elements that begin after what was read.
     std::uint64_t dictsNotReached() const { return m_dictsNotReached; }
 
     /// All `array` elements, in the order of the document.

@@ -81,7 +81,7 @@ class Carving {
         return m_ctx.task.advance(static_cast<double>(at) / static_cast<double>(m_file.size()));
     }
 
-    /// How far to go on: behind a record, but by one block only behind a signature whose record
+    /// How far to go on: after a record, but by one block only after a signature whose record
     /// fails, since nothing that it says of its length can be trusted.
     std::uint64_t carve(std::uint64_t at) {
         std::uint64_t length = kBlock;

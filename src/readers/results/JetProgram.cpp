@@ -40,7 +40,7 @@ std::string endText(const ChildResult &result) {
 std::string failureOf(const JetLines &lines, const ChildResult &result) {
     if (!lines.failure().empty())
         return lines.failure();
-    if (lines.hasEnded()) // what happens behind the last line concerns nobody
+    if (lines.hasEnded()) // what happens after the last line concerns nobody
         return {};
     const std::string end = endText(result);
     return end.empty() ? "the program norvelane-jet ended before the last row" : end;

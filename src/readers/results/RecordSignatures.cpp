@@ -12,7 +12,7 @@ namespace {
 constexpr std::array<std::string_view, 3> kSignatures = {"URL ", "REDR", "LEAK"};
 constexpr std::uint64_t kBlock = 0x80;
 
-/// Records are some blocks long. Behind a signature that is but a word of some text stand letters,
+/// Records are some blocks long. After a signature that is but a word of some text stand letters,
 /// which as a number are far above this.
 constexpr std::int32_t kMostBlocks = 0xFFFF;
 

@@ -19,7 +19,7 @@ bool isRecordSignature(std::string_view text);
 /// "REDR", else at the first "LEAK".
 std::optional<std::uint64_t> firstRecord(ByteView file);
 
-/// A record that was saved, from its signature to behind its end.
+/// A record that was saved, from its signature to after its end.
 struct CarvedRange {
     std::uint64_t begin = 0;
     std::uint64_t end = 0;

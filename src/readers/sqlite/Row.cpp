@@ -27,7 +27,7 @@ template <class Number>
 struct Parsed {
     Number number{};
     bool any = false;
-    bool whole = false; ///< nothing stands behind the number
+    bool whole = false; ///< nothing stands after the number
 };
 
 template <class Number>

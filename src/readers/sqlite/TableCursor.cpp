@@ -95,7 +95,7 @@ bool TableCursor::next() {
     return false;
 }
 
-/// A row behind the last one, or between the last two: then the last one's id was damaged, and the
+/// A row after the last one, or between the last two: then the last one's id was damaged, and the
 /// rows that follow it are as good as any.
 bool TableCursor::takeInOrder(std::int64_t rowId) {
     if (rowId >= m_next) {
@@ -169,7 +169,7 @@ TableCursor::Probe TableCursor::probe(std::int64_t from) {
     return {found ? Probe::Outcome::found : Probe::Outcome::damaged, rowId};
 }
 
-/// The first row behind a damaged stretch. Browsers count rows from 1: where damage begins below
+/// The first row after a damaged stretch. Browsers count rows from 1: where damage begins below
 /// that, the search starts anew from there, with small steps.
 TableCursor::Probe TableCursor::leap() {
     if (++m_leaps > kMostLeaps)

@@ -14,7 +14,7 @@
 namespace nv {
 
 /// Walks a table in the order of its row ids, which is the order in which rows were added. Where
-/// the file is damaged it goes on behind the damage, and it comes to an end however the pages of
+/// the file is damaged it goes on after the damage, and it comes to an end however the pages of
 /// the file point at each other. The database must outlive it.
 class TableCursor {
   public:
@@ -22,7 +22,7 @@ class TableCursor {
     TableCursor(EvidenceDatabase &database, std::string_view table,
                 std::span<const std::string_view> columns);
 
-    /// False behind the last row that can be found.
+    /// False after the last row that can be found.
     bool next();
     std::int64_t rowId() const { return m_rowId; }
     bool isReadable() const { return m_content == Content::readable; }
@@ -43,7 +43,7 @@ class TableCursor {
     std::string lossText() const;
 
   private:
-    /// What a look for the first row at or behind an id met.
+    /// What a look for the first row at or after an id met.
     struct Probe {
         enum class Outcome { found, none, damaged } outcome = Outcome::none;
         std::int64_t rowId = 0;
@@ -78,7 +78,7 @@ class TableCursor {
     std::uint64_t m_given = 0;
     std::uint64_t m_unreadable = 0;
     std::uint64_t m_leaps = 0;
-    std::optional<std::int64_t> m_retried; ///< the id behind damage that is read a second time
+    std::optional<std::int64_t> m_retried; ///< the id after damage that is read a second time
     std::string m_firstDamage;
 };
 

@@ -113,7 +113,7 @@ void ColumnsForm::moveCurrent(int by) {
     m_columns->setCurrentRow(to);
 }
 
-/// Only what the search shows, so that "Hide All" behind a search is what it seems to be.
+/// Only what the search shows, so that "Hide All" after a search is what it seems to be.
 void ColumnsForm::tickAll(Qt::CheckState state) {
     for (int row = 0; row < m_columns->count(); ++row) {
         if (!m_columns->item(row)->isHidden())

@@ -19,7 +19,7 @@ QString shownLine(std::string_view line) {
     return parts.join(u'\t');
 }
 
-/// Broken behind a blank or sign where there is one near: words stay whole, and can be found.
+/// Broken after a blank or sign where there is one near: words stay whole, and can be found.
 qsizetype breakIn(const QString &line, qsizetype from) {
     constexpr qsizetype kNear = 500;
     const qsizetype limit = from + static_cast<qsizetype>(kMostLineChars);

@@ -19,12 +19,12 @@ struct ChromeCacheEntry {
     std::string body{};
     Body where = Body::bySize; ///< up to 16 KiB in blocks, otherwise a separate file
     bool hasHeader = true;
-    std::string answer = "HTTP/1.1 200 OK"; ///< behind the dates of the header
+    std::string answer = "HTTP/1.1 200 OK"; ///< after the dates of the header
 };
 
 /// Where the parts of an entry went.
 struct ChromeCachePlace {
-    std::size_t slot = 0;    ///< 1-based; 0 for an entry behind another one
+    std::size_t slot = 0;    ///< 1-based; 0 for an entry after another one
     std::uint32_t entry = 0; ///< addresses
     std::uint32_t header = 0;
     std::uint32_t rankings = 0;
@@ -42,7 +42,7 @@ class ChromeCache {
 
     /// Into the next free slot.
     ChromeCachePlace add(const ChromeCacheEntry &entry);
-    /// Behind the entry at that address, in the same slot.
+    /// After the entry at that address, in the same slot.
     ChromeCachePlace addBehind(std::uint32_t address, const ChromeCacheEntry &entry);
     /// Into the next free slot, as given.
     ChromeCache &word(std::uint32_t address);

@@ -105,7 +105,7 @@ std::size_t FirefoxCache::metaDataOffset(std::uint32_t bucket) const {
     return kBitmap + (location & 0xFFFFFF) * blockSize(static_cast<int>(location >> 28 & 3));
 }
 
-/// Puts the bytes behind the last block in use; returns their location.
+/// Puts the bytes after the last block in use; returns their location.
 std::uint32_t FirefoxCache::store(int file, std::string_view bytes, std::uint32_t minimum) {
     std::string &target = blocks.at(static_cast<std::size_t>(file));
     const std::size_t size = blockSize(file);

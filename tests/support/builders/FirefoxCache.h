@@ -11,7 +11,7 @@
 
 namespace nv::test {
 
-/// The names and values of headers as the browser keeps them, each with a zero behind it.
+/// The names and values of headers as the browser keeps them, each with a zero after it.
 std::string cacheHeaders(std::string_view contentType);
 
 /// One entry of the cache. Texts are raw bytes.
@@ -23,7 +23,7 @@ struct FirefoxCacheEntry {
     std::uint32_t modified = 1299999999; ///< one second before
     std::uint32_t expires = 0xFFFFFFFF;
     std::uint32_t fetchCount = 1;
-    bool closingZero = true; ///< behind the key, and counted with it
+    bool closingZero = true; ///< after the key, and counted with it
     std::uint32_t hash = 0;  ///< 0: one made from the number of the bucket
     int metaDataFile = 0;    ///< 1 to 3; 0: the first whose four blocks are enough
     /// At least two, so that the entry is listed.

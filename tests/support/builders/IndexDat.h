@@ -33,7 +33,7 @@ struct IndexRecord {
 std::string recordBytes(const IndexRecord &record);
 std::string redirectBytes(std::string_view url);
 
-/// Makes an index.dat: header, tables of the hash with filler at their ends, records behind them.
+/// Makes an index.dat: header, tables of the hash with filler at their ends, records after them.
 /// Records are written as they are added, so a million of them is a matter of a second.
 class IndexDat {
   public:

@@ -168,7 +168,7 @@ class Jet4Pages {
             return u32(length | kTextHere) + u32(0) + u32(0) + text;
         if (text.size() <= kPieceOfText)
             return u32(length | kTextInOneRow) + u32(keepPiece(text)) + u32(0);
-        std::uint32_t next = 0; // the last piece comes first: each refers to the one behind it
+        std::uint32_t next = 0; // the last piece comes first: each refers to the one after it
         for (std::size_t end = text.size(); end > 0;) {
             const std::size_t begin = (end - 1) / kPieceOfText * kPieceOfText;
             next = keepPiece(u32(next) + text.substr(begin, end - begin));

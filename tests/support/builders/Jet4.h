@@ -43,7 +43,7 @@ class Jet4 {
     static constexpr std::size_t kPage = 4096;
     /// On a table's definition page: how many rows it has, u32.
     static constexpr std::size_t kRowCountAt = 16;
-    /// On a page of rows: how many there are, u16; behind it the rows' entries, u16 each.
+    /// On a page of rows: how many there are, u16; after it the rows' entries, u16 each.
     static constexpr std::size_t kPageRowsAt = 12;
 
     Jet4();

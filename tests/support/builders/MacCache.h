@@ -23,7 +23,7 @@ struct MacEntry {
     std::uint32_t firstVisit = 0;
     std::uint32_t lastVisit = 0;
     std::optional<std::uint32_t> dataSize = {}; ///< when it isn't the body's
-    bool marker = true;                         ///< behind the body
+    bool marker = true;                         ///< after the body
 };
 
 /// Makes the cache file of Internet Explorer for Macintosh.

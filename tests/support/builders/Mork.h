@@ -38,7 +38,7 @@ class MorkHistory {
     MorkHistory &rawValue(std::string_view id, std::string_view text);
     /// Adds a line among the rows.
     MorkHistory &rawRow(std::string_view text);
-    /// Adds text behind the table.
+    /// Adds text after the table.
     MorkHistory &behindTable(std::string_view text);
     /// Begins a change of the file, as the browser appends it: pages that are added now stand in a
     /// group with a dictionary of its own.

@@ -10,7 +10,7 @@
 
 namespace nv::test {
 
-/// Makes a results file: header, records, table of entries behind them.
+/// Makes a results file: header, records, table of entries after them.
 class Nvd {
   public:
     Nvd();

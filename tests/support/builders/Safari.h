@@ -13,7 +13,7 @@ namespace nv::test {
 /// Names and values of an HTTP header, in their order.
 using Headers = std::vector<std::pair<std::string, std::string>>;
 
-/// The response object of a cached file in XML form. `type` stands behind the headers.
+/// The response object of a cached file in XML form. `type` stands after the headers.
 std::string safariResponse(const std::string &url, const Headers &headers);
 
 /// The header that servers send with a page or a picture.

@@ -41,7 +41,7 @@ TEST_F(ErrorLogTest, evidenceCantForgeALine) {
                       "   Threat Level:  Warning\r\n");
 }
 
-TEST_F(ErrorLogTest, commandsGoOnBehindEarlierOnesAndAreNamedWithTheirTime) {
+TEST_F(ErrorLogTest, commandsGoOnAfterEarlierOnesAndAreNamedWithTheirTime) {
     log.goOnFor("norvelane-cli import \r\ncase.nvp");
     EXPECT_FALSE(std::filesystem::exists(log.path())) << "nothing has failed yet";
     log.write({"first", "", Severity::Low, ""});

@@ -84,7 +84,7 @@ TEST_F(OptionsTest, aZoneWithDaylightTimeOffIsInStandardTime) {
     EXPECT_EQ(ini("OPTIONS", "TimeZoneName"), state().GMTZone.tzName);
 }
 
-TEST_F(OptionsTest, wrongFoldersAreRefusedBehindTheZone) {
+TEST_F(OptionsTest, wrongFoldersAreRefusedAfterTheZone) {
     openCase();
     Options options = shown();
     options.Time_Zone_ID = 20;

@@ -50,7 +50,7 @@ TEST(GetFileExtension, followsTheWindowOfSevenCharacters) {
     EXPECT_EQ(GetFileExtension("\u00e9.jpg"), ""); // five characters, six bytes
 }
 
-TEST(GetFilenameFromPath, takesWhatStandsBehindTheLastSlashOfEitherKind) {
+TEST(GetFilenameFromPath, takesWhatStandsAfterTheLastSlashOfEitherKind) {
     EXPECT_EQ(GetFilenameFromPath("C:\\a\\b.txt"), "b.txt");
     EXPECT_EQ(GetFilenameFromPath("/a/b.txt"), "b.txt");
     EXPECT_EQ(GetFilenameFromPath("b.txt"), "b.txt");

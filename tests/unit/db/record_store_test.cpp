@@ -66,7 +66,7 @@ std::set<std::string_view> differences(const URLClass &a, const URLClass &b) {
 }
 
 TEST(RecordColumns, areThoseOfTheSchemaInItsOrder) {
-    const auto schema = schema::urlColumns().subspan(1); // behind the key
+    const auto schema = schema::urlColumns().subspan(1); // after the key
     ASSERT_EQ(recordColumns().size(), schema.size());
     for (std::size_t i = 0; i < schema.size(); ++i)
         EXPECT_EQ(recordColumns()[i].name, schema[i].name);

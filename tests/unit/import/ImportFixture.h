@@ -77,7 +77,7 @@ inline constexpr std::array<Reader, 7> kMadeUp = {
     madeUp(HistoryFileType::operaCache, "later", nullptr),
 };
 
-/// Readers made for the tests: nvd reads a record a line, html throws behind its first record,
+/// Readers made for the tests: nvd reads a record a line, html throws after its first record,
 /// netAnalysis is cut short, safariHistory fails, safariCache finds the disk full, csv leaves a
 /// file in its scratch folder and saves its path, operaCache has no reader yet.
 inline const Reader *madeUpReader(HistoryFileType type) {

@@ -94,7 +94,7 @@ TEST_F(ImportRunTest, reachesNothingWhenCancelledBetweenFiles) {
     EXPECT_EQ(project.number("SELECT Count(*) FROM SourceFiles"), 1);
 }
 
-TEST_F(ImportRunTest, isCompleteWhenCancelledBehindTheLastRecord) {
+TEST_F(ImportRunTest, isCompleteWhenCancelledAfterTheLastRecord) {
     add(netAnalysis, "a", ""); // doesn't ask after its only record
     test::CancelAfter task(2);
     EXPECT_FALSE(import(task).cancelled);
@@ -110,7 +110,7 @@ TEST_F(ImportRunTest, ofACancelledWizardEmptiesTheList) {
     EXPECT_EQ(rows(), 0);
 }
 
-TEST_F(ImportRunTest, goesOnBehindAReaderThatThrows) {
+TEST_F(ImportRunTest, goesOnAfterAReaderThatThrows) {
     add(simpleHTML, "a", "");
     add(norvelaneNVD, "b", "http://b/1");
     const ImportSummary summary = import();

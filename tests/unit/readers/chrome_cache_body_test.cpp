@@ -81,10 +81,10 @@ TEST_F(ChromeCacheBody, longerThanItsFileGivesWhatIsThere) {
     add("the body");
     record.CacheFileSize = 0xFFFF'FFFF;
     ASSERT_TRUE(extract());
-    EXPECT_EQ(content().size(), 512U); // its block, and the one of the entry behind it
+    EXPECT_EQ(content().size(), 512U); // its block, and the one of the entry after it
 }
 
-TEST_F(ChromeCacheBody, behindTheEndOfItsFileIsNone) {
+TEST_F(ChromeCacheBody, afterTheEndOfItsFileIsNone) {
     add("the body");
     record.DataBlockFileOffset = 1LL << 40;
     EXPECT_FALSE(extract());

@@ -103,7 +103,7 @@ TEST_F(ChromeCacheDamage, isNotMixedUpWithALaterCache) {
     }
 }
 
-TEST_F(ChromeCacheDamage, byBytesBehindTheTableGoesByTheVersion) {
+TEST_F(ChromeCacheDamage, byBytesAfterTheTableGoesByTheVersion) {
     cache.add(entry("http://one/"));
     index().resize(index().size() + 0x1000);
     EXPECT_THAT(read().records(), SizeIs(1));
@@ -170,7 +170,7 @@ TEST_F(ChromeCacheDamage, thatCutsAFileOfBodiesIsLogged) {
     EXPECT_EQ(onlyFailure().message, pathOf("data_2") + ": the block file has 9000 bytes of 10240");
 }
 
-TEST_F(ChromeCacheDamage, ofAnAddressBehindTheEndOfItsFileCostsOneEntry) {
+TEST_F(ChromeCacheDamage, ofAnAddressAfterTheEndOfItsFileCostsOneEntry) {
     put(cache.add(entry("http://one/")).entry, 0x1C, 0xC003'FFFF);
     cache.word(0xA001'FFFF);
     cache.add(entry("http://three/"));
@@ -198,7 +198,7 @@ TEST_F(ChromeCacheDamage, ofManyAddressesIsListedFiftyTimes) {
 
 TEST_F(ChromeCacheDamage, thatCutsAHeaderGivesDatesOf1601) {
     const auto place = cache.add(entry("http://one/"));
-    put(place.entry, 0x1C, 0xA001'0003); // a block behind the ones in use
+    put(place.entry, 0x1C, 0xA001'0003); // a block after the ones in use
     cache.file("data_1").resize(0x2000 + 3 * 256 + 23);
     read();
     ASSERT_THAT(reading.records(), SizeIs(1));

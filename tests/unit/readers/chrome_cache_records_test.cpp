@@ -88,7 +88,7 @@ TEST(ChromeHeader, ofFewerThan24BytesHasDatesOf1601) {
 }
 
 TEST(ChromeHeader, takesStampsWithAll64Bits) {
-    // The last second of 9999, the one behind it, and the largest number there is.
+    // The last second of 9999, the one after it, and the largest number there is.
     const std::uint64_t last = 265'046'774'399'999'999;
     EXPECT_EQ(isoUtc(chromeHeaderOf(viewOf(headerBlock(0, last))).LastModifiedTime),
               "9999-12-31T23:59:59Z");

@@ -203,7 +203,7 @@ TEST_F(ChromeCacheClassTest, readsOfABodyWhatIsThere) {
     reader.ReadCache();
     const auto body = reader.GetContentObject(reader.Entries.Item(1).ContentAddressMap, 1ULL << 32);
     ASSERT_TRUE(body);
-    EXPECT_EQ(body->blob.size(), 512U); // its block and that of the entry behind it
+    EXPECT_EQ(body->blob.size(), 512U); // its block and that of the entry after it
 }
 
 TEST_F(ChromeCacheClassTest, givesNothingForAddressesThatNameNoBlock) {

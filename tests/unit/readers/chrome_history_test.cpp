@@ -137,7 +137,7 @@ TEST_F(ChromeHistoryReader, marksRecordsFromDeletedSpace) {
     EXPECT_EQ(reading.records()[1].Status, "(autogen)");
 }
 
-TEST_F(ChromeHistoryReader, takesParametersOnlyBehindAUrl) {
+TEST_F(ChromeHistoryReader, takesParametersOnlyAfterAUrl) {
     history()
         .add({.id = 1, .url = "http://a/?"})
         .add({.id = 2, .url = "?q=1"})
@@ -233,7 +233,7 @@ TEST_F(ChromeHistoryReader, saysThatATableIsMissing) {
               "Please contact technical support if this error re-occurs");
 }
 
-TEST_F(ChromeHistoryReader, goesOnBehindARecordThatCanNotBeSaved) {
+TEST_F(ChromeHistoryReader, goesOnAfterARecordThatCanNotBeSaved) {
     struct Choosy final : RecordSink {
         void save(URLClass &record) override {
             if (record.Reference_ID == 2)

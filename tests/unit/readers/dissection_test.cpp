@@ -5,7 +5,7 @@
 namespace nv {
 namespace {
 
-TEST(ParseURLFromRawURL, findsTheUrlBehindWhatLeadsIt) {
+TEST(ParseURLFromRawURL, findsTheUrlAfterWhatLeadsIt) {
     EXPECT_EQ(ParseURLFromRawURL("Visited: user@http://x/"), "http://x/");
     EXPECT_EQ(ParseURLFromRawURL(":2013031020130311: -@:Host: www.x.com"), "www.x.com");
     EXPECT_EQ(ParseURLFromRawURL("Visited: u@file:///C:/a"), "file:///C:/a");
@@ -46,7 +46,7 @@ TEST(ParseUserFromURL, findsNoneInShortTextsOrWithoutTheSign) {
     EXPECT_EQ(ParseUserFromURL("http://host/without/user"), "");
 }
 
-TEST(ParseUserFromURL, takesNoUserOfMoreThanThirtyCharactersBehindADateRange) {
+TEST(ParseUserFromURL, takesNoUserOfMoreThanThirtyCharactersAfterADateRange) {
     const std::string thirty(30, 'u');
     EXPECT_EQ(ParseUserFromURL(":2009010120090108: " + thirty + "@http://x/"), thirty);
     EXPECT_EQ(ParseUserFromURL(":2009010120090108: " + thirty + "u@http://x/"), "");

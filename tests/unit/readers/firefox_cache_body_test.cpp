@@ -102,7 +102,7 @@ TEST_F(FirefoxCacheBody, isWhatThereIsOfALongerOne) {
     URLClass &record = only({.key = "HTTP:http://host/", .body = std::string(100, 'x')});
     for (const std::int64_t size : {std::int64_t{0x10000}, std::int64_t{0xFFFFFFFF}}) {
         record.CacheFileSize = size;
-        // The 256 bytes of its block and the 512 of the metadata behind it.
+        // The 256 bytes of its block and the 512 of the metadata after it.
         EXPECT_THAT(bodyOf(record), SizeIs(256 + 512)) << size;
     }
     URLClass &separate =
@@ -120,9 +120,9 @@ TEST_F(FirefoxCacheBody, ofABlockFileHasALimit) {
     EXPECT_THAT(bodyOf(records()[0]), SizeIs(std::size_t{1} << 20));
 }
 
-TEST_F(FirefoxCacheBody, behindTheEndOfItsBlockFileIsNone) {
+TEST_F(FirefoxCacheBody, afterTheEndOfItsBlockFileIsNone) {
     URLClass &record = only({.key = "HTTP:http://host/", .body = "x"});
-    for (const std::int64_t offset : {std::int64_t{0x100000}, std::int64_t{0x1000FFFFFF}, // behind
+    for (const std::int64_t offset : {std::int64_t{0x100000}, std::int64_t{0x1000FFFFFF}, // after
                                       std::int64_t{-1}}) {
         record.DataBlockFileOffset = offset;
         EXPECT_EQ(bodyOf(record), "(none)") << offset;

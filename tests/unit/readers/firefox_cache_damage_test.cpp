@@ -162,7 +162,7 @@ TEST_F(FirefoxCacheDamage, ofTheCountOfBucketsIsToldByWhatCouldBeLost) {
     EXPECT_EQ(result.notReached, 8193u - 4u);
 }
 
-// What lies behind the last byte of the headers is slack.
+// What lies after the last byte of the headers is slack.
 TEST_F(FirefoxCacheDamage, ofABlockFileCutAtEveryByteIsSaid) {
     const fs::path map = cache.writeTo(folder.path() / "Cache");
     const std::size_t start = cache.metaDataOffset(3);

@@ -63,7 +63,7 @@ TEST_F(FirefoxCacheRecord, hasEveryFieldOfAnEntryInABlockFile) {
     EXPECT_EQ(record.CacheFileNameRecordOffset, 0u);
     EXPECT_EQ(record.MetaData, "request-method GET response-head HTTP/1.1 200 OK\r\n"
                                "Content-Type: text/html\r\n ");
-    EXPECT_FALSE(record.IsValidHTMLTagObject); // a query stands behind the extension
+    EXPECT_FALSE(record.IsValidHTMLTagObject); // a query stands after the extension
     EXPECT_FALSE(record.IsHistory || record.IsCookie || record.CacheFileRebuilt);
     EXPECT_EQ(record.HTMLBody + record.Notes + record.Category + record.CacheFileExt, "");
     EXPECT_THAT(messages(), IsEmpty());
@@ -110,7 +110,7 @@ TEST_F(FirefoxCacheRecord, losesTheClientBeforeAPlainUrlOnly) {
 TEST_F(FirefoxCacheRecord, hasAUrlWithoutTheClosingZero) {
     EXPECT_EQ(recordOf({.key = "HTTP:http://host/"}).URL, "http://host/");
     EXPECT_EQ(recordOf({.key = "HTTP:http://host/", .closingZero = false}).URL, "http://host/");
-    // A zero within would hide what stands behind it.
+    // A zero within would hide what stands after it.
     EXPECT_EQ(recordOf({.key = "HTTP:http://host/\0x"s}).URL, "http://host/ x");
 }
 

@@ -125,7 +125,7 @@ TEST_F(FirefoxCacheWalk, neverListsBucketZeroButCountsIt) {
     EXPECT_THAT(result.passedOver, ElementsAre(Pair("bucket 0", 1)));
 }
 
-TEST_F(FirefoxCacheWalk, listsTheBuckets1To8192AndCountsThoseBehind) {
+TEST_F(FirefoxCacheWalk, listsTheBuckets1To8192AndCountsThoseAfter) {
     FirefoxCache cache(FirefoxCache::kFirefox3, 8200);
     for (const std::uint32_t bucket : {1u, 8191u, 8192u, 8193u, 8199u})
         cache.addAt(bucket, {.key = fmt::format("HTTP:http://{}/", bucket)});

@@ -82,7 +82,7 @@ TEST_F(HistExSample, givesTheListedRecords) {
 
 // The mark of the second file holds "URL" without a blank. A walk from there would meet no record;
 // since only a signature counts as the first one, all of them are found.
-TEST_F(HistExSample, givesTheSameRecordsBehindTheMarkThatHoldsTheLettersOfASignature) {
+TEST_F(HistExSample, givesTheSameRecordsAfterTheMarkThatHoldsTheLettersOfASignature) {
     const IndexReading byName = read(kByName, HistoryFileType::histEx);
     const IndexReading byMark = read(kByMark, HistoryFileType::histExIndex);
     EXPECT_EQ(byMark.records().size(), expected.at("expected")

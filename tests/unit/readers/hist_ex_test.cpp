@@ -204,7 +204,7 @@ TEST(HistEx, countsRecordsThatAnotherOneSwallows) {
     EXPECT_THAT(reading.result.passedOver, ElementsAre(Pair(kInside, 2)));
 }
 
-TEST(HistEx, goesOnByOneBlockBehindARecordOfImpossibleLength) {
+TEST(HistEx, goesOnByOneBlockAfterARecordOfImpossibleLength) {
     for (const std::uint32_t blocks :
          {0U, 0xFFFFFFFFU, 0x80000000U, 0x7FFFFFFFU, 0x02000000U, 7U}) {
         SCOPED_TRACE(blocks);

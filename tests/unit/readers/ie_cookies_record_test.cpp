@@ -135,7 +135,7 @@ TEST(ParseIECookie, readsTheFirstAndTheLastDate) {
               Date::fromCivil({9999, 12, 31, 23, 59, 59}));
 }
 
-TEST(ParseIECookie, takesForTheUrlOnlyWhatStandsBehindTheAtSign) {
+TEST(ParseIECookie, takesForTheUrlOnlyWhatStandsAfterTheAtSign) {
     EXPECT_EQ(parsed("Cookie:user@example.com/a/").URL, "example.com/a/");
     EXPECT_EQ(parsed("Cookie:user@example.com/@home").URL, "home"); // cleaned at the second one
     EXPECT_EQ(parsed("@example.com/").URL, "example.com/");
@@ -144,7 +144,7 @@ TEST(ParseIECookie, takesForTheUrlOnlyWhatStandsBehindTheAtSign) {
     EXPECT_EQ(parsed("").URL, "");
 }
 
-TEST(ParseIECookie, cleansAndDecodesTheUrlBehindTheAtSign) {
+TEST(ParseIECookie, cleansAndDecodesTheUrlAfterTheAtSign) {
     const URLClass record = parsed("Cookie:user@~~local~~/http://host.example:8080/%E2%82%AC?");
     EXPECT_EQ(record.URL, "http://host.example:8080/\u20ac?");
     EXPECT_EQ(record.host, "host.example");

@@ -132,7 +132,7 @@ TEST(IEKind, readsFoldersOfEightCharactersEveryTwelveBytesUpToAnEmptyOne) {
     EXPECT_EQ(folderOf(bytes), "AAAAAAAA");
     bytes[record + 0x38] = 1;
     EXPECT_EQ(folderOf(bytes), "BBB");
-    bytes[record + 0x38] = 3; // behind the empty name
+    bytes[record + 0x38] = 3; // after the empty name
     EXPECT_EQ(folderOf(bytes), "");
 }
 

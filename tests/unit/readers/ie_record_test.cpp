@@ -173,7 +173,7 @@ TEST(ParseIEURL, readsTheThirdDateAsFileTimeOrElseAsDosDate) {
     EXPECT_EQ(createdOf(fileTime(2011, 6, 15, 12, 30, 0)), kSecond);
     EXPECT_EQ(createdOf(fileTime(1980, 1, 1)), Date::fromCivil({1980, 1, 1}));
     EXPECT_EQ(createdOf(test::dosDate(2011, 6, 15, 12, 30, 0)), kSecond);
-    // The four bytes behind a DOS date hold other data.
+    // The four bytes after a DOS date hold other data.
     EXPECT_EQ(createdOf(0x0000001200000000 + test::dosDate(2011, 6, 15, 12, 30, 0)), kSecond);
     EXPECT_FALSE(createdOf(0).has());
     EXPECT_FALSE(createdOf(0xFFFFFFFFFFFFFFFF).has());

@@ -96,7 +96,7 @@ TEST(IEWalk, passesOverARecordOfNoLength) {
         UnorderedElementsAre(Pair("record of no length or with a signature not in capitals", 1)));
 }
 
-TEST(IEWalk, endsAtARecordOutsideOfTheFileAndTellsWhatIsBehind) {
+TEST(IEWalk, endsAtARecordOutsideOfTheFileAndTellsWhatIsAfter) {
     IndexDat index;
     index.add(visit("http://one/"));
     index.entry(1, 0x0BADF00D);
@@ -125,7 +125,7 @@ TEST(IEWalk, takesOffsetsAsSigned) {
     EXPECT_THAT(reading.result.reason, HasSubstr("a record at -256,"));
 }
 
-TEST(IEWalk, goesOnBehindADamagedRecord) {
+TEST(IEWalk, goesOnAfterADamagedRecord) {
     IndexDat index;
     index.add(visit("http://one/"));
     const std::size_t bad = index.add(visit("http://two/"));
@@ -179,7 +179,7 @@ TEST(IEWalk, readsTheFirstTableOffsetBigEndianFromTheByteBeforeIt) {
     EXPECT_THAT(IndexReading().readBytes(bytes).records(), SizeIs(1));
 }
 
-TEST(IEWalk, stopsAfterTwoHundredAndOneTablesAndCountsWhatIsBehind) {
+TEST(IEWalk, stopsAfterTwoHundredAndOneTablesAndCountsWhatIsAfter) {
     IndexDat index(1, 0);
     for (int table = 0; table < 204; ++table) {
         index.add(visit("http://host/" + std::to_string(table)));

@@ -52,7 +52,7 @@ TEST(MacCacheDamage, byACutGivesNoRowsAndSaysSo) {
 TEST(MacCacheDamage, byACutOfTheBlocksIsTold) {
     const std::string whole = twoEntries().bytes();
     const std::size_t second = whole.find("NTRY", MacCache::kFirstBlock + 1);
-    // Here a file may end: between entries, and behind an opening that is empty.
+    // Here a file may end: between entries, and after an opening that is empty.
     const std::set<std::size_t> sound = {MacCache::kFirstBlock, MacCache::kFirstBlock + 8, second,
                                          second + 8, whole.size()};
     std::size_t before = 0;

@@ -134,7 +134,7 @@ TEST(MacCacheReader, callsRecordsOfDeletedSpaceDeleted) {
     EXPECT_EQ(reading.readBytes(cache.bytes()).records().at(0).Status, "Deleted");
 }
 
-TEST(MacCacheReader, goesOnAtTheMarkerBehindABodyWhateverItsLengthSays) {
+TEST(MacCacheReader, goesOnAtTheMarkerAfterABodyWhateverItsLengthSays) {
     MacCache cache;
     cache.block("NTRY", "");
     cache.block("URL ", "http://a/");

@@ -184,7 +184,7 @@ TEST(MorkDamage, nestingOfAnyDepthIsReadInOnePass) {
     }
 }
 
-TEST(MorkDamage, rowsBehindTheCapAreCounted) {
+TEST(MorkDamage, rowsAfterTheCapAreCounted) {
     std::string bytes = beforeTable() + "{1:^80 {(k^81:c)[1(^8C=LE)]}\n";
     for (std::size_t i = 0; i < limits::kMorkRows + 5; ++i)
         bytes += "[2(^8A=1)]\n";

@@ -191,7 +191,7 @@ TEST_F(MorkFile, keepsALaterDictionaryOfColumnsApartFromTheValues) {
     EXPECT_EQ(file.Values.Count(), 0U);
 }
 
-TEST_F(MorkFile, makesNoRowOfTheBlankBehindARow) {
+TEST_F(MorkFile, makesNoRowOfTheBlankAfterARow) {
     parse(MorkHistory().rawRow("[2(^8A=1)] ").rawRow("[] ").rawRow("[  ]"));
     EXPECT_EQ(rowIds(), (Strings{"1", "2"}));
 }

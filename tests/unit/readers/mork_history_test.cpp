@@ -172,7 +172,7 @@ TEST_F(MorkReader, dropsNoonAndMidnightAndCountsThem) {
                     .ActionDateUTC.has());
 }
 
-TEST_F(MorkReader, takesNoParametersBehindAMarkThatOpensOrEndsTheUrl) {
+TEST_F(MorkReader, takesNoParametersAfterAMarkThatOpensOrEndsTheUrl) {
     const auto parametersOf = [this](const char *url) {
         return onlyPage(MorkHistory().add({.url = url})).URLParameters;
     };

@@ -38,8 +38,8 @@ class MorkSample : public testing::Test {
 };
 
 // Two rows a file: the page, and the row of the byte order, which has no URL and is stored and
-// counted. The mark of the columns stands behind "< " here, as the browser writes it. The blank
-// behind the first row makes no third one.
+// counted. The mark of the columns stands after "< " here, as the browser writes it. The blank
+// after the first row makes no third one.
 TEST_F(MorkSample, givesTwoRowsForEachFile) {
     for (const json &scanned : expected.at("scan")) {
         test::SqliteHistoryReading reading;

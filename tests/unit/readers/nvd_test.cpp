@@ -120,7 +120,7 @@ TEST(Nvd, logsARecordThatIsTooShortForItsFields) {
     EXPECT_THAT(reading.log.entries[0].message, HasSubstr("record at 128"));
 }
 
-TEST(Nvd, goesOnBehindAnEntryThatLeadsOutOfTheFile) {
+TEST(Nvd, goesOnAfterAnEntryThatLeadsOutOfTheFile) {
     for (const auto &[offset, size] : std::vector<std::pair<std::uint32_t, std::uint32_t>>{
              {0xFFFFFFFF, 0x80}, {0x7FFFFFFF, 0x7FFFFFFF}, {0x80, 0x7FFFFFFF}}) {
         Nvd file;

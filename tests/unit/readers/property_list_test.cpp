@@ -35,7 +35,7 @@ std::string nested(int depth) {
     return xml;
 }
 
-TEST(PropertyLists, pairEachKeyWithTheElementBehindIt) {
+TEST(PropertyLists, pairEachKeyWithTheElementAfterIt) {
     EXPECT_EQ(valuesOf("<dict>\n <key>a</key>\n <string>1</string>\n <key></key>"
                        "<string>2</string></dict>"),
               "a=1;=2;");

@@ -279,7 +279,7 @@ TEST_F(SafariCacheTest, cancellingKeepsTheRowsSoFar) {
     EXPECT_TRUE(fs::is_empty(reading.scratch.path()));
 }
 
-TEST_F(SafariCacheTest, cancellingBehindTheLastRowIsToldToo) {
+TEST_F(SafariCacheTest, cancellingAfterTheLastRowIsToldToo) {
     SafariCache(file()).add({.id = 1}).add({.id = 2, .url = "http://b/"});
     test::CancelAfter task(3);
     reading.read(ParseSafariCacheFile, file(), task);

@@ -244,7 +244,7 @@ TEST_F(SafariHistoryTest, ofACutFileWholeEntriesAreKeptAndTheRestCounted) {
     }
 }
 
-TEST_F(SafariHistoryTest, damageAmidTheEntriesTellsHowManyLieBehindIt) {
+TEST_F(SafariHistoryTest, damageAmidTheEntriesTellsHowManyLieAfterIt) {
     SafariHistory history;
     for (const char *url : {"a", "b", "c", "d"})
         history.add({.url = url});

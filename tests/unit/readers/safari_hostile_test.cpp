@@ -16,7 +16,7 @@ using test::SafariCache;
 constexpr int kEntries = 12;
 constexpr int kPage = 512;
 
-/// A cache with small pages, whose bodies lie behind the headers and take several pages each.
+/// A cache with small pages, whose bodies lie after the headers and take several pages each.
 void makeCache(const fs::path &file, SafariCache::Version version = {}) {
     SafariCache cache(file, version, kPage);
     for (int id = 1; id <= kEntries; ++id) {

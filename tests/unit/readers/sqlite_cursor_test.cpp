@@ -92,7 +92,7 @@ TEST_F(SqliteCursor, isAtItsEndAtOnceInAnEmptyTable) {
     EXPECT_FALSE(result.lostRows);
 }
 
-TEST_F(SqliteCursor, goesOnBehindADamagedPage) {
+TEST_F(SqliteCursor, goesOnAfterADamagedPage) {
     table().run("CREATE INDEX i ON t(id)").close();
     std::string file = bytes();
     const auto pages = leaves(file);
@@ -159,7 +159,7 @@ TEST_F(SqliteCursor, throwsForTheContentOfAnUnreadableRow) {
 TEST_F(SqliteCursor, givesNoRowTwiceWhenPagesPointInCircles) {
     table().close();
     std::string file = bytes();
-    // The root holds the number of each page behind its first cells; let all of them be the first.
+    // The root holds the number of each page after its first cells; let all of them be the first.
     const auto pages = leaves(file);
     const std::size_t root = kPageSize;
     ASSERT_EQ(file[root], 5);

@@ -45,12 +45,12 @@ TEST(Replacement, tellsWhichOnesChangedSomething) {
               (std::vector<bool>{true, false, false, false}));
 }
 
-TEST(Replacement, takesBreaksBehindTheRuleAway) {
+TEST(Replacement, takesBreaksAfterTheRuleAway) {
     EXPECT_EQ(replacedEverywhere("src=\na.gif src=\ra.gif", {"src=", "a.gif", "1.gif"}),
               "src=1.gif src=1.gif");
 }
 
-TEST(Replacement, ofAShortValueDamagesALongerOneBehindIt) {
+TEST(Replacement, ofAShortValueDamagesALongerOneAfterIt) {
     const std::vector<Replacement> order = {{"src=", "a", "0000001"},
                                             {"src=", "a.gif", "0000002.gif"}};
     EXPECT_EQ(replacedInOrder("src=\"a.gif\" src=\"a\" ", order).text,

@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 
 class StyleSheetTest : public test::RebuildFixture {
   protected:
-    /// A picture as Internet Explorer keeps it, with a number behind its name.
+    /// A picture as Internet Explorer keeps it, with a number after its name.
     UrlId picture(const std::string &url, const std::string &content = "GIF89a") {
         const UrlId id = add(url, content);
         const std::string name(GetFilenameFromPath(url));

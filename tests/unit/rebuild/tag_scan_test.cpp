@@ -43,7 +43,7 @@ TEST(TagScan, findsAValueInQuotationMarks) {
     EXPECT_EQ(tag.TagFileName, "logo.gif");
     EXPECT_EQ(tag.TagType, "INLINE:SRC");
     EXPECT_EQ(tag.TagDefinition, "src=");
-    EXPECT_EQ(tag.FileOffset, 11u); // behind the quotation mark, 1-based
+    EXPECT_EQ(tag.FileOffset, 11u); // after the quotation mark, 1-based
     EXPECT_EQ(tag.PathLength, 18u);
     EXPECT_TRUE(tag.IsPicture);
     EXPECT_FALSE(tag.IsReplaceableHREFTag);
@@ -83,7 +83,7 @@ TEST(TagScan, closesAQuotedValueInAParenthesisAtOnce) {
     EXPECT_THAT(valuesIn("x{background:url('a/pic.gif') }"), IsEmpty());
 }
 
-TEST(TagScan, closesOnTheQuotationMarkBehindABlank) {
+TEST(TagScan, closesOnTheQuotationMarkAfterABlank) {
     const URLTags tags = scan("<img src= \"a/pic.gif\" >");
     ASSERT_EQ(tags.Count(), 1u);
     EXPECT_EQ(tags.Item(1).OriginalTag, " ");

@@ -133,7 +133,7 @@ TEST_F(TabularReportTest, evidenceBecomesNoMarkup) {
     }
 }
 
-TEST_F(TabularReportTest, theCaseTrailStandsBehindTheLegendOnRequest) {
+TEST_F(TabularReportTest, theCaseTrailStandsAfterTheLegendOnRequest) {
     addHistory("http://a.example/", 1);
     TrailEntry entry;
     entry.ActionDateUTC = Date::fromCivil({2011, 5, 1, 12, 0, 0});

@@ -48,7 +48,7 @@ TEST(FormatDate, readsTheWholeDayClockAsATimeOf24Hours) {
     EXPECT_EQ(formatDate(kEvening, "24:00"), "24:00");
 }
 
-TEST(FormatDate, takesMForMinutesRightBehindTheHoursOnly) {
+TEST(FormatDate, takesMForMinutesRightAfterTheHoursOnly) {
     EXPECT_EQ(morning("Hh:Mm:Ss"), "09:05:03");
     EXPECT_EQ(morning("h m"), "9 5");
     EXPECT_EQ(morning("Hh:Mm mm"), "09:05 09");

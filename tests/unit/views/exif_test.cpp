@@ -76,7 +76,7 @@ TEST_F(ExifTest, namesOfThePositionDontTakeOtherTagsOfTheirNumber) {
     EXPECT_EQ(value("GpsLatitudeRef", ExifJpeg().ascii(0x0001, "N").bytes()), "");
 }
 
-TEST_F(ExifTest, theBlockIsFoundBehindOtherSegmentsAndInTiffFiles) {
+TEST_F(ExifTest, theBlockIsFoundAfterOtherSegmentsAndInTiffFiles) {
     EXPECT_EQ(value("EquipMake", camera.bytes(40)), "Acme");
     EXPECT_EQ(value("EquipMake", camera.tiff()), "Acme");
 }

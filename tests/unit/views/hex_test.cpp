@@ -100,7 +100,7 @@ TEST_F(HexTest, bytesAreGivenAsDigits) {
         EXPECT_FALSE(needleOfBytes(wrong)) << wrong;
 }
 
-TEST_F(HexTest, aMatchAcrossTwoBlocksIsFoundAndTheSearchGoesOnBehindOne) {
+TEST_F(HexTest, aMatchAcrossTwoBlocksIsFoundAndTheSearchGoesOnAfterOne) {
     std::string bytes(std::size_t{4} << 20, '.');
     bytes.replace(bytes.size() - 2, 2, "se");
     bytes += "am..seam";

@@ -27,7 +27,7 @@ TEST(QueryBuilder, theFirstConditionBringsWhereAndOthersAnd) {
     EXPECT_EQ(builder.SQLText, "SELECT * FROM URLs where Visits > 3 AND Host =  'a'");
 }
 
-TEST(QueryBuilder, valuesBehindLikeAreWrappedUnlessTheyAreAPattern) {
+TEST(QueryBuilder, valuesAfterLikeAreWrappedUnlessTheyAreAPattern) {
     EXPECT_EQ(added("URL", "contains", " a "), " WHERE URL LIKE  '%a%'");
     EXPECT_EQ(added("URL", "contains", "a%"), " WHERE URL LIKE  'a%'");
     EXPECT_EQ(added("URL", "LIKE", "a"), " WHERE URL LIKE  '%a%'");

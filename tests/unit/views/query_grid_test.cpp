@@ -48,7 +48,7 @@ TEST(QueryGrid, operatorsBecomeSql) {
     EXPECT_EQ(condition(" Host ", " CONTAINS ", " a b "), "Host LIKE '%a b%'");
 }
 
-TEST(QueryGrid, aNumberBehindLikeStaysBare) {
+TEST(QueryGrid, aNumberAfterLikeStaysBare) {
     EXPECT_EQ(condition("URL", "contains", "15"), "URL LIKE 15");
     EXPECT_EQ(condition("URL", "contains", "-3.5"), "URL LIKE -3.5");
     EXPECT_EQ(condition("URL", "contains", "15a"), "URL LIKE '%15a%'");

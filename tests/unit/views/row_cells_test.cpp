@@ -138,7 +138,7 @@ TEST_F(RowCellsTest, numbersAndFlagsKeepTheirKind) {
         std::holds_alternative<std::monostate>(cells.machine(row(id), UrlColumn::ActionDateUtc)));
 }
 
-TEST_F(RowCellsTest, whatStandsBehindAZeroIsSeen) {
+TEST_F(RowCellsTest, whatStandsAfterAZeroIsSeen) {
     const auto id = add({{"URL", std::string("visible\0hidden", 14)}});
     EXPECT_EQ(text(id, UrlColumn::Value), "visible\u2400hidden");
     EXPECT_EQ(machine<std::string>(id, UrlColumn::Value), std::string("visible\0hidden", 14));
