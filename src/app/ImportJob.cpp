@@ -123,8 +123,8 @@ std::optional<HistoryFile> artefactOfCommandLine(const fs::path &path) {
     file.fileExt = toLower(textOf(path.extension())).substr(1);
     if (const auto hashes = hashesOfFile(path)) {
         file.FileSize = hashes->size;
-        file.MD5Hash = hashes->MD5;
-        file.SHA256Hash = hashes->SHA256;
+        file.MD5Hash = hashes->md5;
+        file.SHA256Hash = hashes->sha256;
     }
     return file;
 }

@@ -28,7 +28,7 @@ std::vector<std::string> storedPaths(const IniFile &settings, std::size_t count)
 std::string shortened(const std::string &path) {
     if (charCount(path) <= kLongestShown)
         return path;
-    const std::string_view name = GetFilenameFromPath(path);
+    const std::string_view name = getFilenameFromPath(path);
     const std::size_t left =
         kLongestShown > charCount(name) + 5 ? kLongestShown - charCount(name) - 4 : 1;
     return fmt::format("{}.../{}", charSub(path, 0, left), name);

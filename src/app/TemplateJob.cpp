@@ -56,7 +56,7 @@ Laid layOne(Program &program, RecordTools &tools, URLClass &page, const Layer &l
     if (program.thisClass.TemplateMatchByTitle &&
         !templateMatchesTitle(*layer.made, page.WebpageTitle))
         return Laid::otherTitle;
-    if (layer.made->records.Count() == 0)
+    if (layer.made->records.count() == 0)
         return Laid::noTemplate;
     return RebuildFromTemplate(page, layer.file, tools.context(), program.around.clock)
                ? Laid::rebuilt

@@ -81,8 +81,8 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
         entry.FilePath = textOf(name);
         if (const auto hashes = hashesOfFile(file)) {
             entry.FileSize = static_cast<std::int64_t>(hashes->size);
-            entry.MD5Hash = hashes->MD5;
-            entry.SHA256Hash = hashes->SHA256;
+            entry.MD5Hash = hashes->md5;
+            entry.SHA256Hash = hashes->sha256;
         }
     });
     noteInTrail(program, std::move(entry));

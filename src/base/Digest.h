@@ -34,8 +34,8 @@ class Digest {
 /// What tells whether a file is still the one that was examined: MD5 for comparing with other
 /// tools, SHA-256 since MD5s can be forged.
 struct FileHashes {
-    std::string MD5;
-    std::string SHA256;
+    std::string md5;
+    std::string sha256;
     std::uint64_t size = 0; ///< bytes that were hashed
 
     bool operator==(const FileHashes &) const = default;

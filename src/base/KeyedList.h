@@ -18,29 +18,29 @@ namespace nv {
 template <class Entry>
 class KeyedList {
   public:
-    void Clear() {
+    void clear() {
         m_entries.clear();
         m_keys.clear();
         m_places.clear();
     }
 
     /// An empty key adds the entry without one. Throws std::invalid_argument when the key is taken.
-    Entry &Add(Entry entry, std::string_view key = {}) {
+    Entry &add(Entry entry, std::string_view key = {}) {
         return insert(m_entries.size(), std::move(entry), key);
     }
     /// Throws std::out_of_range when there is no entry `position`.
-    Entry &AddBefore(std::size_t position, Entry entry, std::string_view key = {}) {
+    Entry &addBefore(std::size_t position, Entry entry, std::string_view key = {}) {
         return insert(checked(position), std::move(entry), key);
     }
-    Entry &AddAfter(std::size_t position, Entry entry, std::string_view key = {}) {
+    Entry &addAfter(std::size_t position, Entry entry, std::string_view key = {}) {
         return insert(checked(position) + 1, std::move(entry), key);
     }
 
-    Entry &Item(std::size_t position) { return m_entries[checked(position)]; }
-    const Entry &Item(std::size_t position) const { return m_entries[checked(position)]; }
+    Entry &item(std::size_t position) { return m_entries[checked(position)]; }
+    const Entry &item(std::size_t position) const { return m_entries[checked(position)]; }
     /// Throws std::out_of_range when there is no such key.
-    Entry &Item(std::string_view key) { return m_entries[checked(key)]; }
-    const Entry &Item(std::string_view key) const { return m_entries[checked(key)]; }
+    Entry &item(std::string_view key) { return m_entries[checked(key)]; }
+    const Entry &item(std::string_view key) const { return m_entries[checked(key)]; }
 
     /// The 1-based position of the key's entry.
     std::optional<std::size_t> positionOf(std::string_view key) const {
@@ -50,10 +50,10 @@ class KeyedList {
         return found->second + 1;
     }
 
-    std::size_t Count() const { return m_entries.size(); }
+    std::size_t count() const { return m_entries.size(); }
 
-    void Remove(std::size_t position) { erase(checked(position)); }
-    void Remove(std::string_view key) { erase(checked(key)); }
+    void remove(std::size_t position) { erase(checked(position)); }
+    void remove(std::string_view key) { erase(checked(key)); }
 
     auto begin() { return m_entries.begin(); }
     auto end() { return m_entries.end(); }

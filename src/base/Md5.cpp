@@ -12,7 +12,7 @@ std::string md5Hex(std::string_view bytes) {
     return hash.takeHex();
 }
 
-std::optional<std::string> FileMD5(const std::filesystem::path &path,
+std::optional<std::string> fileMD5(const std::filesystem::path &path,
                                    const std::function<bool(std::uint64_t)> &goOn) {
     Digest hash(DigestAlgorithm::md5);
     const bool whole = readInBlocks(path, [&](std::string_view block, std::uint64_t readSoFar) {

@@ -22,7 +22,7 @@ constexpr bool isLetterOrDigit(char c) {
     return (c >= '0' && c <= '9') || (lower(c) >= 'a' && lower(c) <= 'z');
 }
 
-/// `GetFileExtension` looks no further back than this.
+/// `getFileExtension` looks no further back than this.
 constexpr std::size_t kExtensionWindow = 7;
 constexpr std::size_t kShortestPathWithExtension = 6;
 
@@ -96,7 +96,7 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
     }
 }
 
-std::string GetFileExtension(std::string_view path) {
+std::string getFileExtension(std::string_view path) {
     // A character has four bytes at most: the rest of a long path needs no counting.
     if (charCount(path.substr(0, 4 * kShortestPathWithExtension)) < kShortestPathWithExtension)
         return {};
@@ -135,12 +135,12 @@ std::size_t editDistance(std::string_view one, std::string_view other) {
     return row.back();
 }
 
-std::string_view GetFilenameFromPath(std::string_view path) {
+std::string_view getFilenameFromPath(std::string_view path) {
     const std::size_t slash = path.find_last_of("/\\");
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
-std::string BytesToString(ByteView bytes, std::uint64_t start, std::uint64_t length,
+std::string bytesToString(ByteView bytes, std::uint64_t start, std::uint64_t length,
                           bool stopAtZero, bool zeroToSpace) {
     ByteView part = spanFrom(bytes, start, length);
     if (stopAtZero)
@@ -151,7 +151,7 @@ std::string BytesToString(ByteView bytes, std::uint64_t start, std::uint64_t len
     return text;
 }
 
-std::string BytesToHex(ByteView bytes, std::uint64_t start, std::uint64_t length, bool stopAtZero) {
+std::string bytesToHex(ByteView bytes, std::uint64_t start, std::uint64_t length, bool stopAtZero) {
     constexpr std::string_view kDigits = "0123456789ABCDEF";
     ByteView part = spanFrom(bytes, start, length);
     if (stopAtZero)
@@ -166,12 +166,12 @@ std::string BytesToHex(ByteView bytes, std::uint64_t start, std::uint64_t length
     return hex;
 }
 
-Bytes ReverseBytes(ByteView bytes) {
+Bytes reverseBytes(ByteView bytes) {
     const std::string_view raw = bytes.raw();
     return {raw.rbegin(), raw.rend()};
 }
 
-ByteView ByteSlice(ByteView bytes, std::uint64_t start, std::uint64_t count) {
+ByteView byteSlice(ByteView bytes, std::uint64_t start, std::uint64_t count) {
     return bytes.sub(start, count);
 }
 

@@ -57,20 +57,20 @@ std::string_view charSub(std::string_view text, std::size_t first,
 /// Lower-case extension of 1 to 6 ASCII letters or digits, without the point; empty when there is
 /// none. A path of fewer than 6 characters has none, and neither has one with a query after it:
 /// rebuilding and categorising depend on both.
-std::string GetFileExtension(std::string_view path);
+std::string getFileExtension(std::string_view path);
 /// What stands after the last "/" or "\".
-std::string_view GetFilenameFromPath(std::string_view path);
+std::string_view getFilenameFromPath(std::string_view path);
 
 // Byte helpers that all readers share; positions are 0-based.
 
 /// Windows-1252 text from `start`. Length 0 means up to the end of the bytes; with `zeroToSpace`
 /// (that form only) a zero byte becomes a blank.
-std::string BytesToString(ByteView bytes, std::uint64_t start, std::uint64_t length,
+std::string bytesToString(ByteView bytes, std::uint64_t start, std::uint64_t length,
                           bool stopAtZero, bool zeroToSpace = false);
 /// Two upper-case hexadecimal digits a byte, in file order.
-std::string BytesToHex(ByteView bytes, std::uint64_t start, std::uint64_t length,
+std::string bytesToHex(ByteView bytes, std::uint64_t start, std::uint64_t length,
                        bool stopAtZero = false);
-Bytes ReverseBytes(ByteView bytes);
-ByteView ByteSlice(ByteView bytes, std::uint64_t start, std::uint64_t count);
+Bytes reverseBytes(ByteView bytes);
+ByteView byteSlice(ByteView bytes, std::uint64_t start, std::uint64_t count);
 
 } // namespace nv

@@ -77,7 +77,7 @@ Exit run(Session &session, const Arguments &arguments) {
     }
     writeContent(session, *content, arguments.file);
     session.err << fmt::format("{}, MD5 {}{}\n", counted(fs::file_size(*content), "byte"),
-                               FileMD5(*content).value_or(""),
+                               fileMD5(*content).value_or(""),
                                record.GZipEncoded ? ", unpacked" : "");
     return Exit::ok;
 }

@@ -120,7 +120,7 @@ Gallery galleryOf(Session &session, const Arguments &arguments) {
 /// What was asked for, so that a printed sheet says what it leaves out.
 std::vector<std::string> linesOf(const Gallery &gallery, const Arguments &arguments) {
     std::vector<std::string> lines{fmt::format("Page {}, {} of {} pictures and pages",
-                                               gallery.pageText(), gallery.gallery().Tiles.Count(),
+                                               gallery.pageText(), gallery.gallery().Tiles.count(),
                                                gallery.rowCount())};
     if (const UnreadRows unread = gallery.unread(); !unread.empty())
         lines.push_back(noteOf(unread));
@@ -138,10 +138,10 @@ std::vector<std::string> linesOf(const Gallery &gallery, const Arguments &argume
 }
 
 void drawSheet(Session &session, const ContactSheet &sheet, const fs::path &target) {
-    if (sheet.tiles.Count() > kMostSheetTiles)
+    if (sheet.tiles.count() > kMostSheetTiles)
         throw UsageError(fmt::format("{} tiles are too many for a picture: ask for {} with "
                                      "--per-page, or for *.html",
-                                     sheet.tiles.Count(), kMostSheetTiles));
+                                     sheet.tiles.count(), kMostSheetTiles));
     drawContactSheet(sheet, *makeDrawing(session.scratch()), session.scratch(), target);
 }
 
@@ -185,7 +185,7 @@ Exit run(Session &session, const Arguments &arguments) {
             fmt::format("the gallery can't be shown; see \"{}\"", textOf(program.log.path())));
     writeSheet(session, gallery, arguments);
     session.out << fmt::format("page {}, {} of {} pictures and pages\n", gallery.pageText(),
-                               gallery.gallery().Tiles.Count(), gallery.rowCount());
+                               gallery.gallery().Tiles.count(), gallery.rowCount());
     if (gallery.rowCount() == 0)
         session.err << "no row that was asked for has a thumbnail; the command thumbnails draws "
                        "them\n";

@@ -196,7 +196,7 @@ ScanResult scanPath(Session &session, const Arguments &arguments, const fs::path
 }
 
 void tellUnknown(Session &session, const fs::path &path, const ScanResult &found) {
-    const bool nothing = found.HistoryFiles.Count() == 0 && found.gaps.unreadable.empty();
+    const bool nothing = found.HistoryFiles.count() == 0 && found.gaps.unreadable.empty();
     // Whoever names a file expects it to be read.
     if (fs::is_regular_file(path) && nothing && !found.cancelled)
         session.err << fmt::format(
@@ -209,13 +209,13 @@ void tellUnknown(Session &session, const fs::path &path, const ScanResult &found
 bool findArtefacts(Session &session, const Arguments &arguments, const ScanGaps &gaps) {
     ImportClass &job = session.program.import;
     const std::set<std::string_view> kinds(arguments.kinds.begin(), arguments.kinds.end());
-    job.HistoryFiles.Clear();
+    job.HistoryFiles.clear();
     job.gaps = gaps;
     for (const std::string &path : arguments.paths) {
         const ScanResult found = scanPath(session, arguments, fs::canonical(path));
         for (const HistoryFile &file : found.HistoryFiles)
             if (isWanted(file, kinds))
-                job.HistoryFiles.Add(file);
+                job.HistoryFiles.add(file);
         job.gaps.add(found.gaps);
         tellUnknown(session, path, found);
         if (found.cancelled)

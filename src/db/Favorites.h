@@ -27,13 +27,13 @@ struct FavoriteClass {
 /// since the format of "favorites.ini" isn't settled.
 class Favorites : public KeyedList<FavoriteClass> {
   public:
-    using KeyedList::Add;
+    using KeyedList::add;
     /// By its members, with a key at the end; an empty key adds the entry without one.
     FavoriteClass &Add(std::string QueryDescription, bool Protected, std::int16_t MaskValue,
                        std::int32_t QUERY_ID, std::int16_t Index, std::string QueryDefinition,
                        std::string INIFilePath, std::string Locale, std::string FavoriteName,
                        std::string_view key = {}) {
-        return Add(FavoriteClass{std::move(QueryDescription), Protected, MaskValue, QUERY_ID, Index,
+        return add(FavoriteClass{std::move(QueryDescription), Protected, MaskValue, QUERY_ID, Index,
                                  std::move(QueryDefinition), std::move(INIFilePath),
                                  std::move(Locale), std::move(FavoriteName)},
                    key);

@@ -35,7 +35,7 @@ bool mayBeFileName(std::string_view tail) {
 /// What stands after the last slash; nothing without one, as with a cookie's host.
 std::string_view tailOf(std::string_view url) {
     return url.find_first_of("/\\") == std::string_view::npos ? std::string_view()
-                                                              : GetFilenameFromPath(url);
+                                                              : getFilenameFromPath(url);
 }
 
 /// A tail that ends as host names do gives neither a name nor an extension, and takes a reader's
@@ -43,7 +43,7 @@ std::string_view tailOf(std::string_view url) {
 /// cookie's.
 void nameFromUrl(URLClass &record) {
     const std::string_view tail = tailOf(record.URL);
-    const std::string extension = GetFileExtension(record.URL);
+    const std::string extension = getFileExtension(record.URL);
     const bool isHost = isOneOf(extension, kHostEndings);
     if (isHost && !tail.empty())
         record.URLFileName.clear();

@@ -48,8 +48,8 @@ std::optional<FileHashes> hashesOfFolder(const Evidence &evidence, const fs::pat
         if (!hashes)
             return std::nullopt;
         const std::string name = file.lexically_relative(folder).native();
-        md5.add(fmt::format("{}  {}\n", hashes->MD5, name));
-        sha256.add(fmt::format("{}  {}\n", hashes->SHA256, name));
+        md5.add(fmt::format("{}  {}\n", hashes->md5, name));
+        sha256.add(fmt::format("{}  {}\n", hashes->sha256, name));
         size += hashes->size;
     }
     if (!goOn(size)) // a folder without files is told as well

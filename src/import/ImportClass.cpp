@@ -62,10 +62,10 @@ std::string maskText(const ImportClass &job, Formats formats) {
 }
 
 void removeFile(HistoryFiles &files, const std::filesystem::path &path, HistoryFileType type) {
-    for (std::size_t position = files.Count(); position > 0; --position) {
-        const HistoryFile &file = files.Item(position);
+    for (std::size_t position = files.count(); position > 0; --position) {
+        const HistoryFile &file = files.item(position);
         if (file.FullPath == path && file.HistoryFileType == type)
-            files.Remove(position);
+            files.remove(position);
     }
 }
 

@@ -137,8 +137,8 @@ class Import {
         for (const HistoryFile &file : m_files)
             total += weightOf(file);
         double done = 0;
-        for (std::size_t i = 0; i < m_files.Count() && !m_summary.cancelled; ++i) {
-            HistoryFile &file = m_files.Item(i + 1);
+        for (std::size_t i = 0; i < m_files.count() && !m_summary.cancelled; ++i) {
+            HistoryFile &file = m_files.item(i + 1);
             const double from = done / total;
             done += weightOf(file);
             if (m_run.task.advance(from))
@@ -155,12 +155,12 @@ class Import {
     /// Where the project stood at the last commit.
     void note() {
         m_finishedKept = m_finished;
-        m_rowsKept = m_finished < m_files.Count() ? m_summary.artefacts[m_finished].rowsSaved : 0;
+        m_rowsKept = m_finished < m_files.count() ? m_summary.artefacts[m_finished].rowsSaved : 0;
     }
 
     /// Takes out of the summary what the project gave up with its last batch.
     void takeBack() {
-        for (std::size_t i = m_finishedKept; i < m_files.Count(); ++i) {
+        for (std::size_t i = m_finishedKept; i < m_files.count(); ++i) {
             ArtefactResult &result = m_summary.artefacts[i];
             const std::uint64_t kept = i == m_finishedKept ? m_rowsKept : 0;
             const bool isWhole = result.state == ArtefactState::complete;
@@ -288,7 +288,7 @@ ImportSummary nothingReached(const ImportRun &run, const HistoryFiles &files) {
 
 ImportSummary runImport(const ImportRun &run, ImportClass &job) {
     if (job.CancelImport)
-        job.HistoryFiles.Clear();
+        job.HistoryFiles.clear();
     ImportSummary summary = nothingReached(run, job.HistoryFiles);
     summary.gaps = job.gaps;
     summary.cancelled = job.CancelImport;

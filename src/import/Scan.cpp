@@ -28,7 +28,7 @@ HistoryFile describe(const fs::path &file, const Reader &reader) {
     HistoryFile artefact;
     artefact.FullPath = file;
     artefact.FileName = textOf(file.filename());
-    artefact.fileExt = GetFileExtension(textOf(file));
+    artefact.fileExt = getFileExtension(textOf(file));
     artefact.FileParentPath = textOf(file.parent_path());
     artefact.HistoryFileType = reader.type;
     artefact.Version = reader.version;
@@ -133,9 +133,9 @@ class Scan {
         if (!hashes)
             return; // cancelled: without its hash it can't be told from another file
         artefact.FileSize = hashes->size;
-        artefact.MD5Hash = hashes->MD5;
-        artefact.SHA256Hash = hashes->SHA256;
-        m_result.HistoryFiles.Add(std::move(artefact));
+        artefact.MD5Hash = hashes->md5;
+        artefact.SHA256Hash = hashes->sha256;
+        m_result.HistoryFiles.add(std::move(artefact));
     }
 
     /// A folder or file that can't be read is logged and noted, and the scan goes on.

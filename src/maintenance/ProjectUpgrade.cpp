@@ -129,8 +129,8 @@ std::optional<TrailEntry> upgradeEntry(const ProjectLock &lock, const fs::path &
         fmt::format("{} rows moved into a new project; the file is the old one", entry.RowCount);
     entry.FilePath = textOf(project) + ".old";
     entry.FileSize = static_cast<std::int64_t>(hashes->size);
-    entry.MD5Hash = hashes->MD5;
-    entry.SHA256Hash = hashes->SHA256;
+    entry.MD5Hash = hashes->md5;
+    entry.SHA256Hash = hashes->sha256;
     return entry;
 }
 

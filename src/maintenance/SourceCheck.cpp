@@ -102,8 +102,8 @@ bool compare(CheckedSource &source, const FileReader &file, const std::function<
     if (!now)
         return false;
     source.sizeNow = static_cast<std::int64_t>(now->size);
-    source.MD5Now = now->MD5;
-    source.SHA256Now = now->SHA256;
+    source.MD5Now = now->md5;
+    source.SHA256Now = now->sha256;
     source.state = stateOf(source);
     return true;
 }

@@ -25,7 +25,7 @@ Candidate candidateOf(const std::filesystem::path &file, const Evidence &evidenc
     candidate.file = file;
     candidate.name = toLower(textOf(file.filename()));
     candidate.path = toLower(replaceAll(textOf(file), "\\", "/"));
-    candidate.extension = GetFileExtension(candidate.path);
+    candidate.extension = getFileExtension(candidate.path);
     return candidate;
 }
 

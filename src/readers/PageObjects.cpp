@@ -28,7 +28,7 @@ void setPageObjects(URLClass &record) {
     const auto isAmong = [](const auto &list, const std::string &extension) {
         return std::ranges::find(list, extension) != list.end();
     };
-    record.IsValidHTMLTagObject = isAmong(kTagExtensions, GetFileExtension(record.URL));
+    record.IsValidHTMLTagObject = isAmong(kTagExtensions, getFileExtension(record.URL));
     record.IsValidHTMLPictureObject = isAmong(kPictureExtensions, endingOf(record.URL));
 }
 

@@ -102,7 +102,7 @@ bool create(const fs::path &folder, URLClass &page, const RebuildContext &ctx) {
 
 /// A name as a file of the folder, whatever folders it names.
 fs::path plainName(std::string_view name) {
-    const std::string plain(GetFilenameFromPath(name));
+    const std::string plain(getFilenameFromPath(name));
     if (plain.empty() || plain == "." || plain == "..")
         throw std::runtime_error("an archive holds a file without a name");
     return plain;
@@ -123,7 +123,7 @@ bool unpack(URLClass &page, const RebuildContext &ctx) {
             page.CacheFileRebuiltBLOB = stored->CacheFileRebuiltBLOB;
     const ByteView archive(page.CacheFileRebuiltBLOB);
     const ArchiveClass items = readArchive(archive);
-    if (items.FileItems.Count() == 0)
+    if (items.FileItems.count() == 0)
         return false;
     checkTotal(items, archive.size());
     const fs::path folder = rebuildFolderOf(page.URLID, ctx);
@@ -156,7 +156,7 @@ ArchiveClass readArchive(ByteView archive) {
         item.FileNameOffset = entry.u32le(8);
         item.FileNameSize = entry.u32le(12);
         item.FileName = fromAnsi(archive.sub(item.FileNameOffset, item.FileNameSize));
-        items.FileItems.Add(std::move(item));
+        items.FileItems.add(std::move(item));
     }
     return items;
 }

@@ -86,7 +86,7 @@ std::size_t FindTagsInFile(const URLClass &page, PageSource &source, const Rebui
         showStep(ctx, "Reconciling", 66);
         storeTags(page, tags, ctx);
         showStep(ctx, "Reconciling", 100);
-        return tags.Count();
+        return tags.count();
     });
 }
 

@@ -102,7 +102,7 @@ class Harvest {
         if (!fs::exists(target))
             if (const auto content = contentOf(*part, m_ctx.extraction()))
                 copyToScratch(*content, target);
-        if (GetFileExtension(line.OriginalTag) == "css" && !isPage(target) && fs::exists(target))
+        if (getFileExtension(line.OriginalTag) == "css" && !isPage(target) && fs::exists(target))
             m_sheetPictures = FindReplaceCSSTags(target, *part, m_ctx, m_sheetPictures);
         copyAsNamed(line, target);
     }
@@ -110,7 +110,7 @@ class Harvest {
     /// A part that a template has brought from another project lies in the page's archive only.
     void takeStored(const Substitution &line) {
         const bool isName = line.NewTag != line.OriginalTag && !line.NewTag.empty() &&
-                            GetFilenameFromPath(line.NewTag) == line.NewTag;
+                            getFilenameFromPath(line.NewTag) == line.NewTag;
         const fs::path target = m_folder / line.NewTag;
         if (!isName || m_page.CacheFileRebuiltBLOB.empty() || isPage(target))
             return;
@@ -127,7 +127,7 @@ class Harvest {
     /// A page of Internet Explorer names its part by the extension of the cached file, which may be
     /// another one than its URL has: the part then lies there under both names.
     void copyAsNamed(const Substitution &line, const fs::path &target) {
-        const std::string named = localNameOf(UrlId{line.TagURLID}, GetFileExtension(line.NewTag));
+        const std::string named = localNameOf(UrlId{line.TagURLID}, getFileExtension(line.NewTag));
         if (named == line.NewTag && named != target.filename() && !isPage(m_folder / named) &&
             fs::exists(target))
             copyToScratch(target, m_folder / named);

@@ -63,7 +63,7 @@ std::string newValueOf(const TagRow &tag, bool byUrl, const RebuildContext &ctx)
     if (byUrl && tag.TagURLID <= 0)
         return tag.OriginalTag;
     const std::string extension =
-        byUrl ? extensionOf(tag.TagURLID, ctx) : GetFileExtension(tag.NewTag);
+        byUrl ? extensionOf(tag.TagURLID, ctx) : getFileExtension(tag.NewTag);
     const std::string name = localNameOf(UrlId{tag.TagURLID}, extension);
     return name.starts_with(kNoRecord) ? tag.OriginalTag : name;
 }

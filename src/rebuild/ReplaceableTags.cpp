@@ -30,7 +30,7 @@ bool IsReplaceablePicture(std::string_view tag, std::string_view list) {
 }
 
 bool IsReplaceableHREF(std::string_view tag, std::string_view list) {
-    return charCount(tag) > kCharsOfExtension && isListed(GetFileExtension(tag), list);
+    return charCount(tag) > kCharsOfExtension && isListed(getFileExtension(tag), list);
 }
 
 } // namespace nv

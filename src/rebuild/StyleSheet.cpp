@@ -73,10 +73,10 @@ class SheetRewriting {
     void replacePicture(std::string &line, std::size_t open) {
         const std::string inner =
             withoutQuotes(std::string_view(line).substr(open, m_close - open - 1));
-        const std::string extension = GetFileExtension(fromAnsi(inner));
+        const std::string extension = getFileExtension(fromAnsi(inner));
         if (std::ranges::find(kPictures, extension) == kPictures.end() || isFull())
             return;
-        const auto id = pictureOf(std::string(GetFilenameFromPath(fromAnsi(inner))), extension);
+        const auto id = pictureOf(std::string(getFilenameFromPath(fromAnsi(inner))), extension);
         auto picture = id ? m_ctx.records.GetURL(*id) : std::nullopt;
         if (!picture)
             return;

@@ -78,7 +78,7 @@ bool endsWithNoCase(std::string_view text, std::string_view end) {
 bool isPickedById(const TagRow &tag, std::string_view pageURL) {
     if (pageURL.empty())
         return false; // nothing is found in an empty text, not even an empty one
-    const std::string_view name = GetFilenameFromPath(trim(tag.OriginalTag));
+    const std::string_view name = getFilenameFromPath(trim(tag.OriginalTag));
     const std::string sans(trim(tag.TagSansParentPaths));
     const std::string line = replaceAll(replaceAll(sans, "\n", ""), "\r", "");
     const std::string tail = sans.find('/') == std::string::npos ? "/" + sans : sans;

@@ -68,7 +68,7 @@ class RuleScan {
     char at(std::size_t position) const { return m_text[position - 1]; }
 
     void takeHit() {
-        URLTag &tag = m_tags.Add({});
+        URLTag &tag = m_tags.add({});
         for (std::size_t idx = m_pos + m_rule.TagDefinition.size();; ++idx) {
             if (idx >= m_text.size()) {
                 m_pos = 0;
@@ -92,7 +92,7 @@ class RuleScan {
         const std::string_view raw = m_text.substr(begin - 1, end - begin);
         const bool mustBeStyleSheet =
             m_rule.CollectionIndex == kHref || m_rule.CollectionIndex == kScriptedHref;
-        if (mustBeStyleSheet && GetFileExtension(fromAnsi(raw)) != "css") {
+        if (mustBeStyleSheet && getFileExtension(fromAnsi(raw)) != "css") {
             m_pos = begin;
             return dropLast();
         }
@@ -118,7 +118,7 @@ class RuleScan {
             dropLast();
     }
 
-    void dropLast() { m_tags.Remove(m_tags.Count()); }
+    void dropLast() { m_tags.remove(m_tags.count()); }
 
     std::string_view m_text;
     const URLTagDef &m_rule;
@@ -180,7 +180,7 @@ std::optional<URLTags> scanTags(std::string_view text, const ReplaceableLists &l
                                 TaskMonitor &task) {
     URLTags tags;
     const URLTagDefs rules = urlTagDefs();
-    const auto count = static_cast<double>(rules.Count());
+    const auto count = static_cast<double>(rules.count());
     double done = 0;
     for (const URLTagDef &rule : rules) {
         if (!RuleScan(text, rule, lists, tags).run(task, done / count, (done + 1) / count))
@@ -192,10 +192,10 @@ std::optional<URLTags> scanTags(std::string_view text, const ReplaceableLists &l
 
 URLTags reconcileTags(const URLTags &tags) {
     Kinds kinds(tags);
-    std::size_t left = tags.Count();
+    std::size_t left = tags.count();
     std::size_t place = 0;
     const auto toNext = [&] {
-        while (place < tags.Count() && !kinds.isThere(place))
+        while (place < tags.count() && !kinds.isThere(place))
             ++place;
     };
     for (std::size_t i = 1; i < left; ++i, ++place) {
@@ -206,9 +206,9 @@ URLTags reconcileTags(const URLTags &tags) {
                   // at
     }
     URLTags reconciled;
-    for (std::size_t at = 0; at < tags.Count(); ++at)
+    for (std::size_t at = 0; at < tags.count(); ++at)
         if (kinds.isThere(at))
-            reconciled.Add(tags.Item(at + 1));
+            reconciled.add(tags.item(at + 1));
     return reconciled;
 }
 

@@ -42,7 +42,7 @@ std::string header(std::string_view version) {
 std::string partNameOf(const TemplateRecord &record) {
     return record.TagID == 0 ? record.FileName
                              : fmt::format("{}.{}", sidOf(UrlId{record.TagID}),
-                                           GetFileExtension(record.FileName));
+                                           getFileExtension(record.FileName));
 }
 
 std::string hashSection(const TemplateRecordsCollection &records) {
@@ -76,7 +76,7 @@ void addRecord(TemplateClass &made, std::string_view piece, ByteView bytes) {
     record.FileName = fields[2];
     record.recordOffset = static_cast<std::uint32_t>(offset);
     record.RecordSize = static_cast<std::uint32_t>(size);
-    made.records.Add(std::move(record));
+    made.records.add(std::move(record));
 }
 
 } // namespace
@@ -87,7 +87,7 @@ std::string templateBytes(TemplateRecordsCollection &records, std::string_view W
     for (TemplateRecord &record : records) {
         const Bytes content = readWhole(record.FilePath);
         // The page comes first; what it is called there doesn't depend on its id in this project.
-        const bool isPage = &record == &records.Item(1);
+        const bool isPage = &record == &records.item(1);
         record.NewTagRelativePath = isPage ? std::string(kTemplatePage) : partNameOf(record);
         record.recordOffset = static_cast<std::uint32_t>(bytes.size());
         record.RecordSize = static_cast<std::uint32_t>(content.size());

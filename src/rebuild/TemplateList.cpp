@@ -35,7 +35,7 @@ void readIndex(TemplateRow &row) {
     const Bytes bytes = readWhole(row.file);
     const TemplateClass made = readTemplate(ByteView(bytes));
     row.WebpageTitle = made.WebpageTitle;
-    row.files = made.records.Count();
+    row.files = made.records.count();
 }
 
 } // namespace

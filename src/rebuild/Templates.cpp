@@ -43,7 +43,7 @@ TemplateRecordsCollection recordsOf(const URLClass &page, const fs::path &folder
     TemplateRecord html;
     html.FileName = pageNameOf(page.URLID);
     html.FilePath = folder / html.FileName;
-    records.Add(html);
+    records.add(html);
     for (const Substitution &part : harvestedParts(folder)) {
         TemplateRecord record;
         record.TagID = part.TagURLID;
@@ -51,7 +51,7 @@ TemplateRecordsCollection recordsOf(const URLClass &page, const fs::path &folder
         record.FileName = part.NewTag;
         record.FilePath = folder / part.NewTag;
         if (!part.NewTag.empty() && fs::is_regular_file(record.FilePath))
-            records.Add(std::move(record));
+            records.add(std::move(record));
     }
     return records;
 }
@@ -59,7 +59,7 @@ TemplateRecordsCollection recordsOf(const URLClass &page, const fs::path &folder
 /// The name of a record's file in a folder: never a path, and "0000017." is the name of a part
 /// without an extension.
 std::string plainNameOf(const TemplateRecord &record) {
-    std::string name(GetFilenameFromPath(record.FileName));
+    std::string name(getFilenameFromPath(record.FileName));
     while (name.ends_with('.'))
         name.pop_back();
     if (name.empty())
@@ -73,7 +73,7 @@ bool isSamePart(const TemplateRecord &record, ByteView content, const RebuildCon
     if (!part)
         return false;
     const auto file = contentOf(*part, ctx.extraction());
-    return file && FileMD5(*file) == md5Hex(content.raw());
+    return file && fileMD5(*file) == md5Hex(content.raw());
 }
 
 /// Writes the files of one template into a folder.
@@ -131,7 +131,7 @@ class Unpacking {
 
     /// As a later harvest of the part's record would name it.
     static std::string harvestedName(const TemplateRecord &record, std::string_view name) {
-        return localNameOf(UrlId{record.TagID}, GetFileExtension(name));
+        return localNameOf(UrlId{record.TagID}, getFileExtension(name));
     }
 
     /// Names that differ in case only are one on other systems.
@@ -177,7 +177,7 @@ bool applyTemplate(URLClass &page, const fs::path &file, const RebuildContext &c
                    const Clock &clock) {
     const Bytes bytes = readWhole(file);
     const TemplateClass made = readTemplate(ByteView(bytes));
-    if (made.records.Count() == 0)
+    if (made.records.count() == 0)
         return false;
     const fs::path folder = rebuildFolderOf(page.URLID, ctx);
     const std::string pageName = pageNameOf(page.URLID);

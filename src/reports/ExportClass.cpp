@@ -63,7 +63,7 @@ SelectedColumns columnsFromString(std::string_view ColumnsAsString) {
             column.DefaultColWidth = factsOf(*known).widthTwips;
             column.SQLOrdinalIndex = static_cast<int>(indexOf(*known));
         }
-        columns.Add(column, column.KeyName);
+        columns.add(column, column.KeyName);
     }
     return columns;
 }

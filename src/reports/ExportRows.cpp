@@ -26,9 +26,9 @@ std::vector<ExportColumn> columnsOf(const ExportClass &job) {
 }
 
 void selectAll(ExportClass &job, const UrlTable &table) {
-    job.SelectedURLs.Clear();
+    job.SelectedURLs.clear();
     for (std::size_t row = 1; row <= table.rowCount(); ++row)
-        job.SelectedURLs.Add({row});
+        job.SelectedURLs.add({row});
 }
 
 std::unique_ptr<ExportWriter> makeWriter(ExportClass &job, const std::filesystem::path &scratch) {
@@ -85,7 +85,7 @@ ExportEnd exportRows(ExportClass &job, UrlTable &table, const std::filesystem::p
     const auto writer = makeWriter(job, scratch);
     ExportCells cells(table);
     writer->begin(columns);
-    const std::size_t total = job.SelectedURLs.Count();
+    const std::size_t total = job.SelectedURLs.count();
     for (const RowClass &row : job.SelectedURLs) {
         if (!task.advance(static_cast<double>(job.counts.rows) / static_cast<double>(total))) {
             job.ExportText.clear();
@@ -108,12 +108,12 @@ void selectTagged(ExportClass &job, const UrlTable &table, SQLite::Database &pro
     SQLite::Statement ids(project, "SELECT URL_ID FROM URLs WHERE Tagged <> 0");
     while (ids.executeStep())
         tagged.insert(ids.getColumn(0).getInt64());
-    job.SelectedURLs.Clear();
+    job.SelectedURLs.clear();
     std::size_t row = 0;
     for (const std::int32_t id : table.ids()) {
         ++row;
         if (tagged.contains(id))
-            job.SelectedURLs.Add({row});
+            job.SelectedURLs.add({row});
     }
 }
 

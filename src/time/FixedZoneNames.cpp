@@ -45,7 +45,7 @@ TimeZones FixedZoneNames() {
     };
     TimeZones names;
     for (const auto &row : kRows)
-        names.Add({row.bias, row.name});
+        names.add({row.bias, row.name});
     return names;
 }
 

@@ -61,11 +61,11 @@ class Audit {
         row.number = place;
         row.originalValue = line.OriginalTag;
         row.newValue = line.NewTag;
-        row.extension = GetFileExtension(line.OriginalTag);
+        row.extension = getFileExtension(line.OriginalTag);
         row.TagURLID = line.TagURLID;
         const std::string name = localNameIn(line, m_ctx);
         // A name from the page may be a path: only files of the folder itself count.
-        row.isThere = !name.empty() && GetFilenameFromPath(name) == name && name != ".." &&
+        row.isThere = !name.empty() && getFilenameFromPath(name) == name && name != ".." &&
                       fs::is_regular_file(m_folder / name);
         takeNote(row);
         row.state = !row.isThere ? kMissingPart : (row.isRewritten ? "" : kNotRewritten) + name;

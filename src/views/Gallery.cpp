@@ -87,12 +87,12 @@ LoadResult Gallery::load(TaskMonitor &task) {
 
 bool Gallery::showPage(int page) {
     m_page = std::max(1, std::min(page, m_pageCount));
-    m_gallery.Tiles.Clear();
+    m_gallery.Tiles.clear();
     m_tilesLost.clear();
     const bool read =
         succeeds(m_log, Severity::Warning, kProcedure, kContactSupport, [this] { readTiles(); });
     if (!read)
-        m_gallery.Tiles.Clear();
+        m_gallery.Tiles.clear();
     return read;
 }
 
@@ -117,10 +117,10 @@ void Gallery::readTiles() {
 void Gallery::addTile(SQLite::Statement &row) {
     TileClass tile = tileIn(row);
     const int columns = std::max(1, settings.tilesPerRow);
-    const int cell = static_cast<int>(m_gallery.Tiles.Count());
+    const int cell = static_cast<int>(m_gallery.Tiles.count());
     tile.XCoord = static_cast<std::int16_t>(cell % columns);
     tile.YCoord = static_cast<std::int16_t>(cell / columns);
-    m_gallery.Tiles.Add(std::move(tile));
+    m_gallery.Tiles.add(std::move(tile));
 }
 
 UnreadRows Gallery::unread() const {

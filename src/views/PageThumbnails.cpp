@@ -113,7 +113,7 @@ bool CreateHTMLThumbnail(const fs::path &page, const fs::path &destination, UrlI
 }
 
 Stored StoreThumbnail(UrlId URL_ID, const fs::path &path, const ThumbnailContext &ctx) {
-    const std::string hash = FileMD5(path).value_or("");
+    const std::string hash = fileMD5(path).value_or("");
     const Bytes bytes = readWhole(path);
     return onRow(ctx.project, [&] {
         // A page that looks as it did needs no write.

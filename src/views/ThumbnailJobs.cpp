@@ -70,7 +70,7 @@ void setKind(URLClass &record, DrawJob::Kind kind) {
 void fill(URLClass &record, const DrawJob &job, const Drawn &drawn, const ThumbnailContext &ctx) {
     record.RunTimeThumbnailPath = job.target;
     record.ThumbnailBLOB = readWhole(job.target);
-    record.ThumbnailMD5Hash = FileMD5(job.target).value_or("");
+    record.ThumbnailMD5Hash = fileMD5(job.target).value_or("");
     record.ThumbnailCreated = Date::fromTimePoint(ctx.clock.now());
     record.ThumbnailWidth = job.width;
     record.ThumbnailHeight = job.height;

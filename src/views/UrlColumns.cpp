@@ -107,7 +107,7 @@ URLTableColumns defaultUrlColumns() {
         ColumnClass column{std::string(facts.key), facts.widthTwips,
                            static_cast<int>(indexOf(facts.column)), std::string(facts.header),
                            facts.shown == Shown::No};
-        columns.Add(std::move(column), facts.key);
+        columns.add(std::move(column), facts.key);
     }
     return columns;
 }

@@ -23,7 +23,7 @@ void fileInBlocks(benchmark::State &state) {
     const test::TempFolder folder;
     const auto file = folder.write("big.bin", std::string(kSize, 'x'));
     for (auto _ : state)
-        benchmark::DoNotOptimize(FileMD5(file));
+        benchmark::DoNotOptimize(fileMD5(file));
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(kSize));
 }
 BENCHMARK(fileInBlocks)->Unit(benchmark::kMillisecond);

@@ -61,14 +61,14 @@ TEST_F(TrailCliTest, whatIsWrittenIsInTheTrail) {
         << "the visit has no page";
     const std::string trail = cli({"trail", project, "--format", "jsonl"}).out;
     EXPECT_THAT(trail, HasSubstr(R"("Action":"Export","Detail":"1 row exported as csv")"));
-    EXPECT_THAT(trail, HasSubstr(hashesOfFile(file).value().SHA256));
+    EXPECT_THAT(trail, HasSubstr(hashesOfFile(file).value().sha256));
     EXPECT_THAT(
         trail,
         HasSubstr(
             R"("Action":"Report","Detail":"Tabular report of 1 row; in the program's scratch)"));
     EXPECT_THAT(trail, HasSubstr(R"("Action":"Publish")"));
     EXPECT_THAT(trail, HasSubstr(R"(:"index-history.htm")")) << "no folder that is gone later";
-    EXPECT_THAT(trail, HasSubstr(hashesOfFile(out / "index-history.htm").value().SHA256));
+    EXPECT_THAT(trail, HasSubstr(hashesOfFile(out / "index-history.htm").value().sha256));
     EXPECT_THAT(trail, HasSubstr(R"("Action":"Rebuild","Detail":"0 of 1 page rebuilt")"));
     const Bytes page = readWhole(out / "index-history.htm");
     EXPECT_THAT(std::string(ByteView(page).raw()), HasSubstr("1 row exported as csv"));

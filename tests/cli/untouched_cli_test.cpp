@@ -25,7 +25,7 @@ class UntouchedCliTest : public testing::Test {
         add(index, "photo[1].jpg", ExifJpeg().ascii(0x010F, "Acme").bytes());
         writeWhole(evidence / "index.dat", index.bytes());
         EXPECT_EQ(run({"import", project, evidence.string(), "--kinds", "ie-cache"}).exit, 0);
-        before = *FileMD5(project);
+        before = *fileMD5(project);
     }
     void add(IndexDat &index, const std::string &name, const std::string &content) {
         fs::create_directories(evidence / "ABCDEFGH");
@@ -81,24 +81,24 @@ TEST_F(UntouchedCliTest, commandsThatLookLeaveEveryByteOfTheProject) {
     for (const auto &call : calls) {
         const CliResult result = run(call);
         EXPECT_EQ(result.exit, 0) << call.front() << ": " << result.err;
-        EXPECT_EQ(*FileMD5(project), before) << call.front();
+        EXPECT_EQ(*fileMD5(project), before) << call.front();
         EXPECT_EQ(filesOfProject(), 1U) << call.front();
     }
 }
 
 TEST_F(UntouchedCliTest, theAuditOfARebuiltPageLeavesThemToo) {
     EXPECT_EQ(run({"rebuild", project, "1", "--out", at("pages"), "--no-thumbnails"}).exit, 0);
-    const auto rebuilt = *FileMD5(project);
+    const auto rebuilt = *fileMD5(project);
     EXPECT_EQ(run({"audit", project, "1"}).exit, 0);
     EXPECT_EQ(run({"template", "list"}).exit, 0);
-    EXPECT_EQ(*FileMD5(project), rebuilt);
+    EXPECT_EQ(*fileMD5(project), rebuilt);
 }
 
 TEST_F(UntouchedCliTest, aProjectOnAReadOnlyMediumCanBeLookedAt) {
     fs::permissions(project, fs::perms::owner_read | fs::perms::group_read);
     for (const char *command : {"list", "hosts", "queries", "trail"})
         EXPECT_EQ(run({command, project}).exit, 0) << command;
-    EXPECT_EQ(*FileMD5(project), before);
+    EXPECT_EQ(*fileMD5(project), before);
 }
 
 TEST_F(UntouchedCliTest, afterTheEvidenceWasMovedRowsFollowWhenTheNewPlaceIsNamed) {

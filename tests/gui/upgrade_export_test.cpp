@@ -208,7 +208,7 @@ void UpgradeExportTest::aNameFollowsItsFormat() {
     QCOMPARE(job.delimiter, std::string("\t"));
     QVERIFY(!job.ExportAllRows);
     QCOMPARE(job.OutputFileExt, std::string("txt"));
-    QCOMPARE(job.SelectedColumns.Count(), std::size_t{2});
+    QCOMPARE(job.SelectedColumns.count(), std::size_t{2});
 }
 
 /// Keys of two commands run neither.

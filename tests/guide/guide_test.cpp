@@ -35,7 +35,7 @@ TEST_F(Guide, makesAReaderThatIsOfferedFoundAndRead) {
     job.StartingDirectory = evidence.path();
     Unwatched task;
     job.HistoryFiles = scan(job, task, project.log).HistoryFiles;
-    ASSERT_EQ(job.HistoryFiles.Count(), 1U);
+    ASSERT_EQ(job.HistoryFiles.count(), 1U);
     const ImportSummary summary = import(task, readerFor);
     EXPECT_EQ(summary.artefacts.at(0).readerKey, "foo-history");
     EXPECT_EQ(summary.artefacts.at(0).state, ArtefactState::complete);

@@ -111,7 +111,7 @@ void ImportForm::startScan() {
     if (!startingDirectoryIsUsable())
         return;
     requireZones(m_program);
-    job.HistoryFiles.Clear();
+    job.HistoryFiles.clear();
     m_files->setFiles(job.HistoryFiles);
     m_gaps->clear();
     showScan(runScan());

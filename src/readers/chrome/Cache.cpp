@@ -25,7 +25,7 @@ void setKeyURL(URLClass &record, const std::string &keyURL) {
     record.HashedURL = hashOfUrl(keyURL);
     record.host = ParseHost(keyURL);
     record.URLProtocol = GetURLProtocol(keyURL);
-    record.CacheFileName = GetFilenameFromPath(keyURL);
+    record.CacheFileName = getFilenameFromPath(keyURL);
     record.URLFileName = record.CacheFileName;
 }
 

@@ -33,7 +33,7 @@ ReadResult ChromeCacheClass::ReadCache(const TakeEntry &take) {
     if (Reading)
         return {ReadState::failed, "is being read already: " + path, 0, {}};
     const ReadingFlag reading(Reading);
-    Entries.Clear();
+    Entries.clear();
     m_task.describe(
         {"PARSING GOOGLE CHROME CACHE", "Reading INDEX File...", path, "chrome-32.gif"});
     const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
@@ -46,7 +46,7 @@ ReadResult ChromeCacheClass::ReadCache(const TakeEntry &take) {
 }
 
 ReadResult ChromeCacheClass::ReadCache() {
-    return ReadCache([this](const ChromeEntryClass &entry) { Entries.Add(entry); });
+    return ReadCache([this](const ChromeEntryClass &entry) { Entries.add(entry); });
 }
 
 std::optional<ChromeAddressMapClass> ChromeCacheClass::GetAddressMap(std::uint32_t addressWord) {

@@ -141,7 +141,7 @@ std::optional<mzBucket> mzMozillaCache::GetBucket(std::int64_t n) const {
     if (!words.has(0, kBucket))
         return std::nullopt;
     bucket.HashNumber = words.u32be(0);
-    bucket.HashNumberAsHex = BytesToHex(words, 0, 4);
+    bucket.HashNumberAsHex = bytesToHex(words, 0, 4);
     bucket.evictionRank = words.u32be(4);
     bucket.DataLocation = words.u32be(8);
     bucket.MetaDataLocation = words.u32be(0xC);

@@ -58,7 +58,7 @@ class CacheReading {
     void readRecords() {
         if (m_result.state == ReadState::cutShort)
             noteLoss(std::exchange(m_result.reason, {}));
-        const auto count = static_cast<std::int64_t>(m_cache.CacheRecords.Count());
+        const auto count = static_cast<std::int64_t>(m_cache.CacheRecords.count());
         m_ctx.task.describe({"PARSING MOZILLA FIREFOX CACHE",
                              fmt::format("A total of {} URLs were found.", count),
                              {},
@@ -81,7 +81,7 @@ class CacheReading {
     }
 
     void readRecord(std::int64_t i, std::int64_t count) {
-        mzCacheRecord record = m_cache.CacheRecords.Item(static_cast<std::size_t>(i));
+        mzCacheRecord record = m_cache.CacheRecords.item(static_cast<std::size_t>(i));
         const std::int64_t blockFile = record.BucketMetaData.CacheBlockFileNumber;
         if (!m_cache.GetFileHandle(blockFile)) {
             ++m_missing[blockFile];

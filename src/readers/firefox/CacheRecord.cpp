@@ -16,7 +16,7 @@ namespace {
 
 /// Zeros part the names and values of the headers and become blanks.
 std::string textWithBlanks(ByteView bytes) {
-    return BytesToString(bytes, 0, 0, false, true);
+    return bytesToString(bytes, 0, 0, false, true);
 }
 
 /// The key is counted with its closing zero, which is no part of the URL. The browser puts its
@@ -33,7 +33,7 @@ void setUrl(URLClass &url, const mzRecordMetaData &metaData) {
     url.URLRawValue = url.URL;
     url.host = ParseHost(url.URL);
     url.HashedURL = hashOfUrl(url.URL);
-    url.CacheFileName = GetFilenameFromPath(url.URL);
+    url.CacheFileName = getFilenameFromPath(url.URL);
     url.CacheFileNameDecoded = url.CacheFileName;
     url.URLProtocol = GetURLProtocol(url.URL);
     url.URLParameters = parametersOf(url.URL);

@@ -49,7 +49,7 @@ bool mzMozillaCache::ReadCache(HistoryFile &file, TaskMonitor &task, ReadResult 
     if (Reading)
         return false;
     const RunningMark running(Reading);
-    CacheRecords.Clear();
+    CacheRecords.clear();
     CacheError.clear();
     task.describe({"PARSING MOZILLA FIREFOX CACHE", "Reading MAP File...", textOf(file.FullPath),
                    "firefox-32.gif"});
@@ -128,7 +128,7 @@ std::string_view mzMozillaCache::takeBucket(const mzBucket &bucket, const mzMapH
     // and never were.
     if (metaData->NumContBlocks == 0)
         return "metadata in one block";
-    CacheRecords.Add({bucket, *data, *metaData, header, GetRecordData(*data), std::nullopt});
+    CacheRecords.add({bucket, *data, *metaData, header, GetRecordData(*data), std::nullopt});
     return {};
 }
 

@@ -72,14 +72,14 @@ std::optional<std::size_t> MorkDictionary::take(std::string_view line) {
 }
 
 void addMorkColumn(std::string_view cell, morkColHeadersCollection &columns) {
-    if (columns.Count() >= limits::kMorkColumns)
+    if (columns.count() >= limits::kMorkColumns)
         return;
     std::string text = cleanedMorkText(cell);
     std::erase_if(text, [](char c) { return c == '(' || c == '>'; });
     if (text.empty())
         return;
     const std::size_t mark = std::min(text.find('='), text.size());
-    columns.Add({text.substr(0, mark), text.substr(std::min(mark + 1, text.size()))});
+    columns.add({text.substr(0, mark), text.substr(std::min(mark + 1, text.size()))});
 }
 
 void addMorkValue(std::string_view cell, morkValuesCollection &values, MorkValueLosses &losses) {
@@ -87,7 +87,7 @@ void addMorkValue(std::string_view cell, morkValuesCollection &values, MorkValue
     const std::size_t mark = text.find('=');
     if (mark == std::string::npos)
         return;
-    if (values.Count() >= limits::kMorkValues) {
+    if (values.count() >= limits::kMorkValues) {
         ++losses.behindCap;
         return;
     }
@@ -99,7 +99,7 @@ void addMorkValue(std::string_view cell, morkValuesCollection &values, MorkValue
     if (losesCharacters(stored.substr(0, end)))
         ++losses.stripped;
     const bool isFirst = !values.positionOf(id);
-    values.Add({id, strippedValue(stored.substr(0, end))}, isFirst ? id : std::string());
+    values.add({id, strippedValue(stored.substr(0, end))}, isFirst ? id : std::string());
 }
 
 } // namespace nv

@@ -40,7 +40,7 @@ struct Cell {
 
 std::string_view lookUp(std::string_view id, const morkValuesCollection &values) {
     const auto position = values.positionOf(id);
-    return position ? std::string_view(values.Item(*position).RowValue) : std::string_view();
+    return position ? std::string_view(values.item(*position).RowValue) : std::string_view();
 }
 
 Cell readCell(std::string_view text, const morkValuesCollection &values) {

@@ -203,12 +203,12 @@ void morkFileClass::makeEntries(ReadResult &result) {
     std::uint64_t size = 0;
     for (const morkRowClass &row : Rows) {
         if (size > limits::kMorkTextBytes) {
-            result.notReached += Rows.Count() - Entries.Count();
+            result.notReached += Rows.count() - Entries.count();
             return cutShort(result, fmt::format("the first {} rows hold {} bytes of text, which "
                                                 "is more than is read",
-                                                Entries.Count(), size));
+                                                Entries.count(), size));
         }
-        size += textSizeOf(Entries.Add(morkEntryOf(row, Values)));
+        size += textSizeOf(Entries.add(morkEntryOf(row, Values)));
     }
 }
 

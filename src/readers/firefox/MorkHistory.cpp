@@ -70,7 +70,7 @@ void setUrl(URLClass &record, const morkEntryClass &entry) {
     record.URLRawValue = entry.URL;
     record.host = entry.Hostname;
     record.HashedURL = hashOfUrl(record.URL);
-    record.CacheFileName = GetFilenameFromPath(record.URL);
+    record.CacheFileName = getFilenameFromPath(record.URL);
     record.URLProtocol = GetURLProtocol(record.URL);
     record.URLParameters = parametersBehind(record.URL);
     setPageObjects(record);
@@ -128,7 +128,7 @@ void showStep(TaskMonitor &task, std::size_t number, std::size_t total) {
 void saveEntries(ReadContext &ctx, const morkFileClass &file, ReadResult &result) {
     RecordTrap trap(ctx.log, kProcedure, textOf(ctx.file.FullPath));
     SubTask task(ctx.task, kParseShare, 1);
-    const std::size_t total = file.Entries.Count();
+    const std::size_t total = file.Entries.count();
     std::size_t number = 0;
     for (const morkEntryClass &entry : file.Entries) {
         if (!task.advance(static_cast<double>(number++) / static_cast<double>(total))) {
@@ -162,9 +162,9 @@ ReadResult readEntries(ReadContext &ctx, Parse &&parse) {
     morkFileClass file;
     SubTask task(ctx.task, 0, kParseShare);
     parse(file, task, result);
-    if (result.state != ReadState::cancelled && file.Entries.Count() > 0) {
+    if (result.state != ReadState::cancelled && file.Entries.count() > 0) {
         ctx.task.describe({"PARSING MOZILLA FIREFOX HISTORY FILE",
-                           fmt::format("A total of {} URLs were found.", file.Entries.Count()),
+                           fmt::format("A total of {} URLs were found.", file.Entries.count()),
                            std::string(kTakesTime), "firefox-32.gif"});
         saveEntries(ctx, file, result);
     }

@@ -114,12 +114,12 @@ void MorkRowScan::keepRow() {
         ++m_outside;
         return;
     }
-    if (m_rows.Count() >= limits::kMorkRows) {
+    if (m_rows.count() >= limits::kMorkRows) {
         ++m_behindCap;
         return;
     }
     const std::size_t cells = std::min(text.find('('), text.size());
-    m_rows.Add({0, text.starts_with('-'), text.substr(cells), text.substr(0, cells)});
+    m_rows.add({0, text.starts_with('-'), text.substr(cells), text.substr(0, cells)});
 }
 
 void MorkRowScan::brace(char c, std::uint64_t offset) {

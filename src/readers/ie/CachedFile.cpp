@@ -59,7 +59,7 @@ void examineCachedFile(URLClass &record, const std::filesystem::path &cachedFile
         record.Category = isResource ? "IE Resource" : "HTML";
         record.IsWebPage = !isResource;
     }
-    const std::string extension = GetFileExtension(record.CacheFileRelativePath);
+    const std::string extension = getFileExtension(record.CacheFileRelativePath);
     if (std::find(kTitledExtensions.begin(), kTitledExtensions.end(), extension) !=
         kTitledExtensions.end())
         record.WebpageTitle = facts.title;

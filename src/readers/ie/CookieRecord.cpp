@@ -85,7 +85,7 @@ URLClass ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t r
     result.CacheFileNameRecordOffset = record.u32le(kFileName);
     if (result.CacheFileNameRecordOffset != 0) // 0 is no name, not one that begins "URL "
         result.CacheFileName = textAt(record, result.CacheFileNameRecordOffset);
-    result.CacheFileExt = GetFileExtension(result.CacheFileName);
+    result.CacheFileExt = getFileExtension(result.CacheFileName);
     setCookieUrl(result, record);
     result.IsCookie = true;
     result.Status = deletedFlag == DeletedFlag::yes ? "Deleted" : "Cookie";

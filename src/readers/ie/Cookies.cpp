@@ -49,7 +49,7 @@ class CookiesReading {
     ReadResult run() {
         if (!m_walk.open(m_result))
             return m_result;
-        m_ctx.file.Version = BytesToString(m_bytes, kVersion, kVersionLength, true);
+        m_ctx.file.Version = bytesToString(m_bytes, kVersion, kVersionLength, true);
         m_walk.run([this](std::uint64_t offset) { return take(offset); }, m_result);
         return m_result;
     }

@@ -27,7 +27,7 @@ FolderList readFolders(ByteView bytes, const HashChain &chain) {
         static_cast<std::uint64_t>(std::max<std::int64_t>(last.TableSize, 0));
     const std::uint64_t end = last.FirstRecordFileOffset + size;
     for (std::uint64_t at = kFolders; at < end && bytes.has(at, kFolderName); at += kFolderStride) {
-        const std::string name = BytesToString(bytes, at, kFolderName, true);
+        const std::string name = bytesToString(bytes, at, kFolderName, true);
         if (name.empty())
             break;
         folders.push_back(name);
@@ -66,7 +66,7 @@ HistoryFileType kindByDays(Days days, BackwardIs backward, HistoryFileType other
 }
 
 bool isNamedByDates(const HistoryFile &file) {
-    return containsNoCase(GetFilenameFromPath(file.FileParentPath), "mshist");
+    return containsNoCase(getFilenameFromPath(file.FileParentPath), "mshist");
 }
 
 /// The folder's name ends in two dates of 8 digits, as in "MSHist012011061520110616".
@@ -111,7 +111,7 @@ FolderList settleIndexKind(HistoryFile &file, ByteView bytes, const HashChain &c
         file.HistoryFileType = HistoryFileType::ieHistory;
     if (file.HistoryFileType >= HistoryFileType::ieHistory &&
         file.HistoryFileType <= HistoryFileType::ieCache)
-        file.Version = BytesToString(bytes, kVersion, kVersionLength, true);
+        file.Version = bytesToString(bytes, kVersion, kVersionLength, true);
     return folders;
 }
 

@@ -100,7 +100,7 @@ void setCacheFields(URLClass &result, ByteView record, const FolderList &folders
     // Records without a file of their own have a number after the folders, such as 254.
     if (const std::uint8_t folder = record.u8(kFolder); folder < folders.size())
         result.CacheFolderName = folders[folder];
-    result.IsValidHTMLTagObject = contains(kHrefExtensions, GetFileExtension(result.URL));
+    result.IsValidHTMLTagObject = contains(kHrefExtensions, getFileExtension(result.URL));
     result.IsValidHTMLPictureObject = isPictureUrl(result.URL);
 }
 

@@ -28,7 +28,7 @@ void setUrl(URLClass &record, const std::string &stored) {
     record.host = ParseHost(record.URL);
     record.URLProtocol = GetURLProtocol(record.URL);
     record.URLParameters = parametersOf(record.URL);
-    record.URLFileName = GetFilenameFromPath(record.URL);
+    record.URLFileName = getFilenameFromPath(record.URL);
     record.CacheFileName = record.URLFileName;
 }
 

@@ -40,7 +40,7 @@ constexpr std::uint64_t kBehindMarker = 3;
 constexpr std::int64_t kSeconds1904To1970 = 2082862800; // and five hours
 
 std::uint32_t number(ByteView file, std::uint64_t at) {
-    const Bytes reversed = ReverseBytes(ByteSlice(file, at, 4));
+    const Bytes reversed = reverseBytes(byteSlice(file, at, 4));
     return ByteView(reversed).u32le(0);
 }
 
@@ -197,13 +197,13 @@ void BlockWalk::close(const Block &block) {
     } else {
         endAt("the end of an entry");
     }
-    m_take(m_urls.Add(std::exchange(m_url, {})));
+    m_take(m_urls.add(std::exchange(m_url, {})));
 }
 
 } // namespace
 
 ReadResult macIECache::ReadMACIECache(ByteView file, TaskMonitor &task, const TakeURL &take) {
-    MacURLs.Clear();
+    MacURLs.clear();
     const std::uint64_t size = file.size();
     if (size < kHeader)
         return {ReadState::failed, fmt::format("{} bytes are no cache file", size), 0, {}};

@@ -146,7 +146,7 @@ class CacheReading {
         m_record->host = ParseHost(url);
         m_record->URLProtocol = GetURLProtocol(url);
         m_record->HashedURL = hashOfUrl(url);
-        m_record->URLFileExt = GetFileExtension(url);
+        m_record->URLFileExt = getFileExtension(url);
         m_record->URLParameters = parametersOf(url);
         setPageObjects(*m_record);
     }

@@ -87,7 +87,7 @@ class HistoryReading {
             throw PropertyListDamage("a list of entries was expected and is not there");
         for (const pugi::xml_node dict : array.children("dict"))
             if (dict.child("key"))
-                m_trap.attempt(placeOf(dict), [&] { m_entries.Add(entryOf(dict)); });
+                m_trap.attempt(placeOf(dict), [&] { m_entries.add(entryOf(dict)); });
             else
                 pass("entries that hold nothing", 1);
         constexpr const char *kDated = "dict[key='lastVisitedDate']";
@@ -136,7 +136,7 @@ class HistoryReading {
         const Date fileCreated = m_ctx.evidence.factsOf(m_ctx.file.FullPath).created;
         double saved = 0;
         for (const plistURL &entry : m_entries) {
-            if (!m_ctx.task.advance(saved++ / static_cast<double>(m_entries.Count())))
+            if (!m_ctx.task.advance(saved++ / static_cast<double>(m_entries.count())))
                 return false;
             m_trap.attempt(entry.place, [&] { save(entry, fileCreated); });
         }

@@ -46,7 +46,7 @@ std::optional<std::string> leadingJournalOf(const fs::path &journal) {
     const std::uint64_t end = tail.size() - kTrailer;
     const std::uint64_t length = viewOf(tail).u32be(end);
     const std::string name = length <= end ? tail.substr(end - length, length) : std::string();
-    return std::string(GetFilenameFromPath(name));
+    return std::string(getFilenameFromPath(name));
 }
 
 /// SQLite would go by the path in the journal: it would look for that file on this machine and

@@ -43,7 +43,7 @@ URLClass historyRecord(const ReadContext &ctx, const HistoryRow &row, std::strin
 
 void setUrl(URLClass &record, std::string url) {
     record.URL = std::move(url);
-    record.URLFileName = GetFilenameFromPath(record.URL);
+    record.URLFileName = getFilenameFromPath(record.URL);
     record.HashedURL = hashOfUrl(record.URL);
     record.host = ParseHost(record.URL);
     record.RecordSize = charCount(record.URL);

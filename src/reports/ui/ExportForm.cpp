@@ -96,7 +96,7 @@ QWidget *ExportForm::newRowChoice(std::size_t rows) {
         row->addWidget(button);
     };
     add(tr("A&ll rows (%L1)").arg(rows), "opRowsAll");
-    add(tr("&Tagged rows (%L1)").arg(m_job.SelectedURLs.Count()), "opRowsTagged");
+    add(tr("&Tagged rows (%L1)").arg(m_job.SelectedURLs.count()), "opRowsTagged");
     row->addStretch();
     m_rows->button(0)->setChecked(true);
     return line;
@@ -224,12 +224,12 @@ void ExportForm::fillJob(const std::filesystem::path &path) {
     const std::string extension = path.extension();
     m_job.OutputFileExt = extension.empty() ? extension : extension.substr(1);
     const SelectedColumns offered = columnsFromString(m_job.ColumnsAsString);
-    m_job.SelectedColumns.Clear();
+    m_job.SelectedColumns.clear();
     for (int row = 0; row < m_columns->count(); ++row) {
         const QListWidgetItem *item = m_columns->item(row);
         const std::string key = fromQt(item->data(Qt::UserRole).toString());
         if (item->checkState() == Qt::Checked)
-            m_job.SelectedColumns.Add(offered.Item(key), key);
+            m_job.SelectedColumns.add(offered.item(key), key);
     }
 }
 

@@ -44,7 +44,7 @@ void GalleryModel::reset() {
 }
 
 TileClass &GalleryModel::tile(const QModelIndex &index) const {
-    return m_gallery->gallery().Tiles.Item(static_cast<std::size_t>(index.row()) + 1);
+    return m_gallery->gallery().Tiles.item(static_cast<std::size_t>(index.row()) + 1);
 }
 
 qint64 GalleryModel::idAt(const QModelIndex &index) const {
@@ -54,7 +54,7 @@ qint64 GalleryModel::idAt(const QModelIndex &index) const {
 int GalleryModel::rowCount(const QModelIndex &parent) const {
     if (parent.isValid() || !m_gallery)
         return 0;
-    return static_cast<int>(m_gallery->gallery().Tiles.Count());
+    return static_cast<int>(m_gallery->gallery().Tiles.count());
 }
 
 QVariant GalleryModel::data(const QModelIndex &index, int role) const {

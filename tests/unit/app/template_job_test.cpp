@@ -103,7 +103,7 @@ TEST_F(TemplateJobTest, whatIsLaidIsInTheCaseTrail) {
     EXPECT_EQ(entry.Detail, laidText(laid));
     EXPECT_EQ(entry.RowCount, 1);
     EXPECT_EQ(entry.FilePath, file.string());
-    EXPECT_EQ(entry.SHA256Hash, hashesOfFile(file).value().SHA256);
+    EXPECT_EQ(entry.SHA256Hash, hashesOfFile(file).value().sha256);
 }
 
 TEST_F(TemplateJobTest, asksBeforeATemplateIsOverwritten) {

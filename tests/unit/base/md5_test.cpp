@@ -21,9 +21,9 @@ TEST(FileMD5, readsAFileOfManyBlocksAndStopsWhenTold) {
     const test::TempFolder folder;
     const std::string big(3'500'000, 'x');
     const auto file = folder.write("big.bin", big);
-    EXPECT_EQ(FileMD5(file), md5Hex(big));
-    EXPECT_EQ(FileMD5(file, [](std::uint64_t) { return false; }), std::nullopt);
-    EXPECT_THROW(FileMD5(folder.path() / "none"), FileFailure);
+    EXPECT_EQ(fileMD5(file), md5Hex(big));
+    EXPECT_EQ(fileMD5(file, [](std::uint64_t) { return false; }), std::nullopt);
+    EXPECT_THROW(fileMD5(folder.path() / "none"), FileFailure);
 }
 
 } // namespace

@@ -38,23 +38,23 @@ TEST(PercentDecode, leavesZeroControlAndMalformedEscapes) {
 }
 
 TEST(GetFileExtension, followsTheWindowOfSevenCharacters) {
-    EXPECT_EQ(GetFileExtension("a.jpg"), ""); // five characters have none
-    EXPECT_EQ(GetFileExtension("ab.JPG"), "jpg");
-    EXPECT_EQ(GetFileExtension("http://host/a.html"), "html");
-    EXPECT_EQ(GetFileExtension("http://host/a.jpg?x=1"), "");
-    EXPECT_EQ(GetFileExtension("name.abcdefg"), "");
-    EXPECT_EQ(GetFileExtension("name.abcdef"), "abcdef");
-    EXPECT_EQ(GetFileExtension(".bashrc"), "");
-    EXPECT_EQ(GetFileExtension("folder/.x"), "x");
-    EXPECT_EQ(GetFileExtension("longname."), "");
-    EXPECT_EQ(GetFileExtension("\u00e9.jpg"), ""); // five characters, six bytes
+    EXPECT_EQ(getFileExtension("a.jpg"), ""); // five characters have none
+    EXPECT_EQ(getFileExtension("ab.JPG"), "jpg");
+    EXPECT_EQ(getFileExtension("http://host/a.html"), "html");
+    EXPECT_EQ(getFileExtension("http://host/a.jpg?x=1"), "");
+    EXPECT_EQ(getFileExtension("name.abcdefg"), "");
+    EXPECT_EQ(getFileExtension("name.abcdef"), "abcdef");
+    EXPECT_EQ(getFileExtension(".bashrc"), "");
+    EXPECT_EQ(getFileExtension("folder/.x"), "x");
+    EXPECT_EQ(getFileExtension("longname."), "");
+    EXPECT_EQ(getFileExtension("\u00e9.jpg"), ""); // five characters, six bytes
 }
 
 TEST(GetFilenameFromPath, takesWhatStandsAfterTheLastSlashOfEitherKind) {
-    EXPECT_EQ(GetFilenameFromPath("C:\\a\\b.txt"), "b.txt");
-    EXPECT_EQ(GetFilenameFromPath("/a/b.txt"), "b.txt");
-    EXPECT_EQ(GetFilenameFromPath("b.txt"), "b.txt");
-    EXPECT_EQ(GetFilenameFromPath("a/"), "");
+    EXPECT_EQ(getFilenameFromPath("C:\\a\\b.txt"), "b.txt");
+    EXPECT_EQ(getFilenameFromPath("/a/b.txt"), "b.txt");
+    EXPECT_EQ(getFilenameFromPath("b.txt"), "b.txt");
+    EXPECT_EQ(getFilenameFromPath("a/"), "");
 }
 
 TEST(Chars, countsCodePointsAndCutsBetweenThem) {
@@ -65,16 +65,16 @@ TEST(Chars, countsCodePointsAndCutsBetweenThem) {
 
 TEST(BytesToString, hasAFormForALengthAndOneForTheRest) {
     const std::string bytes("ab\0cd", 5);
-    EXPECT_EQ(BytesToString(viewOf(bytes), 0, 0, true), "ab");
-    EXPECT_EQ(BytesToString(viewOf(bytes), 0, 0, false, true), "ab cd");
-    EXPECT_EQ(BytesToString(viewOf(bytes), 3, 2, false), "cd");
-    EXPECT_EQ(BytesToString(viewOf(bytes), 0, 5, false, true), bytes); // blank only without length
-    EXPECT_THROW(BytesToString(viewOf(bytes), 3, 3, false), OutOfBytes);
+    EXPECT_EQ(bytesToString(viewOf(bytes), 0, 0, true), "ab");
+    EXPECT_EQ(bytesToString(viewOf(bytes), 0, 0, false, true), "ab cd");
+    EXPECT_EQ(bytesToString(viewOf(bytes), 3, 2, false), "cd");
+    EXPECT_EQ(bytesToString(viewOf(bytes), 0, 5, false, true), bytes); // blank only without length
+    EXPECT_THROW(bytesToString(viewOf(bytes), 3, 3, false), OutOfBytes);
 }
 
 TEST(BytesToHex, writesFileOrderInUpperCase) {
-    EXPECT_EQ(BytesToHex(viewOf("\x0D\xF0\xAD\x0B"), 0, 4), "0DF0AD0B");
-    EXPECT_EQ(BytesToHex(viewOf(std::string_view("\x01\0\x02", 3)), 0, 3, true), "01");
+    EXPECT_EQ(bytesToHex(viewOf("\x0D\xF0\xAD\x0B"), 0, 4), "0DF0AD0B");
+    EXPECT_EQ(bytesToHex(viewOf(std::string_view("\x01\0\x02", 3)), 0, 3, true), "01");
 }
 
 TEST(FindNoCase, findsAsciiInEitherCase) {

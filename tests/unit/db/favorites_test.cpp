@@ -23,37 +23,37 @@ TEST(Favorites, aFavoriteIsAddedByItsMembersInTheirOrder) {
     const FavoriteClass expected{
         "Often visited",     true, 3,      70000, 2, "SELECT * FROM URLs WHERE Visits > 9",
         "C:\\favorites.ini", "en", "Often"};
-    EXPECT_EQ(favorites.Item("OFTEN"), expected);
-    EXPECT_EQ(favorites.Item(std::size_t{1}), expected);
+    EXPECT_EQ(favorites.item("OFTEN"), expected);
+    EXPECT_EQ(favorites.item(std::size_t{1}), expected);
 }
 
 TEST(Favorites, anEmptyKeyAddsWithoutOne) {
     Favorites favorites;
-    favorites.Add(named("a"));
-    favorites.Add(named("b"), "");
-    EXPECT_EQ(favorites.Count(), 2U);
-    EXPECT_THROW(favorites.Item(""), std::out_of_range);
+    favorites.add(named("a"));
+    favorites.add(named("b"), "");
+    EXPECT_EQ(favorites.count(), 2U);
+    EXPECT_THROW(favorites.item(""), std::out_of_range);
 }
 
 TEST(Favorites, aKeyIsTakenOnce) {
     Favorites favorites;
-    favorites.Add(named("a"), "x");
-    EXPECT_THROW(favorites.Add(named("b"), "X"), std::invalid_argument);
-    EXPECT_EQ(favorites.Count(), 1U);
+    favorites.add(named("a"), "x");
+    EXPECT_THROW(favorites.add(named("b"), "X"), std::invalid_argument);
+    EXPECT_EQ(favorites.count(), 1U);
 }
 
 TEST(Favorites, theyAreRemovedWalkedAndCleared) {
     Favorites favorites;
     for (const char *name : {"a", "b", "\xC3\xA9"})
-        favorites.Add(named(name), name);
-    favorites.Remove("a");
+        favorites.add(named(name), name);
+    favorites.remove("a");
     std::string names;
     for (const FavoriteClass &favorite : favorites)
         names += favorite.FavoriteName;
     EXPECT_EQ(names, "b\xC3\xA9");
-    favorites.Clear();
-    EXPECT_EQ(favorites.Count(), 0U);
-    EXPECT_THROW(favorites.Remove("b"), std::out_of_range);
+    favorites.clear();
+    EXPECT_EQ(favorites.count(), 0U);
+    EXPECT_THROW(favorites.remove("b"), std::out_of_range);
 }
 
 } // namespace nv

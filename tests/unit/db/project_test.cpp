@@ -235,14 +235,14 @@ TEST_F(ProjectTest, whatIsOpenedForReadingKeepsItsBytes) {
     create();
     EXPECT_FALSE(project.isReadOnly());
     project.CloseDB();
-    const auto before = FileMD5(project.FilePath);
+    const auto before = fileMD5(project.FilePath);
     project.open(Access::read);
     EXPECT_TRUE(project.isReadOnly());
     EXPECT_EQ(get("SELECT count(*) FROM URLs"), "0");
     EXPECT_THROW(project.connection().exec("DELETE FROM StoredQueries"), SQLite::Exception);
     project.CloseDB();
     EXPECT_FALSE(project.isOpen());
-    EXPECT_EQ(FileMD5(project.FilePath), before);
+    EXPECT_EQ(fileMD5(project.FilePath), before);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 3);
 }
 

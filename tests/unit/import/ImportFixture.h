@@ -115,7 +115,7 @@ inline HistoryFile &ImportFixture::add(HistoryFileType type, const std::string &
     file.FileSize = bytes.size();
     file.MD5Hash = md5Hex(bytes);
     file.HistoryFileType = type;
-    return job.HistoryFiles.Add(std::move(file));
+    return job.HistoryFiles.add(std::move(file));
 }
 
 inline ImportSummary ImportFixture::import(TaskMonitor &task,

@@ -29,8 +29,8 @@ class DamageTest : public test::ImportFixture, public testing::WithParamInterfac
         writeWhole(file.FullPath, bytes);
         file.FileSize = bytes.size();
         file.HistoryFileType = GetParam()->type;
-        job.HistoryFiles.Clear();
-        job.HistoryFiles.Add(file);
+        job.HistoryFiles.clear();
+        job.HistoryFiles.add(file);
         const std::int64_t before = rows();
         Unwatched task;
         const ImportSummary summary = import(task, readerFor);

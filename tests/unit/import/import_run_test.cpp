@@ -22,7 +22,7 @@ TEST_F(ImportRunTest, storesTheRecordsOfEachFileInTheOrderOfTheList) {
     EXPECT_EQ(first.path, project.folder.path() / "b");
     EXPECT_EQ(first.type, norvelaneNVD);
     EXPECT_EQ(first.readerKey, "lines");
-    EXPECT_EQ(first.MD5Hash, job.HistoryFiles.Item(1).MD5Hash);
+    EXPECT_EQ(first.MD5Hash, job.HistoryFiles.item(1).MD5Hash);
     EXPECT_EQ(first.state, ArtefactState::complete);
     EXPECT_EQ(first.rowsSaved, 2u);
     EXPECT_GE(first.seconds, 0);
@@ -106,7 +106,7 @@ TEST_F(ImportRunTest, ofACancelledWizardEmptiesTheList) {
     const ImportSummary summary = import();
     EXPECT_TRUE(summary.cancelled);
     EXPECT_TRUE(summary.artefacts.empty());
-    EXPECT_EQ(job.HistoryFiles.Count(), 0u);
+    EXPECT_EQ(job.HistoryFiles.count(), 0u);
     EXPECT_EQ(rows(), 0);
 }
 

@@ -68,8 +68,8 @@ using Lines = std::vector<std::string>;
 TEST_F(ScanTest, describesEachFile) {
     const auto path = folder.write("Profile/Places.sqlite", "bytes");
     const ScanResult result = scanned();
-    ASSERT_EQ(result.HistoryFiles.Count(), 1u);
-    const HistoryFile &file = result.HistoryFiles.Item(1);
+    ASSERT_EQ(result.HistoryFiles.count(), 1u);
+    const HistoryFile &file = result.HistoryFiles.item(1);
     EXPECT_EQ(file.FullPath, path);
     EXPECT_EQ(file.FileName, "Places.sqlite");
     EXPECT_EQ(file.fileExt, "sqlite");
@@ -145,18 +145,18 @@ TEST_F(ScanTest, listsTheSameFileInTwoFoldersTwice) {
     folder.write("a/index.dat", indexBytes(0));
     folder.write("b/index.dat", indexBytes(0));
     const ScanResult result = scanned();
-    ASSERT_EQ(result.HistoryFiles.Count(), 2u);
-    EXPECT_EQ(result.HistoryFiles.Item(1).MD5Hash, result.HistoryFiles.Item(2).MD5Hash);
+    ASSERT_EQ(result.HistoryFiles.count(), 2u);
+    EXPECT_EQ(result.HistoryFiles.item(1).MD5Hash, result.HistoryFiles.item(2).MD5Hash);
 }
 
 TEST_F(ScanTest, listsTheIndexOfAChromeCache) {
     folder.write("Cache/data_0", "blocks");
     folder.write("Cache/index", "the index");
     const ScanResult result = scanned();
-    ASSERT_EQ(result.HistoryFiles.Count(), 1u);
-    EXPECT_EQ(result.HistoryFiles.Item(1).FileName, "index");
-    EXPECT_EQ(result.HistoryFiles.Item(1).MD5Hash, md5Hex("the index"));
-    EXPECT_EQ(result.HistoryFiles.Item(1).fileExt, "");
+    ASSERT_EQ(result.HistoryFiles.count(), 1u);
+    EXPECT_EQ(result.HistoryFiles.item(1).FileName, "index");
+    EXPECT_EQ(result.HistoryFiles.item(1).MD5Hash, md5Hex("the index"));
+    EXPECT_EQ(result.HistoryFiles.item(1).fileExt, "");
 }
 
 TEST_F(ScanTest, takesASingleFileWithoutAMask) {
@@ -183,14 +183,14 @@ TEST_F(ScanTest, takesNoNameForAPlainFile) {
 TEST_F(ScanTest, readsNamesThatAreNoUtf8) {
     folder.write("Caf\xE9/places.sqlite", "x");
     const ScanResult result = scanned();
-    ASSERT_EQ(result.HistoryFiles.Count(), 1u);
-    EXPECT_TRUE(result.HistoryFiles.Item(1).FileParentPath.ends_with("Caf\xC3\xA9"));
+    ASSERT_EQ(result.HistoryFiles.count(), 1u);
+    EXPECT_TRUE(result.HistoryFiles.item(1).FileParentPath.ends_with("Caf\xC3\xA9"));
 }
 
 TEST_F(ScanTest, notesAFolderThatIsntThere) {
     job.StartingDirectory = folder.path() / "gone";
     const ScanResult result = scanned();
-    EXPECT_EQ(result.HistoryFiles.Count(), 0u);
+    EXPECT_EQ(result.HistoryFiles.count(), 0u);
     EXPECT_EQ(unreadable(result), Lines{job.StartingDirectory});
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_EQ(log.entries[0].procedure, "ImportForm.GetFolderList()");
@@ -204,7 +204,7 @@ TEST_F(ScanTest, notesWhatItCantReadAndGoesOn) {
     fs::permissions(folder.path() / "b", fs::perms::none);
     const ScanResult result = scannedWithoutPrivileges();
     fs::permissions(folder.path() / "b", fs::perms::owner_all);
-    EXPECT_EQ(result.HistoryFiles.Count(), 1u);
+    EXPECT_EQ(result.HistoryFiles.count(), 1u);
     EXPECT_EQ(unreadable(result), (Lines{(folder.path() / "b").string(), file.string()}));
     EXPECT_NE(result.gaps.unreadable.at(1).reason.find("Permission denied"), std::string::npos);
     EXPECT_EQ(log.entries.size(), 2u);
@@ -237,7 +237,7 @@ TEST_F(ScanTest, passesShaderCachesOverAndCountsThem) {
     EXPECT_EQ(found(), (Lines{"20 Cache/index", "20 Dawn/index", "20 GPUCache2/index"}));
     EXPECT_EQ(scanned().gaps.shaderCaches, 7u);
     job.StartingDirectory = folder.path() / "GPUCache" / "data_0";
-    EXPECT_EQ(scanned().HistoryFiles.Count(), 1u) << "whoever names it wants it";
+    EXPECT_EQ(scanned().HistoryFiles.count(), 1u) << "whoever names it wants it";
     job.StartingDirectory = folder.path();
     dontLookFor("chkCacheChrome");
     dontLookFor("chkCacheSafari");
@@ -276,7 +276,7 @@ TEST_F(ScanTest, listsAFolderOnceThatManyFilesLeadTo) {
         folder.write(name, name);
     EXPECT_EQ(found(), (Lines{"1000 Cache", "1000 Other"}));
     const ScanResult result = scanned();
-    const HistoryFile &first = result.HistoryFiles.Item(1);
+    const HistoryFile &first = result.HistoryFiles.item(1);
     EXPECT_EQ(first.FileName, "Cache");
     EXPECT_EQ(first.FileParentPath, folder.path().string());
     EXPECT_EQ(first.FileSize, 31u);
@@ -297,7 +297,7 @@ TEST_F(ScanTest, notesAFolderWhoseFilesCantAllBeRead) {
     const auto file = folder.write("Cache/data", "x");
     fs::permissions(file, fs::perms::none);
     const ScanResult result = scannedWithoutPrivileges();
-    EXPECT_EQ(result.HistoryFiles.Count(), 0u);
+    EXPECT_EQ(result.HistoryFiles.count(), 0u);
     EXPECT_EQ(unreadable(result), Lines{(folder.path() / "Cache" / "a_0").string()});
 }
 
@@ -324,10 +324,10 @@ TEST_F(ScanTest, canBeCancelledAtAnyTime) {
     for (int calls = 0; !completed && calls < 100; ++calls) {
         test::CancelAfter task(calls);
         const ScanResult result = scanWatchedBy(task);
-        EXPECT_GE(result.HistoryFiles.Count(), before);
+        EXPECT_GE(result.HistoryFiles.count(), before);
         for (const HistoryFile &file : result.HistoryFiles)
             EXPECT_EQ(file.MD5Hash.size(), 32u);
-        before = result.HistoryFiles.Count();
+        before = result.HistoryFiles.count();
         completed = !result.cancelled;
     }
     EXPECT_TRUE(completed);

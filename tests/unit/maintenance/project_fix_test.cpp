@@ -117,8 +117,8 @@ TEST_F(ProjectFixTest, theCaseTrailGoesAlongAndTellsOfTheFix) {
     EXPECT_EQ(entries[2].RowCount, 2);
     EXPECT_EQ(entries[2].AppVersion, "0.1.0");
     const auto hashes = hashesOfFile(old).value();
-    EXPECT_EQ(entries[2].MD5Hash, hashes.MD5);
-    EXPECT_EQ(entries[2].SHA256Hash, hashes.SHA256);
+    EXPECT_EQ(entries[2].MD5Hash, hashes.md5);
+    EXPECT_EQ(entries[2].SHA256Hash, hashes.sha256);
     EXPECT_EQ(entries[2].FileSize, static_cast<std::int64_t>(hashes.size));
     EXPECT_THROW(project.exec("DELETE FROM AuditTrail"), SQLite::Exception);
     EXPECT_THROW(project.exec("UPDATE AuditTrail SET Action = ''"), SQLite::Exception);

@@ -32,15 +32,15 @@ struct SourceCheckTest : testing::Test {
                               "INSERT INTO SourceFiles (FilePath, MD5Hash, FileSize) "
                               "VALUES (?, ?, ?)");
         row.bind(1, textOf(path));
-        row.bind(2, hashes.MD5);
+        row.bind(2, hashes.md5);
         row.bind(3, static_cast<std::int64_t>(hashes.size));
         row.exec();
         TrailEntry entry;
         entry.Action = "Import";
         entry.FilePath = textOf(path);
         entry.FileSize = static_cast<std::int64_t>(hashes.size);
-        entry.MD5Hash = hashes.MD5;
-        entry.SHA256Hash = hashes.SHA256;
+        entry.MD5Hash = hashes.md5;
+        entry.SHA256Hash = hashes.sha256;
         CaseTrail(project.connection()).add(entry);
         return path;
     }
@@ -145,7 +145,7 @@ TEST_F(SourceCheckTest, aForgedMd5IsFoundByTheOtherHash) {
     TrailEntry entry;
     entry.Action = "Import";
     entry.FilePath = file.string();
-    entry.MD5Hash = now.MD5;
+    entry.MD5Hash = now.md5;
     entry.SHA256Hash = std::string(64, '0');
     CaseTrail(project.connection()).add(entry);
     EXPECT_EQ(verify().sources.at(1).state, SourceState::changed);
@@ -157,7 +157,7 @@ TEST_F(SourceCheckTest, eachFileOfTheSameContentIsLookedAt) {
     TrailEntry entry;
     entry.Action = "Import";
     entry.FilePath = (folder.path() / "copy").string();
-    entry.MD5Hash = hashes.MD5;
+    entry.MD5Hash = hashes.md5;
     CaseTrail(project.connection()).add(entry);
     const SourceCheck check = verify();
     ASSERT_EQ(check.sources.size(), 2U);

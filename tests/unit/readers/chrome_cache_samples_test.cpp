@@ -21,7 +21,7 @@ std::string sha256(const fs::path &file) {
     const Bytes bytes = readWhole(file);
     Bytes digest(32);
     EVP_Digest(bytes.data(), bytes.size(), digest.data(), nullptr, EVP_sha256(), nullptr);
-    return toLower(BytesToHex(ByteView(digest), 0, 0));
+    return toLower(bytesToHex(ByteView(digest), 0, 0));
 }
 
 /// A real cache with what independent readers found in it.

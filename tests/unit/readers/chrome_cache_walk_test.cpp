@@ -166,8 +166,8 @@ TEST_F(ChromeCacheClassTest, keepsItsEntriesWhenAskedTo) {
     ChromeCacheClass reader = opened();
     EXPECT_EQ(reader.ReadCache().state, ReadState::complete);
     EXPECT_EQ(reader.ReadCache().state, ReadState::complete); // empties them first
-    ASSERT_EQ(reader.Entries.Count(), 2U);
-    const ChromeEntryClass &first = reader.Entries.Item(1);
+    ASSERT_EQ(reader.Entries.count(), 2U);
+    const ChromeEntryClass &first = reader.Entries.item(1);
     EXPECT_EQ(first.keyURL, "http://one/");
     EXPECT_EQ(first.AddressMap.Address, place.entry);
     EXPECT_EQ(first.MapFileOffset, test::ChromeCache::offsetOf(place.entry));
@@ -189,9 +189,9 @@ TEST_F(ChromeCacheClassTest, readsBodiesWhenAskedTo) {
     reader.ReadCache();
     for (ChromeEntryClass &found : reader.Entries)
         found.ContentObject = reader.GetContentObject(found.ContentAddressMap, found.ContentSize);
-    const Bytes &inBlocks = reader.Entries.Item(1).ContentObject->blob;
+    const Bytes &inBlocks = reader.Entries.item(1).ContentObject->blob;
     EXPECT_EQ(std::string(inBlocks.begin(), inBlocks.end()), "the body");
-    EXPECT_EQ(reader.Entries.Item(2).ContentObject->blob, Bytes(20000, 'x'));
+    EXPECT_EQ(reader.Entries.item(2).ContentObject->blob, Bytes(20000, 'x'));
     EXPECT_FALSE(reader.GetContentObject({}, 10));
     const auto separate = *ChromeCacheClass::GetAddressMap(0x8000'0077);
     EXPECT_FALSE(reader.GetContentObject(separate, 10));
@@ -201,7 +201,7 @@ TEST_F(ChromeCacheClassTest, readsOfABodyWhatIsThere) {
     cache.add(entry("http://one/", "the body"));
     ChromeCacheClass reader = opened();
     reader.ReadCache();
-    const auto body = reader.GetContentObject(reader.Entries.Item(1).ContentAddressMap, 1ULL << 32);
+    const auto body = reader.GetContentObject(reader.Entries.item(1).ContentAddressMap, 1ULL << 32);
     ASSERT_TRUE(body);
     EXPECT_EQ(body->blob.size(), 512U); // its block and that of the entry after it
 }

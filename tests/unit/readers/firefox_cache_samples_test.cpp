@@ -46,7 +46,7 @@ std::string sha256(const std::string &bytes) {
     Bytes digest(32);
     unsigned int size = 0;
     EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha256(), nullptr);
-    return toLower(BytesToHex(ByteView(digest), 0, size));
+    return toLower(bytesToHex(ByteView(digest), 0, size));
 }
 
 Date dateOf(const json &text) {

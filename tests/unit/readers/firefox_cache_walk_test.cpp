@@ -222,8 +222,8 @@ TEST_F(FirefoxCacheWalk, keepsNoMetadataInItsCollection) {
     ASSERT_TRUE(OpenFirefoxCache(cache, map, evidence, log));
     EXPECT_TRUE(cache.OpenCache);
     ASSERT_TRUE(cache.ReadCache(file, task, result));
-    ASSERT_EQ(cache.CacheRecords.Count(), 2u);
-    const mzCacheRecord &record = cache.CacheRecords.Item(2);
+    ASSERT_EQ(cache.CacheRecords.count(), 2u);
+    const mzCacheRecord &record = cache.CacheRecords.item(2);
     EXPECT_EQ(record.Bucket.HashNumberAsHex, "A1000002");
     EXPECT_EQ(record.Bucket.HashNumber, 0xA1000002);
     EXPECT_EQ(record.Bucket.evictionRank, 0x7FFFFFFD);
@@ -263,7 +263,7 @@ TEST_F(FirefoxCacheWalk, isNotBegunTwiceAtATime) {
     reentrant.file = &file;
     EXPECT_TRUE(cache.ReadCache(file, reentrant, result));
     EXPECT_GT(reentrant.refused, 1);
-    EXPECT_EQ(cache.CacheRecords.Count(), 2u);
+    EXPECT_EQ(cache.CacheRecords.count(), 2u);
     EXPECT_FALSE(cache.Reading);
 }
 

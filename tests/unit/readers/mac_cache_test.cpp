@@ -87,8 +87,8 @@ TEST(MacCacheReader, collectsWhatAnEntrySays) {
     macIECache reader;
     Unwatched task;
     reader.ReadMACIECache(viewOf(bytes), task, [](const macIEURLClass &) {});
-    ASSERT_EQ(reader.MacURLs.Count(), 1U);
-    const macIEURLClass &entry = reader.MacURLs.Item(1);
+    ASSERT_EQ(reader.MacURLs.count(), 1U);
+    const macIEURLClass &entry = reader.MacURLs.item(1);
     EXPECT_EQ(entry.macURLOffset, bytes.find("http://"));
     EXPECT_EQ(entry.macBSrl, "one");
     EXPECT_EQ(entry.macHntt, "two");

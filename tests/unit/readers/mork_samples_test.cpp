@@ -84,7 +84,7 @@ TEST_F(MorkSample, givesTheListedRecordsFieldByField) {
 
 TEST_F(MorkSample, leavesTheEvidenceAlone) {
     for (const json &listed : expected.at("files"))
-        EXPECT_EQ(FileMD5(folder / listed.at("path").get<std::string>()),
+        EXPECT_EQ(fileMD5(folder / listed.at("path").get<std::string>()),
                   listed.at("md5").get<std::string>());
 }
 

@@ -102,7 +102,7 @@ TEST_F(NetAnalysisSample, givesTheListedRecordsFieldByField) {
 }
 
 TEST_F(NetAnalysisSample, leavesTheEvidenceAlone) {
-    EXPECT_EQ(FileMD5(file), expected.at("files").at(0).at("md5").get<std::string>());
+    EXPECT_EQ(fileMD5(file), expected.at("files").at(0).at("md5").get<std::string>());
     EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), {}), 1);
 }
 

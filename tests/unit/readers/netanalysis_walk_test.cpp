@@ -185,10 +185,10 @@ TEST_F(NetAnalysisWalk, keepsWhatWasReadBeforeACancel) {
 
 TEST_F(NetAnalysisWalk, writesNothingIntoTheEvidence) {
     read(caseOf(2));
-    const auto before = FileMD5(file);
+    const auto before = fileMD5(file);
     std::filesystem::permissions(file, std::filesystem::perms::owner_read);
     readAgain();
-    EXPECT_EQ(FileMD5(file), before);
+    EXPECT_EQ(fileMD5(file), before);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(file.parent_path()), {}), 1);
     EXPECT_TRUE(std::filesystem::is_empty(scratch.path()));
 }

@@ -94,7 +94,7 @@ TEST_F(OperaSample, givesTheTypedAddresses) {
 
 TEST_F(OperaSample, leavesTheEvidenceAlone) {
     for (const json &listed : expected.at("files"))
-        EXPECT_EQ(FileMD5(folder / listed.at("path").get<std::string>()),
+        EXPECT_EQ(fileMD5(folder / listed.at("path").get<std::string>()),
                   listed.at("md5").get<std::string>());
 }
 

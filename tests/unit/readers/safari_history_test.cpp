@@ -270,12 +270,12 @@ TEST_F(SafariHistoryTest, cancellingKeepsTheRowsSoFar) {
 TEST_F(SafariHistoryTest, theListOfEntriesIsAList) {
     plistURLs entries;
     for (const char *url : {"a", "b"})
-        entries.Add(plistURL()).URLValue = url;
-    entries.Remove(1);
-    EXPECT_EQ(entries.Count(), 1U);
-    EXPECT_EQ(entries.Item(1).URLValue, "b");
-    EXPECT_EQ(entries.Item(1).VisitCount, -1);
-    entries.Clear();
+        entries.add(plistURL()).URLValue = url;
+    entries.remove(1);
+    EXPECT_EQ(entries.count(), 1U);
+    EXPECT_EQ(entries.item(1).URLValue, "b");
+    EXPECT_EQ(entries.item(1).VisitCount, -1);
+    entries.clear();
     EXPECT_EQ(entries.begin(), entries.end());
 }
 

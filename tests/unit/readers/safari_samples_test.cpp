@@ -32,7 +32,7 @@ struct SafariSample : testing::Test {
         expected = json::parse(text.begin(), text.end());
         file = folder / expected.at("scan").at(0).at("path").get<std::string>();
         reading.read(read, file);
-        EXPECT_EQ(FileMD5(file), expected.at("files").at(0).at("md5").get<std::string>());
+        EXPECT_EQ(fileMD5(file), expected.at("files").at(0).at("md5").get<std::string>());
         EXPECT_EQ(reading.records().size(), expected.at("expected").at("rows").get<std::size_t>());
         return true;
     }

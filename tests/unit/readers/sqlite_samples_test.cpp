@@ -119,7 +119,7 @@ TEST_P(SqliteSample, countsEachVisitThatIsThere) {
 
 TEST_P(SqliteSample, leavesTheEvidenceAlone) {
     const auto &listed = expected.at("files").at(0);
-    EXPECT_EQ(FileMD5(file), listed.at("md5").get<std::string>());
+    EXPECT_EQ(fileMD5(file), listed.at("md5").get<std::string>());
     for (const char *suffix : {"-wal", "-shm", "-journal"})
         EXPECT_FALSE(fs::exists(file.string() + suffix));
 }

@@ -32,7 +32,7 @@ class RebuildFixture : public testing::Test {
         record.URL = record.URLRawValue = url;
         record.host = ParseHost(url);
         record.CacheFolderName = "ABCDEFGH";
-        record.CacheFileName = "file" + std::to_string(++m_files) + "." + GetFileExtension(url);
+        record.CacheFileName = "file" + std::to_string(++m_files) + "." + getFileExtension(url);
         const auto file = evidenceFolder / record.CacheFolderName / record.CacheFileName;
         record.RootPath = evidence.rootOf(file);
         record.CacheFileRelativePath = evidence.relativeOf(file);

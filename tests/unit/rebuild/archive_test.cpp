@@ -35,7 +35,7 @@ TEST_F(ArchiveTest, readsItsTrailerIndexAndNames) {
     const std::uint32_t area = archive.u32le(archive.size() - 4);
     EXPECT_EQ(archive.sub(area, 4).raw(), "HASH");
     EXPECT_EQ(archive.u32le(area + 8), 12u + 11 + 2); // gap, name, gap, data
-    EXPECT_EQ(readArchive(archive).FileItems.Item(2).FileName, "0000002.gif");
+    EXPECT_EQ(readArchive(archive).FileItems.item(2).FileName, "0000002.gif");
 }
 
 TEST_F(ArchiveTest, needsAPage) {

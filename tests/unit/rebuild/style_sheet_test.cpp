@@ -13,7 +13,7 @@ class StyleSheetTest : public test::RebuildFixture {
     /// A picture as Internet Explorer keeps it, with a number after its name.
     UrlId picture(const std::string &url, const std::string &content = "GIF89a") {
         const UrlId id = add(url, content);
-        const std::string name(GetFilenameFromPath(url));
+        const std::string name(getFilenameFromPath(url));
         SQLite::Statement update(project.connection(),
                                  "UPDATE URLs SET CacheFileName = ? WHERE URL_ID = ?");
         update.bind(1, name.substr(0, name.size() - 4) + "[1]" + name.substr(name.size() - 4));

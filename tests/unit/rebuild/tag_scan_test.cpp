@@ -32,8 +32,8 @@ std::vector<std::string> valuesIn(std::string_view text) {
 
 URLTag only(std::string_view text) {
     const URLTags tags = reconcileTags(scan(text));
-    EXPECT_EQ(tags.Count(), 1u) << text;
-    return tags.Count() > 0 ? tags.Item(1) : URLTag();
+    EXPECT_EQ(tags.count(), 1u) << text;
+    return tags.count() > 0 ? tags.item(1) : URLTag();
 }
 
 TEST(TagScan, findsAValueInQuotationMarks) {
@@ -73,10 +73,10 @@ TEST(TagScan, knowsAllNineRules) {
 
 TEST(TagScan, givesOnePlaceToSeveralRules) {
     const URLTags tags = scan("x{background: url(a/pic.gif) }");
-    ASSERT_EQ(tags.Count(), 2u);
-    EXPECT_EQ(tags.Item(1).TagType, "STYLE:URL2:BACKGROUND");
-    EXPECT_EQ(tags.Item(2).TagType, "STYLE:URL:OTHER");
-    EXPECT_EQ(tags.Item(1).FileOffset, tags.Item(2).FileOffset);
+    ASSERT_EQ(tags.count(), 2u);
+    EXPECT_EQ(tags.item(1).TagType, "STYLE:URL2:BACKGROUND");
+    EXPECT_EQ(tags.item(2).TagType, "STYLE:URL:OTHER");
+    EXPECT_EQ(tags.item(1).FileOffset, tags.item(2).FileOffset);
 }
 
 TEST(TagScan, closesAQuotedValueInAParenthesisAtOnce) {
@@ -85,8 +85,8 @@ TEST(TagScan, closesAQuotedValueInAParenthesisAtOnce) {
 
 TEST(TagScan, closesOnTheQuotationMarkAfterABlank) {
     const URLTags tags = scan("<img src= \"a/pic.gif\" >");
-    ASSERT_EQ(tags.Count(), 1u);
-    EXPECT_EQ(tags.Item(1).OriginalTag, " ");
+    ASSERT_EQ(tags.count(), 1u);
+    EXPECT_EQ(tags.item(1).OriginalTag, " ");
 }
 
 TEST(TagScan, passesOverDigitsThatOpenAValue) {
@@ -130,7 +130,7 @@ TEST(TagScan, abandonsAValueThatDoesNotEnd) {
 TEST(TagScan, endsARuleAtTheEndOfTheText) {
     EXPECT_THAT(valuesIn("<img src=\"pic.gif\""), IsEmpty()); // the last character isn't looked at
     EXPECT_THAT(valuesIn("src="), IsEmpty());
-    EXPECT_EQ(scan("").Count(), 0u);
+    EXPECT_EQ(scan("").count(), 0u);
 }
 
 TEST(TagScan, worksOnBytes) {
@@ -151,7 +151,7 @@ URLTags tagsOf(std::initializer_list<const char *> values) {
         URLTag tag;
         tag.OriginalTag = value;
         tag.TagType = "T";
-        tags.Add(tag);
+        tags.add(tag);
     }
     return tags;
 }
@@ -181,8 +181,8 @@ TEST(Reconciling, leavesABlankThatItDoesNotReach) {
 
 TEST(Reconciling, tellsTypesApart) {
     URLTags tags = tagsOf({"a", "a"});
-    tags.Item(2).TagType = "U";
-    EXPECT_EQ(reconcileTags(tags).Count(), 2u);
+    tags.item(2).TagType = "U";
+    EXPECT_EQ(reconcileTags(tags).count(), 2u);
 }
 
 /// The steps as they were laid down, walk and all.
@@ -210,7 +210,7 @@ TEST(Reconciling, agreesWithThePlainWay) {
             values.emplace_back(rest % 3 == 0 ? "" : rest % 3 == 1 ? "a" : "b");
             URLTag tag;
             tag.OriginalTag = values.back();
-            tags.Add(tag);
+            tags.add(tag);
         }
         std::vector<std::string> left;
         for (const URLTag &tag : reconcileTags(tags))

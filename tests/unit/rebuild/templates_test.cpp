@@ -181,7 +181,7 @@ TEST_F(TemplatesTest, leaveOutPartsThatAreGone) {
     std::filesystem::remove(rebuildFolderOf(page.URLID, context()) / "0000001.gif");
     ASSERT_EQ(create(page, IfTemplateExists::overwrite), TemplateResult::made);
     const Bytes bytes = readWhole(templatePathOf(page, templates));
-    EXPECT_EQ(readTemplate(ByteView(bytes)).records.Count(), 1u);
+    EXPECT_EQ(readTemplate(ByteView(bytes)).records.count(), 1u);
 }
 
 TEST_F(TemplatesTest, withoutAHashSectionChangeNothing) {

@@ -96,8 +96,8 @@ TEST_F(ExportTest, taggedRowsAreTakenWithTheirNumbersInTheTable) {
     project.db().exec("UPDATE URLs SET Tagged = 1 - Tagged");
     job.ExportAllRows = false;
     selectTagged(job, table, project.db());
-    ASSERT_EQ(job.SelectedURLs.Count(), 1U);
-    EXPECT_EQ(job.SelectedURLs.Item(std::size_t{1}).RowNumber, 2U);
+    ASSERT_EQ(job.SelectedURLs.count(), 1U);
+    EXPECT_EQ(job.SelectedURLs.item(std::size_t{1}).RowNumber, 2U);
     EXPECT_THAT(written(ExportFormat::delimited), HasSubstr("\r\n2|True|"));
 }
 
@@ -318,9 +318,9 @@ TEST_F(ExportTest, theColumnsOnShowAreOneText) {
     const std::string text = columnsAsString(shown);
     EXPECT_EQ(text, "Index|Index;|COL_URL_TAG;URL|COL_URL_VALUE;");
     const SelectedColumns columns = columnsFromString(text);
-    ASSERT_EQ(columns.Count(), 3U);
-    EXPECT_EQ(columns.Item("COL_URL_VALUE").ColumnHeader, "URL");
-    EXPECT_EQ(columns.Item(std::size_t{2}).KeyName, "COL_URL_TAG");
+    ASSERT_EQ(columns.count(), 3U);
+    EXPECT_EQ(columns.item("COL_URL_VALUE").ColumnHeader, "URL");
+    EXPECT_EQ(columns.item(std::size_t{2}).KeyName, "COL_URL_TAG");
 }
 
 TEST_F(ExportTest, theProjectAndTheEvidenceAreNotWrittenOver) {

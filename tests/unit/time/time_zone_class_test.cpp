@@ -99,17 +99,17 @@ TEST(GetBiasAsTime, staysPlusZeroWithoutABias) {
 
 TEST(FixedZoneNames, areThirtyFourWithTheirMisspellings) {
     const TimeZones names = FixedZoneNames();
-    ASSERT_EQ(names.Count(), 34u);
-    EXPECT_EQ(names.Item(1).tzBias, 0);
-    EXPECT_EQ(names.Item(1).tzName, "(GMT) Greenwich Mean Time: Dublin, Edinburgh, Lisbon, London");
-    EXPECT_EQ(names.Item(4).tzName, "(GMT+03:00) Baghdad, Kuwait, Moscow, Nairobi, St. Petersberg");
-    EXPECT_EQ(names.Item(6).tzName, "(GMT+04:00) Abu Dhabi, Muscat, Baku, Caucasa Standard Time");
-    EXPECT_EQ(names.Item(19).tzName,
+    ASSERT_EQ(names.count(), 34u);
+    EXPECT_EQ(names.item(1).tzBias, 0);
+    EXPECT_EQ(names.item(1).tzName, "(GMT) Greenwich Mean Time: Dublin, Edinburgh, Lisbon, London");
+    EXPECT_EQ(names.item(4).tzName, "(GMT+03:00) Baghdad, Kuwait, Moscow, Nairobi, St. Petersberg");
+    EXPECT_EQ(names.item(6).tzName, "(GMT+04:00) Abu Dhabi, Muscat, Baku, Caucasa Standard Time");
+    EXPECT_EQ(names.item(19).tzName,
               "(GTM+12:00) Auckland, Wellington, Fiji, Kamchatka, marshall Is.");
-    EXPECT_EQ(names.Item(20).tzBias, 780);
-    EXPECT_EQ(names.Item(21).tzBias, -60);
-    EXPECT_EQ(names.Item(34).tzBias, -720);
-    EXPECT_EQ(names.Item(34).tzName, "(GMT-12:00) International Date Line West");
+    EXPECT_EQ(names.item(20).tzBias, 780);
+    EXPECT_EQ(names.item(21).tzBias, -60);
+    EXPECT_EQ(names.item(34).tzBias, -720);
+    EXPECT_EQ(names.item(34).tzName, "(GMT-12:00) International Date Line West");
 }
 
 TEST(GetTimeZoneName, keepsTheNameItFinds) {
@@ -125,10 +125,10 @@ TEST(TimeZoneCollection, takesEveryMemberIntoAZoneOfItsOwn) {
     TimeZoneClass zone = zoneOf(300, -60, 1);
     zone.tzDSTBegins = std::string("any value");
     TimeZoneCollection zones;
-    zones.Add(zone, "eastern");
+    zones.add(zone, "eastern");
     zone.tzBias = 0;
-    EXPECT_EQ(zones.Item("Eastern").tzBias, 300);
-    EXPECT_EQ(std::any_cast<std::string>(zones.Item(1).tzDSTBegins), "any value");
+    EXPECT_EQ(zones.item("Eastern").tzBias, 300);
+    EXPECT_EQ(std::any_cast<std::string>(zones.item(1).tzDSTBegins), "any value");
 }
 
 TEST(ConvertDateToZone, appliesTheBiasAndTheDaylightBias) {

@@ -52,13 +52,13 @@ TEST(UrlColumns, hideThreeFromTheStart) {
 
 TEST(UrlColumns, makeTheListOfColumns) {
     URLTableColumns columns = defaultUrlColumns();
-    EXPECT_EQ(columns.Count(), 51u);
-    const ColumnClass &host = columns.Item("COL_URL_HOST");
+    EXPECT_EQ(columns.count(), 51u);
+    const ColumnClass &host = columns.item("COL_URL_HOST");
     EXPECT_EQ(host.ColumnHeader, "Host");
     EXPECT_EQ(host.DefaultColWidth, 2800);
     EXPECT_EQ(host.SQLOrdinalIndex, 27);
     EXPECT_FALSE(host.HideColumn);
-    EXPECT_TRUE(columns.Item("COL_URL_FILEID").HideColumn);
+    EXPECT_TRUE(columns.item("COL_URL_FILEID").HideColumn);
 }
 
 TEST(HeaderText, namesTheOffsetOfTheZoneOnASecondLine) {

@@ -55,7 +55,7 @@ TEST_F(GalleryTest, showsRowsWithAThumbnailByHost) {
 TEST_F(GalleryTest, isEmptyWithoutThumbnails) {
     EXPECT_EQ(load(), LoadResult::Loaded);
     EXPECT_EQ(gallery.GalleryADOPageCount(), 0);
-    EXPECT_EQ(gallery.gallery().Tiles.Count(), 0u);
+    EXPECT_EQ(gallery.gallery().Tiles.count(), 0u);
     EXPECT_TRUE(gallery.lastPage());
     EXPECT_TRUE(gallery.nextPage());
     EXPECT_EQ(gallery.GalleryADOPage(), 1);
@@ -114,17 +114,17 @@ TEST_F(GalleryTest, aTileHasItsCellCaptionAndTick) {
     made.db().exec(fmt::format("UPDATE URLs SET Tagged = 1 WHERE URL_ID = {}", id));
     gallery.settings.tilesPerRow = 2;
     ASSERT_EQ(load(), LoadResult::Loaded);
-    const TileClass &first = gallery.gallery().Tiles.Item(std::size_t{1});
+    const TileClass &first = gallery.gallery().Tiles.item(std::size_t{1});
     EXPECT_EQ(captionOf(first), "ID #0000001");
     EXPECT_EQ(first.ToolTip, "http://host/p");
     EXPECT_TRUE(first.Tagged);
     EXPECT_FALSE(first.Selected);
     EXPECT_EQ(first.PARDValue, 88);
-    const TileClass &third = gallery.gallery().Tiles.Item(std::size_t{3});
+    const TileClass &third = gallery.gallery().Tiles.item(std::size_t{3});
     EXPECT_FALSE(third.Tagged);
     EXPECT_EQ(third.XCoord, 0);
     EXPECT_EQ(third.YCoord, 1);
-    EXPECT_EQ(gallery.gallery().Tiles.Item(std::size_t{2}).XCoord, 1);
+    EXPECT_EQ(gallery.gallery().Tiles.item(std::size_t{2}).XCoord, 1);
 }
 
 TEST(GalleryCaption, hasTheLastSevenDigits) {

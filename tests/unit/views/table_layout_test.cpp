@@ -135,8 +135,8 @@ TEST(TableLayout, survivesACloseAndAnOpenOfTheProject) {
 TEST(FormatColumns, takesHeaderAndVisibilityByKey) {
     TableLayout layout;
     URLTableColumns columns;
-    columns.Add({"COL_URL_HOST", 0, 0, "Server", true}, "COL_URL_HOST");
-    columns.Add({"COL_URL_NONE", 0, 0, "None", true}, "COL_URL_NONE");
+    columns.add({"COL_URL_HOST", 0, 0, "Server", true}, "COL_URL_HOST");
+    columns.add({"COL_URL_NONE", 0, 0, "None", true}, "COL_URL_NONE");
     layout.FormatColumns(columns);
     EXPECT_EQ(layout.header(UrlColumn::Host), "Server");
     EXPECT_TRUE(layout.hidden(UrlColumn::Host));

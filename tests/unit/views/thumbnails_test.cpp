@@ -31,9 +31,9 @@ class ThumbnailsTest : public testing::Test {
         URLClass record;
         record.cacheType = "IE Cache";
         record.URL = url;
-        record.URLFileExt = GetFileExtension(url);
+        record.URLFileExt = getFileExtension(url);
         record.CacheFileName = name;
-        record.CacheFileExt = GetFileExtension(name);
+        record.CacheFileExt = getFileExtension(name);
         const auto file = evidenceFolder / name;
         record.RootPath = evidence.rootOf(file);
         record.CacheFileRelativePath = evidence.relativeOf(file);
