@@ -160,7 +160,7 @@ bool Application::takeZone() {
         return true;
     if (!setZone(m_program, *m_options.Time_Zone_ID))
         return false;
-    const TimeZoneClass &zone = m_state.GMTZone;
+    const TimeZone &zone = m_state.GMTZone;
     writeText(m_settings, "TimeZoneBias", fmt::format("{}", zone.tzBias));
     writeText(m_settings, "TimeZoneName", zone.tzName);
     writeText(m_settings, "TimeZoneID", fmt::format("{}", zone.tzTimeZoneID));

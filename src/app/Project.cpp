@@ -118,7 +118,7 @@ bool setZone(Program &program, std::int64_t id) {
     const Clock &clock = program.around.clock;
     const ZoneChange change =
         ZoneDatabase(program.paths.zones(), program.log)
-            .SetNewTimeZone(state.GMTZone, static_cast<std::int32_t>(id),
+            .setNewTimeZone(state.GMTZone, static_cast<std::int32_t>(id),
                             Date::fromTimePoint(clock.now() + clock.localOffset()),
                             state.EnableDSTChanges);
     if (change.errorNumber != 0)

@@ -44,7 +44,7 @@ std::span<const ProjectValueFacts> projectValueTable() {
 
 std::vector<ProjectValue> projectValuesInForce(const Program &program) {
     const ThisClass &state = program.thisClass;
-    const TimeZoneClass &zone = state.GMTZone;
+    const TimeZone &zone = state.GMTZone;
     return {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
             {"TimeZoneName", zone.tzName},
             {"TimeZoneID", fmt::format("{}", zone.tzTimeZoneID)},

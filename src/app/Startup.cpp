@@ -40,9 +40,9 @@ void findCompanionTool(Program &program) {
 /// The machine's zone without its daylight shift until a project sets one: see ZoneDatabase.
 void takeMachineZone(Program &program) {
     const Clock &clock = program.around.clock;
-    TimeZoneClass &zone = program.thisClass.GMTZone;
+    TimeZone &zone = program.thisClass.GMTZone;
     zone = ZoneDatabase(program.paths.zones(), program.log)
-               .GetSystemTimeZone(zone, program.around.systemTime.zone(),
+               .getSystemTimeZone(zone, program.around.systemTime.zone(),
                                   Date::fromTimePoint(clock.now() + clock.localOffset()));
 }
 

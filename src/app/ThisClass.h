@@ -2,7 +2,7 @@
 
 #include "app/SettingValues.h"
 #include "db/DatabaseClass.h"
-#include "time/TimeZoneClass.h"
+#include "time/TimeZone.h"
 #include "views/FiltersClass.h"
 #include "views/Pard.h"
 #include "views/QueryDefinitions.h"
@@ -55,7 +55,7 @@ struct ThisClass : QueryDefinitions, SettingValues {
 
     // Formats and time
     std::string DateTimeFormat;
-    TimeZoneClass GMTZone; ///< the zone of the open project
+    TimeZone GMTZone; ///< the zone of the open project
     /// The open project keeps a zone that could not be taken into force.
     bool ZoneIsUnread = false;
     bool EnableDSTChanges = true;

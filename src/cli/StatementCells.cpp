@@ -52,7 +52,7 @@ Cell StatementCells::cell(int index) const {
 std::string StatementCells::dateText(double days, Kind kind) const {
     const Date date = Date::fromDays(days);
     if (m_whom == For::people)
-        return formatDate(date, m_dates.DateTimeFormat());
+        return formatDate(date, m_dates.dateTimeFormat());
     std::string iso = isoUtc(date);
     if (kind == Kind::localDate && iso.ends_with('Z'))
         iso.pop_back();

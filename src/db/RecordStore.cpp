@@ -6,7 +6,7 @@
 #include "db/RecordColumns.h"
 #include "db/RecordNames.h"
 #include "db/SqliteErrors.h"
-#include "time/TimeZoneClass.h"
+#include "time/TimeZone.h"
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Database.h>
@@ -124,7 +124,7 @@ void RecordStore::complete(URLClass &record, const HistoryFile &file) const {
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal =
         record.ActionDateUTC.has()
-            ? ConvertDateToZone(record.ActionDateUTC, m_zone.GMTZone, m_zone.EnableDSTChanges)
+            ? convertDateToZone(record.ActionDateUTC, m_zone.GMTZone, m_zone.EnableDSTChanges)
             : Date();
     record.TimeAdded = Date::fromTimePoint(m_clock.now());
     record.Tag = false;

@@ -13,11 +13,11 @@
 
 namespace nv {
 
-struct TimeZoneClass;
+struct TimeZone;
 
 /// The project's zone, in which `ActionDateLocal` is stored.
 struct ProjectZone {
-    const TimeZoneClass &GMTZone;
+    const TimeZone &GMTZone;
     bool EnableDSTChanges = true;
 };
 

@@ -79,12 +79,12 @@ std::string ReportClass::logo() {
 }
 
 std::string ReportClass::zoneNote() const {
-    const TimeZoneClass &zone = m_ctx.GMTZone;
+    const TimeZone &zone = m_ctx.GMTZone;
     std::string note = fmt::format(
         "<div style='font-family:Tahoma,sans-serif;font-size:10px;width:760px;'>Results are "
         "displayed in Coordinated Universal Time (UTC).<br>\r\nThe active time bias is set to: "
         "{} {}",
-        htmlText(zone.tzBiasAsText), htmlText(zone.DaylightCode));
+        htmlText(zone.tzBiasAsText), htmlText(zone.daylightCode));
     if (zone.tzName != "DEFAULT")
         note += fmt::format("<br>\r\nTime Zone Setting: {}", htmlText(zone.tzName));
     return note + "</div>";

@@ -9,13 +9,13 @@ namespace nv {
 
 ZoneDate actionDate(const URLClass &record, const ReportContext &ctx) {
     const DateSettings &settings = ctx.settings.dates;
-    const TimeZoneClass &zone = ctx.GMTZone;
-    const Date local = ConvertDateToZone(record.ActionDateUTC, zone, settings.EnableDSTChanges);
+    const TimeZone &zone = ctx.GMTZone;
+    const Date local = convertDateToZone(record.ActionDateUTC, zone, settings.EnableDSTChanges);
     if (!local.has())
         return {};
     const bool daylight = shownAsDaylight(local, zone, settings);
-    return {formatDate(local, settings.DateTimeFormat()),
-            zone.GetBiasAsTime(daylight ? zone.tzDSTBias : 0), daylight ? "DST" : "STD"};
+    return {formatDate(local, settings.dateTimeFormat()),
+            zone.getBiasAsTime(daylight ? zone.tzDSTBias : 0), daylight ? "DST" : "STD"};
 }
 
 std::string visitsText(std::int64_t visits) {

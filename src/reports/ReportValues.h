@@ -17,7 +17,7 @@ struct ZoneDate {
     std::string bias;     ///< "-0500"
     std::string daylight; ///< "DST" or "STD"
 };
-/// Of the record's action. Throws std::range_error as ConvertDateToZone() does.
+/// Of the record's action. Throws std::range_error as convertDateToZone() does.
 ZoneDate actionDate(const URLClass &record, const ReportContext &ctx);
 
 /// Empty where the artefact counts no visits.

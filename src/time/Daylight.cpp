@@ -47,24 +47,24 @@ Boundaries boundariesOf(c::year year) {
 
 } // namespace
 
-Date FirstWeekdayOfMonth(int weekday, Date dayOfMonth) {
-    return NthWeekdayOfMonth(weekday, 1, dayOfMonth);
+Date firstWeekdayOfMonth(int weekday, Date dayOfMonth) {
+    return nthWeekdayOfMonth(weekday, 1, dayOfMonth);
 }
 
-Date LastWeekdayOfMonth(int weekday, Date dayOfMonth) {
+Date lastWeekdayOfMonth(int weekday, Date dayOfMonth) {
     if (!usable(weekday, dayOfMonth))
         return Date::fromDays(kFailure);
     return dateOf(monthOf(dayOfMonth) / chronoWeekday(weekday)[c::last]);
 }
 
-Date NthWeekdayOfMonth(int weekday, int count, Date dayOfMonth) {
+Date nthWeekdayOfMonth(int weekday, int count, Date dayOfMonth) {
     if (!usable(weekday, dayOfMonth) || count < 1 || count > 5)
         return Date::fromDays(kFailure);
     const auto day = monthOf(dayOfMonth) / chronoWeekday(weekday)[static_cast<unsigned>(count)];
     return day.ok() ? dateOf(day) : Date::fromDays(kFailure);
 }
 
-bool IsDSTInEffect(Date date, int latitudeBias) {
+bool isDSTInEffect(Date date, int latitudeBias) {
     const bool hasRule = latitudeBias == 1 || latitudeBias == -1;
     // A missing date compares false with everything.
     if (!hasRule || !(date.days() > 0))

@@ -1,8 +1,8 @@
-#include "time/TimeZoneClass.h"
+#include "time/TimeZone.h"
 
 namespace nv {
 
-TimeZones FixedZoneNames() {
+TimeZones fixedZoneNames() {
     // Reports of earlier cases quote these names: their misspellings stay.
     static constexpr struct {
         std::int16_t bias;

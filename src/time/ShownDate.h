@@ -1,7 +1,7 @@
 #pragma once
 
 #include "time/DateFormat.h"
-#include "time/TimeZoneClass.h"
+#include "time/TimeZone.h"
 
 #include <string>
 #include <string_view>
@@ -17,25 +17,24 @@ struct DateSettings {
     bool EnableDSTChanges = true;
     int currentYear = 0; ///< dates of the zone are shown from 10 years before it on
 
-    std::string DateTimeFormat() const { return DateFormat + " " + TimeFormat; }
+    std::string dateTimeFormat() const { return DateFormat + " " + TimeFormat; }
 };
 
 /// True when the mark of a date of the zone is "DST". The mark is tested on the converted date and
 /// the conversion on the UTC date: around a change of the clocks the two can differ.
-bool shownAsDaylight(Date local, const TimeZoneClass &zone, const DateSettings &settings);
+bool shownAsDaylight(Date local, const TimeZone &zone, const DateSettings &settings);
 
 /// The zone's date in the table: "2009-02-13 18:31:30 STD". Empty for a date of more than 10 years
-/// ago. Throws std::range_error as ConvertDateToZone() does.
-std::string zoneCell(Date actionDateUTC, const TimeZoneClass &zone, const DateSettings &settings);
+/// ago. Throws std::range_error as convertDateToZone() does.
+std::string zoneCell(Date actionDateUTC, const TimeZone &zone, const DateSettings &settings);
 /// The same date among the properties: "2009-02-13 18:31:30 [-0500 STD]".
-std::string zoneProperty(Date actionDateUTC, const TimeZoneClass &zone,
-                         const DateSettings &settings);
+std::string zoneProperty(Date actionDateUTC, const TimeZone &zone, const DateSettings &settings);
 
 std::string utcCell(Date actionDateUTC, const DateSettings &settings);
 /// With " [UTC]" after it when the year is above 1980.
 std::string utcProperty(Date actionDateUTC, const DateSettings &settings);
 
 /// What the heading of the zone's column says of the zone: "[UTC -0500]", or "[+0000]".
-std::string zoneHeading(const TimeZoneClass &zone);
+std::string zoneHeading(const TimeZone &zone);
 
 } // namespace nv

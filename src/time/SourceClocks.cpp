@@ -50,25 +50,25 @@ Date shifted(Date date, std::chrono::seconds offset) {
 
 } // namespace
 
-Date UnixSecondsToDate(std::int64_t seconds) {
-    return UnixSecondsToDate(std::to_string(seconds));
+Date unixSecondsToDate(std::int64_t seconds) {
+    return unixSecondsToDate(std::to_string(seconds));
 }
 
-Date UnixSecondsToDate(std::string_view text) {
+Date unixSecondsToDate(std::string_view text) {
     const auto number = numberOf(charSub(text, 0, kUnixCharacters));
-    const Date date = number ? SecondsToDate1970(*number) : Date();
+    const Date date = number ? secondsToDate1970(*number) : Date();
     return date.has() ? date : Date::fromDays(Date::kUnixEpoch);
 }
 
-Date SecondsToDate1970(double seconds) {
+Date secondsToDate1970(double seconds) {
     return secondsSince(0, seconds);
 }
 
-Date SecondsToDate2001(double seconds) {
+Date secondsToDate2001(double seconds) {
     return secondsSince(kSecondsFrom1970To2001, seconds);
 }
 
-Date ChromeTimeToDate(std::int64_t microseconds) {
+Date chromeTimeToDate(std::int64_t microseconds) {
     namespace c = std::chrono;
     const auto whole = c::floor<c::seconds>(c::microseconds(microseconds));
     return Date::fromUnixSeconds(whole.count() - kSecondsFrom1601To1970);
@@ -81,15 +81,15 @@ Date fileTimeToUtc(std::uint64_t ticks) {
     return Date::fromUnixSeconds(whole - kSecondsFrom1601To1970);
 }
 
-Date FileTimeToLocalDate(std::uint64_t ticks, const Clock &clock) {
-    return UTCDateToLocal(fileTimeToUtc(ticks), clock);
+Date fileTimeToLocalDate(std::uint64_t ticks, const Clock &clock) {
+    return utcDateToLocal(fileTimeToUtc(ticks), clock);
 }
 
-Date LocalDateToUTC(Date local, const Clock &clock) {
+Date localDateToUTC(Date local, const Clock &clock) {
     return shifted(local, -clock.localOffset());
 }
 
-Date UTCDateToLocal(Date utc, const Clock &clock) {
+Date utcDateToLocal(Date utc, const Clock &clock) {
     return shifted(utc, clock.localOffset());
 }
 

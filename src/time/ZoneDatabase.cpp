@@ -36,17 +36,17 @@ std::int16_t minutesOf(SQLite::Statement &query, const char *column) {
 ZoneRow rowOf(SQLite::Statement &query) {
     ZoneRow row;
     row.Time_Zone_ID = query.getColumn("Time_Zone_ID").getInt();
-    row.UTC_Offset = textOf(query, "UTC_Offset");
-    row.Landmarks = textOf(query, "Landmarks");
-    row.STD_Time_Zone = textOf(query, "STD_Time_Zone");
-    row.DST_Time_Zone = textOf(query, "DST_Time_Zone");
-    row.STD_Code = textOf(query, "STD_Code");
-    row.DST_Code = textOf(query, "DST_Code");
-    row.STD_Bias = minutesOf(query, "STD_Bias");
+    row.utcOffset = textOf(query, "UTC_Offset");
+    row.landmarks = textOf(query, "Landmarks");
+    row.stdTimeZone = textOf(query, "STD_Time_Zone");
+    row.dstTimeZone = textOf(query, "DST_Time_Zone");
+    row.stdCode = textOf(query, "STD_Code");
+    row.dstCode = textOf(query, "DST_Code");
+    row.stdBias = minutesOf(query, "STD_Bias");
     if (!query.getColumn("DST_Bias").isNull())
-        row.DST_Bias = minutesOf(query, "DST_Bias");
-    row.Latitude_Bias = minutesOf(query, "Latitude_Bias");
-    row.UsesDST = query.getColumn("UsesDST").getInt() != 0;
+        row.dstBias = minutesOf(query, "DST_Bias");
+    row.latitudeBias = minutesOf(query, "Latitude_Bias");
+    row.usesDST = query.getColumn("UsesDST").getInt() != 0;
     return row;
 }
 
@@ -75,51 +75,51 @@ std::vector<ZoneRow> trappedSelect(FailureLog &log, const char *procedure,
                    [&] { return select(file, errorNumber, condition, values...); });
 }
 
-/// The hemisphere turns the sign of the daylight bias here, other than in ConvertDateToZone().
+/// The hemisphere turns the sign of the daylight bias here, other than in convertDateToZone().
 std::int16_t activeDaylightBias(const ZoneRow &row) {
-    return narrow(row.STD_Bias + std::int64_t{row.Latitude_Bias} * row.DST_Bias.value_or(0),
+    return narrow(row.stdBias + std::int64_t{row.latitudeBias} * row.dstBias.value_or(0),
                   "the active bias");
 }
 
-void showActiveBias(TimeZoneClass &zone) {
-    zone.tzBiasAsText = FormatBiasText(narrow(-zone.tzActiveBias, "the active bias"));
+void showActiveBias(TimeZone &zone) {
+    zone.tzBiasAsText = formatBiasText(narrow(-zone.tzActiveBias, "the active bias"));
 }
 
-void setFromRow(TimeZoneClass &zone, const ZoneRow &row, bool daylightNow) {
+void setFromRow(TimeZone &zone, const ZoneRow &row, bool daylightNow) {
     zone.tzTimeZoneID = row.Time_Zone_ID;
-    zone.tzBias = row.STD_Bias;
-    zone.tzDSTBias = row.DST_Bias.value_or(0);
-    zone.tzLatitudeBias = row.Latitude_Bias;
-    zone.DSTAdjustment = zone.DSTInEffect = daylightNow;
-    zone.DaylightCode = daylightNow ? "DST" : "STD";
-    zone.tzName = row.STD_Time_Zone;
+    zone.tzBias = row.stdBias;
+    zone.tzDSTBias = row.dstBias.value_or(0);
+    zone.tzLatitudeBias = row.latitudeBias;
+    zone.dstAdjustment = zone.dstInEffect = daylightNow;
+    zone.daylightCode = daylightNow ? "DST" : "STD";
+    zone.tzName = row.stdTimeZone;
 }
 
-void detectFromRow(TimeZoneClass &zone, const ZoneRow &row, bool ruleInEffect) {
-    zone.tzBias = zone.tzActiveBias = row.STD_Bias;
-    zone.DaylightCode = row.DST_Code;
-    zone.DSTAdjustment = row.DST_Bias.has_value();
+void detectFromRow(TimeZone &zone, const ZoneRow &row, bool ruleInEffect) {
+    zone.tzBias = zone.tzActiveBias = row.stdBias;
+    zone.daylightCode = row.dstCode;
+    zone.dstAdjustment = row.dstBias.has_value();
     if (!ruleInEffect)
-        zone.DSTInEffect = false;
-    // A zone without daylight time leaves DSTInEffect as it was.
-    if (ruleInEffect && row.UsesDST) {
-        zone.DSTInEffect = true;
+        zone.dstInEffect = false;
+    // A zone without daylight time leaves dstInEffect as it was.
+    if (ruleInEffect && row.usesDST) {
+        zone.dstInEffect = true;
         zone.tzActiveBias = activeDaylightBias(row);
     }
     showActiveBias(zone);
-    zone.tzDaylightCode = row.DST_Code;
-    zone.tzDaylightName = row.DST_Time_Zone;
-    zone.tzLatitudeBias = row.Latitude_Bias;
+    zone.tzDaylightCode = row.dstCode;
+    zone.tzDaylightName = row.dstTimeZone;
+    zone.tzLatitudeBias = row.latitudeBias;
     zone.tzLongitudeBias = static_cast<std::int16_t>((zone.tzBias > 0) - (zone.tzBias < 0));
-    zone.tzName = "(UTC" + row.UTC_Offset + ") " + row.STD_Time_Zone;
-    zone.tzStandardCode = row.STD_Code;
-    zone.tzStandardName = row.STD_Time_Zone;
+    zone.tzName = "(UTC" + row.utcOffset + ") " + row.stdTimeZone;
+    zone.tzStandardCode = row.stdCode;
+    zone.tzStandardName = row.stdTimeZone;
     zone.tzTimeZoneID = row.Time_Zone_ID;
 }
 
 } // namespace
 
-ZoneChange ZoneDatabase::SetNewTimeZone(TimeZoneClass &zone, std::int32_t id, Date now,
+ZoneChange ZoneDatabase::setNewTimeZone(TimeZone &zone, std::int32_t id, Date now,
                                         bool enableDSTChanges) const {
     static constexpr auto kProcedure = "OptionsForm.SetNewTimeZone()";
     ZoneChange change;
@@ -129,10 +129,9 @@ ZoneChange ZoneDatabase::SetNewTimeZone(TimeZoneClass &zone, std::int32_t id, Da
         return change;
     const ZoneRow &row = rows.front();
     change.found = true;
-    setFromRow(zone, row, IsDSTInEffect(now, row.Latitude_Bias) && enableDSTChanges);
+    setFromRow(zone, row, isDSTInEffect(now, row.latitudeBias) && enableDSTChanges);
     const bool shown = succeeds(m_log, Severity::Warning, kProcedure, kContactSupport, [&] {
-        zone.tzActiveBias =
-            row.UsesDST && zone.DSTInEffect ? activeDaylightBias(row) : row.STD_Bias;
+        zone.tzActiveBias = row.usesDST && zone.dstInEffect ? activeDaylightBias(row) : row.stdBias;
         showActiveBias(zone);
     });
     if (!shown)
@@ -140,8 +139,8 @@ ZoneChange ZoneDatabase::SetNewTimeZone(TimeZoneClass &zone, std::int32_t id, Da
     return change;
 }
 
-TimeZoneClass ZoneDatabase::GetSystemTimeZone(TimeZoneClass zone, const MachineZone &machine,
-                                              Date now) const {
+TimeZone ZoneDatabase::getSystemTimeZone(TimeZone zone, const MachineZone &machine,
+                                         Date now) const {
     static constexpr auto kProcedure = "TimeFunctions_Revised.GetSystemTimeZone()";
     const std::string name(charSub(machine.standardName, 0, kMachineNameCharacters));
     int errorNumber = 0;
@@ -151,10 +150,10 @@ TimeZoneClass ZoneDatabase::GetSystemTimeZone(TimeZoneClass zone, const MachineZ
                       "WHERE STD_Bias = ?1 AND STD_Time_Zone LIKE ?2 || '%' "
                       "ORDER BY lower(trim(STD_Time_Zone)) <> lower(?2), Time_Zone_ID",
                       machine.biasMinutes, name);
-    TimeZoneClass result = zone;
+    TimeZone result = zone;
     const bool detected =
         !rows.empty() && succeeds(m_log, Severity::Warning, kProcedure, kContactSupport, [&] {
-            detectFromRow(result, rows.front(), IsDSTInEffect(now, rows.front().Latitude_Bias));
+            detectFromRow(result, rows.front(), isDSTInEffect(now, rows.front().latitudeBias));
         });
     if (detected)
         return result;
@@ -168,17 +167,16 @@ std::vector<ZoneRow> ZoneDatabase::listZones() const {
                          "ORDER BY UTC_Offset ASC, Time_Zone_ID");
 }
 
-std::optional<std::size_t> placeInList(const std::vector<ZoneRow> &rows,
-                                       const TimeZoneClass &zone) {
+std::optional<std::size_t> placeInList(const std::vector<ZoneRow> &rows, const TimeZone &zone) {
     std::optional<std::size_t> sameBias;
     for (std::size_t place = 0; place < rows.size(); ++place) {
         const ZoneRow &row = rows[place];
         if (row.Time_Zone_ID == zone.tzTimeZoneID)
             return place;
-        if (row.STD_Bias != zone.tzBias)
+        if (row.stdBias != zone.tzBias)
             continue;
-        const bool canada = containsNoCase(row.Landmarks, "Canada");
-        if (!sameBias || (canada && !containsNoCase(rows[*sameBias].Landmarks, "Canada")))
+        const bool canada = containsNoCase(row.landmarks, "Canada");
+        if (!sameBias || (canada && !containsNoCase(rows[*sameBias].landmarks, "Canada")))
             sameBias = place;
     }
     return sameBias;

@@ -2,7 +2,7 @@
 
 #include "base/FailureLog.h"
 #include "platform/SystemTime.h"
-#include "time/TimeZoneClass.h"
+#include "time/TimeZone.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -16,19 +16,19 @@ namespace nv {
 /// A row of `Time_Zones`; see docs/formats/nvtz.md. Texts are trimmed.
 struct ZoneRow {
     std::int32_t Time_Zone_ID = 0;
-    std::string UTC_Offset; ///< such as "-05:00"
-    std::string Landmarks;
-    std::string STD_Time_Zone;
-    std::string DST_Time_Zone;
-    std::string STD_Code;
-    std::string DST_Code;
-    std::int16_t STD_Bias = 0; ///< minutes, west of Greenwich positive
-    std::optional<std::int16_t> DST_Bias;
-    std::int16_t Latitude_Bias = 0;
-    bool UsesDST = false;
+    std::string utcOffset; ///< such as "-05:00"
+    std::string landmarks;
+    std::string stdTimeZone;
+    std::string dstTimeZone;
+    std::string stdCode;
+    std::string dstCode;
+    std::int16_t stdBias = 0; ///< minutes, west of Greenwich positive
+    std::optional<std::int16_t> dstBias;
+    std::int16_t latitudeBias = 0;
+    bool usesDST = false;
 
     /// As zone lists show it: "(UTC-05:00) Eastern Time (US & Canada)".
-    std::string listText() const { return "(UTC" + UTC_Offset + ") " + Landmarks; }
+    std::string listText() const { return "(UTC" + utcOffset + ") " + landmarks; }
 };
 
 /// How a change of zone came out. With a failure the message to the examiner is
@@ -49,16 +49,16 @@ class ZoneDatabase {
 
     /// Makes `zone` the row `id`; without such a row, or when it can't be read, nothing changes.
     /// When the active bias overflows, the zone stays half set.
-    ZoneChange SetNewTimeZone(TimeZoneClass &zone, std::int32_t id, Date now,
+    ZoneChange setNewTimeZone(TimeZone &zone, std::int32_t id, Date now,
                               bool enableDSTChanges) const;
 
     /// `zone` changed to the first row that has the machine's bias and a name beginning with the
     /// machine's, in which % and _ count as in LIKE; to the default zone when there is none.
-    /// `tzDSTBias` stays as it was: until SetNewTimeZone() runs, dates convert without a daylight
+    /// `tzDSTBias` stays as it was: until setNewTimeZone() runs, dates convert without a daylight
     /// shift.
-    TimeZoneClass GetSystemTimeZone(TimeZoneClass zone, const MachineZone &machine, Date now) const;
+    TimeZone getSystemTimeZone(TimeZone zone, const MachineZone &machine, Date now) const;
 
-    /// All zones by the text of UTC_Offset; none when the file can't be read.
+    /// All zones by the text of utcOffset; none when the file can't be read.
     std::vector<ZoneRow> listZones() const;
 
   private:
@@ -68,6 +68,6 @@ class ZoneDatabase {
 
 /// The place in `rows` of the zone in use: the row of its id, otherwise one with its bias, of which
 /// a row of Canada wins.
-std::optional<std::size_t> placeInList(const std::vector<ZoneRow> &rows, const TimeZoneClass &zone);
+std::optional<std::size_t> placeInList(const std::vector<ZoneRow> &rows, const TimeZone &zone);
 
 } // namespace nv

@@ -54,7 +54,7 @@ Alphabet alphabetOfDates(const DateSettings &settings) {
     constexpr int kSteps = 366 * 2;
     for (int step = 0; step < kSteps; ++step) {
         const Date date = Date::fromDays(kFirst + step * 0.5417); // 13 hours on
-        dates.add(formatDate(date, settings.DateTimeFormat()));
+        dates.add(formatDate(date, settings.dateTimeFormat()));
         dates.add(formatDate(date, "dd-mmm-yyyy Hh:Nn:Ss"));
     }
     return dates;

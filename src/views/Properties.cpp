@@ -68,7 +68,7 @@ Date dateIn(const SQLite::Column &stored) {
 std::string otherDate(Date date, const DateSettings &dates) {
     if (!date.has() || date.civil().year <= kLastYearHidden)
         return {};
-    return formatDate(date, dates.DateTimeFormat());
+    return formatDate(date, dates.dateTimeFormat());
 }
 
 /// The values of a record's row, field by field.

@@ -27,7 +27,7 @@ struct Property {
 /// What the properties of a record are made with; all must outlive the call.
 struct PropertySource {
     SQLite::Database &project;
-    const TimeZoneClass &GMTZone;
+    const TimeZone &GMTZone;
     DateSettings dates;
     FailureLog &log;
     /// The picture's file; asked for pictures only. Empty when nobody wants the EXIF rows.

@@ -141,7 +141,7 @@ bool RowCells::isBadPath(const UrlRow &row) {
 std::string RowCells::dateText(const UrlRow &row, UrlColumn column) {
     const CellRule rule = factsOf(column).rule;
     if (rule == CellRule::Date)
-        return formatDate(storedDate(row, column), dates.DateTimeFormat());
+        return formatDate(storedDate(row, column), dates.dateTimeFormat());
     DateSettings shown = dates;
     if (rule == CellRule::LocalDate)
         shown.currentYear = 0; // no date is too old for it
@@ -156,7 +156,7 @@ std::string RowCells::dateText(const UrlRow &row, UrlColumn column) {
 std::string RowCells::zoneIso(const UrlRow &row) {
     std::string text;
     m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)), [&] {
-        const Date local = ConvertDateToZone(row.actionDateUtc, m_zone, dates.EnableDSTChanges);
+        const Date local = convertDateToZone(row.actionDateUtc, m_zone, dates.EnableDSTChanges);
         if (!local.has())
             return;
         const auto ahead =

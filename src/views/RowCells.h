@@ -15,7 +15,7 @@ namespace nv {
 /// The rules that make cells of a row. `zone` is the project's and is looked at anew for each cell.
 class RowCells {
   public:
-    RowCells(FailureLog &log, const TimeZoneClass &zone)
+    RowCells(FailureLog &log, const TimeZone &zone)
         : m_zone(zone), m_dateTrap(log, "MainForm.LoadURLs()") {}
 
     DateSettings dates;
@@ -34,7 +34,7 @@ class RowCells {
     std::string dateText(const UrlRow &row, UrlColumn column);
     std::string zoneIso(const UrlRow &row);
 
-    const TimeZoneClass &m_zone;
+    const TimeZone &m_zone;
     PathCheck m_paths;
     RecordTrap m_dateTrap; ///< for zones whose biases can't be added
 };

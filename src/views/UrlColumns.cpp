@@ -112,7 +112,7 @@ URLTableColumns defaultUrlColumns() {
     return columns;
 }
 
-std::string headerText(UrlColumn column, const TimeZoneClass &zone) {
+std::string headerText(UrlColumn column, const TimeZone &zone) {
     if (column == UrlColumn::ActionDateLocal)
         return "Action Date Local\n" + zoneHeading(zone);
     if (column == UrlColumn::LocalDate)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/KeyedList.h"
-#include "time/TimeZoneClass.h"
+#include "time/TimeZone.h"
 
 #include <array>
 #include <cstddef>
@@ -148,6 +148,6 @@ URLTableColumns defaultUrlColumns();
 
 /// The text of a header cell; that of a local date has a second line that names the zone's
 /// offset.
-std::string headerText(UrlColumn column, const TimeZoneClass &zone);
+std::string headerText(UrlColumn column, const TimeZone &zone);
 
 } // namespace nv

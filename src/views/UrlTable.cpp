@@ -29,7 +29,7 @@ void describeLoad(TaskMonitor &task) {
 
 } // namespace
 
-UrlTable::UrlTable(SQLite::Database &project, FailureLog &log, const TimeZoneClass &GMTZone)
+UrlTable::UrlTable(SQLite::Database &project, FailureLog &log, const TimeZone &GMTZone)
     : m_project(project), m_log(log), m_zone(GMTZone), m_pager(project, log, m_ids),
       m_cells(log, GMTZone) {
     std::vector<UrlColumn> shown;

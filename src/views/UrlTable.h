@@ -36,7 +36,7 @@ enum class EmptyState {
 /// only those that are at hand are given then.
 class UrlTable {
   public:
-    UrlTable(SQLite::Database &project, FailureLog &log, const TimeZoneClass &GMTZone);
+    UrlTable(SQLite::Database &project, FailureLog &log, const TimeZone &GMTZone);
 
     // What the next load takes up.
     RowChoice choice;
@@ -134,7 +134,7 @@ class UrlTable {
 
     SQLite::Database &m_project;
     FailureLog &m_log;
-    const TimeZoneClass &m_zone;
+    const TimeZone &m_zone;
     RowIds m_ids;
     std::size_t m_hidden = 0;
     bool m_oneByOne = false;

@@ -45,7 +45,7 @@ void lookAtScreen(UrlTable &table, std::size_t first) {
 /// From the command to the first rows on the screen.
 void loadAndShowFirstRows(benchmark::State &state) {
     BigProject &big = bigProject();
-    const TimeZoneClass zone{Date::fromDays(40000)};
+    const TimeZone zone{Date::fromDays(40000)};
     for (auto _ : state) {
         UrlTable table(big.project.connection(), big.project.log, zone);
         table.LoadURLs(big.task);
@@ -57,7 +57,7 @@ BENCHMARK(loadAndShowFirstRows)->Unit(benchmark::kMillisecond);
 /// The same in a layout that has rows without a date at the end: two statements over the index.
 void loadWithRowsWithoutADateLast(benchmark::State &state) {
     BigProject &big = bigProject();
-    const TimeZoneClass zone{Date::fromDays(40000)};
+    const TimeZone zone{Date::fromDays(40000)};
     for (auto _ : state) {
         UrlTable table(big.project.connection(), big.project.log, zone);
         table.undated = Undated::Last;
@@ -70,7 +70,7 @@ BENCHMARK(loadWithRowsWithoutADateLast)->Unit(benchmark::kMillisecond);
 /// With the order of a heading, which now holds over every load.
 void loadSorted(benchmark::State &state, UrlColumn column) {
     BigProject &big = bigProject();
-    const TimeZoneClass zone{Date::fromDays(40000)};
+    const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
     table.undated = Undated::Last;
     table.sort = ColumnSort{column, SortDirection::Descending};
@@ -83,7 +83,7 @@ BENCHMARK_CAPTURE(loadSorted, byHost, UrlColumn::Host)->Unit(benchmark::kMillise
 /// A screen of rows anywhere in the list, as dragging the scroll bar shows it.
 void showAScreenAnywhere(benchmark::State &state) {
     BigProject &big = bigProject();
-    const TimeZoneClass zone{Date::fromDays(40000)};
+    const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
     table.LoadURLs(big.task);
     std::size_t place = 0;
@@ -97,7 +97,7 @@ BENCHMARK(showAScreenAnywhere)->Unit(benchmark::kMillisecond);
 /// A hundred pages one after another, none of them at hand.
 void scrollAHundredPages(benchmark::State &state) {
     BigProject &big = bigProject();
-    const TimeZoneClass zone{Date::fromDays(40000)};
+    const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
     table.LoadURLs(big.task);
     std::size_t place = 0;
@@ -112,7 +112,7 @@ BENCHMARK(scrollAHundredPages)->Unit(benchmark::kMillisecond);
 /// The first load after an import: every row is looked at once for its base folder.
 void loadWithRowsNotSeenYet(benchmark::State &state) {
     BigProject &big = bigProject();
-    const TimeZoneClass zone{Date::fromDays(40000)};
+    const TimeZone zone{Date::fromDays(40000)};
     big.project.connection().exec("UPDATE URLs SET RootPath = '/evidence/'");
     UrlTable table(big.project.connection(), big.project.log, zone);
     table.RootPath = "/evidence/";
@@ -126,7 +126,7 @@ BENCHMARK(loadWithRowsNotSeenYet)->Unit(benchmark::kMillisecond);
 
 void loadThrough(benchmark::State &state, const FiltersClass &filters) {
     BigProject &big = bigProject();
-    const TimeZoneClass zone{Date::fromDays(40000)};
+    const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
     table.Filters = filters;
     table.Filters.EnableFilters = true;
@@ -158,7 +158,7 @@ BENCHMARK(loadThroughAllFilters)->Unit(benchmark::kMillisecond);
 /// Through all rows and back to the first: nothing holds the text.
 void findWithoutAMatch(benchmark::State &state, const char *text) {
     BigProject &big = bigProject();
-    const TimeZoneClass zone{Date::fromDays(40000)};
+    const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
     table.LoadURLs(big.task);
     FindText what{text, {}};
@@ -186,7 +186,7 @@ BENCHMARK(listTheHosts)->Unit(benchmark::kMillisecond);
 
 void sortByUrl(benchmark::State &state) {
     BigProject &big = bigProject();
-    const TimeZoneClass zone{Date::fromDays(40000)};
+    const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
     table.LoadURLs(big.task);
     for (auto _ : state)

@@ -32,11 +32,11 @@ void checkDate(nv::Date date, std::string_view format) {
     require(date.civil().year >= 100 && date.civil().year <= 9999);
     require(nv::Date::fromUnixSeconds(date.unixSeconds()) == date);
     const bool above = date.days() > 0;
-    require((nv::IsDSTInEffect(date, 1) != nv::IsDSTInEffect(date, -1)) == above);
+    require((nv::isDSTInEffect(date, 1) != nv::isDSTInEffect(date, -1)) == above);
 }
 
 void checkZone(nv::Date date, std::int16_t bias, std::string_view format) {
-    nv::TimeZoneClass zone(date);
+    nv::TimeZone zone(date);
     zone.tzBias = static_cast<std::int16_t>(bias / 2);
     zone.tzDSTBias = static_cast<std::int16_t>(bias / 4);
     nv::DateSettings settings;
@@ -63,12 +63,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     double seconds = 0;
     std::memcpy(&seconds, &stamp, sizeof seconds);
 
-    require(nv::UnixSecondsToDate(number).has());
-    require(nv::UnixSecondsToDate(text).has());
-    for (const nv::Date date : {nv::UnixSecondsToDate(number), nv::UnixSecondsToDate(text),
-                                nv::SecondsToDate1970(seconds), nv::SecondsToDate2001(seconds),
-                                nv::ChromeTimeToDate(number), nv::ChromeTimeToDate(stamp),
-                                nv::fileTimeToUtc(stamp), nv::FileTimeToLocalDate(stamp, clock),
+    require(nv::unixSecondsToDate(number).has());
+    require(nv::unixSecondsToDate(text).has());
+    for (const nv::Date date : {nv::unixSecondsToDate(number), nv::unixSecondsToDate(text),
+                                nv::secondsToDate1970(seconds), nv::secondsToDate2001(seconds),
+                                nv::chromeTimeToDate(number), nv::chromeTimeToDate(stamp),
+                                nv::fileTimeToUtc(stamp), nv::fileTimeToLocalDate(stamp, clock),
                                 nv::dosDateToUtc(low, static_cast<std::uint16_t>(stamp >> 16))}) {
         checkDate(date, text);
         checkZone(date, static_cast<std::int16_t>(low), text);

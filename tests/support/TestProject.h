@@ -4,7 +4,7 @@
 #include "db/RecordStore.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
-#include "time/TimeZoneClass.h"
+#include "time/TimeZone.h"
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Database.h>
@@ -20,7 +20,7 @@ struct TestProject {
     MemoryLog log;
     FixedClock clock;
     DatabaseClass database{log, clock};
-    TimeZoneClass zone{Date::fromTimePoint(clock.now())};
+    TimeZone zone{Date::fromTimePoint(clock.now())};
     HistoryFile file;
 
     TestProject() {

@@ -37,8 +37,8 @@ TimeZoneForm::TimeZoneForm(const std::vector<ZoneRow> &zones, int selected, QWid
 
 void TimeZoneForm::showZone(int place) {
     const ZoneRow zone = place >= 0 ? m_zones.at(static_cast<std::size_t>(place)) : ZoneRow();
-    m_observed->setChecked(zone.UsesDST);
-    m_offset->setText(toQt(zone.UTC_Offset));
+    m_observed->setChecked(zone.usesDST);
+    m_offset->setText(toQt(zone.utcOffset));
 }
 
 } // namespace nv

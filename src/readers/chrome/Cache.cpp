@@ -31,7 +31,7 @@ void setKeyURL(URLClass &record, const std::string &keyURL) {
 
 void setDates(URLClass &record, const ChromeHeaderClass &header, const Clock &clock) {
     record.ActionDateUTC = header.LastModifiedTime;
-    record.ActionDateLocal = UTCDateToLocal(header.LastModifiedTime, clock);
+    record.ActionDateLocal = utcDateToLocal(header.LastModifiedTime, clock);
     record.LastVisited = header.LastModifiedTime;
     record.CacheFileLastAccessed = header.LastModifiedTime;
     record.OtherDate = header.LastRequestedTime;

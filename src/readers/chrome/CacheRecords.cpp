@@ -29,8 +29,8 @@ constexpr std::array<std::uint32_t, 8> kBlockSizes = {0, 36, 0x100, 0x400, 0x100
 /// Two stamps that stand side by side; zeros when the block ends before their end.
 std::array<Date, 2> datesAt(ByteView block, std::uint64_t at) {
     const bool isWhole = block.has(at, 16);
-    return {ChromeTimeToDate(isWhole ? block.u64le(at) : 0),
-            ChromeTimeToDate(isWhole ? block.u64le(at + 8) : 0)};
+    return {chromeTimeToDate(isWhole ? block.u64le(at) : 0),
+            chromeTimeToDate(isWhole ? block.u64le(at + 8) : 0)};
 }
 
 /// Names have six digits; of a longer number they show the last six.

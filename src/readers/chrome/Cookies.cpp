@@ -33,7 +33,7 @@ enum Column : std::size_t { kHost, kName, kValue, kLastAccess, kCreation, kExpir
 
 Date dateOf(const Row &row, std::size_t column) {
     const std::int64_t stored = row.number(column).value_or(0);
-    return stored == 0 ? Date() : ChromeTimeToDate(stored);
+    return stored == 0 ? Date() : chromeTimeToDate(stored);
 }
 
 /// "v10", or empty for bytes that don't begin with a version.

@@ -31,7 +31,7 @@ constexpr VisitTable::Columns kVisits = {"visits", "url", "visit_time"};
 
 /// Chrome stores 0 for a page without a visit; it is not the year 1601.
 Date visitDate(std::optional<std::int64_t> stored) {
-    return stored.value_or(0) == 0 ? Date() : ChromeTimeToDate(*stored);
+    return stored.value_or(0) == 0 ? Date() : chromeTimeToDate(*stored);
 }
 
 URLClass pageRecord(const ReadContext &ctx, const Row &row, Date fileCreated) {
@@ -41,7 +41,7 @@ URLClass pageRecord(const ReadContext &ctx, const Row &row, Date fileCreated) {
         kChromeHistory.word, fileCreated);
     record.ActionDateUTC = visitDate(row.number(kLastVisitTime));
     record.LastVisited = record.ActionDateUTC;
-    record.ActionDateLocal = UTCDateToLocal(record.ActionDateUTC, ctx.clock);
+    record.ActionDateLocal = utcDateToLocal(record.ActionDateUTC, ctx.clock);
     record.WebpageTitle = row.text(kTitle);
     return record;
 }

@@ -58,7 +58,7 @@ mzRecordInfo infoOf(std::int64_t location) {
 
 /// A stamp that was never set is 0, which is not the year 1970.
 Date stampDate(std::uint32_t seconds) {
-    return seconds == 0 ? Date() : UnixSecondsToDate(std::int64_t{seconds});
+    return seconds == 0 ? Date() : unixSecondsToDate(std::int64_t{seconds});
 }
 
 mzRecordMetaData fieldsOf(ByteView header) {

@@ -66,7 +66,7 @@ void setBody(URLClass &url, const mzCacheRecord &record) {
 void setEvent(URLClass &url, const mzRecordMetaData &metaData, const Clock &clock) {
     url.Action = "Visited";
     url.ActionDateUTC = metaData.ActionDateUTC;
-    url.ActionDateLocal = UTCDateToLocal(url.ActionDateUTC, clock);
+    url.ActionDateLocal = utcDateToLocal(url.ActionDateUTC, clock);
     url.OtherDate = metaData.LastModified;
     url.OtherDateMeaning = "Last Modified";
     url.Visits = metaData.FetchCount;

@@ -27,7 +27,7 @@ enum Column : std::size_t { kHost, kName, kValue, kLastAccessed, kExpiry };
 /// The conversion keeps the first ten digits, so both units come out as seconds.
 Date dateOf(const Row &row, std::size_t column) {
     const std::int64_t stored = row.number(column).value_or(0);
-    return stored == 0 ? Date() : UnixSecondsToDate(stored);
+    return stored == 0 ? Date() : unixSecondsToDate(stored);
 }
 
 } // namespace

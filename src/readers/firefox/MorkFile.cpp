@@ -83,7 +83,7 @@ std::optional<double> morkFileClass::numberOf(std::string_view text) {
 
 Date morkFileClass::ConvertSecondsToUTCDate(std::string_view text) {
     const auto seconds = numberOf(text);
-    return seconds ? SecondsToDate1970(*seconds) : Date();
+    return seconds ? secondsToDate1970(*seconds) : Date();
 }
 
 void morkFileClass::header(std::string_view text) {

@@ -81,7 +81,7 @@ void setDates(URLClass &record, const morkEntryClass &entry, const Clock &clock,
     record.ActionDateUTC = storedDate(
         entry.LastVisitDate, "last visit at noon or midnight, stored without that date", result);
     record.LastVisited = record.ActionDateUTC;
-    record.ActionDateLocal = UTCDateToLocal(record.ActionDateUTC, clock);
+    record.ActionDateLocal = utcDateToLocal(record.ActionDateUTC, clock);
     record.OtherDate = storedDate(
         entry.FirstVisitDate, "first visit at noon or midnight, stored without that date", result);
     if (record.OtherDate.has())

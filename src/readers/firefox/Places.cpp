@@ -34,7 +34,7 @@ Date visitDate(const VisitTable::Page *page) {
     constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
     if (!page || page->firstDate.value_or(0) == 0)
         return {};
-    return UnixSecondsToDate(*page->firstDate / kMicrosecondsPerSecond);
+    return unixSecondsToDate(*page->firstDate / kMicrosecondsPerSecond);
 }
 
 /// Firefox counts no visit of these kinds: a page that was only downloaded, shown in a frame or

@@ -52,7 +52,7 @@ void setDates(URLClass &result, ByteView record, const Clock &clock) {
     result.OtherDateMeaning = "Cookie Modified";
     result.CacheFileLastAccessed = fileTimeToUtc(record.u64le(kLastUsed));
     result.ActionDateUTC = result.CacheFileLastAccessed;
-    result.ActionDateLocal = UTCDateToLocal(result.ActionDateUTC, clock);
+    result.ActionDateLocal = utcDateToLocal(result.ActionDateUTC, clock);
     result.ExpiryDate = expiryDate(record);
 }
 

@@ -127,8 +127,8 @@ constexpr std::array<Meaning, 8> kMeanings = {{
 /// A weekly index has its first date in local time, and keeps the second one as shown to the user.
 void setWeeklyDates(URLClass &result, ByteView record, const Clock &clock) {
     result.ActionDateLocal = fileTimeToUtc(record.u64le(kFirstDate));
-    result.ActionDateUTC = LocalDateToUTC(result.ActionDateLocal, clock);
-    result.OtherDate = FileTimeToLocalDate(record.u64le(kSecondDate), clock);
+    result.ActionDateUTC = localDateToUTC(result.ActionDateLocal, clock);
+    result.OtherDate = fileTimeToLocalDate(record.u64le(kSecondDate), clock);
 }
 
 void setMeaning(URLClass &result, ByteView record, HistoryFileType type, const Clock &clock) {

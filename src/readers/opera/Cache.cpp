@@ -184,7 +184,7 @@ class CacheReading {
             return;
         if (m_record->CacheFileName.empty())
             ++m_result.noted["record without the name of a cached file"];
-        m_record->ActionDateLocal = UTCDateToLocal(m_record->ActionDateUTC, m_ctx.clock);
+        m_record->ActionDateLocal = utcDateToLocal(m_record->ActionDateUTC, m_ctx.clock);
         m_record->LastVisited = m_record->ActionDateUTC;
         m_trap.attempt(static_cast<std::uint64_t>(m_record->MapFileOffset),
                        [&] { m_ctx.sink.save(*m_record); });

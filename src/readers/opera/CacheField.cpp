@@ -97,7 +97,7 @@ Date dateOf(const OperaField &field) {
     const std::uint64_t seconds = bigEndian(field.value);
     if (field.isCut || seconds == 0 || seconds > std::numeric_limits<std::uint32_t>::max())
         return {};
-    return SecondsToDate1970(std::bit_cast<std::int32_t>(static_cast<std::uint32_t>(seconds)));
+    return secondsToDate1970(std::bit_cast<std::int32_t>(static_cast<std::uint32_t>(seconds)));
 }
 
 } // namespace nv

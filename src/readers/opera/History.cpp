@@ -67,7 +67,7 @@ Date visitDate(std::string_view line) {
     const auto seconds = secondsIn(line);
     if (!seconds || *seconds == 0 || *seconds == -1 || !std::in_range<std::int32_t>(*seconds))
         return {};
-    return SecondsToDate1970(static_cast<double>(*seconds));
+    return secondsToDate1970(static_cast<double>(*seconds));
 }
 
 /// Whether the lines stand in the order of a record.

@@ -36,7 +36,7 @@ URLClass operaHistoryRecord(const OperaHistorySource &source, const std::string 
     record.IsHistory = true;
     record.ActionDateUTC = visited;
     record.LastVisited = visited;
-    record.ActionDateLocal = UTCDateToLocal(visited, ctx.clock);
+    record.ActionDateLocal = utcDateToLocal(visited, ctx.clock);
     record.RecordSize = charCount(url);
     record.Status = ctx.deleted ? "Deleted" : "URL";
     record.URLParameters = parametersOf(url);

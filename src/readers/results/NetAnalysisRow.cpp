@@ -146,9 +146,9 @@ void setUrl(URLClass &record, const Cells &cells) {
 
 void setEvent(URLClass &record, const Cells &cells, const Clock &clock) {
     record.Action = "Visited";
-    record.ActionDateUTC = LocalDateToUTC(cells.date(kLastVisited), clock);
+    record.ActionDateUTC = localDateToUTC(cells.date(kLastVisited), clock);
     record.LastVisited = record.ActionDateUTC;
-    record.OtherDate = LocalDateToUTC(cells.date(kSecondaryDate), clock);
+    record.OtherDate = localDateToUTC(cells.date(kSecondaryDate), clock);
     record.OtherDateMeaning = "Other";
     record.Visits = cells.number(kHits, kVisitsUnknown);
     record.Status = statusOf(cells);

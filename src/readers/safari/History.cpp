@@ -57,7 +57,7 @@ std::int16_t visitCountIn(const std::string &text) {
 void takeLastVisited(plistURL &entry, const std::string &text) {
     entry.lastVisitedDateUnix = numberIn<double>(text);
     if (entry.lastVisitedDateUnix)
-        entry.lastVisitedDate = SecondsToDate2001(*entry.lastVisitedDateUnix);
+        entry.lastVisitedDate = secondsToDate2001(*entry.lastVisitedDateUnix);
 }
 
 class HistoryReading {

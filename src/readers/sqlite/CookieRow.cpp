@@ -39,7 +39,7 @@ URLClass cookieRecord(const ReadContext &ctx, const CookieRow &row, std::string_
     record.IsCookie = true;
     record.ActionDateUTC = row.lastAccess;
     record.LastVisited = row.lastAccess;
-    record.ActionDateLocal = UTCDateToLocal(row.lastAccess, ctx.clock);
+    record.ActionDateLocal = utcDateToLocal(row.lastAccess, ctx.clock);
     record.ExpiryDate = row.expiry;
     record.Status = hasExpired(row, ctx.clock) ? "Expired" : "Cookie";
     record.MetaData = row.value;

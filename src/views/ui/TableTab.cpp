@@ -108,8 +108,7 @@ void TableTab::connectParts() {
     connect(m_find, &FindBar::closed, this, [this] { m_grid->setFocus(); });
 }
 
-void TableTab::openProject(SQLite::Database &project, FailureLog &log,
-                           const TimeZoneClass &GMTZone) {
+void TableTab::openProject(SQLite::Database &project, FailureLog &log, const TimeZone &GMTZone) {
     m_project = &project;
     m_log = &log;
     m_table = std::make_unique<UrlTable>(project, log, GMTZone);

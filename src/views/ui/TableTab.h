@@ -37,7 +37,7 @@ class TableTab final : public QWidget {
 
     /// Takes up an open project, without loading it. The project, log and zone must stay until
     /// closeProject(), which has to come before the project's connection goes.
-    void openProject(SQLite::Database &project, FailureLog &log, const TimeZoneClass &GMTZone);
+    void openProject(SQLite::Database &project, FailureLog &log, const TimeZone &GMTZone);
     void closeProject();
     UrlTable *table() { return m_table.get(); }
     UrlGrid &grid() { return *m_grid; }

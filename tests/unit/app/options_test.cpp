@@ -74,11 +74,11 @@ TEST_F(OptionsTest, aZoneWithDaylightTimeOffIsInStandardTime) {
     Options options = shown(); // the clock stands in June
     options.Time_Zone_ID = 15;
     ASSERT_TRUE(apply(options));
-    EXPECT_EQ(state().GMTZone.DaylightCode, "DST");
+    EXPECT_EQ(state().GMTZone.daylightCode, "DST");
     options.EnableDSTChanges = false;
     ASSERT_TRUE(apply(options));
-    EXPECT_EQ(state().GMTZone.DaylightCode, "STD");
-    EXPECT_FALSE(state().GMTZone.DSTInEffect);
+    EXPECT_EQ(state().GMTZone.daylightCode, "STD");
+    EXPECT_FALSE(state().GMTZone.dstInEffect);
     EXPECT_EQ(ini("OPTIONS", "TimeZoneID"), "15");
     EXPECT_EQ(ini("OPTIONS", "TimeZoneBias"), "300");
     EXPECT_EQ(ini("OPTIONS", "TimeZoneName"), state().GMTZone.tzName);
@@ -243,8 +243,8 @@ TEST_F(OptionsTest, theListSelectsByIdThenByBiasAndCanadaWins) {
     const auto row = [](std::int32_t id, const char *places, std::int16_t bias) {
         ZoneRow zone;
         zone.Time_Zone_ID = id;
-        zone.Landmarks = places;
-        zone.STD_Bias = bias;
+        zone.landmarks = places;
+        zone.stdBias = bias;
         return zone;
     };
     const ZoneRow plain = row(1, "Bogota", 300);

@@ -10,15 +10,15 @@ namespace {
 const Date kSummer = Date::fromCivil({2009, 6, 15, 12});
 const Date kWinter = Date::fromCivil({2009, 1, 15, 12});
 
-TimeZoneClass zoneOf(std::int16_t bias, std::int16_t daylightBias, std::int16_t latitude) {
-    TimeZoneClass zone(kWinter);
+TimeZone zoneOf(std::int16_t bias, std::int16_t daylightBias, std::int16_t latitude) {
+    TimeZone zone(kWinter);
     zone.tzBias = bias;
     zone.tzDSTBias = daylightBias;
     zone.tzLatitudeBias = latitude;
     return zone;
 }
 
-const TimeZoneClass kEastern = zoneOf(300, -60, 1);
+const TimeZone kEastern = zoneOf(300, -60, 1);
 
 DateSettings settingsOf(int currentYear, bool daylight = true) {
     DateSettings settings;
@@ -93,7 +93,7 @@ TEST(ZoneHeading, namesUtcForAnOffsetOnly) {
 }
 
 TEST(DateSettings, joinBothFormatsByOneBlank) {
-    EXPECT_EQ(DateSettings().DateTimeFormat(), "yyyy-mm-dd Hh:Nn:Ss");
+    EXPECT_EQ(DateSettings().dateTimeFormat(), "yyyy-mm-dd Hh:Nn:Ss");
 }
 
 } // namespace

@@ -22,26 +22,26 @@ constexpr auto kEpoch = "1970-01-01T00:00:00Z";
 constexpr auto kMoment = "2009-02-13T23:31:30Z";
 
 std::string unixText(std::string_view text) {
-    return isoUtc(UnixSecondsToDate(text));
+    return isoUtc(unixSecondsToDate(text));
 }
 
 TEST(UnixSecondsToDate, countsTheFirstTenCharactersOnly) {
-    EXPECT_EQ(isoUtc(UnixSecondsToDate(kUnix)), kMoment);
-    EXPECT_EQ(UnixSecondsToDate(1234567890123), UnixSecondsToDate(kUnix));
-    EXPECT_EQ(UnixSecondsToDate(1234567890123456), UnixSecondsToDate(kUnix));
-    EXPECT_EQ(UnixSecondsToDate(kMostSigned), UnixSecondsToDate(9223372036));
+    EXPECT_EQ(isoUtc(unixSecondsToDate(kUnix)), kMoment);
+    EXPECT_EQ(unixSecondsToDate(1234567890123), unixSecondsToDate(kUnix));
+    EXPECT_EQ(unixSecondsToDate(1234567890123456), unixSecondsToDate(kUnix));
+    EXPECT_EQ(unixSecondsToDate(kMostSigned), unixSecondsToDate(9223372036));
     EXPECT_EQ(unixText("1234567890123"), kMoment);
     EXPECT_EQ(unixText("1234567890abc"), kMoment);
     // A sign is a character too.
-    EXPECT_EQ(UnixSecondsToDate(-1234567890), UnixSecondsToDate(-123456789));
-    EXPECT_EQ(UnixSecondsToDate(kLeastSigned), UnixSecondsToDate(-922337203));
+    EXPECT_EQ(unixSecondsToDate(-1234567890), unixSecondsToDate(-123456789));
+    EXPECT_EQ(unixSecondsToDate(kLeastSigned), unixSecondsToDate(-922337203));
 }
 
 TEST(UnixSecondsToDate, takesAllOfTenDigits) {
-    EXPECT_EQ(isoUtc(UnixSecondsToDate(0)), kEpoch);
-    EXPECT_EQ(isoUtc(UnixSecondsToDate(-1)), "1969-12-31T23:59:59Z");
-    EXPECT_EQ(isoUtc(UnixSecondsToDate(2147483648)), "2038-01-19T03:14:08Z");
-    EXPECT_EQ(isoUtc(UnixSecondsToDate(9999999999)), "2286-11-20T17:46:39Z");
+    EXPECT_EQ(isoUtc(unixSecondsToDate(0)), kEpoch);
+    EXPECT_EQ(isoUtc(unixSecondsToDate(-1)), "1969-12-31T23:59:59Z");
+    EXPECT_EQ(isoUtc(unixSecondsToDate(2147483648)), "2038-01-19T03:14:08Z");
+    EXPECT_EQ(isoUtc(unixSecondsToDate(9999999999)), "2286-11-20T17:46:39Z");
 }
 
 TEST(UnixSecondsToDate, readsNumericTextAndDropsFractions) {
@@ -62,50 +62,50 @@ TEST(UnixSecondsToDate, givesTheEpochForWhatIsNoNumberOrNoDate) {
 }
 
 TEST(SecondsToDate1970, addsTheSecondsAsTheyAre) {
-    EXPECT_EQ(isoUtc(SecondsToDate1970(0)), kEpoch);
-    EXPECT_EQ(isoUtc(SecondsToDate1970(1234567890)), kMoment);
-    EXPECT_EQ(isoUtc(SecondsToDate1970(1234567890.999)), kMoment);
-    EXPECT_EQ(isoUtc(SecondsToDate1970(4294967295)), "2106-02-07T06:28:15Z");
+    EXPECT_EQ(isoUtc(secondsToDate1970(0)), kEpoch);
+    EXPECT_EQ(isoUtc(secondsToDate1970(1234567890)), kMoment);
+    EXPECT_EQ(isoUtc(secondsToDate1970(1234567890.999)), kMoment);
+    EXPECT_EQ(isoUtc(secondsToDate1970(4294967295)), "2106-02-07T06:28:15Z");
     // No cutting to ten digits here.
-    EXPECT_FALSE(SecondsToDate1970(1234567890123).has());
+    EXPECT_FALSE(secondsToDate1970(1234567890123).has());
 }
 
 TEST(SecondsToDate1970, isNoDateOutsideOfTheCalendar) {
-    EXPECT_EQ(isoUtc(SecondsToDate1970(253402300799)), "9999-12-31T23:59:59Z");
-    EXPECT_FALSE(SecondsToDate1970(253402300800).has());
-    EXPECT_EQ(isoUtc(SecondsToDate1970(-59011459200)), "0100-01-01T00:00:00Z");
-    EXPECT_FALSE(SecondsToDate1970(-59011459201).has());
-    EXPECT_FALSE(SecondsToDate1970(std::nan("")).has());
-    EXPECT_FALSE(SecondsToDate1970(std::numeric_limits<double>::infinity()).has());
-    EXPECT_FALSE(SecondsToDate1970(-1e300).has());
+    EXPECT_EQ(isoUtc(secondsToDate1970(253402300799)), "9999-12-31T23:59:59Z");
+    EXPECT_FALSE(secondsToDate1970(253402300800).has());
+    EXPECT_EQ(isoUtc(secondsToDate1970(-59011459200)), "0100-01-01T00:00:00Z");
+    EXPECT_FALSE(secondsToDate1970(-59011459201).has());
+    EXPECT_FALSE(secondsToDate1970(std::nan("")).has());
+    EXPECT_FALSE(secondsToDate1970(std::numeric_limits<double>::infinity()).has());
+    EXPECT_FALSE(secondsToDate1970(-1e300).has());
 }
 
 TEST(SecondsToDate2001, countsFromTheYear2001) {
-    EXPECT_EQ(isoUtc(SecondsToDate2001(0)), "2001-01-01T00:00:00Z");
-    EXPECT_EQ(isoUtc(SecondsToDate2001(256260690.4)), kMoment);
-    EXPECT_EQ(isoUtc(SecondsToDate2001(-1)), "2000-12-31T23:59:59Z");
-    EXPECT_FALSE(SecondsToDate2001(std::nan("")).has());
+    EXPECT_EQ(isoUtc(secondsToDate2001(0)), "2001-01-01T00:00:00Z");
+    EXPECT_EQ(isoUtc(secondsToDate2001(256260690.4)), kMoment);
+    EXPECT_EQ(isoUtc(secondsToDate2001(-1)), "2000-12-31T23:59:59Z");
+    EXPECT_FALSE(secondsToDate2001(std::nan("")).has());
 }
 
 TEST(ChromeTimeToDate, countsMicrosecondsFrom1601) {
-    EXPECT_EQ(ChromeTimeToDate(0).days(), -109205);
-    EXPECT_EQ(isoUtc(ChromeTimeToDate(kChrome)), kMoment);
-    EXPECT_EQ(isoUtc(ChromeTimeToDate(kChrome + 999'999)), kMoment);
-    EXPECT_EQ(isoUtc(ChromeTimeToDate(kChrome + 1'000'000)), "2009-02-13T23:31:31Z");
-    EXPECT_EQ(isoUtc(ChromeTimeToDate(-1)), "1600-12-31T23:59:59Z");
+    EXPECT_EQ(chromeTimeToDate(0).days(), -109205);
+    EXPECT_EQ(isoUtc(chromeTimeToDate(kChrome)), kMoment);
+    EXPECT_EQ(isoUtc(chromeTimeToDate(kChrome + 999'999)), kMoment);
+    EXPECT_EQ(isoUtc(chromeTimeToDate(kChrome + 1'000'000)), "2009-02-13T23:31:31Z");
+    EXPECT_EQ(isoUtc(chromeTimeToDate(-1)), "1600-12-31T23:59:59Z");
 }
 
 TEST(ChromeTimeToDate, isExactForEverySecondOfADay) {
     for (std::int64_t second = 0; second < 86400; ++second)
-        ASSERT_EQ(ChromeTimeToDate(kChrome + second * 1'000'000).unixSeconds(), kUnix + second);
+        ASSERT_EQ(chromeTimeToDate(kChrome + second * 1'000'000).unixSeconds(), kUnix + second);
 }
 
 TEST(ChromeTimeToDate, isNoDateOutsideOfTheCalendar) {
-    EXPECT_FALSE(ChromeTimeToDate(kMostSigned).has());
-    EXPECT_FALSE(ChromeTimeToDate(kLeastSigned).has());
-    EXPECT_FALSE(ChromeTimeToDate(kMostUnsigned).has());
-    EXPECT_EQ(isoUtc(ChromeTimeToDate(265046774399999999)), "9999-12-31T23:59:59Z");
-    EXPECT_FALSE(ChromeTimeToDate(265046774400000000).has());
+    EXPECT_FALSE(chromeTimeToDate(kMostSigned).has());
+    EXPECT_FALSE(chromeTimeToDate(kLeastSigned).has());
+    EXPECT_FALSE(chromeTimeToDate(kMostUnsigned).has());
+    EXPECT_EQ(isoUtc(chromeTimeToDate(265046774399999999)), "9999-12-31T23:59:59Z");
+    EXPECT_FALSE(chromeTimeToDate(265046774400000000).has());
 }
 
 TEST(FileTimeToUtc, readsTicksAndDropsFractions) {
@@ -126,19 +126,19 @@ TEST(FileTimeToUtc, isNoDateForZeroAndOutsideOfTheCalendar) {
 TEST(LocalDates, useTheOffsetOfThisMomentWhateverTheDate) {
     test::FixedClock clock;
     clock.offset = std::chrono::minutes(-240);
-    EXPECT_EQ(isoUtc(FileTimeToLocalDate(kFileTime, clock)), "2009-02-13T19:31:30Z");
+    EXPECT_EQ(isoUtc(fileTimeToLocalDate(kFileTime, clock)), "2009-02-13T19:31:30Z");
     const Date winter = Date::fromCivil({2009, 1, 15, 12});
     const Date summer = Date::fromCivil({2009, 7, 15, 12});
-    EXPECT_EQ(isoUtc(UTCDateToLocal(winter, clock)), "2009-01-15T08:00:00Z");
-    EXPECT_EQ(isoUtc(UTCDateToLocal(summer, clock)), "2009-07-15T08:00:00Z");
-    EXPECT_EQ(isoUtc(LocalDateToUTC(summer, clock)), "2009-07-15T16:00:00Z");
+    EXPECT_EQ(isoUtc(utcDateToLocal(winter, clock)), "2009-01-15T08:00:00Z");
+    EXPECT_EQ(isoUtc(utcDateToLocal(summer, clock)), "2009-07-15T08:00:00Z");
+    EXPECT_EQ(isoUtc(localDateToUTC(summer, clock)), "2009-07-15T16:00:00Z");
 }
 
 TEST(LocalDates, undoEachOtherToTheSameValueInEveryZone) {
     test::FixedClock clock;
     for (int minutes = -14 * 60; minutes <= 14 * 60; minutes += 15) {
         clock.offset = std::chrono::minutes(minutes);
-        EXPECT_EQ(LocalDateToUTC(FileTimeToLocalDate(kFileTime, clock), clock),
+        EXPECT_EQ(localDateToUTC(fileTimeToLocalDate(kFileTime, clock), clock),
                   fileTimeToUtc(kFileTime));
     }
 }
@@ -146,11 +146,11 @@ TEST(LocalDates, undoEachOtherToTheSameValueInEveryZone) {
 TEST(LocalDates, areNoDateWithoutOneAndOutsideOfTheCalendar) {
     test::FixedClock clock;
     clock.offset = std::chrono::minutes(60);
-    EXPECT_FALSE(FileTimeToLocalDate(0, clock).has());
-    EXPECT_FALSE(LocalDateToUTC({}, clock).has());
-    EXPECT_FALSE(UTCDateToLocal({}, clock).has());
-    EXPECT_FALSE(UTCDateToLocal(Date::fromCivil({9999, 12, 31, 23, 30}), clock).has());
-    EXPECT_FALSE(LocalDateToUTC(Date::fromCivil({100, 1, 1, 0, 30}), clock).has());
+    EXPECT_FALSE(fileTimeToLocalDate(0, clock).has());
+    EXPECT_FALSE(localDateToUTC({}, clock).has());
+    EXPECT_FALSE(utcDateToLocal({}, clock).has());
+    EXPECT_FALSE(utcDateToLocal(Date::fromCivil({9999, 12, 31, 23, 30}), clock).has());
+    EXPECT_FALSE(localDateToUTC(Date::fromCivil({100, 1, 1, 0, 30}), clock).has());
 }
 
 TEST(DosDateToUtc, readsTheBitsOfBothWords) {

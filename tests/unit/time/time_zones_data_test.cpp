@@ -24,16 +24,16 @@ class TimeZonesData : public testing::Test {
   protected:
     const ZoneRow &row(std::string_view name) const {
         const auto found = std::find_if(m_rows.begin(), m_rows.end(), [name](const ZoneRow &row) {
-            return row.STD_Time_Zone == name;
+            return row.stdTimeZone == name;
         });
         if (found == m_rows.end())
             throw std::out_of_range(std::string(name));
         return *found;
     }
 
-    TimeZoneClass zone(std::string_view name, Date now) const {
-        TimeZoneClass zone(now);
-        m_zones.SetNewTimeZone(zone, row(name).Time_Zone_ID, now, true);
+    TimeZone zone(std::string_view name, Date now) const {
+        TimeZone zone(now);
+        m_zones.setNewTimeZone(zone, row(name).Time_Zone_ID, now, true);
         return zone;
     }
 
@@ -59,8 +59,8 @@ TEST_F(TimeZonesData, holdsEveryZoneOnceWithEasternTimeInRow15) {
     std::set<std::string> names;
     for (const ZoneRow &row : m_rows) {
         EXPECT_TRUE(ids.insert(row.Time_Zone_ID).second) << row.Time_Zone_ID;
-        EXPECT_TRUE(names.insert(row.STD_Time_Zone).second) << row.STD_Time_Zone;
-        EXPECT_FALSE(row.Landmarks.empty() || row.DST_Time_Zone.empty() || row.STD_Code.empty());
+        EXPECT_TRUE(names.insert(row.stdTimeZone).second) << row.stdTimeZone;
+        EXPECT_FALSE(row.landmarks.empty() || row.dstTimeZone.empty() || row.stdCode.empty());
     }
     const ZoneRow &eastern = row("Eastern Standard Time");
     EXPECT_EQ(eastern.Time_Zone_ID, 15);
@@ -70,7 +70,7 @@ TEST_F(TimeZonesData, holdsEveryZoneOnceWithEasternTimeInRow15) {
 
 TEST_F(TimeZonesData, isListedByTheTextOfTheOffset) {
     EXPECT_TRUE(std::is_sorted(m_rows.begin(), m_rows.end(), [](const auto &a, const auto &b) {
-        return a.UTC_Offset < b.UTC_Offset;
+        return a.utcOffset < b.utcOffset;
     }));
 }
 
@@ -81,49 +81,49 @@ TEST_F(TimeZonesData, hasTheBiasOfEveryZoneThatIcuKnows) {
                                                   {"Central Asia Standard Time", -300},
                                                   {"Mountain Standard Time (Mexico)", 360}};
     for (const ZoneRow &row : m_rows) {
-        const auto bias = icuBias(row.STD_Time_Zone);
-        ASSERT_TRUE(bias.has_value()) << row.STD_Time_Zone;
-        const auto other = elsewhere.find(row.STD_Time_Zone);
+        const auto bias = icuBias(row.stdTimeZone);
+        ASSERT_TRUE(bias.has_value()) << row.stdTimeZone;
+        const auto other = elsewhere.find(row.stdTimeZone);
         const bool excused = other != elsewhere.end() && *bias == other->second;
-        EXPECT_TRUE(*bias == row.STD_Bias || excused) << row.STD_Time_Zone << " " << *bias;
+        EXPECT_TRUE(*bias == row.stdBias || excused) << row.stdTimeZone << " " << *bias;
     }
 }
 
 TEST_F(TimeZonesData, saysTheSameInTheOffsetAndTheBias) {
     for (const ZoneRow &row : m_rows) {
         std::string text =
-            row.STD_Bias == 0 ? "+0000" : FormatBiasText(static_cast<std::int16_t>(-row.STD_Bias));
-        EXPECT_EQ(row.UTC_Offset, text.insert(3, ":")) << row.STD_Time_Zone;
+            row.stdBias == 0 ? "+0000" : formatBiasText(static_cast<std::int16_t>(-row.stdBias));
+        EXPECT_EQ(row.utcOffset, text.insert(3, ":")) << row.stdTimeZone;
     }
 }
 
 TEST_F(TimeZonesData, hasDaylightTimeInAllColumnsOrInNone) {
     for (const ZoneRow &row : m_rows) {
-        const int expected = row.STD_Time_Zone == "Lord Howe Standard Time" ? -30 : -60;
-        EXPECT_EQ(row.UsesDST, row.DST_Bias.has_value()) << row.STD_Time_Zone;
-        EXPECT_EQ(row.UsesDST, row.Latitude_Bias != 0) << row.STD_Time_Zone;
-        EXPECT_EQ(row.UsesDST, !row.DST_Code.empty()) << row.STD_Time_Zone;
-        EXPECT_EQ(row.DST_Bias.value_or(expected), expected) << row.STD_Time_Zone;
+        const int expected = row.stdTimeZone == "Lord Howe Standard Time" ? -30 : -60;
+        EXPECT_EQ(row.usesDST, row.dstBias.has_value()) << row.stdTimeZone;
+        EXPECT_EQ(row.usesDST, row.latitudeBias != 0) << row.stdTimeZone;
+        EXPECT_EQ(row.usesDST, !row.dstCode.empty()) << row.stdTimeZone;
+        EXPECT_EQ(row.dstBias.value_or(expected), expected) << row.stdTimeZone;
     }
 }
 
 TEST_F(TimeZonesData, everyZoneIsDetectedFromItsOwnNameAndBias) {
     for (const ZoneRow &row : m_rows) {
-        const TimeZoneClass found = m_zones.GetSystemTimeZone(
-            TimeZoneClass(kWinter), {row.STD_Bias, row.STD_Time_Zone}, kWinter);
-        EXPECT_EQ(found.tzTimeZoneID, row.Time_Zone_ID) << row.STD_Time_Zone;
-        EXPECT_EQ(found.tzBias, row.STD_Bias) << row.STD_Time_Zone;
+        const TimeZone found =
+            m_zones.getSystemTimeZone(TimeZone(kWinter), {row.stdBias, row.stdTimeZone}, kWinter);
+        EXPECT_EQ(found.tzTimeZoneID, row.Time_Zone_ID) << row.stdTimeZone;
+        EXPECT_EQ(found.tzBias, row.stdBias) << row.stdTimeZone;
     }
 }
 
 TEST_F(TimeZonesData, convertsAndShowsNorthernZonesAlike) {
     for (const ZoneRow &row : m_rows) {
-        if (row.Latitude_Bias != 1)
+        if (row.latitudeBias != 1)
             continue;
         for (const Date now : {kWinter, kSummer}) {
-            const TimeZoneClass set = zone(row.STD_Time_Zone, now);
-            EXPECT_EQ(ConvertDateToZone(now, set, true), now.plusMinutes(-set.tzActiveBias))
-                << row.STD_Time_Zone;
+            const TimeZone set = zone(row.stdTimeZone, now);
+            EXPECT_EQ(convertDateToZone(now, set, true), now.plusMinutes(-set.tzActiveBias))
+                << row.stdTimeZone;
         }
     }
     EXPECT_EQ(zone("Eastern Standard Time", kSummer).tzActiveBias, 240);
@@ -131,9 +131,9 @@ TEST_F(TimeZonesData, convertsAndShowsNorthernZonesAlike) {
 }
 
 TEST_F(TimeZonesData, convertsSouthernZonesRightly) {
-    const TimeZoneClass sydney = zone("AUS Eastern Standard Time", kWinter);
-    EXPECT_EQ(isoUtc(ConvertDateToZone(kWinter, sydney, true)), "2009-01-15T23:00:00Z");
-    EXPECT_EQ(isoUtc(ConvertDateToZone(kSummer, sydney, true)), "2009-06-15T22:00:00Z");
+    const TimeZone sydney = zone("AUS Eastern Standard Time", kWinter);
+    EXPECT_EQ(isoUtc(convertDateToZone(kWinter, sydney, true)), "2009-01-15T23:00:00Z");
+    EXPECT_EQ(isoUtc(convertDateToZone(kSummer, sydney, true)), "2009-06-15T22:00:00Z");
     // Only the offset shown for now has the hour on the other side.
     EXPECT_EQ(sydney.tzBiasAsText, "+0900");
 }

@@ -41,8 +41,8 @@ class ZoneDatabaseTest : public testing::Test {
             "(60, '+09:00', 'Too far', 'Too far', 'x', '', '', 40000, NULL, 0, 0)");
     }
 
-    TimeZoneClass detected(int bias, const std::string &name, Date now = kWinter) {
-        return m_zones.GetSystemTimeZone(TimeZoneClass(kWinter), {bias, name}, now);
+    TimeZone detected(int bias, const std::string &name, Date now = kWinter) {
+        return m_zones.getSystemTimeZone(TimeZone(kWinter), {bias, name}, now);
     }
 
     test::TempFolder m_folder;
@@ -52,17 +52,17 @@ class ZoneDatabaseTest : public testing::Test {
 };
 
 TEST_F(ZoneDatabaseTest, setsTheZoneOfTheRow) {
-    TimeZoneClass zone(kWinter);
-    const ZoneChange change = m_zones.SetNewTimeZone(zone, 9, kSummer, true);
+    TimeZone zone(kWinter);
+    const ZoneChange change = m_zones.setNewTimeZone(zone, 9, kSummer, true);
     EXPECT_TRUE(change.found);
     EXPECT_EQ(change.errorNumber, 0);
     EXPECT_EQ(zone.tzTimeZoneID, 9);
     EXPECT_EQ(zone.tzBias, 420);
     EXPECT_EQ(zone.tzDSTBias, -60);
     EXPECT_EQ(zone.tzLatitudeBias, 1);
-    EXPECT_TRUE(zone.DSTAdjustment);
-    EXPECT_TRUE(zone.DSTInEffect);
-    EXPECT_EQ(zone.DaylightCode, "DST");
+    EXPECT_TRUE(zone.dstAdjustment);
+    EXPECT_TRUE(zone.dstInEffect);
+    EXPECT_EQ(zone.daylightCode, "DST");
     EXPECT_EQ(zone.tzActiveBias, 360);
     EXPECT_EQ(zone.tzBiasAsText, "-0600");
     EXPECT_EQ(zone.tzName, "Mountain Standard Time");
@@ -71,11 +71,11 @@ TEST_F(ZoneDatabaseTest, setsTheZoneOfTheRow) {
 
 TEST_F(ZoneDatabaseTest, setsStandardTimeInWinterAndWithDaylightChangesOff) {
     for (const auto &[now, enabled] : {std::pair(kWinter, true), std::pair(kSummer, false)}) {
-        TimeZoneClass zone(kSummer);
-        m_zones.SetNewTimeZone(zone, 15, now, enabled);
-        EXPECT_FALSE(zone.DSTAdjustment);
-        EXPECT_FALSE(zone.DSTInEffect);
-        EXPECT_EQ(zone.DaylightCode, "STD");
+        TimeZone zone(kSummer);
+        m_zones.setNewTimeZone(zone, 15, now, enabled);
+        EXPECT_FALSE(zone.dstAdjustment);
+        EXPECT_FALSE(zone.dstInEffect);
+        EXPECT_EQ(zone.daylightCode, "STD");
         EXPECT_EQ(zone.tzActiveBias, 300);
         EXPECT_EQ(zone.tzBiasAsText, "-0500");
         EXPECT_EQ(zone.tzName, "Eastern Standard Time");
@@ -84,49 +84,49 @@ TEST_F(ZoneDatabaseTest, setsStandardTimeInWinterAndWithDaylightChangesOff) {
 }
 
 TEST_F(ZoneDatabaseTest, convertsTheOtherWayThanTheDefaultZone) {
-    TimeZoneClass zone(kWinter);
-    EXPECT_EQ(isoUtc(ConvertDateToZone(kWinter, zone, true)), "2009-01-15T17:00:00Z");
-    m_zones.SetNewTimeZone(zone, 15, kWinter, true);
-    EXPECT_EQ(isoUtc(ConvertDateToZone(kWinter, zone, true)), "2009-01-15T07:00:00Z");
+    TimeZone zone(kWinter);
+    EXPECT_EQ(isoUtc(convertDateToZone(kWinter, zone, true)), "2009-01-15T17:00:00Z");
+    m_zones.setNewTimeZone(zone, 15, kWinter, true);
+    EXPECT_EQ(isoUtc(convertDateToZone(kWinter, zone, true)), "2009-01-15T07:00:00Z");
 }
 
 TEST_F(ZoneDatabaseTest, turnsTheDaylightBiasOfTheActiveBiasInTheSouth) {
-    TimeZoneClass zone(kWinter);
-    m_zones.SetNewTimeZone(zone, 20, kWinter, true);
-    EXPECT_TRUE(zone.DSTInEffect);
+    TimeZone zone(kWinter);
+    m_zones.setNewTimeZone(zone, 20, kWinter, true);
+    EXPECT_TRUE(zone.dstInEffect);
     EXPECT_EQ(zone.tzActiveBias, -540);
     EXPECT_EQ(zone.tzBiasAsText, "+0900");
-    EXPECT_EQ(isoUtc(ConvertDateToZone(kWinter, zone, true)), "2009-01-15T23:00:00Z");
+    EXPECT_EQ(isoUtc(convertDateToZone(kWinter, zone, true)), "2009-01-15T23:00:00Z");
 }
 
 TEST_F(ZoneDatabaseTest, takesAnEmptyDaylightBiasForZero) {
-    TimeZoneClass zone(kWinter);
-    m_zones.SetNewTimeZone(zone, 15, kWinter, true);
-    m_zones.SetNewTimeZone(zone, 7, kSummer, true);
+    TimeZone zone(kWinter);
+    m_zones.setNewTimeZone(zone, 15, kWinter, true);
+    m_zones.setNewTimeZone(zone, 7, kSummer, true);
     EXPECT_EQ(zone.tzDSTBias, 0);
     EXPECT_TRUE(m_log.entries.empty());
 }
 
 TEST_F(ZoneDatabaseTest, marksDaylightTimeByTheHemisphereEvenWhereTheZoneUsesNone) {
-    TimeZoneClass zone(kWinter);
-    m_zones.SetNewTimeZone(zone, 40, kSummer, true);
-    EXPECT_EQ(zone.DaylightCode, "DST");
+    TimeZone zone(kWinter);
+    m_zones.setNewTimeZone(zone, 40, kSummer, true);
+    EXPECT_EQ(zone.daylightCode, "DST");
     EXPECT_EQ(zone.tzActiveBias, -60);
 }
 
 TEST_F(ZoneDatabaseTest, changesNothingWithoutSuchARow) {
-    TimeZoneClass zone(kSummer);
-    const ZoneChange change = m_zones.SetNewTimeZone(zone, 99, kWinter, true);
+    TimeZone zone(kSummer);
+    const ZoneChange change = m_zones.setNewTimeZone(zone, 99, kWinter, true);
     EXPECT_FALSE(change.found);
     EXPECT_EQ(change.errorNumber, 0);
     EXPECT_EQ(zone.tzTimeZoneID, 15);
-    EXPECT_TRUE(zone.DSTInEffect);
+    EXPECT_TRUE(zone.dstInEffect);
     EXPECT_TRUE(m_log.entries.empty());
 }
 
 TEST_F(ZoneDatabaseTest, logsAnOverflowAndLeavesTheZoneHalfSet) {
-    TimeZoneClass zone(kWinter);
-    const ZoneChange change = m_zones.SetNewTimeZone(zone, 50, kSummer, true);
+    TimeZone zone(kWinter);
+    const ZoneChange change = m_zones.setNewTimeZone(zone, 50, kSummer, true);
     EXPECT_TRUE(change.found);
     EXPECT_EQ(change.errorNumber, 6);
     EXPECT_EQ(zone.tzBias, 32767);
@@ -138,8 +138,8 @@ TEST_F(ZoneDatabaseTest, logsAnOverflowAndLeavesTheZoneHalfSet) {
 }
 
 TEST_F(ZoneDatabaseTest, changesNothingForARowThatCannotBeRead) {
-    TimeZoneClass zone(kWinter);
-    const ZoneChange change = m_zones.SetNewTimeZone(zone, 60, kSummer, true);
+    TimeZone zone(kWinter);
+    const ZoneChange change = m_zones.setNewTimeZone(zone, 60, kSummer, true);
     EXPECT_FALSE(change.found);
     EXPECT_EQ(change.errorNumber, 1);
     EXPECT_EQ(zone.tzTimeZoneID, 15);
@@ -148,11 +148,11 @@ TEST_F(ZoneDatabaseTest, changesNothingForARowThatCannotBeRead) {
 }
 
 TEST_F(ZoneDatabaseTest, detectsTheZoneOfTheMachine) {
-    const TimeZoneClass zone = detected(300, "Eastern Standard Time", kSummer);
+    const TimeZone zone = detected(300, "Eastern Standard Time", kSummer);
     EXPECT_EQ(zone.tzBias, 300);
-    EXPECT_EQ(zone.DaylightCode, "EDT");
-    EXPECT_TRUE(zone.DSTAdjustment);
-    EXPECT_TRUE(zone.DSTInEffect);
+    EXPECT_EQ(zone.daylightCode, "EDT");
+    EXPECT_TRUE(zone.dstAdjustment);
+    EXPECT_TRUE(zone.dstInEffect);
     EXPECT_EQ(zone.tzActiveBias, 240);
     EXPECT_EQ(zone.tzBiasAsText, "-0400");
     EXPECT_EQ(zone.tzDaylightCode, "EDT");
@@ -167,14 +167,14 @@ TEST_F(ZoneDatabaseTest, detectsTheZoneOfTheMachine) {
 }
 
 TEST_F(ZoneDatabaseTest, leavesTheDaylightBiasOutOfADetectedZone) {
-    const TimeZoneClass zone = detected(300, "Eastern Standard Time", kSummer);
+    const TimeZone zone = detected(300, "Eastern Standard Time", kSummer);
     EXPECT_EQ(zone.tzDSTBias, 0);
-    EXPECT_EQ(isoUtc(ConvertDateToZone(kSummer, zone, true)), "2009-06-15T07:00:00Z");
+    EXPECT_EQ(isoUtc(convertDateToZone(kSummer, zone, true)), "2009-06-15T07:00:00Z");
 }
 
 TEST_F(ZoneDatabaseTest, detectsStandardTimeAndTheSignOfTheLongitude) {
-    const TimeZoneClass eastern = detected(300, "Eastern Standard Time");
-    EXPECT_FALSE(eastern.DSTInEffect);
+    const TimeZone eastern = detected(300, "Eastern Standard Time");
+    EXPECT_FALSE(eastern.dstInEffect);
     EXPECT_EQ(eastern.tzActiveBias, 300);
     EXPECT_EQ(detected(0, "GMT Standard Time").tzLongitudeBias, 0);
     EXPECT_EQ(detected(0, "GMT Standard Time").tzBiasAsText, "UTC");
@@ -198,9 +198,9 @@ TEST_F(ZoneDatabaseTest, countsTheFirst32CharactersOfTheMachinesName) {
 }
 
 TEST_F(ZoneDatabaseTest, bindsTheNameWhateverItHolds) {
-    const TimeZoneClass zone = detected(-60, "O'Brien Time", kSummer);
+    const TimeZone zone = detected(-60, "O'Brien Time", kSummer);
     EXPECT_EQ(zone.tzTimeZoneID, 40);
-    EXPECT_FALSE(zone.DSTAdjustment);
+    EXPECT_FALSE(zone.dstAdjustment);
     EXPECT_EQ(zone.tzActiveBias, -60);
     EXPECT_EQ(detected(300, "' OR 1=1 --").tzBias, -300);
     EXPECT_TRUE(m_log.entries.empty());
@@ -209,10 +209,10 @@ TEST_F(ZoneDatabaseTest, bindsTheNameWhateverItHolds) {
 TEST_F(ZoneDatabaseTest, fallsBackToTheDefaultZone) {
     for (const auto &[bias, name] : {std::pair(300, "No Such Time"), std::pair(301, "Eastern"),
                                      std::pair(70000, "Eastern"), std::pair(-300, "Eastern")}) {
-        TimeZoneClass before(kWinter);
+        TimeZone before(kWinter);
         before.tzBias = 1;
         before.tzDSTBias = -60;
-        const TimeZoneClass zone = m_zones.GetSystemTimeZone(before, {bias, name}, kSummer);
+        const TimeZone zone = m_zones.getSystemTimeZone(before, {bias, name}, kSummer);
         EXPECT_EQ(zone.tzTimeZoneID, 15);
         EXPECT_EQ(zone.tzBias, -300);
         EXPECT_EQ(zone.tzActiveBias, 240);
@@ -223,7 +223,7 @@ TEST_F(ZoneDatabaseTest, fallsBackToTheDefaultZone) {
 }
 
 TEST_F(ZoneDatabaseTest, fallsBackToTheDefaultZoneWhenTheActiveBiasOverflows) {
-    const TimeZoneClass zone = detected(32767, "Nowhere", kSummer);
+    const TimeZone zone = detected(32767, "Nowhere", kSummer);
     EXPECT_EQ(zone.tzBias, -300);
     EXPECT_EQ(zone.tzStandardName, "Eastern Standard Time");
     ASSERT_EQ(m_log.entries.size(), 1u);
@@ -231,11 +231,11 @@ TEST_F(ZoneDatabaseTest, fallsBackToTheDefaultZoneWhenTheActiveBiasOverflows) {
 
 TEST_F(ZoneDatabaseTest, logsThatTheFileIsMissingAndGoesOn) {
     const ZoneDatabase missing(m_folder.path() / "none.dat", m_log);
-    TimeZoneClass zone(kWinter);
-    const ZoneChange change = missing.SetNewTimeZone(zone, 15, kSummer, true);
+    TimeZone zone(kWinter);
+    const ZoneChange change = missing.setNewTimeZone(zone, 15, kSummer, true);
     EXPECT_FALSE(change.found);
     EXPECT_EQ(change.errorNumber, 14);
-    EXPECT_EQ(missing.GetSystemTimeZone(zone, {300, "Eastern"}, kSummer).tzBias, -300);
+    EXPECT_EQ(missing.getSystemTimeZone(zone, {300, "Eastern"}, kSummer).tzBias, -300);
     EXPECT_TRUE(missing.listZones().empty());
     ASSERT_EQ(m_log.entries.size(), 3u);
     EXPECT_EQ(m_log.entries[0].procedure, "OptionsForm.SetNewTimeZone()");
@@ -250,18 +250,18 @@ TEST_F(ZoneDatabaseTest, logsThatTheFileIsMissingAndGoesOn) {
 
 TEST_F(ZoneDatabaseTest, logsThatTheFileIsNoDatabase) {
     const ZoneDatabase broken(m_folder.write("broken.dat", std::string(4096, 'x')), m_log);
-    TimeZoneClass zone(kWinter);
-    EXPECT_EQ(broken.SetNewTimeZone(zone, 15, kSummer, true).errorNumber, 1);
+    TimeZone zone(kWinter);
+    EXPECT_EQ(broken.setNewTimeZone(zone, 15, kSummer, true).errorNumber, 1);
     const ZoneDatabase empty(m_folder.write("empty.dat", ""), m_log);
-    EXPECT_EQ(empty.SetNewTimeZone(zone, 15, kSummer, true).errorNumber, 1);
+    EXPECT_EQ(empty.setNewTimeZone(zone, 15, kSummer, true).errorNumber, 1);
     EXPECT_EQ(zone.tzBias, -300);
     EXPECT_EQ(m_log.entries.size(), 2u);
 }
 
 TEST_F(ZoneDatabaseTest, leavesTheFileAsItIs) {
     const auto before = std::filesystem::last_write_time(m_file);
-    TimeZoneClass zone(kWinter);
-    m_zones.SetNewTimeZone(zone, 15, kSummer, true);
+    TimeZone zone(kWinter);
+    m_zones.setNewTimeZone(zone, 15, kSummer, true);
     EXPECT_EQ(std::filesystem::last_write_time(m_file), before);
     const auto entries = std::filesystem::directory_iterator(m_folder.path());
     EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
@@ -270,8 +270,8 @@ TEST_F(ZoneDatabaseTest, leavesTheFileAsItIs) {
 ZoneRow listRow(std::int32_t id, const char *landmarks, std::int16_t bias) {
     ZoneRow row;
     row.Time_Zone_ID = id;
-    row.Landmarks = landmarks;
-    row.STD_Bias = bias;
+    row.landmarks = landmarks;
+    row.stdBias = bias;
     return row;
 }
 
@@ -279,7 +279,7 @@ TEST(PlaceInList, isTheRowOfTheIdOtherwiseOneOfTheBias) {
     const std::vector<ZoneRow> rows = {listRow(1, "Bogota", 300),
                                        listRow(2, "Eastern Time (US & Canada)", 300),
                                        listRow(3, "Havana", 300), listRow(4, "London", 0)};
-    TimeZoneClass zone(kWinter);
+    TimeZone zone(kWinter);
     zone.tzBias = 300;
     zone.tzTimeZoneID = 3;
     EXPECT_EQ(placeInList(rows, zone), 2u);

@@ -3,7 +3,7 @@
 #include "db/DatabaseClass.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
-#include "time/TimeZoneClass.h"
+#include "time/TimeZone.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -61,7 +61,7 @@ struct MadeProject {
     MemoryLog log;
     FixedClock clock;
     DatabaseClass project;
-    TimeZoneClass zone;
+    TimeZone zone;
 
   private:
     static void bind(SQLite::Statement &statement, int at, const Value &value) {

@@ -62,7 +62,7 @@ TEST(UrlColumns, makeTheListOfColumns) {
 }
 
 TEST(HeaderText, namesTheOffsetOfTheZoneOnASecondLine) {
-    TimeZoneClass zone{Date()};
+    TimeZone zone{Date()};
     zone.tzBias = 300;
     EXPECT_EQ(headerText(UrlColumn::ActionDateLocal, zone), "Action Date Local\n[UTC -0500]");
     zone.tzBias = -330;

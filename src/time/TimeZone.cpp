@@ -1,4 +1,4 @@
-#include "time/TimeZoneClass.h"
+#include "time/TimeZone.h"
 
 #include "time/Daylight.h"
 
@@ -20,7 +20,7 @@ char signOf(int minutes) {
     return minutes < 0 ? '-' : '+';
 }
 
-int daylightBias(const TimeZoneClass &zone) {
+int daylightBias(const TimeZone &zone) {
     const int sum = zone.tzBias + zone.tzDSTBias;
     using Limits = std::numeric_limits<std::int16_t>;
     if (sum < Limits::min() || sum > Limits::max())
@@ -32,9 +32,9 @@ int daylightBias(const TimeZoneClass &zone) {
 
 } // namespace
 
-void TimeZoneClass::setToDefault(Date now) {
-    DaylightCode = tzDaylightCode = "EDT";
-    DSTAdjustment = true;
+void TimeZone::setToDefault(Date now) {
+    daylightCode = tzDaylightCode = "EDT";
+    dstAdjustment = true;
     tzBias = -300;
     tzDaylightName = "Eastern Daylight Time";
     tzLatitudeBias = 1;
@@ -43,20 +43,20 @@ void TimeZoneClass::setToDefault(Date now) {
     tzStandardCode = "EST";
     tzStandardName = "Eastern Standard Time";
     tzTimeZoneID = 15;
-    DSTInEffect = IsDSTInEffect(now, 1);
-    tzActiveBias = DSTInEffect ? 240 : 300;
-    tzBiasAsText = FormatBiasText(DSTInEffect ? -240 : -300);
+    dstInEffect = isDSTInEffect(now, 1);
+    tzActiveBias = dstInEffect ? 240 : 300;
+    tzBiasAsText = formatBiasText(dstInEffect ? -240 : -300);
 }
 
-void TimeZoneClass::Reset() {
+void TimeZone::reset() {
     tzName.clear();
     tzBiasAsText.clear();
     tzBias = 0;
-    DSTInEffect = false;
-    DSTAdjustment = false;
+    dstInEffect = false;
+    dstAdjustment = false;
 }
 
-std::string TimeZoneClass::GetBiasAsTime(int extraMinutes) const {
+std::string TimeZone::getBiasAsTime(int extraMinutes) const {
     if (tzBias == 0)
         return "+0000";
     const int bias = -(tzBias + extraMinutes);
@@ -66,20 +66,20 @@ std::string TimeZoneClass::GetBiasAsTime(int extraMinutes) const {
     return signOf(bias) + hoursAndMinutes(bias);
 }
 
-std::string TimeZoneClass::GetTimeZoneName(std::int16_t bias) {
-    for (const TimeZoneName &row : FixedZoneNames()) {
+std::string TimeZone::getTimeZoneName(std::int16_t bias) {
+    for (const TimeZoneName &row : fixedZoneNames()) {
         if (row.tzBias == bias)
             return tzName = row.tzName;
     }
     return {};
 }
 
-std::string FormatBiasText(std::int16_t minutes) {
+std::string formatBiasText(std::int16_t minutes) {
     return minutes == 0 ? "UTC" : signOf(minutes) + hoursAndMinutes(minutes);
 }
 
-Date ConvertDateToZone(Date utc, const TimeZoneClass &zone, bool enableDSTChanges) {
-    const bool daylight = IsDSTInEffect(utc, zone.tzLatitudeBias) && enableDSTChanges;
+Date convertDateToZone(Date utc, const TimeZone &zone, bool enableDSTChanges) {
+    const bool daylight = isDSTInEffect(utc, zone.tzLatitudeBias) && enableDSTChanges;
     return utc.plusMinutes(daylight ? -daylightBias(zone) : -zone.tzBias);
 }
 

@@ -14,9 +14,9 @@ namespace nv {
 /// A new one is the default zone, Eastern Time, whose `tzBias` is negative against that rule:
 /// it converts in the other direction from the database's row of the same name. Dates in earlier
 /// cases were shown so, and the zone is replaced as soon as the machine or the project names one.
-struct TimeZoneClass {
+struct TimeZone {
     /// `now` decides whether daylight time is in effect.
-    explicit TimeZoneClass(Date now) { setToDefault(now); }
+    explicit TimeZone(Date now) { setToDefault(now); }
 
     std::int16_t tzActiveBias = 0;    ///< in force now, as shown
     std::int32_t tzTimeZoneID = 0;    ///< `Time_Zone_ID` of the row in `Time_Zones`
@@ -29,26 +29,26 @@ struct TimeZoneClass {
     std::string tzStandardName;       ///< such as "Eastern Standard Time"
     std::int16_t tzDSTBias = 0;       ///< added to `tzBias` while daylight time is in effect
     std::int16_t tzLatitudeBias = 0;  ///< 1 northern, -1 southern, else no daylight time
-    std::string DaylightCode;         ///< shown at present: `DST_Code`, "DST" or "STD"
-    bool DSTAdjustment = false;       ///< a daylight adjustment applies to this zone now
-    std::string tzBiasAsText;         ///< `FormatBiasText` of the active bias, east positive
-    bool DSTInEffect = false;         ///< at the moment the zone was set
+    std::string daylightCode;         ///< shown at present: `dstCode`, "DST" or "STD"
+    bool dstAdjustment = false;       ///< a daylight adjustment applies to this zone now
+    std::string tzBiasAsText;         ///< `formatBiasText` of the active bias, east positive
+    bool dstInEffect = false;         ///< at the moment the zone was set
     std::int16_t tzBias = 0;          ///< used for converting dates
     std::string tzName;               ///< such as "(UTC-05:00) Eastern Time (US & Canada)"
 
     /// Makes this the default zone again; `tzDSTBias` stays as it is.
     void setToDefault(Date now);
     /// Leaves the members that name the zone alone, but for `tzName`.
-    void Reset();
+    void reset();
     /// The offset from UTC, east positive: "-0500". "+0000" when `tzBias` is 0, whatever the extra
     /// minutes.
-    std::string GetBiasAsTime(int extraMinutes) const;
+    std::string getBiasAsTime(int extraMinutes) const;
     /// Looks the bias, east positive, up in the fixed names and keeps what it finds in `tzName`.
     /// Empty when there is none.
-    std::string GetTimeZoneName(std::int16_t bias);
+    std::string getTimeZoneName(std::int16_t bias);
 };
 
-using TimeZoneCollection = KeyedList<TimeZoneClass>;
+using TimeZoneCollection = KeyedList<TimeZone>;
 
 struct TimeZoneName {
     std::int16_t tzBias = 0; ///< minutes, east of Greenwich positive
@@ -58,14 +58,14 @@ struct TimeZoneName {
 using TimeZones = KeyedList<TimeZoneName>;
 
 /// The 34 names by bias that the program has always shown, misspellings included.
-TimeZones FixedZoneNames();
+TimeZones fixedZoneNames();
 
 /// "UTC" for 0, otherwise sign, hours and minutes: "-0500". East positive.
-std::string FormatBiasText(std::int16_t minutes);
+std::string formatBiasText(std::int16_t minutes);
 
 /// The UTC date in the zone. The daylight rule is asked for the UTC date, and `tzDSTBias` is added
 /// without regard to the hemisphere. Throws std::range_error when the sum of the biases leaves 16
 /// bits.
-Date ConvertDateToZone(Date utc, const TimeZoneClass &zone, bool enableDSTChanges);
+Date convertDateToZone(Date utc, const TimeZone &zone, bool enableDSTChanges);
 
 } // namespace nv
