@@ -62,7 +62,7 @@ void keepEvidenceFolder(Program &program, const fs::path &source) {
         liesInEvidence(program.thisClass.ProjectDBPath, folder))
         return;
     ProjectFields(project, program.log)
-        .SaveDefaultSetting(fmt::format("{}{}", kFolderSetting, kept.size() + 1), textOf(folder));
+        .saveDefaultSetting(fmt::format("{}{}", kFolderSetting, kept.size() + 1), textOf(folder));
 }
 
 } // namespace nv

@@ -114,17 +114,17 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
 
 std::optional<HistoryFile> artefactOfCommandLine(const fs::path &path) {
     HistoryFile file;
-    file.HistoryFileType = typeOfCommandLine(path);
-    if (file.HistoryFileType == HistoryFileType::none)
+    file.historyFileType = typeOfCommandLine(path);
+    if (file.historyFileType == HistoryFileType::none)
         return std::nullopt;
-    file.FullPath = fs::absolute(path);
-    file.FileName = textOf(path.filename());
-    file.FileParentPath = textOf(file.FullPath.parent_path());
+    file.fullPath = fs::absolute(path);
+    file.fileName = textOf(path.filename());
+    file.fileParentPath = textOf(file.fullPath.parent_path());
     file.fileExt = toLower(textOf(path.extension())).substr(1);
     if (const auto hashes = hashesOfFile(path)) {
-        file.FileSize = hashes->size;
-        file.MD5Hash = hashes->md5;
-        file.SHA256Hash = hashes->sha256;
+        file.fileSize = hashes->size;
+        file.md5Hash = hashes->md5;
+        file.sha256Hash = hashes->sha256;
     }
     return file;
 }

@@ -31,8 +31,8 @@ void becomeOpen(Program &program, LogOf log) {
     if (log == LogOf::project)
         program.log.remove();
     ThisClass &state = program.thisClass;
-    state.ProjectDBPath = state.ProjectDB.FilePath;
-    const std::string root = fieldsOf(program).GetDefault(kRootSetting);
+    state.ProjectDBPath = state.ProjectDB.filePath;
+    const std::string root = fieldsOf(program).getDefault(kRootSetting);
     state.RootPath = pathFromText(root).value_or(root);
     state.CurrentSQLDef = state.DefaultSQLDef;
 }
@@ -58,21 +58,21 @@ bool isProjectName(const fs::path &path) {
 bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold.reset();
     auto hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
-    DatabaseClass &project = program.thisClass.ProjectDB;
+    ProjectDatabase &project = program.thisClass.ProjectDB;
     const fs::path whole = fs::absolute(path);
     refuseLoneLog(whole);
     // Whoever is killed meanwhile leaves no file that passes for a project and is none.
     const fs::path aside = placeAside(whole);
-    project.FilePath = aside;
-    project.KeywordFolder = program.paths.keywords();
-    project.AgencyKeywordFolder = program.paths.home / "keywords";
-    const bool made = project.CreateDatabaseProject() &&
+    project.filePath = aside;
+    project.keywordFolder = program.paths.keywords();
+    project.agencyKeywordFolder = program.paths.home / "keywords";
+    const bool made = project.createDatabaseProject() &&
                       !failureOf(program.log, "DatabaseClass.CreateDatabaseProject()", [&] {
                           stampVersion(project.connection(), program.log, buildOf(program));
-                          project.CloseDB();
+                          project.closeDB();
                           removeSideFiles(whole);
                           replaceDurably(aside, whole);
-                          project.FilePath = whole;
+                          project.filePath = whole;
                           project.open();
                       });
     removeDatabase(aside);
@@ -91,8 +91,8 @@ void openProject(Program &program, const fs::path &path, Access access, Holding 
     std::unique_ptr<ProjectHold> hold;
     if (access != Access::read && holding == Holding::yes && fs::exists(path))
         hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
-    DatabaseClass &project = program.thisClass.ProjectDB;
-    project.FilePath = fs::absolute(path);
+    ProjectDatabase &project = program.thisClass.ProjectDB;
+    project.filePath = fs::absolute(path);
     project.open(access);
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
@@ -137,12 +137,12 @@ void closeProject(Program &program) {
     ThisClass &state = program.thisClass;
     if (!state.ProjectDB.isReadOnly()) {
         if (!state.ZoneIsUnread)
-            fieldsOf(program).SaveDefaultSetting(kZoneSetting,
+            fieldsOf(program).saveDefaultSetting(kZoneSetting,
                                                  fmt::format("{}", state.GMTZone.tzTimeZoneID));
-        StoredQueries(state.ProjectDB.connection()).ResetDEFAULTQuery();
+        StoredQueries(state.ProjectDB.connection()).resetDEFAULTQuery();
     }
     state.ZoneIsUnread = false;
-    state.ProjectDB.CloseDB();
+    state.ProjectDB.closeDB();
     program.projectHold.reset();
     state.ProjectDBPath.clear();
     state.RootPath.clear();
@@ -154,7 +154,7 @@ void closeProject(Program &program) {
 void setRootPath(Program &program, const fs::path &root) {
     program.thisClass.RootPath = root;
     if (!program.thisClass.ProjectDB.isReadOnly())
-        fieldsOf(program).SaveDefaultSetting(kRootSetting, textOf(root));
+        fieldsOf(program).saveDefaultSetting(kRootSetting, textOf(root));
 }
 
 AppBuild buildOf(const Program &program) {

@@ -180,11 +180,11 @@ void ProjectCommands::CloseFile() {
 }
 
 bool ProjectCommands::SaveAs() {
-    DatabaseClass &project = m_program.thisClass.ProjectDB;
+    ProjectDatabase &project = m_program.thisClass.ProjectDB;
     if (!project.isOpen() || project.isReadOnly())
         return false;
     const auto target = m_dialogs.chooseSaveAs();
-    if (!target || isSameFile(*target, project.FilePath))
+    if (!target || isSameFile(*target, project.filePath))
         return false;
     if (const auto folder = evidenceAround(*target, m_program.thisClass)) {
         m_program.around.examiner.tell(messages::liesInEvidence(*target, *folder));
@@ -197,7 +197,7 @@ bool ProjectCommands::SaveAs() {
                                                textOf(*target), *holder)));
         return false;
     }
-    const fs::path source = project.FilePath;
+    const fs::path source = project.filePath;
     m_view.saveLayout();
     closeProject(m_program);
     const auto failure =

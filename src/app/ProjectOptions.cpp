@@ -65,8 +65,8 @@ void storeProjectValues(Program &program, const std::vector<ProjectValue> &value
     ProjectFields fields(program.thisClass.ProjectDB.connection(), program.log);
     std::string changes;
     for (const ProjectValue &each : values) {
-        const std::string before = fields.GetDefault(each.name);
-        if (before == each.value || !fields.SaveDefaultSetting(each.name, each.value))
+        const std::string before = fields.getDefault(each.name);
+        if (before == each.value || !fields.saveDefaultSetting(each.name, each.value))
             continue;
         changes += fmt::format("{}{}: \"{}\" -> \"{}\"", changes.empty() ? "" : "; ", each.name,
                                before, each.value);
@@ -74,8 +74,8 @@ void storeProjectValues(Program &program, const std::vector<ProjectValue> &value
     if (changes.empty() || note == TrailNote::no)
         return;
     TrailEntry entry;
-    entry.Action = "Options";
-    entry.Detail = changes;
+    entry.action = "Options";
+    entry.detail = changes;
     noteInTrail(program, std::move(entry));
 }
 

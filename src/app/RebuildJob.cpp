@@ -22,13 +22,13 @@ namespace {
 
 constexpr std::string_view kTitle = "REBUILDING WEB PAGES";
 
-bool hasTags(const URLClass &page, const RebuildContext &ctx) {
+bool hasTags(const UrlRecord &page, const RebuildContext &ctx) {
     SQLite::Statement rows(ctx.project, "SELECT 1 FROM Tags WHERE URL_ID = ? LIMIT 1");
     rows.bind(1, number(page.URLID));
     return rows.executeStep();
 }
 
-NotRebuilt whyNot(const URLClass &page, const RebuildContext &ctx) {
+NotRebuilt whyNot(const UrlRecord &page, const RebuildContext &ctx) {
     if (!ctx.task.advance(1))
         return NotRebuilt::cancelled;
     // The search for tags begins with a scratch copy of the content.
@@ -47,7 +47,7 @@ void dropFolder(const std::filesystem::path &folder) {
     std::filesystem::remove_all(folder, ignored);
 }
 
-RebuiltPage outcomeOf(const URLClass &page, bool rebuilt, const RebuildContext &ctx) {
+RebuiltPage outcomeOf(const UrlRecord &page, bool rebuilt, const RebuildContext &ctx) {
     RebuiltPage outcome;
     outcome.URL_ID = number(page.URLID);
     outcome.rebuilt = rebuilt;
@@ -111,7 +111,7 @@ class RebuildRun {
         }
     }
 
-    void rebuild(URLClass &page, TaskMonitor &task) {
+    void rebuild(UrlRecord &page, TaskMonitor &task) {
         task.describe({std::string(kTitle),
                        fmt::format("Rebuilding Web Page #{} of {} ", m_next + 1, m_ids.size()),
                        page.URL, ""});
@@ -171,13 +171,13 @@ bool rebuildPages(Program &program, RecordTools &tools, std::span<const std::int
     return end == TaskEnd::whole;
 }
 
-bool hasFolder(const RecordTools &tools, URLClass &page) {
+bool hasFolder(const RecordTools &tools, UrlRecord &page) {
     page.RunTimeRebuiltFilePath =
         rebuildFolderOf(page.URLID, tools.context()) / pageNameOf(page.URLID);
     return std::filesystem::exists(page.RunTimeRebuiltFilePath);
 }
 
-bool bringBackFolder(RecordTools &tools, URLClass &page) {
+bool bringBackFolder(RecordTools &tools, UrlRecord &page) {
     if (hasFolder(tools, page))
         return true;
     const bool whole = UnpackIngredients(page, tools.context());

@@ -57,10 +57,10 @@ bool rebuildPages(Program &program, RecordTools &tools, std::span<const std::int
                   const std::function<void(const RebuiltPage &)> &done);
 
 /// Whether this run of the program has the page's rebuild folder; sets `RunTimeRebuiltFilePath`.
-bool hasFolder(const RecordTools &tools, URLClass &page);
+bool hasFolder(const RecordTools &tools, UrlRecord &page);
 
 /// Makes the rebuild folder of a page that was rebuilt earlier, when this run of the program has
 /// none yet. False when it can't be made: it was cancelled, or the log tells.
-bool bringBackFolder(RecordTools &tools, URLClass &page);
+bool bringBackFolder(RecordTools &tools, UrlRecord &page);
 
 } // namespace nv

@@ -34,7 +34,7 @@ const ThumbnailContext &RebuildThumbnails::context() {
     return m_drawing->context();
 }
 
-void RebuildThumbnails::add(URLClass &page) {
+void RebuildThumbnails::add(UrlRecord &page) {
     if (!isWanted() || !fs::exists(page.RunTimeRebuiltFilePath))
         return;
     page.RunTimeThumbnailPath = rebuildFolderOf(page.URLID, m_tools.context()) /
@@ -46,7 +46,7 @@ void RebuildThumbnails::add(URLClass &page) {
         m_pages.push_back({page.URLID, page.RunTimeRebuiltFilePath, page.RunTimeThumbnailPath});
 }
 
-void RebuildThumbnails::drawPicture(URLClass &record, const fs::path &destination) {
+void RebuildThumbnails::drawPicture(UrlRecord &record, const fs::path &destination) {
     if (const auto content = contentOf(record, m_tools.context().extraction()))
         MakePictureThumbnail(*content, destination, record, kWidth, context());
 }

@@ -26,14 +26,14 @@ class RebuildThumbnails {
 
     /// Notes a page whose rebuild folder lies there. A record that is a picture is drawn at once,
     /// from its cached content, into that folder; its tile is left as it is.
-    void add(URLClass &page);
+    void add(UrlRecord &page);
     /// Draws the pages noted and says in `outcomes` what became of each. A drawing that fails costs
     /// its thumbnail only.
     void draw(std::span<RebuiltPage> outcomes, TaskMonitor &task);
 
   private:
     const ThumbnailContext &context();
-    void drawPicture(URLClass &record, const std::filesystem::path &destination);
+    void drawPicture(UrlRecord &record, const std::filesystem::path &destination);
 
     Program &m_program;
     RecordTools &m_tools;

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string placeOf(const URLClass &record) {
+std::string placeOf(const UrlRecord &record) {
     if (!record.DataBlockFile.empty())
         return fmt::format("expected {} bytes at {} of the block file or file \"{}\" of the cache "
                            "in {}{}",
@@ -48,19 +48,19 @@ std::optional<RecordContent> contentOfRecord(RecordTools &tools, UrlId url) {
     return content;
 }
 
-std::string missingContent(const URLClass &record) {
+std::string missingContent(const UrlRecord &record) {
     if (record.IsHistory && record.CacheFileRelativePath.empty() && record.DataBlockFile.empty())
         return "no cached content: the record is one of history";
     return "no cached content: " + placeOf(record);
 }
 
-std::string missingSource(const URLClass &record) {
+std::string missingSource(const UrlRecord &record) {
     if (record.HistoryFilePath.empty())
         return "the record names no source file: its cached content is all there is";
     return fmt::format("the source file \"{}\" isn't there", record.HistoryFilePath);
 }
 
-std::optional<SourcePlace> sourceOfRecord(const URLClass &record) {
+std::optional<SourcePlace> sourceOfRecord(const UrlRecord &record) {
     if (record.HistoryFilePath.empty())
         return std::nullopt;
     const std::string moved = pathUnderBase(record.RootPath, record.HistoryFilePath);

@@ -11,7 +11,7 @@ namespace nv {
 
 /// A record with its cached content as a plain file.
 struct RecordContent {
-    URLClass record;
+    UrlRecord record;
     std::optional<std::filesystem::path> file;
     std::string reason; ///< why there is none, in plain words
 };
@@ -21,7 +21,7 @@ struct RecordContent {
 std::optional<RecordContent> contentOfRecord(RecordTools &tools, UrlId url);
 
 /// Why a record has no content, with the place where it was to be found.
-std::string missingContent(const URLClass &record);
+std::string missingContent(const UrlRecord &record);
 
 /// Where the record itself stands in the evidence.
 struct SourcePlace {
@@ -30,9 +30,9 @@ struct SourcePlace {
 };
 
 /// Why sourceOfRecord() gave nothing.
-std::string missingSource(const URLClass &record);
+std::string missingSource(const UrlRecord &record);
 
 /// The artefact file that the record was read from; nothing when it isn't there any more.
-std::optional<SourcePlace> sourceOfRecord(const URLClass &record);
+std::optional<SourcePlace> sourceOfRecord(const UrlRecord &record);
 
 } // namespace nv

@@ -33,7 +33,7 @@ std::string extensionFor(const fs::path &content) {
     return kind == TextKind::text ? "txt" : "";
 }
 
-ShownPage cachedPage(RecordTools &tools, URLClass &record) {
+ShownPage cachedPage(RecordTools &tools, UrlRecord &record) {
     const auto content = contentOf(record, tools.context().extraction());
     if (!content)
         return {{}, false, "This record has no cached content."};
@@ -52,7 +52,7 @@ ShownPage cachedPage(RecordTools &tools, URLClass &record) {
 
 } // namespace
 
-ShownPage pageToShow(RecordTools &tools, URLClass &record) {
+ShownPage pageToShow(RecordTools &tools, UrlRecord &record) {
     if (record.CacheFileRebuilt && bringBackFolder(tools, record))
         return {record.RunTimeRebuiltFilePath, true, {}};
     return cachedPage(tools, record);

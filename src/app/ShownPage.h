@@ -17,6 +17,6 @@ struct ShownPage {
 /// The record's rebuilt page when its folder can be had, otherwise a copy of its cached content in
 /// a folder by itself: a page is let to the files of its folder, which therefore never is one of
 /// evidence.
-ShownPage pageToShow(RecordTools &tools, URLClass &record);
+ShownPage pageToShow(RecordTools &tools, UrlRecord &record);
 
 } // namespace nv

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view kManaging = "MainForm.PopupMenuTemplates_Click()";
 
-TemplateResult createTemplate(Program &program, RecordTools &tools, URLClass &page) {
+TemplateResult createTemplate(Program &program, RecordTools &tools, UrlRecord &page) {
     const ThisClass &state = program.thisClass;
     if (page.CacheFileRebuilt && !bringBackFolder(tools, page))
         return TemplateResult::noRebuild;
@@ -50,7 +50,7 @@ std::vector<Layer> layersOf(std::span<const fs::path> templates, FailureLog &log
     return layers;
 }
 
-Laid layOne(Program &program, RecordTools &tools, URLClass &page, const Layer &layer) {
+Laid layOne(Program &program, RecordTools &tools, UrlRecord &page, const Layer &layer) {
     if (!layer.made)
         return Laid::failed;
     if (program.thisClass.TemplateMatchByTitle &&
@@ -64,7 +64,7 @@ Laid layOne(Program &program, RecordTools &tools, URLClass &page, const Layer &l
 }
 
 /// A template that doesn't fit takes nothing from one that did.
-Laid layAll(Program &program, RecordTools &tools, URLClass &page, std::span<const Layer> layers) {
+Laid layAll(Program &program, RecordTools &tools, UrlRecord &page, std::span<const Layer> layers) {
     Laid result = Laid::otherTitle;
     for (const Layer &layer : layers) {
         const Laid one = layOne(program, tools, page, layer);
@@ -85,7 +85,7 @@ void showProgress(TaskMonitor &task, std::size_t place, std::size_t count) {
 
 /// Runs `work` on each record; false when cancelled.
 bool forEachPage(RecordTools &tools, std::span<const std::int64_t> ids,
-                 const std::function<void(URLClass &)> &work) {
+                 const std::function<void(UrlRecord &)> &work) {
     TaskMonitor &task = tools.context().task;
     for (std::size_t i = 0; i < ids.size(); ++i) {
         if (!task.advance(static_cast<double>(i) / static_cast<double>(ids.size())))
@@ -129,7 +129,7 @@ TemplatesMade createTemplates(Program &program, RecordTools &tools,
                               std::span<const std::int64_t> ids) {
     TemplatesMade made;
     made.asked = ids.size();
-    made.cancelled = !forEachPage(tools, ids, [&](URLClass &page) {
+    made.cancelled = !forEachPage(tools, ids, [&](UrlRecord &page) {
         const TemplateResult result = createTemplate(program, tools, page);
         ++made.results[result];
         if (result == TemplateResult::made)
@@ -145,7 +145,7 @@ LaidTemplates RebuildFromTemplates(Program &program, RecordTools &tools,
     const std::vector<Layer> layers = layersOf(templates, program.log);
     LaidTemplates laid;
     laid.asked = ids.size();
-    laid.cancelled = !forEachPage(tools, ids, [&](URLClass &page) {
+    laid.cancelled = !forEachPage(tools, ids, [&](UrlRecord &page) {
         const Laid result = layAll(program, tools, page, layers);
         ++laid.results[result];
         if (done)

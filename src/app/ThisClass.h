@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/SettingValues.h"
-#include "db/DatabaseClass.h"
+#include "db/ProjectDatabase.h"
 #include "time/TimeZone.h"
 #include "views/FiltersClass.h"
 #include "views/Pard.h"
@@ -39,7 +39,7 @@ struct ThisClass : QueryDefinitions, SettingValues {
     std::filesystem::path OstermoorEXEPath;
 
     // Database
-    DatabaseClass ProjectDB;
+    ProjectDatabase ProjectDB;
 
     // Hosts and filters
     bool FilterByHostEnabled = false;      ///< until turned off, over projects

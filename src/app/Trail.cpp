@@ -17,28 +17,28 @@ namespace {
 constexpr const char *kProcedure = "MainBAS.CaseTrail()";
 
 void complete(const Program &program, TrailEntry &entry) {
-    entry.ActionDateUTC = Date::fromTimePoint(program.around.clock.now());
+    entry.actionDateUTC = Date::fromTimePoint(program.around.clock.now());
     entry.AppVersion = program.thisClass.AppVersion;
 }
 
 TrailEntry entryOf(const ArtefactResult &artefact) {
     TrailEntry entry;
-    entry.Action = "Import";
-    entry.Detail = fmt::format("{}: {}", artefact.readerKey, stateWord(artefact.state));
+    entry.action = "Import";
+    entry.detail = fmt::format("{}: {}", artefact.readerKey, stateWord(artefact.state));
     if (!artefact.reason.empty())
-        entry.Detail += fmt::format(" ({})", artefact.reason);
+        entry.detail += fmt::format(" ({})", artefact.reason);
     if (artefact.rowsLost > 0)
-        entry.Detail += fmt::format(", {} not stored", counted(artefact.rowsLost, "record"));
+        entry.detail += fmt::format(", {} not stored", counted(artefact.rowsLost, "record"));
     if (artefact.notReached > 0)
-        entry.Detail +=
+        entry.detail +=
             fmt::format(", {} not reached", counted(artefact.notReached, "entry", "entries"));
     if (!artefact.warning.empty())
-        entry.Detail += "; " + artefact.warning;
-    entry.FilePath = textOf(artefact.path);
-    entry.FileSize = static_cast<std::int64_t>(artefact.FileSize);
-    entry.MD5Hash = artefact.MD5Hash;
-    entry.SHA256Hash = artefact.SHA256Hash;
-    entry.RowCount = static_cast<std::int64_t>(artefact.rowsSaved);
+        entry.detail += "; " + artefact.warning;
+    entry.filePath = textOf(artefact.path);
+    entry.fileSize = static_cast<std::int64_t>(artefact.FileSize);
+    entry.md5Hash = artefact.MD5Hash;
+    entry.sha256Hash = artefact.sha256Hash;
+    entry.rowCount = static_cast<std::int64_t>(artefact.rowsSaved);
     return entry;
 }
 
@@ -51,9 +51,9 @@ void tellWhenMissing(Program &program, const std::optional<std::string> &failure
 /// No entry "Import": there is nothing that a verification could compare.
 TrailEntry entryOf(const UnreadPlace &place) {
     TrailEntry entry;
-    entry.Action = "Not Readable";
-    entry.Detail = place.reason;
-    entry.FilePath = textOf(place.path);
+    entry.action = "Not Readable";
+    entry.detail = place.reason;
+    entry.filePath = textOf(place.path);
     return entry;
 }
 
@@ -78,11 +78,11 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
                      const std::filesystem::path &name) {
     logFailureOf(program.log, kProcedure, [&] {
-        entry.FilePath = textOf(name);
+        entry.filePath = textOf(name);
         if (const auto hashes = hashesOfFile(file)) {
-            entry.FileSize = static_cast<std::int64_t>(hashes->size);
-            entry.MD5Hash = hashes->md5;
-            entry.SHA256Hash = hashes->sha256;
+            entry.fileSize = static_cast<std::int64_t>(hashes->size);
+            entry.md5Hash = hashes->md5;
+            entry.sha256Hash = hashes->sha256;
         }
     });
     noteInTrail(program, std::move(entry));
@@ -114,28 +114,28 @@ void noteImport(Program &program, const ImportSummary &summary) {
 
 void noteVerify(Program &program, const SourceCheck &check) {
     TrailEntry entry;
-    entry.Action = "Verify";
-    entry.Detail = summaryText(check);
+    entry.action = "Verify";
+    entry.detail = summaryText(check);
     noteInTrail(program, std::move(entry));
 }
 
 void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end) {
     TrailEntry entry;
-    entry.Action = "Rebuild";
+    entry.action = "Rebuild";
     const std::string_view how = end == TaskEnd::cancelled ? ", then cancelled"
                                  : end == TaskEnd::failed  ? ", then a failure ended it"
                                                            : "";
-    entry.Detail = fmt::format("{} of {} rebuilt{}", rebuilt, counted(asked, "page"), how);
-    entry.RowCount = static_cast<std::int64_t>(rebuilt);
+    entry.detail = fmt::format("{} of {} rebuilt{}", rebuilt, counted(asked, "page"), how);
+    entry.rowCount = static_cast<std::int64_t>(rebuilt);
     noteInTrail(program, std::move(entry));
 }
 
 void noteTemplate(Program &program, const std::filesystem::path &file, const std::string &outcome,
                   std::int64_t rows) {
     TrailEntry entry;
-    entry.Action = "Template";
-    entry.Detail = outcome;
-    entry.RowCount = rows;
+    entry.action = "Template";
+    entry.detail = outcome;
+    entry.rowCount = rows;
     noteFileInTrail(program, std::move(entry), file);
 }
 
@@ -143,31 +143,31 @@ void noteTemplate(Program &program, const std::filesystem::path &file, const std
 /// nothing that anybody finds later. Its hashes do, since publishing copies byte by byte.
 void noteReport(Program &program, const ReportClass &report, std::int64_t rows) {
     TrailEntry entry;
-    entry.Action = "Report";
-    entry.Detail = fmt::format("{} report of {}; in the program's scratch folder until it is "
+    entry.action = "Report";
+    entry.detail = fmt::format("{} report of {}; in the program's scratch folder until it is "
                                "published, with the same hashes",
                                report.ReportType == 0 ? "Graphical" : "Tabular",
                                counted(static_cast<std::uint64_t>(rows), "row"));
-    entry.RowCount = rows;
+    entry.rowCount = rows;
     noteFileInTrail(program, std::move(entry), report.ReportFilePath,
                     report.ReportFilePath.filename());
 }
 
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published) {
     TrailEntry entry;
-    entry.Action = "Publish";
-    entry.Detail = fmt::format("{} copied to {}", counted(published.files, "file"),
+    entry.action = "Publish";
+    entry.detail = fmt::format("{} copied to {}", counted(published.files, "file"),
                                textOf(page.parent_path()));
     noteFileInTrail(program, std::move(entry), page);
 }
 
 void noteExport(Program &program, const ExportClass &job, std::string_view place) {
     TrailEntry entry;
-    entry.Action = "Export";
-    entry.Detail = fmt::format("{} exported as {}",
+    entry.action = "Export";
+    entry.detail = fmt::format("{} exported as {}",
                                counted(static_cast<std::uint64_t>(job.counts.rows), "row"),
                                extensionOf(job.format));
-    entry.RowCount = job.counts.rows;
+    entry.rowCount = job.counts.rows;
     if (place.empty())
         noteFileInTrail(program, std::move(entry), job.OutputFilePath);
     else

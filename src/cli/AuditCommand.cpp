@@ -23,7 +23,7 @@ struct Arguments {
 };
 
 /// A table that lacked rows would pass for an audit.
-std::vector<AuditRow> auditOf(URLClass &page, RecordTools &tools, const Program &program) {
+std::vector<AuditRow> auditOf(UrlRecord &page, RecordTools &tools, const Program &program) {
     unpackPage(page, tools, program);
     const RebuildContext &ctx = tools.context();
     auto rows = LoadAudit(page, rebuildFolderOf(page.URLID, ctx), ctx);

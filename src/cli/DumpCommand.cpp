@@ -51,7 +51,7 @@ Cell dateCell(Date date) {
     return date.has() ? Cell(isoUtc(date)) : Cell(nullptr);
 }
 
-std::vector<Cell> cellsOf(const URLClass &r) {
+std::vector<Cell> cellsOf(const UrlRecord &r) {
     return {r.MapFileOffset,
             r.Reference_ID,
             r.Status,
@@ -80,7 +80,7 @@ std::vector<Cell> cellsOf(const URLClass &r) {
 class DumpSink final : public RecordSink {
   public:
     explicit DumpSink(RowWriter &writer) : m_writer(writer) {}
-    void save(URLClass &record) override {
+    void save(UrlRecord &record) override {
         m_writer.row(cellsOf(record));
         record.URLID = UrlId{++m_count};
     }
@@ -99,13 +99,13 @@ const Reader *chooseReader(const fs::path &path, const std::string &as, const Ev
     const Reader *reader = as.empty() ? recognise(candidate) : readerByKey(as);
     if (!reader)
         return nullptr;
-    file.FullPath = as.empty() ? artefactOf(*reader, candidate) : path;
-    file.FileName = textOf(file.FullPath.filename());
-    file.FileParentPath = textOf(file.FullPath.parent_path());
+    file.fullPath = as.empty() ? artefactOf(*reader, candidate) : path;
+    file.fileName = textOf(file.fullPath.filename());
+    file.fileParentPath = textOf(file.fullPath.parent_path());
     file.fileExt = candidate.extension;
-    file.FileSize = evidence.factsOf(file.FullPath).size; // none of a folder
-    file.HistoryFileType = reader->type;
-    file.Version = reader->version;
+    file.fileSize = evidence.factsOf(file.fullPath).size; // none of a folder
+    file.historyFileType = reader->type;
+    file.version = reader->version;
     return reader;
 }
 
@@ -150,7 +150,7 @@ Exit run(Session &session, const Arguments &arguments) {
     const ReadResult result = reader->read(context);
     session.task.clear();
     writer->finish();
-    return tellResult(session, result, warningOn(*reader, artefact.FullPath, evidence));
+    return tellResult(session, result, warningOn(*reader, artefact.fullPath, evidence));
 }
 
 } // namespace

@@ -64,11 +64,11 @@ Exit run(Session &session, const Arguments &arguments) {
     if (arguments.file != kStandardOutput)
         checkTarget(arguments, program.thisClass);
     checkRow(program.thisClass.ProjectDB.connection(), urlId);
-    auto stored = storeOf(program).GetURL(UrlId{urlId});
+    auto stored = storeOf(program).getURL(UrlId{urlId});
     if (!stored)
         throw StorageFailure(
             fmt::format("row {} can't be read; see \"{}\"", urlId, textOf(program.log.path())));
-    URLClass &record = *stored;
+    UrlRecord &record = *stored;
     const Evidence evidence(program.thisClass.RootPath);
     const auto content = contentOf(record, {evidence, session.scratch(), program.log});
     if (!content) {

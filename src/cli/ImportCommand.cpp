@@ -183,7 +183,7 @@ void chooseBase(Session &session, const Arguments &arguments) {
 }
 
 bool isWanted(const HistoryFile &file, const std::set<std::string_view> &kinds) {
-    const Reader *reader = readerFor(file.HistoryFileType);
+    const Reader *reader = readerFor(file.historyFileType);
     return kinds.empty() || (reader && kinds.contains(reader->key));
 }
 

@@ -141,7 +141,7 @@ void listProject(Session &session, const Arguments &arguments) {
     const auto writer = newWriter(session, arguments.format);
     for (const std::string &name : names) {
         const ProjectValueFacts *facts = projectValueNamed(name);
-        writer->row({"PROJECT", name, fields.GetDefault(name),
+        writer->row({"PROJECT", name, fields.getDefault(name),
                      facts ? defaultInProject(session.program, name) : std::string(),
                      facts ? facts->what : kOwnValue});
     }

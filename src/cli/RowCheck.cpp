@@ -52,7 +52,7 @@ void checkRow(SQLite::Database &project, std::int64_t id) {
     checkRows(project, std::span(&id, 1));
 }
 
-void unpackPage(URLClass &page, RecordTools &tools, const Program &program) {
+void unpackPage(UrlRecord &page, RecordTools &tools, const Program &program) {
     const RebuildContext &ctx = tools.context();
     if (needsWideIds(page.IngredientIDs, ctx.settings))
         throw UsageError(fmt::format("row {}: {} (here: --wide-ids)", number(page.URLID),

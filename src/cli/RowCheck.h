@@ -12,7 +12,7 @@ class Database;
 namespace nv {
 class RecordTools;
 struct Program;
-struct URLClass;
+struct UrlRecord;
 } // namespace nv
 
 namespace nv::cli {
@@ -30,6 +30,6 @@ void checkRow(SQLite::Database &project, std::int64_t id);
 
 /// The page's rebuilt folder made anew. Throws when it can't be whole: UsageError where a switch of
 /// the examiner's brings it, otherwise StorageFailure.
-void unpackPage(URLClass &page, RecordTools &tools, const Program &program);
+void unpackPage(UrlRecord &page, RecordTools &tools, const Program &program);
 
 } // namespace nv::cli

@@ -45,7 +45,7 @@ std::optional<std::filesystem::path> pictureOf(Session &session, const std::stri
     const ThisClass &state = program.thisClass;
     RecordStore records(*database, {state.GMTZone, state.EnableDSTChanges}, program.around.clock,
                         program.log);
-    auto record = records.GetURL(UrlId{urlId});
+    auto record = records.getURL(UrlId{urlId});
     if (!record)
         return std::nullopt;
     const Evidence evidence(root);
@@ -62,7 +62,7 @@ void showForPeople(Session &session, SQLite::Database &database, const std::stri
         setZone(program, *zone);
     DateSettings dates = dateSettings(program);
     dates.currentYear = 0; // no date is too old to be printed
-    const std::string root = fields.GetDefault("RootPath");
+    const std::string root = fields.getDefault("RootPath");
     const PropertySource source{database, program.thisClass.GMTZone, dates, program.log,
                                 [&] { return pictureOf(session, project, urlId, root); }};
     for (const Property &property : LoadProperties(UrlId{urlId}, source))

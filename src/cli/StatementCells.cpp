@@ -2,7 +2,7 @@
 
 #include "base/Text.h"
 #include "db/Schema.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "views/StoredCell.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

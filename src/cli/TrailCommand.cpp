@@ -23,9 +23,9 @@ Exit run(Session &session, const Arguments &arguments) {
                       {"Trail_ID", "ActionDateUTC", "Action", "Detail", "RowCount", "FilePath",
                        "FileSize", "MD5Hash", "SHA256Hash", "AppVersion"});
     for (const TrailEntry &entry : CaseTrail(*database).entries())
-        writer->row({entry.Trail_ID, isoUtc(entry.ActionDateUTC), entry.Action, entry.Detail,
-                     entry.RowCount, entry.FilePath, entry.FileSize, entry.MD5Hash,
-                     entry.SHA256Hash, entry.AppVersion});
+        writer->row({entry.trailID, isoUtc(entry.actionDateUTC), entry.action, entry.detail,
+                     entry.rowCount, entry.filePath, entry.fileSize, entry.md5Hash,
+                     entry.sha256Hash, entry.AppVersion});
     writer->finish();
     return Exit::ok;
 }

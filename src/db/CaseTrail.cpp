@@ -46,14 +46,14 @@ void CaseTrail::add(const TrailEntry &entry) {
     onProject(m_database, [&] {
         makeTable();
         SQLite::Statement insert(m_database, kInsert);
-        insert.bind(1, entry.ActionDateUTC.days());
-        insert.bind(2, entry.Action);
-        insert.bind(3, entry.Detail);
-        insert.bind(4, entry.FilePath);
-        insert.bind(5, entry.FileSize);
-        insert.bind(6, entry.MD5Hash);
-        insert.bind(7, entry.SHA256Hash);
-        insert.bind(8, entry.RowCount);
+        insert.bind(1, entry.actionDateUTC.days());
+        insert.bind(2, entry.action);
+        insert.bind(3, entry.detail);
+        insert.bind(4, entry.filePath);
+        insert.bind(5, entry.fileSize);
+        insert.bind(6, entry.md5Hash);
+        insert.bind(7, entry.sha256Hash);
+        insert.bind(8, entry.rowCount);
         insert.bind(9, entry.AppVersion);
         insert.exec();
     });

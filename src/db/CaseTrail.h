@@ -16,15 +16,15 @@ inline constexpr const char *kCaseTrailTable = "AuditTrail";
 
 /// One thing that was done with a project.
 struct TrailEntry {
-    std::int64_t Trail_ID = 0; ///< in order of the doing
-    Date ActionDateUTC;
-    std::string Action; ///< "Import", "Rebuild", ...
-    std::string Detail; ///< for people
-    std::string FilePath;
-    std::int64_t FileSize = 0; ///< bytes
-    std::string MD5Hash;       ///< both empty when no file was read or written
-    std::string SHA256Hash;
-    std::int64_t RowCount = 0;
+    std::int64_t trailID = 0; ///< in order of the doing
+    Date actionDateUTC;
+    std::string action; ///< "Import", "Rebuild", ...
+    std::string detail; ///< for people
+    std::string filePath;
+    std::int64_t fileSize = 0; ///< bytes
+    std::string md5Hash;       ///< both empty when no file was read or written
+    std::string sha256Hash;
+    std::int64_t rowCount = 0;
     std::string AppVersion;
 };
 

@@ -9,33 +9,33 @@
 namespace nv {
 
 /// One entry of a list of favourite queries. The members' order is that of `Favorites::Add`.
-struct FavoriteClass {
-    std::string QueryDescription;
-    bool Protected = false;
-    std::int16_t MaskValue = 0;
-    std::int32_t QUERY_ID = 0;
-    std::int16_t Index = 0;
-    std::string QueryDefinition;
-    std::string INIFilePath; ///< the list that the entry is from
-    std::string Locale;
-    std::string FavoriteName;
+struct Favorite {
+    std::string queryDescription;
+    bool isProtected = false;
+    std::int16_t maskValue = 0;
+    std::int32_t queryID = 0;
+    std::int16_t index = 0;
+    std::string queryDefinition;
+    std::string iniFilePath; ///< the list that the entry is from
+    std::string locale;
+    std::string favoriteName;
 
-    bool operator==(const FavoriteClass &) const = default;
+    bool operator==(const Favorite &) const = default;
 };
 
 /// The favourites as they will be managed one day: no window shows them yet and no file is read,
 /// since the format of "favorites.ini" isn't settled.
-class Favorites : public KeyedList<FavoriteClass> {
+class Favorites : public KeyedList<Favorite> {
   public:
     using KeyedList::add;
     /// By its members, with a key at the end; an empty key adds the entry without one.
-    FavoriteClass &Add(std::string QueryDescription, bool Protected, std::int16_t MaskValue,
-                       std::int32_t QUERY_ID, std::int16_t Index, std::string QueryDefinition,
-                       std::string INIFilePath, std::string Locale, std::string FavoriteName,
-                       std::string_view key = {}) {
-        return add(FavoriteClass{std::move(QueryDescription), Protected, MaskValue, QUERY_ID, Index,
-                                 std::move(QueryDefinition), std::move(INIFilePath),
-                                 std::move(Locale), std::move(FavoriteName)},
+    Favorite &add(std::string queryDescription, bool isProtected, std::int16_t maskValue,
+                  std::int32_t queryID, std::int16_t index, std::string queryDefinition,
+                  std::string iniFilePath, std::string locale, std::string favoriteName,
+                  std::string_view key = {}) {
+        return add(Favorite{std::move(queryDescription), isProtected, maskValue, queryID, index,
+                            std::move(queryDefinition), std::move(iniFilePath), std::move(locale),
+                            std::move(favoriteName)},
                    key);
     }
 };

@@ -41,18 +41,18 @@ enum class HistoryFileType : std::int16_t {
     chromeCookies = 30,
 };
 
-/// One artefact file of an import; a row of `SourceFiles` once LogFile has registered it.
+/// One artefact file of an import; a row of `SourceFiles` once logFile has registered it.
 struct HistoryFile {
-    SourceFileId SourceFile_ID = SourceFileId::none;
-    std::string FileName;
+    SourceFileId sourceFileID = SourceFileId::none;
+    std::string fileName;
     std::string fileExt; ///< lower-case, without the point
-    std::uint64_t FileSize = 0;
-    std::string FileParentPath; ///< the folder that holds the file, without a closing separator
-    std::filesystem::path FullPath;
-    std::string MD5Hash;    ///< of the whole file, lower-case hexadecimal
-    std::string SHA256Hash; ///< the same
-    nv::HistoryFileType HistoryFileType = nv::HistoryFileType::none;
-    std::string Version;
+    std::uint64_t fileSize = 0;
+    std::string fileParentPath; ///< the folder that holds the file, without a closing separator
+    std::filesystem::path fullPath;
+    std::string md5Hash;    ///< of the whole file, lower-case hexadecimal
+    std::string sha256Hash; ///< the same
+    nv::HistoryFileType historyFileType = nv::HistoryFileType::none;
+    std::string version;
 };
 
 } // namespace nv

@@ -64,7 +64,7 @@ Result logged(FailureLog &log, std::string_view procedure, Result fallback, Body
 
 } // namespace
 
-std::string ProjectFields::GetDB3Field(std::string_view field, std::string_view table,
+std::string ProjectFields::getDB3Field(std::string_view field, std::string_view table,
                                        std::string_view key, std::string_view keyValue) const {
     return logged(m_log, "ADO.GetDB3Field()", std::string(), [&] {
         SQLite::Statement row(m_database, fmt::format("SELECT {} FROM {} WHERE {} = ?",
@@ -75,7 +75,7 @@ std::string ProjectFields::GetDB3Field(std::string_view field, std::string_view 
     });
 }
 
-std::int64_t ProjectFields::GetRecordCount(std::string_view column, std::string_view table) const {
+std::int64_t ProjectFields::getRecordCount(std::string_view column, std::string_view table) const {
     return logged(m_log, "ADO.GetRecordCount()", std::int64_t{0}, [&] {
         return m_database
             .execAndGet(fmt::format("SELECT Count({}) As RecCount FROM {}",
@@ -84,7 +84,7 @@ std::int64_t ProjectFields::GetRecordCount(std::string_view column, std::string_
     });
 }
 
-bool ProjectFields::PutDBField(std::string_view value, std::string_view keyValue,
+bool ProjectFields::putDBField(std::string_view value, std::string_view keyValue,
                                std::string_view key, std::string_view table, std::string_view field,
                                Severity severity) {
     const std::string_view advice = severity == Severity::Low ? kNotSerious : kContactSupport;
@@ -106,12 +106,12 @@ bool ProjectFields::PutDBField(std::string_view value, std::string_view keyValue
     });
 }
 
-bool ProjectFields::SaveDefaultSetting(std::string_view name, std::string_view value) {
-    return PutDBField(value, name, "DefaultName", "DefaultSettings", "DefaultValue");
+bool ProjectFields::saveDefaultSetting(std::string_view name, std::string_view value) {
+    return putDBField(value, name, "DefaultName", "DefaultSettings", "DefaultValue");
 }
 
-std::string ProjectFields::GetDefault(std::string_view name) const {
-    return GetDB3Field("DefaultValue", "DefaultSettings", "DefaultName", name);
+std::string ProjectFields::getDefault(std::string_view name) const {
+    return getDB3Field("DefaultValue", "DefaultSettings", "DefaultName", name);
 }
 
 std::vector<std::string> ProjectFields::defaultNames() const {
@@ -126,7 +126,7 @@ std::vector<std::string> ProjectFields::defaultNames() const {
 }
 
 std::optional<std::int64_t> ProjectFields::defaultNumber(std::string_view name) const {
-    const std::string text = GetDefault(name);
+    const std::string text = getDefault(name);
     std::int64_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     const bool whole = error == std::errc() && end == text.data() + text.size();

@@ -24,19 +24,19 @@ class ProjectFields {
 
     /// The field's value as trimmed text, a date as "2009-01-15 12:00:00"; empty when there is no
     /// such row.
-    std::string GetDB3Field(std::string_view field, std::string_view table, std::string_view key,
+    std::string getDB3Field(std::string_view field, std::string_view table, std::string_view key,
                             std::string_view keyValue) const;
-    std::int64_t GetRecordCount(std::string_view column, std::string_view table) const;
+    std::int64_t getRecordCount(std::string_view column, std::string_view table) const;
     /// Sets a field of the row with the key; dates as query texts have them, "True" and "False" are
     /// understood. A row of `DefaultSettings` is added when it isn't
     /// there.
-    bool PutDBField(std::string_view value, std::string_view keyValue, std::string_view key,
+    bool putDBField(std::string_view value, std::string_view keyValue, std::string_view key,
                     std::string_view table, std::string_view field,
                     Severity severity = Severity::Warning);
 
-    bool SaveDefaultSetting(std::string_view name, std::string_view value);
+    bool saveDefaultSetting(std::string_view name, std::string_view value);
     /// Trimmed; empty when the row is missing.
-    std::string GetDefault(std::string_view name) const;
+    std::string getDefault(std::string_view name) const;
     /// The setting as a whole number, when it is one.
     /// The names of all values in `DefaultSettings`.
     std::vector<std::string> defaultNames() const;

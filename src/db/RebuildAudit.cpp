@@ -48,7 +48,7 @@ void RebuildAudit::store(UrlId page, std::span<const ReferenceNote> notes) {
         insert.reset();
         insert.bind(1, number(page));
         insert.bind(2, ++reference);
-        insert.bind(3, note.AccuracyScore);
+        insert.bind(3, note.accuracyScore);
         insert.bind(4, note.rewritten ? 1 : 0);
         insert.bind(5, fmt::format("{}", fmt::join(note.candidates, " ")));
         insert.exec();

@@ -18,7 +18,7 @@ inline constexpr const char *kRebuildAuditTable = "RebuildAudit";
 
 /// What a rebuild knew of one reference of the page, beside its line in the substitution log.
 struct ReferenceNote {
-    std::string AccuracyScore; ///< picks and candidates, such as "1:4"
+    std::string accuracyScore; ///< picks and candidates, such as "1:4"
     bool rewritten = false;    ///< the page's text names the part where the reference stood
     /// Keys of records that could stand in for it: the chosen one, then the best others.
     std::vector<std::int64_t> candidates;

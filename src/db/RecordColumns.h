@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 
 #include <cstdint>
 #include <span>
@@ -13,8 +13,8 @@ namespace nv {
 /// A column of table `URLs` and the member that it holds.
 struct RecordColumn {
     using Member =
-        std::variant<std::string URLClass::*, Date URLClass::*, bool URLClass::*,
-                     std::int64_t URLClass::*, Bytes URLClass::*, SourceFileId URLClass::*>;
+        std::variant<std::string UrlRecord::*, Date UrlRecord::*, bool UrlRecord::*,
+                     std::int64_t UrlRecord::*, Bytes UrlRecord::*, SourceFileId UrlRecord::*>;
     std::string_view name;
     Member member;
 };

@@ -41,7 +41,7 @@ std::string_view tailOf(std::string_view url) {
 /// A tail that ends as host names do gives neither a name nor an extension, and takes a reader's
 /// name away that can only be the host. Without a tail the name is the reader's own, such as a
 /// cookie's.
-void nameFromUrl(URLClass &record) {
+void nameFromUrl(UrlRecord &record) {
     const std::string_view tail = tailOf(record.URL);
     const std::string extension = getFileExtension(record.URL);
     const bool isHost = isOneOf(extension, kHostEndings);
@@ -60,7 +60,7 @@ void nameFromUrl(URLClass &record) {
 }
 
 /// Goes by the extension of the cached file; what the reader called a picture stays one.
-void kindFromExtension(URLClass &record) {
+void kindFromExtension(UrlRecord &record) {
     // A stylesheet counts too: the flag tells an ingredient of a page from a page.
     if (equalsNoCase(record.URLFileExt, "js") || equalsNoCase(record.URLFileExt, "css"))
         record.IsJavascript = true;
@@ -73,7 +73,7 @@ void kindFromExtension(URLClass &record) {
 
 } // namespace
 
-void orderNames(URLClass &record) {
+void orderNames(UrlRecord &record) {
     nameFromUrl(record);
     if (record.URLRawValue.empty())
         record.URLRawValue = record.URL;

@@ -46,27 +46,27 @@ void bindText(SQLite::Statement &statement, int at, const std::string &text) {
 /// stay until the statement has run.
 struct Binder {
     SQLite::Statement &statement;
-    const URLClass &record;
+    const UrlRecord &record;
     int at;
 
-    void operator()(std::string URLClass::*member) const {
+    void operator()(std::string UrlRecord::*member) const {
         bindText(statement, at, record.*member);
     }
-    void operator()(Date URLClass::*member) const {
+    void operator()(Date UrlRecord::*member) const {
         if (const Date &date = record.*member; date.has())
             statement.bind(at, date.days());
         else
             statement.bind(at);
     }
-    void operator()(bool URLClass::*member) const { statement.bind(at, record.*member ? 1 : 0); }
-    void operator()(std::int64_t URLClass::*member) const { statement.bind(at, record.*member); }
-    void operator()(Bytes URLClass::*member) const {
+    void operator()(bool UrlRecord::*member) const { statement.bind(at, record.*member ? 1 : 0); }
+    void operator()(std::int64_t UrlRecord::*member) const { statement.bind(at, record.*member); }
+    void operator()(Bytes UrlRecord::*member) const {
         if (const Bytes &bytes = record.*member; !bytes.empty())
             statement.bindNoCopy(at, bytes.data(), static_cast<int>(bytes.size()));
         else
             statement.bind(at);
     }
-    void operator()(SourceFileId URLClass::*member) const {
+    void operator()(SourceFileId UrlRecord::*member) const {
         if (const SourceFileId id = record.*member; id != SourceFileId::none)
             statement.bind(at, number(id));
         else
@@ -77,22 +77,22 @@ struct Binder {
 /// The way back: sets a member from a 0-based column.
 struct Reading {
     SQLite::Statement &statement;
-    URLClass &record;
+    UrlRecord &record;
     int at;
 
     SQLite::Column column() const { return statement.getColumn(at); }
 
-    void operator()(std::string URLClass::*member) const { record.*member = column().getString(); }
-    void operator()(Date URLClass::*member) const {
+    void operator()(std::string UrlRecord::*member) const { record.*member = column().getString(); }
+    void operator()(Date UrlRecord::*member) const {
         record.*member = column().isNull() ? Date() : Date::fromDays(column().getDouble());
     }
-    void operator()(bool URLClass::*member) const { record.*member = column().getInt() != 0; }
-    void operator()(std::int64_t URLClass::*member) const { record.*member = column().getInt64(); }
-    void operator()(Bytes URLClass::*member) const {
+    void operator()(bool UrlRecord::*member) const { record.*member = column().getInt() != 0; }
+    void operator()(std::int64_t UrlRecord::*member) const { record.*member = column().getInt64(); }
+    void operator()(Bytes UrlRecord::*member) const {
         const std::string bytes = column().getString();
         (record.*member).assign(bytes.begin(), bytes.end());
     }
-    void operator()(SourceFileId URLClass::*member) const {
+    void operator()(SourceFileId UrlRecord::*member) const {
         record.*member = SourceFileId{column().getInt64()};
     }
 };
@@ -107,7 +107,7 @@ RecordStore::RecordStore(SQLite::Database &database, const ProjectZone &zone, co
       m_select(database, "SELECT " + columnNames() + " FROM URLs WHERE URL_ID = ?"),
       m_markAsWebPage(database, "UPDATE URLs SET IsWebPage = 1 WHERE URL_ID = ?") {}
 
-void RecordStore::SaveRecord(URLClass &record, const HistoryFile &file) {
+void RecordStore::saveRecord(UrlRecord &record, const HistoryFile &file) {
     record.URLID = UrlId::none;
     const auto save = [&] {
         complete(record, file);
@@ -119,12 +119,12 @@ void RecordStore::SaveRecord(URLClass &record, const HistoryFile &file) {
             [&] { onProject(m_database, save); });
 }
 
-void RecordStore::complete(URLClass &record, const HistoryFile &file) const {
-    record.SourceFile_ID = file.SourceFile_ID;
+void RecordStore::complete(UrlRecord &record, const HistoryFile &file) const {
+    record.SourceFile_ID = file.sourceFileID;
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal =
         record.ActionDateUTC.has()
-            ? convertDateToZone(record.ActionDateUTC, m_zone.GMTZone, m_zone.EnableDSTChanges)
+            ? convertDateToZone(record.ActionDateUTC, m_zone.gmtZone, m_zone.EnableDSTChanges)
             : Date();
     record.TimeAdded = Date::fromTimePoint(m_clock.now());
     record.Tag = false;
@@ -133,7 +133,7 @@ void RecordStore::complete(URLClass &record, const HistoryFile &file) const {
         record.HashedURL = hashOfUrl(record.URL);
 }
 
-void RecordStore::insertRow(URLClass &record) {
+void RecordStore::insertRow(UrlRecord &record) {
     int at = 0;
     m_insert.tryReset();
     for (const RecordColumn &column : recordColumns())
@@ -143,7 +143,7 @@ void RecordStore::insertRow(URLClass &record) {
     m_insert.tryReset();
 }
 
-void RecordStore::insertLinks(const URLClass &record) {
+void RecordStore::insertLinks(const UrlRecord &record) {
     for (const std::string_view part : split(record.Links, '|')) {
         if (!containsNoCase(part, "http"))
             continue;
@@ -162,7 +162,7 @@ void RecordStore::bindLink(UrlId id, const std::string &url, const std::string &
     m_insertLink.bind(3, hash);
 }
 
-void RecordStore::addLinksToItself(const URLClass &page, std::size_t count) {
+void RecordStore::addLinksToItself(const UrlRecord &page, std::size_t count) {
     onProject(m_database, [&] {
         bindLink(page.URLID, page.URL, page.HashedURL);
         for (std::size_t i = 0; i < count; ++i) {
@@ -172,7 +172,7 @@ void RecordStore::addLinksToItself(const URLClass &page, std::size_t count) {
     });
 }
 
-void RecordStore::markAsWebPage(URLClass &record) {
+void RecordStore::markAsWebPage(UrlRecord &record) {
     onProject(m_database, [&] {
         m_markAsWebPage.tryReset();
         m_markAsWebPage.bind(1, number(record.URLID));
@@ -182,13 +182,13 @@ void RecordStore::markAsWebPage(URLClass &record) {
     record.IsWebPage = true;
 }
 
-std::optional<URLClass> RecordStore::GetURL(UrlId id) {
-    const auto read = [&]() -> std::optional<URLClass> {
+std::optional<UrlRecord> RecordStore::getURL(UrlId id) {
+    const auto read = [&]() -> std::optional<UrlRecord> {
         m_select.tryReset();
         m_select.bind(1, number(id));
         if (!m_select.executeStep())
             return std::nullopt;
-        URLClass record;
+        UrlRecord record;
         record.URLID = id;
         int at = 0;
         for (const RecordColumn &column : recordColumns())
@@ -197,7 +197,7 @@ std::optional<URLClass> RecordStore::GetURL(UrlId id) {
         return record;
     };
     return trapped(m_log, Severity::Warning, "MainBAS.GetURL()", kContactSupport,
-                   std::optional<URLClass>(), [&read] { return onRow(read); });
+                   std::optional<UrlRecord>(), [&read] { return onRow(read); });
 }
 
 } // namespace nv

@@ -3,7 +3,7 @@
 #include "base/Clock.h"
 #include "base/FailureLog.h"
 #include "db/HistoryFile.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 
 #include <SQLiteCpp/Statement.h>
 
@@ -17,7 +17,7 @@ struct TimeZone;
 
 /// The project's zone, in which `ActionDateLocal` is stored.
 struct ProjectZone {
-    const TimeZone &GMTZone;
+    const TimeZone &gmtZone;
     bool EnableDSTChanges = true;
 };
 
@@ -31,23 +31,23 @@ class RecordStore {
     /// Adds a row, always: the same URL in two files, or a file imported twice, is two rows.
     /// The record then is as the row has it, with its key in URLID. A failure loses this one row:
     /// it is logged and URLID is `none`. Throws StorageFailure when the project can't be written.
-    void SaveRecord(URLClass &record, const HistoryFile &file);
+    void saveRecord(UrlRecord &record, const HistoryFile &file);
 
     /// Nothing when there is no such row, or when it can't be read, which is logged: a damaged page
     /// of the project costs its rows and no others. Throws StorageFailure when nothing can be read.
-    std::optional<URLClass> GetURL(UrlId id);
+    std::optional<UrlRecord> getURL(UrlId id);
 
     /// Adds `count` rows to `Links` for the links found in the saved record's page. Unlike those
-    /// that SaveRecord makes of `URLClass::Links`, each names the page: link analysis finds a page
+    /// that saveRecord makes of `UrlRecord::Links`, each names the page: link analysis finds a page
     /// by them. Throws.
-    void addLinksToItself(const URLClass &page, std::size_t count);
+    void addLinksToItself(const UrlRecord &page, std::size_t count);
     /// Sets `IsWebPage` of the record and of its row. Throws.
-    void markAsWebPage(URLClass &record);
+    void markAsWebPage(UrlRecord &record);
 
   private:
-    void complete(URLClass &record, const HistoryFile &file) const;
-    void insertRow(URLClass &record);
-    void insertLinks(const URLClass &record);
+    void complete(UrlRecord &record, const HistoryFile &file) const;
+    void insertRow(UrlRecord &record);
+    void insertLinks(const UrlRecord &record);
     void bindLink(UrlId id, const std::string &url, const std::string &hash);
 
     SQLite::Database &m_database;

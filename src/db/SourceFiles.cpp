@@ -17,11 +17,11 @@ bool SourceFiles::attempt(Body &&body) {
                     [&] { onProject(m_database, body); });
 }
 
-bool SourceFiles::LogFile(HistoryFile &file) {
+bool SourceFiles::logFile(HistoryFile &file) {
     return attempt([&] {
-        file.SourceFile_ID = rowOf(file);
-        if (file.SourceFile_ID == SourceFileId::none)
-            file.SourceFile_ID = addRow(file);
+        file.sourceFileID = rowOf(file);
+        if (file.sourceFileID == SourceFileId::none)
+            file.sourceFileID = addRow(file);
     });
 }
 
@@ -36,10 +36,10 @@ bool SourceFiles::setSuccessful(SourceFileId id) {
 
 /// A file without a hash is no other file's content.
 SourceFileId SourceFiles::rowOf(const HistoryFile &file) {
-    if (file.MD5Hash.empty())
+    if (file.md5Hash.empty())
         return SourceFileId::none;
     const auto &rows = rowsByHash();
-    const auto row = rows.find(toLower(file.MD5Hash));
+    const auto row = rows.find(toLower(file.md5Hash));
     return row == rows.end() ? SourceFileId::none : row->second;
 }
 
@@ -60,14 +60,14 @@ SourceFileId SourceFiles::addRow(const HistoryFile &file) {
                              "INSERT INTO SourceFiles (DateProcessed, FileName, FileExt, FilePath,"
                              " MD5Hash, FileSize, Successful) VALUES (?, ?, ?, ?, ?, ?, 0)");
     insert.bind(1, Date::fromTimePoint(m_clock.now()).days());
-    insert.bind(2, file.FileName);
+    insert.bind(2, file.fileName);
     insert.bind(3, file.fileExt);
-    insert.bind(4, textOf(file.FullPath));
-    insert.bind(5, file.MD5Hash);
-    insert.bind(6, static_cast<std::int64_t>(file.FileSize));
+    insert.bind(4, textOf(file.fullPath));
+    insert.bind(5, file.md5Hash);
+    insert.bind(6, static_cast<std::int64_t>(file.fileSize));
     insert.exec();
     const SourceFileId id{m_database.getLastInsertRowid()};
-    rowsByHash().emplace(toLower(file.MD5Hash), id);
+    rowsByHash().emplace(toLower(file.md5Hash), id);
     return id;
 }
 

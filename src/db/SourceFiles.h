@@ -24,7 +24,7 @@ class SourceFiles {
     /// Registers the file and gives it its SourceFile_ID. A file whose content has a row already
     /// gets that row and nothing is written: the row identifies the content, it doesn't bar it from
     /// being imported again. False on a failure, which is logged. Throws StorageFailure.
-    [[nodiscard]] bool LogFile(HistoryFile &file);
+    [[nodiscard]] bool logFile(HistoryFile &file);
 
     /// Marks the row of a file that was read to its end. False on a failure, which is logged.
     [[nodiscard]] bool setSuccessful(SourceFileId id);

@@ -115,7 +115,7 @@ void StoredQueries::remove(std::string_view name) {
     });
 }
 
-void StoredQueries::ResetDEFAULTQuery() {
+void StoredQueries::resetDEFAULTQuery() {
     save({std::string(kDefaultQueryName), std::string(kDefaultQueryText)});
 }
 

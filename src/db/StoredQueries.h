@@ -39,7 +39,7 @@ class StoredQueries {
     void save(const StoredQuery &query);
     void remove(std::string_view name);
     /// "_DEFAULT" gets its first text, and is made when it isn't there.
-    void ResetDEFAULTQuery();
+    void resetDEFAULTQuery();
 
   private:
     /// `select` is as SQLite reads it.

@@ -18,7 +18,7 @@ constexpr std::string_view kProcedure = "MainBAS.ParseAdvancedMetaData()";
 
 } // namespace
 
-PageFindings AdvancedMetadata::ParseAdvancedMetadata(URLClass &record,
+PageFindings AdvancedMetadata::ParseAdvancedMetadata(UrlRecord &record,
                                                      SavedContent &content) const {
     PageFindings found;
     // A reader that knows of no content names the artefact itself as the record's file, and the
@@ -30,7 +30,8 @@ PageFindings AdvancedMetadata::ParseAdvancedMetadata(URLClass &record,
     return found;
 }
 
-void AdvancedMetadata::examine(URLClass &record, SavedContent &content, PageFindings &found) const {
+void AdvancedMetadata::examine(UrlRecord &record, SavedContent &content,
+                               PageFindings &found) const {
     const ContentFacts *facts = content.facts();
     if (!facts || (!facts->hasHtml && !facts->hasBody))
         return;
@@ -54,7 +55,8 @@ void AdvancedMetadata::examine(URLClass &record, SavedContent &content, PageFind
     });
 }
 
-void AdvancedMetadata::store(URLClass &record, const PageFindings &found, RecordStore &rows) const {
+void AdvancedMetadata::store(UrlRecord &record, const PageFindings &found,
+                             RecordStore &rows) const {
     if (!found.isPage || record.URLID == UrlId::none)
         return;
     const auto write = [&] {

@@ -2,7 +2,7 @@
 
 #include "base/FailureLog.h"
 #include "db/RecordStore.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "import/SavedContent.h"
 
 #include <cstddef>
@@ -25,13 +25,13 @@ class AdvancedMetadata {
 
     /// Before the record is saved, with its names in order: sets `IsWebPage`, `WebpageTitle` and
     /// `HTMLBody`, so that its row is written once. Its own `Links` stay as they are.
-    PageFindings ParseAdvancedMetadata(URLClass &record, SavedContent &content) const;
+    PageFindings ParseAdvancedMetadata(UrlRecord &record, SavedContent &content) const;
 
     /// After it: stores what is no member of the record.
-    void store(URLClass &record, const PageFindings &found, RecordStore &rows) const;
+    void store(UrlRecord &record, const PageFindings &found, RecordStore &rows) const;
 
   private:
-    void examine(URLClass &record, SavedContent &content, PageFindings &found) const;
+    void examine(UrlRecord &record, SavedContent &content, PageFindings &found) const;
 
     FailureLog &m_log;
 };

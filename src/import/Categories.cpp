@@ -48,13 +48,13 @@ bool hasWord(std::string_view words, std::string_view word) {
     return false;
 }
 
-bool isXhtml(const URLClass &record, const ContentFacts &facts) {
+bool isXhtml(const UrlRecord &record, const ContentFacts &facts) {
     const bool isPage = facts.extension == "xml" && (facts.hasHtml || facts.hasBody);
     const RecordKind *kind = isPage ? recordKind(record.cacheType) : nullptr;
     return kind && kind->hasXhtmlPages;
 }
 
-std::string extensionOf(const URLClass &record, const ContentFacts &facts) {
+std::string extensionOf(const UrlRecord &record, const ContentFacts &facts) {
     if (isXhtml(record, facts))
         return "html";
     if (!facts.extension.empty())
@@ -74,14 +74,14 @@ std::string_view categoryOfExtension(std::string_view extension) {
     return row == kRows.end() ? std::string_view() : row->category;
 }
 
-void Verdict::applyTo(URLClass &record) const {
+void Verdict::applyTo(UrlRecord &record) const {
     record.cacheType = toUpper(record.cacheType);
     record.Category = Category;
     if (!extension.empty())
         record.CacheFileExt = extension;
 }
 
-Verdict Categories::verdictOn(const URLClass &record, SavedContent &content) const {
+Verdict Categories::verdictOn(const UrlRecord &record, SavedContent &content) const {
     // A cookie is one whatever its file, or the address that it belongs to, is called.
     if (record.IsCookie)
         return {"", record.Category};
@@ -95,12 +95,12 @@ Verdict Categories::verdictOn(const URLClass &record, SavedContent &content) con
     return verdict;
 }
 
-bool Categories::looksAtContent(const URLClass &record) const {
+bool Categories::looksAtContent(const UrlRecord &record) const {
     return !record.IsHistory && record.CacheFileExists &&
            (m_signatures == Signatures::verify || record.CacheFileExt.empty());
 }
 
-std::string Categories::extensionByContent(const URLClass &record, SavedContent &content) const {
+std::string Categories::extensionByContent(const UrlRecord &record, SavedContent &content) const {
     return trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::string(), [&] {
         const ContentFacts *facts = content.facts();
         return facts ? extensionOf(record, *facts) : std::string();

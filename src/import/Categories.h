@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/FailureLog.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "import/SavedContent.h"
 
 #include <string>
@@ -18,7 +18,7 @@ struct Verdict {
     std::string Category;
 
     /// Puts both, and the upper-case `cacheType`, into the record.
-    void applyTo(URLClass &record) const;
+    void applyTo(UrlRecord &record) const;
 };
 
 /// Whether the bytes of a cached file are looked at although its name has an extension.
@@ -34,11 +34,11 @@ class Categories {
     /// Decides without changing the record's words, and leaves cookies what their reader called
     /// them; its names must be in order (orderNames() in db/RecordNames.h). Cached content that
     /// can't be read is logged, and the name decides.
-    Verdict verdictOn(const URLClass &record, SavedContent &content) const;
+    Verdict verdictOn(const UrlRecord &record, SavedContent &content) const;
 
   private:
-    std::string extensionByContent(const URLClass &record, SavedContent &content) const;
-    bool looksAtContent(const URLClass &record) const;
+    std::string extensionByContent(const UrlRecord &record, SavedContent &content) const;
+    bool looksAtContent(const UrlRecord &record) const;
 
     Signatures m_signatures;
     FailureLog &m_log;

@@ -64,7 +64,7 @@ std::string maskText(const ImportClass &job, Formats formats) {
 void removeFile(HistoryFiles &files, const std::filesystem::path &path, HistoryFileType type) {
     for (std::size_t position = files.count(); position > 0; --position) {
         const HistoryFile &file = files.item(position);
-        if (file.FullPath == path && file.HistoryFileType == type)
+        if (file.fullPath == path && file.historyFileType == type)
             files.remove(position);
     }
 }

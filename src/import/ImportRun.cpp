@@ -102,14 +102,14 @@ ArtefactState stateOf(ReadState state) {
 
 /// A file's share of the progress bar: by its size, and empty files count a little too.
 double weightOf(const HistoryFile &file) {
-    return static_cast<double>(file.FileSize) + 1;
+    return static_cast<double>(file.fileSize) + 1;
 }
 
 /// Files of one record, such as loose pages, share commits. Any other artefact may take its time
 /// before it brings the first record.
 bool isReadAtOnce(const Reader &reader, const HistoryFile &file) {
     constexpr std::uint64_t kQuickPage = std::uint64_t{1} << 20; // bytes
-    return reader.isOneRecord && file.FileSize <= kQuickPage;
+    return reader.isOneRecord && file.fileSize <= kQuickPage;
 }
 
 class Import {
@@ -176,12 +176,12 @@ class Import {
 
     void one(HistoryFile &file, ArtefactResult &result, double from, double to) {
         const auto begun = std::chrono::steady_clock::now();
-        const Reader *reader = m_run.readerFor(file.HistoryFileType);
-        if (m_run.evidence.kindOf(file.FullPath) == PlaceKind::nothing)
+        const Reader *reader = m_run.readerFor(file.historyFileType);
+        if (m_run.evidence.kindOf(file.fullPath) == PlaceKind::nothing)
             settle(result, ArtefactState::vanished, "the file is no longer there");
         else if (!reader || !reader->read)
             settle(result, ArtefactState::notReadYet, "this format is not read yet");
-        else if (result.isLogged = m_sources.LogFile(file); !result.isLogged)
+        else if (result.isLogged = m_sources.logFile(file); !result.isLogged)
             settle(result, ArtefactState::failed, m_log.last);
         else
             read(*reader, file, result, SubTask(m_run.task, from, to));
@@ -202,14 +202,14 @@ class Import {
                         m_looksIntoPages ? &m_metadata : nullptr);
         settle(result, ArtefactState::failed, "the import ended while this file was read");
         ReadResult outcome = readTrapped(reader, file, sink, task);
-        result.type = file.HistoryFileType;
+        result.type = file.historyFileType;
         result.notReached = outcome.notReached;
         result.passedOver = std::move(outcome.passedOver);
         result.noted = std::move(outcome.noted);
         result.warning = warningTrapped(reader, file);
         for (const UnreadPlace &place : m_run.evidence.unlisted())
             m_log.unlisted(place);
-        if (outcome.state == ReadState::complete && !m_sources.setSuccessful(file.SourceFile_ID))
+        if (outcome.state == ReadState::complete && !m_sources.setSuccessful(file.sourceFileID))
             ++result.noted["file whose row could not be marked as read to its end"];
         settle(result, stateOf(outcome.state), outcome.reason); // now, since the mark may fail
         logCounts(file, result);
@@ -217,7 +217,7 @@ class Import {
 
     void logCounts(const HistoryFile &file, const ArtefactResult &result) {
         const auto write = [&](std::uint64_t count, std::string_view what) {
-            m_run.log.write({fmt::format("{} ({}): {} {}", textOf(file.FullPath), result.readerKey,
+            m_run.log.write({fmt::format("{} ({}): {} {}", textOf(file.fullPath), result.readerKey,
                                          count, what),
                              std::string(kCounts), Severity::Low, std::string(kNotSerious)});
         };
@@ -231,14 +231,14 @@ class Import {
 
     std::string warningTrapped(const Reader &reader, const HistoryFile &file) {
         return trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::string(),
-                       [&] { return warningOn(reader, file.FullPath, m_run.evidence); });
+                       [&] { return warningOn(reader, file.fullPath, m_run.evidence); });
     }
 
     /// A reader that fails unforeseen is told like one that knows why.
     ReadResult readTrapped(const Reader &reader, HistoryFile &file, RecordSink &sink,
                            TaskMonitor &task) {
-        if (file.HistoryFileType == HistoryFileType::simpleHTML)
-            task.describe({"IMPORTING ORPHANED HTML FILES", "", textOf(file.FullPath), ""});
+        if (file.historyFileType == HistoryFileType::simpleHTML)
+            task.describe({"IMPORTING ORPHANED HTML FILES", "", textOf(file.fullPath), ""});
         const auto result =
             trapped(m_log, Severity::Warning, kProcedure, kContactSupport,
                     std::optional<ReadResult>(), [&] {
@@ -273,13 +273,13 @@ ImportSummary nothingReached(const ImportRun &run, const HistoryFiles &files) {
     ImportSummary summary;
     for (const HistoryFile &file : files) {
         ArtefactResult &result = summary.artefacts.emplace_back();
-        const Reader *reader = run.readerFor(file.HistoryFileType);
-        result.path = file.FullPath;
-        result.type = file.HistoryFileType;
+        const Reader *reader = run.readerFor(file.historyFileType);
+        result.path = file.fullPath;
+        result.type = file.historyFileType;
         result.readerKey = reader ? reader->key : "";
-        result.FileSize = file.FileSize;
-        result.MD5Hash = file.MD5Hash;
-        result.SHA256Hash = file.SHA256Hash;
+        result.FileSize = file.fileSize;
+        result.MD5Hash = file.md5Hash;
+        result.sha256Hash = file.sha256Hash;
     }
     return summary;
 }

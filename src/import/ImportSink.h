@@ -21,11 +21,11 @@ class ImportSink final : public RecordSink {
         : m_store(store), m_categories(categories), m_extraction(extraction), m_content(content),
           m_batch(batch), m_file(file), m_result(result), m_metadata(metadata) {}
 
-    void save(URLClass &record) override;
+    void save(UrlRecord &record) override;
 
   private:
-    void write(URLClass &record, SavedContent &content);
-    void dropBody(URLClass &record);
+    void write(UrlRecord &record, SavedContent &content);
+    void dropBody(UrlRecord &record);
 
     RecordStore &m_store;
     const Categories &m_categories;

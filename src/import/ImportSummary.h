@@ -33,7 +33,7 @@ struct ArtefactResult {
     std::string readerKey;
     std::uint64_t FileSize = 0; ///< bytes
     std::string MD5Hash;
-    std::string SHA256Hash;
+    std::string sha256Hash;
     ArtefactState state = ArtefactState::notReached;
     std::string reason; ///< why it isn't complete
     bool isLogged =

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "readers/CachedBody.h"
 #include "readers/ContentProbe.h"
 
@@ -18,7 +18,7 @@ class SavedContent {
   public:
     /// All must outlive this. Up to `inMemory` bytes of a body that has to be fetched are held in
     /// memory, a larger one in a file that `RunTimeTempFilePath` names.
-    SavedContent(URLClass &record, const Extraction &extraction, ContentProbe &probe,
+    SavedContent(UrlRecord &record, const Extraction &extraction, ContentProbe &probe,
                  std::uint64_t inMemory = kBodyInMemory)
         : m_record(record), m_extraction(extraction), m_probe(probe), m_inMemory(inMemory) {}
 
@@ -38,7 +38,7 @@ class SavedContent {
     const ContentFacts &factsIn(const Body &found);
     void expectScratch(const Body &found) const;
 
-    URLClass &m_record;
+    UrlRecord &m_record;
     const Extraction &m_extraction;
     ContentProbe &m_probe;
     std::uint64_t m_inMemory;

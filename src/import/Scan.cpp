@@ -26,12 +26,12 @@ constexpr std::string_view kProcedure = "ImportForm.NextBtn_Click()";
 
 HistoryFile describe(const fs::path &file, const Reader &reader) {
     HistoryFile artefact;
-    artefact.FullPath = file;
-    artefact.FileName = textOf(file.filename());
+    artefact.fullPath = file;
+    artefact.fileName = textOf(file.filename());
     artefact.fileExt = getFileExtension(textOf(file));
-    artefact.FileParentPath = textOf(file.parent_path());
-    artefact.HistoryFileType = reader.type;
-    artefact.Version = reader.version;
+    artefact.fileParentPath = textOf(file.parent_path());
+    artefact.historyFileType = reader.type;
+    artefact.version = reader.version;
     return artefact;
 }
 
@@ -128,13 +128,13 @@ class Scan {
     }
 
     void list(HistoryFile artefact, double fraction) {
-        const auto hashes = hashesOfArtefact(m_evidence, artefact.FullPath,
+        const auto hashes = hashesOfArtefact(m_evidence, artefact.fullPath,
                                              [&](std::uint64_t) { return goOn(fraction); });
         if (!hashes)
             return; // cancelled: without its hash it can't be told from another file
-        artefact.FileSize = hashes->size;
-        artefact.MD5Hash = hashes->md5;
-        artefact.SHA256Hash = hashes->sha256;
+        artefact.fileSize = hashes->size;
+        artefact.md5Hash = hashes->md5;
+        artefact.sha256Hash = hashes->sha256;
         m_result.HistoryFiles.add(std::move(artefact));
     }
 

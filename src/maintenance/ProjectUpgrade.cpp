@@ -6,7 +6,7 @@
 #include "base/Trap.h"
 #include "db/CaseTrail.h"
 #include "db/Connection.h"
-#include "db/DatabaseClass.h"
+#include "db/ProjectDatabase.h"
 #include "db/RebuildAudit.h"
 #include "db/SideFiles.h"
 #include "db/SqliteErrors.h"
@@ -31,11 +31,11 @@ constexpr const char *kNewAside = ".~new";
 constexpr const char *kOldAside = ".~old";
 
 /// A new project of this build in a temporary file, over a leftover of its name.
-void createTemplate(DatabaseClass &database, const fs::path &file, const fs::path &keywords) {
+void createTemplate(ProjectDatabase &database, const fs::path &file, const fs::path &keywords) {
     removeDatabase(file);
-    database.FilePath = file;
-    database.KeywordFolder = keywords;
-    if (!database.CreateDatabaseProject())
+    database.filePath = file;
+    database.keywordFolder = keywords;
+    if (!database.createDatabaseProject())
         throw StorageFailure(
             fmt::format("no database can be made at \"{}\"; the log says why", textOf(file)));
 }
@@ -123,14 +123,14 @@ std::optional<TrailEntry> upgradeEntry(const ProjectLock &lock, const fs::path &
     if (!hashes)
         return std::nullopt;
     TrailEntry entry;
-    entry.Action = "Upgrade";
-    entry.RowCount = fresh.execAndGet("SELECT count(*) FROM URLs").getInt64();
-    entry.Detail =
-        fmt::format("{} rows moved into a new project; the file is the old one", entry.RowCount);
-    entry.FilePath = textOf(project) + ".old";
-    entry.FileSize = static_cast<std::int64_t>(hashes->size);
-    entry.MD5Hash = hashes->md5;
-    entry.SHA256Hash = hashes->sha256;
+    entry.action = "Upgrade";
+    entry.rowCount = fresh.execAndGet("SELECT count(*) FROM URLs").getInt64();
+    entry.detail =
+        fmt::format("{} rows moved into a new project; the file is the old one", entry.rowCount);
+    entry.filePath = textOf(project) + ".old";
+    entry.fileSize = static_cast<std::int64_t>(hashes->size);
+    entry.md5Hash = hashes->md5;
+    entry.sha256Hash = hashes->sha256;
     return entry;
 }
 
@@ -173,8 +173,8 @@ SchemaScan ProjectUpgrade::scan(TaskMonitor &task) {
         checkIsProject(m_where.project);
     SchemaScan scan;
     const fs::path templates = temporary("~adoxschema1");
-    DatabaseClass reference(m_log, m_clock);
-    createTemplate(reference, templates, m_where.KeywordFolder);
+    ProjectDatabase reference(m_log, m_clock);
+    createTemplate(reference, templates, m_where.keywordFolder);
     const ProjectShape wanted = shapeOf(reference.connection());
     onFile(m_where.project, [&] {
         const auto project = connect(m_where.project, Access::read);
@@ -183,7 +183,7 @@ SchemaScan ProjectUpgrade::scan(TaskMonitor &task) {
         if (scan.complete && !scan.differences.empty())
             scan.leftBehind = leftBehindBy(*project, found, wanted);
     });
-    reference.CloseDB();
+    reference.closeDB();
     removeDatabase(templates);
     return scan;
 }
@@ -194,8 +194,8 @@ bool ProjectUpgrade::isStampOlder() {
 
 // A later build's stamp stays: this build knows nothing of what that one has added.
 void ProjectUpgrade::stampWhenOlder() {
-    DatabaseClass project(m_log, m_clock);
-    project.FilePath = m_where.project;
+    ProjectDatabase project(m_log, m_clock);
+    project.filePath = m_where.project;
     logFailureOf(m_log, "UpgradeWizardForm.ScanBtn_Click()", [&] {
         if (!isStampOlder())
             return;
@@ -210,7 +210,7 @@ bool ProjectUpgrade::noteFix(SQLite::Database &fresh, const fs::path &project,
     auto entry = upgradeEntry(lock, project, fresh, task);
     if (!entry)
         return false;
-    entry->ActionDateUTC = Date::fromTimePoint(m_clock.now());
+    entry->actionDateUTC = Date::fromTimePoint(m_clock.now());
     entry->AppVersion =
         fmt::format("{}.{}.{}", m_build.AppMajor, m_build.AppMinor, m_build.AppRevision);
     CaseTrail(fresh).add(*entry);
@@ -224,8 +224,8 @@ FixOutcome ProjectUpgrade::fix(TaskMonitor &task,
     const Leftovers leftovers(project);
     const ProjectLock lock(project);
     const fs::path temp = temporary("~tempdb");
-    DatabaseClass fresh(m_log, m_clock);
-    createTemplate(fresh, temp, m_where.KeywordFolder);
+    ProjectDatabase fresh(m_log, m_clock);
+    createTemplate(fresh, temp, m_where.keywordFolder);
     FixOutcome outcome;
     bool moved = onFile(project, [&] {
         const auto from = connect(project, Access::read);
@@ -238,7 +238,7 @@ FixOutcome ProjectUpgrade::fix(TaskMonitor &task,
         if (!stampVersion(fresh.connection(), m_log, m_build))
             throw StorageFailure("the new project can't be written; the log says why");
     }
-    fresh.CloseDB();
+    fresh.closeDB();
     if (moved && task.advance(1)) {
         if (fs::exists(sideFile(temp, kLogSuffix)))
             throw StorageFailure(fmt::format("\"{}\" can't be closed", textOf(temp)));

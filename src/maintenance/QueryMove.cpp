@@ -51,7 +51,7 @@ void remakeViews(SQLite::Database &project, FailureLog &log, std::vector<std::st
     if (std::ranges::find(waiting, std::string(kDefaultQueryName), &StoredQuery::name) !=
             waiting.end() ||
         !queries.text(kDefaultQueryName))
-        queries.ResetDEFAULTQuery();
+        queries.resetDEFAULTQuery();
 }
 
 } // namespace nv

@@ -29,10 +29,10 @@ namespace fs = std::filesystem;
 
 CheckedSource sourceOf(const TrailEntry &entry) {
     CheckedSource source;
-    source.path = entry.FilePath;
-    source.sizeThen = entry.FileSize;
-    source.MD5Then = entry.MD5Hash;
-    source.SHA256Then = entry.SHA256Hash;
+    source.path = entry.filePath;
+    source.sizeThen = entry.fileSize;
+    source.MD5Then = entry.md5Hash;
+    source.SHA256Then = entry.sha256Hash;
     return source;
 }
 
@@ -47,7 +47,7 @@ std::vector<CheckedSource> sourcesOf(SQLite::Database &project) {
             sources.push_back(std::move(source));
     };
     for (const TrailEntry &entry : CaseTrail(project).entries())
-        if (entry.Action == "Import")
+        if (entry.action == "Import")
             add(sourceOf(entry));
     SQLite::Statement row(project, "SELECT FilePath, ifnull(FileSize, 0), ifnull(MD5Hash, '') "
                                    "FROM SourceFiles ORDER BY SourceFile_ID");

@@ -39,7 +39,7 @@ fs::path targetOf(const Extraction &ctx, std::string_view suffix) {
 }
 
 /// Content that is a file of its own in the evidence.
-std::optional<fs::path> evidenceFileOf(const URLClass &record, const Evidence &evidence) {
+std::optional<fs::path> evidenceFileOf(const UrlRecord &record, const Evidence &evidence) {
     if (record.IsCookie) // its path is that of the index
         return evidence.find(record.CacheRootPath, record.CacheFileName);
     if (record.CacheFileRelativePath.empty())
@@ -64,7 +64,7 @@ Bytes headOf(const Body &body) {
 }
 
 /// What the first bytes of the body say of the record; a packed body is unpacked first.
-void settleBody(URLClass &record, Body &body, std::uint64_t inMemory, FailureLog &log) {
+void settleBody(UrlRecord &record, Body &body, std::uint64_t inMemory, FailureLog &log) {
     Bytes head = headOf(body);
     if (beginsAsGZip(ByteView(head)) && unpackBody(body, inMemory, log)) {
         record.GZipEncoded = true;
@@ -79,7 +79,7 @@ void settleBody(URLClass &record, Body &body, std::uint64_t inMemory, FailureLog
 }
 
 /// Nothing when there is no body; `target` says where one goes that doesn't stay in memory.
-std::optional<Body> fetched(URLClass &record, Fetch fetch, const fs::path &target,
+std::optional<Body> fetched(UrlRecord &record, Fetch fetch, const fs::path &target,
                             const Extraction &ctx, std::uint64_t inMemory,
                             std::string_view procedure) {
     const auto run = [&]() -> std::optional<Body> {
@@ -105,12 +105,12 @@ std::optional<Body> fetched(URLClass &record, Fetch fetch, const fs::path &targe
 
 } // namespace
 
-bool extractBody(URLClass &record, Fetch fetch, std::string_view fileNameSuffix,
+bool extractBody(UrlRecord &record, Fetch fetch, std::string_view fileNameSuffix,
                  const Extraction &ctx, std::string_view procedure) {
     return fetched(record, fetch, targetOf(ctx, fileNameSuffix), ctx, 0, procedure).has_value();
 }
 
-std::optional<Body> bodyOf(URLClass &record, const Extraction &ctx, std::uint64_t inMemory) {
+std::optional<Body> bodyOf(UrlRecord &record, const Extraction &ctx, std::uint64_t inMemory) {
     if (!record.RunTimeTempFilePath.empty() && scratch::isThere(record.RunTimeTempFilePath))
         return Body{record.RunTimeTempFilePath, false, {}};
     const Reader *reader =
@@ -123,7 +123,7 @@ std::optional<Body> bodyOf(URLClass &record, const Extraction &ctx, std::uint64_
     return std::nullopt;
 }
 
-std::optional<fs::path> contentOf(URLClass &record, const Extraction &ctx) {
+std::optional<fs::path> contentOf(UrlRecord &record, const Extraction &ctx) {
     const std::optional<Body> body = bodyOf(record, ctx, 0);
     return body ? std::optional(body->file) : std::nullopt;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/FailureLog.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "readers/Body.h"
 #include "readers/Evidence.h"
 #include "readers/Reader.h"
@@ -26,17 +26,17 @@ struct Extraction {
 /// folder, with `fileNameSuffix` as extension where given, unpacks it when it is packed, and sets
 /// `RunTimeTempFilePath`, `CacheFileExists`, `CacheFileExt`, `GZipEncoded`, `IsPicture` and
 /// `IsWebPage` of the record. False when there is no body; a failure is logged under `procedure`.
-[[nodiscard]] bool extractBody(URLClass &record, Fetch fetch, std::string_view fileNameSuffix,
+[[nodiscard]] bool extractBody(UrlRecord &record, Fetch fetch, std::string_view fileNameSuffix,
                                const Extraction &ctx, std::string_view procedure);
 
 /// The record's content: evidence is named where it lies; what is held in block files or tables is
 /// fetched, up to `inMemory` bytes into memory, and otherwise into the folder of `ctx`, where
 /// `RunTimeTempFilePath` says. Nothing when it is gone.
-[[nodiscard]] std::optional<Body> bodyOf(URLClass &record, const Extraction &ctx,
+[[nodiscard]] std::optional<Body> bodyOf(UrlRecord &record, const Extraction &ctx,
                                          std::uint64_t inMemory);
 
 /// The same as a plain file.
-[[nodiscard]] std::optional<std::filesystem::path> contentOf(URLClass &record,
+[[nodiscard]] std::optional<std::filesystem::path> contentOf(UrlRecord &record,
                                                              const Extraction &ctx);
 
 } // namespace nv

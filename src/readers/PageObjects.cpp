@@ -24,7 +24,7 @@ std::string endingOf(std::string_view url) {
 
 } // namespace
 
-void setPageObjects(URLClass &record) {
+void setPageObjects(UrlRecord &record) {
     const auto isAmong = [](const auto &list, const std::string &extension) {
         return std::ranges::find(list, extension) != list.end();
     };

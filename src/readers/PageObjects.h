@@ -1,11 +1,11 @@
 #pragma once
 
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 
 namespace nv {
 
 /// Sets from the record's URL whether a tag of a page, or a picture's, may stand for it:
 /// `IsValidHTMLTagObject` and `IsValidHTMLPictureObject`.
-void setPageObjects(URLClass &record);
+void setPageObjects(UrlRecord &record);
 
 } // namespace nv

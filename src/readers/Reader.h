@@ -5,7 +5,7 @@
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
 #include "db/HistoryFile.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "readers/Evidence.h"
 
 #include <cstdint>
@@ -22,7 +22,7 @@ class RecordSink {
   public:
     virtual ~RecordSink() = default;
     /// Saves the record: its URLID stands in it afterwards, and its category and links are stored.
-    virtual void save(URLClass &record) = 0;
+    virtual void save(UrlRecord &record) = 0;
 };
 
 /// Facts of a cached file's bytes, gathered in one reading and kept for the file in hand.
@@ -76,7 +76,7 @@ class BodyTarget;
 /// Writes the body of a record that its reader made to `target`, as it is stored. The rest of its
 /// file's folder may be used meanwhile. False when evidence doesn't hold the body; throws
 /// EvidenceFailure, OutOfBytes and other failures of reading.
-using Fetch = bool (*)(const URLClass &record, const Evidence &evidence, BodyTarget &target);
+using Fetch = bool (*)(const UrlRecord &record, const Evidence &evidence, BodyTarget &target);
 
 struct RecordKind;
 struct SourceOption;
@@ -129,7 +129,7 @@ struct Reader {
     std::string (*warningOn)(const std::filesystem::path &file, const Evidence &evidence) = nullptr;
     /// Whether the record came from such a file. Only formats need it that share a kind with
     /// another one and fetch its bodies in another way.
-    bool (*isSourceOf)(const URLClass &record) = nullptr;
+    bool (*isSourceOf)(const UrlRecord &record) = nullptr;
     bool isOneRecord = false; ///< a file is one record, and there may be ten thousand files
 };
 

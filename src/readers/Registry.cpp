@@ -88,7 +88,7 @@ const Reader *readerByKey(std::string_view key) {
     return findReader(registry(), [key](const Reader &reader) { return reader.key == key; });
 }
 
-const Reader *sourceOf(const URLClass &record, Formats formats) {
+const Reader *sourceOf(const UrlRecord &record, Formats formats) {
     const RecordKind *kind = recordKind(record.cacheType);
     return findReader(formats, [&](const Reader &reader) {
         return kind && reader.fetch && makes(reader, *kind) &&

@@ -34,7 +34,7 @@ const Reader *readerByKey(std::string_view key);
 
 /// The format of the file that the record came from, as far as fetching its body goes: of formats
 /// that share the record's kind, the file decides. Null when none is known that holds bodies.
-const Reader *sourceOf(const URLClass &record, Formats formats = registry());
+const Reader *sourceOf(const UrlRecord &record, Formats formats = registry());
 
 /// What is listed and read when `reader` takes `candidate`: the file itself, another one, or a
 /// folder.

@@ -6,15 +6,15 @@
 namespace nv {
 
 ReadResult unreadable(const ReadContext &ctx) {
-    return {ReadState::failed, "could not be read: " + textOf(ctx.file.FullPath), 0, {}};
+    return {ReadState::failed, "could not be read: " + textOf(ctx.file.fullPath), 0, {}};
 }
 
 ReadResult readWholeFile(ReadContext &ctx, TaskHeading heading, std::string_view procedure,
                          const std::function<ReadResult(ByteView)> &read) {
-    heading.detail = textOf(ctx.file.FullPath);
+    heading.detail = textOf(ctx.file.fullPath);
     ctx.task.describe(heading);
     return trapped(ctx.log, Severity::Warning, procedure, kContactSupport, unreadable(ctx), [&] {
-        const Bytes bytes = ctx.evidence.whole(ctx.file.FullPath);
+        const Bytes bytes = ctx.evidence.whole(ctx.file.fullPath);
         return read(ByteView(bytes));
     });
 }

@@ -76,7 +76,7 @@ std::string packed(const std::vector<fs::path> &files) {
     return archive;
 }
 
-void storeArchive(URLClass &page, const RebuildContext &ctx) {
+void storeArchive(UrlRecord &page, const RebuildContext &ctx) {
     page.CacheFileRebuiltBLOB = readWhole(page.RunTimeArchivePath);
     SQLite::Statement update(ctx.project,
                              "UPDATE URLs SET CacheFileRebuiltBLOB = ? WHERE URL_ID = ?");
@@ -86,7 +86,7 @@ void storeArchive(URLClass &page, const RebuildContext &ctx) {
     update.exec();
 }
 
-bool create(const fs::path &folder, URLClass &page, const RebuildContext &ctx) {
+bool create(const fs::path &folder, UrlRecord &page, const RebuildContext &ctx) {
     const auto files = filesIn(folder);
     const auto html = pageIn(files);
     if (!html)
@@ -117,9 +117,9 @@ void checkTotal(const ArchiveClass &items, std::size_t archiveSize) {
         throw std::runtime_error("the files of an archive are larger than the archive");
 }
 
-bool unpack(URLClass &page, const RebuildContext &ctx) {
+bool unpack(UrlRecord &page, const RebuildContext &ctx) {
     if (page.CacheFileRebuiltBLOB.empty())
-        if (const auto stored = ctx.records.GetURL(page.URLID))
+        if (const auto stored = ctx.records.getURL(page.URLID))
             page.CacheFileRebuiltBLOB = stored->CacheFileRebuiltBLOB;
     const ByteView archive(page.CacheFileRebuiltBLOB);
     const ArchiveClass items = readArchive(archive);
@@ -172,12 +172,12 @@ int ArchiveSeal(const fs::path &path) {
     return fs::exists(path) ? 0 : ENOENT;
 }
 
-bool CreateCabinetFile(const fs::path &folder, URLClass &page, const RebuildContext &ctx) {
+bool CreateCabinetFile(const fs::path &folder, UrlRecord &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, "ParserClass.CreateCabinetFile()", kContactSupport,
                    false, [&] { return onRow([&] { return create(folder, page, ctx); }); });
 }
 
-bool UnpackCabinetFile(URLClass &page, const RebuildContext &ctx) {
+bool UnpackCabinetFile(UrlRecord &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, "ParserClass.UnpackCabinetFile()", kContactSupport,
                    false, [&] { return unpack(page, ctx); });
 }

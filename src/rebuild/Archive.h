@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/KeyedList.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 
 #include <cstdint>
@@ -46,11 +46,11 @@ int ArchiveSeal(const std::filesystem::path &path);
 
 /// Packs all files of a rebuild folder, which holds the page, into an archive beside them and
 /// stores it in the record's row. False when there is no page and after a failure, which is logged.
-bool CreateCabinetFile(const std::filesystem::path &folder, URLClass &page,
+bool CreateCabinetFile(const std::filesystem::path &folder, UrlRecord &page,
                        const RebuildContext &ctx);
 
 /// Unpacks the record's archive into its rebuild folder. Names can't lead out of it. False when
 /// there is no archive and after a failure, which is logged.
-bool UnpackCabinetFile(URLClass &page, const RebuildContext &ctx);
+bool UnpackCabinetFile(UrlRecord &page, const RebuildContext &ctx);
 
 } // namespace nv

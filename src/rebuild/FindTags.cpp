@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view kProcedure = "MainBAS.FindTagsInFile()";
 
-void showBeginning(const URLClass &page, const RebuildContext &ctx) {
+void showBeginning(const UrlRecord &page, const RebuildContext &ctx) {
     if (ctx.settings.CreatingReport)
         return;
     ctx.task.describe({"REBUILDING WEB PAGE",
@@ -31,13 +31,13 @@ void showStep(const RebuildContext &ctx, std::string_view what, std::int64_t per
     ctx.task.show(step);
 }
 
-void deleteTags(const URLClass &page, const RebuildContext &ctx) {
+void deleteTags(const UrlRecord &page, const RebuildContext &ctx) {
     SQLite::Statement remove(ctx.project, "DELETE FROM Tags WHERE URL_ID = ?");
     remove.bind(1, number(page.URLID));
     remove.exec();
 }
 
-void insertTags(const URLClass &page, const URLTags &tags, const RebuildContext &ctx) {
+void insertTags(const UrlRecord &page, const URLTags &tags, const RebuildContext &ctx) {
     SQLite::Statement insert(
         ctx.project,
         "INSERT INTO Tags (URL_ID, TagFileName, FileOffset, CacheFolderName, CacheFileName, "
@@ -60,7 +60,7 @@ void insertTags(const URLClass &page, const URLTags &tags, const RebuildContext 
 }
 
 /// Takes the place of the tags of an earlier rebuild in one step, so that no half of them is left.
-void storeTags(const URLClass &page, const URLTags &tags, const RebuildContext &ctx) {
+void storeTags(const UrlRecord &page, const URLTags &tags, const RebuildContext &ctx) {
     onProject([&] {
         Savepoint whole(ctx.project);
         deleteTags(page, ctx);
@@ -71,7 +71,7 @@ void storeTags(const URLClass &page, const URLTags &tags, const RebuildContext &
 
 } // namespace
 
-std::size_t FindTagsInFile(const URLClass &page, PageSource &source, const RebuildContext &ctx) {
+std::size_t FindTagsInFile(const UrlRecord &page, PageSource &source, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, std::size_t{0}, [&] {
         showBeginning(page, ctx);
         showStep(ctx, "Locating Tags", 0);

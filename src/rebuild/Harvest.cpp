@@ -56,7 +56,7 @@ void removeOtherFiles(const fs::path &folder, const fs::path &page) {
 
 class Harvest {
   public:
-    Harvest(URLClass &page, fs::path folder, Batch batch, const RebuildContext &ctx)
+    Harvest(UrlRecord &page, fs::path folder, Batch batch, const RebuildContext &ctx)
         : m_page(page), m_folder(std::move(folder)), m_batch(batch), m_ctx(ctx) {}
 
     bool run() {
@@ -93,7 +93,7 @@ class Harvest {
             return takeStored(line);
         if (partsOf(m_page.cacheType) == CacheParts::none)
             return;
-        auto part = m_ctx.records.GetURL(UrlId{line.TagURLID});
+        auto part = m_ctx.records.getURL(UrlId{line.TagURLID});
         if (!part)
             return;
         const std::string name = localNameOf(part->URLID, trim(part->URLFileExt));
@@ -144,7 +144,7 @@ class Harvest {
         m_ctx.task.show(step);
     }
 
-    URLClass &m_page;
+    UrlRecord &m_page;
     fs::path m_folder;
     Batch m_batch;
     const RebuildContext &m_ctx;
@@ -180,12 +180,12 @@ fs::path rebuildFolderOf(UrlId id, const RebuildContext &ctx) {
     return ctx.TempFolderPath / folderNameOf(id);
 }
 
-bool HarvestParts(URLClass &page, const fs::path &folder, Batch batch, const RebuildContext &ctx) {
+bool HarvestParts(UrlRecord &page, const fs::path &folder, Batch batch, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Serious, "MainForm.HarvestParts()", kContactSupport, false,
                    [&] { return onRow([&] { return Harvest(page, folder, batch, ctx).run(); }); });
 }
 
-bool StoreIngredientIDs(URLClass &page, const RebuildContext &ctx) {
+bool StoreIngredientIDs(UrlRecord &page, const RebuildContext &ctx) {
     const auto store = [&] {
         const fs::path list = rebuildFolderOf(page.URLID, ctx) / kPartsList;
         if (!fs::exists(list))
@@ -197,7 +197,7 @@ bool StoreIngredientIDs(URLClass &page, const RebuildContext &ctx) {
                    false, [&] { return onRow(store); });
 }
 
-bool UnpackIngredients(URLClass &page, const RebuildContext &ctx) {
+bool UnpackIngredients(UrlRecord &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Critical, "ParserClass.UnpackIngredients()", kContactSupport,
                    false, [&] {
                        const fs::path folder = rebuildFolderOf(page.URLID, ctx);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 
 #include <filesystem>
@@ -35,14 +35,14 @@ enum class Batch { no, yes };
 /// under its local name, and writes the list of them to "_TagIDs.txt" there. The page itself is
 /// written from the project when the folder doesn't have it. All other files of the folder are
 /// removed first. A part that is gone leaves no file. False after a failure, which is logged.
-[[nodiscard]] bool HarvestParts(URLClass &page, const std::filesystem::path &folder, Batch batch,
+[[nodiscard]] bool HarvestParts(UrlRecord &page, const std::filesystem::path &folder, Batch batch,
                                 const RebuildContext &ctx);
 
 /// Stores the list of the harvested as the page's substitution log. False when there is none.
-[[nodiscard]] bool StoreIngredientIDs(URLClass &page, const RebuildContext &ctx);
+[[nodiscard]] bool StoreIngredientIDs(UrlRecord &page, const RebuildContext &ctx);
 
 /// Makes the rebuild folder anew from what the project holds, and leaves a copy of the page in
 /// `RunTimeTempFilePath`. False after a failure, which is logged.
-[[nodiscard]] bool UnpackIngredients(URLClass &page, const RebuildContext &ctx);
+[[nodiscard]] bool UnpackIngredients(UrlRecord &page, const RebuildContext &ctx);
 
 } // namespace nv

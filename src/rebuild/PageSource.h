@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 
 #include <optional>
@@ -13,7 +13,7 @@ namespace nv {
 class PageSource {
   public:
     /// Both must outlive this.
-    PageSource(URLClass &page, const RebuildContext &ctx) : m_page(page), m_ctx(ctx) {}
+    PageSource(UrlRecord &page, const RebuildContext &ctx) : m_page(page), m_ctx(ctx) {}
 
     /// The page's bytes without line breaks, as references are searched in it; a copy of them with
     /// line breaks lies in `RunTimeTempFilePath` after the first call. Nothing when its content is
@@ -23,7 +23,7 @@ class PageSource {
   private:
     std::optional<std::string> fetched();
 
-    URLClass &m_page;
+    UrlRecord &m_page;
     const RebuildContext &m_ctx;
     bool m_isFetched = false;
     std::optional<std::string> m_text;

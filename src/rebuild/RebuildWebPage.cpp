@@ -29,7 +29,7 @@ RebuildContext stageOf(const RebuildContext &ctx, TaskMonitor &task) {
 
 class Rebuild {
   public:
-    Rebuild(URLClass &page, Batch batch, const RebuildContext &ctx, const Clock &clock)
+    Rebuild(UrlRecord &page, Batch batch, const RebuildContext &ctx, const Clock &clock)
         : m_page(page), m_batch(batch), m_ctx(ctx), m_clock(clock), m_source(page, ctx) {}
 
     /// `work` with its own part of the progress, 0 to 1 of the whole.
@@ -95,7 +95,7 @@ class Rebuild {
         writeWhole(m_page.RunTimeRebuiltFilePath, text + "\r\n");
     }
 
-    URLClass &m_page;
+    UrlRecord &m_page;
     Batch m_batch;
     const RebuildContext &m_ctx;
     const Clock &m_clock;
@@ -104,7 +104,7 @@ class Rebuild {
 
 } // namespace
 
-bool RebuildWebPage(URLClass &page, Batch batch, const RebuildContext &ctx, const Clock &clock) {
+bool RebuildWebPage(UrlRecord &page, Batch batch, const RebuildContext &ctx, const Clock &clock) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false,
                    [&] { return onRow([&] { return Rebuild(page, batch, ctx, clock).run(); }); });
 }

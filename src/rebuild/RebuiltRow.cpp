@@ -10,7 +10,7 @@
 
 namespace nv {
 
-void storeRebuilt(URLClass &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
+void storeRebuilt(UrlRecord &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
                   const Clock &clock) {
     page.RebuiltMethod = "Cache";
     page.RebuiltDateTime =
@@ -34,7 +34,7 @@ void storeRebuilt(URLClass &page, std::span<const ReferenceNote> notes, const Re
     whole.release();
 }
 
-void storeSubstitutions(URLClass &page, std::string log, const RebuildContext &ctx) {
+void storeSubstitutions(UrlRecord &page, std::string log, const RebuildContext &ctx) {
     page.IngredientIDs = std::move(log);
     SQLite::Statement update(ctx.project, "UPDATE URLs SET IngredientIDs = ? WHERE URL_ID = ?");
     update.bind(1, page.IngredientIDs);

@@ -2,7 +2,7 @@
 
 #include "base/Clock.h"
 #include "db/RebuildAudit.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 
 #include <span>
@@ -19,10 +19,10 @@ inline constexpr std::string_view kRebuiltTimeFormat = "dd-mm-yyyy Hh:Nn:Ss";
 /// The page in `RunTimeRebuiltFilePath`, whose text is `RebuiltSourceCode` and whose substitution
 /// log `IngredientIDs`, is the record's rebuild from now on; `notes` tell of the log's lines. An
 /// archive of an earlier one goes. `RebuiltDateTime` is a text in the machine's local time.
-void storeRebuilt(URLClass &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
+void storeRebuilt(UrlRecord &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
                   const Clock &clock);
 
 /// `log` is the page's substitution log from now on.
-void storeSubstitutions(URLClass &page, std::string log, const RebuildContext &ctx);
+void storeSubstitutions(UrlRecord &page, std::string log, const RebuildContext &ctx);
 
 } // namespace nv

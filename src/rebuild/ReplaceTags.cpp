@@ -37,7 +37,7 @@ struct TagRow {
     std::int64_t FileOffset = 0;
 };
 
-std::vector<TagRow> readTags(const URLClass &page, const RebuildContext &ctx) {
+std::vector<TagRow> readTags(const UrlRecord &page, const RebuildContext &ctx) {
     std::vector<TagRow> tags;
     SQLite::Statement rows(ctx.project,
                            "SELECT Tag_ID, TagURLID, OriginalTag, NewTag, TagDefinition, "
@@ -127,7 +127,7 @@ std::vector<bool> rewrittenOf(const std::vector<TagRow> &tags,
     return rewritten;
 }
 
-std::optional<ReplacedPage> rewritten(const URLClass &page, PageSource &source,
+std::optional<ReplacedPage> rewritten(const UrlRecord &page, PageSource &source,
                                       const RebuildContext &ctx) {
     const std::string text = source.text().value_or(std::string());
     const bool byUrl = partsOf(page.cacheType) == CacheParts::byUrl;
@@ -158,7 +158,7 @@ std::optional<ReplacedPage> rewritten(const URLClass &page, PageSource &source,
 
 } // namespace
 
-std::optional<ReplacedPage> ReplaceTags(const URLClass &page, PageSource &source,
+std::optional<ReplacedPage> ReplaceTags(const UrlRecord &page, PageSource &source,
                                         const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport,
                    std::optional(ReplacedPage{{}, page.IngredientIDs, {}}),

@@ -48,7 +48,7 @@ std::string withoutQuotes(std::string_view text) {
 class SheetRewriting {
   public:
     /// `taken` is counted on by the names given.
-    SheetRewriting(fs::path folder, const URLClass &sheet, const RebuildContext &ctx,
+    SheetRewriting(fs::path folder, const UrlRecord &sheet, const RebuildContext &ctx,
                    std::size_t &taken)
         : m_folder(std::move(folder)), m_sheet(sheet), m_ctx(ctx), m_taken(taken) {}
 
@@ -77,7 +77,7 @@ class SheetRewriting {
         if (std::ranges::find(kPictures, extension) == kPictures.end() || isFull())
             return;
         const auto id = pictureOf(std::string(getFilenameFromPath(fromAnsi(inner))), extension);
-        auto picture = id ? m_ctx.records.GetURL(*id) : std::nullopt;
+        auto picture = id ? m_ctx.records.getURL(*id) : std::nullopt;
         if (!picture)
             return;
         const std::string name = fmt::format("_css{:07}.{}", ++m_taken, extension);
@@ -126,7 +126,7 @@ class SheetRewriting {
     }
 
     fs::path m_folder;
-    const URLClass &m_sheet;
+    const UrlRecord &m_sheet;
     const RebuildContext &m_ctx;
     std::size_t &m_taken;
     std::string m_output;
@@ -136,7 +136,7 @@ class SheetRewriting {
     std::size_t m_close = 0; ///< 1-based; where the search in the next line begins
 };
 
-void rewrite(const fs::path &path, const URLClass &sheet, const RebuildContext &ctx,
+void rewrite(const fs::path &path, const UrlRecord &sheet, const RebuildContext &ctx,
              std::size_t &taken) {
     if (!fs::exists(path))
         return;
@@ -155,7 +155,7 @@ void rewrite(const fs::path &path, const URLClass &sheet, const RebuildContext &
 
 } // namespace
 
-std::size_t FindReplaceCSSTags(const fs::path &path, const URLClass &sheet,
+std::size_t FindReplaceCSSTags(const fs::path &path, const UrlRecord &sheet,
                                const RebuildContext &ctx, std::size_t taken) {
     // After a failure too: pictures may lie there by then.
     trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport,

@@ -64,7 +64,7 @@ Options readOptions(std::int64_t Tag_ID, const TagRow &tag, const RebuildContext
 }
 
 std::string urlOf(std::int64_t URL_ID, const RebuildContext &ctx) {
-    const auto page = ctx.records.GetURL(UrlId{URL_ID});
+    const auto page = ctx.records.getURL(UrlId{URL_ID});
     return page ? page->URL : std::string();
 }
 
@@ -159,7 +159,7 @@ void keepFolder(std::int64_t Tag_ID, std::string_view newTag, const RebuildConte
     update.exec();
 }
 
-std::vector<std::pair<std::int64_t, std::string>> tagsInOrder(const URLClass &page,
+std::vector<std::pair<std::int64_t, std::string>> tagsInOrder(const UrlRecord &page,
                                                               const RebuildContext &ctx) {
     std::vector<std::pair<std::int64_t, std::string>> tags;
     SQLite::Statement rows(ctx.project, "SELECT Tag_ID, OriginalTag FROM Tags WHERE URL_ID = ? "
@@ -200,7 +200,7 @@ bool PickNonIETagOption(std::string_view, std::int64_t Tag_ID, const RebuildCont
                    false, [&] { return onRow(pick); });
 }
 
-bool ChooseTagOptions(const URLClass &page, const RebuildContext &ctx) {
+bool ChooseTagOptions(const UrlRecord &page, const RebuildContext &ctx) {
     const bool byUrl = partsOf(page.cacheType) == CacheParts::byUrl;
     const auto tags = trapped(ctx.log, Severity::Warning, "MainBAS.ChooseTagOptions()",
                               kContactSupport, std::optional<decltype(tagsInOrder(page, ctx))>(),

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/KeyedList.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 
 #include <cstdint>
@@ -20,7 +20,7 @@ using URLChoices = KeyedList<URLChoice>;
 
 /// Picks one of its options for every tag of the page, in the order of their texts, and writes pick
 /// and score into the tag's row. False after a failure, which is logged, and when cancelled.
-[[nodiscard]] bool ChooseTagOptions(const URLClass &page, const RebuildContext &ctx);
+[[nodiscard]] bool ChooseTagOptions(const UrlRecord &page, const RebuildContext &ctx);
 
 /// The pick for a page of Internet Explorer, whose parts are named by cache folder and file: the
 /// tag's row notes both. The page's own record stays as it is.

@@ -89,7 +89,7 @@ class SiteTest {
 
 class OptionSearch {
   public:
-    OptionSearch(const URLClass &page, const RebuildContext &ctx)
+    OptionSearch(const UrlRecord &page, const RebuildContext &ctx)
         : m_page(page), m_ctx(ctx), m_cacheType(toUpper(page.cacheType)), m_site(page.host) {}
 
     /// False when cancelled.
@@ -230,7 +230,7 @@ class OptionSearch {
         m_ctx.task.show(step);
     }
 
-    const URLClass &m_page;
+    const UrlRecord &m_page;
     const RebuildContext &m_ctx;
     std::string m_cacheType;
     SiteTest m_site;
@@ -293,7 +293,7 @@ void forgetTagOptions(const RebuildContext &ctx) {
     onProject([&] { ctx.project.exec("DELETE FROM TagOptions"); });
 }
 
-bool FindTagOptions(const URLClass &page, const RebuildContext &ctx) {
+bool FindTagOptions(const UrlRecord &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false,
                    [&] { return onRow([&] { return OptionSearch(page, ctx).run(); }); });
 }

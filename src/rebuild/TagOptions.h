@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 
 #include <cstddef>
@@ -42,6 +42,6 @@ void forgetTagOptions(const RebuildContext &ctx);
 /// the same kind of cache. A tag whose text is no valid LIKE pattern gets none. Of a tag that has
 /// more than are stored, the score counts them all, and the log tells of the page. False after a
 /// failure, which is logged, and when cancelled.
-bool FindTagOptions(const URLClass &page, const RebuildContext &ctx);
+bool FindTagOptions(const UrlRecord &page, const RebuildContext &ctx);
 
 } // namespace nv

@@ -85,7 +85,7 @@ std::string templateBytes(TemplateRecordsCollection &records, std::string_view W
                           std::string_view version) {
     std::string bytes = header(version);
     for (TemplateRecord &record : records) {
-        const Bytes content = readWhole(record.FilePath);
+        const Bytes content = readWhole(record.filePath);
         // The page comes first; what it is called there doesn't depend on its id in this project.
         const bool isPage = &record == &records.item(1);
         record.NewTagRelativePath = isPage ? std::string(kTemplatePage) : partNameOf(record);

@@ -19,7 +19,7 @@ struct TemplateRecord {
     std::string NewTagRelativePath; ///< name within the rebuilt page's folder
     std::int64_t TagID = 0; ///< key of the part's record where it was made; 0 for the page, which
                             ///< is the first record, and for a part without a record
-    std::filesystem::path FilePath;
+    std::filesystem::path filePath;
     std::uint32_t RecordSize = 0;
     std::uint32_t recordOffset = 0; ///< 0-based, in the template
     std::string FileName;

@@ -38,19 +38,19 @@ std::vector<Substitution> harvestedParts(const fs::path &folder) {
     return substitutionsOf(fromAnsi(ReadTextFile(folder / kPartsList, LineBreaks::keep)), wide);
 }
 
-TemplateRecordsCollection recordsOf(const URLClass &page, const fs::path &folder) {
+TemplateRecordsCollection recordsOf(const UrlRecord &page, const fs::path &folder) {
     TemplateRecordsCollection records;
     TemplateRecord html;
     html.FileName = pageNameOf(page.URLID);
-    html.FilePath = folder / html.FileName;
+    html.filePath = folder / html.FileName;
     records.add(html);
     for (const Substitution &part : harvestedParts(folder)) {
         TemplateRecord record;
         record.TagID = part.TagURLID;
         record.OriginalTag = part.OriginalTag;
         record.FileName = part.NewTag;
-        record.FilePath = folder / part.NewTag;
-        if (!part.NewTag.empty() && fs::is_regular_file(record.FilePath))
+        record.filePath = folder / part.NewTag;
+        if (!part.NewTag.empty() && fs::is_regular_file(record.filePath))
             records.add(std::move(record));
     }
     return records;
@@ -69,7 +69,7 @@ std::string plainNameOf(const TemplateRecord &record) {
 
 /// Whether the record of that id holds the template's bytes in this project too.
 bool isSamePart(const TemplateRecord &record, ByteView content, const RebuildContext &ctx) {
-    auto part = ctx.records.GetURL(UrlId{record.TagID});
+    auto part = ctx.records.getURL(UrlId{record.TagID});
     if (!part)
         return false;
     const auto file = contentOf(*part, ctx.extraction());
@@ -173,7 +173,7 @@ void emptied(const fs::path &folder) {
     makeEmptyFolder(folder);
 }
 
-bool applyTemplate(URLClass &page, const fs::path &file, const RebuildContext &ctx,
+bool applyTemplate(UrlRecord &page, const fs::path &file, const RebuildContext &ctx,
                    const Clock &clock) {
     const Bytes bytes = readWhole(file);
     const TemplateClass made = readTemplate(ByteView(bytes));
@@ -223,7 +223,7 @@ std::string cleanedName(std::string_view text) {
 
 } // namespace
 
-fs::path templatePathOf(const URLClass &page, const fs::path &templates) {
+fs::path templatePathOf(const UrlRecord &page, const fs::path &templates) {
     std::string name = cleanedName(page.URLFileName);
     if (name.empty())
         name = sidOf(page.URLID);
@@ -239,7 +239,7 @@ std::optional<fs::path> renamedTemplatePath(const fs::path &file, std::string_vi
     return file.parent_path() / (cleaned + std::string(kTemplateExtension));
 }
 
-TemplateResult CreateTemplate(const URLClass &page, const fs::path &templates,
+TemplateResult CreateTemplate(const UrlRecord &page, const fs::path &templates,
                               std::string_view version, IfTemplateExists ifExists,
                               const RebuildContext &ctx) {
     const auto create = [&] {
@@ -271,7 +271,7 @@ std::optional<fs::path> LoadTemplate(const fs::path &file, const RebuildContext 
         });
 }
 
-bool RebuildFromTemplate(URLClass &page, const fs::path &file, const RebuildContext &ctx,
+bool RebuildFromTemplate(UrlRecord &page, const fs::path &file, const RebuildContext &ctx,
                          const Clock &clock) {
     return trapped(
         ctx.log, Severity::Warning, "MainForm.RebuildFromTemplate()", kContactSupport, false,

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Clock.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 #include "rebuild/TemplateFile.h"
 
@@ -26,7 +26,7 @@ enum class TemplateResult {
 
 /// Where CreateTemplate() writes for this record: the URL's file name below the folder, with what
 /// file names can't hold taken out.
-std::filesystem::path templatePathOf(const URLClass &page, const std::filesystem::path &templates);
+std::filesystem::path templatePathOf(const UrlRecord &page, const std::filesystem::path &templates);
 
 /// The file of that name in the folder of `file`, as renaming gives it; nothing when the name holds
 /// no character that file names can.
@@ -34,7 +34,7 @@ std::optional<std::filesystem::path> renamedTemplatePath(const std::filesystem::
                                                          std::string_view name);
 
 /// Makes a template of a page that was rebuilt in this session.
-TemplateResult CreateTemplate(const URLClass &page, const std::filesystem::path &templates,
+TemplateResult CreateTemplate(const UrlRecord &page, const std::filesystem::path &templates,
                               std::string_view version, IfTemplateExists ifExists,
                               const RebuildContext &ctx);
 
@@ -48,7 +48,7 @@ std::optional<std::filesystem::path> LoadTemplate(const std::filesystem::path &f
 /// harvest puts a stranger's picture in their place, and the record's archive keeps their bytes. A
 /// part that bears the page's own name gets another. False without records in the template, and
 /// after a failure, which is logged.
-bool RebuildFromTemplate(URLClass &page, const std::filesystem::path &file,
+bool RebuildFromTemplate(UrlRecord &page, const std::filesystem::path &file,
                          const RebuildContext &ctx, const Clock &clock);
 
 /// Whether title and template belong together: trimmed and in either case, they are the same. No

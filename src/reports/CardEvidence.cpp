@@ -27,15 +27,15 @@ namespace {
 
 constexpr std::uintmax_t kLargestText = std::uintmax_t{64} << 20;
 
-std::string rowFolder(const URLClass &record) {
+std::string rowFolder(const UrlRecord &record) {
     return rowNameOf(record.URLID) + ".NVR";
 }
 
-std::string thumbnailName(const URLClass &record) {
+std::string thumbnailName(const UrlRecord &record) {
     return fmt::format("{}/~{}.thumbnail.jpg", rowFolder(record), sidOf(record.URLID));
 }
 
-bool hasContent(const URLClass &record) {
+bool hasContent(const UrlRecord &record) {
     if (record.IsHistory || record.IsCookie)
         return false;
     const RecordKind *kind = recordKind(record.cacheType);
@@ -70,7 +70,7 @@ void CardEvidence::bring(ReportCard &card, std::size_t place, TaskMonitor &task)
 }
 
 bool CardEvidence::bringRebuilt(ReportCard &card, TaskMonitor &task) const {
-    URLClass &record = card.record;
+    UrlRecord &record = card.record;
     const fs::path folder = m_folder.path / rowFolder(record);
     const fs::path page = folder / pageNameOf(record.URLID);
     fs::remove_all(folder); // a row that is listed twice would be guarded twice
@@ -111,7 +111,7 @@ void CardEvidence::bringContent(ReportCard &card, std::size_t place) const {
 
 void CardEvidence::bringPicture(ReportCard &card, const fs::path &content,
                                 const std::string &kind) const {
-    const URLClass &record = card.record;
+    const UrlRecord &record = card.record;
     card.target = fmt::format("pictures/{}.{}", rowNameOf(record.URLID), kind);
     const fs::path picture = m_folder.path / card.target;
     copyToScratch(content, picture);

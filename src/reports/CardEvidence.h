@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "reports/ReportContext.h"
 #include "reports/ReportFolder.h"
 
@@ -12,7 +12,7 @@ namespace nv {
 
 /// A row on its way to its cue card. Paths are relative to the report's folder, with "/".
 struct ReportCard {
-    URLClass record;
+    UrlRecord record;
     std::string target;      ///< the local copy of the content; empty when there is none
     std::string absence;     ///< why not, in plain words
     bool incomplete = false; ///< not all parts of the rebuilt page could be brought

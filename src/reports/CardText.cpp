@@ -53,7 +53,7 @@ std::string rebuiltRow(const ReportClass &report) {
                                                                : htmlText(report.RebuiltDateTime));
 }
 
-std::string dateRows(const URLClass &record, const ReportContext &ctx) {
+std::string dateRows(const UrlRecord &record, const ReportContext &ctx) {
     const ZoneDate date = actionDate(record, ctx);
     const std::string value =
         date.text.empty() ? "&nbsp;"
@@ -78,7 +78,7 @@ std::string dateRows(const URLClass &record, const ReportContext &ctx) {
 }
 
 /// Kinds of history have no browser of their own in the table of names: the record's kind is added.
-std::string sourceRow(const URLClass &record, const ReportClass &report) {
+std::string sourceRow(const UrlRecord &record, const ReportClass &report) {
     std::string value = report.Browser + " Version " + htmlText(record.HistoryVersion);
     if (groupOf(record.cacheType) != RecordGroup::cache)
         value += fmt::format(" ({})", htmlText(record.cacheType));

@@ -75,7 +75,7 @@ void checkRoom(const fs::path &folder) {
 }
 
 /// What was read to write the card, and may be megabytes a row.
-void letGo(URLClass &record) {
+void letGo(UrlRecord &record) {
     for (std::string *text :
          {&record.RebuiltSourceCode, &record.HTMLBody, &record.MetaData, &record.Links})
         std::string().swap(*text);
@@ -183,7 +183,7 @@ bool ReportClass::bringCards(std::span<const std::int32_t> ids, std::size_t firs
 /// without, and is logged.
 ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) {
     ReportCard card;
-    auto record = m_ctx.rebuild.records.GetURL(id);
+    auto record = m_ctx.rebuild.records.getURL(id);
     if (!record)
         return card;
     card.record = std::move(*record);
@@ -257,7 +257,7 @@ bool ReportClass::writeRows(const RowIds &ids, std::ostream &file) {
 
 void ReportClass::CreateTabularRecord(UrlId urlID, std::size_t index, std::ostream &file) {
     const auto write = [&] {
-        const auto record = m_ctx.rebuild.records.GetURL(urlID);
+        const auto record = m_ctx.rebuild.records.getURL(urlID);
         if (!record)
             throw std::runtime_error(fmt::format("the record {} can't be read", number(urlID)));
         take(*record, index);
@@ -271,7 +271,7 @@ void ReportClass::CreateTabularRecord(UrlId urlID, std::size_t index, std::ostre
     }
 }
 
-void ReportClass::take(const URLClass &record, std::size_t index) {
+void ReportClass::take(const UrlRecord &record, std::size_t index) {
     Index = index;
     User = record.User;
     Status = record.Status;

@@ -103,7 +103,7 @@ class ReportClass {
     ReportCard cardOf(UrlId id, std::size_t place, TaskMonitor &task);
     ReportCard &cardFor(UrlId id);
     bool step(std::size_t done, std::size_t total, std::int64_t id);
-    void take(const URLClass &record, std::size_t index);
+    void take(const UrlRecord &record, std::size_t index);
     void countFailed(UrlId id);
     CardEvidence evidence() const;
     std::string customerOptions();

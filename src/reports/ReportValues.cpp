@@ -7,7 +7,7 @@
 
 namespace nv {
 
-ZoneDate actionDate(const URLClass &record, const ReportContext &ctx) {
+ZoneDate actionDate(const UrlRecord &record, const ReportContext &ctx) {
     const DateSettings &settings = ctx.settings.dates;
     const TimeZone &zone = ctx.GMTZone;
     const Date local = convertDateToZone(record.ActionDateUTC, zone, settings.EnableDSTChanges);
@@ -22,12 +22,12 @@ std::string visitsText(std::int64_t visits) {
     return visits == kVisitsUnknown ? std::string() : std::to_string(visits);
 }
 
-bool isWeekly(const URLClass &record) {
+bool isWeekly(const UrlRecord &record) {
     const RecordKind *kind = recordKind(record.cacheType);
     return kind && kind->inLocalTime;
 }
 
-std::string_view dateColour(const URLClass &record) {
+std::string_view dateColour(const UrlRecord &record) {
     return isWeekly(record) ? kWeeklyColour : kZoneColour;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "reports/ReportContext.h"
 
 #include <string>
@@ -18,12 +18,12 @@ struct ZoneDate {
     std::string daylight; ///< "DST" or "STD"
 };
 /// Of the record's action. Throws std::range_error as convertDateToZone() does.
-ZoneDate actionDate(const URLClass &record, const ReportContext &ctx);
+ZoneDate actionDate(const UrlRecord &record, const ReportContext &ctx);
 
 /// Empty where the artefact counts no visits.
 std::string visitsText(std::int64_t visits);
 
-bool isWeekly(const URLClass &record);
-std::string_view dateColour(const URLClass &record);
+bool isWeekly(const UrlRecord &record);
+std::string_view dateColour(const UrlRecord &record);
 
 } // namespace nv

@@ -15,7 +15,7 @@ std::string cell(std::string_view html) {
     return fmt::format("<td valign='top'>{}</td>", html.empty() ? "&nbsp;" : html);
 }
 
-std::string typeCell(const URLClass &record) {
+std::string typeCell(const UrlRecord &record) {
     const BrowserFamily *family = familyOf(record.cacheType);
     if (!family)
         return cell("");
@@ -24,7 +24,7 @@ std::string typeCell(const URLClass &record) {
                             kind && !kind->title.empty() ? kind->title : family->title));
 }
 
-std::string dateCell(const URLClass &record, const ReportContext &ctx) {
+std::string dateCell(const UrlRecord &record, const ReportContext &ctx) {
     const ZoneDate date = actionDate(record, ctx);
     if (date.text.empty())
         return cell("");
@@ -65,7 +65,7 @@ std::string tabularHead(const ReportClass &report) {
     return text + "</tr>";
 }
 
-std::string tabularRow(const ReportClass &report, const URLClass &record,
+std::string tabularRow(const ReportClass &report, const UrlRecord &record,
                        const ReportContext &ctx) {
     std::string text =
         fmt::format("   <tr><td><input type='checkbox' name='box{}'></td>", report.Index) +

@@ -9,7 +9,8 @@ namespace nv {
 /// The opening of the table, with the heading cells that the report includes.
 std::string tabularHead(const ReportClass &report);
 /// The row of the record in hand. Throws.
-std::string tabularRow(const ReportClass &report, const URLClass &record, const ReportContext &ctx);
+std::string tabularRow(const ReportClass &report, const UrlRecord &record,
+                       const ReportContext &ctx);
 /// In the place of a row that can't be written.
 std::string brokenRow(UrlId id, std::size_t index);
 

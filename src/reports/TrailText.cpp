@@ -13,16 +13,16 @@ namespace {
 
 /// What tells whether a file is still the one that was read or written.
 std::string hashesCell(const TrailEntry &entry) {
-    if (entry.MD5Hash.empty() && entry.SHA256Hash.empty())
+    if (entry.md5Hash.empty() && entry.sha256Hash.empty())
         return {};
-    return fmt::format("MD5 {}<br>SHA-256 {}", htmlText(entry.MD5Hash), htmlText(entry.SHA256Hash));
+    return fmt::format("MD5 {}<br>SHA-256 {}", htmlText(entry.md5Hash), htmlText(entry.sha256Hash));
 }
 
 std::string rowOf(const TrailEntry &entry) {
-    return htmlRow({std::to_string(entry.Trail_ID), htmlText(isoUtc(entry.ActionDateUTC)),
-                    htmlText(entry.Action), htmlText(entry.Detail), std::to_string(entry.RowCount),
-                    htmlText(entry.FilePath),
-                    entry.FilePath.empty() ? "" : std::to_string(entry.FileSize), hashesCell(entry),
+    return htmlRow({std::to_string(entry.trailID), htmlText(isoUtc(entry.actionDateUTC)),
+                    htmlText(entry.action), htmlText(entry.detail), std::to_string(entry.rowCount),
+                    htmlText(entry.filePath),
+                    entry.filePath.empty() ? "" : std::to_string(entry.fileSize), hashesCell(entry),
                     htmlText(entry.AppVersion)});
 }
 

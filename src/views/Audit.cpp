@@ -23,7 +23,7 @@ namespace {
 std::string localNameIn(const Substitution &line, const RebuildContext &ctx) {
     if (line.TagURLID <= 0)
         return line.NewTag;
-    const auto part = ctx.records.GetURL(UrlId{line.TagURLID});
+    const auto part = ctx.records.getURL(UrlId{line.TagURLID});
     return part ? localNameOf(part->URLID, part->URLFileExt) : line.OriginalTag;
 }
 
@@ -43,7 +43,7 @@ bool namesFile(std::string_view text, std::string_view name) {
 
 class Audit {
   public:
-    Audit(const URLClass &page, fs::path folder, const RebuildContext &ctx)
+    Audit(const UrlRecord &page, fs::path folder, const RebuildContext &ctx)
         : m_page(page), m_folder(std::move(folder)), m_ctx(ctx),
           m_notes(RebuildAudit(ctx.project).notes(page.URLID)),
           m_url(ctx.project, "SELECT URL FROM URLs WHERE URL_ID = ?") {}
@@ -82,7 +82,7 @@ class Audit {
             return;
         }
         row.isRewritten = note->second.rewritten;
-        row.score = note->second.AccuracyScore;
+        row.score = note->second.accuracyScore;
         for (const std::int64_t id : note->second.candidates)
             row.candidates.push_back({id, urlOf(id)});
     }
@@ -93,7 +93,7 @@ class Audit {
         return m_url.executeStep() ? m_url.getColumn(0).getString() : std::string();
     }
 
-    const URLClass &m_page;
+    const UrlRecord &m_page;
     fs::path m_folder;
     const RebuildContext &m_ctx;
     std::map<std::size_t, ReferenceNote> m_notes;
@@ -117,7 +117,7 @@ std::string AuditRow::otherCandidates() const {
     return text.empty() || more <= 0 ? text : text + fmt::format(" | {} more", more);
 }
 
-std::optional<std::vector<AuditRow>> LoadAudit(const URLClass &page, const fs::path &folder,
+std::optional<std::vector<AuditRow>> LoadAudit(const UrlRecord &page, const fs::path &folder,
                                                const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, "MainForm.LoadAudit()", kContactSupport,
                    std::optional<std::vector<AuditRow>>(),

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 
 #include <filesystem>
@@ -45,6 +45,6 @@ inline constexpr const char *kNotRewritten = "Not rewritten: ";
 /// The substitution log of a rebuilt page, with what its rebuild folder `folder` holds of it. Empty
 /// after a failure, which is logged.
 std::optional<std::vector<AuditRow>>
-LoadAudit(const URLClass &page, const std::filesystem::path &folder, const RebuildContext &ctx);
+LoadAudit(const UrlRecord &page, const std::filesystem::path &folder, const RebuildContext &ctx);
 
 } // namespace nv

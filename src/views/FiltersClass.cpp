@@ -1,7 +1,7 @@
 #include "views/FiltersClass.h"
 
 #include "base/Text.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "readers/RecordKind.h"
 
 #include <algorithm>
@@ -110,7 +110,7 @@ bool isVetoed(const FiltersClass &filters, const FilterFacts &facts) {
            (facts.IsBookmark && !filters.showBookmarks);
 }
 
-FilterFacts factsOf(const URLClass &record) {
+FilterFacts factsOf(const UrlRecord &record) {
     return {.IsHistory = record.IsHistory,
             .IsCookie = record.IsCookie,
             .IsBookmark = record.IsBookmark,
@@ -142,7 +142,7 @@ const FilterFlag *findFilterFlag(std::string_view name) {
     return found == std::ranges::end(kFlags) ? nullptr : found;
 }
 
-bool FilterRecord(const FiltersClass &filters, const URLClass &record) {
+bool FilterRecord(const FiltersClass &filters, const UrlRecord &record) {
     return FilterRecord(filters, factsOf(record));
 }
 

@@ -11,7 +11,7 @@
 
 namespace nv {
 
-struct URLClass;
+struct UrlRecord;
 
 /// The record filters: which rows of a query are shown. Kept in memory only, for one run of the
 /// program. The flags stand in the order of their tests.
@@ -112,7 +112,7 @@ std::span<const FilterFlag> filterFlags();
 const FilterFlag *findFilterFlag(std::string_view name);
 
 /// Whether a record is shown by flags that are enabled.
-bool FilterRecord(const FiltersClass &filters, const URLClass &record);
+bool FilterRecord(const FiltersClass &filters, const UrlRecord &record);
 /// The same by what was read of a row. Facts that needsOf() leaves out may be empty.
 bool FilterRecord(const FiltersClass &filters, const FilterFacts &facts);
 

@@ -78,7 +78,7 @@ class PageRefresh {
           m_update(ctx.project, "UPDATE URLs SET HTMLBody = ?, Links = ? WHERE URL_ID = ?") {}
 
     void run(std::int64_t id) {
-        auto record = m_ctx.records.GetURL(UrlId{id});
+        auto record = m_ctx.records.getURL(UrlId{id});
         const bool read =
             record && m_trap.run(static_cast<std::uint64_t>(id), [&] { refresh(*record); });
         m_totals.notRead += read ? 0 : 1;
@@ -87,7 +87,7 @@ class PageRefresh {
     }
 
   private:
-    void refresh(URLClass &record) {
+    void refresh(UrlRecord &record) {
         record.cacheType = trim(record.cacheType);
         const Extraction extraction{m_ctx.evidence, m_ctx.scratch, m_ctx.log};
         SavedContent content(record, extraction, m_content);
@@ -118,7 +118,7 @@ class PageRefresh {
     }
 
     /// The next one's gets the same name.
-    void dropBody(const URLClass &record) {
+    void dropBody(const UrlRecord &record) {
         m_content.forget();
         std::error_code ignored; // it is scratch
         if (!record.RunTimeTempFilePath.empty())

@@ -1,7 +1,7 @@
 #include "views/LinkList.h"
 
 #include "base/Trap.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "readers/RecordKind.h"
 #include "rebuild/Harvest.h"
 

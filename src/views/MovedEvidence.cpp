@@ -23,7 +23,7 @@ std::int64_t highestId(SQLite::Database &database) {
 
 /// The highest row that is known to hold `root`; 0 when none is.
 std::int64_t seenWith(const ProjectFields &fields, std::string_view root) {
-    const std::string seen = fields.GetDefault(kSeenName);
+    const std::string seen = fields.getDefault(kSeenName);
     std::int64_t id = 0;
     const auto [end, error] = std::from_chars(seen.data(), seen.data() + seen.size(), id);
     const std::string_view folder(end, static_cast<std::size_t>(seen.data() + seen.size() - end));
@@ -77,7 +77,7 @@ std::optional<std::int64_t> mendRootPath(SQLite::Database &database, FailureLog 
     const auto changed = giveRoot(database, root, seen, task);
     const std::string mark = fmt::format("{} {}", highest, root);
     if (changed && mark.size() <= kLongestValue)
-        fields.SaveDefaultSetting(kSeenName, mark);
+        fields.saveDefaultSetting(kSeenName, mark);
     return changed;
 }
 

@@ -3,7 +3,7 @@
 #include "base/Succeeds.h"
 #include "base/Text.h"
 #include "db/SchemaColumns.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "views/EXIFClass.h"
 #include "views/StoredCell.h"
 

@@ -1,7 +1,7 @@
 #include "views/RowCells.h"
 
 #include "base/Text.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "rebuild/RebuiltRow.h"
 #include "views/CellText.h"
 #include "views/IconKey.h"

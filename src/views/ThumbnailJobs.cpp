@@ -36,13 +36,13 @@ bool holds(std::span<const std::string_view> words, std::string_view word) {
 
 /// As an import knows the record: its extension is that of its content, when that speaks for one.
 /// Rows keep the reader's words.
-void takeVerdict(URLClass &record, SavedContent &content, Signatures signatures, FailureLog &log) {
+void takeVerdict(UrlRecord &record, SavedContent &content, Signatures signatures, FailureLog &log) {
     const Verdict verdict = Categories(signatures, log).verdictOn(record, content);
     if (!verdict.extension.empty())
         record.CacheFileExt = verdict.extension;
 }
 
-std::string extensionOf(const URLClass &record, const fs::path &content) {
+std::string extensionOf(const UrlRecord &record, const fs::path &content) {
     if (!record.CacheFileExt.empty())
         return toLower(record.CacheFileExt);
     if (!record.URLFileExt.empty())
@@ -61,13 +61,13 @@ fs::path toScratch(const fs::path &content, const fs::path &folder, std::string_
     return scratch;
 }
 
-void setKind(URLClass &record, DrawJob::Kind kind) {
+void setKind(UrlRecord &record, DrawJob::Kind kind) {
     record.IsPicture = kind == DrawJob::Kind::picture;
     record.IsWebPage = kind == DrawJob::Kind::page;
     record.ThumbnailFormat = record.IsPicture ? "Bitmap" : "JPEG";
 }
 
-void fill(URLClass &record, const DrawJob &job, const Drawn &drawn, const ThumbnailContext &ctx) {
+void fill(UrlRecord &record, const DrawJob &job, const Drawn &drawn, const ThumbnailContext &ctx) {
     record.RunTimeThumbnailPath = job.target;
     record.ThumbnailBLOB = readWhole(job.target);
     record.ThumbnailMD5Hash = fileMD5(job.target).value_or("");
@@ -82,7 +82,7 @@ void fill(URLClass &record, const DrawJob &job, const Drawn &drawn, const Thumbn
     record.PARDValue = pardValue(drawn.pictureWidth, drawn.pictureHeight);
 }
 
-void writeRow(const URLClass &record, SQLite::Database &project) {
+void writeRow(const UrlRecord &record, SQLite::Database &project) {
     onRow(project, [&] {
         SQLite::Statement update(
             project, "UPDATE URLs SET ThumbnailBLOB = ?, ThumbnailWidth = ?, ThumbnailHeight = ?, "
@@ -125,7 +125,7 @@ std::optional<DrawJob::Kind> drawnAs(std::string_view extension) {
 
 Preparation prepareThumbnail(ThumbnailJob &job, const fs::path &folder,
                              const ThumbnailContext &ctx) {
-    URLClass &record = job.record;
+    UrlRecord &record = job.record;
     if (!record.CacheFileExists)
         return Preparation::noContent;
     if (record.IsCookie) // its URL may be that of a page or of a picture, its content is neither
@@ -154,7 +154,7 @@ Preparation prepareThumbnail(ThumbnailJob &job, const fs::path &folder,
 
 std::optional<ThumbnailJob> jobOfRow(UrlId URL_ID, const fs::path &folder,
                                      const ThumbnailContext &ctx, ThumbnailTotals &totals) {
-    auto record = ctx.records.GetURL(URL_ID);
+    auto record = ctx.records.getURL(URL_ID);
     if (!record) {
         if (isGone(URL_ID, ctx))
             ++totals.withoutContent;

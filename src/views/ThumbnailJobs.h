@@ -18,7 +18,7 @@ constexpr int thumbnailHeight(int width) {
 
 /// A record whose content lies in scratch, and its drawing.
 struct ThumbnailJob {
-    URLClass record;
+    UrlRecord record;
     DrawJob drawing;
 };
 

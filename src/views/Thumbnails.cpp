@@ -174,7 +174,7 @@ void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> i
         ThumbnailRun(ctx, ids, task, totals).all();
 }
 
-bool MakeThumbnail(URLClass &URL, const ImportClass &import, const ThumbnailContext &ctx) {
+bool MakeThumbnail(UrlRecord &URL, const ImportClass &import, const ThumbnailContext &ctx) {
     if (!import.MakePictureThumbnails || !URL.CacheFileExists)
         return false;
     return trapped(ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport, false,
@@ -196,7 +196,7 @@ bool MakeThumbnail(URLClass &URL, const ImportClass &import, const ThumbnailCont
                    });
 }
 
-bool MakePictureThumbnail(const fs::path &source, const fs::path &destination, URLClass &URL,
+bool MakePictureThumbnail(const fs::path &source, const fs::path &destination, UrlRecord &URL,
                           int width, const ThumbnailContext &ctx) {
     const Drawn drawn =
         drawOne({DrawJob::Kind::picture, source, destination, width, thumbnailHeight(width)}, ctx);

@@ -38,7 +38,7 @@ struct LargeProject {
     }
 
     UrlId add(const std::string &url) {
-        URLClass record;
+        UrlRecord record;
         record.cacheType = "IE Cache";
         record.URL = record.URLRawValue = url;
         record.host = "host1.example";
@@ -46,7 +46,7 @@ struct LargeProject {
         record.CacheFolderName = "ABCDEFGH";
         record.CacheFileName = "page.htm";
         record.CacheFileRelativePath = evidence.relativeOf(folder / "page.htm");
-        store.SaveRecord(record, project.file);
+        store.saveRecord(record, project.file);
         return record.URLID;
     }
 };
@@ -58,7 +58,7 @@ void rebuildPageOfThousandTags(benchmark::State &state) {
                              large.project.folder.path(), large.project.log, task,
                              {.WideRecordIds = true}};
     for (auto _ : state) {
-        URLClass page = *large.store.GetURL(large.page);
+        UrlRecord page = *large.store.getURL(large.page);
         if (!RebuildWebPage(page, Batch::no, ctx, large.project.clock))
             state.SkipWithError("the page was not rebuilt");
     }

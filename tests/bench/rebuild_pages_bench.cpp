@@ -50,7 +50,7 @@ struct Cache {
     }
 
     UrlId add(const std::string &url, const std::string &name) {
-        URLClass record;
+        UrlRecord record;
         record.cacheType = "IE Cache";
         record.URL = record.URLRawValue = url;
         record.host = "host1.example";
@@ -59,7 +59,7 @@ struct Cache {
         record.RootPath = evidence.rootOf(folder / name);
         record.CacheFileRelativePath = evidence.relativeOf(folder / name);
         record.CacheFileExists = true;
-        store.SaveRecord(record, project.file);
+        store.saveRecord(record, project.file);
         return record.URLID;
     }
     void addPage(int page, int references) {
@@ -74,7 +74,7 @@ struct Cache {
     std::vector<PageDrawing> rebuildAll(benchmark::State &state) {
         std::vector<PageDrawing> drawings;
         for (const UrlId id : pages) {
-            URLClass page = *store.GetURL(id);
+            UrlRecord page = *store.getURL(id);
             if (!RebuildWebPage(page, Batch::yes, ctx, project.clock))
                 state.SkipWithError("a page was not rebuilt");
             drawings.push_back({id, page.RunTimeRebuiltFilePath,
@@ -95,7 +95,7 @@ void discoverTags(benchmark::State &state) {
     cache.addPage(0, kTagsOfLargePage);
     std::size_t tags = 0;
     for (auto _ : state) {
-        URLClass page = *cache.store.GetURL(cache.pages.front());
+        UrlRecord page = *cache.store.getURL(cache.pages.front());
         PageSource source(page, cache.ctx);
         tags += FindTagsInFile(page, source, cache.ctx);
     }

@@ -25,12 +25,12 @@ struct ManyRows {
         std::filesystem::create_directories(folder);
         SQLite::Transaction whole(project.connection());
         for (int i = 0; i < kRows; ++i) {
-            URLClass record;
+            UrlRecord record;
             record.cacheType = "IE Daily";
             record.URL = record.URLRawValue = fmt::format("http://host{}.example/{}", i % 31, i);
             record.IsHistory = true;
             record.ActionDateUTC = Date::fromDays(40000 + i);
-            store.SaveRecord(record, project.file);
+            store.saveRecord(record, project.file);
             ids.push_back(static_cast<std::int32_t>(number(record.URLID)));
         }
         whole.commit();

@@ -10,8 +10,8 @@ namespace nv {
 namespace {
 
 /// A record of a cache index of usual size.
-URLClass cacheRecord(std::int64_t n) {
-    URLClass record;
+UrlRecord cacheRecord(std::int64_t n) {
+    UrlRecord record;
     record.URLRawValue = "http://www.host" + std::to_string(n % 997) +
                          ".example/folder/page.php?id=" + std::to_string(n * 7919 % 1000003);
     record.URL = record.URLRawValue;
@@ -43,8 +43,8 @@ void saveRecord(benchmark::State &state) {
     WriteBatch batch(project.connection());
     std::int64_t n = 0;
     for (auto _ : state) {
-        URLClass record = cacheRecord(++n);
-        store.SaveRecord(record, project.file);
+        UrlRecord record = cacheRecord(++n);
+        store.saveRecord(record, project.file);
         batch.written();
     }
     state.SetItemsProcessed(state.iterations());
@@ -64,7 +64,7 @@ void saveThroughTheSink(benchmark::State &state) {
     ImportSink sink(store, categories, extraction, content, batch, project.file, result);
     std::int64_t n = 0;
     for (auto _ : state) {
-        URLClass record = cacheRecord(++n);
+        UrlRecord record = cacheRecord(++n);
         sink.save(record);
     }
     state.SetItemsProcessed(state.iterations());
@@ -79,13 +79,13 @@ void getUrl(benchmark::State &state) {
     {
         WriteBatch batch(project.connection());
         for (std::int64_t n = 0; n < kRows; ++n) {
-            URLClass record = cacheRecord(n);
-            store.SaveRecord(record, project.file);
+            UrlRecord record = cacheRecord(n);
+            store.saveRecord(record, project.file);
         }
     }
     std::int64_t n = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(store.GetURL(UrlId{n++ * 7919 % kRows + 1}));
+        benchmark::DoNotOptimize(store.getURL(UrlId{n++ * 7919 % kRows + 1}));
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(getUrl)->Unit(benchmark::kMicrosecond);

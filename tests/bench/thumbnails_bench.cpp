@@ -76,7 +76,7 @@ struct Album {
     }
 
     void add(const fs::path &file) {
-        URLClass record;
+        UrlRecord record;
         record.cacheType = "IE Cache";
         record.URL = "http://host/" + file.filename().string();
         record.CacheFileExt = record.URLFileExt = "jpg";
@@ -84,7 +84,7 @@ struct Album {
         record.RootPath = evidence.rootOf(file);
         record.CacheFileRelativePath = evidence.relativeOf(file);
         record.CacheFileExists = true;
-        store.SaveRecord(record, project.file);
+        store.saveRecord(record, project.file);
         ids.push_back(number(record.URLID));
     }
 };

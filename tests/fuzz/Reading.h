@@ -25,7 +25,7 @@ struct CountingLog final : FailureLog {
 };
 
 struct CountingSink final : RecordSink {
-    void save(URLClass &) override { ++records; }
+    void save(UrlRecord &) override { ++records; }
     std::uint64_t records = 0;
 };
 
@@ -34,8 +34,8 @@ struct Reading {
     Reading(const std::filesystem::path &path, const Evidence &evidence, RecordSink &sink,
             const std::filesystem::path &scratch = {})
         : context{file, evidence, content, clock, scratch, sink, log, task} {
-        file.FullPath = path;
-        file.FileParentPath = path.parent_path();
+        file.fullPath = path;
+        file.fileParentPath = path.parent_path();
     }
     /// What ended early says why, and a file that failed gave no records.
     void requireNothingLost(const ReadResult &result, std::uint64_t records) const {

@@ -22,7 +22,7 @@ struct Patience final : TaskMonitor {
 /// A record lies in the file and has no more text than the file can hold.
 struct CheckingSink final : RecordSink {
     explicit CheckingSink(std::size_t bytes) : size(bytes) {}
-    void save(URLClass &record) override {
+    void save(UrlRecord &record) override {
         require(static_cast<std::uint64_t>(record.MapFileOffset) < size);
         require(record.URLRawValue.size() <= 3 * size && !record.CacheFileExists);
         ++records;
@@ -42,9 +42,9 @@ inline std::uint64_t readRecords(ReadResult (*reader)(ReadContext &, ByteView), 
     ContentProbe content;
     CheckingSink sink(bytes.size());
     HistoryFile file;
-    file.FullPath = "/nowhere/index.dat";
-    file.FileParentPath = "/nowhere";
-    file.HistoryFileType = type;
+    file.fullPath = "/nowhere/index.dat";
+    file.fileParentPath = "/nowhere";
+    file.historyFileType = type;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
     const ReadResult result = reader(ctx, bytes);
     require(result.state != ReadState::failed || sink.records == 0);

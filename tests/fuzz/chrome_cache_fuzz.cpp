@@ -20,7 +20,7 @@ using nv::fuzz::require;
 struct CheckingSink final : nv::RecordSink {
     CheckingSink(const nv::Evidence &files, fs::path folder)
         : evidence(files), target(std::move(folder)) {}
-    void save(nv::URLClass &record) override {
+    void save(nv::UrlRecord &record) override {
         require(++count <= kSlots && record.URL.size() <= kLongestUrl);
         require(!nv::fetchChromeBody(record, evidence, target) ||
                 fs::file_size(target) <= kLongestFile);

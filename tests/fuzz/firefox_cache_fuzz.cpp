@@ -19,7 +19,7 @@ using nv::test::FirefoxCache;
 struct FetchingSink final : nv::RecordSink {
     FetchingSink(const nv::Evidence &from, const std::filesystem::path &to)
         : evidence(from), scratch(to) {}
-    void save(nv::URLClass &record) override {
+    void save(nv::UrlRecord &record) override {
         require(++records <= 16 && record.CacheFileSize >= 0 && record.DataBlockFileOffset >= 0);
         require(record.MetaData.size() <= std::size_t{3} << 16);
         const std::filesystem::path target = scratch / "body";

@@ -25,13 +25,13 @@ using nv::fuzz::require;
 
 /// Keeps the first records, whose bodies are fetched in the end.
 struct FirstSink final : nv::RecordSink {
-    void save(nv::URLClass &record) override {
+    void save(nv::UrlRecord &record) override {
         constexpr std::size_t kKept = 3;
         if (first.size() < kKept)
             first.push_back(record);
         ++records;
     }
-    std::vector<nv::URLClass> first;
+    std::vector<nv::UrlRecord> first;
     std::uint64_t records = 0;
 };
 
@@ -72,8 +72,8 @@ void readAs(const nv::Reader &reader, std::string_view bytes) {
     const nv::Evidence evidence(input);
     FirstSink sink;
     nv::fuzz::Reading reading(file, evidence, sink, scratch);
-    reading.file.HistoryFileType = reader.type;
-    reading.file.FileSize = bytes.size();
+    reading.file.historyFileType = reader.type;
+    reading.file.fileSize = bytes.size();
     try {
         const nv::ReadResult result = reader.read(reading.context);
         if (result.state != nv::ReadState::notReadYet)
@@ -83,7 +83,7 @@ void readAs(const nv::Reader &reader, std::string_view bytes) {
     } catch (const std::exception &) {
         return; // the driver tells it of the whole file
     }
-    for (nv::URLClass &record : sink.first)
+    for (nv::UrlRecord &record : sink.first)
         static_cast<void>(
             nv::bodyOf(record, {evidence, scratch, reading.log, reader.type}, nv::kBodyInMemory));
 }

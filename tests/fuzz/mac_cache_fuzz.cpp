@@ -13,7 +13,7 @@ using nv::fuzz::require;
 
 struct CheckingSink final : nv::RecordSink {
     explicit CheckingSink(std::size_t bytes) : size(bytes) {}
-    void save(nv::URLClass &record) override {
+    void save(nv::UrlRecord &record) override {
         const auto end =
             static_cast<std::uint64_t>(record.DataBlockFileOffset + record.CacheFileSize);
         require(!record.CacheFileExists || end <= size);

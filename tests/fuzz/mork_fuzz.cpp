@@ -11,7 +11,7 @@ namespace {
 
 struct CheckingSink final : nv::RecordSink {
     explicit CheckingSink(std::size_t bytes) : size(bytes) {}
-    void save(nv::URLClass &record) override {
+    void save(nv::UrlRecord &record) override {
         const auto offset = static_cast<std::uint64_t>(record.MapFileOffset);
         // A byte of the file is three in memory at most.
         nv::fuzz::require(offset <= size && record.URL.size() <= 3 * size && ++records <= size);

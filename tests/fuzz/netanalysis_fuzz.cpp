@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
                         [&](const nv::JetRow &row) {
                             if (!row.damage.empty())
                                 return true;
-                            nv::URLClass record =
+                            nv::UrlRecord record =
                                 nv::netAnalysisRecord(reading.context, row, "C:\\Cache");
                             require(record.RunTimeContentPath.empty());
                             sink.save(record);

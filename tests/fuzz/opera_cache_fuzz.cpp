@@ -13,7 +13,7 @@ using nv::fuzz::require;
 
 struct CheckingSink final : nv::RecordSink {
     explicit CheckingSink(std::size_t bytes) : size(bytes) {}
-    void save(nv::URLClass &record) override {
+    void save(nv::UrlRecord &record) override {
         const auto offset = static_cast<std::uint64_t>(record.MapFileOffset);
         // A byte of the file is three in memory at most; no cached file is there.
         require(offset >= next && offset < size && record.CacheFileSize == 0);

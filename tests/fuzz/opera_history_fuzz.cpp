@@ -13,7 +13,7 @@ using nv::fuzz::require;
 
 struct CheckingSink final : nv::RecordSink {
     explicit CheckingSink(std::size_t bytes) : size(bytes) {}
-    void save(nv::URLClass &record) override {
+    void save(nv::UrlRecord &record) override {
         const auto offset = static_cast<std::uint64_t>(record.MapFileOffset);
         // XML may be in a code of its own, whose characters are up to four bytes in memory.
         require(offset <= 4 * size && record.URL.size() <= 4 * size);

@@ -16,7 +16,7 @@ using nv::fuzz::require;
 
 /// Reads each body, as an import does, and keeps the first records.
 struct BodySink final : nv::RecordSink {
-    void save(nv::URLClass &record) override {
+    void save(nv::UrlRecord &record) override {
         constexpr std::size_t kKept = 3;
         require(record.CacheFileExists == !record.RunTimeTempFilePath.empty());
         if (record.CacheFileExists)
@@ -27,7 +27,7 @@ struct BodySink final : nv::RecordSink {
             first.push_back(record);
         ++records;
     }
-    std::vector<nv::URLClass> first;
+    std::vector<nv::UrlRecord> first;
     std::uint64_t records = 0;
 };
 
@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const nv::ReadResult result = nv::ParseSafariCacheFile(reading.context);
     require(std::filesystem::is_empty(scratch));
     reading.requireNothingLost(result, sink.records);
-    for (nv::URLClass &record : sink.first)
+    for (nv::UrlRecord &record : sink.first)
         nv::ExtractSafariCacheFile(record, "", {evidence, scratch, reading.log});
     return 0;
 }

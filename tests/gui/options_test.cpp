@@ -175,7 +175,7 @@ void OptionsTest::okayAppliesToTableAndGallery() {
     auto &table = child<TableTab>(*m_form, "TableTab");
     QCOMPARE(table.table()->dates().DateFormat, std::string("MM/DD/YY"));
     const auto trail = CaseTrail(m_desk->program.thisClass.ProjectDB.connection()).entries();
-    QCOMPARE(trail.back().Action, std::string("Options"));
+    QCOMPARE(trail.back().action, std::string("Options"));
 }
 
 void OptionsTest::noZoneLeadsBackToTheList() {

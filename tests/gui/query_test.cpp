@@ -267,7 +267,7 @@ void QueryTest::theDialogBuildsAStatement() {
     QCOMPARE(m_desk->program.thisClass.CustomQueryDef, built);
     QCOMPARE(tableRows(), 6);
     auto &project = m_desk->program.thisClass.ProjectDB.connection();
-    QCOMPARE(ProjectFields(project, m_desk->program.log).GetDefault("QueryName"), built);
+    QCOMPARE(ProjectFields(project, m_desk->program.log).getDefault("QueryName"), built);
 }
 
 void QueryTest::theDialogChecksTheName() {

@@ -53,11 +53,11 @@ class ImportedSite {
         RecordStore store = project.store();
         Unwatched task;
         const RebuildContext ctx{project.connection(), store, found, temp, project.log, task, {}};
-        URLClass page = *store.GetURL(id);
+        UrlRecord page = *store.getURL(id);
         return work(page, ctx);
     }
     bool rebuild(UrlId id) {
-        return with(id, [this](URLClass &page, const RebuildContext &ctx) {
+        return with(id, [this](UrlRecord &page, const RebuildContext &ctx) {
             return RebuildWebPage(page, Batch::no, ctx, project.clock);
         });
     }
@@ -65,7 +65,7 @@ class ImportedSite {
     bool harvestLater(UrlId id) {
         std::filesystem::remove_all(temp);
         std::filesystem::create_directories(temp);
-        project.database.CloseDB();
+        project.database.closeDB();
         project.database.open();
         return with(id, UnpackIngredients);
     }

@@ -5,8 +5,8 @@
 namespace nv::test {
 
 MacCacheReading &MacCacheReading::readBytes(const std::string &bytes, TaskMonitor &task) {
-    file.FullPath = "/evidence/MS Preference Panels/Cache/cache.waf";
-    file.SourceFile_ID = SourceFileId{7};
+    file.fullPath = "/evidence/MS Preference Panels/Cache/cache.waf";
+    file.sourceFileID = SourceFileId{7};
     const Evidence evidence("/evidence");
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task, deleted};
@@ -20,7 +20,7 @@ MacCacheReading &MacCacheReading::readBytes(const std::string &bytes) {
 }
 
 MacCacheReading &MacCacheReading::readFile(const std::filesystem::path &path) {
-    file.FullPath = path;
+    file.fullPath = path;
     const Evidence evidence(path.parent_path());
     ContentProbe content;
     MemoryTask task;

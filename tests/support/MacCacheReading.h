@@ -22,7 +22,7 @@ struct MacCacheReading {
     MacCacheReading &readBytes(const std::string &bytes);
     /// Reads the file, in whose folder the evidence lies.
     MacCacheReading &readFile(const std::filesystem::path &path);
-    const std::vector<URLClass> &records() const { return sink.records; }
+    const std::vector<UrlRecord> &records() const { return sink.records; }
 };
 
 } // namespace nv::test

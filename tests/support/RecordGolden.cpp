@@ -48,7 +48,7 @@ struct Form {
 
 /// What a record is, with all that a cell needs.
 struct Row {
-    const URLClass &record;
+    const UrlRecord &record;
     const Reader &reader;
     const fs::path &input;
     const Form &form;
@@ -186,13 +186,13 @@ struct Given {
 struct CaseReading {
     CaseReading(const Given &given, const fs::path &input, const Form &form)
         : reader(*given.reader) {
-        file.HistoryFileType = given.type;
-        file.SourceFile_ID = SourceFileId{7};
-        file.FullPath = given.artefact;
-        file.FileName = textOf(given.artefact.filename());
-        file.FileParentPath = textOf(given.artefact.parent_path());
+        file.historyFileType = given.type;
+        file.sourceFileID = SourceFileId{7};
+        file.fullPath = given.artefact;
+        file.fileName = textOf(given.artefact.filename());
+        file.fileParentPath = textOf(given.artefact.parent_path());
         if (!form.has("file without version"))
-            file.Version = given.reader->version;
+            file.version = given.reader->version;
         clock.offset = given.offset;
         const Evidence evidence(input);
         ContentProbe content;
@@ -219,13 +219,13 @@ struct CaseReading {
     std::string text(const std::string &headLine, const fs::path &input, const Form &form) const {
         std::string text;
         if (form.has("type of the file"))
-            text += fmt::format("@type\t{}\t{}\n", static_cast<int>(file.HistoryFileType),
-                                file.Version);
+            text += fmt::format("@type\t{}\t{}\n", static_cast<int>(file.historyFileType),
+                                file.version);
         text += fmt::format("@state\t{}\t{}\t{}\n", wordOf(result.state), result.notReached,
                             result.reason);
         text += countsOf("@passedOver", result.passedOver) + countsOf("@noted", result.noted) +
                 logText(form) + headLine + '\n';
-        for (const URLClass &record : sink.records) {
+        for (const UrlRecord &record : sink.records) {
             std::vector<std::string> cells;
             for (const std::string_view name : split(headLine, '\t'))
                 cells.push_back(cellOf({record, reader, input, form}, name));
@@ -236,7 +236,7 @@ struct CaseReading {
 
     /// A kind that its row doesn't name would be unknown to filters, rebuilding and reports.
     void checkKinds() const {
-        for (const URLClass &record : sink.records) {
+        for (const UrlRecord &record : sink.records) {
             const bool isNamed =
                 std::ranges::find(reader.kinds, recordKind(record.cacheType)) != reader.kinds.end();
             EXPECT_TRUE(isNamed || record.cacheType.empty()) << record.cacheType;

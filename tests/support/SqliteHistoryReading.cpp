@@ -15,9 +15,9 @@ SqliteHistoryReading &SqliteHistoryReading::read(ReadFunction reader, const fs::
     const Evidence evidence(file.parent_path());
     ContentProbe content;
     HistoryFile history;
-    history.SourceFile_ID = SourceFileId{7};
-    history.FullPath = file;
-    history.Version = "1.0";
+    history.sourceFileID = SourceFileId{7};
+    history.fullPath = file;
+    history.version = "1.0";
     ReadContext context{history, evidence, content, clock,  scratch.path(),
                         sink,    log,      watcher, deleted};
     result = reader(context);

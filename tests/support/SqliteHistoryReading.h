@@ -26,7 +26,7 @@ struct SqliteHistoryReading {
     SqliteHistoryReading &read(ReadFunction reader, const std::filesystem::path &file);
     SqliteHistoryReading &read(ReadFunction reader, const std::filesystem::path &file,
                                TaskMonitor &watcher);
-    const std::vector<URLClass> &records() const { return sink.records; }
+    const std::vector<UrlRecord> &records() const { return sink.records; }
 };
 
 /// The bytes of every file below a folder, by path: evidence must be the same afterwards.

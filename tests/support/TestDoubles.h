@@ -20,11 +20,11 @@ struct MemoryLog final : FailureLog {
 
 /// Keeps every record and numbers it from 1, as the database would.
 struct MemorySink final : RecordSink {
-    void save(URLClass &record) override {
+    void save(UrlRecord &record) override {
         record.URLID = UrlId{static_cast<std::int64_t>(records.size()) + 1};
         records.push_back(record);
     }
-    std::vector<URLClass> records;
+    std::vector<UrlRecord> records;
 };
 
 /// Cancels at the call of advance() that follows `calls` others.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/DatabaseClass.h"
+#include "db/ProjectDatabase.h"
 #include "db/RecordStore.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
@@ -19,15 +19,15 @@ struct TestProject {
     TempFolder folder;
     MemoryLog log;
     FixedClock clock;
-    DatabaseClass database{log, clock};
+    ProjectDatabase database{log, clock};
     TimeZone zone{Date::fromTimePoint(clock.now())};
     HistoryFile file;
 
     TestProject() {
         zone.tzBias = 300; // minutes, west positive
         zone.tzLatitudeBias = 0;
-        database.FilePath = folder.path() / "case.nvp";
-        if (!database.CreateDatabaseProject())
+        database.filePath = folder.path() / "case.nvp";
+        if (!database.createDatabaseProject())
             throw std::runtime_error(log.entries.at(0).message);
     }
 

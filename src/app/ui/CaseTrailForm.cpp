@@ -22,14 +22,14 @@ namespace {
 
 QStringList cellsOf(const TrailEntry &entry) {
     const auto text = [](const std::string &value) { return toQt(displayText(value)); };
-    return {toQt(isoUtc(entry.ActionDateUTC)),
-            text(entry.Action),
-            QStringLiteral("%L1").arg(entry.RowCount),
-            text(entry.Detail),
-            text(entry.FilePath),
-            entry.FilePath.empty() ? QString() : QStringLiteral("%L1").arg(entry.FileSize),
-            text(entry.MD5Hash),
-            text(entry.SHA256Hash),
+    return {toQt(isoUtc(entry.actionDateUTC)),
+            text(entry.action),
+            QStringLiteral("%L1").arg(entry.rowCount),
+            text(entry.detail),
+            text(entry.filePath),
+            entry.filePath.empty() ? QString() : QStringLiteral("%L1").arg(entry.fileSize),
+            text(entry.md5Hash),
+            text(entry.sha256Hash),
             text(entry.AppVersion)};
 }
 

@@ -327,7 +327,7 @@ void MainForm::restoreLayout() {
     const ProjectFields fields(project, m_program.log);
     const auto failure = failureOf(m_program.log, "MainForm.FormatColumns()", [&] {
         m_table->restoreLayout(
-            [&fields](std::string_view name) { return fields.GetDefault(name); });
+            [&fields](std::string_view name) { return fields.getDefault(name); });
     });
     if (failure)
         m_program.around.examiner.tell(messages::columnsFailed(*failure));
@@ -353,7 +353,7 @@ void MainForm::keepLayout() {
     ProjectFields fields(project, m_program.log);
     WriteBatch batch(project);
     m_table->saveLayout([&fields](std::string_view name, std::string_view value) {
-        fields.SaveDefaultSetting(name, value);
+        fields.saveDefaultSetting(name, value);
     });
     batch.commit();
 }

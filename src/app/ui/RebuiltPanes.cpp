@@ -16,14 +16,14 @@ namespace nv {
 namespace {
 
 /// The error log has the reason, but for a switch that the examiner can turn.
-QString auditFailure(const URLClass &page, const RebuildSettings &settings) {
+QString auditFailure(const UrlRecord &page, const RebuildSettings &settings) {
     const QString failure = RebuiltPanes::tr("Error Loading Audit");
     return needsWideIds(page.IngredientIDs, settings)
                ? failure + QStringLiteral(": ") + toQt(reasonText(NotRebuilt::wideIds))
                : failure;
 }
 
-QString notBroughtBack(const URLClass &page, const RebuildSettings &settings) {
+QString notBroughtBack(const UrlRecord &page, const RebuildSettings &settings) {
     const bool ids = needsWideIds(page.IngredientIDs, settings);
     return RebuiltPanes::tr("The rebuilt page can't be brought back: %1.")
         .arg(toQt(reasonText(ids ? NotRebuilt::wideIds : NotRebuilt::failed)));
@@ -68,7 +68,7 @@ RebuiltPanes::RebuiltPanes(Workbench &bench) : m_bench(bench) {
 }
 
 /// Whether the setting keeps a page that a tile leads to from being brought back.
-bool RebuiltPanes::isLeftInGallery(URLClass &page) {
+bool RebuiltPanes::isLeftInGallery(UrlRecord &page) {
     Program &program = m_bench.program;
     if (!page.CacheFileRebuilt || !program.thisClass.DisableAutoRebuildInHTMLGallery ||
         !qobject_cast<GalleryTab *>(m_bench.dataTabs->currentWidget()))
@@ -79,7 +79,7 @@ bool RebuiltPanes::isLeftInGallery(URLClass &page) {
 }
 
 /// The folder of a page that was rebuilt in an earlier run of the program is made anew.
-bool RebuiltPanes::bringBack(URLClass &page) {
+bool RebuiltPanes::bringBack(UrlRecord &page) {
     Program &program = m_bench.program;
     Unwatched nobody;
     RecordTools tools(program, nobody, program.thisClass.TempFolderPath);

@@ -6,7 +6,7 @@ namespace nv {
 
 class AuditPane;
 class BrowserPane;
-struct URLClass;
+struct UrlRecord;
 
 /// The panes of cached and rebuilt pages: Browser and Audit. What they show of a page that was
 /// rebuilt in an earlier run of the program is brought back first, which is a task.
@@ -19,8 +19,8 @@ class RebuiltPanes final : public QObject {
   private:
     class Browser;
     class Audit;
-    bool bringBack(URLClass &page);
-    bool isLeftInGallery(URLClass &page);
+    bool bringBack(UrlRecord &page);
+    bool isLeftInGallery(UrlRecord &page);
     void showPage(BrowserPane &pane, UrlId id);
     void showAudit(AuditPane &pane, UrlId id);
 

@@ -15,10 +15,10 @@ void FoundFilesModel::setFiles(const HistoryFiles &files) {
     beginResetModel();
     m_rows.clear();
     for (const HistoryFile &file : files) {
-        const Reader *reader = readerFor(file.HistoryFileType);
+        const Reader *reader = readerFor(file.historyFileType);
         const bool isRead = reader && reader->read;
-        m_rows.push_back({file.FullPath, file.HistoryFileType, toQt(displayText(file.FileName)),
-                          file.FileSize, reader ? toQt(reader->kind) : QString(), isRead, isRead});
+        m_rows.push_back({file.fullPath, file.historyFileType, toQt(displayText(file.fileName)),
+                          file.fileSize, reader ? toQt(reader->kind) : QString(), isRead, isRead});
     }
     endResetModel();
     emit ticksChanged();

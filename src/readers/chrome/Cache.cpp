@@ -20,7 +20,7 @@ namespace nv {
 
 namespace {
 
-void setKeyURL(URLClass &record, const std::string &keyURL) {
+void setKeyURL(UrlRecord &record, const std::string &keyURL) {
     record.URL = keyURL;
     record.HashedURL = hashOfUrl(keyURL);
     record.host = ParseHost(keyURL);
@@ -29,7 +29,7 @@ void setKeyURL(URLClass &record, const std::string &keyURL) {
     record.URLFileName = record.CacheFileName;
 }
 
-void setDates(URLClass &record, const ChromeHeaderClass &header, const Clock &clock) {
+void setDates(UrlRecord &record, const ChromeHeaderClass &header, const Clock &clock) {
     record.ActionDateUTC = header.LastModifiedTime;
     record.ActionDateLocal = utcDateToLocal(header.LastModifiedTime, clock);
     record.LastVisited = header.LastModifiedTime;
@@ -38,21 +38,21 @@ void setDates(URLClass &record, const ChromeHeaderClass &header, const Clock &cl
     record.OtherDateMeaning = "Last Requested Time";
 }
 
-void setSource(URLClass &record, const ReadContext &ctx) {
-    const std::filesystem::path folder = ctx.file.FullPath.parent_path();
-    record.SourceFile_ID = ctx.file.SourceFile_ID;
+void setSource(UrlRecord &record, const ReadContext &ctx) {
+    const std::filesystem::path folder = ctx.file.fullPath.parent_path();
+    record.SourceFile_ID = ctx.file.sourceFileID;
     record.cacheType = kChromeCache.word;
-    record.HistoryFilePath = textOf(ctx.file.FullPath);
-    record.HistoryVersion = ctx.file.Version;
-    record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
+    record.HistoryFilePath = textOf(ctx.file.fullPath);
+    record.HistoryVersion = ctx.file.version;
+    record.RootPath = ctx.evidence.rootOf(ctx.file.fullPath);
     record.CacheRootPath = textOf(folder);
     record.CacheFolderName = textOf(folder.filename());
-    record.CacheFileRelativePath = ctx.evidence.relativeOf(ctx.file.FullPath);
-    record.CacheFileCreatedGMTDOS = ctx.evidence.factsOf(ctx.file.FullPath).created;
+    record.CacheFileRelativePath = ctx.evidence.relativeOf(ctx.file.fullPath);
+    record.CacheFileCreatedGMTDOS = ctx.evidence.factsOf(ctx.file.fullPath).created;
 }
 
 /// That the body is there is taken for granted; extracting it shows.
-void setBody(URLClass &record, const ChromeEntryClass &entry) {
+void setBody(UrlRecord &record, const ChromeEntryClass &entry) {
     const ChromeAddressMapClass &body = entry.ContentAddressMap;
     record.DataBlockFile = body.BlockFileType == 0
                                ? body.SeparateFileName
@@ -72,8 +72,8 @@ void showRecord(ReadContext &ctx, std::int64_t number, std::int64_t counted,
 
 } // namespace
 
-URLClass ParseChromeCacheURL(const ChromeEntryClass &entry, const ReadContext &ctx) {
-    URLClass record;
+UrlRecord ParseChromeCacheURL(const ChromeEntryClass &entry, const ReadContext &ctx) {
+    UrlRecord record;
     record.Action = "Visited";
     record.Status = "URL";
     record.Visits = kVisitsUnknown;
@@ -91,11 +91,11 @@ URLClass ParseChromeCacheURL(const ChromeEntryClass &entry, const ReadContext &c
 }
 
 ReadResult ParseChromeCache(ReadContext &ctx) {
-    ChromeCacheClass cache(ctx.file.FullPath, ctx.evidence, ctx.log, ctx.task);
+    ChromeCacheClass cache(ctx.file.fullPath, ctx.evidence, ctx.log, ctx.task);
     std::int64_t count = 0;
     // Records leave as they are found: a hostile index may lead to more of them than memory holds.
     ReadResult result = cache.ReadCache([&](const ChromeEntryClass &entry) {
-        URLClass record = ParseChromeCacheURL(entry, ctx);
+        UrlRecord record = ParseChromeCacheURL(entry, ctx);
         ctx.sink.save(record);
         ++count;
         if (ctx.task.wantsStep())
@@ -103,7 +103,7 @@ ReadResult ParseChromeCache(ReadContext &ctx) {
     });
     ctx.task.describe({"PARSING GOOGLE CHROME CACHE",
                        fmt::format("A total of {} URLs were found.", count),
-                       textOf(ctx.file.FullPath), "chromeCache-32.gif"});
+                       textOf(ctx.file.fullPath), "chromeCache-32.gif"});
     ctx.task.show({"All done.", count, count, {}, 0, 0});
     return result;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "readers/Reader.h"
 #include "readers/chrome/CacheRecords.h"
 
@@ -11,6 +11,6 @@ namespace nv {
 ReadResult ParseChromeCache(ReadContext &ctx);
 
 /// The record of an entry that has a header. `ctx.file` is the index.
-URLClass ParseChromeCacheURL(const ChromeEntryClass &entry, const ReadContext &ctx);
+UrlRecord ParseChromeCacheURL(const ChromeEntryClass &entry, const ReadContext &ctx);
 
 } // namespace nv

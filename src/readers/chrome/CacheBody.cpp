@@ -15,7 +15,7 @@ namespace {
 
 /// The cache's folder as the row names it. When that is no folder any more, or its name is no
 /// UTF-8, the index tells where it is.
-std::optional<fs::path> folderOf(const URLClass &record, const Evidence &evidence) {
+std::optional<fs::path> folderOf(const UrlRecord &record, const Evidence &evidence) {
     if (evidence.kindOf(record.CacheRootPath) == PlaceKind::folder)
         return record.CacheRootPath;
     const auto index = evidence.find(record.RootPath, record.CacheFileRelativePath);
@@ -23,7 +23,7 @@ std::optional<fs::path> folderOf(const URLClass &record, const Evidence &evidenc
 }
 
 /// What the row tells of its body may be one.
-bool namesBody(const URLClass &record) {
+bool namesBody(const UrlRecord &record) {
     const bool isInBlocks = record.DataBlockFile.starts_with("data_");
     constexpr std::int64_t kFirstBlock = ChromeDataFileClass::kSize;
     // An entry without a body names "f_000000", and its size is 0.
@@ -32,14 +32,14 @@ bool namesBody(const URLClass &record) {
 
 /// The file that holds the body. The name is looked for among those of the folder, so that a row
 /// of a hostile project leads nowhere else.
-std::optional<fs::path> sourceOf(const URLClass &record, const Evidence &evidence) {
+std::optional<fs::path> sourceOf(const UrlRecord &record, const Evidence &evidence) {
     const auto folder = namesBody(record) ? folderOf(record, evidence) : std::nullopt;
     return folder ? evidence.find(*folder, record.DataBlockFile) : std::nullopt;
 }
 
 } // namespace
 
-bool fetchChromeBody(const URLClass &record, const Evidence &evidence, BodyTarget &target) {
+bool fetchChromeBody(const UrlRecord &record, const Evidence &evidence, BodyTarget &target) {
     const auto source = sourceOf(record, evidence);
     if (!source)
         return false;
@@ -50,7 +50,7 @@ bool fetchChromeBody(const URLClass &record, const Evidence &evidence, BodyTarge
     return target.copy(evidence.open(*source), offset, size) > 0;
 }
 
-bool ExtractChromeCacheFile(URLClass &record, std::string_view fileNameSuffix,
+bool ExtractChromeCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
                             const Extraction &ctx) {
     if (record.URLID == UrlId::none)
         return false;

@@ -62,15 +62,15 @@ std::string encryptionOf(const Row &row) {
 ReadResult ParseChromeCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         TableCursor cursor(database, "cookies", kColumns);
-        const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
+        const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
         std::map<std::string, std::uint64_t> noted;
         ReadResult result = eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
             if (std::string encryption = encryptionOf(row); !encryption.empty())
                 ++noted[std::move(encryption)];
-            URLClass record = cookieRecord(ctx,
-                                           {row.text(kHost), row.text(kName), row.text(kValue),
-                                            dateOf(row, kLastAccess), dateOf(row, kExpires)},
-                                           kChromeCookies.word, fileCreated);
+            UrlRecord record = cookieRecord(ctx,
+                                            {row.text(kHost), row.text(kName), row.text(kValue),
+                                             dateOf(row, kLastAccess), dateOf(row, kExpires)},
+                                            kChromeCookies.word, fileCreated);
             record.OtherDate = dateOf(row, kCreation);
             record.OtherDateMeaning = "Creation Date (UTC)";
             ctx.sink.save(record);

@@ -34,8 +34,8 @@ Date visitDate(std::optional<std::int64_t> stored) {
     return stored.value_or(0) == 0 ? Date() : chromeTimeToDate(*stored);
 }
 
-URLClass pageRecord(const ReadContext &ctx, const Row &row, Date fileCreated) {
-    URLClass record = historyRecord(
+UrlRecord pageRecord(const ReadContext &ctx, const Row &row, Date fileCreated) {
+    UrlRecord record = historyRecord(
         ctx,
         {row.number(kId).value_or(0), row.text(kUrl), row.truth(kHidden), row.number(kVisitCount)},
         kChromeHistory.word, fileCreated);
@@ -53,7 +53,7 @@ bool countVisits(ReadContext &ctx, EvidenceDatabase &database,
     if (!visits.read(database, kVisits, [&ctx](double) { return ctx.task.advance(1); }))
         return false;
     if (visits.isThere() && !visits.loss().empty())
-        ctx.log.write({textOf(ctx.file.FullPath) +
+        ctx.log.write({textOf(ctx.file.fullPath) +
                            ": visits that are not stored can't all be counted: " + visits.loss(),
                        std::string(kReader.procedure), Severity::Low, std::string(kNotSerious)});
     for (const std::int64_t page : pages)
@@ -67,10 +67,10 @@ bool countVisits(ReadContext &ctx, EvidenceDatabase &database,
 
 ReadResult readPages(ReadContext &ctx, EvidenceDatabase &database) {
     TableCursor cursor(database, "urls", kColumns);
-    const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
+    const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
     std::vector<std::int64_t> pages;
     ReadResult result = eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
-        URLClass record = pageRecord(ctx, row, fileCreated);
+        UrlRecord record = pageRecord(ctx, row, fileCreated);
         pages.push_back(record.Reference_ID);
         ctx.sink.save(record);
     });

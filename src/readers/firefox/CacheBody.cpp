@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// The file `name` in the record's cache folder, case set right.
-std::optional<fs::path> inCacheFolder(const URLClass &record, const Evidence &evidence,
+std::optional<fs::path> inCacheFolder(const UrlRecord &record, const Evidence &evidence,
                                       const std::string &name) {
     const fs::path relative = record.CacheRootPath;
     const bool leadsUp = std::ranges::find(relative, fs::path("..")) != relative.end();
@@ -27,7 +27,7 @@ std::optional<fs::path> inCacheFolder(const URLClass &record, const Evidence &ev
     return evidence.find(record.RootPath, record.CacheRootPath + "/" + name);
 }
 
-std::optional<fs::path> separateFile(const URLClass &record, const Evidence &evidence) {
+std::optional<fs::path> separateFile(const UrlRecord &record, const Evidence &evidence) {
     const std::string name = record.DataBlockFile + "d01";
     if (const auto beside = inCacheFolder(record, evidence, name))
         return beside;
@@ -39,7 +39,7 @@ std::optional<fs::path> separateFile(const URLClass &record, const Evidence &evi
                          name.substr(0, 1) + "/" + name.substr(1, 2) + "/" + name.substr(3));
 }
 
-std::optional<fs::path> blockFile(const URLClass &record, const Evidence &evidence) {
+std::optional<fs::path> blockFile(const UrlRecord &record, const Evidence &evidence) {
     for (const std::int64_t number : {1, 2, 3})
         if (record.DataBlockFile == std::to_string(number))
             return inCacheFolder(record, evidence, blockFileName(number));
@@ -48,7 +48,7 @@ std::optional<fs::path> blockFile(const URLClass &record, const Evidence &eviden
 
 } // namespace
 
-bool fetchFirefoxCacheBody(const URLClass &record, const Evidence &evidence, BodyTarget &target) {
+bool fetchFirefoxCacheBody(const UrlRecord &record, const Evidence &evidence, BodyTarget &target) {
     const std::string map = fs::path(record.HistoryFilePath).filename().string();
     if (record.DataBlockFileOffset < 0 || record.CacheFileSize < 0 ||
         !inCacheFolder(record, evidence, map))
@@ -64,7 +64,7 @@ bool fetchFirefoxCacheBody(const URLClass &record, const Evidence &evidence, Bod
     return target.copy(evidence.open(*source), offset, count) > 0 || wanted == 0;
 }
 
-bool ExtractFirefoxCacheFile(URLClass &record, std::string_view fileNameSuffix,
+bool ExtractFirefoxCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
                              const Extraction &ctx) {
     if (record.URLID <= UrlId::none)
         return false;

@@ -39,11 +39,11 @@ std::string doubtOn(const mzCacheRecord &record) {
 class CacheReading {
   public:
     explicit CacheReading(ReadContext &ctx)
-        : m_ctx(ctx), m_path(textOf(ctx.file.FullPath)), m_cache(ctx.log),
+        : m_ctx(ctx), m_path(textOf(ctx.file.fullPath)), m_cache(ctx.log),
           m_records(ctx.log, kProcedure, m_path), m_doubts(ctx.log, kProcedure, m_path) {}
 
     ReadResult run() {
-        if (!OpenFirefoxCache(m_cache, m_ctx.file.FullPath, m_ctx.evidence, m_ctx.log))
+        if (!OpenFirefoxCache(m_cache, m_ctx.file.fullPath, m_ctx.evidence, m_ctx.log))
             return {ReadState::failed, "could not be opened: " + m_path, 0, {}};
         if (!m_cache.ReadCache(m_ctx.file, m_ctx.task, m_result)) {
             m_result.state = m_cache.isLaterVersion ? ReadState::notReadYet : ReadState::failed;

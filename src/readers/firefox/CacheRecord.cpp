@@ -28,7 +28,7 @@ std::string urlOf(const Bytes &key) {
     return bytes.empty() ? std::string() : replaceAll(textWithBlanks(bytes), "HTTP:http:", "http:");
 }
 
-void setUrl(URLClass &url, const mzRecordMetaData &metaData) {
+void setUrl(UrlRecord &url, const mzRecordMetaData &metaData) {
     url.URL = urlOf(metaData.URLData);
     url.URLRawValue = url.URL;
     url.host = ParseHost(url.URL);
@@ -42,16 +42,16 @@ void setUrl(URLClass &url, const mzRecordMetaData &metaData) {
 }
 
 /// The cache's folder: bodies are fetched from `RootPath` + `CacheRootPath`.
-void setPlace(URLClass &url, const HistoryFile &file, const Evidence &evidence) {
-    if (evidence.kindOf(file.FullPath.parent_path()) != PlaceKind::folder)
+void setPlace(UrlRecord &url, const HistoryFile &file, const Evidence &evidence) {
+    if (evidence.kindOf(file.fullPath.parent_path()) != PlaceKind::folder)
         return;
-    const std::filesystem::path map = evidence.relativeOf(file.FullPath);
-    url.RootPath = evidence.rootOf(file.FullPath);
+    const std::filesystem::path map = evidence.relativeOf(file.fullPath);
+    url.RootPath = evidence.rootOf(file.fullPath);
     url.CacheRootPath = textOf(map.parent_path());
     url.CacheFileRelativePath = url.CacheRootPath;
 }
 
-void setBody(URLClass &url, const mzCacheRecord &record) {
+void setBody(UrlRecord &url, const mzCacheRecord &record) {
     url.CacheFileSize = record.RecordMetaData->DataSize;
     url.CacheFileExists = true;
     const std::int64_t blockFile = record.BucketData.CacheBlockFileNumber;
@@ -63,7 +63,7 @@ void setBody(URLClass &url, const mzCacheRecord &record) {
     url.DataBlockFileOffset = record.RecordData.FileOffsetBOF;
 }
 
-void setEvent(URLClass &url, const mzRecordMetaData &metaData, const Clock &clock) {
+void setEvent(UrlRecord &url, const mzRecordMetaData &metaData, const Clock &clock) {
     url.Action = "Visited";
     url.ActionDateUTC = metaData.ActionDateUTC;
     url.ActionDateLocal = utcDateToLocal(url.ActionDateUTC, clock);
@@ -75,15 +75,15 @@ void setEvent(URLClass &url, const mzRecordMetaData &metaData, const Clock &cloc
 
 } // namespace
 
-std::optional<URLClass> ParseFirefoxCacheURL(const mzCacheRecord &record, const HistoryFile &file,
-                                             const Evidence &evidence, const Clock &clock) {
+std::optional<UrlRecord> ParseFirefoxCacheURL(const mzCacheRecord &record, const HistoryFile &file,
+                                              const Evidence &evidence, const Clock &clock) {
     if (!record.RecordMetaData)
         return std::nullopt;
-    std::optional<URLClass> url(std::in_place);
-    url->SourceFile_ID = file.SourceFile_ID;
+    std::optional<UrlRecord> url(std::in_place);
+    url->SourceFile_ID = file.sourceFileID;
     url->cacheType = kFirefoxCache.word;
-    url->HistoryFilePath = textOf(file.FullPath);
-    url->HistoryVersion = file.Version;
+    url->HistoryFilePath = textOf(file.fullPath);
+    url->HistoryVersion = file.version;
     // Of a separate file too, where it points nowhere: earlier cases have these values.
     url->MapFileOffset = record.RecordData.FileOffsetBOF;
     url->RecordSize = static_cast<std::uint64_t>(record.RecordData.FileOffsetEOF -

@@ -2,7 +2,7 @@
 
 #include "base/Clock.h"
 #include "db/HistoryFile.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "readers/Evidence.h"
 #include "readers/firefox/CacheTypes.h"
 
@@ -12,7 +12,7 @@ namespace nv {
 
 /// One entry of the cache as a URL record; nothing when its metadata weren't read. `file` is the
 /// map.
-std::optional<URLClass> ParseFirefoxCacheURL(const mzCacheRecord &record, const HistoryFile &file,
-                                             const Evidence &evidence, const Clock &clock);
+std::optional<UrlRecord> ParseFirefoxCacheURL(const mzCacheRecord &record, const HistoryFile &file,
+                                              const Evidence &evidence, const Clock &clock);
 
 } // namespace nv

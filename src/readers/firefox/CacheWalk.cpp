@@ -51,7 +51,7 @@ bool mzMozillaCache::ReadCache(HistoryFile &file, TaskMonitor &task, ReadResult 
     const RunningMark running(Reading);
     CacheRecords.clear();
     CacheError.clear();
-    task.describe({"PARSING MOZILLA FIREFOX CACHE", "Reading MAP File...", textOf(file.FullPath),
+    task.describe({"PARSING MOZILLA FIREFOX CACHE", "Reading MAP File...", textOf(file.fullPath),
                    "firefox-32.gif"});
     if (!acceptVersion(file)) {
         if (isLaterVersion)
@@ -80,9 +80,9 @@ bool mzMozillaCache::acceptVersion(HistoryFile &file) {
     }
     const std::string version = GetNextDWordAsHex(0, *FileHandleMap);
     if (version == kFirefox2)
-        file.Version = "2.0";
+        file.version = "2.0";
     else if (version == kFirefox3)
-        file.Version = "3.0";
+        file.version = "3.0";
     else if (isLaterVersion = version > kFirefox3 && version.starts_with("0001"); isLaterVersion)
         CacheError = fmt::format("the map is of version {}, later than Firefox 3's ({}), and such "
                                  "caches are not read",

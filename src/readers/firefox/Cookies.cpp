@@ -35,12 +35,12 @@ Date dateOf(const Row &row, std::size_t column) {
 ReadResult ParseFirefoxCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         TableCursor cursor(database, "moz_cookies", kColumns);
-        const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
+        const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
         return eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
-            URLClass record = cookieRecord(ctx,
-                                           {row.text(kHost), row.text(kName), row.text(kValue),
-                                            dateOf(row, kLastAccessed), dateOf(row, kExpiry)},
-                                           kFirefoxCookies.word, fileCreated);
+            UrlRecord record = cookieRecord(ctx,
+                                            {row.text(kHost), row.text(kName), row.text(kValue),
+                                             dateOf(row, kLastAccessed), dateOf(row, kExpiry)},
+                                            kFirefoxCookies.word, fileCreated);
             record.LastVisited = record.ActionDateLocal;
             record.OtherDate = record.ExpiryDate;
             record.OtherDateMeaning = "Expiry Date";

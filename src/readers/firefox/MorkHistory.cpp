@@ -65,7 +65,7 @@ std::string parametersBehind(const std::string &url) {
     return url.starts_with('?') ? std::string() : parametersOf(url);
 }
 
-void setUrl(URLClass &record, const morkEntryClass &entry) {
+void setUrl(UrlRecord &record, const morkEntryClass &entry) {
     record.URL = entry.URL;
     record.URLRawValue = entry.URL;
     record.host = entry.Hostname;
@@ -76,7 +76,7 @@ void setUrl(URLClass &record, const morkEntryClass &entry) {
     setPageObjects(record);
 }
 
-void setDates(URLClass &record, const morkEntryClass &entry, const Clock &clock,
+void setDates(UrlRecord &record, const morkEntryClass &entry, const Clock &clock,
               ReadResult &result) {
     record.ActionDateUTC = storedDate(
         entry.LastVisitDate, "last visit at noon or midnight, stored without that date", result);
@@ -88,13 +88,13 @@ void setDates(URLClass &record, const morkEntryClass &entry, const Clock &clock,
         record.OtherDateMeaning = "First Visit Date";
 }
 
-URLClass entryRecord(const ReadContext &ctx, const morkEntryClass &entry,
-                     const std::string &version, ReadResult &result) {
-    URLClass record;
-    record.SourceFile_ID = ctx.file.SourceFile_ID;
+UrlRecord entryRecord(const ReadContext &ctx, const morkEntryClass &entry,
+                      const std::string &version, ReadResult &result) {
+    UrlRecord record;
+    record.SourceFile_ID = ctx.file.sourceFileID;
     setUrl(record, entry);
-    record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
-    record.HistoryFilePath = textOf(ctx.file.FullPath);
+    record.RootPath = ctx.evidence.rootOf(ctx.file.fullPath);
+    record.HistoryFilePath = textOf(ctx.file.fullPath);
     if (!record.URL.empty())
         record.HistoryVersion = version;
     record.MapFileOffset = entry.FileOffset;
@@ -126,7 +126,7 @@ void showStep(TaskMonitor &task, std::size_t number, std::size_t total) {
 }
 
 void saveEntries(ReadContext &ctx, const morkFileClass &file, ReadResult &result) {
-    RecordTrap trap(ctx.log, kProcedure, textOf(ctx.file.FullPath));
+    RecordTrap trap(ctx.log, kProcedure, textOf(ctx.file.fullPath));
     SubTask task(ctx.task, kParseShare, 1);
     const std::size_t total = file.Entries.count();
     std::size_t number = 0;
@@ -137,7 +137,7 @@ void saveEntries(ReadContext &ctx, const morkFileClass &file, ReadResult &result
         }
         showStep(task, number, total);
         const bool saved = trap.run(static_cast<std::uint64_t>(entry.FileOffset), [&] {
-            URLClass record = entryRecord(ctx, entry, file.Version, result);
+            UrlRecord record = entryRecord(ctx, entry, file.Version, result);
             noteEntry(entry, result);
             ctx.sink.save(record);
         });
@@ -150,7 +150,7 @@ void saveEntries(ReadContext &ctx, const morkFileClass &file, ReadResult &result
 void tellDamage(ReadContext &ctx, ReadResult &result) {
     if (result.state != ReadState::cutShort && result.state != ReadState::failed)
         return;
-    result.reason = textOf(ctx.file.FullPath) + ": " + result.reason;
+    result.reason = textOf(ctx.file.fullPath) + ": " + result.reason;
     ctx.log.write(
         {result.reason, std::string(kProcedure), Severity::Warning, std::string(kLikelyDamaged)});
 }
@@ -183,7 +183,7 @@ ReadResult readMorkHistory(ReadContext &ctx, ByteView bytes) {
 ReadResult ParseMorkFile(ReadContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kLikelyDamaged, unreadable(ctx), [&ctx] {
         return readEntries(ctx, [&ctx](morkFileClass &file, TaskMonitor &task, ReadResult &result) {
-            file.ParseFile(ctx.evidence.open(ctx.file.FullPath), task, result);
+            file.ParseFile(ctx.evidence.open(ctx.file.fullPath), task, result);
         });
     });
 }

@@ -42,8 +42,9 @@ Date visitDate(const VisitTable::Page *page) {
 constexpr const char *kUncounted =
     "page with visits that Firefox doesn't count (a download, a frame, a reload), so \"(autogen)\"";
 
-URLClass placeRecord(const ReadContext &ctx, const Row &row, VisitTable &visits, Date fileCreated) {
-    URLClass record = historyRecord(
+UrlRecord placeRecord(const ReadContext &ctx, const Row &row, VisitTable &visits,
+                      Date fileCreated) {
+    UrlRecord record = historyRecord(
         ctx,
         {row.number(kId).value_or(0), row.text(kUrl), row.truth(kHidden), row.number(kVisitCount)},
         kFirefox3History.word, fileCreated);
@@ -60,7 +61,7 @@ bool readVisits(ReadContext &ctx, EvidenceDatabase &database, VisitTable &visits
     const auto goOn = [&task](double fraction) { return task.advance(fraction); };
     const bool isDone = visits.read(database, kVisits, goOn);
     if (isDone && !visits.loss().empty())
-        ctx.log.write({textOf(ctx.file.FullPath) + ": " + visits.loss(), "ADO.GetDB3Field()",
+        ctx.log.write({textOf(ctx.file.fullPath) + ": " + visits.loss(), "ADO.GetDB3Field()",
                        Severity::Warning, std::string(kContactSupport)});
     return isDone;
 }
@@ -77,11 +78,11 @@ ReadResult readPlaces(ReadContext &ctx, EvidenceDatabase &database) {
     VisitTable visits;
     if (!readVisits(ctx, database, visits))
         return {ReadState::cancelled, {}, 0, {}};
-    const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
+    const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
     SubTask task(ctx.task, kVisitsShare, 1);
     std::uint64_t uncounted = 0;
     ReadResult result = eachRow(cursor, ctx, task, kReader.procedure, [&](const Row &row) {
-        URLClass record = placeRecord(ctx, row, visits, fileCreated);
+        UrlRecord record = placeRecord(ctx, row, visits, fileCreated);
         if (record.Visits == 0 && visits.listed(record.Reference_ID))
             ++uncounted;
         ctx.sink.save(record);

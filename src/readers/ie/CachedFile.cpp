@@ -18,7 +18,7 @@ constexpr std::array<std::string_view, 8> kTitledExtensions = {"htm",  "html", "
 
 /// A cached file may have been cleared while its record stayed, and the other way round: the
 /// record's own word, such as "LEAK", is kept only while the file is there.
-void noteFound(URLClass &record, const std::optional<std::filesystem::path> &found,
+void noteFound(UrlRecord &record, const std::optional<std::filesystem::path> &found,
                const Evidence &evidence) {
     record.CacheFileExists = found.has_value();
     if (!found) {
@@ -33,24 +33,24 @@ void noteFound(URLClass &record, const std::optional<std::filesystem::path> &fou
 
 } // namespace
 
-std::optional<std::filesystem::path> locateCachedFile(URLClass &record, const HistoryFile &file,
+std::optional<std::filesystem::path> locateCachedFile(UrlRecord &record, const HistoryFile &file,
                                                       const Evidence &evidence) {
-    record.RootPath = evidence.rootOf(file.FullPath);
+    record.RootPath = evidence.rootOf(file.fullPath);
     if (record.Status == "REDR")
         return std::nullopt;
-    if (file.HistoryFileType == HistoryFileType::importedBinary)
-        record.CacheRootPath = evidence.relativeOf(file.FullPath);
-    if (file.HistoryFileType != HistoryFileType::ieCache)
+    if (file.historyFileType == HistoryFileType::importedBinary)
+        record.CacheRootPath = evidence.relativeOf(file.fullPath);
+    if (file.historyFileType != HistoryFileType::ieCache)
         return std::nullopt;
     std::optional<std::filesystem::path> found;
     if (!record.CacheFileName.empty())
-        found = evidence.find(file.FullPath.parent_path(),
+        found = evidence.find(file.fullPath.parent_path(),
                               record.CacheFolderName + "/" + record.CacheFileName);
     noteFound(record, found, evidence);
     return found;
 }
 
-void examineCachedFile(URLClass &record, const std::filesystem::path &cachedFile,
+void examineCachedFile(UrlRecord &record, const std::filesystem::path &cachedFile,
                        const Evidence &evidence, ContentProbe &content) {
     const ContentFacts &facts = content.facts(evidence, cachedFile);
     if (facts.hasHtml || facts.hasBody) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "db/HistoryFile.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "readers/ContentProbe.h"
 #include "readers/Evidence.h"
 
@@ -14,11 +14,11 @@ namespace nv {
 
 /// Sets where the record's file lies, whether it is there, and the status that follows from that.
 /// Returns the cached file when it exists.
-std::optional<std::filesystem::path> locateCachedFile(URLClass &record, const HistoryFile &file,
+std::optional<std::filesystem::path> locateCachedFile(UrlRecord &record, const HistoryFile &file,
                                                       const Evidence &evidence);
 
 /// Sets category and title by what the cached file holds. Throws EvidenceFailure.
-void examineCachedFile(URLClass &record, const std::filesystem::path &cachedFile,
+void examineCachedFile(UrlRecord &record, const std::filesystem::path &cachedFile,
                        const Evidence &evidence, ContentProbe &content);
 
 } // namespace nv

@@ -47,7 +47,7 @@ Date expiryDate(ByteView record) {
 }
 
 /// All in UTC, as every record has them: what a row says must not hang on the examiner's machine.
-void setDates(URLClass &result, ByteView record, const Clock &clock) {
+void setDates(UrlRecord &result, ByteView record, const Clock &clock) {
     result.OtherDate = fileTimeToUtc(record.u64le(kModified));
     result.OtherDateMeaning = "Cookie Modified";
     result.CacheFileLastAccessed = fileTimeToUtc(record.u64le(kLastUsed));
@@ -56,7 +56,7 @@ void setDates(URLClass &result, ByteView record, const Clock &clock) {
     result.ExpiryDate = expiryDate(record);
 }
 
-void setCookieUrl(URLClass &result, ByteView record) {
+void setCookieUrl(UrlRecord &result, ByteView record) {
     result.URLRawValue = textAt(record, kText);
     const std::string_view raw = result.URLRawValue;
     // With nothing before it, "@" parts no user from the host.
@@ -69,13 +69,13 @@ void setCookieUrl(URLClass &result, ByteView record) {
 
 } // namespace
 
-URLClass ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t recordOffset,
-                       DeletedFlag deletedFlag, const Clock &clock) {
-    URLClass result;
-    result.HistoryFilePath = textOf(file.FullPath);
+UrlRecord ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t recordOffset,
+                        DeletedFlag deletedFlag, const Clock &clock) {
+    UrlRecord result;
+    result.HistoryFilePath = textOf(file.fullPath);
     result.MapFileOffset = static_cast<std::int64_t>(recordOffset);
-    result.HistoryVersion = file.Version;
-    result.SourceFile_ID = file.SourceFile_ID;
+    result.HistoryVersion = file.version;
+    result.SourceFile_ID = file.sourceFileID;
     result.Visits = record.i32le(kHits);
     result.RecordSize = std::uint64_t{record.u32le(kBlocks)} * 0x80;
     result.cacheType = kIECookies.word;
@@ -93,12 +93,12 @@ URLClass ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t r
     return result;
 }
 
-std::optional<fs::path> locateCookieFile(URLClass &record, const HistoryFile &file,
+std::optional<fs::path> locateCookieFile(UrlRecord &record, const HistoryFile &file,
                                          const Evidence &evidence) {
-    record.RootPath = evidence.rootOf(file.FullPath);
+    record.RootPath = evidence.rootOf(file.fullPath);
     if (record.CacheFileName.empty())
         return std::nullopt;
-    const fs::path folder = file.FullPath.parent_path();
+    const fs::path folder = file.fullPath.parent_path();
     std::optional<fs::path> found = evidence.find(folder, record.CacheFileName);
     if (!found)
         return std::nullopt;
@@ -108,7 +108,7 @@ std::optional<fs::path> locateCookieFile(URLClass &record, const HistoryFile &fi
     record.Category = "Cookies";
     // The index and not the text file: that one's text stands in the record itself, and earlier
     // cases have the index here.
-    record.CacheFileRelativePath = evidence.relativeOf(file.FullPath);
+    record.CacheFileRelativePath = evidence.relativeOf(file.fullPath);
     record.RunTimeContentPath = *found;
     return found;
 }

@@ -3,7 +3,7 @@
 #include "base/ByteView.h"
 #include "base/Clock.h"
 #include "db/HistoryFile.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "readers/Evidence.h"
 #include "readers/ie/IndexRecord.h"
 
@@ -18,11 +18,11 @@ namespace nv {
 /// Throws when a field lies outside of it. Does no I/O: what lies on disk comes from
 /// locateCookieFile() and
 /// readCookieText().
-URLClass ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t recordOffset,
-                       DeletedFlag deletedFlag, const Clock &clock);
+UrlRecord ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t recordOffset,
+                        DeletedFlag deletedFlag, const Clock &clock);
 
 /// Sets where the record's text file lies. Returns the file when it is there, beside the index.
-std::optional<std::filesystem::path> locateCookieFile(URLClass &record, const HistoryFile &file,
+std::optional<std::filesystem::path> locateCookieFile(UrlRecord &record, const HistoryFile &file,
                                                       const Evidence &evidence);
 
 /// A cookie's text as it is kept: without line ends, and no more of it than limits::kCookieText.

@@ -44,12 +44,12 @@ class CookiesReading {
   public:
     CookiesReading(ReadContext &ctx, ByteView bytes)
         : m_ctx(ctx), m_bytes(bytes), m_walk(ctx, bytes, kProcedure),
-          m_texts(ctx.log, kProcedure, textOf(ctx.file.FullPath)) {}
+          m_texts(ctx.log, kProcedure, textOf(ctx.file.fullPath)) {}
 
     ReadResult run() {
         if (!m_walk.open(m_result))
             return m_result;
-        m_ctx.file.Version = bytesToString(m_bytes, kVersion, kVersionLength, true);
+        m_ctx.file.version = bytesToString(m_bytes, kVersion, kVersionLength, true);
         m_walk.run([this](std::uint64_t offset) { return take(offset); }, m_result);
         return m_result;
     }
@@ -60,7 +60,7 @@ class CookiesReading {
         if (!reason.empty())
             return reason;
         const DeletedFlag deleted = m_ctx.deleted ? DeletedFlag::yes : DeletedFlag::no;
-        URLClass record =
+        UrlRecord record =
             ParseIECookie(recordAt(m_bytes, offset), m_ctx.file, offset, deleted, m_ctx.clock);
         if (const auto found = locateCookieFile(record, m_ctx.file, m_ctx.evidence))
             addText(record, *found);
@@ -68,7 +68,7 @@ class CookiesReading {
         return {};
     }
 
-    void addText(URLClass &record, const std::filesystem::path &file) {
+    void addText(UrlRecord &record, const std::filesystem::path &file) {
         record.MetaData = "Error Reading File";
         const bool isRead = m_texts.run(static_cast<std::uint64_t>(record.MapFileOffset), [&] {
             CookieText read =

@@ -60,7 +60,7 @@ ByteView recordAt(ByteView file, std::uint64_t offset) {
 
 HashWalk::HashWalk(ReadContext &ctx, ByteView file, std::string_view procedure)
     : m_ctx(ctx), m_file(file), m_procedure(procedure),
-      m_trap(ctx.log, procedure, textOf(ctx.file.FullPath)) {}
+      m_trap(ctx.log, procedure, textOf(ctx.file.fullPath)) {}
 
 bool HashWalk::open(ReadResult &result) {
     if (m_file.size() < kShortestIndex) {
@@ -145,7 +145,7 @@ void HashWalk::showStep(Place place) {
 }
 
 void HashWalk::noteDamage(const std::string &damage, ReadResult &result) {
-    const std::string text = fmt::format("{}: {}", textOf(m_ctx.file.FullPath), damage);
+    const std::string text = fmt::format("{}: {}", textOf(m_ctx.file.fullPath), damage);
     m_ctx.log.write(
         {text, std::string(m_procedure), Severity::Warning, std::string(kContactSupport)});
     result.state = ReadState::cutShort;

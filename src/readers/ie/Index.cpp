@@ -38,7 +38,7 @@ class IndexReading {
   public:
     IndexReading(ReadContext &ctx, ByteView bytes)
         : m_ctx(ctx), m_bytes(bytes), m_walk(ctx, bytes, kProcedure),
-          m_contents(ctx.log, kProcedure, textOf(ctx.file.FullPath)) {}
+          m_contents(ctx.log, kProcedure, textOf(ctx.file.fullPath)) {}
 
     ReadResult run() {
         ReadResult result;
@@ -55,7 +55,7 @@ class IndexReading {
     std::string_view take(std::uint64_t offset) {
         if (!hasSignature(m_bytes, offset))
             return "entry without a record signature";
-        std::optional<URLClass> record =
+        std::optional<UrlRecord> record =
             ParseIEURL(recordAt(m_bytes, offset), m_ctx.file, offset, m_folders,
                        m_ctx.deleted ? DeletedFlag::yes : DeletedFlag::no, m_ctx.clock);
         if (!record)
@@ -66,7 +66,7 @@ class IndexReading {
     }
 
     /// A cached file that can't be read is no reason to lose its record.
-    void addCachedFile(URLClass &record, std::uint64_t offset) {
+    void addCachedFile(UrlRecord &record, std::uint64_t offset) {
         if (const auto found = locateCachedFile(record, m_ctx.file, m_ctx.evidence))
             m_contents.attempt(
                 offset, [&] { examineCachedFile(record, *found, m_ctx.evidence, m_ctx.content); });

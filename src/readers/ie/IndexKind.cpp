@@ -66,7 +66,7 @@ HistoryFileType kindByDays(Days days, BackwardIs backward, HistoryFileType other
 }
 
 bool isNamedByDates(const HistoryFile &file) {
-    return containsNoCase(getFilenameFromPath(file.FileParentPath), "mshist");
+    return containsNoCase(getFilenameFromPath(file.fileParentPath), "mshist");
 }
 
 /// The folder's name ends in two dates of 8 digits, as in "MSHist012011061520110616".
@@ -87,9 +87,9 @@ std::optional<Days> daysOfFirstRecord(ByteView bytes) {
 }
 
 HistoryFileType historyKind(const HistoryFile &file, ByteView bytes) {
-    const HistoryFileType type = file.HistoryFileType;
+    const HistoryFileType type = file.historyFileType;
     if (isNamedByDates(file)) {
-        const std::optional<Days> days = daysOfFolder(file.FileParentPath);
+        const std::optional<Days> days = daysOfFolder(file.fileParentPath);
         return days ? kindByDays(*days, BackwardIs::weekly, type) : type;
     }
     if (bytes.find("Visited: "))
@@ -103,15 +103,15 @@ HistoryFileType historyKind(const HistoryFile &file, ByteView bytes) {
 
 FolderList settleIndexKind(HistoryFile &file, ByteView bytes, const HashChain &chain) {
     FolderList folders;
-    if (file.HistoryFileType != HistoryFileType::ieCache)
-        file.HistoryFileType = historyKind(file, bytes);
+    if (file.historyFileType != HistoryFileType::ieCache)
+        file.historyFileType = historyKind(file, bytes);
     else if (bytes.i32le(kFolderTest) > 0)
         folders = readFolders(bytes, chain);
     else
-        file.HistoryFileType = HistoryFileType::ieHistory;
-    if (file.HistoryFileType >= HistoryFileType::ieHistory &&
-        file.HistoryFileType <= HistoryFileType::ieCache)
-        file.Version = bytesToString(bytes, kVersion, kVersionLength, true);
+        file.historyFileType = HistoryFileType::ieHistory;
+    if (file.historyFileType >= HistoryFileType::ieHistory &&
+        file.historyFileType <= HistoryFileType::ieCache)
+        file.version = bytesToString(bytes, kVersion, kVersionLength, true);
     return folders;
 }
 

@@ -78,7 +78,7 @@ bool isPictureUrl(std::string_view url) {
                     toLower(point == std::string_view::npos ? tail : tail.substr(point + 1)));
 }
 
-void setHeaders(URLClass &result, ByteView record) {
+void setHeaders(UrlRecord &result, ByteView record) {
     const std::int32_t offset = record.i32le(kHeaders);
     if (offset < 0)
         return;
@@ -89,7 +89,7 @@ void setHeaders(URLClass &result, ByteView record) {
         result.MetaData.clear();
 }
 
-void setCacheFields(URLClass &result, ByteView record, const FolderList &folders) {
+void setCacheFields(UrlRecord &result, ByteView record, const FolderList &folders) {
     result.CacheFileNameRecordOffset = offsetAt(record, kFileName);
     if (result.CacheFileNameRecordOffset != 0) // 0 is no name, not one that begins "URL "
         result.CacheFileName = textAt(record, result.CacheFileNameRecordOffset);
@@ -125,13 +125,13 @@ constexpr std::array<Meaning, 8> kMeanings = {{
 }};
 
 /// A weekly index has its first date in local time, and keeps the second one as shown to the user.
-void setWeeklyDates(URLClass &result, ByteView record, const Clock &clock) {
+void setWeeklyDates(UrlRecord &result, ByteView record, const Clock &clock) {
     result.ActionDateLocal = fileTimeToUtc(record.u64le(kFirstDate));
     result.ActionDateUTC = localDateToUTC(result.ActionDateLocal, clock);
     result.OtherDate = fileTimeToLocalDate(record.u64le(kSecondDate), clock);
 }
 
-void setMeaning(URLClass &result, ByteView record, HistoryFileType type, const Clock &clock) {
+void setMeaning(UrlRecord &result, ByteView record, HistoryFileType type, const Clock &clock) {
     if (type == HistoryFileType::none) { // a file of unknown kind is history without an event
         result.Links = result.URL + ";";
         result.IsHistory = true;
@@ -153,7 +153,7 @@ void setMeaning(URLClass &result, ByteView record, HistoryFileType type, const C
         result.OtherDate = fileTimeToUtc(record.u64le(kFirstDate));
 }
 
-void parseRedirect(URLClass &result, ByteView record, HistoryFileType type) {
+void parseRedirect(UrlRecord &result, ByteView record, HistoryFileType type) {
     result.URLRawValue = textAt(record, kRedirectUrl);
     result.URL = result.URLRawValue;
     result.HashedURL = hashOfUrl(result.URL);
@@ -164,7 +164,7 @@ void parseRedirect(URLClass &result, ByteView record, HistoryFileType type) {
 
 } // namespace
 
-void setUrl(URLClass &record, std::string_view text) {
+void setUrl(UrlRecord &record, std::string_view text) {
     record.URL = percentDecode(ParseURLFromRawURL(text));
     record.HashedURL = hashOfUrl(record.URL);
     for (const std::string_view scheme : {"http://", "https://", "file:///"})
@@ -175,18 +175,18 @@ void setUrl(URLClass &record, std::string_view text) {
     record.URLParameters = parametersOf(record.URL);
 }
 
-std::optional<URLClass> ParseIEURL(ByteView record, const HistoryFile &file,
-                                   std::uint64_t recordOffset, const FolderList &folders,
-                                   DeletedFlag deletedFlag, const Clock &clock) {
+std::optional<UrlRecord> ParseIEURL(ByteView record, const HistoryFile &file,
+                                    std::uint64_t recordOffset, const FolderList &folders,
+                                    DeletedFlag deletedFlag, const Clock &clock) {
     if (record.empty())
         return std::nullopt;
-    std::optional<URLClass> result(std::in_place);
+    std::optional<UrlRecord> result(std::in_place);
     result->Status = record.sub(0, 4).raw();
-    result->HistoryFilePath = textOf(file.FullPath);
+    result->HistoryFilePath = textOf(file.fullPath);
     result->MapFileOffset = static_cast<std::int64_t>(recordOffset);
-    result->HistoryVersion = file.Version;
-    result->SourceFile_ID = file.SourceFile_ID;
-    const HistoryFileType type = file.HistoryFileType;
+    result->HistoryVersion = file.version;
+    result->SourceFile_ID = file.sourceFileID;
+    const HistoryFileType type = file.historyFileType;
     if (result->Status == kRedirect) {
         parseRedirect(*result, record, type);
         return result;

@@ -3,7 +3,7 @@
 #include "base/ByteView.h"
 #include "base/Clock.h"
 #include "db/HistoryFile.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "readers/ie/IndexKind.h"
 
 #include <cstdint>
@@ -19,12 +19,12 @@ enum class DeletedFlag { no, yes };
 /// record's length. Nothing for an empty view or a signature other than "URL ", "LEAK", "FILE" and
 /// "REDR". Throws when a field lies outside of the record. Does no I/O: what lies on disk comes
 /// from readers/ie/CachedFile.h.
-std::optional<URLClass> ParseIEURL(ByteView record, const HistoryFile &file,
-                                   std::uint64_t recordOffset, const FolderList &folders,
-                                   DeletedFlag deletedFlag, const Clock &clock);
+std::optional<UrlRecord> ParseIEURL(ByteView record, const HistoryFile &file,
+                                    std::uint64_t recordOffset, const FolderList &folders,
+                                    DeletedFlag deletedFlag, const Clock &clock);
 
 /// Sets `URL` from `text`, cleaned and decoded, and what follows from it and from `URLRawValue`,
 /// which stands before: hash, host, user, protocol and parameters.
-void setUrl(URLClass &record, std::string_view text);
+void setUrl(UrlRecord &record, std::string_view text);
 
 } // namespace nv

@@ -21,7 +21,7 @@ bool liesIn(std::uint64_t fileSize, std::int64_t offset, std::int64_t size) {
            static_cast<std::uint64_t>(size) <= fileSize - static_cast<std::uint64_t>(offset);
 }
 
-void setUrl(URLClass &record, const std::string &stored) {
+void setUrl(UrlRecord &record, const std::string &stored) {
     record.URLRawValue = stored;
     record.URL = percentDecode(ParseURLFromRawURL(stored));
     record.HashedURL = hashOfUrl(record.URL);
@@ -33,11 +33,11 @@ void setUrl(URLClass &record, const std::string &stored) {
 }
 
 /// Where the record and its body lie: in the one cache file.
-void setPlace(URLClass &record, const ReadContext &ctx) {
-    const std::filesystem::path &file = ctx.file.FullPath;
-    record.SourceFile_ID = ctx.file.SourceFile_ID;
+void setPlace(UrlRecord &record, const ReadContext &ctx) {
+    const std::filesystem::path &file = ctx.file.fullPath;
+    record.SourceFile_ID = ctx.file.sourceFileID;
     record.HistoryFilePath = textOf(file);
-    record.HistoryVersion = ctx.file.Version;
+    record.HistoryVersion = ctx.file.version;
     record.RootPath = ctx.evidence.rootOf(file);
     record.CacheFileRelativePath = ctx.evidence.relativeOf(file);
     record.CacheRootPath = textOf(file.parent_path());
@@ -47,8 +47,9 @@ void setPlace(URLClass &record, const ReadContext &ctx) {
 
 } // namespace
 
-URLClass ParseMACIEURL(const macIEURLClass &entry, const ReadContext &ctx, std::uint64_t fileSize) {
-    URLClass record;
+UrlRecord ParseMACIEURL(const macIEURLClass &entry, const ReadContext &ctx,
+                        std::uint64_t fileSize) {
+    UrlRecord record;
     setUrl(record, entry.macURL);
     setPlace(record, ctx);
     record.cacheType = kMacIECache.word;
@@ -68,11 +69,11 @@ URLClass ParseMACIEURL(const macIEURLClass &entry, const ReadContext &ctx, std::
 }
 
 ReadResult readMACIECache(ReadContext &ctx, ByteView bytes) {
-    RecordTrap trap(ctx.log, kProcedure, textOf(ctx.file.FullPath));
+    RecordTrap trap(ctx.log, kProcedure, textOf(ctx.file.fullPath));
     macIECache cache;
     ReadResult result = cache.ReadMACIECache(bytes, ctx.task, [&](const macIEURLClass &entry) {
         trap.attempt(entry.recordOffset, [&] {
-            URLClass record = ParseMACIEURL(entry, ctx, bytes.size());
+            UrlRecord record = ParseMACIEURL(entry, ctx, bytes.size());
             ctx.sink.save(record);
         });
     });
@@ -87,7 +88,7 @@ ReadResult ParseMACIECache(ReadContext &ctx) {
                          kProcedure, [&ctx](ByteView bytes) { return readMACIECache(ctx, bytes); });
 }
 
-bool ExtractMACFile(const URLClass &record, const Evidence &evidence, BodyTarget &target) {
+bool ExtractMACFile(const UrlRecord &record, const Evidence &evidence, BodyTarget &target) {
     const auto file = evidence.find(record.RootPath, record.CacheFileRelativePath);
     if (!file)
         return false;

@@ -16,10 +16,10 @@ ReadResult readMACIECache(ReadContext &ctx, ByteView bytes);
 
 /// The record of one entry. Does no I/O. `fileSize` is that of the cache file, in which the body
 /// has to lie.
-URLClass ParseMACIEURL(const macIEURLClass &entry, const ReadContext &ctx, std::uint64_t fileSize);
+UrlRecord ParseMACIEURL(const macIEURLClass &entry, const ReadContext &ctx, std::uint64_t fileSize);
 
 /// Writes the body, `CacheFileSize` bytes from `DataBlockFileOffset` of the cache file, to
 /// `target`. False when they don't lie in it. Throws EvidenceFailure.
-bool ExtractMACFile(const URLClass &record, const Evidence &evidence, BodyTarget &target);
+bool ExtractMACFile(const UrlRecord &record, const Evidence &evidence, BodyTarget &target);
 
 } // namespace nv

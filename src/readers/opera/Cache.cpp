@@ -52,9 +52,9 @@ std::string_view statusWord(std::uint64_t status) {
 class CacheReading {
   public:
     CacheReading(ReadContext &ctx, ByteView file)
-        : m_ctx(ctx), m_file(file), m_trap(ctx.log, kProcedure, textOf(ctx.file.FullPath)),
-          m_contents(ctx.log, kProcedure, textOf(ctx.file.FullPath)),
-          m_losses(ctx.log, kProcedure, textOf(ctx.file.FullPath)),
+        : m_ctx(ctx), m_file(file), m_trap(ctx.log, kProcedure, textOf(ctx.file.fullPath)),
+          m_contents(ctx.log, kProcedure, textOf(ctx.file.fullPath)),
+          m_losses(ctx.log, kProcedure, textOf(ctx.file.fullPath)),
           m_gaps(file, [this](std::uint64_t from, std::uint64_t end) { tellGap(from, end); }) {}
 
     ReadResult run() {
@@ -130,9 +130,9 @@ class CacheReading {
         m_record.emplace();
         setUrl(url);
         setOperaCacheFolder(*m_record, m_ctx.file, m_ctx.evidence);
-        m_record->SourceFile_ID = m_ctx.file.SourceFile_ID;
-        m_record->HistoryFilePath = textOf(m_ctx.file.FullPath);
-        m_record->HistoryVersion = m_ctx.file.Version;
+        m_record->SourceFile_ID = m_ctx.file.sourceFileID;
+        m_record->HistoryFilePath = textOf(m_ctx.file.fullPath);
+        m_record->HistoryVersion = m_ctx.file.version;
         m_record->MapFileOffset = static_cast<std::int64_t>(m_at);
         m_record->cacheType = kOperaCache.word;
         m_record->Action = "Visited";
@@ -217,7 +217,7 @@ class CacheReading {
     RecordTrap m_losses;
     ReadResult m_result;
     CacheGaps m_gaps;
-    std::optional<URLClass> m_record; ///< the one that is open
+    std::optional<UrlRecord> m_record; ///< the one that is open
     std::optional<std::uint64_t> m_cutAt;
     std::uint64_t m_at = 0;
     std::uint64_t m_askAt = 0;
@@ -237,7 +237,7 @@ void tellSize(ReadContext &ctx, std::uint64_t size, std::uint64_t read, ReadResu
     }
     if (result.state == ReadState::complete)
         return;
-    result.reason = textOf(ctx.file.FullPath) + ": " + result.reason;
+    result.reason = textOf(ctx.file.fullPath) + ": " + result.reason;
     ctx.log.write(
         {result.reason, std::string(kProcedure), Severity::Warning, std::string(kContactSupport)});
 }
@@ -251,11 +251,11 @@ ReadResult readOperaCache(ReadContext &ctx, ByteView bytes) {
 }
 
 ReadResult ParseOperaCache(ReadContext &ctx) {
-    const std::string path = textOf(ctx.file.FullPath);
+    const std::string path = textOf(ctx.file.fullPath);
     ctx.task.describe({"PARSING OPERA CACHE FILE", "Opera", path, "opera-32.gif"});
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),
                    [&ctx] {
-                       const EvidenceFile file = ctx.evidence.open(ctx.file.FullPath);
+                       const EvidenceFile file = ctx.evidence.open(ctx.file.fullPath);
                        const Bytes bytes = file.read(0, limits::kOperaFileBytes);
                        ReadResult result = CacheReading(ctx, ByteView(bytes)).run();
                        tellSize(ctx, file.size(), bytes.size(), result);

@@ -38,7 +38,7 @@ std::string extensionOf(const std::optional<fs::path> &file, const Evidence &evi
     return beginsAsGZip(ByteView(head)) ? "gzip" : toLower(GetExtBySignature(ByteView(head)));
 }
 
-void setKind(URLClass &record, const std::string &extension) {
+void setKind(UrlRecord &record, const std::string &extension) {
     record.IsPicture = isAmong(kPictures, extension);
     record.GZipEncoded = extension == "gzip";
     if (isAmong(kPages, extension))
@@ -46,7 +46,7 @@ void setKind(URLClass &record, const std::string &extension) {
 }
 
 /// Dates and size of the file, in UTC and bytes.
-void setFacts(URLClass &record, const FileFacts &facts) {
+void setFacts(UrlRecord &record, const FileFacts &facts) {
     if (!facts.isThere)
         return;
     record.CacheFileLastAccessed = facts.lastAccessed;
@@ -61,13 +61,13 @@ bool leadsOut(const std::string &name) {
 
 } // namespace
 
-void setOperaCacheFolder(URLClass &record, const HistoryFile &file, const Evidence &evidence) {
-    record.RootPath = evidence.rootOf(file.FullPath);
-    record.CacheRootPath = fs::path(evidence.relativeOf(file.FullPath)).parent_path().string();
+void setOperaCacheFolder(UrlRecord &record, const HistoryFile &file, const Evidence &evidence) {
+    record.RootPath = evidence.rootOf(file.fullPath);
+    record.CacheRootPath = fs::path(evidence.relativeOf(file.fullPath)).parent_path().string();
     record.CacheFolderName = record.CacheRootPath;
 }
 
-bool setOperaCachedFile(URLClass &record, const std::string &name, const HistoryFile &file,
+bool setOperaCachedFile(UrlRecord &record, const std::string &name, const HistoryFile &file,
                         const Evidence &evidence) {
     record.CacheFileName = name;
     record.DataBlockFile = name;
@@ -75,7 +75,7 @@ bool setOperaCachedFile(URLClass &record, const std::string &name, const History
     record.CacheFileExists = true; // as the index says, which earlier cases show
     std::optional<fs::path> found;
     if (!equalsNoCase(name, kHeldOpen))
-        found = evidence.find(file.FullPath.parent_path(), name);
+        found = evidence.find(file.fullPath.parent_path(), name);
     if (found)
         record.CacheFileRelativePath = evidence.relativeOf(*found);
     else if (!leadsOut(name))

@@ -103,9 +103,9 @@ bool isBlank(const Window &window) {
 class LineReading {
   public:
     LineReading(ReadContext &ctx, std::string_view file, ReadResult &result)
-        : m_ctx(ctx), m_source{ctx, ctx.evidence.factsOf(ctx.file.FullPath).created}, m_file(file),
-          m_result(result), m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)),
-          m_doubts(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)) {}
+        : m_ctx(ctx), m_source{ctx, ctx.evidence.factsOf(ctx.file.fullPath).created}, m_file(file),
+          m_result(result), m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.fullPath)),
+          m_doubts(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.fullPath)) {}
 
     void run() {
         while (const auto window = windowAt(m_file, m_at)) {
@@ -124,7 +124,7 @@ class LineReading {
         if (const std::size_t skipped = linesOutOfStep(m_file, window)) {
             m_result.passedOver["line that belongs to no whole record"] += skipped;
             m_ctx.log.write({fmt::format("{}: {} lines at {} belong to no whole record",
-                                         textOf(m_ctx.file.FullPath), skipped, m_at),
+                                         textOf(m_ctx.file.fullPath), skipped, m_at),
                              std::string(kOperaHistoryProcedure), Severity::Serious,
                              std::string(kContactSupport)});
             m_at = window.next[skipped - 1];
@@ -142,7 +142,7 @@ class LineReading {
         if (!visited.has())
             ++m_result.noted["visit without a date that can be read"];
         tellGarbage(window);
-        URLClass record =
+        UrlRecord record =
             operaHistoryRecord(m_source, decodeText(window.lines[kUrl]), visited, m_at);
         record.WebpageTitle = decodeText(window.lines[kTitle]);
         m_ctx.sink.save(record);
@@ -187,13 +187,13 @@ bool beginsAsTaggedFile(ByteView bytes) {
 
 /// A tagged file of downloads is what the browser writes; a history like that is damaged.
 ReadState stateOfTaggedFile(const ReadContext &ctx) {
-    return equalsNoCase(textOf(ctx.file.FullPath.filename()), "download.dat")
+    return equalsNoCase(textOf(ctx.file.fullPath.filename()), "download.dat")
                ? ReadState::notReadYet
                : ReadState::failed;
 }
 
 bool isXml(const ReadContext &ctx, ByteView bytes) {
-    return equalsNoCase(ctx.file.FullPath.extension().string(), ".xml") && beginsAsXml(bytes);
+    return equalsNoCase(ctx.file.fullPath.extension().string(), ".xml") && beginsAsXml(bytes);
 }
 
 void readForm(ReadContext &ctx, ByteView bytes, ReadResult &result) {
@@ -208,7 +208,7 @@ void readForm(ReadContext &ctx, ByteView bytes, ReadResult &result) {
 void tellDamage(ReadContext &ctx, ReadResult &result) {
     if (result.state != ReadState::cutShort && result.state != ReadState::failed)
         return;
-    result.reason = textOf(ctx.file.FullPath) + ": " + result.reason;
+    result.reason = textOf(ctx.file.fullPath) + ": " + result.reason;
     ctx.log.write({result.reason, std::string(kOperaHistoryProcedure), Severity::Serious,
                    std::string(kContactSupport)});
 }
@@ -223,11 +223,11 @@ ReadResult readOperaHistory(ReadContext &ctx, ByteView bytes) {
 }
 
 ReadResult ParseOperaHistoryFile(ReadContext &ctx) {
-    const std::string path = textOf(ctx.file.FullPath);
+    const std::string path = textOf(ctx.file.fullPath);
     ctx.task.describe({"PARSING OPERA HISTORY FILE", "Opera", path, "opera-32.gif"});
     return trapped(ctx.log, Severity::Serious, kOperaHistoryProcedure, kContactSupport,
                    unreadable(ctx), [&ctx] {
-                       const EvidenceFile file = ctx.evidence.open(ctx.file.FullPath);
+                       const EvidenceFile file = ctx.evidence.open(ctx.file.fullPath);
                        const Bytes bytes = file.read(0, limits::kOperaFileBytes);
                        ReadResult result;
                        readForm(ctx, ByteView(bytes), result);

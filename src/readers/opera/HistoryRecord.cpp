@@ -17,20 +17,20 @@ bool holdsNoText(std::string_view line) {
     });
 }
 
-URLClass operaHistoryRecord(const OperaHistorySource &source, const std::string &url, Date visited,
-                            std::uint64_t offset) {
+UrlRecord operaHistoryRecord(const OperaHistorySource &source, const std::string &url, Date visited,
+                             std::uint64_t offset) {
     const ReadContext &ctx = source.ctx;
-    URLClass record;
+    UrlRecord record;
     record.Action = "Visited";
-    record.SourceFile_ID = ctx.file.SourceFile_ID;
+    record.SourceFile_ID = ctx.file.sourceFileID;
     record.URL = url;
     record.URLRawValue = url;
-    record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
+    record.RootPath = ctx.evidence.rootOf(ctx.file.fullPath);
     record.cacheType = kOperaHistory.word;
     record.CacheFileCreatedGMTDOS = source.fileCreated;
     record.HashedURL = hashOfUrl(url);
-    record.HistoryFilePath = textOf(ctx.file.FullPath);
-    record.HistoryVersion = ctx.file.Version;
+    record.HistoryFilePath = textOf(ctx.file.fullPath);
+    record.HistoryVersion = ctx.file.version;
     record.MapFileOffset = static_cast<std::int64_t>(offset);
     record.host = ParseHost(url);
     record.IsHistory = true;

@@ -23,7 +23,7 @@ struct OperaHistorySource {
 };
 
 /// The record of a URL of the history, without its title.
-URLClass operaHistoryRecord(const OperaHistorySource &source, const std::string &url, Date visited,
-                            std::uint64_t offset);
+UrlRecord operaHistoryRecord(const OperaHistorySource &source, const std::string &url, Date visited,
+                             std::uint64_t offset);
 
 } // namespace nv

@@ -51,9 +51,9 @@ class ItemWalk final : public pugi::xml_tree_walker {
   public:
     /// Damage lies at `damagedAt`, after the end of a sound text.
     ItemWalk(ReadContext &ctx, std::string_view text, std::size_t damagedAt, ReadResult &result)
-        : m_ctx(ctx), m_source{ctx, ctx.evidence.factsOf(ctx.file.FullPath).created}, m_text(text),
+        : m_ctx(ctx), m_source{ctx, ctx.evidence.factsOf(ctx.file.fullPath).created}, m_text(text),
           m_damagedAt(damagedAt), m_result(result),
-          m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)) {}
+          m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.fullPath)) {}
 
     bool for_each(pugi::xml_node &node) override {
         if (std::string_view(node.name()) != "typed_history_item")
@@ -88,7 +88,7 @@ class ItemWalk final : public pugi::xml_tree_walker {
             ++m_result.noted["typed address without a date that can be read"];
         if (holdsNoText(content))
             ++m_result.noted[std::string(kOperaGarbage)];
-        URLClass record = operaHistoryRecord(m_source, content, typed, offset);
+        UrlRecord record = operaHistoryRecord(m_source, content, typed, offset);
         record.Typed = true;
         m_ctx.sink.save(record);
     }

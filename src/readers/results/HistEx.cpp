@@ -39,10 +39,10 @@ std::string versionOf(ByteView file) {
 class Carving {
   public:
     Carving(ReadContext &ctx, ByteView file)
-        : m_ctx(ctx), m_file(file), m_trap(ctx.log, kProcedure, textOf(ctx.file.FullPath)) {}
+        : m_ctx(ctx), m_file(file), m_trap(ctx.log, kProcedure, textOf(ctx.file.fullPath)) {}
 
     ReadResult run() {
-        m_ctx.file.Version = versionOf(m_file);
+        m_ctx.file.version = versionOf(m_file);
         const std::optional<std::uint64_t> start = firstRecord(m_file);
         if (!start) {
             ++m_result.passedOver["file without a record"];
@@ -99,7 +99,7 @@ class Carving {
     /// Nothing here is told to be deleted, although all of it was: counts of earlier cases go by
     /// the status "URL".
     void save(ByteView bytes, std::uint64_t at) {
-        std::optional<URLClass> record =
+        std::optional<UrlRecord> record =
             ParseIEURL(bytes, m_ctx.file, at, {}, DeletedFlag::no, m_ctx.clock);
         if (!record)
             return;

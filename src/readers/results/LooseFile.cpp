@@ -20,11 +20,11 @@ namespace {
 namespace fs = std::filesystem;
 
 /// The record has no URL and names no history file: nothing is known of where the file came from.
-URLClass recordOf(const ReadContext &ctx) {
-    const fs::path &file = ctx.file.FullPath;
+UrlRecord recordOf(const ReadContext &ctx) {
+    const fs::path &file = ctx.file.fullPath;
     const FileFacts facts = ctx.evidence.factsOf(file);
-    URLClass record;
-    record.SourceFile_ID = ctx.file.SourceFile_ID;
+    UrlRecord record;
+    record.SourceFile_ID = ctx.file.sourceFileID;
     record.Category = "HTML";
     record.CacheFolderName = textOf(file.parent_path().filename());
     record.CacheFileCreatedGMTDOS = facts.created;
@@ -52,8 +52,8 @@ struct Kind {
 ReadResult readLooseFile(ReadContext &ctx, const Kind &kind) {
     return trapped(
         ctx.log, Severity::Warning, kind.procedure, kContactSupport, unreadable(ctx), [&] {
-            URLClass record = recordOf(ctx);
-            record.WebpageTitle = ctx.content.facts(ctx.evidence, ctx.file.FullPath).title;
+            UrlRecord record = recordOf(ctx);
+            record.WebpageTitle = ctx.content.facts(ctx.evidence, ctx.file.fullPath).title;
             record.Action = kind.action;
             record.cacheType = kind.cacheType;
             record.CacheFileExists = kind.exists;

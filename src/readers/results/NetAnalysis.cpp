@@ -37,7 +37,7 @@ constexpr std::uint64_t kSmallestRow = 5;
 class CaseReading {
   public:
     CaseReading(ReadContext &ctx, const std::filesystem::path &program)
-        : m_ctx(ctx), m_program(program), m_path(textOf(ctx.file.FullPath)),
+        : m_ctx(ctx), m_program(program), m_path(textOf(ctx.file.fullPath)),
           m_trap(ctx.log, kProcedure, m_path) {}
 
     ReadResult run() {
@@ -108,7 +108,7 @@ bool CaseReading::readCase() {
         if (const auto *path = std::get_if<std::string>(row.cells.data()))
             m_cachePath = *path;
         if (const auto *version = std::get_if<std::string>(&row.cells[1]))
-            m_ctx.file.Version = *version;
+            m_ctx.file.version = *version;
         return true;
     };
     const auto noteColumns = [this](const JetHead &head) {
@@ -116,12 +116,12 @@ bool CaseReading::readCase() {
             if (head.kinds[i] != "text")
                 addDamage(fmt::format("table Case has no text column \"{}\"", kCaseColumns[i]));
     };
-    return read({m_program, m_ctx.file.FullPath, "Case", kCaseColumns}, {noteColumns, takeCase},
+    return read({m_program, m_ctx.file.fullPath, "Case", kCaseColumns}, {noteColumns, takeCase},
                 "Case");
 }
 
 bool CaseReading::readHistory() {
-    return read({m_program, m_ctx.file.FullPath, "History", kNetAnalysisColumns},
+    return read({m_program, m_ctx.file.fullPath, "History", kNetAnalysisColumns},
                 {[this](const JetHead &head) { takeHead(head); },
                  [this](const JetRow &row) { return takeRow(row); }},
                 "History");
@@ -158,7 +158,7 @@ bool CaseReading::takeRow(const JetRow &row) {
         return advance();
     }
     const bool saved = m_trap.run(row.place, [&] {
-        URLClass record = netAnalysisRecord(m_ctx, row, m_cachePath);
+        UrlRecord record = netAnalysisRecord(m_ctx, row, m_cachePath);
         m_ctx.sink.save(record);
     });
     if (!saved)
@@ -193,7 +193,7 @@ void CaseReading::sumUp() {
     }
     const bool isLost = !m_hasHistory || m_counted > 0;
     m_result.state = found == 0 && isLost ? ReadState::failed : ReadState::cutShort;
-    const std::uint64_t size = m_ctx.evidence.factsOf(m_ctx.file.FullPath).size;
+    const std::uint64_t size = m_ctx.evidence.factsOf(m_ctx.file.fullPath).size;
     if (m_counted > found && m_counted <= size / kSmallestRow)
         m_result.notReached = m_counted - found;
     m_result.reason = fmt::format("{}: {}", m_path, m_result.reason);
@@ -205,7 +205,7 @@ void CaseReading::sumUp() {
 
 ReadResult readNetAnalysisFile(ReadContext &ctx,
                                const std::optional<std::filesystem::path> &program) {
-    const std::string path = textOf(ctx.file.FullPath);
+    const std::string path = textOf(ctx.file.fullPath);
     ReadResult failed{ReadState::failed, path + ": could not be read", 0, {}};
     if (!program) {
         failed.reason = path + ": the program norvelane-jet, which reads such files, is missing "

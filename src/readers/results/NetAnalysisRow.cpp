@@ -96,8 +96,8 @@ std::optional<fs::path> findCachedFile(const ReadContext &ctx, std::string_view 
         return std::nullopt;
     std::string path = replaceAll(CachePath, "\\", "/");
     if (!isAbsolute(path))
-        return ctx.evidence.find(ctx.file.FullPath.parent_path(), path + "/" + name);
-    const fs::path root = ctx.evidence.rootOf(ctx.file.FullPath);
+        return ctx.evidence.find(ctx.file.fullPath.parent_path(), path + "/" + name);
+    const fs::path root = ctx.evidence.rootOf(ctx.file.fullPath);
     if (root == "/")
         return std::nullopt;
     if (path[0] != '/')
@@ -105,7 +105,7 @@ std::optional<fs::path> findCachedFile(const ReadContext &ctx, std::string_view 
     return ctx.evidence.find(root, path + "/" + name);
 }
 
-void addCachedFile(URLClass &record, const fs::path &found, const Evidence &evidence) {
+void addCachedFile(UrlRecord &record, const fs::path &found, const Evidence &evidence) {
     const FileFacts facts = evidence.factsOf(found);
     if (!facts.isThere)
         return;
@@ -119,9 +119,9 @@ void addCachedFile(URLClass &record, const fs::path &found, const Evidence &evid
 
 /// `CacheFileExists` is the case's own word, also where the evidence at hand lacks the file: the
 /// examiner who made the case saw it.
-void setCacheFields(URLClass &record, const ReadContext &ctx, const Cells &cells,
+void setCacheFields(UrlRecord &record, const ReadContext &ctx, const Cells &cells,
                     const std::string &CachePath) {
-    record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
+    record.RootPath = ctx.evidence.rootOf(ctx.file.fullPath);
     record.CacheFolderName = CachePath;
     record.CacheFileRelativePath = CachePath;
     record.CacheFileName = cells.text(kURLFileName);
@@ -133,7 +133,7 @@ void setCacheFields(URLClass &record, const ReadContext &ctx, const Cells &cells
         addCachedFile(record, *found, ctx.evidence);
 }
 
-void setUrl(URLClass &record, const Cells &cells) {
+void setUrl(UrlRecord &record, const Cells &cells) {
     record.URL = cells.text(kInternetHistory);
     record.URLRawValue = record.URL;
     record.URLProtocol = GetURLProtocol(record.URL);
@@ -144,7 +144,7 @@ void setUrl(URLClass &record, const Cells &cells) {
         record.host = ParseHost(record.URL);
 }
 
-void setEvent(URLClass &record, const Cells &cells, const Clock &clock) {
+void setEvent(UrlRecord &record, const Cells &cells, const Clock &clock) {
     record.Action = "Visited";
     record.ActionDateUTC = localDateToUTC(cells.date(kLastVisited), clock);
     record.LastVisited = record.ActionDateUTC;
@@ -173,13 +173,13 @@ bool takesNetAnalysisKind(std::size_t column, std::string_view kind) {
     }
 }
 
-URLClass netAnalysisRecord(const ReadContext &ctx, const JetRow &row,
-                           const std::string &CachePath) {
+UrlRecord netAnalysisRecord(const ReadContext &ctx, const JetRow &row,
+                            const std::string &CachePath) {
     const Cells cells(row);
-    URLClass record;
+    UrlRecord record;
     record.cacheType = kNetAnalysis.word;
-    record.SourceFile_ID = ctx.file.SourceFile_ID;
-    record.HistoryFilePath = textOf(ctx.file.FullPath);
+    record.SourceFile_ID = ctx.file.sourceFileID;
+    record.HistoryFilePath = textOf(ctx.file.fullPath);
     record.HistoryVersion = cells.text(kHistoryVersion);
     record.MapFileOffset = cells.number(kFileOffset, 0);
     record.MetaData = cells.text(kContentData);

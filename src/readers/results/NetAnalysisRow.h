@@ -20,6 +20,7 @@ inline constexpr std::array<std::string_view, 15> kNetAnalysisColumns = {
 bool takesNetAnalysisKind(std::size_t column, std::string_view kind);
 
 /// The record of a row that is whole or nearly so. `CachePath` is the case's.
-URLClass netAnalysisRecord(const ReadContext &ctx, const JetRow &row, const std::string &CachePath);
+UrlRecord netAnalysisRecord(const ReadContext &ctx, const JetRow &row,
+                            const std::string &CachePath);
 
 } // namespace nv

@@ -34,7 +34,7 @@ NVDFileClass headOf(ByteView file, const std::string &version) {
 class NvdReading {
   public:
     NvdReading(ReadContext &ctx, ByteView bytes)
-        : m_ctx(ctx), m_bytes(bytes), m_trap(ctx.log, kProcedure, textOf(ctx.file.FullPath)) {}
+        : m_ctx(ctx), m_bytes(bytes), m_trap(ctx.log, kProcedure, textOf(ctx.file.fullPath)) {}
 
     ReadResult run() {
         if (!m_bytes.has(0, kHeader)) {
@@ -43,10 +43,10 @@ class NvdReading {
             m_result.state = ReadState::failed;
             return m_result;
         }
-        m_head = headOf(m_bytes, m_ctx.file.Version);
+        m_head = headOf(m_bytes, m_ctx.file.version);
         m_ctx.task.describe({"PARSING NORVELANE BINARY FILE",
                              fmt::format("A total of {} URLs were found.", m_head.EntryCount),
-                             textOf(m_ctx.file.FullPath), "norvelane-32.gif"});
+                             textOf(m_ctx.file.fullPath), "norvelane-32.gif"});
         if (m_head.EntryCount < 0)
             noteDamage(fmt::format("the number of entries at {} is {}", kCount, m_head.EntryCount));
         walk();
@@ -110,7 +110,7 @@ class NvdReading {
 
     void takeRecord(ByteView bytes) {
         const DeletedFlag deleted = m_ctx.deleted ? DeletedFlag::yes : DeletedFlag::no;
-        std::optional<URLClass> record =
+        std::optional<UrlRecord> record =
             ParseIEURL(bytes, m_ctx.file, bytes.place(), {}, deleted, m_ctx.clock);
         if (!record) {
             ++m_result.passedOver["entry without a record signature"];
@@ -125,7 +125,7 @@ class NvdReading {
         if (m_result.state == ReadState::cutShort)
             return;
         m_result.state = ReadState::cutShort;
-        m_result.reason = fmt::format("{}: {}", textOf(m_ctx.file.FullPath), damage);
+        m_result.reason = fmt::format("{}: {}", textOf(m_ctx.file.fullPath), damage);
         m_ctx.log.write({m_result.reason, std::string(kProcedure), Severity::Warning,
                          std::string(kContactSupport)});
     }
@@ -146,7 +146,7 @@ ReadResult readNvd(ReadContext &ctx, ByteView bytes) {
 ReadResult ParseNorvelaneNVDFile(ReadContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),
                    [&ctx] {
-                       const Bytes bytes = ctx.evidence.whole(ctx.file.FullPath);
+                       const Bytes bytes = ctx.evidence.whole(ctx.file.fullPath);
                        return readNvd(ctx, ByteView(bytes));
                    });
 }

@@ -74,8 +74,8 @@ class CacheReading {
   public:
     CacheReading(ReadContext &ctx, EvidenceDatabase &database)
         : m_ctx(ctx), m_database(database), m_cursor(database, "cfurl_cache_response", kColumns),
-          m_lookUps(ctx.log, kLookUp, textOf(ctx.file.FullPath)),
-          m_fileCreated(ctx.evidence.factsOf(ctx.file.FullPath).created) {}
+          m_lookUps(ctx.log, kLookUp, textOf(ctx.file.fullPath)),
+          m_fileCreated(ctx.evidence.factsOf(ctx.file.fullPath).created) {}
 
     ReadResult read() {
         openBlobs();
@@ -100,7 +100,7 @@ class CacheReading {
     void openBlobs() {
         KeptMessage failure;
         trapped(failure, Severity::Warning, "", "",
-                [this] { m_blobs.emplace(m_database, m_ctx.evidence, m_ctx.file.FullPath); });
+                [this] { m_blobs.emplace(m_database, m_ctx.evidence, m_ctx.file.fullPath); });
         if (!failure.text.empty())
             m_missing = failure.text + ", so dates and bodies are missing";
     }
@@ -109,7 +109,7 @@ class CacheReading {
         showStep();
         const std::int64_t id = row.number(kEntryId).value_or(0);
         m_entries.insert(id);
-        URLClass record =
+        UrlRecord record =
             historyRecord(m_ctx, {.id = id, .url = row.text(kRequestKey), .visitCount = {}},
                           kSafariCache.word, m_fileCreated);
         record.IsHistory = false;
@@ -140,7 +140,7 @@ class CacheReading {
     }
 
     /// What the project's zone makes of the date is computed when the row is written.
-    void takeResponse(URLClass &record, const std::optional<ByteView> &object) {
+    void takeResponse(UrlRecord &record, const std::optional<ByteView> &object) {
         if (!object || object->empty())
             return;
         const CacheResponse response = readCacheResponse(*object);
@@ -167,7 +167,7 @@ class CacheReading {
     /// The size is the upper bound of the bytes counted from 0, one less than their number, and
     /// what has no size above 0 counts as not there: counts agree with those of earlier cases. A
     /// body of a single byte therefore counts as missing.
-    void takeBody(URLClass &record, const SafariBody &body, HeldBody &held) {
+    void takeBody(UrlRecord &record, const SafariBody &body, HeldBody &held) {
         const std::uint64_t size = body.size();
         record.CacheFileSize = size == 0 ? 0 : static_cast<std::int64_t>(size - 1);
         record.CacheFileExists = record.CacheFileSize > 0;
@@ -218,7 +218,7 @@ ReadResult ParseSafariCacheFile(ReadContext &ctx) {
     });
 }
 
-bool fetchSafariBody(const URLClass &record, const Evidence &evidence, BodyTarget &target) {
+bool fetchSafariBody(const UrlRecord &record, const Evidence &evidence, BodyTarget &target) {
     const auto file = evidence.byText(record.HistoryFilePath);
     if (!file || evidence.kindOf(*file) != PlaceKind::file)
         return false;
@@ -232,7 +232,7 @@ bool fetchSafariBody(const URLClass &record, const Evidence &evidence, BodyTarge
     return true;
 }
 
-bool ExtractSafariCacheFile(URLClass &record, std::string_view fileNameSuffix,
+bool ExtractSafariCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
                             const Extraction &ctx) {
     if (record.URLID <= UrlId::none)
         return false;

@@ -12,11 +12,11 @@ namespace nv {
 ReadResult ParseSafariCacheFile(ReadContext &ctx);
 
 /// Writes the body of a record to `target`; see Fetch.
-bool fetchSafariBody(const URLClass &record, const Evidence &evidence, BodyTarget &target);
+bool fetchSafariBody(const UrlRecord &record, const Evidence &evidence, BodyTarget &target);
 
 /// Fetches the body of a saved record into the folder of `ctx`, as extractBody does. The file gets
 /// the extension `fileNameSuffix`, or that of the URL.
-bool ExtractSafariCacheFile(URLClass &record, std::string_view fileNameSuffix,
+bool ExtractSafariCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
                             const Extraction &ctx);
 
 } // namespace nv

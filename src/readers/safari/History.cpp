@@ -63,7 +63,7 @@ void takeLastVisited(plistURL &entry, const std::string &text) {
 class HistoryReading {
   public:
     HistoryReading(ReadContext &ctx, const PropertyList &list)
-        : m_ctx(ctx), m_list(list), m_trap(ctx.log, kProcedure, textOf(ctx.file.FullPath)) {}
+        : m_ctx(ctx), m_list(list), m_trap(ctx.log, kProcedure, textOf(ctx.file.fullPath)) {}
 
     ReadResult read() {
         collect();
@@ -133,7 +133,7 @@ class HistoryReading {
 
     /// False when cancelled.
     bool saveAll() {
-        const Date fileCreated = m_ctx.evidence.factsOf(m_ctx.file.FullPath).created;
+        const Date fileCreated = m_ctx.evidence.factsOf(m_ctx.file.fullPath).created;
         double saved = 0;
         for (const plistURL &entry : m_entries) {
             if (!m_ctx.task.advance(saved++ / static_cast<double>(m_entries.count())))
@@ -145,7 +145,7 @@ class HistoryReading {
 
     /// The URL is taken as it stands, coded characters and all.
     void save(const plistURL &entry, Date fileCreated) {
-        URLClass record = historyRecord(m_ctx, {}, kSafariHistory.word, fileCreated);
+        UrlRecord record = historyRecord(m_ctx, {}, kSafariHistory.word, fileCreated);
         record.URLRawValue = entry.URLValue;
         setUrl(record, entry.URLValue);
         record.ActionDateUTC = entry.lastVisitedDate;
@@ -168,11 +168,11 @@ class HistoryReading {
 
 ReadResult readHistory(ReadContext &ctx) {
     // Before it is read into memory.
-    if (ctx.evidence.factsOf(ctx.file.FullPath).size > limits::kPropertyListBytes)
+    if (ctx.evidence.factsOf(ctx.file.fullPath).size > limits::kPropertyListBytes)
         throw PropertyListDamage(fmt::format("longer than the {} bytes that are read of a property "
                                              "list",
                                              limits::kPropertyListBytes));
-    const Bytes bytes = ctx.evidence.whole(ctx.file.FullPath);
+    const Bytes bytes = ctx.evidence.whole(ctx.file.fullPath);
     const ByteView file(bytes);
     if (isBinaryPropertyList(file))
         return {ReadState::notReadYet,
@@ -187,7 +187,7 @@ ReadResult readHistory(ReadContext &ctx) {
 
 ReadResult ParseSafariHistoryFile(ReadContext &ctx) {
     ctx.task.describe(
-        {"PARSING SAFARI HISTORY FILE", "Safari", textOf(ctx.file.FullPath), "safari-32.png"});
+        {"PARSING SAFARI HISTORY FILE", "Safari", textOf(ctx.file.fullPath), "safari-32.png"});
     KeptMessage failure;
     const ReadResult failed{ReadState::failed, {}, 0, {}};
     ReadResult result = trapped(failure, Severity::Serious, kProcedure, kContactSupport, failed,
@@ -195,7 +195,7 @@ ReadResult ParseSafariHistoryFile(ReadContext &ctx) {
     if (result.state == ReadState::failed)
         result.reason = failure.text;
     if (!result.reason.empty()) {
-        result.reason = fmt::format("{}: {}", textOf(ctx.file.FullPath), result.reason);
+        result.reason = fmt::format("{}: {}", textOf(ctx.file.fullPath), result.reason);
         ctx.log.write({result.reason, std::string(kProcedure), Severity::Serious,
                        std::string(kContactSupport)});
     }

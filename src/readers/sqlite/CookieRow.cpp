@@ -21,21 +21,21 @@ bool hasExpired(const CookieRow &row, const Clock &clock) {
 
 } // namespace
 
-URLClass cookieRecord(const ReadContext &ctx, const CookieRow &row, std::string_view cacheType,
-                      Date fileCreated) {
-    URLClass record;
+UrlRecord cookieRecord(const ReadContext &ctx, const CookieRow &row, std::string_view cacheType,
+                       Date fileCreated) {
+    UrlRecord record;
     record.Action = "Cached";
-    record.SourceFile_ID = ctx.file.SourceFile_ID;
+    record.SourceFile_ID = ctx.file.sourceFileID;
     record.URLRawValue = withoutLeadingPoint(row.host);
     record.host = record.URLRawValue;
     record.URL = percentDecode(ParseURLFromRawURL(record.URLRawValue));
     record.HashedURL = hashOfUrl(record.URL);
     record.RecordSize = charCount(record.URL);
-    record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
+    record.RootPath = ctx.evidence.rootOf(ctx.file.fullPath);
     record.cacheType = cacheType;
     record.CacheFileCreatedGMTDOS = fileCreated;
-    record.HistoryFilePath = textOf(ctx.file.FullPath);
-    record.HistoryVersion = ctx.file.Version;
+    record.HistoryFilePath = textOf(ctx.file.fullPath);
+    record.HistoryVersion = ctx.file.version;
     record.IsCookie = true;
     record.ActionDateUTC = row.lastAccess;
     record.LastVisited = row.lastAccess;

@@ -18,7 +18,7 @@ struct CookieRow {
 
 /// The record of such a row, but for what the other date means. A cookie whose expiry lies before
 /// now, by the examiner's clock, is "Expired".
-URLClass cookieRecord(const ReadContext &ctx, const CookieRow &row, std::string_view cacheType,
-                      Date fileCreated);
+UrlRecord cookieRecord(const ReadContext &ctx, const CookieRow &row, std::string_view cacheType,
+                       Date fileCreated);
 
 } // namespace nv

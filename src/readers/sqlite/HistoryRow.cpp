@@ -13,7 +13,7 @@ namespace {
 
 /// A row that the browser made by itself, such as a bookmark that was never opened, has no visits:
 /// that it was the browser's tells more than that it was deleted.
-std::string statusOf(const ReadContext &ctx, const URLClass &record) {
+std::string statusOf(const ReadContext &ctx, const UrlRecord &record) {
     if (record.Visits == 0)
         return "(autogen)";
     return ctx.deleted ? "Deleted" : "URL";
@@ -21,27 +21,27 @@ std::string statusOf(const ReadContext &ctx, const URLClass &record) {
 
 } // namespace
 
-URLClass historyRecord(const ReadContext &ctx, const HistoryRow &row, std::string_view cacheType,
-                       Date fileCreated) {
-    URLClass record;
+UrlRecord historyRecord(const ReadContext &ctx, const HistoryRow &row, std::string_view cacheType,
+                        Date fileCreated) {
+    UrlRecord record;
     record.Action = "Visited";
-    record.SourceFile_ID = ctx.file.SourceFile_ID;
+    record.SourceFile_ID = ctx.file.sourceFileID;
     record.Reference_ID = row.id;
     record.URLRawValue = row.url;
     setUrl(record, percentDecode(ParseURLFromRawURL(row.url)));
-    record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
+    record.RootPath = ctx.evidence.rootOf(ctx.file.fullPath);
     record.cacheType = cacheType;
     record.CacheFileCreatedGMTDOS = fileCreated;
     record.Hidden = row.hidden;
-    record.HistoryFilePath = textOf(ctx.file.FullPath);
-    record.HistoryVersion = ctx.file.Version;
+    record.HistoryFilePath = textOf(ctx.file.fullPath);
+    record.HistoryVersion = ctx.file.version;
     record.IsHistory = true;
     record.Visits = row.visitCount.value_or(kVisitsUnknown);
     record.Status = statusOf(ctx, record);
     return record;
 }
 
-void setUrl(URLClass &record, std::string url) {
+void setUrl(UrlRecord &record, std::string url) {
     record.URL = std::move(url);
     record.URLFileName = getFilenameFromPath(record.URL);
     record.HashedURL = hashOfUrl(record.URL);

@@ -18,10 +18,10 @@ struct HistoryRow {
 };
 
 /// The record of such a row, without its dates and its title.
-URLClass historyRecord(const ReadContext &ctx, const HistoryRow &row, std::string_view cacheType,
-                       Date fileCreated);
+UrlRecord historyRecord(const ReadContext &ctx, const HistoryRow &row, std::string_view cacheType,
+                        Date fileCreated);
 
 /// `URL` and what is read out of it: the file's name, host, protocol, parameters and hash.
-void setUrl(URLClass &record, std::string url);
+void setUrl(UrlRecord &record, std::string url);
 
 } // namespace nv

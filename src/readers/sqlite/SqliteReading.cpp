@@ -39,10 +39,10 @@ bool isDamaged(const ReadResult &result) {
 ReadResult readSqliteFile(ReadContext &ctx, const SqliteReader &reader,
                           const std::function<ReadResult(EvidenceDatabase &)> &body) {
     ctx.task.describe({std::string(reader.title), std::string(reader.subject),
-                       textOf(ctx.file.FullPath), std::string(reader.icon)});
-    FileLog log(ctx.log, ctx.file.FullPath);
+                       textOf(ctx.file.fullPath), std::string(reader.icon)});
+    FileLog log(ctx.log, ctx.file.fullPath);
     const auto read = [&] {
-        const EvidenceCopy copy(ctx.evidence, ctx.file.FullPath, ctx.scratch);
+        const EvidenceCopy copy(ctx.evidence, ctx.file.fullPath, ctx.scratch);
         EvidenceDatabase database(copy.path(), copy.size());
         ReadResult result = body(database);
         if (!database.damage().empty() && result.state != ReadState::cancelled)
@@ -63,7 +63,7 @@ ReadResult readSqliteFile(ReadContext &ctx, const SqliteReader &reader,
 
 ReadResult eachRow(TableCursor &cursor, ReadContext &ctx, TaskMonitor &task,
                    std::string_view procedure, const std::function<void(const Row &row)> &save) {
-    RecordTrap trap(ctx.log, procedure, textOf(ctx.file.FullPath));
+    RecordTrap trap(ctx.log, procedure, textOf(ctx.file.fullPath));
     ReadResult result;
     while (cursor.next()) {
         if (!task.advance(cursor.fraction())) {

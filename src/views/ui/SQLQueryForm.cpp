@@ -157,7 +157,7 @@ void SQLQueryForm::accept() {
     }
     const auto failure = failureOf(m_log, "SQLQueryForm.btnOkay_Click()", [this] {
         m_customQueryDef = SanitizeSQLText(trim(fromQt(m_statement->toPlainText())));
-        if (!ProjectFields(m_project, m_log).SaveDefaultSetting("QueryName", m_customQueryDef))
+        if (!ProjectFields(m_project, m_log).saveDefaultSetting("QueryName", m_customQueryDef))
             throw std::runtime_error("the statement could not be kept in the project");
     });
     if (failure)

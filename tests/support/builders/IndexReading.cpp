@@ -5,14 +5,14 @@
 namespace nv::test {
 
 IndexReading::IndexReading(HistoryFileType type, RecordReader reader) : m_reader(reader) {
-    file.HistoryFileType = type;
-    file.SourceFile_ID = SourceFileId{7};
+    file.historyFileType = type;
+    file.sourceFileID = SourceFileId{7};
 }
 
 void IndexReading::name(const std::filesystem::path &path) {
-    file.FullPath = path;
-    file.FileName = textOf(path.filename());
-    file.FileParentPath = textOf(path.parent_path());
+    file.fullPath = path;
+    file.fileName = textOf(path.filename());
+    file.fileParentPath = textOf(path.parent_path());
     file.fileExt = "dat";
 }
 

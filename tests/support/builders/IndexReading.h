@@ -43,7 +43,7 @@ struct IndexReading {
     IndexReading &readFile(const std::filesystem::path &path, const std::filesystem::path &base,
                            TaskMonitor &task);
     IndexReading &readFile(const std::filesystem::path &path, const std::filesystem::path &base);
-    const std::vector<URLClass> &records() const { return sink.records; }
+    const std::vector<UrlRecord> &records() const { return sink.records; }
 
   private:
     void name(const std::filesystem::path &path);

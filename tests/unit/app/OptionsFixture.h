@@ -19,7 +19,7 @@ struct OptionsFixture : ProgramFixture {
     void openCase() { ASSERT_TRUE(createProject(*program, folder.path() / "case.nvp")); }
     std::string inProject(std::string_view name) {
         return ProjectFields(program->thisClass.ProjectDB.connection(), program->log)
-            .GetDefault(name);
+            .getDefault(name);
     }
     std::vector<TrailEntry> trail() {
         return CaseTrail(program->thisClass.ProjectDB.connection()).entries();

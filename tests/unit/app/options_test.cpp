@@ -214,13 +214,13 @@ TEST_F(OptionsTest, theProjectGetsItsValuesAndATrailEntryForWhatChanged) {
     EXPECT_EQ(inProject("RedrawThumbIfPageRebuilt"), "True");
     EXPECT_EQ(ini("FILE PATHS", "LastProjectDBPath"), (folder.path() / "case.nvp").string());
     const std::size_t before = trail().size();
-    EXPECT_EQ(trail().back().Action, "Options");
+    EXPECT_EQ(trail().back().action, "Options");
     ASSERT_TRUE(apply(options));
     EXPECT_EQ(trail().size(), before) << "nothing has changed";
     options.GalleryRecordsPerPage = 60;
     ASSERT_TRUE(apply(options));
     ASSERT_EQ(trail().size(), before + 1);
-    EXPECT_EQ(trail().back().Detail, "GalleryRecordsPerPage: \"50\" -> \"60\"");
+    EXPECT_EQ(trail().back().detail, "GalleryRecordsPerPage: \"50\" -> \"60\"");
 }
 
 TEST_F(OptionsTest, aFormatIsWrittenAtOnceAndSampled) {

@@ -330,7 +330,7 @@ TEST_F(ProjectCommandsTest, aProjectStandsAtItsPlaceOnlyWhenItIsWhole) {
     folder.write("case.nvp-wal", "");
     EXPECT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
     EXPECT_FALSE(fs::exists(path.native() + ".~new"));
-    EXPECT_EQ(db().FilePath, path);
+    EXPECT_EQ(db().filePath, path);
     set("Kept", "here");
     EXPECT_EQ(setting("Kept"), "here");
     commands.CloseFile();
@@ -348,7 +348,7 @@ TEST_F(ProjectCommandsTest, onlyAProjectOfAKilledStartIsRemovedAside) {
     EXPECT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
     EXPECT_EQ(ByteView(readWhole(aside)).raw(), "precious");
     EXPECT_FALSE(fs::exists(second));
-    EXPECT_EQ(db().FilePath, path);
+    EXPECT_EQ(db().filePath, path);
 }
 
 TEST_F(ProjectCommandsTest, theLogOfAProjectThatWasMovedAwayIsKept) {

@@ -47,7 +47,7 @@ struct RebuildJobTest : test::ProgramFixture {
         writeWhole(file, "<html>" + word + "<img src=\"gone.gif\" ></html> ");
         const Evidence found(evidence);
         RecordStore store(project(), {program->thisClass.GMTZone, false}, clock, program->log);
-        URLClass record;
+        UrlRecord record;
         record.cacheType = "IE Cache";
         record.URL = record.URLRawValue = "http://host/" + name;
         record.host = "host";
@@ -56,7 +56,7 @@ struct RebuildJobTest : test::ProgramFixture {
         record.CacheFileRelativePath = found.relativeOf(file);
         record.CacheFileExists = true;
         HistoryFile artefact;
-        store.SaveRecord(record, artefact);
+        store.saveRecord(record, artefact);
         return number(record.URLID);
     }
     SQLite::Database &project() { return program->thisClass.ProjectDB.connection(); }

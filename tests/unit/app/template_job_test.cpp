@@ -99,11 +99,11 @@ TEST_F(TemplateJobTest, whatIsLaidIsInTheCaseTrail) {
     const fs::path file = made();
     const LaidTemplates laid = lay({1, 2}, {file});
     const TrailEntry entry = CaseTrail(program->thisClass.ProjectDB.connection()).entries().back();
-    EXPECT_EQ(entry.Action, "Template");
-    EXPECT_EQ(entry.Detail, laidText(laid));
-    EXPECT_EQ(entry.RowCount, 1);
-    EXPECT_EQ(entry.FilePath, file.string());
-    EXPECT_EQ(entry.SHA256Hash, hashesOfFile(file).value().sha256);
+    EXPECT_EQ(entry.action, "Template");
+    EXPECT_EQ(entry.detail, laidText(laid));
+    EXPECT_EQ(entry.rowCount, 1);
+    EXPECT_EQ(entry.filePath, file.string());
+    EXPECT_EQ(entry.sha256Hash, hashesOfFile(file).value().sha256);
 }
 
 TEST_F(TemplateJobTest, asksBeforeATemplateIsOverwritten) {

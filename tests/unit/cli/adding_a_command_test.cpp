@@ -56,8 +56,8 @@ TEST(AddingACommand, itRunsWithWhatWasSaid) {
     test::TestProject project;
     project.connection().exec("INSERT INTO URLs (URL, Host) VALUES ('a', 'x'), ('b', 'y'), "
                               "('c', 'x')");
-    const std::string file = project.database.FilePath.string();
-    project.database.CloseDB();
+    const std::string file = project.database.filePath.string();
+    project.database.closeDB();
     ::setenv("NORVELANE_HOME", (project.folder.path() / "home").c_str(), 1);
     std::ostringstream out;
     std::ostringstream err;

@@ -1,5 +1,5 @@
 #include "db/CaseTrail.h"
-#include "db/DatabaseClass.h"
+#include "db/ProjectDatabase.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 
@@ -12,13 +12,13 @@ namespace {
 
 struct CaseTrailTest : testing::Test {
     CaseTrailTest() {
-        project.FilePath = folder.path() / "case.nvp";
-        EXPECT_TRUE(project.CreateDatabaseProject());
+        project.filePath = folder.path() / "case.nvp";
+        EXPECT_TRUE(project.createDatabaseProject());
     }
     test::TempFolder folder;
     test::MemoryLog log;
     test::FixedClock clock;
-    DatabaseClass project{log, clock};
+    ProjectDatabase project{log, clock};
 };
 
 TEST_F(CaseTrailTest, aNewProjectHasNone) {
@@ -28,30 +28,30 @@ TEST_F(CaseTrailTest, aNewProjectHasNone) {
 
 TEST_F(CaseTrailTest, entriesComeBackInTheirOrder) {
     TrailEntry entry;
-    entry.ActionDateUTC = Date::fromUnixSeconds(1308139200);
-    entry.Action = "Import";
-    entry.Detail = "chrome-history: complete";
-    entry.FilePath = "/mnt/\xC3\xA4'; DROP TABLE URLs; --/History";
-    entry.FileSize = 5'000'000'000;
-    entry.MD5Hash = std::string(32, 'a');
-    entry.SHA256Hash = std::string(64, 'b');
-    entry.RowCount = 12;
+    entry.actionDateUTC = Date::fromUnixSeconds(1308139200);
+    entry.action = "Import";
+    entry.detail = "chrome-history: complete";
+    entry.filePath = "/mnt/\xC3\xA4'; DROP TABLE URLs; --/History";
+    entry.fileSize = 5'000'000'000;
+    entry.md5Hash = std::string(32, 'a');
+    entry.sha256Hash = std::string(64, 'b');
+    entry.rowCount = 12;
     entry.AppVersion = "2.0.0";
     CaseTrail trail(project.connection());
     trail.add(entry);
-    entry.Action = "Export";
+    entry.action = "Export";
     trail.add(entry);
-    project.CloseDB();
+    project.closeDB();
     project.open();
     const auto entries = CaseTrail(project.connection()).entries();
     ASSERT_EQ(entries.size(), 2U);
-    EXPECT_EQ(entries[0].Trail_ID, 1);
-    EXPECT_EQ(entries[0].Action, "Import");
-    EXPECT_EQ(entries[0].ActionDateUTC, entry.ActionDateUTC);
-    EXPECT_EQ(entries[0].FilePath, entry.FilePath);
-    EXPECT_EQ(entries[0].FileSize, 5'000'000'000);
-    EXPECT_EQ(entries[1].Action, "Export");
-    EXPECT_EQ(entries[1].RowCount, 12);
+    EXPECT_EQ(entries[0].trailID, 1);
+    EXPECT_EQ(entries[0].action, "Import");
+    EXPECT_EQ(entries[0].actionDateUTC, entry.actionDateUTC);
+    EXPECT_EQ(entries[0].filePath, entry.filePath);
+    EXPECT_EQ(entries[0].fileSize, 5'000'000'000);
+    EXPECT_EQ(entries[1].action, "Export");
+    EXPECT_EQ(entries[1].rowCount, 12);
 }
 
 TEST_F(CaseTrailTest, whatIsWrittenCantBeChanged) {

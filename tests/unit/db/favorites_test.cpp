@@ -8,9 +8,9 @@ namespace nv {
 
 namespace {
 
-FavoriteClass named(const char *name) {
-    FavoriteClass favorite;
-    favorite.FavoriteName = name;
+Favorite named(const char *name) {
+    Favorite favorite;
+    favorite.favoriteName = name;
     return favorite;
 }
 
@@ -18,9 +18,9 @@ FavoriteClass named(const char *name) {
 
 TEST(Favorites, aFavoriteIsAddedByItsMembersInTheirOrder) {
     Favorites favorites;
-    favorites.Add("Often visited", true, 3, 70000, 2, "SELECT * FROM URLs WHERE Visits > 9",
+    favorites.add("Often visited", true, 3, 70000, 2, "SELECT * FROM URLs WHERE Visits > 9",
                   "C:\\favorites.ini", "en", "Often", "often");
-    const FavoriteClass expected{
+    const Favorite expected{
         "Often visited",     true, 3,      70000, 2, "SELECT * FROM URLs WHERE Visits > 9",
         "C:\\favorites.ini", "en", "Often"};
     EXPECT_EQ(favorites.item("OFTEN"), expected);
@@ -48,8 +48,8 @@ TEST(Favorites, theyAreRemovedWalkedAndCleared) {
         favorites.add(named(name), name);
     favorites.remove("a");
     std::string names;
-    for (const FavoriteClass &favorite : favorites)
-        names += favorite.FavoriteName;
+    for (const Favorite &favorite : favorites)
+        names += favorite.favoriteName;
     EXPECT_EQ(names, "b\xC3\xA9");
     favorites.clear();
     EXPECT_EQ(favorites.count(), 0U);

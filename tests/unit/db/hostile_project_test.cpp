@@ -1,6 +1,6 @@
 #include "base/Files.h"
 #include "base/Trap.h"
-#include "db/DatabaseClass.h"
+#include "db/ProjectDatabase.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/StoredQueries.h"
 #include "support/TempFolder.h"
@@ -18,15 +18,15 @@ namespace fs = std::filesystem;
 
 /// Projects that were damaged, made by somebody else, or lie where nothing can be written.
 struct HostileProjectTest : testing::Test {
-    HostileProjectTest() { project.FilePath = folder.path() / "case.nvp"; }
+    HostileProjectTest() { project.filePath = folder.path() / "case.nvp"; }
 
     void makeProject(const std::string &sql = "") {
-        ASSERT_TRUE(project.CreateDatabaseProject());
+        ASSERT_TRUE(project.createDatabaseProject());
         project.connection().exec(sql);
-        project.CloseDB();
+        project.closeDB();
     }
     std::string reasonOf(const fs::path &file) {
-        project.FilePath = file;
+        project.filePath = file;
         return failureOf(log, "test", [this] { project.open(); }).value_or("opened");
     }
     /// As a user that may not write everywhere, in a process of its own: 0 when `body` said true.
@@ -40,7 +40,7 @@ struct HostileProjectTest : testing::Test {
     test::TempFolder folder;
     test::MemoryLog log;
     test::FixedClock clock;
-    DatabaseClass project{log, clock};
+    ProjectDatabase project{log, clock};
 };
 
 TEST_F(HostileProjectTest, openingNamesTheFileAndTheReason) {
@@ -57,7 +57,7 @@ TEST_F(HostileProjectTest, openingNamesTheFileAndTheReason) {
 
 TEST_F(HostileProjectTest, aCutFileIsRefusedAndLeftAsItIs) {
     makeProject();
-    const std::string whole{ByteView(readWhole(project.FilePath)).raw()};
+    const std::string whole{ByteView(readWhole(project.filePath)).raw()};
     const auto cut = folder.write("cut.nvp", whole.substr(0, whole.size() / 2));
     const std::string reason = reasonOf(cut);
     EXPECT_NE(reason.find("malformed"), std::string::npos) << reason;
@@ -91,27 +91,27 @@ TEST_F(HostileProjectTest, aDatabaseOfAnotherProgramWithATableOfTheNameIsRefused
 
 TEST_F(HostileProjectTest, aProjectThatLacksTheSmallTablesStillOpens) {
     makeProject("DROP TABLE Keywords; DROP TABLE URLSortTable; DROP TABLE SchemaColumns");
-    EXPECT_EQ(reasonOf(project.FilePath), "opened");
+    EXPECT_EQ(reasonOf(project.filePath), "opened");
 }
 
 TEST_F(HostileProjectTest, makingOneLeavesAFileThatIsThereAlone) {
     const auto note = folder.write("case.nvp", "somebody's own file");
-    EXPECT_FALSE(project.CreateDatabaseProject());
+    EXPECT_FALSE(project.createDatabaseProject());
     EXPECT_FALSE(project.isOpen());
     EXPECT_EQ(ByteView(readWhole(note)).raw(), "somebody's own file");
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_EQ(log.entries[0].procedure, "DatabaseClass.CreateDatabaseProject()");
     EXPECT_NE(log.entries[0].message.find("already"), std::string::npos);
-    project.FilePath = folder.path() / "no" / "folder.nvp";
-    EXPECT_FALSE(project.CreateDatabaseProject());
+    project.filePath = folder.path() / "no" / "folder.nvp";
+    EXPECT_FALSE(project.createDatabaseProject());
 }
 
 TEST_F(HostileProjectTest, namesWithAMeaningToTheDatabaseAreNamesOfFiles) {
     for (const char *name : {"file:x?mode=memory", ":memory:", "a b%20'\".nvp", "\xC3\xA4.nvp"}) {
-        project.FilePath = folder.path() / name;
-        EXPECT_TRUE(project.CreateDatabaseProject()) << name;
-        project.CloseDB();
-        EXPECT_TRUE(fs::exists(project.FilePath)) << name;
+        project.filePath = folder.path() / name;
+        EXPECT_TRUE(project.createDatabaseProject()) << name;
+        project.closeDB();
+        EXPECT_TRUE(fs::exists(project.filePath)) << name;
     }
 }
 
@@ -127,7 +127,7 @@ TEST_F(HostileProjectTest, aViewThatSelectsItselfIsAnErrorAndNoMore) {
     makeProject("DROP VIEW \"_DEFAULT\"; CREATE VIEW \"_DEFAULT\" AS SELECT * FROM \"_DEFAULT\"");
     project.open();
     EXPECT_THROW(project.connection().execAndGet("SELECT * FROM _DEFAULT"), SQLite::Exception);
-    StoredQueries(project.connection()).ResetDEFAULTQuery();
+    StoredQueries(project.connection()).resetDEFAULTQuery();
     EXPECT_EQ(project.connection().execAndGet("SELECT count(*) FROM _DEFAULT").getInt(), 0);
 }
 
@@ -142,18 +142,18 @@ TEST_F(HostileProjectTest, aFileOrFolderThatCantBeWrittenIsRefused) {
         GTEST_SKIP() << "needs to become another user";
     makeProject();
     fs::permissions(folder.path(), fs::perms::all);
-    fs::permissions(project.FilePath, fs::perms{0444});
+    fs::permissions(project.filePath, fs::perms{0444});
     const auto says = [this](std::string_view what) {
-        return reasonOf(project.FilePath).find(what) != std::string::npos;
+        return reasonOf(project.filePath).find(what) != std::string::npos;
     };
     EXPECT_EXIT(asNobody([&] { return says("the file can't be written"); }),
                 testing::ExitedWithCode(0), "");
-    fs::permissions(project.FilePath, fs::perms{0666});
+    fs::permissions(project.filePath, fs::perms{0666});
     fs::permissions(folder.path(), fs::perms{0555});
     EXPECT_EXIT(asNobody([&] { return says("its folder can't be written"); }),
                 testing::ExitedWithCode(0), "");
     EXPECT_EXIT(asNobody([&] {
-                    return openReadOnly(project.FilePath)
+                    return openReadOnly(project.filePath)
                                ->execAndGet("SELECT count(*) FROM _DEFAULT")
                                .getInt() == 0;
                 }),

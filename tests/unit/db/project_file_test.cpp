@@ -30,11 +30,11 @@ TEST(ProjectFile, aPlainSQLiteProgramReadsEveryView) {
     test::TestProject project;
     project.connection().exec("INSERT INTO URLs (URL, Visits) VALUES ('http://www.ebay.com/', 3)");
     const auto queries = StoredQueries(project.connection()).list();
-    project.database.CloseDB();
+    project.database.closeDB();
     std::string script;
     for (const StoredQuery &query : queries)
         script += "SELECT count(*) FROM [" + query.name + "];";
-    const std::string file = project.database.FilePath.string();
+    const std::string file = project.database.filePath.string();
     const std::string counts =
         outputOf("sqlite3 -readonly -bail '" + file + "' \"" + script + "\" 2>&1");
     EXPECT_EQ(std::count(counts.begin(), counts.end(), '\n'),
@@ -93,7 +93,7 @@ TEST(ProjectFile, isKnownByItsHeader) {
 TEST(ProjectFile, closingRollsAnOpenTransactionBack) {
     test::TestProject project;
     project.connection().exec("BEGIN; INSERT INTO Keywords (Keyword) VALUES ('x')");
-    project.database.CloseDB();
+    project.database.closeDB();
     project.database.open();
     EXPECT_EQ(project.number("SELECT count(*) FROM Keywords"), 0);
 }
@@ -101,43 +101,43 @@ TEST(ProjectFile, closingRollsAnOpenTransactionBack) {
 TEST(ProjectFile, closingWhileAnotherReadsLeavesEverythingInTheFile) {
     test::TestProject project;
     project.connection().exec("INSERT INTO Keywords (Keyword) VALUES ('x')");
-    const auto reader = openReadOnly(project.database.FilePath);
+    const auto reader = openReadOnly(project.database.filePath);
     EXPECT_EQ(reader->execAndGet("SELECT count(*) FROM Keywords").getInt(), 1);
-    project.database.CloseDB();
+    project.database.closeDB();
     EXPECT_TRUE(project.log.entries.empty());
     const fs::path copy = project.folder.path() / "copy.nvp";
-    fs::copy_file(project.database.FilePath, copy);
+    fs::copy_file(project.database.filePath, copy);
     EXPECT_EQ(openReadOnly(copy)->execAndGet("SELECT count(*) FROM Keywords").getInt(), 1);
 }
 
 TEST(ProjectFile, closingTellsOfALogThatMustStay) {
     test::TestProject project;
-    const auto reader = openReadOnly(project.database.FilePath);
+    const auto reader = openReadOnly(project.database.filePath);
     SQLite::Statement open(*reader, "SELECT * FROM StoredQueries");
     ASSERT_TRUE(open.executeStep());
     project.connection().exec("INSERT INTO Keywords (Keyword) VALUES ('x')");
-    project.database.CloseDB();
+    project.database.closeDB();
     ASSERT_EQ(project.log.entries.size(), 1u);
     EXPECT_EQ(project.log.entries[0].procedure, "DatabaseClass.CloseDB()");
 }
 
 TEST(ProjectFile, keywordFlagsAreMadeOnFirstUse) {
     test::TestProject project;
-    project.database.KeywordFolder = project.folder.path();
+    project.database.keywordFolder = project.folder.path();
     project.folder.write("adult-content.txt", "xxx\nporn; adult\n");
-    EXPECT_TRUE(project.database.PopulateKeywordFlags());
+    EXPECT_TRUE(project.database.populateKeywordFlags());
     ASSERT_EQ(project.log.entries.size(), 1u); // the other list isn't there
     EXPECT_EQ(project.log.entries[0].procedure, "DatabaseClass.loadKeywordLists()");
     EXPECT_EQ(project.text("SELECT group_concat(FlagName || '=' || FlagCode || '=' || Keywords) "
                            "FROM KeywordFlags"),
               "Adult Content=AC=xxx;porn;adult;,Sex Crimes=CP=");
-    EXPECT_TRUE(project.database.PopulateKeywordFlags());
+    EXPECT_TRUE(project.database.populateKeywordFlags());
     EXPECT_EQ(project.number("SELECT count(*) FROM KeywordFlags"), 2);
-    EXPECT_TRUE(project.database.CreateFlaggedURLs());
+    EXPECT_TRUE(project.database.createFlaggedURLs());
     EXPECT_EQ(project.text("SELECT IndexName FROM SchemaIndexes WHERE TableName = 'FlaggedURLs'"),
               "FlagURL_ID_PK");
-    project.database.CloseDB();
-    EXPECT_FALSE(project.database.CreateFlaggedURLs());
+    project.database.closeDB();
+    EXPECT_FALSE(project.database.createFlaggedURLs());
 }
 
 TEST(ProjectFile, aTermThatIsNoPatternIsLeftOutAndLogged) {
@@ -178,10 +178,10 @@ TEST(ProjectFile, aListOfThousandsOfTermsStillMakesAProject) {
         terms += "term" + std::to_string(i) + "\n";
     folder.write("adult-content.txt", terms);
     folder.write("child-exploitation.txt", terms);
-    DatabaseClass project(log, clock);
-    project.FilePath = folder.path() / "case.nvp";
-    project.KeywordFolder = folder.path();
-    ASSERT_TRUE(project.CreateDatabaseProject());
+    ProjectDatabase project(log, clock);
+    project.filePath = folder.path() / "case.nvp";
+    project.keywordFolder = folder.path();
+    ASSERT_TRUE(project.createDatabaseProject());
     project.connection().exec("INSERT INTO URLs (URL) VALUES ('x TERM4999 y')");
     const char *count = "SELECT count(*) FROM [Child Exploitation]";
     EXPECT_EQ(project.connection().execAndGet(count).getInt(), 1);
@@ -191,14 +191,14 @@ TEST(ProjectFile, aListOfThousandsOfTermsStillMakesAProject) {
 TEST(ProjectFile, aMorkScratchFileHasThreeTablesAndReplacesAnOlderOne) {
     test::TestProject project;
     const fs::path file = project.folder.write("scratch.db", "left over");
-    ASSERT_TRUE(project.database.CreateMorkFileParser(file));
+    ASSERT_TRUE(project.database.createMorkFileParser(file));
     SQLite::Database scratch(file.string());
     EXPECT_EQ(scratch
                   .execAndGet("SELECT group_concat(name) FROM sqlite_master WHERE type = "
                               "'table' AND name LIKE 'Mork%'")
                   .getString(),
               "MorkColumns,MorkMap,MorkValues");
-    EXPECT_FALSE(project.database.CreateMorkFileParser(project.folder.path() / "no" / "x.db"));
+    EXPECT_FALSE(project.database.createMorkFileParser(project.folder.path() / "no" / "x.db"));
     EXPECT_EQ(project.log.entries.back().procedure, "DatabaseClass.CreateMorkFileParser()");
 }
 

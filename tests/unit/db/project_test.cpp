@@ -1,7 +1,7 @@
 #include "base/Md5.h"
 #include "base/Trap.h"
-#include "db/DatabaseClass.h"
 #include "db/Dialect.h"
+#include "db/ProjectDatabase.h"
 #include "db/ProjectFields.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/Schema.h"
@@ -20,19 +20,19 @@ namespace {
 
 struct ProjectTest : testing::Test {
     ProjectTest() {
-        project.FilePath = folder.path() / "case.nvp";
-        project.KeywordFolder = folder.path();
+        project.filePath = folder.path() / "case.nvp";
+        project.keywordFolder = folder.path();
         folder.write("adult-content.txt", "# a comment\nterm one # why\r\n\nit's\n");
         folder.write("child-exploitation.txt", "");
     }
-    void create() { ASSERT_TRUE(project.CreateDatabaseProject()); }
+    void create() { ASSERT_TRUE(project.createDatabaseProject()); }
     std::string get(const std::string &sql) {
         return project.connection().execAndGet(sql).getString();
     }
     test::TempFolder folder;
     test::MemoryLog log;
     test::FixedClock clock;
-    DatabaseClass project{log, clock};
+    ProjectDatabase project{log, clock};
 };
 
 TEST_F(ProjectTest, aNewProjectHasEveryTableWithItsColumnsAndDescriptions) {
@@ -163,11 +163,11 @@ TEST_F(ProjectTest, resetDEFAULTQueryRestoresTheFirstText) {
     create();
     StoredQueries queries(project.connection());
     queries.save({"_DEFAULT", "SELECT * FROM URLs WHERE Visits > 3"});
-    queries.ResetDEFAULTQuery();
+    queries.resetDEFAULTQuery();
     EXPECT_EQ(queries.text("_DEFAULT"), kDefaultQueryText);
     queries.remove("_DEFAULT");
     EXPECT_EQ(queries.text("_DEFAULT"), std::nullopt);
-    queries.ResetDEFAULTQuery();
+    queries.resetDEFAULTQuery();
     EXPECT_EQ(queries.text("_DEFAULT"), kDefaultQueryText);
     EXPECT_EQ(get("SELECT count(*) FROM _DEFAULT"), "0");
 }
@@ -175,14 +175,14 @@ TEST_F(ProjectTest, resetDEFAULTQueryRestoresTheFirstText) {
 TEST_F(ProjectTest, settingsReadBackAndAMissingOneIsEmpty) {
     create();
     ProjectFields fields(project.connection(), log);
-    EXPECT_EQ(fields.GetDefault("LastTimeZoneID"), "");
+    EXPECT_EQ(fields.getDefault("LastTimeZoneID"), "");
     EXPECT_EQ(fields.defaultNumber("LastTimeZoneID"), std::nullopt);
-    EXPECT_TRUE(fields.SaveDefaultSetting("LastTimeZoneID", "15"));
-    EXPECT_TRUE(fields.SaveDefaultSetting("lasttimezoneid", " 20 "));
-    EXPECT_EQ(fields.GetDefault("LastTimeZoneID"), "20");
-    EXPECT_EQ(fields.GetRecordCount("DefaultName", "DefaultSettings"), 1);
-    fields.SaveDefaultSetting("x'; DROP TABLE URLs; --", "1");
-    EXPECT_EQ(fields.GetDefault("x'; DROP TABLE URLs; --"), "1");
+    EXPECT_TRUE(fields.saveDefaultSetting("LastTimeZoneID", "15"));
+    EXPECT_TRUE(fields.saveDefaultSetting("lasttimezoneid", " 20 "));
+    EXPECT_EQ(fields.getDefault("LastTimeZoneID"), "20");
+    EXPECT_EQ(fields.getRecordCount("DefaultName", "DefaultSettings"), 1);
+    fields.saveDefaultSetting("x'; DROP TABLE URLs; --", "1");
+    EXPECT_EQ(fields.getDefault("x'; DROP TABLE URLs; --"), "1");
     EXPECT_TRUE(log.entries.empty());
 }
 
@@ -190,15 +190,15 @@ TEST_F(ProjectTest, fieldsAreReadAndWrittenByKey) {
     create();
     project.connection().exec("INSERT INTO URLs(URL_ID, URL, Visits) VALUES (7, ' x ', 3)");
     ProjectFields fields(project.connection(), log);
-    EXPECT_EQ(fields.GetDB3Field("URL", "URLs", "URL_ID", "7"), "x");
-    EXPECT_EQ(fields.GetDB3Field("URL", "URLs", "URL_ID", "8"), "");
-    EXPECT_TRUE(fields.PutDBField("1", "7", "URL_ID", "URLs", "Tagged"));
+    EXPECT_EQ(fields.getDB3Field("URL", "URLs", "URL_ID", "7"), "x");
+    EXPECT_EQ(fields.getDB3Field("URL", "URLs", "URL_ID", "8"), "");
+    EXPECT_TRUE(fields.putDBField("1", "7", "URL_ID", "URLs", "Tagged"));
     EXPECT_EQ(get("SELECT count(*) FROM URLs WHERE Tagged = 1"), "1");
-    EXPECT_FALSE(fields.PutDBField("1", "8", "URL_ID", "URLs", "Tagged", Severity::Low));
+    EXPECT_FALSE(fields.putDBField("1", "8", "URL_ID", "URLs", "Tagged", Severity::Low));
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_EQ(log.entries[0].severity, Severity::Low);
     EXPECT_EQ(log.entries[0].recommendation, kNotSerious);
-    EXPECT_EQ(fields.GetDB3Field("URL FROM URLs; --", "URLs", "URL_ID", "7"), "");
+    EXPECT_EQ(fields.getDB3Field("URL FROM URLs; --", "URLs", "URL_ID", "7"), "");
     EXPECT_EQ(log.entries.back().procedure, "ADO.GetDB3Field()");
 }
 
@@ -206,24 +206,24 @@ TEST_F(ProjectTest, fieldsUnderstandDatesAndFlags) {
     create();
     project.connection().exec("INSERT INTO URLs(URL_ID) VALUES (7)");
     ProjectFields fields(project.connection(), log);
-    EXPECT_EQ(fields.GetDB3Field("NotesDateTime", "URLs", "URL_ID", "7"), "");
-    EXPECT_TRUE(fields.PutDBField("1/15/2009 3:00 PM", "7", "URL_ID", "URLs", "NotesDateTime"));
+    EXPECT_EQ(fields.getDB3Field("NotesDateTime", "URLs", "URL_ID", "7"), "");
+    EXPECT_TRUE(fields.putDBField("1/15/2009 3:00 PM", "7", "URL_ID", "URLs", "NotesDateTime"));
     EXPECT_EQ(get("SELECT NotesDateTime FROM URLs"), "39828.625");
-    EXPECT_EQ(fields.GetDB3Field("NotesDateTime", "URLs", "URL_ID", "7"), "2009-01-15 15:00:00");
-    EXPECT_TRUE(fields.PutDBField("", "7", "URL_ID", "URLs", "NotesDateTime"));
+    EXPECT_EQ(fields.getDB3Field("NotesDateTime", "URLs", "URL_ID", "7"), "2009-01-15 15:00:00");
+    EXPECT_TRUE(fields.putDBField("", "7", "URL_ID", "URLs", "NotesDateTime"));
     EXPECT_EQ(get("SELECT typeof(NotesDateTime) FROM URLs"), "null");
-    EXPECT_TRUE(fields.PutDBField("True", "7", "URL_ID", "URLs", "Tagged"));
+    EXPECT_TRUE(fields.putDBField("True", "7", "URL_ID", "URLs", "Tagged"));
     EXPECT_EQ(get("SELECT Tagged FROM URLs"), "1");
-    EXPECT_TRUE(fields.PutDBField("false", "7", "URL_ID", "URLs", "Tagged"));
+    EXPECT_TRUE(fields.putDBField("false", "7", "URL_ID", "URLs", "Tagged"));
     EXPECT_EQ(get("SELECT Tagged FROM URLs"), "0");
-    EXPECT_EQ(fields.GetRecordCount("nothing", "URLs"), 0);
+    EXPECT_EQ(fields.getRecordCount("nothing", "URLs"), 0);
     EXPECT_EQ(log.entries.back().procedure, "ADO.GetRecordCount()");
 }
 
 TEST_F(ProjectTest, closesIntoOneSoundFileAndOpensAgain) {
     create();
     project.connection().exec("INSERT INTO URLs(URL) VALUES ('http://x/')");
-    project.CloseDB();
+    project.closeDB();
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 3);
     project.open();
     EXPECT_EQ(get("SELECT URL FROM _DEFAULT"), "http://x/");
@@ -234,15 +234,15 @@ TEST_F(ProjectTest, closesIntoOneSoundFileAndOpensAgain) {
 TEST_F(ProjectTest, whatIsOpenedForReadingKeepsItsBytes) {
     create();
     EXPECT_FALSE(project.isReadOnly());
-    project.CloseDB();
-    const auto before = fileMD5(project.FilePath);
+    project.closeDB();
+    const auto before = fileMD5(project.filePath);
     project.open(Access::read);
     EXPECT_TRUE(project.isReadOnly());
     EXPECT_EQ(get("SELECT count(*) FROM URLs"), "0");
     EXPECT_THROW(project.connection().exec("DELETE FROM StoredQueries"), SQLite::Exception);
-    project.CloseDB();
+    project.closeDB();
     EXPECT_FALSE(project.isOpen());
-    EXPECT_EQ(fileMD5(project.FilePath), before);
+    EXPECT_EQ(fileMD5(project.filePath), before);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 3);
 }
 
@@ -267,7 +267,7 @@ TEST_F(ProjectTest, likeOfTheConnectionKnowsListsAndRefusesOpenOnes) {
 TEST_F(ProjectTest, aReadOnlyConnectionReadsAndDoesNothingElse) {
     create();
     project.connection().exec("INSERT INTO URLs(URL) VALUES ('http://x/')");
-    const auto reader = openReadOnly(project.FilePath);
+    const auto reader = openReadOnly(project.filePath);
     EXPECT_EQ(reader->execAndGet("SELECT URL FROM _DEFAULT").getString(), "http://x/");
     for (const char *sql :
          {"DELETE FROM URLs", "INSERT INTO Keywords DEFAULT VALUES", "DROP TABLE URLs",
@@ -294,14 +294,14 @@ std::string saidOnFullDisk(Body &&body) {
 
 TEST_F(ProjectTest, aFullDiskIsNamedWithTheFile) {
     create();
-    const std::string name = "\"" + project.FilePath.string() + "\"";
+    const std::string name = "\"" + project.filePath.string() + "\"";
     StoredQueries queries(project.connection());
-    EXPECT_EQ(saidOnFullDisk([&] { queries.ResetDEFAULTQuery(); }).find(name + " on the disk \""),
+    EXPECT_EQ(saidOnFullDisk([&] { queries.resetDEFAULTQuery(); }).find(name + " on the disk \""),
               0u);
     EXPECT_EQ(
         saidOnFullDisk([&] { queries.remove(kDefaultQueryName); }).find(name + " on the disk \""),
         0u);
-    project.CloseDB();
+    project.closeDB();
     EXPECT_EQ(saidOnFullDisk([&] { project.open(); }).find(name + ": on the disk \""), 0u);
     EXPECT_EQ(saidOnFullDisk([&] { project.open(Access::read); }), "");
 }

@@ -5,8 +5,8 @@
 namespace nv {
 namespace {
 
-URLClass named(const std::string &url, const std::string &cacheFileExt = {}) {
-    URLClass record;
+UrlRecord named(const std::string &url, const std::string &cacheFileExt = {}) {
+    UrlRecord record;
     record.URL = url;
     record.CacheFileExt = cacheFileExt;
     orderNames(record);
@@ -14,7 +14,7 @@ URLClass named(const std::string &url, const std::string &cacheFileExt = {}) {
 }
 
 TEST(RecordNames, giveTheFileNameAtTheEndOfAUrlWithItsExtension) {
-    const URLClass record = named("http://host/folder/Picture.PNG");
+    const UrlRecord record = named("http://host/folder/Picture.PNG");
     EXPECT_EQ(record.URLFileName, "Picture.PNG");
     EXPECT_EQ(record.CacheFileExt, "png");
     EXPECT_EQ(record.URLFileExt, "png");
@@ -24,7 +24,7 @@ TEST(RecordNames, giveTheFileNameAtTheEndOfAUrlWithItsExtension) {
 TEST(RecordNames, takeNothingFromTheTailOfAHostName) {
     for (const char *url : {"http://www.example.com", "http://a.b.co.uk", "http://x.com",
                             "http://host/setup.com", "http://www.army.MIL"}) {
-        const URLClass record = named(url);
+        const UrlRecord record = named(url);
         EXPECT_EQ(record.URLFileName, "") << url;
         EXPECT_EQ(record.CacheFileExt, "") << url;
         EXPECT_EQ(record.URLFileExt, "") << url;
@@ -34,7 +34,7 @@ TEST(RecordNames, takeNothingFromTheTailOfAHostName) {
 
 TEST(RecordNames, takeAReadersFileNameAwayThatIsTheHost) {
     const auto nameLeft = [](const std::string &url, const std::string &name) {
-        URLClass record;
+        UrlRecord record;
         record.URL = url;
         record.URLFileName = name;
         orderNames(record);
@@ -64,7 +64,7 @@ TEST(RecordNames, takeNoTailThatLooksLikeAUrl) {
 }
 
 TEST(RecordNames, keepTheCachedFilesExtensionWhereTheUrlHasNone) {
-    const URLClass record = named("http://host/view.php?id=7", "htm");
+    const UrlRecord record = named("http://host/view.php?id=7", "htm");
     EXPECT_EQ(record.URLFileName, "view.php?id=7");
     EXPECT_EQ(record.CacheFileExt, "htm");
     EXPECT_EQ(record.URLFileExt, "htm");
@@ -73,7 +73,7 @@ TEST(RecordNames, keepTheCachedFilesExtensionWhereTheUrlHasNone) {
 
 TEST(RecordNames, storeTheUrlTwiceWithoutARawValue) {
     EXPECT_EQ(named("http://host/").URLRawValue, "http://host/");
-    URLClass record;
+    UrlRecord record;
     record.URL = "http://host/";
     record.URLRawValue = "Visited: user@http://host/";
     orderNames(record);
@@ -94,8 +94,8 @@ TEST(RecordNames, makePicturesByTheExtensionInEitherCase) {
     EXPECT_FALSE(named("http://host/picture.ico").IsPicture);
 }
 
-URLClass pageWith(const std::string &extension, bool isPicture) {
-    URLClass record;
+UrlRecord pageWith(const std::string &extension, bool isPicture) {
+    UrlRecord record;
     record.URL = "http://host/x";
     record.CacheFileExt = extension;
     record.IsPicture = isPicture;
@@ -112,7 +112,7 @@ TEST(RecordNames, takeThePageFlagFromFilesThatAreNone) {
 }
 
 TEST(RecordNames, leaveAPictureOfTheReaderAsItIs) {
-    const URLClass record = pageWith("txt", true);
+    const UrlRecord record = pageWith("txt", true);
     EXPECT_TRUE(record.IsPicture);
     EXPECT_TRUE(record.IsWebPage);
 }
@@ -120,8 +120,8 @@ TEST(RecordNames, leaveAPictureOfTheReaderAsItIs) {
 TEST(RecordNames, changeNothingTheSecondTime) {
     for (const char *url : {"http://host/Picture.PNG", "http://www.example.com",
                             "http://host/view.php?id=7", "http://host/a.gif"}) {
-        URLClass once = named(url, "txt");
-        URLClass twice = once;
+        UrlRecord once = named(url, "txt");
+        UrlRecord twice = once;
         orderNames(twice);
         EXPECT_EQ(once.URLFileName, twice.URLFileName);
         EXPECT_EQ(once.URLFileExt, twice.URLFileExt);
@@ -131,7 +131,7 @@ TEST(RecordNames, changeNothingTheSecondTime) {
 }
 
 TEST(OrderNames, keepsTheNameOfACookieWhoseUrlIsABareHost) {
-    URLClass record;
+    UrlRecord record;
     record.URL = "adap.tv";
     record.URLFileName = "audienceData";
     orderNames(record);

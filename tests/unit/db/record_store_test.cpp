@@ -18,14 +18,14 @@ using namespace std::string_literals;
 
 class RecordStoreTest : public testing::Test {
   protected:
-    URLClass saved(URLClass record) {
-        store.SaveRecord(record, project.file);
+    UrlRecord saved(UrlRecord record) {
+        store.saveRecord(record, project.file);
         EXPECT_NE(record.URLID, UrlId::none);
-        return store.GetURL(record.URLID).value_or(URLClass());
+        return store.getURL(record.URLID).value_or(UrlRecord());
     }
 
-    URLClass savedUrl(const std::string &url) {
-        URLClass record;
+    UrlRecord savedUrl(const std::string &url) {
+        UrlRecord record;
         record.URL = url;
         return saved(record);
     }
@@ -38,22 +38,22 @@ class RecordStoreTest : public testing::Test {
 
 /// Gives every member another value.
 struct Filler {
-    URLClass &record;
+    UrlRecord &record;
     int n;
-    void operator()(std::string URLClass::*member) const {
+    void operator()(std::string UrlRecord::*member) const {
         record.*member = "text " + std::to_string(n);
     }
-    void operator()(Date URLClass::*member) const { record.*member = Date::fromDays(40000.5 + n); }
-    void operator()(bool URLClass::*member) const { record.*member = true; }
-    void operator()(std::int64_t URLClass::*member) const { record.*member = 5'000'000'000 + n; }
-    void operator()(Bytes URLClass::*member) const {
+    void operator()(Date UrlRecord::*member) const { record.*member = Date::fromDays(40000.5 + n); }
+    void operator()(bool UrlRecord::*member) const { record.*member = true; }
+    void operator()(std::int64_t UrlRecord::*member) const { record.*member = 5'000'000'000 + n; }
+    void operator()(Bytes UrlRecord::*member) const {
         record.*member = Bytes{0, static_cast<std::uint8_t>(n), 0xFF};
     }
-    void operator()(SourceFileId URLClass::*) const {}
+    void operator()(SourceFileId UrlRecord::*) const {}
 };
 
 /// The columns whose members differ.
-std::set<std::string_view> differences(const URLClass &a, const URLClass &b) {
+std::set<std::string_view> differences(const UrlRecord &a, const UrlRecord &b) {
     std::set<std::string_view> names;
     for (const RecordColumn &column : recordColumns())
         std::visit(
@@ -73,13 +73,13 @@ TEST(RecordColumns, areThoseOfTheSchemaInItsOrder) {
 }
 
 TEST_F(RecordStoreTest, everyMemberComesBackFromItsColumn) {
-    URLClass record;
+    UrlRecord record;
     int n = 0;
     for (const RecordColumn &column : recordColumns())
         std::visit(Filler{record, ++n}, column.member);
-    const URLClass given = record;
-    store.SaveRecord(record, project.file);
-    const URLClass read = store.GetURL(record.URLID).value();
+    const UrlRecord given = record;
+    store.saveRecord(record, project.file);
+    const UrlRecord read = store.getURL(record.URLID).value();
     EXPECT_EQ(differences(record, read), std::set<std::string_view>{});
     EXPECT_EQ(differences(given, read),
               (std::set<std::string_view>{"ActionDateLocal", "LastVisited", "Tagged", "TimeAdded",
@@ -89,7 +89,7 @@ TEST_F(RecordStoreTest, everyMemberComesBackFromItsColumn) {
 }
 
 TEST_F(RecordStoreTest, renamedMembersStandUnderTheirColumns) {
-    URLClass record;
+    UrlRecord record;
     record.host = "host.example";
     record.cacheType = "IE Cache";
     record.WebpageTitle = "Title";
@@ -101,9 +101,9 @@ TEST_F(RecordStoreTest, renamedMembersStandUnderTheirColumns) {
 }
 
 TEST_F(RecordStoreTest, theKeyStandsInTheRecordAfterwards) {
-    URLClass first, second;
-    store.SaveRecord(first, project.file);
-    store.SaveRecord(second, project.file);
+    UrlRecord first, second;
+    store.saveRecord(first, project.file);
+    store.saveRecord(second, project.file);
     EXPECT_EQ(first.URLID, UrlId{1});
     EXPECT_EQ(second.URLID, UrlId{2});
 }
@@ -116,16 +116,16 @@ TEST_F(RecordStoreTest, theSameUrlTwiceIsTwoRows) {
 
 TEST_F(RecordStoreTest, theSourceFileIsThatOfTheImport) {
     project.connection().exec("INSERT INTO SourceFiles (SourceFile_ID) VALUES (7)");
-    project.file.SourceFile_ID = SourceFileId{7};
-    URLClass record;
+    project.file.sourceFileID = SourceFileId{7};
+    UrlRecord record;
     record.SourceFile_ID = SourceFileId{99};
     EXPECT_EQ(saved(record).SourceFile_ID, SourceFileId{7});
 }
 
 TEST_F(RecordStoreTest, theLocalDateIsInTheProjectsZone) {
-    URLClass record;
+    UrlRecord record;
     record.ActionDateUTC = Date::fromCivil({2009, 2, 13, 23, 31, 30});
-    const URLClass read = saved(record);
+    const UrlRecord read = saved(record);
     EXPECT_EQ(read.ActionDateUTC, record.ActionDateUTC);
     EXPECT_EQ(read.LastVisited, record.ActionDateUTC);
     EXPECT_EQ(read.ActionDateLocal.civil().hour, 18);
@@ -135,16 +135,16 @@ TEST_F(RecordStoreTest, theLocalDateIsInTheProjectsZone) {
 TEST_F(RecordStoreTest, daylightTimeCountsOnlyWhereItIsEnabled) {
     project.zone.tzLatitudeBias = 1;
     project.zone.tzDSTBias = -60;
-    URLClass record;
+    UrlRecord record;
     record.ActionDateUTC = Date::fromCivil({2009, 7, 1, 12, 0, 0});
     EXPECT_EQ(saved(record).ActionDateLocal.civil().hour, 8);
     RecordStore without(project.connection(), {project.zone, false}, project.clock, project.log);
-    without.SaveRecord(record, project.file);
-    EXPECT_EQ(without.GetURL(record.URLID)->ActionDateLocal.civil().hour, 7);
+    without.saveRecord(record, project.file);
+    EXPECT_EQ(without.getURL(record.URLID)->ActionDateLocal.civil().hour, 7);
 }
 
 TEST_F(RecordStoreTest, aRecordWithoutDateHasNoLocalDate) {
-    const URLClass read = savedUrl("http://host/");
+    const UrlRecord read = savedUrl("http://host/");
     EXPECT_FALSE(read.ActionDateUTC.has());
     EXPECT_FALSE(read.ActionDateLocal.has());
     EXPECT_FALSE(read.LastVisited.has());
@@ -153,7 +153,7 @@ TEST_F(RecordStoreTest, aRecordWithoutDateHasNoLocalDate) {
 }
 
 TEST_F(RecordStoreTest, namesAndKindsAreInOrder) {
-    const URLClass read = savedUrl("http://host/pictures/Photo1.JPG");
+    const UrlRecord read = savedUrl("http://host/pictures/Photo1.JPG");
     EXPECT_EQ(read.URLFileName, "Photo1.JPG");
     EXPECT_EQ(read.CacheFileExt, "jpg");
     EXPECT_EQ(read.URLFileExt, "jpg");
@@ -163,14 +163,14 @@ TEST_F(RecordStoreTest, namesAndKindsAreInOrder) {
 
 TEST_F(RecordStoreTest, aMissingHashIsMadeAndAGivenOneStays) {
     EXPECT_EQ(savedUrl("http://host/").HashedURL, hashOfUrl("http://host/"));
-    URLClass record;
+    UrlRecord record;
     record.URL = "http://host/";
     record.HashedURL = "given";
     EXPECT_EQ(saved(record).HashedURL, "given");
 }
 
-URLClass pageWithLinks(const std::string &links) {
-    URLClass record;
+UrlRecord pageWithLinks(const std::string &links) {
+    UrlRecord record;
     record.URL = "http://host/page.html";
     record.IsWebPage = true;
     record.Links = links;
@@ -178,7 +178,8 @@ URLClass pageWithLinks(const std::string &links) {
 }
 
 TEST_F(RecordStoreTest, linksOfAPageBecomeRows) {
-    const URLClass page = saved(pageWithLinks("http://a/||mailto:x|javascript:void(0)|https://b/"));
+    const UrlRecord page =
+        saved(pageWithLinks("http://a/||mailto:x|javascript:void(0)|https://b/"));
     EXPECT_EQ(page.Links, "http://a/||mailto:x|javascript:void(0)|https://b/");
     EXPECT_EQ(project.text("SELECT group_concat(URL_ID || ' ' || URL || ' ' || HashedURL, ',') "
                            "FROM Links"),
@@ -191,7 +192,7 @@ TEST_F(RecordStoreTest, theSameLinksTwiceAreRowsTwice) {
 }
 
 TEST_F(RecordStoreTest, onlyPagesHaveLinks) {
-    URLClass record = pageWithLinks("http://a/");
+    UrlRecord record = pageWithLinks("http://a/");
     record.URL = "http://host/picture.gif"; // which takes the flag away
     saved(record);
     EXPECT_EQ(project.number("SELECT Count(*) FROM Links"), 0);
@@ -216,7 +217,7 @@ TEST_F(RecordStoreTest, hostileTextIsStoredAsItIs) {
 }
 
 TEST_F(RecordStoreTest, bytesThatAreNoTextAreRepaired) {
-    URLClass record;
+    UrlRecord record;
     record.URL = "http://host/\xE9t\xE9";
     record.Links = "http://\xFF";
     record.IsWebPage = true;
@@ -225,46 +226,46 @@ TEST_F(RecordStoreTest, bytesThatAreNoTextAreRepaired) {
 }
 
 TEST_F(RecordStoreTest, textLongerThanItsColumnIsKeptWhole) {
-    URLClass record;
+    UrlRecord record;
     record.MIMEType = std::string(500, 'm');
     record.User = std::string(1000, 'u');
-    const URLClass read = saved(record);
+    const UrlRecord read = saved(record);
     EXPECT_EQ(read.MIMEType, record.MIMEType);
     EXPECT_EQ(read.User, record.User);
 }
 
 TEST_F(RecordStoreTest, aRowThatCantBeStoredIsTheOnlyOneLost) {
-    project.file.SourceFile_ID = SourceFileId{99}; // no such row of SourceFiles
-    URLClass record;
+    project.file.sourceFileID = SourceFileId{99}; // no such row of SourceFiles
+    UrlRecord record;
     record.URLID = UrlId{5};
-    store.SaveRecord(record, project.file);
+    store.saveRecord(record, project.file);
     EXPECT_EQ(record.URLID, UrlId::none);
     ASSERT_EQ(project.log.entries.size(), 1u);
     EXPECT_EQ(project.log.entries[0].procedure, "MainBAS.SaveRecord()");
     EXPECT_EQ(project.log.entries[0].severity, Severity::Warning);
-    project.file.SourceFile_ID = SourceFileId::none;
+    project.file.sourceFileID = SourceFileId::none;
     savedUrl("http://host/next");
     EXPECT_EQ(rows(), 1);
 }
 
 TEST_F(RecordStoreTest, aProjectThatCantBeWrittenEndsTheTask) {
     project.connection().exec("PRAGMA query_only = 1");
-    URLClass record;
-    EXPECT_THROW(store.SaveRecord(record, project.file), StorageFailure);
+    UrlRecord record;
+    EXPECT_THROW(store.saveRecord(record, project.file), StorageFailure);
     EXPECT_EQ(record.URLID, UrlId::none);
 }
 
 TEST_F(RecordStoreTest, aFullDiskEndsTheTask) {
     const auto pages = project.number("PRAGMA page_count");
     project.connection().exec("PRAGMA max_page_count = " + std::to_string(pages));
-    URLClass record;
+    UrlRecord record;
     record.URL = std::string(1'000'000, 'x');
-    EXPECT_THROW(store.SaveRecord(record, project.file), StorageFailure);
+    EXPECT_THROW(store.saveRecord(record, project.file), StorageFailure);
 }
 
 TEST_F(RecordStoreTest, aRowThatIsntThereGivesNothing) {
-    EXPECT_FALSE(store.GetURL(UrlId{42}).has_value());
-    EXPECT_FALSE(store.GetURL(UrlId::none).has_value());
+    EXPECT_FALSE(store.getURL(UrlId{42}).has_value());
+    EXPECT_FALSE(store.getURL(UrlId::none).has_value());
     EXPECT_TRUE(project.log.entries.empty());
 }
 

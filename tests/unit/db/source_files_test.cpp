@@ -11,11 +11,11 @@ class SourceFilesTest : public testing::Test {
   protected:
     static HistoryFile artefact(const std::string &name, const std::string &hash) {
         HistoryFile file;
-        file.FileName = name;
+        file.fileName = name;
         file.fileExt = "dat";
-        file.FullPath = "/evidence/" + name;
-        file.FileSize = 5'000'000'000;
-        file.MD5Hash = hash;
+        file.fullPath = "/evidence/" + name;
+        file.fileSize = 5'000'000'000;
+        file.md5Hash = hash;
         return file;
     }
 
@@ -25,8 +25,8 @@ class SourceFilesTest : public testing::Test {
 
 TEST_F(SourceFilesTest, aNewFileGetsARow) {
     HistoryFile file = artefact("O'Brien's; index.dat", "abc");
-    EXPECT_TRUE(sources.LogFile(file));
-    EXPECT_EQ(file.SourceFile_ID, SourceFileId{1});
+    EXPECT_TRUE(sources.logFile(file));
+    EXPECT_EQ(file.sourceFileID, SourceFileId{1});
     EXPECT_EQ(project.text("SELECT FileName || '|' || FileExt || '|' || FilePath || '|' || MD5Hash "
                            "|| '|' || FileSize || '|' || Successful FROM SourceFiles"),
               "O'Brien's; index.dat|dat|/evidence/O'Brien's; index.dat|abc|5000000000|0");
@@ -38,12 +38,12 @@ TEST_F(SourceFilesTest, theSameContentKeepsItsRow) {
     HistoryFile first = artefact("first.dat", "abc");
     HistoryFile second = artefact("second.dat", "abc");
     HistoryFile other = artefact("other.dat", "def");
-    ASSERT_TRUE(sources.LogFile(first));
+    ASSERT_TRUE(sources.logFile(first));
     project.clock.point += std::chrono::hours(1);
-    EXPECT_TRUE(sources.LogFile(second));
-    EXPECT_TRUE(sources.LogFile(other));
-    EXPECT_EQ(second.SourceFile_ID, first.SourceFile_ID);
-    EXPECT_EQ(other.SourceFile_ID, SourceFileId{2});
+    EXPECT_TRUE(sources.logFile(second));
+    EXPECT_TRUE(sources.logFile(other));
+    EXPECT_EQ(second.sourceFileID, first.sourceFileID);
+    EXPECT_EQ(other.sourceFileID, SourceFileId{2});
     EXPECT_EQ(project.text("SELECT group_concat(FileName) FROM SourceFiles"),
               "first.dat,other.dat");
 }
@@ -51,24 +51,24 @@ TEST_F(SourceFilesTest, theSameContentKeepsItsRow) {
 TEST_F(SourceFilesTest, filesWithoutHashAreNotTheSame) {
     HistoryFile first = artefact("first.dat", "");
     HistoryFile second = artefact("second.dat", "");
-    ASSERT_TRUE(sources.LogFile(first));
-    ASSERT_TRUE(sources.LogFile(second));
-    EXPECT_NE(first.SourceFile_ID, second.SourceFile_ID);
+    ASSERT_TRUE(sources.logFile(first));
+    ASSERT_TRUE(sources.logFile(second));
+    EXPECT_NE(first.sourceFileID, second.sourceFileID);
 }
 
 TEST_F(SourceFilesTest, aFileThatWasReadToItsEndIsMarked) {
     HistoryFile first = artefact("first.dat", "abc");
     HistoryFile second = artefact("second.dat", "def");
-    ASSERT_TRUE(sources.LogFile(first));
-    ASSERT_TRUE(sources.LogFile(second));
-    EXPECT_TRUE(sources.setSuccessful(second.SourceFile_ID));
+    ASSERT_TRUE(sources.logFile(first));
+    ASSERT_TRUE(sources.logFile(second));
+    EXPECT_TRUE(sources.setSuccessful(second.sourceFileID));
     EXPECT_EQ(project.text("SELECT group_concat(Successful) FROM SourceFiles"), "0,1");
 }
 
 TEST_F(SourceFilesTest, aFailureIsLoggedUnderItsName) {
     project.connection().exec("ALTER TABLE SourceFiles RENAME TO Elsewhere");
     HistoryFile file = artefact("first.dat", "abc");
-    EXPECT_FALSE(sources.LogFile(file));
+    EXPECT_FALSE(sources.logFile(file));
     ASSERT_EQ(project.log.entries.size(), 1u);
     EXPECT_EQ(project.log.entries[0].procedure, "MainBAS.LogFile()");
     EXPECT_EQ(project.log.entries[0].severity, Severity::Warning);
@@ -77,7 +77,7 @@ TEST_F(SourceFilesTest, aFailureIsLoggedUnderItsName) {
 TEST_F(SourceFilesTest, aProjectThatCantBeWrittenEndsTheTask) {
     project.connection().exec("PRAGMA query_only = 1");
     HistoryFile file = artefact("first.dat", "abc");
-    EXPECT_THROW(static_cast<void>(sources.LogFile(file)), StorageFailure);
+    EXPECT_THROW(static_cast<void>(sources.logFile(file)), StorageFailure);
 }
 
 } // namespace

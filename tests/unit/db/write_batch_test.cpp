@@ -13,7 +13,7 @@ namespace {
 struct WriteBatchTest : testing::Test {
     void addKeyword() { project.connection().exec("INSERT INTO Keywords (Keyword) VALUES ('a')"); }
     std::int64_t seenByOthers() {
-        return openReadOnly(project.database.FilePath)
+        return openReadOnly(project.database.filePath)
             ->execAndGet("SELECT count(*) FROM Keywords")
             .getInt64();
     }
@@ -88,9 +88,9 @@ TEST_F(WriteBatchTest, aFullDiskIsTheEndOfTheTask) {
         {
             auto store = project.store();
             for (int i = 0; i < 1000; ++i) {
-                URLClass record;
+                UrlRecord record;
                 record.HTMLBody.assign(10'000, 'x');
-                store.SaveRecord(record, project.file);
+                store.saveRecord(record, project.file);
             }
         },
         StorageFailure);

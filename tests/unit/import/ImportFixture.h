@@ -19,7 +19,7 @@ namespace nv::test {
 inline constexpr char kRecordEnd = '\x1E';
 
 inline bool saveUrl(ReadContext &ctx, std::string_view url) {
-    URLClass record;
+    UrlRecord record;
     record.URL = url;
     record.cacheType = "Unallocated";
     ctx.sink.save(record);
@@ -27,7 +27,7 @@ inline bool saveUrl(ReadContext &ctx, std::string_view url) {
 }
 
 inline ReadResult readLines(ReadContext &ctx) {
-    const Bytes bytes = readWhole(ctx.file.FullPath);
+    const Bytes bytes = readWhole(ctx.file.fullPath);
     for (const std::string_view line : split(ByteView(bytes).raw(), kRecordEnd))
         if (!saveUrl(ctx, line))
             return {ReadState::cancelled, "cancelled", 0, {}};
@@ -41,7 +41,7 @@ inline ReadResult throwing(ReadContext &ctx) {
 
 inline ReadResult cutShort(ReadContext &ctx) {
     saveUrl(ctx, "http://saved/before");
-    ctx.file.HistoryFileType = HistoryFileType::ieDaily;
+    ctx.file.historyFileType = HistoryFileType::ieDaily;
     return {ReadState::cutShort, "chain leaves the file", 3, {{"no signature", 2}, {"empty", 5}}};
 }
 
@@ -109,12 +109,12 @@ class ImportFixture : public testing::Test {
 inline HistoryFile &ImportFixture::add(HistoryFileType type, const std::string &name,
                                        const std::string &bytes) {
     HistoryFile file;
-    file.FullPath = project.folder.write(name, bytes);
-    file.FileName = name;
-    file.FileParentPath = textOf(file.FullPath.parent_path());
-    file.FileSize = bytes.size();
-    file.MD5Hash = md5Hex(bytes);
-    file.HistoryFileType = type;
+    file.fullPath = project.folder.write(name, bytes);
+    file.fileName = name;
+    file.fileParentPath = textOf(file.fullPath.parent_path());
+    file.fileSize = bytes.size();
+    file.md5Hash = md5Hex(bytes);
+    file.historyFileType = type;
     return job.HistoryFiles.add(std::move(file));
 }
 

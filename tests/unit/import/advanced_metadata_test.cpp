@@ -19,9 +19,9 @@ constexpr std::string_view kPage =
 class AdvancedMetadataTest : public testing::Test {
   protected:
     /// A record whose content lies in the test's folder.
-    URLClass cached(const std::string &name, std::string_view bytes) {
+    UrlRecord cached(const std::string &name, std::string_view bytes) {
         const auto file = project.folder.write(name, bytes);
-        URLClass record;
+        UrlRecord record;
         record.cacheType = "IE Cache";
         record.URL = "http://host/" + name;
         record.CacheFileExists = true;
@@ -31,7 +31,7 @@ class AdvancedMetadataTest : public testing::Test {
     }
 
     /// The record on its way into the project.
-    URLClass saved(URLClass record) {
+    UrlRecord saved(UrlRecord record) {
         const Extraction extraction{evidence, project.folder.path(), project.log};
         const Categories categories(Signatures::verify, project.log);
         const AdvancedMetadata metadata(project.log);
@@ -43,10 +43,10 @@ class AdvancedMetadataTest : public testing::Test {
     }
 
     /// Its row afterwards.
-    URLClass row(const URLClass &record) {
-        return store.GetURL(saved(record).URLID).value_or(URLClass());
+    UrlRecord row(const UrlRecord &record) {
+        return store.getURL(saved(record).URLID).value_or(UrlRecord());
     }
-    URLClass rowOf(const std::string &name, std::string_view bytes) {
+    UrlRecord rowOf(const std::string &name, std::string_view bytes) {
         return row(cached(name, bytes));
     }
     std::int64_t links() { return project.number("SELECT Count(*) FROM Links"); }
@@ -59,7 +59,7 @@ class AdvancedMetadataTest : public testing::Test {
 };
 
 TEST_F(AdvancedMetadataTest, putsWhatAPageSaysIntoItsRow) {
-    const URLClass page = rowOf("page.htm", kPage);
+    const UrlRecord page = rowOf("page.htm", kPage);
     EXPECT_EQ(page.WebpageTitle, "Harbour &amp; News"); // as it stands between the tags
     EXPECT_EQ(page.HTMLBody, "Tide tablesabc");
     EXPECT_TRUE(page.IsWebPage);
@@ -68,14 +68,14 @@ TEST_F(AdvancedMetadataTest, putsWhatAPageSaysIntoItsRow) {
 }
 
 TEST_F(AdvancedMetadataTest, addsARowForEachLinkThatNamesThePageItself) {
-    const URLClass page = rowOf("page.htm", kPage);
+    const UrlRecord page = rowOf("page.htm", kPage);
     EXPECT_EQ(links(), 3);
     EXPECT_EQ(project.text("SELECT group_concat(DISTINCT URL_ID || URL || HashedURL) FROM Links"),
               "1http://host/page.htm" + hashOfUrl(page.URL));
 }
 
 TEST_F(AdvancedMetadataTest, leavesTheLinksThatTheReaderFoundAsTheyAre) {
-    URLClass record = cached("page.htm", "<html><a href=x>");
+    UrlRecord record = cached("page.htm", "<html><a href=x>");
     record.Links = "http://one/|two";
     record.IsWebPage = true;
     EXPECT_EQ(row(record).Links, "http://one/|two");
@@ -85,9 +85,9 @@ TEST_F(AdvancedMetadataTest, leavesTheLinksThatTheReaderFoundAsTheyAre) {
 
 TEST_F(AdvancedMetadataTest, takesAScriptForNoPageWhateverItHolds) {
     for (const std::string name : {"script.js", "SCRIPT.JS"}) {
-        URLClass record = cached(name, kPage);
+        UrlRecord record = cached(name, kPage);
         record.IsWebPage = true;
-        const URLClass script = row(record);
+        const UrlRecord script = row(record);
         EXPECT_EQ(script.HTMLBody, "") << name;
         EXPECT_EQ(script.WebpageTitle, "") << name;
         EXPECT_FALSE(script.IsWebPage) << name;
@@ -96,7 +96,7 @@ TEST_F(AdvancedMetadataTest, takesAScriptForNoPageWhateverItHolds) {
 }
 
 TEST_F(AdvancedMetadataTest, passesOverContentThatIsNoPage) {
-    const URLClass row = rowOf("text.htm", "<title>Title</title><p>text<a href=x>");
+    const UrlRecord row = rowOf("text.htm", "<title>Title</title><p>text<a href=x>");
     EXPECT_EQ(row.HTMLBody, "");
     EXPECT_EQ(row.WebpageTitle, "");
     EXPECT_EQ(links(), 0);
@@ -104,14 +104,14 @@ TEST_F(AdvancedMetadataTest, passesOverContentThatIsNoPage) {
 
 TEST_F(AdvancedMetadataTest, marksAPageWhateverItsNameSays) {
     for (const std::string name : {"page.gif", "page.txt", "page.bin", "noname", "page.asp"}) {
-        const URLClass row = rowOf(name, "..<BODY>text");
+        const UrlRecord row = rowOf(name, "..<BODY>text");
         EXPECT_TRUE(row.IsWebPage) << name;
         EXPECT_EQ(row.HTMLBody, "..text") << name;
     }
 }
 
 TEST_F(AdvancedMetadataTest, keepsTheTitleOfARecordWhosePageHasNone) {
-    URLClass record = cached("page.htm", "<html><body>text");
+    UrlRecord record = cached("page.htm", "<html><body>text");
     record.WebpageTitle = "from the index";
     EXPECT_EQ(row(record).WebpageTitle, "from the index");
     record = cached("open.htm", "<html><title>never ended <body>text");
@@ -124,16 +124,16 @@ TEST_F(AdvancedMetadataTest, keepsTheTitleOfARecordWhosePageHasNone) {
 
 TEST_F(AdvancedMetadataTest, readsTitleAndBodyInThePagesOwnEncoding) {
     const std::string bytes = "<html><title>\xCF\xF0</title><body>\xCF\xF0";
-    const URLClass page = rowOf("page.htm", bytes + "<meta charset=windows-1251>");
+    const UrlRecord page = rowOf("page.htm", bytes + "<meta charset=windows-1251>");
     EXPECT_EQ(page.WebpageTitle, "\xD0\x9F\xD1\x80");
     EXPECT_EQ(page.HTMLBody, "\xD0\x9F\xD1\x80");
-    URLClass record = cached("other.htm", bytes);
+    UrlRecord record = cached("other.htm", bytes);
     record.MetaData = "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=windows-1251\r\n";
     EXPECT_EQ(row(record).WebpageTitle, "\xD0\x9F\xD1\x80");
 }
 
 TEST_F(AdvancedMetadataTest, endsWithoutAFile) {
-    URLClass record = cached("page.htm", kPage);
+    UrlRecord record = cached("page.htm", kPage);
     std::filesystem::remove(project.folder.path() / "page.htm");
     EXPECT_FALSE(row(record).IsWebPage);
     record = cached("page.htm", kPage);
@@ -147,7 +147,7 @@ TEST_F(AdvancedMetadataTest, savesAPageBeyondALimitWithItsTitleAndSaysSo) {
     std::string deep = "<html><title>Deep</title><body>";
     for (int i = 0; i < 100'000; ++i)
         deep += "<b>";
-    const URLClass page = rowOf("deep.htm", deep);
+    const UrlRecord page = rowOf("deep.htm", deep);
     EXPECT_TRUE(page.IsWebPage);
     EXPECT_EQ(page.WebpageTitle, "Deep");
     EXPECT_EQ(page.HTMLBody, "");
@@ -160,7 +160,7 @@ TEST_F(AdvancedMetadataTest, savesAPageBeyondALimitWithItsTitleAndSaysSo) {
 }
 
 TEST_F(AdvancedMetadataTest, savesAPageOfFiftyMegabytesWithItsTitle) {
-    const URLClass page =
+    const UrlRecord page =
         rowOf("large.htm", "<html><title>Large</title>" + std::string(50 << 20, 'x'));
     EXPECT_EQ(page.WebpageTitle, "Large");
     EXPECT_TRUE(page.IsWebPage);
@@ -187,10 +187,10 @@ TEST_F(AdvancedMetadataTest, writesNoLinksOfARowThatTheProjectDidntTake) {
 
 /// A reader that saves the page "page.htm" beside its file.
 ReadResult readPageBeside(ReadContext &ctx) {
-    URLClass record;
+    UrlRecord record;
     record.URL = "http://host/page.htm";
     record.CacheFileExists = true;
-    record.RootPath = textOf(ctx.file.FullPath.parent_path()) + "/";
+    record.RootPath = textOf(ctx.file.fullPath.parent_path()) + "/";
     record.CacheFileRelativePath = "page.htm";
     ctx.sink.save(record);
     return {};

@@ -12,9 +12,9 @@ namespace {
 class CategoriesTest : public testing::Test {
   protected:
     /// A record whose content lies in the test's folder.
-    URLClass cached(const std::string &name, const std::string &bytes) {
+    UrlRecord cached(const std::string &name, const std::string &bytes) {
         const auto file = folder.write(name, bytes);
-        URLClass record;
+        UrlRecord record;
         record.cacheType = "IE Cache";
         record.URL = "http://host/" + name;
         record.CacheFileExists = true;
@@ -24,7 +24,7 @@ class CategoriesTest : public testing::Test {
         return record;
     }
 
-    std::string categoryOf(URLClass record, Signatures signatures = Signatures::verify) {
+    std::string categoryOf(UrlRecord record, Signatures signatures = Signatures::verify) {
         const Extraction extraction{evidence, folder.path(), log};
         SavedContent saved(record, extraction, content);
         Categories(signatures, log).verdictOn(record, saved).applyTo(record);
@@ -57,7 +57,7 @@ TEST(CategoryOfExtension, countsSoundOfWavAmongTheMovies) {
 }
 
 TEST_F(CategoriesTest, goByContentBeforeTheName) {
-    const URLClass page = cached("picture.gif", "  <!-- --><HTML>");
+    const UrlRecord page = cached("picture.gif", "  <!-- --><HTML>");
     EXPECT_EQ(categoryOf(page), "HTML");
     EXPECT_EQ(categoryOf(page, Signatures::trustNames), "Pictures");
     EXPECT_EQ(categoryOf(cached("notes.txt", "GIF89a...")), "Pictures");
@@ -76,7 +76,7 @@ TEST_F(CategoriesTest, findPagesByTheirTags) {
 
 TEST_F(CategoriesTest, takeXhtmlOfFirefoxForAPageAndNoOtherXml) {
     const std::string xhtml = "<?xml version=\"1.0\"?>\n<!DOCTYPE html>\n<html>";
-    URLClass page = cached("page", xhtml);
+    UrlRecord page = cached("page", xhtml);
     EXPECT_EQ(categoryOf(page), "XML");
     // Firefox's bodies lie in block files: this one is fetched already.
     page.cacheType = "Firefox Cache";
@@ -97,7 +97,7 @@ TEST_F(CategoriesTest, fallBackOnTheName) {
 }
 
 TEST_F(CategoriesTest, neverOpenAHistoryRecord) {
-    URLClass record = cached("picture.gif", "<html>");
+    UrlRecord record = cached("picture.gif", "<html>");
     record.IsHistory = true;
     EXPECT_EQ(categoryOf(record), "Pictures");
     record.CacheFileExt = record.URLFileExt = "";
@@ -106,7 +106,7 @@ TEST_F(CategoriesTest, neverOpenAHistoryRecord) {
 }
 
 TEST_F(CategoriesTest, dontLookForAFileThatIsntThere) {
-    URLClass record = cached("picture.gif", "<html>");
+    UrlRecord record = cached("picture.gif", "<html>");
     record.CacheFileExists = false;
     EXPECT_EQ(categoryOf(record), "Pictures");
     record.CacheFileExists = true;
@@ -116,7 +116,7 @@ TEST_F(CategoriesTest, dontLookForAFileThatIsntThere) {
 }
 
 TEST_F(CategoriesTest, keepTheReadersWordWhenTheExtensionSaysNothing) {
-    URLClass record = cached("unknown.xyz", "...");
+    UrlRecord record = cached("unknown.xyz", "...");
     record.Category = "IE Resource";
     EXPECT_EQ(categoryOf(record), "IE Resource");
     record.URLFileExt = "txt";
@@ -125,7 +125,7 @@ TEST_F(CategoriesTest, keepTheReadersWordWhenTheExtensionSaysNothing) {
 
 TEST_F(CategoriesTest, takeACookieForNothingElse) {
     for (const char *name : {"user@host[1].txt", "noname", "page.php", "picture.gif"}) {
-        URLClass record = cached(name, "<html><body>");
+        UrlRecord record = cached(name, "<html><body>");
         record.IsCookie = true;
         EXPECT_EQ(categoryOf(record), "") << name; // its file is gone
         record.Category = "Cookies";
@@ -135,7 +135,7 @@ TEST_F(CategoriesTest, takeACookieForNothingElse) {
 }
 
 TEST_F(CategoriesTest, writeTheCacheTypeInCapitalsAndTheExtensionIntoTheRecord) {
-    URLClass record = cached("page.gif", "<html>");
+    UrlRecord record = cached("page.gif", "<html>");
     const Extraction extraction{evidence, folder.path(), log};
     SavedContent saved(record, extraction, content);
     const Verdict verdict = Categories(Signatures::verify, log).verdictOn(record, saved);
@@ -146,7 +146,7 @@ TEST_F(CategoriesTest, writeTheCacheTypeInCapitalsAndTheExtensionIntoTheRecord) 
 }
 
 TEST_F(CategoriesTest, takeExtractedContentFromItsScratchFile) {
-    URLClass record = cached("picture.gif", "GIF89a");
+    UrlRecord record = cached("picture.gif", "GIF89a");
     record.cacheType = "Chrome Cache";
     EXPECT_EQ(categoryOf(record), "Pictures"); // by name: nothing was extracted
     record.RunTimeTempFilePath = folder.write("~tmp", "<html>");
@@ -155,7 +155,7 @@ TEST_F(CategoriesTest, takeExtractedContentFromItsScratchFile) {
 
 TEST_F(CategoriesTest, stayInsideTheEvidence) {
     folder.write("outside.gif", "<html>");
-    URLClass record = cached("in/picture.gif", "GIF89a");
+    UrlRecord record = cached("in/picture.gif", "GIF89a");
     record.RootPath = (folder.path() / "in").native() + "/";
     record.CacheFileRelativePath = "../outside.gif";
     EXPECT_EQ(categoryOf(record), "Pictures");
@@ -163,7 +163,7 @@ TEST_F(CategoriesTest, stayInsideTheEvidence) {
 
 TEST_F(CategoriesTest, dontFollowALinkNamedByTheEvidence) {
     const auto page = folder.write("page", "<html>");
-    URLClass record = cached("gone.gif", "GIF89a");
+    UrlRecord record = cached("gone.gif", "GIF89a");
     std::filesystem::remove(folder.path() / "gone.gif");
     std::filesystem::create_symlink(page, folder.path() / "gone.gif");
     EXPECT_EQ(categoryOf(record), "Pictures");

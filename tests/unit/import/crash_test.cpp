@@ -30,7 +30,7 @@ Milliseconds now() {
 
 ReadResult readForEver(ReadContext &ctx) {
     for (Progress progress;; progress.time = now()) {
-        URLClass record;
+        UrlRecord record;
         record.URL = "http://host/page.php?id=" + std::to_string(++progress.rows);
         ctx.sink.save(record);
         if (progress.rows % 100 == 0 &&
@@ -49,7 +49,7 @@ class CrashTest : public test::ImportFixture {
   protected:
     /// Imports in another process, which doesn't come back; its progress comes out of the pipe.
     pid_t importElsewhere(int writeEnd) {
-        project.database.CloseDB();
+        project.database.closeDB();
         const pid_t child = ::fork();
         if (child != 0)
             return child;

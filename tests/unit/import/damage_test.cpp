@@ -26,9 +26,9 @@ class DamageTest : public test::ImportFixture, public testing::WithParamInterfac
   protected:
     /// Imports the bytes and checks what holds for any import, whatever is in the file.
     void importDamaged(const std::string &bytes, const std::string &what) {
-        writeWhole(file.FullPath, bytes);
-        file.FileSize = bytes.size();
-        file.HistoryFileType = GetParam()->type;
+        writeWhole(file.fullPath, bytes);
+        file.fileSize = bytes.size();
+        file.historyFileType = GetParam()->type;
         job.HistoryFiles.clear();
         job.HistoryFiles.add(file);
         const std::int64_t before = rows();
@@ -51,10 +51,10 @@ class DamageTest : public test::ImportFixture, public testing::WithParamInterfac
         const fs::path copy = project.folder.path() / "damaged";
         fs::create_directory(copy);
         fs::copy(sound / "input", copy / "input", fs::copy_options::recursive);
-        file.FullPath = test::artefactIn(copy, *GetParam());
-        file.FileName = textOf(file.FullPath.filename());
-        file.FileParentPath = textOf(file.FullPath.parent_path());
-        const Bytes bytes = readWhole(file.FullPath);
+        file.fullPath = test::artefactIn(copy, *GetParam());
+        file.fileName = textOf(file.fullPath.filename());
+        file.fileParentPath = textOf(file.fullPath.parent_path());
+        const Bytes bytes = readWhole(file.fullPath);
         return std::string(ByteView(bytes).raw());
     }
 

@@ -75,7 +75,7 @@ TEST_F(FullDiskTest, ofTheProjectLeavesASummaryOfWhatIsKept) {
     const int inUse = static_cast<int>(project.number("PRAGMA page_count"));
     project.connection().exec(fmt::format("PRAGMA max_page_count={}", inUse + 60));
     const ImportSummary summary = importReally();
-    EXPECT_THAT(summary.failure, HasSubstr(project.database.FilePath.native()));
+    EXPECT_THAT(summary.failure, HasSubstr(project.database.filePath.native()));
     EXPECT_THAT(summary.failure, HasSubstr("full"));
     EXPECT_EQ(summary.rowsSaved(), static_cast<std::uint64_t>(rows()));
     EXPECT_EQ(static_cast<std::int64_t>(summary.count(ArtefactState::complete)), marked());
@@ -113,7 +113,7 @@ TEST_F(FullDiskTest, whatComesBeforeALongArtefactIsOnTheDisk) {
     addPages(20);
     add(norvelaneNVD, "long", "");
     addPages(1);
-    g_project = project.database.FilePath;
+    g_project = project.database.filePath;
     g_seen = 0;
     Unwatched task;
     import(task, pagesAndOthers);

@@ -22,7 +22,7 @@ TEST_F(ImportRunTest, storesTheRecordsOfEachFileInTheOrderOfTheList) {
     EXPECT_EQ(first.path, project.folder.path() / "b");
     EXPECT_EQ(first.type, norvelaneNVD);
     EXPECT_EQ(first.readerKey, "lines");
-    EXPECT_EQ(first.MD5Hash, job.HistoryFiles.item(1).MD5Hash);
+    EXPECT_EQ(first.MD5Hash, job.HistoryFiles.item(1).md5Hash);
     EXPECT_EQ(first.state, ArtefactState::complete);
     EXPECT_EQ(first.rowsSaved, 2u);
     EXPECT_GE(first.seconds, 0);
@@ -242,7 +242,7 @@ TEST_F(ImportRunTest, losesNoRowToHostileText) {
     EXPECT_EQ(import().rowsSaved(), std::size(hostile));
     RecordStore store = project.store();
     for (std::size_t i = 0; i < std::size(hostile); ++i)
-        EXPECT_EQ(store.GetURL(UrlId{static_cast<std::int64_t>(i) + 1})->URL,
+        EXPECT_EQ(store.getURL(UrlId{static_cast<std::int64_t>(i) + 1})->URL,
                   decodeText(hostile[i]));
     EXPECT_EQ(project.text("PRAGMA integrity_check"), "ok");
     EXPECT_TRUE(project.log.entries.empty());

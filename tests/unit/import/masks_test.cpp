@@ -82,12 +82,12 @@ TEST(FileMask, isQuickForHostileNames) {
 TEST(HistoryFiles, loseTheRowThatWasUnticked) {
     HistoryFiles files;
     for (const char *path : {"/a", "/b", "/a"})
-        files.add({}).FullPath = path;
-    files.item(1).HistoryFileType = HistoryFileType::csv;
+        files.add({}).fullPath = path;
+    files.item(1).historyFileType = HistoryFileType::csv;
     removeFile(files, "/a", HistoryFileType::none);
     ASSERT_EQ(files.count(), 2u);
-    EXPECT_EQ(files.item(1).FullPath, "/a") << "another format takes it too";
-    EXPECT_EQ(files.item(2).FullPath, "/b");
+    EXPECT_EQ(files.item(1).fullPath, "/a") << "another format takes it too";
+    EXPECT_EQ(files.item(2).fullPath, "/b");
 }
 
 } // namespace

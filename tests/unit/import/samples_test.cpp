@@ -35,8 +35,8 @@ Listing expectedListing(const fs::path &sample) {
 Listing listingOf(const HistoryFiles &files, const fs::path &sample) {
     Listing listing;
     for (const HistoryFile &file : files)
-        listing.emplace_back(file.FullPath.lexically_relative(sample),
-                             static_cast<int>(file.HistoryFileType));
+        listing.emplace_back(file.fullPath.lexically_relative(sample),
+                             static_cast<int>(file.historyFileType));
     std::ranges::sort(listing);
     return listing;
 }

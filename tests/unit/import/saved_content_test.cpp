@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 struct SavedContentTest : testing::Test {
     /// A record whose body lies in a cache file.
-    URLClass inCache(const std::string &body) {
+    UrlRecord inCache(const std::string &body) {
         test::MacCache cache;
         cache.add({.url = "http://host/page.html", .body = body});
         test::MacCacheReading reading;
@@ -34,7 +34,7 @@ struct SavedContentTest : testing::Test {
 
 TEST_F(SavedContentTest, readsAFileOfTheEvidenceOnce) {
     const fs::path file = folder.write("page.htm", "<html><title>T</title>text</html>");
-    URLClass record;
+    UrlRecord record;
     record.cacheType = "IE Cache";
     record.RootPath = evidence.rootOf(file);
     record.CacheFileRelativePath = evidence.relativeOf(file);
@@ -46,7 +46,7 @@ TEST_F(SavedContentTest, readsAFileOfTheEvidenceOnce) {
 }
 
 TEST_F(SavedContentTest, fetchesABodyOnceAndKeepsItInMemory) {
-    URLClass record = inCache("<html>page</html>");
+    UrlRecord record = inCache("<html>page</html>");
     SavedContent content(record, extraction, probe);
     ASSERT_TRUE(content.facts());
     EXPECT_TRUE(content.facts()->hasHtml);
@@ -56,7 +56,7 @@ TEST_F(SavedContentTest, fetchesABodyOnceAndKeepsItInMemory) {
 }
 
 TEST_F(SavedContentTest, takesWhatTheReaderHolds) {
-    URLClass record;
+    UrlRecord record;
     const std::string_view bytes = "GIF89a...";
     probe.hold({scratch.path() / "held", true, Bytes(bytes.begin(), bytes.end())});
     SavedContent content(record, extraction, probe);
@@ -66,7 +66,7 @@ TEST_F(SavedContentTest, takesWhatTheReaderHolds) {
 }
 
 TEST_F(SavedContentTest, aLargeBodyThatVanishesFromScratchIsAFailureOfStorage) {
-    URLClass record = inCache("<html>" + std::string(kBodyInMemory, 'x'));
+    UrlRecord record = inCache("<html>" + std::string(kBodyInMemory, 'x'));
     SavedContent content(record, extraction, probe);
     ASSERT_TRUE(fs::is_regular_file(content.file()));
     EXPECT_EQ(content.file(), record.RunTimeTempFilePath);
@@ -75,7 +75,7 @@ TEST_F(SavedContentTest, aLargeBodyThatVanishesFromScratchIsAFailureOfStorage) {
 }
 
 TEST_F(SavedContentTest, isNoneWhenThereIsNone) {
-    URLClass record;
+    UrlRecord record;
     SavedContent content(record, extraction, probe);
     EXPECT_FALSE(content.facts());
     EXPECT_TRUE(content.file().empty());

@@ -37,8 +37,8 @@ class ScanTest : public testing::Test {
     std::vector<std::string> found() {
         std::vector<std::string> lines;
         for (const HistoryFile &file : scanned().HistoryFiles)
-            lines.push_back(std::to_string(static_cast<int>(file.HistoryFileType)) + " " +
-                            fs::path(file.FullPath).lexically_relative(folder.path()).string());
+            lines.push_back(std::to_string(static_cast<int>(file.historyFileType)) + " " +
+                            fs::path(file.fullPath).lexically_relative(folder.path()).string());
         return lines;
     }
 
@@ -70,15 +70,15 @@ TEST_F(ScanTest, describesEachFile) {
     const ScanResult result = scanned();
     ASSERT_EQ(result.HistoryFiles.count(), 1u);
     const HistoryFile &file = result.HistoryFiles.item(1);
-    EXPECT_EQ(file.FullPath, path);
-    EXPECT_EQ(file.FileName, "Places.sqlite");
+    EXPECT_EQ(file.fullPath, path);
+    EXPECT_EQ(file.fileName, "Places.sqlite");
     EXPECT_EQ(file.fileExt, "sqlite");
-    EXPECT_EQ(file.FileParentPath, (folder.path() / "Profile").string());
-    EXPECT_EQ(file.FileSize, 5u);
-    EXPECT_EQ(file.MD5Hash, md5Hex("bytes"));
-    EXPECT_EQ(file.HistoryFileType, HistoryFileType::firefox3History);
-    EXPECT_EQ(file.Version, "3.0");
-    EXPECT_EQ(file.SourceFile_ID, SourceFileId::none);
+    EXPECT_EQ(file.fileParentPath, (folder.path() / "Profile").string());
+    EXPECT_EQ(file.fileSize, 5u);
+    EXPECT_EQ(file.md5Hash, md5Hex("bytes"));
+    EXPECT_EQ(file.historyFileType, HistoryFileType::firefox3History);
+    EXPECT_EQ(file.version, "3.0");
+    EXPECT_EQ(file.sourceFileID, SourceFileId::none);
     EXPECT_FALSE(result.cancelled);
     EXPECT_TRUE(log.entries.empty());
 }
@@ -146,7 +146,7 @@ TEST_F(ScanTest, listsTheSameFileInTwoFoldersTwice) {
     folder.write("b/index.dat", indexBytes(0));
     const ScanResult result = scanned();
     ASSERT_EQ(result.HistoryFiles.count(), 2u);
-    EXPECT_EQ(result.HistoryFiles.item(1).MD5Hash, result.HistoryFiles.item(2).MD5Hash);
+    EXPECT_EQ(result.HistoryFiles.item(1).md5Hash, result.HistoryFiles.item(2).md5Hash);
 }
 
 TEST_F(ScanTest, listsTheIndexOfAChromeCache) {
@@ -154,8 +154,8 @@ TEST_F(ScanTest, listsTheIndexOfAChromeCache) {
     folder.write("Cache/index", "the index");
     const ScanResult result = scanned();
     ASSERT_EQ(result.HistoryFiles.count(), 1u);
-    EXPECT_EQ(result.HistoryFiles.item(1).FileName, "index");
-    EXPECT_EQ(result.HistoryFiles.item(1).MD5Hash, md5Hex("the index"));
+    EXPECT_EQ(result.HistoryFiles.item(1).fileName, "index");
+    EXPECT_EQ(result.HistoryFiles.item(1).md5Hash, md5Hex("the index"));
     EXPECT_EQ(result.HistoryFiles.item(1).fileExt, "");
 }
 
@@ -184,7 +184,7 @@ TEST_F(ScanTest, readsNamesThatAreNoUtf8) {
     folder.write("Caf\xE9/places.sqlite", "x");
     const ScanResult result = scanned();
     ASSERT_EQ(result.HistoryFiles.count(), 1u);
-    EXPECT_TRUE(result.HistoryFiles.item(1).FileParentPath.ends_with("Caf\xC3\xA9"));
+    EXPECT_TRUE(result.HistoryFiles.item(1).fileParentPath.ends_with("Caf\xC3\xA9"));
 }
 
 TEST_F(ScanTest, notesAFolderThatIsntThere) {
@@ -277,15 +277,15 @@ TEST_F(ScanTest, listsAFolderOnceThatManyFilesLeadTo) {
     EXPECT_EQ(found(), (Lines{"1000 Cache", "1000 Other"}));
     const ScanResult result = scanned();
     const HistoryFile &first = result.HistoryFiles.item(1);
-    EXPECT_EQ(first.FileName, "Cache");
-    EXPECT_EQ(first.FileParentPath, folder.path().string());
-    EXPECT_EQ(first.FileSize, 31u);
+    EXPECT_EQ(first.fileName, "Cache");
+    EXPECT_EQ(first.fileParentPath, folder.path().string());
+    EXPECT_EQ(first.fileSize, 31u);
     const auto lineOf = [](const char *bytes, const char *name) {
         return md5Hex(bytes) + "  " + name + "\n";
     };
-    EXPECT_EQ(first.MD5Hash, md5Hex(lineOf("Cache/a_0", "a_0") + lineOf("Cache/b_0", "b_0") +
+    EXPECT_EQ(first.md5Hash, md5Hex(lineOf("Cache/a_0", "a_0") + lineOf("Cache/b_0", "b_0") +
                                     lineOf("Cache/below/x", "below/x")));
-    EXPECT_EQ(first.SHA256Hash.size(), 64u);
+    EXPECT_EQ(first.sha256Hash.size(), 64u);
 }
 
 TEST_F(ScanTest, notesAFolderWhoseFilesCantAllBeRead) {
@@ -326,7 +326,7 @@ TEST_F(ScanTest, canBeCancelledAtAnyTime) {
         const ScanResult result = scanWatchedBy(task);
         EXPECT_GE(result.HistoryFiles.count(), before);
         for (const HistoryFile &file : result.HistoryFiles)
-            EXPECT_EQ(file.MD5Hash.size(), 32u);
+            EXPECT_EQ(file.md5Hash.size(), 32u);
         before = result.HistoryFiles.count();
         completed = !result.cancelled;
     }

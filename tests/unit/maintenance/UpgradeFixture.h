@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Files.h"
-#include "db/DatabaseClass.h"
+#include "db/ProjectDatabase.h"
 #include "db/ProjectFields.h"
 #include "db/StoredQueries.h"
 #include "maintenance/ProjectUpgrade.h"
@@ -18,10 +18,10 @@ namespace nv::test {
 struct UpgradeFixture : testing::Test {
     UpgradeFixture() {
         std::filesystem::create_directories(temp);
-        DatabaseClass project(log, clock);
-        project.FilePath = path;
-        EXPECT_TRUE(project.CreateDatabaseProject());
-        ProjectFields(project.connection(), log).SaveDefaultSetting("LastTimeZoneID", "15");
+        ProjectDatabase project(log, clock);
+        project.filePath = path;
+        EXPECT_TRUE(project.createDatabaseProject());
+        ProjectFields(project.connection(), log).saveDefaultSetting("LastTimeZoneID", "15");
         project.connection().exec(
             "INSERT INTO SourceFiles (FileName) VALUES ('index.dat');"
             "INSERT INTO URLs (SourceFile_ID, URL, Visits, ActionDateUTC, Action, ThumbnailBLOB) "

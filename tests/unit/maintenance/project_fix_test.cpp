@@ -99,8 +99,8 @@ TEST_F(ProjectFixTest, theCaseTrailGoesAlongAndTellsOfTheFix) {
     {
         SQLite::Database project(path, SQLite::OPEN_READWRITE);
         TrailEntry entry;
-        entry.Action = "Import";
-        entry.Detail = "two of <these>";
+        entry.action = "Import";
+        entry.detail = "two of <these>";
         CaseTrail(project).add(entry);
         CaseTrail(project).add(entry);
     }
@@ -109,17 +109,17 @@ TEST_F(ProjectFixTest, theCaseTrailGoesAlongAndTellsOfTheFix) {
     SQLite::Database project(path, SQLite::OPEN_READWRITE);
     const auto entries = CaseTrail(project).entries();
     ASSERT_EQ(entries.size(), 3u);
-    EXPECT_EQ(entries[1].Trail_ID, 2);
-    EXPECT_EQ(entries[1].Detail, "two of <these>");
-    EXPECT_EQ(entries[2].Trail_ID, 3);
-    EXPECT_EQ(entries[2].Action, "Upgrade");
-    EXPECT_EQ(entries[2].FilePath, old.string());
-    EXPECT_EQ(entries[2].RowCount, 2);
+    EXPECT_EQ(entries[1].trailID, 2);
+    EXPECT_EQ(entries[1].detail, "two of <these>");
+    EXPECT_EQ(entries[2].trailID, 3);
+    EXPECT_EQ(entries[2].action, "Upgrade");
+    EXPECT_EQ(entries[2].filePath, old.string());
+    EXPECT_EQ(entries[2].rowCount, 2);
     EXPECT_EQ(entries[2].AppVersion, "0.1.0");
     const auto hashes = hashesOfFile(old).value();
-    EXPECT_EQ(entries[2].MD5Hash, hashes.md5);
-    EXPECT_EQ(entries[2].SHA256Hash, hashes.sha256);
-    EXPECT_EQ(entries[2].FileSize, static_cast<std::int64_t>(hashes.size));
+    EXPECT_EQ(entries[2].md5Hash, hashes.md5);
+    EXPECT_EQ(entries[2].sha256Hash, hashes.sha256);
+    EXPECT_EQ(entries[2].fileSize, static_cast<std::int64_t>(hashes.size));
     EXPECT_THROW(project.exec("DELETE FROM AuditTrail"), SQLite::Exception);
     EXPECT_THROW(project.exec("UPDATE AuditTrail SET Action = ''"), SQLite::Exception);
 }
@@ -136,7 +136,7 @@ TEST_F(ProjectFixTest, whatTheAuditShowsOfRebuiltPagesGoesAlong) {
     SQLite::Database project(path.string(), SQLite::OPEN_READONLY);
     const auto notes = RebuildAudit(project).notes(UrlId{1});
     ASSERT_EQ(notes.size(), 2u);
-    EXPECT_EQ(notes.at(1).AccuracyScore, "1:3");
+    EXPECT_EQ(notes.at(1).accuracyScore, "1:3");
     EXPECT_TRUE(notes.at(1).rewritten);
     EXPECT_THAT(notes.at(1).candidates, ElementsAre(2, 7));
 }
@@ -236,12 +236,12 @@ TEST_F(ProjectFixTest, aSecondFixOverwritesTheOldFile) {
 }
 
 TEST_F(ProjectFixTest, aProjectThatIsOpenElsewhereIsNotReplaced) {
-    DatabaseClass other(log, clock);
-    other.FilePath = path;
+    ProjectDatabase other(log, clock);
+    other.filePath = path;
     other.open();
-    ProjectFields(other.connection(), log).GetDefault("LastTimeZoneID");
+    ProjectFields(other.connection(), log).getDefault("LastTimeZoneID");
     EXPECT_THROW(fix(), StorageFailure);
-    other.CloseDB();
+    other.closeDB();
     EXPECT_EQ(fix().end, FixEnd::fixed);
 }
 

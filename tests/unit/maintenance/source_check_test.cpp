@@ -1,7 +1,7 @@
 #include "base/Digest.h"
 #include "base/Files.h"
 #include "db/CaseTrail.h"
-#include "db/DatabaseClass.h"
+#include "db/ProjectDatabase.h"
 #include "maintenance/SourceCheck.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
@@ -20,8 +20,8 @@ namespace fs = std::filesystem;
 
 struct SourceCheckTest : testing::Test {
     SourceCheckTest() {
-        project.FilePath = folder.path() / "case.nvp";
-        EXPECT_TRUE(project.CreateDatabaseProject());
+        project.filePath = folder.path() / "case.nvp";
+        EXPECT_TRUE(project.createDatabaseProject());
     }
     /// As an import leaves it.
     fs::path add(const std::string &name, const std::string &content) {
@@ -36,11 +36,11 @@ struct SourceCheckTest : testing::Test {
         row.bind(3, static_cast<std::int64_t>(hashes.size));
         row.exec();
         TrailEntry entry;
-        entry.Action = "Import";
-        entry.FilePath = textOf(path);
-        entry.FileSize = static_cast<std::int64_t>(hashes.size);
-        entry.MD5Hash = hashes.md5;
-        entry.SHA256Hash = hashes.sha256;
+        entry.action = "Import";
+        entry.filePath = textOf(path);
+        entry.fileSize = static_cast<std::int64_t>(hashes.size);
+        entry.md5Hash = hashes.md5;
+        entry.sha256Hash = hashes.sha256;
         CaseTrail(project.connection()).add(entry);
         return path;
     }
@@ -51,7 +51,7 @@ struct SourceCheckTest : testing::Test {
     test::TempFolder folder;
     test::MemoryLog log;
     test::FixedClock clock;
-    DatabaseClass project{log, clock};
+    ProjectDatabase project{log, clock};
 };
 
 TEST_F(SourceCheckTest, unchangedFilesAreTheSame) {
@@ -132,8 +132,8 @@ TEST_F(SourceCheckTest, whatMayNotBeOpenedIsNotGone) {
 
 TEST_F(SourceCheckTest, whatCouldNotBeImportedIsNotCompared) {
     TrailEntry entry;
-    entry.Action = "Not Readable";
-    entry.FilePath = "/nowhere";
+    entry.action = "Not Readable";
+    entry.filePath = "/nowhere";
     CaseTrail(project.connection()).add(entry);
     EXPECT_TRUE(verify().sources.empty());
 }
@@ -143,10 +143,10 @@ TEST_F(SourceCheckTest, aForgedMd5IsFoundByTheOtherHash) {
     folder.write("a", "two");
     const FileHashes now = *hashesOfFile(file);
     TrailEntry entry;
-    entry.Action = "Import";
-    entry.FilePath = file.string();
-    entry.MD5Hash = now.md5;
-    entry.SHA256Hash = std::string(64, '0');
+    entry.action = "Import";
+    entry.filePath = file.string();
+    entry.md5Hash = now.md5;
+    entry.sha256Hash = std::string(64, '0');
     CaseTrail(project.connection()).add(entry);
     EXPECT_EQ(verify().sources.at(1).state, SourceState::changed);
 }
@@ -155,9 +155,9 @@ TEST_F(SourceCheckTest, eachFileOfTheSameContentIsLookedAt) {
     const fs::path copied = add("a", "one");
     const FileHashes hashes = *hashesOfFile(copied);
     TrailEntry entry;
-    entry.Action = "Import";
-    entry.FilePath = (folder.path() / "copy").string();
-    entry.MD5Hash = hashes.md5;
+    entry.action = "Import";
+    entry.filePath = (folder.path() / "copy").string();
+    entry.md5Hash = hashes.md5;
     CaseTrail(project.connection()).add(entry);
     const SourceCheck check = verify();
     ASSERT_EQ(check.sources.size(), 2U);

@@ -23,9 +23,9 @@ struct ChromeCacheReading {
 
     ChromeCacheReading &read(const std::filesystem::path &index, const std::filesystem::path &base,
                              TaskMonitor &watcher) {
-        file.FullPath = index;
-        file.SourceFile_ID = SourceFileId{7};
-        file.Version = "1.0";
+        file.fullPath = index;
+        file.sourceFileID = SourceFileId{7};
+        file.version = "1.0";
         const Evidence evidence(base);
         ContentProbe content;
         ReadContext ctx{file, evidence, content, clock, {}, sink, log, watcher};
@@ -36,7 +36,7 @@ struct ChromeCacheReading {
                              const std::filesystem::path &base) {
         return read(index, base, task);
     }
-    const std::vector<URLClass> &records() const { return sink.records; }
+    const std::vector<UrlRecord> &records() const { return sink.records; }
 };
 
 /// A cache in memory, and a disk to read it from.
@@ -66,7 +66,7 @@ struct ChromeCacheTest : testing::Test {
     }
     std::vector<std::string> urls() const {
         std::vector<std::string> found;
-        for (const URLClass &record : reading.records())
+        for (const UrlRecord &record : reading.records())
             found.push_back(record.URL);
         return found;
     }

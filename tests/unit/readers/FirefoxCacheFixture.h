@@ -27,7 +27,7 @@ class FirefoxCacheFixture : public testing::Test {
     void readMap(const std::filesystem::path &map, TaskMonitor &watcher) {
         sink.records.clear();
         log.entries.clear();
-        file.FullPath = map;
+        file.fullPath = map;
         ContentProbe content;
         const Evidence evidence(base);
         ReadContext ctx{file, evidence, content, clock, folder.path(), sink, log, watcher};
@@ -35,7 +35,7 @@ class FirefoxCacheFixture : public testing::Test {
     }
 
     /// The body of the record, or a word that says why there is none.
-    std::string bodyOf(URLClass &record, std::string_view suffix = {}) {
+    std::string bodyOf(UrlRecord &record, std::string_view suffix = {}) {
         const Evidence evidence(base);
         if (!ExtractFirefoxCacheFile(record, suffix, {evidence, scratch.path(), log}))
             return "(none)";
@@ -43,10 +43,10 @@ class FirefoxCacheFixture : public testing::Test {
         return std::string(ByteView(bytes).raw());
     }
 
-    std::vector<URLClass> &records() { return sink.records; }
+    std::vector<UrlRecord> &records() { return sink.records; }
     std::vector<std::string> urls() const {
         std::vector<std::string> urls;
-        for (const URLClass &record : sink.records)
+        for (const UrlRecord &record : sink.records)
             urls.push_back(record.URL);
         return urls;
     }

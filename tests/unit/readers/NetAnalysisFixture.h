@@ -23,16 +23,16 @@ struct NetAnalysisFixture : testing::Test {
         const Evidence evidence(base);
         ContentProbe content;
         history = {};
-        history.SourceFile_ID = SourceFileId{7};
-        history.FullPath = file;
-        history.Version = "1.x";
+        history.sourceFileID = SourceFileId{7};
+        history.fullPath = file;
+        history.version = "1.x";
         sink.records.clear();
         log.entries.clear();
         ReadContext context{history, evidence, content, clock, scratch.path(), sink, log, *watcher};
         result = readNetAnalysisFile(context, program);
     }
     /// Reads a case of one event and returns its record.
-    const URLClass &only(const NetAnalysisEvent &event) {
+    const UrlRecord &only(const NetAnalysisEvent &event) {
         read(NetAnalysisCase().add(event));
         EXPECT_EQ(result.state, ReadState::complete) << result.reason;
         EXPECT_TRUE(log.entries.empty());
@@ -41,7 +41,7 @@ struct NetAnalysisFixture : testing::Test {
     }
     std::vector<std::string> urls() const {
         std::vector<std::string> texts;
-        for (const URLClass &record : sink.records)
+        for (const UrlRecord &record : sink.records)
             texts.push_back(record.URL);
         return texts;
     }

@@ -117,7 +117,7 @@ TEST_F(BodyTest, ofARecordIsFetchedIntoMemory) {
     cache.add({.url = "http://host/page.html", .body = test::gzip("<html>page</html>")});
     test::MacCacheReading reading;
     reading.readFile(folder.write("cache.waf", cache.bytes()));
-    URLClass record = reading.records().at(0);
+    UrlRecord record = reading.records().at(0);
     const Evidence evidence(folder.path());
     const auto body = bodyOf(record, {evidence, scratch.path(), log}, kBodyInMemory);
     ASSERT_TRUE(body);
@@ -138,7 +138,7 @@ TEST_F(BodyTest, isFetchedByTheTypeOfTheSourceWhateverTheRecordIsCalled) {
     const Evidence evidence(folder.path());
     // What isn't fetched is a file of its own; here that is the cache.
     const auto fetched = [&](const std::string &word, HistoryFileType source) {
-        URLClass record = reading.records().at(0);
+        UrlRecord record = reading.records().at(0);
         record.cacheType = word;
         const auto body = bodyOf(record, {evidence, scratch.path(), log, source}, kBodyInMemory);
         return body && body->isInMemory && body->raw() == "<html>page</html>";
@@ -153,7 +153,7 @@ TEST_F(BodyTest, isFoundByAPathThatWasDecodedAsAWhole) {
     const fs::path page = folder.write("s\xC3\xBC\xC3\x9F/w\xF6.html", "<html>");
     folder.write("outside.html", "x");
     const Evidence evidence(folder.path());
-    URLClass record;
+    UrlRecord record;
     record.RootPath = folder.path().native() + "/";
     record.CacheFileRelativePath = fromAnsi(std::string_view("s\xC3\xBC\xC3\x9F/w\xF6.html"));
     const Extraction ctx{evidence, scratch.path(), log};

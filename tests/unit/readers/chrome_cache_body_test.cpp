@@ -14,7 +14,7 @@ using testing::IsEmpty;
 struct ChromeCacheBody : test::ChromeCacheTest {
     test::TempFolder scratch;
     test::MemoryLog log;
-    URLClass record;
+    UrlRecord record;
 
     bool extractBelow(const fs::path &base, std::string_view suffix) {
         const Evidence evidence(base);
@@ -47,7 +47,7 @@ TEST_F(ChromeCacheBody, ofEachSizeComesOutWhole) {
     for (const std::size_t size : {1U, 1024U, 1025U, 4096U, 4097U, 16384U, 16385U, 100'000U})
         cache.add(entry("http://host.example/", std::string(size, static_cast<char>(size))));
     read();
-    for (const URLClass &each : reading.records()) {
+    for (const UrlRecord &each : reading.records()) {
         record = each;
         ASSERT_TRUE(extract()) << each.CacheFileSize;
         EXPECT_EQ(content(), std::string(static_cast<std::size_t>(each.CacheFileSize),

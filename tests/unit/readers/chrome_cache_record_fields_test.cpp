@@ -19,7 +19,7 @@ TEST_F(ChromeCacheRecord, hasEveryField) {
         cache.add(entry("http://www.host.example:80/folder/page.html?q=1", "<html>"));
     read();
     ASSERT_THAT(reading.records(), SizeIs(1));
-    const URLClass &record = reading.records()[0];
+    const UrlRecord &record = reading.records()[0];
     EXPECT_EQ(record.SourceFile_ID, SourceFileId{7});
     EXPECT_EQ(record.Action, "Visited");
     EXPECT_EQ(record.Status, "URL");
@@ -57,7 +57,7 @@ TEST_F(ChromeCacheRecord, leavesOpenWhatTheReaderDoesNotKnow) {
     cache.add(entry("http://host.example/picture.jpg"));
     read();
     ASSERT_THAT(reading.records(), SizeIs(1));
-    const URLClass &record = reading.records()[0];
+    const UrlRecord &record = reading.records()[0];
     // Kind and category are settled by content and name on the way into the project.
     EXPECT_FALSE(record.IsPicture);
     EXPECT_FALSE(record.IsWebPage);
@@ -82,7 +82,7 @@ TEST_F(ChromeCacheRecord, namesTheFileOfItsBody) {
     cache.add(none);
     read();
     std::vector<std::string> files;
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         files.push_back(record.DataBlockFile);
     EXPECT_THAT(files, ElementsAre("data_1", "data_2", "data_3", "f_000001", "f_000000"));
     EXPECT_EQ(reading.records()[3].DataBlockFileOffset, 0);

@@ -43,8 +43,8 @@ struct ChromeCacheSample : testing::Test {
         reading.read(found.parent_path() / "index", evidence);
         return true;
     }
-    const URLClass *recordAt(std::int64_t offset) const {
-        for (const URLClass &record : reading.records())
+    const UrlRecord *recordAt(std::int64_t offset) const {
+        for (const UrlRecord &record : reading.records())
             if (record.MapFileOffset == offset)
                 return &record;
         return nullptr;
@@ -56,7 +56,7 @@ std::string wholeSeconds(const std::string &date) {
     return date.substr(0, 10) + "T" + date.substr(11, 8) + "Z";
 }
 
-void compare(const URLClass &record, const json &wanted) {
+void compare(const UrlRecord &record, const json &wanted) {
     EXPECT_EQ(record.URL, wanted.at("keyURL"));
     EXPECT_EQ(record.RecordSize, wanted.at("true_key_length"));
     EXPECT_EQ(isoUtc(record.ActionDateUTC), wholeSeconds(wanted.at("ActionDateUTC")));
@@ -85,7 +85,7 @@ TEST_F(ChromeCacheSample, givesTheCountedRecordsAndTellsOfTheRest) {
                                                    facts.at("rows_with_keyURL_cut_at_218_"
                                                             "characters"))));
     std::map<std::string, int> byBody;
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         ++byBody[record.DataBlockFile == "f_000000"
                      ? "content address 0 (by the rule named f_000000)"
                  : record.DataBlockFile.starts_with("f_") ? "separate file"
@@ -99,7 +99,7 @@ TEST_F(ChromeCacheSample, givesTheListedRecordsFieldByField) {
     ASSERT_FALSE(expected.at("records").empty());
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
-        const URLClass *record = recordAt(wanted.at("MapFileOffset"));
+        const UrlRecord *record = recordAt(wanted.at("MapFileOffset"));
         ASSERT_TRUE(record);
         compare(*record, wanted);
     }

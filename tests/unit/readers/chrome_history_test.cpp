@@ -28,7 +28,7 @@ class ChromeHistoryReader : public testing::Test {
         m_history.reset();
         return reading.read(ParseChromeHistoryFile, file());
     }
-    const URLClass &only() {
+    const UrlRecord &only() {
         read();
         EXPECT_EQ(reading.records().size(), 1U);
         EXPECT_TRUE(reading.log.entries.empty());
@@ -44,7 +44,7 @@ class ChromeHistoryReader : public testing::Test {
 
 TEST_F(ChromeHistoryReader, aRecordThatCantBeTakenIsCountedAndNotOnlyLogged) {
     struct RefusingSink final : RecordSink {
-        void save(URLClass &record) override {
+        void save(UrlRecord &record) override {
             if (record.URL == "http://refused/")
                 throw std::runtime_error("refused");
             ++saved;
@@ -58,7 +58,7 @@ TEST_F(ChromeHistoryReader, aRecordThatCantBeTakenIsCountedAndNotOnlyLogged) {
     const Evidence evidence(file().parent_path());
     ContentProbe content;
     HistoryFile artefact;
-    artefact.FullPath = file();
+    artefact.fullPath = file();
     RefusingSink sink;
     ReadContext context{artefact, evidence,    content,      reading.clock, reading.scratch.path(),
                         sink,     reading.log, reading.task, false};
@@ -75,7 +75,7 @@ TEST_F(ChromeHistoryReader, fillsEveryFieldOfARecord) {
                    .lastVisitTime = chromeTime(kStamp, 750'000),
                    .hidden = true});
     reading.clock.offset = std::chrono::hours(2);
-    const URLClass &record = only();
+    const UrlRecord &record = only();
     EXPECT_EQ(record.Action, "Visited");
     EXPECT_EQ(record.SourceFile_ID, SourceFileId{7});
     EXPECT_EQ(record.Reference_ID, 12);
@@ -119,7 +119,7 @@ TEST_F(ChromeHistoryReader, showsWhatItReads) {
 
 TEST_F(ChromeHistoryReader, tellsRowsThatNobodyVisited) {
     history().add({.url = "http://a/", .visitCount = 0});
-    const URLClass &record = only();
+    const UrlRecord &record = only();
     EXPECT_EQ(record.Status, "(autogen)");
     EXPECT_EQ(record.Action, "Visited"); // only Firefox's reader empties it
     EXPECT_FALSE(record.ActionDateUTC.has() || record.LastVisited.has());
@@ -177,7 +177,7 @@ TEST_F(ChromeHistoryReader, leavesEmptyWhatAVersionLacks) {
     history().run("DROP TABLE urls; DROP TABLE visits;"
                   "CREATE TABLE URLS(ID INTEGER PRIMARY KEY, Url TEXT);"
                   "INSERT INTO urls VALUES(5,'http://a/')");
-    const URLClass &record = only();
+    const UrlRecord &record = only();
     EXPECT_EQ(reading.result.state, ReadState::complete);
     EXPECT_EQ(record.Reference_ID, 5);
     EXPECT_EQ(record.URL, "http://a/");
@@ -235,7 +235,7 @@ TEST_F(ChromeHistoryReader, saysThatATableIsMissing) {
 
 TEST_F(ChromeHistoryReader, goesOnAfterARecordThatCanNotBeSaved) {
     struct Choosy final : RecordSink {
-        void save(URLClass &record) override {
+        void save(UrlRecord &record) override {
             if (record.Reference_ID == 2)
                 throw std::runtime_error("not this one");
             kept.push_back(record.Reference_ID);
@@ -245,7 +245,7 @@ TEST_F(ChromeHistoryReader, goesOnAfterARecordThatCanNotBeSaved) {
     test::addExamplePages(history());
     history().close();
     HistoryFile described;
-    described.FullPath = file();
+    described.fullPath = file();
     const Evidence evidence("");
     ContentProbe content;
     ReadContext context{described, evidence,    content,     reading.clock, reading.scratch.path(),

@@ -16,11 +16,11 @@ using test::chromeTime;
 constexpr std::int64_t kNow = 1308139200; // 2011-06-15 12:00, where the test's clock stands
 
 struct CookiesTest : testing::Test {
-    const URLClass &chromeRecord(const test::Cookie &cookie) {
+    const UrlRecord &chromeRecord(const test::Cookie &cookie) {
         test::ChromeCookies(folder.path() / "Cookies").add(cookie);
         return reading.read(ParseChromeCookiesFile, folder.path() / "Cookies").records().at(0);
     }
-    const URLClass &firefoxRecord(const test::Cookie &cookie) {
+    const UrlRecord &firefoxRecord(const test::Cookie &cookie) {
         test::FirefoxCookies(folder.path() / "cookies.sqlite").add(cookie);
         return reading.read(ParseFirefoxCookiesFile, folder.path() / "cookies.sqlite")
             .records()
@@ -31,7 +31,7 @@ struct CookiesTest : testing::Test {
 };
 
 TEST_F(CookiesTest, aChromeCookieFillsEveryField) {
-    const URLClass &r =
+    const UrlRecord &r =
         chromeRecord({".tools.example.com", "__utma", "211.103", chromeTime(kNow - 60),
                       chromeTime(kNow + 60), chromeTime(kNow - 3600)});
     EXPECT_EQ(r.URL, "tools.example.com");
@@ -57,7 +57,7 @@ TEST_F(CookiesTest, aChromeCookieFillsEveryField) {
 
 TEST_F(CookiesTest, aFirefoxCookieHasItsExpiryAsOtherDate) {
     reading.clock.offset = std::chrono::hours(2);
-    const URLClass &r =
+    const UrlRecord &r =
         firefoxRecord({"www.example.com", "id", "x", (kNow - 60) * 1'000'000, kNow - 30, 0});
     EXPECT_EQ(r.URL, "www.example.com");
     EXPECT_EQ(r.cacheType, "Firefox Cookies");
@@ -92,13 +92,14 @@ TEST_F(CookiesTest, onlyOneLeadingPointGoes) {
 }
 
 TEST_F(CookiesTest, aCookieOfOneSessionHasNoExpiryAndHasNotExpired) {
-    const URLClass &r = chromeRecord({.lastAccess = chromeTime(kNow), .expiry = 0, .creation = 1});
+    const UrlRecord &r = chromeRecord({.lastAccess = chromeTime(kNow), .expiry = 0, .creation = 1});
     EXPECT_FALSE(r.ExpiryDate.has());
     EXPECT_EQ(r.Status, "Cookie");
 }
 
 TEST_F(CookiesTest, stampsFarOutOfRangeAreNoDates) {
-    const URLClass &r = chromeRecord({.lastAccess = INT64_MAX, .expiry = INT64_MAX, .creation = 1});
+    const UrlRecord &r =
+        chromeRecord({.lastAccess = INT64_MAX, .expiry = INT64_MAX, .creation = 1});
     EXPECT_FALSE(r.ActionDateUTC.has());
     EXPECT_FALSE(r.ExpiryDate.has());
 }
@@ -108,7 +109,7 @@ TEST_F(CookiesTest, valuesOfTheWrongKindAreReadAsWhatTheyCanBe) {
     file.run("INSERT INTO moz_cookies(host, name, value, expiry, lastAccessed) VALUES "
              "(NULL, 7, x'E9', 'soon', 1308139200.9)");
     file.close();
-    const URLClass r = reading.read(ParseFirefoxCookiesFile, file.path()).records().at(0);
+    const UrlRecord r = reading.read(ParseFirefoxCookiesFile, file.path()).records().at(0);
     EXPECT_EQ(r.URL, "");
     EXPECT_EQ(r.URLFileName, "7");
     EXPECT_EQ(r.MetaData, "\u00e9");

@@ -11,7 +11,7 @@ using testing::SizeIs;
 
 class FirefoxCacheBody : public test::FirefoxCacheFixture {
   protected:
-    URLClass &only(const test::FirefoxCacheEntry &entry) {
+    UrlRecord &only(const test::FirefoxCacheEntry &entry) {
         read(FirefoxCache().add(entry));
         EXPECT_THAT(records(), SizeIs(1));
         return records().at(0);
@@ -35,13 +35,13 @@ TEST_F(FirefoxCacheBody, isFetchedFromEachBlockFileAndFromASeparateFile) {
 }
 
 TEST_F(FirefoxCacheBody, takesTheSuffixGiven) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = "x"});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x"});
     EXPECT_EQ(bodyOf(record, "png"), "x");
     EXPECT_EQ(record.RunTimeTempFilePath.extension(), ".png");
 }
 
 TEST_F(FirefoxCacheBody, isUnpacked) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = test::gzip("<html>packed")});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = test::gzip("<html>packed")});
     EXPECT_EQ(bodyOf(record), "<html>packed");
     EXPECT_TRUE(record.GZipEncoded);
 }
@@ -52,7 +52,7 @@ TEST_F(FirefoxCacheBody, mayBeEmpty) {
 }
 
 TEST_F(FirefoxCacheBody, isForRecordsThatAreStored) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = "x"});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x"});
     record.URLID = UrlId::none;
     EXPECT_EQ(bodyOf(record), "(none)");
     EXPECT_TRUE(record.RunTimeTempFilePath.empty());
@@ -70,7 +70,7 @@ TEST_F(FirefoxCacheBody, liesInFoldersNamedByTheHashInLaterCaches) {
 }
 
 TEST_F(FirefoxCacheBody, thatIsGoneLeavesTheRecordAsItIs) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = "x", .bodyFile = 0});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x", .bodyFile = 0});
     fs::remove(cachePath("A1000001d01"));
     EXPECT_EQ(bodyOf(record), "(none)");
     EXPECT_TRUE(record.CacheFileExists);
@@ -78,19 +78,19 @@ TEST_F(FirefoxCacheBody, thatIsGoneLeavesTheRecordAsItIs) {
 }
 
 TEST_F(FirefoxCacheBody, isNotFetchedWithoutTheMap) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = "x"});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x"});
     fs::remove(cachePath("_CACHE_MAP_"));
     EXPECT_EQ(bodyOf(record), "(none)");
 }
 
 TEST_F(FirefoxCacheBody, isNotFetchedWithoutItsBlockFile) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = "x"});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x"});
     fs::remove(cachePath("_CACHE_001_"));
     EXPECT_EQ(bodyOf(record), "(none)");
 }
 
 TEST_F(FirefoxCacheBody, isFoundWhereTheEvidenceWasMovedTo) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = "x"});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x"});
     const test::TempFolder elsewhere;
     fs::rename(cachePath(""), elsewhere.path() / "Cache");
     EXPECT_EQ(bodyOf(record), "(none)");
@@ -99,13 +99,13 @@ TEST_F(FirefoxCacheBody, isFoundWhereTheEvidenceWasMovedTo) {
 }
 
 TEST_F(FirefoxCacheBody, isWhatThereIsOfALongerOne) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = std::string(100, 'x')});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = std::string(100, 'x')});
     for (const std::int64_t size : {std::int64_t{0x10000}, std::int64_t{0xFFFFFFFF}}) {
         record.CacheFileSize = size;
         // The 256 bytes of its block and the 512 of the metadata after it.
         EXPECT_THAT(bodyOf(record), SizeIs(256 + 512)) << size;
     }
-    URLClass &separate =
+    UrlRecord &separate =
         only({.key = "HTTP:http://host/", .body = std::string(100, 'x'), .bodyFile = 0});
     separate.CacheFileSize = 0xFFFFFFFF;
     EXPECT_EQ(bodyOf(separate), std::string(100, 'x'));
@@ -121,7 +121,7 @@ TEST_F(FirefoxCacheBody, ofABlockFileHasALimit) {
 }
 
 TEST_F(FirefoxCacheBody, afterTheEndOfItsBlockFileIsNone) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = "x"});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x"});
     for (const std::int64_t offset : {std::int64_t{0x100000}, std::int64_t{0x1000FFFFFF}, // after
                                       std::int64_t{-1}}) {
         record.DataBlockFileOffset = offset;
@@ -131,7 +131,7 @@ TEST_F(FirefoxCacheBody, afterTheEndOfItsBlockFileIsNone) {
 }
 
 TEST_F(FirefoxCacheBody, neverComesFromOutsideOfTheCacheFolder) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = "x", .bodyFile = 0});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x", .bodyFile = 0});
     folder.write("secretd01", "secret");
     const std::string outside = folder.path() / "secret";
     for (const std::string &name : {std::string("../secret"), std::string("..\\secret"), outside,
@@ -149,7 +149,7 @@ TEST_F(FirefoxCacheBody, neverComesFromOutsideOfTheCacheFolder) {
 }
 
 TEST_F(FirefoxCacheBody, isNotFetchedThroughALink) {
-    URLClass &record = only({.key = "HTTP:http://host/", .body = "x", .bodyFile = 0});
+    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x", .bodyFile = 0});
     const auto secret = folder.write("secret", "secret");
     fs::remove(cachePath("A1000001d01"));
     fs::create_symlink(secret, cachePath("A1000001d01"));

@@ -11,17 +11,17 @@ using testing::IsEmpty;
 
 class FirefoxCacheRecord : public test::FirefoxCacheFixture {
   protected:
-    URLClass recordOf(const test::FirefoxCacheEntry &entry) {
+    UrlRecord recordOf(const test::FirefoxCacheEntry &entry) {
         read(FirefoxCache().add(entry));
         EXPECT_EQ(records().size(), 1u);
-        return records().empty() ? URLClass() : records().front();
+        return records().empty() ? UrlRecord() : records().front();
     }
 };
 
 TEST_F(FirefoxCacheRecord, hasEveryFieldOfAnEntryInABlockFile) {
     clock.offset = std::chrono::minutes(60);
-    file.SourceFile_ID = SourceFileId{7};
-    const URLClass record =
+    file.sourceFileID = SourceFileId{7};
+    const UrlRecord record =
         recordOf({.key = "HTTP:http://user@www.harbour-news.example/a/index.html?x=1&y=2",
                   .body = std::string(300, 'b'),
                   .fetched = 1300000000,
@@ -72,7 +72,7 @@ TEST_F(FirefoxCacheRecord, hasEveryFieldOfAnEntryInABlockFile) {
 }
 
 TEST_F(FirefoxCacheRecord, ofASeparateFileIsNamedByItsHashWithAnOffsetOfZero) {
-    const URLClass record =
+    const UrlRecord record =
         recordOf({.key = "HTTP:http://host/", .body = "x", .hash = 0xF3D3A001, .bodyFile = 0});
     EXPECT_EQ(record.DataBlockFile, "F3D3A001");
     EXPECT_EQ(record.DataBlockFileOffset, 0);
@@ -88,7 +88,7 @@ TEST_F(FirefoxCacheRecord, hasTheOffsetsOfItsBlocks) {
     read(cache);
     ASSERT_EQ(records().size(), 6u);
     std::vector<std::string> places;
-    for (const URLClass &record : records())
+    for (const UrlRecord &record : records())
         places.push_back(fmt::format("{} {} {} {}", record.DataBlockFile,
                                      record.DataBlockFileOffset, record.MapFileOffset,
                                      record.RecordSize));
@@ -115,7 +115,7 @@ TEST_F(FirefoxCacheRecord, hasAUrlWithoutTheClosingZero) {
 }
 
 TEST_F(FirefoxCacheRecord, isStoredWithoutAUrl) {
-    const URLClass record = recordOf({.key = "", .closingZero = false});
+    const UrlRecord record = recordOf({.key = "", .closingZero = false});
     EXPECT_EQ(record.URL, "");
     EXPECT_EQ(record.host, "");
     EXPECT_EQ(record.MetaData.substr(0, 14), "request-method");
@@ -129,7 +129,7 @@ TEST_F(FirefoxCacheRecord, isStoredWithoutHeaders) {
 }
 
 TEST_F(FirefoxCacheRecord, readsTextAsWindows1252) {
-    const URLClass record =
+    const UrlRecord record =
         recordOf({.key = "HTTP:http://host/caf\xE9", .headers = "X: \x80\x81\0"s});
     EXPECT_EQ(record.URL, "http://host/caf\u00E9");
     EXPECT_EQ(record.MetaData, "X: \u20AC\u0081 ");
@@ -138,7 +138,7 @@ TEST_F(FirefoxCacheRecord, readsTextAsWindows1252) {
 // What a picture or script is comes out when its body is looked at; the headers don't decide.
 TEST_F(FirefoxCacheRecord, leavesAsAWebPageWhateverItIs) {
     for (const char *type : {"text/html", "image/gif", "text/javascript"}) {
-        const URLClass record =
+        const UrlRecord record =
             recordOf({.key = "HTTP:http://host/a.gif", .headers = test::cacheHeaders(type)});
         EXPECT_TRUE(record.IsWebPage) << type;
         EXPECT_FALSE(record.IsPicture) << type;
@@ -152,7 +152,7 @@ TEST_F(FirefoxCacheRecord, saysWhetherATagMayStandForIt) {
 }
 
 TEST_F(FirefoxCacheRecord, hasTheFirstAndTheLastDate) {
-    URLClass record = recordOf({.key = "HTTP:http://host/", .fetched = 1, .modified = 0x7FFFFFFF});
+    UrlRecord record = recordOf({.key = "HTTP:http://host/", .fetched = 1, .modified = 0x7FFFFFFF});
     EXPECT_EQ(record.ActionDateUTC, Date::fromCivil({1970, 1, 1, 0, 0, 1}));
     EXPECT_EQ(record.OtherDate, Date::fromCivil({2038, 1, 19, 3, 14, 7}));
     record = recordOf({.key = "HTTP:http://host/", .fetched = 0x80000000, .modified = 0xFFFFFFFF});
@@ -161,7 +161,7 @@ TEST_F(FirefoxCacheRecord, hasTheFirstAndTheLastDate) {
 }
 
 TEST_F(FirefoxCacheRecord, hasNoDateWhereNoneWasSet) {
-    const URLClass record = recordOf({.key = "HTTP:http://host/", .fetched = 0, .modified = 0});
+    const UrlRecord record = recordOf({.key = "HTTP:http://host/", .fetched = 0, .modified = 0});
     EXPECT_FALSE(record.ActionDateUTC.has());
     EXPECT_FALSE(record.ActionDateLocal.has());
     EXPECT_FALSE(record.OtherDate.has());
@@ -179,7 +179,7 @@ TEST_F(FirefoxCacheRecord, keepsNumbersOfTheHighestBit) {
 
 TEST_F(FirefoxCacheRecord, hasTheMapsFolderOutsideOfTheBaseFolderToo) {
     base = "/somewhere/else";
-    const URLClass record = recordOf({.key = "HTTP:http://host/"});
+    const UrlRecord record = recordOf({.key = "HTTP:http://host/"});
     EXPECT_EQ(record.RootPath, "/");
     EXPECT_EQ(record.RootPath + record.CacheRootPath, folder.path() / "Cache");
     EXPECT_EQ(record.CacheFileRelativePath, record.CacheRootPath);
@@ -187,7 +187,7 @@ TEST_F(FirefoxCacheRecord, hasTheMapsFolderOutsideOfTheBaseFolderToo) {
 
 TEST_F(FirefoxCacheRecord, hasAnEmptyFolderForAMapInTheBaseFolderItself) {
     base = folder.path() / "Cache";
-    const URLClass record = recordOf({.key = "HTTP:http://host/"});
+    const UrlRecord record = recordOf({.key = "HTTP:http://host/"});
     EXPECT_EQ(record.RootPath, base.string() + "/");
     EXPECT_EQ(record.CacheRootPath, "");
 }

@@ -31,8 +31,8 @@ class FirefoxCacheSample : public test::FirefoxCacheFixture {
         return true;
     }
 
-    URLClass *recordOf(const json &wanted) {
-        for (URLClass &record : records())
+    UrlRecord *recordOf(const json &wanted) {
+        for (UrlRecord &record : records())
             if (record.URL == wanted.at("URL") &&
                 record.DataBlockFileOffset == wanted.at("DataBlockFileOffset"))
                 return &record;
@@ -62,11 +62,11 @@ TEST_F(FirefoxCacheSample, ofFirefox3GivesTheCountedRecordsAndSaysWhatItPassesOv
     EXPECT_EQ(records().size(), expected.at("expected").at("rows_by_the_letter"));
     EXPECT_EQ(result.state, ReadState::complete);
     EXPECT_THAT(messages(), IsEmpty());
-    EXPECT_EQ(file.Version, "3.0");
+    EXPECT_EQ(file.version, "3.0");
     EXPECT_THAT(result.passedOver,
                 ElementsAre(Pair("bucket 0", 1), Pair("metadata in one block", 1)));
     std::map<std::string, int> byFile;
-    for (const URLClass &record : records())
+    for (const UrlRecord &record : records())
         ++byFile[record.DataBlockFileOffset == 0 ? "0" : record.DataBlockFile];
     json wanted = expected.at("expected").at("rows_by_data_file");
     EXPECT_EQ(json(byFile), wanted);
@@ -78,7 +78,7 @@ TEST_F(FirefoxCacheSample, ofFirefox3GivesTheListedRecordsFieldByField) {
     int found = 0;
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
-        URLClass *record = recordOf(wanted);
+        UrlRecord *record = recordOf(wanted);
         // An entry with metadata in one block is listed by none of the earlier cases.
         ASSERT_EQ(record == nullptr, wanted.contains("note"));
         if (!record)
@@ -108,7 +108,7 @@ TEST_F(FirefoxCacheSample, ofFirefox3GivesEveryBody) {
         md5ByFile[fs::path(each.at("path").get<std::string>()).filename()] = each.at("md5");
     int packed = 0;
     int separate = 0;
-    for (URLClass &record : records()) {
+    for (UrlRecord &record : records()) {
         const std::string body = bodyOf(record);
         ASSERT_TRUE(record.GZipEncoded ||
                     body.size() == static_cast<std::size_t>(record.CacheFileSize))

@@ -72,9 +72,9 @@ TEST_F(FirefoxCacheWalk, readsBytesAndWordsOfAnOpenFile) {
 TEST_F(FirefoxCacheWalk, readsBothVersionsInTheOrderOfTheMap) {
     read(cacheOf(3, FirefoxCache::kFirefox2));
     EXPECT_THAT(urls(), ElementsAre("http://1/", "http://2/", "http://3/"));
-    EXPECT_EQ(file.Version, "2.0");
+    EXPECT_EQ(file.version, "2.0");
     read(cacheOf(2));
-    EXPECT_EQ(file.Version, "3.0");
+    EXPECT_EQ(file.version, "3.0");
     EXPECT_EQ(records().size(), 2u);
     EXPECT_EQ(result.state, ReadState::complete);
     EXPECT_THAT(messages(), IsEmpty());

@@ -24,7 +24,7 @@ class FirefoxPlaces : public testing::Test {
         m_places.reset();
         return reading.read(ParseFirefox3HistoryFile, file());
     }
-    const URLClass &only() {
+    const UrlRecord &only() {
         read();
         EXPECT_EQ(reading.records().size(), 1U);
         EXPECT_TRUE(reading.log.entries.empty());
@@ -45,7 +45,7 @@ TEST_F(FirefoxPlaces, fillsEveryFieldOfARecord) {
                   .visitCount = 5,
                   .hidden = true,
                   .visitDates = {firefoxTime(kStamp, 999'999)}});
-    const URLClass &record = only();
+    const UrlRecord &record = only();
     EXPECT_EQ(record.Action, "Visited");
     EXPECT_EQ(record.SourceFile_ID, SourceFileId{7});
     EXPECT_EQ(record.Reference_ID, 4);
@@ -81,7 +81,7 @@ TEST_F(FirefoxPlaces, showsWhatItReads) {
 
 TEST_F(FirefoxPlaces, tellsPlacesThatNobodyVisited) {
     places().add({.url = "place:sort=8", .visitCount = 0});
-    const URLClass &record = only();
+    const UrlRecord &record = only();
     EXPECT_EQ(record.Status, "(autogen)");
     EXPECT_EQ(record.Action, "");
     EXPECT_EQ(record.URLProtocol, "place");
@@ -147,7 +147,7 @@ TEST_F(FirefoxPlaces, hasNoDateWhereNoneIsStored) {
         .run("INSERT INTO moz_historyvisits(place_id,visit_date) VALUES(4,'soon')");
     read();
     ASSERT_EQ(reading.records().size(), 4U);
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         EXPECT_FALSE(record.ActionDateUTC.has()) << record.URL;
     EXPECT_TRUE(reading.log.entries.empty());
 }

@@ -48,21 +48,21 @@ TEST_F(HistExSample, givesTheCountedRecords) {
     const IndexReading reading = read(kByName, HistoryFileType::histEx);
     const json &counts = expected.at("expected").at(kByName);
     EXPECT_EQ(reading.records().size(), counts.at("rows").get<std::size_t>());
-    const auto redirects = std::ranges::count(reading.records(), "REDR", &URLClass::Status);
+    const auto redirects = std::ranges::count(reading.records(), "REDR", &UrlRecord::Status);
     EXPECT_EQ(redirects, counts.at("rows_by_signature").at("REDR").get<int>());
     EXPECT_EQ(reading.records().at(0).MapFileOffset, counts.at("first_hit_offset"));
-    EXPECT_EQ(reading.file.Version, counts.at("version_text"));
+    EXPECT_EQ(reading.file.version, counts.at("version_text"));
 }
 
 TEST_F(HistExSample, givesTheListedRecords) {
     const IndexReading reading = read(kByName, HistoryFileType::histEx);
-    std::map<std::int64_t, const URLClass *> byOffset;
-    for (const URLClass &record : reading.records())
+    std::map<std::int64_t, const UrlRecord *> byOffset;
+    for (const UrlRecord &record : reading.records())
         byOffset[record.MapFileOffset] = &record;
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
         ASSERT_TRUE(byOffset.contains(wanted.at("offset")));
-        const URLClass &record = *byOffset[wanted.at("offset")];
+        const UrlRecord &record = *byOffset[wanted.at("offset")];
         EXPECT_EQ(record.URLRawValue, wanted.at("URLRawValue"));
         EXPECT_EQ(record.Status, wanted.at("Status"));
         if (record.Status == "REDR") {

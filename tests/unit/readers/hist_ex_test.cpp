@@ -37,7 +37,7 @@ IndexReading read(const HistEx &file) {
 
 std::vector<std::int64_t> offsetsOf(const IndexReading &reading) {
     std::vector<std::int64_t> offsets;
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         offsets.push_back(record.MapFileOffset);
     return offsets;
 }
@@ -52,7 +52,7 @@ TEST(HistEx, givesAllFieldsOfARecord) {
     for (const auto type : {HistoryFileType::histEx, HistoryFileType::histExIndex}) {
         const IndexReading reading = readAs(type, file);
         ASSERT_THAT(reading.records(), SizeIs(1));
-        const URLClass &record = reading.records()[0];
+        const UrlRecord &record = reading.records()[0];
         EXPECT_EQ(record.URL, "http://www.example.com:80/a b?c=d");
         EXPECT_EQ(record.URLRawValue, "Visited: user@http://www.example.com:80/a%20b?c=d");
         EXPECT_EQ(record.host, "www.example.com");
@@ -255,7 +255,7 @@ TEST(HistEx, givesNoDateForStampsThatAreNone) {
     file.add({.url = "http://host/", .secondDate = 0xFFFFFFFFFFFFFFFF});
     const IndexReading reading = read(file);
     ASSERT_THAT(reading.records(), SizeIs(3));
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         EXPECT_FALSE(record.ActionDateUTC.has() || record.CacheFileCreatedGMTDOS.has());
     EXPECT_EQ(reading.records()[1].Visits, -559038737); // signed, as all numbers of the format
     EXPECT_EQ(reading.records()[1].URL, "page[1].htm");

@@ -33,7 +33,7 @@ struct IECachedFile : testing::Test {
                     const std::string &signature = "URL ") {
         return index.add({.signature = signature, .url = url, .folder = 0, .fileName = fileName});
     }
-    URLClass only() {
+    UrlRecord only() {
         reading.readFile(disk.write(kCache / "index.dat", index.bytes()), disk.path());
         EXPECT_THAT(reading.records(), SizeIs(1));
         return reading.records().at(0);
@@ -45,7 +45,7 @@ TEST_F(IECachedFile, isFoundInItsFolderBelowTheIndex) {
     const timeval accessed[2] = {{1308139200, 0}, {0, 0}};
     ASSERT_EQ(::utimes(file.c_str(), accessed), 0);
     add("page[1].HTM");
-    const URLClass record = only();
+    const UrlRecord record = only();
     EXPECT_TRUE(record.CacheFileExists);
     EXPECT_EQ(record.RootPath, textOf(disk.path()) + "/");
     EXPECT_EQ(record.CacheFileRelativePath, (kCache / "ABCDEFGH/Page[1].htm").string());
@@ -63,7 +63,7 @@ TEST_F(IECachedFile, isFoundInItsFolderBelowTheIndex) {
 
 TEST_F(IECachedFile, thatIsGoneLeavesTheRecord) {
     add("page[1].htm");
-    const URLClass record = only();
+    const UrlRecord record = only();
     EXPECT_FALSE(record.CacheFileExists);
     EXPECT_EQ(record.Status, "URL");
     EXPECT_EQ(record.RootPath, textOf(disk.path()) + "/");
@@ -87,7 +87,7 @@ TEST_F(IECachedFile, makesALeakAUrlWhenItIsGone) {
 TEST_F(IECachedFile, mayLieBesideTheIndexWithoutAFolder) {
     disk.write(kCache / "loose.txt", "x");
     index.add({.url = "http://host/", .folder = 0xFE, .fileName = "loose.txt"});
-    const URLClass record = only();
+    const UrlRecord record = only();
     EXPECT_TRUE(record.CacheFileExists);
     EXPECT_EQ(record.CacheFolderName, "");
     EXPECT_EQ(record.CacheFileRelativePath, (kCache / "loose.txt").string());
@@ -103,7 +103,7 @@ TEST_F(IECachedFile, isNotSoughtOutsideOfTheIndexsFolder) {
 TEST_F(IECachedFile, isNoWebPageWhenTheBrowserItselfBroughtIt) {
     content("err[1]", "<BODY>");
     add("err[1]", "RES://ieframe.dll/http_404.htm");
-    const URLClass record = only();
+    const UrlRecord record = only();
     EXPECT_EQ(record.Category, "IE Resource");
     EXPECT_FALSE(record.IsWebPage);
 }
@@ -111,7 +111,7 @@ TEST_F(IECachedFile, isNoWebPageWhenTheBrowserItselfBroughtIt) {
 TEST_F(IECachedFile, withoutHtmlGetsNoCategory) {
     content("err[1].js", "var a;");
     add("err[1].js", "res://ieframe.dll/errorPageStrings.js");
-    const URLClass record = only();
+    const UrlRecord record = only();
     EXPECT_EQ(record.Category, "");
     EXPECT_FALSE(record.IsWebPage);
     EXPECT_TRUE(record.CacheFileExists);
@@ -127,7 +127,7 @@ TEST_F(IECachedFile, givesItsTitleForPagesAndFilesWithoutExtensionOnly) {
             add(name);
         }
     reading.readFile(disk.write(kCache / "index.dat", index.bytes()), disk.path());
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         EXPECT_EQ(record.WebpageTitle,
                   testing::Matches(testing::Contains(record.CacheFileName))(titled) ? "Title" : "")
             << record.CacheFileName;
@@ -137,7 +137,7 @@ TEST_F(IECachedFile, isOfNoConcernToHistoriesAndRedirects) {
     content("page[1].htm", "<html>");
     add("page[1].htm", "Visited: user@http://host/");
     index.addRedirect("http://host/");
-    reading.file.HistoryFileType = HistoryFileType::ieHistory;
+    reading.file.historyFileType = HistoryFileType::ieHistory;
     reading.readFile(disk.write(kCache / "index.dat", index.bytes()), disk.path());
     ASSERT_THAT(reading.records(), SizeIs(2));
     EXPECT_FALSE(reading.records()[0].CacheFileExists);
@@ -148,7 +148,7 @@ TEST_F(IECachedFile, isOfNoConcernToHistoriesAndRedirects) {
 
 TEST_F(IECachedFile, ofARedirectInACacheKeepsItsStatus) {
     index.addRedirect("http://host/");
-    const URLClass record = only();
+    const UrlRecord record = only();
     EXPECT_EQ(record.Status, "REDR");
     EXPECT_EQ(record.cacheType, "IE Cache");
     EXPECT_FALSE(record.CacheFileExists);
@@ -156,14 +156,14 @@ TEST_F(IECachedFile, ofARedirectInACacheKeepsItsStatus) {
 
 TEST_F(IECachedFile, ofAnImportedBinaryIsTheIndexItself) {
     add("page[1].htm");
-    reading.file.HistoryFileType = HistoryFileType::importedBinary;
+    reading.file.historyFileType = HistoryFileType::importedBinary;
     EXPECT_EQ(only().CacheRootPath, (kCache / "index.dat").string());
 }
 
 TEST_F(IECachedFile, thatCannotBeReadCostsNotTheRecord) {
     const fs::path file = content("page[1].htm", "<html>");
     add("page[1].htm");
-    reading.file.FullPath = disk.write(kCache / "index.dat", index.bytes());
+    reading.file.fullPath = disk.write(kCache / "index.dat", index.bytes());
     const Evidence evidence(disk.path());
     ASSERT_TRUE(evidence.find(file.parent_path(), "page[1].htm"));
     fs::remove(file); // the listing knows it still

@@ -13,13 +13,13 @@ using test::fileTime;
 using test::IndexRecord;
 using test::recordBytes;
 
-URLClass parse(const std::string &bytes, DeletedFlag deleted = DeletedFlag::no,
-               int offsetMinutes = 0) {
+UrlRecord parse(const std::string &bytes, DeletedFlag deleted = DeletedFlag::no,
+                int offsetMinutes = 0) {
     HistoryFile file;
-    file.HistoryFileType = HistoryFileType::ieCookies;
-    file.FullPath = "/evidence/Cookies/index.dat";
-    file.Version = "5.2";
-    file.SourceFile_ID = SourceFileId{7};
+    file.historyFileType = HistoryFileType::ieCookies;
+    file.fullPath = "/evidence/Cookies/index.dat";
+    file.version = "5.2";
+    file.sourceFileID = SourceFileId{7};
     test::FixedClock clock;
     clock.offset = std::chrono::minutes(offsetMinutes);
     return ParseIECookie(viewOf(bytes), file, 4711, deleted, clock);
@@ -35,12 +35,12 @@ IndexRecord cookie(const std::string &text) {
             .fileName = "user@example[2].txt"};
 }
 
-URLClass parsed(const std::string &text) {
+UrlRecord parsed(const std::string &text) {
     return parse(recordBytes(cookie(text)));
 }
 
 TEST(ParseIECookie, givesAllFields) {
-    const URLClass record = parsed("Cookie:user@www.example.com/shop/a%20b?c=d");
+    const UrlRecord record = parsed("Cookie:user@www.example.com/shop/a%20b?c=d");
     EXPECT_EQ(record.Status, "Cookie");
     EXPECT_EQ(record.HistoryFilePath, "/evidence/Cookies/index.dat");
     EXPECT_EQ(record.MapFileOffset, 4711);
@@ -75,7 +75,7 @@ TEST(ParseIECookie, givesAllFields) {
 
 // The event is told in UTC; the other dates stand as the examiner's machine shows them.
 TEST(ParseIECookie, keepsItsDatesWhateverTheZoneOfTheExaminersMachine) {
-    const URLClass record = parse(recordBytes(cookie("Cookie:user@host/")), DeletedFlag::no, 120);
+    const UrlRecord record = parse(recordBytes(cookie("Cookie:user@host/")), DeletedFlag::no, 120);
     EXPECT_EQ(record.ActionDateUTC, Date::fromCivil({2011, 6, 16, 7, 8, 9}));
     EXPECT_EQ(record.ActionDateLocal, Date::fromCivil({2011, 6, 16, 9, 8, 9}));
     EXPECT_EQ(record.CacheFileLastAccessed, Date::fromCivil({2011, 6, 16, 7, 8, 9}));
@@ -85,7 +85,7 @@ TEST(ParseIECookie, keepsItsDatesWhateverTheZoneOfTheExaminersMachine) {
 
 TEST(ParseIECookie, givesNoDateForStampsThatAreNone) {
     for (const std::uint64_t stamp : {0ULL, 0xFFFFFFFFFFFFFFFFULL, 0x7FFFFFFFFFFFFFFFULL}) {
-        const URLClass record = parse(
+        const UrlRecord record = parse(
             recordBytes({.url = "x", .firstDate = stamp, .secondDate = stamp, .expiry = stamp}),
             DeletedFlag::no, 120);
         EXPECT_FALSE(record.OtherDate.has());
@@ -145,7 +145,7 @@ TEST(ParseIECookie, takesForTheUrlOnlyWhatStandsAfterTheAtSign) {
 }
 
 TEST(ParseIECookie, cleansAndDecodesTheUrlAfterTheAtSign) {
-    const URLClass record = parsed("Cookie:user@~~local~~/http://host.example:8080/%E2%82%AC?");
+    const UrlRecord record = parsed("Cookie:user@~~local~~/http://host.example:8080/%E2%82%AC?");
     EXPECT_EQ(record.URL, "http://host.example:8080/\u20ac?");
     EXPECT_EQ(record.host, "host.example");
     EXPECT_EQ(record.URLProtocol, "http");
@@ -172,7 +172,7 @@ TEST(ParseIECookie, takesNumbersAsSigned) {
     IndexRecord record = cookie("Cookie:user@host/");
     record.fileSize = 0xFFFFFFFF;
     record.hits = 0xFFFFFFFE;
-    const URLClass read = parse(recordBytes(record));
+    const UrlRecord read = parse(recordBytes(record));
     EXPECT_EQ(read.CacheFileSize, -1);
     EXPECT_EQ(read.Visits, -2);
 }
@@ -180,7 +180,7 @@ TEST(ParseIECookie, takesNumbersAsSigned) {
 TEST(ParseIECookie, hasNoNameForAnOffsetOfZero) {
     IndexRecord record = cookie("Cookie:user@host/");
     record.fileName.clear();
-    const URLClass read = parse(recordBytes(record));
+    const UrlRecord read = parse(recordBytes(record));
     EXPECT_EQ(read.CacheFileName + read.CacheFileExt, "");
 }
 

@@ -40,9 +40,9 @@ std::string shown(const Date &date) {
 TEST_F(IECookiesSample, givesAllRecords) {
     const json &counts = expected.at("expected");
     EXPECT_EQ(reading.records().size(), counts.at("rows").get<std::size_t>());
-    EXPECT_EQ(std::ranges::count_if(reading.records(), &URLClass::CacheFileExists),
+    EXPECT_EQ(std::ranges::count_if(reading.records(), &UrlRecord::CacheFileExists),
               counts.at("rows_with_cookie_file_present").get<int>());
-    EXPECT_EQ(reading.file.Version, counts.at("version_text"));
+    EXPECT_EQ(reading.file.version, counts.at("version_text"));
     EXPECT_EQ(reading.result.state, ReadState::complete);
     EXPECT_THAT(reading.result.passedOver, testing::IsEmpty());
     EXPECT_THAT(reading.log.entries, testing::IsEmpty());
@@ -53,7 +53,7 @@ TEST_F(IECookiesSample, givesTheListedRecordsFieldByField) {
     for (std::size_t i = 0; i < reading.records().size(); ++i) {
         const json &wanted = expected.at("records")[i];
         SCOPED_TRACE(wanted.dump());
-        const URLClass &record = reading.records()[i];
+        const UrlRecord &record = reading.records()[i];
         EXPECT_EQ(record.MapFileOffset, wanted.at("record_offset"));
         EXPECT_EQ(record.RecordSize, wanted.at("record_length"));
         for (const auto &[field, value] : std::vector<std::pair<const char *, std::string>>{

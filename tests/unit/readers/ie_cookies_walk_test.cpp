@@ -32,7 +32,7 @@ IndexReading readBytes(const std::string &bytes) {
 
 std::vector<std::string> urlsOf(const IndexReading &reading) {
     std::vector<std::string> urls;
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         urls.push_back(record.URL);
     return urls;
 }
@@ -60,7 +60,7 @@ TEST_F(CookiesFolder, givesTheTextOfTheFileBesideTheIndex) {
     index.add(cookie("www.example.com", "user@www.example[1].txt"));
     writeText("user@www.example[1].txt", "name\nvalue\nwww.example.com/\n1024\n*\n");
     const IndexReading reading = read(index);
-    const URLClass &record = reading.records().at(0);
+    const UrlRecord &record = reading.records().at(0);
     EXPECT_TRUE(record.CacheFileExists);
     EXPECT_EQ(record.CacheFolderName, "Cookies");
     EXPECT_EQ(record.CacheRootPath, (disk.path() / kFolder).string());
@@ -87,7 +87,7 @@ TEST_F(CookiesFolder, keepsACookieWhoseFileIsMissing) {
     index.add(cookie("unnamed"));
     const IndexReading reading = read(index);
     ASSERT_THAT(reading.records(), SizeIs(2));
-    for (const URLClass &record : reading.records()) {
+    for (const UrlRecord &record : reading.records()) {
         EXPECT_FALSE(record.CacheFileExists);
         EXPECT_EQ(record.MetaData + record.Category + record.CacheFileRelativePath, "");
         EXPECT_EQ(record.CacheFolderName + record.CacheRootPath, "");
@@ -125,12 +125,12 @@ TEST_F(CookiesFolder, keepsTheBeginningOfAFileThatIsTooLong) {
 
 /// Removes a file as soon as the first record is there: the next one finds it in the listing only.
 struct RemovingSink final : RecordSink {
-    void save(URLClass &record) override {
+    void save(UrlRecord &record) override {
         fs::remove(file);
         records.push_back(record);
     }
     fs::path file;
-    std::vector<URLClass> records;
+    std::vector<UrlRecord> records;
 };
 
 TEST_F(CookiesFolder, saysSoWhenTheFileCanNotBeRead) {
@@ -140,7 +140,7 @@ TEST_F(CookiesFolder, saysSoWhenTheFileCanNotBeRead) {
     RemovingSink sink;
     sink.file = disk.write(kFolder / "a.txt", "text");
     HistoryFile file;
-    file.FullPath = disk.write(kFolder / "index.dat", index.bytes());
+    file.fullPath = disk.write(kFolder / "index.dat", index.bytes());
     const Evidence evidence(disk.path());
     ContentProbe content;
     const test::FixedClock clock;
@@ -177,8 +177,8 @@ TEST(IECookies, storesTheVersionAndKeepsTheType) {
     index.add(cookie("host"));
     const IndexReading reading = readBytes(index.bytes());
     EXPECT_EQ(reading.records().at(0).HistoryVersion, "4.7");
-    EXPECT_EQ(reading.file.Version, "4.7");
-    EXPECT_EQ(reading.file.HistoryFileType, HistoryFileType::ieCookies);
+    EXPECT_EQ(reading.file.version, "4.7");
+    EXPECT_EQ(reading.file.historyFileType, HistoryFileType::ieCookies);
 }
 
 TEST(IECookies, takesUrlRecordsInAnyCaseAndCountsAllOthers) {

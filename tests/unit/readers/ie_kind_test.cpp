@@ -19,7 +19,7 @@ std::string indexWith(const std::string &url, const std::string &folder = {}) {
 
 HistoryFileType kindOf(const std::string &bytes, HistoryFileType type,
                        const std::string &folder = "/evidence") {
-    return IndexReading(type).readBytes(bytes, folder + "/index.dat").file.HistoryFileType;
+    return IndexReading(type).readBytes(bytes, folder + "/index.dat").file.historyFileType;
 }
 
 HistoryFileType kindInFolder(const std::string &folder) {
@@ -34,7 +34,7 @@ HistoryFileType kindByText(const std::string &url, HistoryFileType type = Histor
 TEST(IEKind, ofACacheIndexWithoutFoldersIsMainHistory) {
     const std::string bytes = indexWith("http://host/");
     const IndexReading reading = IndexReading(HistoryFileType::ieCache).readBytes(bytes);
-    EXPECT_EQ(reading.file.HistoryFileType, HistoryFileType::ieHistory);
+    EXPECT_EQ(reading.file.historyFileType, HistoryFileType::ieHistory);
     EXPECT_EQ(reading.records().at(0).cacheType, "IE History");
 }
 
@@ -109,8 +109,8 @@ TEST(IEKind, takesUpToThreeCharactersOfVersionForHistoriesAndCachesOnly) {
         index.version(version).add({.url = "http://host/"});
         IndexReading reading(type);
         reading.readBytes(index.bytes());
-        EXPECT_EQ(reading.records().at(0).HistoryVersion, reading.file.Version);
-        return reading.file.Version;
+        EXPECT_EQ(reading.records().at(0).HistoryVersion, reading.file.version);
+        return reading.file.version;
     };
     EXPECT_EQ(versionFor(HistoryFileType::ieHistory, "5.2"), "5.2");
     EXPECT_EQ(versionFor(HistoryFileType::ieHistory, "10.2"), "10.");

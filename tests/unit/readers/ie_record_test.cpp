@@ -26,31 +26,31 @@ test::IndexRecord dated(const std::string &url) {
             .secondDate = fileTime(2011, 6, 15, 12, 30, 0)};
 }
 
-std::optional<URLClass> parse(const std::string &bytes, HistoryFileType type,
-                              const FolderList &folders = {}, DeletedFlag deleted = DeletedFlag::no,
-                              int offsetMinutes = 0) {
+std::optional<UrlRecord> parse(const std::string &bytes, HistoryFileType type,
+                               const FolderList &folders = {},
+                               DeletedFlag deleted = DeletedFlag::no, int offsetMinutes = 0) {
     HistoryFile file;
-    file.HistoryFileType = type;
-    file.FullPath = "/evidence/index.dat";
-    file.Version = "5.2";
-    file.SourceFile_ID = SourceFileId{7};
+    file.historyFileType = type;
+    file.fullPath = "/evidence/index.dat";
+    file.version = "5.2";
+    file.sourceFileID = SourceFileId{7};
     test::FixedClock clock;
     clock.offset = std::chrono::minutes(offsetMinutes);
     return ParseIEURL(viewOf(bytes), file, 4711, folders, deleted, clock);
 }
 
-URLClass parsed(const test::IndexRecord &record, HistoryFileType type,
-                const FolderList &folders = {}) {
+UrlRecord parsed(const test::IndexRecord &record, HistoryFileType type,
+                 const FolderList &folders = {}) {
     return parse(bytesOf(record), type, folders).value();
 }
 
-URLClass history(const std::string &url) {
+UrlRecord history(const std::string &url) {
     return parsed({.url = url}, HistoryFileType::ieHistory);
 }
 
 TEST(ParseIEURL, takesWhatAllKindsHaveInCommon) {
-    const URLClass record = parsed({.url = "Visited: user@http://host:80/a%20b?c=d", .hits = 9},
-                                   HistoryFileType::ieHistory);
+    const UrlRecord record = parsed({.url = "Visited: user@http://host:80/a%20b?c=d", .hits = 9},
+                                    HistoryFileType::ieHistory);
     EXPECT_EQ(record.URLRawValue, "Visited: user@http://host:80/a%20b?c=d");
     EXPECT_EQ(record.URL, "http://host:80/a b?c=d");
     EXPECT_EQ(record.HashedURL, hashOfUrl("http://host:80/a b?c=d"));
@@ -130,7 +130,7 @@ TEST(ParseIEURL, setsWhatTheKindOfIndexMeans) {
     };
     for (const KindCase &kind : cases) {
         SCOPED_TRACE(static_cast<int>(kind.type));
-        const URLClass record = parsed(dated("http://host/"), kind.type);
+        const UrlRecord record = parsed(dated("http://host/"), kind.type);
         EXPECT_EQ(record.cacheType, kind.cacheType);
         EXPECT_EQ(record.Action, kind.action);
         EXPECT_EQ(record.Links, kind.hasLinks ? "http://host/;" : "");
@@ -143,12 +143,13 @@ TEST(ParseIEURL, setsWhatTheKindOfIndexMeans) {
 
 TEST(ParseIEURL, appliesTheMachinesZoneToWeeklyIndexesOnly) {
     const std::string bytes = bytesOf(dated("http://host/"));
-    const URLClass weekly =
+    const UrlRecord weekly =
         parse(bytes, HistoryFileType::ieWeekly, {}, DeletedFlag::no, 120).value();
     EXPECT_EQ(weekly.ActionDateLocal, kFirst);
     EXPECT_EQ(weekly.ActionDateUTC, Date::fromCivil({2011, 6, 15, 12, 30, 0}));
     EXPECT_EQ(weekly.OtherDate, Date::fromCivil({2011, 6, 15, 14, 30, 0}));
-    const URLClass daily = parse(bytes, HistoryFileType::ieDaily, {}, DeletedFlag::no, 120).value();
+    const UrlRecord daily =
+        parse(bytes, HistoryFileType::ieDaily, {}, DeletedFlag::no, 120).value();
     EXPECT_EQ(daily.ActionDateUTC, kSecond);
     EXPECT_EQ(daily.OtherDate, kFirst);
     EXPECT_FALSE(daily.ActionDateLocal.has());
@@ -156,7 +157,7 @@ TEST(ParseIEURL, appliesTheMachinesZoneToWeeklyIndexesOnly) {
 
 TEST(ParseIEURL, takesAFileTimeOfZeroForNoDate) {
     for (const auto type : {HistoryFileType::ieHistory, HistoryFileType::ieWeekly}) {
-        const URLClass record =
+        const UrlRecord record =
             parse(bytesOf({.url = "http://host/"}), type, {}, DeletedFlag::no, 120).value();
         EXPECT_FALSE(record.ActionDateUTC.has());
         EXPECT_FALSE(record.ActionDateLocal.has());
@@ -189,7 +190,7 @@ test::IndexRecord cached() {
 }
 
 TEST(ParseIEURL, readsTheCacheFieldsOfACacheIndex) {
-    const URLClass record = parsed(cached(), HistoryFileType::ieCache, {"AAAA", "BBBB"});
+    const UrlRecord record = parsed(cached(), HistoryFileType::ieCache, {"AAAA", "BBBB"});
     EXPECT_EQ(record.CacheFolderName, "BBBB");
     EXPECT_EQ(record.CacheFileName, "a%5B1%5D.js");
     EXPECT_EQ(record.CacheFileNameDecoded, "a[1].js");
@@ -206,14 +207,14 @@ TEST(ParseIEURL, readsTheCacheFieldsOfACacheIndex) {
 }
 
 TEST(ParseIEURL, readsNoCacheFieldsInOtherIndexes) {
-    const URLClass record = parsed(cached(), HistoryFileType::ieHistory, {"AAAA", "BBBB"});
+    const UrlRecord record = parsed(cached(), HistoryFileType::ieHistory, {"AAAA", "BBBB"});
     EXPECT_EQ(record.CacheFolderName + record.CacheFileName + record.MetaData, "");
     EXPECT_EQ(record.CacheFileSize, 0);
     EXPECT_FALSE(record.IsValidHTMLTagObject);
 }
 
 TEST(ParseIEURL, keepsRecordsWithoutFolderFileOrHeaders) {
-    const URLClass record = parsed({.url = "http://host/a.GIF"}, HistoryFileType::ieCache, {"AA"});
+    const UrlRecord record = parsed({.url = "http://host/a.GIF"}, HistoryFileType::ieCache, {"AA"});
     EXPECT_EQ(record.CacheFolderName, "");
     EXPECT_EQ(record.CacheFileName, "");
     EXPECT_EQ(record.MetaData, "");
@@ -258,7 +259,7 @@ TEST(ParseIEURL, readsRedirects) {
     const std::string bytes = index.bytes().substr(at);
     for (const auto type :
          {HistoryFileType::ieHistory, HistoryFileType::ieWeekly, HistoryFileType::ieCache}) {
-        const URLClass record = parse(bytes, type).value();
+        const UrlRecord record = parse(bytes, type).value();
         EXPECT_EQ(record.URL, "http://host/?to=%20http://other/"); // as it stands
         EXPECT_EQ(record.HashedURL, hashOfUrl(record.URL));
         EXPECT_EQ(record.Status, "REDR");

@@ -28,12 +28,12 @@ class IESample : public testing::TestWithParam<std::string> {
         const Bytes text = readWhole(folder / "expected.json");
         expected = json::parse(text.begin(), text.end());
         const json &scan = expected.at("scan").at(0);
-        reading.file.HistoryFileType = HistoryFileType{scan.at("scan_type").get<std::int16_t>()};
+        reading.file.historyFileType = HistoryFileType{scan.at("scan_type").get<std::int16_t>()};
         reading.readFile(folder / scan.at("path").get<std::string>(), folder / "evidence");
     }
 
-    const URLClass *recordAt(std::int64_t offset) const {
-        for (const URLClass &record : reading.records())
+    const UrlRecord *recordAt(std::int64_t offset) const {
+        for (const UrlRecord &record : reading.records())
             if (record.MapFileOffset == offset)
                 return &record;
         return nullptr;
@@ -57,7 +57,7 @@ std::string textOfField(const json &record, const char *field) {
     return record[field].is_string() ? record[field].get<std::string>() : record[field].dump();
 }
 
-void compareCommon(const URLClass &record, const json &wanted) {
+void compareCommon(const UrlRecord &record, const json &wanted) {
     EXPECT_EQ(record.URLRawValue, textOfField(wanted, "URLRawValue"));
     const std::string url = textOfField(wanted, "URL_before_percent_conversion");
     EXPECT_EQ(record.URL, record.Status == "REDR" ? url : percentDecode(url));
@@ -65,7 +65,7 @@ void compareCommon(const URLClass &record, const json &wanted) {
     EXPECT_TRUE(textOfField(wanted, "Status").starts_with(record.Status));
 }
 
-void compareEvent(const URLClass &record, const json &wanted) {
+void compareEvent(const UrlRecord &record, const json &wanted) {
     EXPECT_EQ(record.User, textOfField(wanted, "User"));
     EXPECT_EQ(std::to_string(record.Visits), textOfField(wanted, "Visits"));
     EXPECT_EQ(std::to_string(record.RecordSize), textOfField(wanted, "record_length"));
@@ -74,7 +74,7 @@ void compareEvent(const URLClass &record, const json &wanted) {
     EXPECT_EQ(record.OtherDateMeaning, textOfField(wanted, "OtherDateMeaning"));
 }
 
-void compareCache(const URLClass &record, const json &wanted) {
+void compareCache(const UrlRecord &record, const json &wanted) {
     EXPECT_EQ(std::to_string(record.CacheFileSize), textOfField(wanted, "CacheFileSize"));
     EXPECT_EQ(record.CacheFolderName, textOfField(wanted, "CacheFolderName"));
     EXPECT_EQ(record.CacheFileName, textOfField(wanted, "CacheFileName"));
@@ -86,22 +86,22 @@ void compareCache(const URLClass &record, const json &wanted) {
 
 TEST_P(IESample, givesTheCountedRecordsAndLosesNone) {
     std::map<std::string, int> bySignature;
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         ++bySignature[record.Status == "REDR" ? "REDR" : "URL "];
     EXPECT_EQ(json(bySignature), expected.at("expected").at("rows_by_signature"));
     EXPECT_EQ(reading.records().size(), expected.at("expected").at("rows").get<std::size_t>());
     EXPECT_EQ(reading.result.state, ReadState::complete);
     EXPECT_THAT(reading.log.entries, testing::IsEmpty());
     const json &scan = expected.at("scan").at(0);
-    EXPECT_EQ(static_cast<int>(reading.file.HistoryFileType), scan.at("type_after_step_5"));
-    EXPECT_EQ(reading.file.Version, scan.at("version_text"));
+    EXPECT_EQ(static_cast<int>(reading.file.historyFileType), scan.at("type_after_step_5"));
+    EXPECT_EQ(reading.file.version, scan.at("version_text"));
 }
 
 TEST_P(IESample, givesTheListedRecordsFieldByField) {
     ASSERT_FALSE(expected.at("records").empty());
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
-        const URLClass *record = recordAt(wanted.at("record_offset"));
+        const UrlRecord *record = recordAt(wanted.at("record_offset"));
         ASSERT_TRUE(record);
         compareCommon(*record, wanted);
         if (record->Status != "REDR")

@@ -24,14 +24,14 @@ IndexRecord visit(const std::string &url) {
 
 std::vector<std::string> urlsOf(const IndexReading &reading) {
     std::vector<std::string> urls;
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         urls.push_back(record.URL);
     return urls;
 }
 
 std::vector<std::int64_t> offsetsOf(const IndexReading &reading) {
     std::vector<std::int64_t> offsets;
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         offsets.push_back(record.MapFileOffset);
     return offsets;
 }

@@ -23,18 +23,18 @@ constexpr const char *kPage = "<html><head><title> A caf\xE9 page </title></head
 class LooseFile : public testing::Test {
   protected:
     void write(const fs::path &name, std::string_view bytes) {
-        file.FullPath = disk.write(name, bytes);
+        file.fullPath = disk.write(name, bytes);
     }
 
     ReadResult read(ReadResult (*reader)(ReadContext &)) {
-        file.SourceFile_ID = SourceFileId{7};
-        file.Version = "1.0";
+        file.sourceFileID = SourceFileId{7};
+        file.version = "1.0";
         ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
         ctx.deleted = true; // a loose file has no status at all
         return reader(ctx);
     }
 
-    const URLClass &record() const { return sink.records.at(0); }
+    const UrlRecord &record() const { return sink.records.at(0); }
 
     void expectCommonFields(const std::string &name, std::uint64_t size) {
         EXPECT_EQ(record().SourceFile_ID, SourceFileId{7});
@@ -56,7 +56,7 @@ class LooseFile : public testing::Test {
     }
 
     void expectEmptyFields() {
-        const URLClass &r = record();
+        const UrlRecord &r = record();
         EXPECT_EQ(r.HashedURL + r.HistoryFilePath + r.HistoryVersion + r.host + r.HTMLBody, "");
         EXPECT_EQ(r.MetaData + r.Links + r.Notes + r.Referrer + r.URLProtocol + r.Status, "");
         EXPECT_EQ(r.URL + r.URLRawValue + r.URLParameters + r.User, "");
@@ -110,7 +110,7 @@ TEST_F(LooseFile, ofCsvHasATitleTooWhenItHoldsOne) {
 TEST_F(LooseFile, hasTheDatesOfTheFileInUtc) {
     write("found pages/a.htm", kPage);
     const timespec times[2] = {{1300000000, 0}, {1200000000, 0}};
-    ASSERT_EQ(::utimensat(AT_FDCWD, file.FullPath.c_str(), times, 0), 0);
+    ASSERT_EQ(::utimensat(AT_FDCWD, file.fullPath.c_str(), times, 0), 0);
     clock.offset = std::chrono::minutes(120);
     read(ParseSimpleHTML);
     EXPECT_EQ(record().CacheFileLastAccessed, Date::fromUnixSeconds(1300000000));
@@ -121,8 +121,8 @@ TEST_F(LooseFile, isFoundAgainAsTheRecordsContent) {
     for (const char *name : {"found pages/a.htm", "found pages/caf\xE9.htm"}) {
         write(name, kPage);
         read(ParseSimpleHTML);
-        URLClass &saved = sink.records.back();
-        EXPECT_EQ(contentOf(saved, {evidence, disk.path(), log}), file.FullPath);
+        UrlRecord &saved = sink.records.back();
+        EXPECT_EQ(contentOf(saved, {evidence, disk.path(), log}), file.fullPath);
     }
 }
 
@@ -135,10 +135,10 @@ TEST_F(LooseFile, thatIsEmptyIsARecordToo) {
 
 TEST_F(LooseFile, outsideOfTheBaseFolderHasTheRootForADrive) {
     const test::TempFolder other;
-    file.FullPath = other.write("a.htm", kPage);
+    file.fullPath = other.write("a.htm", kPage);
     read(ParseSimpleHTML);
     EXPECT_EQ(record().RootPath, "/");
-    EXPECT_EQ(record().RootPath + record().CacheFileRelativePath, file.FullPath.string());
+    EXPECT_EQ(record().RootPath + record().CacheFileRelativePath, file.fullPath.string());
 }
 
 TEST_F(LooseFile, leavesTheTitleOfTheTaskToTheImport) {
@@ -148,7 +148,7 @@ TEST_F(LooseFile, leavesTheTitleOfTheTaskToTheImport) {
 }
 
 TEST_F(LooseFile, thatIsGoneIsTold) {
-    file.FullPath = disk.path() / "gone.htm";
+    file.fullPath = disk.path() / "gone.htm";
     for (const auto &[reader, procedure] :
          {std::pair(&ParseSimpleHTML, "ParserClass.ParseSimpleHTML()"),
           std::pair(&ParseCSVFile, "ParserClass.ParseCSVFile()")}) {

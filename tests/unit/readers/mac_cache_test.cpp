@@ -36,7 +36,7 @@ MacEntry entryOf(const std::string &url) {
 
 std::vector<std::string> urlsOf(const MacCacheReading &reading) {
     std::vector<std::string> urls;
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         urls.push_back(record.URL);
     return urls;
 }
@@ -47,7 +47,7 @@ TEST(MacCacheReader, fillsEveryFieldOfARecord) {
     const std::string bytes = cache.bytes();
     const MacCacheReading reading = MacCacheReading().readBytes(bytes);
     ASSERT_EQ(reading.records().size(), 1U);
-    const URLClass &record = reading.records()[0];
+    const UrlRecord &record = reading.records()[0];
     EXPECT_EQ(record.URLRawValue, "http://www.host.example/dir/page.html?a=b%20c");
     EXPECT_EQ(record.URL, "http://www.host.example/dir/page.html?a=b c");
     EXPECT_EQ(record.HashedURL, hashOfUrl(record.URL));
@@ -237,9 +237,9 @@ TEST(MacCacheReader, showsWhatItReads) {
 
 class MacBody : public testing::Test {
   protected:
-    URLClass fetched(const std::string &bytes) {
+    UrlRecord fetched(const std::string &bytes) {
         reading.readFile(folder.write("cache.waf", bytes));
-        URLClass record = reading.records().at(0);
+        UrlRecord record = reading.records().at(0);
         const auto file = contentOf(record, {evidence, folder.path(), log});
         if (file)
             body = ByteView(readWhole(*file)).raw();
@@ -256,7 +256,7 @@ class MacBody : public testing::Test {
 TEST_F(MacBody, isFetchedFromTheCacheFile) {
     MacCache cache;
     cache.add(page());
-    const URLClass record = fetched(cache.bytes());
+    const UrlRecord record = fetched(cache.bytes());
     EXPECT_EQ(body, "<html>page</html>");
     EXPECT_TRUE(record.IsWebPage);
     EXPECT_TRUE(log.entries.empty());

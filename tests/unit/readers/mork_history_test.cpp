@@ -24,15 +24,15 @@ class MorkReader : public testing::Test {
     void read(const std::string &bytes, TaskMonitor &watcher) {
         const Evidence evidence("");
         ContentProbe content;
-        file.FullPath = "/evidence/history.dat";
-        file.SourceFile_ID = SourceFileId{7};
+        file.fullPath = "/evidence/history.dat";
+        file.sourceFileID = SourceFileId{7};
         ReadContext ctx{file, evidence, content, clock, {}, sink, log, watcher};
         sink.records.clear();
         result = readMorkHistory(ctx, viewOf(bytes));
     }
     void read(const std::string &bytes) { read(bytes, task); }
     /// The record of the only page; the table's first row, with the byte order, has none.
-    const URLClass &onlyPage(const MorkHistory &history) {
+    const UrlRecord &onlyPage(const MorkHistory &history) {
         read(history.bytes());
         EXPECT_EQ(sink.records.size(), 2U);
         return sink.records.at(1);
@@ -58,7 +58,7 @@ TEST_F(MorkReader, fillsEveryFieldOfARecord) {
                  .typed = true,
                  .hidden = true});
     clock.offset = std::chrono::hours(2);
-    const URLClass &record = onlyPage(history);
+    const UrlRecord &record = onlyPage(history);
     EXPECT_EQ(record.SourceFile_ID, SourceFileId{7});
     EXPECT_EQ(record.URL, "http://www.example.com/a%20b/page.htm?q=caf%C3%A9");
     EXPECT_EQ(record.URLRawValue, record.URL);
@@ -120,7 +120,7 @@ TEST_F(MorkReader, storesTheRowWithoutAUrlAndCountsIt) {
 
 TEST_F(MorkReader, countsAPageWithoutACountAsVisitedOnce) {
     for (const char *count : {"", "0", "many"}) {
-        const URLClass &record =
+        const UrlRecord &record =
             onlyPage(MorkHistory().add({.url = "http://x/", .visitCount = count}));
         EXPECT_EQ(record.Visits, 1) << count;
     }
@@ -128,7 +128,7 @@ TEST_F(MorkReader, countsAPageWithoutACountAsVisitedOnce) {
 }
 
 TEST_F(MorkReader, storesARowThatIsMarkedForDeletion) {
-    const URLClass &record = onlyPage(MorkHistory().add({.url = "http://gone/", .rowId = "-2"}));
+    const UrlRecord &record = onlyPage(MorkHistory().add({.url = "http://gone/", .rowId = "-2"}));
     EXPECT_EQ(record.URL, "http://gone/");
     EXPECT_EQ(record.Status, "URL");
     EXPECT_EQ(result.noted.at("row marked for deletion"), 1U);
@@ -136,7 +136,7 @@ TEST_F(MorkReader, storesARowThatIsMarkedForDeletion) {
 
 TEST_F(MorkReader, takesNoDateFromFewerThanTenDigitsOrFromText) {
     for (const char *text : {"", "120536494", "1205364946x", "-", "not a date at all"}) {
-        const URLClass &record = onlyPage(
+        const UrlRecord &record = onlyPage(
             MorkHistory().add({.url = "http://x/", .lastVisit = text, .firstVisit = text}));
         EXPECT_FALSE(record.ActionDateUTC.has()) << text;
         EXPECT_FALSE(record.LastVisited.has()) << text;
@@ -160,7 +160,7 @@ TEST_F(MorkReader, readsTheFirstAndTheLastDate) {
 TEST_F(MorkReader, dropsNoonAndMidnightAndCountsThem) {
     constexpr std::int64_t kMidnight = 1205280000;
     for (const std::int64_t stamp : {kMidnight, kMidnight + 43200}) {
-        const URLClass &record = onlyPage(MorkHistory().add(
+        const UrlRecord &record = onlyPage(MorkHistory().add(
             {.url = "http://x/", .lastVisit = morkTime(stamp), .firstVisit = morkTime(stamp)}));
         EXPECT_FALSE(record.ActionDateUTC.has());
         EXPECT_FALSE(record.OtherDate.has());
@@ -226,7 +226,7 @@ TEST_F(MorkReader, isFailedAndLoggedWithoutTheMarks) {
 }
 
 TEST_F(MorkReader, saysThatAFileCouldNotBeRead) {
-    file.FullPath = "/nowhere/history.dat";
+    file.fullPath = "/nowhere/history.dat";
     const Evidence evidence("");
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
@@ -240,7 +240,7 @@ TEST_F(MorkReader, readsAFileFromTheDisk) {
     const test::TempFolder folder;
     MorkHistory history;
     test::addExamplePages(history);
-    file.FullPath = folder.write("history.dat", history.bytes());
+    file.fullPath = folder.write("history.dat", history.bytes());
     const Evidence evidence(folder.path());
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};

@@ -62,7 +62,7 @@ TEST_F(MorkSample, givesTheListedRecordsFieldByField) {
         for (const json &wanted : expected.at("records")) {
             SCOPED_TRACE(wanted.dump());
             const auto record = std::ranges::find(
-                reading.records(), wanted.at("URL").get<std::string>(), &URLClass::URL);
+                reading.records(), wanted.at("URL").get<std::string>(), &UrlRecord::URL);
             ASSERT_NE(record, reading.records().end());
             EXPECT_EQ(record->MapFileOffset, wanted.at("MapFileOffset_1_based_crlf_and_lf").at(i));
             EXPECT_EQ(record->Visits, wanted.at("Visits"));

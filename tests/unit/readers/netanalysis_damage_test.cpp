@@ -154,7 +154,7 @@ TEST_F(NetAnalysisDamage, ofAFileThatEndsAmidAPageLeavesTheRowsBefore) {
         EXPECT_GE(sink.records.size(), first);
         EXPECT_EQ(result.notReached, 60 - sink.records.size());
         EXPECT_THAT(result.reason, HasSubstr("the file ends amid a page"));
-        for (const URLClass &record : sink.records)
+        for (const UrlRecord &record : sink.records)
             EXPECT_TRUE(record.URL.starts_with("http://a/")) << record.URL;
         before = sink.records.size();
     }
@@ -231,7 +231,7 @@ TEST_F(NetAnalysisDamage, ofEveryLengthEndsWithAReason) {
 }
 
 struct FailingSink final : RecordSink {
-    void save(URLClass &record) override {
+    void save(UrlRecord &record) override {
         if (record.URL == "http://a/2")
             throw std::runtime_error("no room in the row");
         saved.push_back(record.URL);
@@ -240,14 +240,14 @@ struct FailingSink final : RecordSink {
 };
 
 struct FullSink final : RecordSink {
-    void save(URLClass &) override { throw StorageFailure("the disk is full"); }
+    void save(UrlRecord &) override { throw StorageFailure("the disk is full"); }
 };
 
 TEST_F(NetAnalysisDamage, ofOneRecordEndsNothingButAFullDiskDoes) {
     folder.write("Cases/one.net", bytes);
     const Evidence evidence(base);
     ContentProbe content;
-    history.FullPath = file;
+    history.fullPath = file;
     FailingSink failing;
     ReadContext context{history, evidence, content, clock, scratch.path(), failing, log, task};
     EXPECT_EQ(ParseNetAnalysisFile(context).state, ReadState::complete);

@@ -31,7 +31,7 @@ NetAnalysisEvent wholeEvent() {
 
 TEST_F(NetAnalysisRecord, hasEveryField) {
     clock.offset = std::chrono::hours(2);
-    const URLClass &record = only(wholeEvent());
+    const UrlRecord &record = only(wholeEvent());
     EXPECT_EQ(record.Action, "Visited");
     EXPECT_EQ(record.SourceFile_ID, SourceFileId{7});
     EXPECT_EQ(record.cacheType, "NetAnalysis");
@@ -70,7 +70,7 @@ TEST_F(NetAnalysisRecord, hasEveryField) {
 }
 
 TEST_F(NetAnalysisRecord, ofARowOfNullsIsKept) {
-    const URLClass &record = only({.Type = ""});
+    const UrlRecord &record = only({.Type = ""});
     EXPECT_FALSE(record.ActionDateUTC.has() || record.OtherDate.has());
     EXPECT_EQ(record.OtherDateMeaning, "Other");
     EXPECT_EQ(record.Visits, -1); // 0 would say that nobody went there
@@ -96,7 +96,7 @@ TEST_F(NetAnalysisRecord, takesTheHostOfTheUrlWhereTheCaseHasNone) {
 }
 
 TEST_F(NetAnalysisRecord, keepsTheUrlAsTheCaseHasIt) {
-    const URLClass &record = only({.InternetHistory = "Visited: mara@http://a/%41"});
+    const UrlRecord &record = only({.InternetHistory = "Visited: mara@http://a/%41"});
     EXPECT_EQ(record.URL, "Visited: mara@http://a/%41");
     EXPECT_EQ(record.URLRawValue, record.URL);
 }
@@ -120,7 +120,7 @@ TEST_F(NetAnalysisRecord, hasDatesOfEveryYear) {
 TEST_F(NetAnalysisRecord, hasTextOfEveryScriptAndLength) {
     for (const std::string text :
          {"\u00fcmlaut", "\u0433\u0430\u0432\u0430\u043d\u044c", "\U0001F980 crab"}) {
-        const URLClass &record = only({.User = text, .Comment = text});
+        const UrlRecord &record = only({.User = text, .Comment = text});
         EXPECT_EQ(record.User, text);
         EXPECT_EQ(record.Notes, text);
     }
@@ -142,7 +142,7 @@ TEST_F(NetAnalysisRecord, findsTheCachedFileBelowTheEvidence) {
                      .bytes());
     readAgain();
     ASSERT_EQ(sink.records.size(), 1U);
-    const URLClass &record = sink.records[0];
+    const UrlRecord &record = sink.records[0];
     EXPECT_TRUE(record.CacheFileExists);
     EXPECT_EQ(record.RootPath + record.CacheFileRelativePath, cached.string());
     EXPECT_EQ(record.CacheFolderName, "C:\\export\\content.ie5");

@@ -58,13 +58,13 @@ TEST_F(NetAnalysisSample, givesTheCountedRecordsAndLosesNone) {
     EXPECT_TRUE(reading.log.entries.empty());
     EXPECT_TRUE(reading.result.passedOver.empty());
     EXPECT_EQ(reading.records().size(), counts.at("rows").get<std::size_t>());
-    EXPECT_EQ(countOf([](const URLClass &r) { return r.CacheFileExists; }),
+    EXPECT_EQ(countOf([](const UrlRecord &r) { return r.CacheFileExists; }),
               counts.at("rows_FileExists"));
-    EXPECT_EQ(countOf([](const URLClass &r) { return r.Typed; }), counts.at("rows_Typed"));
+    EXPECT_EQ(countOf([](const UrlRecord &r) { return r.Typed; }), counts.at("rows_Typed"));
     EXPECT_EQ(
-        countOf([](const URLClass &r) { return !r.ActionDateUTC.has() && !r.OtherDate.has(); }),
+        countOf([](const UrlRecord &r) { return !r.ActionDateUTC.has() && !r.OtherDate.has(); }),
         counts.at("rows_with_null_dates"));
-    EXPECT_EQ(countOf([&](const URLClass &r) {
+    EXPECT_EQ(countOf([&](const UrlRecord &r) {
                   return r.CacheFolderName == counts.at("case_CachePath").get<std::string>();
               }),
               28);
@@ -74,7 +74,7 @@ TEST_F(NetAnalysisSample, givesTheListedRecordsFieldByField) {
     ASSERT_EQ(expected.at("records").size(), 8U);
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
-        const URLClass &record = reading.records().at(wanted.at("URN").get<std::size_t>() - 1);
+        const UrlRecord &record = reading.records().at(wanted.at("URN").get<std::size_t>() - 1);
         EXPECT_EQ(record.URL, wanted.at("URL"));
         EXPECT_EQ(record.URLRawValue, wanted.at("URLRawValue"));
         EXPECT_EQ(record.HashedURL, hashOfUrl(record.URL));

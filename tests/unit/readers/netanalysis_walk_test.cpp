@@ -58,7 +58,7 @@ TEST_F(NetAnalysisWalk, readsTablesWithAListOnAPageOfItsOwn) {
 
 TEST_F(NetAnalysisWalk, takesTheCasesVersion) {
     read(caseOf(1));
-    EXPECT_EQ(history.Version, "1.37");
+    EXPECT_EQ(history.version, "1.37");
 }
 
 TEST_F(NetAnalysisWalk, readsACaseWithoutEvents) {

@@ -22,7 +22,7 @@ IndexRecord visit(const std::string &url) {
 
 IndexReading readBytes(const std::string &bytes) {
     IndexReading reading(HistoryFileType::norvelaneNVD, test::kNvdReader);
-    reading.file.Version = "2.x";
+    reading.file.version = "2.x";
     reading.readBytes(bytes, "/evidence/results/case.nvd");
     return reading;
 }
@@ -33,7 +33,7 @@ IndexReading read(const Nvd &file) {
 
 std::vector<std::string> urlsOf(const IndexReading &reading) {
     std::vector<std::string> urls;
-    for (const URLClass &record : reading.records())
+    for (const UrlRecord &record : reading.records())
         urls.push_back(record.URL);
     return urls;
 }
@@ -46,7 +46,7 @@ TEST(Nvd, givesAllFieldsOfARecord) {
                                      .hits = 9});
     const IndexReading reading = read(file);
     ASSERT_THAT(reading.records(), SizeIs(1));
-    const URLClass &record = reading.records()[0];
+    const UrlRecord &record = reading.records()[0];
     EXPECT_EQ(record.URL, "http://www.example.com/a?b=c");
     EXPECT_EQ(record.URLRawValue, "Visited: user@http://www.example.com/a?b=c");
     EXPECT_EQ(record.host, "www.example.com");

@@ -34,7 +34,7 @@ class OperaCacheGaps : public testing::Test {
     void read(const std::string &bytes) {
         const Evidence evidence("");
         ContentProbe content;
-        file.FullPath = "/evidence/dcache4.url";
+        file.fullPath = "/evidence/dcache4.url";
         ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
         sink.records.clear();
         result = readOperaCache(ctx, viewOf(bytes));

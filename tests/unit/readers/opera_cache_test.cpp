@@ -28,9 +28,9 @@ constexpr std::size_t kHeader = 15;
 class OperaCacheReader : public testing::Test {
   protected:
     OperaCacheReader() {
-        file.FullPath = folder.path() / "opera" / "cache4" / "dcache4.url";
-        file.SourceFile_ID = SourceFileId{7};
-        file.Version = "9.0";
+        file.fullPath = folder.path() / "opera" / "cache4" / "dcache4.url";
+        file.sourceFileID = SourceFileId{7};
+        file.version = "9.0";
     }
     void read(const OperaCache &cache, TaskMonitor &watcher) {
         folder.write("opera/cache4/dcache4.url", cache.bytes());
@@ -42,7 +42,7 @@ class OperaCacheReader : public testing::Test {
         result = ParseOperaCache(ctx);
     }
     void read(const OperaCache &cache) { read(cache, task); }
-    const URLClass &only(const OperaCache &cache) {
+    const UrlRecord &only(const OperaCache &cache) {
         read(cache);
         EXPECT_EQ(sink.records.size(), 1U);
         return sink.records.at(0);
@@ -52,7 +52,7 @@ class OperaCacheReader : public testing::Test {
     }
     std::vector<std::string> urls() const {
         std::vector<std::string> all;
-        for (const URLClass &record : sink.records)
+        for (const UrlRecord &record : sink.records)
             all.push_back(record.URL);
         return all;
     }
@@ -69,12 +69,12 @@ class OperaCacheReader : public testing::Test {
 TEST_F(OperaCacheReader, fillsEveryFieldOfARecord) {
     put("opr00021.gif", "GIF89a-picture");
     clock.offset = std::chrono::hours(1);
-    const URLClass &record = only(OperaCache().add({.url = "http://u@www.x.com:80/a%20b.gif?c=d?e",
-                                                    .visited = 1205364946,
-                                                    .status = 2,
-                                                    .size = 70000,
-                                                    .mimeType = "image/gif",
-                                                    .fileName = "opr00021.gif"}));
+    const UrlRecord &record = only(OperaCache().add({.url = "http://u@www.x.com:80/a%20b.gif?c=d?e",
+                                                     .visited = 1205364946,
+                                                     .status = 2,
+                                                     .size = 70000,
+                                                     .mimeType = "image/gif",
+                                                     .fileName = "opr00021.gif"}));
     EXPECT_EQ(record.Action, "Visited");
     EXPECT_EQ(record.SourceFile_ID, SourceFileId{7});
     EXPECT_EQ(record.URL, "http://u@www.x.com:80/a%20b.gif?c=d?e");
@@ -87,7 +87,7 @@ TEST_F(OperaCacheReader, fillsEveryFieldOfARecord) {
     EXPECT_FALSE(record.IsHistory);
     EXPECT_EQ(record.cacheType, "Opera Cache");
     EXPECT_EQ(record.HistoryVersion, "9.0");
-    EXPECT_EQ(record.HistoryFilePath, file.FullPath.string());
+    EXPECT_EQ(record.HistoryFilePath, file.fullPath.string());
     EXPECT_EQ(record.MapFileOffset, 15);
     EXPECT_EQ(record.Visits, -1);
     EXPECT_EQ(isoUtc(record.ActionDateUTC), "2008-03-12T23:35:46Z");
@@ -128,7 +128,7 @@ TEST_F(OperaCacheReader, tellsTheTaskWhatItDoes) {
     ASSERT_EQ(task.headings.size(), 1U);
     EXPECT_EQ(task.headings[0].title, "PARSING OPERA CACHE FILE");
     EXPECT_EQ(task.headings[0].subject, "Opera");
-    EXPECT_EQ(task.headings[0].detail, file.FullPath.string());
+    EXPECT_EQ(task.headings[0].detail, file.fullPath.string());
     EXPECT_EQ(task.headings[0].icon, "opera-32.gif");
     ASSERT_GE(task.steps.size(), 3U);
     EXPECT_EQ(task.steps[1].topMessage, "Processing");
@@ -145,12 +145,12 @@ TEST_F(OperaCacheReader, leavesTheStatusUnsetForOtherNumbers) {
 }
 
 TEST_F(OperaCacheReader, readsNumbersOfTwoBytesInTheOrderOfTheTags) {
-    const URLClass &record = only(OperaCache()
-                                      .begin()
-                                      .field(3, "http://x/")
-                                      .field(7, "\x05\x00"s)
-                                      .field(8, "\x10\x20"s)
-                                      .field(13, "opr00021"));
+    const UrlRecord &record = only(OperaCache()
+                                       .begin()
+                                       .field(3, "http://x/")
+                                       .field(7, "\x05\x00"s)
+                                       .field(8, "\x10\x20"s)
+                                       .field(13, "opr00021"));
     EXPECT_EQ(record.Status, "Failed");
     EXPECT_EQ(record.RecordSize, 0x2010U);
 }
@@ -175,7 +175,7 @@ TEST_F(OperaCacheReader, movesOneByteOnAtOtherTags) {
     cache.begin().raw(std::string("\x02\x00\x01\x04\x00\x0E\x00\xFF\x06\x00", 10));
     cache.field(3, "http://x/").raw(std::string("\x00\x01\x0A\x00\x22", 5));
     cache.field(5, bigEndian(1205364946, 8)).field(13, "opr00021");
-    const URLClass &record = only(cache);
+    const UrlRecord &record = only(cache);
     EXPECT_EQ(record.URL, "http://x/");
     EXPECT_EQ(isoUtc(record.ActionDateUTC), "2008-03-12T23:35:46Z");
     EXPECT_EQ(record.CacheFileName, "opr00021");
@@ -230,7 +230,7 @@ TEST_F(OperaCacheReader, storesARecordWithoutAFileName) {
 }
 
 TEST_F(OperaCacheReader, closesARecordWithAnEmptyFileName) {
-    const URLClass &record =
+    const UrlRecord &record =
         only(OperaCache().begin().field(3, "http://x/").field(13, "").field(7, "\x02\0"s));
     EXPECT_EQ(record.Status, "");
     EXPECT_FALSE(record.CacheFileExists);
@@ -239,7 +239,7 @@ TEST_F(OperaCacheReader, closesARecordWithAnEmptyFileName) {
 }
 
 TEST_F(OperaCacheReader, notesACachedFileThatIsGone) {
-    const URLClass &record = only(OperaCache().add({.url = "http://x/", .fileName = "opr00021"}));
+    const UrlRecord &record = only(OperaCache().add({.url = "http://x/", .fileName = "opr00021"}));
     EXPECT_TRUE(record.CacheFileExists); // as the index says
     EXPECT_EQ(record.CacheFileRelativePath, "opera/cache4/opr00021");
     EXPECT_FALSE(record.CacheFileLastAccessed.has());
@@ -250,7 +250,7 @@ TEST_F(OperaCacheReader, notesACachedFileThatIsGone) {
 
 TEST_F(OperaCacheReader, doesNotLookForTheFileThatTheBrowserHoldsOpen) {
     put("opr0002I", "GIF89a");
-    const URLClass &record = only(OperaCache().add({.url = "http://x/", .fileName = "opr0002I"}));
+    const UrlRecord &record = only(OperaCache().add({.url = "http://x/", .fileName = "opr0002I"}));
     EXPECT_EQ(record.CacheFileSize, 0);
     EXPECT_FALSE(record.IsPicture);
     EXPECT_TRUE(record.IsWebPage);
@@ -259,7 +259,7 @@ TEST_F(OperaCacheReader, doesNotLookForTheFileThatTheBrowserHoldsOpen) {
 
 TEST_F(OperaCacheReader, takesDatesAndSizeOfNumberedFilesOnly) {
     put("opr00ABC.png", "\x89PNG-and-more");
-    const URLClass &record =
+    const UrlRecord &record =
         only(OperaCache().add({.url = "http://x/", .fileName = "opr00ABC.png"}));
     EXPECT_TRUE(record.IsPicture);
     EXPECT_EQ(record.CacheFileSize, 0);
@@ -279,7 +279,7 @@ TEST_F(OperaCacheReader, tellsTheKindByTheFirstBytes) {
                                      {test::gzip("<html>"), false, false, true}};
     for (const Kind &kind : kinds) {
         put("opr00021", kind.bytes);
-        const URLClass &record =
+        const UrlRecord &record =
             only(OperaCache().add({.url = "http://x/", .fileName = "OPR00021"}));
         EXPECT_EQ(record.IsPicture, kind.picture) << kind.bytes;
         EXPECT_EQ(record.IsWebPage, kind.page) << kind.bytes;
@@ -290,7 +290,7 @@ TEST_F(OperaCacheReader, tellsTheKindByTheFirstBytes) {
 TEST_F(OperaCacheReader, neverLeavesTheFolderOfTheIndex) {
     folder.write("secret", "GIF89a");
     for (const char *name : {"../../secret", "..\\..\\secret", "/etc/passwd"}) {
-        const URLClass &record = only(OperaCache().add({.url = "http://x/", .fileName = name}));
+        const UrlRecord &record = only(OperaCache().add({.url = "http://x/", .fileName = name}));
         EXPECT_EQ(record.CacheFileRelativePath, "") << name;
         EXPECT_FALSE(record.IsPicture) << name;
     }
@@ -298,7 +298,7 @@ TEST_F(OperaCacheReader, neverLeavesTheFolderOfTheIndex) {
 
 TEST_F(OperaCacheReader, findsFilesInFoldersBesideTheIndex) {
     put("g_0001/opr00021.tmp", "GIF89a");
-    const URLClass &record =
+    const UrlRecord &record =
         only(OperaCache().add({.url = "http://x/", .fileName = "g_0001/opr00021.tmp"}));
     EXPECT_EQ(record.CacheFileRelativePath, "opera/cache4/g_0001/opr00021.tmp");
     EXPECT_TRUE(record.IsPicture);
@@ -326,11 +326,11 @@ TEST_F(OperaCacheReader, failsForAFileWithoutARecord) {
         EXPECT_EQ(log.entries.size(), 1U);
     }
     EXPECT_TRUE(sink.records.empty());
-    file.FullPath = folder.path() / "nowhere";
+    file.fullPath = folder.path() / "nowhere";
     const Evidence evidence(folder.path());
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    EXPECT_EQ(ParseOperaCache(ctx).reason, "could not be read: " + file.FullPath.string());
+    EXPECT_EQ(ParseOperaCache(ctx).reason, "could not be read: " + file.fullPath.string());
 }
 
 TEST_F(OperaCacheReader, survivesACutAtEveryByteAndEveryChange) {
@@ -345,7 +345,7 @@ TEST_F(OperaCacheReader, survivesACutAtEveryByteAndEveryChange) {
         result = readOperaCache(ctx, viewOf(damaged));
     };
     readBytes(bytes);
-    const std::vector<URLClass> whole = sink.records;
+    const std::vector<UrlRecord> whole = sink.records;
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         readBytes(bytes.substr(0, size));
         ASSERT_LE(sink.records.size(), 3U);
@@ -363,7 +363,7 @@ TEST_F(OperaCacheReader, survivesACutAtEveryByteAndEveryChange) {
     }
     readBytes(bytes.substr(0, kHeader + 10));
     EXPECT_EQ(result.state, ReadState::cutShort);
-    EXPECT_EQ(result.reason, file.FullPath.string() + ": the file ends within the field at 15");
+    EXPECT_EQ(result.reason, file.fullPath.string() + ": the file ends within the field at 15");
 }
 
 TEST_F(OperaCacheReader, readsAnyBytesInOnePass) {

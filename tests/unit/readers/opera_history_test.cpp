@@ -26,9 +26,9 @@ constexpr const char *kStray = "line that belongs to no whole record";
 class OperaHistoryReader : public testing::Test {
   protected:
     OperaHistoryReader() {
-        file.FullPath = "/evidence/global_history.dat";
-        file.SourceFile_ID = SourceFileId{7};
-        file.Version = "9.0";
+        file.fullPath = "/evidence/global_history.dat";
+        file.sourceFileID = SourceFileId{7};
+        file.version = "9.0";
     }
     void read(const std::string &bytes, TaskMonitor &watcher) {
         const Evidence evidence("");
@@ -40,17 +40,17 @@ class OperaHistoryReader : public testing::Test {
     }
     void read(const std::string &bytes) { read(bytes, task); }
     void readTyped(const std::string &bytes) {
-        file.FullPath = "/evidence/typed_history.xml";
+        file.fullPath = "/evidence/typed_history.xml";
         read(bytes);
     }
-    const URLClass &only(const OperaHistory &history) {
+    const UrlRecord &only(const OperaHistory &history) {
         read(history.bytes());
         EXPECT_EQ(sink.records.size(), 1U);
         return sink.records.at(0);
     }
     Strings urls() const {
         Strings all;
-        for (const URLClass &record : sink.records)
+        for (const UrlRecord &record : sink.records)
             all.push_back(record.URL);
         return all;
     }
@@ -68,25 +68,25 @@ TEST_F(OperaHistoryReader, fillsEveryFieldOfARecord) {
     const test::TempFolder folder;
     OperaHistory history;
     history.add("Caf\xC3\xA9", "http://www.example.com/a%20b?q=c", "1205364946", "-1");
-    file.FullPath = folder.write("profile/global.dat", history.bytes());
+    file.fullPath = folder.write("profile/global.dat", history.bytes());
     clock.offset = std::chrono::hours(1);
     const Evidence evidence(folder.path());
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
     result = ParseOperaHistoryFile(ctx);
     ASSERT_EQ(sink.records.size(), 1U);
-    const URLClass &record = sink.records[0];
+    const UrlRecord &record = sink.records[0];
     EXPECT_EQ(record.Action, "Visited");
     EXPECT_EQ(record.SourceFile_ID, SourceFileId{7});
     EXPECT_EQ(record.URL, "http://www.example.com/a%20b?q=c");
     EXPECT_EQ(record.URLRawValue, record.URL);
     EXPECT_EQ(record.RootPath, folder.path().string() + "/");
     EXPECT_EQ(record.cacheType, "Opera History");
-    EXPECT_EQ(record.CacheFileCreatedGMTDOS, Evidence({}).factsOf(file.FullPath).created);
+    EXPECT_EQ(record.CacheFileCreatedGMTDOS, Evidence({}).factsOf(file.fullPath).created);
     EXPECT_FALSE(record.CacheFileExists);
     EXPECT_EQ(record.HashedURL, hashOfUrl(record.URL));
     EXPECT_FALSE(record.Hidden);
-    EXPECT_EQ(record.HistoryFilePath, file.FullPath.string());
+    EXPECT_EQ(record.HistoryFilePath, file.fullPath.string());
     EXPECT_EQ(record.HistoryVersion, "9.0");
     EXPECT_EQ(record.host, "www.example.com");
     EXPECT_TRUE(record.IsHistory);
@@ -183,7 +183,7 @@ TEST_F(OperaHistoryReader, getsBackInStepWhenALineIsMissing) {
         read(history.bytes());
         EXPECT_EQ(urls().back(), "http://four/") << missing;
         EXPECT_EQ(sink.records.back().WebpageTitle, "Four");
-        for (const URLClass &record : sink.records) {
+        for (const UrlRecord &record : sink.records) {
             EXPECT_TRUE(record.URL.starts_with("http://")) << record.URL;
             EXPECT_EQ(record.ActionDateUTC.has(), missing != 2 || record.URL != "http://two/");
         }
@@ -206,7 +206,7 @@ TEST_F(OperaHistoryReader, refusesAFileOfTaggedFields) {
     EXPECT_TRUE(sink.records.empty());
     EXPECT_EQ(result.state, ReadState::failed);
     EXPECT_EQ(log.entries.size(), 1U);
-    file.FullPath = "/evidence/Download.dat"; // which the browser writes so
+    file.fullPath = "/evidence/Download.dat"; // which the browser writes so
     read(tagged);
     EXPECT_TRUE(sink.records.empty());
     EXPECT_EQ(result.state, ReadState::notReadYet);
@@ -261,7 +261,7 @@ TEST_F(OperaHistoryReader, saysThatAFileCouldNotBeRead) {
     const Evidence evidence("");
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    file.FullPath = "/nowhere/global.dat";
+    file.fullPath = "/nowhere/global.dat";
     result = ParseOperaHistoryFile(ctx);
     EXPECT_EQ(result.state, ReadState::failed);
     EXPECT_EQ(result.reason, "could not be read: /nowhere/global.dat");
@@ -282,7 +282,7 @@ TEST_F(OperaHistoryReader, survivesACutAtEveryByteAndEveryChange) {
     test::addExampleVisits(history);
     const std::string bytes = history.bytes();
     read(bytes);
-    const std::vector<URLClass> whole = sink.records;
+    const std::vector<UrlRecord> whole = sink.records;
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         read(bytes.substr(0, size));
         for (std::size_t i = 0; i < sink.records.size(); ++i) {
@@ -314,7 +314,7 @@ TEST_F(OperaHistoryReader, readsTypedAddresses) {
                                   .bytes();
     readTyped(bytes);
     ASSERT_EQ(urls(), (Strings{"www.example.com", "caf\u00e9.example/?a=b&c=d"}));
-    const URLClass &record = sink.records[0];
+    const UrlRecord &record = sink.records[0];
     EXPECT_TRUE(record.Typed);
     EXPECT_EQ(isoUtc(record.ActionDateUTC), "2013-11-11T23:45:27Z");
     EXPECT_EQ(record.cacheType, "Opera History");
@@ -338,7 +338,7 @@ TEST_F(OperaHistoryReader, notesTypedAddressesWithoutADateAndPassesOverEmptyOnes
                   .raw("<typed_history_item/>")
                   .bytes());
     EXPECT_EQ(urls(), (Strings{"one", "two", "three", "four"}));
-    for (const URLClass &record : sink.records)
+    for (const UrlRecord &record : sink.records)
         EXPECT_FALSE(record.ActionDateUTC.has()) << record.URL;
     EXPECT_EQ(result.noted.at("typed address without a date that can be read"), 4U);
     EXPECT_EQ(result.passedOver.at("typed address without a text"), 2U);

@@ -49,7 +49,7 @@ TEST_F(OperaSample, givesTheCountedVisitsUnderBothNames) {
         const json &counts = expected.at("expected");
         EXPECT_EQ(reading.records().size(), counts.at("rows").get<std::size_t>());
         EXPECT_EQ(std::ranges::count_if(reading.records(),
-                                        [](const URLClass &r) { return r.WebpageTitle == r.URL; }),
+                                        [](const UrlRecord &r) { return r.WebpageTitle == r.URL; }),
                   counts.at("records_with_title_equal_to_URL"));
         EXPECT_EQ(reading.result.state, ReadState::complete);
         EXPECT_TRUE(reading.result.passedOver.empty());
@@ -64,7 +64,7 @@ TEST_F(OperaSample, givesTheListedRecordsFieldByField) {
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
         const auto record = std::ranges::find(
-            reading.records(), wanted.at("offset").get<std::int64_t>(), &URLClass::MapFileOffset);
+            reading.records(), wanted.at("offset").get<std::int64_t>(), &UrlRecord::MapFileOffset);
         ASSERT_NE(record, reading.records().end());
         EXPECT_EQ(record->WebpageTitle, wanted.at("WebpageTitle"));
         EXPECT_EQ(record->URL, wanted.at("URL"));
@@ -81,7 +81,7 @@ TEST_F(OperaSample, givesTheTypedAddresses) {
     test::SqliteHistoryReading reading;
     reading.read(ParseOperaHistoryFile, pathAt(2));
     std::vector<std::string> found;
-    for (const URLClass &record : reading.records()) {
+    for (const UrlRecord &record : reading.records()) {
         EXPECT_TRUE(record.Typed);
         found.push_back(record.URL + " " + isoUtc(record.ActionDateUTC));
     }

@@ -92,8 +92,8 @@ TEST(Registry, holdsFormatsThatNoScanFinds) {
     }
 }
 
-URLClass recordOf(const std::string &cacheType) {
-    URLClass record;
+UrlRecord recordOf(const std::string &cacheType) {
+    UrlRecord record;
     record.cacheType = cacheType;
     return record;
 }
@@ -108,11 +108,11 @@ TEST(Registry, findsTheFormatThatHoldsARecordsBody) {
 constexpr RecordKind kShared = {.key = "shared", .word = "Shared Cache"};
 constexpr const RecordKind *kSharedKinds[] = {&kChromeCache, &kShared};
 
-bool noBody(const URLClass &, const Evidence &, BodyTarget &) {
+bool noBody(const UrlRecord &, const Evidence &, BodyTarget &) {
     return false;
 }
 
-bool liesInAFolder(const URLClass &record) {
+bool liesInAFolder(const UrlRecord &record) {
     return record.HistoryFilePath.ends_with("/");
 }
 
@@ -133,7 +133,7 @@ constexpr Reader kNoWord = {.type = HistoryFileType{1001},
 
 TEST(Registry, asksFormatsThatShareAKindForTheirRecords) {
     const std::array<const Reader *, 2> formats = {&kLaterLayout, &kNoWord};
-    URLClass record = recordOf("Chrome Cache");
+    UrlRecord record = recordOf("Chrome Cache");
     EXPECT_EQ(sourceOf(record, formats), &kNoWord);
     record.HistoryFilePath = "/evidence/Cache/";
     EXPECT_EQ(sourceOf(record, formats), &kLaterLayout);

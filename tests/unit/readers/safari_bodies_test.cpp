@@ -23,7 +23,7 @@ std::string contentOf(const fs::path &path) {
 
 /// Takes the body of each record that its reader holds.
 struct BodySink final : RecordSink {
-    void save(URLClass &record) override {
+    void save(UrlRecord &record) override {
         const std::optional<Body> &body = content.held();
         bodies.push_back(!body              ? ""
                          : body->isInMemory ? std::string(body->raw())
@@ -35,7 +35,7 @@ struct BodySink final : RecordSink {
     ContentProbe content;
     int inFiles = 0;
     std::vector<std::string> bodies;
-    std::vector<URLClass> records;
+    std::vector<UrlRecord> records;
 };
 
 struct SafariBodies : testing::Test {
@@ -43,7 +43,7 @@ struct SafariBodies : testing::Test {
 
     std::vector<std::string> bodies() {
         HistoryFile history;
-        history.FullPath = file();
+        history.fullPath = file();
         ReadContext context{history,        evidence, sink.content, clock,
                             scratch.path(), sink,     log,          task};
         result = ParseSafariCacheFile(context);
@@ -51,15 +51,15 @@ struct SafariBodies : testing::Test {
         return sink.bodies;
     }
     /// A record as the project gives it back.
-    URLClass saved(std::int64_t id) const {
-        URLClass record;
+    UrlRecord saved(std::int64_t id) const {
+        UrlRecord record;
         record.URLID = UrlId{5};
         record.Reference_ID = id;
         record.HistoryFilePath = file().string();
         record.cacheType = "SAFARI CACHE";
         return record;
     }
-    bool extract(URLClass &record, std::string_view suffix = "") {
+    bool extract(UrlRecord &record, std::string_view suffix = "") {
         return ExtractSafariCacheFile(record, suffix, {evidence, scratch.path(), log});
     }
 
@@ -126,7 +126,7 @@ TEST_F(SafariBodies, inFilesThatAreNotThereAreCounted) {
 TEST_F(SafariBodies, areExtractedByTheirEntry) {
     SafariCache(file()).add({.id = 1, .body = "one"}).add({.id = 2, .url = "b", .body = kPicture});
     const auto before = test::contentsOf(folder.path());
-    URLClass record = saved(2);
+    UrlRecord record = saved(2);
     record.URLFileExt = "gif";
     ASSERT_TRUE(extract(record));
     EXPECT_EQ(contentOf(record.RunTimeTempFilePath), kPicture);
@@ -143,7 +143,7 @@ TEST_F(SafariBodies, areExtractedBelowAFolderWhoseNameIsNoUtf8) {
     fs::create_directory(folder.path() / "Caf\xE9");
     const fs::path cache = folder.path() / "Caf\xE9" / "Cache.db";
     SafariCache(cache).add({.id = 1, .body = "one"});
-    URLClass record = saved(1);
+    UrlRecord record = saved(1);
     record.HistoryFilePath = textOf(cache);
     ASSERT_TRUE(extract(record));
     EXPECT_EQ(contentOf(record.RunTimeTempFilePath), "one");
@@ -151,7 +151,7 @@ TEST_F(SafariBodies, areExtractedBelowAFolderWhoseNameIsNoUtf8) {
 
 TEST_F(SafariBodies, getTheSuffixThatIsAskedFor) {
     SafariCache(file()).add({.id = 1, .body = "x"});
-    URLClass record = saved(1);
+    UrlRecord record = saved(1);
     record.URLFileExt = "php";
     ASSERT_TRUE(extract(record, "htm"));
     EXPECT_EQ(record.RunTimeTempFilePath.extension(), ".htm");
@@ -163,18 +163,18 @@ TEST_F(SafariBodies, areExtractedFromFilesAndLaterVersions) {
     SafariCache(file(), Version::bodiesApart)
         .add({.id = 1, .body = "AB", .isOnDisk = true})
         .add({.id = 2, .url = "b", .body = "in the table"});
-    URLClass onDisk = saved(1);
+    UrlRecord onDisk = saved(1);
     ASSERT_TRUE(extract(onDisk));
     EXPECT_EQ(contentOf(onDisk.RunTimeTempFilePath), contentOf(kept));
     EXPECT_NE(onDisk.RunTimeTempFilePath, kept);
-    URLClass inTable = saved(2);
+    UrlRecord inTable = saved(2);
     ASSERT_TRUE(extract(inTable));
     EXPECT_EQ(contentOf(inTable.RunTimeTempFilePath), "in the table");
 }
 
 TEST_F(SafariBodies, thatArePackedAreUnpacked) {
     SafariCache(file()).add({.id = 1, .body = test::gzip("<html>packed</html>")});
-    URLClass record = saved(1);
+    UrlRecord record = saved(1);
     ASSERT_TRUE(extract(record));
     EXPECT_EQ(contentOf(record.RunTimeTempFilePath), "<html>packed</html>");
     EXPECT_TRUE(record.GZipEncoded);
@@ -183,14 +183,14 @@ TEST_F(SafariBodies, thatArePackedAreUnpacked) {
 TEST_F(SafariBodies, thatAreNotThereAreNoFailure) {
     SafariCache(file()).add({.id = 1, .body = ""}).add({.id = 2, .url = "b"});
     for (const std::int64_t id : {1, 2, 3}) {
-        URLClass record = saved(id);
+        UrlRecord record = saved(id);
         EXPECT_FALSE(extract(record)) << id;
         EXPECT_TRUE(record.RunTimeTempFilePath.empty());
     }
-    URLClass unsaved = saved(1);
+    UrlRecord unsaved = saved(1);
     unsaved.URLID = UrlId::none;
     EXPECT_FALSE(extract(unsaved));
-    URLClass moved = saved(1);
+    UrlRecord moved = saved(1);
     moved.HistoryFilePath = (folder.path() / "elsewhere.db").string();
     EXPECT_FALSE(extract(moved));
     EXPECT_TRUE(log.entries.empty());
@@ -198,7 +198,7 @@ TEST_F(SafariBodies, thatAreNotThereAreNoFailure) {
 
 TEST_F(SafariBodies, ofACacheThatIsNoneAreAFailureInTheLog) {
     writeWhole(file(), std::string(3000, 'x'));
-    URLClass record = saved(1);
+    UrlRecord record = saved(1);
     EXPECT_FALSE(extract(record));
     ASSERT_EQ(log.entries.size(), 1U);
     EXPECT_EQ(log.entries[0].procedure, "ParserClass.ExtractSafariCacheFile()");
@@ -207,7 +207,7 @@ TEST_F(SafariBodies, ofACacheThatIsNoneAreAFailureInTheLog) {
 
 TEST_F(SafariBodies, areFetchedByTheKindOfTheirRecord) {
     SafariCache(file()).add({.id = 1, .body = kPicture});
-    URLClass record = saved(1);
+    UrlRecord record = saved(1);
     const auto content = contentOf(record, {evidence, scratch.path(), log});
     ASSERT_TRUE(content);
     EXPECT_EQ(contentOf(*content), kPicture);

@@ -25,19 +25,19 @@ constexpr const char *kDate = "Wed, 09 Mar 2011 18:00:00 GMT";
 
 struct SafariCacheTest : testing::Test {
     fs::path file() const { return folder.path() / "Cache.db"; }
-    const std::vector<URLClass> &read() {
+    const std::vector<UrlRecord> &read() {
         reading.read(ParseSafariCacheFile, file());
         EXPECT_TRUE(fs::is_empty(reading.scratch.path()));
         return reading.records();
     }
     /// The record of a cache with just this entry.
-    URLClass recordOf(const SafariEntry &entry) {
+    UrlRecord recordOf(const SafariEntry &entry) {
         SafariCache(file()).add(entry);
-        const URLClass record = read().at(0);
+        const UrlRecord record = read().at(0);
         EXPECT_TRUE(reading.log.entries.empty());
         return record;
     }
-    URLClass recordWith(const test::Headers &headers) {
+    UrlRecord recordWith(const test::Headers &headers) {
         return recordOf({.response = safariResponse(kUrl, headers)});
     }
     test::TempFolder folder;
@@ -50,7 +50,7 @@ TEST_F(SafariCacheTest, aCachedPageFillsEveryField) {
         addExampleEntries(cache);
     }
     ASSERT_EQ(read().size(), 3U);
-    const URLClass &r = reading.records()[0];
+    const UrlRecord &r = reading.records()[0];
     EXPECT_EQ(r.Reference_ID, 1);
     EXPECT_EQ(r.SourceFile_ID, SourceFileId{7});
     EXPECT_EQ(r.URLRawValue, "http://www.example.com/caf%C3%A9?q=tea&n=1");
@@ -87,7 +87,7 @@ TEST_F(SafariCacheTest, aCachedPageFillsEveryField) {
 
 TEST_F(SafariCacheTest, anEntryWithoutBlobsIsStoredAllTheSame) {
     SafariCache(file()).addWithoutBlobs(3, "http://www.example.org/gone.html");
-    const URLClass r = read().at(0);
+    const UrlRecord r = read().at(0);
     EXPECT_EQ(r.URL, "http://www.example.org/gone.html");
     EXPECT_FALSE(r.CacheFileExists);
     EXPECT_EQ(r.CacheFileSize, 0);
@@ -98,13 +98,13 @@ TEST_F(SafariCacheTest, anEntryWithoutBlobsIsStoredAllTheSame) {
 }
 
 TEST_F(SafariCacheTest, theSizeIsTheUpperBoundOfTheBytes) {
-    const URLClass r = recordOf({.body = "xy"});
+    const UrlRecord r = recordOf({.body = "xy"});
     EXPECT_EQ(r.CacheFileSize, 1);
     EXPECT_TRUE(r.CacheFileExists);
 }
 
 TEST_F(SafariCacheTest, aBodyOfOneByteCountsAsNotThereAndIsCounted) {
-    const URLClass r = recordOf({.body = "x"});
+    const UrlRecord r = recordOf({.body = "x"});
     EXPECT_EQ(r.CacheFileSize, 0);
     EXPECT_FALSE(r.CacheFileExists);
     EXPECT_EQ(reading.result.passedOver,
@@ -112,7 +112,7 @@ TEST_F(SafariCacheTest, aBodyOfOneByteCountsAsNotThereAndIsCounted) {
 }
 
 TEST_F(SafariCacheTest, anEmptyBodyIsNotThere) {
-    const URLClass r = recordOf({.response = "", .body = ""});
+    const UrlRecord r = recordOf({.response = "", .body = ""});
     EXPECT_EQ(r.CacheFileSize, 0);
     EXPECT_FALSE(r.CacheFileExists);
     EXPECT_TRUE(reading.result.passedOver.empty());
@@ -125,9 +125,9 @@ TEST_F(SafariCacheTest, fromDeletedSpaceTheStatusIsDeleted) {
 }
 
 TEST_F(SafariCacheTest, namesOfHeaderFieldsAreComparedInLowerCase) {
-    const URLClass r = recordWith({{"CONTENT-TYPE", "TEXT/HTML"},
-                                   {"last-modified", "Tue, 01 Feb 2011 06:07:08 GMT"},
-                                   {"dAte", kDate}});
+    const UrlRecord r = recordWith({{"CONTENT-TYPE", "TEXT/HTML"},
+                                    {"last-modified", "Tue, 01 Feb 2011 06:07:08 GMT"},
+                                    {"dAte", kDate}});
     EXPECT_EQ(r.MIMEType, "TEXT/HTML");
     EXPECT_TRUE(r.IsWebPage);
     EXPECT_TRUE(r.OtherDate.has());
@@ -135,7 +135,7 @@ TEST_F(SafariCacheTest, namesOfHeaderFieldsAreComparedInLowerCase) {
 }
 
 TEST_F(SafariCacheTest, emptyValuesAreSkipped) {
-    const URLClass r =
+    const UrlRecord r =
         recordWith({{"Content-Type", "image/png"}, {"Content-Type", ""}, {"Date", ""}});
     EXPECT_EQ(r.MIMEType, "image/png");
     EXPECT_FALSE(r.IsWebPage);
@@ -144,7 +144,7 @@ TEST_F(SafariCacheTest, emptyValuesAreSkipped) {
 }
 
 TEST_F(SafariCacheTest, aDateTooShortGivesNoActionDate) {
-    const URLClass r = recordWith({{"Date", "Wed, "}, {"Last-Modified", "Tue, 01 Feb"}});
+    const UrlRecord r = recordWith({{"Date", "Wed, "}, {"Last-Modified", "Tue, 01 Feb"}});
     EXPECT_FALSE(r.ActionDateUTC.has());
     EXPECT_FALSE(r.OtherDate.has());
     EXPECT_EQ(r.OtherDateMeaning, "");
@@ -156,7 +156,7 @@ TEST_F(SafariCacheTest, zeroBytesAreKeptOutOfTheHeaders) {
     std::string response = safariResponse(kUrl, headersOf("text/css", kDate));
     response.insert(response.find("text/css") + 2, 1, '\0');
     response.push_back('\0');
-    const URLClass r = recordOf({.response = response});
+    const UrlRecord r = recordOf({.response = response});
     EXPECT_EQ(r.MIMEType, "text/css");
     EXPECT_TRUE(r.ActionDateUTC.has());
     EXPECT_EQ(r.MetaData.find('\0'), std::string::npos);
@@ -169,7 +169,7 @@ TEST_F(SafariCacheTest, textWhereBytesShouldBeIsReadAsBytes) {
                                           "response_object,receiver_data) VALUES(1,?,'caf\u00e9')");
     row.bind(1, safariResponse(kUrl, headersOf("text/plain", kDate)));
     row.exec();
-    const URLClass r = read().at(0);
+    const UrlRecord r = read().at(0);
     EXPECT_TRUE(r.ActionDateUTC.has());
     EXPECT_EQ(r.CacheFileSize, 4); // five bytes in UTF-8
 }
@@ -188,7 +188,7 @@ TEST_F(SafariCacheTest, nullsAndNumbersDoNoHarm) {
 }
 
 TEST_F(SafariCacheTest, aResponseInBinaryFormIsCountedAndItsRowStored) {
-    const URLClass r =
+    const UrlRecord r =
         recordOf({.response = std::string("bplist00\xd1\0\1Date", 15), .body = "xy"});
     EXPECT_EQ(r.URL, kUrl);
     EXPECT_TRUE(r.CacheFileExists);
@@ -199,7 +199,7 @@ TEST_F(SafariCacheTest, aResponseInBinaryFormIsCountedAndItsRowStored) {
 }
 
 TEST_F(SafariCacheTest, aResponseThatIsNoPropertyListIsCounted) {
-    const URLClass r = recordOf({.response = "HTTP/1.1 200 OK"});
+    const UrlRecord r = recordOf({.response = "HTTP/1.1 200 OK"});
     EXPECT_EQ(r.MetaData, "HTTP/1.1 200 OK");
     EXPECT_EQ(reading.result.passedOver,
               (Counts{{"response objects that are no sound property list", 1}}));
@@ -210,7 +210,7 @@ TEST_F(SafariCacheTest, ofADamagedResponseOnlyWholeValuesAreTaken) {
     const std::size_t headersEnd = response.rfind("</dict>", response.find("text/plain")) + 7;
     for (std::size_t length = 1; length < response.size() - 1; ++length) {
         reading.sink.records.clear();
-        const URLClass r = recordOf({.response = response.substr(0, length)});
+        const UrlRecord r = recordOf({.response = response.substr(0, length)});
         EXPECT_EQ(isoUtc(r.ActionDateUTC), length < headersEnd ? "" : "2011-03-09T18:00:00Z")
             << length;
         EXPECT_TRUE(r.MIMEType.empty() || r.MIMEType == "text/css") << length;
@@ -220,7 +220,7 @@ TEST_F(SafariCacheTest, ofADamagedResponseOnlyWholeValuesAreTaken) {
 }
 
 TEST_F(SafariCacheTest, aResponseLongerThanAnyHeaderIsCounted) {
-    const URLClass r =
+    const UrlRecord r =
         recordWith({{"Date", kDate}, {"X-Long", std::string(limits::kResponseBytes, 'x')}});
     EXPECT_FALSE(r.ActionDateUTC.has());
     EXPECT_EQ(reading.result.passedOver.size(), 1U);
@@ -236,7 +236,7 @@ TEST_F(SafariCacheTest, entitiesAreNeitherExpandedNorFetched) {
         "<plist><array><dict><key>Content-Type</key><string>&file;&b;</string>"
         "<key>Date</key><string>" +
         kDate + "</string></dict></array></plist>";
-    const URLClass r = recordOf({.response = response});
+    const UrlRecord r = recordOf({.response = response});
     EXPECT_EQ(r.MIMEType, "&file;&b;");
     EXPECT_TRUE(r.ActionDateUTC.has());
 }

@@ -22,14 +22,14 @@ constexpr const char *kUrl = "http://www.example.com/";
 
 struct SafariHistoryTest : testing::Test {
     fs::path file() const { return folder.path() / "History.plist"; }
-    const std::vector<URLClass> &read(const std::string &bytes) {
+    const std::vector<UrlRecord> &read(const std::string &bytes) {
         writeWhole(file(), bytes);
         reading.read(ParseSafariHistoryFile, file());
         EXPECT_TRUE(fs::is_empty(reading.scratch.path()));
         return reading.records();
     }
-    URLClass recordOf(const test::SafariVisit &visit) {
-        const URLClass record = read(SafariHistory().add(visit).text()).at(0);
+    UrlRecord recordOf(const test::SafariVisit &visit) {
+        const UrlRecord record = read(SafariHistory().add(visit).text()).at(0);
         EXPECT_EQ(reading.result.state, ReadState::complete);
         return record;
     }
@@ -54,7 +54,7 @@ TEST_F(SafariHistoryTest, aPageFillsEveryField) {
     SafariHistory history;
     addExampleVisits(history);
     ASSERT_EQ(read(history.text()).size(), 3U);
-    const URLClass &r = reading.records()[0];
+    const UrlRecord &r = reading.records()[0];
     EXPECT_EQ(r.URL, "http://www.example.com/shop/list.html?item=7&colour=red");
     EXPECT_EQ(r.URLRawValue, r.URL);
     EXPECT_EQ(r.URLFileName, "list.html?item=7&colour=red");
@@ -85,7 +85,7 @@ TEST_F(SafariHistoryTest, aPageFillsEveryField) {
 }
 
 TEST_F(SafariHistoryTest, aUrlIsTakenAsItStands) {
-    const URLClass r = recordOf({.url = "x-man-page:caf%C3%A9 http://b/"});
+    const UrlRecord r = recordOf({.url = "x-man-page:caf%C3%A9 http://b/"});
     EXPECT_EQ(r.URL, "x-man-page:caf%C3%A9 http://b/");
     EXPECT_EQ(r.URLRawValue, r.URL);
 }
@@ -122,7 +122,7 @@ TEST_F(SafariHistoryTest, aCountThatIsNotToldIsNotZero) {
 }
 
 TEST_F(SafariHistoryTest, aPageNeverVisitedIsNoBrowsersOwn) {
-    const URLClass r = recordOf({.url = kUrl, .visitCount = "0"});
+    const UrlRecord r = recordOf({.url = kUrl, .visitCount = "0"});
     EXPECT_EQ(r.Visits, 0);
     EXPECT_EQ(r.Status, "URL");
 }
@@ -226,7 +226,7 @@ TEST_F(SafariHistoryTest, ofACutFileWholeEntriesAreKeptAndTheRestCounted) {
     SafariHistory history;
     addExampleVisits(history);
     const std::string text = history.text();
-    const std::vector<URLClass> whole = read(text);
+    const std::vector<UrlRecord> whole = read(text);
     for (std::size_t length = 0; length < text.size() - 2; ++length) {
         reading.sink.records.clear();
         reading.log.entries.clear();

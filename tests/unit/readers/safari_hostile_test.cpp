@@ -105,7 +105,7 @@ TEST_F(SafariHostile, damageToABodyCostsNoHeader) {
               std::string::npos);
     ASSERT_EQ(reading->records().size(), std::size_t{kEntries});
     int bodies = 0;
-    for (const URLClass &record : reading->records()) {
+    for (const UrlRecord &record : reading->records()) {
         EXPECT_TRUE(record.ActionDateUTC.has());
         bodies += record.CacheFileExists ? 1 : 0;
     }

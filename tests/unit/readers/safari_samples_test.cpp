@@ -41,9 +41,9 @@ struct SafariSample : testing::Test {
         const auto &records = reading.records();
         return static_cast<std::size_t>(std::ranges::count_if(records, holds));
     }
-    const URLClass *find(const std::string &url) const {
+    const UrlRecord *find(const std::string &url) const {
         const auto &records = reading.records();
-        const auto found = std::ranges::find(records, url, &URLClass::URLRawValue);
+        const auto found = std::ranges::find(records, url, &UrlRecord::URLRawValue);
         return found == records.end() ? nullptr : &*found;
     }
 
@@ -72,11 +72,11 @@ std::string sha256Of(const fs::path &path) {
     return text;
 }
 
-void expectBody(const URLClass &saved, const json &wanted) {
+void expectBody(const UrlRecord &saved, const json &wanted) {
     const test::TempFolder folder;
     test::MemoryLog log;
     const Evidence evidence(fs::path(saved.HistoryFilePath).parent_path());
-    URLClass record = saved;
+    UrlRecord record = saved;
     ASSERT_TRUE(ExtractSafariCacheFile(record, "", {evidence, folder.path(), log}));
     EXPECT_EQ(fs::file_size(record.RunTimeTempFilePath), wanted.at("receiver_data_length"));
     EXPECT_EQ(sha256Of(record.RunTimeTempFilePath), wanted.at("body_sha256"));
@@ -90,14 +90,14 @@ TEST_F(SafariSample, theCacheGivesItsRecordsAndBodies) {
     EXPECT_TRUE(reading.log.entries.empty());
     EXPECT_TRUE(reading.result.passedOver.empty());
     const json &counts = expected.at("expected");
-    EXPECT_EQ(count([](const URLClass &r) { return r.CacheFileExists; }),
+    EXPECT_EQ(count([](const UrlRecord &r) { return r.CacheFileExists; }),
               counts.at("rows_with_CacheFileExists"));
-    EXPECT_EQ(count([](const URLClass &r) { return r.ActionDateUTC.has(); }),
+    EXPECT_EQ(count([](const UrlRecord &r) { return r.ActionDateUTC.has(); }),
               counts.at("rows_with_date_header"));
-    EXPECT_EQ(count([](const URLClass &r) { return r.OtherDate.has(); }),
+    EXPECT_EQ(count([](const UrlRecord &r) { return r.OtherDate.has(); }),
               counts.at("rows_with_last_modified"));
     for (const auto &each : counts.at("MIMEType_counts").items())
-        EXPECT_EQ(count([&](const URLClass &r) { return r.MIMEType == each.key(); }), each.value())
+        EXPECT_EQ(count([&](const UrlRecord &r) { return r.MIMEType == each.key(); }), each.value())
             << each.key();
 }
 
@@ -106,7 +106,7 @@ TEST_F(SafariSample, theCachesListedRecordsAgreeFieldByField) {
         GTEST_SKIP() << "the folder of real samples is not here";
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
-        const URLClass *record = find(wanted.at("URLRawValue"));
+        const UrlRecord *record = find(wanted.at("URLRawValue"));
         ASSERT_TRUE(record);
         EXPECT_EQ(record->Reference_ID, wanted.at("Reference_ID"));
         EXPECT_EQ(record->MIMEType, wanted.value("MIMEType", ""));
@@ -127,11 +127,11 @@ TEST_F(SafariSample, theHistoryGivesItsRecords) {
         GTEST_SKIP() << "the folder of real samples is not here";
     EXPECT_EQ(reading.result.state, ReadState::complete);
     EXPECT_TRUE(reading.log.entries.empty());
-    EXPECT_EQ(count([](const URLClass &r) { return r.WebpageTitle.empty(); }),
+    EXPECT_EQ(count([](const UrlRecord &r) { return r.WebpageTitle.empty(); }),
               expected.at("expected").at("entries_without_title"));
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
-        const URLClass *record = find(wanted.at("URL"));
+        const UrlRecord *record = find(wanted.at("URL"));
         ASSERT_TRUE(record);
         EXPECT_EQ(record->URL, wanted.at("URL"));
         EXPECT_EQ(record->WebpageTitle, wanted.at("WebpageTitle"));

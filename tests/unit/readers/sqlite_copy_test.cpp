@@ -158,13 +158,13 @@ TEST_F(SqliteCopy, removesWhatItCopiedWhenReadingFails) {
 
 TEST_F(SqliteCopy, removesWhatItCopiedWhenTheProjectCanNotBeWritten) {
     struct Full final : RecordSink {
-        void save(URLClass &) override { throw StorageFailure("the disk is full"); }
+        void save(UrlRecord &) override { throw StorageFailure("the disk is full"); }
     } sink;
     ChromeHistory history(file());
     test::addExamplePages(history);
     history.close();
     HistoryFile described;
-    described.FullPath = file();
+    described.fullPath = file();
     const Evidence evidence("");
     ContentProbe content;
     ReadContext context{described, evidence,    content,     reading.clock, reading.scratch.path(),

@@ -43,7 +43,7 @@ void makeFirefox(const fs::path &file) {
 
 struct Outcome {
     ReadResult result;
-    std::vector<URLClass> records;
+    std::vector<UrlRecord> records;
     std::vector<Failure> log;
 };
 

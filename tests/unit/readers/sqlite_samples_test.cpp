@@ -45,8 +45,8 @@ class SqliteSample : public testing::TestWithParam<std::string> {
         }
     }
 
-    const URLClass *recordOf(std::int64_t id) const {
-        for (const URLClass &record : reading.records())
+    const UrlRecord *recordOf(std::int64_t id) const {
+        for (const UrlRecord &record : reading.records())
             if (record.Reference_ID == id)
                 return &record;
         return nullptr;
@@ -70,21 +70,21 @@ TEST_P(SqliteSample, givesTheCountedRecordsAndLosesNone) {
     EXPECT_EQ(reading.records().size(), expected.at("expected").at("rows").get<std::size_t>());
     EXPECT_EQ(reading.result.state, ReadState::complete);
     EXPECT_TRUE(reading.log.entries.empty());
-    const auto neverVisited = [](const URLClass &r) { return r.Status == "(autogen)"; };
-    expectCount("rows_hidden", [](const URLClass &r) { return r.Hidden; });
+    const auto neverVisited = [](const UrlRecord &r) { return r.Status == "(autogen)"; };
+    expectCount("rows_hidden", [](const UrlRecord &r) { return r.Hidden; });
     expectCount("rows_visit_count_0_status_autogen", neverVisited);
-    expectCount("rows_with_empty_title", [](const URLClass &r) { return r.WebpageTitle.empty(); });
+    expectCount("rows_with_empty_title", [](const UrlRecord &r) { return r.WebpageTitle.empty(); });
     expectCount("rows_visit_count_0_status_autogen_action_empty",
-                [&](const URLClass &r) { return neverVisited(r) && r.Action.empty(); });
+                [&](const UrlRecord &r) { return neverVisited(r) && r.Action.empty(); });
     expectCount("rows_without_a_visit_row_no_action_date",
-                [](const URLClass &r) { return !r.ActionDateUTC.has(); });
+                [](const UrlRecord &r) { return !r.ActionDateUTC.has(); });
 }
 
 TEST_P(SqliteSample, givesTheListedRecordsFieldByField) {
     ASSERT_GE(expected.at("records").size(), 3U);
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
-        const URLClass *record = recordOf(wanted.at("Reference_ID"));
+        const UrlRecord *record = recordOf(wanted.at("Reference_ID"));
         ASSERT_TRUE(record);
         EXPECT_EQ(record->URLRawValue, wanted.at("URLRawValue"));
         EXPECT_EQ(record->URL, percentDecode(ParseURLFromRawURL(record->URLRawValue)));
@@ -110,7 +110,7 @@ TEST_P(SqliteSample, countsEachVisitThatIsThere) {
         passedOver += count;
     const auto &records = reading.records();
     const auto dated = std::count_if(records.begin(), records.end(),
-                                     [](const URLClass &r) { return r.ActionDateUTC.has(); });
+                                     [](const UrlRecord &r) { return r.ActionDateUTC.has(); });
     if (isChrome()) // imported pages have a date and no visit
         EXPECT_LE(passedOver, visits.get<std::uint64_t>());
     else

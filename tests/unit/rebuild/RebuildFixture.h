@@ -27,7 +27,7 @@ class RebuildFixture : public testing::Test {
     /// Stores a record of `url`, whose content is `content`; an empty one is a file that is gone.
     UrlId add(const std::string &url, const std::string &content,
               const std::string &cacheType = "IE Cache") {
-        URLClass record;
+        UrlRecord record;
         record.cacheType = cacheType;
         record.URL = record.URLRawValue = url;
         record.host = ParseHost(url);
@@ -40,11 +40,11 @@ class RebuildFixture : public testing::Test {
         std::filesystem::create_directories(file.parent_path());
         if (!content.empty())
             writeWhole(file, content);
-        store.SaveRecord(record, project.file);
+        store.saveRecord(record, project.file);
         return record.URLID;
     }
 
-    URLClass get(UrlId id) { return *store.GetURL(id); }
+    UrlRecord get(UrlId id) { return *store.getURL(id); }
     RebuildContext context() {
         return {project.connection(), store, evidence, temp, project.log, task, settings};
     }
@@ -68,7 +68,7 @@ class RebuildFixture : public testing::Test {
     Evidence evidence{evidenceFolder};
     Unwatched task;
     RebuildSettings settings;
-    URLClass page;
+    UrlRecord page;
 
   private:
     int m_files = 0;

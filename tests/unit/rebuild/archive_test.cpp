@@ -7,8 +7,8 @@ namespace {
 class ArchiveTest : public test::RebuildFixture {
   protected:
     /// A record whose rebuild folder holds a page and a picture, packed.
-    URLClass packedPage() {
-        URLClass record = get(add("http://host/page.html", "page"));
+    UrlRecord packedPage() {
+        UrlRecord record = get(add("http://host/page.html", "page"));
         const auto folder = rebuildFolderOf(record.URLID, context());
         std::filesystem::create_directories(folder);
         writeWhole(folder / "0000001.htm", "<html>caf\xE9</html>");
@@ -21,7 +21,7 @@ class ArchiveTest : public test::RebuildFixture {
 
 TEST_F(ArchiveTest, bringsBackWhatWasPacked) {
     packedPage();
-    URLClass later = get(UrlId{1});
+    UrlRecord later = get(UrlId{1});
     ASSERT_TRUE(UnpackCabinetFile(later, context()));
     EXPECT_EQ(fileOf(UrlId{1}, "0000001.htm"), "<html>caf\xE9</html>");
     EXPECT_EQ(fileOf(UrlId{1}, "0000002.gif"), std::string("GIF\0\xFF", 5));
@@ -29,7 +29,7 @@ TEST_F(ArchiveTest, bringsBackWhatWasPacked) {
 }
 
 TEST_F(ArchiveTest, readsItsTrailerIndexAndNames) {
-    const URLClass record = packedPage();
+    const UrlRecord record = packedPage();
     const ByteView archive(record.CacheFileRebuiltBLOB);
     EXPECT_EQ(archive.u32le(archive.size() - 8), 2u);
     const std::uint32_t area = archive.u32le(archive.size() - 4);
@@ -39,7 +39,7 @@ TEST_F(ArchiveTest, readsItsTrailerIndexAndNames) {
 }
 
 TEST_F(ArchiveTest, needsAPage) {
-    URLClass record = get(add("http://host/page.html", "page"));
+    UrlRecord record = get(add("http://host/page.html", "page"));
     EXPECT_FALSE(CreateCabinetFile(evidenceFolder, record, context()));
     EXPECT_FALSE(UnpackCabinetFile(record, context()));
     EXPECT_TRUE(project.log.entries.empty());
@@ -49,13 +49,13 @@ TEST_F(ArchiveTest, survivesDamage) {
     const Bytes sound = packedPage().CacheFileRebuiltBLOB;
     for (std::size_t at = 0; at < sound.size(); ++at)
         for (const int value : {0x00, 0x7F, 0x80, 0xFF}) {
-            URLClass record = get(UrlId{1});
+            UrlRecord record = get(UrlId{1});
             record.CacheFileRebuiltBLOB = sound;
             record.CacheFileRebuiltBLOB[at] = static_cast<std::uint8_t>(value);
             UnpackCabinetFile(record, context());
         }
     for (std::size_t cut = 0; cut < sound.size(); ++cut) {
-        URLClass record = get(UrlId{1});
+        UrlRecord record = get(UrlId{1});
         record.CacheFileRebuiltBLOB.assign(sound.begin(),
                                            sound.begin() + static_cast<std::ptrdiff_t>(cut));
         UnpackCabinetFile(record, context());
@@ -64,7 +64,7 @@ TEST_F(ArchiveTest, survivesDamage) {
 }
 
 TEST_F(ArchiveTest, keepsItsFilesInTheFolder) {
-    URLClass record = packedPage();
+    UrlRecord record = packedPage();
     std::string bytes(ByteView(record.CacheFileRebuiltBLOB).raw());
     bytes.replace(bytes.find("0000002.gif"), 11, "../../a.gif");
     record.CacheFileRebuiltBLOB.assign(bytes.begin(), bytes.end());

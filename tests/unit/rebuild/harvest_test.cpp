@@ -86,7 +86,7 @@ TEST_F(HarvestTest, ofAPageThatIsItsOwnPartUnderItsOwnNameKeepsItRebuilt) {
     const std::string rebuilt = "<body void=\"x()\"><img src=\"0000001.htm\" > ";
     EXPECT_EQ(fileOf(id, "0000001.htm"), rebuilt + "\r\n");
     fs::remove_all(folder());
-    URLClass later = get(id);
+    UrlRecord later = get(id);
     ASSERT_TRUE(UnpackIngredients(later, context()));
     EXPECT_EQ(fileOf(id, "0000001.htm"), rebuilt);
 }
@@ -121,7 +121,7 @@ TEST_F(HarvestTest, storesItsListAsTheLogWhenThereIsNone) {
 }
 
 TEST_F(HarvestTest, isNotBegunForAPageOfABatchThatIsCancelled) {
-    URLClass record = get(add("http://host/page.html", "<img src=\"a/logo.gif\" > "));
+    UrlRecord record = get(add("http://host/page.html", "<img src=\"a/logo.gif\" > "));
     test::CancelAfter cancelled(0);
     const RebuildContext ctx{project.connection(), store,     evidence, temp,
                              project.log,          cancelled, settings};

@@ -13,7 +13,7 @@ class RebuildTest : public test::RebuildFixture {
     int cancelAtEachStep(UrlId html, const std::function<void()> &check) {
         for (int calls = 0; calls < 100; ++calls) {
             test::CancelAfter cancelling(calls);
-            URLClass record = get(html);
+            UrlRecord record = get(html);
             const RebuildContext ctx{project.connection(), store,      evidence, temp,
                                      project.log,          cancelling, settings};
             if (RebuildWebPage(record, Batch::no, ctx, project.clock))
@@ -39,7 +39,7 @@ TEST_F(RebuildTest, putsPageAndPartsSideBySide) {
     EXPECT_EQ(page.IngredientIDs, "1|images/logo.gif|0000001.gif|\r\n"
                                   "2|/style/main.css|0000002.css|\r\n");
     EXPECT_EQ(number(picture) + number(style), 3);
-    const URLClass stored = get(html);
+    const UrlRecord stored = get(html);
     EXPECT_EQ(stored.RebuiltMethod, "Cache");
     EXPECT_EQ(stored.RebuiltDateTime, "15-06-2011 12:00:00");
     EXPECT_TRUE(stored.CacheFileRebuilt);
@@ -178,7 +178,7 @@ TEST_F(RebuildTest, comesBackFromTheProjectAlone) {
     const std::string whole = fileOf(html, "0000002.htm");
     std::filesystem::remove_all(temp);
     std::filesystem::create_directories(temp);
-    URLClass later = get(html);
+    UrlRecord later = get(html);
     ASSERT_TRUE(UnpackIngredients(later, context()));
     EXPECT_EQ(fileOf(html, "0000002.htm") + "\r\n", whole);
     EXPECT_EQ(fileOf(html, "0000001.gif"), "GIF89a");

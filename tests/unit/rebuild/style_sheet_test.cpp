@@ -24,7 +24,7 @@ class StyleSheetTest : public test::RebuildFixture {
     std::string rewritten(const std::string &css, const std::string &host = "host") {
         fs::create_directories(sheetFile.parent_path());
         writeWhole(sheetFile, css);
-        URLClass sheet;
+        UrlRecord sheet;
         sheet.host = host;
         FindReplaceCSSTags(sheetFile, sheet, context());
         return std::string(ByteView(readWhole(sheetFile)).raw());

@@ -78,7 +78,7 @@ class TagOptionsTest : public test::RebuildFixture {
     }
 
     /// One tag, searched for with the two queries as they were laid down.
-    Choice plainly(const std::string &text, const URLClass &of) {
+    Choice plainly(const std::string &text, const UrlRecord &of) {
         const std::string base = "SELECT URL_ID FROM URLs WHERE URL LIKE '%" +
                                  replaceAll(text, "'", "''") + "%' AND UCase(CacheType) = '" +
                                  toUpper(of.cacheType) + "'";
@@ -127,7 +127,7 @@ TEST_F(TagOptionsTest, ofAWordThatIsEverywhereAreCutAndCounted) {
               "text \"us\" alone stands in 121 URLs");
     const auto notes = RebuildAudit(project.connection()).notes(id);
     ASSERT_EQ(notes.size(), 2u);
-    EXPECT_EQ(notes.at(1).AccuracyScore, "1:121");
+    EXPECT_EQ(notes.at(1).accuracyScore, "1:121");
     ASSERT_EQ(notes.at(1).candidates.size(), kMostNoted);
     EXPECT_EQ(notes.at(1).candidates[0], 1);
     EXPECT_EQ(notes.at(1).candidates[1], number(last)); // the best of the others
@@ -165,7 +165,7 @@ TEST_F(TagOptionsTest, areThoseOfThePlainWay) {
     for (int i = 0; i < 150; ++i)
         texts.push_back(pick(parts) + (i % 2 ? "/" : "") + pick(parts) + (i % 3 ? ".gif" : ""));
     const UrlId id = add("http://one.example/page.html", "page");
-    const URLClass of = get(id);
+    const UrlRecord of = get(id);
     for (const std::string &text : texts) {
         SQLite::Statement insert(project.connection(),
                                  "INSERT INTO Tags (URL_ID, OriginalTag) VALUES (?, ?)");

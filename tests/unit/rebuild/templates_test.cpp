@@ -20,7 +20,7 @@ class TemplatesTest : public test::RebuildFixture {
         EXPECT_EQ(create(page), TemplateResult::made);
         return templatePathOf(page, templates);
     }
-    TemplateResult create(const URLClass &of,
+    TemplateResult create(const UrlRecord &of,
                           IfTemplateExists ifExists = IfTemplateExists::refuse) {
         return CreateTemplate(of, templates, "2.8.1", ifExists, context());
     }
@@ -69,11 +69,11 @@ TEST_F(TemplatesTest, areShownFromAFolderOfTheirOwn) {
 TEST_F(TemplatesTest, layOverAnotherPage) {
     const auto file = makeTemplate();
     const UrlId other = add("http://host/other.html", "a page that lost its frame");
-    URLClass record = get(other);
+    UrlRecord record = get(other);
     ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_EQ(fileOf(other, "0000003.htm"), "<img src=\"0000001.gif\" > \r\n");
     EXPECT_EQ(fileOf(other, "0000001.gif"), "GIF89a");
-    const URLClass stored = get(other);
+    const UrlRecord stored = get(other);
     EXPECT_EQ(stored.IngredientIDs, "1|a/logo.gif|0000001.gif|\r\n");
     EXPECT_TRUE(stored.CacheFileRebuilt);
     EXPECT_EQ(stored.RebuiltMethod, "Cache");
@@ -84,7 +84,7 @@ TEST_F(TemplatesTest, neverNameAStrangersRecordAsTheirPart) {
     const auto file = makeTemplate();
     // In this project the id stands for something else.
     project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");
-    URLClass record = get(add("http://host/other.html", "page"));
+    UrlRecord record = get(add("http://host/other.html", "page"));
     ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_EQ(record.IngredientIDs, "0|a/logo.gif|0000001.gif|\r\n");
 }
@@ -93,12 +93,12 @@ TEST_F(TemplatesTest, keepTheBytesOfAnotherProjectsPart) {
     const auto file = makeTemplate();
     project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");
     const UrlId other = add("http://host/other.html", "<img src=\"a/logo.gif\" > ");
-    URLClass record = get(other);
+    UrlRecord record = get(other);
     ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
     std::filesystem::remove(file);
     std::filesystem::remove_all(temp);
     std::filesystem::create_directories(temp);
-    URLClass later = get(other);
+    UrlRecord later = get(other);
     ASSERT_TRUE(UnpackIngredients(later, context()));
     EXPECT_EQ(fileOf(other, "0000001.gif"), "GIF89a");
     EXPECT_EQ(fileOf(other, "0000003.htm"), "<img src=\"0000001.gif\" > \r\n");
@@ -110,7 +110,7 @@ TEST_F(TemplatesTest, keepTheBytesOfAnotherProjectsPart) {
 
 TEST_F(TemplatesTest, ofPartsThatTheProjectHasStoreNoBytes) {
     const auto file = makeTemplate();
-    URLClass record = get(add("http://host/other.html", "page"));
+    UrlRecord record = get(add("http://host/other.html", "page"));
     ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_TRUE(get(record.URLID).CacheFileRebuiltBLOB.empty());
 }
@@ -122,7 +122,7 @@ TEST_F(TemplatesTest, giveAPartOfThePagesNameAnother) {
     ASSERT_TRUE(rebuild(html));
     ASSERT_EQ(create(page), TemplateResult::made);
     const auto file = templatePathOf(page, templates);
-    URLClass record = get(frame); // its rebuilt page bears the name that the part has
+    UrlRecord record = get(frame); // its rebuilt page bears the name that the part has
     ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_EQ(fileOf(frame, "0000001.htm"), "<iframe src=\"_0000001.htm\" > \r\n");
     EXPECT_EQ(fileOf(frame, "_0000001.htm"), "<b>frame</b>");
@@ -145,7 +145,7 @@ TEST_F(TemplatesTest, keepTheirPageWhenAPartHasNoRecord) {
     ASSERT_TRUE(RebuildFromTemplate(page, file, context(), project.clock)); // the part's id is 0
     page.URLFileName = "second";
     ASSERT_EQ(create(page), TemplateResult::made);
-    URLClass third = get(add("http://host/third.html", "page"));
+    UrlRecord third = get(add("http://host/third.html", "page"));
     ASSERT_TRUE(
         RebuildFromTemplate(third, templatePathOf(page, templates), context(), project.clock));
     EXPECT_EQ(fileOf(third.URLID, "0000004.htm"), "<img src=\"0000001.gif\" > \r\n");
@@ -153,7 +153,7 @@ TEST_F(TemplatesTest, keepTheirPageWhenAPartHasNoRecord) {
 }
 
 TEST_F(TemplatesTest, areMadeOnlyOfPagesRebuiltInThisSession) {
-    const URLClass record = get(add("http://host/page.html", "page"));
+    const UrlRecord record = get(add("http://host/page.html", "page"));
     EXPECT_EQ(create(record), TemplateResult::noRebuild);
 }
 
@@ -190,7 +190,7 @@ TEST_F(TemplatesTest, withoutAHashSectionChangeNothing) {
     bytes[0x201] = 0;
     bytes[0x200] = 0;
     writeWhole(file, ByteView(bytes).raw());
-    URLClass record = get(add("http://host/other.html", "page"));
+    UrlRecord record = get(add("http://host/other.html", "page"));
     EXPECT_FALSE(RebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_FALSE(get(record.URLID).CacheFileRebuilt);
 }
@@ -201,7 +201,7 @@ TEST_F(TemplatesTest, keepTheirFilesInTheFolder) {
     const std::size_t name = bytes.rfind("0000001.gif");
     bytes.replace(name, 11, "../../a.gif");
     writeWhole(file, bytes);
-    URLClass record = get(add("http://host/other.html", "page"));
+    UrlRecord record = get(add("http://host/other.html", "page"));
     ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_EQ(fileOf(record.URLID, "a.gif"), "GIF89a");
     EXPECT_FALSE(std::filesystem::exists(project.folder.path() / "a.gif"));
@@ -210,7 +210,7 @@ TEST_F(TemplatesTest, keepTheirFilesInTheFolder) {
 TEST_F(TemplatesTest, surviveDamage) {
     const auto file = makeTemplate();
     const std::string sound(ByteView(readWhole(file)).raw());
-    URLClass record = get(UrlId{2});
+    UrlRecord record = get(UrlId{2});
     for (std::size_t cut = 0; cut < sound.size(); cut += cut < 0x1000 ? 97 : 1) {
         writeWhole(file, sound.substr(0, cut));
         RebuildFromTemplate(record, file, context(), project.clock);
@@ -235,7 +235,7 @@ TEST(TemplateTitle, isComparedTrimmedAndInEitherCase) {
 }
 
 TEST(TemplatePath, holdsNothingThatLeadsAway) {
-    URLClass page;
+    UrlRecord page;
     page.URLID = UrlId{17};
     page.URLFileName = "..\\../ShowFolder?id=1";
     EXPECT_EQ(templatePathOf(page, "/t"), "/t/ShowFolderid=1.NVT");

@@ -50,7 +50,7 @@ class ReportFixture : public RebuildFixture {
 
     /// A row of a history, at noon of a day of May 2011.
     UrlId addHistory(const std::string &url, int day, const std::string &cacheType = "IE Daily") {
-        URLClass record;
+        UrlRecord record;
         record.cacheType = cacheType;
         record.URL = record.URLRawValue = url;
         record.IsHistory = true;
@@ -58,7 +58,7 @@ class ReportFixture : public RebuildFixture {
         record.Visits = 3;
         record.User = "mara";
         record.ActionDateUTC = Date::fromCivil({2011, 5, day, 12, 0, 0});
-        store.SaveRecord(record, project.file);
+        store.saveRecord(record, project.file);
         return record.URLID;
     }
     void set(UrlId id, const std::string &column, const std::string &value) {

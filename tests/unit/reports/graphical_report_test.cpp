@@ -138,7 +138,7 @@ TEST_F(GraphicalReportTest, theAuditTellsAReferenceThatThePageDoesNotNameAPartFo
 
 TEST_F(GraphicalReportTest, anArchiveOfAnEarlierVersionIsUnpacked) {
     addRebuiltPage();
-    URLClass record = get(UrlId{1});
+    UrlRecord record = get(UrlId{1});
     const auto folder = rebuildFolderOf(UrlId{1}, context());
     writeWhole(folder / "0000001.thumbnail.jpg", "old drawing");
     ASSERT_TRUE(CreateCabinetFile(folder, record, context()));

@@ -33,7 +33,7 @@ TEST_F(TabularReportTest, aRowHasItsCells) {
 TEST_F(TabularReportTest, aProjectThatIsOnlyReadIsNotWrittenTo) {
     addHistory("http://one/", 7);
     addHistory("http://two/", 8);
-    const auto reading = connectToProject(project.database.FilePath, Access::read);
+    const auto reading = connectToProject(project.database.filePath, Access::read);
     MemoryTask watched;
     const RowIds ids{2, 1};
     EXPECT_EQ(fillSortTable(*reading, ids, ReportRows::all, watched), Walk::Finished);
@@ -136,11 +136,11 @@ TEST_F(TabularReportTest, evidenceBecomesNoMarkup) {
 TEST_F(TabularReportTest, theCaseTrailStandsAfterTheLegendOnRequest) {
     addHistory("http://a.example/", 1);
     TrailEntry entry;
-    entry.ActionDateUTC = Date::fromCivil({2011, 5, 1, 12, 0, 0});
-    entry.Action = "Import";
-    entry.Detail = "<script>alert(1)</script>";
-    entry.FilePath = "/evidence/it's \"here\".dat";
-    entry.MD5Hash = "0123";
+    entry.actionDateUTC = Date::fromCivil({2011, 5, 1, 12, 0, 0});
+    entry.action = "Import";
+    entry.detail = "<script>alert(1)</script>";
+    entry.filePath = "/evidence/it's \"here\".dat";
+    entry.md5Hash = "0123";
     CaseTrail(project.connection()).add(entry);
     EXPECT_EQ(make(1).find("CASE TRAIL"), std::string::npos);
     for (const int type : {0, 1}) {

@@ -30,7 +30,7 @@ struct LinkProject {
     /// A cached file of the type with this content; an empty one is a file that is gone.
     std::int64_t cached(const std::string &cacheType, const std::string &name,
                         const std::string &content) {
-        URLClass record;
+        UrlRecord record;
         record.URL = "http://host/" + name;
         record.cacheType = cacheType;
         const auto file = project.folder.path() / "evidence" / name;
@@ -39,7 +39,7 @@ struct LinkProject {
         record.CacheFileExists = true;
         if (!content.empty())
             project.folder.write(std::filesystem::path("evidence") / name, content);
-        records.SaveRecord(record, project.file);
+        records.saveRecord(record, project.file);
         return number(record.URLID);
     }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/DatabaseClass.h"
+#include "db/ProjectDatabase.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "time/TimeZone.h"
@@ -23,8 +23,8 @@ struct MadeProject {
     using Fields = std::initializer_list<std::pair<const char *, Value>>;
 
     MadeProject() : project(log, clock), zone(Date::fromTimePoint(clock.now())) {
-        project.FilePath = folder.path() / "case.nvp";
-        EXPECT_TRUE(project.CreateDatabaseProject());
+        project.filePath = folder.path() / "case.nvp";
+        EXPECT_TRUE(project.createDatabaseProject());
         // Eastern Time as the reference database holds it: west is positive.
         zone.tzBias = 300;
         zone.tzDSTBias = -60;
@@ -60,7 +60,7 @@ struct MadeProject {
     TempFolder folder;
     MemoryLog log;
     FixedClock clock;
-    DatabaseClass project;
+    ProjectDatabase project;
     TimeZone zone;
 
   private:

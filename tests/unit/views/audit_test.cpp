@@ -12,7 +12,7 @@ using testing::ElementsAre;
 class AuditTest : public test::RebuildFixture {
   protected:
     std::vector<AuditRow> audit(UrlId id) {
-        const URLClass record = get(id);
+        const UrlRecord record = get(id);
         return LoadAudit(record, rebuildFolderOf(id, context()), context())
             .value_or(std::vector<AuditRow>());
     }
@@ -109,7 +109,7 @@ TEST_F(AuditTest, countsAPartThatATemplateHasBrought) {
     ASSERT_EQ(CreateTemplate(page, folder, "1", IfTemplateExists::refuse, context()),
               TemplateResult::made);
     project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");
-    URLClass record = get(add("http://host/other.html", "page"));
+    UrlRecord record = get(add("http://host/other.html", "page"));
     ASSERT_TRUE(
         RebuildFromTemplate(record, templatePathOf(page, folder), context(), project.clock));
     EXPECT_THAT(states(audit(record.URLID)), ElementsAre("a/logo.gif: 0000001.gif"));

@@ -1,6 +1,6 @@
 #include "MadeProject.h"
 #include "db/RecordStore.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "import/Categories.h"
 #include "views/FiltersClass.h"
 #include "views/IdLoader.h"
@@ -27,28 +27,28 @@ FiltersClass withKind(bool FiltersClass::*flag) {
 }
 
 /// A record of the cache with an extension that no flag knows, so that only what is set admits it.
-URLClass cached() {
-    URLClass record;
+UrlRecord cached() {
+    UrlRecord record;
     record.cacheType = "IE Cache";
     record.URLFileExt = "xyz";
     record.URL = "http://h/";
     return record;
 }
 
-URLClass withExtension(const std::string &extension) {
-    URLClass record = cached();
+UrlRecord withExtension(const std::string &extension) {
+    UrlRecord record = cached();
     record.URLFileExt = extension;
     return record;
 }
 
-URLClass withCategory(const std::string &category) {
-    URLClass record = cached();
+UrlRecord withCategory(const std::string &category) {
+    UrlRecord record = cached();
     record.Category = category;
     return record;
 }
 
-URLClass withUrl(const std::string &url) {
-    URLClass record = cached();
+UrlRecord withUrl(const std::string &url) {
+    UrlRecord record = cached();
     record.URL = url;
     return record;
 }
@@ -76,13 +76,13 @@ TEST(FiltersTest, everyFlagStandsInTheTableOnce) {
 }
 
 TEST(FiltersTest, sourcesVeto) {
-    const auto isShownWithout = [](bool FiltersClass::*source, const URLClass &record) {
+    const auto isShownWithout = [](bool FiltersClass::*source, const UrlRecord &record) {
         FiltersClass filters = withSources();
         filters.showAll = true;
         filters.*source = false;
         return FilterRecord(filters, record);
     };
-    URLClass record;
+    UrlRecord record;
     record.IsHistory = true;
     EXPECT_FALSE(isShownWithout(&FiltersClass::showHistoryURLs, record));
     EXPECT_TRUE(isShownWithout(&FiltersClass::showCookies, record));
@@ -100,7 +100,7 @@ TEST(FiltersTest, sourcesVeto) {
 }
 
 TEST(FiltersTest, theVetoOfCookiesComesBeforeShowAll) {
-    URLClass cookie;
+    UrlRecord cookie;
     cookie.IsCookie = true;
     FiltersClass filters = withSources();
     filters.showAll = true;
@@ -111,7 +111,7 @@ TEST(FiltersTest, theVetoOfCookiesComesBeforeShowAll) {
 
 TEST(FiltersTest, sourcesAloneShowOnlyCookiesAndBookmarks) {
     const FiltersClass filters = withSources();
-    URLClass record;
+    UrlRecord record;
     record.IsHistory = true;
     record.URL = "http://www.google.example/";
     record.URLFileExt = "gif";
@@ -125,7 +125,7 @@ TEST(FiltersTest, sourcesAloneShowOnlyCookiesAndBookmarks) {
 }
 
 TEST(FiltersTest, aVetoComesBeforeTheOtherSourcesAdmission) {
-    URLClass record;
+    UrlRecord record;
     record.IsCookie = true;
     record.IsHistory = true;
     FiltersClass filters = withSources();
@@ -250,7 +250,7 @@ struct FilterIdsTest : testing::Test, test::MadeProject {
         RecordStore store(db(), {zone}, clock, log);
         RowIds left;
         for (const std::int32_t id : from) {
-            const auto record = store.GetURL(UrlId{id});
+            const auto record = store.getURL(UrlId{id});
             if (record && FilterRecord(filters, *record))
                 left.push_back(id);
         }

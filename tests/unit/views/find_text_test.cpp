@@ -158,9 +158,9 @@ TEST_F(FindInDamageTest, aBrokenPageCostsItsRowsAlone) {
                                       "pagetype = 'leaf' ORDER BY path LIMIT 1 OFFSET 10")
                           .getInt64();
     const auto pageSize = db().execAndGet("PRAGMA page_size").getInt64();
-    project.CloseDB();
+    project.closeDB();
     {
-        std::fstream file(project.FilePath, std::ios::binary | std::ios::in | std::ios::out);
+        std::fstream file(project.filePath, std::ios::binary | std::ios::in | std::ios::out);
         file.seekp((page - 1) * pageSize);
         file << std::string(16, '\xFF');
     }

@@ -1,5 +1,5 @@
 #include "MadeProject.h"
-#include "db/URLClass.h"
+#include "db/UrlRecord.h"
 #include "views/Hosts.h"
 #include "views/UrlTable.h"
 

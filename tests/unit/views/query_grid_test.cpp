@@ -97,7 +97,7 @@ TEST(QueryGrid, rowsAreJoinedAndSorted) {
 struct GridStatements : testing::Test {
     QueryClass check(const std::string &sql) { return testTyped(sql, *reader, made.log); }
     test::MadeProject made;
-    std::unique_ptr<SQLite::Database> reader = openReadOnly(made.project.FilePath);
+    std::unique_ptr<SQLite::Database> reader = openReadOnly(made.project.filePath);
 };
 
 bool holdsDates(const std::string &field) {

@@ -119,14 +119,14 @@ TEST(TableLayout, survivesACloseAndAnOpenOfTheProject) {
         layout.move(UrlColumn::Value, 1);
         ProjectFields fields(project.connection(), project.log);
         layout.save([&](std::string_view name, std::string_view value) {
-            fields.SaveDefaultSetting(name, value);
+            fields.saveDefaultSetting(name, value);
         });
     }
-    project.database.CloseDB();
+    project.database.closeDB();
     project.database.open();
     const ProjectFields fields(project.connection(), project.log);
     TableLayout layout;
-    layout.restore([&](std::string_view name) { return fields.GetDefault(name); });
+    layout.restore([&](std::string_view name) { return fields.getDefault(name); });
     EXPECT_TRUE(layout.hidden(UrlColumn::Host));
     EXPECT_EQ(layout.position(UrlColumn::Value), 1);
     EXPECT_TRUE(project.log.entries.empty());

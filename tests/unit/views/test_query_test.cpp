@@ -16,7 +16,7 @@ using testing::HasSubstr;
 struct TestQueryTest : testing::Test {
     QueryClass check(std::string_view sql) { return testTyped(sql, *reader, made.log); }
     test::MadeProject made;
-    std::unique_ptr<SQLite::Database> reader = openReadOnly(made.project.FilePath);
+    std::unique_ptr<SQLite::Database> reader = openReadOnly(made.project.filePath);
 };
 
 TEST(SanitizeSQLText, lineBreaksAndTabsBecomeOneBlankEach) {

@@ -28,7 +28,7 @@ class ThumbnailsTest : public testing::Test {
 
     std::int64_t add(const std::string &name, const std::string &content,
                      const std::string &url = "http://host/page") {
-        URLClass record;
+        UrlRecord record;
         record.cacheType = "IE Cache";
         record.URL = url;
         record.URLFileExt = getFileExtension(url);
@@ -41,7 +41,7 @@ class ThumbnailsTest : public testing::Test {
         fs::create_directories(file.parent_path());
         if (!content.empty())
             writeWhole(file, content);
-        store.SaveRecord(record, project.file);
+        store.saveRecord(record, project.file);
         return number(record.URLID);
     }
     ThumbnailContext context() {
@@ -193,7 +193,7 @@ TEST_F(ThumbnailsTest, aCancelKeepsWhatWasMade) {
 }
 
 TEST_F(ThumbnailsTest, oneRecordIsMadeOnlyWhenTheImportWantsPictures) {
-    URLClass record = *store.GetURL(UrlId{add("a[1].gif", "GIF89a")});
+    UrlRecord record = *store.getURL(UrlId{add("a[1].gif", "GIF89a")});
     ImportClass import;
     import.MakePictureThumbnails = false;
     EXPECT_FALSE(MakeThumbnail(record, import, context()));
@@ -209,7 +209,7 @@ TEST_F(ThumbnailsTest, oneRecordIsMadeOnlyWhenTheImportWantsPictures) {
 }
 
 TEST_F(ThumbnailsTest, aPictureFileIsDrawnAndMeasured) {
-    URLClass record;
+    UrlRecord record;
     record.URLID = UrlId{17};
     const fs::path source = project.folder.write("part.gif", "GIF89a");
     EXPECT_TRUE(MakePictureThumbnail(source, temp / "out.bmp", record, 200, context()));

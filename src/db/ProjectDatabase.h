@@ -19,40 +19,40 @@ struct Table;
 
 /// The project file: one SQLite database with tables, columns and stored queries
 /// (docs/formats/project-file.md).
-class DatabaseClass {
+class ProjectDatabase {
   public:
-    DatabaseClass(FailureLog &log, const Clock &clock);
-    ~DatabaseClass();
-    DatabaseClass(const DatabaseClass &) = delete;
-    DatabaseClass &operator=(const DatabaseClass &) = delete;
+    ProjectDatabase(FailureLog &log, const Clock &clock);
+    ~ProjectDatabase();
+    ProjectDatabase(const ProjectDatabase &) = delete;
+    ProjectDatabase &operator=(const ProjectDatabase &) = delete;
 
-    std::filesystem::path FilePath;
+    std::filesystem::path filePath;
     /// The examiner's page templates (rebuild/); no table of theirs lies in a project.
-    std::filesystem::path TemplatesDBFilePath;
+    std::filesystem::path templatesDBFilePath;
     /// Where the term lists of the keyword queries lie; read when a project is made.
-    std::filesystem::path KeywordFolder;
+    std::filesystem::path keywordFolder;
     /// The examiner's own lists, which stand in for those of the same name there.
-    std::filesystem::path AgencyKeywordFolder;
+    std::filesystem::path agencyKeywordFolder;
 
-    /// Makes the file at FilePath with the whole schema, and leaves it open. False on a failure,
+    /// Makes the file at filePath with the whole schema, and leaves it open. False on a failure,
     /// which is logged; what was written stays on disk. A file that is there isn't touched: the
     /// caller deletes it first.
-    [[nodiscard]] bool CreateDatabaseProject();
+    [[nodiscard]] bool createDatabaseProject();
     /// Makes a scratch file for a Mork history, over one that is there, and closes it. Needs no
     /// project. False on a failure, which is logged.
-    [[nodiscard]] bool CreateMorkFileParser(const std::filesystem::path &file);
+    [[nodiscard]] bool createMorkFileParser(const std::filesystem::path &file);
     /// Fills table `KeywordFlags`, made on first use, with the term lists that the keyword queries
     /// look for. Flags that are there stay as they are. False on a failure, which is logged.
-    [[nodiscard]] bool PopulateKeywordFlags();
+    [[nodiscard]] bool populateKeywordFlags();
     /// Makes table `FlaggedURLs`, which no new project has. False on a failure, which is logged.
-    [[nodiscard]] bool CreateFlaggedURLs();
+    [[nodiscard]] bool createFlaggedURLs();
 
-    /// Opens the file at FilePath. Throws StorageFailure, saying what is wrong with the file. What
+    /// Opens the file at filePath. Throws StorageFailure, saying what is wrong with the file. What
     /// is opened for reading keeps every byte, so that its hash stays that of the day it was filed.
     void open(Access access = Access::write);
     /// Rolls a pending transaction back, brings the project into its one-file form and closes it.
     /// Does nothing when closed. Statements on the connection must be gone by then.
-    void CloseDB();
+    void closeDB();
     bool isOpen() const;
     /// Opened for reading only.
     bool isReadOnly() const;

@@ -1,4 +1,4 @@
-#include "db/DatabaseClass.h"
+#include "db/ProjectDatabase.h"
 
 #include "base/Files.h"
 #include "base/Trap.h"
@@ -41,32 +41,33 @@ void addFlag(SQLite::Database &database, const KeywordFlag &flag) {
 
 } // namespace
 
-DatabaseClass::DatabaseClass(FailureLog &log, const Clock &clock) : m_log(log), m_clock(clock) {}
+ProjectDatabase::ProjectDatabase(FailureLog &log, const Clock &clock)
+    : m_log(log), m_clock(clock) {}
 
-DatabaseClass::~DatabaseClass() {
-    CloseDB();
+ProjectDatabase::~ProjectDatabase() {
+    closeDB();
 }
 
-bool DatabaseClass::isOpen() const {
+bool ProjectDatabase::isOpen() const {
     return m_database != nullptr;
 }
 
-SQLite::Database &DatabaseClass::connection() {
+SQLite::Database &ProjectDatabase::connection() {
     return *m_database;
 }
 
-bool DatabaseClass::CreateDatabaseProject() {
-    CloseDB();
+bool ProjectDatabase::createDatabaseProject() {
+    closeDB();
     const auto failure = failureOf(m_log, "DatabaseClass.CreateDatabaseProject()", [this] {
-        m_database = connect(FilePath, Access::create);
-        onFile(FilePath, [this] { fillNewProject(); });
+        m_database = connect(filePath, Access::create);
+        onFile(filePath, [this] { fillNewProject(); });
     });
     if (failure)
         m_database.reset();
     return !failure;
 }
 
-void DatabaseClass::fillNewProject() {
+void ProjectDatabase::fillNewProject() {
     const auto tables = schema::projectTables();
     SchemaCatalogue catalogue(*m_database);
     SQLite::Transaction transaction(*m_database);
@@ -74,14 +75,14 @@ void DatabaseClass::fillNewProject() {
     for (const schema::Table &table : tables.first(schema::kTablesBeforeQueries))
         catalogue.add(table);
     StoredQueries(*m_database)
-        .createAll(m_clock, loadKeywordLists({KeywordFolder, AgencyKeywordFolder}, m_log));
+        .createAll(m_clock, loadKeywordLists({keywordFolder, agencyKeywordFolder}, m_log));
     for (const schema::Table &table : tables.subspan(schema::kTablesBeforeQueries))
         catalogue.add(table);
     catalogue.noteRelationships();
     transaction.commit();
 }
 
-bool DatabaseClass::CreateMorkFileParser(const std::filesystem::path &file) {
+bool ProjectDatabase::createMorkFileParser(const std::filesystem::path &file) {
     return !failureOf(m_log, "DatabaseClass.CreateMorkFileParser()", [&file] {
         removeDatabase(file);
         const auto scratch = connect(file, Access::create);
@@ -93,16 +94,16 @@ bool DatabaseClass::CreateMorkFileParser(const std::filesystem::path &file) {
     });
 }
 
-void DatabaseClass::addOnFirstUse(const schema::Table &table) {
+void ProjectDatabase::addOnFirstUse(const schema::Table &table) {
     if (!m_database)
         throw StorageFailure("no project is open");
     if (!m_database->tableExists(std::string(table.name)))
         SchemaCatalogue(*m_database).add(table);
 }
 
-bool DatabaseClass::PopulateKeywordFlags() {
+bool ProjectDatabase::populateKeywordFlags() {
     return !failureOf(m_log, "DatabaseClass.PopulateKeywordFlags()", [this] {
-        const KeywordLists lists = loadKeywordLists({KeywordFolder, AgencyKeywordFolder}, m_log);
+        const KeywordLists lists = loadKeywordLists({keywordFolder, agencyKeywordFolder}, m_log);
         onProject([&] {
             addOnFirstUse(schema::keywordFlags());
             addFlag(*m_database, {"Adult Content", "AC", lists.adultContent});
@@ -111,21 +112,21 @@ bool DatabaseClass::PopulateKeywordFlags() {
     });
 }
 
-bool DatabaseClass::CreateFlaggedURLs() {
+bool ProjectDatabase::createFlaggedURLs() {
     return !failureOf(m_log, "DatabaseClass.CreateFlaggedURLs()",
                       [this] { onProject([this] { addOnFirstUse(schema::flaggedUrls()); }); });
 }
 
-bool DatabaseClass::isReadOnly() const {
+bool ProjectDatabase::isReadOnly() const {
     return m_database && nv::isReadOnly(*m_database);
 }
 
-void DatabaseClass::open(Access access) {
-    CloseDB();
-    m_database = connectToProject(FilePath, access);
+void ProjectDatabase::open(Access access) {
+    closeDB();
+    m_database = connectToProject(filePath, access);
 }
 
-void DatabaseClass::CloseDB() {
+void ProjectDatabase::closeDB() {
     if (!m_database || isReadOnly())
         return m_database.reset();
     // A failure may have left a transaction open; what it wrote is not kept.
@@ -138,10 +139,10 @@ void DatabaseClass::CloseDB() {
     const std::string why = m_database->getErrorMsg();
     m_database.reset();
     std::error_code none;
-    const auto left = std::filesystem::file_size(sideFile(FilePath, kLogSuffix), none);
+    const auto left = std::filesystem::file_size(sideFile(filePath, kLogSuffix), none);
     if (!none && left > 0)
         m_log.write({fmt::format("\"{0}{1}\" belongs to \"{0}\" and must stay beside it: {2}",
-                                 textOf(FilePath), kLogSuffix, why),
+                                 textOf(filePath), kLogSuffix, why),
                      "DatabaseClass.CloseDB()", Severity::Warning, std::string(kContactSupport)});
 }
 

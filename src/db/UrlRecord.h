@@ -17,7 +17,7 @@ inline constexpr std::int64_t kVisitsUnknown = -1;
 /// Texts are UTF-8. Members carry the names of their columns in table `URLs` (db/Schema.cpp), but
 /// `host` (Host), `Tag` (Tagged), `cacheType` (CacheType), `WebpageTitle` (WebPageTitle) and
 /// `CacheFileCreatedGMTDOS` (CacheFileCreated).
-struct URLClass {
+struct UrlRecord {
     // Identity
     UrlId URLID = UrlId::none;
     SourceFileId SourceFile_ID = SourceFileId::none;
@@ -43,8 +43,8 @@ struct URLClass {
     // Event. All dates are UTC but `ActionDateLocal`, which is in the project's zone.
     std::string Action;
     Date ActionDateUTC;
-    Date ActionDateLocal; ///< read back from the row; SaveRecord computes it
-    Date LastVisited;     ///< read back from the row; SaveRecord stores ActionDateUTC here too
+    Date ActionDateLocal; ///< read back from the row; saveRecord computes it
+    Date LastVisited;     ///< read back from the row; saveRecord stores ActionDateUTC here too
     Date OtherDate;
     std::string OtherDateMeaning;
     Date ExpiryDate;
