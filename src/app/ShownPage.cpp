@@ -24,7 +24,7 @@ constexpr std::array<std::string_view, 7> kPictures = {"gif", "jpg", "jpeg", "pn
 /// browser shows. What the cache or the address says is not to be trusted.
 std::string extensionFor(const fs::path &content) {
     const Bytes bytes = readHead(content, kTextHead);
-    const std::string signature = GetExtBySignature(ByteView(bytes));
+    const std::string signature = getExtBySignature(ByteView(bytes));
     if (std::find(kPictures.begin(), kPictures.end(), signature) != kPictures.end())
         return signature;
     const TextKind kind = textKindOf(ByteView(bytes).raw());

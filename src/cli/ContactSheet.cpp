@@ -41,7 +41,7 @@ small {{ display: block; color: #555; unicode-bidi: isolate }}
 std::string pictureOf(const Bytes &thumbnail) {
     constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kForms = {
         {{"bmp", "bmp"}, {"jpg", "jpeg"}, {"gif", "gif"}, {"png", "png"}}};
-    const std::string extension = GetExtBySignature(ByteView(thumbnail));
+    const std::string extension = getExtBySignature(ByteView(thumbnail));
     const auto *form = std::ranges::find(kForms, extension, [](auto &each) { return each.first; });
     if (form == kForms.end())
         return "no picture";

@@ -70,7 +70,7 @@ void settleBody(UrlRecord &record, Body &body, std::uint64_t inMemory, FailureLo
         record.GZipEncoded = true;
         head = headOf(body);
     }
-    const std::string extension = GetExtBySignature(ByteView(head));
+    const std::string extension = getExtBySignature(ByteView(head));
     if (std::ranges::find(kPictures, extension) != kPictures.end()) {
         record.IsPicture = true;
         record.CacheFileExt = extension;

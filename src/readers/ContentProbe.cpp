@@ -114,7 +114,7 @@ ContentFacts factsOfLarge(const ByteSource &file) {
     bool first = true;
     static_cast<void>(inBlocks(file, [&](std::string_view block) {
         if (std::exchange(first, false))
-            facts.extension = GetExtBySignature(viewOf(block.substr(0, kLongestSignature)));
+            facts.extension = getExtBySignature(viewOf(block.substr(0, kLongestSignature)));
         scan.feed(block);
         return true;
     }));
@@ -124,7 +124,7 @@ ContentFacts factsOfLarge(const ByteSource &file) {
 
 } // namespace
 
-std::string GetExtBySignature(ByteView head) {
+std::string getExtBySignature(ByteView head) {
     for (const Signature &signature : kSignatures)
         if (head.raw().starts_with(signature.bytes))
             return std::string(signature.extension);
@@ -133,7 +133,7 @@ std::string GetExtBySignature(ByteView head) {
 
 ContentFacts factsOf(std::string_view bytes) {
     ContentFacts facts;
-    facts.extension = GetExtBySignature(viewOf(bytes.substr(0, kLongestSignature)));
+    facts.extension = getExtBySignature(viewOf(bytes.substr(0, kLongestSignature)));
     TagScan scan(facts);
     scan.feed(bytes);
     scan.finish();

@@ -56,6 +56,6 @@ ContentFacts factsOf(std::string_view bytes);
 std::string titleOf(std::string_view bytes);
 
 /// The extension that a file's first bytes speak for, or empty.
-std::string GetExtBySignature(ByteView head);
+std::string getExtBySignature(ByteView head);
 
 } // namespace nv

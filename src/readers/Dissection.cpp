@@ -26,7 +26,7 @@ constexpr std::size_t kBehindDateRange = 19; // ":2009010120090108: "
 } // namespace
 
 // An address that another one carries, as in "http://host/url?q=https://other/", was not opened.
-std::string ParseURLFromRawURL(std::string_view raw) {
+std::string parseURLFromRawURL(std::string_view raw) {
     std::size_t begin = raw.size();
     for (const std::string_view protocol : kProtocols)
         begin = std::min(begin, findNoCase(raw, protocol));
@@ -39,7 +39,7 @@ std::string ParseURLFromRawURL(std::string_view raw) {
     return std::string(raw);
 }
 
-std::string ParseUserFromURL(std::string_view raw) {
+std::string parseUserFromURL(std::string_view raw) {
     const std::string_view text = trim(raw);
     const std::size_t at = text.find('@');
     if (at == std::string_view::npos || charCount(text) < kShortestRawTextWithUser)
@@ -55,7 +55,7 @@ std::string ParseUserFromURL(std::string_view raw) {
     return charCount(user) > kLongestUserOfDateRange ? std::string() : std::string(user);
 }
 
-std::string GetURLProtocol(std::string_view url) {
+std::string getURLProtocol(std::string_view url) {
     constexpr std::size_t kEarliest = 3; // a mark before it is a drive letter's or stands alone
     const std::size_t mark = url.find(":/");
     const bool usable = mark != std::string_view::npos && mark >= kEarliest;
@@ -68,7 +68,7 @@ std::string GetURLProtocol(std::string_view url) {
     return charCount(word) > kLongestProtocol ? std::string() : std::string(word);
 }
 
-std::string ParseHost(std::string_view url) {
+std::string parseHost(std::string_view url) {
     const std::size_t mark = url.find("://");
     if (mark == std::string_view::npos)
         return {};

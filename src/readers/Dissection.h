@@ -10,16 +10,16 @@ namespace nv {
 
 /// The URL part of a raw text: from "https:", "http:", "file:" or "res:", whichever stands first in
 /// it; where none does, after ":host: " or else after the first "@"; otherwise the text whole.
-std::string ParseURLFromRawURL(std::string_view raw);
+std::string parseURLFromRawURL(std::string_view raw);
 
 /// The user part of a raw text such as "Visited: user@http://host/", or empty.
-std::string ParseUserFromURL(std::string_view raw);
+std::string parseUserFromURL(std::string_view raw);
 
 /// The word before ":", such as "http"; empty when it is longer than 8 characters.
-std::string GetURLProtocol(std::string_view url);
+std::string getURLProtocol(std::string_view url);
 
 /// The host name of a URL, without user, port and path; empty when there is none.
-std::string ParseHost(std::string_view url);
+std::string parseHost(std::string_view url);
 
 /// What follows the first "?" when that is not the last character of the URL.
 std::string parametersOf(std::string_view url);

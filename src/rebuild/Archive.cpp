@@ -112,7 +112,7 @@ fs::path plainName(std::string_view name) {
 void checkTotal(const ArchiveClass &items, std::size_t archiveSize) {
     std::uint64_t total = 0;
     for (const ArchiveItemClass &item : items.FileItems)
-        total += item.DataSize;
+        total += item.dataSize;
     if (total > archiveSize)
         throw std::runtime_error("the files of an archive are larger than the archive");
 }
@@ -130,7 +130,7 @@ bool unpack(UrlRecord &page, const RebuildContext &ctx) {
     makeFolder(folder);
     for (const ArchiveItemClass &item : items.FileItems)
         writeWhole(folder / plainName(item.FileName),
-                   archive.sub(item.DataOffset, item.DataSize).raw());
+                   archive.sub(item.DataOffset, item.dataSize).raw());
     page.RunTimeRebuiltFilePath = folder / pageNameOf(page.URLID);
     page.RunTimeThumbnailPath = folder / (sidOf(page.URLID) + ".thumbnail.jpg");
     return true;
@@ -152,7 +152,7 @@ ArchiveClass readArchive(ByteView archive) {
                                            kEntrySize);
         ArchiveItemClass item;
         item.DataOffset = entry.u32le(0);
-        item.DataSize = entry.u32le(4);
+        item.dataSize = entry.u32le(4);
         item.FileNameOffset = entry.u32le(8);
         item.FileNameSize = entry.u32le(12);
         item.FileName = fromAnsi(archive.sub(item.FileNameOffset, item.FileNameSize));
@@ -164,7 +164,7 @@ ArchiveClass readArchive(ByteView archive) {
 std::optional<ByteView> fileIn(ByteView archive, std::string_view name) {
     for (const ArchiveItemClass &item : readArchive(archive).FileItems)
         if (item.FileName == name)
-            return archive.sub(item.DataOffset, item.DataSize);
+            return archive.sub(item.DataOffset, item.dataSize);
     return std::nullopt;
 }
 

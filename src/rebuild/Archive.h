@@ -23,7 +23,7 @@ struct ArchiveItemClass {
     std::string FileName;
     std::uint32_t FileNameSize = 0;
     std::uint32_t FileNameOffset = 0;
-    std::uint32_t DataSize = 0;
+    std::uint32_t dataSize = 0;
     std::uint32_t DataOffset = 0;
 };
 using ArchiveItemCollection = KeyedList<ArchiveItemClass>;

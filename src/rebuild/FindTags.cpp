@@ -50,7 +50,7 @@ void insertTags(const UrlRecord &page, const URLTags &tags, const RebuildContext
         insert.reset();
         insert.bind(1, number(page.URLID));
         insert.bind(2, tag.TagFileName);
-        insert.bind(3, static_cast<std::int64_t>(tag.FileOffset));
+        insert.bind(3, static_cast<std::int64_t>(tag.fileOffset));
         insert.bind(4, tag.OriginalTag);
         insert.bind(5, tag.TagDefinition);
         insert.bind(6, tag.TagType);

@@ -34,7 +34,7 @@ struct TagRow {
     std::string NewTag;
     std::string TagDefinition;
     std::string AccuracyScore;
-    std::int64_t FileOffset = 0;
+    std::int64_t fileOffset = 0;
 };
 
 std::vector<TagRow> readTags(const UrlRecord &page, const RebuildContext &ctx) {
@@ -111,7 +111,7 @@ std::vector<bool> rewrittenOf(const std::vector<TagRow> &tags,
         return std::tuple(toLower(one.rule), toLower(one.old), one.newValue);
     };
     const auto placeKey = [&](std::size_t i) {
-        return std::pair(tags[i].FileOffset, replacements[i].newValue);
+        return std::pair(tags[i].fileOffset, replacements[i].newValue);
     };
     std::set<decltype(textKey(0))> texts;
     std::set<decltype(placeKey(0))> places;

@@ -80,15 +80,15 @@ class RuleScan {
             }
             if (!opensOrCloses(at(idx)))
                 continue; // digits too, before a value and in it
-            if (tag.FileOffset == 0)
-                tag.FileOffset = standsBeforeValue(at(idx)) ? idx + 1 : idx;
+            if (tag.fileOffset == 0)
+                tag.fileOffset = standsBeforeValue(at(idx)) ? idx + 1 : idx;
             else if (closes(at(idx)))
                 return takeValue(tag, idx);
         }
     }
 
     void takeValue(URLTag &tag, std::size_t end) {
-        const std::size_t begin = tag.FileOffset;
+        const std::size_t begin = tag.fileOffset;
         const std::string_view raw = m_text.substr(begin - 1, end - begin);
         const bool mustBeStyleSheet =
             m_rule.CollectionIndex == kHref || m_rule.CollectionIndex == kScriptedHref;

@@ -35,7 +35,7 @@ struct URLTag {
     std::string CacheFileRelativePath;
     /// 1-based position of the value's first character in the text without line breaks; 0 while
     /// there is none. It doesn't index the file.
-    std::size_t FileOffset = 0;
+    std::size_t fileOffset = 0;
     bool IsPicture = false;
     std::size_t PathLength = 0; ///< of the value as scanned, in bytes
     std::int64_t HistoryFileOffset = 0;

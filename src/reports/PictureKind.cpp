@@ -31,7 +31,7 @@ std::string pictureKindOf(const std::filesystem::path &file) {
     for (const auto &[signature, kind] : kMoreSignatures)
         if (text.starts_with(signature))
             return std::string(kind);
-    const std::string kind = GetExtBySignature(ByteView(head));
+    const std::string kind = getExtBySignature(ByteView(head));
     return std::ranges::find(kKinds, kind) != kKinds.end() ? kind : "";
 }
 

@@ -48,7 +48,7 @@ std::string extensionOf(const UrlRecord &record, const fs::path &content) {
     if (!record.URLFileExt.empty())
         return toLower(record.URLFileExt);
     constexpr std::size_t kHeadBytes = 4096;
-    return GetExtBySignature(ByteView(readHead(content, kHeadBytes)));
+    return getExtBySignature(ByteView(readHead(content, kHeadBytes)));
 }
 
 /// Brings the content to the fixed name by which it is drawn.

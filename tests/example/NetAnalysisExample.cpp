@@ -34,7 +34,7 @@ NetAnalysisEvent visit(int number) {
     event.Hostname = host;
     event.URLFileName = fmt::format("story{}[1].htm", number);
     event.FileExists = number % 3 == 0;
-    event.FileOffset = 0x5000 + number * 0x180;
+    event.fileOffset = 0x5000 + number * 0x180;
     event.HistoryVersion = "5.2";
     event.ContentData = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n~U:mara\r\n";
     event.Comment = number == 12 ? "see the message of 13 March" : "";

@@ -79,6 +79,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const nv::Evidence evidence(folder.path());
     CheckingSink sink(evidence, folder.path() / "~body");
     nv::fuzz::Reading reading(folder.path() / "index", evidence, sink);
-    require(nv::ParseChromeCache(reading.context).state != nv::ReadState::cancelled);
+    require(nv::parseChromeCache(reading.context).state != nv::ReadState::cancelled);
     return 0;
 }

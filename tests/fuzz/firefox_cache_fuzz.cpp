@@ -56,6 +56,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const auto map = damagedCache(data, size).writeTo(folder.path());
     FetchingSink sink(evidence, scratch.path());
     nv::fuzz::Reading reading(map, evidence, sink, scratch.path());
-    reading.requireNothingLost(nv::ParseFirefoxCache(reading.context), sink.records);
+    reading.requireNothingLost(nv::parseFirefoxCache(reading.context), sink.records);
     return 0;
 }

@@ -46,10 +46,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const nv::Evidence evidence(folder.path() / "evidence");
     BodySink sink;
     nv::fuzz::Reading reading(file, evidence, sink, scratch);
-    const nv::ReadResult result = nv::ParseSafariCacheFile(reading.context);
+    const nv::ReadResult result = nv::parseSafariCacheFile(reading.context);
     require(std::filesystem::is_empty(scratch));
     reading.requireNothingLost(result, sink.records);
     for (nv::UrlRecord &record : sink.first)
-        nv::ExtractSafariCacheFile(record, "", {evidence, scratch, reading.log});
+        nv::extractSafariCacheFile(record, "", {evidence, scratch, reading.log});
     return 0;
 }

@@ -15,6 +15,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const nv::Evidence evidence(folder.path());
     nv::fuzz::CountingSink sink;
     nv::fuzz::Reading reading(file, evidence, sink, folder.path());
-    reading.requireNothingLost(nv::ParseSafariHistoryFile(reading.context), sink.records);
+    reading.requireNothingLost(nv::parseSafariHistoryFile(reading.context), sink.records);
     return 0;
 }

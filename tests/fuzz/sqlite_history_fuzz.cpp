@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (hasLog)
         folder.write("evidence/history-wal", bytes.substr(end));
     std::filesystem::create_directory(folder.path() / "scratch");
-    read(nv::ParseChromeHistoryFile, folder);
-    read(nv::ParseFirefox3HistoryFile, folder);
+    read(nv::parseChromeHistoryFile, folder);
+    read(nv::parseFirefox3HistoryFile, folder);
     return 0;
 }

@@ -25,7 +25,7 @@ MacCacheReading &MacCacheReading::readFile(const std::filesystem::path &path) {
     ContentProbe content;
     MemoryTask task;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task, deleted};
-    result = ParseMACIECache(ctx);
+    result = parseMACIECache(ctx);
     return *this;
 }
 

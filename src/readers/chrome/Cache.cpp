@@ -1,5 +1,5 @@
 // A folder with the files index, data_0 to data_3 and f_000001 and so on. The layout stands in
-// CacheWalk.cpp (files) and CacheRecords.cpp (records).
+// CacheWalk.cpp (files) and cacheRecords.cpp (records).
 
 #include "readers/chrome/Cache.h"
 
@@ -7,7 +7,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
-#include "readers/chrome/CacheClass.h"
+#include "readers/chrome/BlockCache.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "time/SourceClocks.h"
@@ -23,18 +23,18 @@ namespace {
 void setKeyURL(UrlRecord &record, const std::string &keyURL) {
     record.URL = keyURL;
     record.HashedURL = hashOfUrl(keyURL);
-    record.host = ParseHost(keyURL);
-    record.URLProtocol = GetURLProtocol(keyURL);
+    record.host = parseHost(keyURL);
+    record.URLProtocol = getURLProtocol(keyURL);
     record.CacheFileName = getFilenameFromPath(keyURL);
     record.URLFileName = record.CacheFileName;
 }
 
-void setDates(UrlRecord &record, const ChromeHeaderClass &header, const Clock &clock) {
-    record.ActionDateUTC = header.LastModifiedTime;
-    record.ActionDateLocal = utcDateToLocal(header.LastModifiedTime, clock);
-    record.LastVisited = header.LastModifiedTime;
-    record.CacheFileLastAccessed = header.LastModifiedTime;
-    record.OtherDate = header.LastRequestedTime;
+void setDates(UrlRecord &record, const ChromeHeader &header, const Clock &clock) {
+    record.ActionDateUTC = header.lastModifiedTime;
+    record.ActionDateLocal = utcDateToLocal(header.lastModifiedTime, clock);
+    record.LastVisited = header.lastModifiedTime;
+    record.CacheFileLastAccessed = header.lastModifiedTime;
+    record.OtherDate = header.lastRequestedTime;
     record.OtherDateMeaning = "Last Requested Time";
 }
 
@@ -52,13 +52,13 @@ void setSource(UrlRecord &record, const ReadContext &ctx) {
 }
 
 /// That the body is there is taken for granted; extracting it shows.
-void setBody(UrlRecord &record, const ChromeEntryClass &entry) {
-    const ChromeAddressMapClass &body = entry.ContentAddressMap;
-    record.DataBlockFile = body.BlockFileType == 0
-                               ? body.SeparateFileName
-                               : fmt::format("data_{}", body.DataBlockFileNumber);
-    record.DataBlockFileOffset = static_cast<std::int64_t>(body.DataBlockFileOffset);
-    record.CacheFileSize = entry.ContentSize;
+void setBody(UrlRecord &record, const ChromeEntry &entry) {
+    const ChromeAddressMap &body = entry.contentAddressMap;
+    record.DataBlockFile = body.blockFileType == 0
+                               ? body.separateFileName
+                               : fmt::format("data_{}", body.dataBlockFileNumber);
+    record.DataBlockFileOffset = static_cast<std::int64_t>(body.dataBlockFileOffset);
+    record.CacheFileSize = entry.contentSize;
     record.CacheFileExists = true;
 }
 
@@ -72,34 +72,34 @@ void showRecord(ReadContext &ctx, std::int64_t number, std::int64_t counted,
 
 } // namespace
 
-UrlRecord ParseChromeCacheURL(const ChromeEntryClass &entry, const ReadContext &ctx) {
+UrlRecord parseChromeCacheURL(const ChromeEntry &entry, const ReadContext &ctx) {
     UrlRecord record;
     record.Action = "Visited";
     record.Status = "URL";
     record.Visits = kVisitsUnknown;
-    record.RecordSize = entry.KeyLength;
-    record.MapFileOffset = static_cast<std::int64_t>(entry.MapFileOffset);
+    record.RecordSize = entry.keyLength;
+    record.MapFileOffset = static_cast<std::int64_t>(entry.mapFileOffset);
     setKeyURL(record, entry.keyURL);
     setSource(record, ctx);
     setBody(record, entry);
-    if (entry.HeaderObject) {
-        setDates(record, *entry.HeaderObject, ctx.clock);
-        record.MetaData = entry.HeaderObject->HeaderValue;
-        record.MetaDataRecordOffset = entry.HeaderAddressMap.DataBlockFileOffset;
+    if (entry.headerObject) {
+        setDates(record, *entry.headerObject, ctx.clock);
+        record.MetaData = entry.headerObject->headerValue;
+        record.MetaDataRecordOffset = entry.headerAddressMap.dataBlockFileOffset;
     }
     return record;
 }
 
-ReadResult ParseChromeCache(ReadContext &ctx) {
-    ChromeCacheClass cache(ctx.file.fullPath, ctx.evidence, ctx.log, ctx.task);
+ReadResult parseChromeCache(ReadContext &ctx) {
+    ChromeBlockCache cache(ctx.file.fullPath, ctx.evidence, ctx.log, ctx.task);
     std::int64_t count = 0;
     // Records leave as they are found: a hostile index may lead to more of them than memory holds.
-    ReadResult result = cache.ReadCache([&](const ChromeEntryClass &entry) {
-        UrlRecord record = ParseChromeCacheURL(entry, ctx);
+    ReadResult result = cache.readCache([&](const ChromeEntry &entry) {
+        UrlRecord record = parseChromeCacheURL(entry, ctx);
         ctx.sink.save(record);
         ++count;
         if (ctx.task.wantsStep())
-            showRecord(ctx, count, cache.IndexInfo.EntryCount, record.URL);
+            showRecord(ctx, count, cache.indexInfo.entryCount, record.URL);
     });
     ctx.task.describe({"PARSING GOOGLE CHROME CACHE",
                        fmt::format("A total of {} URLs were found.", count),

@@ -8,9 +8,9 @@ namespace nv {
 
 /// Reads the block cache whose index is the file of `ctx`; docs/formats/chrome-cache.md. Failures
 /// are trapped: they stand in the log and in the result.
-ReadResult ParseChromeCache(ReadContext &ctx);
+ReadResult parseChromeCache(ReadContext &ctx);
 
 /// The record of an entry that has a header. `ctx.file` is the index.
-UrlRecord ParseChromeCacheURL(const ChromeEntryClass &entry, const ReadContext &ctx);
+UrlRecord parseChromeCacheURL(const ChromeEntry &entry, const ReadContext &ctx);
 
 } // namespace nv

@@ -10,7 +10,7 @@ namespace nv {
 
 namespace {
 
-/// Of the head, what ChromeDataFileClass holds.
+/// Of the head, what ChromeDataFile holds.
 constexpr std::uint64_t kHeadFields = 0x18;
 
 std::string nameOf(std::uint8_t number) {
@@ -21,12 +21,12 @@ std::string nameOf(std::uint8_t number) {
 std::uint64_t sizeByHead(const EvidenceFile &file) {
     const Bytes bytes = file.read(0, kHeadFields);
     if (bytes.size() < kHeadFields)
-        return ChromeDataFileClass::kSize;
-    const ChromeDataFileClass head = chromeDataFileOf(ByteView(bytes));
-    if (head.BlockSize <= 0 || head.EntryCountMax <= 0)
+        return ChromeDataFile::kSize;
+    const ChromeDataFile head = chromeDataFileOf(ByteView(bytes));
+    if (head.blockSize <= 0 || head.entryCountMax <= 0)
         return 0;
-    return ChromeDataFileClass::kSize + static_cast<std::uint64_t>(head.BlockSize) *
-                                            static_cast<std::uint64_t>(head.EntryCountMax);
+    return ChromeDataFile::kSize + static_cast<std::uint64_t>(head.blockSize) *
+                                       static_cast<std::uint64_t>(head.entryCountMax);
 }
 
 } // namespace
@@ -51,10 +51,10 @@ std::string ChromeBlockFiles::pathOf(std::uint8_t number) const {
     return textOf(m_folder / nameOf(number));
 }
 
-Bytes ChromeBlockFiles::read(const ChromeAddressMapClass &map, std::uint64_t count) {
+Bytes ChromeBlockFiles::read(const ChromeAddressMap &map, std::uint64_t count) {
     const EvidenceFile *source =
-        map.DataBlockFileOffset == 0 ? nullptr : file(map.DataBlockFileNumber);
-    return source ? source->read(map.DataBlockFileOffset, count) : Bytes();
+        map.dataBlockFileOffset == 0 ? nullptr : file(map.dataBlockFileNumber);
+    return source ? source->read(map.dataBlockFileOffset, count) : Bytes();
 }
 
 ChromeBlockFiles::Opened ChromeBlockFiles::open(std::uint8_t number) const {

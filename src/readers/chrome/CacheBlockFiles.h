@@ -30,7 +30,7 @@ class ChromeBlockFiles {
     std::string pathOf(std::uint8_t number) const;
     /// Up to `count` bytes of the block; none when the address names no block, its file is missing
     /// or ends before it. Throws EvidenceFailure.
-    Bytes read(const ChromeAddressMapClass &map, std::uint64_t count);
+    Bytes read(const ChromeAddressMap &map, std::uint64_t count);
 
   private:
     struct Opened {

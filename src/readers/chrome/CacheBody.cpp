@@ -25,7 +25,7 @@ std::optional<fs::path> folderOf(const UrlRecord &record, const Evidence &eviden
 /// What the row tells of its body may be one.
 bool namesBody(const UrlRecord &record) {
     const bool isInBlocks = record.DataBlockFile.starts_with("data_");
-    constexpr std::int64_t kFirstBlock = ChromeDataFileClass::kSize;
+    constexpr std::int64_t kFirstBlock = ChromeDataFile::kSize;
     // An entry without a body names "f_000000", and its size is 0.
     return record.CacheFileSize > 0 && record.DataBlockFileOffset >= (isInBlocks ? kFirstBlock : 0);
 }
@@ -50,7 +50,7 @@ bool fetchChromeBody(const UrlRecord &record, const Evidence &evidence, BodyTarg
     return target.copy(evidence.open(*source), offset, size) > 0;
 }
 
-bool ExtractChromeCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
+bool extractChromeCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
                             const Extraction &ctx) {
     if (record.URLID == UrlId::none)
         return false;

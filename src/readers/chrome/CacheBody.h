@@ -7,13 +7,13 @@
 
 namespace nv {
 
-/// Writes the body of a record of ParseChromeCache, as it is stored, to `target`. A stored row is
+/// Writes the body of a record of parseChromeCache, as it is stored, to `target`. A stored row is
 /// enough for it. Throws EvidenceFailure.
 bool fetchChromeBody(const UrlRecord &record, const Evidence &evidence, BodyTarget &target);
 
 /// Brings the body of a stored record into the folder of `ctx`, unpacked, as extractBody() does.
 /// False, with nothing changed but `RunTimeTempFilePath`, when there is none.
-bool ExtractChromeCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
+bool extractChromeCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
                             const Extraction &ctx);
 
 } // namespace nv

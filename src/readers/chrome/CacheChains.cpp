@@ -11,12 +11,12 @@ std::size_t blockOf(std::uint32_t address) {
     return address % limits::kChromeCacheBlocks;
 }
 
-bool leadsOn(const ChromeAddressMapClass &map) {
-    return map.Initialised && map.DataBlockFileOffset != 0;
+bool leadsOn(const ChromeAddressMap &map) {
+    return map.initialised && map.dataBlockFileOffset != 0;
 }
 
 /// The address of the entry after this one; 0 when the block isn't there.
-std::uint32_t nextOf(const ChromeAddressMapClass &entry, ChromeBlockFiles &blocks) {
+std::uint32_t nextOf(const ChromeAddressMap &entry, ChromeBlockFiles &blocks) {
     constexpr std::uint64_t kNextAt = 4;
     const Bytes head = blocks.read(entry, kNextAt + 4);
     return head.size() < kNextAt + 4 ? 0 : ByteView(head).u32le(kNextAt);
@@ -34,21 +34,21 @@ void ChromeChains::meet(std::uint32_t address) {
     m_met[blockOf(address)] = true;
 }
 
-void ChromeChains::add(const ChromeAddressMapClass &entry, const ChromeAddressMapClass &next) {
-    if (leadsOn(next) && !isMet(entry.Address))
-        m_next.push_back(next.Address);
-    meet(entry.Address);
+void ChromeChains::add(const ChromeAddressMap &entry, const ChromeAddressMap &next) {
+    if (leadsOn(next) && !isMet(entry.address))
+        m_next.push_back(next.address);
+    meet(entry.address);
 }
 
 std::optional<std::uint64_t> ChromeChains::countOthers(ChromeBlockFiles &blocks,
                                                        TaskMonitor &task) {
     std::uint64_t count = 0;
     for (const std::uint32_t start : m_next) {
-        ChromeAddressMapClass entry = chromeAddressMapOf(start);
-        while (leadsOn(entry) && !isMet(entry.Address)) {
+        ChromeAddressMap entry = chromeAddressMapOf(start);
+        while (leadsOn(entry) && !isMet(entry.address)) {
             if (!task.advance(1))
                 return std::nullopt;
-            meet(entry.Address);
+            meet(entry.address);
             ++count;
             entry = chromeAddressMapOf(nextOf(entry, blocks));
         }

@@ -16,7 +16,7 @@ class ChromeChains {
     ChromeChains();
 
     /// Notes an entry that a slot leads to, and the next one after it.
-    void add(const ChromeAddressMapClass &entry, const ChromeAddressMapClass &next);
+    void add(const ChromeAddressMap &entry, const ChromeAddressMap &next);
     /// How many entries hang behind others and have no slot of their own; each is counted once.
     /// Nothing when cancelled. Throws EvidenceFailure.
     std::optional<std::uint64_t> countOthers(ChromeBlockFiles &blocks, TaskMonitor &task);

@@ -16,7 +16,7 @@ constexpr std::uint64_t kPart = std::uint64_t{64} << 10; ///< bytes, a multiple 
 ChromeIndexFile::ChromeIndexFile(EvidenceFile file) : m_file(std::move(file)) {
     if (!hasHead())
         return;
-    const Bytes head = m_file.read(0, ChromeIndexClass::kSize);
+    const Bytes head = m_file.read(0, ChromeIndex::kSize);
     m_head = chromeIndexOf(ByteView(head));
 }
 
@@ -24,7 +24,7 @@ ChromeIndexFile::ChromeIndexFile(EvidenceFile file) : m_file(std::move(file)) {
 /// damaged: there the version has to agree.
 bool ChromeIndexFile::isLater() const {
     const std::uint64_t laterSize = kLaterTableAt + m_head.hashTableSize;
-    const std::uint32_t major = m_head.Version >> 16;
+    const std::uint32_t major = m_head.version >> 16;
     return size() == laterSize || (size() > laterSize && (major == 2 || major == 3));
 }
 

@@ -15,9 +15,9 @@ class ChromeIndexFile {
     explicit ChromeIndexFile(EvidenceFile file);
 
     std::uint64_t size() const { return m_file.size(); }
-    bool hasHead() const { return size() >= ChromeIndexClass::kSize; }
+    bool hasHead() const { return size() >= ChromeIndex::kSize; }
     /// All zeros without hasHead().
-    const ChromeIndexClass &head() const { return m_head; }
+    const ChromeIndex &head() const { return m_head; }
     /// The block cache of later versions, whose entries are made otherwise.
     bool isLater() const;
     /// Whole words from the start of the table to the end of the file.
@@ -30,7 +30,7 @@ class ChromeIndexFile {
 
   private:
     EvidenceFile m_file;
-    ChromeIndexClass m_head;
+    ChromeIndex m_head;
     Bytes m_part;
     std::uint64_t m_partAt = 0;
 };

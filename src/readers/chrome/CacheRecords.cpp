@@ -39,7 +39,7 @@ std::string separateFileName(std::uint32_t word) {
     return "f_" + digits.substr(digits.size() - kSeparateFileDigits);
 }
 
-void readKey(ChromeEntryClass &entry, ByteView record) {
+void readKey(ChromeEntry &entry, ByteView record) {
     const ByteView key = record.untilZero(kKeyAt);
     entry.isKeyCutShort = key.size() > kLongestKey;
     entry.keyURL = fromAnsi(key.sub(0, std::min<std::uint64_t>(key.size(), kLongestKey)));
@@ -47,79 +47,79 @@ void readKey(ChromeEntryClass &entry, ByteView record) {
 
 } // namespace
 
-ChromeIndexClass chromeIndexOf(ByteView head) {
-    ChromeIndexClass index;
-    index.Magic = head.u32le(0);
-    index.Version = head.u32le(4);
-    index.EntryCount = head.u32le(8);
-    index.StoredDataSize = head.u32le(0xC);
-    index.LastSeparateFileCreated = head.u32le(0x10);
-    index.Dirty = head.u32le(0x14);
-    index.Stats = head.u32le(0x18);
-    index.AddressCount = head.u32le(0x1C);
-    index.hashTableSize = std::uint64_t{index.AddressCount} * 4;
+ChromeIndex chromeIndexOf(ByteView head) {
+    ChromeIndex index;
+    index.magic = head.u32le(0);
+    index.version = head.u32le(4);
+    index.entryCount = head.u32le(8);
+    index.storedDataSize = head.u32le(0xC);
+    index.lastSeparateFileCreated = head.u32le(0x10);
+    index.dirty = head.u32le(0x14);
+    index.stats = head.u32le(0x18);
+    index.addressCount = head.u32le(0x1C);
+    index.hashTableSize = std::uint64_t{index.addressCount} * 4;
     return index;
 }
 
-ChromeDataFileClass chromeDataFileOf(ByteView head) {
-    ChromeDataFileClass file;
-    file.Magic = head.u32le(0);
-    file.Version = head.u32le(4);
-    file.DataFileIndex = static_cast<std::int16_t>(head.u16le(8));
-    file.DataFileNextIndex = static_cast<std::int16_t>(head.u16le(0xA));
-    file.BlockSize = head.i32le(0xC);
-    file.EntryCount = head.i32le(0x10);
-    file.EntryCountMax = head.i32le(0x14);
+ChromeDataFile chromeDataFileOf(ByteView head) {
+    ChromeDataFile file;
+    file.magic = head.u32le(0);
+    file.version = head.u32le(4);
+    file.dataFileIndex = static_cast<std::int16_t>(head.u16le(8));
+    file.dataFileNextIndex = static_cast<std::int16_t>(head.u16le(0xA));
+    file.blockSize = head.i32le(0xC);
+    file.entryCount = head.i32le(0x10);
+    file.entryCountMax = head.i32le(0x14);
     return file;
 }
 
-ChromeAddressMapClass chromeAddressMapOf(std::uint32_t word) {
-    ChromeAddressMapClass map;
-    map.Address = word;
-    map.Initialised = (word >> 31) != 0;
-    map.BlockFileType = static_cast<std::uint8_t>((word >> 28) & 0x7);
-    map.DataBlocksUsed = static_cast<std::uint8_t>((word >> 24) & 0x3);
-    map.DataBlockFileNumber = static_cast<std::uint8_t>((word >> 16) & 0xFF);
-    map.StartingBlockNumber = static_cast<std::uint16_t>(word & 0xFFFF);
-    map.BlockSize = kBlockSizes[map.BlockFileType];
-    if (map.BlockSize != 0)
-        map.DataBlockFileOffset =
-            std::uint64_t{map.StartingBlockNumber} * map.BlockSize + ChromeDataFileClass::kSize;
-    if (map.BlockFileType == 0)
-        map.SeparateFileName = separateFileName(word);
+ChromeAddressMap chromeAddressMapOf(std::uint32_t word) {
+    ChromeAddressMap map;
+    map.address = word;
+    map.initialised = (word >> 31) != 0;
+    map.blockFileType = static_cast<std::uint8_t>((word >> 28) & 0x7);
+    map.dataBlocksUsed = static_cast<std::uint8_t>((word >> 24) & 0x3);
+    map.dataBlockFileNumber = static_cast<std::uint8_t>((word >> 16) & 0xFF);
+    map.startingBlockNumber = static_cast<std::uint16_t>(word & 0xFFFF);
+    map.blockSize = kBlockSizes[map.blockFileType];
+    if (map.blockSize != 0)
+        map.dataBlockFileOffset =
+            std::uint64_t{map.startingBlockNumber} * map.blockSize + ChromeDataFile::kSize;
+    if (map.blockFileType == 0)
+        map.separateFileName = separateFileName(word);
     return map;
 }
 
 bool isWholeChromeEntry(ByteView record) {
-    return record.size() >= ChromeEntryClass::kSize ||
+    return record.size() >= ChromeEntry::kSize ||
            (record.has(kKeyAt, 1) && kKeyAt + record.untilZero(kKeyAt).size() < record.size());
 }
 
-ChromeEntryClass chromeEntryOf(ByteView record) {
-    ChromeEntryClass entry;
-    entry.Hash = record.u32le(0);
-    entry.NextEntryAddress = record.u32le(4);
-    entry.RankingsAddress = record.u32le(8);
-    entry.KeyLength = record.u32le(0xC);
-    entry.KeyAddress = record.u32le(0x10);
-    entry.HeaderSize = record.u32le(0x14);
-    entry.ContentSize = record.u32le(0x18);
-    entry.HeaderAddress = record.u32le(0x1C);
-    entry.ContentAddress = record.u32le(0x20);
+ChromeEntry chromeEntryOf(ByteView record) {
+    ChromeEntry entry;
+    entry.hash = record.u32le(0);
+    entry.nextEntryAddress = record.u32le(4);
+    entry.rankingsAddress = record.u32le(8);
+    entry.keyLength = record.u32le(0xC);
+    entry.keyAddress = record.u32le(0x10);
+    entry.headerSize = record.u32le(0x14);
+    entry.contentSize = record.u32le(0x18);
+    entry.headerAddress = record.u32le(0x1C);
+    entry.contentAddress = record.u32le(0x20);
     readKey(entry, record);
-    entry.NextEntryAddressMap = chromeAddressMapOf(entry.NextEntryAddress);
-    entry.RankingsAddressMap = chromeAddressMapOf(entry.RankingsAddress);
-    entry.HeaderAddressMap = chromeAddressMapOf(entry.HeaderAddress);
-    entry.ContentAddressMap = chromeAddressMapOf(entry.ContentAddress);
+    entry.nextEntryAddressMap = chromeAddressMapOf(entry.nextEntryAddress);
+    entry.rankingsAddressMap = chromeAddressMapOf(entry.rankingsAddress);
+    entry.headerAddressMap = chromeAddressMapOf(entry.headerAddress);
+    entry.contentAddressMap = chromeAddressMapOf(entry.contentAddress);
     return entry;
 }
 
-ChromeHeaderClass chromeHeaderOf(ByteView block) {
+ChromeHeader chromeHeaderOf(ByteView block) {
     const auto [requested, modified] = datesAt(block, 8);
     return {requested, modified, {}, !block.has(8, 16)};
 }
 
-ChromeRankingClass chromeRankingOf(ByteView block) {
+ChromeRanking chromeRankingOf(ByteView block) {
     const auto [used, modified] = datesAt(block, 0);
     return {used, modified};
 }

@@ -11,14 +11,14 @@
 
 namespace nv {
 
-ChromeCacheWalk::ChromeCacheWalk(ChromeCacheClass &cache, EvidenceFile index,
+ChromeCacheWalk::ChromeCacheWalk(ChromeBlockCache &cache, EvidenceFile index,
                                  ChromeBlockFiles &blocks, FailureLog &log, TaskMonitor &task,
-                                 const ChromeCacheClass::TakeEntry &take)
+                                 const ChromeBlockCache::TakeEntry &take)
     : m_cache(cache), m_blocks(blocks), m_log(log), m_task(task), m_take(take),
       m_index(std::move(index)), m_trap(log, kProcedure, textOf(cache.indexPath)) {}
 
 ReadResult ChromeCacheWalk::run() {
-    m_cache.IndexInfo = m_index.head();
+    m_cache.indexInfo = m_index.head();
     if (!isReadable())
         return m_result;
     if (walkTable() && countBehindTable() && countChains())
@@ -33,14 +33,14 @@ bool ChromeCacheWalk::isReadable() {
     const std::string path = textOf(m_cache.indexPath);
     if (!m_index.hasHead())
         m_result.reason = fmt::format("{}: the index has {} bytes, its head alone has {}", path,
-                                      m_index.size(), ChromeIndexClass::kSize);
+                                      m_index.size(), ChromeIndex::kSize);
     else if (m_index.isLater())
         // Its records would come out with dates and lengths taken from the wrong places.
         m_result.reason = "later block cache, not read yet";
     else
         return true;
     m_result.state = m_index.hasHead() ? ReadState::notReadYet : ReadState::failed;
-    m_result.notReached = m_index.head().EntryCount;
+    m_result.notReached = m_index.head().entryCount;
     write(m_index.hasHead() ? path + ": " + m_result.reason : m_result.reason);
     return false;
 }
@@ -58,65 +58,65 @@ bool ChromeCacheWalk::walkTable() {
 }
 
 void ChromeCacheWalk::showStep(std::uint64_t slot) {
-    const auto total = static_cast<std::int64_t>(m_index.head().AddressCount);
+    const auto total = static_cast<std::int64_t>(m_index.head().addressCount);
     const auto now = static_cast<std::int64_t>(slot);
     m_task.show({fmt::format("MAP bucket {} of {}", now, total), now, total, {}, 0, 0});
 }
 
 void ChromeCacheWalk::takeSlot(std::uint64_t slot) {
-    const auto map = ChromeCacheClass::GetAddressMap(m_index.word(slot));
+    const auto map = ChromeBlockCache::getAddressMap(m_index.word(slot));
     if (!map)
         return;
-    if (!map->Initialised)
+    if (!map->initialised)
         return passOver("slot with a word that is no address");
     ++m_addresses;
-    auto entry = m_cache.GetEntry(*map);
+    auto entry = m_cache.getEntry(*map);
     if (!entry)
         return miss("entry", *map, "slot that leads to no block file");
-    m_chains.add(*map, entry->NextEntryAddressMap);
-    if (!entry->HeaderObject)
-        return miss("header", entry->HeaderAddressMap, "entry without a header");
+    m_chains.add(*map, entry->nextEntryAddressMap);
+    if (!entry->headerObject)
+        return miss("header", entry->headerAddressMap, "entry without a header");
     notePartsLost(*entry);
     m_take(*entry);
 }
 
-void ChromeCacheWalk::notePartsLost(const ChromeEntryClass &entry) {
-    if (entry.KeyAddress != 0)
+void ChromeCacheWalk::notePartsLost(const ChromeEntry &entry) {
+    if (entry.keyAddress != 0)
         passOver("URL that is kept outside of its entry");
     else if (entry.isKeyCutShort)
         passOver("rest of a URL of more than 218 characters");
-    if (entry.HeaderObject->isCutShort)
-        noteHeaderCutShort(entry.HeaderAddressMap);
+    if (entry.headerObject->isCutShort)
+        noteHeaderCutShort(entry.headerAddressMap);
     // Asked for here so that a missing file is logged, though nothing is read of it.
-    if (entry.ContentAddressMap.DataBlockFileOffset != 0)
-        m_blocks.file(entry.ContentAddressMap.DataBlockFileNumber);
+    if (entry.contentAddressMap.dataBlockFileOffset != 0)
+        m_blocks.file(entry.contentAddressMap.dataBlockFileNumber);
 }
 
 /// Only the first is logged: many addresses may lead to the end of one file.
-void ChromeCacheWalk::noteHeaderCutShort(const ChromeAddressMapClass &map) {
+void ChromeCacheWalk::noteHeaderCutShort(const ChromeAddressMap &map) {
     const auto text =
         damage(fmt::format("{}: the file ends in the header at {}",
-                           m_blocks.pathOf(map.DataBlockFileNumber), map.DataBlockFileOffset));
+                           m_blocks.pathOf(map.dataBlockFileNumber), map.dataBlockFileOffset));
     if (++m_result.passedOver["header that is cut short, its dates read as 1601-01-01"] == 1)
         write(text);
 }
 
 /// An entry can't be had. Addresses that name no block are as the browser wrote them; everything
 /// else is damage.
-void ChromeCacheWalk::miss(std::string_view what, const ChromeAddressMapClass &map,
+void ChromeCacheWalk::miss(std::string_view what, const ChromeAddressMap &map,
                            std::string_view reason) {
-    if (map.DataBlockFileOffset == 0)
+    if (map.dataBlockFileOffset == 0)
         return passOver(reason);
-    const std::string path = m_blocks.pathOf(map.DataBlockFileNumber);
-    const EvidenceFile *file = m_blocks.file(map.DataBlockFileNumber);
+    const std::string path = m_blocks.pathOf(map.dataBlockFileNumber);
+    const EvidenceFile *file = m_blocks.file(map.dataBlockFileNumber);
     if (!file) {
         ++m_result.notReached; // the file was logged when it was looked for
-        damage(m_blocks.lackOf(map.DataBlockFileNumber));
+        damage(m_blocks.lackOf(map.dataBlockFileNumber));
         return;
     }
     throw std::runtime_error(
         damage(fmt::format("{}: no whole {} at {}, the file has {} bytes", path, what,
-                           map.DataBlockFileOffset, file->size())));
+                           map.dataBlockFileOffset, file->size())));
 }
 
 bool ChromeCacheWalk::countBehindTable() {
@@ -124,7 +124,7 @@ bool ChromeCacheWalk::countBehindTable() {
         if (!goOn(slot))
             return false;
         m_trap.attempt(ChromeIndexFile::placeOf(slot), [&] {
-            if (chromeAddressMapOf(m_index.word(slot)).Initialised)
+            if (chromeAddressMapOf(m_index.word(slot)).initialised)
                 passOver("address behind the slots that the index counts");
         });
     }
@@ -143,15 +143,15 @@ bool ChromeCacheWalk::countChains() {
 }
 
 void ChromeCacheWalk::noteTableCutShort() {
-    const ChromeIndexClass &head = m_index.head();
-    if (slots() == head.AddressCount)
+    const ChromeIndex &head = m_index.head();
+    if (slots() == head.addressCount)
         return;
     write(damage(fmt::format("{}: the table of addresses ends behind slot {} of {}",
-                             textOf(m_cache.indexPath), slots(), head.AddressCount)));
+                             textOf(m_cache.indexPath), slots(), head.addressCount)));
     // Most slots of a cache are empty: the entries that the index counts say more.
     const std::uint64_t unmet =
-        head.EntryCount - std::min<std::uint64_t>(head.EntryCount, m_addresses);
-    m_result.notReached += std::min(head.AddressCount - slots(), unmet);
+        head.entryCount - std::min<std::uint64_t>(head.entryCount, m_addresses);
+    m_result.notReached += std::min(head.addressCount - slots(), unmet);
 }
 
 void ChromeCacheWalk::noteFailures() {
@@ -163,12 +163,12 @@ void ChromeCacheWalk::noteFailures() {
 
 bool ChromeCacheWalk::goOn(std::uint64_t slot) {
     const auto done = static_cast<double>(slot - 1);
-    return m_cache.Reading && m_task.advance(done / static_cast<double>(m_index.wordsThere()));
+    return m_cache.isReading && m_task.advance(done / static_cast<double>(m_index.wordsThere()));
 }
 
 /// Those that the index counts, as far as the file reaches.
 std::uint64_t ChromeCacheWalk::slots() const {
-    return std::min<std::uint64_t>(m_index.head().AddressCount, m_index.wordsThere());
+    return std::min<std::uint64_t>(m_index.head().addressCount, m_index.wordsThere());
 }
 
 /// The first damage is what the result tells.

@@ -1,20 +1,20 @@
 #pragma once
 
 #include "base/Trap.h"
+#include "readers/chrome/BlockCache.h"
 #include "readers/chrome/CacheChains.h"
-#include "readers/chrome/CacheClass.h"
 #include "readers/chrome/CacheIndex.h"
 
 namespace nv {
 
-/// One walk through the table of an index, for ChromeCacheClass::ReadCache.
+/// One walk through the table of an index, for ChromeBlockCache::readCache.
 class ChromeCacheWalk {
   public:
     static constexpr std::string_view kProcedure = "ParserClass.ParseChromeCache()";
 
     /// All must outlive this. Throws EvidenceFailure when the index can't be opened.
-    ChromeCacheWalk(ChromeCacheClass &cache, EvidenceFile index, ChromeBlockFiles &blocks,
-                    FailureLog &log, TaskMonitor &task, const ChromeCacheClass::TakeEntry &take);
+    ChromeCacheWalk(ChromeBlockCache &cache, EvidenceFile index, ChromeBlockFiles &blocks,
+                    FailureLog &log, TaskMonitor &task, const ChromeBlockCache::TakeEntry &take);
 
     ReadResult run();
 
@@ -27,9 +27,9 @@ class ChromeCacheWalk {
     bool goOn(std::uint64_t slot);
 
     void takeSlot(std::uint64_t slot);
-    void miss(std::string_view what, const ChromeAddressMapClass &map, std::string_view reason);
-    void notePartsLost(const ChromeEntryClass &entry);
-    void noteHeaderCutShort(const ChromeAddressMapClass &map);
+    void miss(std::string_view what, const ChromeAddressMap &map, std::string_view reason);
+    void notePartsLost(const ChromeEntry &entry);
+    void noteHeaderCutShort(const ChromeAddressMap &map);
     void noteTableCutShort();
     void noteFailures();
     void showStep(std::uint64_t slot);
@@ -39,11 +39,11 @@ class ChromeCacheWalk {
     std::string damage(const std::string &text);
     void write(const std::string &text);
 
-    ChromeCacheClass &m_cache;
+    ChromeBlockCache &m_cache;
     ChromeBlockFiles &m_blocks;
     FailureLog &m_log;
     TaskMonitor &m_task;
-    const ChromeCacheClass::TakeEntry &m_take;
+    const ChromeBlockCache::TakeEntry &m_take;
     ChromeIndexFile m_index;
     RecordTrap m_trap;
     ChromeChains m_chains;

@@ -59,7 +59,7 @@ std::string encryptionOf(const Row &row) {
 
 } // namespace
 
-ReadResult ParseChromeCookiesFile(ReadContext &ctx) {
+ReadResult parseChromeCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         TableCursor cursor(database, "cookies", kColumns);
         const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;

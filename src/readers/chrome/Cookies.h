@@ -5,6 +5,6 @@
 namespace nv {
 
 /// Reads table `cookies` of Chrome's `Cookies`; docs/formats/chrome-cookies.md.
-ReadResult ParseChromeCookiesFile(ReadContext &ctx);
+ReadResult parseChromeCookiesFile(ReadContext &ctx);
 
 } // namespace nv

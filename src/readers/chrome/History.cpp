@@ -82,7 +82,7 @@ ReadResult readPages(ReadContext &ctx, EvidenceDatabase &database) {
 
 } // namespace
 
-ReadResult ParseChromeHistoryFile(ReadContext &ctx) {
+ReadResult parseChromeHistoryFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader,
                           [&ctx](EvidenceDatabase &database) { return readPages(ctx, database); });
 }

@@ -6,6 +6,6 @@ namespace nv {
 
 /// The file "History" or "Archived History" of Chrome: a record for each page, with the date of its
 /// last visit.
-ReadResult ParseChromeHistoryFile(ReadContext &ctx);
+ReadResult parseChromeHistoryFile(ReadContext &ctx);
 
 } // namespace nv

@@ -45,14 +45,14 @@ ByteView viewAt(const Bytes &bytes, std::int64_t position) {
     return ByteView(bytes, static_cast<std::uint64_t>(position));
 }
 
-mzRecordInfo infoOf(std::int64_t location) {
-    using Cache = mzMozillaCache;
-    mzRecordInfo info;
-    info.CacheBlockFileNumber = Cache::RShiftLong(Cache::AndLong(location, kBlockFileBits), 28);
-    info.StartBlock = Cache::AndLong(location, kStartBlockBits);
-    info.NumContBlocks = Cache::RShiftLong(Cache::AndLong(location, kBlockCountBits), 24);
-    info.BlockSize =
-        Cache::LShiftLong(kSmallestBlock, 2 * static_cast<int>(info.CacheBlockFileNumber - 1));
+CacheRecordInfo infoOf(std::int64_t location) {
+    using Cache = MozillaCache;
+    CacheRecordInfo info;
+    info.cacheBlockFileNumber = Cache::rShiftLong(Cache::andLong(location, kBlockFileBits), 28);
+    info.startBlock = Cache::andLong(location, kStartBlockBits);
+    info.numContBlocks = Cache::rShiftLong(Cache::andLong(location, kBlockCountBits), 24);
+    info.blockSize =
+        Cache::lShiftLong(kSmallestBlock, 2 * static_cast<int>(info.cacheBlockFileNumber - 1));
     return info;
 }
 
@@ -61,17 +61,17 @@ Date stampDate(std::uint32_t seconds) {
     return seconds == 0 ? Date() : unixSecondsToDate(std::int64_t{seconds});
 }
 
-mzRecordMetaData fieldsOf(ByteView header) {
-    mzRecordMetaData fields;
-    fields.Version = header.u32be(0);
-    fields.MetaLocation = header.u32be(4);
-    fields.FetchCount = header.u32be(8);
-    fields.ActionDateUTC = stampDate(header.u32be(0xC));
-    fields.LastModified = stampDate(header.u32be(0x10));
-    fields.ExpirationTime = stampDate(header.u32be(0x14));
-    fields.DataSize = header.u32be(0x18);
-    fields.URLSize = header.u32be(0x1C);
-    fields.MetaDataSize = header.u32be(0x20);
+CacheRecordMetaData fieldsOf(ByteView header) {
+    CacheRecordMetaData fields;
+    fields.version = header.u32be(0);
+    fields.metaLocation = header.u32be(4);
+    fields.fetchCount = header.u32be(8);
+    fields.actionDateUTC = stampDate(header.u32be(0xC));
+    fields.lastModified = stampDate(header.u32be(0x10));
+    fields.expirationTime = stampDate(header.u32be(0x14));
+    fields.dataSize = header.u32be(0x18);
+    fields.urlSize = header.u32be(0x1C);
+    fields.metaDataSize = header.u32be(0x20);
     return fields;
 }
 
@@ -99,149 +99,150 @@ void openBlockFile(std::int64_t number, std::optional<EvidenceFile> &handle,
 
 } // namespace
 
-std::int64_t mzMozillaCache::AndLong(std::int64_t a, std::int64_t b) {
+std::int64_t MozillaCache::andLong(std::int64_t a, std::int64_t b) {
     return a & b & 0xFFFFFFFF;
 }
 
-std::int64_t mzMozillaCache::LShiftLong(std::int64_t x, int n) {
+std::int64_t MozillaCache::lShiftLong(std::int64_t x, int n) {
     return n < 0 ? x >> std::min(-n, 63) : x << std::min(n, 63);
 }
 
-std::int64_t mzMozillaCache::RShiftLong(std::int64_t x, int n) {
-    return LShiftLong(x, -n);
+std::int64_t MozillaCache::rShiftLong(std::int64_t x, int n) {
+    return lShiftLong(x, -n);
 }
 
-std::int64_t mzMozillaCache::RShiftLongClrNeg(std::int64_t x, int n) {
+std::int64_t MozillaCache::rShiftLongClrNeg(std::int64_t x, int n) {
     if (x >= 0)
-        return RShiftLong(x, n);
-    const std::int64_t highBit = n <= 31 ? LShiftLong(1, 31 - n) : 0;
-    return RShiftLong(AndLong(x, 0x7FFFFFFF), n) + highBit;
+        return rShiftLong(x, n);
+    const std::int64_t highBit = n <= 31 ? lShiftLong(1, 31 - n) : 0;
+    return rShiftLong(andLong(x, 0x7FFFFFFF), n) + highBit;
 }
 
-std::optional<mzMapHeader> mzMozillaCache::GetHeader() const {
+std::optional<CacheMapHeader> MozillaCache::getHeader() const {
     return trapped(m_log, Severity::Warning, "mzMozillaCache.GetHeader()", kContactSupport,
-                   std::optional<mzMapHeader>(), [this] {
-                       const EvidenceFile &map = *FileHandleMap;
-                       return std::optional<mzMapHeader>(
-                           {GetNextDWord(0, map), GetNextDWord(4, map), GetNextDWord(8, map),
-                            GetNextDWord(0xC, map), GetNextDWord(0x10, map)});
+                   std::optional<CacheMapHeader>(), [this] {
+                       const EvidenceFile &map = *fileHandleMap;
+                       return std::optional<CacheMapHeader>(
+                           {getNextDWord(0, map), getNextDWord(4, map), getNextDWord(8, map),
+                            getNextDWord(0xC, map), getNextDWord(0x10, map)});
                    });
 }
 
-std::int64_t mzMozillaCache::bucketCount() const {
-    const auto size = static_cast<std::int64_t>(FileHandleMap->size());
+std::int64_t MozillaCache::bucketCount() const {
+    const auto size = static_cast<std::int64_t>(fileHandleMap->size());
     return size < kFirstBucket ? 0 : (size - kFirstBucket) / kBucket;
 }
 
-std::optional<mzBucket> mzMozillaCache::GetBucket(std::int64_t n) const {
-    mzBucket bucket;
-    bucket.FileOffset = kFirstBucket + n * kBucket;
-    const Bytes bytes = bytesAt(*FileHandleMap, bucket.FileOffset, kBucket);
-    const ByteView words = viewAt(bytes, bucket.FileOffset);
+std::optional<CacheBucket> MozillaCache::getBucket(std::int64_t n) const {
+    CacheBucket bucket;
+    bucket.fileOffset = kFirstBucket + n * kBucket;
+    const Bytes bytes = bytesAt(*fileHandleMap, bucket.fileOffset, kBucket);
+    const ByteView words = viewAt(bytes, bucket.fileOffset);
     if (!words.has(0, kBucket))
         return std::nullopt;
-    bucket.HashNumber = words.u32be(0);
-    bucket.HashNumberAsHex = bytesToHex(words, 0, 4);
+    bucket.hashNumber = words.u32be(0);
+    bucket.hashNumberAsHex = bytesToHex(words, 0, 4);
     bucket.evictionRank = words.u32be(4);
-    bucket.DataLocation = words.u32be(8);
-    bucket.MetaDataLocation = words.u32be(0xC);
+    bucket.dataLocation = words.u32be(8);
+    bucket.metaDataLocation = words.u32be(0xC);
     return bucket;
 }
 
-std::optional<mzRecordInfo> mzMozillaCache::GetBucketData(const mzBucket &bucket) {
-    if (AndLong(bucket.DataLocation, kValidLocation) == 0)
+std::optional<CacheRecordInfo> MozillaCache::getBucketData(const CacheBucket &bucket) {
+    if (andLong(bucket.dataLocation, kValidLocation) == 0)
         return std::nullopt;
-    return infoOf(bucket.DataLocation);
+    return infoOf(bucket.dataLocation);
 }
 
 /// The bit that marks a location as valid is not asked for here: entries whose metadata lack it
 /// have always been listed.
-std::optional<mzRecordInfo> mzMozillaCache::GetBucketMetaData(const mzBucket &bucket) {
-    if (bucket.MetaDataLocation == 0)
+std::optional<CacheRecordInfo> MozillaCache::getBucketMetaData(const CacheBucket &bucket) {
+    if (bucket.metaDataLocation == 0)
         return std::nullopt;
-    return infoOf(bucket.MetaDataLocation);
+    return infoOf(bucket.metaDataLocation);
 }
 
-mzRecordData mzMozillaCache::GetRecordData(const mzRecordInfo &info) {
-    mzRecordData data;
-    data.BlockSize = info.BlockSize;
-    data.NumContBlocks = info.NumContBlocks;
-    data.CacheBlockFileNumber = info.CacheBlockFileNumber;
-    data.FileOffsetBOF = kBitmap + info.StartBlock * info.BlockSize;
+CacheRecordData MozillaCache::getRecordData(const CacheRecordInfo &info) {
+    CacheRecordData data;
+    data.blockSize = info.blockSize;
+    data.numContBlocks = info.numContBlocks;
+    data.cacheBlockFileNumber = info.cacheBlockFileNumber;
+    data.fileOffsetBOF = kBitmap + info.startBlock * info.blockSize;
     // The bits are one less than the blocks in use, so this is a block short. Record sizes of
     // earlier cases were counted this way.
-    data.FileOffsetEOF = data.FileOffsetBOF + info.NumContBlocks * info.BlockSize;
+    data.fileOffsetEOF = data.fileOffsetBOF + info.numContBlocks * info.blockSize;
     return data;
 }
 
-std::optional<mzRecordMetaData> mzMozillaCache::GetRecordMetaData(const mzRecordInfo &info) const {
-    const EvidenceFile *file = GetFileHandle(info.CacheBlockFileNumber);
+std::optional<CacheRecordMetaData>
+MozillaCache::getRecordMetaData(const CacheRecordInfo &info) const {
+    const EvidenceFile *file = getFileHandle(info.cacheBlockFileNumber);
     if (!file)
         return std::nullopt;
-    const std::int64_t at = GetRecordData(info).FileOffsetBOF;
+    const std::int64_t at = getRecordData(info).fileOffsetBOF;
     const Bytes header = bytesAt(*file, at, kMetaDataHeader);
     if (header.size() < static_cast<std::size_t>(kMetaDataHeader))
         throw damaged("no metadata", *file, at, header.size());
-    mzRecordMetaData fields = fieldsOf(viewAt(header, at));
-    const std::int64_t claimed = fields.URLSize + fields.MetaDataSize; // 33 bits at most
+    CacheRecordMetaData fields = fieldsOf(viewAt(header, at));
+    const std::int64_t claimed = fields.urlSize + fields.metaDataSize; // 33 bits at most
     const Bytes rest =
         bytesAt(*file, at + kMetaDataHeader, std::min(claimed, limits::kFirefoxCacheMetaData));
-    const auto urlSize = static_cast<std::uint64_t>(fields.URLSize);
+    const auto urlSize = static_cast<std::uint64_t>(fields.urlSize);
     const ByteView view = viewAt(rest, at + kMetaDataHeader);
     if (!view.has(0, urlSize))
         throw damaged("no whole URL", *file, at, rest.size());
-    fields.URLData = partOf(view.sub(0, urlSize));
-    fields.MetaData = partOf(view.from(urlSize));
+    fields.urlData = partOf(view.sub(0, urlSize));
+    fields.metaData = partOf(view.from(urlSize));
     return fields;
 }
 
-const EvidenceFile *mzMozillaCache::GetFileHandle(std::int64_t blockFileNumber) const {
+const EvidenceFile *MozillaCache::getFileHandle(std::int64_t blockFileNumber) const {
     const auto opened = [](const std::optional<EvidenceFile> &file) {
         return file ? &*file : nullptr;
     };
     switch (blockFileNumber) {
     case 1:
-        return opened(FileHandle001);
+        return opened(fileHandle001);
     case 2:
-        return opened(FileHandle002);
+        return opened(fileHandle002);
     case 3:
-        return opened(FileHandle003);
+        return opened(fileHandle003);
     default:
         return nullptr;
     }
 }
 
-std::int64_t mzMozillaCache::GetNextByte(std::int64_t position, const EvidenceFile &handle) {
+std::int64_t MozillaCache::getNextByte(std::int64_t position, const EvidenceFile &handle) {
     const Bytes bytes = bytesAt(handle, position, 1);
     return viewAt(bytes, position).u8(0);
 }
 
-std::int64_t mzMozillaCache::GetNextDWord(std::int64_t position, const EvidenceFile &handle) {
+std::int64_t MozillaCache::getNextDWord(std::int64_t position, const EvidenceFile &handle) {
     std::int64_t word = 0;
     for (std::int64_t i = 0; i < 4; ++i)
-        word = word * 0x100 + GetNextByte(position + i, handle);
+        word = word * 0x100 + getNextByte(position + i, handle);
     return word;
 }
 
-std::string mzMozillaCache::GetNextDWordAsHex(std::int64_t position, const EvidenceFile &handle) {
-    return fmt::format("{:08X}", GetNextDWord(position, handle));
+std::string MozillaCache::getNextDWordAsHex(std::int64_t position, const EvidenceFile &handle) {
+    return fmt::format("{:08X}", getNextDWord(position, handle));
 }
 
 std::string blockFileName(std::int64_t blockFileNumber) {
     return fmt::format("_CACHE_{:03}_", blockFileNumber);
 }
 
-bool OpenFirefoxCache(mzMozillaCache &cache, const std::filesystem::path &mapPath,
+bool openFirefoxCache(MozillaCache &cache, const std::filesystem::path &mapPath,
                       const Evidence &evidence, FailureLog &log) {
     if (evidence.kindOf(mapPath) == PlaceKind::nothing)
         return false;
     return succeeds(log, Severity::Warning, "MainBAS.OpenFirefoxCache()", kContactSupport, [&] {
-        cache.FileHandleMap.emplace(evidence.open(mapPath));
+        cache.fileHandleMap.emplace(evidence.open(mapPath));
         const std::filesystem::path folder = mapPath.parent_path();
-        openBlockFile(1, cache.FileHandle001, folder, evidence, log);
-        openBlockFile(2, cache.FileHandle002, folder, evidence, log);
-        openBlockFile(3, cache.FileHandle003, folder, evidence, log);
-        cache.OpenCache = true;
+        openBlockFile(1, cache.fileHandle001, folder, evidence, log);
+        openBlockFile(2, cache.fileHandle002, folder, evidence, log);
+        openBlockFile(3, cache.fileHandle003, folder, evidence, log);
+        cache.openCache = true;
     });
 }
 

@@ -64,7 +64,7 @@ bool fetchFirefoxCacheBody(const UrlRecord &record, const Evidence &evidence, Bo
     return target.copy(evidence.open(*source), offset, count) > 0 || wanted == 0;
 }
 
-bool ExtractFirefoxCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
+bool extractFirefoxCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
                              const Extraction &ctx) {
     if (record.URLID <= UrlId::none)
         return false;

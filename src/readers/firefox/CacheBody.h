@@ -13,7 +13,7 @@ bool fetchFirefoxCacheBody(const UrlRecord &record, const Evidence &evidence, Bo
 
 /// The body of a stored record as a file of its own, unpacked; see extractBody() for what is set
 /// in the record. False for a record that isn't stored yet and for one without a body.
-bool ExtractFirefoxCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
+bool extractFirefoxCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
                              const Extraction &ctx);
 
 } // namespace nv

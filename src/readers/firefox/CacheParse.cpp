@@ -23,15 +23,15 @@ constexpr std::string_view kProcedure = "ParserClass.ParseFirefoxCache()";
 constexpr double kShareOfMap = 0.1;
 
 /// Why a stored record should not be taken as it stands; empty when it may be.
-std::string doubtOn(const mzCacheRecord &record) {
-    const mzRecordMetaData &metaData = *record.RecordMetaData;
-    if (metaData.Version != record.header.Version)
+std::string doubtOn(const CacheRecord &record) {
+    const CacheRecordMetaData &metaData = *record.recordMetaData;
+    if (metaData.version != record.header.version)
         return "metadata of another version than the map's: their blocks may hold something else";
-    const auto there = static_cast<std::int64_t>(metaData.MetaData.size());
-    if (there < metaData.MetaDataSize)
+    const auto there = static_cast<std::int64_t>(metaData.metaData.size());
+    if (there < metaData.metaDataSize)
         return "headers that are longer than what is there";
-    const std::int64_t blocks = record.BucketMetaData.NumContBlocks + 1;
-    if (kMetaDataHeader + metaData.URLSize + there > blocks * record.BucketMetaData.BlockSize)
+    const std::int64_t blocks = record.bucketMetaData.numContBlocks + 1;
+    if (kMetaDataHeader + metaData.urlSize + there > blocks * record.bucketMetaData.blockSize)
         return "headers that lead beyond their blocks: the end belongs to other entries";
     return {};
 }
@@ -43,11 +43,11 @@ class CacheReading {
           m_records(ctx.log, kProcedure, m_path), m_doubts(ctx.log, kProcedure, m_path) {}
 
     ReadResult run() {
-        if (!OpenFirefoxCache(m_cache, m_ctx.file.fullPath, m_ctx.evidence, m_ctx.log))
+        if (!openFirefoxCache(m_cache, m_ctx.file.fullPath, m_ctx.evidence, m_ctx.log))
             return {ReadState::failed, "could not be opened: " + m_path, 0, {}};
-        if (!m_cache.ReadCache(m_ctx.file, m_ctx.task, m_result)) {
+        if (!m_cache.readCache(m_ctx.file, m_ctx.task, m_result)) {
             m_result.state = m_cache.isLaterVersion ? ReadState::notReadYet : ReadState::failed;
-            noteLoss(m_cache.CacheError);
+            noteLoss(m_cache.cacheError);
         } else if (m_result.state != ReadState::cancelled) {
             readRecords();
         }
@@ -58,7 +58,7 @@ class CacheReading {
     void readRecords() {
         if (m_result.state == ReadState::cutShort)
             noteLoss(std::exchange(m_result.reason, {}));
-        const auto count = static_cast<std::int64_t>(m_cache.CacheRecords.count());
+        const auto count = static_cast<std::int64_t>(m_cache.cacheRecords.count());
         m_ctx.task.describe({"PARSING MOZILLA FIREFOX CACHE",
                              fmt::format("A total of {} URLs were found.", count),
                              {},
@@ -81,16 +81,16 @@ class CacheReading {
     }
 
     void readRecord(std::int64_t i, std::int64_t count) {
-        mzCacheRecord record = m_cache.CacheRecords.item(static_cast<std::size_t>(i));
-        const std::int64_t blockFile = record.BucketMetaData.CacheBlockFileNumber;
-        if (!m_cache.GetFileHandle(blockFile)) {
+        CacheRecord record = m_cache.cacheRecords.item(static_cast<std::size_t>(i));
+        const std::int64_t blockFile = record.bucketMetaData.cacheBlockFileNumber;
+        if (!m_cache.getFileHandle(blockFile)) {
             ++m_missing[blockFile];
             return;
         }
-        const auto place = static_cast<std::uint64_t>(record.Bucket.FileOffset);
+        const auto place = static_cast<std::uint64_t>(record.bucket.fileOffset);
         const bool stored = m_records.run(place, [&] {
-            record.RecordMetaData = m_cache.GetRecordMetaData(record.BucketMetaData);
-            auto url = ParseFirefoxCacheURL(record, m_ctx.file, m_ctx.evidence, m_ctx.clock);
+            record.recordMetaData = m_cache.getRecordMetaData(record.bucketMetaData);
+            auto url = parseFirefoxCacheURL(record, m_ctx.file, m_ctx.evidence, m_ctx.clock);
             show(i, count, url->URL);
             m_ctx.sink.save(*url);
         });
@@ -132,7 +132,7 @@ class CacheReading {
 
     ReadContext &m_ctx;
     std::string m_path;
-    mzMozillaCache m_cache;
+    MozillaCache m_cache;
     RecordTrap m_records;
     RecordTrap m_doubts; ///< of records that are stored
     ReadResult m_result;
@@ -141,7 +141,7 @@ class CacheReading {
 
 } // namespace
 
-ReadResult ParseFirefoxCache(ReadContext &ctx) {
+ReadResult parseFirefoxCache(ReadContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),
                    [&ctx] { return CacheReading(ctx).run(); });
 }

@@ -28,16 +28,16 @@ std::string urlOf(const Bytes &key) {
     return bytes.empty() ? std::string() : replaceAll(textWithBlanks(bytes), "HTTP:http:", "http:");
 }
 
-void setUrl(UrlRecord &url, const mzRecordMetaData &metaData) {
-    url.URL = urlOf(metaData.URLData);
+void setUrl(UrlRecord &url, const CacheRecordMetaData &metaData) {
+    url.URL = urlOf(metaData.urlData);
     url.URLRawValue = url.URL;
-    url.host = ParseHost(url.URL);
+    url.host = parseHost(url.URL);
     url.HashedURL = hashOfUrl(url.URL);
     url.CacheFileName = getFilenameFromPath(url.URL);
     url.CacheFileNameDecoded = url.CacheFileName;
-    url.URLProtocol = GetURLProtocol(url.URL);
+    url.URLProtocol = getURLProtocol(url.URL);
     url.URLParameters = parametersOf(url.URL);
-    url.User = ParseUserFromURL(url.URL);
+    url.User = parseUserFromURL(url.URL);
     setPageObjects(url);
 }
 
@@ -51,33 +51,33 @@ void setPlace(UrlRecord &url, const HistoryFile &file, const Evidence &evidence)
     url.CacheFileRelativePath = url.CacheRootPath;
 }
 
-void setBody(UrlRecord &url, const mzCacheRecord &record) {
-    url.CacheFileSize = record.RecordMetaData->DataSize;
+void setBody(UrlRecord &url, const CacheRecord &record) {
+    url.CacheFileSize = record.recordMetaData->dataSize;
     url.CacheFileExists = true;
-    const std::int64_t blockFile = record.BucketData.CacheBlockFileNumber;
+    const std::int64_t blockFile = record.bucketData.cacheBlockFileNumber;
     if (blockFile == 0) {
-        url.DataBlockFile = record.Bucket.HashNumberAsHex;
+        url.DataBlockFile = record.bucket.hashNumberAsHex;
         return;
     }
     url.DataBlockFile = std::to_string(blockFile);
-    url.DataBlockFileOffset = record.RecordData.FileOffsetBOF;
+    url.DataBlockFileOffset = record.recordData.fileOffsetBOF;
 }
 
-void setEvent(UrlRecord &url, const mzRecordMetaData &metaData, const Clock &clock) {
+void setEvent(UrlRecord &url, const CacheRecordMetaData &metaData, const Clock &clock) {
     url.Action = "Visited";
-    url.ActionDateUTC = metaData.ActionDateUTC;
+    url.ActionDateUTC = metaData.actionDateUTC;
     url.ActionDateLocal = utcDateToLocal(url.ActionDateUTC, clock);
-    url.OtherDate = metaData.LastModified;
+    url.OtherDate = metaData.lastModified;
     url.OtherDateMeaning = "Last Modified";
-    url.Visits = metaData.FetchCount;
+    url.Visits = metaData.fetchCount;
     url.Status = "URL";
 }
 
 } // namespace
 
-std::optional<UrlRecord> ParseFirefoxCacheURL(const mzCacheRecord &record, const HistoryFile &file,
+std::optional<UrlRecord> parseFirefoxCacheURL(const CacheRecord &record, const HistoryFile &file,
                                               const Evidence &evidence, const Clock &clock) {
-    if (!record.RecordMetaData)
+    if (!record.recordMetaData)
         return std::nullopt;
     std::optional<UrlRecord> url(std::in_place);
     url->SourceFile_ID = file.sourceFileID;
@@ -85,18 +85,18 @@ std::optional<UrlRecord> ParseFirefoxCacheURL(const mzCacheRecord &record, const
     url->HistoryFilePath = textOf(file.fullPath);
     url->HistoryVersion = file.version;
     // Of a separate file too, where it points nowhere: earlier cases have these values.
-    url->MapFileOffset = record.RecordData.FileOffsetBOF;
-    url->RecordSize = static_cast<std::uint64_t>(record.RecordData.FileOffsetEOF -
-                                                 record.RecordData.FileOffsetBOF);
-    url->MetaData = textWithBlanks(ByteView(record.RecordMetaData->MetaData));
+    url->MapFileOffset = record.recordData.fileOffsetBOF;
+    url->RecordSize = static_cast<std::uint64_t>(record.recordData.fileOffsetEOF -
+                                                 record.recordData.fileOffsetBOF);
+    url->MetaData = textWithBlanks(ByteView(record.recordMetaData->metaData));
     url->MetaDataRecordOffset = 1;
     // Every entry leaves as a page, whatever its headers say: what a picture or script is comes
     // out when its body is looked at.
     url->IsWebPage = true;
     setPlace(*url, file, evidence);
     setBody(*url, record);
-    setEvent(*url, *record.RecordMetaData, clock);
-    setUrl(*url, *record.RecordMetaData);
+    setEvent(*url, *record.recordMetaData, clock);
+    setUrl(*url, *record.recordMetaData);
     return url;
 }
 

@@ -12,7 +12,7 @@ namespace nv {
 
 /// One entry of the cache as a URL record; nothing when its metadata weren't read. `file` is the
 /// map.
-std::optional<UrlRecord> ParseFirefoxCacheURL(const mzCacheRecord &record, const HistoryFile &file,
+std::optional<UrlRecord> parseFirefoxCacheURL(const CacheRecord &record, const HistoryFile &file,
                                               const Evidence &evidence, const Clock &clock);
 
 } // namespace nv

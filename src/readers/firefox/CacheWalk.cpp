@@ -34,8 +34,8 @@ class RunningMark {
     bool &m_mark;
 };
 
-bool isFree(const mzBucket &bucket) {
-    return bucket.HashNumber == 0 && bucket.DataLocation == 0 && bucket.MetaDataLocation == 0;
+bool isFree(const CacheBucket &bucket) {
+    return bucket.hashNumber == 0 && bucket.dataLocation == 0 && bucket.metaDataLocation == 0;
 }
 
 void showBucket(TaskMonitor &task, std::int64_t n) {
@@ -45,12 +45,12 @@ void showBucket(TaskMonitor &task, std::int64_t n) {
 
 } // namespace
 
-bool mzMozillaCache::ReadCache(HistoryFile &file, TaskMonitor &task, ReadResult &result) {
-    if (Reading)
+bool MozillaCache::readCache(HistoryFile &file, TaskMonitor &task, ReadResult &result) {
+    if (isReading)
         return false;
-    const RunningMark running(Reading);
-    CacheRecords.clear();
-    CacheError.clear();
+    const RunningMark running(isReading);
+    cacheRecords.clear();
+    cacheError.clear();
     task.describe({"PARSING MOZILLA FIREFOX CACHE", "Reading MAP File...", textOf(file.fullPath),
                    "firefox-32.gif"});
     if (!acceptVersion(file)) {
@@ -58,10 +58,10 @@ bool mzMozillaCache::ReadCache(HistoryFile &file, TaskMonitor &task, ReadResult 
             noteRefused(result);
         return false;
     }
-    const std::optional<mzMapHeader> header = GetHeader();
+    const std::optional<CacheMapHeader> header = getHeader();
     if (!header) {
-        CacheError =
-            fmt::format("the map ends within its header, after {} bytes", FileHandleMap->size());
+        cacheError =
+            fmt::format("the map ends within its header, after {} bytes", fileHandleMap->size());
         return false;
     }
     if (!readBuckets(*header, task, result)) {
@@ -73,35 +73,36 @@ bool mzMozillaCache::ReadCache(HistoryFile &file, TaskMonitor &task, ReadResult 
     return true;
 }
 
-bool mzMozillaCache::acceptVersion(HistoryFile &file) {
-    if (FileHandleMap->size() < 4) {
-        CacheError = "the map ends before its version";
+bool MozillaCache::acceptVersion(HistoryFile &file) {
+    if (fileHandleMap->size() < 4) {
+        cacheError = "the map ends before its version";
         return false;
     }
-    const std::string version = GetNextDWordAsHex(0, *FileHandleMap);
+    const std::string version = getNextDWordAsHex(0, *fileHandleMap);
     if (version == kFirefox2)
         file.version = "2.0";
     else if (version == kFirefox3)
         file.version = "3.0";
     else if (isLaterVersion = version > kFirefox3 && version.starts_with("0001"); isLaterVersion)
-        CacheError = fmt::format("the map is of version {}, later than Firefox 3's ({}), and such "
+        cacheError = fmt::format("the map is of version {}, later than Firefox 3's ({}), and such "
                                  "caches are not read",
                                  version, kFirefox3);
     else
-        CacheError = fmt::format("the map's version {} is neither Firefox 2's ({}) nor 3's ({})",
+        cacheError = fmt::format("the map's version {} is neither Firefox 2's ({}) nor 3's ({})",
                                  version, kFirefox2, kFirefox3);
-    return CacheError.empty();
+    return cacheError.empty();
 }
 
 /// False when cancelled.
-bool mzMozillaCache::readBuckets(const mzMapHeader &header, TaskMonitor &task, ReadResult &result) {
-    if (const auto first = GetBucket(0); first && !isFree(*first))
+bool MozillaCache::readBuckets(const CacheMapHeader &header, TaskMonitor &task,
+                               ReadResult &result) {
+    if (const auto first = getBucket(0); first && !isFree(*first))
         ++result.passedOver["bucket 0"];
     for (std::int64_t n = kFirstListed; n <= kLastListed; ++n) {
         if (!task.advance(kShareOfMap * static_cast<double>(n) / kLastListed))
             return false;
         showBucket(task, n);
-        const std::optional<mzBucket> bucket = GetBucket(n);
+        const std::optional<CacheBucket> bucket = getBucket(n);
         if (!bucket)
             break;
         if (const std::string_view reason = takeBucket(*bucket, header); !reason.empty())
@@ -110,58 +111,58 @@ bool mzMozillaCache::readBuckets(const mzMapHeader &header, TaskMonitor &task, R
     return true;
 }
 
-/// Empty when the bucket is free or goes to CacheRecords, otherwise why it is passed over.
-std::string_view mzMozillaCache::takeBucket(const mzBucket &bucket, const mzMapHeader &header) {
+/// Empty when the bucket is free or goes to cacheRecords, otherwise why it is passed over.
+std::string_view MozillaCache::takeBucket(const CacheBucket &bucket, const CacheMapHeader &header) {
     if (isFree(bucket))
         return {};
-    if (bucket.HashNumber == 0)
+    if (bucket.hashNumber == 0)
         return "bucket without a hash number"; // what is left of an entry that was taken out
-    const auto data = GetBucketData(bucket);
+    const auto data = getBucketData(bucket);
     if (!data)
         return "entry without a body";
-    const auto metaData = GetBucketMetaData(bucket);
+    const auto metaData = getBucketMetaData(bucket);
     if (!metaData)
         return "entry without metadata";
-    if (metaData->CacheBlockFileNumber == 0)
+    if (metaData->cacheBlockFileNumber == 0)
         return "metadata in a separate file";
     // The bits are one less than the blocks in use: entries with short metadata are not listed,
     // and never were.
-    if (metaData->NumContBlocks == 0)
+    if (metaData->numContBlocks == 0)
         return "metadata in one block";
-    CacheRecords.add({bucket, *data, *metaData, header, GetRecordData(*data), std::nullopt});
+    cacheRecords.add({bucket, *data, *metaData, header, getRecordData(*data), std::nullopt});
     return {};
 }
 
 /// The map itself is laid out as before. Of a map that ends early only the header knows more.
-void mzMozillaCache::noteRefused(ReadResult &result) {
+void MozillaCache::noteRefused(ReadResult &result) {
     std::int64_t entries = 0;
     for (std::int64_t n = 0; n < std::min(bucketCount(), kLastCounted); ++n)
-        if (const auto bucket = GetBucket(n); bucket && !isFree(*bucket))
+        if (const auto bucket = getBucket(n); bucket && !isFree(*bucket))
             ++entries;
-    if (const std::optional<mzMapHeader> header = GetHeader())
-        entries = std::max(entries, std::min(header->EntryCount, kLastCounted));
+    if (const std::optional<CacheMapHeader> header = getHeader())
+        entries = std::max(entries, std::min(header->entryCount, kLastCounted));
     result.notReached = static_cast<std::uint64_t>(entries);
-    CacheError +=
+    cacheError +=
         fmt::format("; this one holds {}", counted(result.notReached, "entry", "entries"));
 }
 
-void mzMozillaCache::noteBehindLastBucket(ReadResult &result) const {
+void MozillaCache::noteBehindLastBucket(ReadResult &result) const {
     const std::int64_t end = std::min(bucketCount(), kLastCounted);
     for (std::int64_t n = kLastListed + 1; n < end; ++n)
-        if (const auto bucket = GetBucket(n); bucket && !isFree(*bucket))
+        if (const auto bucket = getBucket(n); bucket && !isFree(*bucket))
             ++result.passedOver[fmt::format("bucket behind bucket {}", kLastListed)];
 }
 
 /// The header says how many buckets there are: what a shorter map lost isn't known, only how many
 /// it could be.
-void mzMozillaCache::noteShortMap(const mzMapHeader &header, ReadResult &result) const {
-    const std::int64_t told = std::min(header.RecordCount, kLastListed + 1);
+void MozillaCache::noteShortMap(const CacheMapHeader &header, ReadResult &result) const {
+    const std::int64_t told = std::min(header.recordCount, kLastListed + 1);
     const std::int64_t there = bucketCount();
     if (there >= told)
         return;
     result.state = ReadState::cutShort;
     result.reason = fmt::format("the map ends at {}, with {} of its {} buckets",
-                                FileHandleMap->size(), there, header.RecordCount);
+                                fileHandleMap->size(), there, header.recordCount);
     result.notReached += static_cast<std::uint64_t>(told - there);
 }
 

@@ -32,7 +32,7 @@ Date dateOf(const Row &row, std::size_t column) {
 
 } // namespace
 
-ReadResult ParseFirefoxCookiesFile(ReadContext &ctx) {
+ReadResult parseFirefoxCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         TableCursor cursor(database, "moz_cookies", kColumns);
         const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;

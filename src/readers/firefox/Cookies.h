@@ -5,6 +5,6 @@
 namespace nv {
 
 /// Reads table `moz_cookies` of Firefox's `cookies.sqlite`; docs/formats/firefox-cookies.md.
-ReadResult ParseFirefoxCookiesFile(ReadContext &ctx);
+ReadResult parseFirefoxCookiesFile(ReadContext &ctx);
 
 } // namespace nv

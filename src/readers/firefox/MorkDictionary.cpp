@@ -71,7 +71,7 @@ std::optional<std::size_t> MorkDictionary::take(std::string_view line) {
     return std::nullopt;
 }
 
-void addMorkColumn(std::string_view cell, morkColHeadersCollection &columns) {
+void addMorkColumn(std::string_view cell, MorkColHeaders &columns) {
     if (columns.count() >= limits::kMorkColumns)
         return;
     std::string text = cleanedMorkText(cell);
@@ -82,7 +82,7 @@ void addMorkColumn(std::string_view cell, morkColHeadersCollection &columns) {
     columns.add({text.substr(0, mark), text.substr(std::min(mark + 1, text.size()))});
 }
 
-void addMorkValue(std::string_view cell, morkValuesCollection &values, MorkValueLosses &losses) {
+void addMorkValue(std::string_view cell, MorkValues &values, MorkValueLosses &losses) {
     const std::string text = cleanedMorkText(without(without(cell, "$00"), "$AE"));
     const std::size_t mark = text.find('=');
     if (mark == std::string::npos)

@@ -47,9 +47,9 @@ struct MorkValueLosses {
 };
 
 /// Adds the column of a dictionary's cell.
-void addMorkColumn(std::string_view cell, morkColHeadersCollection &columns);
+void addMorkColumn(std::string_view cell, MorkColHeaders &columns);
 /// Adds the value of a dictionary's cell.
-void addMorkValue(std::string_view cell, morkValuesCollection &values, MorkValueLosses &losses);
+void addMorkValue(std::string_view cell, MorkValues &values, MorkValueLosses &losses);
 
 /// Without tabs and pairs of blanks, which the format puts at the beginning of lines.
 std::string cleanedMorkText(std::string_view text);

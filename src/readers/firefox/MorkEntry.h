@@ -8,9 +8,9 @@ namespace nv {
 
 /// The row with the values that its cells hold or name. An id that no dictionary has gives an empty
 /// text, and so does a column that isn't there.
-morkEntryClass morkEntryOf(const morkRowClass &row, const morkValuesCollection &values);
+MorkEntry morkEntryOf(const MorkRow &row, const MorkValues &values);
 
 /// The length of the entry's texts.
-std::uint64_t textSizeOf(const morkEntryClass &entry);
+std::uint64_t textSizeOf(const MorkEntry &entry);
 
 } // namespace nv

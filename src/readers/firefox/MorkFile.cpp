@@ -73,7 +73,7 @@ void count(std::map<std::string, std::uint64_t> &counts, const char *reason, std
 
 } // namespace
 
-std::optional<double> morkFileClass::numberOf(std::string_view text) {
+std::optional<double> MorkFileParser::numberOf(std::string_view text) {
     text = trim(text);
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -81,27 +81,27 @@ std::optional<double> morkFileClass::numberOf(std::string_view text) {
     return isNumber ? std::optional(number) : std::nullopt;
 }
 
-Date morkFileClass::ConvertSecondsToUTCDate(std::string_view text) {
+Date MorkFileParser::convertSecondsToUTCDate(std::string_view text) {
     const auto seconds = numberOf(text);
     return seconds ? secondsToDate1970(*seconds) : Date();
 }
 
-void morkFileClass::header(std::string_view text) {
+void MorkFileParser::header(std::string_view text) {
     m_header = fromAnsi(cleanedMorkText(text));
 }
 
-void morkFileClass::ParseFile(const EvidenceFile &file, TaskMonitor &task, ReadResult &result) {
+void MorkFileParser::parseFile(const EvidenceFile &file, TaskMonitor &task, ReadResult &result) {
     const Bytes bytes = file.read(0, limits::kMorkFileBytes);
-    ParseBytes(ByteView(bytes), task, result);
+    parseBytes(ByteView(bytes), task, result);
     if (bytes.size() < file.size() && result.state != ReadState::cancelled)
         cutShort(result,
                  fmt::format("of {} bytes only the first {} are read", file.size(), bytes.size()));
 }
 
-void morkFileClass::ParseBytes(ByteView bytes, TaskMonitor &task, ReadResult &result) {
+void MorkFileParser::parseBytes(ByteView bytes, TaskMonitor &task, ReadResult &result) {
     const std::string_view file = bytes.raw();
     MorkLines lines(file);
-    MorkRowScan rows(Rows);
+    MorkRowScan rows(tableRows);
     if (!readHeader(lines)) {
         result.state = ReadState::failed;
         result.reason = "no line has the mark \"mdb:mork:\"";
@@ -119,22 +119,22 @@ void morkFileClass::ParseBytes(ByteView bytes, TaskMonitor &task, ReadResult &re
     if (m_dictionary)
         leaveDictionary();
     rows.finish();
-    locateMorkRows(Rows, file);
+    locateMorkRows(tableRows, file);
     makeEntries(result);
     tell(lines, rows, result);
 }
 
-bool morkFileClass::readHeader(MorkLines &lines) {
+bool MorkFileParser::readHeader(MorkLines &lines) {
     while (const auto line = lines.next())
         if (line->text.find("mdb:mork:") != std::string_view::npos) {
             header(line->text);
-            Version = fromAnsi(versionIn(line->text));
+            version = fromAnsi(versionIn(line->text));
             return true;
         }
     return false;
 }
 
-bool morkFileClass::readFirstColumns(MorkLines &lines, MorkRowScan &rows) {
+bool MorkFileParser::readFirstColumns(MorkLines &lines, MorkRowScan &rows) {
     while (const auto line = lines.next())
         if (behindColumnMark(line->text)) {
             takeLine(*line, rows);
@@ -144,7 +144,7 @@ bool morkFileClass::readFirstColumns(MorkLines &lines, MorkRowScan &rows) {
 }
 
 /// False when cancelled.
-bool morkFileClass::readLines(MorkLines &lines, MorkRowScan &rows, TaskMonitor &task) {
+bool MorkFileParser::readLines(MorkLines &lines, MorkRowScan &rows, TaskMonitor &task) {
     for (int number = 1; const auto line = lines.next(); ++number) {
         takeLine(*line, rows);
         if (number % kLinesBetweenAsking == 0 && !task.advance(lines.fraction()))
@@ -154,7 +154,7 @@ bool morkFileClass::readLines(MorkLines &lines, MorkRowScan &rows, TaskMonitor &
 }
 
 /// A line may hold the end of one dictionary, others whole, and rows after them.
-void morkFileClass::takeLine(MorkLine line, MorkRowScan &rows) {
+void MorkFileParser::takeLine(MorkLine line, MorkRowScan &rows) {
     for (;;) {
         std::size_t from = 0;
         if (m_dictionary && !m_dictionary->isContinued() && opensSomethingElse(line.text))
@@ -174,7 +174,7 @@ void morkFileClass::takeLine(MorkLine line, MorkRowScan &rows) {
 }
 
 /// Returns where in the line the cells begin; nothing when it opens no dictionary.
-std::optional<std::size_t> morkFileClass::openDictionary(const MorkLine &line) {
+std::optional<std::size_t> MorkFileParser::openDictionary(const MorkLine &line) {
     const auto columns = behindColumnMark(line.text);
     const std::string_view text = leftTrimmed(line.text);
     if (!columns && !text.starts_with("<("))
@@ -182,9 +182,9 @@ std::optional<std::size_t> morkFileClass::openDictionary(const MorkLine &line) {
     m_dictionary.emplace(columns ? Kind::columns : Kind::values, line.offset,
                          [this](Kind of, std::string_view cell) {
                              if (of == Kind::columns)
-                                 addMorkColumn(cell, ColHeaders);
+                                 addMorkColumn(cell, colHeaders);
                              else
-                                 addMorkValue(cell, Values, m_losses);
+                                 addMorkValue(cell, values, m_losses);
                          });
     if (!columns)
         return line.text.size() - text.size() + 1;
@@ -193,27 +193,27 @@ std::optional<std::size_t> morkFileClass::openDictionary(const MorkLine &line) {
 }
 
 /// Its end was missed, or damage has taken it away.
-void morkFileClass::leaveDictionary() {
+void MorkFileParser::leaveDictionary() {
     if (!m_unclosedDictionary)
         m_unclosedDictionary = m_dictionary->offset();
     m_dictionary.reset();
 }
 
-void morkFileClass::makeEntries(ReadResult &result) {
+void MorkFileParser::makeEntries(ReadResult &result) {
     std::uint64_t size = 0;
-    for (const morkRowClass &row : Rows) {
+    for (const MorkRow &row : tableRows) {
         if (size > limits::kMorkTextBytes) {
-            result.notReached += Rows.count() - Entries.count();
+            result.notReached += tableRows.count() - entries.count();
             return cutShort(result, fmt::format("the first {} rows hold {} bytes of text, which "
                                                 "is more than is read",
-                                                Entries.count(), size));
+                                                entries.count(), size));
         }
-        size += textSizeOf(Entries.add(morkEntryOf(row, Values)));
+        size += textSizeOf(entries.add(morkEntryOf(row, values)));
     }
 }
 
-void morkFileClass::tell(const MorkLines &lines, const MorkRowScan &rows,
-                         ReadResult &result) const {
+void MorkFileParser::tell(const MorkLines &lines, const MorkRowScan &rows,
+                          ReadResult &result) const {
     if (const auto at = lines.leftOutAt())
         cutShort(result, fmt::format("the line at {} is longer than {} bytes and is left out", *at,
                                      limits::kMorkLineBytes));

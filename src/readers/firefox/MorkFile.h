@@ -18,26 +18,26 @@ namespace nv {
 
 /// A history.dat of Firefox 2. It reads lines and not the whole grammar of the format: what earlier
 /// cases show is what a reader of lines made of such files.
-class morkFileClass {
+class MorkFileParser {
   public:
-    morkColHeadersCollection ColHeaders;
-    morkValuesCollection Values;
-    morkRowsCollection Rows;
-    morkEntriesCollection Entries;
-    std::string Version; ///< such as "1.4"
+    MorkColHeaders colHeaders;
+    MorkValues values;
+    MorkRows tableRows;
+    MorkEntries entries;
+    std::string version; ///< such as "1.4"
 
     /// Fills the collections. `result` tells what of the file isn't among the entries. Throws
     /// EvidenceFailure.
-    void ParseFile(const EvidenceFile &file, TaskMonitor &task, ReadResult &result);
+    void parseFile(const EvidenceFile &file, TaskMonitor &task, ReadResult &result);
     /// The same for bytes in memory.
-    void ParseBytes(ByteView bytes, TaskMonitor &task, ReadResult &result);
+    void parseBytes(ByteView bytes, TaskMonitor &task, ReadResult &result);
 
     /// The line that opens the file, cleaned of what only lays out the text.
     const std::string &header() const { return m_header; }
     void header(std::string_view text);
 
     /// Seconds since 1970 in digits; no date for what is no number.
-    static Date ConvertSecondsToUTCDate(std::string_view text);
+    static Date convertSecondsToUTCDate(std::string_view text);
     /// The number that a text holds and nothing else.
     static std::optional<double> numberOf(std::string_view text);
 

@@ -43,9 +43,9 @@ bool isTakenForNone(Date date) {
 }
 
 Date storedDate(std::string_view digits, const char *reason, ReadResult &result) {
-    if (digits.size() < kSecondDigits || !morkFileClass::numberOf(digits))
+    if (digits.size() < kSecondDigits || !MorkFileParser::numberOf(digits))
         return {};
-    const Date date = morkFileClass::ConvertSecondsToUTCDate(digits.substr(0, kSecondDigits));
+    const Date date = MorkFileParser::convertSecondsToUTCDate(digits.substr(0, kSecondDigits));
     if (!date.has() || !isTakenForNone(date))
         return date;
     ++result.noted[reason];
@@ -65,31 +65,30 @@ std::string parametersBehind(const std::string &url) {
     return url.starts_with('?') ? std::string() : parametersOf(url);
 }
 
-void setUrl(UrlRecord &record, const morkEntryClass &entry) {
-    record.URL = entry.URL;
-    record.URLRawValue = entry.URL;
-    record.host = entry.Hostname;
+void setUrl(UrlRecord &record, const MorkEntry &entry) {
+    record.URL = entry.url;
+    record.URLRawValue = entry.url;
+    record.host = entry.hostname;
     record.HashedURL = hashOfUrl(record.URL);
     record.CacheFileName = getFilenameFromPath(record.URL);
-    record.URLProtocol = GetURLProtocol(record.URL);
+    record.URLProtocol = getURLProtocol(record.URL);
     record.URLParameters = parametersBehind(record.URL);
     setPageObjects(record);
 }
 
-void setDates(UrlRecord &record, const morkEntryClass &entry, const Clock &clock,
-              ReadResult &result) {
+void setDates(UrlRecord &record, const MorkEntry &entry, const Clock &clock, ReadResult &result) {
     record.ActionDateUTC = storedDate(
-        entry.LastVisitDate, "last visit at noon or midnight, stored without that date", result);
+        entry.lastVisitDate, "last visit at noon or midnight, stored without that date", result);
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal = utcDateToLocal(record.ActionDateUTC, clock);
     record.OtherDate = storedDate(
-        entry.FirstVisitDate, "first visit at noon or midnight, stored without that date", result);
+        entry.firstVisitDate, "first visit at noon or midnight, stored without that date", result);
     if (record.OtherDate.has())
         record.OtherDateMeaning = "First Visit Date";
 }
 
-UrlRecord entryRecord(const ReadContext &ctx, const morkEntryClass &entry,
-                      const std::string &version, ReadResult &result) {
+UrlRecord entryRecord(const ReadContext &ctx, const MorkEntry &entry, const std::string &version,
+                      ReadResult &result) {
     UrlRecord record;
     record.SourceFile_ID = ctx.file.sourceFileID;
     setUrl(record, entry);
@@ -97,21 +96,21 @@ UrlRecord entryRecord(const ReadContext &ctx, const morkEntryClass &entry,
     record.HistoryFilePath = textOf(ctx.file.fullPath);
     if (!record.URL.empty())
         record.HistoryVersion = version;
-    record.MapFileOffset = entry.FileOffset;
+    record.MapFileOffset = entry.fileOffset;
     record.cacheType = kFirefox2History.word;
     record.IsHistory = true;
     record.Action = "Visited";
     record.Status = "URL";
-    record.Typed = entry.Typed == "1";
-    record.Visits = visitsOf(entry.VisitCount);
+    record.Typed = entry.typed == "1";
+    record.Visits = visitsOf(entry.visitCount);
     setDates(record, entry, ctx.clock, result);
     return record;
 }
 
-void noteEntry(const morkEntryClass &entry, ReadResult &result) {
-    if (entry.URL.empty())
+void noteEntry(const MorkEntry &entry, ReadResult &result) {
+    if (entry.url.empty())
         ++result.noted["row without a URL, stored as it is"];
-    if (entry.RowID.starts_with('-'))
+    if (entry.rowID.starts_with('-'))
         ++result.noted["row marked for deletion"];
 }
 
@@ -125,19 +124,19 @@ void showStep(TaskMonitor &task, std::size_t number, std::size_t total) {
     task.show(step);
 }
 
-void saveEntries(ReadContext &ctx, const morkFileClass &file, ReadResult &result) {
+void saveEntries(ReadContext &ctx, const MorkFileParser &file, ReadResult &result) {
     RecordTrap trap(ctx.log, kProcedure, textOf(ctx.file.fullPath));
     SubTask task(ctx.task, kParseShare, 1);
-    const std::size_t total = file.Entries.count();
+    const std::size_t total = file.entries.count();
     std::size_t number = 0;
-    for (const morkEntryClass &entry : file.Entries) {
+    for (const MorkEntry &entry : file.entries) {
         if (!task.advance(static_cast<double>(number++) / static_cast<double>(total))) {
             result.state = ReadState::cancelled;
             return;
         }
         showStep(task, number, total);
-        const bool saved = trap.run(static_cast<std::uint64_t>(entry.FileOffset), [&] {
-            UrlRecord record = entryRecord(ctx, entry, file.Version, result);
+        const bool saved = trap.run(static_cast<std::uint64_t>(entry.fileOffset), [&] {
+            UrlRecord record = entryRecord(ctx, entry, file.version, result);
             noteEntry(entry, result);
             ctx.sink.save(record);
         });
@@ -159,12 +158,12 @@ void tellDamage(ReadContext &ctx, ReadResult &result) {
 template <class Parse>
 ReadResult readEntries(ReadContext &ctx, Parse &&parse) {
     ReadResult result;
-    morkFileClass file;
+    MorkFileParser file;
     SubTask task(ctx.task, 0, kParseShare);
     parse(file, task, result);
-    if (result.state != ReadState::cancelled && file.Entries.count() > 0) {
+    if (result.state != ReadState::cancelled && file.entries.count() > 0) {
         ctx.task.describe({"PARSING MOZILLA FIREFOX HISTORY FILE",
-                           fmt::format("A total of {} URLs were found.", file.Entries.count()),
+                           fmt::format("A total of {} URLs were found.", file.entries.count()),
                            std::string(kTakesTime), "firefox-32.gif"});
         saveEntries(ctx, file, result);
     }
@@ -175,16 +174,17 @@ ReadResult readEntries(ReadContext &ctx, Parse &&parse) {
 } // namespace
 
 ReadResult readMorkHistory(ReadContext &ctx, ByteView bytes) {
-    return readEntries(ctx, [bytes](morkFileClass &file, TaskMonitor &task, ReadResult &result) {
-        file.ParseBytes(bytes, task, result);
+    return readEntries(ctx, [bytes](MorkFileParser &file, TaskMonitor &task, ReadResult &result) {
+        file.parseBytes(bytes, task, result);
     });
 }
 
-ReadResult ParseMorkFile(ReadContext &ctx) {
+ReadResult parseMorkFile(ReadContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kLikelyDamaged, unreadable(ctx), [&ctx] {
-        return readEntries(ctx, [&ctx](morkFileClass &file, TaskMonitor &task, ReadResult &result) {
-            file.ParseFile(ctx.evidence.open(ctx.file.fullPath), task, result);
-        });
+        return readEntries(ctx,
+                           [&ctx](MorkFileParser &file, TaskMonitor &task, ReadResult &result) {
+                               file.parseFile(ctx.evidence.open(ctx.file.fullPath), task, result);
+                           });
     });
 }
 

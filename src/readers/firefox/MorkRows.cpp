@@ -140,10 +140,10 @@ void MorkRowScan::finish() {
     }
 }
 
-void locateMorkRows(morkRowsCollection &rows, std::string_view file) {
+void locateMorkRows(MorkRows &rows, std::string_view file) {
     std::unordered_map<std::string_view, std::int64_t> places;
-    for (const morkRowClass &row : rows)
-        places.emplace(row.RowID, 0);
+    for (const MorkRow &row : rows)
+        places.emplace(row.rowID, 0);
     std::size_t open = std::string_view::npos;
     for (std::size_t at = 0; at < file.size(); ++at) {
         if (file[at] == '[')
@@ -155,8 +155,8 @@ void locateMorkRows(morkRowsCollection &rows, std::string_view file) {
             found->second = static_cast<std::int64_t>(open) + 1;
         open = std::string_view::npos;
     }
-    for (morkRowClass &row : rows)
-        row.FileOffset = places[row.RowID];
+    for (MorkRow &row : rows)
+        row.fileOffset = places[row.rowID];
 }
 
 } // namespace nv

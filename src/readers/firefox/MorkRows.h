@@ -13,7 +13,7 @@ namespace nv {
 /// Finds the rows in the lines that belong to no dictionary.
 class MorkRowScan {
   public:
-    explicit MorkRowScan(morkRowsCollection &rows) : m_rows(rows) {}
+    explicit MorkRowScan(MorkRows &rows) : m_rows(rows) {}
 
     void take(const MorkLine &line);
     /// To be called when there are no more lines.
@@ -39,7 +39,7 @@ class MorkRowScan {
     void keepRow();
     void brace(char c, std::uint64_t offset);
 
-    morkRowsCollection &m_rows;
+    MorkRows &m_rows;
     bool m_isInTable = false;
     bool m_isRowOpen = false;
     bool m_isInCell = false;
@@ -58,6 +58,6 @@ class MorkRowScan {
 };
 
 /// Sets where the file first holds the beginning of each row, "[" + id + "(", in one pass over it.
-void locateMorkRows(morkRowsCollection &rows, std::string_view file);
+void locateMorkRows(MorkRows &rows, std::string_view file);
 
 } // namespace nv

@@ -99,7 +99,7 @@ ReadResult readPlaces(ReadContext &ctx, EvidenceDatabase &database) {
 
 } // namespace
 
-ReadResult ParseFirefox3HistoryFile(ReadContext &ctx) {
+ReadResult parseFirefox3HistoryFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader,
                           [&ctx](EvidenceDatabase &database) { return readPlaces(ctx, database); });
 }

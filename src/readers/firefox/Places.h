@@ -6,6 +6,6 @@ namespace nv {
 
 /// The file "places.sqlite" of Firefox 3 and later: a record for each page, with the date of its
 /// first stored visit.
-ReadResult ParseFirefox3HistoryFile(ReadContext &ctx);
+ReadResult parseFirefox3HistoryFile(ReadContext &ctx);
 
 } // namespace nv

@@ -10,7 +10,7 @@
 
 namespace nv {
 
-// What the disk adds to a record of ParseIEURL().
+// What the disk adds to a record of parseIEURL().
 
 /// Sets where the record's file lies, whether it is there, and the status that follows from that.
 /// Returns the cached file when it exists.

@@ -64,12 +64,12 @@ void setCookieUrl(UrlRecord &result, ByteView record) {
     const bool hasUser = at != std::string_view::npos && at > 0;
     setUrl(result, hasUser ? raw.substr(at + 1) : raw);
     if (result.host.empty()) // a cookie's text names no protocol
-        result.host = ParseHost("://" + result.URL);
+        result.host = parseHost("://" + result.URL);
 }
 
 } // namespace
 
-UrlRecord ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t recordOffset,
+UrlRecord parseIECookie(ByteView record, const HistoryFile &file, std::uint64_t recordOffset,
                         DeletedFlag deletedFlag, const Clock &clock) {
     UrlRecord result;
     result.HistoryFilePath = textOf(file.fullPath);

@@ -18,7 +18,7 @@ namespace nv {
 /// Throws when a field lies outside of it. Does no I/O: what lies on disk comes from
 /// locateCookieFile() and
 /// readCookieText().
-UrlRecord ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t recordOffset,
+UrlRecord parseIECookie(ByteView record, const HistoryFile &file, std::uint64_t recordOffset,
                         DeletedFlag deletedFlag, const Clock &clock);
 
 /// Sets where the record's text file lies. Returns the file when it is there, beside the index.

@@ -61,7 +61,7 @@ class CookiesReading {
             return reason;
         const DeletedFlag deleted = m_ctx.deleted ? DeletedFlag::yes : DeletedFlag::no;
         UrlRecord record =
-            ParseIECookie(recordAt(m_bytes, offset), m_ctx.file, offset, deleted, m_ctx.clock);
+            parseIECookie(recordAt(m_bytes, offset), m_ctx.file, offset, deleted, m_ctx.clock);
         if (const auto found = locateCookieFile(record, m_ctx.file, m_ctx.evidence))
             addText(record, *found);
         m_ctx.sink.save(record);
@@ -94,7 +94,7 @@ ReadResult readIECookies(ReadContext &ctx, ByteView bytes) {
     return CookiesReading(ctx, bytes).run();
 }
 
-ReadResult ParseIECookies(ReadContext &ctx) {
+ReadResult parseIECookies(ReadContext &ctx) {
     return readWholeFile(ctx,
                          {"PARSING COOKIES INDEX.DAT FILE", "Internet Explorer", "", "ie-32.gif"},
                          kProcedure, [&ctx](ByteView bytes) { return readIECookies(ctx, bytes); });

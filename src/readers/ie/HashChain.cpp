@@ -38,24 +38,24 @@ std::int64_t entriesFor(std::int64_t tableSize) {
 HashTable tableAt(ByteView file, std::uint64_t at) {
     const ByteView block = file.from(at);
     HashTable table;
-    table.FileOffset = at;
-    table.FirstRecordFileOffset = at + kTableHeader;
-    table.TableSize = block.i32le(4) * kBlock;
-    table.NextHashTable = block.i32le(8);
-    table.TableNumber = static_cast<std::int16_t>(block.u16le(0xC));
+    table.fileOffset = at;
+    table.firstRecordFileOffset = at + kTableHeader;
+    table.tableSize = block.i32le(4) * kBlock;
+    table.nextHashTable = block.i32le(8);
+    table.tableNumber = static_cast<std::int16_t>(block.u16le(0xC));
     const std::int64_t most = std::numeric_limits<std::int16_t>::max();
-    const std::int64_t count = std::clamp(entriesFor(table.TableSize), std::int64_t{0}, most);
-    table.RecordCount = static_cast<std::int16_t>(count);
+    const std::int64_t count = std::clamp(entriesFor(table.tableSize), std::int64_t{0}, most);
+    table.recordCount = static_cast<std::int16_t>(count);
     return table;
 }
 
 /// What is wrong with the length of a table; empty when nothing is.
 std::string lengthDamage(const HashTable &table) {
-    const std::int64_t entries = entriesFor(table.TableSize);
-    if (entries > 0 && entries == table.RecordCount)
+    const std::int64_t entries = entriesFor(table.tableSize);
+    if (entries > 0 && entries == table.recordCount)
         return {};
     return fmt::format("the hash table at {} has an impossible length of {} bytes",
-                       table.FileOffset, table.TableSize);
+                       table.fileOffset, table.tableSize);
 }
 
 } // namespace
@@ -95,7 +95,7 @@ HashChain readHashChain(ByteView file, std::int64_t first) {
         if (damage = lengthDamage(table); !capped && !damage.empty())
             chain.damage.push_back(std::move(damage));
         (capped ? chain.behindCap : chain.tables).push_back(table);
-        at = table.NextHashTable;
+        at = table.nextHashTable;
     }
     return chain;
 }
@@ -108,7 +108,7 @@ HashChain missedHashChain(ByteView file) {
 }
 
 std::uint64_t placeOfEntry(const HashTable &table, std::int64_t entry) {
-    return table.FirstRecordFileOffset + static_cast<std::uint64_t>(entry * kEntry);
+    return table.firstRecordFileOffset + static_cast<std::uint64_t>(entry * kEntry);
 }
 
 HashEntry hashEntry(ByteView file, const HashTable &table, std::int64_t entry) {
@@ -118,7 +118,7 @@ HashEntry hashEntry(ByteView file, const HashTable &table, std::int64_t entry) {
 
 std::uint64_t usedEntries(ByteView file, const HashTable &table, std::int64_t from) {
     std::uint64_t used = 0;
-    for (std::int64_t entry = from; entry < table.RecordCount; ++entry) {
+    for (std::int64_t entry = from; entry < table.recordCount; ++entry) {
         if (!file.has(placeOfEntry(table, entry), kEntry))
             break;
         used += hashEntry(file, table, entry).isUsed() ? 1 : 0;

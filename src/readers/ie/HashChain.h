@@ -13,12 +13,12 @@ namespace nv {
 
 /// One block of the hash.
 struct HashTable {
-    std::uint64_t FirstRecordFileOffset = 0; ///< of the first hash entry
-    std::int16_t TableNumber = 0;            ///< as the file says, from 0
-    std::int32_t NextHashTable = 0;          ///< 0 when last
-    std::int64_t TableSize = 0;              ///< bytes
-    std::int16_t RecordCount = 0;            ///< entries
-    std::uint64_t FileOffset = 0;
+    std::uint64_t firstRecordFileOffset = 0; ///< of the first hash entry
+    std::int16_t tableNumber = 0;            ///< as the file says, from 0
+    std::int32_t nextHashTable = 0;          ///< 0 when last
+    std::int64_t tableSize = 0;              ///< bytes
+    std::int16_t recordCount = 0;            ///< entries
+    std::uint64_t fileOffset = 0;
 };
 
 struct HashEntry {

@@ -35,7 +35,7 @@ class ReferencedBlocks {
 
   private:
     void mark(const HashTable &table) {
-        for (std::int64_t i = 0; i < table.RecordCount; ++i) {
+        for (std::int64_t i = 0; i < table.recordCount; ++i) {
             if (!m_file.has(placeOfEntry(table, i), 8))
                 return;
             const HashEntry entry = hashEntry(m_file, table, i);
@@ -82,7 +82,7 @@ bool HashWalk::open(ReadResult &result) {
         m_missed = missedHashChain(m_file);
     result.notReached += usedEntries(m_file, m_missed);
     for (const HashTable &table : m_chain.tables)
-        m_entries += table.RecordCount;
+        m_entries += table.recordCount;
     return true;
 }
 
@@ -98,7 +98,7 @@ void HashWalk::run(const TakeRecord &take, ReadResult &result) {
 
 void HashWalk::walkEntries(const TakeRecord &take, ReadResult &result) {
     for (Place place; place.table < m_chain.tables.size(); ++place.table)
-        for (place.entry = 0; place.entry < m_chain.tables[place.table].RecordCount;
+        for (place.entry = 0; place.entry < m_chain.tables[place.table].recordCount;
              ++place.entry) {
             if (!m_ctx.task.advance(static_cast<double>(m_done++) /
                                     static_cast<double>(m_entries))) {
@@ -138,7 +138,7 @@ void HashWalk::showStep(Place place) {
         return;
     const auto table = static_cast<std::int64_t>(place.table) + 1;
     const auto tables = static_cast<std::int64_t>(m_chain.tables.size());
-    const std::int64_t entries = m_chain.tables[place.table].RecordCount;
+    const std::int64_t entries = m_chain.tables[place.table].recordCount;
     m_ctx.task.show({fmt::format("Reading Hash Table {} of {}", table, tables), table, tables,
                      fmt::format("Processing Hash Record {} of {}", place.entry, entries),
                      place.entry, entries});

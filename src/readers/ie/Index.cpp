@@ -26,7 +26,7 @@ namespace {
 
 constexpr std::string_view kProcedure = "ParserClass.ParseIECacheFile()";
 
-/// Here the letters' case doesn't count; ParseIEURL takes capitals only.
+/// Here the letters' case doesn't count; parseIEURL takes capitals only.
 bool hasSignature(ByteView file, std::uint64_t offset) {
     constexpr std::array<std::string_view, 4> kSignatures = {"url ", "redr", "leak", "file"};
     const std::string_view signature = file.sub(offset, 4).raw();
@@ -56,7 +56,7 @@ class IndexReading {
         if (!hasSignature(m_bytes, offset))
             return "entry without a record signature";
         std::optional<UrlRecord> record =
-            ParseIEURL(recordAt(m_bytes, offset), m_ctx.file, offset, m_folders,
+            parseIEURL(recordAt(m_bytes, offset), m_ctx.file, offset, m_folders,
                        m_ctx.deleted ? DeletedFlag::yes : DeletedFlag::no, m_ctx.clock);
         if (!record)
             return "record of no length or with a signature not in capitals";
@@ -85,7 +85,7 @@ ReadResult readIEIndex(ReadContext &ctx, ByteView bytes) {
     return IndexReading(ctx, bytes).run();
 }
 
-ReadResult ParseIECacheFile(ReadContext &ctx) {
+ReadResult parseIECacheFile(ReadContext &ctx) {
     return readWholeFile(ctx, {"PARSING CACHE INDEX FILE", "Internet Explorer", "", "ie-32.gif"},
                          kProcedure, [&ctx](ByteView bytes) { return readIEIndex(ctx, bytes); });
 }

@@ -7,7 +7,7 @@ namespace nv {
 
 /// Reads an index.dat of the cache, of the main, daily or weekly history, or of another kind that
 /// has the same hash. Failures are trapped: they stand in the log and in the result.
-ReadResult ParseIECacheFile(ReadContext &ctx);
+ReadResult parseIECacheFile(ReadContext &ctx);
 
 /// The same for bytes in memory; the file in `ctx` only names them.
 ReadResult readIEIndex(ReadContext &ctx, ByteView bytes);

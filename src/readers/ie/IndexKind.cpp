@@ -24,8 +24,8 @@ FolderList readFolders(ByteView bytes, const HashChain &chain) {
         return folders;
     const HashTable &last = chain.tables.back();
     const std::uint64_t size =
-        static_cast<std::uint64_t>(std::max<std::int64_t>(last.TableSize, 0));
-    const std::uint64_t end = last.FirstRecordFileOffset + size;
+        static_cast<std::uint64_t>(std::max<std::int64_t>(last.tableSize, 0));
+    const std::uint64_t end = last.firstRecordFileOffset + size;
     for (std::uint64_t at = kFolders; at < end && bytes.has(at, kFolderName); at += kFolderStride) {
         const std::string name = bytesToString(bytes, at, kFolderName, true);
         if (name.empty())

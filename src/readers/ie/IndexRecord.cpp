@@ -165,17 +165,17 @@ void parseRedirect(UrlRecord &result, ByteView record, HistoryFileType type) {
 } // namespace
 
 void setUrl(UrlRecord &record, std::string_view text) {
-    record.URL = percentDecode(ParseURLFromRawURL(text));
+    record.URL = percentDecode(parseURLFromRawURL(text));
     record.HashedURL = hashOfUrl(record.URL);
     for (const std::string_view scheme : {"http://", "https://", "file:///"})
         if (containsNoCase(record.URL, scheme))
-            record.host = ParseHost(record.URL);
-    record.User = ParseUserFromURL(record.URLRawValue);
-    record.URLProtocol = GetURLProtocol(record.URL);
+            record.host = parseHost(record.URL);
+    record.User = parseUserFromURL(record.URLRawValue);
+    record.URLProtocol = getURLProtocol(record.URL);
     record.URLParameters = parametersOf(record.URL);
 }
 
-std::optional<UrlRecord> ParseIEURL(ByteView record, const HistoryFile &file,
+std::optional<UrlRecord> parseIEURL(ByteView record, const HistoryFile &file,
                                     std::uint64_t recordOffset, const FolderList &folders,
                                     DeletedFlag deletedFlag, const Clock &clock) {
     if (record.empty())

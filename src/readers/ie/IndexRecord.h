@@ -19,7 +19,7 @@ enum class DeletedFlag { no, yes };
 /// record's length. Nothing for an empty view or a signature other than "URL ", "LEAK", "FILE" and
 /// "REDR". Throws when a field lies outside of the record. Does no I/O: what lies on disk comes
 /// from readers/ie/CachedFile.h.
-std::optional<UrlRecord> ParseIEURL(ByteView record, const HistoryFile &file,
+std::optional<UrlRecord> parseIEURL(ByteView record, const HistoryFile &file,
                                     std::uint64_t recordOffset, const FolderList &folders,
                                     DeletedFlag deletedFlag, const Clock &clock);
 

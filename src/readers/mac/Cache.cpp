@@ -23,10 +23,10 @@ bool liesIn(std::uint64_t fileSize, std::int64_t offset, std::int64_t size) {
 
 void setUrl(UrlRecord &record, const std::string &stored) {
     record.URLRawValue = stored;
-    record.URL = percentDecode(ParseURLFromRawURL(stored));
+    record.URL = percentDecode(parseURLFromRawURL(stored));
     record.HashedURL = hashOfUrl(record.URL);
-    record.host = ParseHost(record.URL);
-    record.URLProtocol = GetURLProtocol(record.URL);
+    record.host = parseHost(record.URL);
+    record.URLProtocol = getURLProtocol(record.URL);
     record.URLParameters = parametersOf(record.URL);
     record.URLFileName = getFilenameFromPath(record.URL);
     record.CacheFileName = record.URLFileName;
@@ -47,33 +47,33 @@ void setPlace(UrlRecord &record, const ReadContext &ctx) {
 
 } // namespace
 
-UrlRecord ParseMACIEURL(const macIEURLClass &entry, const ReadContext &ctx,
+UrlRecord parseMACIEURL(const MacCacheEntry &entry, const ReadContext &ctx,
                         std::uint64_t fileSize) {
     UrlRecord record;
-    setUrl(record, entry.macURL);
+    setUrl(record, entry.url);
     setPlace(record, ctx);
     record.cacheType = kMacIECache.word;
     record.Action = "Visited";
     record.Status = ctx.deleted ? "Deleted" : "URL";
-    record.MIMEType = entry.macMime;
-    record.IsWebPage = containsNoCase(entry.macMime, "text/html");
-    record.ActionDateUTC = entry.macLastVisitDate;
-    record.OtherDate = entry.macFirstVisitDate;
+    record.MIMEType = entry.mime;
+    record.IsWebPage = containsNoCase(entry.mime, "text/html");
+    record.ActionDateUTC = entry.lastVisitDate;
+    record.OtherDate = entry.firstVisitDate;
     record.OtherDateMeaning = "First Visit Date";
-    record.Visits = entry.macFetchCount;
+    record.Visits = entry.fetchCount;
     record.MapFileOffset = static_cast<std::int64_t>(entry.recordOffset);
-    record.DataBlockFileOffset = static_cast<std::int64_t>(entry.macDataFileOffset);
-    record.CacheFileSize = entry.macDataSize;
+    record.DataBlockFileOffset = static_cast<std::int64_t>(entry.dataFileOffset);
+    record.CacheFileSize = entry.dataSize;
     record.CacheFileExists = liesIn(fileSize, record.DataBlockFileOffset, record.CacheFileSize);
     return record;
 }
 
 ReadResult readMACIECache(ReadContext &ctx, ByteView bytes) {
     RecordTrap trap(ctx.log, kProcedure, textOf(ctx.file.fullPath));
-    macIECache cache;
-    ReadResult result = cache.ReadMACIECache(bytes, ctx.task, [&](const macIEURLClass &entry) {
+    MacCacheFile cache;
+    ReadResult result = cache.readMACIECache(bytes, ctx.task, [&](const MacCacheEntry &entry) {
         trap.attempt(entry.recordOffset, [&] {
-            UrlRecord record = ParseMACIEURL(entry, ctx, bytes.size());
+            UrlRecord record = parseMACIEURL(entry, ctx, bytes.size());
             ctx.sink.save(record);
         });
     });
@@ -82,13 +82,13 @@ ReadResult readMACIECache(ReadContext &ctx, ByteView bytes) {
     return result;
 }
 
-ReadResult ParseMACIECache(ReadContext &ctx) {
+ReadResult parseMACIECache(ReadContext &ctx) {
     return readWholeFile(ctx,
                          {"PARSING MACINTOSH CACHE FILE", "Internet Explorer", "", "ie-32.gif"},
                          kProcedure, [&ctx](ByteView bytes) { return readMACIECache(ctx, bytes); });
 }
 
-bool ExtractMACFile(const UrlRecord &record, const Evidence &evidence, BodyTarget &target) {
+bool extractMACFile(const UrlRecord &record, const Evidence &evidence, BodyTarget &target) {
     const auto file = evidence.find(record.RootPath, record.CacheFileRelativePath);
     if (!file)
         return false;

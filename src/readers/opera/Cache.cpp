@@ -143,8 +143,8 @@ class CacheReading {
     void setUrl(const std::string &url) {
         m_record->URL = url;
         m_record->URLRawValue = url;
-        m_record->host = ParseHost(url);
-        m_record->URLProtocol = GetURLProtocol(url);
+        m_record->host = parseHost(url);
+        m_record->URLProtocol = getURLProtocol(url);
         m_record->HashedURL = hashOfUrl(url);
         m_record->URLFileExt = getFileExtension(url);
         m_record->URLParameters = parametersOf(url);
@@ -250,7 +250,7 @@ ReadResult readOperaCache(ReadContext &ctx, ByteView bytes) {
     return result;
 }
 
-ReadResult ParseOperaCache(ReadContext &ctx) {
+ReadResult parseOperaCache(ReadContext &ctx) {
     const std::string path = textOf(ctx.file.fullPath);
     ctx.task.describe({"PARSING OPERA CACHE FILE", "Opera", path, "opera-32.gif"});
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),

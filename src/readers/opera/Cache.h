@@ -7,7 +7,7 @@ namespace nv {
 
 /// The index of Opera's cache, "dcache4.url": a record for each URL, with the cached file beside
 /// it. Failures are trapped: they stand in the log and in the result.
-ReadResult ParseOperaCache(ReadContext &ctx);
+ReadResult parseOperaCache(ReadContext &ctx);
 
 /// The same for bytes in memory; the file in `ctx` only names them.
 ReadResult readOperaCache(ReadContext &ctx, ByteView bytes);

@@ -35,7 +35,7 @@ std::string extensionOf(const std::optional<fs::path> &file, const Evidence &evi
     if (!file)
         return {};
     const Bytes head = evidence.head(*file, limits::kHeadBytes);
-    return beginsAsGZip(ByteView(head)) ? "gzip" : toLower(GetExtBySignature(ByteView(head)));
+    return beginsAsGZip(ByteView(head)) ? "gzip" : toLower(getExtBySignature(ByteView(head)));
 }
 
 void setKind(UrlRecord &record, const std::string &extension) {

@@ -2,7 +2,7 @@
 
 namespace nv {
 
-ReadResult ParseOperaCookiesFile(ReadContext &) {
+ReadResult parseOperaCookiesFile(ReadContext &) {
     return {ReadState::notReadYet, "cookies of Opera are found and listed, but not read", 0, {}};
 }
 

@@ -6,6 +6,6 @@ namespace nv {
 
 /// Opera's cookies are listed among what was found, so that nobody takes their absence for a
 /// finding, but nothing of them is read. The result says so.
-ReadResult ParseOperaCookiesFile(ReadContext &ctx);
+ReadResult parseOperaCookiesFile(ReadContext &ctx);
 
 } // namespace nv

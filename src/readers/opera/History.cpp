@@ -222,7 +222,7 @@ ReadResult readOperaHistory(ReadContext &ctx, ByteView bytes) {
     return result;
 }
 
-ReadResult ParseOperaHistoryFile(ReadContext &ctx) {
+ReadResult parseOperaHistoryFile(ReadContext &ctx) {
     const std::string path = textOf(ctx.file.fullPath);
     ctx.task.describe({"PARSING OPERA HISTORY FILE", "Opera", path, "opera-32.gif"});
     return trapped(ctx.log, Severity::Serious, kOperaHistoryProcedure, kContactSupport,

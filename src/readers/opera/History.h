@@ -7,7 +7,7 @@ namespace nv {
 
 /// Opera's history of visits, a text with four lines a record, or its list of typed addresses,
 /// which is XML. Failures are trapped: they stand in the log and in the result.
-ReadResult ParseOperaHistoryFile(ReadContext &ctx);
+ReadResult parseOperaHistoryFile(ReadContext &ctx);
 
 /// The same for bytes in memory; the file in `ctx` names them.
 ReadResult readOperaHistory(ReadContext &ctx, ByteView bytes);

@@ -32,7 +32,7 @@ UrlRecord operaHistoryRecord(const OperaHistorySource &source, const std::string
     record.HistoryFilePath = textOf(ctx.file.fullPath);
     record.HistoryVersion = ctx.file.version;
     record.MapFileOffset = static_cast<std::int64_t>(offset);
-    record.host = ParseHost(url);
+    record.host = parseHost(url);
     record.IsHistory = true;
     record.ActionDateUTC = visited;
     record.LastVisited = visited;
@@ -40,7 +40,7 @@ UrlRecord operaHistoryRecord(const OperaHistorySource &source, const std::string
     record.RecordSize = charCount(url);
     record.Status = ctx.deleted ? "Deleted" : "URL";
     record.URLParameters = parametersOf(url);
-    record.URLProtocol = GetURLProtocol(url);
+    record.URLProtocol = getURLProtocol(url);
     record.Visits = kVisitsUnknown;
     return record;
 }

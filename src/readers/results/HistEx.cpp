@@ -100,7 +100,7 @@ class Carving {
     /// the status "URL".
     void save(ByteView bytes, std::uint64_t at) {
         std::optional<UrlRecord> record =
-            ParseIEURL(bytes, m_ctx.file, at, {}, DeletedFlag::no, m_ctx.clock);
+            parseIEURL(bytes, m_ctx.file, at, {}, DeletedFlag::no, m_ctx.clock);
         if (!record)
             return;
         locateCachedFile(*record, m_ctx.file, m_ctx.evidence);
@@ -120,7 +120,7 @@ ReadResult readHistEx(ReadContext &ctx, ByteView bytes) {
     return Carving(ctx, bytes).run();
 }
 
-ReadResult ParseHistExFile(ReadContext &ctx) {
+ReadResult parseHistExFile(ReadContext &ctx) {
     return readWholeFile(ctx,
                          {"PARSING NET ANALYSIS HIST-EX FILE",
                           "Internet Explorer (Unallocated Space)", "", "net-32.gif"},

@@ -64,12 +64,12 @@ ReadResult readLooseFile(ReadContext &ctx, const Kind &kind) {
 
 } // namespace
 
-ReadResult ParseSimpleHTML(ReadContext &ctx) {
+ReadResult parseSimpleHTML(ReadContext &ctx) {
     return readLooseFile(ctx,
                          {"ParserClass.ParseSimpleHTML()", "Not Known", kSimpleHtml.word, true});
 }
 
-ReadResult ParseCSVFile(ReadContext &ctx) {
+ReadResult parseCSVFile(ReadContext &ctx) {
     return readLooseFile(ctx, {"ParserClass.ParseCSVFile()", "", kUnallocated.word, false});
 }
 

@@ -8,9 +8,9 @@ namespace nv {
 // they stand in the log and in the result.
 
 /// A page that lies on the disc by itself; the record's cached file is the page.
-ReadResult ParseSimpleHTML(ReadContext &ctx);
+ReadResult parseSimpleHTML(ReadContext &ctx);
 
 /// Reads no columns: the name is older than what it does.
-ReadResult ParseCSVFile(ReadContext &ctx);
+ReadResult parseCSVFile(ReadContext &ctx);
 
 } // namespace nv

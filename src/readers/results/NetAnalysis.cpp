@@ -1,5 +1,5 @@
 // A Jet database; of it are read
-//   Case    = CachePath Version      one row
+//   Case    = cachePath Version      one row
 //   History = the columns of NetAnalysisRow.h, a row an event; dates are local to the machine
 // Versions may have further columns. The format itself is the library's, see JetProgram.h.
 
@@ -218,7 +218,7 @@ ReadResult readNetAnalysisFile(ReadContext &ctx,
                    [&] { return CaseReading(ctx, *program).run(); });
 }
 
-ReadResult ParseNetAnalysisFile(ReadContext &ctx) {
+ReadResult parseNetAnalysisFile(ReadContext &ctx) {
     return readNetAnalysisFile(ctx, companionProgram("norvelane-jet"));
 }
 

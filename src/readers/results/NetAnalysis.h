@@ -8,7 +8,7 @@
 namespace nv {
 
 /// A case file of NetAnalysis: a Jet database whose table `History` has one row an event.
-ReadResult ParseNetAnalysisFile(ReadContext &ctx);
+ReadResult parseNetAnalysisFile(ReadContext &ctx);
 
 /// The same with the program that reads Jet databases given; nothing when it is missing.
 ReadResult readNetAnalysisFile(ReadContext &ctx,

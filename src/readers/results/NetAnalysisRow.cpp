@@ -90,11 +90,11 @@ bool isAbsolute(std::string_view path) {
 
 /// The cache lay on the machine on which the case was made: its path is followed from the root of
 /// the evidence, a relative one from the case file, and never anywhere else on this machine.
-std::optional<fs::path> findCachedFile(const ReadContext &ctx, std::string_view CachePath,
+std::optional<fs::path> findCachedFile(const ReadContext &ctx, std::string_view cachePath,
                                        const std::string &name) {
-    if (CachePath.empty() || name.empty())
+    if (cachePath.empty() || name.empty())
         return std::nullopt;
-    std::string path = replaceAll(CachePath, "\\", "/");
+    std::string path = replaceAll(cachePath, "\\", "/");
     if (!isAbsolute(path))
         return ctx.evidence.find(ctx.file.fullPath.parent_path(), path + "/" + name);
     const fs::path root = ctx.evidence.rootOf(ctx.file.fullPath);
@@ -120,28 +120,28 @@ void addCachedFile(UrlRecord &record, const fs::path &found, const Evidence &evi
 /// `CacheFileExists` is the case's own word, also where the evidence at hand lacks the file: the
 /// examiner who made the case saw it.
 void setCacheFields(UrlRecord &record, const ReadContext &ctx, const Cells &cells,
-                    const std::string &CachePath) {
+                    const std::string &cachePath) {
     record.RootPath = ctx.evidence.rootOf(ctx.file.fullPath);
-    record.CacheFolderName = CachePath;
-    record.CacheFileRelativePath = CachePath;
+    record.CacheFolderName = cachePath;
+    record.CacheFileRelativePath = cachePath;
     record.CacheFileName = cells.text(kURLFileName);
     record.CacheFileNameDecoded = percentDecode(record.CacheFileName);
     record.CacheFileExists = cells.truth(kFileExists);
     if (!record.CacheFileExists)
         return;
-    if (const auto found = findCachedFile(ctx, CachePath, record.CacheFileName))
+    if (const auto found = findCachedFile(ctx, cachePath, record.CacheFileName))
         addCachedFile(record, *found, ctx.evidence);
 }
 
 void setUrl(UrlRecord &record, const Cells &cells) {
     record.URL = cells.text(kInternetHistory);
     record.URLRawValue = record.URL;
-    record.URLProtocol = GetURLProtocol(record.URL);
+    record.URLProtocol = getURLProtocol(record.URL);
     record.HashedURL = hashOfUrl(record.URL);
     record.URLParameters = cells.text(kSearchCriteria);
     record.host = cells.text(kHostname);
     if (record.host.empty())
-        record.host = ParseHost(record.URL);
+        record.host = parseHost(record.URL);
 }
 
 void setEvent(UrlRecord &record, const Cells &cells, const Clock &clock) {
@@ -174,7 +174,7 @@ bool takesNetAnalysisKind(std::size_t column, std::string_view kind) {
 }
 
 UrlRecord netAnalysisRecord(const ReadContext &ctx, const JetRow &row,
-                            const std::string &CachePath) {
+                            const std::string &cachePath) {
     const Cells cells(row);
     UrlRecord record;
     record.cacheType = kNetAnalysis.word;
@@ -188,7 +188,7 @@ UrlRecord netAnalysisRecord(const ReadContext &ctx, const JetRow &row,
     record.IsHistory = true;
     setUrl(record, cells);
     setEvent(record, cells, ctx.clock);
-    setCacheFields(record, ctx, cells, CachePath);
+    setCacheFields(record, ctx, cells, cachePath);
     return record;
 }
 

@@ -19,8 +19,8 @@ inline constexpr std::array<std::string_view, 15> kNetAnalysisColumns = {
 /// column of kNetAnalysisColumns.
 bool takesNetAnalysisKind(std::size_t column, std::string_view kind);
 
-/// The record of a row that is whole or nearly so. `CachePath` is the case's.
+/// The record of a row that is whole or nearly so. `cachePath` is the case's.
 UrlRecord netAnalysisRecord(const ReadContext &ctx, const JetRow &row,
-                            const std::string &CachePath);
+                            const std::string &cachePath);
 
 } // namespace nv

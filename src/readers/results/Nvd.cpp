@@ -27,7 +27,7 @@ constexpr std::uint64_t kHeader = kTable + 4;
 constexpr std::int64_t kTableHead = 8;
 constexpr std::int64_t kEntry = 8;
 
-NVDFileClass headOf(ByteView file, const std::string &version) {
+NvdFile headOf(ByteView file, const std::string &version) {
     return {file.size(), file.i32le(kTable), file.i32le(kCount), version, file.sub(0, kHeader)};
 }
 
@@ -45,10 +45,10 @@ class NvdReading {
         }
         m_head = headOf(m_bytes, m_ctx.file.version);
         m_ctx.task.describe({"PARSING NORVELANE BINARY FILE",
-                             fmt::format("A total of {} URLs were found.", m_head.EntryCount),
+                             fmt::format("A total of {} URLs were found.", m_head.entryCount),
                              textOf(m_ctx.file.fullPath), "norvelane-32.gif"});
-        if (m_head.EntryCount < 0)
-            noteDamage(fmt::format("the number of entries at {} is {}", kCount, m_head.EntryCount));
+        if (m_head.entryCount < 0)
+            noteDamage(fmt::format("the number of entries at {} is {}", kCount, m_head.entryCount));
         walk();
         if (m_trap.failed() > 0)
             m_result.passedOver["damaged record"] += m_trap.failed();
@@ -59,17 +59,17 @@ class NvdReading {
 
   private:
     void walk() {
-        for (std::int64_t entry = 0; entry < m_head.EntryCount; ++entry) {
+        for (std::int64_t entry = 0; entry < m_head.entryCount; ++entry) {
             if (!goesOn(entry)) {
                 m_result.state = ReadState::cancelled;
                 return;
             }
-            const std::int64_t at = m_head.HashTableOffset + kTableHead + entry * kEntry;
+            const std::int64_t at = m_head.hashTableOffset + kTableHead + entry * kEntry;
             if (at < 0 || !m_bytes.has(static_cast<std::uint64_t>(at), kEntry)) {
                 noteDamage(fmt::format("the entry of record {} was expected at {}, outside of the "
                                        "{} bytes",
                                        entry + 1, at, m_bytes.size()));
-                m_result.notReached += static_cast<std::uint64_t>(m_head.EntryCount - entry);
+                m_result.notReached += static_cast<std::uint64_t>(m_head.entryCount - entry);
                 return;
             }
             takeEntry(static_cast<std::uint64_t>(at));
@@ -78,14 +78,14 @@ class NvdReading {
 
     bool goesOn(std::int64_t entry) {
         if (m_ctx.task.wantsStep())
-            m_ctx.task.show({fmt::format("Processing {} of {}", entry + 1, m_head.EntryCount),
+            m_ctx.task.show({fmt::format("Processing {} of {}", entry + 1, m_head.entryCount),
                              entry + 1,
-                             m_head.EntryCount,
+                             m_head.entryCount,
                              {},
                              0,
                              0});
         return m_ctx.task.advance(static_cast<double>(entry) /
-                                  static_cast<double>(m_head.EntryCount));
+                                  static_cast<double>(m_head.entryCount));
     }
 
     void takeEntry(std::uint64_t at) {
@@ -111,7 +111,7 @@ class NvdReading {
     void takeRecord(ByteView bytes) {
         const DeletedFlag deleted = m_ctx.deleted ? DeletedFlag::yes : DeletedFlag::no;
         std::optional<UrlRecord> record =
-            ParseIEURL(bytes, m_ctx.file, bytes.place(), {}, deleted, m_ctx.clock);
+            parseIEURL(bytes, m_ctx.file, bytes.place(), {}, deleted, m_ctx.clock);
         if (!record) {
             ++m_result.passedOver["entry without a record signature"];
             return;
@@ -133,7 +133,7 @@ class NvdReading {
     ReadContext &m_ctx;
     ByteView m_bytes;
     RecordTrap m_trap;
-    NVDFileClass m_head;
+    NvdFile m_head;
     ReadResult m_result;
 };
 
@@ -143,7 +143,7 @@ ReadResult readNvd(ReadContext &ctx, ByteView bytes) {
     return NvdReading(ctx, bytes).run();
 }
 
-ReadResult ParseNorvelaneNVDFile(ReadContext &ctx) {
+ReadResult parseNorvelaneNVDFile(ReadContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),
                    [&ctx] {
                        const Bytes bytes = ctx.evidence.whole(ctx.file.fullPath);

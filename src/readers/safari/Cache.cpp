@@ -212,7 +212,7 @@ class CacheReading {
 
 } // namespace
 
-ReadResult ParseSafariCacheFile(ReadContext &ctx) {
+ReadResult parseSafariCacheFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         return CacheReading(ctx, database).read();
     });
@@ -232,7 +232,7 @@ bool fetchSafariBody(const UrlRecord &record, const Evidence &evidence, BodyTarg
     return true;
 }
 
-bool ExtractSafariCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
+bool extractSafariCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
                             const Extraction &ctx) {
     if (record.URLID <= UrlId::none)
         return false;
@@ -241,7 +241,7 @@ bool ExtractSafariCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
         return false;
     return succeeds(ctx.log, Severity::Warning, kExtract, kContactSupport, [&record] {
         const Bytes head = ScratchFile(record.RunTimeTempFilePath).read(0, limits::kHeadBytes);
-        if (const std::string extension = GetExtBySignature(ByteView(head)); !extension.empty())
+        if (const std::string extension = getExtBySignature(ByteView(head)); !extension.empty())
             record.CacheFileExt = extension;
     });
 }

@@ -3,7 +3,7 @@
 namespace nv {
 
 /// Not "complete": a file without findings would be taken for one without cookies.
-ReadResult ParseSafariCookiesFile(ReadContext &) {
+ReadResult parseSafariCookiesFile(ReadContext &) {
     return {ReadState::notReadYet, "cookies of Safari are found and listed, but not read", 0, {}};
 }
 

@@ -5,6 +5,6 @@
 namespace nv {
 
 /// The file "Cookies.plist" of Safari. Nothing is read of it: the result says so.
-ReadResult ParseSafariCookiesFile(ReadContext &ctx);
+ReadResult parseSafariCookiesFile(ReadContext &ctx);
 
 } // namespace nv

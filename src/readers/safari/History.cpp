@@ -54,7 +54,7 @@ std::int16_t visitCountIn(const std::string &text) {
 }
 
 /// Seconds as they stand, and the date of them. What is no number gives no date.
-void takeLastVisited(plistURL &entry, const std::string &text) {
+void takeLastVisited(HistoryEntry &entry, const std::string &text) {
     entry.lastVisitedDateUnix = numberIn<double>(text);
     if (entry.lastVisitedDateUnix)
         entry.lastVisitedDate = secondsToDate2001(*entry.lastVisitedDateUnix);
@@ -100,8 +100,8 @@ class HistoryReading {
         return static_cast<std::uint64_t>(std::max<std::ptrdiff_t>(dict.offset_debug(), 0));
     }
 
-    plistURL entryOf(pugi::xml_node dict) {
-        plistURL entry;
+    HistoryEntry entryOf(pugi::xml_node dict) {
+        HistoryEntry entry;
         entry.place = placeOf(dict);
         eachValue(dict, [&](std::string_view key, pugi::xml_node value) {
             takeValue(entry, key, value);
@@ -109,14 +109,14 @@ class HistoryReading {
         return entry;
     }
 
-    void takeValue(plistURL &entry, std::string_view key, pugi::xml_node value) {
+    void takeValue(HistoryEntry &entry, std::string_view key, pugi::xml_node value) {
         const std::string text = nv::textOf(value);
         if (key.empty())
-            entry.URLValue = text;
+            entry.urlValue = text;
         else if (key == "title")
-            entry.WebpageTitle = text;
+            entry.webpageTitle = text;
         else if (key == "visitCount" && !text.empty())
-            entry.VisitCount = visitCountIn(text);
+            entry.visitCount = visitCountIn(text);
         else if (key == "redirectURLs")
             pass("addresses that led on to a page are not stored", countOfElements(value));
         else if (key == "lastVisitedDate" && !text.empty()) {
@@ -135,7 +135,7 @@ class HistoryReading {
     bool saveAll() {
         const Date fileCreated = m_ctx.evidence.factsOf(m_ctx.file.fullPath).created;
         double saved = 0;
-        for (const plistURL &entry : m_entries) {
+        for (const HistoryEntry &entry : m_entries) {
             if (!m_ctx.task.advance(saved++ / static_cast<double>(m_entries.count())))
                 return false;
             m_trap.attempt(entry.place, [&] { save(entry, fileCreated); });
@@ -144,13 +144,13 @@ class HistoryReading {
     }
 
     /// The URL is taken as it stands, coded characters and all.
-    void save(const plistURL &entry, Date fileCreated) {
+    void save(const HistoryEntry &entry, Date fileCreated) {
         UrlRecord record = historyRecord(m_ctx, {}, kSafariHistory.word, fileCreated);
-        record.URLRawValue = entry.URLValue;
-        setUrl(record, entry.URLValue);
+        record.URLRawValue = entry.urlValue;
+        setUrl(record, entry.urlValue);
         record.ActionDateUTC = entry.lastVisitedDate;
-        record.WebpageTitle = entry.WebpageTitle;
-        record.Visits = entry.VisitCount;
+        record.WebpageTitle = entry.webpageTitle;
+        record.Visits = entry.visitCount;
         m_ctx.sink.save(record);
     }
 
@@ -162,7 +162,7 @@ class HistoryReading {
     ReadContext &m_ctx;
     const PropertyList &m_list;
     RecordTrap m_trap;
-    plistURLs m_entries;
+    HistoryEntries m_entries;
     ReadResult m_result;
 };
 
@@ -185,7 +185,7 @@ ReadResult readHistory(ReadContext &ctx) {
 
 } // namespace
 
-ReadResult ParseSafariHistoryFile(ReadContext &ctx) {
+ReadResult parseSafariHistoryFile(ReadContext &ctx) {
     ctx.task.describe(
         {"PARSING SAFARI HISTORY FILE", "Safari", textOf(ctx.file.fullPath), "safari-32.png"});
     KeptMessage failure;

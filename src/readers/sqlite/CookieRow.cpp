@@ -28,7 +28,7 @@ UrlRecord cookieRecord(const ReadContext &ctx, const CookieRow &row, std::string
     record.SourceFile_ID = ctx.file.sourceFileID;
     record.URLRawValue = withoutLeadingPoint(row.host);
     record.host = record.URLRawValue;
-    record.URL = percentDecode(ParseURLFromRawURL(record.URLRawValue));
+    record.URL = percentDecode(parseURLFromRawURL(record.URLRawValue));
     record.HashedURL = hashOfUrl(record.URL);
     record.RecordSize = charCount(record.URL);
     record.RootPath = ctx.evidence.rootOf(ctx.file.fullPath);

@@ -28,7 +28,7 @@ UrlRecord historyRecord(const ReadContext &ctx, const HistoryRow &row, std::stri
     record.SourceFile_ID = ctx.file.sourceFileID;
     record.Reference_ID = row.id;
     record.URLRawValue = row.url;
-    setUrl(record, percentDecode(ParseURLFromRawURL(row.url)));
+    setUrl(record, percentDecode(parseURLFromRawURL(row.url)));
     record.RootPath = ctx.evidence.rootOf(ctx.file.fullPath);
     record.cacheType = cacheType;
     record.CacheFileCreatedGMTDOS = fileCreated;
@@ -45,9 +45,9 @@ void setUrl(UrlRecord &record, std::string url) {
     record.URL = std::move(url);
     record.URLFileName = getFilenameFromPath(record.URL);
     record.HashedURL = hashOfUrl(record.URL);
-    record.host = ParseHost(record.URL);
+    record.host = parseHost(record.URL);
     record.RecordSize = charCount(record.URL);
-    record.URLProtocol = GetURLProtocol(record.URL);
+    record.URLProtocol = getURLProtocol(record.URL);
     if (!record.URL.starts_with('?')) // with nothing before it, it begins no parameters
         record.URLParameters = parametersOf(record.URL);
 }

@@ -17,10 +17,10 @@ struct RecordReader {
     ReadResult (*bytes)(ReadContext &, ByteView);
     ReadResult (*file)(ReadContext &);
 };
-inline constexpr RecordReader kIndexReader = {readIEIndex, ParseIECacheFile};
-inline constexpr RecordReader kCookiesReader = {readIECookies, ParseIECookies};
-inline constexpr RecordReader kHistExReader = {readHistEx, ParseHistExFile};
-inline constexpr RecordReader kNvdReader = {readNvd, ParseNorvelaneNVDFile};
+inline constexpr RecordReader kIndexReader = {readIEIndex, parseIECacheFile};
+inline constexpr RecordReader kCookiesReader = {readIECookies, parseIECookies};
+inline constexpr RecordReader kHistExReader = {readHistEx, parseHistExFile};
+inline constexpr RecordReader kNvdReader = {readNvd, parseNorvelaneNVDFile};
 
 /// One reading of an index, or of another file that holds its records, with all that it says.
 struct IndexReading {

@@ -52,7 +52,7 @@ NetAnalysisCase &NetAnalysisCase::add(const NetAnalysisEvent &event) {
         {++m_events, textOrNull(event.Type), orNull(event.LastVisited), orNull(event.SecondaryDate),
          textOrNull(event.User), orNull(event.Hits), textOrNull(event.InternetHistory),
          textOrNull(event.Hostname), textOrNull(event.URLFileName), event.FileExists,
-         orNull(event.FileOffset), textOrNull(event.HistoryVersion), textOrNull(event.ContentData),
+         orNull(event.fileOffset), textOrNull(event.HistoryVersion), textOrNull(event.ContentData),
          textOrNull(event.Comment), textOrNull(event.Status), textOrNull(event.SearchCriteria)},
         event.place);
     return *this;

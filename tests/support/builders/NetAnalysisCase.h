@@ -20,7 +20,7 @@ struct NetAnalysisEvent {
     std::string Hostname = {};
     std::string URLFileName = {};
     bool FileExists = false;
-    std::optional<std::int32_t> FileOffset = {};
+    std::optional<std::int32_t> fileOffset = {};
     std::string HistoryVersion = {};
     std::string ContentData = {};
     std::string Comment = {};

@@ -29,7 +29,7 @@ struct ChromeCacheReading {
         const Evidence evidence(base);
         ContentProbe content;
         ReadContext ctx{file, evidence, content, clock, {}, sink, log, watcher};
-        result = ParseChromeCache(ctx);
+        result = parseChromeCache(ctx);
         return *this;
     }
     ChromeCacheReading &read(const std::filesystem::path &index,

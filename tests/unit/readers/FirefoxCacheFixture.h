@@ -31,13 +31,13 @@ class FirefoxCacheFixture : public testing::Test {
         ContentProbe content;
         const Evidence evidence(base);
         ReadContext ctx{file, evidence, content, clock, folder.path(), sink, log, watcher};
-        result = ParseFirefoxCache(ctx);
+        result = parseFirefoxCache(ctx);
     }
 
     /// The body of the record, or a word that says why there is none.
     std::string bodyOf(UrlRecord &record, std::string_view suffix = {}) {
         const Evidence evidence(base);
-        if (!ExtractFirefoxCacheFile(record, suffix, {evidence, scratch.path(), log}))
+        if (!extractFirefoxCacheFile(record, suffix, {evidence, scratch.path(), log}))
             return "(none)";
         const Bytes bytes = readWhole(record.RunTimeTempFilePath);
         return std::string(ByteView(bytes).raw());

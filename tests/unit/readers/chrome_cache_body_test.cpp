@@ -18,7 +18,7 @@ struct ChromeCacheBody : test::ChromeCacheTest {
 
     bool extractBelow(const fs::path &base, std::string_view suffix) {
         const Evidence evidence(base);
-        return ExtractChromeCacheFile(record, suffix, {evidence, scratch.path(), log});
+        return extractChromeCacheFile(record, suffix, {evidence, scratch.path(), log});
     }
     bool extract(std::string_view suffix = "") { return extractBelow(disk.path(), suffix); }
     void add(const std::string &body) {
@@ -168,7 +168,7 @@ TEST_F(ChromeCacheBody, isNotSoughtOutsideOfTheFolder) {
 TEST_F(ChromeCacheBody, isFetchedThroughTheRegistry) {
     const Reader *reader = readerByKey("chrome-cache");
     ASSERT_NE(reader, nullptr);
-    EXPECT_EQ(reader->read, &ParseChromeCache);
+    EXPECT_EQ(reader->read, &parseChromeCache);
     EXPECT_EQ(reader->fetch, &fetchChromeBody);
     add("the body");
     record.cacheType = "CHROME CACHE";

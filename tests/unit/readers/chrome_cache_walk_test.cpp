@@ -1,5 +1,5 @@
 #include "base/Files.h"
-#include "readers/chrome/CacheClass.h"
+#include "readers/chrome/BlockCache.h"
 #include "time/DateFormat.h"
 #include "unit/readers/ChromeCacheFixture.h"
 
@@ -155,7 +155,7 @@ struct ChromeCacheClassTest : test::ChromeCacheTest {
     Unwatched task;
     std::optional<Evidence> evidence;
 
-    ChromeCacheClass opened() {
+    ChromeBlockCache opened() {
         return {cache.write(folder()), evidence.emplace(disk.path()), log, task};
     }
 };
@@ -163,58 +163,58 @@ struct ChromeCacheClassTest : test::ChromeCacheTest {
 TEST_F(ChromeCacheClassTest, keepsItsEntriesWhenAskedTo) {
     const auto place = cache.add(entry("http://one/", "the body"));
     cache.add(entry("http://two/"));
-    ChromeCacheClass reader = opened();
-    EXPECT_EQ(reader.ReadCache().state, ReadState::complete);
-    EXPECT_EQ(reader.ReadCache().state, ReadState::complete); // empties them first
-    ASSERT_EQ(reader.Entries.count(), 2U);
-    const ChromeEntryClass &first = reader.Entries.item(1);
+    ChromeBlockCache reader = opened();
+    EXPECT_EQ(reader.readCache().state, ReadState::complete);
+    EXPECT_EQ(reader.readCache().state, ReadState::complete); // empties them first
+    ASSERT_EQ(reader.entries.count(), 2U);
+    const ChromeEntry &first = reader.entries.item(1);
     EXPECT_EQ(first.keyURL, "http://one/");
-    EXPECT_EQ(first.AddressMap.Address, place.entry);
-    EXPECT_EQ(first.MapFileOffset, test::ChromeCache::offsetOf(place.entry));
-    ASSERT_TRUE(first.HeaderObject);
-    ASSERT_TRUE(first.RankingObject);
-    EXPECT_EQ(isoUtc(first.HeaderObject->LastModifiedTime), "2011-06-15T12:01:00Z");
-    EXPECT_EQ(isoUtc(first.RankingObject->LastModifiedTime), "2011-06-15T12:01:01Z");
-    EXPECT_FALSE(first.ContentObject);
-    EXPECT_EQ(reader.IndexInfo.AddressCount, 32U);
-    EXPECT_EQ(reader.IndexInfo.EntryCount, 2U);
-    EXPECT_EQ(reader.CacheError, "");
-    EXPECT_FALSE(reader.Reading);
+    EXPECT_EQ(first.addressMap.address, place.entry);
+    EXPECT_EQ(first.mapFileOffset, test::ChromeCache::offsetOf(place.entry));
+    ASSERT_TRUE(first.headerObject);
+    ASSERT_TRUE(first.rankingObject);
+    EXPECT_EQ(isoUtc(first.headerObject->lastModifiedTime), "2011-06-15T12:01:00Z");
+    EXPECT_EQ(isoUtc(first.rankingObject->lastModifiedTime), "2011-06-15T12:01:01Z");
+    EXPECT_FALSE(first.contentObject);
+    EXPECT_EQ(reader.indexInfo.addressCount, 32U);
+    EXPECT_EQ(reader.indexInfo.entryCount, 2U);
+    EXPECT_EQ(reader.cacheError, "");
+    EXPECT_FALSE(reader.isReading);
 }
 
 TEST_F(ChromeCacheClassTest, readsBodiesWhenAskedTo) {
     cache.add(entry("http://one/", "the body"));
     cache.add(entry("http://two/", std::string(20000, 'x')));
-    ChromeCacheClass reader = opened();
-    reader.ReadCache();
-    for (ChromeEntryClass &found : reader.Entries)
-        found.ContentObject = reader.GetContentObject(found.ContentAddressMap, found.ContentSize);
-    const Bytes &inBlocks = reader.Entries.item(1).ContentObject->blob;
+    ChromeBlockCache reader = opened();
+    reader.readCache();
+    for (ChromeEntry &found : reader.entries)
+        found.contentObject = reader.getContentObject(found.contentAddressMap, found.contentSize);
+    const Bytes &inBlocks = reader.entries.item(1).contentObject->blob;
     EXPECT_EQ(std::string(inBlocks.begin(), inBlocks.end()), "the body");
-    EXPECT_EQ(reader.Entries.item(2).ContentObject->blob, Bytes(20000, 'x'));
-    EXPECT_FALSE(reader.GetContentObject({}, 10));
-    const auto separate = *ChromeCacheClass::GetAddressMap(0x8000'0077);
-    EXPECT_FALSE(reader.GetContentObject(separate, 10));
+    EXPECT_EQ(reader.entries.item(2).contentObject->blob, Bytes(20000, 'x'));
+    EXPECT_FALSE(reader.getContentObject({}, 10));
+    const auto separate = *ChromeBlockCache::getAddressMap(0x8000'0077);
+    EXPECT_FALSE(reader.getContentObject(separate, 10));
 }
 
 TEST_F(ChromeCacheClassTest, readsOfABodyWhatIsThere) {
     cache.add(entry("http://one/", "the body"));
-    ChromeCacheClass reader = opened();
-    reader.ReadCache();
-    const auto body = reader.GetContentObject(reader.Entries.item(1).ContentAddressMap, 1ULL << 32);
+    ChromeBlockCache reader = opened();
+    reader.readCache();
+    const auto body = reader.getContentObject(reader.entries.item(1).contentAddressMap, 1ULL << 32);
     ASSERT_TRUE(body);
     EXPECT_EQ(body->blob.size(), 512U); // its block and that of the entry after it
 }
 
 TEST_F(ChromeCacheClassTest, givesNothingForAddressesThatNameNoBlock) {
-    ChromeCacheClass reader = opened();
-    EXPECT_FALSE(ChromeCacheClass::GetAddressMap(0));
+    ChromeBlockCache reader = opened();
+    EXPECT_FALSE(ChromeBlockCache::getAddressMap(0));
     for (const std::uint32_t word : Words{0x8000'0000, 0xD001'0000, 0xA001'0005, 0xA009'0000}) {
-        const auto map = ChromeCacheClass::GetAddressMap(word);
+        const auto map = ChromeBlockCache::getAddressMap(word);
         ASSERT_TRUE(map);
-        EXPECT_FALSE(reader.GetEntry(*map));
-        EXPECT_FALSE(reader.GetHeaderObject(*map));
-        EXPECT_FALSE(reader.GetRankingObject(*map));
+        EXPECT_FALSE(reader.getEntry(*map));
+        EXPECT_FALSE(reader.getHeaderObject(*map));
+        EXPECT_FALSE(reader.getRankingObject(*map));
     }
     ASSERT_THAT(log.entries, SizeIs(1)); // of data_9, once
     EXPECT_THAT(log.entries[0].message, HasSubstr("data_9: the block file is missing"));
@@ -222,26 +222,26 @@ TEST_F(ChromeCacheClassTest, givesNothingForAddressesThatNameNoBlock) {
 
 TEST_F(ChromeCacheClassTest, isNotReadTwiceAtOnce) {
     cache.add(entry("http://one/"));
-    ChromeCacheClass reader = opened();
+    ChromeBlockCache reader = opened();
     ReadResult second;
-    const ReadResult first = reader.ReadCache([&](const ChromeEntryClass &) {
-        EXPECT_TRUE(reader.Reading);
-        second = reader.ReadCache();
-        EXPECT_TRUE(reader.Reading);
+    const ReadResult first = reader.readCache([&](const ChromeEntry &) {
+        EXPECT_TRUE(reader.isReading);
+        second = reader.readCache();
+        EXPECT_TRUE(reader.isReading);
     });
     EXPECT_EQ(first.state, ReadState::complete);
     EXPECT_EQ(second.state, ReadState::failed);
-    EXPECT_FALSE(reader.Reading);
+    EXPECT_FALSE(reader.isReading);
 }
 
 TEST_F(ChromeCacheClassTest, stopsWhenReadingIsClearedFromOutside) {
     cache.add(entry("http://one/"));
     cache.add(entry("http://two/"));
-    ChromeCacheClass reader = opened();
+    ChromeBlockCache reader = opened();
     int taken = 0;
-    const ReadResult result = reader.ReadCache([&](const ChromeEntryClass &) {
+    const ReadResult result = reader.readCache([&](const ChromeEntry &) {
         ++taken;
-        reader.Reading = false;
+        reader.isReading = false;
     });
     EXPECT_EQ(result.state, ReadState::cancelled);
     EXPECT_EQ(taken, 1);

@@ -26,7 +26,7 @@ class ChromeHistoryReader : public testing::Test {
     std::filesystem::path file() const { return folder.path() / "Default" / "History"; }
     test::SqliteHistoryReading &read() {
         m_history.reset();
-        return reading.read(ParseChromeHistoryFile, file());
+        return reading.read(parseChromeHistoryFile, file());
     }
     const UrlRecord &only() {
         read();
@@ -62,7 +62,7 @@ TEST_F(ChromeHistoryReader, aRecordThatCantBeTakenIsCountedAndNotOnlyLogged) {
     RefusingSink sink;
     ReadContext context{artefact, evidence,    content,      reading.clock, reading.scratch.path(),
                         sink,     reading.log, reading.task, false};
-    const ReadResult result = ParseChromeHistoryFile(context);
+    const ReadResult result = parseChromeHistoryFile(context);
     EXPECT_EQ(sink.saved, 2);
     EXPECT_EQ(result.passedOver.at("damaged record"), 1u);
 }
@@ -167,7 +167,7 @@ TEST_F(ChromeHistoryReader, readsEveryVersionOfTheTables) {
         test::addExamplePages(made);
         made.close();
         test::SqliteHistoryReading each;
-        each.read(ParseChromeHistoryFile, file());
+        each.read(parseChromeHistoryFile, file());
         EXPECT_EQ(each.records().size(), 3U);
         EXPECT_TRUE(each.log.entries.empty());
     }
@@ -250,7 +250,7 @@ TEST_F(ChromeHistoryReader, goesOnAfterARecordThatCanNotBeSaved) {
     ContentProbe content;
     ReadContext context{described, evidence,    content,     reading.clock, reading.scratch.path(),
                         sink,      reading.log, reading.task};
-    EXPECT_EQ(ParseChromeHistoryFile(context).state, ReadState::complete);
+    EXPECT_EQ(parseChromeHistoryFile(context).state, ReadState::complete);
     EXPECT_EQ(sink.kept, (std::vector<std::int64_t>{1, 3}));
     ASSERT_EQ(reading.log.entries.size(), 1U);
     EXPECT_EQ(reading.log.entries[0].message, textOf(file()) + ": record at 2: not this one");
@@ -261,7 +261,7 @@ TEST_F(ChromeHistoryReader, stopsWhenCancelledAndKeepsWhatIsSaved) {
     test::addExamplePages(history());
     history().close();
     test::CancelAfter cancel(2);
-    reading.read(ParseChromeHistoryFile, file(), cancel);
+    reading.read(parseChromeHistoryFile, file(), cancel);
     EXPECT_EQ(reading.result.state, ReadState::cancelled);
     EXPECT_EQ(reading.records().size(), 2U);
     EXPECT_TRUE(reading.log.entries.empty());

@@ -15,15 +15,15 @@ ContentFacts factsOf(const std::string &bytes) {
 }
 
 TEST(GetExtBySignature, knowsItsSignaturesAndNoOthers) {
-    EXPECT_EQ(GetExtBySignature(viewOf("GIF89a..")), "gif");
-    EXPECT_EQ(GetExtBySignature(viewOf("GIF87a..")), "");
-    EXPECT_EQ(GetExtBySignature(viewOf("\xFF\xD8\xFF\xE0")), "jpg");
-    EXPECT_EQ(GetExtBySignature(viewOf("\xFF\xD8\xFF\xE1")), "");
-    EXPECT_EQ(GetExtBySignature(viewOf("BM")), "bmp");
-    EXPECT_EQ(GetExtBySignature(viewOf("\0\0\1\0\2\0  \x10"s)), "ico");
-    EXPECT_EQ(GetExtBySignature(viewOf("\0\1\0\0Standard Jet DB"s)), "mdb");
-    EXPECT_EQ(GetExtBySignature(viewOf("B")), "");
-    EXPECT_EQ(GetExtBySignature(viewOf("")), "");
+    EXPECT_EQ(getExtBySignature(viewOf("GIF89a..")), "gif");
+    EXPECT_EQ(getExtBySignature(viewOf("GIF87a..")), "");
+    EXPECT_EQ(getExtBySignature(viewOf("\xFF\xD8\xFF\xE0")), "jpg");
+    EXPECT_EQ(getExtBySignature(viewOf("\xFF\xD8\xFF\xE1")), "");
+    EXPECT_EQ(getExtBySignature(viewOf("BM")), "bmp");
+    EXPECT_EQ(getExtBySignature(viewOf("\0\0\1\0\2\0  \x10"s)), "ico");
+    EXPECT_EQ(getExtBySignature(viewOf("\0\1\0\0Standard Jet DB"s)), "mdb");
+    EXPECT_EQ(getExtBySignature(viewOf("B")), "");
+    EXPECT_EQ(getExtBySignature(viewOf("")), "");
 }
 
 TEST(ContentProbe, findsTheTagsInEitherCase) {

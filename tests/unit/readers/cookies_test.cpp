@@ -18,11 +18,11 @@ constexpr std::int64_t kNow = 1308139200; // 2011-06-15 12:00, where the test's 
 struct CookiesTest : testing::Test {
     const UrlRecord &chromeRecord(const test::Cookie &cookie) {
         test::ChromeCookies(folder.path() / "Cookies").add(cookie);
-        return reading.read(ParseChromeCookiesFile, folder.path() / "Cookies").records().at(0);
+        return reading.read(parseChromeCookiesFile, folder.path() / "Cookies").records().at(0);
     }
     const UrlRecord &firefoxRecord(const test::Cookie &cookie) {
         test::FirefoxCookies(folder.path() / "cookies.sqlite").add(cookie);
-        return reading.read(ParseFirefoxCookiesFile, folder.path() / "cookies.sqlite")
+        return reading.read(parseFirefoxCookiesFile, folder.path() / "cookies.sqlite")
             .records()
             .at(0);
     }
@@ -77,7 +77,7 @@ TEST_F(CookiesTest, encryptedValuesAreNotedByTheirPrefix) {
         file.add({.value = "", .creation = ++creation, .encrypted = encrypted});
     file.add({.value = "plain", .creation = ++creation, .encrypted = "v10abc"});
     file.close();
-    reading.read(ParseChromeCookiesFile, file.path());
+    reading.read(parseChromeCookiesFile, file.path());
     EXPECT_EQ(reading.records().size(), 8U);
     EXPECT_EQ(reading.result.noted, (std::map<std::string, std::uint64_t>{
                                         {"encrypted value with the prefix \"v10\", not shown", 2},
@@ -109,7 +109,7 @@ TEST_F(CookiesTest, valuesOfTheWrongKindAreReadAsWhatTheyCanBe) {
     file.run("INSERT INTO moz_cookies(host, name, value, expiry, lastAccessed) VALUES "
              "(NULL, 7, x'E9', 'soon', 1308139200.9)");
     file.close();
-    const UrlRecord r = reading.read(ParseFirefoxCookiesFile, file.path()).records().at(0);
+    const UrlRecord r = reading.read(parseFirefoxCookiesFile, file.path()).records().at(0);
     EXPECT_EQ(r.URL, "");
     EXPECT_EQ(r.URLFileName, "7");
     EXPECT_EQ(r.MetaData, "\u00e9");
@@ -119,7 +119,7 @@ TEST_F(CookiesTest, valuesOfTheWrongKindAreReadAsWhatTheyCanBe) {
 
 TEST_F(CookiesTest, aFileWithoutTheTableFails) {
     test::ChromeCookies(folder.path() / "Cookies").run("ALTER TABLE cookies RENAME TO other");
-    reading.read(ParseChromeCookiesFile, folder.path() / "Cookies");
+    reading.read(parseChromeCookiesFile, folder.path() / "Cookies");
     EXPECT_EQ(reading.result.state, ReadState::failed);
     ASSERT_EQ(reading.log.entries.size(), 1U);
     EXPECT_EQ(reading.log.entries[0].procedure, "ParserClass.ParseChromeCookiesFile()");
@@ -132,7 +132,7 @@ TEST_F(CookiesTest, cancellingKeepsTheRowsSoFar) {
         file.add({});
     file.close();
     test::CancelAfter task(5);
-    reading.read(ParseFirefoxCookiesFile, file.path(), task);
+    reading.read(parseFirefoxCookiesFile, file.path(), task);
     EXPECT_EQ(reading.result.state, ReadState::cancelled);
     EXPECT_LT(reading.records().size(), 20U);
 }

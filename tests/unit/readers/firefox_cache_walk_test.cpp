@@ -27,46 +27,46 @@ class FirefoxCacheWalk : public test::FirefoxCacheFixture {
 };
 
 TEST(MozillaCacheBits, workOnWordsOf32BitsHeldIn64) {
-    using Cache = mzMozillaCache;
-    EXPECT_EQ(Cache::AndLong(0xF0F0F0F0, 0x80000000), 0x80000000);
-    EXPECT_EQ(Cache::AndLong(-1, 0xFFFFFFFF), 0xFFFFFFFF);
-    EXPECT_EQ(Cache::AndLong(0x1FFFFFFFF, 0x100000001), 1);
-    EXPECT_EQ(Cache::LShiftLong(0x100, 4), 0x1000);
-    EXPECT_EQ(Cache::LShiftLong(0x100, -2), 64);
-    EXPECT_EQ(Cache::LShiftLong(0xFFFFFFFF, 8), 0xFFFFFFFF00);
-    EXPECT_EQ(Cache::RShiftLong(0xB0000000, 28), 11);
-    EXPECT_EQ(Cache::RShiftLong(-5, 1), -3);
-    EXPECT_EQ(Cache::RShiftLong(-1, 200), -1);
-    EXPECT_EQ(Cache::RShiftLongClrNeg(0x80000000, 31), 1);
-    EXPECT_EQ(Cache::RShiftLongClrNeg(-1, 28), 15);
-    EXPECT_EQ(Cache::RShiftLongClrNeg(-1, 31), 1);
-    EXPECT_EQ(Cache::RShiftLongClrNeg(-2147483647 - 1, 0), 0x80000000);
-    EXPECT_EQ(Cache::RShiftLongClrNeg(-1, 32), 0);
+    using Cache = MozillaCache;
+    EXPECT_EQ(Cache::andLong(0xF0F0F0F0, 0x80000000), 0x80000000);
+    EXPECT_EQ(Cache::andLong(-1, 0xFFFFFFFF), 0xFFFFFFFF);
+    EXPECT_EQ(Cache::andLong(0x1FFFFFFFF, 0x100000001), 1);
+    EXPECT_EQ(Cache::lShiftLong(0x100, 4), 0x1000);
+    EXPECT_EQ(Cache::lShiftLong(0x100, -2), 64);
+    EXPECT_EQ(Cache::lShiftLong(0xFFFFFFFF, 8), 0xFFFFFFFF00);
+    EXPECT_EQ(Cache::rShiftLong(0xB0000000, 28), 11);
+    EXPECT_EQ(Cache::rShiftLong(-5, 1), -3);
+    EXPECT_EQ(Cache::rShiftLong(-1, 200), -1);
+    EXPECT_EQ(Cache::rShiftLongClrNeg(0x80000000, 31), 1);
+    EXPECT_EQ(Cache::rShiftLongClrNeg(-1, 28), 15);
+    EXPECT_EQ(Cache::rShiftLongClrNeg(-1, 31), 1);
+    EXPECT_EQ(Cache::rShiftLongClrNeg(-2147483647 - 1, 0), 0x80000000);
+    EXPECT_EQ(Cache::rShiftLongClrNeg(-1, 32), 0);
 }
 
 TEST_F(FirefoxCacheWalk, takesLocationsApart) {
-    mzBucket bucket;
-    EXPECT_FALSE(mzMozillaCache::GetBucketData(bucket));
-    bucket.DataLocation = 0x73000060;
-    EXPECT_FALSE(mzMozillaCache::GetBucketData(bucket)); // the bit of a valid location is missing
-    bucket.DataLocation = 0xB3FFFFFF;
-    const auto info = mzMozillaCache::GetBucketData(bucket);
+    CacheBucket bucket;
+    EXPECT_FALSE(MozillaCache::getBucketData(bucket));
+    bucket.dataLocation = 0x73000060;
+    EXPECT_FALSE(MozillaCache::getBucketData(bucket)); // the bit of a valid location is missing
+    bucket.dataLocation = 0xB3FFFFFF;
+    const auto info = MozillaCache::getBucketData(bucket);
     ASSERT_TRUE(info);
-    EXPECT_EQ(info->CacheBlockFileNumber, 3);
-    EXPECT_EQ(info->NumContBlocks, 3);
-    EXPECT_EQ(info->StartBlock, 0xFFFFFF);
-    EXPECT_EQ(info->BlockSize, 4096);
-    const mzRecordData data = mzMozillaCache::GetRecordData(*info);
-    EXPECT_EQ(data.FileOffsetBOF, 0x1000 + 0xFFFFFFll * 4096);
-    EXPECT_EQ(data.FileOffsetEOF, data.FileOffsetBOF + 3 * 4096);
+    EXPECT_EQ(info->cacheBlockFileNumber, 3);
+    EXPECT_EQ(info->numContBlocks, 3);
+    EXPECT_EQ(info->startBlock, 0xFFFFFF);
+    EXPECT_EQ(info->blockSize, 4096);
+    const CacheRecordData data = MozillaCache::getRecordData(*info);
+    EXPECT_EQ(data.fileOffsetBOF, 0x1000 + 0xFFFFFFll * 4096);
+    EXPECT_EQ(data.fileOffsetEOF, data.fileOffsetBOF + 3 * 4096);
 }
 
 TEST_F(FirefoxCacheWalk, readsBytesAndWordsOfAnOpenFile) {
     const EvidenceFile words = Evidence({}).open(folder.write("words", "\x80\x00\x01\x0B\xFF"s));
-    EXPECT_EQ(mzMozillaCache::GetNextByte(4, words), 0xFF);
-    EXPECT_EQ(mzMozillaCache::GetNextDWord(0, words), 0x8000010B);
-    EXPECT_EQ(mzMozillaCache::GetNextDWordAsHex(0, words), "8000010B");
-    EXPECT_THROW(mzMozillaCache::GetNextDWord(2, words), OutOfBytes);
+    EXPECT_EQ(MozillaCache::getNextByte(4, words), 0xFF);
+    EXPECT_EQ(MozillaCache::getNextDWord(0, words), 0x8000010B);
+    EXPECT_EQ(MozillaCache::getNextDWordAsHex(0, words), "8000010B");
+    EXPECT_THROW(MozillaCache::getNextDWord(2, words), OutOfBytes);
 }
 
 TEST_F(FirefoxCacheWalk, readsBothVersionsInTheOrderOfTheMap) {
@@ -218,35 +218,35 @@ TEST_F(FirefoxCacheWalk, endsWhenCancelledAndKeepsWhatIsStored) {
 TEST_F(FirefoxCacheWalk, keepsNoMetadataInItsCollection) {
     const auto map = cacheOf(2).writeTo(folder.path() / "Cache");
     const Evidence evidence(base);
-    mzMozillaCache cache(log);
-    ASSERT_TRUE(OpenFirefoxCache(cache, map, evidence, log));
-    EXPECT_TRUE(cache.OpenCache);
-    ASSERT_TRUE(cache.ReadCache(file, task, result));
-    ASSERT_EQ(cache.CacheRecords.count(), 2u);
-    const mzCacheRecord &record = cache.CacheRecords.item(2);
-    EXPECT_EQ(record.Bucket.HashNumberAsHex, "A1000002");
-    EXPECT_EQ(record.Bucket.HashNumber, 0xA1000002);
-    EXPECT_EQ(record.Bucket.evictionRank, 0x7FFFFFFD);
-    EXPECT_EQ(record.header.RecordCount, 16);
-    EXPECT_EQ(record.header.EntryCount, 2);
-    EXPECT_FALSE(record.RecordMetaData);
-    const auto metaData = cache.GetRecordMetaData(record.BucketMetaData);
+    MozillaCache cache(log);
+    ASSERT_TRUE(openFirefoxCache(cache, map, evidence, log));
+    EXPECT_TRUE(cache.openCache);
+    ASSERT_TRUE(cache.readCache(file, task, result));
+    ASSERT_EQ(cache.cacheRecords.count(), 2u);
+    const CacheRecord &record = cache.cacheRecords.item(2);
+    EXPECT_EQ(record.bucket.hashNumberAsHex, "A1000002");
+    EXPECT_EQ(record.bucket.hashNumber, 0xA1000002);
+    EXPECT_EQ(record.bucket.evictionRank, 0x7FFFFFFD);
+    EXPECT_EQ(record.header.recordCount, 16);
+    EXPECT_EQ(record.header.entryCount, 2);
+    EXPECT_FALSE(record.recordMetaData);
+    const auto metaData = cache.getRecordMetaData(record.bucketMetaData);
     ASSERT_TRUE(metaData);
-    EXPECT_EQ(metaData->ExpirationTime, Date::fromCivil({2106, 2, 7, 6, 28, 15}));
-    EXPECT_EQ(metaData->MetaLocation, record.Bucket.MetaDataLocation);
-    EXPECT_EQ(cache.GetFileHandle(0), nullptr);
-    EXPECT_EQ(cache.GetFileHandle(4), nullptr);
+    EXPECT_EQ(metaData->expirationTime, Date::fromCivil({2106, 2, 7, 6, 28, 15}));
+    EXPECT_EQ(metaData->metaLocation, record.bucket.metaDataLocation);
+    EXPECT_EQ(cache.getFileHandle(0), nullptr);
+    EXPECT_EQ(cache.getFileHandle(4), nullptr);
 }
 
 /// Tries to read the same cache anew from within a reading.
 struct ReentrantTask final : TaskMonitor {
-    mzMozillaCache *cache = nullptr;
+    MozillaCache *cache = nullptr;
     HistoryFile *file = nullptr;
     int refused = 0;
     void describe(const TaskHeading &) override {}
     bool advance(double) override {
         ReadResult none;
-        refused += cache->ReadCache(*file, *this, none) ? 0 : 1;
+        refused += cache->readCache(*file, *this, none) ? 0 : 1;
         return true;
     }
     bool wantsStep() const override { return false; }
@@ -256,22 +256,22 @@ struct ReentrantTask final : TaskMonitor {
 TEST_F(FirefoxCacheWalk, isNotBegunTwiceAtATime) {
     const auto map = cacheOf(2).writeTo(folder.path() / "Cache");
     const Evidence evidence(base);
-    mzMozillaCache cache(log);
-    ASSERT_TRUE(OpenFirefoxCache(cache, map, evidence, log));
+    MozillaCache cache(log);
+    ASSERT_TRUE(openFirefoxCache(cache, map, evidence, log));
     ReentrantTask reentrant;
     reentrant.cache = &cache;
     reentrant.file = &file;
-    EXPECT_TRUE(cache.ReadCache(file, reentrant, result));
+    EXPECT_TRUE(cache.readCache(file, reentrant, result));
     EXPECT_GT(reentrant.refused, 1);
-    EXPECT_EQ(cache.CacheRecords.count(), 2u);
-    EXPECT_FALSE(cache.Reading);
+    EXPECT_EQ(cache.cacheRecords.count(), 2u);
+    EXPECT_FALSE(cache.isReading);
 }
 
 TEST_F(FirefoxCacheWalk, isNotOpenedWithoutAMap) {
     const Evidence evidence(base);
-    mzMozillaCache cache(log);
-    EXPECT_FALSE(OpenFirefoxCache(cache, folder.path() / "_CACHE_MAP_", evidence, log));
-    EXPECT_FALSE(cache.OpenCache);
+    MozillaCache cache(log);
+    EXPECT_FALSE(openFirefoxCache(cache, folder.path() / "_CACHE_MAP_", evidence, log));
+    EXPECT_FALSE(cache.openCache);
     EXPECT_THAT(messages(), IsEmpty());
     readMap(folder.path() / "_CACHE_MAP_");
     EXPECT_EQ(result.state, ReadState::failed);

@@ -22,7 +22,7 @@ class FirefoxPlaces : public testing::Test {
     std::filesystem::path file() const { return folder.path() / "profile" / "places.sqlite"; }
     test::SqliteHistoryReading &read() {
         m_places.reset();
-        return reading.read(ParseFirefox3HistoryFile, file());
+        return reading.read(parseFirefox3HistoryFile, file());
     }
     const UrlRecord &only() {
         read();
@@ -172,7 +172,7 @@ TEST_F(FirefoxPlaces, readsEveryVersionOfTheTables) {
         test::addExamplePlaces(made);
         made.close();
         test::SqliteHistoryReading each;
-        each.read(ParseFirefox3HistoryFile, file());
+        each.read(parseFirefox3HistoryFile, file());
         EXPECT_EQ(each.records().size(), 3U);
         EXPECT_TRUE(each.log.entries.empty());
         EXPECT_EQ(each.result.state, ReadState::complete);
@@ -208,7 +208,7 @@ TEST_F(FirefoxPlaces, stopsWhenCancelled) {
     test::addExamplePlaces(places());
     places().close();
     test::CancelAfter cancel(1);
-    reading.read(ParseFirefox3HistoryFile, file(), cancel);
+    reading.read(parseFirefox3HistoryFile, file(), cancel);
     EXPECT_EQ(reading.result.state, ReadState::cancelled);
     EXPECT_EQ(reading.records().size(), 1U);
     EXPECT_TRUE(reading.log.entries.empty());
@@ -219,7 +219,7 @@ TEST_F(FirefoxPlaces, stopsAmidTheVisitsWhenCancelled) {
                  "INSERT INTO moz_historyvisits(place_id,visit_date) SELECT i,i FROM n");
     places().add({.url = "http://a/"}).close();
     test::CancelAfter cancel(1);
-    reading.read(ParseFirefox3HistoryFile, file(), cancel);
+    reading.read(parseFirefox3HistoryFile, file(), cancel);
     EXPECT_EQ(reading.result.state, ReadState::cancelled);
     EXPECT_TRUE(reading.records().empty());
 }

@@ -171,7 +171,7 @@ TEST_F(IECachedFile, thatCannotBeReadCostsNotTheRecord) {
     Unwatched task;
     ReadContext ctx{reading.file, evidence,    content, reading.clock, {},
                     reading.sink, reading.log, task,    false};
-    const ReadResult result = ParseIECacheFile(ctx);
+    const ReadResult result = parseIECacheFile(ctx);
     ASSERT_THAT(reading.records(), SizeIs(1));
     EXPECT_TRUE(reading.records()[0].CacheFileExists);
     EXPECT_EQ(reading.records()[0].Category, "");

@@ -22,7 +22,7 @@ UrlRecord parse(const std::string &bytes, DeletedFlag deleted = DeletedFlag::no,
     file.sourceFileID = SourceFileId{7};
     test::FixedClock clock;
     clock.offset = std::chrono::minutes(offsetMinutes);
-    return ParseIECookie(viewOf(bytes), file, 4711, deleted, clock);
+    return parseIECookie(viewOf(bytes), file, 4711, deleted, clock);
 }
 
 IndexRecord cookie(const std::string &text) {

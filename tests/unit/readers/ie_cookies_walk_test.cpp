@@ -146,7 +146,7 @@ TEST_F(CookiesFolder, saysSoWhenTheFileCanNotBeRead) {
     const test::FixedClock clock;
     test::MemoryLog log;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    const ReadResult result = ParseIECookies(ctx);
+    const ReadResult result = parseIECookies(ctx);
     EXPECT_EQ(result.state, ReadState::complete);
     EXPECT_THAT(result.noted, ElementsAre(Pair("cookie whose text file could not be read", 1u)));
     ASSERT_THAT(sink.records, SizeIs(2));

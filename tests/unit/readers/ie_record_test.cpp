@@ -36,7 +36,7 @@ std::optional<UrlRecord> parse(const std::string &bytes, HistoryFileType type,
     file.sourceFileID = SourceFileId{7};
     test::FixedClock clock;
     clock.offset = std::chrono::minutes(offsetMinutes);
-    return ParseIEURL(viewOf(bytes), file, 4711, folders, deleted, clock);
+    return parseIEURL(viewOf(bytes), file, 4711, folders, deleted, clock);
 }
 
 UrlRecord parsed(const test::IndexRecord &record, HistoryFileType type,

@@ -75,7 +75,7 @@ class LooseFile : public testing::Test {
 
 TEST_F(LooseFile, ofHtmlGivesOneRecord) {
     write("found pages/a%20b.htm", kPage);
-    const ReadResult result = read(ParseSimpleHTML);
+    const ReadResult result = read(parseSimpleHTML);
     EXPECT_EQ(result.state, ReadState::complete);
     ASSERT_THAT(sink.records, SizeIs(1));
     expectCommonFields("a%20b.htm", std::string_view(kPage).size());
@@ -91,7 +91,7 @@ TEST_F(LooseFile, ofHtmlGivesOneRecord) {
 TEST_F(LooseFile, ofCsvReadsNoColumns) {
     const std::string text = "URL,Visits\r\nhttp://host/,3\r\n";
     write("found pages/list.csv", text);
-    EXPECT_EQ(read(ParseCSVFile).state, ReadState::complete);
+    EXPECT_EQ(read(parseCSVFile).state, ReadState::complete);
     ASSERT_THAT(sink.records, SizeIs(1));
     expectCommonFields("list.csv", text.size());
     expectEmptyFields();
@@ -103,7 +103,7 @@ TEST_F(LooseFile, ofCsvReadsNoColumns) {
 
 TEST_F(LooseFile, ofCsvHasATitleTooWhenItHoldsOne) {
     write("found pages/list.csv", kPage);
-    read(ParseCSVFile);
+    read(parseCSVFile);
     EXPECT_EQ(record().WebpageTitle, "A caf\u00e9 page");
 }
 
@@ -112,7 +112,7 @@ TEST_F(LooseFile, hasTheDatesOfTheFileInUtc) {
     const timespec times[2] = {{1300000000, 0}, {1200000000, 0}};
     ASSERT_EQ(::utimensat(AT_FDCWD, file.fullPath.c_str(), times, 0), 0);
     clock.offset = std::chrono::minutes(120);
-    read(ParseSimpleHTML);
+    read(parseSimpleHTML);
     EXPECT_EQ(record().CacheFileLastAccessed, Date::fromUnixSeconds(1300000000));
     EXPECT_TRUE(record().CacheFileCreatedGMTDOS.has());
 }
@@ -120,7 +120,7 @@ TEST_F(LooseFile, hasTheDatesOfTheFileInUtc) {
 TEST_F(LooseFile, isFoundAgainAsTheRecordsContent) {
     for (const char *name : {"found pages/a.htm", "found pages/caf\xE9.htm"}) {
         write(name, kPage);
-        read(ParseSimpleHTML);
+        read(parseSimpleHTML);
         UrlRecord &saved = sink.records.back();
         EXPECT_EQ(contentOf(saved, {evidence, disk.path(), log}), file.fullPath);
     }
@@ -128,7 +128,7 @@ TEST_F(LooseFile, isFoundAgainAsTheRecordsContent) {
 
 TEST_F(LooseFile, thatIsEmptyIsARecordToo) {
     write("found pages/empty.html", "");
-    EXPECT_EQ(read(ParseSimpleHTML).state, ReadState::complete);
+    EXPECT_EQ(read(parseSimpleHTML).state, ReadState::complete);
     expectCommonFields("empty.html", 0);
     EXPECT_EQ(record().WebpageTitle, "");
 }
@@ -136,22 +136,22 @@ TEST_F(LooseFile, thatIsEmptyIsARecordToo) {
 TEST_F(LooseFile, outsideOfTheBaseFolderHasTheRootForADrive) {
     const test::TempFolder other;
     file.fullPath = other.write("a.htm", kPage);
-    read(ParseSimpleHTML);
+    read(parseSimpleHTML);
     EXPECT_EQ(record().RootPath, "/");
     EXPECT_EQ(record().RootPath + record().CacheFileRelativePath, file.fullPath.string());
 }
 
 TEST_F(LooseFile, leavesTheTitleOfTheTaskToTheImport) {
     write("found pages/a.htm", kPage);
-    read(ParseSimpleHTML);
+    read(parseSimpleHTML);
     EXPECT_THAT(task.headings, IsEmpty());
 }
 
 TEST_F(LooseFile, thatIsGoneIsTold) {
     file.fullPath = disk.path() / "gone.htm";
     for (const auto &[reader, procedure] :
-         {std::pair(&ParseSimpleHTML, "ParserClass.ParseSimpleHTML()"),
-          std::pair(&ParseCSVFile, "ParserClass.ParseCSVFile()")}) {
+         {std::pair(&parseSimpleHTML, "ParserClass.ParseSimpleHTML()"),
+          std::pair(&parseCSVFile, "ParserClass.ParseCSVFile()")}) {
         log.entries.clear();
         const ReadResult result = read(reader);
         EXPECT_EQ(result.state, ReadState::failed);
@@ -168,7 +168,7 @@ TEST_F(LooseFile, survivesACutAtEveryByte) {
     for (std::size_t length = 0; length <= whole.size(); ++length) {
         content.forget();
         write("found pages/a.htm", whole.substr(0, length));
-        ASSERT_EQ(read(ParseSimpleHTML).state, ReadState::complete);
+        ASSERT_EQ(read(parseSimpleHTML).state, ReadState::complete);
     }
     EXPECT_THAT(sink.records, SizeIs(whole.size() + 1));
     EXPECT_THAT(log.entries, IsEmpty());

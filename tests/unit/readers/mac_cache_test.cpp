@@ -84,18 +84,18 @@ TEST(MacCacheReader, collectsWhatAnEntrySays) {
     MacCache cache;
     const std::size_t offset = cache.add(page());
     const std::string bytes = cache.bytes();
-    macIECache reader;
+    MacCacheFile reader;
     Unwatched task;
-    reader.ReadMACIECache(viewOf(bytes), task, [](const macIEURLClass &) {});
-    ASSERT_EQ(reader.MacURLs.count(), 1U);
-    const macIEURLClass &entry = reader.MacURLs.item(1);
-    EXPECT_EQ(entry.macURLOffset, bytes.find("http://"));
-    EXPECT_EQ(entry.macBSrl, "one");
-    EXPECT_EQ(entry.macHntt, "two");
-    EXPECT_EQ(entry.macHvrs, "3");
-    EXPECT_EQ(entry.macFetchCount, 1);
-    EXPECT_EQ(entry.macRecordFileOffset, offset);
-    EXPECT_EQ(entry.macDataSize, 17U);
+    reader.readMACIECache(viewOf(bytes), task, [](const MacCacheEntry &) {});
+    ASSERT_EQ(reader.macURLs.count(), 1U);
+    const MacCacheEntry &entry = reader.macURLs.item(1);
+    EXPECT_EQ(entry.urlOffset, bytes.find("http://"));
+    EXPECT_EQ(entry.bSrl, "one");
+    EXPECT_EQ(entry.hntt, "two");
+    EXPECT_EQ(entry.hvrs, "3");
+    EXPECT_EQ(entry.fetchCount, 1);
+    EXPECT_EQ(entry.recordFileOffset, offset);
+    EXPECT_EQ(entry.dataSize, 17U);
 }
 
 TEST(MacCacheReader, keepsTheOffsetZeroOfAnEntryWithoutABody) {
@@ -284,29 +284,29 @@ TEST_F(MacBody, isNoneWithoutItsBlock) {
 }
 
 TEST(MacClock, addsTwoToThe32ToANegativeNumberAndHoldsALargeOne) {
-    EXPECT_EQ(SLong2ULong(-1), 4294967295);
-    EXPECT_EQ(SLong2ULong(0x80000000LL), 0x7FFFFFFF);
-    EXPECT_EQ(SLong2ULong(0x7FFFFFFF), 0x7FFFFFFF);
-    EXPECT_EQ(SLong2ULong(0), 0);
+    EXPECT_EQ(sLong2ULong(-1), 4294967295);
+    EXPECT_EQ(sLong2ULong(0x80000000LL), 0x7FFFFFFF);
+    EXPECT_EQ(sLong2ULong(0x7FFFFFFF), 0x7FFFFFFF);
+    EXPECT_EQ(sLong2ULong(0), 0);
 }
 
 TEST(MacClock, keepsTheFiveHoursOfItsEpoch) {
-    EXPECT_EQ(TimeStampToDate(2082862800), Date::fromCivil({1970, 1, 1}));
-    EXPECT_EQ(TimeStampToDate(2082862801), Date::fromCivil({1970, 1, 1, 0, 0, 1}));
+    EXPECT_EQ(timeStampToDate(2082862800), Date::fromCivil({1970, 1, 1}));
+    EXPECT_EQ(timeStampToDate(2082862801), Date::fromCivil({1970, 1, 1, 0, 0, 1}));
 }
 
 TEST(MacClock, countsOnWhenTheTopBitOfAStampIsSet) {
     const std::uint32_t stamp = test::macTime(2001, 5, 6, 7, 8, 9);
     ASSERT_GE(stamp, 0x80000000U);
-    EXPECT_EQ(TimeStampToDate(static_cast<std::int32_t>(stamp)),
+    EXPECT_EQ(timeStampToDate(static_cast<std::int32_t>(stamp)),
               Date::fromCivil({2001, 5, 6, 7, 8, 9}));
-    EXPECT_EQ(TimeStampToDate(static_cast<std::int32_t>(0xFFFFFFFF)),
+    EXPECT_EQ(timeStampToDate(static_cast<std::int32_t>(0xFFFFFFFF)),
               Date::fromCivil({2040, 2, 6, 1, 28, 15}));
 }
 
 TEST(MacClock, givesTheMomentInSeconds) {
-    EXPECT_EQ(GetUnixTimeNow(test::FixedClock()), 1308139200);
-    EXPECT_EQ(ConvertSecondsToDate(1308139200), Date::fromCivil({2011, 6, 15, 12}));
+    EXPECT_EQ(getUnixTimeNow(test::FixedClock()), 1308139200);
+    EXPECT_EQ(convertSecondsToDate(1308139200), Date::fromCivil({2011, 6, 15, 12}));
 }
 
 TEST(MacClock, ofARecordHasNoDateForAStampBefore1970) {

@@ -15,14 +15,14 @@ using test::MorkHistory;
 using test::morkTime;
 
 struct Parsed {
-    morkFileClass file;
+    MorkFileParser file;
     ReadResult result;
 };
 
 Parsed parsed(const std::string &bytes) {
     Parsed parsed;
     Unwatched task;
-    parsed.file.ParseBytes(viewOf(bytes), task, parsed.result);
+    parsed.file.parseBytes(viewOf(bytes), task, parsed.result);
     return parsed;
 }
 
@@ -52,18 +52,18 @@ std::string soundFile() {
 TEST(MorkDamage, aCutFileGivesNoValueThatTheWholeOneHasNot) {
     const std::string sound = soundFile();
     const Parsed whole = parsed(sound);
-    ASSERT_EQ(whole.file.Entries.count(), 5U);
+    ASSERT_EQ(whole.file.entries.count(), 5U);
     for (std::size_t size = 0; size < sound.size(); ++size) {
         SCOPED_TRACE(size);
         const Parsed cut = parsed(sound.substr(0, size));
-        ASSERT_LE(cut.file.Entries.count(), 5U);
-        for (std::size_t i = 1; i <= cut.file.Entries.count(); ++i) {
-            const morkEntryClass &entry = cut.file.Entries.item(i);
-            const morkEntryClass &sameEntry = whole.file.Entries.item(i);
-            EXPECT_EQ(entry.RowID, sameEntry.RowID);
-            EXPECT_TRUE(entry.URL.empty() || entry.URL == sameEntry.URL) << entry.URL;
-            EXPECT_TRUE(entry.LastVisitDate.empty() ||
-                        entry.LastVisitDate == sameEntry.LastVisitDate);
+        ASSERT_LE(cut.file.entries.count(), 5U);
+        for (std::size_t i = 1; i <= cut.file.entries.count(); ++i) {
+            const MorkEntry &entry = cut.file.entries.item(i);
+            const MorkEntry &sameEntry = whole.file.entries.item(i);
+            EXPECT_EQ(entry.rowID, sameEntry.rowID);
+            EXPECT_TRUE(entry.url.empty() || entry.url == sameEntry.url) << entry.url;
+            EXPECT_TRUE(entry.lastVisitDate.empty() ||
+                        entry.lastVisitDate == sameEntry.lastVisitDate);
         }
     }
 }
@@ -82,7 +82,7 @@ TEST(MorkDamage, aCutFileSaysSo) {
     EXPECT_EQ(
         amidGroup.result.reason,
         fmt::format("the file ends before what begins at {} is complete", sound.find("@$${") + 3));
-    EXPECT_EQ(amidGroup.file.Entries.count(), 5U);
+    EXPECT_EQ(amidGroup.file.entries.count(), 5U);
 }
 
 std::uint64_t passedOver(const ReadResult &result) {
@@ -99,8 +99,8 @@ TEST(MorkDamage, aChangedByteAmongTheRowsLosesNoneInSilence) {
             std::string damaged = sound;
             damaged[at] = value;
             const Parsed read = parsed(damaged);
-            EXPECT_LE(read.file.Entries.count(), 7U) << at;
-            EXPECT_GE(read.file.Entries.count() + passedOver(read.result) + read.result.notReached,
+            EXPECT_LE(read.file.entries.count(), 7U) << at;
+            EXPECT_GE(read.file.entries.count() + passedOver(read.result) + read.result.notReached,
                       4U)
                 << at;
         }
@@ -114,8 +114,8 @@ TEST(MorkDamage, aRowWithoutAnEndDoesNotTakeTheNextOne) {
                                    .rawRow("[6(^82=http://six/)]")
                                    .bytes());
     std::vector<std::string> rows;
-    for (const morkEntryClass &entry : read.file.Entries)
-        rows.push_back(entry.RowID + " " + entry.URL + entry.VisitCount);
+    for (const MorkEntry &entry : read.file.entries)
+        rows.push_back(entry.rowID + " " + entry.url + entry.visitCount);
     EXPECT_EQ(rows, (std::vector<std::string>{"1 ", "2 http://two/", "3 http://three/",
                                               "4 http://four/", "6 http://six/"}));
     EXPECT_EQ(read.result.noted.at("row that is broken off, stored with the cells that are whole"),
@@ -128,8 +128,8 @@ TEST(MorkDamage, aDictionaryWithoutAnEndDoesNotTakeTheRows) {
     const std::size_t end = bytes.find(")>", bytes.find("<(81=http"));
     bytes[end + 1] = ' ';
     const Parsed read = parsed(bytes);
-    ASSERT_EQ(read.file.Entries.count(), 2U);
-    EXPECT_EQ(read.file.Entries.item(2).URL, "http://x/");
+    ASSERT_EQ(read.file.entries.count(), 2U);
+    EXPECT_EQ(read.file.entries.item(2).url, "http://x/");
     EXPECT_EQ(read.result.state, ReadState::cutShort);
     EXPECT_EQ(read.result.reason,
               fmt::format("the dictionary at {} has no end", bytes.find("<(81=http")));
@@ -137,7 +137,7 @@ TEST(MorkDamage, aDictionaryWithoutAnEndDoesNotTakeTheRows) {
 
 TEST(MorkDamage, aDictionaryCutByTheFilesEndSaysSo) {
     const Parsed read = parsed(beforeTable() + "<(81=http://x/)(82=htt");
-    EXPECT_EQ(read.file.Values.count(), 1U); // not the value that is cut
+    EXPECT_EQ(read.file.values.count(), 1U); // not the value that is cut
     EXPECT_EQ(read.result.state, ReadState::cutShort);
 }
 
@@ -149,9 +149,9 @@ TEST(MorkDamage, aHundredThousandRowsTakeSeconds) {
                      .firstVisit = morkTime(1200000000 + i),
                      .host = "example.com"});
     const Parsed read = parsedSoon(history.bytes());
-    ASSERT_EQ(read.file.Entries.count(), 100'001U);
-    EXPECT_EQ(read.file.Entries.item(100'001).URL, "http://www.example.com/page/99999");
-    EXPECT_GT(read.file.Entries.item(100'001).FileOffset, 0);
+    ASSERT_EQ(read.file.entries.count(), 100'001U);
+    EXPECT_EQ(read.file.entries.item(100'001).url, "http://www.example.com/page/99999");
+    EXPECT_GT(read.file.entries.item(100'001).fileOffset, 0);
     EXPECT_EQ(read.result.state, ReadState::complete);
 }
 
@@ -163,7 +163,7 @@ TEST(MorkDamage, aLineOfAHundredMegabytesIsLeftOut) {
         while (line.size() < 100'000'000)
             line += piece;
         const Parsed read = parsedSoon(begin + line + end);
-        EXPECT_EQ(read.file.Entries.count(), 2U);
+        EXPECT_EQ(read.file.entries.count(), 2U);
         EXPECT_EQ(read.result.state, ReadState::cutShort);
         EXPECT_EQ(read.result.reason,
                   fmt::format("the line at {} is longer than 16777216 bytes and is left out",
@@ -189,7 +189,7 @@ TEST(MorkDamage, rowsAfterTheCapAreCounted) {
     for (std::size_t i = 0; i < limits::kMorkRows + 5; ++i)
         bytes += "[2(^8A=1)]\n";
     const Parsed read = parsedSoon(bytes + "}");
-    EXPECT_EQ(read.file.Entries.count(), limits::kMorkRows);
+    EXPECT_EQ(read.file.entries.count(), limits::kMorkRows);
     EXPECT_EQ(read.result.state, ReadState::cutShort);
     EXPECT_EQ(read.result.reason, "only 500000 rows are read");
     EXPECT_EQ(read.result.notReached, 6U);
@@ -202,15 +202,15 @@ TEST(MorkDamage, oneValueNamedByEveryRowDoesNotFillTheMemory) {
         bytes += "[2(^82^A0)]\n";
     const Parsed read = parsedSoon(bytes + "}");
     EXPECT_EQ(read.result.state, ReadState::cutShort);
-    EXPECT_EQ(read.file.Entries.count() + read.result.notReached, 1001U);
-    EXPECT_LT(read.file.Entries.count(), 300U);
+    EXPECT_EQ(read.file.entries.count() + read.result.notReached, 1001U);
+    EXPECT_LT(read.file.entries.count(), 300U);
 }
 
 TEST(MorkDamage, valuesLongerThanTheCapAreCutAndCounted) {
     MorkHistory history;
     history.add({.url = std::string(limits::kMorkValueBytes + 10, 'x')});
     const Parsed read = parsed(history.bytes());
-    EXPECT_EQ(read.file.Entries.item(2).URL.size(), limits::kMorkValueBytes);
+    EXPECT_EQ(read.file.entries.item(2).url.size(), limits::kMorkValueBytes);
     EXPECT_EQ(read.result.noted.size(), 1U);
 }
 

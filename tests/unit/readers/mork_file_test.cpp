@@ -19,22 +19,22 @@ class MorkFile : public testing::Test {
         file = {};
         result = {};
         Unwatched task;
-        file.ParseBytes(viewOf(bytes), task, result);
+        file.parseBytes(viewOf(bytes), task, result);
     }
     void parse(const MorkHistory &history) { parse(history.bytes()); }
     Strings urls() const {
         Strings all;
-        for (const morkEntryClass &entry : file.Entries)
-            all.push_back(entry.URL);
+        for (const MorkEntry &entry : file.entries)
+            all.push_back(entry.url);
         return all;
     }
     Strings rowIds() const {
         Strings all;
-        for (const morkRowClass &row : file.Rows)
-            all.push_back(row.RowID);
+        for (const MorkRow &row : file.tableRows)
+            all.push_back(row.rowID);
         return all;
     }
-    std::string valueOf(const char *id) const { return file.Values.item(id).RowValue; }
+    std::string valueOf(const char *id) const { return file.values.item(id).rowValue; }
     /// The value that a dictionary's raw text becomes.
     std::string storedValue(const char *raw) {
         parse(MorkHistory().rawValue("A0", raw).rawValue("A1", "next"));
@@ -42,20 +42,20 @@ class MorkFile : public testing::Test {
         return valueOf("A0");
     }
 
-    morkFileClass file;
+    MorkFileParser file;
     ReadResult result;
 };
 
 TEST_F(MorkFile, readsTheVersionOfTheFirstLine) {
     parse(MorkHistory());
-    EXPECT_EQ(file.Version, "1.4");
+    EXPECT_EQ(file.version, "1.4");
     EXPECT_EQ(file.header(), "// <!-- <mdb:mork:z v=\"1.4\"/> -->");
     parse(MorkHistory().firstLine("mdb:mork:z v=\"1.4"));
-    EXPECT_EQ(file.Version, "");
+    EXPECT_EQ(file.version, "");
     parse(MorkHistory().firstLine("mdb:mork:z \"/> -->"));
-    EXPECT_EQ(file.Version, "");
+    EXPECT_EQ(file.version, "");
     parse("an other line\n" + MorkHistory("\n").bytes());
-    EXPECT_EQ(file.Version, "1.4");
+    EXPECT_EQ(file.version, "1.4");
 }
 
 TEST_F(MorkFile, cleansTheHeader) {
@@ -65,11 +65,11 @@ TEST_F(MorkFile, cleansTheHeader) {
 
 TEST_F(MorkFile, keepsTheColumnsInTheirOrder) {
     parse(MorkHistory());
-    ASSERT_EQ(file.ColHeaders.count(), 13U);
-    EXPECT_EQ(file.ColHeaders.item(1).id, "8A");
-    EXPECT_EQ(file.ColHeaders.item(1).ColName, "Typed");
-    EXPECT_EQ(file.ColHeaders.item(4).ColName, "ns:history:db:row:scope:history:all");
-    EXPECT_EQ(file.ColHeaders.item(13).ColName, "Hidden");
+    ASSERT_EQ(file.colHeaders.count(), 13U);
+    EXPECT_EQ(file.colHeaders.item(1).id, "8A");
+    EXPECT_EQ(file.colHeaders.item(1).colName, "Typed");
+    EXPECT_EQ(file.colHeaders.item(4).colName, "ns:history:db:row:scope:history:all");
+    EXPECT_EQ(file.colHeaders.item(13).colName, "Hidden");
 }
 
 TEST_F(MorkFile, knowsTheColumnsMarkInBothPlaces) {
@@ -77,7 +77,7 @@ TEST_F(MorkFile, knowsTheColumnsMarkInBothPlaces) {
          {"<(a=c)>", "< <(a=c)>", "< <(a=c)> // (f=iso-8859-1)", "<(a=c)> // x"}) {
         parse(MorkHistory().columnMark(mark).add({.url = "http://x/"}));
         EXPECT_EQ(urls(), (Strings{"", "http://x/"})) << mark;
-        EXPECT_EQ(file.ColHeaders.count(), 13U) << mark;
+        EXPECT_EQ(file.colHeaders.count(), 13U) << mark;
     }
     for (const char *mark : {"<  <(a=c)>", "x<(a=c)>", "<(a=d)>"}) {
         parse(MorkHistory().columnMark(mark).add({.url = "http://x/"}));
@@ -90,8 +90,8 @@ TEST_F(MorkFile, readsLinesOfEveryKind) {
         MorkHistory history(end);
         test::addExamplePages(history);
         parse(history);
-        EXPECT_EQ(file.Entries.count(), 4U);
-        EXPECT_EQ(file.Entries.item(3).URL, "http://mail.example.org/inbox?page=2");
+        EXPECT_EQ(file.entries.count(), 4U);
+        EXPECT_EQ(file.entries.item(3).url, "http://mail.example.org/inbox?page=2");
         EXPECT_EQ(result.state, ReadState::complete);
     }
 }
@@ -109,24 +109,24 @@ TEST_F(MorkFile, fillsAnEntryFromValuesNamedAndHeld) {
                  .hidden = true});
     history.rawRow("[3(^82=http://held/)(^8B=a)(^8C=b)(^87=x$00y)(^99=unknown)]");
     parse(history);
-    const morkEntryClass &entry = file.Entries.item(2);
-    EXPECT_EQ(entry.RawData(),
+    const MorkEntry &entry = file.entries.item(2);
+    EXPECT_EQ(entry.rawData(),
               std::string(41, '-') + "\r\nROW ID: 2\r\n" + std::string(41, '-') +
                   "\r\nTyped = 1\r\nLastPageVisited = \r\nByteOrder = \r\nURL = http://x/\r\n"
                   "Referrer = http://y/\r\nLastVisitDate = 1\r\nFirstVisitDate = 2\r\n"
                   "VisitCount = 3\r\nURLName = Title\r\nHostname = x\r\nHidden = 1");
-    const morkEntryClass &held = file.Entries.item(3);
-    EXPECT_EQ(held.URL, "http://held/");
-    EXPECT_EQ(held.LastPageVisited, "a");
-    EXPECT_EQ(held.ByteOrder, "b");
-    EXPECT_EQ(held.URLName, "xy");
-    EXPECT_EQ(file.Entries.item(1).ByteOrder, "LE");
+    const MorkEntry &held = file.entries.item(3);
+    EXPECT_EQ(held.url, "http://held/");
+    EXPECT_EQ(held.lastPageVisited, "a");
+    EXPECT_EQ(held.byteOrder, "b");
+    EXPECT_EQ(held.urlName, "xy");
+    EXPECT_EQ(file.entries.item(1).byteOrder, "LE");
 }
 
 TEST_F(MorkFile, givesAnEmptyTextForAnIdThatNoDictionaryHas) {
     parse(MorkHistory().rawRow("[2(^82^FFFF)(^88^)(^84)(^)()]"));
     EXPECT_EQ(urls(), (Strings{"", ""}));
-    EXPECT_EQ(file.Entries.item(2).Hostname, "");
+    EXPECT_EQ(file.entries.item(2).hostname, "");
 }
 
 TEST_F(MorkFile, takesTheFirstOfTwoValuesWithOneId) {
@@ -135,7 +135,7 @@ TEST_F(MorkFile, takesTheFirstOfTwoValuesWithOneId) {
               .rawValue("A0", "http://second/")
               .rawRow("[2(^82^A0)]"));
     EXPECT_EQ(urls(), (Strings{"", "http://first/"}));
-    EXPECT_EQ(file.Values.count(), 2U);
+    EXPECT_EQ(file.values.count(), 2U);
 }
 
 TEST_F(MorkFile, takesTheCharactersOfTheFormatOutOfValues) {
@@ -187,8 +187,8 @@ TEST_F(MorkFile, takesDictionariesAndRowsOfOneLine) {
 TEST_F(MorkFile, keepsALaterDictionaryOfColumnsApartFromTheValues) {
     parse(MorkHistory().behindTable("< <(a=c)> // (f=iso-8859-1)\r\n  (90=New)>\r\n"
                                     "<(a=c)>(91=Other)>\r\n"));
-    EXPECT_EQ(file.ColHeaders.count(), 15U);
-    EXPECT_EQ(file.Values.count(), 0U);
+    EXPECT_EQ(file.colHeaders.count(), 15U);
+    EXPECT_EQ(file.values.count(), 0U);
 }
 
 TEST_F(MorkFile, makesNoRowOfTheBlankAfterARow) {
@@ -202,15 +202,15 @@ TEST_F(MorkFile, goesOnWithARowOnTheNextLine) {
               .rawRow("    (^86=5)]")
               .rawRow("[3(^82=http://three/)]"));
     EXPECT_EQ(urls(), (Strings{"", "http://two/", "http://three/"}));
-    EXPECT_EQ(file.Entries.item(2).VisitCount, "5");
-    EXPECT_EQ(file.Entries.item(3).VisitCount, "");
+    EXPECT_EQ(file.entries.item(2).visitCount, "5");
+    EXPECT_EQ(file.entries.item(3).visitCount, "");
     EXPECT_EQ(result.state, ReadState::complete);
 }
 
 TEST_F(MorkFile, readsBracketsWithinACell) {
     parse(MorkHistory().rawRow("[2(^82=http://x/a[1].htm?(b\\)\\\r\nc)(^88=x)]"));
     EXPECT_EQ(urls(), (Strings{"", "http://x/a[1].htm?(b\\)c"}));
-    EXPECT_EQ(file.Entries.item(2).Hostname, "x");
+    EXPECT_EQ(file.entries.item(2).hostname, "x");
 }
 
 TEST_F(MorkFile, countsRowsOutsideOfTheTable) {
@@ -232,10 +232,10 @@ TEST_F(MorkFile, startsATableWithoutAMetaRow) {
 TEST_F(MorkFile, marksRowsForDeletion) {
     parse(MorkHistory().rawRow("[-2(^8A=1)]").rawRow("[-3]").rawRow("[4-(^8A=1)]"));
     EXPECT_EQ(rowIds(), (Strings{"1", "-2", "-3", "4-"}));
-    EXPECT_FALSE(file.Rows.item(1).MarkedForDeletion);
-    EXPECT_TRUE(file.Rows.item(2).MarkedForDeletion);
-    EXPECT_TRUE(file.Rows.item(3).MarkedForDeletion);
-    EXPECT_FALSE(file.Rows.item(4).MarkedForDeletion);
+    EXPECT_FALSE(file.tableRows.item(1).markedForDeletion);
+    EXPECT_TRUE(file.tableRows.item(2).markedForDeletion);
+    EXPECT_TRUE(file.tableRows.item(3).markedForDeletion);
+    EXPECT_FALSE(file.tableRows.item(4).markedForDeletion);
 }
 
 TEST_F(MorkFile, placesARowAtItsFirstBeginningInTheFile) {
@@ -248,7 +248,7 @@ TEST_F(MorkFile, placesARowAtItsFirstBeginningInTheFile) {
                                   .bytes();
     parse(bytes);
     const auto placeOf = [&](std::size_t position) {
-        return file.Entries.item(position).FileOffset;
+        return file.entries.item(position).fileOffset;
     };
     const auto found = [&](const char *text) {
         return static_cast<std::int64_t>(bytes.find(text)) + 1; // 1-based
@@ -260,7 +260,7 @@ TEST_F(MorkFile, placesARowAtItsFirstBeginningInTheFile) {
 }
 
 TEST_F(MorkFile, convertsSecondsInDigits) {
-    const auto convert = morkFileClass::ConvertSecondsToUTCDate;
+    const auto convert = MorkFileParser::convertSecondsToUTCDate;
     EXPECT_EQ(convert("0"), Date::fromUnixSeconds(0));
     EXPECT_EQ(convert(" 1205364946 "), Date::fromUnixSeconds(1205364946));
     EXPECT_EQ(convert("-1"), Date::fromUnixSeconds(-1));

@@ -230,7 +230,7 @@ TEST_F(MorkReader, saysThatAFileCouldNotBeRead) {
     const Evidence evidence("");
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    result = ParseMorkFile(ctx);
+    result = parseMorkFile(ctx);
     EXPECT_EQ(result.state, ReadState::failed);
     EXPECT_EQ(result.reason, "could not be read: /nowhere/history.dat");
     ASSERT_EQ(log.entries.size(), 1U);
@@ -244,7 +244,7 @@ TEST_F(MorkReader, readsAFileFromTheDisk) {
     const Evidence evidence(folder.path());
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    result = ParseMorkFile(ctx);
+    result = parseMorkFile(ctx);
     EXPECT_EQ(sink.records.size(), 4U);
     EXPECT_EQ(result.state, ReadState::complete);
 }

@@ -43,7 +43,7 @@ class MorkSample : public testing::Test {
 TEST_F(MorkSample, givesTwoRowsForEachFile) {
     for (const json &scanned : expected.at("scan")) {
         test::SqliteHistoryReading reading;
-        reading.read(ParseMorkFile, folder / scanned.at("path").get<std::string>());
+        reading.read(parseMorkFile, folder / scanned.at("path").get<std::string>());
         EXPECT_EQ(
             reading.records().size(),
             expected["expected"]["rows_per_file_if_column_mark_may_stand_anywhere_in_the_line"]
@@ -58,7 +58,7 @@ TEST_F(MorkSample, givesTheListedRecordsFieldByField) {
     for (std::size_t i = 0; i < 2; ++i) {
         const fs::path file = folder / expected.at("scan").at(i).at("path").get<std::string>();
         test::SqliteHistoryReading reading;
-        reading.read(ParseMorkFile, file);
+        reading.read(parseMorkFile, file);
         for (const json &wanted : expected.at("records")) {
             SCOPED_TRACE(wanted.dump());
             const auto record = std::ranges::find(

@@ -250,13 +250,13 @@ TEST_F(NetAnalysisDamage, ofOneRecordEndsNothingButAFullDiskDoes) {
     history.fullPath = file;
     FailingSink failing;
     ReadContext context{history, evidence, content, clock, scratch.path(), failing, log, task};
-    EXPECT_EQ(ParseNetAnalysisFile(context).state, ReadState::complete);
+    EXPECT_EQ(parseNetAnalysisFile(context).state, ReadState::complete);
     EXPECT_EQ(failing.saved.size(), 59U);
     ASSERT_EQ(log.entries.size(), 1U);
     EXPECT_THAT(log.entries[0].message, HasSubstr("no room in the row"));
     FullSink full;
     ReadContext stopped{history, evidence, content, clock, scratch.path(), full, log, task};
-    EXPECT_THROW(ParseNetAnalysisFile(stopped), StorageFailure);
+    EXPECT_THROW(parseNetAnalysisFile(stopped), StorageFailure);
 }
 
 } // namespace

@@ -21,7 +21,7 @@ NetAnalysisEvent wholeEvent() {
             .Hostname = "harbour",
             .URLFileName = "A1B2C3D4\\a%20b[1].htm",
             .FileExists = true,
-            .FileOffset = 21760,
+            .fileOffset = 21760,
             .HistoryVersion = "5.2",
             .ContentData = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n",
             .Comment = "seen twice",

@@ -26,7 +26,7 @@ class NetAnalysisSample : public testing::Test {
         const Bytes text = readWhole(folder / "expected.json");
         expected = json::parse(text.begin(), text.end());
         file = folder / expected.at("scan").at(0).at("path").get<std::string>();
-        reading.read(ParseNetAnalysisFile, file);
+        reading.read(parseNetAnalysisFile, file);
     }
 
     template <class Test>

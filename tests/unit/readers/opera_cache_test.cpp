@@ -39,7 +39,7 @@ class OperaCacheReader : public testing::Test {
         ReadContext ctx{file, evidence, content, clock, {}, sink, log, watcher};
         sink.records.clear();
         log.entries.clear();
-        result = ParseOperaCache(ctx);
+        result = parseOperaCache(ctx);
     }
     void read(const OperaCache &cache) { read(cache, task); }
     const UrlRecord &only(const OperaCache &cache) {
@@ -321,7 +321,7 @@ TEST_F(OperaCacheReader, failsForAFileWithoutARecord) {
         ContentProbe content;
         ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
         log.entries.clear();
-        result = ParseOperaCache(ctx);
+        result = parseOperaCache(ctx);
         EXPECT_EQ(result.state, ReadState::failed) << size;
         EXPECT_EQ(log.entries.size(), 1U);
     }
@@ -330,7 +330,7 @@ TEST_F(OperaCacheReader, failsForAFileWithoutARecord) {
     const Evidence evidence(folder.path());
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    EXPECT_EQ(ParseOperaCache(ctx).reason, "could not be read: " + file.fullPath.string());
+    EXPECT_EQ(parseOperaCache(ctx).reason, "could not be read: " + file.fullPath.string());
 }
 
 TEST_F(OperaCacheReader, survivesACutAtEveryByteAndEveryChange) {
@@ -388,7 +388,7 @@ TEST(OperaCookiesReader, saysThatNothingIsRead) {
     test::MemoryLog log;
     test::MemoryTask task;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    const ReadResult result = ParseOperaCookiesFile(ctx);
+    const ReadResult result = parseOperaCookiesFile(ctx);
     EXPECT_EQ(result.state, ReadState::notReadYet);
     EXPECT_EQ(result.reason, "cookies of Opera are found and listed, but not read");
     EXPECT_TRUE(sink.records.empty());

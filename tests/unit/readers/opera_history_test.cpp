@@ -73,7 +73,7 @@ TEST_F(OperaHistoryReader, fillsEveryFieldOfARecord) {
     const Evidence evidence(folder.path());
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-    result = ParseOperaHistoryFile(ctx);
+    result = parseOperaHistoryFile(ctx);
     ASSERT_EQ(sink.records.size(), 1U);
     const UrlRecord &record = sink.records[0];
     EXPECT_EQ(record.Action, "Visited");
@@ -262,7 +262,7 @@ TEST_F(OperaHistoryReader, saysThatAFileCouldNotBeRead) {
     ContentProbe content;
     ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
     file.fullPath = "/nowhere/global.dat";
-    result = ParseOperaHistoryFile(ctx);
+    result = parseOperaHistoryFile(ctx);
     EXPECT_EQ(result.state, ReadState::failed);
     EXPECT_EQ(result.reason, "could not be read: /nowhere/global.dat");
     ASSERT_EQ(log.entries.size(), 1U);

@@ -45,7 +45,7 @@ class OperaSample : public testing::Test {
 TEST_F(OperaSample, givesTheCountedVisitsUnderBothNames) {
     for (const std::size_t scanned : {0U, 1U}) {
         test::SqliteHistoryReading reading;
-        reading.read(ParseOperaHistoryFile, pathAt(scanned));
+        reading.read(parseOperaHistoryFile, pathAt(scanned));
         const json &counts = expected.at("expected");
         EXPECT_EQ(reading.records().size(), counts.at("rows").get<std::size_t>());
         EXPECT_EQ(std::ranges::count_if(reading.records(),
@@ -60,7 +60,7 @@ TEST_F(OperaSample, givesTheCountedVisitsUnderBothNames) {
 
 TEST_F(OperaSample, givesTheListedRecordsFieldByField) {
     test::SqliteHistoryReading reading;
-    reading.read(ParseOperaHistoryFile, pathAt(0));
+    reading.read(parseOperaHistoryFile, pathAt(0));
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
         const auto record = std::ranges::find(
@@ -79,7 +79,7 @@ TEST_F(OperaSample, givesTheListedRecordsFieldByField) {
 // Four items, as an independent reading of the same file counted. The dates stand in the file.
 TEST_F(OperaSample, givesTheTypedAddresses) {
     test::SqliteHistoryReading reading;
-    reading.read(ParseOperaHistoryFile, pathAt(2));
+    reading.read(parseOperaHistoryFile, pathAt(2));
     std::vector<std::string> found;
     for (const UrlRecord &record : reading.records()) {
         EXPECT_TRUE(record.Typed);

@@ -46,7 +46,7 @@ struct SafariBodies : testing::Test {
         history.fullPath = file();
         ReadContext context{history,        evidence, sink.content, clock,
                             scratch.path(), sink,     log,          task};
-        result = ParseSafariCacheFile(context);
+        result = parseSafariCacheFile(context);
         EXPECT_TRUE(fs::is_empty(scratch.path()));
         return sink.bodies;
     }
@@ -60,7 +60,7 @@ struct SafariBodies : testing::Test {
         return record;
     }
     bool extract(UrlRecord &record, std::string_view suffix = "") {
-        return ExtractSafariCacheFile(record, suffix, {evidence, scratch.path(), log});
+        return extractSafariCacheFile(record, suffix, {evidence, scratch.path(), log});
     }
 
     test::TempFolder folder;

@@ -26,7 +26,7 @@ constexpr const char *kDate = "Wed, 09 Mar 2011 18:00:00 GMT";
 struct SafariCacheTest : testing::Test {
     fs::path file() const { return folder.path() / "Cache.db"; }
     const std::vector<UrlRecord> &read() {
-        reading.read(ParseSafariCacheFile, file());
+        reading.read(parseSafariCacheFile, file());
         EXPECT_TRUE(fs::is_empty(reading.scratch.path()));
         return reading.records();
     }
@@ -273,7 +273,7 @@ TEST_F(SafariCacheTest, cancellingKeepsTheRowsSoFar) {
         cache.add({.id = id, .url = kUrl + std::to_string(id), .body = "body"});
     cache.close();
     test::CancelAfter task(5);
-    reading.read(ParseSafariCacheFile, file(), task);
+    reading.read(parseSafariCacheFile, file(), task);
     EXPECT_EQ(reading.result.state, ReadState::cancelled);
     EXPECT_EQ(reading.records().size(), 5U);
     EXPECT_TRUE(fs::is_empty(reading.scratch.path()));
@@ -282,7 +282,7 @@ TEST_F(SafariCacheTest, cancellingKeepsTheRowsSoFar) {
 TEST_F(SafariCacheTest, cancellingAfterTheLastRowIsToldToo) {
     SafariCache(file()).add({.id = 1}).add({.id = 2, .url = "http://b/"});
     test::CancelAfter task(3);
-    reading.read(ParseSafariCacheFile, file(), task);
+    reading.read(parseSafariCacheFile, file(), task);
     EXPECT_EQ(reading.result.state, ReadState::cancelled);
     EXPECT_EQ(reading.records().size(), 2U);
 }

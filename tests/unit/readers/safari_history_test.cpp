@@ -24,7 +24,7 @@ struct SafariHistoryTest : testing::Test {
     fs::path file() const { return folder.path() / "History.plist"; }
     const std::vector<UrlRecord> &read(const std::string &bytes) {
         writeWhole(file(), bytes);
-        reading.read(ParseSafariHistoryFile, file());
+        reading.read(parseSafariHistoryFile, file());
         EXPECT_TRUE(fs::is_empty(reading.scratch.path()));
         return reading.records();
     }
@@ -207,7 +207,7 @@ TEST_F(SafariHistoryTest, whatIsNoPropertyListSaysWhy) {
 TEST_F(SafariHistoryTest, aHugeFileIsRefusedUnread) {
     writeWhole(file(), "<plist>");
     fs::resize_file(file(), limits::kPropertyListBytes + 1);
-    reading.read(ParseSafariHistoryFile, file());
+    reading.read(parseSafariHistoryFile, file());
     EXPECT_EQ(reading.result.state, ReadState::failed);
     EXPECT_NE(reading.result.reason.find("longer than the"), std::string::npos);
 }
@@ -262,19 +262,19 @@ TEST_F(SafariHistoryTest, cancellingKeepsTheRowsSoFar) {
         history.add({.url = kUrl + std::to_string(i)});
     writeWhole(file(), history.text());
     test::CancelAfter task(5);
-    reading.read(ParseSafariHistoryFile, file(), task);
+    reading.read(parseSafariHistoryFile, file(), task);
     EXPECT_EQ(reading.result.state, ReadState::cancelled);
     EXPECT_EQ(reading.records().size(), 5U);
 }
 
 TEST_F(SafariHistoryTest, theListOfEntriesIsAList) {
-    plistURLs entries;
+    HistoryEntries entries;
     for (const char *url : {"a", "b"})
-        entries.add(plistURL()).URLValue = url;
+        entries.add(HistoryEntry()).urlValue = url;
     entries.remove(1);
     EXPECT_EQ(entries.count(), 1U);
-    EXPECT_EQ(entries.item(1).URLValue, "b");
-    EXPECT_EQ(entries.item(1).VisitCount, -1);
+    EXPECT_EQ(entries.item(1).urlValue, "b");
+    EXPECT_EQ(entries.item(1).visitCount, -1);
     entries.clear();
     EXPECT_EQ(entries.begin(), entries.end());
 }
@@ -282,7 +282,7 @@ TEST_F(SafariHistoryTest, theListOfEntriesIsAList) {
 TEST(SafariCookies, areNotReadAndTheResultSaysSo) {
     const test::TempFolder folder;
     test::SqliteHistoryReading reading;
-    reading.read(ParseSafariCookiesFile, folder.write("Cookies.plist", "<plist/>"));
+    reading.read(parseSafariCookiesFile, folder.write("Cookies.plist", "<plist/>"));
     EXPECT_TRUE(reading.records().empty());
     EXPECT_EQ(reading.result.state, ReadState::notReadYet);
     EXPECT_EQ(reading.result.reason, "cookies of Safari are found and listed, but not read");

@@ -38,7 +38,7 @@ struct SafariHostile : testing::Test {
     /// Reads the file as it is now, and asserts what holds for any file.
     const test::SqliteHistoryReading &read() {
         reading.emplace();
-        reading->read(ParseSafariCacheFile, file());
+        reading->read(parseSafariCacheFile, file());
         const ReadResult &result = reading->result;
         EXPECT_TRUE(fs::is_empty(reading->scratch.path()));
         EXPECT_EQ(result.state == ReadState::complete, result.reason.empty());

@@ -77,14 +77,14 @@ void expectBody(const UrlRecord &saved, const json &wanted) {
     test::MemoryLog log;
     const Evidence evidence(fs::path(saved.HistoryFilePath).parent_path());
     UrlRecord record = saved;
-    ASSERT_TRUE(ExtractSafariCacheFile(record, "", {evidence, folder.path(), log}));
+    ASSERT_TRUE(extractSafariCacheFile(record, "", {evidence, folder.path(), log}));
     EXPECT_EQ(fs::file_size(record.RunTimeTempFilePath), wanted.at("receiver_data_length"));
     EXPECT_EQ(sha256Of(record.RunTimeTempFilePath), wanted.at("body_sha256"));
     EXPECT_TRUE(log.entries.empty());
 }
 
 TEST_F(SafariSample, theCacheGivesItsRecordsAndBodies) {
-    if (!open("safari_cachedb_xml", ParseSafariCacheFile))
+    if (!open("safari_cachedb_xml", parseSafariCacheFile))
         GTEST_SKIP() << "the folder of real samples is not here";
     EXPECT_EQ(reading.result.state, ReadState::complete);
     EXPECT_TRUE(reading.log.entries.empty());
@@ -102,7 +102,7 @@ TEST_F(SafariSample, theCacheGivesItsRecordsAndBodies) {
 }
 
 TEST_F(SafariSample, theCachesListedRecordsAgreeFieldByField) {
-    if (!open("safari_cachedb_xml", ParseSafariCacheFile))
+    if (!open("safari_cachedb_xml", parseSafariCacheFile))
         GTEST_SKIP() << "the folder of real samples is not here";
     for (const json &wanted : expected.at("records")) {
         SCOPED_TRACE(wanted.dump());
@@ -123,7 +123,7 @@ TEST_F(SafariSample, theCachesListedRecordsAgreeFieldByField) {
 }
 
 TEST_F(SafariSample, theHistoryGivesItsRecords) {
-    if (!open("safari_history_xml", ParseSafariHistoryFile))
+    if (!open("safari_history_xml", parseSafariHistoryFile))
         GTEST_SKIP() << "the folder of real samples is not here";
     EXPECT_EQ(reading.result.state, ReadState::complete);
     EXPECT_TRUE(reading.log.entries.empty());
@@ -142,7 +142,7 @@ TEST_F(SafariSample, theHistoryGivesItsRecords) {
 }
 
 TEST_F(SafariSample, theBinaryHistoryIsNotReadYet) {
-    if (!open("safari_history_binary", ParseSafariHistoryFile))
+    if (!open("safari_history_binary", parseSafariHistoryFile))
         GTEST_SKIP() << "the folder of real samples is not here";
     EXPECT_EQ(reading.result.state, ReadState::notReadYet);
     EXPECT_TRUE(reading.result.reason.ends_with("a later form, not read yet"));

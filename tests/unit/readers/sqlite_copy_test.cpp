@@ -24,7 +24,7 @@ std::string bytesOf(const fs::path &file) {
 class SqliteCopy : public testing::Test {
   protected:
     fs::path file() const { return folder.path() / "Default" / "History"; }
-    test::SqliteHistoryReading &read() { return reading.read(ParseChromeHistoryFile, file()); }
+    test::SqliteHistoryReading &read() { return reading.read(parseChromeHistoryFile, file()); }
     void expectUntouched(const std::map<std::string, std::string> &before) const {
         EXPECT_EQ(test::contentsOf(folder.path()), before);
         EXPECT_TRUE(fs::is_empty(reading.scratch.path()));
@@ -169,7 +169,7 @@ TEST_F(SqliteCopy, removesWhatItCopiedWhenTheProjectCanNotBeWritten) {
     ContentProbe content;
     ReadContext context{described, evidence,    content,     reading.clock, reading.scratch.path(),
                         sink,      reading.log, reading.task};
-    EXPECT_THROW(ParseChromeHistoryFile(context), StorageFailure);
+    EXPECT_THROW(parseChromeHistoryFile(context), StorageFailure);
     EXPECT_TRUE(fs::is_empty(reading.scratch.path()));
 }
 
@@ -196,7 +196,7 @@ TEST_F(SqliteCopy, readsAFileWhateverItIsCalled) {
     test::Places places(odd);
     test::addExamplePlaces(places);
     places.close();
-    EXPECT_EQ(reading.read(ParseFirefox3HistoryFile, odd).records().size(), 3U);
+    EXPECT_EQ(reading.read(parseFirefox3HistoryFile, odd).records().size(), 3U);
 }
 
 } // namespace

@@ -80,8 +80,8 @@ class SqliteHostile : public testing::TestWithParam<Format> {
 
 INSTANTIATE_TEST_SUITE_P(
     Histories, SqliteHostile,
-    testing::Values(Format{"Chrome", ParseChromeHistoryFile, "urls", makeChrome},
-                    Format{"Firefox", ParseFirefox3HistoryFile, "moz_places", makeFirefox}),
+    testing::Values(Format{"Chrome", parseChromeHistoryFile, "urls", makeChrome},
+                    Format{"Firefox", parseFirefox3HistoryFile, "moz_places", makeFirefox}),
     [](const auto &param) { return param.param.name; });
 
 TEST_P(SqliteHostile, refusesWhatIsNoDatabase) {
@@ -183,9 +183,9 @@ TEST_P(SqliteHostile, keepsAHugeTextWhole) {
     GetParam().make(file());
     SQLite::Database made(file().native(), SQLite::OPEN_READWRITE);
     made.exec(std::string("INSERT INTO ") + GetParam().table + "(id,url,hidden" +
-              (GetParam().read == ParseChromeHistoryFile ? ",last_visit_time" : "") +
+              (GetParam().read == parseChromeHistoryFile ? ",last_visit_time" : "") +
               ") VALUES(99,'http://a/' || hex(zeroblob(2000000)),0" +
-              (GetParam().read == ParseChromeHistoryFile ? ",0" : "") + ")");
+              (GetParam().read == parseChromeHistoryFile ? ",0" : "") + ")");
     const auto reading = readAny();
     ASSERT_EQ(reading.records.size(), kPages + 1);
     EXPECT_EQ(reading.records.back().URL.size(), 4'000'009U);

@@ -30,7 +30,7 @@ class SqliteSample : public testing::TestWithParam<std::string> {
         const Bytes text = readWhole(folder / "expected.json");
         expected = json::parse(text.begin(), text.end());
         file = folder / expected.at("scan").at(0).at("path").get<std::string>();
-        reading.read(isChrome() ? ParseChromeHistoryFile : ParseFirefox3HistoryFile, file);
+        reading.read(isChrome() ? parseChromeHistoryFile : parseFirefox3HistoryFile, file);
     }
 
     bool isChrome() const { return GetParam().starts_with("chrome"); }
@@ -87,7 +87,7 @@ TEST_P(SqliteSample, givesTheListedRecordsFieldByField) {
         const UrlRecord *record = recordOf(wanted.at("Reference_ID"));
         ASSERT_TRUE(record);
         EXPECT_EQ(record->URLRawValue, wanted.at("URLRawValue"));
-        EXPECT_EQ(record->URL, percentDecode(ParseURLFromRawURL(record->URLRawValue)));
+        EXPECT_EQ(record->URL, percentDecode(parseURLFromRawURL(record->URLRawValue)));
         EXPECT_EQ(record->HashedURL, hashOfUrl(record->URL));
         EXPECT_EQ(record->WebpageTitle, wanted.value("WebpageTitle", ""));
         EXPECT_EQ(isoUtc(record->ActionDateUTC), listedDate(wanted.at("ActionDateUTC")));

@@ -30,7 +30,7 @@ class RebuildFixture : public testing::Test {
         UrlRecord record;
         record.cacheType = cacheType;
         record.URL = record.URLRawValue = url;
-        record.host = ParseHost(url);
+        record.host = parseHost(url);
         record.CacheFolderName = "ABCDEFGH";
         record.CacheFileName = "file" + std::to_string(++m_files) + "." + getFileExtension(url);
         const auto file = evidenceFolder / record.CacheFolderName / record.CacheFileName;

@@ -43,7 +43,7 @@ TEST(TagScan, findsAValueInQuotationMarks) {
     EXPECT_EQ(tag.TagFileName, "logo.gif");
     EXPECT_EQ(tag.TagType, "INLINE:SRC");
     EXPECT_EQ(tag.TagDefinition, "src=");
-    EXPECT_EQ(tag.FileOffset, 11u); // after the quotation mark, 1-based
+    EXPECT_EQ(tag.fileOffset, 11u); // after the quotation mark, 1-based
     EXPECT_EQ(tag.PathLength, 18u);
     EXPECT_TRUE(tag.IsPicture);
     EXPECT_FALSE(tag.IsReplaceableHREFTag);
@@ -52,7 +52,7 @@ TEST(TagScan, findsAValueInQuotationMarks) {
 
 TEST(TagScan, findsTheSameValueWithoutThem) {
     EXPECT_EQ(only("<img src=logo.gif> ").OriginalTag, "logo.gif");
-    EXPECT_EQ(only("<img src=logo.gif> ").FileOffset, 10u);
+    EXPECT_EQ(only("<img src=logo.gif> ").fileOffset, 10u);
     EXPECT_EQ(only("<img SRC='logo.gif'> ").OriginalTag, "logo.gif");
 }
 
@@ -76,7 +76,7 @@ TEST(TagScan, givesOnePlaceToSeveralRules) {
     ASSERT_EQ(tags.count(), 2u);
     EXPECT_EQ(tags.item(1).TagType, "STYLE:URL2:BACKGROUND");
     EXPECT_EQ(tags.item(2).TagType, "STYLE:URL:OTHER");
-    EXPECT_EQ(tags.item(1).FileOffset, tags.item(2).FileOffset);
+    EXPECT_EQ(tags.item(1).fileOffset, tags.item(2).fileOffset);
 }
 
 TEST(TagScan, closesAQuotedValueInAParenthesisAtOnce) {
@@ -135,7 +135,7 @@ TEST(TagScan, endsARuleAtTheEndOfTheText) {
 
 TEST(TagScan, worksOnBytes) {
     const URLTag tag = only("caf\xE9 <img src=\"b\xFC.gif\" >");
-    EXPECT_EQ(tag.FileOffset, 16u);
+    EXPECT_EQ(tag.fileOffset, 16u);
     EXPECT_EQ(tag.PathLength, 6u);
     EXPECT_EQ(tag.OriginalTag, "b\xC3\xBC.gif");
 }

@@ -1,4 +1,4 @@
-#include "readers/chrome/CacheClass.h"
+#include "readers/chrome/BlockCache.h"
 
 #include "base/Trap.h"
 #include "readers/chrome/CacheWalk.h"
@@ -23,17 +23,17 @@ class ReadingFlag {
 
 } // namespace
 
-ChromeCacheClass::ChromeCacheClass(std::filesystem::path index, const Evidence &evidence,
+ChromeBlockCache::ChromeBlockCache(std::filesystem::path index, const Evidence &evidence,
                                    FailureLog &log, TaskMonitor &task)
     : indexPath(std::move(index)), m_evidence(evidence), m_log(log), m_task(task),
       m_blocks(evidence, indexPath.parent_path(), log, kProcedure) {}
 
-ReadResult ChromeCacheClass::ReadCache(const TakeEntry &take) {
+ReadResult ChromeBlockCache::readCache(const TakeEntry &take) {
     const std::string path = textOf(indexPath);
-    if (Reading)
+    if (isReading)
         return {ReadState::failed, "is being read already: " + path, 0, {}};
-    const ReadingFlag reading(Reading);
-    Entries.clear();
+    const ReadingFlag reading(isReading);
+    entries.clear();
     m_task.describe(
         {"PARSING GOOGLE CHROME CACHE", "Reading INDEX File...", path, "chrome-32.gif"});
     const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
@@ -41,58 +41,56 @@ ReadResult ChromeCacheClass::ReadCache(const TakeEntry &take) {
         return ChromeCacheWalk(*this, m_evidence.open(indexPath), m_blocks, m_log, m_task, take)
             .run();
     });
-    CacheError = result.reason;
+    cacheError = result.reason;
     return result;
 }
 
-ReadResult ChromeCacheClass::ReadCache() {
-    return ReadCache([this](const ChromeEntryClass &entry) { Entries.add(entry); });
+ReadResult ChromeBlockCache::readCache() {
+    return readCache([this](const ChromeEntry &entry) { entries.add(entry); });
 }
 
-std::optional<ChromeAddressMapClass> ChromeCacheClass::GetAddressMap(std::uint32_t addressWord) {
+std::optional<ChromeAddressMap> ChromeBlockCache::getAddressMap(std::uint32_t addressWord) {
     if (addressWord == 0)
         return std::nullopt;
     return chromeAddressMapOf(addressWord);
 }
 
-std::optional<ChromeEntryClass> ChromeCacheClass::GetEntry(const ChromeAddressMapClass &map) {
-    const Bytes bytes = m_blocks.read(map, ChromeEntryClass::kSize);
+std::optional<ChromeEntry> ChromeBlockCache::getEntry(const ChromeAddressMap &map) {
+    const Bytes bytes = m_blocks.read(map, ChromeEntry::kSize);
     if (!isWholeChromeEntry(ByteView(bytes)))
         return std::nullopt;
-    ChromeEntryClass entry = chromeEntryOf(ByteView(bytes));
-    entry.AddressMap = map;
-    entry.MapFileOffset = map.DataBlockFileOffset;
-    entry.HeaderObject = GetHeaderObject(entry.HeaderAddressMap);
-    entry.RankingObject = GetRankingObject(entry.RankingsAddressMap);
+    ChromeEntry entry = chromeEntryOf(ByteView(bytes));
+    entry.addressMap = map;
+    entry.mapFileOffset = map.dataBlockFileOffset;
+    entry.headerObject = getHeaderObject(entry.headerAddressMap);
+    entry.rankingObject = getRankingObject(entry.rankingsAddressMap);
     return entry;
 }
 
-std::optional<ChromeHeaderClass>
-ChromeCacheClass::GetHeaderObject(const ChromeAddressMapClass &map) {
-    const Bytes bytes = m_blocks.read(map, ChromeHeaderClass::kSize);
+std::optional<ChromeHeader> ChromeBlockCache::getHeaderObject(const ChromeAddressMap &map) {
+    const Bytes bytes = m_blocks.read(map, ChromeHeader::kSize);
     if (bytes.empty())
         return std::nullopt;
     return chromeHeaderOf(ByteView(bytes));
 }
 
-std::optional<ChromeRankingClass>
-ChromeCacheClass::GetRankingObject(const ChromeAddressMapClass &map) {
-    const Bytes bytes = m_blocks.read(map, ChromeRankingClass::kSize);
+std::optional<ChromeRanking> ChromeBlockCache::getRankingObject(const ChromeAddressMap &map) {
+    const Bytes bytes = m_blocks.read(map, ChromeRanking::kSize);
     if (bytes.empty())
         return std::nullopt;
     return chromeRankingOf(ByteView(bytes));
 }
 
-std::optional<ChromeContentClass>
-ChromeCacheClass::GetContentObject(const ChromeAddressMapClass &map, std::uint64_t size) {
+std::optional<ChromeContent> ChromeBlockCache::getContentObject(const ChromeAddressMap &map,
+                                                                std::uint64_t size) {
     Bytes bytes;
-    if (map.BlockFileType != 0)
+    if (map.blockFileType != 0)
         bytes = m_blocks.read(map, size);
-    else if (const auto file = m_evidence.find(indexPath.parent_path(), map.SeparateFileName))
+    else if (const auto file = m_evidence.find(indexPath.parent_path(), map.separateFileName))
         bytes = m_evidence.open(*file).read(0, size);
     if (bytes.empty())
         return std::nullopt;
-    return ChromeContentClass{std::move(bytes)};
+    return ChromeContent{std::move(bytes)};
 }
 
 } // namespace nv

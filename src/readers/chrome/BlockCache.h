@@ -15,38 +15,37 @@
 namespace nv {
 
 /// Chrome's block cache, opened by its index. Bodies are read only when asked for.
-class ChromeCacheClass {
+class ChromeBlockCache {
   public:
-    using TakeEntry = std::function<void(const ChromeEntryClass &entry)>;
+    using TakeEntry = std::function<void(const ChromeEntry &entry)>;
 
     /// All must outlive this.
-    ChromeCacheClass(std::filesystem::path index, const Evidence &evidence, FailureLog &log,
+    ChromeBlockCache(std::filesystem::path index, const Evidence &evidence, FailureLog &log,
                      TaskMonitor &task);
 
     const std::filesystem::path indexPath;
-    ChromeIndexClass IndexInfo;    ///< of the last ReadCache
-    ChromeEntryCollection Entries; ///< of the last ReadCache that kept them
-    bool Reading = false;          ///< clearing it ends the walk at the next slot
-    std::string CacheError;        ///< what went wrong in the last ReadCache
+    ChromeIndex indexInfo;         ///< of the last readCache
+    ChromeEntryCollection entries; ///< of the last readCache that kept them
+    bool isReading = false;        ///< clearing it ends the walk at the next slot
+    std::string cacheError;        ///< what went wrong in the last readCache
 
     /// Hands on the first entry of each slot that has a header, in the order of the slots.
-    ReadResult ReadCache(const TakeEntry &take);
+    ReadResult readCache(const TakeEntry &take);
     /// Keeps them in `Entries`, which takes memory for all of them.
-    ReadResult ReadCache();
+    ReadResult readCache();
 
     /// Nothing for the word 0.
-    static std::optional<ChromeAddressMapClass> GetAddressMap(std::uint32_t addressWord);
+    static std::optional<ChromeAddressMap> getAddressMap(std::uint32_t addressWord);
 
     // Nothing when the address names no block, or the block isn't there. They throw
     // EvidenceFailure.
 
     /// The entry with its header and rankings.
-    std::optional<ChromeEntryClass> GetEntry(const ChromeAddressMapClass &map);
-    std::optional<ChromeHeaderClass> GetHeaderObject(const ChromeAddressMapClass &map);
-    std::optional<ChromeRankingClass> GetRankingObject(const ChromeAddressMapClass &map);
+    std::optional<ChromeEntry> getEntry(const ChromeAddressMap &map);
+    std::optional<ChromeHeader> getHeaderObject(const ChromeAddressMap &map);
+    std::optional<ChromeRanking> getRankingObject(const ChromeAddressMap &map);
     /// Up to `size` bytes of a body, from its block file or separate file.
-    std::optional<ChromeContentClass> GetContentObject(const ChromeAddressMapClass &map,
-                                                       std::uint64_t size);
+    std::optional<ChromeContent> getContentObject(const ChromeAddressMap &map, std::uint64_t size);
 
   private:
     const Evidence &m_evidence;

@@ -6,7 +6,7 @@
 // The offsets within CATE are from its tag; `first` and `last` are dates of visits. After the body
 // in DATA comes the filler "XXXX" and a block "cate", which is no "CATE".
 
-#include "readers/mac/macIECache.h"
+#include "readers/mac/CacheFile.h"
 
 #include "base/Text.h"
 
@@ -44,11 +44,11 @@ std::uint32_t number(ByteView file, std::uint64_t at) {
     return ByteView(reversed).u32le(0);
 }
 
-/// What is after 1972 has its top bit set and is a negative number for TimeStampToDate(). A stamp
+/// What is after 1972 has its top bit set and is a negative number for timeStampToDate(). A stamp
 /// of before 1970 is none: the browser is younger, and an empty stamp would become one of 2040.
 Date stampAt(ByteView file, std::uint64_t at) {
     const std::uint32_t stamp = number(file, at);
-    return stamp < kSeconds1904To1970 ? Date() : TimeStampToDate(static_cast<std::int32_t>(stamp));
+    return stamp < kSeconds1904To1970 ? Date() : timeStampToDate(static_cast<std::int32_t>(stamp));
 }
 
 std::string textIn(ByteView value) {
@@ -75,7 +75,7 @@ struct Block {
 /// One walk along the blocks.
 class BlockWalk {
   public:
-    BlockWalk(ByteView file, macIEURLs &urls, const macIECache::TakeURL &take)
+    BlockWalk(ByteView file, MacCacheEntries &urls, const MacCacheFile::TakeURL &take)
         : m_file(file), m_urls(urls), m_take(take) {}
 
     ReadResult run(TaskMonitor &task);
@@ -90,10 +90,10 @@ class BlockWalk {
     void endAt(std::string_view what);
 
     ByteView m_file;
-    macIEURLs &m_urls;
-    const macIECache::TakeURL &m_take;
+    MacCacheEntries &m_urls;
+    const MacCacheFile::TakeURL &m_take;
     std::uint64_t m_at = 0;
-    macIEURLClass m_url;                 ///< the entry in hand
+    MacCacheEntry m_url;                 ///< the entry in hand
     std::optional<std::size_t> m_marker; ///< the last one found; none when no more are there
     bool m_soughtMarker = false;
     ReadResult m_result;
@@ -142,17 +142,17 @@ std::uint64_t BlockWalk::handle(const Block &block) {
         open(block);
     if (block.tag == "URL ") {
         noteUnended();
-        m_url.macURL = textIn(block.value);
-        m_url.macURLOffset = block.valueAt();
+        m_url.url = textIn(block.value);
+        m_url.urlOffset = block.valueAt();
     } else if (block.tag == "BSRL") {
-        m_url.macBSrl = textIn(block.value);
+        m_url.bSrl = textIn(block.value);
     } else if (block.tag == "MIME") {
-        m_url.macMime = textIn(block.value);
+        m_url.mime = textIn(block.value);
     } else if (block.tag == "HNTT") {
-        m_url.macHntt = textIn(block.value);
+        m_url.hntt = textIn(block.value);
     } else if (block.tag == "HVRS") {
-        m_url.macHvrs = block.value.has(0, 4) ? std::to_string(number(block.value, 0)) : "";
-        m_url.macFetchCount = 1;
+        m_url.hvrs = block.value.has(0, 4) ? std::to_string(number(block.value, 0)) : "";
+        m_url.fetchCount = 1;
     } else if (block.tag == "DATA") {
         return bodyEnd(block);
     } else if (block.tag == "CATE") {
@@ -169,14 +169,14 @@ void BlockWalk::open(const Block &block) {
 }
 
 void BlockWalk::noteUnended() {
-    if (m_url.macURLOffset != 0)
+    if (m_url.urlOffset != 0)
         ++m_result.passedOver["entry without its end"];
 }
 
 /// A body's length isn't trusted: the marker after it tells where the next block is. Entries that
 /// stand before a marker of another one's are passed over with it.
 std::uint64_t BlockWalk::bodyEnd(const Block &block) {
-    m_url.macDataFileOffset = block.valueAt();
+    m_url.dataFileOffset = block.valueAt();
     if (!std::exchange(m_soughtMarker, true) || (m_marker && *m_marker < block.at))
         m_marker = m_file.find(kMarker, block.at);
     if (!m_marker) // to stay here would never end
@@ -190,10 +190,10 @@ std::uint64_t BlockWalk::bodyEnd(const Block &block) {
 /// The fields are read from the tag on, whatever the length of the block.
 void BlockWalk::close(const Block &block) {
     if (m_file.has(block.at, kCateBytes)) {
-        m_url.macRecordFileOffset = number(m_file, block.at + kRecordOffset);
-        m_url.macFirstVisitDate = stampAt(m_file, block.at + kFirstVisit);
-        m_url.macLastVisitDate = stampAt(m_file, block.at + kLastVisit);
-        m_url.macDataSize = number(m_file, block.at + kDataSize);
+        m_url.recordFileOffset = number(m_file, block.at + kRecordOffset);
+        m_url.firstVisitDate = stampAt(m_file, block.at + kFirstVisit);
+        m_url.lastVisitDate = stampAt(m_file, block.at + kLastVisit);
+        m_url.dataSize = number(m_file, block.at + kDataSize);
     } else {
         endAt("the end of an entry");
     }
@@ -202,8 +202,8 @@ void BlockWalk::close(const Block &block) {
 
 } // namespace
 
-ReadResult macIECache::ReadMACIECache(ByteView file, TaskMonitor &task, const TakeURL &take) {
-    MacURLs.clear();
+ReadResult MacCacheFile::readMACIECache(ByteView file, TaskMonitor &task, const TakeURL &take) {
+    macURLs.clear();
     const std::uint64_t size = file.size();
     if (size < kHeader)
         return {ReadState::failed, fmt::format("{} bytes are no cache file", size), 0, {}};
@@ -213,24 +213,24 @@ ReadResult macIECache::ReadMACIECache(ByteView file, TaskMonitor &task, const Ta
             fmt::format("the header says that the file has {} bytes, but it has {}", told, size),
             entriesIn(file),
             {}};
-    return BlockWalk(file, MacURLs, take).run(task);
+    return BlockWalk(file, macURLs, take).run(task);
 }
 
-std::int64_t SLong2ULong(std::int64_t value) {
+std::int64_t sLong2ULong(std::int64_t value) {
     constexpr std::int64_t kLargest = 0x7FFFFFFF;
     constexpr std::int64_t kTwoTo32 = 4294967296;
     return value < 0 ? value + kTwoTo32 : std::min(value, kLargest);
 }
 
-Date TimeStampToDate(std::int64_t value) {
-    return ConvertSecondsToDate(SLong2ULong(value - kSeconds1904To1970));
+Date timeStampToDate(std::int64_t value) {
+    return convertSecondsToDate(sLong2ULong(value - kSeconds1904To1970));
 }
 
-Date ConvertSecondsToDate(std::int64_t value) {
+Date convertSecondsToDate(std::int64_t value) {
     return Date::fromUnixSeconds(value);
 }
 
-std::int64_t GetUnixTimeNow(const Clock &clock) {
+std::int64_t getUnixTimeNow(const Clock &clock) {
     const auto since1970 = clock.now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::seconds>(since1970).count();
 }

@@ -15,46 +15,46 @@ namespace nv {
 
 /// One entry of the cache of Internet Explorer for Macintosh. Offsets are from the start of the
 /// cache file; 0 stands for a block that the entry doesn't have.
-struct macIEURLClass {
+struct MacCacheEntry {
     std::uint64_t recordOffset = 0; ///< of the entry's first block
-    std::uint64_t macURLOffset = 0; ///< of the text
-    std::uint64_t macDataFileOffset = 0;
-    std::uint32_t macRecordFileOffset = 0; ///< what the entry says of itself
-    std::uint32_t macDataSize = 0;
-    std::int32_t macFetchCount = 0;
-    Date macFirstVisitDate;
-    Date macLastVisitDate;
-    std::string macURL;
-    std::string macMime;
-    std::string macBSrl;
-    std::string macHntt;
-    std::string macHvrs;
+    std::uint64_t urlOffset = 0;    ///< of the text
+    std::uint64_t dataFileOffset = 0;
+    std::uint32_t recordFileOffset = 0; ///< what the entry says of itself
+    std::uint32_t dataSize = 0;
+    std::int32_t fetchCount = 0;
+    Date firstVisitDate;
+    Date lastVisitDate;
+    std::string url;
+    std::string mime;
+    std::string bSrl;
+    std::string hntt;
+    std::string hvrs;
 };
 
-using macIEURLs = KeyedList<macIEURLClass>;
+using MacCacheEntries = KeyedList<MacCacheEntry>;
 
 /// The whole cache file, and what is found in it.
-class macIECache {
+class MacCacheFile {
   public:
-    using TakeURL = std::function<void(const macIEURLClass &)>;
+    using TakeURL = std::function<void(const MacCacheEntry &)>;
 
-    macIEURLs MacURLs;
+    MacCacheEntries macURLs;
 
-    /// Fills `MacURLs` and hands on each entry as it is found. A file whose size isn't the one in
+    /// Fills `macURLs` and hands on each entry as it is found. A file whose size isn't the one in
     /// its header gives none. A cancelled reading leaves what was collected.
-    ReadResult ReadMACIECache(ByteView file, TaskMonitor &task, const TakeURL &take);
+    ReadResult readMACIECache(ByteView file, TaskMonitor &task, const TakeURL &take);
 };
 
 // The clock of the format.
 
 /// A value above 0x7FFFFFFF is held at that; a negative one is an unsigned number of 32 bits.
-std::int64_t SLong2ULong(std::int64_t value);
+std::int64_t sLong2ULong(std::int64_t value);
 /// A stamp in seconds since 1904, as a signed number of 32 bits. The five hours by which the
 /// writer's clock was taken to be off come on top: 1970 begins at 2082862800.
-Date TimeStampToDate(std::int64_t value);
+Date timeStampToDate(std::int64_t value);
 /// Seconds since 1970.
-Date ConvertSecondsToDate(std::int64_t value);
+Date convertSecondsToDate(std::int64_t value);
 /// Seconds since 1970 at this moment.
-std::int64_t GetUnixTimeNow(const Clock &clock);
+std::int64_t getUnixTimeNow(const Clock &clock);
 
 } // namespace nv
