@@ -45,7 +45,7 @@ std::string artefactText(const ArtefactResult &artefact) {
     std::string text = fmt::format("{:<12} {:>9} {:<4}  type {:<3} {:<20} {}  {}\n",
                                    stateWord(artefact.state), artefact.rowsSaved,
                                    rowWord(artefact.rowsSaved), static_cast<int>(artefact.type),
-                                   artefact.readerKey, artefact.MD5Hash, textOf(artefact.path));
+                                   artefact.readerKey, artefact.md5Hash, textOf(artefact.path));
     for (const std::string &note : notesOf(artefact))
         text += fmt::format("    {}\n", note);
     return text;

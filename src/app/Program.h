@@ -10,7 +10,7 @@
 #include "app/ThreadClass.h"
 #include "base/Clock.h"
 #include "base/Examiner.h"
-#include "import/ImportClass.h"
+#include "import/ImportSettings.h"
 #include "platform/Network.h"
 #include "platform/SystemTime.h"
 
@@ -43,7 +43,7 @@ struct Program {
     std::vector<std::unique_ptr<ScratchFolder>> scratch;
     std::unique_ptr<ProjectHold> projectHold; ///< of a project open for writing; goes after it
     ThisClass thisClass;
-    ImportClass import;
+    ImportSettings import;
 };
 
 /// The start-up steps between the splash and the main window: version, log, companion tool,

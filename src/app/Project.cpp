@@ -147,7 +147,7 @@ void closeProject(Program &program) {
     state.ProjectDBPath.clear();
     state.RootPath.clear();
     state.CurrentSQLDef = state.DefaultSQLDef;
-    program.import.HistoryFiles.clear();
+    program.import.historyFiles.clear();
     program.import.gaps = {};
 }
 

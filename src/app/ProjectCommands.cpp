@@ -44,9 +44,9 @@ constexpr std::string_view kDefaultQueryInCapitals =
     "SELECT * FROM URLS ORDER BY ACTIONDATELOCAL ASC";
 
 ImportSummary importAlone(Program &program, const HistoryFile &artefact) {
-    program.import.HistoryFiles.clear();
+    program.import.historyFiles.clear();
     program.import.gaps = {};
-    program.import.HistoryFiles.add(artefact);
+    program.import.historyFiles.add(artefact);
     const OpenTask task(program.thread, {});
     return runImportJob(program, program.thread, program.thisClass.TempFolderPath);
 }

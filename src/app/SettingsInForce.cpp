@@ -17,9 +17,9 @@ void handDown(Program &program, const SettingFacts &row) {
     if (is(&SettingValues::VerifyFileSignatures))
         program.import.VerifyFileSignatures = state.VerifyFileSignatures;
     if (is(&SettingValues::ParseAdvancedMetadata))
-        program.import.ParseAdvancedMetadata = state.ParseAdvancedMetadata;
+        program.import.parseAdvancedMetadata = state.ParseAdvancedMetadata;
     if (is(&SettingValues::ThumbnailsWhileImporting))
-        program.import.MakeThumbnails = state.ThumbnailsWhileImporting;
+        program.import.makeThumbnails = state.ThumbnailsWhileImporting;
 }
 
 } // namespace

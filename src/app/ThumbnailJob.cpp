@@ -88,15 +88,15 @@ std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::in
 }
 
 std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t lastId) {
-    const ImportClass &import = program.import;
+    const ImportSettings &import = program.import;
     // Without pictures there are no pages either: see MakeThumbnail.
-    if (!import.MakeThumbnails || !import.MakePictureThumbnails)
+    if (!import.makeThumbnails || !import.makePictureThumbnails)
         return {};
     UnreadRows logged;
     return idsOf(program,
                  fmt::format("SELECT URL_ID FROM URLs WHERE URL_ID > {} AND CacheFileExists AND "
                              "NOT IsCookie AND Category IN ('Pictures'{}) ORDER BY URL_ID",
-                             lastId, import.MakeWebPageThumbnails ? ", 'HTML'" : ""),
+                             lastId, import.makeWebPageThumbnails ? ", 'HTML'" : ""),
                  logged);
 }
 

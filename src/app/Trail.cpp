@@ -35,8 +35,8 @@ TrailEntry entryOf(const ArtefactResult &artefact) {
     if (!artefact.warning.empty())
         entry.detail += "; " + artefact.warning;
     entry.filePath = textOf(artefact.path);
-    entry.fileSize = static_cast<std::int64_t>(artefact.FileSize);
-    entry.md5Hash = artefact.MD5Hash;
+    entry.fileSize = static_cast<std::int64_t>(artefact.fileSize);
+    entry.md5Hash = artefact.md5Hash;
     entry.sha256Hash = artefact.sha256Hash;
     entry.rowCount = static_cast<std::int64_t>(artefact.rowsSaved);
     return entry;

@@ -191,12 +191,12 @@ ScanResult scanPath(Session &session, const Arguments &arguments, const fs::path
     Program &program = session.program;
     if (const Reader *reader = readerByKey(arguments.as))
         return listAs(*reader, path, session.task, program.log);
-    program.import.StartingDirectory = path.string();
+    program.import.startingDirectory = path.string();
     return scan(program.import, session.task, program.log);
 }
 
 void tellUnknown(Session &session, const fs::path &path, const ScanResult &found) {
-    const bool nothing = found.HistoryFiles.count() == 0 && found.gaps.unreadable.empty();
+    const bool nothing = found.historyFiles.count() == 0 && found.gaps.unreadable.empty();
     // Whoever names a file expects it to be read.
     if (fs::is_regular_file(path) && nothing && !found.cancelled)
         session.err << fmt::format(
@@ -207,15 +207,15 @@ void tellUnknown(Session &session, const fs::path &path, const ScanResult &found
 
 /// Scans every path; false when the scan was cancelled. `gaps` are known before.
 bool findArtefacts(Session &session, const Arguments &arguments, const ScanGaps &gaps) {
-    ImportClass &job = session.program.import;
+    ImportSettings &job = session.program.import;
     const std::set<std::string_view> kinds(arguments.kinds.begin(), arguments.kinds.end());
-    job.HistoryFiles.clear();
+    job.historyFiles.clear();
     job.gaps = gaps;
     for (const std::string &path : arguments.paths) {
         const ScanResult found = scanPath(session, arguments, fs::canonical(path));
-        for (const HistoryFile &file : found.HistoryFiles)
+        for (const HistoryFile &file : found.historyFiles)
             if (isWanted(file, kinds))
-                job.HistoryFiles.add(file);
+                job.historyFiles.add(file);
         job.gaps.add(found.gaps);
         tellUnknown(session, path, found);
         if (found.cancelled)
@@ -262,8 +262,8 @@ Exit run(Session &session, const Arguments &given) {
     requireZones(program); // now that of the project
     chooseBase(session, arguments);
     program.import.VerifyFileSignatures &= !arguments.noSignatures;
-    program.import.ParseAdvancedMetadata &= !arguments.noMetadata;
-    program.import.MakeThumbnails = arguments.thumbnails;
+    program.import.parseAdvancedMetadata &= !arguments.noMetadata;
+    program.import.makeThumbnails = arguments.thumbnails;
 
     ImportSummary summary;
     summary.cancelled = !findArtefacts(session, arguments, unreachable);

@@ -13,7 +13,7 @@ using Json = nlohmann::ordered_json;
 
 Json jsonOf(const ArtefactResult &artefact) {
     return {{"path", textOf(artefact.path)},      {"type", static_cast<int>(artefact.type)},
-            {"reader", artefact.readerKey},       {"md5", artefact.MD5Hash},
+            {"reader", artefact.readerKey},       {"md5", artefact.md5Hash},
             {"state", stateWord(artefact.state)}, {"rows", artefact.rowsSaved},
             {"rows_lost", artefact.rowsLost},     {"not_reached", artefact.notReached},
             {"passed_over", artefact.passedOver}, {"noted", artefact.noted},

@@ -18,7 +18,7 @@ constexpr std::string_view kProcedure = "MainBAS.ParseAdvancedMetaData()";
 
 } // namespace
 
-PageFindings AdvancedMetadata::ParseAdvancedMetadata(UrlRecord &record,
+PageFindings AdvancedMetadata::parseAdvancedMetadata(UrlRecord &record,
                                                      SavedContent &content) const {
     PageFindings found;
     // A reader that knows of no content names the artefact itself as the record's file, and the
@@ -48,10 +48,10 @@ void AdvancedMetadata::examine(UrlRecord &record, SavedContent &content,
         // The probe knows whether there is a title, but not the page's encoding.
         if (std::string title = hasTitle ? titleOf(html) : ""; !title.empty())
             record.WebpageTitle = std::move(title);
-        PageContent page = ReadPageContent(html, content.file());
-        found.links = page.Links.size();
-        if (!page.Body.empty())
-            record.HTMLBody = std::move(page.Body);
+        PageContent page = readPageContent(html, content.file());
+        found.links = page.links.size();
+        if (!page.body.empty())
+            record.HTMLBody = std::move(page.body);
     });
 }
 

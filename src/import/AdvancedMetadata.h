@@ -25,7 +25,7 @@ class AdvancedMetadata {
 
     /// Before the record is saved, with its names in order: sets `IsWebPage`, `WebpageTitle` and
     /// `HTMLBody`, so that its row is written once. Its own `Links` stay as they are.
-    PageFindings ParseAdvancedMetadata(UrlRecord &record, SavedContent &content) const;
+    PageFindings parseAdvancedMetadata(UrlRecord &record, SavedContent &content) const;
 
     /// After it: stores what is no member of the record.
     void store(UrlRecord &record, const PageFindings &found, RecordStore &rows) const;

@@ -76,7 +76,7 @@ std::string_view categoryOfExtension(std::string_view extension) {
 
 void Verdict::applyTo(UrlRecord &record) const {
     record.cacheType = toUpper(record.cacheType);
-    record.Category = Category;
+    record.Category = category;
     if (!extension.empty())
         record.CacheFileExt = extension;
 }
@@ -91,7 +91,7 @@ Verdict Categories::verdictOn(const UrlRecord &record, SavedContent &content) co
     if (verdict.extension.empty())
         verdict.extension = record.URLFileExt.empty() ? record.CacheFileExt : record.URLFileExt;
     const std::string_view category = categoryOfExtension(verdict.extension);
-    verdict.Category = category.empty() ? record.Category : std::string(category);
+    verdict.category = category.empty() ? record.Category : std::string(category);
     return verdict;
 }
 

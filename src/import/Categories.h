@@ -15,7 +15,7 @@ std::string_view categoryOfExtension(std::string_view extension);
 /// What categorising makes of a record.
 struct Verdict {
     std::string extension; ///< by content where that was looked at, otherwise by name; may be empty
-    std::string Category;
+    std::string category;
 
     /// Puts both, and the upper-case `cacheType`, into the record.
     void applyTo(UrlRecord &record) const;

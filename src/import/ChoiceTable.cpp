@@ -1,6 +1,6 @@
 #include "import/ChoiceTable.h"
 
-#include "import/ImportClass.h"
+#include "import/ImportSettings.h"
 
 #include <algorithm>
 #include <array>

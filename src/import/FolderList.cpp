@@ -21,7 +21,7 @@ void showFolder(TaskMonitor &task, const fs::path &folder) {
 
 } // namespace
 
-std::vector<fs::path> GetFolderList(const Evidence &evidence, const fs::path &root, Depth depth,
+std::vector<fs::path> getFolderList(const Evidence &evidence, const fs::path &root, Depth depth,
                                     TaskMonitor &task, FailureLog &log, ScanGaps &gaps) {
     if (depth == Depth::thisFolder)
         return {root};

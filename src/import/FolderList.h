@@ -14,7 +14,7 @@ enum class Depth { thisFolder, allBelow };
 
 /// `root` and, with `allBelow`, every folder below it, depth first. Folders that can't be read are
 /// logged, noted in `gaps` and not listed. Ends early when the task is cancelled.
-std::vector<std::filesystem::path> GetFolderList(const Evidence &evidence,
+std::vector<std::filesystem::path> getFolderList(const Evidence &evidence,
                                                  const std::filesystem::path &root, Depth depth,
                                                  TaskMonitor &task, FailureLog &log,
                                                  ScanGaps &gaps);

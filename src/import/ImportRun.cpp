@@ -114,13 +114,13 @@ bool isReadAtOnce(const Reader &reader, const HistoryFile &file) {
 
 class Import {
   public:
-    Import(const ImportRun &run, ImportClass &job, ImportSummary &summary)
-        : m_run(run), m_files(job.HistoryFiles), m_summary(summary),
+    Import(const ImportRun &run, ImportSettings &job, ImportSummary &summary)
+        : m_run(run), m_files(job.historyFiles), m_summary(summary),
           m_log(run.log, summary.gaps.unreadable),
           m_scratch(run.scratch), m_extraction{run.evidence, m_scratch.path(), m_log},
           m_categories(job.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        m_log),
-          m_metadata(m_log), m_looksIntoPages(job.ParseAdvancedMetadata),
+          m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata),
           m_sources(run.project, run.clock, m_log),
           m_store(run.project, run.zone, run.clock, m_log),
           m_batch(run.project, [this] { note(); }) {}
@@ -277,8 +277,8 @@ ImportSummary nothingReached(const ImportRun &run, const HistoryFiles &files) {
         result.path = file.fullPath;
         result.type = file.historyFileType;
         result.readerKey = reader ? reader->key : "";
-        result.FileSize = file.fileSize;
-        result.MD5Hash = file.md5Hash;
+        result.fileSize = file.fileSize;
+        result.md5Hash = file.md5Hash;
         result.sha256Hash = file.sha256Hash;
     }
     return summary;
@@ -286,12 +286,12 @@ ImportSummary nothingReached(const ImportRun &run, const HistoryFiles &files) {
 
 } // namespace
 
-ImportSummary runImport(const ImportRun &run, ImportClass &job) {
-    if (job.CancelImport)
-        job.HistoryFiles.clear();
-    ImportSummary summary = nothingReached(run, job.HistoryFiles);
+ImportSummary runImport(const ImportRun &run, ImportSettings &job) {
+    if (job.cancelImport)
+        job.historyFiles.clear();
+    ImportSummary summary = nothingReached(run, job.historyFiles);
     summary.gaps = job.gaps;
-    summary.cancelled = job.CancelImport;
+    summary.cancelled = job.cancelImport;
     summary.failure = failureOf(run.log, kProcedure, [&] {
                           Import(run, job, summary).all();
                       }).value_or(std::string());

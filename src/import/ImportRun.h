@@ -4,7 +4,7 @@
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
 #include "db/RecordStore.h"
-#include "import/ImportClass.h"
+#include "import/ImportSettings.h"
 #include "import/ImportSummary.h"
 #include "readers/Evidence.h"
 #include "readers/Registry.h"
@@ -30,7 +30,7 @@ struct ImportRun {
 /// Reads the files of `job` into the project, in their order. One file's failure is its own: the
 /// next one runs. A cancel keeps the rows saved so far and leaves the remaining files unread. A
 /// failure of the project itself, such as a full disk, ends the import and stands in the summary.
-/// With `CancelImport` set the list is emptied and nothing is read.
-[[nodiscard]] ImportSummary runImport(const ImportRun &run, ImportClass &job);
+/// With `cancelImport` set the list is emptied and nothing is read.
+[[nodiscard]] ImportSummary runImport(const ImportRun &run, ImportSettings &job);
 
 } // namespace nv

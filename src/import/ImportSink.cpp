@@ -13,7 +13,7 @@ void ImportSink::save(UrlRecord &record) {
     m_extraction.source = m_file.historyFileType;
     SavedContent content(record, m_extraction, m_content);
     const Verdict verdict = m_categories.verdictOn(record, content);
-    record.Category = verdict.Category;
+    record.Category = verdict.category;
     write(record, content);
     verdict.applyTo(record);
     if (record.URLID == UrlId::none)
@@ -27,7 +27,7 @@ void ImportSink::save(UrlRecord &record) {
 void ImportSink::write(UrlRecord &record, SavedContent &content) {
     if (!m_metadata)
         return m_store.saveRecord(record, m_file);
-    const PageFindings found = m_metadata->ParseAdvancedMetadata(record, content);
+    const PageFindings found = m_metadata->parseAdvancedMetadata(record, content);
     m_store.saveRecord(record, m_file);
     m_metadata->store(record, found, m_store);
 }

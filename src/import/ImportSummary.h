@@ -31,8 +31,8 @@ struct ArtefactResult {
     std::filesystem::path path;
     HistoryFileType type = HistoryFileType::none; ///< as the reader refined it
     std::string readerKey;
-    std::uint64_t FileSize = 0; ///< bytes
-    std::string MD5Hash;
+    std::uint64_t fileSize = 0; ///< bytes
+    std::string md5Hash;
     std::string sha256Hash;
     ArtefactState state = ArtefactState::notReached;
     std::string reason; ///< why it isn't complete

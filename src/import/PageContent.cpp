@@ -104,7 +104,7 @@ class BodyWalk {
         }
     }
     PageContent take() {
-        m_content.Body = m_text.take();
+        m_content.body = m_text.take();
         return std::move(m_content);
     }
 
@@ -148,7 +148,7 @@ class BodyWalk {
         std::string link(trim(href.value_or(std::string_view())));
         std::erase_if(link, [](char c) { return c == '\n' || c == '\r' || c == '\t'; });
         if (!link.empty())
-            m_content.Links.push_back(std::move(link));
+            m_content.links.push_back(std::move(link));
     }
 
     PageContent m_content;
@@ -166,7 +166,7 @@ const HtmlDocument::Node *bodyOf(const HtmlDocument &document) {
 
 } // namespace
 
-std::string ReadPageText(const ByteSource &file, std::string_view httpHeader) {
+std::string readPageText(const ByteSource &file, std::string_view httpHeader) {
     if (file.size() > kPageBytes)
         throw PageTooLarge(file.path(), fmt::format("its {} bytes are more than the limit of {}",
                                                     file.size(), kPageBytes));
@@ -174,7 +174,7 @@ std::string ReadPageText(const ByteSource &file, std::string_view httpHeader) {
     return decodePage(ByteView(bytes), httpHeader);
 }
 
-PageContent ReadPageContent(std::string_view html, const std::filesystem::path &file) {
+PageContent readPageContent(std::string_view html, const std::filesystem::path &file) {
     const HtmlDocument document(html, file);
     BodyWalk walk;
     if (const HtmlDocument::Node *body = bodyOf(document))

@@ -19,16 +19,16 @@ inline constexpr std::uint64_t kPageBytes = std::uint64_t{8} << 20;
 struct PageContent {
     /// The text between the tags of "body" as a browser shows it: no script, no style, no comment,
     /// white space as one blank, and a line break where a block begins or ends.
-    std::string Body;
+    std::string body;
     /// The targets of "a" and "area" in their order, as they stand in the page: what they lead to
     /// depends on the page's address, which is the record's. Without empty ones.
-    std::vector<std::string> Links;
+    std::vector<std::string> links;
 };
 
 /// The text of a page file in UTF-8. Throws FileFailure, and PageTooLarge for more than kPageBytes.
-std::string ReadPageText(const ByteSource &file, std::string_view httpHeader);
+std::string readPageText(const ByteSource &file, std::string_view httpHeader);
 
 /// Reads a page in UTF-8; `file` is its name in failures. Throws PageTooLarge.
-PageContent ReadPageContent(std::string_view html, const std::filesystem::path &file);
+PageContent readPageContent(std::string_view html, const std::filesystem::path &file);
 
 } // namespace nv

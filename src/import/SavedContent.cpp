@@ -66,9 +66,9 @@ std::string SavedContent::pageText() {
     if (const auto bytes = m_probe.bytes())
         return decodePage(viewOf(*bytes), m_record.MetaData);
     if (isScratch(*found))
-        return ReadPageText(ScratchFile(found->file), m_record.MetaData);
+        return readPageText(ScratchFile(found->file), m_record.MetaData);
     return tellingGaps(m_extraction.log, [&] {
-        return ReadPageText(m_extraction.evidence.open(found->file), m_record.MetaData);
+        return readPageText(m_extraction.evidence.open(found->file), m_record.MetaData);
     });
 }
 

@@ -42,7 +42,7 @@ HistoryFile describe(const fs::path &file, const Reader &reader) {
 
 class Scan {
   public:
-    Scan(const ImportClass &job, TaskMonitor &task, FailureLog &log, EvidenceWatch *watch,
+    Scan(const ImportSettings &job, TaskMonitor &task, FailureLog &log, EvidenceWatch *watch,
          Formats formats)
         : m_job(job), m_formats(formats), m_mask(maskText(job, formats)), m_task(task), m_log(log),
           m_evidence({}, watch) {}
@@ -62,7 +62,7 @@ class Scan {
   private:
     void scanStart() {
         // Paths go into the project: they must not hang on the folder that the program runs in.
-        const fs::path start = fs::absolute(m_job.StartingDirectory).lexically_normal();
+        const fs::path start = fs::absolute(m_job.startingDirectory).lexically_normal();
         const PlaceKind kind = m_evidence.kindOf(start);
         if (kind == PlaceKind::file)
             tryFile(start, Asked::byName, 0);
@@ -80,8 +80,8 @@ class Scan {
     }
 
     void scanFolders(const fs::path &start) {
-        const auto depth = m_job.RecurseSubfolders ? Depth::allBelow : Depth::thisFolder;
-        const auto folders = GetFolderList(m_evidence, start, depth, m_task, m_log, m_result.gaps);
+        const auto depth = m_job.recurseSubfolders ? Depth::allBelow : Depth::thisFolder;
+        const auto folders = getFolderList(m_evidence, start, depth, m_task, m_log, m_result.gaps);
         const auto count = static_cast<double>(folders.size());
         for (std::size_t i = 0; i < folders.size() && goOn(static_cast<double>(i) / count); ++i) {
             showFolder(folders[i], i + 1, folders.size());
@@ -135,7 +135,7 @@ class Scan {
         artefact.fileSize = hashes->size;
         artefact.md5Hash = hashes->md5;
         artefact.sha256Hash = hashes->sha256;
-        m_result.HistoryFiles.add(std::move(artefact));
+        m_result.historyFiles.add(std::move(artefact));
     }
 
     /// A folder or file that can't be read is logged and noted, and the scan goes on.
@@ -161,7 +161,7 @@ class Scan {
         m_task.show(step);
     }
 
-    const ImportClass &m_job;
+    const ImportSettings &m_job;
     Formats m_formats;
     const FileMask m_mask;
     /// What files led to that are not artefacts themselves: many files of a folder lead to it.
@@ -174,13 +174,13 @@ class Scan {
 
 } // namespace
 
-ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log, EvidenceWatch *watch,
+ScanResult scan(const ImportSettings &job, TaskMonitor &task, FailureLog &log, EvidenceWatch *watch,
                 Formats formats) {
     return Scan(job, task, log, watch, formats).run();
 }
 
 ScanResult listAs(const Reader &reader, const fs::path &file, TaskMonitor &task, FailureLog &log) {
-    const ImportClass job;
+    const ImportSettings job;
     return Scan(job, task, log, nullptr, registry()).takeAs(reader, file);
 }
 

@@ -2,7 +2,7 @@
 
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
-#include "import/ImportClass.h"
+#include "import/ImportSettings.h"
 #include "readers/Reader.h"
 
 #include <filesystem>
@@ -11,7 +11,7 @@ namespace nv {
 
 struct ScanResult {
     nv::HistoryFiles
-        HistoryFiles; ///< with MD5, size, type and version; what was found so far when cancelled
+        historyFiles; ///< with MD5, size, type and version; what was found so far when cancelled
     ScanGaps gaps;
     bool cancelled = false;
 };
@@ -20,7 +20,7 @@ struct ScanResult {
 /// mask is applied. A file whose format's check box is off is passed over; one that several formats
 /// take is listed once for each. The hash of a folder that is an artefact is that of the names and
 /// bytes of its files, hashesOfArtefact(). `watch` stands beside all reading, where given.
-[[nodiscard]] ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log,
+[[nodiscard]] ScanResult scan(const ImportSettings &job, TaskMonitor &task, FailureLog &log,
                               EvidenceWatch *watch = nullptr, Formats formats = registry());
 
 /// Lists that one file as the format of `reader`, whatever its name and bytes say.

@@ -99,17 +99,17 @@ class PageRefresh {
         // The cheap test, before anything is decoded or parsed: most of a cache is pictures.
         if (!facts->hasHtml && !facts->hasBody)
             return;
-        write(record.URLID, ReadPageContent(content.pageText(), content.file()));
+        write(record.URLID, readPageContent(content.pageText(), content.file()));
         ++m_totals.refreshed;
     }
 
     void write(UrlId id, const PageContent &page) {
         std::string links;
-        for (const std::string &link : page.Links)
+        for (const std::string &link : page.links)
             links.append(links.empty() ? "" : "\r\n").append(link);
         onProject([&] {
             m_update.tryReset();
-            m_update.bindNoCopy(1, page.Body);
+            m_update.bindNoCopy(1, page.body);
             m_update.bindNoCopy(2, links);
             m_update.bind(3, number(id));
             m_update.exec();

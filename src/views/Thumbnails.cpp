@@ -174,8 +174,8 @@ void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> i
         ThumbnailRun(ctx, ids, task, totals).all();
 }
 
-bool MakeThumbnail(UrlRecord &URL, const ImportClass &import, const ThumbnailContext &ctx) {
-    if (!import.MakePictureThumbnails || !URL.CacheFileExists)
+bool MakeThumbnail(UrlRecord &URL, const ImportSettings &import, const ThumbnailContext &ctx) {
+    if (!import.makePictureThumbnails || !URL.CacheFileExists)
         return false;
     return trapped(ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport, false,
                    [&] {

@@ -5,7 +5,7 @@
 #include "base/TaskMonitor.h"
 #include "db/RecordStore.h"
 #include "import/Categories.h"
-#include "import/ImportClass.h"
+#include "import/ImportSettings.h"
 #include "platform/Drawing.h"
 #include "readers/Evidence.h"
 #include "views/UnreadRows.h"
@@ -56,7 +56,7 @@ void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> i
 /// Builds the record's thumbnail and its P.A.R.D. value, in the record and in its row. Only when
 /// `import` makes thumbnails of pictures: that box is asked for pages too, as it always was. False
 /// when there is none.
-bool MakeThumbnail(UrlRecord &URL, const ImportClass &import, const ThumbnailContext &ctx);
+bool MakeThumbnail(UrlRecord &URL, const ImportSettings &import, const ThumbnailContext &ctx);
 
 /// Draws one picture file, `width` pixels wide, and measures it into the record. A failure is
 /// logged.

@@ -25,7 +25,7 @@ void pageFromFile(benchmark::State &state) {
     const test::TempFolder folder;
     const auto file = folder.write("page.htm", newsPage());
     for (auto _ : state)
-        benchmark::DoNotOptimize(ReadPageContent(ReadPageText(ScratchFile(file), ""), file));
+        benchmark::DoNotOptimize(readPageContent(readPageText(ScratchFile(file), ""), file));
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(pageFromFile)->Unit(benchmark::kMicrosecond);

@@ -57,8 +57,8 @@ void checkCost(const std::string &html) {
     const Tree tree = treeOf(html);
     require(tree.depth <= 3 * cost.depth + 8);
     require(tree.elements <= 8 * cost.nodes + 16);
-    const nv::PageContent page = nv::ReadPageContent(html, "page");
-    require(nv::isUtf8(page.Body) && page.Links.size() <= tree.elements);
+    const nv::PageContent page = nv::readPageContent(html, "page");
+    require(nv::isUtf8(page.body) && page.links.size() <= tree.elements);
 }
 
 } // namespace

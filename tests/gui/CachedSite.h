@@ -30,9 +30,9 @@ class CachedSite {
         trigger(form, "actNew");
         Program &program = desk.program;
         setRootPath(program, m_folder);
-        program.import.StartingDirectory = (m_folder / "index.dat").string();
+        program.import.startingDirectory = (m_folder / "index.dat").string();
         Unwatched nobody;
-        program.import.HistoryFiles = scan(program.import, nobody, program.log).HistoryFiles;
+        program.import.historyFiles = scan(program.import, nobody, program.log).historyFiles;
         static_cast<void>(runImportJob(program, nobody, program.thisClass.TempFolderPath));
         trigger(form, "actRefresh");
     }

@@ -147,9 +147,9 @@ inline void openExample(Desk &desk, MainForm &form) {
     trigger(form, "actNew");
     const fs::path evidence = makeEvidence(desk.folder);
     setRootPath(program, evidence);
-    program.import.StartingDirectory = evidence.string();
+    program.import.startingDirectory = evidence.string();
     Unwatched nobody;
-    program.import.HistoryFiles = scan(program.import, nobody, program.log).HistoryFiles;
+    program.import.historyFiles = scan(program.import, nobody, program.log).historyFiles;
     static_cast<void>(runImportJob(program, nobody, program.thisClass.TempFolderPath));
     trigger(form, "actRefresh");
 }

@@ -117,10 +117,10 @@ void LinksTest::openEvidence() {
     m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
     trigger(*m_form, "actNew");
     setRootPath(program, evidence);
-    program.import.StartingDirectory = evidence.string();
-    program.import.ParseAdvancedMetadata = true;
+    program.import.startingDirectory = evidence.string();
+    program.import.parseAdvancedMetadata = true;
     Unwatched nobody;
-    program.import.HistoryFiles = scan(program.import, nobody, program.log).HistoryFiles;
+    program.import.historyFiles = scan(program.import, nobody, program.log).historyFiles;
     static_cast<void>(runImportJob(program, nobody, program.thisClass.TempFolderPath));
     trigger(*m_form, "actRefresh");
 }

@@ -163,7 +163,7 @@ void MainWindowTest::theWizardMakesThumbnailsWhenItsBoxIsTicked() {
         QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
     });
     trigger(*m_form, "actImport");
-    QVERIFY(program.import.MakeThumbnails);
+    QVERIFY(program.import.makeThumbnails);
     QVERIFY(program.settings.ReadIniValue("BEYOND", "ThumbnailsWhileImporting", false));
     whenShown<ImportForm>([](ImportForm &wizard) {
         QVERIFY(child<QCheckBox>(wizard, "chkThumbnailsWhileImporting").isChecked());

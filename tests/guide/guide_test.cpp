@@ -32,10 +32,10 @@ TEST_F(Guide, makesAReaderThatIsOfferedFoundAndRead) {
     const auto sound = test::artefactIn(test::soundCase(reader, NV_GOLDEN_DIR), reader);
     const test::TempFolder evidence;
     std::filesystem::copy(sound, evidence.path() / "foo.hst");
-    job.StartingDirectory = evidence.path();
+    job.startingDirectory = evidence.path();
     Unwatched task;
-    job.HistoryFiles = scan(job, task, project.log).HistoryFiles;
-    ASSERT_EQ(job.HistoryFiles.count(), 1U);
+    job.historyFiles = scan(job, task, project.log).historyFiles;
+    ASSERT_EQ(job.historyFiles.count(), 1U);
     const ImportSummary summary = import(task, readerFor);
     EXPECT_EQ(summary.artefacts.at(0).readerKey, "foo-history");
     EXPECT_EQ(summary.artefacts.at(0).state, ArtefactState::complete);

@@ -28,9 +28,9 @@ class ImportedSite {
         std::filesystem::create_directories(temp);
         const Evidence found(evidence);
         Unwatched task;
-        ImportClass job;
-        job.StartingDirectory = evidence.string();
-        job.HistoryFiles = scan(job, task, project.log).HistoryFiles;
+        ImportSettings job;
+        job.startingDirectory = evidence.string();
+        job.historyFiles = scan(job, task, project.log).historyFiles;
         const ImportRun run{project.connection(),
                             project.projectZone(),
                             found,

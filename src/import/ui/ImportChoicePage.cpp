@@ -15,7 +15,7 @@
 
 namespace nv {
 
-ImportChoicePage::ImportChoicePage(const ImportClass &job, const std::filesystem::path &start,
+ImportChoicePage::ImportChoicePage(const ImportSettings &job, const std::filesystem::path &start,
                                    const std::filesystem::path &base, ChooseFolder chooseFolder)
     : m_chooseFolder(std::move(chooseFolder)) {
     setObjectName(QStringLiteral("ImportChoicePage"));
@@ -75,7 +75,7 @@ QCheckBox *ImportChoicePage::newBox(const QString &text, std::string_view name, 
     return box;
 }
 
-QWidget *ImportChoicePage::newKinds(const ImportClass &job) {
+QWidget *ImportChoicePage::newKinds(const ImportSettings &job) {
     auto *group = new QGroupBox(tr("What to look for"));
     auto *grid = new QGridLayout(group);
     grid->setHorizontalSpacing(24);
@@ -114,16 +114,16 @@ QWidget *ImportChoicePage::newKinds(const ImportClass &job) {
     return group;
 }
 
-QWidget *ImportChoicePage::newOptions(const ImportClass &job) {
+QWidget *ImportChoicePage::newOptions(const ImportSettings &job) {
     auto *group = new QGroupBox(tr("How"));
     auto *column = new QVBoxLayout(group);
-    m_recurse = newBox(tr("Look into s&ubfolders"), "RecurseSubfolders", job.RecurseSubfolders);
+    m_recurse = newBox(tr("Look into s&ubfolders"), "RecurseSubfolders", job.recurseSubfolders);
     m_verify = newBox(tr("&Verify file contents, not names alone"), "chkVerifyFileContents",
                       job.VerifyFileSignatures);
     m_metadata = newBox(tr("Read titles, texts and links of cached pages (advanced &metadata)"),
-                        "chkParseAdvancedMetadata", job.ParseAdvancedMetadata);
+                        "chkParseAdvancedMetadata", job.parseAdvancedMetadata);
     m_thumbnails = newBox(tr("Make &thumbnails of pictures and pages while importing"),
-                          "chkThumbnailsWhileImporting", job.MakeThumbnails);
+                          "chkThumbnailsWhileImporting", job.makeThumbnails);
     m_thumbnails->setToolTip(
         tr("Makes the import slower: some seven pages and some hundred pictures are drawn in a "
            "second. The gallery can make them later."));
@@ -137,12 +137,12 @@ void ImportChoicePage::tickAllKinds(bool on) {
         kind.box->setChecked(on);
 }
 
-void ImportChoicePage::applyTo(ImportClass &job) const {
-    job.StartingDirectory = pathFromQt(m_start->text().trimmed()).string();
-    job.RecurseSubfolders = m_recurse->isChecked();
+void ImportChoicePage::applyTo(ImportSettings &job) const {
+    job.startingDirectory = pathFromQt(m_start->text().trimmed()).string();
+    job.recurseSubfolders = m_recurse->isChecked();
     job.VerifyFileSignatures = m_verify->isChecked();
-    job.ParseAdvancedMetadata = m_metadata->isChecked();
-    job.MakeThumbnails = m_thumbnails->isChecked();
+    job.parseAdvancedMetadata = m_metadata->isChecked();
+    job.makeThumbnails = m_thumbnails->isChecked();
     for (const Kind &kind : m_kinds)
         setWanted(job, *kind.option, kind.box->isChecked());
 }

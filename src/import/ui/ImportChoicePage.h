@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/ImportClass.h"
+#include "import/ImportSettings.h"
 
 #include <QWidget>
 
@@ -26,11 +26,11 @@ class ImportChoicePage final : public QWidget {
 
   public:
     /// Shows the job's options. `base` is the project's base folder, empty when it has none yet.
-    ImportChoicePage(const ImportClass &job, const std::filesystem::path &start,
+    ImportChoicePage(const ImportSettings &job, const std::filesystem::path &start,
                      const std::filesystem::path &base, ChooseFolder chooseFolder);
 
     /// Copies the options to the job.
-    void applyTo(ImportClass &job) const;
+    void applyTo(ImportSettings &job) const;
     /// Empty when nothing was entered: then the starting folder is the base.
     std::filesystem::path baseFolder() const;
 
@@ -38,8 +38,8 @@ class ImportChoicePage final : public QWidget {
     QWidget *newFolders(const std::filesystem::path &start, const std::filesystem::path &base);
     QLineEdit *addFolderRow(QGridLayout &grid, const QString &label, const char *name,
                             const std::string &dialogTitle);
-    QWidget *newKinds(const ImportClass &job);
-    QWidget *newOptions(const ImportClass &job);
+    QWidget *newKinds(const ImportSettings &job);
+    QWidget *newOptions(const ImportSettings &job);
     QCheckBox *newBox(const QString &text, std::string_view name, bool on);
     void tickAllKinds(bool on);
 

@@ -70,13 +70,13 @@ void ImportForm::showStep(Step step) {
     m_next->setDefault(true);
 }
 
-void ImportForm::NextBtn_Click() {
+void ImportForm::nextBtnClick() {
     const auto step = static_cast<Step>(m_pages->currentIndex());
     const auto failure = failureOf(m_program.log, "ImportForm.NextBtn_Click()", [&] {
         if (step == Choose)
             startScan();
         else if (step == Files)
-            ImportFiles();
+            importFiles();
         else
             accept();
     });
@@ -90,7 +90,7 @@ void ImportForm::back() {
 
 /// A project among the evidence would change what other tools see of it.
 bool ImportForm::startingDirectoryIsUsable() {
-    const std::string &start = m_program.import.StartingDirectory;
+    const std::string &start = m_program.import.startingDirectory;
     if (start.empty())
         m_program.around.examiner.tell(messages::startingDirectoryMissing());
     else if (!fs::exists(start))
@@ -104,15 +104,15 @@ bool ImportForm::startingDirectoryIsUsable() {
 }
 
 void ImportForm::startScan() {
-    ImportClass &job = m_program.import;
+    ImportSettings &job = m_program.import;
     m_choice->applyTo(job);
-    keepFlag(m_program, "ParseAdvancedMetaData", job.ParseAdvancedMetadata);
-    keepFlag(m_program, "ThumbnailsWhileImporting", job.MakeThumbnails);
+    keepFlag(m_program, "ParseAdvancedMetaData", job.parseAdvancedMetadata);
+    keepFlag(m_program, "ThumbnailsWhileImporting", job.makeThumbnails);
     if (!startingDirectoryIsUsable())
         return;
     requireZones(m_program);
-    job.HistoryFiles.clear();
-    m_files->setFiles(job.HistoryFiles);
+    job.historyFiles.clear();
+    m_files->setFiles(job.historyFiles);
     m_gaps->clear();
     showScan(runScan());
 }
@@ -139,10 +139,10 @@ ScanResult ImportForm::runScan() {
 }
 
 void ImportForm::showScan(const ScanResult &result) {
-    ImportClass &job = m_program.import;
-    job.HistoryFiles = result.HistoryFiles;
+    ImportSettings &job = m_program.import;
+    job.historyFiles = result.historyFiles;
     job.gaps = result.gaps;
-    m_files->setFiles(job.HistoryFiles);
+    m_files->setFiles(job.historyFiles);
     m_scanFolder->clear();
     m_scanStep->setText(tr("Files found: %L1").arg(m_files->rowCount()));
     const QString gaps = gapsText(result);
@@ -173,7 +173,7 @@ bool ImportForm::goesOnDespiteNetwork() {
 /// another one is named.
 void ImportForm::chooseBase() {
     const fs::path named = m_choice->baseFolder();
-    const fs::path start = fs::canonical(m_program.import.StartingDirectory);
+    const fs::path start = fs::canonical(m_program.import.startingDirectory);
     const fs::path base = !named.empty()            ? fs::canonical(named)
                           : fs::is_directory(start) ? start
                                                     : start.parent_path();
@@ -182,11 +182,11 @@ void ImportForm::chooseBase() {
     keepEvidenceFolder(m_program, start);
 }
 
-void ImportForm::ImportFiles() {
+void ImportForm::importFiles() {
     if (!goesOnDespiteNetwork())
         return;
-    m_files->prune(m_program.import.HistoryFiles);
-    m_program.import.CancelImport = false;
+    m_files->prune(m_program.import.historyFiles);
+    m_program.import.cancelImport = false;
     runImport();
 }
 

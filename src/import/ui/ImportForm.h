@@ -43,7 +43,7 @@ class ImportForm final : public QDialog {
     QWidget *newFinishPage();
     QWidget *newButtons();
     void showStep(Step step);
-    void NextBtn_Click();
+    void nextBtnClick();
     void back();
     void startScan();
     bool startingDirectoryIsUsable();
@@ -52,7 +52,7 @@ class ImportForm final : public QDialog {
     void runImport();
     bool goesOnDespiteNetwork();
     void chooseBase();
-    void ImportFiles();
+    void importFiles();
 
     Program &m_program;
     ImportChoicePage *m_choice = nullptr;

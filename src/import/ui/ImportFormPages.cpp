@@ -130,7 +130,7 @@ QWidget *ImportForm::newButtons() {
     m_next = newButton("btnNext", {});
     connect(m_cancel, &QPushButton::clicked, this, &ImportForm::reject);
     connect(m_back, &QPushButton::clicked, this, &ImportForm::back);
-    connect(m_next, &QPushButton::clicked, this, &ImportForm::NextBtn_Click);
+    connect(m_next, &QPushButton::clicked, this, &ImportForm::nextBtnClick);
 
     auto *buttons = new QWidget;
     auto *row = new QHBoxLayout(buttons);

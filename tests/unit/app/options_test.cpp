@@ -171,7 +171,7 @@ TEST_F(OptionsTest, everythingElseIsAppliedAndWritten) {
     EXPECT_EQ(ini("OPTIONS", "ProgressBarRefreshRate"), "2");
     EXPECT_EQ(program->thread.ProgressBarRefreshRate, 2);
     EXPECT_EQ(ini("BEYOND", "WideRecordIds"), "True");
-    EXPECT_TRUE(program->import.MakeThumbnails);
+    EXPECT_TRUE(program->import.makeThumbnails);
     EXPECT_FALSE(state().TemplateMatchByTitle);
 }
 

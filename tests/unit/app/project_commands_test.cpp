@@ -286,7 +286,7 @@ TEST_F(ProjectCommandsTest, anArtefactThatCantBeRegisteredIsTold) {
     db().connection().exec("ALTER TABLE SourceFiles RENAME TO Elsewhere");
     test::IndexDat index;
     index.add({.url = "Visited: mara@http://host.example/"});
-    program->import.HistoryFiles.add(
+    program->import.historyFiles.add(
         artefactOfCommandLine(folder.write("index.dat", index.bytes())).value());
     examiner.expect("logging-file-failed");
     Unwatched nobody;

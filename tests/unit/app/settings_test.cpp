@@ -57,7 +57,7 @@ TEST_F(SettingsTest, aChoiceOutsideOfOptionsIsInForceAndKept) {
     keepFlag(*program, "ThumbnailsWhileImporting", true);
     keepFlag(*program, "WideRecordIds", false);
     keepFlag(*program, "ShowHosts", true); // no member holds it
-    EXPECT_TRUE(program->import.MakeThumbnails);
+    EXPECT_TRUE(program->import.makeThumbnails);
     EXPECT_FALSE(state().WideRecordIds);
     EXPECT_EQ(ini("BEYOND", "ThumbnailsWhileImporting"), "True");
     EXPECT_EQ(ini("BEYOND", "WideRecordIds"), "False");
@@ -73,9 +73,9 @@ TEST_F(SettingsTest, lowerFoldersBeginWithTheDefaultsOfTheRows) {
     EXPECT_EQ(ThumbnailSettings().ThumbnailRedrawTimeout.count(),
               defaultNumber("THUMBNAILS/ThumbnailRedrawTimeout"));
     EXPECT_EQ(GallerySettings().GalleryRecordsPerPage, defaultNumber("GalleryRecordsPerPage"));
-    const ImportClass job;
+    const ImportSettings job;
     EXPECT_EQ(job.VerifyFileSignatures, program->import.VerifyFileSignatures);
-    EXPECT_EQ(job.ParseAdvancedMetadata, program->import.ParseAdvancedMetadata);
+    EXPECT_EQ(job.parseAdvancedMetadata, program->import.parseAdvancedMetadata);
 }
 
 TEST_F(SettingsTest, aReportBeginsWithTheDefaultsOfTheRows) {

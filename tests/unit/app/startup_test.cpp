@@ -25,7 +25,7 @@ TEST_F(StartupTest, aMissingSettingsFileGivesTheDefaults) {
                 state.GalleryIncludePictures && state.RedrawThumbIfPageRebuilt);
     EXPECT_FALSE(state.DisableFileVersionCheck || state.DisableAutoRebuildInHTMLGallery ||
                  state.DebugMain);
-    EXPECT_TRUE(program->import.ParseAdvancedMetadata);
+    EXPECT_TRUE(program->import.parseAdvancedMetadata);
     EXPECT_TRUE(state.WideRecordIds);
     EXPECT_EQ(state.LocalFavoritesPath, paths.home / "favorites.ini");
     EXPECT_EQ(state.CurrentSQLDef, "SELECT * FROM URLs ORDER BY ActionDateLocal ASC");

@@ -28,8 +28,8 @@ struct TemplateJobTest : test::ProgramFixture {
         EXPECT_TRUE(createProject(*program, folder.path() / "case.nvp"));
         setRootPath(*program, evidence);
         fs::create_directories(scratch);
-        program->import.StartingDirectory = evidence.string();
-        program->import.HistoryFiles = scan(program->import, task, program->log).HistoryFiles;
+        program->import.startingDirectory = evidence.string();
+        program->import.historyFiles = scan(program->import, task, program->log).historyFiles;
         static_cast<void>(runImportJob(*program, task, scratch));
         setTitle(1, "Harbour News");
         setTitle(2, "Tides");

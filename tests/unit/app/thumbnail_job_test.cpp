@@ -24,8 +24,8 @@ struct ThumbnailJobTest : test::ProgramFixture {
             "INSERT INTO URLs(Category, CacheFileExists, ThumbnailMD5Hash) VALUES "
             "('PICTURES', 1, ''), ('Pictures', 1, 'x'), ('HTML', 1, NULL), ('Pictures', 0, ''), "
             "('Stylesheets', 1, '')");
-        EXPECT_FALSE(program->import.MakeThumbnails); // until it is asked for
-        program->import.MakeThumbnails = true;
+        EXPECT_FALSE(program->import.makeThumbnails); // until it is asked for
+        program->import.makeThumbnails = true;
     }
 };
 
@@ -43,13 +43,13 @@ TEST_F(ThumbnailJobTest, anImportDrawsItsOwnRows) {
 }
 
 TEST_F(ThumbnailJobTest, theBoxesOfTheImportHold) {
-    program->import.MakeWebPageThumbnails = false;
+    program->import.makeWebPageThumbnails = false;
     EXPECT_THAT(importedDrawableIds(*program, 0), ElementsAre(1, 2));
-    program->import.MakeWebPageThumbnails = true;
-    program->import.MakePictureThumbnails = false; // asked for pages too
+    program->import.makeWebPageThumbnails = true;
+    program->import.makePictureThumbnails = false; // asked for pages too
     EXPECT_THAT(importedDrawableIds(*program, 0), IsEmpty());
-    program->import.MakePictureThumbnails = true;
-    program->import.MakeThumbnails = false;
+    program->import.makePictureThumbnails = true;
+    program->import.makeThumbnails = false;
     EXPECT_THAT(importedDrawableIds(*program, 0), IsEmpty());
 }
 

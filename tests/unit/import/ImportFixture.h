@@ -102,7 +102,7 @@ class ImportFixture : public testing::Test {
     std::int64_t rows() { return project.number("SELECT Count(*) FROM URLs"); }
 
     TestProject project;
-    ImportClass job;
+    ImportSettings job;
     std::filesystem::path scratch = project.folder.path();
 };
 
@@ -115,7 +115,7 @@ inline HistoryFile &ImportFixture::add(HistoryFileType type, const std::string &
     file.fileSize = bytes.size();
     file.md5Hash = md5Hex(bytes);
     file.historyFileType = type;
-    return job.HistoryFiles.add(std::move(file));
+    return job.historyFiles.add(std::move(file));
 }
 
 inline ImportSummary ImportFixture::import(TaskMonitor &task,

@@ -204,7 +204,7 @@ TEST_F(AdvancedMetadataOption, turnsTheStepOnAndOff) {
     add(HistoryFileType::csv, "file", "");
     project.folder.write("page.htm", kPage);
     for (const bool wanted : {true, false}) {
-        job.ParseAdvancedMetadata = wanted;
+        job.parseAdvancedMetadata = wanted;
         Unwatched task;
         import(task, [](HistoryFileType) { return &kPageReader;
     });

@@ -29,8 +29,8 @@ class DamageTest : public test::ImportFixture, public testing::WithParamInterfac
         writeWhole(file.fullPath, bytes);
         file.fileSize = bytes.size();
         file.historyFileType = GetParam()->type;
-        job.HistoryFiles.clear();
-        job.HistoryFiles.add(file);
+        job.historyFiles.clear();
+        job.historyFiles.add(file);
         const std::int64_t before = rows();
         Unwatched task;
         const ImportSummary summary = import(task, readerFor);

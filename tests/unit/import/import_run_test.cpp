@@ -22,7 +22,7 @@ TEST_F(ImportRunTest, storesTheRecordsOfEachFileInTheOrderOfTheList) {
     EXPECT_EQ(first.path, project.folder.path() / "b");
     EXPECT_EQ(first.type, norvelaneNVD);
     EXPECT_EQ(first.readerKey, "lines");
-    EXPECT_EQ(first.MD5Hash, job.HistoryFiles.item(1).md5Hash);
+    EXPECT_EQ(first.md5Hash, job.historyFiles.item(1).md5Hash);
     EXPECT_EQ(first.state, ArtefactState::complete);
     EXPECT_EQ(first.rowsSaved, 2u);
     EXPECT_GE(first.seconds, 0);
@@ -61,7 +61,7 @@ TEST_F(ImportRunTest, givesCookiesNoCategoryButTheirOwn) {
                                (std::string_view(path) == "gone" ? "gone" : "txt")});
     project.folder.write("Cookies/user@host.example[1].txt", "id\n<html><body><a href=x>");
     add(ieCookies, "Cookies/index.dat", index.bytes());
-    job.ParseAdvancedMetadata = true;
+    job.parseAdvancedMetadata = true;
     Unwatched task;
     import(task, readerFor);
     EXPECT_EQ(project.text("SELECT group_concat(Category) FROM URLs"),
@@ -102,11 +102,11 @@ TEST_F(ImportRunTest, isCompleteWhenCancelledAfterTheLastRecord) {
 
 TEST_F(ImportRunTest, ofACancelledWizardEmptiesTheList) {
     add(norvelaneNVD, "a", "http://a/1");
-    job.CancelImport = true;
+    job.cancelImport = true;
     const ImportSummary summary = import();
     EXPECT_TRUE(summary.cancelled);
     EXPECT_TRUE(summary.artefacts.empty());
-    EXPECT_EQ(job.HistoryFiles.count(), 0u);
+    EXPECT_EQ(job.historyFiles.count(), 0u);
     EXPECT_EQ(rows(), 0);
 }
 

@@ -1,5 +1,5 @@
 #include "import/FileMask.h"
-#include "import/ImportClass.h"
+#include "import/ImportSettings.h"
 #include "readers/Registry.h"
 #include "unit/import/FirstFormats.h"
 
@@ -8,23 +8,23 @@
 namespace nv {
 namespace {
 
-ImportClass nothingWanted() {
-    ImportClass job;
+ImportSettings nothingWanted() {
+    ImportSettings job;
     for (const SourceOption *option : importOptions())
         setWanted(job, *option, false);
     return job;
 }
 
-TEST(ImportClass, wantsEverythingAtFirst) {
-    const ImportClass job;
+TEST(ImportSettings, wantsEverythingAtFirst) {
+    const ImportSettings job;
     for (const SourceOption *option : importOptions())
         EXPECT_TRUE(wants(job, *option)) << option->name;
     EXPECT_TRUE(job.VerifyFileSignatures);
-    EXPECT_TRUE(job.RecurseSubfolders);
-    EXPECT_TRUE(job.ParseAdvancedMetadata);
+    EXPECT_TRUE(job.recurseSubfolders);
+    EXPECT_TRUE(job.parseAdvancedMetadata);
 }
 
-TEST(ImportClass, findsABoxByItsName) {
+TEST(ImportSettings, findsABoxByItsName) {
     for (const SourceOption *option : importOptions())
         EXPECT_EQ(&importOption(option->name), option) << "a name that two boxes have";
     EXPECT_EQ(importOptions(test::firstFormats()).size(), 19U);
@@ -32,21 +32,21 @@ TEST(ImportClass, findsABoxByItsName) {
 }
 
 TEST(MaskText, joinsThePiecesOfTheBoxesThatAreOn) {
-    EXPECT_EQ(maskText(ImportClass(), test::firstFormats()),
+    EXPECT_EQ(maskText(ImportSettings(), test::firstFormats()),
               "data_0;_cache_map_*;index*.dat;dcache4*.url;cache*.db;*.nvd;"
               "global*.dat;download.dat;type_history.xml;typed_history.xml;history*.plist;"
               "history*.dat;places*.sqlite;History;Archived History;index*.dat;"
               "cookies.sqlite;cookies4.dat;cookies.plist;Cookies;*.net;*-UC-index.dat;"
               "*.htm;*.html");
     EXPECT_EQ(maskText(nothingWanted()), "");
-    ImportClass job = nothingWanted();
+    ImportSettings job = nothingWanted();
     setWanted(job, importOption("chkHistoryIE"), true);
     setWanted(job, importOption("chkHistEx"), true);
     EXPECT_EQ(maskText(job), "index*.dat;*-UC-index.dat");
 }
 
 TEST(MaskText, hasNoPieceForCookiesOfInternetExplorer) {
-    ImportClass job = nothingWanted();
+    ImportSettings job = nothingWanted();
     setWanted(job, importOption("chkCookiesIE"), true);
     EXPECT_EQ(maskText(job), "");
 }

@@ -21,11 +21,11 @@ std::string repeated(std::string_view text, std::size_t times) {
 }
 
 std::string bodyOf(std::string_view html) {
-    return ReadPageContent(html, "page").Body;
+    return readPageContent(html, "page").body;
 }
 
 Strings linksOf(std::string_view html) {
-    return ReadPageContent(html, "page").Links;
+    return readPageContent(html, "page").links;
 }
 
 std::string decoded(const std::string &bytes, std::string_view header = {}) {
@@ -79,10 +79,10 @@ TEST(PageContent, listsTheTargetsAsTheyStandInThePage) {
 }
 
 TEST(PageContent, ofASetOfFramesIsEmpty) {
-    const PageContent page = ReadPageContent(
+    const PageContent page = readPageContent(
         "<html><frameset><frame src=a><noframes>none</noframes></frameset>", "page");
-    EXPECT_EQ(page.Body, "");
-    EXPECT_TRUE(page.Links.empty());
+    EXPECT_EQ(page.body, "");
+    EXPECT_TRUE(page.links.empty());
 }
 
 TEST(PageContent, survivesOddBytes) {
@@ -176,10 +176,10 @@ TEST(PageText, marksBytesThatTheEncodingDoesntKnow) {
 TEST(PageText, isReadFromAFileWithinALimit) {
     const test::TempFolder folder;
     const auto page = folder.write("page.htm", std::string(kPageBytes, ' '));
-    EXPECT_EQ(ReadPageText(ScratchFile(page), "").size(), kPageBytes);
+    EXPECT_EQ(readPageText(ScratchFile(page), "").size(), kPageBytes);
     const auto large = folder.write("large.htm", std::string(kPageBytes + 1, ' '));
     try {
-        ReadPageText(ScratchFile(large), "");
+        readPageText(ScratchFile(large), "");
         FAIL() << "a page beyond the limit was read";
     } catch (const PageTooLarge &failure) {
         EXPECT_EQ(failure.what(), large.string() + " is not read as a page: its 8388609 bytes are "
@@ -234,7 +234,7 @@ TEST(HtmlCost, endsWithTheFirstLimitPassed) {
 
 TEST(PageContent, refusesWhatIsBeyondALimitAndNamesTheFile) {
     try {
-        ReadPageContent(repeated("<b>", 100'000), "/cache/page.htm");
+        readPageContent(repeated("<b>", 100'000), "/cache/page.htm");
         FAIL() << "a page beyond the limit was read";
     } catch (const PageTooLarge &failure) {
         EXPECT_STREQ(failure.what(), "/cache/page.htm is not read as a page: its tags nest deeper "

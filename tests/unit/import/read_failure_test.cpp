@@ -22,9 +22,9 @@ namespace fs = std::filesystem;
 /// One import of a folder, from the scan on.
 struct Reading {
     Reading(test::TestProject &project, const fs::path &input, test::FailingReads &watch) {
-        job.StartingDirectory = input;
+        job.startingDirectory = input;
         found = scan(job, task, log, &watch);
-        job.HistoryFiles = std::move(found.HistoryFiles);
+        job.historyFiles = std::move(found.historyFiles);
         job.gaps = found.gaps;
         const Evidence evidence(input, &watch);
         const ImportRun run{
@@ -62,7 +62,7 @@ struct Reading {
 
     test::MemoryLog log;
     Unwatched task;
-    ImportClass job;
+    ImportSettings job;
     ScanResult found;
     ImportSummary summary;
 };

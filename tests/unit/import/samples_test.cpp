@@ -49,7 +49,7 @@ class SamplesTest : public test::ImportFixture {
     }
 
     ScanResult scanned(const fs::path &folder) {
-        job.StartingDirectory = folder;
+        job.startingDirectory = folder;
         Unwatched task;
         return scan(job, task, project.log);
     }
@@ -62,7 +62,7 @@ TEST_F(SamplesTest, areRecognised) {
         if (!fs::exists(sample.path() / "expected.json"))
             continue;
         const ScanResult result = scanned(sample.path() / "evidence");
-        const Listing found = listingOf(result.HistoryFiles, sample.path());
+        const Listing found = listingOf(result.historyFiles, sample.path());
         for (const auto &expected : expectedListing(sample.path()))
             EXPECT_EQ(std::ranges::count(found, expected), 1)
                 << sample.path().filename() << " " << expected.first;
@@ -71,7 +71,7 @@ TEST_F(SamplesTest, areRecognised) {
 }
 
 TEST_F(SamplesTest, areImportedFromAnIndexOfInternetExplorer) {
-    job.HistoryFiles = scanned(*samples / "ie_history_gold").HistoryFiles;
+    job.historyFiles = scanned(*samples / "ie_history_gold").historyFiles;
     Unwatched task;
     const ImportSummary summary = import(task, readerFor);
     ASSERT_EQ(summary.artefacts.size(), 1u);

@@ -25,7 +25,7 @@ std::string indexBytes(char folders) {
 
 class ScanTest : public testing::Test {
   protected:
-    ScanTest() { job.StartingDirectory = folder.path(); }
+    ScanTest() { job.startingDirectory = folder.path(); }
 
     ScanResult scanWatchedBy(TaskMonitor &task) { return scan(job, task, log, nullptr, formats); }
     ScanResult scanned() {
@@ -36,7 +36,7 @@ class ScanTest : public testing::Test {
     /// "type name" of each file, in the order of the list.
     std::vector<std::string> found() {
         std::vector<std::string> lines;
-        for (const HistoryFile &file : scanned().HistoryFiles)
+        for (const HistoryFile &file : scanned().historyFiles)
             lines.push_back(std::to_string(static_cast<int>(file.historyFileType)) + " " +
                             fs::path(file.fullPath).lexically_relative(folder.path()).string());
         return lines;
@@ -59,7 +59,7 @@ class ScanTest : public testing::Test {
 
     test::TempFolder folder;
     test::MemoryLog log;
-    ImportClass job;
+    ImportSettings job;
     std::vector<const Reader *> formats{registry().begin(), registry().end()};
 };
 
@@ -68,8 +68,8 @@ using Lines = std::vector<std::string>;
 TEST_F(ScanTest, describesEachFile) {
     const auto path = folder.write("Profile/Places.sqlite", "bytes");
     const ScanResult result = scanned();
-    ASSERT_EQ(result.HistoryFiles.count(), 1u);
-    const HistoryFile &file = result.HistoryFiles.item(1);
+    ASSERT_EQ(result.historyFiles.count(), 1u);
+    const HistoryFile &file = result.historyFiles.item(1);
     EXPECT_EQ(file.fullPath, path);
     EXPECT_EQ(file.fileName, "Places.sqlite");
     EXPECT_EQ(file.fileExt, "sqlite");
@@ -95,7 +95,7 @@ TEST_F(ScanTest, goesDepthFirstInTheOrderOfTheNamesBytes) {
 TEST_F(ScanTest, staysInTheFolderWithoutRecursion) {
     folder.write("places.sqlite", "");
     folder.write("below/places.sqlite", "");
-    job.RecurseSubfolders = false;
+    job.recurseSubfolders = false;
     EXPECT_EQ(found(), Lines{"22 places.sqlite"});
 }
 
@@ -145,25 +145,25 @@ TEST_F(ScanTest, listsTheSameFileInTwoFoldersTwice) {
     folder.write("a/index.dat", indexBytes(0));
     folder.write("b/index.dat", indexBytes(0));
     const ScanResult result = scanned();
-    ASSERT_EQ(result.HistoryFiles.count(), 2u);
-    EXPECT_EQ(result.HistoryFiles.item(1).md5Hash, result.HistoryFiles.item(2).md5Hash);
+    ASSERT_EQ(result.historyFiles.count(), 2u);
+    EXPECT_EQ(result.historyFiles.item(1).md5Hash, result.historyFiles.item(2).md5Hash);
 }
 
 TEST_F(ScanTest, listsTheIndexOfAChromeCache) {
     folder.write("Cache/data_0", "blocks");
     folder.write("Cache/index", "the index");
     const ScanResult result = scanned();
-    ASSERT_EQ(result.HistoryFiles.count(), 1u);
-    EXPECT_EQ(result.HistoryFiles.item(1).fileName, "index");
-    EXPECT_EQ(result.HistoryFiles.item(1).md5Hash, md5Hex("the index"));
-    EXPECT_EQ(result.HistoryFiles.item(1).fileExt, "");
+    ASSERT_EQ(result.historyFiles.count(), 1u);
+    EXPECT_EQ(result.historyFiles.item(1).fileName, "index");
+    EXPECT_EQ(result.historyFiles.item(1).md5Hash, md5Hex("the index"));
+    EXPECT_EQ(result.historyFiles.item(1).fileExt, "");
 }
 
 TEST_F(ScanTest, takesASingleFileWithoutAMask) {
-    job.StartingDirectory = folder.write("my index.dat", indexBytes(0));
+    job.startingDirectory = folder.write("my index.dat", indexBytes(0));
     folder.write("places.sqlite", "");
     EXPECT_EQ(found(), Lines{"1 my index.dat"});
-    job.StartingDirectory = folder.write("letter.doc", "");
+    job.startingDirectory = folder.write("letter.doc", "");
     EXPECT_EQ(found(), Lines{});
 }
 
@@ -183,15 +183,15 @@ TEST_F(ScanTest, takesNoNameForAPlainFile) {
 TEST_F(ScanTest, readsNamesThatAreNoUtf8) {
     folder.write("Caf\xE9/places.sqlite", "x");
     const ScanResult result = scanned();
-    ASSERT_EQ(result.HistoryFiles.count(), 1u);
-    EXPECT_TRUE(result.HistoryFiles.item(1).fileParentPath.ends_with("Caf\xC3\xA9"));
+    ASSERT_EQ(result.historyFiles.count(), 1u);
+    EXPECT_TRUE(result.historyFiles.item(1).fileParentPath.ends_with("Caf\xC3\xA9"));
 }
 
 TEST_F(ScanTest, notesAFolderThatIsntThere) {
-    job.StartingDirectory = folder.path() / "gone";
+    job.startingDirectory = folder.path() / "gone";
     const ScanResult result = scanned();
-    EXPECT_EQ(result.HistoryFiles.count(), 0u);
-    EXPECT_EQ(unreadable(result), Lines{job.StartingDirectory});
+    EXPECT_EQ(result.historyFiles.count(), 0u);
+    EXPECT_EQ(unreadable(result), Lines{job.startingDirectory});
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_EQ(log.entries[0].procedure, "ImportForm.GetFolderList()");
 }
@@ -204,7 +204,7 @@ TEST_F(ScanTest, notesWhatItCantReadAndGoesOn) {
     fs::permissions(folder.path() / "b", fs::perms::none);
     const ScanResult result = scannedWithoutPrivileges();
     fs::permissions(folder.path() / "b", fs::perms::owner_all);
-    EXPECT_EQ(result.HistoryFiles.count(), 1u);
+    EXPECT_EQ(result.historyFiles.count(), 1u);
     EXPECT_EQ(unreadable(result), (Lines{(folder.path() / "b").string(), file.string()}));
     EXPECT_NE(result.gaps.unreadable.at(1).reason.find("Permission denied"), std::string::npos);
     EXPECT_EQ(log.entries.size(), 2u);
@@ -220,7 +220,7 @@ TEST_F(ScanTest, notesTheNamesInAFolderThatCantBeEntered) {
 
 /// Its first bytes are where nothing is mapped, so reading fails although it was opened.
 TEST_F(ScanTest, notesAReadingThatFails) {
-    job.StartingDirectory = "/proc/self/mem";
+    job.startingDirectory = "/proc/self/mem";
     const ScanResult result = scanned();
     EXPECT_EQ(unreadable(result), Lines{"/proc/self/mem"});
     EXPECT_NE(result.gaps.unreadable.at(0).reason.find("Input/output error"), std::string::npos);
@@ -236,9 +236,9 @@ TEST_F(ScanTest, passesShaderCachesOverAndCountsThem) {
     folder.write("GPUPersistentCache/GPUCache/DOZVSIMZ/cache.db", "later form");
     EXPECT_EQ(found(), (Lines{"20 Cache/index", "20 Dawn/index", "20 GPUCache2/index"}));
     EXPECT_EQ(scanned().gaps.shaderCaches, 7u);
-    job.StartingDirectory = folder.path() / "GPUCache" / "data_0";
-    EXPECT_EQ(scanned().HistoryFiles.count(), 1u) << "whoever names it wants it";
-    job.StartingDirectory = folder.path();
+    job.startingDirectory = folder.path() / "GPUCache" / "data_0";
+    EXPECT_EQ(scanned().historyFiles.count(), 1u) << "whoever names it wants it";
+    job.startingDirectory = folder.path();
     dontLookFor("chkCacheChrome");
     dontLookFor("chkCacheSafari");
     EXPECT_EQ(scanned().gaps.shaderCaches, 0u);
@@ -276,7 +276,7 @@ TEST_F(ScanTest, listsAFolderOnceThatManyFilesLeadTo) {
         folder.write(name, name);
     EXPECT_EQ(found(), (Lines{"1000 Cache", "1000 Other"}));
     const ScanResult result = scanned();
-    const HistoryFile &first = result.HistoryFiles.item(1);
+    const HistoryFile &first = result.historyFiles.item(1);
     EXPECT_EQ(first.fileName, "Cache");
     EXPECT_EQ(first.fileParentPath, folder.path().string());
     EXPECT_EQ(first.fileSize, 31u);
@@ -297,7 +297,7 @@ TEST_F(ScanTest, notesAFolderWhoseFilesCantAllBeRead) {
     const auto file = folder.write("Cache/data", "x");
     fs::permissions(file, fs::perms::none);
     const ScanResult result = scannedWithoutPrivileges();
-    EXPECT_EQ(result.HistoryFiles.count(), 0u);
+    EXPECT_EQ(result.historyFiles.count(), 0u);
     EXPECT_EQ(unreadable(result), Lines{(folder.path() / "Cache" / "a_0").string()});
 }
 
@@ -324,10 +324,10 @@ TEST_F(ScanTest, canBeCancelledAtAnyTime) {
     for (int calls = 0; !completed && calls < 100; ++calls) {
         test::CancelAfter task(calls);
         const ScanResult result = scanWatchedBy(task);
-        EXPECT_GE(result.HistoryFiles.count(), before);
-        for (const HistoryFile &file : result.HistoryFiles)
+        EXPECT_GE(result.historyFiles.count(), before);
+        for (const HistoryFile &file : result.historyFiles)
             EXPECT_EQ(file.md5Hash.size(), 32u);
-        before = result.HistoryFiles.count();
+        before = result.historyFiles.count();
         completed = !result.cancelled;
     }
     EXPECT_TRUE(completed);

@@ -194,10 +194,10 @@ TEST_F(ThumbnailsTest, aCancelKeepsWhatWasMade) {
 
 TEST_F(ThumbnailsTest, oneRecordIsMadeOnlyWhenTheImportWantsPictures) {
     UrlRecord record = *store.getURL(UrlId{add("a[1].gif", "GIF89a")});
-    ImportClass import;
-    import.MakePictureThumbnails = false;
+    ImportSettings import;
+    import.makePictureThumbnails = false;
     EXPECT_FALSE(MakeThumbnail(record, import, context()));
-    import.MakePictureThumbnails = true;
+    import.makePictureThumbnails = true;
     EXPECT_TRUE(MakeThumbnail(record, import, context()));
     EXPECT_EQ(record.ThumbnailFormat, "Bitmap");
     EXPECT_TRUE(record.IsPicture);

@@ -1,4 +1,4 @@
-#include "import/ImportClass.h"
+#include "import/ImportSettings.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -39,18 +39,18 @@ const SourceOption &importOption(std::string_view name) {
     throw std::out_of_range("no import option \"" + std::string(name) + "\"");
 }
 
-bool wants(const ImportClass &job, const SourceOption &option) {
+bool wants(const ImportSettings &job, const SourceOption &option) {
     return !job.unwanted.contains(&option);
 }
 
-void setWanted(ImportClass &job, const SourceOption &option, bool wanted) {
+void setWanted(ImportSettings &job, const SourceOption &option, bool wanted) {
     if (wanted)
         job.unwanted.erase(&option);
     else
         job.unwanted.insert(&option);
 }
 
-std::string maskText(const ImportClass &job, Formats formats) {
+std::string maskText(const ImportSettings &job, Formats formats) {
     std::string text;
     for (const SourceOption *option : importOptions(formats)) {
         if (!wants(job, *option))
