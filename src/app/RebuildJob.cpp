@@ -116,7 +116,7 @@ class RebuildRun {
                        fmt::format("Rebuilding Web Page #{} of {} ", m_next + 1, m_ids.size()),
                        page.URL, ""});
         const RebuildContext ctx = watchedBy(m_tools.context(), task);
-        const bool rebuilt = RebuildWebPage(page, Batch::yes, ctx, m_program.around.clock);
+        const bool rebuilt = rebuildWebPage(page, Batch::yes, ctx, m_program.around.clock);
         m_pages.push_back(outcomeOf(page, rebuilt, ctx));
         if (rebuilt)
             m_thumbnails.add(page);
@@ -145,7 +145,7 @@ std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std
     RebuildThumbnails thumbnails(program, tools);
     SubTask rebuilding(ctx.task, 0, thumbnails.shareOfRebuilding());
     const RebuildContext part = watchedBy(ctx, rebuilding);
-    const bool rebuilt = RebuildWebPage(*page, Batch::no, part, program.around.clock);
+    const bool rebuilt = rebuildWebPage(*page, Batch::no, part, program.around.clock);
     RebuiltPage outcome = outcomeOf(*page, rebuilt, part);
     if (rebuilt)
         thumbnails.add(*page);
@@ -180,7 +180,7 @@ bool hasFolder(const RecordTools &tools, UrlRecord &page) {
 bool bringBackFolder(RecordTools &tools, UrlRecord &page) {
     if (hasFolder(tools, page))
         return true;
-    const bool whole = UnpackIngredients(page, tools.context());
+    const bool whole = unpackIngredients(page, tools.context());
     if (!whole)
         dropFolder(rebuildFolderOf(page.URLID, tools.context()));
     return whole;

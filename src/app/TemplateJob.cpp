@@ -36,14 +36,14 @@ TemplateResult createTemplate(Program &program, RecordTools &tools, UrlRecord &p
 /// A template to be laid, as far as it can be told once for all pages.
 struct Layer {
     fs::path file;
-    std::optional<TemplateClass> made; ///< nothing when it can't be read, which is logged
+    std::optional<PageTemplate> made; ///< nothing when it can't be read, which is logged
 };
 
 std::vector<Layer> layersOf(std::span<const fs::path> templates, FailureLog &log) {
     std::vector<Layer> layers;
     for (const fs::path &file : templates)
         layers.push_back({file, trapped(log, Severity::Warning, "MainForm.RebuildFromTemplates()",
-                                        kContactSupport, std::optional<TemplateClass>(), [&file] {
+                                        kContactSupport, std::optional<PageTemplate>(), [&file] {
                                             const Bytes bytes = readWhole(file);
                                             return std::optional(readTemplate(ByteView(bytes)));
                                         })});
@@ -58,7 +58,7 @@ Laid layOne(Program &program, RecordTools &tools, UrlRecord &page, const Layer &
         return Laid::otherTitle;
     if (layer.made->records.count() == 0)
         return Laid::noTemplate;
-    return RebuildFromTemplate(page, layer.file, tools.context(), program.around.clock)
+    return rebuildFromTemplate(page, layer.file, tools.context(), program.around.clock)
                ? Laid::rebuilt
                : Laid::failed;
 }

@@ -57,7 +57,7 @@ void unpackPage(UrlRecord &page, RecordTools &tools, const Program &program) {
     if (needsWideIds(page.IngredientIDs, ctx.settings))
         throw UsageError(fmt::format("row {}: {} (here: --wide-ids)", number(page.URLID),
                                      reasonText(NotRebuilt::wideIds)));
-    if (!UnpackIngredients(page, ctx))
+    if (!unpackIngredients(page, ctx))
         throw StorageFailure(fmt::format("row {}: the rebuilt page can't be brought back; see "
                                          "\"{}\"",
                                          number(page.URLID), textOf(program.log.path())));

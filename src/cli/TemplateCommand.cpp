@@ -115,7 +115,7 @@ Exit list(Session &session, const Arguments &arguments) {
         makeRowWriter(arguments.format, session.out, {"file", "title", "files", "bytes"});
     const fs::path folder = folderOf(session.program, arguments);
     for (const TemplateRow &row : listTemplates(folder, session.program.log))
-        writer->row({textOf(row.file), row.WebpageTitle, row.files, row.bytes});
+        writer->row({textOf(row.file), row.webpageTitle, row.files, row.bytes});
     writer->finish();
     return Exit::ok;
 }

@@ -13,7 +13,7 @@ namespace nv {
 
 enum class KeyStep { Row, End, Stopped };
 
-/// Goes over rows of table URLs and on after those that damage hides. The statement gives URL_ID
+/// Goes over rows of table URLs and on after those that damage hides. The statement gives urlID
 /// first, in its order, from the one in its parameter 1 on. It must outlive this.
 class KeyWalk {
   public:

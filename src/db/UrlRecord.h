@@ -15,7 +15,7 @@ inline constexpr std::int64_t kVisitsUnknown = -1;
 
 /// One URL record: the only form in which readers, views, rebuilding and reports exchange records.
 /// Texts are UTF-8. Members carry the names of their columns in table `URLs` (db/Schema.cpp), but
-/// `host` (Host), `Tag` (Tagged), `cacheType` (CacheType), `WebpageTitle` (WebPageTitle) and
+/// `host` (Host), `Tag` (Tagged), `cacheType` (CacheType), `WebpageTitle` (webPageTitle) and
 /// `CacheFileCreatedGMTDOS` (CacheFileCreated).
 struct UrlRecord {
     // Identity

@@ -94,7 +94,7 @@ bool create(const fs::path &folder, UrlRecord &page, const RebuildContext &ctx) 
     page.RunTimeArchivePath = folder / ("~" + html->stem().string() + ".CAB");
     page.RunTimeTempFilePath = *html;
     writeWhole(page.RunTimeArchivePath, packed(files));
-    if (ArchiveSeal(page.RunTimeArchivePath) != 0)
+    if (archiveSeal(page.RunTimeArchivePath) != 0)
         return false;
     storeArchive(page, ctx);
     return true;
@@ -109,9 +109,9 @@ fs::path plainName(std::string_view name) {
 }
 
 /// Files that overlap could be made to fill the disk.
-void checkTotal(const ArchiveClass &items, std::size_t archiveSize) {
+void checkTotal(const Archive &items, std::size_t archiveSize) {
     std::uint64_t total = 0;
-    for (const ArchiveItemClass &item : items.FileItems)
+    for (const ArchiveItem &item : items.fileItems)
         total += item.dataSize;
     if (total > archiveSize)
         throw std::runtime_error("the files of an archive are larger than the archive");
@@ -122,15 +122,15 @@ bool unpack(UrlRecord &page, const RebuildContext &ctx) {
         if (const auto stored = ctx.records.getURL(page.URLID))
             page.CacheFileRebuiltBLOB = stored->CacheFileRebuiltBLOB;
     const ByteView archive(page.CacheFileRebuiltBLOB);
-    const ArchiveClass items = readArchive(archive);
-    if (items.FileItems.count() == 0)
+    const Archive items = readArchive(archive);
+    if (items.fileItems.count() == 0)
         return false;
     checkTotal(items, archive.size());
     const fs::path folder = rebuildFolderOf(page.URLID, ctx);
     makeFolder(folder);
-    for (const ArchiveItemClass &item : items.FileItems)
-        writeWhole(folder / plainName(item.FileName),
-                   archive.sub(item.DataOffset, item.dataSize).raw());
+    for (const ArchiveItem &item : items.fileItems)
+        writeWhole(folder / plainName(item.fileName),
+                   archive.sub(item.dataOffset, item.dataSize).raw());
     page.RunTimeRebuiltFilePath = folder / pageNameOf(page.URLID);
     page.RunTimeThumbnailPath = folder / (sidOf(page.URLID) + ".thumbnail.jpg");
     return true;
@@ -138,8 +138,8 @@ bool unpack(UrlRecord &page, const RebuildContext &ctx) {
 
 } // namespace
 
-ArchiveClass readArchive(ByteView archive) {
-    ArchiveClass items;
+Archive readArchive(ByteView archive) {
+    Archive items;
     if (archive.size() < kTrailerSize)
         return items;
     const std::int32_t count = archive.i32le(archive.size() - kTrailerSize);
@@ -150,34 +150,34 @@ ArchiveClass readArchive(ByteView archive) {
         const ByteView entry = archive.sub(static_cast<std::uint64_t>(indexArea) + kHashBlock +
                                                static_cast<std::uint64_t>(i) * kEntrySize,
                                            kEntrySize);
-        ArchiveItemClass item;
-        item.DataOffset = entry.u32le(0);
+        ArchiveItem item;
+        item.dataOffset = entry.u32le(0);
         item.dataSize = entry.u32le(4);
-        item.FileNameOffset = entry.u32le(8);
-        item.FileNameSize = entry.u32le(12);
-        item.FileName = fromAnsi(archive.sub(item.FileNameOffset, item.FileNameSize));
-        items.FileItems.add(std::move(item));
+        item.fileNameOffset = entry.u32le(8);
+        item.fileNameSize = entry.u32le(12);
+        item.fileName = fromAnsi(archive.sub(item.fileNameOffset, item.fileNameSize));
+        items.fileItems.add(std::move(item));
     }
     return items;
 }
 
 std::optional<ByteView> fileIn(ByteView archive, std::string_view name) {
-    for (const ArchiveItemClass &item : readArchive(archive).FileItems)
-        if (item.FileName == name)
-            return archive.sub(item.DataOffset, item.dataSize);
+    for (const ArchiveItem &item : readArchive(archive).fileItems)
+        if (item.fileName == name)
+            return archive.sub(item.dataOffset, item.dataSize);
     return std::nullopt;
 }
 
-int ArchiveSeal(const fs::path &path) {
+int archiveSeal(const fs::path &path) {
     return fs::exists(path) ? 0 : ENOENT;
 }
 
-bool CreateCabinetFile(const fs::path &folder, UrlRecord &page, const RebuildContext &ctx) {
+bool createCabinetFile(const fs::path &folder, UrlRecord &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, "ParserClass.CreateCabinetFile()", kContactSupport,
                    false, [&] { return onRow([&] { return create(folder, page, ctx); }); });
 }
 
-bool UnpackCabinetFile(UrlRecord &page, const RebuildContext &ctx) {
+bool unpackCabinetFile(UrlRecord &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, "ParserClass.UnpackCabinetFile()", kContactSupport,
                    false, [&] { return unpack(page, ctx); });
 }

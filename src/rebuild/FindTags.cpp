@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view kProcedure = "MainBAS.FindTagsInFile()";
 
 void showBeginning(const UrlRecord &page, const RebuildContext &ctx) {
-    if (ctx.settings.CreatingReport)
+    if (ctx.settings.creatingReport)
         return;
     ctx.task.describe({"REBUILDING WEB PAGE",
                        "Finding tags in cached file.  This may take a few moments.  Please be "
@@ -45,16 +45,16 @@ void insertTags(const UrlRecord &page, const URLTags &tags, const RebuildContext
         "OriginalTag, AccuracyScore, TagOption_ID, TagDefinition, TagType, TagSansParentPaths) "
         "VALUES (?, ?, ?, '', '', '', ?, '', 0, ?, ?, ?)");
     for (const URLTag &tag : tags) {
-        if (trim(tag.OriginalTag).empty())
+        if (trim(tag.originalTag).empty())
             continue;
         insert.reset();
         insert.bind(1, number(page.URLID));
-        insert.bind(2, tag.TagFileName);
+        insert.bind(2, tag.tagFileName);
         insert.bind(3, static_cast<std::int64_t>(tag.fileOffset));
-        insert.bind(4, tag.OriginalTag);
-        insert.bind(5, tag.TagDefinition);
-        insert.bind(6, tag.TagType);
-        insert.bind(7, tag.TagSansParentPaths);
+        insert.bind(4, tag.originalTag);
+        insert.bind(5, tag.tagDefinition);
+        insert.bind(6, tag.tagType);
+        insert.bind(7, tag.tagSansParentPaths);
         insert.exec();
     }
 }
@@ -71,7 +71,7 @@ void storeTags(const UrlRecord &page, const URLTags &tags, const RebuildContext 
 
 } // namespace
 
-std::size_t FindTagsInFile(const UrlRecord &page, PageSource &source, const RebuildContext &ctx) {
+std::size_t findTagsInFile(const UrlRecord &page, PageSource &source, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, std::size_t{0}, [&] {
         showBeginning(page, ctx);
         showStep(ctx, "Locating Tags", 0);

@@ -11,6 +11,6 @@ namespace nv {
 /// Finds the references in the cached page and stores them as the page's rows of `Tags`, in place
 /// of those of an earlier rebuild. The number of tags found; 0 when there are none, when the page's
 /// content is gone, when cancelled, and after a failure, which is logged.
-std::size_t FindTagsInFile(const UrlRecord &page, PageSource &source, const RebuildContext &ctx);
+std::size_t findTagsInFile(const UrlRecord &page, PageSource &source, const RebuildContext &ctx);
 
 } // namespace nv

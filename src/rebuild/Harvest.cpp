@@ -74,7 +74,7 @@ class Harvest {
   private:
     bool takeParts() {
         const auto lines = linesOf(m_page.IngredientIDs);
-        if (!lines.empty() && m_batch == Batch::no && !m_ctx.settings.CreatingReport)
+        if (!lines.empty() && m_batch == Batch::no && !m_ctx.settings.creatingReport)
             m_ctx.task.describe(
                 {"HARVESTING ITEMS FOR SELECTED FILE", "Please standby...", "", ""});
         for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -89,35 +89,35 @@ class Harvest {
     }
 
     void takePart(const Substitution &line) {
-        if (line.TagURLID <= 0)
+        if (line.tagURLID <= 0)
             return takeStored(line);
         if (partsOf(m_page.cacheType) == CacheParts::none)
             return;
-        auto part = m_ctx.records.getURL(UrlId{line.TagURLID});
+        auto part = m_ctx.records.getURL(UrlId{line.tagURLID});
         if (!part)
             return;
         const std::string name = localNameOf(part->URLID, trim(part->URLFileExt));
-        m_list += fmt::format("{}|{}|{}|\r\n", line.TagURLID, line.OriginalTag, name);
+        m_list += fmt::format("{}|{}|{}|\r\n", line.tagURLID, line.originalTag, name);
         const fs::path target = m_folder / name;
         if (!fs::exists(target))
             if (const auto content = contentOf(*part, m_ctx.extraction()))
                 copyToScratch(*content, target);
-        if (getFileExtension(line.OriginalTag) == "css" && !isPage(target) && fs::exists(target))
-            m_sheetPictures = FindReplaceCSSTags(target, *part, m_ctx, m_sheetPictures);
+        if (getFileExtension(line.originalTag) == "css" && !isPage(target) && fs::exists(target))
+            m_sheetPictures = findReplaceCSSTags(target, *part, m_ctx, m_sheetPictures);
         copyAsNamed(line, target);
     }
 
     /// A part that a template has brought from another project lies in the page's archive only.
     void takeStored(const Substitution &line) {
-        const bool isName = line.NewTag != line.OriginalTag && !line.NewTag.empty() &&
-                            getFilenameFromPath(line.NewTag) == line.NewTag;
-        const fs::path target = m_folder / line.NewTag;
+        const bool isName = line.newTag != line.originalTag && !line.newTag.empty() &&
+                            getFilenameFromPath(line.newTag) == line.newTag;
+        const fs::path target = m_folder / line.newTag;
         if (!isName || m_page.CacheFileRebuiltBLOB.empty() || isPage(target))
             return;
-        const auto content = fileIn(ByteView(m_page.CacheFileRebuiltBLOB), line.NewTag);
+        const auto content = fileIn(ByteView(m_page.CacheFileRebuiltBLOB), line.newTag);
         if (!content)
             return;
-        m_list += fmt::format("0|{}|{}|\r\n", line.OriginalTag, line.NewTag);
+        m_list += fmt::format("0|{}|{}|\r\n", line.originalTag, line.newTag);
         writeWhole(target, content->raw());
     }
 
@@ -127,8 +127,8 @@ class Harvest {
     /// A page of Internet Explorer names its part by the extension of the cached file, which may be
     /// another one than its URL has: the part then lies there under both names.
     void copyAsNamed(const Substitution &line, const fs::path &target) {
-        const std::string named = localNameOf(UrlId{line.TagURLID}, getFileExtension(line.NewTag));
-        if (named == line.NewTag && named != target.filename() && !isPage(m_folder / named) &&
+        const std::string named = localNameOf(UrlId{line.tagURLID}, getFileExtension(line.newTag));
+        if (named == line.newTag && named != target.filename() && !isPage(m_folder / named) &&
             fs::exists(target))
             copyToScratch(target, m_folder / named);
     }
@@ -137,7 +137,7 @@ class Harvest {
         if (!m_ctx.task.wantsStep())
             return;
         TaskStep step;
-        step.topMessage = part.NewTag;
+        step.topMessage = part.newTag;
         step.bottomMessage = fmt::format("Harvesting {} of {}", n, count);
         step.bottomCounter = static_cast<std::int64_t>(n);
         step.bottomTotal = static_cast<std::int64_t>(count);
@@ -154,10 +154,10 @@ class Harvest {
 
 } // namespace
 
-std::vector<Substitution> substitutionsOf(std::string_view IngredientIDs,
+std::vector<Substitution> substitutionsOf(std::string_view ingredientIDs,
                                           const RebuildSettings &settings) {
     std::vector<Substitution> substitutions;
-    for (const std::string_view line : linesOf(IngredientIDs)) {
+    for (const std::string_view line : linesOf(ingredientIDs)) {
         const auto fields = split(line, '|');
         const auto field = [&fields](std::size_t i) {
             return std::string(i < fields.size() ? fields[i] : std::string_view());
@@ -167,44 +167,44 @@ std::vector<Substitution> substitutionsOf(std::string_view IngredientIDs,
     return substitutions;
 }
 
-bool needsWideIds(std::string_view IngredientIDs, const RebuildSettings &settings) {
+bool needsWideIds(std::string_view ingredientIDs, const RebuildSettings &settings) {
     RebuildSettings wide = settings;
     wide.WideRecordIds = true;
-    const auto parts = substitutionsOf(IngredientIDs, wide);
+    const auto parts = substitutionsOf(ingredientIDs, wide);
     return !settings.WideRecordIds &&
            std::any_of(parts.begin(), parts.end(),
-                       [](const Substitution &part) { return part.TagURLID > kLargestNarrowId; });
+                       [](const Substitution &part) { return part.tagURLID > kLargestNarrowId; });
 }
 
 fs::path rebuildFolderOf(UrlId id, const RebuildContext &ctx) {
     return ctx.TempFolderPath / folderNameOf(id);
 }
 
-bool HarvestParts(UrlRecord &page, const fs::path &folder, Batch batch, const RebuildContext &ctx) {
+bool harvestParts(UrlRecord &page, const fs::path &folder, Batch batch, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Serious, "MainForm.HarvestParts()", kContactSupport, false,
                    [&] { return onRow([&] { return Harvest(page, folder, batch, ctx).run(); }); });
 }
 
-bool StoreIngredientIDs(UrlRecord &page, const RebuildContext &ctx) {
+bool storeIngredientIDs(UrlRecord &page, const RebuildContext &ctx) {
     const auto store = [&] {
         const fs::path list = rebuildFolderOf(page.URLID, ctx) / kPartsList;
         if (!fs::exists(list))
             return false;
-        storeSubstitutions(page, fromAnsi(ReadTextFile(list, LineBreaks::keep)), ctx);
+        storeSubstitutions(page, fromAnsi(readTextFile(list, LineBreaks::keep)), ctx);
         return true;
     };
     return trapped(ctx.log, Severity::Warning, "ParserClass.StoreIngredientIDs()", kContactSupport,
                    false, [&] { return onRow(store); });
 }
 
-bool UnpackIngredients(UrlRecord &page, const RebuildContext &ctx) {
+bool unpackIngredients(UrlRecord &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Critical, "ParserClass.UnpackIngredients()", kContactSupport,
                    false, [&] {
                        const fs::path folder = rebuildFolderOf(page.URLID, ctx);
                        makeFolder(folder);
                        page.RunTimeRebuiltFilePath = folder / pageNameOf(page.URLID);
                        writeWhole(page.RunTimeRebuiltFilePath, toAnsi(page.RebuiltSourceCode));
-                       const bool whole = HarvestParts(page, folder, Batch::no, ctx);
+                       const bool whole = harvestParts(page, folder, Batch::no, ctx);
                        page.RunTimeTempFilePath = ctx.TempFolderPath / kPageCopy;
                        copyToScratch(page.RunTimeRebuiltFilePath, page.RunTimeTempFilePath);
                        return whole;

@@ -25,7 +25,7 @@ std::optional<std::string> PageSource::fetched() {
     } else {
         m_page.RunTimeContentPath = m_page.RunTimeTempFilePath;
     }
-    return ReadTextFile(m_page.RunTimeTempFilePath, LineBreaks::strip);
+    return readTextFile(m_page.RunTimeTempFilePath, LineBreaks::strip);
 }
 
 } // namespace nv

@@ -16,7 +16,7 @@ std::size_t breakAt(std::string_view text, std::size_t at) {
 
 } // namespace
 
-std::string ReadTextFile(const std::filesystem::path &path, LineBreaks lineBreaks) {
+std::string readTextFile(const std::filesystem::path &path, LineBreaks lineBreaks) {
     if (path.empty() || !std::filesystem::exists(path))
         return {};
     const Bytes bytes = readWhole(path);
@@ -33,12 +33,12 @@ std::string ReadTextFile(const std::filesystem::path &path, LineBreaks lineBreak
     return joined;
 }
 
-std::size_t FindTextFrom(std::size_t start, std::string_view text, std::string_view pattern) {
+std::size_t findTextFrom(std::size_t start, std::string_view text, std::string_view pattern) {
     const std::size_t found = findNoCase(text, pattern, start > 0 ? start - 1 : 0);
     return found == std::string_view::npos ? 0 : found + 1;
 }
 
-std::string ReplaceAllText(std::string_view text, std::string_view find,
+std::string replaceAllText(std::string_view text, std::string_view find,
                            std::string_view replacement) {
     std::string replaced;
     if (find.empty())

@@ -14,16 +14,16 @@ enum class LineBreaks { keep, strip };
 
 /// The file's lines, each ended by CR LF; with `strip` the lines run together. Empty for an empty
 /// path and for a file that isn't there. Throws FileFailure.
-std::string ReadTextFile(const std::filesystem::path &path, LineBreaks lineBreaks);
+std::string readTextFile(const std::filesystem::path &path, LineBreaks lineBreaks);
 
 // Searching and replacing don't mind the case of ASCII letters, and both must agree on that: what
 // was found has to be replaceable.
 
 /// 1-based position of `pattern` at or after the 1-based `start`, or 0.
-std::size_t FindTextFrom(std::size_t start, std::string_view text, std::string_view pattern);
+std::size_t findTextFrom(std::size_t start, std::string_view text, std::string_view pattern);
 
 /// Every `find` replaced, from left to right; what was put in is not searched again.
-std::string ReplaceAllText(std::string_view text, std::string_view find,
+std::string replaceAllText(std::string_view text, std::string_view find,
                            std::string_view replacement);
 
 } // namespace nv

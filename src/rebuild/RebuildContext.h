@@ -20,7 +20,7 @@ struct RebuildSettings {
     std::string HTMLReplaceablePictureTags{kHTMLReplaceablePictureTags};
     std::string HTMLReplaceableHREFTags{kHTMLReplaceableHREFTags};
     bool DisableScriptTags = false;
-    bool CreatingReport = false; ///< a report owns the status window
+    bool creatingReport = false; ///< a report owns the status window
     /// Record ids above 32,767, which earlier versions could not hold, are used like any other.
     bool WideRecordIds = false;
 

@@ -49,17 +49,17 @@ class Rebuild {
         if (!chooseParts())
             return false;
         const auto replaced = stage(0.75, 0.85, [this](const RebuildContext &ctx) {
-            return ReplaceTags(m_page, m_source, ctx);
+            return replaceTags(m_page, m_source, ctx);
         });
         if (!replaced)
             return false;
         m_page.IngredientIDs = replaced->log;
         writePage(disarmed(replaced->text));
         if (m_page.IngredientIDs.empty() && fs::exists(folder / kPartsList) &&
-            !StoreIngredientIDs(m_page, m_ctx))
+            !storeIngredientIDs(m_page, m_ctx))
             return false;
         const bool whole = stage(0.85, 1, [&](const RebuildContext &ctx) {
-            return HarvestParts(m_page, folder, m_batch, ctx);
+            return harvestParts(m_page, folder, m_batch, ctx);
         });
         // A cancelled rebuild never takes the place of an earlier one; a failed one stands as far
         // as it came.
@@ -73,20 +73,20 @@ class Rebuild {
     bool chooseParts() {
         return stage(0, 0.5,
                      [this](const RebuildContext &ctx) {
-                         return FindTagsInFile(m_page, m_source, ctx);
+                         return findTagsInFile(m_page, m_source, ctx);
                      }) > 0 &&
                stage(0.5, 0.7,
-                     [this](const RebuildContext &ctx) { return FindTagOptions(m_page, ctx); }) &&
+                     [this](const RebuildContext &ctx) { return findTagOptions(m_page, ctx); }) &&
                stage(0.7, 0.75,
-                     [this](const RebuildContext &ctx) { return ChooseTagOptions(m_page, ctx); });
+                     [this](const RebuildContext &ctx) { return chooseTagOptions(m_page, ctx); });
     }
 
     /// With scripts switched off the page is commented here a second time: rebuilt pages of earlier
     /// cases have both.
     std::string disarmed(std::string text) const {
         if (m_ctx.settings.DisableScriptTags)
-            text = StriptScriptTags(text);
-        return NeutraliseEventHandlers(text);
+            text = striptScriptTags(text);
+        return neutraliseEventHandlers(text);
     }
 
     void writePage(const std::string &text) {
@@ -104,7 +104,7 @@ class Rebuild {
 
 } // namespace
 
-bool RebuildWebPage(UrlRecord &page, Batch batch, const RebuildContext &ctx, const Clock &clock) {
+bool rebuildWebPage(UrlRecord &page, Batch batch, const RebuildContext &ctx, const Clock &clock) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false,
                    [&] { return onRow([&] { return Rebuild(page, batch, ctx, clock).run(); }); });
 }

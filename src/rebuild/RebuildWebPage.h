@@ -11,6 +11,6 @@ namespace nv {
 /// brings the parts to it. False when the page has no references, when its content is gone, when
 /// cancelled, which leaves the rebuild that the record had, and after a failure, which is logged;
 /// what was written until then stays.
-bool RebuildWebPage(UrlRecord &page, Batch batch, const RebuildContext &ctx, const Clock &clock);
+bool rebuildWebPage(UrlRecord &page, Batch batch, const RebuildContext &ctx, const Clock &clock);
 
 } // namespace nv

@@ -28,12 +28,12 @@ constexpr std::string_view kProcedure = "MainBAS.ReplaceTags()";
 constexpr std::string_view kNoRecord = "0000000";
 
 struct TagRow {
-    std::int64_t Tag_ID = 0;
-    std::int64_t TagURLID = 0;
-    std::string OriginalTag;
-    std::string NewTag;
-    std::string TagDefinition;
-    std::string AccuracyScore;
+    std::int64_t tagID = 0;
+    std::int64_t tagURLID = 0;
+    std::string originalTag;
+    std::string newTag;
+    std::string tagDefinition;
+    std::string accuracyScore;
     std::int64_t fileOffset = 0;
 };
 
@@ -53,19 +53,19 @@ std::vector<TagRow> readTags(const UrlRecord &page, const RebuildContext &ctx) {
     return tags;
 }
 
-std::string extensionOf(std::int64_t TagURLID, const RebuildContext &ctx) {
+std::string extensionOf(std::int64_t tagURLID, const RebuildContext &ctx) {
     SQLite::Statement row(ctx.project, "SELECT URLFileExt FROM URLs WHERE URL_ID = ?");
-    row.bind(1, TagURLID);
+    row.bind(1, tagURLID);
     return row.executeStep() ? std::string(trim(row.getColumn(0).getString())) : std::string();
 }
 
 std::string newValueOf(const TagRow &tag, bool byUrl, const RebuildContext &ctx) {
-    if (byUrl && tag.TagURLID <= 0)
-        return tag.OriginalTag;
+    if (byUrl && tag.tagURLID <= 0)
+        return tag.originalTag;
     const std::string extension =
-        byUrl ? extensionOf(tag.TagURLID, ctx) : getFileExtension(tag.NewTag);
-    const std::string name = localNameOf(UrlId{tag.TagURLID}, extension);
-    return name.starts_with(kNoRecord) ? tag.OriginalTag : name;
+        byUrl ? extensionOf(tag.tagURLID, ctx) : getFileExtension(tag.newTag);
+    const std::string name = localNameOf(UrlId{tag.tagURLID}, extension);
+    return name.starts_with(kNoRecord) ? tag.originalTag : name;
 }
 
 /// The chosen record, then those whose URL ends in the reference, then the others by their order.
@@ -78,17 +78,17 @@ class Candidates {
 
     std::vector<std::int64_t> of(const TagRow &tag) {
         std::vector<std::int64_t> best;
-        if (tag.TagURLID > 0)
-            best.push_back(tag.TagURLID);
-        if (candidatesIn(tag.AccuracyScore) <= static_cast<std::int64_t>(best.size()))
+        if (tag.tagURLID > 0)
+            best.push_back(tag.tagURLID);
+        if (candidatesIn(tag.accuracyScore) <= static_cast<std::int64_t>(best.size()))
             return best;
         std::vector<std::int64_t> others;
-        const std::string text = searchTextOf(tag.OriginalTag);
+        const std::string text = searchTextOf(tag.originalTag);
         m_options.reset();
-        m_options.bind(1, tag.Tag_ID);
+        m_options.bind(1, tag.tagID);
         while (m_options.executeStep()) {
             const std::int64_t id = m_options.getColumn(0).getInt64();
-            if (id != tag.TagURLID)
+            if (id != tag.tagURLID)
                 (endsInText(m_options.getColumn(1).getString(), text) ? best : others)
                     .push_back(id);
         }
@@ -141,24 +141,24 @@ std::optional<ReplacedPage> rewritten(const UrlRecord &page, PageSource &source,
             return std::nullopt;
         const std::string newValue = newValueOf(tag, byUrl, ctx);
         replacements.push_back(
-            {toAnsi(tag.TagDefinition), toAnsi(tag.OriginalTag), toAnsi(newValue)});
-        made.log += fmt::format("{}|{}|{}|\r\n", tag.TagURLID, tag.OriginalTag, newValue);
-        made.notes.push_back({tag.AccuracyScore, false, candidates.of(tag)});
+            {toAnsi(tag.tagDefinition), toAnsi(tag.originalTag), toAnsi(newValue)});
+        made.log += fmt::format("{}|{}|{}|\r\n", tag.tagURLID, tag.originalTag, newValue);
+        made.notes.push_back({tag.accuracyScore, false, candidates.of(tag)});
     }
     ReplacedText replaced = replacedInOrder(text, replacements);
     const std::vector<bool> named = rewrittenOf(tags, replacements, replaced.made);
     for (std::size_t i = 0; i < named.size(); ++i)
         made.notes[i].rewritten = named[i];
     // Only now: attributes with blanks around "=" are tidied but were not searched.
-    made.text = ReplaceAllText(replaced.text, " = ", "=");
+    made.text = replaceAllText(replaced.text, " = ", "=");
     if (ctx.settings.DisableScriptTags)
-        made.text = StriptScriptTags(made.text);
+        made.text = striptScriptTags(made.text);
     return made;
 }
 
 } // namespace
 
-std::optional<ReplacedPage> ReplaceTags(const UrlRecord &page, PageSource &source,
+std::optional<ReplacedPage> replaceTags(const UrlRecord &page, PageSource &source,
                                         const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport,
                    std::optional(ReplacedPage{{}, page.IngredientIDs, {}}),

@@ -25,7 +25,7 @@ inline constexpr std::size_t kMostNoted = 11;
 /// The page's text with every reference that has a part rewritten to the part's local name, and
 /// what became of each tag. Nothing is stored. Nothing when cancelled; after a failure, which is
 /// logged, an empty text with the log that the page has.
-std::optional<ReplacedPage> ReplaceTags(const UrlRecord &page, PageSource &source,
+std::optional<ReplacedPage> replaceTags(const UrlRecord &page, PageSource &source,
                                         const RebuildContext &ctx);
 
 } // namespace nv

@@ -19,7 +19,7 @@ bool isListed(std::string_view word, std::string_view list) {
 
 } // namespace
 
-bool IsReplaceablePicture(std::string_view tag, std::string_view list) {
+bool isReplaceablePicture(std::string_view tag, std::string_view list) {
     const std::size_t length = charCount(tag);
     if (length <= kCharsOfExtension)
         return false;
@@ -29,7 +29,7 @@ bool IsReplaceablePicture(std::string_view tag, std::string_view list) {
     return isListed(ending, list);
 }
 
-bool IsReplaceableHREF(std::string_view tag, std::string_view list) {
+bool isReplaceableHREF(std::string_view tag, std::string_view list) {
     return charCount(tag) > kCharsOfExtension && isListed(getFileExtension(tag), list);
 }
 

@@ -12,10 +12,10 @@ inline constexpr std::string_view kHTMLReplaceableHREFTags = "js;css;php;txt;asp
 
 /// Whether a picture that a page names may be replaced by a cached one. Only the last 4 characters
 /// count: "jpeg" stands there without its point, while "x.jpg?a=1" has no extension at all.
-bool IsReplaceablePicture(std::string_view tag,
+bool isReplaceablePicture(std::string_view tag,
                           std::string_view list = kHTMLReplaceablePictureTags);
 
 /// The same for what a page links to, by its file extension.
-bool IsReplaceableHREF(std::string_view tag, std::string_view list = kHTMLReplaceableHREFTags);
+bool isReplaceableHREF(std::string_view tag, std::string_view list = kHTMLReplaceableHREFTags);
 
 } // namespace nv

@@ -27,7 +27,7 @@ constexpr std::string_view kClosing = "\"')> \r\n";
 std::vector<std::string> textsBeforeQuote() {
     std::vector<std::string> texts;
     for (const URLTagDef &rule : urlTagDefs())
-        texts.emplace_back(toLower(trim(rule.TagDefinition)));
+        texts.emplace_back(toLower(trim(rule.tagDefinition)));
     const std::string scripted = texts[7];
     texts.push_back(scripted.substr(0, scripted.find('"')));
     texts.push_back(scripted.substr(0, scripted.rfind('"')));
@@ -72,7 +72,7 @@ bool isFound(const Replacement &replacement) {
     return !replacement.old.empty() &&
            replacement.old.find_first_of(kClosing) == std::string::npos &&
            std::ranges::any_of(urlTagDefs(), [&replacement](const URLTagDef &rule) {
-               return trim(rule.TagDefinition) == replacement.rule;
+               return trim(rule.tagDefinition) == replacement.rule;
            });
 }
 
@@ -123,10 +123,10 @@ std::string replacedEverywhere(std::string_view text, const Replacement &replace
     const std::string &rule = replacement.rule;
     std::string page(text);
     for (const std::string_view opening : {"\"", "'"})
-        page = ReplaceAllText(page, fmt::format("{}{}{}", rule, opening, replacement.old),
+        page = replaceAllText(page, fmt::format("{}{}{}", rule, opening, replacement.old),
                               fmt::format("{}{}{}", rule, opening, replacement.newValue));
     for (const std::string_view between : {"", "\n", "\r"})
-        page = ReplaceAllText(page, fmt::format("{}{}{}", rule, between, replacement.old),
+        page = replaceAllText(page, fmt::format("{}{}{}", rule, between, replacement.old),
                               fmt::format("{}{}", rule, replacement.newValue));
     return page;
 }

@@ -26,17 +26,17 @@ constexpr std::array<std::string_view, 4> kHandlers = {
 
 } // namespace
 
-std::string StriptScriptTags(std::string_view text) {
+std::string striptScriptTags(std::string_view text) {
     std::string stripped(text);
     for (const auto &[find, replacement] : kScripts)
-        stripped = ReplaceAllText(stripped, find, replacement);
+        stripped = replaceAllText(stripped, find, replacement);
     return stripped;
 }
 
-std::string NeutraliseEventHandlers(std::string_view text) {
+std::string neutraliseEventHandlers(std::string_view text) {
     std::string neutral(text);
     for (const std::string_view handler : kHandlers)
-        neutral = ReplaceAllText(neutral, handler, " void=");
+        neutral = replaceAllText(neutral, handler, " void=");
     return neutral;
 }
 

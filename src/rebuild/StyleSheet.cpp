@@ -84,7 +84,7 @@ class SheetRewriting {
         ++m_replaced;
         if (const auto content = contentOf(*picture, m_ctx.extraction()))
             copyToScratch(*content, m_folder / name);
-        line = ReplaceAllText(line, inner, name);
+        line = replaceAllText(line, inner, name);
         if (line.find(';') == std::string::npos)
             line += ';';
     }
@@ -141,7 +141,7 @@ void rewrite(const fs::path &path, const UrlRecord &sheet, const RebuildContext 
     if (!fs::exists(path))
         return;
     SheetRewriting rewriting(path.parent_path(), sheet, ctx, taken);
-    const std::string text = ReadTextFile(path, LineBreaks::keep);
+    const std::string text = readTextFile(path, LineBreaks::keep);
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = text.find("\r\n", at);
         rewriting.addLine(text.substr(at, end - at));
@@ -155,7 +155,7 @@ void rewrite(const fs::path &path, const UrlRecord &sheet, const RebuildContext 
 
 } // namespace
 
-std::size_t FindReplaceCSSTags(const fs::path &path, const UrlRecord &sheet,
+std::size_t findReplaceCSSTags(const fs::path &path, const UrlRecord &sheet,
                                const RebuildContext &ctx, std::size_t taken) {
     // After a failure too: pictures may lie there by then.
     trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport,

@@ -16,7 +16,7 @@ namespace nv {
 /// Names are counted on from `taken`, the result of the sheet before it in the same folder: counted
 /// from 1 in each, the pictures of one would take the place of another's. Returns the last number
 /// given.
-std::size_t FindReplaceCSSTags(const std::filesystem::path &path, const UrlRecord &sheet,
+std::size_t findReplaceCSSTags(const std::filesystem::path &path, const UrlRecord &sheet,
                                const RebuildContext &ctx, std::size_t taken = 0);
 
 } // namespace nv

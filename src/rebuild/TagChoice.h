@@ -12,22 +12,22 @@ namespace nv {
 
 /// A replacement that an examiner may choose by hand.
 struct URLChoice {
-    std::string ProposedNewValue;
-    std::string URL;
-    std::string RelativePath;
+    std::string proposedNewValue;
+    std::string url;
+    std::string relativePath;
 };
 using URLChoices = KeyedList<URLChoice>;
 
 /// Picks one of its options for every tag of the page, in the order of their texts, and writes pick
 /// and score into the tag's row. False after a failure, which is logged, and when cancelled.
-[[nodiscard]] bool ChooseTagOptions(const UrlRecord &page, const RebuildContext &ctx);
+[[nodiscard]] bool chooseTagOptions(const UrlRecord &page, const RebuildContext &ctx);
 
 /// The pick for a page of Internet Explorer, whose parts are named by cache folder and file: the
 /// tag's row notes both. The page's own record stays as it is.
-[[nodiscard]] bool PickIETagOption(std::int64_t Tag_ID, const RebuildContext &ctx);
+[[nodiscard]] bool pickIETagOption(std::int64_t tagID, const RebuildContext &ctx);
 
 /// The pick for a page of the other browsers, whose parts are named by URL.
-[[nodiscard]] bool PickNonIETagOption(std::string_view OriginalTag, std::int64_t Tag_ID,
+[[nodiscard]] bool pickNonIETagOption(std::string_view originalTag, std::int64_t tagID,
                                       const RebuildContext &ctx);
 
 } // namespace nv

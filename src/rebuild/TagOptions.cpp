@@ -26,21 +26,21 @@ constexpr std::string_view kProcedure = "MainBAS.FindTagOptions()";
 constexpr std::size_t kShownText = 60; ///< characters of a reference in a message
 
 struct SearchedTag {
-    std::int64_t Tag_ID;
+    std::int64_t tagID;
     std::optional<std::size_t> pattern; ///< nothing for a text that can't be searched for
 };
 
-/// Records that hold a tag's text in their URL, by URL_ID in rising order. A text such as a list of
+/// Records that hold a tag's text in their URL, by urlID in rising order. A text such as a list of
 /// countries has stands in nearly every URL, so that not all of them are kept.
 class Found {
   public:
-    void add(std::int64_t URL_ID, std::string_view url, std::string_view text) {
+    void add(std::int64_t urlID, std::string_view url, std::string_view text) {
         ++m_count;
         const bool isFull = m_ids.size() >= kMostOptions;
         if (isFull && (m_exact == kMostExactOptions || !endsInText(url, text)))
             return;
         m_exact += isFull ? 1 : 0;
-        m_ids.push_back(URL_ID);
+        m_ids.push_back(urlID);
     }
     bool isEmpty() const { return m_count == 0; }
     bool isCut() const { return m_ids.size() < static_cast<std::size_t>(m_count); }
@@ -166,13 +166,13 @@ class OptionSearch {
                 return false;
             Savepoint whole(m_ctx.project);
             remove.reset();
-            remove.bind(1, m_tags[i].Tag_ID);
+            remove.bind(1, m_tags[i].tagID);
             remove.exec();
             if (m_tags[i].pattern) {
                 const Candidates &candidates = m_candidates[*m_tags[i].pattern];
-                insertOptions(insert, m_tags[i].Tag_ID, candidates.chosen());
+                insertOptions(insert, m_tags[i].tagID, candidates.chosen());
                 if (candidates.chosen().isCut())
-                    noteCut(note, m_tags[i].Tag_ID, candidates);
+                    noteCut(note, m_tags[i].tagID, candidates);
             }
             whole.release();
         }
@@ -243,14 +243,14 @@ class OptionSearch {
 
 } // namespace
 
-std::string StripWhitespace(std::string_view text) {
+std::string stripWhitespace(std::string_view text) {
     std::string stripped;
     std::ranges::copy_if(text, std::back_inserter(stripped),
                          [](char c) { return c != ' ' && c != '\r' && c != '\n' && c != '\t'; });
     return stripped;
 }
 
-std::string HostFromURL(std::string_view url) {
+std::string hostFromURL(std::string_view url) {
     if (charCount(url) < 4 || !startsWithNoCase(url, "http"))
         return {};
     std::size_t slash = url.find('/');
@@ -260,13 +260,13 @@ std::string HostFromURL(std::string_view url) {
         return {};
     std::string host(url.substr(0, slash));
     for (const std::string_view prefix : {"http://www.", "http://", "https://", "www."})
-        host = ReplaceAllText(host, prefix, "");
+        host = replaceAllText(host, prefix, "");
     const std::size_t port = host.find(':');
     return port != std::string::npos && port > 0 ? host.substr(0, port) : host;
 }
 
-std::string searchTextOf(std::string_view OriginalTag) {
-    const std::string text = StripWhitespace(without(trim(OriginalTag), "../"));
+std::string searchTextOf(std::string_view originalTag) {
+    const std::string text = stripWhitespace(without(trim(originalTag), "../"));
     const bool beginsHere = text.size() > 2 && text.starts_with("./");
     return beginsHere ? without(without(text, "../"), "./") : text;
 }
@@ -280,12 +280,12 @@ std::string scoreText(std::int64_t picks, std::int64_t candidates) {
     return fmt::format("{}:{}", picks, candidates);
 }
 
-std::int64_t candidatesIn(std::string_view AccuracyScore) {
-    const std::size_t colon = AccuracyScore.find(':');
+std::int64_t candidatesIn(std::string_view accuracyScore) {
+    const std::size_t colon = accuracyScore.find(':');
     std::int64_t count = 0;
     if (colon != std::string_view::npos)
-        std::from_chars(AccuracyScore.data() + colon + 1,
-                        AccuracyScore.data() + AccuracyScore.size(), count);
+        std::from_chars(accuracyScore.data() + colon + 1,
+                        accuracyScore.data() + accuracyScore.size(), count);
     return count;
 }
 
@@ -293,7 +293,7 @@ void forgetTagOptions(const RebuildContext &ctx) {
     onProject([&] { ctx.project.exec("DELETE FROM TagOptions"); });
 }
 
-bool FindTagOptions(const UrlRecord &page, const RebuildContext &ctx) {
+bool findTagOptions(const UrlRecord &page, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false,
                    [&] { return onRow([&] { return OptionSearch(page, ctx).run(); }); });
 }

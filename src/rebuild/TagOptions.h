@@ -11,14 +11,14 @@
 namespace nv {
 
 /// A text without blanks, tabs and line breaks anywhere.
-std::string StripWhitespace(std::string_view text);
+std::string stripWhitespace(std::string_view text);
 
 /// The host as web pages are told apart by it: without "www." and port; empty for a text that is no
 /// "http" address with a path.
-std::string HostFromURL(std::string_view url);
+std::string hostFromURL(std::string_view url);
 
 /// What a reference is searched for among the URLs: without leading folders and white space.
-std::string searchTextOf(std::string_view OriginalTag);
+std::string searchTextOf(std::string_view originalTag);
 
 /// Whether the URL without its query ends in the text: such a record is more likely the part that
 /// was meant than one whose URL holds the text somewhere.
@@ -32,7 +32,7 @@ inline constexpr std::size_t kMostExactOptions = 10;
 /// "1:4": one pick among four candidates.
 std::string scoreText(std::int64_t picks, std::int64_t candidates);
 /// The candidates that a score counts; 0 for a text that is none.
-std::int64_t candidatesIn(std::string_view AccuracyScore);
+std::int64_t candidatesIn(std::string_view accuracyScore);
 
 /// Options serve the rebuild in hand and no later one: all that are stored go.
 void forgetTagOptions(const RebuildContext &ctx);
@@ -42,6 +42,6 @@ void forgetTagOptions(const RebuildContext &ctx);
 /// the same kind of cache. A tag whose text is no valid LIKE pattern gets none. Of a tag that has
 /// more than are stored, the score counts them all, and the log tells of the page. False after a
 /// failure, which is logged, and when cancelled.
-bool FindTagOptions(const UrlRecord &page, const RebuildContext &ctx);
+bool findTagOptions(const UrlRecord &page, const RebuildContext &ctx);
 
 } // namespace nv

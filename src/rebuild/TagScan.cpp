@@ -50,7 +50,7 @@ class RuleScan {
         while (m_pos > 0) {
             if (!task.advance(from + (to - from) * static_cast<double>(m_pos) / length))
                 return false;
-            m_pos = FindTextFrom(m_pos, m_text, m_rule.TagDefinition);
+            m_pos = findTextFrom(m_pos, m_text, m_rule.tagDefinition);
             if (m_pos == 0 || isFormField())
                 return true;
             takeHit();
@@ -60,16 +60,16 @@ class RuleScan {
 
   private:
     bool isFormField() const {
-        if (m_rule.CollectionIndex != kInlineValue || m_pos <= kInputBefore)
+        if (m_rule.collectionIndex != kInlineValue || m_pos <= kInputBefore)
             return false;
-        return FindTextFrom(m_pos - kInputBefore, m_text.substr(0, m_pos - 1), "<input") > 0;
+        return findTextFrom(m_pos - kInputBefore, m_text.substr(0, m_pos - 1), "<input") > 0;
     }
 
     char at(std::size_t position) const { return m_text[position - 1]; }
 
     void takeHit() {
         URLTag &tag = m_tags.add({});
-        for (std::size_t idx = m_pos + m_rule.TagDefinition.size();; ++idx) {
+        for (std::size_t idx = m_pos + m_rule.tagDefinition.size();; ++idx) {
             if (idx >= m_text.size()) {
                 m_pos = 0;
                 return;
@@ -91,29 +91,29 @@ class RuleScan {
         const std::size_t begin = tag.fileOffset;
         const std::string_view raw = m_text.substr(begin - 1, end - begin);
         const bool mustBeStyleSheet =
-            m_rule.CollectionIndex == kHref || m_rule.CollectionIndex == kScriptedHref;
+            m_rule.collectionIndex == kHref || m_rule.collectionIndex == kScriptedHref;
         if (mustBeStyleSheet && getFileExtension(fromAnsi(raw)) != "css") {
             m_pos = begin;
             return dropLast();
         }
-        tag.PathLength = end - begin;
-        tag.TagType = m_rule.TagType;
-        tag.TagDefinition = m_rule.TagDefinition;
-        m_pos = begin + tag.PathLength;
+        tag.pathLength = end - begin;
+        tag.tagType = m_rule.tagType;
+        tag.tagDefinition = m_rule.tagDefinition;
+        m_pos = begin + tag.pathLength;
         describe(tag, raw);
     }
 
     void describe(URLTag &tag, std::string_view raw) {
-        tag.OriginalTag = fromAnsi(without(without(without(raw, "\n"), "\r"), ")"));
-        tag.TagSansParentPaths = without(without(tag.OriginalTag, "../"), "./");
-        tag.IsPicture = IsReplaceablePicture(tag.OriginalTag, m_lists.pictures);
-        tag.IsReplaceableHREFTag = IsReplaceableHREF(tag.OriginalTag, m_lists.hrefs);
-        const bool wantsStyleSheet = m_rule.CollectionIndex == kHref ||
-                                     m_rule.CollectionIndex == kScriptedHref ||
-                                     m_rule.CollectionIndex == kBackgroundImage;
-        const bool drop = wantsStyleSheet && !containsNoCase(tag.OriginalTag, ".css");
-        if (tag.IsPicture || (tag.IsReplaceableHREFTag && !drop))
-            tag.TagFileName = tag.OriginalTag.substr(tag.OriginalTag.rfind('/') + 1);
+        tag.originalTag = fromAnsi(without(without(without(raw, "\n"), "\r"), ")"));
+        tag.tagSansParentPaths = without(without(tag.originalTag, "../"), "./");
+        tag.isPicture = isReplaceablePicture(tag.originalTag, m_lists.pictures);
+        tag.isReplaceableHREFTag = isReplaceableHREF(tag.originalTag, m_lists.hrefs);
+        const bool wantsStyleSheet = m_rule.collectionIndex == kHref ||
+                                     m_rule.collectionIndex == kScriptedHref ||
+                                     m_rule.collectionIndex == kBackgroundImage;
+        const bool drop = wantsStyleSheet && !containsNoCase(tag.originalTag, ".css");
+        if (tag.isPicture || (tag.isReplaceableHREFTag && !drop))
+            tag.tagFileName = tag.originalTag.substr(tag.originalTag.rfind('/') + 1);
         else if (drop)
             dropLast();
     }
@@ -128,7 +128,7 @@ class RuleScan {
 };
 
 bool isBlank(const URLTag &tag) {
-    return trim(tag.OriginalTag).empty();
+    return trim(tag.originalTag).empty();
 }
 
 /// The tags by what makes them equal, so that the last one of a kind is found without a walk.
@@ -137,7 +137,7 @@ class Kinds {
     explicit Kinds(const URLTags &tags) {
         std::size_t place = 0;
         for (const URLTag &tag : tags) {
-            m_kindOf.push_back(&m_places[tag.TagType + '\n' + tag.OriginalTag]);
+            m_kindOf.push_back(&m_places[tag.tagType + '\n' + tag.originalTag]);
             m_kindOf.back()->push_back(place);
             if (isBlank(tag))
                 m_blank.push_back(place);

@@ -10,9 +10,9 @@ namespace nv {
 
 /// One kind of reference that a page is searched for.
 struct URLTagDef {
-    std::int16_t CollectionIndex = 0; ///< 1 to 9
-    std::string TagType;
-    std::string TagDefinition; ///< the text to search for
+    std::int16_t collectionIndex = 0; ///< 1 to 9
+    std::string tagType;
+    std::string tagDefinition; ///< the text to search for
 };
 using URLTagDefs = KeyedList<URLTagDef>;
 
@@ -21,25 +21,25 @@ URLTagDefs urlTagDefs();
 
 /// One reference of a page to another file. Texts are UTF-8.
 struct URLTag {
-    std::int64_t Related_URL_ID = 0;
-    std::string TagDefinition;
-    std::string AccuracyScore; ///< picks and candidates, such as "1:4"
-    std::string NewTag;
-    std::string TagSansParentPaths; ///< `OriginalTag` without "../" and "./"
-    std::string TagFileName;
-    std::string CacheFolderName;
-    std::string CacheFileName;
-    std::string TagType;
-    bool IsReplaceableHREFTag = false;
-    std::int64_t TagOption_ID = 0;
-    std::string CacheFileRelativePath;
+    std::int64_t relatedUrlID = 0;
+    std::string tagDefinition;
+    std::string accuracyScore; ///< picks and candidates, such as "1:4"
+    std::string newTag;
+    std::string tagSansParentPaths; ///< `OriginalTag` without "../" and "./"
+    std::string tagFileName;
+    std::string cacheFolderName;
+    std::string cacheFileName;
+    std::string tagType;
+    bool isReplaceableHREFTag = false;
+    std::int64_t tagOptionID = 0;
+    std::string cacheFileRelativePath;
     /// 1-based position of the value's first character in the text without line breaks; 0 while
     /// there is none. It doesn't index the file.
     std::size_t fileOffset = 0;
-    bool IsPicture = false;
-    std::size_t PathLength = 0; ///< of the value as scanned, in bytes
-    std::int64_t HistoryFileOffset = 0;
-    std::string OriginalTag; ///< the value without line breaks and ")"
+    bool isPicture = false;
+    std::size_t pathLength = 0; ///< of the value as scanned, in bytes
+    std::int64_t historyFileOffset = 0;
+    std::string originalTag; ///< the value without line breaks and ")"
 };
 using URLTags = KeyedList<URLTag>;
 

@@ -40,16 +40,16 @@ std::string header(std::string_view version) {
 
 /// A part's name is made of its id; one without a record keeps the name that its page knows.
 std::string partNameOf(const TemplateRecord &record) {
-    return record.TagID == 0 ? record.FileName
-                             : fmt::format("{}.{}", sidOf(UrlId{record.TagID}),
-                                           getFileExtension(record.FileName));
+    return record.tagID == 0 ? record.fileName
+                             : fmt::format("{}.{}", sidOf(UrlId{record.tagID}),
+                                           getFileExtension(record.fileName));
 }
 
 std::string hashSection(const TemplateRecordsCollection &records) {
     std::string text = fmt::format("{}[HASH]", kBreak);
     for (const TemplateRecord &r : records)
-        text += fmt::format("{}{{{}|{}|{}|{}|{}}}", kBreak, r.TagID, r.OriginalTag,
-                            r.NewTagRelativePath, r.recordOffset, r.RecordSize);
+        text += fmt::format("{}{{{}|{}|{}|{}|{}}}", kBreak, r.tagID, r.originalTag,
+                            r.newTagRelativePath, r.recordOffset, r.recordSize);
     return text + fmt::format("{}[/HASH]{}", kBreak, kBreak);
 }
 
@@ -60,7 +60,7 @@ std::int64_t numberOf(std::string_view field) {
     return value;
 }
 
-void addRecord(TemplateClass &made, std::string_view piece, ByteView bytes) {
+void addRecord(PageTemplate &made, std::string_view piece, ByteView bytes) {
     const auto fields = split(piece, '|');
     if (fields.size() != 5)
         return; // a text with "|" or "}" in it has broken the section
@@ -70,32 +70,32 @@ void addRecord(TemplateClass &made, std::string_view piece, ByteView bytes) {
         !bytes.has(static_cast<std::uint64_t>(offset), static_cast<std::uint64_t>(size)))
         return;
     TemplateRecord record;
-    record.TagID = numberOf(fields[0]);
-    record.OriginalTag = fields[1];
-    record.NewTagRelativePath = fields[2];
-    record.FileName = fields[2];
+    record.tagID = numberOf(fields[0]);
+    record.originalTag = fields[1];
+    record.newTagRelativePath = fields[2];
+    record.fileName = fields[2];
     record.recordOffset = static_cast<std::uint32_t>(offset);
-    record.RecordSize = static_cast<std::uint32_t>(size);
+    record.recordSize = static_cast<std::uint32_t>(size);
     made.records.add(std::move(record));
 }
 
 } // namespace
 
-std::string templateBytes(TemplateRecordsCollection &records, std::string_view WebpageTitle,
+std::string templateBytes(TemplateRecordsCollection &records, std::string_view webpageTitle,
                           std::string_view version) {
     std::string bytes = header(version);
     for (TemplateRecord &record : records) {
         const Bytes content = readWhole(record.filePath);
         // The page comes first; what it is called there doesn't depend on its id in this project.
         const bool isPage = &record == &records.item(1);
-        record.NewTagRelativePath = isPage ? std::string(kTemplatePage) : partNameOf(record);
+        record.newTagRelativePath = isPage ? std::string(kTemplatePage) : partNameOf(record);
         record.recordOffset = static_cast<std::uint32_t>(bytes.size());
-        record.RecordSize = static_cast<std::uint32_t>(content.size());
+        record.recordSize = static_cast<std::uint32_t>(content.size());
         bytes.append(ByteView(content).raw()).append(kBreak);
     }
     const std::string hash = toAnsi(hashSection(records));
     // A longer title would run into the first record.
-    const std::string title = toAnsi(WebpageTitle).substr(0, kHeaderSize - kTitleAt);
+    const std::string title = toAnsi(webpageTitle).substr(0, kHeaderSize - kTitleAt);
     put32(bytes, kHashOffsetAt, bytes.size());
     put32(bytes, kHashSizeAt, hash.size());
     put32(bytes, kTitleSizeAt, title.size());
@@ -103,19 +103,19 @@ std::string templateBytes(TemplateRecordsCollection &records, std::string_view W
     return bytes.append(hash).append(kClosing);
 }
 
-TemplateClass readTemplate(ByteView bytes) {
-    TemplateClass made;
-    made.FileSize = bytes.size();
+PageTemplate readTemplate(ByteView bytes) {
+    PageTemplate made;
+    made.fileSize = bytes.size();
     made.hashOffset = bytes.u32le(kHashOffsetAt);
-    made.HashSize = bytes.u32le(kHashSizeAt);
-    made.TitleSize = bytes.u32le(kTitleSizeAt);
-    made.WebpageTitle = fromAnsi(bytes.sub(kTitleAt, made.TitleSize));
-    if (!bytes.has(made.hashOffset, made.HashSize))
+    made.hashSize = bytes.u32le(kHashSizeAt);
+    made.titleSize = bytes.u32le(kTitleSizeAt);
+    made.webpageTitle = fromAnsi(bytes.sub(kTitleAt, made.titleSize));
+    if (!bytes.has(made.hashOffset, made.hashSize))
         return made;
-    made.HashTable = fromAnsi(bytes.sub(made.hashOffset, made.HashSize));
-    if (made.HashTable.find("[HASH]") == std::string::npos)
+    made.hashTable = fromAnsi(bytes.sub(made.hashOffset, made.hashSize));
+    if (made.hashTable.find("[HASH]") == std::string::npos)
         return made;
-    std::string text = replaceAll(replaceAll(made.HashTable, "[HASH]", ""), "[/HASH]", "");
+    std::string text = replaceAll(replaceAll(made.hashTable, "[HASH]", ""), "[/HASH]", "");
     text = replaceAll(replaceAll(text, kBreak, ""), "{", "");
     for (const std::string_view piece : split(text, '}'))
         addRecord(made, piece, bytes);

@@ -33,8 +33,8 @@ void readIndex(TemplateRow &row) {
     if (row.bytes > kLargest)
         throw FileFailure("can't read the template", row.file, EFBIG);
     const Bytes bytes = readWhole(row.file);
-    const TemplateClass made = readTemplate(ByteView(bytes));
-    row.WebpageTitle = made.WebpageTitle;
+    const PageTemplate made = readTemplate(ByteView(bytes));
+    row.webpageTitle = made.webpageTitle;
     row.files = made.records.count();
 }
 

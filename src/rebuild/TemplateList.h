@@ -14,7 +14,7 @@ namespace nv {
 /// A template file as lists show it.
 struct TemplateRow {
     std::filesystem::path file;
-    std::string WebpageTitle;
+    std::string webpageTitle;
     std::size_t files = 0;   ///< stored in it, the page included
     std::uint64_t bytes = 0; ///< of the file itself
     Clock::TimePoint changed;

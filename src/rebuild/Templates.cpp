@@ -35,22 +35,22 @@ constexpr std::string_view kViewFolder = "TEMPLATE.NVR";
 std::vector<Substitution> harvestedParts(const fs::path &folder) {
     RebuildSettings wide;
     wide.WideRecordIds = true;
-    return substitutionsOf(fromAnsi(ReadTextFile(folder / kPartsList, LineBreaks::keep)), wide);
+    return substitutionsOf(fromAnsi(readTextFile(folder / kPartsList, LineBreaks::keep)), wide);
 }
 
 TemplateRecordsCollection recordsOf(const UrlRecord &page, const fs::path &folder) {
     TemplateRecordsCollection records;
     TemplateRecord html;
-    html.FileName = pageNameOf(page.URLID);
-    html.filePath = folder / html.FileName;
+    html.fileName = pageNameOf(page.URLID);
+    html.filePath = folder / html.fileName;
     records.add(html);
     for (const Substitution &part : harvestedParts(folder)) {
         TemplateRecord record;
-        record.TagID = part.TagURLID;
-        record.OriginalTag = part.OriginalTag;
-        record.FileName = part.NewTag;
-        record.filePath = folder / part.NewTag;
-        if (!part.NewTag.empty() && fs::is_regular_file(record.filePath))
+        record.tagID = part.tagURLID;
+        record.originalTag = part.originalTag;
+        record.fileName = part.newTag;
+        record.filePath = folder / part.newTag;
+        if (!part.newTag.empty() && fs::is_regular_file(record.filePath))
             records.add(std::move(record));
     }
     return records;
@@ -59,7 +59,7 @@ TemplateRecordsCollection recordsOf(const UrlRecord &page, const fs::path &folde
 /// The name of a record's file in a folder: never a path, and "0000017." is the name of a part
 /// without an extension.
 std::string plainNameOf(const TemplateRecord &record) {
-    std::string name(getFilenameFromPath(record.FileName));
+    std::string name(getFilenameFromPath(record.fileName));
     while (name.ends_with('.'))
         name.pop_back();
     if (name.empty())
@@ -69,7 +69,7 @@ std::string plainNameOf(const TemplateRecord &record) {
 
 /// Whether the record of that id holds the template's bytes in this project too.
 bool isSamePart(const TemplateRecord &record, ByteView content, const RebuildContext &ctx) {
-    auto part = ctx.records.getURL(UrlId{record.TagID});
+    auto part = ctx.records.getURL(UrlId{record.tagID});
     if (!part)
         return false;
     const auto file = contentOf(*part, ctx.extraction());
@@ -79,7 +79,7 @@ bool isSamePart(const TemplateRecord &record, ByteView content, const RebuildCon
 /// Writes the files of one template into a folder.
 class Unpacking {
   public:
-    Unpacking(const TemplateClass &made, ByteView bytes, fs::path folder, std::string pageName,
+    Unpacking(const PageTemplate &made, ByteView bytes, fs::path folder, std::string pageName,
               const RebuildContext &ctx)
         : m_made(made), m_bytes(bytes), m_folder(std::move(folder)),
           m_pageName(std::move(pageName)), m_ctx(ctx) {}
@@ -100,13 +100,13 @@ class Unpacking {
 
   private:
     ByteView bytesOf(const TemplateRecord &record) const {
-        return m_bytes.sub(record.recordOffset, record.RecordSize);
+        return m_bytes.sub(record.recordOffset, record.recordSize);
     }
 
     /// A part that has no record of its own has the id 0 too: the first one is the page.
     void findPage() {
         for (const TemplateRecord &record : m_made.records)
-            if (!m_page && record.TagID == 0 && record.NewTagRelativePath == kTemplatePage)
+            if (!m_page && record.tagID == 0 && record.newTagRelativePath == kTemplatePage)
                 m_page = &record;
     }
 
@@ -126,12 +126,12 @@ class Unpacking {
             name == harvestedName(record, name) && isSamePart(record, content, m_ctx);
         m_hasStrangers = m_hasStrangers || !isKnown;
         m_list +=
-            fmt::format("{}|{}|{}|\r\n", isKnown ? record.TagID : 0, record.OriginalTag, name);
+            fmt::format("{}|{}|{}|\r\n", isKnown ? record.tagID : 0, record.originalTag, name);
     }
 
     /// As a later harvest of the part's record would name it.
     static std::string harvestedName(const TemplateRecord &record, std::string_view name) {
-        return localNameOf(UrlId{record.TagID}, getFileExtension(name));
+        return localNameOf(UrlId{record.tagID}, getFileExtension(name));
     }
 
     /// Names that differ in case only are one on other systems.
@@ -153,11 +153,11 @@ class Unpacking {
         for (const auto &[name, freeName] : m_renamed)
             for (const URLTagDef &rule : urlTagDefs())
                 text = replacedEverywhere(
-                    text, {std::string(trim(rule.TagDefinition)), toAnsi(name), toAnsi(freeName)});
+                    text, {std::string(trim(rule.tagDefinition)), toAnsi(name), toAnsi(freeName)});
         writeWhole(m_folder / m_pageName, text);
     }
 
-    const TemplateClass &m_made;
+    const PageTemplate &m_made;
     ByteView m_bytes;
     fs::path m_folder;
     std::string m_pageName;
@@ -176,7 +176,7 @@ void emptied(const fs::path &folder) {
 bool applyTemplate(UrlRecord &page, const fs::path &file, const RebuildContext &ctx,
                    const Clock &clock) {
     const Bytes bytes = readWhole(file);
-    const TemplateClass made = readTemplate(ByteView(bytes));
+    const PageTemplate made = readTemplate(ByteView(bytes));
     if (made.records.count() == 0)
         return false;
     const fs::path folder = rebuildFolderOf(page.URLID, ctx);
@@ -187,11 +187,11 @@ bool applyTemplate(UrlRecord &page, const fs::path &file, const RebuildContext &
     page.RunTimeRebuiltFilePath = folder / pageName;
     page.RebuiltSourceCode = fromAnsi(ByteView(readWhole(page.RunTimeRebuiltFilePath)).raw());
     Savepoint whole(ctx.project);
-    if (!StoreIngredientIDs(page, ctx))
+    if (!storeIngredientIDs(page, ctx))
         return false;
     storeRebuilt(page, {}, ctx, clock);
     // The project may be looked at where the template isn't: it keeps the bytes that it lacks.
-    if (unpacking.hasStrangers() && !CreateCabinetFile(folder, page, ctx))
+    if (unpacking.hasStrangers() && !createCabinetFile(folder, page, ctx))
         return false;
     whole.release();
     return true;
@@ -258,12 +258,12 @@ TemplateResult CreateTemplate(const UrlRecord &page, const fs::path &templates,
                    TemplateResult::failed, create);
 }
 
-std::optional<fs::path> LoadTemplate(const fs::path &file, const RebuildContext &ctx) {
+std::optional<fs::path> loadTemplate(const fs::path &file, const RebuildContext &ctx) {
     return trapped(
         ctx.log, Severity::Warning, "MainForm.LoadTemplate()", kContactSupport,
         std::optional<fs::path>(), [&]() -> std::optional<fs::path> {
             const Bytes bytes = readWhole(file);
-            const TemplateClass made = readTemplate(ByteView(bytes));
+            const PageTemplate made = readTemplate(ByteView(bytes));
             const fs::path folder = ctx.TempFolderPath / kViewFolder;
             emptied(folder);
             Unpacking(made, ByteView(bytes), folder, std::string(kTemplatePage), ctx).run();
@@ -271,16 +271,16 @@ std::optional<fs::path> LoadTemplate(const fs::path &file, const RebuildContext 
         });
 }
 
-bool RebuildFromTemplate(UrlRecord &page, const fs::path &file, const RebuildContext &ctx,
+bool rebuildFromTemplate(UrlRecord &page, const fs::path &file, const RebuildContext &ctx,
                          const Clock &clock) {
     return trapped(
         ctx.log, Severity::Warning, "MainForm.RebuildFromTemplate()", kContactSupport, false,
         [&] { return onProject([&] { return applyTemplate(page, file, ctx, clock); }); });
 }
 
-bool templateMatchesTitle(const TemplateClass &made, std::string_view WebPageTitle) {
-    const std::string_view title = trim(WebPageTitle);
-    return !title.empty() && equalsNoCase(trim(made.WebpageTitle), title);
+bool templateMatchesTitle(const PageTemplate &made, std::string_view webPageTitle) {
+    const std::string_view title = trim(webPageTitle);
+    return !title.empty() && equalsNoCase(trim(made.webpageTitle), title);
 }
 
 std::vector<fs::path> templatesIn(const fs::path &folder) {

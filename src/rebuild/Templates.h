@@ -40,7 +40,7 @@ TemplateResult CreateTemplate(const UrlRecord &page, const std::filesystem::path
 
 /// Unpacks a template for viewing; its page is "0000001.htm" in the folder that is returned.
 /// Nothing after a failure, which is logged.
-std::optional<std::filesystem::path> LoadTemplate(const std::filesystem::path &file,
+std::optional<std::filesystem::path> loadTemplate(const std::filesystem::path &file,
                                                   const RebuildContext &ctx);
 
 /// Lays a template over the record: its page and parts take the place of the record's own rebuild.
@@ -48,12 +48,12 @@ std::optional<std::filesystem::path> LoadTemplate(const std::filesystem::path &f
 /// harvest puts a stranger's picture in their place, and the record's archive keeps their bytes. A
 /// part that bears the page's own name gets another. False without records in the template, and
 /// after a failure, which is logged.
-bool RebuildFromTemplate(UrlRecord &page, const std::filesystem::path &file,
+bool rebuildFromTemplate(UrlRecord &page, const std::filesystem::path &file,
                          const RebuildContext &ctx, const Clock &clock);
 
 /// Whether title and template belong together: trimmed and in either case, they are the same. No
 /// title belongs to nothing, or a template without one would fit every page that has none.
-bool templateMatchesTitle(const TemplateClass &made, std::string_view WebPageTitle);
+bool templateMatchesTitle(const PageTemplate &made, std::string_view webPageTitle);
 
 /// Template files of the folder, by name.
 std::vector<std::filesystem::path> templatesIn(const std::filesystem::path &folder);

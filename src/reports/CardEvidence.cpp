@@ -56,7 +56,7 @@ int shownWidth(std::int64_t width, std::int64_t height, int box) {
 RebuildContext CardEvidence::contextFor(const fs::path &folder, TaskMonitor &task) const {
     RebuildContext ctx = watchedBy(m_ctx.rebuild, task);
     ctx.TempFolderPath = folder;
-    ctx.settings.CreatingReport = true;
+    ctx.settings.creatingReport = true;
     return ctx;
 }
 
@@ -75,12 +75,12 @@ bool CardEvidence::bringRebuilt(ReportCard &card, TaskMonitor &task) const {
     const fs::path page = folder / pageNameOf(record.URLID);
     fs::remove_all(folder); // a row that is listed twice would be guarded twice
     if (!record.RebuiltSourceCode.empty())
-        card.incomplete = !HarvestParts(record, folder, Batch::yes,
+        card.incomplete = !harvestParts(record, folder, Batch::yes,
                                         contextFor(m_ctx.rebuild.TempFolderPath, task)) &&
                           task.advance(1); // a cancelled report has no cards
     // An archive unpacks into a folder of seven digits, which can be that of another row.
     else if (!record.CacheFileRebuiltBLOB.empty() && sidOf(record.URLID) == rowNameOf(record.URLID))
-        UnpackCabinetFile(record, contextFor(m_folder.path, task));
+        unpackCabinetFile(record, contextFor(m_folder.path, task));
     if (!fs::exists(page))
         return false;
     guardFolder(page);

@@ -21,10 +21,10 @@ namespace {
 
 /// A part that a template has brought has no record, but a name of its own.
 std::string localNameIn(const Substitution &line, const RebuildContext &ctx) {
-    if (line.TagURLID <= 0)
-        return line.NewTag;
-    const auto part = ctx.records.getURL(UrlId{line.TagURLID});
-    return part ? localNameOf(part->URLID, part->URLFileExt) : line.OriginalTag;
+    if (line.tagURLID <= 0)
+        return line.newTag;
+    const auto part = ctx.records.getURL(UrlId{line.tagURLID});
+    return part ? localNameOf(part->URLID, part->URLFileExt) : line.originalTag;
 }
 
 /// Whether the text has the name as a whole value, for rebuilds of which no more is known.
@@ -59,10 +59,10 @@ class Audit {
     AuditRow rowOf(const Substitution &line, std::size_t place) {
         AuditRow row;
         row.number = place;
-        row.originalValue = line.OriginalTag;
-        row.newValue = line.NewTag;
-        row.extension = getFileExtension(line.OriginalTag);
-        row.TagURLID = line.TagURLID;
+        row.originalValue = line.originalTag;
+        row.newValue = line.newTag;
+        row.extension = getFileExtension(line.originalTag);
+        row.TagURLID = line.tagURLID;
         const std::string name = localNameIn(line, m_ctx);
         // A name from the page may be a path: only files of the folder itself count.
         row.isThere = !name.empty() && getFilenameFromPath(name) == name && name != ".." &&

@@ -8,7 +8,7 @@
 namespace nv {
 
 /// Goes to rows by ascending ids. Steps from one to a near one, which takes a third of the time of
-/// looking each up. `rows` gives URL_ID first, has the least id for its parameter, and must outlive
+/// looking each up. `rows` gives urlID first, has the least id for its parameter, and must outlive
 /// this.
 class RowWalk {
   public:

@@ -33,7 +33,7 @@ QueryClass TestQuery(std::string_view sql, SQLite::Database &connection, Failure
 /// "--" would take what stands on the lines after it along, and is refused.
 QueryClass testTyped(std::string_view typed, SQLite::Database &connection, FailureLog &log);
 
-/// The same for what the table shall show: its rows must have a URL_ID.
+/// The same for what the table shall show: its rows must have a urlID.
 QueryClass testForTable(std::string_view typed, SQLite::Database &connection, FailureLog &log);
 
 } // namespace nv

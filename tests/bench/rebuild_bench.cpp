@@ -59,7 +59,7 @@ void rebuildPageOfThousandTags(benchmark::State &state) {
                              {.WideRecordIds = true}};
     for (auto _ : state) {
         UrlRecord page = *large.store.getURL(large.page);
-        if (!RebuildWebPage(page, Batch::no, ctx, large.project.clock))
+        if (!rebuildWebPage(page, Batch::no, ctx, large.project.clock))
             state.SkipWithError("the page was not rebuilt");
     }
 }

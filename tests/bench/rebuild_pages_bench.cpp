@@ -75,7 +75,7 @@ struct Cache {
         std::vector<PageDrawing> drawings;
         for (const UrlId id : pages) {
             UrlRecord page = *store.getURL(id);
-            if (!RebuildWebPage(page, Batch::yes, ctx, project.clock))
+            if (!rebuildWebPage(page, Batch::yes, ctx, project.clock))
                 state.SkipWithError("a page was not rebuilt");
             drawings.push_back({id, page.RunTimeRebuiltFilePath,
                                 page.RunTimeRebuiltFilePath.parent_path() / "~thumbnail.jpg"});
@@ -97,7 +97,7 @@ void discoverTags(benchmark::State &state) {
     for (auto _ : state) {
         UrlRecord page = *cache.store.getURL(cache.pages.front());
         PageSource source(page, cache.ctx);
-        tags += FindTagsInFile(page, source, cache.ctx);
+        tags += findTagsInFile(page, source, cache.ctx);
     }
     state.SetItemsProcessed(static_cast<std::int64_t>(tags));
 }

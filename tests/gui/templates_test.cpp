@@ -139,10 +139,10 @@ void TemplatesTest::theCurrentPageBecomesATemplate() {
     makeTemplate();
     QVERIFY(list().isVisible());
     QCOMPARE(notice(), QStringLiteral("1 of 1 template made."));
-    QCOMPARE(cell(0, TemplateModel::COL_TEMPLATE_NAME), QStringLiteral("page.html"));
-    QCOMPARE(cell(0, TemplateModel::COL_TEMPLATE_TITLE), QStringLiteral("Inbox"));
-    QCOMPARE(cell(0, TemplateModel::COL_TEMPLATE_FILES), QStringLiteral("2"));
-    QCOMPARE(cell(0, TemplateModel::COL_TEMPLATE_FILEPATH), pathToQt(folder() / "page.html.NVT"));
+    QCOMPARE(cell(0, TemplateModel::nameColumn), QStringLiteral("page.html"));
+    QCOMPARE(cell(0, TemplateModel::titleColumn), QStringLiteral("Inbox"));
+    QCOMPARE(cell(0, TemplateModel::filesColumn), QStringLiteral("2"));
+    QCOMPARE(cell(0, TemplateModel::filePathColumn), pathToQt(folder() / "page.html.NVT"));
     QCOMPARE(child<QLabel>(*m_form, "labTemplates").text(),
              QStringLiteral("Templates: 1. Tagged: 0."));
 }
@@ -214,7 +214,7 @@ void TemplatesTest::onlyTaggedTemplatesAreLaid() {
     QCOMPARE(tab().chosen(), std::vector<fs::path>{folder() / "zebra.NVT"});
     QTest::keyClick(&list(), Qt::Key_Home, Qt::ControlModifier);
     QCOMPARE(tab().chosen(), std::vector<fs::path>{folder() / "zebra.NVT"});
-    const QModelIndex tick = list().model()->index(0, TemplateModel::COL_TEMPLATE_TAG);
+    const QModelIndex tick = list().model()->index(0, TemplateModel::tagColumn);
     const QRect box = list().visualRect(tick);
     QTest::mouseClick(list().viewport(), Qt::LeftButton, {},
                       QPoint(box.left() + 10, box.center().y()));
@@ -296,7 +296,7 @@ void TemplatesTest::whatIsNoTemplateCantBeShown() {
     fs::create_directories(folder());
     writeWhole(folder() / "short.NVT", "NV");
     openTab();
-    QCOMPARE(cell(0, TemplateModel::COL_TEMPLATE_TITLE),
+    QCOMPARE(cell(0, TemplateModel::titleColumn),
              QStringLiteral("No template can be read from this."));
     click("btnTemplateView");
     QCOMPARE(heard().back(), std::string("loading-template-failed"));

@@ -58,7 +58,7 @@ class ImportedSite {
     }
     bool rebuild(UrlId id) {
         return with(id, [this](UrlRecord &page, const RebuildContext &ctx) {
-            return RebuildWebPage(page, Batch::no, ctx, project.clock);
+            return rebuildWebPage(page, Batch::no, ctx, project.clock);
         });
     }
     /// Closes and opens the project, with nothing left of the rebuild but its rows.
@@ -67,7 +67,7 @@ class ImportedSite {
         std::filesystem::create_directories(temp);
         project.database.closeDB();
         project.database.open();
-        return with(id, UnpackIngredients);
+        return with(id, unpackIngredients);
     }
     Files files(UrlId id) {
         Files files;
@@ -90,8 +90,8 @@ class ImportedSite {
         std::string text = project.text("SELECT RebuiltSourceCode FROM URLs WHERE URL_ID = " +
                                         std::to_string(number(id)));
         for (const Substitution &part : substitutions(id))
-            if (part.TagURLID > 0)
-                text = replaceAll(text, part.NewTag, "{" + urlOf(part.TagURLID) + "}");
+            if (part.tagURLID > 0)
+                text = replaceAll(text, part.newTag, "{" + urlOf(part.tagURLID) + "}");
         return text;
     }
     /// Contents of the parts by URL.

@@ -104,7 +104,7 @@ void TemplatesPart::view() {
     Program &program = m_bench.program;
     Unwatched nobody;
     const RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
-    const auto folder = LoadTemplate(*file, tools.context());
+    const auto folder = loadTemplate(*file, tools.context());
     if (folder && std::filesystem::exists(*folder / kTemplatePage))
         return m_tab->showPreview(*folder / kTemplatePage);
     m_bench.examiner().tell(messages::loadingTemplateFailed(folder ? reasonText(Laid::noTemplate)

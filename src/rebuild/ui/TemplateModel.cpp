@@ -14,8 +14,7 @@ namespace nv {
 namespace {
 
 bool isNumber(int column) {
-    return column == TemplateModel::COL_TEMPLATE_FILES ||
-           column == TemplateModel::COL_TEMPLATE_SIZE;
+    return column == TemplateModel::filesColumn || column == TemplateModel::sizeColumn;
 }
 
 QVariant alignment(int column) {
@@ -60,7 +59,7 @@ void TemplateModel::flipTag(int place) {
     const auto &file = row(place).file;
     if (m_tagged.erase(file) == 0)
         m_tagged.insert(file);
-    const QModelIndex cell = index(place, COL_TEMPLATE_TAG);
+    const QModelIndex cell = index(place, tagColumn);
     emit dataChanged(cell, cell, {Qt::CheckStateRole});
     emit tagsChanged();
 }
@@ -75,22 +74,22 @@ int TemplateModel::columnCount(const QModelIndex &parent) const {
 
 Qt::ItemFlags TemplateModel::flags(const QModelIndex &index) const {
     const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
-    return index.column() == COL_TEMPLATE_TAG ? flags | Qt::ItemIsUserCheckable : flags;
+    return index.column() == tagColumn ? flags | Qt::ItemIsUserCheckable : flags;
 }
 
 QString TemplateModel::textOf(const TemplateRow &row, int column) {
     switch (column) {
-    case COL_TEMPLATE_TAG:
+    case tagColumn:
         return {};
-    case COL_TEMPLATE_NAME:
+    case nameColumn:
         return toQt(nv::textOf(row.file.stem()));
-    case COL_TEMPLATE_TITLE:
-        return row.isTemplate() ? toQt(row.WebpageTitle) : tr("No template can be read from this.");
-    case COL_TEMPLATE_FILES:
+    case titleColumn:
+        return row.isTemplate() ? toQt(row.webpageTitle) : tr("No template can be read from this.");
+    case filesColumn:
         return QLocale().toString(static_cast<qulonglong>(row.files));
-    case COL_TEMPLATE_SIZE:
+    case sizeColumn:
         return QLocale().toString(static_cast<qulonglong>(row.bytes));
-    case COL_TEMPLATE_CHANGED:
+    case changedColumn:
         return changedText(row);
     default:
         return toQt(nv::textOf(row.file));
@@ -105,12 +104,12 @@ QVariant TemplateModel::data(const QModelIndex &index, int role) const {
     case Qt::DisplayRole:
         return textOf(shown, index.column());
     case Qt::ToolTipRole:
-        if (index.column() == COL_TEMPLATE_TAG)
+        if (index.column() == tagColumn)
             return tr("Tagged templates are the ones that are applied");
         // Tooltips guess whether they are rich text: titles of evidence never are.
         return Qt::convertFromPlainText(textOf(shown, index.column()));
     case Qt::CheckStateRole:
-        if (index.column() == COL_TEMPLATE_TAG)
+        if (index.column() == tagColumn)
             return m_tagged.contains(shown.file) ? Qt::Checked : Qt::Unchecked;
         return {};
     case Qt::TextAlignmentRole:
@@ -135,17 +134,17 @@ QVariant TemplateModel::headerData(int section, Qt::Orientation orientation, int
     if (role != Qt::DisplayRole)
         return {};
     switch (section) {
-    case COL_TEMPLATE_TAG:
+    case tagColumn:
         return tr("Tag");
-    case COL_TEMPLATE_NAME:
+    case nameColumn:
         return tr("Name");
-    case COL_TEMPLATE_TITLE:
+    case titleColumn:
         return tr("Page Title");
-    case COL_TEMPLATE_FILES:
+    case filesColumn:
         return tr("Files");
-    case COL_TEMPLATE_SIZE:
+    case sizeColumn:
         return tr("Size (Bytes)");
-    case COL_TEMPLATE_CHANGED:
+    case changedColumn:
         return tr("Changed (UTC)");
     default:
         return tr("File Path");

@@ -15,13 +15,13 @@ class TemplateModel final : public QAbstractTableModel {
 
   public:
     enum Column {
-        COL_TEMPLATE_TAG,
-        COL_TEMPLATE_NAME,
-        COL_TEMPLATE_TITLE,
-        COL_TEMPLATE_FILES,
-        COL_TEMPLATE_SIZE,
-        COL_TEMPLATE_CHANGED,
-        COL_TEMPLATE_FILEPATH,
+        tagColumn,
+        nameColumn,
+        titleColumn,
+        filesColumn,
+        sizeColumn,
+        changedColumn,
+        filePathColumn,
         Count
     };
 

@@ -57,7 +57,7 @@ TemplatesTab::TemplatesTab(QWidget *parent) : QWidget(parent) {
         showState();
     });
     connect(m_grid, &QTableView::doubleClicked, this, [this](const QModelIndex &cell) {
-        if (cell.column() != TemplateModel::COL_TEMPLATE_TAG)
+        if (cell.column() != TemplateModel::tagColumn)
             emit viewWanted();
     });
     showState();
@@ -175,7 +175,7 @@ void TemplatesTab::setTemplates(std::vector<TemplateRow> rows) {
     if (before)
         select(*before);
     if (!current() && m_model->rowCount() > 0)
-        m_grid->setCurrentIndex(m_model->index(0, TemplateModel::COL_TEMPLATE_NAME));
+        m_grid->setCurrentIndex(m_model->index(0, TemplateModel::nameColumn));
     if (current() != before)
         closePreview();
     showState();
@@ -183,7 +183,7 @@ void TemplatesTab::setTemplates(std::vector<TemplateRow> rows) {
 
 void TemplatesTab::select(const std::filesystem::path &file) {
     if (const auto place = m_model->placeOf(file))
-        m_grid->setCurrentIndex(m_model->index(*place, TemplateModel::COL_TEMPLATE_NAME));
+        m_grid->setCurrentIndex(m_model->index(*place, TemplateModel::nameColumn));
 }
 
 std::optional<std::filesystem::path> TemplatesTab::current() const {

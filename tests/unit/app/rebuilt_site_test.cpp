@@ -70,8 +70,8 @@ TEST_P(RebuiltSite, hasEveryPartUnderTheNameThatThePageSays) {
     const Files files = site.files(page);
     for (const Substitution &part : site.substitutions(page)) {
         const bool isGone =
-            part.TagURLID == 0 || site.urlOf(part.TagURLID).ends_with("cleared.gif");
-        EXPECT_NE(files.contains(part.NewTag), isGone) << part.NewTag;
+            part.tagURLID == 0 || site.urlOf(part.tagURLID).ends_with("cleared.gif");
+        EXPECT_NE(files.contains(part.newTag), isGone) << part.newTag;
     }
 }
 

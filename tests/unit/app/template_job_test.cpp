@@ -82,7 +82,7 @@ TEST_F(TemplateJobTest, makesTemplatesOfRebuiltPagesOnly) {
     EXPECT_EQ(madeText(all), "1 of 2 templates made. 1 not: a template is made of a rebuilt page.");
     const auto rows = listTemplates(templates, program->log);
     ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(rows[0].WebpageTitle, "Harbour News");
+    EXPECT_EQ(rows[0].webpageTitle, "Harbour News");
     EXPECT_GT(rows[0].files, 10u);
     EXPECT_EQ(rows[0].bytes, fs::file_size(all.last));
     EXPECT_GT(rows[0].changed.time_since_epoch().count(), 0);
@@ -117,10 +117,10 @@ TEST_F(TemplateJobTest, asksBeforeATemplateIsOverwritten) {
     EXPECT_EQ(examiner.heard.back().text, "The following template already exists:\n\n" +
                                               file.string() +
                                               "\n\nDo you wish to overwrite this file?");
-    EXPECT_EQ(listTemplates(templates, program->log)[0].WebpageTitle, "Harbour News");
+    EXPECT_EQ(listTemplates(templates, program->log)[0].webpageTitle, "Harbour News");
     examiner.expect("template-exists", Answer::Yes);
     EXPECT_EQ(create({1}).results[TemplateResult::made], 1u);
-    EXPECT_EQ(listTemplates(templates, program->log)[0].WebpageTitle, "Another Title");
+    EXPECT_EQ(listTemplates(templates, program->log)[0].webpageTitle, "Another Title");
     EXPECT_EQ(listTemplates(templates, program->log)[0].bytes, before);
 }
 

@@ -50,7 +50,7 @@ class RebuildFixture : public testing::Test {
     }
     bool rebuild(UrlId id) {
         page = get(id);
-        return RebuildWebPage(page, Batch::no, context(), project.clock);
+        return rebuildWebPage(page, Batch::no, context(), project.clock);
     }
     /// The value of a column of the only row that `where` picks.
     std::string tag(const std::string &column, const std::string &where) {

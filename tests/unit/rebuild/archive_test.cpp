@@ -13,7 +13,7 @@ class ArchiveTest : public test::RebuildFixture {
         std::filesystem::create_directories(folder);
         writeWhole(folder / "0000001.htm", "<html>caf\xE9</html>");
         writeWhole(folder / "0000002.gif", std::string("GIF\0\xFF", 5));
-        EXPECT_TRUE(CreateCabinetFile(folder, record, context()));
+        EXPECT_TRUE(createCabinetFile(folder, record, context()));
         std::filesystem::remove_all(folder);
         return record;
     }
@@ -22,7 +22,7 @@ class ArchiveTest : public test::RebuildFixture {
 TEST_F(ArchiveTest, bringsBackWhatWasPacked) {
     packedPage();
     UrlRecord later = get(UrlId{1});
-    ASSERT_TRUE(UnpackCabinetFile(later, context()));
+    ASSERT_TRUE(unpackCabinetFile(later, context()));
     EXPECT_EQ(fileOf(UrlId{1}, "0000001.htm"), "<html>caf\xE9</html>");
     EXPECT_EQ(fileOf(UrlId{1}, "0000002.gif"), std::string("GIF\0\xFF", 5));
     EXPECT_EQ(later.RunTimeRebuiltFilePath.filename(), "0000001.htm");
@@ -35,13 +35,13 @@ TEST_F(ArchiveTest, readsItsTrailerIndexAndNames) {
     const std::uint32_t area = archive.u32le(archive.size() - 4);
     EXPECT_EQ(archive.sub(area, 4).raw(), "HASH");
     EXPECT_EQ(archive.u32le(area + 8), 12u + 11 + 2); // gap, name, gap, data
-    EXPECT_EQ(readArchive(archive).FileItems.item(2).FileName, "0000002.gif");
+    EXPECT_EQ(readArchive(archive).fileItems.item(2).fileName, "0000002.gif");
 }
 
 TEST_F(ArchiveTest, needsAPage) {
     UrlRecord record = get(add("http://host/page.html", "page"));
-    EXPECT_FALSE(CreateCabinetFile(evidenceFolder, record, context()));
-    EXPECT_FALSE(UnpackCabinetFile(record, context()));
+    EXPECT_FALSE(createCabinetFile(evidenceFolder, record, context()));
+    EXPECT_FALSE(unpackCabinetFile(record, context()));
     EXPECT_TRUE(project.log.entries.empty());
 }
 
@@ -52,13 +52,13 @@ TEST_F(ArchiveTest, survivesDamage) {
             UrlRecord record = get(UrlId{1});
             record.CacheFileRebuiltBLOB = sound;
             record.CacheFileRebuiltBLOB[at] = static_cast<std::uint8_t>(value);
-            UnpackCabinetFile(record, context());
+            unpackCabinetFile(record, context());
         }
     for (std::size_t cut = 0; cut < sound.size(); ++cut) {
         UrlRecord record = get(UrlId{1});
         record.CacheFileRebuiltBLOB.assign(sound.begin(),
                                            sound.begin() + static_cast<std::ptrdiff_t>(cut));
-        UnpackCabinetFile(record, context());
+        unpackCabinetFile(record, context());
     }
     EXPECT_EQ(get(UrlId{1}).CacheFileRebuiltBLOB, sound);
 }
@@ -68,7 +68,7 @@ TEST_F(ArchiveTest, keepsItsFilesInTheFolder) {
     std::string bytes(ByteView(record.CacheFileRebuiltBLOB).raw());
     bytes.replace(bytes.find("0000002.gif"), 11, "../../a.gif");
     record.CacheFileRebuiltBLOB.assign(bytes.begin(), bytes.end());
-    ASSERT_TRUE(UnpackCabinetFile(record, context()));
+    ASSERT_TRUE(unpackCabinetFile(record, context()));
     EXPECT_EQ(fileOf(UrlId{1}, "a.gif").size(), 5u);
     EXPECT_FALSE(std::filesystem::exists(project.folder.path() / "a.gif"));
 }

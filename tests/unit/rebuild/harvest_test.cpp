@@ -10,7 +10,7 @@ class HarvestTest : public test::RebuildFixture {
   protected:
     bool harvest(const std::string &substitutions) {
         page.IngredientIDs = substitutions;
-        return HarvestParts(page, folder(), Batch::no, context());
+        return harvestParts(page, folder(), Batch::no, context());
     }
     fs::path folder() { return rebuildFolderOf(page.URLID, context()); }
     std::size_t filesThere() {
@@ -87,7 +87,7 @@ TEST_F(HarvestTest, ofAPageThatIsItsOwnPartUnderItsOwnNameKeepsItRebuilt) {
     EXPECT_EQ(fileOf(id, "0000001.htm"), rebuilt + "\r\n");
     fs::remove_all(folder());
     UrlRecord later = get(id);
-    ASSERT_TRUE(UnpackIngredients(later, context()));
+    ASSERT_TRUE(unpackIngredients(later, context()));
     EXPECT_EQ(fileOf(id, "0000001.htm"), rebuilt);
 }
 
@@ -113,10 +113,10 @@ TEST_F(HarvestTest, givesAPartWithALongExtensionNone) {
 
 TEST_F(HarvestTest, storesItsListAsTheLogWhenThereIsNone) {
     use(add("http://host/page.html", "page"));
-    EXPECT_FALSE(StoreIngredientIDs(page, context()));
+    EXPECT_FALSE(storeIngredientIDs(page, context()));
     fs::create_directories(folder());
     writeWhole(folder() / "_TagIDs.txt", "1|caf\xE9|0000001.gif|\r\n");
-    EXPECT_TRUE(StoreIngredientIDs(page, context()));
+    EXPECT_TRUE(storeIngredientIDs(page, context()));
     EXPECT_EQ(get(page.URLID).IngredientIDs, "1|caf\xC3\xA9|0000001.gif|\r\n");
 }
 
@@ -125,7 +125,7 @@ TEST_F(HarvestTest, isNotBegunForAPageOfABatchThatIsCancelled) {
     test::CancelAfter cancelled(0);
     const RebuildContext ctx{project.connection(), store,     evidence, temp,
                              project.log,          cancelled, settings};
-    EXPECT_FALSE(RebuildWebPage(record, Batch::yes, ctx, project.clock));
+    EXPECT_FALSE(rebuildWebPage(record, Batch::yes, ctx, project.clock));
     EXPECT_FALSE(fs::exists(rebuildFolderOf(record.URLID, context())));
 }
 
@@ -162,7 +162,7 @@ class TagChoiceTest : public test::RebuildFixture {
 
 TEST_F(TagChoiceTest, notesFolderAndFileOfThePickAndLeavesThePagesRecord) {
     const UrlId id = add("http://host/page.html", "page");
-    EXPECT_TRUE(PickIETagOption(tagWithTwo(id, "a/b.gif", "../QRSTUVWX/b[1].gif "), context()));
+    EXPECT_TRUE(pickIETagOption(tagWithTwo(id, "a/b.gif", "../QRSTUVWX/b[1].gif "), context()));
     EXPECT_EQ(get(id).CacheFolderName, "ABCDEFGH");
     EXPECT_EQ(get(id).CacheFileName, "file1.html");
     EXPECT_EQ(tag("CacheFolderName", "1"), "QRSTUVWX");
@@ -175,7 +175,7 @@ TEST_F(TagChoiceTest, notesFolderAndFileOfThePickAndLeavesThePagesRecord) {
 
 TEST_F(TagChoiceTest, notesNothingForAShortPick) {
     const UrlId id = add("http://host/page.html", "page");
-    EXPECT_TRUE(PickIETagOption(tagWithTwo(id, "a/b.gif", "../QRSTUVWX/"), context()));
+    EXPECT_TRUE(pickIETagOption(tagWithTwo(id, "a/b.gif", "../QRSTUVWX/"), context()));
     EXPECT_EQ(tag("coalesce(CacheFolderName, '')", "1"), "");
 }
 
@@ -196,7 +196,7 @@ TEST_F(TagChoiceTest, ofABatchLeavesEveryRecordAsTheArtefactHadIt) {
 
 TEST_F(TagChoiceTest, ofOtherBrowsersWritesNoNewTag) {
     const UrlId id = add("http://host/page.html", "page", "Opera Cache");
-    EXPECT_TRUE(PickNonIETagOption("a/b.gif", tagWithTwo(id, "a/b.gif", "http://x"), context()));
+    EXPECT_TRUE(pickNonIETagOption("a/b.gif", tagWithTwo(id, "a/b.gif", "http://x"), context()));
     EXPECT_EQ(tag("coalesce(NewTag, '')", "1"), "");
     EXPECT_EQ(tag("TagURLID", "1"), "7");
     EXPECT_EQ(tag("AccuracyScore", "1"), "1:2");
@@ -205,15 +205,15 @@ TEST_F(TagChoiceTest, ofOtherBrowsersWritesNoNewTag) {
 TEST_F(TagChoiceTest, ofAPageWithoutUrlKeepsTheFirstTextAndNoRecord) {
     const UrlId id = add("http://host/page.html", "page", "Opera Cache");
     project.connection().exec("UPDATE URLs SET URL = ''");
-    EXPECT_TRUE(PickNonIETagOption("a/b.gif", tagWithTwo(id, "a/b.gif", " http://x "), context()));
+    EXPECT_TRUE(pickNonIETagOption("a/b.gif", tagWithTwo(id, "a/b.gif", " http://x "), context()));
     EXPECT_EQ(tag("NewTag", "1"), "http://x");
     EXPECT_EQ(tag("coalesce(TagURLID, 0)", "1"), "0");
     EXPECT_EQ(tag("AccuracyScore", "1"), "1:2");
 }
 
 TEST_F(TagChoiceTest, ofATagThatIsGoneIsDone) {
-    EXPECT_TRUE(PickIETagOption(99, context()));
-    EXPECT_TRUE(PickNonIETagOption("x", 99, context()));
+    EXPECT_TRUE(pickIETagOption(99, context()));
+    EXPECT_TRUE(pickNonIETagOption("x", 99, context()));
 }
 
 TEST_F(TagChoiceTest, ofAHostThatMakesNoPatternHasNoOptions) {

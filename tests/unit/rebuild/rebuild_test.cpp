@@ -16,7 +16,7 @@ class RebuildTest : public test::RebuildFixture {
             UrlRecord record = get(html);
             const RebuildContext ctx{project.connection(), store,      evidence, temp,
                                      project.log,          cancelling, settings};
-            if (RebuildWebPage(record, Batch::no, ctx, project.clock))
+            if (rebuildWebPage(record, Batch::no, ctx, project.clock))
                 return calls;
             check();
         }
@@ -72,7 +72,7 @@ TEST_F(RebuildTest, fetchesItsPageOnce) {
         [this] { writeWhole(evidenceFolder / "ABCDEFGH" / page.CacheFileName, "another page"); });
     const RebuildContext ctx{project.connection(), store,    evidence, temp,
                              project.log,          changing, settings};
-    ASSERT_TRUE(RebuildWebPage(page, Batch::no, ctx, project.clock));
+    ASSERT_TRUE(rebuildWebPage(page, Batch::no, ctx, project.clock));
     EXPECT_EQ(fileOf(html, "0000002.htm"), "<img src=\"0000001.gif\" > \r\n");
     EXPECT_TRUE(project.log.entries.empty());
 }
@@ -179,7 +179,7 @@ TEST_F(RebuildTest, comesBackFromTheProjectAlone) {
     std::filesystem::remove_all(temp);
     std::filesystem::create_directories(temp);
     UrlRecord later = get(html);
-    ASSERT_TRUE(UnpackIngredients(later, context()));
+    ASSERT_TRUE(unpackIngredients(later, context()));
     EXPECT_EQ(fileOf(html, "0000002.htm") + "\r\n", whole);
     EXPECT_EQ(fileOf(html, "0000001.gif"), "GIF89a");
     EXPECT_TRUE(std::filesystem::exists(later.RunTimeTempFilePath));

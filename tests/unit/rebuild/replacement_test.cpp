@@ -75,7 +75,7 @@ class Pages {
     std::string any(const std::vector<std::string> &from) { return from[below(from.size())]; }
     std::string rule() {
         const URLTagDefs rules = urlTagDefs();
-        return std::string(trim(rules.item(1 + below(rules.count())).TagDefinition));
+        return std::string(trim(rules.item(1 + below(rules.count())).tagDefinition));
     }
     std::string value() {
         static const std::vector<std::string> parts = {

@@ -26,7 +26,7 @@ class StyleSheetTest : public test::RebuildFixture {
         writeWhole(sheetFile, css);
         UrlRecord sheet;
         sheet.host = host;
-        FindReplaceCSSTags(sheetFile, sheet, context());
+        findReplaceCSSTags(sheetFile, sheet, context());
         return std::string(ByteView(readWhole(sheetFile)).raw());
     }
     bool hasPicture(const std::string &name) { return fs::exists(sheetFile.parent_path() / name); }
@@ -90,7 +90,7 @@ TEST_F(StyleSheetTest, ofTwoInAPageNeitherLosesAPicture) {
     EXPECT_EQ(fileOf(pageId, "_css0000003.gif"), "GIF89a two");
     EXPECT_FALSE(fs::exists(rebuildFolderOf(pageId, context()) / "_css0000001.gif"));
     // Another harvest gives the same names.
-    ASSERT_TRUE(UnpackIngredients(page, context()));
+    ASSERT_TRUE(unpackIngredients(page, context()));
     EXPECT_EQ(fileOf(pageId, "_css0000003.gif"), "GIF89a two");
 }
 
@@ -123,7 +123,7 @@ TEST_F(StyleSheetTest, needsTheUrlToEndInTheName) {
 }
 
 TEST_F(StyleSheetTest, thatIsNotThereIsPassedOver) {
-    FindReplaceCSSTags(sheetFile, {}, context());
+    findReplaceCSSTags(sheetFile, {}, context());
     EXPECT_FALSE(fs::exists(sheetFile));
     EXPECT_TRUE(project.log.entries.empty());
 }

@@ -16,11 +16,11 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(HostFromUrl, isWhatPagesAreToldApartBy) {
-    EXPECT_EQ(HostFromURL("http://www.host.com:8080/a"), "host.com");
-    EXPECT_EQ(HostFromURL("HTTPS://host.com/a/b"), "host.com");
-    EXPECT_EQ(HostFromURL("http://host.com"), ""); // no third "/"
-    EXPECT_EQ(HostFromURL("ftp://host.com/a"), "");
-    EXPECT_EQ(HostFromURL("htt"), "");
+    EXPECT_EQ(hostFromURL("http://www.host.com:8080/a"), "host.com");
+    EXPECT_EQ(hostFromURL("HTTPS://host.com/a/b"), "host.com");
+    EXPECT_EQ(hostFromURL("http://host.com"), ""); // no third "/"
+    EXPECT_EQ(hostFromURL("ftp://host.com/a"), "");
+    EXPECT_EQ(hostFromURL("htt"), "");
 }
 
 TEST(SearchText, losesLeadingFoldersAndWhiteSpace) {
@@ -173,7 +173,7 @@ TEST_F(TagOptionsTest, areThoseOfThePlainWay) {
         insert.bind(2, text);
         insert.exec();
     }
-    ASSERT_TRUE(FindTagOptions(of, context()));
+    ASSERT_TRUE(findTagOptions(of, context()));
     const std::vector<Choice> options = optionsOf(id);
     ASSERT_EQ(options.size(), texts.size());
     std::size_t withOptions = 0;
@@ -191,7 +191,7 @@ TEST_F(TagOptionsTest, areThoseOfThePlainWay) {
 
 TEST_F(TagOptionsTest, ofAPageWithoutTagsAreNone) {
     const UrlId id = add("http://one.example/page.html", "page");
-    EXPECT_TRUE(FindTagOptions(get(id), context()));
+    EXPECT_TRUE(findTagOptions(get(id), context()));
     EXPECT_THAT(optionsOf(id), IsEmpty());
 }
 

@@ -21,8 +21,8 @@ URLTags scan(std::string_view text) {
 std::vector<std::string> valuesOf(const URLTags &tags) {
     std::vector<std::string> values;
     for (const URLTag &tag : tags)
-        if (!tag.OriginalTag.empty())
-            values.push_back(tag.OriginalTag);
+        if (!tag.originalTag.empty())
+            values.push_back(tag.originalTag);
     return values;
 }
 
@@ -38,22 +38,22 @@ URLTag only(std::string_view text) {
 
 TEST(TagScan, findsAValueInQuotationMarks) {
     const URLTag tag = only("<img src=\"../pics/./logo.gif\" alt=x>");
-    EXPECT_EQ(tag.OriginalTag, "../pics/./logo.gif");
-    EXPECT_EQ(tag.TagSansParentPaths, "pics/logo.gif");
-    EXPECT_EQ(tag.TagFileName, "logo.gif");
-    EXPECT_EQ(tag.TagType, "INLINE:SRC");
-    EXPECT_EQ(tag.TagDefinition, "src=");
+    EXPECT_EQ(tag.originalTag, "../pics/./logo.gif");
+    EXPECT_EQ(tag.tagSansParentPaths, "pics/logo.gif");
+    EXPECT_EQ(tag.tagFileName, "logo.gif");
+    EXPECT_EQ(tag.tagType, "INLINE:SRC");
+    EXPECT_EQ(tag.tagDefinition, "src=");
     EXPECT_EQ(tag.fileOffset, 11u); // after the quotation mark, 1-based
-    EXPECT_EQ(tag.PathLength, 18u);
-    EXPECT_TRUE(tag.IsPicture);
-    EXPECT_FALSE(tag.IsReplaceableHREFTag);
-    EXPECT_EQ(tag.TagOption_ID, 0);
+    EXPECT_EQ(tag.pathLength, 18u);
+    EXPECT_TRUE(tag.isPicture);
+    EXPECT_FALSE(tag.isReplaceableHREFTag);
+    EXPECT_EQ(tag.tagOptionID, 0);
 }
 
 TEST(TagScan, findsTheSameValueWithoutThem) {
-    EXPECT_EQ(only("<img src=logo.gif> ").OriginalTag, "logo.gif");
+    EXPECT_EQ(only("<img src=logo.gif> ").originalTag, "logo.gif");
     EXPECT_EQ(only("<img src=logo.gif> ").fileOffset, 10u);
-    EXPECT_EQ(only("<img SRC='logo.gif'> ").OriginalTag, "logo.gif");
+    EXPECT_EQ(only("<img SRC='logo.gif'> ").originalTag, "logo.gif");
 }
 
 TEST(TagScan, knowsAllNineRules) {
@@ -68,14 +68,14 @@ TEST(TagScan, knowsAllNineRules) {
         {"commonCss.setAttribute(\"href\", \"a/style.css\" )", "INLINE:STYLE:HREF"},
     };
     for (const auto &[text, type] : cases)
-        EXPECT_EQ(only(text).TagType, type) << text;
+        EXPECT_EQ(only(text).tagType, type) << text;
 }
 
 TEST(TagScan, givesOnePlaceToSeveralRules) {
     const URLTags tags = scan("x{background: url(a/pic.gif) }");
     ASSERT_EQ(tags.count(), 2u);
-    EXPECT_EQ(tags.item(1).TagType, "STYLE:URL2:BACKGROUND");
-    EXPECT_EQ(tags.item(2).TagType, "STYLE:URL:OTHER");
+    EXPECT_EQ(tags.item(1).tagType, "STYLE:URL2:BACKGROUND");
+    EXPECT_EQ(tags.item(2).tagType, "STYLE:URL:OTHER");
     EXPECT_EQ(tags.item(1).fileOffset, tags.item(2).fileOffset);
 }
 
@@ -86,12 +86,12 @@ TEST(TagScan, closesAQuotedValueInAParenthesisAtOnce) {
 TEST(TagScan, closesOnTheQuotationMarkAfterABlank) {
     const URLTags tags = scan("<img src= \"a/pic.gif\" >");
     ASSERT_EQ(tags.count(), 1u);
-    EXPECT_EQ(tags.item(1).OriginalTag, " ");
+    EXPECT_EQ(tags.item(1).originalTag, " ");
 }
 
 TEST(TagScan, passesOverDigitsThatOpenAValue) {
-    EXPECT_EQ(only("<img src=2011/pic.gif >").OriginalTag, "/pic.gif");
-    EXPECT_EQ(only("<img src=\"2011/pic.gif\" >").OriginalTag, "2011/pic.gif");
+    EXPECT_EQ(only("<img src=2011/pic.gif >").originalTag, "/pic.gif");
+    EXPECT_EQ(only("<img src=\"2011/pic.gif\" >").originalTag, "2011/pic.gif");
 }
 
 TEST(TagScan, takesOnlyStyleSheetsFromLinks) {
@@ -102,8 +102,8 @@ TEST(TagScan, takesOnlyStyleSheetsFromLinks) {
 
 TEST(TagScan, keepsWhatIsNeitherPictureNorReplaceable) {
     const URLTag tag = only("<script src=\"/lib/run.swf\" >");
-    EXPECT_EQ(tag.OriginalTag, "/lib/run.swf");
-    EXPECT_EQ(tag.TagFileName, "");
+    EXPECT_EQ(tag.originalTag, "/lib/run.swf");
+    EXPECT_EQ(tag.tagFileName, "");
 }
 
 TEST(TagScan, dropsABackgroundThatIsNeitherPictureNorStyleSheet) {
@@ -136,8 +136,8 @@ TEST(TagScan, endsARuleAtTheEndOfTheText) {
 TEST(TagScan, worksOnBytes) {
     const URLTag tag = only("caf\xE9 <img src=\"b\xFC.gif\" >");
     EXPECT_EQ(tag.fileOffset, 16u);
-    EXPECT_EQ(tag.PathLength, 6u);
-    EXPECT_EQ(tag.OriginalTag, "b\xC3\xBC.gif");
+    EXPECT_EQ(tag.pathLength, 6u);
+    EXPECT_EQ(tag.originalTag, "b\xC3\xBC.gif");
 }
 
 TEST(TagScan, canBeCancelled) {
@@ -149,8 +149,8 @@ URLTags tagsOf(std::initializer_list<const char *> values) {
     URLTags tags;
     for (const char *value : values) {
         URLTag tag;
-        tag.OriginalTag = value;
-        tag.TagType = "T";
+        tag.originalTag = value;
+        tag.tagType = "T";
         tags.add(tag);
     }
     return tags;
@@ -159,7 +159,7 @@ URLTags tagsOf(std::initializer_list<const char *> values) {
 std::vector<std::string> reconciled(std::initializer_list<const char *> values) {
     std::vector<std::string> left;
     for (const URLTag &tag : reconcileTags(tagsOf(values)))
-        left.push_back(tag.OriginalTag);
+        left.push_back(tag.originalTag);
     return left;
 }
 
@@ -181,7 +181,7 @@ TEST(Reconciling, leavesABlankThatItDoesNotReach) {
 
 TEST(Reconciling, tellsTypesApart) {
     URLTags tags = tagsOf({"a", "a"});
-    tags.item(2).TagType = "U";
+    tags.item(2).tagType = "U";
     EXPECT_EQ(reconcileTags(tags).count(), 2u);
 }
 
@@ -209,12 +209,12 @@ TEST(Reconciling, agreesWithThePlainWay) {
         for (int rest = code, n = 0; n < 8; ++n, rest /= 3) {
             values.emplace_back(rest % 3 == 0 ? "" : rest % 3 == 1 ? "a" : "b");
             URLTag tag;
-            tag.OriginalTag = values.back();
+            tag.originalTag = values.back();
             tags.add(tag);
         }
         std::vector<std::string> left;
         for (const URLTag &tag : reconcileTags(tags))
-            left.push_back(tag.OriginalTag);
+            left.push_back(tag.originalTag);
         ASSERT_EQ(left, plainly(values)) << code;
     }
 }

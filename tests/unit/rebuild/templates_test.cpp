@@ -58,7 +58,7 @@ TEST_F(TemplatesTest, thatDontFitTheDiskLeaveWhatWasThere) {
 }
 
 TEST_F(TemplatesTest, areShownFromAFolderOfTheirOwn) {
-    const auto folder = LoadTemplate(makeTemplate(), context());
+    const auto folder = loadTemplate(makeTemplate(), context());
     ASSERT_TRUE(folder);
     EXPECT_EQ(ByteView(readWhole(*folder / "0000001.gif")).raw(), "GIF89a");
     EXPECT_EQ(ByteView(readWhole(*folder / "0000001.htm")).raw(),
@@ -70,7 +70,7 @@ TEST_F(TemplatesTest, layOverAnotherPage) {
     const auto file = makeTemplate();
     const UrlId other = add("http://host/other.html", "a page that lost its frame");
     UrlRecord record = get(other);
-    ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
+    ASSERT_TRUE(rebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_EQ(fileOf(other, "0000003.htm"), "<img src=\"0000001.gif\" > \r\n");
     EXPECT_EQ(fileOf(other, "0000001.gif"), "GIF89a");
     const UrlRecord stored = get(other);
@@ -85,7 +85,7 @@ TEST_F(TemplatesTest, neverNameAStrangersRecordAsTheirPart) {
     // In this project the id stands for something else.
     project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");
     UrlRecord record = get(add("http://host/other.html", "page"));
-    ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
+    ASSERT_TRUE(rebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_EQ(record.IngredientIDs, "0|a/logo.gif|0000001.gif|\r\n");
 }
 
@@ -94,12 +94,12 @@ TEST_F(TemplatesTest, keepTheBytesOfAnotherProjectsPart) {
     project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");
     const UrlId other = add("http://host/other.html", "<img src=\"a/logo.gif\" > ");
     UrlRecord record = get(other);
-    ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
+    ASSERT_TRUE(rebuildFromTemplate(record, file, context(), project.clock));
     std::filesystem::remove(file);
     std::filesystem::remove_all(temp);
     std::filesystem::create_directories(temp);
     UrlRecord later = get(other);
-    ASSERT_TRUE(UnpackIngredients(later, context()));
+    ASSERT_TRUE(unpackIngredients(later, context()));
     EXPECT_EQ(fileOf(other, "0000001.gif"), "GIF89a");
     EXPECT_EQ(fileOf(other, "0000003.htm"), "<img src=\"0000001.gif\" > \r\n");
     EXPECT_EQ(fileOf(other, "_TagIDs.txt"), "0|a/logo.gif|0000001.gif|\r\n");
@@ -111,7 +111,7 @@ TEST_F(TemplatesTest, keepTheBytesOfAnotherProjectsPart) {
 TEST_F(TemplatesTest, ofPartsThatTheProjectHasStoreNoBytes) {
     const auto file = makeTemplate();
     UrlRecord record = get(add("http://host/other.html", "page"));
-    ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
+    ASSERT_TRUE(rebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_TRUE(get(record.URLID).CacheFileRebuiltBLOB.empty());
 }
 
@@ -123,15 +123,15 @@ TEST_F(TemplatesTest, giveAPartOfThePagesNameAnother) {
     ASSERT_EQ(create(page), TemplateResult::made);
     const auto file = templatePathOf(page, templates);
     UrlRecord record = get(frame); // its rebuilt page bears the name that the part has
-    ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
+    ASSERT_TRUE(rebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_EQ(fileOf(frame, "0000001.htm"), "<iframe src=\"_0000001.htm\" > \r\n");
     EXPECT_EQ(fileOf(frame, "_0000001.htm"), "<b>frame</b>");
     EXPECT_EQ(record.IngredientIDs, "0|frame.htm|_0000001.htm|\r\n");
     record = get(frame);
-    ASSERT_TRUE(UnpackIngredients(record, context()));
+    ASSERT_TRUE(unpackIngredients(record, context()));
     EXPECT_EQ(fileOf(frame, "_0000001.htm"), "<b>frame</b>");
     EXPECT_EQ(fileOf(frame, "0000001.htm"), "<iframe src=\"_0000001.htm\" > \r\n");
-    const auto shown = LoadTemplate(file, context());
+    const auto shown = loadTemplate(file, context());
     ASSERT_TRUE(shown);
     EXPECT_EQ(ByteView(readWhole(*shown / "0000001.htm")).raw(),
               "<iframe src=\"_0000001.htm\" > \r\n");
@@ -142,12 +142,12 @@ TEST_F(TemplatesTest, keepTheirPageWhenAPartHasNoRecord) {
     const auto file = makeTemplate();
     project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");
     page = get(add("http://host/second.html", "page"));
-    ASSERT_TRUE(RebuildFromTemplate(page, file, context(), project.clock)); // the part's id is 0
+    ASSERT_TRUE(rebuildFromTemplate(page, file, context(), project.clock)); // the part's id is 0
     page.URLFileName = "second";
     ASSERT_EQ(create(page), TemplateResult::made);
     UrlRecord third = get(add("http://host/third.html", "page"));
     ASSERT_TRUE(
-        RebuildFromTemplate(third, templatePathOf(page, templates), context(), project.clock));
+        rebuildFromTemplate(third, templatePathOf(page, templates), context(), project.clock));
     EXPECT_EQ(fileOf(third.URLID, "0000004.htm"), "<img src=\"0000001.gif\" > \r\n");
     EXPECT_EQ(fileOf(third.URLID, "0000001.gif"), "GIF89a");
 }
@@ -191,7 +191,7 @@ TEST_F(TemplatesTest, withoutAHashSectionChangeNothing) {
     bytes[0x200] = 0;
     writeWhole(file, ByteView(bytes).raw());
     UrlRecord record = get(add("http://host/other.html", "page"));
-    EXPECT_FALSE(RebuildFromTemplate(record, file, context(), project.clock));
+    EXPECT_FALSE(rebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_FALSE(get(record.URLID).CacheFileRebuilt);
 }
 
@@ -202,7 +202,7 @@ TEST_F(TemplatesTest, keepTheirFilesInTheFolder) {
     bytes.replace(name, 11, "../../a.gif");
     writeWhole(file, bytes);
     UrlRecord record = get(add("http://host/other.html", "page"));
-    ASSERT_TRUE(RebuildFromTemplate(record, file, context(), project.clock));
+    ASSERT_TRUE(rebuildFromTemplate(record, file, context(), project.clock));
     EXPECT_EQ(fileOf(record.URLID, "a.gif"), "GIF89a");
     EXPECT_FALSE(std::filesystem::exists(project.folder.path() / "a.gif"));
 }
@@ -213,24 +213,24 @@ TEST_F(TemplatesTest, surviveDamage) {
     UrlRecord record = get(UrlId{2});
     for (std::size_t cut = 0; cut < sound.size(); cut += cut < 0x1000 ? 97 : 1) {
         writeWhole(file, sound.substr(0, cut));
-        RebuildFromTemplate(record, file, context(), project.clock);
+        rebuildFromTemplate(record, file, context(), project.clock);
     }
     for (std::size_t at = 0; at < sound.size(); at += at < 0x1000 && at != 0x200 ? 0x20 : 1)
         for (const int value : {0x00, 0x7F, 0x80, 0xFF}) {
             std::string damaged = sound;
             damaged[at] = static_cast<char>(value);
             writeWhole(file, damaged);
-            LoadTemplate(file, context());
+            loadTemplate(file, context());
         }
     EXPECT_EQ(project.text("PRAGMA integrity_check"), "ok");
 }
 
 TEST(TemplateTitle, isComparedTrimmedAndInEitherCase) {
-    TemplateClass made;
-    made.WebpageTitle = " Inbox ";
+    PageTemplate made;
+    made.webpageTitle = " Inbox ";
     EXPECT_TRUE(templateMatchesTitle(made, "INBOX"));
     EXPECT_FALSE(templateMatchesTitle(made, "Inbox (1)"));
-    made.WebpageTitle = "";
+    made.webpageTitle = "";
     EXPECT_FALSE(templateMatchesTitle(made, " "));
 }
 

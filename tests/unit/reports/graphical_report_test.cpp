@@ -141,7 +141,7 @@ TEST_F(GraphicalReportTest, anArchiveOfAnEarlierVersionIsUnpacked) {
     UrlRecord record = get(UrlId{1});
     const auto folder = rebuildFolderOf(UrlId{1}, context());
     writeWhole(folder / "0000001.thumbnail.jpg", "old drawing");
-    ASSERT_TRUE(CreateCabinetFile(folder, record, context()));
+    ASSERT_TRUE(createCabinetFile(folder, record, context()));
     project.connection().exec("UPDATE URLs SET RebuiltSourceCode = ''");
     make(0);
     EXPECT_THAT(inReport("0000001.NVR/0000001.htm"), HasSubstr("default-src 'none'"));

@@ -111,7 +111,7 @@ TEST_F(AuditTest, countsAPartThatATemplateHasBrought) {
     project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");
     UrlRecord record = get(add("http://host/other.html", "page"));
     ASSERT_TRUE(
-        RebuildFromTemplate(record, templatePathOf(page, folder), context(), project.clock));
+        rebuildFromTemplate(record, templatePathOf(page, folder), context(), project.clock));
     EXPECT_THAT(states(audit(record.URLID)), ElementsAre("a/logo.gif: 0000001.gif"));
     EXPECT_TRUE(audit(record.URLID)[0].isReplaced());
 }
