@@ -8,12 +8,12 @@ LinkTotals analyseLinks(Program &program, TaskMonitor &task, const std::filesyst
     RecordStore records(project, {state.GMTZone, state.EnableDSTChanges}, program.around.clock,
                         program.log);
     const Evidence evidence(state.RootPath);
-    return RunLinkAnalysis({project, records, evidence, scratch, program.log, task});
+    return runLinkAnalysis({project, records, evidence, scratch, program.log, task});
 }
 
 LinkList linksOf(Program &program, UrlId URL_ID) {
     const RecordIds ids = program.thisClass.WideRecordIds ? RecordIds::wide : RecordIds::narrow;
-    return LoadLinks(program.thisClass.ProjectDB.connection(), URL_ID, ids, program.log);
+    return loadLinks(program.thisClass.ProjectDB.connection(), URL_ID, ids, program.log);
 }
 
 } // namespace nv

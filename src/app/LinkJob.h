@@ -11,7 +11,7 @@
 namespace nv {
 
 /// Runs link analysis over the open project. `scratch` is an existing folder of the program's own.
-/// Throws what RunLinkAnalysis throws.
+/// Throws what runLinkAnalysis throws.
 LinkTotals analyseLinks(Program &program, TaskMonitor &task, const std::filesystem::path &scratch);
 
 /// The pairs of one record, within the limit of the settings.

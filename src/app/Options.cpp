@@ -235,8 +235,8 @@ void Application::takePaths() {
 
 void Application::takeWhatIsNoSetting() {
     m_state.PARD.EnablePARD = m_options.EnablePARD;
-    m_state.PARD.FromValue = static_cast<std::int16_t>(m_options.PARDFrom);
-    m_state.PARD.ToValue = static_cast<std::int16_t>(m_options.PARDTo);
+    m_state.PARD.fromValue = static_cast<std::int16_t>(m_options.PARDFrom);
+    m_state.PARD.toValue = static_cast<std::int16_t>(m_options.PARDTo);
     if (m_options.switchedOffline)
         m_state.ConnectionOffline = *m_options.switchedOffline;
 }

@@ -65,8 +65,8 @@ Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
         options.Time_Zone_ID = zones[*place].Time_Zone_ID;
     options.EnableDSTChanges = state.EnableDSTChanges;
     options.EnablePARD = state.PARD.EnablePARD;
-    options.PARDFrom = state.PARD.FromValue;
-    options.PARDTo = state.PARD.ToValue;
+    options.PARDFrom = state.PARD.fromValue;
+    options.PARDTo = state.PARD.toValue;
     return options;
 }
 

@@ -34,7 +34,7 @@ void becomeOpen(Program &program, LogOf log) {
     state.ProjectDBPath = state.ProjectDB.filePath;
     const std::string root = fieldsOf(program).getDefault(kRootSetting);
     state.RootPath = pathFromText(root).value_or(root);
-    state.CurrentSQLDef = state.DefaultSQLDef;
+    state.currentSQLDef = state.defaultSQLDef;
 }
 
 /// A zone that isn't in the table is told of: local dates would be those of another zone in
@@ -146,7 +146,7 @@ void closeProject(Program &program) {
     program.projectHold.reset();
     state.ProjectDBPath.clear();
     state.RootPath.clear();
-    state.CurrentSQLDef = state.DefaultSQLDef;
+    state.currentSQLDef = state.defaultSQLDef;
     program.import.historyFiles.clear();
     program.import.gaps = {};
 }

@@ -57,7 +57,7 @@ RebuiltPage outcomeOf(const UrlRecord &page, bool rebuilt, const RebuildContext 
         dropFolder(outcome.folder);
         return outcome;
     }
-    const auto rows = LoadAudit(page, outcome.folder, ctx);
+    const auto rows = loadAudit(page, outcome.folder, ctx);
     for (const AuditRow &row : rows.value_or(std::vector<AuditRow>())) {
         ++outcome.tagsFound;
         ++(!row.isThere      ? outcome.missing

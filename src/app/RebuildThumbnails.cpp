@@ -48,7 +48,7 @@ void RebuildThumbnails::add(UrlRecord &page) {
 
 void RebuildThumbnails::drawPicture(UrlRecord &record, const fs::path &destination) {
     if (const auto content = contentOf(record, m_tools.context().extraction()))
-        MakePictureThumbnail(*content, destination, record, kWidth, context());
+        makePictureThumbnail(*content, destination, record, kWidth, context());
 }
 
 void RebuildThumbnails::draw(std::span<RebuiltPage> outcomes, TaskMonitor &task) {
@@ -58,11 +58,11 @@ void RebuildThumbnails::draw(std::span<RebuiltPage> outcomes, TaskMonitor &task)
     part.describe({"CREATING THUMBNAILS", "Creating Thumbnails ", "", ""});
     std::vector<bool> drawn(m_pages.size(), false);
     logFailureOf(m_program.log, kProcedure,
-                 [&] { drawn = CreateHTMLThumbnails(m_pages, kWidth, context(), part); });
+                 [&] { drawn = createHTMLThumbnails(m_pages, kWidth, context(), part); });
     const Redrawn otherwise = part.advance(1) ? Redrawn::failed : Redrawn::notWanted;
     for (std::size_t i = 0; i < m_pages.size(); ++i) {
         const auto outcome =
-            std::ranges::find(outcomes, number(m_pages[i].URL_ID), &RebuiltPage::URL_ID);
+            std::ranges::find(outcomes, number(m_pages[i].urlID), &RebuiltPage::URL_ID);
         if (outcome != outcomes.end())
             outcome->thumbnail = drawn[i] ? Redrawn::yes : otherwise;
     }

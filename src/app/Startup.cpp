@@ -74,8 +74,8 @@ Program::Program(ProgramPaths where, Front whichFront, const Surroundings &surro
 
 /// The shapes of photographs.
 void resetPardRange(ThisClass &state) {
-    state.PARD.FromValue = 15;
-    state.PARD.ToValue = 40;
+    state.PARD.fromValue = 15;
+    state.PARD.toValue = 40;
 }
 
 void takeTempFolder(Program &program, const fs::path &tempFolder) {

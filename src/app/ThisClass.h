@@ -3,10 +3,10 @@
 #include "app/SettingValues.h"
 #include "db/ProjectDatabase.h"
 #include "time/TimeZone.h"
-#include "views/FiltersClass.h"
 #include "views/Pard.h"
 #include "views/QueryDefinitions.h"
-#include "views/ViewerClass.h"
+#include "views/RecordFilters.h"
+#include "views/ViewerContent.h"
 
 #include <filesystem>
 #include <string>
@@ -17,7 +17,7 @@ namespace nv {
 /// at the zero of their type until start-up fills them; those that are settings are inherited.
 struct ThisClass : QueryDefinitions, SettingValues {
     ThisClass(FailureLog &log, const Clock &clock)
-        : ProjectDB(log, clock), GMTZone(Date::fromTimePoint(clock.now() + clock.localOffset())) {}
+        : ProjectDB(log, clock), gmtZone(Date::fromTimePoint(clock.now() + clock.localOffset())) {}
 
     // Version
     int AppBuildMajor = 0;
@@ -42,16 +42,16 @@ struct ThisClass : QueryDefinitions, SettingValues {
     ProjectDatabase ProjectDB;
 
     // Hosts and filters
-    bool FilterByHostEnabled = false;      ///< until turned off, over projects
-    std::string FilterByHostValue;         ///< part of a host's name
-    FiltersClass Filters = firstFilters(); ///< over projects, but not kept between runs
+    bool FilterByHostEnabled = false;       ///< until turned off, over projects
+    std::string FilterByHostValue;          ///< part of a host's name
+    RecordFilters Filters = firstFilters(); ///< over projects, but not kept between runs
 
     // Viewers
-    ViewerClass Viewer;
+    ViewerContent Viewer;
     bool NoResizePicture = false; ///< pictures are shown in their own size
 
     // Gallery
-    PARDClass PARD; ///< until the program ends: no picture is hidden by an earlier run's choice
+    PardChoice PARD; ///< until the program ends: no picture is hidden by an earlier run's choice
 
     // Formats and time
     std::string DateTimeFormat;

@@ -89,7 +89,7 @@ std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::in
 
 std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t lastId) {
     const ImportSettings &import = program.import;
-    // Without pictures there are no pages either: see MakeThumbnail.
+    // Without pictures there are no pages either: see makeThumbnail.
     if (!import.makeThumbnails || !import.makePictureThumbnails)
         return {};
     UnreadRows logged;

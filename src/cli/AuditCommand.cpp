@@ -26,7 +26,7 @@ struct Arguments {
 std::vector<AuditRow> auditOf(UrlRecord &page, RecordTools &tools, const Program &program) {
     unpackPage(page, tools, program);
     const RebuildContext &ctx = tools.context();
-    auto rows = LoadAudit(page, rebuildFolderOf(page.URLID, ctx), ctx);
+    auto rows = loadAudit(page, rebuildFolderOf(page.URLID, ctx), ctx);
     if (!rows)
         throw StorageFailure(fmt::format("row {}: the audit can't be read; see \"{}\"",
                                          number(page.URLID), textOf(program.log.path())));
@@ -54,7 +54,7 @@ Exit run(Session &session, const Arguments &arguments) {
                            "score", "URL", "other candidates"});
         for (const AuditRow &row : rows)
             writer->row({row.number, row.originalValue, row.newValue, row.extension, row.state,
-                         row.TagURLID, row.isReplaced(), row.score, row.partUrl(),
+                         row.tagURLID, row.isReplaced(), row.score, row.partUrl(),
                          row.otherCandidates()});
         writer->finish();
         session.task.clear();

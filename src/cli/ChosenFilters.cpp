@@ -22,9 +22,9 @@ std::string namesOf(Which which) {
 
 } // namespace
 
-FiltersClass filtersFrom(const std::vector<std::string> &names) {
-    FiltersClass filters;
-    filters.EnableFilters = !names.empty();
+RecordFilters filtersFrom(const std::vector<std::string> &names) {
+    RecordFilters filters;
+    filters.enableFilters = !names.empty();
     for (const std::string &name : names) {
         const FilterFlag *found = findFilterFlag(name);
         if (!found)
@@ -32,7 +32,7 @@ FiltersClass filtersFrom(const std::vector<std::string> &names) {
                                          namesOf(Which::All)));
         filters.*found->flag = true;
     }
-    if (filters.EnableFilters && !hasSource(filters))
+    if (filters.enableFilters && !hasSource(filters))
         throw UsageError(fmt::format("--filter: {} They are {}.", missingRecordType().text,
                                      namesOf(Which::Sources)));
     return filters;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/FiltersClass.h"
+#include "views/RecordFilters.h"
 
 #include <string>
 #include <vector>
@@ -10,6 +10,6 @@ namespace nv::cli {
 /// Filters that are on with these flags, by their names in any case with or without "show"; off
 /// when there are none. Throws UsageError for a name that is none, and when no data source is among
 /// them, as the window's dialog asks for one too.
-FiltersClass filtersFrom(const std::vector<std::string> &names);
+RecordFilters filtersFrom(const std::vector<std::string> &names);
 
 } // namespace nv::cli

@@ -49,15 +49,15 @@ std::string pictureOf(const Bytes &thumbnail) {
                        base64(ByteView(thumbnail)));
 }
 
-std::string tileText(const TileClass &tile, const Bytes &thumbnail) {
+std::string tileText(const Tile &tile, const Bytes &thumbnail) {
     std::string shape = shapeText(tile);
     if (!shape.empty())
         shape = "<small>" + shape + "</small>";
     return fmt::format("<figure{}><div class=\"picture\">{}</div><figcaption>{}{}{}<small>{}"
                        "</small></figcaption></figure>\n",
-                       tile.Tagged ? " class=\"tagged\"" : "", pictureOf(thumbnail),
-                       captionOf(tile), tile.Tagged ? ", tagged" : "", shape,
-                       htmlText(plainLine(tile.ToolTip)));
+                       tile.tagged ? " class=\"tagged\"" : "", pictureOf(thumbnail),
+                       captionOf(tile), tile.tagged ? ", tagged" : "", shape,
+                       htmlText(plainLine(tile.toolTip)));
 }
 
 } // namespace
@@ -67,11 +67,11 @@ std::string plainLine(std::string_view text) {
     return displayText(isUtf8(text) ? std::string(text) : decodeText(text), kMostChars);
 }
 
-std::string shapeText(const TileClass &tile) {
-    if (tile.PictureWidth <= 0 || tile.PictureHeight <= 0)
+std::string shapeText(const Tile &tile) {
+    if (tile.pictureWidth <= 0 || tile.pictureHeight <= 0)
         return {};
-    return fmt::format("{} x {}, P.A.R.D. {}", tile.PictureWidth, tile.PictureHeight,
-                       tile.PARDValue);
+    return fmt::format("{} x {}, P.A.R.D. {}", tile.pictureWidth, tile.pictureHeight,
+                       tile.pardValue);
 }
 
 void writeContactSheet(const std::function<void(std::string_view)> &write,
@@ -80,8 +80,8 @@ void writeContactSheet(const std::function<void(std::string_view)> &write,
     for (const std::string &line : sheet.lines)
         write("<p>" + htmlText(plainLine(line)) + "</p>\n");
     write("<main>\n");
-    for (const TileClass &tile : sheet.tiles)
-        write(tileText(tile, sheet.thumbnail(UrlId{tile.URL_ID})));
+    for (const Tile &tile : sheet.tiles)
+        write(tileText(tile, sheet.thumbnail(UrlId{tile.urlID})));
     write("</main>\n</body>\n</html>\n");
 }
 

@@ -21,7 +21,7 @@ struct ContactSheet {
 /// A text of evidence as one line of UTF-8.
 std::string plainLine(std::string_view text);
 /// "468 x 60, P.A.R.D. 88"; empty for a tile that was not measured.
-std::string shapeText(const TileClass &tile);
+std::string shapeText(const Tile &tile);
 
 /// As one HTML file that needs nothing else: thumbnails stand in it as data, and texts of evidence
 /// as texts that lead nowhere.

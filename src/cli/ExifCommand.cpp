@@ -3,7 +3,7 @@
 #include "cli/RowContent.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "views/EXIFClass.h"
+#include "views/Exif.h"
 
 #include <fmt/format.h>
 
@@ -24,7 +24,7 @@ Exit run(Session &session, const Arguments &arguments) {
             session.err << fmt::format("row {} has no EXIF data\n", arguments.urlId);
         const auto writer = makeRowWriter(arguments.format, session.out, {"tag", "value"});
         for (const ExifTagName &tag : exifTagNames())
-            if (std::string value = EXIFClass::GetEXIFValue(tag.name, picture); !value.empty())
+            if (std::string value = Exif::getEXIFValue(tag.name, picture); !value.empty())
                 writer->row({tag.name, std::move(value)});
         writer->finish();
         return Exit::ok;

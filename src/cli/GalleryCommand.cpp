@@ -40,13 +40,13 @@ struct Arguments {
 
 struct SizeWord {
     std::string_view word;
-    bool PARDClass::*flag;
+    bool PardChoice::*flag;
 };
-constexpr std::array<SizeWord, 5> kSizes = {{{"xs", &PARDClass::ShowXSmallPics},
-                                             {"s", &PARDClass::ShowSmallPics},
-                                             {"m", &PARDClass::ShowMediumPics},
-                                             {"l", &PARDClass::ShowLargePics},
-                                             {"xl", &PARDClass::ShowXLargePics}}};
+constexpr std::array<SizeWord, 5> kSizes = {{{"xs", &PardChoice::showXSmallPics},
+                                             {"s", &PardChoice::showSmallPics},
+                                             {"m", &PardChoice::showMediumPics},
+                                             {"l", &PardChoice::showLargePics},
+                                             {"xl", &PardChoice::showXLargePics}}};
 
 std::optional<std::int16_t> valueOf(std::string_view text) {
     std::int16_t value = 0;
@@ -58,7 +58,7 @@ std::optional<std::int16_t> valueOf(std::string_view text) {
 }
 
 /// A range that runs backwards shows everything, which nobody asks for here.
-void readRange(const std::string &text, PARDClass &PARD) {
+void readRange(const std::string &text, PardChoice &PARD) {
     const auto parts = split(text, '-');
     const auto from = parts.size() == 2 ? valueOf(parts[0]) : std::nullopt;
     const auto to = parts.size() == 2 ? valueOf(parts[1]) : std::nullopt;
@@ -66,14 +66,14 @@ void readRange(const std::string &text, PARDClass &PARD) {
         throw UsageError(fmt::format("--pard {}: a range from 0-0 to 100-100 was expected, such as "
                                      "15-40",
                                      text));
-    PARD.FromValue = *from;
-    PARD.ToValue = *to;
+    PARD.fromValue = *from;
+    PARD.toValue = *to;
 }
 
-PARDClass shapesOf(const Arguments &arguments) {
-    PARDClass PARD;
+PardChoice shapesOf(const Arguments &arguments) {
+    PardChoice PARD;
     // Sizes count together with a range only; this one leaves no picture out.
-    PARD.ToValue = 100;
+    PARD.toValue = 100;
     PARD.EnablePARD = !arguments.pard.empty() || !arguments.sizes.empty();
     if (!arguments.pard.empty())
         readRange(arguments.pard, PARD);
@@ -109,8 +109,8 @@ Gallery galleryOf(Session &session, const Arguments &arguments) {
     checkQuery(session, arguments.rows.query);
     Gallery gallery(project, session.program.log);
     gallery.choice = choiceOf(arguments.rows);
-    gallery.Filters = filtersFrom(arguments.rows.filter);
-    gallery.PARD = shapesOf(arguments);
+    gallery.filters = filtersFrom(arguments.rows.filter);
+    gallery.pard = shapesOf(arguments);
     gallery.settings.GalleryRecordsPerPage =
         arguments.perPage > 0 ? arguments.perPage : state.GalleryRecordsPerPage;
     gallery.settings.media = {state.GalleryIncludePictures, state.GalleryIncludeHTML};
@@ -120,7 +120,7 @@ Gallery galleryOf(Session &session, const Arguments &arguments) {
 /// What was asked for, so that a printed sheet says what it leaves out.
 std::vector<std::string> linesOf(const Gallery &gallery, const Arguments &arguments) {
     std::vector<std::string> lines{fmt::format("Page {}, {} of {} pictures and pages",
-                                               gallery.pageText(), gallery.gallery().Tiles.count(),
+                                               gallery.pageText(), gallery.gallery().tiles.count(),
                                                gallery.rowCount())};
     if (const UnreadRows unread = gallery.unread(); !unread.empty())
         lines.push_back(noteOf(unread));
@@ -149,7 +149,7 @@ void writeSheet(Session &session, const Gallery &gallery, const Arguments &argum
     Program &program = session.program;
     const ContactSheet sheet{
         "Gallery of " + textOf(fs::path(arguments.project).filename()), linesOf(gallery, arguments),
-        gallery.gallery().Tiles, [&program](UrlId id) {
+        gallery.gallery().tiles, [&program](UrlId id) {
             return thumbnailOf(program.thisClass.ProjectDB.connection(), program.log, id);
         }};
     ExportFile file(arguments.out);
@@ -162,7 +162,7 @@ void writeSheet(Session &session, const Gallery &gallery, const Arguments &argum
 
 /// The window shows the nearest page; a sheet of another page than was asked for would mislead.
 void checkPage(const Gallery &gallery, int page) {
-    const int last = std::max(1, gallery.GalleryADOPageCount());
+    const int last = std::max(1, gallery.galleryADOPageCount());
     if (page < 1 || page > last)
         throw UsageError(fmt::format("--page {}: the gallery has {}", page,
                                      counted(static_cast<std::uint64_t>(last), "page")));
@@ -185,7 +185,7 @@ Exit run(Session &session, const Arguments &arguments) {
             fmt::format("the gallery can't be shown; see \"{}\"", textOf(program.log.path())));
     writeSheet(session, gallery, arguments);
     session.out << fmt::format("page {}, {} of {} pictures and pages\n", gallery.pageText(),
-                               gallery.gallery().Tiles.count(), gallery.rowCount());
+                               gallery.gallery().tiles.count(), gallery.rowCount());
     if (gallery.rowCount() == 0)
         session.err << "no row that was asked for has a thumbnail; the command thumbnails draws "
                        "them\n";

@@ -25,7 +25,7 @@ Exit run(Session &session, const Arguments &arguments) {
     session.task.clear();
     const auto writer = makeRowWriter(arguments.format, session.out, {"Host", "Visits", "Records"});
     for (const HostRow &host : hosts)
-        writer->row({host.Host, host.visits, host.records});
+        writer->row({host.host, host.visits, host.records});
     writer->finish();
     closeProject(session.program);
     if (walk == Walk::Cancelled || interrupted)

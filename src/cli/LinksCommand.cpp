@@ -44,8 +44,8 @@ Exit analyse(Session &session) {
 void write(const LinkList &links, RowWriter &writer) {
     for (const LinkRow &row : links.rows)
         writer.row({number(row.other), row.kind, row.end == LinkEnd::parent ? "Parent" : "Child",
-                    row.VisitCount, row.Visits ? Cell(*row.Visits) : Cell(), row.URL,
-                    row.HashedURL});
+                    row.visitCount, row.visits ? Cell(*row.visits) : Cell(), row.url,
+                    row.hashedURL});
     writer.finish();
 }
 

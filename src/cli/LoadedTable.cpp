@@ -34,10 +34,10 @@ RowChoice choiceOf(const RowsAsked &rows) {
 }
 
 LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table) {
-    checkQuery(session, choice.ActiveQueryName);
+    checkQuery(session, choice.activeQueryName);
     table.choice = choice;
-    table.Filters = session.program.thisClass.Filters;
-    table.RootPath = textOf(session.program.thisClass.RootPath);
+    table.filters = session.program.thisClass.Filters;
+    table.rootPath = textOf(session.program.thisClass.RootPath);
     table.dates() = dateSettings(session.program);
     const LoadResult loaded = table.LoadURLs(session.task);
     session.task.clear();

@@ -41,10 +41,10 @@ Exit run(Session &session, const Arguments &arguments) {
         if (outcome.stored == NoteStored::failed)
             throw StorageFailure(outcome.failure);
     } else if (const auto note = readNote(project, url)) {
-        if (!note->Notes.empty())
-            session.out << printableLines(note->Notes) << '\n';
-        if (note->NotesDateTime.has())
-            session.err << fmt::format("last changed {}\n", isoUtc(note->NotesDateTime));
+        if (!note->notes.empty())
+            session.out << printableLines(note->notes) << '\n';
+        if (note->notesDateTime.has())
+            session.err << fmt::format("last changed {}\n", isoUtc(note->notesDateTime));
     }
     closeProject(program);
     return Exit::ok;

@@ -32,11 +32,11 @@ struct Arguments {
 
 std::string checkedStatement(Session &session, const std::string &sql) {
     const auto reader = openReadOnly(session.program.thisClass.ProjectDBPath);
-    const QueryClass query = testTyped(sql, *reader, session.program.log);
-    if (query.ErrCode != 0)
+    const QueryCheck query = testTyped(sql, *reader, session.program.log);
+    if (query.errCode != 0)
         throw UsageError(
-            fmt::format("{} {}", messages::badQueryDefinition().text, query.ErrDescription));
-    return query.SQL;
+            fmt::format("{} {}", messages::badQueryDefinition().text, query.errDescription));
+    return query.sql;
 }
 
 /// Reserved names and statements that can't run are refused.

@@ -37,11 +37,11 @@ class SheetFolder {
     fs::path m_path;
 };
 
-SheetFile::Tile tileOf(const TileClass &tile) {
-    SheetFile::Tile told{{captionOf(tile) + (tile.Tagged ? ", tagged" : "")}, tile.Tagged};
+SheetFile::Tile tileOf(const Tile &tile) {
+    SheetFile::Tile told{{captionOf(tile) + (tile.tagged ? ", tagged" : "")}, tile.tagged};
     if (std::string shape = shapeText(tile); !shape.empty())
         told.captions.push_back(std::move(shape));
-    told.captions.push_back(plainLine(tile.ToolTip));
+    told.captions.push_back(plainLine(tile.toolTip));
     return told;
 }
 
@@ -49,9 +49,9 @@ fs::path writeParts(const ContactSheet &sheet, const SheetFolder &folder) {
     SheetFile file{plainLine(sheet.title), {}, {}};
     for (const std::string &line : sheet.lines)
         file.lines.push_back(plainLine(line));
-    for (const TileClass &tile : sheet.tiles) {
+    for (const Tile &tile : sheet.tiles) {
         writeWhole(folder.file(std::to_string(file.tiles.size())),
-                   std::string(ByteView(sheet.thumbnail(UrlId{tile.URL_ID})).raw()));
+                   std::string(ByteView(sheet.thumbnail(UrlId{tile.urlID})).raw()));
         file.tiles.push_back(tileOf(tile));
     }
     writeWhole(folder.file("sheet"), textOf(file));

@@ -65,7 +65,7 @@ void showForPeople(Session &session, SQLite::Database &database, const std::stri
     const std::string root = fields.getDefault("RootPath");
     const PropertySource source{database, program.thisClass.GMTZone, dates, program.log,
                                 [&] { return pictureOf(session, project, urlId, root); }};
-    for (const Property &property : LoadProperties(UrlId{urlId}, source))
+    for (const Property &property : loadProperties(UrlId{urlId}, source))
         showProperty(session.out, property.name, property.value);
 }
 

@@ -56,14 +56,14 @@ SelectedColumns columnsFromString(std::string_view ColumnsAsString) {
         const auto parts = split(piece, '|');
         if (parts.size() != 2)
             continue;
-        ColumnClass column;
-        column.ColumnHeader = parts[0];
-        column.KeyName = parts[1];
-        if (const auto known = columnOfKey(column.KeyName)) {
-            column.DefaultColWidth = factsOf(*known).widthTwips;
-            column.SQLOrdinalIndex = static_cast<int>(indexOf(*known));
+        ListedColumn column;
+        column.columnHeader = parts[0];
+        column.keyName = parts[1];
+        if (const auto known = columnOfKey(column.keyName)) {
+            column.defaultColWidth = factsOf(*known).widthTwips;
+            column.sqlOrdinalIndex = static_cast<int>(indexOf(*known));
         }
-        columns.add(column, column.KeyName);
+        columns.add(column, column.keyName);
     }
     return columns;
 }

@@ -12,15 +12,15 @@ namespace nv {
 
 namespace {
 
-ExportColumn columnOf(const ColumnClass &chosen) {
-    return {chosen.ColumnHeader, chosen.KeyName, columnOfKey(chosen.KeyName),
-            chosen.DefaultColWidth};
+ExportColumn columnOf(const ListedColumn &chosen) {
+    return {chosen.columnHeader, chosen.keyName, columnOfKey(chosen.keyName),
+            chosen.defaultColWidth};
 }
 
 std::vector<ExportColumn> columnsOf(const ExportClass &job) {
     std::vector<ExportColumn> columns;
     const SelectedColumns chosen = job.ExportAllColumns ? defaultUrlColumns() : job.SelectedColumns;
-    for (const ColumnClass &column : chosen)
+    for (const ListedColumn &column : chosen)
         columns.push_back(columnOf(column));
     return columns;
 }

@@ -62,7 +62,7 @@ class Audit {
         row.originalValue = line.originalTag;
         row.newValue = line.newTag;
         row.extension = getFileExtension(line.originalTag);
-        row.TagURLID = line.tagURLID;
+        row.tagURLID = line.tagURLID;
         const std::string name = localNameIn(line, m_ctx);
         // A name from the page may be a path: only files of the folder itself count.
         row.isThere = !name.empty() && getFilenameFromPath(name) == name && name != ".." &&
@@ -77,8 +77,8 @@ class Audit {
         if (note == m_notes.end()) {
             row.isRewritten = row.newValue != row.originalValue &&
                               namesFile(m_page.RebuiltSourceCode, row.newValue);
-            if (row.TagURLID > 0)
-                row.candidates.push_back({row.TagURLID, urlOf(row.TagURLID)});
+            if (row.tagURLID > 0)
+                row.candidates.push_back({row.tagURLID, urlOf(row.tagURLID)});
             return;
         }
         row.isRewritten = note->second.rewritten;
@@ -87,9 +87,9 @@ class Audit {
             row.candidates.push_back({id, urlOf(id)});
     }
 
-    std::string urlOf(std::int64_t URL_ID) {
+    std::string urlOf(std::int64_t urlID) {
         m_url.reset();
-        m_url.bind(1, URL_ID);
+        m_url.bind(1, urlID);
         return m_url.executeStep() ? m_url.getColumn(0).getString() : std::string();
     }
 
@@ -103,21 +103,21 @@ class Audit {
 } // namespace
 
 std::string AuditRow::partUrl() const {
-    const bool isChosen = TagURLID > 0 && !candidates.empty();
-    return isChosen && candidates.front().URL_ID == TagURLID ? candidates.front().URL : "";
+    const bool isChosen = tagURLID > 0 && !candidates.empty();
+    return isChosen && candidates.front().urlID == tagURLID ? candidates.front().url : "";
 }
 
 std::string AuditRow::otherCandidates() const {
     std::string text;
     for (const AuditCandidate &candidate : candidates)
-        if (candidate.URL_ID != TagURLID)
+        if (candidate.urlID != tagURLID)
             text +=
-                fmt::format("{}{} {}", text.empty() ? "" : " | ", candidate.URL_ID, candidate.URL);
+                fmt::format("{}{} {}", text.empty() ? "" : " | ", candidate.urlID, candidate.url);
     const std::int64_t more = candidatesIn(score) - static_cast<std::int64_t>(candidates.size());
     return text.empty() || more <= 0 ? text : text + fmt::format(" | {} more", more);
 }
 
-std::optional<std::vector<AuditRow>> LoadAudit(const UrlRecord &page, const fs::path &folder,
+std::optional<std::vector<AuditRow>> loadAudit(const UrlRecord &page, const fs::path &folder,
                                                const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, "MainForm.LoadAudit()", kContactSupport,
                    std::optional<std::vector<AuditRow>>(),

@@ -12,8 +12,8 @@ namespace nv {
 
 /// A record that could stand in for a reference.
 struct AuditCandidate {
-    std::int64_t URL_ID = 0;
-    std::string URL;
+    std::int64_t urlID = 0;
+    std::string url;
 };
 
 /// One reference of a rebuilt page and what stands in its place.
@@ -23,7 +23,7 @@ struct AuditRow {
     std::string newValue;
     std::string extension;
     std::string state;         ///< the file's name, or why it isn't shown
-    std::int64_t TagURLID = 0; ///< key of the part's record; 0 for none
+    std::int64_t tagURLID = 0; ///< key of the part's record; 0 for none
     bool isThere = false;      ///< the part lies beside the page
     bool isRewritten = false;  ///< the page names it
     std::string score;         ///< "1:4"; empty when the project doesn't know any more
@@ -45,6 +45,6 @@ inline constexpr const char *kNotRewritten = "Not rewritten: ";
 /// The substitution log of a rebuilt page, with what its rebuild folder `folder` holds of it. Empty
 /// after a failure, which is logged.
 std::optional<std::vector<AuditRow>>
-LoadAudit(const UrlRecord &page, const std::filesystem::path &folder, const RebuildContext &ctx);
+loadAudit(const UrlRecord &page, const std::filesystem::path &folder, const RebuildContext &ctx);
 
 } // namespace nv

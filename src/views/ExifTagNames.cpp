@@ -1,4 +1,4 @@
-#include "views/EXIFClass.h"
+#include "views/Exif.h"
 
 namespace nv {
 

@@ -21,34 +21,34 @@ namespace {
 
 constexpr std::string_view kProcedure = "MainForm.LoadGallery()";
 
-TileClass tileIn(SQLite::Statement &row) {
-    TileClass tile;
-    tile.URL_ID = row.getColumn(0).getInt();
-    tile.Tagged = row.getColumn(1).getInt() != 0;
-    tile.IsPicture = row.getColumn(2).getInt() != 0;
-    tile.ToolTip = row.getColumn(3).getString();
-    tile.Host = row.getColumn(4).getString();
-    tile.PictureWidth = row.getColumn(5).getInt64();
-    tile.PictureHeight = row.getColumn(6).getInt64();
-    tile.PARDValue = row.getColumn(7).getInt64();
+Tile tileIn(SQLite::Statement &row) {
+    Tile tile;
+    tile.urlID = row.getColumn(0).getInt();
+    tile.tagged = row.getColumn(1).getInt() != 0;
+    tile.isPicture = row.getColumn(2).getInt() != 0;
+    tile.toolTip = row.getColumn(3).getString();
+    tile.host = row.getColumn(4).getString();
+    tile.pictureWidth = row.getColumn(5).getInt64();
+    tile.pictureHeight = row.getColumn(6).getInt64();
+    tile.pardValue = row.getColumn(7).getInt64();
     return tile;
 }
 
 } // namespace
 
-std::string captionOf(const TileClass &tile) {
-    return "ID #" + sidOf(UrlId{tile.URL_ID});
+std::string captionOf(const Tile &tile) {
+    return "ID #" + sidOf(UrlId{tile.urlID});
 }
 
-IdQuery galleryQuery(const RowChoice &rows, const PARDClass &PARD, const GalleryMedia &media) {
+IdQuery galleryQuery(const RowChoice &rows, const PardChoice &pard, const GalleryMedia &media) {
     const std::string query = quotedName(
-        rows.ActiveQueryName.empty() ? kDefaultQueryName : std::string_view(rows.ActiveQueryName));
+        rows.activeQueryName.empty() ? kDefaultQueryName : std::string_view(rows.activeQueryName));
     const bool byHost = rows.FilterByHostEnabled && !rows.FilterByHostValue.empty();
     // As `length` and not `Len`: that lets the index over the thumbnails' rows serve it.
     return {fmt::format("SELECT {0}.URL_ID FROM {0} WHERE {1}length({0}.ThumbnailMD5Hash) > 0{2} "
                         "ORDER BY {0}.Host ASC, {0}.URL_ID ASC",
                         query, byHost ? fmt::format("{}.Host LIKE ? AND ", query) : "",
-                        translate(BuildGalleryFilter(PARD, media))),
+                        translate(buildGalleryFilter(pard, media))),
             byHost ? hostPattern(rows.FilterByHostValue) : std::string()};
 }
 
@@ -65,7 +65,7 @@ LoadResult Gallery::load(TaskMonitor &task) {
                     if (!isReadOnly(m_project) &&
                         ensureGalleryIndex(m_project, task) == IndexState::Cancelled)
                         return Walk::Cancelled;
-                    return findRows(m_project, galleryQuery(choice, PARD, settings.media), Filters,
+                    return findRows(m_project, galleryQuery(choice, pard, settings.media), filters,
                                     task, found);
                 });
     if (walk == Walk::Finished) {
@@ -81,18 +81,18 @@ LoadResult Gallery::load(TaskMonitor &task) {
         return LoadResult::Cancelled;
     if (!walk || !shown)
         return LoadResult::Failed;
-    GalleryDirty = false;
+    galleryDirty = false;
     return LoadResult::Loaded;
 }
 
 bool Gallery::showPage(int page) {
     m_page = std::max(1, std::min(page, m_pageCount));
-    m_gallery.Tiles.clear();
+    m_gallery.tiles.clear();
     m_tilesLost.clear();
     const bool read =
         succeeds(m_log, Severity::Warning, kProcedure, kContactSupport, [this] { readTiles(); });
     if (!read)
-        m_gallery.Tiles.clear();
+        m_gallery.tiles.clear();
     return read;
 }
 
@@ -115,12 +115,12 @@ void Gallery::readTiles() {
 }
 
 void Gallery::addTile(SQLite::Statement &row) {
-    TileClass tile = tileIn(row);
+    Tile tile = tileIn(row);
     const int columns = std::max(1, settings.tilesPerRow);
-    const int cell = static_cast<int>(m_gallery.Tiles.count());
-    tile.XCoord = static_cast<std::int16_t>(cell % columns);
-    tile.YCoord = static_cast<std::int16_t>(cell / columns);
-    m_gallery.Tiles.add(std::move(tile));
+    const int cell = static_cast<int>(m_gallery.tiles.count());
+    tile.xCoord = static_cast<std::int16_t>(cell % columns);
+    tile.yCoord = static_cast<std::int16_t>(cell / columns);
+    m_gallery.tiles.add(std::move(tile));
 }
 
 UnreadRows Gallery::unread() const {

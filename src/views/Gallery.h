@@ -19,28 +19,28 @@ class Statement;
 
 namespace nv {
 
-/// One tile of the gallery. `XCoord` and `YCoord` are its column and row, 0-based.
-struct TileClass {
-    bool Selected = false;
-    std::string ToolTip; ///< the URL
-    std::int32_t URL_ID = 0;
-    std::int16_t YCoord = 0;
-    std::int16_t XCoord = 0;
-    bool Tagged = false;
-    bool IsPicture = false;
-    std::string Host;
-    std::int64_t PictureWidth = 0;
-    std::int64_t PictureHeight = 0;
-    std::int64_t PARDValue = 0;
+/// One tile of the gallery. `xCoord` and `yCoord` are its column and row, 0-based.
+struct Tile {
+    bool selected = false;
+    std::string toolTip; ///< the URL
+    std::int32_t urlID = 0;
+    std::int16_t yCoord = 0;
+    std::int16_t xCoord = 0;
+    bool tagged = false;
+    bool isPicture = false;
+    std::string host;
+    std::int64_t pictureWidth = 0;
+    std::int64_t pictureHeight = 0;
+    std::int64_t pardValue = 0;
 };
-using TileCollection = KeyedList<TileClass>;
+using TileCollection = KeyedList<Tile>;
 
-struct GalleryClass {
-    TileCollection Tiles;
+struct GalleryTiles {
+    TileCollection tiles;
 };
 
 /// "ID #" and seven digits, as everywhere the last ones of the id.
-std::string captionOf(const TileClass &tile);
+std::string captionOf(const Tile &tile);
 
 struct GallerySettings {
     int GalleryRecordsPerPage = 300;
@@ -50,7 +50,7 @@ struct GallerySettings {
 
 /// What a gallery asks for: its rows by host, equal ones by id, so that pages never overlap. The
 /// host is never part of the text.
-IdQuery galleryQuery(const RowChoice &rows, const PARDClass &PARD, const GalleryMedia &media);
+IdQuery galleryQuery(const RowChoice &rows, const PardChoice &pard, const GalleryMedia &media);
 
 /// The gallery without its window: the ids of all that it shows, and the tiles of one page. Owns
 /// neither the connection nor the log.
@@ -60,12 +60,12 @@ class Gallery {
 
     // What the next load takes up.
     RowChoice choice;
-    FiltersClass Filters; ///< off in the window, whose gallery goes by shape and host alone
-    PARDClass PARD;
+    RecordFilters filters; ///< off in the window, whose gallery goes by shape and host alone
+    PardChoice pard;
     GallerySettings settings;
 
     /// Set by whoever changes thumbnails or rows: the gallery no longer shows what there is.
-    bool GalleryDirty = false;
+    bool galleryDirty = false;
 
     /// Finds the rows and shows the page in hand, or the last one when there are fewer now. A
     /// failure is logged and leaves no tiles, and so does a cancel.
@@ -78,8 +78,8 @@ class Gallery {
     bool nextPage() { return showPage(m_page < m_pageCount ? m_page + 1 : m_page); }
     bool lastPage() { return showPage(m_pageCount); }
 
-    int GalleryADOPage() const { return m_page; }           ///< from 1
-    int GalleryADOPageCount() const { return m_pageCount; } ///< 0 when there is nothing to show
+    int galleryADOPage() const { return m_page; }           ///< from 1
+    int galleryADOPageCount() const { return m_pageCount; } ///< 0 when there is nothing to show
     std::size_t rowCount() const { return m_ids.size(); }
     /// Rows of which nobody can tell whether they belong, and those of the page without a tile, as
     /// they can't be read.
@@ -87,8 +87,8 @@ class Gallery {
     /// The bottom line, "2 of 7".
     std::string pageText() const;
 
-    GalleryClass &gallery() { return m_gallery; }
-    const GalleryClass &gallery() const { return m_gallery; }
+    GalleryTiles &gallery() { return m_gallery; }
+    const GalleryTiles &gallery() const { return m_gallery; }
 
   private:
     void readTiles();
@@ -102,7 +102,7 @@ class Gallery {
     std::size_t m_pageSize = 1;
     int m_page = 1;
     int m_pageCount = 0;
-    GalleryClass m_gallery;
+    GalleryTiles m_gallery;
 };
 
 /// A row's thumbnail: a bitmap or a JPEG. Empty when it has none; a failure is logged.

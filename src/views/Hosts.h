@@ -18,7 +18,7 @@ namespace nv {
 
 /// A host of the project. Hosts that differ in case only are one.
 struct HostRow {
-    std::string Host;        ///< empty for all records without a host
+    std::string host;        ///< empty for all records without a host
     std::int64_t visits = 0; ///< of its records together; unknown counts are left out
     std::int64_t records = 0;
 };

@@ -44,13 +44,13 @@ void showProgress(TaskMonitor &task, std::size_t done, std::size_t total) {
 
 /// The rows from an id on with the columns that `filters` look at, in the order of factsIn(); one
 /// that isn't needed is no column, so that its page need not be read.
-std::string factsQuery(const FiltersClass &filters) {
+std::string factsQuery(const RecordFilters &filters) {
     const FilterNeeds needs = needsOf(filters);
     return fmt::format(
         "SELECT URL_ID, IsHistory, IsCookie, IsBookmark, CacheType, {}, {}, {} FROM URLs "
         "WHERE URL_ID >= ? ORDER BY URL_ID",
-        needs.Category ? "Category" : "NULL", needs.URLFileExt ? "URLFileExt" : "NULL",
-        needs.URL ? "URL" : "NULL");
+        needs.category ? "Category" : "NULL", needs.urlFileExt ? "URLFileExt" : "NULL",
+        needs.url ? "URL" : "NULL");
 }
 
 std::string_view textIn(const SQLite::Column &column) {
@@ -60,18 +60,18 @@ std::string_view textIn(const SQLite::Column &column) {
 
 FilterFacts factsIn(SQLite::Statement &row) {
     FilterFacts facts;
-    facts.IsHistory = row.getColumn(1).getInt() != 0;
-    facts.IsCookie = row.getColumn(2).getInt() != 0;
-    facts.IsBookmark = row.getColumn(3).getInt() != 0;
+    facts.isHistory = row.getColumn(1).getInt() != 0;
+    facts.isCookie = row.getColumn(2).getInt() != 0;
+    facts.isBookmark = row.getColumn(3).getInt() != 0;
     facts.isCache = groupOf(textIn(row.getColumn(4))) == RecordGroup::cache;
-    facts.Category = toUpper(textIn(row.getColumn(5)));
-    facts.URLFileExt = textIn(row.getColumn(6));
-    facts.URL = toLower(textIn(row.getColumn(7)));
+    facts.category = toUpper(textIn(row.getColumn(5)));
+    facts.urlFileExt = textIn(row.getColumn(6));
+    facts.url = toLower(textIn(row.getColumn(7)));
     return facts;
 }
 
 /// Those of `sorted` that the filters admit, which are sorted too.
-Walk admittedIds(SQLite::Database &database, const RowIds &sorted, const FiltersClass &filters,
+Walk admittedIds(SQLite::Database &database, const RowIds &sorted, const RecordFilters &filters,
                  TaskMonitor &task, RowIds &admitted) {
     SQLite::Statement rows(database, factsQuery(filters));
     RowWalk walk(rows);
@@ -81,7 +81,7 @@ Walk admittedIds(SQLite::Database &database, const RowIds &sorted, const Filters
         if (!task.advance(static_cast<double>(done) / static_cast<double>(sorted.size())))
             return Walk::Cancelled;
         const bool admits = trapped(unheard, Severity::Low, {}, {}, true, [&] {
-            return walk.goTo(id) && FilterRecord(filters, factsIn(rows));
+            return walk.goTo(id) && filterRecord(filters, factsIn(rows));
         });
         if (admits)
             admitted.push_back(id);
@@ -121,7 +121,7 @@ Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &t
 
 // Rows are read in the order in which they lie in the file, which is several times as quick as in
 // that of their dates.
-Walk filterIds(SQLite::Database &database, const RowIds &from, const FiltersClass &filters,
+Walk filterIds(SQLite::Database &database, const RowIds &from, const RecordFilters &filters,
                TaskMonitor &task, RowIds &ids) {
     RowIds sorted = from;
     std::ranges::sort(sorted);
@@ -163,11 +163,11 @@ void appendLost(UnreadRows lost, FoundRows &found) {
 
 } // namespace
 
-Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersClass &filters,
+Walk findRows(SQLite::Database &database, const IdQuery &query, const RecordFilters &filters,
               TaskMonitor &task, FoundRows &found) {
     UnreadRows lost;
     Walk walk = Walk::Finished;
-    if (!filters.EnableFilters) {
+    if (!filters.enableFilters) {
         walk = gatherIds(database, query, task, found.ids, found, lost);
     } else {
         const std::size_t before = found.ids.size();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/TaskMonitor.h"
-#include "views/FiltersClass.h"
+#include "views/RecordFilters.h"
 #include "views/UnreadRows.h"
 #include "views/UrlQuery.h"
 
@@ -28,10 +28,10 @@ bool canRun(SQLite::Database &database, const IdQuery &query);
 /// std::runtime_error for a row without an id or with one beyond 32 bits.
 Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &task, RowIds &ids);
 
-/// Appends those of `from` that FilterRecord() admits, in their order, and shows how far it is. A
+/// Appends those of `from` that filterRecord() admits, in their order, and shows how far it is. A
 /// row that can't be read is admitted: whoever looks at it learns that. A cancel leaves those that
 /// it had found.
-Walk filterIds(SQLite::Database &database, const RowIds &from, const FiltersClass &filters,
+Walk filterIds(SQLite::Database &database, const RowIds &from, const RecordFilters &filters,
                TaskMonitor &task, RowIds &ids);
 
 /// The rows that a query and the filters leave.
@@ -45,7 +45,7 @@ struct FoundRows {
 /// Both of the above, after what was found before. What was found before a cancel or a failure
 /// stays. A damaged page costs no more than its own rows: those of which nobody can tell whether
 /// the query gives them stand last.
-Walk findRows(SQLite::Database &database, const IdQuery &query, const FiltersClass &filters,
+Walk findRows(SQLite::Database &database, const IdQuery &query, const RecordFilters &filters,
               TaskMonitor &task, FoundRows &found);
 
 } // namespace nv

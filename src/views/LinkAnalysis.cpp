@@ -248,7 +248,7 @@ std::int64_t countOf(SQLite::Database &project, const char *query) {
 
 } // namespace
 
-LinkTotals RunLinkAnalysis(const LinkContext &ctx) {
+LinkTotals runLinkAnalysis(const LinkContext &ctx) {
     return onProject([&] {
         LinkTotals totals;
         // Every run starts from nothing. What stops this stops the writing of pairs too.

@@ -43,7 +43,7 @@ struct LinkTotals {
 /// Fills `LinkAnalysis` anew with a pair for each record and each cached page that holds a link to
 /// its URL, and refreshes the texts of cached pages. After a cancel the pairs of the rows examined
 /// so far are kept. Throws after a failure of the project, which then holds no pairs at all.
-LinkTotals RunLinkAnalysis(const LinkContext &ctx);
+LinkTotals runLinkAnalysis(const LinkContext &ctx);
 
 /// What an examiner has to know beyond the number of matches, a line each; mostly nothing.
 std::string notesOn(const LinkTotals &totals);

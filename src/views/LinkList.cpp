@@ -15,12 +15,12 @@ namespace nv {
 namespace {
 
 /// Ids above it are refused with a message that says what lifts it: nothing is passed over.
-void checkWidth(UrlId URL_ID, RecordIds ids) {
-    if (ids == RecordIds::narrow && number(URL_ID) > kLargestNarrowId)
+void checkWidth(UrlId urlID, RecordIds ids) {
+    if (ids == RecordIds::narrow && number(urlID) > kLargestNarrowId)
         throw std::out_of_range(
             fmt::format("the links of record {} can't be listed, as its id is above {}; the switch "
                         "WideRecordIds in the section [BEYOND] of the settings lifts this limit",
-                        number(URL_ID), kLargestNarrowId));
+                        number(urlID), kLargestNarrowId));
 }
 
 constexpr const char *kPairs =
@@ -32,17 +32,17 @@ constexpr const char *kPairs =
     "CASE WHEN A.Parent_ID = ?1 THEN A.Child_ID ELSE A.Parent_ID END "
     "WHERE A.Parent_ID = ?1 OR A.Child_ID = ?1 ORDER BY A.URL ASC, A.Link_ID";
 
-LinkRow rowIn(SQLite::Statement &pairs, UrlId URL_ID) {
+LinkRow rowIn(SQLite::Statement &pairs, UrlId urlID) {
     LinkRow row;
     const std::int64_t parent = pairs.getColumn(0).getInt64();
-    row.end = parent == number(URL_ID) ? LinkEnd::child : LinkEnd::parent;
+    row.end = parent == number(urlID) ? LinkEnd::child : LinkEnd::parent;
     row.other = UrlId{row.end == LinkEnd::child ? pairs.getColumn(1).getInt64() : parent};
-    row.URL = pairs.getColumn(2).getString();
-    row.HashedURL = pairs.getColumn(3).getString();
-    row.VisitCount = pairs.getColumn(4).getInt64();
+    row.url = pairs.getColumn(2).getString();
+    row.hashedURL = pairs.getColumn(3).getString();
+    row.visitCount = pairs.getColumn(4).getInt64();
     if (const SQLite::Column visits = pairs.getColumn(5);
         !visits.isNull() && visits.getInt64() != kVisitsUnknown)
-        row.Visits = visits.getInt64();
+        row.visits = visits.getInt64();
     row.kind = pairs.getColumn(6).getString();
     if (groupOf(row.kind) == RecordGroup::cache)
         row.kind = groupWord(RecordGroup::cache);
@@ -51,14 +51,14 @@ LinkRow rowIn(SQLite::Statement &pairs, UrlId URL_ID) {
 
 } // namespace
 
-LinkList LoadLinks(SQLite::Database &project, UrlId URL_ID, RecordIds ids, FailureLog &log) {
+LinkList loadLinks(SQLite::Database &project, UrlId urlID, RecordIds ids, FailureLog &log) {
     LinkList list;
     const auto failure = failureOf(log, "MainForm.LoadLinks()", [&] {
-        checkWidth(URL_ID, ids);
+        checkWidth(urlID, ids);
         SQLite::Statement pairs(project, kPairs);
-        pairs.bind(1, number(URL_ID));
+        pairs.bind(1, number(urlID));
         while (pairs.executeStep())
-            list.rows.push_back(rowIn(pairs, URL_ID));
+            list.rows.push_back(rowIn(pairs, urlID));
     });
     if (!failure)
         return list;

@@ -25,11 +25,11 @@ struct LinkRow {
     std::string kind; ///< of the other record: History, Cookie, Bookmark, Cache, or its `CacheType`
     /// How many rows with that id hold a count of visits: 1 as long as the record is there. Earlier
     /// cases list this number.
-    std::int64_t VisitCount = 0;
+    std::int64_t visitCount = 0;
     /// What the other record itself says; nothing when it says nothing.
-    std::optional<std::int64_t> Visits;
-    std::string URL;
-    std::string HashedURL;
+    std::optional<std::int64_t> visits;
+    std::string url;
+    std::string hashedURL;
 };
 
 struct LinkList {
@@ -45,7 +45,7 @@ enum class RecordIds {
 inline constexpr const char *kErrorLoadingLinks = "Error Loading Links";
 
 /// The pairs of link analysis that the record is part of, by URL. A failure is logged and told.
-LinkList LoadLinks(SQLite::Database &project, UrlId URL_ID, RecordIds ids, FailureLog &log);
+LinkList loadLinks(SQLite::Database &project, UrlId urlID, RecordIds ids, FailureLog &log);
 
 /// Whether link analysis has been run with any result.
 bool hasLinkAnalysis(SQLite::Database &project);

@@ -65,8 +65,8 @@ std::string asRootPath(std::string_view folder) {
 }
 
 std::optional<std::int64_t> mendRootPath(SQLite::Database &database, FailureLog &log,
-                                         std::string_view RootPath, TaskMonitor &task) {
-    const std::string root = asRootPath(RootPath);
+                                         std::string_view rootPath, TaskMonitor &task) {
+    const std::string root = asRootPath(rootPath);
     if (root.empty() || root == "/")
         return 0;
     ProjectFields fields(database, log);

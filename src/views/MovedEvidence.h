@@ -22,7 +22,7 @@ namespace nv {
 /// cancelled. Rows that an earlier call has seen with the same folder aren't read again. Throws
 /// what the database says.
 std::optional<std::int64_t> mendRootPath(SQLite::Database &database, FailureLog &log,
-                                         std::string_view RootPath, TaskMonitor &task);
+                                         std::string_view rootPath, TaskMonitor &task);
 
 /// With a separator at its end, as rows hold it.
 std::string asRootPath(std::string_view folder);

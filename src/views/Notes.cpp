@@ -19,9 +19,9 @@ std::optional<Note> readNote(SQLite::Database &project, UrlId url) {
     if (!row.executeStep())
         return std::nullopt;
     Note note;
-    note.Notes = decodeText(row.getColumn(0).getString());
+    note.notes = decodeText(row.getColumn(0).getString());
     if (const SQLite::Column date = row.getColumn(1); !date.isNull())
-        note.NotesDateTime = Date::fromDays(date.getDouble());
+        note.notesDateTime = Date::fromDays(date.getDouble());
     return note;
 }
 

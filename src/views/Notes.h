@@ -17,8 +17,8 @@ namespace nv {
 
 /// What the examiner noted of a record.
 struct Note {
-    std::string Notes;
-    Date NotesDateTime; ///< UTC, of the last change
+    std::string notes;
+    Date notesDateTime; ///< UTC, of the last change
 };
 
 /// Nothing when there is no such row. Throws what the database says.

@@ -67,12 +67,12 @@ class PageRun {
         if (!drawn.done) {
             // The words are those that error logs always had, whatever the system.
             m_ctx.log.write(
-                {fmt::format("Win32 Error: {} (URL ID: {})", drawn.failure, number(page.URL_ID)),
+                {fmt::format("Win32 Error: {} (URL ID: {})", drawn.failure, number(page.urlID)),
                  std::string(kProcedure), Severity::Warning, std::string(kContactSupport)});
             return false;
         }
         m_drawn[place] = succeeds(m_ctx.log, Severity::Warning, kProcedure, kContactSupport,
-                                  [&] { StoreThumbnail(page.URL_ID, page.destination, m_ctx); });
+                                  [&] { storeThumbnail(page.urlID, page.destination, m_ctx); });
         m_done += m_drawn[place] ? 1 : 0;
         return m_drawn[place];
     }
@@ -98,26 +98,26 @@ bool holdsAlready(UrlId id, const std::string &hash, SQLite::Database &project) 
 
 } // namespace
 
-std::vector<bool> CreateHTMLThumbnails(std::span<const PageDrawing> pages, int width,
+std::vector<bool> createHTMLThumbnails(std::span<const PageDrawing> pages, int width,
                                        const ThumbnailContext &ctx, TaskMonitor &task) {
     return PageRun(pages, width, ctx, task).all();
 }
 
-bool CreateHTMLThumbnail(const fs::path &page, const fs::path &destination, UrlId URL_ID, int width,
+bool createHTMLThumbnail(const fs::path &page, const fs::path &destination, UrlId urlID, int width,
                          const ThumbnailContext &ctx) {
-    const PageDrawing drawing{URL_ID, page, destination};
+    const PageDrawing drawing{urlID, page, destination};
     Unwatched nobody;
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&]() -> bool {
-        return CreateHTMLThumbnails(std::span(&drawing, 1), width, ctx, nobody).front();
+        return createHTMLThumbnails(std::span(&drawing, 1), width, ctx, nobody).front();
     });
 }
 
-Stored StoreThumbnail(UrlId URL_ID, const fs::path &path, const ThumbnailContext &ctx) {
+Stored storeThumbnail(UrlId urlID, const fs::path &path, const ThumbnailContext &ctx) {
     const std::string hash = fileMD5(path).value_or("");
     const Bytes bytes = readWhole(path);
     return onRow(ctx.project, [&] {
         // A page that looks as it did needs no write.
-        if (holdsAlready(URL_ID, hash, ctx.project))
+        if (holdsAlready(urlID, hash, ctx.project))
             return Stored::sameBytes;
         SQLite::Statement update(ctx.project,
                                  "UPDATE URLs SET ThumbnailBLOB = ?, ThumbnailMD5Hash = ?, "
@@ -128,7 +128,7 @@ Stored StoreThumbnail(UrlId URL_ID, const fs::path &path, const ThumbnailContext
         update.bind(3, ctx.settings.ViewerThumbnailWidth);
         update.bind(4, thumbnailHeight(ctx.settings.ViewerThumbnailWidth));
         update.bind(5, Date::fromTimePoint(ctx.clock.now()).days());
-        update.bind(6, number(URL_ID));
+        update.bind(6, number(urlID));
         update.exec();
         return Stored::written;
     });

@@ -10,7 +10,7 @@ namespace nv {
 
 /// A rebuilt page, and where its drawing goes.
 struct PageDrawing {
-    UrlId URL_ID = UrlId::none;
+    UrlId urlID = UrlId::none;
     std::filesystem::path page;
     std::filesystem::path destination;
 };
@@ -19,17 +19,17 @@ struct PageDrawing {
 /// thumbnail. Drawings that fail are tried once more, together; every failure is logged. For each
 /// page whether it was drawn and stored: a cancel leaves the rest as it was. Throws what the
 /// project or the drawing as a whole can't do.
-std::vector<bool> CreateHTMLThumbnails(std::span<const PageDrawing> pages, int width,
+std::vector<bool> createHTMLThumbnails(std::span<const PageDrawing> pages, int width,
                                        const ThumbnailContext &ctx, TaskMonitor &task);
 
 /// The same of one page.
-bool CreateHTMLThumbnail(const std::filesystem::path &page,
-                         const std::filesystem::path &destination, UrlId URL_ID, int width,
+bool createHTMLThumbnail(const std::filesystem::path &page,
+                         const std::filesystem::path &destination, UrlId urlID, int width,
                          const ThumbnailContext &ctx);
 
 enum class Stored { written, sameBytes };
 /// Reads a finished thumbnail into the row; one that holds the same bytes already isn't written.
 /// Throws.
-Stored StoreThumbnail(UrlId URL_ID, const std::filesystem::path &path, const ThumbnailContext &ctx);
+Stored storeThumbnail(UrlId urlID, const std::filesystem::path &path, const ThumbnailContext &ctx);
 
 } // namespace nv

@@ -10,40 +10,41 @@ namespace nv {
 
 namespace {
 
-struct SizeClass {
-    bool PARDClass::*flag;
+struct PictureSize {
+    bool PardChoice::*flag;
     std::string_view condition;
 };
 
 // The 99 of the medium class and the gaps between the classes are as in earlier cases: a picture
 // that is large on one side and small on the other falls in none, and counts stay comparable.
-constexpr std::array<SizeClass, 5> kSizeClasses = {{
-    {&PARDClass::ShowXSmallPics, "(PictureWidth <= 39 AND PictureHeight <= 39)"},
-    {&PARDClass::ShowSmallPics, "(PictureWidth > 39 AND PictureWidth <= 299 AND PictureHeight > 39 "
-                                "AND PictureHeight <= 299)"},
-    {&PARDClass::ShowMediumPics, "(PictureWidth > 299 AND PictureWidth <= 599 AND PictureHeight > "
-                                 "99 AND PictureHeight <= 599)"},
-    {&PARDClass::ShowLargePics, "(PictureWidth > 599 AND PictureWidth <= 1199 AND PictureHeight > "
-                                "599 AND PictureHeight <= 1199)"},
-    {&PARDClass::ShowXLargePics, "(PictureWidth > 1199 AND PictureHeight > 1199)"},
+constexpr std::array<PictureSize, 5> kSizeClasses = {{
+    {&PardChoice::showXSmallPics, "(PictureWidth <= 39 AND PictureHeight <= 39)"},
+    {&PardChoice::showSmallPics,
+     "(PictureWidth > 39 AND PictureWidth <= 299 AND PictureHeight > 39 "
+     "AND PictureHeight <= 299)"},
+    {&PardChoice::showMediumPics, "(PictureWidth > 299 AND PictureWidth <= 599 AND PictureHeight > "
+                                  "99 AND PictureHeight <= 599)"},
+    {&PardChoice::showLargePics, "(PictureWidth > 599 AND PictureWidth <= 1199 AND PictureHeight > "
+                                 "599 AND PictureHeight <= 1199)"},
+    {&PardChoice::showXLargePics, "(PictureWidth > 1199 AND PictureHeight > 1199)"},
 }};
 
-std::string sizesOf(const PARDClass &PARD) {
+std::string sizesOf(const PardChoice &pard) {
     std::string sizes;
-    for (const SizeClass &each : kSizeClasses)
-        if (PARD.*each.flag)
+    for (const PictureSize &each : kSizeClasses)
+        if (pard.*each.flag)
             sizes.append(sizes.empty() ? "" : " OR ").append(each.condition);
     return sizes;
 }
 
 /// Sizes count together with P.A.R.D. only: without it, and with a range that runs backwards,
 /// pictures of all sizes are shown.
-std::string shapeOf(const PARDClass &PARD) {
-    if (!PARD.EnablePARD || PARD.FromValue > PARD.ToValue)
+std::string shapeOf(const PardChoice &pard) {
+    if (!pard.EnablePARD || pard.fromValue > pard.toValue)
         return {};
     const std::string range =
-        fmt::format("(PARDValue >= {} AND PARDValue <= {})", PARD.FromValue, PARD.ToValue);
-    const std::string sizes = sizesOf(PARD);
+        fmt::format("(PARDValue >= {} AND PARDValue <= {})", pard.fromValue, pard.toValue);
+    const std::string sizes = sizesOf(pard);
     return sizes.empty() ? " AND " + range : fmt::format(" AND {} AND ({})", range, sizes);
 }
 
@@ -73,8 +74,8 @@ std::int16_t pardValue(std::int64_t width, std::int64_t height) {
     return static_cast<std::int16_t>(kWhole - kWhole * smaller / larger);
 }
 
-std::string BuildGalleryFilter(const PARDClass &PARD, const GalleryMedia &media) {
-    return shapeOf(PARD).append(mediaOf(media));
+std::string buildGalleryFilter(const PardChoice &pard, const GalleryMedia &media) {
+    return shapeOf(pard).append(mediaOf(media));
 }
 
 } // namespace nv

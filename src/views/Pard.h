@@ -6,15 +6,15 @@
 namespace nv {
 
 /// The examiner's choice of pictures by shape and size.
-struct PARDClass {
-    bool ShowXSmallPics = false;
-    bool ShowXLargePics = false;
-    bool ShowSmallPics = false;
-    bool ShowMediumPics = false;
-    bool ShowLargePics = false;
+struct PardChoice {
+    bool showXSmallPics = false;
+    bool showXLargePics = false;
+    bool showSmallPics = false;
+    bool showMediumPics = false;
+    bool showLargePics = false;
     bool EnablePARD = false;
-    std::int16_t ToValue = 0;
-    std::int16_t FromValue = 0;
+    std::int16_t toValue = 0;
+    std::int16_t fromValue = 0;
 };
 
 /// The "Photograph Aspect Ratio Differential", 0 to 100, of a picture's sides in pixels: 0 is a
@@ -28,6 +28,6 @@ struct GalleryMedia {
 };
 
 /// The conditions of the gallery's query, each with " AND " before it, in the project's dialect.
-std::string BuildGalleryFilter(const PARDClass &PARD, const GalleryMedia &media);
+std::string buildGalleryFilter(const PardChoice &pard, const GalleryMedia &media);
 
 } // namespace nv

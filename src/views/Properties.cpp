@@ -4,7 +4,7 @@
 #include "base/Text.h"
 #include "db/SchemaColumns.h"
 #include "db/UrlRecord.h"
-#include "views/EXIFClass.h"
+#include "views/Exif.h"
 #include "views/StoredCell.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -104,7 +104,7 @@ class RecordFields {
         // The stored date is that of the zone at the time of the import; the project's may be
         // another one by now.
         if (equalsNoCase(name, "ActionDateLocal"))
-            return zoneProperty(actionDate(), m_source.GMTZone, m_source.dates);
+            return zoneProperty(actionDate(), m_source.gmtZone, m_source.dates);
         if (equalsNoCase(name, "ActionDateUTC"))
             return utcProperty(dateIn(stored), m_source.dates);
         if (equalsNoCase(name, "Visits") && stored.isInteger() &&
@@ -141,7 +141,7 @@ void addExifRows(std::vector<Property> &properties, const PropertySource &source
         return;
     for (const auto &[label, tag] : kExifRows)
         attempt(source.log, [&, label = label, tag = tag] {
-            const std::string value = EXIFClass::GetEXIFValue(tag, *image);
+            const std::string value = Exif::getEXIFValue(tag, *image);
             if (!value.empty())
                 properties.push_back({std::string(label), value});
         });
@@ -149,7 +149,7 @@ void addExifRows(std::vector<Property> &properties, const PropertySource &source
 
 } // namespace
 
-std::vector<Property> LoadProperties(UrlId url, const PropertySource &source) {
+std::vector<Property> loadProperties(UrlId url, const PropertySource &source) {
     std::vector<Property> properties;
     bool isPicture = false;
     attempt(source.log, [&] {

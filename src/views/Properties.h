@@ -27,7 +27,7 @@ struct Property {
 /// What the properties of a record are made with; all must outlive the call.
 struct PropertySource {
     SQLite::Database &project;
-    const TimeZone &GMTZone;
+    const TimeZone &gmtZone;
     DateSettings dates;
     FailureLog &log;
     /// The picture's file; asked for pictures only. Empty when nobody wants the EXIF rows.
@@ -37,7 +37,7 @@ struct PropertySource {
 /// All fields of the row in the order of the database, and what the camera wrote into a picture.
 /// Empty when there is no such row. A field that can't be shown is logged and left empty, and so
 /// are EXIF rows: none stops the others.
-std::vector<Property> LoadProperties(UrlId url, const PropertySource &source);
+std::vector<Property> loadProperties(UrlId url, const PropertySource &source);
 
 /// "1,234.00", as sizes of files are shown.
 std::string sizeText(std::int64_t bytes);

@@ -25,7 +25,7 @@ bool has(std::string_view text, char c) {
 
 } // namespace
 
-void QueryBuilder::Add(std::string_view field, std::string_view condition, std::string_view value) {
+void QueryBuilder::add(std::string_view field, std::string_view condition, std::string_view value) {
     field = trim(field);
     condition = conditionOf(trim(condition));
     std::string operand(trim(value));
@@ -40,8 +40,8 @@ void QueryBuilder::Add(std::string_view field, std::string_view condition, std::
     }
     isBare = isBare || equalsNoCase(operand, "true") || equalsNoCase(operand, "false") ||
              isNumber(operand);
-    const bool isFirst = toUpper(SQLText).find(" WHERE") == std::string::npos;
-    SQLText += fmt::format("{}{} {} {}", isFirst ? " WHERE " : " AND ", field, condition,
+    const bool isFirst = toUpper(sqlText).find(" WHERE") == std::string::npos;
+    sqlText += fmt::format("{}{} {} {}", isFirst ? " WHERE " : " AND ", field, condition,
                            isBare ? operand : fmt::format(" '{}'", operand));
 }
 
@@ -53,7 +53,7 @@ std::vector<std::string> builderTables() {
     return names;
 }
 
-std::vector<std::string> LoadFieldNames(SQLite::Database &database, std::string_view table) {
+std::vector<std::string> loadFieldNames(SQLite::Database &database, std::string_view table) {
     SQLite::Statement statement(database, "SELECT * FROM " + quotedName(table));
     std::vector<std::string> names;
     names.reserve(static_cast<std::size_t>(statement.getColumnCount()));

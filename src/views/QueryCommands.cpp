@@ -27,39 +27,39 @@ void QueryCommands::start() {
         trapped(m_log, Severity::Warning, "MainForm.LoadStoredQuery()", kContactSupport,
                 std::optional<std::string>(),
                 [this] { return StoredQueries(m_project).text(kDefaultQueryName); })
-            .value_or(m_state.DefaultSQLDef);
-    m_state.CurrentSQLDef = stored;
-    m_state.LastSQLDef.clear();
-    m_state.CustomQueryDef.clear();
-    m_state.ActiveQueryName.clear();
+            .value_or(m_state.defaultSQLDef);
+    m_state.currentSQLDef = stored;
+    m_state.lastSQLDef.clear();
+    m_state.customQueryDef.clear();
+    m_state.activeQueryName.clear();
     m_view.showStatement(stored);
-    LoadStoredQueries();
+    loadStoredQueries();
 }
 
-void QueryCommands::RunSQL() {
-    m_state.CurrentSQLDef = m_state.DefaultSQLDef;
+void QueryCommands::runSQL() {
+    m_state.currentSQLDef = m_state.defaultSQLDef;
 }
 
-bool QueryCommands::FormatQuerySQL(std::span<const QueryRow> rows,
+bool QueryCommands::formatQuerySQL(std::span<const QueryRow> rows,
                                    std::span<const QuerySortRow> sorts) {
     return trapped(m_log, Severity::Warning, "MainForm.FormatQuerySQL()", kContactSupport, false,
                    [&] {
-                       const auto sql = nv::FormatQuerySQL(rows, sorts);
+                       const auto sql = nv::formatQuerySQL(rows, sorts);
                        if (sql)
                            m_view.showStatement(*sql);
                        return sql.has_value();
                    });
 }
 
-QueryClass QueryCommands::checked(Test test) const {
+QueryCheck QueryCommands::checked(Test test) const {
     const auto reader = openReadOnly(m_project.getFilename());
     return test(m_view.statement(), *reader, m_log);
 }
 
 void QueryCommands::btnValidateSQL() {
-    const QueryClass query = checked(testTyped);
-    m_examiner.tell(query.ErrCode == 0 ? messages::statementValid()
-                                       : messages::statementInvalid(query.ErrDescription));
+    const QueryCheck query = checked(testTyped);
+    m_examiner.tell(query.errCode == 0 ? messages::statementValid()
+                                       : messages::statementInvalid(query.errDescription));
 }
 
 void QueryCommands::keepAsDefault(const std::string &sql) {
@@ -67,35 +67,35 @@ void QueryCommands::keepAsDefault(const std::string &sql) {
 }
 
 void QueryCommands::putInForce(std::string sql, std::string name) {
-    const bool isOther = sql != m_state.CurrentSQLDef;
-    m_state.LastSQLDef = std::exchange(m_state.CurrentSQLDef, std::move(sql));
-    m_state.ActiveQueryName = std::move(name);
+    const bool isOther = sql != m_state.currentSQLDef;
+    m_state.lastSQLDef = std::exchange(m_state.currentSQLDef, std::move(sql));
+    m_state.activeQueryName = std::move(name);
     if (isOther)
         m_view.statementChanged();
 }
 
 bool QueryCommands::btnApplyQuery() {
-    const QueryClass query = checked(testForTable);
-    if (query.ErrCode != 0) {
+    const QueryCheck query = checked(testForTable);
+    if (query.errCode != 0) {
         m_examiner.tell(messages::badDefinition());
         return false;
     }
     // A statement on "_DEFAULT" itself can be run, but not be kept as "_DEFAULT".
     const auto failure =
-        failureOf(m_log, "MainForm.btnApplyQuery_Click()", [&] { keepAsDefault(query.SQL); });
+        failureOf(m_log, "MainForm.btnApplyQuery_Click()", [&] { keepAsDefault(query.sql); });
     if (failure) {
         m_examiner.tell(messages::statementNotKept(*failure));
         return false;
     }
-    putInForce(query.SQL, std::string(kDefaultQueryName));
+    putInForce(query.sql, std::string(kDefaultQueryName));
     m_view.LoadURLs();
     return true;
 }
 
 void QueryCommands::btnUndoQuery() {
-    if (m_state.LastSQLDef.empty())
+    if (m_state.lastSQLDef.empty())
         return;
-    const std::string last = m_state.LastSQLDef;
+    const std::string last = m_state.lastSQLDef;
     if (const auto failure =
             failureOf(m_log, "MainForm.btnUndoQuery_Click()", [&] { keepAsDefault(last); }))
         return m_examiner.tell(messages::undoFailed(*failure));
@@ -106,17 +106,17 @@ void QueryCommands::btnUndoQuery() {
 
 void QueryCommands::btnDefaultQuery() {
     const auto failure = failureOf(m_log, "MainForm.btnDefaultQuery_Click()", [this] {
-        keepAsDefault(m_state.DefaultSQLDef);
-        putInForce(m_state.DefaultSQLDef, std::string(kDefaultQueryName));
-        m_view.showStatement(m_state.DefaultSQLDef);
-        LoadStoredQueries();
+        keepAsDefault(m_state.defaultSQLDef);
+        putInForce(m_state.defaultSQLDef, std::string(kDefaultQueryName));
+        m_view.showStatement(m_state.defaultSQLDef);
+        loadStoredQueries();
         m_view.LoadURLs();
     });
     if (failure)
         m_examiner.tell(messages::defaultQueryFailed(*failure));
 }
 
-void QueryCommands::LoadStoredQueries(std::string_view select) {
+void QueryCommands::loadStoredQueries(std::string_view select) {
     const bool loads = trapped(m_log, Severity::Warning, "MainForm.LoadStoredQueries()",
                                kContactSupport, false, [&] {
                                    std::vector<std::string> names;
@@ -131,14 +131,14 @@ void QueryCommands::LoadStoredQueries(std::string_view select) {
                                        putInForce(chosen->sql, chosen->name);
                                        m_view.showStatement(chosen->sql);
                                    }
-                                   m_view.showQueries(names, m_state.ActiveQueryName);
+                                   m_view.showQueries(names, m_state.activeQueryName);
                                    return chosen.has_value();
                                });
     if (loads)
         m_view.LoadURLs();
 }
 
-void QueryCommands::LoadStoredQuery(std::string_view name) {
+void QueryCommands::loadStoredQuery(std::string_view name) {
     const auto text =
         trapped(m_log, Severity::Warning, "MainForm.LoadStoredQuery()", kContactSupport,
                 std::optional<std::string>(), [&] { return StoredQueries(m_project).text(name); });
@@ -159,8 +159,8 @@ bool QueryCommands::mayReplace(std::string_view name) {
 }
 
 bool QueryCommands::btnSaveQuery(std::string name) {
-    const QueryClass query = checked(testTyped);
-    if (query.ErrCode != 0) {
+    const QueryCheck query = checked(testTyped);
+    if (query.errCode != 0) {
         m_examiner.tell(messages::badQueryDefinition());
         return false;
     }
@@ -172,17 +172,17 @@ bool QueryCommands::btnSaveQuery(std::string name) {
     const auto failure = failureOf(m_log, "MainForm.btnSaveQuery_Click()", [&] {
         if (!mayReplace(name))
             return;
-        StoredQueries(m_project).save({name, query.SQL});
+        StoredQueries(m_project).save({name, query.sql});
         saved = true;
     });
     if (failure)
         m_examiner.tell(messages::savingQueryFailed(*failure));
     if (saved)
-        LoadStoredQueries(name);
+        loadStoredQueries(name);
     return saved;
 }
 
-bool QueryCommands::DeleteStoredQuery(std::string_view name, DeleteMode mode) {
+bool QueryCommands::deleteStoredQuery(std::string_view name, DeleteMode mode) {
     if (!mode.silent && isReserved(name, messages::reservedQueryNotDeleted()))
         return false;
     if (!mode.silent && !mode.force && m_examiner.ask(messages::deleteStoredQuery()) != Answer::Yes)
@@ -194,9 +194,9 @@ bool QueryCommands::DeleteStoredQuery(std::string_view name, DeleteMode mode) {
                                      queries.remove(name);
                                      return isThere;
                                  });
-    const bool wasActive = deleted && equalsNoCase(name, m_state.ActiveQueryName);
+    const bool wasActive = deleted && equalsNoCase(name, m_state.activeQueryName);
     if (mode.reload && !wasActive)
-        LoadStoredQueries();
+        loadStoredQueries();
     if (wasActive) {
         takeActiveQuery({});
         m_view.LoadURLs();
@@ -210,8 +210,8 @@ void QueryCommands::takeStatement(std::string_view sql) {
     if (failure)
         return m_examiner.tell(messages::statementNotKept(*failure));
     putInForce(std::string(sql), std::string(kDefaultQueryName));
-    m_view.showStatement(m_state.CurrentSQLDef);
-    LoadStoredQueries();
+    m_view.showStatement(m_state.currentSQLDef);
+    loadStoredQueries();
 }
 
 void QueryCommands::takeActiveQuery(std::string_view name) {
@@ -220,13 +220,13 @@ void QueryCommands::takeActiveQuery(std::string_view name) {
                 std::optional<std::string>(), [&] {
                     return StoredQueries(m_project).text(name.empty() ? kDefaultQueryName : name);
                 });
-    putInForce(text.value_or(m_state.DefaultSQLDef), std::string(name));
-    m_view.showStatement(m_state.CurrentSQLDef);
-    LoadStoredQueries();
+    putInForce(text.value_or(m_state.defaultSQLDef), std::string(name));
+    m_view.showStatement(m_state.currentSQLDef);
+    loadStoredQueries();
 }
 
 void QueryCommands::takeCustomQuery() {
-    m_view.showStatement(m_state.CustomQueryDef);
+    m_view.showStatement(m_state.customQueryDef);
 }
 
 } // namespace nv

@@ -48,9 +48,9 @@ class QueryCommands {
     /// After a project was opened: its "_DEFAULT" is in force, and nothing can be undone.
     void start();
     /// The default statement is in force again. Shows and loads nothing.
-    void RunSQL();
+    void runSQL();
     /// Puts the grids' statement into the box. False, and nothing is changed, for empty grids.
-    bool FormatQuerySQL(std::span<const QueryRow> rows, std::span<const QuerySortRow> sorts);
+    bool formatQuerySQL(std::span<const QueryRow> rows, std::span<const QuerySortRow> sorts);
     void btnValidateSQL();
     /// Keeps the box's statement as "_DEFAULT" and loads its rows.
     bool btnApplyQuery();
@@ -60,12 +60,12 @@ class QueryCommands {
 
     /// Fills the selector with the examiner's queries. A name that is given, and known, is put in
     /// force and loaded.
-    void LoadStoredQueries(std::string_view select = {});
+    void loadStoredQueries(std::string_view select = {});
     /// Puts the query's text into the box, and no more.
-    void LoadStoredQuery(std::string_view name);
+    void loadStoredQuery(std::string_view name);
     /// Keeps the box's statement under a name that is asked for, unless one is given.
     bool btnSaveQuery(std::string name = {});
-    bool DeleteStoredQuery(std::string_view name, DeleteMode mode = {});
+    bool deleteStoredQuery(std::string_view name, DeleteMode mode = {});
 
     /// The rows of `sql` have been loaded already, by a quick sort: it is in force from now on.
     void takeStatement(std::string_view sql);
@@ -75,8 +75,8 @@ class QueryCommands {
     void takeCustomQuery();
 
   private:
-    using Test = QueryClass (*)(std::string_view, SQLite::Database &, FailureLog &);
-    QueryClass checked(Test test) const;
+    using Test = QueryCheck (*)(std::string_view, SQLite::Database &, FailureLog &);
+    QueryCheck checked(Test test) const;
     void putInForce(std::string sql, std::string name);
     void keepAsDefault(const std::string &sql);
     bool isReserved(std::string_view name, const Message &refusal);

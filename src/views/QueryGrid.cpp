@@ -104,7 +104,7 @@ bool isNumber(std::string_view text) {
            !text.empty();
 }
 
-std::optional<std::string> FormatQuerySQL(std::span<const QueryRow> rows,
+std::optional<std::string> formatQuerySQL(std::span<const QueryRow> rows,
                                           std::span<const QuerySortRow> sorts) {
     std::string conditions;
     for (const QueryRow &row : rows)

@@ -45,7 +45,7 @@ inline constexpr std::array<std::string_view, 2> kSortOrders = {"ASCENDING", "DE
 /// The statement of a query grid; nothing when no row is filled. Values are taken as they are: an
 /// apostrophe in one, or a joining word after the last row, gives a statement that no check lets
 /// through, so that the examiner sees what was written.
-std::optional<std::string> FormatQuerySQL(std::span<const QueryRow> rows,
+std::optional<std::string> formatQuerySQL(std::span<const QueryRow> rows,
                                           std::span<const QuerySortRow> sorts);
 
 /// A column of `URLs` that a grid's cell offers.

@@ -61,11 +61,11 @@ void TableLayout::move(UrlColumn column, int position) {
     m_order.insert(m_order.begin() + std::clamp(position, 0, end), column);
 }
 
-void TableLayout::FormatColumns(const URLTableColumns &columns) {
-    for (const ColumnClass &entry : columns)
-        if (const auto column = columnOfKey(entry.KeyName)) {
-            at(*column).header = entry.ColumnHeader;
-            at(*column).hidden = entry.HideColumn;
+void TableLayout::formatColumns(const URLTableColumns &columns) {
+    for (const ListedColumn &entry : columns)
+        if (const auto column = columnOfKey(entry.keyName)) {
+            at(*column).header = entry.columnHeader;
+            at(*column).hidden = entry.hideColumn;
         }
 }
 

@@ -40,7 +40,7 @@ class TableLayout {
     void move(UrlColumn column, int position);
 
     /// Takes header and visibility from `columns`, by key; columns it doesn't name stay.
-    void FormatColumns(const URLTableColumns &columns);
+    void formatColumns(const URLTableColumns &columns);
 
     /// Hidden flags first, positions after. What is missing or makes no sense leaves its column as
     /// it was; so does a position below 0.

@@ -75,13 +75,13 @@ bool hasLineComment(std::string_view sql) {
     return false;
 }
 
-QueryClass outcome(std::string_view sql, std::int32_t code, std::string description) {
+QueryCheck outcome(std::string_view sql, std::int32_t code, std::string description) {
     return {code, std::move(description), std::string(sql), orderIn(sql)};
 }
 
 } // namespace
 
-std::string SanitizeSQLText(std::string_view sql) {
+std::string sanitizeSQLText(std::string_view sql) {
     std::string text = replaceAll(sql, "\r\n", " ");
     for (char &c : text)
         if (c == '\t' || c == '\r' || c == '\n')
@@ -89,7 +89,7 @@ std::string SanitizeSQLText(std::string_view sql) {
     return text;
 }
 
-QueryClass TestQuery(std::string_view sql, SQLite::Database &connection, FailureLog &log) {
+QueryCheck testQuery(std::string_view sql, SQLite::Database &connection, FailureLog &log) {
     std::string translated;
     if (auto refused = failureOf(log, kProcedure, [&] { translated = translate(sql); }))
         return outcome(sql, kStatementError, *std::move(refused));
@@ -100,24 +100,24 @@ QueryClass TestQuery(std::string_view sql, SQLite::Database &connection, Failure
     return outcome(sql, 0, "");
 }
 
-QueryClass testTyped(std::string_view typed, SQLite::Database &connection, FailureLog &log) {
-    const std::string sql = SanitizeSQLText(trim(typed));
+QueryCheck testTyped(std::string_view typed, SQLite::Database &connection, FailureLog &log) {
+    const std::string sql = sanitizeSQLText(trim(typed));
     bool swallows = false;
-    // An open quote is what TestQuery() tells of.
+    // An open quote is what testQuery() tells of.
     if (!failureOf(log, kProcedure, [&] { swallows = hasLineComment(trim(typed)); }) && swallows)
         return outcome(sql, kStatementError,
                        "lines are joined into one: a comment with \"--\" would hide what stands "
                        "behind it. Write it as /* comment */");
-    return TestQuery(sql, connection, log);
+    return testQuery(sql, connection, log);
 }
 
-QueryClass testForTable(std::string_view typed, SQLite::Database &connection, FailureLog &log) {
-    QueryClass query = testTyped(typed, connection, log);
-    if (query.ErrCode != 0)
+QueryCheck testForTable(std::string_view typed, SQLite::Database &connection, FailureLog &log) {
+    QueryCheck query = testTyped(typed, connection, log);
+    if (query.errCode != 0)
         return query;
     const auto refused = failureOf(
-        log, kProcedure, [&] { checkIds(SQLite::Statement(connection, translate(query.SQL))); });
-    return refused ? outcome(query.SQL, kStatementError, *refused) : query;
+        log, kProcedure, [&] { checkIds(SQLite::Statement(connection, translate(query.sql))); });
+    return refused ? outcome(query.sql, kStatementError, *refused) : query;
 }
 
 } // namespace nv

@@ -106,11 +106,11 @@ void writeRow(const UrlRecord &record, SQLite::Database &project) {
 }
 
 /// The log has why another row can't be read.
-bool isGone(UrlId URL_ID, const ThumbnailContext &ctx) {
+bool isGone(UrlId urlID, const ThumbnailContext &ctx) {
     NoLog unheard;
     return trapped(unheard, Severity::Low, {}, {}, false, [&] {
         SQLite::Statement row(ctx.project, "SELECT Count(*) FROM URLs WHERE URL_ID = ?");
-        row.bind(1, number(URL_ID));
+        row.bind(1, number(urlID));
         return row.executeStep() && row.getColumn(0).getInt() == 0;
     });
 }
@@ -152,14 +152,14 @@ Preparation prepareThumbnail(ThumbnailJob &job, const fs::path &folder,
     return Preparation::ready;
 }
 
-std::optional<ThumbnailJob> jobOfRow(UrlId URL_ID, const fs::path &folder,
+std::optional<ThumbnailJob> jobOfRow(UrlId urlID, const fs::path &folder,
                                      const ThumbnailContext &ctx, ThumbnailTotals &totals) {
-    auto record = ctx.records.getURL(URL_ID);
+    auto record = ctx.records.getURL(urlID);
     if (!record) {
-        if (isGone(URL_ID, ctx))
+        if (isGone(urlID, ctx))
             ++totals.withoutContent;
         else
-            totals.unread.insert(static_cast<std::int32_t>(number(URL_ID)));
+            totals.unread.insert(static_cast<std::int32_t>(number(urlID)));
         return std::nullopt;
     }
     ThumbnailJob job{std::move(*record), {}};
@@ -187,8 +187,8 @@ void settleThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailConte
     ++(kept ? totals.made : totals.failed);
 }
 
-void logUndrawn(UrlId URL_ID, std::string_view failure, FailureLog &log) {
-    log.write({fmt::format("URL ID: {} {}", number(URL_ID), failure), std::string(kProcedure),
+void logUndrawn(UrlId urlID, std::string_view failure, FailureLog &log) {
+    log.write({fmt::format("URL ID: {} {}", number(urlID), failure), std::string(kProcedure),
                Severity::Low, std::string(kNotSerious)});
 }
 

@@ -30,7 +30,7 @@ Preparation prepareThumbnail(ThumbnailJob &job, const std::filesystem::path &fol
                              const ThumbnailContext &ctx);
 /// The same for a row; nothing when there is nothing to draw, which is counted. A failure is
 /// logged. Throws StorageFailure.
-std::optional<ThumbnailJob> jobOfRow(UrlId URL_ID, const std::filesystem::path &folder,
+std::optional<ThumbnailJob> jobOfRow(UrlId urlID, const std::filesystem::path &folder,
                                      const ThumbnailContext &ctx, ThumbnailTotals &totals);
 
 /// Reads the finished drawing into the record and its row, in one write. Throws.
@@ -40,6 +40,6 @@ void keepThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext
 void settleThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext &ctx,
                      ThumbnailTotals &totals);
 
-void logUndrawn(UrlId URL_ID, std::string_view failure, FailureLog &log);
+void logUndrawn(UrlId urlID, std::string_view failure, FailureLog &log);
 
 } // namespace nv

@@ -174,39 +174,39 @@ void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> i
         ThumbnailRun(ctx, ids, task, totals).all();
 }
 
-bool MakeThumbnail(UrlRecord &URL, const ImportSettings &import, const ThumbnailContext &ctx) {
-    if (!import.makePictureThumbnails || !URL.CacheFileExists)
+bool makeThumbnail(UrlRecord &url, const ImportSettings &import, const ThumbnailContext &ctx) {
+    if (!import.makePictureThumbnails || !url.CacheFileExists)
         return false;
     return trapped(ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport, false,
                    [&] {
                        const ThumbnailFolder folder(ctx.TempFolderPath);
-                       ThumbnailJob job{URL, {}};
+                       ThumbnailJob job{url, {}};
                        if (prepareThumbnail(job, folder.place(0), ctx) != Preparation::ready)
                            return false;
                        const Drawn drawn = drawOne(job.drawing, ctx);
                        if (drawn.done)
                            keepThumbnail(job, drawn, ctx);
                        else
-                           logUndrawn(URL.URLID, drawn.failure, ctx.log);
-                       URL = std::move(job.record);
+                           logUndrawn(url.URLID, drawn.failure, ctx.log);
+                       url = std::move(job.record);
                        // They lay in a folder that goes now.
-                       URL.RunTimeTempFilePath.clear();
-                       URL.RunTimeThumbnailPath.clear();
+                       url.RunTimeTempFilePath.clear();
+                       url.RunTimeThumbnailPath.clear();
                        return drawn.done;
                    });
 }
 
-bool MakePictureThumbnail(const fs::path &source, const fs::path &destination, UrlRecord &URL,
+bool makePictureThumbnail(const fs::path &source, const fs::path &destination, UrlRecord &url,
                           int width, const ThumbnailContext &ctx) {
     const Drawn drawn =
         drawOne({DrawJob::Kind::picture, source, destination, width, thumbnailHeight(width)}, ctx);
     if (!drawn.done) {
-        logUndrawn(URL.URLID, drawn.failure, ctx.log);
+        logUndrawn(url.URLID, drawn.failure, ctx.log);
         return false;
     }
-    URL.PictureWidth = drawn.pictureWidth;
-    URL.PictureHeight = drawn.pictureHeight;
-    URL.PARDValue = pardValue(drawn.pictureWidth, drawn.pictureHeight);
+    url.PictureWidth = drawn.pictureWidth;
+    url.PictureHeight = drawn.pictureHeight;
+    url.PARDValue = pardValue(drawn.pictureWidth, drawn.pictureHeight);
     return true;
 }
 

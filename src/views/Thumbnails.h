@@ -56,12 +56,12 @@ void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> i
 /// Builds the record's thumbnail and its P.A.R.D. value, in the record and in its row. Only when
 /// `import` makes thumbnails of pictures: that box is asked for pages too, as it always was. False
 /// when there is none.
-bool MakeThumbnail(UrlRecord &URL, const ImportSettings &import, const ThumbnailContext &ctx);
+bool makeThumbnail(UrlRecord &url, const ImportSettings &import, const ThumbnailContext &ctx);
 
 /// Draws one picture file, `width` pixels wide, and measures it into the record. A failure is
 /// logged.
-bool MakePictureThumbnail(const std::filesystem::path &source,
-                          const std::filesystem::path &destination, UrlRecord &URL, int width,
+bool makePictureThumbnail(const std::filesystem::path &source,
+                          const std::filesystem::path &destination, UrlRecord &url, int width,
                           const ThumbnailContext &ctx);
 
 } // namespace nv

@@ -104,9 +104,9 @@ std::optional<UrlColumn> columnOfKey(std::string_view key) {
 URLTableColumns defaultUrlColumns() {
     URLTableColumns columns;
     for (const UrlColumnFacts &facts : kUrlColumns) {
-        ColumnClass column{std::string(facts.key), facts.widthTwips,
-                           static_cast<int>(indexOf(facts.column)), std::string(facts.header),
-                           facts.shown == Shown::No};
+        ListedColumn column{std::string(facts.key), facts.widthTwips,
+                            static_cast<int>(indexOf(facts.column)), std::string(facts.header),
+                            facts.shown == Shown::No};
         columns.add(std::move(column), facts.key);
     }
     return columns;

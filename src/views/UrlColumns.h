@@ -132,16 +132,16 @@ constexpr int pixelsOf(int twips) {
 }
 
 /// A column as lists of columns hold it: the table's, the export job's.
-struct ColumnClass {
-    std::string KeyName;
-    int DefaultColWidth = 0; ///< twips
-    int SQLOrdinalIndex = 0;
-    std::string ColumnHeader;
-    bool HideColumn = false;
+struct ListedColumn {
+    std::string keyName;
+    int defaultColWidth = 0; ///< twips
+    int sqlOrdinalIndex = 0;
+    std::string columnHeader;
+    bool hideColumn = false;
 };
 
-using URLTableColumns = KeyedList<ColumnClass>;
-using SelectedColumns = KeyedList<ColumnClass>;
+using URLTableColumns = KeyedList<ListedColumn>;
+using SelectedColumns = KeyedList<ListedColumn>;
 
 /// The columns of layout "Classic" with their first widths.
 URLTableColumns defaultUrlColumns();

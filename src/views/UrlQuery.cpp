@@ -33,7 +33,7 @@ std::string quotedName(std::string_view name) {
 }
 
 std::string activeQuery(const RowChoice &rows) {
-    return quotedName(rows.ActiveQueryName.empty() ? "_DEFAULT" : rows.ActiveQueryName);
+    return quotedName(rows.activeQueryName.empty() ? "_DEFAULT" : rows.activeQueryName);
 }
 
 bool filtersByHost(const RowChoice &rows) {

@@ -12,7 +12,7 @@ namespace nv {
 
 /// Which rows the table shows.
 struct RowChoice {
-    std::string ActiveQueryName; ///< empty for "_DEFAULT"
+    std::string activeQueryName; ///< empty for "_DEFAULT"
     bool FilterByHostEnabled = false;
     std::string FilterByHostValue; ///< matched literally, anywhere in the host
 };

@@ -29,9 +29,9 @@ void describeLoad(TaskMonitor &task) {
 
 } // namespace
 
-UrlTable::UrlTable(SQLite::Database &project, FailureLog &log, const TimeZone &GMTZone)
-    : m_project(project), m_log(log), m_zone(GMTZone), m_pager(project, log, m_ids),
-      m_cells(log, GMTZone) {
+UrlTable::UrlTable(SQLite::Database &project, FailureLog &log, const TimeZone &gmtZone)
+    : m_project(project), m_log(log), m_zone(gmtZone), m_pager(project, log, m_ids),
+      m_cells(log, gmtZone) {
     std::vector<UrlColumn> shown;
     for (const UrlColumnFacts &facts : kUrlColumns)
         if (facts.shown == Shown::Yes)
@@ -52,7 +52,7 @@ LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
     });
     take(std::move(found));
     m_empty = whyEmpty(result);
-    RecordsetDirty = false;
+    recordsetDirty = false;
     return result;
 }
 
@@ -63,7 +63,7 @@ bool UrlTable::prepareProject(TaskMonitor &task) {
         return true;
     bool goOn = true;
     logFailureOf(m_log, kProcedure, [&] {
-        goOn = mendRootPath(m_project, m_log, RootPath, task).has_value() &&
+        goOn = mendRootPath(m_project, m_log, rootPath, task).has_value() &&
                ensureDateIndex(m_project, task) != IndexState::Cancelled &&
                ensureLinkIndexes(m_project, task) != IndexState::Cancelled;
     });
@@ -86,7 +86,7 @@ std::vector<IdQuery> UrlTable::loadQueries() {
 std::vector<IdQuery> UrlTable::ownOrder() {
     if (undated == Undated::Last) {
         const auto text = StoredQueries(m_project).text(
-            choice.ActiveQueryName.empty() ? kDefaultQueryName : choice.ActiveQueryName);
+            choice.activeQueryName.empty() ? kDefaultQueryName : choice.activeQueryName);
         auto queries = undatedLastQueries(choice, text.value_or(""));
         if (!queries.empty() && canRun(m_project, queries.front()))
             return queries;
@@ -96,7 +96,7 @@ std::vector<IdQuery> UrlTable::ownOrder() {
 
 Walk UrlTable::fill(const std::vector<IdQuery> &queries, TaskMonitor &task, FoundRows &found) {
     for (const IdQuery &query : queries)
-        if (findRows(m_project, query, Filters, task, found) == Walk::Cancelled)
+        if (findRows(m_project, query, filters, task, found) == Walk::Cancelled)
             return Walk::Cancelled;
     return Walk::Finished;
 }
@@ -129,7 +129,7 @@ EmptyState UrlTable::whyEmpty(LoadResult result) {
         if (m_hidden > 0)
             return EmptyState::AllHidden;
         const auto text = StoredQueries(m_project).text(
-            choice.ActiveQueryName.empty() ? kDefaultQueryName : choice.ActiveQueryName);
+            choice.activeQueryName.empty() ? kDefaultQueryName : choice.activeQueryName);
         if (text && lacksTerms(*text))
             return EmptyState::NoTerms;
         SQLite::Statement any(m_project, "SELECT 1 FROM URLs LIMIT 1");

@@ -36,19 +36,19 @@ enum class EmptyState {
 /// only those that are at hand are given then.
 class UrlTable {
   public:
-    UrlTable(SQLite::Database &project, FailureLog &log, const TimeZone &GMTZone);
+    UrlTable(SQLite::Database &project, FailureLog &log, const TimeZone &gmtZone);
 
     // What the next load takes up.
     RowChoice choice;
-    std::string RootPath; ///< the project's base folder; empty mends no rows
-    FiltersClass Filters; ///< as the program's stand at the load
+    std::string rootPath;  ///< the project's base folder; empty mends no rows
+    RecordFilters filters; ///< as the program's stand at the load
     Undated undated = Undated::AsTheQueryHasThem;
     /// The column of the examiner's choice: it holds over the query's order, and a sort sets it. A
     /// query without that column has its own order all the same.
     std::optional<ColumnSort> sort;
 
     /// Other tabs set and read it: true when the rows are no longer those that they show.
-    bool RecordsetDirty = false;
+    bool recordsetDirty = false;
 
     /// Fills the list by the active query and the filters. A failure is logged and leaves the rows
     /// that were found up to then, and so does a cancel.

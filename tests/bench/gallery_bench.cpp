@@ -42,9 +42,9 @@ BENCHMARK(loadTheGallery)->Unit(benchmark::kMillisecond);
 void loadTheGalleryByShape(benchmark::State &state) {
     PictureProject &made = pictures();
     Gallery gallery(made.project.connection(), made.project.log);
-    gallery.PARD.EnablePARD = gallery.PARD.ShowMediumPics = gallery.PARD.ShowLargePics = true;
-    gallery.PARD.FromValue = 15;
-    gallery.PARD.ToValue = 40;
+    gallery.pard.EnablePARD = gallery.pard.showMediumPics = gallery.pard.showLargePics = true;
+    gallery.pard.fromValue = 15;
+    gallery.pard.toValue = 40;
     for (auto _ : state)
         gallery.load(made.task);
     state.counters["rows"] = static_cast<double>(gallery.rowCount());
@@ -58,11 +58,11 @@ void turnAPage(benchmark::State &state) {
     gallery.load(made.task);
     int page = 0;
     for (auto _ : state) {
-        page = (page + 97) % gallery.GalleryADOPageCount();
+        page = (page + 97) % gallery.galleryADOPageCount();
         gallery.showPage(page + 1);
-        for (const TileClass &tile : gallery.gallery().Tiles)
+        for (const Tile &tile : gallery.gallery().tiles)
             benchmark::DoNotOptimize(
-                thumbnailOf(made.project.connection(), made.project.log, UrlId{tile.URL_ID}));
+                thumbnailOf(made.project.connection(), made.project.log, UrlId{tile.urlID}));
     }
 }
 BENCHMARK(turnAPage)->Unit(benchmark::kMillisecond);

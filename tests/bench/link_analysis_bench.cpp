@@ -42,7 +42,7 @@ void runLinkAnalysis(benchmark::State &state) {
     LinkTotals totals;
     for (auto _ : state) {
         linked.project.connection().exec("DROP INDEX IF EXISTS LinkHashIndex");
-        totals = RunLinkAnalysis({linked.project.connection(), linked.store, linked.evidence,
+        totals = runLinkAnalysis({linked.project.connection(), linked.store, linked.evidence,
                                   linked.project.folder.path(), linked.project.log, linked.task});
     }
     state.counters["matches"] = static_cast<double>(totals.matches);
@@ -75,7 +75,7 @@ void loadLinksOfARecord(benchmark::State &state) {
     for (auto _ : state) {
         id = 1 + (id + 104729) % 500000;
         benchmark::DoNotOptimize(
-            LoadLinks(linked.project.connection(), UrlId{id}, RecordIds::wide, linked.project.log));
+            loadLinks(linked.project.connection(), UrlId{id}, RecordIds::wide, linked.project.log));
     }
 }
 BENCHMARK(loadLinksOfARecord)->Unit(benchmark::kMicrosecond);

@@ -115,7 +115,7 @@ void loadWithRowsNotSeenYet(benchmark::State &state) {
     const TimeZone zone{Date::fromDays(40000)};
     big.project.connection().exec("UPDATE URLs SET RootPath = '/evidence/'");
     UrlTable table(big.project.connection(), big.project.log, zone);
-    table.RootPath = "/evidence/";
+    table.rootPath = "/evidence/";
     for (auto _ : state) {
         big.project.connection().exec(
             "DELETE FROM DefaultSettings WHERE DefaultName = 'RootPathSeen'");
@@ -124,13 +124,13 @@ void loadWithRowsNotSeenYet(benchmark::State &state) {
 }
 BENCHMARK(loadWithRowsNotSeenYet)->Unit(benchmark::kMillisecond);
 
-void loadThrough(benchmark::State &state, const FiltersClass &filters) {
+void loadThrough(benchmark::State &state, const RecordFilters &filters) {
     BigProject &big = bigProject();
     const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
-    table.Filters = filters;
-    table.Filters.EnableFilters = true;
-    table.Filters.showHistoryURLs = true;
+    table.filters = filters;
+    table.filters.enableFilters = true;
+    table.filters.showHistoryURLs = true;
     for (auto _ : state)
         table.LoadURLs(big.task);
     state.counters["rows"] = static_cast<double>(table.rowCount());
@@ -138,7 +138,7 @@ void loadThrough(benchmark::State &state, const FiltersClass &filters) {
 
 /// The record filters look at every row, by its extension alone.
 void loadThroughAKindFilter(benchmark::State &state) {
-    FiltersClass filters;
+    RecordFilters filters;
     filters.showGIF = true;
     loadThrough(state, filters);
 }
@@ -146,7 +146,7 @@ BENCHMARK(loadThroughAKindFilter)->Unit(benchmark::kMillisecond);
 
 /// Every flag but the one that makes looking needless, on rows that hardly any of them admits.
 void loadThroughAllFilters(benchmark::State &state) {
-    FiltersClass filters;
+    RecordFilters filters;
     for (const FilterFlag &each : filterFlags())
         filters.*each.flag = true;
     filters.showMissingFileExt = false; // admits all rows of this project

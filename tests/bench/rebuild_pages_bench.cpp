@@ -122,7 +122,7 @@ void rebuildPagesWithThumbnails(benchmark::State &state) {
         cache.project.connection(), cache.store,       cache.evidence,     cache.temp, drawing,
         cache.project.clock,        cache.project.log, ThumbnailSettings{}};
     for (auto _ : state) {
-        const auto all = CreateHTMLThumbnails(cache.rebuildAll(state), kWidth, drawn, cache.task);
+        const auto all = createHTMLThumbnails(cache.rebuildAll(state), kWidth, drawn, cache.task);
         if (std::ranges::count(all, true) != kPages)
             state.SkipWithError("not all were drawn: see NORVELANE_PROGRAMS");
     }

@@ -40,7 +40,7 @@ void selectARow(benchmark::State &state) {
     std::int64_t id = 0;
     for (auto _ : state) {
         id = (id + 7919) % kRows;
-        benchmark::DoNotOptimize(LoadProperties(UrlId{id + 1}, source));
+        benchmark::DoNotOptimize(loadProperties(UrlId{id + 1}, source));
     }
 }
 BENCHMARK(selectARow)->Unit(benchmark::kMicrosecond);

@@ -112,8 +112,8 @@ void FiltersTest::filterBy(const QStringList &boxes) {
 }
 
 void FiltersTest::theDialogHasABoxForEachFlagAndReturnsThem() {
-    FiltersClass filters;
-    filters.EnableFilters = filters.showCookies = filters.showYouTube = true;
+    RecordFilters filters;
+    filters.enableFilters = filters.showCookies = filters.showYouTube = true;
     FilterForm form(filters, m_desk->examiner);
     QVERIFY(form.filters() == filters);
     for (const FilterFlag &each : filterFlags()) {
@@ -159,7 +159,7 @@ void FiltersTest::showAllGivesItsStateToEveryBox() {
     for (const QCheckBox *each : form.findChildren<QCheckBox *>())
         QVERIFY2(each->isChecked(), qPrintable(each->objectName()));
     QTest::mouseClick(&all, Qt::LeftButton, {}, {8, all.height() / 2});
-    QVERIFY2(form.filters() == FiltersClass(), "the switch goes off with the others");
+    QVERIFY2(form.filters() == RecordFilters(), "the switch goes off with the others");
 }
 
 void FiltersTest::theDialogStaysWithoutADataSource() {
@@ -170,12 +170,12 @@ void FiltersTest::theDialogStaysWithoutADataSource() {
         press(form, QDialogButtonBox::Ok);
         QVERIFY(form.isVisible());
         QCOMPARE(m_desk->examiner.heard.back(), std::string("missing-record-type"));
-        QVERIFY(!state().Filters.EnableFilters);
+        QVERIFY(!state().Filters.enableFilters);
         child<QCheckBox>(form, "chkEnableFilters").setChecked(false);
         press(form, QDialogButtonBox::Ok);
     });
     trigger(*m_form, "actFilters");
-    QVERIFY(state().Filters.showGIF && !state().Filters.EnableFilters);
+    QVERIFY(state().Filters.showGIF && !state().Filters.enableFilters);
     const Message message = missingRecordType();
     QCOMPARE(message.title, std::string("Missing Record Type"));
     QCOMPARE(message.text, std::string("At least one DATA SOURCE option must be selected."));
@@ -228,7 +228,7 @@ void FiltersTest::filtersThatHideEverythingSayHowToChangeThem() {
 
 void FiltersTest::filtersSurviveOpeningAnotherProject() {
     filterBy({QStringLiteral("chkShowCookies")});
-    const FiltersClass chosen = state().Filters;
+    const RecordFilters chosen = state().Filters;
     m_desk->dialogs.answer = m_desk->folder.path() / "other.nvp";
     trigger(*m_form, "actNew");
     QVERIFY(state().Filters == chosen);

@@ -322,7 +322,7 @@ void LayoutsTest::aSortOutlivesRefreshFiltersQueriesAndReopening() {
     };
     trigger(*m_form, "actRefresh");
     QVERIFY(hosts() == sorted && isSorted());
-    m_desk->program.thisClass.Filters.EnableFilters = true;
+    m_desk->program.thisClass.Filters.enableFilters = true;
     trigger(*m_form, "actRefresh");
     QVERIFY(hosts() == sorted && isSorted());
     project().exec("UPDATE URLs SET Tagged = 1 WHERE URL_ID < 5");

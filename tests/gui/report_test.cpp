@@ -168,14 +168,14 @@ void ReportTest::aReportIsFoundAgainWithItsProject() {
     make(2);
     QTRY_VERIFY(location().endsWith(QStringLiteral("index-history.htm")));
     open("other.nvp", "actNew"); // another case: its examiner must not take the report for hers
-    QVERIFY(m_desk->program.thisClass.Viewer.ReportURL.empty());
+    QVERIFY(m_desk->program.thisClass.Viewer.reportURL.empty());
     open("case.nvp", "actOpen");
-    QVERIFY(m_desk->program.thisClass.Viewer.ReportURL.ends_with("index-history.htm"));
+    QVERIFY(m_desk->program.thisClass.Viewer.reportURL.ends_with("index-history.htm"));
     QTRY_VERIFY(location().endsWith(QStringLiteral("index-history.htm")));
     open("other.nvp", "actOpen");
     fs::remove(report() / "index-history.htm");
     open("case.nvp", "actOpen");
-    QVERIFY(m_desk->program.thisClass.Viewer.ReportURL.empty());
+    QVERIFY(m_desk->program.thisClass.Viewer.reportURL.empty());
 }
 
 void ReportTest::aReportThatCannotBeLoadedIsToldOf() {

@@ -129,7 +129,7 @@ void ViewersTest::textIsShownInItsCharsetAndFound() {
     auto &text = pane<QPlainTextEdit>("txtContent");
     QTRY_VERIFY(text.toPlainText().contains(QStringLiteral("café one\tcafé two <U+202E>")));
     QCOMPARE(shownIn("TextPane", "labCharset"), QStringLiteral("utf-8 (meta tag)"));
-    QVERIFY(!m_desk->program.thisClass.Viewer.TextContent.empty());
+    QVERIFY(!m_desk->program.thisClass.Viewer.textContent.empty());
     text.setFocus();
     QTest::keyClick(&text, Qt::Key_F, Qt::ControlModifier);
     QVERIFY(pane<QLineEdit>("txtFindInText").hasFocus());
@@ -169,7 +169,7 @@ void ViewersTest::aPictureIsFittedAndZoomed() {
     QTRY_VERIFY(shownIn("PicturePane", "labPictureSize").startsWith(QStringLiteral("3000 × 1000")));
     QVERIFY(picture.zoom() < 1);
     QVERIFY(pane<QLabel>("labPicture").width() <= picture.width());
-    QVERIFY(!m_desk->program.thisClass.Viewer.PicturePath.empty());
+    QVERIFY(!m_desk->program.thisClass.Viewer.picturePath.empty());
     pane<QCheckBox>("chkNoResizePicture").click();
     QCOMPARE(picture.zoom(), 1.0);
     QCOMPARE(pane<QLabel>("labPicture").size(), QSize(3000, 1000));
@@ -332,7 +332,7 @@ void ViewersTest::aMissingFileLeavesThePanesBlankWithTheReason() {
     QTRY_VERIFY(shownIn("HexPane", "labViewerNotice").contains(QStringLiteral("gone[1].htm")));
     QVERIFY(!pane<HexGrid>("HexGrid").source());
     QVERIFY(pane<QPushButton>("btnHexSource").isEnabled());
-    QVERIFY(m_desk->program.thisClass.Viewer.HexFilePath.empty());
+    QVERIFY(m_desk->program.thisClass.Viewer.hexFilePath.empty());
 }
 
 void ViewersTest::theLastReportIsShown() {
@@ -341,7 +341,7 @@ void ViewersTest::theLastReportIsShown() {
     auto &reason = child<QLabel>(browser, "labBrowserReason");
     QTRY_VERIFY(reason.text().startsWith(QStringLiteral("No report has been made")));
     const fs::path report = m_desk->folder.write("report/index-cache.htm", "<html>Findings</html>");
-    m_desk->program.thisClass.Viewer.ReportURL = report.string();
+    m_desk->program.thisClass.Viewer.reportURL = report.string();
     show(2, "ReportPane");
     QTRY_VERIFY(child<QLineEdit>(browser, "txtLocation")
                     .text()
@@ -353,7 +353,7 @@ void ViewersTest::theLastReportIsShown() {
 void ViewersTest::theReportsLiveLinksAreBlocked() {
     const fs::path report = m_desk->folder.write(
         "report/index-cache.htm", "<html><img src='http://127.0.0.1:9/a.gif'></html>");
-    m_desk->program.thisClass.Viewer.ReportURL = report.string();
+    m_desk->program.thisClass.Viewer.reportURL = report.string();
     show(1, "ReportPane");
     auto &browser = pane<BrowserPane>("ReportBrowser");
     QTRY_COMPARE(browser.refused(), 1U);

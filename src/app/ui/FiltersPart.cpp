@@ -19,7 +19,7 @@ FiltersPart::FiltersPart(Workbench &bench)
 }
 
 void FiltersPart::chooseFilters() {
-    FiltersClass &filters = m_bench.program.thisClass.Filters;
+    RecordFilters &filters = m_bench.program.thisClass.Filters;
     FilterForm form(filters, m_bench.examiner(), &m_bench.window);
     if (form.exec() != QDialog::Accepted)
         return;
@@ -29,7 +29,7 @@ void FiltersPart::chooseFilters() {
 
 void FiltersPart::showSign() {
     const UrlTable *table = m_bench.table->table();
-    m_sign->setVisible(table && table->Filters.EnableFilters);
+    m_sign->setVisible(table && table->filters.enableFilters);
     if (!table)
         return;
     const std::size_t hidden = table->hiddenCount();

@@ -44,7 +44,7 @@ GalleryPart::GalleryPart(Workbench &bench)
     connect(&bench, &Workbench::galleryOutdated, m_gallery, &GalleryTab::setOutdated);
     connect(&bench, &Workbench::optionsChanged, this, &GalleryPart::takeOptions);
     connect(m_gallery, &GalleryTab::choiceChanged, this,
-            [this](const PARDClass &PARD, const GalleryMedia &media) {
+            [this](const PardChoice &PARD, const GalleryMedia &media) {
                 ThisClass &state = m_bench.program.thisClass;
                 state.PARD = PARD;
                 state.GalleryIncludePictures = media.GalleryIncludePictures;

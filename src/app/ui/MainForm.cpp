@@ -384,8 +384,8 @@ void MainForm::clear() {
 void MainForm::LoadURLs() {
     if (!m_table->table())
         return;
-    m_table->table()->RootPath = textOf(m_program.thisClass.RootPath);
-    m_table->table()->Filters = m_program.thisClass.Filters;
+    m_table->table()->rootPath = textOf(m_program.thisClass.RootPath);
+    m_table->table()->filters = m_program.thisClass.Filters;
     m_table->table()->dates() = dateSettings(m_program);
     m_table->LoadURLs();
 }

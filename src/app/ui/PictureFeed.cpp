@@ -106,7 +106,7 @@ void PictureFeed::clear() {
 }
 
 void PictureFeed::showDrawn(const Picture &picture) {
-    state().Viewer.PicturePath = textOf(picture.file);
+    state().Viewer.picturePath = textOf(picture.file);
     if (picture.image.isNull())
         m_pane.showReason(tr("The cached content can't be shown as a picture. %1")
                               .arg(toQt(displayText(picture.failure))));

@@ -35,7 +35,7 @@ QueryPart::QueryPart(Workbench &bench)
     connect(m_tab, &QueryTab::gridChanged, this, &QueryPart::takeGrid);
     connect(m_tab, &QueryTab::queryChosen, this, [this](const QString &name) {
         m_bench.run("MainForm.LoadStoredQuery()",
-                    [&] { m_commands->LoadStoredQuery(fromQt(name)); });
+                    [&] { m_commands->loadStoredQuery(fromQt(name)); });
     });
     connect(bench.table, &TableTab::statusChanged, this, &QueryPart::followTable);
     connect(bench.table, &TableTab::sortedBy, this, [this](SortChoice choice) {
@@ -84,7 +84,7 @@ void QueryPart::connectActions() {
     on(m_actions.save, "MainForm.btnSaveQuery_Click()", [this] { m_commands->btnSaveQuery(); });
     on(m_actions.remove, "MainForm.DeleteStoredQuery()", [this] {
         if (const QString name = m_tab->chosenQuery(); !name.isEmpty())
-            m_commands->DeleteStoredQuery(fromQt(name));
+            m_commands->deleteStoredQuery(fromQt(name));
     });
     on(m_actions.builder, "SQLQueryForm.Show()", [this] { showBuilder(); });
     connect(m_actions.show, &QAction::triggered, this, [this] {
@@ -117,20 +117,20 @@ void QueryPart::close() {
 /// The table has loaded another query: by its own selector or the Quick Query menu.
 void QueryPart::followTable() {
     const QString shown = m_bench.table->queryName();
-    if (m_commands && shown != tableName(m_bench.program.thisClass.ActiveQueryName))
+    if (m_commands && shown != tableName(m_bench.program.thisClass.activeQueryName))
         m_commands->takeActiveQuery(fromQt(shown));
 }
 
 void QueryPart::takeGrid() {
     if (m_commands)
-        m_commands->FormatQuerySQL(m_tab->rows(), m_tab->sorts());
+        m_commands->formatQuerySQL(m_tab->rows(), m_tab->sorts());
 }
 
 void QueryPart::showBuilder() {
     SQLQueryForm form(m_bench.project(), m_bench.program.log, m_bench.examiner(), &m_bench.window);
     if (form.exec() != QDialog::Accepted)
         return;
-    m_bench.program.thisClass.CustomQueryDef = form.CustomQueryDef();
+    m_bench.program.thisClass.customQueryDef = form.customQueryDef();
     m_commands->takeCustomQuery();
     m_bench.dataTabs->setCurrentWidget(m_tab);
     if (const std::string name = form.favoriteName(); !name.empty())
@@ -172,7 +172,7 @@ void QueryPart::statementChanged() {
 }
 
 void QueryPart::LoadURLs() {
-    m_bench.table->showQuery(tableName(m_bench.program.thisClass.ActiveQueryName));
+    m_bench.table->showQuery(tableName(m_bench.program.thisClass.activeQueryName));
     m_bench.reload();
 }
 

@@ -107,7 +107,7 @@ void RebuiltPanes::showAudit(AuditPane &pane, UrlId id) {
                                   "DisableAutoRebuildInHTMLGallery says: the table does."));
     std::optional<std::vector<AuditRow>> rows;
     if (bringBack(*page))
-        rows = LoadAudit(*page, rebuildFolderOf(page->URLID, ctx), ctx);
+        rows = loadAudit(*page, rebuildFolderOf(page->URLID, ctx), ctx);
     if (!rows || rows->empty())
         pane.showReason(auditFailure(*page, ctx.settings));
     else
@@ -130,7 +130,7 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
             m_bench.showNotice(notBroughtBack(*record, tools.context().settings));
     }
     const ShownPage shown = pageToShow(tools, *record);
-    program.thisClass.Viewer.BrowserURL = textOf(shown.file);
+    program.thisClass.Viewer.browserURL = textOf(shown.file);
     if (shown.file.empty())
         pane.showReason(toQt(shown.reason));
     else

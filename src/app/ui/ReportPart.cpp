@@ -96,7 +96,7 @@ fs::path ReportPart::lastReport() const {
 /// The pane shows the report again of a project that is opened again: it lies in the folder for
 /// scratch until the program ends, or until another one takes its name.
 void ReportPart::findReport() {
-    m_bench.program.thisClass.Viewer.ReportURL = lastReport().string();
+    m_bench.program.thisClass.Viewer.reportURL = lastReport().string();
     m_bench.viewers->findChild<ReportPane *>()->refresh();
 }
 
@@ -141,7 +141,7 @@ void ReportPart::showReport(const fs::path &page) {
     const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
         std::erase_if(m_made, [&page](const Made &each) { return each.page == page; });
         m_made.push_back({m_bench.program.thisClass.ProjectDBPath, page});
-        m_bench.program.thisClass.Viewer.ReportURL = page.string();
+        m_bench.program.thisClass.Viewer.reportURL = page.string();
         auto *pane = m_bench.viewers->findChild<ReportPane *>();
         pane->refresh();
         m_bench.viewers->setCurrentWidget(pane);
@@ -153,7 +153,7 @@ void ReportPart::showReport(const fs::path &page) {
 
 /// The one that is shown is about to be written over, under the same name.
 void ReportPart::withdrawReport() {
-    m_bench.program.thisClass.Viewer.ReportURL.clear();
+    m_bench.program.thisClass.Viewer.reportURL.clear();
     m_bench.viewers->findChild<ReportPane *>()->refresh();
 }
 

@@ -27,7 +27,7 @@ std::vector<Property> propertiesOf(Workbench &bench, UrlId id) {
         const auto content = contentOfRecord(tools, id);
         return content ? content->file : std::nullopt;
     };
-    return LoadProperties(id, {bench.project(), program.thisClass.GMTZone, dateSettings(program),
+    return loadProperties(id, {bench.project(), program.thisClass.GMTZone, dateSettings(program),
                                program.log, picture});
 }
 
@@ -78,7 +78,7 @@ ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
     connect(m_picture, &PicturePane::noResizeChanged, this,
             [this](bool noResize) { state().NoResizePicture = noResize; });
     connect(m_hex, &HexPane::sourceToggled, bench.viewers, &ViewerTabs::refresh);
-    connect(bench.table, &TableTab::currentUrlChanged, this, [this] { state().Viewer.ClearAll(); });
+    connect(bench.table, &TableTab::currentUrlChanged, this, [this] { state().Viewer.clearAll(); });
 }
 
 void ViewersPart::addPicture() {
@@ -111,13 +111,13 @@ void ViewersPart::addNotes() {
 }
 
 void ViewersPart::addReport() {
-    m_report = new ReportPane([this] { return state().Viewer.ReportURL; });
+    m_report = new ReportPane([this] { return state().Viewer.reportURL; });
     m_bench.viewers->addPane(*m_report, *m_report, tr("Report"), "MainForm.showReport()");
     connect(&m_report->browser(), &BrowserPane::navigationBlocked, &m_bench,
             &Workbench::showNotice);
     // The report is one of the project that is left.
     connect(&m_bench, &Workbench::projectClosing, m_report, [this] {
-        state().Viewer.ReportURL.clear();
+        state().Viewer.reportURL.clear();
         m_report->refresh();
     });
 }
@@ -143,7 +143,7 @@ void ViewersPart::showText(UrlId id) {
         return;
     const CachedText text =
         readCachedText(*content->file, content->record.MetaData, TextPane::kMostBytes);
-    state().Viewer.TextContent = text.text;
+    state().Viewer.textContent = text.text;
     m_text->showText(text);
 }
 
@@ -154,7 +154,7 @@ void ViewersPart::showHex(UrlId id) {
         contentFor(id, [this](const QString &reason) { m_hex->showMissing(reason); });
     if (!content)
         return;
-    state().Viewer.HexFilePath = textOf(*content->file);
+    state().Viewer.hexFilePath = textOf(*content->file);
     m_hex->showFile(*content->file, 0);
 }
 
@@ -168,7 +168,7 @@ void ViewersPart::showSource(UrlId id) {
     const auto source = sourceOfRecord(*record);
     if (!source)
         return m_hex->showMissing(sentence(missingSource(*record)));
-    state().Viewer.HexFilePath = textOf(source->file);
+    state().Viewer.hexFilePath = textOf(source->file);
     m_hex->showFile(source->file, source->offset);
 }
 

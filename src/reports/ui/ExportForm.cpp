@@ -68,11 +68,11 @@ QWidget *ExportForm::newColumns() {
     m_columns->setObjectName(QStringLiteral("List1"));
     m_columns->setAccessibleName(tr("Columns"));
     m_columns->setAlternatingRowColors(true);
-    for (const ColumnClass &column : columnsFromString(m_job.ColumnsAsString)) {
-        const QString header = toQt(column.ColumnHeader);
+    for (const ListedColumn &column : columnsFromString(m_job.ColumnsAsString)) {
+        const QString header = toQt(column.columnHeader);
         auto *item = new QListWidgetItem(header.isEmpty() ? tr("Tag") : header, m_columns);
-        item->setData(Qt::UserRole, toQt(column.KeyName));
-        item->setToolTip(toQt(column.KeyName));
+        item->setData(Qt::UserRole, toQt(column.keyName));
+        item->setToolTip(toQt(column.keyName));
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         item->setCheckState(Qt::Checked);
     }

@@ -30,7 +30,7 @@ QString ruleOf(const FilterFlag &flag) {
         if (words.count > 0)
             parts += what.arg(listed(words));
     };
-    if (flag.flag == &FiltersClass::showMissingFileExt)
+    if (flag.flag == &RecordFilters::showMissingFileExt)
         return FilterForm::tr("The URL's file name has no extension");
     add(FilterForm::tr("Extension: %1"), flag.extensions);
     add(FilterForm::tr("Category: %1"), flag.categories);
@@ -41,13 +41,13 @@ QString ruleOf(const FilterFlag &flag) {
 
 } // namespace
 
-FilterForm::FilterForm(const FiltersClass &filters, Examiner &examiner, QWidget *parent)
+FilterForm::FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget *parent)
     : QDialog(parent), m_examiner(examiner), m_start(filters) {
     setObjectName(QStringLiteral("FilterForm"));
     setWindowTitle(tr("Filters"));
     auto *column = new QVBoxLayout(this);
     QCheckBox *enable = newBox(QStringLiteral("chkEnableFilters"), tr("&Enable filters"),
-                               &FiltersClass::EnableFilters);
+                               &RecordFilters::enableFilters);
     enable->setToolTip(tr("Hide the records that nothing ticked below shows"));
     column->addWidget(enable);
 
@@ -57,7 +57,7 @@ FilterForm::FilterForm(const FiltersClass &filters, Examiner &examiner, QWidget 
     groups->addWidget(newGroup(tr("Data sources"), FilterGroup::Source, 4));
     groups->addWidget(newGroup(tr("Kinds of file"), FilterGroup::Kind, 4));
     groups->addWidget(newGroup(tr("Sites"), FilterGroup::Site, 4));
-    m_all = newBox(QStringLiteral("chkShowAll"), tr("Show &all"), &FiltersClass::showAll);
+    m_all = newBox(QStringLiteral("chkShowAll"), tr("Show &all"), &RecordFilters::showAll);
     m_all->setToolTip(tr("Shows every kind of the ticked data sources. Ticks or clears all boxes "
                          "of this window, \"Enable filters\" too"));
     groups->addWidget(m_all);
@@ -78,7 +78,7 @@ FilterForm::FilterForm(const FiltersClass &filters, Examiner &examiner, QWidget 
     enableBoxes();
 }
 
-QCheckBox *FilterForm::newBox(const QString &name, const QString &text, bool FiltersClass::*flag) {
+QCheckBox *FilterForm::newBox(const QString &name, const QString &text, bool RecordFilters::*flag) {
     auto *box = new QCheckBox(text);
     box->setObjectName(name);
     box->setChecked(m_start.*flag);
@@ -115,16 +115,16 @@ void FilterForm::tickAll(bool ticked) {
         each.box->setChecked(ticked);
 }
 
-FiltersClass FilterForm::filters() const {
-    FiltersClass filters;
+RecordFilters FilterForm::filters() const {
+    RecordFilters filters;
     for (const FlagBox &each : m_boxes)
         filters.*each.flag = each.box->isChecked();
     return filters;
 }
 
 void FilterForm::accept() {
-    const FiltersClass chosen = filters();
-    if (chosen.EnableFilters && !hasSource(chosen))
+    const RecordFilters chosen = filters();
+    if (chosen.enableFilters && !hasSource(chosen))
         m_examiner.tell(missingRecordType());
     else
         QDialog::accept();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Examiner.h"
-#include "views/FiltersClass.h"
+#include "views/RecordFilters.h"
 
 #include <QDialog>
 
@@ -17,25 +17,25 @@ class FilterForm final : public QDialog {
     Q_OBJECT
 
   public:
-    FilterForm(const FiltersClass &filters, Examiner &examiner, QWidget *parent = nullptr);
+    FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget *parent = nullptr);
 
-    FiltersClass filters() const;
+    RecordFilters filters() const;
     /// Stays open, saying why, when no data source is ticked while the filters are enabled.
     void accept() override;
 
   private:
     struct FlagBox {
         QCheckBox *box;
-        bool FiltersClass::*flag;
+        bool RecordFilters::*flag;
     };
-    QCheckBox *newBox(const QString &name, const QString &text, bool FiltersClass::*flag);
+    QCheckBox *newBox(const QString &name, const QString &text, bool RecordFilters::*flag);
     QWidget *newGroup(const QString &title, FilterGroup group, int columns);
     void enableBoxes();
     void tickAll(bool ticked);
 
     Examiner &m_examiner;
-    FiltersClass m_start;
-    std::vector<FlagBox> m_boxes; ///< all, that of `EnableFilters` first
+    RecordFilters m_start;
+    std::vector<FlagBox> m_boxes; ///< all, that of `enableFilters` first
     QWidget *m_groups = nullptr;
     QCheckBox *m_all = nullptr;
 };

@@ -17,13 +17,13 @@ namespace {
 /// A stored thumbnail is some KB; what claims to be larger than this isn't one.
 constexpr int kMegabytes = 16;
 
-QString toolTipOf(const TileClass &tile) {
-    QString text = shownSigns(toQt(displayText(tile.ToolTip)));
-    if (tile.IsPicture)
+QString toolTipOf(const Tile &tile) {
+    QString text = shownSigns(toQt(displayText(tile.toolTip)));
+    if (tile.isPicture)
         text += GalleryModel::tr("\n%1 by %2 pixels, P.A.R.D. %3")
-                    .arg(tile.PictureWidth)
-                    .arg(tile.PictureHeight)
-                    .arg(tile.PARDValue);
+                    .arg(tile.pictureWidth)
+                    .arg(tile.pictureHeight)
+                    .arg(tile.pardValue);
     // Tooltips guess whether they are rich text: evidence is escaped, so that it never is.
     return Qt::convertFromPlainText(text);
 }
@@ -43,33 +43,33 @@ void GalleryModel::reset() {
     endResetModel();
 }
 
-TileClass &GalleryModel::tile(const QModelIndex &index) const {
-    return m_gallery->gallery().Tiles.item(static_cast<std::size_t>(index.row()) + 1);
+Tile &GalleryModel::tile(const QModelIndex &index) const {
+    return m_gallery->gallery().tiles.item(static_cast<std::size_t>(index.row()) + 1);
 }
 
 qint64 GalleryModel::idAt(const QModelIndex &index) const {
-    return tile(index).URL_ID;
+    return tile(index).urlID;
 }
 
 int GalleryModel::rowCount(const QModelIndex &parent) const {
     if (parent.isValid() || !m_gallery)
         return 0;
-    return static_cast<int>(m_gallery->gallery().Tiles.count());
+    return static_cast<int>(m_gallery->gallery().tiles.count());
 }
 
 QVariant GalleryModel::data(const QModelIndex &index, int role) const {
     if (!index.isValid() || index.row() >= rowCount())
         return {};
-    const TileClass &shown = tile(index);
+    const Tile &shown = tile(index);
     switch (role) {
     case Qt::DisplayRole:
         return toQt(captionOf(shown));
     case Qt::ToolTipRole:
         return toolTipOf(shown);
     case Qt::DecorationRole:
-        return thumbnail(shown.URL_ID);
+        return thumbnail(shown.urlID);
     case Qt::CheckStateRole:
-        return shown.Tagged ? Qt::Checked : Qt::Unchecked;
+        return shown.tagged ? Qt::Checked : Qt::Unchecked;
     default:
         return {};
     }
@@ -78,13 +78,13 @@ QVariant GalleryModel::data(const QModelIndex &index, int role) const {
 bool GalleryModel::setData(const QModelIndex &index, const QVariant &value, int role) {
     if (role != Qt::CheckStateRole || !index.isValid() || !m_project || isReadOnly(*m_project))
         return false;
-    TileClass &changed = tile(index);
+    Tile &changed = tile(index);
     const bool wanted = value.toInt() == Qt::Checked;
-    if (!setTagged(*m_project, *m_log, UrlId{changed.URL_ID}, wanted))
+    if (!setTagged(*m_project, *m_log, UrlId{changed.urlID}, wanted))
         return false;
-    changed.Tagged = wanted;
+    changed.tagged = wanted;
     emit dataChanged(index, index, {role});
-    emit tagged(changed.URL_ID, wanted);
+    emit tagged(changed.urlID, wanted);
     return true;
 }
 

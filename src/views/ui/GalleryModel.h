@@ -30,10 +30,10 @@ class GalleryModel final : public QAbstractListModel {
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
   signals:
-    void tagged(qint64 URL_ID, bool on);
+    void tagged(qint64 urlID, bool on);
 
   private:
-    TileClass &tile(const QModelIndex &index) const;
+    Tile &tile(const QModelIndex &index) const;
     QPixmap thumbnail(std::int32_t id) const;
 
     Gallery *m_gallery = nullptr;

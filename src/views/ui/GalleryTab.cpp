@@ -23,9 +23,9 @@ constexpr int kBestFrom = 15;
 constexpr int kBestTo = 40;
 
 /// In the order of their boxes.
-constexpr std::array<bool PARDClass::*, 5> kSizeFlags = {
-    &PARDClass::ShowXSmallPics, &PARDClass::ShowSmallPics, &PARDClass::ShowMediumPics,
-    &PARDClass::ShowLargePics, &PARDClass::ShowXLargePics};
+constexpr std::array<bool PardChoice::*, 5> kSizeFlags = {
+    &PardChoice::showXSmallPics, &PardChoice::showSmallPics, &PardChoice::showMediumPics,
+    &PardChoice::showLargePics, &PardChoice::showXLargePics};
 
 using Turn = bool (Gallery::*)();
 
@@ -182,7 +182,7 @@ void GalleryTab::openProject(SQLite::Database &project, FailureLog &log,
                              const GallerySettings &settings, int thumbnailWidth) {
     m_gallery = std::make_unique<Gallery>(project, log);
     m_gallery->settings = settings;
-    m_gallery->GalleryDirty = true;
+    m_gallery->galleryDirty = true;
     takeHost();
     showThumbnailSize(thumbnailWidth);
     m_model.setGallery(m_gallery.get(), &project, &log);
@@ -203,23 +203,23 @@ void GalleryTab::closeProject() {
 }
 
 void GalleryTab::setQuery(const std::string &name) {
-    if (!m_gallery || m_gallery->choice.ActiveQueryName == name)
+    if (!m_gallery || m_gallery->choice.activeQueryName == name)
         return;
-    m_gallery->choice.ActiveQueryName = name;
+    m_gallery->choice.activeQueryName = name;
     setDirty();
 }
 
 void GalleryTab::setDirty() {
     if (!m_gallery)
         return;
-    m_gallery->GalleryDirty = true;
+    m_gallery->galleryDirty = true;
     if (isVisible())
         load();
 }
 
 void GalleryTab::setOutdated() {
     if (m_gallery)
-        m_gallery->GalleryDirty = true;
+        m_gallery->galleryDirty = true;
 }
 
 void GalleryTab::showDrawn(qint64 drawn, qint64 drawable, bool isDrawing) {
@@ -241,19 +241,19 @@ void GalleryTab::showThumbnailSize(int width) {
     m_tile.setThumbnailSize(size);
 }
 
-void GalleryTab::setChoice(const GallerySettings &settings, const PARDClass &PARD,
+void GalleryTab::setChoice(const GallerySettings &settings, const PardChoice &pard,
                            int thumbnailWidth) {
     std::vector<QObject *> controls = {m_pard, m_from, m_to, m_pictures, m_pages};
     controls.insert(controls.end(), m_sizes.begin(), m_sizes.end());
     for (QObject *control : controls)
         control->blockSignals(true);
-    m_pard->setChecked(PARD.EnablePARD);
-    m_from->setValue(PARD.FromValue);
-    m_to->setValue(PARD.ToValue);
+    m_pard->setChecked(pard.EnablePARD);
+    m_from->setValue(pard.fromValue);
+    m_to->setValue(pard.toValue);
     m_pictures->setChecked(settings.media.GalleryIncludePictures);
     m_pages->setChecked(settings.media.GalleryIncludeHTML);
     for (std::size_t i = 0; i < m_sizes.size(); ++i)
-        m_sizes[i]->setChecked(PARD.*kSizeFlags[i]);
+        m_sizes[i]->setChecked(pard.*kSizeFlags[i]);
     for (QObject *control : controls)
         control->blockSignals(false);
     enableShapes();
@@ -261,13 +261,13 @@ void GalleryTab::setChoice(const GallerySettings &settings, const PARDClass &PAR
     if (!m_gallery)
         return;
     m_gallery->settings = settings;
-    m_gallery->PARD = PARD;
+    m_gallery->pard = pard;
     setDirty();
 }
 
 void GalleryTab::showEvent(QShowEvent *event) {
     QWidget::showEvent(event);
-    if (m_gallery && m_gallery->GalleryDirty)
+    if (m_gallery && m_gallery->galleryDirty)
         load();
     emit lookedAt();
 }
@@ -284,10 +284,10 @@ void GalleryTab::takeChoice() {
     enableShapes();
     if (!m_gallery)
         return;
-    PARDClass &choice = m_gallery->PARD;
+    PardChoice &choice = m_gallery->pard;
     choice.EnablePARD = m_pard->isChecked();
-    choice.FromValue = static_cast<std::int16_t>(m_from->value());
-    choice.ToValue = static_cast<std::int16_t>(m_to->value());
+    choice.fromValue = static_cast<std::int16_t>(m_from->value());
+    choice.toValue = static_cast<std::int16_t>(m_to->value());
     for (std::size_t i = 0; i < m_sizes.size(); ++i)
         choice.*kSizeFlags[i] = m_sizes[i]->isChecked();
     m_gallery->settings.media = {m_pictures->isChecked(), m_pages->isChecked()};
@@ -312,7 +312,7 @@ void GalleryTab::setHost(const QString &host) {
     const QSignalBlocker quiet(m_host);
     m_host->setText(host);
     if (m_gallery && takeHost())
-        m_gallery->GalleryDirty = true;
+        m_gallery->galleryDirty = true;
 }
 
 void GalleryTab::load() {
@@ -326,7 +326,7 @@ void GalleryTab::load() {
 void GalleryTab::refresh() {
     if (!m_gallery)
         return;
-    if (!m_gallery->GalleryDirty)
+    if (!m_gallery->galleryDirty)
         m_examiner.tell(galleryNotChanged());
     else
         load();
@@ -342,8 +342,8 @@ void GalleryTab::showPage(bool (Gallery::*turn)()) {
 }
 
 void GalleryTab::showState() {
-    const int count = m_gallery ? m_gallery->GalleryADOPageCount() : 0;
-    const int page = m_gallery ? m_gallery->GalleryADOPage() : 0;
+    const int count = m_gallery ? m_gallery->galleryADOPageCount() : 0;
+    const int page = m_gallery ? m_gallery->galleryADOPage() : 0;
     m_page->setText(count > 0 ? tr("Page %1").arg(toQt(m_gallery->pageText())) : tr("No pages"));
     const UnreadRows unread = m_gallery ? m_gallery->unread() : UnreadRows();
     if (!unread.empty())

@@ -42,12 +42,12 @@ class GalleryTab final : public QWidget {
     /// How many of the pictures and pages have a thumbnail, and whether the others are being drawn.
     void showDrawn(qint64 drawn, qint64 drawable, bool isDrawing);
     /// Takes up other settings and the choice of shapes, and shows what they lead to.
-    void setChoice(const GallerySettings &settings, const PARDClass &PARD, int thumbnailWidth);
+    void setChoice(const GallerySettings &settings, const PardChoice &pard, int thumbnailWidth);
 
   signals:
     /// The examiner opened a tile, or went to it.
-    void urlChosen(qint64 URL_ID);
-    void tagChanged(qint64 URL_ID, bool tagged);
+    void urlChosen(qint64 urlID);
+    void tagChanged(qint64 urlID, bool tagged);
     /// The examiner has changed the box.
     void hostEntered(const QString &host);
     /// Missing thumbnails are to be drawn, or no more of them.
@@ -55,7 +55,7 @@ class GalleryTab final : public QWidget {
     /// The tab is looked at, after it was out of sight.
     void lookedAt();
     /// The examiner has ticked other shapes or kinds.
-    void choiceChanged(const nv::PARDClass &PARD, const nv::GalleryMedia &media);
+    void choiceChanged(const nv::PardChoice &pard, const nv::GalleryMedia &media);
 
   protected:
     void showEvent(QShowEvent *event) override;

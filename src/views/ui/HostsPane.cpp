@@ -50,7 +50,7 @@ QVariant HostModel::data(const QModelIndex &index, int role) const {
         return {};
     if (role == Qt::TextAlignmentRole && index.column() != kHost)
         return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
-    const bool isNone = host->Host.empty() && index.column() == kHost;
+    const bool isNone = host->host.empty() && index.column() == kHost;
     if (role == Qt::ToolTipRole && isNone)
         return tr("Records without a host. No filter finds just these: it shows all records");
     const bool isText =
@@ -60,7 +60,7 @@ QVariant HostModel::data(const QModelIndex &index, int role) const {
     if (isNone)
         return tr("(no host)");
     if (index.column() == kHost) // the tooltip holds it where the column is too narrow
-        return toQt(displayText(host->Host));
+        return toQt(displayText(host->host));
     return QLocale().toString(index.column() == kVisits ? host->visits : host->records);
 }
 
@@ -129,7 +129,7 @@ HostsPane::HostsPane(QWidget *parent) : QWidget(parent) {
             [this](const QModelIndex &row) {
                 const HostRow *host = m_filling ? nullptr : m_model.at(row);
                 if (host)
-                    emit hostChosen(std::string(trim(host->Host)));
+                    emit hostChosen(std::string(trim(host->host)));
             });
 }
 

@@ -76,13 +76,13 @@ std::string LinksModel::textOf(const LinkRow &row, int column) {
     case Kind:
         return row.kind;
     case VisitCount:
-        return std::to_string(row.VisitCount);
+        return std::to_string(row.visitCount);
     case Visits:
-        return row.Visits ? std::to_string(*row.Visits) : std::string();
+        return row.visits ? std::to_string(*row.visits) : std::string();
     case Url:
-        return row.URL;
+        return row.url;
     default:
-        return row.HashedURL;
+        return row.hashedURL;
     }
 }
 

@@ -32,7 +32,7 @@ NotesPane::NotesPane(Storage storage, QWidget *parent)
 }
 
 void NotesPane::showRecord(UrlId id) {
-    NotesText_Validate();
+    notesTextValidate();
     // What is typed now goes on; showing the same record anew would take its undo away.
     if (m_id == id && m_text->hasFocus())
         return;
@@ -47,16 +47,16 @@ void NotesPane::showRecord(UrlId id) {
 void NotesPane::showNote(const Note &note) {
     const auto unstored = m_unstored.find(*m_id);
     const bool isStored = unstored == m_unstored.end();
-    m_text->setPlainText(isStored ? toQt(note.Notes) : unstored->second);
+    m_text->setPlainText(isStored ? toQt(note.notes) : unstored->second);
     m_text->document()->setModified(!isStored); // it is tried again
     if (isStored)
-        showDate(note.NotesDateTime);
+        showDate(note.notesDateTime);
     else
         m_date->setText(notStored());
 }
 
 void NotesPane::clear() {
-    NotesText_Validate();
+    notesTextValidate();
     m_id.reset();
     m_text->clear();
     m_text->document()->setModified(false);
@@ -64,7 +64,7 @@ void NotesPane::clear() {
     m_date->clear();
 }
 
-void NotesPane::NotesText_Validate() {
+void NotesPane::notesTextValidate() {
     if (!m_id || !m_text->document()->isModified())
         return;
     // Before anything is told: a message box takes the focus, which would store once more.
@@ -80,7 +80,7 @@ void NotesPane::NotesText_Validate() {
     }
     m_unstored.erase(id);
     if (const auto note = m_storage.read(id))
-        showDate(note->NotesDateTime);
+        showDate(note->notesDateTime);
 }
 
 void NotesPane::showDate(Date date) {
@@ -90,7 +90,7 @@ void NotesPane::showDate(Date date) {
 
 bool NotesPane::eventFilter(QObject *watched, QEvent *event) {
     if (watched == m_text && event->type() == QEvent::FocusOut)
-        NotesText_Validate();
+        notesTextValidate();
     return QWidget::eventFilter(watched, event);
 }
 

@@ -31,7 +31,7 @@ class NotesPane final : public QWidget, public RecordPane {
     void showRecord(UrlId id) override;
     void clear() override;
     /// Stores the note if it was changed; the examiner is told when that fails.
-    void NotesText_Validate();
+    void notesTextValidate();
     /// The records to come are those of another project.
     void forgetUnstored();
     /// Notes are shown and can't be changed.

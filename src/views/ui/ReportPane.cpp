@@ -9,15 +9,15 @@ namespace nv {
 
 namespace {
 
-std::filesystem::path pathOf(const std::string &ReportURL) {
-    const QUrl url(toQt(ReportURL));
-    return url.isLocalFile() ? pathFromQt(url.toLocalFile()) : std::filesystem::path(ReportURL);
+std::filesystem::path pathOf(const std::string &reportURL) {
+    const QUrl url(toQt(reportURL));
+    return url.isLocalFile() ? pathFromQt(url.toLocalFile()) : std::filesystem::path(reportURL);
 }
 
 } // namespace
 
-ReportPane::ReportPane(std::function<std::string()> ReportURL, QWidget *parent)
-    : QWidget(parent), m_ReportURL(std::move(ReportURL)) {
+ReportPane::ReportPane(std::function<std::string()> reportURL, QWidget *parent)
+    : QWidget(parent), m_reportURL(std::move(reportURL)) {
     setObjectName(QStringLiteral("ReportPane"));
     m_browser = new BrowserPane;
     m_browser->setObjectName(QStringLiteral("ReportBrowser"));
@@ -32,7 +32,7 @@ void ReportPane::showRecord(UrlId) {
 }
 
 void ReportPane::refresh() {
-    const std::string report = m_ReportURL();
+    const std::string report = m_reportURL();
     std::error_code ignored;
     const bool isThere = std::filesystem::is_regular_file(pathOf(report), ignored);
     if (report.empty())

@@ -16,8 +16,8 @@ class ReportPane final : public QWidget, public RecordPane {
     Q_OBJECT
 
   public:
-    /// `ReportURL` gives the report's first page; empty for none.
-    explicit ReportPane(std::function<std::string()> ReportURL, QWidget *parent = nullptr);
+    /// `reportURL` gives the report's first page; empty for none.
+    explicit ReportPane(std::function<std::string()> reportURL, QWidget *parent = nullptr);
 
     void showRecord(UrlId id) override;
     /// The report belongs to no record: it stays.
@@ -27,7 +27,7 @@ class ReportPane final : public QWidget, public RecordPane {
     BrowserPane &browser() { return *m_browser; }
 
   private:
-    std::function<std::string()> m_ReportURL;
+    std::function<std::string()> m_reportURL;
     BrowserPane *m_browser = nullptr;
     std::string m_shown;
 };

@@ -30,7 +30,7 @@ SQLQueryForm::SQLQueryForm(SQLite::Database &project, FailureLog &log, Examiner 
     resizeWithinScreen(*this, {680, 520});
     m_statement = new StatementBox("SQLText");
     m_statement->setAccessibleName(tr("Statement"));
-    m_statement->setStatement(toQt(m_builder.SQLText));
+    m_statement->setStatement(toQt(m_builder.sqlText));
     m_name = new QLineEdit;
     m_name->setObjectName(QStringLiteral("txtFavoriteName"));
     m_name->setAccessibleName(tr("Store as name"));
@@ -123,7 +123,7 @@ std::string SQLQueryForm::favoriteName() const {
 void SQLQueryForm::showFields() {
     m_fields->clear();
     const auto failure = failureOf(m_log, "SQLQueryForm.LoadFieldNames()", [this] {
-        for (const std::string &name : LoadFieldNames(m_project, fromQt(m_tables->currentText())))
+        for (const std::string &name : loadFieldNames(m_project, fromQt(m_tables->currentText())))
             m_fields->addItem(toQt(name));
     });
     if (failure)
@@ -133,17 +133,17 @@ void SQLQueryForm::showFields() {
 
 void SQLQueryForm::addCondition() {
     const QListWidgetItem *field = m_fields->currentItem();
-    m_builder.SQLText = fromQt(m_statement->toPlainText());
-    m_builder.Add(field ? fromQt(field->text()) : "", fromQt(m_condition->currentText()),
+    m_builder.sqlText = fromQt(m_statement->toPlainText());
+    m_builder.add(field ? fromQt(field->text()) : "", fromQt(m_condition->currentText()),
                   fromQt(m_value->text()));
-    m_statement->setStatement(toQt(m_builder.SQLText));
+    m_statement->setStatement(toQt(m_builder.sqlText));
     m_value->selectAll();
     m_value->setFocus();
 }
 
 void SQLQueryForm::clearStatement() {
-    m_builder.Clear();
-    m_statement->setStatement(toQt(m_builder.SQLText));
+    m_builder.clear();
+    m_statement->setStatement(toQt(m_builder.sqlText));
 }
 
 void SQLQueryForm::copyStatement() {
@@ -156,7 +156,7 @@ void SQLQueryForm::accept() {
         return m_name->setFocus();
     }
     const auto failure = failureOf(m_log, "SQLQueryForm.btnOkay_Click()", [this] {
-        m_customQueryDef = SanitizeSQLText(trim(fromQt(m_statement->toPlainText())));
+        m_customQueryDef = sanitizeSQLText(trim(fromQt(m_statement->toPlainText())));
         if (!ProjectFields(m_project, m_log).saveDefaultSetting("QueryName", m_customQueryDef))
             throw std::runtime_error("the statement could not be kept in the project");
     });

@@ -28,7 +28,7 @@ class SQLQueryForm final : public QDialog {
                  QWidget *parent = nullptr);
 
     /// Trimmed and on one line; what Okay took.
-    const std::string &CustomQueryDef() const { return m_customQueryDef; }
+    const std::string &customQueryDef() const { return m_customQueryDef; }
     /// The name that the query is to be stored under; may be empty.
     std::string favoriteName() const;
 

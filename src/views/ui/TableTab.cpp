@@ -108,10 +108,10 @@ void TableTab::connectParts() {
     connect(m_find, &FindBar::closed, this, [this] { m_grid->setFocus(); });
 }
 
-void TableTab::openProject(SQLite::Database &project, FailureLog &log, const TimeZone &GMTZone) {
+void TableTab::openProject(SQLite::Database &project, FailureLog &log, const TimeZone &gmtZone) {
     m_project = &project;
     m_log = &log;
-    m_table = std::make_unique<UrlTable>(project, log, GMTZone);
+    m_table = std::make_unique<UrlTable>(project, log, gmtZone);
     m_table->sort = m_sort;
     m_table->undated = m_layouts->isClassic() ? Undated::AsTheQueryHasThem : Undated::Last;
     m_model.setTable(m_table.get());
@@ -179,7 +179,7 @@ void TableTab::chooseQuery(const QString &name) {
 void TableTab::showQuery(const QString &name) {
     m_queries->setCurrentIndex(std::max(0, m_queries->findData(name)));
     if (m_table)
-        m_table->choice.ActiveQueryName = fromQt(queryName());
+        m_table->choice.activeQueryName = fromQt(queryName());
     emit statusChanged();
 }
 
@@ -289,11 +289,11 @@ void TableTab::countTick(bool tagged, bool isShown) {
     emit statusChanged();
 }
 
-void TableTab::noteTick(qint64 URL_ID, bool tagged) {
+void TableTab::noteTick(qint64 urlID, bool tagged) {
     if (!m_table)
         return;
     refreshRows();
-    countTick(tagged, m_table->placeOf(UrlId{URL_ID}).has_value());
+    countTick(tagged, m_table->placeOf(UrlId{urlID}).has_value());
 }
 
 void TableTab::flipTags() {

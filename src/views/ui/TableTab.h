@@ -37,7 +37,7 @@ class TableTab final : public QWidget {
 
     /// Takes up an open project, without loading it. The project, log and zone must stay until
     /// closeProject(), which has to come before the project's connection goes.
-    void openProject(SQLite::Database &project, FailureLog &log, const TimeZone &GMTZone);
+    void openProject(SQLite::Database &project, FailureLog &log, const TimeZone &gmtZone);
     void closeProject();
     UrlTable *table() { return m_table.get(); }
     UrlGrid &grid() { return *m_grid; }
@@ -74,7 +74,7 @@ class TableTab final : public QWidget {
     /// Of them those that the table shows.
     qint64 shownTaggedCount() const { return m_shownTagged; }
     /// A tick was set or taken elsewhere in the window.
-    void noteTick(qint64 URL_ID, bool tagged);
+    void noteTick(qint64 urlID, bool tagged);
 
   signals:
     /// Rows, ticks, query or host have changed.

@@ -163,8 +163,8 @@ TEST_F(OptionsTest, everythingElseIsAppliedAndWritten) {
     EXPECT_EQ(state().GalleryRecordsPerPage, 50);
     EXPECT_EQ(state().ThumbnailRedrawTimeout, 30);
     EXPECT_TRUE(state().PARD.EnablePARD);
-    EXPECT_EQ(state().PARD.FromValue, 10);
-    EXPECT_EQ(state().PARD.ToValue, 60);
+    EXPECT_EQ(state().PARD.fromValue, 10);
+    EXPECT_EQ(state().PARD.toValue, 60);
     EXPECT_FALSE(state().ConnectionOffline);
     EXPECT_EQ(ini("THUMBNAILS", "ViewerThumbnailWidth"), "160");
     EXPECT_EQ(ini("THUMBNAILS", "ReportThumbnailWidth"), "120");

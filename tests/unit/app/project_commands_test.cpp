@@ -71,12 +71,12 @@ TEST_F(ProjectCommandsTest, closingKeepsTheZoneAndResetsTheDefaultQuery) {
 
 TEST_F(ProjectCommandsTest, closingResetsThePardRange) {
     commands.OpenFile(path, OpenMode::newAtPath);
-    PARDClass &PARD = program->thisClass.PARD;
-    PARD.FromValue = 1;
-    PARD.ToValue = 99;
+    PardChoice &PARD = program->thisClass.PARD;
+    PARD.fromValue = 1;
+    PARD.toValue = 99;
     commands.CloseFile();
-    EXPECT_EQ(PARD.FromValue, 15);
-    EXPECT_EQ(PARD.ToValue, 40);
+    EXPECT_EQ(PARD.fromValue, 15);
+    EXPECT_EQ(PARD.toValue, 40);
 }
 
 TEST_F(ProjectCommandsTest, aChangedDefaultQueryIsTold) {

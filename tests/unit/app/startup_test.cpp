@@ -28,7 +28,7 @@ TEST_F(StartupTest, aMissingSettingsFileGivesTheDefaults) {
     EXPECT_TRUE(program->import.parseAdvancedMetadata);
     EXPECT_TRUE(state.WideRecordIds);
     EXPECT_EQ(state.LocalFavoritesPath, paths.home / "favorites.ini");
-    EXPECT_EQ(state.CurrentSQLDef, "SELECT * FROM URLs ORDER BY ActionDateLocal ASC");
+    EXPECT_EQ(state.currentSQLDef, "SELECT * FROM URLs ORDER BY ActionDateLocal ASC");
     EXPECT_FALSE(fs::exists(paths.settings())) << "a start writes no settings";
 }
 

@@ -319,8 +319,8 @@ TEST_F(ExportTest, theColumnsOnShowAreOneText) {
     EXPECT_EQ(text, "Index|Index;|COL_URL_TAG;URL|COL_URL_VALUE;");
     const SelectedColumns columns = columnsFromString(text);
     ASSERT_EQ(columns.count(), 3U);
-    EXPECT_EQ(columns.item("COL_URL_VALUE").ColumnHeader, "URL");
-    EXPECT_EQ(columns.item(std::size_t{2}).KeyName, "COL_URL_TAG");
+    EXPECT_EQ(columns.item("COL_URL_VALUE").columnHeader, "URL");
+    EXPECT_EQ(columns.item(std::size_t{2}).keyName, "COL_URL_TAG");
 }
 
 TEST_F(ExportTest, theProjectAndTheEvidenceAreNotWrittenOver) {

@@ -46,7 +46,7 @@ struct LinkProject {
     LinkContext context(TaskMonitor &monitor) {
         return {db(), records, evidence, scratch, project.log, monitor};
     }
-    LinkTotals run() { return RunLinkAnalysis(context(task)); }
+    LinkTotals run() { return runLinkAnalysis(context(task)); }
     /// "parent>child url" of each pair in the order of insertion.
     std::vector<std::string> pairs() {
         std::vector<std::string> pairs;

@@ -13,7 +13,7 @@ class AuditTest : public test::RebuildFixture {
   protected:
     std::vector<AuditRow> audit(UrlId id) {
         const UrlRecord record = get(id);
-        return LoadAudit(record, rebuildFolderOf(id, context()), context())
+        return loadAudit(record, rebuildFolderOf(id, context()), context())
             .value_or(std::vector<AuditRow>());
     }
     static std::vector<std::string> states(const std::vector<AuditRow> &rows) {
@@ -69,7 +69,7 @@ TEST_F(AuditTest, goesByTheTextForRebuildsOfEarlierVersions) {
     for (const AuditRow &row : rows) {
         EXPECT_EQ(row.isReplaced(), row.originalValue == "a/logo.gif") << row.number;
         EXPECT_EQ(row.score, "");
-        EXPECT_EQ(row.partUrl().empty(), row.TagURLID == 0);
+        EXPECT_EQ(row.partUrl().empty(), row.tagURLID == 0);
     }
 }
 

@@ -53,12 +53,12 @@ TEST(UrlColumns, hideThreeFromTheStart) {
 TEST(UrlColumns, makeTheListOfColumns) {
     URLTableColumns columns = defaultUrlColumns();
     EXPECT_EQ(columns.count(), 51u);
-    const ColumnClass &host = columns.item("COL_URL_HOST");
-    EXPECT_EQ(host.ColumnHeader, "Host");
-    EXPECT_EQ(host.DefaultColWidth, 2800);
-    EXPECT_EQ(host.SQLOrdinalIndex, 27);
-    EXPECT_FALSE(host.HideColumn);
-    EXPECT_TRUE(columns.item("COL_URL_FILEID").HideColumn);
+    const ListedColumn &host = columns.item("COL_URL_HOST");
+    EXPECT_EQ(host.columnHeader, "Host");
+    EXPECT_EQ(host.defaultColWidth, 2800);
+    EXPECT_EQ(host.sqlOrdinalIndex, 27);
+    EXPECT_FALSE(host.hideColumn);
+    EXPECT_TRUE(columns.item("COL_URL_FILEID").hideColumn);
 }
 
 TEST(HeaderText, namesTheOffsetOfTheZoneOnASecondLine) {

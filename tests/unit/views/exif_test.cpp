@@ -1,7 +1,7 @@
 #include "base/Files.h"
 #include "support/TempFolder.h"
 #include "support/builders/ExifJpeg.h"
-#include "views/EXIFClass.h"
+#include "views/Exif.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ class ExifTest : public testing::Test {
   protected:
     std::string value(std::string_view name, const std::string &bytes) {
         const ExifPicture picture(folder.write("picture.jpg", bytes));
-        return EXIFClass::GetEXIFValue(name, picture);
+        return Exif::getEXIFValue(name, picture);
     }
 
     TempFolder folder;
@@ -95,7 +95,7 @@ TEST_F(ExifTest, damagedBlocksEndInNothingWorseThanFewerValues) {
         const ExifPicture picture(folder.write("damaged.jpg", bytes));
         std::size_t length = 0;
         for (const ExifTagName &row : exifTagNames())
-            length += EXIFClass::GetEXIFValue(row.name, picture).size();
+            length += Exif::getEXIFValue(row.name, picture).size();
         EXPECT_LT(length, 200'000U);
     };
     for (std::size_t cut = 0; cut < whole.size(); ++cut)

@@ -2,8 +2,8 @@
 #include "db/RecordStore.h"
 #include "db/UrlRecord.h"
 #include "import/Categories.h"
-#include "views/FiltersClass.h"
 #include "views/IdLoader.h"
+#include "views/RecordFilters.h"
 
 #include <random>
 #include <set>
@@ -12,16 +12,16 @@
 namespace nv {
 namespace {
 
-FiltersClass withSources() {
-    FiltersClass filters;
-    filters.EnableFilters = true;
+RecordFilters withSources() {
+    RecordFilters filters;
+    filters.enableFilters = true;
     filters.showHistoryURLs = filters.showCacheURLs = true;
     filters.showCookies = filters.showBookmarks = true;
     return filters;
 }
 
-FiltersClass withKind(bool FiltersClass::*flag) {
-    FiltersClass filters = withSources();
+RecordFilters withKind(bool RecordFilters::*flag) {
+    RecordFilters filters = withSources();
     filters.*flag = true;
     return filters;
 }
@@ -54,14 +54,14 @@ UrlRecord withUrl(const std::string &url) {
 }
 
 TEST(FiltersTest, everythingIsOffAtFirst) {
-    const FiltersClass filters;
-    EXPECT_FALSE(filters.EnableFilters);
+    const RecordFilters filters;
+    EXPECT_FALSE(filters.enableFilters);
     for (const FilterFlag &each : filterFlags())
         EXPECT_FALSE(filters.*each.flag) << each.name;
 }
 
 TEST(FiltersTest, everyFlagStandsInTheTableOnce) {
-    FiltersClass filters;
+    RecordFilters filters;
     std::set<std::string_view> names;
     for (const FilterFlag &each : filterFlags()) {
         EXPECT_FALSE(filters.*each.flag) << each.name << " is there twice";
@@ -71,27 +71,27 @@ TEST(FiltersTest, everyFlagStandsInTheTableOnce) {
         EXPECT_FALSE(each.label.empty());
     }
     EXPECT_EQ(names.size(), filterFlags().size());
-    // All members are flags of one byte: the table leaves out none but `EnableFilters`.
-    EXPECT_EQ(filterFlags().size() + 1, sizeof(FiltersClass));
+    // All members are flags of one byte: the table leaves out none but `enableFilters`.
+    EXPECT_EQ(filterFlags().size() + 1, sizeof(RecordFilters));
 }
 
 TEST(FiltersTest, sourcesVeto) {
-    const auto isShownWithout = [](bool FiltersClass::*source, const UrlRecord &record) {
-        FiltersClass filters = withSources();
+    const auto isShownWithout = [](bool RecordFilters::*source, const UrlRecord &record) {
+        RecordFilters filters = withSources();
         filters.showAll = true;
         filters.*source = false;
-        return FilterRecord(filters, record);
+        return filterRecord(filters, record);
     };
     UrlRecord record;
     record.IsHistory = true;
-    EXPECT_FALSE(isShownWithout(&FiltersClass::showHistoryURLs, record));
-    EXPECT_TRUE(isShownWithout(&FiltersClass::showCookies, record));
-    EXPECT_FALSE(isShownWithout(&FiltersClass::showCacheURLs, cached()));
-    EXPECT_TRUE(isShownWithout(&FiltersClass::showHistoryURLs, cached()));
+    EXPECT_FALSE(isShownWithout(&RecordFilters::showHistoryURLs, record));
+    EXPECT_TRUE(isShownWithout(&RecordFilters::showCookies, record));
+    EXPECT_FALSE(isShownWithout(&RecordFilters::showCacheURLs, cached()));
+    EXPECT_TRUE(isShownWithout(&RecordFilters::showHistoryURLs, cached()));
     record = {};
     record.IsBookmark = true;
-    EXPECT_FALSE(isShownWithout(&FiltersClass::showBookmarks, record));
-    EXPECT_TRUE(isShownWithout(&FiltersClass::showCookies, record));
+    EXPECT_FALSE(isShownWithout(&RecordFilters::showBookmarks, record));
+    EXPECT_TRUE(isShownWithout(&RecordFilters::showCookies, record));
     record = {};
     record.cacheType = "ORPHANED";
     for (const FilterFlag &each : filterFlags())
@@ -102,134 +102,134 @@ TEST(FiltersTest, sourcesVeto) {
 TEST(FiltersTest, theVetoOfCookiesComesBeforeShowAll) {
     UrlRecord cookie;
     cookie.IsCookie = true;
-    FiltersClass filters = withSources();
+    RecordFilters filters = withSources();
     filters.showAll = true;
-    EXPECT_TRUE(FilterRecord(filters, cookie));
+    EXPECT_TRUE(filterRecord(filters, cookie));
     filters.showCookies = false;
-    EXPECT_FALSE(FilterRecord(filters, cookie));
+    EXPECT_FALSE(filterRecord(filters, cookie));
 }
 
 TEST(FiltersTest, sourcesAloneShowOnlyCookiesAndBookmarks) {
-    const FiltersClass filters = withSources();
+    const RecordFilters filters = withSources();
     UrlRecord record;
     record.IsHistory = true;
     record.URL = "http://www.google.example/";
     record.URLFileExt = "gif";
-    EXPECT_FALSE(FilterRecord(filters, record));
-    EXPECT_FALSE(FilterRecord(filters, withExtension("gif")));
+    EXPECT_FALSE(filterRecord(filters, record));
+    EXPECT_FALSE(filterRecord(filters, withExtension("gif")));
     record.IsCookie = true;
-    EXPECT_TRUE(FilterRecord(filters, record));
+    EXPECT_TRUE(filterRecord(filters, record));
     record.IsCookie = false;
     record.IsBookmark = true;
-    EXPECT_TRUE(FilterRecord(filters, record));
+    EXPECT_TRUE(filterRecord(filters, record));
 }
 
 TEST(FiltersTest, aVetoComesBeforeTheOtherSourcesAdmission) {
     UrlRecord record;
     record.IsCookie = true;
     record.IsHistory = true;
-    FiltersClass filters = withSources();
+    RecordFilters filters = withSources();
     filters.showHistoryURLs = false;
-    EXPECT_FALSE(FilterRecord(filters, record));
+    EXPECT_FALSE(filterRecord(filters, record));
 }
 
 TEST(FiltersTest, eachKindAdmitsItsExtensionsOnly) {
-    const std::vector<std::pair<bool FiltersClass::*, std::vector<std::string>>> kinds = {
-        {&FiltersClass::showBitmaps, {"bmp"}},
-        {&FiltersClass::showPNG, {"png"}},
-        {&FiltersClass::showGIF, {"gif"}},
-        {&FiltersClass::showJPEG, {"jpg", "jpe", "jpeg"}},
-        {&FiltersClass::showMusic, {}},
-        {&FiltersClass::showAudioFiles, {}},
-        {&FiltersClass::showPDF, {"pdf"}},
-        {&FiltersClass::showHTML, {"html", "htm"}},
-        {&FiltersClass::showXML, {"xml"}},
-        {&FiltersClass::showASP, {"asp", "aspx"}},
-        {&FiltersClass::showJS, {"js"}},
-        {&FiltersClass::showCSS, {"css"}},
-        {&FiltersClass::showPHPCGI, {"php", "cgi"}},
-        {&FiltersClass::showMissingFileExt, {""}},
-        {&FiltersClass::showExcelDocs, {"xls"}},
-        {&FiltersClass::showPowerpoint, {"ppt"}},
-        {&FiltersClass::showEXEs, {"exe"}},
-        {&FiltersClass::showHelp, {"chm", "hlp"}},
-        {&FiltersClass::showAccessFiles, {"mdb"}},
-        {&FiltersClass::showMovies, {}},
-        {&FiltersClass::showWordDocs, {"doc", "txt", "rtf"}},
-        {&FiltersClass::showArchiveFiles, {}},
+    const std::vector<std::pair<bool RecordFilters::*, std::vector<std::string>>> kinds = {
+        {&RecordFilters::showBitmaps, {"bmp"}},
+        {&RecordFilters::showPNG, {"png"}},
+        {&RecordFilters::showGIF, {"gif"}},
+        {&RecordFilters::showJPEG, {"jpg", "jpe", "jpeg"}},
+        {&RecordFilters::showMusic, {}},
+        {&RecordFilters::showAudioFiles, {}},
+        {&RecordFilters::showPDF, {"pdf"}},
+        {&RecordFilters::showHTML, {"html", "htm"}},
+        {&RecordFilters::showXML, {"xml"}},
+        {&RecordFilters::showASP, {"asp", "aspx"}},
+        {&RecordFilters::showJS, {"js"}},
+        {&RecordFilters::showCSS, {"css"}},
+        {&RecordFilters::showPHPCGI, {"php", "cgi"}},
+        {&RecordFilters::showMissingFileExt, {""}},
+        {&RecordFilters::showExcelDocs, {"xls"}},
+        {&RecordFilters::showPowerpoint, {"ppt"}},
+        {&RecordFilters::showEXEs, {"exe"}},
+        {&RecordFilters::showHelp, {"chm", "hlp"}},
+        {&RecordFilters::showAccessFiles, {"mdb"}},
+        {&RecordFilters::showMovies, {}},
+        {&RecordFilters::showWordDocs, {"doc", "txt", "rtf"}},
+        {&RecordFilters::showArchiveFiles, {}},
     };
     for (const auto &[flag, own] : kinds)
         for (const auto &[other, extensions] : kinds)
             for (const std::string &extension : extensions)
-                EXPECT_EQ(FilterRecord(withKind(flag), withExtension(extension)), flag == other)
+                EXPECT_EQ(filterRecord(withKind(flag), withExtension(extension)), flag == other)
                     << extension;
 }
 
 TEST(FiltersTest, extensionsAreComparedAsTheyAreStored) {
-    EXPECT_FALSE(FilterRecord(withKind(&FiltersClass::showGIF), withExtension("GIF")));
-    EXPECT_FALSE(FilterRecord(withKind(&FiltersClass::showJPEG), withExtension("jpg ")));
+    EXPECT_FALSE(filterRecord(withKind(&RecordFilters::showGIF), withExtension("GIF")));
+    EXPECT_FALSE(filterRecord(withKind(&RecordFilters::showJPEG), withExtension("jpg ")));
 }
 
 TEST(FiltersTest, kindsByCategoryTakeTheWordsOfCategorisingAndTheOlderOnes) {
     using Words = std::vector<std::string>;
-    const std::vector<std::pair<bool FiltersClass::*, Words>> kinds = {
-        {&FiltersClass::showMusic, {"MUSIC/AUDIO", "Music, Audio", "Audio", "MUSIC, AUDIO"}},
-        {&FiltersClass::showAudioFiles, {"MUSIC/AUDIO", "Music, Audio", "Audio", "music/audio"}},
-        {&FiltersClass::showMovies, {"MOVIES", "Movies, Animation", "MOVIES, ANIMATION"}},
-        {&FiltersClass::showArchiveFiles,
+    const std::vector<std::pair<bool RecordFilters::*, Words>> kinds = {
+        {&RecordFilters::showMusic, {"MUSIC/AUDIO", "Music, Audio", "Audio", "MUSIC, AUDIO"}},
+        {&RecordFilters::showAudioFiles, {"MUSIC/AUDIO", "Music, Audio", "Audio", "music/audio"}},
+        {&RecordFilters::showMovies, {"MOVIES", "Movies, Animation", "MOVIES, ANIMATION"}},
+        {&RecordFilters::showArchiveFiles,
          {"COMPRESSED FILES", "EXECUTABLES", "Archive, Compressed", "Binary, Executables",
           "ARCHIVE, COMPRESSED", "BINARY, EXECUTABLES"}},
-        {&FiltersClass::showPDF, {"Adobe", "ADOBE", "Adobe Acrobat"}},
-        {&FiltersClass::showHTML, {"HTML", "Scripts, HTML", "Scripts/HTML"}},
+        {&RecordFilters::showPDF, {"Adobe", "ADOBE", "Adobe Acrobat"}},
+        {&RecordFilters::showHTML, {"HTML", "Scripts, HTML", "Scripts/HTML"}},
     };
     for (const auto &[flag, words] : kinds)
         for (const std::string &word : words)
-            EXPECT_TRUE(FilterRecord(withKind(flag), withCategory(word))) << word;
+            EXPECT_TRUE(filterRecord(withKind(flag), withCategory(word))) << word;
     for (const char *other : {"Pictures", "Office Documents", "XML", "", "Movies", "Music"})
-        EXPECT_EQ(FilterRecord(withKind(&FiltersClass::showMovies), withCategory(other)),
+        EXPECT_EQ(filterRecord(withKind(&RecordFilters::showMovies), withCategory(other)),
                   std::string_view(other) == "Movies")
             << other;
-    EXPECT_FALSE(FilterRecord(withKind(&FiltersClass::showMusic), withCategory("Movies, Audio")))
+    EXPECT_FALSE(filterRecord(withKind(&RecordFilters::showMusic), withCategory("Movies, Audio")))
         << "a category is compared whole";
 }
 
 TEST(FiltersTest, whatCategorisingWritesIsAdmitted) {
-    const std::vector<std::pair<std::string_view, bool FiltersClass::*>> cases = {
-        {"mp3", &FiltersClass::showMusic},        {"mp3", &FiltersClass::showAudioFiles},
-        {"wav", &FiltersClass::showMovies},       {"avi", &FiltersClass::showMovies},
-        {"zip", &FiltersClass::showArchiveFiles}, {"dll", &FiltersClass::showArchiveFiles},
-        {"pdf", &FiltersClass::showPDF},          {"php", &FiltersClass::showHTML}};
+    const std::vector<std::pair<std::string_view, bool RecordFilters::*>> cases = {
+        {"mp3", &RecordFilters::showMusic},        {"mp3", &RecordFilters::showAudioFiles},
+        {"wav", &RecordFilters::showMovies},       {"avi", &RecordFilters::showMovies},
+        {"zip", &RecordFilters::showArchiveFiles}, {"dll", &RecordFilters::showArchiveFiles},
+        {"pdf", &RecordFilters::showPDF},          {"php", &RecordFilters::showHTML}};
     for (const auto &[extension, flag] : cases)
         EXPECT_TRUE(
-            FilterRecord(withKind(flag), withCategory(std::string(categoryOfExtension(extension)))))
+            filterRecord(withKind(flag), withCategory(std::string(categoryOfExtension(extension)))))
             << extension;
 }
 
 TEST(FiltersTest, sitesAreFoundAnywhereInTheUrlInAnyCase) {
-    const std::vector<std::pair<bool FiltersClass::*, std::vector<std::string>>> sites = {
-        {&FiltersClass::showGoogle, {"http://www.GOOGLE.example/"}},
-        {&FiltersClass::showYahoo, {"http://yahoo.example/", "http://l.yimg.example/"}},
-        {&FiltersClass::showHotmailLive, {"http://Hotmail.com/", "https://mail.live.com/x"}},
-        {&FiltersClass::showAOL, {"http://aol.example/"}},
-        {&FiltersClass::showFacebook, {"http://facebook.example/"}},
-        {&FiltersClass::showMySpace, {"http://MySpace.example/"}},
-        {&FiltersClass::showYouTube, {"http://youtube.example/"}},
-        {&FiltersClass::showEBAY, {"http://eBay.example/"}},
-        {&FiltersClass::showBlogs, {"http://h/?a=weblogs"}},
-        {&FiltersClass::showFilesOpened, {"file:///C:/a.doc", "FILE:///c:/"}},
-        {&FiltersClass::showPHPCGI, {"http://h/x.PHP?a=1", "http://h/bin/run.cgi?x"}},
+    const std::vector<std::pair<bool RecordFilters::*, std::vector<std::string>>> sites = {
+        {&RecordFilters::showGoogle, {"http://www.GOOGLE.example/"}},
+        {&RecordFilters::showYahoo, {"http://yahoo.example/", "http://l.yimg.example/"}},
+        {&RecordFilters::showHotmailLive, {"http://Hotmail.com/", "https://mail.live.com/x"}},
+        {&RecordFilters::showAOL, {"http://aol.example/"}},
+        {&RecordFilters::showFacebook, {"http://facebook.example/"}},
+        {&RecordFilters::showMySpace, {"http://MySpace.example/"}},
+        {&RecordFilters::showYouTube, {"http://youtube.example/"}},
+        {&RecordFilters::showEBAY, {"http://eBay.example/"}},
+        {&RecordFilters::showBlogs, {"http://h/?a=weblogs"}},
+        {&RecordFilters::showFilesOpened, {"file:///C:/a.doc", "FILE:///c:/"}},
+        {&RecordFilters::showPHPCGI, {"http://h/x.PHP?a=1", "http://h/bin/run.cgi?x"}},
     };
     for (const auto &[flag, own] : sites)
         for (const auto &[other, urls] : sites)
             for (const std::string &url : urls)
-                EXPECT_EQ(FilterRecord(withKind(flag), withUrl(url)), flag == other) << url;
+                EXPECT_EQ(filterRecord(withKind(flag), withUrl(url)), flag == other) << url;
 }
 
 TEST(FiltersTest, showAllAdmitsWhatNoKindKnows) {
-    FiltersClass filters = withSources();
-    EXPECT_FALSE(FilterRecord(filters, cached()));
+    RecordFilters filters = withSources();
+    EXPECT_FALSE(filterRecord(filters, cached()));
     filters.showAll = true;
-    EXPECT_TRUE(FilterRecord(filters, cached()));
+    EXPECT_TRUE(filterRecord(filters, cached()));
 }
 
 TEST(FiltersTest, flagsAreFoundByNameWithOrWithoutShow) {
@@ -237,8 +237,8 @@ TEST(FiltersTest, flagsAreFoundByNameWithOrWithoutShow) {
         EXPECT_EQ(findFilterFlag(each.name), &each);
         EXPECT_EQ(findFilterFlag(each.name.substr(4)), &each);
     }
-    EXPECT_EQ(findFilterFlag("SHOWgif")->flag, &FiltersClass::showGIF);
-    EXPECT_EQ(findFilterFlag("all")->flag, &FiltersClass::showAll);
+    EXPECT_EQ(findFilterFlag("SHOWgif")->flag, &RecordFilters::showGIF);
+    EXPECT_EQ(findFilterFlag("all")->flag, &RecordFilters::showAll);
     EXPECT_EQ(findFilterFlag("show"), nullptr);
     EXPECT_EQ(findFilterFlag(""), nullptr);
     EXPECT_EQ(findFilterFlag("EnableFilters"), nullptr);
@@ -246,17 +246,17 @@ TEST(FiltersTest, flagsAreFoundByNameWithOrWithoutShow) {
 
 struct FilterIdsTest : testing::Test, test::MadeProject {
     /// What the filters leave of `from`, record by record.
-    RowIds oneByOne(const RowIds &from, const FiltersClass &filters) {
+    RowIds oneByOne(const RowIds &from, const RecordFilters &filters) {
         RecordStore store(db(), {zone}, clock, log);
         RowIds left;
         for (const std::int32_t id : from) {
             const auto record = store.getURL(UrlId{id});
-            if (record && FilterRecord(filters, *record))
+            if (record && filterRecord(filters, *record))
                 left.push_back(id);
         }
         return left;
     }
-    RowIds byColumns(const RowIds &from, const FiltersClass &filters) {
+    RowIds byColumns(const RowIds &from, const RecordFilters &filters) {
         RowIds left;
         EXPECT_EQ(filterIds(db(), from, filters, task, left), Walk::Finished);
         return left;
@@ -298,7 +298,7 @@ TEST_F(FilterIdsTest, findsByColumnsWhatTheRecordsGiveForEveryFlag) {
     for (const FilterFlag &each : filterFlags()) {
         EXPECT_EQ(byColumns(from, withKind(each.flag)), oneByOne(from, withKind(each.flag)))
             << each.name;
-        FiltersClass alone;
+        RecordFilters alone;
         alone.*each.flag = true;
         EXPECT_EQ(byColumns(from, alone), oneByOne(from, alone)) << each.name << " alone";
     }
@@ -308,7 +308,7 @@ TEST_F(FilterIdsTest, findsByColumnsWhatTheRecordsGiveForAnyCombination) {
     std::mt19937 random(11);
     const RowIds from = addMadeRows(random);
     for (int round = 0; round < 60; ++round) {
-        FiltersClass filters;
+        RecordFilters filters;
         const unsigned oneIn = 1 + static_cast<unsigned>(random() % 8);
         for (const FilterFlag &each : filterFlags())
             filters.*each.flag = random() % oneIn == 0;
@@ -319,14 +319,15 @@ TEST_F(FilterIdsTest, findsByColumnsWhatTheRecordsGiveForAnyCombination) {
 TEST_F(FilterIdsTest, keepsTheOrderAndPassesOverRowsThatAreGone) {
     for (int i = 0; i < 4; ++i)
         add({{"URLFileExt", i == 1 ? "bmp" : "gif"}, {"CacheType", "IE CACHE"}});
-    EXPECT_EQ(byColumns({4, 99, 2, 1, -3, 3}, withKind(&FiltersClass::showGIF)), (RowIds{4, 1, 3}));
-    EXPECT_EQ(byColumns({}, withKind(&FiltersClass::showGIF)), RowIds{});
+    EXPECT_EQ(byColumns({4, 99, 2, 1, -3, 3}, withKind(&RecordFilters::showGIF)),
+              (RowIds{4, 1, 3}));
+    EXPECT_EQ(byColumns({}, withKind(&RecordFilters::showGIF)), RowIds{});
 }
 
 TEST_F(FilterIdsTest, findsRowsFarFromEachOtherAndTwice) {
     for (int i = 0; i < 60; ++i)
         add({{"URLFileExt", i % 2 == 0 ? "bmp" : "gif"}, {"CacheType", "IE CACHE"}});
-    EXPECT_EQ(byColumns({60, 2, 1, 30, 60, 59, 1000000, 44}, withKind(&FiltersClass::showGIF)),
+    EXPECT_EQ(byColumns({60, 2, 1, 30, 60, 59, 1000000, 44}, withKind(&RecordFilters::showGIF)),
               (RowIds{60, 2, 30, 60, 44}));
 }
 
@@ -347,7 +348,7 @@ TEST_F(FilterIdsTest, aCancelKeepsTheRowsThatPassed) {
         add({{"URLFileExt", "gif"}});
     test::CancelAfter soon(2);
     RowIds left;
-    EXPECT_EQ(filterIds(db(), {5, 1, 2, 3, 4}, withKind(&FiltersClass::showGIF), soon, left),
+    EXPECT_EQ(filterIds(db(), {5, 1, 2, 3, 4}, withKind(&RecordFilters::showGIF), soon, left),
               Walk::Cancelled);
     EXPECT_EQ(left, (RowIds{1, 2}));
 }

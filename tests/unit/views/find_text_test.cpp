@@ -100,7 +100,7 @@ TEST_F(FindTextTest, looksIntoTheRowsOfTheListAlone) {
     page("http://one.example/");
     page("http://two.example/");
     StoredQueries(db()).save({"Two", "SELECT * FROM URLs WHERE URL LIKE '%two%'"});
-    table.choice.ActiveQueryName = "Two";
+    table.choice.activeQueryName = "Two";
     table.LoadURLs(task);
     EXPECT_EQ(found("http://one"), "not there");
     EXPECT_EQ(found("http://two"), "0 URL");

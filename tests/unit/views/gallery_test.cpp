@@ -29,8 +29,8 @@ class GalleryTest : public testing::Test {
     LoadResult load() { return gallery.load(task); }
     std::vector<std::int32_t> shown() const {
         std::vector<std::int32_t> ids;
-        for (const TileClass &tile : gallery.gallery().Tiles)
-            ids.push_back(tile.URL_ID);
+        for (const Tile &tile : gallery.gallery().tiles)
+            ids.push_back(tile.urlID);
         return ids;
     }
 
@@ -48,17 +48,17 @@ TEST_F(GalleryTest, showsRowsWithAThumbnailByHost) {
     EXPECT_EQ(load(), LoadResult::Loaded);
     EXPECT_THAT(shown(), ElementsAre(2, 1, 3));
     EXPECT_EQ(gallery.rowCount(), 3u);
-    EXPECT_EQ(gallery.GalleryADOPageCount(), 1);
+    EXPECT_EQ(gallery.galleryADOPageCount(), 1);
     EXPECT_TRUE(made.log.entries.empty());
 }
 
 TEST_F(GalleryTest, isEmptyWithoutThumbnails) {
     EXPECT_EQ(load(), LoadResult::Loaded);
-    EXPECT_EQ(gallery.GalleryADOPageCount(), 0);
-    EXPECT_EQ(gallery.gallery().Tiles.count(), 0u);
+    EXPECT_EQ(gallery.galleryADOPageCount(), 0);
+    EXPECT_EQ(gallery.gallery().tiles.count(), 0u);
     EXPECT_TRUE(gallery.lastPage());
     EXPECT_TRUE(gallery.nextPage());
-    EXPECT_EQ(gallery.GalleryADOPage(), 1);
+    EXPECT_EQ(gallery.galleryADOPage(), 1);
     EXPECT_EQ(gallery.pageText(), "1 of 0");
 }
 
@@ -75,11 +75,11 @@ TEST_F(GalleryTest, turnsPagesAndStaysWithinThem) {
     EXPECT_TRUE(gallery.lastPage());
     EXPECT_THAT(shown(), ElementsAre(5));
     EXPECT_TRUE(gallery.nextPage());
-    EXPECT_EQ(gallery.GalleryADOPage(), 3);
+    EXPECT_EQ(gallery.galleryADOPage(), 3);
     EXPECT_TRUE(gallery.showPage(99));
     EXPECT_EQ(gallery.pageText(), "3 of 3");
     EXPECT_TRUE(gallery.firstPage());
-    EXPECT_EQ(gallery.GalleryADOPage(), 1);
+    EXPECT_EQ(gallery.galleryADOPage(), 1);
 }
 
 TEST_F(GalleryTest, showsTheLastPageWhenRowsAreGone) {
@@ -101,7 +101,7 @@ TEST_F(GalleryTest, aPageSizeOfNothingShowsOneTile) {
     picture("host");
     gallery.settings.GalleryRecordsPerPage = 0;
     EXPECT_EQ(load(), LoadResult::Loaded);
-    EXPECT_EQ(gallery.GalleryADOPageCount(), 2);
+    EXPECT_EQ(gallery.galleryADOPageCount(), 2);
     gallery.settings.GalleryRecordsPerPage = 100; // of the next load
     EXPECT_TRUE(gallery.nextPage());
     EXPECT_THAT(shown(), ElementsAre(2));
@@ -114,24 +114,24 @@ TEST_F(GalleryTest, aTileHasItsCellCaptionAndTick) {
     made.db().exec(fmt::format("UPDATE URLs SET Tagged = 1 WHERE URL_ID = {}", id));
     gallery.settings.tilesPerRow = 2;
     ASSERT_EQ(load(), LoadResult::Loaded);
-    const TileClass &first = gallery.gallery().Tiles.item(std::size_t{1});
+    const Tile &first = gallery.gallery().tiles.item(std::size_t{1});
     EXPECT_EQ(captionOf(first), "ID #0000001");
-    EXPECT_EQ(first.ToolTip, "http://host/p");
-    EXPECT_TRUE(first.Tagged);
-    EXPECT_FALSE(first.Selected);
-    EXPECT_EQ(first.PARDValue, 88);
-    const TileClass &third = gallery.gallery().Tiles.item(std::size_t{3});
-    EXPECT_FALSE(third.Tagged);
-    EXPECT_EQ(third.XCoord, 0);
-    EXPECT_EQ(third.YCoord, 1);
-    EXPECT_EQ(gallery.gallery().Tiles.item(std::size_t{2}).XCoord, 1);
+    EXPECT_EQ(first.toolTip, "http://host/p");
+    EXPECT_TRUE(first.tagged);
+    EXPECT_FALSE(first.selected);
+    EXPECT_EQ(first.pardValue, 88);
+    const Tile &third = gallery.gallery().tiles.item(std::size_t{3});
+    EXPECT_FALSE(third.tagged);
+    EXPECT_EQ(third.xCoord, 0);
+    EXPECT_EQ(third.yCoord, 1);
+    EXPECT_EQ(gallery.gallery().tiles.item(std::size_t{2}).xCoord, 1);
 }
 
 TEST(GalleryCaption, hasTheLastSevenDigits) {
-    TileClass tile;
-    tile.URL_ID = 17;
+    Tile tile;
+    tile.urlID = 17;
     EXPECT_EQ(captionOf(tile), "ID #0000017");
-    tile.URL_ID = 123456789;
+    tile.urlID = 123456789;
     EXPECT_EQ(captionOf(tile), "ID #3456789");
 }
 
@@ -158,15 +158,15 @@ TEST_F(GalleryTest, filtersByShapeAndSize) {
     picture("host", 100, 75);
     picture("host", 468, 60);
     picture("host", 500, 400);
-    gallery.PARD.EnablePARD = true;
-    gallery.PARD.FromValue = 15;
-    gallery.PARD.ToValue = 40;
+    gallery.pard.EnablePARD = true;
+    gallery.pard.fromValue = 15;
+    gallery.pard.toValue = 40;
     ASSERT_EQ(load(), LoadResult::Loaded);
     EXPECT_THAT(shown(), ElementsAre(2, 4));
-    gallery.PARD.ShowMediumPics = true;
+    gallery.pard.showMediumPics = true;
     ASSERT_EQ(load(), LoadResult::Loaded);
     EXPECT_THAT(shown(), ElementsAre(4));
-    gallery.PARD.FromValue = 41;
+    gallery.pard.fromValue = 41;
     ASSERT_EQ(load(), LoadResult::Loaded);
     EXPECT_THAT(shown(), ElementsAre(1, 2, 3, 4));
 }
@@ -192,7 +192,7 @@ TEST_F(GalleryTest, standsOnTheStoredQuery) {
     picture("a");
     picture("b");
     StoredQueries(made.db()).save({"My [own]", "SELECT * FROM URLs WHERE Host = 'b'"});
-    gallery.choice.ActiveQueryName = "My [own]";
+    gallery.choice.activeQueryName = "My [own]";
     ASSERT_EQ(load(), LoadResult::Loaded);
     EXPECT_THAT(shown(), ElementsAre(2));
 }
@@ -201,12 +201,12 @@ TEST_F(GalleryTest, aQueryThatCannotBeAskedShowsNothing) {
     picture("a");
     ASSERT_EQ(load(), LoadResult::Loaded);
     StoredQueries(made.db()).save({"counts", "SELECT Host, Count(*) FROM URLs GROUP BY Host"});
-    gallery.choice.ActiveQueryName = "counts";
-    gallery.GalleryDirty = true;
+    gallery.choice.activeQueryName = "counts";
+    gallery.galleryDirty = true;
     EXPECT_EQ(load(), LoadResult::Failed);
     EXPECT_THAT(shown(), ElementsAre());
-    EXPECT_EQ(gallery.GalleryADOPageCount(), 0);
-    EXPECT_TRUE(gallery.GalleryDirty);
+    EXPECT_EQ(gallery.galleryADOPageCount(), 0);
+    EXPECT_TRUE(gallery.galleryDirty);
     ASSERT_EQ(made.log.entries.size(), 1u);
     EXPECT_EQ(made.log.entries[0].procedure, "MainForm.LoadGallery()");
 }
@@ -219,9 +219,9 @@ TEST_F(GalleryTest, aCancelShowsNothing) {
 }
 
 TEST_F(GalleryTest, isCleanAfterALoad) {
-    gallery.GalleryDirty = true;
+    gallery.galleryDirty = true;
     ASSERT_EQ(load(), LoadResult::Loaded);
-    EXPECT_FALSE(gallery.GalleryDirty);
+    EXPECT_FALSE(gallery.galleryDirty);
     EXPECT_EQ(galleryNotChanged().text, "The current gallery has not changed.");
     EXPECT_EQ(galleryNotChanged().title, "Refresh Gallery");
 }
@@ -237,8 +237,8 @@ TEST_F(GalleryTest, givesAThumbnailById) {
 TEST_F(GalleryTest, readsTheIndexAndNotTheRows) {
     picture("a");
     ASSERT_EQ(load(), LoadResult::Loaded);
-    gallery.PARD.EnablePARD = gallery.PARD.ShowLargePics = true;
-    const IdQuery query = galleryQuery({}, gallery.PARD, {true, true});
+    gallery.pard.EnablePARD = gallery.pard.showLargePics = true;
+    const IdQuery query = galleryQuery({}, gallery.pard, {true, true});
     SQLite::Statement plan(made.db(), "EXPLAIN QUERY PLAN " + query.sql);
     std::string steps;
     while (plan.executeStep())

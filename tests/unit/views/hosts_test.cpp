@@ -18,7 +18,7 @@ struct HostsTest : testing::Test, test::MadeProject {
         EXPECT_EQ(listHosts(db(), sort, task, hosts, unread), Walk::Finished);
         std::vector<std::string> all;
         for (const HostRow &each : hosts)
-            all.push_back(each.Host);
+            all.push_back(each.host);
         return all;
     }
     using Names = std::vector<std::string>;
@@ -86,10 +86,10 @@ TEST_F(HostsTest, eachNameFindsItsRowsLiterally) {
     UrlTable table(db(), log, zone);
     names(HostSort::ByName);
     for (const HostRow &each : hosts) {
-        table.choice = {"", true, each.Host};
+        table.choice = {"", true, each.host};
         EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
         // "foo" is part of "foobar.com" too.
-        EXPECT_EQ(table.rowCount(), each.Host == "foo" ? 2u : 1u) << each.Host;
+        EXPECT_EQ(table.rowCount(), each.host == "foo" ? 2u : 1u) << each.host;
     }
     EXPECT_TRUE(log.entries.empty());
 }

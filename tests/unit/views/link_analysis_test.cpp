@@ -156,7 +156,7 @@ TEST_F(LinkAnalysisTest, theStatusTextsStandAsTheyAre) {
     record("http://c/", true);
     link(page, "http://b/");
     MemoryTask watched;
-    RunLinkAnalysis(context(watched));
+    runLinkAnalysis(context(watched));
     ASSERT_EQ(watched.headings.size(), 1U);
     EXPECT_EQ(watched.headings[0].title, "RUNNING LINK ANALYSIS");
     EXPECT_EQ(watched.headings[0].subject, "Comparing History data to Cache data...");
@@ -173,7 +173,7 @@ TEST_F(LinkAnalysisTest, aCancelKeepsThePairsOfTheRowsExamined) {
     link(page, "http://b/");
     run(); // makes the index
     CancelAfter twoRows(2);
-    const LinkTotals totals = RunLinkAnalysis(context(twoRows));
+    const LinkTotals totals = runLinkAnalysis(context(twoRows));
     EXPECT_TRUE(totals.cancelled);
     EXPECT_EQ(totals.examined, 2);
     EXPECT_THAT(pairs(), ElementsAre(pair(page, visit, "http://b/")));

@@ -13,7 +13,7 @@ using testing::IsEmpty;
 class LinkListTest : public testing::Test, protected LinkProject {
   protected:
     LinkList list(std::int64_t id, RecordIds ids = RecordIds::narrow) {
-        return LoadLinks(db(), UrlId{id}, ids, project.log);
+        return loadLinks(db(), UrlId{id}, ids, project.log);
     }
 };
 
@@ -30,8 +30,8 @@ TEST_F(LinkListTest, bothEndsOfAPairAreListedByUrl) {
     EXPECT_EQ(links.rows[0].other, UrlId{before});
     EXPECT_EQ(links.rows[0].end, LinkEnd::parent);
     EXPECT_EQ(links.rows[0].kind, "Cache");
-    EXPECT_EQ(links.rows[0].URL, "http://page/");
-    EXPECT_EQ(links.rows[0].HashedURL, hashOfUrl("http://page/"));
+    EXPECT_EQ(links.rows[0].url, "http://page/");
+    EXPECT_EQ(links.rows[0].hashedURL, hashOfUrl("http://page/"));
     EXPECT_EQ(links.rows[1].other, UrlId{visit});
     EXPECT_EQ(links.rows[1].end, LinkEnd::child);
     EXPECT_EQ(links.rows[1].kind, "History");
@@ -42,13 +42,13 @@ TEST_F(LinkListTest, visitsAreCountedByRowAndToldByTheRecord) {
     const auto visit = record("http://b/", true);
     link(page, "http://b/");
     run();
-    EXPECT_EQ(list(page).rows.at(0).VisitCount, 1);
-    EXPECT_EQ(list(page).rows.at(0).Visits, 7);
+    EXPECT_EQ(list(page).rows.at(0).visitCount, 1);
+    EXPECT_EQ(list(page).rows.at(0).visits, 7);
     db().exec(fmt::format("UPDATE URLs SET Visits = {} WHERE URL_ID = {}", kVisitsUnknown, visit));
-    EXPECT_EQ(list(page).rows.at(0).VisitCount, 1);
-    EXPECT_EQ(list(page).rows.at(0).Visits, std::nullopt);
+    EXPECT_EQ(list(page).rows.at(0).visitCount, 1);
+    EXPECT_EQ(list(page).rows.at(0).visits, std::nullopt);
     db().exec("UPDATE URLs SET Visits = NULL");
-    EXPECT_EQ(list(page).rows.at(0).VisitCount, 0);
+    EXPECT_EQ(list(page).rows.at(0).visitCount, 0);
 }
 
 TEST_F(LinkListTest, theKindOfCookiesAndBookmarksIsNamed) {

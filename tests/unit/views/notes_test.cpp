@@ -1,6 +1,6 @@
 #include "MadeProject.h"
 #include "views/Notes.h"
-#include "views/ViewerClass.h"
+#include "views/ViewerContent.h"
 
 #include <gtest/gtest.h>
 
@@ -16,14 +16,14 @@ class NotesTest : public testing::Test, protected MadeProject {
 
 TEST_F(NotesTest, aNoteIsStoredWithTheTimeOfNow) {
     const auto id = add({{"URL", "http://host/"}});
-    EXPECT_EQ(readNote(db(), UrlId{id})->Notes, "");
-    EXPECT_FALSE(readNote(db(), UrlId{id})->NotesDateTime.has());
+    EXPECT_EQ(readNote(db(), UrlId{id})->notes, "");
+    EXPECT_FALSE(readNote(db(), UrlId{id})->notesDateTime.has());
     EXPECT_EQ(store(id, "'; DROP TABLE URLs; -- café\nline"), NoteStored::stored);
     const auto note = readNote(db(), UrlId{id});
-    EXPECT_EQ(note->Notes, "'; DROP TABLE URLs; -- café\nline");
-    EXPECT_EQ(note->NotesDateTime, Date::fromCivil({2011, 6, 15, 12, 0, 0}));
+    EXPECT_EQ(note->notes, "'; DROP TABLE URLs; -- café\nline");
+    EXPECT_EQ(note->notesDateTime, Date::fromCivil({2011, 6, 15, 12, 0, 0}));
     EXPECT_EQ(store(id, ""), NoteStored::stored);
-    EXPECT_EQ(readNote(db(), UrlId{id})->Notes, "");
+    EXPECT_EQ(readNote(db(), UrlId{id})->notes, "");
     EXPECT_TRUE(log.entries.empty());
 }
 
@@ -47,10 +47,10 @@ TEST_F(NotesTest, aFailureIsLoggedAndTold) {
 }
 
 TEST(ViewerClassTest, clearingForgetsTheRecordButNotTheReport) {
-    ViewerClass viewer{"report", "picture", "hex", "text", "browser"};
-    viewer.ClearAll();
-    EXPECT_EQ(viewer.PicturePath + viewer.HexFilePath + viewer.TextContent + viewer.BrowserURL, "");
-    EXPECT_EQ(viewer.ReportURL, "report");
+    ViewerContent viewer{"report", "picture", "hex", "text", "browser"};
+    viewer.clearAll();
+    EXPECT_EQ(viewer.picturePath + viewer.hexFilePath + viewer.textContent + viewer.browserURL, "");
+    EXPECT_EQ(viewer.reportURL, "report");
 }
 
 } // namespace

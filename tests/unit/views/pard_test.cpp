@@ -10,11 +10,11 @@ namespace {
 
 constexpr GalleryMedia kNoMedia{false, false};
 
-PARDClass range(std::int16_t from, std::int16_t to) {
-    PARDClass PARD;
+PardChoice range(std::int16_t from, std::int16_t to) {
+    PardChoice PARD;
     PARD.EnablePARD = true;
-    PARD.FromValue = from;
-    PARD.ToValue = to;
+    PARD.fromValue = from;
+    PARD.toValue = to;
     return PARD;
 }
 
@@ -46,65 +46,65 @@ TEST(PardValue, survivesHostileSizes) {
 }
 
 TEST(BuildGalleryFilter, standsAloneWithoutASizeFlag) {
-    EXPECT_EQ(BuildGalleryFilter(range(15, 40), kNoMedia),
+    EXPECT_EQ(buildGalleryFilter(range(15, 40), kNoMedia),
               " AND (PARDValue >= 15 AND PARDValue <= 40)");
-    EXPECT_EQ(BuildGalleryFilter(range(15, 15), kNoMedia),
+    EXPECT_EQ(buildGalleryFilter(range(15, 15), kNoMedia),
               " AND (PARDValue >= 15 AND PARDValue <= 15)");
 }
 
 TEST(BuildGalleryFilter, joinsTheSizesInTheirOrder) {
-    PARDClass PARD = range(0, 100);
-    PARD.ShowXLargePics = PARD.ShowXSmallPics = true;
-    EXPECT_EQ(BuildGalleryFilter(PARD, kNoMedia),
+    PardChoice PARD = range(0, 100);
+    PARD.showXLargePics = PARD.showXSmallPics = true;
+    EXPECT_EQ(buildGalleryFilter(PARD, kNoMedia),
               " AND (PARDValue >= 0 AND PARDValue <= 100) AND ((PictureWidth <= 39 AND "
               "PictureHeight <= 39) OR (PictureWidth > 1199 AND PictureHeight > 1199))");
 }
 
 TEST(BuildGalleryFilter, keepsTheBoundsOfEachClass) {
-    const auto of = [](bool PARDClass::*flag) {
-        PARDClass PARD = range(0, 100);
+    const auto of = [](bool PardChoice::*flag) {
+        PardChoice PARD = range(0, 100);
         PARD.*flag = true;
-        return BuildGalleryFilter(PARD, kNoMedia)
-            .substr(BuildGalleryFilter(range(0, 100), kNoMedia).size());
+        return buildGalleryFilter(PARD, kNoMedia)
+            .substr(buildGalleryFilter(range(0, 100), kNoMedia).size());
     };
-    EXPECT_EQ(of(&PARDClass::ShowXSmallPics),
+    EXPECT_EQ(of(&PardChoice::showXSmallPics),
               " AND ((PictureWidth <= 39 AND PictureHeight <= 39))");
-    EXPECT_EQ(of(&PARDClass::ShowSmallPics),
+    EXPECT_EQ(of(&PardChoice::showSmallPics),
               " AND ((PictureWidth > 39 AND PictureWidth <= 299 AND PictureHeight > 39 AND "
               "PictureHeight <= 299))");
-    EXPECT_EQ(of(&PARDClass::ShowMediumPics),
+    EXPECT_EQ(of(&PardChoice::showMediumPics),
               " AND ((PictureWidth > 299 AND PictureWidth <= 599 AND PictureHeight > 99 AND "
               "PictureHeight <= 599))");
-    EXPECT_EQ(of(&PARDClass::ShowLargePics),
+    EXPECT_EQ(of(&PardChoice::showLargePics),
               " AND ((PictureWidth > 599 AND PictureWidth <= 1199 AND PictureHeight > 599 AND "
               "PictureHeight <= 1199))");
-    EXPECT_EQ(of(&PARDClass::ShowXLargePics),
+    EXPECT_EQ(of(&PardChoice::showXLargePics),
               " AND ((PictureWidth > 1199 AND PictureHeight > 1199))");
 }
 
 TEST(BuildGalleryFilter, dropsAllOfARangeThatRunsBackwards) {
-    PARDClass PARD = range(41, 40);
-    PARD.ShowSmallPics = true;
-    EXPECT_EQ(BuildGalleryFilter(PARD, kNoMedia), "");
-    EXPECT_EQ(BuildGalleryFilter(PARD, {true, false}), " AND IsPicture = True");
+    PardChoice PARD = range(41, 40);
+    PARD.showSmallPics = true;
+    EXPECT_EQ(buildGalleryFilter(PARD, kNoMedia), "");
+    EXPECT_EQ(buildGalleryFilter(PARD, {true, false}), " AND IsPicture = True");
 }
 
 TEST(BuildGalleryFilter, leavesSizesUnusedWithoutPard) {
-    PARDClass PARD = range(15, 40);
+    PardChoice PARD = range(15, 40);
     PARD.EnablePARD = false;
-    PARD.ShowSmallPics = true;
-    EXPECT_EQ(BuildGalleryFilter(PARD, kNoMedia), "");
+    PARD.showSmallPics = true;
+    EXPECT_EQ(buildGalleryFilter(PARD, kNoMedia), "");
 }
 
 TEST(BuildGalleryFilter, choosesTheMedia) {
-    EXPECT_EQ(BuildGalleryFilter({}, {true, true}),
+    EXPECT_EQ(buildGalleryFilter({}, {true, true}),
               " AND CacheFileExists AND (IsWebPage = True OR Category = 'HTML' OR IsPicture = "
               "True)");
-    EXPECT_EQ(BuildGalleryFilter({}, {false, true}),
+    EXPECT_EQ(buildGalleryFilter({}, {false, true}),
               " AND CacheFileExists AND (IsWebPage = True OR Category = 'HTML') AND IsPicture = "
               "True");
-    EXPECT_EQ(BuildGalleryFilter({}, {true, false}), " AND IsPicture = True");
-    EXPECT_EQ(BuildGalleryFilter(range(15, 40), {true, false}),
+    EXPECT_EQ(buildGalleryFilter({}, {true, false}), " AND IsPicture = True");
+    EXPECT_EQ(buildGalleryFilter(range(15, 40), {true, false}),
               " AND (PARDValue >= 15 AND PARDValue <= 40) AND IsPicture = True");
 }
 

@@ -19,7 +19,7 @@ class PropertiesTest : public testing::Test, protected MadeProject {
     PropertiesTest() { dates.currentYear = 2011; }
 
     std::vector<Property> load(std::int64_t id) {
-        return LoadProperties(UrlId{id}, {db(), zone, dates, log, picture});
+        return loadProperties(UrlId{id}, {db(), zone, dates, log, picture});
     }
     std::string value(std::int64_t id, std::string_view name) {
         const auto all = load(id);

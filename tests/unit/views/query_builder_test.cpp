@@ -10,21 +10,21 @@ namespace {
 
 std::string added(std::string_view field, std::string_view condition, std::string_view value) {
     QueryBuilder builder;
-    builder.Add(field, condition, value);
-    return builder.SQLText.substr(std::string_view("SELECT * FROM URLs").size());
+    builder.add(field, condition, value);
+    return builder.sqlText.substr(std::string_view("SELECT * FROM URLs").size());
 }
 
 TEST(QueryBuilder, theFirstConditionBringsWhereAndOthersAnd) {
     QueryBuilder builder;
-    EXPECT_EQ(builder.SQLText, "SELECT * FROM URLs");
-    builder.Add("URL", "contains", "hotmail");
-    builder.Add("Visits", ">", "3");
-    EXPECT_EQ(builder.SQLText, "SELECT * FROM URLs WHERE URL LIKE  '%hotmail%' AND Visits > 3");
-    builder.Clear();
-    EXPECT_EQ(builder.SQLText, "SELECT * FROM URLs");
-    builder.SQLText = "SELECT * FROM URLs where Visits > 3";
-    builder.Add("Host", "=", "a");
-    EXPECT_EQ(builder.SQLText, "SELECT * FROM URLs where Visits > 3 AND Host =  'a'");
+    EXPECT_EQ(builder.sqlText, "SELECT * FROM URLs");
+    builder.add("URL", "contains", "hotmail");
+    builder.add("Visits", ">", "3");
+    EXPECT_EQ(builder.sqlText, "SELECT * FROM URLs WHERE URL LIKE  '%hotmail%' AND Visits > 3");
+    builder.clear();
+    EXPECT_EQ(builder.sqlText, "SELECT * FROM URLs");
+    builder.sqlText = "SELECT * FROM URLs where Visits > 3";
+    builder.add("Host", "=", "a");
+    EXPECT_EQ(builder.sqlText, "SELECT * FROM URLs where Visits > 3 AND Host =  'a'");
 }
 
 TEST(QueryBuilder, valuesAfterLikeAreWrappedUnlessTheyAreAPattern) {
@@ -73,9 +73,9 @@ TEST(FieldNames, areThoseOfTheTable) {
     test::MadeProject made;
     EXPECT_EQ(builderTables().front(), "URLs");
     for (const std::string &table : builderTables())
-        EXPECT_FALSE(LoadFieldNames(made.db(), table).empty()) << table;
-    EXPECT_THAT(LoadFieldNames(made.db(), "Links"), testing::Contains("Link_ID"));
-    EXPECT_ANY_THROW(LoadFieldNames(made.db(), "no\" such"));
+        EXPECT_FALSE(loadFieldNames(made.db(), table).empty()) << table;
+    EXPECT_THAT(loadFieldNames(made.db(), "Links"), testing::Contains("Link_ID"));
+    EXPECT_ANY_THROW(loadFieldNames(made.db(), "no\" such"));
 }
 
 } // namespace

@@ -66,18 +66,18 @@ struct QueryCommandsTest : testing::Test {
 
 TEST_F(QueryCommandsTest, aProjectStartsWithItsDefaultQuery) {
     EXPECT_EQ(view.box, kDefaultQueryText);
-    EXPECT_EQ(state.CurrentSQLDef, kDefaultQueryText);
-    EXPECT_EQ(state.LastSQLDef, "");
-    EXPECT_EQ(state.ActiveQueryName, "");
+    EXPECT_EQ(state.currentSQLDef, kDefaultQueryText);
+    EXPECT_EQ(state.lastSQLDef, "");
+    EXPECT_EQ(state.activeQueryName, "");
     EXPECT_EQ(view.loads, 0);
     commands.btnUndoQuery(); // nothing to go back to
     EXPECT_EQ(view.loads, 0);
     StoredQueries(made.db()).save({"_DEFAULT", kVisits});
     commands.start();
     EXPECT_EQ(view.box, kVisits);
-    EXPECT_EQ(state.CurrentSQLDef, kVisits);
-    commands.RunSQL();
-    EXPECT_EQ(state.CurrentSQLDef, kDefaultQueryText);
+    EXPECT_EQ(state.currentSQLDef, kVisits);
+    commands.runSQL();
+    EXPECT_EQ(state.currentSQLDef, kDefaultQueryText);
     EXPECT_EQ(stored("_DEFAULT"), kVisits);
 }
 
@@ -96,16 +96,16 @@ TEST_F(QueryCommandsTest, validateTellsOfBothOutcomes) {
 
 TEST_F(QueryCommandsTest, applyKeepsTheStatementAsTheDefaultQuery) {
     ASSERT_TRUE(apply(" SELECT *\r\nFROM URLs WHERE Visits > 3\n"));
-    EXPECT_EQ(state.CurrentSQLDef, kVisits);
-    EXPECT_EQ(state.LastSQLDef, kDefaultQueryText);
-    EXPECT_EQ(state.ActiveQueryName, "_DEFAULT");
+    EXPECT_EQ(state.currentSQLDef, kVisits);
+    EXPECT_EQ(state.lastSQLDef, kDefaultQueryText);
+    EXPECT_EQ(state.activeQueryName, "_DEFAULT");
     EXPECT_EQ(stored("_DEFAULT"), kVisits);
     EXPECT_EQ(view.loads, 1);
     EXPECT_EQ(view.changes, 1);
     ASSERT_TRUE(apply(kVisits)); // the same again marks nothing
     EXPECT_EQ(view.loads, 2);
     EXPECT_EQ(view.changes, 1);
-    EXPECT_EQ(state.LastSQLDef, kVisits);
+    EXPECT_EQ(state.lastSQLDef, kVisits);
 }
 
 TEST_F(QueryCommandsTest, aWrongStatementChangesNothing) {
@@ -120,8 +120,8 @@ TEST_F(QueryCommandsTest, aWrongStatementChangesNothing) {
                                           "the ALL (*) wildcard character.");
     examiner.expect("statement-not-kept"); // it would select from itself
     EXPECT_FALSE(apply("SELECT * FROM _DEFAULT WHERE Visits > 5"));
-    EXPECT_EQ(state.CurrentSQLDef, kVisits);
-    EXPECT_EQ(state.LastSQLDef, kDefaultQueryText);
+    EXPECT_EQ(state.currentSQLDef, kVisits);
+    EXPECT_EQ(state.lastSQLDef, kDefaultQueryText);
     EXPECT_EQ(stored("_DEFAULT"), kVisits);
     EXPECT_EQ(view.loads, 1);
 }
@@ -134,8 +134,8 @@ TEST_F(QueryCommandsTest, aStatementWhoseRowsTheTableCantShowIsNotApplied) {
         EXPECT_EQ(made.log.entries.back().message,
                   "the statement gives no URL_ID, by which the table shows its rows");
         EXPECT_EQ(stored("_DEFAULT"), kDefaultQueryText);
-        EXPECT_EQ(state.CurrentSQLDef, kDefaultQueryText);
-        EXPECT_EQ(state.LastSQLDef, "");
+        EXPECT_EQ(state.currentSQLDef, kDefaultQueryText);
+        EXPECT_EQ(state.lastSQLDef, "");
     }
     EXPECT_EQ(view.loads, 0);
     examiner.expect("statement-valid"); // as a statement there is nothing wrong with it
@@ -147,24 +147,24 @@ TEST_F(QueryCommandsTest, aStatementWhoseRowsTheTableCantShowIsNotApplied) {
 TEST_F(QueryCommandsTest, whatTheTableRunsIsWhatTheBoxShows) {
     made.db().exec("DROP VIEW Facebook;"
                    "CREATE VIEW \"Facebook\" AS SELECT * FROM URLs WHERE Host <> 'facebook.com'");
-    commands.LoadStoredQueries("Facebook");
+    commands.loadStoredQueries("Facebook");
     EXPECT_EQ(view.box, "SELECT * FROM URLs WHERE Host <> 'facebook.com'");
-    EXPECT_EQ(state.CurrentSQLDef, view.box);
-    commands.LoadStoredQuery("facebook");
-    EXPECT_EQ(view.box, state.CurrentSQLDef);
+    EXPECT_EQ(state.currentSQLDef, view.box);
+    commands.loadStoredQuery("facebook");
+    EXPECT_EQ(view.box, state.currentSQLDef);
 }
 
 TEST_F(QueryCommandsTest, undoGoesOneStepBackAndComesAgain) {
     ASSERT_TRUE(apply(kVisits) && apply(kHosts));
     commands.btnUndoQuery();
     EXPECT_EQ(view.box, kVisits);
-    EXPECT_EQ(state.CurrentSQLDef, kVisits);
+    EXPECT_EQ(state.currentSQLDef, kVisits);
     EXPECT_EQ(stored("_DEFAULT"), kVisits);
     EXPECT_EQ(view.loads, 3);
     commands.btnUndoQuery();
     EXPECT_EQ(view.box, kHosts);
     EXPECT_EQ(stored("_DEFAULT"), kHosts);
-    EXPECT_EQ(state.LastSQLDef, kVisits);
+    EXPECT_EQ(state.lastSQLDef, kVisits);
 }
 
 TEST_F(QueryCommandsTest, defaultPutsTheFirstStatementBack) {
@@ -190,11 +190,11 @@ TEST_F(QueryCommandsTest, defaultTellsOfFailures) {
 
 TEST_F(QueryCommandsTest, theGridWritesIntoTheBoxOnly) {
     const std::vector<QueryRow> rows{{"Host", "equals", "a", ""}};
-    EXPECT_FALSE(commands.FormatQuerySQL({}, {}));
+    EXPECT_FALSE(commands.formatQuerySQL({}, {}));
     EXPECT_EQ(view.box, kDefaultQueryText);
-    EXPECT_TRUE(commands.FormatQuerySQL(rows, {}));
+    EXPECT_TRUE(commands.formatQuerySQL(rows, {}));
     EXPECT_EQ(view.box, "SELECT * FROM URLs WHERE (Host = 'a')  ");
-    EXPECT_EQ(state.CurrentSQLDef, kDefaultQueryText);
+    EXPECT_EQ(state.currentSQLDef, kDefaultQueryText);
 }
 
 TEST_F(QueryCommandsTest, theSelectorListsAllButTheDefaultAndSystemNames) {
@@ -205,21 +205,21 @@ TEST_F(QueryCommandsTest, theSelectorListsAllButTheDefaultAndSystemNames) {
 }
 
 TEST_F(QueryCommandsTest, choosingANameChangesTheBoxOnly) {
-    commands.LoadStoredQuery("facebook");
+    commands.loadStoredQuery("facebook");
     EXPECT_EQ(view.box, stored("Facebook"));
-    EXPECT_EQ(state.CurrentSQLDef, kDefaultQueryText);
-    EXPECT_EQ(state.ActiveQueryName, "");
+    EXPECT_EQ(state.currentSQLDef, kDefaultQueryText);
+    EXPECT_EQ(state.activeQueryName, "");
     EXPECT_EQ(view.loads, 0);
-    commands.LoadStoredQuery("no such");
+    commands.loadStoredQuery("no such");
     EXPECT_EQ(view.box, stored("Facebook"));
 }
 
 TEST_F(QueryCommandsTest, loadingWithANamePutsItInForce) {
-    commands.LoadStoredQueries("facebook");
+    commands.loadStoredQueries("facebook");
     EXPECT_EQ(view.box, stored("Facebook"));
-    EXPECT_EQ(state.CurrentSQLDef, stored("Facebook"));
-    EXPECT_EQ(state.LastSQLDef, kDefaultQueryText);
-    EXPECT_EQ(state.ActiveQueryName, "Facebook");
+    EXPECT_EQ(state.currentSQLDef, stored("Facebook"));
+    EXPECT_EQ(state.lastSQLDef, kDefaultQueryText);
+    EXPECT_EQ(state.activeQueryName, "Facebook");
     EXPECT_EQ(view.selector, "Facebook");
     EXPECT_EQ(view.loads, 1);
     EXPECT_EQ(stored("_DEFAULT"), kDefaultQueryText);
@@ -231,7 +231,7 @@ TEST_F(QueryCommandsTest, savingSelectsAndRunsTheNewQuery) {
     EXPECT_EQ(view.prompts.at(0).text, "Enter name of query:");
     EXPECT_EQ(stored("Often"), kVisits);
     EXPECT_EQ(view.selector, "Often");
-    EXPECT_EQ(state.ActiveQueryName, "Often");
+    EXPECT_EQ(state.activeQueryName, "Often");
     EXPECT_EQ(view.loads, 1);
 }
 
@@ -284,18 +284,18 @@ TEST_F(QueryCommandsTest, namesOfTablesCantBeTaken) {
 TEST_F(QueryCommandsTest, deletingAsksAndSparesReservedQueries) {
     ASSERT_TRUE(save(kVisits, "Mine"));
     examiner.expect("delete-stored-query", Answer::No);
-    EXPECT_FALSE(commands.DeleteStoredQuery("Mine"));
+    EXPECT_FALSE(commands.deleteStoredQuery("Mine"));
     EXPECT_EQ(stored("Mine"), kVisits);
     examiner.expect("delete-stored-query", Answer::Yes);
-    EXPECT_TRUE(commands.DeleteStoredQuery("mine"));
+    EXPECT_TRUE(commands.deleteStoredQuery("mine"));
     EXPECT_EQ(examiner.heard.back().title, "Delete Stored Query");
     EXPECT_EQ(stored("Mine"), "(none)");
     EXPECT_THAT(view.names, Not(Contains("Mine")));
-    EXPECT_EQ(state.ActiveQueryName, ""); // it was the active one: the default one is loaded
+    EXPECT_EQ(state.activeQueryName, ""); // it was the active one: the default one is loaded
     EXPECT_EQ(view.box, kDefaultQueryText);
     EXPECT_EQ(view.loads, 2);
     examiner.expect("reserved-query-not-deleted");
-    EXPECT_FALSE(commands.DeleteStoredQuery("_Tagged Items"));
+    EXPECT_FALSE(commands.deleteStoredQuery("_Tagged Items"));
     EXPECT_EQ(examiner.heard.back().text, "This is a reserved query which cannot be modified or\n"
                                           "deleted.\n"
                                           "Please choose another name for your query.");
@@ -303,22 +303,22 @@ TEST_F(QueryCommandsTest, deletingAsksAndSparesReservedQueries) {
 
 TEST_F(QueryCommandsTest, deletingCanBeSilentForcedAndWithoutAReload) {
     ASSERT_TRUE(save(kVisits, "Mine"));
-    EXPECT_TRUE(commands.DeleteStoredQuery("Mine", {.reload = false, .force = true}));
+    EXPECT_TRUE(commands.deleteStoredQuery("Mine", {.reload = false, .force = true}));
     EXPECT_THAT(view.names, Not(Contains("Mine"))); // an active one is always taken off
     ASSERT_TRUE(save(kVisits, "Other"));
     commands.btnDefaultQuery();
-    EXPECT_TRUE(commands.DeleteStoredQuery("Other", {.reload = false, .force = true}));
+    EXPECT_TRUE(commands.deleteStoredQuery("Other", {.reload = false, .force = true}));
     EXPECT_THAT(view.names, Contains("Other"));
-    EXPECT_TRUE(commands.DeleteStoredQuery("_Tagged Items", {.silent = true}));
+    EXPECT_TRUE(commands.deleteStoredQuery("_Tagged Items", {.silent = true}));
     EXPECT_THAT(view.names, Not(Contains("_Tagged Items")));
-    EXPECT_FALSE(commands.DeleteStoredQuery("no such", {.silent = true}));
+    EXPECT_FALSE(commands.deleteStoredQuery("no such", {.silent = true}));
 }
 
 TEST_F(QueryCommandsTest, aQuickSortsStatementIsInForceAfterIt) {
     commands.takeStatement(kSortChoices[4].query);
     EXPECT_EQ(view.box, "SELECT * FROM URLs ORDER BY Visits DESC, ActionDateUTC ASC");
     EXPECT_EQ(stored("_DEFAULT"), view.box);
-    EXPECT_EQ(state.CurrentSQLDef, view.box);
+    EXPECT_EQ(state.currentSQLDef, view.box);
     EXPECT_EQ(view.selector, "_DEFAULT");
     EXPECT_EQ(view.loads, 0);
 }
@@ -327,19 +327,19 @@ TEST_F(QueryCommandsTest, whatTheTableLoadsByItselfIsInForce) {
     commands.takeActiveQuery("Facebook");
     EXPECT_EQ(view.box, stored("Facebook"));
     EXPECT_EQ(view.selector, "Facebook");
-    EXPECT_EQ(state.ActiveQueryName, "Facebook");
+    EXPECT_EQ(state.activeQueryName, "Facebook");
     EXPECT_EQ(view.loads, 0);
     commands.takeActiveQuery("");
     EXPECT_EQ(view.box, kDefaultQueryText);
-    EXPECT_EQ(state.ActiveQueryName, "");
-    EXPECT_EQ(state.LastSQLDef, stored("Facebook"));
+    EXPECT_EQ(state.activeQueryName, "");
+    EXPECT_EQ(state.lastSQLDef, stored("Facebook"));
 }
 
 TEST_F(QueryCommandsTest, theDialogsStatementGoesIntoTheBox) {
-    state.CustomQueryDef = kHosts;
+    state.customQueryDef = kHosts;
     commands.takeCustomQuery();
     EXPECT_EQ(view.box, kHosts);
-    EXPECT_EQ(state.CurrentSQLDef, kDefaultQueryText);
+    EXPECT_EQ(state.currentSQLDef, kDefaultQueryText);
 }
 
 } // namespace

@@ -15,7 +15,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 std::string of(std::vector<QueryRow> rows, std::vector<QuerySortRow> sorts = {}) {
-    return FormatQuerySQL(rows, sorts).value_or("(nothing)");
+    return formatQuerySQL(rows, sorts).value_or("(nothing)");
 }
 
 /// What one condition becomes, without the frame around it.
@@ -95,7 +95,7 @@ TEST(QueryGrid, rowsAreJoinedAndSorted) {
 }
 
 struct GridStatements : testing::Test {
-    QueryClass check(const std::string &sql) { return testTyped(sql, *reader, made.log); }
+    QueryCheck check(const std::string &sql) { return testTyped(sql, *reader, made.log); }
     test::MadeProject made;
     std::unique_ptr<SQLite::Database> reader = openReadOnly(made.project.filePath);
 };
@@ -131,26 +131,26 @@ TEST_F(GridStatements, whatTheGridOffersIsValid) {
                 // Which would find all rows or none; '%x%' of LIKE and the like are fine.
                 const bool isRefused =
                     holdsDates(field.name) && sql.find(" 'x')") != std::string::npos;
-                const QueryClass checked = check(sql);
-                EXPECT_EQ(checked.ErrCode != 0, isRefused) << sql;
-                EXPECT_THAT(checked.ErrDescription,
+                const QueryCheck checked = check(sql);
+                EXPECT_EQ(checked.errCode != 0, isRefused) << sql;
+                EXPECT_THAT(checked.errDescription,
                             isRefused ? HasSubstr("such as #2011-03-01#") : HasSubstr(""));
             }
 }
 
 TEST_F(GridStatements, apostrophesAndTrailingJoiningWordsFail) {
-    const QueryClass apostrophe = check(of({{"Host", "equals", "o'brien", ""}}));
-    EXPECT_NE(apostrophe.ErrCode, 0);
-    EXPECT_THAT(apostrophe.ErrDescription, HasSubstr("is never closed"));
-    const QueryClass trailing = check(of({{"Host", "equals", "a", "AND"}}));
-    EXPECT_NE(trailing.ErrCode, 0);
-    EXPECT_THAT(trailing.ErrDescription, HasSubstr("incomplete input"));
-    EXPECT_NE(check(of({{"Host", "equals", "a", "AND"}}, {{"Host", "ASCENDING"}})).ErrCode, 0);
-    EXPECT_NE(check(of({{"Visits", "between", "1 AND 5", ""}})).ErrCode, 0);
+    const QueryCheck apostrophe = check(of({{"Host", "equals", "o'brien", ""}}));
+    EXPECT_NE(apostrophe.errCode, 0);
+    EXPECT_THAT(apostrophe.errDescription, HasSubstr("is never closed"));
+    const QueryCheck trailing = check(of({{"Host", "equals", "a", "AND"}}));
+    EXPECT_NE(trailing.errCode, 0);
+    EXPECT_THAT(trailing.errDescription, HasSubstr("incomplete input"));
+    EXPECT_NE(check(of({{"Host", "equals", "a", "AND"}}, {{"Host", "ASCENDING"}})).errCode, 0);
+    EXPECT_NE(check(of({{"Visits", "between", "1 AND 5", ""}})).errCode, 0);
 }
 
 TEST_F(GridStatements, likeANumberIsTakenByThisDatabase) {
-    EXPECT_EQ(check(of({{"URL", "contains", "15", ""}})).ErrCode, 0);
+    EXPECT_EQ(check(of({{"URL", "contains", "15", ""}})).errCode, 0);
     made.add({{"URL", std::string("15")}});
     made.add({{"URL", std::string("http://a/15")}});
     EXPECT_EQ(made.db().execAndGet("SELECT Count(*) FROM URLs WHERE (URL LIKE 15)").getInt(), 1);

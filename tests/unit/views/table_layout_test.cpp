@@ -137,7 +137,7 @@ TEST(FormatColumns, takesHeaderAndVisibilityByKey) {
     URLTableColumns columns;
     columns.add({"COL_URL_HOST", 0, 0, "Server", true}, "COL_URL_HOST");
     columns.add({"COL_URL_NONE", 0, 0, "None", true}, "COL_URL_NONE");
-    layout.FormatColumns(columns);
+    layout.formatColumns(columns);
     EXPECT_EQ(layout.header(UrlColumn::Host), "Server");
     EXPECT_TRUE(layout.hidden(UrlColumn::Host));
     EXPECT_EQ(layout.header(UrlColumn::User), "User");

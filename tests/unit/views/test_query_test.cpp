@@ -14,40 +14,40 @@ namespace {
 using testing::HasSubstr;
 
 struct TestQueryTest : testing::Test {
-    QueryClass check(std::string_view sql) { return testTyped(sql, *reader, made.log); }
+    QueryCheck check(std::string_view sql) { return testTyped(sql, *reader, made.log); }
     test::MadeProject made;
     std::unique_ptr<SQLite::Database> reader = openReadOnly(made.project.filePath);
 };
 
 TEST(SanitizeSQLText, lineBreaksAndTabsBecomeOneBlankEach) {
-    EXPECT_EQ(SanitizeSQLText("a\r\nb\tc\rd\ne\n\r\nf"), "a b c d e  f");
-    EXPECT_EQ(SanitizeSQLText(""), "");
+    EXPECT_EQ(sanitizeSQLText("a\r\nb\tc\rd\ne\n\r\nf"), "a b c d e  f");
+    EXPECT_EQ(sanitizeSQLText(""), "");
 }
 
 TEST_F(TestQueryTest, aSelectIsValid) {
-    const QueryClass query = check("  SELECT *\r\nFROM URLs\tORDER BY Host ASC \n");
-    EXPECT_EQ(query.ErrCode, 0);
-    EXPECT_EQ(query.ErrDescription, "");
-    EXPECT_EQ(query.SQL, "SELECT * FROM URLs ORDER BY Host ASC");
-    EXPECT_EQ(query.OrderBy, "Host ASC");
-    EXPECT_EQ(check("SELECT TOP 3 * FROM URLs WHERE ActionDateUTC > #1/15/2009#;").ErrCode, 0);
-    EXPECT_EQ(check("WITH w AS (SELECT * FROM URLs) SELECT * FROM w").ErrCode, 0);
-    EXPECT_EQ(check("SELECT * FROM [Google/Gmail]").ErrCode, 0);
+    const QueryCheck query = check("  SELECT *\r\nFROM URLs\tORDER BY Host ASC \n");
+    EXPECT_EQ(query.errCode, 0);
+    EXPECT_EQ(query.errDescription, "");
+    EXPECT_EQ(query.sql, "SELECT * FROM URLs ORDER BY Host ASC");
+    EXPECT_EQ(query.orderBy, "Host ASC");
+    EXPECT_EQ(check("SELECT TOP 3 * FROM URLs WHERE ActionDateUTC > #1/15/2009#;").errCode, 0);
+    EXPECT_EQ(check("WITH w AS (SELECT * FROM URLs) SELECT * FROM w").errCode, 0);
+    EXPECT_EQ(check("SELECT * FROM [Google/Gmail]").errCode, 0);
     EXPECT_TRUE(made.log.entries.empty());
 }
 
 TEST_F(TestQueryTest, refusalsComeInTheDatabasesOwnWords) {
-    const QueryClass query = check("SELECT colour FROM URLs");
-    EXPECT_EQ(query.ErrCode, 1);
-    EXPECT_EQ(query.ErrDescription, "no such column: colour");
-    EXPECT_EQ(query.SQL, "SELECT colour FROM URLs");
+    const QueryCheck query = check("SELECT colour FROM URLs");
+    EXPECT_EQ(query.errCode, 1);
+    EXPECT_EQ(query.errDescription, "no such column: colour");
+    EXPECT_EQ(query.sql, "SELECT colour FROM URLs");
     ASSERT_EQ(made.log.entries.size(), 1u);
     EXPECT_EQ(made.log.entries[0].procedure, "TestQuery()");
-    EXPECT_THAT(check("SELECT * FROM URLs WHERE ActionDateUTC > #31/31/2009#").ErrDescription,
+    EXPECT_THAT(check("SELECT * FROM URLs WHERE ActionDateUTC > #31/31/2009#").errDescription,
                 HasSubstr("is no date"));
-    EXPECT_THAT(check("SELECT * FROM URLs WHERE URL LIKE '[a'").ErrDescription,
+    EXPECT_THAT(check("SELECT * FROM URLs WHERE URL LIKE '[a'").errDescription,
                 HasSubstr("Invalid pattern string"));
-    EXPECT_EQ(check("SELECT * FROM URLs ORDER BY FileName ASC, ActionDateUTC ASC").ErrDescription,
+    EXPECT_EQ(check("SELECT * FROM URLs ORDER BY FileName ASC, ActionDateUTC ASC").errDescription,
               "no such column: FileName");
 }
 
@@ -73,33 +73,33 @@ TEST_F(TestQueryTest, nothingButOneSelectIsTaken) {
                             "SELECT 1; DELETE FROM URLs",
                             "SELECT load_extension('x')",
                             "WITH w AS (SELECT 1) DELETE FROM URLs"}) {
-        const QueryClass query = check(sql);
-        EXPECT_NE(query.ErrCode, 0) << sql;
-        EXPECT_NE(query.ErrDescription, "") << sql;
+        const QueryCheck query = check(sql);
+        EXPECT_NE(query.errCode, 0) << sql;
+        EXPECT_NE(query.errDescription, "") << sql;
     }
-    EXPECT_EQ(check("DELETE FROM URLs").ErrDescription,
+    EXPECT_EQ(check("DELETE FROM URLs").errDescription,
               "not authorized: a query only reads the project, with SELECT");
     EXPECT_EQ(made.fieldOf(1, "URL"), "kept");
 }
 
 TEST_F(TestQueryTest, aFailureOfTheFirstRowCounts) {
     made.add({{"URL", std::string("[a")}});
-    EXPECT_NE(check("SELECT * FROM URLs WHERE 'x' LIKE URL").ErrCode, 0);
+    EXPECT_NE(check("SELECT * FROM URLs WHERE 'x' LIKE URL").errCode, 0);
 }
 
 TEST_F(TestQueryTest, aStatementThatNeverEndsIsTaken) {
-    const QueryClass query =
+    const QueryCheck query =
         check("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n) SELECT * FROM URLs "
               "WHERE URL_ID = (SELECT max(x) FROM n) OR (SELECT count(*) FROM n) > 0");
-    EXPECT_EQ(query.ErrCode, 0) << query.ErrDescription;
+    EXPECT_EQ(query.errCode, 0) << query.errDescription;
 }
 
 TEST_F(TestQueryTest, aLineCommentWouldHideWhatFollowsIt) {
-    EXPECT_THAT(check("SELECT * FROM URLs -- all\nWHERE Visits > 3").ErrDescription,
+    EXPECT_THAT(check("SELECT * FROM URLs -- all\nWHERE Visits > 3").errDescription,
                 HasSubstr("/* comment */"));
-    EXPECT_EQ(check("SELECT * FROM URLs /* all */\nWHERE Visits > 3").ErrCode, 0);
-    EXPECT_EQ(check("SELECT * FROM URLs WHERE URL = '-- a\nb'").ErrCode, 0);
-    EXPECT_EQ(check("SELECT * FROM URLs\nWHERE Visits > 3 -- often").ErrCode, 0);
+    EXPECT_EQ(check("SELECT * FROM URLs /* all */\nWHERE Visits > 3").errCode, 0);
+    EXPECT_EQ(check("SELECT * FROM URLs WHERE URL = '-- a\nb'").errCode, 0);
+    EXPECT_EQ(check("SELECT * FROM URLs\nWHERE Visits > 3 -- often").errCode, 0);
 }
 
 TEST_F(TestQueryTest, aLoadCanReadAndNothingElse) {

@@ -196,29 +196,29 @@ TEST_F(ThumbnailsTest, oneRecordIsMadeOnlyWhenTheImportWantsPictures) {
     UrlRecord record = *store.getURL(UrlId{add("a[1].gif", "GIF89a")});
     ImportSettings import;
     import.makePictureThumbnails = false;
-    EXPECT_FALSE(MakeThumbnail(record, import, context()));
+    EXPECT_FALSE(makeThumbnail(record, import, context()));
     import.makePictureThumbnails = true;
-    EXPECT_TRUE(MakeThumbnail(record, import, context()));
+    EXPECT_TRUE(makeThumbnail(record, import, context()));
     EXPECT_EQ(record.ThumbnailFormat, "Bitmap");
     EXPECT_TRUE(record.IsPicture);
     EXPECT_FALSE(record.IsWebPage);
     EXPECT_EQ(record.PARDValue, 88);
     EXPECT_EQ(field(1, "ThumbnailMD5Hash"), record.ThumbnailMD5Hash);
     record.CacheFileExists = false;
-    EXPECT_FALSE(MakeThumbnail(record, import, context()));
+    EXPECT_FALSE(makeThumbnail(record, import, context()));
 }
 
 TEST_F(ThumbnailsTest, aPictureFileIsDrawnAndMeasured) {
     UrlRecord record;
     record.URLID = UrlId{17};
     const fs::path source = project.folder.write("part.gif", "GIF89a");
-    EXPECT_TRUE(MakePictureThumbnail(source, temp / "out.bmp", record, 200, context()));
+    EXPECT_TRUE(makePictureThumbnail(source, temp / "out.bmp", record, 200, context()));
     EXPECT_EQ(contentsOf(temp / "out.bmp"), "BMGIF89a");
     EXPECT_EQ(drawing.drawn[0].width, 200);
     EXPECT_EQ(drawing.drawn[0].height, 150);
     EXPECT_EQ(record.PARDValue, 88);
     writeWhole(source, "broken");
-    EXPECT_FALSE(MakePictureThumbnail(source, temp / "out.bmp", record, 200, context()));
+    EXPECT_FALSE(makePictureThumbnail(source, temp / "out.bmp", record, 200, context()));
     ASSERT_EQ(project.log.entries.size(), 1u);
     EXPECT_THAT(project.log.entries[0].message, HasSubstr("URL ID: 17"));
 }
@@ -227,14 +227,14 @@ TEST_F(ThumbnailsTest, aRebuiltPageIsTriedTwice) {
     const auto id = add("page[1].htm", "<html>");
     const fs::path page = project.folder.write("page.htm", "rebuilt");
     drawing.failures = 1;
-    EXPECT_TRUE(CreateHTMLThumbnail(page, temp / "page.jpg", UrlId{id}, 120, context()));
+    EXPECT_TRUE(createHTMLThumbnail(page, temp / "page.jpg", UrlId{id}, 120, context()));
     EXPECT_EQ(field(id, "ThumbnailBLOB"), "JPEGrebuilt");
     ASSERT_EQ(project.log.entries.size(), 1u);
     EXPECT_THAT(project.log.entries[0].message, HasSubstr("Win32 Error"));
     EXPECT_EQ(project.log.entries[0].severity, Severity::Warning);
     EXPECT_EQ(project.log.entries[0].procedure, "MainBAS.CreateHTMLThumbnail()");
     drawing.failures = 2;
-    EXPECT_FALSE(CreateHTMLThumbnail(page, temp / "page.jpg", UrlId{id}, 120, context()));
+    EXPECT_FALSE(createHTMLThumbnail(page, temp / "page.jpg", UrlId{id}, 120, context()));
     EXPECT_EQ(drawing.drawn.size(), 4u);
     EXPECT_FALSE(fs::exists(temp / "page.jpg")); // the old one doesn't pass for a new one
 }
@@ -246,21 +246,21 @@ TEST_F(ThumbnailsTest, rebuiltPagesAreDrawnTogetherAndTheFailedOnesOnceMore) {
         pages.push_back({id, project.folder.write(std::string(text) + ".htm", text),
                          temp / (std::string(text) + ".jpg")});
     }
-    EXPECT_EQ(CreateHTMLThumbnails(pages, 200, context(), task),
+    EXPECT_EQ(createHTMLThumbnails(pages, 200, context(), task),
               (std::vector<bool>{true, false, true}));
     EXPECT_EQ(drawing.batches, (std::vector<std::size_t>{3, 1}));
     EXPECT_EQ(field(3, "ThumbnailBLOB"), "JPEGthree");
     EXPECT_EQ(project.log.entries.size(), 2u);
-    EXPECT_TRUE(CreateHTMLThumbnails({}, 200, context(), task).empty());
+    EXPECT_TRUE(createHTMLThumbnails({}, 200, context(), task).empty());
 }
 
 TEST_F(ThumbnailsTest, theSameBytesCostNoWrite) {
     const auto id = UrlId{add("page[1].htm", "<html>")};
     const fs::path drawn = project.folder.write("drawn.jpg", "JPEG");
-    EXPECT_EQ(StoreThumbnail(id, drawn, context()), Stored::written);
-    EXPECT_EQ(StoreThumbnail(id, drawn, context()), Stored::sameBytes);
+    EXPECT_EQ(storeThumbnail(id, drawn, context()), Stored::written);
+    EXPECT_EQ(storeThumbnail(id, drawn, context()), Stored::sameBytes);
     writeWhole(drawn, "JPEG2");
-    EXPECT_EQ(StoreThumbnail(id, drawn, context()), Stored::written);
+    EXPECT_EQ(storeThumbnail(id, drawn, context()), Stored::written);
     EXPECT_EQ(field(number(id), "ThumbnailBLOB"), "JPEG2");
     EXPECT_EQ(field(number(id), "ThumbnailHeight"), "90");
 }

@@ -43,11 +43,11 @@ TEST_F(UrlOrderTest, rowsWithoutADateComeLastWhenAskedFor) {
     }
     table.sort.reset();
     table.choice = {"", true, "h"};
-    table.Filters = firstFilters();
-    table.Filters.EnableFilters = true;
+    table.filters = firstFilters();
+    table.filters.enableFilters = true;
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), rising);
-    table.Filters.showHistoryURLs = false;
+    table.filters.showHistoryURLs = false;
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), Texts{"none"});
     EXPECT_EQ(table.hiddenCount(), 2u);
@@ -60,7 +60,7 @@ TEST_F(UrlOrderTest, anOrderOfTheQuerysOwnIsLeftAlone) {
     StoredQueries(db()).save({"No date", "SELECT URL_ID, URL FROM URLs ORDER BY ActionDateLocal"});
     table.undated = Undated::Last;
     for (const char *name : {"By host", "No date"}) {
-        table.choice.ActiveQueryName = name;
+        table.choice.activeQueryName = name;
         EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
         EXPECT_EQ(urls(), (Texts{"none", "dated"})) << name;
     }
@@ -78,16 +78,16 @@ TEST_F(UrlOrderTest, aSortByAColumnOutlivesLoadsAndQueries) {
     EXPECT_EQ(urls(), (Texts{"c", "b", "a"}));
     EXPECT_EQ(table.columnSort(), sort);
     StoredQueries(db()).save({"Two", "SELECT * FROM URLs WHERE URL <> 'b' ORDER BY URL"});
-    table.choice.ActiveQueryName = "Two";
+    table.choice.activeQueryName = "Two";
     table.LoadURLs(task);
     EXPECT_EQ(urls(), (Texts{"c", "a"}));
     StoredQueries(db()).save({"No host", "SELECT URL_ID, URL FROM URLs ORDER BY URL"});
-    table.choice.ActiveQueryName = "No host";
+    table.choice.activeQueryName = "No host";
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), (Texts{"a", "b", "c"})); // by its own order
     EXPECT_EQ(table.columnSort(), std::nullopt);
     EXPECT_EQ(table.sort, sort);
-    table.choice.ActiveQueryName.clear();
+    table.choice.activeQueryName.clear();
     table.LoadURLs(task);
     EXPECT_EQ(table.columnSort(), sort);
     table.sortBy(SortChoice::Url, task);

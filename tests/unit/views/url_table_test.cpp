@@ -35,7 +35,7 @@ TEST_F(UrlTableTest, loadsTheActiveQueryInDateOrder) {
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), (Texts{"without a date", "first", "second"}));
     StoredQueries(db()).save({"Mine", "SELECT * FROM URLs WHERE URL = 'SECOND'"});
-    table.choice.ActiveQueryName = "Mine";
+    table.choice.activeQueryName = "Mine";
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), Texts{"second"});
 }
@@ -43,11 +43,11 @@ TEST_F(UrlTableTest, loadsTheActiveQueryInDateOrder) {
 TEST_F(UrlTableTest, aKeywordQueryWithoutItsTermsSaysWhyItFindsNothing) {
     page(1, "a");
     for (const char *name : {"Child Exploitation", "XXX Content (in URLs)"}) {
-        table.choice.ActiveQueryName = name;
+        table.choice.activeQueryName = name;
         EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
         EXPECT_EQ(table.emptyState(), EmptyState::NoTerms) << name;
     }
-    table.choice.ActiveQueryName = "Phishing";
+    table.choice.activeQueryName = "Phishing";
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.emptyState(), EmptyState::NoMatches);
 }
@@ -73,7 +73,7 @@ TEST_F(UrlTableTest, theHostFilterTakesItsTextLiterally) {
 
 TEST_F(UrlTableTest, aQueryThatFailsIsLoggedAndShowsNothing) {
     page(1, "a");
-    table.choice.ActiveQueryName = "no such query";
+    table.choice.activeQueryName = "no such query";
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Failed);
     EXPECT_EQ(table.emptyState(), EmptyState::Failed);
     ASSERT_EQ(log.entries.size(), 1u);
@@ -82,7 +82,7 @@ TEST_F(UrlTableTest, aQueryThatFailsIsLoggedAndShowsNothing) {
     const Message told = loadFailure(table.failure());
     EXPECT_EQ(told.title, "Error Loading Cache");
     EXPECT_EQ(told.text, table.failure());
-    table.choice.ActiveQueryName.clear();
+    table.choice.activeQueryName.clear();
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.failure(), "");
 }
@@ -215,7 +215,7 @@ TEST_F(UrlTableTest, hostileTextsStayOneLineAndWhole) {
 
 TEST_F(UrlTableTest, movedEvidenceIsMendedAtLoad) {
     const auto id = add({{"RootPath", "/old/"}, {"URL", "a"}});
-    table.RootPath = "/new";
+    table.rootPath = "/new";
     table.LoadURLs(task);
     EXPECT_EQ(fieldOf(id, "RootPath"), "/new/");
 }
@@ -223,9 +223,9 @@ TEST_F(UrlTableTest, movedEvidenceIsMendedAtLoad) {
 TEST_F(UrlTableTest, aLoadShowsWhatItIsAt) {
     page(1, "a");
     test::MemoryTask shown;
-    table.RecordsetDirty = true;
+    table.recordsetDirty = true;
     EXPECT_EQ(table.LoadURLs(shown), LoadResult::Loaded);
-    EXPECT_FALSE(table.RecordsetDirty);
+    EXPECT_FALSE(table.recordsetDirty);
     ASSERT_EQ(shown.headings.size(), 1u);
     EXPECT_EQ(shown.headings[0].title, "LOADING URLS");
     EXPECT_TRUE(shown.headings[0].detail.starts_with("TIP: If you are using Filters"));
@@ -238,16 +238,16 @@ TEST_F(UrlTableTest, theRecordFiltersComeAfterTheQueryAndStayThroughASort) {
     page(1, "b blog");
     page(2, "drop");
     page(3, "a blog");
-    table.Filters.EnableFilters = true;
-    table.Filters.showHistoryURLs = true;
-    table.Filters.showBlogs = true;
+    table.filters.enableFilters = true;
+    table.filters.showHistoryURLs = true;
+    table.filters.showBlogs = true;
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), (Texts{"b blog", "a blog"}));
     EXPECT_EQ(table.hiddenCount(), 1u);
     EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, task), LoadResult::Loaded);
     EXPECT_EQ(urls(), (Texts{"a blog", "b blog"}));
     EXPECT_EQ(table.hiddenCount(), 1u);
-    table.Filters.EnableFilters = false;
+    table.filters.enableFilters = false;
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.rowCount(), 3u);
     EXPECT_EQ(table.hiddenCount(), 0u);
@@ -255,7 +255,7 @@ TEST_F(UrlTableTest, theRecordFiltersComeAfterTheQueryAndStayThroughASort) {
 
 TEST_F(UrlTableTest, tellsFiltersThatHideEverythingFromAQueryThatFindsNothing) {
     page(1, "a");
-    table.Filters.EnableFilters = true;
+    table.filters.enableFilters = true;
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.emptyState(), EmptyState::AllHidden);
     EXPECT_EQ(table.hiddenCount(), 1u);
@@ -302,7 +302,7 @@ TEST_F(UrlTableTest, everySortableColumnSorts) {
 TEST_F(UrlTableTest, aSortStaysWithinTheRowsOfTheQuery) {
     for (int i = 0; i < 30; ++i)
         add({{"Visits", std::int64_t{i}}, {"URL", fmt::format("{:02}", i)}});
-    table.choice.ActiveQueryName = "TOP 25 URLs";
+    table.choice.activeQueryName = "TOP 25 URLs";
     table.LoadURLs(task);
     EXPECT_EQ(table.rowCount(), 25u);
     EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, task), LoadResult::Loaded);
@@ -333,7 +333,7 @@ TEST_F(UrlTableTest, aCancelledTaggingTagsNone) {
 TEST_F(UrlTableTest, aProjectThatCantBeWrittenIsShownAllTheSame) {
     page(1, "a");
     db().exec("PRAGMA query_only = 1");
-    table.RootPath = "/new";
+    table.rootPath = "/new";
     EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), Texts{"a"});
     ASSERT_EQ(log.entries.size(), 1u);

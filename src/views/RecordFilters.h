@@ -15,8 +15,8 @@ struct UrlRecord;
 
 /// The record filters: which rows of a query are shown. Kept in memory only, for one run of the
 /// program. The flags stand in the order of their tests.
-struct FiltersClass {
-    bool EnableFilters = false; ///< off: every row is shown
+struct RecordFilters {
+    bool enableFilters = false; ///< off: every row is shown
 
     // Data sources: off, they veto.
     bool showHistoryURLs = false;
@@ -62,22 +62,22 @@ struct FiltersClass {
 
     bool showAll = false; ///< what no source vetoes is shown, whatever its kind
 
-    bool operator==(const FiltersClass &) const = default;
+    bool operator==(const RecordFilters &) const = default;
 };
 
 /// As a run of the program starts: off, and with every source and kind admitted, so that enabling
 /// them hides nothing yet.
-FiltersClass firstFilters();
+RecordFilters firstFilters();
 
 /// What the filters look at, in the form in which they compare it.
 struct FilterFacts {
-    bool IsHistory = false;
-    bool IsCookie = false;
-    bool IsBookmark = false;
+    bool isHistory = false;
+    bool isCookie = false;
+    bool isBookmark = false;
     bool isCache = false;   ///< by its `CacheType`
-    std::string Category;   ///< upper case
-    std::string URLFileExt; ///< as stored
-    std::string URL;        ///< lower case
+    std::string category;   ///< upper case
+    std::string urlFileExt; ///< as stored
+    std::string url;        ///< lower case
 };
 
 /// A few words of a filter's test, at most as many as the longest needs.
@@ -96,7 +96,7 @@ enum class FilterGroup { Source, Kind, Site, All };
 /// A flag: its name, what the dialog calls it, and what admits a record by it. Sources and
 /// `showAll` have no words.
 struct FilterFlag {
-    bool FiltersClass::*flag;
+    bool RecordFilters::*flag;
     std::string_view name;
     std::string_view label;
     FilterGroup group;
@@ -106,26 +106,26 @@ struct FilterFlag {
     FilterWords urlParts = {};      ///< the URL contains one of these
 };
 
-/// All flags but `EnableFilters`, in the order of their tests.
+/// All flags but `enableFilters`, in the order of their tests.
 std::span<const FilterFlag> filterFlags();
 /// By its name in any case, with or without the "show" before it; null when there is none.
 const FilterFlag *findFilterFlag(std::string_view name);
 
 /// Whether a record is shown by flags that are enabled.
-bool FilterRecord(const FiltersClass &filters, const UrlRecord &record);
+bool filterRecord(const RecordFilters &filters, const UrlRecord &record);
 /// The same by what was read of a row. Facts that needsOf() leaves out may be empty.
-bool FilterRecord(const FiltersClass &filters, const FilterFacts &facts);
+bool filterRecord(const RecordFilters &filters, const FilterFacts &facts);
 
 /// Which facts the flags that are on look at, besides source and type.
 struct FilterNeeds {
-    bool Category = false;
-    bool URLFileExt = false;
-    bool URL = false;
+    bool category = false;
+    bool urlFileExt = false;
+    bool url = false;
 };
-FilterNeeds needsOf(const FiltersClass &filters);
+FilterNeeds needsOf(const RecordFilters &filters);
 
 /// Whether any data source is admitted: without one hardly a record can be.
-bool hasSource(const FiltersClass &filters);
+bool hasSource(const RecordFilters &filters);
 /// What the examiner is told of filters without one.
 Message missingRecordType();
 

@@ -1,4 +1,4 @@
-#include "views/EXIFClass.h"
+#include "views/Exif.h"
 
 #include "base/Files.h"
 #include "base/Text.h"
@@ -186,7 +186,7 @@ std::string ExifPicture::valueOf(std::uint16_t tag, bool gps) const {
     return {};
 }
 
-std::string EXIFClass::GetEXIFValue(std::string_view tagName, const ExifPicture &image) {
+std::string Exif::getEXIFValue(std::string_view tagName, const ExifPicture &image) {
     const auto names = exifTagNames();
     const auto found = std::ranges::find(names, tagName, &ExifTagName::name);
     return found == names.end() ? std::string() : image.valueOf(found->tag, isGpsName(found->name));

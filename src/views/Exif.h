@@ -46,11 +46,11 @@ inline bool isGpsName(std::string_view name) {
     return name.starts_with("Gps") && name != "GpsIFD";
 }
 
-class EXIFClass {
+class Exif {
   public:
     /// The text of one tag. The name is compared exactly; one that isn't in the table gives the
     /// empty text, as does a picture without the tag.
-    static std::string GetEXIFValue(std::string_view tagName, const ExifPicture &image);
+    static std::string getEXIFValue(std::string_view tagName, const ExifPicture &image);
 };
 
 /// The EXIF block of a JPEG or TIFF file, beginning with "Exif" and two zeros; nothing when there

@@ -1,4 +1,4 @@
-#include "views/FiltersClass.h"
+#include "views/RecordFilters.h"
 
 #include "base/Text.h"
 #include "db/UrlRecord.h"
@@ -10,7 +10,7 @@ namespace nv {
 
 namespace {
 
-using F = FiltersClass;
+using F = RecordFilters;
 using Group = FilterGroup;
 
 // Four kinds go by category. "MUSIC/AUDIO", "MOVIES", "COMPRESSED FILES" and "EXECUTABLES" are the
@@ -98,32 +98,32 @@ bool containsOneOf(const std::string &text, const FilterWords &parts) {
 }
 
 bool admits(const FilterFlag &test, const FilterFacts &facts) {
-    return isOneOf(facts.URLFileExt, test.extensions) || isOneOf(facts.Category, test.categories) ||
-           containsOneOf(facts.Category, test.categoryParts) ||
-           containsOneOf(facts.URL, test.urlParts);
+    return isOneOf(facts.urlFileExt, test.extensions) || isOneOf(facts.category, test.categories) ||
+           containsOneOf(facts.category, test.categoryParts) ||
+           containsOneOf(facts.url, test.urlParts);
 }
 
 /// A source that is off hides its records, even from `showAll`.
-bool isVetoed(const FiltersClass &filters, const FilterFacts &facts) {
-    return (facts.IsHistory && !filters.showHistoryURLs) ||
-           (!filters.showCacheURLs && facts.isCache) || (facts.IsCookie && !filters.showCookies) ||
-           (facts.IsBookmark && !filters.showBookmarks);
+bool isVetoed(const RecordFilters &filters, const FilterFacts &facts) {
+    return (facts.isHistory && !filters.showHistoryURLs) ||
+           (!filters.showCacheURLs && facts.isCache) || (facts.isCookie && !filters.showCookies) ||
+           (facts.isBookmark && !filters.showBookmarks);
 }
 
 FilterFacts factsOf(const UrlRecord &record) {
-    return {.IsHistory = record.IsHistory,
-            .IsCookie = record.IsCookie,
-            .IsBookmark = record.IsBookmark,
+    return {.isHistory = record.IsHistory,
+            .isCookie = record.IsCookie,
+            .isBookmark = record.IsBookmark,
             .isCache = groupOf(record.cacheType) == RecordGroup::cache,
-            .Category = toUpper(record.Category),
-            .URLFileExt = record.URLFileExt,
-            .URL = toLower(record.URL)};
+            .category = toUpper(record.Category),
+            .urlFileExt = record.URLFileExt,
+            .url = toLower(record.URL)};
 }
 
 } // namespace
 
-FiltersClass firstFilters() {
-    FiltersClass filters;
+RecordFilters firstFilters() {
+    RecordFilters filters;
     for (const FilterFlag &each : kFlags)
         if (each.group == Group::Source || each.group == Group::All)
             filters.*each.flag = true;
@@ -142,34 +142,34 @@ const FilterFlag *findFilterFlag(std::string_view name) {
     return found == std::ranges::end(kFlags) ? nullptr : found;
 }
 
-bool FilterRecord(const FiltersClass &filters, const UrlRecord &record) {
-    return FilterRecord(filters, factsOf(record));
+bool filterRecord(const RecordFilters &filters, const UrlRecord &record) {
+    return filterRecord(filters, factsOf(record));
 }
 
-bool FilterRecord(const FiltersClass &filters, const FilterFacts &facts) {
+bool filterRecord(const RecordFilters &filters, const FilterFacts &facts) {
     if (isVetoed(filters, facts))
         return false;
     // Not vetoed, so their flags are on.
-    if (facts.IsCookie || facts.IsBookmark || filters.showAll)
+    if (facts.isCookie || facts.isBookmark || filters.showAll)
         return true;
     return std::ranges::any_of(
         kFlags, [&](const FilterFlag &each) { return filters.*each.flag && admits(each, facts); });
 }
 
-FilterNeeds needsOf(const FiltersClass &filters) {
+FilterNeeds needsOf(const RecordFilters &filters) {
     FilterNeeds needs;
     if (filters.showAll)
         return needs;
     for (const FilterFlag &each : kFlags)
         if (filters.*each.flag) {
-            needs.Category |= each.categories.count + each.categoryParts.count > 0;
-            needs.URLFileExt |= each.extensions.count > 0;
-            needs.URL |= each.urlParts.count > 0;
+            needs.category |= each.categories.count + each.categoryParts.count > 0;
+            needs.urlFileExt |= each.extensions.count > 0;
+            needs.url |= each.urlParts.count > 0;
         }
     return needs;
 }
 
-bool hasSource(const FiltersClass &filters) {
+bool hasSource(const RecordFilters &filters) {
     return filters.showHistoryURLs || filters.showCacheURLs || filters.showCookies ||
            filters.showBookmarks;
 }
