@@ -30,28 +30,28 @@ ReportSettings settingsOf(const Program &program) {
 /// The options that are kept.
 struct KeptFlag {
     FlagKey key;
-    bool ReportClass::*flag;
+    bool ReportWriter::*flag;
 };
 constexpr std::array<KeptFlag, 8> kFlags = {{
-    {"UseCustomLogo", &ReportClass::UseCustomLogo},
-    {"IncludeAudit", &ReportClass::IncludeAudit},
-    {"IncludeLinkAnalysis", &ReportClass::IncludeLinkAnalysis},
-    {"IncludeNotes", &ReportClass::IncludeNotes},
-    {"IncludeTimeRebuilt", &ReportClass::IncludeTimeRebuilt},
-    {"IncludeDataSource", &ReportClass::IncludeDataSource},
-    {"IncludeUser", &ReportClass::IncludeUser},
-    {"IncludeCaseTrail", &ReportClass::IncludeCaseTrail},
+    {"UseCustomLogo", &ReportWriter::useCustomLogo},
+    {"IncludeAudit", &ReportWriter::includeAudit},
+    {"IncludeLinkAnalysis", &ReportWriter::includeLinkAnalysis},
+    {"IncludeNotes", &ReportWriter::includeNotes},
+    {"IncludeTimeRebuilt", &ReportWriter::includeTimeRebuilt},
+    {"IncludeDataSource", &ReportWriter::includeDataSource},
+    {"IncludeUser", &ReportWriter::includeUser},
+    {"IncludeCaseTrail", &ReportWriter::includeCaseTrail},
 }};
 
 struct KeptText {
     TextKey key;
-    std::string ReportClass::*text;
+    std::string ReportWriter::*text;
 };
 constexpr std::array<KeptText, 4> kTexts = {{
-    {"CaseNumber", &ReportClass::CaseNumber},
-    {"ReportTitle", &ReportClass::ReportTitle},
-    {"Organization", &ReportClass::Organization},
-    {"ReportedBy", &ReportClass::ReportedBy},
+    {"CaseNumber", &ReportWriter::caseNumber},
+    {"ReportTitle", &ReportWriter::reportTitle},
+    {"Organization", &ReportWriter::organization},
+    {"ReportedBy", &ReportWriter::reportedBy},
 }};
 
 } // namespace
@@ -66,42 +66,42 @@ ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesys
       m_folder(folder), report(m_context) {}
 
 bool ReportTools::run(std::span<const std::int32_t> ids) {
-    const ReportRows rows = report.IncludeAll ? ReportRows::all : ReportRows::tagged;
+    const ReportRows rows = report.includeAll ? ReportRows::all : ReportRows::tagged;
     const RebuildContext &ctx = m_context.rebuild;
     const ReportFolder folder(m_folder);
     // Nothing of an earlier report may be taken for this one, wherever it stops.
-    std::filesystem::remove(folder.index(report.ReportType));
-    report.Cancel = fillSortTable(ctx.project, ids, rows, ctx.task) == Walk::Cancelled;
-    if (report.Cancel)
+    std::filesystem::remove(folder.index(report.reportType));
+    report.cancel = fillSortTable(ctx.project, ids, rows, ctx.task) == Walk::Cancelled;
+    if (report.cancel)
         return false;
-    if (report.ReportType == 0)
-        report.CreateGraphicalReport(m_folder);
+    if (report.reportType == 0)
+        report.createGraphicalReport(m_folder);
     else
-        report.CreateTabularReport(m_folder);
-    if (report.Cancel || !std::filesystem::is_regular_file(report.ReportFilePath))
+        report.createTabularReport(m_folder);
+    if (report.cancel || !std::filesystem::is_regular_file(report.reportFilePath))
         return false;
     noteReport(m_program, report, rowsReported(ctx.project));
     return true;
 }
 
-void readReportOptions(const IniFile &settings, ReportClass &report) {
+void readReportOptions(const IniFile &settings, ReportWriter &report) {
     for (const KeptText &kept : kTexts)
         report.*kept.text = readText(settings, kept.key);
     for (const KeptFlag &kept : kFlags)
         report.*kept.flag = readFlag(settings, kept.key);
-    report.ReportType = readNumber(settings, "ReportType");
-    report.DefaultThumbnailPath = readText(settings, "DefaultThumbnailPath");
+    report.reportType = readNumber(settings, "ReportType");
+    report.defaultThumbnailPath = readText(settings, "DefaultThumbnailPath");
     report.AgencyLogoPath = readText(settings, "AgencyLogoPath");
 }
 
-void writeReportOptions(const ReportClass &report, IniFile &settings) {
+void writeReportOptions(const ReportWriter &report, IniFile &settings) {
     for (const KeptText &kept : kTexts)
         writeText(settings, kept.key, report.*kept.text);
     for (const KeptFlag &kept : kFlags)
         writeFlag(settings, kept.key, report.*kept.flag);
-    writeFlag(settings, "UseDefaultThumbnailPath", report.UseDefaultThumbnailPath);
-    writeNumber(settings, "ReportType", report.ReportType);
-    writeText(settings, "DefaultThumbnailPath", textOf(report.DefaultThumbnailPath));
+    writeFlag(settings, "UseDefaultThumbnailPath", report.useDefaultThumbnailPath);
+    writeNumber(settings, "ReportType", report.reportType);
+    writeText(settings, "DefaultThumbnailPath", textOf(report.defaultThumbnailPath));
     writeText(settings, "AgencyLogoPath", textOf(report.AgencyLogoPath));
 }
 

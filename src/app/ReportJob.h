@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/RecordTools.h"
-#include "reports/ReportClass.h"
+#include "reports/ReportWriter.h"
 #include "reports/SortTable.h"
 
 #include <filesystem>
@@ -17,7 +17,7 @@ class ReportTools {
     /// `folder` is an existing folder of the program's own; the report lies in its "Report".
     ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder);
 
-    /// The driver: makes the report of `ids`, the rows of the table, or with `IncludeAll` off of
+    /// The driver: makes the report of `ids`, the rows of the table, or with `includeAll` off of
     /// those that are ticked. True when it was finished, which the case trail then tells. Throws
     /// StorageFailure.
     bool run(std::span<const std::int32_t> ids);
@@ -30,11 +30,11 @@ class ReportTools {
     std::filesystem::path m_folder;
 
   public:
-    ReportClass report;
+    ReportWriter report;
 };
 
-/// The options of the last report, and back. `UseDefaultThumbnailPath` is kept but never read.
-void readReportOptions(const IniFile &settings, ReportClass &report);
-void writeReportOptions(const ReportClass &report, IniFile &settings);
+/// The options of the last report, and back. `useDefaultThumbnailPath` is kept but never read.
+void readReportOptions(const IniFile &settings, ReportWriter &report);
+void writeReportOptions(const ReportWriter &report, IniFile &settings);
 
 } // namespace nv

@@ -141,16 +141,16 @@ void noteTemplate(Program &program, const std::filesystem::path &file, const std
 
 /// The report lies in the scratch folder, which the next start empties: a path in there would name
 /// nothing that anybody finds later. Its hashes do, since publishing copies byte by byte.
-void noteReport(Program &program, const ReportClass &report, std::int64_t rows) {
+void noteReport(Program &program, const ReportWriter &report, std::int64_t rows) {
     TrailEntry entry;
     entry.action = "Report";
     entry.detail = fmt::format("{} report of {}; in the program's scratch folder until it is "
                                "published, with the same hashes",
-                               report.ReportType == 0 ? "Graphical" : "Tabular",
+                               report.reportType == 0 ? "Graphical" : "Tabular",
                                counted(static_cast<std::uint64_t>(rows), "row"));
     entry.rowCount = rows;
-    noteFileInTrail(program, std::move(entry), report.ReportFilePath,
-                    report.ReportFilePath.filename());
+    noteFileInTrail(program, std::move(entry), report.reportFilePath,
+                    report.reportFilePath.filename());
 }
 
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published) {
@@ -161,7 +161,7 @@ void notePublish(Program &program, const std::filesystem::path &page, const Publ
     noteFileInTrail(program, std::move(entry), page);
 }
 
-void noteExport(Program &program, const ExportClass &job, std::string_view place) {
+void noteExport(Program &program, const Export &job, std::string_view place) {
     TrailEntry entry;
     entry.action = "Export";
     entry.detail = fmt::format("{} exported as {}",
@@ -169,9 +169,9 @@ void noteExport(Program &program, const ExportClass &job, std::string_view place
                                extensionOf(job.format));
     entry.rowCount = job.counts.rows;
     if (place.empty())
-        noteFileInTrail(program, std::move(entry), job.OutputFilePath);
+        noteFileInTrail(program, std::move(entry), job.outputFilePath);
     else
-        noteFileInTrail(program, std::move(entry), job.OutputFilePath, place);
+        noteFileInTrail(program, std::move(entry), job.outputFilePath, place);
 }
 
 } // namespace nv

@@ -4,9 +4,9 @@
 #include "db/CaseTrail.h"
 #include "import/ImportSummary.h"
 #include "maintenance/SourceCheck.h"
-#include "reports/ExportClass.h"
+#include "reports/Export.h"
 #include "reports/PublishReport.h"
-#include "reports/ReportClass.h"
+#include "reports/ReportWriter.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -37,10 +37,10 @@ void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskE
 void noteTemplate(Program &program, const std::filesystem::path &file, const std::string &outcome,
                   std::int64_t rows);
 /// Of a finished one.
-void noteReport(Program &program, const ReportClass &report, std::int64_t rows);
+void noteReport(Program &program, const ReportWriter &report, std::int64_t rows);
 /// `page` is the index page in the folder that is handed over.
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published);
 /// `place` stands for the name of the file where that says nothing: of the standard output.
-void noteExport(Program &program, const ExportClass &job, std::string_view place = {});
+void noteExport(Program &program, const Export &job, std::string_view place = {});
 
 } // namespace nv

@@ -65,13 +65,13 @@ SelectedColumns columnsOf(const std::vector<std::string> &keys) {
     return columnsFromString(text);
 }
 
-ExportClass jobOf(const Arguments &arguments) {
-    ExportClass job;
+Export jobOf(const Arguments &arguments) {
+    Export job;
     job.format = formatOf(arguments);
     job.delimiter = delimiterOf(arguments.delimiter);
-    job.ExportAllRows = !arguments.tagged;
-    job.ExportAllColumns = arguments.columns.empty();
-    job.SelectedColumns = columnsOf(arguments.columns);
+    job.exportAllRows = !arguments.tagged;
+    job.exportAllColumns = arguments.columns.empty();
+    job.selectedColumns = columnsOf(arguments.columns);
     job.guardFormulas = arguments.guardFormulas;
     return job;
 }
@@ -99,7 +99,7 @@ void handOver(Session &session, const fs::path &file) {
 }
 
 /// Which form it is isn't plain when the extension has none.
-std::string closingLine(const ExportClass &job) {
+std::string closingLine(const Export &job) {
     if (job.format == ExportFormat::delimited)
         return fmt::format("{} written as text delimited by {}\n",
                            counted(static_cast<std::uint64_t>(job.counts.rows), "row"),
@@ -110,12 +110,12 @@ std::string closingLine(const ExportClass &job) {
 }
 
 Exit run(Session &session, const Arguments &arguments) {
-    ExportClass job = jobOf(arguments);
+    Export job = jobOf(arguments);
     session.program.thisClass.Filters = filtersFrom(arguments.rows.filter);
     const bool notes = session.openForNote(arguments.project);
     ThisClass &state = session.program.thisClass;
     checkTarget(arguments, state);
-    job.OutputFilePath = toStandardOutput(arguments) ? session.scratch() / "standard-output"
+    job.outputFilePath = toStandardOutput(arguments) ? session.scratch() / "standard-output"
                                                      : fs::path(arguments.file);
     ExportEnd end = ExportEnd::cancelled;
     {
@@ -126,7 +126,7 @@ Exit run(Session &session, const Arguments &arguments) {
                 selectTagged(job, table, project);
             end = exportRows(job, table, session.scratch(), session.task);
             if (end == ExportEnd::exported && toStandardOutput(arguments))
-                handOver(session, job.OutputFilePath);
+                handOver(session, job.outputFilePath);
             if (end == ExportEnd::exported && notes)
                 noteExport(session.program, job,
                            toStandardOutput(arguments) ? "standard output" : "");

@@ -91,30 +91,30 @@ void take(const std::optional<Value> &said, Value &option) {
         option = *said;
 }
 
-void setOptions(ReportClass &report, const Arguments &arguments) {
+void setOptions(ReportWriter &report, const Arguments &arguments) {
     if (arguments.type)
-        report.ReportType = *arguments.type == "graphical" ? 0 : 1;
-    report.IncludeAll = !arguments.tagged;
-    take(arguments.title, report.ReportTitle);
-    take(arguments.caseNumber, report.CaseNumber);
-    take(arguments.organization, report.Organization);
-    take(arguments.reportedBy, report.ReportedBy);
+        report.reportType = *arguments.type == "graphical" ? 0 : 1;
+    report.includeAll = !arguments.tagged;
+    take(arguments.title, report.reportTitle);
+    take(arguments.caseNumber, report.caseNumber);
+    take(arguments.organization, report.organization);
+    take(arguments.reportedBy, report.reportedBy);
     if (arguments.logo) {
         report.AgencyLogoPath = *arguments.logo;
-        report.UseCustomLogo = !arguments.logo->empty();
+        report.useCustomLogo = !arguments.logo->empty();
     }
-    report.DefaultThumbnailPath = arguments.thumbnail;
-    report.UseDefaultThumbnailPath = !arguments.thumbnail.empty();
-    take(arguments.notes, report.IncludeNotes);
-    take(arguments.audit, report.IncludeAudit);
-    take(arguments.links, report.IncludeLinkAnalysis);
-    take(arguments.timeRebuilt, report.IncludeTimeRebuilt);
-    take(arguments.dataSource, report.IncludeDataSource);
-    take(arguments.user, report.IncludeUser);
-    take(arguments.trail, report.IncludeCaseTrail);
-    report.SkipHeader = arguments.noHeader;
-    report.SortAscending = !arguments.descending;
-    report.URLColWidth = arguments.urlWidth;
+    report.defaultThumbnailPath = arguments.thumbnail;
+    report.useDefaultThumbnailPath = !arguments.thumbnail.empty();
+    take(arguments.notes, report.includeNotes);
+    take(arguments.audit, report.includeAudit);
+    take(arguments.links, report.includeLinkAnalysis);
+    take(arguments.timeRebuilt, report.includeTimeRebuilt);
+    take(arguments.dataSource, report.includeDataSource);
+    take(arguments.user, report.includeUser);
+    take(arguments.trail, report.includeCaseTrail);
+    report.skipHeader = arguments.noHeader;
+    report.sortAscending = !arguments.descending;
+    report.urlColWidth = arguments.urlWidth;
 }
 
 /// What a report came to.
@@ -132,7 +132,7 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
     readReportOptions(session.program.settings, tools.report);
     setOptions(tools.report, arguments);
     const bool finished = tools.run(ids);
-    if (!finished && !tools.report.Cancel)
+    if (!finished && !tools.report.cancel)
         throw StorageFailure(fmt::format("the report could not be made; see \"{}\"",
                                          textOf(session.program.log.path())));
     if (!finished)
@@ -143,14 +143,14 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
     removePublished(arguments.out);
     SubTask publishing(session.task, kMaking, 1);
     const Published published = PublishReport(ReportFolder(session.scratch()),
-                                              tools.report.ReportType, arguments.out, publishing);
+                                              tools.report.reportType, arguments.out, publishing);
     if (published.cancelled)
         return std::nullopt;
-    const fs::path index = ReportFolder::at(arguments.out).index(tools.report.ReportType);
+    const fs::path index = ReportFolder::at(arguments.out).index(tools.report.reportType);
     notePublish(session.program, index, published);
     return Made{
         index, published.files, rowsReported(session.program.thisClass.ProjectDB.connection()),
-        tools.report.RecordsFailed + tools.report.FilesFailed + tools.report.PagesIncomplete};
+        tools.report.recordsFailed + tools.report.filesFailed + tools.report.pagesIncomplete};
 }
 
 Exit run(Session &session, const Arguments &arguments) {

@@ -34,11 +34,11 @@ std::string addressCell(const std::string &url) {
 /// What stands in the place of a reference: a part that lies beside the page, or nothing. It is
 /// looked for there and not in a folder of its own, which only rows of this report have. Nothing is
 /// `before` the part's name when the page names it.
-std::string statusCell(std::int64_t TagURLID, std::string_view extension, std::string_view before,
+std::string statusCell(std::int64_t tagURLID, std::string_view extension, std::string_view before,
                        const ReportCard &card, const fs::path &report) {
-    const fs::path name = localNameOf(UrlId{TagURLID}, extension);
+    const fs::path name = localNameOf(UrlId{tagURLID}, extension);
     const fs::path part = fs::path(card.target).parent_path() / name;
-    if (TagURLID <= 0 || !fs::is_regular_file(report / part))
+    if (tagURLID <= 0 || !fs::is_regular_file(report / part))
         return fmt::format("<font color='red'>{}</font>", kMissingPart);
     return fmt::format("{}<a href='{}' target='_new'>{}</a>", before, part.string(), name.string());
 }

@@ -26,31 +26,31 @@ std::string row(std::string_view label, std::string_view value) {
                        kLabelCell, label, kValueCell, value);
 }
 
-std::string picture(const ReportCard &card, const ReportClass &report) {
+std::string picture(const ReportCard &card, const ReportWriter &report) {
     const std::string_view text = card.record.IsHistory
                                       ? "This is a HISTORY record. No file to display."
                                       : "Click to display a full size version of the file.";
     const std::string image =
         fmt::format("<img src='{}' width='{}' alt='{}' border='2' style='border-color: #000080;'>",
-                    report.ImageRelativePath, card.width, text);
+                    report.imageRelativePath, card.width, text);
     // Without a local copy there is nowhere to go to.
-    return report.HREF.empty()
+    return report.href.empty()
                ? image
-               : fmt::format("<a href='{}' target='_new'>{}</a>", report.HREF, image);
+               : fmt::format("<a href='{}' target='_new'>{}</a>", report.href, image);
 }
 
-std::string leftCell(const ReportCard &card, const ReportClass &report) {
+std::string leftCell(const ReportCard &card, const ReportWriter &report) {
     return fmt::format(
         "   <td width='240' align='center' valign='middle' style='font-size:11px;padding:6px;'>"
         "{}<br>URL ID #{}</td>\r\n",
         picture(card, report), number(card.record.URLID));
 }
 
-std::string rebuiltRow(const ReportClass &report) {
-    if (!report.IncludeTimeRebuilt)
+std::string rebuiltRow(const ReportWriter &report) {
+    if (!report.includeTimeRebuilt)
         return {};
-    return row("Time Rebuilt:", report.RebuiltDateTime.empty() ? "Not rebuilt (default)"
-                                                               : htmlText(report.RebuiltDateTime));
+    return row("Time Rebuilt:", report.rebuiltDateTime.empty() ? "Not rebuilt (default)"
+                                                               : htmlText(report.rebuiltDateTime));
 }
 
 std::string dateRows(const UrlRecord &record, const ReportContext &ctx) {
@@ -78,33 +78,33 @@ std::string dateRows(const UrlRecord &record, const ReportContext &ctx) {
 }
 
 /// Kinds of history have no browser of their own in the table of names: the record's kind is added.
-std::string sourceRow(const UrlRecord &record, const ReportClass &report) {
-    std::string value = report.Browser + " Version " + htmlText(record.HistoryVersion);
+std::string sourceRow(const UrlRecord &record, const ReportWriter &report) {
+    std::string value = report.browser + " Version " + htmlText(record.HistoryVersion);
     if (groupOf(record.cacheType) != RecordGroup::cache)
         value += fmt::format(" ({})", htmlText(record.cacheType));
     return row("Data Source:", value);
 }
 
-std::string addressRow(const ReportClass &report) {
-    const std::string text = htmlText(report.OriginalURL);
-    if (!isLink(report.OriginalURL))
+std::string addressRow(const ReportWriter &report) {
+    const std::string text = htmlText(report.originalURL);
+    if (!isLink(report.originalURL))
         return row("Original URL:", text);
     return row("Original URL:",
                fmt::format("<a href='{}' target='_new' title='Click to go to this URL now'>{}</a>",
-                           htmlAddress(report.OriginalURL), text));
+                           htmlAddress(report.originalURL), text));
 }
 
-std::string fileRow(const ReportCard &card, const ReportClass &report) {
-    if (report.HREF.empty())
+std::string fileRow(const ReportCard &card, const ReportWriter &report) {
+    if (report.href.empty())
         return row("Local Evidence File:", card.absence);
     return row("Local Evidence File:",
-               fmt::format("<a href='{0}' target='_new'>{0}</a>{1}", report.HREF,
+               fmt::format("<a href='{0}' target='_new'>{0}</a>{1}", report.href,
                            card.incomplete ? " Not all parts of the rebuilt page could be brought; "
                                              "the log of the program says why."
                                            : ""));
 }
 
-std::string facts(const ReportCard &card, const ReportClass &report, const ReportContext &ctx) {
+std::string facts(const ReportCard &card, const ReportWriter &report, const ReportContext &ctx) {
     const auto orBlank = [](std::string_view value) {
         return value.empty() ? std::string("&nbsp;") : htmlText(value);
     };
@@ -112,9 +112,9 @@ std::string facts(const ReportCard &card, const ReportClass &report, const Repor
            "border='0' "
            "cellspacing='0' cellpadding='2'>\r\n" +
            row("Title:", orBlank(report.pageTitle)) +
-           row("Cache File Name:", orBlank(report.PageFileName)) +
-           row("Parent Folder:", orBlank(report.PageParentFolderName)) +
-           row("User:", orBlank(report.User)) + row("Visits:", orBlank(report.Visits)) +
+           row("Cache File Name:", orBlank(report.pageFileName)) +
+           row("Parent Folder:", orBlank(report.pageParentFolderName)) +
+           row("User:", orBlank(report.user)) + row("Visits:", orBlank(report.visits)) +
            rebuiltRow(report) + row("Action:", orBlank(card.record.Action)) +
            dateRows(card.record, ctx) + sourceRow(card.record, report) + addressRow(report) +
            fileRow(card, report) + "       </table>\r\n   </td>\r\n";
@@ -122,17 +122,17 @@ std::string facts(const ReportCard &card, const ReportClass &report, const Repor
 
 } // namespace
 
-std::string cardText(const ReportClass &report, const ReportCard &card, const ReportContext &ctx) {
+std::string cardText(const ReportWriter &report, const ReportCard &card, const ReportContext &ctx) {
     std::string text = "<table width='760' border='0' cellspacing='0' cellpadding='0' "
                        "style='font-family:Tahoma,sans-serif;border-bottom:1px solid #c0c0c0;"
                        "page-break-inside:avoid;'>\r\n<tr>\r\n" +
                        leftCell(card, report) + std::string(kDivider) + facts(card, report, ctx) +
                        "</tr>\r\n";
-    if (report.IncludeLinkAnalysis)
+    if (report.includeLinkAnalysis)
         text += linkSection(card, ctx);
-    if (report.IncludeNotes)
+    if (report.includeNotes)
         text += notesSection(card);
-    if (report.IncludeAudit)
+    if (report.includeAudit)
         text += auditSection(card, report.reportFolderPath, ctx);
     return text + "</table>";
 }

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "reports/CardEvidence.h"
-#include "reports/ReportClass.h"
+#include "reports/ReportWriter.h"
 
 #include <string>
 
 namespace nv {
 
 /// The cue card of the record in hand, with the sections that the report includes.
-std::string cardText(const ReportClass &report, const ReportCard &card, const ReportContext &ctx);
+std::string cardText(const ReportWriter &report, const ReportCard &card, const ReportContext &ctx);
 
 /// In the place of a card that can't be written.
 std::string brokenCard(UrlId id);

@@ -17,21 +17,21 @@ ExportColumn columnOf(const ListedColumn &chosen) {
             chosen.defaultColWidth};
 }
 
-std::vector<ExportColumn> columnsOf(const ExportClass &job) {
+std::vector<ExportColumn> columnsOf(const Export &job) {
     std::vector<ExportColumn> columns;
-    const SelectedColumns chosen = job.ExportAllColumns ? defaultUrlColumns() : job.SelectedColumns;
+    const SelectedColumns chosen = job.exportAllColumns ? defaultUrlColumns() : job.selectedColumns;
     for (const ListedColumn &column : chosen)
         columns.push_back(columnOf(column));
     return columns;
 }
 
-void selectAll(ExportClass &job, const UrlTable &table) {
-    job.SelectedURLs.clear();
+void selectAll(Export &job, const UrlTable &table) {
+    job.selectedURLs.clear();
     for (std::size_t row = 1; row <= table.rowCount(); ++row)
-        job.SelectedURLs.add({row});
+        job.selectedURLs.add({row});
 }
 
-std::unique_ptr<ExportWriter> makeWriter(ExportClass &job, const std::filesystem::path &scratch) {
+std::unique_ptr<ExportWriter> makeWriter(Export &job, const std::filesystem::path &scratch) {
     switch (job.format) {
     case ExportFormat::csv:
         return makeCsvWriter(job);
@@ -71,49 +71,49 @@ void showProgress(TaskMonitor &task, std::int64_t row, std::size_t total) {
 
 } // namespace
 
-ExportEnd exportRows(ExportClass &job, UrlTable &table, const std::filesystem::path &scratch,
+ExportEnd exportRows(Export &job, UrlTable &table, const std::filesystem::path &scratch,
                      TaskMonitor &task) {
     task.describe({"EXPORTING URLS", "", "", ""});
     job.counts = {};
-    job.ExportText.clear();
+    job.exportText.clear();
     const auto columns = columnsOf(job);
     showColumns(table, columns, job.format);
     // Before anything is written: a column that the project lacks would be empty in every row.
     table.checkColumns();
-    if (job.ExportAllRows)
+    if (job.exportAllRows)
         selectAll(job, table);
     const auto writer = makeWriter(job, scratch);
     ExportCells cells(table);
     writer->begin(columns);
-    const std::size_t total = job.SelectedURLs.count();
-    for (const RowClass &row : job.SelectedURLs) {
+    const std::size_t total = job.selectedURLs.count();
+    for (const ExportedRow &row : job.selectedURLs) {
         if (!task.advance(static_cast<double>(job.counts.rows) / static_cast<double>(total))) {
-            job.ExportText.clear();
+            job.exportText.clear();
             job.abandon();
             return ExportEnd::cancelled;
         }
-        writer->row(cells, row.RowNumber - 1);
-        if (!cells.isRead(row.RowNumber - 1))
+        writer->row(cells, row.rowNumber - 1);
+        if (!cells.isRead(row.rowNumber - 1))
             job.counts.unread.insert(
-                static_cast<std::int32_t>(number(table.idAt(row.RowNumber - 1))));
+                static_cast<std::int32_t>(number(table.idAt(row.rowNumber - 1))));
         showProgress(task, ++job.counts.rows, total);
     }
     writer->finish();
     return ExportEnd::exported;
 }
 
-void selectTagged(ExportClass &job, const UrlTable &table, SQLite::Database &project) {
+void selectTagged(Export &job, const UrlTable &table, SQLite::Database &project) {
     // One statement instead of reading a million rows for their ticks.
     std::unordered_set<std::int64_t> tagged;
     SQLite::Statement ids(project, "SELECT URL_ID FROM URLs WHERE Tagged <> 0");
     while (ids.executeStep())
         tagged.insert(ids.getColumn(0).getInt64());
-    job.SelectedURLs.clear();
+    job.selectedURLs.clear();
     std::size_t row = 0;
     for (const std::int32_t id : table.ids()) {
         ++row;
         if (tagged.contains(id))
-            job.SelectedURLs.add({row});
+            job.selectedURLs.add({row});
     }
 }
 

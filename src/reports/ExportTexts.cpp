@@ -15,28 +15,28 @@ constexpr std::string_view kLineBreak = "\r\n";
 /// What forms of text share: lines go to the job, which hands them on to the file.
 class TextWriter : public ExportWriter {
   public:
-    explicit TextWriter(ExportClass &job) : m_job(job) {}
+    explicit TextWriter(Export &job) : m_job(job) {}
 
     void begin(const std::vector<ExportColumn> &columns) override {
         m_columns = columns;
-        m_job.ExportText = heading();
+        m_job.exportText = heading();
     }
     void row(ExportCells &cells, std::size_t place) override {
         appendRow(cells, place);
         m_job.drain();
     }
-    void finish() override { m_job.ExportToFile(); }
+    void finish() override { m_job.exportToFile(); }
 
   protected:
     virtual std::string heading() = 0;
     virtual void appendRow(ExportCells &cells, std::size_t place) = 0;
 
     const std::vector<ExportColumn> &columns() const { return m_columns; }
-    ExportClass &job() { return m_job; }
-    std::string &text() { return m_job.ExportText; }
+    Export &job() { return m_job; }
+    std::string &text() { return m_job.exportText; }
 
   private:
-    ExportClass &m_job;
+    Export &m_job;
     std::vector<ExportColumn> m_columns;
 };
 
@@ -156,15 +156,15 @@ class JsonLinesWriter final : public TextWriter {
 
 } // namespace
 
-std::unique_ptr<ExportWriter> makeDelimitedWriter(ExportClass &job) {
+std::unique_ptr<ExportWriter> makeDelimitedWriter(Export &job) {
     return std::make_unique<DelimitedWriter>(job);
 }
 
-std::unique_ptr<ExportWriter> makeCsvWriter(ExportClass &job) {
+std::unique_ptr<ExportWriter> makeCsvWriter(Export &job) {
     return std::make_unique<CsvWriter>(job);
 }
 
-std::unique_ptr<ExportWriter> makeJsonLinesWriter(ExportClass &job) {
+std::unique_ptr<ExportWriter> makeJsonLinesWriter(Export &job) {
     return std::make_unique<JsonLinesWriter>(job);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reports/ExportClass.h"
+#include "reports/Export.h"
 #include "views/UrlTable.h"
 
 #include <filesystem>
@@ -48,12 +48,11 @@ class ExportWriter {
     virtual void finish() = 0;
 };
 
-std::unique_ptr<ExportWriter> makeDelimitedWriter(ExportClass &job);
-std::unique_ptr<ExportWriter> makeCsvWriter(ExportClass &job);
-std::unique_ptr<ExportWriter> makeJsonLinesWriter(ExportClass &job);
+std::unique_ptr<ExportWriter> makeDelimitedWriter(Export &job);
+std::unique_ptr<ExportWriter> makeCsvWriter(Export &job);
+std::unique_ptr<ExportWriter> makeJsonLinesWriter(Export &job);
 /// `scratch` is an existing folder for the sheet on its way.
-std::unique_ptr<ExportWriter> makeXlsxWriter(ExportClass &job,
-                                             const std::filesystem::path &scratch);
+std::unique_ptr<ExportWriter> makeXlsxWriter(Export &job, const std::filesystem::path &scratch);
 
 /// Programs of spreadsheets take such a text for a formula.
 bool looksLikeFormula(std::string_view text);

@@ -68,14 +68,14 @@ std::string sheetText(std::string text) {
 /// begins, so a sheet of any length needs little memory.
 class XlsxWriter final : public ExportWriter {
   public:
-    XlsxWriter(ExportClass &job, const std::filesystem::path &scratch)
-        : m_job(job), m_file(job.OutputFilePath), m_scratch(scratch.string()) {
+    XlsxWriter(Export &job, const std::filesystem::path &scratch)
+        : m_job(job), m_file(job.outputFilePath), m_scratch(scratch.string()) {
         lxw_workbook_options options{};
         options.constant_memory = LXW_TRUE;
         options.tmpdir = m_scratch.data();
         m_book = workbook_new_opt(m_file.aside().c_str(), &options);
         if (!m_book)
-            failStorage("cannot write", m_job.OutputFilePath, ENOMEM);
+            failStorage("cannot write", m_job.outputFilePath, ENOMEM);
     }
     ~XlsxWriter() override {
         if (m_book)
@@ -107,13 +107,13 @@ class XlsxWriter final : public ExportWriter {
         const lxw_error problem = workbook_close(std::exchange(m_book, nullptr));
         if (problem != LXW_NO_ERROR)
             throw StorageFailure(fmt::format("cannot write \"{}\": {}",
-                                             textOf(m_job.OutputFilePath), lxw_strerror(problem)));
+                                             textOf(m_job.outputFilePath), lxw_strerror(problem)));
         // The library takes no notice of a disk that fills up while it puts the sheets together.
         if (countSheets(m_file.aside()) != m_written)
             throw StorageFailure(fmt::format(
                 "cannot write \"{}\": the sheets don't hold all rows; is there no room left in "
                 "\"{}\"?",
-                textOf(m_job.OutputFilePath), m_scratch));
+                textOf(m_job.outputFilePath), m_scratch));
         m_file.finish();
     }
 
@@ -190,7 +190,7 @@ class XlsxWriter final : public ExportWriter {
         worksheet_write_string(m_sheet, m_row, at, shorter.c_str(), nullptr);
     }
 
-    ExportClass &m_job;
+    Export &m_job;
     ExportFile m_file;
     std::string m_scratch;
     lxw_workbook *m_book = nullptr;
@@ -203,8 +203,7 @@ class XlsxWriter final : public ExportWriter {
 
 } // namespace
 
-std::unique_ptr<ExportWriter> makeXlsxWriter(ExportClass &job,
-                                             const std::filesystem::path &scratch) {
+std::unique_ptr<ExportWriter> makeXlsxWriter(Export &job, const std::filesystem::path &scratch) {
     return std::make_unique<XlsxWriter>(job, scratch);
 }
 

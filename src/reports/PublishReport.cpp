@@ -24,17 +24,17 @@ void addFolder(std::vector<fs::path> &files, const fs::path &folder) {
 }
 
 /// The page comes last: whoever finds it, even after a power cut, finds all that it shows.
-std::vector<fs::path> filesOf(const ReportFolder &report, int ReportType) {
+std::vector<fs::path> filesOf(const ReportFolder &report, int reportType) {
     std::vector<fs::path> files;
     addFolder(files, report.images());
-    if (ReportType == 0) {
+    if (reportType == 0) {
         addFolder(files, report.pictures());
         const Bytes names = readWhole(report.rowFolders());
         for (const std::string_view line : split(ByteView(names).raw(), '\n'))
             if (const std::string_view name = trim(line); !name.empty())
                 addFolder(files, report.path / name);
     }
-    files.push_back(report.index(ReportType));
+    files.push_back(report.index(reportType));
     return files;
 }
 
@@ -101,28 +101,28 @@ void removePublished(const fs::path &target) {
     old.removeRowFolders();
 }
 
-bool isReportThere(const ReportFolder &report, int ReportType) {
-    return fs::is_regular_file(report.index(ReportType));
+bool isReportThere(const ReportFolder &report, int reportType) {
+    return fs::is_regular_file(report.index(reportType));
 }
 
-void removePublished(const fs::path &target, int ReportType) {
+void removePublished(const fs::path &target, int reportType) {
     const ReportFolder old = ReportFolder::at(target);
-    if (!isReportThere(old, ReportType))
+    if (!isReportThere(old, reportType))
         return;
-    fs::remove(old.index(ReportType));
-    if (ReportType != 0)
+    fs::remove(old.index(reportType));
+    if (reportType != 0)
         return;
     fs::remove_all(old.pictures());
     old.removeRowFolders();
 }
 
-Published PublishReport(const ReportFolder &report, int ReportType, const fs::path &target,
+Published PublishReport(const ReportFolder &report, int reportType, const fs::path &target,
                         TaskMonitor &task) {
     task.describe({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""});
-    const auto files = filesOf(report, ReportType);
+    const auto files = filesOf(report, reportType);
     Published published;
     HalfPublished half(target);
-    fs::remove(ReportFolder::at(target).index(ReportType)); // that of an earlier report
+    fs::remove(ReportFolder::at(target).index(reportType)); // that of an earlier report
     for (const fs::path &file : files) {
         show(published.files + 1, files.size(), file, task);
         if (!task.advance(static_cast<double>(published.files) /

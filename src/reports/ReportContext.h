@@ -22,7 +22,7 @@ struct ReportSettings {
 /// All that making a report needs. Everything must outlive it.
 struct ReportContext {
     RebuildContext rebuild; ///< project, records, evidence, scratch folder, log and task
-    const TimeZone &GMTZone;
+    const TimeZone &gmtZone;
     const Clock &clock;
     Drawing *drawing = nullptr; ///< none where nothing can be drawn
     ReportSettings settings;

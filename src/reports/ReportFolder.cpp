@@ -48,12 +48,12 @@ void ReportFolder::removeRowFolders() const {
             fs::remove_all(entry.path());
 }
 
-void ReportFolder::prepare(int ReportType) const {
+void ReportFolder::prepare(int reportType) const {
     makeFolder(images());
     fs::remove(unfinished());
     fs::remove(copied());
-    fs::remove(index(ReportType));
-    if (ReportType != 0)
+    fs::remove(index(reportType));
+    if (reportType != 0)
         return;
     makeEmptyFolder(pictures());
     removeRowFolders();

@@ -25,16 +25,16 @@ struct ReportFolder {
     std::filesystem::path copied() const { return path / "~index"; }
     /// Names the folders of the rows of a graphical report, one a line.
     std::filesystem::path rowFolders() const { return path / "~rptids"; }
-    /// The finished page; `ReportType` 0 is graphical.
-    std::filesystem::path index(int ReportType) const {
-        return path / (ReportType == 0 ? "index-cache.htm" : "index-history.htm");
+    /// The finished page; `reportType` 0 is graphical.
+    std::filesystem::path index(int reportType) const {
+        return path / (reportType == 0 ? "index-cache.htm" : "index-history.htm");
     }
     std::filesystem::path images() const { return path / "images"; }
     std::filesystem::path pictures() const { return path / "pictures"; }
 
     /// Makes the folders and takes away what an earlier report of this type left; a graphical
     /// report takes all folders of rows with it: they may be those of another case.
-    void prepare(int ReportType) const;
+    void prepare(int reportType) const;
     void removeRowFolders() const;
     /// Brings in the program's own pictures, new for each report.
     void copyImages(const std::filesystem::path &from, FailureLog &log) const;

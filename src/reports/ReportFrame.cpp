@@ -1,7 +1,7 @@
 // Head and tail of a report's page.
 #include "base/Succeeds.h"
 #include "reports/Html.h"
-#include "reports/ReportClass.h"
+#include "reports/ReportWriter.h"
 
 #include <fmt/format.h>
 
@@ -25,33 +25,33 @@ constexpr std::string_view kBlock =
 
 } // namespace
 
-void ReportClass::CreateHeader(std::ostream &file) {
-    HeaderFailed = !succeeds(
+void ReportWriter::createHeader(std::ostream &file) {
+    headerFailed = !succeeds(
         m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateHeader()",
         "Error Creating Report Header", [&] {
-            PrintEntry(file, "<!DOCTYPE HTML PUBLIC '-//W3C//DTD HTML 4.0 Transitional//EN'>");
-            PrintEntry(file, "<html>");
-            PrintEntry(file, kPolicy);
-            PrintEntry(file, "   <head><title>Norvelane 2.0 Internet Cache and History Analysis "
+            printEntry(file, "<!DOCTYPE HTML PUBLIC '-//W3C//DTD HTML 4.0 Transitional//EN'>");
+            printEntry(file, "<html>");
+            printEntry(file, kPolicy);
+            printEntry(file, "   <head><title>Norvelane 2.0 Internet Cache and History Analysis "
                              "Report</title></head>");
-            PrintEntry(file, "<body style='margin-top:10px;margin-bottom:10px;margin-left:10px;"
+            printEntry(file, "<body style='margin-top:10px;margin-bottom:10px;margin-left:10px;"
                              "margin-right:10px;' bgcolor='white'>");
-            PrintEntry(file, "<!-- report table -->");
-            PrintEntry(file, kBlock);
-            PrintEntry(file,
+            printEntry(file, "<!-- report table -->");
+            printEntry(file, kBlock);
+            printEntry(file,
                        fmt::format("<strong><font color='#000066'>{}</font></strong></div>",
-                                   ReportTitle.empty()
+                                   reportTitle.empty()
                                        ? "Norvelane Internet Cache &amp; History Analysis Report"
-                                       : htmlText(ReportTitle)));
-            PrintEntry(file, customerOptions());
-            PrintEntry(file, zoneNote());
+                                       : htmlText(reportTitle)));
+            printEntry(file, customerOptions());
+            printEntry(file, zoneNote());
         });
 }
 
-std::string ReportClass::customerOptions() {
+std::string ReportWriter::customerOptions() {
     const std::string date =
-        fmt::format("<strong>Report Date:</strong>&nbsp;&nbsp;{}", htmlText(ReportDate));
-    if (SkipHeader)
+        fmt::format("<strong>Report Date:</strong>&nbsp;&nbsp;{}", htmlText(reportDate));
+    if (skipHeader)
         return fmt::format("<div style='font-family:Tahoma,sans-serif;font-size:10px;'>{}</div>",
                            date);
     return fmt::format(
@@ -61,25 +61,26 @@ std::string ReportClass::customerOptions() {
         "<strong>Organization: </strong>&nbsp;{}<br>\r\n<strong>Case Number: </strong>&nbsp;{}"
         "</td>\r\n<td align='right' valign='top'><img src='{}' alt='' "
         "style='max-width:240px;max-height:120px;'></td></tr>\r\n</table>",
-        date, htmlText(ReportedBy), htmlText(Organization), htmlText(CaseNumber), logo());
+        date, htmlText(reportedBy), htmlText(organization), htmlText(caseNumber), logo());
 }
 
-std::string ReportClass::ownPicture(const std::filesystem::path &picture, const std::string &name) {
+std::string ReportWriter::ownPicture(const std::filesystem::path &picture,
+                                     const std::string &name) {
     const std::string own = m_folder.takePicture(picture, name, m_ctx.rebuild.log);
     if (own.empty())
-        PicturesFailed.insert(picture);
+        picturesFailed.insert(picture);
     return own;
 }
 
-std::string ReportClass::logo() {
+std::string ReportWriter::logo() {
     std::string own;
-    if (UseCustomLogo && !AgencyLogoPath.empty())
+    if (useCustomLogo && !AgencyLogoPath.empty())
         own = ownPicture(AgencyLogoPath, "agency-logo");
     return own.empty() ? "images/norvelane-logo.png" : own;
 }
 
-std::string ReportClass::zoneNote() const {
-    const TimeZone &zone = m_ctx.GMTZone;
+std::string ReportWriter::zoneNote() const {
+    const TimeZone &zone = m_ctx.gmtZone;
     std::string note = fmt::format(
         "<div style='font-family:Tahoma,sans-serif;font-size:10px;width:760px;'>Results are "
         "displayed in Coordinated Universal Time (UTC).<br>\r\nThe active time bias is set to: "
@@ -90,20 +91,20 @@ std::string ReportClass::zoneNote() const {
     return note + "</div>";
 }
 
-void ReportClass::CreateFooter(std::ostream &file) {
-    FooterFailed = !succeeds(
+void ReportWriter::createFooter(std::ostream &file) {
+    footerFailed = !succeeds(
         m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateFooter()",
         "Error Creating Report Footer", [&] {
-            PrintEntry(file, "<br><br>");
-            PrintEntry(file,
+            printEntry(file, "<br><br>");
+            printEntry(file,
                        fmt::format(
                            "<table width='760' bgcolor='#E0E0E0' style='font-family:Tahoma,"
                            "sans-serif;font-size:10px;'><tr><td>Report created using Norvelene<SUP>"
                            "<FONT style='font-size: 8pt;'>&reg;</FONT></SUP> Version {}</td></tr>"
                            "</table>",
                            m_ctx.settings.version));
-            PrintEntry(file, "</body>");
-            PrintEntry(file, "</html>");
+            printEntry(file, "</body>");
+            printEntry(file, "</html>");
         });
 }
 

@@ -9,7 +9,7 @@ namespace nv {
 
 ZoneDate actionDate(const UrlRecord &record, const ReportContext &ctx) {
     const DateSettings &settings = ctx.settings.dates;
-    const TimeZone &zone = ctx.GMTZone;
+    const TimeZone &zone = ctx.gmtZone;
     const Date local = convertDateToZone(record.ActionDateUTC, zone, settings.EnableDSTChanges);
     if (!local.has())
         return {};

@@ -33,13 +33,13 @@ std::string dateCell(const UrlRecord &record, const ReportContext &ctx) {
                             dateColour(record), htmlText(date.text), date.bias, date.daylight));
 }
 
-std::string addressCell(const ReportClass &report) {
-    const std::string text = htmlText(report.OriginalURL);
+std::string addressCell(const ReportWriter &report) {
+    const std::string text = htmlText(report.originalURL);
     const std::string width =
-        report.URLColWidth > 0 ? fmt::format(" width='{}'", report.URLColWidth) : "";
-    const std::string link = isLink(report.OriginalURL)
+        report.urlColWidth > 0 ? fmt::format(" width='{}'", report.urlColWidth) : "";
+    const std::string link = isLink(report.originalURL)
                                  ? fmt::format("<a href='{}' target='_new'>{}</a>",
-                                               htmlAddress(report.OriginalURL), text)
+                                               htmlAddress(report.originalURL), text)
                                  : text;
     return fmt::format("<td valign='top'{} style='overflow-wrap:anywhere;'>{}</td>", width,
                        link.empty() ? "&nbsp;" : link);
@@ -47,7 +47,7 @@ std::string addressCell(const ReportClass &report) {
 
 } // namespace
 
-std::string tabularHead(const ReportClass &report) {
+std::string tabularHead(const ReportWriter &report) {
     std::string text = "   <table border='1' cellspacing='0' cellpadding='3' style='font-family:"
                        "Tahoma,sans-serif;font-size:11px;border-collapse:collapse;'>\r\n   <tr "
                        "bgcolor='#E0E0E0'>";
@@ -56,26 +56,26 @@ std::string tabularHead(const ReportClass &report) {
     };
     for (const std::string_view label : {"&nbsp;", "Index", "URL_ID", "Type", "Visits"})
         head(label);
-    if (report.IncludeDataSource)
+    if (report.includeDataSource)
         head("Data Source");
     head("Last Visited [Local]");
-    if (report.IncludeUser)
+    if (report.includeUser)
         head("User");
     head("Universal Resource Locator (URL)");
     return text + "</tr>";
 }
 
-std::string tabularRow(const ReportClass &report, const UrlRecord &record,
+std::string tabularRow(const ReportWriter &report, const UrlRecord &record,
                        const ReportContext &ctx) {
     std::string text =
-        fmt::format("   <tr><td><input type='checkbox' name='box{}'></td>", report.Index) +
-        cell(std::to_string(report.Index)) + cell(std::to_string(number(record.URLID))) +
-        typeCell(record) + cell(report.Visits);
-    if (report.IncludeDataSource)
+        fmt::format("   <tr><td><input type='checkbox' name='box{}'></td>", report.recordIndex) +
+        cell(std::to_string(report.recordIndex)) + cell(std::to_string(number(record.URLID))) +
+        typeCell(record) + cell(report.visits);
+    if (report.includeDataSource)
         text += cell(htmlText(record.cacheType));
     text += dateCell(record, ctx);
-    if (report.IncludeUser)
-        text += cell(htmlText(report.User));
+    if (report.includeUser)
+        text += cell(htmlText(report.user));
     return text + addressCell(report) + "</tr>";
 }
 

@@ -33,28 +33,28 @@ Loaded &loaded() {
 
 void exportAllColumns(benchmark::State &state) {
     Loaded &all = loaded();
-    ExportClass job;
+    Export job;
     job.format = static_cast<ExportFormat>(state.range(0));
-    job.OutputFilePath = all.project.folder.path() / "out";
+    job.outputFilePath = all.project.folder.path() / "out";
     for (auto _ : state)
         exportRows(job, all.table, all.project.folder.path(), all.task);
     state.SetItemsProcessed(state.iterations() * kRows);
     state.SetBytesProcessed(
         state.iterations() *
-        static_cast<std::int64_t>(std::filesystem::file_size(job.OutputFilePath)));
+        static_cast<std::int64_t>(std::filesystem::file_size(job.outputFilePath)));
 }
 BENCHMARK(exportAllColumns)->DenseRange(0, 3)->Unit(benchmark::kMillisecond);
 
 /// The same bytes, at hand already, through the same file.
 void writeTheSameBytes(benchmark::State &state) {
     Loaded &all = loaded();
-    ExportClass job;
+    Export job;
     job.format = static_cast<ExportFormat>(state.range(0));
-    job.OutputFilePath = all.project.folder.path() / "out";
+    job.outputFilePath = all.project.folder.path() / "out";
     exportRows(job, all.table, all.project.folder.path(), all.task);
-    const Bytes bytes = readWhole(job.OutputFilePath);
+    const Bytes bytes = readWhole(job.outputFilePath);
     for (auto _ : state) {
-        ExportFile file(job.OutputFilePath);
+        ExportFile file(job.outputFilePath);
         file.write(ByteView(bytes).raw());
         file.finish();
     }

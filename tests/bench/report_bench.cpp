@@ -1,4 +1,4 @@
-#include "reports/ReportClass.h"
+#include "reports/ReportWriter.h"
 #include "reports/SortTable.h"
 #include "support/TestProject.h"
 
@@ -39,7 +39,7 @@ struct ManyRows {
     }
 };
 
-void report(benchmark::State &state, void (ReportClass::*make)(const std::filesystem::path &)) {
+void report(benchmark::State &state, void (ReportWriter::*make)(const std::filesystem::path &)) {
     static ManyRows many;
     Unwatched task;
     const ReportContext ctx{{many.project.connection(),
@@ -55,18 +55,18 @@ void report(benchmark::State &state, void (ReportClass::*make)(const std::filesy
                             {}};
     std::uintmax_t bytes = 0;
     for (auto _ : state) {
-        ReportClass each(ctx);
+        ReportWriter each(ctx);
         (each.*make)(many.folder);
-        bytes = std::filesystem::file_size(each.ReportFilePath);
+        bytes = std::filesystem::file_size(each.reportFilePath);
     }
     state.SetItemsProcessed(state.iterations() * kRows);
     state.counters["bytes"] = static_cast<double>(bytes);
 }
 void graphicalReport(benchmark::State &state) {
-    report(state, &ReportClass::CreateGraphicalReport);
+    report(state, &ReportWriter::createGraphicalReport);
 }
 void tabularReport(benchmark::State &state) {
-    report(state, &ReportClass::CreateTabularReport);
+    report(state, &ReportWriter::createTabularReport);
 }
 BENCHMARK(graphicalReport)->Unit(benchmark::kMillisecond);
 BENCHMARK(tabularReport)->Unit(benchmark::kMillisecond);

@@ -190,9 +190,9 @@ void UpgradeExportTest::cancelInTheDialogWritesNothing() {
 }
 
 void UpgradeExportTest::aNameFollowsItsFormat() {
-    ExportClass job;
+    Export job;
     Answers examiner;
-    job.ColumnsAsString = "Index|Index;URL|COL_URL_VALUE;";
+    job.columnsAsString = "Index|Index;URL|COL_URL_VALUE;";
     ExportForm form(job, 3, {}, examiner);
     auto &name = child<QLineEdit>(form, "txtOutputFilename");
     auto &formats = child<QComboBox>(form, "cbFormat");
@@ -206,9 +206,9 @@ void UpgradeExportTest::aNameFollowsItsFormat() {
     child<QAbstractButton>(form, "opRowsTagged").click();
     form.accept();
     QCOMPARE(job.delimiter, std::string("\t"));
-    QVERIFY(!job.ExportAllRows);
-    QCOMPARE(job.OutputFileExt, std::string("txt"));
-    QCOMPARE(job.SelectedColumns.count(), std::size_t{2});
+    QVERIFY(!job.exportAllRows);
+    QCOMPARE(job.outputFileExt, std::string("txt"));
+    QCOMPARE(job.selectedColumns.count(), std::size_t{2});
 }
 
 /// Keys of two commands run neither.

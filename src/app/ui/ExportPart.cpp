@@ -29,17 +29,17 @@ void ExportPart::ExportColumns() {
     if (!table)
         return;
     ThisClass &state = m_bench.program.thisClass;
-    ExportClass job;
-    job.ColumnsAsString = columnsAsString(m_bench.table->grid().tableLayout().shownColumns());
+    Export job;
+    job.columnsAsString = columnsAsString(m_bench.table->grid().tableLayout().shownColumns());
     selectTagged(job, *table, m_bench.project());
     ExportForm form(job, table->rowCount(), {state.ProjectDBPath, evidenceFolders(state)},
                     m_bench.examiner(), &m_bench.window);
     form.exec();
-    if (form.result() == QDialog::Accepted && !job.Cancel)
+    if (form.result() == QDialog::Accepted && !job.cancel)
         run(job);
 }
 
-void ExportPart::run(ExportClass &job) {
+void ExportPart::run(Export &job) {
     UrlTable &table = *m_bench.table->table();
     ExportEnd end = ExportEnd::cancelled;
     std::optional<std::string> failure;
@@ -60,14 +60,14 @@ void ExportPart::run(ExportClass &job) {
         tell(job);
 }
 
-void ExportPart::tell(const ExportClass &job) {
+void ExportPart::tell(const Export &job) {
     std::string notes;
     for (const std::string &note : notesOf(job.counts))
         notes += "\n" + note;
     m_bench.showNotice(
-        tr("%L1 rows exported to %2").arg(job.counts.rows).arg(toQt(textOf(job.OutputFilePath))));
+        tr("%L1 rows exported to %2").arg(job.counts.rows).arg(toQt(textOf(job.outputFilePath))));
     if (m_bench.examiner().ask(messages::columnsExported(notes)) == Answer::Yes)
-        openFile(job.OutputFilePath);
+        openFile(job.outputFilePath);
 }
 
 } // namespace nv

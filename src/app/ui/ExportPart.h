@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/ui/Workbench.h"
-#include "reports/ExportClass.h"
+#include "reports/Export.h"
 
 #include <filesystem>
 #include <functional>
@@ -20,8 +20,8 @@ class ExportPart final : public QObject {
 
   private:
     void ExportColumns();
-    void run(ExportClass &job);
-    void tell(const ExportClass &job);
+    void run(Export &job);
+    void tell(const Export &job);
 
     Workbench &m_bench;
 };

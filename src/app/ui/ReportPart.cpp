@@ -109,7 +109,7 @@ bool ReportPart::chooseOptions(ReportTools &tools) {
     const auto tagged = taggedIds(program, unread);
     const auto shown = static_cast<std::size_t>(std::ranges::count_if(
         ids, [&tagged](std::int64_t id) { return std::ranges::binary_search(tagged, id); }));
-    tools.report.IncludeAll = shown == 0;
+    tools.report.includeAll = shown == 0;
     ReportForm form(tools.report, ids.size(), shown, m_bench.examiner(), &m_bench.window);
     if (form.exec() != QDialog::Accepted)
         return false;
@@ -121,14 +121,14 @@ bool ReportPart::chooseOptions(ReportTools &tools) {
 void ReportPart::tellOf(const ReportTools &tools, bool finished) {
     if (finished) {
         m_bench.actions.openReportFolder->setEnabled(true);
-        showReport(tools.report.ReportFilePath);
+        showReport(tools.report.reportFilePath);
         m_bench.showNotice(
-            tr("The report is ready: %1").arg(pathToQt(tools.report.ReportFilePath)));
+            tr("The report is ready: %1").arg(pathToQt(tools.report.reportFilePath)));
         if (const auto notes = notesOf(tools.report); !notes.empty())
             m_bench.examiner().tell(messages::reportingError(
                 fmt::format("{}\n\nThe log \"{}\" says why.", fmt::join(notes, "\n"),
                             textOf(m_bench.program.log.path()))));
-    } else if (tools.report.Cancel) {
+    } else if (tools.report.cancel) {
         m_bench.showNotice(tr("The report was cancelled."));
     } else {
         m_bench.examiner().tell(messages::reportingError(fmt::format(

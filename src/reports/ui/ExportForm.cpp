@@ -37,8 +37,8 @@ QHBoxLayout *lineOf(QWidget &line) {
 
 } // namespace
 
-ExportForm::ExportForm(ExportClass &job, std::size_t rows, Untouchable untouchable,
-                       Examiner &examiner, QWidget *parent)
+ExportForm::ExportForm(Export &job, std::size_t rows, Untouchable untouchable, Examiner &examiner,
+                       QWidget *parent)
     : QDialog(parent), m_job(job), m_untouchable(std::move(untouchable)), m_examiner(examiner) {
     setObjectName(QStringLiteral("ExportForm"));
     setWindowTitle(tr("Export Columns"));
@@ -68,7 +68,7 @@ QWidget *ExportForm::newColumns() {
     m_columns->setObjectName(QStringLiteral("List1"));
     m_columns->setAccessibleName(tr("Columns"));
     m_columns->setAlternatingRowColors(true);
-    for (const ListedColumn &column : columnsFromString(m_job.ColumnsAsString)) {
+    for (const ListedColumn &column : columnsFromString(m_job.columnsAsString)) {
         const QString header = toQt(column.columnHeader);
         auto *item = new QListWidgetItem(header.isEmpty() ? tr("Tag") : header, m_columns);
         item->setData(Qt::UserRole, toQt(column.keyName));
@@ -96,7 +96,7 @@ QWidget *ExportForm::newRowChoice(std::size_t rows) {
         row->addWidget(button);
     };
     add(tr("A&ll rows (%L1)").arg(rows), "opRowsAll");
-    add(tr("&Tagged rows (%L1)").arg(m_job.SelectedURLs.count()), "opRowsTagged");
+    add(tr("&Tagged rows (%L1)").arg(m_job.selectedURLs.count()), "opRowsTagged");
     row->addStretch();
     m_rows->button(0)->setChecked(true);
     return line;
@@ -209,27 +209,27 @@ void ExportForm::accept() {
 }
 
 void ExportForm::reject() {
-    m_job.Cancel = true;
+    m_job.cancel = true;
     QDialog::reject();
 }
 
 void ExportForm::fillJob(const std::filesystem::path &path) {
-    m_job.Cancel = false;
+    m_job.cancel = false;
     m_job.delimiter = kDelimiters.at(static_cast<std::size_t>(m_delimiter->checkedId()));
     m_job.format = format();
     m_job.guardFormulas = m_guard->isChecked();
-    m_job.ExportAllRows = m_rows->checkedId() == 0;
-    m_job.ExportAllColumns = m_all->isChecked();
-    m_job.OutputFilePath = path;
+    m_job.exportAllRows = m_rows->checkedId() == 0;
+    m_job.exportAllColumns = m_all->isChecked();
+    m_job.outputFilePath = path;
     const std::string extension = path.extension();
-    m_job.OutputFileExt = extension.empty() ? extension : extension.substr(1);
-    const SelectedColumns offered = columnsFromString(m_job.ColumnsAsString);
-    m_job.SelectedColumns.clear();
+    m_job.outputFileExt = extension.empty() ? extension : extension.substr(1);
+    const SelectedColumns offered = columnsFromString(m_job.columnsAsString);
+    m_job.selectedColumns.clear();
     for (int row = 0; row < m_columns->count(); ++row) {
         const QListWidgetItem *item = m_columns->item(row);
         const std::string key = fromQt(item->data(Qt::UserRole).toString());
         if (item->checkState() == Qt::Checked)
-            m_job.SelectedColumns.add(offered.item(key), key);
+            m_job.selectedColumns.add(offered.item(key), key);
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Examiner.h"
-#include "reports/ExportClass.h"
+#include "reports/Export.h"
 #include "reports/ExportFile.h"
 
 #include <QDialog>
@@ -19,9 +19,9 @@ class ExportForm final : public QDialog {
     Q_OBJECT
 
   public:
-    /// `job` is filled when the dialog is confirmed; its `ColumnsAsString` gives the columns to
+    /// `job` is filled when the dialog is confirmed; its `columnsAsString` gives the columns to
     /// choose from and its `SelectedURLs` the tagged rows. `rows` is the table's number of rows.
-    ExportForm(ExportClass &job, std::size_t rows, Untouchable untouchable, Examiner &examiner,
+    ExportForm(Export &job, std::size_t rows, Untouchable untouchable, Examiner &examiner,
                QWidget *parent = nullptr);
 
     void accept() override;
@@ -38,7 +38,7 @@ class ExportForm final : public QDialog {
     ExportFormat format() const;
     void fillJob(const std::filesystem::path &path);
 
-    ExportClass &m_job;
+    Export &m_job;
     Untouchable m_untouchable;
     Examiner &m_examiner;
     QListWidget *m_columns = nullptr; ///< List1

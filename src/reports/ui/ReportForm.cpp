@@ -49,7 +49,7 @@ QWidget *side(std::initializer_list<QWidget *> widgets) {
 
 } // namespace
 
-ReportForm::ReportForm(const ReportClass &report, std::size_t rows, std::size_t tagged,
+ReportForm::ReportForm(const ReportWriter &report, std::size_t rows, std::size_t tagged,
                        Examiner &examiner, QWidget *parent)
     : QDialog(parent), m_examiner(examiner) {
     setObjectName(QStringLiteral("ReportForm"));
@@ -183,52 +183,52 @@ void ReportForm::explain() {
     m_width->setToolTip(tr("Of a tabular report; longer addresses go on in the next line"));
 }
 
-void ReportForm::show(const ReportClass &report) {
-    m_type->setCurrentIndex(std::max(0, m_type->findData(report.ReportType)));
-    (report.IncludeAll ? m_all : m_tagged)->setChecked(true);
-    (report.SortAscending ? m_ascending : m_descending)->setChecked(true);
-    m_title->setText(toQt(report.ReportTitle));
-    m_caseNumber->setText(toQt(report.CaseNumber));
-    m_organization->setText(toQt(report.Organization));
-    m_reportedBy->setText(toQt(report.ReportedBy));
+void ReportForm::show(const ReportWriter &report) {
+    m_type->setCurrentIndex(std::max(0, m_type->findData(report.reportType)));
+    (report.includeAll ? m_all : m_tagged)->setChecked(true);
+    (report.sortAscending ? m_ascending : m_descending)->setChecked(true);
+    m_title->setText(toQt(report.reportTitle));
+    m_caseNumber->setText(toQt(report.caseNumber));
+    m_organization->setText(toQt(report.organization));
+    m_reportedBy->setText(toQt(report.reportedBy));
     m_logo->setText(pathToQt(report.AgencyLogoPath));
-    m_useLogo->setChecked(report.UseCustomLogo);
-    m_thumbnail->setText(pathToQt(report.DefaultThumbnailPath));
-    m_useThumbnail->setChecked(report.UseDefaultThumbnailPath);
-    m_audit->setChecked(report.IncludeAudit);
-    m_links->setChecked(report.IncludeLinkAnalysis);
-    m_notes->setChecked(report.IncludeNotes);
-    m_timeRebuilt->setChecked(report.IncludeTimeRebuilt);
-    m_dataSource->setChecked(report.IncludeDataSource);
-    m_user->setChecked(report.IncludeUser);
-    m_header->setChecked(report.SkipHeader);
-    m_trail->setChecked(report.IncludeCaseTrail);
-    m_width->setCurrentIndex(std::max(0, m_width->findData(report.URLColWidth)));
+    m_useLogo->setChecked(report.useCustomLogo);
+    m_thumbnail->setText(pathToQt(report.defaultThumbnailPath));
+    m_useThumbnail->setChecked(report.useDefaultThumbnailPath);
+    m_audit->setChecked(report.includeAudit);
+    m_links->setChecked(report.includeLinkAnalysis);
+    m_notes->setChecked(report.includeNotes);
+    m_timeRebuilt->setChecked(report.includeTimeRebuilt);
+    m_dataSource->setChecked(report.includeDataSource);
+    m_user->setChecked(report.includeUser);
+    m_header->setChecked(report.skipHeader);
+    m_trail->setChecked(report.includeCaseTrail);
+    m_width->setCurrentIndex(std::max(0, m_width->findData(report.urlColWidth)));
     previewLogo();
     followType();
 }
 
-void ReportForm::apply(ReportClass &report) const {
-    report.ReportType = type();
-    report.IncludeAll = m_all->isChecked();
-    report.SortAscending = m_ascending->isChecked();
-    report.ReportTitle = fromQt(m_title->text());
-    report.CaseNumber = fromQt(m_caseNumber->text());
-    report.Organization = fromQt(m_organization->text());
-    report.ReportedBy = fromQt(m_reportedBy->text());
+void ReportForm::apply(ReportWriter &report) const {
+    report.reportType = type();
+    report.includeAll = m_all->isChecked();
+    report.sortAscending = m_ascending->isChecked();
+    report.reportTitle = fromQt(m_title->text());
+    report.caseNumber = fromQt(m_caseNumber->text());
+    report.organization = fromQt(m_organization->text());
+    report.reportedBy = fromQt(m_reportedBy->text());
     report.AgencyLogoPath = pathFromQt(m_logo->text());
-    report.UseCustomLogo = m_useLogo->isChecked();
-    report.DefaultThumbnailPath = pathFromQt(m_thumbnail->text());
-    report.UseDefaultThumbnailPath = m_useThumbnail->isChecked();
-    report.IncludeAudit = m_audit->isChecked();
-    report.IncludeLinkAnalysis = m_links->isChecked();
-    report.IncludeNotes = m_notes->isChecked();
-    report.IncludeTimeRebuilt = m_timeRebuilt->isChecked();
-    report.IncludeDataSource = m_dataSource->isChecked();
-    report.IncludeUser = m_user->isChecked();
-    report.SkipHeader = m_header->isChecked();
-    report.IncludeCaseTrail = m_trail->isChecked();
-    report.URLColWidth = m_width->currentData().toInt();
+    report.useCustomLogo = m_useLogo->isChecked();
+    report.defaultThumbnailPath = pathFromQt(m_thumbnail->text());
+    report.useDefaultThumbnailPath = m_useThumbnail->isChecked();
+    report.includeAudit = m_audit->isChecked();
+    report.includeLinkAnalysis = m_links->isChecked();
+    report.includeNotes = m_notes->isChecked();
+    report.includeTimeRebuilt = m_timeRebuilt->isChecked();
+    report.includeDataSource = m_dataSource->isChecked();
+    report.includeUser = m_user->isChecked();
+    report.skipHeader = m_header->isChecked();
+    report.includeCaseTrail = m_trail->isChecked();
+    report.urlColWidth = m_width->currentData().toInt();
 }
 
 int ReportForm::type() const {

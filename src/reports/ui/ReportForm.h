@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Examiner.h"
-#include "reports/ReportClass.h"
+#include "reports/ReportWriter.h"
 
 #include <QDialog>
 
@@ -20,11 +20,11 @@ class ReportForm final : public QDialog {
 
   public:
     /// `report` and `examiner` must outlive it. The counts are those of the table.
-    ReportForm(const ReportClass &report, std::size_t rows, std::size_t tagged, Examiner &examiner,
+    ReportForm(const ReportWriter &report, std::size_t rows, std::size_t tagged, Examiner &examiner,
                QWidget *parent = nullptr);
 
     /// Takes what the examiner chose into `report`.
-    void apply(ReportClass &report) const;
+    void apply(ReportWriter &report) const;
     void accept() override;
 
   private:
@@ -33,7 +33,7 @@ class ReportForm final : public QDialog {
     void addPictures(QFormLayout &form);
     void addContents(QFormLayout &form);
     void explain();
-    void show(const ReportClass &report);
+    void show(const ReportWriter &report);
     void followType();
     void previewLogo();
     QWidget *picturePath(QLineEdit *&path, const char *name, const QString &title);

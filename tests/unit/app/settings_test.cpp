@@ -84,14 +84,14 @@ TEST_F(SettingsTest, aReportBeginsWithTheDefaultsOfTheRows) {
     ReportTools fresh(*program, task, folder.path());
     ReportTools asSet(*program, task, folder.path());
     readReportOptions(program->settings, asSet.report);
-    for (bool ReportClass::*flag :
-         {&ReportClass::UseCustomLogo, &ReportClass::IncludeAudit,
-          &ReportClass::IncludeLinkAnalysis, &ReportClass::IncludeNotes,
-          &ReportClass::IncludeTimeRebuilt, &ReportClass::IncludeDataSource,
-          &ReportClass::IncludeUser, &ReportClass::IncludeCaseTrail})
+    for (bool ReportWriter::*flag :
+         {&ReportWriter::useCustomLogo, &ReportWriter::includeAudit,
+          &ReportWriter::includeLinkAnalysis, &ReportWriter::includeNotes,
+          &ReportWriter::includeTimeRebuilt, &ReportWriter::includeDataSource,
+          &ReportWriter::includeUser, &ReportWriter::includeCaseTrail})
         EXPECT_EQ(fresh.report.*flag, asSet.report.*flag);
-    EXPECT_EQ(fresh.report.ReportTitle, asSet.report.ReportTitle);
-    EXPECT_EQ(fresh.report.ReportType, asSet.report.ReportType);
+    EXPECT_EQ(fresh.report.reportTitle, asSet.report.reportTitle);
+    EXPECT_EQ(fresh.report.reportType, asSet.report.reportType);
 }
 
 /// Found by the commands, checked and shown as any other: the row is all that it takes.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reports/ReportClass.h"
+#include "reports/ReportWriter.h"
 #include "reports/SortTable.h"
 #include "unit/rebuild/RebuildFixture.h"
 
@@ -89,17 +89,17 @@ class ReportFixture : public RebuildFixture {
         return ids;
     }
     /// The finished page; empty when there is none.
-    std::string make(int type, const std::function<void(ReportClass &)> &options = {}) {
+    std::string make(int type, const std::function<void(ReportWriter &)> &options = {}) {
         const ReportContext ctx = reportContext();
-        ReportClass report(ctx);
-        report.ReportType = type;
+        ReportWriter report(ctx);
+        report.reportType = type;
         if (options)
             options(report);
         fillSortTable(project.connection(), allRows(),
-                      report.IncludeAll ? ReportRows::all : ReportRows::tagged, task);
-        type == 0 ? report.CreateGraphicalReport(temp) : report.CreateTabularReport(temp);
-        cancelled = report.Cancel;
-        return textAt(report.ReportFilePath);
+                      report.includeAll ? ReportRows::all : ReportRows::tagged, task);
+        type == 0 ? report.createGraphicalReport(temp) : report.createTabularReport(temp);
+        cancelled = report.cancel;
+        return textAt(report.reportFilePath);
     }
     static std::string textAt(const std::filesystem::path &file) {
         return std::filesystem::exists(file) ? std::string(ByteView(readWhole(file)).raw()) : "";

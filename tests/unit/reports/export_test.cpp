@@ -34,17 +34,17 @@ struct ExportTest : testing::Test {
         project.add({{"URL", "=HYPERLINK(\"http://x\")"},
                      {"Host", "b.example"},
                      {"WebPageTitle", "two\r\nlines"}});
-        job.SelectedColumns = columnsFromString(
+        job.selectedColumns = columnsFromString(
             "Index|Index;|COL_URL_TAG;URL|COL_URL_VALUE;Visits|COL_URL_VISITS;Action Date "
             "[UTC]|COL_URL_ACTION_DATE_UTC;Web Page Title|COL_URL_WEBPAGE_TITLE;");
-        job.ExportAllColumns = false;
+        job.exportAllColumns = false;
         table.LoadURLs(nobody);
         table.sortBy(UrlColumn::Id, SortDirection::Ascending, nobody);
     }
 
     std::string written(ExportFormat format) {
         job.format = format;
-        job.OutputFilePath = out;
+        job.outputFilePath = out;
         EXPECT_EQ(exportRows(job, table, project.folder.path(), nobody), ExportEnd::exported);
         return std::string(ByteView(readWhole(out)).raw());
     }
@@ -66,7 +66,7 @@ struct ExportTest : testing::Test {
     test::MadeProject project;
     Unwatched nobody;
     UrlTable table{project.db(), project.log, project.zone};
-    ExportClass job;
+    Export job;
     test::TempFolder folder;
     fs::path out = folder.path() / "out.txt";
 };
@@ -87,17 +87,17 @@ TEST_F(ExportTest, anotherDelimiterIsTaken) {
 }
 
 TEST_F(ExportTest, noTaggedRowsGiveTheHeadingLineOnly) {
-    job.ExportAllRows = false;
+    job.exportAllRows = false;
     EXPECT_EQ(written(ExportFormat::delimited),
               "Index||URL|Visits|Action Date [UTC]|Web Page Title\r\n");
 }
 
 TEST_F(ExportTest, taggedRowsAreTakenWithTheirNumbersInTheTable) {
     project.db().exec("UPDATE URLs SET Tagged = 1 - Tagged");
-    job.ExportAllRows = false;
+    job.exportAllRows = false;
     selectTagged(job, table, project.db());
-    ASSERT_EQ(job.SelectedURLs.count(), 1U);
-    EXPECT_EQ(job.SelectedURLs.item(std::size_t{1}).RowNumber, 2U);
+    ASSERT_EQ(job.selectedURLs.count(), 1U);
+    EXPECT_EQ(job.selectedURLs.item(std::size_t{1}).rowNumber, 2U);
     EXPECT_THAT(written(ExportFormat::delimited), HasSubstr("\r\n2|True|"));
 }
 
@@ -110,7 +110,7 @@ TEST_F(ExportTest, aHostFilterHoldsForTheExport) {
 }
 
 TEST_F(ExportTest, allColumnsAreThoseOfTheTableHiddenOnesToo) {
-    job.ExportAllColumns = true;
+    job.exportAllColumns = true;
     job.delimiter = ";";
     const std::string text = written(ExportFormat::delimited);
     const std::string heading = text.substr(0, text.find('\r'));
@@ -158,7 +158,7 @@ TEST_F(ExportTest, jsonLinesAreEventsOfATimeline) {
 }
 
 TEST_F(ExportTest, everyDateOfAnEventIsIso) {
-    job.ExportAllColumns = true;
+    job.exportAllColumns = true;
     const std::regex iso(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d(\.\d{6}\+00:00|Z|[+-]\d\d:\d\d))");
     const nlohmann::json event = events().at(0);
     for (const char *key : {"datetime", "COL_URL_ACTION_DATE_UTC", "COL_URL_ACTION_DATE_LOCAL"})
@@ -202,7 +202,7 @@ TEST_F(ExportTest, aCancelWritesNothing) {
     for (const ExportFormat format :
          {ExportFormat::delimited, ExportFormat::csv, ExportFormat::jsonl, ExportFormat::xlsx}) {
         job.format = format;
-        job.OutputFilePath = out;
+        job.outputFilePath = out;
         test::CancelAfter task(1);
         EXPECT_EQ(exportRows(job, table, project.folder.path(), task), ExportEnd::cancelled);
         EXPECT_EQ(task.headings.at(0).title, "EXPORTING URLS");
@@ -212,14 +212,14 @@ TEST_F(ExportTest, aCancelWritesNothing) {
 
 TEST_F(ExportTest, aCancelledOverwriteLeavesTheFile) {
     writeWhole(out, "before");
-    job.OutputFilePath = out;
+    job.outputFilePath = out;
     test::CancelAfter task(1);
     exportRows(job, table, project.folder.path(), task);
     EXPECT_EQ(std::string(ByteView(readWhole(out)).raw()), "before");
 }
 
 TEST_F(ExportTest, anUnwritablePathIsAFailure) {
-    job.OutputFilePath = folder.path() / "none" / "out.txt";
+    job.outputFilePath = folder.path() / "none" / "out.txt";
     for (const ExportFormat format : {ExportFormat::delimited, ExportFormat::xlsx}) {
         job.format = format;
         EXPECT_THROW(exportRows(job, table, project.folder.path(), nobody), StorageFailure);
@@ -232,7 +232,7 @@ TEST_F(ExportTest, aFullDiskIsAFailureInEveryForm) {
     for (const ExportFormat format :
          {ExportFormat::delimited, ExportFormat::csv, ExportFormat::jsonl, ExportFormat::xlsx}) {
         job.format = format;
-        job.OutputFilePath = out;
+        job.outputFilePath = out;
         const test::SmallFiles limit(20'000);
         EXPECT_ANY_THROW(exportRows(job, table, project.folder.path(), nobody));
         job.abandon();
@@ -258,7 +258,7 @@ TEST_F(ExportTest, furtherSheetsAreToldOf) {
 }
 
 TEST_F(ExportTest, aRowOfOneEmptyCellIsARowOfCsv) {
-    job.SelectedColumns = columnsFromString("Web Page Title|COL_URL_WEBPAGE_TITLE;");
+    job.selectedColumns = columnsFromString("Web Page Title|COL_URL_WEBPAGE_TITLE;");
     EXPECT_EQ(written(ExportFormat::csv), "Web Page Title\r\n\"\"\r\n\"two\r\nlines\"\r\n");
 }
 
@@ -280,7 +280,7 @@ TEST_F(ExportTest, hostileTextsGoThroughEveryForm) {
     change.bind(3, "javascript:" + std::string(1'000'000, 'x'));
     change.exec();
     table.refreshRows();
-    job.SelectedColumns = columnsFromString("Title|COL_URL_WEBPAGE_TITLE;Host|COL_URL_HOST;"
+    job.selectedColumns = columnsFromString("Title|COL_URL_WEBPAGE_TITLE;Host|COL_URL_HOST;"
                                             "URL|COL_URL_VALUE;");
     const nlohmann::json event = events().at(0);
     EXPECT_EQ(event.at("COL_URL_WEBPAGE_TITLE"), title);
@@ -299,7 +299,7 @@ TEST_F(ExportTest, hostileTextsGoThroughEveryForm) {
 
 TEST_F(ExportTest, progressNamesTheRows) {
     test::MemoryTask task;
-    job.OutputFilePath = out;
+    job.outputFilePath = out;
     exportRows(job, table, project.folder.path(), task);
     ASSERT_EQ(task.steps.size(), 2U);
     EXPECT_EQ(task.steps.at(1).topMessage, "Collecting row data...");
@@ -307,9 +307,9 @@ TEST_F(ExportTest, progressNamesTheRows) {
 }
 
 TEST_F(ExportTest, theWholeTextCanBeWrittenInOneGo) {
-    job.OutputFilePath = out;
-    job.ExportText = "caf\u00E9\r\n";
-    EXPECT_TRUE(job.ExportToFile());
+    job.outputFilePath = out;
+    job.exportText = "caf\u00E9\r\n";
+    EXPECT_TRUE(job.exportToFile());
     EXPECT_EQ(std::string(ByteView(readWhole(out)).raw()), "caf\xE9\r\n");
 }
 

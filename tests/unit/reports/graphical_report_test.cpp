@@ -43,7 +43,7 @@ TEST_F(GraphicalReportTest, onlyTickedRowsAreTakenWhenAskedFor) {
     addHistory("http://one/", 1);
     const UrlId two = addHistory("http://two/", 2);
     project.connection().exec("UPDATE URLs SET Tagged = 1 WHERE URL_ID = 2");
-    const std::string html = make(0, [](ReportClass &each) { each.IncludeAll = false; });
+    const std::string html = make(0, [](ReportWriter &each) { each.includeAll = false; });
     EXPECT_EQ(countOf(html, "TABLE2"), 1u);
     EXPECT_THAT(html, HasSubstr("http://two/"));
     EXPECT_EQ(inReport("~rptids"), sidOf(two) + ".NVR\r\n");
@@ -61,7 +61,7 @@ TEST_F(GraphicalReportTest, rowsFollowTheirLocalDate) {
     addHistory("http://early/", 10);
     std::string html = make(0);
     EXPECT_LT(html.find("http://early/"), html.find("http://late/"));
-    html = make(0, [](ReportClass &each) { each.SortAscending = false; });
+    html = make(0, [](ReportWriter &each) { each.sortAscending = false; });
     EXPECT_GT(html.find("http://early/"), html.find("http://late/"));
     EXPECT_EQ(inReport("~rptids"), "0000001.NVR\r\n0000002.NVR\r\n");
 }
@@ -109,7 +109,7 @@ TEST_F(GraphicalReportTest, contentThatIsGoneFallsBack) {
 
 TEST_F(GraphicalReportTest, aRebuiltPageComesWithItsPartsAndIsGuarded) {
     addRebuiltPage();
-    const std::string html = make(0, [](ReportClass &each) { each.IncludeAudit = true; });
+    const std::string html = make(0, [](ReportWriter &each) { each.includeAudit = true; });
     const std::string copy = inReport("0000001.NVR/0000001.htm");
     EXPECT_THAT(copy, AllOf(HasSubstr("src=\"0000002.gif\""), HasSubstr("default-src 'none'"),
                             Not(HasSubstr("<script")), Not(HasSubstr("efresh"))));
@@ -130,7 +130,7 @@ TEST_F(GraphicalReportTest, theAuditTellsAReferenceThatThePageDoesNotNameAPartFo
     const UrlId id = add("http://host/page.html",
                          "<b style=\"background:url(a/logo.gif)\"><img src=\"a/logo.gif\" > ");
     ASSERT_TRUE(rebuild(id));
-    const std::string html = make(0, [](ReportClass &each) { each.IncludeAudit = true; });
+    const std::string html = make(0, [](ReportWriter &each) { each.includeAudit = true; });
     const std::string part = "<a href='0000002.NVR/0000001.gif' target='_new'>0000001.gif</a>";
     EXPECT_EQ(countOf(html, part), 2u);
     EXPECT_EQ(countOf(html, "Not rewritten: " + part), 1u);
@@ -199,7 +199,7 @@ TEST_F(GraphicalReportTest, visitedLinksOfAPageAreListed) {
         project.connection().exec(
             fmt::format("INSERT INTO LinkAnalysis (Parent_ID, Child_ID) VALUES ({}, {})",
                         number(html), number(child)));
-    const std::string text = make(0, [](ReportClass &each) { each.IncludeLinkAnalysis = true; });
+    const std::string text = make(0, [](ReportWriter &each) { each.includeLinkAnalysis = true; });
     const std::string first = text.substr(text.find("Table3"), 2000);
     EXPECT_LT(first.find(">3</td><td"), first.find("http://few/"));
     EXPECT_EQ(countOf(text.substr(0, text.find("URL ID #2")), "http://few/"), 2u);
@@ -212,9 +212,9 @@ TEST_F(GraphicalReportTest, aRowThatIsGoneIsToldOf) {
     fillSortTable(project.connection(), allRows(), ReportRows::all, task);
     project.connection().exec("DELETE FROM URLs");
     const ReportContext ctx = reportContext();
-    ReportClass each(ctx);
-    each.CreateGraphicalReport(temp);
-    EXPECT_THAT(textAt(each.ReportFilePath), HasSubstr("this record could not be written"));
+    ReportWriter each(ctx);
+    each.createGraphicalReport(temp);
+    EXPECT_THAT(textAt(each.reportFilePath), HasSubstr("this record could not be written"));
     ASSERT_EQ(project.log.entries.size(), 1u);
     EXPECT_EQ(project.log.entries[0].procedure, "ReportClass.CreateGraphicalRecord()");
     EXPECT_EQ(project.log.entries[0].severity, Severity::Serious);
@@ -223,11 +223,11 @@ TEST_F(GraphicalReportTest, aRowThatIsGoneIsToldOf) {
     EXPECT_THAT(
         notesOf(each),
         testing::ElementsAre("1 records could not be written; their entries say so. Ids: 1."));
-    each.CreateTabularReport(temp);
-    EXPECT_THAT(textAt(each.ReportFilePath), HasSubstr("this record could not be written"));
+    each.createTabularReport(temp);
+    EXPECT_THAT(textAt(each.reportFilePath), HasSubstr("this record could not be written"));
     EXPECT_EQ(project.log.entries[1].procedure, "ReportClass.CreateTabularRecord()");
     EXPECT_EQ(project.log.entries[1].severity, Severity::Serious);
-    EXPECT_EQ(each.RecordsFailed, 1u);
+    EXPECT_EQ(each.recordsFailed, 1u);
 }
 
 TEST_F(GraphicalReportTest, rowsWhoseLastDigitsAreAlikeKeepTheirOwnFiles) {
@@ -252,7 +252,7 @@ TEST_F(GraphicalReportTest, everyLocalLinkLeadsToAFileOfTheReport) {
     add("http://host/other.html", kPage);
     addHistory("http://one/", 1);
     const std::string html =
-        make(0, [](ReportClass &each) { each.IncludeAudit = each.IncludeLinkAnalysis = true; });
+        make(0, [](ReportWriter &each) { each.includeAudit = each.includeLinkAnalysis = true; });
     const std::regex link("(?:href|src)='([^']*)'");
     std::size_t local = 0;
     for (std::sregex_iterator at(html.begin(), html.end(), link), end; at != end; ++at) {
@@ -269,17 +269,17 @@ TEST_F(GraphicalReportTest, ownPicturesTakeThePlaceOfTheProgramsOwn) {
     addHistory("http://one/", 1);
     add("http://host/a.gif", "");
     const auto mine = project.folder.write("mine.dat", "GIF89a mine");
-    const std::string html = make(0, [&](ReportClass &each) {
-        each.UseCustomLogo = each.UseDefaultThumbnailPath = true;
-        each.AgencyLogoPath = each.DefaultThumbnailPath = mine;
+    const std::string html = make(0, [&](ReportWriter &each) {
+        each.useCustomLogo = each.useDefaultThumbnailPath = true;
+        each.AgencyLogoPath = each.defaultThumbnailPath = mine;
     });
     EXPECT_THAT(html, AllOf(HasSubstr("src='images/agency-logo.gif'"),
                             HasSubstr("src='images/default-thumbnail.gif'")));
     EXPECT_EQ(inReport("images/agency-logo.gif"), "GIF89a mine");
     writeWhole(mine, "<svg onload=alert(1)>");
     EXPECT_THAT(make(0,
-                     [&](ReportClass &each) {
-                         each.UseCustomLogo = true;
+                     [&](ReportWriter &each) {
+                         each.useCustomLogo = true;
                          each.AgencyLogoPath = mine;
                      }),
                 HasSubstr("src='images/norvelane-logo.png'"));
@@ -296,8 +296,8 @@ TEST_F(GraphicalReportTest, picturesThatAreMissingAreToldOf) {
 TEST_F(GraphicalReportTest, aLogoThatCannotBeCopiedCostsNothingElse) {
     fs::create_directories(made.images() / "agency-logo.gif" / "in the way");
     const auto mine = project.folder.write("mine.gif", "GIF89a mine");
-    const std::string html = make(0, [&](ReportClass &each) {
-        each.UseCustomLogo = true;
+    const std::string html = make(0, [&](ReportWriter &each) {
+        each.useCustomLogo = true;
         each.AgencyLogoPath = mine;
     });
     EXPECT_THAT(html, AllOf(HasSubstr("src='images/norvelane-logo.png'"),
@@ -311,13 +311,13 @@ struct NoRoom : std::streambuf {};
 
 TEST_F(GraphicalReportTest, aHeadAndAFootThatFailAreToldOf) {
     const ReportContext ctx = reportContext();
-    ReportClass each(ctx);
+    ReportWriter each(ctx);
     NoRoom nowhere;
     std::ostream file(&nowhere);
     file.exceptions(std::ios::badbit);
-    each.CreateHeader(file);
+    each.createHeader(file);
     file.clear();
-    each.CreateFooter(file);
+    each.createFooter(file);
     EXPECT_THAT(notesOf(each), testing::ElementsAre("Error Creating Report Header",
                                                     "Error Creating Report Footer"));
     ASSERT_EQ(project.log.entries.size(), 2u);

@@ -25,11 +25,11 @@ class ReportGoldenTest : public ReportFixture {
         project.connection().exec("INSERT INTO LinkAnalysis (Parent_ID, Child_ID) VALUES (1, 3)");
     }
     void compare(int type, const std::string &name) {
-        const std::string html = make(type, [](ReportClass &each) {
-            each.IncludeAudit = each.IncludeLinkAnalysis = true;
-            each.CaseNumber = "2011/17";
-            each.ReportedBy = "M. Quill";
-            each.Organization = "Unit 4";
+        const std::string html = make(type, [](ReportWriter &each) {
+            each.includeAudit = each.includeLinkAnalysis = true;
+            each.caseNumber = "2011/17";
+            each.reportedBy = "M. Quill";
+            each.organization = "Unit 4";
         });
         const auto expected = goldenFolder() / "report" / name;
         if (std::getenv("NV_WRITE_GOLDEN"))

@@ -78,8 +78,8 @@ class ReportLinksTest : public ReportFixture {
 };
 
 TEST_F(ReportLinksTest, aGraphicalReportLeadsToItsOwnFilesOnly) {
-    make(0, [](ReportClass &each) {
-        each.IncludeAudit = each.IncludeLinkAnalysis = each.IncludeCaseTrail = true;
+    make(0, [](ReportWriter &each) {
+        each.includeAudit = each.includeLinkAnalysis = each.includeCaseTrail = true;
     });
     EXPECT_GE(checkAll(), 15u);
     const std::string html = inReport("0000001.NVR/0000001.htm");
@@ -89,7 +89,7 @@ TEST_F(ReportLinksTest, aGraphicalReportLeadsToItsOwnFilesOnly) {
 }
 
 TEST_F(ReportLinksTest, aTabularReportLeadsToItsOwnFilesOnly) {
-    make(1, [](ReportClass &each) { each.IncludeCaseTrail = true; });
+    make(1, [](ReportWriter &each) { each.includeCaseTrail = true; });
     EXPECT_GE(checkAll(), 4u);
 }
 
@@ -120,7 +120,7 @@ TEST_F(ReportLinksTest, hostileTextsStayTextInBothKinds) {
     set(UrlId{4}, "URL", "http://host/\xED\xA0\x80" + std::string(1'000'000, 'x') + hostile);
     for (const int type : {0, 1}) {
         const std::string html =
-            make(type, [](ReportClass &each) { each.IncludeLinkAnalysis = true; });
+            make(type, [](ReportWriter &each) { each.includeLinkAnalysis = true; });
         EXPECT_EQ(countOf(html, "<script"), 0u);
         EXPECT_EQ(html.find('\0'), std::string::npos);
         EXPECT_EQ(countOf(html, "\xE2\x80\xAE"), 0u) << "turns around what is read";

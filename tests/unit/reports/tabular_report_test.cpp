@@ -44,9 +44,9 @@ TEST_F(TabularReportTest, aProjectThatIsOnlyReadIsNotWrittenTo) {
 
 TEST_F(TabularReportTest, columnsFollowTheOptions) {
     addHistory("http://one/", 7);
-    const std::string html = make(1, [](ReportClass &each) {
-        each.IncludeUser = each.IncludeDataSource = false;
-        each.URLColWidth = 400;
+    const std::string html = make(1, [](ReportWriter &each) {
+        each.includeUser = each.includeDataSource = false;
+        each.urlColWidth = 400;
     });
     EXPECT_THAT(html, AllOf(Not(HasSubstr("mara")), Not(HasSubstr("Data Source")),
                             Not(HasSubstr("IE Daily<")), HasSubstr("<td valign='top' width='400'"),
@@ -84,11 +84,11 @@ TEST_F(TabularReportTest, weeklyHistoryIsOrange) {
 }
 
 TEST_F(TabularReportTest, theHeadSaysWhoseReportItIs) {
-    const auto options = [](ReportClass &each) {
-        each.ReportTitle = "Case <one>";
-        each.ReportedBy = "O'Hara";
-        each.Organization = "A & B";
-        each.CaseNumber = "\"7\"";
+    const auto options = [](ReportWriter &each) {
+        each.reportTitle = "Case <one>";
+        each.reportedBy = "O'Hara";
+        each.organization = "A & B";
+        each.caseNumber = "\"7\"";
     };
     EXPECT_THAT(make(1, options),
                 AllOf(HasSubstr("<strong><font color='#000066'>Case &lt;one&gt;</font>"),
@@ -101,9 +101,9 @@ TEST_F(TabularReportTest, theHeadSaysWhoseReportItIs) {
                       HasSubstr("Time Zone Setting: (UTC-05:00) Eastern Time (US &amp; Canada)")));
     project.zone.tzName = "DEFAULT";
     EXPECT_THAT(make(1,
-                     [](ReportClass &each) {
-                         each.SkipHeader = true;
-                         each.ReportTitle.clear();
+                     [](ReportWriter &each) {
+                         each.skipHeader = true;
+                         each.reportTitle.clear();
                      }),
                 AllOf(HasSubstr("Norvelane Internet Cache &amp; History Analysis Report"),
                       HasSubstr("Report Date:"), Not(HasSubstr("Case Number")),
@@ -122,7 +122,7 @@ TEST_F(TabularReportTest, evidenceBecomesNoMarkup) {
     project.connection().exec("UPDATE URLs SET CacheType = '<i>kind'  WHERE URL_ID = 2");
     for (const int type : {0, 1}) {
         const std::string html = make(
-            type, [](ReportClass &each) { each.IncludeAudit = each.IncludeLinkAnalysis = true; });
+            type, [](ReportWriter &each) { each.includeAudit = each.includeLinkAnalysis = true; });
         EXPECT_EQ(countOf(html, "<script"), 0u);
         EXPECT_EQ(countOf(html, "<img src=x"), 0u);
         EXPECT_EQ(countOf(html, "<i>kind"), 0u);
@@ -144,7 +144,7 @@ TEST_F(TabularReportTest, theCaseTrailStandsAfterTheLegendOnRequest) {
     CaseTrail(project.connection()).add(entry);
     EXPECT_EQ(make(1).find("CASE TRAIL"), std::string::npos);
     for (const int type : {0, 1}) {
-        const std::string written = make(type, [](ReportClass &r) { r.IncludeCaseTrail = true; });
+        const std::string written = make(type, [](ReportWriter &r) { r.includeCaseTrail = true; });
         EXPECT_LT(written.find("LEGEND:"), written.find("CASE TRAIL:"));
         EXPECT_LT(written.find("CASE TRAIL:"), written.find("Report created using"));
         EXPECT_NE(written.find("&lt;script&gt;alert(1)&lt;/script&gt;"), std::string::npos);

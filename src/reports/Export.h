@@ -1,7 +1,7 @@
 #pragma once
 
 #include "reports/ExportFile.h"
-#include "reports/RowClass.h"
+#include "reports/ExportedRow.h"
 #include "views/UnreadRows.h"
 #include "views/UrlColumns.h"
 
@@ -33,30 +33,30 @@ struct ExportCounts {
 };
 
 /// The choices of one export, and its text on the way to the file.
-class ExportClass {
+class Export {
   public:
-    bool ExportAllRows = true;
-    bool ExportAllColumns = true;
+    bool exportAllRows = true;
+    bool exportAllColumns = true;
     std::string delimiter = "|";
-    std::string OutputFileExt;
-    /// UTF-8. What goes to the file next: everything when ExportToFile() is called without drain().
-    std::string ExportText;
-    bool Cancel = false;
+    std::string outputFileExt;
+    /// UTF-8. What goes to the file next: everything when exportToFile() is called without drain().
+    std::string exportText;
+    bool cancel = false;
     /// "Heading|key;" for each column that can be chosen.
-    std::string ColumnsAsString;
-    nv::SelectedColumns SelectedColumns;
-    nv::SelectedURLs SelectedURLs;
-    std::filesystem::path OutputFilePath;
+    std::string columnsAsString;
+    nv::SelectedColumns selectedColumns;
+    nv::SelectedURLs selectedURLs;
+    std::filesystem::path outputFilePath;
 
     ExportFormat format = ExportFormat::delimited;
     /// Of csv: texts that a spreadsheet would take for a formula get an apostrophe in front.
     bool guardFormulas = false;
     ExportCounts counts;
 
-    /// Writes `ExportText` to `OutputFilePath`, replacing what was there, and returns true. The
+    /// Writes `exportText` to `outputFilePath`, replacing what was there, and returns true. The
     /// file is written beside and takes its place when it is whole. Throws StorageFailure.
-    bool ExportToFile();
-    /// Hands a long `ExportText` on to the file, so that a large export needs little memory.
+    bool exportToFile();
+    /// Hands a long `exportText` on to the file, so that a large export needs little memory.
     void drain();
     /// Lets go of a file that isn't finished.
     void abandon() { m_file.reset(); }
@@ -71,7 +71,7 @@ inline constexpr std::string_view kIndexColumn = "Index";
 
 /// "Index|Index;" and "Heading|key;" for each column on show.
 std::string columnsAsString(std::span<const UrlColumn> shown);
-SelectedColumns columnsFromString(std::string_view ColumnsAsString);
+SelectedColumns columnsFromString(std::string_view columnsAsString);
 
 /// The words of the command line and their extensions.
 std::string_view extensionOf(ExportFormat format);

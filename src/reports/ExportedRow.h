@@ -7,10 +7,10 @@
 namespace nv {
 
 /// A row that an export takes.
-struct RowClass {
-    std::size_t RowNumber = 0; ///< 1-based, in the table
+struct ExportedRow {
+    std::size_t rowNumber = 0; ///< 1-based, in the table
 };
 
-using SelectedURLs = KeyedList<RowClass>;
+using SelectedURLs = KeyedList<ExportedRow>;
 
 } // namespace nv

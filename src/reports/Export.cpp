@@ -1,4 +1,4 @@
-#include "reports/ExportClass.h"
+#include "reports/Export.h"
 
 #include "base/Text.h"
 
@@ -16,25 +16,25 @@ std::int64_t questionMarks(std::string_view text) {
 
 } // namespace
 
-void ExportClass::handOn() {
+void Export::handOn() {
     if (!m_file)
-        m_file = std::make_unique<ExportFile>(OutputFilePath);
+        m_file = std::make_unique<ExportFile>(outputFilePath);
     if (format == ExportFormat::delimited) {
-        const std::string bytes = toAnsi(ExportText);
-        counts.charactersLost += questionMarks(bytes) - questionMarks(ExportText);
+        const std::string bytes = toAnsi(exportText);
+        counts.charactersLost += questionMarks(bytes) - questionMarks(exportText);
         m_file->write(bytes);
     } else {
-        m_file->write(ExportText);
+        m_file->write(exportText);
     }
-    ExportText.clear();
+    exportText.clear();
 }
 
-void ExportClass::drain() {
-    if (ExportText.size() >= kDrainedAt)
+void Export::drain() {
+    if (exportText.size() >= kDrainedAt)
         handOn();
 }
 
-bool ExportClass::ExportToFile() {
+bool Export::exportToFile() {
     handOn();
     m_file->finish();
     m_file.reset();
@@ -50,9 +50,9 @@ std::string columnsAsString(std::span<const UrlColumn> shown) {
     return text;
 }
 
-SelectedColumns columnsFromString(std::string_view ColumnsAsString) {
+SelectedColumns columnsFromString(std::string_view columnsAsString) {
     SelectedColumns columns;
-    for (const std::string_view piece : split(ColumnsAsString, ';')) {
+    for (const std::string_view piece : split(columnsAsString, ';')) {
         const auto parts = split(piece, '|');
         if (parts.size() != 2)
             continue;

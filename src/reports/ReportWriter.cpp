@@ -1,4 +1,4 @@
-#include "reports/ReportClass.h"
+#include "reports/ReportWriter.h"
 
 #include "base/Files.h"
 #include "base/Storage.h"
@@ -85,72 +85,72 @@ void letGo(UrlRecord &record) {
 
 } // namespace
 
-ReportClass::ReportClass(const ReportContext &ctx) : m_ctx(ctx), m_folder(fs::path()) {}
+ReportWriter::ReportWriter(const ReportContext &ctx) : m_ctx(ctx), m_folder(fs::path()) {}
 
-void ReportClass::PrintEntry(std::ostream &file, std::string_view entry) {
+void ReportWriter::printEntry(std::ostream &file, std::string_view entry) {
     file << entry << "\r\n";
 }
 
-void ReportClass::CreateGraphicalReport(const fs::path &folder) {
+void ReportWriter::createGraphicalReport(const fs::path &folder) {
     trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalReport()",
-            kContactSupport, [&] { create(folder, 0, &ReportClass::writeCards); });
+            kContactSupport, [&] { create(folder, 0, &ReportWriter::writeCards); });
 }
 
-void ReportClass::CreateTabularReport(const fs::path &folder) {
+void ReportWriter::createTabularReport(const fs::path &folder) {
     trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateTabularReport()",
-            kContactSupport, [&] { create(folder, 1, &ReportClass::writeRows); });
+            kContactSupport, [&] { create(folder, 1, &ReportWriter::writeRows); });
 }
 
-void ReportClass::create(const fs::path &folder, int type, Entries entries) {
+void ReportWriter::create(const fs::path &folder, int type, Entries entries) {
     m_folder = ReportFolder(folder);
     reportFolderPath = m_folder.path;
-    ReportFilePath = m_folder.index(type);
+    reportFilePath = m_folder.index(type);
     m_ctx.rebuild.task.describe({"CREATING REPORT", "Overall Progress", "", ""});
     m_folder.prepare(type);
     m_folder.copyImages(m_ctx.settings.images, m_ctx.rebuild.log);
-    RecordsFailed = FilesFailed = 0;
-    FailedRows.clear();
-    HeaderFailed = FooterFailed = false;
-    ReportDate =
+    recordsFailed = filesFailed = 0;
+    failedRows.clear();
+    headerFailed = footerFailed = false;
+    reportDate =
         formatDate(Date::fromTimePoint(m_ctx.clock.now() + m_ctx.clock.localOffset()), kReportDate);
     std::ofstream file(m_folder.unfinished(), std::ios::binary | std::ios::trunc);
-    CreateHeader(file);
+    createHeader(file);
     const RowIds ids = sortedRows(m_ctx.rebuild.project,
-                                  SortAscending ? DateOrder::oldestFirst : DateOrder::newestFirst);
+                                  sortAscending ? DateOrder::oldestFirst : DateOrder::newestFirst);
     buildingReport = true;
-    Cancel = !(this->*entries)(ids, file);
+    cancel = !(this->*entries)(ids, file);
     buildingReport = false;
-    if (!Cancel) {
-        PrintEntry(file, "</td></tr></table>");
-        PrintEntry(file, kLegend);
-        if (IncludeCaseTrail)
-            PrintEntry(file, trailSection(m_ctx));
-        CreateFooter(file);
+    if (!cancel) {
+        printEntry(file, "</td></tr></table>");
+        printEntry(file, kLegend);
+        if (includeCaseTrail)
+            printEntry(file, trailSection(m_ctx));
+        createFooter(file);
     }
     check(file, m_folder.unfinished());
     file.close();
-    if (Cancel)
+    if (cancel)
         return;
     // A copy that the disk cuts short must not have the name of a finished report.
     copyToScratch(m_folder.unfinished(), m_folder.copied());
-    moveFile(m_folder.copied(), ReportFilePath);
+    moveFile(m_folder.copied(), reportFilePath);
 }
 
-bool ReportClass::writeCards(const RowIds &ids, std::ostream &file) {
-    PrintEntry(file, "<table><tr><td valign='top'>");
+bool ReportWriter::writeCards(const RowIds &ids, std::ostream &file) {
+    printEntry(file, "<table><tr><td valign='top'>");
     std::ofstream names(m_folder.rowFolders(), std::ios::binary | std::ios::trunc);
-    if (UseDefaultThumbnailPath && !DefaultThumbnailPath.empty())
-        m_fallback = ownPicture(DefaultThumbnailPath, "default-thumbnail");
+    if (useDefaultThumbnailPath && !defaultThumbnailPath.empty())
+        m_fallback = ownPicture(defaultThumbnailPath, "default-thumbnail");
     if (m_fallback.empty())
         m_fallback = kNoPicture;
-    if (IncludeLinkAnalysis && !isReadOnly(m_ctx.rebuild.project))
+    if (includeLinkAnalysis && !isReadOnly(m_ctx.rebuild.project))
         onProject([&] { ensureLinkIndexes(m_ctx.rebuild.project, m_ctx.rebuild.task); });
     for (std::size_t first = 0; first < ids.size(); first += kBatch) {
         const auto batch = std::span(ids).subspan(first, std::min(kBatch, ids.size() - first));
         if (!bringCards(batch, first, ids.size()))
             return false;
         for (std::size_t i = 0; i < batch.size(); ++i) {
-            CreateGraphicalRecord(UrlId{batch[i]}, first + i + 1, file);
+            createGraphicalRecord(UrlId{batch[i]}, first + i + 1, file);
             names << rowNameOf(UrlId{batch[i]}) << ".NVR\r\n";
         }
         check(file, m_folder.unfinished());
@@ -161,8 +161,8 @@ bool ReportClass::writeCards(const RowIds &ids, std::ostream &file) {
 }
 
 /// Brings the evidence of a batch and draws it. False when cancelled.
-bool ReportClass::bringCards(std::span<const std::int32_t> ids, std::size_t first,
-                             std::size_t total) {
+bool ReportWriter::bringCards(std::span<const std::int32_t> ids, std::size_t first,
+                              std::size_t total) {
     m_cards.clear();
     for (std::size_t i = 0; i < ids.size(); ++i) {
         if (!step(first + i, total, ids[i]))
@@ -181,7 +181,7 @@ bool ReportClass::bringCards(std::span<const std::int32_t> ids, std::size_t firs
 
 /// What the row holds, brought into the report. Evidence that can't be read leaves the card
 /// without, and is logged.
-ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) {
+ReportCard ReportWriter::cardOf(UrlId id, std::size_t place, TaskMonitor &task) {
     ReportCard card;
     auto record = m_ctx.rebuild.records.getURL(id);
     if (!record)
@@ -192,19 +192,19 @@ ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) {
                  kContactSupport, [&] { evidence().bring(card, place, task); });
     if (!brought) {
         card.absence = "The cached file could not be read; the log of the program says why.";
-        ++FilesFailed;
+        ++filesFailed;
     }
-    PagesIncomplete += card.incomplete ? 1 : 0;
+    pagesIncomplete += card.incomplete ? 1 : 0;
     letGo(card.record);
     return card;
 }
 
-CardEvidence ReportClass::evidence() const {
+CardEvidence ReportWriter::evidence() const {
     return {m_ctx, m_folder};
 }
 
 /// The row's card of the batch; one that belongs to none is brought now.
-ReportCard &ReportClass::cardFor(UrlId id) {
+ReportCard &ReportWriter::cardFor(UrlId id) {
     const auto found =
         std::ranges::find(m_cards, id, [](const ReportCard &each) { return each.record.URLID; });
     if (found != m_cards.end())
@@ -216,80 +216,80 @@ ReportCard &ReportClass::cardFor(UrlId id) {
     return m_cards.emplace_back(std::move(card));
 }
 
-void ReportClass::CreateGraphicalRecord(UrlId urlID, std::size_t index, std::ostream &file) {
+void ReportWriter::createGraphicalRecord(UrlId urlID, std::size_t index, std::ostream &file) {
     const auto write = [&] {
         ReportCard &card = cardFor(urlID);
         take(card.record, index);
-        HREF = card.target;
+        href = card.target;
         const bool shown = !card.thumbnail.empty();
         if (!shown)
             card.width = m_ctx.settings.ReportThumbnailWidth;
-        ImageRelativePath = shown ? card.thumbnail : m_fallback;
+        imageRelativePath = shown ? card.thumbnail : m_fallback;
         if (card.record.IsHistory)
-            ImageRelativePath = kNoPicture;
-        PrintEntry(file, cardText(*this, card, m_ctx));
+            imageRelativePath = kNoPicture;
+        printEntry(file, cardText(*this, card, m_ctx));
         return true;
     };
     if (!trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
                  kContactSupport, false, write)) {
-        PrintEntry(file, brokenCard(urlID));
+        printEntry(file, brokenCard(urlID));
         countFailed(urlID);
     }
 }
 
-void ReportClass::countFailed(UrlId id) {
-    ++RecordsFailed;
-    FailedRows.insert(static_cast<std::int32_t>(number(id)));
+void ReportWriter::countFailed(UrlId id) {
+    ++recordsFailed;
+    failedRows.insert(static_cast<std::int32_t>(number(id)));
 }
 
-bool ReportClass::writeRows(const RowIds &ids, std::ostream &file) {
-    PrintEntry(file, "<br style='line-height:1px;'><br style='line-height:10px;'><table><tr>"
+bool ReportWriter::writeRows(const RowIds &ids, std::ostream &file) {
+    printEntry(file, "<br style='line-height:1px;'><br style='line-height:10px;'><table><tr>"
                      "<td valign='top'>");
-    PrintEntry(file, tabularHead(*this));
+    printEntry(file, tabularHead(*this));
     for (std::size_t i = 0; i < ids.size(); ++i) {
         if (!step(i, ids.size(), ids[i]))
             return false;
-        CreateTabularRecord(UrlId{ids[i]}, i + 1, file);
+        createTabularRecord(UrlId{ids[i]}, i + 1, file);
     }
-    PrintEntry(file, "   </table>");
+    printEntry(file, "   </table>");
     return step(ids.size(), ids.size(), 0);
 }
 
-void ReportClass::CreateTabularRecord(UrlId urlID, std::size_t index, std::ostream &file) {
+void ReportWriter::createTabularRecord(UrlId urlID, std::size_t index, std::ostream &file) {
     const auto write = [&] {
         const auto record = m_ctx.rebuild.records.getURL(urlID);
         if (!record)
             throw std::runtime_error(fmt::format("the record {} can't be read", number(urlID)));
         take(*record, index);
-        PrintEntry(file, tabularRow(*this, *record, m_ctx));
+        printEntry(file, tabularRow(*this, *record, m_ctx));
         return true;
     };
     if (!trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateTabularRecord()",
                  kContactSupport, false, write)) {
-        PrintEntry(file, brokenRow(urlID, index));
+        printEntry(file, brokenRow(urlID, index));
         countFailed(urlID);
     }
 }
 
-void ReportClass::take(const UrlRecord &record, std::size_t index) {
-    Index = index;
-    User = record.User;
-    Status = record.Status;
-    OtherDate = utcCell(record.OtherDate, m_ctx.settings.dates);
-    Browser = browserOf(record.cacheType);
-    OriginalURL = record.URL;
-    RebuiltDateTime = record.RebuiltDateTime;
-    PageParentFolderName = record.CacheFolderName;
-    PageFileSize = record.CacheFileSize;
-    ActionDate = utcCell(record.ActionDateUTC, m_ctx.settings.dates);
-    Visits = visitsText(record.Visits);
-    PageFileName = record.CacheFileName;
+void ReportWriter::take(const UrlRecord &record, std::size_t index) {
+    recordIndex = index;
+    user = record.User;
+    status = record.Status;
+    otherDate = utcCell(record.OtherDate, m_ctx.settings.dates);
+    browser = browserOf(record.cacheType);
+    originalURL = record.URL;
+    rebuiltDateTime = record.RebuiltDateTime;
+    pageParentFolderName = record.CacheFolderName;
+    pageFileSize = record.CacheFileSize;
+    actionDate = utcCell(record.ActionDateUTC, m_ctx.settings.dates);
+    visits = visitsText(record.Visits);
+    pageFileName = record.CacheFileName;
     pageTitle = record.WebpageTitle;
-    HREF.clear();
+    href.clear();
 }
 
 /// Shows how far it is. False when cancelled.
-bool ReportClass::step(std::size_t done, std::size_t total, std::int64_t id) {
+bool ReportWriter::step(std::size_t done, std::size_t total, std::int64_t id) {
     TaskMonitor &task = m_ctx.rebuild.task;
     if (task.wantsStep()) {
         TaskStep now;
@@ -302,23 +302,23 @@ bool ReportClass::step(std::size_t done, std::size_t total, std::int64_t id) {
     return task.advance(total == 0 ? 1 : static_cast<double>(done) / static_cast<double>(total));
 }
 
-std::vector<std::string> notesOf(const ReportClass &report) {
+std::vector<std::string> notesOf(const ReportWriter &report) {
     std::vector<std::string> notes;
-    if (report.HeaderFailed)
+    if (report.headerFailed)
         notes.emplace_back("Error Creating Report Header");
-    if (report.FooterFailed)
+    if (report.footerFailed)
         notes.emplace_back("Error Creating Report Footer");
-    if (report.RecordsFailed > 0)
+    if (report.recordsFailed > 0)
         notes.push_back(
             fmt::format("{} records could not be written; their entries say so. Ids: {}.",
-                        report.RecordsFailed, rangesOf(report.FailedRows)));
-    if (report.FilesFailed > 0)
+                        report.recordsFailed, rangesOf(report.failedRows)));
+    if (report.filesFailed > 0)
         notes.push_back(fmt::format("{} cached files could not be read; their cards say so.",
-                                    report.FilesFailed));
-    if (report.PagesIncomplete > 0)
+                                    report.filesFailed));
+    if (report.pagesIncomplete > 0)
         notes.push_back(fmt::format("{} could not be brought with all parts; their cards say so.",
-                                    counted(report.PagesIncomplete, "rebuilt page")));
-    for (const fs::path &picture : report.PicturesFailed)
+                                    counted(report.pagesIncomplete, "rebuilt page")));
+    for (const fs::path &picture : report.picturesFailed)
         notes.push_back(fmt::format("\"{}\" is no picture that a report can show; it has the "
                                     "program's own instead.",
                                     textOf(picture)));
