@@ -19,8 +19,8 @@ void write(Session &session, const SourceCheck &check, Format format) {
         {"State", "File", "SizeThen", "SizeNow", "MD5Then", "MD5Now", "SHA256Then", "SHA256Now"});
     for (const CheckedSource &source : check.sources)
         writer->row({std::string(stateWord(source.state)), source.path, source.sizeThen,
-                     source.sizeNow, source.MD5Then, source.MD5Now, source.SHA256Then,
-                     source.SHA256Now});
+                     source.sizeNow, source.md5Then, source.md5Now, source.sha256Then,
+                     source.sha256Now});
     writer->finish();
 }
 

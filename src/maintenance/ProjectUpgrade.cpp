@@ -212,7 +212,7 @@ bool ProjectUpgrade::noteFix(SQLite::Database &fresh, const fs::path &project,
         return false;
     entry->actionDateUTC = Date::fromTimePoint(m_clock.now());
     entry->AppVersion =
-        fmt::format("{}.{}.{}", m_build.AppMajor, m_build.AppMinor, m_build.AppRevision);
+        fmt::format("{}.{}.{}", m_build.appMajor, m_build.appMinor, m_build.appRevision);
     CaseTrail(fresh).add(*entry);
     return true;
 }

@@ -31,8 +31,8 @@ CheckedSource sourceOf(const TrailEntry &entry) {
     CheckedSource source;
     source.path = entry.filePath;
     source.sizeThen = entry.fileSize;
-    source.MD5Then = entry.md5Hash;
-    source.SHA256Then = entry.sha256Hash;
+    source.md5Then = entry.md5Hash;
+    source.sha256Then = entry.sha256Hash;
     return source;
 }
 
@@ -43,7 +43,7 @@ std::vector<CheckedSource> sourcesOf(SQLite::Database &project) {
     std::vector<CheckedSource> sources;
     std::set<std::pair<std::string, std::string>> seen; ///< path and MD5
     const auto add = [&](CheckedSource source) {
-        if (seen.emplace(source.path, source.MD5Then).second)
+        if (seen.emplace(source.path, source.md5Then).second)
             sources.push_back(std::move(source));
     };
     for (const TrailEntry &entry : CaseTrail(project).entries())
@@ -55,17 +55,17 @@ std::vector<CheckedSource> sourcesOf(SQLite::Database &project) {
         CheckedSource source;
         source.path = row.getColumn(0).getString();
         source.sizeThen = row.getColumn(1).getInt64();
-        source.MD5Then = row.getColumn(2).getString();
+        source.md5Then = row.getColumn(2).getString();
         add(std::move(source));
     }
     return sources;
 }
 
 SourceState stateOf(const CheckedSource &source) {
-    if (source.MD5Then.empty())
+    if (source.md5Then.empty())
         return SourceState::unknown;
-    const bool same = source.MD5Now == source.MD5Then &&
-                      (source.SHA256Then.empty() || source.SHA256Now == source.SHA256Then);
+    const bool same = source.md5Now == source.md5Then &&
+                      (source.sha256Then.empty() || source.sha256Now == source.sha256Then);
     return same ? SourceState::same : SourceState::changed;
 }
 
@@ -87,7 +87,7 @@ std::optional<FileReader> opened(const std::string &text) {
 /// A file that has grown has changed: what lies after its former end needs no reading, however
 /// long it is.
 bool hasGrown(const CheckedSource &source) {
-    const bool sizeIsKnown = source.sizeThen > 0 || source.MD5Then == md5Hex({});
+    const bool sizeIsKnown = source.sizeThen > 0 || source.md5Then == md5Hex({});
     return sizeIsKnown && source.sizeNow > source.sizeThen;
 }
 
@@ -102,8 +102,8 @@ bool compare(CheckedSource &source, const FileReader &file, const std::function<
     if (!now)
         return false;
     source.sizeNow = static_cast<std::int64_t>(now->size);
-    source.MD5Now = now->md5;
-    source.SHA256Now = now->sha256;
+    source.md5Now = now->md5;
+    source.sha256Now = now->sha256;
     source.state = stateOf(source);
     return true;
 }

@@ -32,10 +32,10 @@ struct CheckedSource {
     SourceState state = SourceState::unknown;
     std::int64_t sizeThen = 0; ///< bytes
     std::int64_t sizeNow = 0;  ///< 0 when it can't be read
-    std::string MD5Then;
-    std::string MD5Now;     ///< empty for a file that has grown: it isn't read
-    std::string SHA256Then; ///< empty when the project has none, as of earlier versions
-    std::string SHA256Now;
+    std::string md5Then;
+    std::string md5Now;     ///< empty for a file that has grown: it isn't read
+    std::string sha256Then; ///< empty when the project has none, as of earlier versions
+    std::string sha256Now;
 };
 
 struct SourceCheck {

@@ -16,9 +16,9 @@ AppBuild stampOf(SQLite::Database &project, FailureLog &log) {
 
 bool stampVersion(SQLite::Database &project, FailureLog &log, const AppBuild &build) {
     ProjectFields fields(project, log);
-    return fields.saveDefaultSetting("AppMajor", fmt::format("{}", build.AppMajor)) &&
-           fields.saveDefaultSetting("AppMinor", fmt::format("{}", build.AppMinor)) &&
-           fields.saveDefaultSetting("AppRevision", fmt::format("{}", build.AppRevision));
+    return fields.saveDefaultSetting("AppMajor", fmt::format("{}", build.appMajor)) &&
+           fields.saveDefaultSetting("AppMinor", fmt::format("{}", build.appMinor)) &&
+           fields.saveDefaultSetting("AppRevision", fmt::format("{}", build.appRevision));
 }
 
 } // namespace nv

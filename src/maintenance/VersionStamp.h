@@ -14,14 +14,14 @@ namespace nv {
 
 /// A version of the program.
 struct AppBuild {
-    std::int64_t AppMajor = 0;
-    std::int64_t AppMinor = 0;
-    std::int64_t AppRevision = 0;
+    std::int64_t appMajor = 0;
+    std::int64_t appMinor = 0;
+    std::int64_t appRevision = 0;
 
     friend bool operator==(const AppBuild &, const AppBuild &) = default;
     friend std::strong_ordering operator<=>(const AppBuild &a, const AppBuild &b) {
-        return std::tie(a.AppMajor, a.AppMinor, a.AppRevision) <=>
-               std::tie(b.AppMajor, b.AppMinor, b.AppRevision);
+        return std::tie(a.appMajor, a.appMinor, a.appRevision) <=>
+               std::tie(b.appMajor, b.appMinor, b.appRevision);
     }
 };
 

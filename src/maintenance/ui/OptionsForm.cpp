@@ -103,7 +103,7 @@ void OptionsForm::stayAt(OptionsField field) {
     control->setFocus();
 }
 
-void OptionsForm::btnPath_Click(int index) {
+void OptionsForm::btnPathClick(int index) {
     std::optional<fs::path> chosen;
     const auto folder = [&](const char *title) {
         chosen = m_dialogs.folder(title,
@@ -179,7 +179,7 @@ void OptionsForm::showConnection() {
                                             : tr("The connection is down."));
 }
 
-void OptionsForm::btnLocalAreaConnection_Click() {
+void OptionsForm::btnLocalAreaConnectionClick() {
     const std::string before = connectionStatus(m_program, connectionName());
     const std::string after = switchConnectionOver(m_program, connectionName());
     if (after != before)

@@ -70,12 +70,12 @@ class OptionsForm final : public QDialog {
     /// The setting's own control, which Okay asks.
     QWidget *addSetting(QVBoxLayout &column, const SettingFacts &row);
     QButtonGroup *addSizes(QFormLayout &form, const QString &label, const char *name, int width);
-    void btnPath_Click(int index);
+    void btnPathClick(int index);
     void chooseLogo();
     void showZoneProperties();
     void showPard();
     void showConnection();
-    void btnLocalAreaConnection_Click();
+    void btnLocalAreaConnectionClick();
     std::string connectionName() const;
     void stayAt(OptionsField field);
     Options shown() const;

@@ -55,7 +55,7 @@ QLineEdit *OptionsForm::addPath(QFormLayout &form, int index, const QString &lab
     button->setAccessibleName(tr("Browse for: %1").arg(plain));
     button->setToolTip(tr("Choose: %1").arg(plain));
     button->setAutoDefault(false);
-    connect(button, &QPushButton::clicked, this, [this, index] { btnPath_Click(index); });
+    connect(button, &QPushButton::clicked, this, [this, index] { btnPathClick(index); });
     row->addWidget(text, 1);
     row->addWidget(button);
     auto *caption = new QLabel(label);
@@ -307,7 +307,7 @@ QWidget *OptionsForm::newSafety() {
     column->addStretch(1);
     connect(m_connection, &QButtonGroup::idClicked, this, &OptionsForm::showConnection);
     connect(m_connectionName, &QLineEdit::editingFinished, this, &OptionsForm::showConnection);
-    connect(m_switch, &QPushButton::clicked, this, &OptionsForm::btnLocalAreaConnection_Click);
+    connect(m_switch, &QPushButton::clicked, this, &OptionsForm::btnLocalAreaConnectionClick);
     return tab;
 }
 

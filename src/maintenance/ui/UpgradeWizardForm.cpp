@@ -117,9 +117,9 @@ QWidget *UpgradeWizardForm::newButtons() {
         row->addWidget(button);
         return button;
     };
-    m_scan = add("ScanBtn", [this] { ScanBtn_Click(); });
+    m_scan = add("ScanBtn", [this] { scanBtnClick(); });
     m_scan->setToolTip(tr("Compare tables, indexes, columns and keys; the data isn't changed"));
-    m_fix = add("FixBtn", [this] { FixBtn_Click(); });
+    m_fix = add("FixBtn", [this] { fixBtnClick(); });
     m_fix->setToolTip(tr("Move all data into a new file and keep the old one beside it"));
     row->addStretch();
     auto *close = add("btnCancel", [this] { reject(); });
@@ -147,14 +147,14 @@ void UpgradeWizardForm::reject() {
     m_stop = true;
 }
 
-void UpgradeWizardForm::ScanBtn_Click() {
+void UpgradeWizardForm::scanBtnClick() {
     if (m_state == State::idle)
         scan();
     else
         m_stop = true;
 }
 
-void UpgradeWizardForm::FixBtn_Click() {
+void UpgradeWizardForm::fixBtnClick() {
     if (m_state == State::idle)
         fix();
     else

@@ -33,8 +33,8 @@ class UpgradeWizardForm final : public QDialog {
 
     void buildGrid();
     QWidget *newButtons();
-    void ScanBtn_Click();
-    void FixBtn_Click();
+    void scanBtnClick();
+    void fixBtnClick();
     void scan();
     void fix();
     /// Runs `work` with the button as its Stop.

@@ -60,7 +60,7 @@ TEST_F(SourceCheckTest, unchangedFilesAreTheSame) {
     const SourceCheck check = verify();
     EXPECT_TRUE(check.allSame());
     EXPECT_EQ(check.sources.size(), 2U);
-    EXPECT_EQ(check.sources[0].SHA256Now,
+    EXPECT_EQ(check.sources[0].sha256Now,
               "7692c3ad3540bb803c020b3aee66cd8887123234ea0c6e7143c0add73ff431ed");
     EXPECT_EQ(summaryText(check), "2 of 2 imported files are as they were.");
 }
@@ -108,7 +108,7 @@ TEST_F(SourceCheckTest, aFileThatHasGrownHasChangedHoweverLongItIs) {
     for (const CheckedSource &source : check.sources) {
         EXPECT_EQ(source.state, SourceState::changed);
         EXPECT_EQ(source.sizeNow, static_cast<std::int64_t>(kHuge));
-        EXPECT_EQ(source.MD5Now, "");
+        EXPECT_EQ(source.md5Now, "");
     }
 }
 
@@ -169,7 +169,7 @@ TEST_F(SourceCheckTest, projectsOfEarlierVersionsHaveOnlyMd5s) {
     project.connection().exec("DROP TABLE AuditTrail");
     const SourceCheck check = verify();
     EXPECT_TRUE(check.allSame());
-    EXPECT_EQ(check.sources[0].SHA256Then, "");
+    EXPECT_EQ(check.sources[0].sha256Then, "");
     project.connection().exec("UPDATE SourceFiles SET MD5Hash = ''");
     EXPECT_EQ(verify().sources[0].state, SourceState::unknown);
 }
