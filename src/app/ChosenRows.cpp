@@ -11,7 +11,7 @@ std::vector<std::int64_t> idsPastDamage(Program &program, const std::string &sql
     SurvivingRows rows;
     Unwatched nobody;
     static_cast<void>(
-        rowsPastDamage(program.thisClass.ProjectDB.connection(), {sql, ""}, nobody, rows));
+        rowsPastDamage(program.thisClass.projectDB.connection(), {sql, ""}, nobody, rows));
     if (!rows.lost.empty())
         program.log.write({noteOf(rows.lost), "MainForm.LoadURLs()", Severity::Serious,
                            std::string(kContactSupport)});

@@ -41,25 +41,25 @@ std::optional<fs::path> firstAround(const fs::path &path, const std::vector<fs::
 
 } // namespace
 
-std::vector<fs::path> evidenceFolders(ThisClass &state) {
+std::vector<fs::path> evidenceFolders(ProgramState &state) {
     std::vector<fs::path> folders;
-    if (state.ProjectDB.isOpen())
-        folders = keptFolders(state.ProjectDB.connection());
-    folders.insert(folders.begin(), state.RootPath);
+    if (state.projectDB.isOpen())
+        folders = keptFolders(state.projectDB.connection());
+    folders.insert(folders.begin(), state.rootPath);
     return folders;
 }
 
-std::optional<fs::path> evidenceAround(const fs::path &path, ThisClass &state) {
+std::optional<fs::path> evidenceAround(const fs::path &path, ProgramState &state) {
     return firstAround(path, evidenceFolders(state));
 }
 
 void keepEvidenceFolder(Program &program, const fs::path &source) {
     const fs::path whole = wholePath(source);
     const fs::path folder = fs::is_directory(whole) ? whole : whole.parent_path();
-    SQLite::Database &project = program.thisClass.ProjectDB.connection();
+    SQLite::Database &project = program.thisClass.projectDB.connection();
     const std::vector<fs::path> kept = keptFolders(project);
     if (!liesInEvidence(folder, folder) || firstAround(folder, kept) ||
-        liesInEvidence(program.thisClass.ProjectDBPath, folder))
+        liesInEvidence(program.thisClass.projectDBPath, folder))
         return;
     ProjectFields(project, program.log)
         .saveDefaultSetting(fmt::format("{}{}", kFolderSetting, kept.size() + 1), textOf(folder));

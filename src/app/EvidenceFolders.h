@@ -12,11 +12,11 @@ namespace nv {
 
 /// Where nothing is ever written: the base folder of the open project and the folders that its
 /// imports have read. Throws StorageFailure.
-std::vector<std::filesystem::path> evidenceFolders(ThisClass &state);
+std::vector<std::filesystem::path> evidenceFolders(ProgramState &state);
 
 /// The first of them in which `path`, which need not exist, lies. Throws StorageFailure.
 std::optional<std::filesystem::path> evidenceAround(const std::filesystem::path &path,
-                                                    ThisClass &state);
+                                                    ProgramState &state);
 
 /// Keeps in the open project what is about to be imported: a folder, or the one that holds a file.
 /// A folder in which the project lies itself is none of evidence alone and isn't kept.

@@ -51,9 +51,9 @@ HistoryFileType typeOfCommandLine(const fs::path &file) {
 /// What the table would do at its first load: whoever only looks at the project then finds it
 /// ready, and needn't write to it.
 void prepareTable(Program &program, TaskMonitor &task) {
-    SQLite::Database &project = program.thisClass.ProjectDB.connection();
+    SQLite::Database &project = program.thisClass.projectDB.connection();
     onProject(project, [&] {
-        mendRootPath(project, program.log, textOf(program.thisClass.RootPath), task);
+        mendRootPath(project, program.log, textOf(program.thisClass.rootPath), task);
         ensureDateIndex(project, task);
         ensureLinkIndexes(project, task);
     });
@@ -91,10 +91,10 @@ void tellNotLogged(Program &program, const ImportSummary &summary) {
 
 ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &scratch) {
     requireZones(program);
-    ThisClass &state = program.thisClass;
-    SQLite::Database &project = state.ProjectDB.connection();
-    const Evidence evidence(state.RootPath);
-    const ImportRun run{project,     {state.GMTZone, state.EnableDSTChanges},
+    ProgramState &state = program.thisClass;
+    SQLite::Database &project = state.projectDB.connection();
+    const Evidence evidence(state.rootPath);
+    const ImportRun run{project,     {state.gmtZone, state.enableDSTChanges},
                         evidence,    program.around.clock,
                         program.log, task,
                         scratch};

@@ -112,7 +112,7 @@ bool IniFile::readFlag(std::string_view section, std::string_view key, bool byDe
     return !value || value->empty() ? byDefault : *value == "True";
 }
 
-std::string IniFile::ReadIniValue(std::string_view section, std::string_view key,
+std::string IniFile::readIniValue(std::string_view section, std::string_view key,
                                   std::string_view byDefault) const {
     const auto value = valueOf(section, key);
     return !value || value->empty() ? std::string(byDefault) : *value;
@@ -127,7 +127,7 @@ int IniFile::readNumber(std::string_view section, std::string_view key, int byDe
     return number;
 }
 
-bool IniFile::WriteIniValue(std::string_view section, std::string_view key,
+bool IniFile::writeIniValue(std::string_view section, std::string_view key,
                             std::string_view value) {
     std::string line = replaceAll(trim(value), "\r\n", " ");
     std::replace_if(

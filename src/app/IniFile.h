@@ -23,25 +23,25 @@ class IniFile {
     /// True exactly when the text is "True": "true" and "1" read as false, as they always have. An
     /// empty value gives the default.
     template <std::same_as<bool> Flag>
-    bool ReadIniValue(std::string_view section, std::string_view key, Flag byDefault) const {
+    bool readIniValue(std::string_view section, std::string_view key, Flag byDefault) const {
         return readFlag(section, key, byDefault);
     }
     /// An empty value gives the default.
-    std::string ReadIniValue(std::string_view section, std::string_view key,
+    std::string readIniValue(std::string_view section, std::string_view key,
                              std::string_view byDefault) const;
     /// The leading decimal digits; a value without any, also an empty one, is 0.
     template <std::same_as<int> Number>
-    int ReadIniValue(std::string_view section, std::string_view key, Number byDefault) const {
+    int readIniValue(std::string_view section, std::string_view key, Number byDefault) const {
         return readNumber(section, key, byDefault);
     }
 
     /// Blanks at the ends go and line breaks become blanks, so that one value stays on one line.
     /// False, logged, when the file can't be written: the value then holds until the program ends,
     /// and the next write tries it again.
-    bool WriteIniValue(std::string_view section, std::string_view key, std::string_view value);
+    bool writeIniValue(std::string_view section, std::string_view key, std::string_view value);
     template <std::same_as<bool> Flag>
-    bool WriteIniValue(std::string_view section, std::string_view key, Flag value) {
-        return WriteIniValue(section, key, std::string_view(value ? "True" : "False"));
+    bool writeIniValue(std::string_view section, std::string_view key, Flag value) {
+        return writeIniValue(section, key, std::string_view(value ? "True" : "False"));
     }
 
     struct Value {

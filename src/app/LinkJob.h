@@ -15,6 +15,6 @@ namespace nv {
 LinkTotals analyseLinks(Program &program, TaskMonitor &task, const std::filesystem::path &scratch);
 
 /// The pairs of one record, within the limit of the settings.
-LinkList linksOf(Program &program, UrlId URL_ID);
+LinkList linksOf(Program &program, UrlId urlID);
 
 } // namespace nv

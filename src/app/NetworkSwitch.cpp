@@ -5,23 +5,23 @@
 
 namespace nv {
 
-std::string NetworkConnectionStatus(Program &program) {
+std::string networkConnectionStatus(Program &program) {
     std::string status;
     logFailureOf(program.log, "MainBAS.NetworkConnectionStatus()", [&] {
         status =
-            program.around.network.NetworkConnectionStatus(program.thisClass.NetworkConnectionName);
+            program.around.network.networkConnectionStatus(program.thisClass.networkConnectionName);
     });
     return status;
 }
 
-bool ToggleNetworkConnection(Program &program, ConnectionState newState, Quiet quiet) {
-    const std::string &name = program.thisClass.NetworkConnectionName;
+bool toggleNetworkConnection(Program &program, ConnectionState newState, Quiet quiet) {
+    const std::string &name = program.thisClass.networkConnectionName;
     Switched result = Switched::noFolder;
     const auto failure = failureOf(program.log, "MainBAS.ToggleNetworkConnection()", [&] {
         result = program.around.network.switchConnection(name, newState);
     });
     if (!failure && (result == Switched::done || result == Switched::alreadySo)) {
-        program.thisClass.ConnectionOffline = newState == ConnectionState::disabled;
+        program.thisClass.connectionOffline = newState == ConnectionState::disabled;
         return result == Switched::done;
     }
     if (quiet == Quiet::no)

@@ -80,7 +80,7 @@ class Application {
     std::vector<const SettingFacts *> remaining(SettingOkay okay, std::span<const AnyKey> first);
 
     Program &m_program;
-    ThisClass &m_state;
+    ProgramState &m_state;
     IniFile &m_settings;
     Options m_options;
     const OptionsOccasion &m_occasion;
@@ -94,12 +94,12 @@ OptionsOutcome Application::run() {
     take("VerifyFileSignatures");
     take("DateFormat");
     take("TimeFormat");
-    m_state.EnableDSTChanges = m_options.EnableDSTChanges;
-    if (!m_options.Time_Zone_ID)
+    m_state.enableDSTChanges = m_options.enableDSTChanges;
+    if (!m_options.timeZoneID)
         return stay(messages::zoneNotSelected(), OptionsField::zone);
     // What follows belongs to the new project and must not reach the one that is still open.
     const auto refusal = refusalOfPaths();
-    if (m_occasion.newProject && m_state.ProjectDB.isOpen() && m_occasion.closeOpenProject &&
+    if (m_occasion.newProject && m_state.projectDB.isOpen() && m_occasion.closeOpenProject &&
         !refusal)
         m_occasion.closeOpenProject();
     if (!takeZone())
@@ -117,7 +117,7 @@ OptionsOutcome Application::run() {
 }
 
 bool Application::mayOverwrite() const {
-    const fs::path &path = m_options.ProjectDBPath;
+    const fs::path &path = m_options.projectDBPath;
     if (!m_occasion.newProject || path == m_occasion.overwriteAgreed)
         return true;
     std::error_code notThere;
@@ -137,7 +137,7 @@ void Application::bring(const SettingFacts &row) {
 }
 
 void Application::write(const SettingFacts &row) {
-    m_settings.WriteIniValue(row.section, row.key, shownText(m_options, row));
+    m_settings.writeIniValue(row.section, row.key, shownText(m_options, row));
     m_written.push_back(&row);
 }
 
@@ -156,15 +156,15 @@ std::vector<const SettingFacts *> Application::remaining(SettingOkay okay,
 
 bool Application::takeZone() {
     // A new project with a wrong path doesn't change the zone of the one that is open.
-    if (m_occasion.newProject && m_state.ProjectDB.isOpen())
+    if (m_occasion.newProject && m_state.projectDB.isOpen())
         return true;
-    if (!setZone(m_program, *m_options.Time_Zone_ID))
+    if (!setZone(m_program, *m_options.timeZoneID))
         return false;
-    const TimeZone &zone = m_state.GMTZone;
+    const TimeZone &zone = m_state.gmtZone;
     writeText(m_settings, "TimeZoneBias", fmt::format("{}", zone.tzBias));
     writeText(m_settings, "TimeZoneName", zone.tzName);
     writeText(m_settings, "TimeZoneID", fmt::format("{}", zone.tzTimeZoneID));
-    if (m_state.ProjectDB.isOpen())
+    if (m_state.projectDB.isOpen())
         storeProjectValues(m_program,
                            {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
                             {"TimeZoneName", zone.tzName},
@@ -176,15 +176,15 @@ bool Application::takeZone() {
 /// The base folder of an open project may be gone, as evidence is unplugged: only a new choice is
 /// tested.
 std::optional<Refusal> Application::refusalOfPaths() const {
-    const fs::path &project = m_options.ProjectDBPath;
+    const fs::path &project = m_options.projectDBPath;
     const bool isNew = m_occasion.newProject;
     if (isNew && (!isProjectName(project) || isFolder(project) ||
                   !isFolder(fs::absolute(project).parent_path())))
         return Refusal{OptionsField::project, messages::invalidProjectPath()};
-    if (!isUsableTempFolder(m_program, m_options.TempFolderPath))
+    if (!isUsableTempFolder(m_program, m_options.tempFolderPath))
         return Refusal{OptionsField::temp, messages::invalidTempFolder()};
-    const fs::path &base = m_options.RootPath;
-    const bool asItWas = !m_state.ProjectDB.isOpen() || base == m_state.RootPath;
+    const fs::path &base = m_options.rootPath;
+    const bool asItWas = !m_state.projectDB.isOpen() || base == m_state.rootPath;
     if (!(isNew ? base.empty() : asItWas) && !isFolder(base))
         return Refusal{OptionsField::base, messages::invalidBaseFolder()};
     if (auto refusal = refusalBeside(base))
@@ -204,11 +204,11 @@ std::optional<Refusal> Application::refusalBeside(const fs::path &base) const {
         const fs::path &before;
     };
     const Place places[] = {
-        {OptionsField::project, m_options.ProjectDBPath, m_state.ProjectDBPath},
-        {OptionsField::temp, m_options.TempFolderPath, m_state.TempFolderRoot},
-        {OptionsField::templates, m_options.TemplatesPath, m_state.TemplatesPath},
-        {OptionsField::publish, m_options.PublishTempFolder, m_state.PublishTempFolder}};
-    const bool isChosen = base == m_options.RootPath && base != m_state.RootPath;
+        {OptionsField::project, m_options.projectDBPath, m_state.projectDBPath},
+        {OptionsField::temp, m_options.tempFolderPath, m_state.tempFolderRoot},
+        {OptionsField::templates, m_options.templatesPath, m_state.templatesPath},
+        {OptionsField::publish, m_options.publishTempFolder, m_state.publishTempFolder}};
+    const bool isChosen = base == m_options.rootPath && base != m_state.rootPath;
     for (const Place &place : places) {
         const bool ofOpenProject = place.field == OptionsField::project && !m_occasion.newProject;
         const bool asItWas = place.path == place.before && !isChosen;
@@ -224,21 +224,21 @@ std::optional<Refusal> Application::refusalBeside(const fs::path &base) const {
 
 void Application::takePaths() {
     bring(TextKey("PublishFolder").row());
-    takeTempFolder(m_program, m_options.TempFolderPath);
-    m_state.TempFolderOfRun = m_options.TempFolderPath;
-    writeText(m_settings, "TempFolder", textOf(m_options.TempFolderPath));
-    writeText(m_settings, "LastProjectDBPath", textOf(m_options.ProjectDBPath));
+    takeTempFolder(m_program, m_options.tempFolderPath);
+    m_state.tempFolderOfRun = m_options.tempFolderPath;
+    writeText(m_settings, "TempFolder", textOf(m_options.tempFolderPath));
+    writeText(m_settings, "LastProjectDBPath", textOf(m_options.projectDBPath));
     take("AgencyLogoPath");
     take("PublishFolder");
     take("TemplatesPath");
 }
 
 void Application::takeWhatIsNoSetting() {
-    m_state.PARD.EnablePARD = m_options.EnablePARD;
-    m_state.PARD.fromValue = static_cast<std::int16_t>(m_options.PARDFrom);
-    m_state.PARD.toValue = static_cast<std::int16_t>(m_options.PARDTo);
+    m_state.pard.enablePARD = m_options.enablePARD;
+    m_state.pard.fromValue = static_cast<std::int16_t>(m_options.pardFrom);
+    m_state.pard.toValue = static_cast<std::int16_t>(m_options.pardTo);
     if (m_options.switchedOffline)
-        m_state.ConnectionOffline = *m_options.switchedOffline;
+        m_state.connectionOffline = *m_options.switchedOffline;
 }
 
 void Application::takeRest() {
@@ -252,16 +252,16 @@ void Application::takeRest() {
 void Application::takeHeld() {
     for (const SettingFacts *row : remaining(SettingOkay::holds, kHeld)) {
         bring(*row);
-        if (m_options.KeepAllOptions)
+        if (m_options.keepAllOptions)
             write(*row);
     }
 }
 
 void Application::toProject() {
-    if (!m_state.ProjectDB.isOpen())
+    if (!m_state.projectDB.isOpen())
         return;
-    if (!m_options.RootPath.empty() && m_options.RootPath != m_state.RootPath)
-        m_state.RootPath = fs::canonical(m_options.RootPath);
+    if (!m_options.rootPath.empty() && m_options.rootPath != m_state.rootPath)
+        m_state.rootPath = fs::canonical(m_options.rootPath);
     storeProjectValues(m_program, projectValuesInForce(m_program), TrailNote::yes);
 }
 
@@ -287,7 +287,7 @@ std::string chooseTimeFormat(Program &program, std::string_view format) {
     return sampleOf(program, format);
 }
 
-std::vector<ZoneRow> InitTimeZone(Program &program) {
+std::vector<ZoneRow> initTimeZone(Program &program) {
     std::vector<ZoneRow> zones = ZoneDatabase(program.paths.zones(), program.log).listZones();
     if (zones.empty())
         program.around.examiner.tell(messages::zonesNotRead());
@@ -295,18 +295,18 @@ std::vector<ZoneRow> InitTimeZone(Program &program) {
 }
 
 std::string connectionStatus(Program &program, const std::string &name) {
-    std::string &inForce = program.thisClass.NetworkConnectionName;
+    std::string &inForce = program.thisClass.networkConnectionName;
     const std::string kept = std::exchange(inForce, name);
-    const std::string status = NetworkConnectionStatus(program);
+    const std::string status = networkConnectionStatus(program);
     inForce = kept;
     return status;
 }
 
 std::string switchConnectionOver(Program &program, const std::string &name) {
     const bool isUp = connectionStatus(program, name) == "ENABLED";
-    std::string &inForce = program.thisClass.NetworkConnectionName;
+    std::string &inForce = program.thisClass.networkConnectionName;
     const std::string kept = std::exchange(inForce, name);
-    const bool done = ToggleNetworkConnection(
+    const bool done = toggleNetworkConnection(
         program, isUp ? ConnectionState::disabled : ConnectionState::enabled, Quiet::no);
     inForce = kept;
     if (done && isUp)

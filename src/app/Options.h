@@ -17,14 +17,14 @@ namespace nv {
 
 /// What stands in the Options dialog: settings, and what isn't kept in the settings file.
 struct Options : SettingValues {
-    std::filesystem::path ProjectDBPath;
-    std::filesystem::path RootPath; ///< of a new project: empty is left to its first import
-    std::filesystem::path TempFolderPath;
-    std::optional<std::int32_t> Time_Zone_ID; ///< the selection of the list
-    bool EnableDSTChanges = true;
-    bool EnablePARD = false;
-    int PARDFrom = 0; ///< percent
-    int PARDTo = 0;
+    std::filesystem::path projectDBPath;
+    std::filesystem::path rootPath; ///< of a new project: empty is left to its first import
+    std::filesystem::path tempFolderPath;
+    std::optional<std::int32_t> timeZoneID; ///< the selection of the list
+    bool enableDSTChanges = true;
+    bool enablePARD = false;
+    int pardFrom = 0; ///< percent
+    int pardTo = 0;
     std::optional<bool> switchedOffline; ///< set when the connection was switched meanwhile
     /// Settings that no member holds, as the settings file has them.
     std::map<const SettingFacts *, std::string> others;
@@ -68,7 +68,7 @@ std::string chooseDateFormat(Program &program, std::string_view format);
 std::string chooseTimeFormat(Program &program, std::string_view format);
 
 /// The zones for the list. The examiner is told when there are none to be had.
-std::vector<ZoneRow> InitTimeZone(Program &program);
+std::vector<ZoneRow> initTimeZone(Program &program);
 
 /// The state of the connection `name`, and switching it over, whichever connection the settings
 /// name. Gives the state afterwards.

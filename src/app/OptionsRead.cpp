@@ -17,12 +17,12 @@ fs::path firstOf(const fs::path &inForce, const IniFile &settings, TextKey key) 
 }
 
 void readPaths(const Program &program, Options &options) {
-    const ThisClass &state = program.thisClass;
-    options.ProjectDBPath = state.ProjectDBPath;
-    options.RootPath = state.RootPath;
-    options.TempFolderPath = firstOf(state.TempFolderRoot, program.settings, "Temp");
-    options.PublishTempFolder = firstOf(state.PublishTempFolder, program.settings, "Publish");
-    options.AgencyLogoPath = firstOf(state.AgencyLogoPath, program.settings, "AgencyLogo");
+    const ProgramState &state = program.thisClass;
+    options.projectDBPath = state.projectDBPath;
+    options.rootPath = state.rootPath;
+    options.tempFolderPath = firstOf(state.tempFolderRoot, program.settings, "Temp");
+    options.publishTempFolder = firstOf(state.publishTempFolder, program.settings, "Publish");
+    options.agencyLogoPath = firstOf(state.agencyLogoPath, program.settings, "AgencyLogo");
 }
 
 /// The folder of the settings, that of the last project, or the user's own.
@@ -57,26 +57,26 @@ void readSettings(const Program &program, Options &options) {
 } // namespace
 
 Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
-    const ThisClass &state = program.thisClass;
+    const ProgramState &state = program.thisClass;
     Options options;
     readSettings(program, options);
     readPaths(program, options);
-    if (const auto place = placeInList(zones, state.GMTZone))
-        options.Time_Zone_ID = zones[*place].Time_Zone_ID;
-    options.EnableDSTChanges = state.EnableDSTChanges;
-    options.EnablePARD = state.PARD.EnablePARD;
-    options.PARDFrom = state.PARD.fromValue;
-    options.PARDTo = state.PARD.toValue;
+    if (const auto place = placeInList(zones, state.gmtZone))
+        options.timeZoneID = zones[*place].timeZoneID;
+    options.enableDSTChanges = state.enableDSTChanges;
+    options.enablePARD = state.pard.enablePARD;
+    options.pardFrom = state.pard.fromValue;
+    options.pardTo = state.pard.toValue;
     return options;
 }
 
 Options readNewProjectOptions(const Program &program, const std::vector<ZoneRow> &zones) {
     Options options = readOptions(program, zones);
-    options.RootPath.clear();
+    options.rootPath.clear();
     const fs::path folder = folderOfProjects(program);
-    options.ProjectDBPath = folder / "Case.nvp";
-    for (int number = 2; fs::exists(options.ProjectDBPath); ++number)
-        options.ProjectDBPath = folder / fmt::format("Case {}.nvp", number);
+    options.projectDBPath = folder / "Case.nvp";
+    for (int number = 2; fs::exists(options.projectDBPath); ++number)
+        options.projectDBPath = folder / fmt::format("Case {}.nvp", number);
     return options;
 }
 

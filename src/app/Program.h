@@ -4,10 +4,10 @@
 #include "app/Front.h"
 #include "app/IniFile.h"
 #include "app/ProgramPaths.h"
+#include "app/ProgramState.h"
 #include "app/ProjectHold.h"
 #include "app/ScratchFolder.h"
-#include "app/ThisClass.h"
-#include "app/ThreadClass.h"
+#include "app/TaskStatus.h"
 #include "base/Clock.h"
 #include "base/Examiner.h"
 #include "import/ImportSettings.h"
@@ -38,11 +38,11 @@ struct Program {
     Surroundings around;
     ErrorLog log;
     IniFile settings;
-    ThreadClass thread;
+    TaskStatus thread;
     /// All that this process has worked in: what is shown, or open, may lie in an earlier one.
     std::vector<std::unique_ptr<ScratchFolder>> scratch;
     std::unique_ptr<ProjectHold> projectHold; ///< of a project open for writing; goes after it
-    ThisClass thisClass;
+    ProgramState thisClass;
     ImportSettings import;
 };
 
@@ -51,7 +51,7 @@ struct Program {
 void startUp(Program &program, Front front);
 
 /// The P.A.R.D. range of a start, and of a project that is opened next.
-void resetPardRange(ThisClass &state);
+void resetPardRange(ProgramState &state);
 
 /// Works below `tempFolder` from now on, in a folder of this process's own. What processes that are
 /// gone have left there is removed; a failure to do so is told in the window and logged.

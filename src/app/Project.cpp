@@ -24,16 +24,16 @@ constexpr std::string_view kZoneSetting = "LastTimeZoneID";
 constexpr std::string_view kRootSetting = "RootPath";
 
 ProjectFields fieldsOf(Program &program) {
-    return {program.thisClass.ProjectDB.connection(), program.log};
+    return {program.thisClass.projectDB.connection(), program.log};
 }
 
 void becomeOpen(Program &program, LogOf log) {
     if (log == LogOf::project)
         program.log.remove();
-    ThisClass &state = program.thisClass;
-    state.ProjectDBPath = state.ProjectDB.filePath;
+    ProgramState &state = program.thisClass;
+    state.projectDBPath = state.projectDB.filePath;
     const std::string root = fieldsOf(program).getDefault(kRootSetting);
-    state.RootPath = pathFromText(root).value_or(root);
+    state.rootPath = pathFromText(root).value_or(root);
     state.currentSQLDef = state.defaultSQLDef;
 }
 
@@ -41,7 +41,7 @@ void becomeOpen(Program &program, LogOf log) {
 /// silence.
 void takeZoneOfProject(Program &program) {
     const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
-    bool &isUnread = program.thisClass.ZoneIsUnread;
+    bool &isUnread = program.thisClass.zoneIsUnread;
     isUnread = zone && *zone > 0;
     if (!isUnread || setZone(program, *zone) || !fs::exists(program.paths.zones()))
         return;
@@ -58,7 +58,7 @@ bool isProjectName(const fs::path &path) {
 bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold.reset();
     auto hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
-    ProjectDatabase &project = program.thisClass.ProjectDB;
+    ProjectDatabase &project = program.thisClass.projectDB;
     const fs::path whole = fs::absolute(path);
     refuseLoneLog(whole);
     // Whoever is killed meanwhile leaves no file that passes for a project and is none.
@@ -81,7 +81,7 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
-    setZone(program, program.thisClass.GMTZone.tzTimeZoneID);
+    setZone(program, program.thisClass.gmtZone.tzTimeZoneID);
     return true;
 }
 
@@ -91,7 +91,7 @@ void openProject(Program &program, const fs::path &path, Access access, Holding 
     std::unique_ptr<ProjectHold> hold;
     if (access != Access::read && holding == Holding::yes && fs::exists(path))
         hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
-    ProjectDatabase &project = program.thisClass.ProjectDB;
+    ProjectDatabase &project = program.thisClass.projectDB;
     project.filePath = fs::absolute(path);
     project.open(access);
     program.projectHold = std::move(hold);
@@ -109,63 +109,63 @@ void requireZones(Program &program) {
         refuse("the table of time zones is missing", "was expected");
     if (ZoneDatabase(file, program.log).listZones().empty())
         refuse("the table of time zones is damaged", "can't be read");
-    if (program.thisClass.ZoneIsUnread)
+    if (program.thisClass.zoneIsUnread)
         refuse("the project's time zone is not known", "doesn't hold it");
 }
 
 bool setZone(Program &program, std::int64_t id) {
-    ThisClass &state = program.thisClass;
+    ProgramState &state = program.thisClass;
     const Clock &clock = program.around.clock;
     const ZoneChange change =
         ZoneDatabase(program.paths.zones(), program.log)
-            .setNewTimeZone(state.GMTZone, static_cast<std::int32_t>(id),
+            .setNewTimeZone(state.gmtZone, static_cast<std::int32_t>(id),
                             Date::fromTimePoint(clock.now() + clock.localOffset()),
-                            state.EnableDSTChanges);
+                            state.enableDSTChanges);
     if (change.errorNumber != 0)
         program.around.examiner.tell(messages::zoneNotSet(change.errorNumber));
-    state.ZoneIsUnread = state.ZoneIsUnread && !change.found;
+    state.zoneIsUnread = state.zoneIsUnread && !change.found;
     return change.found;
 }
 
 DateSettings dateSettings(const Program &program) {
-    const ThisClass &state = program.thisClass;
+    const ProgramState &state = program.thisClass;
     const int year = Date::fromTimePoint(program.around.clock.now()).civil().year;
-    return {state.DateFormat, state.TimeFormat, state.EnableDSTChanges, year};
+    return {state.dateFormat, state.timeFormat, state.enableDSTChanges, year};
 }
 
 void closeProject(Program &program) {
-    ThisClass &state = program.thisClass;
-    if (!state.ProjectDB.isReadOnly()) {
-        if (!state.ZoneIsUnread)
+    ProgramState &state = program.thisClass;
+    if (!state.projectDB.isReadOnly()) {
+        if (!state.zoneIsUnread)
             fieldsOf(program).saveDefaultSetting(kZoneSetting,
-                                                 fmt::format("{}", state.GMTZone.tzTimeZoneID));
-        StoredQueries(state.ProjectDB.connection()).resetDEFAULTQuery();
+                                                 fmt::format("{}", state.gmtZone.tzTimeZoneID));
+        StoredQueries(state.projectDB.connection()).resetDEFAULTQuery();
     }
-    state.ZoneIsUnread = false;
-    state.ProjectDB.closeDB();
+    state.zoneIsUnread = false;
+    state.projectDB.closeDB();
     program.projectHold.reset();
-    state.ProjectDBPath.clear();
-    state.RootPath.clear();
+    state.projectDBPath.clear();
+    state.rootPath.clear();
     state.currentSQLDef = state.defaultSQLDef;
     program.import.historyFiles.clear();
     program.import.gaps = {};
 }
 
 void setRootPath(Program &program, const fs::path &root) {
-    program.thisClass.RootPath = root;
-    if (!program.thisClass.ProjectDB.isReadOnly())
+    program.thisClass.rootPath = root;
+    if (!program.thisClass.projectDB.isReadOnly())
         fieldsOf(program).saveDefaultSetting(kRootSetting, textOf(root));
 }
 
 AppBuild buildOf(const Program &program) {
-    const ThisClass &state = program.thisClass;
-    return {state.AppBuildMajor, state.AppBuildMinor, state.AppBuildRevision};
+    const ProgramState &state = program.thisClass;
+    return {state.appBuildMajor, state.appBuildMinor, state.appBuildRevision};
 }
 
 bool isOlderProject(Program &program) {
-    if (program.thisClass.DisableFileVersionCheck)
+    if (program.thisClass.disableFileVersionCheck)
         return false;
-    return stampOf(program.thisClass.ProjectDB.connection(), program.log) < buildOf(program);
+    return stampOf(program.thisClass.projectDB.connection(), program.log) < buildOf(program);
 }
 
 } // namespace nv

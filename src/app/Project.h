@@ -40,7 +40,7 @@ void closeProject(Program &program);
 /// Keeps the base folder in the open project; rows follow at the next load.
 void setRootPath(Program &program, const std::filesystem::path &root);
 
-/// Takes the zone with this `Time_Zone_ID` into force. False when there is none. The examiner is
+/// Takes the zone with this `timeZoneID` into force. False when there is none. The examiner is
 /// told when the zone database can't be read.
 bool setZone(Program &program, std::int64_t id);
 

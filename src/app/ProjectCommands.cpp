@@ -48,14 +48,14 @@ ImportSummary importAlone(Program &program, const HistoryFile &artefact) {
     program.import.gaps = {};
     program.import.historyFiles.add(artefact);
     const OpenTask task(program.thread, {});
-    return runImportJob(program, program.thread, program.thisClass.TempFolderPath);
+    return runImportJob(program, program.thread, program.thisClass.tempFolderPath);
 }
 
 } // namespace
 
 std::optional<fs::path> ProjectCommands::pathFor(const fs::path &given, OpenMode mode) {
     if (mode == OpenMode::newByDialog)
-        return m_dialogs.CreateNewProjectFilename();
+        return m_dialogs.createNewProjectFilename();
     return given.empty() ? m_dialogs.chooseProject() : given;
 }
 
@@ -69,9 +69,9 @@ bool ProjectCommands::create(const fs::path &path) {
     return made;
 }
 
-bool ProjectCommands::OpenFile(const fs::path &path, OpenMode mode) {
-    if (m_program.thisClass.ProjectDB.isOpen())
-        CloseFile();
+bool ProjectCommands::openFile(const fs::path &path, OpenMode mode) {
+    if (m_program.thisClass.projectDB.isOpen())
+        closeFile();
     const auto chosen = pathFor(path, mode);
     if (!chosen)
         return false;
@@ -116,8 +116,8 @@ bool ProjectCommands::openExisting(const fs::path &path) {
 void ProjectCommands::afterOpening() {
     takeTempFolder(m_program, tempFolderFrom(m_program));
     m_view.restoreLayout();
-    UpdateProgramCaption();
-    StoreFilenameINI(m_program.settings, m_program.thisClass.ProjectDBPath);
+    updateProgramCaption();
+    storeFilenameINI(m_program.settings, m_program.thisClass.projectDBPath);
     m_view.showRecentFiles();
 }
 
@@ -126,7 +126,7 @@ bool ProjectCommands::checkVersion() {
         return true;
     Examiner &examiner = m_program.around.examiner;
     examiner.tell(messages::olderProject());
-    if (m_program.thisClass.ProjectDB.isReadOnly())
+    if (m_program.thisClass.projectDB.isReadOnly())
         return true;
     if (examiner.ask(messages::runUpgradeWizard()) == Answer::Yes)
         return upgradeAndReopen();
@@ -136,8 +136,8 @@ bool ProjectCommands::checkVersion() {
 
 /// The version isn't asked about again: an examiner who has left the wizard has decided.
 bool ProjectCommands::upgradeAndReopen() {
-    const fs::path project = m_program.thisClass.ProjectDBPath;
-    CloseFile();
+    const fs::path project = m_program.thisClass.projectDBPath;
+    closeFile();
     m_view.showUpgradeWizard(project);
     if (!openExisting(project))
         return false;
@@ -146,15 +146,15 @@ bool ProjectCommands::upgradeAndReopen() {
 }
 
 void ProjectCommands::upgradeWizard() {
-    if (!m_program.thisClass.ProjectDB.isOpen())
+    if (!m_program.thisClass.projectDB.isOpen())
         return m_view.showUpgradeWizard({});
     if (m_program.around.examiner.ask(messages::upgradeClosesProject()) == Answer::Yes &&
         upgradeAndReopen())
-        m_view.LoadURLs();
+        m_view.loadURLs();
 }
 
 void ProjectCommands::tellOfChangedDefaultQuery() {
-    const auto text = StoredQueries(m_program.thisClass.ProjectDB.connection()).text("_DEFAULT");
+    const auto text = StoredQueries(m_program.thisClass.projectDB.connection()).text("_DEFAULT");
     std::string unified = toUpper(replaceAll(text.value_or(""), "\r\n", " "));
     std::replace_if(
         unified.begin(), unified.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
@@ -162,10 +162,10 @@ void ProjectCommands::tellOfChangedDefaultQuery() {
         m_program.around.examiner.tell(messages::defaultQueryChanged());
 }
 
-void ProjectCommands::CloseFile() {
-    if (!m_program.thisClass.ProjectDB.isOpen())
+void ProjectCommands::closeFile() {
+    if (!m_program.thisClass.projectDB.isOpen())
         return;
-    const fs::path path = m_program.thisClass.ProjectDBPath;
+    const fs::path path = m_program.thisClass.projectDBPath;
     resetPardRange(m_program.thisClass);
     const auto failure = failureOf(m_program.log, "MainForm.CloseFile()", [this] {
         m_view.saveLayout();
@@ -174,13 +174,13 @@ void ProjectCommands::CloseFile() {
     if (failure)
         m_program.around.examiner.tell(messages::closingFailed(*failure));
     m_view.clear();
-    UpdateProgramCaption();
-    StoreFilenameINI(m_program.settings, path);
+    updateProgramCaption();
+    storeFilenameINI(m_program.settings, path);
     m_view.showRecentFiles();
 }
 
-bool ProjectCommands::SaveAs() {
-    ProjectDatabase &project = m_program.thisClass.ProjectDB;
+bool ProjectCommands::saveAs() {
+    ProjectDatabase &project = m_program.thisClass.projectDB;
     if (!project.isOpen() || project.isReadOnly())
         return false;
     const auto target = m_dialogs.chooseSaveAs();
@@ -206,29 +206,29 @@ bool ProjectCommands::SaveAs() {
         m_program.around.examiner.tell(
             messages::saveAsFailed(*failure + "\n\nThe project stays where it is."));
     openProject(m_program, failure ? source : *target);
-    UpdateProgramCaption();
+    updateProgramCaption();
     return !failure;
 }
 
-void ProjectCommands::UpdateProgramCaption() {
-    const ThisClass &state = m_program.thisClass;
-    const bool open = m_program.thisClass.ProjectDB.isOpen();
-    const char *mode = open && state.ProjectDB.isReadOnly() ? " (reading only)" : "";
+void ProjectCommands::updateProgramCaption() {
+    const ProgramState &state = m_program.thisClass;
+    const bool open = m_program.thisClass.projectDB.isOpen();
+    const char *mode = open && state.projectDB.isReadOnly() ? " (reading only)" : "";
     m_view.setCaption(
-        open ? fmt::format("{} - [{}]{}", state.AppTitle, textOf(state.ProjectDBPath), mode)
-             : state.AppTitle);
+        open ? fmt::format("{} - [{}]{}", state.appTitle, textOf(state.projectDBPath), mode)
+             : state.appTitle);
 }
 
-bool ProjectCommands::LoadCommandLineFile(const fs::path &path) {
+bool ProjectCommands::loadCommandLineFile(const fs::path &path) {
     Examiner &examiner = m_program.around.examiner;
     if (!fs::is_regular_file(path)) {
         examiner.tell(messages::commandLineFileMissing());
         return false;
     }
     if (isProjectName(path)) {
-        if (!OpenFile(path, OpenMode::existing))
+        if (!openFile(path, OpenMode::existing))
             return false;
-        m_view.LoadURLs();
+        m_view.loadURLs();
         return true;
     }
     const auto artefact = artefactOfCommandLine(path);
@@ -236,11 +236,11 @@ bool ProjectCommands::LoadCommandLineFile(const fs::path &path) {
         examiner.tell(messages::commandLineFileUnknown());
         return false;
     }
-    const fs::path scratch = tempFileNames(m_program.thisClass.TempFolderPath).project;
-    if (!OpenFile(scratch, OpenMode::newAtPath))
+    const fs::path scratch = tempFileNames(m_program.thisClass.tempFolderPath).project;
+    if (!openFile(scratch, OpenMode::newAtPath))
         return false;
     const ImportSummary summary = importAlone(m_program, *artefact);
-    m_view.LoadURLs();
+    m_view.loadURLs();
     examiner.tell(messages::commandLineFileImported(outcomeText(summary)));
     return true;
 }

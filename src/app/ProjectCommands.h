@@ -14,7 +14,7 @@ class FileDialogs {
   public:
     virtual ~FileDialogs() = default;
     virtual std::optional<std::filesystem::path> chooseProject() = 0;
-    virtual std::optional<std::filesystem::path> CreateNewProjectFilename() = 0;
+    virtual std::optional<std::filesystem::path> createNewProjectFilename() = 0;
     virtual std::optional<std::filesystem::path> chooseSaveAs() = 0;
 };
 
@@ -30,7 +30,7 @@ class ProjectView {
     /// The grids are emptied.
     virtual void clear() = 0;
     /// Runs the active query anew.
-    virtual void LoadURLs() = 0;
+    virtual void loadURLs() = 0;
     /// Shows the wizard for a closed project and returns when it is closed.
     virtual void showUpgradeWizard(const std::filesystem::path &) {}
 };
@@ -45,19 +45,19 @@ class ProjectCommands {
 
     /// Opens or makes a project; an open one is closed first. An empty path asks for one. True when
     /// a project is open afterwards.
-    bool OpenFile(const std::filesystem::path &path, OpenMode mode);
-    void CloseFile();
+    bool openFile(const std::filesystem::path &path, OpenMode mode);
+    void closeFile();
     /// A copy at the chosen path, with which the work goes on.
-    bool SaveAs();
+    bool saveAs();
     /// Takes the one path of the command line: a project, or an artefact that is imported into a
     /// scratch project at once.
-    bool LoadCommandLineFile(const std::filesystem::path &path);
+    bool loadCommandLineFile(const std::filesystem::path &path);
     /// Closes the open project, when the examiner agrees, for the wizard, and opens it again after
     /// it; without one the wizard asks for a project.
     void upgradeWizard();
     /// After a project was opened from the File menu: tells of a changed default query.
     void tellOfChangedDefaultQuery();
-    void UpdateProgramCaption();
+    void updateProgramCaption();
 
   private:
     std::optional<std::filesystem::path> pathFor(const std::filesystem::path &given, OpenMode mode);

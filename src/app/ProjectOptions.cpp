@@ -43,26 +43,26 @@ std::span<const ProjectValueFacts> projectValueTable() {
 }
 
 std::vector<ProjectValue> projectValuesInForce(const Program &program) {
-    const ThisClass &state = program.thisClass;
-    const TimeZone &zone = state.GMTZone;
+    const ProgramState &state = program.thisClass;
+    const TimeZone &zone = state.gmtZone;
     return {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
             {"TimeZoneName", zone.tzName},
             {"TimeZoneID", fmt::format("{}", zone.tzTimeZoneID)},
             {"LastTimeZoneID", fmt::format("{}", zone.tzTimeZoneID)},
-            {"RootPath", textOf(state.RootPath)},
-            {"DateFormat", state.DateFormat},
-            {"TimeFormat", state.TimeFormat},
-            {"ProjectDBPath", textOf(state.ProjectDBPath)},
-            {"GalleryIncludeHTML", flagText(state.GalleryIncludeHTML)},
-            {"GalleryIncludePictures", flagText(state.GalleryIncludePictures)},
-            {"GalleryRecordsPerPage", fmt::format("{}", state.GalleryRecordsPerPage)},
-            {"RedrawThumbIfPageRebuilt", flagText(state.RedrawThumbIfPageRebuilt)}};
+            {"RootPath", textOf(state.rootPath)},
+            {"DateFormat", state.dateFormat},
+            {"TimeFormat", state.timeFormat},
+            {"ProjectDBPath", textOf(state.projectDBPath)},
+            {"GalleryIncludeHTML", flagText(state.galleryIncludeHTML)},
+            {"GalleryIncludePictures", flagText(state.galleryIncludePictures)},
+            {"GalleryRecordsPerPage", fmt::format("{}", state.galleryRecordsPerPage)},
+            {"RedrawThumbIfPageRebuilt", flagText(state.redrawThumbIfPageRebuilt)}};
 }
 
 void storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note) {
-    if (program.thisClass.ProjectDB.isReadOnly())
+    if (program.thisClass.projectDB.isReadOnly())
         return;
-    ProjectFields fields(program.thisClass.ProjectDB.connection(), program.log);
+    ProjectFields fields(program.thisClass.projectDB.connection(), program.log);
     std::string changes;
     for (const ProjectValue &each : values) {
         const std::string before = fields.getDefault(each.name);

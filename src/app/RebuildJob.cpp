@@ -49,7 +49,7 @@ void dropFolder(const std::filesystem::path &folder) {
 
 RebuiltPage outcomeOf(const UrlRecord &page, bool rebuilt, const RebuildContext &ctx) {
     RebuiltPage outcome;
-    outcome.URL_ID = number(page.URLID);
+    outcome.urlID = number(page.URLID);
     outcome.rebuilt = rebuilt;
     outcome.folder = rebuildFolderOf(page.URLID, ctx);
     if (!rebuilt) {
@@ -67,9 +67,9 @@ RebuiltPage outcomeOf(const UrlRecord &page, bool rebuilt, const RebuildContext 
     return outcome;
 }
 
-RebuiltPage unreadPage(std::int64_t URL_ID) {
+RebuiltPage unreadPage(std::int64_t urlID) {
     RebuiltPage outcome;
-    outcome.URL_ID = URL_ID;
+    outcome.urlID = urlID;
     outcome.why = NotRebuilt::unreadable;
     return outcome;
 }
@@ -137,8 +137,8 @@ std::vector<std::int64_t> taggedIds(Program &program, UnreadRows &unread) {
     return idsPastDamage(program, "SELECT URL_ID FROM URLs WHERE Tagged ORDER BY URL_ID", unread);
 }
 
-std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std::int64_t URL_ID) {
-    auto page = tools.record(URL_ID);
+std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std::int64_t urlID) {
+    auto page = tools.record(urlID);
     if (!page)
         return std::nullopt;
     const RebuildContext &ctx = tools.context();

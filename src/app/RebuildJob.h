@@ -20,7 +20,7 @@ enum class NotRebuilt {
     noContent,    ///< a visit, or a page that was gone when it was imported
     contentGone,  ///< no cached bytes any more
     noReferences, ///< nothing in the page that could be replaced
-    wideIds,      ///< a part's id is above 32,767 and `WideRecordIds` is off
+    wideIds,      ///< a part's id is above 32,767 and `wideRecordIds` is off
     cancelled,
     unreadable, ///< the project is damaged where the page's row lies
     failed,     ///< the log tells
@@ -35,7 +35,7 @@ enum class Redrawn {
 
 /// What became of one page.
 struct RebuiltPage {
-    std::int64_t URL_ID = 0;
+    std::int64_t urlID = 0;
     bool rebuilt = false;
     NotRebuilt why = NotRebuilt::failed; ///< of a page that isn't rebuilt
     std::size_t tagsFound = 0;
@@ -46,9 +46,9 @@ struct RebuiltPage {
     std::filesystem::path folder;
 };
 
-/// Rebuilds one page by itself, and draws its thumbnail anew as `RedrawThumbIfPageRebuilt` says.
+/// Rebuilds one page by itself, and draws its thumbnail anew as `redrawThumbIfPageRebuilt` says.
 /// Nothing when the project has no such record.
-std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std::int64_t URL_ID);
+std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std::int64_t urlID);
 
 /// Rebuilds each page in turn and hands on what became of it; a page that fails doesn't stop the
 /// run. Thumbnails are drawn for some ten pages at once, and these are handed on together.

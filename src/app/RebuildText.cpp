@@ -13,8 +13,8 @@ namespace {
 
 std::string pageText(const RebuiltPage &page) {
     if (!page.rebuilt)
-        return fmt::format("Record {} was not rebuilt: {}.", page.URL_ID, reasonText(page.why));
-    return fmt::format("Record {} was rebuilt: {} replaced, {} missing{}.{}", page.URL_ID,
+        return fmt::format("Record {} was not rebuilt: {}.", page.urlID, reasonText(page.why));
+    return fmt::format("Record {} was rebuilt: {} replaced, {} missing{}.{}", page.urlID,
                        counted(page.replaced, "reference"), page.missing,
                        notRewrittenText(page.notRewritten),
                        page.thumbnail == Redrawn::failed

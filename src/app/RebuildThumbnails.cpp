@@ -28,7 +28,7 @@ std::size_t RebuildThumbnails::pagesAtOnce() const {
 
 const ThumbnailContext &RebuildThumbnails::context() {
     if (!m_drawing) {
-        const fs::path &scratch = m_tools.context().TempFolderPath;
+        const fs::path &scratch = m_tools.context().tempFolderPath;
         m_drawing.emplace(m_program, scratch, m_tools.drawing(scratch));
     }
     return m_drawing->context();
@@ -62,7 +62,7 @@ void RebuildThumbnails::draw(std::span<RebuiltPage> outcomes, TaskMonitor &task)
     const Redrawn otherwise = part.advance(1) ? Redrawn::failed : Redrawn::notWanted;
     for (std::size_t i = 0; i < m_pages.size(); ++i) {
         const auto outcome =
-            std::ranges::find(outcomes, number(m_pages[i].urlID), &RebuiltPage::URL_ID);
+            std::ranges::find(outcomes, number(m_pages[i].urlID), &RebuiltPage::urlID);
         if (outcome != outcomes.end())
             outcome->thumbnail = drawn[i] ? Redrawn::yes : otherwise;
     }

@@ -13,12 +13,12 @@
 namespace nv {
 
 /// Draws the thumbnails of rebuilt pages anew, some ten in one run: starting to draw takes longer
-/// than drawing one. Without the setting `RedrawThumbIfPageRebuilt` all of it does nothing.
+/// than drawing one. Without the setting `redrawThumbIfPageRebuilt` all of it does nothing.
 class RebuildThumbnails {
   public:
     RebuildThumbnails(Program &program, RecordTools &tools) : m_program(program), m_tools(tools) {}
 
-    bool isWanted() const { return m_program.thisClass.RedrawThumbIfPageRebuilt; }
+    bool isWanted() const { return m_program.thisClass.redrawThumbIfPageRebuilt; }
     /// How many pages are rebuilt before they are drawn.
     std::size_t pagesAtOnce() const;
     /// What part of the progress rebuilding takes, 0 to 1; drawing has the rest.

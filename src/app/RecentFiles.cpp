@@ -36,7 +36,7 @@ std::string shortened(const std::string &path) {
 
 } // namespace
 
-void StoreFilenameINI(IniFile &settings, const std::filesystem::path &project) {
+void storeFilenameINI(IniFile &settings, const std::filesystem::path &project) {
     std::vector<std::string> paths = storedPaths(settings, kWritten);
     const std::string path = textOf(project);
     std::erase(paths, path);
@@ -46,7 +46,7 @@ void StoreFilenameINI(IniFile &settings, const std::filesystem::path &project) {
         writeText(settings, kFiles.at(i), paths[i]);
 }
 
-std::vector<RecentFile> ConfigLastFilesOpened(const IniFile &settings) {
+std::vector<RecentFile> configLastFilesOpened(const IniFile &settings) {
     std::vector<RecentFile> files;
     for (const std::string &path : storedPaths(settings, kFiles.size()))
         files.push_back({path, shortened(path)});

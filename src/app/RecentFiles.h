@@ -15,10 +15,10 @@ struct RecentFile {
 
 /// Puts a project path at the head of the recent files: a path that is there already moves up, a
 /// fifth one pushes the oldest out.
-void StoreFilenameINI(IniFile &settings, const std::filesystem::path &project);
+void storeFilenameINI(IniFile &settings, const std::filesystem::path &project);
 
 /// What the File menu shows. Six keys are read though only four are written: settings files of
 /// earlier builds hold more.
-std::vector<RecentFile> ConfigLastFilesOpened(const IniFile &settings);
+std::vector<RecentFile> configLastFilesOpened(const IniFile &settings);
 
 } // namespace nv

@@ -3,20 +3,20 @@
 namespace nv {
 
 RebuildSettings rebuildSettings(const Program &program) {
-    const ThisClass &state = program.thisClass;
+    const ProgramState &state = program.thisClass;
     RebuildSettings settings;
-    settings.HTMLReplaceablePictureTags = state.HTMLReplaceablePictureTags;
-    settings.HTMLReplaceableHREFTags = state.HTMLReplaceableHREFTags;
-    settings.DisableScriptTags = state.DisableScriptTags;
-    settings.WideRecordIds = state.WideRecordIds;
+    settings.htmlReplaceablePictureTags = state.htmlReplaceablePictureTags;
+    settings.htmlReplaceableHREFTags = state.htmlReplaceableHREFTags;
+    settings.disableScriptTags = state.disableScriptTags;
+    settings.wideRecordIds = state.wideRecordIds;
     return settings;
 }
 
 RecordTools::RecordTools(Program &program, TaskMonitor &task, const std::filesystem::path &scratch)
-    : m_records(program.thisClass.ProjectDB.connection(),
-                {program.thisClass.GMTZone, program.thisClass.EnableDSTChanges},
+    : m_records(program.thisClass.projectDB.connection(),
+                {program.thisClass.gmtZone, program.thisClass.enableDSTChanges},
                 program.around.clock, program.log),
-      m_evidence(program.thisClass.RootPath), m_context{program.thisClass.ProjectDB.connection(),
+      m_evidence(program.thisClass.rootPath), m_context{program.thisClass.projectDB.connection(),
                                                         m_records,
                                                         m_evidence,
                                                         scratch,

@@ -18,12 +18,12 @@ ReportSettings settingsOf(const Program &program) {
     ReportSettings settings;
     settings.images = program.paths.images();
     settings.dates = dateSettings(program);
-    settings.version = program.thisClass.AppVersion;
+    settings.version = program.thisClass.appVersion;
     constexpr NumberKey kWidth = "ReportThumbnailWidth";
     const int width = readNumber(program.settings, kWidth);
-    settings.ReportThumbnailWidth = width > 0 ? width : defaultNumber(kWidth);
-    settings.ThumbnailRedrawTimeout =
-        std::chrono::seconds(program.thisClass.ThumbnailRedrawTimeout);
+    settings.reportThumbnailWidth = width > 0 ? width : defaultNumber(kWidth);
+    settings.thumbnailRedrawTimeout =
+        std::chrono::seconds(program.thisClass.thumbnailRedrawTimeout);
     return settings;
 }
 
@@ -59,7 +59,7 @@ constexpr std::array<KeptText, 4> kTexts = {{
 ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder)
     : m_program(program), m_records(program, task, folder),
       m_drawing(canDraw() ? makeDrawing(folder) : nullptr), m_context{m_records.context(),
-                                                                      program.thisClass.GMTZone,
+                                                                      program.thisClass.gmtZone,
                                                                       program.around.clock,
                                                                       m_drawing.get(),
                                                                       settingsOf(program)},
@@ -91,7 +91,7 @@ void readReportOptions(const IniFile &settings, ReportWriter &report) {
         report.*kept.flag = readFlag(settings, kept.key);
     report.reportType = readNumber(settings, "ReportType");
     report.defaultThumbnailPath = readText(settings, "DefaultThumbnailPath");
-    report.AgencyLogoPath = readText(settings, "AgencyLogoPath");
+    report.agencyLogoPath = readText(settings, "AgencyLogoPath");
 }
 
 void writeReportOptions(const ReportWriter &report, IniFile &settings) {
@@ -102,7 +102,7 @@ void writeReportOptions(const ReportWriter &report, IniFile &settings) {
     writeFlag(settings, "UseDefaultThumbnailPath", report.useDefaultThumbnailPath);
     writeNumber(settings, "ReportType", report.reportType);
     writeText(settings, "DefaultThumbnailPath", textOf(report.defaultThumbnailPath));
-    writeText(settings, "AgencyLogoPath", textOf(report.AgencyLogoPath));
+    writeText(settings, "AgencyLogoPath", textOf(report.agencyLogoPath));
 }
 
 } // namespace nv

@@ -109,7 +109,7 @@ void ScratchFolder::remove() const {
     fs::remove_all(m_path, ignored);
 }
 
-void EmptyTempFolder(const fs::path &tempFolder, Front whoStarts, TaskMonitor &task) {
+void emptyTempFolder(const fs::path &tempFolder, Front whoStarts, TaskMonitor &task) {
     task.describe({"EMPTYING CONTENTS OF TEMP FOLDER", "", "", ""});
     const std::vector<GivenUp> folders = givenUpIn(tempFolder, whoStarts);
     for (std::size_t i = 0; i < folders.size(); ++i) {

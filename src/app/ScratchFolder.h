@@ -29,6 +29,6 @@ class ScratchFolder {
 /// Removes the scratch folders below `tempFolder` whose processes are gone, and nothing else: those
 /// of both kinds for a window, those of command lines for a command line. Links in them are
 /// removed, not followed. Throws std::filesystem::filesystem_error.
-void EmptyTempFolder(const std::filesystem::path &tempFolder, Front whoStarts, TaskMonitor &task);
+void emptyTempFolder(const std::filesystem::path &tempFolder, Front whoStarts, TaskMonitor &task);
 
 } // namespace nv

@@ -18,66 +18,66 @@ inline constexpr int kMost = 32767; // what earlier builds could hold
 /// set` and the guide's list read this one; see docs/adding-a-setting.md.
 inline constexpr auto kAll = std::to_array<SettingFacts>({
     flag("OPTIONS", "DebugMain", false, "A message at the start of the program")
-        .keptIn(&V::DebugMain),
+        .keptIn(&V::debugMain),
     text("OPTIONS", "OstermoorEXEPath", "<program>/Ostermoor.exe", "The companion tool", K::file),
     flag("OPTIONS", "ParseAdvancedMetaData", true,
          "Imports read title, text and links of cached pages")
-        .keptIn(&V::ParseAdvancedMetadata),
+        .keptIn(&V::parseAdvancedMetadata),
     flag("OPTIONS", "DisableAutoRebuildInHTMLGallery", false,
          "A tile of the gallery doesn't bring its rebuilt page back")
-        .keptIn(&V::DisableAutoRebuildInHTMLGallery),
+        .keptIn(&V::disableAutoRebuildInHTMLGallery),
     flag("OPTIONS", "DisableFileVersionCheck", false,
          "Projects of earlier builds open without a question")
-        .keptIn(&V::DisableFileVersionCheck)
+        .keptIn(&V::disableFileVersionCheck)
         .held()
         .shownAs("chkDisableVersionChecking", "Disable version &checking",
                  "Projects of earlier builds open without a question, until the program ends."),
     text("OPTIONS", "LocalFavoritesPath", "<home>/favorites.ini", "The examiner's favourites")
-        .keptIn(&V::LocalFavoritesPath),
+        .keptIn(&V::localFavoritesPath),
     text("OPTIONS", "SharedFavoritesPath", "", "Favourites shared with others")
-        .keptIn(&V::SharedFavoritesPath),
+        .keptIn(&V::sharedFavoritesPath),
     text("OPTIONS", "NetworkConnectionName", "Local Area Connection",
          "The connection that the network switch takes down")
-        .keptIn(&V::NetworkConnectionName)
+        .keptIn(&V::networkConnectionName)
         .held(),
     // What Options offers differs from what a start takes, for both formats and the time-out of
     // drawing: as examiners know it. An emptied date format is a third one.
     text("OPTIONS", "DateFormat", kDateFormat, "How dates are shown")
-        .keptIn(&V::DateFormat)
+        .keptIn(&V::dateFormat)
         .offeredAs("YYYY-MM-DD")
         .emptiedTo("MM/DD/YY")
         .written(),
     text("OPTIONS", "TimeFormat", kTimeFormat, "How times are shown")
-        .keptIn(&V::TimeFormat)
+        .keptIn(&V::timeFormat)
         .offeredAs("24:00:00")
         .written(),
     flag("OPTIONS", "GalleryIncludeHTML", true, "The gallery shows web pages")
-        .keptIn(&V::GalleryIncludeHTML)
+        .keptIn(&V::galleryIncludeHTML)
         .shownAs("chkIncludeHTML", "Include &web pages", "The gallery shows cached web pages."),
     flag("OPTIONS", "GalleryIncludePictures", true, "The gallery shows pictures")
-        .keptIn(&V::GalleryIncludePictures)
+        .keptIn(&V::galleryIncludePictures)
         .shownAs("chkIncludePictures", "Include &pictures", "The gallery shows cached pictures."),
     number("OPTIONS", "GalleryRecordsPerPage", 1, kMost, "300",
            "Thumbnails on a page of the gallery")
-        .keptIn(&V::GalleryRecordsPerPage)
+        .keptIn(&V::galleryRecordsPerPage)
         .held(),
     number("OPTIONS", "ProgressBarRefreshRate", 0, 3600, "5",
            "Seconds between two changes of the status window")
-        .keptIn(&V::ProgressBarRefreshRate)
+        .keptIn(&V::progressBarRefreshRate)
         .written(),
     flag("OPTIONS", "VerifyFileSignatures", true,
          "Files are recognised by content, not by name alone")
-        .keptIn(&V::VerifyFileSignatures)
+        .keptIn(&V::verifyFileSignatures)
         .shownAs("chkVerifyFileContents", "&Verify file contents",
                  "Files are recognised by their content, not by name alone."),
     flag("OPTIONS", "RedrawThumbIfPageRebuilt", true, "A rebuilt page gets a new thumbnail")
-        .keptIn(&V::RedrawThumbIfPageRebuilt)
+        .keptIn(&V::redrawThumbIfPageRebuilt)
         .shownAs("chkRedrawHTMLThumbnails", "&Redraw thumbnails",
                  "A page that is rebuilt gets a new thumbnail."),
     flag("OPTIONS", "ShowTipsAtStartup", true, "The tip of the day at the start"),
     flag("OPTIONS", "DisableScriptTags", false,
          "Scripts of rebuilt pages become comments; written by Options, not read at the start")
-        .keptIn(&V::DisableScriptTags, SettingRead::never)
+        .keptIn(&V::disableScriptTags, SettingRead::never)
         .shownAs("chkDisableScripts", "Disable &scripts",
                  "Scripts of pages become comments when they are rebuilt."),
     text("OPTIONS", "TimeZoneBias", "", "The zone last chosen in Options"),
@@ -86,28 +86,28 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
     // Not the one of the start, which stands in a section of its own.
     number("OPTIONS", "ThumbnailRedrawTimeout", 1, 600, "15",
            "Seconds for drawing a page, as Options offers it")
-        .keptIn(&V::ThumbnailRedrawTimeout, SettingRead::inOptions)
+        .keptIn(&V::thumbnailRedrawTimeout, SettingRead::inOptions)
         .held(),
     number("THUMBNAILS", "ViewerThumbnailWidth", 100, kMost, "120",
            "Pixels of the gallery's thumbnails")
         .mendedTo(160)
-        .keptIn(&V::ViewerThumbnailWidth)
+        .keptIn(&V::viewerThumbnailWidth)
         .written(),
     number("THUMBNAILS", "ThumbnailRedrawTimeout", 1, 600, "5",
            "Seconds for drawing a page, from the start on")
         .mendedTo(15)
-        .keptIn(&V::ThumbnailRedrawTimeout)
+        .keptIn(&V::thumbnailRedrawTimeout)
         .held(),
     number("THUMBNAILS", "ReportThumbnailWidth", 1, kMost, "200",
            "Pixels of the thumbnails of reports")
-        .keptIn(&V::ReportThumbnailWidth, SettingRead::inOptions)
+        .keptIn(&V::reportThumbnailWidth, SettingRead::inOptions)
         .written(),
     text("FILE PATHS", "AgencyLogoPath", "", "The picture at the head of reports", K::file)
-        .keptIn(&V::AgencyLogoPath)
+        .keptIn(&V::agencyLogoPath)
         .written(),
     text("FILE PATHS", "PublishFolder", "", "The folder that is offered for publishing reports",
          K::folder)
-        .keptIn(&V::PublishTempFolder)
+        .keptIn(&V::publishTempFolder)
         .written(),
     text("FILE PATHS", "TempFolder", "", "The Temp folder last chosen in Options", K::folder),
     text("FILE PATHS", "LastProjectDBPath", "",
@@ -123,13 +123,13 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
          "The Temp folder from the start on; each run works in a folder of its own in there",
          K::tempFolder),
     flag("DEFAULT", "ConnectionOffline", true, "The connection is taken to be down at the start")
-        .keptIn(&V::ConnectionOffline),
+        .keptIn(&V::connectionOffline),
     text("DEFAULT", "HTMLReplaceableHREFTags", kHTMLReplaceableHREFTags,
          "Kinds of links that a rebuild replaces")
-        .keptIn(&V::HTMLReplaceableHREFTags),
+        .keptIn(&V::htmlReplaceableHREFTags),
     text("DEFAULT", "HTMLReplaceablePictureTags", kHTMLReplaceablePictureTags,
          "Kinds of pictures that a rebuild replaces")
-        .keptIn(&V::HTMLReplaceablePictureTags),
+        .keptIn(&V::htmlReplaceablePictureTags),
     text("FILES", "File1", "", "The project opened last; the File menu lists it"),
     text("FILES", "File2", "", "A project of the File menu"),
     text("FILES", "File3", "", "A project of the File menu"),
@@ -155,7 +155,7 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
     flag("BEYOND", "WideRecordIds", true,
          "Record ids above 32767 may be parts of rebuilt pages, which earlier builds "
          "can't open; False is their limit")
-        .keptIn(&V::WideRecordIds)
+        .keptIn(&V::wideRecordIds)
         .shownAs("chkWideRecordIds", "&Wide record ids",
                  "Records with ids above 32767 may be parts of rebuilt pages, which earlier "
                  "versions then can't open."),
@@ -163,19 +163,19 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
     // gallery's button draws them when they are wanted.
     flag("BEYOND", "ThumbnailsWhileImporting", false,
          "Imports draw thumbnails, which takes much longer")
-        .keptIn(&V::ThumbnailsWhileImporting)
+        .keptIn(&V::thumbnailsWhileImporting)
         .shownAs("chkThumbnailsWhileImporting", "&Thumbnails while importing",
                  "Imports draw all pictures and pages, which takes much longer."),
     flag("BEYOND", "TemplateMatchByTitle", true, "A template is laid only over pages of its title")
-        .keptIn(&V::TemplateMatchByTitle)
+        .keptIn(&V::templateMatchByTitle)
         .shownAs("chkTemplateMatchByTitle", "Templates match by t&itle",
                  "A template is laid only over pages of its own title."),
     text("BEYOND", "TemplatesPath", "<home>/Templates", "The folder of templates")
-        .keptIn(&V::TemplatesPath)
+        .keptIn(&V::templatesPath)
         .written(),
     flag("BEYOND", "KeepAllOptions", false,
          "Options also writes what otherwise holds until the program ends")
-        .keptIn(&V::KeepAllOptions, SettingRead::inOptions)
+        .keptIn(&V::keepAllOptions, SettingRead::inOptions)
         .shownAs("chkKeepAllOptions", "&Keep all options",
                  "What otherwise holds until the program ends (gallery numbers, version "
                  "checking, network connection) is kept for the next start."),

@@ -10,55 +10,55 @@ namespace nv {
 /// until they are filled from there.
 struct SettingValues {
     // Paths
-    std::filesystem::path TemplatesPath;
-    std::filesystem::path PublishTempFolder;
-    std::filesystem::path LocalFavoritesPath;
-    std::filesystem::path SharedFavoritesPath;
-    std::filesystem::path AgencyLogoPath;
+    std::filesystem::path templatesPath;
+    std::filesystem::path publishTempFolder;
+    std::filesystem::path localFavoritesPath;
+    std::filesystem::path sharedFavoritesPath;
+    std::filesystem::path agencyLogoPath;
 
     // Gallery
-    int GalleryRecordsPerPage = 0;
-    bool GalleryIncludeHTML = false;
-    bool GalleryIncludePictures = false;
+    int galleryRecordsPerPage = 0;
+    bool galleryIncludeHTML = false;
+    bool galleryIncludePictures = false;
 
     // Thumbnails
-    int ViewerThumbnailWidth = 0;   ///< pixels
-    int ReportThumbnailWidth = 0;   ///< pixels; Options only: reports look for their own
-    int ThumbnailRedrawTimeout = 0; ///< seconds
-    bool RedrawThumbIfPageRebuilt = false;
-    bool DisableAutoRebuildInHTMLGallery = false;
+    int viewerThumbnailWidth = 0;   ///< pixels
+    int reportThumbnailWidth = 0;   ///< pixels; Options only: reports look for their own
+    int thumbnailRedrawTimeout = 0; ///< seconds
+    bool redrawThumbIfPageRebuilt = false;
+    bool disableAutoRebuildInHTMLGallery = false;
 
     // Formats
-    std::string DateFormat;
-    std::string TimeFormat;
+    std::string dateFormat;
+    std::string timeFormat;
 
     // Rebuild behaviour
-    std::string HTMLReplaceableHREFTags;
-    std::string HTMLReplaceablePictureTags;
-    bool DisableScriptTags = false;    ///< not kept between runs
-    bool TemplateMatchByTitle = false; ///< a template is laid over pages of its title only
+    std::string htmlReplaceableHREFTags;
+    std::string htmlReplaceablePictureTags;
+    bool disableScriptTags = false;    ///< not kept between runs
+    bool templateMatchByTitle = false; ///< a template is laid over pages of its title only
     /// Record ids above 32,767 may be parts of rebuilt pages; otherwise the limit of earlier
     /// builds.
-    bool WideRecordIds = false;
+    bool wideRecordIds = false;
 
     // Task control
-    int ProgressBarRefreshRate = 0; ///< seconds
+    int progressBarRefreshRate = 0; ///< seconds
 
     // Import: what the wizard begins with
-    bool VerifyFileSignatures = false;
-    bool ParseAdvancedMetadata = false;
-    bool ThumbnailsWhileImporting = false;
-    bool DisableFileVersionCheck = false;
+    bool verifyFileSignatures = false;
+    bool parseAdvancedMetadata = false;
+    bool thumbnailsWhileImporting = false;
+    bool disableFileVersionCheck = false;
 
     // Network
-    std::string NetworkConnectionName;
-    bool ConnectionOffline = false;
+    std::string networkConnectionName;
+    bool connectionOffline = false;
 
     // Debug
-    bool DebugMain = false;
+    bool debugMain = false;
 
     /// Options only: it writes the settings that otherwise hold until the program ends.
-    bool KeepAllOptions = false;
+    bool keepAllOptions = false;
 };
 
 } // namespace nv

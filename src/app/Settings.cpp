@@ -88,11 +88,11 @@ std::string fullName(const SettingFacts &facts) {
 }
 
 bool readFlag(const IniFile &settings, FlagKey key) {
-    return settings.ReadIniValue(key->section, key->key, key->byDefault == kTrue);
+    return settings.readIniValue(key->section, key->key, key->byDefault == kTrue);
 }
 
 int readNumber(const IniFile &settings, NumberKey key) {
-    return settings.ReadIniValue(key->section, key->key, defaultNumber(key));
+    return settings.readIniValue(key->section, key->key, defaultNumber(key));
 }
 
 int defaultNumber(NumberKey key) {
@@ -100,19 +100,19 @@ int defaultNumber(NumberKey key) {
 }
 
 std::string readText(const IniFile &settings, TextKey key) {
-    return settings.ReadIniValue(key->section, key->key, key->byDefault);
+    return settings.readIniValue(key->section, key->key, key->byDefault);
 }
 
 bool writeFlag(IniFile &settings, FlagKey key, bool on) {
-    return settings.WriteIniValue(key->section, key->key, on);
+    return settings.writeIniValue(key->section, key->key, on);
 }
 
 bool writeNumber(IniFile &settings, NumberKey key, int number) {
-    return settings.WriteIniValue(key->section, key->key, asText(number));
+    return settings.writeIniValue(key->section, key->key, asText(number));
 }
 
 bool writeText(IniFile &settings, TextKey key, std::string_view text) {
-    return settings.WriteIniValue(key->section, key->key, text);
+    return settings.writeIniValue(key->section, key->key, text);
 }
 
 std::string textIn(const SettingValues &values, const SettingFacts &row) {
@@ -133,10 +133,10 @@ void readMember(const IniFile &settings, const SettingFacts &row, std::string_vi
                 SettingValues &values) {
     if (row.kind == SettingKind::flag)
         return putText(values, row,
-                       asText(settings.ReadIniValue(row.section, row.key, byDefault == kTrue)));
+                       asText(settings.readIniValue(row.section, row.key, byDefault == kTrue)));
     if (row.kind != SettingKind::number)
-        return putText(values, row, settings.ReadIniValue(row.section, row.key, byDefault));
-    const int number = settings.ReadIniValue(row.section, row.key, numberOf(byDefault));
+        return putText(values, row, settings.readIniValue(row.section, row.key, byDefault));
+    const int number = settings.readIniValue(row.section, row.key, numberOf(byDefault));
     putText(values, row, asText(number < row.least ? row.mended.value_or(number) : number));
 }
 

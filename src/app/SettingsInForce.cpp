@@ -10,16 +10,16 @@ namespace {
 void handDown(Program &program, const SettingFacts &row) {
     const SettingValues &state = program.thisClass;
     const auto is = [&row](auto member) { return row.member == SettingMember(member); };
-    if (is(&SettingValues::DateFormat) || is(&SettingValues::TimeFormat))
-        program.thisClass.DateTimeFormat = state.DateFormat + " " + state.TimeFormat;
-    if (is(&SettingValues::ProgressBarRefreshRate))
-        program.thread.ProgressBarRefreshRate = state.ProgressBarRefreshRate;
-    if (is(&SettingValues::VerifyFileSignatures))
-        program.import.VerifyFileSignatures = state.VerifyFileSignatures;
-    if (is(&SettingValues::ParseAdvancedMetadata))
-        program.import.parseAdvancedMetadata = state.ParseAdvancedMetadata;
-    if (is(&SettingValues::ThumbnailsWhileImporting))
-        program.import.makeThumbnails = state.ThumbnailsWhileImporting;
+    if (is(&SettingValues::dateFormat) || is(&SettingValues::timeFormat))
+        program.thisClass.dateTimeFormat = state.dateFormat + " " + state.timeFormat;
+    if (is(&SettingValues::progressBarRefreshRate))
+        program.thread.progressBarRefreshRate = state.progressBarRefreshRate;
+    if (is(&SettingValues::verifyFileSignatures))
+        program.import.verifyFileSignatures = state.verifyFileSignatures;
+    if (is(&SettingValues::parseAdvancedMetadata))
+        program.import.parseAdvancedMetadata = state.parseAdvancedMetadata;
+    if (is(&SettingValues::thumbnailsWhileImporting))
+        program.import.makeThumbnails = state.thumbnailsWhileImporting;
 }
 
 } // namespace

@@ -45,7 +45,7 @@ CheckedValue checkNumber(const SettingFacts &facts, std::string_view value) {
 CheckedValue checkZone(Program &program, std::string_view value) {
     const auto zones = ZoneDatabase(program.paths.zones(), program.log).listZones();
     const bool known = std::any_of(zones.begin(), zones.end(), [value](const ZoneRow &zone) {
-        return fmt::format("{}", zone.Time_Zone_ID) == value;
+        return fmt::format("{}", zone.timeZoneID) == value;
     });
     if (known)
         return {std::string(value), {}};
@@ -132,7 +132,7 @@ std::string defaultOf(const Program &program, const SettingFacts &facts) {
 std::string valueOf(const Program &program, const SettingFacts &facts) {
     if (facts.kind == SettingKind::flag)
         return readFlag(program.settings, FlagKey(facts)) ? "True" : "False";
-    return program.settings.ReadIniValue(facts.section, facts.key, defaultOf(program, facts));
+    return program.settings.readIniValue(facts.section, facts.key, defaultOf(program, facts));
 }
 
 CheckedValue checkValue(Program &program, const SettingFacts &facts, std::string_view value) {

@@ -42,7 +42,7 @@ ShownPage cachedPage(RecordTools &tools, UrlRecord &record) {
         return {{}, false, "The cached content is neither a page, a picture nor text."};
     if (fs::file_size(*content) > kLargest)
         return {{}, false, "The cached content is too large to be shown."};
-    const fs::path folder = tools.context().TempFolderPath / (sidOf(record.URLID) + ".VIEW");
+    const fs::path folder = tools.context().tempFolderPath / (sidOf(record.URLID) + ".VIEW");
     makeEmptyFolder(folder);
     ShownPage shown;
     shown.file = folder / (sidOf(record.URLID) + "." + extension);

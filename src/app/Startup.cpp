@@ -20,12 +20,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void takeVersion(ThisClass &state) {
-    state.AppTitle = "Norvelane";
-    state.AppBuildMajor = version::kMajor;
-    state.AppBuildMinor = version::kMinor;
-    state.AppBuildRevision = version::kRevision;
-    state.AppVersion =
+void takeVersion(ProgramState &state) {
+    state.appTitle = "Norvelane";
+    state.appBuildMajor = version::kMajor;
+    state.appBuildMinor = version::kMinor;
+    state.appBuildRevision = version::kRevision;
+    state.appVersion =
         fmt::format("{}.{}.{}", version::kMajor, version::kMinor, version::kRevision);
 }
 
@@ -34,13 +34,13 @@ void findCompanionTool(Program &program) {
     const SettingFacts &setting = TextKey("OstermoorEXEPath").row();
     for (const std::string &path : {defaultOf(program, setting), valueOf(program, setting)})
         if (fs::exists(path))
-            program.thisClass.OstermoorEXEPath = path;
+            program.thisClass.ostermoorEXEPath = path;
 }
 
 /// The machine's zone without its daylight shift until a project sets one: see ZoneDatabase.
 void takeMachineZone(Program &program) {
     const Clock &clock = program.around.clock;
-    TimeZone &zone = program.thisClass.GMTZone;
+    TimeZone &zone = program.thisClass.gmtZone;
     zone = ZoneDatabase(program.paths.zones(), program.log)
                .getSystemTimeZone(zone, program.around.systemTime.zone(),
                                   Date::fromTimePoint(clock.now() + clock.localOffset()));
@@ -51,10 +51,10 @@ void emptyTempFolder(Program &program, const fs::path &tempFolder) {
     const auto failure = failureOf(program.log, "Main()", [&] {
         if (!isWindow) {
             Unwatched nobody;
-            return EmptyTempFolder(tempFolder, program.front, nobody);
+            return emptyTempFolder(tempFolder, program.front, nobody);
         }
         const OpenTask task(program.thread, {});
-        EmptyTempFolder(tempFolder, program.front, program.thread);
+        emptyTempFolder(tempFolder, program.front, program.thread);
     });
     if (failure && isWindow)
         program.around.examiner.tell(messages::tempFolderNotCleared(*failure));
@@ -73,30 +73,30 @@ Program::Program(ProgramPaths where, Front whichFront, const Surroundings &surro
       settings(paths.settings(), log), thread(around.status), thisClass(log, around.clock) {}
 
 /// The shapes of photographs.
-void resetPardRange(ThisClass &state) {
-    state.PARD.fromValue = 15;
-    state.PARD.toValue = 40;
+void resetPardRange(ProgramState &state) {
+    state.pard.fromValue = 15;
+    state.pard.toValue = 40;
 }
 
 void takeTempFolder(Program &program, const fs::path &tempFolder) {
-    ThisClass &state = program.thisClass;
-    state.TempFolderRoot = tempFolder;
+    ProgramState &state = program.thisClass;
+    state.tempFolderRoot = tempFolder;
     for (const auto &folder : program.scratch) {
         if (folder->tempFolder() == tempFolder) {
-            state.TempFolderPath = folder->path();
+            state.tempFolderPath = folder->path();
             return;
         }
     }
     emptyTempFolder(program, tempFolder);
     program.scratch.push_back(std::make_unique<ScratchFolder>(tempFolder, program.front));
-    state.TempFolderPath = program.scratch.back()->path();
+    state.tempFolderPath = program.scratch.back()->path();
     if (program.front == Front::window)
-        WriteScratchPages(tempFileNames(state.TempFolderPath));
+        writeScratchPages(tempFileNames(state.tempFolderPath));
 }
 
 bool isUsableTempFolder(const Program &program, const fs::path &folder) {
-    const fs::path &project = program.thisClass.ProjectDBPath;
-    const fs::path &scratch = program.thisClass.TempFolderPath;
+    const fs::path &project = program.thisClass.projectDBPath;
+    const fs::path &scratch = program.thisClass.tempFolderPath;
     const bool isScratchProject = !project.empty() && !scratch.empty() && holds(scratch, project);
     const char *home = std::getenv("HOME");
     std::error_code notThere;
@@ -108,7 +108,7 @@ bool isUsableTempFolder(const Program &program, const fs::path &folder) {
 }
 
 fs::path tempFolderFrom(const Program &program) {
-    const fs::path &ofRun = program.thisClass.TempFolderOfRun;
+    const fs::path &ofRun = program.thisClass.tempFolderOfRun;
     if (!ofRun.empty() && isUsableTempFolder(program, ofRun))
         return ofRun;
     const SettingFacts &setting = TextKey("TempFolderPath").row();
@@ -121,17 +121,17 @@ fs::path tempFolderFrom(const Program &program) {
 }
 
 void startUp(Program &program, Front front) {
-    ThisClass &state = program.thisClass;
+    ProgramState &state = program.thisClass;
     takeVersion(state);
     if (front == Front::window)
         program.log.remove();
     findCompanionTool(program);
-    state.TempFolderRoot = tempFolderFrom(program);
+    state.tempFolderRoot = tempFolderFrom(program);
     resetPardRange(state);
     takeSettings(program);
     takeMachineZone(program);
     if (front == Front::window)
-        takeTempFolder(program, state.TempFolderRoot);
+        takeTempFolder(program, state.tempFolderRoot);
 }
 
 } // namespace nv

@@ -32,7 +32,7 @@ TempFileNames tempFileNames(const std::filesystem::path &scratchFolder) {
             scratchFolder / "~cmdtemp.nvp"};
 }
 
-void WriteScratchPages(const TempFileNames &names) {
+void writeScratchPages(const TempFileNames &names) {
     replacePage(names.badUrl, "Nothing to show",
                 "The content of this record is not in the evidence, or it can't be shown here.");
     replacePage(names.badReport, "No report yet",

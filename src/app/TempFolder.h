@@ -17,6 +17,6 @@ struct TempFileNames {
 TempFileNames tempFileNames(const std::filesystem::path &scratchFolder);
 
 /// Throws FileFailure.
-void WriteScratchPages(const TempFileNames &names);
+void writeScratchPages(const TempFileNames &names);
 
 } // namespace nv

@@ -17,17 +17,17 @@ namespace {
 constexpr std::string_view kManaging = "MainForm.PopupMenuTemplates_Click()";
 
 TemplateResult createTemplate(Program &program, RecordTools &tools, UrlRecord &page) {
-    const ThisClass &state = program.thisClass;
+    const ProgramState &state = program.thisClass;
     if (page.CacheFileRebuilt && !bringBackFolder(tools, page))
         return TemplateResult::noRebuild;
     const auto create = [&](IfTemplateExists ifExists) {
-        return CreateTemplate(page, state.TemplatesPath, state.AppVersion, ifExists,
+        return createTemplate(page, state.templatesPath, state.appVersion, ifExists,
                               tools.context());
     };
     const TemplateResult result = create(IfTemplateExists::refuse);
     if (result != TemplateResult::exists)
         return result;
-    const std::string path = textOf(templatePathOf(page, state.TemplatesPath));
+    const std::string path = textOf(templatePathOf(page, state.templatesPath));
     return program.around.examiner.ask(messages::templateExists(path)) == Answer::Yes
                ? create(IfTemplateExists::overwrite)
                : result;
@@ -53,7 +53,7 @@ std::vector<Layer> layersOf(std::span<const fs::path> templates, FailureLog &log
 Laid layOne(Program &program, RecordTools &tools, UrlRecord &page, const Layer &layer) {
     if (!layer.made)
         return Laid::failed;
-    if (program.thisClass.TemplateMatchByTitle &&
+    if (program.thisClass.templateMatchByTitle &&
         !templateMatchesTitle(*layer.made, page.WebpageTitle))
         return Laid::otherTitle;
     if (layer.made->records.count() == 0)
@@ -133,15 +133,15 @@ TemplatesMade createTemplates(Program &program, RecordTools &tools,
         const TemplateResult result = createTemplate(program, tools, page);
         ++made.results[result];
         if (result == TemplateResult::made)
-            made.last = templatePathOf(page, program.thisClass.TemplatesPath);
+            made.last = templatePathOf(page, program.thisClass.templatesPath);
     });
     return made;
 }
 
-LaidTemplates RebuildFromTemplates(Program &program, RecordTools &tools,
+LaidTemplates rebuildFromTemplates(Program &program, RecordTools &tools,
                                    std::span<const std::int64_t> ids,
                                    std::span<const fs::path> templates,
-                                   const std::function<void(std::int64_t URL_ID, Laid)> &done) {
+                                   const std::function<void(std::int64_t urlID, Laid)> &done) {
     const std::vector<Layer> layers = layersOf(templates, program.log);
     LaidTemplates laid;
     laid.asked = ids.size();

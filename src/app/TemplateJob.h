@@ -31,7 +31,7 @@ struct TemplatesMade {
 /// What became of one page that templates were to be laid over.
 enum class Laid {
     rebuilt,
-    otherTitle, ///< no template has the page's title, and `TemplateMatchByTitle` is on
+    otherTitle, ///< no template has the page's title, and `templateMatchByTitle` is on
     noTemplate, ///< the template holds no page
     failed,     ///< the log tells why
 };
@@ -46,9 +46,9 @@ struct LaidTemplates {
 /// Lays the templates over each record in turn: what the last one that fits shows is what stays.
 /// `done` learns of each record, and the case trail of each template.
 [[nodiscard]] LaidTemplates
-RebuildFromTemplates(Program &program, RecordTools &tools, std::span<const std::int64_t> ids,
+rebuildFromTemplates(Program &program, RecordTools &tools, std::span<const std::int64_t> ids,
                      std::span<const std::filesystem::path> templates,
-                     const std::function<void(std::int64_t URL_ID, Laid)> &done = {});
+                     const std::function<void(std::int64_t urlID, Laid)> &done = {});
 
 /// One line for people.
 std::string madeText(const TemplatesMade &made);

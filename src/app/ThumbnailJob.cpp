@@ -22,9 +22,9 @@ std::vector<std::int64_t> idsOf(Program &program, const std::string &sql, Unread
 }
 
 ThumbnailSettings settingsOf(const Program &program) {
-    const ThisClass &state = program.thisClass;
-    return {state.ViewerThumbnailWidth, std::chrono::seconds(state.ThumbnailRedrawTimeout),
-            program.import.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames};
+    const ProgramState &state = program.thisClass;
+    return {state.viewerThumbnailWidth, std::chrono::seconds(state.thumbnailRedrawTimeout),
+            program.import.verifyFileSignatures ? Signatures::verify : Signatures::trustNames};
 }
 
 } // namespace
@@ -34,11 +34,11 @@ ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &sc
 
 ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &scratch,
                                std::unique_ptr<Drawing> drawing)
-    : m_records(program.thisClass.ProjectDB.connection(),
-                {program.thisClass.GMTZone, program.thisClass.EnableDSTChanges},
+    : m_records(program.thisClass.projectDB.connection(),
+                {program.thisClass.gmtZone, program.thisClass.enableDSTChanges},
                 program.around.clock, program.log),
-      m_evidence(program.thisClass.RootPath),
-      m_drawing(std::move(drawing)), m_context{program.thisClass.ProjectDB.connection(),
+      m_evidence(program.thisClass.rootPath),
+      m_drawing(std::move(drawing)), m_context{program.thisClass.projectDB.connection(),
                                                m_records,
                                                m_evidence,
                                                scratch,
@@ -56,7 +56,7 @@ std::vector<std::int64_t> drawableIds(Program &program, Redo redo, UnreadRows &u
 }
 
 std::int64_t lastRow(Program &program) {
-    return program.thisClass.ProjectDB.connection()
+    return program.thisClass.projectDB.connection()
         .execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs")
         .getInt64();
 }
@@ -64,7 +64,7 @@ std::int64_t lastRow(Program &program) {
 ThumbnailCount countThumbnails(Program &program) {
     return onProject([&] {
         SQLite::Statement count(
-            program.thisClass.ProjectDB.connection(),
+            program.thisClass.projectDB.connection(),
             fmt::format("SELECT count(*), count(CASE WHEN length(ThumbnailMD5Hash) > 0 THEN 1 END) "
                         "FROM URLs WHERE {}",
                         kDrawable));
@@ -76,7 +76,7 @@ ThumbnailCount countThumbnails(Program &program) {
 std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids) {
     onProject([&] {
         SQLite::Statement row(
-            program.thisClass.ProjectDB.connection(),
+            program.thisClass.projectDB.connection(),
             "SELECT 1 FROM URLs WHERE URL_ID = ? AND length(ThumbnailMD5Hash) > 0");
         std::erase_if(ids, [&row](std::int64_t id) {
             row.reset();

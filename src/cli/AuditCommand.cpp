@@ -37,10 +37,10 @@ Exit run(Session &session, const Arguments &arguments) {
     const std::int64_t urlId = arguments.urlId;
     session.openForReading(arguments.project);
     Program &program = session.program;
-    program.thisClass.WideRecordIds |= arguments.wideIds;
+    program.thisClass.wideRecordIds |= arguments.wideIds;
     {
         RecordTools tools(program, session.task, session.scratch());
-        checkRow(program.thisClass.ProjectDB.connection(), urlId);
+        checkRow(program.thisClass.projectDB.connection(), urlId);
         auto page = tools.record(urlId);
         if (!page)
             throw StorageFailure(fmt::format("row {}: it can't be read; see \"{}\"", urlId,

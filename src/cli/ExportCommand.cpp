@@ -80,7 +80,7 @@ bool toStandardOutput(const Arguments &arguments) {
     return arguments.file == "-";
 }
 
-void checkTarget(const Arguments &arguments, ThisClass &state) {
+void checkTarget(const Arguments &arguments, ProgramState &state) {
     if (toStandardOutput(arguments))
         return;
     refuseUntouchable(arguments.file, state);
@@ -111,16 +111,16 @@ std::string closingLine(const Export &job) {
 
 Exit run(Session &session, const Arguments &arguments) {
     Export job = jobOf(arguments);
-    session.program.thisClass.Filters = filtersFrom(arguments.rows.filter);
+    session.program.thisClass.filters = filtersFrom(arguments.rows.filter);
     const bool notes = session.openForNote(arguments.project);
-    ThisClass &state = session.program.thisClass;
+    ProgramState &state = session.program.thisClass;
     checkTarget(arguments, state);
     job.outputFilePath = toStandardOutput(arguments) ? session.scratch() / "standard-output"
                                                      : fs::path(arguments.file);
     ExportEnd end = ExportEnd::cancelled;
     {
-        SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
-        UrlTable table(project, session.program.log, state.GMTZone);
+        SQLite::Database &project = session.program.thisClass.projectDB.connection();
+        UrlTable table(project, session.program.log, state.gmtZone);
         if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Loaded) {
             if (arguments.tagged)
                 selectTagged(job, table, project);

@@ -29,15 +29,15 @@ struct Arguments {
 constexpr std::string_view kStandardOutput = "-";
 
 RecordStore storeOf(Program &program) {
-    ThisClass &state = program.thisClass;
-    return {program.thisClass.ProjectDB.connection(),
-            {state.GMTZone, state.EnableDSTChanges},
+    ProgramState &state = program.thisClass;
+    return {program.thisClass.projectDB.connection(),
+            {state.gmtZone, state.enableDSTChanges},
             program.around.clock,
             program.log};
 }
 
 /// Throws UsageError when writing to the file would cost something.
-void checkTarget(const Arguments &arguments, ThisClass &state) {
+void checkTarget(const Arguments &arguments, ProgramState &state) {
     const fs::path file = arguments.file;
     refuseUntouchable(file, state);
     if (fs::exists(file) && !arguments.overwrite)
@@ -63,13 +63,13 @@ Exit run(Session &session, const Arguments &arguments) {
     Program &program = session.program;
     if (arguments.file != kStandardOutput)
         checkTarget(arguments, program.thisClass);
-    checkRow(program.thisClass.ProjectDB.connection(), urlId);
+    checkRow(program.thisClass.projectDB.connection(), urlId);
     auto stored = storeOf(program).getURL(UrlId{urlId});
     if (!stored)
         throw StorageFailure(
             fmt::format("row {} can't be read; see \"{}\"", urlId, textOf(program.log.path())));
     UrlRecord &record = *stored;
-    const Evidence evidence(program.thisClass.RootPath);
+    const Evidence evidence(program.thisClass.rootPath);
     const auto content = contentOf(record, {evidence, session.scratch(), program.log});
     if (!content) {
         session.err << fmt::format("row {}: {}\n", urlId, printable(missingContent(record)));

@@ -74,7 +74,7 @@ PardChoice shapesOf(const Arguments &arguments) {
     PardChoice PARD;
     // Sizes count together with a range only; this one leaves no picture out.
     PARD.toValue = 100;
-    PARD.EnablePARD = !arguments.pard.empty() || !arguments.sizes.empty();
+    PARD.enablePARD = !arguments.pard.empty() || !arguments.sizes.empty();
     if (!arguments.pard.empty())
         readRange(arguments.pard, PARD);
     for (const std::string &word : arguments.sizes) {
@@ -91,7 +91,7 @@ bool isPicture(const fs::path &file) {
     return toLower(textOf(file.extension())) == ".png";
 }
 
-void checkTarget(const Arguments &arguments, ThisClass &state) {
+void checkTarget(const Arguments &arguments, ProgramState &state) {
     const fs::path file = arguments.out;
     const std::string extension = toLower(textOf(file.extension()));
     if (extension != ".html" && extension != ".htm" && !isPicture(file))
@@ -104,16 +104,16 @@ void checkTarget(const Arguments &arguments, ThisClass &state) {
 }
 
 Gallery galleryOf(Session &session, const Arguments &arguments) {
-    ThisClass &state = session.program.thisClass;
-    SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
+    ProgramState &state = session.program.thisClass;
+    SQLite::Database &project = session.program.thisClass.projectDB.connection();
     checkQuery(session, arguments.rows.query);
     Gallery gallery(project, session.program.log);
     gallery.choice = choiceOf(arguments.rows);
     gallery.filters = filtersFrom(arguments.rows.filter);
     gallery.pard = shapesOf(arguments);
-    gallery.settings.GalleryRecordsPerPage =
-        arguments.perPage > 0 ? arguments.perPage : state.GalleryRecordsPerPage;
-    gallery.settings.media = {state.GalleryIncludePictures, state.GalleryIncludeHTML};
+    gallery.settings.galleryRecordsPerPage =
+        arguments.perPage > 0 ? arguments.perPage : state.galleryRecordsPerPage;
+    gallery.settings.media = {state.galleryIncludePictures, state.galleryIncludeHTML};
     return gallery;
 }
 
@@ -150,7 +150,7 @@ void writeSheet(Session &session, const Gallery &gallery, const Arguments &argum
     const ContactSheet sheet{
         "Gallery of " + textOf(fs::path(arguments.project).filename()), linesOf(gallery, arguments),
         gallery.gallery().tiles, [&program](UrlId id) {
-            return thumbnailOf(program.thisClass.ProjectDB.connection(), program.log, id);
+            return thumbnailOf(program.thisClass.projectDB.connection(), program.log, id);
         }};
     ExportFile file(arguments.out);
     if (isPicture(arguments.out))

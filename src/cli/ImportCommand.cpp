@@ -35,7 +35,7 @@ struct Arguments {
     std::string project;
     std::vector<std::string> paths;
     std::string base;
-    std::int64_t zone = 0; ///< `Time_Zone_ID`; 0 keeps the project's
+    std::int64_t zone = 0; ///< `timeZoneID`; 0 keeps the project's
     std::vector<std::string> kinds;
     std::string as; ///< key of the reader that takes every PATH; empty to find artefacts
     bool noMetadata = false;
@@ -108,7 +108,7 @@ void checkZone(Session &session, std::int64_t id) {
     const auto zones = ZoneDatabase(session.program.paths.zones(), session.program.log).listZones();
     const bool known =
         id == 0 || std::any_of(zones.begin(), zones.end(),
-                               [id](const ZoneRow &zone) { return zone.Time_Zone_ID == id; });
+                               [id](const ZoneRow &zone) { return zone.timeZoneID == id; });
     if (!known)
         throw UsageError(fmt::format("there is no time zone {}: see the command zones", id));
 }
@@ -151,7 +151,7 @@ void checkProjectFolder(const fs::path &project) {
 /// The queries of a new project hold the terms themselves: lists that are found later change
 /// nothing.
 void tellMissingLists(Session &session) {
-    StoredQueries queries(session.program.thisClass.ProjectDB.connection());
+    StoredQueries queries(session.program.thisClass.projectDB.connection());
     for (const StoredQuery &query : queries.list())
         if (lacksTerms(query.sql))
             session.err << missingTerms(query.name) << '\n';
@@ -172,7 +172,7 @@ void openOrCreate(Session &session, const fs::path &project) {
 /// A project keeps the base folder of its first import, since its rows are found by it, until
 /// another one is named.
 void chooseBase(Session &session, const Arguments &arguments) {
-    if (!arguments.base.empty() || session.program.thisClass.RootPath.empty()) {
+    if (!arguments.base.empty() || session.program.thisClass.rootPath.empty()) {
         const fs::path base = baseOf(arguments);
         refuseEvidence(arguments.project, base);
         if (!base.empty())
@@ -261,7 +261,7 @@ Exit run(Session &session, const Arguments &given) {
         setZone(program, arguments.zone);
     requireZones(program); // now that of the project
     chooseBase(session, arguments);
-    program.import.VerifyFileSignatures &= !arguments.noSignatures;
+    program.import.verifyFileSignatures &= !arguments.noSignatures;
     program.import.parseAdvancedMetadata &= !arguments.noMetadata;
     program.import.makeThumbnails = arguments.thumbnails;
 

@@ -50,7 +50,7 @@ void write(const LinkList &links, RowWriter &writer) {
 }
 
 Exit list(Session &session, std::int64_t urlId, Format format) {
-    SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
+    SQLite::Database &project = session.program.thisClass.projectDB.connection();
     checkRow(project, urlId);
     const LinkList links = linksOf(session.program, UrlId{urlId});
     if (!links.failure.empty())
@@ -66,7 +66,7 @@ Exit list(Session &session, std::int64_t urlId, Format format) {
 
 Exit run(Session &session, const Arguments &arguments) {
     session.open(arguments.project, arguments.urlId ? Access::read : Access::write);
-    session.program.thisClass.WideRecordIds |= arguments.wideIds;
+    session.program.thisClass.wideRecordIds |= arguments.wideIds;
     const Exit exit =
         arguments.urlId ? list(session, *arguments.urlId, arguments.format) : analyse(session);
     closeProject(session.program);

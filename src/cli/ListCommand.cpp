@@ -79,14 +79,14 @@ void writeRows(const Arguments &arguments, const std::vector<UrlColumn> &columns
 
 Exit run(Session &session, const Arguments &arguments) {
     const std::vector<UrlColumn> columns = chosenColumns(arguments);
-    session.program.thisClass.Filters = filtersFrom(arguments.rows.filter);
+    session.program.thisClass.filters = filtersFrom(arguments.rows.filter);
     session.openForReading(arguments.project);
-    const ThisClass &state = session.program.thisClass;
+    const ProgramState &state = session.program.thisClass;
     LoadResult loaded = LoadResult::Failed;
     Exit read = Exit::ok;
     {
-        UrlTable table(session.program.thisClass.ProjectDB.connection(), session.program.log,
-                       state.GMTZone);
+        UrlTable table(session.program.thisClass.projectDB.connection(), session.program.log,
+                       state.gmtZone);
         table.showColumns(columns);
         loaded = loadTable(session, choiceOf(arguments.rows), table);
         const auto writer =

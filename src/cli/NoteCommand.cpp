@@ -32,7 +32,7 @@ Exit run(Session &session, const Arguments &arguments) {
     const bool writes = arguments.remove || arguments.text;
     session.open(arguments.project, writes ? Access::write : Access::read);
     Program &program = session.program;
-    SQLite::Database &project = program.thisClass.ProjectDB.connection();
+    SQLite::Database &project = program.thisClass.projectDB.connection();
     const UrlId url{arguments.urlId};
     checkRow(project, arguments.urlId);
     if (writes) {

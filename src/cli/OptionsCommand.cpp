@@ -171,7 +171,7 @@ void setInProject(Session &session, const Arguments &arguments) {
     session.open(arguments.project);
     storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes);
     if (facts.name == "RootPath")
-        mendRootPath(session.program.thisClass.ProjectDB.connection(), session.program.log, value,
+        mendRootPath(session.program.thisClass.projectDB.connection(), session.program.log, value,
                      session.task);
 }
 
@@ -192,7 +192,7 @@ Exit set(Session &session, const Arguments &arguments) {
     }
     const SettingFacts &facts = oneSetting(arguments.key);
     const std::string value = checked(session.program, facts, arguments.value);
-    if (!session.program.settings.WriteIniValue(facts.section, facts.key, value))
+    if (!session.program.settings.writeIniValue(facts.section, facts.key, value))
         throw StorageFailure(fmt::format("the settings can't be written: \"{}\"",
                                          textOf(session.program.settings.path())));
     session.err << fmt::format("[{}] {} = {}\n", facts.section, facts.key,

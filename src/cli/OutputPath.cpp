@@ -8,12 +8,12 @@
 
 namespace nv::cli {
 
-void refuseUntouchable(const std::filesystem::path &file, ThisClass &state) {
-    if (const auto refusal = refusalOf(file, {state.ProjectDBPath, evidenceFolders(state)}))
+void refuseUntouchable(const std::filesystem::path &file, ProgramState &state) {
+    if (const auto refusal = refusalOf(file, {state.projectDBPath, evidenceFolders(state)}))
         throw UsageError(*refusal);
 }
 
-void refuseEvidence(const std::filesystem::path &path, ThisClass &state) {
+void refuseEvidence(const std::filesystem::path &path, ProgramState &state) {
     if (const auto folder = evidenceAround(path, state))
         throw UsageError(messages::liesInEvidence(path, *folder).text);
 }

@@ -3,18 +3,18 @@
 #include <filesystem>
 
 namespace nv {
-struct ThisClass;
+struct ProgramState;
 }
 
 namespace nv::cli {
 
 /// Throws UsageError when `file`, where a single file is about to be written, is the project or
 /// bears the name of one, lies in its evidence or is no plain file.
-void refuseUntouchable(const std::filesystem::path &file, ThisClass &state);
+void refuseUntouchable(const std::filesystem::path &file, ProgramState &state);
 
 /// Throws UsageError when `path`, where something is about to be written, lies in any evidence of
 /// the open project.
-void refuseEvidence(const std::filesystem::path &path, ThisClass &state);
+void refuseEvidence(const std::filesystem::path &path, ProgramState &state);
 /// The same for the evidence below `base`. An empty base and "/" are no evidence folder.
 void refuseEvidence(const std::filesystem::path &path, const std::filesystem::path &base);
 

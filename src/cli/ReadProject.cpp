@@ -18,11 +18,11 @@ std::unique_ptr<SQLite::Database> readProject(const std::string &project) {
 }
 
 StatementCells cellsOf(Session &session, SQLite::Statement &statement, Format format) {
-    const ThisClass &state = session.program.thisClass;
+    const ProgramState &state = session.program.thisClass;
     const bool people = format == Format::table;
     return {statement,
             people ? StatementCells::For::people : StatementCells::For::programs,
-            {state.DateFormat, state.TimeFormat, state.EnableDSTChanges, 0}};
+            {state.dateFormat, state.timeFormat, state.enableDSTChanges, 0}};
 }
 
 } // namespace nv::cli

@@ -45,7 +45,7 @@ std::vector<std::int64_t> chosenIds(Program &program, const Arguments &arguments
         return idsPastDamage(program, kAllPages, unread);
     if (arguments.tagged)
         return taggedIds(program, unread);
-    return checkedRows(program.thisClass.ProjectDB.connection(), arguments.ids);
+    return checkedRows(program.thisClass.projectDB.connection(), arguments.ids);
 }
 
 void checkArguments(const Arguments &arguments) {
@@ -69,7 +69,7 @@ struct Totals {
 void add(Totals &totals, const RebuiltPage &page) {
     ++totals.pages;
     if (!page.rebuilt && page.why == NotRebuilt::unreadable)
-        totals.unread.insert(static_cast<std::int32_t>(page.URL_ID));
+        totals.unread.insert(static_cast<std::int32_t>(page.urlID));
     totals.rebuilt += page.rebuilt ? 1 : 0;
     totals.replaced += page.replaced;
     totals.missing += page.missing;
@@ -80,8 +80,8 @@ void add(Totals &totals, const RebuiltPage &page) {
 
 std::string lineOf(const RebuiltPage &page) {
     if (!page.rebuilt)
-        return fmt::format("{:>9}  not rebuilt: {}\n", page.URL_ID, reasonText(page.why));
-    return fmt::format("{:>9}  {} found, {} replaced, {} missing{}  {}{}\n", page.URL_ID,
+        return fmt::format("{:>9}  not rebuilt: {}\n", page.urlID, reasonText(page.why));
+    return fmt::format("{:>9}  {} found, {} replaced, {} missing{}  {}{}\n", page.urlID,
                        counted(page.tagsFound, "tag"), page.replaced, page.missing,
                        notRewrittenText(page.notRewritten), textOf(page.folder.filename()),
                        page.thumbnail == Redrawn::failed ? "  thumbnail not drawn" : "");
@@ -105,9 +105,9 @@ Exit run(Session &session, const Arguments &arguments) {
     Program &program = session.program;
     refuseEvidence(arguments.out, program.thisClass);
     refusePlainFile(arguments.out);
-    program.thisClass.DisableScriptTags = arguments.noScripts;
-    program.thisClass.WideRecordIds |= arguments.wideIds;
-    program.thisClass.RedrawThumbIfPageRebuilt &= !arguments.noThumbnails;
+    program.thisClass.disableScriptTags = arguments.noScripts;
+    program.thisClass.wideRecordIds |= arguments.wideIds;
+    program.thisClass.redrawThumbIfPageRebuilt &= !arguments.noThumbnails;
     Totals totals;
     bool whole = false;
     {
@@ -117,7 +117,7 @@ Exit run(Session &session, const Arguments &arguments) {
             refuseExisting(ids, arguments.out);
         whole = rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
             if (page.rebuilt)
-                handOver(page.folder / pageNameOf(UrlId{page.URL_ID}), arguments.out);
+                handOver(page.folder / pageNameOf(UrlId{page.urlID}), arguments.out);
             add(totals, page);
             session.task.clear();
             session.out << lineOf(page);

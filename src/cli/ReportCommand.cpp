@@ -54,7 +54,7 @@ struct Arguments {
 
 constexpr double kMaking = 0.9; ///< of the whole work
 
-void checkTarget(const Arguments &arguments, ThisClass &state) {
+void checkTarget(const Arguments &arguments, ProgramState &state) {
     const fs::path out = arguments.out;
     refuseEvidence(out, state);
     refusePlainFile(out);
@@ -78,8 +78,8 @@ void checkPicture(const char *option, const std::string &path) {
 /// Nothing when it was cancelled.
 std::optional<RowIds> rowsOf(Session &session, const Arguments &arguments) {
     Program &program = session.program;
-    UrlTable table(program.thisClass.ProjectDB.connection(), program.log,
-                   program.thisClass.GMTZone);
+    UrlTable table(program.thisClass.projectDB.connection(), program.log,
+                   program.thisClass.gmtZone);
     if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Cancelled)
         return std::nullopt;
     return table.ids();
@@ -100,7 +100,7 @@ void setOptions(ReportWriter &report, const Arguments &arguments) {
     take(arguments.organization, report.organization);
     take(arguments.reportedBy, report.reportedBy);
     if (arguments.logo) {
-        report.AgencyLogoPath = *arguments.logo;
+        report.agencyLogoPath = *arguments.logo;
         report.useCustomLogo = !arguments.logo->empty();
     }
     report.defaultThumbnailPath = arguments.thumbnail;
@@ -142,27 +142,27 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
     fs::create_directories(arguments.out);
     removePublished(arguments.out);
     SubTask publishing(session.task, kMaking, 1);
-    const Published published = PublishReport(ReportFolder(session.scratch()),
+    const Published published = publishReport(ReportFolder(session.scratch()),
                                               tools.report.reportType, arguments.out, publishing);
     if (published.cancelled)
         return std::nullopt;
     const fs::path index = ReportFolder::at(arguments.out).index(tools.report.reportType);
     notePublish(session.program, index, published);
     return Made{
-        index, published.files, rowsReported(session.program.thisClass.ProjectDB.connection()),
+        index, published.files, rowsReported(session.program.thisClass.projectDB.connection()),
         tools.report.recordsFailed + tools.report.filesFailed + tools.report.pagesIncomplete};
 }
 
 Exit run(Session &session, const Arguments &arguments) {
     if (arguments.all && arguments.tagged)
         throw UsageError("either --all or --tagged was expected");
-    session.program.thisClass.Filters = filtersFrom(arguments.rows.filter);
+    session.program.thisClass.filters = filtersFrom(arguments.rows.filter);
     session.openForNote(arguments.project);
     Program &program = session.program;
     checkTarget(arguments, program.thisClass);
     checkPicture("--logo", arguments.logo.value_or(""));
     checkPicture("--thumbnail", arguments.thumbnail);
-    program.thisClass.WideRecordIds |= arguments.wideIds;
+    program.thisClass.wideRecordIds |= arguments.wideIds;
     const auto ids = rowsOf(session, arguments);
     const auto made = ids ? make(session, arguments, *ids) : std::nullopt;
     session.task.clear();

@@ -13,7 +13,7 @@ namespace nv::cli {
 Exit withContent(Session &session, const std::string &project, std::int64_t urlId,
                  const std::function<Exit(const RecordContent &)> &show) {
     session.openForReading(project);
-    checkRow(session.program.thisClass.ProjectDB.connection(), urlId);
+    checkRow(session.program.thisClass.projectDB.connection(), urlId);
     Exit exit = Exit::damagedEvidence;
     {
         RecordTools tools(session.program, session.task, session.scratch());

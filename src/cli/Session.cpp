@@ -71,9 +71,9 @@ void Session::flushOutput() {
 }
 
 const std::filesystem::path &Session::scratch() {
-    if (program.thisClass.TempFolderPath.empty())
-        takeTempFolder(program, program.thisClass.TempFolderRoot);
-    return program.thisClass.TempFolderPath;
+    if (program.thisClass.tempFolderPath.empty())
+        takeTempFolder(program, program.thisClass.tempFolderRoot);
+    return program.thisClass.tempFolderPath;
 }
 
 } // namespace nv::cli

@@ -28,7 +28,7 @@ class NoStatusView final : public StatusView {
   public:
     void open() override {}
     void close() override {}
-    void update(const ThreadClass &) override {}
+    void update(const TaskStatus &) override {}
     void pump() override {}
 };
 

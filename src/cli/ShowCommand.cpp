@@ -42,8 +42,8 @@ std::optional<std::filesystem::path> pictureOf(Session &session, const std::stri
                                                std::int64_t urlId, const std::string &root) {
     Program &program = session.program;
     const auto database = connectToProject(project, Access::read);
-    const ThisClass &state = program.thisClass;
-    RecordStore records(*database, {state.GMTZone, state.EnableDSTChanges}, program.around.clock,
+    const ProgramState &state = program.thisClass;
+    RecordStore records(*database, {state.gmtZone, state.enableDSTChanges}, program.around.clock,
                         program.log);
     auto record = records.getURL(UrlId{urlId});
     if (!record)
@@ -63,7 +63,7 @@ void showForPeople(Session &session, SQLite::Database &database, const std::stri
     DateSettings dates = dateSettings(program);
     dates.currentYear = 0; // no date is too old to be printed
     const std::string root = fields.getDefault("RootPath");
-    const PropertySource source{database, program.thisClass.GMTZone, dates, program.log,
+    const PropertySource source{database, program.thisClass.gmtZone, dates, program.log,
                                 [&] { return pictureOf(session, project, urlId, root); }};
     for (const Property &property : loadProperties(UrlId{urlId}, source))
         showProperty(session.out, property.name, property.value);

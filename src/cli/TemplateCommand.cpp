@@ -33,7 +33,7 @@ struct Arguments {
 };
 
 fs::path folderOf(const Program &program, const Arguments &arguments) {
-    return arguments.folder.empty() ? program.thisClass.TemplatesPath : fs::path(arguments.folder);
+    return arguments.folder.empty() ? program.thisClass.templatesPath : fs::path(arguments.folder);
 }
 
 std::string_view wordOf(TemplateResult result) {
@@ -81,8 +81,8 @@ void checkOut(Program &program, const Arguments &arguments) {
 Exit create(Session &session, const Arguments &arguments) {
     session.open(arguments.project);
     Program &program = session.program;
-    const auto ids = checkedRows(program.thisClass.ProjectDB.connection(), arguments.ids);
-    program.thisClass.WideRecordIds |= arguments.wideIds;
+    const auto ids = checkedRows(program.thisClass.projectDB.connection(), arguments.ids);
+    program.thisClass.wideRecordIds |= arguments.wideIds;
     const fs::path folder = folderOf(program, arguments);
     refuseEvidence(folder, program.thisClass);
     Exit exit = Exit::ok;
@@ -95,7 +95,7 @@ Exit create(Session &session, const Arguments &arguments) {
                                                  textOf(program.log.path())));
             if (page->CacheFileRebuilt)
                 unpackPage(*page, tools, program);
-            const auto result = CreateTemplate(*page, folder, program.thisClass.AppVersion,
+            const auto result = createTemplate(*page, folder, program.thisClass.appVersion,
                                                arguments.overwrite ? IfTemplateExists::overwrite
                                                                    : IfTemplateExists::refuse,
                                                tools.context());
@@ -124,15 +124,15 @@ Exit apply(Session &session, const Arguments &arguments) {
     const std::vector<fs::path> templates{templateOf(session.program, arguments)};
     session.open(arguments.project);
     Program &program = session.program;
-    const auto ids = checkedRows(program.thisClass.ProjectDB.connection(), arguments.ids);
+    const auto ids = checkedRows(program.thisClass.projectDB.connection(), arguments.ids);
     checkOut(program, arguments);
-    program.thisClass.TemplateMatchByTitle = !arguments.anyTitle;
+    program.thisClass.templateMatchByTitle = !arguments.anyTitle;
     Exit exit = Exit::ok;
     LaidTemplates laid;
     {
         RecordTools tools(program, session.task, session.scratch());
         laid =
-            RebuildFromTemplates(program, tools, ids, templates, [&](std::int64_t id, Laid result) {
+            rebuildFromTemplates(program, tools, ids, templates, [&](std::int64_t id, Laid result) {
                 if (result == Laid::rebuilt && !arguments.out.empty())
                     handOver(rebuildFolderOf(UrlId{id}, tools.context()) / pageNameOf(UrlId{id}),
                              arguments.out);

@@ -30,7 +30,7 @@ std::vector<std::int64_t> chosenIds(Program &program, const Arguments &arguments
                                     UnreadRows &unread) {
     if (arguments.all)
         return drawableIds(program, arguments.redo ? Redo::yes : Redo::no, unread);
-    checkRows(program.thisClass.ProjectDB.connection(), arguments.ids);
+    checkRows(program.thisClass.projectDB.connection(), arguments.ids);
     return arguments.redo ? arguments.ids : withoutThumbnail(program, arguments.ids);
 }
 

@@ -25,7 +25,7 @@ Exit run(Session &session, const Arguments &arguments) {
     for (const TrailEntry &entry : CaseTrail(*database).entries())
         writer->row({entry.trailID, isoUtc(entry.actionDateUTC), entry.action, entry.detail,
                      entry.rowCount, entry.filePath, entry.fileSize, entry.md5Hash,
-                     entry.sha256Hash, entry.AppVersion});
+                     entry.sha256Hash, entry.appVersion});
     writer->finish();
     return Exit::ok;
 }

@@ -13,7 +13,7 @@ Exit run(Session &session, Format format) {
         format, session.out,
         {"Time_Zone_ID", "UTC_Offset", "Landmarks", "STD_Time_Zone", "STD_Bias", "UsesDST"});
     for (const ZoneRow &zone : zones.listZones())
-        writer->row({zone.Time_Zone_ID, zone.utcOffset, zone.landmarks, zone.stdTimeZone,
+        writer->row({zone.timeZoneID, zone.utcOffset, zone.landmarks, zone.stdTimeZone,
                      zone.stdBias, zone.usesDST});
     writer->finish();
     return Exit::ok;

@@ -54,7 +54,7 @@ void CaseTrail::add(const TrailEntry &entry) {
         insert.bind(6, entry.md5Hash);
         insert.bind(7, entry.sha256Hash);
         insert.bind(8, entry.rowCount);
-        insert.bind(9, entry.AppVersion);
+        insert.bind(9, entry.appVersion);
         insert.exec();
     });
 }

@@ -25,7 +25,7 @@ struct TrailEntry {
     std::string md5Hash;       ///< both empty when no file was read or written
     std::string sha256Hash;
     std::int64_t rowCount = 0;
-    std::string AppVersion;
+    std::string appVersion;
 };
 
 /// The case trail: what was done with a project, when, on which file and by which version. Entries

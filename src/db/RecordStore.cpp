@@ -124,7 +124,7 @@ void RecordStore::complete(UrlRecord &record, const HistoryFile &file) const {
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal =
         record.ActionDateUTC.has()
-            ? convertDateToZone(record.ActionDateUTC, m_zone.gmtZone, m_zone.EnableDSTChanges)
+            ? convertDateToZone(record.ActionDateUTC, m_zone.gmtZone, m_zone.enableDSTChanges)
             : Date();
     record.TimeAdded = Date::fromTimePoint(m_clock.now());
     record.Tag = false;

@@ -18,7 +18,7 @@ struct TimeZone;
 /// The project's zone, in which `ActionDateLocal` is stored.
 struct ProjectZone {
     const TimeZone &gmtZone;
-    bool EnableDSTChanges = true;
+    bool enableDSTChanges = true;
 };
 
 /// Rows of table `URLs`: writes one a record and reads them back. Its statements are kept, so it

@@ -118,7 +118,7 @@ class Import {
         : m_run(run), m_files(job.historyFiles), m_summary(summary),
           m_log(run.log, summary.gaps.unreadable),
           m_scratch(run.scratch), m_extraction{run.evidence, m_scratch.path(), m_log},
-          m_categories(job.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames,
+          m_categories(job.verifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        m_log),
           m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata),
           m_sources(run.project, run.clock, m_log),

@@ -16,7 +16,7 @@ namespace nv {
 struct ImportSettings {
     std::string startingDirectory; ///< root of the scan: a folder, or one artefact file
     bool recurseSubfolders = true;
-    bool VerifyFileSignatures = true; ///< recognise files by content, not by name alone
+    bool verifyFileSignatures = true; ///< recognise files by content, not by name alone
     bool parseAdvancedMetadata = true;
     bool makeThumbnails = true;
     bool makePictureThumbnails = true;

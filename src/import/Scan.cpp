@@ -109,7 +109,7 @@ class Scan {
 
     void takeFile(const fs::path &file, Asked asked, double fraction) {
         Candidate candidate = candidateOf(file, m_evidence);
-        candidate.verifySignatures = m_job.VerifyFileSignatures;
+        candidate.verifySignatures = m_job.verifyFileSignatures;
         Bytes head;
         if (candidate.verifySignatures)
             head = m_evidence.head(file, limits::kHeadBytes);

@@ -160,7 +160,7 @@ ProjectUpgrade::ProjectUpgrade(UpgradeWhere where, const AppBuild &build, Failur
     : m_where(std::move(where)), m_build(build), m_log(log), m_clock(clock) {}
 
 fs::path ProjectUpgrade::temporary(const char *name) const {
-    return m_where.TempFolderPath / name;
+    return m_where.tempFolderPath / name;
 }
 
 SchemaScan ProjectUpgrade::scan(TaskMonitor &task) {
@@ -211,7 +211,7 @@ bool ProjectUpgrade::noteFix(SQLite::Database &fresh, const fs::path &project,
     if (!entry)
         return false;
     entry->actionDateUTC = Date::fromTimePoint(m_clock.now());
-    entry->AppVersion =
+    entry->appVersion =
         fmt::format("{}.{}.{}", m_build.appMajor, m_build.appMinor, m_build.appRevision);
     CaseTrail(fresh).add(*entry);
     return true;

@@ -21,7 +21,7 @@ class ProjectLock;
 
 struct UpgradeWhere {
     std::filesystem::path project; ///< closed; nobody else may have it open for a fix
-    std::filesystem::path TempFolderPath;
+    std::filesystem::path tempFolderPath;
     std::filesystem::path keywordFolder;
 };
 

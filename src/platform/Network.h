@@ -21,7 +21,7 @@ class Network {
   public:
     virtual ~Network() = default;
     /// "ENABLED", "DISABLED", or empty when no such connection is found or the system can't tell.
-    virtual std::string NetworkConnectionStatus(std::string_view connectionName) const = 0;
+    virtual std::string networkConnectionStatus(std::string_view connectionName) const = 0;
     /// Throws std::runtime_error with the system's reason when it refuses.
     virtual Switched switchConnection(std::string_view connectionName, ConnectionState state) = 0;
 };

@@ -57,7 +57,7 @@ int runProgram(GuardedApplication &application, SplashForm &splash) {
     Program &program = window.program;
     applyTheme(keptTheme(program.settings));
     QObject::connect(&window.status, &StatusForm::cancelled, &window.status,
-                     [&program] { program.thread.CancelTask = true; });
+                     [&program] { program.thread.cancelTask = true; });
     splash.showCentred();
     tellGroundZero(program);
     startUp(program, Front::window);
@@ -70,7 +70,7 @@ int runProgram(GuardedApplication &application, SplashForm &splash) {
     if (readFlag(program.settings, "ShowTipsAtStartup"))
         form.showTips();
     if (const QString path = commandLinePath(); !path.isEmpty())
-        form.LoadCommandLineFile(pathFromQt(path));
+        form.loadCommandLineFile(pathFromQt(path));
     application.report(program.log, window.examiner);
     const int result = QApplication::exec();
     application.stopReporting();

@@ -30,7 +30,7 @@ std::int64_t idOf(std::string_view field, const RebuildSettings &settings) {
     std::int64_t id = 0;
     const std::string_view digits = trim(field);
     std::from_chars(digits.data(), digits.data() + digits.size(), id);
-    if (id > kLargestNarrowId && !settings.WideRecordIds)
+    if (id > kLargestNarrowId && !settings.wideRecordIds)
         throw std::out_of_range(
             fmt::format("the record id {} is above 32767, which parts of pages can't have unless "
                         "WideRecordIds is switched on in the settings",
@@ -169,15 +169,15 @@ std::vector<Substitution> substitutionsOf(std::string_view ingredientIDs,
 
 bool needsWideIds(std::string_view ingredientIDs, const RebuildSettings &settings) {
     RebuildSettings wide = settings;
-    wide.WideRecordIds = true;
+    wide.wideRecordIds = true;
     const auto parts = substitutionsOf(ingredientIDs, wide);
-    return !settings.WideRecordIds &&
+    return !settings.wideRecordIds &&
            std::any_of(parts.begin(), parts.end(),
                        [](const Substitution &part) { return part.tagURLID > kLargestNarrowId; });
 }
 
 fs::path rebuildFolderOf(UrlId id, const RebuildContext &ctx) {
-    return ctx.TempFolderPath / folderNameOf(id);
+    return ctx.tempFolderPath / folderNameOf(id);
 }
 
 bool harvestParts(UrlRecord &page, const fs::path &folder, Batch batch, const RebuildContext &ctx) {
@@ -205,7 +205,7 @@ bool unpackIngredients(UrlRecord &page, const RebuildContext &ctx) {
                        page.RunTimeRebuiltFilePath = folder / pageNameOf(page.URLID);
                        writeWhole(page.RunTimeRebuiltFilePath, toAnsi(page.RebuiltSourceCode));
                        const bool whole = harvestParts(page, folder, Batch::no, ctx);
-                       page.RunTimeTempFilePath = ctx.TempFolderPath / kPageCopy;
+                       page.RunTimeTempFilePath = ctx.tempFolderPath / kPageCopy;
                        copyToScratch(page.RunTimeRebuiltFilePath, page.RunTimeTempFilePath);
                        return whole;
                    });

@@ -20,7 +20,7 @@ std::optional<std::string> PageSource::fetched() {
         return std::nullopt;
     if (m_page.RunTimeTempFilePath.empty()) {
         m_page.RunTimeContentPath = *content;
-        m_page.RunTimeTempFilePath = m_ctx.TempFolderPath / kPageCopy;
+        m_page.RunTimeTempFilePath = m_ctx.tempFolderPath / kPageCopy;
         copyToScratch(*content, m_page.RunTimeTempFilePath);
     } else {
         m_page.RunTimeContentPath = m_page.RunTimeTempFilePath;

@@ -17,14 +17,14 @@ namespace nv {
 
 /// What the examiner's settings say of rebuilding.
 struct RebuildSettings {
-    std::string HTMLReplaceablePictureTags{kHTMLReplaceablePictureTags};
-    std::string HTMLReplaceableHREFTags{kHTMLReplaceableHREFTags};
-    bool DisableScriptTags = false;
+    std::string htmlReplaceablePictureTags{kHTMLReplaceablePictureTags};
+    std::string htmlReplaceableHREFTags{kHTMLReplaceableHREFTags};
+    bool disableScriptTags = false;
     bool creatingReport = false; ///< a report owns the status window
     /// Record ids above 32,767, which earlier versions could not hold, are used like any other.
-    bool WideRecordIds = false;
+    bool wideRecordIds = false;
 
-    ReplaceableLists lists() const { return {HTMLReplaceablePictureTags, HTMLReplaceableHREFTags}; }
+    ReplaceableLists lists() const { return {htmlReplaceablePictureTags, htmlReplaceableHREFTags}; }
 };
 
 /// All that rebuilding a page needs. Everything must outlive it.
@@ -32,12 +32,12 @@ struct RebuildContext {
     SQLite::Database &project;
     RecordStore &records;
     const Evidence &evidence;
-    std::filesystem::path TempFolderPath; ///< an existing folder of the program's own
+    std::filesystem::path tempFolderPath; ///< an existing folder of the program's own
     FailureLog &log;
     TaskMonitor &task;
     RebuildSettings settings;
 
-    Extraction extraction() const { return {evidence, TempFolderPath, log}; }
+    Extraction extraction() const { return {evidence, tempFolderPath, log}; }
 };
 
 } // namespace nv

@@ -23,7 +23,7 @@ constexpr std::string_view kProcedure = "MainBAS.RebuildWebPage()";
 
 /// One part of the rebuild's own progress, 0 to 1.
 RebuildContext stageOf(const RebuildContext &ctx, TaskMonitor &task) {
-    return {ctx.project, ctx.records, ctx.evidence, ctx.TempFolderPath,
+    return {ctx.project, ctx.records, ctx.evidence, ctx.tempFolderPath,
             ctx.log,     task,        ctx.settings};
 }
 
@@ -84,7 +84,7 @@ class Rebuild {
     /// With scripts switched off the page is commented here a second time: rebuilt pages of earlier
     /// cases have both.
     std::string disarmed(std::string text) const {
-        if (m_ctx.settings.DisableScriptTags)
+        if (m_ctx.settings.disableScriptTags)
             text = striptScriptTags(text);
         return neutraliseEventHandlers(text);
     }

@@ -151,7 +151,7 @@ std::optional<ReplacedPage> rewritten(const UrlRecord &page, PageSource &source,
         made.notes[i].rewritten = named[i];
     // Only now: attributes with blanks around "=" are tidied but were not searched.
     made.text = replaceAllText(replaced.text, " = ", "=");
-    if (ctx.settings.DisableScriptTags)
+    if (ctx.settings.disableScriptTags)
         made.text = striptScriptTags(made.text);
     return made;
 }

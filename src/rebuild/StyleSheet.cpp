@@ -147,7 +147,7 @@ void rewrite(const fs::path &path, const UrlRecord &sheet, const RebuildContext 
         rewriting.addLine(text.substr(at, end - at));
         at = end + 2;
     }
-    const fs::path work = ctx.TempFolderPath / kWorkName;
+    const fs::path work = ctx.tempFolderPath / kWorkName;
     writeWhole(work, rewriting.output());
     if (rewriting.replaced() > 0)
         copyToScratch(work, path);

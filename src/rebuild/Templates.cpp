@@ -34,7 +34,7 @@ constexpr std::string_view kViewFolder = "TEMPLATE.NVR";
 /// Wide ids are read whatever the setting: the list was written by this program.
 std::vector<Substitution> harvestedParts(const fs::path &folder) {
     RebuildSettings wide;
-    wide.WideRecordIds = true;
+    wide.wideRecordIds = true;
     return substitutionsOf(fromAnsi(readTextFile(folder / kPartsList, LineBreaks::keep)), wide);
 }
 
@@ -239,7 +239,7 @@ std::optional<fs::path> renamedTemplatePath(const fs::path &file, std::string_vi
     return file.parent_path() / (cleaned + std::string(kTemplateExtension));
 }
 
-TemplateResult CreateTemplate(const UrlRecord &page, const fs::path &templates,
+TemplateResult createTemplate(const UrlRecord &page, const fs::path &templates,
                               std::string_view version, IfTemplateExists ifExists,
                               const RebuildContext &ctx) {
     const auto create = [&] {
@@ -264,7 +264,7 @@ std::optional<fs::path> loadTemplate(const fs::path &file, const RebuildContext 
         std::optional<fs::path>(), [&]() -> std::optional<fs::path> {
             const Bytes bytes = readWhole(file);
             const PageTemplate made = readTemplate(ByteView(bytes));
-            const fs::path folder = ctx.TempFolderPath / kViewFolder;
+            const fs::path folder = ctx.tempFolderPath / kViewFolder;
             emptied(folder);
             Unpacking(made, ByteView(bytes), folder, std::string(kTemplatePage), ctx).run();
             return folder;

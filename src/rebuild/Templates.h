@@ -24,7 +24,7 @@ enum class TemplateResult {
     failed,    ///< the log says why
 };
 
-/// Where CreateTemplate() writes for this record: the URL's file name below the folder, with what
+/// Where createTemplate() writes for this record: the URL's file name below the folder, with what
 /// file names can't hold taken out.
 std::filesystem::path templatePathOf(const UrlRecord &page, const std::filesystem::path &templates);
 
@@ -34,7 +34,7 @@ std::optional<std::filesystem::path> renamedTemplatePath(const std::filesystem::
                                                          std::string_view name);
 
 /// Makes a template of a page that was rebuilt in this session.
-TemplateResult CreateTemplate(const UrlRecord &page, const std::filesystem::path &templates,
+TemplateResult createTemplate(const UrlRecord &page, const std::filesystem::path &templates,
                               std::string_view version, IfTemplateExists ifExists,
                               const RebuildContext &ctx);
 

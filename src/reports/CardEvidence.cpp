@@ -55,7 +55,7 @@ int shownWidth(std::int64_t width, std::int64_t height, int box) {
 
 RebuildContext CardEvidence::contextFor(const fs::path &folder, TaskMonitor &task) const {
     RebuildContext ctx = watchedBy(m_ctx.rebuild, task);
-    ctx.TempFolderPath = folder;
+    ctx.tempFolderPath = folder;
     ctx.settings.creatingReport = true;
     return ctx;
 }
@@ -76,7 +76,7 @@ bool CardEvidence::bringRebuilt(ReportCard &card, TaskMonitor &task) const {
     fs::remove_all(folder); // a row that is listed twice would be guarded twice
     if (!record.RebuiltSourceCode.empty())
         card.incomplete = !harvestParts(record, folder, Batch::yes,
-                                        contextFor(m_ctx.rebuild.TempFolderPath, task)) &&
+                                        contextFor(m_ctx.rebuild.tempFolderPath, task)) &&
                           task.advance(1); // a cancelled report has no cards
     // An archive unpacks into a folder of seven digits, which can be that of another row.
     else if (!record.CacheFileRebuiltBLOB.empty() && sidOf(record.URLID) == rowNameOf(record.URLID))
@@ -89,7 +89,7 @@ bool CardEvidence::bringRebuilt(ReportCard &card, TaskMonitor &task) const {
     if (fs::exists(packed)) {
         moveFile(packed, m_folder.path / thumbnailName(record));
         card.thumbnail = thumbnailName(record);
-        card.width = m_ctx.settings.ReportThumbnailWidth;
+        card.width = m_ctx.settings.reportThumbnailWidth;
     } else {
         planPage(card, page);
     }
@@ -115,7 +115,7 @@ void CardEvidence::bringPicture(ReportCard &card, const fs::path &content,
     card.target = fmt::format("pictures/{}.{}", rowNameOf(record.URLID), kind);
     const fs::path picture = m_folder.path / card.target;
     copyToScratch(content, picture);
-    const int width = m_ctx.settings.ReportThumbnailWidth;
+    const int width = m_ctx.settings.reportThumbnailWidth;
     card.width = shownWidth(record.PictureWidth, record.PictureHeight, width);
     if (isShownByBrowsers(kind))
         card.thumbnail = card.target;
@@ -151,7 +151,7 @@ void CardEvidence::bringText(ReportCard &card, const fs::path &content, std::siz
 }
 
 void CardEvidence::planPage(ReportCard &card, const fs::path &page) const {
-    const int width = m_ctx.settings.ReportThumbnailWidth;
+    const int width = m_ctx.settings.reportThumbnailWidth;
     card.width = width;
     card.drawing = {DrawJob::Kind::page, page, m_folder.path / thumbnailName(card.record), width,
                     thumbnailHeight(width)};
@@ -181,7 +181,7 @@ void CardEvidence::draw(std::span<ReportCard> cards, TaskMonitor &task) const {
         }
     if (m_ctx.drawing && !jobs.empty())
         m_ctx.drawing->draw(
-            jobs, m_ctx.settings.ThumbnailRedrawTimeout,
+            jobs, m_ctx.settings.thumbnailRedrawTimeout,
             [&](std::size_t job, const Drawn &drawn) {
                 take(cards[places.at(job)], drawn);
                 return task.advance(0);

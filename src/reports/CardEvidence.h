@@ -44,7 +44,7 @@ class CardEvidence {
     void planPage(ReportCard &card, const std::filesystem::path &page) const;
     void take(ReportCard &card, const Drawn &drawn) const;
     RebuildContext contextFor(const std::filesystem::path &folder, TaskMonitor &task) const;
-    std::filesystem::path scratch() const { return m_ctx.rebuild.TempFolderPath / "~cards"; }
+    std::filesystem::path scratch() const { return m_ctx.rebuild.tempFolderPath / "~cards"; }
 
     const ReportContext &m_ctx;
     const ReportFolder &m_folder;

@@ -116,7 +116,7 @@ void removePublished(const fs::path &target, int reportType) {
     old.removeRowFolders();
 }
 
-Published PublishReport(const ReportFolder &report, int reportType, const fs::path &target,
+Published publishReport(const ReportFolder &report, int reportType, const fs::path &target,
                         TaskMonitor &task) {
     task.describe({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""});
     const auto files = filesOf(report, reportType);

@@ -20,7 +20,7 @@ bool isReportThere(const ReportFolder &report, int reportType);
 /// graphical report the pictures and the folder of each row. Other files of `target` stay.
 /// The page comes last: after a cancel, a failure or a power cut `target` holds none. Throws what
 /// can't be copied, and when a folder in `target` is a link.
-Published PublishReport(const ReportFolder &report, int reportType,
+Published publishReport(const ReportFolder &report, int reportType,
                         const std::filesystem::path &target, TaskMonitor &task);
 
 /// Takes an earlier report out of `target`, and nothing else: what it held and the next one doesn't

@@ -15,8 +15,8 @@ struct ReportSettings {
     std::filesystem::path images; ///< the program's own pictures
     DateSettings dates;
     std::string version; ///< of the program
-    int ReportThumbnailWidth = 200;
-    std::chrono::seconds ThumbnailRedrawTimeout{5};
+    int reportThumbnailWidth = 200;
+    std::chrono::seconds thumbnailRedrawTimeout{5};
 };
 
 /// All that making a report needs. Everything must outlive it.

@@ -74,8 +74,8 @@ std::string ReportWriter::ownPicture(const std::filesystem::path &picture,
 
 std::string ReportWriter::logo() {
     std::string own;
-    if (useCustomLogo && !AgencyLogoPath.empty())
-        own = ownPicture(AgencyLogoPath, "agency-logo");
+    if (useCustomLogo && !agencyLogoPath.empty())
+        own = ownPicture(agencyLogoPath, "agency-logo");
     return own.empty() ? "images/norvelane-logo.png" : own;
 }
 

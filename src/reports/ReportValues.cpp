@@ -10,7 +10,7 @@ namespace nv {
 ZoneDate actionDate(const UrlRecord &record, const ReportContext &ctx) {
     const DateSettings &settings = ctx.settings.dates;
     const TimeZone &zone = ctx.gmtZone;
-    const Date local = convertDateToZone(record.ActionDateUTC, zone, settings.EnableDSTChanges);
+    const Date local = convertDateToZone(record.ActionDateUTC, zone, settings.enableDSTChanges);
     if (!local.has())
         return {};
     const bool daylight = shownAsDaylight(local, zone, settings);

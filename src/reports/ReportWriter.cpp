@@ -223,7 +223,7 @@ void ReportWriter::createGraphicalRecord(UrlId urlID, std::size_t index, std::os
         href = card.target;
         const bool shown = !card.thumbnail.empty();
         if (!shown)
-            card.width = m_ctx.settings.ReportThumbnailWidth;
+            card.width = m_ctx.settings.reportThumbnailWidth;
         imageRelativePath = shown ? card.thumbnail : m_fallback;
         if (card.record.IsHistory)
             imageRelativePath = kNoPicture;

@@ -54,7 +54,7 @@ class ReportWriter {
     std::string reportDate;
     std::string reportedBy;
     std::filesystem::path reportFolderPath;
-    std::filesystem::path AgencyLogoPath;
+    std::filesystem::path agencyLogoPath;
     bool includeLinkAnalysis = false;
     std::string originalURL;
     std::string rebuiltDateTime;

@@ -23,7 +23,7 @@ std::string rowOf(const TrailEntry &entry) {
                     htmlText(entry.action), htmlText(entry.detail), std::to_string(entry.rowCount),
                     htmlText(entry.filePath),
                     entry.filePath.empty() ? "" : std::to_string(entry.fileSize), hashesCell(entry),
-                    htmlText(entry.AppVersion)});
+                    htmlText(entry.appVersion)});
 }
 
 } // namespace

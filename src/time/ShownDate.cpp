@@ -13,7 +13,7 @@ constexpr int kLastYearWithoutMark = 1980;
 
 /// No date when it is missing or too old to be shown.
 Date shownDate(Date actionDateUTC, const TimeZone &zone, const DateSettings &settings) {
-    const Date local = convertDateToZone(actionDateUTC, zone, settings.EnableDSTChanges);
+    const Date local = convertDateToZone(actionDateUTC, zone, settings.enableDSTChanges);
     const bool shown = local.has() && local.civil().year >= settings.currentYear - kYearsShown;
     return shown ? local : Date();
 }
@@ -21,7 +21,7 @@ Date shownDate(Date actionDateUTC, const TimeZone &zone, const DateSettings &set
 } // namespace
 
 bool shownAsDaylight(Date local, const TimeZone &zone, const DateSettings &settings) {
-    return settings.EnableDSTChanges && isDSTInEffect(local, zone.tzLatitudeBias);
+    return settings.enableDSTChanges && isDSTInEffect(local, zone.tzLatitudeBias);
 }
 
 std::string zoneCell(Date actionDateUTC, const TimeZone &zone, const DateSettings &settings) {

@@ -12,12 +12,12 @@ inline constexpr std::string_view kUtcHeading = "Action Date [UTC]";
 
 /// The settings that decide how a date is shown.
 struct DateSettings {
-    std::string DateFormat{kDateFormat};
-    std::string TimeFormat{kTimeFormat};
-    bool EnableDSTChanges = true;
+    std::string dateFormat{kDateFormat};
+    std::string timeFormat{kTimeFormat};
+    bool enableDSTChanges = true;
     int currentYear = 0; ///< dates of the zone are shown from 10 years before it on
 
-    std::string dateTimeFormat() const { return DateFormat + " " + TimeFormat; }
+    std::string dateTimeFormat() const { return dateFormat + " " + timeFormat; }
 };
 
 /// True when the mark of a date of the zone is "DST". The mark is tested on the converted date and

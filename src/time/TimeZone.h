@@ -19,7 +19,7 @@ struct TimeZone {
     explicit TimeZone(Date now) { setToDefault(now); }
 
     std::int16_t tzActiveBias = 0;    ///< in force now, as shown
-    std::int32_t tzTimeZoneID = 0;    ///< `Time_Zone_ID` of the row in `Time_Zones`
+    std::int32_t tzTimeZoneID = 0;    ///< `timeZoneID` of the row in `Time_Zones`
     std::int16_t tzLongitudeBias = 0; ///< sign of `tzBias`: -1, 0 or 1
     std::any tzDSTEnds;               ///< stored only
     std::any tzDSTBegins;             ///< stored only

@@ -35,7 +35,7 @@ std::int16_t minutesOf(SQLite::Statement &query, const char *column) {
 
 ZoneRow rowOf(SQLite::Statement &query) {
     ZoneRow row;
-    row.Time_Zone_ID = query.getColumn("Time_Zone_ID").getInt();
+    row.timeZoneID = query.getColumn("Time_Zone_ID").getInt();
     row.utcOffset = textOf(query, "UTC_Offset");
     row.landmarks = textOf(query, "Landmarks");
     row.stdTimeZone = textOf(query, "STD_Time_Zone");
@@ -86,7 +86,7 @@ void showActiveBias(TimeZone &zone) {
 }
 
 void setFromRow(TimeZone &zone, const ZoneRow &row, bool daylightNow) {
-    zone.tzTimeZoneID = row.Time_Zone_ID;
+    zone.tzTimeZoneID = row.timeZoneID;
     zone.tzBias = row.stdBias;
     zone.tzDSTBias = row.dstBias.value_or(0);
     zone.tzLatitudeBias = row.latitudeBias;
@@ -114,7 +114,7 @@ void detectFromRow(TimeZone &zone, const ZoneRow &row, bool ruleInEffect) {
     zone.tzName = "(UTC" + row.utcOffset + ") " + row.stdTimeZone;
     zone.tzStandardCode = row.stdCode;
     zone.tzStandardName = row.stdTimeZone;
-    zone.tzTimeZoneID = row.Time_Zone_ID;
+    zone.tzTimeZoneID = row.timeZoneID;
 }
 
 } // namespace
@@ -171,7 +171,7 @@ std::optional<std::size_t> placeInList(const std::vector<ZoneRow> &rows, const T
     std::optional<std::size_t> sameBias;
     for (std::size_t place = 0; place < rows.size(); ++place) {
         const ZoneRow &row = rows[place];
-        if (row.Time_Zone_ID == zone.tzTimeZoneID)
+        if (row.timeZoneID == zone.tzTimeZoneID)
             return place;
         if (row.stdBias != zone.tzBias)
             continue;

@@ -15,7 +15,7 @@ namespace nv {
 
 /// A row of `Time_Zones`; see docs/formats/nvtz.md. Texts are trimmed.
 struct ZoneRow {
-    std::int32_t Time_Zone_ID = 0;
+    std::int32_t timeZoneID = 0;
     std::string utcOffset; ///< such as "-05:00"
     std::string landmarks;
     std::string stdTimeZone;

@@ -43,13 +43,13 @@ std::string captionOf(const Tile &tile) {
 IdQuery galleryQuery(const RowChoice &rows, const PardChoice &pard, const GalleryMedia &media) {
     const std::string query = quotedName(
         rows.activeQueryName.empty() ? kDefaultQueryName : std::string_view(rows.activeQueryName));
-    const bool byHost = rows.FilterByHostEnabled && !rows.FilterByHostValue.empty();
+    const bool byHost = rows.filterByHostEnabled && !rows.filterByHostValue.empty();
     // As `length` and not `Len`: that lets the index over the thumbnails' rows serve it.
     return {fmt::format("SELECT {0}.URL_ID FROM {0} WHERE {1}length({0}.ThumbnailMD5Hash) > 0{2} "
                         "ORDER BY {0}.Host ASC, {0}.URL_ID ASC",
                         query, byHost ? fmt::format("{}.Host LIKE ? AND ", query) : "",
                         translate(buildGalleryFilter(pard, media))),
-            byHost ? hostPattern(rows.FilterByHostValue) : std::string()};
+            byHost ? hostPattern(rows.filterByHostValue) : std::string()};
 }
 
 LoadResult Gallery::load(TaskMonitor &task) {
@@ -58,7 +58,7 @@ LoadResult Gallery::load(TaskMonitor &task) {
     FoundRows found;
     // Cells are 16-bit.
     m_pageSize = static_cast<std::size_t>(std::clamp<int>(
-        settings.GalleryRecordsPerPage, 1, std::numeric_limits<std::int16_t>::max()));
+        settings.galleryRecordsPerPage, 1, std::numeric_limits<std::int16_t>::max()));
     const auto walk =
         trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::optional<Walk>(),
                 [&]() -> std::optional<Walk> {

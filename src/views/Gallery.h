@@ -43,7 +43,7 @@ struct GalleryTiles {
 std::string captionOf(const Tile &tile);
 
 struct GallerySettings {
-    int GalleryRecordsPerPage = 300;
+    int galleryRecordsPerPage = 300;
     GalleryMedia media;
     int tilesPerRow = 6;
 };

@@ -39,7 +39,7 @@ struct LinkList {
 
 enum class RecordIds {
     narrow, ///< up to 32,767, as earlier versions hold them
-    wide,   ///< with the switch WideRecordIds
+    wide,   ///< with the switch wideRecordIds
 };
 
 inline constexpr const char *kErrorLoadingLinks = "Error Loading Links";

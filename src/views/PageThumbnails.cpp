@@ -45,7 +45,7 @@ class PageRun {
             jobs.push_back(jobOf(m_pages[place]));
         std::vector<std::size_t> failed;
         m_ctx.drawing.draw(
-            jobs, m_ctx.settings.ThumbnailRedrawTimeout,
+            jobs, m_ctx.settings.thumbnailRedrawTimeout,
             [&](std::size_t job, const Drawn &drawn) {
                 if (!take(places.at(job), drawn))
                     failed.push_back(places[job]);
@@ -125,8 +125,8 @@ Stored storeThumbnail(UrlId urlID, const fs::path &path, const ThumbnailContext 
                                  "WHERE URL_ID = ?");
         update.bindNoCopy(1, bytes.data(), static_cast<int>(bytes.size()));
         update.bind(2, hash);
-        update.bind(3, ctx.settings.ViewerThumbnailWidth);
-        update.bind(4, thumbnailHeight(ctx.settings.ViewerThumbnailWidth));
+        update.bind(3, ctx.settings.viewerThumbnailWidth);
+        update.bind(4, thumbnailHeight(ctx.settings.viewerThumbnailWidth));
         update.bind(5, Date::fromTimePoint(ctx.clock.now()).days());
         update.bind(6, number(urlID));
         update.exec();

@@ -40,7 +40,7 @@ std::string sizesOf(const PardChoice &pard) {
 /// Sizes count together with P.A.R.D. only: without it, and with a range that runs backwards,
 /// pictures of all sizes are shown.
 std::string shapeOf(const PardChoice &pard) {
-    if (!pard.EnablePARD || pard.fromValue > pard.toValue)
+    if (!pard.enablePARD || pard.fromValue > pard.toValue)
         return {};
     const std::string range =
         fmt::format("(PARDValue >= {} AND PARDValue <= {})", pard.fromValue, pard.toValue);
@@ -51,13 +51,13 @@ std::string shapeOf(const PardChoice &pard) {
 /// Pages alone must be pictures too, which hardly any is: kept, as examiners compare counts with
 /// earlier cases.
 std::string_view mediaOf(const GalleryMedia &media) {
-    if (media.GalleryIncludePictures && media.GalleryIncludeHTML)
+    if (media.galleryIncludePictures && media.galleryIncludeHTML)
         return " AND CacheFileExists AND (IsWebPage = True OR Category = 'HTML' OR IsPicture = "
                "True)";
-    if (media.GalleryIncludeHTML)
+    if (media.galleryIncludeHTML)
         return " AND CacheFileExists AND (IsWebPage = True OR Category = 'HTML') AND IsPicture = "
                "True";
-    return media.GalleryIncludePictures ? " AND IsPicture = True" : "";
+    return media.galleryIncludePictures ? " AND IsPicture = True" : "";
 }
 
 } // namespace

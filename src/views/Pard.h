@@ -12,7 +12,7 @@ struct PardChoice {
     bool showSmallPics = false;
     bool showMediumPics = false;
     bool showLargePics = false;
-    bool EnablePARD = false;
+    bool enablePARD = false;
     std::int16_t toValue = 0;
     std::int16_t fromValue = 0;
 };
@@ -23,8 +23,8 @@ std::int16_t pardValue(std::int64_t width, std::int64_t height);
 
 /// What a gallery shows besides P.A.R.D. and size.
 struct GalleryMedia {
-    bool GalleryIncludePictures = true;
-    bool GalleryIncludeHTML = true;
+    bool galleryIncludePictures = true;
+    bool galleryIncludeHTML = true;
 };
 
 /// The conditions of the gallery's query, each with " AND " before it, in the project's dialect.

@@ -88,7 +88,7 @@ bool QueryCommands::btnApplyQuery() {
         return false;
     }
     putInForce(query.sql, std::string(kDefaultQueryName));
-    m_view.LoadURLs();
+    m_view.loadURLs();
     return true;
 }
 
@@ -101,7 +101,7 @@ void QueryCommands::btnUndoQuery() {
         return m_examiner.tell(messages::undoFailed(*failure));
     putInForce(last, std::string(kDefaultQueryName));
     m_view.showStatement(last);
-    m_view.LoadURLs();
+    m_view.loadURLs();
 }
 
 void QueryCommands::btnDefaultQuery() {
@@ -110,7 +110,7 @@ void QueryCommands::btnDefaultQuery() {
         putInForce(m_state.defaultSQLDef, std::string(kDefaultQueryName));
         m_view.showStatement(m_state.defaultSQLDef);
         loadStoredQueries();
-        m_view.LoadURLs();
+        m_view.loadURLs();
     });
     if (failure)
         m_examiner.tell(messages::defaultQueryFailed(*failure));
@@ -135,7 +135,7 @@ void QueryCommands::loadStoredQueries(std::string_view select) {
                                    return chosen.has_value();
                                });
     if (loads)
-        m_view.LoadURLs();
+        m_view.loadURLs();
 }
 
 void QueryCommands::loadStoredQuery(std::string_view name) {
@@ -199,7 +199,7 @@ bool QueryCommands::deleteStoredQuery(std::string_view name, DeleteMode mode) {
         loadStoredQueries();
     if (wasActive) {
         takeActiveQuery({});
-        m_view.LoadURLs();
+        m_view.loadURLs();
     }
     return deleted;
 }

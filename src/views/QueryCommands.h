@@ -27,7 +27,7 @@ class QueryView {
     virtual std::string enterQueryName(const Message &prompt) = 0;
     /// The statement in force is another one: what shows its pages is out of date.
     virtual void statementChanged() = 0;
-    virtual void LoadURLs() = 0;
+    virtual void loadURLs() = 0;
 };
 
 struct DeleteMode {

@@ -156,7 +156,7 @@ std::string RowCells::dateText(const UrlRow &row, UrlColumn column) {
 std::string RowCells::zoneIso(const UrlRow &row) {
     std::string text;
     m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)), [&] {
-        const Date local = convertDateToZone(row.actionDateUtc, m_zone, dates.EnableDSTChanges);
+        const Date local = convertDateToZone(row.actionDateUtc, m_zone, dates.enableDSTChanges);
         if (!local.has())
             return;
         const auto ahead =

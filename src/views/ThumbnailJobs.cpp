@@ -145,8 +145,8 @@ Preparation prepareThumbnail(ThumbnailJob &job, const fs::path &folder,
     const bool picture = *kind == DrawJob::Kind::picture;
     record.RunTimeTempFilePath = toScratch(file, folder, picture ? ".jpg" : ".htm");
     setKind(record, *kind);
-    job.drawing = {*kind, record.RunTimeTempFilePath, folder, ctx.settings.ViewerThumbnailWidth,
-                   thumbnailHeight(ctx.settings.ViewerThumbnailWidth)};
+    job.drawing = {*kind, record.RunTimeTempFilePath, folder, ctx.settings.viewerThumbnailWidth,
+                   thumbnailHeight(ctx.settings.viewerThumbnailWidth)};
     job.drawing.target += picture ? ".thumb.bmp" : ".thumb.jpg";
     fs::remove(job.drawing.target);
     return Preparation::ready;

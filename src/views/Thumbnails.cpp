@@ -47,7 +47,7 @@ Drawn drawOne(const DrawJob &job, const ThumbnailContext &ctx) {
     Drawn result;
     result.failure = "it was not drawn";
     ctx.drawing.draw(
-        std::span(&job, 1), ctx.settings.ThumbnailRedrawTimeout,
+        std::span(&job, 1), ctx.settings.thumbnailRedrawTimeout,
         [&](std::size_t, const Drawn &drawn) {
             result = drawn;
             return true;
@@ -60,7 +60,7 @@ class ThumbnailRun {
   public:
     ThumbnailRun(const ThumbnailContext &ctx, std::span<const std::int64_t> ids, TaskMonitor &task,
                  ThumbnailTotals &totals)
-        : m_ctx(ctx), m_ids(ids), m_task(task), m_totals(totals), m_folder(ctx.TempFolderPath),
+        : m_ctx(ctx), m_ids(ids), m_task(task), m_totals(totals), m_folder(ctx.tempFolderPath),
           m_rows(ctx.project, [this] { m_kept = m_totals.made; }),
           m_isDamaged(!totals.unread.empty()), m_unreadBefore(totals.unread.size()) {}
     /// Whatever ends the run, the totals tell of what is in the project.
@@ -99,7 +99,7 @@ class ThumbnailRun {
         for (const ThumbnailJob &job : m_jobs)
             drawings.push_back(job.drawing);
         m_ctx.drawing.draw(
-            drawings, m_ctx.settings.ThumbnailRedrawTimeout,
+            drawings, m_ctx.settings.thumbnailRedrawTimeout,
             [this](std::size_t at, const Drawn &drawn) { return take(m_jobs.at(at), drawn); },
             [this] { return goOn(); });
     }
@@ -179,7 +179,7 @@ bool makeThumbnail(UrlRecord &url, const ImportSettings &import, const Thumbnail
         return false;
     return trapped(ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport, false,
                    [&] {
-                       const ThumbnailFolder folder(ctx.TempFolderPath);
+                       const ThumbnailFolder folder(ctx.tempFolderPath);
                        ThumbnailJob job{url, {}};
                        if (prepareThumbnail(job, folder.place(0), ctx) != Preparation::ready)
                            return false;

@@ -19,8 +19,8 @@
 namespace nv {
 
 struct ThumbnailSettings {
-    int ViewerThumbnailWidth = 120; ///< pixels; thumbnails are three quarters as high
-    std::chrono::seconds ThumbnailRedrawTimeout{5};
+    int viewerThumbnailWidth = 120; ///< pixels; thumbnails are three quarters as high
+    std::chrono::seconds thumbnailRedrawTimeout{5};
     Signatures signatures = Signatures::verify;
 };
 
@@ -29,7 +29,7 @@ struct ThumbnailContext {
     SQLite::Database &project;
     RecordStore &records;
     const Evidence &evidence;
-    std::filesystem::path TempFolderPath; ///< an existing folder of the program's own
+    std::filesystem::path tempFolderPath; ///< an existing folder of the program's own
     Drawing &drawing;
     const Clock &clock;
     FailureLog &log;

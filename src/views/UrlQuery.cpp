@@ -37,11 +37,11 @@ std::string activeQuery(const RowChoice &rows) {
 }
 
 bool filtersByHost(const RowChoice &rows) {
-    return rows.FilterByHostEnabled && !rows.FilterByHostValue.empty();
+    return rows.filterByHostEnabled && !rows.filterByHostValue.empty();
 }
 
 std::string boundOf(const RowChoice &rows) {
-    return filtersByHost(rows) ? hostPattern(rows.FilterByHostValue) : std::string();
+    return filtersByHost(rows) ? hostPattern(rows.filterByHostValue) : std::string();
 }
 
 std::string_view hostCondition(const RowChoice &rows) {

@@ -13,8 +13,8 @@ namespace nv {
 /// Which rows the table shows.
 struct RowChoice {
     std::string activeQueryName; ///< empty for "_DEFAULT"
-    bool FilterByHostEnabled = false;
-    std::string FilterByHostValue; ///< matched literally, anywhere in the host
+    bool filterByHostEnabled = false;
+    std::string filterByHostValue; ///< matched literally, anywhere in the host
 };
 
 /// A statement that gives URL_IDs in order. A host from evidence is never part of its text.

@@ -39,7 +39,7 @@ UrlTable::UrlTable(SQLite::Database &project, FailureLog &log, const TimeZone &g
     m_pager.setColumns(shown);
 }
 
-LoadResult UrlTable::LoadURLs(TaskMonitor &task) {
+LoadResult UrlTable::loadURLs(TaskMonitor &task) {
     describeLoad(task);
     m_ids.clear();
     m_columnSort.reset();

@@ -52,7 +52,7 @@ class UrlTable {
 
     /// Fills the list by the active query and the filters. A failure is logged and leaves the rows
     /// that were found up to then, and so does a cancel.
-    LoadResult LoadURLs(TaskMonitor &task);
+    LoadResult loadURLs(TaskMonitor &task);
     /// The rows of the active query by another order. A failure is logged; it and a cancel leave
     /// the list as it was. A column that isn't sortable changes nothing.
     LoadResult sortBy(UrlColumn column, SortDirection direction, TaskMonitor &task);

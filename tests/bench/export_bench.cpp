@@ -19,7 +19,7 @@ struct Loaded {
             "'.example/folder/page' || i || '.html', 'Visited: mara@http://host', 'host' || "
             "(i % 997) || '.example', 'IE History', 40000 + i / 1000.0, 40000 + i / 1000.0, "
             "hex(randomblob(150)), 'mara', 1 FROM n");
-        table.LoadURLs(task);
+        table.loadURLs(task);
     }
     test::TestProject project;
     Unwatched task;

@@ -42,7 +42,7 @@ BENCHMARK(loadTheGallery)->Unit(benchmark::kMillisecond);
 void loadTheGalleryByShape(benchmark::State &state) {
     PictureProject &made = pictures();
     Gallery gallery(made.project.connection(), made.project.log);
-    gallery.pard.EnablePARD = gallery.pard.showMediumPics = gallery.pard.showLargePics = true;
+    gallery.pard.enablePARD = gallery.pard.showMediumPics = gallery.pard.showLargePics = true;
     gallery.pard.fromValue = 15;
     gallery.pard.toValue = 40;
     for (auto _ : state)

@@ -48,7 +48,7 @@ void loadAndShowFirstRows(benchmark::State &state) {
     const TimeZone zone{Date::fromDays(40000)};
     for (auto _ : state) {
         UrlTable table(big.project.connection(), big.project.log, zone);
-        table.LoadURLs(big.task);
+        table.loadURLs(big.task);
         lookAtScreen(table, 0);
     }
 }
@@ -61,7 +61,7 @@ void loadWithRowsWithoutADateLast(benchmark::State &state) {
     for (auto _ : state) {
         UrlTable table(big.project.connection(), big.project.log, zone);
         table.undated = Undated::Last;
-        table.LoadURLs(big.task);
+        table.loadURLs(big.task);
         lookAtScreen(table, 0);
     }
 }
@@ -75,7 +75,7 @@ void loadSorted(benchmark::State &state, UrlColumn column) {
     table.undated = Undated::Last;
     table.sort = ColumnSort{column, SortDirection::Descending};
     for (auto _ : state)
-        table.LoadURLs(big.task);
+        table.loadURLs(big.task);
 }
 BENCHMARK_CAPTURE(loadSorted, byDate, UrlColumn::LocalDate)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(loadSorted, byHost, UrlColumn::Host)->Unit(benchmark::kMillisecond);
@@ -85,7 +85,7 @@ void showAScreenAnywhere(benchmark::State &state) {
     BigProject &big = bigProject();
     const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
-    table.LoadURLs(big.task);
+    table.loadURLs(big.task);
     std::size_t place = 0;
     for (auto _ : state) {
         place = (place + 377'777) % (kRows - kScreen);
@@ -99,7 +99,7 @@ void scrollAHundredPages(benchmark::State &state) {
     BigProject &big = bigProject();
     const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
-    table.LoadURLs(big.task);
+    table.loadURLs(big.task);
     std::size_t place = 0;
     for (auto _ : state)
         for (int page = 0; page < 100; ++page) {
@@ -119,7 +119,7 @@ void loadWithRowsNotSeenYet(benchmark::State &state) {
     for (auto _ : state) {
         big.project.connection().exec(
             "DELETE FROM DefaultSettings WHERE DefaultName = 'RootPathSeen'");
-        table.LoadURLs(big.task);
+        table.loadURLs(big.task);
     }
 }
 BENCHMARK(loadWithRowsNotSeenYet)->Unit(benchmark::kMillisecond);
@@ -132,7 +132,7 @@ void loadThrough(benchmark::State &state, const RecordFilters &filters) {
     table.filters.enableFilters = true;
     table.filters.showHistoryURLs = true;
     for (auto _ : state)
-        table.LoadURLs(big.task);
+        table.loadURLs(big.task);
     state.counters["rows"] = static_cast<double>(table.rowCount());
 }
 
@@ -160,7 +160,7 @@ void findWithoutAMatch(benchmark::State &state, const char *text) {
     BigProject &big = bigProject();
     const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
-    table.LoadURLs(big.task);
+    table.loadURLs(big.task);
     FindText what{text, {}};
     for (const UrlColumnFacts &facts : kUrlColumns)
         if (facts.shown == Shown::Yes)
@@ -188,7 +188,7 @@ void sortByUrl(benchmark::State &state) {
     BigProject &big = bigProject();
     const TimeZone zone{Date::fromDays(40000)};
     UrlTable table(big.project.connection(), big.project.log, zone);
-    table.LoadURLs(big.task);
+    table.loadURLs(big.task);
     for (auto _ : state)
         table.sortBy(UrlColumn::Value, SortDirection::Ascending, big.task);
 }

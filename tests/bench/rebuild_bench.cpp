@@ -56,7 +56,7 @@ void rebuildPageOfThousandTags(benchmark::State &state) {
     Unwatched task;
     const RebuildContext ctx{large.project.connection(),  large.store,       large.evidence,
                              large.project.folder.path(), large.project.log, task,
-                             {.WideRecordIds = true}};
+                             {.wideRecordIds = true}};
     for (auto _ : state) {
         UrlRecord page = *large.store.getURL(large.page);
         if (!rebuildWebPage(page, Batch::no, ctx, large.project.clock))

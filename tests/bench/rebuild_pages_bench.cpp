@@ -33,7 +33,7 @@ struct Cache {
     Evidence evidence{folder};
     Unwatched task;
     RebuildContext ctx{project.connection(),   store, evidence, temp, project.log, task,
-                       {.WideRecordIds = true}};
+                       {.wideRecordIds = true}};
     std::vector<UrlId> pages;
 
     explicit Cache(int parts) {

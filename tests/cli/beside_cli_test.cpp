@@ -115,12 +115,12 @@ TEST_F(BesideCliTest, aRunningImportKeepsItsScratchThroughOtherStarts) {
     ASSERT_FALSE(folderOfImport.empty());
     import.signal(SIGSTOP);
     Unwatched nobody;
-    EmptyTempFolder(temp(), Front::window, nobody);
+    emptyTempFolder(temp(), Front::window, nobody);
     EXPECT_TRUE(fs::exists(folderOfImport)) << "its process lives";
     EXPECT_TRUE(holderOf(project, Front::window)) << "and has the project";
     import.signal(SIGKILL);
     import.finish();
-    EmptyTempFolder(temp(), Front::window, nobody);
+    emptyTempFolder(temp(), Front::window, nobody);
     EXPECT_FALSE(fs::exists(folderOfImport));
     EXPECT_FALSE(holderOf(project, Front::window));
 }

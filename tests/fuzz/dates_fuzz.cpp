@@ -40,7 +40,7 @@ void checkZone(nv::Date date, std::int16_t bias, std::string_view format) {
     zone.tzBias = static_cast<std::int16_t>(bias / 2);
     zone.tzDSTBias = static_cast<std::int16_t>(bias / 4);
     nv::DateSettings settings;
-    settings.DateFormat = format;
+    settings.dateFormat = format;
     nv::zoneCell(date, zone, settings);
     nv::zoneProperty(date, zone, settings);
     nv::zoneHeading(zone);

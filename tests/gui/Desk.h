@@ -43,7 +43,7 @@ struct Answers final : Examiner {
 
 struct Dialogs final : WindowDialogs {
     std::optional<fs::path> chooseProject() override { return answer; }
-    std::optional<fs::path> CreateNewProjectFilename() override { return answer; }
+    std::optional<fs::path> createNewProjectFilename() override { return answer; }
     std::optional<fs::path> chooseSaveAs() override { return answer; }
     std::optional<fs::path> chooseFolder(const std::string &, const fs::path &) override {
         return answer;
@@ -61,7 +61,7 @@ struct Dialogs final : WindowDialogs {
 };
 
 struct OneNetwork final : Network {
-    std::string NetworkConnectionStatus(std::string_view) const override { return status; }
+    std::string networkConnectionStatus(std::string_view) const override { return status; }
     Switched switchConnection(std::string_view, ConnectionState state) override {
         if (answer == Switched::done)
             status = state == ConnectionState::enabled ? "ENABLED" : "DISABLED";
@@ -79,7 +79,7 @@ struct OneZone final : SystemTime {
 struct Desk {
     Desk() {
         QObject::connect(&status, &StatusForm::cancelled, &status,
-                         [this] { program.thread.CancelTask = true; });
+                         [this] { program.thread.cancelTask = true; });
         fs::create_directories(folder.path() / "program");
         fs::create_directories(folder.path() / "home");
         fs::copy_file(timeZonesFile(), folder.path() / "program" / "nvTZ.dat");
@@ -150,7 +150,7 @@ inline void openExample(Desk &desk, MainForm &form) {
     program.import.startingDirectory = evidence.string();
     Unwatched nobody;
     program.import.historyFiles = scan(program.import, nobody, program.log).historyFiles;
-    static_cast<void>(runImportJob(program, nobody, program.thisClass.TempFolderPath));
+    static_cast<void>(runImportJob(program, nobody, program.thisClass.tempFolderPath));
     trigger(form, "actRefresh");
 }
 

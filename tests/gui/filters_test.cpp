@@ -54,7 +54,7 @@ class FiltersTest : public QObject {
   private:
     TableTab &tab() { return child<TableTab>(*m_form, "TableTab"); }
     int rows() { return tab().grid().model()->rowCount(); }
-    ThisClass &state() { return m_desk->program.thisClass; }
+    ProgramState &state() { return m_desk->program.thisClass; }
     QLabel &sign(const char *name) { return child<QLabel>(*m_form, name); }
     HostsPane &hosts() { return child<HostsPane>(*m_form, "HostsPane"); }
     QTableView &hostGrid() { return child<QTableView>(*m_form, "HostGrid"); }
@@ -170,12 +170,12 @@ void FiltersTest::theDialogStaysWithoutADataSource() {
         press(form, QDialogButtonBox::Ok);
         QVERIFY(form.isVisible());
         QCOMPARE(m_desk->examiner.heard.back(), std::string("missing-record-type"));
-        QVERIFY(!state().Filters.enableFilters);
+        QVERIFY(!state().filters.enableFilters);
         child<QCheckBox>(form, "chkEnableFilters").setChecked(false);
         press(form, QDialogButtonBox::Ok);
     });
     trigger(*m_form, "actFilters");
-    QVERIFY(state().Filters.showGIF && !state().Filters.enableFilters);
+    QVERIFY(state().filters.showGIF && !state().filters.enableFilters);
     const Message message = missingRecordType();
     QCOMPARE(message.title, std::string("Missing Record Type"));
     QCOMPARE(message.text, std::string("At least one DATA SOURCE option must be selected."));
@@ -188,13 +188,13 @@ void FiltersTest::cancelChangesNothing() {
         press(form, QDialogButtonBox::Cancel);
     });
     trigger(*m_form, "actFilters");
-    QVERIFY(state().Filters == firstFilters());
+    QVERIFY(state().filters == firstFilters());
 }
 
 void FiltersTest::theFiltersHideRowsAndASignSaysSo() {
     QVERIFY(!sign("labFilters").isVisible());
     const int all = rows();
-    state().ProjectDB.connection().exec("UPDATE URLs SET URLFileExt = 'gif' WHERE URL_ID = 1");
+    state().projectDB.connection().exec("UPDATE URLs SET URLFileExt = 'gif' WHERE URL_ID = 1");
     filterBy({QStringLiteral("chkShowHistoryURLs"), QStringLiteral("chkShowGIF")});
     QCOMPARE(rows(), 1);
     QVERIFY(sign("labFilters").isVisible());
@@ -228,10 +228,10 @@ void FiltersTest::filtersThatHideEverythingSayHowToChangeThem() {
 
 void FiltersTest::filtersSurviveOpeningAnotherProject() {
     filterBy({QStringLiteral("chkShowCookies")});
-    const RecordFilters chosen = state().Filters;
+    const RecordFilters chosen = state().filters;
     m_desk->dialogs.answer = m_desk->folder.path() / "other.nvp";
     trigger(*m_form, "actNew");
-    QVERIFY(state().Filters == chosen);
+    QVERIFY(state().filters == chosen);
     QVERIFY(sign("labFilters").isVisible());
     trigger(*m_form, "actClose");
     QVERIFY(!sign("labFilters").isVisible());
@@ -248,7 +248,7 @@ void FiltersTest::theHostsStandInTheirOrder() {
     QStringList sorted = names;
     sorted.sort(Qt::CaseInsensitive);
     QCOMPARE(names, sorted);
-    state().ProjectDB.connection().exec("UPDATE URLs SET Visits = 1234 WHERE Host = 'b.example'");
+    state().projectDB.connection().exec("UPDATE URLs SET Visits = 1234 WHERE Host = 'b.example'");
     auto &menu = child<QMenu>(*m_form, "PopupMenuHosts");
     QCOMPARE(menu.actions().size(), 5); // and a line, and copying of a cell and of rows
     QCOMPARE(menu.actions().at(0)->text(), QStringLiteral("Hosts - By Name - Ascending"));
@@ -262,23 +262,23 @@ void FiltersTest::theHostsStandInTheirOrder() {
     menu.close();
     menu.actions().at(1)->trigger();
     QCOMPARE(hostAt(0), QStringLiteral("b.example"));
-    QVERIFY(!state().FilterByHostEnabled);
+    QVERIFY(!state().filterByHostEnabled);
 }
 
 void FiltersTest::aTickedHeadingFiltersByTheHost() {
     trigger(*m_form, "actHosts");
     QVERIFY2(header().isTicked(), "a click on a host shows it from the start");
-    QVERIFY2(!state().FilterByHostEnabled, "only a host turns it on");
+    QVERIFY2(!state().filterByHostEnabled, "only a host turns it on");
     clickHost(QStringLiteral("a.example"));
-    QVERIFY(state().FilterByHostEnabled);
-    QCOMPARE(state().FilterByHostValue, std::string("a.example"));
+    QVERIFY(state().filterByHostEnabled);
+    QCOMPARE(state().filterByHostValue, std::string("a.example"));
     QCOMPARE(rows(), 1);
     QCOMPARE(box().text(), QStringLiteral("a.example"));
     QVERIFY(sign("labHostFilter").isVisible());
     QCOMPARE(sign("labHostFilter").text(), QStringLiteral("Host: a.example"));
     QTest::keyClick(&hostGrid(), Qt::Key_Down);
     QVERIFY(box().text() != QStringLiteral("a.example"));
-    QCOMPARE(state().FilterByHostValue, fromQt(box().text()));
+    QCOMPARE(state().filterByHostValue, fromQt(box().text()));
 }
 
 void FiltersTest::withoutTheTickGoingToAHostReloadsNothing() {
@@ -286,7 +286,7 @@ void FiltersTest::withoutTheTickGoingToAHostReloadsNothing() {
     const int all = rows();
     clickTick();
     clickHost(QStringLiteral("a.example"));
-    QVERIFY(!state().FilterByHostEnabled);
+    QVERIFY(!state().filterByHostEnabled);
     QCOMPARE(rows(), all);
     QVERIFY(!sign("labHostFilter").isVisible());
 }
@@ -296,7 +296,7 @@ void FiltersTest::takingTheTickAwayTurnsTheFilterOffAtOnceButReloadsNothing() {
     const int all = rows();
     clickHost(QStringLiteral("a.example"));
     clickTick();
-    QVERIFY(!state().FilterByHostEnabled);
+    QVERIFY(!state().filterByHostEnabled);
     QCOMPARE(rows(), 1);
     QCOMPARE(box().text(), QString());
     QCOMPARE(sign("labHostFilter").text(),
@@ -306,15 +306,15 @@ void FiltersTest::takingTheTickAwayTurnsTheFilterOffAtOnceButReloadsNothing() {
     QVERIFY(!sign("labHostFilter").isVisible());
     clickTick();
     clickHost(QStringLiteral("a.example"));
-    QVERIFY2(state().FilterByHostEnabled, "the row that was chosen before counts as another one");
+    QVERIFY2(state().filterByHostEnabled, "the row that was chosen before counts as another one");
 }
 
 void FiltersTest::aHostThatIsTypedCountsWithARefreshToo() {
     QTest::keyClicks(&box(), QStringLiteral("a.example"));
-    QVERIFY(!state().FilterByHostEnabled);
+    QVERIFY(!state().filterByHostEnabled);
     trigger(*m_form, "actRefresh");
     QCOMPARE(rows(), 1);
-    QVERIFY(state().FilterByHostEnabled);
+    QVERIFY(state().filterByHostEnabled);
     QCOMPARE(sign("labHostFilter").text(), QStringLiteral("Host: a.example"));
 }
 
@@ -324,12 +324,12 @@ void FiltersTest::theHostBoxAndTheListAgree() {
     QTest::keyClicks(&box(), QStringLiteral(" a.ex "));
     QTest::keyClick(&box(), Qt::Key_Return);
     QCOMPARE(rows(), 1);
-    QVERIFY(state().FilterByHostEnabled && header().isTicked());
-    QCOMPARE(state().FilterByHostValue, std::string("a.ex"));
+    QVERIFY(state().filterByHostEnabled && header().isTicked());
+    QCOMPARE(state().filterByHostValue, std::string("a.ex"));
     QCOMPARE(child<QLineEdit>(*m_form, "txtGalleryHost").text(), QStringLiteral("a.ex"));
     box().clear();
     QCOMPARE(rows(), all);
-    QVERIFY(!state().FilterByHostEnabled);
+    QVERIFY(!state().filterByHostEnabled);
     QVERIFY2(header().isTicked(), "the next click on a host shows it");
     QCOMPARE(child<QLineEdit>(*m_form, "txtGalleryHost").text(), QString());
     clickHost(QStringLiteral("a.example"));
@@ -363,8 +363,8 @@ void FiltersTest::theHostFilterLastsUntilItIsTurnedOff() {
 void FiltersTest::theListGrowsWithAnImport() {
     trigger(*m_form, "actHosts");
     const int before = hostGrid().model()->rowCount();
-    state().ProjectDB.connection().exec("INSERT INTO URLs(Host) VALUES('zz.new.example')");
-    tab().LoadURLs();
+    state().projectDB.connection().exec("INSERT INTO URLs(Host) VALUES('zz.new.example')");
+    tab().loadURLs();
     QCOMPARE(hostGrid().model()->rowCount(), before + 1);
 }
 
@@ -380,7 +380,7 @@ void FiltersTest::aListingThatWasStoppedSaysSo() {
 
 void FiltersTest::aLongHostDoesntWidenTheWindow() {
     const std::string host(255, 'w');
-    state().ProjectDB.connection().exec("UPDATE URLs SET Host = '" + host + "'");
+    state().projectDB.connection().exec("UPDATE URLs SET Host = '" + host + "'");
     const int width = m_form->width();
     box().setText(toQt(host));
     QTest::keyClick(&box(), Qt::Key_Return);

@@ -12,7 +12,7 @@ namespace {
 
 /// What is asked when NetworkManager doesn't know.
 struct Otherwise final : Network {
-    std::string NetworkConnectionStatus(std::string_view) const override { return "otherwise"; }
+    std::string networkConnectionStatus(std::string_view) const override { return "otherwise"; }
     Switched switchConnection(std::string_view, ConnectionState) override {
         return Switched::noFolder;
     }
@@ -104,31 +104,31 @@ void NetworkManagerTest::cleanup() {
 
 void NetworkManagerTest::anUnknownNameIsAskedElsewhere() {
     NetworkManagerNetwork network(m_otherwise, m_bus);
-    QCOMPARE(network.NetworkConnectionStatus("Local Area Connection"), std::string("otherwise"));
+    QCOMPARE(network.networkConnectionStatus("Local Area Connection"), std::string("otherwise"));
     QCOMPARE(network.switchConnection("Local Area Connection", ConnectionState::disabled),
              Switched::noItem);
 }
 
 void NetworkManagerTest::aConnectionGoesDownAndUp() {
     NetworkManagerNetwork network(m_otherwise, m_bus);
-    QCOMPARE(network.NetworkConnectionStatus("Lab Net"), std::string("DISABLED"));
+    QCOMPARE(network.networkConnectionStatus("Lab Net"), std::string("DISABLED"));
     QCOMPARE(network.switchConnection("Lab Net", ConnectionState::disabled), Switched::alreadySo);
     QCOMPARE(network.switchConnection("Lab Net", ConnectionState::enabled), Switched::done);
-    QCOMPARE(network.NetworkConnectionStatus("Lab Net"), std::string("ENABLED"));
+    QCOMPARE(network.networkConnectionStatus("Lab Net"), std::string("ENABLED"));
     QCOMPARE(network.switchConnection("Lab Net", ConnectionState::enabled), Switched::alreadySo);
     QCOMPARE(network.switchConnection("Lab Net", ConnectionState::disabled), Switched::done);
-    QCOMPARE(network.NetworkConnectionStatus("Lab Net"), std::string("DISABLED"));
+    QCOMPARE(network.networkConnectionStatus("Lab Net"), std::string("DISABLED"));
 }
 
 void NetworkManagerTest::caseMakesNoDifference() {
     NetworkManagerNetwork network(m_otherwise, m_bus);
-    QCOMPARE(network.NetworkConnectionStatus("lab NET"), std::string("DISABLED"));
+    QCOMPARE(network.networkConnectionStatus("lab NET"), std::string("DISABLED"));
 }
 
 void NetworkManagerTest::withoutTheServiceNothingIsSwitched() {
     cleanup();
     NetworkManagerNetwork network(m_otherwise, m_bus);
-    QCOMPARE(network.NetworkConnectionStatus("Lab Net"), std::string("otherwise"));
+    QCOMPARE(network.networkConnectionStatus("Lab Net"), std::string("otherwise"));
     QCOMPARE(network.switchConnection("Lab Net", ConnectionState::disabled), Switched::noFolder);
 }
 

@@ -55,7 +55,7 @@ class OptionsTest : public QObject {
         child<QTabWidget>(form, "optionsTabs").setCurrentIndex(index);
     }
     std::string ini(std::string_view key) {
-        return m_desk->program.settings.ReadIniValue("OPTIONS", key, "(none)");
+        return m_desk->program.settings.readIniValue("OPTIONS", key, "(none)");
     }
 
     std::unique_ptr<Desk> m_desk;
@@ -140,7 +140,7 @@ void OptionsTest::theSampleFollowsTheFormatAndIsWrittenAtOnce() {
         QVERIFY(child<QRadioButton>(form, "optTimeFormat3").isChecked());
         press(form, "btnCancel");
     });
-    QCOMPARE(m_desk->program.thisClass.DateFormat, std::string("yyyy-mm-dd"));
+    QCOMPARE(m_desk->program.thisClass.dateFormat, std::string("yyyy-mm-dd"));
 }
 
 void OptionsTest::cancelChangesNothingButTheFormat() {
@@ -149,7 +149,7 @@ void OptionsTest::cancelChangesNothingButTheFormat() {
         child<QCheckBox>(form, "chkVerifyFileContents").click();
         QTest::keyClick(&form, Qt::Key_Escape);
     });
-    QVERIFY(m_desk->program.thisClass.VerifyFileSignatures);
+    QVERIFY(m_desk->program.thisClass.verifyFileSignatures);
     QCOMPARE(ini("VerifyFileSignatures"), std::string("(none)"));
 }
 
@@ -167,14 +167,14 @@ void OptionsTest::okayAppliesToTableAndGallery() {
         child<QCheckBox>(form, "chkUsePARD").click();
         press(form, "btnOkay");
     });
-    const ThisClass &state = m_desk->program.thisClass;
-    QCOMPARE(state.DateTimeFormat, std::string("MM/DD/YY 24:00:00"));
-    QCOMPARE(state.GMTZone.tzTimeZoneID, 20);
+    const ProgramState &state = m_desk->program.thisClass;
+    QCOMPARE(state.dateTimeFormat, std::string("MM/DD/YY 24:00:00"));
+    QCOMPARE(state.gmtZone.tzTimeZoneID, 20);
     QVERIFY(!m_form->findChild<QCheckBox *>(QStringLiteral("chkIncludeHTML"))->isChecked());
     QVERIFY(m_form->findChild<QCheckBox *>(QStringLiteral("chkPARD"))->isChecked());
     auto &table = child<TableTab>(*m_form, "TableTab");
-    QCOMPARE(table.table()->dates().DateFormat, std::string("MM/DD/YY"));
-    const auto trail = CaseTrail(m_desk->program.thisClass.ProjectDB.connection()).entries();
+    QCOMPARE(table.table()->dates().dateFormat, std::string("MM/DD/YY"));
+    const auto trail = CaseTrail(m_desk->program.thisClass.projectDB.connection()).entries();
     QCOMPARE(trail.back().action, std::string("Options"));
 }
 
@@ -238,7 +238,7 @@ void OptionsTest::browsingFillsTheBoxes() {
 }
 
 void OptionsTest::zonePropertiesStoreNothing() {
-    const auto zone = m_desk->program.thisClass.GMTZone.tzTimeZoneID;
+    const auto zone = m_desk->program.thisClass.gmtZone.tzTimeZoneID;
     options([](OptionsForm &form) {
         showTab(form, 2);
         whenShown<TimeZoneForm>([](TimeZoneForm &properties) {
@@ -250,13 +250,13 @@ void OptionsTest::zonePropertiesStoreNothing() {
         press(form, "btnConfigureTimeZone");
         press(form, "btnCancel");
     });
-    QCOMPARE(m_desk->program.thisClass.GMTZone.tzTimeZoneID, zone);
+    QCOMPARE(m_desk->program.thisClass.gmtZone.tzTimeZoneID, zone);
 }
 
 /// The window as an examiner meets it, not the quick way of the other tests.
 struct RealNewProject final : WindowDialogs {
     std::optional<fs::path> chooseProject() override { return {}; }
-    std::optional<fs::path> CreateNewProjectFilename() override { return {}; }
+    std::optional<fs::path> createNewProjectFilename() override { return {}; }
     std::optional<fs::path> chooseSaveAs() override { return {}; }
     std::optional<fs::path> chooseFolder(const std::string &, const fs::path &) override {
         return {};
@@ -264,7 +264,7 @@ struct RealNewProject final : WindowDialogs {
 };
 
 void OptionsTest::enterMakesANewProject() {
-    m_desk->program.settings.WriteIniValue("FILE PATHS", "Project", m_desk->folder.path().string());
+    m_desk->program.settings.writeIniValue("FILE PATHS", "Project", m_desk->folder.path().string());
     RealNewProject dialogs;
     MainForm form(m_desk->program, dialogs);
     whenShown<OptionsForm>([](OptionsForm &options) {
@@ -272,16 +272,16 @@ void OptionsTest::enterMakesANewProject() {
         QTest::keyClick(&options, Qt::Key_Return);
     });
     trigger(form, "actNew");
-    QCOMPARE(m_desk->program.thisClass.ProjectDBPath, m_desk->folder.path() / "Case.nvp");
+    QCOMPARE(m_desk->program.thisClass.projectDBPath, m_desk->folder.path() / "Case.nvp");
     QVERIFY(m_desk->examiner.heard.empty());
 }
 
 void OptionsTest::cancelLeavesTheOpenProject() {
     openExample(*m_desk, *m_form);
-    const fs::path open = m_desk->program.thisClass.ProjectDBPath;
+    const fs::path open = m_desk->program.thisClass.projectDBPath;
     m_desk->dialogs.answer.reset();
     trigger(*m_form, "actNew");
-    QCOMPARE(m_desk->program.thisClass.ProjectDBPath, open);
+    QCOMPARE(m_desk->program.thisClass.projectDBPath, open);
 }
 
 void OptionsTest::aClickOutdatesTheGalleryBeforeOkay() {
@@ -295,7 +295,7 @@ void OptionsTest::aClickOutdatesTheGalleryBeforeOkay() {
         QCOMPARE(outdated.count(), 2);
         press(form, "btnCancel");
     });
-    QVERIFY(m_desk->program.thisClass.GalleryIncludeHTML);
+    QVERIFY(m_desk->program.thisClass.galleryIncludeHTML);
 }
 
 void OptionsTest::theZonesStandByOffset() {
@@ -346,7 +346,7 @@ void OptionsTest::everyControlSaysWhatItIs() {
 
 void OptionsTest::aPlaceInTheEvidenceLeadsBackToItsField() {
     openExample(*m_desk, *m_form);
-    const fs::path base = m_desk->program.thisClass.RootPath;
+    const fs::path base = m_desk->program.thisClass.rootPath;
     options([this, base](OptionsForm &form) {
         showTab(form, 8);
         auto &publish = child<QLineEdit>(form, "txtPathPublish");
@@ -376,7 +376,7 @@ void OptionsTest::everySettingWithAControlIsShown() {
     });
     for (const SettingFacts &row : settingsTable())
         if (row.control.name && row.kind == SettingKind::flag)
-            QCOMPARE(m_desk->program.settings.ReadIniValue(row.section, row.key, "(none)"),
+            QCOMPARE(m_desk->program.settings.readIniValue(row.section, row.key, "(none)"),
                      std::string(row.byDefault == "True" ? "False" : "True"));
 }
 

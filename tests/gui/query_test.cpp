@@ -266,7 +266,7 @@ void QueryTest::theDialogBuildsAStatement() {
     QCOMPARE(box().toPlainText(), toQt(built));
     QCOMPARE(m_desk->program.thisClass.customQueryDef, built);
     QCOMPARE(tableRows(), 6);
-    auto &project = m_desk->program.thisClass.ProjectDB.connection();
+    auto &project = m_desk->program.thisClass.projectDB.connection();
     QCOMPARE(ProjectFields(project, m_desk->program.log).getDefault("QueryName"), built);
 }
 

@@ -90,7 +90,7 @@ void SmallWindowsTest::theTickOfTheTipsIsWrittenAtOnce() {
     auto *tick = form.findChild<QCheckBox *>(QStringLiteral("chkShowTipsAtStartup"));
     QVERIFY(tick->isChecked());
     QTest::keyClick(tick, Qt::Key_Space);
-    QVERIFY(!IniFile(settings.path(), log).ReadIniValue("OPTIONS", "ShowTipsAtStartup", true));
+    QVERIFY(!IniFile(settings.path(), log).readIniValue("OPTIONS", "ShowTipsAtStartup", true));
 }
 
 void SmallWindowsTest::aMissingTipFileShowsNoTips() {

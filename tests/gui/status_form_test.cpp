@@ -30,7 +30,7 @@ class StatusFormTest : public QObject {
 
 void StatusFormTest::showsTitlesIconAndBarsOfTheTask() {
     StatusForm form(nullptr, kAtOnce);
-    ThreadClass thread(form);
+    TaskStatus thread(form);
     OpenTask task(thread,
                   {"PARSING FIREFOX CACHE", "Firefox 3", "/case/_CACHE_MAP_", "firefox-32.gif"});
     QVERIFY(form.isVisible());
@@ -40,7 +40,7 @@ void StatusFormTest::showsTitlesIconAndBarsOfTheTask() {
     QVERIFY(!child<QLabel>(form, "imgIcon").pixmap(Qt::ReturnByValue).isNull());
 
     QVERIFY(thread.advance(0.5));
-    thread.TopPercent = 50;
+    thread.topPercent = 50;
     thread.show({"Reading records", 50, 100, "File", 1, 4});
     QCOMPARE(form.windowTitle(), QStringLiteral("50% Norvelane Thread Status"));
     QCOMPARE(child<QLabel>(form, "labBar1Msg").text(), QStringLiteral("Reading records (50%)"));
@@ -51,9 +51,9 @@ void StatusFormTest::showsTitlesIconAndBarsOfTheTask() {
 
 void StatusFormTest::theCancelButtonIsHeardOnce() {
     StatusForm form(nullptr, kAtOnce);
-    ThreadClass thread(form);
+    TaskStatus thread(form);
     QSignalSpy spy(&form, &StatusForm::cancelled);
-    connect(&form, &StatusForm::cancelled, this, [&thread] { thread.CancelTask = true; });
+    connect(&form, &StatusForm::cancelled, this, [&thread] { thread.cancelTask = true; });
     auto &button = child<QPushButton>(form, "btnCancel");
     {
         OpenTask task(thread, {"LOADING URLS", "", "", ""});
@@ -70,7 +70,7 @@ void StatusFormTest::theCancelButtonIsHeardOnce() {
 
 void StatusFormTest::closingTheWindowWhileATaskRunsCancelsIt() {
     StatusForm form(nullptr, kAtOnce);
-    ThreadClass thread(form);
+    TaskStatus thread(form);
     QSignalSpy spy(&form, &StatusForm::cancelled);
     const OpenTask task(thread, {"LOADING URLS", "", "", ""});
     QTest::keyClick(&form, Qt::Key_Escape);
@@ -80,7 +80,7 @@ void StatusFormTest::closingTheWindowWhileATaskRunsCancelsIt() {
 
 void StatusFormTest::textsOfEvidenceStayPlain() {
     StatusForm form(nullptr, kAtOnce);
-    ThreadClass thread(form);
+    TaskStatus thread(form);
     const OpenTask task(thread, {"IMPORTING", "", "<img src=\"http://x/\"><b>bold</b>", ""});
     auto &label = child<QLabel>(form, "labMsg3");
     QCOMPARE(label.textFormat(), Qt::PlainText);
@@ -89,17 +89,17 @@ void StatusFormTest::textsOfEvidenceStayPlain() {
 
 void StatusFormTest::theClockCanBeHidden() {
     StatusForm form(nullptr, kAtOnce);
-    ThreadClass thread(form);
-    thread.ShowTimeElapsed = false;
+    TaskStatus thread(form);
+    thread.showTimeElapsed = false;
     const OpenTask task(thread, {"LOADING URLS", "", "", ""});
     QVERIFY(!child<QLabel>(form, "labTimeElapsed").isVisible());
 }
 
 void StatusFormTest::aShortTaskDoesNotFlashUp() {
     StatusForm form(nullptr, std::chrono::hours(1));
-    ThreadClass thread(form);
+    TaskStatus thread(form);
     const OpenTask task(thread, {"LOADING URLS", "", "", ""});
-    thread.UpdateStatus();
+    thread.updateStatus();
     QVERIFY(!form.isVisible());
 }
 

@@ -124,14 +124,14 @@ void UpgradeExportTest::theOpenProjectIsClosedForTheWizardAndOpenedAfterIt() {
     openExample(desk, form);
     trigger(form, "actUpgradeWizard");
     QVERIFY(asked(desk, "upgrade-closes-project"));
-    QVERIFY(desk.program.thisClass.ProjectDB.isOpen());
+    QVERIFY(desk.program.thisClass.projectDB.isOpen());
     desk.examiner.script = {Answer::Yes};
     whenShown<UpgradeWizardForm>([&](UpgradeWizardForm &wizard) {
-        QVERIFY(!desk.program.thisClass.ProjectDB.isOpen());
+        QVERIFY(!desk.program.thisClass.projectDB.isOpen());
         click(wizard, "btnCancel");
     });
     trigger(form, "actUpgradeWizard");
-    QVERIFY(desk.program.thisClass.ProjectDB.isOpen());
+    QVERIFY(desk.program.thisClass.projectDB.isOpen());
     QVERIFY(child<TableTab>(form, "TableTab").table()->rowCount() > 0);
 }
 

@@ -50,7 +50,7 @@ class WindowLifeTest : public QObject {
     void reopenWindow();
     UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
     fs::path project() const { return m_desk->folder.path() / "case.nvp"; }
-    bool isOpen() const { return m_desk->program.thisClass.ProjectDB.isOpen(); }
+    bool isOpen() const { return m_desk->program.thisClass.projectDB.isOpen(); }
     void drop(const fs::path &path);
 
     std::unique_ptr<Desk> m_desk;
@@ -133,8 +133,8 @@ void WindowLifeTest::aDroppedFileIsOfferedForImport() {
 
 void WindowLifeTest::whileATaskRunsNothingElseCanBeStarted() {
     openExample(*m_desk, *m_form);
-    m_form->Lock_Controls();
-    m_form->Lock_Controls();
+    m_form->lockControls();
+    m_form->lockControls();
     QVERIFY(!m_form->menuBar()->isEnabled());
     QVERIFY(!grid().isEnabled());
     const std::size_t heard = m_desk->examiner.heard.size();
@@ -142,9 +142,9 @@ void WindowLifeTest::whileATaskRunsNothingElseCanBeStarted() {
     QCOMPARE(m_desk->examiner.heard.size(), heard);
     trigger(*m_form, "actClose");
     QVERIFY(isOpen());
-    m_form->Unlock_Controls();
+    m_form->unlockControls();
     QVERIFY(!grid().isEnabled());
-    m_form->Unlock_Controls();
+    m_form->unlockControls();
     QVERIFY(grid().isEnabled());
 }
 
@@ -172,7 +172,7 @@ void WindowLifeTest::geometryAndTheViewersAreKept() {
 void WindowLifeTest::theCommandLineOpensAProject() {
     openExample(*m_desk, *m_form);
     trigger(*m_form, "actClose");
-    m_form->LoadCommandLineFile(project());
+    m_form->loadCommandLineFile(project());
     QCOMPARE(grid().model()->rowCount(), 6);
     QVERIFY(grid().isVisible());
     QCOMPARE(m_form->focusWidget(), &grid());
@@ -180,10 +180,10 @@ void WindowLifeTest::theCommandLineOpensAProject() {
 
 void WindowLifeTest::theCommandLineReadsAnArtefactAndTellsWhatCameOfIt() {
     const fs::path evidence = makeEvidence(m_desk->folder);
-    m_form->LoadCommandLineFile(evidence / "History.IE5" / "index.dat");
+    m_form->loadCommandLineFile(evidence / "History.IE5" / "index.dat");
     QCOMPARE(m_desk->examiner.heard, std::vector<std::string>{"command-line-file-imported"});
     QCOMPARE(grid().model()->rowCount(), 3);
-    QVERIFY(!m_desk->program.thread.IsOpen);
+    QVERIFY(!m_desk->program.thread.isOpen);
 }
 
 /// The process's own memory is a file whose first bytes nobody can read.
@@ -205,8 +205,8 @@ void WindowLifeTest::theWizardTellsWhatCouldNotBeRead() {
 }
 
 void WindowLifeTest::aWrongCommandLineIsToldAndLeavesNoProject() {
-    m_form->LoadCommandLineFile(m_desk->folder.path() / "missing.nvp");
-    m_form->LoadCommandLineFile(m_desk->folder.write("other.dat", "nothing known"));
+    m_form->loadCommandLineFile(m_desk->folder.path() / "missing.nvp");
+    m_form->loadCommandLineFile(m_desk->folder.write("other.dat", "nothing known"));
     QCOMPARE(m_desk->examiner.heard,
              (std::vector<std::string>{"command-line-file-missing", "command-line-file-unknown"}));
     QCOMPARE(child<QStackedWidget>(*m_form, "mainPages").currentIndex(), 0);
@@ -256,7 +256,7 @@ void WindowLifeTest::theDialogsAskBeforeAProjectIsOverwritten() {
     };
     whenShown<QFileDialog>(choose);
     m_desk->examiner.script = {Answer::No};
-    QVERIFY(!dialogs.CreateNewProjectFilename());
+    QVERIFY(!dialogs.createNewProjectFilename());
     QCOMPARE(m_desk->examiner.heard.back(), std::string("overwrite-project"));
     whenShown<QFileDialog>(choose);
     m_desk->examiner.script = {Answer::Yes};

@@ -44,7 +44,7 @@ struct BackgroundThumbnails::Work {
     };
 
     Work(Program &program, std::vector<std::int64_t> idsOf)
-        : scratch(program.thisClass.TempFolderPath / "~background"), tools(program, scratch.path()),
+        : scratch(program.thisClass.tempFolderPath / "~background"), tools(program, scratch.path()),
           ids(std::move(idsOf)) {}
 
     bool isDone() const { return next == ids.size() && ready.empty() && !atWork; }
@@ -80,7 +80,7 @@ void BackgroundThumbnails::start() {
     auto work = std::make_unique<Work>(program, drawableIds(program, Redo::no, unread));
     work->totals.unread = std::move(unread);
     work->service =
-        makeDrawService(work->scratch.path(), work->tools.context().settings.ThumbnailRedrawTimeout,
+        makeDrawService(work->scratch.path(), work->tools.context().settings.thumbnailRedrawTimeout,
                         [this](const DrawService::Order &order, const Drawn &drawn) {
                             // In the service's thread.
                             QMetaObject::invokeMethod(

@@ -30,7 +30,7 @@ QStringList cellsOf(const TrailEntry &entry) {
             entry.filePath.empty() ? QString() : QStringLiteral("%L1").arg(entry.fileSize),
             text(entry.md5Hash),
             text(entry.sha256Hash),
-            text(entry.AppVersion)};
+            text(entry.appVersion)};
 }
 
 QTreeWidget *newList() {

@@ -21,18 +21,18 @@ ExportPart::ExportPart(Workbench &bench)
       }),
       m_bench(bench) {
     connect(bench.actions.exportRows, &QAction::triggered, this,
-            [this] { m_bench.run("MainForm.ExportColumns()", [this] { ExportColumns(); }); });
+            [this] { m_bench.run("MainForm.ExportColumns()", [this] { exportColumns(); }); });
 }
 
-void ExportPart::ExportColumns() {
+void ExportPart::exportColumns() {
     UrlTable *table = m_bench.table->table();
     if (!table)
         return;
-    ThisClass &state = m_bench.program.thisClass;
+    ProgramState &state = m_bench.program.thisClass;
     Export job;
     job.columnsAsString = columnsAsString(m_bench.table->grid().tableLayout().shownColumns());
     selectTagged(job, *table, m_bench.project());
-    ExportForm form(job, table->rowCount(), {state.ProjectDBPath, evidenceFolders(state)},
+    ExportForm form(job, table->rowCount(), {state.projectDBPath, evidenceFolders(state)},
                     m_bench.examiner(), &m_bench.window);
     form.exec();
     if (form.result() == QDialog::Accepted && !job.cancel)
@@ -45,7 +45,7 @@ void ExportPart::run(Export &job) {
     std::optional<std::string> failure;
     m_bench.runTask({"EXPORTING URLS", "Collecting row data...", "", ""}, [&](TaskMonitor &task) {
         failure = failureOf(m_bench.program.log, "MainForm.ExportColumns()", [&] {
-            end = exportRows(job, table, m_bench.program.thisClass.TempFolderPath, task);
+            end = exportRows(job, table, m_bench.program.thisClass.tempFolderPath, task);
             if (end == ExportEnd::exported)
                 noteExport(m_bench.program, job);
         });

@@ -19,7 +19,7 @@ class ExportPart final : public QObject {
     std::function<void(const std::filesystem::path &)> openFile;
 
   private:
-    void ExportColumns();
+    void exportColumns();
     void run(Export &job);
     void tell(const Export &job);
 

@@ -28,7 +28,7 @@ FilesPart::FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &v
     on(actions.openProject, "MainForm.OpenFile()", [](FilesPart &part) { part.openProject({}); });
     on(actions.saveAs, "MainForm.SaveAs()", [](FilesPart &part) { part.saveAs(); });
     on(actions.closeProject, "MainForm.CloseFile()",
-       [](FilesPart &part) { part.m_commands.CloseFile(); });
+       [](FilesPart &part) { part.m_commands.closeFile(); });
     on(actions.import, "MainForm.import()", [](FilesPart &part) { part.import({}); });
     on(actions.upgradeWizard, "MainForm.upgradeWizard()",
        [](FilesPart &part) { part.m_commands.upgradeWizard(); });
@@ -39,15 +39,15 @@ FilesPart::FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &v
 }
 
 void FilesPart::newProject() {
-    const auto made = m_options.askNewProject([this] { m_commands.CloseFile(); });
-    if (!made || !m_commands.OpenFile(made->path, OpenMode::newAtPath))
+    const auto made = m_options.askNewProject([this] { m_commands.closeFile(); });
+    if (!made || !m_commands.openFile(made->path, OpenMode::newAtPath))
         return;
     m_options.storeNewProject(*made);
     m_bench.reload();
 }
 
 void FilesPart::openProject(const fs::path &path) {
-    if (!m_commands.OpenFile(path, OpenMode::existing))
+    if (!m_commands.openFile(path, OpenMode::existing))
         return;
     m_commands.tellOfChangedDefaultQuery();
     m_bench.reload();
@@ -65,7 +65,7 @@ void FilesPart::offerWebpages() {
 
 /// The connection changes with the file, so the table is built anew.
 void FilesPart::saveAs() {
-    m_commands.SaveAs();
+    m_commands.saveAs();
     if (!m_bench.isProjectOpen() || m_bench.table->table())
         return;
     m_view.restoreLayout();
@@ -100,7 +100,7 @@ void FilesPart::takePath(const fs::path &path) {
 void FilesPart::chooseBaseFolder() {
     const auto chosen =
         m_bench.dialogs.chooseFolder("Select the BASE root folder for all evidence in project:",
-                                     m_bench.program.thisClass.RootPath);
+                                     m_bench.program.thisClass.rootPath);
     if (!chosen)
         return;
     setRootPath(m_bench.program, fs::canonical(*chosen));
@@ -117,13 +117,13 @@ void FilesPart::chooseTimeZone() {
     dialog.setWindowTitle(tr("Time Zone"));
     dialog.setLabelText(tr("Times are shown in:"));
     dialog.setComboBoxItems(texts);
-    if (const auto place = placeInList(zones, m_bench.program.thisClass.GMTZone))
+    if (const auto place = placeInList(zones, m_bench.program.thisClass.gmtZone))
         dialog.setTextValue(texts.at(static_cast<qsizetype>(*place)));
     if (dialog.exec() != QDialog::Accepted)
         return;
     const qsizetype chosen = texts.indexOf(dialog.textValue());
     if (chosen >= 0 &&
-        setZone(m_bench.program, zones.at(static_cast<std::size_t>(chosen)).Time_Zone_ID))
+        setZone(m_bench.program, zones.at(static_cast<std::size_t>(chosen)).timeZoneID))
         m_bench.reload();
 }
 

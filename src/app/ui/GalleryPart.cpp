@@ -44,11 +44,11 @@ GalleryPart::GalleryPart(Workbench &bench)
     connect(&bench, &Workbench::galleryOutdated, m_gallery, &GalleryTab::setOutdated);
     connect(&bench, &Workbench::optionsChanged, this, &GalleryPart::takeOptions);
     connect(m_gallery, &GalleryTab::choiceChanged, this,
-            [this](const PardChoice &PARD, const GalleryMedia &media) {
-                ThisClass &state = m_bench.program.thisClass;
-                state.PARD = PARD;
-                state.GalleryIncludePictures = media.GalleryIncludePictures;
-                state.GalleryIncludeHTML = media.GalleryIncludeHTML;
+            [this](const PardChoice &pard, const GalleryMedia &media) {
+                ProgramState &state = m_bench.program.thisClass;
+                state.pard = pard;
+                state.galleryIncludePictures = media.galleryIncludePictures;
+                state.galleryIncludeHTML = media.galleryIncludeHTML;
             });
     connect(&bench, &Workbench::projectOpened, this, &GalleryPart::open);
     connect(&bench, &Workbench::projectClosing, m_gallery, &GalleryTab::closeProject);
@@ -63,10 +63,10 @@ void GalleryPart::followTable() {
 }
 
 GallerySettings GalleryPart::settings() const {
-    const ThisClass &state = m_bench.program.thisClass;
+    const ProgramState &state = m_bench.program.thisClass;
     GallerySettings settings;
-    settings.GalleryRecordsPerPage = state.GalleryRecordsPerPage;
-    settings.media = {state.GalleryIncludePictures, state.GalleryIncludeHTML};
+    settings.galleryRecordsPerPage = state.galleryRecordsPerPage;
+    settings.media = {state.galleryIncludePictures, state.galleryIncludeHTML};
     return settings;
 }
 
@@ -74,14 +74,14 @@ void GalleryPart::open() {
     m_isCounted = false;
     m_counted = {};
     m_gallery->openProject(m_bench.project(), m_bench.program.log, settings(),
-                           m_bench.program.thisClass.ViewerThumbnailWidth);
+                           m_bench.program.thisClass.viewerThumbnailWidth);
     takeOptions();
     count();
 }
 
 void GalleryPart::takeOptions() {
-    const ThisClass &state = m_bench.program.thisClass;
-    m_gallery->setChoice(settings(), state.PARD, state.ViewerThumbnailWidth);
+    const ProgramState &state = m_bench.program.thisClass;
+    m_gallery->setChoice(settings(), state.pard, state.viewerThumbnailWidth);
 }
 
 void GalleryPart::switchDrawing() {

@@ -95,27 +95,27 @@ void HostsPart::fill() {
 /// Another row of the list. Without the tick the filter goes off, and what is shown stays until
 /// the examiner asks for it.
 void HostsPart::choose(const std::string &host) {
-    ThisClass &state = m_bench.program.thisClass;
+    ProgramState &state = m_bench.program.thisClass;
     const bool ticked = m_pane->isTicked();
-    state.FilterByHostEnabled = ticked;
+    state.filterByHostEnabled = ticked;
     if (ticked)
-        state.FilterByHostValue = host;
+        state.filterByHostValue = host;
     showFilter();
     if (ticked)
         reloadFrontTab();
 }
 
 void HostsPart::untick() {
-    m_bench.program.thisClass.FilterByHostEnabled = false;
+    m_bench.program.thisClass.filterByHostEnabled = false;
     showFilter();
 }
 
 /// From a box, whose tab loads itself.
 void HostsPart::takeEntered(const QString &host) {
-    ThisClass &state = m_bench.program.thisClass;
-    state.FilterByHostEnabled = !host.isEmpty();
-    state.FilterByHostValue = fromQt(host);
-    if (state.FilterByHostEnabled)
+    ProgramState &state = m_bench.program.thisClass;
+    state.filterByHostEnabled = !host.isEmpty();
+    state.filterByHostValue = fromQt(host);
+    if (state.filterByHostEnabled)
         m_pane->setTicked(true);
     else
         m_pane->forgetChoice();
@@ -123,8 +123,8 @@ void HostsPart::takeEntered(const QString &host) {
 }
 
 std::string HostsPart::hostInForce() const {
-    const ThisClass &state = m_bench.program.thisClass;
-    return state.FilterByHostEnabled ? state.FilterByHostValue : std::string();
+    const ProgramState &state = m_bench.program.thisClass;
+    return state.filterByHostEnabled ? state.filterByHostValue : std::string();
 }
 
 void HostsPart::showFilter() {
@@ -146,18 +146,18 @@ void HostsPart::reloadFrontTab() {
 void HostsPart::reloadStaleTable() {
     UrlTable *table = m_bench.table->table();
     if (table && m_bench.dataTabs->currentWidget() == m_bench.table &&
-        table->choice.FilterByHostValue != hostInForce())
+        table->choice.filterByHostValue != hostInForce())
         m_bench.reload();
 }
 
 /// Tells what the rows shown are filtered by, which isn't always what the next load will be.
 void HostsPart::showSign() {
     const UrlTable *table = m_bench.table->table();
-    const bool on = table && table->choice.FilterByHostEnabled;
+    const bool on = table && table->choice.filterByHostEnabled;
     m_sign->setVisible(on);
     if (!on)
         return;
-    const std::string &host = table->choice.FilterByHostValue;
+    const std::string &host = table->choice.filterByHostValue;
     constexpr int kWidest = 320; // pixels: a host of 255 characters must not widen the window
     const QString whole = toQt(displayText(host));
     const QString text = m_sign->fontMetrics().elidedText(whole, Qt::ElideMiddle, kWidest);

@@ -12,8 +12,8 @@ class GalleryTab;
 class HostsPane;
 
 /// The host filter in the main window: the list of hosts, the boxes of the table and the gallery,
-/// and a sign in the status bar, which all agree with `FilterByHostEnabled` and
-/// `FilterByHostValue`.
+/// and a sign in the status bar, which all agree with `filterByHostEnabled` and
+/// `filterByHostValue`.
 class HostsPart final : public QObject {
     Q_OBJECT
 

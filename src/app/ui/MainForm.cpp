@@ -66,7 +66,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     connectEditActions();
     connectOtherActions();
     connectMenus();
-    m_commands.UpdateProgramCaption();
+    m_commands.updateProgramCaption();
     m_menus.showTheme(keptTheme(program.settings));
     showRecentFiles();
     showProjectState();
@@ -145,7 +145,7 @@ void MainForm::connectWindowActions() {
                 [=, this] { run(procedure, [=, this] { (this->*command)(); }); });
     };
     connect(m_actions.exit, &QAction::triggered, this, &QWidget::close);
-    on(m_actions.refresh, "MainForm.LoadURLs()", &MainForm::LoadURLs);
+    on(m_actions.refresh, "MainForm.LoadURLs()", &MainForm::loadURLs);
     on(m_actions.errorLog, "MainForm.showErrorLog()", &MainForm::showErrorLog);
     on(m_actions.tips, "MainForm.showTips()", &MainForm::showTips);
     on(m_actions.about, "MainForm.showAbout()", &MainForm::showAbout);
@@ -167,7 +167,7 @@ void MainForm::connectOtherActions() {
         m_viewers->refresh();
     });
     connect(m_bench.get(), &Workbench::noticed, this, &MainForm::showNotice);
-    connect(m_bench.get(), &Workbench::reloadWanted, this, &MainForm::LoadURLs);
+    connect(m_bench.get(), &Workbench::reloadWanted, this, &MainForm::loadURLs);
     connect(m_table, &TableTab::statusChanged, this, &MainForm::showStatus);
     connect(m_table, &TableTab::currentUrlChanged, this, [this] {
         showNotice({});
@@ -196,14 +196,14 @@ void MainForm::showStatus() {
 void MainForm::showProjectState() {
     const bool open = isProjectOpen();
     m_pages->setCurrentIndex(open ? 1 : 0);
-    m_actions.setProjectOpen(open, m_program.thisClass.ProjectDB.isReadOnly());
+    m_actions.setProjectOpen(open, m_program.thisClass.projectDB.isReadOnly());
     m_menus.setProjectOpen(open);
     m_status.setProjectOpen(open);
     if (open)
         showStatus();
 }
 
-void MainForm::Lock_Controls() {
+void MainForm::lockControls() {
     if (m_locks++ > 0)
         return;
     m_focusBeforeLock = QApplication::focusWidget();
@@ -212,7 +212,7 @@ void MainForm::Lock_Controls() {
     QApplication::setOverrideCursor(Qt::BusyCursor);
 }
 
-void MainForm::Unlock_Controls() {
+void MainForm::unlockControls() {
     if (--m_locks > 0)
         return;
     QApplication::restoreOverrideCursor();
@@ -230,7 +230,7 @@ void MainForm::closeEvent(QCloseEvent *event) {
     event->setAccepted(leaves);
     if (!leaves)
         return;
-    run("MainForm.CloseFile()", [this] { m_commands.CloseFile(); });
+    run("MainForm.CloseFile()", [this] { m_commands.closeFile(); });
     keepGeometry();
 }
 
@@ -271,23 +271,23 @@ void MainForm::run(const char *procedure, const std::function<void()> &command) 
 }
 
 void MainForm::runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work) {
-    Lock_Controls();
+    lockControls();
     const auto failure = failureOf(m_program.log, "MainForm.runTask()", [&] {
         const OpenTask task(m_program.thread, heading);
         work(m_program.thread);
     });
-    Unlock_Controls();
+    unlockControls();
     if (failure)
         m_program.around.examiner.tell(messages::commandFailed(*failure));
 }
 
-void MainForm::LoadCommandLineFile(const fs::path &path) {
-    Lock_Controls();
+void MainForm::loadCommandLineFile(const fs::path &path) {
+    lockControls();
     const auto failure = failureOf(m_program.log, "MainForm.LoadCommandLineFile()",
-                                   [&] { m_commands.LoadCommandLineFile(path); });
+                                   [&] { m_commands.loadCommandLineFile(path); });
     if (!failure)
         m_rebuild->tellOfWideIds();
-    Unlock_Controls();
+    unlockControls();
     if (failure)
         m_program.around.examiner.tell(messages::openingFailed(*failure));
     showProjectState();
@@ -309,8 +309,8 @@ void MainForm::showTips() {
 }
 
 void MainForm::showAbout() {
-    const ThisClass &state = m_program.thisClass;
-    m_program.around.examiner.tell(messages::about(state.AppTitle, state.AppVersion));
+    const ProgramState &state = m_program.thisClass;
+    m_program.around.examiner.tell(messages::about(state.appTitle, state.appVersion));
 }
 
 void MainForm::chooseTheme(Theme theme) {
@@ -323,7 +323,7 @@ void MainForm::setCaption(const std::string &caption) {
 }
 
 void MainForm::restoreLayout() {
-    SQLite::Database &project = m_program.thisClass.ProjectDB.connection();
+    SQLite::Database &project = m_program.thisClass.projectDB.connection();
     const ProjectFields fields(project, m_program.log);
     const auto failure = failureOf(m_program.log, "MainForm.FormatColumns()", [&] {
         m_table->restoreLayout(
@@ -331,11 +331,11 @@ void MainForm::restoreLayout() {
     });
     if (failure)
         m_program.around.examiner.tell(messages::columnsFailed(*failure));
-    m_table->openProject(project, m_program.log, m_program.thisClass.GMTZone);
+    m_table->openProject(project, m_program.log, m_program.thisClass.gmtZone);
     emit m_bench->projectOpened();
     showQuickQueries();
     showProjectState();
-    if (m_program.thisClass.ProjectDB.isReadOnly())
+    if (m_program.thisClass.projectDB.isReadOnly())
         showNotice(tr("Open for reading only: nothing is written to the project."));
 }
 
@@ -347,9 +347,9 @@ void MainForm::saveLayout() {
 }
 
 void MainForm::keepLayout() {
-    if (!m_program.thisClass.ProjectDB.isOpen() || m_program.thisClass.ProjectDB.isReadOnly())
+    if (!m_program.thisClass.projectDB.isOpen() || m_program.thisClass.projectDB.isReadOnly())
         return;
-    SQLite::Database &project = m_program.thisClass.ProjectDB.connection();
+    SQLite::Database &project = m_program.thisClass.projectDB.connection();
     ProjectFields fields(project, m_program.log);
     WriteBatch batch(project);
     m_table->saveLayout([&fields](std::string_view name, std::string_view value) {
@@ -361,7 +361,7 @@ void MainForm::keepLayout() {
 void MainForm::showQuickQueries() {
     QStringList quick;
     for (const StoredQuery &query :
-         StoredQueries(m_program.thisClass.ProjectDB.connection()).list()) {
+         StoredQueries(m_program.thisClass.projectDB.connection()).list()) {
         const QString name = toQt(query.name);
         if (isListedQuery(query.name) && isReservedQuery(query.name))
             quick += name;
@@ -370,7 +370,7 @@ void MainForm::showQuickQueries() {
 }
 
 void MainForm::showRecentFiles() {
-    m_menus.showRecentFiles(ConfigLastFilesOpened(m_program.settings));
+    m_menus.showRecentFiles(configLastFilesOpened(m_program.settings));
 }
 
 void MainForm::clear() {
@@ -381,13 +381,13 @@ void MainForm::clear() {
     showProjectState();
 }
 
-void MainForm::LoadURLs() {
+void MainForm::loadURLs() {
     if (!m_table->table())
         return;
-    m_table->table()->rootPath = textOf(m_program.thisClass.RootPath);
-    m_table->table()->filters = m_program.thisClass.Filters;
+    m_table->table()->rootPath = textOf(m_program.thisClass.rootPath);
+    m_table->table()->filters = m_program.thisClass.filters;
     m_table->table()->dates() = dateSettings(m_program);
-    m_table->LoadURLs();
+    m_table->loadURLs();
 }
 
 } // namespace nv

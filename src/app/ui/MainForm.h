@@ -37,14 +37,14 @@ class MainForm final : public QMainWindow, public ProjectView {
     MainForm &operator=(const MainForm &) = delete;
 
     /// Takes up the one path of the command line.
-    void LoadCommandLineFile(const std::filesystem::path &path);
+    void loadCommandLineFile(const std::filesystem::path &path);
     void showTips();
     /// Opens a project, or offers to import any other file or folder.
     void takePath(const std::filesystem::path &path);
 
     /// While a task runs only the status window's Cancel button stays live. Calls nest.
-    void Lock_Controls();
-    void Unlock_Controls();
+    void lockControls();
+    void unlockControls();
 
     // ProjectView
     void setCaption(const std::string &caption) override;
@@ -52,7 +52,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     void saveLayout() override;
     void showRecentFiles() override;
     void clear() override;
-    void LoadURLs() override;
+    void loadURLs() override;
     void showUpgradeWizard(const std::filesystem::path &project) override;
 
   protected:
@@ -73,7 +73,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     void runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work);
     /// Makes the parts of the window that have a topic of their own.
     void addParts();
-    bool isProjectOpen() const { return m_program.thisClass.ProjectDB.isOpen(); }
+    bool isProjectOpen() const { return m_program.thisClass.projectDB.isOpen(); }
 
     void showErrorLog();
     void showAbout();

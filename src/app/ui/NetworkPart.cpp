@@ -19,25 +19,25 @@ NetworkPart::NetworkPart(Workbench &bench) : m_bench(bench) {
 
 void NetworkPart::toggle() {
     Program &program = m_bench.program;
-    const bool isUp = NetworkConnectionStatus(program) == "ENABLED";
+    const bool isUp = networkConnectionStatus(program) == "ENABLED";
     const ConnectionState wanted = isUp ? ConnectionState::disabled : ConnectionState::enabled;
-    const std::string &name = program.thisClass.NetworkConnectionName;
+    const std::string &name = program.thisClass.networkConnectionName;
     if (m_bench.examiner().ask(messages::switchNetwork(wanted, name)) != Answer::Yes)
         return;
-    const bool done = ToggleNetworkConnection(program, wanted, Quiet::no);
+    const bool done = toggleNetworkConnection(program, wanted, Quiet::no);
     if (done && isUp)
         m_bench.examiner().tell(messages::networkDisabled());
     showState();
 }
 
 void NetworkPart::showState() {
-    const std::string status = NetworkConnectionStatus(m_bench.program);
+    const std::string status = networkConnectionStatus(m_bench.program);
     QAction &action = *m_bench.actions.network;
     const bool isDown = status == "DISABLED";
     action.setText(isDown ? tr("Enable &Network") : tr("Disable &Network"));
     action.setIconText(tr("Network"));
     action.setIcon(icon(isDown ? "network-off" : "network"));
-    const QString name = toQt(m_bench.program.thisClass.NetworkConnectionName);
+    const QString name = toQt(m_bench.program.thisClass.networkConnectionName);
     action.setToolTip(status.empty() ? tr("Network Connection Not Found")
                                      : tr("The network connection \"%1\"").arg(name));
 }

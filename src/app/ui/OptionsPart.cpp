@@ -11,7 +11,7 @@ namespace nv {
 namespace {
 
 OptionsDialogs dialogsOf(Workbench &bench) {
-    return {[&bench] { return bench.dialogs.CreateNewProjectFilename(); },
+    return {[&bench] { return bench.dialogs.createNewProjectFilename(); },
             [&bench](const std::string &title, const std::filesystem::path &start) {
                 return bench.dialogs.chooseFolder(title, start);
             }};

@@ -61,7 +61,7 @@ void PictureFeed::show(UrlId id) {
 
 /// A record that is shown again has changed: its picture is drawn anew.
 void PictureFeed::startWith(UrlId id) {
-    if (std::exchange(m_base, state().RootPath) != state().RootPath)
+    if (std::exchange(m_base, state().rootPath) != state().rootPath)
         m_kept.clear();
     if (m_wanted == id)
         std::erase_if(m_kept, [id](const Picture &each) { return each.id == id; });
@@ -106,7 +106,7 @@ void PictureFeed::clear() {
 }
 
 void PictureFeed::showDrawn(const Picture &picture) {
-    state().Viewer.picturePath = textOf(picture.file);
+    state().viewer.picturePath = textOf(picture.file);
     if (picture.image.isNull())
         m_pane.showReason(tr("The cached content can't be shown as a picture. %1")
                               .arg(toQt(displayText(picture.failure))));
@@ -132,7 +132,7 @@ void PictureFeed::keep(Picture picture) {
 
 std::optional<QString> PictureFeed::fetch(UrlId id, Pending &fetched) {
     fetched.picture.id = id;
-    fetched.folder = state().TempFolderPath / fmt::format("~picture-{}", m_number);
+    fetched.folder = state().tempFolderPath / fmt::format("~picture-{}", m_number);
     fs::create_directories(fetched.folder);
     Unwatched nobody;
     RecordTools tools(m_bench.program, nobody, fetched.folder);
@@ -163,7 +163,7 @@ DrawService::Order PictureFeed::orderFor(Pending pending) {
 void PictureFeed::want(std::vector<DrawService::Order> orders) {
     if (!m_service && !orders.empty())
         m_service =
-            makeDrawService(state().TempFolderPath, kDrawingTimeout,
+            makeDrawService(state().tempFolderPath, kDrawingTimeout,
                             [this](const DrawService::Order &order, const Drawn &drawn) {
                                 // In the service's thread: what was drawn may be large to read.
                                 const QImage image =

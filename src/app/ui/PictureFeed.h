@@ -68,7 +68,7 @@ class PictureFeed final : public QObject {
     bool isPictureRecord(UrlId id) const;
     void forgetProject();
 
-    ThisClass &state() { return m_bench.program.thisClass; }
+    ProgramState &state() { return m_bench.program.thisClass; }
 
     Workbench &m_bench;
     PicturePane &m_pane;

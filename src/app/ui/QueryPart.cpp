@@ -39,7 +39,7 @@ QueryPart::QueryPart(Workbench &bench)
     });
     connect(bench.table, &TableTab::statusChanged, this, &QueryPart::followTable);
     connect(bench.table, &TableTab::sortedBy, this, [this](SortChoice choice) {
-        if (m_bench.program.thisClass.ProjectDB.isReadOnly())
+        if (m_bench.program.thisClass.projectDB.isReadOnly())
             return; // the order isn't kept
         m_commands->takeStatement(kSortChoices.at(static_cast<std::size_t>(choice)).query);
         m_bench.table->showQuery({});
@@ -103,7 +103,7 @@ void QueryPart::open() {
                              kContactSupport, std::vector<QueryField>(),
                              [this] { return queryFields(m_bench.project()); }));
     m_commands->start();
-    m_actions.setProjectOpen(true, program.thisClass.ProjectDB.isReadOnly());
+    m_actions.setProjectOpen(true, program.thisClass.projectDB.isReadOnly());
 }
 
 void QueryPart::close() {
@@ -167,11 +167,11 @@ std::string QueryPart::enterQueryName(const Message &prompt) {
 }
 
 void QueryPart::statementChanged() {
-    if (m_bench.program.thisClass.RedrawThumbIfPageRebuilt)
+    if (m_bench.program.thisClass.redrawThumbIfPageRebuilt)
         emit m_bench.thumbnailsChanged();
 }
 
-void QueryPart::LoadURLs() {
+void QueryPart::loadURLs() {
     m_bench.table->showQuery(tableName(m_bench.program.thisClass.activeQueryName));
     m_bench.reload();
 }

@@ -38,7 +38,7 @@ class QueryPart final : public QObject, public QueryView {
     void showQueries(const std::vector<std::string> &names, const std::string &selected) override;
     std::string enterQueryName(const Message &prompt) override;
     void statementChanged() override;
-    void LoadURLs() override;
+    void loadURLs() override;
 
     Workbench &m_bench;
     QueryActions m_actions;

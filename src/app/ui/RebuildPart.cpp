@@ -47,7 +47,7 @@ void RebuildPart::rebuild() {
         return;
     const std::vector<std::int64_t> tagged = shownTagged(m_bench);
     if (!tagged.empty())
-        RebuildTaggedPages(tagged);
+        rebuildTaggedPages(tagged);
     else
         rebuildCurrent();
 }
@@ -57,13 +57,13 @@ void RebuildPart::rebuildCurrent() {
         rebuildOne(number(*current));
 }
 
-void RebuildPart::RebuildTaggedPages(const std::vector<std::int64_t> &ids) {
+void RebuildPart::rebuildTaggedPages(const std::vector<std::int64_t> &ids) {
     Program &program = m_bench.program;
     RebuildReport report;
     report.asked = ids.size();
     m_bench.runTask(
         {"REBUILDING WEB PAGES", "Rebuilding Web Pages ", "", ""}, [&](TaskMonitor &task) {
-            RecordTools tools(program, task, program.thisClass.TempFolderPath);
+            RecordTools tools(program, task, program.thisClass.tempFolderPath);
             report.cancelled = !rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
                 report.pages.push_back(page);
             });
@@ -78,7 +78,7 @@ void RebuildPart::rebuildOne(std::int64_t id) {
     RebuildReport report;
     report.asked = 1;
     m_bench.runTask({"Rebuilding", "", "", ""}, [&](TaskMonitor &task) {
-        RecordTools tools(program, task, program.thisClass.TempFolderPath);
+        RecordTools tools(program, task, program.thisClass.tempFolderPath);
         if (const auto page = rebuildPage(program, tools, id))
             report.pages.push_back(*page);
         const auto rebuilt = std::ranges::count(report.pages, true, &RebuiltPage::rebuilt);
@@ -97,8 +97,8 @@ void RebuildPart::showRebuilt(const RebuildReport &report) {
 }
 
 void RebuildPart::tellOfWideIds() {
-    ThisClass &state = m_bench.program.thisClass;
-    if (m_toldOfWideIds || state.WideRecordIds || !m_bench.isProjectOpen())
+    ProgramState &state = m_bench.program.thisClass;
+    if (m_toldOfWideIds || state.wideRecordIds || !m_bench.isProjectOpen())
         return;
     const std::int64_t largest =
         m_bench.project().execAndGet("SELECT max(URL_ID) FROM URLs").getInt64();

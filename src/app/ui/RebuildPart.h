@@ -27,7 +27,7 @@ class RebuildPart final : public QObject {
     void sayWhatRebuildDoes() const;
     void rebuild();
     void rebuildCurrent();
-    void RebuildTaggedPages(const std::vector<std::int64_t> &ids);
+    void rebuildTaggedPages(const std::vector<std::int64_t> &ids);
     void rebuildOne(std::int64_t id);
     void showRebuilt(const RebuildReport &report);
 

@@ -34,7 +34,7 @@ constexpr std::string_view kChooseFolder =
     "Publish Report: Select an output folder for the published report:";
 
 /// Nothing is ever written beside evidence.
-void refuseEvidence(const fs::path &target, ThisClass &state) {
+void refuseEvidence(const fs::path &target, ProgramState &state) {
     if (const auto folder = evidenceAround(target, state))
         throw StorageFailure(messages::liesInEvidence(target, *folder).text);
 }
@@ -45,7 +45,7 @@ ReportPart::ReportPart(Workbench &bench) : m_bench(bench) {
     connect(bench.actions.createReport, &QAction::triggered, this,
             [this] { m_bench.run("ReportForm.OkBtn_Click()", [this] { create(); }); });
     connect(bench.actions.publishReport, &QAction::triggered, this,
-            [this] { m_bench.run("MainForm.PublishReport()", [this] { PublishReport(); }); });
+            [this] { m_bench.run("MainForm.PublishReport()", [this] { publishReport(); }); });
     connect(bench.actions.openReportFolder, &QAction::triggered, this, &ReportPart::openFolder);
     connect(&bench, &Workbench::projectOpened, this, &ReportPart::findReport);
     tellOfFailures();
@@ -65,7 +65,7 @@ void ReportPart::create() {
     if (!m_bench.table->table())
         return;
     Program &program = m_bench.program;
-    ReportTools tools(program, program.thread, program.thisClass.TempFolderPath);
+    ReportTools tools(program, program.thread, program.thisClass.tempFolderPath);
     if (!chooseOptions(tools))
         return;
     withdrawReport();
@@ -84,7 +84,7 @@ void ReportPart::create() {
 }
 
 fs::path ReportPart::lastReport() const {
-    const fs::path &project = m_bench.program.thisClass.ProjectDBPath;
+    const fs::path &project = m_bench.program.thisClass.projectDBPath;
     const auto isShown = [&project](const auto &made) {
         std::error_code none;
         return made.project == project && fs::is_regular_file(made.page, none);
@@ -96,7 +96,7 @@ fs::path ReportPart::lastReport() const {
 /// The pane shows the report again of a project that is opened again: it lies in the folder for
 /// scratch until the program ends, or until another one takes its name.
 void ReportPart::findReport() {
-    m_bench.program.thisClass.Viewer.reportURL = lastReport().string();
+    m_bench.program.thisClass.viewer.reportURL = lastReport().string();
     m_bench.viewers->findChild<ReportPane *>()->refresh();
 }
 
@@ -140,8 +140,8 @@ void ReportPart::tellOf(const ReportTools &tools, bool finished) {
 void ReportPart::showReport(const fs::path &page) {
     const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
         std::erase_if(m_made, [&page](const Made &each) { return each.page == page; });
-        m_made.push_back({m_bench.program.thisClass.ProjectDBPath, page});
-        m_bench.program.thisClass.Viewer.reportURL = page.string();
+        m_made.push_back({m_bench.program.thisClass.projectDBPath, page});
+        m_bench.program.thisClass.viewer.reportURL = page.string();
         auto *pane = m_bench.viewers->findChild<ReportPane *>();
         pane->refresh();
         m_bench.viewers->setCurrentWidget(pane);
@@ -153,17 +153,17 @@ void ReportPart::showReport(const fs::path &page) {
 
 /// The one that is shown is about to be written over, under the same name.
 void ReportPart::withdrawReport() {
-    m_bench.program.thisClass.Viewer.reportURL.clear();
+    m_bench.program.thisClass.viewer.reportURL.clear();
     m_bench.viewers->findChild<ReportPane *>()->refresh();
 }
 
-void ReportPart::PublishReport() {
-    const ThisClass &state = m_bench.program.thisClass;
+void ReportPart::publishReport() {
+    const ProgramState &state = m_bench.program.thisClass;
     const int type = readNumber(m_bench.program.settings, "ReportType");
-    if (!isReportThere(ReportFolder(state.TempFolderPath), type))
+    if (!isReportThere(ReportFolder(state.tempFolderPath), type))
         return m_bench.examiner().tell(messages::nothingToPublish());
     const auto target =
-        m_bench.dialogs.chooseFolder(std::string(kChooseFolder), state.PublishTempFolder);
+        m_bench.dialogs.chooseFolder(std::string(kChooseFolder), state.publishTempFolder);
     if (!target || !fs::is_directory(*target))
         return;
     refuseEvidence(*target, m_bench.program.thisClass);
@@ -186,9 +186,9 @@ void ReportPart::publishTo(const fs::path &target, int type) {
     m_bench.runTask({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""},
                     [&](TaskMonitor &task) {
                         failure = failureOf(m_bench.program.log, "MainForm.PublishReport()", [&] {
-                            const ReportFolder report(m_bench.program.thisClass.TempFolderPath);
+                            const ReportFolder report(m_bench.program.thisClass.tempFolderPath);
                             removePublished(target, type);
-                            published = nv::PublishReport(report, type, target, task);
+                            published = nv::publishReport(report, type, target, task);
                             if (!published.cancelled)
                                 notePublish(m_bench.program, ReportFolder::at(target).index(type),
                                             published);
@@ -203,7 +203,7 @@ void ReportPart::publishTo(const fs::path &target, int type) {
 }
 
 void ReportPart::openFolder() const {
-    const ReportFolder report(m_bench.program.thisClass.TempFolderPath);
+    const ReportFolder report(m_bench.program.thisClass.tempFolderPath);
     QDesktopServices::openUrl(QUrl::fromLocalFile(pathToQt(report.path)));
 }
 

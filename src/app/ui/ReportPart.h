@@ -32,7 +32,7 @@ class ReportPart final : public QObject {
     void showReport(const std::filesystem::path &page);
     void tellOfFailures();
     void withdrawReport();
-    void PublishReport();
+    void publishReport();
     bool mayReplace(const std::filesystem::path &target, int type) const;
     void publishTo(const std::filesystem::path &target, int type);
     void openFolder() const;

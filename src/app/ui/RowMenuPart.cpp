@@ -102,7 +102,7 @@ void RowMenuPart::addOfHost(QMenu &menu) {
         menu.addAction(icon("hosts"), tr("Show Only &Host \"%1\"").arg(literal(host)), this,
                        [this, host] { m_bench.table->filterByHost(toQt(host)); })
             ->setObjectName(QStringLiteral("actFilterByHost"));
-    if (table().choice.FilterByHostEnabled)
+    if (table().choice.filterByHostEnabled)
         menu.addAction(tr("Show &All Hosts"), this, [this] { m_bench.table->filterByHost({}); })
             ->setObjectName(QStringLiteral("actAllHosts"));
 }

@@ -117,25 +117,25 @@ void StatusForm::cancel() {
     emit cancelled();
 }
 
-void StatusForm::update(const ThreadClass &status) {
+void StatusForm::update(const TaskStatus &status) {
     setWindowTitle(toQt(status.windowTitle()));
-    m_messages[0]->setText(toQt(status.Msg1));
-    m_messages[1]->setText(toQt(status.Msg2));
-    m_messages[2]->setText(toQt(status.Msg3));
+    m_messages[0]->setText(toQt(status.msg1));
+    m_messages[1]->setText(toQt(status.msg2));
+    m_messages[2]->setText(toQt(status.msg3));
     showIcon(status);
     showBar(m_top, status.topBar());
     showBar(m_bottom, status.bottomBar());
-    m_elapsed->setVisible(status.ShowTimeElapsed);
-    m_elapsed->setText(toQt(status.GetTimeElapsed()));
+    m_elapsed->setVisible(status.showTimeElapsed);
+    m_elapsed->setText(toQt(status.getTimeElapsed()));
 }
 
-void StatusForm::showIcon(const ThreadClass &status) {
-    if (status.IconPath != m_iconPath) {
-        m_iconPath = status.IconPath;
+void StatusForm::showIcon(const TaskStatus &status) {
+    if (status.iconPath != m_iconPath) {
+        m_iconPath = status.iconPath;
         m_icon->setPixmap(
             icon(m_iconPath).pixmap(QSize(kIconPixels, kIconPixels), devicePixelRatio()));
     }
-    m_icon->setVisible(status.ShowIcon && !m_icon->pixmap(Qt::ReturnByValue).isNull());
+    m_icon->setVisible(status.showIcon && !m_icon->pixmap(Qt::ReturnByValue).isNull());
 }
 
 void StatusForm::showBar(const Bar &bar, const StatusBar &values) {

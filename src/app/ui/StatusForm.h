@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/ThreadClass.h"
+#include "app/TaskStatus.h"
 
 #include <QDialog>
 #include <QElapsedTimer>
@@ -15,7 +15,7 @@ namespace nv {
 
 class ProgressBox;
 
-/// The window behind ThreadClass. Nobody waits for it: the task goes on, and other windows stay
+/// The window behind TaskStatus. Nobody waits for it: the task goes on, and other windows stay
 /// drawn but take no clicks.
 class StatusForm final : public QDialog, public StatusView {
     Q_OBJECT
@@ -28,7 +28,7 @@ class StatusForm final : public QDialog, public StatusView {
 
     void open() override;
     void close() override;
-    void update(const ThreadClass &status) override;
+    void update(const TaskStatus &status) override;
     void pump() override;
     /// Closing the window is no way round its Cancel button.
     void reject() override;
@@ -50,7 +50,7 @@ class StatusForm final : public QDialog, public StatusView {
     QBoxLayout *buttonRow();
     void cancel();
     void centreOnActiveWindow();
-    void showIcon(const ThreadClass &status);
+    void showIcon(const TaskStatus &status);
     static void showBar(const Bar &bar, const StatusBar &values);
 
     QLabel *m_icon = nullptr;

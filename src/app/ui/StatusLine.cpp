@@ -52,7 +52,7 @@ void StatusLine::showParts() {
         label->setVisible(m_open && !noticed);
 }
 
-void StatusLine::showTable(TableTab &tab, const ThisClass &state) {
+void StatusLine::showTable(TableTab &tab, const ProgramState &state) {
     const UrlTable *table = tab.table();
     if (!table)
         return;
@@ -69,8 +69,8 @@ void StatusLine::showTable(TableTab &tab, const ThisClass &state) {
         tr("Query: %1").arg((query.isEmpty() ? TableTab::tr("Default") : query) + order),
         Qt::ElideRight, kWidestQuery));
     m_query->setToolTip(Qt::convertFromPlainText(query + order));
-    m_zone->setText(tr("Zone: %1").arg(toQt(state.GMTZone.getBiasAsTime(0))));
-    const std::string base = textOf(state.RootPath);
+    m_zone->setText(tr("Zone: %1").arg(toQt(state.gmtZone.getBiasAsTime(0))));
+    const std::string base = textOf(state.rootPath);
     m_base->setText(tr("Base folder: %1").arg(base.empty() ? tr("none") : toQt(displayText(base))));
     m_base->setToolTip(Qt::convertFromPlainText(m_base->text()));
 }

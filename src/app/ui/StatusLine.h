@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/ThisClass.h"
+#include "app/ProgramState.h"
 
 #include <QCoreApplication>
 #include <QString>
@@ -20,7 +20,7 @@ class StatusLine {
     explicit StatusLine(QStatusBar &bar);
 
     /// Rows, query, zone and base folder, when the table has a list.
-    void showTable(TableTab &tab, const ThisClass &state);
+    void showTable(TableTab &tab, const ProgramState &state);
     /// Stands there until the examiner goes to another row.
     void showNotice(const QString &text);
     /// Without a project the bar is empty.

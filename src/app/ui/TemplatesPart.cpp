@@ -20,7 +20,7 @@ constexpr int kRenameWidth = 420; ///< pixels; names of pages are long
 
 TemplatesPart::TemplatesPart(Workbench &bench) : m_bench(bench), m_tab(new TemplatesTab) {
     bench.dataTabs->addTab(m_tab, tr("Templates"));
-    m_tab->setMatchByTitle(bench.program.thisClass.TemplateMatchByTitle);
+    m_tab->setMatchByTitle(bench.program.thisClass.templateMatchByTitle);
     connectTab();
     connect(&bench, &Workbench::projectClosing, m_tab, &TemplatesTab::closePreview);
 }
@@ -33,20 +33,20 @@ void TemplatesPart::connectTab() {
         });
     };
     connect(m_tab, &TemplatesTab::shown, this, &TemplatesPart::list);
-    on(&TemplatesTab::createWanted, "MainForm.CreateTemplate()", &TemplatesPart::CreateTemplate);
+    on(&TemplatesTab::createWanted, "MainForm.CreateTemplate()", &TemplatesPart::createTemplate);
     on(&TemplatesTab::applyWanted, "MainForm.RebuildFromTemplates()",
-       &TemplatesPart::RebuildFromTemplates);
+       &TemplatesPart::rebuildFromTemplates);
     on(&TemplatesTab::viewWanted, "MainForm.LoadTemplate()", &TemplatesPart::view);
     on(&TemplatesTab::renameWanted, kManaging, &TemplatesPart::rename);
     on(&TemplatesTab::deleteWanted, kManaging, &TemplatesPart::remove);
     connect(&m_bench, &Workbench::optionsChanged, m_tab,
-            [this] { m_tab->setMatchByTitle(m_bench.program.thisClass.TemplateMatchByTitle); });
+            [this] { m_tab->setMatchByTitle(m_bench.program.thisClass.templateMatchByTitle); });
     connect(m_tab, &TemplatesTab::matchByTitleChosen, this, &TemplatesPart::chooseMatchByTitle);
 }
 
 void TemplatesPart::list() {
     Program &program = m_bench.program;
-    m_tab->setTemplates(listTemplates(program.thisClass.TemplatesPath, program.log));
+    m_tab->setTemplates(listTemplates(program.thisClass.templatesPath, program.log));
 }
 
 std::vector<std::int64_t> TemplatesPart::pages() {
@@ -58,14 +58,14 @@ std::vector<std::int64_t> TemplatesPart::pages() {
     return ids;
 }
 
-void TemplatesPart::CreateTemplate() {
+void TemplatesPart::createTemplate() {
     const std::vector<std::int64_t> ids = pages();
     if (ids.empty())
         return;
     Program &program = m_bench.program;
     TemplatesMade made;
     m_bench.runTask({"CREATING TEMPLATE(S)", "Overall Progress", "", ""}, [&](TaskMonitor &task) {
-        RecordTools tools(program, task, program.thisClass.TempFolderPath);
+        RecordTools tools(program, task, program.thisClass.tempFolderPath);
         made = createTemplates(program, tools, ids);
     });
     list();
@@ -74,7 +74,7 @@ void TemplatesPart::CreateTemplate() {
     m_bench.showNotice(toQt(madeText(made)));
 }
 
-void TemplatesPart::RebuildFromTemplates() {
+void TemplatesPart::rebuildFromTemplates() {
     if (!m_bench.mayWrite())
         return;
     const std::vector<std::filesystem::path> templates = m_tab->chosen();
@@ -88,8 +88,8 @@ void TemplatesPart::RebuildFromTemplates() {
     LaidTemplates laid;
     m_bench.runTask({"REBUILDING FROM TEMPLATE(S)", "Overall Progress ", "", ""},
                     [&](TaskMonitor &task) {
-                        RecordTools tools(program, task, program.thisClass.TempFolderPath);
-                        laid = nv::RebuildFromTemplates(program, tools, ids, templates);
+                        RecordTools tools(program, task, program.thisClass.tempFolderPath);
+                        laid = nv::rebuildFromTemplates(program, tools, ids, templates);
                     });
     m_bench.refreshRows();
     m_bench.showNotice(toQt(laidText(laid)));
@@ -103,7 +103,7 @@ void TemplatesPart::view() {
         return list();
     Program &program = m_bench.program;
     Unwatched nobody;
-    const RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
+    const RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
     const auto folder = loadTemplate(*file, tools.context());
     if (folder && std::filesystem::exists(*folder / kTemplatePage))
         return m_tab->showPreview(*folder / kTemplatePage);

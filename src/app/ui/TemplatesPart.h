@@ -21,8 +21,8 @@ class TemplatesPart final : public QObject {
     void list();
     /// Tells the examiner when there is none.
     std::vector<std::int64_t> pages();
-    void CreateTemplate();
-    void RebuildFromTemplates();
+    void createTemplate();
+    void rebuildFromTemplates();
     void view();
     void rename();
     void remove();

@@ -23,11 +23,11 @@ std::vector<Property> propertiesOf(Workbench &bench, UrlId id) {
     Program &program = bench.program;
     const auto picture = [&]() -> std::optional<fs::path> {
         Unwatched nobody;
-        RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
+        RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
         const auto content = contentOfRecord(tools, id);
         return content ? content->file : std::nullopt;
     };
-    return loadProperties(id, {bench.project(), program.thisClass.GMTZone, dateSettings(program),
+    return loadProperties(id, {bench.project(), program.thisClass.gmtZone, dateSettings(program),
                                program.log, picture});
 }
 
@@ -68,7 +68,7 @@ void ViewersPart::addContentPane(Pane &pane, const QString &title, const char *p
 ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
     m_text = new TextPane;
     m_picture = new PicturePane;
-    m_picture->setNoResize(state().NoResizePicture);
+    m_picture->setNoResize(state().noResizePicture);
     m_hex = new HexPane(bench.runTask, bench.program.log);
     addContentPane(*m_text, tr("Text"), "MainForm.showText()", &ViewersPart::showText);
     addPicture();
@@ -76,9 +76,9 @@ ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
     addNotes();
     addReport();
     connect(m_picture, &PicturePane::noResizeChanged, this,
-            [this](bool noResize) { state().NoResizePicture = noResize; });
+            [this](bool noResize) { state().noResizePicture = noResize; });
     connect(m_hex, &HexPane::sourceToggled, bench.viewers, &ViewerTabs::refresh);
-    connect(bench.table, &TableTab::currentUrlChanged, this, [this] { state().Viewer.clearAll(); });
+    connect(bench.table, &TableTab::currentUrlChanged, this, [this] { state().viewer.clearAll(); });
 }
 
 void ViewersPart::addPicture() {
@@ -102,7 +102,7 @@ void ViewersPart::addNotes() {
          [&bench](const Message &message) { bench.examiner().tell(message); }});
     bench.viewers->addPane(*m_notes, *m_notes, tr("Notes"), "MainForm.NotesText_Validate()");
     connect(&bench, &Workbench::projectOpened, m_notes,
-            [this] { m_notes->setReadOnly(m_bench.program.thisClass.ProjectDB.isReadOnly()); });
+            [this] { m_notes->setReadOnly(m_bench.program.thisClass.projectDB.isReadOnly()); });
     connect(&bench, &Workbench::projectClosing, m_notes, [this] {
         if (m_bench.isProjectOpen())
             m_notes->clear();
@@ -111,13 +111,13 @@ void ViewersPart::addNotes() {
 }
 
 void ViewersPart::addReport() {
-    m_report = new ReportPane([this] { return state().Viewer.reportURL; });
+    m_report = new ReportPane([this] { return state().viewer.reportURL; });
     m_bench.viewers->addPane(*m_report, *m_report, tr("Report"), "MainForm.showReport()");
     connect(&m_report->browser(), &BrowserPane::navigationBlocked, &m_bench,
             &Workbench::showNotice);
     // The report is one of the project that is left.
     connect(&m_bench, &Workbench::projectClosing, m_report, [this] {
-        state().Viewer.reportURL.clear();
+        state().viewer.reportURL.clear();
         m_report->refresh();
     });
 }
@@ -126,7 +126,7 @@ std::optional<RecordContent> ViewersPart::contentFor(UrlId id,
                                                      const std::function<void(QString)> &missing) {
     Program &program = m_bench.program;
     Unwatched nobody;
-    RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
+    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
     auto content = contentOfRecord(tools, id);
     if (!content)
         missing(tr("The selected record could not be found."));
@@ -143,7 +143,7 @@ void ViewersPart::showText(UrlId id) {
         return;
     const CachedText text =
         readCachedText(*content->file, content->record.MetaData, TextPane::kMostBytes);
-    state().Viewer.textContent = text.text;
+    state().viewer.textContent = text.text;
     m_text->showText(text);
 }
 
@@ -154,21 +154,21 @@ void ViewersPart::showHex(UrlId id) {
         contentFor(id, [this](const QString &reason) { m_hex->showMissing(reason); });
     if (!content)
         return;
-    state().Viewer.hexFilePath = textOf(*content->file);
+    state().viewer.hexFilePath = textOf(*content->file);
     m_hex->showFile(*content->file, 0);
 }
 
 void ViewersPart::showSource(UrlId id) {
     Program &program = m_bench.program;
     Unwatched nobody;
-    RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
+    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
     const auto record = tools.record(number(id));
     if (!record)
         return m_hex->showMissing(tr("The selected record could not be found."));
     const auto source = sourceOfRecord(*record);
     if (!source)
         return m_hex->showMissing(sentence(missingSource(*record)));
-    state().Viewer.hexFilePath = textOf(source->file);
+    state().viewer.hexFilePath = textOf(source->file);
     m_hex->showFile(source->file, source->offset);
 }
 

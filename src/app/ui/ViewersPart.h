@@ -15,7 +15,7 @@ class TextPane;
 void addProperties(Workbench &bench);
 
 /// The panes of the record's cached content (Text, Picture, Hex), its note, and the last report.
-/// What they show is kept in `ThisClass.Viewer`.
+/// What they show is kept in `ProgramState.Viewer`.
 class ViewersPart final : public QObject {
     Q_OBJECT
 
@@ -36,7 +36,7 @@ class ViewersPart final : public QObject {
     void showHex(UrlId id);
     void showSource(UrlId id);
 
-    ThisClass &state() { return m_bench.program.thisClass; }
+    ProgramState &state() { return m_bench.program.thisClass; }
 
     Workbench &m_bench;
     TextPane *m_text = nullptr;

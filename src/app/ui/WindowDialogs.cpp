@@ -53,7 +53,7 @@ std::optional<std::filesystem::path> QtWindowDialogs::chooseProject() {
                       {QString::fromLatin1(kProjects)});
 }
 
-std::optional<std::filesystem::path> QtWindowDialogs::CreateNewProjectFilename() {
+std::optional<std::filesystem::path> QtWindowDialogs::createNewProjectFilename() {
     return unlessKept(chooseFile("newProjectDialog", "Project File Name", QFileDialog::AcceptSave,
                                  {QString::fromLatin1(kProjects)}));
 }

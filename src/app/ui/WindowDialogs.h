@@ -24,7 +24,7 @@ class QtWindowDialogs final : public WindowDialogs {
     explicit QtWindowDialogs(Examiner &examiner) : m_examiner(examiner) {}
 
     std::optional<std::filesystem::path> chooseProject() override;
-    std::optional<std::filesystem::path> CreateNewProjectFilename() override;
+    std::optional<std::filesystem::path> createNewProjectFilename() override;
     std::optional<std::filesystem::path> chooseSaveAs() override;
     std::optional<std::filesystem::path> chooseFolder(const std::string &title,
                                                       const std::filesystem::path &start) override;

@@ -34,12 +34,12 @@ QList<Part *> namedParts(const QWidget &window) {
 }
 
 void keep(IniFile &settings, const std::string &key, const QByteArray &bytes) {
-    settings.WriteIniValue(kSection, key, bytes.toBase64().toStdString());
+    settings.writeIniValue(kSection, key, bytes.toBase64().toStdString());
 }
 
 QByteArray kept(const IniFile &settings, const std::string &key) {
     return QByteArray::fromBase64(
-        QByteArray::fromStdString(settings.ReadIniValue(kSection, key, std::string_view())));
+        QByteArray::fromStdString(settings.readIniValue(kSection, key, std::string_view())));
 }
 
 } // namespace
@@ -53,7 +53,7 @@ void keepWindowLayout(const QMainWindow &window, IniFile &settings) {
     // By name: a later version may have other tabs.
     for (const QTabWidget *tabs : namedParts<QTabWidget>(window))
         if (const QWidget *front = tabs->currentWidget())
-            settings.WriteIniValue(kSection, keyOf("Tab_", *tabs), fromQt(front->objectName()));
+            settings.writeIniValue(kSection, keyOf("Tab_", *tabs), fromQt(front->objectName()));
 }
 
 void restoreWindowLayout(QMainWindow &window, const IniFile &settings) {
@@ -65,7 +65,7 @@ void restoreWindowLayout(QMainWindow &window, const IniFile &settings) {
         header->restoreState(kept(settings, keyOf("Header_", *header)));
     for (QTabWidget *tabs : namedParts<QTabWidget>(window)) {
         const QString name =
-            toQt(settings.ReadIniValue(kSection, keyOf("Tab_", *tabs), std::string_view()));
+            toQt(settings.readIniValue(kSection, keyOf("Tab_", *tabs), std::string_view()));
         for (int place = 0; !name.isEmpty() && place < tabs->count(); ++place)
             if (tabs->widget(place)->objectName() == name)
                 tabs->setCurrentIndex(place);

@@ -119,7 +119,7 @@ QWidget *ImportChoicePage::newOptions(const ImportSettings &job) {
     auto *column = new QVBoxLayout(group);
     m_recurse = newBox(tr("Look into s&ubfolders"), "RecurseSubfolders", job.recurseSubfolders);
     m_verify = newBox(tr("&Verify file contents, not names alone"), "chkVerifyFileContents",
-                      job.VerifyFileSignatures);
+                      job.verifyFileSignatures);
     m_metadata = newBox(tr("Read titles, texts and links of cached pages (advanced &metadata)"),
                         "chkParseAdvancedMetadata", job.parseAdvancedMetadata);
     m_thumbnails = newBox(tr("Make &thumbnails of pictures and pages while importing"),
@@ -140,7 +140,7 @@ void ImportChoicePage::tickAllKinds(bool on) {
 void ImportChoicePage::applyTo(ImportSettings &job) const {
     job.startingDirectory = pathFromQt(m_start->text().trimmed()).string();
     job.recurseSubfolders = m_recurse->isChecked();
-    job.VerifyFileSignatures = m_verify->isChecked();
+    job.verifyFileSignatures = m_verify->isChecked();
     job.parseAdvancedMetadata = m_metadata->isChecked();
     job.makeThumbnails = m_thumbnails->isChecked();
     for (const Kind &kind : m_kinds)

@@ -95,9 +95,9 @@ bool ImportForm::startingDirectoryIsUsable() {
         m_program.around.examiner.tell(messages::startingDirectoryMissing());
     else if (!fs::exists(start))
         m_program.around.examiner.tell(messages::startingDirectoryGone());
-    else if (liesInEvidence(m_program.thisClass.ProjectDBPath, start))
+    else if (liesInEvidence(m_program.thisClass.projectDBPath, start))
         m_program.around.examiner.tell(
-            messages::liesInEvidence(m_program.thisClass.ProjectDBPath, start));
+            messages::liesInEvidence(m_program.thisClass.projectDBPath, start));
     else
         return true;
     return false;
@@ -158,12 +158,12 @@ void ImportForm::showScan(const ScanResult &result) {
 
 /// A connection that can't be disabled leaves the examiner in the wizard, to decide anew.
 bool ImportForm::goesOnDespiteNetwork() {
-    if (NetworkConnectionStatus(m_program) != "ENABLED")
+    if (networkConnectionStatus(m_program) != "ENABLED")
         return true;
     const Answer answer = m_program.around.examiner.ask(messages::networkDetected());
     if (answer != Answer::Yes)
         return answer == Answer::No;
-    const bool done = ToggleNetworkConnection(m_program, ConnectionState::disabled, Quiet::no);
+    const bool done = toggleNetworkConnection(m_program, ConnectionState::disabled, Quiet::no);
     if (done)
         m_program.around.examiner.tell(messages::networkDisabled());
     return done;
@@ -177,7 +177,7 @@ void ImportForm::chooseBase() {
     const fs::path base = !named.empty()            ? fs::canonical(named)
                           : fs::is_directory(start) ? start
                                                     : start.parent_path();
-    if (base != m_program.thisClass.RootPath)
+    if (base != m_program.thisClass.rootPath)
         setRootPath(m_program, base);
     keepEvidenceFolder(m_program, start);
 }
@@ -195,10 +195,10 @@ void ImportForm::runImport() {
     setEnabled(false);
     ImportSummary summary;
     const auto failure = failureOf(m_program.log, "ImportForm.ImportFiles()", [&] {
-        const ImportClaim claim(m_program.thisClass.ProjectDBPath);
+        const ImportClaim claim(m_program.thisClass.projectDBPath);
         chooseBase();
         const OpenTask task(m_program.thread, {});
-        summary = runImportJob(m_program, m_program.thread, m_program.thisClass.TempFolderPath);
+        summary = runImportJob(m_program, m_program.thread, m_program.thisClass.tempFolderPath);
     });
     m_imported = true;
     m_running = false;

@@ -28,7 +28,7 @@ enum Tab { kPathsTab = 0, kZoneTab = 2 };
 
 OptionsForm::OptionsForm(Program &program, OptionsDialogs dialogs, Mode mode, QWidget *parent)
     : QDialog(parent), m_program(program), m_dialogs(std::move(dialogs)), m_mode(mode),
-      m_zones(InitTimeZone(program)),
+      m_zones(initTimeZone(program)),
       m_start(mode == Mode::newProject ? readNewProjectOptions(program, m_zones)
                                        : readOptions(program, m_zones)) {
     setObjectName(QStringLiteral("OptionsForm"));
@@ -192,33 +192,33 @@ Options OptionsForm::shown() const {
     for (const auto &[row, box] : m_settings)
         chooseText(options, *row, box.value());
     const auto path = [this](Path index) { return pathFromQt(m_paths[index]->text().trimmed()); };
-    options.ProjectDBPath = path(kProject);
-    if (m_mode == Mode::newProject && !options.ProjectDBPath.empty() &&
-        !options.ProjectDBPath.has_extension())
-        options.ProjectDBPath += ".nvp";
-    options.RootPath = path(kBase);
-    options.TempFolderPath = path(kTemp);
-    options.TemplatesPath = path(kTemplates);
-    options.PublishTempFolder = path(kPublish);
-    options.AgencyLogoPath = path(kLogo);
-    options.DateFormat = fromQt(m_dateFormat->text().trimmed());
-    options.TimeFormat = fromQt(m_timeFormat->text().trimmed());
-    options.Time_Zone_ID.reset();
+    options.projectDBPath = path(kProject);
+    if (m_mode == Mode::newProject && !options.projectDBPath.empty() &&
+        !options.projectDBPath.has_extension())
+        options.projectDBPath += ".nvp";
+    options.rootPath = path(kBase);
+    options.tempFolderPath = path(kTemp);
+    options.templatesPath = path(kTemplates);
+    options.publishTempFolder = path(kPublish);
+    options.agencyLogoPath = path(kLogo);
+    options.dateFormat = fromQt(m_dateFormat->text().trimmed());
+    options.timeFormat = fromQt(m_timeFormat->text().trimmed());
+    options.timeZoneID.reset();
     if (m_zone->currentIndex() >= 0)
-        options.Time_Zone_ID = m_zone->currentData().toInt();
-    options.EnableDSTChanges = m_dst->isChecked();
-    options.GalleryRecordsPerPage = m_perPage->currentData().toInt();
-    options.ThumbnailRedrawTimeout = m_timeout->currentData().toInt();
-    options.EnablePARD = m_pard->isChecked();
-    options.PARDFrom = m_from->value();
-    options.PARDTo = m_to->value();
+        options.timeZoneID = m_zone->currentData().toInt();
+    options.enableDSTChanges = m_dst->isChecked();
+    options.galleryRecordsPerPage = m_perPage->currentData().toInt();
+    options.thumbnailRedrawTimeout = m_timeout->currentData().toInt();
+    options.enablePARD = m_pard->isChecked();
+    options.pardFrom = m_from->value();
+    options.pardTo = m_to->value();
     if (m_viewerSizes->checkedId() > 0)
-        options.ViewerThumbnailWidth = m_viewerSizes->checkedId();
+        options.viewerThumbnailWidth = m_viewerSizes->checkedId();
     if (m_reportSizes->checkedId() > 0)
-        options.ReportThumbnailWidth = m_reportSizes->checkedId();
-    options.NetworkConnectionName = connectionName();
+        options.reportThumbnailWidth = m_reportSizes->checkedId();
+    options.networkConnectionName = connectionName();
     options.switchedOffline = m_offline;
-    options.ProgressBarRefreshRate = m_rate->value();
+    options.progressBarRefreshRate = m_rate->value();
     return options;
 }
 

@@ -42,8 +42,8 @@ class OptionsForm final : public QDialog {
     /// Called before a new project's values come into force while another project is open.
     std::function<void()> closeOpenProject;
     /// Of an accepted new project.
-    std::filesystem::path project() const { return shown().ProjectDBPath; }
-    std::filesystem::path base() const { return shown().RootPath; }
+    std::filesystem::path project() const { return shown().projectDBPath; }
+    std::filesystem::path base() const { return shown().rootPath; }
 
     void accept() override;
 

@@ -74,22 +74,22 @@ QWidget *OptionsForm::newPaths() {
     auto *tab = new QWidget;
     auto *form = new QFormLayout(tab);
     const bool isNew = m_mode == Mode::newProject;
-    const bool open = m_program.thisClass.ProjectDB.isOpen();
+    const bool open = m_program.thisClass.projectDB.isOpen();
     QLineEdit *project = addPath(*form, 0, tr("&Project file:"), "txtPathProject",
-                                 m_start.ProjectDBPath, tr("The file that holds the case"));
+                                 m_start.projectDBPath, tr("The file that holds the case"));
     project->setReadOnly(!isNew);
-    QLineEdit *base = addPath(*form, 1, tr("&Base folder:"), "txtPathBase", m_start.RootPath,
+    QLineEdit *base = addPath(*form, 1, tr("&Base folder:"), "txtPathBase", m_start.rootPath,
                               tr("Cached files of the evidence are looked for below it"));
     base->setEnabled(isNew || open);
     if (isNew)
         base->setPlaceholderText(tr("The folder of the first import"));
-    addPath(*form, 2, tr("&Temp folder:"), "txtPathTempFolder", m_start.TempFolderPath,
+    addPath(*form, 2, tr("&Temp folder:"), "txtPathTempFolder", m_start.tempFolderPath,
             tr("Scratch files, until the program ends"));
-    addPath(*form, 3, tr("T&emplates folder:"), "txtPathTemplatesFolder", m_start.TemplatesPath,
+    addPath(*form, 3, tr("T&emplates folder:"), "txtPathTemplatesFolder", m_start.templatesPath,
             tr("Templates made of rebuilt pages"));
-    addPath(*form, 4, tr("P&ublish folder:"), "txtPathPublish", m_start.PublishTempFolder,
+    addPath(*form, 4, tr("P&ublish folder:"), "txtPathPublish", m_start.publishTempFolder,
             tr("Offered when a report is published"));
-    addPath(*form, 5, tr("Agency &logo:"), "txtPathAgencyLogo", m_start.AgencyLogoPath,
+    addPath(*form, 5, tr("Agency &logo:"), "txtPathAgencyLogo", m_start.agencyLogoPath,
             tr("The picture at the head of reports"));
     if (auto *browse = tab->findChild<QPushButton *>(QStringLiteral("btnPath0")))
         browse->setEnabled(isNew);
@@ -143,13 +143,13 @@ QWidget *OptionsForm::newDateTime() {
     grid->addWidget(newFormats("optDateFormat", "txtDateFormat",
                                {QStringLiteral("YYYY-MM-DD"), QStringLiteral("MM/DD/YY"),
                                 QStringLiteral("DD/MM/YYYY"), QStringLiteral("dd mmm yyyy")},
-                               toQt(m_start.DateFormat), m_dateFormat, m_day, "Date",
+                               toQt(m_start.dateFormat), m_dateFormat, m_day, "Date",
                                &chooseDateFormat),
                     0, 0);
     grid->addWidget(newFormats("optTimeFormat", "txtTimeFormat",
                                {QStringLiteral("24:00:00"), QStringLiteral("Hh:Nn"),
                                 QStringLiteral("h:Nn:Ss AM/PM"), QStringLiteral("h:Nn AM/PM")},
-                               toQt(m_start.TimeFormat), m_timeFormat, m_time, "Time",
+                               toQt(m_start.timeFormat), m_timeFormat, m_time, "Time",
                                &chooseTimeFormat),
                     0, 1);
     auto *letters = new QGridLayout;
@@ -173,8 +173,8 @@ QWidget *OptionsForm::newZone() {
     m_zone = named(new QComboBox, "cbTimeZone");
     m_zone->setAccessibleName(tr("Time zone"));
     for (const ZoneRow &zone : m_zones)
-        m_zone->addItem(toQt(zone.listText()), zone.Time_Zone_ID);
-    m_zone->setCurrentIndex(m_start.Time_Zone_ID ? m_zone->findData(*m_start.Time_Zone_ID) : -1);
+        m_zone->addItem(toQt(zone.listText()), zone.timeZoneID);
+    m_zone->setCurrentIndex(m_start.timeZoneID ? m_zone->findData(*m_start.timeZoneID) : -1);
     m_zone->setPlaceholderText(tr("Select a time zone"));
     m_zone->setToolTip(tr("All dates of the window, of reports and of exports"));
     auto *caption = new QLabel(tr("Times are shown &in:"));
@@ -182,7 +182,7 @@ QWidget *OptionsForm::newZone() {
     column->addWidget(caption);
     column->addWidget(m_zone);
     m_dst = addBox(*column, "chkEnableDSTChanges", tr("&Daylight saving time changes"),
-                   tr("Off, all dates are shown in standard time."), m_start.EnableDSTChanges);
+                   tr("Off, all dates are shown in standard time."), m_start.enableDSTChanges);
     auto *properties =
         named(new QPushButton(tr("Time Zone &Properties...")), "btnConfigureTimeZone");
     properties->setAutoDefault(false);
@@ -202,12 +202,12 @@ QWidget *OptionsForm::newGallery() {
     addSetting(*column, FlagKey("RedrawThumbIfPageRebuilt").row());
     auto *form = new QFormLayout;
     m_perPage = newNumbers("cbThumbnailsPerPage", {50, 100, 200, 300, 500, 1000},
-                           m_start.GalleryRecordsPerPage);
+                           m_start.galleryRecordsPerPage);
     m_perPage->setAccessibleName(tr("Thumbnails per page"));
     m_perPage->setToolTip(tr("More on a page take longer to be drawn"));
     form->addRow(tr("Thumbnails per pa&ge:"), m_perPage);
     m_timeout =
-        newNumbers("cbRedrawTimeout", {5, 10, 15, 20, 30, 60}, m_start.ThumbnailRedrawTimeout);
+        newNumbers("cbRedrawTimeout", {5, 10, 15, 20, 30, 60}, m_start.thumbnailRedrawTimeout);
     m_timeout->setAccessibleName(tr("Redraw time-out in seconds"));
     m_timeout->setToolTip(tr("A page that isn't drawn by then gets no thumbnail"));
     form->addRow(tr("Redraw &time-out (seconds):"), m_timeout);
@@ -223,12 +223,12 @@ QWidget *OptionsForm::newPard() {
     m_pard = addBox(*column, "chkUsePARD", tr("&Use P.A.R.D."),
                     tr("Photograph Aspect Ratio Differential (Best range: 15% to 40%): the gallery "
                        "shows only pictures of these shapes, until the program ends."),
-                    m_start.EnablePARD);
+                    m_start.enablePARD);
     auto *form = new QFormLayout;
     m_from = addScrolled(*form, tr("&From:"), tr("The least difference that is shown"),
-                         {"txtPARDFrom", "scrollPARDFrom", Qt::Horizontal, 100}, m_start.PARDFrom);
+                         {"txtPARDFrom", "scrollPARDFrom", Qt::Horizontal, 100}, m_start.pardFrom);
     m_to = addScrolled(*form, tr("&To:"), tr("The greatest difference that is shown"),
-                       {"txtPARDTo", "scrollPARDTo", Qt::Horizontal, 100}, m_start.PARDTo);
+                       {"txtPARDTo", "scrollPARDTo", Qt::Horizontal, 100}, m_start.pardTo);
     for (QSpinBox *number : {m_from, m_to})
         number->setSuffix(QStringLiteral(" %"));
     column->addLayout(form);
@@ -264,9 +264,9 @@ QWidget *OptionsForm::newThumbnails() {
     auto *tab = new QWidget;
     auto *form = new QFormLayout(tab);
     m_viewerSizes =
-        addSizes(*form, tr("Viewers:"), "optThumbnailViewers", m_start.ViewerThumbnailWidth);
+        addSizes(*form, tr("Viewers:"), "optThumbnailViewers", m_start.viewerThumbnailWidth);
     m_reportSizes =
-        addSizes(*form, tr("Reports:"), "optThumbnailReports", m_start.ReportThumbnailWidth);
+        addSizes(*form, tr("Reports:"), "optThumbnailReports", m_start.reportThumbnailWidth);
     form->addRow(newHint(tr("Thumbnails that are drawn from now on have this size.")));
     return tab;
 }
@@ -286,12 +286,12 @@ QWidget *OptionsForm::newSafety() {
     auto *other = named(new QRadioButton(tr("&Other:")), "optLocalAreaConnection1");
     m_connection->addButton(usual, 0);
     m_connection->addButton(other, 1);
-    const bool isUsual = m_start.NetworkConnectionName == kDefaultConnection->byDefault;
+    const bool isUsual = m_start.networkConnectionName == kDefaultConnection->byDefault;
     (isUsual ? usual : other)->setChecked(true);
     usual->setToolTip(tr("The connection that is taken when no other one is named"));
     other->setToolTip(tr("A connection of another name"));
     m_connectionName =
-        named(new QLineEdit(toQt(m_start.NetworkConnectionName)), "txtLocalAreaConnection");
+        named(new QLineEdit(toQt(m_start.networkConnectionName)), "txtLocalAreaConnection");
     m_connectionName->setAccessibleName(tr("Name of the connection"));
     m_connectionName->setToolTip(tr("As the system names it, such as eth0"));
     m_switch = named(new QPushButton, "btnLocalAreaConnection");
@@ -318,7 +318,7 @@ QWidget *OptionsForm::newStatus() {
     m_rate = addScrolled(*form, tr("&Refresh rate (seconds):"),
                          tr("0 shows each step, which slows a task down"),
                          {"txtStatusRefreshRate", "VScroll1", Qt::Vertical, kMostSeconds},
-                         m_start.ProgressBarRefreshRate);
+                         m_start.progressBarRefreshRate);
     form->addRow(newHint(tr("The status window of a long task changes its texts this often.")));
     return tab;
 }

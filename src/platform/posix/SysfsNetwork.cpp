@@ -24,7 +24,7 @@ std::string statusOf(bool up) {
 SysfsNetwork::SysfsNetwork(std::filesystem::path interfaces)
     : m_interfaces(std::move(interfaces)) {}
 
-std::string SysfsNetwork::NetworkConnectionStatus(std::string_view connectionName) const {
+std::string SysfsNetwork::networkConnectionStatus(std::string_view connectionName) const {
     std::error_code error;
     bool any = false;
     bool anyUp = false;

@@ -13,7 +13,7 @@ class SysfsNetwork final : public Network {
   public:
     explicit SysfsNetwork(std::filesystem::path interfaces = "/sys/class/net");
 
-    std::string NetworkConnectionStatus(std::string_view connectionName) const override;
+    std::string networkConnectionStatus(std::string_view connectionName) const override;
     /// The kernel's files can't switch anything.
     Switched switchConnection(std::string_view, ConnectionState) override {
         return Switched::noFolder;

@@ -77,11 +77,11 @@ void check(const QDBusMessage &reply) {
 
 } // namespace
 
-std::string NetworkManagerNetwork::NetworkConnectionStatus(std::string_view connectionName) const {
+std::string NetworkManagerNetwork::networkConnectionStatus(std::string_view connectionName) const {
     const auto connection =
         runs(m_bus) ? connectionNamed(m_bus, toQt(connectionName)) : std::nullopt;
     if (!connection)
-        return m_otherwise.NetworkConnectionStatus(connectionName);
+        return m_otherwise.networkConnectionStatus(connectionName);
     return activeOf(m_bus, *connection) ? "ENABLED" : "DISABLED";
 }
 

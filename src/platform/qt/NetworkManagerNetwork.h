@@ -15,7 +15,7 @@ class NetworkManagerNetwork final : public Network {
                                    QDBusConnection bus = QDBusConnection::systemBus())
         : m_bus(std::move(bus)), m_otherwise(otherwise) {}
 
-    std::string NetworkConnectionStatus(std::string_view connectionName) const override;
+    std::string networkConnectionStatus(std::string_view connectionName) const override;
     Switched switchConnection(std::string_view connectionName, ConnectionState state) override;
 
   private:

@@ -191,7 +191,7 @@ void ReportForm::show(const ReportWriter &report) {
     m_caseNumber->setText(toQt(report.caseNumber));
     m_organization->setText(toQt(report.organization));
     m_reportedBy->setText(toQt(report.reportedBy));
-    m_logo->setText(pathToQt(report.AgencyLogoPath));
+    m_logo->setText(pathToQt(report.agencyLogoPath));
     m_useLogo->setChecked(report.useCustomLogo);
     m_thumbnail->setText(pathToQt(report.defaultThumbnailPath));
     m_useThumbnail->setChecked(report.useDefaultThumbnailPath);
@@ -216,7 +216,7 @@ void ReportForm::apply(ReportWriter &report) const {
     report.caseNumber = fromQt(m_caseNumber->text());
     report.organization = fromQt(m_organization->text());
     report.reportedBy = fromQt(m_reportedBy->text());
-    report.AgencyLogoPath = pathFromQt(m_logo->text());
+    report.agencyLogoPath = pathFromQt(m_logo->text());
     report.useCustomLogo = m_useLogo->isChecked();
     report.defaultThumbnailPath = pathFromQt(m_thumbnail->text());
     report.useDefaultThumbnailPath = m_useThumbnail->isChecked();

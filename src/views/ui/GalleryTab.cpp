@@ -188,8 +188,8 @@ void GalleryTab::openProject(SQLite::Database &project, FailureLog &log,
     m_model.setGallery(m_gallery.get(), &project, &log);
     {
         const QSignalBlocker quiet(this);
-        m_pictures->setChecked(settings.media.GalleryIncludePictures);
-        m_pages->setChecked(settings.media.GalleryIncludeHTML);
+        m_pictures->setChecked(settings.media.galleryIncludePictures);
+        m_pages->setChecked(settings.media.galleryIncludeHTML);
     }
     if (isVisible())
         load();
@@ -247,11 +247,11 @@ void GalleryTab::setChoice(const GallerySettings &settings, const PardChoice &pa
     controls.insert(controls.end(), m_sizes.begin(), m_sizes.end());
     for (QObject *control : controls)
         control->blockSignals(true);
-    m_pard->setChecked(pard.EnablePARD);
+    m_pard->setChecked(pard.enablePARD);
     m_from->setValue(pard.fromValue);
     m_to->setValue(pard.toValue);
-    m_pictures->setChecked(settings.media.GalleryIncludePictures);
-    m_pages->setChecked(settings.media.GalleryIncludeHTML);
+    m_pictures->setChecked(settings.media.galleryIncludePictures);
+    m_pages->setChecked(settings.media.galleryIncludeHTML);
     for (std::size_t i = 0; i < m_sizes.size(); ++i)
         m_sizes[i]->setChecked(pard.*kSizeFlags[i]);
     for (QObject *control : controls)
@@ -285,7 +285,7 @@ void GalleryTab::takeChoice() {
     if (!m_gallery)
         return;
     PardChoice &choice = m_gallery->pard;
-    choice.EnablePARD = m_pard->isChecked();
+    choice.enablePARD = m_pard->isChecked();
     choice.fromValue = static_cast<std::int16_t>(m_from->value());
     choice.toValue = static_cast<std::int16_t>(m_to->value());
     for (std::size_t i = 0; i < m_sizes.size(); ++i)
@@ -301,10 +301,10 @@ void GalleryTab::takeChoice() {
 bool GalleryTab::takeHost() {
     const std::string host = fromQt(m_host->text().trimmed());
     RowChoice &choice = m_gallery->choice;
-    if (choice.FilterByHostValue == host)
+    if (choice.filterByHostValue == host)
         return false;
-    choice.FilterByHostValue = host;
-    choice.FilterByHostEnabled = !host.empty();
+    choice.filterByHostValue = host;
+    choice.filterByHostEnabled = !host.empty();
     return true;
 }
 

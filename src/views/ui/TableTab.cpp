@@ -89,7 +89,7 @@ QWidget *TableTab::newChoiceBar() {
 }
 
 void TableTab::connectParts() {
-    connect(m_queries, &QComboBox::activated, this, &TableTab::LoadURLs);
+    connect(m_queries, &QComboBox::activated, this, &TableTab::loadURLs);
     connect(m_host, &QLineEdit::returnPressed, this, &TableTab::takeHost);
     connect(m_host, &QLineEdit::textChanged, this, [this](const QString &text) {
         if (text.isEmpty())
@@ -134,14 +134,14 @@ void TableTab::takeLayout() {
     if (!m_table || m_table->undated == undated)
         return;
     m_table->undated = undated;
-    LoadURLs();
+    loadURLs();
 }
 
 void TableTab::forgetSort() {
     if (!m_table)
         return;
     m_table->sort.reset();
-    LoadURLs();
+    loadURLs();
 }
 
 void TableTab::closeProject() {
@@ -173,7 +173,7 @@ void TableTab::chooseQuery(const QString &name) {
     if (place < 0)
         return;
     m_queries->setCurrentIndex(place);
-    LoadURLs();
+    loadURLs();
 }
 
 void TableTab::showQuery(const QString &name) {
@@ -185,8 +185,8 @@ void TableTab::showQuery(const QString &name) {
 
 void TableTab::takeHost() {
     const QString host = m_host->text().trimmed();
-    if (m_table && (host != m_knownHost || fromQt(host) != m_table->choice.FilterByHostValue))
-        LoadURLs();
+    if (m_table && (host != m_knownHost || fromQt(host) != m_table->choice.filterByHostValue))
+        loadURLs();
 }
 
 void TableTab::setHost(const QString &host) {
@@ -215,13 +215,13 @@ void TableTab::showAll() {
     chooseQuery({});
 }
 
-void TableTab::LoadURLs() {
+void TableTab::loadURLs() {
     if (!m_table)
         return;
     announceHost();
     const std::string host = fromQt(m_host->text().trimmed());
     m_table->choice = {fromQt(queryName()), !host.empty(), host};
-    reload([this](TaskMonitor &task) { return m_table->LoadURLs(task); });
+    reload([this](TaskMonitor &task) { return m_table->loadURLs(task); });
 }
 
 void TableTab::refreshRows() {

@@ -59,7 +59,7 @@ class TableTab final : public QWidget {
     /// As if the examiner had entered it in the box.
     void filterByHost(const QString &host);
 
-    void LoadURLs();
+    void loadURLs();
     /// The rows' texts have changed; the list and the current row stay.
     void refreshRows();
     void sortBy(SortChoice choice);

@@ -11,21 +11,21 @@ namespace nv::test {
 /// A program whose Options are read and applied.
 struct OptionsFixture : ProgramFixture {
     OptionsFixture() { start(); }
-    std::vector<ZoneRow> zones() { return InitTimeZone(*program); }
+    std::vector<ZoneRow> zones() { return initTimeZone(*program); }
     Options shown() { return readOptions(*program, zones()); }
     std::string ini(std::string_view section, std::string_view key) {
-        return IniFile(paths.settings(), program->log).ReadIniValue(section, key, "(none)");
+        return IniFile(paths.settings(), program->log).readIniValue(section, key, "(none)");
     }
     void openCase() { ASSERT_TRUE(createProject(*program, folder.path() / "case.nvp")); }
     std::string inProject(std::string_view name) {
-        return ProjectFields(program->thisClass.ProjectDB.connection(), program->log)
+        return ProjectFields(program->thisClass.projectDB.connection(), program->log)
             .getDefault(name);
     }
     std::vector<TrailEntry> trail() {
-        return CaseTrail(program->thisClass.ProjectDB.connection()).entries();
+        return CaseTrail(program->thisClass.projectDB.connection()).entries();
     }
     bool apply(const Options &options) { return applyOptions(*program, options).applied; }
-    ThisClass &state() { return program->thisClass; }
+    ProgramState &state() { return program->thisClass; }
 };
 
 } // namespace nv::test

@@ -16,7 +16,7 @@ struct FixedSystemTime final : SystemTime {
 
 /// A system that tells nothing of its network until a test says otherwise.
 struct NoNetwork final : Network {
-    std::string NetworkConnectionStatus(std::string_view) const override { return status; }
+    std::string networkConnectionStatus(std::string_view) const override { return status; }
     Switched switchConnection(std::string_view name, ConnectionState state) override {
         if (refuses)
             throw std::runtime_error("not allowed");
@@ -32,7 +32,7 @@ struct NoNetwork final : Network {
 struct NoView final : StatusView {
     void open() override {}
     void close() override {}
-    void update(const ThreadClass &) override {}
+    void update(const TaskStatus &) override {}
     void pump() override {}
 };
 

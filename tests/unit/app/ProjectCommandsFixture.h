@@ -16,7 +16,7 @@ namespace nv::test {
 
 struct ScriptedDialogs final : FileDialogs {
     std::optional<std::filesystem::path> chooseProject() override { return answer; }
-    std::optional<std::filesystem::path> CreateNewProjectFilename() override { return answer; }
+    std::optional<std::filesystem::path> createNewProjectFilename() override { return answer; }
     std::optional<std::filesystem::path> chooseSaveAs() override { return answer; }
     std::optional<std::filesystem::path> answer;
 };
@@ -27,7 +27,7 @@ struct RecordingProjectView final : ProjectView {
     void saveLayout() override { ++saved; }
     void showRecentFiles() override {}
     void clear() override { ++cleared; }
-    void LoadURLs() override { ++loaded; }
+    void loadURLs() override { ++loaded; }
     void showUpgradeWizard(const std::filesystem::path &project) override {
         EXPECT_FALSE(isOpen()) << "the wizard works on a closed project";
         upgraded.push_back(project);
@@ -43,7 +43,7 @@ struct RecordingProjectView final : ProjectView {
 
 /// The commands on projects, with a window and dialogs that a test can ask.
 struct ProjectCommandsTest : ProgramFixture {
-    ProjectDatabase &db() { return program->thisClass.ProjectDB; }
+    ProjectDatabase &db() { return program->thisClass.projectDB; }
     std::string setting(std::string_view name) {
         return ProjectFields(db().connection(), program->log).getDefault(name);
     }

@@ -53,10 +53,10 @@ TEST_F(OptionsFileTest, aFirstOkayWritesTheseLines) {
 
 TEST_F(OptionsFileTest, keepAllOptionsAddsTheseLines) {
     Options options = shown();
-    options.KeepAllOptions = true;
-    options.NetworkConnectionName.clear();
-    options.DateFormat.clear();
-    options.TimeFormat.clear();
+    options.keepAllOptions = true;
+    options.networkConnectionName.clear();
+    options.dateFormat.clear();
+    options.timeFormat.clear();
     ASSERT_TRUE(apply(options));
     const std::string text = file();
     const auto behind = [&text](std::string_view line) { return text.substr(text.find(line)); };

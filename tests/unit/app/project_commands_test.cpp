@@ -20,67 +20,67 @@ namespace fs = std::filesystem;
 using test::ProjectCommandsTest;
 
 TEST_F(ProjectCommandsTest, aNewProjectHoldsTheVersionAndIsRemembered) {
-    ASSERT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
+    ASSERT_TRUE(commands.openFile(path, OpenMode::newAtPath));
     EXPECT_EQ(setting("AppMajor") + "." + setting("AppMinor") + "." + setting("AppRevision"),
-              program->thisClass.AppVersion);
+              program->thisClass.appVersion);
     EXPECT_EQ(window.caption, "Norvelane - [" + path.string() + "]");
     EXPECT_EQ(window.restored, 1);
-    EXPECT_EQ(ConfigLastFilesOpened(program->settings).at(0).path, path);
+    EXPECT_EQ(configLastFilesOpened(program->settings).at(0).path, path);
     EXPECT_EQ(rows(), 0);
 }
 
 TEST_F(ProjectCommandsTest, aFileOfAnotherKindIsRefused) {
     examiner.expect("not-a-project-file");
-    EXPECT_FALSE(commands.OpenFile(folder.write("case.txt", "x"), OpenMode::existing));
+    EXPECT_FALSE(commands.openFile(folder.write("case.txt", "x"), OpenMode::existing));
     EXPECT_EQ(examiner.heard.at(0).text, "Selected file is not a valid Norvelane Project File.");
     EXPECT_EQ(examiner.heard.at(0).title, "Unrecognized File Format");
     examiner.expect("opening-failed");
-    EXPECT_FALSE(commands.OpenFile(folder.write("bad.nvp", "no database"), OpenMode::existing));
+    EXPECT_FALSE(commands.openFile(folder.write("bad.nvp", "no database"), OpenMode::existing));
     EXPECT_NE(examiner.heard.at(1).text.find("bad.nvp"), std::string::npos);
     EXPECT_FALSE(db().isOpen());
 }
 
 TEST_F(ProjectCommandsTest, aProjectThatCantBeMadeIsTold) {
     examiner.expect("database-not-created");
-    EXPECT_FALSE(commands.OpenFile(folder.path() / "none" / "x.nvp", OpenMode::newAtPath));
+    EXPECT_FALSE(commands.openFile(folder.path() / "none" / "x.nvp", OpenMode::newAtPath));
     EXPECT_EQ(examiner.heard.at(0).text, "Internal error encountered. Unable to create database.");
 }
 
 TEST_F(ProjectCommandsTest, aCancelledDialogChangesNothing) {
-    EXPECT_FALSE(commands.OpenFile({}, OpenMode::existing));
-    EXPECT_FALSE(commands.OpenFile({}, OpenMode::newByDialog));
+    EXPECT_FALSE(commands.openFile({}, OpenMode::existing));
+    EXPECT_FALSE(commands.openFile({}, OpenMode::newByDialog));
     dialogs.answer = path;
-    EXPECT_TRUE(commands.OpenFile({}, OpenMode::newByDialog));
+    EXPECT_TRUE(commands.openFile({}, OpenMode::newByDialog));
 }
 
 TEST_F(ProjectCommandsTest, closingKeepsTheZoneAndResetsTheDefaultQuery) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     StoredQueries(db().connection()).save({"_DEFAULT", "SELECT * FROM URLs WHERE Visits > 3"});
     ASSERT_TRUE(setZone(*program, 20));
-    commands.CloseFile();
+    commands.closeFile();
     EXPECT_FALSE(db().isOpen());
     EXPECT_EQ(window.saved, 1);
     EXPECT_EQ(window.cleared, 1);
     EXPECT_EQ(window.caption, "Norvelane");
-    program->thisClass.GMTZone.setToDefault(Date());
-    ASSERT_TRUE(commands.OpenFile(path, OpenMode::existing));
-    EXPECT_EQ(program->thisClass.GMTZone.tzTimeZoneID, 20);
+    program->thisClass.gmtZone.setToDefault(Date());
+    ASSERT_TRUE(commands.openFile(path, OpenMode::existing));
+    EXPECT_EQ(program->thisClass.gmtZone.tzTimeZoneID, 20);
     commands.tellOfChangedDefaultQuery();
     EXPECT_TRUE(examiner.heard.empty()) << "the query is as it was first";
 }
 
 TEST_F(ProjectCommandsTest, closingResetsThePardRange) {
-    commands.OpenFile(path, OpenMode::newAtPath);
-    PardChoice &PARD = program->thisClass.PARD;
+    commands.openFile(path, OpenMode::newAtPath);
+    PardChoice &PARD = program->thisClass.pard;
     PARD.fromValue = 1;
     PARD.toValue = 99;
-    commands.CloseFile();
+    commands.closeFile();
     EXPECT_EQ(PARD.fromValue, 15);
     EXPECT_EQ(PARD.toValue, 40);
 }
 
 TEST_F(ProjectCommandsTest, aChangedDefaultQueryIsTold) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     StoredQueries queries(db().connection());
     queries.save({"_DEFAULT", "select * from URLs\r\norder by ActionDateLocal asc"});
     commands.tellOfChangedDefaultQuery();
@@ -92,22 +92,22 @@ TEST_F(ProjectCommandsTest, aChangedDefaultQueryIsTold) {
 }
 
 TEST_F(ProjectCommandsTest, openingAProjectClosesTheOneBefore) {
-    commands.OpenFile(path, OpenMode::newAtPath);
-    commands.OpenFile(folder.path() / "second.nvp", OpenMode::newAtPath);
-    EXPECT_EQ(program->thisClass.ProjectDBPath, folder.path() / "second.nvp");
+    commands.openFile(path, OpenMode::newAtPath);
+    commands.openFile(folder.path() / "second.nvp", OpenMode::newAtPath);
+    EXPECT_EQ(program->thisClass.projectDBPath, folder.path() / "second.nvp");
     EXPECT_EQ(window.saved, 1);
-    const auto recent = ConfigLastFilesOpened(program->settings);
+    const auto recent = configLastFilesOpened(program->settings);
     EXPECT_EQ(recent.at(0).path, folder.path() / "second.nvp");
     EXPECT_EQ(recent.at(1).path, path);
 }
 
 TEST_F(ProjectCommandsTest, aMissingZoneDatabaseIsToldAndTheProjectOpens) {
-    commands.OpenFile(path, OpenMode::newAtPath);
-    commands.CloseFile();
+    commands.openFile(path, OpenMode::newAtPath);
+    commands.closeFile();
     fs::remove(paths.zones());
     writeWhole(paths.home / "error.log", "of before");
     examiner.expect("zone-not-set");
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
     EXPECT_EQ(examiner.heard.at(0).title, "Error Setting Time Zone");
     const Bytes log = readWhole(paths.home / "error.log");
     const std::string_view text = ByteView(log).raw();
@@ -116,9 +116,9 @@ TEST_F(ProjectCommandsTest, aMissingZoneDatabaseIsToldAndTheProjectOpens) {
 }
 
 TEST_F(ProjectCommandsTest, aProjectThatIsOpenedWithoutItsZoneKeepsTheNumber) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     setZone(*program, 66); // not that of this machine
-    commands.CloseFile();
+    commands.closeFile();
     const Bytes zones = readWhole(paths.zones());
     for (const std::string_view damage : {"", "no database", "cut"}) {
         if (damage.empty())
@@ -128,40 +128,40 @@ TEST_F(ProjectCommandsTest, aProjectThatIsOpenedWithoutItsZoneKeepsTheNumber) {
         else
             writeWhole(paths.zones(), damage);
         examiner.expect("zone-not-set");
-        EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing)) << damage;
-        EXPECT_TRUE(program->thisClass.ZoneIsUnread) << damage;
+        EXPECT_TRUE(commands.openFile(path, OpenMode::existing)) << damage;
+        EXPECT_TRUE(program->thisClass.zoneIsUnread) << damage;
         test::MemoryTask task;
         EXPECT_THROW(static_cast<void>(runImportJob(*program, task, folder.path())), StorageFailure)
             << damage;
-        commands.CloseFile();
+        commands.closeFile();
     }
     writeWhole(paths.zones(), ByteView(zones).raw());
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
     EXPECT_EQ(setting("LastTimeZoneID"), "66");
-    EXPECT_EQ(program->thisClass.GMTZone.tzTimeZoneID, 66);
+    EXPECT_EQ(program->thisClass.gmtZone.tzTimeZoneID, 66);
 }
 
 TEST_F(ProjectCommandsTest, aZoneThatTheTableDoesntHoldIsToldAndKept) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     set("LastTimeZoneID", "9999");
-    program->thisClass.ZoneIsUnread = true; // or closing would write the one in force
-    commands.CloseFile();
+    program->thisClass.zoneIsUnread = true; // or closing would write the one in force
+    commands.closeFile();
     examiner.expect("zone-not-there");
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
     EXPECT_THROW(requireZones(*program), StorageFailure);
-    commands.CloseFile();
+    commands.closeFile();
     examiner.expect("zone-not-there");
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
     EXPECT_EQ(setting("LastTimeZoneID"), "9999");
     EXPECT_TRUE(setZone(*program, 15)) << "the examiner chooses another";
     EXPECT_NO_THROW(requireZones(*program));
-    commands.CloseFile();
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    commands.closeFile();
+    EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
     EXPECT_EQ(setting("LastTimeZoneID"), "15");
 }
 
 TEST_F(ProjectCommandsTest, aTrailThatCantBeWrittenIsTold) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     noteInTrail(*program, TrailEntry());
     db().connection().exec("DROP TABLE AuditTrail; CREATE TABLE AuditTrail (x)");
     examiner.expect("trail-not-written");
@@ -174,81 +174,81 @@ TEST_F(ProjectCommandsTest, aTrailThatCantBeWrittenIsTold) {
 }
 
 TEST_F(ProjectCommandsTest, aNewProjectOverAnOldOneIsEmpty) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
-    commands.CloseFile();
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.closeFile();
+    commands.openFile(path, OpenMode::newAtPath);
     EXPECT_EQ(rows(), 0);
 }
 
 TEST_F(ProjectCommandsTest, saveAsGoesOnInTheCopy) {
-    EXPECT_FALSE(commands.SaveAs()) << "nothing is open";
-    commands.OpenFile(path, OpenMode::newAtPath);
+    EXPECT_FALSE(commands.saveAs()) << "nothing is open";
+    commands.openFile(path, OpenMode::newAtPath);
     db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
     dialogs.answer = folder.path() / "copy.nvp";
-    EXPECT_TRUE(commands.SaveAs());
-    EXPECT_EQ(program->thisClass.ProjectDBPath, folder.path() / "copy.nvp");
+    EXPECT_TRUE(commands.saveAs());
+    EXPECT_EQ(program->thisClass.projectDBPath, folder.path() / "copy.nvp");
     EXPECT_EQ(rows(), 1);
     db().connection().exec("INSERT INTO URLs(URL) VALUES ('y')");
-    commands.OpenFile(path, OpenMode::existing);
+    commands.openFile(path, OpenMode::existing);
     EXPECT_EQ(rows(), 1);
 }
 
 TEST_F(ProjectCommandsTest, saveAsOntoItselfByAnotherPathLosesNothing) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
     dialogs.answer = folder.path() / "home" / ".." / "case.nvp";
-    EXPECT_FALSE(commands.SaveAs());
+    EXPECT_FALSE(commands.saveAs());
     EXPECT_EQ(rows(), 1);
 }
 
 TEST_F(ProjectCommandsTest, saveAsTakesNothingFromTheLogOfWhatWasThere) {
     const fs::path other = folder.path() / "other.nvp";
     const fs::path log = other.native() + "-wal";
-    commands.OpenFile(other, OpenMode::newAtPath);
+    commands.openFile(other, OpenMode::newAtPath);
     db().connection().exec("INSERT INTO URLs(URL) VALUES ('theirs')");
     const Bytes crashed = readWhole(log);
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     writeWhole(log, ByteView(crashed).raw());
     dialogs.answer = other;
-    EXPECT_TRUE(commands.SaveAs());
+    EXPECT_TRUE(commands.saveAs());
     EXPECT_EQ(rows(), 0);
     EXPECT_FALSE(fs::exists(other.native() + ".~export"));
 }
 
 TEST_F(ProjectCommandsTest, aFailedSaveAsStaysWithTheProject) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     dialogs.answer = folder.path() / "none" / "copy.nvp";
     examiner.expect("save-as-failed");
-    EXPECT_FALSE(commands.SaveAs());
-    EXPECT_EQ(program->thisClass.ProjectDBPath, path);
+    EXPECT_FALSE(commands.saveAs());
+    EXPECT_EQ(program->thisClass.projectDBPath, path);
     EXPECT_EQ(rows(), 0);
 }
 
 TEST_F(ProjectCommandsTest, anOlderProjectIsToldUnlessTheCheckIsOff) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     set("AppMajor", "0");
     set("AppMinor", "0");
-    commands.CloseFile();
+    commands.closeFile();
     examiner.expect("older-project");
     examiner.expect("run-upgrade-wizard", Answer::No);
     examiner.expect("version-check-can-be-turned-off");
-    commands.OpenFile(path, OpenMode::existing);
+    commands.openFile(path, OpenMode::existing);
     EXPECT_TRUE(examiner.heard.at(0).text.starts_with("This project file was creatd with"));
-    program->thisClass.DisableFileVersionCheck = true;
-    commands.OpenFile(path, OpenMode::existing);
+    program->thisClass.disableFileVersionCheck = true;
+    commands.openFile(path, OpenMode::existing);
     EXPECT_EQ(examiner.heard.size(), 3u);
     EXPECT_TRUE(window.upgraded.empty());
 }
 
 TEST_F(ProjectCommandsTest, yesToTheVersionQuestionRunsTheWizardOnTheClosedProject) {
     window.isOpen = [this] { return db().isOpen(); };
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     set("AppMinor", "0");
-    commands.CloseFile();
+    commands.closeFile();
     examiner.expect("older-project");
     examiner.expect("run-upgrade-wizard", Answer::Yes);
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
     EXPECT_EQ(examiner.heard.at(1).title, "File Version Conflict");
     EXPECT_EQ(window.upgraded, std::vector<fs::path>{path});
     EXPECT_TRUE(db().isOpen()) << "and it isn't asked again";
@@ -258,7 +258,7 @@ TEST_F(ProjectCommandsTest, theWizardAsksBeforeItClosesTheProject) {
     window.isOpen = [this] { return db().isOpen(); };
     commands.upgradeWizard();
     EXPECT_EQ(window.upgraded, std::vector<fs::path>{fs::path()}) << "it asks for a project";
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     examiner.expect("upgrade-closes-project", Answer::No);
     commands.upgradeWizard();
     EXPECT_EQ(window.upgraded.size(), 1u);
@@ -271,18 +271,18 @@ TEST_F(ProjectCommandsTest, theWizardAsksBeforeItClosesTheProject) {
 
 TEST_F(ProjectCommandsTest, theCommandLineTakesOneProjectOrArtefact) {
     examiner.expect("command-line-file-missing");
-    EXPECT_FALSE(commands.LoadCommandLineFile(folder.path() / "none.nvp"));
+    EXPECT_FALSE(commands.loadCommandLineFile(folder.path() / "none.nvp"));
     examiner.expect("command-line-file-unknown");
-    EXPECT_FALSE(commands.LoadCommandLineFile(folder.write("x.dat", "neither of the two")));
+    EXPECT_FALSE(commands.loadCommandLineFile(folder.write("x.dat", "neither of the two")));
     EXPECT_EQ(examiner.heard.at(1).text, "The file specified is not a recognized history file.");
-    commands.OpenFile(path, OpenMode::newAtPath);
-    commands.CloseFile();
-    EXPECT_TRUE(commands.LoadCommandLineFile(path));
+    commands.openFile(path, OpenMode::newAtPath);
+    commands.closeFile();
+    EXPECT_TRUE(commands.loadCommandLineFile(path));
     EXPECT_EQ(window.loaded, 1);
 }
 
 TEST_F(ProjectCommandsTest, anArtefactThatCantBeRegisteredIsTold) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     db().connection().exec("ALTER TABLE SourceFiles RENAME TO Elsewhere");
     test::IndexDat index;
     index.add({.url = "Visited: mara@http://host.example/"});
@@ -290,7 +290,7 @@ TEST_F(ProjectCommandsTest, anArtefactThatCantBeRegisteredIsTold) {
         artefactOfCommandLine(folder.write("index.dat", index.bytes())).value());
     examiner.expect("logging-file-failed");
     Unwatched nobody;
-    const ImportSummary summary = runImportJob(*program, nobody, program->thisClass.TempFolderPath);
+    const ImportSummary summary = runImportJob(*program, nobody, program->thisClass.tempFolderPath);
     EXPECT_EQ(summary.failure, "");
     ASSERT_EQ(summary.artefacts.size(), 1u);
     EXPECT_EQ(summary.artefacts[0].state, ArtefactState::failed) << summary.artefacts[0].reason;
@@ -307,19 +307,19 @@ TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineGoesIntoTheScratchProject)
     record.secondDate = test::fileTime(2011, 3, 1);
     index.add(record);
     examiner.expect("command-line-file-imported");
-    EXPECT_TRUE(commands.LoadCommandLineFile(folder.write("any name.dat", index.bytes())));
+    EXPECT_TRUE(commands.loadCommandLineFile(folder.write("any name.dat", index.bytes())));
     const std::string &outcome = examiner.heard.at(0).text;
     EXPECT_EQ(outcome,
               (folder.path() / "any name.dat").string() + "\n\nie-history: complete, 1 row\n");
-    EXPECT_EQ(program->thisClass.ProjectDBPath,
-              tempFileNames(program->thisClass.TempFolderPath).project);
+    EXPECT_EQ(program->thisClass.projectDBPath,
+              tempFileNames(program->thisClass.tempFolderPath).project);
     EXPECT_EQ(rows(), 1);
     EXPECT_EQ(window.loaded, 1);
 }
 
 TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineThatCantBeReadIsTold) {
     examiner.expect("command-line-file-imported");
-    EXPECT_TRUE(commands.LoadCommandLineFile(folder.write("x.dat", "Client UrlCache, no more")));
+    EXPECT_TRUE(commands.loadCommandLineFile(folder.write("x.dat", "Client UrlCache, no more")));
     EXPECT_NE(examiner.heard.at(0).text.find(", 0 rows\n"), std::string::npos)
         << examiner.heard.at(0).text;
     EXPECT_EQ(rows(), 0);
@@ -328,24 +328,24 @@ TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineThatCantBeReadIsTold) {
 TEST_F(ProjectCommandsTest, aProjectStandsAtItsPlaceOnlyWhenItIsWhole) {
     folder.write("case.nvp.~new", "");
     folder.write("case.nvp-wal", "");
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
+    EXPECT_TRUE(commands.openFile(path, OpenMode::newAtPath));
     EXPECT_FALSE(fs::exists(path.native() + ".~new"));
     EXPECT_EQ(db().filePath, path);
     set("Kept", "here");
     EXPECT_EQ(setting("Kept"), "here");
-    commands.CloseFile();
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::existing));
+    commands.closeFile();
+    EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
     EXPECT_EQ(setting("Kept"), "here");
 }
 
 TEST_F(ProjectCommandsTest, onlyAProjectOfAKilledStartIsRemovedAside) {
     const fs::path aside = path.native() + ".~new";
     const fs::path second = aside.native() + "2";
-    EXPECT_TRUE(commands.OpenFile(second.native() + ".nvp", OpenMode::newAtPath));
-    commands.CloseFile();
+    EXPECT_TRUE(commands.openFile(second.native() + ".nvp", OpenMode::newAtPath));
+    commands.closeFile();
     fs::rename(second.native() + ".nvp", second);
     folder.write("case.nvp.~new", "precious");
-    EXPECT_TRUE(commands.OpenFile(path, OpenMode::newAtPath));
+    EXPECT_TRUE(commands.openFile(path, OpenMode::newAtPath));
     EXPECT_EQ(ByteView(readWhole(aside)).raw(), "precious");
     EXPECT_FALSE(fs::exists(second));
     EXPECT_EQ(db().filePath, path);
@@ -367,29 +367,29 @@ TEST_F(ProjectCommandsTest, theLogOfAProjectThatWasMovedAwayIsKept) {
 TEST_F(ProjectCommandsTest, whatCantBecomeAProjectStays) {
     folder.write("case.nvp/inner", "a folder of that name");
     examiner.expect("database-not-created");
-    EXPECT_FALSE(commands.OpenFile(path, OpenMode::newAtPath));
+    EXPECT_FALSE(commands.openFile(path, OpenMode::newAtPath));
     EXPECT_TRUE(fs::exists(path / "inner"));
     EXPECT_FALSE(fs::exists(path.native() + ".~new"));
 }
 
 TEST_F(ProjectCommandsTest, aBaseFolderWhoseNameIsNoUtf8IsFoundAgain) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     const fs::path base = folder.write("caf\xE9/a", "").parent_path();
     setRootPath(*program, base);
-    commands.CloseFile();
-    commands.OpenFile(path, OpenMode::existing);
-    EXPECT_EQ(program->thisClass.RootPath, base);
+    commands.closeFile();
+    commands.openFile(path, OpenMode::existing);
+    EXPECT_EQ(program->thisClass.rootPath, base);
 }
 
 TEST_F(ProjectCommandsTest, saveAsWritesNothingAmongTheEvidence) {
-    commands.OpenFile(path, OpenMode::newAtPath);
+    commands.openFile(path, OpenMode::newAtPath);
     fs::create_directories(folder.path() / "evidence");
     setRootPath(*program, folder.path() / "evidence");
     dialogs.answer = folder.path() / "evidence" / "copy.nvp";
     examiner.expect("lies-in-evidence");
-    EXPECT_FALSE(commands.SaveAs());
+    EXPECT_FALSE(commands.saveAs());
     EXPECT_TRUE(fs::is_empty(folder.path() / "evidence"));
-    EXPECT_EQ(program->thisClass.ProjectDBPath, path) << "the open project stays open";
+    EXPECT_EQ(program->thisClass.projectDBPath, path) << "the open project stays open";
     EXPECT_EQ(rows(), 0);
 }
 

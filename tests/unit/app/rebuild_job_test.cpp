@@ -46,7 +46,7 @@ struct RebuildJobTest : test::ProgramFixture {
         const fs::path file = evidence / name;
         writeWhole(file, "<html>" + word + "<img src=\"gone.gif\" ></html> ");
         const Evidence found(evidence);
-        RecordStore store(project(), {program->thisClass.GMTZone, false}, clock, program->log);
+        RecordStore store(project(), {program->thisClass.gmtZone, false}, clock, program->log);
         UrlRecord record;
         record.cacheType = "IE Cache";
         record.URL = record.URLRawValue = "http://host/" + name;
@@ -59,7 +59,7 @@ struct RebuildJobTest : test::ProgramFixture {
         store.saveRecord(record, artefact);
         return number(record.URLID);
     }
-    SQLite::Database &project() { return program->thisClass.ProjectDB.connection(); }
+    SQLite::Database &project() { return program->thisClass.projectDB.connection(); }
     std::string thumbnail(std::int64_t id) {
         return project()
             .execAndGet("SELECT ifnull(CAST(ThumbnailBLOB AS TEXT), '') FROM URLs WHERE URL_ID = " +
@@ -99,7 +99,7 @@ struct RebuildJobTest : test::ProgramFixture {
 
 TEST_F(RebuildJobTest, aFullDiskEndsTheBatchAndSaysWhatIsKept) {
     const std::vector ids = {addPage("one"), addPage("two"), addPage("three")};
-    program->thisClass.RedrawThumbIfPageRebuilt = false;
+    program->thisClass.redrawThumbIfPageRebuilt = false;
     int handedOn = 0;
     const auto run = [&] {
         rebuildPages(*program, tools(nobody), ids, [&](const RebuiltPage &) {
@@ -158,7 +158,7 @@ TEST_F(RebuildJobTest, manyPagesAreDrawnByTheHundred) {
     test::MemoryTask task;
     std::size_t handedOn = 0;
     EXPECT_TRUE(rebuildPages(*program, tools(task), ids, [&](const RebuiltPage &page) {
-        EXPECT_EQ(page.URL_ID, ids[handedOn++]);
+        EXPECT_EQ(page.urlID, ids[handedOn++]);
         EXPECT_EQ(page.thumbnail, Redrawn::yes);
     }));
     EXPECT_EQ(handedOn, 120u);
@@ -168,7 +168,7 @@ TEST_F(RebuildJobTest, manyPagesAreDrawnByTheHundred) {
 }
 
 TEST_F(RebuildJobTest, withTheSettingOffNothingIsDrawn) {
-    program->thisClass.RedrawThumbIfPageRebuilt = false;
+    program->thisClass.redrawThumbIfPageRebuilt = false;
     const auto id = addPage("x");
     EXPECT_TRUE(rebuild({id}));
     EXPECT_THAT(thumbnails(), ElementsAre(Redrawn::notWanted));

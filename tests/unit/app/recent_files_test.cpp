@@ -10,7 +10,7 @@ namespace {
 struct RecentFilesTest : testing::Test {
     std::vector<std::string> shown() const {
         std::vector<std::string> texts;
-        for (const RecentFile &file : ConfigLastFilesOpened(settings))
+        for (const RecentFile &file : configLastFilesOpened(settings))
             texts.push_back(file.shownText);
         return texts;
     }
@@ -21,30 +21,30 @@ struct RecentFilesTest : testing::Test {
 
 TEST_F(RecentFilesTest, aFifthProjectPushesTheOldestOut) {
     for (const char *name : {"/1.nvp", "/2.nvp", "/3.nvp", "/4.nvp", "/5.nvp"})
-        StoreFilenameINI(settings, name);
+        storeFilenameINI(settings, name);
     EXPECT_EQ(shown(), (std::vector<std::string>{"/5.nvp", "/4.nvp", "/3.nvp", "/2.nvp"}));
 }
 
 TEST_F(RecentFilesTest, aKnownProjectMovesToTheFront) {
     for (const char *name : {"/1.nvp", "/2.nvp", "/3.nvp", "/1.nvp"})
-        StoreFilenameINI(settings, name);
+        storeFilenameINI(settings, name);
     EXPECT_EQ(shown(), (std::vector<std::string>{"/1.nvp", "/3.nvp", "/2.nvp"}));
 }
 
 TEST_F(RecentFilesTest, keysFiveAndSixAreOnlyRead) {
-    settings.WriteIniValue("FILES", "File6", "/6.nvp");
-    StoreFilenameINI(settings, "/1.nvp");
+    settings.writeIniValue("FILES", "File6", "/6.nvp");
+    storeFilenameINI(settings, "/1.nvp");
     EXPECT_EQ(shown(), (std::vector<std::string>{"/1.nvp", "/6.nvp"}));
 }
 
 TEST_F(RecentFilesTest, aLongPathIsShortenedInItsMiddle) {
     const std::string path = "/cases/" + std::string(80, 'x') + "/case.nvp";
-    StoreFilenameINI(settings, path);
+    storeFilenameINI(settings, path);
     const std::string text = shown().front();
     EXPECT_EQ(text.size(), 60u);
     EXPECT_TRUE(text.starts_with("/cases/xxx"));
     EXPECT_TRUE(text.ends_with(".../case.nvp"));
-    EXPECT_EQ(ConfigLastFilesOpened(settings).front().path, path);
+    EXPECT_EQ(configLastFilesOpened(settings).front().path, path);
 }
 
 } // namespace

@@ -58,23 +58,23 @@ TEST_F(SettingsTest, aChoiceOutsideOfOptionsIsInForceAndKept) {
     keepFlag(*program, "WideRecordIds", false);
     keepFlag(*program, "ShowHosts", true); // no member holds it
     EXPECT_TRUE(program->import.makeThumbnails);
-    EXPECT_FALSE(state().WideRecordIds);
+    EXPECT_FALSE(state().wideRecordIds);
     EXPECT_EQ(ini("BEYOND", "ThumbnailsWhileImporting"), "True");
     EXPECT_EQ(ini("BEYOND", "WideRecordIds"), "False");
     EXPECT_EQ(ini("BEYOND", "ShowHosts"), "True");
-    EXPECT_TRUE(shown().ThumbnailsWhileImporting);
+    EXPECT_TRUE(shown().thumbnailsWhileImporting);
 }
 
 /// Lower folders know no settings file; what they begin with, as tests and tools use them, is what
 /// a program without one begins with.
 TEST_F(SettingsTest, lowerFoldersBeginWithTheDefaultsOfTheRows) {
-    EXPECT_EQ(ReportSettings().ReportThumbnailWidth, defaultNumber("ReportThumbnailWidth"));
-    EXPECT_EQ(ThumbnailSettings().ViewerThumbnailWidth, defaultNumber("ViewerThumbnailWidth"));
-    EXPECT_EQ(ThumbnailSettings().ThumbnailRedrawTimeout.count(),
+    EXPECT_EQ(ReportSettings().reportThumbnailWidth, defaultNumber("ReportThumbnailWidth"));
+    EXPECT_EQ(ThumbnailSettings().viewerThumbnailWidth, defaultNumber("ViewerThumbnailWidth"));
+    EXPECT_EQ(ThumbnailSettings().thumbnailRedrawTimeout.count(),
               defaultNumber("THUMBNAILS/ThumbnailRedrawTimeout"));
-    EXPECT_EQ(GallerySettings().GalleryRecordsPerPage, defaultNumber("GalleryRecordsPerPage"));
+    EXPECT_EQ(GallerySettings().galleryRecordsPerPage, defaultNumber("GalleryRecordsPerPage"));
     const ImportSettings job;
-    EXPECT_EQ(job.VerifyFileSignatures, program->import.VerifyFileSignatures);
+    EXPECT_EQ(job.verifyFileSignatures, program->import.verifyFileSignatures);
     EXPECT_EQ(job.parseAdvancedMetadata, program->import.parseAdvancedMetadata);
 }
 
@@ -101,7 +101,7 @@ TEST_F(SettingsTest, theRowOfTheGuideIsASetting) {
     EXPECT_EQ(valueOf(*program, row), row.byDefault);
     EXPECT_EQ(checkValue(*program, row, "above").value, "Above");
     EXPECT_EQ(checkValue(*program, row, "Beside").refusal, "Above or Below is expected");
-    program->settings.WriteIniValue(row.section, row.key, "Above");
+    program->settings.writeIniValue(row.section, row.key, "Above");
     EXPECT_EQ(valueOf(*program, row), "Above");
     EXPECT_EQ(row.okay, SettingOkay::writes);
     Options options;

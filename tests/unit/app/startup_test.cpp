@@ -12,38 +12,38 @@ namespace fs = std::filesystem;
 struct StartupTest : test::ProgramFixture {};
 
 TEST_F(StartupTest, aMissingSettingsFileGivesTheDefaults) {
-    const ThisClass &state = start().thisClass;
-    EXPECT_EQ(state.DateTimeFormat, "yyyy-mm-dd Hh:Nn:Ss");
-    EXPECT_EQ(state.ViewerThumbnailWidth, 120);
-    EXPECT_EQ(state.ThumbnailRedrawTimeout, 5);
-    EXPECT_EQ(state.GalleryRecordsPerPage, 300);
-    EXPECT_EQ(state.ProgressBarRefreshRate, 5);
-    EXPECT_EQ(state.NetworkConnectionName, "Local Area Connection");
-    EXPECT_EQ(state.HTMLReplaceableHREFTags, "js;css;php;txt;asp;aspx;htm;html;");
-    EXPECT_EQ(state.HTMLReplaceablePictureTags, "jpe;jpeg;jpg;gif;bmp;png;tif;");
-    EXPECT_TRUE(state.VerifyFileSignatures && state.ConnectionOffline && state.GalleryIncludeHTML &&
-                state.GalleryIncludePictures && state.RedrawThumbIfPageRebuilt);
-    EXPECT_FALSE(state.DisableFileVersionCheck || state.DisableAutoRebuildInHTMLGallery ||
-                 state.DebugMain);
+    const ProgramState &state = start().thisClass;
+    EXPECT_EQ(state.dateTimeFormat, "yyyy-mm-dd Hh:Nn:Ss");
+    EXPECT_EQ(state.viewerThumbnailWidth, 120);
+    EXPECT_EQ(state.thumbnailRedrawTimeout, 5);
+    EXPECT_EQ(state.galleryRecordsPerPage, 300);
+    EXPECT_EQ(state.progressBarRefreshRate, 5);
+    EXPECT_EQ(state.networkConnectionName, "Local Area Connection");
+    EXPECT_EQ(state.htmlReplaceableHREFTags, "js;css;php;txt;asp;aspx;htm;html;");
+    EXPECT_EQ(state.htmlReplaceablePictureTags, "jpe;jpeg;jpg;gif;bmp;png;tif;");
+    EXPECT_TRUE(state.verifyFileSignatures && state.connectionOffline && state.galleryIncludeHTML &&
+                state.galleryIncludePictures && state.redrawThumbIfPageRebuilt);
+    EXPECT_FALSE(state.disableFileVersionCheck || state.disableAutoRebuildInHTMLGallery ||
+                 state.debugMain);
     EXPECT_TRUE(program->import.parseAdvancedMetadata);
-    EXPECT_TRUE(state.WideRecordIds);
-    EXPECT_EQ(state.LocalFavoritesPath, paths.home / "favorites.ini");
+    EXPECT_TRUE(state.wideRecordIds);
+    EXPECT_EQ(state.localFavoritesPath, paths.home / "favorites.ini");
     EXPECT_EQ(state.currentSQLDef, "SELECT * FROM URLs ORDER BY ActionDateLocal ASC");
     EXPECT_FALSE(fs::exists(paths.settings())) << "a start writes no settings";
 }
 
 TEST_F(StartupTest, twoValuesAreMended) {
     settings("[THUMBNAILS]\nThumbnailRedrawTimeout=0\nViewerThumbnailWidth=99\n");
-    EXPECT_EQ(start().thisClass.ThumbnailRedrawTimeout, 15);
-    EXPECT_EQ(program->thisClass.ViewerThumbnailWidth, 160);
+    EXPECT_EQ(start().thisClass.thumbnailRedrawTimeout, 15);
+    EXPECT_EQ(program->thisClass.viewerThumbnailWidth, 160);
     settings("[THUMBNAILS]\nThumbnailRedrawTimeout=1\nViewerThumbnailWidth=100\n");
-    EXPECT_EQ(start().thisClass.ThumbnailRedrawTimeout, 1);
-    EXPECT_EQ(program->thisClass.ViewerThumbnailWidth, 100);
+    EXPECT_EQ(start().thisClass.thumbnailRedrawTimeout, 1);
+    EXPECT_EQ(program->thisClass.viewerThumbnailWidth, 100);
 }
 
 TEST_F(StartupTest, theLimitOfEarlierBuildsIsASettingAway) {
     settings("[BEYOND]\nWideRecordIds=False\n");
-    EXPECT_FALSE(start().thisClass.WideRecordIds);
+    EXPECT_FALSE(start().thisClass.wideRecordIds);
 }
 
 TEST_F(StartupTest, theLogHoldsOnlyTheCurrentRun) {
@@ -57,12 +57,12 @@ TEST_F(StartupTest, theLogHoldsOnlyTheCurrentRun) {
 TEST_F(StartupTest, theTempFolderIsTheNamedOneWhenItExists) {
     const fs::path named = folder.path() / "scratch";
     settings("[DEFAULT]\nTempFolderPath=" + named.string() + "\n");
-    EXPECT_EQ(start().thisClass.TempFolderRoot, paths.home / "Temp");
+    EXPECT_EQ(start().thisClass.tempFolderRoot, paths.home / "Temp");
     fs::create_directories(named);
-    const ThisClass &state = start().thisClass;
-    EXPECT_EQ(state.TempFolderRoot, named);
-    EXPECT_EQ(state.TempFolderPath.parent_path(), named);
-    EXPECT_TRUE(fs::exists(tempFileNames(state.TempFolderPath).badUrl));
+    const ProgramState &state = start().thisClass;
+    EXPECT_EQ(state.tempFolderRoot, named);
+    EXPECT_EQ(state.tempFolderPath.parent_path(), named);
+    EXPECT_TRUE(fs::exists(tempFileNames(state.tempFolderPath).badUrl));
 }
 
 TEST_F(StartupTest, whatTheProgramDidNotMakeInTheTempFolderStays) {
@@ -79,23 +79,23 @@ TEST_F(StartupTest, whatTheProgramDidNotMakeInTheTempFolderStays) {
 }
 
 TEST_F(StartupTest, twoWindowsKeepOutOfEachOthersScratch) {
-    const fs::path first = start().thisClass.TempFolderPath;
+    const fs::path first = start().thisClass.tempFolderPath;
     const fs::path report = first / "Report" / "~report.htm";
     fs::create_directories(report.parent_path());
     writeWhole(report, "not published yet");
     const std::unique_ptr<Program> running = std::move(program);
-    const fs::path second = start().thisClass.TempFolderPath;
+    const fs::path second = start().thisClass.tempFolderPath;
     EXPECT_NE(first, second);
     EXPECT_TRUE(fs::exists(report));
     EXPECT_NE(tempFileNames(first).project, tempFileNames(second).project);
 }
 
 TEST_F(StartupTest, theScratchOfAWindowThatHasEndedGoesAtTheNextStart) {
-    const fs::path first = start().thisClass.TempFolderPath;
+    const fs::path first = start().thisClass.tempFolderPath;
     program.reset();
     EXPECT_TRUE(fs::exists(first)) << "a report that isn't published outlives its window";
     start(Front::headless);
-    takeTempFolder(*program, program->thisClass.TempFolderRoot);
+    takeTempFolder(*program, program->thisClass.tempFolderRoot);
     EXPECT_TRUE(fs::exists(first)) << "and the command lines behind it";
     start();
     EXPECT_FALSE(fs::exists(first));
@@ -108,12 +108,12 @@ TEST_F(StartupTest, aTempFolderThatCantBeWrittenToIsNotTaken) {
     fs::create_directories(named);
     fs::permissions(named, fs::perms::owner_read | fs::perms::owner_exec);
     settings("[DEFAULT]\nTempFolderPath=" + named.string() + "\n");
-    EXPECT_EQ(start().thisClass.TempFolderRoot, paths.home / "Temp");
+    EXPECT_EQ(start().thisClass.tempFolderRoot, paths.home / "Temp");
 }
 
 TEST_F(StartupTest, aFolderThatHoldsTheProgramIsNoTempFolder) {
     settings("[DEFAULT]\nTempFolderPath=" + folder.path().string() + "\n");
-    EXPECT_EQ(start().thisClass.TempFolderRoot, paths.home / "Temp");
+    EXPECT_EQ(start().thisClass.tempFolderRoot, paths.home / "Temp");
     EXPECT_TRUE(fs::exists(paths.zones()));
 }
 
@@ -125,7 +125,7 @@ TEST_F(StartupTest, aFolderThatHoldsTheSettingsOrTheLogsIsNoTempFolder) {
         const fs::path kept = folder.write(fs::path(named) / "kept.txt", "x");
         folder.write("user/config/Norvelane.ini",
                      "[DEFAULT]\nTempFolderPath=" + (folder.path() / named).string() + "\n");
-        EXPECT_EQ(start().thisClass.TempFolderRoot, paths.state / "Temp");
+        EXPECT_EQ(start().thisClass.tempFolderRoot, paths.state / "Temp");
         EXPECT_TRUE(fs::exists(kept));
     }
 }
@@ -141,18 +141,18 @@ TEST_F(StartupTest, theHeadlessProgramLeavesTheTempFolderOfTheWindowAlone) {
 }
 
 TEST_F(StartupTest, theZoneIsTheMachinesOrTheDefault) {
-    EXPECT_EQ(start().thisClass.GMTZone.tzStandardName, "Eastern Standard Time");
-    EXPECT_EQ(program->thisClass.GMTZone.tzBias, 300);
+    EXPECT_EQ(start().thisClass.gmtZone.tzStandardName, "Eastern Standard Time");
+    EXPECT_EQ(program->thisClass.gmtZone.tzBias, 300);
     systemTime.machine = {7, "Zone of Nowhere"};
-    EXPECT_EQ(start().thisClass.GMTZone.tzTimeZoneID, 15);
-    EXPECT_EQ(program->thisClass.GMTZone.tzBias, -300);
+    EXPECT_EQ(start().thisClass.gmtZone.tzTimeZoneID, 15);
+    EXPECT_EQ(program->thisClass.gmtZone.tzBias, -300);
 }
 
 TEST_F(StartupTest, theCompanionToolIsTakenOnlyWhenItExists) {
-    EXPECT_EQ(start().thisClass.OstermoorEXEPath, "");
+    EXPECT_EQ(start().thisClass.ostermoorEXEPath, "");
     folder.write("program/Ostermoor.exe", "x");
     settings("[OPTIONS]\nOstermoorEXEPath=/nowhere/Ostermoor.exe\n");
-    EXPECT_EQ(start().thisClass.OstermoorEXEPath, paths.program / "Ostermoor.exe");
+    EXPECT_EQ(start().thisClass.ostermoorEXEPath, paths.program / "Ostermoor.exe");
 }
 
 } // namespace

@@ -38,7 +38,7 @@ TEST(EmptyTempFolder, removesWhatEndedProcessesLeftAndNothingElse) {
     fs::create_directory_symlink(outside.path(), window / "link");
     const ScratchFolder living(temp.path(), kWindow);
     test::MemoryTask task;
-    EmptyTempFolder(temp.path(), kWindow, task);
+    emptyTempFolder(temp.path(), kWindow, task);
     EXPECT_FALSE(fs::exists(window));
     EXPECT_FALSE(fs::exists(commandLine));
     EXPECT_TRUE(fs::exists(living.path()));
@@ -53,7 +53,7 @@ TEST(EmptyTempFolder, aCommandLineLeavesWhatWindowsLeft) {
     const fs::path window = givenUp(temp.path(), kWindow);
     const fs::path commandLine = givenUp(temp.path(), kCommandLine);
     test::MemoryTask task;
-    EmptyTempFolder(temp.path(), kCommandLine, task);
+    emptyTempFolder(temp.path(), kCommandLine, task);
     EXPECT_TRUE(fs::exists(window));
     EXPECT_FALSE(fs::exists(commandLine));
 }
@@ -65,7 +65,7 @@ TEST(EmptyTempFolder, aFolderWithoutTheMarkIsNobodysToRemove) {
     const fs::path otherMark = givenUp(temp.path(), kWindow);
     writeWhole(otherMark / ".norvelane-scratch", "mine");
     test::MemoryTask task;
-    EmptyTempFolder(temp.path(), kWindow, task);
+    emptyTempFolder(temp.path(), kWindow, task);
     EXPECT_TRUE(fs::exists(unmarked));
     EXPECT_TRUE(fs::exists(otherMark));
 }
@@ -86,7 +86,7 @@ TEST(EmptyTempFolder, aStartThatWasKilledBeforeItsLockIsGivenUpAfterAMinute) {
     const FileHold lock(living / ".norvelane-scratch-new", FileHold::Kind::alone,
                         FileHold::Make::no);
     test::MemoryTask task;
-    EmptyTempFolder(temp.path(), kCommandLine, task);
+    emptyTempFolder(temp.path(), kCommandLine, task);
     EXPECT_FALSE(fs::exists(killed));
     EXPECT_TRUE(fs::exists(starting));
     EXPECT_TRUE(fs::exists(living));
@@ -97,9 +97,9 @@ TEST(EmptyTempFolder, stopsWhenCancelledAndSaysWhatItCouldNotRead) {
     givenUp(temp.path(), kWindow);
     givenUp(temp.path(), kWindow);
     test::CancelAfter task(1);
-    EmptyTempFolder(temp.path(), kWindow, task);
+    emptyTempFolder(temp.path(), kWindow, task);
     EXPECT_EQ(std::distance(fs::directory_iterator(temp.path()), fs::directory_iterator()), 1);
-    EXPECT_THROW(EmptyTempFolder(temp.path() / "none", kWindow, task), fs::filesystem_error);
+    EXPECT_THROW(emptyTempFolder(temp.path() / "none", kWindow, task), fs::filesystem_error);
 }
 
 /// Real processes: one that lives and one that was killed.
@@ -118,11 +118,11 @@ TEST(ScratchFolder, isKeptWhileItsProcessLivesAndGivenUpWhenThatIsKilled) {
     char byte = 0;
     ASSERT_EQ(::read(ready[0], &byte, 1), 1);
     test::MemoryTask task;
-    EmptyTempFolder(temp.path(), kWindow, task);
+    emptyTempFolder(temp.path(), kWindow, task);
     EXPECT_FALSE(fs::is_empty(temp.path())) << "its process lives";
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
-    EmptyTempFolder(temp.path(), kWindow, task);
+    emptyTempFolder(temp.path(), kWindow, task);
     EXPECT_TRUE(fs::is_empty(temp.path()));
     ::close(ready[0]);
     ::close(ready[1]);
@@ -141,8 +141,8 @@ TEST(ScratchFolder, aTempFolderThatIsNotThereIsNamed) {
 TEST(WriteScratchPages, writesThreePagesThatFetchNothing) {
     const test::TempFolder temp;
     const TempFileNames names = tempFileNames(temp.path());
-    WriteScratchPages(names);
-    WriteScratchPages(names);
+    writeScratchPages(names);
+    writeScratchPages(names);
     for (const fs::path &page : {names.badUrl, names.badReport, names.pleaseWait}) {
         const Bytes bytes = readWhole(page);
         const std::string_view text = ByteView(bytes).raw();

@@ -33,10 +33,10 @@ struct TemplateJobTest : test::ProgramFixture {
         static_cast<void>(runImportJob(*program, task, scratch));
         setTitle(1, "Harbour News");
         setTitle(2, "Tides");
-        program->thisClass.TemplatesPath = templates;
+        program->thisClass.templatesPath = templates;
     }
     void setTitle(int id, const std::string &title) {
-        SQLite::Statement row(program->thisClass.ProjectDB.connection(),
+        SQLite::Statement row(program->thisClass.projectDB.connection(),
                               "UPDATE URLs SET WebPageTitle = ? WHERE URL_ID = ?");
         row.bind(1, title);
         row.bind(2, id);
@@ -52,7 +52,7 @@ struct TemplateJobTest : test::ProgramFixture {
     }
     LaidTemplates lay(std::vector<std::int64_t> ids, std::vector<fs::path> files) {
         RecordTools tools(*program, task, scratch);
-        return RebuildFromTemplates(*program, tools, ids, files);
+        return rebuildFromTemplates(*program, tools, ids, files);
     }
     bool isRebuilt(std::int64_t id) {
         RecordTools tools(*program, task, scratch);
@@ -70,9 +70,9 @@ struct TemplateJobTest : test::ProgramFixture {
 };
 
 TEST_F(TemplateJobTest, matchesTitlesUnlessTurnedOff) {
-    EXPECT_TRUE(program->thisClass.TemplateMatchByTitle);
+    EXPECT_TRUE(program->thisClass.templateMatchByTitle);
     settings("[BEYOND]\nTemplateMatchByTitle=False\n");
-    EXPECT_FALSE(start().thisClass.TemplateMatchByTitle);
+    EXPECT_FALSE(start().thisClass.templateMatchByTitle);
 }
 
 TEST_F(TemplateJobTest, makesTemplatesOfRebuiltPagesOnly) {
@@ -98,7 +98,7 @@ TEST_F(TemplateJobTest, bringsBackARebuildOfAnEarlierRun) {
 TEST_F(TemplateJobTest, whatIsLaidIsInTheCaseTrail) {
     const fs::path file = made();
     const LaidTemplates laid = lay({1, 2}, {file});
-    const TrailEntry entry = CaseTrail(program->thisClass.ProjectDB.connection()).entries().back();
+    const TrailEntry entry = CaseTrail(program->thisClass.projectDB.connection()).entries().back();
     EXPECT_EQ(entry.action, "Template");
     EXPECT_EQ(entry.detail, laidText(laid));
     EXPECT_EQ(entry.rowCount, 1);
@@ -137,7 +137,7 @@ TEST_F(TemplateJobTest, laysTemplatesOverPagesOfTheirTitle) {
 
 TEST_F(TemplateJobTest, laysOneOverAnyPageWhenTitlesDontMatter) {
     const fs::path file = made();
-    program->thisClass.TemplateMatchByTitle = false;
+    program->thisClass.templateMatchByTitle = false;
     EXPECT_EQ(lay({2, 3}, {file}).results[Laid::rebuilt], 2u);
 }
 
@@ -152,7 +152,7 @@ TEST_F(TemplateJobTest, aTemplateThatDoesntFitTakesNothingFromOneThatDid) {
 }
 
 TEST_F(TemplateJobTest, whatIsNoTemplateChangesNothing) {
-    program->thisClass.TemplateMatchByTitle = false;
+    program->thisClass.templateMatchByTitle = false;
     fs::create_directories(templates);
     writeWhole(templates / "short.NVT", "NV");
     writeWhole(templates / "empty.NVT", std::string(0x1000, '\0'));
@@ -169,12 +169,12 @@ TEST_F(TemplateJobTest, whatIsNoTemplateChangesNothing) {
 
 TEST_F(TemplateJobTest, cancelLeavesTheRemainingPages) {
     const fs::path file = made();
-    program->thisClass.TemplateMatchByTitle = false;
+    program->thisClass.templateMatchByTitle = false;
     test::CancelAfter stops(1);
     RecordTools tools(*program, stops, scratch);
     const std::vector<std::int64_t> ids = {2, 3};
     const std::vector<fs::path> files = {file};
-    const LaidTemplates laid = RebuildFromTemplates(*program, tools, ids, files);
+    const LaidTemplates laid = rebuildFromTemplates(*program, tools, ids, files);
     EXPECT_TRUE(laid.cancelled);
     EXPECT_THAT(laidText(laid), HasSubstr("Cancelled: 1 of 2"));
     EXPECT_TRUE(isRebuilt(2));

@@ -1,4 +1,4 @@
-#include "app/ThreadClass.h"
+#include "app/TaskStatus.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@ namespace {
 struct RecordingView final : StatusView {
     void open() override { ++opened; }
     void close() override { ++closed; }
-    void update(const ThreadClass &status) override { titles.push_back(status.windowTitle()); }
+    void update(const TaskStatus &status) override { titles.push_back(status.windowTitle()); }
     void pump() override { ++pumped; }
     int opened = 0;
     int closed = 0;
@@ -19,16 +19,16 @@ struct RecordingView final : StatusView {
 struct ThreadClassTest : testing::Test {
     double seconds = 1000;
     RecordingView view;
-    ThreadClass thread{view, [this] { return seconds; }};
+    TaskStatus thread{view, [this] { return seconds; }};
 };
 
 TEST_F(ThreadClassTest, theClockCountsFromOpenThread) {
-    EXPECT_EQ(thread.GetTimeElapsed(), "00:00:00");
-    thread.OpenThread();
+    EXPECT_EQ(thread.getTimeElapsed(), "00:00:00");
+    thread.openThread();
     seconds += 3725.9;
-    EXPECT_EQ(thread.GetTimeElapsed(), "01:02:05");
-    thread.CloseThread();
-    EXPECT_EQ(thread.GetTimeElapsed(), "00:00:00");
+    EXPECT_EQ(thread.getTimeElapsed(), "01:02:05");
+    thread.closeThread();
+    EXPECT_EQ(thread.getTimeElapsed(), "00:00:00");
 }
 
 TEST_F(ThreadClassTest, aTaskInsideALargerOneKeepsItsWindowAndClock) {
@@ -37,20 +37,20 @@ TEST_F(ThreadClassTest, aTaskInsideALargerOneKeepsItsWindowAndClock) {
         seconds += 60;
         {
             const OpenTask inner(thread, {"INNER", "", "", ""});
-            EXPECT_EQ(thread.Msg1, "INNER");
+            EXPECT_EQ(thread.msg1, "INNER");
         }
-        EXPECT_TRUE(thread.IsOpen);
-        EXPECT_EQ(thread.GetTimeElapsed(), "00:01:00");
+        EXPECT_TRUE(thread.isOpen);
+        EXPECT_EQ(thread.getTimeElapsed(), "00:01:00");
     }
-    EXPECT_FALSE(thread.IsOpen);
+    EXPECT_FALSE(thread.isOpen);
     EXPECT_EQ(view.opened, 1);
     EXPECT_EQ(view.closed, 1);
 }
 
 TEST_F(ThreadClassTest, theTitleTellsPercentOrQueue) {
     EXPECT_EQ(thread.windowTitle(), "Thread Status");
-    thread.QueueItemCount = 3;
-    thread.QueueIndex = 1;
+    thread.queueItemCount = 3;
+    thread.queueIndex = 1;
     EXPECT_EQ(thread.windowTitle(), "Thread Status - Queued: 2");
     thread.describe({"T", "", "", ""});
     seconds += 1;
@@ -59,11 +59,11 @@ TEST_F(ThreadClassTest, theTitleTellsPercentOrQueue) {
 }
 
 TEST_F(ThreadClassTest, textsChangeOnTheTimeStepOnly) {
-    thread.OpenThread();
+    thread.openThread();
     thread.describe({"T", "", "", ""});
     EXPECT_TRUE(thread.wantsStep());
     thread.show({"Reading Hash Table 1 of 2", 1, 2, "Processing Hash Record 1 of 8", 4, 8});
-    EXPECT_EQ(thread.BottomPercent, 50);
+    EXPECT_EQ(thread.bottomPercent, 50);
     EXPECT_FALSE(thread.wantsStep());
     seconds += 4.9;
     EXPECT_TRUE(thread.advance(0.1));
@@ -74,7 +74,7 @@ TEST_F(ThreadClassTest, textsChangeOnTheTimeStepOnly) {
 }
 
 TEST_F(ThreadClassTest, eventsRunOftenButNotForEveryRecord) {
-    thread.OpenThread();
+    thread.openThread();
     const int before = view.pumped;
     for (int i = 0; i < 1000; ++i)
         EXPECT_TRUE(thread.advance(0));
@@ -85,12 +85,12 @@ TEST_F(ThreadClassTest, eventsRunOftenButNotForEveryRecord) {
 }
 
 TEST_F(ThreadClassTest, cancelHoldsUntilTheNextTaskStarts) {
-    thread.OpenThread();
-    thread.CancelTask = true;
+    thread.openThread();
+    thread.cancelTask = true;
     EXPECT_FALSE(thread.advance(1));
-    thread.CloseThread();
-    EXPECT_TRUE(thread.CancelTask);
-    thread.OpenThread();
+    thread.closeThread();
+    EXPECT_TRUE(thread.cancelTask);
+    thread.openThread();
     EXPECT_TRUE(thread.advance(0));
 }
 

@@ -36,7 +36,7 @@ TEST_F(CaseTrailTest, entriesComeBackInTheirOrder) {
     entry.md5Hash = std::string(32, 'a');
     entry.sha256Hash = std::string(64, 'b');
     entry.rowCount = 12;
-    entry.AppVersion = "2.0.0";
+    entry.appVersion = "2.0.0";
     CaseTrail trail(project.connection());
     trail.add(entry);
     entry.action = "Export";

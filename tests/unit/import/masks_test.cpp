@@ -19,7 +19,7 @@ TEST(ImportSettings, wantsEverythingAtFirst) {
     const ImportSettings job;
     for (const SourceOption *option : importOptions())
         EXPECT_TRUE(wants(job, *option)) << option->name;
-    EXPECT_TRUE(job.VerifyFileSignatures);
+    EXPECT_TRUE(job.verifyFileSignatures);
     EXPECT_TRUE(job.recurseSubfolders);
     EXPECT_TRUE(job.parseAdvancedMetadata);
 }

@@ -103,14 +103,14 @@ TEST_F(ScanTest, tellsAnIndexByItsFolderCountWhateverItsOwnFolderIsCalled) {
     folder.write("Cache/index.dat", indexBytes(0));
     folder.write("History/index.dat", indexBytes(3));
     EXPECT_EQ(found(), (Lines{"1 Cache/index.dat", "4 History/index.dat"}));
-    job.VerifyFileSignatures = false;
+    job.verifyFileSignatures = false;
     EXPECT_EQ(found(), (Lines{"1 Cache/index.dat", "1 History/index.dat"}));
 }
 
 TEST_F(ScanTest, passesAMorkHistoryWithoutItsMarkOver) {
     folder.write("history.dat", "no mark");
     EXPECT_EQ(found(), Lines{});
-    job.VerifyFileSignatures = false;
+    job.verifyFileSignatures = false;
     EXPECT_EQ(found(), Lines{"7 history.dat"});
 }
 

@@ -115,7 +115,7 @@ TEST_F(ProjectFixTest, theCaseTrailGoesAlongAndTellsOfTheFix) {
     EXPECT_EQ(entries[2].action, "Upgrade");
     EXPECT_EQ(entries[2].filePath, old.string());
     EXPECT_EQ(entries[2].rowCount, 2);
-    EXPECT_EQ(entries[2].AppVersion, "0.1.0");
+    EXPECT_EQ(entries[2].appVersion, "0.1.0");
     const auto hashes = hashesOfFile(old).value();
     EXPECT_EQ(entries[2].md5Hash, hashes.md5);
     EXPECT_EQ(entries[2].sha256Hash, hashes.sha256);

@@ -8,7 +8,7 @@ namespace {
 
 struct SysfsNetworkTest : testing::Test {
     std::string status(std::string_view name = "Local Area Connection") const {
-        return SysfsNetwork(folder.path()).NetworkConnectionStatus(name);
+        return SysfsNetwork(folder.path()).networkConnectionStatus(name);
     }
     test::TempFolder folder;
 };
@@ -44,7 +44,7 @@ TEST_F(SysfsNetworkTest, anInterfaceIsAskedForByName) {
 }
 
 TEST_F(SysfsNetworkTest, aSystemThatShowsNoInterfacesCannotTell) {
-    EXPECT_EQ(SysfsNetwork(folder.path() / "missing").NetworkConnectionStatus("eth0"), "");
+    EXPECT_EQ(SysfsNetwork(folder.path() / "missing").networkConnectionStatus("eth0"), "");
 }
 
 } // namespace

@@ -193,7 +193,7 @@ TEST_F(RebuildTest, tellsOfIdsThatEarlierVersionsCouldNotHold) {
     ASSERT_EQ(project.log.entries.size(), 1u);
     EXPECT_EQ(project.log.entries[0].procedure, "MainForm.HarvestParts()");
     EXPECT_NE(project.log.entries[0].message.find("WideRecordIds"), std::string::npos);
-    settings.WideRecordIds = true;
+    settings.wideRecordIds = true;
     EXPECT_TRUE(rebuild(html));
     EXPECT_EQ(fileOf(html, "0040001.gif"), "GIF89a");
 }

@@ -22,7 +22,7 @@ class TemplatesTest : public test::RebuildFixture {
     }
     TemplateResult create(const UrlRecord &of,
                           IfTemplateExists ifExists = IfTemplateExists::refuse) {
-        return CreateTemplate(of, templates, "2.8.1", ifExists, context());
+        return createTemplate(of, templates, "2.8.1", ifExists, context());
     }
     std::filesystem::path templates = project.folder.path() / "templates";
 };

@@ -72,7 +72,7 @@ class ReportFixture : public RebuildFixture {
     ReportContext reportContext() {
         RebuildContext rebuilding = context();
         ReportContext ctx{{rebuilding.project, rebuilding.records, rebuilding.evidence,
-                           rebuilding.TempFolderPath, rebuilding.log, *monitor, settings},
+                           rebuilding.tempFolderPath, rebuilding.log, *monitor, settings},
                           project.zone,
                           project.clock,
                           drawing,

@@ -38,7 +38,7 @@ struct ExportTest : testing::Test {
             "Index|Index;|COL_URL_TAG;URL|COL_URL_VALUE;Visits|COL_URL_VISITS;Action Date "
             "[UTC]|COL_URL_ACTION_DATE_UTC;Web Page Title|COL_URL_WEBPAGE_TITLE;");
         job.exportAllColumns = false;
-        table.LoadURLs(nobody);
+        table.loadURLs(nobody);
         table.sortBy(UrlColumn::Id, SortDirection::Ascending, nobody);
     }
 
@@ -102,9 +102,9 @@ TEST_F(ExportTest, taggedRowsAreTakenWithTheirNumbersInTheTable) {
 }
 
 TEST_F(ExportTest, aHostFilterHoldsForTheExport) {
-    table.choice.FilterByHostEnabled = true;
-    table.choice.FilterByHostValue = "b.ex";
-    table.LoadURLs(nobody);
+    table.choice.filterByHostEnabled = true;
+    table.choice.filterByHostValue = "b.ex";
+    table.loadURLs(nobody);
     written(ExportFormat::delimited);
     EXPECT_EQ(job.counts.rows, 1);
 }

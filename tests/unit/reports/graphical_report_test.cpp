@@ -271,7 +271,7 @@ TEST_F(GraphicalReportTest, ownPicturesTakeThePlaceOfTheProgramsOwn) {
     const auto mine = project.folder.write("mine.dat", "GIF89a mine");
     const std::string html = make(0, [&](ReportWriter &each) {
         each.useCustomLogo = each.useDefaultThumbnailPath = true;
-        each.AgencyLogoPath = each.defaultThumbnailPath = mine;
+        each.agencyLogoPath = each.defaultThumbnailPath = mine;
     });
     EXPECT_THAT(html, AllOf(HasSubstr("src='images/agency-logo.gif'"),
                             HasSubstr("src='images/default-thumbnail.gif'")));
@@ -280,7 +280,7 @@ TEST_F(GraphicalReportTest, ownPicturesTakeThePlaceOfTheProgramsOwn) {
     EXPECT_THAT(make(0,
                      [&](ReportWriter &each) {
                          each.useCustomLogo = true;
-                         each.AgencyLogoPath = mine;
+                         each.agencyLogoPath = mine;
                      }),
                 HasSubstr("src='images/norvelane-logo.png'"));
     EXPECT_EQ(project.log.entries.size(), 1u);
@@ -298,7 +298,7 @@ TEST_F(GraphicalReportTest, aLogoThatCannotBeCopiedCostsNothingElse) {
     const auto mine = project.folder.write("mine.gif", "GIF89a mine");
     const std::string html = make(0, [&](ReportWriter &each) {
         each.useCustomLogo = true;
-        each.AgencyLogoPath = mine;
+        each.agencyLogoPath = mine;
     });
     EXPECT_THAT(html, AllOf(HasSubstr("src='images/norvelane-logo.png'"),
                             HasSubstr("The active time bias is set to:")));

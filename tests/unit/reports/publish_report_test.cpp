@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 class PublishReportTest : public ReportFixture {
   protected:
     PublishReportTest() { fs::create_directories(target); }
-    Published publish(int type) { return PublishReport(made, type, target, task); }
+    Published publish(int type) { return publishReport(made, type, target, task); }
     fs::path target = project.folder.path() / "handed over";
 };
 
@@ -44,12 +44,12 @@ TEST_F(PublishReportTest, aTabularReportIsItsPageAndImages) {
 TEST_F(PublishReportTest, itShowsItselfAndCanBeCancelled) {
     make(1);
     MemoryTask watched;
-    PublishReport(made, 1, target, watched);
+    publishReport(made, 1, target, watched);
     EXPECT_EQ(watched.headings[0].title, "PUBLISHING REPORT");
     EXPECT_EQ(watched.headings[0].subject, "Copying report contents to output folder...");
     EXPECT_EQ(watched.steps[0].topMessage, "Copying 1 of 5");
     CancelAfter canceller(2);
-    const Published published = PublishReport(made, 1, target, canceller);
+    const Published published = publishReport(made, 1, target, canceller);
     EXPECT_TRUE(published.cancelled);
     EXPECT_EQ(published.files, 2u);
 }
@@ -57,7 +57,7 @@ TEST_F(PublishReportTest, itShowsItselfAndCanBeCancelled) {
 TEST_F(PublishReportTest, aCancelLeavesNoPageThatLooksWhole) {
     make(1);
     CancelAfter canceller(2);
-    EXPECT_TRUE(PublishReport(made, 1, target, canceller).cancelled);
+    EXPECT_TRUE(publishReport(made, 1, target, canceller).cancelled);
     EXPECT_FALSE(fs::exists(target / "index-history.htm"));
 }
 
@@ -79,7 +79,7 @@ TEST_F(PublishReportTest, thePageComesLast) {
     publish(0);
     for (const int calls : {0, 3, 6}) { // 7 files
         CancelAfter canceller(calls);
-        EXPECT_TRUE(PublishReport(made, 0, target, canceller).cancelled);
+        EXPECT_TRUE(publishReport(made, 0, target, canceller).cancelled);
         EXPECT_FALSE(fs::exists(target / "index-cache.htm")) << "nor that of the earlier report";
     }
     EXPECT_TRUE(fs::exists(target / "pictures/0000001.gif"));

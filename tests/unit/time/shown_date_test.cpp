@@ -23,7 +23,7 @@ const TimeZone kEastern = zoneOf(300, -60, 1);
 DateSettings settingsOf(int currentYear, bool daylight = true) {
     DateSettings settings;
     settings.currentYear = currentYear;
-    settings.EnableDSTChanges = daylight;
+    settings.enableDSTChanges = daylight;
     return settings;
 }
 
@@ -55,10 +55,10 @@ TEST(ZoneCell, testsTheMarkOnTheConvertedDate) {
 
 TEST(ZoneCell, isEmptyWhenItsTextIsShorterThanFiveCharacters) {
     DateSettings settings = settingsOf(2011);
-    settings.DateFormat.clear();
-    settings.TimeFormat.clear();
+    settings.dateFormat.clear();
+    settings.timeFormat.clear();
     EXPECT_EQ(zoneCell(kSummer, kEastern, settings), "");
-    settings.DateFormat = "d";
+    settings.dateFormat = "d";
     EXPECT_EQ(zoneCell(kSummer, kEastern, settings), "15  DST");
 }
 

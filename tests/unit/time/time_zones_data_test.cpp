@@ -33,7 +33,7 @@ class TimeZonesData : public testing::Test {
 
     TimeZone zone(std::string_view name, Date now) const {
         TimeZone zone(now);
-        m_zones.setNewTimeZone(zone, row(name).Time_Zone_ID, now, true);
+        m_zones.setNewTimeZone(zone, row(name).timeZoneID, now, true);
         return zone;
     }
 
@@ -58,12 +58,12 @@ TEST_F(TimeZonesData, holdsEveryZoneOnceWithEasternTimeInRow15) {
     std::set<std::int32_t> ids;
     std::set<std::string> names;
     for (const ZoneRow &row : m_rows) {
-        EXPECT_TRUE(ids.insert(row.Time_Zone_ID).second) << row.Time_Zone_ID;
+        EXPECT_TRUE(ids.insert(row.timeZoneID).second) << row.timeZoneID;
         EXPECT_TRUE(names.insert(row.stdTimeZone).second) << row.stdTimeZone;
         EXPECT_FALSE(row.landmarks.empty() || row.dstTimeZone.empty() || row.stdCode.empty());
     }
     const ZoneRow &eastern = row("Eastern Standard Time");
-    EXPECT_EQ(eastern.Time_Zone_ID, 15);
+    EXPECT_EQ(eastern.timeZoneID, 15);
     EXPECT_EQ(eastern.listText(), "(UTC-05:00) Eastern Time (US & Canada)");
     EXPECT_TRUE(m_log.entries.empty());
 }
@@ -111,7 +111,7 @@ TEST_F(TimeZonesData, everyZoneIsDetectedFromItsOwnNameAndBias) {
     for (const ZoneRow &row : m_rows) {
         const TimeZone found =
             m_zones.getSystemTimeZone(TimeZone(kWinter), {row.stdBias, row.stdTimeZone}, kWinter);
-        EXPECT_EQ(found.tzTimeZoneID, row.Time_Zone_ID) << row.stdTimeZone;
+        EXPECT_EQ(found.tzTimeZoneID, row.timeZoneID) << row.stdTimeZone;
         EXPECT_EQ(found.tzBias, row.stdBias) << row.stdTimeZone;
     }
 }

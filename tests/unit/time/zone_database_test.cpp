@@ -269,7 +269,7 @@ TEST_F(ZoneDatabaseTest, leavesTheFileAsItIs) {
 
 ZoneRow listRow(std::int32_t id, const char *landmarks, std::int16_t bias) {
     ZoneRow row;
-    row.Time_Zone_ID = id;
+    row.timeZoneID = id;
     row.landmarks = landmarks;
     row.stdBias = bias;
     return row;

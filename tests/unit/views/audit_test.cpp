@@ -106,7 +106,7 @@ TEST_F(AuditTest, countsAPartThatATemplateHasBrought) {
     const UrlId id = add("http://host/page.html", "<img src=\"a/logo.gif\" > ");
     ASSERT_TRUE(rebuild(id));
     const auto folder = project.folder.path() / "templates";
-    ASSERT_EQ(CreateTemplate(page, folder, "1", IfTemplateExists::refuse, context()),
+    ASSERT_EQ(createTemplate(page, folder, "1", IfTemplateExists::refuse, context()),
               TemplateResult::made);
     project.connection().exec("UPDATE URLs SET CacheFileRelativePath = 'gone' WHERE URL_ID = 1");
     UrlRecord record = get(add("http://host/other.html", "page"));

@@ -47,7 +47,7 @@ struct FindTextTest : testing::Test, test::MadeProject {
 TEST_F(FindTextTest, looksIntoWholeValues) {
     page("http://a.example/" + std::string(2000, 'x') + "needle");
     page("http://b.example/", std::string(400, ' ') + "M\u00DCLLER");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(found("NEEDLE"), "0 URL");
     EXPECT_EQ(found("m\u00FCller"), "1 Web Page Title");
     EXPECT_EQ(found("needles"), "not there");
@@ -57,7 +57,7 @@ TEST_F(FindTextTest, looksIntoWholeValues) {
 
 TEST_F(FindTextTest, looksIntoWhatCellsShow) {
     page("http://a.example/");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(found("2011-06-15"), "0 Action Date [UTC]");
     EXPECT_EQ(found(" dst"), "0 Action Date [Local]");
     EXPECT_EQ(found("CHROME H"), "0 Type");
@@ -71,14 +71,14 @@ TEST_F(FindTextTest, looksIntoWhatCellsShow) {
 
 TEST_F(FindTextTest, looksIntoTheColumnsThatAreShownAlone) {
     page("http://a.example/", "title");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(found("title", 0, {UrlColumn::Value, UrlColumn::Visits}), "not there");
     EXPECT_EQ(found("title", 0, {UrlColumn::Value, UrlColumn::WebpageTitle}), "0 Web Page Title");
 }
 
 TEST_F(FindTextTest, findsStandInsOfCharactersThatWouldDeceive) {
     page("http://a.example/photo\u202Egnp.exe");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(found("<U+202E>"), "0 URL");
     EXPECT_EQ(found("photo\u202Egnp"), "0 URL");
 }
@@ -86,7 +86,7 @@ TEST_F(FindTextTest, findsStandInsOfCharactersThatWouldDeceive) {
 TEST_F(FindTextTest, goesRoundAndKnowsWhatItHasFound) {
     for (int i = 0; i < 3000; ++i)
         page(i % 1499 == 0 ? "http://mark.example/" : "http://other.example/");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(found("mark"), "0 URL");
     EXPECT_EQ(found("mark", 1), "1499 URL");
     EXPECT_EQ(found("mark", 1500), "2998 URL");
@@ -101,7 +101,7 @@ TEST_F(FindTextTest, looksIntoTheRowsOfTheListAlone) {
     page("http://two.example/");
     StoredQueries(db()).save({"Two", "SELECT * FROM URLs WHERE URL LIKE '%two%'"});
     table.choice.activeQueryName = "Two";
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(found("http://one"), "not there");
     EXPECT_EQ(found("http://two"), "0 URL");
 }
@@ -109,7 +109,7 @@ TEST_F(FindTextTest, looksIntoTheRowsOfTheListAlone) {
 TEST_F(FindTextTest, canBeCancelled) {
     for (int i = 0; i < 50; ++i)
         page("http://other.example/");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     test::CancelAfter cancel(10);
     EXPECT_EQ(table.find({"needle", shownColumns()}, 0, cancel).end, FindEnd::cancelled);
     EXPECT_EQ(found("needle"), "not there") << "what was not looked at isn't known";
@@ -136,14 +136,14 @@ TEST_F(FindTextTest, whileALoadRunsNothingIsKnownOfItsRows) {
     for (int i = 0; i < 50; ++i)
         page("http://needle.example/");
     LookingTask looking(table, {"needle", shownColumns()});
-    EXPECT_EQ(table.LoadURLs(looking), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(looking), LoadResult::Loaded);
     ASSERT_FALSE(looking.ends.empty());
     EXPECT_THAT(looking.ends, testing::Each(FindEnd::cancelled));
     EXPECT_EQ(found("needle"), "0 URL");
 }
 
 TEST_F(FindTextTest, inAnEmptyListThereIsNothing) {
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(found("x"), "not there");
 }
 
@@ -167,7 +167,7 @@ TEST_F(FindInDamageTest, aBrokenPageCostsItsRowsAlone) {
     project.open(Access::read);
     Unwatched task;
     UrlTable table(db(), log, zone);
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded) << table.failure();
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded) << table.failure();
     const FindText last{"host/2000-", {UrlColumn::Value}};
     const FindResult result = table.find(last, 0, task);
     EXPECT_EQ(result.end, FindEnd::found);

@@ -65,7 +65,7 @@ TEST_F(GalleryTest, isEmptyWithoutThumbnails) {
 TEST_F(GalleryTest, turnsPagesAndStaysWithinThem) {
     for (int i = 0; i < 5; ++i)
         picture("host");
-    gallery.settings.GalleryRecordsPerPage = 2;
+    gallery.settings.galleryRecordsPerPage = 2;
     ASSERT_EQ(load(), LoadResult::Loaded);
     EXPECT_EQ(gallery.pageText(), "1 of 3");
     EXPECT_TRUE(gallery.previousPage());
@@ -85,7 +85,7 @@ TEST_F(GalleryTest, turnsPagesAndStaysWithinThem) {
 TEST_F(GalleryTest, showsTheLastPageWhenRowsAreGone) {
     for (int i = 0; i < 5; ++i)
         picture("host");
-    gallery.settings.GalleryRecordsPerPage = 2;
+    gallery.settings.galleryRecordsPerPage = 2;
     ASSERT_EQ(load(), LoadResult::Loaded);
     gallery.lastPage();
     made.db().exec("DELETE FROM URLs WHERE URL_ID > 3");
@@ -99,10 +99,10 @@ TEST_F(GalleryTest, showsTheLastPageWhenRowsAreGone) {
 TEST_F(GalleryTest, aPageSizeOfNothingShowsOneTile) {
     picture("host");
     picture("host");
-    gallery.settings.GalleryRecordsPerPage = 0;
+    gallery.settings.galleryRecordsPerPage = 0;
     EXPECT_EQ(load(), LoadResult::Loaded);
     EXPECT_EQ(gallery.galleryADOPageCount(), 2);
-    gallery.settings.GalleryRecordsPerPage = 100; // of the next load
+    gallery.settings.galleryRecordsPerPage = 100; // of the next load
     EXPECT_TRUE(gallery.nextPage());
     EXPECT_THAT(shown(), ElementsAre(2));
 }
@@ -139,9 +139,9 @@ TEST_F(GalleryTest, theHostIsFoundLiterally) {
     picture("a.example");
     picture("100%.example");
     picture("o'neil.example");
-    gallery.choice.FilterByHostEnabled = true;
+    gallery.choice.filterByHostEnabled = true;
     const auto found = [this](const char *host) {
-        gallery.choice.FilterByHostValue = host;
+        gallery.choice.filterByHostValue = host;
         EXPECT_EQ(load(), LoadResult::Loaded);
         return shown();
     };
@@ -158,7 +158,7 @@ TEST_F(GalleryTest, filtersByShapeAndSize) {
     picture("host", 100, 75);
     picture("host", 468, 60);
     picture("host", 500, 400);
-    gallery.pard.EnablePARD = true;
+    gallery.pard.enablePARD = true;
     gallery.pard.fromValue = 15;
     gallery.pard.toValue = 40;
     ASSERT_EQ(load(), LoadResult::Loaded);
@@ -237,7 +237,7 @@ TEST_F(GalleryTest, givesAThumbnailById) {
 TEST_F(GalleryTest, readsTheIndexAndNotTheRows) {
     picture("a");
     ASSERT_EQ(load(), LoadResult::Loaded);
-    gallery.pard.EnablePARD = gallery.pard.showLargePics = true;
+    gallery.pard.enablePARD = gallery.pard.showLargePics = true;
     const IdQuery query = galleryQuery({}, gallery.pard, {true, true});
     SQLite::Statement plan(made.db(), "EXPLAIN QUERY PLAN " + query.sql);
     std::string steps;

@@ -87,7 +87,7 @@ TEST_F(HostsTest, eachNameFindsItsRowsLiterally) {
     names(HostSort::ByName);
     for (const HostRow &each : hosts) {
         table.choice = {"", true, each.host};
-        EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+        EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
         // "foo" is part of "foobar.com" too.
         EXPECT_EQ(table.rowCount(), each.host == "foo" ? 2u : 1u) << each.host;
     }

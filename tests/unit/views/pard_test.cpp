@@ -12,7 +12,7 @@ constexpr GalleryMedia kNoMedia{false, false};
 
 PardChoice range(std::int16_t from, std::int16_t to) {
     PardChoice PARD;
-    PARD.EnablePARD = true;
+    PARD.enablePARD = true;
     PARD.fromValue = from;
     PARD.toValue = to;
     return PARD;
@@ -91,7 +91,7 @@ TEST(BuildGalleryFilter, dropsAllOfARangeThatRunsBackwards) {
 
 TEST(BuildGalleryFilter, leavesSizesUnusedWithoutPard) {
     PardChoice PARD = range(15, 40);
-    PARD.EnablePARD = false;
+    PARD.enablePARD = false;
     PARD.showSmallPics = true;
     EXPECT_EQ(buildGalleryFilter(PARD, kNoMedia), "");
 }

@@ -67,7 +67,7 @@ TEST_F(PropertiesTest, theZonesDateIsComputedAndMarked) {
     EXPECT_EQ(value(winter, "ActionDateLocal"), "2009-02-13 18:31:30 [-0500 STD]");
     EXPECT_EQ(value(summer, "ActionDateLocal"), "2009-07-01 08:00:00 [-0400 DST]");
     EXPECT_EQ(value(winter, "ActionDateUTC"), "2009-02-13 23:31:30 [UTC]");
-    dates.EnableDSTChanges = false;
+    dates.enableDSTChanges = false;
     EXPECT_EQ(value(summer, "ActionDateLocal"), "2009-07-01 07:00:00 [-0500 STD]");
 }
 

@@ -31,7 +31,7 @@ struct MemoryView final : QueryView {
         return name;
     }
     void statementChanged() override { ++changes; }
-    void LoadURLs() override { ++loads; }
+    void loadURLs() override { ++loads; }
 
     std::string box;
     std::vector<std::string> names;

@@ -89,7 +89,7 @@ TEST_F(RowCellsTest, theZoneMarkIsOfTheConvertedDateAndTheShiftOfTheUtcDate) {
     // Three hours into the Sunday of the change in UTC is the evening before it in the zone.
     const auto id = add({{"ActionDateUTC", test::daysOf({2011, 3, 13, 3, 0, 0})}});
     EXPECT_EQ(text(id, UrlColumn::ActionDateLocal), "2011-03-12 23:00:00 STD");
-    cells.dates.EnableDSTChanges = false;
+    cells.dates.enableDSTChanges = false;
     EXPECT_EQ(text(id, UrlColumn::ActionDateLocal), "2011-03-12 22:00:00 STD");
     EXPECT_EQ(machine<std::string>(id, UrlColumn::ActionDateLocal), "2011-03-12T22:00:00-05:00");
 }

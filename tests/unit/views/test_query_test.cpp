@@ -110,7 +110,7 @@ TEST_F(TestQueryTest, aLoadCanReadAndNothingElse) {
     UrlTable table(made.db(), made.log, made.zone);
     for (const char *name : {"evil", "URLs] ; DELETE FROM URLs; --", "x\" ; DROP TABLE URLs; --"}) {
         table.choice = {name, false, ""};
-        EXPECT_EQ(table.LoadURLs(task), LoadResult::Failed) << name;
+        EXPECT_EQ(table.loadURLs(task), LoadResult::Failed) << name;
     }
     EXPECT_EQ(made.fieldOf(1, "URL"), "kept");
     RowIds ids;

@@ -69,7 +69,7 @@ class ThumbnailsTest : public testing::Test {
 };
 
 TEST_F(ThumbnailsTest, aPictureGetsItsColumns) {
-    settings.ViewerThumbnailWidth = 160;
+    settings.viewerThumbnailWidth = 160;
     const auto id = add("banner[1].gif", "GIF89a banner");
     const ThumbnailTotals totals = make({id});
     EXPECT_EQ(totals.made, 1u);

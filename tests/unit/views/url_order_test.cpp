@@ -33,7 +33,7 @@ TEST_F(UrlOrderTest, rowsWithoutADateComeLastWhenAskedFor) {
     page(40001, "first");
     table.undated = Undated::Last;
     const Texts rising{"first", "second", "none"};
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), rising);
     for (const UrlColumn column : {UrlColumn::LocalDate, UrlColumn::ActionDateUtc}) {
         table.sortBy(column, SortDirection::Descending, task);
@@ -45,10 +45,10 @@ TEST_F(UrlOrderTest, rowsWithoutADateComeLastWhenAskedFor) {
     table.choice = {"", true, "h"};
     table.filters = firstFilters();
     table.filters.enableFilters = true;
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), rising);
     table.filters.showHistoryURLs = false;
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), Texts{"none"});
     EXPECT_EQ(table.hiddenCount(), 2u);
 }
@@ -61,7 +61,7 @@ TEST_F(UrlOrderTest, anOrderOfTheQuerysOwnIsLeftAlone) {
     table.undated = Undated::Last;
     for (const char *name : {"By host", "No date"}) {
         table.choice.activeQueryName = name;
-        EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+        EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
         EXPECT_EQ(urls(), (Texts{"none", "dated"})) << name;
     }
     EXPECT_TRUE(log.entries.empty());
@@ -71,27 +71,27 @@ TEST_F(UrlOrderTest, aSortByAColumnOutlivesLoadsAndQueries) {
     page(1, "a", "x");
     page(2, "b", "y");
     page(3, "c", "z");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     table.sortBy(UrlColumn::Host, SortDirection::Descending, task);
     const ColumnSort sort{UrlColumn::Host, SortDirection::Descending};
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), (Texts{"c", "b", "a"}));
     EXPECT_EQ(table.columnSort(), sort);
     StoredQueries(db()).save({"Two", "SELECT * FROM URLs WHERE URL <> 'b' ORDER BY URL"});
     table.choice.activeQueryName = "Two";
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(urls(), (Texts{"c", "a"}));
     StoredQueries(db()).save({"No host", "SELECT URL_ID, URL FROM URLs ORDER BY URL"});
     table.choice.activeQueryName = "No host";
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), (Texts{"a", "b", "c"})); // by its own order
     EXPECT_EQ(table.columnSort(), std::nullopt);
     EXPECT_EQ(table.sort, sort);
     table.choice.activeQueryName.clear();
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(table.columnSort(), sort);
     table.sortBy(SortChoice::Url, task);
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(urls(), (Texts{"a", "b", "c"}));
     EXPECT_TRUE(log.entries.empty());
 }
@@ -100,7 +100,7 @@ TEST_F(UrlOrderTest, aNoteHasAMarkAndNotedRowsComeFirst) {
     page(1, "a");
     const auto noted = page(2, "b");
     db().exec(fmt::format("UPDATE URLs SET Notes = 'Seen' WHERE URL_ID = {}", noted));
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(table.cell(0, UrlColumn::Note), "");
     EXPECT_EQ(table.cell(1, UrlColumn::Note), "Yes");
     EXPECT_EQ(std::get<bool>(table.machineCell(1, UrlColumn::Note)), true);
@@ -110,7 +110,7 @@ TEST_F(UrlOrderTest, aNoteHasAMarkAndNotedRowsComeFirst) {
 
 TEST_F(UrlOrderTest, theLocalDateIsShownWhateverItsAge) {
     page(36526, "old"); // 2000-01-01
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(table.cell(0, UrlColumn::ActionDateLocal), "");
     EXPECT_EQ(table.cell(0, UrlColumn::LocalDate), "1999-12-31 19:00:00 STD");
 }

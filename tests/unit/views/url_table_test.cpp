@@ -32,11 +32,11 @@ TEST_F(UrlTableTest, loadsTheActiveQueryInDateOrder) {
     page(40002, "second");
     page(40001, "first");
     add({{"URL", "without a date"}});
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), (Texts{"without a date", "first", "second"}));
     StoredQueries(db()).save({"Mine", "SELECT * FROM URLs WHERE URL = 'SECOND'"});
     table.choice.activeQueryName = "Mine";
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), Texts{"second"});
 }
 
@@ -44,18 +44,18 @@ TEST_F(UrlTableTest, aKeywordQueryWithoutItsTermsSaysWhyItFindsNothing) {
     page(1, "a");
     for (const char *name : {"Child Exploitation", "XXX Content (in URLs)"}) {
         table.choice.activeQueryName = name;
-        EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+        EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
         EXPECT_EQ(table.emptyState(), EmptyState::NoTerms) << name;
     }
     table.choice.activeQueryName = "Phishing";
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.emptyState(), EmptyState::NoMatches);
 }
 
 TEST_F(UrlTableTest, theHostFilterTakesItsTextLiterally) {
     page(1, "a", "www.example.com");
     page(2, "b", "it's_100%.example");
-    table.choice.FilterByHostEnabled = true;
+    table.choice.filterByHostEnabled = true;
     for (const auto &[host, expected] :
          std::vector<std::pair<std::string, Texts>>{{"EXAMPLE", {"a", "b"}},
                                                     {"it's", {"b"}},
@@ -63,8 +63,8 @@ TEST_F(UrlTableTest, theHostFilterTakesItsTextLiterally) {
                                                     {"%", {"b"}},
                                                     {"' OR '1'='1", {}},
                                                     {"[", {}}}) {
-        table.choice.FilterByHostValue = host;
-        EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded) << host;
+        table.choice.filterByHostValue = host;
+        EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded) << host;
         EXPECT_EQ(urls(), expected) << host;
     }
     EXPECT_EQ(table.emptyState(), EmptyState::NoMatches);
@@ -74,7 +74,7 @@ TEST_F(UrlTableTest, theHostFilterTakesItsTextLiterally) {
 TEST_F(UrlTableTest, aQueryThatFailsIsLoggedAndShowsNothing) {
     page(1, "a");
     table.choice.activeQueryName = "no such query";
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Failed);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Failed);
     EXPECT_EQ(table.emptyState(), EmptyState::Failed);
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_EQ(log.entries[0].procedure, "MainForm.LoadURLs()");
@@ -83,7 +83,7 @@ TEST_F(UrlTableTest, aQueryThatFailsIsLoggedAndShowsNothing) {
     EXPECT_EQ(told.title, "Error Loading Cache");
     EXPECT_EQ(told.text, table.failure());
     table.choice.activeQueryName.clear();
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.failure(), "");
 }
 
@@ -91,9 +91,9 @@ TEST_F(UrlTableTest, aCancelledLoadLeavesTheRowsUpToThatMoment) {
     for (int i = 0; i < 20'000; ++i)
         page(i, "x");
     test::CancelAfter soon(3);
-    EXPECT_EQ(table.LoadURLs(soon), LoadResult::Cancelled);
+    EXPECT_EQ(table.loadURLs(soon), LoadResult::Cancelled);
     EXPECT_LT(table.rowCount(), 20'000u);
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.rowCount(), 20'000u);
 }
 
@@ -101,7 +101,7 @@ TEST_F(UrlTableTest, sortsByAColumnWithTiesByKey) {
     const auto b = page(1, "b");
     const auto a = page(2, "A");
     const auto second = page(3, "b");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, task), LoadResult::Loaded);
     EXPECT_EQ(table.ids(), (RowIds{static_cast<std::int32_t>(a), static_cast<std::int32_t>(b),
                                    static_cast<std::int32_t>(second)}));
@@ -113,7 +113,7 @@ TEST_F(UrlTableTest, sortsByAColumnWithTiesByKey) {
 TEST_F(UrlTableTest, menuSortsThatNameOtherTablesColumnsFailAndKeepTheRows) {
     page(1, "b");
     page(2, "a");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     for (const SortChoice choice :
          {SortChoice::UrlFileName, SortChoice::FileSize, SortChoice::Extension}) {
         log.entries.clear();
@@ -129,7 +129,7 @@ TEST_F(UrlTableTest, menuSortsThatNameOtherTablesColumnsFailAndKeepTheRows) {
 TEST_F(UrlTableTest, aTickIsInTheDatabaseAtOnce) {
     const auto id = page(1, "a");
     page(2, "b");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_TRUE(table.setTagged(0, true));
     EXPECT_TRUE(table.isTagged(0));
     EXPECT_EQ(fieldOf(id, "Tagged"), "1");
@@ -141,7 +141,7 @@ TEST_F(UrlTableTest, aTickIsInTheDatabaseAtOnce) {
 
 TEST_F(UrlTableTest, aTickThatCantBeWrittenIsNothingSerious) {
     page(1, "a");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     db().exec("DELETE FROM URLs");
     EXPECT_FALSE(table.setTagged(0, true));
     ASSERT_EQ(log.entries.size(), 1u);
@@ -159,7 +159,7 @@ TEST_F(UrlTableTest, cellsFollowTheirRules) {
                          {"CacheFileExists", std::int64_t{1}},
                          {"RebuiltDateTime", nullptr}});
     insert("LinkAnalysis", {{"Parent_ID", id}, {"Child_ID", id}});
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(table.cell(0, UrlColumn::ActionDateUtc), "2011-06-15 16:00:05");
     EXPECT_EQ(table.cell(0, UrlColumn::ActionDateLocal), "2011-06-15 12:00:05 DST");
     EXPECT_EQ(table.cell(0, UrlColumn::FileCreated), "15-Jun-2011 16:00:05");
@@ -178,7 +178,7 @@ TEST_F(UrlTableTest, cellsFollowTheirRules) {
 
 TEST_F(UrlTableTest, aDateOfMoreThanTenYearsAgoShowsNoZoneText) {
     add({{"ActionDateUTC", test::daysOf({2001, 12, 31, 4, 0, 0})}});
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(table.cell(0, UrlColumn::ActionDateLocal), "");
     EXPECT_EQ(table.cell(0, UrlColumn::ActionDateUtc), "2001-12-31 04:00:00");
 }
@@ -195,7 +195,7 @@ TEST_F(UrlTableTest, aCacheRowWhoseFileIsGoneHasABadPath) {
          {"CacheFileRelativePath", "cache/gone.htm"},
          {"CacheFolderName", "AB"},
          {"Status", "URL "}});
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(table.cell(0, UrlColumn::Status), "URL");
     EXPECT_EQ(table.cell(1, UrlColumn::Status), "Bad Path");
 }
@@ -205,7 +205,7 @@ TEST_F(UrlTableTest, hostileTextsStayOneLineAndWhole) {
     const std::string hostile = std::string("a\0b\n<b>\x1B[31m\u202Ec", 17);
     add({{"URL", huge}});
     add({{"URL", hostile}});
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_LT(table.cell(0, UrlColumn::Value).size(), 10'000u);
     EXPECT_EQ(table.fullText(0, UrlColumn::Value).size(), huge.size());
     const std::string shown = table.cell(1, UrlColumn::Value);
@@ -216,7 +216,7 @@ TEST_F(UrlTableTest, hostileTextsStayOneLineAndWhole) {
 TEST_F(UrlTableTest, movedEvidenceIsMendedAtLoad) {
     const auto id = add({{"RootPath", "/old/"}, {"URL", "a"}});
     table.rootPath = "/new";
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(fieldOf(id, "RootPath"), "/new/");
 }
 
@@ -224,7 +224,7 @@ TEST_F(UrlTableTest, aLoadShowsWhatItIsAt) {
     page(1, "a");
     test::MemoryTask shown;
     table.recordsetDirty = true;
-    EXPECT_EQ(table.LoadURLs(shown), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(shown), LoadResult::Loaded);
     EXPECT_FALSE(table.recordsetDirty);
     ASSERT_EQ(shown.headings.size(), 1u);
     EXPECT_EQ(shown.headings[0].title, "LOADING URLS");
@@ -241,14 +241,14 @@ TEST_F(UrlTableTest, theRecordFiltersComeAfterTheQueryAndStayThroughASort) {
     table.filters.enableFilters = true;
     table.filters.showHistoryURLs = true;
     table.filters.showBlogs = true;
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), (Texts{"b blog", "a blog"}));
     EXPECT_EQ(table.hiddenCount(), 1u);
     EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, task), LoadResult::Loaded);
     EXPECT_EQ(urls(), (Texts{"a blog", "b blog"}));
     EXPECT_EQ(table.hiddenCount(), 1u);
     table.filters.enableFilters = false;
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.rowCount(), 3u);
     EXPECT_EQ(table.hiddenCount(), 0u);
 }
@@ -256,31 +256,31 @@ TEST_F(UrlTableTest, theRecordFiltersComeAfterTheQueryAndStayThroughASort) {
 TEST_F(UrlTableTest, tellsFiltersThatHideEverythingFromAQueryThatFindsNothing) {
     page(1, "a");
     table.filters.enableFilters = true;
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.emptyState(), EmptyState::AllHidden);
     EXPECT_EQ(table.hiddenCount(), 1u);
-    table.choice.FilterByHostEnabled = true;
-    table.choice.FilterByHostValue = "elsewhere";
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    table.choice.filterByHostEnabled = true;
+    table.choice.filterByHostValue = "elsewhere";
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.emptyState(), EmptyState::NoMatches);
     EXPECT_EQ(table.hiddenCount(), 0u);
 }
 
 TEST_F(UrlTableTest, saysWhyItIsEmpty) {
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(table.emptyState(), EmptyState::NoRecords);
     page(1, "a");
     test::CancelAfter now(0);
-    EXPECT_EQ(table.LoadURLs(now), LoadResult::Cancelled);
+    EXPECT_EQ(table.loadURLs(now), LoadResult::Cancelled);
     EXPECT_EQ(table.emptyState(), EmptyState::Cancelled);
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(table.emptyState(), EmptyState::HasRows);
 }
 
 TEST_F(UrlTableTest, aCancelledSortLeavesTheOrder) {
     page(1, "b");
     page(2, "a");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     test::CancelAfter now(0);
     EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, now), LoadResult::Cancelled);
     EXPECT_EQ(urls(), (Texts{"b", "a"}));
@@ -290,7 +290,7 @@ TEST_F(UrlTableTest, aCancelledSortLeavesTheOrder) {
 TEST_F(UrlTableTest, everySortableColumnSorts) {
     page(1, "b");
     page(2, "a");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     for (const UrlColumnFacts &facts : kTableColumns) {
         EXPECT_EQ(table.sortBy(facts.column, SortDirection::Descending, task), LoadResult::Loaded)
             << facts.key;
@@ -303,7 +303,7 @@ TEST_F(UrlTableTest, aSortStaysWithinTheRowsOfTheQuery) {
     for (int i = 0; i < 30; ++i)
         add({{"Visits", std::int64_t{i}}, {"URL", fmt::format("{:02}", i)}});
     table.choice.activeQueryName = "TOP 25 URLs";
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(table.rowCount(), 25u);
     EXPECT_EQ(table.sortBy(UrlColumn::Value, SortDirection::Ascending, task), LoadResult::Loaded);
     ASSERT_EQ(table.rowCount(), 25u);
@@ -314,7 +314,7 @@ TEST_F(UrlTableTest, everyStoredQueryOfANewProjectLoads) {
     page(1, "a");
     for (const StoredQuery &query : StoredQueries(db()).list()) {
         table.choice = {query.name, false, ""};
-        EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded) << query.name;
+        EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded) << query.name;
     }
     EXPECT_TRUE(log.entries.empty());
 }
@@ -322,7 +322,7 @@ TEST_F(UrlTableTest, everyStoredQueryOfANewProjectLoads) {
 TEST_F(UrlTableTest, aCancelledTaggingTagsNone) {
     const auto first = page(1, "a");
     page(2, "b");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     test::CancelAfter soon(1);
     EXPECT_FALSE(table.setTagged(0, 2, true, soon));
     EXPECT_EQ(fieldOf(first, "Tagged"), "0");
@@ -334,7 +334,7 @@ TEST_F(UrlTableTest, aProjectThatCantBeWrittenIsShownAllTheSame) {
     page(1, "a");
     db().exec("PRAGMA query_only = 1");
     table.rootPath = "/new";
-    EXPECT_EQ(table.LoadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
     EXPECT_EQ(urls(), Texts{"a"});
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_FALSE(table.setTagged(0, true));
@@ -362,7 +362,7 @@ struct PaintingTask final : TaskMonitor {
 
 TEST_F(UrlTableTest, cellsThatAreAskedForDuringASortAreThoseAtHand) {
     const auto id = page(1, "a");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     urls();
     PaintingTask painting(table);
     const std::size_t read = table.pagesRead();
@@ -376,7 +376,7 @@ TEST_F(UrlTableTest, cellsThatAreAskedForDuringASortAreThoseAtHand) {
 TEST_F(UrlTableTest, findsARowByItsKey) {
     const auto b = page(2, "b");
     page(1, "a");
-    table.LoadURLs(task);
+    table.loadURLs(task);
     EXPECT_EQ(table.placeOf(UrlId{b}), 1u);
     EXPECT_EQ(table.placeOf(UrlId{99}), std::nullopt);
     EXPECT_EQ(table.idAt(1), UrlId{b});

@@ -8,15 +8,15 @@
 
 namespace nv {
 
-class ThreadClass;
+class TaskStatus;
 
-/// The window behind ThreadClass; the headless program has a progress bar instead.
+/// The window behind TaskStatus; the headless program has a progress bar instead.
 class StatusView {
   public:
     virtual ~StatusView() = default;
     virtual void open() = 0;
     virtual void close() = 0;
-    virtual void update(const ThreadClass &status) = 0;
+    virtual void update(const TaskStatus &status) = 0;
     /// Lets pending window events run; this is how a click on Cancel comes through.
     virtual void pump() = 0;
 };
@@ -32,46 +32,46 @@ struct StatusBar {
 
 /// The status object of the current task. It is no thread: the name is the program's vocabulary.
 /// Tasks see it as their TaskMonitor.
-class ThreadClass final : public TaskMonitor {
+class TaskStatus final : public TaskMonitor {
   public:
     /// `seconds` counts up steadily; it is asked for the clock and the time step.
-    explicit ThreadClass(StatusView &view, std::function<double()> seconds = steadySeconds);
+    explicit TaskStatus(StatusView &view, std::function<double()> seconds = steadySeconds);
 
-    bool ShowTimeElapsed = true;
-    bool ShowIcon = true;
-    bool IsOpen = false;
-    bool CancelTask = false; ///< set by the Cancel button, cleared when the next task starts
-    std::int64_t QueueIndex = 0;
-    std::int64_t QueueItemCount = 0;
-    std::string IconPath;
-    std::string Msg1;
-    std::string Msg2;
-    std::string Msg3;
-    bool TopVisible = false; ///< the upper bar
-    std::string TopMessage;
-    std::int64_t TopCounter = 0;
-    std::int64_t TopTotal = 0;
-    int TopPercent = 0;
-    bool BottomVisible = false; ///< the lower bar
-    std::string BottomMessage;
-    std::int64_t BottomCounter = 0;
-    std::int64_t BottomTotal = 0;
-    int BottomPercent = 0;
-    double StartTimer = 0;             ///< when the task's clock began, in seconds of its own count
-    double ProgressBarRefreshRate = 5; ///< seconds between two changes of the texts
+    bool showTimeElapsed = true;
+    bool showIcon = true;
+    bool isOpen = false;
+    bool cancelTask = false; ///< set by the Cancel button, cleared when the next task starts
+    std::int64_t queueIndex = 0;
+    std::int64_t queueItemCount = 0;
+    std::string iconPath;
+    std::string msg1;
+    std::string msg2;
+    std::string msg3;
+    bool topVisible = false; ///< the upper bar
+    std::string topMessage;
+    std::int64_t topCounter = 0;
+    std::int64_t topTotal = 0;
+    int topPercent = 0;
+    bool bottomVisible = false; ///< the lower bar
+    std::string bottomMessage;
+    std::int64_t bottomCounter = 0;
+    std::int64_t bottomTotal = 0;
+    int bottomPercent = 0;
+    double startTimer = 0;             ///< when the task's clock began, in seconds of its own count
+    double progressBarRefreshRate = 5; ///< seconds between two changes of the texts
 
     /// Shows the status window and starts the clock; a task inside a larger one, which finds it
     /// open, leaves it alone.
-    void OpenThread();
-    void CloseThread();
+    void openThread();
+    void closeThread();
     /// Both bars at rest.
-    void ResetThread();
-    void UpdateStatus();
-    /// "hh:mm:ss" since StartTimer.
-    std::string GetTimeElapsed() const;
-    StatusBar topBar() const { return {TopVisible, TopMessage, TopCounter, TopTotal, TopPercent}; }
+    void resetThread();
+    void updateStatus();
+    /// "hh:mm:ss" since startTimer.
+    std::string getTimeElapsed() const;
+    StatusBar topBar() const { return {topVisible, topMessage, topCounter, topTotal, topPercent}; }
     StatusBar bottomBar() const {
-        return {BottomVisible, BottomMessage, BottomCounter, BottomTotal, BottomPercent};
+        return {bottomVisible, bottomMessage, bottomCounter, bottomTotal, bottomPercent};
     }
     /// The title of the status window.
     std::string windowTitle() const;
@@ -94,13 +94,13 @@ class ThreadClass final : public TaskMonitor {
 /// Opens the status window for a task and closes it at the end, unless a larger task owns it.
 class OpenTask {
   public:
-    OpenTask(ThreadClass &thread, const TaskHeading &heading);
+    OpenTask(TaskStatus &thread, const TaskHeading &heading);
     ~OpenTask();
     OpenTask(const OpenTask &) = delete;
     OpenTask &operator=(const OpenTask &) = delete;
 
   private:
-    ThreadClass &m_thread;
+    TaskStatus &m_thread;
     bool m_owner;
 };
 
