@@ -58,7 +58,7 @@ std::optional<std::int16_t> valueOf(std::string_view text) {
 }
 
 /// A range that runs backwards shows everything, which nobody asks for here.
-void readRange(const std::string &text, PardChoice &PARD) {
+void readRange(const std::string &text, PardChoice &pard) {
     const auto parts = split(text, '-');
     const auto from = parts.size() == 2 ? valueOf(parts[0]) : std::nullopt;
     const auto to = parts.size() == 2 ? valueOf(parts[1]) : std::nullopt;
@@ -66,25 +66,25 @@ void readRange(const std::string &text, PardChoice &PARD) {
         throw UsageError(fmt::format("--pard {}: a range from 0-0 to 100-100 was expected, such as "
                                      "15-40",
                                      text));
-    PARD.fromValue = *from;
-    PARD.toValue = *to;
+    pard.fromValue = *from;
+    pard.toValue = *to;
 }
 
 PardChoice shapesOf(const Arguments &arguments) {
-    PardChoice PARD;
+    PardChoice pard;
     // Sizes count together with a range only; this one leaves no picture out.
-    PARD.toValue = 100;
-    PARD.enablePARD = !arguments.pard.empty() || !arguments.sizes.empty();
+    pard.toValue = 100;
+    pard.enablePARD = !arguments.pard.empty() || !arguments.sizes.empty();
     if (!arguments.pard.empty())
-        readRange(arguments.pard, PARD);
+        readRange(arguments.pard, pard);
     for (const std::string &word : arguments.sizes) {
         const auto *size = std::ranges::find(kSizes, word, &SizeWord::word);
         if (size == kSizes.end())
             throw UsageError(
                 fmt::format("--sizes: xs, s, m, l and xl were expected, not {}", word));
-        PARD.*(size->flag) = true;
+        pard.*(size->flag) = true;
     }
-    return PARD;
+    return pard;
 }
 
 bool isPicture(const fs::path &file) {
