@@ -200,9 +200,9 @@ void macCache(const Wanted &wanted) {
 void netAnalysis(const Wanted &wanted) {
     NetAnalysisCase made;
     each(wanted, [&](std::size_t i) {
-        made.add({.LastVisited = jetDate(2011, 3, 13, 7, 6, static_cast<int>(i % 60)),
-                  .Hits = 1,
-                  .InternetHistory = urlOf(i)});
+        made.add({.lastVisited = jetDate(2011, 3, 13, 7, 6, static_cast<int>(i % 60)),
+                  .hits = 1,
+                  .internetHistory = urlOf(i)});
     });
     writeWhole(wanted.folder / "case.net", made.bytes());
 }

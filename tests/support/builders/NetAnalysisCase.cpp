@@ -25,10 +25,10 @@ double jetDate(int year, int month, int day, int hour, int minute, int second) {
            (hour * 3600 + minute * 60 + second) / 86400.0;
 }
 
-NetAnalysisCase::NetAnalysisCase(std::string_view CachePath, std::string_view Version) {
+NetAnalysisCase::NetAnalysisCase(std::string_view cachePath, std::string_view version) {
     using enum JetType;
     m_file.table("Case", {{"CaseID", longInteger}, {"CachePath", memo}, {"Version", text}});
-    m_file.row({std::int32_t{1}, textOrNull(CachePath), textOrNull(Version)});
+    m_file.row({std::int32_t{1}, textOrNull(cachePath), textOrNull(version)});
     m_file.table("History", {{"URN", longInteger},
                              {"Type", text},
                              {"LastVisited", dateTime},
@@ -49,11 +49,11 @@ NetAnalysisCase::NetAnalysisCase(std::string_view CachePath, std::string_view Ve
 
 NetAnalysisCase &NetAnalysisCase::add(const NetAnalysisEvent &event) {
     m_file.row(
-        {++m_events, textOrNull(event.Type), orNull(event.LastVisited), orNull(event.SecondaryDate),
-         textOrNull(event.User), orNull(event.Hits), textOrNull(event.InternetHistory),
-         textOrNull(event.Hostname), textOrNull(event.URLFileName), event.FileExists,
-         orNull(event.fileOffset), textOrNull(event.HistoryVersion), textOrNull(event.ContentData),
-         textOrNull(event.Comment), textOrNull(event.Status), textOrNull(event.SearchCriteria)},
+        {++m_events, textOrNull(event.type), orNull(event.lastVisited), orNull(event.secondaryDate),
+         textOrNull(event.user), orNull(event.hits), textOrNull(event.internetHistory),
+         textOrNull(event.hostname), textOrNull(event.urlFileName), event.fileExists,
+         orNull(event.fileOffset), textOrNull(event.historyVersion), textOrNull(event.contentData),
+         textOrNull(event.comment), textOrNull(event.status), textOrNull(event.searchCriteria)},
         event.place);
     return *this;
 }

@@ -11,21 +11,21 @@ namespace nv::test {
 
 /// One row of table `History`. What is empty or nothing is null in the file.
 struct NetAnalysisEvent {
-    std::string Type = "URL";
-    std::optional<double> LastVisited = {}; ///< days since 1899-12-30, local
-    std::optional<double> SecondaryDate = {};
-    std::string User = {};
-    std::optional<std::int32_t> Hits = {};
-    std::string InternetHistory = {};
-    std::string Hostname = {};
-    std::string URLFileName = {};
-    bool FileExists = false;
+    std::string type = "URL";
+    std::optional<double> lastVisited = {}; ///< days since 1899-12-30, local
+    std::optional<double> secondaryDate = {};
+    std::string user = {};
+    std::optional<std::int32_t> hits = {};
+    std::string internetHistory = {};
+    std::string hostname = {};
+    std::string urlFileName = {};
+    bool fileExists = false;
     std::optional<std::int32_t> fileOffset = {};
-    std::string HistoryVersion = {};
-    std::string ContentData = {};
-    std::string Comment = {};
-    std::string Status = {};
-    std::string SearchCriteria = {};
+    std::string historyVersion = {};
+    std::string contentData = {};
+    std::string comment = {};
+    std::string status = {};
+    std::string searchCriteria = {};
     JetPlace place = JetPlace::here;
 };
 
@@ -35,8 +35,8 @@ double jetDate(int year, int month, int day, int hour = 0, int minute = 0, int s
 /// Makes a case file: a Jet 4 database with tables `Case` and `History`.
 class NetAnalysisCase {
   public:
-    explicit NetAnalysisCase(std::string_view CachePath = "C:\\Export\\Content.IE5",
-                             std::string_view Version = "1.37");
+    explicit NetAnalysisCase(std::string_view cachePath = "C:\\Export\\Content.IE5",
+                             std::string_view version = "1.37");
     NetAnalysisCase &add(const NetAnalysisEvent &event);
     std::string bytes() const { return m_file.bytes(); }
     /// Where the last bytes() put things.

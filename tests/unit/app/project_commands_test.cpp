@@ -71,12 +71,12 @@ TEST_F(ProjectCommandsTest, closingKeepsTheZoneAndResetsTheDefaultQuery) {
 
 TEST_F(ProjectCommandsTest, closingResetsThePardRange) {
     commands.openFile(path, OpenMode::newAtPath);
-    PardChoice &PARD = program->thisClass.pard;
-    PARD.fromValue = 1;
-    PARD.toValue = 99;
+    PardChoice &pard = program->thisClass.pard;
+    pard.fromValue = 1;
+    pard.toValue = 99;
     commands.closeFile();
-    EXPECT_EQ(PARD.fromValue, 15);
-    EXPECT_EQ(PARD.toValue, 40);
+    EXPECT_EQ(pard.fromValue, 15);
+    EXPECT_EQ(pard.toValue, 40);
 }
 
 TEST_F(ProjectCommandsTest, aChangedDefaultQueryIsTold) {

@@ -18,8 +18,8 @@ using Reading = test::NetAnalysisFixture;
 struct NetAnalysisDamage : Reading {
     NetAnalysisDamage() {
         for (int i = 1; i <= 60; ++i)
-            made.add({.InternetHistory = fmt::format("http://a/{}", i),
-                      .ContentData = i == 2 ? std::string(5000, 'x') : std::string()});
+            made.add({.internetHistory = fmt::format("http://a/{}", i),
+                      .contentData = i == 2 ? std::string(5000, 'x') : std::string()});
         bytes = made.bytes();
         pages = made.file().rowPages("History");
         definition = made.file().definitionPage("History") * Jet4::kPage;

@@ -12,21 +12,21 @@ using test::NetAnalysisEvent;
 using NetAnalysisRecord = test::NetAnalysisFixture;
 
 NetAnalysisEvent wholeEvent() {
-    return {.Type = "LEAK",
-            .LastVisited = jetDate(2011, 3, 14, 9, 26, 53),
-            .SecondaryDate = jetDate(2011, 3, 13, 1, 2, 3),
-            .User = "mara",
-            .Hits = 12,
-            .InternetHistory = "http://www.harbour-news.example/a%20b.htm?q=1",
-            .Hostname = "harbour",
-            .URLFileName = "A1B2C3D4\\a%20b[1].htm",
-            .FileExists = true,
+    return {.type = "LEAK",
+            .lastVisited = jetDate(2011, 3, 14, 9, 26, 53),
+            .secondaryDate = jetDate(2011, 3, 13, 1, 2, 3),
+            .user = "mara",
+            .hits = 12,
+            .internetHistory = "http://www.harbour-news.example/a%20b.htm?q=1",
+            .hostname = "harbour",
+            .urlFileName = "A1B2C3D4\\a%20b[1].htm",
+            .fileExists = true,
             .fileOffset = 21760,
-            .HistoryVersion = "5.2",
-            .ContentData = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n",
-            .Comment = "seen twice",
-            .Status = "typed, Redirected",
-            .SearchCriteria = "q=1"};
+            .historyVersion = "5.2",
+            .contentData = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n",
+            .comment = "seen twice",
+            .status = "typed, Redirected",
+            .searchCriteria = "q=1"};
 }
 
 TEST_F(NetAnalysisRecord, hasEveryField) {
@@ -70,7 +70,7 @@ TEST_F(NetAnalysisRecord, hasEveryField) {
 }
 
 TEST_F(NetAnalysisRecord, ofARowOfNullsIsKept) {
-    const UrlRecord &record = only({.Type = ""});
+    const UrlRecord &record = only({.type = ""});
     EXPECT_FALSE(record.ActionDateUTC.has() || record.OtherDate.has());
     EXPECT_EQ(record.OtherDateMeaning, "Other");
     EXPECT_EQ(record.Visits, -1); // 0 would say that nobody went there
@@ -80,23 +80,23 @@ TEST_F(NetAnalysisRecord, ofARowOfNullsIsKept) {
 }
 
 TEST_F(NetAnalysisRecord, joinsTypeAndStatus) {
-    EXPECT_EQ(only({.Type = "URL", .Status = ""}).Status, "URL");
-    EXPECT_EQ(only({.Type = "", .Status = "Redirected"}).Status, "Redirected");
-    EXPECT_EQ(only({.Type = "URL", .Status = "Redirected"}).Status, "URL, Redirected");
+    EXPECT_EQ(only({.type = "URL", .status = ""}).Status, "URL");
+    EXPECT_EQ(only({.type = "", .status = "Redirected"}).Status, "Redirected");
+    EXPECT_EQ(only({.type = "URL", .status = "Redirected"}).Status, "URL, Redirected");
 }
 
 TEST_F(NetAnalysisRecord, isTypedBySmallLettersInTheStatusAlone) {
-    EXPECT_TRUE(only({.Status = "x typed"}).Typed);
-    EXPECT_FALSE(only({.Status = "Orphan Typed"}).Typed);
-    EXPECT_FALSE(only({.Type = "typed", .Status = ""}).Typed);
+    EXPECT_TRUE(only({.status = "x typed"}).Typed);
+    EXPECT_FALSE(only({.status = "Orphan Typed"}).Typed);
+    EXPECT_FALSE(only({.type = "typed", .status = ""}).Typed);
 }
 
 TEST_F(NetAnalysisRecord, takesTheHostOfTheUrlWhereTheCaseHasNone) {
-    EXPECT_EQ(only({.InternetHistory = "http://www.a.example/b"}).host, "www.a.example");
+    EXPECT_EQ(only({.internetHistory = "http://www.a.example/b"}).host, "www.a.example");
 }
 
 TEST_F(NetAnalysisRecord, keepsTheUrlAsTheCaseHasIt) {
-    const UrlRecord &record = only({.InternetHistory = "Visited: mara@http://a/%41"});
+    const UrlRecord &record = only({.internetHistory = "Visited: mara@http://a/%41"});
     EXPECT_EQ(record.URL, "Visited: mara@http://a/%41");
     EXPECT_EQ(record.URLRawValue, record.URL);
 }
@@ -114,31 +114,31 @@ TEST_F(NetAnalysisRecord, hasDatesOfEveryYear) {
         {-1e300, ""},
     };
     for (const auto &[days, text] : dates)
-        EXPECT_EQ(isoUtc(only({.LastVisited = days}).ActionDateUTC), text) << days;
+        EXPECT_EQ(isoUtc(only({.lastVisited = days}).ActionDateUTC), text) << days;
 }
 
 TEST_F(NetAnalysisRecord, hasTextOfEveryScriptAndLength) {
     for (const std::string text :
          {"\u00fcmlaut", "\u0433\u0430\u0432\u0430\u043d\u044c", "\U0001F980 crab"}) {
-        const UrlRecord &record = only({.User = text, .Comment = text});
+        const UrlRecord &record = only({.user = text, .comment = text});
         EXPECT_EQ(record.User, text);
         EXPECT_EQ(record.Notes, text);
     }
     for (const std::size_t length : {1, 62, 63, 64, 3998, 3999, 4000, 8000, 30000}) {
         const std::string text = std::string(length - 1, 'x') + "y";
-        EXPECT_EQ(only({.ContentData = text}).MetaData, text) << length;
+        EXPECT_EQ(only({.contentData = text}).MetaData, text) << length;
     }
 }
 
 TEST_F(NetAnalysisRecord, showsAZeroInsteadOfEndingThere) {
-    EXPECT_EQ(only({.InternetHistory = std::string("http://a/\0b", 11)}).URL, "http://a/\u2400b");
+    EXPECT_EQ(only({.internetHistory = std::string("http://a/\0b", 11)}).URL, "http://a/\u2400b");
 }
 
 TEST_F(NetAnalysisRecord, findsTheCachedFileBelowTheEvidence) {
     const auto cached = folder.write("Export/Content.IE5/A1B2C3D4/A b[1].htm", "<html>");
     folder.write("Cases/one.net",
                  NetAnalysisCase("C:\\export\\content.ie5")
-                     .add({.URLFileName = "a1b2c3d4\\a b[1].htm", .FileExists = true})
+                     .add({.urlFileName = "a1b2c3d4\\a b[1].htm", .fileExists = true})
                      .bytes());
     readAgain();
     ASSERT_EQ(sink.records.size(), 1U);
@@ -154,13 +154,13 @@ TEST_F(NetAnalysisRecord, findsTheCachedFileBelowTheEvidence) {
 
 TEST_F(NetAnalysisRecord, findsTheCachedFileBesideTheCase) {
     const auto cached = folder.write("Cases/cache/a.htm", "<html>");
-    read(NetAnalysisCase("cache").add({.URLFileName = "a.htm", .FileExists = true}));
+    read(NetAnalysisCase("cache").add({.urlFileName = "a.htm", .fileExists = true}));
     EXPECT_EQ(sink.records.at(0).RunTimeContentPath, cached);
 }
 
 TEST_F(NetAnalysisRecord, looksForNoFileThatTheCaseLacked) {
     folder.write("Cases/cache/a.htm", "<html>");
-    read(NetAnalysisCase("cache").add({.URLFileName = "a.htm", .FileExists = false}));
+    read(NetAnalysisCase("cache").add({.urlFileName = "a.htm", .fileExists = false}));
     EXPECT_FALSE(sink.records.at(0).CacheFileExists);
     EXPECT_EQ(sink.records.at(0).CacheFileSize, 0);
 }
@@ -174,13 +174,13 @@ TEST_F(NetAnalysisRecord, neverLeadsOutOfTheEvidence) {
         {"/etc", "passwd"},        {"\\\\server\\etc", "passwd"},
         {"", "/etc/passwd"}};
     for (const auto &[cachePath, name] : hostile) {
-        read(NetAnalysisCase(cachePath).add({.URLFileName = name, .FileExists = true}));
+        read(NetAnalysisCase(cachePath).add({.urlFileName = name, .fileExists = true}));
         ASSERT_EQ(sink.records.size(), 1U);
         EXPECT_EQ(sink.records[0].RunTimeContentPath, "") << cachePath;
         EXPECT_TRUE(sink.records[0].CacheFileExists); // the case's word, not ours
     }
     base = "/"; // without a base folder there is no root that could stand for the case's "C:"
-    read(NetAnalysisCase("/etc").add({.URLFileName = "passwd", .FileExists = true}));
+    read(NetAnalysisCase("/etc").add({.urlFileName = "passwd", .fileExists = true}));
     EXPECT_EQ(sink.records.at(0).RunTimeContentPath, "");
 }
 

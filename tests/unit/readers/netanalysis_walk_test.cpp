@@ -18,7 +18,7 @@ using NetAnalysisWalk = test::NetAnalysisFixture;
 NetAnalysisCase caseOf(int events, JetPlace place = JetPlace::here) {
     NetAnalysisCase made;
     for (int i = 1; i <= events; ++i)
-        made.add({.InternetHistory = fmt::format("http://a/{}", i), .place = place});
+        made.add({.internetHistory = fmt::format("http://a/{}", i), .place = place});
     return made;
 }
 
@@ -70,8 +70,8 @@ TEST_F(NetAnalysisWalk, readsACaseWithoutEvents) {
 
 TEST_F(NetAnalysisWalk, countsDeletedRows) {
     NetAnalysisCase made = caseOf(1);
-    made.add({.InternetHistory = "http://deleted/", .place = JetPlace::deleted});
-    made.add({.InternetHistory = "http://b/"});
+    made.add({.internetHistory = "http://deleted/", .place = JetPlace::deleted});
+    made.add({.internetHistory = "http://b/"});
     read(made);
     EXPECT_EQ(result.state, ReadState::complete) << result.reason;
     EXPECT_THAT(urls(), ElementsAre("http://a/1", "http://b/"));
@@ -81,8 +81,8 @@ TEST_F(NetAnalysisWalk, countsDeletedRows) {
 
 TEST_F(NetAnalysisWalk, followsRowsThatLieElsewhere) {
     NetAnalysisCase made = caseOf(1);
-    made.add({.InternetHistory = "http://moved/", .place = JetPlace::elsewhere});
-    made.add({.InternetHistory = "http://b/"});
+    made.add({.internetHistory = "http://moved/", .place = JetPlace::elsewhere});
+    made.add({.internetHistory = "http://b/"});
     read(made);
     EXPECT_EQ(result.state, ReadState::complete) << result.reason;
     EXPECT_THAT(urls(), ElementsAre("http://a/1", "http://moved/", "http://b/"));

@@ -21,9 +21,9 @@ class HostilePages : public test::RebuildFixture {
     }
     /// Whether the page was rebuilt; it has to end within a minute.
     bool rebuildSoon(const std::string &html) {
-        html_id = add("http://host/page.html", html, "Opera Cache");
+        htmlId = add("http://host/page.html", html, "Opera Cache");
         const auto begin = std::chrono::steady_clock::now();
-        const bool rebuilt = rebuild(html_id);
+        const bool rebuilt = rebuild(htmlId);
         const auto took = std::chrono::steady_clock::now() - begin;
         EXPECT_LT(took, std::chrono::seconds(60));
         RecordProperty(
@@ -32,9 +32,9 @@ class HostilePages : public test::RebuildFixture {
         EXPECT_TRUE(project.log.entries.empty());
         return rebuilt;
     }
-    std::string rebuiltPage() { return fileOf(html_id, sidOf(html_id) + ".htm"); }
+    std::string rebuiltPage() { return fileOf(htmlId, sidOf(htmlId) + ".htm"); }
 
-    UrlId html_id = UrlId::none;
+    UrlId htmlId = UrlId::none;
 };
 
 TEST_F(HostilePages, ofRulesWithoutValues) {

@@ -11,11 +11,11 @@ namespace {
 constexpr GalleryMedia kNoMedia{false, false};
 
 PardChoice range(std::int16_t from, std::int16_t to) {
-    PardChoice PARD;
-    PARD.enablePARD = true;
-    PARD.fromValue = from;
-    PARD.toValue = to;
-    return PARD;
+    PardChoice pard;
+    pard.enablePARD = true;
+    pard.fromValue = from;
+    pard.toValue = to;
+    return pard;
 }
 
 TEST(PardValue, tellsPhotographsFromBanners) {
@@ -53,18 +53,18 @@ TEST(BuildGalleryFilter, standsAloneWithoutASizeFlag) {
 }
 
 TEST(BuildGalleryFilter, joinsTheSizesInTheirOrder) {
-    PardChoice PARD = range(0, 100);
-    PARD.showXLargePics = PARD.showXSmallPics = true;
-    EXPECT_EQ(buildGalleryFilter(PARD, kNoMedia),
+    PardChoice pard = range(0, 100);
+    pard.showXLargePics = pard.showXSmallPics = true;
+    EXPECT_EQ(buildGalleryFilter(pard, kNoMedia),
               " AND (PARDValue >= 0 AND PARDValue <= 100) AND ((PictureWidth <= 39 AND "
               "PictureHeight <= 39) OR (PictureWidth > 1199 AND PictureHeight > 1199))");
 }
 
 TEST(BuildGalleryFilter, keepsTheBoundsOfEachClass) {
     const auto of = [](bool PardChoice::*flag) {
-        PardChoice PARD = range(0, 100);
-        PARD.*flag = true;
-        return buildGalleryFilter(PARD, kNoMedia)
+        PardChoice pard = range(0, 100);
+        pard.*flag = true;
+        return buildGalleryFilter(pard, kNoMedia)
             .substr(buildGalleryFilter(range(0, 100), kNoMedia).size());
     };
     EXPECT_EQ(of(&PardChoice::showXSmallPics),
@@ -83,17 +83,17 @@ TEST(BuildGalleryFilter, keepsTheBoundsOfEachClass) {
 }
 
 TEST(BuildGalleryFilter, dropsAllOfARangeThatRunsBackwards) {
-    PardChoice PARD = range(41, 40);
-    PARD.showSmallPics = true;
-    EXPECT_EQ(buildGalleryFilter(PARD, kNoMedia), "");
-    EXPECT_EQ(buildGalleryFilter(PARD, {true, false}), " AND IsPicture = True");
+    PardChoice pard = range(41, 40);
+    pard.showSmallPics = true;
+    EXPECT_EQ(buildGalleryFilter(pard, kNoMedia), "");
+    EXPECT_EQ(buildGalleryFilter(pard, {true, false}), " AND IsPicture = True");
 }
 
 TEST(BuildGalleryFilter, leavesSizesUnusedWithoutPard) {
-    PardChoice PARD = range(15, 40);
-    PARD.enablePARD = false;
-    PARD.showSmallPics = true;
-    EXPECT_EQ(buildGalleryFilter(PARD, kNoMedia), "");
+    PardChoice pard = range(15, 40);
+    pard.enablePARD = false;
+    pard.showSmallPics = true;
+    EXPECT_EQ(buildGalleryFilter(pard, kNoMedia), "");
 }
 
 TEST(BuildGalleryFilter, choosesTheMedia) {
