@@ -18,6 +18,7 @@ inline constexpr std::int64_t kVisitsUnknown = -1;
 /// `host` (Host), `Tag` (Tagged), `cacheType` (CacheType), `WebpageTitle` (webPageTitle) and
 /// `CacheFileCreatedGMTDOS` (CacheFileCreated).
 struct UrlRecord {
+    // NOLINTBEGIN(readability-identifier-naming)
     // Identity
     UrlId URLID = UrlId::none;
     SourceFileId SourceFile_ID = SourceFileId::none;
@@ -120,6 +121,7 @@ struct UrlRecord {
     std::uint64_t CacheFileNameRecordOffset = 0;
     bool IsValidHTMLPictureObject = false;
     bool IsValidHTMLTagObject = false;
+    // NOLINTEND(readability-identifier-naming)
 };
 
 } // namespace nv
