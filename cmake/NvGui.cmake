@@ -1,8 +1,8 @@
-# The windows: the sources of all ui/ folders and of platform/qt are one target.
+# The windows: the sources of src/ui and of platform/qt are one target.
 find_package(Qt6 6.4 REQUIRED COMPONENTS DBus Widgets Svg WebEngineCore WebEngineWidgets)
 
 file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/*.cpp")
-list(FILTER sources INCLUDE REGEX "/src/([a-z]+/ui|platform/qt)/")
+list(FILTER sources INCLUDE REGEX "/src/(ui|platform/qt)/")
 list(FILTER sources EXCLUDE REGEX "/src/platform/qt/(ImageThumbnailer|SheetPainter|Page[A-Za-z]+)\\.cpp")
 add_library(nv_ui STATIC ${sources} "${CMAKE_SOURCE_DIR}/data/images/images.qrc")
 set_target_properties(nv_ui PROPERTIES AUTOMOC ON AUTORCC ON)

@@ -1,5 +1,5 @@
 # What `cmake --install` puts where. The programs look for their files relative to themselves
-# (app/ProgramPaths.h, platform/ChildProcess.h), so an installed tree can be moved as a whole.
+# (app/program/ProgramPaths.h, platform/ChildProcess.h), so an installed tree can be moved as a whole.
 set(NV_ID org.norvelane.Norvelane)
 
 # SOURCE_DATE_EPOCH in the environment fixes it: two builds of one commit are the same.

@@ -16,12 +16,12 @@ function(nv_test_options NAME)
   endif()
 endfunction()
 
-# nv_module(NAME [LINK targets...]): the static library nv_NAME of all sources of src/NAME,
-# but those of its ui/ folder (windows are one target of their own) and of platform/qt.
+# nv_module(NAME [LINK targets...]): the static library nv_NAME of all sources of src/NAME, but those of
+# platform/qt, which go with the windows.
 function(nv_module NAME)
   cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/${NAME}/*.cpp")
-  list(FILTER sources EXCLUDE REGEX "/src/([a-z]+/ui|platform/(qt|win))/")
+  list(FILTER sources EXCLUDE REGEX "/src/platform/(qt|win)/")
   if(sources)
     add_library(nv_${NAME} STATIC ${sources})
     target_include_directories(nv_${NAME} PUBLIC "${CMAKE_SOURCE_DIR}/src")
@@ -37,7 +37,7 @@ endfunction()
 # nv_unit_test(FOLDER [LINK targets...]): the program test_FOLDER of all tests/unit/FOLDER/*_test.cpp.
 function(nv_unit_test FOLDER)
   cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/unit/${FOLDER}/*_test.cpp")
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/unit/${FOLDER}/*_test.cpp")
   if(NOT sources)
     return()
   endif()

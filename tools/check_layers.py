@@ -3,12 +3,13 @@
 
 - "folder/..." may point to the same or a lower layer only, and two folders never to each other.
 - Includes are written from src/, with quotation marks.
-- Qt stands in windows (*/ui/), platform/qt and programs only, and so do includes of them.
+- Rooms of a layer have an order too.
+- Qt stands in ui, platform/qt and programs only, and so do includes of them.
 - A library that reads one kind of thing is included where that is read (LIBRARY_FOLDERS).
 - A family of readers never includes another one, nor do windows and the command line.
 - The words of kinds of records stand in the readers' folders: everybody else asks readers/RecordKind.h.
 - `catch` stands in the traps, main functions, platform adapters and the database's error adapter.
-- Settings are read and written by their rows (app/Settings.h), never by section and key.
+- Settings are read and written by their rows (app/settings/Settings.h), never by section and key.
 - Readers and the import ask the file system nothing and open nothing themselves: what lies in the
   evidence they ask of readers/Evidence, what they made themselves of readers/Scratch.
 
@@ -34,6 +35,15 @@ LAYERS = [
 ]
 RANK = {folder: rank for rank, layer in enumerate(LAYERS) for folder in layer}
 
+# Two ways into the program that know nothing of each other.
+APART = {"cli", "ui"}
+
+# Rooms of a layer, from the lowest to the highest: what a file includes lies in its own room or in a lower one.
+ROOMS = {
+    "app": ("messages", "settings", "program", "project", "jobs", "options", ""),
+    "ui": ("views", "rebuild", "reports", "import", "maintenance", "options", "window"),
+}
+
 # Folders of readers/ that are no family but help several.
 SHARED_BY_READERS = {"sqlite", "xml", "plist", "common"}
 
@@ -47,7 +57,7 @@ FAMILIES_ALLOWED = {
 }
 
 QT = re.compile(r"Q[A-Z]\w*(/.*)?|Qt\w*/.*|q\w+\.h")
-QT_FOLDERS = re.compile(r"src/(.*/)?ui/|src/platform/qt/|src/programs/")
+QT_FOLDERS = re.compile(r"src/(ui|platform/qt|programs)/")
 
 # The parser of pages stands below one reading of pages, which has the limits and the places.
 LIBRARY_FOLDERS = {"gumbo.h": "src/markup/"}
@@ -77,16 +87,21 @@ PAST_EVIDENCE = re.compile(
     r"|(?<![\w.>)])::(?:f|l)?(?:stat|statx|open|openat|access|opendir|fopen|unlink|rename)\s*\(")
 
 
-# What stands in the settings file is asked of app/IniFile by these alone: the rows themselves, and
+# What stands in the settings file is asked of app/settings/IniFile by these alone: the rows themselves, and
 # the places of windows, which are no settings.
 INI_PLACES = re.compile(r"src/app/(IniFile|Settings|SettingsTable|Options)\.(h|cpp)"
-                        r"|src/cli/OptionsCommand\.cpp|src/app/ui/WindowLayout\.cpp")
+                        r"|src/cli/OptionsCommand\.cpp|src/ui/window/WindowLayout\.cpp")
 
 
 def layer_of(name):
-    """Layer of a file named from src/: windows are a layer of their own, wherever they lie."""
-    folders = name.split("/")[:-1]
-    return "ui" if "ui" in folders else folders[0] if folders else ""
+    """Layer of a file named from src/."""
+    return name.split("/")[0] if "/" in name else ""
+
+
+def room_of(name):
+    """Room of a file within its layer: "" stands above the others."""
+    parts = name.split("/")
+    return parts[1] if len(parts) > 2 else ""
 
 
 def family_of(name):
@@ -104,7 +119,7 @@ def include_faults(file, name, bracket):
         if ours:
             yield f'<{name}> is ours: write "{name}"'
         if QT.fullmatch(name) and not QT_FOLDERS.match("src/" + file):
-            yield f"<{name}>: Qt stands only in */ui/, platform/qt and programs"
+            yield f"<{name}>: Qt stands only in ui, platform/qt and programs"
         if not f"src/{file}".startswith(folder := LIBRARY_FOLDERS.get(name, "")):
             yield f"<{name}>: only {folder} knows it"
         return
@@ -118,6 +133,12 @@ def include_faults(file, name, bracket):
         yield f'"{name}" points up: {theirs} lies above {mine}'
     if (mine, theirs) in STRANGERS:
         yield f'"{name}": {mine} must not know {theirs}'
+    if {mine, theirs} == APART:
+        yield f'"{name}": {mine} must not know {theirs}'
+    if mine == theirs and mine in ROOMS:
+        order, rooms = ROOMS[mine], (room_of(file), room_of(name))
+        if set(rooms) <= set(order) and order.index(rooms[1]) > order.index(rooms[0]):
+            yield f'"{name}" points up: room {rooms[1] or mine} lies above {rooms[0]}'
     if name.startswith("platform/qt/") and not QT_FOLDERS.match("src/" + file):
         yield f'"{name}": only windows and programs know platform/qt'
     families = (family_of(file), family_of(name))
@@ -147,6 +168,8 @@ def file_faults(path, words):
     file = path.removeprefix("src/")
     if layer_of(file) not in RANK:
         yield 1, f"src/{file.split('/')[0]} has no layer: name it in tools/check_layers.py"
+    if room_of(file) not in ROOMS.get(layer_of(file), (room_of(file),)):
+        yield 1, f"src/{layer_of(file)}/{room_of(file)} is no room: name it in tools/check_layers.py"
     for line, bracket, name in includes(text):
         for fault in include_faults(file, name, bracket):
             yield line, fault
@@ -159,7 +182,7 @@ def file_faults(path, words):
         yield from faults_of(bare, r"\bcatch\s*\(", "catch: use the traps of base/Trap.h")
     if not INI_PLACES.fullmatch(path):
         yield from faults_of(bare, r"\b(Read|Write)IniValue\s*\(",
-                             "a setting has a row: use app/Settings.h")
+                             "a setting has a row: use app/settings/Settings.h")
 
 
 def faults_of(bare, pattern, fault):

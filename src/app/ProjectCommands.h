@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Program.h"
+#include "app/program/Program.h"
 
 #include <filesystem>
 #include <functional>

@@ -1,5 +1,5 @@
-#include "app/Project.h"
-#include "app/RebuildJob.h"
+#include "app/jobs/RebuildJob.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "cli/Commands.h"
 #include "cli/RowCheck.h"

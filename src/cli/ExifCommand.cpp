@@ -1,4 +1,4 @@
-#include "app/RecordContent.h"
+#include "app/jobs/RecordContent.h"
 #include "cli/Commands.h"
 #include "cli/RowContent.h"
 #include "cli/Session.h"

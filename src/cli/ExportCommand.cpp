@@ -1,5 +1,5 @@
-#include "app/Project.h"
-#include "app/Trail.h"
+#include "app/jobs/Trail.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "cli/ChosenFilters.h"

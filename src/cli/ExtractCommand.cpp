@@ -1,4 +1,4 @@
-#include "app/RecordContent.h"
+#include "app/jobs/RecordContent.h"
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Text.h"

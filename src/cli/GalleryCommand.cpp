@@ -1,5 +1,5 @@
-#include "app/DrawingTools.h"
-#include "app/Project.h"
+#include "app/program/DrawingTools.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "cli/ChosenFilters.h"

@@ -1,6 +1,6 @@
 #include "cli/Grammar.h"
 
-#include "app/Version.h"
+#include "app/program/Version.h"
 #include "cli/CommandHints.h"
 
 #include <CLI/CLI.hpp>

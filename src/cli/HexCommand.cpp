@@ -1,5 +1,5 @@
-#include "app/Project.h"
-#include "app/RecordContent.h"
+#include "app/jobs/RecordContent.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "cli/Commands.h"

@@ -1,4 +1,4 @@
-#include "app/Project.h"
+#include "app/project/Project.h"
 #include "cli/Commands.h"
 #include "cli/LoadedTable.h"
 #include "cli/Session.h"

@@ -1,5 +1,5 @@
-#include "app/LinkJob.h"
-#include "app/Project.h"
+#include "app/jobs/LinkJob.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "cli/Commands.h"

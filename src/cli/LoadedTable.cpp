@@ -1,6 +1,6 @@
 #include "cli/LoadedTable.h"
 
-#include "app/Project.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "cli/RowWriter.h"

@@ -1,4 +1,4 @@
-#include "app/Project.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "cli/Commands.h"

@@ -1,7 +1,7 @@
 #include "cli/OutputPath.h"
 
-#include "app/EvidenceFolders.h"
-#include "app/Messages.h"
+#include "app/messages/Messages.h"
+#include "app/project/EvidenceFolders.h"
 #include "cli/Session.h"
 #include "readers/Evidence.h"
 #include "reports/ExportFile.h"

@@ -1,7 +1,7 @@
 #include "cli/ReadProject.h"
 
-#include "app/Messages.h"
-#include "app/Project.h"
+#include "app/messages/Messages.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "cli/Session.h"
 #include "db/ReadOnlyConnection.h"

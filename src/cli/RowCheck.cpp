@@ -1,8 +1,8 @@
 #include "cli/RowCheck.h"
 
-#include "app/Project.h"
-#include "app/RebuildJob.h"
-#include "app/RebuildText.h"
+#include "app/jobs/RebuildJob.h"
+#include "app/jobs/RebuildText.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "cli/Session.h"
 #include "db/Damage.h"

@@ -1,7 +1,7 @@
 #include "cli/RowContent.h"
 
-#include "app/Project.h"
-#include "app/RecordContent.h"
+#include "app/jobs/RecordContent.h"
+#include "app/project/Project.h"
 #include "cli/RowCheck.h"
 #include "cli/RowWriter.h"
 #include "cli/Session.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Project.h"
+#include "app/project/Project.h"
 #include "cli/TerminalTask.h"
 #include "cli/UsageError.h"
 #include "platform/posix/PosixSystemTime.h"

@@ -1,4 +1,4 @@
-#include "app/Project.h"
+#include "app/project/Project.h"
 #include "cli/Commands.h"
 #include "cli/ReadProject.h"
 #include "cli/RowCheck.h"

@@ -1,5 +1,5 @@
-#include "app/Project.h"
-#include "app/TemplateJob.h"
+#include "app/jobs/TemplateJob.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "cli/Commands.h"
 #include "cli/HandOver.h"

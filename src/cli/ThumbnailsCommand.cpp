@@ -1,5 +1,5 @@
-#include "app/Project.h"
-#include "app/ThumbnailJob.h"
+#include "app/jobs/ThumbnailJob.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"

@@ -1,5 +1,5 @@
-#include "app/Messages.h"
-#include "app/Project.h"
+#include "app/messages/Messages.h"
+#include "app/project/Project.h"
 #include "base/Files.h"
 #include "cli/Commands.h"
 #include "cli/Session.h"

@@ -1,4 +1,4 @@
-#include "app/Trail.h"
+#include "app/jobs/Trail.h"
 #include "cli/Commands.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"

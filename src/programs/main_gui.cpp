@@ -1,9 +1,6 @@
-#include "app/Messages.h"
-#include "app/Program.h"
-#include "app/Settings.h"
-#include "app/ui/MainForm.h"
-#include "app/ui/SplashForm.h"
-#include "app/ui/StatusForm.h"
+#include "app/messages/Messages.h"
+#include "app/program/Program.h"
+#include "app/settings/Settings.h"
 #include "platform/posix/PosixSystemTime.h"
 #include "platform/posix/SysfsNetwork.h"
 #include "platform/qt/GuardedApplication.h"
@@ -12,6 +9,9 @@
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtExaminer.h"
 #include "platform/qt/QtText.h"
+#include "ui/window/MainForm.h"
+#include "ui/window/SplashForm.h"
+#include "ui/window/StatusForm.h"
 
 #include <QThread>
 #include <QWindow>

@@ -1,6 +1,6 @@
 // norvelane-man DATE: writes the manual page of norvelane-cli. The build runs it.
 
-#include "app/Version.h"
+#include "app/program/Version.h"
 #include "cli/ManPage.h"
 
 #include <fmt/format.h>

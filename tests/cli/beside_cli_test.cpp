@@ -1,5 +1,5 @@
-#include "app/ProjectHold.h"
-#include "app/ScratchFolder.h"
+#include "app/program/ProjectHold.h"
+#include "app/program/ScratchFolder.h"
 #include "cli/CliCase.h"
 #include "support/TestDoubles.h"
 

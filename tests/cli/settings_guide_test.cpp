@@ -1,5 +1,5 @@
 // What the guides say of settings, held against the table of them.
-#include "app/Settings.h"
+#include "app/settings/Settings.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "support/Places.h"

@@ -22,8 +22,11 @@ struct CheckingSink final : nv::RecordSink {
         : evidence(files), target(std::move(folder)) {}
     void save(nv::UrlRecord &record) override {
         require(++count <= kSlots && record.URL.size() <= kLongestUrl);
-        require(!nv::fetchChromeBody(record, evidence, target) ||
-                fs::file_size(target) <= kLongestFile);
+        nv::BodyTarget body(target, kLongestFile);
+        if (nv::fetchChromeBody(record, evidence, body)) {
+            const nv::Body fetched = body.take();
+            require(fetched.isInMemory && fetched.bytes.size() <= kLongestFile);
+        }
     }
 
     static constexpr std::size_t kSlots = 64;

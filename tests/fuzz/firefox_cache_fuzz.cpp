@@ -22,10 +22,16 @@ struct FetchingSink final : nv::RecordSink {
     void save(nv::UrlRecord &record) override {
         require(++records <= 16 && record.CacheFileSize >= 0 && record.DataBlockFileOffset >= 0);
         require(record.MetaData.size() <= std::size_t{3} << 16);
-        const std::filesystem::path target = scratch / "body";
-        const bool fetched = nv::fetchFirefoxCacheBody(record, evidence, target);
-        require(fetched == std::filesystem::exists(target));
-        std::filesystem::remove(target);
+        const std::filesystem::path file = scratch / "body";
+        {
+            nv::BodyTarget target(file, 0);
+            if (nv::fetchFirefoxCacheBody(record, evidence, target)) {
+                const nv::Body body = target.take();
+                require(body.isInMemory || std::filesystem::exists(body.file));
+                std::filesystem::remove(file);
+            }
+        }
+        require(!std::filesystem::exists(file));
     }
     const nv::Evidence &evidence;
     const std::filesystem::path &scratch;

@@ -1,17 +1,17 @@
 #pragma once
 
-#include "app/ImportJob.h"
-#include "app/Project.h"
-#include "app/ui/MainForm.h"
-#include "app/ui/StatusForm.h"
+#include "app/jobs/ImportJob.h"
+#include "app/project/Project.h"
 #include "import/Scan.h"
-#include "maintenance/ui/OptionsForm.h"
 #include "platform/Network.h"
 #include "support/Places.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/IndexDat.h"
+#include "ui/options/OptionsForm.h"
+#include "ui/window/MainForm.h"
+#include "ui/window/StatusForm.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,5 +1,5 @@
 #include "gui/Desk.h"
-#include "maintenance/ui/TimeZoneForm.h"
+#include "ui/options/TimeZoneForm.h"
 
 #include <QAccessible>
 #include <QComboBox>

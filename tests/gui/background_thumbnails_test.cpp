@@ -1,6 +1,6 @@
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
-#include "views/ui/GalleryTab.h"
+#include "ui/views/GalleryTab.h"
 
 #include <QBuffer>
 #include <QImage>

@@ -1,8 +1,8 @@
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
-#include "views/ui/BrowserPane.h"
-#include "views/ui/TableTab.h"
+#include "ui/views/BrowserPane.h"
+#include "ui/views/TableTab.h"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -1,10 +1,10 @@
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "views/ui/FilterForm.h"
-#include "views/ui/GalleryTab.h"
-#include "views/ui/HostsPane.h"
-#include "views/ui/TableTab.h"
-#include "views/ui/TickHeader.h"
+#include "ui/views/FilterForm.h"
+#include "ui/views/GalleryTab.h"
+#include "ui/views/HostsPane.h"
+#include "ui/views/TableTab.h"
+#include "ui/views/TickHeader.h"
 
 #include <QCheckBox>
 #include <QContextMenuEvent>

@@ -1,5 +1,5 @@
 #include "gui/Desk.h"
-#include "views/ui/GalleryTab.h"
+#include "ui/views/GalleryTab.h"
 
 #include <QBuffer>
 #include <QCheckBox>

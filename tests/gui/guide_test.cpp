@@ -1,6 +1,6 @@
-#include "app/ui/GuideForm.h"
-#include "app/ui/GuidePage.h"
 #include "gui/Desk.h"
+#include "ui/window/GuideForm.h"
+#include "ui/window/GuidePage.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QDir>

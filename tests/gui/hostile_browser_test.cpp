@@ -2,8 +2,8 @@
 #include "gui/HostilePages.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
-#include "views/ui/BrowserPane.h"
-#include "views/ui/TableTab.h"
+#include "ui/views/BrowserPane.h"
+#include "ui/views/TableTab.h"
 
 #include <QEventLoop>
 #include <QLabel>

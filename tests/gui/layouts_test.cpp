@@ -1,8 +1,8 @@
 #include "gui/Desk.h"
-#include "maintenance/ui/UpgradeWizardForm.h"
 #include "platform/qt/QtText.h"
-#include "views/ui/PinnedHeader.h"
-#include "views/ui/TableTab.h"
+#include "ui/maintenance/UpgradeWizardForm.h"
+#include "ui/views/PinnedHeader.h"
+#include "ui/views/TableTab.h"
 
 #include <QComboBox>
 #include <QInputDialog>

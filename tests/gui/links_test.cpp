@@ -1,9 +1,9 @@
 #include "base/Files.h"
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "views/ui/LinksModel.h"
-#include "views/ui/LinksPane.h"
-#include "views/ui/TableTab.h"
+#include "ui/views/LinksModel.h"
+#include "ui/views/LinksPane.h"
+#include "ui/views/TableTab.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>

@@ -1,11 +1,11 @@
-#include "app/ImportClaim.h"
-#include "app/Project.h"
-#include "app/ui/CaseTrailForm.h"
+#include "app/jobs/ImportClaim.h"
+#include "app/project/Project.h"
 #include "db/ProjectFields.h"
 #include "gui/Desk.h"
-#include "import/ui/ImportForm.h"
-#include "views/ui/ColumnsForm.h"
-#include "views/ui/TableTab.h"
+#include "ui/import/ImportForm.h"
+#include "ui/views/ColumnsForm.h"
+#include "ui/views/TableTab.h"
+#include "ui/window/CaseTrailForm.h"
 
 #include <QCheckBox>
 #include <QHeaderView>

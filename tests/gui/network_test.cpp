@@ -1,5 +1,5 @@
 #include "gui/Desk.h"
-#include "import/ui/ImportForm.h"
+#include "ui/import/ImportForm.h"
 
 #include <QPushButton>
 #include <SQLiteCpp/SQLiteCpp.h>

@@ -1,8 +1,8 @@
 #include "Desk.h"
-#include "app/ui/GalleryPart.h"
 #include "db/CaseTrail.h"
-#include "maintenance/ui/OptionsForm.h"
-#include "maintenance/ui/TimeZoneForm.h"
+#include "ui/options/OptionsForm.h"
+#include "ui/options/TimeZoneForm.h"
+#include "ui/window/GalleryPart.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,7 +1,7 @@
 #include "gui/Desk.h"
-#include "views/ui/HexGrid.h"
-#include "views/ui/HexPane.h"
-#include "views/ui/NotesPane.h"
+#include "ui/views/HexGrid.h"
+#include "ui/views/HexPane.h"
+#include "ui/views/NotesPane.h"
 
 #include <QClipboard>
 #include <QLabel>

@@ -1,9 +1,9 @@
-#include "app/ui/PictureFeed.h"
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
-#include "views/ui/PicturePane.h"
-#include "views/ui/TableTab.h"
-#include "views/ui/UrlGrid.h"
+#include "ui/views/PicturePane.h"
+#include "ui/views/TableTab.h"
+#include "ui/views/UrlGrid.h"
+#include "ui/window/PictureFeed.h"
 
 #include <QBuffer>
 #include <QElapsedTimer>

@@ -2,9 +2,9 @@
 #include "db/StoredQueries.h"
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "views/ui/GrowingGrid.h"
-#include "views/ui/SQLQueryForm.h"
-#include "views/ui/TableTab.h"
+#include "ui/views/GrowingGrid.h"
+#include "ui/views/SQLQueryForm.h"
+#include "ui/views/TableTab.h"
 
 #include <QClipboard>
 #include <QComboBox>

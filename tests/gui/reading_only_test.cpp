@@ -1,7 +1,7 @@
-#include "app/ProjectHold.h"
+#include "app/program/ProjectHold.h"
 #include "base/Files.h"
 #include "gui/Desk.h"
-#include "views/ui/TableTab.h"
+#include "ui/views/TableTab.h"
 
 #include <QLabel>
 #include <QListView>

@@ -1,9 +1,9 @@
 #include "gui/CachedSite.h"
 #include "platform/qt/QtText.h"
 #include "rebuild/Harvest.h"
-#include "views/ui/AuditPane.h"
-#include "views/ui/GalleryTab.h"
-#include "views/ui/TableTab.h"
+#include "ui/views/AuditPane.h"
+#include "ui/views/GalleryTab.h"
+#include "ui/views/TableTab.h"
 
 #include <QClipboard>
 #include <QLabel>

@@ -1,9 +1,9 @@
 #include "base/Files.h"
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
-#include "reports/ui/ReportForm.h"
-#include "views/ui/BrowserPane.h"
-#include "views/ui/TableTab.h"
+#include "ui/reports/ReportForm.h"
+#include "ui/views/BrowserPane.h"
+#include "ui/views/TableTab.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,4 +1,4 @@
-#include "maintenance/ui/SettingBox.h"
+#include "ui/options/SettingBox.h"
 
 #include <QComboBox>
 #include <QSpinBox>

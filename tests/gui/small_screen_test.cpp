@@ -1,8 +1,8 @@
-#include "app/ui/WindowLayout.h"
 #include "db/StoredQueries.h"
 #include "gui/Desk.h"
-#include "views/ui/FlowLayout.h"
-#include "views/ui/TableTab.h"
+#include "ui/views/FlowLayout.h"
+#include "ui/views/TableTab.h"
+#include "ui/window/WindowLayout.h"
 
 #include <QDialog>
 #include <QPushButton>

@@ -1,10 +1,10 @@
-#include "app/ui/SplashForm.h"
-#include "app/ui/Theme.h"
-#include "app/ui/TipForm.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtExaminer.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
+#include "ui/window/SplashForm.h"
+#include "ui/window/Theme.h"
+#include "ui/window/TipForm.h"
 
 #include <QApplication>
 #include <QCheckBox>

@@ -1,5 +1,5 @@
-#include "app/ui/ProgressBox.h"
-#include "app/ui/StatusForm.h"
+#include "ui/window/ProgressBox.h"
+#include "ui/window/StatusForm.h"
 
 #include <QLabel>
 #include <QPushButton>

@@ -1,7 +1,7 @@
 #include "gui/Desk.h"
 #include "platform/qt/QtText.h"
-#include "views/ui/ColumnsForm.h"
-#include "views/ui/TableTab.h"
+#include "ui/views/ColumnsForm.h"
+#include "ui/views/TableTab.h"
 
 #include <QClipboard>
 #include <QComboBox>

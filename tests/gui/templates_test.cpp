@@ -2,10 +2,10 @@
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
 #include "rebuild/Templates.h"
-#include "rebuild/ui/TemplateModel.h"
-#include "rebuild/ui/TemplatesTab.h"
-#include "views/ui/BrowserPane.h"
-#include "views/ui/TableTab.h"
+#include "ui/rebuild/TemplateModel.h"
+#include "ui/rebuild/TemplatesTab.h"
+#include "ui/views/BrowserPane.h"
+#include "ui/views/TableTab.h"
 
 #include <QCheckBox>
 #include <QClipboard>

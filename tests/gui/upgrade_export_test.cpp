@@ -1,8 +1,8 @@
 #include "Desk.h"
 #include "base/Files.h"
-#include "maintenance/ui/UpgradeWizardForm.h"
-#include "reports/ui/ExportForm.h"
-#include "views/ui/TableTab.h"
+#include "ui/maintenance/UpgradeWizardForm.h"
+#include "ui/reports/ExportForm.h"
+#include "ui/views/TableTab.h"
 
 #include <QAction>
 #include <QButtonGroup>

@@ -1,10 +1,10 @@
 #include "base/Files.h"
 #include "gui/Desk.h"
-#include "import/ui/ImportForm.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
-#include "views/ui/LinksModel.h"
-#include "views/ui/TableTab.h"
+#include "ui/import/ImportForm.h"
+#include "ui/views/LinksModel.h"
+#include "ui/views/TableTab.h"
 
 #include <QCheckBox>
 #include <QClipboard>

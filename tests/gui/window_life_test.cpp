@@ -1,7 +1,7 @@
 #include "gui/Desk.h"
-#include "import/ui/ImportForm.h"
 #include "platform/qt/QtText.h"
-#include "views/ui/TableTab.h"
+#include "ui/import/ImportForm.h"
+#include "ui/views/TableTab.h"
 
 #include <QFileDialog>
 #include <QInputDialog>

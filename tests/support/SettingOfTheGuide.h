@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/SettingFacts.h"
+#include "app/settings/SettingFacts.h"
 
 #include <array>
 #include <string_view>

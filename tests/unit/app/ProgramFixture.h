@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Program.h"
+#include "app/program/Program.h"
 #include "support/Places.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"

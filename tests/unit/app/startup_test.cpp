@@ -1,5 +1,5 @@
 #include "ProgramFixture.h"
-#include "app/TempFolder.h"
+#include "app/program/TempFolder.h"
 #include "base/Files.h"
 
 #include <unistd.h>

@@ -1,4 +1,3 @@
-#include "../views/MadeProject.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "reports/ExportRows.h"
@@ -6,6 +5,7 @@
 #include "reports/SheetCount.h"
 #include "support/SmallFiles.h"
 #include "support/WorkingFolder.h"
+#include "unit/views/MadeProject.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>

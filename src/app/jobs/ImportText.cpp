@@ -1,0 +1,160 @@
+#include "app/jobs/ImportText.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+#include "readers/Registry.h"
+
+#include <fmt/format.h>
+
+#include <map>
+#include <vector>
+
+namespace nv {
+
+namespace {
+
+/// Of each kind of one-row files; a cache may hold thousands of loose pages.
+constexpr std::uint64_t kListed = 5;
+
+/// After a number that stands in a column of its own.
+std::string_view rowWord(std::uint64_t count) {
+    return count == 1 ? "row" : "rows";
+}
+
+/// What has to be known of an artefact besides its state and its rows, a line each.
+std::vector<std::string> notesOf(const ArtefactResult &artefact) {
+    std::vector<std::string> notes;
+    if (!artefact.reason.empty())
+        notes.push_back(artefact.reason);
+    if (artefact.notReached > 0)
+        notes.push_back(
+            fmt::format("{} not reached", counted(artefact.notReached, "entry", "entries")));
+    if (artefact.rowsLost > 0)
+        notes.push_back(fmt::format("{} could not be saved, see the log",
+                                    counted(artefact.rowsLost, "record")));
+    for (const auto &[reason, count] : artefact.passedOver)
+        notes.push_back(fmt::format("{} passed over: {}", count, reason));
+    for (const auto &[reason, count] : artefact.noted)
+        notes.push_back(fmt::format("{} noted: {}", count, reason));
+    if (!artefact.warning.empty())
+        notes.push_back("Warning: " + artefact.warning + ".");
+    return notes;
+}
+
+std::string artefactText(const ArtefactResult &artefact) {
+    std::string text = fmt::format("{:<12} {:>9} {:<4}  type {:<3} {:<20} {}  {}\n",
+                                   stateWord(artefact.state), artefact.rowsSaved,
+                                   rowWord(artefact.rowsSaved), static_cast<int>(artefact.type),
+                                   artefact.readerKey, artefact.md5Hash, textOf(artefact.path));
+    for (const std::string &note : notesOf(artefact))
+        text += fmt::format("    {}\n", note);
+    return text;
+}
+
+/// A whole file that is one record, with nothing to tell of it.
+bool isPlain(const ArtefactResult &artefact) {
+    const Reader *reader = readerFor(artefact.type);
+    return reader && reader->isOneRecord && artefact.state == ArtefactState::complete &&
+           artefact.rowsLost == 0 && artefact.passedOver.empty() && artefact.noted.empty();
+}
+
+std::string artefactsText(const ImportSummary &summary) {
+    std::string text;
+    std::map<std::string, std::uint64_t> plain;
+    for (const ArtefactResult &artefact : summary.artefacts)
+        if (!isPlain(artefact) || ++plain[artefact.readerKey] <= kListed)
+            text += artefactText(artefact);
+    for (const auto &[reader, count] : plain)
+        if (count > kListed)
+            text += fmt::format("{:<12} {:>9} {:<4}  {} of the kind {}\n",
+                                stateWord(ArtefactState::complete), count - kListed,
+                                rowWord(count - kListed), counted(count - kListed, "further file"),
+                                reader);
+    return text;
+}
+
+std::string kindText(const std::string &reader, const KindTotals &kind) {
+    std::string text =
+        fmt::format("{:<20} {:>9} {:<4} from {} of {}\n", reader, kind.rows, rowWord(kind.rows),
+                    kind.complete, counted(kind.artefacts, "artefact"));
+    if (kind.notReached > 0)
+        text += fmt::format("{:<20} {:>9} {} not reached\n", "", kind.notReached,
+                            kind.notReached == 1 ? "entry" : "entries");
+    for (const auto &[reason, count] : kind.passedOver)
+        text += fmt::format("{:<20} {:>9} passed over: {}\n", "", count, reason);
+    for (const auto &[reason, count] : kind.noted)
+        text += fmt::format("{:<20} {:>9} noted: {}\n", "", count, reason);
+    return text;
+}
+
+std::string unreadableText(const ScanGaps &gaps) {
+    std::string text;
+    for (const UnreadPlace &place : gaps.unreadable)
+        text += fmt::format("{:<12} {}\n", "not readable", place.reason);
+    return text;
+}
+
+std::string gapsText(const ScanGaps &gaps) {
+    std::string text;
+    if (!gaps.unreadable.empty())
+        text += fmt::format("{} could not be read: what is in there is not in the project\n",
+                            counted(gaps.unreadable.size(), "file or folder", "files or folders"));
+    if (gaps.linksNotFollowed > 0)
+        text += fmt::format("{} not followed: a link could lead out of the evidence\n",
+                            counted(gaps.linksNotFollowed, "link"));
+    if (gaps.shaderCaches > 0)
+        text += fmt::format("{} passed over: compiled graphics programs, no addresses\n",
+                            counted(gaps.shaderCaches, "shader cache"));
+    return text;
+}
+
+std::string thumbnailsText(const ImportThumbnails &thumbnails) {
+    std::string text;
+    if (thumbnails.made + thumbnails.failed + thumbnails.passedOver > 0)
+        text = fmt::format("{} made, {} could not be drawn, {} without cached content "
+                           "or of other kinds\n",
+                           counted(thumbnails.made, "thumbnail"), thumbnails.failed,
+                           thumbnails.passedOver);
+    if (!thumbnails.failure.empty())
+        text += fmt::format("No more thumbnails were made: {}\n", thumbnails.failure);
+    return text;
+}
+
+/// What ended the import before its end; empty for most.
+std::string endText(const ImportSummary &summary) {
+    std::string text;
+    if (summary.cancelled)
+        text += "The import was cancelled; what was written is kept.\n";
+    if (!summary.failure.empty())
+        text += fmt::format("The import ended: {}\nWhat was written before is kept: {}.\n",
+                            summary.failure, counted(summary.rowsSaved(), "row"));
+    return text;
+}
+
+} // namespace
+
+std::string summaryText(const ImportSummary &summary) {
+    std::string text = artefactsText(summary) + unreadableText(summary.gaps);
+    for (const auto &[reader, kind] : summary.byReader())
+        text += kindText(reader, kind);
+    text += fmt::format(
+        "{} from {} of {}; {} not reached, {} passed over\n", counted(summary.rowsSaved(), "row"),
+        summary.count(ArtefactState::complete), counted(summary.artefacts.size(), "artefact"),
+        counted(summary.notReached(), "entry", "entries"), counted(summary.passedOver(), "record"));
+    text += gapsText(summary.gaps);
+    text += thumbnailsText(summary.thumbnails);
+    return text + endText(summary);
+}
+
+std::string outcomeText(const ImportSummary &summary) {
+    std::string text;
+    for (const ArtefactResult &artefact : summary.artefacts) {
+        text += fmt::format("{}\n\n{}: {}, {}\n", textOf(artefact.path), artefact.readerKey,
+                            stateWord(artefact.state), counted(artefact.rowsSaved, "row"));
+        for (const std::string &note : notesOf(artefact))
+            text += note + '\n';
+    }
+    return text + endText(summary);
+}
+
+} // namespace nv

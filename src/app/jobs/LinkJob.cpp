@@ -1,0 +1,19 @@
+#include "app/jobs/LinkJob.h"
+
+namespace nv {
+
+LinkTotals analyseLinks(Program &program, TaskMonitor &task, const std::filesystem::path &scratch) {
+    ProgramState &state = program.thisClass;
+    SQLite::Database &project = state.projectDB.connection();
+    RecordStore records(project, {state.gmtZone, state.enableDSTChanges}, program.around.clock,
+                        program.log);
+    const Evidence evidence(state.rootPath);
+    return runLinkAnalysis({project, records, evidence, scratch, program.log, task});
+}
+
+LinkList linksOf(Program &program, UrlId urlID) {
+    const RecordIds ids = program.thisClass.wideRecordIds ? RecordIds::wide : RecordIds::narrow;
+    return loadLinks(program.thisClass.projectDB.connection(), urlID, ids, program.log);
+}
+
+} // namespace nv

@@ -1,0 +1,189 @@
+#include "app/jobs/RebuildJob.h"
+
+#include "app/jobs/RebuildThumbnails.h"
+#include "app/jobs/Trail.h"
+#include "app/project/ChosenRows.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "rebuild/Harvest.h"
+#include "rebuild/LocalNames.h"
+#include "rebuild/RebuildWebPage.h"
+#include "rebuild/WatchedBy.h"
+#include "views/Audit.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kTitle = "REBUILDING WEB PAGES";
+
+bool hasTags(const UrlRecord &page, const RebuildContext &ctx) {
+    SQLite::Statement rows(ctx.project, "SELECT 1 FROM Tags WHERE URL_ID = ? LIMIT 1");
+    rows.bind(1, number(page.URLID));
+    return rows.executeStep();
+}
+
+NotRebuilt whyNot(const UrlRecord &page, const RebuildContext &ctx) {
+    if (!ctx.task.advance(1))
+        return NotRebuilt::cancelled;
+    // The search for tags begins with a scratch copy of the content.
+    if (page.RunTimeTempFilePath.empty())
+        return page.CacheFileExists ? NotRebuilt::contentGone : NotRebuilt::noContent;
+    if (!hasTags(page, ctx))
+        return NotRebuilt::noReferences;
+    return needsWideIds(page.IngredientIDs, ctx.settings) ? NotRebuilt::wideIds
+                                                          : NotRebuilt::failed;
+}
+
+/// A folder that isn't whole would have the audit call parts missing that were only not fetched
+/// yet; the next look at the page makes it anew.
+void dropFolder(const std::filesystem::path &folder) {
+    std::error_code ignored; // it is scratch
+    std::filesystem::remove_all(folder, ignored);
+}
+
+RebuiltPage outcomeOf(const UrlRecord &page, bool rebuilt, const RebuildContext &ctx) {
+    RebuiltPage outcome;
+    outcome.urlID = number(page.URLID);
+    outcome.rebuilt = rebuilt;
+    outcome.folder = rebuildFolderOf(page.URLID, ctx);
+    if (!rebuilt) {
+        outcome.why = whyNot(page, ctx);
+        dropFolder(outcome.folder);
+        return outcome;
+    }
+    const auto rows = loadAudit(page, outcome.folder, ctx);
+    for (const AuditRow &row : rows.value_or(std::vector<AuditRow>())) {
+        ++outcome.tagsFound;
+        ++(!row.isThere      ? outcome.missing
+           : row.isRewritten ? outcome.replaced
+                             : outcome.notRewritten);
+    }
+    return outcome;
+}
+
+RebuiltPage unreadPage(std::int64_t urlID) {
+    RebuiltPage outcome;
+    outcome.urlID = urlID;
+    outcome.why = NotRebuilt::unreadable;
+    return outcome;
+}
+
+class RebuildRun {
+  public:
+    RebuildRun(Program &program, RecordTools &tools, std::span<const std::int64_t> ids)
+        : m_program(program), m_tools(tools), m_ids(ids), m_thumbnails(program, tools) {}
+
+    bool all(const std::function<void(const RebuiltPage &)> &done) {
+        TaskMonitor &task = m_tools.context().task;
+        task.describe({std::string(kTitle), "Rebuilding Web Pages ", "", ""});
+        const auto count = static_cast<double>(m_ids.size());
+        while (m_next < m_ids.size() && !m_cancelled) {
+            const std::size_t end = std::min(m_ids.size(), m_next + m_thumbnails.pagesAtOnce());
+            SubTask part(task, static_cast<double>(m_next) / count,
+                         static_cast<double>(end) / count);
+            rebuildTo(end, part);
+            m_thumbnails.draw(m_pages, part);
+            for (const RebuiltPage &page : m_pages)
+                done(page);
+            m_pages.clear();
+        }
+        return !m_cancelled;
+    }
+
+  private:
+    void rebuildTo(std::size_t end, TaskMonitor &task) {
+        const double each = m_thumbnails.shareOfRebuilding() / static_cast<double>(end - m_next);
+        for (double at = 0; m_next < end; ++m_next, at += each) {
+            SubTask part(task, at, at + each);
+            m_cancelled = !part.advance(0);
+            if (m_cancelled)
+                return;
+            if (auto page = m_tools.record(m_ids[m_next]))
+                rebuild(*page, part);
+            else
+                m_pages.push_back(unreadPage(m_ids[m_next]));
+        }
+    }
+
+    void rebuild(UrlRecord &page, TaskMonitor &task) {
+        task.describe({std::string(kTitle),
+                       fmt::format("Rebuilding Web Page #{} of {} ", m_next + 1, m_ids.size()),
+                       page.URL, ""});
+        const RebuildContext ctx = watchedBy(m_tools.context(), task);
+        const bool rebuilt = rebuildWebPage(page, Batch::yes, ctx, m_program.around.clock);
+        m_pages.push_back(outcomeOf(page, rebuilt, ctx));
+        if (rebuilt)
+            m_thumbnails.add(page);
+    }
+
+    Program &m_program;
+    RecordTools &m_tools;
+    std::span<const std::int64_t> m_ids;
+    RebuildThumbnails m_thumbnails;
+    std::size_t m_next = 0;           ///< place in the list of ids
+    std::vector<RebuiltPage> m_pages; ///< not handed on yet
+    bool m_cancelled = false;
+};
+
+} // namespace
+
+std::vector<std::int64_t> taggedIds(Program &program, UnreadRows &unread) {
+    return idsPastDamage(program, "SELECT URL_ID FROM URLs WHERE Tagged ORDER BY URL_ID", unread);
+}
+
+std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std::int64_t urlID) {
+    auto page = tools.record(urlID);
+    if (!page)
+        return std::nullopt;
+    const RebuildContext &ctx = tools.context();
+    RebuildThumbnails thumbnails(program, tools);
+    SubTask rebuilding(ctx.task, 0, thumbnails.shareOfRebuilding());
+    const RebuildContext part = watchedBy(ctx, rebuilding);
+    const bool rebuilt = rebuildWebPage(*page, Batch::no, part, program.around.clock);
+    RebuiltPage outcome = outcomeOf(*page, rebuilt, part);
+    if (rebuilt)
+        thumbnails.add(*page);
+    thumbnails.draw(std::span(&outcome, 1), ctx.task);
+    return outcome;
+}
+
+bool rebuildPages(Program &program, RecordTools &tools, std::span<const std::int64_t> ids,
+                  const std::function<void(const RebuiltPage &)> &done) {
+    std::size_t rebuilt = 0;
+    TaskEnd end = TaskEnd::failed;
+    const auto failure = failureOf(program.log, "MainBAS.RebuildWebPage()", [&] {
+        const bool whole = RebuildRun(program, tools, ids).all([&](const RebuiltPage &page) {
+            done(page);
+            rebuilt += page.rebuilt ? 1 : 0;
+        });
+        end = whole ? TaskEnd::whole : TaskEnd::cancelled;
+    });
+    noteRebuild(program, rebuilt, ids.size(), end);
+    if (failure)
+        throw StorageFailure(fmt::format("{}. {} of {} rebuilt before that, which is kept.",
+                                         *failure, rebuilt, counted(ids.size(), "page")));
+    return end == TaskEnd::whole;
+}
+
+bool hasFolder(const RecordTools &tools, UrlRecord &page) {
+    page.RunTimeRebuiltFilePath =
+        rebuildFolderOf(page.URLID, tools.context()) / pageNameOf(page.URLID);
+    return std::filesystem::exists(page.RunTimeRebuiltFilePath);
+}
+
+bool bringBackFolder(RecordTools &tools, UrlRecord &page) {
+    if (hasFolder(tools, page))
+        return true;
+    const bool whole = unpackIngredients(page, tools.context());
+    if (!whole)
+        dropFolder(rebuildFolderOf(page.URLID, tools.context()));
+    return whole;
+}
+
+} // namespace nv

@@ -1,0 +1,74 @@
+#include "app/jobs/RecordContent.h"
+
+#include "base/Paths.h"
+#include "base/Text.h"
+#include "views/PathCheck.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string placeOf(const UrlRecord &record) {
+    if (!record.DataBlockFile.empty())
+        return fmt::format("expected {} bytes at {} of the block file or file \"{}\" of the cache "
+                           "in {}{}",
+                           record.CacheFileSize, record.DataBlockFileOffset, record.DataBlockFile,
+                           record.RootPath, record.CacheRootPath);
+    if (!record.CacheFileRelativePath.empty())
+        return "expected at " + record.RootPath + record.CacheFileRelativePath;
+    // What wasn't there at the import has a name, but no path.
+    if (!record.CacheFileName.empty())
+        return fmt::format("expected as \"{}\" in the folder \"{}\" of the cache in {}",
+                           record.CacheFileName, record.CacheFolderName, record.CacheRootPath);
+    return "the record names no cached file";
+}
+
+bool isPlainFile(const fs::path &path) {
+    std::error_code ignored;
+    return fs::is_regular_file(path, ignored);
+}
+
+} // namespace
+
+std::optional<RecordContent> contentOfRecord(RecordTools &tools, UrlId url) {
+    auto record = tools.record(number(url));
+    if (!record)
+        return std::nullopt;
+    RecordContent content;
+    content.record = std::move(*record);
+    content.file = contentOf(content.record, tools.context().extraction());
+    if (!content.file)
+        content.reason = missingContent(content.record);
+    return content;
+}
+
+std::string missingContent(const UrlRecord &record) {
+    if (record.IsHistory && record.CacheFileRelativePath.empty() && record.DataBlockFile.empty())
+        return "no cached content: the record is one of history";
+    return "no cached content: " + placeOf(record);
+}
+
+std::string missingSource(const UrlRecord &record) {
+    if (record.HistoryFilePath.empty())
+        return "the record names no source file: its cached content is all there is";
+    return fmt::format("the source file \"{}\" isn't there", record.HistoryFilePath);
+}
+
+std::optional<SourcePlace> sourceOfRecord(const UrlRecord &record) {
+    if (record.HistoryFilePath.empty())
+        return std::nullopt;
+    const std::string moved = pathUnderBase(record.RootPath, record.HistoryFilePath);
+    for (const std::string &text : {record.HistoryFilePath, moved, replaceAll(moved, "\\", "/")})
+        if (const auto path = pathFromText(text); path && isPlainFile(*path))
+            return SourcePlace{
+                *path, static_cast<std::uint64_t>(std::max<std::int64_t>(record.MapFileOffset, 0))};
+    return std::nullopt;
+}
+
+} // namespace nv

@@ -1,0 +1,27 @@
+#include "app/jobs/RecordTools.h"
+
+namespace nv {
+
+RebuildSettings rebuildSettings(const Program &program) {
+    const ProgramState &state = program.thisClass;
+    RebuildSettings settings;
+    settings.htmlReplaceablePictureTags = state.htmlReplaceablePictureTags;
+    settings.htmlReplaceableHREFTags = state.htmlReplaceableHREFTags;
+    settings.disableScriptTags = state.disableScriptTags;
+    settings.wideRecordIds = state.wideRecordIds;
+    return settings;
+}
+
+RecordTools::RecordTools(Program &program, TaskMonitor &task, const std::filesystem::path &scratch)
+    : m_records(program.thisClass.projectDB.connection(),
+                {program.thisClass.gmtZone, program.thisClass.enableDSTChanges},
+                program.around.clock, program.log),
+      m_evidence(program.thisClass.rootPath), m_context{program.thisClass.projectDB.connection(),
+                                                        m_records,
+                                                        m_evidence,
+                                                        scratch,
+                                                        program.log,
+                                                        task,
+                                                        rebuildSettings(program)} {}
+
+} // namespace nv

@@ -1,0 +1,108 @@
+#include "app/jobs/ReportJob.h"
+
+#include "app/jobs/Trail.h"
+#include "app/program/DrawingTools.h"
+#include "app/project/Project.h"
+#include "app/settings/Settings.h"
+#include "base/Files.h"
+
+#include <fmt/format.h>
+
+#include <array>
+
+namespace nv {
+
+namespace {
+
+ReportSettings settingsOf(const Program &program) {
+    ReportSettings settings;
+    settings.images = program.paths.images();
+    settings.dates = dateSettings(program);
+    settings.version = program.thisClass.appVersion;
+    constexpr NumberKey kWidth = "ReportThumbnailWidth";
+    const int width = readNumber(program.settings, kWidth);
+    settings.reportThumbnailWidth = width > 0 ? width : defaultNumber(kWidth);
+    settings.thumbnailRedrawTimeout =
+        std::chrono::seconds(program.thisClass.thumbnailRedrawTimeout);
+    return settings;
+}
+
+/// The options that are kept.
+struct KeptFlag {
+    FlagKey key;
+    bool ReportWriter::*flag;
+};
+constexpr std::array<KeptFlag, 8> kFlags = {{
+    {"UseCustomLogo", &ReportWriter::useCustomLogo},
+    {"IncludeAudit", &ReportWriter::includeAudit},
+    {"IncludeLinkAnalysis", &ReportWriter::includeLinkAnalysis},
+    {"IncludeNotes", &ReportWriter::includeNotes},
+    {"IncludeTimeRebuilt", &ReportWriter::includeTimeRebuilt},
+    {"IncludeDataSource", &ReportWriter::includeDataSource},
+    {"IncludeUser", &ReportWriter::includeUser},
+    {"IncludeCaseTrail", &ReportWriter::includeCaseTrail},
+}};
+
+struct KeptText {
+    TextKey key;
+    std::string ReportWriter::*text;
+};
+constexpr std::array<KeptText, 4> kTexts = {{
+    {"CaseNumber", &ReportWriter::caseNumber},
+    {"ReportTitle", &ReportWriter::reportTitle},
+    {"Organization", &ReportWriter::organization},
+    {"ReportedBy", &ReportWriter::reportedBy},
+}};
+
+} // namespace
+
+ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder)
+    : m_program(program), m_records(program, task, folder),
+      m_drawing(canDraw() ? makeDrawing(folder) : nullptr), m_context{m_records.context(),
+                                                                      program.thisClass.gmtZone,
+                                                                      program.around.clock,
+                                                                      m_drawing.get(),
+                                                                      settingsOf(program)},
+      m_folder(folder), report(m_context) {}
+
+bool ReportTools::run(std::span<const std::int32_t> ids) {
+    const ReportRows rows = report.includeAll ? ReportRows::all : ReportRows::tagged;
+    const RebuildContext &ctx = m_context.rebuild;
+    const ReportFolder folder(m_folder);
+    // Nothing of an earlier report may be taken for this one, wherever it stops.
+    std::filesystem::remove(folder.index(report.reportType));
+    report.cancel = fillSortTable(ctx.project, ids, rows, ctx.task) == Walk::Cancelled;
+    if (report.cancel)
+        return false;
+    if (report.reportType == 0)
+        report.createGraphicalReport(m_folder);
+    else
+        report.createTabularReport(m_folder);
+    if (report.cancel || !std::filesystem::is_regular_file(report.reportFilePath))
+        return false;
+    noteReport(m_program, report, rowsReported(ctx.project));
+    return true;
+}
+
+void readReportOptions(const IniFile &settings, ReportWriter &report) {
+    for (const KeptText &kept : kTexts)
+        report.*kept.text = readText(settings, kept.key);
+    for (const KeptFlag &kept : kFlags)
+        report.*kept.flag = readFlag(settings, kept.key);
+    report.reportType = readNumber(settings, "ReportType");
+    report.defaultThumbnailPath = readText(settings, "DefaultThumbnailPath");
+    report.agencyLogoPath = readText(settings, "AgencyLogoPath");
+}
+
+void writeReportOptions(const ReportWriter &report, IniFile &settings) {
+    for (const KeptText &kept : kTexts)
+        writeText(settings, kept.key, report.*kept.text);
+    for (const KeptFlag &kept : kFlags)
+        writeFlag(settings, kept.key, report.*kept.flag);
+    writeFlag(settings, "UseDefaultThumbnailPath", report.useDefaultThumbnailPath);
+    writeNumber(settings, "ReportType", report.reportType);
+    writeText(settings, "DefaultThumbnailPath", textOf(report.defaultThumbnailPath));
+    writeText(settings, "AgencyLogoPath", textOf(report.agencyLogoPath));
+}
+
+} // namespace nv

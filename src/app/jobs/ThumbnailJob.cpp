@@ -1,0 +1,103 @@
+#include "app/jobs/ThumbnailJob.h"
+
+#include "app/program/DrawingTools.h"
+#include "app/project/ChosenRows.h"
+#include "db/SqliteErrors.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kDrawable =
+    "CacheFileExists AND NOT IsCookie AND (IsPicture OR IsWebPage OR Category IN ('Pictures', "
+    "'HTML', 'Scripts, HTML'))";
+
+std::vector<std::int64_t> idsOf(Program &program, const std::string &sql, UnreadRows &unread) {
+    return onProject([&] { return idsPastDamage(program, sql, unread); });
+}
+
+ThumbnailSettings settingsOf(const Program &program) {
+    const ProgramState &state = program.thisClass;
+    return {state.viewerThumbnailWidth, std::chrono::seconds(state.thumbnailRedrawTimeout),
+            program.import.verifyFileSignatures ? Signatures::verify : Signatures::trustNames};
+}
+
+} // namespace
+
+ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &scratch)
+    : ThumbnailTools(program, scratch, makeDrawing(scratch)) {}
+
+ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &scratch,
+                               std::unique_ptr<Drawing> drawing)
+    : m_records(program.thisClass.projectDB.connection(),
+                {program.thisClass.gmtZone, program.thisClass.enableDSTChanges},
+                program.around.clock, program.log),
+      m_evidence(program.thisClass.rootPath),
+      m_drawing(std::move(drawing)), m_context{program.thisClass.projectDB.connection(),
+                                               m_records,
+                                               m_evidence,
+                                               scratch,
+                                               *m_drawing,
+                                               program.around.clock,
+                                               program.log,
+                                               settingsOf(program)} {}
+
+std::vector<std::int64_t> drawableIds(Program &program, Redo redo, UnreadRows &unread) {
+    return idsOf(
+        program,
+        fmt::format("SELECT URL_ID FROM URLs WHERE {}{} ORDER BY URL_ID", kDrawable,
+                    redo == Redo::yes ? "" : " AND ifnull(length(ThumbnailMD5Hash), 0) = 0"),
+        unread);
+}
+
+std::int64_t lastRow(Program &program) {
+    return program.thisClass.projectDB.connection()
+        .execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs")
+        .getInt64();
+}
+
+ThumbnailCount countThumbnails(Program &program) {
+    return onProject([&] {
+        SQLite::Statement count(
+            program.thisClass.projectDB.connection(),
+            fmt::format("SELECT count(*), count(CASE WHEN length(ThumbnailMD5Hash) > 0 THEN 1 END) "
+                        "FROM URLs WHERE {}",
+                        kDrawable));
+        count.executeStep();
+        return ThumbnailCount{count.getColumn(1).getInt64(), count.getColumn(0).getInt64()};
+    });
+}
+
+std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids) {
+    onProject([&] {
+        SQLite::Statement row(
+            program.thisClass.projectDB.connection(),
+            "SELECT 1 FROM URLs WHERE URL_ID = ? AND length(ThumbnailMD5Hash) > 0");
+        std::erase_if(ids, [&row](std::int64_t id) {
+            row.reset();
+            row.bind(1, id);
+            return row.executeStep();
+        });
+    });
+    return ids;
+}
+
+std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t lastId) {
+    const ImportSettings &import = program.import;
+    // Without pictures there are no pages either: see makeThumbnail.
+    if (!import.makeThumbnails || !import.makePictureThumbnails)
+        return {};
+    UnreadRows logged;
+    return idsOf(program,
+                 fmt::format("SELECT URL_ID FROM URLs WHERE URL_ID > {} AND CacheFileExists AND "
+                             "NOT IsCookie AND Category IN ('Pictures'{}) ORDER BY URL_ID",
+                             lastId, import.makeWebPageThumbnails ? ", 'HTML'" : ""),
+                 logged);
+}
+
+} // namespace nv

@@ -1,0 +1,177 @@
+#include "app/jobs/Trail.h"
+
+#include "app/messages/Messages.h"
+#include "base/Digest.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/ReadOnlyConnection.h"
+#include "db/WriteBatch.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+namespace {
+
+constexpr const char *kProcedure = "MainBAS.CaseTrail()";
+
+void complete(const Program &program, TrailEntry &entry) {
+    entry.actionDateUTC = Date::fromTimePoint(program.around.clock.now());
+    entry.appVersion = program.thisClass.appVersion;
+}
+
+TrailEntry entryOf(const ArtefactResult &artefact) {
+    TrailEntry entry;
+    entry.action = "Import";
+    entry.detail = fmt::format("{}: {}", artefact.readerKey, stateWord(artefact.state));
+    if (!artefact.reason.empty())
+        entry.detail += fmt::format(" ({})", artefact.reason);
+    if (artefact.rowsLost > 0)
+        entry.detail += fmt::format(", {} not stored", counted(artefact.rowsLost, "record"));
+    if (artefact.notReached > 0)
+        entry.detail +=
+            fmt::format(", {} not reached", counted(artefact.notReached, "entry", "entries"));
+    if (!artefact.warning.empty())
+        entry.detail += "; " + artefact.warning;
+    entry.filePath = textOf(artefact.path);
+    entry.fileSize = static_cast<std::int64_t>(artefact.fileSize);
+    entry.md5Hash = artefact.md5Hash;
+    entry.sha256Hash = artefact.sha256Hash;
+    entry.rowCount = static_cast<std::int64_t>(artefact.rowsSaved);
+    return entry;
+}
+
+/// What was done is done, but nobody could prove it later.
+void tellWhenMissing(Program &program, const std::optional<std::string> &failure) {
+    if (failure)
+        program.around.examiner.tell(messages::trailNotWritten(*failure));
+}
+
+/// No entry "Import": there is nothing that a verification could compare.
+TrailEntry entryOf(const UnreadPlace &place) {
+    TrailEntry entry;
+    entry.action = "Not Readable";
+    entry.detail = place.reason;
+    entry.filePath = textOf(place.path);
+    return entry;
+}
+
+} // namespace
+
+void noteInTrail(Program &program, TrailEntry entry) {
+    if (isReadOnly(program.thisClass.projectDB.connection()))
+        return;
+    tellWhenMissing(program, failureOf(program.log, kProcedure, [&] {
+                        complete(program, entry);
+                        CaseTrail(program.thisClass.projectDB.connection()).add(entry);
+                    }));
+}
+
+void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file) {
+    // Where the program was started is known to nobody later.
+    std::error_code none;
+    const std::filesystem::path whole = std::filesystem::absolute(file, none);
+    noteFileInTrail(program, std::move(entry), file, none ? file : whole);
+}
+
+void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
+                     const std::filesystem::path &name) {
+    logFailureOf(program.log, kProcedure, [&] {
+        entry.filePath = textOf(name);
+        if (const auto hashes = hashesOfFile(file)) {
+            entry.fileSize = static_cast<std::int64_t>(hashes->size);
+            entry.md5Hash = hashes->md5;
+            entry.sha256Hash = hashes->sha256;
+        }
+    });
+    noteInTrail(program, std::move(entry));
+}
+
+void noteImport(Program &program, const ImportSummary &summary) {
+    const auto failure = failureOf(program.log, kProcedure, [&] {
+        SQLite::Database &project = program.thisClass.projectDB.connection();
+        WriteBatch batch(project);
+        CaseTrail trail(project);
+        for (const ArtefactResult &artefact : summary.artefacts) {
+            if (artefact.state == ArtefactState::notReached)
+                continue;
+            TrailEntry entry = entryOf(artefact);
+            complete(program, entry);
+            trail.add(entry);
+            batch.written();
+        }
+        for (const UnreadPlace &place : summary.gaps.unreadable) {
+            TrailEntry entry = entryOf(place);
+            complete(program, entry);
+            trail.add(entry);
+            batch.written();
+        }
+        batch.commit();
+    });
+    tellWhenMissing(program, failure);
+}
+
+void noteVerify(Program &program, const SourceCheck &check) {
+    TrailEntry entry;
+    entry.action = "Verify";
+    entry.detail = summaryText(check);
+    noteInTrail(program, std::move(entry));
+}
+
+void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end) {
+    TrailEntry entry;
+    entry.action = "Rebuild";
+    const std::string_view how = end == TaskEnd::cancelled ? ", then cancelled"
+                                 : end == TaskEnd::failed  ? ", then a failure ended it"
+                                                           : "";
+    entry.detail = fmt::format("{} of {} rebuilt{}", rebuilt, counted(asked, "page"), how);
+    entry.rowCount = static_cast<std::int64_t>(rebuilt);
+    noteInTrail(program, std::move(entry));
+}
+
+void noteTemplate(Program &program, const std::filesystem::path &file, const std::string &outcome,
+                  std::int64_t rows) {
+    TrailEntry entry;
+    entry.action = "Template";
+    entry.detail = outcome;
+    entry.rowCount = rows;
+    noteFileInTrail(program, std::move(entry), file);
+}
+
+/// The report lies in the scratch folder, which the next start empties: a path in there would name
+/// nothing that anybody finds later. Its hashes do, since publishing copies byte by byte.
+void noteReport(Program &program, const ReportWriter &report, std::int64_t rows) {
+    TrailEntry entry;
+    entry.action = "Report";
+    entry.detail = fmt::format("{} report of {}; in the program's scratch folder until it is "
+                               "published, with the same hashes",
+                               report.reportType == 0 ? "Graphical" : "Tabular",
+                               counted(static_cast<std::uint64_t>(rows), "row"));
+    entry.rowCount = rows;
+    noteFileInTrail(program, std::move(entry), report.reportFilePath,
+                    report.reportFilePath.filename());
+}
+
+void notePublish(Program &program, const std::filesystem::path &page, const Published &published) {
+    TrailEntry entry;
+    entry.action = "Publish";
+    entry.detail = fmt::format("{} copied to {}", counted(published.files, "file"),
+                               textOf(page.parent_path()));
+    noteFileInTrail(program, std::move(entry), page);
+}
+
+void noteExport(Program &program, const Export &job, std::string_view place) {
+    TrailEntry entry;
+    entry.action = "Export";
+    entry.detail = fmt::format("{} exported as {}",
+                               counted(static_cast<std::uint64_t>(job.counts.rows), "row"),
+                               extensionOf(job.format));
+    entry.rowCount = job.counts.rows;
+    if (place.empty())
+        noteFileInTrail(program, std::move(entry), job.outputFilePath);
+    else
+        noteFileInTrail(program, std::move(entry), job.outputFilePath, place);
+}
+
+} // namespace nv

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "app/program/Program.h"
+#include "db/CaseTrail.h"
+#include "import/ImportSummary.h"
+#include "maintenance/SourceCheck.h"
+#include "reports/Export.h"
+#include "reports/PublishReport.h"
+#include "reports/ReportWriter.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+namespace nv {
+
+// What the program adds to the case trail of the open project. A failure is told and costs the
+// entry only: nobody's work stops because of it. A project that is only read gets none.
+
+/// How a task that is noted ended.
+enum class TaskEnd { whole, cancelled, failed };
+
+/// Time and version are filled in.
+void noteInTrail(Program &program, TrailEntry entry);
+/// The same with a file that the program wrote or read, which is hashed now.
+void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file);
+/// The same under another name than the one where it lies now.
+void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
+                     const std::filesystem::path &name);
+/// An entry for each file that the import took up, and for each file and folder that could not be
+/// read.
+void noteImport(Program &program, const ImportSummary &summary);
+void noteVerify(Program &program, const SourceCheck &check);
+void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end);
+/// The template's file is named; `outcome` is for people.
+void noteTemplate(Program &program, const std::filesystem::path &file, const std::string &outcome,
+                  std::int64_t rows);
+/// Of a finished one.
+void noteReport(Program &program, const ReportWriter &report, std::int64_t rows);
+/// `page` is the index page in the folder that is handed over.
+void notePublish(Program &program, const std::filesystem::path &page, const Published &published);
+/// `place` stands for the name of the file where that says nothing: of the standard output.
+void noteExport(Program &program, const Export &job, std::string_view place = {});
+
+} // namespace nv

@@ -1,0 +1,53 @@
+#include "app/messages/ReportMessages.h"
+
+#include "base/MessageKinds.h"
+
+#include <fmt/format.h>
+
+#include <string>
+
+namespace nv::messages {
+
+Message reportTypeMissing() {
+    return notice("report-type-missing", "Option Missing",
+                  "The report TYPE has not been selected.");
+}
+
+Message reportingError(std::string_view reason) {
+    return failure("reporting-error", "Reporting Error", reason);
+}
+
+Message reportNotLoaded(std::string_view reason) {
+    return failure("report-not-loaded", "Error Loading Report", reason);
+}
+
+Message nothingToPublish() {
+    return {"nothing-to-publish", "Report Missing",
+            "There is nothing to publish.\n\n"
+            "Before you can publish a report, you must first "
+            "create a report by using the REPORT tab."};
+}
+
+Message readyToPublish() {
+    return question("ready-to-publish", "Ready To Publish",
+                    "Norvelane is now ready to copy the report and related files "
+                    "to the selected output folder.\n\n"
+                    "Please note that this could take a while depending on the size "
+                    "of the report.",
+                    Answer::Yes);
+}
+
+Message replacePublished(std::string_view folder) {
+    return question("replace-published", "Publish Report",
+                    fmt::format("{}\n\nThis folder holds an earlier report of this type. Do you "
+                                "want to replace it, with its pictures and pages?",
+                                folder),
+                    Answer::No, Tone::Warning);
+}
+
+Message reportPublished() {
+    return notice("report-published", "", "Your report has been Successfully published.",
+                  Tone::Information);
+}
+
+} // namespace nv::messages

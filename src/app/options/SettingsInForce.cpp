@@ -1,0 +1,48 @@
+#include "app/options/SettingsInForce.h"
+
+#include "app/options/SettingsTable.h"
+
+namespace nv {
+
+namespace {
+
+/// To what is made of a setting, and to the parts of the program that hold one of their own.
+void handDown(Program &program, const SettingFacts &row) {
+    const SettingValues &state = program.thisClass;
+    const auto is = [&row](auto member) { return row.member == SettingMember(member); };
+    if (is(&SettingValues::dateFormat) || is(&SettingValues::timeFormat))
+        program.thisClass.dateTimeFormat = state.dateFormat + " " + state.timeFormat;
+    if (is(&SettingValues::progressBarRefreshRate))
+        program.thread.progressBarRefreshRate = state.progressBarRefreshRate;
+    if (is(&SettingValues::verifyFileSignatures))
+        program.import.verifyFileSignatures = state.verifyFileSignatures;
+    if (is(&SettingValues::parseAdvancedMetadata))
+        program.import.parseAdvancedMetadata = state.parseAdvancedMetadata;
+    if (is(&SettingValues::thumbnailsWhileImporting))
+        program.import.makeThumbnails = state.thumbnailsWhileImporting;
+}
+
+} // namespace
+
+void takeSettings(Program &program) {
+    for (const SettingFacts &row : settingsTable()) {
+        if (row.read != SettingRead::atStart)
+            continue;
+        readMember(program.settings, row, defaultOf(program, row), program.thisClass);
+        handDown(program, row);
+    }
+}
+
+void bringIntoForce(Program &program, const SettingFacts &row, const SettingValues &values) {
+    copyMember(row, values, program.thisClass);
+    handDown(program, row);
+}
+
+void keepFlag(Program &program, FlagKey key, bool on) {
+    SettingValues values = program.thisClass;
+    putText(values, key.row(), on ? "True" : "False");
+    bringIntoForce(program, key.row(), values);
+    writeFlag(program.settings, key, on);
+}
+
+} // namespace nv

@@ -1,0 +1,68 @@
+#include "app/project/EvidenceFolders.h"
+
+#include "base/Files.h"
+#include "base/Paths.h"
+#include "db/ProjectFields.h"
+#include "db/SqliteErrors.h"
+#include "readers/Evidence.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Followed by a number from 1 on.
+constexpr std::string_view kFolderSetting = "EvidenceFolder";
+
+std::vector<fs::path> keptFolders(SQLite::Database &project) {
+    return onProject([&] {
+        std::vector<fs::path> folders;
+        SQLite::Statement row(project, "SELECT DefaultValue FROM DefaultSettings"
+                                       " WHERE DefaultName LIKE ? || '%' ORDER BY rowid");
+        row.bind(1, std::string(kFolderSetting));
+        while (row.executeStep()) {
+            const std::string text = row.getColumn(0).getString();
+            folders.push_back(pathFromText(text).value_or(text));
+        }
+        return folders;
+    });
+}
+
+std::optional<fs::path> firstAround(const fs::path &path, const std::vector<fs::path> &folders) {
+    const auto first = std::ranges::find_if(
+        folders, [&path](const fs::path &folder) { return liesInEvidence(path, folder); });
+    return first == folders.end() ? std::nullopt : std::optional(*first);
+}
+
+} // namespace
+
+std::vector<fs::path> evidenceFolders(ProgramState &state) {
+    std::vector<fs::path> folders;
+    if (state.projectDB.isOpen())
+        folders = keptFolders(state.projectDB.connection());
+    folders.insert(folders.begin(), state.rootPath);
+    return folders;
+}
+
+std::optional<fs::path> evidenceAround(const fs::path &path, ProgramState &state) {
+    return firstAround(path, evidenceFolders(state));
+}
+
+void keepEvidenceFolder(Program &program, const fs::path &source) {
+    const fs::path whole = wholePath(source);
+    const fs::path folder = fs::is_directory(whole) ? whole : whole.parent_path();
+    SQLite::Database &project = program.thisClass.projectDB.connection();
+    const std::vector<fs::path> kept = keptFolders(project);
+    if (!liesInEvidence(folder, folder) || firstAround(folder, kept) ||
+        liesInEvidence(program.thisClass.projectDBPath, folder))
+        return;
+    ProjectFields(project, program.log)
+        .saveDefaultSetting(fmt::format("{}{}", kFolderSetting, kept.size() + 1), textOf(folder));
+}
+
+} // namespace nv

@@ -1,0 +1,171 @@
+#include "app/project/Project.h"
+
+#include "app/messages/Messages.h"
+#include "app/project/ProjectAside.h"
+#include "base/Files.h"
+#include "base/Paths.h"
+#include "base/Replace.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/ProjectFields.h"
+#include "db/SideFiles.h"
+#include "db/StoredQueries.h"
+#include "time/ZoneDatabase.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kZoneSetting = "LastTimeZoneID";
+constexpr std::string_view kRootSetting = "RootPath";
+
+ProjectFields fieldsOf(Program &program) {
+    return {program.thisClass.projectDB.connection(), program.log};
+}
+
+void becomeOpen(Program &program, LogOf log) {
+    if (log == LogOf::project)
+        program.log.remove();
+    ProgramState &state = program.thisClass;
+    state.projectDBPath = state.projectDB.filePath;
+    const std::string root = fieldsOf(program).getDefault(kRootSetting);
+    state.rootPath = pathFromText(root).value_or(root);
+    state.currentSQLDef = state.defaultSQLDef;
+}
+
+/// A zone that isn't in the table is told of: local dates would be those of another zone in
+/// silence.
+void takeZoneOfProject(Program &program) {
+    const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
+    bool &isUnread = program.thisClass.zoneIsUnread;
+    isUnread = zone && *zone > 0;
+    if (!isUnread || setZone(program, *zone) || !fs::exists(program.paths.zones()))
+        return;
+    if (!ZoneDatabase(program.paths.zones(), program.log).listZones().empty())
+        program.around.examiner.tell(messages::zoneNotThere(*zone));
+}
+
+} // namespace
+
+bool isProjectName(const fs::path &path) {
+    return equalsNoCase(textOf(path.extension()), ".nvp");
+}
+
+bool createProject(Program &program, const fs::path &path, LogOf log) {
+    program.projectHold.reset();
+    auto hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
+    ProjectDatabase &project = program.thisClass.projectDB;
+    const fs::path whole = fs::absolute(path);
+    refuseLoneLog(whole);
+    // Whoever is killed meanwhile leaves no file that passes for a project and is none.
+    const fs::path aside = placeAside(whole);
+    project.filePath = aside;
+    project.keywordFolder = program.paths.keywords();
+    project.agencyKeywordFolder = program.paths.home / "keywords";
+    const bool made = project.createDatabaseProject() &&
+                      !failureOf(program.log, "DatabaseClass.CreateDatabaseProject()", [&] {
+                          stampVersion(project.connection(), program.log, buildOf(program));
+                          project.closeDB();
+                          removeSideFiles(whole);
+                          replaceDurably(aside, whole);
+                          project.filePath = whole;
+                          project.open();
+                      });
+    removeDatabase(aside);
+    if (!made)
+        return false;
+    program.projectHold = std::move(hold);
+    becomeOpen(program, log);
+    // The machine's zone as found at the start knows no daylight time; taken by its id it does.
+    setZone(program, program.thisClass.gmtZone.tzTimeZoneID);
+    return true;
+}
+
+void openProject(Program &program, const fs::path &path, Access access, Holding holding,
+                 LogOf log) {
+    program.projectHold.reset();
+    std::unique_ptr<ProjectHold> hold;
+    if (access != Access::read && holding == Holding::yes && fs::exists(path))
+        hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
+    ProjectDatabase &project = program.thisClass.projectDB;
+    project.filePath = fs::absolute(path);
+    project.open(access);
+    program.projectHold = std::move(hold);
+    becomeOpen(program, log);
+    takeZoneOfProject(program);
+}
+
+void requireZones(Program &program) {
+    const fs::path file = program.paths.zones();
+    const auto refuse = [&file](std::string_view what, std::string_view why) {
+        throw StorageFailure(
+            fmt::format("{}: \"{}\" {}. Nothing was imported", what, textOf(file), why));
+    };
+    if (!fs::exists(file))
+        refuse("the table of time zones is missing", "was expected");
+    if (ZoneDatabase(file, program.log).listZones().empty())
+        refuse("the table of time zones is damaged", "can't be read");
+    if (program.thisClass.zoneIsUnread)
+        refuse("the project's time zone is not known", "doesn't hold it");
+}
+
+bool setZone(Program &program, std::int64_t id) {
+    ProgramState &state = program.thisClass;
+    const Clock &clock = program.around.clock;
+    const ZoneChange change =
+        ZoneDatabase(program.paths.zones(), program.log)
+            .setNewTimeZone(state.gmtZone, static_cast<std::int32_t>(id),
+                            Date::fromTimePoint(clock.now() + clock.localOffset()),
+                            state.enableDSTChanges);
+    if (change.errorNumber != 0)
+        program.around.examiner.tell(messages::zoneNotSet(change.errorNumber));
+    state.zoneIsUnread = state.zoneIsUnread && !change.found;
+    return change.found;
+}
+
+DateSettings dateSettings(const Program &program) {
+    const ProgramState &state = program.thisClass;
+    const int year = Date::fromTimePoint(program.around.clock.now()).civil().year;
+    return {state.dateFormat, state.timeFormat, state.enableDSTChanges, year};
+}
+
+void closeProject(Program &program) {
+    ProgramState &state = program.thisClass;
+    if (!state.projectDB.isReadOnly()) {
+        if (!state.zoneIsUnread)
+            fieldsOf(program).saveDefaultSetting(kZoneSetting,
+                                                 fmt::format("{}", state.gmtZone.tzTimeZoneID));
+        StoredQueries(state.projectDB.connection()).resetDEFAULTQuery();
+    }
+    state.zoneIsUnread = false;
+    state.projectDB.closeDB();
+    program.projectHold.reset();
+    state.projectDBPath.clear();
+    state.rootPath.clear();
+    state.currentSQLDef = state.defaultSQLDef;
+    program.import.historyFiles.clear();
+    program.import.gaps = {};
+}
+
+void setRootPath(Program &program, const fs::path &root) {
+    program.thisClass.rootPath = root;
+    if (!program.thisClass.projectDB.isReadOnly())
+        fieldsOf(program).saveDefaultSetting(kRootSetting, textOf(root));
+}
+
+AppBuild buildOf(const Program &program) {
+    const ProgramState &state = program.thisClass;
+    return {state.appBuildMajor, state.appBuildMinor, state.appBuildRevision};
+}
+
+bool isOlderProject(Program &program) {
+    if (program.thisClass.disableFileVersionCheck)
+        return false;
+    return stampOf(program.thisClass.projectDB.connection(), program.log) < buildOf(program);
+}
+
+} // namespace nv

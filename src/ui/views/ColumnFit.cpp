@@ -1,0 +1,156 @@
+#include "ui/views/ColumnFit.h"
+
+#include "ui/views/UrlModel.h"
+
+#include <QAbstractItemDelegate>
+#include <QHeaderView>
+#include <QStyle>
+#include <QStyleOptionViewItem>
+#include <QTableView>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace nv {
+
+namespace {
+
+/// The first widths, those of kUrlColumns, were chosen for a font whose digits are so many pixels
+/// wide.
+constexpr double kDigitWidth = 6;
+
+/// How much wider the window's font is.
+double fontScale(const QWidget &widget) {
+    return std::max(1.0, widget.fontMetrics().horizontalAdvance(u'0') / kDigitWidth);
+}
+
+/// In average characters.
+struct Bounds {
+    int least; ///< 0: the column doesn't give way
+    int most;
+    int turn = 0; ///< in which it gives way: an address tells more than the host that it holds
+};
+constexpr int kTurns = 2;
+
+Bounds boundsOf(UrlColumn column) {
+    switch (column) {
+    case UrlColumn::Value:
+    case UrlColumn::RawValue:
+        return {24, 90, 1};
+    case UrlColumn::WebpageTitle:
+        return {14, 46};
+    case UrlColumn::Host:
+        return {12, 34};
+    default:
+        return {0, 60};
+    }
+}
+
+/// The first screen, and some rows from each quarter of the list.
+std::vector<int> rowsToMeasure(int count) {
+    constexpr int kFirst = 48;
+    constexpr int kEach = 16;
+    constexpr int kParts = 4;
+    std::vector<int> rows;
+    rows.reserve(kFirst + kEach * kParts);
+    for (int row = 0; row < std::min(count, kFirst); ++row)
+        rows.push_back(row);
+    for (int part = 1; part <= kParts; ++part)
+        for (int row = count / kParts * part - kEach; row < count / kParts * part; ++row)
+            if (row >= kFirst)
+                rows.push_back(row);
+    return rows;
+}
+
+int marginsOf(const QTableView &grid) {
+    return 2 * (grid.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &grid) + 1) +
+           grid.fontMetrics().averageCharWidth();
+}
+
+/// The header sets room for the sign of an order aside in all sections as soon as one has it.
+int headingWidth(QHeaderView &header, int section) {
+    const bool hasSign = header.isSortIndicatorShown();
+    header.setSortIndicatorShown(hasSign && header.sortIndicatorSection() == section);
+    const int width = header.sectionSizeHint(section);
+    header.setSortIndicatorShown(hasSign);
+    return width;
+}
+
+/// Of a cell that holds a picture or a tick.
+int cellWidth(const QTableView &grid, const QModelIndex &cell) {
+    QStyleOptionViewItem option;
+    option.initFrom(&grid);
+    option.decorationSize = QSize(1, 1) * grid.style()->pixelMetric(QStyle::PM_SmallIconSize);
+    return grid.itemDelegateForIndex(cell)->sizeHint(option, cell).width();
+}
+
+} // namespace
+
+int ColumnFit::pixels(int twips, const QTableView &grid) {
+    return qRound(pixelsOf(twips) * fontScale(grid));
+}
+
+int ColumnFit::twips(int pixels, const QTableView &grid) {
+    return qRound(pixels / fontScale(grid)) * kTwipsPerPixel;
+}
+
+int ColumnFit::wanted(const UrlModel &model, UrlColumn column, const QTableView &grid) const {
+    const int section = UrlModel::sectionOf(column);
+    int width = headingWidth(*grid.horizontalHeader(), section);
+    if (column == UrlColumn::Tag || column == UrlColumn::Icon)
+        return model.rowCount() > 0 ? std::max(width, cellWidth(grid, model.index(0, section)))
+                                    : width;
+    const QFontMetrics metrics = grid.fontMetrics();
+    for (const int row : rowsToMeasure(model.rowCount())) {
+        const QString text = model.index(row, section).data().toString();
+        width = std::max(width, metrics.horizontalAdvance(text) + marginsOf(grid));
+    }
+    return std::min(width, boundsOf(column).most * metrics.averageCharWidth());
+}
+
+void ColumnFit::measure(const UrlModel &model, const TableLayout &layout, const QTableView &grid) {
+    for (const UrlColumn column : layout.shownColumns())
+        if (layout.isFitted(column))
+            m_wanted.at(indexOf(column)) = wanted(model, column, grid);
+    m_measured = true;
+}
+
+std::array<int, kTableColumnCount> ColumnFit::widths(const TableLayout &layout,
+                                                     const QTableView &grid, int room) const {
+    std::array<int, kTableColumnCount> widths{};
+    const int character = grid.fontMetrics().averageCharWidth();
+    int total = 0;
+    std::array<int, kTurns> yielding{}; // pixels that columns could do without
+    const auto spare = [&](UrlColumn column) {
+        const int least = boundsOf(column).least * character;
+        const bool yields = layout.isFitted(column) && m_measured && least > 0;
+        return yields ? std::max(0, m_wanted.at(indexOf(column)) - least) : 0;
+    };
+    for (const UrlColumn column : layout.shownColumns()) {
+        const bool fitted = layout.isFitted(column) && m_measured;
+        widths.at(indexOf(column)) =
+            fitted ? m_wanted.at(indexOf(column)) : pixels(layout.widthTwips(column), grid);
+        total += widths.at(indexOf(column));
+        yielding.at(std::size_t(boundsOf(column).turn)) += spare(column);
+    }
+    // What can't fit anyway is scrolled to, and nothing is cut for it.
+    int excess =
+        total - std::accumulate(yielding.begin(), yielding.end(), 0) > room ? 0 : total - room;
+    for (int turn = 0; turn < kTurns && excess > 0; ++turn) {
+        const int all = yielding.at(std::size_t(turn));
+        if (all == 0)
+            continue;
+        const double share = std::min(1.0, double(excess) / all);
+        for (const UrlColumn column : layout.shownColumns())
+            if (boundsOf(column).turn == turn)
+                widths.at(indexOf(column)) -= int(std::ceil(spare(column) * share));
+        excess -= all;
+    }
+    if (total < room && m_measured && !layout.hidden(UrlColumn::Value) &&
+        layout.isFitted(UrlColumn::Value))
+        widths.at(indexOf(UrlColumn::Value)) += room - total;
+    return widths;
+}
+
+} // namespace nv

@@ -1,0 +1,83 @@
+#include "ui/views/EmptyPage.h"
+
+#include "platform/qt/Icons.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+
+namespace nv {
+
+namespace {
+
+QString textOf(EmptyState state, std::size_t hidden) {
+    switch (state) {
+    case EmptyState::NoRecords:
+        return EmptyPage::tr("This project holds no records yet.\nImport evidence to fill it.");
+    case EmptyState::NoMatches:
+        return EmptyPage::tr("No record matches the query and the host.");
+    case EmptyState::NoTerms:
+        return EmptyPage::tr("This query looks for no keywords: their list was missing or empty "
+                             "when the project was made.\nIt finds nothing, whatever the evidence "
+                             "holds.");
+    case EmptyState::AllHidden:
+        return EmptyPage::tr("The filters hide all %L1 records that the query and the host give.")
+            .arg(hidden);
+    case EmptyState::Cancelled:
+        return EmptyPage::tr("The loading was cancelled before any record was found.");
+    case EmptyState::Failed:
+        return EmptyPage::tr("The records could not be loaded. The error log says why.");
+    case EmptyState::NotLoaded:
+    case EmptyState::HasRows:
+        break;
+    }
+    return {};
+}
+
+QPushButton *newButton(const char *name, const QString &text) {
+    auto *button = new QPushButton(text);
+    button->setObjectName(QLatin1String(name));
+    return button;
+}
+
+} // namespace
+
+EmptyPage::EmptyPage(QWidget *parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("EmptyPage"));
+    m_text = new QLabel;
+    m_text->setObjectName(QStringLiteral("labEmpty"));
+    m_text->setTextFormat(Qt::PlainText);
+    m_text->setAlignment(Qt::AlignCenter);
+    m_import = newButton("btnEmptyImport", tr("&Import Evidence..."));
+    m_import->setIcon(icon("import"));
+    m_showAll = newButton("btnEmptyShowAll", tr("Show &All Records"));
+
+    m_filters = newButton("btnEmptyFilters", tr("&Filters..."));
+    m_filters->setIcon(icon("filter"));
+
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(m_import);
+    buttons->addWidget(m_showAll);
+    buttons->addWidget(m_filters);
+    buttons->addStretch();
+    auto *column = new QVBoxLayout(this);
+    column->addStretch();
+    column->addWidget(m_text);
+    column->addSpacing(12);
+    column->addLayout(buttons);
+    column->addStretch();
+    connect(m_import, &QPushButton::clicked, this, &EmptyPage::importRequested);
+    connect(m_showAll, &QPushButton::clicked, this, &EmptyPage::showAllRequested);
+    connect(m_filters, &QPushButton::clicked, this, &EmptyPage::filtersRequested);
+}
+
+void EmptyPage::showState(EmptyState state, std::size_t hidden) {
+    m_text->setText(textOf(state, hidden));
+    m_import->setVisible(state == EmptyState::NoRecords);
+    m_showAll->setVisible(state != EmptyState::NoRecords && state != EmptyState::NotLoaded &&
+                          state != EmptyState::AllHidden);
+    m_filters->setVisible(state == EmptyState::AllHidden);
+}
+
+} // namespace nv

@@ -1,0 +1,180 @@
+#include "ui/views/HexPane.h"
+
+#include "platform/qt/QtText.h"
+#include "ui/views/HexGrid.h"
+#include "views/CellText.h"
+
+#include <QBoxLayout>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace nv {
+
+namespace {
+
+enum Kind { anyCase, sameCase, asBytes }; ///< in the order of the box
+
+QString sourceText() {
+    return HexPane::tr("&Source file at this record's offset");
+}
+
+} // namespace
+
+HexPane::HexPane(RunTask runTask, FailureLog &log, QWidget *parent)
+    : ViewerFrame("HexPane", *new HexGrid(log), parent), m_runTask(std::move(runTask)),
+      m_grid(findChild<HexGrid *>()) {
+    addFind();
+    addPlace();
+    connect(m_grid, &HexGrid::cursorMoved, this, &HexPane::showPlace);
+    connect(m_grid, &HexGrid::copyCut, this, [this](std::uint64_t chosen, std::uint64_t copied) {
+        showNotice(
+            tr("Only the first %L1 of %L2 chosen bytes were copied.").arg(copied).arg(chosen));
+    });
+    connect(m_grid, &HexGrid::unreadable, this,
+            [this](const QString &reason) { showMissing(reason); });
+}
+
+void HexPane::addFind() {
+    m_find = new QLineEdit;
+    m_find->setObjectName(QStringLiteral("txtFindInHex"));
+    m_find->setAccessibleName(tr("Find text or bytes"));
+    m_find->setPlaceholderText(tr("Find text or bytes"));
+    m_find->setClearButtonEnabled(true);
+    m_kind = new QComboBox;
+    m_kind->setObjectName(QStringLiteral("cbHexKind"));
+    m_kind->setAccessibleName(tr("What is looked for"));
+    m_kind->addItems({tr("Text"), tr("Text, match case"), tr("Bytes, as 4A 46")});
+    m_kind->setToolTip(tr("Text is looked for in Windows-1252, UTF-8 and UTF-16"));
+    auto *next = new QPushButton(tr("Find &Next"));
+    next->setObjectName(QStringLiteral("btnFindInHex"));
+    bar().addWidget(m_find, 1);
+    bar().addWidget(m_kind);
+    bar().addWidget(next);
+    connect(m_find, &QLineEdit::returnPressed, this, &HexPane::findNext);
+    connect(next, &QPushButton::clicked, this, &HexPane::findNext);
+}
+
+void HexPane::addPlace() {
+    m_offset = new QLineEdit;
+    m_offset->setObjectName(QStringLiteral("txtHexOffset"));
+    m_offset->setAccessibleName(tr("Go to offset"));
+    m_offset->setPlaceholderText(tr("Go to offset"));
+    m_offset->setToolTip(tr("Decimal, or hexadecimal as 0x1F40"));
+    m_offset->setMaximumWidth(150);
+    m_source = new QPushButton(sourceText());
+    m_source->setObjectName(QStringLiteral("btnHexSource"));
+    m_source->setCheckable(true);
+    m_source->setToolTip(tr("Show the artefact file where the record stands in it, "
+                            "not the cached content"));
+    m_place = newLabel("labHexPlace");
+    bar().addWidget(m_offset);
+    bar().addWidget(m_source);
+    bar().addWidget(m_place);
+    connect(m_offset, &QLineEdit::returnPressed, this, &HexPane::goToTyped);
+    connect(m_source, &QPushButton::toggled, this, [this](bool source) {
+        // A button that is down hardly looks it in some themes.
+        m_source->setText(source ? tr("&Back to the cached content") : sourceText());
+        emit sourceToggled();
+    });
+}
+
+void HexPane::showFile(const std::filesystem::path &file, std::uint64_t offset) {
+    m_grid->setSource(std::make_unique<HexSource>(file));
+    m_matchAt.reset();
+    showContent();
+    m_grid->goTo(offset);
+    showNotice(m_grid->source()->size() == 0 ? tr("The file is empty.") : QString());
+}
+
+void HexPane::showMissing(const QString &reason) {
+    clear();
+    // The bar stays live: the other file may be there.
+    showContent();
+    showNotice(reason);
+}
+
+void HexPane::clear() {
+    m_grid->setSource(nullptr);
+    m_place->clear();
+    showReason({});
+}
+
+bool HexPane::wantsSource() const {
+    return m_source->isChecked();
+}
+
+void HexPane::openFind() {
+    m_find->setFocus(Qt::ShortcutFocusReason);
+    m_find->selectAll();
+}
+
+std::optional<std::vector<HexNeedle>> HexPane::needles() {
+    const std::string text = fromQt(m_find->text());
+    if (m_kind->currentIndex() != asBytes)
+        return needlesOfText(text, m_kind->currentIndex() == anyCase ? LetterCase::ignored
+                                                                     : LetterCase::exact);
+    const auto needle = needleOfBytes(text);
+    if (!needle) {
+        showNotice(tr("Bytes are given in pairs of digits, such as 4A 46 49 46."));
+        return std::nullopt;
+    }
+    return std::vector{*needle};
+}
+
+/// Goes on from the top when there is no further one.
+void HexPane::findNext() {
+    if (m_find->text().isEmpty())
+        return openFind();
+    const auto wanted = needles();
+    if (!m_grid->source() || !wanted)
+        return;
+    // A match with the cursor on it has been seen; a byte that was gone to may begin one.
+    const std::uint64_t from = m_grid->cursor() + (m_matchAt == m_grid->cursor() ? 1 : 0);
+    std::optional<HexSearch> search; // nothing when the file couldn't be read
+    bool fromTop = false;
+    m_runTask({"SEARCHING", "Looking for text or bytes", fromQt(m_find->text()), ""},
+              // Held: the grid lets its file go when the drive goes away meanwhile.
+              [&, source = m_grid->source()](TaskMonitor &task) {
+                  HexSearch found = findInFile(source->file(), *wanted, from, task);
+                  fromTop = !found.match && !found.cancelled && from > 0;
+                  if (fromTop)
+                      found = findInFile(source->file(), *wanted, 0, task);
+                  search = found;
+              });
+    if (!search)
+        return showNotice(tr("The file could not be searched."));
+    if (search->match && m_grid->source()) {
+        m_grid->select(*search->match);
+        m_matchAt = search->match->offset;
+    }
+    showNotice(search->match       ? fromTop ? tr("Found from the top.") : QString()
+                     : search->cancelled ? tr("The search was cancelled.")
+                                   : tr("Not found."));
+}
+
+void HexPane::goToTyped() {
+    const auto offset = offsetIn(fromQt(m_offset->text()));
+    if (!offset)
+        return showNotice(tr("An offset is a decimal number, or hexadecimal as 0x1F40."));
+    if (!m_grid->source())
+        return;
+    const bool behind = *offset >= m_grid->source()->size();
+    m_grid->goTo(*offset);
+    m_grid->setFocus();
+    showNotice(behind ? tr("The file ends before this offset.") : QString());
+}
+
+void HexPane::showPlace() {
+    const auto source = m_grid->source();
+    if (!source)
+        return m_place->clear();
+    const QString place = tr("Offset %1 (%2) of %L3 bytes")
+                              .arg(m_grid->cursor())
+                              .arg(toQt("0x" + hexOffset(m_grid->cursor(), 1)))
+                              .arg(source->size());
+    m_place->setText(place);
+}
+
+} // namespace nv

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "ui/views/RecordPane.h"
+#include "views/Properties.h"
+
+#include <QWidget>
+
+#include <functional>
+
+class QPlainTextEdit;
+class QTreeWidget;
+
+namespace nv {
+
+/// All properties of one record; beside them the whole text of the chosen one.
+class PropertiesPane final : public QWidget, public RecordPane {
+    Q_OBJECT
+
+  public:
+    /// `load` gives the properties of a record.
+    explicit PropertiesPane(std::function<std::vector<Property>(UrlId)> load,
+                            QWidget *parent = nullptr);
+
+    /// Keeps the chosen property, by its name.
+    void showRecord(UrlId id) override;
+    void clear() override;
+
+  private:
+    void showChosen();
+
+    std::function<std::vector<Property>(UrlId)> m_load;
+    QTreeWidget *m_list = nullptr;
+    QPlainTextEdit *m_whole = nullptr;
+    std::vector<Property> m_properties; ///< in the order of the list
+    QString m_chosen;
+};
+
+} // namespace nv

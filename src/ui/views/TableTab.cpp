@@ -1,0 +1,385 @@
+#include "ui/views/TableTab.h"
+
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/ReadOnlyConnection.h"
+#include "platform/qt/QtText.h"
+#include "ui/views/ColumnsForm.h"
+#include "ui/views/EmptyPage.h"
+#include "ui/views/FindBar.h"
+#include "ui/views/GridText.h"
+#include "ui/views/LayoutBar.h"
+
+#include <QBoxLayout>
+#include <QClipboard>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QStackedWidget>
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kSortSetting = "TableSort";
+
+} // namespace
+
+TableTab::TableTab(RunTask runTask, Examiner &examiner, QWidget *parent)
+    : QWidget(parent), m_runTask(std::move(runTask)), m_examiner(examiner) {
+    setObjectName(QStringLiteral("TableTab"));
+    m_grid = new UrlGrid(m_model);
+    m_empty = new EmptyPage;
+    m_find = new FindBar;
+    m_pages = new QStackedWidget;
+    m_pages->setObjectName(QStringLiteral("tablePages"));
+    m_pages->addWidget(m_empty);
+    m_pages->addWidget(m_grid);
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(newChoiceBar());
+    column->addWidget(m_pages, 1);
+    column->addWidget(m_find);
+    connectParts();
+}
+
+TableTab::~TableTab() = default;
+
+QWidget *TableTab::newChoiceBar() {
+    m_queries = new QComboBox;
+    m_queries->setObjectName(QStringLiteral("cbActiveQuery"));
+    m_queries->setAccessibleName(tr("Query"));
+    m_queries->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_queries->setMinimumContentsLength(20);
+    m_host = new QLineEdit;
+    m_host->setObjectName(QStringLiteral("txtHostFilter"));
+    m_host->setAccessibleName(tr("Host"));
+    m_host->setPlaceholderText(tr("Part of a host's name, then Enter"));
+    m_host->setClearButtonEnabled(true);
+    m_host->setMaximumWidth(320);
+    auto *queryLabel = new QLabel(tr("&Query:"));
+    queryLabel->setBuddy(m_queries);
+    auto *hostLabel = new QLabel(tr("H&ost:"));
+    hostLabel->setBuddy(m_host);
+
+    auto *bar = new QWidget;
+    bar->setObjectName(QStringLiteral("choiceBar"));
+    auto *row = new QHBoxLayout(bar);
+    row->setContentsMargins(6, 6, 6, 6);
+    m_layouts = new LayoutBar(*m_grid);
+    row->addWidget(m_layouts);
+    row->addSpacing(12);
+    row->addWidget(queryLabel);
+    row->addWidget(m_queries);
+    row->addSpacing(12);
+    row->addWidget(hostLabel);
+    row->addWidget(m_host, 1);
+    row->addStretch();
+    return bar;
+}
+
+void TableTab::connectParts() {
+    connect(m_queries, &QComboBox::activated, this, &TableTab::loadURLs);
+    connect(m_host, &QLineEdit::returnPressed, this, &TableTab::takeHost);
+    connect(m_host, &QLineEdit::textChanged, this, [this](const QString &text) {
+        if (text.isEmpty())
+            takeHost();
+    });
+    connect(m_layouts, &LayoutBar::chosen, this, &TableTab::takeLayout);
+    connect(m_layouts, &LayoutBar::edited, this, &TableTab::layoutEdited);
+    connect(m_grid, &UrlGrid::sortRequested, this, &TableTab::sortByColumn);
+    connect(m_grid, &UrlGrid::tagFlipRequested, this, &TableTab::flipTags);
+    connect(m_grid, &UrlGrid::headerMenuRequested, this, &TableTab::showHeaderMenu);
+    connect(m_grid, &UrlGrid::currentUrlChanged, this, &TableTab::currentUrlChanged);
+    connect(m_empty, &EmptyPage::importRequested, this, &TableTab::importRequested);
+    connect(m_empty, &EmptyPage::showAllRequested, this, &TableTab::showAll);
+    connect(m_empty, &EmptyPage::filtersRequested, this, &TableTab::filtersRequested);
+    connect(m_find, &FindBar::nextRequested, this, &TableTab::findNext);
+    connect(m_find, &FindBar::closed, this, [this] { m_grid->setFocus(); });
+}
+
+void TableTab::openProject(SQLite::Database &project, FailureLog &log, const TimeZone &gmtZone) {
+    m_project = &project;
+    m_log = &log;
+    m_table = std::make_unique<UrlTable>(project, log, gmtZone);
+    m_table->sort = m_sort;
+    m_table->undated = m_layouts->isClassic() ? Undated::AsTheQueryHasThem : Undated::Last;
+    m_model.setTable(m_table.get());
+    m_table->showColumns(m_grid->tableLayout().shownColumns());
+}
+
+void TableTab::restoreLayout(const TableLayout::Read &read) {
+    m_layouts->restore(read);
+    m_sort = sortIn(read(kSortSetting));
+}
+
+void TableTab::saveLayout(const TableLayout::Write &write) {
+    m_layouts->save(write);
+    write(kSortSetting, m_sort ? sortText(*m_sort) : std::string());
+}
+
+/// Classic has rows without a date where the query has them, the other layouts at the end.
+void TableTab::takeLayout() {
+    const Undated undated = m_layouts->isClassic() ? Undated::AsTheQueryHasThem : Undated::Last;
+    if (!m_table || m_table->undated == undated)
+        return;
+    m_table->undated = undated;
+    loadURLs();
+}
+
+void TableTab::forgetSort() {
+    if (!m_table)
+        return;
+    m_table->sort.reset();
+    loadURLs();
+}
+
+void TableTab::closeProject() {
+    m_model.setTable(nullptr);
+    m_table.reset();
+    m_project = nullptr;
+    m_log = nullptr;
+    m_tagged = m_shownTagged = 0;
+    m_empty->showState(EmptyState::NotLoaded);
+    m_pages->setCurrentWidget(m_empty);
+    m_grid->showSort(std::nullopt);
+    emit currentUrlChanged();
+}
+
+void TableTab::setQueries(const QStringList &names) {
+    const QString chosen = queryName();
+    m_queries->clear();
+    for (const QString &name : names)
+        m_queries->addItem(name.isEmpty() ? tr("Default") : name, name);
+    m_queries->setCurrentIndex(std::max(0, m_queries->findData(chosen)));
+}
+
+QString TableTab::queryName() const {
+    return m_queries->currentData().toString();
+}
+
+void TableTab::chooseQuery(const QString &name) {
+    const int place = m_queries->findData(name);
+    if (place < 0)
+        return;
+    m_queries->setCurrentIndex(place);
+    loadURLs();
+}
+
+void TableTab::showQuery(const QString &name) {
+    m_queries->setCurrentIndex(std::max(0, m_queries->findData(name)));
+    if (m_table)
+        m_table->choice.activeQueryName = fromQt(queryName());
+    emit statusChanged();
+}
+
+void TableTab::takeHost() {
+    const QString host = m_host->text().trimmed();
+    if (m_table && (host != m_knownHost || fromQt(host) != m_table->choice.filterByHostValue))
+        loadURLs();
+}
+
+void TableTab::setHost(const QString &host) {
+    const QSignalBlocker quiet(m_host);
+    m_host->setText(host);
+    m_knownHost = host;
+}
+
+/// What was typed counts with any load, also without Enter: the others must know of it.
+void TableTab::announceHost() {
+    const QString host = m_host->text().trimmed();
+    if (host == m_knownHost)
+        return;
+    m_knownHost = host;
+    emit hostEntered(host);
+}
+
+void TableTab::filterByHost(const QString &host) {
+    setHost(host);
+    takeHost();
+}
+
+void TableTab::showAll() {
+    setHost({});
+    emit hostEntered({});
+    chooseQuery({});
+}
+
+void TableTab::loadURLs() {
+    if (!m_table)
+        return;
+    announceHost();
+    const std::string host = fromQt(m_host->text().trimmed());
+    m_table->choice = {fromQt(queryName()), !host.empty(), host};
+    reload([this](TaskMonitor &task) { return m_table->loadURLs(task); });
+}
+
+void TableTab::refreshRows() {
+    if (!m_table)
+        return;
+    m_table->refreshRows();
+    m_model.cellsChanged();
+}
+
+void TableTab::sortBy(SortChoice choice) {
+    if (!m_table)
+        return;
+    const LoadResult result =
+        reload([this, choice](TaskMonitor &task) { return m_table->sortBy(choice, task); });
+    if (result == LoadResult::Loaded)
+        emit sortedBy(choice);
+}
+
+void TableTab::sortByColumn(UrlColumn column, SortDirection direction) {
+    reload([=, this](TaskMonitor &task) { return m_table->sortBy(column, direction, task); });
+}
+
+LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work) {
+    const auto current = m_grid->currentUrl();
+    LoadResult result = LoadResult::Failed;
+    m_runTask({}, [&](TaskMonitor &task) { result = work(task); });
+    m_sort = m_table->sort;
+    m_model.rowsChanged();
+    m_grid->fitToRows();
+    m_grid->showSort(m_table->columnSort());
+    m_empty->showState(m_table->emptyState(), m_table->hiddenCount());
+    m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);
+    // Rows without a current one would leave every pane empty.
+    if ((!current || !m_grid->setCurrentUrl(*current)) && m_table->rowCount() > 0)
+        m_grid->setCurrentUrl(m_table->idAt(0));
+    countTagged();
+    emit currentUrlChanged();
+    if (result == LoadResult::Failed)
+        m_examiner.tell(loadFailure(m_table->failure()));
+    return result;
+}
+
+void TableTab::countTagged() {
+    const auto count = [this] {
+        std::vector<std::int32_t> ticked;
+        SQLite::Statement rows(*m_project,
+                               "SELECT URL_ID FROM URLs WHERE Tagged <> 0 ORDER BY URL_ID");
+        while (rows.executeStep())
+            ticked.push_back(rows.getColumn(0).getInt());
+        const auto shown = std::ranges::count_if(m_table->ids(), [&ticked](std::int32_t id) {
+            return std::ranges::binary_search(ticked, id);
+        });
+        return std::pair(static_cast<qint64>(ticked.size()), qint64{shown});
+    };
+    std::tie(m_tagged, m_shownTagged) =
+        trapped(*m_log, Severity::Low, "MainForm.countTagged()", kNotSerious,
+                std::pair(m_tagged, m_shownTagged), count);
+    emit statusChanged();
+}
+
+void TableTab::countTick(bool tagged, bool isShown) {
+    m_tagged += tagged ? 1 : -1;
+    if (isShown)
+        m_shownTagged += tagged ? 1 : -1;
+    emit statusChanged();
+}
+
+void TableTab::noteTick(qint64 urlID, bool tagged) {
+    if (!m_table)
+        return;
+    refreshRows();
+    countTick(tagged, m_table->placeOf(UrlId{urlID}).has_value());
+}
+
+void TableTab::flipTags() {
+    if (m_project && isReadOnly(*m_project)) {
+        emit tickingRefused();
+        return;
+    }
+    if (m_grid->selectedRowCount() > 1) {
+        m_runTask({"TAGGING URLS", "", "", ""},
+                  [this](TaskMonitor &task) { m_grid->flipSelectedTags(task); });
+        countTagged();
+    } else if (m_model.flipTag(m_grid->currentIndex().row())) {
+        countTick(m_table->isTagged(static_cast<std::size_t>(m_grid->currentIndex().row())), true);
+    }
+    emit currentUrlChanged();
+}
+
+void TableTab::copyCell() {
+    QGuiApplication::clipboard()->setText(m_table ? GridText(*m_grid, *m_table).currentCell()
+                                                  : QString());
+}
+
+void TableTab::copyRows() {
+    m_runTask({"COPYING URLS", "", "", ""}, [this](TaskMonitor &task) {
+        const auto text = m_table ? GridText(*m_grid, *m_table).selectedRows(task) : QString();
+        if (text)
+            QGuiApplication::clipboard()->setText(*text);
+    });
+}
+
+/// Nothing where the text was found: the row shows it.
+static QString findText(const FindResult &result) {
+    if (result.end == FindEnd::found)
+        return {};
+    if (result.end == FindEnd::cancelled)
+        return TableTab::tr("Stopped");
+    if (result.unread.empty())
+        return TableTab::tr("Not found");
+    return TableTab::tr("Not found, but %1 could not be read")
+        .arg(toQt(counted(result.unread.size(), "row")));
+}
+
+void TableTab::openFind() {
+    m_find->reveal();
+}
+
+void TableTab::findNext() {
+    if (!m_table || m_find->text().isEmpty())
+        return m_find->reveal();
+    FindResult result;
+    std::optional<std::string> failure;
+    m_runTask({"SEARCHING URLS", "", "", ""}, [&](TaskMonitor &task) {
+        failure = failureOf(*m_log, "MainForm.findNext()", [&] {
+            result = m_grid->find(m_find->text(), m_grid->currentIndex().row() + 1, task);
+        });
+    });
+    m_find->showResult(failure ? toQt(*failure) : findText(result));
+    if (!failure && result.end == FindEnd::found)
+        m_grid->setCurrentIndex(m_grid->cellOf(result));
+}
+
+void TableTab::showColumnsForm() {
+    ColumnsForm form(m_grid->tableLayout(), m_layouts->book().defaults(), window());
+    if (form.exec() == QDialog::Accepted)
+        m_grid->setTableLayout(form.tableLayout());
+}
+
+void TableTab::showHeaderMenu(UrlColumn column, const QPoint &place) {
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("headerMenu"));
+    QAction *ascending = menu.addAction(
+        tr("Sort &Ascending"), this, [=, this] { sortByColumn(column, SortDirection::Ascending); });
+    QAction *descending = menu.addAction(tr("Sort &Descending"), this, [=, this] {
+        sortByColumn(column, SortDirection::Descending);
+    });
+    QAction *asQueried = menu.addAction(tr("In the &Query's Order"), this, &TableTab::forgetSort);
+    asQueried->setObjectName(QStringLiteral("actForgetSort"));
+    ascending->setEnabled(m_table && isSortable(column));
+    descending->setEnabled(ascending->isEnabled());
+    asQueried->setEnabled(m_sort.has_value());
+    menu.addSeparator();
+    menu.addAction(tr("&Fit to What It Holds"), this, [=, this] { m_grid->fitColumn(column); });
+    menu.addAction(tr("&Hide \"%1\"").arg(columnTitle(column)), this,
+                   [=, this] { m_grid->hideColumn(column); });
+    menu.addAction(tr("&Columns..."), this, &TableTab::showColumnsForm);
+    menu.exec(place);
+}
+
+} // namespace nv

@@ -1,0 +1,128 @@
+#pragma once
+
+#include "base/Examiner.h"
+#include "base/TaskMonitor.h"
+#include "ui/views/UrlGrid.h"
+#include "ui/views/UrlModel.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+class QComboBox;
+class QLineEdit;
+class QMenu;
+class QStackedWidget;
+
+namespace nv {
+
+class EmptyPage;
+class FindBar;
+class LayoutBar;
+
+/// Runs a long piece of work with the window locked and the status window at hand.
+using RunTask =
+    std::function<void(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work)>;
+
+/// The Table tab: which rows are shown, the grid of them, and a line to find texts in it.
+class TableTab final : public QWidget {
+    Q_OBJECT
+
+  public:
+    TableTab(RunTask runTask, Examiner &examiner, QWidget *parent = nullptr);
+    ~TableTab() override;
+    TableTab(const TableTab &) = delete;
+    TableTab &operator=(const TableTab &) = delete;
+
+    /// Takes up an open project, without loading it. The project, log and zone must stay until
+    /// closeProject(), which has to come before the project's connection goes.
+    void openProject(SQLite::Database &project, FailureLog &log, const TimeZone &gmtZone);
+    void closeProject();
+    UrlTable *table() { return m_table.get(); }
+    UrlGrid &grid() { return *m_grid; }
+
+    /// How the project's rows are shown: column layouts and the examiner's order. Restored before
+    /// openProject(), and kept beyond closeProject().
+    void restoreLayout(const TableLayout::Read &read);
+    void saveLayout(const TableLayout::Write &write);
+
+    /// The names that the query selector offers; an empty one is the default query.
+    void setQueries(const QStringList &names);
+    /// Chooses a query, loads its rows.
+    void chooseQuery(const QString &name);
+    /// Shows that the rows are those of this query, without loading them.
+    void showQuery(const QString &name);
+    QString queryName() const;
+    /// What the next load filters by; empty turns the host filter off. The box shows it.
+    void setHost(const QString &host);
+    /// As if the examiner had entered it in the box.
+    void filterByHost(const QString &host);
+
+    void loadURLs();
+    /// The rows' texts have changed; the list and the current row stay.
+    void refreshRows();
+    void sortBy(SortChoice choice);
+    void flipTags();
+    void copyCell();
+    void copyRows();
+    void openFind();
+    void findNext();
+    void showColumnsForm();
+    /// Rows that are ticked in the whole project, as of the last look.
+    qint64 taggedCount() const { return m_tagged; }
+    /// Of them those that the table shows.
+    qint64 shownTaggedCount() const { return m_shownTagged; }
+    /// A tick was set or taken elsewhere in the window.
+    void noteTick(qint64 urlID, bool tagged);
+
+  signals:
+    /// Rows, ticks, query or host have changed.
+    void statusChanged();
+    void currentUrlChanged();
+    /// The examiner has made something of the layouts that has to be kept.
+    void layoutEdited();
+    /// An entry of the `Sort By` menu has taken effect.
+    void sortedBy(nv::SortChoice choice);
+    /// A tick was to be set in a project that is open for reading only.
+    void tickingRefused();
+    void importRequested();
+    void filtersRequested();
+    /// Comes before the load when the examiner has changed the box.
+    void hostEntered(const QString &host);
+
+  private:
+    QWidget *newChoiceBar();
+    void connectParts();
+    void sortByColumn(UrlColumn column, SortDirection direction);
+    /// Runs a load or a sort and shows what came of it, with the same record as the current one.
+    LoadResult reload(const std::function<LoadResult(TaskMonitor &)> &work);
+    void showHeaderMenu(UrlColumn column, const QPoint &place);
+    void takeLayout();
+    void forgetSort();
+    void showAll();
+    void takeHost();
+    void announceHost();
+    void countTagged();
+    void countTick(bool tagged, bool isShown);
+
+    RunTask m_runTask;
+    Examiner &m_examiner;
+    std::unique_ptr<UrlTable> m_table;
+    SQLite::Database *m_project = nullptr; ///< null while no project is open, like the log
+    FailureLog *m_log = nullptr;
+    qint64 m_tagged = 0;
+    qint64 m_shownTagged = 0;
+    UrlModel m_model;
+    UrlGrid *m_grid = nullptr;
+    QStackedWidget *m_pages = nullptr;
+    EmptyPage *m_empty = nullptr;
+    FindBar *m_find = nullptr;
+    LayoutBar *m_layouts = nullptr;
+    std::optional<ColumnSort> m_sort; ///< the examiner's, whatever query is shown
+    QComboBox *m_queries = nullptr;
+    QLineEdit *m_host = nullptr;
+    QString m_knownHost; ///< as it was set or told last
+};
+
+} // namespace nv

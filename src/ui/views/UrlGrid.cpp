@@ -1,0 +1,275 @@
+#include "ui/views/UrlGrid.h"
+
+#include "platform/qt/QtText.h"
+#include "ui/views/PinnedHeader.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QResizeEvent>
+#include <QScrollBar>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+constexpr int kRowPadding = 8; ///< pixels
+
+} // namespace
+
+UrlGrid::UrlGrid(UrlModel &model, QWidget *parent)
+    : PinnedGrid([this](int section) { return staysInSight(UrlModel::columnOf(section)); }, parent),
+      m_model(model) {
+    setObjectName(QStringLiteral("URLGrid"));
+    setAccessibleName(tr("Records"));
+    setModel(&m_model);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);
+    setAlternatingRowColors(true);
+    setShowGrid(false);
+    setWordWrap(false);
+    setTabKeyNavigation(false);
+    setHorizontalScrollMode(ScrollPerPixel);
+    // A row's height never depends on its contents: a million rows are laid out at once.
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowPadding);
+    setUpHeader();
+    connectHeader();
+    applyLayout();
+    connect(this, &QTableView::clicked, this, &UrlGrid::clickCell);
+}
+
+void UrlGrid::setUpHeader() {
+    QHeaderView *header = horizontalHeader();
+    header->setObjectName(QStringLiteral("URLGridHeader"));
+    header->setAccessibleName(tr("Headings of the records"));
+    header->setSectionsMovable(true);
+    header->setFirstSectionMovable(true);
+    header->setSectionsClickable(true);
+    header->setHighlightSections(false);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    // Fitting a column looks at the rows that can be seen, not at all of them.
+    header->setResizeContentsPrecision(0);
+    header->setFixedHeight(2 * fontMetrics().height() + kRowPadding);
+}
+
+void UrlGrid::connectHeader() {
+    QHeaderView *header = horizontalHeader();
+    connect(header, &QHeaderView::sectionClicked, this, &UrlGrid::requestSort);
+    connect(header, &QHeaderView::sectionHandleDoubleClicked, this,
+            [this](int section) { fitColumn(UrlModel::columnOf(section)); });
+    connect(header, &QHeaderView::sectionMoved, this,
+            [this](int section, int, int to) { takeMove(section, to); });
+    connect(header, &QHeaderView::sectionResized, this,
+            [this](int section, int, int pixels) { takeWidth(section, pixels); });
+    connect(header, &QWidget::customContextMenuRequested, this, [this](QPoint place) {
+        const int section = pinnedHeader().sectionAt(place.x());
+        if (section >= 0)
+            emit headerMenuRequested(UrlModel::columnOf(section),
+                                     pinnedHeader().mapToGlobal(place));
+    });
+}
+
+void UrlGrid::setTableLayout(TableLayout layout) {
+    m_layout = std::move(layout);
+    m_fitIsDue = true;
+    applyLayout();
+    fitToRows();
+    emit tableLayoutChanged();
+}
+
+void UrlGrid::applyLayout() {
+    m_applying = true;
+    QHeaderView *header = horizontalHeader();
+    for (std::size_t place = 0; place < m_layout.order().size(); ++place) {
+        const UrlColumn column = m_layout.order()[place];
+        const int section = UrlModel::sectionOf(column);
+        header->moveSection(header->visualIndex(section), static_cast<int>(place));
+        header->setSectionHidden(section, m_layout.hidden(column));
+    }
+    m_applying = false;
+    applyWidths();
+    if (UrlTable *table = m_model.table())
+        table->showColumns(m_layout.shownColumns());
+}
+
+void UrlGrid::applyWidths() {
+    m_applying = true;
+    const auto widths = m_fit.widths(m_layout, *this, viewport()->width());
+    for (const UrlColumn column : m_layout.shownColumns())
+        pinnedHeader().resizeSection(UrlModel::sectionOf(column), widths.at(indexOf(column)));
+    m_applying = false;
+    viewport()->update();
+}
+
+void UrlGrid::fitToRows() {
+    if (!m_fitIsDue || m_model.rowCount() == 0)
+        return;
+    m_fitIsDue = false;
+    m_fit.measure(m_model, m_layout, *this);
+    applyWidths();
+}
+
+void UrlGrid::fitColumn(UrlColumn column) {
+    m_layout.fit(column);
+    m_fitIsDue = true;
+    fitToRows();
+}
+
+void UrlGrid::fitAllColumns() {
+    for (const UrlColumn column : m_layout.shownColumns())
+        m_layout.fit(column);
+    m_fitIsDue = true;
+    fitToRows();
+}
+
+void UrlGrid::hideColumn(UrlColumn column) {
+    m_layout.setHidden(column, true);
+    applyLayout();
+    emit tableLayoutChanged();
+}
+
+void UrlGrid::takeMove(int section, int to) {
+    if (m_applying)
+        return;
+    m_layout.move(UrlModel::columnOf(section), to);
+    emit tableLayoutChanged();
+}
+
+void UrlGrid::takeWidth(int section, int pixels) {
+    if (m_applying || pixels <= 0)
+        return;
+    m_layout.setWidthTwips(UrlModel::columnOf(section), ColumnFit::twips(pixels, *this));
+    viewport()->update();
+}
+
+/// The tick and the date of the event are what every row is known by. "Action Date
+/// [Local]" leaves old dates out (docs/guide/limits.md), so another one is preferred.
+bool UrlGrid::staysInSight(UrlColumn column) const {
+    if (column == UrlColumn::Tag)
+        return true;
+    for (const UrlColumn date :
+         {UrlColumn::LocalDate, UrlColumn::ActionDateUtc, UrlColumn::ActionDateLocal})
+        if (!m_layout.hidden(date))
+            return column == date;
+    return false;
+}
+
+void UrlGrid::resizeEvent(QResizeEvent *event) {
+    PinnedGrid::resizeEvent(event);
+    if (m_fit.isMeasured() && event->oldSize().width() != event->size().width())
+        applyWidths();
+}
+
+void UrlGrid::requestSort(int section) {
+    const UrlColumn column = UrlModel::columnOf(section);
+    const UrlTable *table = m_model.table();
+    if (!table || !isSortable(column))
+        return;
+    const auto &now = table->columnSort();
+    const bool turnRound =
+        now && now->column == column && now->direction == SortDirection::Ascending;
+    emit sortRequested(column, turnRound ? SortDirection::Descending : SortDirection::Ascending);
+}
+
+void UrlGrid::showSort(const std::optional<ColumnSort> &sort) {
+    horizontalHeader()->setSortIndicatorShown(sort.has_value());
+    if (sort)
+        horizontalHeader()->setSortIndicator(
+            UrlModel::sectionOf(sort->column),
+            sort->direction == SortDirection::Ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+}
+
+std::optional<UrlId> UrlGrid::currentUrl() const {
+    const QModelIndex current = currentIndex();
+    if (!m_model.table() || !current.isValid())
+        return std::nullopt;
+    const UrlId id = m_model.table()->idAt(static_cast<std::size_t>(current.row()));
+    return id == UrlId::none ? std::nullopt : std::optional(id);
+}
+
+bool UrlGrid::setCurrentUrl(UrlId id) {
+    const auto place = m_model.table() ? m_model.table()->placeOf(id) : std::nullopt;
+    if (!place)
+        return false;
+    const int section = currentIndex().isValid() ? currentIndex().column()
+                                                 : std::max(0, pinnedHeader().sectionAt(0));
+    const int sideways = horizontalScrollBar()->value();
+    setCurrentIndex(m_model.index(static_cast<int>(*place), section));
+    horizontalScrollBar()->setValue(sideways); // another row, but the columns that were looked at
+    return true;
+}
+
+int UrlGrid::selectedRowCount() const {
+    int count = 0;
+    for (const QItemSelectionRange &range : selectionModel()->selection())
+        count += range.height();
+    return count;
+}
+
+FindResult UrlGrid::find(const QString &text, int fromRow, TaskMonitor &task) const {
+    if (!m_model.table())
+        return {};
+    return m_model.table()->find({fromQt(text), m_layout.shownColumns()},
+                                 static_cast<std::size_t>(fromRow), task);
+}
+
+QModelIndex UrlGrid::cellOf(const FindResult &found) const {
+    return m_model.index(static_cast<int>(found.place), UrlModel::sectionOf(found.column));
+}
+
+void UrlGrid::clickCell(const QModelIndex &cell) {
+    // With Ctrl or Shift the click builds a selection, whose rows the space key tags.
+    if (cell.column() == UrlModel::sectionOf(UrlColumn::Tag) &&
+        QGuiApplication::keyboardModifiers() == Qt::NoModifier)
+        emit tagFlipRequested();
+}
+
+void UrlGrid::keyPressEvent(QKeyEvent *event) {
+    if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier)
+        emit tagFlipRequested();
+    else
+        PinnedGrid::keyPressEvent(event);
+}
+
+/// With Ctrl the toolkit would go to the first or last row and leave the old one chosen.
+QItemSelectionModel::SelectionFlags UrlGrid::selectionCommand(const QModelIndex &index,
+                                                              const QEvent *event) const {
+    if (event && event->type() == QEvent::KeyPress) {
+        const auto *key = static_cast<const QKeyEvent *>(event);
+        const bool toAnEnd = key->key() == Qt::Key_Home || key->key() == Qt::Key_End;
+        if (toAnEnd && key->modifiers() == Qt::ControlModifier)
+            return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+    }
+    return PinnedGrid::selectionCommand(index, event);
+}
+
+void UrlGrid::currentChanged(const QModelIndex &current, const QModelIndex &previous) {
+    PinnedGrid::currentChanged(current, previous);
+    if (current.row() != previous.row())
+        emit currentUrlChanged();
+}
+
+void UrlGrid::flipSelectedTags(TaskMonitor &task) {
+    const QModelIndex current = currentIndex();
+    UrlTable *table = m_model.table();
+    if (!table || !current.isValid())
+        return;
+    if (selectedRowCount() <= 1) {
+        m_model.flipTag(current.row());
+        return;
+    }
+    const bool tagged = !table->isTagged(static_cast<std::size_t>(current.row()));
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        if (!table->setTagged(static_cast<std::size_t>(range.top()),
+                              static_cast<std::size_t>(range.height()), tagged, task))
+            break;
+    }
+    m_model.ticksChanged();
+}
+
+} // namespace nv

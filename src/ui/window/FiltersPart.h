@@ -1,0 +1,25 @@
+#pragma once
+
+#include "ui/window/Workbench.h"
+
+class QLabel;
+
+namespace nv {
+
+/// The record filters in the main window: their dialog, and a sign in the status bar while they are
+/// on, since rows that are hidden in silence look like rows that aren't there.
+class FiltersPart final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit FiltersPart(Workbench &bench);
+
+  private:
+    void chooseFilters();
+    void showSign();
+
+    Workbench &m_bench;
+    QLabel *m_sign = nullptr;
+};
+
+} // namespace nv

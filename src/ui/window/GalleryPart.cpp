@@ -1,0 +1,133 @@
+#include "ui/window/GalleryPart.h"
+
+#include "base/Text.h"
+#include "db/Damage.h"
+#include "platform/qt/QtText.h"
+#include "ui/views/GalleryTab.h"
+#include "views/UnreadRows.h"
+
+namespace nv {
+
+namespace {
+
+constexpr std::chrono::milliseconds kUntilRecount{200};
+
+} // namespace
+
+GalleryPart::GalleryPart(Workbench &bench)
+    : m_bench(bench), m_gallery(new GalleryTab(bench.runTask, bench.examiner())),
+      m_background(bench) {
+    bench.dataTabs->addTab(m_gallery, tr("Gallery"));
+    TableTab &table = *bench.table;
+    connect(m_gallery, &GalleryTab::urlChosen, &table,
+            [&table](qint64 id) { table.grid().setCurrentUrl(UrlId{id}); });
+    connect(m_gallery, &GalleryTab::tagChanged, &table, &TableTab::noteTick);
+    connect(m_gallery, &GalleryTab::thumbnailsWanted, this,
+            [this] { m_bench.run("MainForm.makeThumbnails()", [this] { switchDrawing(); }); });
+    connect(m_gallery, &GalleryTab::lookedAt, this, &GalleryPart::count);
+    m_recount.setSingleShot(true);
+    m_recount.setInterval(kUntilRecount);
+    connect(&m_recount, &QTimer::timeout, this, &GalleryPart::count);
+    connect(&m_background, &BackgroundThumbnails::progressed, this,
+            [this](const ThumbnailTotals &totals) {
+                m_drawnSince = totals.made;
+                m_gallery->setOutdated();
+                showCount();
+            });
+    connect(&m_background, &BackgroundThumbnails::ended, this, &GalleryPart::tellEnd);
+    connect(&table, &TableTab::statusChanged, this, &GalleryPart::followTable);
+    connect(&bench, &Workbench::thumbnailsChanged, this, [this] {
+        m_isCounted = false;
+        m_gallery->setDirty();
+        count();
+    });
+    connect(&bench, &Workbench::galleryOutdated, m_gallery, &GalleryTab::setOutdated);
+    connect(&bench, &Workbench::optionsChanged, this, &GalleryPart::takeOptions);
+    connect(m_gallery, &GalleryTab::choiceChanged, this,
+            [this](const PardChoice &pard, const GalleryMedia &media) {
+                ProgramState &state = m_bench.program.thisClass;
+                state.pard = pard;
+                state.galleryIncludePictures = media.galleryIncludePictures;
+                state.galleryIncludeHTML = media.galleryIncludeHTML;
+            });
+    connect(&bench, &Workbench::projectOpened, this, &GalleryPart::open);
+    connect(&bench, &Workbench::projectClosing, m_gallery, &GalleryTab::closeProject);
+}
+
+/// What happens in the table is shown when the gallery comes up again.
+void GalleryPart::followTable() {
+    if (m_gallery->isVisible())
+        return;
+    m_gallery->setQuery(fromQt(m_bench.table->queryName()));
+    m_gallery->setDirty();
+}
+
+GallerySettings GalleryPart::settings() const {
+    const ProgramState &state = m_bench.program.thisClass;
+    GallerySettings settings;
+    settings.galleryRecordsPerPage = state.galleryRecordsPerPage;
+    settings.media = {state.galleryIncludePictures, state.galleryIncludeHTML};
+    return settings;
+}
+
+void GalleryPart::open() {
+    m_isCounted = false;
+    m_counted = {};
+    m_gallery->openProject(m_bench.project(), m_bench.program.log, settings(),
+                           m_bench.program.thisClass.viewerThumbnailWidth);
+    takeOptions();
+    count();
+}
+
+void GalleryPart::takeOptions() {
+    const ProgramState &state = m_bench.program.thisClass;
+    m_gallery->setChoice(settings(), state.pard, state.viewerThumbnailWidth);
+}
+
+void GalleryPart::switchDrawing() {
+    if (m_background.isRunning())
+        return m_background.stop();
+    if (!m_bench.isProjectOpen() || !m_bench.mayWrite())
+        return;
+    m_drawnSince = 0;
+    m_background.start();
+    showCount();
+}
+
+/// Counting reads the whole table, so it isn't done for a tab that nobody looks at.
+void GalleryPart::count() {
+    if (!m_bench.isProjectOpen() || !m_gallery->isVisible() || m_background.isRunning())
+        return;
+    m_recount.start(); // the command doesn't run while a task has the project
+    m_bench.run("MainForm.countThumbnails()", [this] {
+        m_recount.stop();
+        const std::int64_t last = lastRow(m_bench.program);
+        const bool isKnown = (m_isCounted && last == m_countedTo) || unlessDamaged([this] {
+                                 m_counted = countThumbnails(m_bench.program);
+                             });
+        if (!isKnown)
+            m_counted = {};
+        m_isCounted = true;
+        m_countedTo = last;
+        m_drawnSince = 0;
+    });
+    showCount();
+}
+
+void GalleryPart::showCount() {
+    m_gallery->showDrawn(m_counted.drawn + static_cast<qint64>(m_drawnSince), m_counted.drawable,
+                         m_background.isRunning());
+}
+
+void GalleryPart::tellEnd(const ThumbnailTotals &totals) {
+    emit m_bench.thumbnailsChanged();
+    QString notice = totals.failed == 0 ? tr("%1 made").arg(toQt(counted(totals.made, "thumbnail")))
+                                        : tr("%1 made, %2 failed")
+                                              .arg(toQt(counted(totals.made, "thumbnail")),
+                                                   toQt(counted(totals.failed, "drawing")));
+    if (!totals.unread.empty())
+        notice += tr(". %1").arg(toQt(noteOf(totals.unread)));
+    m_bench.showNotice(notice);
+}
+
+} // namespace nv

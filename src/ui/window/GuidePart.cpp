@@ -1,0 +1,38 @@
+#include "ui/window/GuidePart.h"
+
+#include "ui/window/GuideForm.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QTabWidget>
+
+namespace nv {
+
+GuidePart::GuidePart(Workbench &bench) : m_bench(bench) {
+    connect(bench.actions.guide, &QAction::triggered, this, &GuidePart::show);
+}
+
+/// Pages are named like the tabs and panes that they are about.
+QString GuidePart::pageOfFocus() const {
+    if (!m_bench.isProjectOpen())
+        return QStringLiteral("index");
+    const QTabWidget *tabs = m_bench.dataTabs;
+    if (m_bench.viewers->isAncestorOf(QApplication::focusWidget()))
+        tabs = m_bench.viewers;
+    return tabs->tabText(tabs->currentIndex()).toLower();
+}
+
+/// The window stays open beside the work; asked again it comes to the front.
+void GuidePart::show() {
+    const QString page = pageOfFocus();
+    if (!m_form) {
+        m_form = new GuideForm(m_bench.program.paths.guide(), &m_bench.window);
+        m_form->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    m_form->showPage(page);
+    m_form->show();
+    m_form->raise();
+    m_form->activateWindow();
+}
+
+} // namespace nv

@@ -1,0 +1,169 @@
+#include "ui/window/HostsPart.h"
+
+#include "app/settings/Settings.h"
+#include "base/Trap.h"
+#include "platform/qt/QtText.h"
+#include "ui/views/GalleryTab.h"
+#include "ui/views/HostsPane.h"
+#include "ui/window/StatusSign.h"
+#include "views/CellText.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QSplitter>
+#include <SQLiteCpp/Database.h>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+constexpr std::int64_t kNotListed = -1;
+
+} // namespace
+
+HostsPart::HostsPart(Workbench &bench)
+    : m_bench(bench), m_pane(new HostsPane), m_gallery(bench.dataTabs->findChild<GalleryTab *>()),
+      m_sign(newStatusSign(bench.window, "labHostFilter")) {
+    bench.dataArea->insertWidget(0, m_pane);
+    bench.dataArea->setStretchFactor(0, 0);
+    bench.dataArea->setStretchFactor(1, 1);
+    bench.dataArea->setSizes({280, 1000});
+    bench.actions.hosts->setChecked(readFlag(bench.program.settings, "ShowHosts"));
+    m_pane->setVisible(bench.actions.hosts->isChecked());
+    connectPane();
+    connect(bench.table, &TableTab::hostEntered, this, &HostsPart::takeEntered);
+    connect(bench.table, &TableTab::statusChanged, this, [this] {
+        fillIfStale();
+        showSign();
+    });
+    connect(m_gallery, &GalleryTab::hostEntered, this, &HostsPart::takeEntered);
+    connect(bench.dataTabs, &QTabWidget::currentChanged, this, &HostsPart::reloadStaleTable);
+    connect(&bench, &Workbench::projectClosing, this, [this] {
+        m_pane->setHosts({}, Walk::Finished);
+        m_listedTo = kNotListed;
+        m_sign->hide();
+    });
+}
+
+void HostsPart::connectPane() {
+    connect(m_bench.actions.hosts, &QAction::toggled, this, &HostsPart::showPane);
+    // Comes before the rows are loaded anew, which then fills the list.
+    connect(m_bench.actions.refresh, &QAction::triggered, this,
+            [this] { m_listedTo = kNotListed; });
+    connect(m_pane, &HostsPane::hostChosen, this, &HostsPart::choose);
+    connect(m_pane, &HostsPane::unticked, this, &HostsPart::untick);
+    connect(m_pane, &HostsPane::sortChosen, this, &HostsPart::fill);
+}
+
+void HostsPart::showPane(bool shown) {
+    m_pane->setVisible(shown);
+    writeFlag(m_bench.program.settings, "ShowHosts", shown);
+    fillIfStale();
+}
+
+/// Records only ever come in at the end, so a new highest one is what brings new hosts.
+void HostsPart::fillIfStale() {
+    if (!m_bench.isProjectOpen() || m_pane->isHidden())
+        return;
+    const std::int64_t atLeast = std::max(m_listedTo, std::int64_t{0}); // so that it lists once
+    const std::int64_t last = trapped(m_bench.program.log, Severity::Low, "MainForm.fillHosts()",
+                                      kNotSerious, atLeast, [this] {
+                                          return m_bench.project()
+                                              .execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs")
+                                              .getInt64();
+                                      });
+    if (last == m_listedTo)
+        return;
+    m_listedTo = last;
+    fill();
+}
+
+void HostsPart::fill() {
+    if (!m_bench.isProjectOpen())
+        return;
+    std::vector<HostRow> hosts;
+    UnreadRows unread;
+    Walk listing = Walk::Cancelled; // which a failure leaves as it is
+    m_bench.runTask({"LISTING HOSTS", "", "", ""}, [&](TaskMonitor &task) {
+        listing = listHosts(m_bench.project(), m_pane->sort(), task, hosts, unread);
+    });
+    m_pane->setHosts(std::move(hosts), listing, unread);
+}
+
+/// Another row of the list. Without the tick the filter goes off, and what is shown stays until
+/// the examiner asks for it.
+void HostsPart::choose(const std::string &host) {
+    ProgramState &state = m_bench.program.thisClass;
+    const bool ticked = m_pane->isTicked();
+    state.filterByHostEnabled = ticked;
+    if (ticked)
+        state.filterByHostValue = host;
+    showFilter();
+    if (ticked)
+        reloadFrontTab();
+}
+
+void HostsPart::untick() {
+    m_bench.program.thisClass.filterByHostEnabled = false;
+    showFilter();
+}
+
+/// From a box, whose tab loads itself.
+void HostsPart::takeEntered(const QString &host) {
+    ProgramState &state = m_bench.program.thisClass;
+    state.filterByHostEnabled = !host.isEmpty();
+    state.filterByHostValue = fromQt(host);
+    if (state.filterByHostEnabled)
+        m_pane->setTicked(true);
+    else
+        m_pane->forgetChoice();
+    showFilter();
+}
+
+std::string HostsPart::hostInForce() const {
+    const ProgramState &state = m_bench.program.thisClass;
+    return state.filterByHostEnabled ? state.filterByHostValue : std::string();
+}
+
+void HostsPart::showFilter() {
+    const QString host = toQt(hostInForce());
+    m_bench.table->setHost(host);
+    m_gallery->setHost(host);
+    showSign();
+}
+
+void HostsPart::reloadFrontTab() {
+    const QWidget *front = m_bench.dataTabs->currentWidget();
+    if (front == m_bench.table)
+        m_bench.reload();
+    else if (front == m_gallery)
+        m_gallery->setDirty();
+}
+
+/// A host that was chosen before another tab holds for the table too, once it is looked at.
+void HostsPart::reloadStaleTable() {
+    UrlTable *table = m_bench.table->table();
+    if (table && m_bench.dataTabs->currentWidget() == m_bench.table &&
+        table->choice.filterByHostValue != hostInForce())
+        m_bench.reload();
+}
+
+/// Tells what the rows shown are filtered by, which isn't always what the next load will be.
+void HostsPart::showSign() {
+    const UrlTable *table = m_bench.table->table();
+    const bool on = table && table->choice.filterByHostEnabled;
+    m_sign->setVisible(on);
+    if (!on)
+        return;
+    const std::string &host = table->choice.filterByHostValue;
+    constexpr int kWidest = 320; // pixels: a host of 255 characters must not widen the window
+    const QString whole = toQt(displayText(host));
+    const QString text = m_sign->fontMetrics().elidedText(whole, Qt::ElideMiddle, kWidest);
+    m_sign->setToolTip(Qt::convertFromPlainText(tr("Only hosts that contain %1").arg(whole)));
+    m_sign->setText(host == hostInForce() ? tr("Host: %1").arg(text)
+                                          : tr("Host: %1, until the next refresh").arg(text));
+}
+
+} // namespace nv

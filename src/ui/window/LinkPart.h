@@ -1,0 +1,21 @@
+#pragma once
+
+#include "ui/window/Workbench.h"
+
+namespace nv {
+
+/// The command Run Link Analysis, and the pane of what it found for a record.
+class LinkPart final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit LinkPart(Workbench &bench);
+
+  private:
+    void analyse();
+    void goTo(UrlId id);
+
+    Workbench &m_bench;
+};
+
+} // namespace nv

@@ -1,0 +1,393 @@
+#include "ui/window/MainForm.h"
+
+#include "app/messages/Messages.h"
+#include "app/project/Project.h"
+#include "app/settings/Settings.h"
+#include "base/Trap.h"
+#include "db/ProjectFields.h"
+#include "db/StoredQueries.h"
+#include "db/WriteBatch.h"
+#include "platform/qt/AccessibleBoxes.h"
+#include "platform/qt/Icons.h"
+#include "platform/qt/QtText.h"
+#include "platform/qt/WithinScreen.h"
+#include "ui/views/TableTab.h"
+#include "ui/window/ExportPart.h"
+#include "ui/window/FilesPart.h"
+#include "ui/window/FiltersPart.h"
+#include "ui/window/GalleryPart.h"
+#include "ui/window/GuidePart.h"
+#include "ui/window/HostsPart.h"
+#include "ui/window/LinkPart.h"
+#include "ui/window/NetworkPart.h"
+#include "ui/window/OptionsPart.h"
+#include "ui/window/QueryPart.h"
+#include "ui/window/RebuildPart.h"
+#include "ui/window/RebuiltPanes.h"
+#include "ui/window/ReportPart.h"
+#include "ui/window/RowMenuPart.h"
+#include "ui/window/TemplatesPart.h"
+#include "ui/window/TextForm.h"
+#include "ui/window/TipForm.h"
+#include "ui/window/TrailPart.h"
+#include "ui/window/UpgradePart.h"
+#include "ui/window/ViewersPart.h"
+#include "ui/window/WelcomePage.h"
+#include "ui/window/WindowLayout.h"
+#include "ui/window/Workbench.h"
+#include "views/QueryCommands.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMimeData>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QTabWidget>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+MainForm::MainForm(Program &program, WindowDialogs &dialogs)
+    : m_program(program), m_dialogs(dialogs), m_commands(program, dialogs, *this), m_actions(this),
+      m_menus(*this, m_actions) {
+    nameComboBoxes();
+    setObjectName(QStringLiteral("MainForm"));
+    setWindowIcon(icon("norvelane-logo"));
+    setAcceptDrops(true);
+    resizeWithinScreen(*this, {1280, 820});
+    m_pages = new QStackedWidget;
+    m_pages->setObjectName(QStringLiteral("mainPages"));
+    m_pages->addWidget(new WelcomePage(*m_actions.newProject, *m_actions.openProject));
+    m_pages->addWidget(newProjectPage());
+    setCentralWidget(m_pages);
+    connectWindowActions();
+    connectEditActions();
+    connectOtherActions();
+    connectMenus();
+    m_commands.updateProgramCaption();
+    m_menus.showTheme(keptTheme(program.settings));
+    showRecentFiles();
+    showProjectState();
+    restoreGeometryKept();
+}
+
+MainForm::~MainForm() = default;
+
+QWidget *MainForm::newProjectPage() {
+    const RunTask runTasks = [this](const TaskHeading &heading, const auto &work) {
+        runTask(heading, work);
+    };
+    const RunCommand runCommands = [this](const char *procedure, const auto &command) {
+        run(procedure, command);
+    };
+    m_table = new TableTab(runTasks, m_program.around.examiner);
+    auto *dataTabs = new QTabWidget;
+    dataTabs->setObjectName(QStringLiteral("dataTabs"));
+    dataTabs->setDocumentMode(true);
+    dataTabs->addTab(m_table, tr("Table"));
+    m_viewers = new ViewerTabs(runCommands, [this] { return m_locks > 0; });
+    m_bench =
+        std::make_unique<Workbench>(m_program, m_dialogs, m_actions, *this, runCommands, runTasks);
+    m_bench->dataTabs = dataTabs;
+    m_bench->dataArea = new QSplitter;
+    m_bench->dataArea->setObjectName(QStringLiteral("dataArea"));
+    m_bench->dataArea->setChildrenCollapsible(false);
+    m_bench->dataArea->addWidget(dataTabs);
+    m_bench->table = m_table;
+    m_bench->viewers = m_viewers;
+    addParts();
+    auto *halves = new QSplitter(Qt::Vertical);
+    halves->setObjectName(QStringLiteral("mainSplitter"));
+    halves->addWidget(m_bench->dataArea);
+    halves->addWidget(m_viewers);
+    halves->setStretchFactor(0, 3);
+    halves->setStretchFactor(1, 1);
+    halves->setSizes({560, 220});
+    return halves;
+}
+
+/// In the order of their tabs.
+void MainForm::addParts() {
+    addProperties(*m_bench);
+    m_parts.push_back(std::make_unique<QueryPart>(*m_bench));
+    m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
+    m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
+    m_parts.push_back(std::make_unique<HostsPart>(*m_bench));
+    m_parts.push_back(std::make_unique<FiltersPart>(*m_bench));
+    m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
+    m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
+    m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));
+    m_parts.push_back(std::make_unique<TrailPart>(*m_bench));
+    m_parts.push_back(std::make_unique<ViewersPart>(*m_bench));
+    auto rebuild = std::make_unique<RebuildPart>(*m_bench);
+    m_rebuild = rebuild.get();
+    m_parts.push_back(std::move(rebuild));
+    auto options = std::make_unique<OptionsPart>(*m_bench);
+    auto files = std::make_unique<FilesPart>(*m_bench, m_commands, *this, *options, *m_rebuild);
+    m_files = files.get();
+    m_parts.push_back(std::move(options));
+    m_parts.push_back(std::move(files));
+    m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
+    m_parts.push_back(std::make_unique<ExportPart>(*m_bench));
+    m_parts.push_back(std::make_unique<RowMenuPart>(*m_bench));
+    m_parts.push_back(std::make_unique<GuidePart>(*m_bench));
+}
+
+void MainForm::showUpgradeWizard(const std::filesystem::path &project) {
+    UpgradePart(*m_bench).show(project);
+}
+
+void MainForm::connectWindowActions() {
+    const auto on = [this](QAction *action, const char *procedure, auto command) {
+        connect(action, &QAction::triggered, this,
+                [=, this] { run(procedure, [=, this] { (this->*command)(); }); });
+    };
+    connect(m_actions.exit, &QAction::triggered, this, &QWidget::close);
+    on(m_actions.refresh, "MainForm.LoadURLs()", &MainForm::loadURLs);
+    on(m_actions.errorLog, "MainForm.showErrorLog()", &MainForm::showErrorLog);
+    on(m_actions.tips, "MainForm.showTips()", &MainForm::showTips);
+    on(m_actions.about, "MainForm.showAbout()", &MainForm::showAbout);
+}
+
+void MainForm::connectEditActions() {
+    connect(m_actions.copyCell, &QAction::triggered, m_table, &TableTab::copyCell);
+    connect(m_actions.copyRows, &QAction::triggered, m_table, &TableTab::copyRows);
+    connect(m_actions.selectAll, &QAction::triggered, &m_table->grid(), &QTableView::selectAll);
+    connect(m_actions.find, &QAction::triggered, m_table, &TableTab::openFind);
+    connect(m_actions.findNext, &QAction::triggered, m_table, &TableTab::findNext);
+    connect(m_actions.tag, &QAction::triggered, m_table, &TableTab::flipTags);
+}
+
+void MainForm::connectOtherActions() {
+    connect(m_actions.columns, &QAction::triggered, m_table, &TableTab::showColumnsForm);
+    connect(m_actions.viewers, &QAction::toggled, this, [this](bool shown) {
+        m_viewers->setVisible(shown);
+        m_viewers->refresh();
+    });
+    connect(m_bench.get(), &Workbench::noticed, this, &MainForm::showNotice);
+    connect(m_bench.get(), &Workbench::reloadWanted, this, &MainForm::loadURLs);
+    connect(m_table, &TableTab::statusChanged, this, &MainForm::showStatus);
+    connect(m_table, &TableTab::currentUrlChanged, this, [this] {
+        showNotice({});
+        m_viewers->setRecord(m_table->grid().currentUrl());
+    });
+    connect(m_table, &TableTab::layoutEdited, this, &MainForm::keepLayout);
+    connect(m_table, &TableTab::tickingRefused, this, [this] { m_bench->mayWrite(); });
+    connect(m_table, &TableTab::importRequested, m_actions.import, &QAction::trigger);
+}
+
+void MainForm::connectMenus() {
+    connect(&m_menus, &MainMenus::recentFileChosen, this, &MainForm::takePath);
+    connect(&m_menus, &MainMenus::quickQueryChosen, m_table, &TableTab::chooseQuery);
+    connect(&m_menus, &MainMenus::sortChosen, m_table, &TableTab::sortBy);
+    connect(&m_menus, &MainMenus::themeChosen, this, &MainForm::chooseTheme);
+}
+
+void MainForm::showNotice(const QString &text) {
+    m_status.showNotice(text);
+}
+
+void MainForm::showStatus() {
+    m_status.showTable(*m_table, m_program.thisClass);
+}
+
+void MainForm::showProjectState() {
+    const bool open = isProjectOpen();
+    m_pages->setCurrentIndex(open ? 1 : 0);
+    m_actions.setProjectOpen(open, m_program.thisClass.projectDB.isReadOnly());
+    m_menus.setProjectOpen(open);
+    m_status.setProjectOpen(open);
+    if (open)
+        showStatus();
+}
+
+void MainForm::lockControls() {
+    if (m_locks++ > 0)
+        return;
+    m_focusBeforeLock = QApplication::focusWidget();
+    m_menus.setEnabled(false);
+    m_pages->setEnabled(false);
+    QApplication::setOverrideCursor(Qt::BusyCursor);
+}
+
+void MainForm::unlockControls() {
+    if (--m_locks > 0)
+        return;
+    QApplication::restoreOverrideCursor();
+    m_menus.setEnabled(true);
+    m_pages->setEnabled(true);
+    if (m_focusBeforeLock && m_focusBeforeLock->isVisible() && isAncestorOf(m_focusBeforeLock))
+        m_focusBeforeLock->setFocus();
+    else
+        m_table->grid().setFocus();
+}
+
+void MainForm::closeEvent(QCloseEvent *event) {
+    const bool leaves =
+        m_locks == 0 && m_program.around.examiner.ask(messages::exitProgram()) == Answer::Yes;
+    event->setAccepted(leaves);
+    if (!leaves)
+        return;
+    run("MainForm.CloseFile()", [this] { m_commands.closeFile(); });
+    keepGeometry();
+}
+
+void MainForm::keepGeometry() {
+    keepWindowLayout(*this, m_program.settings);
+    writeFlag(m_program.settings, "ShowViewers", m_actions.viewers->isChecked());
+}
+
+void MainForm::restoreGeometryKept() {
+    restoreWindowLayout(*this, m_program.settings);
+    m_actions.viewers->setChecked(readFlag(m_program.settings, "ShowViewers"));
+}
+
+void MainForm::dragEnterEvent(QDragEnterEvent *event) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (m_locks == 0 && urls.size() == 1 && urls.constFirst().isLocalFile())
+        event->acceptProposedAction();
+}
+
+void MainForm::dropEvent(QDropEvent *event) {
+    const QString path = event->mimeData()->urls().constFirst().toLocalFile();
+    event->acceptProposedAction();
+    // After the drop is over: what comes may show dialogs.
+    QTimer::singleShot(0, this, [this, path] { takePath(pathFromQt(path)); });
+}
+
+void MainForm::takePath(const fs::path &path) {
+    m_files->takePath(path);
+}
+
+void MainForm::run(const char *procedure, const std::function<void()> &command) {
+    if (m_locks > 0)
+        return;
+    const auto failure = failureOf(m_program.log, procedure, command);
+    if (failure)
+        m_program.around.examiner.tell(messages::commandFailed(*failure));
+    showProjectState();
+}
+
+void MainForm::runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work) {
+    lockControls();
+    const auto failure = failureOf(m_program.log, "MainForm.runTask()", [&] {
+        const OpenTask task(m_program.thread, heading);
+        work(m_program.thread);
+    });
+    unlockControls();
+    if (failure)
+        m_program.around.examiner.tell(messages::commandFailed(*failure));
+}
+
+void MainForm::loadCommandLineFile(const fs::path &path) {
+    lockControls();
+    const auto failure = failureOf(m_program.log, "MainForm.LoadCommandLineFile()",
+                                   [&] { m_commands.loadCommandLineFile(path); });
+    if (!failure)
+        m_rebuild->tellOfWideIds();
+    unlockControls();
+    if (failure)
+        m_program.around.examiner.tell(messages::openingFailed(*failure));
+    showProjectState();
+}
+
+void MainForm::showErrorLog() {
+    QFile file(pathToQt(m_program.log.path()));
+    const QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
+                                                        : tr("No failure has been logged.");
+    TextForm(tr("Error Log"), text, this).exec();
+}
+
+void MainForm::showTips() {
+    const auto today = m_program.around.clock.now().time_since_epoch();
+    const auto day = std::chrono::duration_cast<std::chrono::days>(today).count();
+    TipForm(readTips(m_program.paths.tips()), static_cast<std::size_t>(day), m_program.settings,
+            this)
+        .exec();
+}
+
+void MainForm::showAbout() {
+    const ProgramState &state = m_program.thisClass;
+    m_program.around.examiner.tell(messages::about(state.appTitle, state.appVersion));
+}
+
+void MainForm::chooseTheme(Theme theme) {
+    keepTheme(m_program.settings, theme);
+    applyTheme(theme);
+}
+
+void MainForm::setCaption(const std::string &caption) {
+    setWindowTitle(toQt(caption));
+}
+
+void MainForm::restoreLayout() {
+    SQLite::Database &project = m_program.thisClass.projectDB.connection();
+    const ProjectFields fields(project, m_program.log);
+    const auto failure = failureOf(m_program.log, "MainForm.FormatColumns()", [&] {
+        m_table->restoreLayout(
+            [&fields](std::string_view name) { return fields.getDefault(name); });
+    });
+    if (failure)
+        m_program.around.examiner.tell(messages::columnsFailed(*failure));
+    m_table->openProject(project, m_program.log, m_program.thisClass.gmtZone);
+    emit m_bench->projectOpened();
+    showQuickQueries();
+    showProjectState();
+    if (m_program.thisClass.projectDB.isReadOnly())
+        showNotice(tr("Open for reading only: nothing is written to the project."));
+}
+
+/// Comes before the connection goes, so the table lets go of it too.
+void MainForm::saveLayout() {
+    m_table->closeProject();
+    emit m_bench->projectClosing();
+    keepLayout();
+}
+
+void MainForm::keepLayout() {
+    if (!m_program.thisClass.projectDB.isOpen() || m_program.thisClass.projectDB.isReadOnly())
+        return;
+    SQLite::Database &project = m_program.thisClass.projectDB.connection();
+    ProjectFields fields(project, m_program.log);
+    WriteBatch batch(project);
+    m_table->saveLayout([&fields](std::string_view name, std::string_view value) {
+        fields.saveDefaultSetting(name, value);
+    });
+    batch.commit();
+}
+
+void MainForm::showQuickQueries() {
+    QStringList quick;
+    for (const StoredQuery &query :
+         StoredQueries(m_program.thisClass.projectDB.connection()).list()) {
+        const QString name = toQt(query.name);
+        if (isListedQuery(query.name) && isReservedQuery(query.name))
+            quick += name;
+    }
+    m_menus.showQuickQueries(quick);
+}
+
+void MainForm::showRecentFiles() {
+    m_menus.showRecentFiles(configLastFilesOpened(m_program.settings));
+}
+
+void MainForm::clear() {
+    if (m_table->table())
+        m_table->closeProject();
+    emit m_bench->projectClosing();
+    m_table->setQueries({});
+    showProjectState();
+}
+
+void MainForm::loadURLs() {
+    if (!m_table->table())
+        return;
+    m_table->table()->rootPath = textOf(m_program.thisClass.rootPath);
+    m_table->table()->filters = m_program.thisClass.filters;
+    m_table->table()->dates() = dateSettings(m_program);
+    m_table->loadURLs();
+}
+
+} // namespace nv

@@ -1,0 +1,105 @@
+#pragma once
+
+#include "app/ProjectCommands.h"
+#include "app/program/Program.h"
+#include "ui/window/MainActions.h"
+#include "ui/window/MainMenus.h"
+#include "ui/window/StatusLine.h"
+#include "ui/window/WindowDialogs.h"
+
+#include <QMainWindow>
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QStackedWidget;
+
+namespace nv {
+
+class FilesPart;
+class RebuildPart;
+class TableTab;
+class ViewerTabs;
+class Workbench;
+
+/// The main window, from which every command starts. It holds no data: what it shows is the
+/// project's, and every change goes there at once. Locking and the frame are here; what belongs to
+/// one topic is a part of its own (see Workbench).
+class MainForm final : public QMainWindow, public ProjectView {
+    Q_OBJECT
+
+  public:
+    MainForm(Program &program, WindowDialogs &dialogs);
+    ~MainForm() override;
+    MainForm(const MainForm &) = delete;
+    MainForm &operator=(const MainForm &) = delete;
+
+    /// Takes up the one path of the command line.
+    void loadCommandLineFile(const std::filesystem::path &path);
+    void showTips();
+    /// Opens a project, or offers to import any other file or folder.
+    void takePath(const std::filesystem::path &path);
+
+    /// While a task runs only the status window's Cancel button stays live. Calls nest.
+    void lockControls();
+    void unlockControls();
+
+    // ProjectView
+    void setCaption(const std::string &caption) override;
+    void restoreLayout() override;
+    void saveLayout() override;
+    void showRecentFiles() override;
+    void clear() override;
+    void loadURLs() override;
+    void showUpgradeWizard(const std::filesystem::path &project) override;
+
+  protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+  private:
+    /// At once, so that no crash takes a layout away.
+    void keepLayout();
+    QWidget *newProjectPage();
+    void connectWindowActions();
+    void connectEditActions();
+    void connectOtherActions();
+    void connectMenus();
+    /// Runs a command; the examiner is told when it fails.
+    void run(const char *procedure, const std::function<void()> &command);
+    void runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work);
+    /// Makes the parts of the window that have a topic of their own.
+    void addParts();
+    bool isProjectOpen() const { return m_program.thisClass.projectDB.isOpen(); }
+
+    void showErrorLog();
+    void showAbout();
+    void chooseTheme(Theme theme);
+    void showQuickQueries();
+    void showNotice(const QString &text);
+    void showStatus();
+    void showProjectState();
+    void keepGeometry();
+    void restoreGeometryKept();
+
+    Program &m_program;
+    WindowDialogs &m_dialogs;
+    ProjectCommands m_commands;
+    MainActions m_actions;
+    MainMenus m_menus;
+    QStackedWidget *m_pages = nullptr;
+    TableTab *m_table = nullptr;
+    ViewerTabs *m_viewers = nullptr;
+    std::unique_ptr<Workbench> m_bench;
+    std::vector<std::unique_ptr<QObject>> m_parts; ///< go before the bench
+    RebuildPart *m_rebuild = nullptr;
+    FilesPart *m_files = nullptr;
+    StatusLine m_status{*statusBar()};
+    int m_locks = 0;
+    QPointer<QWidget> m_focusBeforeLock;
+};
+
+} // namespace nv

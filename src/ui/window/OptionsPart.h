@@ -1,0 +1,31 @@
+#pragma once
+
+#include "ui/window/Workbench.h"
+
+namespace nv {
+
+/// Tools > Options, and the first step of a new project.
+class OptionsPart final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit OptionsPart(Workbench &bench);
+
+    /// What a new project starts with.
+    struct NewProject {
+        std::filesystem::path path;
+        std::filesystem::path base; ///< may be empty
+    };
+    /// The settings of the dialog are in force when it gives a project; an open one was closed by
+    /// `closeOpen`.
+    std::optional<NewProject> askNewProject(const std::function<void()> &closeOpen);
+    /// Into the project that was made of it.
+    void storeNewProject(const NewProject &made);
+
+  private:
+    void showOptions();
+
+    Workbench &m_bench;
+};
+
+} // namespace nv

@@ -1,0 +1,140 @@
+#include "ui/window/RebuiltPanes.h"
+
+#include "app/jobs/RebuildText.h"
+#include "app/jobs/ShownPage.h"
+#include "base/Files.h"
+#include "platform/qt/QtText.h"
+#include "rebuild/Harvest.h"
+#include "ui/views/AuditPane.h"
+#include "ui/views/BrowserPane.h"
+#include "ui/views/GalleryTab.h"
+
+#include <QTabWidget>
+
+namespace nv {
+
+namespace {
+
+/// The error log has the reason, but for a switch that the examiner can turn.
+QString auditFailure(const UrlRecord &page, const RebuildSettings &settings) {
+    const QString failure = RebuiltPanes::tr("Error Loading Audit");
+    return needsWideIds(page.IngredientIDs, settings)
+               ? failure + QStringLiteral(": ") + toQt(reasonText(NotRebuilt::wideIds))
+               : failure;
+}
+
+QString notBroughtBack(const UrlRecord &page, const RebuildSettings &settings) {
+    const bool ids = needsWideIds(page.IngredientIDs, settings);
+    return RebuiltPanes::tr("The rebuilt page can't be brought back: %1.")
+        .arg(toQt(reasonText(ids ? NotRebuilt::wideIds : NotRebuilt::failed)));
+}
+
+} // namespace
+
+class RebuiltPanes::Browser final : public QObject, public RecordPane {
+  public:
+    Browser(RebuiltPanes &panes, BrowserPane &pane)
+        : QObject(&pane), m_panes(panes), m_pane(pane) {}
+    void showRecord(UrlId id) override { m_panes.showPage(m_pane, id); }
+    void clear() override { m_pane.clear(); }
+
+  private:
+    RebuiltPanes &m_panes;
+    BrowserPane &m_pane;
+};
+
+class RebuiltPanes::Audit final : public QObject, public RecordPane {
+  public:
+    Audit(RebuiltPanes &panes, AuditPane &pane) : QObject(&pane), m_panes(panes), m_pane(pane) {}
+    void showRecord(UrlId id) override { m_panes.showAudit(m_pane, id); }
+    void clear() override { m_pane.clear(); }
+
+  private:
+    RebuiltPanes &m_panes;
+    AuditPane &m_pane;
+};
+
+RebuiltPanes::RebuiltPanes(Workbench &bench) : m_bench(bench) {
+    auto *browser = new BrowserPane;
+    auto *audit = new AuditPane;
+    bench.viewers->addPane(*browser, *new Browser(*this, *browser), tr("Browser"),
+                           "MainForm.showPage()");
+    bench.viewers->addPane(*audit, *new Audit(*this, *audit), tr("Audit"), "MainForm.LoadAudit()");
+    connect(browser, &BrowserPane::navigationBlocked, &bench, &Workbench::showNotice);
+    connect(bench.dataTabs, &QTabWidget::currentChanged, this, [this] {
+        if (m_bench.program.thisClass.disableAutoRebuildInHTMLGallery)
+            m_bench.viewers->refresh();
+    });
+}
+
+/// Whether the setting keeps a page that a tile leads to from being brought back.
+bool RebuiltPanes::isLeftInGallery(UrlRecord &page) {
+    Program &program = m_bench.program;
+    if (!page.CacheFileRebuilt || !program.thisClass.disableAutoRebuildInHTMLGallery ||
+        !qobject_cast<GalleryTab *>(m_bench.dataTabs->currentWidget()))
+        return false;
+    Unwatched nobody;
+    const RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    return !hasFolder(tools, page);
+}
+
+/// The folder of a page that was rebuilt in an earlier run of the program is made anew.
+bool RebuiltPanes::bringBack(UrlRecord &page) {
+    Program &program = m_bench.program;
+    Unwatched nobody;
+    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    if (hasFolder(tools, page))
+        return true;
+    bool whole = false;
+    m_bench.runTask({"HARVESTING ITEMS FOR SELECTED FILE", "Please standby...", "", ""},
+                    [&](TaskMonitor &task) {
+                        RecordTools watched(program, task, program.thisClass.tempFolderPath);
+                        whole = bringBackFolder(watched, page);
+                    });
+    return whole;
+}
+
+void RebuiltPanes::showAudit(AuditPane &pane, UrlId id) {
+    Program &program = m_bench.program;
+    Unwatched nobody;
+    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    const RebuildContext &ctx = tools.context();
+    auto page = tools.record(number(id));
+    if (!page || !page->CacheFileRebuilt)
+        return pane.showReason(tr("This record was not rebuilt, so nothing in it was replaced."));
+    if (isLeftInGallery(*page))
+        return pane.showReason(tr("The gallery doesn't bring rebuilt pages back, as the setting "
+                                  "DisableAutoRebuildInHTMLGallery says: the table does."));
+    std::optional<std::vector<AuditRow>> rows;
+    if (bringBack(*page))
+        rows = loadAudit(*page, rebuildFolderOf(page->URLID, ctx), ctx);
+    if (!rows || rows->empty())
+        pane.showReason(auditFailure(*page, ctx.settings));
+    else
+        pane.showAudit(std::move(*rows));
+}
+
+/// A rebuilt page that can't be brought back is shown as it was cached, and the examiner learns it.
+void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
+    pane.clear();
+    Program &program = m_bench.program;
+    Unwatched nobody;
+    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    auto record = tools.record(number(id));
+    if (!record)
+        return;
+    const bool isLeft = isLeftInGallery(*record);
+    if (record->CacheFileRebuilt && (isLeft || !bringBack(*record))) {
+        record->CacheFileRebuilt = false;
+        if (!isLeft)
+            m_bench.showNotice(notBroughtBack(*record, tools.context().settings));
+    }
+    const ShownPage shown = pageToShow(tools, *record);
+    program.thisClass.viewer.browserURL = textOf(shown.file);
+    if (shown.file.empty())
+        pane.showReason(toQt(shown.reason));
+    else
+        pane.showPage(shown.file, shown.rebuilt ? tr("Rebuilt page") : tr("Cached content"));
+}
+
+} // namespace nv

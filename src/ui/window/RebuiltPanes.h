@@ -1,0 +1,30 @@
+#pragma once
+
+#include "ui/window/Workbench.h"
+
+namespace nv {
+
+class AuditPane;
+class BrowserPane;
+struct UrlRecord;
+
+/// The panes of cached and rebuilt pages: Browser and Audit. What they show of a page that was
+/// rebuilt in an earlier run of the program is brought back first, which is a task.
+class RebuiltPanes final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit RebuiltPanes(Workbench &bench);
+
+  private:
+    class Browser;
+    class Audit;
+    bool bringBack(UrlRecord &page);
+    bool isLeftInGallery(UrlRecord &page);
+    void showPage(BrowserPane &pane, UrlId id);
+    void showAudit(AuditPane &pane, UrlId id);
+
+    Workbench &m_bench;
+};
+
+} // namespace nv

@@ -1,0 +1,210 @@
+#include "ui/window/ReportPart.h"
+
+#include "app/jobs/RebuildJob.h"
+#include "app/jobs/ReportJob.h"
+#include "app/jobs/Trail.h"
+#include "app/messages/Messages.h"
+#include "app/messages/ReportMessages.h"
+#include "app/project/EvidenceFolders.h"
+#include "app/settings/Settings.h"
+#include "base/Files.h"
+#include "base/Trap.h"
+#include "platform/qt/QtText.h"
+#include "reports/PublishReport.h"
+#include "ui/reports/ReportForm.h"
+#include "ui/views/BrowserPane.h"
+#include "ui/views/ReportPane.h"
+
+#include <QAction>
+#include <QDesktopServices>
+#include <QUrl>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kChooseFolder =
+    "Publish Report: Select an output folder for the published report:";
+
+/// Nothing is ever written beside evidence.
+void refuseEvidence(const fs::path &target, ProgramState &state) {
+    if (const auto folder = evidenceAround(target, state))
+        throw StorageFailure(messages::liesInEvidence(target, *folder).text);
+}
+
+} // namespace
+
+ReportPart::ReportPart(Workbench &bench) : m_bench(bench) {
+    connect(bench.actions.createReport, &QAction::triggered, this,
+            [this] { m_bench.run("ReportForm.OkBtn_Click()", [this] { create(); }); });
+    connect(bench.actions.publishReport, &QAction::triggered, this,
+            [this] { m_bench.run("MainForm.PublishReport()", [this] { publishReport(); }); });
+    connect(bench.actions.openReportFolder, &QAction::triggered, this, &ReportPart::openFolder);
+    connect(&bench, &Workbench::projectOpened, this, &ReportPart::findReport);
+    tellOfFailures();
+}
+
+/// Whatever comes later than the command that shows it: the engine loads by itself.
+void ReportPart::tellOfFailures() {
+    const BrowserPane &browser = m_bench.viewers->findChild<ReportPane *>()->browser();
+    connect(&browser, &BrowserPane::pageFailed, this, [this](const QString &reason) {
+        m_bench.program.log.write({fromQt(reason), "ReportForm.OkBtn_Click()", Severity::Warning,
+                                   std::string(kContactSupport)});
+        m_bench.examiner().tell(messages::reportNotLoaded(fromQt(reason)));
+    });
+}
+
+void ReportPart::create() {
+    if (!m_bench.table->table())
+        return;
+    Program &program = m_bench.program;
+    ReportTools tools(program, program.thread, program.thisClass.tempFolderPath);
+    if (!chooseOptions(tools))
+        return;
+    withdrawReport();
+    bool finished = false;
+    std::optional<std::string> failure;
+    m_bench.runTask({"CREATING REPORT", "Overall Progress", "", ""}, [&](TaskMonitor &) {
+        failure = failureOf(program.log, "ReportForm.OkBtn_Click()",
+                            [&] { finished = tools.run(m_bench.table->table()->ids()); });
+    });
+    if (!finished)
+        findReport(); // an earlier one of the other type is still there
+    if (failure)
+        m_bench.examiner().tell(messages::reportingError(*failure));
+    else
+        tellOf(tools, finished);
+}
+
+fs::path ReportPart::lastReport() const {
+    const fs::path &project = m_bench.program.thisClass.projectDBPath;
+    const auto isShown = [&project](const auto &made) {
+        std::error_code none;
+        return made.project == project && fs::is_regular_file(made.page, none);
+    };
+    const auto last = std::find_if(m_made.rbegin(), m_made.rend(), isShown);
+    return last == m_made.rend() ? fs::path() : last->page;
+}
+
+/// The pane shows the report again of a project that is opened again: it lies in the folder for
+/// scratch until the program ends, or until another one takes its name.
+void ReportPart::findReport() {
+    m_bench.program.thisClass.viewer.reportURL = lastReport().string();
+    m_bench.viewers->findChild<ReportPane *>()->refresh();
+}
+
+/// False when the examiner thinks better of it.
+bool ReportPart::chooseOptions(ReportTools &tools) {
+    Program &program = m_bench.program;
+    readReportOptions(program.settings, tools.report);
+    const RowIds &ids = m_bench.table->table()->ids();
+    UnreadRows unread; // the report names them
+    const auto tagged = taggedIds(program, unread);
+    const auto shown = static_cast<std::size_t>(std::ranges::count_if(
+        ids, [&tagged](std::int64_t id) { return std::ranges::binary_search(tagged, id); }));
+    tools.report.includeAll = shown == 0;
+    ReportForm form(tools.report, ids.size(), shown, m_bench.examiner(), &m_bench.window);
+    if (form.exec() != QDialog::Accepted)
+        return false;
+    form.apply(tools.report);
+    writeReportOptions(tools.report, program.settings);
+    return true;
+}
+
+void ReportPart::tellOf(const ReportTools &tools, bool finished) {
+    if (finished) {
+        m_bench.actions.openReportFolder->setEnabled(true);
+        showReport(tools.report.reportFilePath);
+        m_bench.showNotice(
+            tr("The report is ready: %1").arg(pathToQt(tools.report.reportFilePath)));
+        if (const auto notes = notesOf(tools.report); !notes.empty())
+            m_bench.examiner().tell(messages::reportingError(
+                fmt::format("{}\n\nThe log \"{}\" says why.", fmt::join(notes, "\n"),
+                            textOf(m_bench.program.log.path()))));
+    } else if (tools.report.cancel) {
+        m_bench.showNotice(tr("The report was cancelled."));
+    } else {
+        m_bench.examiner().tell(messages::reportingError(fmt::format(
+            "The report could not be made; see \"{}\".", textOf(m_bench.program.log.path()))));
+    }
+}
+
+/// The finished report comes to the front of the viewers.
+void ReportPart::showReport(const fs::path &page) {
+    const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
+        std::erase_if(m_made, [&page](const Made &each) { return each.page == page; });
+        m_made.push_back({m_bench.program.thisClass.projectDBPath, page});
+        m_bench.program.thisClass.viewer.reportURL = page.string();
+        auto *pane = m_bench.viewers->findChild<ReportPane *>();
+        pane->refresh();
+        m_bench.viewers->setCurrentWidget(pane);
+        m_bench.viewers->refresh();
+    });
+    if (failure)
+        m_bench.examiner().tell(messages::reportNotLoaded(*failure));
+}
+
+/// The one that is shown is about to be written over, under the same name.
+void ReportPart::withdrawReport() {
+    m_bench.program.thisClass.viewer.reportURL.clear();
+    m_bench.viewers->findChild<ReportPane *>()->refresh();
+}
+
+void ReportPart::publishReport() {
+    const ProgramState &state = m_bench.program.thisClass;
+    const int type = readNumber(m_bench.program.settings, "ReportType");
+    if (!isReportThere(ReportFolder(state.tempFolderPath), type))
+        return m_bench.examiner().tell(messages::nothingToPublish());
+    const auto target =
+        m_bench.dialogs.chooseFolder(std::string(kChooseFolder), state.publishTempFolder);
+    if (!target || !fs::is_directory(*target))
+        return;
+    refuseEvidence(*target, m_bench.program.thisClass);
+    if (m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes &&
+        mayReplace(*target, type))
+        publishTo(*target, type);
+}
+
+/// What an earlier report held and this one doesn't would be handed over with it. False when the
+/// examiner thinks better of it.
+bool ReportPart::mayReplace(const fs::path &target, int type) const {
+    if (!isReportThere(ReportFolder::at(target), type))
+        return true;
+    return m_bench.examiner().ask(messages::replacePublished(textOf(target))) == Answer::Yes;
+}
+
+void ReportPart::publishTo(const fs::path &target, int type) {
+    Published published;
+    std::optional<std::string> failure;
+    m_bench.runTask({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""},
+                    [&](TaskMonitor &task) {
+                        failure = failureOf(m_bench.program.log, "MainForm.PublishReport()", [&] {
+                            const ReportFolder report(m_bench.program.thisClass.tempFolderPath);
+                            removePublished(target, type);
+                            published = nv::publishReport(report, type, target, task);
+                            if (!published.cancelled)
+                                notePublish(m_bench.program, ReportFolder::at(target).index(type),
+                                            published);
+                        });
+                    });
+    if (failure)
+        m_bench.examiner().tell(messages::commandFailed(*failure));
+    else if (published.cancelled)
+        m_bench.showNotice(tr("Publishing was cancelled after %L1 files.").arg(published.files));
+    else
+        m_bench.examiner().tell(messages::reportPublished());
+}
+
+void ReportPart::openFolder() const {
+    const ReportFolder report(m_bench.program.thisClass.tempFolderPath);
+    QDesktopServices::openUrl(QUrl::fromLocalFile(pathToQt(report.path)));
+}
+
+} // namespace nv

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ui/window/Workbench.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace nv {
+
+class ReportTools;
+
+/// The commands Create Report and Publish Report.
+class ReportPart final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit ReportPart(Workbench &bench);
+
+  private:
+    /// A report that was made since the start.
+    struct Made {
+        std::filesystem::path project;
+        std::filesystem::path page;
+    };
+
+    void create();
+    /// The newest report of the open project that is still there; empty for none.
+    std::filesystem::path lastReport() const;
+    void findReport();
+    bool chooseOptions(ReportTools &tools);
+    void tellOf(const ReportTools &tools, bool finished);
+    void showReport(const std::filesystem::path &page);
+    void tellOfFailures();
+    void withdrawReport();
+    void publishReport();
+    bool mayReplace(const std::filesystem::path &target, int type) const;
+    void publishTo(const std::filesystem::path &target, int type);
+    void openFolder() const;
+
+    Workbench &m_bench;
+    std::vector<Made> m_made; ///< in their order; a page is there once
+};
+
+} // namespace nv

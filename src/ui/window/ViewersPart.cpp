@@ -1,0 +1,175 @@
+#include "ui/window/ViewersPart.h"
+
+#include "app/project/Project.h"
+#include "base/Files.h"
+#include "platform/qt/QtText.h"
+#include "ui/views/BrowserPane.h"
+#include "ui/views/HexPane.h"
+#include "ui/views/NotesPane.h"
+#include "ui/views/PicturePane.h"
+#include "ui/views/PropertiesPane.h"
+#include "ui/views/ReportPane.h"
+#include "ui/views/TextPane.h"
+#include "ui/window/PictureFeed.h"
+#include "views/CellText.h"
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<Property> propertiesOf(Workbench &bench, UrlId id) {
+    Program &program = bench.program;
+    const auto picture = [&]() -> std::optional<fs::path> {
+        Unwatched nobody;
+        RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+        const auto content = contentOfRecord(tools, id);
+        return content ? content->file : std::nullopt;
+    };
+    return loadProperties(id, {bench.project(), program.thisClass.gmtZone, dateSettings(program),
+                               program.log, picture});
+}
+
+QString sentence(const std::string &reason) {
+    QString text = toQt(displayText(reason, 2000));
+    return text.isEmpty() ? text : text.front().toUpper() + text.mid(1) + u'.';
+}
+
+} // namespace
+
+void addProperties(Workbench &bench) {
+    auto *pane = new PropertiesPane([&bench](UrlId id) { return propertiesOf(bench, id); });
+    bench.viewers->addPane(*pane, *pane, ViewersPart::tr("Properties"),
+                           "MainForm.LoadProperties()");
+}
+
+/// A pane that the part fills.
+class ViewersPart::ContentPane final : public QObject, public RecordPane {
+  public:
+    ContentPane(QObject *owner, std::function<void(UrlId)> show, std::function<void()> clear)
+        : QObject(owner), m_show(std::move(show)), m_clear(std::move(clear)) {}
+    void showRecord(UrlId id) override { m_show(id); }
+    void clear() override { m_clear(); }
+
+  private:
+    std::function<void(UrlId)> m_show;
+    std::function<void()> m_clear;
+};
+
+template <class Pane>
+void ViewersPart::addContentPane(Pane &pane, const QString &title, const char *procedure,
+                                 void (ViewersPart::*show)(UrlId)) {
+    auto *record = new ContentPane(
+        &pane, [this, show](UrlId id) { (this->*show)(id); }, [&pane] { pane.clear(); });
+    m_bench.viewers->addPane(pane, *record, title, procedure);
+}
+
+ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
+    m_text = new TextPane;
+    m_picture = new PicturePane;
+    m_picture->setNoResize(state().noResizePicture);
+    m_hex = new HexPane(bench.runTask, bench.program.log);
+    addContentPane(*m_text, tr("Text"), "MainForm.showText()", &ViewersPart::showText);
+    addPicture();
+    addContentPane(*m_hex, tr("Hex"), "MainForm.showHex()", &ViewersPart::showHex);
+    addNotes();
+    addReport();
+    connect(m_picture, &PicturePane::noResizeChanged, this,
+            [this](bool noResize) { state().noResizePicture = noResize; });
+    connect(m_hex, &HexPane::sourceToggled, bench.viewers, &ViewerTabs::refresh);
+    connect(bench.table, &TableTab::currentUrlChanged, this, [this] { state().viewer.clearAll(); });
+}
+
+void ViewersPart::addPicture() {
+    auto *feed = new PictureFeed(m_bench, *m_picture);
+    auto *record = new ContentPane(
+        m_picture, [feed](UrlId id) { feed->show(id); }, [feed] { feed->clear(); });
+    m_bench.viewers->addPane(*m_picture, *record, tr("Picture"), "MainForm.showPicture()");
+}
+
+void ViewersPart::addNotes() {
+    Workbench &bench = m_bench;
+    m_notes = new NotesPane(
+        {[&bench](UrlId id) { return readNote(bench.project(), id); },
+         [&bench](UrlId id, const std::string &text) {
+             NoteOutcome outcome = storeNote(bench.project(), id, text, bench.program.around.clock,
+                                             bench.program.log);
+             bench.table->refreshRows(); // its mark comes or goes
+             return outcome;
+         },
+         [&bench](Date date) { return utcProperty(date, dateSettings(bench.program)); },
+         [&bench](const Message &message) { bench.examiner().tell(message); }});
+    bench.viewers->addPane(*m_notes, *m_notes, tr("Notes"), "MainForm.NotesText_Validate()");
+    connect(&bench, &Workbench::projectOpened, m_notes,
+            [this] { m_notes->setReadOnly(m_bench.program.thisClass.projectDB.isReadOnly()); });
+    connect(&bench, &Workbench::projectClosing, m_notes, [this] {
+        if (m_bench.isProjectOpen())
+            m_notes->clear();
+        m_notes->forgetUnstored();
+    });
+}
+
+void ViewersPart::addReport() {
+    m_report = new ReportPane([this] { return state().viewer.reportURL; });
+    m_bench.viewers->addPane(*m_report, *m_report, tr("Report"), "MainForm.showReport()");
+    connect(&m_report->browser(), &BrowserPane::navigationBlocked, &m_bench,
+            &Workbench::showNotice);
+    // The report is one of the project that is left.
+    connect(&m_bench, &Workbench::projectClosing, m_report, [this] {
+        state().viewer.reportURL.clear();
+        m_report->refresh();
+    });
+}
+
+std::optional<RecordContent> ViewersPart::contentFor(UrlId id,
+                                                     const std::function<void(QString)> &missing) {
+    Program &program = m_bench.program;
+    Unwatched nobody;
+    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    auto content = contentOfRecord(tools, id);
+    if (!content)
+        missing(tr("The selected record could not be found."));
+    else if (!content->file)
+        missing(sentence(content->reason));
+    return content && content->file ? std::move(content) : std::nullopt;
+}
+
+void ViewersPart::showText(UrlId id) {
+    m_text->clear();
+    const auto content =
+        contentFor(id, [this](const QString &reason) { m_text->showReason(reason); });
+    if (!content)
+        return;
+    const CachedText text =
+        readCachedText(*content->file, content->record.MetaData, TextPane::kMostBytes);
+    state().viewer.textContent = text.text;
+    m_text->showText(text);
+}
+
+void ViewersPart::showHex(UrlId id) {
+    if (m_hex->wantsSource())
+        return showSource(id);
+    const auto content =
+        contentFor(id, [this](const QString &reason) { m_hex->showMissing(reason); });
+    if (!content)
+        return;
+    state().viewer.hexFilePath = textOf(*content->file);
+    m_hex->showFile(*content->file, 0);
+}
+
+void ViewersPart::showSource(UrlId id) {
+    Program &program = m_bench.program;
+    Unwatched nobody;
+    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    const auto record = tools.record(number(id));
+    if (!record)
+        return m_hex->showMissing(tr("The selected record could not be found."));
+    const auto source = sourceOfRecord(*record);
+    if (!source)
+        return m_hex->showMissing(sentence(missingSource(*record)));
+    state().viewer.hexFilePath = textOf(source->file);
+    m_hex->showFile(source->file, source->offset);
+}
+
+} // namespace nv

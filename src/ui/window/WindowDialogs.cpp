@@ -1,0 +1,75 @@
+#include "ui/window/WindowDialogs.h"
+
+#include "app/messages/Messages.h"
+#include "base/Files.h"
+#include "platform/qt/QtText.h"
+#include "ui/options/OptionsForm.h"
+
+#include <QApplication>
+#include <QFileDialog>
+
+namespace nv {
+
+namespace {
+
+constexpr const char *kProjects = "Norvelane Project (*.nvp)";
+constexpr const char *kAllFiles = "All Files (*.*)";
+
+std::optional<std::filesystem::path> run(QFileDialog &dialog) {
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    return pathFromQt(dialog.selectedFiles().constFirst());
+}
+
+std::optional<std::filesystem::path> chooseFile(const char *name, const char *title,
+                                                QFileDialog::AcceptMode mode,
+                                                const QStringList &filters) {
+    QFileDialog dialog(QApplication::activeWindow(), QString::fromLatin1(title));
+    dialog.setObjectName(QString::fromLatin1(name));
+    dialog.setAcceptMode(mode);
+    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile
+                                                       : QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    dialog.setNameFilters(filters);
+    dialog.setDefaultSuffix(QStringLiteral("nvp"));
+    return run(dialog);
+}
+
+} // namespace
+
+bool WindowDialogs::confirmNewProject(OptionsForm &form) {
+    return form.exec() == QDialog::Accepted;
+}
+
+std::optional<std::filesystem::path>
+QtWindowDialogs::unlessKept(const std::optional<std::filesystem::path> &chosen) {
+    const bool kept = chosen && std::filesystem::exists(*chosen) &&
+                      m_examiner.ask(messages::overwriteProject(textOf(*chosen))) != Answer::Yes;
+    return kept ? std::nullopt : chosen;
+}
+
+std::optional<std::filesystem::path> QtWindowDialogs::chooseProject() {
+    return chooseFile("openProjectDialog", "Open File", QFileDialog::AcceptOpen,
+                      {QString::fromLatin1(kProjects)});
+}
+
+std::optional<std::filesystem::path> QtWindowDialogs::createNewProjectFilename() {
+    return unlessKept(chooseFile("newProjectDialog", "Project File Name", QFileDialog::AcceptSave,
+                                 {QString::fromLatin1(kProjects)}));
+}
+
+std::optional<std::filesystem::path> QtWindowDialogs::chooseSaveAs() {
+    return unlessKept(chooseFile("saveAsDialog", "Save As", QFileDialog::AcceptSave,
+                                 {QString::fromLatin1(kProjects), QString::fromLatin1(kAllFiles)}));
+}
+
+std::optional<std::filesystem::path>
+QtWindowDialogs::chooseFolder(const std::string &title, const std::filesystem::path &start) {
+    QFileDialog dialog(QApplication::activeWindow(), toQt(title), pathToQt(start));
+    dialog.setObjectName(QStringLiteral("folderDialog"));
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    return run(dialog);
+}
+
+} // namespace nv

@@ -1,0 +1,19 @@
+#include "ui/window/Workbench.h"
+
+#include "app/messages/Messages.h"
+
+namespace nv {
+
+bool Workbench::mayWrite() const {
+    const bool may = !program.thisClass.projectDB.isReadOnly();
+    if (!may)
+        examiner().tell(messages::readingOnly());
+    return may;
+}
+
+void Workbench::refreshRows() const {
+    table->refreshRows();
+    viewers->refresh();
+}
+
+} // namespace nv

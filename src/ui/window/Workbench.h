@@ -1,0 +1,66 @@
+#pragma once
+
+#include "app/program/Program.h"
+#include "ui/views/TableTab.h"
+#include "ui/window/MainActions.h"
+#include "ui/window/ViewerTabs.h"
+#include "ui/window/WindowDialogs.h"
+
+#include <QObject>
+
+class QSplitter;
+
+namespace nv {
+
+/// What the parts of the main window share. A part is an object of its own for one topic: it
+/// connects itself to the actions, tabs and signals that it needs. All members outlive the parts.
+class Workbench final : public QObject {
+    Q_OBJECT
+
+  public:
+    Workbench(Program &programOf, WindowDialogs &dialogsOf, MainActions &actionsOf,
+              QWidget &windowOf, RunCommand runOf, RunTask runTaskOf)
+        : program(programOf), dialogs(dialogsOf), actions(actionsOf), window(windowOf),
+          run(std::move(runOf)), runTask(std::move(runTaskOf)) {}
+
+    Program &program;
+    WindowDialogs &dialogs;
+    MainActions &actions;
+    QWidget &window; ///< parent of dialogs
+    RunCommand run;
+    RunTask runTask;
+    // Made with the project page, and there when parts are made.
+    QTabWidget *dataTabs = nullptr;
+    QSplitter *dataArea = nullptr; ///< the data tabs and what stands beside them
+    TableTab *table = nullptr;
+    ViewerTabs *viewers = nullptr;
+
+    Examiner &examiner() const { return program.around.examiner; }
+    bool isProjectOpen() const { return program.thisClass.projectDB.isOpen(); }
+    /// False, and told, while the project is open for reading only.
+    bool mayWrite() const;
+    /// Of an open project only.
+    SQLite::Database &project() const { return program.thisClass.projectDB.connection(); }
+    /// A text in the status bar until the examiner goes to another row.
+    void showNotice(const QString &text) { emit noticed(text); }
+    /// The rows of the table have changed in the project; the list of them stays.
+    void refreshRows() const;
+    /// Runs the active query anew.
+    void reload() { emit reloadWanted(); }
+
+  signals:
+    void noticed(const QString &text);
+    void reloadWanted();
+    /// Rows have other thumbnails than before.
+    void thumbnailsChanged();
+    /// The project's connection is open, its rows not loaded yet.
+    void projectOpened();
+    /// Comes before the connection goes: whoever uses it lets go of it now.
+    void projectClosing();
+    /// Other settings are in force; the rows are loaded anew after it.
+    void optionsChanged();
+    /// The gallery shows other kinds than those that are now ticked.
+    void galleryOutdated();
+};
+
+} // namespace nv

@@ -1,0 +1,66 @@
+#include "app/jobs/ImportText.h"
+#include "app/jobs/ThumbnailJob.h"
+#include "app/project/Project.h"
+#include "unit/app/ProgramFixture.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gmock/gmock.h>
+
+namespace nv {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+/// Rows of all kinds: 1 a picture, 2 the same with a thumbnail, 3 a page, 4 a picture that is gone,
+/// 5 a style sheet.
+struct ThumbnailJobTest : test::ProgramFixture {
+    ThumbnailJobTest() {
+        start(Front::headless);
+        EXPECT_TRUE(createProject(*program, folder.path() / "case.nvp"));
+        program->thisClass.projectDB.connection().exec(
+            "INSERT INTO URLs(Category, CacheFileExists, ThumbnailMD5Hash) VALUES "
+            "('PICTURES', 1, ''), ('Pictures', 1, 'x'), ('HTML', 1, NULL), ('Pictures', 0, ''), "
+            "('Stylesheets', 1, '')");
+        EXPECT_FALSE(program->import.makeThumbnails); // until it is asked for
+        program->import.makeThumbnails = true;
+    }
+};
+
+TEST_F(ThumbnailJobTest, rowsThatHaveAThumbnailAreLeftUnlessAskedFor) {
+    UnreadRows unread;
+    EXPECT_THAT(drawableIds(*program, Redo::no, unread), ElementsAre(1, 3));
+    EXPECT_THAT(drawableIds(*program, Redo::yes, unread), ElementsAre(1, 2, 3));
+    EXPECT_THAT(withoutThumbnail(*program, {5, 2, 1}), ElementsAre(5, 1));
+}
+
+TEST_F(ThumbnailJobTest, anImportDrawsItsOwnRows) {
+    EXPECT_THAT(importedDrawableIds(*program, 0), ElementsAre(1, 2, 3));
+    EXPECT_THAT(importedDrawableIds(*program, 2), ElementsAre(3));
+    EXPECT_THAT(importedDrawableIds(*program, 5), IsEmpty());
+}
+
+TEST_F(ThumbnailJobTest, theBoxesOfTheImportHold) {
+    program->import.makeWebPageThumbnails = false;
+    EXPECT_THAT(importedDrawableIds(*program, 0), ElementsAre(1, 2));
+    program->import.makeWebPageThumbnails = true;
+    program->import.makePictureThumbnails = false; // asked for pages too
+    EXPECT_THAT(importedDrawableIds(*program, 0), IsEmpty());
+    program->import.makePictureThumbnails = true;
+    program->import.makeThumbnails = false;
+    EXPECT_THAT(importedDrawableIds(*program, 0), IsEmpty());
+}
+
+TEST(ImportSummaryText, tellsOfThumbnails) {
+    ImportSummary summary;
+    EXPECT_THAT(summaryText(summary), Not(HasSubstr("thumbnails")));
+    summary.thumbnails = {3, 2, 1, "the disk is full"};
+    EXPECT_THAT(summaryText(summary),
+                HasSubstr("3 thumbnails made, 2 could not be drawn, 1 without cached content or of "
+                          "other kinds\nNo more thumbnails were made: the disk is full\n"));
+}
+
+} // namespace
+} // namespace nv
