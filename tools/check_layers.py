@@ -89,7 +89,7 @@ PAST_EVIDENCE = re.compile(
 
 # What stands in the settings file is asked of app/settings/IniFile by these alone: the rows themselves, and
 # the places of windows, which are no settings.
-INI_PLACES = re.compile(r"src/app/(IniFile|Settings|SettingsTable|Options)\.(h|cpp)"
+INI_PLACES = re.compile(r"src/app/(settings/(IniFile|Settings)|options/(SettingsTable|Options))\.(h|cpp)"
                         r"|src/cli/OptionsCommand\.cpp|src/ui/window/WindowLayout\.cpp")
 
 

@@ -12,9 +12,9 @@ std::string networkConnectionStatus(Program &program);
 
 enum class Quiet { no, yes };
 
-/// Switches that connection and notes the wanted state in `ProgramState.connectionOffline`. True when
-/// the system has taken the request; false, told unless `quiet`, when there is no such connection,
-/// and when the state was already as asked. A failure is logged and gives false.
+/// Switches that connection and notes the wanted state in `ProgramState.connectionOffline`. True
+/// when the system has taken the request; false, told unless `quiet`, when there is no such
+/// connection, and when the state was already as asked. A failure is logged and gives false.
 bool toggleNetworkConnection(Program &program, ConnectionState newState, Quiet quiet);
 
 } // namespace nv

@@ -6,8 +6,8 @@
 namespace nv {
 
 /// The values of settings that are in force, or stand in the Options dialog. What each begins with
-/// stands in its row of app/settings/SettingRows.h and nowhere else: members stand at the zero of their type
-/// until they are filled from there.
+/// stands in its row of app/settings/SettingRows.h and nowhere else: members stand at the zero of
+/// their type until they are filled from there.
 struct SettingValues {
     // Paths
     std::filesystem::path templatesPath;
