@@ -29,7 +29,7 @@ class Grammar {
   private:
     void add(const Command &command);
     void addExamples(const Command &command);
-    CLI::App *appOf(std::string_view name);
+    CLI::App *appOf(std::string_view name) const;
 
     std::vector<Command> m_commands;
 };
@@ -139,7 +139,7 @@ Grammar::Grammar(std::span<const MakeCommand> table)
         [](const CLI::App *all, const CLI::Error &error) { return explanationOf(*all, error); });
 }
 
-CLI::App *Grammar::appOf(std::string_view name) {
+CLI::App *Grammar::appOf(std::string_view name) const {
     const auto space = name.find(' ');
     CLI::App *first = app.get_subcommand(std::string(name.substr(0, space)));
     return space == std::string_view::npos

@@ -24,6 +24,7 @@ class RecordTools {
     /// `scratch` is an existing folder of the program's own: content is fetched into it, and pages
     /// are rebuilt there.
     RecordTools(Program &program, TaskMonitor &task, const std::filesystem::path &scratch);
+    ~RecordTools() = default;
     RecordTools(const RecordTools &) = delete; // the context refers to the other members
     RecordTools &operator=(const RecordTools &) = delete;
 

@@ -42,7 +42,7 @@ fs::path folderOfProjects(const Program &program) {
 
 /// Those in force, but for what Options looks up anew.
 void readSettings(const Program &program, Options &options) {
-    static_cast<SettingValues &>(options) = program.thisClass;
+    static_cast<SettingValues &>(options) = static_cast<const SettingValues &>(program.thisClass);
     for (const SettingFacts &row : settingsTable()) {
         const bool isShown = row.control.name != nullptr;
         if (isShown && std::holds_alternative<std::monostate>(row.member))

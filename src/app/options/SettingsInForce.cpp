@@ -39,7 +39,7 @@ void bringIntoForce(Program &program, const SettingFacts &row, const SettingValu
 }
 
 void keepFlag(Program &program, FlagKey key, bool on) {
-    SettingValues values = program.thisClass;
+    SettingValues values(static_cast<const SettingValues &>(program.thisClass));
     putText(values, key.row(), on ? "True" : "False");
     bringIntoForce(program, key.row(), values);
     writeFlag(program.settings, key, on);

@@ -20,10 +20,10 @@ constexpr std::array<std::string_view, 7> kDays = {"monday", "tuesday",  "wednes
 constexpr std::size_t kShortName = 3;
 
 /// 1-based place of a name, whole or of three letters, in either case.
-template <std::size_t count>
-std::optional<int> placeOf(const std::array<std::string_view, count> &names,
+template <std::size_t Count>
+std::optional<int> placeOf(const std::array<std::string_view, Count> &names,
                            std::string_view word) {
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < Count; ++i)
         if (equalsNoCase(word, names[i]) || equalsNoCase(word, names[i].substr(0, kShortName)))
             return static_cast<int>(i) + 1;
     return std::nullopt;
