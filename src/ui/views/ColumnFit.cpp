@@ -27,8 +27,8 @@ double fontScale(const QWidget &widget) {
 
 /// In average characters.
 struct Bounds {
-    int least; ///< 0: the column doesn't give way
-    int most;
+    int least = 0; ///< 0: the column doesn't give way
+    int most = 0;
     int turn = 0; ///< in which it gives way: an address tells more than the host that it holds
 };
 constexpr int kTurns = 2;
