@@ -91,6 +91,7 @@ void tellNotLogged(Program &program, const ImportSummary &summary) {
 
 ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &scratch) {
     requireZones(program);
+    requireSchema(program);
     ThisClass &state = program.thisClass;
     SQLite::Database &project = state.ProjectDB.connection();
     const Evidence evidence(state.RootPath);

@@ -8,6 +8,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/ProjectFields.h"
+#include "db/SchemaGaps.h"
 #include "db/StoredQueries.h"
 #include "time/ZoneDatabase.h"
 
@@ -112,6 +113,16 @@ void requireZones(Program &program) {
         refuse("the project's time zone is not known", "doesn't hold it");
 }
 
+void requireSchema(Program &program) {
+    ThisClass &state = program.thisClass;
+    if (const std::string missing = missingForImport(state.ProjectDB.connection());
+        !missing.empty())
+        throw StorageFailure(fmt::format(
+            "the project \"{}\" was made by an earlier build and lacks {}: the Upgrade Wizard or "
+            "the command upgrade --fix adds it. Nothing was imported",
+            textOf(state.ProjectDBPath), missing));
+}
+
 bool setZone(Program &program, std::int64_t id) {
     ThisClass &state = program.thisClass;
     const Clock &clock = program.around.clock;
@@ -164,7 +175,8 @@ AppBuild buildOf(const Program &program) {
 bool isOlderProject(Program &program) {
     if (program.thisClass.DisableFileVersionCheck)
         return false;
-    return stampOf(program.thisClass.ProjectDB.connection(), program.log) < buildOf(program);
+    SQLite::Database &project = program.thisClass.ProjectDB.connection();
+    return stampOf(project, program.log) < buildOf(program) || !missingForImport(project).empty();
 }
 
 } // namespace nv

@@ -41,6 +41,18 @@ enum class HistoryFileType : std::int16_t {
     chromeCookies = 30,
 };
 
+/// Whose artefact it is, as its place and what lies beside it say. Empty is unknown. A reader adds
+/// what only its reading tells: a version where there is none, and a device.
+struct Origin {
+    std::string Browser;
+    std::string BrowserVersion; ///< of the program, or else of the file's schema
+    std::string Profile;        ///< the profile's folder
+    std::string Person;         ///< the account's folder
+    std::string Device;         ///< another device, when all of it came from there by sync
+
+    friend bool operator==(const Origin &, const Origin &) = default;
+};
+
 /// One artefact file of an import; a row of `SourceFiles` once LogFile has registered it.
 struct HistoryFile {
     SourceFileId SourceFile_ID = SourceFileId::none;
@@ -54,6 +66,7 @@ struct HistoryFile {
     nv::HistoryFileType HistoryFileType = nv::HistoryFileType::none;
     std::string Version;
     std::string ColumnDelimiter;
+    nv::Origin origin;
 };
 
 } // namespace nv

@@ -81,6 +81,9 @@ constexpr auto kColumns = std::to_array<RecordColumn>({
     {"User", &URLClass::User},
     {"Visits", &URLClass::Visits},
     {"WebPageTitle", &URLClass::WebpageTitle},
+    {"Browser", &URLClass::Browser},
+    {"Profile", &URLClass::Profile},
+    {"Person", &URLClass::Person},
 });
 
 } // namespace

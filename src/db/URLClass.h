@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/ByteView.h"
+#include "db/FactList.h"
 #include "db/Ids.h"
 #include "time/Date.h"
 
@@ -74,6 +75,14 @@ struct URLClass {
     std::int64_t DataBlockFileOffset = 0;
     std::string MetaData; ///< the HTTP response header
     bool GZipEncoded = false;
+
+    // Origin. Readers leave it to the file's; they fill it where a record says otherwise.
+    std::string Browser;
+    std::string Profile;
+    std::string Person;
+
+    /// What no column holds. SaveRecord writes it, GetURL leaves it empty: see RecordFacts.
+    FactList facts;
 
     // Kind
     bool IsHistory = false;

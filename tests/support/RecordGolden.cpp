@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
+#include "db/RecordFacts.h"
 #include "support/SqliteHistoryReading.h"
 #include "time/DateFormat.h"
 
@@ -25,6 +26,14 @@ std::string countsOf(const char *word, const std::map<std::string, std::uint64_t
     std::string text;
     for (const auto &[reason, count] : counts)
         text += fmt::format("{}\t{}\t{}\n", word, reason, count);
+    return text;
+}
+
+/// "transition=typed [1]; count=3"
+std::string factsOf(const URLClass &record) {
+    std::string text;
+    for (const RecordFact &fact : record.facts)
+        text += fmt::format("{}{}={}", text.empty() ? "" : "; ", fact.name, factText(fact));
     return text;
 }
 
@@ -61,6 +70,7 @@ constexpr GoldenColumn kColumns[] = {
     {"URL", [](Record r) { return r.URL; }},
     {"URLParameters", [](Record r) { return r.URLParameters; }},
     {"URLRawValue", [](Record r) { return r.URLRawValue; }},
+    {"facts", factsOf},
     {"Visits", [](Record r) { return std::to_string(r.Visits); }},
     {"WebpageTitle", [](Record r) { return r.WebpageTitle; }},
     {"host", [](Record r) { return r.host; }},

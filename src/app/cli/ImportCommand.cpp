@@ -296,6 +296,7 @@ Exit importCommand(Session &session, const ImportArguments &given) {
     if (arguments.zone > 0)
         setZone(program, arguments.zone);
     requireZones(program); // now that of the project
+    requireSchema(program);
     chooseBase(session, arguments);
     program.import.VerifyFileSignatures &= !arguments.noSignatures;
     program.import.ParseAdvancedMetadata &= !arguments.noMetadata;

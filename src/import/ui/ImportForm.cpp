@@ -110,6 +110,7 @@ void ImportForm::startScan() {
     if (!startingDirectoryIsUsable())
         return;
     requireZones(m_program);
+    requireSchema(m_program);
     job.HistoryFiles.Clear();
     m_files->setFiles(job.HistoryFiles);
     m_gaps->clear();

@@ -80,5 +80,51 @@ TEST_F(SourceFilesTest, aProjectThatCantBeWrittenEndsTheTask) {
     EXPECT_THROW(sources.LogFile(file), StorageFailure);
 }
 
+TEST_F(SourceFilesTest, theRowSaysWhoseFileItIs) {
+    HistoryFile file = artefact("History", "abc");
+    file.SHA256Hash = "def";
+    file.origin = {"Microsoft Edge", "", "Profile 1", "O'Brien", ""};
+    sources.LogFile(file);
+    file.origin.BrowserVersion = "History 70";
+    EXPECT_TRUE(sources.noteOrigin(file));
+    EXPECT_EQ(project.text("SELECT Browser || '|' || BrowserVersion || '|' || Profile || '|' || "
+                           "Person || '|' || Device || '|' || SHA256Hash FROM SourceFiles"),
+              "Microsoft Edge|History 70|Profile 1|O'Brien||def");
+}
+
+TEST_F(SourceFilesTest, theSameContentOfAnotherPersonIsAnotherFile) {
+    HistoryFile alice = artefact("History", "abc");
+    alice.origin = {"Chromium", "", "Default", "alice", ""};
+    HistoryFile bob = alice;
+    bob.origin.Person = "bob";
+    HistoryFile nobody = artefact("History", "abc");
+    HistoryFile again = alice;
+    for (HistoryFile *file : {&alice, &bob, &nobody, &again})
+        EXPECT_TRUE(sources.LogFile(*file));
+    EXPECT_EQ(again.SourceFile_ID, alice.SourceFile_ID);
+    EXPECT_EQ(project.number("SELECT count(*) FROM SourceFiles"), 3);
+    SourceFiles later{project.connection(), project.clock, project.log};
+    HistoryFile inAnotherRun = bob;
+    later.LogFile(inAnotherRun);
+    EXPECT_EQ(inAnotherRun.SourceFile_ID, bob.SourceFile_ID);
+    HistoryFile nobodyAgain = nobody;
+    later.LogFile(nobodyAgain);
+    EXPECT_EQ(nobodyAgain.SourceFile_ID, nobody.SourceFile_ID);
+}
+
+TEST_F(SourceFilesTest, aRowOfAnEarlierBuildGetsTheOriginOnce) {
+    project.connection().exec("INSERT INTO SourceFiles (MD5Hash) VALUES ('ABC')");
+    HistoryFile alice = artefact("History", "abc");
+    alice.origin = {"Chromium", "156", "Default", "alice", ""};
+    HistoryFile bob = alice;
+    bob.origin.Person = "bob";
+    sources.LogFile(alice);
+    sources.LogFile(bob);
+    EXPECT_EQ(alice.SourceFile_ID, SourceFileId{1});
+    EXPECT_EQ(bob.SourceFile_ID, SourceFileId{2});
+    EXPECT_EQ(project.text("SELECT group_concat(Person || BrowserVersion) FROM SourceFiles"),
+              "alice156,bob156");
+}
+
 } // namespace
 } // namespace nv
