@@ -1,6 +1,8 @@
+#include "db/Dialect.h"
 #include "db/FactNames.h"
 #include "db/RecordFacts.h"
 #include "db/SchemaGaps.h"
+#include "db/StoredQueries.h"
 #include "support/TestProject.h"
 
 #include <gtest/gtest.h>
@@ -96,6 +98,47 @@ TEST_F(RecordFactsTest, areFoundByAnIndex) {
     ASSERT_TRUE(plan.executeStep());
     EXPECT_NE(plan.getColumn("detail").getString().find("RecordFacts_Relationship"),
               std::string::npos);
+}
+
+TEST_F(RecordFactsTest, queriesReachThem) {
+    FactList typed;
+    typed.add("transition", "Typed", 1);
+    typed.add("count", 12);
+    typed.add("count", 99);
+    FactList link;
+    link.add("transition", "link", 0);
+    link.add("count", 5);
+    saved(typed);
+    saved(link);
+    saved({});
+    const auto ids = [this](const std::string &condition) {
+        return project.text(translate("SELECT group_concat(URL_ID) FROM (SELECT URL_ID FROM URLs "
+                                      "WHERE " +
+                                      condition + " ORDER BY URL_ID)"));
+    };
+    EXPECT_EQ(ids("Fact('transition') = 'typed'"), "1");
+    EXPECT_EQ(ids("Fact('transition') LIKE '%I%'"), "2");
+    EXPECT_EQ(ids("Fact('transition') IS NULL"), "3");
+    EXPECT_EQ(ids("Fact('count') > 5"), "1") << "numbers compare as numbers";
+    EXPECT_EQ(ids("Fact('count') = 99"), "") << "of several the first counts";
+    EXPECT_EQ(ids("RawFact('transition') = 0"), "2");
+    EXPECT_EQ(ids("RawFact('count') BETWEEN 1 AND 20"), "1,2");
+    StoredQueries queries(project.connection());
+    queries.save({"Typed ones", "SELECT * FROM URLs WHERE Fact('transition') = 'typed'"});
+    EXPECT_EQ(project.number("SELECT URL_ID FROM [Typed ones]"), 1);
+    EXPECT_EQ(queries.text("Typed ones"), "SELECT * FROM URLs WHERE Fact('transition') = 'typed'");
+    queries.save({"Linked", "SELECT URL_ID FROM [_DEFAULT] WHERE Fact('transition') = 'link'"});
+    EXPECT_EQ(project.number("SELECT URL_ID FROM Linked"), 2);
+    SQLite::Statement plan(project.connection(),
+                           "EXPLAIN QUERY PLAN " +
+                               translate("SELECT URL_ID FROM URLs WHERE Fact('count') = 5"));
+    std::string steps;
+    while (plan.executeStep())
+        steps += plan.getColumn("detail").getString() + "\n";
+    EXPECT_NE(steps.find("SEARCH RecordFacts USING INDEX RecordFacts_Relationship"),
+              std::string::npos)
+        << steps;
+    EXPECT_EQ(steps.find("B-TREE"), std::string::npos) << steps;
 }
 
 TEST_F(RecordFactsTest, aProjectOfAnEarlierBuildHasNone) {
