@@ -8,6 +8,7 @@
 #include "db/WriteBatch.h"
 #include "import/Categories.h"
 #include "import/ImportSink.h"
+#include "readers/BrowserOf.h"
 #include "readers/ContentProbe.h"
 #include "readers/EvidenceGaps.h"
 
@@ -114,7 +115,7 @@ class Import {
           m_scratch(run.scratch), m_extraction{run.evidence, m_scratch.path(), m_log},
           m_categories(job.VerifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        m_log),
-          m_metadata(m_log), m_looksIntoPages(job.ParseAdvancedMetadata),
+          m_metadata(m_log), m_looksIntoPages(job.ParseAdvancedMetadata), m_browserOf(run.evidence),
           m_sources(run.project, run.clock, m_log),
           m_store(run.project, run.zone, run.clock, m_log),
           m_batch(run.project, [this] { note(); }) {}
@@ -171,6 +172,7 @@ class Import {
     void one(HistoryFile &file, ArtefactResult &result, double from, double to) {
         const auto begun = std::chrono::steady_clock::now();
         const Reader *reader = m_run.readerFor(file.HistoryFileType);
+        result.origin = file.origin = m_browserOf(file.FullPath, engineOf(file.HistoryFileType));
         std::error_code none;
         if (!fs::exists(file.FullPath, none))
             settle(result, ArtefactState::vanished, "the file is no longer there");
@@ -198,6 +200,8 @@ class Import {
         settle(result, ArtefactState::failed, "the import ended while this file was read");
         ReadResult outcome = readTrapped(reader, file, sink, task);
         result.type = file.HistoryFileType;
+        if (std::exchange(result.origin, file.origin) != file.origin)
+            m_sources.noteOrigin(file); // its reading has told more than its place
         result.notReached = outcome.notReached;
         result.passedOver = std::move(outcome.passedOver);
         result.noted = std::move(outcome.noted);
@@ -253,6 +257,7 @@ class Import {
     Categories m_categories;
     AdvancedMetadata m_metadata;
     bool m_looksIntoPages;
+    BrowserOf m_browserOf;
     SourceFiles m_sources;
     RecordStore m_store;
     std::size_t m_finished = 0; ///< artefacts, from the first

@@ -34,6 +34,7 @@ struct ArtefactResult {
     std::uint64_t FileSize = 0; ///< bytes
     std::string MD5Hash;
     std::string SHA256Hash;
+    Origin origin; ///< as far as it is known, once its turn has come
     ArtefactState state = ArtefactState::notReached;
     std::string reason; ///< why it isn't complete
     bool isLogged =

@@ -103,6 +103,15 @@ std::optional<fs::path> Evidence::find(const fs::path &folder, std::string_view 
     return isFile ? std::optional(found) : std::nullopt;
 }
 
+bool Evidence::isPlainFile(const fs::path &path) const {
+    std::error_code none;
+    return fs::is_regular_file(fs::symlink_status(path, none));
+}
+
+Bytes Evidence::head(const fs::path &file, std::uint64_t count) const {
+    return readHead(file, static_cast<std::size_t>(count));
+}
+
 bool liesInEvidence(const fs::path &path, const fs::path &base) {
     const fs::path folder = base.empty() ? base : wholePath(base);
     if (folder.empty() || folder == "/")

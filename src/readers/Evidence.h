@@ -1,5 +1,8 @@
 #pragma once
 
+#include "base/ByteView.h"
+
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -28,6 +31,11 @@ class Evidence {
     /// Listings of folders are kept, so a million look-ups in one folder cost one listing.
     std::optional<std::filesystem::path> find(const std::filesystem::path &folder,
                                               std::string_view name) const;
+
+    /// A plain file, and no link.
+    bool isPlainFile(const std::filesystem::path &path) const;
+    /// The first `count` bytes, fewer when the file is shorter. Throws FileFailure.
+    Bytes head(const std::filesystem::path &file, std::uint64_t count) const;
 
   private:
     struct Listings;
