@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/RecordFacts.h"
 #include "db/SchemaColumns.h"
 #include "db/URLClass.h"
 #include "views/EXIFClass.h"
@@ -150,6 +151,13 @@ class RecordFields {
     const PropertySource &m_source;
 };
 
+void addFacts(std::vector<Property> &properties, UrlId url, const PropertySource &source) {
+    attempt(source.log, [&] {
+        for (const RecordFact &fact : RecordFacts(source.project).of(url))
+            properties.push_back({fact.name, factText(fact)});
+    });
+}
+
 void addExifRows(std::vector<Property> &properties, const PropertySource &source) {
     std::optional<std::filesystem::path> picture;
     attempt(source.log, [&] { picture = source.picture(); });
@@ -181,6 +189,8 @@ std::vector<Property> LoadProperties(UrlId url, const PropertySource &source) {
         properties = fields.all();
         isPicture = equalsNoCase(fields.textNamed("Category"), "PICTURES");
     });
+    if (!properties.empty())
+        addFacts(properties, url, source);
     if (isPicture && source.picture)
         addExifRows(properties, source);
     return properties;

@@ -14,7 +14,7 @@
 
 namespace nv {
 
-/// The columns of the URL table; the value is the documented index. The last two came later: lists
+/// The columns of the URL table; the value is the documented index. The last five came later: lists
 /// of "all columns" go without them.
 enum class UrlColumn : std::uint8_t {
     Tag,
@@ -70,9 +70,12 @@ enum class UrlColumn : std::uint8_t {
     LastVisited,
     LocalDate, ///< of any age, unlike ActionDateLocal
     Note,
+    Browser,
+    Profile,
+    Person,
 };
 inline constexpr std::size_t kUrlColumnCount = 51;   ///< documented ones
-inline constexpr std::size_t kTableColumnCount = 53; ///< all that the table can show
+inline constexpr std::size_t kTableColumnCount = 56; ///< all that the table can show
 
 constexpr std::size_t indexOf(UrlColumn column) {
     return static_cast<std::size_t>(column);
