@@ -1,5 +1,6 @@
 #include "base/Text.h"
 #include "reports/ExportWriter.h"
+#include "reports/FactsJson.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -150,6 +151,7 @@ class JsonLinesWriter final : public TextWriter {
         event["timestamp_desc"] = action.empty() ? "Action Date" : action;
         for (const ExportColumn &column : columns())
             event[column.key] = jsonOf(cells.machine(place, column));
+        addFacts(event, cells.facts(place));
         text() += event.dump(-1, ' ', false, Json::error_handler_t::replace);
         text() += '\n';
     }

@@ -10,7 +10,9 @@
 #include "base/Trap.h"
 #include "db/Dialect.h"
 #include "db/ReadOnlyConnection.h"
+#include "db/RecordFacts.h"
 #include "db/StoredQueries.h"
+#include "reports/FactsJson.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -95,7 +97,17 @@ Exit showCommand(Session &session, const std::string &project, std::int64_t urlI
     row.bind(1, urlId);
     namingDamage(*database, urlId, [&row] { row.executeStep(); });
     const StatementCells cells = cellsOf(session, row, format);
-    makeRowWriter(format, session.out, cells.headings())->row(cells.cells());
+    std::vector<std::string> headings = cells.headings();
+    std::vector<Cell> values = cells.cells();
+    if (format == Format::jsonl) {
+        Cell facts = Cell::object();
+        addFacts(facts, RecordFacts(*database).of(UrlId{urlId}));
+        for (const auto &[heading, value] : facts.items()) {
+            headings.push_back(heading);
+            values.push_back(value);
+        }
+    }
+    makeRowWriter(format, session.out, headings)->row(values);
     return Exit::ok;
 }
 
