@@ -102,6 +102,19 @@ bool admits(const FilterFlag &test, const FilterFacts &facts) {
            containsOneOf(facts.URL, test.urlParts);
 }
 
+constexpr OriginFilter kOrigins[] = {
+    {&F::Browser, &FilterFacts::Browser, "browser", "Browser"},
+    {&F::Profile, &FilterFacts::Profile, "profile", "Profile"},
+    {&F::Person, &FilterFacts::Person, "person", "Person"},
+};
+
+bool isOfOthers(const FiltersClass &filters, const FilterFacts &facts) {
+    return std::ranges::any_of(kOrigins, [&](const OriginFilter &each) {
+        const std::string &wanted = filters.*each.text;
+        return !wanted.empty() && !equalsNoCase(wanted, facts.*each.fact);
+    });
+}
+
 /// A source that is off hides its records, even from `showAll`.
 bool isVetoed(const FiltersClass &filters, const FilterFacts &facts) {
     return (facts.IsHistory && !filters.showHistoryURLs) ||
@@ -110,9 +123,10 @@ bool isVetoed(const FiltersClass &filters, const FilterFacts &facts) {
 }
 
 FilterFacts factsOf(const URLClass &record) {
-    return {record.IsHistory,          record.IsCookie,          record.IsBookmark,
-            toUpper(record.cacheType), toUpper(record.Category), record.URLFileExt,
-            toLower(record.URL)};
+    return {
+        record.IsHistory,         record.IsCookie,   record.IsBookmark,   toUpper(record.cacheType),
+        toUpper(record.Category), record.URLFileExt, toLower(record.URL), record.Browser,
+        record.Profile,           record.Person};
 }
 
 } // namespace
@@ -129,6 +143,10 @@ std::span<const FilterFlag> filterFlags() {
     return kFlags;
 }
 
+std::span<const OriginFilter> originFilters() {
+    return kOrigins;
+}
+
 const FilterFlag *findFilterFlag(std::string_view name) {
     static constexpr std::string_view kShow = "show";
     const auto *found = std::ranges::find_if(kFlags, [name](const FilterFlag &each) {
@@ -142,7 +160,7 @@ bool FilterRecord(const FiltersClass &filters, const URLClass &record) {
 }
 
 bool FilterRecord(const FiltersClass &filters, const FilterFacts &facts) {
-    if (isVetoed(filters, facts))
+    if (isVetoed(filters, facts) || isOfOthers(filters, facts))
         return false;
     // Not vetoed, so their flags are on.
     if (facts.IsCookie || facts.IsBookmark || filters.showAll)
@@ -153,6 +171,8 @@ bool FilterRecord(const FiltersClass &filters, const FilterFacts &facts) {
 
 FilterNeeds needsOf(const FiltersClass &filters) {
     FilterNeeds needs;
+    needs.Origin = std::ranges::any_of(
+        kOrigins, [&](const OriginFilter &each) { return !(filters.*each.text).empty(); });
     if (filters.showAll)
         return needs;
     for (const FilterFlag &each : kFlags)

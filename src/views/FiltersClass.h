@@ -62,6 +62,11 @@ struct FiltersClass {
 
     bool showAll = false; ///< what no source vetoes is shown, whatever its kind
 
+    // Whose records: those of others are vetoed. Empty admits everybody's.
+    std::string Browser;
+    std::string Profile;
+    std::string Person;
+
     bool operator==(const FiltersClass &) const = default;
 };
 
@@ -78,6 +83,9 @@ struct FilterFacts {
     std::string Category;   ///< upper case
     std::string URLFileExt; ///< as stored
     std::string URL;        ///< lower case
+    std::string Browser;
+    std::string Profile;
+    std::string Person;
 };
 
 /// A few words of a filter's test, at most as many as the longest needs.
@@ -111,6 +119,15 @@ std::span<const FilterFlag> filterFlags();
 /// By its name in any case, with or without the "show" before it; null when there is none.
 const FilterFlag *findFilterFlag(std::string_view name);
 
+/// A part of the origin by which records are chosen: its word, and what the dialog calls it.
+struct OriginFilter {
+    std::string FiltersClass::*text;
+    std::string FilterFacts::*fact;
+    std::string_view word;
+    std::string_view label;
+};
+std::span<const OriginFilter> originFilters();
+
 /// Whether a record is shown by flags that are enabled.
 bool FilterRecord(const FiltersClass &filters, const URLClass &record);
 /// The same by what was read of a row. Facts that needsOf() leaves out may be empty.
@@ -121,6 +138,7 @@ struct FilterNeeds {
     bool Category = false;
     bool URLFileExt = false;
     bool URL = false;
+    bool Origin = false; ///< browser, profile and person
 };
 FilterNeeds needsOf(const FiltersClass &filters);
 

@@ -46,10 +46,10 @@ void showProgress(TaskMonitor &task, std::size_t done, std::size_t total) {
 std::string factsQuery(const FiltersClass &filters) {
     const FilterNeeds needs = needsOf(filters);
     return fmt::format(
-        "SELECT URL_ID, IsHistory, IsCookie, IsBookmark, CacheType, {}, {}, {} FROM URLs "
+        "SELECT URL_ID, IsHistory, IsCookie, IsBookmark, CacheType, {}, {}, {}, {} FROM URLs "
         "WHERE URL_ID >= ? ORDER BY URL_ID",
         needs.Category ? "Category" : "NULL", needs.URLFileExt ? "URLFileExt" : "NULL",
-        needs.URL ? "URL" : "NULL");
+        needs.URL ? "URL" : "NULL", needs.Origin ? "Browser, Profile, Person" : "NULL, NULL, NULL");
 }
 
 std::string_view textIn(const SQLite::Column &column) {
@@ -66,6 +66,9 @@ FilterFacts factsIn(SQLite::Statement &row) {
     facts.Category = toUpper(textIn(row.getColumn(5)));
     facts.URLFileExt = textIn(row.getColumn(6));
     facts.URL = toLower(textIn(row.getColumn(7)));
+    facts.Browser = textIn(row.getColumn(8));
+    facts.Profile = textIn(row.getColumn(9));
+    facts.Person = textIn(row.getColumn(10));
     return facts;
 }
 

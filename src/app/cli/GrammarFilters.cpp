@@ -3,9 +3,11 @@
 namespace nv::cli {
 
 void Grammar::addFilter(CLI::App *to, std::vector<std::string> &filter) {
-    to->add_option("--filter", filter,
-                   "Only what these record filters show, separated by commas, such as "
-                   "CacheURLs,JPEG,Cookies; a wrong one lists them all")
+    to->add_option(
+          "--filter", filter,
+          "Only what these record filters show, separated by commas, such as "
+          "CacheURLs,JPEG,Cookies; browser=NAME, profile=NAME and person=NAME choose whose "
+          "records; a wrong one lists them all")
         ->delimiter(',');
 }
 

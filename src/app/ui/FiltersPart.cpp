@@ -20,7 +20,10 @@ FiltersPart::FiltersPart(Workbench &bench)
 
 void FiltersPart::chooseFilters() {
     FiltersClass &filters = m_bench.program.thisClass.Filters;
-    FilterForm form(filters, m_bench.examiner(), &m_bench.window);
+    OriginChoices origins;
+    if (DatabaseClass &project = m_bench.program.thisClass.ProjectDB; project.isOpen())
+        origins = originChoicesOf(project.connection());
+    FilterForm form(filters, m_bench.examiner(), &m_bench.window, origins);
     if (form.exec() != QDialog::Accepted)
         return;
     filters = form.filters();
