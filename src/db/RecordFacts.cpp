@@ -7,6 +7,8 @@
 #include <SQLiteCpp/Database.h>
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace nv {
 
 namespace {
@@ -37,20 +39,33 @@ FactValue valueIn(const SQLite::Column &column) {
 } // namespace
 
 void RecordFacts::store(UrlId record, const FactList &facts) {
-    if (facts.empty())
-        return;
-    if (!m_insert)
-        m_insert.emplace(m_database, "INSERT INTO RecordFacts (URL_ID, Name, Value, RawValue) "
-                                     "VALUES (?, ?, ?, ?)");
-    m_insert->tryReset();
-    m_insert->bind(1, number(record));
-    for (const RecordFact &fact : facts) {
-        m_insert->bindNoCopy(2, fact.name);
-        bindValue(*m_insert, 3, fact.value);
-        bindValue(*m_insert, 4, fact.raw);
-        m_insert->exec();
-        m_insert->reset(); // the record stays bound
+    auto next = facts.begin();
+    for (std::size_t left = facts.size(); left > 0;) {
+        const std::size_t count = std::min(left, kRowsTogether);
+        SQLite::Statement &insert = insertOf(count);
+        insert.tryReset();
+        insert.bind(1, number(record));
+        int at = 1;
+        for (std::size_t row = 0; row < count; ++row, ++next) {
+            insert.bindNoCopy(++at, next->name);
+            bindValue(insert, ++at, next->value);
+            bindValue(insert, ++at, next->raw);
+        }
+        insert.exec();
+        insert.reset();
+        left -= count;
     }
+}
+
+SQLite::Statement &RecordFacts::insertOf(std::size_t rows) {
+    std::optional<SQLite::Statement> &insert = m_inserts.at(rows - 1);
+    if (!insert) {
+        std::string text = "INSERT INTO RecordFacts (URL_ID, Name, Value, RawValue) VALUES ";
+        for (std::size_t row = 0; row < rows; ++row)
+            text += row == 0 ? "(?1, ?, ?, ?)" : ", (?1, ?, ?, ?)";
+        insert.emplace(m_database, text);
+    }
+    return *insert;
 }
 
 FactList RecordFacts::of(UrlId record) {

@@ -5,6 +5,8 @@
 
 #include <SQLiteCpp/Statement.h>
 
+#include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -28,11 +30,15 @@ class RecordFacts {
     FactList of(UrlId record);
 
   private:
+    /// Rows that one statement adds: it takes half the time that one a row takes.
+    static constexpr std::size_t kRowsTogether = 16;
+
     bool isThere();
+    SQLite::Statement &insertOf(std::size_t rows);
 
     SQLite::Database &m_database;
     std::optional<bool> m_isThere;
-    std::optional<SQLite::Statement> m_insert;
+    std::array<std::optional<SQLite::Statement>, kRowsTogether> m_inserts; ///< by rows, from 1
     std::optional<SQLite::Statement> m_select;
 };
 

@@ -65,6 +65,17 @@ TEST_F(RecordFactsTest, comeBackInTheirOrderAsTheyWere) {
               "text integer, real integer, text null, text null, text null, text null");
 }
 
+TEST_F(RecordFactsTest, manyAreStoredAsFewAre) {
+    for (const std::int64_t count : {1, 2, 15, 16, 17, 40}) {
+        FactList facts;
+        for (std::int64_t i = 0; i < count; ++i)
+            facts.add("url_chain", "http://host/" + std::to_string(i),
+                      i % 3 == 0 ? FactValue() : i);
+        EXPECT_EQ(store.factsOf(saved(facts)), facts) << count;
+    }
+    EXPECT_EQ(rows(), 1 + 2 + 15 + 16 + 17 + 40);
+}
+
 TEST_F(RecordFactsTest, aRecordWithoutFactsHasNoRows) {
     const UrlId id = saved({});
     EXPECT_EQ(rows(), 0);
