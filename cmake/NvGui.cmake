@@ -7,7 +7,7 @@ list(FILTER sources EXCLUDE REGEX "/src/platform/qt/(ImageThumbnailer|SheetPaint
 add_library(nv_ui STATIC ${sources} "${CMAKE_SOURCE_DIR}/data/images/images.qrc")
 set_target_properties(nv_ui PROPERTIES AUTOMOC ON AUTORCC ON)
 target_link_libraries(nv_ui PUBLIC nv_app nv_web Qt6::Widgets Qt6::Svg Qt6::DBus PRIVATE nv_warnings)
-target_precompile_headers(nv_ui PRIVATE <QAbstractTableModel> <QAction> <QDialog> <QIcon> <QMainWindow> <QPainter>
+target_precompile_headers(nv_ui PRIVATE ${NV_COMMON_HEADERS} <QAbstractTableModel> <QAction> <QDialog> <QIcon> <QMainWindow> <QPainter>
                           <QString> <QTableView> <QWidget>)
 
 # Drawing pictures and showing pages, apart from the windows: the web engine is heavy to load.
@@ -27,9 +27,9 @@ function(nv_gui_test FILE)
   string(REGEX REPLACE "_test$" "" name "${name}")
   add_executable(gui_${name} "${FILE}")
   set_target_properties(gui_${name} PROPERTIES AUTOMOC ON)
-  target_link_libraries(gui_${name} PRIVATE nv_ui nv_test_support nv_warnings Qt6::Test)
-  target_compile_definitions(gui_${name} PRIVATE NV_TIME_ZONES="${CMAKE_BINARY_DIR}/nvTZ.dat"
-                                                 NV_DOCS="${CMAKE_SOURCE_DIR}/docs")
+  target_link_libraries(gui_${name} PRIVATE nv_ui nv_test_support Qt6::Test)
+  nv_test_options(gui_${name})
+  nv_precompile(gui_${name} gui_main_window ${NV_COMMON_HEADERS} <QApplication> <QDialog> <QTableView> <QTest> <QWidget>)
   add_dependencies(gui_${name} nv_time_zones)
   add_test(NAME gui.${name} COMMAND gui_${name})
   set_tests_properties(gui.${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen" TIMEOUT 120)

@@ -1,11 +1,16 @@
 #!/usr/bin/env python3
-"""Checks what each file of src/ includes, and where failures are caught.
+"""Checks what each file of src/ includes, where failures are caught, and how settings are read.
 
 - "folder/..." may point to the same or a lower layer only, and two folders never to each other.
 - Includes are written from src/, with quotation marks.
 - Qt stands in windows (*/ui/), platform/qt and programs only, and so do includes of them.
-- A family of readers never includes another one.
+- A library that reads one kind of thing is included where that is read (LIBRARY_FOLDERS).
+- A family of readers never includes another one, nor do windows and the command line.
+- The words of kinds of records stand in the readers' folders: everybody else asks readers/RecordKind.h.
 - `catch` stands in the traps, main functions, platform adapters and the database's error adapter.
+- Settings are read and written by their rows (app/Settings.h), never by section and key.
+- Readers and the import ask the file system nothing and open nothing themselves: what lies in the
+  evidence they ask of readers/Evidence, what they made themselves of readers/Scratch.
 
 usage: tools/check_layers.py [FILE of src/...]
 """
@@ -24,13 +29,17 @@ LAYERS = [
     ("views",),
     ("reports", "maintenance"),
     ("app",),
-    ("ui",),
+    ("cli", "ui"),
     ("programs",),
 ]
 RANK = {folder: rank for rank, layer in enumerate(LAYERS) for folder in layer}
 
 # Folders of readers/ that are no family but help several.
 SHARED_BY_READERS = {"sqlite", "xml", "plist", "common"}
+
+# Layers beside each other that don't know each other in either direction: one program has no window,
+# the other no command line.
+STRANGERS = {("cli", "ui"), ("ui", "cli")}
 
 # Families that may know another one: (from, to) with the reason.
 FAMILIES_ALLOWED = {
@@ -40,14 +49,38 @@ FAMILIES_ALLOWED = {
 QT = re.compile(r"Q[A-Z]\w*(/.*)?|Qt\w*/.*|q\w+\.h")
 QT_FOLDERS = re.compile(r"src/(.*/)?ui/|src/platform/qt/|src/programs/")
 
+# The parser of pages stands below one reading of pages, which has the limits and the places.
+LIBRARY_FOLDERS = {"gumbo.h": "src/markup/"}
+
 CATCH_PLACES = re.compile(r"src/base/Trap\.h|src/programs/[^/]*\.cpp|src/platform/.*"
                           r"|src/db/SqliteErrors\.(h|cpp)")
 
 # Further files that may catch: each with the reason why neither trap does.
 CATCH_ALLOWED = {
-    # Ends no failure: it adds which file of the evidence it is about, and passes it on.
+    # End no failure: they add which file of the evidence it is about, or tell of it, and pass it on.
+    "src/readers/EvidenceFile.cpp",
     "src/readers/EvidenceGaps.h",
+    # The library that parses a call's words says so when they are wrong; here it becomes an answer.
+    "src/cli/Grammar.cpp",
 }
+
+# Those that read evidence, but for windows, and the files that do it for all of them.
+EVIDENCE_READERS = re.compile(r"src/readers/.*|src/import/[^/]*")
+EVIDENCE_DOORS = re.compile(r"src/readers/(Evidence|EvidenceFile|Scratch)\.(h|cpp)")
+
+# Questions to the file system, and ways to open, list, change or copy what is in it. Paths
+# themselves ask nothing, and `absolute` asks where the program runs.
+PAST_EVIDENCE = re.compile(
+    r"\b(?:fs|filesystem)::(?!path\b|absolute\b|u8path\b|filesystem_error\b)[a-z]\w*"
+    r"|\b(?:FileReader|readHead|readWhole|readInBlocks|copyRange|copyToScratch|hashesOfFile"
+    r"|pathFromText|wholePath|[io]?fstream|fopen|sqlite3_open\w*)\b"
+    r"|(?<![\w.>)])::(?:f|l)?(?:stat|statx|open|openat|access|opendir|fopen|unlink|rename)\s*\(")
+
+
+# What stands in the settings file is asked of app/IniFile by these alone: the rows themselves, and
+# the places of windows, which are no settings.
+INI_PLACES = re.compile(r"src/app/(IniFile|Settings|SettingsTable|Options)\.(h|cpp)"
+                        r"|src/cli/OptionsCommand\.cpp|src/app/ui/WindowLayout\.cpp")
 
 
 def layer_of(name):
@@ -72,6 +105,8 @@ def include_faults(file, name, bracket):
             yield f'<{name}> is ours: write "{name}"'
         if QT.fullmatch(name) and not QT_FOLDERS.match("src/" + file):
             yield f"<{name}>: Qt stands only in */ui/, platform/qt and programs"
+        if not f"src/{file}".startswith(folder := LIBRARY_FOLDERS.get(name, "")):
+            yield f"<{name}>: only {folder} knows it"
         return
     if name.endswith(".moc"):
         return
@@ -81,6 +116,8 @@ def include_faults(file, name, bracket):
     mine, theirs = layer_of(file), layer_of(name)
     if mine in RANK and theirs in RANK and RANK[theirs] > RANK[mine]:
         yield f'"{name}" points up: {theirs} lies above {mine}'
+    if (mine, theirs) in STRANGERS:
+        yield f'"{name}": {mine} must not know {theirs}'
     if name.startswith("platform/qt/") and not QT_FOLDERS.match("src/" + file):
         yield f'"{name}": only windows and programs know platform/qt'
     families = (family_of(file), family_of(name))
@@ -88,18 +125,46 @@ def include_faults(file, name, bracket):
         yield f'"{name}": readers/{families[0]} must not know readers/{families[1]}'
 
 
-def file_faults(path):
+def kind_words():
+    """What the rows of all kinds of records are called, in upper case."""
+    return {word.upper() for file in project_files("src/readers", endings=("Kinds.h",))
+            for word in re.findall(r'\.(?:word|otherWord)\s*=\s*"([^"]+)"', read(file))}
+
+
+def word_faults(path, text, words):
+    """Texts of src/ that are the word of a kind and stand outside of the readers."""
+    if path.startswith("src/readers/"):
+        return
+    for number, line in enumerate(without_comments(text, keep_strings=True).split("\n"), 1):
+        for word in re.findall(r'"([^"]*)"', line):
+            if word.upper() in words:
+                yield number, f'"{word}" is a kind of record: ask readers/RecordKind.h'
+
+
+def file_faults(path, words):
     text = read(path)
+    yield from word_faults(path, text, words)
     file = path.removeprefix("src/")
     if layer_of(file) not in RANK:
         yield 1, f"src/{file.split('/')[0]} has no layer: name it in tools/check_layers.py"
     for line, bracket, name in includes(text):
         for fault in include_faults(file, name, bracket):
             yield line, fault
-    if CATCH_PLACES.fullmatch(path) or path in CATCH_ALLOWED:
-        return
-    for match in re.finditer(r"\bcatch\s*\(", bare := without_comments(text)):
-        yield bare.count("\n", 0, match.start()) + 1, "catch: use the traps of base/Trap.h"
+    bare = without_comments(text)
+    if EVIDENCE_READERS.fullmatch(path) and not EVIDENCE_DOORS.fullmatch(path):
+        for match in PAST_EVIDENCE.finditer(bare):
+            yield bare.count("\n", 0, match.start()) + 1, \
+                f"{match[0]}: ask readers/Evidence, or readers/Scratch for files of our own"
+    if not (CATCH_PLACES.fullmatch(path) or path in CATCH_ALLOWED):
+        yield from faults_of(bare, r"\bcatch\s*\(", "catch: use the traps of base/Trap.h")
+    if not INI_PLACES.fullmatch(path):
+        yield from faults_of(bare, r"\b(Read|Write)IniValue\s*\(",
+                             "a setting has a row: use app/Settings.h")
+
+
+def faults_of(bare, pattern, fault):
+    for match in re.finditer(pattern, bare):
+        yield bare.count("\n", 0, match.start()) + 1, fault
 
 
 def circles(files):
@@ -115,9 +180,12 @@ def circles(files):
 def main():
     every = project_files("src", endings=(".h", ".cpp"))
     files = [file for file in sys.argv[1:]] or every
-    count = 0
+    words = kind_words()
+    if not words:
+        print("tools/check_layers.py: no kind of record is found: are their rows still in Kinds.h?")
+    count = 0 if words else 1
     for path in files:
-        for line, fault in file_faults(path):
+        for line, fault in file_faults(path, words):
             print(f"{path}:{line}: {fault}")
             count += 1
     for a, b in circles(every):

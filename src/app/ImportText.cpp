@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
+#include "readers/Registry.h"
 
 #include <fmt/format.h>
 
@@ -52,9 +53,9 @@ std::string artefactText(const ArtefactResult &artefact) {
 
 /// A whole file that is one record, with nothing to tell of it.
 bool isPlain(const ArtefactResult &artefact) {
-    return artefact.type == HistoryFileType::simpleHTML &&
-           artefact.state == ArtefactState::complete && artefact.rowsLost == 0 &&
-           artefact.passedOver.empty() && artefact.noted.empty();
+    const Reader *reader = readerFor(artefact.type);
+    return reader && reader->isOneRecord && artefact.state == ArtefactState::complete &&
+           artefact.rowsLost == 0 && artefact.passedOver.empty() && artefact.noted.empty();
 }
 
 std::string artefactsText(const ImportSummary &summary) {

@@ -142,7 +142,6 @@ bool IniFile::WriteIniValue(std::string_view section, std::string_view key,
             put(each.section, each.key, each.text);
         writeLines();
         m_unwritten.clear();
-        return true;
     });
 }
 

@@ -13,8 +13,10 @@ struct SourceCheck;
 
 namespace nv::messages {
 
-// Every text that the program asks or tells, in one place. Examiners' manuals quote them, so they
-// stand as they are, misspellings included.
+// What the program asks and tells about itself, its projects and its settings. Texts of one subject
+// stand beside it: NetworkMessages.h, ReportMessages.h, and in `views` QueryMessages.h and the
+// headers of what they are about. Examiners' manuals quote all of them, so they stand as they are,
+// misspellings included.
 
 Message commandLineFileMissing();
 Message commandLineFileUnknown();

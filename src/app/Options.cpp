@@ -1,12 +1,13 @@
 #include "app/Options.h"
 
 #include "app/EvidenceFolders.h"
-#include "app/IniSections.h"
 #include "app/Messages.h"
 #include "app/NetworkMessages.h"
 #include "app/NetworkSwitch.h"
 #include "app/Project.h"
 #include "app/ProjectOptions.h"
+#include "app/SettingsInForce.h"
+#include "app/SettingsTable.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
@@ -15,6 +16,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace nv {
@@ -22,6 +24,17 @@ namespace nv {
 namespace fs = std::filesystem;
 
 namespace {
+
+// The order in which settings files have what Okay writes, behind the zone and the paths. A setting
+// that isn't named here follows those that are.
+constexpr AnyKey kWritten[] = {
+    "DisableScriptTags",        "GalleryIncludeHTML",   "GalleryIncludePictures",
+    "RedrawThumbIfPageRebuilt", "ViewerThumbnailWidth", "ReportThumbnailWidth",
+    "ProgressBarRefreshRate",   "WideRecordIds",        "TemplateMatchByTitle",
+    "ThumbnailsWhileImporting", "KeepAllOptions"};
+constexpr AnyKey kHeld[] = {"GalleryRecordsPerPage", "OPTIONS/ThumbnailRedrawTimeout",
+                            "THUMBNAILS/ThumbnailRedrawTimeout", "DisableFileVersionCheck",
+                            "NetworkConnectionName"};
 
 struct Refusal {
     OptionsField field;
@@ -37,53 +50,50 @@ bool isFolder(const fs::path &path) {
 /// One press of Okay.
 class Application {
   public:
-    Application(Program &program, const Options &options, const OptionsOccasion &occasion)
+    Application(Program &program, Options options, const OptionsOccasion &occasion)
         : m_program(program), m_state(program.thisClass), m_settings(program.settings),
-          m_options(options), m_occasion(occasion) {}
+          m_options(std::move(options)), m_occasion(occasion) {}
 
     OptionsOutcome run();
 
   private:
     bool mayOverwrite() const;
-    void takeFormats();
     bool takeZone();
     std::optional<Refusal> refusalOfPaths() const;
     std::optional<Refusal> refusalBeside(const fs::path &base) const;
     void takePaths();
-    void takeGallery();
-    void takeSafety();
-    void takeThumbnailsAndStatus();
-    void takeBeyond();
-    void keepTheRest();
+    void takeRest();
+    void takeHeld();
+    void takeWhatIsNoSetting();
     void toProject();
 
     OptionsOutcome stay(const Message &message, OptionsField field) {
         m_program.around.examiner.tell(message);
         return {false, field};
     }
-    void take(std::string_view section, std::string_view key, bool &inForce, bool chosen) {
-        inForce = chosen;
-        m_settings.WriteIniValue(section, key, chosen);
+    void bring(const SettingFacts &row);
+    void write(const SettingFacts &row);
+    void take(AnyKey key) {
+        bring(key.row());
+        write(key.row());
     }
-    void write(std::string_view section, std::string_view key, int number) {
-        m_settings.WriteIniValue(section, key, fmt::format("{}", number));
-    }
+    std::vector<const SettingFacts *> remaining(SettingOkay okay, std::span<const AnyKey> first);
 
     Program &m_program;
     ThisClass &m_state;
     IniFile &m_settings;
-    const Options &m_options;
+    Options m_options;
     const OptionsOccasion &m_occasion;
+    std::vector<const SettingFacts *> m_written;
 };
 
 /// The order is that of the steps: an examiner who is sent back keeps what came before.
 OptionsOutcome Application::run() {
     if (!mayOverwrite())
         return {false, OptionsField::project};
-    take(kOptionsSection, "VerifyFileSignatures", m_state.VerifyFileSignatures,
-         m_options.VerifyFileSignatures);
-    m_program.import.VerifyFileSignatures = m_options.VerifyFileSignatures;
-    takeFormats();
+    take("VerifyFileSignatures");
+    take("DateFormat");
+    take("TimeFormat");
     m_state.EnableDSTChanges = m_options.EnableDSTChanges;
     if (!m_options.Time_Zone_ID)
         return stay(messages::zoneNotSelected(), OptionsField::zone);
@@ -97,11 +107,9 @@ OptionsOutcome Application::run() {
     if (refusal)
         return stay(refusal->message, refusal->field);
     takePaths();
-    takeGallery();
-    takeSafety();
-    takeThumbnailsAndStatus();
-    takeBeyond();
-    keepTheRest();
+    takeWhatIsNoSetting();
+    takeRest();
+    takeHeld();
     toProject();
     if (m_settings.hasUnwritten())
         m_program.around.examiner.tell(messages::settingsNotWritten(m_settings.path()));
@@ -118,13 +126,32 @@ bool Application::mayOverwrite() const {
     return m_program.around.examiner.ask(messages::overwriteProject(textOf(path))) == Answer::Yes;
 }
 
-void Application::takeFormats() {
-    // Not the format that the program starts with: whoever empties the box has always got this one.
-    m_state.DateFormat = m_options.DateFormat.empty() ? "MM/DD/YY" : m_options.DateFormat;
-    m_settings.WriteIniValue(kOptionsSection, "DateFormat", m_state.DateFormat);
-    m_state.TimeFormat = m_options.TimeFormat.empty() ? "Hh:Nn:Ss" : m_options.TimeFormat;
-    m_settings.WriteIniValue(kOptionsSection, "TimeFormat", m_state.TimeFormat);
-    m_state.DateTimeFormat = m_state.DateFormat + " " + m_state.TimeFormat;
+/// An emptied text is the default again. A folder that is emptied is none until the next start.
+void Application::bring(const SettingFacts &row) {
+    const bool isText = std::holds_alternative<std::string SettingValues::*>(row.member);
+    if (isText && shownText(m_options, row).empty())
+        chooseText(m_options, row,
+                   row.whenEmptied.empty() ? defaultOf(m_program, row)
+                                           : std::string(row.whenEmptied));
+    bringIntoForce(m_program, row, m_options);
+}
+
+void Application::write(const SettingFacts &row) {
+    m_settings.WriteIniValue(row.section, row.key, shownText(m_options, row));
+    m_written.push_back(&row);
+}
+
+/// What Okay does that with and hasn't written yet, those of `first` before the others.
+std::vector<const SettingFacts *> Application::remaining(SettingOkay okay,
+                                                         std::span<const AnyKey> first) {
+    std::vector<const SettingFacts *> rows;
+    for (const AnyKey &key : first)
+        rows.push_back(&key.row());
+    for (const SettingFacts &row : settingsTable())
+        if (row.okay == okay && std::find(rows.begin(), rows.end(), &row) == rows.end() &&
+            std::find(m_written.begin(), m_written.end(), &row) == m_written.end())
+            rows.push_back(&row);
+    return rows;
 }
 
 bool Application::takeZone() {
@@ -134,9 +161,9 @@ bool Application::takeZone() {
     if (!setZone(m_program, *m_options.Time_Zone_ID))
         return false;
     const TimeZoneClass &zone = m_state.GMTZone;
-    write(kOptionsSection, "TimeZoneBias", zone.tzBias);
-    m_settings.WriteIniValue(kOptionsSection, "TimeZoneName", zone.tzName);
-    write(kOptionsSection, "TimeZoneID", zone.tzTimeZoneID);
+    writeText(m_settings, "TimeZoneBias", fmt::format("{}", zone.tzBias));
+    writeText(m_settings, "TimeZoneName", zone.tzName);
+    writeText(m_settings, "TimeZoneID", fmt::format("{}", zone.tzTimeZoneID));
     if (m_state.ProjectDB.isOpen())
         storeProjectValues(m_program,
                            {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
@@ -196,72 +223,38 @@ std::optional<Refusal> Application::refusalBeside(const fs::path &base) const {
 }
 
 void Application::takePaths() {
-    m_state.PublishTempFolder = m_options.PublishTempFolder;
+    bring(TextKey("PublishFolder").row());
     takeTempFolder(m_program, m_options.TempFolderPath);
     m_state.TempFolderOfRun = m_options.TempFolderPath;
-    m_state.AgencyLogoPath = m_options.AgencyLogoPath;
-    m_state.TemplatesPath = m_options.TemplatesPath;
-    m_settings.WriteIniValue(kPathsSection, "TempFolder", textOf(m_options.TempFolderPath));
-    m_settings.WriteIniValue(kPathsSection, "LastProjectDBPath", textOf(m_options.ProjectDBPath));
-    m_settings.WriteIniValue(kPathsSection, "AgencyLogoPath", textOf(m_options.AgencyLogoPath));
-    m_settings.WriteIniValue(kPathsSection, "PublishFolder", textOf(m_options.PublishTempFolder));
-    m_settings.WriteIniValue(kBeyondSection, "TemplatesPath", textOf(m_options.TemplatesPath));
+    writeText(m_settings, "TempFolder", textOf(m_options.TempFolderPath));
+    writeText(m_settings, "LastProjectDBPath", textOf(m_options.ProjectDBPath));
+    take("AgencyLogoPath");
+    take("PublishFolder");
+    take("TemplatesPath");
 }
 
-void Application::takeGallery() {
-    take(kOptionsSection, "DisableScriptTags", m_state.DisableScriptTags,
-         m_options.DisableScriptTags);
-    take(kOptionsSection, "GalleryIncludeHTML", m_state.GalleryIncludeHTML,
-         m_options.GalleryIncludeHTML);
-    take(kOptionsSection, "GalleryIncludePictures", m_state.GalleryIncludePictures,
-         m_options.GalleryIncludePictures);
-    take(kOptionsSection, "RedrawThumbIfPageRebuilt", m_state.RedrawThumbIfPageRebuilt,
-         m_options.RedrawThumbIfPageRebuilt);
-    m_state.GalleryRecordsPerPage = m_options.GalleryRecordsPerPage;
-    m_state.ThumbnailRedrawTimeout = m_options.ThumbnailRedrawTimeout;
+void Application::takeWhatIsNoSetting() {
     m_state.PARD.EnablePARD = m_options.EnablePARD;
     m_state.PARD.FromValue = static_cast<std::int16_t>(m_options.PARDFrom);
     m_state.PARD.ToValue = static_cast<std::int16_t>(m_options.PARDTo);
+    if (m_options.switchedOffline)
+        m_state.ConnectionOffline = *m_options.switchedOffline;
 }
 
-void Application::takeSafety() {
-    if (m_options.ConnectionOffline)
-        m_state.ConnectionOffline = *m_options.ConnectionOffline;
-    m_state.DisableFileVersionCheck = m_options.DisableFileVersionCheck;
-    m_state.NetworkConnectionName = m_options.NetworkConnectionName.empty()
-                                        ? std::string(kDefaultConnection)
-                                        : m_options.NetworkConnectionName;
-}
-
-void Application::takeThumbnailsAndStatus() {
-    m_state.ViewerThumbnailWidth = m_options.ViewerThumbnailWidth;
-    m_state.ProgressBarRefreshRate = m_options.ProgressBarRefreshRate;
-    m_program.thread.ProgressBarRefreshRate = m_options.ProgressBarRefreshRate;
-    write(kThumbnailsSection, "ViewerThumbnailWidth", m_options.ViewerThumbnailWidth);
-    write(kThumbnailsSection, "ReportThumbnailWidth", m_options.ReportThumbnailWidth);
-    write(kOptionsSection, "ProgressBarRefreshRate", m_options.ProgressBarRefreshRate);
-}
-
-void Application::takeBeyond() {
-    take(kBeyondSection, "WideRecordIds", m_state.WideRecordIds, m_options.WideRecordIds);
-    take(kBeyondSection, "TemplateMatchByTitle", m_state.TemplateMatchByTitle,
-         m_options.TemplateMatchByTitle);
-    take(kBeyondSection, "ThumbnailsWhileImporting", m_program.import.MakeThumbnails,
-         m_options.ThumbnailsWhileImporting);
-    m_settings.WriteIniValue(kBeyondSection, "KeepAllOptions", m_options.KeepAllOptions);
+void Application::takeRest() {
+    for (const SettingFacts *row : remaining(SettingOkay::writes, kWritten)) {
+        bring(*row);
+        write(*row);
+    }
 }
 
 /// These have always held until the program ends; a switch of ours keeps them.
-void Application::keepTheRest() {
-    if (!m_options.KeepAllOptions)
-        return;
-    write(kOptionsSection, "GalleryRecordsPerPage", m_options.GalleryRecordsPerPage);
-    write(kOptionsSection, "ThumbnailRedrawTimeout", m_options.ThumbnailRedrawTimeout);
-    write(kThumbnailsSection, "ThumbnailRedrawTimeout", m_options.ThumbnailRedrawTimeout);
-    m_settings.WriteIniValue(kOptionsSection, "DisableFileVersionCheck",
-                             m_options.DisableFileVersionCheck);
-    m_settings.WriteIniValue(kOptionsSection, "NetworkConnectionName",
-                             m_state.NetworkConnectionName);
+void Application::takeHeld() {
+    for (const SettingFacts *row : remaining(SettingOkay::holds, kHeld)) {
+        bring(*row);
+        if (m_options.KeepAllOptions)
+            write(*row);
+    }
 }
 
 void Application::toProject() {
@@ -285,12 +278,12 @@ std::string sampleOf(const Program &program, std::string_view format) {
 }
 
 std::string chooseDateFormat(Program &program, std::string_view format) {
-    program.settings.WriteIniValue(kOptionsSection, "DateFormat", format);
+    writeText(program.settings, "DateFormat", format);
     return sampleOf(program, format);
 }
 
 std::string chooseTimeFormat(Program &program, std::string_view format) {
-    program.settings.WriteIniValue(kOptionsSection, "TimeFormat", format);
+    writeText(program.settings, "TimeFormat", format);
     return sampleOf(program, format);
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "app/Program.h"
+#include "app/Settings.h"
 #include "time/ZoneDatabase.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,53 +15,24 @@
 
 namespace nv {
 
-// The formats that Options offers while the settings have none; those of the start differ, as they
-// always have.
-inline constexpr std::string_view kOptionsDateFormat = "YYYY-MM-DD";
-inline constexpr std::string_view kOptionsTimeFormat = "24:00:00"; ///< means "Hh:Nn:Ss"
-inline constexpr std::string_view kDefaultConnection = "Local Area Connection";
-
-/// What stands in the Options dialog.
-struct Options {
-    // Paths
+/// What stands in the Options dialog: settings, and what isn't kept in the settings file.
+struct Options : SettingValues {
     std::filesystem::path ProjectDBPath;
     std::filesystem::path RootPath; ///< of a new project: empty is left to its first import
     std::filesystem::path TempFolderPath;
-    std::filesystem::path TemplatesPath;
-    std::filesystem::path PublishTempFolder;
-    std::filesystem::path AgencyLogoPath;
-    // Date, time and zone
-    std::string DateFormat;
-    std::string TimeFormat;
     std::optional<std::int32_t> Time_Zone_ID; ///< the selection of the list
     bool EnableDSTChanges = true;
-    // Gallery
-    bool GalleryIncludeHTML = true;
-    bool GalleryIncludePictures = true;
-    int GalleryRecordsPerPage = 300;
-    bool RedrawThumbIfPageRebuilt = true;
-    int ThumbnailRedrawTimeout = 15; ///< seconds
     bool EnablePARD = false;
     int PARDFrom = 0; ///< percent
     int PARDTo = 0;
-    // Thumbnails, in pixels
-    int ViewerThumbnailWidth = 120;
-    int ReportThumbnailWidth = 200;
-    // Safety
-    bool DisableScriptTags = false;
-    bool VerifyFileSignatures = true;
-    bool DisableFileVersionCheck = false;
-    std::string NetworkConnectionName;
-    std::optional<bool> ConnectionOffline; ///< set when the connection was switched meanwhile
-    // Status
-    int ProgressBarRefreshRate = 5; ///< seconds
-    // Beyond
-    bool WideRecordIds = true;
-    bool ThumbnailsWhileImporting = false;
-    bool TemplateMatchByTitle = true;
-    /// Writes the settings that otherwise hold until the program ends only.
-    bool KeepAllOptions = false;
+    std::optional<bool> switchedOffline; ///< set when the connection was switched meanwhile
+    /// Settings that no member holds, as the settings file has them.
+    std::map<const SettingFacts *, std::string> others;
 };
+
+/// A setting as it stands there, and a choice of the examiner's.
+std::string shownText(const Options &options, const SettingFacts &row);
+void chooseText(Options &options, const SettingFacts &row, const std::string &text);
 
 /// The dialog's first step of a new project, or an ordinary call.
 struct OptionsOccasion {

@@ -1,6 +1,6 @@
 // What the Options dialog shows at first; Options.cpp applies it.
-#include "app/IniSections.h"
 #include "app/Options.h"
+#include "app/SettingsTable.h"
 
 #include <fmt/format.h>
 
@@ -12,8 +12,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-fs::path firstOf(const fs::path &inForce, const IniFile &settings, std::string_view key) {
-    return inForce.empty() ? fs::path(settings.ReadIniValue(kPathsSection, key, "")) : inForce;
+fs::path firstOf(const fs::path &inForce, const IniFile &settings, TextKey key) {
+    return inForce.empty() ? fs::path(readText(settings, key)) : inForce;
 }
 
 void readPaths(const Program &program, Options &options) {
@@ -21,7 +21,6 @@ void readPaths(const Program &program, Options &options) {
     options.ProjectDBPath = state.ProjectDBPath;
     options.RootPath = state.RootPath;
     options.TempFolderPath = firstOf(state.TempFolderRoot, program.settings, "Temp");
-    options.TemplatesPath = state.TemplatesPath;
     options.PublishTempFolder = firstOf(state.PublishTempFolder, program.settings, "Publish");
     options.AgencyLogoPath = firstOf(state.AgencyLogoPath, program.settings, "AgencyLogo");
 }
@@ -29,52 +28,45 @@ void readPaths(const Program &program, Options &options) {
 /// The folder of the settings, that of the last project, or the user's own.
 fs::path folderOfProjects(const Program &program) {
     const IniFile &settings = program.settings;
-    const fs::path last = settings.ReadIniValue(kPathsSection, "LastProjectDBPath", "");
+    const fs::path last = readText(settings, "LastProjectDBPath");
     const char *home = std::getenv("HOME");
     const fs::path user = home ? home : "";
     std::error_code notThere;
-    for (const fs::path &folder : {fs::path(settings.ReadIniValue(kPathsSection, "Project", "")),
-                                   last.parent_path(), user / "Documents", user}) {
+    for (const fs::path &folder :
+         {fs::path(readText(settings, "Project")), last.parent_path(), user / "Documents", user}) {
         if (folder.is_absolute() && fs::is_directory(folder, notThere))
             return folder;
     }
     return program.paths.home;
 }
 
+/// Those in force, but for what Options looks up anew.
+void readSettings(const Program &program, Options &options) {
+    static_cast<SettingValues &>(options) = program.thisClass;
+    for (const SettingFacts &row : settingsTable()) {
+        const bool isShown = row.control.name != nullptr;
+        if (isShown && std::holds_alternative<std::monostate>(row.member))
+            options.others[&row] = valueOf(program, row);
+        else if (!row.offered.empty())
+            readMember(program.settings, row, row.offered, options);
+        else if (row.read == SettingRead::inOptions)
+            readMember(program.settings, row, defaultOf(program, row), options);
+    }
+}
+
 } // namespace
 
 Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
     const ThisClass &state = program.thisClass;
-    const IniFile &settings = program.settings;
     Options options;
+    readSettings(program, options);
     readPaths(program, options);
-    options.DateFormat = settings.ReadIniValue(kOptionsSection, "DateFormat", kOptionsDateFormat);
-    options.TimeFormat = settings.ReadIniValue(kOptionsSection, "TimeFormat", kOptionsTimeFormat);
     if (const auto place = placeInList(zones, state.GMTZone))
         options.Time_Zone_ID = zones[*place].Time_Zone_ID;
     options.EnableDSTChanges = state.EnableDSTChanges;
-    options.GalleryIncludeHTML = state.GalleryIncludeHTML;
-    options.GalleryIncludePictures = state.GalleryIncludePictures;
-    options.GalleryRecordsPerPage = state.GalleryRecordsPerPage;
-    options.RedrawThumbIfPageRebuilt = state.RedrawThumbIfPageRebuilt;
-    // Not the time-out of the start, which stands in another section.
-    options.ThumbnailRedrawTimeout =
-        settings.ReadIniValue(kOptionsSection, "ThumbnailRedrawTimeout", 15);
     options.EnablePARD = state.PARD.EnablePARD;
     options.PARDFrom = state.PARD.FromValue;
     options.PARDTo = state.PARD.ToValue;
-    options.ViewerThumbnailWidth = state.ViewerThumbnailWidth;
-    options.ReportThumbnailWidth =
-        settings.ReadIniValue(kThumbnailsSection, "ReportThumbnailWidth", 200);
-    options.DisableScriptTags = state.DisableScriptTags;
-    options.VerifyFileSignatures = state.VerifyFileSignatures;
-    options.DisableFileVersionCheck = state.DisableFileVersionCheck;
-    options.NetworkConnectionName = state.NetworkConnectionName;
-    options.ProgressBarRefreshRate = state.ProgressBarRefreshRate;
-    options.WideRecordIds = state.WideRecordIds;
-    options.ThumbnailsWhileImporting = program.import.MakeThumbnails;
-    options.TemplateMatchByTitle = state.TemplateMatchByTitle;
-    options.KeepAllOptions = settings.ReadIniValue(kBeyondSection, "KeepAllOptions", false);
     return options;
 }
 
@@ -86,6 +78,18 @@ Options readNewProjectOptions(const Program &program, const std::vector<ZoneRow>
     for (int number = 2; fs::exists(options.ProjectDBPath); ++number)
         options.ProjectDBPath = folder / fmt::format("Case {}.nvp", number);
     return options;
+}
+
+std::string shownText(const Options &options, const SettingFacts &row) {
+    const auto other = options.others.find(&row);
+    return other == options.others.end() ? textIn(options, row) : other->second;
+}
+
+void chooseText(Options &options, const SettingFacts &row, const std::string &text) {
+    if (std::holds_alternative<std::monostate>(row.member))
+        options.others[&row] = text;
+    else
+        putText(options, row, text);
 }
 
 } // namespace nv

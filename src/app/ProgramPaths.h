@@ -16,7 +16,6 @@ struct ProgramPaths {
     std::filesystem::path errorLog(bool headless) const {
         return state / (headless ? "error-cli.log" : "error.log");
     }
-    std::filesystem::path defaultTemp() const { return state / "Temp"; }
     std::filesystem::path zones() const { return program / "nvTZ.dat"; }
     std::filesystem::path tips() const { return program / "dailytips.txt"; }
     std::filesystem::path keywords() const { return program / "keywords"; }

@@ -9,6 +9,7 @@
 #include "base/Trap.h"
 #include "db/ProjectFields.h"
 #include "db/SchemaGaps.h"
+#include "db/SideFiles.h"
 #include "db/StoredQueries.h"
 #include "time/ZoneDatabase.h"
 
@@ -70,12 +71,12 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
                       !failureOf(program.log, "DatabaseClass.CreateDatabaseProject()", [&] {
                           stampVersion(project.connection(), program.log, buildOf(program));
                           project.CloseDB();
-                          removeBeside(whole);
+                          removeSideFiles(whole);
                           replaceDurably(aside, whole);
                           project.FilePath = whole;
                           project.open();
                       });
-    removeProjectFiles(aside);
+    removeDatabase(aside);
     if (!made)
         return false;
     program.projectHold = std::move(hold);

@@ -4,20 +4,19 @@
 #include "base/NoLog.h"
 #include "base/Trap.h"
 #include "db/Connection.h"
+#include "db/SideFiles.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <string>
+#include <string_view>
 
 namespace nv {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::array kBeside = {"-wal", "-shm", "-journal"};
 
 bool isThere(const fs::path &path) {
     std::error_code none;
@@ -36,32 +35,19 @@ bool isOurs(const fs::path &path) {
 }
 
 bool isFree(const fs::path &path) {
-    return !isThere(path) && std::ranges::none_of(kBeside, [&path](const char *suffix) {
-        return isThere(path.native() + suffix);
+    return !isThere(path) && std::ranges::none_of(kSideSuffixes, [&path](std::string_view suffix) {
+        return isThere(sideFile(path, suffix));
     });
 }
 
 } // namespace
-
-void removeBeside(const fs::path &path) {
-    for (const char *suffix : kBeside) {
-        std::error_code ignored;
-        fs::remove(path.native() + suffix, ignored);
-    }
-}
-
-void removeProjectFiles(const fs::path &path) {
-    std::error_code ignored;
-    fs::remove(path, ignored);
-    removeBeside(path);
-}
 
 fs::path placeAside(const fs::path &whole) {
     const std::string name = whole.native() + ".~new";
     fs::path place = name;
     for (int n = 2;; ++n) {
         if (isOurs(place))
-            removeProjectFiles(place);
+            removeDatabase(place);
         if (isFree(place))
             return place;
         place = fmt::format("{}{}", name, n);
@@ -71,8 +57,8 @@ fs::path placeAside(const fs::path &whole) {
 void refuseLoneLog(const fs::path &whole) {
     if (isThere(whole))
         return;
-    for (const char *suffix : {"-wal", "-journal"}) {
-        const fs::path log = whole.native() + suffix;
+    for (const std::string_view suffix : kRowSuffixes) {
+        const fs::path log = sideFile(whole, suffix);
         std::error_code none;
         if (const auto size = fs::file_size(log, none); !none && size > 0)
             throw StorageFailure(fmt::format(

@@ -4,11 +4,6 @@
 
 namespace nv {
 
-/// Removes a project's file and what the database lays beside it.
-void removeProjectFiles(const std::filesystem::path &path);
-/// Only what lies beside it: it would be read into another project of that name.
-void removeBeside(const std::filesystem::path &path);
-
 /// Where a project that is to stand at `whole` is made: beside it, under a name that nobody has.
 /// What a start that was killed left there goes first; what is no project of ours stays.
 std::filesystem::path placeAside(const std::filesystem::path &whole);

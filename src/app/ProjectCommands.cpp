@@ -10,6 +10,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/SideFiles.h"
 #include "db/StoredQueries.h"
 #include "reports/ExportFile.h"
 
@@ -30,8 +31,8 @@ void copyProject(const fs::path &from, const fs::path &to) {
     ExportFile copy(to);
     copyToScratch(from, copy.aside());
     copy.finish();
-    for (const char *suffix : {"-wal", "-shm", "-journal"})
-        fs::remove(to.native() + suffix);
+    for (const std::string_view suffix : kSideSuffixes)
+        fs::remove(sideFile(to, suffix)); // told when it can't be removed
 }
 
 bool isSameFile(const fs::path &one, const fs::path &other) {
@@ -92,6 +93,7 @@ std::optional<Access> ProjectCommands::accessTo(const fs::path &path) {
     };
     if (const auto holder = holderOf(path, Front::window))
         return readOnly(messages::projectInUse(path, *holder));
+    // Of the folder too: the log of an open project is a file beside it.
     const fs::path folder = fs::absolute(path).parent_path();
     const bool writable = ::access(path.c_str(), W_OK) == 0 && ::access(folder.c_str(), W_OK) == 0;
     if (!writable && ::access(path.c_str(), R_OK) == 0)

@@ -8,6 +8,8 @@
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildWebPage.h"
+#include "rebuild/WatchedBy.h"
+#include "views/Audit.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -72,15 +74,9 @@ RebuiltPage unreadPage(std::int64_t URL_ID) {
     return outcome;
 }
 
-/// `ctx` with its progress shown as that of `task`.
-RebuildContext watchedBy(const RebuildContext &ctx, TaskMonitor &task) {
-    return {ctx.project, ctx.records, ctx.evidence, ctx.TempFolderPath,
-            ctx.log,     task,        ctx.settings};
-}
-
 class RebuildRun {
   public:
-    RebuildRun(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids)
+    RebuildRun(Program &program, RecordTools &tools, std::span<const std::int64_t> ids)
         : m_program(program), m_tools(tools), m_ids(ids), m_thumbnails(program, tools) {}
 
     bool all(const std::function<void(const RebuiltPage &)> &done) {
@@ -127,7 +123,7 @@ class RebuildRun {
     }
 
     Program &m_program;
-    RebuildTools &m_tools;
+    RecordTools &m_tools;
     std::span<const std::int64_t> m_ids;
     RebuildThumbnails m_thumbnails;
     std::size_t m_next = 0;           ///< place in the list of ids
@@ -137,34 +133,11 @@ class RebuildRun {
 
 } // namespace
 
-RebuildSettings rebuildSettings(const Program &program) {
-    const ThisClass &state = program.thisClass;
-    RebuildSettings settings;
-    settings.HTMLReplaceablePictureTags = state.HTMLReplaceablePictureTags;
-    settings.HTMLReplaceableHREFTags = state.HTMLReplaceableHREFTags;
-    settings.DisableScriptTags = state.DisableScriptTags;
-    settings.WideRecordIds = state.WideRecordIds;
-    return settings;
-}
-
-RebuildTools::RebuildTools(Program &program, TaskMonitor &task,
-                           const std::filesystem::path &scratch)
-    : m_records(program.thisClass.ProjectDB.connection(),
-                {program.thisClass.GMTZone, program.thisClass.EnableDSTChanges},
-                program.around.clock, program.log),
-      m_evidence(program.thisClass.RootPath), m_context{program.thisClass.ProjectDB.connection(),
-                                                        m_records,
-                                                        m_evidence,
-                                                        scratch,
-                                                        program.log,
-                                                        task,
-                                                        rebuildSettings(program)} {}
-
 std::vector<std::int64_t> taggedIds(Program &program, UnreadRows &unread) {
     return idsPastDamage(program, "SELECT URL_ID FROM URLs WHERE Tagged ORDER BY URL_ID", unread);
 }
 
-std::optional<RebuiltPage> rebuildPage(Program &program, RebuildTools &tools, std::int64_t URL_ID) {
+std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std::int64_t URL_ID) {
     auto page = tools.record(URL_ID);
     if (!page)
         return std::nullopt;
@@ -180,7 +153,7 @@ std::optional<RebuiltPage> rebuildPage(Program &program, RebuildTools &tools, st
     return outcome;
 }
 
-bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids,
+bool rebuildPages(Program &program, RecordTools &tools, std::span<const std::int64_t> ids,
                   const std::function<void(const RebuiltPage &)> &done) {
     std::size_t rebuilt = 0;
     TaskEnd end = TaskEnd::failed;
@@ -198,13 +171,13 @@ bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::in
     return end == TaskEnd::whole;
 }
 
-bool hasFolder(const RebuildTools &tools, URLClass &page) {
+bool hasFolder(const RecordTools &tools, URLClass &page) {
     page.RunTimeRebuiltFilePath =
         rebuildFolderOf(page.URLID, tools.context()) / pageNameOf(page.URLID);
     return std::filesystem::exists(page.RunTimeRebuiltFilePath);
 }
 
-bool bringBackFolder(RebuildTools &tools, URLClass &page) {
+bool bringBackFolder(RecordTools &tools, URLClass &page) {
     if (hasFolder(tools, page))
         return true;
     const bool whole = UnpackIngredients(page, tools.context());

@@ -1,43 +1,16 @@
 #pragma once
 
-#include "app/DrawingTools.h"
-#include "app/Program.h"
-#include "db/RecordStore.h"
-#include "rebuild/RebuildContext.h"
-#include "views/Audit.h"
+#include "app/RecordTools.h"
 #include "views/UnreadRows.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
 
 namespace nv {
-
-/// The settings that rebuilding goes by.
-RebuildSettings rebuildSettings(const Program &program);
-
-/// What rebuilding works with while the project stays open: make it, use it, let it go.
-class RebuildTools {
-  public:
-    /// `scratch` is an existing folder of the program's own, in which pages are rebuilt.
-    RebuildTools(Program &program, TaskMonitor &task, const std::filesystem::path &scratch);
-
-    const RebuildContext &context() const { return m_context; }
-    std::optional<URLClass> record(std::int64_t URL_ID) { return m_records.GetURL(UrlId{URL_ID}); }
-
-    /// Makes what draws thumbnails of rebuilt pages; asked only when there is one to draw.
-    std::function<std::unique_ptr<Drawing>(const std::filesystem::path &scratch)> drawing =
-        makeDrawing;
-
-  private:
-    RecordStore m_records;
-    Evidence m_evidence;
-    RebuildContext m_context;
-};
 
 /// Records with the tick, by id. Those that can't be read are named in the log and in `unread`.
 std::vector<std::int64_t> taggedIds(Program &program, UnreadRows &unread);
@@ -75,19 +48,19 @@ struct RebuiltPage {
 
 /// Rebuilds one page by itself, and draws its thumbnail anew as `RedrawThumbIfPageRebuilt` says.
 /// Nothing when the project has no such record.
-std::optional<RebuiltPage> rebuildPage(Program &program, RebuildTools &tools, std::int64_t URL_ID);
+std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std::int64_t URL_ID);
 
 /// Rebuilds each page in turn and hands on what became of it; a page that fails doesn't stop the
 /// run. Thumbnails are drawn for some ten pages at once, and these are handed on together.
 /// The case trail tells of the run. False when cancelled.
-bool rebuildPages(Program &program, RebuildTools &tools, std::span<const std::int64_t> ids,
+bool rebuildPages(Program &program, RecordTools &tools, std::span<const std::int64_t> ids,
                   const std::function<void(const RebuiltPage &)> &done);
 
 /// Whether this run of the program has the page's rebuild folder; sets `RunTimeRebuiltFilePath`.
-bool hasFolder(const RebuildTools &tools, URLClass &page);
+bool hasFolder(const RecordTools &tools, URLClass &page);
 
 /// Makes the rebuild folder of a page that was rebuilt earlier, when this run of the program has
 /// none yet. False when it can't be made: it was cancelled, or the log tells.
-bool bringBackFolder(RebuildTools &tools, URLClass &page);
+bool bringBackFolder(RecordTools &tools, URLClass &page);
 
 } // namespace nv

@@ -16,7 +16,7 @@ namespace nv {
 /// than drawing one. Without the setting `RedrawThumbIfPageRebuilt` all of it does nothing.
 class RebuildThumbnails {
   public:
-    RebuildThumbnails(Program &program, RebuildTools &tools) : m_program(program), m_tools(tools) {}
+    RebuildThumbnails(Program &program, RecordTools &tools) : m_program(program), m_tools(tools) {}
 
     bool isWanted() const { return m_program.thisClass.RedrawThumbIfPageRebuilt; }
     /// How many pages are rebuilt before they are drawn.
@@ -36,7 +36,7 @@ class RebuildThumbnails {
     void drawPicture(URLClass &record, const std::filesystem::path &destination);
 
     Program &m_program;
-    RebuildTools &m_tools;
+    RecordTools &m_tools;
     std::optional<ThumbnailTools> m_drawing; ///< once there is something to draw
     std::vector<PageDrawing> m_pages;
 };

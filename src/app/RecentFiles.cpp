@@ -1,25 +1,26 @@
 #include "app/RecentFiles.h"
 
+#include "app/Settings.h"
 #include "base/Files.h"
 #include "base/Text.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 
 namespace nv {
 
 namespace {
 
+constexpr std::array<TextKey, 6> kFiles = {"File1", "File2", "File3", "File4", "File5", "File6"};
 constexpr std::size_t kWritten = 4;
-constexpr std::size_t kRead = 6;
 constexpr std::size_t kLongestShown = 60; // characters
 
 std::vector<std::string> storedPaths(const IniFile &settings, std::size_t count) {
     std::vector<std::string> paths;
-    for (std::size_t i = 1; i <= count; ++i)
-        if (std::string path = settings.ReadIniValue("FILES", fmt::format("File{}", i), "");
-            !path.empty())
+    for (std::size_t i = 0; i < count; ++i)
+        if (std::string path = readText(settings, kFiles.at(i)); !path.empty())
             paths.push_back(std::move(path));
     return paths;
 }
@@ -42,12 +43,12 @@ void StoreFilenameINI(IniFile &settings, const std::filesystem::path &project) {
     paths.insert(paths.begin(), path);
     paths.resize(kWritten);
     for (std::size_t i = 0; i < kWritten; ++i)
-        settings.WriteIniValue("FILES", fmt::format("File{}", i + 1), paths[i]);
+        writeText(settings, kFiles.at(i), paths[i]);
 }
 
 std::vector<RecentFile> ConfigLastFilesOpened(const IniFile &settings) {
     std::vector<RecentFile> files;
-    for (const std::string &path : storedPaths(settings, kRead))
+    for (const std::string &path : storedPaths(settings, kFiles.size()))
         files.push_back({path, shortened(path)});
     return files;
 }

@@ -36,7 +36,7 @@ bool isPlainFile(const fs::path &path) {
 
 } // namespace
 
-std::optional<RecordContent> contentOfRecord(RebuildTools &tools, UrlId url) {
+std::optional<RecordContent> contentOfRecord(RecordTools &tools, UrlId url) {
     auto record = tools.record(number(url));
     if (!record)
         return std::nullopt;

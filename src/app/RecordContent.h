@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/RebuildJob.h"
+#include "app/RecordTools.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -18,7 +18,7 @@ struct RecordContent {
 
 /// Fetches the content into the scratch folder when it doesn't lie by itself. Nothing when the
 /// project has no such record; a failure is logged.
-std::optional<RecordContent> contentOfRecord(RebuildTools &tools, UrlId url);
+std::optional<RecordContent> contentOfRecord(RecordTools &tools, UrlId url);
 
 /// Why a record has no content, with the place where it was to be found.
 std::string missingContent(const URLClass &record);

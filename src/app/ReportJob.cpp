@@ -1,8 +1,8 @@
 #include "app/ReportJob.h"
 
 #include "app/DrawingTools.h"
-#include "app/IniSections.h"
 #include "app/Project.h"
+#include "app/Settings.h"
 #include "app/Trail.h"
 #include "base/Files.h"
 
@@ -14,57 +14,51 @@ namespace nv {
 
 namespace {
 
-constexpr std::string_view kSection = "REPORT";
-constexpr int kThumbnailWidth = 200;
-
 ReportSettings settingsOf(const Program &program) {
     ReportSettings settings;
     settings.images = program.paths.images();
     settings.dates = dateSettings(program);
     settings.version = program.thisClass.AppVersion;
-    // Whoever never chose a width has none in the settings.
-    const int width =
-        program.settings.ReadIniValue(kThumbnailsSection, "ReportThumbnailWidth", kThumbnailWidth);
-    settings.ReportThumbnailWidth = width > 0 ? width : kThumbnailWidth;
+    constexpr NumberKey kWidth = "ReportThumbnailWidth";
+    const int width = readNumber(program.settings, kWidth);
+    settings.ReportThumbnailWidth = width > 0 ? width : defaultNumber(kWidth);
     settings.ThumbnailRedrawTimeout =
         std::chrono::seconds(program.thisClass.ThumbnailRedrawTimeout);
     return settings;
 }
 
-/// The Boolean options that are kept, and their first values.
+/// The options that are kept.
 struct KeptFlag {
-    std::string_view key;
+    FlagKey key;
     bool ReportClass::*flag;
-    bool byDefault;
 };
 constexpr std::array<KeptFlag, 8> kFlags = {{
-    {"UseCustomLogo", &ReportClass::UseCustomLogo, false},
-    {"IncludeAudit", &ReportClass::IncludeAudit, false},
-    {"IncludeLinkAnalysis", &ReportClass::IncludeLinkAnalysis, false},
-    {"IncludeNotes", &ReportClass::IncludeNotes, true},
-    {"IncludeTimeRebuilt", &ReportClass::IncludeTimeRebuilt, true},
-    {"IncludeDataSource", &ReportClass::IncludeDataSource, true},
-    {"IncludeUser", &ReportClass::IncludeUser, true},
-    {"IncludeCaseTrail", &ReportClass::IncludeCaseTrail, false},
+    {"UseCustomLogo", &ReportClass::UseCustomLogo},
+    {"IncludeAudit", &ReportClass::IncludeAudit},
+    {"IncludeLinkAnalysis", &ReportClass::IncludeLinkAnalysis},
+    {"IncludeNotes", &ReportClass::IncludeNotes},
+    {"IncludeTimeRebuilt", &ReportClass::IncludeTimeRebuilt},
+    {"IncludeDataSource", &ReportClass::IncludeDataSource},
+    {"IncludeUser", &ReportClass::IncludeUser},
+    {"IncludeCaseTrail", &ReportClass::IncludeCaseTrail},
 }};
 
 struct KeptText {
-    std::string_view key;
+    TextKey key;
     std::string ReportClass::*text;
-    std::string_view byDefault;
 };
 constexpr std::array<KeptText, 4> kTexts = {{
-    {"CaseNumber", &ReportClass::CaseNumber, ""},
-    {"ReportTitle", &ReportClass::ReportTitle, ReportClass::kDefaultReportTitle},
-    {"Organization", &ReportClass::Organization, ""},
-    {"ReportedBy", &ReportClass::ReportedBy, ""},
+    {"CaseNumber", &ReportClass::CaseNumber},
+    {"ReportTitle", &ReportClass::ReportTitle},
+    {"Organization", &ReportClass::Organization},
+    {"ReportedBy", &ReportClass::ReportedBy},
 }};
 
 } // namespace
 
 ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder)
-    : m_program(program), m_rebuild(program, task, folder),
-      m_drawing(canDraw() ? makeDrawing(folder) : nullptr), m_context{m_rebuild.context(),
+    : m_program(program), m_records(program, task, folder),
+      m_drawing(canDraw() ? makeDrawing(folder) : nullptr), m_context{m_records.context(),
                                                                       program.thisClass.GMTZone,
                                                                       program.around.clock,
                                                                       m_drawing.get(),
@@ -92,23 +86,23 @@ bool ReportTools::run(std::span<const std::int32_t> ids) {
 
 void readReportOptions(const IniFile &settings, ReportClass &report) {
     for (const KeptText &kept : kTexts)
-        report.*kept.text = settings.ReadIniValue(kSection, kept.key, kept.byDefault);
+        report.*kept.text = readText(settings, kept.key);
     for (const KeptFlag &kept : kFlags)
-        report.*kept.flag = settings.ReadIniValue(kSection, kept.key, kept.byDefault);
-    report.ReportType = settings.ReadIniValue(kSection, "ReportType", 0);
-    report.DefaultThumbnailPath = settings.ReadIniValue(kSection, "DefaultThumbnailPath", "");
-    report.AgencyLogoPath = settings.ReadIniValue(kPathsSection, "AgencyLogoPath", "");
+        report.*kept.flag = readFlag(settings, kept.key);
+    report.ReportType = readNumber(settings, "ReportType");
+    report.DefaultThumbnailPath = readText(settings, "DefaultThumbnailPath");
+    report.AgencyLogoPath = readText(settings, "AgencyLogoPath");
 }
 
 void writeReportOptions(const ReportClass &report, IniFile &settings) {
     for (const KeptText &kept : kTexts)
-        settings.WriteIniValue(kSection, kept.key, std::string_view(report.*kept.text));
+        writeText(settings, kept.key, report.*kept.text);
     for (const KeptFlag &kept : kFlags)
-        settings.WriteIniValue(kSection, kept.key, report.*kept.flag);
-    settings.WriteIniValue(kSection, "UseDefaultThumbnailPath", report.UseDefaultThumbnailPath);
-    settings.WriteIniValue(kSection, "ReportType", fmt::format("{}", report.ReportType));
-    settings.WriteIniValue(kSection, "DefaultThumbnailPath", textOf(report.DefaultThumbnailPath));
-    settings.WriteIniValue(kPathsSection, "AgencyLogoPath", textOf(report.AgencyLogoPath));
+        writeFlag(settings, kept.key, report.*kept.flag);
+    writeFlag(settings, "UseDefaultThumbnailPath", report.UseDefaultThumbnailPath);
+    writeNumber(settings, "ReportType", report.ReportType);
+    writeText(settings, "DefaultThumbnailPath", textOf(report.DefaultThumbnailPath));
+    writeText(settings, "AgencyLogoPath", textOf(report.AgencyLogoPath));
 }
 
 } // namespace nv

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/RebuildJob.h"
+#include "app/RecordTools.h"
 #include "reports/ReportClass.h"
 #include "reports/SortTable.h"
 
@@ -24,7 +24,7 @@ class ReportTools {
 
   private:
     Program &m_program;
-    RebuildTools m_rebuild;
+    RecordTools m_records;
     std::unique_ptr<Drawing> m_drawing; ///< none when this build can't draw
     ReportContext m_context;
     std::filesystem::path m_folder;

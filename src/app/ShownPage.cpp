@@ -1,5 +1,6 @@
 #include "app/ShownPage.h"
 
+#include "app/RebuildJob.h"
 #include "base/Files.h"
 #include "base/Storage.h"
 #include "readers/ContentProbe.h"
@@ -32,7 +33,7 @@ std::string extensionFor(const fs::path &content) {
     return kind == TextKind::text ? "txt" : "";
 }
 
-ShownPage cachedPage(RebuildTools &tools, URLClass &record) {
+ShownPage cachedPage(RecordTools &tools, URLClass &record) {
     const auto content = contentOf(record, tools.context().extraction());
     if (!content)
         return {{}, false, "This record has no cached content."};
@@ -51,7 +52,7 @@ ShownPage cachedPage(RebuildTools &tools, URLClass &record) {
 
 } // namespace
 
-ShownPage pageToShow(RebuildTools &tools, URLClass &record) {
+ShownPage pageToShow(RecordTools &tools, URLClass &record) {
     if (record.CacheFileRebuilt && bringBackFolder(tools, record))
         return {record.RunTimeRebuiltFilePath, true, {}};
     return cachedPage(tools, record);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/RebuildJob.h"
+#include "app/RecordTools.h"
 
 #include <filesystem>
 #include <string>
@@ -17,6 +17,6 @@ struct ShownPage {
 /// The record's rebuilt page when its folder can be had, otherwise a copy of its cached content in
 /// a folder by itself: a page is let to the files of its folder, which therefore never is one of
 /// evidence.
-ShownPage pageToShow(RebuildTools &tools, URLClass &record);
+ShownPage pageToShow(RecordTools &tools, URLClass &record);
 
 } // namespace nv

@@ -1,5 +1,7 @@
 #include "app/Messages.h"
 #include "app/Program.h"
+#include "app/SettingsInForce.h"
+#include "app/SettingsTable.h"
 #include "app/TempFolder.h"
 #include "app/Version.h"
 #include "base/Files.h"
@@ -18,10 +20,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kSmallestThumbnail = 100;
-constexpr int kMendedThumbnail = 160;
-constexpr int kMendedRedrawTimeout = 15;
-
 void takeVersion(ThisClass &state) {
     state.AppTitle = "Norvelane";
     state.AppBuildMajor = version::kMajor;
@@ -31,80 +29,12 @@ void takeVersion(ThisClass &state) {
         fmt::format("{}.{}.{}", version::kMajor, version::kMinor, version::kRevision);
 }
 
+/// The one beside the program, until the settings name one that is there.
 void findCompanionTool(Program &program) {
-    const fs::path beside = program.paths.program / "Ostermoor.exe";
-    ThisClass &state = program.thisClass;
-    if (fs::exists(beside))
-        state.OstermoorEXEPath = beside;
-    const fs::path named = program.settings.ReadIniValue("OPTIONS", "OstermoorEXEPath",
-                                                         textOf(state.OstermoorEXEPath));
-    if (fs::exists(named))
-        state.OstermoorEXEPath = named;
-}
-
-void readFormats(const IniFile &settings, ThisClass &state) {
-    state.DateFormat = settings.ReadIniValue("OPTIONS", "DateFormat", "yyyy-mm-dd");
-    state.TimeFormat = settings.ReadIniValue("OPTIONS", "TimeFormat", "Hh:Nn:Ss");
-    state.DateTimeFormat = state.DateFormat + " " + state.TimeFormat;
-}
-
-void readPaths(const Program &program, ThisClass &state) {
-    const IniFile &settings = program.settings;
-    state.LocalFavoritesPath = settings.ReadIniValue("OPTIONS", "LocalFavoritesPath",
-                                                     textOf(program.paths.home / "favorites.ini"));
-    state.SharedFavoritesPath = settings.ReadIniValue("OPTIONS", "SharedFavoritesPath", "");
-    state.AgencyLogoPath = settings.ReadIniValue("FILE PATHS", "AgencyLogoPath", "");
-    state.TemplateMatchByTitle = settings.ReadIniValue("BEYOND", "TemplateMatchByTitle", true);
-    state.TemplatesPath =
-        settings.ReadIniValue("BEYOND", "TemplatesPath", textOf(program.paths.home / "Templates"));
-    state.PublishTempFolder = settings.ReadIniValue("FILE PATHS", "PublishFolder", "");
-}
-
-void readThumbnails(const IniFile &settings, ThisClass &state) {
-    state.ViewerThumbnailWidth = settings.ReadIniValue("THUMBNAILS", "ViewerThumbnailWidth", 120);
-    state.ThumbnailRedrawTimeout = settings.ReadIniValue("THUMBNAILS", "ThumbnailRedrawTimeout", 5);
-    if (state.ThumbnailRedrawTimeout < 1)
-        state.ThumbnailRedrawTimeout = kMendedRedrawTimeout;
-    if (state.ViewerThumbnailWidth < kSmallestThumbnail)
-        state.ViewerThumbnailWidth = kMendedThumbnail;
-}
-
-void readOptions(const IniFile &settings, ThisClass &state) {
-    const auto flag = [&settings](std::string_view key, bool byDefault) {
-        return settings.ReadIniValue("OPTIONS", key, byDefault);
-    };
-    state.DisableAutoRebuildInHTMLGallery = flag("DisableAutoRebuildInHTMLGallery", false);
-    state.DisableFileVersionCheck = flag("DisableFileVersionCheck", false);
-    state.GalleryIncludeHTML = flag("GalleryIncludeHTML", true);
-    state.GalleryIncludePictures = flag("GalleryIncludePictures", true);
-    state.VerifyFileSignatures = flag("VerifyFileSignatures", true);
-    state.RedrawThumbIfPageRebuilt = flag("RedrawThumbIfPageRebuilt", true);
-    state.GalleryRecordsPerPage = settings.ReadIniValue("OPTIONS", "GalleryRecordsPerPage", 300);
-    state.ProgressBarRefreshRate = settings.ReadIniValue("OPTIONS", "ProgressBarRefreshRate", 5);
-    state.NetworkConnectionName =
-        settings.ReadIniValue("OPTIONS", "NetworkConnectionName", "Local Area Connection");
-    state.ConnectionOffline = settings.ReadIniValue("DEFAULT", "ConnectionOffline", true);
-    state.WideRecordIds = settings.ReadIniValue("BEYOND", "WideRecordIds", true);
-    state.HTMLReplaceableHREFTags = settings.ReadIniValue("DEFAULT", "HTMLReplaceableHREFTags",
-                                                          "js;css;php;txt;asp;aspx;htm;html;");
-    state.HTMLReplaceablePictureTags = settings.ReadIniValue(
-        "DEFAULT", "HTMLReplaceablePictureTags", "jpe;jpeg;jpg;gif;bmp;png;tif;");
-}
-
-void readSettings(Program &program) {
-    ThisClass &state = program.thisClass;
-    readFormats(program.settings, state);
-    readPaths(program, state);
-    readThumbnails(program.settings, state);
-    readOptions(program.settings, state);
-    program.thread.ProgressBarRefreshRate = state.ProgressBarRefreshRate;
-    program.import.ParseAdvancedMetadata =
-        program.settings.ReadIniValue("OPTIONS", "ParseAdvancedMetaData", true);
-    program.import.VerifyFileSignatures = state.VerifyFileSignatures;
-    // Some seven pages a second would make an import of a large cache a matter of hours; the
-    // gallery's button draws them when they are wanted.
-    program.import.MakeThumbnails =
-        program.settings.ReadIniValue("BEYOND", "ThumbnailsWhileImporting", false);
+    const SettingFacts &setting = TextKey("OstermoorEXEPath").row();
+    for (const std::string &path : {defaultOf(program, setting), valueOf(program, setting)})
+        if (fs::exists(path))
+            program.thisClass.OstermoorEXEPath = path;
 }
 
 /// The machine's zone without its daylight shift until a project sets one: see ZoneDatabase.
@@ -178,14 +108,14 @@ bool isUsableTempFolder(const Program &program, const fs::path &folder) {
 }
 
 fs::path tempFolderFrom(const Program &program) {
-    const fs::path byDefault = program.paths.defaultTemp();
     const fs::path &ofRun = program.thisClass.TempFolderOfRun;
     if (!ofRun.empty() && isUsableTempFolder(program, ofRun))
         return ofRun;
-    const fs::path named =
-        program.settings.ReadIniValue("DEFAULT", "TempFolderPath", textOf(byDefault));
+    const SettingFacts &setting = TextKey("TempFolderPath").row();
+    const fs::path named = valueOf(program, setting);
     if (isUsableTempFolder(program, named))
         return named;
+    const fs::path byDefault = defaultOf(program, setting);
     fs::create_directories(byDefault);
     return byDefault;
 }
@@ -198,9 +128,8 @@ void startUp(Program &program, Front front) {
     findCompanionTool(program);
     state.TempFolderRoot = tempFolderFrom(program);
     resetPardRange(state);
-    readSettings(program);
+    takeSettings(program);
     takeMachineZone(program);
-    state.DebugMain = program.settings.ReadIniValue("OPTIONS", "DebugMain", false);
     if (front == Front::window)
         takeTempFolder(program, state.TempFolderRoot);
 }

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view kManaging = "MainForm.PopupMenuTemplates_Click()";
 
-TemplateResult createTemplate(Program &program, RebuildTools &tools, URLClass &page) {
+TemplateResult createTemplate(Program &program, RecordTools &tools, URLClass &page) {
     const ThisClass &state = program.thisClass;
     if (page.CacheFileRebuilt && !bringBackFolder(tools, page))
         return TemplateResult::noRebuild;
@@ -50,7 +50,7 @@ std::vector<Layer> layersOf(std::span<const fs::path> templates, FailureLog &log
     return layers;
 }
 
-Laid layOne(Program &program, RebuildTools &tools, URLClass &page, const Layer &layer) {
+Laid layOne(Program &program, RecordTools &tools, URLClass &page, const Layer &layer) {
     if (!layer.made)
         return Laid::failed;
     if (program.thisClass.TemplateMatchByTitle &&
@@ -64,7 +64,7 @@ Laid layOne(Program &program, RebuildTools &tools, URLClass &page, const Layer &
 }
 
 /// A template that doesn't fit takes nothing from one that did.
-Laid layAll(Program &program, RebuildTools &tools, URLClass &page, std::span<const Layer> layers) {
+Laid layAll(Program &program, RecordTools &tools, URLClass &page, std::span<const Layer> layers) {
     Laid result = Laid::otherTitle;
     for (const Layer &layer : layers) {
         const Laid one = layOne(program, tools, page, layer);
@@ -84,7 +84,7 @@ void showProgress(TaskMonitor &task, std::size_t place, std::size_t count) {
 }
 
 /// Runs `work` on each record; false when cancelled.
-bool forEachPage(RebuildTools &tools, std::span<const std::int64_t> ids,
+bool forEachPage(RecordTools &tools, std::span<const std::int64_t> ids,
                  const std::function<void(URLClass &)> &work) {
     TaskMonitor &task = tools.context().task;
     for (std::size_t i = 0; i < ids.size(); ++i) {
@@ -125,7 +125,7 @@ std::string countsText(bool cancelled, const std::string &asked, std::string_vie
 
 } // namespace
 
-TemplatesMade createTemplates(Program &program, RebuildTools &tools,
+TemplatesMade createTemplates(Program &program, RecordTools &tools,
                               std::span<const std::int64_t> ids) {
     TemplatesMade made;
     made.asked = ids.size();
@@ -138,7 +138,7 @@ TemplatesMade createTemplates(Program &program, RebuildTools &tools,
     return made;
 }
 
-LaidTemplates RebuildFromTemplates(Program &program, RebuildTools &tools,
+LaidTemplates RebuildFromTemplates(Program &program, RecordTools &tools,
                                    std::span<const std::int64_t> ids,
                                    std::span<const fs::path> templates,
                                    const std::function<void(std::int64_t URL_ID, Laid)> &done) {

@@ -25,8 +25,8 @@ struct TemplatesMade {
 
 /// Makes a template of each record that was rebuilt, in this run of the program or an earlier one.
 /// The examiner decides whether one that is there already is overwritten.
-TemplatesMade createTemplates(Program &program, RebuildTools &tools,
-                              std::span<const std::int64_t> ids);
+[[nodiscard]] TemplatesMade createTemplates(Program &program, RecordTools &tools,
+                                            std::span<const std::int64_t> ids);
 
 /// What became of one page that templates were to be laid over.
 enum class Laid {
@@ -45,10 +45,10 @@ struct LaidTemplates {
 
 /// Lays the templates over each record in turn: what the last one that fits shows is what stays.
 /// `done` learns of each record, and the case trail of each template.
-LaidTemplates RebuildFromTemplates(Program &program, RebuildTools &tools,
-                                   std::span<const std::int64_t> ids,
-                                   std::span<const std::filesystem::path> templates,
-                                   const std::function<void(std::int64_t URL_ID, Laid)> &done = {});
+[[nodiscard]] LaidTemplates
+RebuildFromTemplates(Program &program, RecordTools &tools, std::span<const std::int64_t> ids,
+                     std::span<const std::filesystem::path> templates,
+                     const std::function<void(std::int64_t URL_ID, Laid)> &done = {});
 
 /// One line for people.
 std::string madeText(const TemplatesMade &made);

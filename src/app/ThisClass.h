@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/SettingValues.h"
 #include "db/DatabaseClass.h"
 #include "time/TimeZoneClass.h"
 #include "views/FiltersClass.h"
@@ -13,8 +14,8 @@
 namespace nv {
 
 /// The shared state of the program: a plain bag with no logic, passed by reference. Members stand
-/// at the zero of their type until start-up fills them.
-struct ThisClass : QueryDefinitions {
+/// at the zero of their type until start-up fills them; those that are settings are inherited.
+struct ThisClass : QueryDefinitions, SettingValues {
     ThisClass(FailureLog &log, const Clock &clock)
         : ProjectDB(log, clock), GMTZone(Date::fromTimePoint(clock.now() + clock.localOffset())) {}
 
@@ -34,11 +35,6 @@ struct ThisClass : QueryDefinitions {
     std::filesystem::path TempFolderRoot;
     /// Chosen in Options: goes before that of the settings until the program ends.
     std::filesystem::path TempFolderOfRun;
-    std::filesystem::path TemplatesPath;
-    std::filesystem::path PublishTempFolder;
-    std::filesystem::path LocalFavoritesPath;
-    std::filesystem::path SharedFavoritesPath;
-    std::filesystem::path AgencyLogoPath;
     std::filesystem::path ProjectDBPath;
     std::filesystem::path OstermoorEXEPath;
 
@@ -55,48 +51,14 @@ struct ThisClass : QueryDefinitions {
     bool NoResizePicture = false; ///< pictures are shown in their own size
 
     // Gallery
-    int GalleryRecordsPerPage = 0;
-    bool GalleryIncludeHTML = false;
-    bool GalleryIncludePictures = false;
     PARDClass PARD; ///< until the program ends: no picture is hidden by an earlier run's choice
 
-    // Thumbnails
-    int ViewerThumbnailWidth = 0;   ///< pixels
-    int ThumbnailRedrawTimeout = 0; ///< seconds
-    bool RedrawThumbIfPageRebuilt = false;
-    bool DisableAutoRebuildInHTMLGallery = false;
-
     // Formats and time
-    std::string DateFormat;
-    std::string TimeFormat;
     std::string DateTimeFormat;
     TimeZoneClass GMTZone; ///< the zone of the open project
     /// The open project keeps a zone that could not be taken into force.
     bool ZoneIsUnread = false;
     bool EnableDSTChanges = true;
-
-    // Rebuild behaviour
-    std::string HTMLReplaceableHREFTags;
-    std::string HTMLReplaceablePictureTags;
-    bool DisableScriptTags = false;    ///< not kept between runs
-    bool TemplateMatchByTitle = false; ///< a template is laid over pages of its title only
-    /// Record ids above 32,767 may be parts of rebuilt pages; otherwise the limit of earlier
-    /// builds.
-    bool WideRecordIds = true;
-
-    // Task control
-    int ProgressBarRefreshRate = 0; ///< seconds
-
-    // Import
-    bool VerifyFileSignatures = true;
-    bool DisableFileVersionCheck = false;
-
-    // Network
-    std::string NetworkConnectionName;
-    bool ConnectionOffline = false;
-
-    // Debug
-    bool DebugMain = false;
 };
 
 } // namespace nv

@@ -93,6 +93,7 @@ bool ThreadClass::advance(double fraction) {
     if (now - m_localTimer >= ProgressBarRefreshRate)
         m_stepDue = true;
     if (now - m_lastPump >= kPumpStep) {
+        // Before the window is let run: what it does may ask for progress again.
         m_lastPump = now;
         TopPercent = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100);
         UpdateStatus();
@@ -118,6 +119,7 @@ void ThreadClass::show(const TaskStep &step) {
     UpdateStatus();
 }
 
+// A task within a task shows itself in the window that is open, and leaves it open.
 OpenTask::OpenTask(ThreadClass &thread, const TaskHeading &heading)
     : m_thread(thread), m_owner(!thread.IsOpen) {
     if (m_owner)

@@ -69,43 +69,27 @@ std::string Digest::takeHex() {
 
 namespace {
 
-/// Both digests of a file that arrives in blocks.
-class BothHashes {
-  public:
-    /// False when the reader wants no more.
-    bool add(std::string_view block, const std::function<bool(std::uint64_t)> &goOn) {
-        m_md5.add(block);
-        m_sha256.add(block);
-        m_size += block.size();
-        return !goOn || goOn(m_size);
-    }
-    FileHashes take() { return {m_md5.takeHex(), m_sha256.takeHex(), m_size}; }
-
-  private:
-    Digest m_md5{DigestAlgorithm::md5};
-    Digest m_sha256{DigestAlgorithm::sha256};
-    std::uint64_t m_size = 0; ///< bytes
-};
-
 constexpr std::uint64_t kBlock = std::uint64_t{1} << 20; ///< bytes
 
 } // namespace
 
 std::optional<FileHashes> hashesOfFile(const std::filesystem::path &path,
                                        const std::function<bool(std::uint64_t)> &goOn) {
-    BothHashes hashes;
-    const bool whole = readInBlocks(
-        path, [&](std::string_view block, std::uint64_t) { return hashes.add(block, goOn); });
+    FileHashing hashes;
+    const bool whole = readInBlocks(path, [&](std::string_view block, std::uint64_t readSoFar) {
+        hashes.add(block);
+        return !goOn || goOn(readSoFar);
+    });
     return whole ? std::optional(hashes.take()) : std::nullopt;
 }
 
 std::optional<FileHashes> hashesOfFile(const FileReader &file,
                                        const std::function<bool(std::uint64_t)> &goOn) {
-    BothHashes hashes;
-    std::uint64_t at = 0;
-    for (Bytes block = file.read(at, kBlock); !block.empty(); block = file.read(at, kBlock)) {
-        at += block.size();
-        if (!hashes.add(ByteView(block).raw(), goOn))
+    FileHashing hashes;
+    for (Bytes block = file.read(0, kBlock); !block.empty();
+         block = file.read(hashes.size(), kBlock)) {
+        hashes.add(ByteView(block).raw());
+        if (goOn && !goOn(hashes.size()))
             return std::nullopt;
     }
     return hashes.take();

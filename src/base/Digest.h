@@ -24,7 +24,7 @@ class Digest {
 
     void add(std::string_view bytes);
     /// The digest so far; the object then starts anew.
-    std::string takeHex();
+    [[nodiscard]] std::string takeHex();
 
   private:
     struct Context;
@@ -41,12 +41,30 @@ struct FileHashes {
     bool operator==(const FileHashes &) const = default;
 };
 
+/// Both over the bytes of a file that arrives in blocks.
+class FileHashing {
+  public:
+    void add(std::string_view block) {
+        m_md5.add(block);
+        m_sha256.add(block);
+        m_size += block.size();
+    }
+    std::uint64_t size() const { return m_size; }
+    [[nodiscard]] FileHashes take() { return {m_md5.takeHex(), m_sha256.takeHex(), m_size}; }
+
+  private:
+    Digest m_md5{DigestAlgorithm::md5};
+    Digest m_sha256{DigestAlgorithm::sha256};
+    std::uint64_t m_size = 0; ///< bytes
+};
+
 /// Both of a whole file, which is read once in blocks. `goOn` is asked after each block with the
 /// number of bytes read so far; false ends the reading and gives nothing. Throws FileFailure.
-std::optional<FileHashes> hashesOfFile(const std::filesystem::path &path,
-                                       const std::function<bool(std::uint64_t)> &goOn = {});
+[[nodiscard]] std::optional<FileHashes>
+hashesOfFile(const std::filesystem::path &path,
+             const std::function<bool(std::uint64_t)> &goOn = {});
 /// The same of a file that is open already.
-std::optional<FileHashes> hashesOfFile(const FileReader &file,
-                                       const std::function<bool(std::uint64_t)> &goOn = {});
+[[nodiscard]] std::optional<FileHashes>
+hashesOfFile(const FileReader &file, const std::function<bool(std::uint64_t)> &goOn = {});
 
 } // namespace nv

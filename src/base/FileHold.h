@@ -28,7 +28,7 @@ class FileHold {
     State state() const { return m_state; }
     bool isHeld() const { return m_state == State::held; }
     /// True when nobody else holds it, who is then kept out. Otherwise the hold is lost.
-    bool becomesAlone();
+    [[nodiscard]] bool becomesAlone();
     /// The file of this name is the one that was opened: its last holder may have removed that.
     bool isStillAt(const std::filesystem::path &file) const;
     /// What stands in the file, also in that of another holder; at most 4 KB.

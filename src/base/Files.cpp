@@ -127,20 +127,37 @@ FileReader::~FileReader() {
 FileReader::FileReader(FileReader &&other) noexcept
     : m_path(std::move(other.m_path)), m_fd(std::exchange(other.m_fd, -1)), m_size(other.m_size) {}
 
-Bytes FileReader::read(std::uint64_t offset, std::uint64_t count) const {
-    // A length from a file is no reason to ask for memory: only what is there is read.
-    Bytes bytes(offset < m_size ? std::min(count, m_size - offset) : 0);
+namespace {
+
+/// Fills `bytes` from the offset on and cuts it where the file ends.
+void fillAt(int fd, const std::filesystem::path &path, std::uint64_t offset, Bytes &bytes) {
     std::size_t done = 0;
     while (done < bytes.size()) {
-        const ssize_t got = ::pread(m_fd, bytes.data() + done, bytes.size() - done,
+        const ssize_t got = ::pread(fd, bytes.data() + done, bytes.size() - done,
                                     static_cast<off_t>(offset + done));
         if (got < 0 && errno != EINTR)
-            throw FileFailure("cannot read", m_path, errno);
+            throw FileFailure("cannot read", path, errno);
         if (got == 0)
             break;
         done += got > 0 ? static_cast<std::size_t>(got) : 0;
     }
     bytes.resize(done);
+}
+
+} // namespace
+
+Bytes FileReader::read(std::uint64_t offset, std::uint64_t count) const {
+    // A length from a file is no reason to ask for memory: only what is there is read.
+    Bytes bytes(offset < m_size ? std::min(count, m_size - offset) : 0);
+    fillAt(m_fd, m_path, offset, bytes);
+    // Some file systems tell no size: there the file ends where nothing more comes.
+    Bytes more(m_size == 0 ? std::min<std::uint64_t>(count, kLeastBlock) : 0);
+    for (; !more.empty(); more.resize(std::min<std::uint64_t>(count - bytes.size(), kLeastBlock))) {
+        fillAt(m_fd, m_path, offset + bytes.size(), more);
+        if (more.empty())
+            break;
+        bytes.insert(bytes.end(), more.begin(), more.end());
+    }
     return bytes;
 }
 

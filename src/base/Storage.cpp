@@ -33,6 +33,7 @@ void removeFile(const fs::path &path) {
 int openToWrite(const fs::path &path, Existing existing) {
     if (existing == Existing::replace)
         removeFile(path);
+    // Between the two calls somebody may lay a link there again, into the evidence for one.
     const int noLinks = existing == Existing::replace ? O_NOFOLLOW : 0;
     const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | noLinks, 0600);
     if (fd >= 0)
@@ -54,6 +55,7 @@ fs::path diskOf(const fs::path &path) {
     std::error_code none;
     fs::path place = fs::weakly_canonical(fs::absolute(path, none), none);
     struct stat facts {};
+    // What is to be made isn't there yet: the nearest folder above it tells the disk.
     while (::stat(place.c_str(), &facts) != 0 && place.has_relative_path())
         place = place.parent_path();
     const dev_t device = facts.st_dev;
@@ -95,6 +97,7 @@ void cutFile(const fs::path &path, std::uint64_t size) {
 FileWriter::FileWriter(const fs::path &path, Existing existing)
     : m_path(path), m_fd(openToWrite(path, existing)) {}
 
+// Whoever has to know whether all was written calls close(); here a failure is on its way already.
 FileWriter::~FileWriter() {
     if (m_fd >= 0)
         ::close(m_fd);

@@ -7,6 +7,8 @@ namespace nv {
 
 namespace {
 
+// Of ASCII alone and by no locale: what equals what in evidence is the same on every machine, and
+// bytes of UTF-8 stay whole.
 constexpr char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
 }
@@ -55,6 +57,7 @@ std::size_t findNoCase(std::string_view text, std::string_view needle, std::size
         return std::string_view::npos;
     const auto found = std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(),
                                    needle.begin(), needle.end(), sameLetter);
+    // An empty needle stands everywhere, also at the end.
     return found == text.end() && !needle.empty() ? std::string_view::npos
                                                   : static_cast<std::size_t>(found - text.begin());
 }
@@ -94,6 +97,7 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
 }
 
 std::string GetFileExtension(std::string_view path) {
+    // A character has four bytes at most: the rest of a long path needs no counting.
     if (charCount(path.substr(0, 4 * kShortestPathWithExtension)) < kShortestPathWithExtension)
         return {};
     const std::string_view tail =

@@ -6,6 +6,7 @@
 #include "db/KeywordLists.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/SchemaCatalogue.h"
+#include "db/SideFiles.h"
 #include "db/SqliteErrors.h"
 #include "db/StoredQueries.h"
 
@@ -36,13 +37,6 @@ void addFlag(SQLite::Database &database, const KeywordFlag &flag) {
                   "?3 WHERE NOT EXISTS (SELECT 1 FROM KeywordFlags WHERE FlagCode = ?3)");
     SQLite::bind(insert, std::string(flag.name), flagList(flag.terms), std::string(flag.code));
     insert.exec();
-}
-
-void removeFile(const std::filesystem::path &file) {
-    for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
-        std::error_code ignored;
-        std::filesystem::remove(file.native() + suffix, ignored);
-    }
 }
 
 } // namespace
@@ -89,7 +83,7 @@ void DatabaseClass::fillNewProject() {
 
 bool DatabaseClass::CreateMorkFileParser(const std::filesystem::path &file) {
     return !failureOf(m_log, "DatabaseClass.CreateMorkFileParser()", [&file] {
-        removeFile(file);
+        removeDatabase(file);
         const auto scratch = connect(file, Access::create);
         onFile(file, [&scratch] {
             for (const schema::Table &table : schema::morkTables())
@@ -134,6 +128,7 @@ void DatabaseClass::open(Access access) {
 void DatabaseClass::CloseDB() {
     if (!m_database || isReadOnly())
         return m_database.reset();
+    // A failure may have left a transaction open; what it wrote is not kept.
     m_database->tryExec("ROLLBACK");
     m_database->tryExec("PRAGMA analysis_limit=400; PRAGMA optimize");
     // The checkpoint succeeds while others read the project; leaving WAL does not, and then the
@@ -143,10 +138,10 @@ void DatabaseClass::CloseDB() {
     const std::string why = m_database->getErrorMsg();
     m_database.reset();
     std::error_code none;
-    const auto left = std::filesystem::file_size(FilePath.native() + "-wal", none);
+    const auto left = std::filesystem::file_size(sideFile(FilePath, kLogSuffix), none);
     if (!none && left > 0)
-        m_log.write({fmt::format("\"{0}-wal\" belongs to \"{0}\" and must stay beside it: {1}",
-                                 textOf(FilePath), why),
+        m_log.write({fmt::format("\"{0}{1}\" belongs to \"{0}\" and must stay beside it: {2}",
+                                 textOf(FilePath), kLogSuffix, why),
                      "DatabaseClass.CloseDB()", Severity::Warning, std::string(kContactSupport)});
 }
 

@@ -17,7 +17,8 @@ namespace schema {
 struct Table;
 }
 
-/// The project file: one SQLite database with the documented tables, columns and stored queries.
+/// The project file: one SQLite database with tables, columns and stored queries
+/// (docs/formats/project-file.md).
 class DatabaseClass {
   public:
     DatabaseClass(FailureLog &log, const Clock &clock);
@@ -36,15 +37,15 @@ class DatabaseClass {
     /// Makes the file at FilePath with the whole schema, and leaves it open. False on a failure,
     /// which is logged; what was written stays on disk. A file that is there isn't touched: the
     /// caller deletes it first.
-    bool CreateDatabaseProject();
+    [[nodiscard]] bool CreateDatabaseProject();
     /// Makes a scratch file for a Mork history, over one that is there, and closes it. Needs no
     /// project. False on a failure, which is logged.
-    bool CreateMorkFileParser(const std::filesystem::path &file);
+    [[nodiscard]] bool CreateMorkFileParser(const std::filesystem::path &file);
     /// Fills table `KeywordFlags`, made on first use, with the term lists that the keyword queries
     /// look for. Flags that are there stay as they are. False on a failure, which is logged.
-    bool PopulateKeywordFlags();
+    [[nodiscard]] bool PopulateKeywordFlags();
     /// Makes table `FlaggedURLs`, which no new project has. False on a failure, which is logged.
-    bool CreateFlaggedURLs();
+    [[nodiscard]] bool CreateFlaggedURLs();
 
     /// Opens the file at FilePath. Throws StorageFailure, saying what is wrong with the file. What
     /// is opened for reading keeps every byte, so that its hash stays that of the day it was filed.

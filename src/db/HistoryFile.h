@@ -65,7 +65,6 @@ struct HistoryFile {
     std::string SHA256Hash; ///< the same
     nv::HistoryFileType HistoryFileType = nv::HistoryFileType::none;
     std::string Version;
-    std::string ColumnDelimiter;
     nv::Origin origin;
 };
 

@@ -181,22 +181,6 @@ void RecordStore::insertLinks(const URLClass &record) {
     m_insertLink.tryReset();
 }
 
-void RecordStore::storeBodyFlags(const URLClass &record) {
-    const auto store = [&] {
-        SQLite::Statement update(m_database,
-                                 "UPDATE URLs SET GZipEncoded = ?, IsPicture = ?, IsWebpage = ?, "
-                                 "CacheFileExists = ? WHERE URL_ID = ?");
-        update.bind(1, record.GZipEncoded ? 1 : 0);
-        update.bind(2, record.IsPicture ? 1 : 0);
-        update.bind(3, record.IsWebPage ? 1 : 0);
-        update.bind(4, record.CacheFileExists ? 1 : 0);
-        update.bind(5, number(record.URLID));
-        update.exec();
-    };
-    trapped(m_log, Severity::Warning, "ADO.PutDBField()", kContactSupport,
-            [&] { onProject(m_database, store); });
-}
-
 /// `url` must stay until the statement has run.
 void RecordStore::bindLink(UrlId id, const std::string &url, const std::string &hash) {
     m_insertLink.tryReset();

@@ -44,10 +44,6 @@ class RecordStore {
     /// What `URLClass::facts` was when the record was saved. Throws.
     FactList factsOf(UrlId id) { return m_facts.of(id); }
 
-    /// Keeps in its row what fetching the record's body found out: `GZipEncoded`, `IsPicture`,
-    /// `IsWebPage` and `CacheFileExists`. A failure is logged.
-    void storeBodyFlags(const URLClass &record);
-
     /// Adds `count` rows to `Links` for the links found in the saved record's page. Unlike those
     /// that SaveRecord makes of `URLClass::Links`, each names the page: link analysis finds a page
     /// by them. Throws.

@@ -23,7 +23,7 @@ struct Column {
 
 struct Table {
     std::string_view name;
-    std::string_view primaryKey; ///< the key's documented name; empty for none
+    std::string_view primaryKey; ///< the key's name in the catalogue; empty for none
     std::span<const Column> columns;
 };
 
@@ -65,8 +65,7 @@ std::string_view typeName(ColumnType type);
 /// What the project says of a column for tables that show it: "show:", two digits of its order,
 /// five of its width in twips, its label. Empty without a label.
 std::string validationText(const Column &column, int order);
-/// CREATE TABLE with the documented names; relationships that end in the table are its foreign
-/// keys.
+/// CREATE TABLE with the names of the table; relationships that end in it are its foreign keys.
 std::string createStatement(const Table &table);
 std::string createStatement(const Index &index);
 

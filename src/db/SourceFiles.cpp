@@ -1,8 +1,8 @@
 #include "db/SourceFiles.h"
 
 #include "base/Files.h"
+#include "base/Succeeds.h"
 #include "base/Text.h"
-#include "base/Trap.h"
 #include "db/SqliteErrors.h"
 #include "db/StoredText.h"
 #include "time/Date.h"
@@ -40,10 +40,8 @@ std::string keyOf(const HistoryFile &file) {
 
 template <class Body>
 bool SourceFiles::attempt(Body &&body) {
-    return trapped(m_log, Severity::Warning, "MainBAS.LogFile()", kContactSupport, false, [&] {
-        onProject(m_database, body);
-        return true;
-    });
+    return succeeds(m_log, Severity::Warning, "MainBAS.LogFile()", kContactSupport,
+                    [&] { onProject(m_database, body); });
 }
 
 bool SourceFiles::LogFile(HistoryFile &file) {

@@ -26,14 +26,14 @@ class SourceFiles {
     /// being imported again. The same content of another browser, profile or person is another
     /// file; a row of an earlier build, which knew nothing of them, gets those of this one. False
     /// on a failure, which is logged. Throws StorageFailure.
-    bool LogFile(HistoryFile &file);
+    [[nodiscard]] bool LogFile(HistoryFile &file);
 
     /// Puts into the file's row what its reading has told of its origin; what isn't known leaves
     /// the row as it is. False on a failure, which is logged.
     bool noteOrigin(const HistoryFile &file);
 
     /// Marks the row of a file that was read to its end. False on a failure, which is logged.
-    bool setSuccessful(SourceFileId id);
+    [[nodiscard]] bool setSuccessful(SourceFileId id);
 
   private:
     template <class Body>

@@ -18,7 +18,7 @@ WriteBatch::WriteBatch(SQLite::Database &database, std::function<void()> kept)
 
 WriteBatch::~WriteBatch() {
     // A failing disk is told by written(), commit() and end(); here nothing can be told any more.
-    end();
+    static_cast<void>(end());
 }
 
 void WriteBatch::begin() {

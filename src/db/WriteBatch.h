@@ -30,7 +30,7 @@ class WriteBatch {
     /// takes nothing else before that.
     void giveUp();
     /// Ends the batch before its time. False when what was written behind the last commit is lost.
-    bool end();
+    [[nodiscard]] bool end();
 
   private:
     void begin();

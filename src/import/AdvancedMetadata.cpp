@@ -16,18 +16,6 @@ namespace {
 
 constexpr std::string_view kProcedure = "MainBAS.ParseAdvancedMetaData()";
 
-/// The text between the first "<title>" and "</title>", as the probe finds it in the bytes.
-std::string_view titleIn(std::string_view html) {
-    constexpr std::string_view kTitle = "<title>";
-    const std::size_t tag = findNoCase(html, kTitle);
-    if (tag == std::string_view::npos)
-        return {};
-    const std::size_t begin = tag + kTitle.size();
-    const std::size_t end = findNoCase(html, "</title>", begin);
-    return end == std::string_view::npos ? std::string_view()
-                                         : trim(html.substr(begin, end - begin));
-}
-
 } // namespace
 
 PageFindings AdvancedMetadata::ParseAdvancedMetadata(URLClass &record,
@@ -57,8 +45,8 @@ void AdvancedMetadata::examine(URLClass &record, SavedContent &content, PageFind
     trapped(m_log, Severity::Warning, kProcedure, kContactSupport, [&] {
         const std::string html = content.pageText();
         // The probe knows whether there is a title, but not the page's encoding.
-        if (const std::string_view title = titleIn(html); hasTitle && !title.empty())
-            record.WebpageTitle = title;
+        if (std::string title = hasTitle ? titleOf(html) : ""; !title.empty())
+            record.WebpageTitle = std::move(title);
         PageContent page = ReadPageContent(html, content.file());
         found.links = page.Links.size();
         if (!page.Body.empty())

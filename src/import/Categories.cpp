@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/RecordKind.h"
 
 #include <algorithm>
 #include <array>
@@ -47,15 +48,14 @@ bool hasWord(std::string_view words, std::string_view word) {
     return false;
 }
 
-/// Firefox's pages may begin as XML does, and are told by their tags. Those of other browsers keep
-/// the category by the first bytes that earlier cases were counted with.
-bool isXhtmlOfFirefox(const URLClass &record, const ContentFacts &facts) {
-    return facts.extension == "xml" && (facts.hasHtml || facts.hasBody) &&
-           equalsNoCase(record.cacheType, "Firefox Cache");
+bool isXhtml(const URLClass &record, const ContentFacts &facts) {
+    const bool isPage = facts.extension == "xml" && (facts.hasHtml || facts.hasBody);
+    const RecordKind *kind = isPage ? recordKind(record.cacheType) : nullptr;
+    return kind && kind->hasXhtmlPages;
 }
 
 std::string extensionOf(const URLClass &record, const ContentFacts &facts) {
-    if (isXhtmlOfFirefox(record, facts))
+    if (isXhtml(record, facts))
         return "html";
     if (!facts.extension.empty())
         return facts.extension;

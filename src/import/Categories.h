@@ -36,12 +36,6 @@ class Categories {
     /// can't be read is logged, and the name decides.
     Verdict verdictOn(const URLClass &record, SavedContent &content) const;
 
-    /// The documented whole for a record that is saved already: what changes is the record alone,
-    /// its row gets `Category` from the caller.
-    void SetURLCategory(URLClass &record, SavedContent &content) const {
-        verdictOn(record, content).applyTo(record);
-    }
-
   private:
     std::string extensionByContent(const URLClass &record, SavedContent &content) const;
     bool looksAtContent(const URLClass &record) const;

@@ -3,33 +3,13 @@
 #include "base/Files.h"
 #include "base/Trap.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace nv {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-void sortByBytes(std::vector<fs::path> &paths) {
-    std::ranges::sort(paths, {},
-                      [](const fs::path &path) -> const std::string & { return path.native(); });
-}
-
-void addEntry(FolderContents &contents, const fs::directory_entry &entry) {
-    std::error_code failed;
-    const fs::file_status status = entry.symlink_status(failed);
-    // In a folder that may be listed and not entered every name is there and nothing behind it.
-    if (status.type() == fs::file_type::none)
-        contents.unreadable.push_back(
-            {entry.path(), FileFailure("cannot open", entry.path(), failed.value()).what()});
-    else if (fs::is_symlink(status))
-        ++contents.links;
-    else if (fs::is_directory(status))
-        contents.folders.push_back(entry.path());
-    else if (fs::is_regular_file(status))
-        contents.files.push_back(entry.path());
-}
 
 void showFolder(TaskMonitor &task, const fs::path &folder) {
     if (!task.wantsStep())
@@ -41,20 +21,8 @@ void showFolder(TaskMonitor &task, const fs::path &folder) {
 
 } // namespace
 
-FolderContents contentsOf(const fs::path &folder) {
-    FolderContents contents;
-    std::error_code failed;
-    for (fs::directory_iterator it(folder, failed), end; !failed && it != end; it.increment(failed))
-        addEntry(contents, *it);
-    if (failed)
-        throw FileFailure("cannot list", folder, failed.value());
-    sortByBytes(contents.files);
-    sortByBytes(contents.folders);
-    return contents;
-}
-
-std::vector<fs::path> GetFolderList(const fs::path &root, Depth depth, TaskMonitor &task,
-                                    FailureLog &log, ScanGaps &gaps) {
+std::vector<fs::path> GetFolderList(const Evidence &evidence, const fs::path &root, Depth depth,
+                                    TaskMonitor &task, FailureLog &log, ScanGaps &gaps) {
     if (depth == Depth::thisFolder)
         return {root};
     std::vector<fs::path> list;
@@ -64,8 +32,8 @@ std::vector<fs::path> GetFolderList(const fs::path &root, Depth depth, TaskMonit
         waiting.pop_back();
         showFolder(task, folder);
         FolderContents contents;
-        const auto failure =
-            failureOf(log, "ImportForm.GetFolderList()", [&] { contents = contentsOf(folder); });
+        const auto failure = failureOf(log, "ImportForm.GetFolderList()",
+                                       [&] { contents = evidence.contentsOf(folder); });
         if (failure) {
             gaps.unreadable.push_back({folder, *failure});
             continue;

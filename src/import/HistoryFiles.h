@@ -11,7 +11,8 @@ namespace nv {
 /// stands here twice.
 using HistoryFiles = KeyedList<HistoryFile>;
 
-/// Takes the file of a row that the examiner unticked off the list.
-void removeFile(HistoryFiles &files, const std::filesystem::path &path);
+/// Takes the file of a row that the examiner unticked off the list; as what another format finds in
+/// it, it stays.
+void removeFile(HistoryFiles &files, const std::filesystem::path &path, HistoryFileType type);
 
 } // namespace nv

@@ -1,73 +1,72 @@
 #include "import/ImportClass.h"
 
-#include "readers/Registry.h"
-
 #include <algorithm>
-#include <array>
 #include <stdexcept>
 
 namespace nv {
 
 namespace {
 
-constexpr std::array<ImportOption, 19> kOptions = {{
-    {"chkCacheChrome", &ImportClass::IncludeCacheChrome},
-    {"chkCacheFirefox", &ImportClass::IncludeCacheFirefox},
-    {"chkCacheIE", &ImportClass::IncludeCacheIE},
-    {"chkCacheOpera", &ImportClass::IncludeCacheOpera},
-    {"chkCacheSafari", &ImportClass::IncludeCacheSafari},
-    {"chkHistoryNVD", &ImportClass::IncludeNVD},
-    {"chkHistoryOpera", &ImportClass::IncludeHistoryOpera},
-    {"chkHistorySafari", &ImportClass::IncludeHistorySafari},
-    {"chkHistoryFirefox", &ImportClass::IncludeHistoryFirefox},
-    {"chkHistoryChrome", &ImportClass::IncludeHistoryChrome},
-    {"chkHistoryIE", &ImportClass::IncludeHistoryIE},
-    {"chkCookiesFirefox", &ImportClass::IncludeCookiesFirefox},
-    {"chkCookiesOpera", &ImportClass::IncludeCookiesOpera},
-    {"chkCookiesSafari", &ImportClass::IncludeCookiesSafari},
-    {"chkCookiesChrome", &ImportClass::IncludeCookiesChrome},
-    {"chkCookiesIE", &ImportClass::IncludeCookiesIE},
-    {"IncludeNetAnalysis", &ImportClass::IncludeNetAnalysis},
-    {"chkHistEx", &ImportClass::IncludeHistEx},
-    {"chkHTMLFiles", &ImportClass::IncludeSimpleHTMLFiles},
-}};
+/// Formats that share an option and a mask show it once.
+void addMask(std::vector<std::string_view> &masks, std::string_view mask) {
+    if (!mask.empty() && std::ranges::find(masks, mask) == masks.end())
+        masks.push_back(mask);
+}
 
-/// Rows that share an option show the same mask.
-std::string_view maskOf(std::string_view option) {
-    const auto row = std::ranges::find(registry(), option, &Reader::option);
-    return row == registry().end() ? std::string_view() : row->mask;
+std::vector<std::string_view> masksOf(const SourceOption &option, Formats formats) {
+    std::vector<std::string_view> masks;
+    for (const Reader *reader : formats)
+        if (reader->option == &option)
+            addMask(masks, reader->mask);
+    return masks;
 }
 
 } // namespace
 
-std::span<const ImportOption> importOptions() {
-    return kOptions;
+std::vector<const SourceOption *> importOptions(Formats formats) {
+    std::vector<const SourceOption *> options;
+    for (const Reader *reader : formats)
+        if (reader->option && std::ranges::find(options, reader->option) == options.end())
+            options.push_back(reader->option);
+    std::ranges::stable_sort(options, {}, &SourceOption::rank);
+    return options;
 }
 
-bool wants(const ImportClass &job, std::string_view option) {
-    const auto *found = std::ranges::find(kOptions, option, &ImportOption::name);
-    if (found == kOptions.end())
-        throw std::out_of_range("no import option \"" + std::string(option) + "\"");
-    return job.*found->member;
+const SourceOption &importOption(std::string_view name) {
+    for (const SourceOption *option : importOptions())
+        if (option->name == name)
+            return *option;
+    throw std::out_of_range("no import option \"" + std::string(name) + "\"");
 }
 
-std::string maskText(const ImportClass &job) {
+bool wants(const ImportClass &job, const SourceOption &option) {
+    return !job.unwanted.contains(&option);
+}
+
+void setWanted(ImportClass &job, const SourceOption &option, bool wanted) {
+    if (wanted)
+        job.unwanted.erase(&option);
+    else
+        job.unwanted.insert(&option);
+}
+
+std::string maskText(const ImportClass &job, Formats formats) {
     std::string text;
-    for (const ImportOption &option : kOptions) {
-        const std::string_view mask = maskOf(option.name);
-        if (!(job.*option.member) || mask.empty())
+    for (const SourceOption *option : importOptions(formats)) {
+        if (!wants(job, *option))
             continue;
-        if (!text.empty())
-            text.push_back(';');
-        text.append(mask);
+        for (const std::string_view mask : masksOf(*option, formats))
+            text.append(text.empty() ? "" : ";").append(mask);
     }
     return text;
 }
 
-void removeFile(HistoryFiles &files, const std::filesystem::path &path) {
-    for (std::size_t position = files.Count(); position > 0; --position)
-        if (files.Item(position).FullPath == path)
+void removeFile(HistoryFiles &files, const std::filesystem::path &path, HistoryFileType type) {
+    for (std::size_t position = files.Count(); position > 0; --position) {
+        const HistoryFile &file = files.Item(position);
+        if (file.FullPath == path && file.HistoryFileType == type)
             files.Remove(position);
+    }
 }
 
 } // namespace nv

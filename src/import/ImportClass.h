@@ -2,11 +2,13 @@
 
 #include "import/HistoryFiles.h"
 #include "import/ScanGaps.h"
+#include "readers/Registry.h"
+#include "readers/SourceOption.h"
 
-#include <cstdint>
-#include <span>
+#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 
@@ -20,51 +22,24 @@ struct ImportClass {
     bool MakePictureThumbnails = true;
     bool MakeWebPageThumbnails = true;
 
-    bool IncludeCacheIE = true;
-    bool IncludeCacheFirefox = true;
-    bool IncludeCacheChrome = true;
-    bool IncludeCacheSafari = true;
-    bool IncludeCacheOpera = true;
-    bool IncludeHistoryIE = true;
-    bool IncludeHistoryFirefox = true;
-    bool IncludeHistoryChrome = true;
-    bool IncludeHistorySafari = true;
-    bool IncludeHistoryOpera = true;
-    bool IncludeCookiesIE = true;
-    bool IncludeCookiesFirefox = true;
-    bool IncludeCookiesChrome = true;
-    bool IncludeCookiesSafari = true;
-    bool IncludeCookiesOpera = true;
-    bool IncludeNVD = true;
-    bool IncludeHistEx = true;
-    bool IncludeNetAnalysis = true;
-    bool IncludeSimpleHTMLFiles = true;
-
-    std::string CSVFilePath;
-    std::string CSVFileDelimiter = ",";
-    std::int32_t CSVFileRowCount = 0;
-    bool FirstRowIsHeader = true;
-    std::string ColumnsMatchString;
-
     bool CancelImport = false; ///< the wizard's Cancel was pressed
     nv::HistoryFiles HistoryFiles;
     ScanGaps gaps; ///< of the scan that made the list
+
+    /// The check boxes that are off.
+    std::set<const SourceOption *> unwanted;
 };
 
-/// A check box of the wizard that decides which artefacts are wanted; `name` is the word of
-/// Reader::option.
-struct ImportOption {
-    std::string_view name;
-    bool ImportClass::*member;
-};
+/// The check boxes of all formats, in the order in which their masks are joined.
+std::vector<const SourceOption *> importOptions(Formats formats = registry());
 
-/// All of them, in the order in which their masks are joined.
-std::span<const ImportOption> importOptions();
+/// The box of that name. Throws std::out_of_range for a name that no box has.
+const SourceOption &importOption(std::string_view name);
 
-/// Whether the check box `option` is on. Throws std::out_of_range for a name that no box has.
-bool wants(const ImportClass &job, std::string_view option);
+bool wants(const ImportClass &job, const SourceOption &option);
+void setWanted(ImportClass &job, const SourceOption &option, bool wanted);
 
 /// The masks of all boxes that are on, joined with ";". Empty when none is.
-std::string maskText(const ImportClass &job);
+std::string maskText(const ImportClass &job, Formats formats = registry());
 
 } // namespace nv

@@ -11,6 +11,7 @@
 #include "readers/BrowserOf.h"
 #include "readers/ContentProbe.h"
 #include "readers/EvidenceGaps.h"
+#include "readers/Scratch.h"
 
 #include <fmt/format.h>
 
@@ -34,18 +35,14 @@ constexpr std::string_view kScratchName = "~import";
 class ScratchFolder {
   public:
     explicit ScratchFolder(const fs::path &parent) : m_path(parent / kScratchName) {}
-    ~ScratchFolder() {
-        std::error_code ignored;
-        fs::remove_all(m_path, ignored);
-    }
+    ~ScratchFolder() { scratch::dropFolder(m_path); }
     ScratchFolder(const ScratchFolder &) = delete;
     ScratchFolder &operator=(const ScratchFolder &) = delete;
 
     const fs::path &path() const { return m_path; }
     /// Throws StorageFailure.
     const fs::path &emptied() const {
-        std::error_code none;
-        if (!fs::is_empty(m_path, none) || none) // most readers leave nothing
+        if (!scratch::isEmptyFolder(m_path)) // most readers leave nothing
             makeEmptyFolder(m_path);
         return m_path;
     }
@@ -70,6 +67,15 @@ class HeardLog final : public GapLog {
     void unread(const fs::path &file, const std::string &reason) override {
         if (m_known.insert(file).second)
             m_unreadable.push_back({file, reason});
+    }
+    /// No reader fails over a folder in which it can't look: files that aren't found are no
+    /// failure.
+    void unlisted(const UnreadPlace &folder) {
+        if (!m_known.insert(folder.path).second)
+            return;
+        m_unreadable.push_back(folder);
+        m_log.write({folder.reason, std::string(kProcedure), Severity::Warning,
+                     std::string(kContactSupport)});
     }
     std::string last;
 
@@ -100,11 +106,11 @@ double weightOf(const HistoryFile &file) {
     return static_cast<double>(file.FileSize) + 1;
 }
 
-/// A loose page is one record, and there may be ten thousand of them: they share commits. Any other
-/// artefact may take its time before it brings the first record.
-bool isReadAtOnce(const HistoryFile &file) {
+/// Files of one record, such as loose pages, share commits. Any other artefact may take its time
+/// before it brings the first record.
+bool isReadAtOnce(const Reader &reader, const HistoryFile &file) {
     constexpr std::uint64_t kQuickPage = std::uint64_t{1} << 20; // bytes
-    return file.HistoryFileType == HistoryFileType::simpleHTML && file.FileSize <= kQuickPage;
+    return reader.isOneRecord && file.FileSize <= kQuickPage;
 }
 
 class Import {
@@ -173,8 +179,7 @@ class Import {
         const auto begun = std::chrono::steady_clock::now();
         const Reader *reader = m_run.readerFor(file.HistoryFileType);
         result.origin = file.origin = m_browserOf(file.FullPath, engineOf(file.HistoryFileType));
-        std::error_code none;
-        if (!fs::exists(file.FullPath, none))
+        if (m_run.evidence.kindOf(file.FullPath) == PlaceKind::nothing)
             settle(result, ArtefactState::vanished, "the file is no longer there");
         else if (!reader || !reader->read)
             settle(result, ArtefactState::notReadYet, "this format is not read yet");
@@ -193,7 +198,7 @@ class Import {
     }
 
     void read(const Reader &reader, HistoryFile &file, ArtefactResult &result, SubTask task) {
-        if (!isReadAtOnce(file))
+        if (!isReadAtOnce(reader, file))
             m_batch.commit(); // what came before doesn't wait for it
         ImportSink sink(m_store, m_categories, m_extraction, m_content, m_batch, file, result,
                         m_looksIntoPages ? &m_metadata : nullptr);
@@ -206,8 +211,10 @@ class Import {
         result.passedOver = std::move(outcome.passedOver);
         result.noted = std::move(outcome.noted);
         result.warning = warningTrapped(reader, file);
-        if (outcome.state == ReadState::complete)
-            m_sources.setSuccessful(file.SourceFile_ID);
+        for (const UnreadPlace &place : m_run.evidence.unlisted())
+            m_log.unlisted(place);
+        if (outcome.state == ReadState::complete && !m_sources.setSuccessful(file.SourceFile_ID))
+            ++result.noted["file whose row could not be marked as read to its end"];
         settle(result, stateOf(outcome.state), outcome.reason); // now, since the mark may fail
         logCounts(file, result);
     }
@@ -228,7 +235,7 @@ class Import {
 
     std::string warningTrapped(const Reader &reader, const HistoryFile &file) {
         return trapped(m_log, Severity::Warning, kProcedure, kContactSupport, std::string(),
-                       [&] { return warningOn(reader, file.FullPath); });
+                       [&] { return warningOn(reader, file.FullPath, m_run.evidence); });
     }
 
     /// A reader that fails unforeseen is told like one that knows why.

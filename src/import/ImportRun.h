@@ -31,6 +31,6 @@ struct ImportRun {
 /// next one runs. A cancel keeps the rows saved so far and leaves the remaining files unread. A
 /// failure of the project itself, such as a full disk, ends the import and stands in the summary.
 /// With `CancelImport` set the list is emptied and nothing is read.
-ImportSummary runImport(const ImportRun &run, ImportClass &job);
+[[nodiscard]] ImportSummary runImport(const ImportRun &run, ImportClass &job);
 
 } // namespace nv

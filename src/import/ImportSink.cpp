@@ -1,6 +1,7 @@
 #include "import/ImportSink.h"
 
 #include "db/RecordNames.h"
+#include "readers/Scratch.h"
 
 namespace nv {
 
@@ -8,6 +9,8 @@ namespace nv {
 /// CacheType and extension in the reader's words; the record in memory gets the verdict's.
 void ImportSink::save(URLClass &record) {
     orderNames(record);
+    // The reader may have found only now which type its file is of.
+    m_extraction.source = m_file.HistoryFileType;
     SavedContent content(record, m_extraction, m_content);
     const Verdict verdict = m_categories.verdictOn(record, content);
     record.Category = verdict.Category;
@@ -33,8 +36,7 @@ void ImportSink::write(URLClass &record, SavedContent &content) {
 void ImportSink::dropBody(URLClass &record) {
     if (record.RunTimeTempFilePath.empty())
         return;
-    std::error_code ignored;
-    std::filesystem::remove(record.RunTimeTempFilePath, ignored);
+    scratch::drop(record.RunTimeTempFilePath);
     record.RunTimeTempFilePath.clear();
     m_content.forget();
 }

@@ -29,7 +29,7 @@ class ImportSink final : public RecordSink {
 
     RecordStore &m_store;
     const Categories &m_categories;
-    const Extraction &m_extraction;
+    Extraction m_extraction;
     ContentProbe &m_content;
     WriteBatch &m_batch;
     const HistoryFile &m_file;

@@ -1,48 +1,52 @@
 #include "import/PageContent.h"
 
-#include "base/Files.h"
 #include "base/Text.h"
 #include "markup/PageText.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <array>
-#include <gumbo.h>
+#include <unordered_map>
 
 namespace nv {
 
 namespace {
 
-// What a browser doesn't show as text.
-constexpr std::array kUnseen = {GUMBO_TAG_SCRIPT,   GUMBO_TAG_STYLE,  GUMBO_TAG_NOSCRIPT,
-                                GUMBO_TAG_TEMPLATE, GUMBO_TAG_IFRAME, GUMBO_TAG_NOEMBED,
-                                GUMBO_TAG_NOFRAMES, GUMBO_TAG_TITLE};
+// What an element does to the text around it and in it.
+enum Look : std::uint8_t {
+    kUnseen = 1, ///< a browser doesn't show its text as text of the page
+    kBlock = 2,  ///< begins a line and ends one
+    kCell = 4,   ///< parted from its neighbours by a blank
+    kLines = 8,  ///< the line breaks of its text are shown
+    kLink = 16,
+};
 
-constexpr std::array kBlocks = {
-    GUMBO_TAG_ADDRESS,  GUMBO_TAG_ARTICLE,    GUMBO_TAG_ASIDE,  GUMBO_TAG_BLOCKQUOTE,
-    GUMBO_TAG_BR,       GUMBO_TAG_CAPTION,    GUMBO_TAG_CENTER, GUMBO_TAG_DD,
-    GUMBO_TAG_DIR,      GUMBO_TAG_DIV,        GUMBO_TAG_DL,     GUMBO_TAG_DT,
-    GUMBO_TAG_FIELDSET, GUMBO_TAG_FIGCAPTION, GUMBO_TAG_FIGURE, GUMBO_TAG_FOOTER,
-    GUMBO_TAG_FORM,     GUMBO_TAG_H1,         GUMBO_TAG_H2,     GUMBO_TAG_H3,
-    GUMBO_TAG_H4,       GUMBO_TAG_H5,         GUMBO_TAG_H6,     GUMBO_TAG_HEADER,
-    GUMBO_TAG_HR,       GUMBO_TAG_LEGEND,     GUMBO_TAG_LI,     GUMBO_TAG_LISTING,
-    GUMBO_TAG_MAIN,     GUMBO_TAG_MENU,       GUMBO_TAG_NAV,    GUMBO_TAG_OL,
-    GUMBO_TAG_OPTGROUP, GUMBO_TAG_OPTION,     GUMBO_TAG_P,      GUMBO_TAG_PLAINTEXT,
-    GUMBO_TAG_PRE,      GUMBO_TAG_SECTION,    GUMBO_TAG_SELECT, GUMBO_TAG_TABLE,
-    GUMBO_TAG_TEXTAREA, GUMBO_TAG_TR,         GUMBO_TAG_UL,     GUMBO_TAG_XMP};
+struct LookRow {
+    unsigned look;          ///< of `Look`
+    std::string_view names; ///< separated by blanks
+};
 
-constexpr std::array kCells = {GUMBO_TAG_TD, GUMBO_TAG_TH};
+constexpr std::array<LookRow, 5> kLooks = {{
+    {kUnseen, "script style noscript template iframe noembed noframes title"},
+    {kBlock, "address article aside blockquote br caption center dd dir div dl dt fieldset "
+             "figcaption figure footer form h1 h2 h3 h4 h5 h6 header hr legend li main menu nav ol "
+             "optgroup option p section select table tr ul"},
+    {kBlock | kLines, "listing plaintext pre textarea xmp"},
+    {kCell, "td th"},
+    {kLink, "a area"},
+}};
 
-// In these the line breaks of the text are shown.
-constexpr std::array kLines = {GUMBO_TAG_LISTING, GUMBO_TAG_PLAINTEXT, GUMBO_TAG_PRE,
-                               GUMBO_TAG_TEXTAREA, GUMBO_TAG_XMP};
-
-constexpr std::array kLinks = {GUMBO_TAG_A, GUMBO_TAG_AREA};
-
-template <std::size_t Count>
-bool isOneOf(const std::array<GumboTag, Count> &tags, GumboTag tag) {
-    return std::ranges::find(tags, tag) != tags.end();
+unsigned lookOf(const HtmlDocument::Node &element) {
+    using Looks = std::unordered_map<std::string_view, unsigned>;
+    static const Looks looks = [] {
+        Looks made;
+        for (const LookRow &row : kLooks)
+            for (const std::string_view name : split(row.names, ' '))
+                made.emplace(name, row.look);
+        return made;
+    }();
+    const auto found = looks.find(HtmlDocument::plainNameOf(element));
+    return found == looks.end() ? 0 : found->second;
 }
 
 /// Text whose white space is drawn together, line by line.
@@ -88,7 +92,7 @@ class ShownText {
 /// Walks through a body. Pages nest deeper than a stack may be: it keeps its own.
 class BodyWalk {
   public:
-    void run(const GumboNode &body) {
+    void run(const HtmlDocument::Node &body) {
         enter(body);
         while (!m_path.empty()) {
             Step &step = m_path.back();
@@ -106,43 +110,42 @@ class BodyWalk {
 
   private:
     struct Step {
-        const GumboNode *node;
-        std::size_t next; ///< 0-based, of its children
+        const HtmlDocument::Node *node;
+        unsigned look;
+        std::size_t next = 0; ///< 0-based, of its children
     };
 
-    void enter(const GumboNode &node) {
-        if (node.type == GUMBO_NODE_TEXT || node.type == GUMBO_NODE_WHITESPACE ||
-            node.type == GUMBO_NODE_CDATA)
-            m_text.add(node.v.text.text, m_keepsLines > 0);
-        if (node.type != GUMBO_NODE_ELEMENT || isOneOf(kUnseen, node.v.element.tag))
+    void enter(const HtmlDocument::Node &node) {
+        m_text.add(HtmlDocument::writtenIn(node), m_keepsLines > 0);
+        if (!HtmlDocument::isElement(node))
             return;
-        addLink(node.v.element);
-        part(node.v.element.tag);
-        m_keepsLines += isOneOf(kLines, node.v.element.tag) ? 1 : 0;
-        m_path.push_back({&node, 0});
+        const unsigned look = lookOf(node);
+        if (look & kUnseen)
+            return;
+        if (look & kLink)
+            addLink(node);
+        part(look);
+        m_keepsLines += look & kLines ? 1 : 0;
+        m_path.push_back({&node, look});
     }
 
     void leave() {
-        const GumboTag tag = m_path.back().node->v.element.tag;
+        const unsigned look = m_path.back().look;
         m_path.pop_back();
-        m_keepsLines -= isOneOf(kLines, tag) ? 1 : 0;
-        part(tag);
+        m_keepsLines -= look & kLines ? 1 : 0;
+        part(look);
     }
 
-    void part(GumboTag tag) {
-        if (isOneOf(kBlocks, tag))
+    void part(unsigned look) {
+        if (look & kBlock)
             m_text.endLine();
-        else if (isOneOf(kCells, tag))
+        else if (look & kCell)
             m_text.blank();
     }
 
-    void addLink(const GumboElement &element) {
-        if (!isOneOf(kLinks, element.tag))
-            return;
-        const GumboAttribute *href = gumbo_get_attribute(&element.attributes, "href");
-        if (!href)
-            return;
-        std::string link(trim(href->value));
+    void addLink(const HtmlDocument::Node &element) {
+        const auto href = HtmlDocument::valueOf(element, "href");
+        std::string link(trim(href.value_or(std::string_view())));
         std::erase_if(link, [](char c) { return c == '\n' || c == '\r' || c == '\t'; });
         if (!link.empty())
             m_content.Links.push_back(std::move(link));
@@ -154,28 +157,27 @@ class BodyWalk {
     std::size_t m_keepsLines = 0;
 };
 
-const GumboNode *bodyOf(const HtmlDocument &document) {
-    for (const GumboNode *child : HtmlDocument::childrenOf(document.root()))
-        if (child->type == GUMBO_NODE_ELEMENT && child->v.element.tag == GUMBO_TAG_BODY)
+const HtmlDocument::Node *bodyOf(const HtmlDocument &document) {
+    for (const HtmlDocument::Node *child : HtmlDocument::childrenOf(document.root()))
+        if (HtmlDocument::isElement(*child) && HtmlDocument::plainNameOf(*child) == "body")
             return child;
     return nullptr;
 }
 
 } // namespace
 
-std::string ReadPageText(const std::filesystem::path &file, std::string_view httpHeader) {
-    const FileReader reader(file);
-    if (reader.size() > kPageBytes)
-        throw PageTooLarge(file, fmt::format("its {} bytes are more than the limit of {}",
-                                             reader.size(), kPageBytes));
-    const Bytes bytes = reader.read(0, reader.size());
+std::string ReadPageText(const ByteSource &file, std::string_view httpHeader) {
+    if (file.size() > kPageBytes)
+        throw PageTooLarge(file.path(), fmt::format("its {} bytes are more than the limit of {}",
+                                                    file.size(), kPageBytes));
+    const Bytes bytes = file.read(0, file.size());
     return decodePage(ByteView(bytes), httpHeader);
 }
 
 PageContent ReadPageContent(std::string_view html, const std::filesystem::path &file) {
     const HtmlDocument document(html, file);
     BodyWalk walk;
-    if (const GumboNode *body = bodyOf(document))
+    if (const HtmlDocument::Node *body = bodyOf(document))
         walk.run(*body);
     return walk.take();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "markup/HtmlDocument.h"
+#include "readers/ByteSource.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -25,7 +26,7 @@ struct PageContent {
 };
 
 /// The text of a page file in UTF-8. Throws FileFailure, and PageTooLarge for more than kPageBytes.
-std::string ReadPageText(const std::filesystem::path &file, std::string_view httpHeader);
+std::string ReadPageText(const ByteSource &file, std::string_view httpHeader);
 
 /// Reads a page in UTF-8; `file` is its name in failures. Throws PageTooLarge.
 PageContent ReadPageContent(std::string_view html, const std::filesystem::path &file);

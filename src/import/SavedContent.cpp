@@ -4,6 +4,7 @@
 #include "import/PageContent.h"
 #include "markup/PageText.h"
 #include "readers/EvidenceGaps.h"
+#include "readers/Scratch.h"
 
 #include <cerrno>
 
@@ -25,16 +26,16 @@ bool SavedContent::isScratch(const Body &found) const {
 /// What was fetched into scratch and is gone again was taken by somebody else: that is no lack of
 /// the evidence.
 void SavedContent::expectScratch(const Body &found) const {
-    std::error_code none;
-    if (isScratch(found) && !std::filesystem::is_regular_file(found.file, none))
+    if (isScratch(found) && !scratch::isThere(found.file))
         failStorage("cannot read back", found.file, ENOENT);
 }
 
 const ContentFacts &SavedContent::factsIn(const Body &found) {
     if (isScratch(found))
-        return m_probe.facts(found.file);
-    return readEvidence(m_extraction.log, found.file,
-                        [&]() -> const ContentFacts & { return m_probe.facts(found.file); });
+        return m_probe.scratchFacts(found.file);
+    return tellingGaps(m_extraction.log, [&]() -> const ContentFacts & {
+        return m_probe.facts(m_extraction.evidence, found.file);
+    });
 }
 
 const ContentFacts *SavedContent::facts() {
@@ -62,9 +63,13 @@ std::string SavedContent::pageText() {
     if (found->isInMemory)
         return decodePage(ByteView(found->bytes), m_record.MetaData);
     factsIn(*found);
-    const auto bytes = m_probe.bytes();
-    return bytes ? decodePage(viewOf(*bytes), m_record.MetaData)
-                 : ReadPageText(found->file, m_record.MetaData);
+    if (const auto bytes = m_probe.bytes())
+        return decodePage(viewOf(*bytes), m_record.MetaData);
+    if (isScratch(*found))
+        return ReadPageText(ScratchFile(found->file), m_record.MetaData);
+    return tellingGaps(m_extraction.log, [&] {
+        return ReadPageText(m_extraction.evidence.open(found->file), m_record.MetaData);
+    });
 }
 
 } // namespace nv

@@ -11,8 +11,9 @@
 
 namespace nv {
 
-/// The cached content of one record, for all who ask what is in it: found once and read once. What
-/// couldn't be found or read is tried again by the next who asks.
+/// The cached content of one record, for all who ask what is in it: found once and read once. Only
+/// a file of more than kBodyInMemory bytes is read a second time for its text, since it isn't kept.
+/// What couldn't be found or read is tried again by the next who asks.
 class SavedContent {
   public:
     /// All must outlive this. Up to `inMemory` bytes of a body that has to be fetched are held in

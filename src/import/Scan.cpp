@@ -5,12 +5,14 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "import/FileMask.h"
+#include "import/FolderHash.h"
 #include "import/FolderList.h"
 #include "readers/Limits.h"
 #include "readers/Registry.h"
 
 #include <fmt/format.h>
 
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -40,20 +42,14 @@ HistoryFile describe(const fs::path &file, const Reader &reader) {
 
 class Scan {
   public:
-    Scan(const ImportClass &job, TaskMonitor &task, FailureLog &log)
-        : m_job(job), m_mask(maskText(job)), m_task(task), m_log(log) {}
+    Scan(const ImportClass &job, TaskMonitor &task, FailureLog &log, EvidenceWatch *watch,
+         Formats formats)
+        : m_job(job), m_formats(formats), m_mask(maskText(job, formats)), m_task(task), m_log(log),
+          m_evidence({}, watch) {}
 
     ScanResult run() {
-        // Paths go into the project: they must not hang on the folder that the program runs in.
-        const fs::path start = fs::absolute(m_job.StartingDirectory).lexically_normal();
-        std::error_code none;
-        const fs::file_status status = fs::status(start, none);
-        if (fs::is_regular_file(status))
-            tryFile(start, Asked::byName, 0);
-        else if (fs::exists(status) && !fs::is_directory(status))
-            attempt(start, [&] { refuseSpecial(start); });
-        else
-            scanFolders(start);
+        scanStart();
+        tellUnlisted();
         return std::move(m_result);
     }
 
@@ -64,9 +60,28 @@ class Scan {
     }
 
   private:
+    void scanStart() {
+        // Paths go into the project: they must not hang on the folder that the program runs in.
+        const fs::path start = fs::absolute(m_job.StartingDirectory).lexically_normal();
+        const PlaceKind kind = m_evidence.kindOf(start);
+        if (kind == PlaceKind::file)
+            tryFile(start, Asked::byName, 0);
+        else if (kind == PlaceKind::special)
+            attempt(start, [&] { refuseSpecial(start); });
+        else
+            scanFolders(start);
+    }
+
+    /// Folders in which recognition couldn't look for what lies beside a file: for want of it the
+    /// file was taken for none of its format.
+    void tellUnlisted() {
+        for (const UnreadPlace &folder : m_evidence.unlisted())
+            attempt(folder.path, [&] { throw std::runtime_error(folder.reason); });
+    }
+
     void scanFolders(const fs::path &start) {
         const auto depth = m_job.RecurseSubfolders ? Depth::allBelow : Depth::thisFolder;
-        const auto folders = GetFolderList(start, depth, m_task, m_log, m_result.gaps);
+        const auto folders = GetFolderList(m_evidence, start, depth, m_task, m_log, m_result.gaps);
         const auto count = static_cast<double>(folders.size());
         for (std::size_t i = 0; i < folders.size() && goOn(static_cast<double>(i) / count); ++i) {
             showFolder(folders[i], i + 1, folders.size());
@@ -76,7 +91,7 @@ class Scan {
     }
 
     void scanFolder(const fs::path &folder, double fraction) {
-        const FolderContents contents = contentsOf(folder);
+        const FolderContents contents = m_evidence.contentsOf(folder);
         m_result.gaps.linksNotFollowed += contents.links;
         for (const UnreadPlace &place : contents.unreadable)
             attempt(place.path, [&] { throw std::runtime_error(place.reason); });
@@ -93,28 +108,31 @@ class Scan {
     }
 
     void takeFile(const fs::path &file, Asked asked, double fraction) {
-        Candidate candidate = candidateOf(file);
+        Candidate candidate = candidateOf(file, m_evidence);
         candidate.verifySignatures = m_job.VerifyFileSignatures;
         Bytes head;
         if (candidate.verifySignatures)
-            head = readHead(file, limits::kHeadBytes);
+            head = m_evidence.head(file, limits::kHeadBytes);
         candidate.head = ByteView(head);
-        const Reader *reader = recognise(candidate);
-        if (!reader || !wants(m_job, reader->option))
-            return;
-        if (asked == Asked::byFolder && holdsShaders(*reader, candidate))
+        for (const Reader *reader : readersTaking(candidate, m_formats))
+            if (reader->option && wants(m_job, *reader->option))
+                take(*reader, candidate, asked, fraction);
+    }
+
+    void take(const Reader &reader, const Candidate &candidate, Asked asked, double fraction) {
+        if (asked == Asked::byFolder && holdsShaders(reader, candidate))
             ++m_result.gaps.shaderCaches;
-        else
-            list(describe(artefactOf(*reader, candidate), *reader), fraction);
+        else if (const fs::path path = artefactOf(reader, candidate);
+                 path == candidate.file || m_led.emplace(&reader, path).second)
+            list(describe(path, reader), fraction);
     }
 
     void list(HistoryFile artefact, double fraction) {
-        const auto hashes = hashesOfFile(artefact.FullPath, [&](std::uint64_t readSoFar) {
-            artefact.FileSize = readSoFar;
-            return goOn(fraction);
-        });
+        const auto hashes = hashesOfArtefact(m_evidence, artefact.FullPath,
+                                             [&](std::uint64_t) { return goOn(fraction); });
         if (!hashes)
             return; // cancelled: without its hash it can't be told from another file
+        artefact.FileSize = hashes->size;
         artefact.MD5Hash = hashes->MD5;
         artefact.SHA256Hash = hashes->SHA256;
         m_result.HistoryFiles.Add(std::move(artefact));
@@ -144,21 +162,26 @@ class Scan {
     }
 
     const ImportClass &m_job;
+    Formats m_formats;
     const FileMask m_mask;
+    /// What files led to that are not artefacts themselves: many files of a folder lead to it.
+    std::set<std::pair<const Reader *, fs::path>> m_led;
     TaskMonitor &m_task;
     FailureLog &m_log;
+    const Evidence m_evidence;
     ScanResult m_result;
 };
 
 } // namespace
 
-ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log) {
-    return Scan(job, task, log).run();
+ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log, EvidenceWatch *watch,
+                Formats formats) {
+    return Scan(job, task, log, watch, formats).run();
 }
 
 ScanResult listAs(const Reader &reader, const fs::path &file, TaskMonitor &task, FailureLog &log) {
     const ImportClass job;
-    return Scan(job, task, log).takeAs(reader, file);
+    return Scan(job, task, log, nullptr, registry()).takeAs(reader, file);
 }
 
 } // namespace nv

@@ -17,11 +17,14 @@ struct ScanResult {
 };
 
 /// Looks for artefacts in the starting directory, or at that one file when it is a file: then no
-/// mask is applied. A file whose format's check box is off is passed over.
-ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log);
+/// mask is applied. A file whose format's check box is off is passed over; one that several formats
+/// take is listed once for each. The hash of a folder that is an artefact is that of the names and
+/// bytes of its files, hashesOfArtefact(). `watch` stands beside all reading, where given.
+[[nodiscard]] ScanResult scan(const ImportClass &job, TaskMonitor &task, FailureLog &log,
+                              EvidenceWatch *watch = nullptr, Formats formats = registry());
 
 /// Lists that one file as the format of `reader`, whatever its name and bytes say.
-ScanResult listAs(const Reader &reader, const std::filesystem::path &file, TaskMonitor &task,
-                  FailureLog &log);
+[[nodiscard]] ScanResult listAs(const Reader &reader, const std::filesystem::path &file,
+                                TaskMonitor &task, FailureLog &log);
 
 } // namespace nv

@@ -1,17 +1,11 @@
 #pragma once
 
+#include "readers/Evidence.h"
+
 #include <cstdint>
-#include <filesystem>
-#include <string>
 #include <vector>
 
 namespace nv {
-
-/// A file or folder that could not be read.
-struct UnreadPlace {
-    std::filesystem::path path;
-    std::string reason; ///< names the file and says what the system said
-};
 
 /// What a scan could not look at, or left out by rule. Nothing is left out in silence: it goes with
 /// the list of files into the summary of their import, and what could not be read into its trail.

@@ -8,6 +8,7 @@
 #include "db/Connection.h"
 #include "db/DatabaseClass.h"
 #include "db/RebuildAudit.h"
+#include "db/SideFiles.h"
 #include "db/SqliteErrors.h"
 #include "maintenance/ProjectLock.h"
 #include "maintenance/QueryMove.h"
@@ -28,13 +29,6 @@ namespace {
 
 constexpr const char *kNewAside = ".~new";
 constexpr const char *kOldAside = ".~old";
-
-void removeDatabase(const fs::path &file) {
-    for (const char *suffix : {"", "-wal", "-shm", "-journal"}) {
-        std::error_code ignored;
-        fs::remove(file.native() + suffix, ignored);
-    }
-}
 
 /// A new project of this build in a temporary file, over a leftover of its name.
 void createTemplate(DatabaseClass &database, const fs::path &file, const fs::path &keywords) {
@@ -246,7 +240,7 @@ FixOutcome ProjectUpgrade::fix(TaskMonitor &task,
     }
     fresh.CloseDB();
     if (moved && task.advance(1)) {
-        if (fs::exists(temp.native() + "-wal"))
+        if (fs::exists(sideFile(temp, kLogSuffix)))
             throw StorageFailure(fmt::format("\"{}\" can't be closed", textOf(temp)));
         swapIn(temp, project, lock, task);
         outcome.end = FixEnd::fixed;

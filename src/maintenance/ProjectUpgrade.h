@@ -54,7 +54,8 @@ class ProjectUpgrade {
     void stampWhenOlder();
     /// Throws StorageFailure, FileFailure and the database's errors; the project then stays as it
     /// was. `tableDone` learns of each table that was moved.
-    FixOutcome fix(TaskMonitor &task, const std::function<void(std::string_view)> &tableDone = {});
+    [[nodiscard]] FixOutcome fix(TaskMonitor &task,
+                                 const std::function<void(std::string_view)> &tableDone = {});
 
   private:
     std::filesystem::path temporary(const char *name) const;

@@ -114,6 +114,15 @@ std::string HtmlDocument::nameOf(const Node &element) {
     return name.data ? toLower({name.data, name.length}) : std::string();
 }
 
+std::string_view HtmlDocument::plainNameOf(const Node &element) {
+    return gumbo_normalized_tagname(element.v.element.tag);
+}
+
+std::optional<std::string_view> HtmlDocument::valueOf(const Node &element, const char *attribute) {
+    const GumboAttribute *found = gumbo_get_attribute(&element.v.element.attributes, attribute);
+    return found ? std::optional<std::string_view>(found->value) : std::nullopt;
+}
+
 std::vector<HtmlAttribute> HtmlDocument::attributesOf(const Node &element) const {
     std::vector<HtmlAttribute> attributes;
     const GumboVector &found = element.v.element.attributes;

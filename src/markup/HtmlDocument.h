@@ -68,7 +68,11 @@ class HtmlDocument {
     static HtmlSpace spaceOf(const Node &element);
     /// In lower case, but for elements of SVG that have capitals.
     static std::string nameOf(const Node &element);
+    /// Its name as one of HTML's, whatever its namespace; empty for a name that HTML doesn't know.
+    static std::string_view plainNameOf(const Node &element);
     std::vector<HtmlAttribute> attributesOf(const Node &element) const;
+    /// The value of the first attribute of that name, with a prefix or without.
+    static std::optional<std::string_view> valueOf(const Node &element, const char *attribute);
     /// Nothing for an element that the parser put in, or made of another one.
     std::optional<SourceSpan> startTagOf(const Node &element) const;
     std::optional<SourceSpan> endTagOf(const Node &element) const;

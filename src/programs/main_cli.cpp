@@ -1,6 +1,8 @@
-#include "app/cli/Grammar.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "cli/Grammar.h"
+#include "cli/RowWriter.h"
+#include "cli/Session.h"
 #include "db/SqlTokens.h"
 
 #include <filesystem>
@@ -32,19 +34,19 @@ std::string wordsOf(int argc, char **argv) {
 } // namespace
 
 int main(int argc, char **argv) {
-    Grammar grammar;
+    const Call call = callOf({argv + 1, argv + argc});
+    std::cout << call.answer << std::flush;
+    std::cerr << call.refusal << std::flush;
+    if (!call.run)
+        return static_cast<int>(call.exit);
     try {
-        grammar.app.parse(argc, argv);
         const auto executable = std::filesystem::read_symlink("/proc/self/exe");
         Session session(executable.string(), wordsOf(argc, argv), std::cout, std::cerr);
-        const Exit exit = grammar.chosen(session);
+        const Exit exit = call.run(session);
         if (outputClosed)
             return kOutputClosed;
         session.flushOutput();
         return static_cast<int>(exit);
-    } catch (const CLI::ParseError &problem) {
-        // Asking for help or the version ends the parsing too, with 0.
-        return grammar.app.exit(problem) == 0 ? 0 : static_cast<int>(Exit::usage);
     } catch (const UsageError &failure) {
         return fail(failure, Exit::usage);
     } catch (const DialectError &failure) {

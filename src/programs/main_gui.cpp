@@ -1,5 +1,6 @@
 #include "app/Messages.h"
 #include "app/Program.h"
+#include "app/Settings.h"
 #include "app/ui/MainForm.h"
 #include "app/ui/SplashForm.h"
 #include "app/ui/StatusForm.h"
@@ -36,7 +37,7 @@ struct Window {
 };
 
 void tellGroundZero(Program &program) {
-    if (program.settings.ReadIniValue("OPTIONS", "DebugMain", false))
+    if (readFlag(program.settings, "DebugMain"))
         program.around.examiner.tell(messages::groundZero());
 }
 
@@ -66,7 +67,7 @@ int runProgram(GuardedApplication &application, SplashForm &splash) {
     keepAbove(window.status, form);
     QThread::msleep(kSplashPause);
     splash.close();
-    if (program.settings.ReadIniValue("OPTIONS", "ShowTipsAtStartup", true))
+    if (readFlag(program.settings, "ShowTipsAtStartup"))
         form.showTips();
     if (const QString path = commandLinePath(); !path.isEmpty())
         form.LoadCommandLineFile(pathFromQt(path));

@@ -1,8 +1,7 @@
 // norvelane-man DATE: writes the manual page of norvelane-cli. The build runs it.
 
 #include "app/Version.h"
-#include "app/cli/Grammar.h"
-#include "app/cli/ManPage.h"
+#include "cli/ManPage.h"
 
 #include <fmt/format.h>
 
@@ -15,9 +14,8 @@ int main(int argc, char **argv) {
         std::cerr << "usage: norvelane-man DATE\n";
         return EXIT_FAILURE;
     }
-    const cli::Grammar grammar;
     std::cout << cli::manPageOf(
-        grammar.app, fmt::format("{}.{}.{}", version::kMajor, version::kMinor, version::kRevision),
-        argv[1]);
+        cli::commandTable(),
+        fmt::format("{}.{}.{}", version::kMajor, version::kMinor, version::kRevision), argv[1]);
     return EXIT_SUCCESS;
 }

@@ -1,5 +1,7 @@
 #include "readers/Body.h"
 
+#include "readers/Scratch.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -15,9 +17,8 @@ BodyTarget::BodyTarget(std::filesystem::path file, std::uint64_t inMemory)
     : m_body{std::move(file), true, {}}, m_inMemory(inMemory) {}
 
 BodyTarget::~BodyTarget() {
-    std::error_code ignored;
     if (m_file)
-        std::filesystem::remove(m_body.file, ignored);
+        scratch::drop(m_body.file);
 }
 
 void BodyTarget::write(std::string_view bytes) {
@@ -36,7 +37,7 @@ void BodyTarget::spill() {
     Bytes().swap(m_body.bytes);
 }
 
-std::uint64_t BodyTarget::copy(const FileReader &from, std::uint64_t offset, std::uint64_t count) {
+std::uint64_t BodyTarget::copy(const ByteSource &from, std::uint64_t offset, std::uint64_t count) {
     std::uint64_t done = 0;
     while (done < count) {
         Bytes block = from.read(offset + done, std::min(kBlock, count - done));

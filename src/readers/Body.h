@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/Files.h"
 #include "base/Storage.h"
+#include "readers/ByteSource.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -37,11 +37,11 @@ class BodyTarget {
     void write(std::string_view bytes);
     /// Up to `count` bytes of `from`, beginning at `offset` (0-based). Returns how many there were.
     /// Throws FileFailure when they can't be read.
-    std::uint64_t copy(const FileReader &from, std::uint64_t offset, std::uint64_t count);
+    std::uint64_t copy(const ByteSource &from, std::uint64_t offset, std::uint64_t count);
 
     const std::filesystem::path &file() const { return m_body.file; }
     /// Ends the writing. Its file is the caller's to remove.
-    Body take();
+    [[nodiscard]] Body take();
 
   private:
     void spill();

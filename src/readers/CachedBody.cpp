@@ -1,7 +1,5 @@
 #include "readers/CachedBody.h"
 
-#include "base/Files.h"
-#include "base/Paths.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/ContentProbe.h"
@@ -9,6 +7,7 @@
 #include "readers/GZip.h"
 #include "readers/Limits.h"
 #include "readers/Registry.h"
+#include "readers/Scratch.h"
 
 #include <fmt/format.h>
 
@@ -25,11 +24,6 @@ namespace {
 constexpr std::string_view kBodyName = "~body";
 
 constexpr std::array<std::string_view, 6> kPictures = {"jpg", "gif", "bmp", "png", "jpe", "jpeg"};
-
-bool isPlainFile(const fs::path &path) {
-    std::error_code none;
-    return fs::is_regular_file(fs::symlink_status(path, none));
-}
 
 bool leadsUp(const fs::path &relative) {
     return std::ranges::find(relative, fs::path("..")) != relative.end();
@@ -52,19 +46,19 @@ std::optional<fs::path> evidenceFileOf(const URLClass &record, const Evidence &e
         return std::nullopt;
     const fs::path direct = record.RootPath + record.CacheFileRelativePath;
     const bool goesUp = leadsUp(record.CacheFileRelativePath);
-    if (!goesUp && isPlainFile(direct))
+    if (!goesUp && evidence.isPlainFile(direct))
         return direct;
     // Names that aren't UTF-8 on the disk are found through the folder's listing.
     if (const auto found = evidence.find(record.RootPath, record.CacheFileRelativePath))
         return found;
     // Earlier builds decoded a path as a whole: one such name changed the text of its folders.
-    const auto decoded = goesUp ? std::nullopt : pathFromText(direct.native());
-    return decoded && isPlainFile(*decoded) ? decoded : std::nullopt;
+    const auto decoded = goesUp ? std::nullopt : evidence.byText(direct.native());
+    return decoded && evidence.isPlainFile(*decoded) ? decoded : std::nullopt;
 }
 
 Bytes headOf(const Body &body) {
     if (!body.isInMemory)
-        return readHead(body.file, limits::kHeadBytes);
+        return ScratchFile(body.file).read(0, limits::kHeadBytes);
     const std::size_t size = std::min(body.bytes.size(), limits::kHeadBytes);
     return {body.bytes.data(), body.bytes.data() + size};
 }
@@ -90,9 +84,8 @@ std::optional<Body> fetched(URLClass &record, Fetch fetch, const fs::path &targe
                             std::string_view procedure) {
     const auto run = [&]() -> std::optional<Body> {
         record.RunTimeTempFilePath.clear();
-        std::error_code ignored; // what an earlier record left must not pass for this one's
         if (inMemory == 0)
-            fs::remove(target, ignored);
+            scratch::drop(target); // what an earlier record left must not pass for this one's
         BodyTarget into(target, inMemory);
         if (!fetch)
             return std::nullopt;
@@ -118,9 +111,10 @@ bool extractBody(URLClass &record, Fetch fetch, std::string_view fileNameSuffix,
 }
 
 std::optional<Body> bodyOf(URLClass &record, const Extraction &ctx, std::uint64_t inMemory) {
-    if (!record.RunTimeTempFilePath.empty() && isPlainFile(record.RunTimeTempFilePath))
+    if (!record.RunTimeTempFilePath.empty() && scratch::isThere(record.RunTimeTempFilePath))
         return Body{record.RunTimeTempFilePath, false, {}};
-    const Reader *reader = readerOfKind(record.cacheType);
+    const Reader *reader =
+        ctx.source == HistoryFileType::none ? sourceOf(record) : readerFor(ctx.source);
     if (reader && reader->fetch)
         return fetched(record, reader->fetch, targetOf(ctx, ""), ctx, inMemory,
                        "ParserClass.ExtractCacheFile()");

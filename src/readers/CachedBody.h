@@ -17,21 +17,26 @@ struct Extraction {
     const Evidence &evidence;
     std::filesystem::path folder; ///< an existing folder of the program's own, for the body
     FailureLog &log;
+    /// The type of the record's file where the caller knows it, as an import does. Otherwise the
+    /// record's kind and file say how its body is fetched.
+    HistoryFileType source = HistoryFileType::none;
 };
 
 /// What the Extract... operations of the readers have in common. Writes the body to a file of the
 /// folder, with `fileNameSuffix` as extension where given, unpacks it when it is packed, and sets
 /// `RunTimeTempFilePath`, `CacheFileExists`, `CacheFileExt`, `GZipEncoded`, `IsPicture` and
 /// `IsWebPage` of the record. False when there is no body; a failure is logged under `procedure`.
-bool extractBody(URLClass &record, Fetch fetch, std::string_view fileNameSuffix,
-                 const Extraction &ctx, std::string_view procedure);
+[[nodiscard]] bool extractBody(URLClass &record, Fetch fetch, std::string_view fileNameSuffix,
+                               const Extraction &ctx, std::string_view procedure);
 
 /// The record's content: evidence is named where it lies; what is held in block files or tables is
 /// fetched, up to `inMemory` bytes into memory, and otherwise into the folder of `ctx`, where
 /// `RunTimeTempFilePath` says. Nothing when it is gone.
-std::optional<Body> bodyOf(URLClass &record, const Extraction &ctx, std::uint64_t inMemory);
+[[nodiscard]] std::optional<Body> bodyOf(URLClass &record, const Extraction &ctx,
+                                         std::uint64_t inMemory);
 
 /// The same as a plain file.
-std::optional<std::filesystem::path> contentOf(URLClass &record, const Extraction &ctx);
+[[nodiscard]] std::optional<std::filesystem::path> contentOf(URLClass &record,
+                                                             const Extraction &ctx);
 
 } // namespace nv

@@ -1,7 +1,7 @@
 #include "readers/ContentProbe.h"
 
-#include "base/Files.h"
 #include "base/Text.h"
+#include "readers/Scratch.h"
 
 #include <array>
 #include <string_view>
@@ -60,6 +60,7 @@ class TagScan {
         m_window.erase(0, m_window.size() - carry);
     }
     void finish() { take(m_window.size()); }
+    bool hadTitle() const { return m_hadTitle; }
 
   private:
     void take(std::size_t end) {
@@ -107,16 +108,16 @@ class TagScan {
     bool m_hadTitle = false;
 };
 
-ContentFacts factsOfLarge(const std::filesystem::path &file) {
+ContentFacts factsOfLarge(const ByteSource &file) {
     ContentFacts facts;
     TagScan scan(facts);
     bool first = true;
-    readInBlocks(file, [&](std::string_view block, std::uint64_t) {
+    static_cast<void>(inBlocks(file, [&](std::string_view block) {
         if (std::exchange(first, false))
             facts.extension = GetExtBySignature(viewOf(block.substr(0, kLongestSignature)));
         scan.feed(block);
         return true;
-    });
+    }));
     scan.finish();
     return facts;
 }
@@ -139,19 +140,42 @@ ContentFacts factsOf(std::string_view bytes) {
     return facts;
 }
 
-const ContentFacts &ContentProbe::facts(const std::filesystem::path &file) {
+std::string titleOf(std::string_view bytes) {
+    constexpr std::size_t kPiece = 4096; // titles stand near the beginning
+    ContentFacts facts;
+    TagScan scan(facts);
+    for (; !bytes.empty() && !scan.hadTitle(); bytes.remove_prefix(std::min(kPiece, bytes.size())))
+        scan.feed(bytes.substr(0, kPiece));
+    scan.finish();
+    return facts.title;
+}
+
+const ContentFacts &ContentProbe::facts(const Evidence &evidence,
+                                        const std::filesystem::path &file) {
+    return isKept(file) ? m_facts : look(evidence.open(file));
+}
+
+const ContentFacts &ContentProbe::scratchFacts(const std::filesystem::path &file) {
+    return isKept(file) ? m_facts : look(ScratchFile(file));
+}
+
+/// What can't be opened leaves nothing kept.
+bool ContentProbe::isKept(const std::filesystem::path &file) {
     if (file == m_file && !file.empty())
-        return m_facts;
+        return true;
     m_file.clear();
     m_bytes.reset();
-    const FileReader reader(file);
-    if (reader.size() <= kBodyInMemory) {
-        m_bytes = reader.read(0, reader.size());
+    return false;
+}
+
+const ContentFacts &ContentProbe::look(const ByteSource &file) {
+    if (file.size() <= kBodyInMemory) {
+        m_bytes = file.read(0, file.size());
         m_facts = factsOf(ByteView(*m_bytes).raw());
     } else {
         m_facts = factsOfLarge(file);
     }
-    m_file = file;
+    m_file = file.path();
     return m_facts;
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/ByteView.h"
 #include "readers/Body.h"
+#include "readers/Evidence.h"
 
 #include <filesystem>
 #include <optional>
@@ -25,8 +26,10 @@ struct ContentFacts {
 /// so that the steps of one record read its file once between them.
 class ContentProbe {
   public:
-    /// Throws FileFailure when the file can't be read.
-    const ContentFacts &facts(const std::filesystem::path &file);
+    /// Of a file of the evidence. Throws EvidenceFailure when it can't be read.
+    const ContentFacts &facts(const Evidence &evidence, const std::filesystem::path &file);
+    /// Of one that was fetched into scratch. Throws FileFailure when it can't be read.
+    const ContentFacts &scratchFacts(const std::filesystem::path &file);
     /// The bytes of the file whose facts were asked for last; nothing when it is a large one.
     std::optional<std::string_view> bytes() const;
 
@@ -38,6 +41,9 @@ class ContentProbe {
     void forget();
 
   private:
+    bool isKept(const std::filesystem::path &file);
+    const ContentFacts &look(const ByteSource &file);
+
     std::filesystem::path m_file;
     ContentFacts m_facts;
     std::optional<Bytes> m_bytes;
@@ -45,6 +51,9 @@ class ContentProbe {
 };
 
 ContentFacts factsOf(std::string_view bytes);
+
+/// The title alone, by the same rule; only what stands up to its end is looked at.
+std::string titleOf(std::string_view bytes);
 
 /// The extension that a file's first bytes speak for, or empty.
 std::string GetExtBySignature(ByteView head);

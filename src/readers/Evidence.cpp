@@ -5,6 +5,9 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
 #include <unordered_map>
 
 namespace nv {
@@ -22,19 +25,50 @@ struct Entry {
 /// The entries of a folder by lower-case name; names that differ in case only stand side by side.
 using Listing = std::unordered_multimap<std::string, Entry>;
 
-/// Links are neither file nor folder here: evidence must not lead out of itself.
-Listing listingOf(const fs::path &folder) {
-    Listing listing;
+/// Hands each entry of the folder to `take`, as far as the folder can be listed.
+template <class Take>
+std::error_code eachEntry(EvidenceWatch *watch, const fs::path &folder, Take &&take) {
+    using Step = EvidenceWatch::Step;
+    if (const int error = watch ? watch->errorBefore(Step::list, folder) : 0)
+        return {error, std::system_category()};
     std::error_code failed;
-    for (fs::directory_iterator it(folder, failed), end; !failed && it != end;
-         it.increment(failed)) {
-        const fs::file_status status = it->symlink_status(failed);
-        if (!failed)
-            listing.emplace(toLower(textOf(it->path().filename())),
-                            Entry{it->path().filename(), fs::is_directory(status),
-                                  fs::is_regular_file(status)});
-    }
-    return listing;
+    for (fs::directory_iterator it(folder, failed), end; !failed && it != end; it.increment(failed))
+        take(*it);
+    return failed;
+}
+
+FileFailure unlistable(const fs::path &folder, std::error_code failed) {
+    return {"cannot list", folder, failed.value()};
+}
+
+void addEntry(FolderContents &contents, const fs::directory_entry &entry) {
+    std::error_code failed;
+    const fs::file_status status = entry.symlink_status(failed);
+    // In a folder that may be listed and not entered every name is there and nothing behind it.
+    if (status.type() == fs::file_type::none)
+        contents.unreadable.push_back(
+            {entry.path(), FileFailure("cannot open", entry.path(), failed.value()).what()});
+    else if (fs::is_symlink(status))
+        ++contents.links;
+    else if (fs::is_directory(status))
+        contents.folders.push_back(entry.path());
+    else if (fs::is_regular_file(status))
+        contents.files.push_back(entry.path());
+}
+
+void sortByBytes(std::vector<fs::path> &paths) {
+    std::ranges::sort(paths, {},
+                      [](const fs::path &path) -> const std::string & { return path.native(); });
+}
+
+/// Links are neither file nor folder here: evidence must not lead out of itself.
+void addEntry(Listing &listing, const fs::directory_entry &entry) {
+    std::error_code failed;
+    const fs::file_status status = entry.symlink_status(failed);
+    const fs::path name = entry.path().filename();
+    if (!failed)
+        listing.emplace(toLower(textOf(name)),
+                        Entry{name, fs::is_directory(status), fs::is_regular_file(status)});
 }
 
 const Entry *entryNamed(const Listing &listing, const std::string &name) {
@@ -62,17 +96,30 @@ fs::path onDisk(const fs::path &folder) {
 } // namespace
 
 struct Evidence::Listings {
-    const Listing &of(const fs::path &folder) {
+    /// What couldn't be listed to its end is kept as far as it could, and noted in `unlisted`.
+    const Listing &of(const fs::path &folder, EvidenceWatch *watch) {
         const auto [it, isNew] = byFolder.try_emplace(folder.native());
         if (isNew)
-            it->second = listingOf(folder);
+            list(it->second, folder, watch);
         return it->second;
     }
+
     std::unordered_map<std::string, Listing> byFolder;
+    std::vector<UnreadPlace> unlisted;
+
+  private:
+    void list(Listing &listing, const fs::path &folder, EvidenceWatch *watch) {
+        const std::error_code failed =
+            eachEntry(watch, folder, [&listing](const auto &entry) { addEntry(listing, entry); });
+        const bool isGone =
+            failed == std::errc::no_such_file_or_directory || failed == std::errc::not_a_directory;
+        if (failed && !isGone)
+            unlisted.push_back({folder, unlistable(folder, failed).what()});
+    }
 };
 
-Evidence::Evidence(const fs::path &base)
-    : m_base(withClosingSlash(base)), m_listings(std::make_unique<Listings>()) {}
+Evidence::Evidence(const fs::path &base, EvidenceWatch *watch)
+    : m_base(withClosingSlash(base)), m_watch(watch), m_listings(std::make_unique<Listings>()) {}
 
 Evidence::~Evidence() = default;
 
@@ -89,12 +136,15 @@ std::string Evidence::relativeOf(const fs::path &path) const {
 std::optional<fs::path> Evidence::find(const fs::path &folder, std::string_view name) const {
     const std::string unified = replaceAll(name, "\\", "/");
     fs::path found = onDisk(folder);
+    if (!found.has_filename() && found != found.root_path())
+        found = found.parent_path(); // one listing and one name for "Cache" and "Cache/"
     bool isFile = false;
     for (const std::string_view part : split(unified, '/')) {
         if (part.empty() || part == ".")
             continue;
-        const Entry *entry =
-            isFile || part == ".." ? nullptr : entryNamed(m_listings->of(found), std::string(part));
+        const Entry *entry = isFile || part == ".."
+                                 ? nullptr
+                                 : entryNamed(m_listings->of(found, m_watch), std::string(part));
         if (!entry || !(entry->isFile || entry->isFolder))
             return std::nullopt;
         found /= entry->name;
@@ -103,13 +153,67 @@ std::optional<fs::path> Evidence::find(const fs::path &folder, std::string_view 
     return isFile ? std::optional(found) : std::nullopt;
 }
 
+std::optional<fs::path> Evidence::byText(std::string_view text) const {
+    return pathFromText(text);
+}
+
+const std::vector<UnreadPlace> &Evidence::unlisted() const {
+    return m_listings->unlisted;
+}
+
+PlaceKind Evidence::kindOf(const fs::path &path) const {
+    std::error_code none;
+    const fs::file_status status = fs::status(path, none);
+    if (!fs::exists(status))
+        return PlaceKind::nothing;
+    if (fs::is_directory(status))
+        return PlaceKind::folder;
+    return fs::is_regular_file(status) ? PlaceKind::file : PlaceKind::special;
+}
+
 bool Evidence::isPlainFile(const fs::path &path) const {
     std::error_code none;
     return fs::is_regular_file(fs::symlink_status(path, none));
 }
 
+FileFacts Evidence::factsOf(const fs::path &file) const {
+#ifdef STATX_BTIME
+    struct statx facts {};
+    if (::statx(AT_FDCWD, file.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &facts) == 0) {
+        const bool hasBirth = (facts.stx_mask & STATX_BTIME) != 0;
+        const auto created = hasBirth ? facts.stx_btime.tv_sec : facts.stx_mtime.tv_sec;
+        return {true, facts.stx_size, Date::fromUnixSeconds(created),
+                Date::fromUnixSeconds(facts.stx_atime.tv_sec)};
+    }
+#endif
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0)
+        return {};
+    return {true, static_cast<std::uint64_t>(status.st_size),
+            Date::fromUnixSeconds(status.st_mtime), Date::fromUnixSeconds(status.st_atime)};
+}
+
+FolderContents Evidence::contentsOf(const fs::path &folder) const {
+    FolderContents contents;
+    const std::error_code failed =
+        eachEntry(m_watch, folder, [&contents](const auto &entry) { addEntry(contents, entry); });
+    if (failed)
+        throw EvidenceFailure(unlistable(folder, failed), folder);
+    sortByBytes(contents.files);
+    sortByBytes(contents.folders);
+    return contents;
+}
+
+EvidenceFile Evidence::open(const fs::path &file) const {
+    return {file, m_watch};
+}
+
 Bytes Evidence::head(const fs::path &file, std::uint64_t count) const {
-    return readHead(file, static_cast<std::size_t>(count));
+    return open(file).read(0, count);
+}
+
+Bytes Evidence::whole(const fs::path &file) const {
+    return open(file).read(0, UINT64_MAX);
 }
 
 bool liesInEvidence(const fs::path &path, const fs::path &base) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/FailureLog.h"
-#include "base/Files.h"
+#include "readers/EvidenceFile.h"
 
 #include <filesystem>
 #include <string>
@@ -19,31 +19,8 @@ class GapLog : public FailureLog {
     virtual void unread(const std::filesystem::path &file, const std::string &reason) = 0;
 };
 
-/// The file that could not be opened or read is one of the evidence, and none of the program's own.
-class EvidenceFailure : public FileFailure {
-  public:
-    EvidenceFailure(const FileFailure &failure, std::filesystem::path file)
-        : FileFailure(failure), m_file(std::move(file)) {}
-    const std::filesystem::path &file() const { return m_file; }
-
-  private:
-    std::filesystem::path m_file;
-};
-
-// Traps that end nothing: the failure goes on to the next one.
-
-/// Runs `body`, which reads `file` of the evidence and no other: a FileFailure becomes an
-/// EvidenceFailure.
-template <class Body>
-decltype(auto) ofEvidence(const std::filesystem::path &file, Body &&body) {
-    try {
-        return std::forward<Body>(body)();
-    } catch (const FileFailure &failure) {
-        throw EvidenceFailure(failure, file);
-    }
-}
-
-/// Runs `body`; an EvidenceFailure is told to `log` when that is a GapLog.
+/// A trap that ends nothing, since the failure goes on to the next one. Runs `body`; an
+/// EvidenceFailure is told to `log` when that is a GapLog.
 template <class Body>
 decltype(auto) tellingGaps(FailureLog &log, Body &&body) {
     try {
@@ -53,13 +30,6 @@ decltype(auto) tellingGaps(FailureLog &log, Body &&body) {
             gaps->unread(failure.file(), failure.what());
         throw;
     }
-}
-
-/// Both at once.
-template <class Body>
-decltype(auto) readEvidence(FailureLog &log, const std::filesystem::path &file, Body &&body) {
-    return tellingGaps(
-        log, [&]() -> decltype(auto) { return ofEvidence(file, std::forward<Body>(body)); });
 }
 
 } // namespace nv

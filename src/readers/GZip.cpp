@@ -2,8 +2,9 @@
 
 #include "base/Files.h"
 #include "base/Storage.h"
-#include "base/Trap.h"
+#include "base/Succeeds.h"
 #include "readers/Limits.h"
+#include "readers/Scratch.h"
 
 #include <fmt/format.h>
 
@@ -105,10 +106,10 @@ fs::path workFileOf(const fs::path &target) {
 void feed(Unpacking &unpacking, const Body &packed) {
     if (packed.isInMemory)
         return unpacking.take(packed.raw());
-    readInBlocks(packed.file, [&unpacking](std::string_view block, std::uint64_t) {
+    static_cast<void>(inBlocks(ScratchFile(packed.file), [&unpacking](std::string_view block) {
         unpacking.take(block);
         return true;
-    });
+    }));
 }
 
 Body unpacked(const Body &packed, const fs::path &work, std::uint64_t inMemory) {
@@ -126,15 +127,14 @@ bool beginsAsGZip(ByteView head) {
 }
 
 bool unpackBody(Body &body, std::uint64_t inMemory, FailureLog &log) {
-    return trapped(log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+    return succeeds(log, Severity::Warning, kProcedure, kContactSupport, [&] {
         Body whole = unpacked(body, workFileOf(body.file), inMemory);
         if (!whole.isInMemory)
             moveFile(whole.file, body.file);
         else if (!body.isInMemory)
-            fs::remove(body.file);
+            scratch::remove(body.file);
         whole.file = body.file;
         body = std::move(whole);
-        return true;
     });
 }
 

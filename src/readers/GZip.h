@@ -14,6 +14,6 @@ bool beginsAsGZip(ByteView head);
 /// Unpacks the gzip data of a body that was fetched: it becomes the unpacked one, of which up to
 /// `inMemory` bytes are kept in memory. A failure is logged and leaves it as it is: damaged data,
 /// and data that grow beyond limits::kUnpackedBytes. True when it holds the whole content.
-bool unpackBody(Body &body, std::uint64_t inMemory, FailureLog &log);
+[[nodiscard]] bool unpackBody(Body &body, std::uint64_t inMemory, FailureLog &log);
 
 } // namespace nv

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -61,6 +62,7 @@ struct ReadContext {
 
 /// What recognition knows of a file, all texts lower-case, separators of the path "/".
 struct Candidate {
+    const Evidence *evidence = nullptr; ///< for a look at what lies beside the file
     std::filesystem::path file;
     std::string name;
     std::string path;
@@ -73,22 +75,62 @@ class BodyTarget;
 
 /// Writes the body of a record that its reader made to `target`, as it is stored. The rest of its
 /// file's folder may be used meanwhile. False when evidence doesn't hold the body; throws
-/// FileFailure, OutOfBytes and other failures of reading.
+/// EvidenceFailure, OutOfBytes and other failures of reading.
 using Fetch = bool (*)(const URLClass &record, const Evidence &evidence, BodyTarget &target);
 
-/// One format. The table in Registry.cpp is the list of them, in order of trial.
+struct RecordKind;
+struct SourceOption;
+
+/// What shows that a format is read as it should be.
+struct FormatCases {
+    std::string_view folders;  ///< of tests/golden, separated by ";"
+    std::string_view artefact; ///< its names in a case's folder "input", separated by ";"
+    /// "FOLDER/CASE": one without damage. Tests damage it, and fuzzing starts from it.
+    std::string_view sound;
+};
+
+/// One format: all that the program knows of it. It stands in its folder's Formats.cpp, and the
+/// table in Registry.cpp names it in the order of trial.
 struct Reader {
+    /// Its number, once given, keeps its meaning.
     HistoryFileType type;
-    std::string_view key;     ///< "ie-index": tests, documents and the command line use it
-    std::string_view kind;    ///< what the wizard's list calls it
-    std::string_view version; ///< goes to HistoryFile::Version
-    std::string_view option;  ///< the wizard's check box that turns it on
-    std::string_view mask;    ///< file masks, separated by ";"
-    bool (*recognises)(const Candidate &);
+    std::string_view key;          ///< "ie-index": tests, documents and the command line use it
+    std::string_view kind;         ///< what the wizard's list calls it
+    std::string_view version = {}; ///< goes to HistoryFile::Version
+    /// The wizard's check box that turns it on; null for what is read only when asked for.
+    const SourceOption *option = nullptr;
+    std::string_view mask =
+        {}; ///< file masks, separated by ";"; formats of an option may share one
+    /// Looks at name, path and first bytes, and at the folder where those don't do; has no side
+    /// effect. Null: no scan finds it.
+    bool (*recognises)(const Candidate &) = nullptr;
     /// Null while the format is listed but not read yet.
-    ReadResult (*read)(ReadContext &);
+    ReadResult (*read)(ReadContext &) = nullptr;
     /// Null where the cached bodies are files of their own, or the format has none.
     Fetch fetch = nullptr;
+    /// Of the records that it makes.
+    std::span<const RecordKind *const> kinds = {};
+    std::string_view page = {}; ///< docs/formats/PAGE.md
+    FormatCases cases = {};
+
+    // What few formats need.
+
+    /// Types that its reader may find a file to be, and that it reads as well.
+    std::span<const HistoryFileType> furtherTypes = {};
+    /// It takes files too that a format before it in the table has taken already.
+    bool takesBesideOthers = false;
+    /// What is listed and read in place of the file that was recognised: another file, or a folder,
+    /// which is listed once however many of its files lead to it.
+    std::filesystem::path (*artefact)(const Candidate &) = nullptr;
+    /// For caches that browsers keep compiled graphics programs in as well.
+    bool (*holdsShaders)(const Candidate &) = nullptr;
+    /// Why what is stored from the file has to be read with care, although nothing of it is
+    /// damaged; empty for most files. Throws EvidenceFailure.
+    std::string (*warningOn)(const std::filesystem::path &file, const Evidence &evidence) = nullptr;
+    /// Whether the record came from such a file. Only formats need it that share a kind with
+    /// another one and fetch its bodies in another way.
+    bool (*isSourceOf)(const URLClass &record) = nullptr;
+    bool isOneRecord = false; ///< a file is one record, and there may be ten thousand files
 };
 
 } // namespace nv

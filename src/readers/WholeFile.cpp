@@ -14,7 +14,7 @@ ReadResult readWholeFile(ReadContext &ctx, TaskHeading heading, std::string_view
     heading.detail = textOf(ctx.file.FullPath);
     ctx.task.describe(heading);
     return trapped(ctx.log, Severity::Warning, procedure, kContactSupport, unreadable(ctx), [&] {
-        const Bytes bytes = readWhole(ctx.file.FullPath);
+        const Bytes bytes = ctx.evidence.whole(ctx.file.FullPath);
         return read(ByteView(bytes));
     });
 }

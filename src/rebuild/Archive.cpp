@@ -36,6 +36,7 @@ void put32(std::string &bytes, std::uint64_t value) {
         bytes += static_cast<char>(value >> shift & 0xFF);
 }
 
+/// In one order, so that a folder always gives the same archive, and without earlier archives.
 std::vector<fs::path> filesIn(const fs::path &folder) {
     std::vector<fs::path> files;
     for (const fs::directory_entry &entry : fs::directory_iterator(folder))

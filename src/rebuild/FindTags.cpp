@@ -1,12 +1,9 @@
 #include "rebuild/FindTags.h"
 
-#include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
-#include "rebuild/LocalNames.h"
-#include "rebuild/PageText.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -74,26 +71,11 @@ void storeTags(const URLClass &page, const URLTags &tags, const RebuildContext &
 
 } // namespace
 
-std::optional<std::string> pageText(URLClass &page, const RebuildContext &ctx) {
-    page.RunTimeTempFilePath.clear(); // what another step left there may be another page's
-    const auto content = contentOf(page, ctx.extraction());
-    if (!content)
-        return std::nullopt;
-    if (page.RunTimeTempFilePath.empty()) {
-        page.RunTimeContentPath = *content;
-        page.RunTimeTempFilePath = ctx.TempFolderPath / kPageCopy;
-        copyToScratch(*content, page.RunTimeTempFilePath);
-    } else {
-        page.RunTimeContentPath = page.RunTimeTempFilePath;
-    }
-    return ReadTextFile(page.RunTimeTempFilePath, LineBreaks::strip);
-}
-
-std::size_t FindTagsInFile(URLClass &page, const RebuildContext &ctx) {
+std::size_t FindTagsInFile(const URLClass &page, PageSource &source, const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, std::size_t{0}, [&] {
         showBeginning(page, ctx);
         showStep(ctx, "Locating Tags", 0);
-        const auto text = pageText(page, ctx);
+        const std::optional<std::string> &text = source.text();
         if (!text)
             return std::size_t{0};
         const auto found = scanTags(*text, ctx.settings.lists(), ctx.task);

@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
+#include "readers/RecordKind.h"
 #include "rebuild/Archive.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
@@ -45,11 +46,6 @@ std::vector<std::string_view> linesOf(std::string_view text) {
             lines.push_back(line);
     }
     return lines;
-}
-
-/// Types whose parts can be fetched.
-bool isHarvested(std::string_view cacheType) {
-    return namesPartsByUrl(cacheType) || cacheType == "IE CACHE";
 }
 
 void removeOtherFiles(const fs::path &folder, const fs::path &page) {
@@ -95,7 +91,7 @@ class Harvest {
     void takePart(const Substitution &line) {
         if (line.TagURLID <= 0)
             return takeStored(line);
-        if (!isHarvested(toUpper(m_page.cacheType)))
+        if (partsOf(m_page.cacheType) == CacheParts::none)
             return;
         auto part = m_ctx.records.GetURL(UrlId{line.TagURLID});
         if (!part)

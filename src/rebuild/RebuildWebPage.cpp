@@ -30,7 +30,7 @@ RebuildContext stageOf(const RebuildContext &ctx, TaskMonitor &task) {
 class Rebuild {
   public:
     Rebuild(URLClass &page, Batch batch, const RebuildContext &ctx, const Clock &clock)
-        : m_page(page), m_batch(batch), m_ctx(ctx), m_clock(clock) {}
+        : m_page(page), m_batch(batch), m_ctx(ctx), m_clock(clock), m_source(page, ctx) {}
 
     /// `work` with its own part of the progress, 0 to 1 of the whole.
     template <class Work>
@@ -48,8 +48,9 @@ class Rebuild {
         forgetTagOptions(m_ctx);
         if (!chooseParts())
             return false;
-        const auto replaced = stage(
-            0.75, 0.85, [this](const RebuildContext &ctx) { return ReplaceTags(m_page, ctx); });
+        const auto replaced = stage(0.75, 0.85, [this](const RebuildContext &ctx) {
+            return ReplaceTags(m_page, m_source, ctx);
+        });
         if (!replaced)
             return false;
         m_page.IngredientIDs = replaced->log;
@@ -71,8 +72,9 @@ class Rebuild {
   private:
     bool chooseParts() {
         return stage(0, 0.5,
-                     [this](const RebuildContext &ctx) { return FindTagsInFile(m_page, ctx); }) >
-                   0 &&
+                     [this](const RebuildContext &ctx) {
+                         return FindTagsInFile(m_page, m_source, ctx);
+                     }) > 0 &&
                stage(0.5, 0.7,
                      [this](const RebuildContext &ctx) { return FindTagOptions(m_page, ctx); }) &&
                stage(0.7, 0.75,
@@ -97,6 +99,7 @@ class Rebuild {
     Batch m_batch;
     const RebuildContext &m_ctx;
     const Clock &m_clock;
+    PageSource m_source;
 };
 
 } // namespace

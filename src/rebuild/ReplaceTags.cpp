@@ -3,7 +3,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
-#include "rebuild/FindTags.h"
+#include "readers/RecordKind.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
 #include "rebuild/Replacement.h"
@@ -127,9 +127,10 @@ std::vector<bool> rewrittenOf(const std::vector<TagRow> &tags,
     return rewritten;
 }
 
-std::optional<ReplacedPage> rewritten(URLClass &page, const RebuildContext &ctx) {
-    const std::string text = pageText(page, ctx).value_or(std::string());
-    const bool byUrl = namesPartsByUrl(toUpper(page.cacheType));
+std::optional<ReplacedPage> rewritten(const URLClass &page, PageSource &source,
+                                      const RebuildContext &ctx) {
+    const std::string text = source.text().value_or(std::string());
+    const bool byUrl = partsOf(page.cacheType) == CacheParts::byUrl;
     const std::vector<TagRow> tags = readTags(page, ctx);
     std::vector<Replacement> replacements;
     ReplacedPage made;
@@ -157,10 +158,11 @@ std::optional<ReplacedPage> rewritten(URLClass &page, const RebuildContext &ctx)
 
 } // namespace
 
-std::optional<ReplacedPage> ReplaceTags(URLClass &page, const RebuildContext &ctx) {
+std::optional<ReplacedPage> ReplaceTags(const URLClass &page, PageSource &source,
+                                        const RebuildContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport,
                    std::optional(ReplacedPage{{}, page.IngredientIDs, {}}),
-                   [&] { return onRow([&] { return rewritten(page, ctx); }); });
+                   [&] { return onRow([&] { return rewritten(page, source, ctx); }); });
 }
 
 } // namespace nv

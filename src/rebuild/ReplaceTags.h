@@ -2,6 +2,7 @@
 
 #include "db/RebuildAudit.h"
 #include "db/URLClass.h"
+#include "rebuild/PageSource.h"
 #include "rebuild/RebuildContext.h"
 
 #include <optional>
@@ -24,6 +25,7 @@ inline constexpr std::size_t kMostNoted = 11;
 /// The page's text with every reference that has a part rewritten to the part's local name, and
 /// what became of each tag. Nothing is stored. Nothing when cancelled; after a failure, which is
 /// logged, an empty text with the log that the page has.
-std::optional<ReplacedPage> ReplaceTags(URLClass &page, const RebuildContext &ctx);
+std::optional<ReplacedPage> ReplaceTags(const URLClass &page, PageSource &source,
+                                        const RebuildContext &ctx);
 
 } // namespace nv

@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
+#include "readers/RecordKind.h"
 #include "rebuild/TagOptions.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -200,7 +201,7 @@ bool PickNonIETagOption(std::string_view, std::int64_t Tag_ID, const RebuildCont
 }
 
 bool ChooseTagOptions(const URLClass &page, const RebuildContext &ctx) {
-    const bool byUrl = namesPartsByUrl(toUpper(page.cacheType));
+    const bool byUrl = partsOf(page.cacheType) == CacheParts::byUrl;
     const auto tags = trapped(ctx.log, Severity::Warning, "MainBAS.ChooseTagOptions()",
                               kContactSupport, std::optional<decltype(tagsInOrder(page, ctx))>(),
                               [&] { return std::optional(tagsInOrder(page, ctx)); });

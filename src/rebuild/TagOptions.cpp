@@ -5,6 +5,7 @@
 #include "db/KeyWalk.h"
 #include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
+#include "readers/RecordKind.h"
 #include "rebuild/PageText.h"
 #include "rebuild/UrlPatterns.h"
 #include "rebuild/WebMail.h"
@@ -204,7 +205,7 @@ class OptionSearch {
     }
 
     std::string insertText() const {
-        const std::string option = namesPartsByUrl(m_cacheType)
+        const std::string option = partsOf(m_cacheType) == CacheParts::byUrl
                                        ? "trim(URL)"
                                        : "'../' || trim(coalesce(CacheFolderName, '')) || '/' || "
                                          "trim(coalesce(CacheFileName, ''))";
@@ -268,12 +269,6 @@ std::string searchTextOf(std::string_view OriginalTag) {
     const std::string text = StripWhitespace(without(trim(OriginalTag), "../"));
     const bool beginsHere = text.size() > 2 && text.starts_with("./");
     return beginsHere ? without(without(text, "../"), "./") : text;
-}
-
-bool namesPartsByUrl(std::string_view cacheType) {
-    constexpr std::array<std::string_view, 4> kTypes = {"FIREFOX CACHE", "CHROME CACHE",
-                                                        "OPERA CACHE", "SAFARI CACHE"};
-    return std::ranges::find(kTypes, cacheType) != kTypes.end();
 }
 
 bool endsInText(std::string_view url, std::string_view text) {

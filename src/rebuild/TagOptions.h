@@ -20,10 +20,6 @@ std::string HostFromURL(std::string_view url);
 /// What a reference is searched for among the URLs: without leading folders and white space.
 std::string searchTextOf(std::string_view OriginalTag);
 
-/// Whether pages of this cache type (upper case) name their parts by URL. The others, those of
-/// Internet Explorer, name them by cache folder and file.
-bool namesPartsByUrl(std::string_view cacheType);
-
 /// Whether the URL without its query ends in the text: such a record is more likely the part that
 /// was meant than one whose URL holds the text somewhere.
 bool endsInText(std::string_view url, std::string_view text);

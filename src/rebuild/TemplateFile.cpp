@@ -13,6 +13,7 @@ namespace nv {
 
 namespace {
 
+// The layout: docs/formats/template.md.
 constexpr std::size_t kHeaderSize = 0x1000;
 constexpr std::size_t kHashOffsetAt = 0x200;
 constexpr std::size_t kHashSizeAt = 0x204;
@@ -85,6 +86,7 @@ std::string templateBytes(TemplateRecordsCollection &records, std::string_view W
     std::string bytes = header(version);
     for (TemplateRecord &record : records) {
         const Bytes content = readWhole(record.FilePath);
+        // The page comes first; what it is called there doesn't depend on its id in this project.
         const bool isPage = &record == &records.Item(1);
         record.NewTagRelativePath = isPage ? std::string(kTemplatePage) : partNameOf(record);
         record.recordOffset = static_cast<std::uint32_t>(bytes.size());

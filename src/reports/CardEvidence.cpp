@@ -4,9 +4,11 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "readers/CachedBody.h"
+#include "readers/RecordKind.h"
 #include "rebuild/Archive.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/WatchedBy.h"
 #include "reports/PictureKind.h"
 #include "reports/SafePage.h"
 #include "views/TextKind.h"
@@ -36,7 +38,8 @@ std::string thumbnailName(const URLClass &record) {
 bool hasContent(const URLClass &record) {
     if (record.IsHistory || record.IsCookie)
         return false;
-    return toUpper(record.cacheType) != "NETANALYSIS" || record.CacheFileExists;
+    const RecordKind *kind = recordKind(record.cacheType);
+    return !kind || !kind->mayLackContent || record.CacheFileExists;
 }
 
 /// The width of a picture within a thumbnail's box; it isn't made larger.
@@ -51,9 +54,8 @@ int shownWidth(std::int64_t width, std::int64_t height, int box) {
 } // namespace
 
 RebuildContext CardEvidence::contextFor(const fs::path &folder, TaskMonitor &task) const {
-    const RebuildContext &whole = m_ctx.rebuild;
-    RebuildContext ctx{whole.project, whole.records, whole.evidence, folder,
-                       whole.log,     task,          whole.settings};
+    RebuildContext ctx = watchedBy(m_ctx.rebuild, task);
+    ctx.TempFolderPath = folder;
     ctx.settings.CreatingReport = true;
     return ctx;
 }

@@ -1,6 +1,7 @@
 #include "reports/CardText.h"
 
 #include "base/Text.h"
+#include "readers/RecordKind.h"
 #include "rebuild/LocalNames.h"
 #include "reports/Html.h"
 #include "reports/ReportValues.h"
@@ -79,7 +80,7 @@ std::string dateRows(const URLClass &record, const ReportContext &ctx) {
 /// Kinds of history have no browser of their own in the table of names: the record's kind is added.
 std::string sourceRow(const URLClass &record, const ReportClass &report) {
     std::string value = report.Browser + " Version " + htmlText(record.HistoryVersion);
-    if (!toUpper(record.cacheType).ends_with(" CACHE"))
+    if (groupOf(record.cacheType) != RecordGroup::cache)
         value += fmt::format(" ({})", htmlText(record.cacheType));
     return row("Data Source:", value);
 }

@@ -32,14 +32,14 @@ std::string ExportCells::shown(std::size_t place, const ExportColumn &column) {
                        std::numeric_limits<std::size_t>::max());
 }
 
-MachineValue ExportCells::machine(std::size_t place, UrlColumn column) {
-    MachineValue value = m_table.machineCell(place, column);
+Cell ExportCells::machine(std::size_t place, UrlColumn column) {
+    Cell value = m_table.machineCell(place, column);
     if (auto *text = std::get_if<std::string>(&value))
         *text = decodeText(*text);
     return value;
 }
 
-MachineValue ExportCells::machine(std::size_t place, const ExportColumn &column) {
+Cell ExportCells::machine(std::size_t place, const ExportColumn &column) {
     if (!column.column)
         return static_cast<std::int64_t>(place) + 1;
     return machine(place, *column.column);
@@ -47,17 +47,6 @@ MachineValue ExportCells::machine(std::size_t place, const ExportColumn &column)
 
 Date ExportCells::actionDate(std::size_t place) {
     return m_table.actionDateUTC(place);
-}
-
-std::string plainText(const MachineValue &value) {
-    if (const auto *flag = std::get_if<bool>(&value))
-        return *flag ? "True" : "False";
-    if (const auto *whole = std::get_if<std::int64_t>(&value))
-        return std::to_string(*whole);
-    if (const auto *real = std::get_if<double>(&value))
-        return fmt::format("{}", *real);
-    const auto *text = std::get_if<std::string>(&value);
-    return text ? *text : std::string();
 }
 
 bool looksLikeFormula(std::string_view text) {

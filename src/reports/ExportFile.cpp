@@ -4,6 +4,7 @@
 #include "base/Paths.h"
 #include "base/Replace.h"
 #include "base/Text.h"
+#include "db/SideFiles.h"
 #include "readers/Evidence.h"
 
 #include <fmt/format.h>
@@ -41,9 +42,12 @@ std::optional<std::string> refusalOf(const fs::path &target, const Untouchable &
     if (fs::exists(whole, none) && !fs::is_regular_file(whole, none))
         return because("is no plain file");
     const fs::path project = wholePath(untouchable.project);
-    for (const char *suffix : {"", "-wal", "-shm", "-journal", ".old"})
-        if (whole == project.native() + suffix || fs::equivalent(whole, project, none))
-            return because("belongs to the project: nothing is written over it");
+    const auto isBeside = [&](std::string_view suffix) {
+        return whole == sideFile(project, suffix);
+    };
+    if (whole == project || fs::equivalent(whole, project, none) || isBeside(".old") ||
+        std::ranges::any_of(kSideSuffixes, isBeside))
+        return because("belongs to the project: nothing is written over it");
     if (equalsNoCase(whole.extension().native(), ".nvp"))
         return because("has the name of a project: nothing is written over it");
     if (std::ranges::any_of(untouchable.evidence, [&whole](const fs::path &folder) {

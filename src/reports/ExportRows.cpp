@@ -51,6 +51,7 @@ void showColumns(UrlTable &table, const std::vector<ExportColumn> &columns, Expo
     for (const ExportColumn &column : columns)
         if (column.column)
             needed.push_back(*column.column);
+    // A line of JSON names event, time and source whatever columns were chosen.
     if (format == ExportFormat::jsonl)
         needed.insert(needed.end(), {UrlColumn::Action, UrlColumn::ActionDateUtc, UrlColumn::Value,
                                      UrlColumn::CacheType, UrlColumn::WebpageTitle});
@@ -77,6 +78,7 @@ ExportEnd exportRows(ExportClass &job, UrlTable &table, const std::filesystem::p
     job.ExportText.clear();
     const auto columns = columnsOf(job);
     showColumns(table, columns, job.format);
+    // Before anything is written: a column that the project lacks would be empty in every row.
     table.checkColumns();
     if (job.ExportAllRows)
         selectAll(job, table);

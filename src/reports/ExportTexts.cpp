@@ -1,9 +1,8 @@
-#include "base/Text.h"
+#include "base/TextRows.h"
 #include "reports/ExportWriter.h"
 #include "reports/FactsJson.h"
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 #include <cmath>
 #include <utility>
@@ -72,55 +71,29 @@ class CsvWriter final : public TextWriter {
   private:
     /// Columns without a heading have their key.
     std::string heading() override {
-        std::string line;
+        std::vector<std::string> words;
         for (const ExportColumn &column : columns())
-            appendCell(line, column.header.empty() ? column.key : column.header);
-        return endLine(line);
+            words.push_back(column.header.empty() ? column.key : column.header);
+        return lineOf(words);
     }
     void appendRow(ExportCells &cells, std::size_t place) override {
-        std::string line;
+        std::vector<std::string> texts;
         for (const ExportColumn &column : columns()) {
-            const MachineValue value = cells.machine(place, column);
+            const Cell value = cells.machine(place, column);
             const auto *words = std::get_if<std::string>(&value);
-            if (words && job().guardFormulas && looksLikeFormula(*words)) {
-                appendCell(line, "'" + *words);
-                ++job().counts.cellsGuarded;
-            } else {
-                appendCell(line, plainText(value));
-            }
+            const bool guarded = words && job().guardFormulas && looksLikeFormula(*words);
+            texts.push_back(guarded ? "'" + *words : plainText(value));
+            job().counts.cellsGuarded += guarded ? 1 : 0;
         }
-        text() += endLine(line);
+        text() += lineOf(texts);
     }
 
-    static void appendCell(std::string &line, const std::string &cell) {
-        if (cell.find_first_of(",\"\r\n") == std::string::npos)
-            line += cell;
-        else
-            line += '"' + replaceAll(cell, "\"", "\"\"") + '"';
-        line += ',';
-    }
     /// A line without anything would be no row to most readers.
-    static std::string &endLine(std::string &line) {
-        if (!line.empty())
-            line.pop_back();
-        if (line.empty())
-            line = "\"\"";
-        return line.append(kLineBreak);
+    static std::string lineOf(const std::vector<std::string> &cells) {
+        const std::string line = csvLine(cells);
+        return line == kLineBreak ? "\"\"" + line : line;
     }
 };
-
-using Json = nlohmann::ordered_json;
-
-Json jsonOf(MachineValue value) {
-    return std::visit(
-        [](auto &&held) -> Json {
-            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>)
-                return nullptr;
-            else
-                return std::forward<decltype(held)>(held);
-        },
-        std::move(value));
-}
 
 /// Milliseconds since 1970: a date is stored as a float of days, which holds no less for sure.
 std::int64_t unixMilliseconds(Date date) {
@@ -140,20 +113,22 @@ class JsonLinesWriter final : public TextWriter {
     using TextWriter::TextWriter;
 
   private:
-    std::string heading() override { return {}; }
+    std::string heading() override {
+        m_names = {"message", "datetime", "timestamp", "timestamp_desc"};
+        for (const ExportColumn &column : columns())
+            m_names.push_back(column.key);
+        return {};
+    }
     void appendRow(ExportCells &cells, std::size_t place) override {
-        Json event;
-        event["message"] = message(cells, place);
+        std::vector<Cell> event{message(cells, place)};
         addDate(event, cells.actionDate(place));
-        if (!event["datetime"].is_string() && cells.isRead(place))
+        if (event.back().isNothing() && cells.isRead(place))
             ++job().counts.rowsWithoutDate;
         const std::string action = plainText(cells.machine(place, UrlColumn::Action));
-        event["timestamp_desc"] = action.empty() ? "Action Date" : action;
+        event.emplace_back(action.empty() ? "Action Date" : action);
         for (const ExportColumn &column : columns())
-            event[column.key] = jsonOf(cells.machine(place, column));
-        addFacts(event, cells.facts(place));
-        text() += event.dump(-1, ' ', false, Json::error_handler_t::replace);
-        text() += '\n';
+            event.push_back(cells.machine(place, column));
+        text() += jsonLine(m_names, event, factMembers(cells.facts(place)));
     }
 
     static std::string message(ExportCells &cells, std::size_t place) {
@@ -171,15 +146,13 @@ class JsonLinesWriter final : public TextWriter {
     }
 
     /// A made-up date would be worse than none: events without one say so.
-    static void addDate(Json &event, Date date) {
-        event["datetime"] = nullptr;
-        event["timestamp"] = nullptr;
-        if (!date.has())
-            return;
-        const std::int64_t milliseconds = unixMilliseconds(date);
-        event["datetime"] = isoWithFraction(milliseconds);
-        event["timestamp"] = milliseconds * 1000;
+    static void addDate(std::vector<Cell> &event, Date date) {
+        const std::int64_t milliseconds = date.has() ? unixMilliseconds(date) : 0;
+        event.push_back(date.has() ? Cell(isoWithFraction(milliseconds)) : Cell());
+        event.push_back(date.has() ? Cell(milliseconds * 1000) : Cell());
     }
+
+    std::vector<std::string> m_names;
 };
 
 } // namespace

@@ -28,8 +28,8 @@ class ExportCells {
     /// "True" or "False".
     std::string shown(std::size_t place, const ExportColumn &column);
     /// As programs want it: texts as they are stored but in valid UTF-8, dates in ISO 8601.
-    MachineValue machine(std::size_t place, const ExportColumn &column);
-    MachineValue machine(std::size_t place, UrlColumn column);
+    Cell machine(std::size_t place, const ExportColumn &column);
+    Cell machine(std::size_t place, UrlColumn column);
     Date actionDate(std::size_t place);
     FactList facts(std::size_t place) { return m_table.facts(place, m_facts); }
     bool isRead(std::size_t place) { return m_table.isRead(place); }
@@ -57,8 +57,6 @@ std::unique_ptr<ExportWriter> makeJsonLinesWriter(ExportClass &job);
 std::unique_ptr<ExportWriter> makeXlsxWriter(ExportClass &job,
                                              const std::filesystem::path &scratch);
 
-/// True and False for truth values, nothing for nothing.
-std::string plainText(const MachineValue &value);
 /// Programs of spreadsheets take such a text for a formula.
 bool looksLikeFormula(std::string_view text);
 

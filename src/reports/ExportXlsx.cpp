@@ -115,7 +115,7 @@ class XlsxWriter final : public ExportWriter {
         const FactList facts = cells.facts(place);
         if (facts.empty())
             return;
-        const MachineValue id = cells.machine(place, UrlColumn::Id);
+        const Cell id = cells.machine(place, UrlColumn::Id);
         for (const RecordFact &fact : facts)
             writeFact(id, fact);
     }
@@ -147,7 +147,7 @@ class XlsxWriter final : public ExportWriter {
             addSheet(series);
     }
 
-    void writeFact(const MachineValue &id, const RecordFact &fact) {
+    void writeFact(const Cell &id, const RecordFact &fact) {
         makeRoom(m_facts);
         const std::int64_t before = m_written.cells;
         write(m_facts, 0, id);
@@ -157,8 +157,8 @@ class XlsxWriter final : public ExportWriter {
         endRow(m_facts, before);
     }
 
-    static MachineValue machineOf(const FactValue &value) {
-        return std::visit([](const auto &held) { return MachineValue(held); }, value);
+    static Cell machineOf(const FactValue &value) {
+        return std::visit([](const auto &held) { return Cell(held); }, value);
     }
 
     /// A row without cells isn't written.
@@ -203,10 +203,10 @@ class XlsxWriter final : public ExportWriter {
         series.row = 1;
     }
 
-    void write(const SheetSeries &to, lxw_col_t at, const MachineValue &value) {
+    void write(const SheetSeries &to, lxw_col_t at, const Cell &value) {
         // An empty text makes no cell.
         const auto *words = std::get_if<std::string>(&value);
-        if (!std::holds_alternative<std::monostate>(value) && (!words || !words->empty()))
+        if (!value.isNothing() && (!words || !words->empty()))
             ++m_written.cells;
         if (const auto *flag = std::get_if<bool>(&value)) {
             worksheet_write_boolean(to.sheet, to.row, at, *flag ? 1 : 0, nullptr);

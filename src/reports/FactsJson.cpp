@@ -1,5 +1,8 @@
 #include "reports/FactsJson.h"
 
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
 #include <type_traits>
 #include <utility>
 
@@ -31,14 +34,23 @@ void put(Json &object, const std::string &name, Json value) {
     there.push_back(std::move(value));
 }
 
+std::string textOf(const char *name, const Json &object) {
+    return fmt::format("\"{}\":{}", name,
+                       object.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
 } // namespace
 
-void addFacts(Json &record, const FactList &facts) {
+std::string factMembers(const FactList &facts) {
+    Json values, raw;
     for (const RecordFact &fact : facts) {
-        put(record["facts"], fact.name, jsonOf(fact.value));
+        put(values, fact.name, jsonOf(fact.value));
         if (!std::holds_alternative<std::monostate>(fact.raw))
-            put(record["facts_raw"], fact.name, jsonOf(fact.raw));
+            put(raw, fact.name, jsonOf(fact.raw));
     }
+    if (values.is_null())
+        return {};
+    return textOf("facts", values) + (raw.is_null() ? "" : "," + textOf("facts_raw", raw));
 }
 
 } // namespace nv

@@ -2,13 +2,13 @@
 
 #include "db/FactList.h"
 
-#include <nlohmann/json.hpp>
+#include <string>
 
 namespace nv {
 
-/// Adds the facts to a record's object: "facts" has their values by their names, "facts_raw" the
-/// raw forms of those that have one. What comes several times is a list. Without facts there is
-/// neither.
-void addFacts(nlohmann::ordered_json &record, const FactList &facts);
+/// The facts as members of their record's JSON object: "facts" has their values by their names,
+/// "facts_raw" the raw forms of those that have one. What comes several times is a list. Empty
+/// without facts.
+std::string factMembers(const FactList &facts);
 
 } // namespace nv

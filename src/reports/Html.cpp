@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::array<std::string_view, 4> kSchemes = {"http://", "https://", "ftp://", "file://"};
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
     std::string html;
     html.reserve(text.size());
     for (const char c : text)
@@ -73,7 +73,7 @@ std::string percentCoded(std::string_view address) {
 } // namespace
 
 std::string htmlText(std::string_view value) {
-    return quoted(displayText(value, value.size()));
+    return inQuotes(displayText(value, value.size()));
 }
 
 std::string htmlLines(std::string_view value) {
@@ -84,7 +84,7 @@ std::string htmlLines(std::string_view value) {
 }
 
 std::string htmlAddress(std::string_view value) {
-    return quoted(percentCoded(decodeText(value)));
+    return inQuotes(percentCoded(decodeText(value)));
 }
 
 bool isLink(std::string_view url) {

@@ -141,6 +141,7 @@ void PageWriter::enter(const Node &node) {
 
 void PageWriter::writeText(std::string_view text) {
     const std::string written = markupText(text);
+    // Readers pass over a line break right after such a tag: of two the second one stays.
     if (m_text.size() == m_lineEaten && written.starts_with('\n'))
         m_text += '\n';
     m_text += written;

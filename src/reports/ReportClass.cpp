@@ -2,10 +2,12 @@
 
 #include "base/Files.h"
 #include "base/Storage.h"
+#include "base/Succeeds.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/SqliteErrors.h"
+#include "readers/RecordKind.h"
 #include "reports/CardText.h"
 #include "reports/ReportValues.h"
 #include "reports/SortTable.h"
@@ -47,22 +49,13 @@ constexpr std::string_view kLegend =
     "the URL was originally accessed.</li>\r\n"
     "</ol></div>";
 
-struct BrowserName {
-    std::string_view cacheType;
-    std::string_view name;
-};
-constexpr std::array<BrowserName, 7> kBrowsers = {{{"IE CACHE", "Internet Explorer"},
-                                                   {"FIREFOX CACHE", "Firefox"},
-                                                   {"OPERA CACHE", "Opera"},
-                                                   {"CHROME CACHE", "Google Chrome"},
-                                                   {"SAFARI CACHE", "Safari"},
-                                                   {"MAC CACHE", "MAC Internet Explorer"},
-                                                   {"NETANALYSIS", "NetAnalysis"}}};
-
-/// Whatever isn't in the list goes by the name of the first: reports of earlier cases read so.
+/// What can't be told goes by the name of the first browser: reports of earlier cases read so.
 std::string_view browserOf(std::string_view cacheType) {
-    const auto *found = std::ranges::find(kBrowsers, toUpper(cacheType), &BrowserName::cacheType);
-    return found == kBrowsers.end() ? kBrowsers.front().name : found->name;
+    const RecordKind *kind = recordKind(cacheType);
+    const bool isNamed =
+        kind ? !kind->reportedAsInternetExplorer : groupOf(cacheType) == RecordGroup::cache;
+    const BrowserFamily *family = isNamed ? familyOf(cacheType) : nullptr;
+    return family ? family->report : families::internetExplorer.report;
 }
 
 /// A page that was cut short must not look finished.
@@ -195,11 +188,8 @@ ReportCard ReportClass::cardOf(UrlId id, std::size_t place, TaskMonitor &task) {
         return card;
     card.record = std::move(*record);
     const bool brought =
-        trapped(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
-                kContactSupport, false, [&] {
-                    evidence().bring(card, place, task);
-                    return true;
-                });
+        succeeds(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateGraphicalRecord()",
+                 kContactSupport, [&] { evidence().bring(card, place, task); });
     if (!brought) {
         card.absence = "The cached file could not be read; the log of the program says why.";
         ++FilesFailed;

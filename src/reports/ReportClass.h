@@ -3,6 +3,7 @@
 #include "reports/CardEvidence.h"
 #include "reports/ReportContext.h"
 #include "reports/ReportFolder.h"
+#include "reports/ReportTitle.h"
 #include "views/IdLoader.h"
 #include "views/UnreadRows.h"
 
@@ -77,8 +78,6 @@ class ReportClass {
     bool FooterFailed = false;
 
     static constexpr std::string_view kNoPicture = "images/report-default.png";
-    static constexpr std::string_view kDefaultReportTitle =
-        "Norvelane Internet Cache and History Analysis";
 
     /// Both write the report into a folder "Report" of `folder` and set `ReportFilePath`; whether
     /// it was finished is whether that file is there. A failure is logged. Throw StorageFailure

@@ -2,8 +2,8 @@
 
 #include "base/Files.h"
 #include "base/Storage.h"
+#include "base/Succeeds.h"
 #include "base/Text.h"
-#include "base/Trap.h"
 #include "reports/PictureKind.h"
 
 #include <fmt/format.h>
@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::size_t kShortestRowName = 11; ///< "0000017.NVR"
 
+/// Only what reports themselves make may be removed: the examiner may have put more beside it.
 bool isRowFolder(const fs::path &folder) {
     const std::string name = textOf(folder.filename());
     return name.size() >= kShortestRowName && name.ends_with(".NVR") &&
@@ -80,11 +81,9 @@ std::string ReportFolder::takePicture(const fs::path &picture, const std::string
         return {};
     }
     const std::string copy = fmt::format("images/{}.{}", name, kind);
-    const bool copied = trapped(log, Severity::Warning, "ReportClass.CreateHeader()",
-                                "Error Creating Report Header", false, [&] {
-                                    copyToScratch(picture, path / copy);
-                                    return true;
-                                });
+    const bool copied =
+        succeeds(log, Severity::Warning, "ReportClass.CreateHeader()",
+                 "Error Creating Report Header", [&] { copyToScratch(picture, path / copy); });
     return copied ? copy : std::string();
 }
 

@@ -1,5 +1,5 @@
 // Head and tail of a report's page.
-#include "base/Trap.h"
+#include "base/Succeeds.h"
 #include "reports/Html.h"
 #include "reports/ReportClass.h"
 
@@ -26,9 +26,9 @@ constexpr std::string_view kBlock =
 } // namespace
 
 void ReportClass::CreateHeader(std::ostream &file) {
-    HeaderFailed = !trapped(
+    HeaderFailed = !succeeds(
         m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateHeader()",
-        "Error Creating Report Header", false, [&] {
+        "Error Creating Report Header", [&] {
             PrintEntry(file, "<!DOCTYPE HTML PUBLIC '-//W3C//DTD HTML 4.0 Transitional//EN'>");
             PrintEntry(file, "<html>");
             PrintEntry(file, kPolicy);
@@ -45,7 +45,6 @@ void ReportClass::CreateHeader(std::ostream &file) {
                                        : htmlText(ReportTitle)));
             PrintEntry(file, customerOptions());
             PrintEntry(file, zoneNote());
-            return true;
         });
 }
 
@@ -92,9 +91,9 @@ std::string ReportClass::zoneNote() const {
 }
 
 void ReportClass::CreateFooter(std::ostream &file) {
-    FooterFailed = !trapped(
+    FooterFailed = !succeeds(
         m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateFooter()",
-        "Error Creating Report Footer", false, [&] {
+        "Error Creating Report Footer", [&] {
             PrintEntry(file, "<br><br>");
             PrintEntry(file,
                        fmt::format(
@@ -105,7 +104,6 @@ void ReportClass::CreateFooter(std::ostream &file) {
                            m_ctx.settings.version));
             PrintEntry(file, "</body>");
             PrintEntry(file, "</html>");
-            return true;
         });
 }
 

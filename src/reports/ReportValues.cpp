@@ -1,6 +1,7 @@
 #include "reports/ReportValues.h"
 
 #include "base/Text.h"
+#include "readers/RecordKind.h"
 
 #include <string>
 
@@ -22,7 +23,8 @@ std::string visitsText(std::int64_t visits) {
 }
 
 bool isWeekly(const URLClass &record) {
-    return toUpper(record.cacheType) == "IE WEEKLY";
+    const RecordKind *kind = recordKind(record.cacheType);
+    return kind && kind->inLocalTime;
 }
 
 std::string_view dateColour(const URLClass &record) {

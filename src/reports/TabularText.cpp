@@ -1,49 +1,27 @@
 #include "reports/TabularText.h"
 
 #include "base/Text.h"
+#include "readers/RecordKind.h"
 #include "reports/Html.h"
 #include "reports/ReportValues.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <array>
-
 namespace nv {
 
 namespace {
-
-struct TypeIcon {
-    std::string_view beginning; ///< of the record's type, in upper case
-    std::string_view image;
-    std::string_view alt;
-};
-// The first that fits counts. Opera's says "Safari": reports of earlier cases do.
-constexpr std::array<TypeIcon, 11> kIcons = {{
-    {"IE DAILY", "ie.gif", "Internet Explorer Daily History"},
-    {"IE WEEKLY", "ie.gif", "Internet Explorer Weekly History"},
-    {"IE HISTORY", "ie.gif", "Internet Explorer Master History"},
-    {"IE CACHE", "ie.gif", "Internet Explorer Cache"},
-    {"IE", "ie.gif", "Internet Explorer"},
-    {"FIREFOX", "firefox.gif", "Mozilla Firefox"},
-    {"MAC", "net.gif", "MAC Internet Explorer"},
-    {"SAFARI", "safari.gif", "Safari"},
-    {"OPERA", "opera.gif", "Safari"},
-    {"NETANALYSIS", "net.gif", "NetAnalysis"},
-    {"CHROME", "chrome.gif", "Google Chrome"},
-}};
 
 std::string cell(std::string_view html) {
     return fmt::format("<td valign='top'>{}</td>", html.empty() ? "&nbsp;" : html);
 }
 
 std::string typeCell(const URLClass &record) {
-    const std::string type = toUpper(trim(record.cacheType));
-    const auto *icon = std::ranges::find_if(
-        kIcons, [&type](const TypeIcon &each) { return type.starts_with(each.beginning); });
-    return cell(icon == kIcons.end() ? std::string()
-                                     : fmt::format("<img src='images/{0}' alt='{1}' title='{1}'>",
-                                                   icon->image, icon->alt));
+    const BrowserFamily *family = familyOf(record.cacheType);
+    if (!family)
+        return cell("");
+    const RecordKind *kind = recordKind(record.cacheType);
+    return cell(fmt::format("<img src='images/{0}' alt='{1}' title='{1}'>", family->image,
+                            kind && !kind->title.empty() ? kind->title : family->title));
 }
 
 std::string dateCell(const URLClass &record, const ReportContext &ctx) {

@@ -1,5 +1,6 @@
 #include "time/ZoneDatabase.h"
 
+#include "base/Succeeds.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "time/Daylight.h"
@@ -129,11 +130,10 @@ ZoneChange ZoneDatabase::SetNewTimeZone(TimeZoneClass &zone, std::int32_t id, Da
     const ZoneRow &row = rows.front();
     change.found = true;
     setFromRow(zone, row, IsDSTInEffect(now, row.Latitude_Bias) && enableDSTChanges);
-    const bool shown = trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+    const bool shown = succeeds(m_log, Severity::Warning, kProcedure, kContactSupport, [&] {
         zone.tzActiveBias =
             row.UsesDST && zone.DSTInEffect ? activeDaylightBias(row) : row.STD_Bias;
         showActiveBias(zone);
-        return true;
     });
     if (!shown)
         change.errorNumber = kOverflow;
@@ -153,9 +153,8 @@ TimeZoneClass ZoneDatabase::GetSystemTimeZone(TimeZoneClass zone, const MachineZ
                       machine.biasMinutes, name);
     TimeZoneClass result = zone;
     const bool detected =
-        !rows.empty() && trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
+        !rows.empty() && succeeds(m_log, Severity::Warning, kProcedure, kContactSupport, [&] {
             detectFromRow(result, rows.front(), IsDSTInEffect(now, rows.front().Latitude_Bias));
-            return true;
         });
     if (detected)
         return result;

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "db/URLClass.h"
+#include "readers/RecordKind.h"
 
 #include <algorithm>
 
@@ -118,15 +119,21 @@ bool isOfOthers(const FiltersClass &filters, const FilterFacts &facts) {
 /// A source that is off hides its records, even from `showAll`.
 bool isVetoed(const FiltersClass &filters, const FilterFacts &facts) {
     return (facts.IsHistory && !filters.showHistoryURLs) ||
-           (!filters.showCacheURLs && facts.cacheType.find("CACHE") != std::string::npos) ||
-           (facts.IsCookie && !filters.showCookies) || (facts.IsBookmark && !filters.showBookmarks);
+           (!filters.showCacheURLs && facts.isCache) || (facts.IsCookie && !filters.showCookies) ||
+           (facts.IsBookmark && !filters.showBookmarks);
 }
 
 FilterFacts factsOf(const URLClass &record) {
-    return {
-        record.IsHistory,         record.IsCookie,   record.IsBookmark,   toUpper(record.cacheType),
-        toUpper(record.Category), record.URLFileExt, toLower(record.URL), record.Browser,
-        record.Profile,           record.Person};
+    return {.IsHistory = record.IsHistory,
+            .IsCookie = record.IsCookie,
+            .IsBookmark = record.IsBookmark,
+            .isCache = groupOf(record.cacheType) == RecordGroup::cache,
+            .Category = toUpper(record.Category),
+            .URLFileExt = record.URLFileExt,
+            .URL = toLower(record.URL),
+            .Browser = record.Browser,
+            .Profile = record.Profile,
+            .Person = record.Person};
 }
 
 } // namespace

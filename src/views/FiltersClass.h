@@ -79,7 +79,7 @@ struct FilterFacts {
     bool IsHistory = false;
     bool IsCookie = false;
     bool IsBookmark = false;
-    std::string cacheType;  ///< upper case
+    bool isCache = false;   ///< by its `CacheType`
     std::string Category;   ///< upper case
     std::string URLFileExt; ///< as stored
     std::string URL;        ///< lower case

@@ -2,6 +2,7 @@
 
 #include "base/DisplayText.h"
 #include "base/NoLog.h"
+#include "base/Succeeds.h"
 #include "base/Text.h"
 #include "views/CellText.h"
 #include "views/RowWalk.h"
@@ -269,10 +270,8 @@ std::optional<FoundTexts> rowsWith(const FindText &what, const RowIds &ids,
         if (!task.advance(done++ / static_cast<double>(sorted.size())))
             return std::nullopt;
         bool holds = false;
-        const bool isRead = trapped(unheard, Severity::Low, {}, {}, false, [&] {
-            holds = walk.goTo(id) && finder.isInRow();
-            return true;
-        });
+        const bool isRead = succeeds(unheard, Severity::Low, {}, {},
+                                     [&] { holds = walk.goTo(id) && finder.isInRow(); });
         if (holds)
             found.ids.push_back(id);
         if (!isRead)

@@ -1,5 +1,6 @@
 #include "views/Gallery.h"
 
+#include "base/Succeeds.h"
 #include "base/Trap.h"
 #include "db/Dialect.h"
 #include "db/ReadOnlyConnection.h"
@@ -73,6 +74,8 @@ LoadResult Gallery::load(TaskMonitor &task) {
         m_ids.resize(m_ids.size() - m_lost.size()); // they are its last
     }
     m_pageCount = static_cast<int>((m_ids.size() + m_pageSize - 1) / m_pageSize);
+    // After a cancelled or failed load too: there are no ids then, and no tile of the load before
+    // may stay.
     const bool shown = showPage(m_page);
     if (walk == Walk::Cancelled)
         return LoadResult::Cancelled;
@@ -86,10 +89,8 @@ bool Gallery::showPage(int page) {
     m_page = std::max(1, std::min(page, m_pageCount));
     m_gallery.Tiles.Clear();
     m_tilesLost.clear();
-    const bool read = trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [this] {
-        readTiles();
-        return true;
-    });
+    const bool read =
+        succeeds(m_log, Severity::Warning, kProcedure, kContactSupport, [this] { readTiles(); });
     if (!read)
         m_gallery.Tiles.Clear();
     return read;

@@ -1,6 +1,7 @@
 #include "views/IconKey.h"
 
 #include "base/Text.h"
+#include "readers/RecordKind.h"
 
 #include <algorithm>
 #include <array>
@@ -56,7 +57,10 @@ const KeyRow *rowOf(const std::array<KeyRow, N> &rows, std::string_view word) {
 std::string_view iconKey(const IconFacts &facts) {
     if (facts.isHistory || facts.isBookmark)
         return "history";
-    if (facts.isCookie || containsNoCase(facts.cacheType, "cookie") ||
+    const RecordKind *kind = recordKind(facts.cacheType);
+    if (kind && !kind->icon.empty())
+        return kind->icon;
+    if (facts.isCookie || groupOf(facts.cacheType) == RecordGroup::cookies ||
         containsNoCase(facts.category, "cookie"))
         return "cookie";
     if (const KeyRow *row = rowOf(kByExtension, facts.extension))

@@ -5,6 +5,7 @@
 #include "base/Trap.h"
 #include "db/Damage.h"
 #include "db/ReadOnlyConnection.h"
+#include "readers/RecordKind.h"
 #include "views/DamagedList.h"
 #include "views/RowWalk.h"
 #include "views/StatementWatch.h"
@@ -62,7 +63,7 @@ FilterFacts factsIn(SQLite::Statement &row) {
     facts.IsHistory = row.getColumn(1).getInt() != 0;
     facts.IsCookie = row.getColumn(2).getInt() != 0;
     facts.IsBookmark = row.getColumn(3).getInt() != 0;
-    facts.cacheType = toUpper(textIn(row.getColumn(4)));
+    facts.isCache = groupOf(textIn(row.getColumn(4))) == RecordGroup::cache;
     facts.Category = toUpper(textIn(row.getColumn(5)));
     facts.URLFileExt = textIn(row.getColumn(6));
     facts.URL = toLower(textIn(row.getColumn(7)));

@@ -40,8 +40,8 @@ TableLayout examinerLayout() {
     return layout;
 }
 
-/// Shown columns from left to right, each as its documented index and its width in twips: "0:0
-/// 14:5000". A width of 0 is that of what the column holds.
+/// Shown columns from left to right, each as its number and its width in twips: "0:0 14:5000"
+/// (docs/formats/project-file.md). A width of 0 is that of what the column holds.
 std::string textOf(const TableLayout &layout) {
     std::string text;
     for (const UrlColumn column : layout.shownColumns())

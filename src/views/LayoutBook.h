@@ -12,8 +12,9 @@ namespace nv {
 enum class LayoutNameFault { None, Empty, TooLong, Taken };
 
 /// The column layouts of a project, by name; one of them is shown. Two are built in: "Examiner",
-/// which a new project opens with, and "Classic", the documented columns in their order. Both can
-/// be arranged anew and reset. Names are told apart without regard to case.
+/// which a new project opens with, and "Classic", all columns in the order of `UrlColumn` but the
+/// two that came later (docs/guide/table.md). Both can be arranged anew and reset. Names are told
+/// apart without regard to case.
 class LayoutBook {
   public:
     static constexpr std::string_view kExaminer = "Examiner";
@@ -44,7 +45,7 @@ class LayoutBook {
     void reset() { layout() = defaults(); }
 
     /// From and to `DefaultSettings`. The active layout is kept column by column, the others as one
-    /// text each. A project of a version without layouts was left in the documented order.
+    /// text each. A project of a version without layouts was left in Classic.
     void restore(const TableLayout::Read &read);
     void save(const TableLayout::Write &write) const;
 

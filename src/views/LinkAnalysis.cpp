@@ -5,8 +5,8 @@
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
 #include "import/PageContent.h"
-#include "readers/CachedBody.h"
-#include "readers/ContentProbe.h"
+#include "import/SavedContent.h"
+#include "readers/RecordKind.h"
 #include "views/DateIndex.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -40,10 +40,9 @@ class RowsInTurn {
   public:
     /// Where an import found no content, the path of the row may be that of the index.
     explicit RowsInTurn(SQLite::Database &project)
-        : m_select(project, "SELECT URL_ID, ifnull(trim(HashedURL), ''), CacheFileExists "
-                            "AND upper(trim(CacheType)) IN ('FIREFOX CACHE', 'SAFARI CACHE', "
-                            "'CHROME CACHE', 'IE CACHE', 'OPERA CACHE'), "
-                            "CASE WHEN ifnull(trim(HashedURL), '') = '' THEN URL END "
+        : m_select(project, "SELECT URL_ID, ifnull(trim(HashedURL), ''), "
+                            "CASE WHEN CacheFileExists THEN CacheType END, CASE WHEN "
+                            "ifnull(trim(HashedURL), '') = '' THEN URL END "
                             "FROM URLs WHERE URL_ID > ? ORDER BY URL_ID LIMIT ?") {}
 
     /// The next rows; none at the end.
@@ -54,12 +53,13 @@ class RowsInTurn {
         m_select.bind(2, kRowsAtHand);
         m_rows.clear();
         while (m_select.executeStep())
-            m_rows.push_back(
-                {m_select.getColumn(0).getInt64(), hash(), m_select.getColumn(2).getInt() != 0});
+            m_rows.push_back({m_select.getColumn(0).getInt64(), hash(), mayBePage()});
         return m_rows;
     }
 
   private:
+    bool mayBePage() { return partsOf(m_select.getColumn(2).getString()) != CacheParts::none; }
+
     /// Rows that another program wrote may have a URL without its hash.
     std::string hash() {
         const std::string url = m_select.getColumn(3).getString();
@@ -89,16 +89,17 @@ class PageRefresh {
   private:
     void refresh(URLClass &record) {
         record.cacheType = trim(record.cacheType);
-        const auto file = contentOf(record, {m_ctx.evidence, m_ctx.scratch, m_ctx.log});
-        if (!file) {
+        const Extraction extraction{m_ctx.evidence, m_ctx.scratch, m_ctx.log};
+        SavedContent content(record, extraction, m_content);
+        const ContentFacts *facts = content.facts();
+        if (!facts) {
             ++m_totals.notFetched;
             return;
         }
-        // The cheap test, which loads no file: most of a cache is pictures.
-        const ContentFacts &facts = m_content.facts(*file);
-        if (!facts.hasHtml && !facts.hasBody)
+        // The cheap test, before anything is decoded or parsed: most of a cache is pictures.
+        if (!facts->hasHtml && !facts->hasBody)
             return;
-        write(record.URLID, ReadPageContent(ReadPageText(*file, record.MetaData), *file));
+        write(record.URLID, ReadPageContent(content.pageText(), content.file()));
         ++m_totals.refreshed;
     }
 

@@ -2,6 +2,7 @@
 
 #include "base/Trap.h"
 #include "db/URLClass.h"
+#include "readers/RecordKind.h"
 #include "rebuild/Harvest.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -26,8 +27,7 @@ constexpr const char *kPairs =
     "SELECT A.Parent_ID, A.Child_ID, A.URL, A.HashedURL, U.Visits IS NOT NULL, U.Visits, "
     "CASE WHEN U.URL_ID IS NULL THEN '' WHEN U.IsHistory THEN 'History' "
     "WHEN U.IsCookie THEN 'Cookie' WHEN U.IsBookmark THEN 'Bookmark' "
-    "WHEN substr(trim(U.CacheType), -5) <> 'cache' COLLATE NOCASE THEN trim(U.CacheType) "
-    "ELSE 'Cache' END "
+    "ELSE ifnull(trim(U.CacheType), 'Cache') END "
     "FROM LinkAnalysis A LEFT JOIN URLs U ON U.URL_ID = "
     "CASE WHEN A.Parent_ID = ?1 THEN A.Child_ID ELSE A.Parent_ID END "
     "WHERE A.Parent_ID = ?1 OR A.Child_ID = ?1 ORDER BY A.URL ASC, A.Link_ID";
@@ -44,6 +44,8 @@ LinkRow rowIn(SQLite::Statement &pairs, UrlId URL_ID) {
         !visits.isNull() && visits.getInt64() != kVisitsUnknown)
         row.Visits = visits.getInt64();
     row.kind = pairs.getColumn(6).getString();
+    if (groupOf(row.kind) == RecordGroup::cache)
+        row.kind = groupWord(RecordGroup::cache);
     return row;
 }
 

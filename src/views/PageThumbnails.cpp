@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Md5.h"
+#include "base/Succeeds.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
 #include "views/ThumbnailJobs.h"
@@ -18,6 +19,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kProcedure = "MainBAS.CreateHTMLThumbnail()";
+/// A page may have failed by the one before it, with which it shared the drawing process.
 constexpr int kTrials = 2;
 
 class PageRun {
@@ -63,16 +65,14 @@ class PageRun {
     bool take(std::size_t place, const Drawn &drawn) {
         const PageDrawing &page = m_pages[place];
         if (!drawn.done) {
+            // The words are those that error logs always had, whatever the system.
             m_ctx.log.write(
                 {fmt::format("Win32 Error: {} (URL ID: {})", drawn.failure, number(page.URL_ID)),
                  std::string(kProcedure), Severity::Warning, std::string(kContactSupport)});
             return false;
         }
-        m_drawn[place] =
-            trapped(m_ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-                StoreThumbnail(page.URL_ID, page.destination, m_ctx);
-                return true;
-            });
+        m_drawn[place] = succeeds(m_ctx.log, Severity::Warning, kProcedure, kContactSupport,
+                                  [&] { StoreThumbnail(page.URL_ID, page.destination, m_ctx); });
         m_done += m_drawn[place] ? 1 : 0;
         return m_drawn[place];
     }
@@ -116,6 +116,7 @@ Stored StoreThumbnail(UrlId URL_ID, const fs::path &path, const ThumbnailContext
     const std::string hash = FileMD5(path).value_or("");
     const Bytes bytes = readWhole(path);
     return onRow(ctx.project, [&] {
+        // A page that looks as it did needs no write.
         if (holdsAlready(URL_ID, hash, ctx.project))
             return Stored::sameBytes;
         SQLite::Statement update(ctx.project,

@@ -2,17 +2,13 @@
 
 #include "base/Paths.h"
 #include "base/Text.h"
+#include "readers/RecordKind.h"
 
-#include <algorithm>
-#include <array>
 #include <filesystem>
 #include <system_error>
 
 namespace nv {
 namespace {
-
-constexpr std::array<std::string_view, 4> kCachesWithIndex = {"SAFARI CACHE", "FIREFOX CACHE",
-                                                              "OPERA CACHE", "CHROME CACHE"};
 
 bool isSeparator(char c) {
     return c == '/' || c == '\\';
@@ -44,16 +40,15 @@ std::string pathUnderBase(std::string_view rootPath, std::string_view historyFil
 }
 
 bool PathCheck::isBad(const EvidencePlace &place) {
-    if (equalsNoCase(place.cacheType, "IE CACHE")) {
+    const CacheParts parts = partsOf(place.cacheType);
+    if (parts == CacheParts::byPath) {
         // A redirection names no file, so none is missing.
         if (place.relativePath.empty() && place.cacheFileName.empty())
             return false;
         return !exists(std::string(place.rootPath).append(place.relativePath));
     }
-    const bool hasIndex =
-        std::any_of(kCachesWithIndex.begin(), kCachesWithIndex.end(),
-                    [&](std::string_view type) { return equalsNoCase(place.cacheType, type); });
-    return hasIndex && !exists(pathUnderBase(place.rootPath, place.historyFilePath));
+    return parts == CacheParts::byUrl &&
+           !exists(pathUnderBase(place.rootPath, place.historyFilePath));
 }
 
 bool PathCheck::exists(const std::string &path) {

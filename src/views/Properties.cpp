@@ -1,17 +1,17 @@
 #include "views/Properties.h"
 
+#include "base/Succeeds.h"
 #include "base/Text.h"
-#include "base/Trap.h"
 #include "db/RecordFacts.h"
 #include "db/SchemaColumns.h"
 #include "db/URLClass.h"
 #include "views/EXIFClass.h"
+#include "views/StoredCell.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
 #include <array>
-#include <cmath>
 #include <utility>
 
 namespace nv {
@@ -42,10 +42,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 12> kExifRow
 
 template <class Body>
 bool attempt(FailureLog &log, Body &&body) {
-    return trapped(log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-        body();
-        return true;
-    });
+    return succeeds(log, Severity::Warning, kProcedure, kContactSupport, [&] { body(); });
 }
 
 bool isSkipped(std::string_view field) {
@@ -62,23 +59,6 @@ ColumnType typeOf(std::string_view field, const SQLite::Column &stored) {
         if (equalsNoCase(column.name, field))
             return column.type;
     return stored.isBlob() ? ColumnType::Binary : ColumnType::Memo;
-}
-
-std::string numberText(double value) {
-    constexpr double kExactWholes = 9007199254740992; // 2^53
-    if (std::trunc(value) == value && std::abs(value) < kExactWholes)
-        return std::to_string(static_cast<std::int64_t>(value)); // offsets are stored as floats
-    return fmt::format("{}", value);
-}
-
-std::string plainText(const SQLite::Column &stored) {
-    if (stored.isNull())
-        return {};
-    if (stored.isFloat())
-        return numberText(stored.getDouble());
-    if (stored.isBlob())
-        return fmt::format("<{} bytes>", stored.size());
-    return decodeText(stored.getString());
 }
 
 Date dateIn(const SQLite::Column &stored) {
@@ -115,7 +95,7 @@ class RecordFields {
     std::string textNamed(std::string_view field) const {
         for (int at = 0; at < m_row.getColumnCount(); ++at)
             if (equalsNoCase(m_row.getColumnName(at), field))
-                return plainText(m_row.getColumn(at));
+                return plainText(storedCell(m_row.getColumn(at)));
         return {};
     }
 
@@ -141,7 +121,7 @@ class RecordFields {
         case ColumnType::Binary:
             return stored.size() > 0 ? fmt::format("<{} bytes>", stored.size()) : std::string();
         default:
-            return plainText(stored);
+            return plainText(storedCell(stored));
         }
     }
 

@@ -10,8 +10,9 @@
 
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <cstdlib>
+#include <type_traits>
+#include <variant>
 
 namespace nv {
 namespace {
@@ -27,46 +28,34 @@ const StoredValue &storedIn(const UrlRow &row, UrlColumn column) {
     return row.stored.at(indexOf(column));
 }
 
-/// Offsets are stored as floats that hold whole numbers.
-MachineValue machineNumber(const StoredValue &value) {
-    if (const auto *whole = std::get_if<std::int64_t>(&value))
-        return *whole;
-    if (const auto *real = std::get_if<double>(&value)) {
-        constexpr double kExact = 9007199254740992.0; // 2^53
-        if (std::trunc(*real) == *real && std::abs(*real) < kExact)
-            return static_cast<std::int64_t>(*real);
-        return *real;
-    }
-    if (const auto *text = std::get_if<std::string>(&value))
-        return *text;
-    return {};
-}
-
-std::string plain(const MachineValue &value) {
-    if (const auto *whole = std::get_if<std::int64_t>(&value))
-        return std::to_string(*whole);
-    if (const auto *real = std::get_if<double>(&value))
-        return fmt::format("{}", *real);
-    const auto *text = std::get_if<std::string>(&value);
-    return text ? *text : std::string();
+Cell cellOf(const StoredValue &value) {
+    return std::visit(
+        [](const auto &held) -> Cell {
+            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>)
+                return nullptr;
+            else if constexpr (std::is_same_v<std::decay_t<decltype(held)>, double>)
+                return numberCell(held);
+            else
+                return held;
+        },
+        value);
 }
 
 /// Nothing where the format has no counter, so that nobody takes the stand-in for a number.
-MachineValue storedNumber(const UrlRow &row, UrlColumn column) {
-    const MachineValue value = machineNumber(storedIn(row, column));
+Cell storedNumber(const UrlRow &row, UrlColumn column) {
+    const Cell value = cellOf(storedIn(row, column));
     const auto *whole = std::get_if<std::int64_t>(&value);
-    return column == UrlColumn::Visits && whole && *whole == kVisitsUnknown ? MachineValue()
-                                                                            : value;
+    return column == UrlColumn::Visits && whole && *whole == kVisitsUnknown ? Cell() : value;
 }
 
-MachineValue unreadCell(const UrlRow &row, UrlColumn column) {
+Cell unreadCell(const UrlRow &row, UrlColumn column) {
     if (column == UrlColumn::Id)
         return number(row.id);
-    return column == UrlColumn::Status ? MachineValue(std::string(kUnreadable)) : MachineValue();
+    return column == UrlColumn::Status ? Cell(std::string(kUnreadable)) : Cell();
 }
 
 std::string storedText(const UrlRow &row, UrlColumn column) {
-    return plain(machineNumber(storedIn(row, column)));
+    return plainText(cellOf(storedIn(row, column)));
 }
 
 bool storedFlag(const UrlRow &row, UrlColumn column) {
@@ -183,7 +172,7 @@ std::string RowCells::zoneIso(const UrlRow &row) {
 
 std::string RowCells::text(const UrlRow &row, UrlColumn column) {
     if (!row.found)
-        return plain(unreadCell(row, column));
+        return plainText(unreadCell(row, column));
     switch (factsOf(column).rule) {
     case CellRule::Nothing:
     case CellRule::Tick:
@@ -196,7 +185,7 @@ std::string RowCells::text(const UrlRow &row, UrlColumn column) {
     case CellRule::FileCreated:
         return formatDate(storedDate(row, column), kWordyFormat);
     case CellRule::Number:
-        return displayText(plain(storedNumber(row, column)));
+        return displayText(plainText(storedNumber(row, column)));
     case CellRule::Flag:
         return storedFlag(row, column) ? "True" : "False";
     case CellRule::Linked:
@@ -210,7 +199,7 @@ std::string RowCells::text(const UrlRow &row, UrlColumn column) {
     }
 }
 
-MachineValue RowCells::machine(const UrlRow &row, UrlColumn column) {
+Cell RowCells::machine(const UrlRow &row, UrlColumn column) {
     if (!row.found)
         return unreadCell(row, column);
     std::string text;
@@ -225,7 +214,7 @@ MachineValue RowCells::machine(const UrlRow &row, UrlColumn column) {
     case CellRule::Number:
         return storedNumber(row, column);
     case CellRule::Linked:
-        return row.links > 0 ? MachineValue(row.links) : MachineValue();
+        return row.links > 0 ? Cell(row.links) : Cell();
     case CellRule::Date:
     case CellRule::FileCreated:
         text = isoUtc(storedDate(row, column));
@@ -237,7 +226,7 @@ MachineValue RowCells::machine(const UrlRow &row, UrlColumn column) {
     default:
         text = wordOf(row, column, factsOf(column).rule == CellRule::Status && isBadPath(row));
     }
-    return text.empty() ? MachineValue() : MachineValue(std::move(text));
+    return text.empty() ? Cell() : Cell(std::move(text));
 }
 
 bool isCut(const StoredValue &value) {

@@ -1,20 +1,16 @@
 #pragma once
 
+#include "base/Cell.h"
 #include "base/FailureLog.h"
 #include "base/Trap.h"
 #include "time/ShownDate.h"
 #include "views/PathCheck.h"
 #include "views/UrlRow.h"
 
-#include <cstdint>
 #include <string>
 #include <string_view>
-#include <variant>
 
 namespace nv {
-
-/// A cell for other programs: nothing, a truth value, a number or a text.
-using MachineValue = std::variant<std::monostate, bool, std::int64_t, double, std::string>;
 
 /// The rules that make cells of a row. `zone` is the project's and is looked at anew for each cell.
 class RowCells {
@@ -28,7 +24,7 @@ class RowCells {
     std::string text(const UrlRow &row, UrlColumn column);
     /// The same cell with dates in ISO 8601: UTC with "Z", the zone's with its offset and whatever
     /// its age. Texts are cut where the row's are: take fullTextOf() for those that aren't whole.
-    MachineValue machine(const UrlRow &row, UrlColumn column);
+    Cell machine(const UrlRow &row, UrlColumn column);
     static std::string_view iconKeyOf(const UrlRow &row);
     /// Files may have moved: ask the file system again.
     void forgetPaths() { m_paths.forget(); }

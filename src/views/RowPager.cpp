@@ -1,6 +1,7 @@
 #include "views/RowPager.h"
 
 #include "base/NoLog.h"
+#include "base/Succeeds.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -76,6 +77,7 @@ const UrlRow *RowPager::row(std::size_t place) {
         m_pages.push_front(readPage(wanted));
         page = m_pages.begin();
     }
+    // In front stands the page asked for last; the one that goes is the one unasked for longest.
     m_pages.splice(m_pages.begin(), m_pages, page);
     return &page->rows.at(place % kPageRows);
 }
@@ -92,11 +94,9 @@ RowPager::Page RowPager::readPage(std::size_t number) {
     const std::size_t end = std::min(first + kPageRows, m_ids.size());
     Page page{number, std::vector<UrlRow>(end - first)};
     ++m_pagesRead;
+    // Without a reader every row of the page is one that can't be read, and is told so.
     const bool ready =
-        trapped(m_log, Severity::Warning, kProcedure, kContactSupport, false, [this] {
-            prepare();
-            return true;
-        });
+        succeeds(m_log, Severity::Warning, kProcedure, kContactSupport, [this] { prepare(); });
     for (std::size_t at = first; at < end; ++at) {
         UrlRow &row = page.rows[at - first];
         row.id = UrlId{m_ids[at]};

@@ -9,7 +9,7 @@
 namespace nv {
 namespace {
 
-constexpr int kWidthWhenShown = 1300; ///< of columns whose documented width is 0
+constexpr int kWidthWhenShown = 1300; ///< twips, of columns whose first width is 0
 constexpr int kWidest = 60000; ///< 4000 pixels: wider than any screen that tables are read on
 
 std::string nameOf(const UrlColumnFacts &facts, std::string_view ending) {

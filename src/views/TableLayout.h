@@ -17,7 +17,7 @@ class TableLayout {
     using Read = std::function<std::string(std::string_view name)>;
     using Write = std::function<void(std::string_view name, std::string_view value)>;
 
-    /// The documented columns in their order.
+    /// That of layout "Classic".
     TableLayout();
 
     bool hidden(UrlColumn column) const { return at(column).hidden; }

@@ -1,5 +1,6 @@
 #include "views/Tagging.h"
 
+#include "base/Succeeds.h"
 #include "base/Trap.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -38,12 +39,11 @@ std::optional<std::size_t> writeAll(SQLite::Database &database, std::span<const 
 // the program over a tick.
 
 bool setTagged(SQLite::Database &database, FailureLog &log, UrlId id, bool tagged) {
-    return trapped(log, Severity::Low, kProcedure, kNotSerious, false, [&] {
+    return succeeds(log, Severity::Low, kProcedure, kNotSerious, [&] {
         const auto row = static_cast<std::int32_t>(number(id));
         Unwatched task;
         if (writeAll(database, std::span(&row, 1), tagged, task) != 1)
             throw std::runtime_error(fmt::format("there is no row with URL_ID {}", row));
-        return true;
     });
 }
 

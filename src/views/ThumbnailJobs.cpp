@@ -4,6 +4,7 @@
 #include "base/Md5.h"
 #include "base/NoLog.h"
 #include "base/Storage.h"
+#include "base/Succeeds.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SqliteErrors.h"
@@ -179,10 +180,8 @@ void keepThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext
 void settleThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext &ctx,
                      ThumbnailTotals &totals) {
     const bool kept =
-        drawn.done && trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&] {
-            keepThumbnail(job, drawn, ctx);
-            return true;
-        });
+        drawn.done && succeeds(ctx.log, Severity::Warning, kProcedure, kContactSupport,
+                               [&] { keepThumbnail(job, drawn, ctx); });
     if (!drawn.done)
         logUndrawn(job.record.URLID, drawn.failure, ctx.log);
     ++(kept ? totals.made : totals.failed);

@@ -14,8 +14,9 @@
 
 namespace nv {
 
-/// The columns of the URL table; the value is the documented index. The last five came later: lists
-/// of "all columns" go without them.
+/// The columns of the URL table; the value is the number by which projects keep a column in their
+/// layouts (docs/formats/project-file.md). The last five came later: lists of "all columns" go
+/// without them.
 enum class UrlColumn : std::uint8_t {
     Tag,
     Icon,
@@ -74,7 +75,7 @@ enum class UrlColumn : std::uint8_t {
     Profile,
     Person,
 };
-inline constexpr std::size_t kUrlColumnCount = 51;   ///< documented ones
+inline constexpr std::size_t kUrlColumnCount = 51;   ///< those of layout "Classic"
 inline constexpr std::size_t kTableColumnCount = 56; ///< all that the table can show
 
 constexpr std::size_t indexOf(UrlColumn column) {
@@ -117,7 +118,7 @@ struct UrlColumnFacts {
 
 /// All columns, in order of their index.
 extern const std::array<UrlColumnFacts, kTableColumnCount> kTableColumns;
-/// The documented ones.
+/// Those of layout "Classic" (docs/guide/table.md).
 extern const std::span<const UrlColumnFacts, kUrlColumnCount> kUrlColumns;
 
 const UrlColumnFacts &factsOf(UrlColumn column);
@@ -145,7 +146,7 @@ struct ColumnClass {
 using URLTableColumns = KeyedList<ColumnClass>;
 using SelectedColumns = KeyedList<ColumnClass>;
 
-/// The documented columns with their first widths.
+/// The columns of layout "Classic" with their first widths.
 URLTableColumns defaultUrlColumns();
 
 /// The text of a header cell; that of a local date has a second line that names the zone's

@@ -25,7 +25,7 @@ const std::array<SortChoiceFacts, 7> kSortChoices = {{
 
 namespace {
 
-/// Brackets, as the documented texts have them; quotes when the name holds a bracket itself.
+/// Brackets, as the stored queries have them; quotes when the name holds a bracket itself.
 std::string quotedName(std::string_view name) {
     if (name.find_first_of("[]") == std::string_view::npos)
         return fmt::format("[{}]", name);

@@ -74,6 +74,7 @@ bool UrlTable::prepareProject(TaskMonitor &task) {
 std::vector<IdQuery> UrlTable::loadQueries() {
     if (sort && isSortable(sort->column)) {
         IdQuery sorted = sortQuery(choice, *sort, undated);
+        // An examiner's query may lack the column: its rows then come in their own order.
         if (canRun(m_project, sorted)) {
             m_columnSort = sort;
             return {std::move(sorted)};
@@ -112,7 +113,7 @@ LoadResult UrlTable::attempt(const std::function<Walk()> &work) {
 void UrlTable::take(FoundRows &&found) {
     m_ids = std::move(found.ids);
     m_hidden = found.hidden;
-    m_holding.reset();
+    m_find.forget();
     m_oneByOne = found.oneByOne;
     if (m_oneByOne)
         m_log.write({std::string(kOneByOneNote), std::string(kProcedure), Severity::Serious,
@@ -139,7 +140,7 @@ EmptyState UrlTable::whyEmpty(LoadResult result) {
 LoadResult UrlTable::sortInto(const IdQuery &query, TaskMonitor &task) {
     describeLoad(task);
     const Busy busy(m_busy);
-    FoundRows sorted;
+    FoundRows sorted; // until it is whole the rows stand as they are
     const LoadResult result = attempt([&] { return fill({query}, task, sorted); });
     if (result != LoadResult::Loaded)
         return result;
@@ -167,6 +168,13 @@ LoadResult UrlTable::sortBy(SortChoice order, TaskMonitor &task) {
     return result;
 }
 
+FindResult UrlTable::find(const FindText &what, std::size_t from, TaskMonitor &task) {
+    if (m_busy)
+        return {.end = FindEnd::cancelled, .unread = {}};
+    const Busy busy(m_busy);
+    return m_find.next(what, from, task);
+}
+
 UrlId UrlTable::idAt(std::size_t place) const {
     return place < m_ids.size() ? UrlId{m_ids[place]} : UrlId::none;
 }
@@ -180,6 +188,7 @@ std::optional<std::size_t> UrlTable::placeOf(UrlId id) const {
 }
 
 const UrlRow *UrlTable::rowFor(std::size_t place, UrlColumn column) {
+    // While ids are loaded the window may ask for cells: nothing is read in between.
     if (m_busy)
         return m_pager.known(place);
     m_pager.need(column);
@@ -200,11 +209,11 @@ std::string UrlTable::cell(std::size_t place, UrlColumn column) {
     return row ? m_cells.text(*row, column) : std::string();
 }
 
-MachineValue UrlTable::machineCell(std::size_t place, UrlColumn column) {
+Cell UrlTable::machineCell(std::size_t place, UrlColumn column) {
     const UrlRow *row = rowFor(place, column);
     if (!row)
         return {};
-    return isCut(row->stored.at(indexOf(column))) ? MachineValue(fullText(place, column))
+    return isCut(row->stored.at(indexOf(column))) ? Cell(fullText(place, column))
                                                   : m_cells.machine(*row, column);
 }
 
@@ -265,7 +274,7 @@ bool UrlTable::setTagged(std::size_t first, std::size_t count, bool tagged, Task
 void UrlTable::refreshRows() {
     m_pager.forget();
     m_cells.forgetPaths();
-    m_holding.reset();
+    m_find.forget();
 }
 
 Message loadFailure(std::string_view reason) {

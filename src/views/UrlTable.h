@@ -4,9 +4,9 @@
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
 #include "db/RecordFacts.h"
-#include "views/FindText.h"
 #include "views/RowCells.h"
 #include "views/RowPager.h"
+#include "views/TableFind.h"
 #include "views/UrlQuery.h"
 
 #include <cstddef>
@@ -29,14 +29,6 @@ enum class EmptyState {
     AllHidden,
     Cancelled,
     Failed,
-};
-
-enum class FindEnd { found, notThere, cancelled };
-struct FindResult {
-    FindEnd end = FindEnd::notThere;
-    std::size_t place = 0;
-    UrlColumn column = UrlColumn::Id;
-    UnreadRows unread; ///< rows in which nobody could look
 };
 
 /// The URL table without its window: the list of rows that the active query gives, and their cells.
@@ -99,7 +91,7 @@ class UrlTable {
     /// The columns that will be asked for; others work too, but cost a second reading of the rows.
     void showColumns(std::span<const UrlColumn> columns) { m_pager.setColumns(columns); }
     std::string cell(std::size_t place, UrlColumn column);
-    MachineValue machineCell(std::size_t place, UrlColumn column);
+    Cell machineCell(std::size_t place, UrlColumn column);
     /// The cell's text without a cut and without stand-ins; of stored texts only.
     std::string fullText(std::size_t place, UrlColumn column);
     /// With the fraction of its second, which cells don't show.
@@ -144,9 +136,6 @@ class UrlTable {
     LoadResult sortInto(const IdQuery &query, TaskMonitor &task);
     EmptyState whyEmpty(LoadResult result);
     const UrlRow *rowFor(std::size_t place, UrlColumn column);
-    std::optional<FindResult> foundAmong(const FoundTexts &rows, const FindText &what,
-                                         std::size_t from, std::size_t count);
-    std::optional<UrlColumn> columnWith(const FindText &what, std::size_t place);
 
     SQLite::Database &m_project;
     FailureLog &m_log;
@@ -156,11 +145,10 @@ class UrlTable {
     bool m_oneByOne = false;
     RowPager m_pager;
     RowCells m_cells;
+    TableFind m_find{m_project, m_ids, m_pager, m_cells};
     std::optional<ColumnSort> m_columnSort;
     EmptyState m_empty = EmptyState::NotLoaded;
     std::string m_failure;
-    FindText m_sought;                   ///< what was looked for last
-    std::optional<FoundTexts> m_holding; ///< all rows that hold it, when all were looked at
     bool m_busy = false;
 };
 

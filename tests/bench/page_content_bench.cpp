@@ -1,5 +1,6 @@
 #include "import/PageContent.h"
 #include "markup/HtmlCost.h"
+#include "readers/Scratch.h"
 #include "support/TempFolder.h"
 
 #include <benchmark/benchmark.h>
@@ -24,7 +25,7 @@ void pageFromFile(benchmark::State &state) {
     const test::TempFolder folder;
     const auto file = folder.write("page.htm", newsPage());
     for (auto _ : state)
-        benchmark::DoNotOptimize(ReadPageContent(ReadPageText(file, ""), file));
+        benchmark::DoNotOptimize(ReadPageContent(ReadPageText(ScratchFile(file), ""), file));
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(pageFromFile)->Unit(benchmark::kMicrosecond);

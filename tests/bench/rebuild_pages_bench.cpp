@@ -96,7 +96,8 @@ void discoverTags(benchmark::State &state) {
     std::size_t tags = 0;
     for (auto _ : state) {
         URLClass page = *cache.store.GetURL(cache.pages.front());
-        tags += FindTagsInFile(page, cache.ctx);
+        PageSource source(page, cache.ctx);
+        tags += FindTagsInFile(page, source, cache.ctx);
     }
     state.SetItemsProcessed(static_cast<std::int64_t>(tags));
 }

@@ -37,7 +37,7 @@ CliProcess::CliProcess(const std::vector<std::string> &arguments, const std::fil
     argv.push_back(nullptr);
     m_pid = ::fork();
     if (m_pid < 0)
-        throw std::runtime_error("cannot start " NV_CLI);
+        throw std::runtime_error("cannot start " + program.string());
     if (m_pid == 0) {
         ::setenv("NORVELANE_HOME", home.c_str(), 1);
         redirect("/dev/null", STDIN_FILENO);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Places.h"
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -24,7 +26,7 @@ class CliProcess {
     /// As nobody the program is bound by the modes of files, whoever runs the tests.
     enum class As { whoeverTests, nobody };
     CliProcess(const std::vector<std::string> &arguments, const std::filesystem::path &home,
-               const std::filesystem::path &program = NV_CLI, As as = As::whoeverTests);
+               const std::filesystem::path &program = cliProgram(), As as = As::whoeverTests);
     ~CliProcess();
     CliProcess(const CliProcess &) = delete;
     CliProcess &operator=(const CliProcess &) = delete;

@@ -1,4 +1,5 @@
 #include "cli/CliCase.h"
+#include "support/Places.h"
 #include "support/SqliteHistoryReading.h"
 #include "support/Unprivileged.h"
 #include "support/builders/ChromeCache.h"
@@ -37,7 +38,8 @@ class EvidenceCliTest : public CliCase {
     CliResult asNobody(const std::vector<std::string> &words) {
         fs::create_directories(folder.path() / "home");
         giveToNobody(folder.path());
-        return CliProcess(words, folder.path() / "home", NV_CLI, CliProcess::As::nobody).finish();
+        return CliProcess(words, folder.path() / "home", cliProgram(), CliProcess::As::nobody)
+            .finish();
     }
     /// A cache of one page, row 1.
     void importCache() {

@@ -1,5 +1,6 @@
 #include "base/Text.h"
 #include "cli/CliCase.h"
+#include "support/Places.h"
 #include "support/SmallFiles.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -121,7 +122,7 @@ TEST_F(GalleryCliTest, urlsThatTurnTheDirectionOfWritingAreSeenThrough) {
 TEST_F(GalleryCliTest, aSheetMayBeAPicture) {
     const fs::path picture = folder.path() / "Sheet.PNG";
     const CliResult run = cli({"gallery", project, "--out", picture.string()});
-    if (!fs::exists(fs::path(NV_CLI).parent_path() / "norvelane-draw")) {
+    if (!fs::exists(cliProgram().parent_path() / "norvelane-draw")) {
         EXPECT_EQ(run.exit, 3);
         EXPECT_THAT(run.err, HasSubstr("norvelane-draw"));
         EXPECT_FALSE(fs::exists(picture));

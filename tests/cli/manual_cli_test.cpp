@@ -1,6 +1,7 @@
 #include "base/ByteView.h"
 #include "base/Files.h"
 #include "cli/CliRun.h"
+#include "support/Places.h"
 #include "support/TempFolder.h"
 
 #include <gmock/gmock.h>
@@ -55,8 +56,8 @@ struct ManualTest : testing::Test {
     }
 
     TempFolder folder;
-    std::string manual = contentsOf(NV_MANUAL);
-    std::string readme = contentsOf(NV_README);
+    std::string manual = contentsOf(manualFile());
+    std::string readme = contentsOf(readmeFile());
 };
 
 TEST_F(ManualTest, theReadmeShowsEveryCommand) {

@@ -1,4 +1,5 @@
 #include "cli/CliCase.h"
+#include "support/Places.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -180,7 +181,7 @@ TEST_F(RebuildCliTest, ticksAreSetAndTakenAway) {
 }
 
 TEST_F(RebuildCliTest, thumbnailsAreDrawnAnewOrToldOf) {
-    const bool draws = fs::exists(fs::path(NV_CLI).parent_path() / "norvelane-draw");
+    const bool draws = fs::exists(cliProgram().parent_path() / "norvelane-draw");
     const fs::path drawn = out / "0000001.NVR" / "~0000001.thumbnail.jpg";
     const CliResult off = cli({"rebuild", project, "1", "--out", out.string(), "--no-thumbnails"});
     EXPECT_EQ(off.exit, 0);

@@ -56,6 +56,9 @@ TEST_F(ReportCliTest, whatIsNotSaidIsAsInTheSettings) {
         const CliResult run = cli({"options", "set", key, value});
         ASSERT_EQ(run.exit, 0) << run.err;
     };
+    ASSERT_EQ(report("tabular").exit, 0);
+    EXPECT_NE(text(out / "index-history.htm").find("<strong>User"), std::string::npos);
+    fs::remove_all(out);
     set("REPORT/CaseNumber", "2011-17");
     set("REPORT/Organization", "Acme");
     set("REPORT/ReportType", "1");

@@ -2,6 +2,7 @@
 #include "base/Md5.h"
 #include "cli/CliRun.h"
 #include "platform/Claim.h"
+#include "support/Places.h"
 #include "support/TempFolder.h"
 #include "support/builders/IndexDat.h"
 
@@ -41,7 +42,7 @@ class SurprisesCliTest : public testing::Test {
     }
     /// The program by itself: without what draws and without the lists of keywords.
     fs::path lonelyProgram() {
-        const fs::path built = NV_CLI;
+        const fs::path built = cliProgram();
         fs::create_directories(folder.path() / "alone");
         fs::copy_file(built, folder.path() / "alone" / "norvelane-cli");
         fs::copy_file(built.parent_path() / "nvTZ.dat", folder.path() / "alone" / "nvTZ.dat");
@@ -55,8 +56,8 @@ class SurprisesCliTest : public testing::Test {
     int shell(const std::string &line) {
         fs::create_directories(folder.path() / "home");
         // The messages of the program alone, also when the line goes on behind a "|".
-        const std::string command =
-            "NORVELANE_HOME='" + at("home") + "' 2> '" + at("err") + "' '" NV_CLI "' " + line;
+        const std::string command = "NORVELANE_HOME='" + at("home") + "' 2> '" + at("err") + "' '" +
+                                    cliProgram().string() + "' " + line;
         const int status = std::system(command.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }

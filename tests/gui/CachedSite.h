@@ -33,7 +33,7 @@ class CachedSite {
         program.import.StartingDirectory = (m_folder / "index.dat").string();
         Unwatched nobody;
         program.import.HistoryFiles = scan(program.import, nobody, program.log).HistoryFiles;
-        runImportJob(program, nobody, program.thisClass.TempFolderPath);
+        static_cast<void>(runImportJob(program, nobody, program.thisClass.TempFolderPath));
         trigger(form, "actRefresh");
     }
 

@@ -7,6 +7,7 @@
 #include "import/Scan.h"
 #include "maintenance/ui/OptionsForm.h"
 #include "platform/Network.h"
+#include "support/Places.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "support/builders/ChromeHistory.h"
@@ -81,7 +82,7 @@ struct Desk {
                          [this] { program.thread.CancelTask = true; });
         fs::create_directories(folder.path() / "program");
         fs::create_directories(folder.path() / "home");
-        fs::copy_file(NV_TIME_ZONES, folder.path() / "program" / "nvTZ.dat");
+        fs::copy_file(timeZonesFile(), folder.path() / "program" / "nvTZ.dat");
         startUp(program, Front::window);
     }
     TempFolder folder;
@@ -149,7 +150,7 @@ inline void openExample(Desk &desk, MainForm &form) {
     program.import.StartingDirectory = evidence.string();
     Unwatched nobody;
     program.import.HistoryFiles = scan(program.import, nobody, program.log).HistoryFiles;
-    runImportJob(program, nobody, program.thisClass.TempFolderPath);
+    static_cast<void>(runImportJob(program, nobody, program.thisClass.TempFolderPath));
     trigger(form, "actRefresh");
 }
 

@@ -44,7 +44,7 @@ class GuideTest : public QObject {
 };
 
 void GuideTest::init() {
-    m_guide = std::make_unique<GuideForm>(NV_DOCS "/guide");
+    m_guide = std::make_unique<GuideForm>(docsFolder() / "guide");
     m_guide->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_guide.get()));
 }
@@ -55,7 +55,7 @@ void GuideTest::cleanup() {
 
 void GuideTest::f1OpensItAtThePageOfTheTab() {
     Desk desk;
-    fs::create_directory_symlink(NV_DOCS, desk.folder.path() / "program" / "docs");
+    fs::create_directory_symlink(docsFolder(), desk.folder.path() / "program" / "docs");
     MainForm form(desk.program, desk.dialogs);
     form.show();
     QVERIFY(QTest::qWaitForWindowActive(&form));
@@ -182,3 +182,4 @@ void GuideTest::aProgramWithoutTheGuideSaysSo() {
 
 QTEST_MAIN(nv::GuideTest)
 #include "guide_test.moc"
+#include "support/Places.h"

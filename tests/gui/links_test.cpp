@@ -121,7 +121,7 @@ void LinksTest::openEvidence() {
     program.import.ParseAdvancedMetadata = true;
     Unwatched nobody;
     program.import.HistoryFiles = scan(program.import, nobody, program.log).HistoryFiles;
-    runImportJob(program, nobody, program.thisClass.TempFolderPath);
+    static_cast<void>(runImportJob(program, nobody, program.thisClass.TempFolderPath));
     trigger(*m_form, "actRefresh");
 }
 

@@ -41,6 +41,7 @@ class OptionsTest : public QObject {
     void theZonesStandByOffset();
     void everyControlSaysWhatItIs();
     void aPlaceInTheEvidenceLeadsBackToItsField();
+    void everySettingWithAControlIsShown();
 
   private:
     void options(const std::function<void(OptionsForm &)> &act) {
@@ -357,6 +358,26 @@ void OptionsTest::aPlaceInTheEvidenceLeadsBackToItsField() {
         QCOMPARE(form.focusWidget(), &publish);
         press(form, "btnCancel");
     });
+}
+
+void OptionsTest::everySettingWithAControlIsShown() {
+    options([this](OptionsForm &form) {
+        for (const SettingFacts &row : settingsTable()) {
+            if (!row.control.name)
+                continue;
+            QVERIFY2(form.findChild<QWidget *>(QLatin1String(row.control.name)), row.control.name);
+            if (row.kind != SettingKind::flag)
+                continue;
+            auto &box = child<QCheckBox>(form, row.control.name);
+            QCOMPARE(box.text(), QString::fromUtf8(row.control.label));
+            box.click();
+        }
+        press(form, "btnOkay");
+    });
+    for (const SettingFacts &row : settingsTable())
+        if (row.control.name && row.kind == SettingKind::flag)
+            QCOMPARE(m_desk->program.settings.ReadIniValue(row.section, row.key, "(none)"),
+                     std::string(row.byDefault == "True" ? "False" : "True"));
 }
 
 } // namespace nv

@@ -1,4 +1,3 @@
-#include "app/IniSections.h"
 #include "app/ui/WindowLayout.h"
 #include "db/StoredQueries.h"
 #include "gui/Desk.h"

@@ -38,7 +38,7 @@ class ImportedSite {
                             project.log,
                             task,
                             temp};
-        runImport(run, job);
+        static_cast<void>(runImport(run, job));
     }
 
     UrlId idOf(const std::string &url) {

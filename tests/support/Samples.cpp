@@ -16,11 +16,11 @@ std::optional<std::filesystem::path> folderOf(const char *variable, const char *
 } // namespace
 
 std::optional<std::filesystem::path> samplesFolder() {
-    return folderOf("NV_SAMPLES", NV_SAMPLES_DIR);
+    return folderOf("NV_SAMPLES", NV_SOURCE_DIR "/../shared/samples");
 }
 
 std::optional<std::filesystem::path> standardsFolder() {
-    return folderOf("NV_STANDARDS", NV_STANDARDS_DIR);
+    return folderOf("NV_STANDARDS", NV_SOURCE_DIR "/../shared/standards");
 }
 
 } // namespace nv::test

@@ -1,6 +1,6 @@
 #include "app/ui/HostsPart.h"
 
-#include "app/IniSections.h"
+#include "app/Settings.h"
 #include "app/ui/StatusSign.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
@@ -19,7 +19,6 @@ namespace nv {
 
 namespace {
 
-constexpr std::string_view kShowHosts = "ShowHosts";
 constexpr std::int64_t kNotListed = -1;
 
 } // namespace
@@ -31,8 +30,7 @@ HostsPart::HostsPart(Workbench &bench)
     bench.dataArea->setStretchFactor(0, 0);
     bench.dataArea->setStretchFactor(1, 1);
     bench.dataArea->setSizes({280, 1000});
-    bench.actions.hosts->setChecked(
-        bench.program.settings.ReadIniValue(kBeyondSection, kShowHosts, false));
+    bench.actions.hosts->setChecked(readFlag(bench.program.settings, "ShowHosts"));
     m_pane->setVisible(bench.actions.hosts->isChecked());
     connectPane();
     connect(bench.table, &TableTab::hostEntered, this, &HostsPart::takeEntered);
@@ -61,7 +59,7 @@ void HostsPart::connectPane() {
 
 void HostsPart::showPane(bool shown) {
     m_pane->setVisible(shown);
-    m_bench.program.settings.WriteIniValue(kBeyondSection, kShowHosts, shown);
+    writeFlag(m_bench.program.settings, "ShowHosts", shown);
     fillIfStale();
 }
 

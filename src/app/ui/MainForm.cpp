@@ -1,29 +1,265 @@
-// The main window as the commands see it; how it is put together stands in MainFormParts.cpp.
 #include "app/ui/MainForm.h"
 
 #include "app/Messages.h"
 #include "app/Project.h"
+#include "app/Settings.h"
+#include "app/ui/ExportPart.h"
+#include "app/ui/FilesPart.h"
+#include "app/ui/FiltersPart.h"
+#include "app/ui/GalleryPart.h"
+#include "app/ui/GuidePart.h"
+#include "app/ui/HostsPart.h"
+#include "app/ui/LinkPart.h"
+#include "app/ui/NetworkPart.h"
 #include "app/ui/OptionsPart.h"
+#include "app/ui/QueryPart.h"
 #include "app/ui/RebuildPart.h"
+#include "app/ui/RebuiltPanes.h"
+#include "app/ui/ReportPart.h"
+#include "app/ui/RowMenuPart.h"
+#include "app/ui/TemplatesPart.h"
 #include "app/ui/TextForm.h"
 #include "app/ui/TipForm.h"
+#include "app/ui/TrailPart.h"
+#include "app/ui/UpgradePart.h"
+#include "app/ui/ViewersPart.h"
+#include "app/ui/WelcomePage.h"
+#include "app/ui/WindowLayout.h"
 #include "app/ui/Workbench.h"
 #include "base/Trap.h"
 #include "db/ProjectFields.h"
 #include "db/StoredQueries.h"
 #include "db/WriteBatch.h"
-#include "import/ui/ImportForm.h"
+#include "platform/qt/AccessibleBoxes.h"
+#include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
-#include "time/ZoneDatabase.h"
+#include "platform/qt/WithinScreen.h"
 #include "views/QueryCommands.h"
 #include "views/ui/TableTab.h"
 
+#include <QAction>
 #include <QApplication>
-#include <QInputDialog>
+#include <QCloseEvent>
+#include <QMimeData>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QTabWidget>
 
 namespace nv {
 
 namespace fs = std::filesystem;
+
+MainForm::MainForm(Program &program, WindowDialogs &dialogs)
+    : m_program(program), m_dialogs(dialogs), m_commands(program, dialogs, *this), m_actions(this),
+      m_menus(*this, m_actions) {
+    nameComboBoxes();
+    setObjectName(QStringLiteral("MainForm"));
+    setWindowIcon(icon("norvelane-logo"));
+    setAcceptDrops(true);
+    resizeWithinScreen(*this, {1280, 820});
+    m_pages = new QStackedWidget;
+    m_pages->setObjectName(QStringLiteral("mainPages"));
+    m_pages->addWidget(new WelcomePage(*m_actions.newProject, *m_actions.openProject));
+    m_pages->addWidget(newProjectPage());
+    setCentralWidget(m_pages);
+    connectWindowActions();
+    connectEditActions();
+    connectOtherActions();
+    connectMenus();
+    m_commands.UpdateProgramCaption();
+    m_menus.showTheme(keptTheme(program.settings));
+    showRecentFiles();
+    showProjectState();
+    restoreGeometryKept();
+}
+
+MainForm::~MainForm() = default;
+
+QWidget *MainForm::newProjectPage() {
+    const RunTask runTasks = [this](const TaskHeading &heading, const auto &work) {
+        runTask(heading, work);
+    };
+    const RunCommand runCommands = [this](const char *procedure, const auto &command) {
+        run(procedure, command);
+    };
+    m_table = new TableTab(runTasks, m_program.around.examiner);
+    auto *dataTabs = new QTabWidget;
+    dataTabs->setObjectName(QStringLiteral("dataTabs"));
+    dataTabs->setDocumentMode(true);
+    dataTabs->addTab(m_table, tr("Table"));
+    m_viewers = new ViewerTabs(runCommands, [this] { return m_locks > 0; });
+    m_bench =
+        std::make_unique<Workbench>(m_program, m_dialogs, m_actions, *this, runCommands, runTasks);
+    m_bench->dataTabs = dataTabs;
+    m_bench->dataArea = new QSplitter;
+    m_bench->dataArea->setObjectName(QStringLiteral("dataArea"));
+    m_bench->dataArea->setChildrenCollapsible(false);
+    m_bench->dataArea->addWidget(dataTabs);
+    m_bench->table = m_table;
+    m_bench->viewers = m_viewers;
+    addParts();
+    auto *halves = new QSplitter(Qt::Vertical);
+    halves->setObjectName(QStringLiteral("mainSplitter"));
+    halves->addWidget(m_bench->dataArea);
+    halves->addWidget(m_viewers);
+    halves->setStretchFactor(0, 3);
+    halves->setStretchFactor(1, 1);
+    halves->setSizes({560, 220});
+    return halves;
+}
+
+/// In the order of their tabs.
+void MainForm::addParts() {
+    addProperties(*m_bench);
+    m_parts.push_back(std::make_unique<QueryPart>(*m_bench));
+    m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
+    m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
+    m_parts.push_back(std::make_unique<HostsPart>(*m_bench));
+    m_parts.push_back(std::make_unique<FiltersPart>(*m_bench));
+    m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
+    m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
+    m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));
+    m_parts.push_back(std::make_unique<TrailPart>(*m_bench));
+    m_parts.push_back(std::make_unique<ViewersPart>(*m_bench));
+    auto rebuild = std::make_unique<RebuildPart>(*m_bench);
+    m_rebuild = rebuild.get();
+    m_parts.push_back(std::move(rebuild));
+    auto options = std::make_unique<OptionsPart>(*m_bench);
+    auto files = std::make_unique<FilesPart>(*m_bench, m_commands, *this, *options, *m_rebuild);
+    m_files = files.get();
+    m_parts.push_back(std::move(options));
+    m_parts.push_back(std::move(files));
+    m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
+    m_parts.push_back(std::make_unique<ExportPart>(*m_bench));
+    m_parts.push_back(std::make_unique<RowMenuPart>(*m_bench));
+    m_parts.push_back(std::make_unique<GuidePart>(*m_bench));
+}
+
+void MainForm::showUpgradeWizard(const std::filesystem::path &project) {
+    UpgradePart(*m_bench).show(project);
+}
+
+void MainForm::connectWindowActions() {
+    const auto on = [this](QAction *action, const char *procedure, auto command) {
+        connect(action, &QAction::triggered, this,
+                [=, this] { run(procedure, [=, this] { (this->*command)(); }); });
+    };
+    connect(m_actions.exit, &QAction::triggered, this, &QWidget::close);
+    on(m_actions.refresh, "MainForm.LoadURLs()", &MainForm::LoadURLs);
+    on(m_actions.errorLog, "MainForm.showErrorLog()", &MainForm::showErrorLog);
+    on(m_actions.tips, "MainForm.showTips()", &MainForm::showTips);
+    on(m_actions.about, "MainForm.showAbout()", &MainForm::showAbout);
+}
+
+void MainForm::connectEditActions() {
+    connect(m_actions.copyCell, &QAction::triggered, m_table, &TableTab::copyCell);
+    connect(m_actions.copyRows, &QAction::triggered, m_table, &TableTab::copyRows);
+    connect(m_actions.selectAll, &QAction::triggered, &m_table->grid(), &QTableView::selectAll);
+    connect(m_actions.find, &QAction::triggered, m_table, &TableTab::openFind);
+    connect(m_actions.findNext, &QAction::triggered, m_table, &TableTab::findNext);
+    connect(m_actions.tag, &QAction::triggered, m_table, &TableTab::flipTags);
+}
+
+void MainForm::connectOtherActions() {
+    connect(m_actions.columns, &QAction::triggered, m_table, &TableTab::showColumnsForm);
+    connect(m_actions.viewers, &QAction::toggled, this, [this](bool shown) {
+        m_viewers->setVisible(shown);
+        m_viewers->refresh();
+    });
+    connect(m_bench.get(), &Workbench::noticed, this, &MainForm::showNotice);
+    connect(m_bench.get(), &Workbench::reloadWanted, this, &MainForm::LoadURLs);
+    connect(m_table, &TableTab::statusChanged, this, &MainForm::showStatus);
+    connect(m_table, &TableTab::currentUrlChanged, this, [this] {
+        showNotice({});
+        m_viewers->setRecord(m_table->grid().currentUrl());
+    });
+    connect(m_table, &TableTab::layoutEdited, this, &MainForm::keepLayout);
+    connect(m_table, &TableTab::tickingRefused, this, [this] { m_bench->mayWrite(); });
+    connect(m_table, &TableTab::importRequested, m_actions.import, &QAction::trigger);
+}
+
+void MainForm::connectMenus() {
+    connect(&m_menus, &MainMenus::recentFileChosen, this, &MainForm::takePath);
+    connect(&m_menus, &MainMenus::quickQueryChosen, m_table, &TableTab::chooseQuery);
+    connect(&m_menus, &MainMenus::sortChosen, m_table, &TableTab::sortBy);
+    connect(&m_menus, &MainMenus::themeChosen, this, &MainForm::chooseTheme);
+}
+
+void MainForm::showNotice(const QString &text) {
+    m_status.showNotice(text);
+}
+
+void MainForm::showStatus() {
+    m_status.showTable(*m_table, m_program.thisClass);
+}
+
+void MainForm::showProjectState() {
+    const bool open = isProjectOpen();
+    m_pages->setCurrentIndex(open ? 1 : 0);
+    m_actions.setProjectOpen(open, m_program.thisClass.ProjectDB.isReadOnly());
+    m_menus.setProjectOpen(open);
+    m_status.setProjectOpen(open);
+    if (open)
+        showStatus();
+}
+
+void MainForm::Lock_Controls() {
+    if (m_locks++ > 0)
+        return;
+    m_focusBeforeLock = QApplication::focusWidget();
+    m_menus.setEnabled(false);
+    m_pages->setEnabled(false);
+    QApplication::setOverrideCursor(Qt::BusyCursor);
+}
+
+void MainForm::Unlock_Controls() {
+    if (--m_locks > 0)
+        return;
+    QApplication::restoreOverrideCursor();
+    m_menus.setEnabled(true);
+    m_pages->setEnabled(true);
+    if (m_focusBeforeLock && m_focusBeforeLock->isVisible() && isAncestorOf(m_focusBeforeLock))
+        m_focusBeforeLock->setFocus();
+    else
+        m_table->grid().setFocus();
+}
+
+void MainForm::closeEvent(QCloseEvent *event) {
+    const bool leaves =
+        m_locks == 0 && m_program.around.examiner.ask(messages::exitProgram()) == Answer::Yes;
+    event->setAccepted(leaves);
+    if (!leaves)
+        return;
+    run("MainForm.CloseFile()", [this] { m_commands.CloseFile(); });
+    keepGeometry();
+}
+
+void MainForm::keepGeometry() {
+    keepWindowLayout(*this, m_program.settings);
+    writeFlag(m_program.settings, "ShowViewers", m_actions.viewers->isChecked());
+}
+
+void MainForm::restoreGeometryKept() {
+    restoreWindowLayout(*this, m_program.settings);
+    m_actions.viewers->setChecked(readFlag(m_program.settings, "ShowViewers"));
+}
+
+void MainForm::dragEnterEvent(QDragEnterEvent *event) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (m_locks == 0 && urls.size() == 1 && urls.constFirst().isLocalFile())
+        event->acceptProposedAction();
+}
+
+void MainForm::dropEvent(QDropEvent *event) {
+    const QString path = event->mimeData()->urls().constFirst().toLocalFile();
+    event->acceptProposedAction();
+    // After the drop is over: what comes may show dialogs.
+    QTimer::singleShot(0, this, [this, path] { takePath(pathFromQt(path)); });
+}
+
+void MainForm::takePath(const fs::path &path) {
+    m_files->takePath(path);
+}
 
 void MainForm::run(const char *procedure, const std::function<void()> &command) {
     if (m_locks > 0)
@@ -45,65 +281,6 @@ void MainForm::runTask(const TaskHeading &heading, const std::function<void(Task
         m_program.around.examiner.tell(messages::commandFailed(*failure));
 }
 
-void MainForm::newProject() {
-    const auto made = m_options->askNewProject([this] { m_commands.CloseFile(); });
-    if (!made || !m_commands.OpenFile(made->path, OpenMode::newAtPath))
-        return;
-    m_options->storeNewProject(*made);
-    LoadURLs();
-}
-
-void MainForm::openProject(const fs::path &path) {
-    if (!m_commands.OpenFile(path, OpenMode::existing))
-        return;
-    m_commands.tellOfChangedDefaultQuery();
-    LoadURLs();
-    m_rebuild->tellOfWideIds();
-    offerWebpages();
-}
-
-/// A big project is easier to read without its pictures and scripts.
-void MainForm::offerWebpages() {
-    constexpr std::size_t kBig = 10'000; // rows
-    const bool big = m_table->table() && m_table->table()->rowCount() >= kBig;
-    if (big && m_program.around.examiner.ask(messages::showOnlyWebpages()) == Answer::Yes)
-        m_table->chooseQuery(QStringLiteral("_Show Only Webpages"));
-}
-
-/// The connection changes with the file, so the table is built anew.
-void MainForm::saveAs() {
-    m_commands.SaveAs();
-    if (!isProjectOpen() || m_table->table())
-        return;
-    restoreLayout();
-    LoadURLs();
-}
-
-void MainForm::import(const fs::path &start) {
-    if (!m_bench->mayWrite())
-        return;
-    if (!isProjectOpen())
-        newProject();
-    if (!isProjectOpen())
-        return;
-    const auto chooseFolder = [this](const std::string &title, const fs::path &from) {
-        return m_dialogs.chooseFolder(title, from);
-    };
-    ImportForm form(m_program, start, chooseFolder, this);
-    form.exec();
-    if (form.imported()) {
-        LoadURLs();
-        m_rebuild->tellOfWideIds();
-    }
-}
-
-void MainForm::takePath(const fs::path &path) {
-    if (isProjectName(path))
-        run("MainForm.OpenFile()", [this, path] { openProject(path); });
-    else
-        run("MainForm.import()", [this, path] { import(path); });
-}
-
 void MainForm::LoadCommandLineFile(const fs::path &path) {
     Lock_Controls();
     const auto failure = failureOf(m_program.log, "MainForm.LoadCommandLineFile()",
@@ -114,34 +291,6 @@ void MainForm::LoadCommandLineFile(const fs::path &path) {
     if (failure)
         m_program.around.examiner.tell(messages::openingFailed(*failure));
     showProjectState();
-}
-
-void MainForm::chooseBaseFolder() {
-    const auto chosen = m_dialogs.chooseFolder(
-        "Select the BASE root folder for all evidence in project:", m_program.thisClass.RootPath);
-    if (!chosen)
-        return;
-    setRootPath(m_program, fs::canonical(*chosen));
-    LoadURLs();
-}
-
-void MainForm::chooseTimeZone() {
-    const auto zones = ZoneDatabase(m_program.paths.zones(), m_program.log).listZones();
-    QStringList texts;
-    for (const ZoneRow &zone : zones)
-        texts += toQt(zone.listText());
-    QInputDialog dialog(this);
-    dialog.setObjectName(QStringLiteral("TimeZoneForm"));
-    dialog.setWindowTitle(tr("Time Zone"));
-    dialog.setLabelText(tr("Times are shown in:"));
-    dialog.setComboBoxItems(texts);
-    if (const auto place = placeInList(zones, m_program.thisClass.GMTZone))
-        dialog.setTextValue(texts.at(static_cast<qsizetype>(*place)));
-    if (dialog.exec() != QDialog::Accepted)
-        return;
-    const qsizetype chosen = texts.indexOf(dialog.textValue());
-    if (chosen >= 0 && setZone(m_program, zones.at(static_cast<std::size_t>(chosen)).Time_Zone_ID))
-        LoadURLs();
 }
 
 void MainForm::showErrorLog() {

@@ -4,6 +4,7 @@
 #include "app/ProjectCommands.h"
 #include "app/ui/MainActions.h"
 #include "app/ui/MainMenus.h"
+#include "app/ui/StatusLine.h"
 #include "app/ui/WindowDialogs.h"
 
 #include <QMainWindow>
@@ -13,20 +14,19 @@
 #include <memory>
 #include <vector>
 
-class QLabel;
 class QStackedWidget;
 
 namespace nv {
 
-class OptionsPart;
+class FilesPart;
 class RebuildPart;
 class TableTab;
 class ViewerTabs;
 class Workbench;
 
 /// The main window, from which every command starts. It holds no data: what it shows is the
-/// project's, and every change goes there at once. Files, locking and the frame are here; what
-/// belongs to one topic is a part of its own (see Workbench).
+/// project's, and every change goes there at once. Locking and the frame are here; what belongs to
+/// one topic is a part of its own (see Workbench).
 class MainForm final : public QMainWindow, public ProjectView {
     Q_OBJECT
 
@@ -64,8 +64,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     /// At once, so that no crash takes a layout away.
     void keepLayout();
     QWidget *newProjectPage();
-    void buildStatusBar();
-    void connectFileActions();
+    void connectWindowActions();
     void connectEditActions();
     void connectOtherActions();
     void connectMenus();
@@ -76,20 +75,12 @@ class MainForm final : public QMainWindow, public ProjectView {
     void addParts();
     bool isProjectOpen() const { return m_program.thisClass.ProjectDB.isOpen(); }
 
-    void newProject();
-    void openProject(const std::filesystem::path &path);
-    void saveAs();
-    void import(const std::filesystem::path &start);
-    void offerWebpages();
-    void chooseBaseFolder();
-    void chooseTimeZone();
     void showErrorLog();
     void showAbout();
     void chooseTheme(Theme theme);
     void showQuickQueries();
     void showNotice(const QString &text);
     void showStatus();
-    void showStatusParts();
     void showProjectState();
     void keepGeometry();
     void restoreGeometryKept();
@@ -105,10 +96,8 @@ class MainForm final : public QMainWindow, public ProjectView {
     std::unique_ptr<Workbench> m_bench;
     std::vector<std::unique_ptr<QObject>> m_parts; ///< go before the bench
     RebuildPart *m_rebuild = nullptr;
-    OptionsPart *m_options = nullptr;
-    struct {
-        QLabel *rows, *tagged, *notice, *query, *zone, *base;
-    } m_status = {};
+    FilesPart *m_files = nullptr;
+    StatusLine m_status{*statusBar()};
     int m_locks = 0;
     QPointer<QWidget> m_focusBeforeLock;
 };

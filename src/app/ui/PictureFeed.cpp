@@ -135,7 +135,7 @@ std::optional<QString> PictureFeed::fetch(UrlId id, Pending &fetched) {
     fetched.folder = state().TempFolderPath / fmt::format("~picture-{}", m_number);
     fs::create_directories(fetched.folder);
     Unwatched nobody;
-    RebuildTools tools(m_bench.program, nobody, fetched.folder);
+    RecordTools tools(m_bench.program, nobody, fetched.folder);
     const auto content = contentOfRecord(tools, id);
     if (content && content->file) {
         fetched.picture.file = *content->file;

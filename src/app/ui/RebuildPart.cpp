@@ -3,6 +3,7 @@
 #include "app/Messages.h"
 #include "app/RebuildJob.h"
 #include "app/RebuildText.h"
+#include "app/SettingsInForce.h"
 #include "app/Trail.h"
 #include "platform/qt/QtText.h"
 #include "rebuild/Harvest.h"
@@ -62,7 +63,7 @@ void RebuildPart::RebuildTaggedPages(const std::vector<std::int64_t> &ids) {
     report.asked = ids.size();
     m_bench.runTask(
         {"REBUILDING WEB PAGES", "Rebuilding Web Pages ", "", ""}, [&](TaskMonitor &task) {
-            RebuildTools tools(program, task, program.thisClass.TempFolderPath);
+            RecordTools tools(program, task, program.thisClass.TempFolderPath);
             report.cancelled = !rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
                 report.pages.push_back(page);
             });
@@ -77,7 +78,7 @@ void RebuildPart::rebuildOne(std::int64_t id) {
     RebuildReport report;
     report.asked = 1;
     m_bench.runTask({"Rebuilding", "", "", ""}, [&](TaskMonitor &task) {
-        RebuildTools tools(program, task, program.thisClass.TempFolderPath);
+        RecordTools tools(program, task, program.thisClass.TempFolderPath);
         if (const auto page = rebuildPage(program, tools, id))
             report.pages.push_back(*page);
         const auto rebuilt = std::ranges::count(report.pages, true, &RebuiltPage::rebuilt);
@@ -106,8 +107,7 @@ void RebuildPart::tellOfWideIds() {
     m_toldOfWideIds = true;
     if (m_bench.examiner().ask(messages::idsBeyondNarrow(largest)) != Answer::Yes)
         return;
-    state.WideRecordIds = true;
-    m_bench.program.settings.WriteIniValue("BEYOND", "WideRecordIds", true);
+    keepFlag(m_bench.program, "WideRecordIds", true);
 }
 
 } // namespace nv

@@ -74,7 +74,7 @@ bool RebuiltPanes::isLeftInGallery(URLClass &page) {
         !qobject_cast<GalleryTab *>(m_bench.dataTabs->currentWidget()))
         return false;
     Unwatched nobody;
-    const RebuildTools tools(program, nobody, program.thisClass.TempFolderPath);
+    const RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
     return !hasFolder(tools, page);
 }
 
@@ -82,13 +82,13 @@ bool RebuiltPanes::isLeftInGallery(URLClass &page) {
 bool RebuiltPanes::bringBack(URLClass &page) {
     Program &program = m_bench.program;
     Unwatched nobody;
-    RebuildTools tools(program, nobody, program.thisClass.TempFolderPath);
+    RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
     if (hasFolder(tools, page))
         return true;
     bool whole = false;
     m_bench.runTask({"HARVESTING ITEMS FOR SELECTED FILE", "Please standby...", "", ""},
                     [&](TaskMonitor &task) {
-                        RebuildTools watched(program, task, program.thisClass.TempFolderPath);
+                        RecordTools watched(program, task, program.thisClass.TempFolderPath);
                         whole = bringBackFolder(watched, page);
                     });
     return whole;
@@ -97,7 +97,7 @@ bool RebuiltPanes::bringBack(URLClass &page) {
 void RebuiltPanes::showAudit(AuditPane &pane, UrlId id) {
     Program &program = m_bench.program;
     Unwatched nobody;
-    RebuildTools tools(program, nobody, program.thisClass.TempFolderPath);
+    RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
     const RebuildContext &ctx = tools.context();
     auto page = tools.record(number(id));
     if (!page || !page->CacheFileRebuilt)
@@ -119,7 +119,7 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
     pane.clear();
     Program &program = m_bench.program;
     Unwatched nobody;
-    RebuildTools tools(program, nobody, program.thisClass.TempFolderPath);
+    RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
     auto record = tools.record(number(id));
     if (!record)
         return;

@@ -2,8 +2,10 @@
 
 #include "app/EvidenceFolders.h"
 #include "app/Messages.h"
+#include "app/RebuildJob.h"
 #include "app/ReportJob.h"
 #include "app/ReportMessages.h"
+#include "app/Settings.h"
 #include "app/Trail.h"
 #include "base/Files.h"
 #include "base/Trap.h"
@@ -157,7 +159,7 @@ void ReportPart::withdrawReport() {
 
 void ReportPart::PublishReport() {
     const ThisClass &state = m_bench.program.thisClass;
-    const int type = m_bench.program.settings.ReadIniValue("REPORT", "ReportType", 0);
+    const int type = readNumber(m_bench.program.settings, "ReportType");
     if (!isReportThere(ReportFolder(state.TempFolderPath), type))
         return m_bench.examiner().tell(messages::nothingToPublish());
     const auto target =

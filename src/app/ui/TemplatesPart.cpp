@@ -1,6 +1,7 @@
 #include "app/ui/TemplatesPart.h"
 
 #include "app/Messages.h"
+#include "app/SettingsInForce.h"
 #include "app/TemplateJob.h"
 #include "app/ui/RebuildPart.h"
 #include "base/Files.h"
@@ -64,7 +65,7 @@ void TemplatesPart::CreateTemplate() {
     Program &program = m_bench.program;
     TemplatesMade made;
     m_bench.runTask({"CREATING TEMPLATE(S)", "Overall Progress", "", ""}, [&](TaskMonitor &task) {
-        RebuildTools tools(program, task, program.thisClass.TempFolderPath);
+        RecordTools tools(program, task, program.thisClass.TempFolderPath);
         made = createTemplates(program, tools, ids);
     });
     list();
@@ -87,7 +88,7 @@ void TemplatesPart::RebuildFromTemplates() {
     LaidTemplates laid;
     m_bench.runTask({"REBUILDING FROM TEMPLATE(S)", "Overall Progress ", "", ""},
                     [&](TaskMonitor &task) {
-                        RebuildTools tools(program, task, program.thisClass.TempFolderPath);
+                        RecordTools tools(program, task, program.thisClass.TempFolderPath);
                         laid = nv::RebuildFromTemplates(program, tools, ids, templates);
                     });
     m_bench.refreshRows();
@@ -102,7 +103,7 @@ void TemplatesPart::view() {
         return list();
     Program &program = m_bench.program;
     Unwatched nobody;
-    const RebuildTools tools(program, nobody, program.thisClass.TempFolderPath);
+    const RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
     const auto folder = LoadTemplate(*file, tools.context());
     if (folder && std::filesystem::exists(*folder / kTemplatePage))
         return m_tab->showPreview(*folder / kTemplatePage);
@@ -135,8 +136,7 @@ void TemplatesPart::remove() {
 }
 
 void TemplatesPart::chooseMatchByTitle(bool on) {
-    m_bench.program.thisClass.TemplateMatchByTitle = on;
-    m_bench.program.settings.WriteIniValue("BEYOND", "TemplateMatchByTitle", on);
+    keepFlag(m_bench.program, "TemplateMatchByTitle", on);
 }
 
 } // namespace nv

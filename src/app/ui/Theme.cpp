@@ -1,6 +1,6 @@
 #include "app/ui/Theme.h"
 
-#include "app/IniSections.h"
+#include "app/Settings.h"
 
 #include <QApplication>
 #include <QPalette>
@@ -12,7 +12,6 @@ namespace nv {
 namespace {
 
 /// Settings of this build that earlier ones don't know have a section of their own.
-constexpr std::string_view kKey = "Theme";
 
 struct Colours {
     QRgb window, base, alternate, button, text, faint, disabled, highlight, highlighted, link, mid,
@@ -132,7 +131,7 @@ std::string_view themeName(Theme theme) {
 }
 
 Theme keptTheme(const IniFile &settings) {
-    const std::string name = settings.ReadIniValue(kBeyondSection, kKey, themeName(Theme::System));
+    const std::string name = readText(settings, "Theme");
     for (const Theme theme : {Theme::Light, Theme::Dark}) {
         if (name == themeName(theme))
             return theme;
@@ -141,7 +140,7 @@ Theme keptTheme(const IniFile &settings) {
 }
 
 void keepTheme(IniFile &settings, Theme theme) {
-    settings.WriteIniValue(kBeyondSection, kKey, themeName(theme));
+    writeText(settings, "Theme", themeName(theme));
 }
 
 void applyTheme(Theme theme) {

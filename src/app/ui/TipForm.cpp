@@ -1,5 +1,6 @@
 #include "app/ui/TipForm.h"
 
+#include "app/Settings.h"
 #include "base/Text.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
@@ -46,10 +47,9 @@ QLabel *newHeading() {
 QCheckBox *newStartupTick(IniFile &settings) {
     auto *tick = new QCheckBox(TipForm::tr("&Show tips at startup"));
     tick->setObjectName(QStringLiteral("chkShowTipsAtStartup"));
-    tick->setChecked(settings.ReadIniValue("OPTIONS", "ShowTipsAtStartup", true));
-    QObject::connect(tick, &QCheckBox::toggled, tick, [&settings](bool on) {
-        settings.WriteIniValue("OPTIONS", "ShowTipsAtStartup", on);
-    });
+    tick->setChecked(readFlag(settings, "ShowTipsAtStartup"));
+    QObject::connect(tick, &QCheckBox::toggled, tick,
+                     [&settings](bool on) { writeFlag(settings, "ShowTipsAtStartup", on); });
     return tick;
 }
 

@@ -23,7 +23,7 @@ std::vector<Property> propertiesOf(Workbench &bench, UrlId id) {
     Program &program = bench.program;
     const auto picture = [&]() -> std::optional<fs::path> {
         Unwatched nobody;
-        RebuildTools tools(program, nobody, program.thisClass.TempFolderPath);
+        RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
         const auto content = contentOfRecord(tools, id);
         return content ? content->file : std::nullopt;
     };
@@ -126,7 +126,7 @@ std::optional<RecordContent> ViewersPart::contentFor(UrlId id,
                                                      const std::function<void(QString)> &missing) {
     Program &program = m_bench.program;
     Unwatched nobody;
-    RebuildTools tools(program, nobody, program.thisClass.TempFolderPath);
+    RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
     auto content = contentOfRecord(tools, id);
     if (!content)
         missing(tr("The selected record could not be found."));
@@ -161,7 +161,7 @@ void ViewersPart::showHex(UrlId id) {
 void ViewersPart::showSource(UrlId id) {
     Program &program = m_bench.program;
     Unwatched nobody;
-    RebuildTools tools(program, nobody, program.thisClass.TempFolderPath);
+    RecordTools tools(program, nobody, program.thisClass.TempFolderPath);
     const auto record = tools.record(number(id));
     if (!record)
         return m_hex->showMissing(tr("The selected record could not be found."));

@@ -1,7 +1,6 @@
 #include "app/ui/WindowLayout.h"
 
 #include "app/IniFile.h"
-#include "app/IniSections.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"
 
@@ -14,6 +13,8 @@ namespace nv {
 
 namespace {
 
+// The places of windows are no settings: nobody changes them by hand.
+constexpr std::string_view kSection = "BEYOND";
 constexpr std::string_view kGeometry = "MainGeometry";
 
 std::string keyOf(const char *kind, const QObject &part) {
@@ -33,12 +34,12 @@ QList<Part *> namedParts(const QWidget &window) {
 }
 
 void keep(IniFile &settings, const std::string &key, const QByteArray &bytes) {
-    settings.WriteIniValue(kBeyondSection, key, bytes.toBase64().toStdString());
+    settings.WriteIniValue(kSection, key, bytes.toBase64().toStdString());
 }
 
 QByteArray kept(const IniFile &settings, const std::string &key) {
     return QByteArray::fromBase64(
-        QByteArray::fromStdString(settings.ReadIniValue(kBeyondSection, key, std::string_view())));
+        QByteArray::fromStdString(settings.ReadIniValue(kSection, key, std::string_view())));
 }
 
 } // namespace
@@ -52,8 +53,7 @@ void keepWindowLayout(const QMainWindow &window, IniFile &settings) {
     // By name: a later version may have other tabs.
     for (const QTabWidget *tabs : namedParts<QTabWidget>(window))
         if (const QWidget *front = tabs->currentWidget())
-            settings.WriteIniValue(kBeyondSection, keyOf("Tab_", *tabs),
-                                   fromQt(front->objectName()));
+            settings.WriteIniValue(kSection, keyOf("Tab_", *tabs), fromQt(front->objectName()));
 }
 
 void restoreWindowLayout(QMainWindow &window, const IniFile &settings) {
@@ -65,7 +65,7 @@ void restoreWindowLayout(QMainWindow &window, const IniFile &settings) {
         header->restoreState(kept(settings, keyOf("Header_", *header)));
     for (QTabWidget *tabs : namedParts<QTabWidget>(window)) {
         const QString name =
-            toQt(settings.ReadIniValue(kBeyondSection, keyOf("Tab_", *tabs), std::string_view()));
+            toQt(settings.ReadIniValue(kSection, keyOf("Tab_", *tabs), std::string_view()));
         for (int place = 0; !name.isEmpty() && place < tabs->count(); ++place)
             if (tabs->widget(place)->objectName() == name)
                 tabs->setCurrentIndex(place);

@@ -17,8 +17,8 @@ void FoundFilesModel::setFiles(const HistoryFiles &files) {
     for (const HistoryFile &file : files) {
         const Reader *reader = readerFor(file.HistoryFileType);
         const bool isRead = reader && reader->read;
-        m_rows.push_back({file.FullPath, toQt(displayText(file.FileName)), file.FileSize,
-                          reader ? toQt(reader->kind) : QString(), isRead, isRead});
+        m_rows.push_back({file.FullPath, file.HistoryFileType, toQt(displayText(file.FileName)),
+                          file.FileSize, reader ? toQt(reader->kind) : QString(), isRead, isRead});
     }
     endResetModel();
     emit ticksChanged();
@@ -27,7 +27,7 @@ void FoundFilesModel::setFiles(const HistoryFiles &files) {
 void FoundFilesModel::prune(HistoryFiles &files) const {
     for (const Row &row : m_rows) {
         if (row.isRead && !row.valid)
-            removeFile(files, row.path);
+            removeFile(files, row.path, row.format);
     }
 }
 

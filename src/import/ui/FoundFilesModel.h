@@ -37,6 +37,7 @@ class FoundFilesModel final : public QAbstractTableModel {
   private:
     struct Row {
         std::filesystem::path path;
+        HistoryFileType format = HistoryFileType::none;
         QString name;
         std::uint64_t size = 0;
         QString type;

@@ -1,6 +1,7 @@
 #include "import/ui/ImportChoicePage.h"
 
 #include "base/Text.h"
+#include "import/ChoiceTable.h"
 #include "platform/qt/QtText.h"
 
 #include <QBoxLayout>
@@ -10,49 +11,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include <array>
+#include <algorithm>
 
 namespace nv {
-
-namespace {
-
-struct KindColumn {
-    std::string_view prefix;
-    const char *heading;
-};
-constexpr std::array<KindColumn, 3> kColumns = {
-    {{"chkCache", "Cache"}, {"chkHistory", "History"}, {"chkCookies", "Cookies"}}};
-
-struct Browser {
-    std::string_view suffix;
-    const char *name;
-};
-constexpr std::array<Browser, 5> kBrowsers = {{{"IE", "Internet Explorer"},
-                                               {"Firefox", "Firefox"},
-                                               {"Chrome", "Chrome"},
-                                               {"Safari", "Safari"},
-                                               {"Opera", "Opera"}}};
-
-/// Kinds of file that belong to no browser, with what the examiner reads beside the box.
-struct OtherKind {
-    std::string_view name;
-    const char *text;
-};
-constexpr std::array<OtherKind, 4> kOthers = {
-    {{"chkHistoryNVD", "Results files (*.nvd)"},
-     {"chkHistEx", "Recovered records (*-UC-index.dat)"},
-     {"IncludeNetAnalysis", "NetAnalysis case files (*.net)"},
-     {"chkHTMLFiles", "Loose HTML files (*.htm, *.html)"}}};
-
-const ImportOption &optionNamed(std::string_view name) {
-    for (const ImportOption &option : importOptions()) {
-        if (option.name == name)
-            return option;
-    }
-    throw std::out_of_range("no import option \"" + std::string(name) + "\"");
-}
-
-} // namespace
 
 ImportChoicePage::ImportChoicePage(const ImportClass &job, const std::filesystem::path &start,
                                    const std::filesystem::path &base, ChooseFolder chooseFolder)
@@ -118,19 +79,25 @@ QWidget *ImportChoicePage::newKinds(const ImportClass &job) {
     auto *group = new QGroupBox(tr("What to look for"));
     auto *grid = new QGridLayout(group);
     grid->setHorizontalSpacing(24);
-    const auto add = [&](std::string_view name, const QString &text, int row, int column) {
-        const ImportOption &option = optionNamed(name);
-        m_kinds.push_back({newBox(text, name, job.*option.member), option.member});
+    const ChoiceTable table = choiceTable();
+    const auto add = [&](const SourceOption &option, std::string_view text, int row, int column) {
+        m_kinds.push_back({newBox(toQt(text), option.name, wants(job, option)), &option});
         grid->addWidget(m_kinds.back().box, row, column);
     };
-    for (std::size_t row = 0; row < kBrowsers.size(); ++row) {
-        grid->addWidget(new QLabel(tr(kBrowsers[row].name)), static_cast<int>(row), 0);
-        for (std::size_t column = 0; column < kColumns.size(); ++column)
-            add(std::string(kColumns[column].prefix).append(kBrowsers[row].suffix),
-                tr(kColumns[column].heading), static_cast<int>(row), static_cast<int>(column) + 1);
+    const auto columns = static_cast<int>(table.columns.size());
+    int row = 0;
+    for (const ChoiceTable::Row &family : table.rows) {
+        grid->addWidget(new QLabel(toQt(family.family->name)), row, 0);
+        for (int column = 0; column < columns; ++column) {
+            const auto at = static_cast<std::size_t>(column);
+            if (const SourceOption *option = family.boxes[at])
+                add(*option, groupWord(table.columns[at]), row, column + 1);
+        }
+        ++row;
     }
-    for (std::size_t row = 0; row < kOthers.size(); ++row)
-        add(kOthers[row].name, tr(kOthers[row].text), static_cast<int>(row), 4);
+    int otherRow = 0;
+    for (const SourceOption *option : table.others)
+        add(*option, option->text, otherRow++, columns + 1);
 
     auto *buttons = new QHBoxLayout;
     const auto addButton = [&](const char *name, const QString &text, bool on) {
@@ -143,7 +110,7 @@ QWidget *ImportChoicePage::newKinds(const ImportClass &job) {
     addButton("btnAllKinds", tr("&All"), true);
     addButton("btnNoKinds", tr("N&one"), false);
     buttons->addStretch();
-    grid->addLayout(buttons, static_cast<int>(kBrowsers.size()), 0, 1, 5);
+    grid->addLayout(buttons, std::max(row, otherRow), 0, 1, columns + 2);
     return group;
 }
 
@@ -177,7 +144,7 @@ void ImportChoicePage::applyTo(ImportClass &job) const {
     job.ParseAdvancedMetadata = m_metadata->isChecked();
     job.MakeThumbnails = m_thumbnails->isChecked();
     for (const Kind &kind : m_kinds)
-        job.*kind.member = kind.box->isChecked();
+        setWanted(job, *kind.option, kind.box->isChecked());
 }
 
 std::filesystem::path ImportChoicePage::baseFolder() const {

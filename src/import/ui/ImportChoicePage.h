@@ -45,7 +45,7 @@ class ImportChoicePage final : public QWidget {
 
     struct Kind {
         QCheckBox *box;
-        bool ImportClass::*member;
+        const SourceOption *option;
     };
     ChooseFolder m_chooseFolder;
     QLineEdit *m_start = nullptr;

@@ -8,6 +8,7 @@
 #include "app/NetworkMessages.h"
 #include "app/NetworkSwitch.h"
 #include "app/Project.h"
+#include "app/SettingsInForce.h"
 #include "base/Files.h"
 #include "base/Trap.h"
 #include "import/ui/FoundFilesModel.h"
@@ -105,8 +106,8 @@ bool ImportForm::startingDirectoryIsUsable() {
 void ImportForm::startScan() {
     ImportClass &job = m_program.import;
     m_choice->applyTo(job);
-    m_program.settings.WriteIniValue("OPTIONS", "ParseAdvancedMetaData", job.ParseAdvancedMetadata);
-    m_program.settings.WriteIniValue("BEYOND", "ThumbnailsWhileImporting", job.MakeThumbnails);
+    keepFlag(m_program, "ParseAdvancedMetaData", job.ParseAdvancedMetadata);
+    keepFlag(m_program, "ThumbnailsWhileImporting", job.MakeThumbnails);
     if (!startingDirectoryIsUsable())
         return;
     requireZones(m_program);

@@ -164,7 +164,9 @@ void OptionsForm::showPard() {
 
 std::string OptionsForm::connectionName() const {
     const std::string name = fromQt(m_connectionName->text().trimmed());
-    return m_connection->checkedId() == 0 || name.empty() ? std::string(kDefaultConnection) : name;
+    return m_connection->checkedId() == 0 || name.empty()
+               ? std::string(TextKey("NetworkConnectionName")->byDefault)
+               : name;
 }
 
 void OptionsForm::showConnection() {
@@ -187,6 +189,8 @@ void OptionsForm::btnLocalAreaConnection_Click() {
 
 Options OptionsForm::shown() const {
     Options options = m_start;
+    for (const auto &[row, box] : m_settings)
+        chooseText(options, *row, box.value());
     const auto path = [this](Path index) { return pathFromQt(m_paths[index]->text().trimmed()); };
     options.ProjectDBPath = path(kProject);
     if (m_mode == Mode::newProject && !options.ProjectDBPath.empty() &&
@@ -203,10 +207,7 @@ Options OptionsForm::shown() const {
     if (m_zone->currentIndex() >= 0)
         options.Time_Zone_ID = m_zone->currentData().toInt();
     options.EnableDSTChanges = m_dst->isChecked();
-    options.GalleryIncludeHTML = m_html->isChecked();
-    options.GalleryIncludePictures = m_pictures->isChecked();
     options.GalleryRecordsPerPage = m_perPage->currentData().toInt();
-    options.RedrawThumbIfPageRebuilt = m_redraw->isChecked();
     options.ThumbnailRedrawTimeout = m_timeout->currentData().toInt();
     options.EnablePARD = m_pard->isChecked();
     options.PARDFrom = m_from->value();
@@ -215,16 +216,9 @@ Options OptionsForm::shown() const {
         options.ViewerThumbnailWidth = m_viewerSizes->checkedId();
     if (m_reportSizes->checkedId() > 0)
         options.ReportThumbnailWidth = m_reportSizes->checkedId();
-    options.DisableScriptTags = m_scripts->isChecked();
-    options.VerifyFileSignatures = m_verify->isChecked();
-    options.DisableFileVersionCheck = m_versions->isChecked();
     options.NetworkConnectionName = connectionName();
-    options.ConnectionOffline = m_offline;
+    options.switchedOffline = m_offline;
     options.ProgressBarRefreshRate = m_rate->value();
-    options.WideRecordIds = m_wideIds->isChecked();
-    options.ThumbnailsWhileImporting = m_thumbnails->isChecked();
-    options.TemplateMatchByTitle = m_byTitle->isChecked();
-    options.KeepAllOptions = m_keepAll->isChecked();
     return options;
 }
 

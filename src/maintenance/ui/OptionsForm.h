@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Options.h"
+#include "maintenance/ui/SettingBox.h"
 
 #include <QDialog>
 
@@ -16,6 +17,7 @@ class QPushButton;
 class QScrollBar;
 class QSpinBox;
 class QTabWidget;
+class QVBoxLayout;
 
 namespace nv {
 
@@ -65,6 +67,8 @@ class OptionsForm final : public QDialog {
     QWidget *newFormats(const char *group, const char *box, const QStringList &formats,
                         const QString &chosen, QLineEdit *&entry, QLabel *&sample, const char *name,
                         std::string (*choose)(Program &, std::string_view));
+    /// The setting's own control, which Okay asks.
+    QWidget *addSetting(QVBoxLayout &column, const SettingFacts &row);
     QButtonGroup *addSizes(QFormLayout &form, const QString &label, const char *name, int width);
     void btnPath_Click(int index);
     void chooseLogo();
@@ -84,6 +88,7 @@ class OptionsForm final : public QDialog {
     std::filesystem::path m_overwriteAgreed;
     std::optional<bool> m_offline; ///< when the connection was switched here
     QTabWidget *m_tabs = nullptr;
+    std::vector<std::pair<const SettingFacts *, SettingBox>> m_settings;
     std::vector<QLineEdit *> m_paths; ///< in the order of the browse buttons
     QLineEdit *m_dateFormat = nullptr;
     QLabel *m_day = nullptr;
@@ -91,10 +96,7 @@ class OptionsForm final : public QDialog {
     QLabel *m_time = nullptr;
     QComboBox *m_zone = nullptr;
     QCheckBox *m_dst = nullptr;
-    QCheckBox *m_html = nullptr;
-    QCheckBox *m_pictures = nullptr;
     QComboBox *m_perPage = nullptr;
-    QCheckBox *m_redraw = nullptr;
     QComboBox *m_timeout = nullptr;
     QCheckBox *m_pard = nullptr;
     QSpinBox *m_from = nullptr;
@@ -102,18 +104,11 @@ class OptionsForm final : public QDialog {
     QLabel *m_pardText = nullptr;
     QButtonGroup *m_viewerSizes = nullptr;
     QButtonGroup *m_reportSizes = nullptr;
-    QCheckBox *m_scripts = nullptr;
-    QCheckBox *m_verify = nullptr;
-    QCheckBox *m_versions = nullptr;
     QButtonGroup *m_connection = nullptr;
     QLineEdit *m_connectionName = nullptr;
     QPushButton *m_switch = nullptr;
     QLabel *m_status = nullptr;
     QSpinBox *m_rate = nullptr;
-    QCheckBox *m_wideIds = nullptr;
-    QCheckBox *m_thumbnails = nullptr;
-    QCheckBox *m_byTitle = nullptr;
-    QCheckBox *m_keepAll = nullptr;
 };
 
 } // namespace nv

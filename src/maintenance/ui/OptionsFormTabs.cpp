@@ -11,6 +11,7 @@
 #include <QRadioButton>
 #include <QTabWidget>
 
+#include <algorithm>
 #include <array>
 
 namespace nv {
@@ -62,6 +63,11 @@ QLineEdit *OptionsForm::addPath(QFormLayout &form, int index, const QString &lab
     form.addRow(caption, line);
     m_paths.push_back(text);
     return text;
+}
+
+QWidget *OptionsForm::addSetting(QVBoxLayout &column, const SettingFacts &row) {
+    m_settings.emplace_back(&row, addSettingBox(column, row, shownText(m_start, row)));
+    return m_settings.back().second.control;
 }
 
 QWidget *OptionsForm::newPaths() {
@@ -190,15 +196,10 @@ QWidget *OptionsForm::newZone() {
 QWidget *OptionsForm::newGallery() {
     auto *tab = new QWidget;
     auto *column = columnOf(*tab);
-    m_html = addBox(*column, "chkIncludeHTML", tr("Include &web pages"),
-                    tr("The gallery shows cached web pages."), m_start.GalleryIncludeHTML);
-    m_pictures = addBox(*column, "chkIncludePictures", tr("Include &pictures"),
-                        tr("The gallery shows cached pictures."), m_start.GalleryIncludePictures);
-    for (QCheckBox *box : {m_html, m_pictures})
-        connect(box, &QCheckBox::clicked, this, &OptionsForm::galleryOutdated);
-    m_redraw = addBox(*column, "chkRedrawHTMLThumbnails", tr("&Redraw thumbnails"),
-                      tr("A page that is rebuilt gets a new thumbnail."),
-                      m_start.RedrawThumbIfPageRebuilt);
+    for (const FlagKey &key : {FlagKey("GalleryIncludeHTML"), FlagKey("GalleryIncludePictures")})
+        connect(qobject_cast<QCheckBox *>(addSetting(*column, key.row())), &QCheckBox::clicked,
+                this, &OptionsForm::galleryOutdated);
+    addSetting(*column, FlagKey("RedrawThumbIfPageRebuilt").row());
     auto *form = new QFormLayout;
     m_perPage = newNumbers("cbThumbnailsPerPage", {50, 100, 200, 300, 500, 1000},
                            m_start.GalleryRecordsPerPage);
@@ -273,24 +274,19 @@ QWidget *OptionsForm::newThumbnails() {
 QWidget *OptionsForm::newSafety() {
     auto *tab = new QWidget;
     auto *column = columnOf(*tab);
-    m_scripts = addBox(*column, "chkDisableScripts", tr("Disable &scripts"),
-                       tr("Scripts of pages become comments when they are rebuilt."),
-                       m_start.DisableScriptTags);
-    m_verify = addBox(*column, "chkVerifyFileContents", tr("&Verify file contents"),
-                      tr("Files are recognised by their content, not by name alone."),
-                      m_start.VerifyFileSignatures);
-    m_versions = addBox(*column, "chkDisableVersionChecking", tr("Disable version &checking"),
-                        tr("Projects of earlier builds open without a question, until the program "
-                           "ends."),
-                        m_start.DisableFileVersionCheck);
+    for (const FlagKey &key : {FlagKey("DisableScriptTags"), FlagKey("VerifyFileSignatures"),
+                               FlagKey("DisableFileVersionCheck")})
+        addSetting(*column, key.row());
+    constexpr TextKey kDefaultConnection = "NetworkConnectionName";
     auto *frame = new QGroupBox(tr("Network connection"));
     auto *grid = new QGridLayout(frame);
     m_connection = new QButtonGroup(this);
-    auto *usual = named(new QRadioButton(toQt(kDefaultConnection)), "optLocalAreaConnection0");
+    auto *usual =
+        named(new QRadioButton(toQt(kDefaultConnection->byDefault)), "optLocalAreaConnection0");
     auto *other = named(new QRadioButton(tr("&Other:")), "optLocalAreaConnection1");
     m_connection->addButton(usual, 0);
     m_connection->addButton(other, 1);
-    const bool isUsual = m_start.NetworkConnectionName == kDefaultConnection;
+    const bool isUsual = m_start.NetworkConnectionName == kDefaultConnection->byDefault;
     (isUsual ? usual : other)->setChecked(true);
     usual->setToolTip(tr("The connection that is taken when no other one is named"));
     other->setToolTip(tr("A connection of another name"));
@@ -327,23 +323,15 @@ QWidget *OptionsForm::newStatus() {
     return tab;
 }
 
+/// All that have a control and stand on no other tab.
 QWidget *OptionsForm::newBeyond() {
     auto *tab = new QWidget;
     auto *column = columnOf(*tab);
-    m_wideIds = addBox(*column, "chkWideRecordIds", tr("&Wide record ids"),
-                       tr("Records with ids above 32767 may be parts of rebuilt pages, which "
-                          "earlier versions then can't open."),
-                       m_start.WideRecordIds);
-    m_thumbnails = addBox(*column, "chkThumbnailsWhileImporting", tr("&Thumbnails while importing"),
-                          tr("Imports draw all pictures and pages, which takes much longer."),
-                          m_start.ThumbnailsWhileImporting);
-    m_byTitle = addBox(*column, "chkTemplateMatchByTitle", tr("Templates match by t&itle"),
-                       tr("A template is laid only over pages of its own title."),
-                       m_start.TemplateMatchByTitle);
-    m_keepAll = addBox(*column, "chkKeepAllOptions", tr("&Keep all options"),
-                       tr("What otherwise holds until the program ends (gallery numbers, version "
-                          "checking, network connection) is kept for the next start."),
-                       m_start.KeepAllOptions);
+    for (const SettingFacts &row : settingsTable()) {
+        const auto isIt = [&row](const auto &shown) { return shown.first == &row; };
+        if (row.control.name && std::none_of(m_settings.begin(), m_settings.end(), isIt))
+            addSetting(*column, row);
+    }
     column->addStretch(1);
     return tab;
 }

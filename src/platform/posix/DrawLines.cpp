@@ -12,6 +12,9 @@ using nlohmann::json;
 
 namespace {
 
+// Names of files are bytes, JSON holds characters: each byte travels as the character of its
+// number, so that a name that is no UTF-8 arrives as it was.
+
 std::string charactersOf(const std::filesystem::path &path) {
     std::string text;
     for (const char c : path.native()) {

@@ -8,6 +8,7 @@
 #include "base/Text.h"
 #include "readers/Dissection.h"
 #include "readers/chrome/CacheClass.h"
+#include "readers/chrome/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "time/SourceClocks.h"
 
@@ -40,14 +41,14 @@ void setDates(URLClass &record, const ChromeHeaderClass &header, const Clock &cl
 void setSource(URLClass &record, const ReadContext &ctx) {
     const std::filesystem::path folder = ctx.file.FullPath.parent_path();
     record.SourceFile_ID = ctx.file.SourceFile_ID;
-    record.cacheType = "Chrome Cache";
+    record.cacheType = kChromeCache.word;
     record.HistoryFilePath = textOf(ctx.file.FullPath);
     record.HistoryVersion = ctx.file.Version;
     record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
     record.CacheRootPath = textOf(folder);
     record.CacheFolderName = textOf(folder.filename());
     record.CacheFileRelativePath = ctx.evidence.relativeOf(ctx.file.FullPath);
-    record.CacheFileCreatedGMTDOS = creationDateOf(ctx.file.FullPath);
+    record.CacheFileCreatedGMTDOS = ctx.evidence.factsOf(ctx.file.FullPath).created;
 }
 
 /// That the body is there is taken for granted; extracting it shows.

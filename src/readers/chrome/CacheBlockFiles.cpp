@@ -18,7 +18,7 @@ std::string nameOf(std::uint8_t number) {
 }
 
 /// How long the file is by its own head; 0 when that says nothing.
-std::uint64_t sizeByHead(const FileReader &file) {
+std::uint64_t sizeByHead(const EvidenceFile &file) {
     const Bytes bytes = file.read(0, kHeadFields);
     if (bytes.size() < kHeadFields)
         return ChromeDataFileClass::kSize;
@@ -31,7 +31,7 @@ std::uint64_t sizeByHead(const FileReader &file) {
 
 } // namespace
 
-const FileReader *ChromeBlockFiles::file(std::uint8_t number) {
+const EvidenceFile *ChromeBlockFiles::file(std::uint8_t number) {
     const Opened &found = opened(number);
     return found.reader ? &*found.reader : nullptr;
 }
@@ -52,7 +52,7 @@ std::string ChromeBlockFiles::pathOf(std::uint8_t number) const {
 }
 
 Bytes ChromeBlockFiles::read(const ChromeAddressMapClass &map, std::uint64_t count) {
-    const FileReader *source =
+    const EvidenceFile *source =
         map.DataBlockFileOffset == 0 ? nullptr : file(map.DataBlockFileNumber);
     return source ? source->read(map.DataBlockFileOffset, count) : Bytes();
 }
@@ -61,11 +61,11 @@ ChromeBlockFiles::Opened ChromeBlockFiles::open(std::uint8_t number) const {
     const auto path = m_evidence.find(m_folder, nameOf(number));
     KeptMessage failure;
     auto reader = trapped(failure, Severity::Serious, m_procedure, kContactSupport,
-                          std::optional<FileReader>(), [&]() -> std::optional<FileReader> {
+                          std::optional<EvidenceFile>(), [&]() -> std::optional<EvidenceFile> {
                               if (!path)
                                   return std::nullopt;
-                              return readEvidence(m_log, *path, [&] {
-                                  FileReader file(*path);
+                              return tellingGaps(m_log, [&] {
+                                  EvidenceFile file = m_evidence.open(*path);
                                   noteMissingEnd(file);
                                   return std::optional(std::move(file));
                               });
@@ -78,7 +78,7 @@ ChromeBlockFiles::Opened ChromeBlockFiles::open(std::uint8_t number) const {
 }
 
 /// Bodies are not read here: without this, nobody would learn that some have gone.
-void ChromeBlockFiles::noteMissingEnd(const FileReader &file) const {
+void ChromeBlockFiles::noteMissingEnd(const EvidenceFile &file) const {
     if (const std::uint64_t whole = sizeByHead(file); file.size() < whole)
         write(fmt::format("{}: the block file has {} bytes of {}", textOf(file.path()), file.size(),
                           whole));

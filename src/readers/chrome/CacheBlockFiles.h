@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/FailureLog.h"
-#include "base/Files.h"
 #include "readers/Evidence.h"
 #include "readers/chrome/CacheRecords.h"
 
@@ -24,24 +23,24 @@ class ChromeBlockFiles {
         : m_evidence(evidence), m_folder(std::move(folder)), m_log(log), m_procedure(procedure) {}
 
     /// Null when there is no such file, or it can't be opened.
-    const FileReader *file(std::uint8_t number);
+    const EvidenceFile *file(std::uint8_t number);
     /// Why file() gives null; names the file.
     const std::string &lackOf(std::uint8_t number);
     /// The path that the file has or would have.
     std::string pathOf(std::uint8_t number) const;
     /// Up to `count` bytes of the block; none when the address names no block, its file is missing
-    /// or ends before it. Throws FileFailure.
+    /// or ends before it. Throws EvidenceFailure.
     Bytes read(const ChromeAddressMapClass &map, std::uint64_t count);
 
   private:
     struct Opened {
-        std::optional<FileReader> reader;
+        std::optional<EvidenceFile> reader;
         std::string lack;
     };
 
     Opened &opened(std::uint8_t number);
     Opened open(std::uint8_t number) const;
-    void noteMissingEnd(const FileReader &file) const;
+    void noteMissingEnd(const EvidenceFile &file) const;
     void write(const std::string &message) const;
 
     const Evidence &m_evidence;

@@ -1,7 +1,6 @@
 #include "readers/chrome/CacheBody.h"
 
 #include "base/Files.h"
-#include "readers/EvidenceGaps.h"
 #include "readers/Limits.h"
 #include "readers/chrome/CacheRecords.h"
 
@@ -17,8 +16,7 @@ namespace {
 /// The cache's folder as the row names it. When that is no folder any more, or its name is no
 /// UTF-8, the index tells where it is.
 std::optional<fs::path> folderOf(const URLClass &record, const Evidence &evidence) {
-    std::error_code none;
-    if (fs::is_directory(record.CacheRootPath, none))
+    if (evidence.kindOf(record.CacheRootPath) == PlaceKind::folder)
         return record.CacheRootPath;
     const auto index = evidence.find(record.RootPath, record.CacheFileRelativePath);
     return index ? std::optional(index->parent_path()) : std::nullopt;
@@ -49,7 +47,7 @@ bool fetchChromeBody(const URLClass &record, const Evidence &evidence, BodyTarge
     auto size = static_cast<std::uint64_t>(record.CacheFileSize);
     if (record.DataBlockFile.starts_with("data_"))
         size = std::min(size, limits::kChromeBlockBody);
-    return ofEvidence(*source, [&] { return target.copy(FileReader(*source), offset, size) > 0; });
+    return target.copy(evidence.open(*source), offset, size) > 0;
 }
 
 bool ExtractChromeCacheFile(URLClass &record, std::string_view fileNameSuffix,

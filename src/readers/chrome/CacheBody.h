@@ -8,7 +8,7 @@
 namespace nv {
 
 /// Writes the body of a record of ParseChromeCache, as it is stored, to `target`. A stored row is
-/// enough for it. Throws FileFailure.
+/// enough for it. Throws EvidenceFailure.
 bool fetchChromeBody(const URLClass &record, const Evidence &evidence, BodyTarget &target);
 
 /// Brings the body of a stored record into the folder of `ctx`, unpacked, as extractBody() does.

@@ -18,7 +18,7 @@ class ChromeChains {
     /// Notes an entry that a slot leads to, and the next one behind it.
     void add(const ChromeAddressMapClass &entry, const ChromeAddressMapClass &next);
     /// How many entries hang behind others and have no slot of their own; each is counted once.
-    /// Nothing when cancelled. Throws FileFailure.
+    /// Nothing when cancelled. Throws EvidenceFailure.
     std::optional<std::uint64_t> countOthers(ChromeBlockFiles &blocks, TaskMonitor &task);
 
   private:

@@ -38,7 +38,8 @@ ReadResult ChromeCacheClass::ReadCache(const TakeEntry &take) {
         {"PARSING GOOGLE CHROME CACHE", "Reading INDEX File...", path, "chrome-32.gif"});
     const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
     ReadResult result = trapped(m_log, Severity::Serious, kProcedure, kContactSupport, unread, [&] {
-        return ChromeCacheWalk(*this, m_blocks, m_log, m_task, take).run();
+        return ChromeCacheWalk(*this, m_evidence.open(indexPath), m_blocks, m_log, m_task, take)
+            .run();
     });
     CacheError = result.reason;
     return result;
@@ -88,7 +89,7 @@ ChromeCacheClass::GetContentObject(const ChromeAddressMapClass &map, std::uint64
     if (map.BlockFileType != 0)
         bytes = m_blocks.read(map, size);
     else if (const auto file = m_evidence.find(indexPath.parent_path(), map.SeparateFileName))
-        bytes = FileReader(*file).read(0, size);
+        bytes = m_evidence.open(*file).read(0, size);
     if (bytes.empty())
         return std::nullopt;
     return ChromeContentClass{std::move(bytes)};

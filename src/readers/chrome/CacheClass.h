@@ -37,7 +37,8 @@ class ChromeCacheClass {
     /// Nothing for the word 0.
     static std::optional<ChromeAddressMapClass> GetAddressMap(std::uint32_t addressWord);
 
-    // Nothing when the address names no block, or the block isn't there. They throw FileFailure.
+    // Nothing when the address names no block, or the block isn't there. They throw
+    // EvidenceFailure.
 
     /// The entry with its header and rankings.
     std::optional<ChromeEntryClass> GetEntry(const ChromeAddressMapClass &map);

@@ -1,5 +1,7 @@
 #include "readers/chrome/CacheIndex.h"
 
+#include <utility>
+
 namespace nv {
 
 namespace {
@@ -11,7 +13,7 @@ constexpr std::uint64_t kPart = std::uint64_t{64} << 10; ///< bytes, a multiple 
 
 } // namespace
 
-ChromeIndexFile::ChromeIndexFile(const std::filesystem::path &path) : m_file(path) {
+ChromeIndexFile::ChromeIndexFile(EvidenceFile file) : m_file(std::move(file)) {
     if (!hasHead())
         return;
     const Bytes head = m_file.read(0, ChromeIndexClass::kSize);

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "base/Files.h"
+#include "readers/EvidenceFile.h"
 #include "readers/chrome/CacheRecords.h"
 
 #include <cstdint>
-#include <filesystem>
 
 namespace nv {
 
@@ -12,8 +11,8 @@ namespace nv {
 /// as long as the file says would fill the memory.
 class ChromeIndexFile {
   public:
-    /// Throws FileFailure.
-    explicit ChromeIndexFile(const std::filesystem::path &path);
+    /// Throws EvidenceFailure.
+    explicit ChromeIndexFile(EvidenceFile file);
 
     std::uint64_t size() const { return m_file.size(); }
     bool hasHead() const { return size() >= ChromeIndexClass::kSize; }
@@ -23,14 +22,14 @@ class ChromeIndexFile {
     bool isLater() const;
     /// Whole words from the start of the table to the end of the file.
     std::uint64_t wordsThere() const;
-    /// `slot` is 1-based and not above wordsThere(). Throws FileFailure.
+    /// `slot` is 1-based and not above wordsThere(). Throws EvidenceFailure.
     std::uint32_t word(std::uint64_t slot);
 
     /// Where the slot's word stands in the file.
     static std::uint64_t placeOf(std::uint64_t slot);
 
   private:
-    FileReader m_file;
+    EvidenceFile m_file;
     ChromeIndexClass m_head;
     Bytes m_part;
     std::uint64_t m_partAt = 0;

@@ -7,13 +7,15 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace nv {
 
-ChromeCacheWalk::ChromeCacheWalk(ChromeCacheClass &cache, ChromeBlockFiles &blocks, FailureLog &log,
-                                 TaskMonitor &task, const ChromeCacheClass::TakeEntry &take)
+ChromeCacheWalk::ChromeCacheWalk(ChromeCacheClass &cache, EvidenceFile index,
+                                 ChromeBlockFiles &blocks, FailureLog &log, TaskMonitor &task,
+                                 const ChromeCacheClass::TakeEntry &take)
     : m_cache(cache), m_blocks(blocks), m_log(log), m_task(task), m_take(take),
-      m_index(cache.indexPath), m_trap(log, kProcedure, textOf(cache.indexPath)) {}
+      m_index(std::move(index)), m_trap(log, kProcedure, textOf(cache.indexPath)) {}
 
 ReadResult ChromeCacheWalk::run() {
     m_cache.IndexInfo = m_index.head();
@@ -106,7 +108,7 @@ void ChromeCacheWalk::miss(std::string_view what, const ChromeAddressMapClass &m
     if (map.DataBlockFileOffset == 0)
         return passOver(reason);
     const std::string path = m_blocks.pathOf(map.DataBlockFileNumber);
-    const FileReader *file = m_blocks.file(map.DataBlockFileNumber);
+    const EvidenceFile *file = m_blocks.file(map.DataBlockFileNumber);
     if (!file) {
         ++m_result.notReached; // the file was logged when it was looked for
         damage(m_blocks.lackOf(map.DataBlockFileNumber));

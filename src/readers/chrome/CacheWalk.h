@@ -12,9 +12,9 @@ class ChromeCacheWalk {
   public:
     static constexpr std::string_view kProcedure = "ParserClass.ParseChromeCache()";
 
-    /// All must outlive this. Throws FileFailure when the index can't be opened.
-    ChromeCacheWalk(ChromeCacheClass &cache, ChromeBlockFiles &blocks, FailureLog &log,
-                    TaskMonitor &task, const ChromeCacheClass::TakeEntry &take);
+    /// All must outlive this. Throws EvidenceFailure when the index can't be opened.
+    ChromeCacheWalk(ChromeCacheClass &cache, EvidenceFile index, ChromeBlockFiles &blocks,
+                    FailureLog &log, TaskMonitor &task, const ChromeCacheClass::TakeEntry &take);
 
     ReadResult run();
 

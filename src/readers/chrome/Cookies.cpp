@@ -6,6 +6,7 @@
 
 #include "readers/chrome/Cookies.h"
 
+#include "readers/chrome/Kinds.h"
 #include "readers/sqlite/CookieRow.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/SqliteReading.h"
@@ -61,7 +62,7 @@ std::string encryptionOf(const Row &row) {
 ReadResult ParseChromeCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         TableCursor cursor(database, "cookies", kColumns);
-        const Date fileCreated = creationDateOf(ctx.file.FullPath);
+        const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
         std::map<std::string, std::uint64_t> noted;
         ReadResult result = eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
             if (std::string encryption = encryptionOf(row); !encryption.empty())
@@ -69,7 +70,7 @@ ReadResult ParseChromeCookiesFile(ReadContext &ctx) {
             URLClass record = cookieRecord(ctx,
                                            {row.text(kHost), row.text(kName), row.text(kValue),
                                             dateOf(row, kLastAccess), dateOf(row, kExpires)},
-                                           "Chrome Cookies", fileCreated);
+                                           kChromeCookies.word, fileCreated);
             record.OtherDate = dateOf(row, kCreation);
             record.OtherDateMeaning = "Creation Date (UTC)";
             ctx.sink.save(record);

@@ -1,11 +1,13 @@
 // An SQLite file; of it are read
-//   urls   = id url title visit_count last_visit_time hidden     dates in microseconds since 1601,
-//   UTC visits = url visit_time                                      url names the page's id
+//   urls   = id url title visit_count last_visit_time hidden
+//   visits = url visit_time                                      url names the page's id
+// with dates in microseconds since 1601, UTC.
 // Versions add columns and tables; the ones above have stayed.
 
 #include "readers/chrome/History.h"
 
 #include "base/Files.h"
+#include "readers/chrome/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "readers/sqlite/VisitTable.h"
@@ -36,7 +38,7 @@ URLClass pageRecord(const ReadContext &ctx, const Row &row, Date fileCreated) {
     URLClass record = historyRecord(
         ctx,
         {row.number(kId).value_or(0), row.text(kUrl), row.truth(kHidden), row.number(kVisitCount)},
-        "Chrome History", fileCreated);
+        kChromeHistory.word, fileCreated);
     record.ActionDateUTC = visitDate(row.number(kLastVisitTime));
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal = UTCDateToLocal(record.ActionDateUTC, ctx.clock);
@@ -65,7 +67,7 @@ bool countVisits(ReadContext &ctx, EvidenceDatabase &database,
 
 ReadResult readPages(ReadContext &ctx, EvidenceDatabase &database) {
     TableCursor cursor(database, "urls", kColumns);
-    const Date fileCreated = creationDateOf(ctx.file.FullPath);
+    const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
     std::vector<std::int64_t> pages;
     ReadResult result = eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
         URLClass record = pageRecord(ctx, row, fileCreated);

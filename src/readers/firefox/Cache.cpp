@@ -10,6 +10,7 @@
 
 #include "readers/firefox/Cache.h"
 
+#include "base/Succeeds.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/EvidenceGaps.h"
@@ -36,7 +37,7 @@ constexpr std::int64_t kBlockFileBits = 0x30000000;
 constexpr std::int64_t kBlockCountBits = 0x03000000;
 constexpr std::int64_t kStartBlockBits = 0x00FFFFFF;
 
-Bytes bytesAt(const FileReader &file, std::int64_t position, std::int64_t count) {
+Bytes bytesAt(const EvidenceFile &file, std::int64_t position, std::int64_t count) {
     return file.read(static_cast<std::uint64_t>(position), static_cast<std::uint64_t>(count));
 }
 
@@ -78,21 +79,21 @@ Bytes partOf(ByteView view) {
     return {view.raw().begin(), view.raw().end()};
 }
 
-std::runtime_error damaged(std::string_view what, const FileReader &file, std::int64_t at,
+std::runtime_error damaged(std::string_view what, const EvidenceFile &file, std::int64_t at,
                            std::size_t there) {
     return std::runtime_error(fmt::format("{} at {} of {}: {} bytes of it are there", what, at,
                                           textOf(file.path().filename()), there));
 }
 
 /// A block file that is gone takes the metadata and bodies in it along, and no others.
-void openBlockFile(std::int64_t number, std::optional<FileReader> &handle,
+void openBlockFile(std::int64_t number, std::optional<EvidenceFile> &handle,
                    const std::filesystem::path &folder, const Evidence &evidence, FailureLog &log) {
     const std::string name = blockFileName(number);
     trapped(log, Severity::Warning, "MainBAS.OpenFirefoxCache()", kContactSupport, [&] {
         const auto found = evidence.find(folder, name);
         if (!found)
             throw FileFailure("cannot find", folder / name, ENOENT);
-        readEvidence(log, *found, [&] { handle.emplace(*found); });
+        tellingGaps(log, [&] { handle.emplace(evidence.open(*found)); });
     });
 }
 
@@ -120,7 +121,7 @@ std::int64_t mzMozillaCache::RShiftLongClrNeg(std::int64_t x, int n) {
 std::optional<mzMapHeader> mzMozillaCache::GetHeader() const {
     return trapped(m_log, Severity::Warning, "mzMozillaCache.GetHeader()", kContactSupport,
                    std::optional<mzMapHeader>(), [this] {
-                       const FileReader &map = *FileHandleMap;
+                       const EvidenceFile &map = *FileHandleMap;
                        return std::optional<mzMapHeader>(
                            {GetNextDWord(0, map), GetNextDWord(4, map), GetNextDWord(8, map),
                             GetNextDWord(0xC, map), GetNextDWord(0x10, map)});
@@ -174,7 +175,7 @@ mzRecordData mzMozillaCache::GetRecordData(const mzRecordInfo &info) {
 }
 
 std::optional<mzRecordMetaData> mzMozillaCache::GetRecordMetaData(const mzRecordInfo &info) const {
-    const FileReader *file = GetFileHandle(info.CacheBlockFileNumber);
+    const EvidenceFile *file = GetFileHandle(info.CacheBlockFileNumber);
     if (!file)
         return std::nullopt;
     const std::int64_t at = GetRecordData(info).FileOffsetBOF;
@@ -194,8 +195,8 @@ std::optional<mzRecordMetaData> mzMozillaCache::GetRecordMetaData(const mzRecord
     return fields;
 }
 
-const FileReader *mzMozillaCache::GetFileHandle(std::int64_t blockFileNumber) const {
-    const auto opened = [](const std::optional<FileReader> &file) {
+const EvidenceFile *mzMozillaCache::GetFileHandle(std::int64_t blockFileNumber) const {
+    const auto opened = [](const std::optional<EvidenceFile> &file) {
         return file ? &*file : nullptr;
     };
     switch (blockFileNumber) {
@@ -210,19 +211,19 @@ const FileReader *mzMozillaCache::GetFileHandle(std::int64_t blockFileNumber) co
     }
 }
 
-std::int64_t mzMozillaCache::GetNextByte(std::int64_t position, const FileReader &handle) {
+std::int64_t mzMozillaCache::GetNextByte(std::int64_t position, const EvidenceFile &handle) {
     const Bytes bytes = bytesAt(handle, position, 1);
     return viewAt(bytes, position).u8(0);
 }
 
-std::int64_t mzMozillaCache::GetNextDWord(std::int64_t position, const FileReader &handle) {
+std::int64_t mzMozillaCache::GetNextDWord(std::int64_t position, const EvidenceFile &handle) {
     std::int64_t word = 0;
     for (std::int64_t i = 0; i < 4; ++i)
         word = word * 0x100 + GetNextByte(position + i, handle);
     return word;
 }
 
-std::string mzMozillaCache::GetNextDWordAsHex(std::int64_t position, const FileReader &handle) {
+std::string mzMozillaCache::GetNextDWordAsHex(std::int64_t position, const EvidenceFile &handle) {
     return fmt::format("{:08X}", GetNextDWord(position, handle));
 }
 
@@ -232,19 +233,16 @@ std::string blockFileName(std::int64_t blockFileNumber) {
 
 bool OpenFirefoxCache(mzMozillaCache &cache, const std::filesystem::path &mapPath,
                       const Evidence &evidence, FailureLog &log) {
-    std::error_code none;
-    if (!std::filesystem::exists(mapPath, none))
+    if (evidence.kindOf(mapPath) == PlaceKind::nothing)
         return false;
-    return trapped(log, Severity::Warning, "MainBAS.OpenFirefoxCache()", kContactSupport, false,
-                   [&] {
-                       cache.FileHandleMap.emplace(mapPath);
-                       const std::filesystem::path folder = mapPath.parent_path();
-                       openBlockFile(1, cache.FileHandle001, folder, evidence, log);
-                       openBlockFile(2, cache.FileHandle002, folder, evidence, log);
-                       openBlockFile(3, cache.FileHandle003, folder, evidence, log);
-                       cache.OpenCache = true;
-                       return true;
-                   });
+    return succeeds(log, Severity::Warning, "MainBAS.OpenFirefoxCache()", kContactSupport, [&] {
+        cache.FileHandleMap.emplace(evidence.open(mapPath));
+        const std::filesystem::path folder = mapPath.parent_path();
+        openBlockFile(1, cache.FileHandle001, folder, evidence, log);
+        openBlockFile(2, cache.FileHandle002, folder, evidence, log);
+        openBlockFile(3, cache.FileHandle003, folder, evidence, log);
+        cache.OpenCache = true;
+    });
 }
 
 } // namespace nv

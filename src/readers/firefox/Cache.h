@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/FailureLog.h"
-#include "base/Files.h"
 #include "base/TaskMonitor.h"
 #include "readers/Reader.h"
 #include "readers/firefox/CacheTypes.h"
@@ -21,10 +20,10 @@ class mzMozillaCache {
     explicit mzMozillaCache(FailureLog &log) : m_log(log) {}
 
     // Empty while a file isn't open. A block file may be missing: the others are read all the same.
-    std::optional<FileReader> FileHandleMap;
-    std::optional<FileReader> FileHandle001;
-    std::optional<FileReader> FileHandle002;
-    std::optional<FileReader> FileHandle003;
+    std::optional<EvidenceFile> FileHandleMap;
+    std::optional<EvidenceFile> FileHandle001;
+    std::optional<EvidenceFile> FileHandle002;
+    std::optional<EvidenceFile> FileHandle003;
     bool OpenCache = false;
 
     bool Reading = false;        ///< while ReadCache runs
@@ -60,13 +59,13 @@ class mzMozillaCache {
     /// behind the file's end, or the file ends within the URL.
     std::optional<mzRecordMetaData> GetRecordMetaData(const mzRecordInfo &info) const;
     /// 1 to 3; null for any other number and for a file that isn't there.
-    const FileReader *GetFileHandle(std::int64_t blockFileNumber) const;
+    const EvidenceFile *GetFileHandle(std::int64_t blockFileNumber) const;
 
     /// These throw OutOfBytes behind the file's end.
-    static std::int64_t GetNextByte(std::int64_t position, const FileReader &handle);
-    static std::int64_t GetNextDWord(std::int64_t position, const FileReader &handle);
+    static std::int64_t GetNextByte(std::int64_t position, const EvidenceFile &handle);
+    static std::int64_t GetNextDWord(std::int64_t position, const EvidenceFile &handle);
     /// Eight hexadecimal digits in file order.
-    static std::string GetNextDWordAsHex(std::int64_t position, const FileReader &handle);
+    static std::string GetNextDWordAsHex(std::int64_t position, const EvidenceFile &handle);
 
   private:
     /// Whole ones that the map holds.

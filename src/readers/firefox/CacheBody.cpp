@@ -2,7 +2,6 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
-#include "readers/EvidenceGaps.h"
 #include "readers/Limits.h"
 #include "readers/firefox/Cache.h"
 
@@ -19,11 +18,10 @@ namespace fs = std::filesystem;
 /// The file `name` in the record's cache folder, case set right.
 std::optional<fs::path> inCacheFolder(const URLClass &record, const Evidence &evidence,
                                       const std::string &name) {
-    std::error_code none;
     const fs::path relative = record.CacheRootPath;
     const bool leadsUp = std::ranges::find(relative, fs::path("..")) != relative.end();
     const fs::path folder = record.RootPath + record.CacheRootPath;
-    if (!leadsUp && fs::is_directory(folder, none))
+    if (!leadsUp && evidence.kindOf(folder) == PlaceKind::folder)
         return evidence.find(folder, name);
     // Folders whose names aren't UTF-8 on the disk are found through their parents' listings.
     return evidence.find(record.RootPath, record.CacheRootPath + "/" + name);
@@ -63,9 +61,7 @@ bool fetchFirefoxCacheBody(const URLClass &record, const Evidence &evidence, Bod
     const std::uint64_t count =
         isSeparate ? wanted : std::min(wanted, limits::kFirefoxCacheBlockBody);
     const auto offset = static_cast<std::uint64_t>(record.DataBlockFileOffset);
-    return ofEvidence(*source, [&] {
-        return target.copy(FileReader(*source), offset, count) > 0 || wanted == 0;
-    });
+    return target.copy(evidence.open(*source), offset, count) > 0 || wanted == 0;
 }
 
 bool ExtractFirefoxCacheFile(URLClass &record, std::string_view fileNameSuffix,

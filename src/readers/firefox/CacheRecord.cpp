@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "readers/Dissection.h"
 #include "readers/PageObjects.h"
+#include "readers/firefox/Kinds.h"
 #include "time/SourceClocks.h"
 
 #include <filesystem>
@@ -42,8 +43,7 @@ void setUrl(URLClass &url, const mzRecordMetaData &metaData) {
 
 /// The cache's folder: bodies are fetched from `RootPath` + `CacheRootPath`.
 void setPlace(URLClass &url, const HistoryFile &file, const Evidence &evidence) {
-    std::error_code none;
-    if (!std::filesystem::is_directory(file.FullPath.parent_path(), none))
+    if (evidence.kindOf(file.FullPath.parent_path()) != PlaceKind::folder)
         return;
     const std::filesystem::path map = evidence.relativeOf(file.FullPath);
     url.RootPath = evidence.rootOf(file.FullPath);
@@ -81,7 +81,7 @@ std::optional<URLClass> ParseFirefoxCacheURL(const mzCacheRecord &record, const 
         return std::nullopt;
     std::optional<URLClass> url(std::in_place);
     url->SourceFile_ID = file.SourceFile_ID;
-    url->cacheType = "Firefox Cache";
+    url->cacheType = kFirefoxCache.word;
     url->HistoryFilePath = textOf(file.FullPath);
     url->HistoryVersion = file.Version;
     // Of a separate file too, where it points nowhere: earlier cases have these values.

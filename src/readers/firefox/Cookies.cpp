@@ -4,6 +4,7 @@
 
 #include "readers/firefox/Cookies.h"
 
+#include "readers/firefox/Kinds.h"
 #include "readers/sqlite/CookieRow.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/SqliteReading.h"
@@ -34,12 +35,12 @@ Date dateOf(const Row &row, std::size_t column) {
 ReadResult ParseFirefoxCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         TableCursor cursor(database, "moz_cookies", kColumns);
-        const Date fileCreated = creationDateOf(ctx.file.FullPath);
+        const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
         return eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
             URLClass record = cookieRecord(ctx,
                                            {row.text(kHost), row.text(kName), row.text(kValue),
                                             dateOf(row, kLastAccessed), dateOf(row, kExpiry)},
-                                           "Firefox Cookies", fileCreated);
+                                           kFirefoxCookies.word, fileCreated);
             record.LastVisited = record.ActionDateLocal;
             record.OtherDate = record.ExpiryDate;
             record.OtherDateMeaning = "Expiry Date";

@@ -90,9 +90,7 @@ void morkFileClass::header(std::string_view text) {
     m_header = fromAnsi(cleanedMorkText(text));
 }
 
-void morkFileClass::ParseFile(const std::filesystem::path &path, TaskMonitor &task,
-                              ReadResult &result) {
-    const FileReader file(path);
+void morkFileClass::ParseFile(const EvidenceFile &file, TaskMonitor &task, ReadResult &result) {
     const Bytes bytes = file.read(0, limits::kMorkFileBytes);
     ParseBytes(ByteView(bytes), task, result);
     if (bytes.size() < file.size() && result.state != ReadState::cancelled)

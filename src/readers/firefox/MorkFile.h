@@ -27,8 +27,8 @@ class morkFileClass {
     std::string Version; ///< such as "1.4"
 
     /// Fills the collections. `result` tells what of the file isn't among the entries. Throws
-    /// FileFailure.
-    void ParseFile(const std::filesystem::path &path, TaskMonitor &task, ReadResult &result);
+    /// EvidenceFailure.
+    void ParseFile(const EvidenceFile &file, TaskMonitor &task, ReadResult &result);
     /// The same for bytes in memory.
     void ParseBytes(ByteView bytes, TaskMonitor &task, ReadResult &result);
 

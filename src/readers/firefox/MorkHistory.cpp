@@ -9,6 +9,7 @@
 #include "readers/Dissection.h"
 #include "readers/PageObjects.h"
 #include "readers/WholeFile.h"
+#include "readers/firefox/Kinds.h"
 #include "readers/firefox/MorkFile.h"
 #include "time/SourceClocks.h"
 
@@ -97,7 +98,7 @@ URLClass entryRecord(const ReadContext &ctx, const morkEntryClass &entry,
     if (!record.URL.empty())
         record.HistoryVersion = version;
     record.MapFileOffset = entry.FileOffset;
-    record.cacheType = "Firefox2 History";
+    record.cacheType = kFirefox2History.word;
     record.IsHistory = true;
     record.Action = "Visited";
     record.Status = "URL";
@@ -182,7 +183,7 @@ ReadResult readMorkHistory(ReadContext &ctx, ByteView bytes) {
 ReadResult ParseMorkFile(ReadContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kLikelyDamaged, unreadable(ctx), [&ctx] {
         return readEntries(ctx, [&ctx](morkFileClass &file, TaskMonitor &task, ReadResult &result) {
-            file.ParseFile(ctx.file.FullPath, task, result);
+            file.ParseFile(ctx.evidence.open(ctx.file.FullPath), task, result);
         });
     });
 }

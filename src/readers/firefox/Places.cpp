@@ -6,6 +6,7 @@
 #include "readers/firefox/Places.h"
 
 #include "base/Files.h"
+#include "readers/firefox/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "readers/sqlite/VisitTable.h"
@@ -45,7 +46,7 @@ URLClass placeRecord(const ReadContext &ctx, const Row &row, VisitTable &visits,
     URLClass record = historyRecord(
         ctx,
         {row.number(kId).value_or(0), row.text(kUrl), row.truth(kHidden), row.number(kVisitCount)},
-        "Firefox3 History", fileCreated);
+        kFirefox3History.word, fileCreated);
     record.ActionDateUTC = visitDate(visits.listed(record.Reference_ID));
     if (record.Visits == 0)
         record.Action.clear();
@@ -76,7 +77,7 @@ ReadResult readPlaces(ReadContext &ctx, EvidenceDatabase &database) {
     VisitTable visits;
     if (!readVisits(ctx, database, visits))
         return {ReadState::cancelled, {}, 0, {}};
-    const Date fileCreated = creationDateOf(ctx.file.FullPath);
+    const Date fileCreated = ctx.evidence.factsOf(ctx.file.FullPath).created;
     SubTask task(ctx.task, kVisitsShare, 1);
     std::uint64_t uncounted = 0;
     ReadResult result = eachRow(cursor, ctx, task, kReader.procedure, [&](const Row &row) {

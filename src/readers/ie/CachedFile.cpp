@@ -5,10 +5,8 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
 
 namespace nv {
 
@@ -29,7 +27,7 @@ void noteFound(URLClass &record, const std::optional<std::filesystem::path> &fou
     }
     record.CacheRootPath = textOf(found->parent_path().parent_path());
     record.CacheFileRelativePath = evidence.relativeOf(*found);
-    record.CacheFileLastAccessed = lastAccess(*found);
+    record.CacheFileLastAccessed = evidence.factsOf(*found).lastAccessed;
     record.RunTimeContentPath = *found;
 }
 
@@ -53,8 +51,8 @@ std::optional<std::filesystem::path> locateCachedFile(URLClass &record, const Hi
 }
 
 void examineCachedFile(URLClass &record, const std::filesystem::path &cachedFile,
-                       ContentProbe &content) {
-    const ContentFacts &facts = content.facts(cachedFile);
+                       const Evidence &evidence, ContentProbe &content) {
+    const ContentFacts &facts = content.facts(evidence, cachedFile);
     if (facts.hasHtml || facts.hasBody) {
         // Pages that the browser itself brings are none that the user saw on the network.
         const bool isResource = startsWithNoCase(record.URL, "res://ieframe.dll");
@@ -65,11 +63,6 @@ void examineCachedFile(URLClass &record, const std::filesystem::path &cachedFile
     if (std::find(kTitledExtensions.begin(), kTitledExtensions.end(), extension) !=
         kTitledExtensions.end())
         record.WebpageTitle = facts.title;
-}
-
-Date lastAccess(const std::filesystem::path &file) {
-    struct stat facts {};
-    return ::stat(file.c_str(), &facts) == 0 ? Date::fromUnixSeconds(facts.st_atime) : Date();
 }
 
 } // namespace nv

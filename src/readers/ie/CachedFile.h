@@ -17,11 +17,8 @@ namespace nv {
 std::optional<std::filesystem::path> locateCachedFile(URLClass &record, const HistoryFile &file,
                                                       const Evidence &evidence);
 
-/// Sets category and title by what the cached file holds. Throws FileFailure.
+/// Sets category and title by what the cached file holds. Throws EvidenceFailure.
 void examineCachedFile(URLClass &record, const std::filesystem::path &cachedFile,
-                       ContentProbe &content);
-
-/// The file system's date of last access, in UTC; no date when there is none.
-Date lastAccess(const std::filesystem::path &file);
+                       const Evidence &evidence, ContentProbe &content);
 
 } // namespace nv

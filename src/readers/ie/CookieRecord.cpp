@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "readers/Dissection.h"
 #include "readers/Limits.h"
+#include "readers/ie/Kinds.h"
 #include "time/SourceClocks.h"
 
 #include <string_view>
@@ -77,7 +78,7 @@ URLClass ParseIECookie(ByteView record, const HistoryFile &file, std::uint64_t r
     result.SourceFile_ID = file.SourceFile_ID;
     result.Visits = record.i32le(kHits);
     result.RecordSize = std::uint64_t{record.u32le(kBlocks)} * 0x80;
-    result.cacheType = "IE Cookies";
+    result.cacheType = kIECookies.word;
     result.Action = "Stored";
     setDates(result, record, clock);
     result.CacheFileSize = record.i32le(kFileSize);
@@ -112,8 +113,7 @@ std::optional<fs::path> locateCookieFile(URLClass &record, const HistoryFile &fi
     return found;
 }
 
-CookieText readCookieText(const fs::path &path) {
-    const FileReader file(path);
+CookieText readCookieText(const EvidenceFile &file) {
     const Bytes bytes = file.read(0, limits::kCookieText);
     CookieText result{fromAnsi(ByteView(bytes)), file.size() <= bytes.size()};
     std::erase_if(result.text, [](char c) { return c == '\r' || c == '\n'; });

@@ -31,7 +31,7 @@ struct CookieText {
     bool whole = true;
 };
 
-/// Throws FileFailure.
-CookieText readCookieText(const std::filesystem::path &path);
+/// Throws EvidenceFailure.
+CookieText readCookieText(const EvidenceFile &file);
 
 } // namespace nv

@@ -71,7 +71,8 @@ class CookiesReading {
     void addText(URLClass &record, const std::filesystem::path &file) {
         record.MetaData = "Error Reading File";
         const bool isRead = m_texts.run(static_cast<std::uint64_t>(record.MapFileOffset), [&] {
-            CookieText read = readEvidence(m_ctx.log, file, [&] { return readCookieText(file); });
+            CookieText read =
+                tellingGaps(m_ctx.log, [&] { return readCookieText(m_ctx.evidence.open(file)); });
             record.MetaData = std::move(read.text);
             if (!read.whole)
                 ++m_result.passedOver["end of a cookie's text file behind 1 MiB"];

@@ -68,7 +68,8 @@ class IndexReading {
     /// A cached file that can't be read is no reason to lose its record.
     void addCachedFile(URLClass &record, std::uint64_t offset) {
         if (const auto found = locateCachedFile(record, m_ctx.file, m_ctx.evidence))
-            m_contents.attempt(offset, [&] { examineCachedFile(record, *found, m_ctx.content); });
+            m_contents.attempt(
+                offset, [&] { examineCachedFile(record, *found, m_ctx.evidence, m_ctx.content); });
     }
 
     ReadContext &m_ctx;

@@ -4,6 +4,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
+#include "readers/ie/Kinds.h"
 #include "time/SourceClocks.h"
 
 #include <algorithm>
@@ -113,14 +114,14 @@ struct Meaning {
 
 using Links = Meaning::Links;
 constexpr std::array<Meaning, 8> kMeanings = {{
-    {HistoryFileType::ieHistory, "IE History", Links::toItself, "Last Visited (GMT)"},
-    {HistoryFileType::ieDaily, "IE Daily", Links::toItself, "Last Visited (GMT)"},
-    {HistoryFileType::ieCookies, "IE Cookie", Links::toItself, ""},
-    {HistoryFileType::importedBinary, "Imported Binary", Links::toItself, ""},
-    {HistoryFileType::histEx, "Unallocated", Links::toItself, ""},
-    {HistoryFileType::histExIndex, "Unallocated", Links::toItself, ""},
-    {HistoryFileType::ieWeekly, "IE Weekly", Links::unset, "File Created (GMT)"},
-    {HistoryFileType::ieCache, "IE Cache", Links::unset, "Server Modified (GMT)"},
+    {HistoryFileType::ieHistory, kIEHistory.word, Links::toItself, "Last Visited (GMT)"},
+    {HistoryFileType::ieDaily, kIEDaily.word, Links::toItself, "Last Visited (GMT)"},
+    {HistoryFileType::ieCookies, kIECookies.otherWord, Links::toItself, ""},
+    {HistoryFileType::importedBinary, kImportedBinary.word, Links::toItself, ""},
+    {HistoryFileType::histEx, kUnallocated.word, Links::toItself, ""},
+    {HistoryFileType::histExIndex, kUnallocated.word, Links::toItself, ""},
+    {HistoryFileType::ieWeekly, kIEWeekly.word, Links::unset, "File Created (GMT)"},
+    {HistoryFileType::ieCache, kIECache.word, Links::unset, "Server Modified (GMT)"},
 }};
 
 /// A weekly index has its first date in local time, and keeps the second one as shown to the user.
@@ -158,7 +159,7 @@ void parseRedirect(URLClass &result, ByteView record, HistoryFileType type) {
     result.HashedURL = hashOfUrl(result.URL);
     result.Action = "Redirected";
     if (type >= HistoryFileType::ieHistory && type <= HistoryFileType::ieCache)
-        result.cacheType = "IE Cache";
+        result.cacheType = kIECache.word;
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "readers/Body.h"
 #include "readers/Dissection.h"
 #include "readers/WholeFile.h"
+#include "readers/mac/Kinds.h"
 
 namespace nv {
 
@@ -14,6 +15,7 @@ namespace {
 
 constexpr std::string_view kProcedure = "ParserClass.ParseMACIECache()";
 
+/// Taken from the file's size, since an offset and a size of the file may overflow when added.
 bool liesIn(std::uint64_t fileSize, std::int64_t offset, std::int64_t size) {
     return offset > 0 && size > 0 && static_cast<std::uint64_t>(offset) <= fileSize &&
            static_cast<std::uint64_t>(size) <= fileSize - static_cast<std::uint64_t>(offset);
@@ -49,7 +51,7 @@ URLClass ParseMACIEURL(const macIEURLClass &entry, const ReadContext &ctx, std::
     URLClass record;
     setUrl(record, entry.macURL);
     setPlace(record, ctx);
-    record.cacheType = "Mac IE Cache";
+    record.cacheType = kMacIECache.word;
     record.Action = "Visited";
     record.Status = ctx.deleted ? "Deleted" : "URL";
     record.MIMEType = entry.macMime;
@@ -89,7 +91,7 @@ bool ExtractMACFile(const URLClass &record, const Evidence &evidence, BodyTarget
     const auto file = evidence.find(record.RootPath, record.CacheFileRelativePath);
     if (!file)
         return false;
-    const FileReader cache(*file);
+    const EvidenceFile cache = evidence.open(*file);
     if (!liesIn(cache.size(), record.DataBlockFileOffset, record.CacheFileSize))
         return false;
     target.copy(cache, static_cast<std::uint64_t>(record.DataBlockFileOffset),

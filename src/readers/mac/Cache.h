@@ -19,7 +19,7 @@ ReadResult readMACIECache(ReadContext &ctx, ByteView bytes);
 URLClass ParseMACIEURL(const macIEURLClass &entry, const ReadContext &ctx, std::uint64_t fileSize);
 
 /// Writes the body, `CacheFileSize` bytes from `DataBlockFileOffset` of the cache file, to
-/// `target`. False when they don't lie in it. Throws FileFailure.
+/// `target`. False when they don't lie in it. Throws EvidenceFailure.
 bool ExtractMACFile(const URLClass &record, const Evidence &evidence, BodyTarget &target);
 
 } // namespace nv

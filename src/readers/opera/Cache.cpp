@@ -18,6 +18,7 @@
 #include "readers/opera/CacheField.h"
 #include "readers/opera/CacheFile.h"
 #include "readers/opera/CacheGaps.h"
+#include "readers/opera/Kinds.h"
 #include "time/SourceClocks.h"
 
 #include <fmt/format.h>
@@ -133,7 +134,7 @@ class CacheReading {
         m_record->HistoryFilePath = textOf(m_ctx.file.FullPath);
         m_record->HistoryVersion = m_ctx.file.Version;
         m_record->MapFileOffset = static_cast<std::int64_t>(m_at);
-        m_record->cacheType = "Opera Cache";
+        m_record->cacheType = kOperaCache.word;
         m_record->Action = "Visited";
         m_record->Visits = kVisitsUnknown;
         return true;
@@ -254,7 +255,7 @@ ReadResult ParseOperaCache(ReadContext &ctx) {
     ctx.task.describe({"PARSING OPERA CACHE FILE", "Opera", path, "opera-32.gif"});
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),
                    [&ctx] {
-                       const FileReader file(ctx.file.FullPath);
+                       const EvidenceFile file = ctx.evidence.open(ctx.file.FullPath);
                        const Bytes bytes = file.read(0, limits::kOperaFileBytes);
                        ReadResult result = CacheReading(ctx, ByteView(bytes)).run();
                        tellSize(ctx, file.size(), bytes.size(), result);

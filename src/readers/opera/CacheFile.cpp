@@ -1,18 +1,15 @@
 #include "readers/opera/CacheFile.h"
 
-#include "base/Files.h"
 #include "base/Text.h"
 #include "readers/ContentProbe.h"
 #include "readers/GZip.h"
 #include "readers/Limits.h"
-#include "readers/sqlite/HistoryRow.h"
 
 #include <algorithm>
 #include <array>
 #include <filesystem>
 #include <optional>
 #include <string_view>
-#include <sys/stat.h>
 
 namespace nv {
 
@@ -34,10 +31,10 @@ bool isAmong(const List &list, std::string_view word) {
     return std::ranges::find(list, word) != list.end();
 }
 
-std::string extensionOf(const std::optional<fs::path> &file) {
+std::string extensionOf(const std::optional<fs::path> &file, const Evidence &evidence) {
     if (!file)
         return {};
-    const Bytes head = readHead(*file, limits::kHeadBytes);
+    const Bytes head = evidence.head(*file, limits::kHeadBytes);
     return beginsAsGZip(ByteView(head)) ? "gzip" : toLower(GetExtBySignature(ByteView(head)));
 }
 
@@ -49,13 +46,12 @@ void setKind(URLClass &record, const std::string &extension) {
 }
 
 /// Dates and size of the file, in UTC and bytes.
-void setFacts(URLClass &record, const fs::path &file) {
-    struct stat facts {};
-    if (::stat(file.c_str(), &facts) != 0)
+void setFacts(URLClass &record, const FileFacts &facts) {
+    if (!facts.isThere)
         return;
-    record.CacheFileLastAccessed = Date::fromUnixSeconds(facts.st_atime);
-    record.CacheFileCreatedGMTDOS = creationDateOf(file);
-    record.CacheFileSize = facts.st_size;
+    record.CacheFileLastAccessed = facts.lastAccessed;
+    record.CacheFileCreatedGMTDOS = facts.created;
+    record.CacheFileSize = static_cast<std::int64_t>(facts.size);
 }
 
 bool leadsOut(const std::string &name) {
@@ -86,8 +82,8 @@ bool setOperaCachedFile(URLClass &record, const std::string &name, const History
         record.CacheFileRelativePath =
             (fs::path(record.CacheRootPath) / replaceAll(name, "\\", "/")).string();
     if (found && name.find(kNumbered) != std::string::npos)
-        setFacts(record, *found);
-    setKind(record, extensionOf(found));
+        setFacts(record, evidence.factsOf(*found));
+    setKind(record, extensionOf(found, evidence));
     return found.has_value();
 }
 

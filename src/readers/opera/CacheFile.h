@@ -13,7 +13,7 @@ void setOperaCacheFolder(URLClass &record, const HistoryFile &file, const Eviden
 
 /// Sets what the name of the record's cached file, not empty, and that file itself say. The folder
 /// must be set.
-/// True when the file is there. Throws FileFailure when it can't be read.
+/// True when the file is there. Throws EvidenceFailure when it can't be read.
 bool setOperaCachedFile(URLClass &record, const std::string &name, const HistoryFile &file,
                         const Evidence &evidence);
 

@@ -103,7 +103,7 @@ bool isBlank(const Window &window) {
 class LineReading {
   public:
     LineReading(ReadContext &ctx, std::string_view file, ReadResult &result)
-        : m_ctx(ctx), m_source{ctx, creationDateOf(ctx.file.FullPath)}, m_file(file),
+        : m_ctx(ctx), m_source{ctx, ctx.evidence.factsOf(ctx.file.FullPath).created}, m_file(file),
           m_result(result), m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)),
           m_doubts(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)) {}
 
@@ -227,7 +227,7 @@ ReadResult ParseOperaHistoryFile(ReadContext &ctx) {
     ctx.task.describe({"PARSING OPERA HISTORY FILE", "Opera", path, "opera-32.gif"});
     return trapped(ctx.log, Severity::Serious, kOperaHistoryProcedure, kContactSupport,
                    unreadable(ctx), [&ctx] {
-                       const FileReader file(ctx.file.FullPath);
+                       const EvidenceFile file = ctx.evidence.open(ctx.file.FullPath);
                        const Bytes bytes = file.read(0, limits::kOperaFileBytes);
                        ReadResult result;
                        readForm(ctx, ByteView(bytes), result);

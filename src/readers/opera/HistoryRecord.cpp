@@ -4,6 +4,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
+#include "readers/opera/Kinds.h"
 #include "time/SourceClocks.h"
 
 #include <algorithm>
@@ -25,7 +26,7 @@ URLClass operaHistoryRecord(const OperaHistorySource &source, const std::string 
     record.URL = url;
     record.URLRawValue = url;
     record.RootPath = ctx.evidence.rootOf(ctx.file.FullPath);
-    record.cacheType = "Opera History";
+    record.cacheType = kOperaHistory.word;
     record.CacheFileCreatedGMTDOS = source.fileCreated;
     record.HashedURL = hashOfUrl(url);
     record.HistoryFilePath = textOf(ctx.file.FullPath);

@@ -51,7 +51,7 @@ class ItemWalk final : public pugi::xml_tree_walker {
   public:
     /// Damage lies at `damagedAt`, behind the end of a sound text.
     ItemWalk(ReadContext &ctx, std::string_view text, std::size_t damagedAt, ReadResult &result)
-        : m_ctx(ctx), m_source{ctx, creationDateOf(ctx.file.FullPath)}, m_text(text),
+        : m_ctx(ctx), m_source{ctx, ctx.evidence.factsOf(ctx.file.FullPath).created}, m_text(text),
           m_damagedAt(damagedAt), m_result(result),
           m_trap(ctx.log, kOperaHistoryProcedure, textOf(ctx.file.FullPath)) {}
 

@@ -1,7 +1,6 @@
 // A run of records of Internet Explorer's index, cut out of unallocated space:
 //   file   = header? (record | filler[80])*      version[7]@1F, which is trimmed
-//   record = signature[4] blocks:i32 ...         its length is blocks * 0x80, see
-//   ie/IndexRecord.cpp
+//   record = signature[4] blocks:i32 ...         its length is blocks * 0x80 (ie/IndexRecord.cpp)
 // Records lie at multiples of 0x80 from the first one, wherever that is.
 
 #include "readers/results/HistEx.h"

@@ -57,6 +57,7 @@ bool JetLines::refuse() {
 
 bool JetLines::take(std::string_view line) {
     const Parsed parsed{json::parse(line, nullptr, false)};
+    // The program reads hostile files: its lines are trusted no more than they are.
     if (!parsed.value.is_object() || m_hasEnded)
         return refuse();
     if (parsed.member("error") != nullptr) {

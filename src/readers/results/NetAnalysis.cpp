@@ -193,8 +193,7 @@ void CaseReading::sumUp() {
     }
     const bool isLost = !m_hasHistory || m_counted > 0;
     m_result.state = found == 0 && isLost ? ReadState::failed : ReadState::cutShort;
-    std::error_code unknown;
-    const std::uint64_t size = std::filesystem::file_size(m_ctx.file.FullPath, unknown);
+    const std::uint64_t size = m_ctx.evidence.factsOf(m_ctx.file.FullPath).size;
     if (m_counted > found && m_counted <= size / kSmallestRow)
         m_result.notReached = m_counted - found;
     m_result.reason = fmt::format("{}: {}", m_path, m_result.reason);

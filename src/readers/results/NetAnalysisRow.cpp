@@ -4,6 +4,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
+#include "readers/results/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "time/SourceClocks.h"
 
@@ -105,14 +106,14 @@ std::optional<fs::path> findCachedFile(const ReadContext &ctx, std::string_view 
 }
 
 void addCachedFile(URLClass &record, const fs::path &found, const Evidence &evidence) {
-    struct stat facts {};
-    if (::stat(found.c_str(), &facts) != 0)
+    const FileFacts facts = evidence.factsOf(found);
+    if (!facts.isThere)
         return;
     record.RootPath = evidence.rootOf(found);
     record.CacheFileRelativePath = evidence.relativeOf(found);
-    record.CacheFileCreatedGMTDOS = creationDateOf(found);
-    record.CacheFileLastAccessed = Date::fromUnixSeconds(facts.st_atime);
-    record.CacheFileSize = facts.st_size;
+    record.CacheFileCreatedGMTDOS = facts.created;
+    record.CacheFileLastAccessed = facts.lastAccessed;
+    record.CacheFileSize = static_cast<std::int64_t>(facts.size);
     record.RunTimeContentPath = found;
 }
 
@@ -176,7 +177,7 @@ URLClass netAnalysisRecord(const ReadContext &ctx, const JetRow &row,
                            const std::string &CachePath) {
     const Cells cells(row);
     URLClass record;
-    record.cacheType = "NetAnalysis";
+    record.cacheType = kNetAnalysis.word;
     record.SourceFile_ID = ctx.file.SourceFile_ID;
     record.HistoryFilePath = textOf(ctx.file.FullPath);
     record.HistoryVersion = cells.text(kHistoryVersion);

@@ -146,7 +146,7 @@ ReadResult readNvd(ReadContext &ctx, ByteView bytes) {
 ReadResult ParseNorvelaneNVDFile(ReadContext &ctx) {
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, unreadable(ctx),
                    [&ctx] {
-                       const Bytes bytes = readWhole(ctx.file.FullPath);
+                       const Bytes bytes = ctx.evidence.whole(ctx.file.FullPath);
                        return readNvd(ctx, ByteView(bytes));
                    });
 }

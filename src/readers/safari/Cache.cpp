@@ -8,13 +8,15 @@
 #include "readers/safari/Cache.h"
 
 #include "base/Files.h"
-#include "base/Paths.h"
+#include "base/Succeeds.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/ContentProbe.h"
 #include "readers/Limits.h"
+#include "readers/Scratch.h"
 #include "readers/safari/CacheBlobs.h"
 #include "readers/safari/CacheResponse.h"
+#include "readers/safari/Kinds.h"
 #include "readers/sqlite/EvidenceCopy.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/KeptMessage.h"
@@ -48,9 +50,8 @@ class HeldBody {
         : m_content(content), m_file(scratch / kBodyName) {}
     ~HeldBody() {
         m_content.forget();
-        std::error_code ignored;
         if (m_isInFile)
-            fs::remove(m_file, ignored);
+            scratch::drop(m_file);
     }
     HeldBody(const HeldBody &) = delete;
     HeldBody &operator=(const HeldBody &) = delete;
@@ -74,7 +75,7 @@ class CacheReading {
     CacheReading(ReadContext &ctx, EvidenceDatabase &database)
         : m_ctx(ctx), m_database(database), m_cursor(database, "cfurl_cache_response", kColumns),
           m_lookUps(ctx.log, kLookUp, textOf(ctx.file.FullPath)),
-          m_fileCreated(creationDateOf(ctx.file.FullPath)) {}
+          m_fileCreated(ctx.evidence.factsOf(ctx.file.FullPath).created) {}
 
     ReadResult read() {
         openBlobs();
@@ -110,7 +111,7 @@ class CacheReading {
         m_entries.insert(id);
         URLClass record =
             historyRecord(m_ctx, {.id = id, .url = row.text(kRequestKey), .visitCount = {}},
-                          "Safari Cache", m_fileCreated);
+                          kSafariCache.word, m_fileCreated);
         record.IsHistory = false;
         HeldBody held(m_ctx.content, m_ctx.scratch);
         if (m_blobs) {
@@ -218,8 +219,8 @@ ReadResult ParseSafariCacheFile(ReadContext &ctx) {
 }
 
 bool fetchSafariBody(const URLClass &record, const Evidence &evidence, BodyTarget &target) {
-    const auto file = pathFromText(record.HistoryFilePath);
-    if (!file || !fs::is_regular_file(*file))
+    const auto file = evidence.byText(record.HistoryFilePath);
+    if (!file || evidence.kindOf(*file) != PlaceKind::file)
         return false;
     const EvidenceCopy copy(evidence, *file, target.file().parent_path());
     EvidenceDatabase database(copy.path(), copy.size());
@@ -238,11 +239,10 @@ bool ExtractSafariCacheFile(URLClass &record, std::string_view fileNameSuffix,
     const std::string suffix(fileNameSuffix.empty() ? record.URLFileExt : fileNameSuffix);
     if (!extractBody(record, fetchSafariBody, suffix, ctx, kExtract))
         return false;
-    return trapped(ctx.log, Severity::Warning, kExtract, kContactSupport, false, [&record] {
-        const Bytes head = readHead(record.RunTimeTempFilePath, limits::kHeadBytes);
+    return succeeds(ctx.log, Severity::Warning, kExtract, kContactSupport, [&record] {
+        const Bytes head = ScratchFile(record.RunTimeTempFilePath).read(0, limits::kHeadBytes);
         if (const std::string extension = GetExtBySignature(ByteView(head)); !extension.empty())
             record.CacheFileExt = extension;
-        return true;
     });
 }
 

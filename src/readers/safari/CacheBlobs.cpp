@@ -1,7 +1,5 @@
 #include "readers/safari/CacheBlobs.h"
 
-#include "base/Files.h"
-
 #include <array>
 #include <string>
 
@@ -24,14 +22,14 @@ enum BodyColumn : std::size_t { kReceiver, kIsFile };
 
 std::uint64_t SafariBody::size() const {
     if (file)
-        return fs::file_size(*file);
+        return evidence->factsOf(*file).size;
     return bytes ? bytes->size() : 0;
 }
 
 void SafariBody::writeTo(BodyTarget &target) const {
     if (file) {
-        const FileReader reader(*file);
-        target.copy(reader, 0, reader.size());
+        const EvidenceFile body = evidence->open(*file);
+        target.copy(body, 0, body.size());
     } else if (bytes) {
         target.write(bytes->raw());
     }
@@ -60,6 +58,7 @@ SafariBody CacheBlobs::body(std::int64_t entryId) {
 
 SafariBody CacheBlobs::bodyIn(const Row &row) const {
     SafariBody body;
+    body.evidence = &m_evidence;
     if (!row.truth(kIsFile)) {
         body.bytes = row.bytes(kReceiver);
         return body;

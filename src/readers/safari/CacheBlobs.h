@@ -15,12 +15,13 @@ namespace nv {
 /// Where a Safari cache keeps a body: in a table, or in a file of folder "fsCachedData" beside it.
 struct SafariBody {
     std::optional<ByteView> bytes;
-    std::optional<std::filesystem::path> file; ///< evidence: only ever copied
-    bool fileIsGone = false;                   ///< it was kept in a file that isn't there
+    std::optional<std::filesystem::path> file;
+    const Evidence *evidence = nullptr; ///< which opens the file
+    bool fileIsGone = false;            ///< it was kept in a file that isn't there
 
     /// In bytes.
     std::uint64_t size() const;
-    /// Throws FileFailure when its file can't be read.
+    /// Throws EvidenceFailure when its file can't be read.
     void writeTo(BodyTarget &target) const;
 };
 

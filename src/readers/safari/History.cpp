@@ -14,6 +14,7 @@
 #include "base/Trap.h"
 #include "readers/Limits.h"
 #include "readers/plist/PropertyList.h"
+#include "readers/safari/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/KeptMessage.h"
 #include "time/SourceClocks.h"
@@ -132,7 +133,7 @@ class HistoryReading {
 
     /// False when cancelled.
     bool saveAll() {
-        const Date fileCreated = creationDateOf(m_ctx.file.FullPath);
+        const Date fileCreated = m_ctx.evidence.factsOf(m_ctx.file.FullPath).created;
         double saved = 0;
         for (const plistURL &entry : m_entries) {
             if (!m_ctx.task.advance(saved++ / static_cast<double>(m_entries.Count())))
@@ -144,7 +145,7 @@ class HistoryReading {
 
     /// The URL is taken as it stands, coded characters and all.
     void save(const plistURL &entry, Date fileCreated) {
-        URLClass record = historyRecord(m_ctx, {}, "Safari History", fileCreated);
+        URLClass record = historyRecord(m_ctx, {}, kSafariHistory.word, fileCreated);
         record.URLRawValue = entry.URLValue;
         setUrl(record, entry.URLValue);
         record.ActionDateUTC = entry.lastVisitedDate;
@@ -167,11 +168,11 @@ class HistoryReading {
 
 ReadResult readHistory(ReadContext &ctx) {
     // Before it is read into memory.
-    if (std::filesystem::file_size(ctx.file.FullPath) > limits::kPropertyListBytes)
+    if (ctx.evidence.factsOf(ctx.file.FullPath).size > limits::kPropertyListBytes)
         throw PropertyListDamage(fmt::format("longer than the {} bytes that are read of a property "
                                              "list",
                                              limits::kPropertyListBytes));
-    const Bytes bytes = readWhole(ctx.file.FullPath);
+    const Bytes bytes = ctx.evidence.whole(ctx.file.FullPath);
     const ByteView file(bytes);
     if (isBinaryPropertyList(file))
         return {ReadState::notReadYet,

@@ -4,9 +4,10 @@
 #include "base/Files.h"
 #include "base/Storage.h"
 #include "base/Text.h"
+#include "db/SideFiles.h"
+#include "readers/Scratch.h"
 
 #include <algorithm>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,30 +19,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kLog = "-wal";
-constexpr std::string_view kJournal = "-journal";
-constexpr std::string_view kSharedMemory = "-shm";
-
-fs::path withSuffix(const fs::path &path, std::string_view suffix) {
-    fs::path result = path;
-    result += suffix;
-    return result;
-}
-
 std::optional<fs::path> companionOf(const Evidence &evidence, const fs::path &database,
                                     std::string_view suffix) {
     return evidence.find(database.parent_path(), textOf(database.filename()).append(suffix));
 }
 
 /// The last `count` bytes of a file, fewer when it is shorter.
-std::string tailOf(const fs::path &path, std::uint64_t count) {
-    const std::uint64_t size = fs::file_size(path);
-    const std::uint64_t length = std::min(count, size);
-    std::string tail(length, '\0');
-    std::ifstream stream(path, std::ios::binary);
-    stream.seekg(static_cast<std::streamoff>(size - length));
-    stream.read(tail.data(), static_cast<std::streamsize>(length));
-    return tail;
+std::string tailOf(const ScratchFile &file, std::uint64_t count) {
+    const std::uint64_t length = std::min(count, file.size());
+    const Bytes tail = file.read(file.size() - length, length);
+    return std::string(ByteView(tail).raw());
 }
 
 // A journal of a transaction over several files ends with
@@ -53,7 +40,7 @@ constexpr std::uint64_t kLongestName = 4096;
 
 /// File name of the leading journal, empty when it can't be told; nothing for a journal without.
 std::optional<std::string> leadingJournalOf(const fs::path &journal) {
-    const std::string tail = tailOf(journal, kTrailer + kLongestName);
+    const std::string tail = tailOf(ScratchFile(journal), kTrailer + kLongestName);
     if (tail.size() < kTrailer || !tail.ends_with(kMagic))
         return std::nullopt;
     const std::uint64_t end = tail.size() - kTrailer;
@@ -70,9 +57,9 @@ void settleLeadingJournal(const fs::path &copy, const Evidence &evidence, const 
     if (!leading)
         return;
     if (leading->empty() || evidence.find(folder, *leading))
-        cutFile(copy, fs::file_size(copy) - kMagic.size());
+        cutFile(copy, scratch::sizeOf(copy) - kMagic.size());
     else
-        fs::remove(copy);
+        scratch::remove(copy);
 }
 
 } // namespace
@@ -93,23 +80,20 @@ EvidenceCopy::~EvidenceCopy() {
 }
 
 void EvidenceCopy::copyAll(const Evidence &evidence, const fs::path &database) {
-    copyToScratch(database, m_copy);
-    m_size = fs::file_size(m_copy);
-    if (const auto log = companionOf(evidence, database, kLog)) {
-        copyToScratch(*log, withSuffix(m_copy, kLog));
-        m_size += fs::file_size(withSuffix(m_copy, kLog));
+    copyTo(evidence.open(database), m_copy);
+    m_size = scratch::sizeOf(m_copy);
+    if (const auto log = companionOf(evidence, database, kLogSuffix)) {
+        copyTo(evidence.open(*log), sideFile(m_copy, kLogSuffix));
+        m_size += scratch::sizeOf(sideFile(m_copy, kLogSuffix));
     }
-    if (const auto journal = companionOf(evidence, database, kJournal)) {
-        copyToScratch(*journal, withSuffix(m_copy, kJournal));
-        settleLeadingJournal(withSuffix(m_copy, kJournal), evidence, database.parent_path());
+    if (const auto journal = companionOf(evidence, database, kJournalSuffix)) {
+        copyTo(evidence.open(*journal), sideFile(m_copy, kJournalSuffix));
+        settleLeadingJournal(sideFile(m_copy, kJournalSuffix), evidence, database.parent_path());
     }
 }
 
 void EvidenceCopy::remove() const {
-    std::error_code ignored;
-    fs::remove(m_copy, ignored);
-    for (const std::string_view suffix : {kLog, kJournal, kSharedMemory})
-        fs::remove(withSuffix(m_copy, suffix), ignored);
+    removeDatabase(m_copy);
 }
 
 } // namespace nv

@@ -11,7 +11,7 @@ namespace nv {
 /// object. SQLite writes beside what it opens, so evidence itself is never opened.
 class EvidenceCopy {
   public:
-    /// Throws FileFailure when the file can't be read, StorageFailure when the copy can't be
+    /// Throws EvidenceFailure when the file can't be read, StorageFailure when the copy can't be
     /// written.
     EvidenceCopy(const Evidence &evidence, const std::filesystem::path &database,
                  const std::filesystem::path &scratch);

@@ -1,9 +1,9 @@
 #include "readers/sqlite/EvidenceDatabase.h"
 
 #include "base/ByteView.h"
-#include "base/Files.h"
 #include "base/Storage.h"
 #include "base/Text.h"
+#include "readers/Scratch.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
@@ -27,7 +27,7 @@ int countStep(void *stepsLeft) {
 std::uint64_t pageSizeOf(const std::filesystem::path &file) {
     constexpr std::size_t kHeader = 100;
     constexpr std::uint64_t kPageSize = 16; // u16be, in which 1 stands for 65536
-    const Bytes head = readHead(file, kHeader);
+    const Bytes head = ScratchFile(file).read(0, kHeader);
     const ByteView view(head);
     if (head.size() < kHeader || !view.raw().starts_with("SQLite format 3"))
         return 0;
@@ -55,7 +55,7 @@ EvidenceDatabase::EvidenceDatabase(const std::filesystem::path &copy, std::uint6
 /// date out of a right one. Without the page its rows are known to be lost.
 void EvidenceDatabase::cutTornPage(const std::filesystem::path &copy) {
     const std::uint64_t pageSize = pageSizeOf(copy);
-    const std::uint64_t length = std::filesystem::file_size(copy);
+    const std::uint64_t length = scratch::sizeOf(copy);
     if (pageSize == 0 || length % pageSize == 0)
         return;
     m_damage = fmt::format("the file ends amid a page, at offset {}", length);

@@ -5,9 +5,6 @@
 #include "base/Text.h"
 #include "readers/Dissection.h"
 
-#include <chrono>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <utility>
 
 namespace nv {
@@ -53,17 +50,6 @@ void setUrl(URLClass &record, std::string url) {
     record.URLProtocol = GetURLProtocol(record.URL);
     if (!record.URL.starts_with('?')) // with nothing before it, it begins no parameters
         record.URLParameters = parametersOf(record.URL);
-}
-
-Date creationDateOf(const std::filesystem::path &file) {
-#ifdef STATX_BTIME
-    struct statx facts {};
-    if (::statx(AT_FDCWD, file.c_str(), 0, STATX_BTIME, &facts) == 0 &&
-        (facts.stx_mask & STATX_BTIME) != 0)
-        return Date::fromUnixSeconds(facts.stx_btime.tv_sec);
-#endif
-    struct stat status {};
-    return ::stat(file.c_str(), &status) == 0 ? Date::fromUnixSeconds(status.st_mtime) : Date();
 }
 
 } // namespace nv

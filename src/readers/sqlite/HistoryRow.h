@@ -24,8 +24,4 @@ URLClass historyRecord(const ReadContext &ctx, const HistoryRow &row, std::strin
 /// `URL` and what is read out of it: the file's name, host, protocol, parameters and hash.
 void setUrl(URLClass &record, std::string url);
 
-/// When the file was created, in UTC. File systems that don't tell give the date of the last
-/// change.
-Date creationDateOf(const std::filesystem::path &file);
-
 } // namespace nv

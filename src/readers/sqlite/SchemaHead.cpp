@@ -5,9 +5,7 @@
 
 #include "readers/sqlite/SchemaHead.h"
 
-#include "base/Files.h"
-
-#include <system_error>
+#include "db/SideFiles.h"
 
 namespace nv {
 
@@ -50,14 +48,12 @@ std::optional<SchemaHead> schemaHead(const Candidate &file) {
         return std::nullopt;
     SchemaHead schema{std::string(page->raw()),
                       static_cast<std::uint32_t>(bigEndian(page->sub(kUserVersionAt, 4)))};
-    fs::path log = file.file;
-    log += "-wal";
-    std::error_code none;
-    if (!fs::is_regular_file(fs::symlink_status(log, none)))
+    const fs::path log = sideFile(file.file, kLogSuffix);
+    if (!file.evidence->isPlainFile(log))
         return schema;
-    if (fs::file_size(log, none) > kLongestLog)
+    if (file.evidence->factsOf(log).size > kLongestLog)
         return std::nullopt;
-    const Bytes pages = readHead(log, kLongestLog);
+    const Bytes pages = file.evidence->head(log, kLongestLog);
     schema.bytes += ByteView(pages).raw();
     return schema;
 }

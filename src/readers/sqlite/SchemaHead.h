@@ -16,7 +16,7 @@ struct SchemaHead {
 
 /// Nothing for what is no SQLite file, or when contents aren't verified, and where the tables can't
 /// be told so: a schema of more pages than one, or a long log of pages beside the file. Throws
-/// FileFailure when that log can't be read.
+/// EvidenceFailure when that log can't be read.
 std::optional<SchemaHead> schemaHead(const Candidate &file);
 
 } // namespace nv

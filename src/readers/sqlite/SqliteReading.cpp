@@ -55,6 +55,7 @@ ReadResult readSqliteFile(ReadContext &ctx, const SqliteReader &reader,
     const ReadResult failed{ReadState::failed, {}, 0, {}};
     ReadResult result =
         trapped(log, Severity::Serious, reader.procedure, kContactSupport, failed, read);
+    // What a trap ended has left its reason in the log alone.
     if (isDamaged(result))
         result.reason = log.last();
     return result;

@@ -16,7 +16,8 @@ namespace nv {
 
 namespace {
 
-/// The documented widths were chosen for a font whose digits are so many pixels wide.
+/// The first widths, those of kUrlColumns, were chosen for a font whose digits are so many pixels
+/// wide.
 constexpr double kDigitWidth = 6;
 
 /// How much wider the window's font is.

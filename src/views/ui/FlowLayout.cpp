@@ -90,6 +90,7 @@ void FlowLayout::setGeometry(const QRect &place) {
 }
 
 void FlowLayout::placeLine(const Line &line, const QRect &place) const {
+    // What a line leaves free goes to its last widget that can use it.
     const auto grows =
         std::ranges::find_if(line.items.rbegin(), line.items.rend(), [](const QLayoutItem *item) {
             return item->expandingDirections() & Qt::Horizontal;

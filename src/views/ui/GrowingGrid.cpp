@@ -89,7 +89,7 @@ bool GrowingGrid::isBlank(int row) const {
 }
 
 void GrowingGrid::addBlankRow() {
-    const QSignalBlocker quiet(this);
+    const QSignalBlocker quiet(this); // a blank row is no change of the query
     const int row = rowCount();
     insertRow(row);
     for (int column = 0; column < columnCount(); ++column)
@@ -97,6 +97,7 @@ void GrowingGrid::addBlankRow() {
 }
 
 void GrowingGrid::takeChange(QTableWidgetItem *item) {
+    // The last row is always blank, to be written into.
     if (item->row() == rowCount() - 1 && !isBlank(item->row()))
         addBlankRow();
     emit changed();

@@ -7,6 +7,7 @@
 #include "views/ui/ColumnsForm.h"
 #include "views/ui/EmptyPage.h"
 #include "views/ui/FindBar.h"
+#include "views/ui/GridText.h"
 #include "views/ui/LayoutBar.h"
 
 #include <QBoxLayout>
@@ -312,12 +313,14 @@ void TableTab::flipTags() {
 }
 
 void TableTab::copyCell() {
-    QGuiApplication::clipboard()->setText(m_grid->currentCellText());
+    QGuiApplication::clipboard()->setText(m_table ? GridText(*m_grid, *m_table).currentCell()
+                                                  : QString());
 }
 
 void TableTab::copyRows() {
     m_runTask({"COPYING URLS", "", "", ""}, [this](TaskMonitor &task) {
-        if (const auto text = m_grid->selectedRowsText(task))
+        const auto text = m_table ? GridText(*m_grid, *m_table).selectedRows(task) : QString();
+        if (text)
             QGuiApplication::clipboard()->setText(*text);
     });
 }

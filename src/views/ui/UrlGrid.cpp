@@ -5,6 +5,7 @@
 
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QResizeEvent>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -17,12 +18,11 @@ constexpr int kRowPadding = 8; ///< pixels
 
 } // namespace
 
-UrlGrid::UrlGrid(UrlModel &model, QWidget *parent) : QTableView(parent), m_model(model) {
+UrlGrid::UrlGrid(UrlModel &model, QWidget *parent)
+    : PinnedGrid([this](int section) { return staysInSight(UrlModel::columnOf(section)); }, parent),
+      m_model(model) {
     setObjectName(QStringLiteral("URLGrid"));
     setAccessibleName(tr("Records"));
-    m_header =
-        new PinnedHeader([this](int section) { return staysInSight(UrlModel::columnOf(section)); });
-    setHorizontalHeader(m_header);
     setModel(&m_model);
     setSelectionBehavior(SelectRows);
     setSelectionMode(ExtendedSelection);
@@ -43,7 +43,7 @@ UrlGrid::UrlGrid(UrlModel &model, QWidget *parent) : QTableView(parent), m_model
 }
 
 void UrlGrid::setUpHeader() {
-    QHeaderView *header = m_header;
+    QHeaderView *header = horizontalHeader();
     header->setObjectName(QStringLiteral("URLGridHeader"));
     header->setAccessibleName(tr("Headings of the records"));
     header->setSectionsMovable(true);
@@ -58,7 +58,7 @@ void UrlGrid::setUpHeader() {
 }
 
 void UrlGrid::connectHeader() {
-    QHeaderView *header = m_header;
+    QHeaderView *header = horizontalHeader();
     connect(header, &QHeaderView::sectionClicked, this, &UrlGrid::requestSort);
     connect(header, &QHeaderView::sectionHandleDoubleClicked, this,
             [this](int section) { fitColumn(UrlModel::columnOf(section)); });
@@ -67,9 +67,10 @@ void UrlGrid::connectHeader() {
     connect(header, &QHeaderView::sectionResized, this,
             [this](int section, int, int pixels) { takeWidth(section, pixels); });
     connect(header, &QWidget::customContextMenuRequested, this, [this](QPoint place) {
-        const int section = m_header->sectionAt(place.x());
+        const int section = pinnedHeader().sectionAt(place.x());
         if (section >= 0)
-            emit headerMenuRequested(UrlModel::columnOf(section), m_header->mapToGlobal(place));
+            emit headerMenuRequested(UrlModel::columnOf(section),
+                                     pinnedHeader().mapToGlobal(place));
     });
 }
 
@@ -100,7 +101,7 @@ void UrlGrid::applyWidths() {
     m_applying = true;
     const auto widths = m_fit.widths(m_layout, *this, viewport()->width());
     for (const UrlColumn column : m_layout.shownColumns())
-        m_header->resizeSection(UrlModel::sectionOf(column), widths.at(indexOf(column)));
+        pinnedHeader().resizeSection(UrlModel::sectionOf(column), widths.at(indexOf(column)));
     m_applying = false;
     viewport()->update();
 }
@@ -146,6 +147,24 @@ void UrlGrid::takeWidth(int section, int pixels) {
     viewport()->update();
 }
 
+/// The tick and the date of the event are what every row is known by. "Action Date
+/// [Local]" leaves old dates out (docs/guide/limits.md), so another one is preferred.
+bool UrlGrid::staysInSight(UrlColumn column) const {
+    if (column == UrlColumn::Tag)
+        return true;
+    for (const UrlColumn date :
+         {UrlColumn::LocalDate, UrlColumn::ActionDateUtc, UrlColumn::ActionDateLocal})
+        if (!m_layout.hidden(date))
+            return column == date;
+    return false;
+}
+
+void UrlGrid::resizeEvent(QResizeEvent *event) {
+    PinnedGrid::resizeEvent(event);
+    if (m_fit.isMeasured() && event->oldSize().width() != event->size().width())
+        applyWidths();
+}
+
 void UrlGrid::requestSort(int section) {
     const UrlColumn column = UrlModel::columnOf(section);
     const UrlTable *table = m_model.table();
@@ -177,12 +196,30 @@ bool UrlGrid::setCurrentUrl(UrlId id) {
     const auto place = m_model.table() ? m_model.table()->placeOf(id) : std::nullopt;
     if (!place)
         return false;
-    const int section =
-        currentIndex().isValid() ? currentIndex().column() : std::max(0, m_header->sectionAt(0));
+    const int section = currentIndex().isValid() ? currentIndex().column()
+                                                 : std::max(0, pinnedHeader().sectionAt(0));
     const int sideways = horizontalScrollBar()->value();
     setCurrentIndex(m_model.index(static_cast<int>(*place), section));
     horizontalScrollBar()->setValue(sideways); // another row, but the columns that were looked at
     return true;
+}
+
+int UrlGrid::selectedRowCount() const {
+    int count = 0;
+    for (const QItemSelectionRange &range : selectionModel()->selection())
+        count += range.height();
+    return count;
+}
+
+FindResult UrlGrid::find(const QString &text, int fromRow, TaskMonitor &task) const {
+    if (!m_model.table())
+        return {};
+    return m_model.table()->find({fromQt(text), m_layout.shownColumns()},
+                                 static_cast<std::size_t>(fromRow), task);
+}
+
+QModelIndex UrlGrid::cellOf(const FindResult &found) const {
+    return m_model.index(static_cast<int>(found.place), UrlModel::sectionOf(found.column));
 }
 
 void UrlGrid::clickCell(const QModelIndex &cell) {
@@ -196,7 +233,7 @@ void UrlGrid::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier)
         emit tagFlipRequested();
     else
-        QTableView::keyPressEvent(event);
+        PinnedGrid::keyPressEvent(event);
 }
 
 /// With Ctrl the toolkit would go to the first or last row and leave the old one chosen.
@@ -208,11 +245,11 @@ QItemSelectionModel::SelectionFlags UrlGrid::selectionCommand(const QModelIndex 
         if (toAnEnd && key->modifiers() == Qt::ControlModifier)
             return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
     }
-    return QTableView::selectionCommand(index, event);
+    return PinnedGrid::selectionCommand(index, event);
 }
 
 void UrlGrid::currentChanged(const QModelIndex &current, const QModelIndex &previous) {
-    QTableView::currentChanged(current, previous);
+    PinnedGrid::currentChanged(current, previous);
     if (current.row() != previous.row())
         emit currentUrlChanged();
 }

@@ -3,20 +3,17 @@
 #include "base/TaskMonitor.h"
 #include "views/TableLayout.h"
 #include "views/ui/ColumnFit.h"
+#include "views/ui/PinnedGrid.h"
 #include "views/ui/UrlModel.h"
-
-#include <QTableView>
 
 #include <optional>
 
 namespace nv {
 
-class PinnedHeader;
-
 /// The grid of the Table tab. Columns are moved, sized and hidden through its TableLayout; the
 /// sorting itself is the owner's, since it is a long task. Tick and date stay in sight while it
 /// scrolls sideways.
-class UrlGrid final : public QTableView {
+class UrlGrid final : public PinnedGrid {
     Q_OBJECT
 
   public:
@@ -39,21 +36,11 @@ class UrlGrid final : public QTableView {
 
     /// Flips the tick of the current row, and gives all selected rows the same.
     void flipSelectedTags(TaskMonitor &task);
-    /// The current cell's whole text.
-    QString currentCellText() const;
-    /// The selected rows, shown columns in their order, divided by tabs, with the headings above. A
-    /// tab or line break inside of a cell is a blank. Nothing when the task was cancelled.
-    std::optional<QString> selectedRowsText(TaskMonitor &task) const;
     int selectedRowCount() const;
     /// The next row at or after `fromRow` with the text in a shown column, in either case of
     /// letters. Throws what the database says.
     FindResult find(const QString &text, int fromRow, TaskMonitor &task) const;
     QModelIndex cellOf(const FindResult &found) const;
-
-    // Of what is seen: a column that stays in sight lies over others.
-    QModelIndex indexAt(const QPoint &place) const override;
-    QRect visualRect(const QModelIndex &index) const override;
-    void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
 
   signals:
     void sortRequested(nv::UrlColumn column, nv::SortDirection direction);
@@ -68,8 +55,6 @@ class UrlGrid final : public QTableView {
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
                                                          const QEvent *event) const override;
-    void paintEvent(QPaintEvent *event) override;
-    void scrollContentsBy(int dx, int dy) override;
     void resizeEvent(QResizeEvent *event) override;
 
   private:
@@ -78,15 +63,12 @@ class UrlGrid final : public QTableView {
     void applyLayout();
     void applyWidths();
     bool staysInSight(UrlColumn column) const;
-    void paintPinned(QPainter &painter, int row) const;
     void requestSort(int section);
     void takeMove(int section, int to);
     void takeWidth(int section, int pixels);
     void clickCell(const QModelIndex &cell);
-    QString copyText(std::size_t place, UrlColumn column) const;
 
     UrlModel &m_model;
-    PinnedHeader *m_header = nullptr;
     TableLayout m_layout;
     ColumnFit m_fit;
     bool m_fitIsDue = true;

@@ -7,8 +7,8 @@
 
 namespace nv {
 
-/// The URL table as Qt's views see it. A model column is the documented index of a column, wherever
-/// the examiner has moved it. The rows are those of the last rowsChanged(): while the table loads,
+/// The URL table as Qt's views see it. A model column is the index of a `UrlColumn`, wherever the
+/// examiner has moved it. The rows are those of the last rowsChanged(): while the table loads,
 /// views go on with what they know and get empty cells.
 class UrlModel final : public QAbstractTableModel {
     Q_OBJECT

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Program.h"
+#include "support/Places.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 
@@ -40,7 +41,7 @@ struct ProgramFixture : testing::Test {
     ProgramFixture() {
         std::filesystem::create_directories(folder.path() / "program");
         std::filesystem::create_directories(folder.path() / "home");
-        std::filesystem::copy_file(NV_TIME_ZONES, paths.zones());
+        std::filesystem::copy_file(timeZonesFile(), paths.zones());
     }
     void settings(std::string_view text) { folder.write("home/Norvelane.ini", text); }
     Program &start(Front front = Front::window) {

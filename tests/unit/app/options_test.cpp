@@ -142,7 +142,7 @@ TEST_F(OptionsTest, everythingElseIsAppliedAndWritten) {
     options.EnablePARD = true;
     options.PARDFrom = 10;
     options.PARDTo = 60;
-    options.ConnectionOffline = false;
+    options.switchedOffline = false;
     options.ViewerThumbnailWidth = 160;
     options.ReportThumbnailWidth = 120;
     options.ProgressBarRefreshRate = 2;

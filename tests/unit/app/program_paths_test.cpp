@@ -59,7 +59,7 @@ TEST_F(ProgramPathsTest, inTheBuildFolderAllLiesBesideTheProgram) {
     EXPECT_EQ(paths.zones(), root / "build" / "nvTZ.dat");
     EXPECT_EQ(paths.settings(), root / "build" / "Norvelane.ini");
     EXPECT_EQ(paths.errorLog(false), root / "build" / "error.log");
-    EXPECT_EQ(paths.defaultTemp(), root / "build" / "Temp");
+    EXPECT_EQ(paths.state, root / "build");
     EXPECT_EQ(paths.home, root / "build");
     EXPECT_FALSE(fs::exists(root / "mara"));
 }
@@ -91,7 +91,7 @@ TEST_F(ProgramPathsTest, aNamedHomeHoldsAll) {
     for (const ProgramPaths &paths : {installed(), built()}) {
         EXPECT_EQ(paths.home, root / "case");
         EXPECT_EQ(paths.settings(), root / "case" / "Norvelane.ini");
-        EXPECT_EQ(paths.defaultTemp(), root / "case" / "Temp");
+        EXPECT_EQ(paths.state, root / "case");
     }
 }
 

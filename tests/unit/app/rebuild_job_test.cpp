@@ -66,8 +66,8 @@ struct RebuildJobTest : test::ProgramFixture {
                         std::to_string(id))
             .getString();
     }
-    RebuildTools &tools(TaskMonitor &task) {
-        m_tools = std::make_unique<RebuildTools>(*program, task, temp);
+    RecordTools &tools(TaskMonitor &task) {
+        m_tools = std::make_unique<RecordTools>(*program, task, temp);
         m_tools->drawing = [this](const fs::path &) {
             return std::make_unique<LentDrawing>(drawing);
         };
@@ -93,7 +93,7 @@ struct RebuildJobTest : test::ProgramFixture {
     std::vector<RebuiltPage> pages;
 
   private:
-    std::unique_ptr<RebuildTools> m_tools;
+    std::unique_ptr<RecordTools> m_tools;
     int m_files = 0;
 };
 
@@ -200,7 +200,7 @@ TEST_F(RebuildJobTest, aDrawingThatFailsCostsItsThumbnailOnly) {
 
 TEST_F(RebuildJobTest, withoutTheDrawingProgramPagesAreRebuiltAllTheSame) {
     const auto id = addPage("x");
-    RebuildTools &plain = tools(nobody);
+    RecordTools &plain = tools(nobody);
     plain.drawing = [](const fs::path &) -> std::unique_ptr<Drawing> {
         throw StorageFailure("nothing draws here");
     };

@@ -30,7 +30,7 @@ struct TemplateJobTest : test::ProgramFixture {
         fs::create_directories(scratch);
         program->import.StartingDirectory = evidence.string();
         program->import.HistoryFiles = scan(program->import, task, program->log).HistoryFiles;
-        runImportJob(*program, task, scratch);
+        static_cast<void>(runImportJob(*program, task, scratch));
         setTitle(1, "Harbour News");
         setTitle(2, "Tides");
         program->thisClass.TemplatesPath = templates;
@@ -43,19 +43,19 @@ struct TemplateJobTest : test::ProgramFixture {
         row.exec();
     }
     void rebuild(std::int64_t id) {
-        RebuildTools tools(*program, task, scratch);
+        RecordTools tools(*program, task, scratch);
         EXPECT_TRUE(rebuildPage(*program, tools, id)->rebuilt);
     }
     TemplatesMade create(std::vector<std::int64_t> ids) {
-        RebuildTools tools(*program, task, scratch);
+        RecordTools tools(*program, task, scratch);
         return createTemplates(*program, tools, ids);
     }
     LaidTemplates lay(std::vector<std::int64_t> ids, std::vector<fs::path> files) {
-        RebuildTools tools(*program, task, scratch);
+        RecordTools tools(*program, task, scratch);
         return RebuildFromTemplates(*program, tools, ids, files);
     }
     bool isRebuilt(std::int64_t id) {
-        RebuildTools tools(*program, task, scratch);
+        RecordTools tools(*program, task, scratch);
         return tools.record(id)->CacheFileRebuilt;
     }
     /// The template of the page.
@@ -171,7 +171,7 @@ TEST_F(TemplateJobTest, cancelLeavesTheRemainingPages) {
     const fs::path file = made();
     program->thisClass.TemplateMatchByTitle = false;
     test::CancelAfter stops(1);
-    RebuildTools tools(*program, stops, scratch);
+    RecordTools tools(*program, stops, scratch);
     const std::vector<std::int64_t> ids = {2, 3};
     const std::vector<fs::path> files = {file};
     const LaidTemplates laid = RebuildFromTemplates(*program, tools, ids, files);

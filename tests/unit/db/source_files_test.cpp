@@ -38,7 +38,7 @@ TEST_F(SourceFilesTest, theSameContentKeepsItsRow) {
     HistoryFile first = artefact("first.dat", "abc");
     HistoryFile second = artefact("second.dat", "abc");
     HistoryFile other = artefact("other.dat", "def");
-    sources.LogFile(first);
+    ASSERT_TRUE(sources.LogFile(first));
     project.clock.point += std::chrono::hours(1);
     EXPECT_TRUE(sources.LogFile(second));
     EXPECT_TRUE(sources.LogFile(other));
@@ -51,16 +51,16 @@ TEST_F(SourceFilesTest, theSameContentKeepsItsRow) {
 TEST_F(SourceFilesTest, filesWithoutHashAreNotTheSame) {
     HistoryFile first = artefact("first.dat", "");
     HistoryFile second = artefact("second.dat", "");
-    sources.LogFile(first);
-    sources.LogFile(second);
+    ASSERT_TRUE(sources.LogFile(first));
+    ASSERT_TRUE(sources.LogFile(second));
     EXPECT_NE(first.SourceFile_ID, second.SourceFile_ID);
 }
 
 TEST_F(SourceFilesTest, aFileThatWasReadToItsEndIsMarked) {
     HistoryFile first = artefact("first.dat", "abc");
     HistoryFile second = artefact("second.dat", "def");
-    sources.LogFile(first);
-    sources.LogFile(second);
+    ASSERT_TRUE(sources.LogFile(first));
+    ASSERT_TRUE(sources.LogFile(second));
     EXPECT_TRUE(sources.setSuccessful(second.SourceFile_ID));
     EXPECT_EQ(project.text("SELECT group_concat(Successful) FROM SourceFiles"), "0,1");
 }
@@ -77,7 +77,7 @@ TEST_F(SourceFilesTest, aFailureIsLoggedUnderItsName) {
 TEST_F(SourceFilesTest, aProjectThatCantBeWrittenEndsTheTask) {
     project.connection().exec("PRAGMA query_only = 1");
     HistoryFile file = artefact("first.dat", "abc");
-    EXPECT_THROW(sources.LogFile(file), StorageFailure);
+    EXPECT_THROW(static_cast<void>(sources.LogFile(file)), StorageFailure);
 }
 
 TEST_F(SourceFilesTest, theRowSaysWhoseFileItIs) {

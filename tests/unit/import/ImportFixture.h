@@ -64,7 +64,7 @@ inline ReadResult usingScratch(ReadContext &ctx) {
 
 constexpr Reader madeUp(HistoryFileType type, std::string_view key,
                         ReadResult (*read)(ReadContext &)) {
-    return {type, key, "", "", "", "", nullptr, read};
+    return {.type = type, .key = key, .kind = "", .read = read};
 }
 
 inline constexpr std::array<Reader, 7> kMadeUp = {

@@ -27,7 +27,7 @@ class CategoriesTest : public testing::Test {
     std::string categoryOf(URLClass record, Signatures signatures = Signatures::verify) {
         const Extraction extraction{evidence, folder.path(), log};
         SavedContent saved(record, extraction, content);
-        Categories(signatures, log).SetURLCategory(record, saved);
+        Categories(signatures, log).verdictOn(record, saved).applyTo(record);
         return record.Category;
     }
 

@@ -40,8 +40,8 @@ ReadResult readForEver(ReadContext &ctx) {
 }
 
 const Reader *everlasting(HistoryFileType type) {
-    static constexpr Reader reader{
-        HistoryFileType::norvelaneNVD, "everlasting", "", "", "", "", nullptr, readForEver};
+    static constexpr Reader reader =
+        test::madeUp(HistoryFileType::norvelaneNVD, "everlasting", readForEver);
     return type == reader.type ? &reader : nullptr;
 }
 

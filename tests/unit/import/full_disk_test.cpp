@@ -30,8 +30,7 @@ ReadResult lookingAround(ReadContext &) {
 }
 
 const Reader *pagesAndOthers(HistoryFileType type) {
-    static constexpr Reader reader{norvelaneNVD, "looking-around", "",           "", "",
-                                   "",           nullptr,          lookingAround};
+    static constexpr Reader reader = test::madeUp(norvelaneNVD, "looking-around", lookingAround);
     return type == norvelaneNVD ? &reader : readerFor(type);
 }
 

@@ -1,6 +1,7 @@
 #include "import/FileMask.h"
 #include "import/ImportClass.h"
 #include "readers/Registry.h"
+#include "unit/import/FirstFormats.h"
 
 #include <gtest/gtest.h>
 
@@ -9,32 +10,29 @@ namespace {
 
 ImportClass nothingWanted() {
     ImportClass job;
-    for (const ImportOption &option : importOptions())
-        job.*option.member = false;
+    for (const SourceOption *option : importOptions())
+        setWanted(job, *option, false);
     return job;
 }
 
 TEST(ImportClass, wantsEverythingAtFirst) {
     const ImportClass job;
-    for (const ImportOption &option : importOptions())
-        EXPECT_TRUE(wants(job, option.name)) << option.name;
+    for (const SourceOption *option : importOptions())
+        EXPECT_TRUE(wants(job, *option)) << option->name;
     EXPECT_TRUE(job.VerifyFileSignatures);
     EXPECT_TRUE(job.RecurseSubfolders);
     EXPECT_TRUE(job.ParseAdvancedMetadata);
 }
 
-TEST(ImportClass, hasABoxForEachFormat) {
-    for (const Reader &reader : registry()) {
-        const bool isScannedFor = !reader.option.empty(); // the others are read when asked for
-        if (isScannedFor) {
-            EXPECT_NO_THROW(wants(ImportClass(), reader.option)) << reader.key;
-        }
-    }
-    EXPECT_THROW(wants(ImportClass(), "chkNothing"), std::out_of_range);
+TEST(ImportClass, findsABoxByItsName) {
+    for (const SourceOption *option : importOptions())
+        EXPECT_EQ(&importOption(option->name), option) << "a name that two boxes have";
+    EXPECT_EQ(importOptions(test::firstFormats()).size(), 19U);
+    EXPECT_THROW(importOption("chkNothing"), std::out_of_range);
 }
 
 TEST(MaskText, joinsThePiecesOfTheBoxesThatAreOn) {
-    EXPECT_EQ(maskText(ImportClass()),
+    EXPECT_EQ(maskText(ImportClass(), test::firstFormats()),
               "data_0;_cache_map_*;index*.dat;dcache4*.url;cache*.db;*.nvd;"
               "global*.dat;download.dat;type_history.xml;typed_history.xml;history*.plist;"
               "history*.dat;places*.sqlite;History;Archived History;index*.dat;"
@@ -42,14 +40,14 @@ TEST(MaskText, joinsThePiecesOfTheBoxesThatAreOn) {
               "*.htm;*.html");
     EXPECT_EQ(maskText(nothingWanted()), "");
     ImportClass job = nothingWanted();
-    job.IncludeHistoryIE = true;
-    job.IncludeHistEx = true;
+    setWanted(job, importOption("chkHistoryIE"), true);
+    setWanted(job, importOption("chkHistEx"), true);
     EXPECT_EQ(maskText(job), "index*.dat;*-UC-index.dat");
 }
 
 TEST(MaskText, hasNoPieceForCookiesOfInternetExplorer) {
     ImportClass job = nothingWanted();
-    job.IncludeCookiesIE = true;
+    setWanted(job, importOption("chkCookiesIE"), true);
     EXPECT_EQ(maskText(job), "");
 }
 
@@ -85,9 +83,11 @@ TEST(HistoryFiles, loseTheRowThatWasUnticked) {
     HistoryFiles files;
     for (const char *path : {"/a", "/b", "/a"})
         files.Add({}).FullPath = path;
-    removeFile(files, "/a");
-    ASSERT_EQ(files.Count(), 1u);
-    EXPECT_EQ(files.Item(1).FullPath, "/b");
+    files.Item(1).HistoryFileType = HistoryFileType::csv;
+    removeFile(files, "/a", HistoryFileType::none);
+    ASSERT_EQ(files.Count(), 2u);
+    EXPECT_EQ(files.Item(1).FullPath, "/a") << "another format takes it too";
+    EXPECT_EQ(files.Item(2).FullPath, "/b");
 }
 
 } // namespace

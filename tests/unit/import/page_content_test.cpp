@@ -1,6 +1,7 @@
 #include "import/PageContent.h"
 #include "markup/HtmlCost.h"
 #include "markup/PageText.h"
+#include "readers/Scratch.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -175,10 +176,10 @@ TEST(PageText, marksBytesThatTheEncodingDoesntKnow) {
 TEST(PageText, isReadFromAFileWithinALimit) {
     const test::TempFolder folder;
     const auto page = folder.write("page.htm", std::string(kPageBytes, ' '));
-    EXPECT_EQ(ReadPageText(page, "").size(), kPageBytes);
+    EXPECT_EQ(ReadPageText(ScratchFile(page), "").size(), kPageBytes);
     const auto large = folder.write("large.htm", std::string(kPageBytes + 1, ' '));
     try {
-        ReadPageText(large, "");
+        ReadPageText(ScratchFile(large), "");
         FAIL() << "a page beyond the limit was read";
     } catch (const PageTooLarge &failure) {
         EXPECT_EQ(failure.what(), large.string() + " is not read as a page: its 8388609 bytes are "

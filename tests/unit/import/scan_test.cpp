@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <unistd.h>
+#include <vector>
 
 namespace nv {
 namespace {
@@ -26,7 +27,7 @@ class ScanTest : public testing::Test {
   protected:
     ScanTest() { job.StartingDirectory = folder.path(); }
 
-    ScanResult scanWatchedBy(TaskMonitor &task) { return scan(job, task, log); }
+    ScanResult scanWatchedBy(TaskMonitor &task) { return scan(job, task, log, nullptr, formats); }
     ScanResult scanned() {
         Unwatched task;
         return scanWatchedBy(task);
@@ -40,6 +41,9 @@ class ScanTest : public testing::Test {
                             fs::path(file.FullPath).lexically_relative(folder.path()).string());
         return lines;
     }
+
+    void dontLookFor(const SourceOption &box) { setWanted(job, box, false); }
+    void dontLookFor(std::string_view box) { dontLookFor(importOption(box)); }
 
     /// As somebody to whom the modes of files mean something.
     ScanResult scannedWithoutPrivileges() {
@@ -56,6 +60,7 @@ class ScanTest : public testing::Test {
     test::TempFolder folder;
     test::MemoryLog log;
     ImportClass job;
+    std::vector<const Reader *> formats{registry().begin(), registry().end()};
 };
 
 using Lines = std::vector<std::string>;
@@ -117,16 +122,17 @@ TEST_F(ScanTest, looksForMarksInTheFirstBlockOnly) {
 TEST_F(ScanTest, passesOverWhatIsNotWanted) {
     folder.write("index.dat", indexBytes(0));
     folder.write("places.sqlite", "");
-    job.IncludeHistoryFirefox = false;
+    dontLookFor("chkHistoryFirefox");
     EXPECT_EQ(found(), Lines{"1 index.dat"});
-    job.IncludeHistoryIE = false; // listed for the sake of caches, and then not wanted
+    dontLookFor("chkHistoryIE"); // listed for the sake of caches, and then not wanted
     EXPECT_EQ(found(), Lines{});
 }
 
 TEST_F(ScanTest, meetsCookiesOfInternetExplorerOnlyBesideItsOtherFiles) {
     folder.write("Cookies/index.dat", indexBytes(0));
     EXPECT_EQ(found(), Lines{"5 Cookies/index.dat"});
-    job.IncludeHistoryIE = job.IncludeCacheIE = false;
+    dontLookFor("chkHistoryIE");
+    dontLookFor("chkCacheIE");
     EXPECT_EQ(found(), Lines{});
 }
 
@@ -233,9 +239,66 @@ TEST_F(ScanTest, passesShaderCachesOverAndCountsThem) {
     job.StartingDirectory = folder.path() / "GPUCache" / "data_0";
     EXPECT_EQ(scanned().HistoryFiles.Count(), 1u) << "whoever names it wants it";
     job.StartingDirectory = folder.path();
-    job.IncludeCacheChrome = false;
-    job.IncludeCacheSafari = false;
+    dontLookFor("chkCacheChrome");
+    dontLookFor("chkCacheSafari");
     EXPECT_EQ(scanned().gaps.shaderCaches, 0u);
+}
+
+constexpr SourceOption kMadeUp = {"chkMadeUp", RecordGroup::other, nullptr, "Made up"};
+
+constexpr Reader madeUp(int type, std::string_view key, std::string_view mask) {
+    return {.type = HistoryFileType{static_cast<std::int16_t>(type)},
+            .key = key,
+            .kind = key,
+            .option = &kMadeUp,
+            .mask = mask};
+}
+
+TEST_F(ScanTest, listsAFileOnceForEachFormatThatTakesIt) {
+    Reader visits = madeUp(1000, "visits", "*.db");
+    visits.recognises = [](const Candidate &file) { return file.extension == "db"; };
+    Reader terms = visits;
+    terms.type = HistoryFileType{1001};
+    terms.takesBesideOthers = true;
+    formats = {&visits, &terms};
+    folder.write("history.db", "bytes");
+    EXPECT_EQ(found(), (Lines{"1000 history.db", "1001 history.db"}));
+    dontLookFor(kMadeUp);
+    EXPECT_EQ(found(), Lines{});
+}
+
+TEST_F(ScanTest, listsAFolderOnceThatManyFilesLeadTo) {
+    Reader cache = madeUp(1000, "entries", "*_0");
+    cache.recognises = [](const Candidate &file) { return file.name.ends_with("_0"); };
+    cache.artefact = [](const Candidate &file) { return file.file.parent_path(); };
+    formats = {&cache};
+    for (const char *name : {"Cache/a_0", "Cache/b_0", "Cache/below/x", "Other/a_0"})
+        folder.write(name, name);
+    EXPECT_EQ(found(), (Lines{"1000 Cache", "1000 Other"}));
+    const ScanResult result = scanned();
+    const HistoryFile &first = result.HistoryFiles.Item(1);
+    EXPECT_EQ(first.FileName, "Cache");
+    EXPECT_EQ(first.FileParentPath, folder.path().string());
+    EXPECT_EQ(first.FileSize, 31u);
+    const auto lineOf = [](const char *bytes, const char *name) {
+        return md5Hex(bytes) + "  " + name + "\n";
+    };
+    EXPECT_EQ(first.MD5Hash, md5Hex(lineOf("Cache/a_0", "a_0") + lineOf("Cache/b_0", "b_0") +
+                                    lineOf("Cache/below/x", "below/x")));
+    EXPECT_EQ(first.SHA256Hash.size(), 64u);
+}
+
+TEST_F(ScanTest, notesAFolderWhoseFilesCantAllBeRead) {
+    Reader cache = madeUp(1000, "entries", "*_0");
+    cache.recognises = [](const Candidate &file) { return file.name.ends_with("_0"); };
+    cache.artefact = [](const Candidate &file) { return file.file.parent_path(); };
+    formats = {&cache};
+    folder.write("Cache/a_0", "x");
+    const auto file = folder.write("Cache/data", "x");
+    fs::permissions(file, fs::perms::none);
+    const ScanResult result = scannedWithoutPrivileges();
+    EXPECT_EQ(result.HistoryFiles.Count(), 0u);
+    EXPECT_EQ(unreadable(result), Lines{(folder.path() / "Cache" / "a_0").string()});
 }
 
 TEST_F(ScanTest, showsWhereItIs) {

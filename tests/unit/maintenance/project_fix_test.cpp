@@ -41,7 +41,7 @@ struct ProjectFixTest : test::UpgradeFixture {
         const pid_t child = ::fork();
         if (child == 0) {
             KilledAt task(step);
-            upgrade().fix(task);
+            static_cast<void>(upgrade().fix(task));
             ::_exit(0);
         }
         int status = 0;
@@ -320,7 +320,7 @@ TEST_F(ProjectFixTest, whatALinkLeadsToIsReplaced) {
     const fs::path link = folder.path() / "link.nvp";
     fs::create_symlink("case.nvp", link);
     Unwatched task;
-    ProjectUpgrade({link, temp, {}}, build, log, clock).fix(task);
+    static_cast<void>(ProjectUpgrade({link, temp, {}}, build, log, clock).fix(task));
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_TRUE(fs::exists(old));
 }

@@ -45,7 +45,7 @@ TEST_F(SchemaScanTest, aDatabaseOfAnotherProgramIsRefusedAndStaysAsItIs) {
     const std::string before = bytes(path);
     EXPECT_THROW(scan(), StorageFailure);
     test::MemoryTask task;
-    EXPECT_THROW(upgrade().fix(task), StorageFailure);
+    EXPECT_THROW(static_cast<void>(upgrade().fix(task)), StorageFailure);
     upgrade().stampWhenOlder();
     EXPECT_EQ(bytes(path), before);
     EXPECT_THAT(filesBeside(), testing::UnorderedElementsAre("case.nvp", "Temp"));

@@ -72,6 +72,18 @@ TEST(HtmlDocument, tellsTheNamespacesApart) {
     EXPECT_NE(find(page, "odd-one"), nullptr);
 }
 
+TEST(HtmlDocument, namesElementsAsHtmlDoesWhateverTheirNamespace) {
+    const std::string html = "<body><DIV></DIV><svg><title>t</title><a xlink:href=\"x\"></a></svg>"
+                             "<made-up></made-up>";
+    const HtmlDocument page(html, "page");
+    std::string names;
+    for (const Node *node : elementsOf(page))
+        names.append(HtmlDocument::plainNameOf(*node)).append(" ");
+    EXPECT_EQ(names, "html head body div svg title a  ");
+    EXPECT_EQ(HtmlDocument::valueOf(*find(page, "a"), "href"), "x");
+    EXPECT_EQ(HtmlDocument::valueOf(*find(page, "div"), "href"), std::nullopt);
+}
+
 TEST(HtmlDocument, refusesWhatIsBuiltToExhaust) {
     std::string deep;
     for (int i = 0; i < 50'000; ++i)

@@ -1,6 +1,7 @@
 #include "readers/Body.h"
 #include "readers/CachedBody.h"
 #include "readers/GZip.h"
+#include "readers/Scratch.h"
 #include "support/MacCacheReading.h"
 #include "support/SmallFiles.h"
 #include "support/TempFolder.h"
@@ -63,7 +64,7 @@ TEST_F(BodyTest, leavesNoFileWhenItIsNotTaken) {
 }
 
 TEST_F(BodyTest, isCopiedFromItsPlace) {
-    const FileReader source(folder.write("source", std::string((2 << 20) + 5, 'x') + "end"));
+    const ScratchFile source(folder.write("source", std::string((2 << 20) + 5, 'x') + "end"));
     for (const std::uint64_t inMemory : {std::uint64_t{0}, kBodyInMemory, std::uint64_t{9} << 20}) {
         BodyTarget target(file, inMemory);
         EXPECT_EQ(target.copy(source, 2, source.size()), source.size() - 2);
@@ -99,7 +100,7 @@ TEST_F(BodyTest, isUnpackedIntoAFileWhenItGrowsLarge) {
     EXPECT_EQ(fs::file_size(file), kBodyInMemory + 1);
     const test::SmallFiles limit(1000);
     body = {file, true, Bytes(packed.begin(), packed.end())};
-    EXPECT_THROW(unpackBody(body, kBodyInMemory, log), StorageFailure);
+    EXPECT_THROW(static_cast<void>(unpackBody(body, kBodyInMemory, log)), StorageFailure);
     EXPECT_TRUE(log.entries.empty());
 }
 
@@ -126,6 +127,26 @@ TEST_F(BodyTest, ofARecordIsFetchedIntoMemory) {
     EXPECT_TRUE(record.IsWebPage);
     EXPECT_TRUE(record.RunTimeTempFilePath.empty());
     EXPECT_TRUE(isScratchEmpty());
+}
+
+/// Two formats may give their records one word.
+TEST_F(BodyTest, isFetchedByTheTypeOfTheSourceWhateverTheRecordIsCalled) {
+    test::MacCache cache;
+    cache.add({.url = "http://host/page.html", .body = "<html>page</html>"});
+    test::MacCacheReading reading;
+    reading.readFile(folder.write("cache.waf", cache.bytes()));
+    const Evidence evidence(folder.path());
+    // What isn't fetched is a file of its own; here that is the cache.
+    const auto fetched = [&](const std::string &word, HistoryFileType source) {
+        URLClass record = reading.records().at(0);
+        record.cacheType = word;
+        const auto body = bodyOf(record, {evidence, scratch.path(), log, source}, kBodyInMemory);
+        return body && body->isInMemory && body->raw() == "<html>page</html>";
+    };
+    EXPECT_TRUE(fetched("Firefox Cache", HistoryFileType::macIECache));
+    EXPECT_FALSE(fetched("Mac IE Cache", HistoryFileType::ieCache));
+    EXPECT_TRUE(fetched("Mac IE Cache", HistoryFileType::none)) << "as one from a project";
+    EXPECT_FALSE(fetched("Simple HTML", HistoryFileType::none));
 }
 
 TEST_F(BodyTest, isFoundByAPathThatWasDecodedAsAWhole) {

@@ -43,7 +43,7 @@ TEST_F(ChromeCacheRecord, hasEveryField) {
     EXPECT_EQ(record.CacheRootPath, textOf(folder()));
     EXPECT_EQ(record.CacheFolderName, "Cache");
     EXPECT_EQ(record.CacheFileRelativePath, "mara/Chrome/Default/Cache/index");
-    EXPECT_EQ(record.CacheFileCreatedGMTDOS, creationDateOf(folder() / "index"));
+    EXPECT_EQ(record.CacheFileCreatedGMTDOS, Evidence({}).factsOf(folder() / "index").created);
     EXPECT_EQ(record.MapFileOffset, test::ChromeCache::offsetOf(place.entry));
     EXPECT_EQ(record.MetaDataRecordOffset, test::ChromeCache::offsetOf(place.header));
     EXPECT_EQ(record.DataBlockFile, "data_1");

@@ -91,7 +91,7 @@ TEST_F(ChromeHistoryReader, fillsEveryFieldOfARecord) {
     EXPECT_EQ(record.RootPath, file().parent_path().string() + "/");
     EXPECT_EQ(record.HistoryFilePath, file().string());
     EXPECT_EQ(record.HistoryVersion, "1.0");
-    EXPECT_EQ(record.CacheFileCreatedGMTDOS, creationDateOf(file()));
+    EXPECT_EQ(record.CacheFileCreatedGMTDOS, Evidence({}).factsOf(file()).created);
     EXPECT_TRUE(record.CacheFileCreatedGMTDOS.has());
     EXPECT_EQ(isoUtc(record.ActionDateUTC), isoUtc(Date::fromUnixSeconds(kStamp)));
     EXPECT_EQ(record.LastVisited, record.ActionDateUTC);

@@ -11,7 +11,7 @@ using namespace std::string_literals;
 
 ContentFacts factsOf(const std::string &bytes) {
     const test::TempFolder folder;
-    return ContentProbe().facts(folder.write("content", bytes));
+    return ContentProbe().scratchFacts(folder.write("content", bytes));
 }
 
 TEST(GetExtBySignature, knowsItsSignaturesAndNoOthers) {
@@ -52,13 +52,22 @@ TEST(ContentProbe, findsTagsAndTitlesThatABlockCuts) {
     }
 }
 
+TEST(ContentProbe, findsTheTitleAlone) {
+    EXPECT_EQ(titleOf("<html><TITLE> \u00e9t\u00e9 </TITLE><title>Two</title>"), "\u00e9t\u00e9");
+    EXPECT_EQ(titleOf("<title>never closed"), "");
+    EXPECT_EQ(titleOf(""), "");
+    for (std::size_t shift = 0; shift < 32; ++shift) // a tag that a piece of the search cuts
+        EXPECT_EQ(titleOf(std::string(4096 - shift, '.') + "<title>Across</title>"), "Across");
+}
+
 TEST(ContentProbe, givesUpOnATitleWithoutEnd) {
     EXPECT_EQ(factsOf("<title>" + std::string(200'000, 'x') + "</title>").title, "");
 }
 
 TEST(ContentProbe, saysWhatItCouldNotRead) {
     ContentProbe probe;
-    EXPECT_THROW(probe.facts("/nowhere/at/all"), FileFailure);
+    EXPECT_THROW(probe.scratchFacts("/nowhere/at/all"), FileFailure);
+    EXPECT_THROW(probe.facts(Evidence({}), "/nowhere/at/all"), EvidenceFailure);
     EXPECT_EQ(factsOf("x").extension, "");
 }
 

@@ -1,4 +1,6 @@
+#include "base/Text.h"
 #include "readers/Evidence.h"
+#include "support/FailingReads.h"
 #include "support/TempFolder.h"
 #include "support/WorkingFolder.h"
 
@@ -104,6 +106,98 @@ TEST(Evidence, keepsTheTextOfAFolderBesideANameThatIsNoUtf8) {
     const Evidence evidence(folder.path());
     EXPECT_EQ(evidence.relativeOf(file), "s\u00FC\u00DF/w\u00F6.html");
     EXPECT_EQ(evidence.find(folder.path(), evidence.relativeOf(file)), file);
+}
+
+TEST(Evidence, opensForReading) {
+    const test::TempFolder folder;
+    const auto file = folder.write("a/b.txt", "0123456789");
+    const Evidence evidence(folder.path());
+    const EvidenceFile opened = evidence.open(file);
+    EXPECT_EQ(opened.path(), file);
+    EXPECT_EQ(opened.size(), 10u);
+    EXPECT_EQ(ByteView(opened.read(8, 5)).raw(), "89");
+    EXPECT_EQ(ByteView(evidence.head(file, 3)).raw(), "012");
+    EXPECT_EQ(ByteView(evidence.whole(file)).raw(), "0123456789");
+}
+
+TEST(Evidence, readsFilesOfWhichTheSystemTellsNoSize) {
+    const std::filesystem::path told = "/proc/self/mountinfo";
+    const Evidence evidence({});
+    const EvidenceFile opened = evidence.open(told);
+    ASSERT_EQ(opened.size(), 0u);
+    const Bytes whole = evidence.whole(told);
+    EXPECT_GT(whole.size(), 100u);
+    EXPECT_EQ(opened.read(10, 50), Bytes(whole.begin() + 10, whole.begin() + 60));
+    std::size_t counted = 0;
+    EXPECT_TRUE(inBlocks(opened, [&counted](std::string_view block) {
+        counted += block.size();
+        return true;
+    }));
+    EXPECT_EQ(counted, whole.size());
+}
+
+TEST(Evidence, answersQuestionsOfPlaces) {
+    const test::TempFolder folder;
+    const auto file = folder.write("a/b.txt", "0123");
+    const auto link = folder.path() / "link";
+    std::filesystem::create_symlink(file, link);
+    const Evidence evidence(folder.path());
+    EXPECT_EQ(evidence.kindOf(file), PlaceKind::file);
+    EXPECT_EQ(evidence.kindOf(link), PlaceKind::file);
+    EXPECT_EQ(evidence.kindOf(folder.path()), PlaceKind::folder);
+    EXPECT_EQ(evidence.kindOf(folder.path() / "gone"), PlaceKind::nothing);
+    EXPECT_EQ(evidence.kindOf("/dev/null"), PlaceKind::special);
+    EXPECT_TRUE(evidence.isPlainFile(file));
+    EXPECT_FALSE(evidence.isPlainFile(link));
+    EXPECT_EQ(evidence.factsOf(file).size, 4u);
+    EXPECT_TRUE(evidence.factsOf(file).created.has());
+    EXPECT_TRUE(evidence.factsOf(file).lastAccessed.has());
+    EXPECT_FALSE(evidence.factsOf(folder.path() / "gone").isThere);
+    EXPECT_FALSE(evidence.factsOf(folder.path() / "gone").created.has());
+}
+
+/// What the step at `failing` ends in.
+template <class Body>
+std::string failureOfStep(std::size_t failing, Body &&body) {
+    const test::TempFolder folder;
+    const auto file = folder.write("b.txt", "0123");
+    test::FailingReads bad(failing);
+    const Evidence evidence(folder.path(), &bad);
+    try {
+        body(evidence, file);
+    } catch (const EvidenceFailure &failure) {
+        EXPECT_EQ(failure.file(), bad.failed);
+        return replaceAll(failure.what(), folder.path().string(), "");
+    }
+    return {};
+}
+
+TEST(Evidence, makesOneKindOfFailureOfAllThatCannotBeRead) {
+    const auto whole = [](const Evidence &evidence, const auto &file) {
+        return static_cast<void>(evidence.whole(file));
+    };
+    EXPECT_EQ(failureOfStep(0, whole), "cannot open \"/b.txt\": Input/output error");
+    EXPECT_EQ(failureOfStep(1, whole), "cannot read \"/b.txt\": Input/output error");
+    EXPECT_EQ(failureOfStep(2, whole), "");
+    EXPECT_EQ(failureOfStep(0,
+                            [](const Evidence &evidence, const auto &file) {
+                                static_cast<void>(evidence.contentsOf(file.parent_path()));
+                            }),
+              "cannot list \"\": Input/output error");
+    EXPECT_THROW(static_cast<void>(Evidence({}).open("/nowhere/at/all")), EvidenceFailure);
+}
+
+TEST(Evidence, notesTheFoldersInWhichItCannotLook) {
+    const test::TempFolder folder;
+    folder.write("a/b.txt", "0123");
+    test::FailingReads bad(1);
+    const Evidence evidence(folder.path(), &bad);
+    EXPECT_EQ(evidence.find(folder.path() / "gone", "b.txt"), std::nullopt);
+    EXPECT_TRUE(evidence.unlisted().empty());
+    EXPECT_EQ(evidence.find(folder.path() / "a", "b.txt"), std::nullopt);
+    EXPECT_EQ(evidence.find(folder.path() / "a", "c.txt"), std::nullopt);
+    ASSERT_EQ(evidence.unlisted().size(), 1u);
+    EXPECT_EQ(evidence.unlisted()[0].path, folder.path() / "a");
 }
 
 } // namespace

@@ -62,7 +62,7 @@ TEST_F(FirefoxCacheWalk, takesLocationsApart) {
 }
 
 TEST_F(FirefoxCacheWalk, readsBytesAndWordsOfAnOpenFile) {
-    const FileReader words(folder.write("words", "\x80\x00\x01\x0B\xFF"s));
+    const EvidenceFile words = Evidence({}).open(folder.write("words", "\x80\x00\x01\x0B\xFF"s));
     EXPECT_EQ(mzMozillaCache::GetNextByte(4, words), 0xFF);
     EXPECT_EQ(mzMozillaCache::GetNextDWord(0, words), 0x8000010B);
     EXPECT_EQ(mzMozillaCache::GetNextDWordAsHex(0, words), "8000010B");

@@ -147,7 +147,7 @@ TEST_F(NetAnalysisRecord, findsTheCachedFileBelowTheEvidence) {
     EXPECT_EQ(record.RootPath + record.CacheFileRelativePath, cached.string());
     EXPECT_EQ(record.CacheFolderName, "C:\\export\\content.ie5");
     EXPECT_EQ(record.CacheFileSize, 6);
-    EXPECT_EQ(record.CacheFileCreatedGMTDOS, creationDateOf(cached));
+    EXPECT_EQ(record.CacheFileCreatedGMTDOS, Evidence({}).factsOf(cached).created);
     EXPECT_TRUE(record.CacheFileLastAccessed.has());
     EXPECT_EQ(record.RunTimeContentPath, cached);
 }

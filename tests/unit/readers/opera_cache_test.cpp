@@ -110,7 +110,7 @@ TEST_F(OperaCacheReader, fillsEveryFieldOfARecord) {
     EXPECT_EQ(record.CacheFileSize, 14);
     EXPECT_TRUE(record.CacheFileLastAccessed.has());
     EXPECT_EQ(record.CacheFileCreatedGMTDOS,
-              creationDateOf(folder.path() / "opera/cache4/opr00021.gif"));
+              Evidence({}).factsOf(folder.path() / "opera/cache4/opr00021.gif").created);
     // url, date, status, size and type stand before the name.
     EXPECT_EQ(record.CacheFileNameRecordOffset, 3 + record.URL.size() + 11 + 7 + 7 + 12);
     EXPECT_TRUE(record.IsPicture);

@@ -82,7 +82,7 @@ TEST_F(OperaHistoryReader, fillsEveryFieldOfARecord) {
     EXPECT_EQ(record.URLRawValue, record.URL);
     EXPECT_EQ(record.RootPath, folder.path().string() + "/");
     EXPECT_EQ(record.cacheType, "Opera History");
-    EXPECT_EQ(record.CacheFileCreatedGMTDOS, creationDateOf(file.FullPath));
+    EXPECT_EQ(record.CacheFileCreatedGMTDOS, Evidence({}).factsOf(file.FullPath).created);
     EXPECT_FALSE(record.CacheFileExists);
     EXPECT_EQ(record.HashedURL, hashOfUrl(record.URL));
     EXPECT_FALSE(record.Hidden);

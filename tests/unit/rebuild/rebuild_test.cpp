@@ -48,6 +48,35 @@ TEST_F(RebuildTest, putsPageAndPartsSideBySide) {
     EXPECT_TRUE(project.log.entries.empty());
 }
 
+/// Does something as soon as the references have been found.
+class AfterTheSearch final : public TaskMonitor {
+  public:
+    explicit AfterTheSearch(std::function<void()> deed) : m_deed(std::move(deed)) {}
+    void describe(const TaskHeading &) override {}
+    bool advance(double) override { return true; }
+    bool wantsStep() const override { return true; }
+    void show(const TaskStep &step) override {
+        if (step.bottomMessage == "Reconciling")
+            m_deed();
+    }
+
+  private:
+    std::function<void()> m_deed;
+};
+
+TEST_F(RebuildTest, fetchesItsPageOnce) {
+    add("http://host/images/logo.gif", "GIF89a...");
+    const UrlId html = add("http://host/page.html", "<img src=\"images/logo.gif\" > ");
+    page = get(html);
+    AfterTheSearch changing(
+        [this] { writeWhole(evidenceFolder / "ABCDEFGH" / page.CacheFileName, "another page"); });
+    const RebuildContext ctx{project.connection(), store,    evidence, temp,
+                             project.log,          changing, settings};
+    ASSERT_TRUE(RebuildWebPage(page, Batch::no, ctx, project.clock));
+    EXPECT_EQ(fileOf(html, "0000002.htm"), "<img src=\"0000001.gif\" > \r\n");
+    EXPECT_TRUE(project.log.entries.empty());
+}
+
 TEST_F(RebuildTest, leavesAReferenceWithoutAPartAsItIs) {
     const UrlId html = add("http://host/page.html", "<img src=\"images/gone.gif\" > ");
     ASSERT_TRUE(rebuild(html));

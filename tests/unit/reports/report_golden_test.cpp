@@ -1,3 +1,4 @@
+#include "support/Places.h"
 #include "unit/reports/ReportFixture.h"
 
 #include <cstdlib>
@@ -30,7 +31,7 @@ class ReportGoldenTest : public ReportFixture {
             each.ReportedBy = "M. Quill";
             each.Organization = "Unit 4";
         });
-        const auto expected = std::filesystem::path(NV_GOLDEN_DIR) / "report" / name;
+        const auto expected = goldenFolder() / "report" / name;
         if (std::getenv("NV_WRITE_GOLDEN"))
             writeWhole(expected, html);
         EXPECT_EQ(html, textAt(expected));

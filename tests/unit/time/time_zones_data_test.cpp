@@ -1,5 +1,6 @@
 // The rows of nvTZ.dat against the zones that ICU knows.
 
+#include "support/Places.h"
 #include "support/TestDoubles.h"
 #include "time/DateFormat.h"
 #include "time/ZoneDatabase.h"
@@ -37,7 +38,7 @@ class TimeZonesData : public testing::Test {
     }
 
     test::MemoryLog m_log;
-    ZoneDatabase m_zones{NV_TIME_ZONES, m_log};
+    ZoneDatabase m_zones{test::timeZonesFile(), m_log};
     std::vector<ZoneRow> m_rows = m_zones.listZones();
 };
 

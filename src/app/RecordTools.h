@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/DrawingTools.h"
+#include "app/Program.h"
+#include "db/RecordStore.h"
+#include "readers/Evidence.h"
+#include "rebuild/RebuildContext.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace nv {
+
+/// The settings that rebuilding goes by.
+RebuildSettings rebuildSettings(const Program &program);
+
+/// The records of the open project, their evidence and a scratch folder, for all that fetches,
+/// shows or rebuilds their content: make it, use it, let it go while the project stays open.
+class RecordTools {
+  public:
+    /// `scratch` is an existing folder of the program's own: content is fetched into it, and pages
+    /// are rebuilt there.
+    RecordTools(Program &program, TaskMonitor &task, const std::filesystem::path &scratch);
+    RecordTools(const RecordTools &) = delete; // the context refers to the other members
+    RecordTools &operator=(const RecordTools &) = delete;
+
+    const RebuildContext &context() const { return m_context; }
+    std::optional<URLClass> record(std::int64_t URL_ID) { return m_records.GetURL(UrlId{URL_ID}); }
+
+    /// Makes what draws thumbnails of rebuilt pages; asked only when there is one to draw.
+    std::function<std::unique_ptr<Drawing>(const std::filesystem::path &scratch)> drawing =
+        makeDrawing;
+
+  private:
+    RecordStore m_records;
+    Evidence m_evidence;
+    RebuildContext m_context;
+};
+
+} // namespace nv

@@ -1,0 +1,130 @@
+#include "app/ui/FilesPart.h"
+
+#include "app/Messages.h"
+#include "app/Project.h"
+#include "app/ui/OptionsPart.h"
+#include "app/ui/RebuildPart.h"
+#include "app/ui/Workbench.h"
+#include "import/ui/ImportForm.h"
+#include "platform/qt/QtText.h"
+#include "time/ZoneDatabase.h"
+
+#include <QAction>
+#include <QInputDialog>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+FilesPart::FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &view,
+                     OptionsPart &options, RebuildPart &rebuild)
+    : m_bench(bench), m_commands(commands), m_view(view), m_options(options), m_rebuild(rebuild) {
+    const MainActions &actions = bench.actions;
+    const auto on = [this](QAction *action, const char *procedure, auto command) {
+        connect(action, &QAction::triggered, this,
+                [=, this] { m_bench.run(procedure, [=, this] { command(*this); }); });
+    };
+    on(actions.newProject, "MainForm.OpenFile()", [](FilesPart &part) { part.newProject(); });
+    on(actions.openProject, "MainForm.OpenFile()", [](FilesPart &part) { part.openProject({}); });
+    on(actions.saveAs, "MainForm.SaveAs()", [](FilesPart &part) { part.saveAs(); });
+    on(actions.closeProject, "MainForm.CloseFile()",
+       [](FilesPart &part) { part.m_commands.CloseFile(); });
+    on(actions.import, "MainForm.import()", [](FilesPart &part) { part.import({}); });
+    on(actions.upgradeWizard, "MainForm.upgradeWizard()",
+       [](FilesPart &part) { part.m_commands.upgradeWizard(); });
+    on(actions.baseFolder, "MainForm.chooseBaseFolder()",
+       [](FilesPart &part) { part.chooseBaseFolder(); });
+    on(actions.timeZone, "MainForm.chooseTimeZone()",
+       [](FilesPart &part) { part.chooseTimeZone(); });
+}
+
+void FilesPart::newProject() {
+    const auto made = m_options.askNewProject([this] { m_commands.CloseFile(); });
+    if (!made || !m_commands.OpenFile(made->path, OpenMode::newAtPath))
+        return;
+    m_options.storeNewProject(*made);
+    m_bench.reload();
+}
+
+void FilesPart::openProject(const fs::path &path) {
+    if (!m_commands.OpenFile(path, OpenMode::existing))
+        return;
+    m_commands.tellOfChangedDefaultQuery();
+    m_bench.reload();
+    m_rebuild.tellOfWideIds();
+    offerWebpages();
+}
+
+/// A big project is easier to read without its pictures and scripts.
+void FilesPart::offerWebpages() {
+    constexpr std::size_t kBig = 10'000; // rows
+    const bool big = m_bench.table->table() && m_bench.table->table()->rowCount() >= kBig;
+    if (big && m_bench.examiner().ask(messages::showOnlyWebpages()) == Answer::Yes)
+        m_bench.table->chooseQuery(QStringLiteral("_Show Only Webpages"));
+}
+
+/// The connection changes with the file, so the table is built anew.
+void FilesPart::saveAs() {
+    m_commands.SaveAs();
+    if (!m_bench.isProjectOpen() || m_bench.table->table())
+        return;
+    m_view.restoreLayout();
+    m_bench.reload();
+}
+
+void FilesPart::import(const fs::path &start) {
+    if (!m_bench.mayWrite())
+        return;
+    if (!m_bench.isProjectOpen())
+        newProject();
+    if (!m_bench.isProjectOpen())
+        return;
+    const auto chooseFolder = [this](const std::string &title, const fs::path &from) {
+        return m_bench.dialogs.chooseFolder(title, from);
+    };
+    ImportForm form(m_bench.program, start, chooseFolder, &m_bench.window);
+    form.exec();
+    if (form.imported()) {
+        m_bench.reload();
+        m_rebuild.tellOfWideIds();
+    }
+}
+
+void FilesPart::takePath(const fs::path &path) {
+    if (isProjectName(path))
+        m_bench.run("MainForm.OpenFile()", [this, path] { openProject(path); });
+    else
+        m_bench.run("MainForm.import()", [this, path] { import(path); });
+}
+
+void FilesPart::chooseBaseFolder() {
+    const auto chosen =
+        m_bench.dialogs.chooseFolder("Select the BASE root folder for all evidence in project:",
+                                     m_bench.program.thisClass.RootPath);
+    if (!chosen)
+        return;
+    setRootPath(m_bench.program, fs::canonical(*chosen));
+    m_bench.reload();
+}
+
+void FilesPart::chooseTimeZone() {
+    const auto zones = ZoneDatabase(m_bench.program.paths.zones(), m_bench.program.log).listZones();
+    QStringList texts;
+    for (const ZoneRow &zone : zones)
+        texts += toQt(zone.listText());
+    QInputDialog dialog(&m_bench.window);
+    dialog.setObjectName(QStringLiteral("TimeZoneForm"));
+    dialog.setWindowTitle(tr("Time Zone"));
+    dialog.setLabelText(tr("Times are shown in:"));
+    dialog.setComboBoxItems(texts);
+    if (const auto place = placeInList(zones, m_bench.program.thisClass.GMTZone))
+        dialog.setTextValue(texts.at(static_cast<qsizetype>(*place)));
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const qsizetype chosen = texts.indexOf(dialog.textValue());
+    if (chosen >= 0 &&
+        setZone(m_bench.program, zones.at(static_cast<std::size_t>(chosen)).Time_Zone_ID))
+        m_bench.reload();
+}
+
+} // namespace nv

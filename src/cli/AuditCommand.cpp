@@ -1,0 +1,82 @@
+#include "app/Project.h"
+#include "app/RebuildJob.h"
+#include "base/Files.h"
+#include "cli/Commands.h"
+#include "cli/RowCheck.h"
+#include "cli/Session.h"
+#include "cli/SharedArguments.h"
+#include "rebuild/Harvest.h"
+#include "views/Audit.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+namespace nv::cli {
+
+namespace {
+
+struct Arguments {
+    std::string project;
+    std::int64_t urlId = 0;
+    bool wideIds = false;
+    Format format = Format::table;
+};
+
+/// A table that lacked rows would pass for an audit.
+std::vector<AuditRow> auditOf(URLClass &page, RecordTools &tools, const Program &program) {
+    unpackPage(page, tools, program);
+    const RebuildContext &ctx = tools.context();
+    auto rows = LoadAudit(page, rebuildFolderOf(page.URLID, ctx), ctx);
+    if (!rows)
+        throw StorageFailure(fmt::format("row {}: the audit can't be read; see \"{}\"",
+                                         number(page.URLID), textOf(program.log.path())));
+    return std::move(*rows);
+}
+
+Exit run(Session &session, const Arguments &arguments) {
+    const std::int64_t urlId = arguments.urlId;
+    session.openForReading(arguments.project);
+    Program &program = session.program;
+    program.thisClass.WideRecordIds |= arguments.wideIds;
+    {
+        RecordTools tools(program, session.task, session.scratch());
+        checkRow(program.thisClass.ProjectDB.connection(), urlId);
+        auto page = tools.record(urlId);
+        if (!page)
+            throw StorageFailure(fmt::format("row {}: it can't be read; see \"{}\"", urlId,
+                                             textOf(program.log.path())));
+        if (!page->CacheFileRebuilt)
+            throw UsageError(fmt::format("row {} was not rebuilt", urlId));
+        const auto rows = auditOf(*page, tools, program);
+        const auto writer =
+            makeRowWriter(arguments.format, session.out,
+                          {"number", "original", "new", "extension", "state", "URL_ID", "replaced",
+                           "score", "URL", "other candidates"});
+        for (const AuditRow &row : rows)
+            writer->row({row.number, row.originalValue, row.newValue, row.extension, row.state,
+                         row.TagURLID, row.isReplaced(), row.score, row.partUrl(),
+                         row.otherCandidates()});
+        writer->finish();
+        session.task.clear();
+    }
+    closeProject(program);
+    return Exit::ok;
+}
+
+} // namespace
+
+Command auditCommand() {
+    const auto given = std::make_shared<Arguments>();
+    return {
+        .name = "audit",
+        .what = "What stands for each reference of a rebuilt page",
+        .readme = {"`audit PROJECT ID`", "tells what stands for each reference of a rebuilt page"},
+        .examples = {{"audit case.nvp 17", "a page that was rebuilt"},
+                     {"audit case.nvp 17 --format csv", ""}},
+        .arguments = {projectWord(given->project),
+                      value("URL_ID", given->urlId, "Key of the page's row").required(),
+                      wideIdsFlag(given->wideIds), formatOption(given->format)},
+        .run = [given](Session &session) { return run(session, *given); }};
+}
+
+} // namespace nv::cli

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "cli/Command.h"
+
+namespace nv::cli {
+
+// Each in the file of its name.
+
+Command importCommand();
+Command listCommand();
+Command queryCommand();
+Command queriesCommand();
+Command saveQueryCommand();
+Command showQueryCommand();
+Command deleteQueryCommand();
+Command showCommand();
+Command dumpCommand();
+Command extractCommand();
+Command zonesCommand();
+Command rebuildCommand();
+Command auditCommand();
+Command tagCommand();
+Command templateCommand();
+Command templateCreateCommand();
+Command templateListCommand();
+Command templateApplyCommand();
+Command thumbnailsCommand();
+Command galleryCommand();
+Command trailCommand();
+Command verifyCommand();
+Command linksCommand();
+Command noteCommand();
+Command hexCommand();
+Command exifCommand();
+Command textCommand();
+Command hostsCommand();
+Command reportCommand();
+Command exportCommand();
+Command upgradeCommand();
+Command optionsCommand();
+Command optionsGetCommand();
+Command optionsSetCommand();
+
+} // namespace nv::cli

@@ -1,0 +1,178 @@
+#include "app/Project.h"
+#include "app/Trail.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "cli/ChosenFilters.h"
+#include "cli/Commands.h"
+#include "cli/LoadedTable.h"
+#include "cli/OutputPath.h"
+#include "cli/Session.h"
+#include "cli/SharedArguments.h"
+#include "reports/ExportRows.h"
+
+#include <fmt/ranges.h>
+
+#include <optional>
+
+namespace nv::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Arguments {
+    std::string project;
+    std::string file;                   ///< "-" for the standard output
+    std::optional<ExportFormat> format; ///< nothing: by the file's extension
+    std::string delimiter = "|";        ///< or "," ";" "tab"
+    std::vector<std::string> columns;   ///< keys; empty for all
+    RowsAsked rows;
+    bool tagged = false;
+    bool guardFormulas = false;
+    bool overwrite = false;
+};
+
+ExportFormat formatOf(const Arguments &arguments) {
+    if (arguments.format)
+        return *arguments.format;
+    const std::string extension = toLower(textOf(fs::path(arguments.file).extension()));
+    for (const ExportFormat format : {ExportFormat::csv, ExportFormat::jsonl, ExportFormat::xlsx})
+        if (extension == "." + std::string(extensionOf(format)))
+            return format;
+    return ExportFormat::delimited;
+}
+
+std::string delimiterOf(const std::string &word) {
+    if (equalsNoCase(word, "tab") || word == "\\t" || word == "\t")
+        return "\t";
+    if (word != "|" && word != "," && word != ";")
+        throw UsageError(fmt::format("--delimiter: | , ; or tab were expected, not {}", word));
+    return word;
+}
+
+SelectedColumns columnsOf(const std::vector<std::string> &keys) {
+    std::string text;
+    for (const std::string &key : keys) {
+        const auto column = columnOfKey(key);
+        if (column)
+            text += fmt::format("{}|{};", factsOf(*column).header, factsOf(*column).key);
+        else if (equalsNoCase(key, kIndexColumn))
+            text += "Index|Index;";
+        else
+            throw UsageError(fmt::format("there is no column \"{}\": Index, {} were expected", key,
+                                         fmt::join(columnKeys(), ", ")));
+    }
+    return columnsFromString(text);
+}
+
+ExportClass jobOf(const Arguments &arguments) {
+    ExportClass job;
+    job.format = formatOf(arguments);
+    job.delimiter = delimiterOf(arguments.delimiter);
+    job.ExportAllRows = !arguments.tagged;
+    job.ExportAllColumns = arguments.columns.empty();
+    job.SelectedColumns = columnsOf(arguments.columns);
+    job.guardFormulas = arguments.guardFormulas;
+    return job;
+}
+
+bool toStandardOutput(const Arguments &arguments) {
+    return arguments.file == "-";
+}
+
+void checkTarget(const Arguments &arguments, ThisClass &state) {
+    if (toStandardOutput(arguments))
+        return;
+    refuseUntouchable(arguments.file, state);
+    if (fs::exists(fs::path(arguments.file)) && !arguments.overwrite)
+        throw UsageError(
+            fmt::format("\"{}\" is there already; --overwrite replaces it", arguments.file));
+}
+
+/// A file that the writer left in the scratch folder goes to the standard output.
+void handOver(Session &session, const fs::path &file) {
+    readInBlocks(file, [&session](std::string_view block, std::uint64_t) {
+        session.out.write(block.data(), static_cast<std::streamsize>(block.size()));
+        return session.out.good();
+    });
+    session.flushOutput();
+}
+
+/// Which form it is isn't plain when the extension has none.
+std::string closingLine(const ExportClass &job) {
+    if (job.format == ExportFormat::delimited)
+        return fmt::format("{} written as text delimited by {}\n",
+                           counted(static_cast<std::uint64_t>(job.counts.rows), "row"),
+                           job.delimiter == "\t" ? "tabs" : '"' + job.delimiter + '"');
+    return fmt::format("{} written as {}\n",
+                       counted(static_cast<std::uint64_t>(job.counts.rows), "row"),
+                       extensionOf(job.format));
+}
+
+Exit run(Session &session, const Arguments &arguments) {
+    ExportClass job = jobOf(arguments);
+    session.program.thisClass.Filters = filtersFrom(arguments.rows.filter);
+    const bool notes = session.openForNote(arguments.project);
+    ThisClass &state = session.program.thisClass;
+    checkTarget(arguments, state);
+    job.OutputFilePath = toStandardOutput(arguments) ? session.scratch() / "standard-output"
+                                                     : fs::path(arguments.file);
+    ExportEnd end = ExportEnd::cancelled;
+    {
+        SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
+        UrlTable table(project, session.program.log, state.GMTZone);
+        if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Loaded) {
+            if (arguments.tagged)
+                selectTagged(job, table, project);
+            end = exportRows(job, table, session.scratch(), session.task);
+            if (end == ExportEnd::exported && toStandardOutput(arguments))
+                handOver(session, job.OutputFilePath);
+            if (end == ExportEnd::exported && notes)
+                noteExport(session.program, job,
+                           toStandardOutput(arguments) ? "standard output" : "");
+        }
+    }
+    session.task.clear();
+    closeProject(session.program);
+    if (end == ExportEnd::cancelled)
+        return Exit::interrupted;
+    session.err << closingLine(job);
+    for (const std::string &note : notesOf(job.counts))
+        session.err << note << '\n';
+    return job.counts.unread.empty() ? Exit::ok : Exit::rowsNotRead;
+}
+
+} // namespace
+
+Command exportCommand() {
+    const auto given = std::make_shared<Arguments>();
+    return {
+        .name = "export",
+        .what = "Write the rows of the table to a file for other programs",
+        .readme = {"`export PROJECT FILE`", "writes rows as csv, jsonl, xlsx or delimited text"},
+        .examples = {{"export case.nvp rows.xlsx", "the form follows from the name"},
+                     {"export case.nvp rows.txt --delimiter tab --tagged", "rows with the tick"},
+                     {"export case.nvp - --format csv | less", "to the standard output"}},
+        .arguments =
+            {projectWord(given->project),
+             value("FILE", given->file, "The file to write; - is the standard output").required(),
+             choice<ExportFormat>("--format", given->format,
+                                  {{"delimited", ExportFormat::delimited},
+                                   {"csv", ExportFormat::csv},
+                                   {"jsonl", ExportFormat::jsonl},
+                                   {"xlsx", ExportFormat::xlsx}},
+                                  "delimited, csv, jsonl or xlsx (default: by the extension of "
+                                  "FILE)"),
+             value("--delimiter", given->delimiter, "Of delimited: | , ; or tab").showingDefault(),
+             value("--columns", given->columns,
+                   "Index or column keys, separated by commas (default: all)")
+                 .separatedByCommas(),
+             queryOption(given->rows), hostOption(given->rows), filterOption(given->rows),
+             flag("--tagged", given->tagged, "Only rows with the tick"),
+             flag("--guard-formulas", given->guardFormulas,
+                  "Of csv: an apostrophe before texts that a spreadsheet takes for a formula"),
+             flag("--overwrite", given->overwrite, "Replace FILE when it is there")},
+        .run = [given](Session &session) { return run(session, *given); }};
+}
+
+} // namespace nv::cli

@@ -1,0 +1,222 @@
+#include "app/DrawingTools.h"
+#include "app/Project.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "cli/ChosenFilters.h"
+#include "cli/Commands.h"
+#include "cli/ContactSheet.h"
+#include "cli/LoadedTable.h"
+#include "cli/OutputPath.h"
+#include "cli/Session.h"
+#include "cli/SharedArguments.h"
+#include "cli/SheetPicture.h"
+#include "platform/posix/SheetFile.h"
+#include "reports/ExportFile.h"
+#include "views/Gallery.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+
+namespace nv::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Arguments {
+    std::string project;
+    RowsAsked rows;
+    std::string pard; ///< "15-40"; empty for any
+    std::vector<std::string> sizes;
+    int page = 1;
+    int perPage = 0; ///< 0 for the settings' number
+    std::string out; ///< an HTML file or a picture
+    bool overwrite = false;
+};
+
+struct SizeWord {
+    std::string_view word;
+    bool PARDClass::*flag;
+};
+constexpr std::array<SizeWord, 5> kSizes = {{{"xs", &PARDClass::ShowXSmallPics},
+                                             {"s", &PARDClass::ShowSmallPics},
+                                             {"m", &PARDClass::ShowMediumPics},
+                                             {"l", &PARDClass::ShowLargePics},
+                                             {"xl", &PARDClass::ShowXLargePics}}};
+
+std::optional<std::int16_t> valueOf(std::string_view text) {
+    std::int16_t value = 0;
+    const char *end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end || value < 0 || value > 100)
+        return std::nullopt;
+    return value;
+}
+
+/// A range that runs backwards shows everything, which nobody asks for here.
+void readRange(const std::string &text, PARDClass &PARD) {
+    const auto parts = split(text, '-');
+    const auto from = parts.size() == 2 ? valueOf(parts[0]) : std::nullopt;
+    const auto to = parts.size() == 2 ? valueOf(parts[1]) : std::nullopt;
+    if (!from || !to || *from > *to)
+        throw UsageError(fmt::format("--pard {}: a range from 0-0 to 100-100 was expected, such as "
+                                     "15-40",
+                                     text));
+    PARD.FromValue = *from;
+    PARD.ToValue = *to;
+}
+
+PARDClass shapesOf(const Arguments &arguments) {
+    PARDClass PARD;
+    // Sizes count together with a range only; this one leaves no picture out.
+    PARD.ToValue = 100;
+    PARD.EnablePARD = !arguments.pard.empty() || !arguments.sizes.empty();
+    if (!arguments.pard.empty())
+        readRange(arguments.pard, PARD);
+    for (const std::string &word : arguments.sizes) {
+        const auto *size = std::ranges::find(kSizes, word, &SizeWord::word);
+        if (size == kSizes.end())
+            throw UsageError(
+                fmt::format("--sizes: xs, s, m, l and xl were expected, not {}", word));
+        PARD.*(size->flag) = true;
+    }
+    return PARD;
+}
+
+bool isPicture(const fs::path &file) {
+    return toLower(textOf(file.extension())) == ".png";
+}
+
+void checkTarget(const Arguments &arguments, ThisClass &state) {
+    const fs::path file = arguments.out;
+    const std::string extension = toLower(textOf(file.extension()));
+    if (extension != ".html" && extension != ".htm" && !isPicture(file))
+        throw UsageError(
+            fmt::format("--out {}: a file *.html or *.png was expected", arguments.out));
+    refuseUntouchable(file, state);
+    if (fs::exists(file) && !arguments.overwrite)
+        throw UsageError(
+            fmt::format("\"{}\" is there already; --overwrite replaces a file", textOf(file)));
+}
+
+Gallery galleryOf(Session &session, const Arguments &arguments) {
+    ThisClass &state = session.program.thisClass;
+    SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
+    checkQuery(session, arguments.rows.query);
+    Gallery gallery(project, session.program.log);
+    gallery.choice = choiceOf(arguments.rows);
+    gallery.Filters = filtersFrom(arguments.rows.filter);
+    gallery.PARD = shapesOf(arguments);
+    gallery.settings.GalleryRecordsPerPage =
+        arguments.perPage > 0 ? arguments.perPage : state.GalleryRecordsPerPage;
+    gallery.settings.media = {state.GalleryIncludePictures, state.GalleryIncludeHTML};
+    return gallery;
+}
+
+/// What was asked for, so that a printed sheet says what it leaves out.
+std::vector<std::string> linesOf(const Gallery &gallery, const Arguments &arguments) {
+    std::vector<std::string> lines{fmt::format("Page {}, {} of {} pictures and pages",
+                                               gallery.pageText(), gallery.gallery().Tiles.Count(),
+                                               gallery.rowCount())};
+    if (const UnreadRows unread = gallery.unread(); !unread.empty())
+        lines.push_back(noteOf(unread));
+    if (!arguments.rows.query.empty())
+        lines.push_back("Query: " + arguments.rows.query);
+    if (!arguments.rows.host.empty())
+        lines.push_back("Hosts that contain: " + arguments.rows.host);
+    if (!arguments.rows.filter.empty())
+        lines.push_back(fmt::format("Filters: {}", fmt::join(arguments.rows.filter, ", ")));
+    if (!arguments.pard.empty())
+        lines.push_back("P.A.R.D.: " + arguments.pard);
+    if (!arguments.sizes.empty())
+        lines.push_back(fmt::format("Sizes: {}", fmt::join(arguments.sizes, ", ")));
+    return lines;
+}
+
+void drawSheet(Session &session, const ContactSheet &sheet, const fs::path &target) {
+    if (sheet.tiles.Count() > kMostSheetTiles)
+        throw UsageError(fmt::format("{} tiles are too many for a picture: ask for {} with "
+                                     "--per-page, or for *.html",
+                                     sheet.tiles.Count(), kMostSheetTiles));
+    drawContactSheet(sheet, *makeDrawing(session.scratch()), session.scratch(), target);
+}
+
+void writeSheet(Session &session, const Gallery &gallery, const Arguments &arguments) {
+    Program &program = session.program;
+    const ContactSheet sheet{
+        "Gallery of " + textOf(fs::path(arguments.project).filename()), linesOf(gallery, arguments),
+        gallery.gallery().Tiles, [&program](UrlId id) {
+            return thumbnailOf(program.thisClass.ProjectDB.connection(), program.log, id);
+        }};
+    ExportFile file(arguments.out);
+    if (isPicture(arguments.out))
+        drawSheet(session, sheet, file.aside());
+    else
+        writeContactSheet([&file](std::string_view text) { file.write(text); }, sheet);
+    file.finish();
+}
+
+/// The window shows the nearest page; a sheet of another page than was asked for would mislead.
+void checkPage(const Gallery &gallery, int page) {
+    const int last = std::max(1, gallery.GalleryADOPageCount());
+    if (page < 1 || page > last)
+        throw UsageError(fmt::format("--page {}: the gallery has {}", page,
+                                     counted(static_cast<std::uint64_t>(last), "page")));
+}
+
+/// Writes a page of the gallery as a contact sheet.
+Exit run(Session &session, const Arguments &arguments) {
+    session.openForReading(arguments.project);
+    Program &program = session.program;
+    checkTarget(arguments, program.thisClass);
+    Gallery gallery = galleryOf(session, arguments);
+    const LoadResult loaded = gallery.load(session.task);
+    session.task.clear();
+    if (loaded == LoadResult::Cancelled)
+        return Exit::interrupted;
+    if (loaded == LoadResult::Loaded)
+        checkPage(gallery, arguments.page);
+    if (loaded == LoadResult::Failed || !gallery.showPage(arguments.page))
+        throw StorageFailure(
+            fmt::format("the gallery can't be shown; see \"{}\"", textOf(program.log.path())));
+    writeSheet(session, gallery, arguments);
+    session.out << fmt::format("page {}, {} of {} pictures and pages\n", gallery.pageText(),
+                               gallery.gallery().Tiles.Count(), gallery.rowCount());
+    if (gallery.rowCount() == 0)
+        session.err << "no row that was asked for has a thumbnail; the command thumbnails draws "
+                       "them\n";
+    const Exit read = tellUnread(session, gallery.unread());
+    closeProject(program);
+    return read;
+}
+
+} // namespace
+
+Command galleryCommand() {
+    const auto given = std::make_shared<Arguments>();
+    return {
+        .name = "gallery",
+        .what = "Write a page of thumbnails as one HTML file or picture",
+        .readme = {"`gallery PROJECT --out FILE`",
+                   "writes a contact sheet, `*.html` or `*.png`; `--pard`, `--sizes`"},
+        .examples = {{"gallery case.nvp --out page1.html", "the first page"},
+                     {"gallery case.nvp --pard 15-40 --sizes l,xl --out p.html",
+                      "large photographs"},
+                     {"gallery case.nvp --page 2 --per-page 50 --out page2.png", "as one picture"}},
+        .arguments =
+            {projectWord(given->project), queryOption(given->rows), hostOption(given->rows),
+             filterOption(given->rows),
+             value("--pard", given->pard, "Only P.A.R.D. values FROM-TO, best 15-40"),
+             value("--sizes", given->sizes, "Only these sizes: xs,s,m,l,xl").separatedByCommas(),
+             value("--page", given->page, "Number of the page, from 1"),
+             value("--per-page", given->perPage, "Tiles a page (default: the settings')").from1(),
+             value("--out", given->out, "The file to write, *.html or *.png").required(),
+             flag("--overwrite", given->overwrite, "Replace the file when it is there")},
+        .run = [given](Session &session) { return run(session, *given); }};
+}
+
+} // namespace nv::cli

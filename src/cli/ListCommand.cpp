@@ -1,0 +1,124 @@
+#include "app/Project.h"
+#include "base/Text.h"
+#include "cli/ChosenFilters.h"
+#include "cli/Commands.h"
+#include "cli/LoadedTable.h"
+#include "cli/Session.h"
+#include "cli/SharedArguments.h"
+
+#include <fmt/ranges.h>
+
+#include <algorithm>
+
+namespace nv::cli {
+
+namespace {
+
+struct Arguments {
+    std::string project;
+    RowsAsked rows;
+    std::vector<std::string> columns;
+    Format format = Format::table;
+    /// Dates of csv and jsonl as the window has them, not ISO 8601. Tables always have them so.
+    bool datesAsShown = false;
+};
+
+/// What fits a screen when nobody asks for columns.
+constexpr UrlColumn kUsualColumns[] = {
+    UrlColumn::Id,     UrlColumn::Type,          UrlColumn::Status,
+    UrlColumn::Action, UrlColumn::ActionDateUtc, UrlColumn::Visits,
+    UrlColumn::Value,  UrlColumn::User};
+
+std::vector<UrlColumn> allColumns() {
+    std::vector<UrlColumn> columns;
+    columns.reserve(kUrlColumnCount);
+    for (const UrlColumnFacts &facts : kUrlColumns)
+        columns.push_back(facts.column);
+    return columns;
+}
+
+std::vector<UrlColumn> chosenColumns(const Arguments &arguments) {
+    if (arguments.columns.empty())
+        return arguments.format == Format::table
+                   ? std::vector<UrlColumn>(std::begin(kUsualColumns), std::end(kUsualColumns))
+                   : allColumns();
+    std::vector<UrlColumn> columns;
+    for (const std::string &key : arguments.columns) {
+        const auto column = columnOfKey(key);
+        if (!column)
+            throw UsageError(fmt::format("there is no column \"{}\": {} were expected", key,
+                                         fmt::join(columnKeys(), ", ")));
+        columns.push_back(*column);
+    }
+    return columns;
+}
+
+std::vector<std::string> headingsOf(const std::vector<UrlColumn> &columns, Format format) {
+    std::vector<std::string> headings;
+    for (const UrlColumn column : columns) {
+        const UrlColumnFacts &facts = factsOf(column);
+        headings.emplace_back(format == Format::table && !facts.header.empty() ? facts.header
+                                                                               : facts.key);
+    }
+    return headings;
+}
+
+void writeRows(const Arguments &arguments, const std::vector<UrlColumn> &columns, UrlTable &table,
+               RowWriter &writer) {
+    const bool shown = arguments.format == Format::table || arguments.datesAsShown;
+    for (std::size_t place = 0; place < table.rowCount() && !interrupted; ++place) {
+        std::vector<Cell> cells;
+        cells.reserve(columns.size());
+        for (const UrlColumn column : columns)
+            cells.push_back(shown ? Cell(table.cell(place, column))
+                                  : table.machineCell(place, column));
+        writer.row(cells);
+    }
+    writer.finish();
+}
+
+Exit run(Session &session, const Arguments &arguments) {
+    const std::vector<UrlColumn> columns = chosenColumns(arguments);
+    session.program.thisClass.Filters = filtersFrom(arguments.rows.filter);
+    session.openForReading(arguments.project);
+    const ThisClass &state = session.program.thisClass;
+    LoadResult loaded = LoadResult::Failed;
+    Exit read = Exit::ok;
+    {
+        UrlTable table(session.program.thisClass.ProjectDB.connection(), session.program.log,
+                       state.GMTZone);
+        table.showColumns(columns);
+        loaded = loadTable(session, choiceOf(arguments.rows), table);
+        const auto writer =
+            makeRowWriter(arguments.format, session.out, headingsOf(columns, arguments.format));
+        writeRows(arguments, columns, table, *writer);
+        read = tellUnread(session, table.unread());
+    }
+    closeProject(session.program);
+    return interrupted || loaded == LoadResult::Cancelled ? Exit::interrupted : read;
+}
+
+} // namespace
+
+Command listCommand() {
+    const auto given = std::make_shared<Arguments>();
+    return {.name = "list",
+            .what = "The rows of the table view",
+            .readme = {"`list PROJECT`",
+                       "shows the rows of the table; `--host`, `--filter`, "
+                       "`--query`, `--columns`, `--format` table, csv, tsv, jsonl"},
+            .examples = {{"list case.nvp --host example.com", "the rows of a host as a table"},
+                         {"list case.nvp --filter CacheURLs,JPEG", "cached JPEG pictures only"},
+                         {"list case.nvp --format csv > rows.csv",
+                          "all rows and columns for a spreadsheet"}},
+            .arguments = {projectWord(given->project), queryOption(given->rows),
+                          hostOption(given->rows), filterOption(given->rows),
+                          value("--columns", given->columns, "Column keys, separated by commas")
+                              .separatedByCommas(),
+                          flag("--dates-as-shown", given->datesAsShown,
+                               "Dates of csv and jsonl as the window shows them, not ISO 8601"),
+                          formatOption(given->format)},
+            .run = [given](Session &session) { return run(session, *given); }};
+}
+
+} // namespace nv::cli

@@ -1,0 +1,61 @@
+#include "cli/LoadedTable.h"
+
+#include "app/Project.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "cli/RowWriter.h"
+#include "cli/Session.h"
+#include "db/StoredQueries.h"
+
+#include <fmt/format.h>
+
+namespace nv::cli {
+
+std::string missingTerms(const std::string &name) {
+    return fmt::format(
+        "the query \"{}\" looks for no keywords: their list was missing or empty when "
+        "the project was made, so it finds nothing, whatever the evidence holds",
+        printable(name));
+}
+
+void checkQuery(Session &session, const std::string &name) {
+    SQLite::Database &project = session.program.thisClass.ProjectDB.connection();
+    const std::string query = name.empty() ? std::string(kDefaultQueryName) : name;
+    const auto text = StoredQueries(project).text(query);
+    if (!name.empty() && !text)
+        throw UsageError(
+            fmt::format("the project has no stored query \"{}\": `queries` lists them", name));
+    if (text && lacksTerms(*text))
+        session.err << missingTerms(query) << '\n';
+}
+
+RowChoice choiceOf(const RowsAsked &rows) {
+    return {rows.query, !rows.host.empty(), rows.host};
+}
+
+LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table) {
+    checkQuery(session, choice.ActiveQueryName);
+    table.choice = choice;
+    table.Filters = session.program.thisClass.Filters;
+    table.RootPath = textOf(session.program.thisClass.RootPath);
+    table.dates() = dateSettings(session.program);
+    const LoadResult loaded = table.LoadURLs(session.task);
+    session.task.clear();
+    if (loaded == LoadResult::Failed)
+        throw StorageFailure(fmt::format("{}: {}", loadFailure({}).title, table.failure()));
+    if (table.foundOneByOne())
+        session.err << kOneByOneNote << '\n';
+    if (table.hiddenCount() > 0)
+        session.err << fmt::format("filters hide {} of {}\n", table.hiddenCount(),
+                                   counted(table.hiddenCount() + table.rowCount(), "row"));
+    return loaded;
+}
+
+Exit tellUnread(Session &session, const UnreadRows &rows) {
+    if (rows.empty())
+        return Exit::ok;
+    session.err << noteOf(rows) << '\n';
+    return Exit::rowsNotRead;
+}
+
+} // namespace nv::cli

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "cli/Argument.h"
+#include "cli/RowWriter.h"
+
+namespace nv::cli {
+
+// What several commands take, so that it is called and explained alike.
+
+Argument projectWord(std::string &project);
+Argument rowWord(std::int64_t &urlId);
+Argument formatOption(Format &format);
+Argument wideIdsFlag(bool &wideIds);
+
+/// Which rows of the table a command is about.
+struct RowsAsked {
+    std::string query; ///< empty for the default
+    std::string host;
+    std::vector<std::string> filter; ///< flags of the record filters
+};
+Argument queryOption(RowsAsked &rows);
+Argument hostOption(RowsAsked &rows);
+Argument filterOption(RowsAsked &rows);
+
+} // namespace nv::cli

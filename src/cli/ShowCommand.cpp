@@ -1,0 +1,109 @@
+#include "app/Project.h"
+#include "base/TextRows.h"
+#include "cli/Commands.h"
+#include "cli/ReadProject.h"
+#include "cli/RowCheck.h"
+#include "cli/Session.h"
+#include "cli/SharedArguments.h"
+#include "db/Connection.h"
+#include "db/ProjectFields.h"
+#include "db/RecordFacts.h"
+#include "db/RecordStore.h"
+#include "readers/CachedBody.h"
+#include "reports/FactsJson.h"
+#include "views/HttpHeaders.h"
+#include "views/Properties.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+namespace nv::cli {
+
+namespace {
+
+struct Arguments {
+    std::string project;
+    std::int64_t urlId = 0;
+    Format format = Format::table;
+};
+
+/// A line a property, but HTTP headers one below the other.
+void showProperty(std::ostream &out, std::string_view name, const std::string &value) {
+    std::vector<std::string> lines = {value};
+    if (name == "MetaData")
+        lines = httpHeaderLines(value);
+    if (lines.empty())
+        lines.emplace_back();
+    for (const std::string &line : lines) {
+        out << fmt::format("{:<24}{}\n", name, printable(line));
+        name = {};
+    }
+}
+
+/// The project stays unopened: it may lie where nothing can be written.
+std::optional<std::filesystem::path> pictureOf(Session &session, const std::string &project,
+                                               std::int64_t urlId, const std::string &root) {
+    Program &program = session.program;
+    const auto database = connectToProject(project, Access::read);
+    const ThisClass &state = program.thisClass;
+    RecordStore records(*database, {state.GMTZone, state.EnableDSTChanges}, program.around.clock,
+                        program.log);
+    auto record = records.GetURL(UrlId{urlId});
+    if (!record)
+        return std::nullopt;
+    const Evidence evidence(root);
+    return contentOf(*record, {evidence, session.scratch(), program.log});
+}
+
+/// The properties of a row as the window has them, but with dates of any age. `database` is the
+/// project, opened for reading.
+void showForPeople(Session &session, SQLite::Database &database, const std::string &project,
+                   std::int64_t urlId) {
+    Program &program = session.program;
+    const ProjectFields fields(database, program.log);
+    if (const auto zone = fields.defaultNumber("LastTimeZoneID"); zone && *zone > 0)
+        setZone(program, *zone);
+    DateSettings dates = dateSettings(program);
+    dates.currentYear = 0; // no date is too old to be printed
+    const std::string root = fields.GetDefault("RootPath");
+    const PropertySource source{database, program.thisClass.GMTZone, dates, program.log,
+                                [&] { return pictureOf(session, project, urlId, root); }};
+    for (const Property &property : LoadProperties(UrlId{urlId}, source))
+        showProperty(session.out, property.name, property.value);
+}
+
+Exit run(Session &session, const Arguments &arguments) {
+    const std::int64_t urlId = arguments.urlId;
+    const auto database = readProject(arguments.project);
+    checkRow(*database, urlId);
+    if (arguments.format == Format::table) {
+        showForPeople(session, *database, arguments.project, urlId);
+        return Exit::ok;
+    }
+    SQLite::Statement row(*database, "SELECT * FROM URLs WHERE URL_ID = ?");
+    row.bind(1, urlId);
+    namingDamage(*database, urlId, [&row] { row.executeStep(); });
+    const StatementCells cells = cellsOf(session, row, arguments.format);
+    if (arguments.format == Format::jsonl)
+        session.out << jsonLine(cells.headings(), cells.cells(),
+                                factMembers(RecordFacts(*database).of(UrlId{urlId})));
+    else
+        makeRowWriter(arguments.format, session.out, cells.headings())->row(cells.cells());
+    return Exit::ok;
+}
+
+} // namespace
+
+Command showCommand() {
+    const auto given = std::make_shared<Arguments>();
+    return {.name = "show",
+            .what = "All properties of a row",
+            .readme = {"`show PROJECT ID`", "shows all properties of a row"},
+            .examples = {{"show case.nvp 17", "a line a property, as in the window"},
+                         {"show case.nvp 17 --format jsonl", "every column of the row"}},
+            .arguments = {projectWord(given->project), rowWord(given->urlId),
+                          formatOption(given->format)},
+            .run = [given](Session &session) { return run(session, *given); }};
+}
+
+} // namespace nv::cli

@@ -1,0 +1,70 @@
+#include "import/FolderHash.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <vector>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using GoOn = std::function<bool(std::uint64_t)>;
+
+/// A name that can't be looked at would be missing from the list unseen.
+void addFiles(const Evidence &evidence, const fs::path &folder, std::vector<fs::path> &files) {
+    const FolderContents contents = evidence.contentsOf(folder);
+    if (!contents.unreadable.empty())
+        throw std::runtime_error(contents.unreadable.front().reason);
+    files.insert(files.end(), contents.files.begin(), contents.files.end());
+    for (const fs::path &below : contents.folders)
+        addFiles(evidence, below, files);
+}
+
+std::optional<FileHashes> hashesOfOne(const Evidence &evidence, const fs::path &file,
+                                      const GoOn &goOn) {
+    FileHashing hashing;
+    const bool isWhole = inBlocks(evidence.open(file), [&](std::string_view block) {
+        hashing.add(block);
+        return goOn(hashing.size());
+    });
+    return isWhole ? std::optional(hashing.take()) : std::nullopt;
+}
+
+std::optional<FileHashes> hashesOfFolder(const Evidence &evidence, const fs::path &folder,
+                                         const GoOn &goOn) {
+    std::vector<fs::path> files;
+    addFiles(evidence, folder, files);
+    std::ranges::sort(files, {}, [](const fs::path &path) { return path.native(); });
+    Digest md5(DigestAlgorithm::md5);
+    Digest sha256(DigestAlgorithm::sha256);
+    std::uint64_t size = 0;
+    for (const fs::path &file : files) {
+        const auto hashes = hashesOfOne(
+            evidence, file, [&](std::uint64_t readSoFar) { return goOn(size + readSoFar); });
+        if (!hashes)
+            return std::nullopt;
+        const std::string name = file.lexically_relative(folder).native();
+        md5.add(fmt::format("{}  {}\n", hashes->MD5, name));
+        sha256.add(fmt::format("{}  {}\n", hashes->SHA256, name));
+        size += hashes->size;
+    }
+    if (!goOn(size)) // a folder without files is told as well
+        return std::nullopt;
+    return FileHashes{md5.takeHex(), sha256.takeHex(), size};
+}
+
+} // namespace
+
+std::optional<FileHashes> hashesOfArtefact(const Evidence &evidence, const fs::path &artefact,
+                                           const GoOn &goOn) {
+    const GoOn always = [](std::uint64_t) { return true; };
+    return evidence.kindOf(artefact) == PlaceKind::folder
+               ? hashesOfFolder(evidence, artefact, goOn ? goOn : always)
+               : hashesOfOne(evidence, artefact, goOn ? goOn : always);
+}
+
+} // namespace nv

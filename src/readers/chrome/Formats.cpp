@@ -1,0 +1,102 @@
+#include "readers/chrome/Formats.h"
+
+#include "readers/Candidate.h"
+#include "readers/SourceOption.h"
+#include "readers/chrome/Cache.h"
+#include "readers/chrome/CacheBody.h"
+#include "readers/chrome/Cookies.h"
+#include "readers/chrome/History.h"
+#include "readers/chrome/Kinds.h"
+
+#include <optional>
+
+namespace nv {
+
+namespace {
+
+using enum HistoryFileType;
+
+constexpr SourceOption kHistory = {"chkHistoryChrome", RecordGroup::history, &families::chrome, "",
+                                   9};
+constexpr SourceOption kCache = {"chkCacheChrome", RecordGroup::cache, &families::chrome, "", 0};
+constexpr SourceOption kCookies = {"chkCookiesChrome", RecordGroup::cookies, &families::chrome, "",
+                                   14};
+
+constexpr const RecordKind *kHistoryKinds[] = {&kChromeHistory};
+constexpr const RecordKind *kCacheKinds[] = {&kChromeCache};
+constexpr const RecordKind *kCookieKinds[] = {&kChromeCookies};
+
+/// Chrome's index beside the block file. Names may have lost their case on the way here.
+std::optional<std::filesystem::path> indexBeside(const Candidate &file) {
+    return file.evidence->find(file.file.parent_path(), "index");
+}
+
+bool isHistory(const Candidate &file) {
+    return (file.name == "history" || file.name == "archived history") && pathHas(file, "chrome");
+}
+
+bool isCache(const Candidate &file) {
+    return file.name == "data_0" && indexBeside(file).has_value();
+}
+
+bool isCookies(const Candidate &file) {
+    return file.name == "cookies" && pathHas(file, "/chrome/");
+}
+
+/// The cache is known by its first block file and read through the index.
+std::filesystem::path indexOf(const Candidate &file) {
+    return indexBeside(file).value_or(file.file);
+}
+
+bool liesWithShaders(const Candidate &file) {
+    return isShaderFolder(file.file.parent_path());
+}
+
+} // namespace
+
+constinit const Reader kChromeHistoryFormat = {
+    .type = chromeHistory,
+    .key = "chrome-history",
+    .kind = "Chrome History",
+    .version = "1.0",
+    .option = &kHistory,
+    .mask = "History;Archived History",
+    .recognises = isHistory,
+    .read = ParseChromeHistoryFile,
+    .kinds = kHistoryKinds,
+    .page = "chrome-history",
+    .cases = {"chrome-history", "History", "chrome-history/three-pages"},
+};
+
+constinit const Reader kChromeCacheFormat = {
+    .type = chromeCache,
+    .key = "chrome-cache",
+    .kind = "Chrome Cache",
+    .version = "1.0",
+    .option = &kCache,
+    .mask = "data_0",
+    .recognises = isCache,
+    .read = ParseChromeCache,
+    .fetch = fetchChromeBody,
+    .kinds = kCacheKinds,
+    .page = "chrome-cache",
+    .cases = {"chrome-cache", "index", "chrome-cache/four-kinds-of-bodies"},
+    .artefact = indexOf,
+    .holdsShaders = liesWithShaders,
+};
+
+constinit const Reader kChromeCookiesFormat = {
+    .type = chromeCookies,
+    .key = "chrome-cookies",
+    .kind = "Chrome Cookies",
+    .version = "1.0",
+    .option = &kCookies,
+    .mask = "Cookies",
+    .recognises = isCookies,
+    .read = ParseChromeCookiesFile,
+    .kinds = kCookieKinds,
+    .page = "chrome-cookies",
+    .cases = {"chrome-cookies", "Cookies", "chrome-cookies/three-cookies"},
+};
+
+} // namespace nv

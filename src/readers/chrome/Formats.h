@@ -1,0 +1,11 @@
+#pragma once
+
+#include "readers/Reader.h"
+
+namespace nv {
+
+extern const Reader kChromeHistoryFormat;
+extern const Reader kChromeCacheFormat;
+extern const Reader kChromeCookiesFormat;
+
+} // namespace nv

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "readers/RecordKind.h"
+
+namespace nv {
+
+inline constexpr RecordKind kChromeHistory = {
+    .key = "chrome-history",
+    .word = "Chrome History",
+    .family = &families::chrome,
+    .group = RecordGroup::history,
+    .reportedAsInternetExplorer = true,
+};
+
+inline constexpr RecordKind kChromeCache = {
+    .key = "chrome-cache",
+    .word = "Chrome Cache",
+    .family = &families::chrome,
+    .group = RecordGroup::cache,
+    .parts = CacheParts::byUrl,
+};
+
+inline constexpr RecordKind kChromeCookies = {
+    .key = "chrome-cookies",
+    .word = "Chrome Cookies",
+    .family = &families::chrome,
+    .group = RecordGroup::cookies,
+    .icon = "cookie",
+    .reportedAsInternetExplorer = true,
+};
+
+} // namespace nv

@@ -1,0 +1,117 @@
+#include "readers/firefox/Formats.h"
+
+#include "base/Text.h"
+#include "readers/Candidate.h"
+#include "readers/SourceOption.h"
+#include "readers/firefox/CacheBody.h"
+#include "readers/firefox/CacheParse.h"
+#include "readers/firefox/Cookies.h"
+#include "readers/firefox/Kinds.h"
+#include "readers/firefox/MorkHistory.h"
+#include "readers/firefox/Places.h"
+#include "readers/sqlite/SchemaHead.h"
+
+namespace nv {
+
+namespace {
+
+using enum HistoryFileType;
+
+constexpr SourceOption kCache = {"chkCacheFirefox", RecordGroup::cache, &families::firefox, "", 1};
+constexpr SourceOption kHistory = {"chkHistoryFirefox", RecordGroup::history, &families::firefox,
+                                   "", 8};
+constexpr SourceOption kCookies = {"chkCookiesFirefox", RecordGroup::cookies, &families::firefox,
+                                   "", 11};
+constexpr std::string_view kHistoryMask = "history*.dat;places*.sqlite";
+
+constexpr const RecordKind *kCacheKinds[] = {&kFirefoxCache};
+constexpr const RecordKind *kMorkKinds[] = {&kFirefox2History};
+constexpr const RecordKind *kPlacesKinds[] = {&kFirefox3History};
+constexpr const RecordKind *kCookieKinds[] = {&kFirefoxCookies};
+
+constexpr HistoryFileType kFurtherCaches[] = {firefoxCacheByName};
+
+bool isCache(const Candidate &file) {
+    return nameHas(file, "_cache_map_");
+}
+
+/// Without verification Opera's global history would be taken by its name.
+bool isMorkHistory(const Candidate &file) {
+    return nameHas(file, "history") && file.extension == "dat" && !hasOperaHistoryName(file) &&
+           contentHas(file, "<mdb:mork:z");
+}
+
+bool isPlaces(const Candidate &file) {
+    return nameHas(file, "places") && file.extension == "sqlite";
+}
+
+/// Programs with libsoup, such as Epiphany, keep a file with the name and the table of Firefox's.
+/// Firefox notes when a cookie was created; before version 4 it didn't, but numbered its schema.
+bool isCookies(const Candidate &file) {
+    if (file.name != "cookies.sqlite")
+        return false;
+    const auto schema = schemaHead(file);
+    return !schema || schema->userVersion != 0 || !containsNoCase(schema->bytes, "moz_cookies") ||
+           containsNoCase(schema->bytes, "creationTime");
+}
+
+} // namespace
+
+constinit const Reader kFirefoxCacheFormat = {
+    .type = firefoxCache,
+    .key = "firefox-cache",
+    .kind = "Firefox Cache",
+    .option = &kCache,
+    .mask = "_cache_map_*",
+    .recognises = isCache,
+    .read = ParseFirefoxCache,
+    .fetch = fetchFirefoxCacheBody,
+    .kinds = kCacheKinds,
+    .page = "firefox-cache",
+    .cases = {"firefox-cache", "_CACHE_MAP_", "firefox-cache/four-places-of-bodies"},
+    .furtherTypes = kFurtherCaches,
+};
+
+constinit const Reader kMorkHistoryFormat = {
+    .type = morkHistory,
+    .key = "firefox-mork-history",
+    .kind = "Firefox2 History",
+    .version = "2.0",
+    .option = &kHistory,
+    .mask = kHistoryMask,
+    .recognises = isMorkHistory,
+    .read = ParseMorkFile,
+    .kinds = kMorkKinds,
+    .page = "firefox-mork-history",
+    .cases = {"firefox-mork-history", "history.dat", "firefox-mork-history/two-pages"},
+};
+
+constinit const Reader kFirefox3HistoryFormat = {
+    .type = firefox3History,
+    .key = "firefox3-history",
+    .kind = "Firefox3 History",
+    .version = "3.0",
+    .option = &kHistory,
+    .mask = kHistoryMask,
+    .recognises = isPlaces,
+    .read = ParseFirefox3HistoryFile,
+    .kinds = kPlacesKinds,
+    .page = "firefox3-history",
+    .cases = {"firefox3-history", "places.sqlite", "firefox3-history/three-places"},
+};
+
+constinit const Reader kFirefoxCookiesFormat = {
+    .type = firefoxCookies,
+    .key = "firefox-cookies",
+    .kind = "Firefox Cookies",
+    .version = "3.0",
+    .option = &kCookies,
+    .mask = "cookies.sqlite",
+    .recognises = isCookies,
+    .read = ParseFirefoxCookiesFile,
+    .kinds = kCookieKinds,
+    .page = "firefox-cookies",
+    .cases = {"firefox-cookies", "cookies.sqlite", "firefox-cookies/three-cookies"},
+};
+
+} // namespace nv

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "readers/Reader.h"
+
+namespace nv {
+
+extern const Reader kMacIECacheFormat;
+
+} // namespace nv

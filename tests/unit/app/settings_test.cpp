@@ -1,0 +1,113 @@
+// Settings by their rows: what the code asks for, and what stands in a row.
+#include "OptionsFixture.h"
+#include "app/ReportJob.h"
+#include "app/SettingsInForce.h"
+#include "app/SettingsTable.h"
+#include "support/SettingOfTheGuide.h"
+#include "views/Gallery.h"
+#include "views/Thumbnails.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+namespace nv {
+namespace {
+
+using SettingsTest = test::OptionsFixture;
+
+TEST_F(SettingsTest, aNameGivesTheValueOrTheDefaultOfItsRow) {
+    settings("[OPTIONS]\nGalleryRecordsPerPage=7\nShowTipsAtStartup=False\n[BEYOND]\nTheme=Dark\n");
+    start();
+    EXPECT_EQ(readNumber(program->settings, "GalleryRecordsPerPage"), 7);
+    EXPECT_FALSE(readFlag(program->settings, "ShowTipsAtStartup"));
+    EXPECT_EQ(readText(program->settings, "Theme"), "Dark");
+    EXPECT_EQ(readNumber(program->settings, "ReportThumbnailWidth"), 200);
+    EXPECT_TRUE(readFlag(program->settings, "ShowViewers"));
+    EXPECT_EQ(readText(program->settings, "NetworkConnectionName"), "Local Area Connection");
+    EXPECT_EQ(readNumber(program->settings, "OPTIONS/ThumbnailRedrawTimeout"), 15);
+    EXPECT_EQ(readNumber(program->settings, "THUMBNAILS/ThumbnailRedrawTimeout"), 5);
+}
+
+TEST_F(SettingsTest, whatIsWrittenByNameStandsInItsSection) {
+    EXPECT_TRUE(writeFlag(program->settings, "ShowHosts", true));
+    EXPECT_TRUE(writeNumber(program->settings, "ReportType", 1));
+    EXPECT_TRUE(writeText(program->settings, "CaseNumber", "7/26"));
+    EXPECT_EQ(ini("BEYOND", "ShowHosts"), "True");
+    EXPECT_EQ(ini("REPORT", "ReportType"), "1");
+    EXPECT_EQ(ini("REPORT", "CaseNumber"), "7/26");
+}
+
+TEST_F(SettingsTest, theThreeKeptDifferencesStandInTheRows) {
+    std::vector<std::string> differing;
+    for (const SettingFacts &row : settingsTable())
+        if (!row.offered.empty() || !row.whenEmptied.empty())
+            differing.push_back(
+                fmt::format("{} {} {} {}", row.key, row.byDefault, row.offered, row.whenEmptied));
+    EXPECT_THAT(differing, testing::ElementsAre("DateFormat yyyy-mm-dd YYYY-MM-DD MM/DD/YY",
+                                                "TimeFormat Hh:Nn:Ss 24:00:00 "));
+    const auto timeouts = settingsNamed("ThumbnailRedrawTimeout");
+    ASSERT_EQ(timeouts.size(), 2U);
+    EXPECT_EQ(timeouts[0]->byDefault, "15");
+    EXPECT_EQ(timeouts[0]->read, SettingRead::inOptions);
+    EXPECT_EQ(timeouts[1]->byDefault, "5");
+    EXPECT_EQ(timeouts[1]->read, SettingRead::atStart);
+}
+
+TEST_F(SettingsTest, aChoiceOutsideOfOptionsIsInForceAndKept) {
+    keepFlag(*program, "ThumbnailsWhileImporting", true);
+    keepFlag(*program, "WideRecordIds", false);
+    keepFlag(*program, "ShowHosts", true); // no member holds it
+    EXPECT_TRUE(program->import.MakeThumbnails);
+    EXPECT_FALSE(state().WideRecordIds);
+    EXPECT_EQ(ini("BEYOND", "ThumbnailsWhileImporting"), "True");
+    EXPECT_EQ(ini("BEYOND", "WideRecordIds"), "False");
+    EXPECT_EQ(ini("BEYOND", "ShowHosts"), "True");
+    EXPECT_TRUE(shown().ThumbnailsWhileImporting);
+}
+
+/// Lower folders know no settings file; what they begin with, as tests and tools use them, is what
+/// a program without one begins with.
+TEST_F(SettingsTest, lowerFoldersBeginWithTheDefaultsOfTheRows) {
+    EXPECT_EQ(ReportSettings().ReportThumbnailWidth, defaultNumber("ReportThumbnailWidth"));
+    EXPECT_EQ(ThumbnailSettings().ViewerThumbnailWidth, defaultNumber("ViewerThumbnailWidth"));
+    EXPECT_EQ(ThumbnailSettings().ThumbnailRedrawTimeout.count(),
+              defaultNumber("THUMBNAILS/ThumbnailRedrawTimeout"));
+    EXPECT_EQ(GallerySettings().GalleryRecordsPerPage, defaultNumber("GalleryRecordsPerPage"));
+    const ImportClass job;
+    EXPECT_EQ(job.VerifyFileSignatures, program->import.VerifyFileSignatures);
+    EXPECT_EQ(job.ParseAdvancedMetadata, program->import.ParseAdvancedMetadata);
+}
+
+TEST_F(SettingsTest, aReportBeginsWithTheDefaultsOfTheRows) {
+    openCase();
+    test::MemoryTask task;
+    ReportTools fresh(*program, task, folder.path());
+    ReportTools asSet(*program, task, folder.path());
+    readReportOptions(program->settings, asSet.report);
+    for (bool ReportClass::*flag :
+         {&ReportClass::UseCustomLogo, &ReportClass::IncludeAudit,
+          &ReportClass::IncludeLinkAnalysis, &ReportClass::IncludeNotes,
+          &ReportClass::IncludeTimeRebuilt, &ReportClass::IncludeDataSource,
+          &ReportClass::IncludeUser, &ReportClass::IncludeCaseTrail})
+        EXPECT_EQ(fresh.report.*flag, asSet.report.*flag);
+    EXPECT_EQ(fresh.report.ReportTitle, asSet.report.ReportTitle);
+    EXPECT_EQ(fresh.report.ReportType, asSet.report.ReportType);
+}
+
+/// Found by the commands, checked and shown as any other: the row is all that it takes.
+TEST_F(SettingsTest, theRowOfTheGuideIsASetting) {
+    const SettingFacts &row = setting::kOfTheGuide.at(0);
+    ASSERT_TRUE(settingsNamed(fullName(row)).empty()) << "the guide's example is a made-up one";
+    EXPECT_EQ(valueOf(*program, row), row.byDefault);
+    EXPECT_EQ(checkValue(*program, row, "above").value, "Above");
+    EXPECT_EQ(checkValue(*program, row, "Beside").refusal, "Above or Below is expected");
+    program->settings.WriteIniValue(row.section, row.key, "Above");
+    EXPECT_EQ(valueOf(*program, row), "Above");
+    EXPECT_EQ(row.okay, SettingOkay::writes);
+    Options options;
+    chooseText(options, row, "Above");
+    EXPECT_EQ(shownText(options, row), "Above");
+}
+
+} // namespace
+} // namespace nv
