@@ -260,6 +260,7 @@ Exit run(Session &session, const Arguments &given) {
     if (arguments.zone > 0)
         setZone(program, arguments.zone);
     requireZones(program); // now that of the project
+    requireSchema(program);
     chooseBase(session, arguments);
     program.import.verifyFileSignatures &= !arguments.noSignatures;
     program.import.parseAdvancedMetadata &= !arguments.noMetadata;

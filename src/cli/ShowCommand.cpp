@@ -1,4 +1,5 @@
 #include "app/project/Project.h"
+#include "base/TextRows.h"
 #include "cli/Commands.h"
 #include "cli/ReadProject.h"
 #include "cli/RowCheck.h"
@@ -6,8 +7,10 @@
 #include "cli/SharedArguments.h"
 #include "db/Connection.h"
 #include "db/ProjectFields.h"
+#include "db/RecordFacts.h"
 #include "db/RecordStore.h"
 #include "readers/CachedBody.h"
+#include "reports/FactsJson.h"
 #include "views/HttpHeaders.h"
 #include "views/Properties.h"
 
@@ -81,7 +84,11 @@ Exit run(Session &session, const Arguments &arguments) {
     row.bind(1, urlId);
     namingDamage(*database, urlId, [&row] { row.executeStep(); });
     const StatementCells cells = cellsOf(session, row, arguments.format);
-    makeRowWriter(arguments.format, session.out, cells.headings())->row(cells.cells());
+    if (arguments.format == Format::jsonl)
+        session.out << jsonLine(cells.headings(), cells.cells(),
+                                factMembers(RecordFacts(*database).of(UrlId{urlId})));
+    else
+        makeRowWriter(arguments.format, session.out, cells.headings())->row(cells.cells());
     return Exit::ok;
 }
 

@@ -41,6 +41,18 @@ enum class HistoryFileType : std::int16_t {
     chromeCookies = 30,
 };
 
+/// Whose artefact it is, as its place and what lies beside it say. Empty is unknown. A reader adds
+/// what only its reading tells: a version where there is none, and a device.
+struct Origin {
+    std::string browser;
+    std::string browserVersion; ///< of the program, or else of the file's schema
+    std::string profile;        ///< the profile's folder
+    std::string person;         ///< the account's folder
+    std::string device;         ///< another device, when all of it came from there by sync
+
+    friend bool operator==(const Origin &, const Origin &) = default;
+};
+
 /// One artefact file of an import; a row of `SourceFiles` once logFile has registered it.
 struct HistoryFile {
     SourceFileId sourceFileID = SourceFileId::none;
@@ -53,6 +65,7 @@ struct HistoryFile {
     std::string sha256Hash; ///< the same
     nv::HistoryFileType historyFileType = nv::HistoryFileType::none;
     std::string version;
+    nv::Origin origin;
 };
 
 } // namespace nv

@@ -8,9 +8,9 @@
 namespace nv::schema {
 
 /// Long is a signed integer, Date days since 1899-12-30 as a float, YesNo 0 or 1, Memo a text
-/// without limit. The size of a Text is kept for comparing projects; texts are never cut by it,
-/// since evidence must not be lost to a width.
-enum class ColumnType { Long, Double, Date, YesNo, Text, Memo, Binary };
+/// without limit, Variant a number or a text as it was given. The size of a Text is kept for
+/// comparing projects; texts are never cut by it, since evidence must not be lost to a width.
+enum class ColumnType { Long, Double, Date, YesNo, Text, Memo, Binary, Variant };
 
 struct Column {
     std::string_view name;

@@ -23,8 +23,14 @@ class SourceFiles {
 
     /// Registers the file and gives it its SourceFile_ID. A file whose content has a row already
     /// gets that row and nothing is written: the row identifies the content, it doesn't bar it from
-    /// being imported again. False on a failure, which is logged. Throws StorageFailure.
+    /// being imported again. The same content of another browser, profile or person is another
+    /// file; a row of an earlier build, which knew nothing of them, gets those of this one. False
+    /// on a failure, which is logged. Throws StorageFailure.
     [[nodiscard]] bool logFile(HistoryFile &file);
+
+    /// Puts into the file's row what its reading has told of its origin; what isn't known leaves
+    /// the row as it is. False on a failure, which is logged.
+    bool noteOrigin(const HistoryFile &file);
 
     /// Marks the row of a file that was read to its end. False on a failure, which is logged.
     [[nodiscard]] bool setSuccessful(SourceFileId id);
@@ -32,16 +38,17 @@ class SourceFiles {
   private:
     template <class Body>
     bool attempt(Body &&body);
+    void writeOrigin(SourceFileId id, const Origin &origin);
     SourceFileId rowOf(const HistoryFile &file);
     SourceFileId addRow(const HistoryFile &file);
-    std::unordered_map<std::string, SourceFileId> &rowsByHash();
+    std::unordered_map<std::string, SourceFileId> &rowsByContent();
 
     SQLite::Database &m_database;
     const Clock &m_clock;
     FailureLog &m_log;
-    /// By MD5 in lower case. The table has no index by hash, and a cache may hold ten thousand
-    /// pages, each of which would be looked for among all.
-    std::optional<std::unordered_map<std::string, SourceFileId>> m_rowsByHash;
+    /// By keyOf(), rows of earlier builds by the hash alone. The table has no index by hash, and a
+    /// cache may hold ten thousand pages, each of which would be looked for among all.
+    std::optional<std::unordered_map<std::string, SourceFileId>> m_rowsByContent;
 };
 
 } // namespace nv

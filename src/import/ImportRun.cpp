@@ -8,6 +8,7 @@
 #include "db/WriteBatch.h"
 #include "import/Categories.h"
 #include "import/ImportSink.h"
+#include "readers/BrowserOf.h"
 #include "readers/ContentProbe.h"
 #include "readers/EvidenceGaps.h"
 #include "readers/Scratch.h"
@@ -120,7 +121,7 @@ class Import {
           m_scratch(run.scratch), m_extraction{run.evidence, m_scratch.path(), m_log},
           m_categories(job.verifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        m_log),
-          m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata),
+          m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata), m_browserOf(run.evidence),
           m_sources(run.project, run.clock, m_log),
           m_store(run.project, run.zone, run.clock, m_log),
           m_batch(run.project, [this] { note(); }) {}
@@ -177,6 +178,7 @@ class Import {
     void one(HistoryFile &file, ArtefactResult &result, double from, double to) {
         const auto begun = std::chrono::steady_clock::now();
         const Reader *reader = m_run.readerFor(file.historyFileType);
+        result.origin = file.origin = m_browserOf(file.fullPath, engineOf(file.historyFileType));
         if (m_run.evidence.kindOf(file.fullPath) == PlaceKind::nothing)
             settle(result, ArtefactState::vanished, "the file is no longer there");
         else if (!reader || !reader->read)
@@ -203,6 +205,8 @@ class Import {
         settle(result, ArtefactState::failed, "the import ended while this file was read");
         ReadResult outcome = readTrapped(reader, file, sink, task);
         result.type = file.historyFileType;
+        if (std::exchange(result.origin, file.origin) != file.origin)
+            m_sources.noteOrigin(file); // its reading has told more than its place
         result.notReached = outcome.notReached;
         result.passedOver = std::move(outcome.passedOver);
         result.noted = std::move(outcome.noted);
@@ -260,6 +264,7 @@ class Import {
     Categories m_categories;
     AdvancedMetadata m_metadata;
     bool m_looksIntoPages;
+    BrowserOf m_browserOf;
     SourceFiles m_sources;
     RecordStore m_store;
     std::size_t m_finished = 0; ///< artefacts, from the first

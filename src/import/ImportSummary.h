@@ -34,6 +34,7 @@ struct ArtefactResult {
     std::uint64_t fileSize = 0; ///< bytes
     std::string md5Hash;
     std::string sha256Hash;
+    Origin origin; ///< as far as it is known, once its turn has come
     ArtefactState state = ArtefactState::notReached;
     std::string reason; ///< why it isn't complete
     bool isLogged =

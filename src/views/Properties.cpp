@@ -2,6 +2,7 @@
 
 #include "base/Succeeds.h"
 #include "base/Text.h"
+#include "db/RecordFacts.h"
 #include "db/SchemaColumns.h"
 #include "db/UrlRecord.h"
 #include "views/Exif.h"
@@ -130,6 +131,13 @@ class RecordFields {
     const PropertySource &m_source;
 };
 
+void addFacts(std::vector<Property> &properties, UrlId url, const PropertySource &source) {
+    attempt(source.log, [&] {
+        for (const RecordFact &fact : RecordFacts(source.project).of(url))
+            properties.push_back({fact.name, factText(fact)});
+    });
+}
+
 void addExifRows(std::vector<Property> &properties, const PropertySource &source) {
     std::optional<std::filesystem::path> picture;
     attempt(source.log, [&] { picture = source.picture(); });
@@ -161,6 +169,8 @@ std::vector<Property> loadProperties(UrlId url, const PropertySource &source) {
         properties = fields.all();
         isPicture = equalsNoCase(fields.textNamed("Category"), "PICTURES");
     });
+    if (!properties.empty())
+        addFacts(properties, url, source);
     if (isPicture && source.picture)
         addExifRows(properties, source);
     return properties;

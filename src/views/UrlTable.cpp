@@ -233,6 +233,17 @@ Date UrlTable::actionDateUTC(std::size_t place) {
     return row ? row->actionDateUtc : Date();
 }
 
+FactList UrlTable::facts(std::size_t place, RecordFacts &reader) {
+    const UrlId id = idAt(place);
+    if (m_busy || id == UrlId::none)
+        return {};
+    auto facts = trapped(m_log, Severity::Low, kProcedure, kNotSerious, std::optional<FactList>(),
+                         [&] { return std::optional(reader.of(id)); });
+    if (!facts)
+        m_pager.noteUnread(static_cast<std::int32_t>(number(id)));
+    return std::move(facts).value_or(FactList());
+}
+
 bool UrlTable::isTagged(std::size_t place) {
     const UrlRow *row = rowFor(place, UrlColumn::Tag);
     return row && row->tagged;

@@ -91,6 +91,7 @@ void tellNotLogged(Program &program, const ImportSummary &summary) {
 
 ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &scratch) {
     requireZones(program);
+    requireSchema(program);
     ProgramState &state = program.thisClass;
     SQLite::Database &project = state.projectDB.connection();
     const Evidence evidence(state.rootPath);

@@ -8,6 +8,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/ProjectFields.h"
+#include "db/SchemaGaps.h"
 #include "db/SideFiles.h"
 #include "db/StoredQueries.h"
 #include "time/ZoneDatabase.h"
@@ -113,6 +114,16 @@ void requireZones(Program &program) {
         refuse("the project's time zone is not known", "doesn't hold it");
 }
 
+void requireSchema(Program &program) {
+    ProgramState &state = program.thisClass;
+    if (const std::string missing = missingForImport(state.projectDB.connection());
+        !missing.empty())
+        throw StorageFailure(fmt::format(
+            "the project \"{}\" was made by an earlier build and lacks {}: the Upgrade Wizard or "
+            "the command upgrade --fix adds it. Nothing was imported",
+            textOf(state.projectDBPath), missing));
+}
+
 bool setZone(Program &program, std::int64_t id) {
     ProgramState &state = program.thisClass;
     const Clock &clock = program.around.clock;
@@ -165,7 +176,8 @@ AppBuild buildOf(const Program &program) {
 bool isOlderProject(Program &program) {
     if (program.thisClass.disableFileVersionCheck)
         return false;
-    return stampOf(program.thisClass.projectDB.connection(), program.log) < buildOf(program);
+    SQLite::Database &project = program.thisClass.projectDB.connection();
+    return stampOf(project, program.log) < buildOf(program) || !missingForImport(project).empty();
 }
 
 } // namespace nv

@@ -47,6 +47,9 @@ bool setZone(Program &program, std::int64_t id);
 /// Throws StorageFailure when local dates would be stored by a guess: without a table of zones that
 /// can be read, or with an open project whose zone it doesn't hold.
 void requireZones(Program &program);
+/// Throws StorageFailure when the open project is of an earlier build and lacks what an import
+/// writes to.
+void requireSchema(Program &program);
 
 /// How dates are shown now.
 DateSettings dateSettings(const Program &program);
@@ -54,7 +57,8 @@ DateSettings dateSettings(const Program &program);
 /// The version of this program.
 AppBuild buildOf(const Program &program);
 
-/// The version that made the open project is older than this build, and the check isn't turned off.
+/// The version that made the open project is older than this build, or the project lacks what this
+/// one writes; and the check isn't turned off.
 bool isOlderProject(Program &program);
 
 } // namespace nv

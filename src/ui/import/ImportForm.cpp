@@ -111,6 +111,7 @@ void ImportForm::startScan() {
     if (!startingDirectoryIsUsable())
         return;
     requireZones(m_program);
+    requireSchema(m_program);
     job.historyFiles.clear();
     m_files->setFiles(job.historyFiles);
     m_gaps->clear();

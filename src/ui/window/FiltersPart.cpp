@@ -20,7 +20,10 @@ FiltersPart::FiltersPart(Workbench &bench)
 
 void FiltersPart::chooseFilters() {
     RecordFilters &filters = m_bench.program.thisClass.filters;
-    FilterForm form(filters, m_bench.examiner(), &m_bench.window);
+    OriginChoices origins;
+    if (ProjectDatabase &project = m_bench.program.thisClass.projectDB; project.isOpen())
+        origins = originChoicesOf(project.connection());
+    FilterForm form(filters, m_bench.examiner(), &m_bench.window, origins);
     if (form.exec() != QDialog::Accepted)
         return;
     filters = form.filters();

@@ -46,7 +46,7 @@ TEST_F(ProjectTest, aNewProjectHasEveryTableWithItsColumnsAndDescriptions) {
         }
         EXPECT_FALSE(columns.executeStep()) << table.name;
     }
-    EXPECT_EQ(get("SELECT count(*) FROM pragma_table_info('URLs')"), "75");
+    EXPECT_EQ(get("SELECT count(*) FROM pragma_table_info('URLs')"), "78");
     EXPECT_EQ(get("SELECT Description FROM SchemaColumns WHERE ColumnName = 'ThumbnailCreated'"),
               "The last time this thumbail was created");
     EXPECT_EQ(get("SELECT Label FROM SchemaColumns WHERE ColumnName = 'PARDValue'"), "PIAR Value");

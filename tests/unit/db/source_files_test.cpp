@@ -80,5 +80,51 @@ TEST_F(SourceFilesTest, aProjectThatCantBeWrittenEndsTheTask) {
     EXPECT_THROW(static_cast<void>(sources.logFile(file)), StorageFailure);
 }
 
+TEST_F(SourceFilesTest, theRowSaysWhoseFileItIs) {
+    HistoryFile file = artefact("History", "abc");
+    file.sha256Hash = "def";
+    file.origin = {"Microsoft Edge", "", "Profile 1", "O'Brien", ""};
+    sources.logFile(file);
+    file.origin.browserVersion = "History 70";
+    EXPECT_TRUE(sources.noteOrigin(file));
+    EXPECT_EQ(project.text("SELECT Browser || '|' || BrowserVersion || '|' || Profile || '|' || "
+                           "Person || '|' || Device || '|' || SHA256Hash FROM SourceFiles"),
+              "Microsoft Edge|History 70|Profile 1|O'Brien||def");
+}
+
+TEST_F(SourceFilesTest, theSameContentOfAnotherPersonIsAnotherFile) {
+    HistoryFile alice = artefact("History", "abc");
+    alice.origin = {"Chromium", "", "Default", "alice", ""};
+    HistoryFile bob = alice;
+    bob.origin.person = "bob";
+    HistoryFile nobody = artefact("History", "abc");
+    HistoryFile again = alice;
+    for (HistoryFile *file : {&alice, &bob, &nobody, &again})
+        EXPECT_TRUE(sources.logFile(*file));
+    EXPECT_EQ(again.sourceFileID, alice.sourceFileID);
+    EXPECT_EQ(project.number("SELECT count(*) FROM SourceFiles"), 3);
+    SourceFiles later{project.connection(), project.clock, project.log};
+    HistoryFile inAnotherRun = bob;
+    later.logFile(inAnotherRun);
+    EXPECT_EQ(inAnotherRun.sourceFileID, bob.sourceFileID);
+    HistoryFile nobodyAgain = nobody;
+    later.logFile(nobodyAgain);
+    EXPECT_EQ(nobodyAgain.sourceFileID, nobody.sourceFileID);
+}
+
+TEST_F(SourceFilesTest, aRowOfAnEarlierBuildGetsTheOriginOnce) {
+    project.connection().exec("INSERT INTO SourceFiles (MD5Hash) VALUES ('ABC')");
+    HistoryFile alice = artefact("History", "abc");
+    alice.origin = {"Chromium", "156", "Default", "alice", ""};
+    HistoryFile bob = alice;
+    bob.origin.person = "bob";
+    sources.logFile(alice);
+    sources.logFile(bob);
+    EXPECT_EQ(alice.sourceFileID, SourceFileId{1});
+    EXPECT_EQ(bob.sourceFileID, SourceFileId{2});
+    EXPECT_EQ(project.text("SELECT group_concat(Person || BrowserVersion) FROM SourceFiles"),
+              "alice156,bob156");
+}
+
 } // namespace
 } // namespace nv

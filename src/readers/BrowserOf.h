@@ -1,0 +1,34 @@
+#pragma once
+
+#include "db/HistoryFile.h"
+#include "readers/BrowserPlaces.h"
+#include "readers/Evidence.h"
+
+#include <filesystem>
+#include <map>
+#include <utility>
+
+namespace nv {
+
+/// Finds out whose artefact a file is: browser, version, profile and person. Its place is asked
+/// first, since only that tells whose it was; where that doesn't do, the files beside it, in which
+/// browsers note where they are installed. What can't be told stays empty, but for the browser of a
+/// known format, which then is "Chromium family" and the like. Files that can't be read tell
+/// nothing.
+class BrowserOf {
+  public:
+    /// The evidence must outlive it.
+    explicit BrowserOf(const Evidence &evidence) : m_evidence(evidence) {}
+
+    Origin operator()(const std::filesystem::path &file, Engine engine);
+
+  private:
+    const Evidence &m_evidence;
+    /// A cache folder may hold ten thousand files.
+    std::map<std::pair<std::filesystem::path, Engine>, Origin> m_known;
+};
+
+/// What a format tells of the program.
+Engine engineOf(HistoryFileType type);
+
+} // namespace nv
