@@ -39,6 +39,25 @@ enum class HistoryFileType : std::int16_t {
     safariCookies = 28,
     firefoxCookies = 29,
     chromeCookies = 30,
+
+    // Beyond the classic rules.
+    chromiumHistory = 31, ///< known by its tables
+    chromiumCookies = 32,
+    chromiumWebData = 33,
+    chromiumLogins = 34,
+    chromiumBookmarks = 35,
+    chromiumFavicons = 36,
+    chromiumTopSites = 37,
+    chromiumShortcuts = 38,
+    chromiumPredictor = 39,
+    chromiumPreferences = 40,
+    chromiumLocalState = 41,
+    firefoxForms = 50,
+    firefoxPermissions = 51,
+    firefoxLogins = 52,
+    firefoxFavicons = 53,
+    firefoxDownloads = 54, ///< up to version 20
+    firefoxBookmarkBackup = 55,
 };
 
 /// Whose artefact it is, as its place and what lies beside it say. Empty is unknown. A reader adds

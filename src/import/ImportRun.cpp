@@ -121,7 +121,8 @@ class Import {
           m_scratch(run.scratch), m_extraction{run.evidence, m_scratch.path(), m_log},
           m_categories(job.verifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        m_log),
-          m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata), m_browserOf(run.evidence),
+          m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata),
+          m_classicOnly(job.classicOnly), m_browserOf(run.evidence),
           m_sources(run.project, run.clock, m_log),
           m_store(run.project, run.zone, run.clock, m_log),
           m_batch(run.project, [this] { note(); }) {}
@@ -178,7 +179,7 @@ class Import {
     void one(HistoryFile &file, ArtefactResult &result, double from, double to) {
         const auto begun = std::chrono::steady_clock::now();
         const Reader *reader = m_run.readerFor(file.historyFileType);
-        result.origin = file.origin = m_browserOf(file.fullPath, engineOf(file.historyFileType));
+        result.origin = file.origin = m_browserOf(file.fullPath, engineOf(reader));
         if (m_run.evidence.kindOf(file.fullPath) == PlaceKind::nothing)
             settle(result, ArtefactState::vanished, "the file is no longer there");
         else if (!reader || !reader->read)
@@ -248,7 +249,7 @@ class Import {
                     std::optional<ReadResult>(), [&] {
                         ReadContext context{
                             file, m_run.evidence, m_content, m_run.clock, m_scratch.emptied(),
-                            sink, m_log,          task};
+                            sink, m_log,          task,      false,       m_classicOnly};
                         return std::optional(reader.read(context));
                     });
         return result ? *result : ReadResult{ReadState::failed, m_log.last, 0, {}};
@@ -264,6 +265,7 @@ class Import {
     Categories m_categories;
     AdvancedMetadata m_metadata;
     bool m_looksIntoPages;
+    bool m_classicOnly;
     BrowserOf m_browserOf;
     SourceFiles m_sources;
     RecordStore m_store;

@@ -18,6 +18,7 @@ struct ImportSettings {
     bool recurseSubfolders = true;
     bool verifyFileSignatures = true; ///< recognise files by content, not by name alone
     bool parseAdvancedMetadata = true;
+    bool classicOnly = false; ///< only the files and rows of the classic rules
     bool makeThumbnails = true;
     bool makePictureThumbnails = true;
     bool makeWebPageThumbnails = true;

@@ -115,8 +115,13 @@ class Scan {
             head = m_evidence.head(file, limits::kHeadBytes);
         candidate.head = ByteView(head);
         for (const Reader *reader : readersTaking(candidate, m_formats))
-            if (reader->option && wants(m_job, *reader->option))
+            if (isAskedFor(*reader))
                 take(*reader, candidate, asked, fraction);
+    }
+
+    bool isAskedFor(const Reader &reader) const {
+        return reader.option && wants(m_job, *reader.option) &&
+               !(m_job.classicOnly && reader.isBeyondClassic);
     }
 
     void take(const Reader &reader, const Candidate &candidate, Asked asked, double fraction) {

@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "readers/PathOrigin.h"
+#include "readers/SourceOption.h"
 
 #include <fmt/format.h>
 
@@ -149,38 +150,13 @@ Origin look(const Evidence &evidence, const fs::path &file, Engine engine) {
 
 } // namespace
 
-Engine engineOf(HistoryFileType type) {
-    switch (type) {
-    case HistoryFileType::ieHistory:
-    case HistoryFileType::ieDaily:
-    case HistoryFileType::ieWeekly:
-    case HistoryFileType::ieCache:
-    case HistoryFileType::ieCookies:
-    case HistoryFileType::ieIndexByCommandLine:
-        return Engine::internetExplorer;
-    case HistoryFileType::morkHistory:
-    case HistoryFileType::firefoxCache:
-    case HistoryFileType::firefoxCacheByName:
-    case HistoryFileType::firefox3History:
-    case HistoryFileType::firefoxCookies:
-        return Engine::gecko;
-    case HistoryFileType::macIECache:
-        return Engine::macIE;
-    case HistoryFileType::operaCache:
-    case HistoryFileType::operaHistory:
-    case HistoryFileType::operaCookies:
-        return Engine::opera;
-    case HistoryFileType::safariCache:
-    case HistoryFileType::safariHistory:
-    case HistoryFileType::safariCookies:
-        return Engine::safari;
-    case HistoryFileType::chromeCache:
-    case HistoryFileType::chromeHistory:
-    case HistoryFileType::chromeCookies:
-        return Engine::chromium;
-    default: // what other programs have found and written anew
+Engine engineOf(const Reader *reader) {
+    if (!reader)
         return Engine::unknown;
-    }
+    const BrowserFamily *family = reader->option          ? reader->option->family
+                                  : reader->kinds.empty() ? nullptr
+                                                          : reader->kinds.front()->family;
+    return family ? family->engine : Engine::unknown;
 }
 
 Origin BrowserOf::operator()(const fs::path &file, Engine engine) {

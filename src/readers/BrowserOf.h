@@ -2,7 +2,7 @@
 
 #include "db/HistoryFile.h"
 #include "readers/BrowserPlaces.h"
-#include "readers/Evidence.h"
+#include "readers/Reader.h"
 
 #include <filesystem>
 #include <map>
@@ -28,7 +28,7 @@ class BrowserOf {
     std::map<std::pair<std::filesystem::path, Engine>, Origin> m_known;
 };
 
-/// What a format tells of the program.
-Engine engineOf(HistoryFileType type);
+/// What a format tells of the program: nothing where another tool has written anew what it found.
+Engine engineOf(const Reader *reader);
 
 } // namespace nv

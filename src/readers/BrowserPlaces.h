@@ -1,21 +1,11 @@
 #pragma once
 
+#include "readers/Engine.h"
+
 #include <span>
 #include <string_view>
 
 namespace nv {
-
-/// What a file's format tells of the program that wrote it.
-enum class Engine {
-    unknown,
-    chromium,
-    gecko,
-    webkit,
-    internetExplorer,
-    macIE,
-    opera, ///< up to version 12
-    safari,
-};
 
 /// Folders by which a browser is known. All names of this header are lower-case.
 struct BrowserPlace {

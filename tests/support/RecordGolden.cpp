@@ -208,6 +208,7 @@ struct CaseReading {
         Unwatched task;
         const TempFolder scratch;
         ReadContext ctx{file, evidence, content, clock, scratch.path(), sink, log, task};
+        ctx.classicOnly = form.has("classic rows alone");
         result = reader.read(ctx);
     }
 

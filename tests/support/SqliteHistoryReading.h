@@ -22,6 +22,7 @@ struct SqliteHistoryReading {
     TempFolder scratch;
     ReadResult result;
     bool deleted = false;
+    bool classicOnly = false;
 
     SqliteHistoryReading &read(ReadFunction reader, const std::filesystem::path &file);
     SqliteHistoryReading &read(ReadFunction reader, const std::filesystem::path &file,

@@ -1,12 +1,12 @@
 #include "readers/chrome/Formats.h"
 
 #include "readers/Candidate.h"
-#include "readers/SourceOption.h"
 #include "readers/chrome/Cache.h"
 #include "readers/chrome/CacheBody.h"
 #include "readers/chrome/Cookies.h"
 #include "readers/chrome/History.h"
 #include "readers/chrome/Kinds.h"
+#include "readers/chrome/Options.h"
 
 #include <optional>
 
@@ -15,12 +15,6 @@ namespace nv {
 namespace {
 
 using enum HistoryFileType;
-
-constexpr SourceOption kHistory = {"chkHistoryChrome", RecordGroup::history, &families::chrome, "",
-                                   9};
-constexpr SourceOption kCache = {"chkCacheChrome", RecordGroup::cache, &families::chrome, "", 0};
-constexpr SourceOption kCookies = {"chkCookiesChrome", RecordGroup::cookies, &families::chrome, "",
-                                   14};
 
 constexpr const RecordKind *kHistoryKinds[] = {&kChromeHistory};
 constexpr const RecordKind *kCacheKinds[] = {&kChromeCache};
@@ -59,7 +53,7 @@ constinit const Reader kChromeHistoryFormat = {
     .key = "chrome-history",
     .kind = "Chrome History",
     .version = "1.0",
-    .option = &kHistory,
+    .option = &kChromeHistoryOption,
     .mask = "History;Archived History",
     .recognises = isHistory,
     .read = parseChromeHistoryFile,
@@ -73,7 +67,7 @@ constinit const Reader kChromeCacheFormat = {
     .key = "chrome-cache",
     .kind = "Chrome Cache",
     .version = "1.0",
-    .option = &kCache,
+    .option = &kChromeCacheOption,
     .mask = "data_0",
     .recognises = isCache,
     .read = parseChromeCache,
@@ -90,7 +84,7 @@ constinit const Reader kChromeCookiesFormat = {
     .key = "chrome-cookies",
     .kind = "Chrome Cookies",
     .version = "1.0",
-    .option = &kCookies,
+    .option = &kChromeCookiesOption,
     .mask = "Cookies",
     .recognises = isCookies,
     .read = parseChromeCookiesFile,

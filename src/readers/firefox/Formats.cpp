@@ -2,12 +2,12 @@
 
 #include "base/Text.h"
 #include "readers/Candidate.h"
-#include "readers/SourceOption.h"
 #include "readers/firefox/CacheBody.h"
 #include "readers/firefox/CacheParse.h"
 #include "readers/firefox/Cookies.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/MorkHistory.h"
+#include "readers/firefox/Options.h"
 #include "readers/firefox/Places.h"
 #include "readers/sqlite/SchemaHead.h"
 
@@ -17,11 +17,6 @@ namespace {
 
 using enum HistoryFileType;
 
-constexpr SourceOption kCache = {"chkCacheFirefox", RecordGroup::cache, &families::firefox, "", 1};
-constexpr SourceOption kHistory = {"chkHistoryFirefox", RecordGroup::history, &families::firefox,
-                                   "", 8};
-constexpr SourceOption kCookies = {"chkCookiesFirefox", RecordGroup::cookies, &families::firefox,
-                                   "", 11};
 constexpr std::string_view kHistoryMask = "history*.dat;places*.sqlite";
 
 constexpr const RecordKind *kCacheKinds[] = {&kFirefoxCache};
@@ -61,7 +56,7 @@ constinit const Reader kFirefoxCacheFormat = {
     .type = firefoxCache,
     .key = "firefox-cache",
     .kind = "Firefox Cache",
-    .option = &kCache,
+    .option = &kFirefoxCacheOption,
     .mask = "_cache_map_*",
     .recognises = isCache,
     .read = parseFirefoxCache,
@@ -77,7 +72,7 @@ constinit const Reader kMorkHistoryFormat = {
     .key = "firefox-mork-history",
     .kind = "Firefox2 History",
     .version = "2.0",
-    .option = &kHistory,
+    .option = &kFirefoxHistoryOption,
     .mask = kHistoryMask,
     .recognises = isMorkHistory,
     .read = parseMorkFile,
@@ -91,7 +86,7 @@ constinit const Reader kFirefox3HistoryFormat = {
     .key = "firefox3-history",
     .kind = "Firefox3 History",
     .version = "3.0",
-    .option = &kHistory,
+    .option = &kFirefoxHistoryOption,
     .mask = kHistoryMask,
     .recognises = isPlaces,
     .read = parseFirefox3HistoryFile,
@@ -105,7 +100,7 @@ constinit const Reader kFirefoxCookiesFormat = {
     .key = "firefox-cookies",
     .kind = "Firefox Cookies",
     .version = "3.0",
-    .option = &kCookies,
+    .option = &kFirefoxCookiesOption,
     .mask = "cookies.sqlite",
     .recognises = isCookies,
     .read = parseFirefoxCookiesFile,

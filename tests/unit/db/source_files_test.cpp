@@ -84,7 +84,7 @@ TEST_F(SourceFilesTest, theRowSaysWhoseFileItIs) {
     HistoryFile file = artefact("History", "abc");
     file.sha256Hash = "def";
     file.origin = {"Microsoft Edge", "", "Profile 1", "O'Brien", ""};
-    sources.logFile(file);
+    EXPECT_TRUE(sources.logFile(file));
     file.origin.browserVersion = "History 70";
     EXPECT_TRUE(sources.noteOrigin(file));
     EXPECT_EQ(project.text("SELECT Browser || '|' || BrowserVersion || '|' || Profile || '|' || "
@@ -105,10 +105,10 @@ TEST_F(SourceFilesTest, theSameContentOfAnotherPersonIsAnotherFile) {
     EXPECT_EQ(project.number("SELECT count(*) FROM SourceFiles"), 3);
     SourceFiles later{project.connection(), project.clock, project.log};
     HistoryFile inAnotherRun = bob;
-    later.logFile(inAnotherRun);
+    EXPECT_TRUE(later.logFile(inAnotherRun));
     EXPECT_EQ(inAnotherRun.sourceFileID, bob.sourceFileID);
     HistoryFile nobodyAgain = nobody;
-    later.logFile(nobodyAgain);
+    EXPECT_TRUE(later.logFile(nobodyAgain));
     EXPECT_EQ(nobodyAgain.sourceFileID, nobody.sourceFileID);
 }
 
@@ -118,8 +118,8 @@ TEST_F(SourceFilesTest, aRowOfAnEarlierBuildGetsTheOriginOnce) {
     alice.origin = {"Chromium", "156", "Default", "alice", ""};
     HistoryFile bob = alice;
     bob.origin.person = "bob";
-    sources.logFile(alice);
-    sources.logFile(bob);
+    EXPECT_TRUE(sources.logFile(alice));
+    EXPECT_TRUE(sources.logFile(bob));
     EXPECT_EQ(alice.sourceFileID, SourceFileId{1});
     EXPECT_EQ(bob.sourceFileID, SourceFileId{2});
     EXPECT_EQ(project.text("SELECT group_concat(Person || BrowserVersion) FROM SourceFiles"),

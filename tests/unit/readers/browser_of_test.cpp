@@ -1,4 +1,5 @@
 #include "readers/BrowserOf.h"
+#include "readers/Registry.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -112,15 +113,15 @@ TEST_F(BrowserOfTest, filesOfAFolderAreAskedForOnce) {
 }
 
 TEST(EngineOf, formatsOfBrowsersTellTheEngine) {
-    EXPECT_EQ(engineOf(HistoryFileType::chromeHistory), Engine::chromium);
-    EXPECT_EQ(engineOf(HistoryFileType::firefoxCookies), Engine::gecko);
-    EXPECT_EQ(engineOf(HistoryFileType::ieDaily), Engine::internetExplorer);
-    EXPECT_EQ(engineOf(HistoryFileType::macIECache), Engine::macIE);
-    EXPECT_EQ(engineOf(HistoryFileType::operaCookies), Engine::opera);
-    EXPECT_EQ(engineOf(HistoryFileType::safariCache), Engine::safari);
+    EXPECT_EQ(engineOf(readerFor(HistoryFileType::chromeHistory)), Engine::chromium);
+    EXPECT_EQ(engineOf(readerFor(HistoryFileType::firefoxCookies)), Engine::gecko);
+    EXPECT_EQ(engineOf(readerFor(HistoryFileType::ieDaily)), Engine::internetExplorer);
+    EXPECT_EQ(engineOf(readerFor(HistoryFileType::macIECache)), Engine::macIE);
+    EXPECT_EQ(engineOf(readerFor(HistoryFileType::operaCookies)), Engine::opera);
+    EXPECT_EQ(engineOf(readerFor(HistoryFileType::safariCache)), Engine::safari);
     for (const HistoryFileType type : {HistoryFileType::histEx, HistoryFileType::simpleHTML,
                                        HistoryFileType::netAnalysis, HistoryFileType::norvelaneNVD})
-        EXPECT_EQ(engineOf(type), Engine::unknown);
+        EXPECT_EQ(engineOf(readerFor(type)), Engine::unknown);
 }
 
 } // namespace
