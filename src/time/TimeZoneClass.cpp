@@ -1,6 +1,7 @@
 #include "time/TimeZoneClass.h"
 
 #include "time/Daylight.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -33,6 +34,7 @@ int daylightBias(const TimeZoneClass &zone) {
 } // namespace
 
 void TimeZoneClass::setToDefault(Date now) {
+    exact.reset();
     DaylightCode = tzDaylightCode = "EDT";
     DSTAdjustment = true;
     tzBias = -300;
@@ -49,6 +51,7 @@ void TimeZoneClass::setToDefault(Date now) {
 }
 
 void TimeZoneClass::Reset() {
+    exact.reset();
     tzName.clear();
     tzBiasAsText.clear();
     tzBias = 0;
@@ -79,6 +82,8 @@ std::string FormatBiasText(std::int16_t minutes) {
 }
 
 Date ConvertDateToZone(Date utc, const TimeZoneClass &zone, bool enableDSTChanges) {
+    if (zone.exact)
+        return utc.has() ? utc.plusSeconds(zone.exact->at(utc).offset.count()) : Date();
     const bool daylight = IsDSTInEffect(utc, zone.tzLatitudeBias) && enableDSTChanges;
     return utc.plusMinutes(daylight ? -daylightBias(zone) : -zone.tzBias);
 }

@@ -85,6 +85,7 @@ void showActiveBias(TimeZoneClass &zone) {
 }
 
 void setFromRow(TimeZoneClass &zone, const ZoneRow &row, bool daylightNow) {
+    zone.exact.reset();
     zone.tzTimeZoneID = row.Time_Zone_ID;
     zone.tzBias = row.STD_Bias;
     zone.tzDSTBias = row.DST_Bias.value_or(0);
@@ -95,6 +96,7 @@ void setFromRow(TimeZoneClass &zone, const ZoneRow &row, bool daylightNow) {
 }
 
 void detectFromRow(TimeZoneClass &zone, const ZoneRow &row, bool ruleInEffect) {
+    zone.exact.reset();
     zone.tzBias = zone.tzActiveBias = row.STD_Bias;
     zone.DaylightCode = row.DST_Code;
     zone.DSTAdjustment = row.DST_Bias.has_value();
