@@ -2,6 +2,7 @@
 #include "base/Trap.h"
 #include "reports/Html.h"
 #include "reports/ReportClass.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -88,6 +89,9 @@ std::string ReportClass::zoneNote() const {
         htmlText(zone.tzBiasAsText), htmlText(zone.DaylightCode));
     if (zone.tzName != "DEFAULT")
         note += fmt::format("<br>\r\nTime Zone Setting: {}", htmlText(zone.tzName));
+    if (zone.exact)
+        note += fmt::format(" (the law of each date, by the time zone database of version {})",
+                            htmlText(zone.exact->version()));
     return note + "</div>";
 }
 

@@ -3,18 +3,17 @@
 #include "base/Text.h"
 
 #include <string>
+#include <utility>
 
 namespace nv {
 
 ZoneDate actionDate(const URLClass &record, const ReportContext &ctx) {
     const DateSettings &settings = ctx.settings.dates;
-    const TimeZoneClass &zone = ctx.GMTZone;
-    const Date local = ConvertDateToZone(record.ActionDateUTC, zone, settings.EnableDSTChanges);
-    if (!local.has())
+    ZonedDate date = zonedDate(record.ActionDateUTC, ctx.GMTZone, settings);
+    if (!date.local.has())
         return {};
-    const bool daylight = shownAsDaylight(local, zone, settings);
-    return {formatDate(local, settings.DateTimeFormat()),
-            zone.GetBiasAsTime(daylight ? zone.tzDSTBias : 0), daylight ? "DST" : "STD"};
+    return {formatDate(date.local, settings.DateTimeFormat()), std::move(date.offset),
+            std::move(date.code)};
 }
 
 std::string visitsText(std::int64_t visits) {
