@@ -7,6 +7,7 @@
 #include "app/NetworkSwitch.h"
 #include "app/Project.h"
 #include "app/ProjectOptions.h"
+#include "app/Zones.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
@@ -85,7 +86,7 @@ OptionsOutcome Application::run() {
     m_program.import.VerifyFileSignatures = m_options.VerifyFileSignatures;
     takeFormats();
     m_state.EnableDSTChanges = m_options.EnableDSTChanges;
-    if (!m_options.Time_Zone_ID)
+    if (!m_options.Time_Zone_ID && m_options.exactZone.empty())
         return stay(messages::zoneNotSelected(), OptionsField::zone);
     // What follows belongs to the new project and must not reach the one that is still open.
     const auto refusal = refusalOfPaths();
@@ -131,17 +132,19 @@ bool Application::takeZone() {
     // A new project with a wrong path doesn't change the zone of the one that is open.
     if (m_occasion.newProject && m_state.ProjectDB.isOpen())
         return true;
-    if (!setZone(m_program, *m_options.Time_Zone_ID))
+    const std::string key = m_options.exactZone.empty() ? fmt::format("{}", *m_options.Time_Zone_ID)
+                                                        : m_options.exactZone;
+    if (!changeZone(m_program, key, m_program.thread))
         return false;
     const TimeZoneClass &zone = m_state.GMTZone;
     write(kOptionsSection, "TimeZoneBias", zone.tzBias);
     m_settings.WriteIniValue(kOptionsSection, "TimeZoneName", zone.tzName);
-    write(kOptionsSection, "TimeZoneID", zone.tzTimeZoneID);
+    m_settings.WriteIniValue(kOptionsSection, "TimeZoneID", zoneKey(zone));
     if (m_state.ProjectDB.isOpen())
         storeProjectValues(m_program,
                            {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
                             {"TimeZoneName", zone.tzName},
-                            {"TimeZoneID", fmt::format("{}", zone.tzTimeZoneID)}},
+                            {"TimeZoneID", zoneKey(zone)}},
                            TrailNote::yes);
     return true;
 }

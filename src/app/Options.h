@@ -31,7 +31,8 @@ struct Options {
     // Date, time and zone
     std::string DateFormat;
     std::string TimeFormat;
-    std::optional<std::int32_t> Time_Zone_ID; ///< the selection of the list
+    std::optional<std::int32_t> Time_Zone_ID; ///< a classic zone, the selection of the list
+    std::string exactZone;                    ///< an exact one, "Europe/Berlin": goes before it
     bool EnableDSTChanges = true;
     // Gallery
     bool GalleryIncludeHTML = true;

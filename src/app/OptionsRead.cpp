@@ -1,6 +1,7 @@
 // What the Options dialog shows at first; Options.cpp applies it.
 #include "app/IniSections.h"
 #include "app/Options.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -50,7 +51,9 @@ Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
     readPaths(program, options);
     options.DateFormat = settings.ReadIniValue(kOptionsSection, "DateFormat", kOptionsDateFormat);
     options.TimeFormat = settings.ReadIniValue(kOptionsSection, "TimeFormat", kOptionsTimeFormat);
-    if (const auto place = placeInList(zones, state.GMTZone))
+    if (state.GMTZone.exact)
+        options.exactZone = state.GMTZone.exact->name();
+    else if (const auto place = placeInList(zones, state.GMTZone))
         options.Time_Zone_ID = zones[*place].Time_Zone_ID;
     options.EnableDSTChanges = state.EnableDSTChanges;
     options.GalleryIncludeHTML = state.GalleryIncludeHTML;

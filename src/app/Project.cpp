@@ -2,6 +2,7 @@
 
 #include "app/Messages.h"
 #include "app/ProjectAside.h"
+#include "app/Zones.h"
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Replace.h"
@@ -36,19 +37,20 @@ void becomeOpen(Program &program, LogOf log) {
     state.CurrentSQLDef = state.DefaultSQLDef;
 }
 
+} // namespace
+
 /// A zone that isn't in the table is told of: local dates would be those of another zone in
 /// silence.
-void takeZoneOfProject(Program &program) {
-    const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
-    bool &isUnread = program.thisClass.ZoneIsUnread;
-    isUnread = zone && *zone > 0;
-    if (!isUnread || setZone(program, *zone) || !fs::exists(program.paths.zones()))
-        return;
-    if (!ZoneDatabase(program.paths.zones(), program.log).listZones().empty())
-        program.around.examiner.tell(messages::zoneNotThere(*zone));
+bool takeStoredZone(Program &program, const ProjectFields &fields) {
+    const std::string key = fields.GetDefault(kZoneSetting);
+    const auto id = fields.defaultNumber(kZoneSetting);
+    if (key.empty() || (id && *id <= 0) || setZone(program, key))
+        return true;
+    if (id && fs::exists(program.paths.zones()) &&
+        !ZoneDatabase(program.paths.zones(), program.log).listZones().empty())
+        program.around.examiner.tell(messages::zoneNotThere(*id));
+    return false;
 }
-
-} // namespace
 
 bool isProjectName(const fs::path &path) {
     return equalsNoCase(textOf(path.extension()), ".nvp");
@@ -80,7 +82,8 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
-    setZone(program, program.thisClass.GMTZone.tzTimeZoneID);
+    if (const TimeZoneClass &zone = program.thisClass.GMTZone; !zone.exact)
+        setZone(program, zone.tzTimeZoneID);
     return true;
 }
 
@@ -95,7 +98,8 @@ void openProject(Program &program, const fs::path &path, Access access, Holding 
     project.open(access);
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
-    takeZoneOfProject(program);
+    program.thisClass.ZoneIsUnread = false;
+    program.thisClass.ZoneIsUnread = !takeStoredZone(program, fieldsOf(program));
 }
 
 void requireZones(Program &program) {
@@ -109,7 +113,9 @@ void requireZones(Program &program) {
     if (ZoneDatabase(file, program.log).listZones().empty())
         refuse("the table of time zones is damaged", "can't be read");
     if (program.thisClass.ZoneIsUnread)
-        refuse("the project's time zone is not known", "doesn't hold it");
+        throw StorageFailure(
+            fmt::format("the project's time zone is not known: \"{}\". Nothing was imported",
+                        fieldsOf(program).GetDefault(kZoneSetting)));
 }
 
 bool setZone(Program &program, std::int64_t id) {
@@ -136,8 +142,7 @@ void closeProject(Program &program) {
     ThisClass &state = program.thisClass;
     if (!state.ProjectDB.isReadOnly()) {
         if (!state.ZoneIsUnread)
-            fieldsOf(program).SaveDefaultSetting(kZoneSetting,
-                                                 fmt::format("{}", state.GMTZone.tzTimeZoneID));
+            fieldsOf(program).SaveDefaultSetting(kZoneSetting, zoneKey(state.GMTZone));
         StoredQueries(state.ProjectDB.connection()).ResetDEFAULTQuery();
     }
     state.ZoneIsUnread = false;

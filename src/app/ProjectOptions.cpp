@@ -3,6 +3,7 @@
 #include "app/Trail.h"
 #include "base/Files.h"
 #include "db/ProjectFields.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -47,8 +48,8 @@ std::vector<ProjectValue> projectValuesInForce(const Program &program) {
     const TimeZoneClass &zone = state.GMTZone;
     return {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
             {"TimeZoneName", zone.tzName},
-            {"TimeZoneID", fmt::format("{}", zone.tzTimeZoneID)},
-            {"LastTimeZoneID", fmt::format("{}", zone.tzTimeZoneID)},
+            {"TimeZoneID", zoneKey(zone)},
+            {"LastTimeZoneID", zoneKey(zone)},
             {"RootPath", textOf(state.RootPath)},
             {"DateFormat", state.DateFormat},
             {"TimeFormat", state.TimeFormat},

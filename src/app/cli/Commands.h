@@ -17,7 +17,7 @@ struct ImportArguments {
     std::string project;
     std::vector<std::string> paths;
     std::string base;
-    std::int64_t zone = 0; ///< `Time_Zone_ID`; 0 keeps the project's
+    std::string zone; ///< its key: see app/Zones.h; empty or "0" keeps the project's
     std::vector<std::string> kinds;
     std::string as; ///< key of the reader that takes every PATH; empty to find artefacts
     bool noMetadata = false;
@@ -113,5 +113,7 @@ Exit templateListCommand(Session &session, const TemplateArguments &arguments, F
 Exit templateApplyCommand(Session &session, const TemplateArguments &arguments);
 
 Exit zonesCommand(Session &session, Format format);
+/// The zones of the system, with what they have now.
+Exit exactZonesCommand(Session &session, Format format);
 
 } // namespace nv::cli

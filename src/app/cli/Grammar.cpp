@@ -84,7 +84,10 @@ void Grammar::addImport() {
     addProject(c, m_import.project);
     c->add_option("PATH", m_import.paths, "Folders or files of evidence")->required();
     c->add_option("--base", m_import.base, "Base folder of the evidence (default: the PATH)");
-    c->add_option("--zone", m_import.zone, "Time zone of the project, see the command zones");
+    c->add_option(
+        "--zone", m_import.zone,
+        "Time zone of the project: a name such as Europe/Berlin, or a number; the command "
+        "zones lists them");
     c->add_option("--kinds", m_import.kinds, "Only these readers, by key, separated by commas")
         ->delimiter(',');
     c->add_option("--as", m_import.as,
@@ -137,8 +140,11 @@ void Grammar::addFiles() {
     extract->add_option("URL_ID", m_urlId, "Key of the row")->required();
     extract->add_option("FILE", m_file, "Where to write it; - is the standard output")->required();
     extract->add_flag("--overwrite", m_overwrite, "Replace FILE when it is there");
-    CLI::App *zones = command("zones", "The time zones and their ids",
-                              [this](Session &s) { return zonesCommand(s, m_format); });
+    CLI::App *zones = command("zones", "The time zones and their ids", [this](Session &s) {
+        return m_exactZones ? exactZonesCommand(s, m_format) : zonesCommand(s, m_format);
+    });
+    zones->add_flag("--exact", m_exactZones,
+                    "The zones of the system's zoneinfo, which go by the law of each date");
     addFormat(zones);
 }
 

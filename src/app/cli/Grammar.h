@@ -69,6 +69,7 @@ class Grammar {
     UpgradeArguments m_upgrade;
     OptionsArguments m_options;
     bool m_wideIds = false;
+    bool m_exactZones = false;
     Format m_format = Format::table;
     std::string m_importFormat = "text";
     std::string m_project;

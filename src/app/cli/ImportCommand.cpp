@@ -5,6 +5,7 @@
 #include "app/ImportText.h"
 #include "app/Messages.h"
 #include "app/Project.h"
+#include "app/Zones.h"
 #include "app/cli/Commands.h"
 #include "app/cli/LoadedTable.h"
 #include "app/cli/OutputPath.h"
@@ -14,7 +15,6 @@
 #include "db/StoredQueries.h"
 #include "import/Scan.h"
 #include "readers/Registry.h"
-#include "time/ZoneDatabase.h"
 
 #include <fmt/format.h>
 
@@ -88,13 +88,30 @@ void checkProjectPlace(const ImportArguments &arguments) {
         refuseEvidence(arguments.project, baseOf(arguments));
 }
 
-void checkZone(Session &session, std::int64_t id) {
-    const auto zones = ZoneDatabase(session.program.paths.zones(), session.program.log).listZones();
-    const bool known =
-        id == 0 || std::any_of(zones.begin(), zones.end(),
-                               [id](const ZoneRow &zone) { return zone.Time_Zone_ID == id; });
-    if (!known)
-        throw UsageError(fmt::format("there is no time zone {}: see the command zones", id));
+bool namesZone(const ImportArguments &arguments) {
+    return !arguments.zone.empty() && arguments.zone != "0";
+}
+
+void checkZone(Session &session, const ImportArguments &arguments) {
+    if (!namesZone(arguments))
+        return;
+    const CheckedZone zone = checkedZone(session.program, arguments.zone);
+    if (!zone.refusal.empty())
+        throw UsageError(fmt::format("--zone: {}", printable(zone.refusal)));
+}
+
+/// Nobody is there to choose: what the evidence names is told, and --zone takes it.
+void tellZoneHints(Session &session, const ImportArguments &arguments) {
+    if (namesZone(arguments))
+        return;
+    const Program &program = session.program;
+    for (const std::string &path : arguments.paths)
+        for (const ZoneHint &hint :
+             knownZoneHints(program, fs::canonical(path), program.import.HistoryFiles))
+            if (hint.zone != program.thisClass.GMTZone.tzName)
+                session.err << fmt::format("the evidence names the zone {} ({}): --zone {} shows "
+                                           "dates in it\n",
+                                           hint.zone, printable(textOf(hint.file)), hint.zone);
 }
 
 void checkKinds(const std::vector<std::string> &kinds) {
@@ -287,14 +304,14 @@ Exit importCommand(Session &session, const ImportArguments &given) {
     checkPaths(arguments);
     checkProjectPlace(arguments);
     requireZones(session.program);
-    checkZone(session, arguments.zone);
+    checkZone(session, arguments);
     checkKinds(arguments.kinds);
     checkAs(arguments);
     const ImportClaim claim(arguments.project);
     openOrCreate(session, arguments.project);
     Program &program = session.program;
-    if (arguments.zone > 0)
-        setZone(program, arguments.zone);
+    if (namesZone(arguments))
+        changeZone(program, arguments.zone, session.task);
     requireZones(program); // now that of the project
     chooseBase(session, arguments);
     program.import.VerifyFileSignatures &= !arguments.noSignatures;
@@ -303,6 +320,7 @@ Exit importCommand(Session &session, const ImportArguments &given) {
 
     ImportSummary summary;
     summary.cancelled = !findArtefacts(session, arguments, unreachable);
+    tellZoneHints(session, arguments);
     if (!summary.cancelled)
         summary = runImportJob(program, session.task, session.scratch());
     session.task.clear();

@@ -1,6 +1,7 @@
 #include "app/Project.h"
 #include "app/ProjectOptions.h"
 #include "app/SettingsTable.h"
+#include "app/Zones.h"
 #include "app/cli/OptionsCommands.h"
 #include "base/Files.h"
 #include "base/Text.h"
@@ -159,6 +160,8 @@ void setInProject(Session &session, const OptionsArguments &arguments) {
     const ProjectValueFacts &facts = settableInProject(arguments.key);
     const std::string value = checked(session.program, factsOf(facts), arguments.value);
     session.open(arguments.project);
+    if (facts.name == "LastTimeZoneID" && !changeZone(session.program, value, session.task))
+        throw StorageFailure("the project keeps its time zone");
     storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes);
     if (facts.name == "RootPath")
         mendRootPath(session.program.thisClass.ProjectDB.connection(), session.program.log, value,
