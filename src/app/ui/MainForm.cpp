@@ -3,23 +3,23 @@
 
 #include "app/Messages.h"
 #include "app/Project.h"
+#include "app/Zones.h"
 #include "app/ui/OptionsPart.h"
 #include "app/ui/RebuildPart.h"
 #include "app/ui/TextForm.h"
 #include "app/ui/TipForm.h"
 #include "app/ui/Workbench.h"
+#include "app/ui/ZoneForm.h"
 #include "base/Trap.h"
 #include "db/ProjectFields.h"
 #include "db/StoredQueries.h"
 #include "db/WriteBatch.h"
 #include "import/ui/ImportForm.h"
 #include "platform/qt/QtText.h"
-#include "time/ZoneDatabase.h"
 #include "views/QueryCommands.h"
 #include "views/ui/TableTab.h"
 
 #include <QApplication>
-#include <QInputDialog>
 
 namespace nv {
 
@@ -126,21 +126,10 @@ void MainForm::chooseBaseFolder() {
 }
 
 void MainForm::chooseTimeZone() {
-    const auto zones = ZoneDatabase(m_program.paths.zones(), m_program.log).listZones();
-    QStringList texts;
-    for (const ZoneRow &zone : zones)
-        texts += toQt(zone.listText());
-    QInputDialog dialog(this);
-    dialog.setObjectName(QStringLiteral("TimeZoneForm"));
-    dialog.setWindowTitle(tr("Time Zone"));
-    dialog.setLabelText(tr("Times are shown in:"));
-    dialog.setComboBoxItems(texts);
-    if (const auto place = placeInList(zones, m_program.thisClass.GMTZone))
-        dialog.setTextValue(texts.at(static_cast<qsizetype>(*place)));
+    ZoneForm dialog(m_program, keyInList(m_program), this);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    const qsizetype chosen = texts.indexOf(dialog.textValue());
-    if (chosen >= 0 && setZone(m_program, zones.at(static_cast<std::size_t>(chosen)).Time_Zone_ID))
+    if (changeZone(m_program, dialog.key(), m_program.thread))
         LoadURLs();
 }
 

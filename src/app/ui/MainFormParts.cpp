@@ -240,7 +240,9 @@ void MainForm::showStatus() {
         tr("Query: %1").arg((query.isEmpty() ? tr("Default") : query) + order), Qt::ElideRight,
         kWidestQuery));
     m_status.query->setToolTip(Qt::convertFromPlainText(query + order));
-    m_status.zone->setText(tr("Zone: %1").arg(toQt(state.GMTZone.GetBiasAsTime(0))));
+    m_status.zone->setText(tr("Zone: %1")
+                               .arg(toQt(state.GMTZone.exact ? state.GMTZone.tzName
+                                                             : state.GMTZone.GetBiasAsTime(0))));
     const std::string base = textOf(state.RootPath);
     m_status.base->setText(
         tr("Base folder: %1").arg(base.empty() ? tr("none") : toQt(displayText(base))));

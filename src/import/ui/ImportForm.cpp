@@ -8,6 +8,9 @@
 #include "app/NetworkMessages.h"
 #include "app/NetworkSwitch.h"
 #include "app/Project.h"
+#include "app/ThumbnailJob.h"
+#include "app/Zones.h"
+#include "app/ui/ZoneForm.h"
 #include "base/Files.h"
 #include "base/Trap.h"
 #include "import/ui/FoundFilesModel.h"
@@ -137,11 +140,50 @@ ScanResult ImportForm::runScan() {
     return result;
 }
 
+/// What the evidence says is taken before the first import; later the project has its zone, and is
+/// only told.
+void ImportForm::suggestZone() {
+    if (m_zoneKey.empty())
+        m_zoneKey = keyInList(m_program);
+    QStringList told;
+    bool isTaken = lastRow(m_program) > 0;
+    const ImportClass &job = m_program.import;
+    for (const ZoneHint &hint :
+         knownZoneHints(m_program, job.StartingDirectory, job.HistoryFiles)) {
+        told += tr("The evidence names the zone %1 (%2).")
+                    .arg(toQt(hint.zone), toQt(displayText(textOf(hint.file))));
+        if (!isTaken)
+            m_zoneKey = hint.zone;
+        isTaken = true;
+    }
+    m_zoneHint->setText(told.join(u'\n'));
+    m_zoneHint->setVisible(!told.isEmpty());
+    showZone();
+}
+
+void ImportForm::chooseZone() {
+    ZoneForm dialog(m_program, m_zoneKey, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    m_zoneKey = dialog.key();
+    showZone();
+}
+
+void ImportForm::showZone() {
+    m_zone->setText(tr("Times are shown in: %1").arg(zoneName(m_program, m_zoneKey)));
+}
+
+/// False when the examiner is to choose again.
+bool ImportForm::takeZone() {
+    return m_zoneKey == keyInList(m_program) || changeZone(m_program, m_zoneKey, m_program.thread);
+}
+
 void ImportForm::showScan(const ScanResult &result) {
     ImportClass &job = m_program.import;
     job.HistoryFiles = result.HistoryFiles;
     job.gaps = result.gaps;
     m_files->setFiles(job.HistoryFiles);
+    suggestZone();
     m_scanFolder->clear();
     m_scanStep->setText(tr("Files found: %L1").arg(m_files->rowCount()));
     const QString gaps = gapsText(result);
@@ -182,7 +224,7 @@ void ImportForm::chooseBase() {
 }
 
 void ImportForm::ImportFiles() {
-    if (!goesOnDespiteNetwork())
+    if (!goesOnDespiteNetwork() || !takeZone())
         return;
     m_files->prune(m_program.import.HistoryFiles);
     m_program.import.CancelImport = false;

@@ -90,6 +90,8 @@ void OptionsForm::stayAt(OptionsField field) {
         return;
     m_tabs->setCurrentIndex(field == OptionsField::zone ? kZoneTab : kPathsTab);
     QWidget *control = m_zone;
+    if (!m_zone->isEnabled())
+        control = m_exactZone;
     if (field == OptionsField::project)
         control = m_paths[kProject];
     if (field == OptionsField::base)
@@ -202,6 +204,7 @@ Options OptionsForm::shown() const {
     options.Time_Zone_ID.reset();
     if (m_zone->currentIndex() >= 0)
         options.Time_Zone_ID = m_zone->currentData().toInt();
+    options.exactZone = fromQt(m_exactZone->text().trimmed());
     options.EnableDSTChanges = m_dst->isChecked();
     options.GalleryIncludeHTML = m_html->isChecked();
     options.GalleryIncludePictures = m_pictures->isChecked();

@@ -16,6 +16,7 @@ class QPushButton;
 class QScrollBar;
 class QSpinBox;
 class QTabWidget;
+class QVBoxLayout;
 
 namespace nv {
 
@@ -68,6 +69,8 @@ class OptionsForm final : public QDialog {
     QButtonGroup *addSizes(QFormLayout &form, const QString &label, const char *name, int width);
     void btnPath_Click(int index);
     void chooseLogo();
+    void addExactZone(QVBoxLayout &column);
+    void showExactZone();
     void showZoneProperties();
     void showPard();
     void showConnection();
@@ -90,6 +93,7 @@ class OptionsForm final : public QDialog {
     QLineEdit *m_timeFormat = nullptr;
     QLabel *m_time = nullptr;
     QComboBox *m_zone = nullptr;
+    QLineEdit *m_exactZone = nullptr;
     QCheckBox *m_dst = nullptr;
     QCheckBox *m_html = nullptr;
     QCheckBox *m_pictures = nullptr;
