@@ -16,8 +16,9 @@ Message exactZoneNotSet(std::string_view reason) {
 
 Message localDatesNotStored(std::string_view reason) {
     return failure("local-dates-not-stored", "Error Setting Time Zone",
-                   fmt::format("The local dates of the project can't be stored in the new time "
-                               "zone, so it keeps its own: {}",
+                   fmt::format("Dates are shown in the new time zone, but those that the project "
+                               "stores stay in the one before, and so do orders and queries by "
+                               "them: {}",
                                reason));
 }
 

@@ -41,12 +41,14 @@ std::string textOfZone(const TimeZoneClass &zone) {
     return zone.exact ? exactZoneText(zone) : fmt::format("{} ({})", zoneKey(zone), zone.tzName);
 }
 
-void noteChange(Program &program, const std::string &before, std::int64_t rows) {
+/// `rows` got their local dates anew; none when the project couldn't be written.
+void noteChange(Program &program, const std::string &before, std::optional<std::int64_t> rows) {
     TrailEntry entry;
     entry.Action = "Time Zone";
-    entry.Detail = fmt::format("{} -> {}; local dates stored anew", before,
-                               textOfZone(program.thisClass.GMTZone));
-    entry.RowCount = rows;
+    entry.Detail =
+        fmt::format("{} -> {}; local dates {}", before, textOfZone(program.thisClass.GMTZone),
+                    rows ? "stored anew" : "stay as they were stored");
+    entry.RowCount = rows.value_or(0);
     noteInTrail(program, std::move(entry));
 }
 
@@ -118,8 +120,8 @@ bool changeZone(Program &program, std::string_view key, TaskMonitor &task) {
     const bool wasUnread = state.ZoneIsUnread;
     if (!setZone(program, key))
         return false;
-    const bool isExact = before.exact || state.GMTZone.exact;
-    if (!isExact || zoneKey(before) == zoneKey(state.GMTZone) || !state.ProjectDB.isOpen() ||
+    const bool follows = before.exact || state.GMTZone.exact || wasUnread;
+    if (!follows || zoneKey(before) == zoneKey(state.GMTZone) || !state.ProjectDB.isOpen() ||
         state.ProjectDB.isReadOnly())
         return true;
     std::optional<OpenTask> window;
@@ -130,14 +132,14 @@ bool changeZone(Program &program, std::string_view key, TaskMonitor &task) {
         rows = storeLocalDates(state.ProjectDB.connection(),
                                {state.GMTZone, state.EnableDSTChanges}, task);
     });
-    if (failure)
+    if (failure) {
         program.around.examiner.tell(messages::localDatesNotStored(*failure));
-    if (!rows) {
+    } else if (!rows) {
         state.GMTZone = before;
         state.ZoneIsUnread = wasUnread;
         return false;
     }
-    noteChange(program, textOfZone(before), *rows);
+    noteChange(program, textOfZone(before), rows);
     return true;
 }
 

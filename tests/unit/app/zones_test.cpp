@@ -163,6 +163,18 @@ TEST_F(ZonesTest, aCancelledChangeChangesNothing) {
     EXPECT_TRUE(trail("Time Zone").empty());
 }
 
+TEST_F(ZonesTest, aProjectThatCantStoreThemIsShownInTheNewZone) {
+    commands.OpenFile(path, OpenMode::newAtPath);
+    addRow();
+    db().connection().exec("CREATE TRIGGER no_change BEFORE UPDATE ON URLs "
+                           "BEGIN SELECT RAISE(ABORT, 'not now'); END");
+    examiner.expect("local-dates-not-stored");
+    EXPECT_TRUE(change("Asia/Kolkata"));
+    EXPECT_EQ(zoneKey(zone()), "Asia/Kolkata");
+    EXPECT_THAT(storedOffsets(), ElementsAre(-4));
+    EXPECT_THAT(trail("Time Zone").at(0), HasSubstr("stay as they were stored"));
+}
+
 TEST_F(ZonesTest, aNewProjectHasTheExactZoneInForce) {
     EXPECT_TRUE(setZone(*program, "Pacific/Apia"));
     commands.OpenFile(path, OpenMode::newAtPath);
