@@ -160,7 +160,9 @@ void setInProject(Session &session, const OptionsArguments &arguments) {
     const ProjectValueFacts &facts = settableInProject(arguments.key);
     const std::string value = checked(session.program, factsOf(facts), arguments.value);
     session.open(arguments.project);
-    if (facts.name == "LastTimeZoneID" && !changeZone(session.program, value, session.task))
+    // Without a value the machine's zone is taken when it is opened next.
+    const bool isZone = facts.name == "LastTimeZoneID" && !value.empty();
+    if (isZone && !changeZone(session.program, value, session.task))
         throw StorageFailure("the project keeps its time zone");
     storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes);
     if (facts.name == "RootPath")
