@@ -90,10 +90,10 @@ CheckedZone checkedZone(Program &program, std::string_view key) {
     return checked;
 }
 
-std::vector<ZoneHint> knownZoneHints(const Program &program, const std::filesystem::path &start,
+std::vector<ZoneHint> knownZoneHints(Program &program, const std::filesystem::path &start,
                                      const HistoryFiles &files) {
     const auto names = exactZones(program).names();
-    std::vector<ZoneHint> hints = zoneHints(start, files);
+    std::vector<ZoneHint> hints = zoneHints(start, files, program.log);
     std::erase_if(hints, [&names](const ZoneHint &hint) {
         return std::ranges::find(names, hint.zone) == names.end();
     });

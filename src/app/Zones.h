@@ -33,7 +33,7 @@ struct CheckedZone {
 CheckedZone checkedZone(Program &program, std::string_view key);
 
 /// What the evidence says of its zone, but for zones that this system doesn't know.
-std::vector<ZoneHint> knownZoneHints(const Program &program, const std::filesystem::path &start,
+std::vector<ZoneHint> knownZoneHints(Program &program, const std::filesystem::path &start,
                                      const HistoryFiles &files);
 
 /// Takes the zone into force, for what is computed next. False when there is none, or when it can't

@@ -3,6 +3,7 @@
 #include "base/ByteView.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 
 #include <algorithm>
 #include <cctype>
@@ -77,10 +78,10 @@ constexpr HintSource kSources[] = {&addOfSystem};
 
 } // namespace
 
-std::vector<ZoneHint> zoneHints(const fs::path &start, const HistoryFiles &files) {
+std::vector<ZoneHint> zoneHints(const fs::path &start, const HistoryFiles &files, FailureLog &log) {
     std::vector<ZoneHint> hints;
     for (const HintSource source : kSources)
-        source(start, files, hints);
+        logFailureOf(log, "ImportForm.NextBtn_Click()", [&] { source(start, files, hints); });
     return hints;
 }
 

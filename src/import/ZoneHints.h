@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/FailureLog.h"
 #include "import/HistoryFiles.h"
 
 #include <filesystem>
@@ -17,7 +18,9 @@ struct ZoneHint {
 
 /// What the evidence below `start`, with the artefacts that were found there, says of its zone. The
 /// surest comes first, a zone once. Files are only looked at, and no link of the evidence is
-/// followed. A further kind of file that knows its zone is a further row of the list in the source.
-std::vector<ZoneHint> zoneHints(const std::filesystem::path &start, const HistoryFiles &files);
+/// followed; one that can't be read is no hint and is logged. A further kind of file that knows its
+/// zone is a further row of the list in the source.
+std::vector<ZoneHint> zoneHints(const std::filesystem::path &start, const HistoryFiles &files,
+                                FailureLog &log);
 
 } // namespace nv

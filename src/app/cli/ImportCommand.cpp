@@ -104,7 +104,7 @@ void checkZone(Session &session, const ImportArguments &arguments) {
 void tellZoneHints(Session &session, const ImportArguments &arguments) {
     if (namesZone(arguments))
         return;
-    const Program &program = session.program;
+    Program &program = session.program;
     for (const std::string &path : arguments.paths)
         for (const ZoneHint &hint :
              knownZoneHints(program, fs::canonical(path), program.import.HistoryFiles))

@@ -1,7 +1,10 @@
 #include "import/ZoneHints.h"
 #include "support/TempFolder.h"
+#include "support/TestDoubles.h"
 
 #include <gtest/gtest.h>
+
+#include <fstream>
 
 namespace nv {
 namespace {
@@ -9,10 +12,11 @@ namespace {
 namespace fs = std::filesystem;
 
 struct ZoneHintsTest : testing::Test {
-    std::vector<ZoneHint> hints(const fs::path &start) { return zoneHints(start, {}); }
+    std::vector<ZoneHint> hints(const fs::path &start) { return zoneHints(start, {}, log); }
     fs::path seized() { return folder.path() / "seized"; }
 
     test::TempFolder folder;
+    test::MemoryLog log;
     fs::path profile = [this] {
         fs::create_directories(seized() / "home" / "bob" / ".config");
         return seized() / "home" / "bob" / ".config";
@@ -55,6 +59,15 @@ TEST_F(ZoneHintsTest, linksOfTheEvidenceLeadNowhere) {
     fs::create_directories(seized() / "etc");
     fs::create_symlink(other / "timezone", seized() / "etc" / "timezone");
     EXPECT_TRUE(hints(profile).empty());
+}
+
+TEST_F(ZoneHintsTest, aFileThatCantBeReadCostsNothing) {
+    const fs::path file = folder.write("seized/etc/timezone", "Europe/Berlin");
+    fs::permissions(file, fs::perms::none);
+    if (std::ifstream(file))
+        GTEST_SKIP() << "as root everything can be read";
+    EXPECT_TRUE(hints(profile).empty());
+    EXPECT_EQ(log.entries.size(), 1U);
 }
 
 TEST_F(ZoneHintsTest, whatIsNoNameIsNoHint) {
