@@ -296,7 +296,7 @@ TEST_F(GraphicalReportTest, anExactZoneIsNamedWithItsVersion) {
                             HasSubstr("Time Zone Setting: Europe/Berlin (the law of each date, by "
                                       "the time zone database of version " +
                                       zones.version() + ")"),
-                            HasSubstr("2011-05-03 14:00:00"), HasSubstr("+0200</font> CEST]")));
+                            HasSubstr("2011-05-03 14:00:00</font> [+0200 CEST]")));
 }
 
 TEST_F(GraphicalReportTest, picturesThatAreMissingAreToldOf) {
