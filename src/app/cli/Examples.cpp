@@ -16,10 +16,8 @@ constexpr Example kExamples[] = {
     {"", "report case.nvp --type graphical --tagged --out report", "to be handed over"},
 
     {"import", "import case.nvp /mnt/seized", "all that is found below a folder"},
-    {"import", "import case.nvp /mnt/seized/History --zone 15",
-     "one file, dates shown in the zone 15"},
-    {"import", "import case.nvp /mnt/seized --zone Europe/Berlin",
-     "dates shown by the law of that zone at each date"},
+    {"import", "import case.nvp /mnt/seized/History --zone Europe/Berlin",
+     "one file, dates by the law of that zone"},
     {"import", "import case.nvp /mnt/seized --thumbnails",
      "pictures and pages drawn small as well"},
     {"list", "list case.nvp --host example.com", "the rows of a host as a table"},
