@@ -1,9 +1,9 @@
 #include "app/options/SettingsTable.h"
 
+#include "app/Zones.h"
 #include "app/messages/Messages.h"
 #include "base/Files.h"
 #include "base/Text.h"
-#include "time/ZoneDatabase.h"
 
 #include <fmt/format.h>
 
@@ -43,13 +43,9 @@ CheckedValue checkNumber(const SettingFacts &facts, std::string_view value) {
 }
 
 CheckedValue checkZone(Program &program, std::string_view value) {
-    const auto zones = ZoneDatabase(program.paths.zones(), program.log).listZones();
-    const bool known = std::any_of(zones.begin(), zones.end(), [value](const ZoneRow &zone) {
-        return fmt::format("{}", zone.timeZoneID) == value;
-    });
-    if (known)
-        return {std::string(value), {}};
-    return refused("no zone has this id; the command zones lists them");
+    CheckedZone zone = checkedZone(program, value);
+    return zone.refusal.empty() ? CheckedValue{std::move(zone.key), {}}
+                                : refused(std::move(zone.refusal));
 }
 
 CheckedValue checkChoice(const SettingFacts &facts, std::string_view value) {

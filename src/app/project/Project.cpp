@@ -1,5 +1,6 @@
 #include "app/project/Project.h"
 
+#include "app/Zones.h"
 #include "app/messages/Messages.h"
 #include "app/project/ProjectAside.h"
 #include "base/Files.h"
@@ -37,19 +38,20 @@ void becomeOpen(Program &program, LogOf log) {
     state.currentSQLDef = state.defaultSQLDef;
 }
 
+} // namespace
+
 /// A zone that isn't in the table is told of: local dates would be those of another zone in
 /// silence.
-void takeZoneOfProject(Program &program) {
-    const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
-    bool &isUnread = program.thisClass.zoneIsUnread;
-    isUnread = zone && *zone > 0;
-    if (!isUnread || setZone(program, *zone) || !fs::exists(program.paths.zones()))
-        return;
-    if (!ZoneDatabase(program.paths.zones(), program.log).listZones().empty())
-        program.around.examiner.tell(messages::zoneNotThere(*zone));
+bool takeStoredZone(Program &program, const ProjectFields &fields) {
+    const std::string key = fields.getDefault(kZoneSetting);
+    const auto id = fields.defaultNumber(kZoneSetting);
+    if (key.empty() || (id && *id <= 0) || setZone(program, key))
+        return true;
+    if (id && fs::exists(program.paths.zones()) &&
+        !ZoneDatabase(program.paths.zones(), program.log).listZones().empty())
+        program.around.examiner.tell(messages::zoneNotThere(*id));
+    return false;
 }
-
-} // namespace
 
 bool isProjectName(const fs::path &path) {
     return equalsNoCase(textOf(path.extension()), ".nvp");
@@ -81,7 +83,8 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
-    setZone(program, program.thisClass.gmtZone.tzTimeZoneID);
+    if (const TimeZone &zone = program.thisClass.gmtZone; !zone.exact)
+        setZone(program, zone.tzTimeZoneID);
     return true;
 }
 
@@ -96,7 +99,8 @@ void openProject(Program &program, const fs::path &path, Access access, Holding 
     project.open(access);
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
-    takeZoneOfProject(program);
+    program.thisClass.zoneIsUnread = false;
+    program.thisClass.zoneIsUnread = !takeStoredZone(program, fieldsOf(program));
 }
 
 void requireZones(Program &program) {
@@ -110,7 +114,9 @@ void requireZones(Program &program) {
     if (ZoneDatabase(file, program.log).listZones().empty())
         refuse("the table of time zones is damaged", "can't be read");
     if (program.thisClass.zoneIsUnread)
-        refuse("the project's time zone is not known", "doesn't hold it");
+        throw StorageFailure(
+            fmt::format("the project's time zone is not known: \"{}\". Nothing was imported",
+                        fieldsOf(program).getDefault(kZoneSetting)));
 }
 
 bool setZone(Program &program, std::int64_t id) {
@@ -137,8 +143,7 @@ void closeProject(Program &program) {
     ProgramState &state = program.thisClass;
     if (!state.projectDB.isReadOnly()) {
         if (!state.zoneIsUnread)
-            fieldsOf(program).saveDefaultSetting(kZoneSetting,
-                                                 fmt::format("{}", state.gmtZone.tzTimeZoneID));
+            fieldsOf(program).saveDefaultSetting(kZoneSetting, zoneKey(state.gmtZone));
         StoredQueries(state.projectDB.connection()).resetDEFAULTQuery();
     }
     state.zoneIsUnread = false;

@@ -53,6 +53,8 @@ TEST_F(SettingsTableTest, valuesAreChecked) {
     EXPECT_NE(check("GalleryRecordsPerPage", "99999999999999999999").refusal, "");
     EXPECT_EQ(check("TimeZoneID", "15").refusal, "");
     EXPECT_THAT(check("TimeZoneID", "9999").refusal, HasSubstr("no zone"));
+    EXPECT_EQ(check("TimeZoneID", "europe/berlin").value, "Europe/Berlin");
+    EXPECT_THAT(check("TimeZoneID", "Europe/Berln").refusal, HasSubstr("Europe/Berlin"));
     EXPECT_EQ(check("Theme", "dark").value, "Dark");
     EXPECT_NE(check("Theme", "Pink").refusal, "");
     EXPECT_NE(check("DateFormat", "yyyy\nmm").refusal, "");
