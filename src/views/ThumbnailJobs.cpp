@@ -182,6 +182,11 @@ void settleThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailConte
     const bool kept =
         drawn.done && succeeds(ctx.log, Severity::Warning, kProcedure, kContactSupport,
                                [&] { keepThumbnail(job, drawn, ctx); });
+    countDrawn(job, drawn, kept, ctx, totals);
+}
+
+void countDrawn(const ThumbnailJob &job, const Drawn &drawn, bool kept, const ThumbnailContext &ctx,
+                ThumbnailTotals &totals) {
     if (!drawn.done)
         logUndrawn(job.record.URLID, drawn.failure, ctx.log);
     ++(kept ? totals.made : totals.failed);

@@ -40,6 +40,9 @@ void keepThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext
 void settleThumbnail(ThumbnailJob &job, const Drawn &drawn, const ThumbnailContext &ctx,
                      ThumbnailTotals &totals);
 
+/// Counts a drawing, and logs one that failed.
+void countDrawn(const ThumbnailJob &job, const Drawn &drawn, bool kept, const ThumbnailContext &ctx,
+                ThumbnailTotals &totals);
 void logUndrawn(UrlId urlID, std::string_view failure, FailureLog &log);
 
 } // namespace nv

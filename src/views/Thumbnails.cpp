@@ -108,9 +108,7 @@ class ThumbnailRun {
         if (m_isDamaged)
             m_rows.commit(); // so that a row that can't be written costs itself alone
         const bool kept = drawn.done && keep(job, drawn);
-        if (!drawn.done)
-            logUndrawn(job.record.URLID, drawn.failure, m_ctx.log);
-        ++(kept ? m_totals.made : m_totals.failed);
+        countDrawn(job, drawn, kept, m_ctx, m_totals);
         m_rows.written();
         return goOn();
     }

@@ -1,4 +1,4 @@
-#include "import/FolderHash.h"
+#include "import/ArtefactHash.h"
 
 #include <fmt/format.h>
 
@@ -24,8 +24,8 @@ void addFiles(const Evidence &evidence, const fs::path &folder, std::vector<fs::
         addFiles(evidence, below, files);
 }
 
-std::optional<FileHashes> hashesOfOne(const Evidence &evidence, const fs::path &file,
-                                      const GoOn &goOn) {
+std::optional<FileHashes> hashesOfPlain(const Evidence &evidence, const fs::path &file,
+                                        const GoOn &goOn) {
     FileHashing hashing;
     const bool isWhole = inBlocks(evidence.open(file), [&](std::string_view block) {
         hashing.add(block);
@@ -43,7 +43,7 @@ std::optional<FileHashes> hashesOfFolder(const Evidence &evidence, const fs::pat
     Digest sha256(DigestAlgorithm::sha256);
     std::uint64_t size = 0;
     for (const fs::path &file : files) {
-        const auto hashes = hashesOfOne(
+        const auto hashes = hashesOfPlain(
             evidence, file, [&](std::uint64_t readSoFar) { return goOn(size + readSoFar); });
         if (!hashes)
             return std::nullopt;
@@ -64,7 +64,7 @@ std::optional<FileHashes> hashesOfArtefact(const Evidence &evidence, const fs::p
     const GoOn always = [](std::uint64_t) { return true; };
     return evidence.kindOf(artefact) == PlaceKind::folder
                ? hashesOfFolder(evidence, artefact, goOn ? goOn : always)
-               : hashesOfOne(evidence, artefact, goOn ? goOn : always);
+               : hashesOfPlain(evidence, artefact, goOn ? goOn : always);
 }
 
 } // namespace nv
