@@ -1,4 +1,4 @@
-#include "app/Zones.h"
+#include "app/program/Zones.h"
 #include "cli/Commands.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"

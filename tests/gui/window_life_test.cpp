@@ -2,7 +2,7 @@
 #include "platform/qt/QtText.h"
 #include "ui/import/ImportForm.h"
 #include "ui/views/TableTab.h"
-#include "ui/window/ZoneForm.h"
+#include "ui/views/ZoneForm.h"
 
 #include <QFileDialog>
 #include <QLabel>

@@ -1,11 +1,11 @@
 // Exact and classic zones in the windows that ask for one.
-#include "app/Zones.h"
+#include "app/program/Zones.h"
 #include "gui/Desk.h"
 #include "ui/import/ImportForm.h"
 #include "ui/views/TableTab.h"
 #include "ui/views/UrlGrid.h"
 #include "ui/views/UrlModel.h"
-#include "ui/window/ZoneForm.h"
+#include "ui/views/ZoneForm.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,6 +1,6 @@
 #include "app/options/Options.h"
 
-#include "app/Zones.h"
+#include "app/jobs/ZoneJob.h"
 #include "app/messages/Messages.h"
 #include "app/messages/NetworkMessages.h"
 #include "app/options/ProjectOptions.h"
@@ -14,6 +14,7 @@
 #include "base/Trap.h"
 #include "readers/Evidence.h"
 #include "time/DateFormat.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "app/project/Project.h"
 
-#include "app/Zones.h"
 #include "app/messages/Messages.h"
+#include "app/program/Zones.h"
 #include "app/project/ProjectAside.h"
 #include "base/Files.h"
 #include "base/Paths.h"
@@ -11,6 +11,7 @@
 #include "db/ProjectFields.h"
 #include "db/SideFiles.h"
 #include "db/StoredQueries.h"
+#include "time/ExactZone.h"
 #include "time/ZoneDatabase.h"
 
 #include <fmt/format.h>
@@ -117,20 +118,6 @@ void requireZones(Program &program) {
         throw StorageFailure(
             fmt::format("the project's time zone is not known: \"{}\". Nothing was imported",
                         fieldsOf(program).getDefault(kZoneSetting)));
-}
-
-bool setZone(Program &program, std::int64_t id) {
-    ProgramState &state = program.thisClass;
-    const Clock &clock = program.around.clock;
-    const ZoneChange change =
-        ZoneDatabase(program.paths.zones(), program.log)
-            .setNewTimeZone(state.gmtZone, static_cast<std::int32_t>(id),
-                            Date::fromTimePoint(clock.now() + clock.localOffset()),
-                            state.enableDSTChanges);
-    if (change.errorNumber != 0)
-        program.around.examiner.tell(messages::zoneNotSet(change.errorNumber));
-    state.zoneIsUnread = state.zoneIsUnread && !change.found;
-    return change.found;
 }
 
 DateSettings dateSettings(const Program &program) {

@@ -45,10 +45,6 @@ void setRootPath(Program &program, const std::filesystem::path &root);
 /// names one that can't be had, which the examiner was told.
 bool takeStoredZone(Program &program, const ProjectFields &fields);
 
-/// Takes the classic zone with this `timeZoneID` into force. False when there is none. The
-/// examiner is told when the zone database can't be read.
-bool setZone(Program &program, std::int64_t id);
-
 /// Throws StorageFailure when local dates would be stored by a guess: without a table of zones that
 /// can be read, or with an open project whose zone can't be had.
 void requireZones(Program &program);

@@ -1,14 +1,15 @@
 #include "ui/import/ImportForm.h"
 
-#include "app/Zones.h"
 #include "app/jobs/ImportClaim.h"
 #include "app/jobs/ImportJob.h"
 #include "app/jobs/ImportText.h"
 #include "app/jobs/ThumbnailJob.h"
+#include "app/jobs/ZoneJob.h"
 #include "app/messages/Messages.h"
 #include "app/messages/NetworkMessages.h"
 #include "app/options/SettingsInForce.h"
 #include "app/program/NetworkSwitch.h"
+#include "app/program/Zones.h"
 #include "app/project/EvidenceFolders.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
@@ -16,7 +17,7 @@
 #include "platform/qt/QtText.h"
 #include "readers/Evidence.h"
 #include "ui/import/FoundFilesModel.h"
-#include "ui/window/ZoneForm.h"
+#include "ui/views/ZoneForm.h"
 #include "views/CellText.h"
 
 #include <QLabel>

@@ -1,5 +1,5 @@
 // The tabs of the Options dialog.
-#include "app/Zones.h"
+#include "app/program/Zones.h"
 #include "platform/qt/QtText.h"
 #include "ui/options/OptionsForm.h"
 #include "ui/options/OptionsWidgets.h"

@@ -1,14 +1,15 @@
 #include "ui/window/FilesPart.h"
 
-#include "app/Zones.h"
+#include "app/jobs/ZoneJob.h"
 #include "app/messages/Messages.h"
+#include "app/program/Zones.h"
 #include "app/project/Project.h"
 #include "platform/qt/QtText.h"
 #include "ui/import/ImportForm.h"
+#include "ui/views/ZoneForm.h"
 #include "ui/window/OptionsPart.h"
 #include "ui/window/RebuildPart.h"
 #include "ui/window/Workbench.h"
-#include "ui/window/ZoneForm.h"
 
 #include <QAction>
 

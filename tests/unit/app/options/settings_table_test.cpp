@@ -72,14 +72,6 @@ TEST_F(SettingsTableTest, valuesAndDefaultsAreThoseInForce) {
     EXPECT_EQ(value("VerifyFileSignatures"), "False") << "only True reads as true";
 }
 
-TEST_F(SettingsTableTest, theNearestNamesAreOffered) {
-    const std::vector<std::string> names = {"DateFormat", "TimeFormat", "Theme", "DateFormat"};
-    EXPECT_EQ(nearestNames("DateFromat", names).front(), "DateFormat");
-    EXPECT_EQ(nearestNames("theem", names).front(), "Theme");
-    EXPECT_EQ(nearestNames("format", names),
-              (std::vector<std::string>{"DateFormat", "TimeFormat", "Theme"}));
-}
-
 TEST_F(SettingsTableTest, hostileValuesAreRefusedWithTheWordsOfOptions) {
     EXPECT_THAT(check("DateFormat", std::string(4001, 'y')).refusal, HasSubstr("4000 bytes"));
     EXPECT_EQ(check("DateFormat", std::string(4000, 'y')).refusal, "");

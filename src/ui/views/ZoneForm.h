@@ -19,7 +19,7 @@ class ZoneForm final : public QDialog {
     Q_OBJECT
 
   public:
-    /// `key` is the one that is selected first: see app/Zones.h.
+    /// `key` is the one that is selected first: see app/program/Zones.h.
     ZoneForm(Program &program, const std::string &key, QWidget *parent = nullptr);
 
     /// Of the zone that is selected; empty when none is.

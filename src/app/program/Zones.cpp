@@ -1,14 +1,12 @@
-#include "app/Zones.h"
+#include "app/program/Zones.h"
 
-#include "app/jobs/Trail.h"
+#include "app/messages/Messages.h"
 #include "app/messages/ZoneMessages.h"
-#include "app/options/SettingsTable.h"
-#include "app/project/Project.h"
 #include "base/DisplayText.h"
+#include "base/NearestNames.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "time/ZoneDatabase.h"
-#include "views/LocalDates.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -33,22 +31,6 @@ std::optional<std::int64_t> numberIn(std::string_view key) {
 bool isClassic(Program &program, std::int64_t id) {
     const auto zones = ZoneDatabase(program.paths.zones(), program.log).listZones();
     return std::ranges::any_of(zones, [id](const ZoneRow &zone) { return zone.timeZoneID == id; });
-}
-
-/// What the examiner reads of the zone in force.
-std::string textOfZone(const TimeZone &zone) {
-    return zone.exact ? exactZoneText(zone) : fmt::format("{} ({})", zoneKey(zone), zone.tzName);
-}
-
-/// `rows` got their local dates anew; none when the project couldn't be written.
-void noteChange(Program &program, const std::string &before, std::optional<std::int64_t> rows) {
-    TrailEntry entry;
-    entry.action = "Time Zone";
-    entry.detail =
-        fmt::format("{} -> {}; local dates {}", before, textOfZone(program.thisClass.gmtZone),
-                    rows ? "stored anew" : "stay as they were stored");
-    entry.rowCount = rows.value_or(0);
-    noteInTrail(program, std::move(entry));
 }
 
 } // namespace
@@ -99,6 +81,20 @@ std::vector<ZoneHint> knownZoneHints(Program &program, const std::filesystem::pa
     return hints;
 }
 
+bool setZone(Program &program, std::int64_t id) {
+    ProgramState &state = program.thisClass;
+    const Clock &clock = program.around.clock;
+    const ZoneChange change =
+        ZoneDatabase(program.paths.zones(), program.log)
+            .setNewTimeZone(state.gmtZone, static_cast<std::int32_t>(id),
+                            Date::fromTimePoint(clock.now() + clock.localOffset()),
+                            state.enableDSTChanges);
+    if (change.errorNumber != 0)
+        program.around.examiner.tell(messages::zoneNotSet(change.errorNumber));
+    state.zoneIsUnread = state.zoneIsUnread && !change.found;
+    return change.found;
+}
+
 bool setZone(Program &program, std::string_view key) {
     if (const auto id = numberIn(key))
         return setZone(program, *id);
@@ -111,35 +107,6 @@ bool setZone(Program &program, std::string_view key) {
         program.around.examiner.tell(messages::exactZoneNotSet(*failure));
     state.zoneIsUnread = state.zoneIsUnread && failure;
     return !failure;
-}
-
-bool changeZone(Program &program, std::string_view key, TaskMonitor &task) {
-    ProgramState &state = program.thisClass;
-    const TimeZone before = state.gmtZone;
-    const bool wasUnread = state.zoneIsUnread;
-    if (!setZone(program, key))
-        return false;
-    const bool follows = before.exact || state.gmtZone.exact || wasUnread;
-    if (!follows || zoneKey(before) == zoneKey(state.gmtZone) || !state.projectDB.isOpen() ||
-        state.projectDB.isReadOnly())
-        return true;
-    std::optional<OpenTask> window;
-    if (&task == &program.thread)
-        window.emplace(program.thread, TaskHeading{"STORING LOCAL DATES", "Norvelane", {}, {}});
-    std::optional<std::int64_t> rows;
-    const auto failure = failureOf(program.log, kProcedure, [&] {
-        rows = storeLocalDates(state.projectDB.connection(),
-                               {state.gmtZone, state.enableDSTChanges}, task);
-    });
-    if (failure) {
-        program.around.examiner.tell(messages::localDatesNotStored(*failure));
-    } else if (!rows) {
-        state.gmtZone = before;
-        state.zoneIsUnread = wasUnread;
-        return false;
-    }
-    noteChange(program, textOfZone(before), rows);
-    return true;
 }
 
 } // namespace nv

@@ -1,6 +1,6 @@
-#include "ui/window/ZoneForm.h"
+#include "ui/views/ZoneForm.h"
 
-#include "app/Zones.h"
+#include "app/program/Zones.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"

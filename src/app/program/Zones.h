@@ -4,6 +4,7 @@
 #include "import/ZoneHints.h"
 #include "time/ExactZone.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -13,7 +14,8 @@
 namespace nv {
 
 // A zone's key is what projects, settings and the command line name it by: the number of a classic
-// zone, which is a row of nvTZ.dat, or the name of an exact one, "Europe/Berlin".
+// zone, which is a row of nvTZ.dat, or the name of an exact one, "Europe/Berlin". An examiner's
+// choice of another goes through app/jobs/ZoneJob.
 
 /// The zones of this system.
 ExactZones exactZones(const Program &program);
@@ -36,13 +38,12 @@ CheckedZone checkedZone(Program &program, std::string_view key);
 std::vector<ZoneHint> knownZoneHints(Program &program, const std::filesystem::path &start,
                                      const HistoryFiles &files);
 
+/// Takes the classic zone with this `timeZoneID` into force. False when there is none. The
+/// examiner is told when the zone database can't be read.
+bool setZone(Program &program, std::int64_t id);
+
 /// Takes the zone into force, for what is computed next. False when there is none, or when it can't
 /// be read: then the examiner was told, but for the number of no zone.
 bool setZone(Program &program, std::string_view key);
-
-/// The same by an examiner's choice: where an exact zone comes or goes, the local dates that an
-/// open project stores follow, and its trail has a note. The status window is opened for that where
-/// the task is the program's own. False also when the task was cancelled: all is as it was then.
-bool changeZone(Program &program, std::string_view key, TaskMonitor &task);
 
 } // namespace nv
