@@ -36,7 +36,7 @@ struct Arguments {
     std::string project;
     std::vector<std::string> paths;
     std::string base;
-    std::string zone; ///< its key: see app/Zones.h; empty or "0" keeps the project's
+    std::string zone; ///< its key: see app/program/Zones.h; empty or "0" keeps the project's
     std::vector<std::string> kinds;
     std::string as; ///< key of the reader that takes every PATH; empty to find artefacts
     bool noMetadata = false;
