@@ -100,8 +100,13 @@ void ZonesTest::nothingFoundCantBeChosen() {
     QCOMPARE(dialog.key(), std::string());
     QTest::keyClick(&dialog, Qt::Key_Return);
     QCOMPARE(dialog.result(), int(QDialog::Rejected));
+    auto &list = child<QListWidget>(dialog, "lstZones");
+    const QListWidgetItem &last = *list.item(list.count() - 1);
+    QCOMPARE(last.text(), QStringLiteral("No zone has all these words"));
+    QVERIFY(!last.isHidden());
     search.clear();
     QVERIFY(!dialog.key().empty());
+    QVERIFY(last.isHidden());
 }
 
 void ZonesTest::anExactZoneNamesTheHeading() {

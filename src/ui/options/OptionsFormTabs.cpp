@@ -21,6 +21,7 @@ namespace nv {
 namespace {
 
 constexpr int kLongestFormat = 200; // letters
+constexpr int kBetweenZones = 8;    // pixels
 
 struct Size {
     int width;
@@ -182,6 +183,7 @@ QWidget *OptionsForm::newZone() {
     m_zone->setToolTip(tr("All dates of the window, of reports and of exports"));
     auto *caption = new QLabel(tr("Class&ic zone:"));
     caption->setBuddy(m_zone);
+    column->addSpacing(kBetweenZones);
     column->addWidget(caption);
     column->addWidget(m_zone);
     column->addWidget(newHint(

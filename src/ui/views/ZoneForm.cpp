@@ -68,6 +68,8 @@ ZoneForm::ZoneForm(Program &program, const std::string &key, QWidget *parent) : 
     column->addWidget(buttons);
     addExact(program);
     addClassic(program);
+    m_nothing = addHeading(tr("No zone has all these words"));
+    m_nothing->setHidden(true);
     connect(m_search, &QLineEdit::textChanged, this, &ZoneForm::search);
     connect(m_list, &QListWidget::currentItemChanged, this, &ZoneForm::showChoice);
     connect(m_list, &QListWidget::itemDoubleClicked, this, [this] {
@@ -111,12 +113,13 @@ void ZoneForm::addClassic(Program &program) {
         addZone(toQt(zone.listText()), fmt::format("{}", zone.timeZoneID));
 }
 
-void ZoneForm::addHeading(const QString &text) {
+QListWidgetItem *ZoneForm::addHeading(const QString &text) {
     auto *item = new QListWidgetItem(text, m_list);
     QFont bold = m_list->font();
     bold.setBold(true);
     item->setFont(bold);
     item->setFlags(Qt::ItemIsEnabled);
+    return item;
 }
 
 void ZoneForm::addZone(const QString &text, const std::string &key) {
@@ -152,6 +155,7 @@ void ZoneForm::search(const QString &text) {
         if (hit && !first && !isHeading(*item))
             first = item;
     }
+    m_nothing->setHidden(first != nullptr);
     QListWidgetItem *current = m_list->currentItem();
     if (!current || current->isHidden() || isHeading(*current))
         m_list->setCurrentItem(first);

@@ -28,7 +28,7 @@ class ZoneForm final : public QDialog {
   private:
     void addExact(Program &program);
     void addClassic(Program &program);
-    void addHeading(const QString &text);
+    QListWidgetItem *addHeading(const QString &text);
     void addZone(const QString &text, const std::string &key);
     void select(const std::string &key);
     void search(const QString &text);
@@ -36,6 +36,7 @@ class ZoneForm final : public QDialog {
 
     QLineEdit *m_search = nullptr;
     QListWidget *m_list = nullptr;
+    QListWidgetItem *m_nothing = nullptr; ///< says that nothing was found
     QPushButton *m_okay = nullptr;
 };
 
