@@ -18,7 +18,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kLongestFile = 1024 * 1024; // bytes; the largest of them have 4 KB
+constexpr std::size_t kLongestFile =
+    std::size_t{1024} * 1024; // bytes; the largest of them have 4 KB
 
 // No zone of the world: "no zone was chosen", and the machine's own.
 constexpr std::string_view kNoZones[] = {"Factory", "localtime", "posixrules"};
