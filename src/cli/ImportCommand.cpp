@@ -1,8 +1,10 @@
 #include "app/jobs/ImportClaim.h"
 #include "app/jobs/ImportJob.h"
 #include "app/jobs/ImportText.h"
+#include "app/jobs/ZoneJob.h"
 #include "app/messages/Messages.h"
 #include "app/program/DrawingTools.h"
+#include "app/program/Zones.h"
 #include "app/project/EvidenceFolders.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
@@ -17,7 +19,6 @@
 #include "db/StoredQueries.h"
 #include "import/Scan.h"
 #include "readers/Registry.h"
-#include "time/ZoneDatabase.h"
 
 #include <fmt/format.h>
 
@@ -35,7 +36,7 @@ struct Arguments {
     std::string project;
     std::vector<std::string> paths;
     std::string base;
-    std::int64_t zone = 0; ///< `timeZoneID`; 0 keeps the project's
+    std::string zone; ///< its key: see app/program/Zones.h; empty or "0" keeps the project's
     std::vector<std::string> kinds;
     std::string as; ///< key of the reader that takes every PATH; empty to find artefacts
     bool noMetadata = false;
@@ -104,13 +105,30 @@ void checkProjectPlace(const Arguments &arguments) {
         refuseEvidence(arguments.project, baseOf(arguments));
 }
 
-void checkZone(Session &session, std::int64_t id) {
-    const auto zones = ZoneDatabase(session.program.paths.zones(), session.program.log).listZones();
-    const bool known =
-        id == 0 || std::any_of(zones.begin(), zones.end(),
-                               [id](const ZoneRow &zone) { return zone.timeZoneID == id; });
-    if (!known)
-        throw UsageError(fmt::format("there is no time zone {}: see the command zones", id));
+bool namesZone(const Arguments &arguments) {
+    return !arguments.zone.empty() && arguments.zone != "0";
+}
+
+void checkZone(Session &session, const Arguments &arguments) {
+    if (!namesZone(arguments))
+        return;
+    const CheckedZone zone = checkedZone(session.program, arguments.zone);
+    if (!zone.refusal.empty())
+        throw UsageError(fmt::format("--zone: {}", printable(zone.refusal)));
+}
+
+/// Nobody is there to choose: what the evidence names is told, and --zone takes it.
+void tellZoneHints(Session &session, const Arguments &arguments) {
+    if (namesZone(arguments))
+        return;
+    Program &program = session.program;
+    for (const std::string &path : arguments.paths)
+        for (const ZoneHint &hint :
+             knownZoneHints(program, fs::canonical(path), program.import.historyFiles))
+            if (hint.zone != program.thisClass.gmtZone.tzName)
+                session.err << fmt::format("the evidence names the zone {} ({}): --zone {} shows "
+                                           "dates in it\n",
+                                           hint.zone, printable(textOf(hint.file)), hint.zone);
 }
 
 void checkKinds(const std::vector<std::string> &kinds) {
@@ -251,14 +269,14 @@ Exit run(Session &session, const Arguments &given) {
     checkPaths(arguments);
     checkProjectPlace(arguments);
     requireZones(session.program);
-    checkZone(session, arguments.zone);
+    checkZone(session, arguments);
     checkKinds(arguments.kinds);
     checkAs(arguments);
     const ImportClaim claim(arguments.project);
     openOrCreate(session, arguments.project);
     Program &program = session.program;
-    if (arguments.zone > 0)
-        setZone(program, arguments.zone);
+    if (namesZone(arguments))
+        changeZone(program, arguments.zone, session.task);
     requireZones(program); // now that of the project
     requireSchema(program);
     chooseBase(session, arguments);
@@ -268,6 +286,7 @@ Exit run(Session &session, const Arguments &given) {
 
     ImportSummary summary;
     summary.cancelled = !findArtefacts(session, arguments, unreachable);
+    tellZoneHints(session, arguments);
     if (!summary.cancelled)
         summary = runImportJob(program, session.task, session.scratch());
     session.task.clear();
@@ -295,15 +314,17 @@ Command importCommand() {
                    "finds and reads artefacts into a project, which is made when needed; "
                    "`--kinds`, `--as`, `--zone`, `--thumbnails`"},
         .examples = {{"import case.nvp /mnt/seized", "all that is found below a folder"},
-                     {"import case.nvp /mnt/seized/History --zone 15",
-                      "one file, dates shown in the zone 15"},
+                     {"import case.nvp /mnt/seized/History --zone Europe/Berlin",
+                      "one file, dates by the law of that zone"},
                      {"import case.nvp /mnt/seized --thumbnails",
                       "pictures and pages drawn small as well"}},
         .arguments =
             {projectWord(given->project),
              value("PATH", given->paths, "Folders or files of evidence").required(),
              value("--base", given->base, "Base folder of the evidence (default: the PATH)"),
-             value("--zone", given->zone, "Time zone of the project, see the command zones"),
+             value("--zone", given->zone,
+                   "Time zone of the project: a name such as Europe/Berlin, or a number; the "
+                   "command zones lists them"),
              value("--kinds", given->kinds, "Only these readers, by key, separated by commas")
                  .separatedByCommas(),
              value("--as", given->as,

@@ -61,8 +61,7 @@ void showForPeople(Session &session, SQLite::Database &database, const std::stri
                    std::int64_t urlId) {
     Program &program = session.program;
     const ProjectFields fields(database, program.log);
-    if (const auto zone = fields.defaultNumber("LastTimeZoneID"); zone && *zone > 0)
-        setZone(program, *zone);
+    takeStoredZone(program, fields);
     DateSettings dates = dateSettings(program);
     dates.currentYear = 0; // no date is too old to be printed
     const std::string root = fields.getDefault("RootPath");

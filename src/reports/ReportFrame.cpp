@@ -2,6 +2,7 @@
 #include "base/Succeeds.h"
 #include "reports/Html.h"
 #include "reports/ReportWriter.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -88,6 +89,9 @@ std::string ReportWriter::zoneNote() const {
         htmlText(zone.tzBiasAsText), htmlText(zone.daylightCode));
     if (zone.tzName != "DEFAULT")
         note += fmt::format("<br>\r\nTime Zone Setting: {}", htmlText(zone.tzName));
+    if (zone.exact)
+        note += fmt::format(" (the law of each date, by the time zone database of version {})",
+                            htmlText(zone.exact->version()));
     return note + "</div>";
 }
 

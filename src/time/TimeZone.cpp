@@ -1,6 +1,7 @@
 #include "time/TimeZone.h"
 
 #include "time/Daylight.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -33,6 +34,7 @@ int daylightBias(const TimeZone &zone) {
 } // namespace
 
 void TimeZone::setToDefault(Date now) {
+    exact.reset();
     daylightCode = tzDaylightCode = "EDT";
     dstAdjustment = true;
     tzBias = -300;
@@ -49,6 +51,7 @@ void TimeZone::setToDefault(Date now) {
 }
 
 void TimeZone::reset() {
+    exact.reset();
     tzName.clear();
     tzBiasAsText.clear();
     tzBias = 0;
@@ -79,6 +82,8 @@ std::string formatBiasText(std::int16_t minutes) {
 }
 
 Date convertDateToZone(Date utc, const TimeZone &zone, bool enableDSTChanges) {
+    if (zone.exact)
+        return utc.has() ? utc.plusSeconds(zone.exact->at(utc).offset.count()) : Date();
     const bool daylight = isDSTInEffect(utc, zone.tzLatitudeBias) && enableDSTChanges;
     return utc.plusMinutes(daylight ? -daylightBias(zone) : -zone.tzBias);
 }

@@ -3,13 +3,16 @@
 #include "base/Text.h"
 #include "db/UrlRecord.h"
 #include "rebuild/RebuiltRow.h"
+#include "time/ExactZone.h"
 #include "views/CellText.h"
 #include "views/IconKey.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <cstdlib>
 #include <type_traits>
 #include <variant>
@@ -153,19 +156,28 @@ std::string RowCells::dateText(const UrlRow &row, UrlColumn column) {
     return text;
 }
 
+std::string RowCells::zoneCodes() const {
+    if (!m_zone.exact)
+        return " DST STD";
+    return " " + fmt::format("{}", fmt::join(m_zone.exact->abbreviations(), " "));
+}
+
 std::string RowCells::zoneIso(const UrlRow &row) {
     std::string text;
     m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)), [&] {
         const Date local = convertDateToZone(row.actionDateUtc, m_zone, dates.enableDSTChanges);
         if (!local.has())
             return;
-        const auto ahead =
-            static_cast<int>(std::lround((local.days() - row.actionDateUtc.days()) * 24 * 60));
+        const std::int64_t ahead = local.unixSeconds() - row.actionDateUtc.unixSeconds();
+        const std::chrono::hh_mm_ss offset(std::chrono::abs(std::chrono::seconds(ahead)));
         text = isoUtc(local);
         if (text.ends_with('Z'))
             text.pop_back();
-        text += fmt::format("{}{:02}:{:02}", ahead < 0 ? '-' : '+', std::abs(ahead) / 60,
-                            std::abs(ahead) % 60);
+        text += fmt::format("{}{:02}:{:02}", ahead < 0 ? '-' : '+', offset.hours().count(),
+                            offset.minutes().count());
+        // Local mean time: left out, the UTC of the text would be another one.
+        if (offset.seconds().count() != 0)
+            text += fmt::format(":{:02}", offset.seconds().count());
     });
     return text;
 }

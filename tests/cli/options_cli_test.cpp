@@ -47,6 +47,12 @@ TEST_F(OptionsCliTest, aProjectsOwnValuesAreChangedAndNoted) {
     EXPECT_THAT(cli({"options", "get", "--project", project, "--format", "tsv"}).out,
                 HasSubstr("PROJECT\tLastTimeZoneID\t20\t"));
     EXPECT_THAT(cli({"trail", project, "--format", "tsv"}).out, HasSubstr("\tOptions\t"));
+    EXPECT_EQ(cli({"options", "set", "LastTimeZoneID", "asia/kolkata", "--project", project}).exit,
+              0);
+    EXPECT_THAT(cli({"options", "get", "--project", project, "--format", "tsv"}).out,
+                HasSubstr("PROJECT\tLastTimeZoneID\tAsia/Kolkata\t"));
+    EXPECT_THAT(cli({"trail", project, "--format", "tsv"}).out,
+                HasSubstr("-> Asia/Kolkata, zoneinfo 20"));
     EXPECT_EQ(cli({"options", "set", "LastTimeZoneID", "9999", "--project", project}).exit, 1);
     EXPECT_EQ(cli({"options", "set", "AppMajor", "9", "--project", project}).exit, 1);
     EXPECT_EQ(cli({"options", "set", "Nothing", "9", "--project", project}).exit, 1);

@@ -2,9 +2,9 @@
 #include "platform/qt/QtText.h"
 #include "ui/import/ImportForm.h"
 #include "ui/views/TableTab.h"
+#include "ui/views/ZoneForm.h"
 
 #include <QFileDialog>
-#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -214,11 +214,9 @@ void WindowLifeTest::aWrongCommandLineIsToldAndLeavesNoProject() {
 
 void WindowLifeTest::anotherZoneChangesTheHeading() {
     openExample(*m_desk, *m_form);
-    whenShown<QInputDialog>([](QInputDialog &dialog) {
-        const QStringList zones = dialog.comboBoxItems().filter(QStringLiteral("(UTC+09:00)"));
-        QVERIFY(!zones.isEmpty());
-        dialog.setTextValue(zones.constFirst());
-        dialog.accept();
+    whenShown<ZoneForm>([](ZoneForm &dialog) {
+        QTest::keyClicks(&child<QLineEdit>(dialog, "txtFindZone"), "(utc+09:00) osaka");
+        QTest::keyClick(&dialog, Qt::Key_Return);
     });
     trigger(*m_form, "actTimeZone");
     const int section = UrlModel::sectionOf(UrlColumn::ActionDateLocal);
@@ -230,7 +228,7 @@ void WindowLifeTest::anotherZoneChangesTheHeading() {
 void WindowLifeTest::aCancelledZoneChangesNothing() {
     openExample(*m_desk, *m_form);
     const QString before = child<QLabel>(*m_form, "labZone").text();
-    whenShown<QInputDialog>([](QInputDialog &dialog) { dialog.reject(); });
+    whenShown<ZoneForm>([](ZoneForm &dialog) { dialog.reject(); });
     trigger(*m_form, "actTimeZone");
     QCOMPARE(child<QLabel>(*m_form, "labZone").text(), before);
 }

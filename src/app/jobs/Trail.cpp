@@ -7,6 +7,7 @@
 #include "base/Trap.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/WriteBatch.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -93,6 +94,13 @@ void noteImport(Program &program, const ImportSummary &summary) {
         SQLite::Database &project = program.thisClass.projectDB.connection();
         WriteBatch batch(project);
         CaseTrail trail(project);
+        if (const TimeZone &zone = program.thisClass.gmtZone; zone.exact) {
+            TrailEntry entry;
+            entry.action = "Time Zone";
+            entry.detail = fmt::format("Local dates of the import: {}", exactZoneText(zone));
+            complete(program, entry);
+            trail.add(entry);
+        }
         for (const ArtefactResult &artefact : summary.artefacts) {
             if (artefact.state == ArtefactState::notReached)
                 continue;

@@ -1,5 +1,6 @@
 #include "app/options/Options.h"
 
+#include "app/jobs/ZoneJob.h"
 #include "app/messages/Messages.h"
 #include "app/messages/NetworkMessages.h"
 #include "app/options/ProjectOptions.h"
@@ -13,6 +14,7 @@
 #include "base/Trap.h"
 #include "readers/Evidence.h"
 #include "time/DateFormat.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -95,7 +97,7 @@ OptionsOutcome Application::run() {
     take("DateFormat");
     take("TimeFormat");
     m_state.enableDSTChanges = m_options.enableDSTChanges;
-    if (!m_options.timeZoneID)
+    if (!m_options.timeZoneID && m_options.exactZone.empty())
         return stay(messages::zoneNotSelected(), OptionsField::zone);
     // What follows belongs to the new project and must not reach the one that is still open.
     const auto refusal = refusalOfPaths();
@@ -158,17 +160,19 @@ bool Application::takeZone() {
     // A new project with a wrong path doesn't change the zone of the one that is open.
     if (m_occasion.newProject && m_state.projectDB.isOpen())
         return true;
-    if (!setZone(m_program, *m_options.timeZoneID))
+    const std::string key = m_options.exactZone.empty() ? fmt::format("{}", *m_options.timeZoneID)
+                                                        : m_options.exactZone;
+    if (!changeZone(m_program, key, m_program.thread))
         return false;
     const TimeZone &zone = m_state.gmtZone;
     writeText(m_settings, "TimeZoneBias", fmt::format("{}", zone.tzBias));
     writeText(m_settings, "TimeZoneName", zone.tzName);
-    writeText(m_settings, "TimeZoneID", fmt::format("{}", zone.tzTimeZoneID));
+    writeText(m_settings, "TimeZoneID", zoneKey(zone));
     if (m_state.projectDB.isOpen())
         storeProjectValues(m_program,
                            {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
                             {"TimeZoneName", zone.tzName},
-                            {"TimeZoneID", fmt::format("{}", zone.tzTimeZoneID)}},
+                            {"TimeZoneID", zoneKey(zone)}},
                            TrailNote::yes);
     return true;
 }

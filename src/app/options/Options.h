@@ -20,7 +20,8 @@ struct Options : SettingValues {
     std::filesystem::path projectDBPath;
     std::filesystem::path rootPath; ///< of a new project: empty is left to its first import
     std::filesystem::path tempFolderPath;
-    std::optional<std::int32_t> timeZoneID; ///< the selection of the list
+    std::optional<std::int32_t> timeZoneID; ///< a classic zone, the selection of the list
+    std::string exactZone;                  ///< an exact one, "Europe/Berlin": goes before it
     bool enableDSTChanges = true;
     bool enablePARD = false;
     int pardFrom = 0; ///< percent

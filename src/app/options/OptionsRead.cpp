@@ -1,6 +1,7 @@
 // What the Options dialog shows at first; Options.cpp applies it.
 #include "app/options/Options.h"
 #include "app/options/SettingsTable.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -61,7 +62,9 @@ Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
     Options options;
     readSettings(program, options);
     readPaths(program, options);
-    if (const auto place = placeInList(zones, state.gmtZone))
+    if (state.gmtZone.exact)
+        options.exactZone = state.gmtZone.exact->name();
+    else if (const auto place = placeInList(zones, state.gmtZone))
         options.timeZoneID = zones[*place].timeZoneID;
     options.enableDSTChanges = state.enableDSTChanges;
     options.enablePARD = state.pard.enablePARD;

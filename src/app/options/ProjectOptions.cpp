@@ -3,6 +3,7 @@
 #include "app/jobs/Trail.h"
 #include "base/Files.h"
 #include "db/ProjectFields.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -47,8 +48,8 @@ std::vector<ProjectValue> projectValuesInForce(const Program &program) {
     const TimeZone &zone = state.gmtZone;
     return {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
             {"TimeZoneName", zone.tzName},
-            {"TimeZoneID", fmt::format("{}", zone.tzTimeZoneID)},
-            {"LastTimeZoneID", fmt::format("{}", zone.tzTimeZoneID)},
+            {"TimeZoneID", zoneKey(zone)},
+            {"LastTimeZoneID", zoneKey(zone)},
             {"RootPath", textOf(state.rootPath)},
             {"DateFormat", state.dateFormat},
             {"TimeFormat", state.timeFormat},

@@ -1,6 +1,7 @@
 #include "app/project/Project.h"
 
 #include "app/messages/Messages.h"
+#include "app/program/Zones.h"
 #include "app/project/ProjectAside.h"
 #include "base/Files.h"
 #include "base/Paths.h"
@@ -11,6 +12,7 @@
 #include "db/SchemaGaps.h"
 #include "db/SideFiles.h"
 #include "db/StoredQueries.h"
+#include "time/ExactZone.h"
 #include "time/ZoneDatabase.h"
 
 #include <fmt/format.h>
@@ -38,19 +40,20 @@ void becomeOpen(Program &program, LogOf log) {
     state.currentSQLDef = state.defaultSQLDef;
 }
 
+} // namespace
+
 /// A zone that isn't in the table is told of: local dates would be those of another zone in
 /// silence.
-void takeZoneOfProject(Program &program) {
-    const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
-    bool &isUnread = program.thisClass.zoneIsUnread;
-    isUnread = zone && *zone > 0;
-    if (!isUnread || setZone(program, *zone) || !fs::exists(program.paths.zones()))
-        return;
-    if (!ZoneDatabase(program.paths.zones(), program.log).listZones().empty())
-        program.around.examiner.tell(messages::zoneNotThere(*zone));
+bool takeStoredZone(Program &program, const ProjectFields &fields) {
+    const std::string key = fields.getDefault(kZoneSetting);
+    const auto id = fields.defaultNumber(kZoneSetting);
+    if (key.empty() || (id && *id <= 0) || setZone(program, key))
+        return true;
+    if (id && fs::exists(program.paths.zones()) &&
+        !ZoneDatabase(program.paths.zones(), program.log).listZones().empty())
+        program.around.examiner.tell(messages::zoneNotThere(*id));
+    return false;
 }
-
-} // namespace
 
 bool isProjectName(const fs::path &path) {
     return equalsNoCase(textOf(path.extension()), ".nvp");
@@ -82,7 +85,8 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
-    setZone(program, program.thisClass.gmtZone.tzTimeZoneID);
+    if (const TimeZone &zone = program.thisClass.gmtZone; !zone.exact)
+        setZone(program, zone.tzTimeZoneID);
     return true;
 }
 
@@ -97,7 +101,8 @@ void openProject(Program &program, const fs::path &path, Access access, Holding 
     project.open(access);
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
-    takeZoneOfProject(program);
+    program.thisClass.zoneIsUnread = false;
+    program.thisClass.zoneIsUnread = !takeStoredZone(program, fieldsOf(program));
 }
 
 void requireZones(Program &program) {
@@ -111,7 +116,9 @@ void requireZones(Program &program) {
     if (ZoneDatabase(file, program.log).listZones().empty())
         refuse("the table of time zones is damaged", "can't be read");
     if (program.thisClass.zoneIsUnread)
-        refuse("the project's time zone is not known", "doesn't hold it");
+        throw StorageFailure(
+            fmt::format("the project's time zone is not known: \"{}\". Nothing was imported",
+                        fieldsOf(program).getDefault(kZoneSetting)));
 }
 
 void requireSchema(Program &program) {
@@ -124,20 +131,6 @@ void requireSchema(Program &program) {
             textOf(state.projectDBPath), missing));
 }
 
-bool setZone(Program &program, std::int64_t id) {
-    ProgramState &state = program.thisClass;
-    const Clock &clock = program.around.clock;
-    const ZoneChange change =
-        ZoneDatabase(program.paths.zones(), program.log)
-            .setNewTimeZone(state.gmtZone, static_cast<std::int32_t>(id),
-                            Date::fromTimePoint(clock.now() + clock.localOffset()),
-                            state.enableDSTChanges);
-    if (change.errorNumber != 0)
-        program.around.examiner.tell(messages::zoneNotSet(change.errorNumber));
-    state.zoneIsUnread = state.zoneIsUnread && !change.found;
-    return change.found;
-}
-
 DateSettings dateSettings(const Program &program) {
     const ProgramState &state = program.thisClass;
     const int year = Date::fromTimePoint(program.around.clock.now()).civil().year;
@@ -148,8 +141,7 @@ void closeProject(Program &program) {
     ProgramState &state = program.thisClass;
     if (!state.projectDB.isReadOnly()) {
         if (!state.zoneIsUnread)
-            fieldsOf(program).saveDefaultSetting(kZoneSetting,
-                                                 fmt::format("{}", state.gmtZone.tzTimeZoneID));
+            fieldsOf(program).saveDefaultSetting(kZoneSetting, zoneKey(state.gmtZone));
         StoredQueries(state.projectDB.connection()).resetDEFAULTQuery();
     }
     state.zoneIsUnread = false;

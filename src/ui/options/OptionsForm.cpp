@@ -90,6 +90,8 @@ void OptionsForm::stayAt(OptionsField field) {
         return;
     m_tabs->setCurrentIndex(field == OptionsField::zone ? kZoneTab : kPathsTab);
     QWidget *control = m_zone;
+    if (!m_zone->isEnabled())
+        control = m_exactZone;
     if (field == OptionsField::project)
         control = m_paths[kProject];
     if (field == OptionsField::base)
@@ -206,6 +208,7 @@ Options OptionsForm::shown() const {
     options.timeZoneID.reset();
     if (m_zone->currentIndex() >= 0)
         options.timeZoneID = m_zone->currentData().toInt();
+    options.exactZone = fromQt(m_exactZone->text().trimmed());
     options.enableDSTChanges = m_dst->isChecked();
     options.galleryRecordsPerPage = m_perPage->currentData().toInt();
     options.thumbnailRedrawTimeout = m_timeout->currentData().toInt();

@@ -72,6 +72,8 @@ class OptionsForm final : public QDialog {
     QButtonGroup *addSizes(QFormLayout &form, const QString &label, const char *name, int width);
     void btnPathClick(int index);
     void chooseLogo();
+    void addExactZone(QVBoxLayout &column);
+    void showExactZone();
     void showZoneProperties();
     void showPard();
     void showConnection();
@@ -95,6 +97,7 @@ class OptionsForm final : public QDialog {
     QLineEdit *m_timeFormat = nullptr;
     QLabel *m_time = nullptr;
     QComboBox *m_zone = nullptr;
+    QLineEdit *m_exactZone = nullptr;
     QCheckBox *m_dst = nullptr;
     QComboBox *m_perPage = nullptr;
     QComboBox *m_timeout = nullptr;

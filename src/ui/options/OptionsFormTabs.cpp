@@ -1,9 +1,11 @@
 // The tabs of the Options dialog.
+#include "app/program/Zones.h"
 #include "platform/qt/QtText.h"
 #include "ui/options/OptionsForm.h"
 #include "ui/options/OptionsWidgets.h"
 
 #include <QButtonGroup>
+#include <QCompleter>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLineEdit>
@@ -19,6 +21,7 @@ namespace nv {
 namespace {
 
 constexpr int kLongestFormat = 200; // letters
+constexpr int kBetweenZones = 8;    // pixels
 
 struct Size {
     int width;
@@ -170,6 +173,7 @@ QWidget *OptionsForm::newDateTime() {
 QWidget *OptionsForm::newZone() {
     auto *tab = new QWidget;
     auto *column = columnOf(*tab);
+    addExactZone(*column);
     m_zone = named(new QComboBox, "cbTimeZone");
     m_zone->setAccessibleName(tr("Time zone"));
     for (const ZoneRow &zone : m_zones)
@@ -177,10 +181,14 @@ QWidget *OptionsForm::newZone() {
     m_zone->setCurrentIndex(m_start.timeZoneID ? m_zone->findData(*m_start.timeZoneID) : -1);
     m_zone->setPlaceholderText(tr("Select a time zone"));
     m_zone->setToolTip(tr("All dates of the window, of reports and of exports"));
-    auto *caption = new QLabel(tr("Times are shown &in:"));
+    auto *caption = new QLabel(tr("Class&ic zone:"));
     caption->setBuddy(m_zone);
+    column->addSpacing(kBetweenZones);
     column->addWidget(caption);
     column->addWidget(m_zone);
+    column->addWidget(newHint(
+        tr("Those of earlier versions: each knows one offset for all years and the daylight rule "
+           "of the United States, and shows no dates of more than ten years ago.")));
     m_dst = addBox(*column, "chkEnableDSTChanges", tr("&Daylight saving time changes"),
                    tr("Off, all dates are shown in standard time."), m_start.enableDSTChanges);
     auto *properties =
@@ -190,7 +198,36 @@ QWidget *OptionsForm::newZone() {
     connect(properties, &QPushButton::clicked, this, &OptionsForm::showZoneProperties);
     column->addWidget(properties, 0, Qt::AlignLeft);
     column->addStretch(1);
+    showExactZone();
     return tab;
+}
+
+/// Its law is taken from the system, and goes before the classic zone.
+void OptionsForm::addExactZone(QVBoxLayout &column) {
+    m_exactZone = named(new QLineEdit(toQt(m_start.exactZone)), "txtExactZone");
+    m_exactZone->setAccessibleName(tr("Exact zone"));
+    m_exactZone->setPlaceholderText(tr("None: the classic zone below"));
+    m_exactZone->setToolTip(tr("Times are shown by the law of each date"));
+    QStringList names;
+    for (const std::string &name : exactZones(m_program).names())
+        names += toQt(name);
+    auto *completer = new QCompleter(names, m_exactZone);
+    completer->setCaseSensitivity(Qt::CaseInsensitive);
+    completer->setFilterMode(Qt::MatchContains);
+    m_exactZone->setCompleter(completer);
+    connect(m_exactZone, &QLineEdit::textChanged, this, &OptionsForm::showExactZone);
+    auto *caption = new QLabel(tr("E&xact zone:"));
+    caption->setBuddy(m_exactZone);
+    column.addWidget(caption);
+    column.addWidget(m_exactZone);
+    column.addWidget(newHint(tr("By name, such as Europe/Berlin: each date by the law of its time, "
+                                "dates of any age.")));
+}
+
+void OptionsForm::showExactZone() {
+    const bool isExact = !m_exactZone->text().trimmed().isEmpty();
+    for (QWidget *classic : std::initializer_list<QWidget *>{m_zone, m_dst})
+        classic->setEnabled(!isExact);
 }
 
 QWidget *OptionsForm::newGallery() {

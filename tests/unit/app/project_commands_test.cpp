@@ -3,6 +3,7 @@
 #include "app/jobs/Trail.h"
 #include "app/options/ProjectOptions.h"
 #include "app/program/TempFolder.h"
+#include "app/program/Zones.h"
 #include "app/project/Project.h"
 #include "app/project/RecentFiles.h"
 #include "base/Files.h"

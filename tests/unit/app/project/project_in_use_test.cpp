@@ -1,6 +1,7 @@
 #include "app/jobs/Trail.h"
 #include "app/options/ProjectOptions.h"
 #include "app/program/ProjectHold.h"
+#include "app/program/Zones.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "unit/app/ProjectCommandsFixture.h"
