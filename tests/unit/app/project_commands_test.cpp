@@ -284,7 +284,8 @@ TEST_F(ProjectCommandsTest, theCommandLineTakesOneProjectOrArtefact) {
 
 TEST_F(ProjectCommandsTest, anArtefactThatCantBeRegisteredIsTold) {
     commands.openFile(path, OpenMode::newAtPath);
-    db().connection().exec("ALTER TABLE SourceFiles RENAME TO Elsewhere");
+    db().connection().exec("CREATE TRIGGER full BEFORE INSERT ON SourceFiles BEGIN "
+                           "SELECT RAISE(ABORT, 'no row is taken'); END");
     test::IndexDat index;
     index.add({.url = "Visited: mara@http://host.example/"});
     program->import.historyFiles.add(
