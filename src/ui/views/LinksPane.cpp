@@ -139,7 +139,7 @@ void LinksPane::clear() {
 
 void LinksPane::goToOther() {
     if (const QModelIndex current = m_table->currentIndex(); current.isValid())
-        emit recordWanted(m_model->otherOf(current.row()));
+        emit recordWanted(number(m_model->otherOf(current.row())));
 }
 
 /// The table would keep the key for its cells.

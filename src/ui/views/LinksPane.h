@@ -34,7 +34,7 @@ class LinksPane final : public QWidget, public RecordPane {
 
   signals:
     /// The examiner wants to see the other record of a pair in the table.
-    void recordWanted(nv::UrlId id);
+    void recordWanted(qint64 id);
     void analysisWanted();
 
   protected:

@@ -19,7 +19,7 @@ LinkPart::LinkPart(Workbench &bench) : m_bench(bench) {
         if (m_bench.mayWrite())
             m_bench.actions.linkAnalysis->trigger();
     });
-    connect(pane, &LinksPane::recordWanted, this, &LinkPart::goTo);
+    connect(pane, &LinksPane::recordWanted, this, [this](qint64 id) { goTo(UrlId{id}); });
 }
 
 /// The table is loaded anew even after a failure: the pairs of earlier runs are gone then.
