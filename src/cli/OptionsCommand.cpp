@@ -175,7 +175,10 @@ void setInProject(Session &session, const Arguments &arguments) {
     const bool isZone = facts.name == "LastTimeZoneID" && !value.empty();
     if (isZone && !changeZone(session.program, value, session.task))
         throw StorageFailure("the project keeps its time zone");
-    storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes);
+    if (!storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes)
+             .empty())
+        throw StorageFailure(fmt::format("\"{}\" can't keep {}; see \"{}\"", arguments.project,
+                                         facts.name, textOf(session.program.log.path())));
     if (facts.name == "RootPath")
         mendRootPath(session.program.thisClass.projectDB.connection(), session.program.log, value,
                      session.task);

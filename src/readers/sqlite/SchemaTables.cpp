@@ -1,15 +1,17 @@
 // The schema of an SQLite file is a table itself; its tree begins on page 1, numbers big-endian:
 //   file     = "SQLite format 3\0" page size:u16@10 ...
-//   page     = kind:u8 free:u16 cells:u16 content:u16 fragments:u8 [last child:u32] cell at:u16{cells}
-//   inner 05 = cell: child:u32 rowid:varint
+//   page     = kind:u8 free:u16 cells:u16 content:u16 fragments:u8 [last:u32] cell at:u16{cells}
+//   inner 05 = cell: child:u32 rowid:varint; last is a child too
 //   leaf 0D  = cell: size:varint rowid:varint Record
-//   Record   = size of head:varint kind of value:varint{...} value{...}; values 0 and 1 are type and name
+//   Record   = size of head:varint kind of value:varint{} value{}; the first two are type and name
 // Page 1 has the file's head before its own. Pages that were written last may still lie in the log
 // beside the file, behind frames' heads; what is looked for in them is "CREATE TABLE name".
 
 #include "readers/sqlite/SchemaTables.h"
 
+#include "base/NoLog.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "db/SideFiles.h"
 
 #include <algorithm>
@@ -93,10 +95,9 @@ class SchemaWalk {
         if (number == 0 || number > m_file.size() / m_pageSize + 1)
             return;
         const Bytes bytes = m_file.read((number - 1) * m_pageSize, m_pageSize);
-        try {
-            cells(ByteView(bytes), number == 1 ? kFileHead : 0);
-        } catch (const OutOfBytes &) { // what the page has told so far stands
-        }
+        NoLog unheard; // what a damaged page has told so far stands; its reader tells of damage
+        trapped(unheard, Severity::Low, {}, {},
+                [&] { cells(ByteView(bytes), number == 1 ? kFileHead : 0); });
     }
 
     void cells(ByteView page, std::uint64_t head) {

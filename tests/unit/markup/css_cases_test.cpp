@@ -212,17 +212,9 @@ TEST_F(CssCases, oneDeclaration) {
 TEST_F(CssCases, oneRule) {
     check({"one_rule.json",
            [](const Tokens &tokens, CssRange part) {
-               return onlyOf(itemsOf(tokens, cssRules(tokens, part)));
+               return onlyOf(itemsOf(tokens, cssStyleSheet(tokens, part)));
            },
            14});
-}
-
-TEST_F(CssCases, rules) {
-    check({"rule_list.json",
-           [](const Tokens &tokens, CssRange part) {
-               return itemsOf(tokens, cssRules(tokens, part));
-           },
-           15});
 }
 
 TEST_F(CssCases, styleSheets) {
