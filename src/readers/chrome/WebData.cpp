@@ -48,6 +48,8 @@ constexpr std::array<std::string_view, 10> kUnread = {"local_ibans",
                                                       "virtual_card_usage_data",
                                                       "ie7_logins"};
 
+constexpr std::string_view kFirstTable = "autofill";
+
 struct FormValue {
     std::string name;
     std::string label;
@@ -92,7 +94,7 @@ class Forms {
         : m_ctx(ctx), m_database(database), m_result(result),
           m_hasNewTable(database.hasTable("autocomplete")) {}
 
-    bool read() { return readUses() && readTable("autofill") && readTable("autocomplete"); }
+    bool read() { return readUses() && readTable(kFirstTable) && readTable("autocomplete"); }
 
   private:
     bool readUses() {
@@ -115,7 +117,7 @@ class Forms {
             m_database, table, kColumns, m_ctx, kReader.procedure, m_result,
             [&](std::int64_t rowId, const Row &row) {
                 const FormValue form = formOf(row);
-                if (isNew(form))
+                if (isNew(form, table == kFirstTable))
                     save(m_ctx, formRecord(m_ctx, form), table, rowId);
                 else
                     ++m_result.passedOver[fmt::format(
@@ -135,11 +137,15 @@ class Forms {
         return form;
     }
 
-    bool isNew(const FormValue &form) {
-        return !m_hasNewTable || m_seen
-                                     .insert(fmt::format("{}\n{}\n{}", form.name, form.value,
-                                                         fmt::join(form.uses, " ")))
-                                     .second;
+    /// What the first table has is remembered only where there is a second one.
+    bool isNew(const FormValue &form, bool isFirstTable) {
+        if (!m_hasNewTable)
+            return true;
+        const bool isUnseen =
+            m_seen
+                .insert(fmt::format("{}\n{}\n{}", form.name, form.value, fmt::join(form.uses, " ")))
+                .second;
+        return isUnseen || isFirstTable;
     }
 
     ReadContext &m_ctx;

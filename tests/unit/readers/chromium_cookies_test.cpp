@@ -3,7 +3,6 @@
 #include "support/SqliteHistoryReading.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/ChromiumProfile.h"
-#include "support/builders/Cookies.h"
 #include "time/DateFormat.h"
 
 #include <gtest/gtest.h>
