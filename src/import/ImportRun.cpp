@@ -122,7 +122,7 @@ class Import {
           m_categories(job.verifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        m_log),
           m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata),
-          m_classicOnly(job.classicOnly), m_browserOf(run.evidence),
+          m_classicOnly(job.classicOnly), m_secrets(job.secrets), m_browserOf(run.evidence),
           m_sources(run.project, run.clock, m_log),
           m_store(run.project, run.zone, run.clock, m_log),
           m_batch(run.project, [this] { note(); }) {}
@@ -248,8 +248,9 @@ class Import {
             trapped(m_log, Severity::Warning, kProcedure, kContactSupport,
                     std::optional<ReadResult>(), [&] {
                         ReadContext context{
-                            file, m_run.evidence, m_content, m_run.clock, m_scratch.emptied(),
-                            sink, m_log,          task,      false,       m_classicOnly};
+                            file,     m_run.evidence, m_content, m_run.clock, m_scratch.emptied(),
+                            sink,     m_log,          task,      false,       m_classicOnly,
+                            m_secrets};
                         return std::optional(reader.read(context));
                     });
         return result ? *result : ReadResult{ReadState::failed, m_log.last, 0, {}};
@@ -266,6 +267,7 @@ class Import {
     AdvancedMetadata m_metadata;
     bool m_looksIntoPages;
     bool m_classicOnly;
+    bool m_secrets;
     BrowserOf m_browserOf;
     SourceFiles m_sources;
     RecordStore m_store;

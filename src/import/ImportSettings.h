@@ -19,6 +19,7 @@ struct ImportSettings {
     bool verifyFileSignatures = true; ///< recognise files by content, not by name alone
     bool parseAdvancedMetadata = true;
     bool classicOnly = false; ///< only the files and rows of the classic rules
+    bool secrets = false;     ///< store saved passwords where they can be read
     bool makeThumbnails = true;
     bool makePictureThumbnails = true;
     bool makeWebPageThumbnails = true;

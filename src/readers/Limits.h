@@ -89,4 +89,18 @@ inline constexpr std::size_t kOperaTypedBytes = std::size_t{16} << 20;
 /// hundred KB; a longer file is none of its own.
 inline constexpr std::uint64_t kCookieText = std::uint64_t{1} << 20;
 
+/// A JSON file of a browser. Bookmarks and settings take some MB; ten thousand bookmarks are 4 MB.
+inline constexpr std::uint64_t kJsonBytes = std::uint64_t{256} << 20;
+
+/// Objects and arrays within each other there. Browsers read no more than 200.
+inline constexpr std::size_t kJsonDepth = 400;
+
+/// Bookmarks and folders of one file, each of which takes some 200 bytes until all are known: the
+/// name of a folder stands after what is in it.
+inline constexpr std::size_t kBookmarks = 1'000'000;
+
+/// Names of folders, put together to the path of a bookmark: a hostile file could name one long
+/// folder with a million bookmarks in it.
+inline constexpr std::size_t kFolderPathBytes = 2000;
+
 } // namespace nv::limits

@@ -61,6 +61,8 @@ struct ReadContext {
     /// Only the rows of the classic rules, without facts: what else the file holds is counted in
     /// `passedOver` as ever.
     bool classicOnly = false;
+    /// Passwords were asked for. Otherwise none is given away, in whatever form it can be read.
+    bool secrets = false;
 };
 
 /// What recognition knows of a file, all texts lower-case, separators of the path "/".

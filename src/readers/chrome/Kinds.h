@@ -29,4 +29,53 @@ inline constexpr RecordKind kChromeCookies = {
     .reportedAsInternetExplorer = true,
 };
 
+inline constexpr RecordKind kChromeFormValue = {
+    .key = "chrome-form-value",
+    .word = "Chrome Form Value",
+    .family = &families::chrome,
+};
+
+inline constexpr RecordKind kChromeAddress = {
+    .key = "chrome-address",
+    .word = "Chrome Address",
+    .family = &families::chrome,
+};
+
+inline constexpr RecordKind kChromeCard = {
+    .key = "chrome-card",
+    .word = "Chrome Card",
+    .family = &families::chrome,
+};
+
+inline constexpr RecordKind kChromeSearchEngine = {
+    .key = "chrome-search-engine",
+    .word = "Chrome Search Engine",
+    .family = &families::chrome,
+};
+
+inline constexpr RecordKind kChromeLogin = {
+    .key = "chrome-login",
+    .word = "Chrome Login",
+    .family = &families::chrome,
+};
+
+inline constexpr RecordKind kChromeBookmark = {
+    .key = "chrome-bookmark",
+    .word = "Chrome Bookmark",
+    .family = &families::chrome,
+    .group = RecordGroup::bookmarks,
+};
+
+inline constexpr RecordKind kChromeSiteSetting = {
+    .key = "chrome-site-setting",
+    .word = "Chrome Site Setting",
+    .family = &families::chrome,
+};
+
+inline constexpr RecordKind kChromeAccount = {
+    .key = "chrome-account",
+    .word = "Chrome Account",
+    .family = &families::chrome,
+};
+
 } // namespace nv

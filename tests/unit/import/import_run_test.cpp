@@ -81,6 +81,24 @@ TEST_F(ImportRunTest, tellsOfEachRecordWhoseItIsAndWhatNoColumnHolds) {
     EXPECT_EQ(project.number("SELECT Count(*) FROM SourceFiles"), 2) << "those of the first run";
 }
 
+ReadResult tellWhetherAsked(ReadContext &ctx) {
+    test::saveUrl(ctx, ctx.secrets ? "asked" : "not asked");
+    return {};
+}
+const Reader *secretReader(HistoryFileType type) {
+    static constexpr Reader reader = test::madeUp(chromiumLogins, "secrets", tellWhetherAsked);
+    return type == chromiumLogins ? &reader : nullptr;
+}
+
+TEST_F(ImportRunTest, handsPasswordsOutOnlyWhenAsked) {
+    add(chromiumLogins, "a", "");
+    Unwatched task;
+    EXPECT_EQ(import(task, secretReader).failure, "");
+    job.secrets = true;
+    EXPECT_EQ(import(task, secretReader).failure, "");
+    EXPECT_EQ(project.text("SELECT group_concat(URL) FROM URLs"), "not asked,asked");
+}
+
 TEST_F(ImportRunTest, givesTheRowItsCategoryAndTheReadersWord) {
     add(norvelaneNVD, "a", "http://host/picture.gif\x1Ehttp://host/folder/");
     import();
