@@ -36,6 +36,13 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "annotation",
     "site_title",
     "description",
+    "title",
+    "from_url",
+    "page_id",
+    "last_visited",
+    "interaction",
+    "view_time",
+    "key_presses",
     // searches
     "search_term",
     "search_engine",
@@ -88,6 +95,7 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "setting",
     "zoom",
     "account",
+    "last_interaction",
     // bookmarks, icons
     "folder",
     "guid",
