@@ -3,6 +3,7 @@
 #include "readers/RecordKind.h"
 #include "readers/chrome/Formats.h"
 #include "readers/firefox/Formats.h"
+#include "readers/firefox/ProfileFormats.h"
 #include "readers/ie/Formats.h"
 #include "readers/mac/Formats.h"
 #include "readers/opera/Formats.h"
@@ -41,6 +42,11 @@ constexpr std::array kFormats = {
     &kSimpleHtmlFormat,
     &kMacIECacheFormat,
     &kCsvFormat,
+    &kFirefoxFormsFormat,
+    &kFirefoxPermissionsFormat,
+    &kFirefoxLoginsFormat,
+    &kFirefoxFaviconsFormat,
+    &kFirefoxDownloadsFormat,
 };
 
 template <class Wanted>
