@@ -32,6 +32,8 @@ bool walkJoining(EvidenceDatabase &database, std::string_view table,
         database.prepare(fmt::format("SELECT {} FROM main.\"{}\" NOT INDEXED", list.sql, table));
     const Row row(rows, list.positions);
     for (std::uint64_t given = 0;; ++given) {
+        if (given > database.mostRows())
+            throw EvidenceDamage("its pages point at each other");
         database.expectOneRow();
         const int code = rows.tryExecuteStep();
         if (code != SQLITE_ROW) {
