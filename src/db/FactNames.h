@@ -36,6 +36,13 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "annotation",
     "site_title",
     "description",
+    "title",
+    "from_url",
+    "page_id",
+    "last_visited",
+    "interaction",
+    "view_time",
+    "key_presses",
     // searches
     "search_term",
     "search_engine",
@@ -104,6 +111,7 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "embedded_in",
     "profile_name",
     "account_id",
+    "last_interaction",
     // bookmarks, icons
     "folder",
     "guid",

@@ -85,6 +85,9 @@ inline constexpr std::size_t kOperaFileBytes = std::size_t{256} << 20;
 /// The list of typed addresses holds some hundred; an element of 4 bytes takes 100 in memory.
 inline constexpr std::size_t kOperaTypedBytes = std::size_t{16} << 20;
 
+/// Firefox's list of logins. One takes some 700 bytes, and some twenty times that in memory.
+inline constexpr std::size_t kFirefoxLoginsBytes = std::size_t{64} << 20;
+
 /// The text file of a cookie, as far as it is kept. The browser holds a host's cookies to some
 /// hundred KB; a longer file is none of its own.
 inline constexpr std::uint64_t kCookieText = std::uint64_t{1} << 20;

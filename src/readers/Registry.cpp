@@ -4,6 +4,7 @@
 #include "readers/chrome/Formats.h"
 #include "readers/chrome/ProfileFormats.h"
 #include "readers/firefox/Formats.h"
+#include "readers/firefox/ProfileFormats.h"
 #include "readers/ie/Formats.h"
 #include "readers/mac/Formats.h"
 #include "readers/opera/Formats.h"
@@ -48,6 +49,11 @@ constexpr std::array kFormats = {
     &kChromiumBookmarksFormat,
     &kChromiumPreferencesFormat,
     &kChromiumLocalStateFormat,
+    &kFirefoxFormsFormat,
+    &kFirefoxPermissionsFormat,
+    &kFirefoxLoginsFormat,
+    &kFirefoxFaviconsFormat,
+    &kFirefoxDownloadsFormat,
 };
 
 template <class Wanted>

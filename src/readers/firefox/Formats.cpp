@@ -21,7 +21,8 @@ constexpr std::string_view kHistoryMask = "history*.dat;places*.sqlite";
 
 constexpr const RecordKind *kCacheKinds[] = {&kFirefoxCache};
 constexpr const RecordKind *kMorkKinds[] = {&kFirefox2History};
-constexpr const RecordKind *kPlacesKinds[] = {&kFirefox3History};
+constexpr const RecordKind *kPlacesKinds[] = {&kFirefox3History, &kFirefoxVisit, &kFirefoxBookmark,
+                                              &kFirefoxDownload};
 constexpr const RecordKind *kCookieKinds[] = {&kFirefoxCookies};
 
 constexpr HistoryFileType kFurtherCaches[] = {firefoxCacheByName};
@@ -92,7 +93,8 @@ constinit const Reader kFirefox3HistoryFormat = {
     .read = parseFirefox3HistoryFile,
     .kinds = kPlacesKinds,
     .page = "firefox3-history",
-    .cases = {"firefox3-history", "places.sqlite", "firefox3-history/three-places"},
+    .cases = {"firefox3-history;firefox-places", "places.sqlite",
+              "firefox-places/every-further-row"},
 };
 
 constinit const Reader kFirefoxCookiesFormat = {

@@ -38,4 +38,55 @@ inline constexpr RecordKind kFirefoxCookies = {
     .reportedAsInternetExplorer = true,
 };
 
+// Beyond the classic rules.
+
+inline constexpr RecordKind kFirefoxVisit = {
+    .key = "firefox-visit",
+    .word = "Firefox Visit",
+    .family = &families::firefox,
+    .group = RecordGroup::history,
+};
+
+inline constexpr RecordKind kFirefoxDownload = {
+    .key = "firefox-download",
+    .word = "Firefox Download",
+    .family = &families::firefox,
+    .group = RecordGroup::history,
+};
+
+inline constexpr RecordKind kFirefoxBookmark = {
+    .key = "firefox-bookmark",
+    .word = "Firefox Bookmark",
+    .family = &families::firefox,
+    .group = RecordGroup::bookmarks,
+};
+
+inline constexpr RecordKind kFirefoxFormValue = {
+    .key = "firefox-form-value",
+    .word = "Firefox Form Value",
+    .family = &families::firefox,
+    .group = RecordGroup::other,
+};
+
+inline constexpr RecordKind kFirefoxPermission = {
+    .key = "firefox-permission",
+    .word = "Firefox Permission",
+    .family = &families::firefox,
+    .group = RecordGroup::other,
+};
+
+inline constexpr RecordKind kFirefoxLogin = {
+    .key = "firefox-login",
+    .word = "Firefox Login",
+    .family = &families::firefox,
+    .group = RecordGroup::other,
+};
+
+inline constexpr RecordKind kFirefoxIcon = {
+    .key = "firefox-icon",
+    .word = "Firefox Icon",
+    .family = &families::firefox,
+    .group = RecordGroup::other,
+};
+
 } // namespace nv

@@ -29,6 +29,7 @@ class SqliteSample : public testing::TestWithParam<std::string> {
         const fs::path folder = *samples / GetParam();
         const Bytes text = readWhole(folder / "expected.json");
         expected = json::parse(text.begin(), text.end());
+        reading.classicOnly = true;
         file = folder / expected.at("scan").at(0).at("path").get<std::string>();
         reading.read(isChrome() ? parseChromeHistoryFile : parseFirefox3HistoryFile, file);
     }
