@@ -8,6 +8,7 @@
 #include "app/project/EvidenceFolders.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
+#include "base/NearestNames.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "cli/Commands.h"
@@ -21,9 +22,9 @@
 #include "readers/Registry.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
-#include <set>
 #include <unistd.h>
 
 namespace nv::cli {
@@ -39,6 +40,8 @@ struct Arguments {
     std::string zone; ///< its key: see app/program/Zones.h; empty or "0" keeps the project's
     std::vector<std::string> kinds;
     std::string as; ///< key of the reader that takes every PATH; empty to find artefacts
+    bool classic = false;
+    bool secrets = false;
     bool noMetadata = false;
     bool noSignatures = false;
     bool thumbnails = false;
@@ -131,16 +134,29 @@ void tellZoneHints(Session &session, const Arguments &arguments) {
                                            hint.zone, printable(textOf(hint.file)), hint.zone);
 }
 
-void checkKinds(const std::vector<std::string> &kinds) {
-    for (const std::string &kind : kinds)
-        if (!readerByKey(kind))
-            throw UsageError(fmt::format("there is no reader \"{}\"", kind));
+[[noreturn]] void refuseKey(std::string_view what, const std::string &key,
+                            const std::vector<std::string> &known) {
+    throw UsageError(fmt::format("there is no {} \"{}\". The nearest keys: {}", what,
+                                 printable(key), fmt::join(nearestNames(key, known), ", ")));
+}
+
+AskedKinds askedKinds(const std::vector<std::string> &keys) {
+    AskedKinds asked;
+    for (const std::string &key : keys)
+        if (!asked.add(key))
+            refuseKey("reader and no kind of record", key, keysToAskFor());
+    return asked;
 }
 
 void checkAs(const Arguments &arguments) {
     if (arguments.as.empty())
         return;
-    checkKinds({arguments.as});
+    if (!readerByKey(arguments.as)) {
+        std::vector<std::string> readers;
+        for (const Reader *reader : registry())
+            readers.emplace_back(reader->key);
+        refuseKey("reader", arguments.as, readers);
+    }
     for (const std::string &path : arguments.paths)
         if (!fs::is_regular_file(path))
             throw UsageError(fmt::format("\"{}\": --as needs a file", path));
@@ -200,11 +216,6 @@ void chooseBase(Session &session, const Arguments &arguments) {
         keepEvidenceFolder(session.program, path);
 }
 
-bool isWanted(const HistoryFile &file, const std::set<std::string_view> &kinds) {
-    const Reader *reader = readerFor(file.historyFileType);
-    return kinds.empty() || (reader && kinds.contains(reader->key));
-}
-
 ScanResult scanPath(Session &session, const Arguments &arguments, const fs::path &path) {
     Program &program = session.program;
     if (const Reader *reader = readerByKey(arguments.as))
@@ -214,7 +225,8 @@ ScanResult scanPath(Session &session, const Arguments &arguments, const fs::path
 }
 
 void tellUnknown(Session &session, const fs::path &path, const ScanResult &found) {
-    const bool nothing = found.historyFiles.count() == 0 && found.gaps.unreadable.empty();
+    const bool nothing =
+        found.historyFiles.count() + found.notAsked == 0 && found.gaps.unreadable.empty();
     // Whoever names a file expects it to be read.
     if (fs::is_regular_file(path) && nothing && !found.cancelled)
         session.err << fmt::format(
@@ -223,23 +235,41 @@ void tellUnknown(Session &session, const fs::path &path, const ScanResult &found
             printable(textOf(path)));
 }
 
-/// Scans every path; false when the scan was cancelled. `gaps` are known before.
-bool findArtefacts(Session &session, const Arguments &arguments, const ScanGaps &gaps) {
+struct Search {
+    bool cancelled = false;
+    std::size_t notAsked = 0; ///< artefacts that --kinds leaves out
+};
+
+/// Scans every path for the files of the job. `gaps` are known before.
+Search findArtefacts(Session &session, const Arguments &arguments, const ScanGaps &gaps) {
     ImportSettings &job = session.program.import;
-    const std::set<std::string_view> kinds(arguments.kinds.begin(), arguments.kinds.end());
     job.historyFiles.clear();
     job.gaps = gaps;
+    Search search;
     for (const std::string &path : arguments.paths) {
         const ScanResult found = scanPath(session, arguments, fs::canonical(path));
         for (const HistoryFile &file : found.historyFiles)
-            if (isWanted(file, kinds))
-                job.historyFiles.add(file);
+            job.historyFiles.add(file);
+        search.notAsked += found.notAsked;
         job.gaps.add(found.gaps);
         tellUnknown(session, path, found);
-        if (found.cancelled)
-            return false;
+        search.cancelled = found.cancelled;
+        if (search.cancelled)
+            break;
     }
-    return true;
+    return search;
+}
+
+/// Absence is told only where there is nothing of a browser.
+void tellWhatIsLeftOut(Session &session, const ImportSummary &summary, const Search &search) {
+    if (search.notAsked > 0)
+        session.err << fmt::format("{} of other kinds found, not asked for\n",
+                                   counted(search.notAsked, "artefact"));
+    else if (summary.artefacts.empty() && !summary.cancelled)
+        session.err << messages::nothingToImport().text << '\n';
+    if (summary.artefacts.empty() && session.program.import.classicOnly)
+        session.err << "Only the classic rules were asked for: what today's browsers keep was not "
+                       "looked for.\n";
 }
 
 /// A project that can't be closed, for instance on a full disk, still holds what the summary tells.
@@ -270,7 +300,7 @@ Exit run(Session &session, const Arguments &given) {
     checkProjectPlace(arguments);
     requireZones(session.program);
     checkZone(session, arguments);
-    checkKinds(arguments.kinds);
+    const AskedKinds asked = askedKinds(arguments.kinds);
     checkAs(arguments);
     const ImportClaim claim(arguments.project);
     openOrCreate(session, arguments.project);
@@ -283,15 +313,18 @@ Exit run(Session &session, const Arguments &given) {
     program.import.verifyFileSignatures &= !arguments.noSignatures;
     program.import.parseAdvancedMetadata &= !arguments.noMetadata;
     program.import.makeThumbnails = arguments.thumbnails;
+    program.import.classicOnly |= arguments.classic;
+    program.import.secrets = arguments.secrets;
+    program.import.asked = asked;
 
     ImportSummary summary;
-    summary.cancelled = !findArtefacts(session, arguments, unreachable);
+    const Search search = findArtefacts(session, arguments, unreachable);
+    summary.cancelled = search.cancelled;
     tellZoneHints(session, arguments);
     if (!summary.cancelled)
         summary = runImportJob(program, session.task, session.scratch());
     session.task.clear();
-    if (summary.artefacts.empty() && !summary.cancelled)
-        session.err << messages::nothingToImport().text << '\n';
+    tellWhatIsLeftOut(session, summary, search);
     closeTold(program, summary);
     session.out << (arguments.format == "json" ? importJson(summary)
                                                : printableLines(summaryText(summary)));
@@ -312,7 +345,7 @@ Command importCommand() {
         .what = "Import artefacts into a project, which is made when needed",
         .readme = {"`import PROJECT PATH...`",
                    "finds and reads artefacts into a project, which is made when needed; "
-                   "`--kinds`, `--as`, `--zone`, `--thumbnails`"},
+                   "`--kinds`, `--as`, `--classic`, `--zone`, `--thumbnails`"},
         .examples = {{"import case.nvp /mnt/seized", "all that is found below a folder"},
                      {"import case.nvp /mnt/seized/History --zone Europe/Berlin",
                       "one file, dates by the law of that zone"},
@@ -325,10 +358,13 @@ Command importCommand() {
              value("--zone", given->zone,
                    "Time zone of the project: a name such as Europe/Berlin, or a number; the "
                    "command zones lists them"),
-             value("--kinds", given->kinds, "Only these readers, by key, separated by commas")
+             value("--kinds", given->kinds,
+                   "Only these readers or kinds of records, by key, separated by commas")
                  .separatedByCommas(),
              value("--as", given->as,
                    "Take each PATH, a file, as the artefact of this reader, whatever it is called"),
+             flag("--classic", given->classic, "Only the files and rows of the classic rules"),
+             flag("--secrets", given->secrets, "Store passwords too, where they can be read"),
              flag("--no-metadata", given->noMetadata, "Don't read cached pages' contents"),
              flag("--no-signatures", given->noSignatures, "Recognise files by name alone"),
              flag("--thumbnails", given->thumbnails, "Make thumbnails while importing"),

@@ -37,6 +37,8 @@ constexpr Column kSourceFiles[] = {
     {"Profile", Text, 255, false, "Profile", "(255) The folder of the profile"},
     {"Person", Text, 255, false, "Person", "(255) The folder of the account"},
     {"Device", Text, 255, false, "Device", "(255) The other device that synced all of it"},
+    {"ClassicOnly", YesNo, 0, false, "Classic Rules Only",
+     "Only the classic rules have read the file"},
 };
 
 constexpr Column kLinks[] = {

@@ -50,6 +50,8 @@ bool SourceFiles::logFile(HistoryFile &file) {
         file.sourceFileID = rowOf(file);
         if (file.sourceFileID == SourceFileId::none)
             file.sourceFileID = addRow(file);
+        else
+            noteRules(file.sourceFileID);
     });
 }
 
@@ -113,12 +115,21 @@ std::unordered_map<std::string, SourceFileId> &SourceFiles::rowsByContent() {
     return rows;
 }
 
+void SourceFiles::noteRules(SourceFileId id) {
+    if (m_rules == ReadBy::classicRules)
+        return; // what other rules have read of it stays read
+    SQLite::Statement update(m_database, "UPDATE SourceFiles SET ClassicOnly = 0 WHERE "
+                                         "SourceFile_ID = ? AND ClassicOnly <> 0");
+    update.bind(1, number(id));
+    update.exec();
+}
+
 SourceFileId SourceFiles::addRow(const HistoryFile &file) {
-    SQLite::Statement insert(m_database,
-                             "INSERT INTO SourceFiles (DateProcessed, FileName, FileExt, FilePath,"
-                             " MD5Hash, FileSize, SHA256Hash, Browser, BrowserVersion, Profile, "
-                             "Person, Device, Successful) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-                             "?, 0)");
+    SQLite::Statement insert(
+        m_database, "INSERT INTO SourceFiles (DateProcessed, FileName, FileExt, FilePath,"
+                    " MD5Hash, FileSize, SHA256Hash, Browser, BrowserVersion, Profile, "
+                    "Person, Device, ClassicOnly, Successful) VALUES (?, ?, ?, ?, ?, ?, ?, "
+                    "?, ?, ?, ?, ?, ?, 0)");
     insert.bind(1, Date::fromTimePoint(m_clock.now()).days());
     insert.bind(2, file.fileName);
     insert.bind(3, file.fileExt);
@@ -129,6 +140,7 @@ SourceFileId SourceFiles::addRow(const HistoryFile &file) {
     int at = 7;
     for (const std::string *text : textsOf(file.origin))
         bindText(insert, ++at, *text);
+    insert.bind(++at, m_rules == ReadBy::classicRules ? 1 : 0);
     insert.exec();
     const SourceFileId id{m_database.getLastInsertRowid()};
     rowsByContent().emplace(keyOf(file), id);

@@ -14,16 +14,21 @@ class Database;
 
 namespace nv {
 
+/// By which rules an import reads its files.
+enum class ReadBy { allRules, classicRules };
+
 /// Rows of table `SourceFiles`: the artefact files that imports took up.
 class SourceFiles {
   public:
     /// All must outlive this.
-    SourceFiles(SQLite::Database &database, const Clock &clock, FailureLog &log)
-        : m_database(database), m_clock(clock), m_log(log) {}
+    SourceFiles(SQLite::Database &database, const Clock &clock, FailureLog &log,
+                ReadBy rules = ReadBy::allRules)
+        : m_database(database), m_clock(clock), m_log(log), m_rules(rules) {}
 
     /// Registers the file and gives it its SourceFile_ID. A file whose content has a row already
     /// gets that row and nothing is written: the row identifies the content, it doesn't bar it from
-    /// being imported again. The same content of another browser, profile or person is another
+    /// being imported again; one that only the classic rules had read is marked as read by all when
+    /// it is. The same content of another browser, profile or person is another
     /// file; a row of an earlier build, which knew nothing of them, gets those of this one. False
     /// on a failure, which is logged. Throws StorageFailure.
     [[nodiscard]] bool logFile(HistoryFile &file);
@@ -41,11 +46,13 @@ class SourceFiles {
     void writeOrigin(SourceFileId id, const Origin &origin);
     SourceFileId rowOf(const HistoryFile &file);
     SourceFileId addRow(const HistoryFile &file);
+    void noteRules(SourceFileId id);
     std::unordered_map<std::string, SourceFileId> &rowsByContent();
 
     SQLite::Database &m_database;
     const Clock &m_clock;
     FailureLog &m_log;
+    ReadBy m_rules;
     /// By keyOf(), rows of earlier builds by the hash alone. The table has no index by hash, and a
     /// cache may hold ten thousand pages, each of which would be looked for among all.
     std::optional<std::unordered_map<std::string, SourceFileId>> m_rowsByContent;

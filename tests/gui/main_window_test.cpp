@@ -47,6 +47,7 @@ class MainWindowTest : public QObject {
     void aProjectAmongTheEvidenceGetsNoImport();
     void anImportBesideAnotherIsRefused();
     void theWizardMakesThumbnailsWhenItsBoxIsTicked();
+    void theWizardKeepsTheChoiceOfTheClassicRules();
     void theWizardRefusesAFolderThatIsNotThere();
     void anUntickedFileIsNotRead();
     void cancelWorksAboveTheWizard();
@@ -170,6 +171,34 @@ void MainWindowTest::theWizardMakesThumbnailsWhenItsBoxIsTicked() {
         QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
     });
     trigger(*m_form, "actImport");
+}
+
+void MainWindowTest::theWizardKeepsTheChoiceOfTheClassicRules() {
+    Program &program = m_desk->program;
+    const fs::path evidence = makeEvidence(m_desk->folder);
+    m_desk->folder.write("evidence/Default/Local Storage/leveldb/CURRENT", "MANIFEST-000001");
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actNew");
+    const auto filesWith = [&](bool classic) {
+        int files = 0;
+        whenShown<ImportForm>([&](ImportForm &wizard) {
+            auto &box = child<QCheckBox>(wizard, "chkClassicOnly");
+            QVERIFY(!box.toolTip().isEmpty());
+            if (box.isChecked() != classic)
+                QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(10, box.height() / 2));
+            startAt(wizard, evidence);
+            QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
+            files = child<QTableView>(wizard, "ImportGrid").model()->rowCount();
+            QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
+        });
+        trigger(*m_form, "actImport");
+        return files;
+    };
+    QVERIFY(!program.import.classicOnly); // the setting is off
+    QCOMPARE(filesWith(false), 4);
+    QCOMPARE(filesWith(true), 3);
+    QVERIFY(program.import.classicOnly);
+    QVERIFY(program.settings.readIniValue("BEYOND", "ClassicOnly", false));
 }
 
 void MainWindowTest::theWizardRefusesAFolderThatIsNotThere() {

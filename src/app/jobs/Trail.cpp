@@ -22,7 +22,17 @@ void complete(const Program &program, TrailEntry &entry) {
     entry.appVersion = program.thisClass.appVersion;
 }
 
-TrailEntry entryOf(const ArtefactResult &artefact) {
+/// By what the rows differ from those of other imports of the file; empty for most.
+std::string rulesOf(const ImportSettings &job) {
+    std::string text;
+    if (job.classicOnly)
+        text += "; by the classic rules alone";
+    if (job.secrets)
+        text += "; with passwords, where there are any";
+    return text;
+}
+
+TrailEntry entryOf(const ArtefactResult &artefact, const ImportSettings &job) {
     TrailEntry entry;
     entry.action = "Import";
     entry.detail = fmt::format("{}: {}", artefact.readerKey, stateWord(artefact.state));
@@ -35,6 +45,7 @@ TrailEntry entryOf(const ArtefactResult &artefact) {
             fmt::format(", {} not reached", counted(artefact.notReached, "entry", "entries"));
     if (!artefact.warning.empty())
         entry.detail += "; " + artefact.warning;
+    entry.detail += rulesOf(job);
     entry.filePath = textOf(artefact.path);
     entry.fileSize = static_cast<std::int64_t>(artefact.fileSize);
     entry.md5Hash = artefact.md5Hash;
@@ -104,7 +115,7 @@ void noteImport(Program &program, const ImportSummary &summary) {
         for (const ArtefactResult &artefact : summary.artefacts) {
             if (artefact.state == ArtefactState::notReached)
                 continue;
-            TrailEntry entry = entryOf(artefact);
+            TrailEntry entry = entryOf(artefact, program.import);
             complete(program, entry);
             trail.add(entry);
             batch.written();

@@ -21,6 +21,8 @@ void handDown(Program &program, const SettingFacts &row) {
         program.import.parseAdvancedMetadata = state.parseAdvancedMetadata;
     if (is(&SettingValues::thumbnailsWhileImporting))
         program.import.makeThumbnails = state.thumbnailsWhileImporting;
+    if (is(&SettingValues::classicOnly))
+        program.import.classicOnly = state.classicOnly;
 }
 
 void tellUnkept(const Program &program, bool isKnown) {

@@ -127,7 +127,12 @@ QWidget *ImportChoicePage::newOptions(const ImportSettings &job) {
     m_thumbnails->setToolTip(
         tr("Makes the import slower: some seven pages and some hundred pictures are drawn in a "
            "second. The gallery can make them later."));
-    for (QCheckBox *box : {m_recurse, m_verify, m_metadata, m_thumbnails})
+    m_classic = newBox(tr("Only the files and rows of the &classic rules"), "chkClassicOnly",
+                       job.classicOnly);
+    m_classic->setToolTip(
+        tr("What the first version took, to compare with earlier cases. Each further visit, "
+           "download and search, and whatever today's browsers keep, is left out."));
+    for (QCheckBox *box : {m_recurse, m_verify, m_metadata, m_thumbnails, m_classic})
         column->addWidget(box);
     return group;
 }
@@ -143,6 +148,7 @@ void ImportChoicePage::applyTo(ImportSettings &job) const {
     job.verifyFileSignatures = m_verify->isChecked();
     job.parseAdvancedMetadata = m_metadata->isChecked();
     job.makeThumbnails = m_thumbnails->isChecked();
+    job.classicOnly = m_classic->isChecked();
     for (const Kind &kind : m_kinds)
         setWanted(job, *kind.option, kind.box->isChecked());
 }

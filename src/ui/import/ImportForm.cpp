@@ -112,6 +112,7 @@ void ImportForm::startScan() {
     m_choice->applyTo(job);
     keepFlag(m_program, "ParseAdvancedMetaData", job.parseAdvancedMetadata);
     keepFlag(m_program, "ThumbnailsWhileImporting", job.makeThumbnails);
+    keepFlag(m_program, "ClassicOnly", job.classicOnly);
     if (!startingDirectoryIsUsable())
         return;
     requireZones(m_program);

@@ -11,7 +11,7 @@ namespace {
 
 TEST(Schema, tablesHaveTheirColumnsInNumber) {
     const std::map<std::string, std::size_t> counts = {
-        {"URLs", 78},    {"DefaultSettings", 2}, {"LinkAnalysis", 5}, {"SourceFiles", 14},
+        {"URLs", 78},    {"DefaultSettings", 2}, {"LinkAnalysis", 5}, {"SourceFiles", 15},
         {"Links", 4},    {"Tags", 15},           {"TagOptions", 4},   {"URLMetaData", 11},
         {"Keywords", 2}, {"URLSortTable", 2},    {"RecordFacts", 4}};
     EXPECT_EQ(schema::projectTables().size(), counts.size());
@@ -48,7 +48,7 @@ TEST(Schema, theValidationTextTellsAViewHowToShowAColumn) {
 
 TEST(SchemaCatalogue, theProjectKeepsWhatSQLiteDoesNot) {
     test::TestProject project;
-    EXPECT_EQ(project.number("SELECT count(*) FROM SchemaColumns"), 141);
+    EXPECT_EQ(project.number("SELECT count(*) FROM SchemaColumns"), 142);
     EXPECT_EQ(project.text("SELECT ValidationText || '|' || Properties || '|' || Type FROM "
                            "SchemaColumns WHERE TableName = 'URLs' AND Ordinal = 0"),
               "show:00:01000:URN|Autoincrement=true|Long");

@@ -48,6 +48,22 @@ TEST_F(SourceFilesTest, theSameContentKeepsItsRow) {
               "first.dat,other.dat");
 }
 
+TEST_F(SourceFilesTest, aFileThatAllRulesHaveReadIsNoLongerTheClassicOnesAlone) {
+    SourceFiles classic{project.connection(), project.clock, project.log, ReadBy::classicRules};
+    HistoryFile first = artefact("first.dat", "abc");
+    HistoryFile other = artefact("other.dat", "def");
+    ASSERT_TRUE(classic.logFile(first));
+    ASSERT_TRUE(sources.logFile(other));
+    const char *const rules = "SELECT group_concat(ClassicOnly) FROM SourceFiles";
+    EXPECT_EQ(project.text(rules), "1,0");
+    SourceFiles again{project.connection(), project.clock, project.log, ReadBy::classicRules};
+    ASSERT_TRUE(again.logFile(other));
+    EXPECT_EQ(project.text(rules), "1,0") << "what was read stays read";
+    SourceFiles later{project.connection(), project.clock, project.log};
+    ASSERT_TRUE(later.logFile(first));
+    EXPECT_EQ(project.text(rules), "0,0");
+}
+
 TEST_F(SourceFilesTest, filesWithoutHashAreNotTheSame) {
     HistoryFile first = artefact("first.dat", "");
     HistoryFile second = artefact("second.dat", "");

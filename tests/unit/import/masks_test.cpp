@@ -48,6 +48,13 @@ TEST(MaskText, joinsThePiecesOfTheBoxesThatAreOn) {
     EXPECT_EQ(maskText(job), "index*.dat;*-UC-index.dat");
 }
 
+TEST(MaskText, ofTheClassicRulesIsThatOfTheFirstFormats) {
+    ImportSettings job;
+    job.classicOnly = true;
+    EXPECT_EQ(maskText(job), maskText(ImportSettings(), test::firstFormats()));
+    EXPECT_NE(maskText(ImportSettings()), maskText(job));
+}
+
 TEST(MaskText, hasNoPieceForCookiesOfInternetExplorer) {
     ImportSettings job = nothingWanted();
     setWanted(job, test::importOption("chkCookiesIE"), true);

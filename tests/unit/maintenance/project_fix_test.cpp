@@ -144,7 +144,7 @@ TEST_F(ProjectFixTest, whatTheAuditShowsOfRebuiltPagesGoesAlong) {
 
 TEST_F(ProjectFixTest, factsAndOriginsGoAlongAsTheyWere) {
     change("UPDATE SourceFiles SET Browser = 'Brave', Profile = 'Default', Person = 'alice', "
-           "BrowserVersion = '1.2', Device = 'phone', SHA256Hash = 'ab'; "
+           "BrowserVersion = '1.2', Device = 'phone', SHA256Hash = 'ab', ClassicOnly = 1; "
            "UPDATE URLs SET Browser = 'Brave', Person = 'alice' WHERE URL_ID = 1; "
            "INSERT INTO RecordFacts VALUES (1, 'field_value', '007', NULL), "
            "(1, 'visit_duration', 1.5, 1500000), (2, 'of a later build', 3, 'x')");
@@ -155,8 +155,8 @@ TEST_F(ProjectFixTest, factsAndOriginsGoAlongAsTheyWere) {
     ASSERT_EQ(fix().end, FixEnd::fixed);
     EXPECT_EQ(text(rows), before);
     EXPECT_EQ(text("SELECT Browser || Profile || Person || BrowserVersion || Device || SHA256Hash "
-                   "FROM SourceFiles"),
-              "BraveDefaultalice1.2phoneab");
+                   "|| ClassicOnly FROM SourceFiles"),
+              "BraveDefaultalice1.2phoneab1");
     EXPECT_EQ(
         text("SELECT group_concat(coalesce(Browser, '-') || coalesce(Person, '-')) FROM URLs"),
         "Bravealice,--");
@@ -168,7 +168,7 @@ TEST_F(ProjectFixTest, aProjectOfTheVersionBeforeGetsWhatItLacks) {
     for (const char *column : {"Browser", "Profile", "Person"})
         change(std::string("ALTER TABLE URLs DROP COLUMN ") + column);
     for (const char *column :
-         {"SHA256Hash", "Browser", "BrowserVersion", "Profile", "Person", "Device"})
+         {"SHA256Hash", "Browser", "BrowserVersion", "Profile", "Person", "Device", "ClassicOnly"})
         change(std::string("ALTER TABLE SourceFiles DROP COLUMN ") + column);
     const std::string rows = shapeOfRows(path);
     const auto lines = linesOf(scan());

@@ -10,17 +10,20 @@ struct ProjectSchemaTest : test::ProjectCommandsTest {};
 
 TEST_F(ProjectSchemaTest, saveAsTakesFactsAndOriginsAlong) {
     commands.openFile(path, OpenMode::newAtPath);
-    db().connection().exec("INSERT INTO SourceFiles(Browser, Person) VALUES ('Brave', 'alice'); "
+    db().connection().exec("INSERT INTO SourceFiles(Browser, Person, ClassicOnly) VALUES "
+                           "('Brave', 'alice', 1); "
                            "INSERT INTO URLs(SourceFile_ID, Browser) VALUES (1, 'Brave'); "
                            "INSERT INTO RecordFacts VALUES (1, 'count', 3, '3')");
     dialogs.answer = folder.path() / "copy.nvp";
     EXPECT_TRUE(commands.saveAs());
-    EXPECT_EQ(db().connection()
-                  .execAndGet("SELECT S.Person || U.Browser || F.Name || typeof(F.Value) || "
-                              "typeof(F.RawValue) FROM SourceFiles S JOIN URLs U USING "
-                              "(SourceFile_ID) JOIN RecordFacts F USING (URL_ID)")
-                  .getString(),
-              "aliceBravecountintegertext");
+    EXPECT_EQ(
+        db().connection()
+            .execAndGet(
+                "SELECT S.Person || S.ClassicOnly || U.Browser || F.Name || typeof(F.Value) || "
+                "typeof(F.RawValue) FROM SourceFiles S JOIN URLs U USING "
+                "(SourceFile_ID) JOIN RecordFacts F USING (URL_ID)")
+            .getString(),
+        "alice1Bravecountintegertext");
 }
 
 TEST_F(ProjectSchemaTest, aProjectWithoutTheTablesOfThisBuildIsOlderAndTakesNoImport) {
