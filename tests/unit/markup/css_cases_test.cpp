@@ -209,14 +209,6 @@ TEST_F(CssCases, oneDeclaration) {
            21});
 }
 
-TEST_F(CssCases, oneRule) {
-    check({"one_rule.json",
-           [](const Tokens &tokens, CssRange part) {
-               return onlyOf(itemsOf(tokens, cssStyleSheet(tokens, part)));
-           },
-           14});
-}
-
 TEST_F(CssCases, styleSheets) {
     check({"stylesheet.json",
            [](const Tokens &tokens, CssRange part) {
