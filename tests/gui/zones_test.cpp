@@ -38,7 +38,7 @@ class ZonesTest : public QObject {
     void theWizardOnlyTellsALaterImport();
 
   private:
-    std::string zone() const { return zoneKey(m_desk->program.thisClass.gmtZone); }
+    std::string zone() const { return zoneKey(m_desk->program.state.gmtZone); }
     void importFrom(const fs::path &evidence, const std::function<void(ImportForm &)> &look);
 
     std::unique_ptr<Desk> m_desk;
@@ -204,7 +204,7 @@ void ZonesTest::theWizardTakesTheZoneThatTheEvidenceNames() {
                  QStringLiteral("Times are shown in: Asia/Kathmandu"));
     });
     QCOMPARE(zone(), std::string("Asia/Kathmandu"));
-    const double minutes = m_desk->program.thisClass.projectDB.connection()
+    const double minutes = m_desk->program.state.projectDB.connection()
                                .execAndGet("SELECT round(max(ActionDateLocal - ActionDateUTC) * "
                                            "1440) FROM URLs")
                                .getDouble();

@@ -28,7 +28,7 @@ void noteChange(Program &program, const std::string &before, std::optional<std::
     TrailEntry entry;
     entry.action = "Time Zone";
     entry.detail =
-        fmt::format("{} -> {}; local dates {}", before, textOfZone(program.thisClass.gmtZone),
+        fmt::format("{} -> {}; local dates {}", before, textOfZone(program.state.gmtZone),
                     rows ? "stored anew" : "stay as they were stored");
     entry.rowCount = rows.value_or(0);
     noteInTrail(program, std::move(entry));
@@ -37,7 +37,7 @@ void noteChange(Program &program, const std::string &before, std::optional<std::
 } // namespace
 
 bool changeZone(Program &program, std::string_view key, TaskMonitor &task) {
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     const TimeZone before = state.gmtZone;
     const bool wasUnread = state.zoneIsUnread;
     if (!setZone(program, key))
@@ -47,8 +47,8 @@ bool changeZone(Program &program, std::string_view key, TaskMonitor &task) {
         state.projectDB.isReadOnly())
         return true;
     std::optional<OpenTask> window;
-    if (&task == &program.thread)
-        window.emplace(program.thread, TaskHeading{"STORING LOCAL DATES", "Norvelane", {}, {}});
+    if (&task == &program.task)
+        window.emplace(program.task, TaskHeading{"STORING LOCAL DATES", "Norvelane", {}, {}});
     std::optional<std::int64_t> rows;
     const auto failure = failureOf(program.log, kProcedure, [&] {
         rows = storeLocalDates(state.projectDB.connection(),

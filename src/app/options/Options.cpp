@@ -53,7 +53,7 @@ bool isFolder(const fs::path &path) {
 class Application {
   public:
     Application(Program &program, Options options, const OptionsOccasion &occasion)
-        : m_program(program), m_state(program.thisClass), m_settings(program.settings),
+        : m_program(program), m_state(program.state), m_settings(program.settings),
           m_options(std::move(options)), m_occasion(occasion) {}
 
     OptionsOutcome run() {
@@ -179,7 +179,7 @@ bool Application::takeZone() {
         return true;
     const std::string key = m_options.exactZone.empty() ? fmt::format("{}", *m_options.timeZoneID)
                                                         : m_options.exactZone;
-    if (!changeZone(m_program, key, m_program.thread))
+    if (!changeZone(m_program, key, m_program.task))
         return false;
     const TimeZone &zone = m_state.gmtZone;
     write("TimeZoneBias", fmt::format("{}", zone.tzBias));
@@ -321,7 +321,7 @@ std::vector<ZoneRow> initTimeZone(Program &program) {
 }
 
 std::string connectionStatus(Program &program, const std::string &name) {
-    std::string &inForce = program.thisClass.networkConnectionName;
+    std::string &inForce = program.state.networkConnectionName;
     const std::string kept = std::exchange(inForce, name);
     const std::string status = networkConnectionStatus(program);
     inForce = kept;
@@ -330,7 +330,7 @@ std::string connectionStatus(Program &program, const std::string &name) {
 
 std::string switchConnectionOver(Program &program, const std::string &name) {
     const bool isUp = connectionStatus(program, name) == "ENABLED";
-    std::string &inForce = program.thisClass.networkConnectionName;
+    std::string &inForce = program.state.networkConnectionName;
     const std::string kept = std::exchange(inForce, name);
     const bool done = toggleNetworkConnection(
         program, isUp ? ConnectionState::disabled : ConnectionState::enabled, Quiet::no);

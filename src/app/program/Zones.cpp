@@ -51,7 +51,7 @@ std::shared_ptr<const ExactZone> exactZoneNamed(const Program &program, std::str
 }
 
 std::string keyInList(Program &program) {
-    const TimeZone &zone = program.thisClass.gmtZone;
+    const TimeZone &zone = program.state.gmtZone;
     const auto rows = ZoneDatabase(program.paths.zones(), program.log).listZones();
     const auto place = placeInList(rows, zone);
     return !zone.exact && place ? fmt::format("{}", rows[*place].timeZoneID) : zoneKey(zone);
@@ -82,7 +82,7 @@ std::vector<ZoneHint> knownZoneHints(Program &program, const std::filesystem::pa
 }
 
 bool setZone(Program &program, std::int64_t id) {
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     const Clock &clock = program.around.clock;
     const ZoneChange change =
         ZoneDatabase(program.paths.zones(), program.log)
@@ -98,7 +98,7 @@ bool setZone(Program &program, std::int64_t id) {
 bool setZone(Program &program, std::string_view key) {
     if (const auto id = numberIn(key))
         return setZone(program, *id);
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     const auto failure = failureOf(program.log, kProcedure, [&] {
         setExactZone(state.gmtZone, exactZoneNamed(program, key),
                      Date::fromTimePoint(program.around.clock.now()));

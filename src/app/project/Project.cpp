@@ -27,13 +27,13 @@ constexpr std::string_view kZoneSetting = "LastTimeZoneID";
 constexpr std::string_view kRootSetting = "RootPath";
 
 ProjectFields fieldsOf(Program &program) {
-    return {program.thisClass.projectDB.connection(), program.log};
+    return {program.state.projectDB.connection(), program.log};
 }
 
 void becomeOpen(Program &program, LogOf log) {
     if (log == LogOf::project)
         program.log.remove();
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     state.projectDBPath = state.projectDB.filePath;
     const std::string root = fieldsOf(program).getDefault(kRootSetting);
     state.rootPath = pathFromText(root).value_or(root);
@@ -62,7 +62,7 @@ bool isProjectName(const fs::path &path) {
 bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold.reset();
     auto hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
-    ProjectDatabase &project = program.thisClass.projectDB;
+    ProjectDatabase &project = program.state.projectDB;
     const fs::path whole = fs::absolute(path);
     refuseLoneLog(whole);
     // Whoever is killed meanwhile leaves no file that passes for a project and is none.
@@ -86,7 +86,7 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
-    if (const TimeZone &zone = program.thisClass.gmtZone; !zone.exact)
+    if (const TimeZone &zone = program.state.gmtZone; !zone.exact)
         setZone(program, zone.tzTimeZoneID);
     return true;
 }
@@ -97,13 +97,13 @@ void openProject(Program &program, const fs::path &path, Access access, Holding 
     std::unique_ptr<ProjectHold> hold;
     if (access != Access::read && holding == Holding::yes && fs::exists(path))
         hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
-    ProjectDatabase &project = program.thisClass.projectDB;
+    ProjectDatabase &project = program.state.projectDB;
     project.filePath = fs::absolute(path);
     project.open(access);
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
-    program.thisClass.zoneIsUnread = false;
-    program.thisClass.zoneIsUnread = !takeStoredZone(program, fieldsOf(program));
+    program.state.zoneIsUnread = false;
+    program.state.zoneIsUnread = !takeStoredZone(program, fieldsOf(program));
 }
 
 void requireZones(Program &program) {
@@ -116,14 +116,14 @@ void requireZones(Program &program) {
         refuse("the table of time zones is missing", "was expected");
     if (ZoneDatabase(file, program.log).listZones().empty())
         refuse("the table of time zones is damaged", "can't be read");
-    if (program.thisClass.zoneIsUnread)
+    if (program.state.zoneIsUnread)
         throw StorageFailure(
             fmt::format("the project's time zone is not known: \"{}\". Nothing was imported",
                         fieldsOf(program).getDefault(kZoneSetting)));
 }
 
 void requireSchema(Program &program) {
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     if (const std::string missing = missingForImport(state.projectDB.connection());
         !missing.empty())
         throw StorageFailure(fmt::format(
@@ -133,13 +133,13 @@ void requireSchema(Program &program) {
 }
 
 DateSettings dateSettings(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     const int year = Date::fromTimePoint(program.around.clock.now()).civil().year;
     return {state.dateFormat, state.timeFormat, state.enableDSTChanges, year};
 }
 
 void closeProject(Program &program) {
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     if (!state.projectDB.isReadOnly()) {
         if (!state.zoneIsUnread &&
             !fieldsOf(program).saveDefaultSetting(kZoneSetting, zoneKey(state.gmtZone)))
@@ -158,8 +158,8 @@ void closeProject(Program &program) {
 }
 
 void setRootPath(Program &program, const fs::path &root) {
-    program.thisClass.rootPath = root;
-    if (program.thisClass.projectDB.isReadOnly() ||
+    program.state.rootPath = root;
+    if (program.state.projectDB.isReadOnly() ||
         fieldsOf(program).saveDefaultSetting(kRootSetting, textOf(root)))
         return;
     throw StorageFailure(fmt::format("the project can't keep its base folder \"{}\"; see \"{}\"",
@@ -167,14 +167,14 @@ void setRootPath(Program &program, const fs::path &root) {
 }
 
 AppBuild buildOf(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     return {state.appBuildMajor, state.appBuildMinor, state.appBuildRevision};
 }
 
 bool isOlderProject(Program &program) {
-    if (program.thisClass.disableFileVersionCheck)
+    if (program.state.disableFileVersionCheck)
         return false;
-    SQLite::Database &project = program.thisClass.projectDB.connection();
+    SQLite::Database &project = program.state.projectDB.connection();
     return stampOf(project, program.log) < buildOf(program) || !missingForImport(project).empty();
 }
 

@@ -99,9 +99,9 @@ bool ImportForm::startingDirectoryIsUsable() {
         m_program.around.examiner.tell(messages::startingDirectoryMissing());
     else if (!fs::exists(start))
         m_program.around.examiner.tell(messages::startingDirectoryGone());
-    else if (liesInEvidence(m_program.thisClass.projectDBPath, start))
+    else if (liesInEvidence(m_program.state.projectDBPath, start))
         m_program.around.examiner.tell(
-            messages::liesInEvidence(m_program.thisClass.projectDBPath, start));
+            messages::liesInEvidence(m_program.state.projectDBPath, start));
     else
         return true;
     return false;
@@ -179,7 +179,7 @@ void ImportForm::showZone() {
 
 /// False when the examiner is to choose again.
 bool ImportForm::takeZone() {
-    return m_zoneKey == keyInList(m_program) || changeZone(m_program, m_zoneKey, m_program.thread);
+    return m_zoneKey == keyInList(m_program) || changeZone(m_program, m_zoneKey, m_program.task);
 }
 
 void ImportForm::showScan(const ScanResult &result) {
@@ -222,7 +222,7 @@ void ImportForm::chooseBase() {
     const fs::path base = !named.empty()            ? fs::canonical(named)
                           : fs::is_directory(start) ? start
                                                     : start.parent_path();
-    if (base != m_program.thisClass.rootPath)
+    if (base != m_program.state.rootPath)
         setRootPath(m_program, base);
     keepEvidenceFolder(m_program, start);
 }
@@ -240,10 +240,10 @@ void ImportForm::runImport() {
     setEnabled(false);
     ImportSummary summary;
     const auto failure = failureOf(m_program.log, "ImportForm.ImportFiles()", [&] {
-        const ImportClaim claim(m_program.thisClass.projectDBPath);
+        const ImportClaim claim(m_program.state.projectDBPath);
         chooseBase();
-        const OpenTask task(m_program.thread, {});
-        summary = runImportJob(m_program, m_program.thread, m_program.thisClass.tempFolderPath);
+        const OpenTask task(m_program.task, {});
+        summary = runImportJob(m_program, m_program.task, m_program.state.tempFolderPath);
     });
     m_imported = true;
     m_running = false;

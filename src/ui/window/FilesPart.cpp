@@ -99,9 +99,8 @@ void FilesPart::takePath(const fs::path &path) {
 }
 
 void FilesPart::chooseBaseFolder() {
-    const auto chosen =
-        m_bench.dialogs.chooseFolder("Select the BASE root folder for all evidence in project:",
-                                     m_bench.program.thisClass.rootPath);
+    const auto chosen = m_bench.dialogs.chooseFolder(
+        "Select the BASE root folder for all evidence in project:", m_bench.program.state.rootPath);
     if (!chosen)
         return;
     setRootPath(m_bench.program, fs::canonical(*chosen));
@@ -113,7 +112,7 @@ void FilesPart::chooseTimeZone() {
     ZoneForm dialog(program, keyInList(program), &m_bench.window);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    if (changeZone(program, dialog.key(), program.thread))
+    if (changeZone(program, dialog.key(), program.task))
         m_bench.reload();
 }
 

@@ -24,7 +24,7 @@ struct Cancelled final : TaskMonitor {
 };
 
 struct ZoneJobTest : ProjectCommandsTest {
-    TimeZone &zone() { return program->thisClass.gmtZone; }
+    TimeZone &zone() { return program->state.gmtZone; }
     /// A row of that summer's day, as an import in the zone in force stores it.
     void addRow() {
         RecordStore store(db().connection(), {zone(), true}, clock, log);

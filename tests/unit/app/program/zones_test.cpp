@@ -10,7 +10,7 @@ namespace {
 using testing::HasSubstr;
 
 struct ZonesTest : ProjectCommandsTest {
-    TimeZone &zone() { return program->thisClass.gmtZone; }
+    TimeZone &zone() { return program->state.gmtZone; }
 };
 
 TEST_F(ZonesTest, aProjectKeepsItsExactZone) {
