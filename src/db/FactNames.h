@@ -36,6 +36,10 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "annotation",
     "site_title",
     "description",
+    "from_url",
+    "page_id",
+    "url_from",
+    "linked_from",
     // searches
     "search_term",
     "search_engine",
@@ -61,6 +65,8 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "sha256",
     "etag",
     "last_modified",
+    "http_method",
+    "original_mime_type",
     // cookies
     "path",
     "secure",

@@ -2,6 +2,7 @@
 
 #include "readers/RecordKind.h"
 #include "readers/chrome/Formats.h"
+#include "readers/chrome/HistoryFormats.h"
 #include "readers/firefox/Formats.h"
 #include "readers/ie/Formats.h"
 #include "readers/mac/Formats.h"
@@ -41,6 +42,8 @@ constexpr std::array kFormats = {
     &kSimpleHtmlFormat,
     &kMacIECacheFormat,
     &kCsvFormat,
+    // beyond the classic rules
+    &kChromiumHistoryFormat,
 };
 
 template <class Wanted>

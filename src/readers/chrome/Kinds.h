@@ -29,4 +29,25 @@ inline constexpr RecordKind kChromeCookies = {
     .reportedAsInternetExplorer = true,
 };
 
+inline constexpr RecordKind kChromeVisit = {
+    .key = "chrome-visit",
+    .word = "Chrome Visit",
+    .family = &families::chrome,
+    .group = RecordGroup::history,
+};
+
+inline constexpr RecordKind kChromeDownload = {
+    .key = "chrome-download",
+    .word = "Chrome Download",
+    .family = &families::chrome,
+    .group = RecordGroup::history,
+};
+
+inline constexpr RecordKind kChromeSearchTerm = {
+    .key = "chrome-search-term",
+    .word = "Chrome Search Term",
+    .family = &families::chrome,
+    .group = RecordGroup::history,
+};
+
 } // namespace nv
