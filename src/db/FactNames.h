@@ -101,6 +101,7 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "tags",
     "icon_url",
     "rank",
+    "misses",
     // caches and indexes
     "last_checked",
     "stale_hash",

@@ -44,6 +44,10 @@ constexpr std::array kFormats = {
     &kCsvFormat,
     // beyond the classic rules
     &kChromiumHistoryFormat,
+    &kChromiumFaviconsFormat,
+    &kChromiumTopSitesFormat,
+    &kChromiumShortcutsFormat,
+    &kChromiumPredictorFormat,
 };
 
 template <class Wanted>

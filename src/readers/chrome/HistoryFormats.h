@@ -4,8 +4,12 @@
 
 namespace nv {
 
-// A profile's history, known by its tables below any folder.
+// A profile's history and what else remembers its pages, known by their tables below any folder.
 
 extern const Reader kChromiumHistoryFormat;
+extern const Reader kChromiumFaviconsFormat;
+extern const Reader kChromiumTopSitesFormat;
+extern const Reader kChromiumShortcutsFormat;
+extern const Reader kChromiumPredictorFormat;
 
 } // namespace nv

@@ -50,4 +50,25 @@ inline constexpr RecordKind kChromeSearchTerm = {
     .group = RecordGroup::history,
 };
 
+inline constexpr RecordKind kChromeShortcut = {
+    .key = "chrome-shortcut",
+    .word = "Chrome Shortcut",
+    .family = &families::chrome,
+    .group = RecordGroup::other,
+};
+
+inline constexpr RecordKind kChromeIcon = {
+    .key = "chrome-icon",
+    .word = "Chrome Icon",
+    .family = &families::chrome,
+    .group = RecordGroup::other,
+};
+
+inline constexpr RecordKind kChromeTopSite = {
+    .key = "chrome-top-site",
+    .word = "Chrome Top Site",
+    .family = &families::chrome,
+    .group = RecordGroup::other,
+};
+
 } // namespace nv
