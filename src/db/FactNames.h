@@ -43,6 +43,8 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "interaction",
     "view_time",
     "key_presses",
+    "url_from",
+    "linked_from",
     // searches
     "search_term",
     "search_engine",
@@ -68,6 +70,8 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "sha256",
     "etag",
     "last_modified",
+    "http_method",
+    "original_mime_type",
     // cookies
     "path",
     "secure",
@@ -119,6 +123,7 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "tags",
     "icon_url",
     "rank",
+    "misses",
     // caches and indexes
     "last_checked",
     "stale_hash",

@@ -2,6 +2,7 @@
 
 #include "readers/RecordKind.h"
 #include "readers/chrome/Formats.h"
+#include "readers/chrome/HistoryFormats.h"
 #include "readers/chrome/ProfileFormats.h"
 #include "readers/chrome/UnreadFormats.h"
 #include "readers/firefox/Formats.h"
@@ -49,6 +50,11 @@ constexpr std::array kFormats = {
     &kMacIECacheFormat,
     &kCsvFormat,
     // Beyond the classic rules; what isn't read yet is the last to be tried.
+    &kChromiumHistoryFormat,
+    &kChromiumFaviconsFormat,
+    &kChromiumTopSitesFormat,
+    &kChromiumShortcutsFormat,
+    &kChromiumPredictorFormat,
     &kChromiumCookiesFormat,
     &kChromiumWebDataFormat,
     &kChromiumLoginsFormat,

@@ -110,6 +110,8 @@ inline fs::path makeEvidence(const TempFolder &folder) {
     fs::create_directories(folder.path() / "evidence" / "Chrome");
     ChromeHistory history(folder.path() / "evidence" / "Chrome" / "History");
     addExamplePages(history);
+    history.run("DELETE FROM visits WHERE visit_time <> "
+                "(SELECT last_visit_time FROM urls WHERE urls.id = visits.url)"); // a row a page
     history.close();
     folder.write("evidence/Safari/Cookies.plist", std::string(64, 'x')); // is not read yet
     return folder.path() / "evidence";

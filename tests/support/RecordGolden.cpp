@@ -127,6 +127,7 @@ constexpr GoldenColumn kColumns[] = {
     {"OtherDate", [](const Row &r) { return r.date(r.record.OtherDate); }},
     {"OtherDateMeaning", [](const Row &r) { return r.record.OtherDateMeaning; }},
     {"RecordSize", [](const Row &r) { return std::to_string(r.record.RecordSize); }},
+    {"Referrer", [](const Row &r) { return r.record.Referrer; }},
     {"Reference_ID", [](const Row &r) { return std::to_string(r.record.Reference_ID); }},
     {"Status", statusOf},
     {"Typed", [](const Row &r) { return wordIf(r.record.Typed, "typed"); }},

@@ -16,7 +16,8 @@ namespace {
 
 using enum HistoryFileType;
 
-constexpr const RecordKind *kHistoryKinds[] = {&kChromeHistory};
+constexpr const RecordKind *kHistoryKinds[] = {&kChromeHistory, &kChromeVisit, &kChromeDownload,
+                                               &kChromeSearchTerm};
 constexpr const RecordKind *kCacheKinds[] = {&kChromeCache};
 constexpr const RecordKind *kCookieKinds[] = {&kChromeCookies};
 
@@ -59,7 +60,7 @@ constinit const Reader kChromeHistoryFormat = {
     .read = parseChromeHistoryFile,
     .kinds = kHistoryKinds,
     .page = "chrome-history",
-    .cases = {"chrome-history", "History", "chrome-history/three-pages"},
+    .cases = {"chrome-history", "History", "chromium-history/every-table"},
 };
 
 constinit const Reader kChromeCacheFormat = {

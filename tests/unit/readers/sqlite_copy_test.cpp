@@ -24,6 +24,7 @@ std::string bytesOf(const fs::path &file) {
 class SqliteCopy : public testing::Test {
   protected:
     fs::path file() const { return folder.path() / "Default" / "History"; }
+    SqliteCopy() { reading.classicOnly = true; }
     test::SqliteHistoryReading &read() { return reading.read(parseChromeHistoryFile, file()); }
     void expectUntouched(const std::map<std::string, std::string> &before) const {
         EXPECT_EQ(test::contentsOf(folder.path()), before);

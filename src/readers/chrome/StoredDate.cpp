@@ -1,0 +1,36 @@
+#include "readers/chrome/StoredDate.h"
+
+#include "time/DateFormat.h"
+#include "time/SourceClocks.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+namespace {
+
+constexpr std::int64_t kMicrosecondsInASecond = 1'000'000;
+
+} // namespace
+
+Date chromeDate(std::optional<std::int64_t> stored) {
+    return stored.value_or(0) == 0 ? Date() : chromeTimeToDate(*stored);
+}
+
+void addChromeDate(FactList &facts, FactName name, std::optional<std::int64_t> stored) {
+    if (stored.value_or(0) == 0)
+        return;
+    std::string text = formatDate(chromeTimeToDate(*stored), "yyyy-mm-dd hh:nn:ss");
+    const std::int64_t rest = *stored % kMicrosecondsInASecond;
+    const std::int64_t fraction = rest < 0 ? rest + kMicrosecondsInASecond : rest;
+    if (!text.empty() && fraction != 0)
+        text += fmt::format(".{:06}", fraction);
+    facts.add(name, std::move(text), *stored);
+}
+
+void addSeconds(FactList &facts, FactName name, std::int64_t microseconds) {
+    facts.add(name, static_cast<double>(microseconds) / static_cast<double>(kMicrosecondsInASecond),
+              microseconds);
+}
+
+} // namespace nv

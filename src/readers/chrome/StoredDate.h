@@ -1,0 +1,21 @@
+#pragma once
+
+#include "db/FactList.h"
+#include "time/Date.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace nv {
+
+/// Microseconds since 1601. The browser stores 0 for what never happened; it is not the year 1601.
+Date chromeDate(std::optional<std::int64_t> stored);
+
+/// The date with its fraction of a second; nothing for what never happened. What is no date stays
+/// as it is stored.
+void addChromeDate(FactList &facts, FactName name, std::optional<std::int64_t> stored);
+
+/// A span in seconds, of microseconds.
+void addSeconds(FactList &facts, FactName name, std::int64_t microseconds);
+
+} // namespace nv
