@@ -240,7 +240,7 @@ FactList UrlTable::facts(std::size_t place, RecordFacts &reader) {
     auto facts = trapped(m_log, Severity::Low, kProcedure, kNotSerious, std::optional<FactList>(),
                          [&] { return std::optional(reader.of(id)); });
     if (!facts)
-        m_pager.noteUnread(static_cast<std::int32_t>(number(id)));
+        m_pager.noteUnread(id);
     return std::move(facts).value_or(FactList());
 }
 
