@@ -1,6 +1,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "db/FactNames.h"
+#include "support/Places.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +13,7 @@ namespace {
 
 /// The names in the first cells of the page's tables.
 std::multiset<std::string> namesInThePage() {
-    const Bytes page =
-        readWhole(std::filesystem::path(NV_GOLDEN_DIR) / "../../docs/formats/facts.md");
+    const Bytes page = readWhole(test::docsFolder() / "formats/facts.md");
     std::multiset<std::string> names;
     for (const std::string_view line : split(ByteView(page).raw(), '\n')) {
         if (!line.starts_with("| `"))
