@@ -234,7 +234,8 @@ TEST(PathOrigin, profilesHaveTheNamesThatChromiumGives) {
 
 TEST(BrowserPlaces, areWrittenAsTheyAreCompared) {
     const auto isLower = [](std::string_view text) {
-        return std::ranges::none_of(text, [](char c) { return c >= 'A' && c <= 'Z'; });
+        return std::ranges::none_of(text,
+                                    [](char letter) { return letter >= 'A' && letter <= 'Z'; });
     };
     for (const BrowserPlace &place : browserPlaces()) {
         EXPECT_TRUE(isLower(place.folders)) << place.folders;
