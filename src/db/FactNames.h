@@ -73,6 +73,9 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "created",
     "last_updated",
     "encrypted",
+    "cookie_name",
+    "cookie_value",
+    "cookie_flags",
     // forms, logins, permissions, settings
     "field_name",
     "field_value",
@@ -100,6 +103,11 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "stale_hash",
     "cache_key",
     "chain",
+    "expires",
+    "http_headers",
+    "mime_type",
+    "body",
+    "classic_rule",
 });
 
 } // namespace detail
