@@ -85,6 +85,9 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "last_updated",
     "encrypted",
     "value",
+    "cookie_name",
+    "cookie_value",
+    "cookie_flags",
     // forms, logins, permissions, settings
     "field_name",
     "field_value",
@@ -129,6 +132,11 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "stale_hash",
     "cache_key",
     "chain",
+    "expires",
+    "http_headers",
+    "mime_type",
+    "body",
+    "classic_rule",
 });
 
 } // namespace detail

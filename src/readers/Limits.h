@@ -71,6 +71,10 @@ inline constexpr std::size_t kChromeCacheBlocks = std::size_t{1} << 24;
 /// larger than this would copy the block file anew for every record.
 inline constexpr std::uint64_t kChromeBlockBody = std::uint64_t{1} << 20;
 
+/// A key or a server's answer that lies in a separate file of that cache. Servers limit headers to
+/// some 64 KiB, and an address of a megabyte opens in no browser.
+inline constexpr std::uint64_t kChromeSeparateText = std::uint64_t{1} << 20;
+
 /// URL and headers of one entry of Firefox's disk cache: four blocks of 4096 bytes hold them in
 /// every sound cache, while damaged lengths go up to 4 GB each.
 inline constexpr std::int64_t kFirefoxCacheMetaData = std::int64_t{64} << 10;

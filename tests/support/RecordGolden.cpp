@@ -38,7 +38,7 @@ std::string factsOf(const UrlRecord &record) {
     std::string text;
     for (const RecordFact &fact : record.facts)
         text += fmt::format("{}{}={}", text.empty() ? "" : "; ", fact.name, factText(fact));
-    return text;
+    return replaceAll(text, "\r\n", "\\r\\n");
 }
 /// How the cases of a folder are written down, in words of its file "form.txt". Without that file
 /// none is set: new folders need none.

@@ -73,6 +73,7 @@ struct ChromeRanking {
 
 struct ChromeEntry {
     static constexpr std::uint64_t kSize = 0x100;
+    static constexpr std::uint64_t kKeyAt = 0x24;
 
     std::uint64_t mapFileOffset = 0; ///< of the entry in its block file
     std::uint32_t hash = 0;
@@ -93,6 +94,11 @@ struct ChromeEntry {
     ChromeAddressMap contentAddressMap;
     std::optional<ChromeHeader> headerObject;
     std::optional<ChromeRanking> rankingObject;
+
+    // Beyond the classic rules; filled by ChromeBlockCache::complete().
+    std::string wholeKey; ///< where keyURL isn't all of it
+    std::string answer;   ///< the server's headers, in lines
+    std::string chain;    ///< where the entry hangs, when others share its slot
 };
 
 using ChromeEntryCollection = KeyedList<ChromeEntry>;

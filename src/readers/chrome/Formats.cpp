@@ -18,7 +18,7 @@ using enum HistoryFileType;
 
 constexpr const RecordKind *kHistoryKinds[] = {&kChromeHistory, &kChromeVisit, &kChromeDownload,
                                                &kChromeSearchTerm};
-constexpr const RecordKind *kCacheKinds[] = {&kChromeCache};
+constexpr const RecordKind *kCacheKinds[] = {&kChromeCache, &kChromeCacheRemnant};
 constexpr const RecordKind *kCookieKinds[] = {&kChromeCookies};
 
 /// Chrome's index beside the block file. Names may have lost their case on the way here.
@@ -75,7 +75,7 @@ constinit const Reader kChromeCacheFormat = {
     .fetch = fetchChromeBody,
     .kinds = kCacheKinds,
     .page = "chrome-cache",
-    .cases = {"chrome-cache", "index", "chrome-cache/four-kinds-of-bodies"},
+    .cases = {"chrome-cache;chrome-cache-further", "index", "chrome-cache/four-kinds-of-bodies"},
     .artefact = indexOf,
     .holdsShaders = liesWithShaders,
 };

@@ -20,6 +20,14 @@ inline constexpr RecordKind kChromeCache = {
     .parts = CacheParts::byUrl,
 };
 
+/// An entry that no slot of the index leads to. Pages aren't built of it, nor is it a part of one.
+inline constexpr RecordKind kChromeCacheRemnant = {
+    .key = "chrome-cache-remnant",
+    .word = "Chrome Cache Remnant",
+    .family = &families::chrome,
+    .group = RecordGroup::cache,
+};
+
 inline constexpr RecordKind kChromeCookies = {
     .key = "chrome-cookies",
     .word = "Chrome Cookies",

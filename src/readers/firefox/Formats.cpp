@@ -19,7 +19,7 @@ using enum HistoryFileType;
 
 constexpr std::string_view kHistoryMask = "history*.dat;places*.sqlite";
 
-constexpr const RecordKind *kCacheKinds[] = {&kFirefoxCache};
+constexpr const RecordKind *kCacheKinds[] = {&kFirefoxCache, &kFirefoxCacheRemnant};
 constexpr const RecordKind *kMorkKinds[] = {&kFirefox2History};
 constexpr const RecordKind *kPlacesKinds[] = {&kFirefox3History, &kFirefoxVisit, &kFirefoxBookmark,
                                               &kFirefoxDownload};
@@ -64,7 +64,8 @@ constinit const Reader kFirefoxCacheFormat = {
     .fetch = fetchFirefoxCacheBody,
     .kinds = kCacheKinds,
     .page = "firefox-cache",
-    .cases = {"firefox-cache", "_CACHE_MAP_", "firefox-cache/four-places-of-bodies"},
+    .cases = {"firefox-cache;firefox-cache-further", "_CACHE_MAP_",
+              "firefox-cache/four-places-of-bodies"},
     .furtherTypes = kFurtherCaches,
 };
 

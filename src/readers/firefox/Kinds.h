@@ -13,6 +13,16 @@ inline constexpr RecordKind kFirefoxCache = {
     .hasXhtmlPages = true,
 };
 
+/// Metadata that the map of the cache doesn't list any more. Pages aren't built of it, nor is it a
+/// part of one.
+inline constexpr RecordKind kFirefoxCacheRemnant = {
+    .key = "firefox-cache-remnant",
+    .word = "Firefox Cache Remnant",
+    .family = &families::firefox,
+    .group = RecordGroup::cache,
+    .hasXhtmlPages = true,
+};
+
 inline constexpr RecordKind kFirefox2History = {
     .key = "firefox2-history",
     .word = "Firefox2 History",

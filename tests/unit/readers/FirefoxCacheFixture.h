@@ -30,7 +30,8 @@ class FirefoxCacheFixture : public testing::Test {
         file.fullPath = map;
         ContentProbe content;
         const Evidence evidence(base);
-        ReadContext ctx{file, evidence, content, clock, folder.path(), sink, log, watcher};
+        ReadContext ctx{file, evidence, content, clock, folder.path(),
+                        sink, log,      watcher, false, classicOnly};
         result = parseFirefoxCache(ctx);
     }
 
@@ -71,6 +72,7 @@ class FirefoxCacheFixture : public testing::Test {
     MemoryLog log;
     MemoryTask task;
     ReadResult result;
+    bool classicOnly = true;
 };
 
 } // namespace nv::test

@@ -123,6 +123,32 @@ TEST_P(IESample, tellsOfTheRecordsThatOtherReadersRecover) {
     EXPECT_EQ(reading.result.passedOver, outside);
 }
 
+TEST_P(IESample, givesTheRecordsThatOtherReadersRecoverAsRemnants) {
+    const std::vector<UrlRecord> classic = reading.records();
+    std::uint64_t outside = 0;
+    for (const auto &[reason, count] : reading.result.passedOver)
+        outside += count;
+    const json &scan = expected.at("scan").at(0);
+    const fs::path folder = *test::samplesFolder() / GetParam();
+    IndexReading whole(HistoryFileType{scan.at("scan_type").get<std::int16_t>()});
+    whole.classicOnly = false;
+    whole.readFile(folder / scan.at("path").get<std::string>(), folder / "evidence");
+    ASSERT_EQ(whole.records().size(), classic.size() + outside);
+    EXPECT_THAT(whole.result.passedOver, testing::IsEmpty());
+    EXPECT_EQ(whole.result.state, ReadState::complete);
+    for (std::size_t i = 0; i < classic.size(); ++i) {
+        EXPECT_EQ(whole.records()[i].URL, classic[i].URL);
+        EXPECT_EQ(whole.records()[i].Status, classic[i].Status);
+        EXPECT_EQ(whole.records()[i].cacheType, classic[i].cacheType);
+        EXPECT_EQ(whole.records()[i].Visits, classic[i].Visits);
+    }
+    for (std::size_t i = classic.size(); i < whole.records().size(); ++i) {
+        EXPECT_EQ(whole.records()[i].cacheType, "IE Remnant");
+        EXPECT_EQ(whole.records()[i].Status, "Recovered");
+        EXPECT_NE(whole.records()[i].URL + whole.records()[i].CacheFileName, "");
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Real, IESample,
                          testing::Values("ie_cache_nfury", "ie_history_gold", "ie_daily_mshist"),
                          [](const auto &sample) { return sample.param; });
