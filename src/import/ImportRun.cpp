@@ -128,7 +128,7 @@ class Import {
           m_categories(job.verifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        m_log),
           m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata),
-          m_classicOnly(job.classicOnly), m_secrets(job.secrets), m_browserOf(run.evidence),
+          m_classicOnly(job.classicOnly), m_secrets(job.secrets), m_browserOf(run.evidence, &m_log),
           m_sources(run.project, run.clock, m_log,
                     job.classicOnly ? ReadBy::classicRules : ReadBy::allRules),
           m_store(run.project, run.zone, run.clock, m_log),

@@ -4,6 +4,7 @@
 #include "base/NoLog.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/EvidenceGaps.h"
 #include "readers/PathOrigin.h"
 #include "readers/SourceOption.h"
 
@@ -29,7 +30,8 @@ constexpr int kLevels = 6;
 /// What lies beside a file of the evidence. Names have the case in which browsers write them.
 class Beside {
   public:
-    Beside(const Evidence &evidence, const fs::path &file) : m_evidence(evidence), m_file(file) {}
+    Beside(const Evidence &evidence, const fs::path &file, FailureLog *log)
+        : m_evidence(evidence), m_file(file), m_log(log) {}
 
     /// The next folder above the file, or its own, that holds the file `name`; empty for none.
     fs::path folderWith(std::string_view name) const {
@@ -42,13 +44,15 @@ class Beside {
         return {};
     }
 
-    /// Empty when there is no such file, or when it can't be read: whoever imports it is told.
+    /// Empty when there is no such file, or when it can't be read, which is logged.
     std::string beginOf(const fs::path &file) const {
         NoLog unheard;
+        FailureLog &log = m_log ? *m_log : unheard;
         if (!m_evidence.isPlainFile(file))
             return {};
-        return trapped(unheard, Severity::Low, {}, {}, std::string(), [&] {
-            const Bytes head = m_evidence.head(file, kSettingsBytes);
+        return trapped(log, Severity::Low, "BrowserOf()", kContactSupport, std::string(), [&] {
+            const Bytes head =
+                tellingGaps(log, [&] { return m_evidence.head(file, kSettingsBytes); });
             return std::string(ByteView(head).raw());
         });
     }
@@ -56,6 +60,7 @@ class Beside {
   private:
     const Evidence &m_evidence;
     const fs::path &m_file;
+    FailureLog *m_log; ///< null for none
 };
 
 /// As the table of places writes it: "C:\\Program Files\\" of JSON is "c:/program files/".
@@ -136,8 +141,8 @@ std::string browserOfName(const fs::path &file) {
     return {};
 }
 
-Origin look(const Evidence &evidence, const fs::path &file, Engine engine) {
-    const Beside beside(evidence, file);
+Origin look(const Evidence &evidence, const fs::path &file, Engine engine, FailureLog *log) {
+    const Beside beside(evidence, file, log);
     Origin origin = originOfPath(textOf(file), engine);
     if (engine == Engine::chromium)
         lookBesideChromium(beside, origin);
@@ -161,7 +166,7 @@ Engine engineOf(const Reader *reader) {
 
 Origin BrowserOf::operator()(const fs::path &file, Engine engine) {
     if (std::string browser = browserOfName(file); !browser.empty()) {
-        Origin origin = look(m_evidence, file, Engine::unknown);
+        Origin origin = look(m_evidence, file, Engine::unknown, m_log);
         origin.browser = std::move(browser);
         return origin;
     }
@@ -169,7 +174,7 @@ Origin BrowserOf::operator()(const fs::path &file, Engine engine) {
     const auto known = m_known.find(key);
     return known != m_known.end()
                ? known->second
-               : m_known.emplace(key, look(m_evidence, file, engine)).first->second;
+               : m_known.emplace(key, look(m_evidence, file, engine, m_log)).first->second;
 }
 
 } // namespace nv

@@ -14,16 +14,18 @@ namespace nv {
 /// first, since only that tells whose it was; where that doesn't do, the files beside it, in which
 /// browsers note where they are installed. What can't be told stays empty, but for the browser of a
 /// known format, which then is "Chromium family" and the like. Files that can't be read tell
-/// nothing.
+/// nothing, and the log is told of them.
 class BrowserOf {
   public:
-    /// The evidence must outlive it.
-    explicit BrowserOf(const Evidence &evidence) : m_evidence(evidence) {}
+    /// The evidence and the log must outlive it.
+    explicit BrowserOf(const Evidence &evidence, FailureLog *log = nullptr)
+        : m_evidence(evidence), m_log(log) {}
 
     Origin operator()(const std::filesystem::path &file, Engine engine);
 
   private:
     const Evidence &m_evidence;
+    FailureLog *m_log;
     /// A cache folder may hold ten thousand files.
     std::map<std::pair<std::filesystem::path, Engine>, Origin> m_known;
 };

@@ -156,12 +156,16 @@ class Forms {
     std::unordered_set<std::string> m_seen;
 };
 
-constexpr std::array<std::string_view, 10> kEngineColumns = {
-    "short_name",   "keyword",     "url",           "favicon_url",  "originating_url",
-    "date_created", "usage_count", "last_modified", "last_visited", "prepopulate_id"};
+constexpr std::array<std::string_view, 11> kEngineColumns = {
+    "short_name",     "keyword",     "url",           "favicon_url",  "originating_url",
+    "date_created",   "usage_count", "last_modified", "last_visited", "prepopulate_id",
+    "starter_pack_id"};
 
-/// Whether a person had to do with it: the browser brings some ten engines along.
+/// Whether a person had to do with it: the browser brings some ten engines along. Those for its own
+/// pages have the date on which the profile was made.
 bool isTouched(const Row &row) {
+    if (row.number(10).value_or(0) != 0)
+        return row.number(6).value_or(0) != 0 || row.number(8).value_or(0) != 0;
     for (const std::size_t column : {5, 6, 7, 8}) // dates and uses
         if (row.number(column).value_or(0) != 0)
             return true;

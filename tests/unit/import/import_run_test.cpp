@@ -96,7 +96,8 @@ TEST_F(ImportRunTest, handsPasswordsOutOnlyWhenAsked) {
     EXPECT_EQ(import(task, secretReader).failure, "");
     job.secrets = true;
     EXPECT_EQ(import(task, secretReader).failure, "");
-    EXPECT_EQ(project.text("SELECT group_concat(URL) FROM URLs"), "not asked,asked");
+    EXPECT_EQ(project.text("SELECT group_concat(URL) FROM (SELECT URL FROM URLs ORDER BY URL_ID)"),
+              "not asked,asked");
 }
 
 TEST_F(ImportRunTest, givesTheRowItsCategoryAndTheReadersWord) {

@@ -154,7 +154,10 @@ TEST_F(ChromiumWebData, enginesThatAPersonUsedAreRows) {
              "'https://used.example/?q={searchTerms}','https://led.example/',0,4,6,0,"
              "12952612800000000)")
         .run("INSERT INTO keywords VALUES(3,'Own','own','','https://own.example/?q=%s','',"
-             "1308139200,0,0,0,0)");
+             "1308139200,0,0,0,0)")
+        .run("ALTER TABLE keywords ADD COLUMN starter_pack_id INTEGER DEFAULT 0")
+        .run("INSERT INTO keywords VALUES(4,'Tabs','@tabs','','chrome://tabs/?q={searchTerms}','',"
+             "12952612800000000,0,0,12952612800000000,0,3)");
     const auto &rows = read(data);
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_EQ(rows[0].cacheType, "Chrome Search Engine");
@@ -163,7 +166,7 @@ TEST_F(ChromiumWebData, enginesThatAPersonUsedAreRows) {
     EXPECT_EQ(fact(rows[0], "search_engine") + fact(rows[0], "keyword"), "Usedused.example");
     EXPECT_EQ(fact(rows[0], "last_used"), "2011-06-15 12:00:00 [12952612800000000]");
     EXPECT_EQ(isoUtc(rows[1].ActionDateUTC), "2011-06-15T12:00:00Z");
-    EXPECT_EQ(passedOver("search engines that came with the browser and weren't used"), 1U);
+    EXPECT_EQ(passedOver("search engines that came with the browser and weren't used"), 2U);
 }
 
 TEST_F(ChromiumWebData, tablesThatAreNotReadAreCounted) {
