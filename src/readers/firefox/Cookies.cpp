@@ -78,7 +78,7 @@ Date dateOf(const Row &row, std::size_t column) {
 ReadResult parseFirefoxCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
-        noteSchemaVersion(ctx, database, "cookies");
+        noteUserVersion(ctx, database, "cookies");
         const auto save = [&](std::int64_t id, const Row &row) {
             UrlRecord record = cookieRecord(ctx,
                                             {row.text(kHost), row.text(kName), row.text(kValue),

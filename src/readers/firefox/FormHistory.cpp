@@ -87,7 +87,7 @@ bool saveDeleted(EvidenceDatabase &database, ReadContext &ctx, Date fileCreated,
 
 ReadResult readForms(ReadContext &ctx, EvidenceDatabase &database) {
     const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
-    noteSchemaVersion(ctx, database, "formhistory");
+    noteUserVersion(ctx, database, "formhistory");
     ReadResult further;
     Engines engines;
     if (!readEngines(database, ctx, engines, further))

@@ -52,7 +52,7 @@ bool walkJoining(EvidenceDatabase &database, std::string_view table,
 
 } // namespace
 
-void noteSchemaVersion(ReadContext &ctx, EvidenceDatabase &database, std::string_view name) {
+void noteUserVersion(ReadContext &ctx, EvidenceDatabase &database, std::string_view name) {
     std::string &version = ctx.file.origin.browserVersion;
     if (!version.empty() || ctx.classicOnly)
         return;

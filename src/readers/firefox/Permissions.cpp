@@ -108,7 +108,7 @@ bool PermissionsReading::countOlder(ReadResult &result) {
 }
 
 ReadResult PermissionsReading::rows() {
-    noteSchemaVersion(m_ctx, m_database, "permissions");
+    noteUserVersion(m_ctx, m_database, "permissions");
     ReadResult further;
     if (!readInteractions(further))
         return further;

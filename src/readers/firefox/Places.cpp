@@ -280,7 +280,7 @@ ReadResult readAll(ReadContext &ctx) {
     ReadContext counted{ctx.file, ctx.evidence, ctx.content, ctx.clock,   ctx.scratch,
                         sink,     ctx.log,      ctx.task,    ctx.deleted, ctx.classicOnly};
     return readSqliteFile(counted, kReader, [&](EvidenceDatabase &database) {
-        noteSchemaVersion(counted, database, "places");
+        noteUserVersion(counted, database, "places");
         ReadResult result = PlacesReading(counted, database).allRows();
         if (result.state == ReadState::failed && sink.count > 0) // pages, but not all is lost
             result.state = ReadState::cutShort;
