@@ -116,10 +116,14 @@ QWidget *ImportChoicePage::newKinds(const ImportSettings &job) {
 
 QWidget *ImportChoicePage::newOptions(const ImportSettings &job) {
     auto *group = new QGroupBox(tr("How"));
-    auto *column = new QVBoxLayout(group);
     m_recurse = newBox(tr("Look into s&ubfolders"), "RecurseSubfolders", job.recurseSubfolders);
     m_verify = newBox(tr("&Verify file contents, not names alone"), "chkVerifyFileContents",
                       job.verifyFileSignatures);
+    m_classic = newBox(tr("Only the files and rows of the &classic rules"), "chkClassicOnly",
+                       job.classicOnly);
+    m_classic->setToolTip(
+        tr("What the first version took, to compare with earlier cases. Each further visit, "
+           "download and search, and whatever today's browsers keep, is left out."));
     m_metadata = newBox(tr("Read titles, texts and links of cached pages (advanced &metadata)"),
                         "chkParseAdvancedMetadata", job.parseAdvancedMetadata);
     m_thumbnails = newBox(tr("Make &thumbnails of pictures and pages while importing"),
@@ -127,13 +131,15 @@ QWidget *ImportChoicePage::newOptions(const ImportSettings &job) {
     m_thumbnails->setToolTip(
         tr("Makes the import slower: some seven pages and some hundred pictures are drawn in a "
            "second. The gallery can make them later."));
-    m_classic = newBox(tr("Only the files and rows of the &classic rules"), "chkClassicOnly",
-                       job.classicOnly);
-    m_classic->setToolTip(
-        tr("What the first version took, to compare with earlier cases. Each further visit, "
-           "download and search, and whatever today's browsers keep, is left out."));
-    for (QCheckBox *box : {m_recurse, m_verify, m_metadata, m_thumbnails, m_classic})
-        column->addWidget(box);
+    // In two columns: the page has to fit a small screen.
+    auto *columns = new QGridLayout(group);
+    columns->setColumnStretch(1, 1);
+    int row = 0;
+    for (QCheckBox *box : {m_recurse, m_verify, m_classic})
+        columns->addWidget(box, row++, 0);
+    row = 0;
+    for (QCheckBox *box : {m_metadata, m_thumbnails})
+        columns->addWidget(box, row++, 1);
     return group;
 }
 
