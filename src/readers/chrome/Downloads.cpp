@@ -275,7 +275,7 @@ UrlRecord Downloads::recordOf(const ReadContext &ctx, const Download &download, 
         historyRecord(ctx, {row.number(kId).value_or(rowId), url, false, std::nullopt},
                       kChromeDownload.word, fileCreated);
     record.Action = "Downloaded";
-    record.ActionDateUTC = chromeDate(dateIn(row, kStart));
+    record.ActionDateUTC = chromeMoment(dateIn(row, kStart));
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal = utcDateToLocal(record.ActionDateUTC, ctx.clock);
     record.OtherDate = chromeDate(dateIn(row, kEnd));

@@ -37,7 +37,8 @@ UrlRecord pageRecord(const ReadContext &ctx, const Row &row, Date fileCreated) {
         ctx,
         {row.number(kId).value_or(0), row.text(kUrl), row.truth(kHidden), row.number(kVisitCount)},
         kChromeHistory.word, fileCreated);
-    record.ActionDateUTC = chromeDate(row.number(kLastVisitTime));
+    const auto lastVisit = row.number(kLastVisitTime);
+    record.ActionDateUTC = ctx.classicOnly ? chromeDate(lastVisit) : chromeMoment(lastVisit);
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal = utcDateToLocal(record.ActionDateUTC, ctx.clock);
     record.WebpageTitle = row.text(kTitle);

@@ -52,7 +52,7 @@ UrlRecord termRecord(const ReadContext &ctx, const ListedPage *page, std::int64_
     if (!page)
         return record;
     record.WebpageTitle = page->title;
-    record.ActionDateUTC = chromeDate(page->lastVisit);
+    record.ActionDateUTC = chromeMoment(page->lastVisit);
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal = utcDateToLocal(record.ActionDateUTC, ctx.clock);
     return record;

@@ -64,7 +64,7 @@ UrlRecord shortcutRecord(const ReadContext &ctx, const Row &row, std::int64_t ro
         title = row.text(kContents);
     UrlRecord record =
         typedRecord(ctx, {kShortcutsTable, rowId, row.text(kUrl), title}, fileCreated);
-    record.ActionDateUTC = chromeDate(row.number(kLastAccess));
+    record.ActionDateUTC = chromeMoment(row.number(kLastAccess));
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal = utcDateToLocal(record.ActionDateUTC, ctx.clock);
     record.facts.add("typed_input", row.text(kText));

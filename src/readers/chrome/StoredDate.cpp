@@ -11,18 +11,31 @@ namespace {
 
 constexpr std::int64_t kMicrosecondsInASecond = 1'000'000;
 
+/// Of the second that has begun, before 1601 as well.
+std::int64_t fractionOf(std::int64_t microseconds) {
+    const std::int64_t rest = microseconds % kMicrosecondsInASecond;
+    return rest < 0 ? rest + kMicrosecondsInASecond : rest;
+}
+
 } // namespace
 
 Date chromeDate(std::optional<std::int64_t> stored) {
     return stored.value_or(0) == 0 ? Date() : chromeTimeToDate(*stored);
 }
 
+Date chromeMoment(std::optional<std::int64_t> stored) {
+    const Date second = chromeDate(stored);
+    const std::int64_t microseconds = second.has() ? fractionOf(*stored) : 0;
+    return second.has() ? Date::fromUnixMicroseconds(second.unixSeconds() * kMicrosecondsInASecond +
+                                                     microseconds)
+                        : second;
+}
+
 void addChromeDate(FactList &facts, FactName name, std::optional<std::int64_t> stored) {
     if (stored.value_or(0) == 0)
         return;
     std::string text = formatDate(chromeTimeToDate(*stored), "yyyy-mm-dd hh:nn:ss");
-    const std::int64_t rest = *stored % kMicrosecondsInASecond;
-    const std::int64_t fraction = rest < 0 ? rest + kMicrosecondsInASecond : rest;
+    const std::int64_t fraction = fractionOf(*stored);
     if (!text.empty() && fraction != 0)
         text += fmt::format(".{:06}", fraction);
     facts.add(name, std::move(text), *stored);

@@ -118,7 +118,7 @@ class WholeHistory {
                           kChromeVisit.word, m_fileCreated);
         if (page)
             record.WebpageTitle = page->title;
-        record.ActionDateUTC = chromeDate(visit.time == StoredVisit::kNothing ? 0 : visit.time);
+        record.ActionDateUTC = chromeMoment(visit.time == StoredVisit::kNothing ? 0 : visit.time);
         record.LastVisited = record.ActionDateUTC;
         record.ActionDateLocal = utcDateToLocal(record.ActionDateUTC, m_ctx.clock);
         record.Referrer = m_history.referrerOf(visit);

@@ -39,6 +39,22 @@ TEST_F(ChromiumHistory, tellsEachVisitOnce) {
     }
 }
 
+TEST_F(ChromiumHistory, eventsOfOneSecondStandInTheirOrder) {
+    page(1, chromeTime(kStamp) + 900'000);
+    visit(1, 1, chromeTime(kStamp) + 300'000);
+    visit(2, 1, chromeTime(kStamp) + 900'000);
+    page(2, chromeTime(kStamp) + 600'000);
+    visit(3, 2, chromeTime(kStamp) + 600'000);
+    read();
+    const Date hop = only("Chrome Visit").ActionDateUTC;
+    const auto pages = ofKind("Chrome History");
+    ASSERT_EQ(pages.size(), 2U);
+    EXPECT_LT(hop, pages[1]->ActionDateUTC);
+    EXPECT_LT(pages[1]->ActionDateUTC, pages[0]->ActionDateUTC);
+    for (const Date date : {hop, pages[0]->ActionDateUTC, pages[1]->ActionDateUTC})
+        EXPECT_EQ(isoUtc(date), "2026-01-01T09:00:00Z") << "as the classic rules show it";
+}
+
 TEST_F(ChromiumHistory, aPageStandsForTheLaterOfTwoVisitsAtATime) {
     page(1, chromeTime(kStamp));
     visit(1, 1, chromeTime(kStamp));

@@ -59,6 +59,18 @@ TEST(Date, keepsEverySecondOfADayApart) {
     }
 }
 
+TEST(Date, isOfTheSecondInWhichItLies) {
+    const std::int64_t second = 1234569600;
+    for (const std::int64_t microseconds : {0, 1000, 500'000, 998'000, 999'000}) {
+        const Date date = Date::fromUnixMicroseconds(second * 1'000'000 + microseconds);
+        EXPECT_EQ(date.unixSeconds(), second) << microseconds;
+        EXPECT_EQ(date.civil().second, 0) << microseconds;
+    }
+    EXPECT_LT(Date::fromUnixSeconds(second), Date::fromUnixMicroseconds(second * 1'000'000 + 1000));
+    EXPECT_EQ(Date::fromUnixMicroseconds(-1).unixSeconds(), 0) << "a float holds no more";
+    EXPECT_EQ(Date::fromUnixMicroseconds(-500'000).unixSeconds(), -1);
+}
+
 TEST(Date, noDateStaysNoDateAndIsNotZero) {
     EXPECT_FALSE(Date().plusSeconds(1).has());
     EXPECT_NE(Date(), Date::fromDays(0));
