@@ -108,8 +108,9 @@ void lookBesideChromium(const Beside &beside, Origin &origin) {
         origin.profile = textOf(profile.filename());
     if (!origin.browser.empty())
         return;
+    const fs::path first = profile.empty() && !userData.empty() ? userData / "Default" : profile;
     for (const auto &[folder, name] :
-         {std::pair(profile, "Preferences"), std::pair(profile, "Secure Preferences"),
+         {std::pair(first, "Preferences"), std::pair(first, "Secure Preferences"),
           std::pair(userData, "Local State")})
         if (origin.browser.empty() && !folder.empty())
             origin.browser = installedAs(beside.beginOf(folder / name), Engine::chromium);

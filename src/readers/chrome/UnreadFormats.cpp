@@ -82,8 +82,6 @@ constexpr auto kSiteData = std::to_array<SiteData>({
 });
 
 bool isSiteData(const Candidate &file) {
-    if (file.name == "encryptedbookmarks2")
-        return beginsWith(file, "v1") || beginsWith(file, "v2");
     const auto known = std::ranges::find(kSiteData, file.name, &SiteData::name);
     const bool isNamed =
         known != kSiteData.end() && (file.name != "db" || folderName(file) == "shared dictionary");
@@ -157,7 +155,7 @@ constinit const Reader kChromiumSiteDataFormat = {
     .key = "chrome-site-data",
     .kind = "Chromium's notes on sites",
     .option = &kChromeOtherOption,
-    .mask = "DIPS;Media History;QuotaManager;Reporting and NEL;Trust Tokens;db;EncryptedBookmarks2",
+    .mask = "DIPS;Media History;QuotaManager;Reporting and NEL;Trust Tokens;db",
     .recognises = isSiteData,
     .page = "not-read-yet",
     .isBeyondClassic = true,

@@ -48,6 +48,12 @@ TEST_F(BrowserOfTest, aRenamedFolderIsKnownByWhereItsBrowserIsInstalled) {
     }
 }
 
+TEST_F(BrowserOfTest, filesAboveTheProfilesAreOfTheBrowserOfTheFirst) {
+    write("box 7/Default/Preferences", R"({"path":"/usr/lib/chromium/resources/pdf"})");
+    write("box 7/Local State", "{}");
+    EXPECT_EQ(of("box 7/Local State", Engine::chromium).browser, "Chromium");
+}
+
 TEST_F(BrowserOfTest, thePlaceSpeaksBeforeWhatLiesThere) {
     const std::string place = "Users/a/AppData/Local/Microsoft/Edge/User Data/";
     write(place + "Default/Preferences", R"({"path":"/usr/lib/chromium/resources/pdf"})");

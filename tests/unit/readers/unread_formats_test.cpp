@@ -143,7 +143,6 @@ TEST_F(UnreadFormats, databasesAreKnownByTheirTables) {
     EXPECT_EQ(takenWith("Shared Dictionary/db", {"dictionaries"}),
               "chrome-site-data Shared Dictionary/db");
     EXPECT_EQ(takenWith("x/db", {"dictionaries"}), kNone);
-    EXPECT_EQ(taken("EncryptedBookmarks2", "v10xx"), "chrome-site-data EncryptedBookmarks2");
     EXPECT_EQ(takenWith("Safari/History.db", {"history_items", "history_visits"}),
               "safari-history-db Safari/History.db");
     EXPECT_EQ(takenWith("x/History.db", {"songs"}), kNone);
