@@ -104,7 +104,8 @@ void SmallScreenTest::dialogsFit() {
     trigger(*m_form, qPrintable(action));
     QVERIFY2(least.width() <= kRoom.width() && least.height() <= kRoom.height(),
              qPrintable(QStringLiteral("%1 by %2").arg(least.width()).arg(least.height())));
-    QVERIFY(size.width() <= m_form->screen()->availableSize().width());
+    QVERIFY2(size.width() <= m_form->screen()->availableSize().width(),
+             qPrintable(QString::number(size.width())));
     QVERIFY(size.height() <= m_form->screen()->availableSize().height());
 }
 

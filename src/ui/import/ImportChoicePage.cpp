@@ -78,7 +78,7 @@ QCheckBox *ImportChoicePage::newBox(const QString &text, std::string_view name, 
 QWidget *ImportChoicePage::newKinds(const ImportSettings &job) {
     auto *group = new QGroupBox(tr("What to look for"));
     auto *grid = new QGridLayout(group);
-    grid->setHorizontalSpacing(12); // with it the page fits a small screen
+    grid->setHorizontalSpacing(8); // with it the page fits a small screen
     const ChoiceTable table = choiceTable();
     const auto add = [&](const SourceOption &option, std::string_view text, int row, int column) {
         m_kinds.push_back({newBox(toQt(text), option.name, wants(job, option)), &option});
