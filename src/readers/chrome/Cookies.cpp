@@ -13,6 +13,7 @@
 #include "readers/chrome/Stamps.h"
 #include "readers/chrome/ValueCipher.h"
 #include "readers/sqlite/CookieRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "time/SourceClocks.h"
 

@@ -16,6 +16,7 @@
 #include "readers/chrome/UnreadTables.h"
 #include "readers/chrome/ValueCipher.h"
 #include "readers/sqlite/HistoryRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 
 #include <array>

@@ -18,6 +18,7 @@
 #include "readers/chrome/UnreadTables.h"
 #include "readers/chrome/WebDataPeople.h"
 #include "readers/sqlite/HistoryRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 
 #include <fmt/format.h>

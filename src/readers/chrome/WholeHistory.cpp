@@ -4,13 +4,14 @@
 #include "base/Trap.h"
 #include "readers/chrome/Downloads.h"
 #include "readers/chrome/Kinds.h"
-#include "readers/chrome/SchemaVersion.h"
+#include "readers/chrome/MetaTable.h"
 #include "readers/chrome/SearchTerms.h"
 #include "readers/chrome/StoredDate.h"
 #include "readers/chrome/Transition.h"
 #include "readers/chrome/VisitTables.h"
 #include "readers/sqlite/FurtherTables.h"
 #include "readers/sqlite/HistoryRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "time/SourceClocks.h"
 
@@ -50,7 +51,7 @@ class WholeHistory {
           m_fileCreated(ctx.evidence.factsOf(ctx.file.fullPath).created) {}
 
     ReadResult read(const ReadPages &readPages) {
-        noteSchemaVersion(m_ctx, m_database, "History");
+        noteSchemaVersion(m_ctx, "History", schemaVersion(m_ctx, m_database));
         if (!readTables())
             return cancelled({});
         ReadResult result = readPageRecords(readPages);

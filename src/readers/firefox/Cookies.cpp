@@ -11,6 +11,7 @@
 #include "readers/firefox/ProfileValues.h"
 #include "readers/sqlite/CookieRow.h"
 #include "readers/sqlite/HistoryRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "time/SourceClocks.h"
 
@@ -78,7 +79,7 @@ Date dateOf(const Row &row, std::size_t column) {
 ReadResult parseFirefoxCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
-        noteUserVersion(ctx, database, "cookies");
+        noteSchemaVersion(ctx, "cookies", userVersion(database));
         const auto save = [&](std::int64_t id, const Row &row) {
             UrlRecord record = cookieRecord(ctx,
                                             {row.text(kHost), row.text(kName), row.text(kValue),

@@ -9,6 +9,7 @@
 #include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
+#include "readers/sqlite/SchemaVersion.h"
 
 #include <array>
 #include <unordered_map>
@@ -87,7 +88,7 @@ bool saveDeleted(EvidenceDatabase &database, ReadContext &ctx, Date fileCreated,
 
 ReadResult readForms(ReadContext &ctx, EvidenceDatabase &database) {
     const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
-    noteUserVersion(ctx, database, "formhistory");
+    noteSchemaVersion(ctx, "formhistory", userVersion(database));
     ReadResult further;
     Engines engines;
     if (!readEngines(database, ctx, engines, further))

@@ -52,19 +52,6 @@ bool walkJoining(EvidenceDatabase &database, std::string_view table,
 
 } // namespace
 
-void noteUserVersion(ReadContext &ctx, EvidenceDatabase &database, std::string_view name) {
-    std::string &version = ctx.file.origin.browserVersion;
-    if (!version.empty() || ctx.classicOnly)
-        return;
-    KeptMessage unheard; // damage is told by those who read the tables
-    trapped(unheard, Severity::Low, "", "", [&] {
-        SQLite::Statement query = database.prepare("PRAGMA user_version");
-        database.expectOneRow();
-        if (query.executeStep() && query.getColumn(0).getInt64() > 0)
-            version = fmt::format("{} {}", name, query.getColumn(0).getInt64());
-    });
-}
-
 ReadResult mainRows(EvidenceDatabase &database, std::string_view table,
                     std::span<const std::string_view> columns, ReadContext &ctx,
                     std::string_view procedure, const RowReceiver &save) {

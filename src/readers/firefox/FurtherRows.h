@@ -29,10 +29,6 @@ class ReadingPart {
 
 using RowReceiver = std::function<void(std::int64_t rowId, const Row &row)>;
 
-/// Notes the number that Firefox gives its tables, such as "places 86", where the version of the
-/// program isn't known.
-void noteUserVersion(ReadContext &ctx, EvidenceDatabase &database, std::string_view name);
-
 /// Hands on each row of the table that a file is there for, with its row id. Throws EvidenceDamage
 /// when it isn't there.
 ReadResult mainRows(EvidenceDatabase &database, std::string_view table,

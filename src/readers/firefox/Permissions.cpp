@@ -9,6 +9,7 @@
 #include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
+#include "readers/sqlite/SchemaVersion.h"
 
 #include <array>
 #include <map>
@@ -108,7 +109,7 @@ bool PermissionsReading::countOlder(ReadResult &result) {
 }
 
 ReadResult PermissionsReading::rows() {
-    noteUserVersion(m_ctx, m_database, "permissions");
+    noteSchemaVersion(m_ctx, "permissions", userVersion(m_database));
     ReadResult further;
     if (!readInteractions(further))
         return further;

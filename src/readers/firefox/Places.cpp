@@ -15,6 +15,7 @@
 #include "readers/firefox/PlacesPages.h"
 #include "readers/firefox/PlacesVisits.h"
 #include "readers/sqlite/HistoryRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "time/SourceClocks.h"
 
@@ -280,7 +281,7 @@ ReadResult readAll(ReadContext &ctx) {
     ReadContext counted{ctx.file, ctx.evidence, ctx.content, ctx.clock,   ctx.scratch,
                         sink,     ctx.log,      ctx.task,    ctx.deleted, ctx.classicOnly};
     return readSqliteFile(counted, kReader, [&](EvidenceDatabase &database) {
-        noteUserVersion(counted, database, "places");
+        noteSchemaVersion(counted, "places", userVersion(database));
         ReadResult result = PlacesReading(counted, database).allRows();
         if (result.state == ReadState::failed && sink.count > 0) // pages, but not all is lost
             result.state = ReadState::cutShort;
