@@ -243,6 +243,21 @@ TEST_F(ImportRunTest, countsRowsThatTheProjectDoesntTake) {
     EXPECT_EQ(project.log.entries[0].procedure, "MainBAS.SaveRecord()");
 }
 
+TEST_F(ImportRunTest, leavesReferencesWholeAndLookedUpAgain) {
+    std::filesystem::create_directories(project.folder.path() / "Default");
+    add(chromeHistory, "Default/History", "");
+    add(norvelaneNVD, "a", "http://a/1");
+    Unwatched task;
+    import(task, visitReader);
+    EXPECT_EQ(project.number("SELECT count(*) FROM RecordFacts"), 1);
+    EXPECT_EQ(project.number("SELECT count(*) FROM pragma_foreign_key_check"), 0);
+    EXPECT_ANY_THROW(
+        project.connection().exec("INSERT INTO RecordFacts (URL_ID, Name) VALUES (99, 'count')"))
+        << "of a record that isn't there";
+    project.connection().exec("DELETE FROM URLs WHERE URL_ID = 1");
+    EXPECT_EQ(project.number("SELECT count(*) FROM RecordFacts"), 0) << "they go with their record";
+}
+
 TEST_F(ImportRunTest, leavesNothingInTheScratchFolder) {
     scratch = project.folder.path() / "scratch";
     std::filesystem::create_directory(scratch);
