@@ -99,15 +99,15 @@ UrlRecord loginRecord(const ReadContext &ctx, const Row &row) {
     return record;
 }
 
-bool readLogins(ReadContext &ctx, EvidenceDatabase &database, ReadResult &result) {
-    return eachFurtherRow(database, "logins", kColumns, ctx, kReader.procedure, result,
-                          [&ctx](std::int64_t rowId, const Row &row) {
-                              UrlRecord record = loginRecord(ctx, row);
-                              record.Reference_ID = rowId;
-                              record.facts.add("source_table", "logins");
-                              record.facts.add("source_rowid", rowId);
-                              ctx.sink.save(record);
-                          });
+ReadResult readLogins(ReadContext &ctx, EvidenceDatabase &database) {
+    return mainRows(database, "logins", kColumns, ctx, kReader.procedure,
+                    [&ctx](std::int64_t rowId, const Row &row) {
+                        UrlRecord record = loginRecord(ctx, row);
+                        record.Reference_ID = rowId;
+                        record.facts.add("source_table", "logins");
+                        record.facts.add("source_rowid", rowId);
+                        ctx.sink.save(record);
+                    });
 }
 
 } // namespace
@@ -115,10 +115,8 @@ bool readLogins(ReadContext &ctx, EvidenceDatabase &database, ReadResult &result
 ReadResult parseChromiumLogins(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         noteSchemaVersion(ctx, "Login Data", schemaVersion(ctx, database));
-        if (!database.hasTable("logins"))
-            throw EvidenceDamage("table \"logins\" was expected and is not there");
-        ReadResult result;
-        if (!readLogins(ctx, database, result) ||
+        ReadResult result = readLogins(ctx, database);
+        if (result.state != ReadState::cancelled &&
             !countUnread(ctx, database, kUnread, kReader.procedure, result))
             result.state = ReadState::cancelled;
         return result;

@@ -19,7 +19,7 @@
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/ProfileRecord.h"
 #include "readers/chrome/Stamps.h"
-#include "readers/sqlite/SqliteReading.h"
+#include "readers/sqlite/FurtherTables.h"
 
 #include <fmt/format.h>
 
@@ -118,8 +118,8 @@ class People {
   private:
     template <class Save>
     bool each(std::string_view table, std::span<const std::string_view> columns, Save &&save) {
-        return eachFurtherRow(m_database, table, columns, m_ctx, m_procedure, m_result,
-                              std::forward<Save>(save));
+        return FurtherTables(m_ctx, m_database, m_procedure, m_result)
+            .each(table, columns, std::forward<Save>(save));
     }
 
     void saveWith(UrlRecord record, std::string_view guid, std::string_view table,

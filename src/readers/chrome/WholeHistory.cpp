@@ -30,24 +30,11 @@ constexpr Stretch kVisitRecords = {0.55, 0.9};
 constexpr Stretch kDownloadRecords = {0.9, 0.95};
 constexpr Stretch kTermRecords = {0.95, 1};
 
-struct CountingSink final : RecordSink {
-    explicit CountingSink(RecordSink &to) : sink(to) {}
-    void save(UrlRecord &record) override {
-        sink.save(record);
-        ++saved;
-    }
-    RecordSink &sink;
-    std::uint64_t saved = 0;
-};
-
 class WholeHistory {
   public:
     WholeHistory(ReadContext &ctx, EvidenceDatabase &database, std::string_view procedure)
-        : m_sink(ctx.sink), m_ctx{ctx.file,    ctx.evidence,   ctx.content, ctx.clock,
-                                  ctx.scratch, m_sink,         ctx.log,     ctx.task,
-                                  ctx.deleted, ctx.classicOnly},
-          m_database(database), m_procedure(procedure),
-          m_tables(m_ctx, database, procedure, m_further),
+        : m_sink(ctx.sink), m_ctx(withSink(ctx, m_sink)), m_database(database),
+          m_procedure(procedure), m_tables(m_ctx, database, procedure, m_further),
           m_fileCreated(ctx.evidence.factsOf(ctx.file.fullPath).created) {}
 
     ReadResult read(const ReadPages &readPages) {
@@ -77,9 +64,8 @@ class WholeHistory {
     }
 
     ReadResult readPageRecords(const ReadPages &readPages) {
-        SubTask task(m_ctx.task, kPageRecords.from, kPageRecords.to);
-        ReadContext ctx = withTask(m_ctx, task);
-        return readPages(ctx, [this](UrlRecord &record, std::int64_t typed) {
+        ReadingPart part(m_ctx, kPageRecords);
+        return readPages(part.context, [this](UrlRecord &record, std::int64_t typed) {
             record.facts.add("source_table", "urls");
             record.facts.add("source_rowid", record.Reference_ID);
             if (typed > 0)
@@ -145,7 +131,7 @@ class WholeHistory {
     /// What the further tables lost, added to what the pages' did.
     ReadResult joined(ReadResult result) const {
         addLosses(result, m_further);
-        if (result.state == ReadState::failed && m_sink.saved > 0)
+        if (result.state == ReadState::failed && m_sink.saved() > 0)
             result.state = ReadState::cutShort;
         return result;
     }

@@ -6,7 +6,6 @@
 
 #include "readers/firefox/Cookies.h"
 
-#include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
 #include "readers/sqlite/CookieRow.h"

@@ -6,10 +6,11 @@
 
 #include "readers/firefox/Permissions.h"
 
-#include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
+#include "readers/sqlite/FurtherTables.h"
 #include "readers/sqlite/SchemaVersion.h"
+#include "readers/sqlite/SqliteReading.h"
 
 #include <array>
 #include <map>
@@ -95,17 +96,19 @@ ReadResult PermissionsReading::rowsOf(const char *table) {
 
 bool PermissionsReading::readInteractions(ReadResult &result) {
     constexpr std::array<std::string_view, 2> kTimes = {"origin", "lastInteractionTime"};
-    return joiningRows(
-        m_database, "moz_origin_interactions", kTimes, m_ctx, result,
-        [this](const Row &row) { m_interactions[row.text(0)].last = row.number(1).value_or(0); });
+    return FurtherTables(m_ctx, m_database, kReader.procedure, result)
+        .eachByKey("moz_origin_interactions", kTimes, [this](std::int64_t, const Row &row) {
+            m_interactions[row.text(0)].last = row.number(1).value_or(0);
+        });
 }
 
 /// The rows that the newer table took over, kept for a way back.
 bool PermissionsReading::countOlder(ReadResult &result) {
     constexpr std::array<std::string_view, 1> kNothing = {"type"};
-    return joiningRows(m_database, kOldTable, kNothing, m_ctx, result, [&](const Row &) {
-        ++result.passedOver["permission of the older table, which a newer one took over"];
-    });
+    return FurtherTables(m_ctx, m_database, kReader.procedure, result)
+        .eachByKey(kOldTable, kNothing, [&](std::int64_t, const Row &) {
+            ++result.passedOver["permission of the older table, which a newer one took over"];
+        });
 }
 
 ReadResult PermissionsReading::rows() {
@@ -115,8 +118,7 @@ ReadResult PermissionsReading::rows() {
         return further;
     const bool isNew = m_database.hasTable(kTable) || !m_database.hasTable(kOldTable);
     ReadResult result = rowsOf(isNew ? kTable : kOldTable);
-    if (!further.reason.empty())
-        addDamage(result, further.reason);
+    addLosses(result, further);
     if (result.state == ReadState::cancelled || (isNew && !countOlder(result)))
         return result;
     for (const auto &[origin, interaction] : m_interactions)
