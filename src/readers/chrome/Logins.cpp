@@ -9,6 +9,7 @@
 
 #include "base/Text.h"
 #include "readers/Dissection.h"
+#include "readers/FactSource.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/MetaTable.h"
 #include "readers/chrome/ProfileRecord.h"
@@ -104,8 +105,7 @@ ReadResult readLogins(ReadContext &ctx, EvidenceDatabase &database) {
                     [&ctx](std::int64_t rowId, const Row &row) {
                         UrlRecord record = loginRecord(ctx, row);
                         record.Reference_ID = rowId;
-                        record.facts.add("source_table", "logins");
-                        record.facts.add("source_rowid", rowId);
+                        addSource(record.facts, "logins", rowId);
                         ctx.sink.save(record);
                     });
 }

@@ -1,15 +1,14 @@
 #include "readers/chrome/StoredDate.h"
 
-#include "time/DateFormat.h"
+#include "readers/FactDate.h"
 #include "time/SourceClocks.h"
-
-#include <fmt/format.h>
 
 namespace nv {
 
 namespace {
 
 constexpr std::int64_t kMicrosecondsInASecond = 1'000'000;
+constexpr int kDigitsOfMicroseconds = 6;
 
 } // namespace
 
@@ -20,12 +19,9 @@ Date chromeDate(std::optional<std::int64_t> stored) {
 void addChromeDate(FactList &facts, FactName name, std::optional<std::int64_t> stored) {
     if (stored.value_or(0) == 0)
         return;
-    std::string text = formatDate(chromeTimeToDate(*stored), "yyyy-mm-dd hh:nn:ss");
     const std::int64_t rest = *stored % kMicrosecondsInASecond;
     const std::int64_t fraction = rest < 0 ? rest + kMicrosecondsInASecond : rest;
-    if (!text.empty() && fraction != 0)
-        text += fmt::format(".{:06}", fraction);
-    facts.add(name, std::move(text), *stored);
+    facts.add(name, factDate(chromeTimeToDate(*stored), fraction, kDigitsOfMicroseconds), *stored);
 }
 
 void addSeconds(FactList &facts, FactName name, std::int64_t microseconds) {

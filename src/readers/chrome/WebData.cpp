@@ -11,6 +11,7 @@
 #include "readers/chrome/WebData.h"
 
 #include "base/Text.h"
+#include "readers/FactSource.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/MetaTable.h"
 #include "readers/chrome/ProfileRecord.h"
@@ -84,8 +85,7 @@ UrlRecord formRecord(const ReadContext &ctx, const FormValue &form) {
 /// Where a row lies in its source comes last, after what it says.
 void save(ReadContext &ctx, UrlRecord record, std::string_view table, std::int64_t rowId) {
     record.Reference_ID = rowId;
-    record.facts.add("source_table", std::string(table));
-    record.facts.add("source_rowid", rowId);
+    addSource(record.facts, table, rowId);
     ctx.sink.save(record);
 }
 

@@ -16,6 +16,7 @@
 
 #include "readers/chrome/WebDataPeople.h"
 
+#include "readers/FactSource.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/ProfileRecord.h"
 #include "readers/chrome/Stamps.h"
@@ -126,8 +127,7 @@ class People {
                   std::int64_t rowId) {
         record.Reference_ID = rowId;
         record.facts.add("guid", std::string(guid));
-        record.facts.add("source_table", std::string(table));
-        record.facts.add("source_rowid", rowId);
+        addSource(record.facts, table, rowId);
         m_ctx.sink.save(record);
     }
 

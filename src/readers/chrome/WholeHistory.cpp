@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Trap.h"
+#include "readers/FactSource.h"
 #include "readers/chrome/Downloads.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/MetaTable.h"
@@ -66,8 +67,7 @@ class WholeHistory {
     ReadResult readPageRecords(const ReadPages &readPages) {
         ReadingPart part(m_ctx, kPageRecords);
         return readPages(part.context, [this](UrlRecord &record, std::int64_t typed) {
-            record.facts.add("source_table", "urls");
-            record.facts.add("source_rowid", record.Reference_ID);
+            addSource(record.facts, "urls", record.Reference_ID);
             if (typed > 0)
                 record.facts.add("typed_count", typed);
             const ListedPage *page = m_history.pages.find(record.Reference_ID);
@@ -113,8 +113,7 @@ class WholeHistory {
         const std::string transition = transitionStatus(visit.transition);
         if (!m_ctx.deleted && !transition.empty())
             record.Status = transition;
-        record.facts.add("source_table", "visits");
-        record.facts.add("source_rowid", visit.id);
+        addSource(record.facts, "visits", visit.id);
         m_history.addFacts(record.facts, visit);
         if (!page) {
             m_history.addFactsOfLostPage(record.facts, visit);

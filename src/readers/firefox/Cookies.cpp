@@ -6,6 +6,7 @@
 
 #include "readers/firefox/Cookies.h"
 
+#include "readers/FactSource.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
 #include "readers/sqlite/CookieRow.h"
@@ -88,8 +89,7 @@ ReadResult parseFirefoxCookiesFile(ReadContext &ctx) {
             record.OtherDate = record.ExpiryDate;
             record.OtherDateMeaning = "Expiry Date";
             if (!ctx.classicOnly) {
-                record.facts.add("source_table", kTable);
-                record.facts.add("source_rowid", id);
+                addSource(record.facts, kTable, id);
                 addFacts(record.facts, row);
             }
             ctx.sink.save(record);

@@ -7,6 +7,7 @@
 #include "readers/firefox/Places.h"
 
 #include "base/Files.h"
+#include "readers/FactSource.h"
 #include "readers/ReadingPart.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/PlacesBookmarks.h"
@@ -209,8 +210,7 @@ UrlRecord PlacesReading::pageRecord(const Row &row, PlacesPages::Page *page,
     UrlRecord record = m_pages.isAndroid() ? androidRecord(row, page)
                                            : classicRecord(row, page, row.number(kVisitCount));
     FactList &facts = record.facts;
-    facts.add("source_table", "moz_places");
-    facts.add("source_rowid", record.Reference_ID);
+    addSource(facts, "moz_places", record.Reference_ID);
     facts.add("title", row.text(kTitle));
     if (page && page->first)
         addVisit(facts, *page->first, m_pages, downloads);
