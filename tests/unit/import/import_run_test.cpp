@@ -258,6 +258,35 @@ TEST_F(ImportRunTest, leavesReferencesWholeAndLookedUpAgain) {
     EXPECT_EQ(project.number("SELECT count(*) FROM RecordFacts"), 0) << "they go with their record";
 }
 
+TEST_F(ImportRunTest, makesTheIndexOverAddressesBehindTheFirstRecords) {
+    static std::int64_t indexes = -1;
+    static SQLite::Database *database = nullptr;
+    const auto count = [](ReadContext &ctx) -> ReadResult {
+        test::saveUrl(ctx, "http://host/");
+        SQLite::Statement query(*database,
+                                "SELECT count(*) FROM sqlite_master WHERE name = 'URLIndex'");
+        query.executeStep();
+        indexes = query.getColumn(0).getInt64();
+        throw std::runtime_error("the reader broke down");
+    };
+    static constexpr Reader reader = test::madeUp(chromeHistory, "counts", count);
+    const auto readers = [](HistoryFileType) -> const Reader * { return &reader; };
+    database = &project.connection();
+    constexpr const char *kText = "SELECT group_concat(sql) FROM sqlite_master "
+                                  "WHERE name = 'URLIndex'";
+    const std::string text = project.text(kText);
+    add(chromeHistory, "a", "");
+    Unwatched task;
+    import(task, readers);
+    EXPECT_EQ(indexes, 0) << "while the project's first records come";
+    EXPECT_EQ(project.text(kText), text);
+    import(task, readers);
+    EXPECT_EQ(indexes, 1) << "with records in it";
+    project.connection().exec("DROP INDEX URLIndex");
+    import(task, readers);
+    EXPECT_EQ(project.text(kText), text) << "what a killed import left behind";
+}
+
 TEST_F(ImportRunTest, leavesNothingInTheScratchFolder) {
     scratch = project.folder.path() / "scratch";
     std::filesystem::create_directory(scratch);
