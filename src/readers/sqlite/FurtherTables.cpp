@@ -26,7 +26,7 @@ bool FurtherTables::guarded(std::string_view table, const std::function<bool()> 
     KeptMessage failure;
     const bool wentOn = trapped(failure, Severity::Warning, "", "", true, walk);
     if (!failure.text.empty())
-        addDamage(m_result, fmt::format("in table \"{}\": {}", table, failure.text));
+        addDamage(m_result, fmt::format("table \"{}\" can't be read: {}", table, failure.text));
     return wentOn;
 }
 

@@ -128,7 +128,7 @@ TEST_F(SqliteFurtherTables, whatCannotBeWalkedCostsItsOwnRowsAlone) {
         .run("CREATE TABLE last(name); INSERT INTO last VALUES('x')");
     EXPECT_EQ(read(), "last1x ");
     EXPECT_EQ(reading.result.state, ReadState::cutShort);
-    EXPECT_THAT(reading.result.reason, HasSubstr("in table \"rows\": "));
+    EXPECT_THAT(reading.result.reason, HasSubstr("table \"rows\" can't be read: "));
 }
 
 TEST_F(SqliteFurtherTables, isCancelledInTablesOfEitherForm) {
