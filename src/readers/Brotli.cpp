@@ -1,5 +1,6 @@
 #include "readers/Unpacker.h"
 
+#include <algorithm>
 #include <brotli/decode.h>
 #include <cstddef>
 #include <cstdint>
@@ -8,6 +9,9 @@
 namespace nv {
 
 namespace {
+
+/// Damage takes along what the library has unpacked of a slice, and no more.
+constexpr std::size_t kSlice = 1024;
 
 struct EndBrotli {
     void operator()(BrotliDecoderState *state) const { BrotliDecoderDestroyInstance(state); }
@@ -22,6 +26,16 @@ class Brotli final : public Unpacker {
     }
 
     bool feed(std::string_view block, const Take &take) override {
+        for (; !block.empty(); block.remove_prefix(std::min(kSlice, block.size())))
+            if (!feedSlice(block.substr(0, kSlice), take))
+                return false;
+        return true;
+    }
+
+    bool isWhole() const override { return m_isWhole; }
+
+  private:
+    bool feedSlice(std::string_view block, const Take &take) {
         const auto *next = reinterpret_cast<const std::uint8_t *>(block.data());
         std::size_t left = block.size();
         BrotliDecoderResult result = BROTLI_DECODER_RESULT_NEEDS_MORE_OUTPUT;
@@ -38,9 +52,6 @@ class Brotli final : public Unpacker {
         return !m_isWhole;
     }
 
-    bool isWhole() const override { return m_isWhole; }
-
-  private:
     /// What the decoder has in its window, without a copy.
     bool giveAway(const Take &take) {
         while (BrotliDecoderHasMoreOutput(m_state.get()) == BROTLI_TRUE) {

@@ -55,7 +55,7 @@ std::string charsetOf(std::string_view headers) {
 }
 
 int statusOf(std::string_view headers) {
-    constexpr std::size_t kDigits = 3;
+    constexpr std::ptrdiff_t kDigits = 3;
     const std::string_view line = headers.substr(0, headers.find('\n'));
     const std::size_t blank = line.find(' ');
     if (!startsWithNoCase(line, "HTTP") || blank == std::string_view::npos)
@@ -63,7 +63,7 @@ int statusOf(std::string_view headers) {
     int status = 0;
     const std::string_view digits = line.substr(blank + 1, kDigits);
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), status);
-    return error == std::errc() && end == digits.data() + kDigits ? status : 0;
+    return error == std::errc() && end - digits.data() == kDigits ? status : 0;
 }
 
 } // namespace nv

@@ -1,5 +1,6 @@
 #include "readers/Unpacker.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <stdexcept>
 #include <zstd.h>
@@ -10,6 +11,9 @@ namespace {
 
 /// What a server may ask a browser to remember, as a power of 2: RFC 9659.
 constexpr int kWindow = 23;
+
+/// Damage takes along what the library has unpacked of a slice, and no more.
+constexpr std::size_t kSlice = 1024;
 
 struct EndZstd {
     void operator()(ZSTD_DCtx *context) const { ZSTD_freeDCtx(context); }
@@ -24,6 +28,16 @@ class Zstd final : public Unpacker {
     }
 
     bool feed(std::string_view block, const Take &take) override {
+        for (; !block.empty(); block.remove_prefix(std::min(kSlice, block.size())))
+            if (!feedSlice(block.substr(0, kSlice), take))
+                return false;
+        return true;
+    }
+
+    bool isWhole() const override { return m_isWhole; }
+
+  private:
+    bool feedSlice(std::string_view block, const Take &take) {
         ZSTD_inBuffer in = {block.data(), block.size(), 0};
         bool isFull = false; // then there may be more, whether there is input or not
         while (in.pos < in.size || isFull) {
@@ -40,9 +54,6 @@ class Zstd final : public Unpacker {
         return true;
     }
 
-    bool isWhole() const override { return m_isWhole; }
-
-  private:
     std::unique_ptr<ZSTD_DCtx, EndZstd> m_context;
     std::size_t m_size = ZSTD_DStreamOutSize();
     std::unique_ptr<char[]> m_out = std::make_unique_for_overwrite<char[]>(m_size);

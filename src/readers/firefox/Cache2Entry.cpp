@@ -43,11 +43,15 @@ std::uint16_t u16be(ByteView bytes, std::uint64_t at) {
 }
 
 /// The hash covers all, or all but the version at the end.
-bool isHashRight(ByteView bytes) {
+bool isHashRight(ByteView bytes, std::uint32_t version) {
     const std::uint32_t hash = bytes.u32be(0);
     const ByteView behind = bytes.sub(kWord, bytes.size() - 2 * kWord);
-    return cache2Hash(behind) == hash ||
-           (behind.size() > kWord && cache2Hash(behind.sub(0, behind.size() - kWord)) == hash);
+    if (cache2Hash(behind) == hash)
+        return true;
+    if (behind.size() < kWord)
+        return false;
+    const std::uint64_t end = behind.size() - kWord;
+    return behind.u32be(end) == version && cache2Hash(behind.sub(0, end)) == hash;
 }
 
 /// An empty name is the version at the end, or what is no element any more.
@@ -146,7 +150,7 @@ Cache2Entry parseCache2Entry(ByteView bytes, std::uint64_t stored) {
     const std::uint64_t end = words.at() + keySize;
     if (keySize == 0 || behind.u8(end) != 0)
         throw std::runtime_error("its metadata have no key that ends where they say");
-    entry.isHashRight = isHashRight(bytes);
+    entry.isHashRight = isHashRight(bytes, entry.version);
     parseElements(behind.from(end + 1), entry);
     entry.body = std::min(stored, alternativeAt(entry.element("alt-data")).value_or(stored));
     return entry;

@@ -73,18 +73,19 @@ void setUrl(UrlRecord &url, const Cache2Key &key, std::string_view whole) {
     setPageObjects(url);
 }
 
-/// The folder of the cache, by which its records belong together, and the file in it.
+/// The folder of the cache, by which its records belong together, and the file in it. Where the
+/// folder of the entries is all that there is of the evidence, it stands for the cache's.
 void setPlace(UrlRecord &url, const Cache2Entry &entry, const Cache2File &file,
               const ReadContext &ctx) {
-    const fs::path own = file.path.parent_path();
-    const fs::path cache = file.folder.empty() ? own : own.parent_path();
+    const fs::path own = fs::path(ctx.evidence.relativeOf(file.path)).parent_path();
+    const bool isBelow = !file.folder.empty() && !own.empty();
     url.SourceFile_ID = ctx.file.sourceFileID;
     url.HistoryFilePath = textOf(file.path);
     url.HistoryVersion = fmt::format("cache2 version {}", entry.version);
-    url.RootPath = ctx.evidence.rootOf(cache);
-    url.CacheRootPath = textOf(fs::path(ctx.evidence.relativeOf(cache)));
+    url.RootPath = ctx.evidence.rootOf(file.path);
+    url.CacheRootPath = textOf(isBelow ? own.parent_path() : own);
     url.CacheFileRelativePath = url.CacheRootPath;
-    url.CacheFolderName = file.folder;
+    url.CacheFolderName = isBelow ? file.folder : std::string();
     url.DataBlockFile = textOf(file.path.filename());
     url.CacheFileSize = static_cast<std::int64_t>(entry.body);
     url.CacheFileExists = entry.body > 0;
