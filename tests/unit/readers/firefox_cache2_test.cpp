@@ -1,5 +1,4 @@
 #include "base/Files.h"
-#include "base/Md5.h"
 #include "readers/CachedBody.h"
 #include "readers/Candidate.h"
 #include "readers/Registry.h"
@@ -8,7 +7,6 @@
 #include "readers/firefox/Cache2Hash.h"
 #include "support/FactsOf.h"
 #include "support/FileReading.h"
-#include "support/Samples.h"
 #include "support/builders/FirefoxCache2.h"
 #include "support/builders/Packed.h"
 
