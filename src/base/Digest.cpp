@@ -26,6 +26,10 @@ const EVP_MD *fetched(DigestAlgorithm algorithm) {
         static const Fetched md5 = fetch("MD5");
         return md5.get();
     }
+    if (algorithm == DigestAlgorithm::sha1) {
+        static const Fetched sha1 = fetch("SHA1");
+        return sha1.get();
+    }
     static const Fetched sha256 = fetch("SHA256");
     return sha256.get();
 }

@@ -12,7 +12,7 @@ namespace nv {
 
 class FileReader;
 
-enum class DigestAlgorithm { md5, sha256 };
+enum class DigestAlgorithm { md5, sha1, sha256 };
 
 /// A digest over bytes that arrive in pieces. Hexadecimal results are lower-case.
 class Digest {

@@ -24,6 +24,7 @@ struct Arguments {
     std::int64_t urlId = 0;
     std::string file; ///< "-" for the standard output
     bool overwrite = false;
+    bool raw = false;
 };
 
 constexpr std::string_view kStandardOutput = "-";
@@ -57,6 +58,15 @@ void writeContent(Session &session, const fs::path &content, const std::string &
     });
 }
 
+std::string packingOf(const Body &content) {
+    std::string text;
+    if (!content.unpackedFrom.empty())
+        text += fmt::format(", unpacked ({})", printable(content.unpackedFrom));
+    if (!content.doubt.empty())
+        text += fmt::format("; {}", printable(content.doubt));
+    return text;
+}
+
 Exit run(Session &session, const Arguments &arguments) {
     session.openForReading(arguments.project);
     Program &program = session.program;
@@ -69,15 +79,18 @@ Exit run(Session &session, const Arguments &arguments) {
             fmt::format("row {} can't be read; see \"{}\"", urlId, textOf(program.log.path())));
     UrlRecord &record = *stored;
     const Evidence evidence(program.state.rootPath);
-    const auto content = contentOf(record, {evidence, session.scratch(), program.log});
+    const Extraction extraction = {.evidence = evidence,
+                                   .folder = session.scratch(),
+                                   .log = program.log,
+                                   .isAsStored = arguments.raw};
+    const auto content = bodyOf(record, extraction, 0);
     if (!content) {
         session.err << fmt::format("row {}: {}\n", urlId, printable(missingContent(record)));
         return Exit::damagedEvidence;
     }
-    writeContent(session, *content, arguments.file);
-    session.err << fmt::format("{}, MD5 {}{}\n", counted(fs::file_size(*content), "byte"),
-                               fileMD5(*content).value_or(""),
-                               record.GZipEncoded ? ", unpacked" : "");
+    writeContent(session, content->file, arguments.file);
+    session.err << fmt::format("{}, MD5 {}{}\n", counted(fs::file_size(content->file), "byte"),
+                               fileMD5(content->file).value_or(""), packingOf(*content));
     return Exit::ok;
 }
 
@@ -93,6 +106,7 @@ Command extractCommand() {
             .arguments = {projectWord(given->project), rowWord(given->urlId),
                           value("FILE", given->file, "Where to write it; - is the standard output")
                               .required(),
+                          flag("--raw", given->raw, "As the cache keeps it, packed or not"),
                           flag("--overwrite", given->overwrite, "Replace FILE when it is there")},
             .run = [given](Session &session) { return run(session, *given); }};
 }

@@ -137,6 +137,23 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "mime_type",
     "body",
     "classic_rule",
+    "cache_layout",
+    "frecency",
+    "pinned",
+    "anonymous",
+    "charset",
+    "server_address",
+    "certificate_name",
+    "certificate_issuer",
+    "answer_began",
+    "answer_ended",
+    "content_kind",
+    "alternative_data",
+    "cache_element",
+    "content_coding",
+    "content_md5",
+    "content_sha1",
+    "content_sha256",
 });
 
 } // namespace detail

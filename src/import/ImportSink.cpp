@@ -1,9 +1,26 @@
 #include "import/ImportSink.h"
 
+#include "base/Trap.h"
 #include "db/RecordNames.h"
 #include "readers/Scratch.h"
 
+#include <algorithm>
+#include <string_view>
+
 namespace nv {
+
+namespace {
+
+constexpr std::string_view kProcedure = "ImportForm.HashContent()";
+
+/// Of the caches of today's browsers. Classic ones have rows by the ten thousand whose bodies
+/// nobody else reads while they are imported.
+bool hashesContent(const UrlRecord &record) {
+    const auto isLayout = [](const RecordFact &fact) { return fact.name == "cache_layout"; };
+    return record.CacheFileExists && std::ranges::any_of(record.facts, isLayout);
+}
+
+} // namespace
 
 /// The category is found before the row is written, which so is written once. The row keeps
 /// CacheType and extension in the reader's words; the record in memory gets the verdict's.
@@ -37,7 +54,14 @@ void AskedSink::save(UrlRecord &record) {
         ++m_notAsked;
 }
 
+void ImportSink::addContentFacts(const UrlRecord &record, SavedContent &content) const {
+    if (hashesContent(record))
+        trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport,
+                [&content] { content.addFacts(); });
+}
+
 void ImportSink::write(UrlRecord &record, SavedContent &content) {
+    addContentFacts(record, content);
     if (!m_metadata)
         return m_store.saveRecord(record, m_file);
     const PageFindings found = m_metadata->parseAdvancedMetadata(record, content);

@@ -28,6 +28,7 @@ class ImportSink final : public RecordSink {
 
   private:
     void write(UrlRecord &record, SavedContent &content);
+    void addContentFacts(const UrlRecord &record, SavedContent &content) const;
     void count(const UrlRecord &record);
     void dropBody(UrlRecord &record);
 

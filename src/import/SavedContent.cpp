@@ -1,5 +1,6 @@
 #include "import/SavedContent.h"
 
+#include "base/Digest.h"
 #include "base/Storage.h"
 #include "import/PageContent.h"
 #include "markup/PageText.h"
@@ -49,6 +50,50 @@ const ContentFacts *SavedContent::facts() {
     if (!m_facts)
         m_facts = factsOf(found->raw());
     return &*m_facts;
+}
+
+void SavedContent::inBlocksOf(const Body &found,
+                              const std::function<void(std::string_view)> &take) {
+    if (found.isInMemory)
+        return take(found.raw());
+    const auto taking = [&take](std::string_view block) {
+        take(block);
+        return true;
+    };
+    expectScratch(found);
+    if (isScratch(found)) {
+        static_cast<void>(inBlocks(ScratchFile(found.file), taking));
+        return;
+    }
+    tellingGaps(m_extraction.log, [&] {
+        static_cast<void>(inBlocks(m_extraction.evidence.open(found.file), taking));
+    });
+}
+
+void SavedContent::addFacts() {
+    const Body *found = body();
+    if (!found)
+        return;
+    // Making one costs more than hashing a small body with it.
+    thread_local Digest md5(DigestAlgorithm::md5);
+    thread_local Digest sha1(DigestAlgorithm::sha1);
+    thread_local Digest sha256(DigestAlgorithm::sha256);
+    for (Digest *digest : {&md5, &sha1, &sha256})
+        static_cast<void>(digest->takeHex()); // what a failed reading left
+    std::uint64_t size = 0;
+    inBlocksOf(*found, [&size](std::string_view block) {
+        size += block.size();
+        for (Digest *digest : {&md5, &sha1, &sha256})
+            digest->add(block);
+    });
+    FactList &facts = m_record.facts;
+    facts.add("content_coding", found->unpackedFrom);
+    facts.add("body", found->doubt);
+    if (size == 0)
+        return;
+    facts.add("content_md5", md5.takeHex());
+    facts.add("content_sha1", sha1.takeHex());
+    facts.add("content_sha256", sha256.takeHex());
 }
 
 std::filesystem::path SavedContent::file() {

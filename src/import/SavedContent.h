@@ -6,8 +6,10 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace nv {
 
@@ -31,12 +33,16 @@ class SavedContent {
     std::filesystem::path file();
     /// That of a page in UTF-8. Throws PageTooLarge for more than kPageBytes.
     std::string pageText();
+    /// Adds to the record's facts MD5, SHA-1 and SHA-256 of the content, which codings were undone,
+    /// and why it may not be the whole of it. Nothing is added where there is no content.
+    void addFacts();
 
   private:
     const Body *body();
     bool isScratch(const Body &found) const;
     const ContentFacts &factsIn(const Body &found);
     void expectScratch(const Body &found) const;
+    void inBlocksOf(const Body &found, const std::function<void(std::string_view)> &take);
 
     UrlRecord &m_record;
     const Extraction &m_extraction;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace nv {
@@ -20,6 +21,8 @@ struct Body {
     std::filesystem::path file;
     bool isInMemory = false;
     Bytes bytes;
+    std::string unpackedFrom = {}; ///< the codings that were undone, as "gzip, br"
+    std::string doubt = {}; ///< why it isn't the whole content as it was served; mostly empty
 
     std::string_view raw() const { return ByteView(bytes).raw(); }
 };

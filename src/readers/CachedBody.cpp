@@ -2,15 +2,17 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/Coding.h"
 #include "readers/ContentProbe.h"
 #include "readers/EvidenceGaps.h"
-#include "readers/GZip.h"
 #include "readers/Limits.h"
 #include "readers/Registry.h"
 #include "readers/Scratch.h"
 
 #include <algorithm>
 #include <array>
+#include <span>
+#include <vector>
 
 namespace nv {
 
@@ -52,23 +54,30 @@ Bytes headOf(const Body &body) {
     return {body.bytes.data(), body.bytes.data() + size};
 }
 
-/// What the first bytes of the body say of the record; a packed body is unpacked first.
-void settleBody(UrlRecord &record, Body &body, std::uint64_t inMemory, FailureLog &log) {
-    Bytes head = headOf(body);
-    if (beginsAsGZip(ByteView(head)) && unpackBody(body, inMemory, log)) {
-        record.GZipEncoded = true;
-        head = headOf(body);
-    }
-    const std::string extension = getExtBySignature(ByteView(head));
-    if (std::ranges::find(kPictures, extension) != kPictures.end()) {
-        record.IsPicture = true;
-        record.CacheFileExt = extension;
-    }
-    record.IsWebPage |= extension == "htm" || extension == "html";
+void unpackClassic(Body &body, std::uint64_t inMemory, FailureLog &log) {
+    const std::string gzip = "gzip";
+    static_cast<void>(unpackBody(body, std::span(&gzip, 1), Damaged::staysPacked, inMemory, log));
+}
+
+void unpack(UrlRecord &record, Body &body, Packing packing, std::uint64_t inMemory,
+            FailureLog &log) {
+    const std::vector<std::string> codings = codingsOf(record.MetaData);
+    const bool isClassic = packing == Packing::classic;
+    const bool namesOthers =
+        std::ranges::any_of(codings, [](const std::string &coding) { return coding != "gzip"; });
+    if (!isClassic || namesOthers)
+        static_cast<void>(unpackBody(body, codings, Damaged::givesPart, inMemory, log));
+    if (isClassic && body.unpackedFrom.empty())
+        unpackClassic(body, inMemory, log);
+    record.GZipEncoded |= body.unpackedFrom.find("gzip") != std::string::npos;
+}
+
+Packing packingOf(const Reader &reader) {
+    return reader.isBeyondClassic ? Packing::byHeaders : Packing::classic;
 }
 
 /// Nothing when there is no body.
-std::optional<Body> fetched(UrlRecord &record, Fetch fetch, const Extraction &ctx,
+std::optional<Body> fetched(UrlRecord &record, const Reader &reader, const Extraction &ctx,
                             std::uint64_t inMemory) {
     const fs::path target = ctx.folder / kBodyName;
     const auto run = [&]() -> std::optional<Body> {
@@ -76,12 +85,13 @@ std::optional<Body> fetched(UrlRecord &record, Fetch fetch, const Extraction &ct
         if (inMemory == 0)
             scratch::drop(target); // what an earlier record left must not pass for this one's
         BodyTarget into(target, inMemory);
-        if (!tellingGaps(ctx.log, [&] { return fetch(record, ctx.evidence, into); }))
+        if (!tellingGaps(ctx.log, [&] { return reader.fetch(record, ctx.evidence, into); }))
             return std::nullopt;
         Body body = into.take();
         if (!body.isInMemory)
             record.RunTimeTempFilePath = body.file;
-        settleBody(record, body, inMemory, ctx.log);
+        if (!ctx.isAsStored)
+            settleBody(record, body, packingOf(reader), inMemory, ctx.log);
         record.RunTimeTempFilePath = body.isInMemory ? fs::path() : body.file;
         record.CacheFileExists = true;
         return body;
@@ -92,13 +102,24 @@ std::optional<Body> fetched(UrlRecord &record, Fetch fetch, const Extraction &ct
 
 } // namespace
 
+void settleBody(UrlRecord &record, Body &body, Packing packing, std::uint64_t inMemory,
+                FailureLog &log) {
+    unpack(record, body, packing, inMemory, log);
+    const std::string extension = getExtBySignature(ByteView(headOf(body)));
+    if (std::ranges::find(kPictures, extension) != kPictures.end()) {
+        record.IsPicture = true;
+        record.CacheFileExt = extension;
+    }
+    record.IsWebPage |= extension == "htm" || extension == "html";
+}
+
 std::optional<Body> bodyOf(UrlRecord &record, const Extraction &ctx, std::uint64_t inMemory) {
     if (!record.RunTimeTempFilePath.empty() && scratch::isThere(record.RunTimeTempFilePath))
         return Body{record.RunTimeTempFilePath, false, {}};
     const Reader *reader =
         ctx.source == HistoryFileType::none ? sourceOf(record) : readerFor(ctx.source);
     if (reader && reader->fetch)
-        return fetched(record, reader->fetch, ctx, inMemory);
+        return fetched(record, *reader, ctx, inMemory);
     if (const auto file = evidenceFileOf(record, ctx.evidence))
         return Body{*file, false, {}};
     return std::nullopt;

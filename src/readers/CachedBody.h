@@ -20,7 +20,21 @@ struct Extraction {
     /// The type of the record's file where the caller knows it, as an import does. Otherwise the
     /// record's kind and file say how its body is fetched.
     HistoryFileType source = HistoryFileType::none;
+    bool isAsStored = false; ///< bodies aren't unpacked
 };
+
+/// How a cache keeps what servers packed.
+enum class Packing {
+    /// Beyond what its headers name, gzip is known by its first bytes, and stays packed when it is
+    /// damaged: earlier cases were counted so.
+    classic,
+    byHeaders,
+};
+
+/// Unpacks the body of a record, and sets in the record what its first bytes say. bodyOf() does so
+/// with what it fetches; a reader does that holds a body itself.
+void settleBody(UrlRecord &record, Body &body, Packing packing, std::uint64_t inMemory,
+                FailureLog &log);
 
 /// The record's content: evidence is named where it lies; what is held in block files or tables is
 /// fetched, up to `inMemory` bytes into memory, and otherwise into the folder of `ctx`, where

@@ -17,6 +17,14 @@ inline constexpr std::size_t kIndexHashTables = 201;
 /// body that grows beyond this is built to fill the disk and stays packed.
 inline constexpr std::uint64_t kUnpackedBytes = std::uint64_t{256} << 20;
 
+/// The same as times its packed size, for what unpacks to more than so many bytes. gzip comes to
+/// 1032 times at most; br and zstd pack hundreds of megabytes of zeros into some hundred bytes.
+inline constexpr std::uint64_t kUnpackedTimes = 2000;
+inline constexpr std::uint64_t kUnpackedAnyway = std::uint64_t{16} << 20;
+
+/// Codings of one body, one within the other. Servers apply one, seldom two.
+inline constexpr std::size_t kCodings = 8;
+
 // The history of Firefox 2 is read in memory, where each of its bytes costs several. A profile of
 // years has some ten thousand pages in a few MB.
 
@@ -91,6 +99,9 @@ inline constexpr std::size_t kOperaTypedBytes = std::size_t{16} << 20;
 
 /// Firefox's list of logins. One takes some 700 bytes, and some twenty times that in memory.
 inline constexpr std::size_t kFirefoxLoginsBytes = std::size_t{64} << 20;
+
+/// Key, headers and certificates of an entry of Firefox's cache2: some 10 KB.
+inline constexpr std::uint64_t kFirefoxCache2MetaData = std::uint64_t{4} << 20;
 
 /// The text file of a cookie, as far as it is kept. The browser holds a host's cookies to some
 /// hundred KB; a longer file is none of its own.

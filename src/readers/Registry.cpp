@@ -5,6 +5,7 @@
 #include "readers/chrome/HistoryFormats.h"
 #include "readers/chrome/ProfileFormats.h"
 #include "readers/chrome/UnreadFormats.h"
+#include "readers/firefox/Cache2Formats.h"
 #include "readers/firefox/Formats.h"
 #include "readers/firefox/ProfileFormats.h"
 #include "readers/firefox/UnreadFormats.h"

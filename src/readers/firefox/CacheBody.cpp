@@ -11,13 +11,10 @@
 
 namespace nv {
 
-namespace {
-
 namespace fs = std::filesystem;
 
-/// The file `name` in the record's cache folder, case set right.
-std::optional<fs::path> inCacheFolder(const UrlRecord &record, const Evidence &evidence,
-                                      const std::string &name) {
+std::optional<fs::path> inFirefoxCacheFolder(const UrlRecord &record, const Evidence &evidence,
+                                             const std::string &name) {
     const fs::path relative = record.CacheRootPath;
     const bool leadsUp = std::ranges::find(relative, fs::path("..")) != relative.end();
     const fs::path folder = record.RootPath + record.CacheRootPath;
@@ -27,22 +24,24 @@ std::optional<fs::path> inCacheFolder(const UrlRecord &record, const Evidence &e
     return evidence.find(record.RootPath, record.CacheRootPath + "/" + name);
 }
 
+namespace {
+
 std::optional<fs::path> separateFile(const UrlRecord &record, const Evidence &evidence) {
     const std::string name = record.DataBlockFile + "d01";
-    if (const auto beside = inCacheFolder(record, evidence, name))
+    if (const auto beside = inFirefoxCacheFolder(record, evidence, name))
         return beside;
     // Later caches spread these files over folders named by the hash: "3/3D/ED165d01".
     constexpr std::size_t kHashDigits = 8;
     if (record.DataBlockFile.size() != kHashDigits)
         return std::nullopt;
-    return inCacheFolder(record, evidence,
-                         name.substr(0, 1) + "/" + name.substr(1, 2) + "/" + name.substr(3));
+    return inFirefoxCacheFolder(record, evidence,
+                                name.substr(0, 1) + "/" + name.substr(1, 2) + "/" + name.substr(3));
 }
 
 std::optional<fs::path> blockFile(const UrlRecord &record, const Evidence &evidence) {
     for (const std::int64_t number : {1, 2, 3})
         if (record.DataBlockFile == std::to_string(number))
-            return inCacheFolder(record, evidence, blockFileName(number));
+            return inFirefoxCacheFolder(record, evidence, blockFileName(number));
     return std::nullopt;
 }
 
@@ -51,7 +50,7 @@ std::optional<fs::path> blockFile(const UrlRecord &record, const Evidence &evide
 bool fetchFirefoxCacheBody(const UrlRecord &record, const Evidence &evidence, BodyTarget &target) {
     const std::string map = fs::path(record.HistoryFilePath).filename().string();
     if (record.DataBlockFileOffset < 0 || record.CacheFileSize < 0 ||
-        !inCacheFolder(record, evidence, map))
+        !inFirefoxCacheFolder(record, evidence, map))
         return false;
     const bool isSeparate = record.DataBlockFileOffset == 0;
     const auto source = isSeparate ? separateFile(record, evidence) : blockFile(record, evidence);

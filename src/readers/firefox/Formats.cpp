@@ -31,6 +31,11 @@ bool isCache(const Candidate &file) {
     return nameHas(file, "_cache_map_");
 }
 
+/// Records of cache2 are of the same kind.
+bool isOfClassicCache(const UrlRecord &record) {
+    return !record.HistoryVersion.starts_with("cache2");
+}
+
 /// Without verification Opera's global history would be taken by its name.
 bool isMorkHistory(const Candidate &file) {
     return nameHas(file, "history") && file.extension == "dat" && !hasOperaHistoryName(file) &&
@@ -67,6 +72,7 @@ constinit const Reader kFirefoxCacheFormat = {
     .cases = {"firefox-cache;firefox-cache-further", "_CACHE_MAP_",
               "firefox-cache/four-places-of-bodies"},
     .furtherTypes = kFurtherCaches,
+    .isSourceOf = isOfClassicCache,
 };
 
 constinit const Reader kMorkHistoryFormat = {

@@ -1,6 +1,3 @@
-// cache2  = "entries": <40 hex>{...}
-// entry   = body metadata length of body:u32be
-// metadata = hash:u32be chunk hash:u16be{one for each 256 KiB} version:u32be ...
 // session = "mozLz40\0" ...
 
 #include "readers/firefox/UnreadFormats.h"
@@ -15,41 +12,7 @@ namespace nv {
 
 namespace {
 
-namespace fs = std::filesystem;
 using namespace std::string_view_literals;
-
-/// Whether its last bytes lead to metadata of a version that there is.
-bool endsAsAnEntry(const Candidate &candidate) {
-    constexpr std::uint64_t kWord = 4;
-    constexpr std::uint64_t kChunk = std::uint64_t{256} << 10;
-    constexpr std::uint64_t kLastVersion = 9;
-    const EvidenceFile file = candidate.evidence->open(candidate.file);
-    if (file.size() < 3 * kWord)
-        return false;
-    const auto wordAt = [&file](std::uint64_t at) {
-        const Bytes bytes = file.read(at, kWord);
-        return bigEndian(ByteView(bytes));
-    };
-    const std::uint64_t body = wordAt(file.size() - kWord);
-    const std::uint64_t chunks = (body + kChunk - 1) / kChunk;
-    const std::uint64_t at = body + kWord + 2 * chunks;
-    if (at + 2 * kWord > file.size())
-        return false;
-    const std::uint64_t version = wordAt(at);
-    return version >= 1 && version <= kLastVersion;
-}
-
-bool isCache2(const Candidate &file) {
-    constexpr std::size_t kDigits = 40; // of SHA-1
-    if (!isHexName(file.name, kDigits))
-        return false;
-    return file.verifySignatures ? endsAsAnEntry(file) : folderName(file) == "entries";
-}
-
-/// Entries that were copied out on their own lie in any folder.
-fs::path cacheOf(const Candidate &file) {
-    return folderAbove(file, folderName(file) == "entries" ? 2 : 1);
-}
 
 bool isJsonlz4(const Candidate &file) {
     const bool isNamed = nameHas(file, ".jsonlz4") || file.extension == "baklz4";
@@ -70,18 +33,6 @@ bool isStorage(const Candidate &file) {
 }
 
 } // namespace
-
-constinit const Reader kFirefoxCache2Format = {
-    .type = HistoryFileType{70},
-    .key = "firefox-cache2",
-    .kind = "Firefox cache2",
-    .option = &kFirefoxCacheOption,
-    .mask = "????????????????????????????????????????",
-    .recognises = isCache2,
-    .page = "not-read-yet",
-    .artefact = cacheOf,
-    .isBeyondClassic = true,
-};
 
 constinit const Reader kFirefoxJsonlz4Format = {
     .type = HistoryFileType{71},

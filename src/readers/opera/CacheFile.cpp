@@ -1,8 +1,8 @@
 #include "readers/opera/CacheFile.h"
 
 #include "base/Text.h"
+#include "readers/Coding.h"
 #include "readers/ContentProbe.h"
-#include "readers/GZip.h"
 #include "readers/Limits.h"
 
 #include <algorithm>

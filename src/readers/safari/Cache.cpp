@@ -11,7 +11,7 @@
 #include "base/Succeeds.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "readers/ContentProbe.h"
+#include "readers/HeldBody.h"
 #include "readers/Limits.h"
 #include "readers/Scratch.h"
 #include "readers/safari/CacheBlobs.h"
@@ -41,33 +41,6 @@ constexpr std::string_view kBodyName = "~safari_body";
 
 constexpr std::array<std::string_view, 2> kColumns = {"entry_id", "request_key"};
 enum Column : std::size_t { kEntryId, kRequestKey };
-
-/// The body of the record in hand, let go of at the end of the scope.
-class HeldBody {
-  public:
-    HeldBody(ContentProbe &content, const fs::path &scratch)
-        : m_content(content), m_file(scratch / kBodyName) {}
-    ~HeldBody() {
-        m_content.forget();
-        if (m_isInFile)
-            scratch::drop(m_file);
-    }
-    HeldBody(const HeldBody &) = delete;
-    HeldBody &operator=(const HeldBody &) = delete;
-
-    void take(const SafariBody &body) {
-        BodyTarget target(m_file, kBodyInMemory);
-        body.writeTo(target);
-        Body whole = target.take();
-        m_isInFile = !whole.isInMemory;
-        m_content.hold(std::move(whole));
-    }
-
-  private:
-    ContentProbe &m_content;
-    fs::path m_file;
-    bool m_isInFile = false;
-};
 
 class CacheReading {
   public:
@@ -112,7 +85,7 @@ class CacheReading {
             historyRecord(m_ctx, {.id = id, .url = row.text(kRequestKey), .visitCount = {}},
                           kSafariCache.word, m_fileCreated);
         record.IsHistory = false;
-        HeldBody held(m_ctx.content, m_ctx.scratch);
+        HeldBody held(m_ctx.content);
         if (m_blobs) {
             const auto place = static_cast<std::uint64_t>(id);
             m_lookUps.attempt(place, [&] { takeResponse(record, m_blobs->response(id)); });
@@ -177,7 +150,9 @@ class CacheReading {
         if (!record.CacheFileExists)
             return;
         // At hand while the record is saved: fetching it would copy the whole cache.
-        held.take(body);
+        BodyTarget target(m_ctx.scratch / kBodyName, kBodyInMemory);
+        body.writeTo(target);
+        held.take(target.take());
     }
 
     /// Entries that were taken out of the list while their blobs stayed. False when cancelled.

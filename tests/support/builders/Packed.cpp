@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <brotli/encode.h>
 #include <stdexcept>
+#include <zstd.h>
 #define ZLIB_CONST // zlib only reads its input
 #include <zlib.h>
 
@@ -10,11 +12,15 @@ namespace nv::test {
 
 namespace {
 
-/// A gzip stream that is written piece by piece.
+constexpr int kGZip = 15 + 16;
+constexpr int kZlib = 15;
+constexpr int kRaw = -15;
+
+/// A stream that is written piece by piece.
 class Packing {
   public:
-    Packing() {
-        if (deflateInit2(&m_stream, Z_BEST_COMPRESSION, Z_DEFLATED, 15 + 16, 8,
+    explicit Packing(int window = kGZip) {
+        if (deflateInit2(&m_stream, Z_BEST_COMPRESSION, Z_DEFLATED, window, 8,
                          Z_DEFAULT_STRATEGY) != Z_OK)
             throw std::runtime_error("the packing can't begin");
     }
@@ -40,12 +46,48 @@ class Packing {
     std::string m_packed;
 };
 
+std::string deflated(std::string_view text, int window) {
+    Packing packing(window);
+    packing.add(text, Z_FINISH);
+    return packing.packed();
+}
+
 } // namespace
 
 std::string gzip(std::string_view text) {
-    Packing packing;
-    packing.add(text, Z_FINISH);
-    return packing.packed();
+    return deflated(text, kGZip);
+}
+
+std::string zlibDeflate(std::string_view text) {
+    return deflated(text, kZlib);
+}
+
+std::string rawDeflate(std::string_view text) {
+    return deflated(text, kRaw);
+}
+
+std::string brotli(std::string_view text) {
+    constexpr int kQuality = 5;
+    constexpr int kWindow = 22;
+    std::string packed(BrotliEncoderMaxCompressedSize(text.size()) + 64, '\0');
+    std::size_t size = packed.size();
+    if (BrotliEncoderCompress(kQuality, kWindow, BROTLI_MODE_GENERIC, text.size(),
+                              reinterpret_cast<const std::uint8_t *>(text.data()), &size,
+                              reinterpret_cast<std::uint8_t *>(packed.data())) != BROTLI_TRUE)
+        throw std::runtime_error("brotli could not pack");
+    packed.resize(size);
+    return packed;
+}
+
+std::string zstd(std::string_view text) {
+    constexpr int kLevel = 3;
+    std::string packed(ZSTD_compressBound(text.size()), '\0');
+    const std::size_t size =
+        ZSTD_compress(packed.data(), packed.size(), text.data(), text.size(), kLevel);
+    if (ZSTD_isError(size) != 0)
+        throw std::runtime_error("zstd could not pack");
+    packed.resize(size);
+    return packed;
 }
 
 std::string gzipOfZeros(std::uint64_t count) {

@@ -1,5 +1,7 @@
 #include "base/Files.h"
+#include "base/Md5.h"
 #include "import/SavedContent.h"
+#include "support/FactsOf.h"
 #include "support/MacCacheReading.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
@@ -72,6 +74,28 @@ TEST_F(SavedContentTest, aLargeBodyThatVanishesFromScratchIsAFailureOfStorage) {
     EXPECT_EQ(content.file(), record.RunTimeTempFilePath);
     fs::remove(content.file());
     EXPECT_THROW(content.facts(), StorageFailure);
+}
+
+TEST_F(SavedContentTest, isHashedInMemoryAndInFiles) {
+    UrlRecord record;
+    const std::string_view bytes = "abc";
+    probe.hold({scratch.path() / "held", true, Bytes(bytes.begin(), bytes.end()), "br", "cut"});
+    SavedContent(record, extraction, probe).addFacts();
+    EXPECT_EQ(test::factOf(record, "content_coding"), "br");
+    EXPECT_EQ(test::factOf(record, "body"), "cut");
+    EXPECT_EQ(test::factOf(record, "content_md5"), "900150983cd24fb0d6963f7d28e17f72");
+    EXPECT_EQ(test::factOf(record, "content_sha1"), "a9993e364706816aba3e25717850c26c9cd0d89d");
+    EXPECT_EQ(test::factOf(record, "content_sha256"),
+              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    probe.forget();
+    for (const std::size_t size : {std::size_t{3}, std::size_t{kBodyInMemory} + 3}) {
+        UrlRecord inFile = inCache(std::string(size, 'x'));
+        SavedContent(inFile, extraction, probe).addFacts();
+        EXPECT_EQ(test::factOf(inFile, "content_md5"), md5Hex(std::string(size, 'x')));
+    }
+    UrlRecord none;
+    SavedContent(none, extraction, probe).addFacts();
+    EXPECT_TRUE(none.facts.empty());
 }
 
 TEST_F(SavedContentTest, isNoneWhenThereIsNone) {

@@ -1,6 +1,6 @@
 #include "readers/Body.h"
 #include "readers/CachedBody.h"
-#include "readers/GZip.h"
+#include "readers/Coding.h"
 #include "readers/Scratch.h"
 #include "support/MacCacheReading.h"
 #include "support/SmallFiles.h"
@@ -12,11 +12,17 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace nv {
 namespace {
 
 namespace fs = std::filesystem;
+
+bool unpackGZip(Body &body, FailureLog &log) {
+    const std::vector<std::string> codings = {"gzip"};
+    return unpackBody(body, codings, Damaged::staysPacked, kBodyInMemory, log);
+}
 
 struct BodyTest : testing::Test {
     /// The bytes of a body wherever they lie.
@@ -84,7 +90,7 @@ TEST_F(BodyTest, isUnpackedInMemory) {
     Body body{file, true, {}};
     const std::string packed = test::gzip("text");
     body.bytes.assign(packed.begin(), packed.end());
-    ASSERT_TRUE(unpackBody(body, kBodyInMemory, log));
+    ASSERT_TRUE(unpackGZip(body, log));
     EXPECT_TRUE(body.isInMemory);
     EXPECT_EQ(textOf(body), "text");
     EXPECT_TRUE(isScratchEmpty());
@@ -94,20 +100,20 @@ TEST_F(BodyTest, isUnpackedIntoAFileWhenItGrowsLarge) {
     Body body{file, true, {}};
     const std::string packed = test::gzipOfZeros(kBodyInMemory + 1);
     body.bytes.assign(packed.begin(), packed.end());
-    ASSERT_TRUE(unpackBody(body, kBodyInMemory, log));
+    ASSERT_TRUE(unpackGZip(body, log));
     EXPECT_FALSE(body.isInMemory);
     EXPECT_EQ(body.file, file);
     EXPECT_EQ(fs::file_size(file), kBodyInMemory + 1);
     const test::SmallFiles limit(1000);
     body = {file, true, Bytes(packed.begin(), packed.end())};
-    EXPECT_THROW(static_cast<void>(unpackBody(body, kBodyInMemory, log)), StorageFailure);
+    EXPECT_THROW(static_cast<void>(unpackGZip(body, log)), StorageFailure);
     EXPECT_TRUE(log.entries.empty());
 }
 
 TEST_F(BodyTest, staysPackedWhenItIsDamaged) {
     const std::string packed = test::gzip(std::string(5000, 'a') + "b");
     Body body{file, true, Bytes(packed.begin(), packed.end() - 9)};
-    EXPECT_FALSE(unpackBody(body, kBodyInMemory, log));
+    EXPECT_FALSE(unpackGZip(body, log));
     EXPECT_EQ(body.bytes.size(), packed.size() - 9);
     EXPECT_EQ(log.entries.size(), 1U);
 }

@@ -20,13 +20,6 @@ const std::string kSimpleMagic = "\x30\x5C\x72\xA7\x1B\x6D\xFB\xFC";
 const std::string kHex = "0A1B2C3D4E5F60718293A4B5C6D7E8F901234567";
 const std::string kNone = ""; // what no format takes
 
-/// An entry of cache2: body, hash, chunk hash, version, the length of the body.
-std::string cache2Entry(const std::string &body = "body", char version = 3) {
-    std::string bytes = body + "hash" + std::string(body.empty() ? 0 : 2, 'c');
-    bytes += std::string(3, '\0') + version + std::string(60, 'm');
-    return bytes + std::string(3, '\0') + static_cast<char>(body.size());
-}
-
 /// What is found in a folder, as the import would: by content.
 class UnreadFormats : public testing::Test {
   protected:
@@ -58,22 +51,6 @@ class UnreadFormats : public testing::Test {
     test::TempFolder folder;
     Evidence evidence{{}};
 };
-
-TEST_F(UnreadFormats, aCache2IsItsFolder) {
-    EXPECT_EQ(taken("p/cache2/entries/" + kHex, cache2Entry()), "firefox-cache2 p/cache2");
-    EXPECT_EQ(taken("renamed/entries/" + kHex, cache2Entry("", 1)), "firefox-cache2 renamed");
-    EXPECT_EQ(taken("copied out/" + kHex, cache2Entry()), "firefox-cache2 copied out");
-    EXPECT_EQ(taken("cache2/entries/" + kHex, "", false), "firefox-cache2 cache2");
-}
-
-TEST_F(UnreadFormats, filesOfThatNameAreNoCache2) {
-    for (const std::string &bytes :
-         {""s, "short"s, std::string(100, '\xFF'), std::string(100, '\0'), cache2Entry("body", 77)})
-        EXPECT_EQ(taken("entries/" + kHex, bytes), kNone) << bytes.size();
-    EXPECT_EQ(taken("entries/" + kHex.substr(1), cache2Entry()), kNone);
-    EXPECT_EQ(taken("entries/g" + kHex.substr(1), cache2Entry()), kNone);
-    EXPECT_EQ(taken("other/" + kHex, "", false), kNone);
-}
 
 TEST_F(UnreadFormats, aSimpleCacheIsItsFolder) {
     const std::string entry = "Cache/Cache_Data/00acb88820c9a06a_0";
@@ -197,7 +174,7 @@ TEST(UnreadRows, areListedAfterTheClassicOnes) {
 
 TEST(UnreadRows, tellTheEngine) {
     EXPECT_EQ(engineOf(readerByKey("chrome-simple-cache")), Engine::chromium);
-    EXPECT_EQ(engineOf(readerByKey("firefox-cache2")), Engine::gecko);
+    EXPECT_EQ(engineOf(readerByKey("firefox-storage")), Engine::gecko);
     EXPECT_EQ(engineOf(readerByKey("safari-history-db")), Engine::safari);
     EXPECT_EQ(engineOf(readerByKey("epiphany-history")), Engine::unknown) << "the place tells";
 }

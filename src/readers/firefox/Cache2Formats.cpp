@@ -1,0 +1,84 @@
+#include "readers/firefox/Cache2Formats.h"
+
+#include "readers/Candidate.h"
+#include "readers/FolderLayout.h"
+#include "readers/firefox/Cache2.h"
+#include "readers/firefox/Cache2Record.h"
+#include "readers/firefox/Kinds.h"
+#include "readers/firefox/Options.h"
+
+namespace nv {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const RecordKind *kKinds[] = {&kFirefoxCache, &kFirefoxCacheRemnant};
+
+std::uint64_t bigEndian(ByteView bytes) {
+    std::uint64_t number = 0;
+    for (std::uint64_t at = 0; at < bytes.size(); ++at)
+        number = number << 8 | bytes.u8(at);
+    return number;
+}
+
+/// Whether its last bytes lead to metadata of a version that there is.
+bool endsAsAnEntry(const Candidate &candidate) {
+    constexpr std::uint64_t kWord = 4;
+    constexpr std::uint64_t kChunk = std::uint64_t{256} << 10;
+    constexpr std::uint64_t kLastVersion = 9;
+    const EvidenceFile file = candidate.evidence->open(candidate.file);
+    if (file.size() < 3 * kWord)
+        return false;
+    const auto wordAt = [&file](std::uint64_t at) {
+        const Bytes bytes = file.read(at, kWord);
+        return bigEndian(ByteView(bytes));
+    };
+    const std::uint64_t body = wordAt(file.size() - kWord);
+    const std::uint64_t chunks = (body + kChunk - 1) / kChunk;
+    const std::uint64_t at = body + kWord + 2 * chunks;
+    if (at + 2 * kWord > file.size())
+        return false;
+    const std::uint64_t version = wordAt(at);
+    return version >= 1 && version <= kLastVersion;
+}
+
+bool isCache2(const Candidate &file) {
+    constexpr std::size_t kDigits = 40; // of SHA-1
+    if (!isHexName(file.name, kDigits))
+        return false;
+    return file.verifySignatures ? endsAsAnEntry(file) : folderName(file) == "entries";
+}
+
+/// Entries that were copied out on their own lie in any folder.
+fs::path cacheOf(const Candidate &file) {
+    const std::string folder = folderName(file);
+    return folderAbove(file, folder == "entries" || folder.starts_with("trash") ? 2 : 1);
+}
+
+bool isOfCache2(const UrlRecord &record) {
+    return record.HistoryVersion.starts_with("cache2");
+}
+
+} // namespace
+
+constinit const Reader kFirefoxCache2Format = {
+    .type = HistoryFileType{70},
+    .key = "firefox-cache2",
+    .kind = "Firefox cache2",
+    .version = "cache2",
+    .option = &kFirefoxCacheOption,
+    .mask = "????????????????????????????????????????",
+    .recognises = isCache2,
+    .read = parseFirefoxCache2,
+    .fetch = fetchFirefoxCache2Body,
+    .kinds = kKinds,
+    .page = "firefox-cache2",
+    .cases = {"firefox-cache2", "017CFFF36DCF40D670C37192ACB298BAE9BF178D",
+              "firefox-cache2/one-page"},
+    .artefact = cacheOf,
+    .isSourceOf = isOfCache2,
+    .isBeyondClassic = true,
+};
+
+} // namespace nv
