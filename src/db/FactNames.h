@@ -137,6 +137,16 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "mime_type",
     "body",
     "classic_rule",
+    "request_time",
+    "first_response_time",
+    "status_line",
+    "charset",
+    "server_address",
+    "certificate",
+    "upload_id",
+    "source_file",
+    "byte_ranges",
+    "further_stream",
 });
 
 } // namespace detail
