@@ -1,6 +1,7 @@
 #include "readers/Registry.h"
 
 #include "readers/RecordKind.h"
+#include "readers/chrome/CacheFormats.h"
 #include "readers/chrome/Formats.h"
 #include "readers/chrome/HistoryFormats.h"
 #include "readers/chrome/ProfileFormats.h"
@@ -61,6 +62,9 @@ constexpr std::array kFormats = {
     &kChromiumBookmarksFormat,
     &kChromiumPreferencesFormat,
     &kChromiumLocalStateFormat,
+    &kChromiumSimpleCacheFormat,
+    &kChromiumSqlCacheFormat,
+    &kChromiumLoneIndexFormat,
     &kFirefoxFormsFormat,
     &kFirefoxPermissionsFormat,
     &kFirefoxLoginsFormat,
@@ -69,9 +73,6 @@ constexpr std::array kFormats = {
     &kFirefoxCache2Format,
     &kFirefoxJsonlz4Format,
     &kFirefoxStorageFormat,
-    &kChromiumSimpleCacheFormat,
-    &kChromiumSqlCacheFormat,
-    &kChromiumLoneIndexFormat,
     &kLevelDBFormat,
     &kChromiumSessionFormat,
     &kChromiumSiteDataFormat,
