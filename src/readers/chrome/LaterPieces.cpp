@@ -14,7 +14,7 @@ std::optional<LaterEntry> laterEntryOfKey(LaterIndexFile &index, LaterEntries &e
     if (slot >= index.slotsThere())
         return std::nullopt;
     // A chain is a few entries long; one without an end leads round and round.
-    constexpr int kMostOfChain = 1000;
+    constexpr int kMostOfChain = 100;
     std::uint32_t address = index.word(slot);
     for (int step = 0; step < kMostOfChain; ++step) {
         auto entry = entries.at(address);

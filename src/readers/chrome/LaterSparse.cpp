@@ -12,6 +12,8 @@ constexpr std::uint64_t kMapAt = 64;
 constexpr std::uint64_t kMostMap = 8 << 10; ///< of a parent: pieces up to 64 GiB
 constexpr std::uint64_t kPiece = std::uint64_t{1} << 20;
 constexpr std::uint64_t kBlock = std::uint64_t{1} << 10;
+/// A map of nothing but pieces that aren't there would be looked up bit by bit.
+constexpr std::uint64_t kMostMissing = 1000;
 constexpr std::uint64_t kBlocksOfPiece = kPiece / kBlock;
 
 bool isSet(ByteView map, std::uint64_t bit) {
@@ -26,7 +28,8 @@ LaterSparse::LaterSparse(LaterEntries &entries, const LaterEntry &parent, const 
     if (map.size() < kMapAt)
         return;
     const std::uint64_t signature = map.u64le(0);
-    for (std::uint64_t number = 0; number < (map.size() - kMapAt) * 8; ++number) {
+    for (std::uint64_t number = 0; number < (map.size() - kMapAt) * 8 && m_missing < kMostMissing;
+         ++number) {
         if (!isSet(map, number))
             continue;
         const auto piece = find(fmt::format("Range_{}:{:x}:{:x}", parent.key, signature, number));
