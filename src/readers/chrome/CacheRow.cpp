@@ -1,9 +1,9 @@
 #include "readers/chrome/CacheRow.h"
 
-#include "base/CertificateText.h"
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Text.h"
+#include "readers/Certificate.h"
 #include "readers/Dissection.h"
 #include "readers/HttpHeaders.h"
 #include "readers/chrome/Kinds.h"
@@ -111,8 +111,13 @@ void takeResponse(UrlRecord &record, ChromeResponse response, const Clock &clock
     record.facts.add("status_line", std::string(trim(lines.substr(0, lines.find('\r')))));
     record.facts.add("charset", charsetOf(lines));
     record.facts.add("server_address", response.server);
-    if (!response.certificates.empty())
-        record.facts.add("certificate", certificateText(ByteView(response.certificates.front())));
+    const auto certificate = response.certificates.empty()
+                                 ? std::nullopt
+                                 : certificateOf(ByteView(response.certificates.front()));
+    if (certificate) {
+        record.facts.add("certificate_name", certificate->name);
+        record.facts.add("certificate_issuer", certificate->issuer);
+    }
     if (response.isTruncated)
         record.facts.add("body", "the transfer broke off");
 }

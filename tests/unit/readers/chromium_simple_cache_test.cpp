@@ -251,7 +251,7 @@ TEST_F(SimpleCache, aCertificateIsNamedOrSilent) {
     cache.add(0xA1, kKey, head.bytes(), "body");
     const auto &records = read();
     ASSERT_EQ(records.size(), 1U);
-    EXPECT_EQ(fact(records[0], "certificate"), "");
+    EXPECT_EQ(fact(records[0], "certificate_name"), "");
     EXPECT_EQ(fact(records[0], "server_address"), "192.0.2.7:443") << "what follows is read";
 }
 
