@@ -154,6 +154,13 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "content_md5",
     "content_sha1",
     "content_sha256",
+    "request_time",
+    "first_response_time",
+    "status_line",
+    "upload_id",
+    "source_file",
+    "byte_ranges",
+    "further_stream",
 });
 
 } // namespace detail

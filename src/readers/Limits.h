@@ -83,6 +83,13 @@ inline constexpr std::uint64_t kChromeBlockBody = std::uint64_t{1} << 20;
 /// some 64 KiB, and an address of a megabyte opens in no browser.
 inline constexpr std::uint64_t kChromeSeparateText = std::uint64_t{1} << 20;
 
+/// Stretches of one sparse entry of Chromium's caches. The browser writes 64 KiB and more at a
+/// time, and no entry beyond an eighth of the cache.
+inline constexpr std::size_t kChromeStretches = 100'000;
+
+/// The list of a Simple cache's entries, 24 bytes each. The browser keeps some ten thousand.
+inline constexpr std::uint64_t kChromeSimpleIndex = std::uint64_t{64} << 20;
+
 /// URL and headers of one entry of Firefox's disk cache: four blocks of 4096 bytes hold them in
 /// every sound cache, while damaged lengths go up to 4 GB each.
 inline constexpr std::int64_t kFirefoxCacheMetaData = std::int64_t{64} << 10;

@@ -1,6 +1,7 @@
 #include "readers/Registry.h"
 
 #include "readers/RecordKind.h"
+#include "readers/chrome/CacheFormats.h"
 #include "readers/chrome/Formats.h"
 #include "readers/chrome/HistoryFormats.h"
 #include "readers/chrome/ProfileFormats.h"
@@ -62,6 +63,9 @@ constexpr std::array kFormats = {
     &kChromiumBookmarksFormat,
     &kChromiumPreferencesFormat,
     &kChromiumLocalStateFormat,
+    &kChromiumSimpleCacheFormat,
+    &kChromiumSqlCacheFormat,
+    &kChromiumLoneIndexFormat,
     &kFirefoxFormsFormat,
     &kFirefoxPermissionsFormat,
     &kFirefoxLoginsFormat,
@@ -70,9 +74,6 @@ constexpr std::array kFormats = {
     &kFirefoxCache2Format,
     &kFirefoxJsonlz4Format,
     &kFirefoxStorageFormat,
-    &kChromiumSimpleCacheFormat,
-    &kChromiumSqlCacheFormat,
-    &kChromiumLoneIndexFormat,
     &kLevelDBFormat,
     &kChromiumSessionFormat,
     &kChromiumSiteDataFormat,

@@ -35,7 +35,7 @@ class ImportChoiceCliTest : public CliCase {
         put(local / "Microsoft/Windows/Temporary Internet Files/Content.IE5/index.dat",
             cache.bytes());
         const fs::path profile = local / "Microsoft/Edge/User Data/Default";
-        put(profile / "Cache/Cache_Data/index", "\x30\x5C\x72\xA7\x1B\x6D\xFB\xFC");
+        put(profile / "Sessions/Session_13439778", "SNSS");
         put(profile / "Local Storage/leveldb/CURRENT", "MANIFEST-000001\n");
     }
     static void put(const fs::path &file, const std::string &bytes) {
@@ -60,7 +60,7 @@ class ImportChoiceCliTest : public CliCase {
 TEST_F(ImportChoiceCliTest, whatIsNotReadYetIsListed) {
     const CliResult run = imported({});
     EXPECT_EQ(run.exit, 2);
-    EXPECT_THAT(run.out, HasSubstr("Chromium Simple cache, not read yet: nothing of it is in the "
+    EXPECT_THAT(run.out, HasSubstr("Chromium session, not read yet: nothing of it is in the "
                                    "project\n"));
     EXPECT_THAT(run.out, HasSubstr("LevelDB store, not read yet"));
     EXPECT_THAT(run.err, Not(HasSubstr("No valid history")));

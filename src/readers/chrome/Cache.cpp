@@ -6,17 +6,20 @@
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "readers/Dissection.h"
 #include "readers/FactDate.h"
 #include "readers/HttpHeaders.h"
 #include "readers/chrome/BlockCache.h"
 #include "readers/chrome/Kinds.h"
+#include "readers/chrome/LaterCache.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "time/SourceClocks.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace nv {
@@ -116,6 +119,18 @@ UrlRecord furtherRecord(ChromeFurtherEntry &found, const ReadContext &ctx) {
     return record;
 }
 
+/// Nothing when it is a cache of the first layout.
+std::optional<ReadResult> readAsLater(ReadContext &ctx) {
+    const ReadResult unread{
+        ReadState::failed, "could not be read: " + textOf(ctx.file.fullPath), 0, {}};
+    return trapped(ctx.log, Severity::Serious, "ChromiumBlockCache.read()", kContactSupport,
+                   std::optional(unread), [&ctx]() -> std::optional<ReadResult> {
+                       if (!isLaterBlockCache(ctx))
+                           return std::nullopt;
+                       return parseLaterBlockCache(ctx);
+                   });
+}
+
 } // namespace
 
 UrlRecord parseChromeCacheURL(const ChromeEntry &entry, const ReadContext &ctx) {
@@ -137,6 +152,8 @@ UrlRecord parseChromeCacheURL(const ChromeEntry &entry, const ReadContext &ctx) 
 }
 
 ReadResult parseChromeCache(ReadContext &ctx) {
+    if (const auto later = ctx.classicOnly ? std::nullopt : readAsLater(ctx))
+        return *later;
     ChromeBlockCache cache(ctx.file.fullPath, ctx.evidence, ctx.log, ctx.task);
     std::int64_t count = 0;
     const auto save = [&](UrlRecord &record) {

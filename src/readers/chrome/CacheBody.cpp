@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "readers/Limits.h"
 #include "readers/chrome/CacheRecords.h"
+#include "readers/chrome/LaterPieces.h"
 
 #include <algorithm>
 #include <optional>
@@ -40,6 +41,8 @@ std::optional<fs::path> sourceOf(const UrlRecord &record, const Evidence &eviden
 } // namespace
 
 bool fetchChromeBody(const UrlRecord &record, const Evidence &evidence, BodyTarget &target) {
+    if (isInPieces(record))
+        return fetchLaterPieces(record, evidence, target);
     const auto source = sourceOf(record, evidence);
     if (!source)
         return false;

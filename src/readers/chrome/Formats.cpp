@@ -18,7 +18,8 @@ using enum HistoryFileType;
 
 constexpr const RecordKind *kHistoryKinds[] = {&kChromeHistory, &kChromeVisit, &kChromeDownload,
                                                &kChromeSearchTerm};
-constexpr const RecordKind *kCacheKinds[] = {&kChromeCache, &kChromeCacheRemnant};
+constexpr const RecordKind *kCacheKinds[] = {&kChromeCache, &kChromeSiteCache,
+                                             &kChromeCacheRemnant};
 constexpr const RecordKind *kCookieKinds[] = {&kChromeCookies};
 
 /// Chrome's index beside the block file. Names may have lost their case on the way here.
@@ -41,6 +42,12 @@ bool isCookies(const Candidate &file) {
 /// The cache is known by its first block file and read through the index.
 std::filesystem::path indexOf(const Candidate &file) {
     return indexBeside(file).value_or(file.file);
+}
+
+/// Bodies of the later caches are fetched in other ways.
+bool isFromBlockCache(const UrlRecord &record) {
+    return !record.HistoryVersion.starts_with("Simple") &&
+           !record.HistoryVersion.starts_with("SQL");
 }
 
 bool liesWithShaders(const Candidate &file) {
@@ -75,9 +82,11 @@ constinit const Reader kChromeCacheFormat = {
     .fetch = fetchChromeBody,
     .kinds = kCacheKinds,
     .page = "chrome-cache",
-    .cases = {"chrome-cache;chrome-cache-further", "index", "chrome-cache/four-kinds-of-bodies"},
+    .cases = {"chrome-cache;chrome-cache-further;chromium-block-cache", "index",
+              "chrome-cache/four-kinds-of-bodies"},
     .artefact = indexOf,
     .holdsShaders = liesWithShaders,
+    .isSourceOf = isFromBlockCache,
 };
 
 constinit const Reader kChromeCookiesFormat = {

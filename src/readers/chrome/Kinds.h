@@ -128,4 +128,13 @@ inline constexpr RecordKind kChromeTopSite = {
     .group = RecordGroup::other,
 };
 
+/// What service workers and scripts keep for a site, in a cache of the same layout: stored by the
+/// site's own program, or in another form than it was sent.
+inline constexpr RecordKind kChromeSiteCache = {
+    .key = "chrome-site-cache",
+    .word = "Chrome Site Cache",
+    .family = &families::chrome,
+    .group = RecordGroup::cache,
+};
+
 } // namespace nv

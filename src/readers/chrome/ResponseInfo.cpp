@@ -3,17 +3,124 @@
 #include "base/Text.h"
 #include "readers/HttpHeaders.h"
 
+#include <fmt/format.h>
+
+#include <utility>
+
 namespace nv {
 
+namespace {
+
+enum Flag : std::uint32_t {
+    kCertificate = 1U << 8,
+    kSecurityBits = 1U << 9,
+    kCertificateState = 1U << 10,
+    kVary = 1U << 11,
+    kTruncated = 1U << 12,
+    kConnectionState = 1U << 16,
+    kCertificateTimes = 1U << 20,
+    kFurtherFlags = 1U << 31,
+};
+constexpr std::uint32_t kFirstTime = 1U << 2; ///< of the further flags
+constexpr std::uint64_t kVaryBytes = 16;
+
+/// A server sends three or four.
+constexpr std::uint32_t kMostCertificates = 16;
+
+/// Reads fields one after the other. From the first on that isn't whole all are empty.
+class Fields {
+  public:
+    explicit Fields(ByteView bytes) : m_bytes(bytes) {}
+
+    bool areWhole() const { return m_isWhole; }
+    std::uint32_t number() {
+        const ByteView bytes = take(4);
+        return m_isWhole ? bytes.u32le(0) : 0;
+    }
+    std::int64_t time() {
+        const ByteView bytes = take(8);
+        return m_isWhole ? static_cast<std::int64_t>(bytes.u64le(0)) : 0;
+    }
+    ByteView text() {
+        const std::uint32_t length = number();
+        const ByteView bytes = take(length);
+        m_at = (m_at + 3) / 4 * 4;
+        return bytes;
+    }
+    void skip(std::uint64_t count) { take(count); }
+
+  private:
+    ByteView take(std::uint64_t count) {
+        m_isWhole = m_isWhole && m_bytes.has(m_at, count);
+        if (!m_isWhole)
+            return {};
+        const ByteView bytes = m_bytes.sub(m_at, count);
+        m_at += count;
+        return bytes;
+    }
+
+    ByteView m_bytes;
+    std::uint64_t m_at = 0;
+    bool m_isWhole = true;
+};
+
+/// False when it can't be told where the next field is.
+bool readCertificates(Fields &fields, ChromeResponse &response) {
+    const std::uint32_t count = fields.number();
+    for (std::uint32_t i = 0; i < count && i < kMostCertificates && fields.areWhole(); ++i) {
+        const std::string_view der = fields.text().raw();
+        response.certificates.emplace_back(der.begin(), der.end());
+    }
+    return count <= kMostCertificates;
+}
+
+/// Up to the server's address.
+void readConnection(Fields &fields, std::uint32_t flags, ChromeResponse &response) {
+    if ((flags & kCertificate) != 0 && !readCertificates(fields, response))
+        return;
+    for (const Flag flag : {kCertificateState, kSecurityBits, kConnectionState})
+        if ((flags & flag) != 0)
+            fields.skip(4);
+    // A list of them has fields of its own, and was written for few years.
+    if ((flags & kCertificateTimes) != 0 && fields.number() > 0)
+        return;
+    if ((flags & kVary) != 0)
+        fields.skip(kVaryBytes);
+    const std::string address = decodeText(fields.text().raw());
+    const std::uint32_t port = fields.number() & 0xFFFF;
+    if (address.empty() || !fields.areWhole())
+        return;
+    const bool isSix = address.find(':') != std::string::npos;
+    response.server =
+        isSix ? fmt::format("[{}]:{}", address, port) : fmt::format("{}:{}", address, port);
+}
+
+} // namespace
+
+std::optional<ChromeResponse> chromeResponseOf(ByteView bytes) {
+    constexpr std::uint64_t kFlagsAt = 4;
+    if (!bytes.has(0, kFlagsAt))
+        return std::nullopt;
+    Fields fields(bytes.from(kFlagsAt));
+    const std::uint32_t flags = fields.number();
+    const std::uint32_t further = (flags & kFurtherFlags) != 0 ? fields.number() : 0;
+    ChromeResponse response;
+    response.isTruncated = (flags & kTruncated) != 0;
+    response.requested = fields.time();
+    response.answered = fields.time();
+    if ((further & kFirstTime) != 0)
+        response.first = fields.time();
+    const ByteView lines = fields.text();
+    if (!fields.areWhole() || !startsWithNoCase(lines.raw(), "HTTP"))
+        return std::nullopt;
+    response.headers = decodeText(headersInLines(lines.raw()));
+    readConnection(fields, flags, response);
+    return response;
+}
+
 std::string answerOf(ByteView response) {
-    constexpr std::uint64_t kLength = 0x18;
-    constexpr std::uint64_t kLines = 0x1C;
-    if (!response.has(kLength, 4) || !response.has(kLines, response.u32le(kLength)))
-        return {};
-    const ByteView lines = response.sub(kLines, response.u32le(kLength));
-    if (!startsWithNoCase(lines.raw(), "HTTP"))
-        return {};
-    return fromAnsi(viewOf(headersInLines(lines.raw())));
+    auto read = chromeResponseOf(response);
+    return read ? std::move(read->headers) : std::string();
 }
 
 } // namespace nv

@@ -1,6 +1,3 @@
-// Simple cache = "index": magic ... | <16 hex>_0, _1, _s: magic ...   beside "index-dir"
-// SQL cache    = "index": "SQLCacheTruncate" ... | "sqldb0", "sqldb1" ...: tables resources, blobs
-// block cache  = "index": magic version:u32@4 ...   without its "data_0", from which it is known
 // LevelDB      = "CURRENT": "MANIFEST-" number
 // session      = "SNSS" ...
 
@@ -17,40 +14,6 @@
 namespace nv {
 
 namespace {
-
-constexpr std::string_view kSimpleMagic = "\x30\x5C\x72\xA7\x1B\x6D\xFB\xFC";
-constexpr std::string_view kBlockMagic = "\xC3\xCA\x03\xC1";
-
-bool isEntryOfSimpleCache(const Candidate &file) {
-    constexpr std::size_t kDigits = 16;
-    const std::string_view name = file.name;
-    return name.size() == kDigits + 2 && isHexName(name.substr(0, kDigits), kDigits) &&
-           (name.ends_with("_0") || name.ends_with("_s"));
-}
-
-bool isSimpleCache(const Candidate &file) {
-    if (isEntryOfSimpleCache(file))
-        return beginsWith(file, kSimpleMagic) && !isShaderFolder(ownFolder(file));
-    return file.name == "index" && beginsWith(file, kSimpleMagic) &&
-           (file.verifySignatures || hasBeside(file, "index-dir"));
-}
-
-bool liesWithShaders(const Candidate &file) {
-    return isShaderFolder(ownFolder(file));
-}
-
-bool isSqlCache(const Candidate &file) {
-    if (file.name == "index")
-        return beginsWith(file, "SQLCacheTruncate") &&
-               (file.verifySignatures || hasBeside(file, "sqldb0"));
-    return file.name.starts_with("sqldb") && hasTables(file, {"resources", "blobs"});
-}
-
-/// With its first block file it is the classic rules' own, which tell of later versions.
-bool isLoneIndex(const Candidate &file) {
-    return file.verifySignatures && file.name == "index" && beginsWith(file, kBlockMagic) &&
-           !file.evidence->find(ownFolder(file), "data_0");
-}
 
 /// Another store that begins so isn't a browser's; it keeps an "IDENTITY" beside.
 bool isLevelDB(const Candidate &file) {
@@ -89,43 +52,6 @@ bool isSiteData(const Candidate &file) {
 }
 
 } // namespace
-
-constinit const Reader kChromiumSimpleCacheFormat = {
-    .type = HistoryFileType{60},
-    .key = "chrome-simple-cache",
-    .kind = "Chromium Simple cache",
-    .option = &kChromeCacheOption,
-    .mask = "index;????????????????_0;????????????????_s",
-    .recognises = isSimpleCache,
-    .page = "not-read-yet",
-    .artefact = ownFolder,
-    .holdsShaders = liesWithShaders,
-    .isBeyondClassic = true,
-};
-
-constinit const Reader kChromiumSqlCacheFormat = {
-    .type = HistoryFileType{61},
-    .key = "chrome-sql-cache",
-    .kind = "Chromium SQL cache",
-    .option = &kChromeCacheOption,
-    .mask = "index;sqldb?;sqldb??",
-    .recognises = isSqlCache,
-    .page = "not-read-yet",
-    .artefact = ownFolder,
-    .isBeyondClassic = true,
-};
-
-constinit const Reader kChromiumLoneIndexFormat = {
-    .type = HistoryFileType{62},
-    .key = "chrome-lone-index",
-    .kind = "Chromium block cache without its first block file",
-    .option = &kChromeCacheOption,
-    .mask = "index",
-    .recognises = isLoneIndex,
-    .page = "not-read-yet",
-    .holdsShaders = liesWithShaders,
-    .isBeyondClassic = true,
-};
 
 constinit const Reader kLevelDBFormat = {
     .type = HistoryFileType{63},

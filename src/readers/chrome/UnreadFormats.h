@@ -6,9 +6,6 @@ namespace nv {
 
 // What is found and listed, but not read yet: docs/formats/not-read-yet.md.
 
-extern const Reader kChromiumSimpleCacheFormat;
-extern const Reader kChromiumSqlCacheFormat;
-extern const Reader kChromiumLoneIndexFormat;
 extern const Reader kLevelDBFormat;
 extern const Reader kChromiumSessionFormat;
 extern const Reader kChromiumSiteDataFormat;

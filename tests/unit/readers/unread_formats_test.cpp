@@ -75,13 +75,17 @@ TEST_F(UnreadFormats, aSqlCacheIsItsFolder) {
     EXPECT_EQ(taken("d/index", "SQLCache"), kNone);
 }
 
-TEST_F(UnreadFormats, anIndexOfABlockCacheIsListedWithoutItsFirstBlockFileToo) {
+TEST_F(UnreadFormats, aBlockCacheIsFoundWithoutItsFirstBlockFileOrItsIndex) {
     const std::string index = "\xC3\xCA\x03\xC1"s + std::string(400, '\0');
     EXPECT_EQ(taken("a/index", index), "chrome-lone-index a/index");
     EXPECT_EQ(taken("b/index", std::string("\xC3\xCA\x03")), kNone);
     folder.write("c/data_0", "");
     EXPECT_EQ(taken("c/index", index), kNone) << "its data_0 leads to it";
     EXPECT_EQ(takenAsItLies("c/data_0"), "chrome-cache c/index");
+    const std::string blocks = "\xC3\xCA\x04\xC1"s + std::string(400, '\0');
+    EXPECT_EQ(taken("d/data_1", blocks), "chrome-lone-index d/data_1");
+    EXPECT_EQ(taken("c/data_1", blocks), kNone) << "its index leads to it";
+    EXPECT_EQ(taken("e/data_1", "other bytes"), kNone);
 }
 
 TEST_F(UnreadFormats, aLevelDBIsItsFolder) {

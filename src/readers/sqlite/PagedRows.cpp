@@ -1,0 +1,299 @@
+#include "readers/sqlite/PagedRows.h"
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kMagic = "SQLite format 3";
+constexpr std::uint64_t kFileHead = 100;
+constexpr std::uint8_t kInnerTable = 0x05;
+constexpr std::uint8_t kLeafTable = 0x0D;
+constexpr std::uint8_t kInnerIndex = 0x02;
+constexpr std::uint8_t kLeafIndex = 0x0A;
+/// Pages within each other: a table of any size has fewer.
+constexpr int kMostDepth = 20;
+/// Schemas of browsers take 3 to 20.
+constexpr std::size_t kMostSchemaPages = 400;
+
+std::uint64_t bigEndian(ByteView bytes) {
+    std::uint64_t number = 0;
+    for (std::uint64_t at = 0; at < bytes.size(); ++at)
+        number = number << 8 | bytes.u8(at);
+    return number;
+}
+
+/// Moves `at` past it; nothing when the bytes end before.
+std::optional<std::uint64_t> varint(ByteView bytes, std::uint64_t &at) {
+    std::uint64_t number = 0;
+    for (int i = 0; i < 9; ++i) {
+        if (!bytes.has(at, 1))
+            return std::nullopt;
+        const std::uint8_t byte = bytes.u8(at++);
+        if (i == 8)
+            return number << 8 | byte;
+        number = number << 7 | (byte & 0x7FU);
+        if (byte < 0x80U)
+            return number;
+    }
+    return std::nullopt;
+}
+
+std::uint64_t lengthOf(std::uint64_t kind) {
+    constexpr std::uint64_t kLengths[] = {0, 1, 2, 3, 4, 6, 8, 8, 0, 0, 0, 0};
+    return kind < 12 ? kLengths[kind] : (kind - 12) / 2;
+}
+
+std::int64_t numberOf(std::uint64_t kind, ByteView value) {
+    if (kind == 9)
+        return 1;
+    const std::uint64_t number = bigEndian(value);
+    const auto bits = static_cast<unsigned>(64 - 8 * value.size());
+    return value.empty() ? 0 : static_cast<std::int64_t>(number << bits) >> bits;
+}
+
+/// A value of a row: its kind, and where it begins and how long it is.
+struct Value {
+    std::uint64_t kind = 0;
+    std::uint64_t at = 0;
+    std::uint64_t size = 0;
+};
+
+/// As many as the row's head tells of; none when that isn't whole.
+std::vector<Value> valuesOf(ByteView row) {
+    std::uint64_t at = 0;
+    const auto head = varint(row, at);
+    if (!head || *head > row.size())
+        return {};
+    std::vector<Value> values;
+    std::uint64_t place = *head;
+    while (at < *head) {
+        const auto kind = varint(row, at);
+        if (!kind)
+            return {};
+        values.push_back({*kind, place, lengthOf(*kind)});
+        place += values.back().size;
+    }
+    return values;
+}
+
+} // namespace
+
+PagedRows::PagedRows(const ByteSource &file) : m_file(file) {
+    const Bytes head = file.read(0, kFileHead);
+    const ByteView view(head);
+    if (head.size() < kFileHead || !view.raw().starts_with(kMagic))
+        return;
+    const std::uint64_t stored = bigEndian(view.sub(16, 2));
+    m_pageSize = stored == 1 ? 65536 : stored;
+    m_usable = m_pageSize - std::min<std::uint64_t>(view.u8(20), m_pageSize / 2);
+    if (m_pageSize < 512)
+        m_pageSize = 0;
+}
+
+std::optional<PagedRows::Page> PagedRows::page(std::uint64_t number) const {
+    if (m_pageSize == 0 || number == 0 || number > m_file.size() / m_pageSize)
+        return std::nullopt;
+    Page page;
+    page.bytes = m_file.read((number - 1) * m_pageSize, m_pageSize);
+    const ByteView view(page.bytes);
+    const std::uint64_t head = number == 1 ? kFileHead : 0;
+    if (!view.has(head, 12))
+        return std::nullopt;
+    page.kind = view.u8(head);
+    const bool isInner = page.kind == kInnerTable || page.kind == kInnerIndex;
+    page.count = bigEndian(view.sub(head + 3, 2));
+    page.cells = head + (isInner ? 12 : 8);
+    page.last = isInner ? bigEndian(view.sub(head + 8, 4)) : 0;
+    return page;
+}
+
+std::optional<ByteView> PagedRows::cell(const Page &page, std::uint64_t i) const {
+    const ByteView view(page.bytes);
+    if (!view.has(page.cells + 2 * i, 2))
+        return std::nullopt;
+    const std::uint64_t at = bigEndian(view.sub(page.cells + 2 * i, 2));
+    return view.has(at, 4) ? std::optional(view.from(at)) : std::nullopt;
+}
+
+/// How much of a row stays in its page is SQLite's own rule.
+std::optional<PagedRows::Payload> PagedRows::payload(ByteView cell, std::uint64_t at,
+                                                     std::uint64_t size, bool isIndex) const {
+    const std::uint64_t most = isIndex ? (m_usable - 12) * 64 / 255 - 23 : m_usable - 35;
+    const std::uint64_t least = (m_usable - 12) * 32 / 255 - 23;
+    std::uint64_t local = size;
+    if (size > most) {
+        local = least + (size - least) % (m_usable - 4);
+        if (local > most)
+            local = least;
+    }
+    const bool goesOn = local < size;
+    if (!cell.has(at, local + (goesOn ? 4 : 0)))
+        return std::nullopt;
+    return Payload{size, cell.sub(at, local), goesOn ? bigEndian(cell.sub(at + local, 4)) : 0};
+}
+
+std::uint64_t PagedRows::rootOf(std::string_view name) const {
+    std::uint64_t root = 0;
+    std::size_t pages = kMostSchemaPages;
+    walkSchema(1, name, pages, root);
+    return root;
+}
+
+void PagedRows::walkSchema(std::uint64_t number, std::string_view name, std::size_t &pagesLeft,
+                           std::uint64_t &root) const {
+    const auto found = pagesLeft == 0 ? std::nullopt : page(number);
+    if (!found)
+        return;
+    --pagesLeft;
+    for (std::uint64_t i = 0; i < found->count && root == 0; ++i) {
+        const auto bytes = cell(*found, i);
+        if (!bytes)
+            continue;
+        if (found->kind == kInnerTable) {
+            walkSchema(bigEndian(bytes->sub(0, 4)), name, pagesLeft, root);
+            continue;
+        }
+        std::uint64_t at = 0;
+        const auto size = varint(*bytes, at);
+        if (found->kind != kLeafTable || !size || !varint(*bytes, at))
+            continue;
+        const auto row = payload(*bytes, at, *size, false);
+        const auto values = row ? valuesOf(row->local) : std::vector<Value>();
+        enum Column : std::size_t { kName = 1, kRoot = 3 };
+        if (values.size() > kRoot && row->local.has(values[kRoot].at, values[kRoot].size) &&
+            row->local.sub(values[kName].at, values[kName].size).raw() == name)
+            root = static_cast<std::uint64_t>(
+                numberOf(values[kRoot].kind, row->local.sub(values[kRoot].at, values[kRoot].size)));
+    }
+    if (found->kind == kInnerTable && root == 0)
+        walkSchema(found->last, name, pagesLeft, root);
+}
+
+std::vector<std::vector<std::int64_t>> PagedRows::indexRows(std::uint64_t root, std::int64_t first,
+                                                            std::size_t most) const {
+    std::vector<std::vector<std::int64_t>> rows;
+    walkIndex(root, first, most, 0, rows);
+    return rows;
+}
+
+void PagedRows::walkIndex(std::uint64_t number, std::int64_t first, std::size_t most, int depth,
+                          std::vector<std::vector<std::int64_t>> &rows) const {
+    const auto found = depth > kMostDepth ? std::nullopt : page(number);
+    if (!found || (found->kind != kInnerIndex && found->kind != kLeafIndex))
+        return;
+    const bool isInner = found->kind == kInnerIndex;
+    for (std::uint64_t i = 0; i < found->count && rows.size() < most; ++i) {
+        const auto bytes = cell(*found, i);
+        std::uint64_t at = isInner ? 4 : 0;
+        const auto size = bytes ? varint(*bytes, at) : std::nullopt;
+        const auto row = size ? payload(*bytes, at, *size, true) : std::nullopt;
+        std::vector<std::int64_t> numbers;
+        if (row)
+            for (const Value &value : valuesOf(row->local))
+                if (value.kind < 12 && row->local.has(value.at, value.size))
+                    numbers.push_back(numberOf(value.kind, row->local.sub(value.at, value.size)));
+        if (numbers.empty())
+            continue;
+        if (isInner && numbers.front() >= first)
+            walkIndex(bigEndian(bytes->sub(0, 4)), first, most, depth + 1, rows);
+        if (numbers.front() > first)
+            return;
+        if (numbers.front() == first && rows.size() < most)
+            rows.push_back(std::move(numbers));
+    }
+    if (isInner && rows.size() < most)
+        walkIndex(found->last, first, most, depth + 1, rows);
+}
+
+bool PagedRows::atRow(std::uint64_t root, std::int64_t rowId,
+                      const std::function<bool(const Payload &row)> &take) const {
+    std::uint64_t number = root;
+    for (int depth = 0; depth < kMostDepth; ++depth) {
+        const auto found = page(number);
+        if (!found || (found->kind != kInnerTable && found->kind != kLeafTable))
+            return false;
+        const bool isInner = found->kind == kInnerTable;
+        number = found->last;
+        for (std::uint64_t i = 0; i < found->count; ++i) {
+            const auto bytes = cell(*found, i);
+            std::uint64_t at = isInner ? 4 : 0;
+            const auto size =
+                !bytes || isInner ? std::optional<std::uint64_t>(0) : varint(*bytes, at);
+            const auto id = bytes && size ? varint(*bytes, at) : std::nullopt;
+            if (!id || static_cast<std::int64_t>(*id) < rowId)
+                continue;
+            if (!isInner) {
+                const auto row = payload(*bytes, at, *size, false);
+                return static_cast<std::int64_t>(*id) == rowId && row && take(*row);
+            }
+            number = bigEndian(bytes->sub(0, 4));
+            break;
+        }
+        if (!isInner)
+            return false;
+    }
+    return false;
+}
+
+std::uint64_t PagedRows::columnSize(std::uint64_t root, std::int64_t rowId,
+                                    std::size_t column) const {
+    std::uint64_t size = 0;
+    const bool isThere = atRow(root, rowId, [&](const Payload &row) {
+        const auto value = bytesIn(row, column);
+        size = value ? value->second : 0;
+        return true;
+    });
+    return isThere ? size : 0;
+}
+
+bool PagedRows::writeColumn(std::uint64_t root, std::int64_t rowId, std::size_t column,
+                            const Write &write) const {
+    return atRow(root, rowId, [&](const Payload &row) {
+        const auto value = bytesIn(row, column);
+        return value && writeRest(row, value->first, value->second, write);
+    });
+}
+
+/// Where a blob or text stands in its row, and how long it is.
+std::optional<std::pair<std::uint64_t, std::uint64_t>> PagedRows::bytesIn(const Payload &row,
+                                                                          std::size_t column) {
+    const std::vector<Value> values = valuesOf(row.local);
+    if (column >= values.size() || values[column].kind < 12)
+        return std::nullopt;
+    const Value &value = values[column];
+    if (value.at > row.size || value.size > row.size - value.at)
+        return std::nullopt;
+    return std::pair(value.at, value.size);
+}
+
+/// The row's bytes from `from` on: what its own page has, and then page by page.
+bool PagedRows::writeRest(const Payload &row, std::uint64_t from, std::uint64_t size,
+                          const Write &write) const {
+    std::uint64_t at = 0; // in the row
+    Bytes held;
+    ByteView part = row.local;
+    std::uint64_t next = row.next;
+    const std::uint64_t pages = m_file.size() / m_pageSize;
+    for (std::uint64_t turn = 0; turn <= pages && size > 0; ++turn) {
+        const std::uint64_t skipped =
+            std::min<std::uint64_t>(from > at ? from - at : 0, part.size());
+        const std::uint64_t count = std::min<std::uint64_t>(part.size() - skipped, size);
+        write(part.sub(skipped, count).raw());
+        size -= count;
+        at += part.size();
+        if (size == 0)
+            return true;
+        if (next == 0 || next > pages)
+            return false;
+        held = m_file.read((next - 1) * m_pageSize, m_usable);
+        if (held.size() < m_usable)
+            return false;
+        next = bigEndian(ByteView(held).sub(0, 4));
+        part = ByteView(held).from(4);
+    }
+    return size == 0;
+}
+
+} // namespace nv

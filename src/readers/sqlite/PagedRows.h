@@ -1,0 +1,80 @@
+#pragma once
+
+#include "base/ByteView.h"
+#include "readers/ByteSource.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace nv {
+
+/// Single rows of an SQLite file, by its pages as they lie: for a row out of thousands, where a
+/// copy of the file would be made for each. What still lies in a journal or log beside the file
+/// isn't seen, so that a caller has to check what it gets. Numbers are big-endian.
+///   page        = kind:u8 free:u16 cells:u16 content:u16 fragments:u8 [last:u32] at:u16{cells}
+///   inner table = 05: child:u32 rowid:varint        leaf table = 0D: size:varint rowid:varint row
+///   inner index = 02: child:u32 size:varint row     leaf index = 0A: size:varint row
+///   row         = size of head:varint kind:varint{} value{}     its end may lie in further pages
+class PagedRows {
+  public:
+    /// The file must outlive this. Throws FileFailure.
+    explicit PagedRows(const ByteSource &file);
+
+    /// First page of the table or index of that name; 0 when there is none.
+    std::uint64_t rootOf(std::string_view name) const;
+
+    /// The numbers in the rows of an index whose first number is `first`, in their order. At most
+    /// `most` rows.
+    std::vector<std::vector<std::int64_t>> indexRows(std::uint64_t root, std::int64_t first,
+                                                     std::size_t most) const;
+
+    /// How long the bytes of a column are, by the head of the row; 0 when the row isn't there.
+    std::uint64_t columnSize(std::uint64_t root, std::int64_t rowId, std::size_t column) const;
+
+    using Write = std::function<void(std::string_view bytes)>;
+    /// Hands on the bytes of a column (from 0) of the row. False when the row isn't there, or isn't
+    /// whole: then some of the bytes may have been handed on.
+    bool writeColumn(std::uint64_t root, std::int64_t rowId, std::size_t column,
+                     const Write &write) const;
+
+  private:
+    struct Page {
+        Bytes bytes;
+        std::uint8_t kind = 0;
+        std::uint64_t count = 0;
+        std::uint64_t cells = 0; ///< where their places stand
+        std::uint64_t last = 0;  ///< the last child of an inner page
+    };
+    /// A row's bytes in its own page, and where they go on.
+    struct Payload {
+        std::uint64_t size = 0;
+        ByteView local;
+        std::uint64_t next = 0; ///< page; 0 when all are local
+    };
+
+    std::optional<Page> page(std::uint64_t number) const;
+    std::optional<ByteView> cell(const Page &page, std::uint64_t i) const;
+    std::optional<Payload> payload(ByteView cell, std::uint64_t at, std::uint64_t size,
+                                   bool isIndex) const;
+    void walkIndex(std::uint64_t number, std::int64_t first, std::size_t most, int depth,
+                   std::vector<std::vector<std::int64_t>> &rows) const;
+    void walkSchema(std::uint64_t number, std::string_view name, std::size_t &pagesLeft,
+                    std::uint64_t &root) const;
+    /// Hands on the row of that id, as far as its own page has it. False when it isn't there.
+    bool atRow(std::uint64_t root, std::int64_t rowId,
+               const std::function<bool(const Payload &row)> &take) const;
+    static std::optional<std::pair<std::uint64_t, std::uint64_t>> bytesIn(const Payload &row,
+                                                                          std::size_t column);
+    bool writeRest(const Payload &payload, std::uint64_t from, std::uint64_t size,
+                   const Write &write) const;
+
+    const ByteSource &m_file;
+    std::uint64_t m_pageSize = 0;
+    std::uint64_t m_usable = 0; ///< of a page
+};
+
+} // namespace nv

@@ -1,0 +1,168 @@
+#include "base/Files.h"
+#include "readers/chrome/SqlCache.h"
+#include "readers/sqlite/PagedRows.h"
+#include "support/BodyOf.h"
+#include "support/FactText.h"
+#include "support/FileReading.h"
+#include "support/Places.h"
+#include "support/builders/SqliteFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace nv {
+namespace {
+
+namespace fs = std::filesystem;
+using test::fact;
+using testing::HasSubstr;
+
+struct SqlCache : testing::Test {
+    SqlCache() {
+        fs::copy(test::goldenFolder() / "chromium-sql-cache/three-parts/input", folder());
+        for (const auto &entry : fs::directory_iterator(folder()))
+            fs::permissions(entry.path(), fs::perms::owner_write, fs::perm_options::add);
+    }
+    fs::path folder() const { return disk.path() / "Cache_Data"; }
+    const std::vector<UrlRecord> &read() { return reading.read(parseChromiumSqlCache, folder()); }
+    SQLite::Database change(const char *part) const {
+        return {(folder() / part).native(), SQLite::OPEN_READWRITE};
+    }
+    std::string body(const UrlRecord &record) const {
+        return test::bodyOf(fetchSqlBody, record, disk.path()).value_or("none");
+    }
+
+    test::TempFolder disk;
+    test::FileReading reading;
+};
+
+TEST_F(SqlCache, bodiesComeFromThePagesAndFromACopyAlike) {
+    const std::vector<UrlRecord> records = read();
+    ASSERT_EQ(records.size(), 7U);
+    std::vector<std::string> bodies;
+    for (const UrlRecord &record : records)
+        bodies.push_back(body(record));
+    EXPECT_EQ(bodies[2], std::string(1500, 'A') + std::string(1500, 'B'));
+    for (const char *part : {"sqldb0", "sqldb1", "sqldb2"})
+        change(part).exec("DROP INDEX index_blobs_res_id_start");
+    for (std::size_t i = 0; i < records.size(); ++i)
+        EXPECT_EQ(body(records[i]), bodies[i]) << i;
+}
+
+TEST_F(SqlCache, aMissingPartLosesWhatLayInIt) {
+    fs::remove(folder() / "sqldb1");
+    EXPECT_EQ(read().size(), 4U);
+    EXPECT_EQ(reading.result.state, ReadState::cutShort);
+    EXPECT_THAT(reading.result.reason, HasSubstr("2 of 3 parts"));
+    ASSERT_FALSE(reading.log.entries.empty());
+}
+
+TEST_F(SqlCache, aDamagedPartLosesNoOther) {
+    for (const std::string &bytes :
+         {std::string(), std::string("no database"), std::string(5000, '\xFF')}) {
+        writeWhole(folder() / "sqldb1", bytes);
+        reading.result = {};
+        EXPECT_EQ(read().size(), 4U) << bytes.size();
+        EXPECT_NE(reading.result.state, ReadState::complete);
+        EXPECT_THAT(reading.result.reason, HasSubstr("sqldb1"));
+    }
+}
+
+TEST_F(SqlCache, eachColumnMayHoldAnything) {
+    SQLite::Database part = change("sqldb0");
+    part.exec("UPDATE resources SET last_used = 'word', body_end = -9223372036854775807, "
+              "doomed = x'00', cache_key = x'FF00FE', head = 'text' WHERE res_id = 1");
+    part.exec("UPDATE blobs SET start = -1, end = 9223372036854775807 WHERE blob_id = 1");
+    part.exec("UPDATE blobs SET start = 'a' WHERE blob_id = 2");
+    ASSERT_EQ(read().size(), 7U);
+    for (const UrlRecord &record : reading.sink.records)
+        EXPECT_LE(body(record).size(), 3000U);
+}
+
+TEST_F(SqlCache, cancellingEndsTheReading) {
+    test::CancelAfter watcher(2);
+    reading.read(parseChromiumSqlCache, folder(), watcher);
+    EXPECT_EQ(reading.result.state, ReadState::cancelled);
+}
+
+/// Reads the bytes of a file as PagedRows wants them.
+struct Pages {
+    explicit Pages(const fs::path &file)
+        : evidence({}), source(evidence.open(file)), rows(source) {}
+    Evidence evidence;
+    EvidenceFile source;
+    PagedRows rows;
+};
+
+struct PagedRowsTest : testing::TestWithParam<int> {
+    static std::string blob(int i) {
+        return std::string(static_cast<std::size_t>(i * i * 3 % 9000), static_cast<char>(i));
+    }
+    fs::path make() const {
+        const fs::path path = disk.path() / "db";
+        test::SqliteFile file(path, GetParam());
+        file.run("CREATE TABLE blobs(id INTEGER PRIMARY KEY, res, start, blob)");
+        file.run("CREATE INDEX places ON blobs(res, start)");
+        file.run("BEGIN");
+        auto insert = file.prepare("INSERT INTO blobs VALUES(?, ?, ?, ?)");
+        for (int i = 1; i <= kRows; ++i) {
+            const std::string bytes = blob(i);
+            insert.bind(1, i * 7);
+            insert.bind(2, i / 10);
+            insert.bind(3, 100 - i);
+            insert.bind(4, bytes.data(), static_cast<int>(bytes.size()));
+            insert.exec();
+            insert.reset();
+        }
+        file.run("COMMIT");
+        return path;
+    }
+    static constexpr int kRows = 300;
+    test::TempFolder disk;
+};
+
+TEST_P(PagedRowsTest, findRowsAsADatabaseDoes) {
+    const Pages pages(make());
+    const std::uint64_t table = pages.rows.rootOf("blobs");
+    const std::uint64_t index = pages.rows.rootOf("places");
+    ASSERT_GT(table, 0U);
+    ASSERT_GT(index, 0U);
+    for (int i = 1; i <= kRows; ++i) {
+        std::string bytes;
+        EXPECT_EQ(pages.rows.columnSize(table, i * 7, 3), blob(i).size());
+        EXPECT_TRUE(pages.rows.writeColumn(table, i * 7, 3,
+                                           [&bytes](std::string_view part) { bytes += part; }));
+        EXPECT_EQ(bytes, blob(i)) << i;
+    }
+    EXPECT_EQ(pages.rows.columnSize(table, 8, 3), 0U);
+    for (int group = 1; group < kRows / 10; ++group) {
+        const auto rows = pages.rows.indexRows(index, group, 100);
+        ASSERT_EQ(rows.size(), 10U) << group;
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            EXPECT_EQ(rows[i].back(), (group * 10 + 9 - static_cast<int>(i)) * 7) << "by start";
+    }
+    EXPECT_TRUE(pages.rows.indexRows(index, 1000, 100).empty());
+    EXPECT_EQ(pages.rows.indexRows(index, 1, 4).size(), 4U);
+}
+
+TEST_P(PagedRowsTest, comeToAnEndInDamagedFiles) {
+    const fs::path path = make();
+    const Bytes whole = readWhole(path);
+    for (std::size_t at = 0; at < whole.size(); at += whole.size() / 300) {
+        std::string damaged(ByteView(whole).raw());
+        for (std::size_t i = at; i < damaged.size() && i < at + 16; ++i)
+            damaged[i] = static_cast<char>(i % 3);
+        writeWhole(path, damaged);
+        const Pages pages(path);
+        const std::uint64_t table = pages.rows.rootOf("blobs");
+        static_cast<void>(pages.rows.indexRows(pages.rows.rootOf("places"), 3, 1000));
+        static_cast<void>(pages.rows.writeColumn(table, 70, 3, [](std::string_view) {}));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(PageSizes, PagedRowsTest, testing::Values(512, 1024, 4096, 65536));
+
+} // namespace
+} // namespace nv
