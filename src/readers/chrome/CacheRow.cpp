@@ -74,6 +74,7 @@ void setPlace(UrlRecord &record, const ReadContext &ctx, const ChromeEntryPlace 
     record.SourceFile_ID = ctx.file.sourceFileID;
     record.HistoryFilePath = textOf(ctx.file.fullPath);
     record.HistoryVersion = ctx.file.version;
+    record.facts.add("cache_layout", ctx.file.version);
     record.RootPath = ctx.evidence.rootOf(file);
     record.CacheRootPath = textOf(place.folder);
     record.CacheFolderName = textOf(place.folder.filename());

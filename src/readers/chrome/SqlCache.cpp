@@ -15,6 +15,7 @@
 #include "readers/chrome/Stamps.h"
 #include "readers/sqlite/EvidenceCopy.h"
 #include "readers/sqlite/PagedRows.h"
+#include "readers/sqlite/FurtherTables.h"
 #include "readers/sqlite/SqliteReading.h"
 
 #include <fmt/format.h>
@@ -65,12 +66,12 @@ class PartReading {
         const auto version = schemaVersion(m_ctx, database);
         m_version = version ? fmt::format("SQL {}", *version) : "SQL";
         ReadResult result;
+        FurtherTables tables(m_ctx, database, kReader.procedure, result);
         const bool isRead =
-            eachFurtherRow(database, "blobs", kPieceColumns, m_ctx, kReader.procedure, result,
-                           [this](std::int64_t, const Row &row) { addPiece(row); }) &&
-            eachFurtherRow(
-                database, "resources", kColumns, m_ctx, kReader.procedure, result,
-                [this, &result](std::int64_t id, const Row &row) { save(id, row, result); });
+            tables.each("blobs", kPieceColumns,
+                        [this](std::int64_t, const Row &row) { addPiece(row); }) &&
+            tables.each("resources", kColumns,
+                        [this, &result](std::int64_t id, const Row &row) { save(id, row, result); });
         if (isRead && !database.hasTable("resources"))
             addDamage(result, "there is no table resources");
         if (isRead)
