@@ -47,12 +47,8 @@ inline constexpr std::size_t kTablesBeforeQueries = 7;
 /// The tables of a new project, in the order of their making.
 std::span<const Table> projectTables();
 /// Made on first use only.
-const Table &flaggedUrls();
-const Table &keywordFlags();
 const Table &auditTrail();
 const Table &rebuildAudit();
-/// The tables of the scratch file of a Mork history.
-std::span<const Table> morkTables();
 /// In the order of their making.
 std::span<const Relationship> relationships();
 /// Besides the keys. A relationship that is followed from its parent has one of its own name.

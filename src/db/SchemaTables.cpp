@@ -88,41 +88,6 @@ constexpr Column kUrlSortTable[] = {
     {"ActionDateLocal", Date, 0, false, "", ""},
 };
 
-constexpr Column kFlaggedUrls[] = {
-    {"Flagged_ID", Long, 0, true, "Link_ID", "Unique record ID"},
-    {"Flag_ID", Long, 0, false, "Parent_ID", "ID from URL entry from URLs table"},
-    {"URL_ID", Long, 0, false, "Child_ID", "Related ID from URL entry from URLs table"},
-    {"FlagLocation", Text, 10, false, "Flag Location", "URL or FILE"},
-};
-
-constexpr Column kMorkColumns[] = {
-    {"Col_ID", Long, 0, true, "", "Unique record ID"},
-    {"Offset", Long, 0, false, "", "File offset"},
-    {"ColID", Text, 20, false, "", ""},
-    {"ColumnName", Memo, 0, false, "", "Column name"},
-};
-
-constexpr Column kMorkMap[] = {
-    {"Map_ID", Long, 0, true, "", "Unique record ID"},
-    {"Offset", Long, 0, false, "", "File offset"},
-    {"RowID", Text, 20, false, "", ""},
-    {"ColID", Text, 20, false, "", "Related to parent table: MOZColumns"},
-    {"ValueID", Memo, 0, false, "", "Related to child table: MOZValues"},
-};
-
-constexpr Column kMorkValues[] = {
-    {"Value_ID", Long, 0, true, "", "Unique record ID"},
-    {"Offset", Long, 0, false, "", "File offset"},
-    {"ValueID", Text, 20, false, "", ""},
-    {"RecordValue", Memo, 0, false, "", "Related to parent table: MOZRecords"},
-};
-
-constexpr Column kKeywordFlags[] = {
-    {"FlagName", Memo, 0, false, "", ""},
-    {"Keywords", Memo, 0, false, "", ""},
-    {"FlagCode", Text, 10, false, "", ""},
-};
-
 constexpr Column kAuditTrail[] = {
     {"Trail_ID", Long, 0, true, "Trail_ID", "Unique record ID"},
     {"ActionDateUTC", Date, 0, false, "Date [UTC]", "When it was done"},
@@ -180,16 +145,6 @@ std::span<const Table> projectTables() {
     return tables;
 }
 
-const Table &flaggedUrls() {
-    static const Table table{"FlaggedURLs", "FlagURL_ID_PK", kFlaggedUrls};
-    return table;
-}
-
-const Table &keywordFlags() {
-    static const Table table{"KeywordFlags", "", kKeywordFlags};
-    return table;
-}
-
 const Table &auditTrail() {
     static const Table table{"AuditTrail", "Trail_ID_PK", kAuditTrail};
     return table;
@@ -198,15 +153,6 @@ const Table &auditTrail() {
 const Table &rebuildAudit() {
     static const Table table{"RebuildAudit", "Audit_ID_PK", kRebuildAudit};
     return table;
-}
-
-std::span<const Table> morkTables() {
-    static const std::array<Table, 3> tables = {{
-        {"MorkColumns", "Col_ID_PK", kMorkColumns},
-        {"MorkMap", "Map_ID_PK", kMorkMap},
-        {"MorkValues", "Value_ID_PK", kMorkValues},
-    }};
-    return tables;
 }
 
 std::span<const Relationship> relationships() {

@@ -1,7 +1,6 @@
 #include "import/ImportSettings.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace nv {
 
@@ -30,13 +29,6 @@ std::vector<const SourceOption *> importOptions(Formats formats) {
             options.push_back(reader->option);
     std::ranges::stable_sort(options, {}, &SourceOption::rank);
     return options;
-}
-
-const SourceOption &importOption(std::string_view name) {
-    for (const SourceOption *option : importOptions())
-        if (option->name == name)
-            return *option;
-    throw std::out_of_range("no import option \"" + std::string(name) + "\"");
 }
 
 bool wants(const ImportSettings &job, const SourceOption &option) {

@@ -33,9 +33,6 @@ struct ImportSettings {
 /// The check boxes of all formats, in the order in which their masks are joined.
 std::vector<const SourceOption *> importOptions(Formats formats = registry());
 
-/// The box of that name. Throws std::out_of_range for a name that no box has.
-const SourceOption &importOption(std::string_view name);
-
 bool wants(const ImportSettings &job, const SourceOption &option);
 void setWanted(ImportSettings &job, const SourceOption &option, bool wanted);
 

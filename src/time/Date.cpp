@@ -66,20 +66,12 @@ int Date::weekday() const {
     return static_cast<int>(weekday.c_encoding()) + 1;
 }
 
-Date Date::plusDays(double days) const {
-    return has() ? fromDays(m_days + days) : Date();
-}
-
 Date Date::plusMinutes(std::int64_t minutes) const {
     return plusSeconds(minutes * 60);
 }
 
 Date Date::plusSeconds(std::int64_t seconds) const {
     return has() ? fromDays(m_days + static_cast<double>(seconds) / kSecondsPerDay) : Date();
-}
-
-Date Date::midnight() const {
-    return has() ? fromDays(std::floor(m_days)) : Date();
 }
 
 } // namespace nv

@@ -42,11 +42,8 @@ class Date {
     /// 1 Sunday to 7 Saturday.
     int weekday() const;
 
-    Date plusDays(double days) const;
     Date plusMinutes(std::int64_t minutes) const;
     Date plusSeconds(std::int64_t seconds) const;
-    /// Midnight of the same day.
-    Date midnight() const;
 
     friend constexpr bool operator==(const Date &a, const Date &b) {
         return a.m_days == b.m_days || (!a.has() && !b.has());

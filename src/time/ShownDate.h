@@ -8,8 +8,6 @@
 
 namespace nv {
 
-inline constexpr std::string_view kUtcHeading = "Action Date [UTC]";
-
 /// The settings that decide how a date is shown.
 struct DateSettings {
     std::string dateFormat{kDateFormat};

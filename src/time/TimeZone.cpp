@@ -66,14 +66,6 @@ std::string TimeZone::getBiasAsTime(int extraMinutes) const {
     return signOf(bias) + hoursAndMinutes(bias);
 }
 
-std::string TimeZone::getTimeZoneName(std::int16_t bias) {
-    for (const TimeZoneName &row : fixedZoneNames()) {
-        if (row.tzBias == bias)
-            return tzName = row.tzName;
-    }
-    return {};
-}
-
 std::string formatBiasText(std::int16_t minutes) {
     return minutes == 0 ? "UTC" : signOf(minutes) + hoursAndMinutes(minutes);
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/KeyedList.h"
 #include "time/Date.h"
 
 #include <any>
@@ -43,22 +42,7 @@ struct TimeZone {
     /// The offset from UTC, east positive: "-0500". "+0000" when `tzBias` is 0, whatever the extra
     /// minutes.
     std::string getBiasAsTime(int extraMinutes) const;
-    /// Looks the bias, east positive, up in the fixed names and keeps what it finds in `tzName`.
-    /// Empty when there is none.
-    std::string getTimeZoneName(std::int16_t bias);
 };
-
-using TimeZoneCollection = KeyedList<TimeZone>;
-
-struct TimeZoneName {
-    std::int16_t tzBias = 0; ///< minutes, east of Greenwich positive
-    std::string tzName;
-};
-
-using TimeZones = KeyedList<TimeZoneName>;
-
-/// The 34 names by bias that the program has always shown, misspellings included.
-TimeZones fixedZoneNames();
 
 /// "UTC" for 0, otherwise sign, hours and minutes: "-0500". East positive.
 std::string formatBiasText(std::int16_t minutes);

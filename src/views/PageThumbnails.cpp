@@ -103,15 +103,6 @@ std::vector<bool> createHTMLThumbnails(std::span<const PageDrawing> pages, int w
     return PageRun(pages, width, ctx, task).all();
 }
 
-bool createHTMLThumbnail(const fs::path &page, const fs::path &destination, UrlId urlID, int width,
-                         const ThumbnailContext &ctx) {
-    const PageDrawing drawing{urlID, page, destination};
-    Unwatched nobody;
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&]() -> bool {
-        return createHTMLThumbnails(std::span(&drawing, 1), width, ctx, nobody).front();
-    });
-}
-
 Stored storeThumbnail(UrlId urlID, const fs::path &path, const ThumbnailContext &ctx) {
     const std::string hash = fileMD5(path).value_or("");
     const Bytes bytes = readWhole(path);

@@ -172,28 +172,6 @@ void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> i
         ThumbnailRun(ctx, ids, task, totals).all();
 }
 
-bool makeThumbnail(UrlRecord &url, const ImportSettings &import, const ThumbnailContext &ctx) {
-    if (!import.makePictureThumbnails || !url.CacheFileExists)
-        return false;
-    return trapped(ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport, false,
-                   [&] {
-                       const ThumbnailFolder folder(ctx.tempFolderPath);
-                       ThumbnailJob job{url, {}};
-                       if (prepareThumbnail(job, folder.place(0), ctx) != Preparation::ready)
-                           return false;
-                       const Drawn drawn = drawOne(job.drawing, ctx);
-                       if (drawn.done)
-                           keepThumbnail(job, drawn, ctx);
-                       else
-                           logUndrawn(url.URLID, drawn.failure, ctx.log);
-                       url = std::move(job.record);
-                       // They lay in a folder that goes now.
-                       url.RunTimeTempFilePath.clear();
-                       url.RunTimeThumbnailPath.clear();
-                       return drawn.done;
-                   });
-}
-
 bool makePictureThumbnail(const fs::path &source, const fs::path &destination, UrlRecord &url,
                           int width, const ThumbnailContext &ctx) {
     const Drawn drawn =

@@ -89,7 +89,7 @@ std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::in
 
 std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t lastId) {
     const ImportSettings &import = program.import;
-    // Without pictures there are no pages either: see makeThumbnail.
+    // Without pictures there are no pages either: the box of pictures was always asked for both.
     if (!import.makeThumbnails || !import.makePictureThumbnails)
         return {};
     UnreadRows logged;

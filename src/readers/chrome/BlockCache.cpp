@@ -81,16 +81,4 @@ std::optional<ChromeRanking> ChromeBlockCache::getRankingObject(const ChromeAddr
     return chromeRankingOf(ByteView(bytes));
 }
 
-std::optional<ChromeContent> ChromeBlockCache::getContentObject(const ChromeAddressMap &map,
-                                                                std::uint64_t size) {
-    Bytes bytes;
-    if (map.blockFileType != 0)
-        bytes = m_blocks.read(map, size);
-    else if (const auto file = m_evidence.find(indexPath.parent_path(), map.separateFileName))
-        bytes = m_evidence.open(*file).read(0, size);
-    if (bytes.empty())
-        return std::nullopt;
-    return ChromeContent{std::move(bytes)};
-}
-
 } // namespace nv

@@ -44,8 +44,6 @@ class ChromeBlockCache {
     std::optional<ChromeEntry> getEntry(const ChromeAddressMap &map);
     std::optional<ChromeHeader> getHeaderObject(const ChromeAddressMap &map);
     std::optional<ChromeRanking> getRankingObject(const ChromeAddressMap &map);
-    /// Up to `size` bytes of a body, from its block file or separate file.
-    std::optional<ChromeContent> getContentObject(const ChromeAddressMap &map, std::uint64_t size);
 
   private:
     const Evidence &m_evidence;

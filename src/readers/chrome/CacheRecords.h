@@ -71,12 +71,6 @@ struct ChromeRanking {
     Date lastModifiedTime; ///< UTC
 };
 
-/// The bytes of a cached body.
-struct ChromeContent {
-    Bytes blob;
-};
-using ChromeCacheBlob = ChromeContent;
-
 struct ChromeEntry {
     static constexpr std::uint64_t kSize = 0x100;
 
@@ -99,7 +93,6 @@ struct ChromeEntry {
     ChromeAddressMap contentAddressMap;
     std::optional<ChromeHeader> headerObject;
     std::optional<ChromeRanking> rankingObject;
-    std::optional<ChromeContent> contentObject; ///< stays empty: bodies are read when asked for
 };
 
 using ChromeEntryCollection = KeyedList<ChromeEntry>;

@@ -39,8 +39,6 @@ class MozillaCache {
     static std::int64_t lShiftLong(std::int64_t x, int n);
     /// x / 2^n, rounded down.
     static std::int64_t rShiftLong(std::int64_t x, int n);
-    /// The same for a negative x as if it were an unsigned 32-bit word.
-    static std::int64_t rShiftLongClrNeg(std::int64_t x, int n);
 
     /// Fills cacheRecords from the open map and sets the file's version. What the map holds and
     /// the rules pass over is counted in `result`. False, with cacheError, when the map isn't one

@@ -1,5 +1,6 @@
 #include "base/Md5.h"
 #include "import/Scan.h"
+#include "support/ImportOption.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "support/Unprivileged.h"
@@ -43,7 +44,7 @@ class ScanTest : public testing::Test {
     }
 
     void dontLookFor(const SourceOption &box) { setWanted(job, box, false); }
-    void dontLookFor(std::string_view box) { dontLookFor(importOption(box)); }
+    void dontLookFor(std::string_view box) { dontLookFor(test::importOption(box)); }
 
     /// As somebody to whom the modes of files mean something.
     ScanResult scannedWithoutPrivileges() {

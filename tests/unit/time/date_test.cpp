@@ -19,8 +19,7 @@ TEST(Date, countsDaysFromTheEndOf1899) {
 TEST(Date, countsStraightOnBelowZero) {
     const Date date = Date::fromDays(-1.25);
     EXPECT_EQ(isoUtc(date), "1899-12-28T18:00:00Z");
-    EXPECT_EQ(isoUtc(date.midnight()), "1899-12-28T00:00:00Z");
-    EXPECT_EQ(isoUtc(date.plusDays(1)), "1899-12-29T18:00:00Z");
+    EXPECT_EQ(isoUtc(date.plusSeconds(86400)), "1899-12-29T18:00:00Z");
     EXPECT_EQ(date.weekday(), 5); // a Thursday
 }
 
@@ -29,8 +28,8 @@ TEST(Date, knowsLeapDays) {
     EXPECT_TRUE(Date::fromCivil({2000, 2, 29}).has());
     EXPECT_FALSE(Date::fromCivil({1900, 2, 29}).has());
     EXPECT_FALSE(Date::fromCivil({2009, 2, 29}).has());
-    EXPECT_EQ(isoUtc(Date::fromCivil({2008, 2, 28}).plusDays(1)), "2008-02-29T00:00:00Z");
-    EXPECT_EQ(isoUtc(Date::fromCivil({1900, 2, 28}).plusDays(1)), "1900-03-01T00:00:00Z");
+    EXPECT_EQ(isoUtc(Date::fromCivil({2008, 2, 28}).plusSeconds(86400)), "2008-02-29T00:00:00Z");
+    EXPECT_EQ(isoUtc(Date::fromCivil({1900, 2, 28}).plusSeconds(86400)), "1900-03-01T00:00:00Z");
 }
 
 TEST(Date, holdsTheYears100To9999) {
@@ -61,9 +60,7 @@ TEST(Date, keepsEverySecondOfADayApart) {
 }
 
 TEST(Date, noDateStaysNoDateAndIsNotZero) {
-    EXPECT_FALSE(Date().plusDays(1).has());
     EXPECT_FALSE(Date().plusSeconds(1).has());
-    EXPECT_FALSE(Date().midnight().has());
     EXPECT_NE(Date(), Date::fromDays(0));
     EXPECT_EQ(Date(), Date());
 }

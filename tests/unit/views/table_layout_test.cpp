@@ -132,16 +132,5 @@ TEST(TableLayout, survivesACloseAndAnOpenOfTheProject) {
     EXPECT_TRUE(project.log.entries.empty());
 }
 
-TEST(FormatColumns, takesHeaderAndVisibilityByKey) {
-    TableLayout layout;
-    URLTableColumns columns;
-    columns.add({"COL_URL_HOST", 0, 0, "Server", true}, "COL_URL_HOST");
-    columns.add({"COL_URL_NONE", 0, 0, "None", true}, "COL_URL_NONE");
-    layout.formatColumns(columns);
-    EXPECT_EQ(layout.header(UrlColumn::Host), "Server");
-    EXPECT_TRUE(layout.hidden(UrlColumn::Host));
-    EXPECT_EQ(layout.header(UrlColumn::User), "User");
-}
-
 } // namespace
 } // namespace nv

@@ -192,22 +192,6 @@ TEST_F(ThumbnailsTest, aCancelKeepsWhatWasMade) {
     EXPECT_TRUE(fs::is_empty(temp));
 }
 
-TEST_F(ThumbnailsTest, oneRecordIsMadeOnlyWhenTheImportWantsPictures) {
-    UrlRecord record = *store.getURL(UrlId{add("a[1].gif", "GIF89a")});
-    ImportSettings import;
-    import.makePictureThumbnails = false;
-    EXPECT_FALSE(makeThumbnail(record, import, context()));
-    import.makePictureThumbnails = true;
-    EXPECT_TRUE(makeThumbnail(record, import, context()));
-    EXPECT_EQ(record.ThumbnailFormat, "Bitmap");
-    EXPECT_TRUE(record.IsPicture);
-    EXPECT_FALSE(record.IsWebPage);
-    EXPECT_EQ(record.PARDValue, 88);
-    EXPECT_EQ(field(1, "ThumbnailMD5Hash"), record.ThumbnailMD5Hash);
-    record.CacheFileExists = false;
-    EXPECT_FALSE(makeThumbnail(record, import, context()));
-}
-
 TEST_F(ThumbnailsTest, aPictureFileIsDrawnAndMeasured) {
     UrlRecord record;
     record.URLID = UrlId{17};
@@ -227,14 +211,15 @@ TEST_F(ThumbnailsTest, aRebuiltPageIsTriedTwice) {
     const auto id = add("page[1].htm", "<html>");
     const fs::path page = project.folder.write("page.htm", "rebuilt");
     drawing.failures = 1;
-    EXPECT_TRUE(createHTMLThumbnail(page, temp / "page.jpg", UrlId{id}, 120, context()));
+    const std::vector<PageDrawing> pages{{UrlId{id}, page, temp / "page.jpg"}};
+    EXPECT_TRUE(createHTMLThumbnails(pages, 120, context(), task).front());
     EXPECT_EQ(field(id, "ThumbnailBLOB"), "JPEGrebuilt");
     ASSERT_EQ(project.log.entries.size(), 1u);
     EXPECT_THAT(project.log.entries[0].message, HasSubstr("Win32 Error"));
     EXPECT_EQ(project.log.entries[0].severity, Severity::Warning);
     EXPECT_EQ(project.log.entries[0].procedure, "MainBAS.CreateHTMLThumbnail()");
     drawing.failures = 2;
-    EXPECT_FALSE(createHTMLThumbnail(page, temp / "page.jpg", UrlId{id}, 120, context()));
+    EXPECT_FALSE(createHTMLThumbnails(pages, 120, context(), task).front());
     EXPECT_EQ(drawing.drawn.size(), 4u);
     EXPECT_FALSE(fs::exists(temp / "page.jpg")); // the old one doesn't pass for a new one
 }
