@@ -58,13 +58,12 @@ void writeContent(Session &session, const fs::path &content, const std::string &
 }
 
 Exit run(Session &session, const Arguments &arguments) {
-    const std::int64_t urlId = arguments.urlId;
     session.openForReading(arguments.project);
     Program &program = session.program;
     if (arguments.file != kStandardOutput)
         checkTarget(arguments, program.thisClass);
-    checkRow(program.thisClass.projectDB.connection(), urlId);
-    auto stored = storeOf(program).getURL(UrlId{urlId});
+    const UrlId urlId = checkedRow(program.thisClass.projectDB.connection(), arguments.urlId);
+    auto stored = storeOf(program).getURL(urlId);
     if (!stored)
         throw StorageFailure(
             fmt::format("row {} can't be read; see \"{}\"", urlId, textOf(program.log.path())));

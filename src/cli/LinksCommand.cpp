@@ -51,8 +51,7 @@ void write(const LinkList &links, RowWriter &writer) {
 
 Exit list(Session &session, std::int64_t urlId, Format format) {
     SQLite::Database &project = session.program.thisClass.projectDB.connection();
-    checkRow(project, urlId);
-    const LinkList links = linksOf(session.program, UrlId{urlId});
+    const LinkList links = linksOf(session.program, checkedRow(project, urlId));
     if (!links.failure.empty())
         throw UsageError(fmt::format("{} (here: --wide-ids)", links.failure));
     const auto writer =

@@ -33,8 +33,7 @@ Exit run(Session &session, const Arguments &arguments) {
     session.open(arguments.project, writes ? Access::write : Access::read);
     Program &program = session.program;
     SQLite::Database &project = program.thisClass.projectDB.connection();
-    const UrlId url{arguments.urlId};
-    checkRow(project, arguments.urlId);
+    const UrlId url = checkedRow(project, arguments.urlId);
     if (writes) {
         const NoteOutcome outcome =
             storeNote(project, url, arguments.text.value_or(""), program.around.clock, program.log);

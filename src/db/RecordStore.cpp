@@ -3,6 +3,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/RecordColumns.h"
 #include "db/RecordNames.h"
 #include "db/SqliteErrors.h"
@@ -68,7 +69,7 @@ struct Binder {
     }
     void operator()(SourceFileId UrlRecord::*member) const {
         if (const SourceFileId id = record.*member; id != SourceFileId::none)
-            statement.bind(at, number(id));
+            bindId(statement, at, id);
         else
             statement.bind(at);
     }
@@ -157,7 +158,7 @@ void RecordStore::insertLinks(const UrlRecord &record) {
 /// `url` must stay until the statement has run.
 void RecordStore::bindLink(UrlId id, const std::string &url, const std::string &hash) {
     m_insertLink.tryReset();
-    m_insertLink.bind(1, number(id));
+    bindId(m_insertLink, 1, id);
     bindText(m_insertLink, 2, url);
     m_insertLink.bind(3, hash);
 }
@@ -175,7 +176,7 @@ void RecordStore::addLinksToItself(const UrlRecord &page, std::size_t count) {
 void RecordStore::markAsWebPage(UrlRecord &record) {
     onProject(m_database, [&] {
         m_markAsWebPage.tryReset();
-        m_markAsWebPage.bind(1, number(record.URLID));
+        bindId(m_markAsWebPage, 1, record.URLID);
         m_markAsWebPage.exec();
         m_markAsWebPage.tryReset();
     });
@@ -185,7 +186,7 @@ void RecordStore::markAsWebPage(UrlRecord &record) {
 std::optional<UrlRecord> RecordStore::getURL(UrlId id) {
     const auto read = [&]() -> std::optional<UrlRecord> {
         m_select.tryReset();
-        m_select.bind(1, number(id));
+        bindId(m_select, 1, id);
         if (!m_select.executeStep())
             return std::nullopt;
         UrlRecord record;

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Succeeds.h"
 #include "base/Text.h"
+#include "db/BindId.h"
 #include "db/SqliteErrors.h"
 #include "time/Date.h"
 
@@ -29,7 +30,7 @@ bool SourceFiles::setSuccessful(SourceFileId id) {
     return attempt([&] {
         SQLite::Statement update(m_database,
                                  "UPDATE SourceFiles SET Successful = 1 WHERE SourceFile_ID = ?");
-        update.bind(1, number(id));
+        bindId(update, 1, id);
         update.exec();
     });
 }

@@ -211,7 +211,7 @@ ReportCard &ReportWriter::cardFor(UrlId id) {
         return *found;
     ReportCard card = cardOf(id, m_cards.size(), m_ctx.rebuild.task);
     if (card.record.URLID != id)
-        throw std::runtime_error(fmt::format("the record {} can't be read", number(id)));
+        throw std::runtime_error(fmt::format("the record {} can't be read", id));
     evidence().draw(std::span(&card, 1), m_ctx.rebuild.task);
     return m_cards.emplace_back(std::move(card));
 }
@@ -239,7 +239,7 @@ void ReportWriter::createGraphicalRecord(UrlId urlID, std::size_t index, std::os
 
 void ReportWriter::countFailed(UrlId id) {
     ++recordsFailed;
-    failedRows.insert(static_cast<std::int32_t>(number(id)));
+    noteUnread(failedRows, id);
 }
 
 bool ReportWriter::writeRows(const RowIds &ids, std::ostream &file) {
@@ -259,7 +259,7 @@ void ReportWriter::createTabularRecord(UrlId urlID, std::size_t index, std::ostr
     const auto write = [&] {
         const auto record = m_ctx.rebuild.records.getURL(urlID);
         if (!record)
-            throw std::runtime_error(fmt::format("the record {} can't be read", number(urlID)));
+            throw std::runtime_error(fmt::format("the record {} can't be read", urlID));
         take(*record, index);
         printEntry(file, tabularRow(*this, *record, m_ctx));
         return true;

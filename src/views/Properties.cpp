@@ -2,6 +2,7 @@
 
 #include "base/Succeeds.h"
 #include "base/Text.h"
+#include "db/BindId.h"
 #include "db/SchemaColumns.h"
 #include "db/UrlRecord.h"
 #include "views/Exif.h"
@@ -154,7 +155,7 @@ std::vector<Property> loadProperties(UrlId url, const PropertySource &source) {
     bool isPicture = false;
     attempt(source.log, [&] {
         SQLite::Statement row(source.project, "SELECT * FROM URLs WHERE URL_ID = ?");
-        row.bind(1, number(url));
+        bindId(row, 1, url);
         if (!row.executeStep())
             return;
         const RecordFields fields(row, source);

@@ -54,6 +54,11 @@ Cell unreadCell(const UrlRow &row, UrlColumn column) {
     return column == UrlColumn::Status ? Cell(std::string(kUnreadable)) : Cell();
 }
 
+/// What a failure's line in the log names.
+std::uint64_t trapKey(const UrlRow &row) {
+    return static_cast<std::uint64_t>(number(row.id));
+}
+
 std::string storedText(const UrlRow &row, UrlColumn column) {
     return plainText(cellOf(storedIn(row, column)));
 }
@@ -148,14 +153,13 @@ std::string RowCells::dateText(const UrlRow &row, UrlColumn column) {
     std::string text;
     // Made of the UTC date: the stored local date is in the zone that the project had at the
     // import.
-    m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)),
-                       [&] { text = zoneCell(row.actionDateUtc, m_zone, shown); });
+    m_dateTrap.attempt(trapKey(row), [&] { text = zoneCell(row.actionDateUtc, m_zone, shown); });
     return text;
 }
 
 std::string RowCells::zoneIso(const UrlRow &row) {
     std::string text;
-    m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)), [&] {
+    m_dateTrap.attempt(trapKey(row), [&] {
         const Date local = convertDateToZone(row.actionDateUtc, m_zone, dates.enableDSTChanges);
         if (!local.has())
             return;

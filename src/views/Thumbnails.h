@@ -49,8 +49,8 @@ struct ThumbnailTotals {
 /// batches, and each row is written as its drawing comes. A drawing that fails leaves its row as it
 /// was, and so does a cancel the rows that it didn't reach. Throws what the project, the scratch
 /// folder or the drawing as a whole can't do; `totals` tells what was done before, and is kept.
-void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> ids,
-                    TaskMonitor &task, ThumbnailTotals &totals);
+void makeThumbnails(const ThumbnailContext &ctx, std::span<const UrlId> ids, TaskMonitor &task,
+                    ThumbnailTotals &totals);
 
 /// Draws one picture file, `width` pixels wide, and measures it into the record. A failure is
 /// logged.

@@ -84,7 +84,7 @@ void showProgress(TaskMonitor &task, std::size_t place, std::size_t count) {
 }
 
 /// Runs `work` on each record; false when cancelled.
-bool forEachPage(RecordTools &tools, std::span<const std::int64_t> ids,
+bool forEachPage(RecordTools &tools, std::span<const UrlId> ids,
                  const std::function<void(UrlRecord &)> &work) {
     TaskMonitor &task = tools.context().task;
     for (std::size_t i = 0; i < ids.size(); ++i) {
@@ -125,8 +125,7 @@ std::string countsText(bool cancelled, const std::string &asked, std::string_vie
 
 } // namespace
 
-TemplatesMade createTemplates(Program &program, RecordTools &tools,
-                              std::span<const std::int64_t> ids) {
+TemplatesMade createTemplates(Program &program, RecordTools &tools, std::span<const UrlId> ids) {
     TemplatesMade made;
     made.asked = ids.size();
     made.cancelled = !forEachPage(tools, ids, [&](UrlRecord &page) {
@@ -138,10 +137,9 @@ TemplatesMade createTemplates(Program &program, RecordTools &tools,
     return made;
 }
 
-LaidTemplates rebuildFromTemplates(Program &program, RecordTools &tools,
-                                   std::span<const std::int64_t> ids,
+LaidTemplates rebuildFromTemplates(Program &program, RecordTools &tools, std::span<const UrlId> ids,
                                    std::span<const fs::path> templates,
-                                   const std::function<void(std::int64_t urlID, Laid)> &done) {
+                                   const std::function<void(UrlId urlID, Laid)> &done) {
     const std::vector<Layer> layers = layersOf(templates, program.log);
     LaidTemplates laid;
     laid.asked = ids.size();
@@ -149,7 +147,7 @@ LaidTemplates rebuildFromTemplates(Program &program, RecordTools &tools,
         const Laid result = layAll(program, tools, page, layers);
         ++laid.results[result];
         if (done)
-            done(number(page.URLID), result);
+            done(page.URLID, result);
     });
     const auto rebuilt = static_cast<std::int64_t>(
         laid.results.contains(Laid::rebuilt) ? laid.results.at(Laid::rebuilt) : 0);

@@ -2,6 +2,7 @@
 
 #include "app/program/DrawingTools.h"
 #include "app/project/ChosenRows.h"
+#include "db/BindId.h"
 #include "db/SqliteErrors.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -17,7 +18,7 @@ constexpr std::string_view kDrawable =
     "CacheFileExists AND NOT IsCookie AND (IsPicture OR IsWebPage OR Category IN ('Pictures', "
     "'HTML', 'Scripts, HTML'))";
 
-std::vector<std::int64_t> idsOf(Program &program, const std::string &sql, UnreadRows &unread) {
+std::vector<UrlId> idsOf(Program &program, const std::string &sql, UnreadRows &unread) {
     return onProject([&] { return idsPastDamage(program, sql, unread); });
 }
 
@@ -47,7 +48,7 @@ ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &sc
                                                program.log,
                                                settingsOf(program)} {}
 
-std::vector<std::int64_t> drawableIds(Program &program, Redo redo, UnreadRows &unread) {
+std::vector<UrlId> drawableIds(Program &program, Redo redo, UnreadRows &unread) {
     return idsOf(
         program,
         fmt::format("SELECT URL_ID FROM URLs WHERE {}{} ORDER BY URL_ID", kDrawable,
@@ -73,21 +74,21 @@ ThumbnailCount countThumbnails(Program &program) {
     });
 }
 
-std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids) {
+std::vector<UrlId> withoutThumbnail(Program &program, std::vector<UrlId> ids) {
     onProject([&] {
         SQLite::Statement row(
             program.thisClass.projectDB.connection(),
             "SELECT 1 FROM URLs WHERE URL_ID = ? AND length(ThumbnailMD5Hash) > 0");
-        std::erase_if(ids, [&row](std::int64_t id) {
+        std::erase_if(ids, [&row](UrlId id) {
             row.reset();
-            row.bind(1, id);
+            bindId(row, 1, id);
             return row.executeStep();
         });
     });
     return ids;
 }
 
-std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t lastId) {
+std::vector<UrlId> importedDrawableIds(Program &program, std::int64_t lastId) {
     const ImportSettings &import = program.import;
     // Without pictures there are no pages either: the box of pictures was always asked for both.
     if (!import.makeThumbnails || !import.makePictureThumbnails)

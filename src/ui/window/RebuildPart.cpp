@@ -30,22 +30,22 @@ void RebuildPart::sayWhatRebuildDoes() const {
                                                : tr("&Rebuild"));
 }
 
-std::vector<std::int64_t> shownTagged(Workbench &bench) {
-    std::vector<std::int64_t> shown;
+std::vector<UrlId> shownTagged(Workbench &bench) {
+    std::vector<UrlId> shown;
     if (!bench.table->table())
         return shown;
     UnreadRows logged;
-    const std::vector<std::int64_t> tagged = taggedIds(bench.program, logged);
-    for (const std::int64_t id : bench.table->table()->ids())
-        if (std::binary_search(tagged.begin(), tagged.end(), id))
-            shown.push_back(id);
+    const std::vector<UrlId> tagged = taggedIds(bench.program, logged);
+    for (const auto id : bench.table->table()->ids())
+        if (std::ranges::binary_search(tagged, UrlId{id}))
+            shown.push_back(UrlId{id});
     return shown;
 }
 
 void RebuildPart::rebuild() {
     if (!m_bench.table->table())
         return;
-    const std::vector<std::int64_t> tagged = shownTagged(m_bench);
+    const std::vector<UrlId> tagged = shownTagged(m_bench);
     if (!tagged.empty())
         rebuildTaggedPages(tagged);
     else
@@ -54,10 +54,10 @@ void RebuildPart::rebuild() {
 
 void RebuildPart::rebuildCurrent() {
     if (const auto current = m_bench.table->grid().currentUrl())
-        rebuildOne(number(*current));
+        rebuildOne(*current);
 }
 
-void RebuildPart::rebuildTaggedPages(const std::vector<std::int64_t> &ids) {
+void RebuildPart::rebuildTaggedPages(const std::vector<UrlId> &ids) {
     Program &program = m_bench.program;
     RebuildReport report;
     report.asked = ids.size();
@@ -71,7 +71,7 @@ void RebuildPart::rebuildTaggedPages(const std::vector<std::int64_t> &ids) {
     showRebuilt(report);
 }
 
-void RebuildPart::rebuildOne(std::int64_t id) {
+void RebuildPart::rebuildOne(UrlId id) {
     if (!m_bench.mayWrite())
         return;
     Program &program = m_bench.program;

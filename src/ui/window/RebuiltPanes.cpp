@@ -99,7 +99,7 @@ void RebuiltPanes::showAudit(AuditPane &pane, UrlId id) {
     Unwatched nobody;
     RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
     const RebuildContext &ctx = tools.context();
-    auto page = tools.record(number(id));
+    auto page = tools.record(id);
     if (!page || !page->CacheFileRebuilt)
         return pane.showReason(tr("This record was not rebuilt, so nothing in it was replaced."));
     if (isLeftInGallery(*page))
@@ -120,7 +120,7 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
     Program &program = m_bench.program;
     Unwatched nobody;
     RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
-    auto record = tools.record(number(id));
+    auto record = tools.record(id);
     if (!record)
         return;
     const bool isLeft = isLeftInGallery(*record);

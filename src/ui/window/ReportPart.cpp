@@ -108,7 +108,7 @@ bool ReportPart::chooseOptions(ReportTools &tools) {
     UnreadRows unread; // the report names them
     const auto tagged = taggedIds(program, unread);
     const auto shown = static_cast<std::size_t>(std::ranges::count_if(
-        ids, [&tagged](std::int64_t id) { return std::ranges::binary_search(tagged, id); }));
+        ids, [&tagged](auto id) { return std::ranges::binary_search(tagged, UrlId{id}); }));
     tools.report.includeAll = shown == 0;
     ReportForm form(tools.report, ids.size(), shown, m_bench.examiner(), &m_bench.window);
     if (form.exec() != QDialog::Accepted)

@@ -49,17 +49,17 @@ void TemplatesPart::list() {
     m_tab->setTemplates(listTemplates(program.thisClass.templatesPath, program.log));
 }
 
-std::vector<std::int64_t> TemplatesPart::pages() {
-    std::vector<std::int64_t> ids = shownTagged(m_bench);
+std::vector<UrlId> TemplatesPart::pages() {
+    std::vector<UrlId> ids = shownTagged(m_bench);
     if (const auto current = m_bench.table->grid().currentUrl(); ids.empty() && current)
-        ids.push_back(number(*current));
+        ids.push_back(*current);
     if (ids.empty())
         m_bench.showNotice(tr("No page is chosen: go to one in the table, or tag some."));
     return ids;
 }
 
 void TemplatesPart::createTemplate() {
-    const std::vector<std::int64_t> ids = pages();
+    const std::vector<UrlId> ids = pages();
     if (ids.empty())
         return;
     Program &program = m_bench.program;
@@ -81,7 +81,7 @@ void TemplatesPart::rebuildFromTemplates() {
     for (const std::filesystem::path &file : templates)
         if (!isTemplateThere(m_bench.program, file))
             return list();
-    const std::vector<std::int64_t> ids = pages();
+    const std::vector<UrlId> ids = pages();
     if (templates.empty() || ids.empty())
         return;
     Program &program = m_bench.program;

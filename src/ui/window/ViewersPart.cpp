@@ -162,7 +162,7 @@ void ViewersPart::showSource(UrlId id) {
     Program &program = m_bench.program;
     Unwatched nobody;
     RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
-    const auto record = tools.record(number(id));
+    const auto record = tools.record(id);
     if (!record)
         return m_hex->showMissing(tr("The selected record could not be found."));
     const auto source = sourceOfRecord(*record);

@@ -4,6 +4,7 @@
 #include "readers/Dissection.h"
 #include "support/FakeDrawing.h"
 #include "support/TestProject.h"
+#include "support/UrlIds.h"
 #include "views/PageThumbnails.h"
 #include "views/ThumbnailJobs.h"
 #include "views/Thumbnails.h"
@@ -48,9 +49,9 @@ class ThumbnailsTest : public testing::Test {
         return {project.connection(), store,       evidence, temp, drawing,
                 project.clock,        project.log, settings};
     }
-    ThumbnailTotals make(std::vector<std::int64_t> ids) {
+    ThumbnailTotals make(std::initializer_list<std::int64_t> numbers) {
         ThumbnailTotals totals;
-        makeThumbnails(context(), ids, task, totals);
+        makeThumbnails(context(), test::urlIds(numbers), task, totals);
         return totals;
     }
     std::string field(std::int64_t id, const std::string &column) {
@@ -162,9 +163,9 @@ TEST_F(ThumbnailsTest, evidenceIsOnlyCopied) {
 }
 
 TEST_F(ThumbnailsTest, manyRowsGoInBatches) {
-    std::vector<std::int64_t> ids;
+    std::vector<UrlId> ids;
     for (int i = 0; i < 270; ++i)
-        ids.push_back(add(std::to_string(i) + "[1].gif", "GIF89a"));
+        ids.push_back(UrlId{add(std::to_string(i) + "[1].gif", "GIF89a")});
     MemoryTask watched;
     ThumbnailTotals totals;
     makeThumbnails(context(), ids, watched, totals);
@@ -175,9 +176,9 @@ TEST_F(ThumbnailsTest, manyRowsGoInBatches) {
 }
 
 TEST_F(ThumbnailsTest, aCancelKeepsWhatWasMade) {
-    std::vector<std::int64_t> ids;
+    std::vector<UrlId> ids;
     for (int i = 0; i < 5; ++i)
-        ids.push_back(add(std::to_string(i) + "[1].gif", "GIF89a"));
+        ids.push_back(UrlId{add(std::to_string(i) + "[1].gif", "GIF89a")});
     bool stopped = false;
     for (int calls = 0; calls < 100 && !stopped; ++calls) {
         CancelAfter task2(calls);

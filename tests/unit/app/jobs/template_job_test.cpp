@@ -6,6 +6,7 @@
 #include "db/CaseTrail.h"
 #include "import/Scan.h"
 #include "rebuild/TemplateList.h"
+#include "support/UrlIds.h"
 #include "support/builders/WebSite.h"
 #include "unit/app/ProgramFixture.h"
 
@@ -42,21 +43,21 @@ struct TemplateJobTest : test::ProgramFixture {
         row.bind(2, id);
         row.exec();
     }
-    void rebuild(std::int64_t id) {
+    void rebuild(std::int64_t number) {
         RecordTools tools(*program, task, scratch);
-        EXPECT_TRUE(rebuildPage(*program, tools, id)->rebuilt);
+        EXPECT_TRUE(rebuildPage(*program, tools, UrlId{number})->rebuilt);
     }
-    TemplatesMade create(std::vector<std::int64_t> ids) {
+    TemplatesMade create(std::initializer_list<std::int64_t> numbers) {
         RecordTools tools(*program, task, scratch);
-        return createTemplates(*program, tools, ids);
+        return createTemplates(*program, tools, test::urlIds(numbers));
     }
-    LaidTemplates lay(std::vector<std::int64_t> ids, std::vector<fs::path> files) {
+    LaidTemplates lay(std::initializer_list<std::int64_t> numbers, std::vector<fs::path> files) {
         RecordTools tools(*program, task, scratch);
-        return rebuildFromTemplates(*program, tools, ids, files);
+        return rebuildFromTemplates(*program, tools, test::urlIds(numbers), files);
     }
-    bool isRebuilt(std::int64_t id) {
+    bool isRebuilt(std::int64_t number) {
         RecordTools tools(*program, task, scratch);
-        return tools.record(id)->CacheFileRebuilt;
+        return tools.record(UrlId{number})->CacheFileRebuilt;
     }
     /// The template of the page.
     fs::path made() {
@@ -172,7 +173,7 @@ TEST_F(TemplateJobTest, cancelLeavesTheRemainingPages) {
     program->thisClass.templateMatchByTitle = false;
     test::CancelAfter stops(1);
     RecordTools tools(*program, stops, scratch);
-    const std::vector<std::int64_t> ids = {2, 3};
+    const std::vector<UrlId> ids = test::urlIds({2, 3});
     const std::vector<fs::path> files = {file};
     const LaidTemplates laid = rebuildFromTemplates(*program, tools, ids, files);
     EXPECT_TRUE(laid.cancelled);
