@@ -169,7 +169,10 @@ void setInProject(Session &session, const Arguments &arguments) {
     const ProjectValueFacts &facts = settableInProject(arguments.key);
     const std::string value = checked(session.program, factsOf(facts), arguments.value);
     session.open(arguments.project);
-    storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes);
+    if (!storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes)
+             .empty())
+        throw StorageFailure(fmt::format("\"{}\" can't keep {}; see \"{}\"", arguments.project,
+                                         facts.name, textOf(session.program.log.path())));
     if (facts.name == "RootPath")
         mendRootPath(session.program.thisClass.projectDB.connection(), session.program.log, value,
                      session.task);

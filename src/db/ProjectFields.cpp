@@ -101,6 +101,10 @@ bool ProjectFields::saveDefaultSetting(std::string_view name, std::string_view v
     return putDBField(value, name, "DefaultName", "DefaultSettings", "DefaultValue");
 }
 
+void ProjectFields::remember(std::string_view name, std::string_view value) {
+    static_cast<void>(saveDefaultSetting(name, value));
+}
+
 std::string ProjectFields::getDefault(std::string_view name) const {
     return getDB3Field("DefaultValue", "DefaultSettings", "DefaultName", name);
 }

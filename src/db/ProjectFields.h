@@ -29,11 +29,13 @@ class ProjectFields {
     /// Sets a field of the row with the key; dates as query texts have them, "True" and "False" are
     /// understood. A row of `DefaultSettings` is added when it isn't
     /// there.
-    bool putDBField(std::string_view value, std::string_view keyValue, std::string_view key,
-                    std::string_view table, std::string_view field,
-                    Severity severity = Severity::Warning);
+    [[nodiscard]] bool putDBField(std::string_view value, std::string_view keyValue,
+                                  std::string_view key, std::string_view table,
+                                  std::string_view field, Severity severity = Severity::Warning);
 
-    bool saveDefaultSetting(std::string_view name, std::string_view value);
+    [[nodiscard]] bool saveDefaultSetting(std::string_view name, std::string_view value);
+    /// The same for what nobody chose and nobody misses: a failure stands in the log alone.
+    void remember(std::string_view name, std::string_view value);
     /// Trimmed; empty when the row is missing.
     std::string getDefault(std::string_view name) const;
     /// The names of all values in `DefaultSettings`.

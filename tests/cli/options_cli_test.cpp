@@ -1,4 +1,5 @@
 #include "cli/CliCase.h"
+#include "support/RefuseValues.h"
 
 #include <gmock/gmock.h>
 
@@ -110,6 +111,23 @@ TEST_F(OptionsCliTest, settingsThatCantBeWrittenAreSaid) {
     EXPECT_NE(run.exit, 0);
     EXPECT_THAT(run.err, HasSubstr("the settings can't be written"));
     EXPECT_THAT(run.err, HasSubstr("Norvelane.ini"));
+}
+
+TEST_F(OptionsCliTest, valuesThatAProjectCantKeepAreSaid) {
+    IndexDat index;
+    index.add({.url = "http://a.example/"});
+    import(index);
+    {
+        SQLite::Database database(project, SQLite::OPEN_READWRITE);
+        refuseValues(database);
+    }
+    const CliResult run = cli({"options", "set", "LastTimeZoneID", "20", "--project", project});
+    EXPECT_EQ(run.exit, 3);
+    EXPECT_THAT(run.err, HasSubstr("can't keep LastTimeZoneID"));
+    folder.write("more/index.dat", index.bytes());
+    const CliResult more = cli({"import", project, (folder.path() / "more").string()});
+    EXPECT_EQ(more.exit, 3);
+    EXPECT_THAT(more.err, HasSubstr("is evidence"));
 }
 
 TEST_F(OptionsCliTest, programsAtOnceLoseNoSetting) {

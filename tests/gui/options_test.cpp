@@ -264,7 +264,8 @@ struct RealNewProject final : WindowDialogs {
 };
 
 void OptionsTest::enterMakesANewProject() {
-    m_desk->program.settings.writeIniValue("FILE PATHS", "Project", m_desk->folder.path().string());
+    QVERIFY(m_desk->program.settings.writeIniValue("FILE PATHS", "Project",
+                                                   m_desk->folder.path().string()));
     RealNewProject dialogs;
     MainForm form(m_desk->program, dialogs);
     whenShown<OptionsForm>([](OptionsForm &options) {

@@ -94,15 +94,19 @@ void readReportOptions(const IniFile &settings, ReportWriter &report) {
     report.agencyLogoPath = readText(settings, "AgencyLogoPath");
 }
 
-void writeReportOptions(const ReportWriter &report, IniFile &settings) {
+bool writeReportOptions(const ReportWriter &report, IniFile &settings) {
+    // That of the last one stands: a write that succeeds brings those that failed before.
+    bool isWritten = true;
+    const auto note = [&isWritten](bool done) { isWritten = done; };
     for (const KeptText &kept : kTexts)
-        writeText(settings, kept.key, report.*kept.text);
+        note(writeText(settings, kept.key, report.*kept.text));
     for (const KeptFlag &kept : kFlags)
-        writeFlag(settings, kept.key, report.*kept.flag);
-    writeFlag(settings, "UseDefaultThumbnailPath", report.useDefaultThumbnailPath);
-    writeNumber(settings, "ReportType", report.reportType);
-    writeText(settings, "DefaultThumbnailPath", textOf(report.defaultThumbnailPath));
-    writeText(settings, "AgencyLogoPath", textOf(report.agencyLogoPath));
+        note(writeFlag(settings, kept.key, report.*kept.flag));
+    note(writeFlag(settings, "UseDefaultThumbnailPath", report.useDefaultThumbnailPath));
+    note(writeNumber(settings, "ReportType", report.reportType));
+    note(writeText(settings, "DefaultThumbnailPath", textOf(report.defaultThumbnailPath)));
+    note(writeText(settings, "AgencyLogoPath", textOf(report.agencyLogoPath)));
+    return isWritten;
 }
 
 } // namespace nv

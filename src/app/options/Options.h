@@ -57,7 +57,7 @@ Options readOptions(const Program &program, const std::vector<ZoneRow> &zones);
 Options readNewProjectOptions(const Program &program, const std::vector<ZoneRow> &zones);
 
 /// Validates and applies, step by step: what was applied before a refusal stays applied. The
-/// examiner is told of the refusal. A failure to write is logged.
+/// examiner is told of the refusal, and of what couldn't be written.
 OptionsOutcome applyOptions(Program &program, const Options &options,
                             const OptionsOccasion &occasion = {});
 

@@ -59,24 +59,31 @@ std::vector<ProjectValue> projectValuesInForce(const Program &program) {
             {"RedrawThumbIfPageRebuilt", flagText(state.redrawThumbIfPageRebuilt)}};
 }
 
-void storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note) {
+std::vector<std::string>
+storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note) {
+    std::vector<std::string> unkept;
     if (program.thisClass.projectDB.isReadOnly())
-        return;
+        return unkept;
     ProjectFields fields(program.thisClass.projectDB.connection(), program.log);
     std::string changes;
     for (const ProjectValue &each : values) {
         const std::string before = fields.getDefault(each.name);
-        if (before == each.value || !fields.saveDefaultSetting(each.name, each.value))
+        if (before == each.value)
             continue;
+        if (!fields.saveDefaultSetting(each.name, each.value)) {
+            unkept.push_back(each.name);
+            continue;
+        }
         changes += fmt::format("{}{}: \"{}\" -> \"{}\"", changes.empty() ? "" : "; ", each.name,
                                before, each.value);
     }
     if (changes.empty() || note == TrailNote::no)
-        return;
+        return unkept;
     TrailEntry entry;
     entry.action = "Options";
     entry.detail = changes;
     noteInTrail(program, std::move(entry));
+    return unkept;
 }
 
 } // namespace nv

@@ -1,5 +1,6 @@
 #include "app/options/SettingsInForce.h"
 
+#include "app/messages/Messages.h"
 #include "app/options/SettingsTable.h"
 
 namespace nv {
@@ -22,6 +23,11 @@ void handDown(Program &program, const SettingFacts &row) {
         program.import.makeThumbnails = state.thumbnailsWhileImporting;
 }
 
+void tellUnkept(const Program &program, bool isKnown) {
+    if (!isKnown)
+        program.around.examiner.tell(messages::settingsNotWritten(program.settings.path()));
+}
+
 } // namespace
 
 void takeSettings(Program &program) {
@@ -38,11 +44,19 @@ void bringIntoForce(Program &program, const SettingFacts &row, const SettingValu
     handDown(program, row);
 }
 
+void keepText(Program &program, TextKey key, std::string_view text) {
+    const bool isKnown = program.settings.hasUnwritten();
+    if (!writeText(program.settings, key, text))
+        tellUnkept(program, isKnown);
+}
+
 void keepFlag(Program &program, FlagKey key, bool on) {
     SettingValues values(static_cast<const SettingValues &>(program.thisClass));
     putText(values, key.row(), on ? "True" : "False");
     bringIntoForce(program, key.row(), values);
-    writeFlag(program.settings, key, on);
+    const bool isKnown = program.settings.hasUnwritten();
+    if (!writeFlag(program.settings, key, on))
+        tellUnkept(program, isKnown);
 }
 
 } // namespace nv

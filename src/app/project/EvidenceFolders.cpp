@@ -61,8 +61,11 @@ void keepEvidenceFolder(Program &program, const fs::path &source) {
     if (!liesInEvidence(folder, folder) || firstAround(folder, kept) ||
         liesInEvidence(program.thisClass.projectDBPath, folder))
         return;
-    ProjectFields(project, program.log)
-        .saveDefaultSetting(fmt::format("{}{}", kFolderSetting, kept.size() + 1), textOf(folder));
+    const std::string name = fmt::format("{}{}", kFolderSetting, kept.size() + 1);
+    if (!ProjectFields(project, program.log).saveDefaultSetting(name, textOf(folder)))
+        throw StorageFailure(
+            fmt::format("the project can't keep that \"{}\" is evidence; see \"{}\"",
+                        textOf(folder), textOf(program.log.path())));
 }
 
 } // namespace nv

@@ -68,7 +68,8 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
     project.agencyKeywordFolder = program.paths.home / "keywords";
     const bool made = project.createDatabaseProject() &&
                       !failureOf(program.log, "DatabaseClass.CreateDatabaseProject()", [&] {
-                          stampVersion(project.connection(), program.log, buildOf(program));
+                          if (!stampVersion(project.connection(), program.log, buildOf(program)))
+                              throw StorageFailure("the new project can't keep its version");
                           project.closeDB();
                           removeSideFiles(whole);
                           replaceDurably(aside, whole);
@@ -136,9 +137,10 @@ DateSettings dateSettings(const Program &program) {
 void closeProject(Program &program) {
     ProgramState &state = program.thisClass;
     if (!state.projectDB.isReadOnly()) {
-        if (!state.zoneIsUnread)
-            fieldsOf(program).saveDefaultSetting(kZoneSetting,
-                                                 fmt::format("{}", state.gmtZone.tzTimeZoneID));
+        if (!state.zoneIsUnread && !fieldsOf(program).saveDefaultSetting(
+                                       kZoneSetting, fmt::format("{}", state.gmtZone.tzTimeZoneID)))
+            program.around.examiner.tell(
+                messages::projectValuesNotKept({std::string(kZoneSetting)}));
         StoredQueries(state.projectDB.connection()).resetDEFAULTQuery();
     }
     state.zoneIsUnread = false;
@@ -153,8 +155,11 @@ void closeProject(Program &program) {
 
 void setRootPath(Program &program, const fs::path &root) {
     program.thisClass.rootPath = root;
-    if (!program.thisClass.projectDB.isReadOnly())
-        fieldsOf(program).saveDefaultSetting(kRootSetting, textOf(root));
+    if (program.thisClass.projectDB.isReadOnly() ||
+        fieldsOf(program).saveDefaultSetting(kRootSetting, textOf(root)))
+        return;
+    throw StorageFailure(fmt::format("the project can't keep its base folder \"{}\"; see \"{}\"",
+                                     textOf(root), textOf(program.log.path())));
 }
 
 AppBuild buildOf(const Program &program) {

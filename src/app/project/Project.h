@@ -37,7 +37,8 @@ void openProject(Program &program, const std::filesystem::path &path, Access acc
 /// that was opened for reading is only closed.
 void closeProject(Program &program);
 
-/// Keeps the base folder in the open project; rows follow at the next load.
+/// Keeps the base folder in the open project; rows follow at the next load. Throws StorageFailure
+/// when the project can't keep it: it is in force until the project is closed.
 void setRootPath(Program &program, const std::filesystem::path &root);
 
 /// Takes the zone with this `timeZoneID` into force. False when there is none. The examiner is

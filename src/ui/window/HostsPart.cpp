@@ -59,7 +59,7 @@ void HostsPart::connectPane() {
 
 void HostsPart::showPane(bool shown) {
     m_pane->setVisible(shown);
-    writeFlag(m_bench.program.settings, "ShowHosts", shown);
+    rememberFlag(m_bench.program.settings, "ShowHosts", shown);
     fillIfStale();
 }
 

@@ -236,7 +236,7 @@ void MainForm::closeEvent(QCloseEvent *event) {
 
 void MainForm::keepGeometry() {
     keepWindowLayout(*this, m_program.settings);
-    writeFlag(m_program.settings, "ShowViewers", m_actions.viewers->isChecked());
+    rememberFlag(m_program.settings, "ShowViewers", m_actions.viewers->isChecked());
 }
 
 void MainForm::restoreGeometryKept() {
@@ -352,9 +352,8 @@ void MainForm::keepLayout() {
     SQLite::Database &project = m_program.thisClass.projectDB.connection();
     ProjectFields fields(project, m_program.log);
     WriteBatch batch(project);
-    m_table->saveLayout([&fields](std::string_view name, std::string_view value) {
-        fields.saveDefaultSetting(name, value);
-    });
+    m_table->saveLayout(
+        [&fields](std::string_view name, std::string_view value) { fields.remember(name, value); });
     batch.commit();
 }
 

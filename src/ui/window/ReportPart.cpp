@@ -114,7 +114,8 @@ bool ReportPart::chooseOptions(ReportTools &tools) {
     if (form.exec() != QDialog::Accepted)
         return false;
     form.apply(tools.report);
-    writeReportOptions(tools.report, program.settings);
+    if (!writeReportOptions(tools.report, program.settings))
+        m_bench.examiner().tell(messages::settingsNotWritten(program.settings.path()));
     return true;
 }
 

@@ -48,7 +48,7 @@ struct ProjectCommandsTest : ProgramFixture {
         return ProjectFields(db().connection(), program->log).getDefault(name);
     }
     void set(std::string_view name, std::string_view value) {
-        ProjectFields(db().connection(), program->log).saveDefaultSetting(name, value);
+        ASSERT_TRUE(ProjectFields(db().connection(), program->log).saveDefaultSetting(name, value));
     }
     std::int64_t rows() {
         return db().connection().execAndGet("SELECT count(*) FROM URLs").getInt64();

@@ -180,7 +180,7 @@ TEST_F(ProjectTest, settingsReadBackAndAMissingOneIsEmpty) {
     EXPECT_TRUE(fields.saveDefaultSetting("LastTimeZoneID", "15"));
     EXPECT_TRUE(fields.saveDefaultSetting("lasttimezoneid", " 20 "));
     EXPECT_EQ(fields.getDefault("LastTimeZoneID"), "20");
-    fields.saveDefaultSetting("x'; DROP TABLE URLs; --", "1");
+    EXPECT_TRUE(fields.saveDefaultSetting("x'; DROP TABLE URLs; --", "1"));
     EXPECT_EQ(fields.getDefault("x'; DROP TABLE URLs; --"), "1");
     EXPECT_TRUE(log.entries.empty());
 }

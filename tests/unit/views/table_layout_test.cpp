@@ -118,9 +118,8 @@ TEST(TableLayout, survivesACloseAndAnOpenOfTheProject) {
         layout.setHidden(UrlColumn::Host, true);
         layout.move(UrlColumn::Value, 1);
         ProjectFields fields(project.connection(), project.log);
-        layout.save([&](std::string_view name, std::string_view value) {
-            fields.saveDefaultSetting(name, value);
-        });
+        layout.save(
+            [&](std::string_view name, std::string_view value) { fields.remember(name, value); });
     }
     project.database.closeDB();
     project.database.open();

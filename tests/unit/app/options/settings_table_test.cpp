@@ -66,7 +66,7 @@ TEST_F(SettingsTableTest, valuesAreChecked) {
 TEST_F(SettingsTableTest, valuesAndDefaultsAreThoseInForce) {
     EXPECT_EQ(value("DateFormat"), "yyyy-mm-dd");
     EXPECT_EQ(value("TempFolderPath"), (paths.home / "Temp").string());
-    program->settings.writeIniValue("OPTIONS", "VerifyFileSignatures", "true");
+    ASSERT_TRUE(program->settings.writeIniValue("OPTIONS", "VerifyFileSignatures", "true"));
     EXPECT_EQ(value("VerifyFileSignatures"), "False") << "only True reads as true";
 }
 

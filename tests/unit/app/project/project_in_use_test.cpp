@@ -49,7 +49,8 @@ TEST_F(ProjectInUseTest, readingOnlyWritesNothing) {
     EXPECT_TRUE(window.caption.ends_with("(reading only)"));
     ASSERT_TRUE(setZone(*program, 20));
     setRootPath(*program, folder.path());
-    storeProjectValues(*program, projectValuesInForce(*program), TrailNote::yes);
+    EXPECT_TRUE(
+        storeProjectValues(*program, projectValuesInForce(*program), TrailNote::yes).empty());
     noteInTrail(*program, {});
     dialogs.answer = folder.path() / "copy.nvp";
     EXPECT_FALSE(commands.saveAs());
