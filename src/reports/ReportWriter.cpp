@@ -9,6 +9,7 @@
 #include "db/SqliteErrors.h"
 #include "readers/RecordKind.h"
 #include "reports/CardText.h"
+#include "reports/ReportFrame.h"
 #include "reports/ReportValues.h"
 #include "reports/SortTable.h"
 #include "reports/TabularText.h"
@@ -134,6 +135,34 @@ void ReportWriter::create(const fs::path &folder, int type, Entries entries) {
     // A copy that the disk cuts short must not have the name of a finished report.
     copyToScratch(m_folder.unfinished(), m_folder.copied());
     moveFile(m_folder.copied(), reportFilePath);
+}
+
+void ReportWriter::createHeader(std::ostream &file) {
+    headerFailed =
+        !succeeds(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateHeader()",
+                  "Error Creating Report Header",
+                  [&] { ReportFrame(*this, m_ctx).writeHead(file, [this] { return logo(); }); });
+}
+
+void ReportWriter::createFooter(std::ostream &file) {
+    footerFailed = !succeeds(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateFooter()",
+                             "Error Creating Report Footer",
+                             [&] { ReportFrame(*this, m_ctx).writeTail(file); });
+}
+
+std::string ReportWriter::ownPicture(const std::filesystem::path &picture,
+                                     const std::string &name) {
+    const std::string own = m_folder.takePicture(picture, name, m_ctx.rebuild.log);
+    if (own.empty())
+        picturesFailed.insert(picture);
+    return own;
+}
+
+std::string ReportWriter::logo() {
+    std::string own;
+    if (useCustomLogo && !agencyLogoPath.empty())
+        own = ownPicture(agencyLogoPath, "agency-logo");
+    return own.empty() ? "images/norvelane-logo.png" : own;
 }
 
 bool ReportWriter::writeCards(const RowIds &ids, std::ostream &file) {

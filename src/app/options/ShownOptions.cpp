@@ -1,5 +1,5 @@
-// What the Options dialog shows at first; Options.cpp applies it.
-#include "app/options/Options.h"
+#include "app/options/ShownOptions.h"
+
 #include "app/options/SettingsTable.h"
 
 #include <fmt/format.h>
