@@ -36,10 +36,10 @@ std::vector<AuditRow> auditOf(UrlRecord &page, RecordTools &tools, const Program
 Exit run(Session &session, const Arguments &arguments) {
     session.openForReading(arguments.project);
     Program &program = session.program;
-    program.thisClass.wideRecordIds |= arguments.wideIds;
+    program.state.wideRecordIds |= arguments.wideIds;
     {
         RecordTools tools(program, session.task, session.scratch());
-        const UrlId urlId = checkedRow(program.thisClass.projectDB.connection(), arguments.urlId);
+        const UrlId urlId = checkedRow(program.state.projectDB.connection(), arguments.urlId);
         auto page = tools.record(urlId);
         if (!page)
             throw StorageFailure(fmt::format("row {}: it can't be read; see \"{}\"", urlId,

@@ -129,8 +129,7 @@ Exit run(Session &session, const Arguments &arguments) {
             fmt::format("--length {}: at least 1 byte was expected", arguments.length));
     const auto needles = finds ? needlesOf(arguments) : std::vector<HexNeedle>();
     session.openForReading(arguments.project);
-    const UrlId urlId =
-        checkedRow(session.program.thisClass.projectDB.connection(), arguments.urlId);
+    const UrlId urlId = checkedRow(session.program.state.projectDB.connection(), arguments.urlId);
     Exit exit = Exit::damagedEvidence;
     {
         RecordTools tools(session.program, session.task, session.scratch());

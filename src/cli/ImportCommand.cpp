@@ -151,7 +151,7 @@ void checkProjectFolder(const fs::path &project) {
 /// The queries of a new project hold the terms themselves: lists that are found later change
 /// nothing.
 void tellMissingLists(Session &session) {
-    StoredQueries queries(session.program.thisClass.projectDB.connection());
+    StoredQueries queries(session.program.state.projectDB.connection());
     for (const StoredQuery &query : queries.list())
         if (lacksTerms(query.sql))
             session.err << missingTerms(query.name) << '\n';
@@ -172,7 +172,7 @@ void openOrCreate(Session &session, const fs::path &project) {
 /// A project keeps the base folder of its first import, since its rows are found by it, until
 /// another one is named.
 void chooseBase(Session &session, const Arguments &arguments) {
-    if (!arguments.base.empty() || session.program.thisClass.rootPath.empty()) {
+    if (!arguments.base.empty() || session.program.state.rootPath.empty()) {
         const fs::path base = baseOf(arguments);
         refuseEvidence(arguments.project, base);
         if (!base.empty())

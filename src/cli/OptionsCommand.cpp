@@ -174,7 +174,7 @@ void setInProject(Session &session, const Arguments &arguments) {
         throw StorageFailure(fmt::format("\"{}\" can't keep {}; see \"{}\"", arguments.project,
                                          facts.name, textOf(session.program.log.path())));
     if (facts.name == "RootPath")
-        mendRootPath(session.program.thisClass.projectDB.connection(), session.program.log, value,
+        mendRootPath(session.program.state.projectDB.connection(), session.program.log, value,
                      session.task);
 }
 

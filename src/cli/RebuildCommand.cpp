@@ -44,7 +44,7 @@ std::vector<UrlId> chosenIds(Program &program, const Arguments &arguments, Unrea
         return idsPastDamage(program, kAllPages, unread);
     if (arguments.tagged)
         return taggedIds(program, unread);
-    return differentRows(program.thisClass.projectDB.connection(), arguments.ids);
+    return differentRows(program.state.projectDB.connection(), arguments.ids);
 }
 
 void checkArguments(const Arguments &arguments) {
@@ -102,11 +102,11 @@ Exit run(Session &session, const Arguments &arguments) {
     checkArguments(arguments);
     session.open(arguments.project);
     Program &program = session.program;
-    refuseEvidence(arguments.out, program.thisClass);
+    refuseEvidence(arguments.out, program.state);
     refusePlainFile(arguments.out);
-    program.thisClass.disableScriptTags = arguments.noScripts;
-    program.thisClass.wideRecordIds |= arguments.wideIds;
-    program.thisClass.redrawThumbIfPageRebuilt &= !arguments.noThumbnails;
+    program.state.disableScriptTags = arguments.noScripts;
+    program.state.wideRecordIds |= arguments.wideIds;
+    program.state.redrawThumbIfPageRebuilt &= !arguments.noThumbnails;
     Totals totals;
     bool whole = false;
     {

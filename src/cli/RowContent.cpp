@@ -13,7 +13,7 @@ namespace nv::cli {
 Exit withContent(Session &session, const std::string &project, std::int64_t number,
                  const std::function<Exit(const RecordContent &)> &show) {
     session.openForReading(project);
-    const UrlId urlId = checkedRow(session.program.thisClass.projectDB.connection(), number);
+    const UrlId urlId = checkedRow(session.program.state.projectDB.connection(), number);
     Exit exit = Exit::damagedEvidence;
     {
         RecordTools tools(session.program, session.task, session.scratch());

@@ -43,7 +43,7 @@ std::optional<std::filesystem::path> pictureOf(Session &session, const std::stri
                                                UrlId urlId, const std::string &root) {
     Program &program = session.program;
     const auto database = connectToProject(project, Access::read);
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     RecordStore records(*database, {state.gmtZone, state.enableDSTChanges}, program.around.clock,
                         program.log);
     auto record = records.getURL(urlId);
@@ -64,7 +64,7 @@ void showForPeople(Session &session, SQLite::Database &database, const std::stri
     DateSettings dates = dateSettings(program);
     dates.currentYear = 0; // no date is too old to be printed
     const std::string root = fields.getDefault("RootPath");
-    const PropertySource source{database, program.thisClass.gmtZone, dates, program.log,
+    const PropertySource source{database, program.state.gmtZone, dates, program.log,
                                 [&] { return pictureOf(session, project, urlId, root); }};
     for (const Property &property : loadProperties(urlId, source))
         showProperty(session.out, property.name, property.value);

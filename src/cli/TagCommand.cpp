@@ -55,7 +55,7 @@ Exit run(Session &session, const Arguments &arguments) {
         throw UsageError("either URL_IDs or --where were expected");
     session.open(arguments.project);
     Program &program = session.program;
-    SQLite::Database &project = program.thisClass.projectDB.connection();
+    SQLite::Database &project = program.state.projectDB.connection();
     static_cast<void>(checkedRows(project, arguments.ids));
     std::vector<std::int32_t> ids;
     for (const std::int64_t id : arguments.ids)

@@ -33,7 +33,7 @@ struct Arguments {
 };
 
 fs::path folderOf(const Program &program, const Arguments &arguments) {
-    return arguments.folder.empty() ? program.thisClass.templatesPath : fs::path(arguments.folder);
+    return arguments.folder.empty() ? program.state.templatesPath : fs::path(arguments.folder);
 }
 
 std::string_view wordOf(TemplateResult result) {
@@ -72,7 +72,7 @@ fs::path templateOf(const Program &program, const Arguments &arguments) {
 void checkOut(Program &program, const Arguments &arguments, std::span<const UrlId> ids) {
     if (arguments.out.empty())
         return;
-    refuseEvidence(arguments.out, program.thisClass);
+    refuseEvidence(arguments.out, program.state);
     refusePlainFile(arguments.out);
     if (!arguments.overwrite)
         refuseExisting(ids, arguments.out);
@@ -81,10 +81,10 @@ void checkOut(Program &program, const Arguments &arguments, std::span<const UrlI
 Exit create(Session &session, const Arguments &arguments) {
     session.open(arguments.project);
     Program &program = session.program;
-    const auto ids = differentRows(program.thisClass.projectDB.connection(), arguments.ids);
-    program.thisClass.wideRecordIds |= arguments.wideIds;
+    const auto ids = differentRows(program.state.projectDB.connection(), arguments.ids);
+    program.state.wideRecordIds |= arguments.wideIds;
     const fs::path folder = folderOf(program, arguments);
-    refuseEvidence(folder, program.thisClass);
+    refuseEvidence(folder, program.state);
     Exit exit = Exit::ok;
     {
         RecordTools tools(program, session.task, session.scratch());
@@ -95,7 +95,7 @@ Exit create(Session &session, const Arguments &arguments) {
                                                  textOf(program.log.path())));
             if (page->CacheFileRebuilt)
                 unpackPage(*page, tools, program);
-            const auto result = createTemplate(*page, folder, program.thisClass.appVersion,
+            const auto result = createTemplate(*page, folder, program.state.appVersion,
                                                arguments.overwrite ? IfTemplateExists::overwrite
                                                                    : IfTemplateExists::refuse,
                                                tools.context());
@@ -124,9 +124,9 @@ Exit apply(Session &session, const Arguments &arguments) {
     const std::vector<fs::path> templates{templateOf(session.program, arguments)};
     session.open(arguments.project);
     Program &program = session.program;
-    const auto ids = differentRows(program.thisClass.projectDB.connection(), arguments.ids);
+    const auto ids = differentRows(program.state.projectDB.connection(), arguments.ids);
     checkOut(program, arguments, ids);
-    program.thisClass.templateMatchByTitle = !arguments.anyTitle;
+    program.state.templateMatchByTitle = !arguments.anyTitle;
     Exit exit = Exit::ok;
     LaidTemplates laid;
     {

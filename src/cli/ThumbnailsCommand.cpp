@@ -30,7 +30,7 @@ struct Arguments {
 std::vector<UrlId> chosenIds(Program &program, const Arguments &arguments, UnreadRows &unread) {
     if (arguments.all)
         return drawableIds(program, arguments.redo ? Redo::yes : Redo::no, unread);
-    auto ids = checkedRows(program.thisClass.projectDB.connection(), arguments.ids);
+    auto ids = checkedRows(program.state.projectDB.connection(), arguments.ids);
     return arguments.redo ? ids : withoutThumbnail(program, std::move(ids));
 }
 

@@ -79,7 +79,7 @@ struct OneZone final : SystemTime {
 struct Desk {
     Desk() {
         QObject::connect(&status, &StatusForm::cancelled, &status,
-                         [this] { program.thread.cancelTask = true; });
+                         [this] { program.task.cancelTask = true; });
         fs::create_directories(folder.path() / "program");
         fs::create_directories(folder.path() / "home");
         fs::copy_file(timeZonesFile(), folder.path() / "program" / "nvTZ.dat");
@@ -150,7 +150,7 @@ inline void openExample(Desk &desk, MainForm &form) {
     program.import.startingDirectory = evidence.string();
     Unwatched nobody;
     program.import.historyFiles = scan(program.import, nobody, program.log).historyFiles;
-    static_cast<void>(runImportJob(program, nobody, program.thisClass.tempFolderPath));
+    static_cast<void>(runImportJob(program, nobody, program.state.tempFolderPath));
     trigger(form, "actRefresh");
 }
 

@@ -67,7 +67,7 @@ class MainWindowTest : public QObject {
         return grid().model()->index(row, UrlModel::sectionOf(column)).data().toString();
     }
     std::string inProject(const std::string &sql) {
-        return m_desk->program.thisClass.projectDB.connection().execAndGet(sql).getString();
+        return m_desk->program.state.projectDB.connection().execAndGet(sql).getString();
     }
 
     std::unique_ptr<Desk> m_desk;
@@ -111,7 +111,7 @@ void MainWindowTest::theWizardImportsWithClicks() {
     QCOMPARE(grid().model()->rowCount(), 6);
     QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("6"));
     QCOMPARE(inProject("SELECT count(*) FROM SourceFiles WHERE Successful = 1"), std::string("2"));
-    QVERIFY(!m_desk->program.thread.isOpen);
+    QVERIFY(!m_desk->program.task.isOpen);
 }
 
 void MainWindowTest::aProjectAmongTheEvidenceGetsNoImport() {
@@ -144,7 +144,7 @@ void MainWindowTest::anImportBesideAnotherIsRefused() {
     });
     trigger(*m_form, "actImport");
     QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("0"));
-    QVERIFY(m_desk->program.thisClass.rootPath.empty()); // the other import's base stands
+    QVERIFY(m_desk->program.state.rootPath.empty()); // the other import's base stands
 }
 
 void MainWindowTest::theWizardMakesThumbnailsWhenItsBoxIsTicked() {
@@ -222,7 +222,7 @@ void MainWindowTest::cancelWorksAboveTheWizard() {
         // Through the window and not the button: so a dialog that blocks it is noticed.
         QTimer poll;
         QObject::connect(&poll, &QTimer::timeout, &wizard, [this, &poll] {
-            if (!m_desk->status.isVisible() || m_desk->program.thread.topPercent < 1)
+            if (!m_desk->status.isVisible() || m_desk->program.task.topPercent < 1)
                 return;
             poll.stop();
             auto &cancel = child<QPushButton>(m_desk->status, "btnCancel");

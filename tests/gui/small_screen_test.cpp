@@ -110,7 +110,7 @@ void SmallScreenTest::dialogsFit() {
 
 void SmallScreenTest::longNamesDontWidenIt() {
     const std::string longName(200, 'w');
-    StoredQueries(m_desk->program.thisClass.projectDB.connection())
+    StoredQueries(m_desk->program.state.projectDB.connection())
         .save({longName, "SELECT * FROM URLs"});
     const fs::path base = m_desk->folder.path() / longName / longName;
     fs::create_directories(base);

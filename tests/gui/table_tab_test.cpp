@@ -49,7 +49,7 @@ class TableTabTest : public QObject {
   private:
     TableTab &tab() { return child<TableTab>(*m_form, "TableTab"); }
     UrlGrid &grid() { return tab().grid(); }
-    SQLite::Database &project() { return m_desk->program.thisClass.projectDB.connection(); }
+    SQLite::Database &project() { return m_desk->program.state.projectDB.connection(); }
     QString cell(int row, UrlColumn column) {
         return grid().model()->index(row, UrlModel::sectionOf(column)).data().toString();
     }

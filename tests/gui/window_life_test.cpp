@@ -50,7 +50,7 @@ class WindowLifeTest : public QObject {
     void reopenWindow();
     UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
     fs::path project() const { return m_desk->folder.path() / "case.nvp"; }
-    bool isOpen() const { return m_desk->program.thisClass.projectDB.isOpen(); }
+    bool isOpen() const { return m_desk->program.state.projectDB.isOpen(); }
     void drop(const fs::path &path);
 
     std::unique_ptr<Desk> m_desk;
@@ -183,7 +183,7 @@ void WindowLifeTest::theCommandLineReadsAnArtefactAndTellsWhatCameOfIt() {
     m_form->loadCommandLineFile(evidence / "History.IE5" / "index.dat");
     QCOMPARE(m_desk->examiner.heard, std::vector<std::string>{"command-line-file-imported"});
     QCOMPARE(grid().model()->rowCount(), 3);
-    QVERIFY(!m_desk->program.thread.isOpen);
+    QVERIFY(!m_desk->program.task.isOpen);
 }
 
 /// The process's own memory is a file whose first bytes nobody can read.

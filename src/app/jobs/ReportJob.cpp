@@ -18,12 +18,11 @@ ReportSettings settingsOf(const Program &program) {
     ReportSettings settings;
     settings.images = program.paths.images();
     settings.dates = dateSettings(program);
-    settings.version = program.thisClass.appVersion;
+    settings.version = program.state.appVersion;
     constexpr NumberKey kWidth = "ReportThumbnailWidth";
     const int width = readNumber(program.settings, kWidth);
     settings.reportThumbnailWidth = width > 0 ? width : defaultNumber(kWidth);
-    settings.thumbnailRedrawTimeout =
-        std::chrono::seconds(program.thisClass.thumbnailRedrawTimeout);
+    settings.thumbnailRedrawTimeout = std::chrono::seconds(program.state.thumbnailRedrawTimeout);
     return settings;
 }
 
@@ -59,7 +58,7 @@ constexpr std::array<KeptText, 4> kTexts = {{
 ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder)
     : m_program(program), m_records(program, task, folder),
       m_drawing(canDraw() ? makeDrawing(folder) : nullptr), m_context{m_records.context(),
-                                                                      program.thisClass.gmtZone,
+                                                                      program.state.gmtZone,
                                                                       program.around.clock,
                                                                       m_drawing.get(),
                                                                       settingsOf(program)},

@@ -17,7 +17,7 @@ namespace {
 constexpr std::string_view kManaging = "MainForm.PopupMenuTemplates_Click()";
 
 TemplateResult createTemplate(Program &program, RecordTools &tools, UrlRecord &page) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     if (page.CacheFileRebuilt && !bringBackFolder(tools, page))
         return TemplateResult::noRebuild;
     const auto create = [&](IfTemplateExists ifExists) {
@@ -53,8 +53,7 @@ std::vector<Layer> layersOf(std::span<const fs::path> templates, FailureLog &log
 Laid layOne(Program &program, RecordTools &tools, UrlRecord &page, const Layer &layer) {
     if (!layer.made)
         return Laid::failed;
-    if (program.thisClass.templateMatchByTitle &&
-        !templateMatchesTitle(*layer.made, page.WebpageTitle))
+    if (program.state.templateMatchByTitle && !templateMatchesTitle(*layer.made, page.WebpageTitle))
         return Laid::otherTitle;
     if (layer.made->records.count() == 0)
         return Laid::noTemplate;
@@ -132,7 +131,7 @@ TemplatesMade createTemplates(Program &program, RecordTools &tools, std::span<co
         const TemplateResult result = createTemplate(program, tools, page);
         ++made.results[result];
         if (result == TemplateResult::made)
-            made.last = templatePathOf(page, program.thisClass.templatesPath);
+            made.last = templatePathOf(page, program.state.templatesPath);
     });
     return made;
 }

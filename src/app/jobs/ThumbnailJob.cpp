@@ -23,7 +23,7 @@ std::vector<UrlId> idsOf(Program &program, const std::string &sql, UnreadRows &u
 }
 
 ThumbnailSettings settingsOf(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     return {state.viewerThumbnailWidth, std::chrono::seconds(state.thumbnailRedrawTimeout),
             program.import.verifyFileSignatures ? Signatures::verify : Signatures::trustNames};
 }
@@ -35,11 +35,11 @@ ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &sc
 
 ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &scratch,
                                std::unique_ptr<Drawing> drawing)
-    : m_records(program.thisClass.projectDB.connection(),
-                {program.thisClass.gmtZone, program.thisClass.enableDSTChanges},
-                program.around.clock, program.log),
-      m_evidence(program.thisClass.rootPath),
-      m_drawing(std::move(drawing)), m_context{program.thisClass.projectDB.connection(),
+    : m_records(program.state.projectDB.connection(),
+                {program.state.gmtZone, program.state.enableDSTChanges}, program.around.clock,
+                program.log),
+      m_evidence(program.state.rootPath),
+      m_drawing(std::move(drawing)), m_context{program.state.projectDB.connection(),
                                                m_records,
                                                m_evidence,
                                                scratch,
@@ -57,7 +57,7 @@ std::vector<UrlId> drawableIds(Program &program, Redo redo, UnreadRows &unread) 
 }
 
 std::int64_t lastRow(Program &program) {
-    return program.thisClass.projectDB.connection()
+    return program.state.projectDB.connection()
         .execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs")
         .getInt64();
 }
@@ -65,7 +65,7 @@ std::int64_t lastRow(Program &program) {
 ThumbnailCount countThumbnails(Program &program) {
     return onProject([&] {
         SQLite::Statement count(
-            program.thisClass.projectDB.connection(),
+            program.state.projectDB.connection(),
             fmt::format("SELECT count(*), count(CASE WHEN length(ThumbnailMD5Hash) > 0 THEN 1 END) "
                         "FROM URLs WHERE {}",
                         kDrawable));
@@ -77,7 +77,7 @@ ThumbnailCount countThumbnails(Program &program) {
 std::vector<UrlId> withoutThumbnail(Program &program, std::vector<UrlId> ids) {
     onProject([&] {
         SQLite::Statement row(
-            program.thisClass.projectDB.connection(),
+            program.state.projectDB.connection(),
             "SELECT 1 FROM URLs WHERE URL_ID = ? AND length(ThumbnailMD5Hash) > 0");
         std::erase_if(ids, [&row](UrlId id) {
             row.reset();

@@ -18,7 +18,7 @@ constexpr const char *kProcedure = "MainBAS.CaseTrail()";
 
 void complete(const Program &program, TrailEntry &entry) {
     entry.actionDateUTC = Date::fromTimePoint(program.around.clock.now());
-    entry.appVersion = program.thisClass.appVersion;
+    entry.appVersion = program.state.appVersion;
 }
 
 TrailEntry entryOf(const ArtefactResult &artefact) {
@@ -60,11 +60,11 @@ TrailEntry entryOf(const UnreadPlace &place) {
 } // namespace
 
 void noteInTrail(Program &program, TrailEntry entry) {
-    if (isReadOnly(program.thisClass.projectDB.connection()))
+    if (isReadOnly(program.state.projectDB.connection()))
         return;
     tellWhenMissing(program, failureOf(program.log, kProcedure, [&] {
                         complete(program, entry);
-                        CaseTrail(program.thisClass.projectDB.connection()).add(entry);
+                        CaseTrail(program.state.projectDB.connection()).add(entry);
                     }));
 }
 
@@ -90,7 +90,7 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 
 void noteImport(Program &program, const ImportSummary &summary) {
     const auto failure = failureOf(program.log, kProcedure, [&] {
-        SQLite::Database &project = program.thisClass.projectDB.connection();
+        SQLite::Database &project = program.state.projectDB.connection();
         WriteBatch batch(project);
         CaseTrail trail(project);
         for (const ArtefactResult &artefact : summary.artefacts) {

@@ -51,7 +51,7 @@ bool isFolder(const fs::path &path) {
 class Application {
   public:
     Application(Program &program, Options options, const OptionsOccasion &occasion)
-        : m_program(program), m_state(program.thisClass), m_settings(program.settings),
+        : m_program(program), m_state(program.state), m_settings(program.settings),
           m_options(std::move(options)), m_occasion(occasion) {}
 
     OptionsOutcome run() {
@@ -317,7 +317,7 @@ std::vector<ZoneRow> initTimeZone(Program &program) {
 }
 
 std::string connectionStatus(Program &program, const std::string &name) {
-    std::string &inForce = program.thisClass.networkConnectionName;
+    std::string &inForce = program.state.networkConnectionName;
     const std::string kept = std::exchange(inForce, name);
     const std::string status = networkConnectionStatus(program);
     inForce = kept;
@@ -326,7 +326,7 @@ std::string connectionStatus(Program &program, const std::string &name) {
 
 std::string switchConnectionOver(Program &program, const std::string &name) {
     const bool isUp = connectionStatus(program, name) == "ENABLED";
-    std::string &inForce = program.thisClass.networkConnectionName;
+    std::string &inForce = program.state.networkConnectionName;
     const std::string kept = std::exchange(inForce, name);
     const bool done = toggleNetworkConnection(
         program, isUp ? ConnectionState::disabled : ConnectionState::enabled, Quiet::no);

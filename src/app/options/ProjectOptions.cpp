@@ -43,7 +43,7 @@ std::span<const ProjectValueFacts> projectValueTable() {
 }
 
 std::vector<ProjectValue> projectValuesInForce(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     const TimeZone &zone = state.gmtZone;
     return {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
             {"TimeZoneName", zone.tzName},
@@ -62,9 +62,9 @@ std::vector<ProjectValue> projectValuesInForce(const Program &program) {
 std::vector<std::string>
 storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note) {
     std::vector<std::string> unkept;
-    if (program.thisClass.projectDB.isReadOnly())
+    if (program.state.projectDB.isReadOnly())
         return unkept;
-    ProjectFields fields(program.thisClass.projectDB.connection(), program.log);
+    ProjectFields fields(program.state.projectDB.connection(), program.log);
     std::string changes;
     for (const ProjectValue &each : values) {
         const std::string before = fields.getDefault(each.name);

@@ -9,12 +9,12 @@ namespace {
 
 /// To what is made of a setting, and to the parts of the program that hold one of their own.
 void handDown(Program &program, const SettingFacts &row) {
-    const SettingValues &state = program.thisClass;
+    const SettingValues &state = program.state;
     const auto is = [&row](auto member) { return row.member == SettingMember(member); };
     if (is(&SettingValues::dateFormat) || is(&SettingValues::timeFormat))
-        program.thisClass.dateTimeFormat = state.dateFormat + " " + state.timeFormat;
+        program.state.dateTimeFormat = state.dateFormat + " " + state.timeFormat;
     if (is(&SettingValues::progressBarRefreshRate))
-        program.thread.progressBarRefreshRate = state.progressBarRefreshRate;
+        program.task.progressBarRefreshRate = state.progressBarRefreshRate;
     if (is(&SettingValues::verifyFileSignatures))
         program.import.verifyFileSignatures = state.verifyFileSignatures;
     if (is(&SettingValues::parseAdvancedMetadata))
@@ -34,13 +34,13 @@ void takeSettings(Program &program) {
     for (const SettingFacts &row : settingsTable()) {
         if (row.read != SettingRead::atStart)
             continue;
-        readMember(program.settings, row, defaultOf(program, row), program.thisClass);
+        readMember(program.settings, row, defaultOf(program, row), program.state);
         handDown(program, row);
     }
 }
 
 void bringIntoForce(Program &program, const SettingFacts &row, const SettingValues &values) {
-    copyMember(row, values, program.thisClass);
+    copyMember(row, values, program.state);
     handDown(program, row);
 }
 
@@ -51,7 +51,7 @@ void keepText(Program &program, TextKey key, std::string_view text) {
 }
 
 void keepFlag(Program &program, FlagKey key, bool on) {
-    SettingValues values(static_cast<const SettingValues &>(program.thisClass));
+    SettingValues values(static_cast<const SettingValues &>(program.state));
     putText(values, key.row(), on ? "True" : "False");
     bringIntoForce(program, key.row(), values);
     const bool isKnown = program.settings.hasUnwritten();

@@ -17,7 +17,7 @@ fs::path firstOf(const fs::path &inForce, const IniFile &settings, TextKey key) 
 }
 
 void readPaths(const Program &program, Options &options) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     options.projectDBPath = state.projectDBPath;
     options.rootPath = state.rootPath;
     options.tempFolderPath = firstOf(state.tempFolderRoot, program.settings, "Temp");
@@ -42,7 +42,7 @@ fs::path folderOfProjects(const Program &program) {
 
 /// Those in force, but for what Options looks up anew.
 void readSettings(const Program &program, Options &options) {
-    static_cast<SettingValues &>(options) = static_cast<const SettingValues &>(program.thisClass);
+    static_cast<SettingValues &>(options) = static_cast<const SettingValues &>(program.state);
     for (const SettingFacts &row : settingsTable()) {
         const bool isShown = row.control.name != nullptr;
         if (isShown && std::holds_alternative<std::monostate>(row.member))
@@ -57,7 +57,7 @@ void readSettings(const Program &program, Options &options) {
 } // namespace
 
 Options readOptions(const Program &program, const std::vector<ZoneRow> &zones) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     Options options;
     readSettings(program, options);
     readPaths(program, options);

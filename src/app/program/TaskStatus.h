@@ -30,8 +30,7 @@ struct StatusBar {
     int percent = 0;
 };
 
-/// The status object of the current task. It is no thread: the name is the program's vocabulary.
-/// Tasks see it as their TaskMonitor.
+/// The status object of the current task. Tasks see it as their TaskMonitor.
 class TaskStatus final : public TaskMonitor {
   public:
     /// `seconds` counts up steadily; it is asked for the clock and the time step.

@@ -10,7 +10,7 @@ std::vector<UrlId> idsPastDamage(Program &program, const std::string &sql, Unrea
     SurvivingRows rows;
     Unwatched nobody;
     static_cast<void>(
-        rowsPastDamage(program.thisClass.projectDB.connection(), {sql, ""}, nobody, rows));
+        rowsPastDamage(program.state.projectDB.connection(), {sql, ""}, nobody, rows));
     if (!rows.lost.empty())
         program.log.write({noteOf(rows.lost), "MainForm.LoadURLs()", Severity::Serious,
                            std::string(kContactSupport)});

@@ -24,13 +24,13 @@ constexpr std::string_view kZoneSetting = "LastTimeZoneID";
 constexpr std::string_view kRootSetting = "RootPath";
 
 ProjectFields fieldsOf(Program &program) {
-    return {program.thisClass.projectDB.connection(), program.log};
+    return {program.state.projectDB.connection(), program.log};
 }
 
 void becomeOpen(Program &program, LogOf log) {
     if (log == LogOf::project)
         program.log.remove();
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     state.projectDBPath = state.projectDB.filePath;
     const std::string root = fieldsOf(program).getDefault(kRootSetting);
     state.rootPath = pathFromText(root).value_or(root);
@@ -41,7 +41,7 @@ void becomeOpen(Program &program, LogOf log) {
 /// silence.
 void takeZoneOfProject(Program &program) {
     const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
-    bool &isUnread = program.thisClass.zoneIsUnread;
+    bool &isUnread = program.state.zoneIsUnread;
     isUnread = zone && *zone > 0;
     if (!isUnread || setZone(program, *zone) || !fs::exists(program.paths.zones()))
         return;
@@ -58,7 +58,7 @@ bool isProjectName(const fs::path &path) {
 bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold.reset();
     auto hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
-    ProjectDatabase &project = program.thisClass.projectDB;
+    ProjectDatabase &project = program.state.projectDB;
     const fs::path whole = fs::absolute(path);
     refuseLoneLog(whole);
     // Whoever is killed meanwhile leaves no file that passes for a project and is none.
@@ -82,7 +82,7 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
-    setZone(program, program.thisClass.gmtZone.tzTimeZoneID);
+    setZone(program, program.state.gmtZone.tzTimeZoneID);
     return true;
 }
 
@@ -92,7 +92,7 @@ void openProject(Program &program, const fs::path &path, Access access, Holding 
     std::unique_ptr<ProjectHold> hold;
     if (access != Access::read && holding == Holding::yes && fs::exists(path))
         hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
-    ProjectDatabase &project = program.thisClass.projectDB;
+    ProjectDatabase &project = program.state.projectDB;
     project.filePath = fs::absolute(path);
     project.open(access);
     program.projectHold = std::move(hold);
@@ -110,12 +110,12 @@ void requireZones(Program &program) {
         refuse("the table of time zones is missing", "was expected");
     if (ZoneDatabase(file, program.log).listZones().empty())
         refuse("the table of time zones is damaged", "can't be read");
-    if (program.thisClass.zoneIsUnread)
+    if (program.state.zoneIsUnread)
         refuse("the project's time zone is not known", "doesn't hold it");
 }
 
 bool setZone(Program &program, std::int64_t id) {
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     const Clock &clock = program.around.clock;
     const ZoneChange change =
         ZoneDatabase(program.paths.zones(), program.log)
@@ -129,13 +129,13 @@ bool setZone(Program &program, std::int64_t id) {
 }
 
 DateSettings dateSettings(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     const int year = Date::fromTimePoint(program.around.clock.now()).civil().year;
     return {state.dateFormat, state.timeFormat, state.enableDSTChanges, year};
 }
 
 void closeProject(Program &program) {
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     if (!state.projectDB.isReadOnly()) {
         if (!state.zoneIsUnread && !fieldsOf(program).saveDefaultSetting(
                                        kZoneSetting, fmt::format("{}", state.gmtZone.tzTimeZoneID)))
@@ -154,8 +154,8 @@ void closeProject(Program &program) {
 }
 
 void setRootPath(Program &program, const fs::path &root) {
-    program.thisClass.rootPath = root;
-    if (program.thisClass.projectDB.isReadOnly() ||
+    program.state.rootPath = root;
+    if (program.state.projectDB.isReadOnly() ||
         fieldsOf(program).saveDefaultSetting(kRootSetting, textOf(root)))
         return;
     throw StorageFailure(fmt::format("the project can't keep its base folder \"{}\"; see \"{}\"",
@@ -163,14 +163,14 @@ void setRootPath(Program &program, const fs::path &root) {
 }
 
 AppBuild buildOf(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     return {state.appBuildMajor, state.appBuildMinor, state.appBuildRevision};
 }
 
 bool isOlderProject(Program &program) {
-    if (program.thisClass.disableFileVersionCheck)
+    if (program.state.disableFileVersionCheck)
         return false;
-    return stampOf(program.thisClass.projectDB.connection(), program.log) < buildOf(program);
+    return stampOf(program.state.projectDB.connection(), program.log) < buildOf(program);
 }
 
 } // namespace nv

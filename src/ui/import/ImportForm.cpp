@@ -95,9 +95,9 @@ bool ImportForm::startingDirectoryIsUsable() {
         m_program.around.examiner.tell(messages::startingDirectoryMissing());
     else if (!fs::exists(start))
         m_program.around.examiner.tell(messages::startingDirectoryGone());
-    else if (liesInEvidence(m_program.thisClass.projectDBPath, start))
+    else if (liesInEvidence(m_program.state.projectDBPath, start))
         m_program.around.examiner.tell(
-            messages::liesInEvidence(m_program.thisClass.projectDBPath, start));
+            messages::liesInEvidence(m_program.state.projectDBPath, start));
     else
         return true;
     return false;
@@ -177,7 +177,7 @@ void ImportForm::chooseBase() {
     const fs::path base = !named.empty()            ? fs::canonical(named)
                           : fs::is_directory(start) ? start
                                                     : start.parent_path();
-    if (base != m_program.thisClass.rootPath)
+    if (base != m_program.state.rootPath)
         setRootPath(m_program, base);
     keepEvidenceFolder(m_program, start);
 }
@@ -195,10 +195,10 @@ void ImportForm::runImport() {
     setEnabled(false);
     ImportSummary summary;
     const auto failure = failureOf(m_program.log, "ImportForm.ImportFiles()", [&] {
-        const ImportClaim claim(m_program.thisClass.projectDBPath);
+        const ImportClaim claim(m_program.state.projectDBPath);
         chooseBase();
-        const OpenTask task(m_program.thread, {});
-        summary = runImportJob(m_program, m_program.thread, m_program.thisClass.tempFolderPath);
+        const OpenTask task(m_program.task, {});
+        summary = runImportJob(m_program, m_program.task, m_program.state.tempFolderPath);
     });
     m_imported = true;
     m_running = false;

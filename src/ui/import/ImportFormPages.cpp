@@ -71,7 +71,7 @@ ImportForm::ImportForm(Program &program, const std::filesystem::path &start,
     large.setBold(true);
     large.setPointSizeF(large.pointSizeF() * 1.2);
     m_heading->setFont(large);
-    m_choice = new ImportChoicePage(program.import, start, program.thisClass.rootPath,
+    m_choice = new ImportChoicePage(program.import, start, program.state.rootPath,
                                     std::move(chooseFolder));
     m_pages = new QStackedWidget;
     m_pages->setObjectName(QStringLiteral("importPages"));

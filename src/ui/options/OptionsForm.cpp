@@ -36,9 +36,9 @@ OptionsForm::OptionsForm(Program &program, OptionsDialogs dialogs, Mode mode, QW
 }
 
 void OptionsForm::addTabs(OptionsDialogs dialogs) {
-    const auto project = m_mode == Mode::newProject               ? PathsTab::Of::newProject
-                         : m_program.thisClass.projectDB.isOpen() ? PathsTab::Of::openProject
-                                                                  : PathsTab::Of::noProject;
+    const auto project = m_mode == Mode::newProject           ? PathsTab::Of::newProject
+                         : m_program.state.projectDB.isOpen() ? PathsTab::Of::openProject
+                                                              : PathsTab::Of::noProject;
     m_paths = new PathsTab(m_start, project, std::move(dialogs));
     m_zone = new ZoneTab(m_zones, m_start);
     auto *gallery = new GalleryOptionsTab(m_start, m_settings);

@@ -44,7 +44,7 @@ struct BackgroundThumbnails::Work {
     };
 
     Work(Program &program, std::vector<UrlId> idsOf)
-        : scratch(program.thisClass.tempFolderPath / "~background"), tools(program, scratch.path()),
+        : scratch(program.state.tempFolderPath / "~background"), tools(program, scratch.path()),
           ids(std::move(idsOf)) {}
 
     bool isDone() const { return next == ids.size() && ready.empty() && !atWork; }

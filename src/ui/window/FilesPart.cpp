@@ -98,9 +98,8 @@ void FilesPart::takePath(const fs::path &path) {
 }
 
 void FilesPart::chooseBaseFolder() {
-    const auto chosen =
-        m_bench.dialogs.chooseFolder("Select the BASE root folder for all evidence in project:",
-                                     m_bench.program.thisClass.rootPath);
+    const auto chosen = m_bench.dialogs.chooseFolder(
+        "Select the BASE root folder for all evidence in project:", m_bench.program.state.rootPath);
     if (!chosen)
         return;
     setRootPath(m_bench.program, fs::canonical(*chosen));
@@ -117,7 +116,7 @@ void FilesPart::chooseTimeZone() {
     dialog.setWindowTitle(tr("Time Zone"));
     dialog.setLabelText(tr("Times are shown in:"));
     dialog.setComboBoxItems(texts);
-    if (const auto place = placeInList(zones, m_bench.program.thisClass.gmtZone))
+    if (const auto place = placeInList(zones, m_bench.program.state.gmtZone))
         dialog.setTextValue(texts.at(static_cast<qsizetype>(*place)));
     if (dialog.exec() != QDialog::Accepted)
         return;

@@ -19,7 +19,7 @@ FiltersPart::FiltersPart(Workbench &bench)
 }
 
 void FiltersPart::chooseFilters() {
-    RecordFilters &filters = m_bench.program.thisClass.filters;
+    RecordFilters &filters = m_bench.program.state.filters;
     FilterForm form(filters, m_bench.examiner(), &m_bench.window);
     if (form.exec() != QDialog::Accepted)
         return;

@@ -63,7 +63,7 @@ void RebuildPart::rebuildTaggedPages(const std::vector<UrlId> &ids) {
     report.asked = ids.size();
     m_bench.runTask(
         {"REBUILDING WEB PAGES", "Rebuilding Web Pages ", "", ""}, [&](TaskMonitor &task) {
-            RecordTools tools(program, task, program.thisClass.tempFolderPath);
+            RecordTools tools(program, task, program.state.tempFolderPath);
             report.cancelled = !rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
                 report.pages.push_back(page);
             });
@@ -78,7 +78,7 @@ void RebuildPart::rebuildOne(UrlId id) {
     RebuildReport report;
     report.asked = 1;
     m_bench.runTask({"Rebuilding", "", "", ""}, [&](TaskMonitor &task) {
-        RecordTools tools(program, task, program.thisClass.tempFolderPath);
+        RecordTools tools(program, task, program.state.tempFolderPath);
         if (const auto page = rebuildPage(program, tools, id))
             report.pages.push_back(*page);
         const auto rebuilt = std::ranges::count(report.pages, true, &RebuiltPage::rebuilt);
@@ -97,7 +97,7 @@ void RebuildPart::showRebuilt(const RebuildReport &report) {
 }
 
 void RebuildPart::tellOfWideIds() {
-    ProgramState &state = m_bench.program.thisClass;
+    ProgramState &state = m_bench.program.state;
     if (m_toldOfWideIds || state.wideRecordIds || !m_bench.isProjectOpen())
         return;
     const std::int64_t largest =

@@ -43,7 +43,7 @@ struct RecordingProjectView final : ProjectView {
 
 /// The commands on projects, with a window and dialogs that a test can ask.
 struct ProjectCommandsTest : ProgramFixture {
-    ProjectDatabase &db() { return program->thisClass.projectDB; }
+    ProjectDatabase &db() { return program->state.projectDB; }
     std::string setting(std::string_view name) {
         return ProjectFields(db().connection(), program->log).getDefault(name);
     }

@@ -47,7 +47,7 @@ struct RebuildJobTest : test::ProgramFixture {
         const fs::path file = evidence / name;
         writeWhole(file, "<html>" + word + "<img src=\"gone.gif\" ></html> ");
         const Evidence found(evidence);
-        RecordStore store(project(), {program->thisClass.gmtZone, false}, clock, program->log);
+        RecordStore store(project(), {program->state.gmtZone, false}, clock, program->log);
         UrlRecord record;
         record.cacheType = "IE Cache";
         record.URL = record.URLRawValue = "http://host/" + name;
@@ -60,7 +60,7 @@ struct RebuildJobTest : test::ProgramFixture {
         store.saveRecord(record, artefact);
         return record.URLID;
     }
-    SQLite::Database &project() { return program->thisClass.projectDB.connection(); }
+    SQLite::Database &project() { return program->state.projectDB.connection(); }
     std::string thumbnail(UrlId id) {
         return project()
             .execAndGet("SELECT ifnull(CAST(ThumbnailBLOB AS TEXT), '') FROM URLs WHERE URL_ID = " +
@@ -100,7 +100,7 @@ struct RebuildJobTest : test::ProgramFixture {
 
 TEST_F(RebuildJobTest, aFullDiskEndsTheBatchAndSaysWhatIsKept) {
     const std::vector ids = {addPage("one"), addPage("two"), addPage("three")};
-    program->thisClass.redrawThumbIfPageRebuilt = false;
+    program->state.redrawThumbIfPageRebuilt = false;
     int handedOn = 0;
     const auto run = [&] {
         rebuildPages(*program, tools(nobody), ids, [&](const RebuiltPage &) {
@@ -169,7 +169,7 @@ TEST_F(RebuildJobTest, manyPagesAreDrawnByTheHundred) {
 }
 
 TEST_F(RebuildJobTest, withTheSettingOffNothingIsDrawn) {
-    program->thisClass.redrawThumbIfPageRebuilt = false;
+    program->state.redrawThumbIfPageRebuilt = false;
     const auto id = addPage("x");
     EXPECT_TRUE(rebuild({id}));
     EXPECT_THAT(thumbnails(), ElementsAre(Redrawn::notWanted));

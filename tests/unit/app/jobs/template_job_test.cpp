@@ -34,10 +34,10 @@ struct TemplateJobTest : test::ProgramFixture {
         static_cast<void>(runImportJob(*program, task, scratch));
         setTitle(1, "Harbour News");
         setTitle(2, "Tides");
-        program->thisClass.templatesPath = templates;
+        program->state.templatesPath = templates;
     }
     void setTitle(int id, const std::string &title) {
-        SQLite::Statement row(program->thisClass.projectDB.connection(),
+        SQLite::Statement row(program->state.projectDB.connection(),
                               "UPDATE URLs SET WebPageTitle = ? WHERE URL_ID = ?");
         row.bind(1, title);
         row.bind(2, id);
@@ -71,9 +71,9 @@ struct TemplateJobTest : test::ProgramFixture {
 };
 
 TEST_F(TemplateJobTest, matchesTitlesUnlessTurnedOff) {
-    EXPECT_TRUE(program->thisClass.templateMatchByTitle);
+    EXPECT_TRUE(program->state.templateMatchByTitle);
     settings("[BEYOND]\nTemplateMatchByTitle=False\n");
-    EXPECT_FALSE(start().thisClass.templateMatchByTitle);
+    EXPECT_FALSE(start().state.templateMatchByTitle);
 }
 
 TEST_F(TemplateJobTest, makesTemplatesOfRebuiltPagesOnly) {
@@ -99,7 +99,7 @@ TEST_F(TemplateJobTest, bringsBackARebuildOfAnEarlierRun) {
 TEST_F(TemplateJobTest, whatIsLaidIsInTheCaseTrail) {
     const fs::path file = made();
     const LaidTemplates laid = lay({1, 2}, {file});
-    const TrailEntry entry = CaseTrail(program->thisClass.projectDB.connection()).entries().back();
+    const TrailEntry entry = CaseTrail(program->state.projectDB.connection()).entries().back();
     EXPECT_EQ(entry.action, "Template");
     EXPECT_EQ(entry.detail, laidText(laid));
     EXPECT_EQ(entry.rowCount, 1);
@@ -138,7 +138,7 @@ TEST_F(TemplateJobTest, laysTemplatesOverPagesOfTheirTitle) {
 
 TEST_F(TemplateJobTest, laysOneOverAnyPageWhenTitlesDontMatter) {
     const fs::path file = made();
-    program->thisClass.templateMatchByTitle = false;
+    program->state.templateMatchByTitle = false;
     EXPECT_EQ(lay({2, 3}, {file}).results[Laid::rebuilt], 2u);
 }
 
@@ -153,7 +153,7 @@ TEST_F(TemplateJobTest, aTemplateThatDoesntFitTakesNothingFromOneThatDid) {
 }
 
 TEST_F(TemplateJobTest, whatIsNoTemplateChangesNothing) {
-    program->thisClass.templateMatchByTitle = false;
+    program->state.templateMatchByTitle = false;
     fs::create_directories(templates);
     writeWhole(templates / "short.NVT", "NV");
     writeWhole(templates / "empty.NVT", std::string(0x1000, '\0'));
@@ -170,7 +170,7 @@ TEST_F(TemplateJobTest, whatIsNoTemplateChangesNothing) {
 
 TEST_F(TemplateJobTest, cancelLeavesTheRemainingPages) {
     const fs::path file = made();
-    program->thisClass.templateMatchByTitle = false;
+    program->state.templateMatchByTitle = false;
     test::CancelAfter stops(1);
     RecordTools tools(*program, stops, scratch);
     const std::vector<UrlId> ids = test::urlIds({2, 3});

@@ -21,7 +21,7 @@ struct ThumbnailJobTest : test::ProgramFixture {
     ThumbnailJobTest() {
         start(Front::headless);
         EXPECT_TRUE(createProject(*program, folder.path() / "case.nvp"));
-        program->thisClass.projectDB.connection().exec(
+        program->state.projectDB.connection().exec(
             "INSERT INTO URLs(Category, CacheFileExists, ThumbnailMD5Hash) VALUES "
             "('PICTURES', 1, ''), ('Pictures', 1, 'x'), ('HTML', 1, NULL), ('Pictures', 0, ''), "
             "('Stylesheets', 1, '')");

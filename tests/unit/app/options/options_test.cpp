@@ -172,7 +172,7 @@ TEST_F(OptionsTest, everythingElseIsAppliedAndWritten) {
     EXPECT_EQ(ini("THUMBNAILS", "ViewerThumbnailWidth"), "160");
     EXPECT_EQ(ini("THUMBNAILS", "ReportThumbnailWidth"), "120");
     EXPECT_EQ(ini("OPTIONS", "ProgressBarRefreshRate"), "2");
-    EXPECT_EQ(program->thread.progressBarRefreshRate, 2);
+    EXPECT_EQ(program->task.progressBarRefreshRate, 2);
     EXPECT_EQ(ini("BEYOND", "WideRecordIds"), "True");
     EXPECT_TRUE(program->import.makeThumbnails);
     EXPECT_FALSE(state().templateMatchByTitle);

@@ -22,7 +22,7 @@ struct ProjectInUseTest : ProjectCommandsTest {
         db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
         set("AppMinor", "0");
         commands.closeFile();
-        program->thisClass.disableFileVersionCheck = true;
+        program->state.disableFileVersionCheck = true;
         other = std::make_unique<ProjectHold>(path, Front::window, clock);
     }
     std::unique_ptr<ProjectHold> other;
@@ -60,7 +60,7 @@ TEST_F(ProjectInUseTest, readingOnlyWritesNothing) {
 }
 
 TEST_F(ProjectInUseTest, anOlderProjectThatIsReadOnlyOffersNoUpgrade) {
-    program->thisClass.disableFileVersionCheck = false;
+    program->state.disableFileVersionCheck = false;
     examiner.expect("project-in-use", Answer::Yes);
     examiner.expect("older-project");
     EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
@@ -74,7 +74,7 @@ TEST_F(ProjectInUseTest, neitherANewProjectNorSaveAsReplacesIt) {
     dialogs.answer = path;
     examiner.expect("save-as-failed");
     EXPECT_FALSE(commands.saveAs());
-    EXPECT_EQ(program->thisClass.projectDBPath, folder.path() / "second.nvp");
+    EXPECT_EQ(program->state.projectDBPath, folder.path() / "second.nvp");
     other.reset();
     ASSERT_TRUE(commands.openFile(path, OpenMode::existing));
     EXPECT_EQ(rows(), 1);
