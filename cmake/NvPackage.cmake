@@ -24,11 +24,13 @@ set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# The exact time zones: read at run time, so that no linker sees it.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS tzdata)
 if(NV_GUI)
   # What is loaded at run time, so that no linker sees it: decoders of pictures, the icons' and the
   # screen's plugins, and a font (the web engine draws no letter without one).
-  set(CPACK_DEBIAN_PACKAGE_DEPENDS
-      "libqt6svg6, qt6-image-formats-plugins, qt6-qpa-plugins, fonts-dejavu-core | fonts-liberation | fonts-noto-core")
+  string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS
+         ", libqt6svg6, qt6-image-formats-plugins, qt6-qpa-plugins, fonts-dejavu-core | fonts-liberation | fonts-noto-core")
   set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-wayland, xdg-utils")
 endif()
 include(CPack)

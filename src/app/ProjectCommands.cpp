@@ -47,8 +47,8 @@ ImportSummary importAlone(Program &program, const HistoryFile &artefact) {
     program.import.historyFiles.clear();
     program.import.gaps = {};
     program.import.historyFiles.add(artefact);
-    const OpenTask task(program.thread, {});
-    return runImportJob(program, program.thread, program.thisClass.tempFolderPath);
+    const OpenTask task(program.task, {});
+    return runImportJob(program, program.task, program.state.tempFolderPath);
 }
 
 } // namespace
@@ -70,7 +70,7 @@ bool ProjectCommands::create(const fs::path &path) {
 }
 
 bool ProjectCommands::openFile(const fs::path &path, OpenMode mode) {
-    if (m_program.thisClass.projectDB.isOpen())
+    if (m_program.state.projectDB.isOpen())
         closeFile();
     const auto chosen = pathFor(path, mode);
     if (!chosen)
@@ -117,7 +117,7 @@ void ProjectCommands::afterOpening() {
     takeTempFolder(m_program, tempFolderFrom(m_program));
     m_view.restoreLayout();
     updateProgramCaption();
-    storeFilenameINI(m_program.settings, m_program.thisClass.projectDBPath);
+    storeFilenameINI(m_program.settings, m_program.state.projectDBPath);
     m_view.showRecentFiles();
 }
 
@@ -126,7 +126,7 @@ bool ProjectCommands::checkVersion() {
         return true;
     Examiner &examiner = m_program.around.examiner;
     examiner.tell(messages::olderProject());
-    if (m_program.thisClass.projectDB.isReadOnly())
+    if (m_program.state.projectDB.isReadOnly())
         return true;
     if (examiner.ask(messages::runUpgradeWizard()) == Answer::Yes)
         return upgradeAndReopen();
@@ -136,7 +136,7 @@ bool ProjectCommands::checkVersion() {
 
 /// The version isn't asked about again: an examiner who has left the wizard has decided.
 bool ProjectCommands::upgradeAndReopen() {
-    const fs::path project = m_program.thisClass.projectDBPath;
+    const fs::path project = m_program.state.projectDBPath;
     closeFile();
     m_view.showUpgradeWizard(project);
     if (!openExisting(project))
@@ -146,7 +146,7 @@ bool ProjectCommands::upgradeAndReopen() {
 }
 
 void ProjectCommands::upgradeWizard() {
-    if (!m_program.thisClass.projectDB.isOpen())
+    if (!m_program.state.projectDB.isOpen())
         return m_view.showUpgradeWizard({});
     if (m_program.around.examiner.ask(messages::upgradeClosesProject()) == Answer::Yes &&
         upgradeAndReopen())
@@ -154,7 +154,7 @@ void ProjectCommands::upgradeWizard() {
 }
 
 void ProjectCommands::tellOfChangedDefaultQuery() {
-    const auto text = StoredQueries(m_program.thisClass.projectDB.connection()).text("_DEFAULT");
+    const auto text = StoredQueries(m_program.state.projectDB.connection()).text("_DEFAULT");
     std::string unified = toUpper(replaceAll(text.value_or(""), "\r\n", " "));
     std::replace_if(
         unified.begin(), unified.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
@@ -163,10 +163,10 @@ void ProjectCommands::tellOfChangedDefaultQuery() {
 }
 
 void ProjectCommands::closeFile() {
-    if (!m_program.thisClass.projectDB.isOpen())
+    if (!m_program.state.projectDB.isOpen())
         return;
-    const fs::path path = m_program.thisClass.projectDBPath;
-    resetPardRange(m_program.thisClass);
+    const fs::path path = m_program.state.projectDBPath;
+    resetPardRange(m_program.state);
     const auto failure = failureOf(m_program.log, "MainForm.CloseFile()", [this] {
         m_view.saveLayout();
         closeProject(m_program);
@@ -180,13 +180,13 @@ void ProjectCommands::closeFile() {
 }
 
 bool ProjectCommands::saveAs() {
-    ProjectDatabase &project = m_program.thisClass.projectDB;
+    ProjectDatabase &project = m_program.state.projectDB;
     if (!project.isOpen() || project.isReadOnly())
         return false;
     const auto target = m_dialogs.chooseSaveAs();
     if (!target || isSameFile(*target, project.filePath))
         return false;
-    if (const auto folder = evidenceAround(*target, m_program.thisClass)) {
+    if (const auto folder = evidenceAround(*target, m_program.state)) {
         m_program.around.examiner.tell(messages::liesInEvidence(*target, *folder));
         return false;
     }
@@ -211,8 +211,8 @@ bool ProjectCommands::saveAs() {
 }
 
 void ProjectCommands::updateProgramCaption() {
-    const ProgramState &state = m_program.thisClass;
-    const bool open = m_program.thisClass.projectDB.isOpen();
+    const ProgramState &state = m_program.state;
+    const bool open = m_program.state.projectDB.isOpen();
     const char *mode = open && state.projectDB.isReadOnly() ? " (reading only)" : "";
     m_view.setCaption(
         open ? fmt::format("{} - [{}]{}", state.appTitle, textOf(state.projectDBPath), mode)
@@ -236,7 +236,7 @@ bool ProjectCommands::loadCommandLineFile(const fs::path &path) {
         examiner.tell(messages::commandLineFileUnknown());
         return false;
     }
-    const fs::path scratch = tempFileNames(m_program.thisClass.tempFolderPath).project;
+    const fs::path scratch = tempFileNames(m_program.state.tempFolderPath).project;
     if (!openFile(scratch, OpenMode::newAtPath))
         return false;
     const ImportSummary summary = importAlone(m_program, *artefact);

@@ -34,13 +34,13 @@ void findCompanionTool(Program &program) {
     const SettingFacts &setting = TextKey("OstermoorEXEPath").row();
     for (const std::string &path : {defaultOf(program, setting), valueOf(program, setting)})
         if (fs::exists(path))
-            program.thisClass.ostermoorEXEPath = path;
+            program.state.ostermoorEXEPath = path;
 }
 
 /// The machine's zone without its daylight shift until a project sets one: see ZoneDatabase.
 void takeMachineZone(Program &program) {
     const Clock &clock = program.around.clock;
-    TimeZone &zone = program.thisClass.gmtZone;
+    TimeZone &zone = program.state.gmtZone;
     zone = ZoneDatabase(program.paths.zones(), program.log)
                .getSystemTimeZone(zone, program.around.systemTime.zone(),
                                   Date::fromTimePoint(clock.now() + clock.localOffset()));
@@ -53,8 +53,8 @@ void emptyTempFolder(Program &program, const fs::path &tempFolder) {
             Unwatched nobody;
             return emptyTempFolder(tempFolder, program.front, nobody);
         }
-        const OpenTask task(program.thread, {});
-        emptyTempFolder(tempFolder, program.front, program.thread);
+        const OpenTask task(program.task, {});
+        emptyTempFolder(tempFolder, program.front, program.task);
     });
     if (failure && isWindow)
         program.around.examiner.tell(messages::tempFolderNotCleared(*failure));
@@ -70,7 +70,7 @@ bool holds(const fs::path &folder, const fs::path &inner) {
 Program::Program(ProgramPaths where, Front whichFront, const Surroundings &surroundings)
     : paths(std::move(where)), front(whichFront), around(surroundings),
       log(paths.errorLog(whichFront == Front::headless), around.clock),
-      settings(paths.settings(), log), thread(around.status), thisClass(log, around.clock) {}
+      settings(paths.settings(), log), task(around.status), state(log, around.clock) {}
 
 /// The shapes of photographs.
 void resetPardRange(ProgramState &state) {
@@ -79,7 +79,7 @@ void resetPardRange(ProgramState &state) {
 }
 
 void takeTempFolder(Program &program, const fs::path &tempFolder) {
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     state.tempFolderRoot = tempFolder;
     for (const auto &folder : program.scratch) {
         if (folder->tempFolder() == tempFolder) {
@@ -95,8 +95,8 @@ void takeTempFolder(Program &program, const fs::path &tempFolder) {
 }
 
 bool isUsableTempFolder(const Program &program, const fs::path &folder) {
-    const fs::path &project = program.thisClass.projectDBPath;
-    const fs::path &scratch = program.thisClass.tempFolderPath;
+    const fs::path &project = program.state.projectDBPath;
+    const fs::path &scratch = program.state.tempFolderPath;
     const bool isScratchProject = !project.empty() && !scratch.empty() && holds(scratch, project);
     const char *home = std::getenv("HOME");
     std::error_code notThere;
@@ -108,7 +108,7 @@ bool isUsableTempFolder(const Program &program, const fs::path &folder) {
 }
 
 fs::path tempFolderFrom(const Program &program) {
-    const fs::path &ofRun = program.thisClass.tempFolderOfRun;
+    const fs::path &ofRun = program.state.tempFolderOfRun;
     if (!ofRun.empty() && isUsableTempFolder(program, ofRun))
         return ofRun;
     const SettingFacts &setting = TextKey("TempFolderPath").row();
@@ -121,7 +121,7 @@ fs::path tempFolderFrom(const Program &program) {
 }
 
 void startUp(Program &program, Front front) {
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     takeVersion(state);
     if (front == Front::window)
         program.log.remove();

@@ -20,6 +20,7 @@ struct Cell : std::variant<std::monostate, bool, std::int64_t, double, std::stri
 
     Cell() = default;
     Cell(std::nullptr_t) {}
+    Cell(std::monostate) {}
     Cell(std::same_as<bool> auto flag) : Value(flag) {}
     template <WholeNumber Whole>
     Cell(Whole whole) : Value(static_cast<std::int64_t>(whole)) {}

@@ -26,14 +26,13 @@ class KeyedList {
 
     /// An empty key adds the entry without one. Throws std::invalid_argument when the key is taken.
     Entry &add(Entry entry, std::string_view key = {}) {
-        return insert(m_entries.size(), std::move(entry), key);
-    }
-    /// Throws std::out_of_range when there is no entry `position`.
-    Entry &addBefore(std::size_t position, Entry entry, std::string_view key = {}) {
-        return insert(checked(position), std::move(entry), key);
-    }
-    Entry &addAfter(std::size_t position, Entry entry, std::string_view key = {}) {
-        return insert(checked(position) + 1, std::move(entry), key);
+        std::string folded = toLower(key);
+        if (m_places.contains(folded))
+            throw std::invalid_argument("the key \"" + std::string(key) + "\" is in the list");
+        m_entries.push_back(std::move(entry));
+        m_keys.push_back(std::move(folded));
+        renumberFrom(m_entries.size() - 1);
+        return m_entries.back();
     }
 
     Entry &item(std::size_t position) { return m_entries[checked(position)]; }
@@ -72,17 +71,6 @@ class KeyedList {
         if (!position)
             throw std::out_of_range("no entry \"" + std::string(key) + "\" in the list");
         return *position - 1;
-    }
-
-    Entry &insert(std::size_t place, Entry entry, std::string_view key) {
-        std::string folded = toLower(key);
-        if (m_places.contains(folded))
-            throw std::invalid_argument("the key \"" + std::string(key) + "\" is in the list");
-        const auto offset = static_cast<std::ptrdiff_t>(place);
-        m_entries.insert(m_entries.begin() + offset, std::move(entry));
-        m_keys.insert(m_keys.begin() + offset, std::move(folded));
-        renumberFrom(place);
-        return m_entries[place];
     }
 
     void erase(std::size_t place) {

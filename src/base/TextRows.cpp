@@ -41,13 +41,16 @@ std::string csvLine(std::span<const std::string> cells) {
     return line.append("\r\n");
 }
 
-std::string jsonLine(std::span<const std::string> names, std::span<const Cell> cells) {
+std::string jsonLine(std::span<const std::string> names, std::span<const Cell> cells,
+                     std::string_view further) {
     std::string line = "{";
     for (std::size_t i = 0; i < std::min(names.size(), cells.size()); ++i)
         line.append(i == 0 ? "" : ",")
             .append(jsonText(nlohmann::json(names[i])))
             .append(":")
             .append(jsonText(cells[i]));
+    if (!further.empty())
+        line.append(line.size() > 1 ? "," : "").append(further);
     return line.append("}\n");
 }
 

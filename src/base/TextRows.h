@@ -4,6 +4,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace nv {
 
@@ -12,8 +13,9 @@ namespace nv {
 /// A line of RFC 4180 with its end, CR LF.
 std::string csvLine(std::span<const std::string> cells);
 
-/// A JSON object on a line of its own: the n-th cell under the n-th name. Bytes that are no UTF-8
-/// are replaced.
-std::string jsonLine(std::span<const std::string> names, std::span<const Cell> cells);
+/// A JSON object on a line of its own: the n-th cell under the n-th name, then `further` members,
+/// which are JSON already ("\"a\":1,\"b\":[2]"). Bytes that are no UTF-8 are replaced.
+std::string jsonLine(std::span<const std::string> names, std::span<const Cell> cells,
+                     std::string_view further = {});
 
 } // namespace nv

@@ -28,19 +28,18 @@ std::vector<AuditRow> auditOf(UrlRecord &page, RecordTools &tools, const Program
     const RebuildContext &ctx = tools.context();
     auto rows = loadAudit(page, rebuildFolderOf(page.URLID, ctx), ctx);
     if (!rows)
-        throw StorageFailure(fmt::format("row {}: the audit can't be read; see \"{}\"",
-                                         number(page.URLID), textOf(program.log.path())));
+        throw StorageFailure(fmt::format("row {}: the audit can't be read; see \"{}\"", page.URLID,
+                                         textOf(program.log.path())));
     return std::move(*rows);
 }
 
 Exit run(Session &session, const Arguments &arguments) {
-    const std::int64_t urlId = arguments.urlId;
     session.openForReading(arguments.project);
     Program &program = session.program;
-    program.thisClass.wideRecordIds |= arguments.wideIds;
+    program.state.wideRecordIds |= arguments.wideIds;
     {
         RecordTools tools(program, session.task, session.scratch());
-        checkRow(program.thisClass.projectDB.connection(), urlId);
+        const UrlId urlId = checkedRow(program.state.projectDB.connection(), arguments.urlId);
         auto page = tools.record(urlId);
         if (!page)
             throw StorageFailure(fmt::format("row {}: it can't be read; see \"{}\"", urlId,

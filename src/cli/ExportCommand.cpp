@@ -111,15 +111,15 @@ std::string closingLine(const Export &job) {
 
 Exit run(Session &session, const Arguments &arguments) {
     Export job = jobOf(arguments);
-    session.program.thisClass.filters = filtersFrom(arguments.rows.filter);
+    session.program.state.filters = filtersFrom(arguments.rows.filter);
     const bool notes = session.openForNote(arguments.project);
-    ProgramState &state = session.program.thisClass;
+    ProgramState &state = session.program.state;
     checkTarget(arguments, state);
     job.outputFilePath = toStandardOutput(arguments) ? session.scratch() / "standard-output"
                                                      : fs::path(arguments.file);
     ExportEnd end = ExportEnd::cancelled;
     {
-        SQLite::Database &project = session.program.thisClass.projectDB.connection();
+        SQLite::Database &project = session.program.state.projectDB.connection();
         UrlTable table(project, session.program.log, state.gmtZone);
         if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Loaded) {
             if (arguments.tagged)

@@ -29,8 +29,8 @@ struct Arguments {
 constexpr std::string_view kStandardOutput = "-";
 
 RecordStore storeOf(Program &program) {
-    ProgramState &state = program.thisClass;
-    return {program.thisClass.projectDB.connection(),
+    ProgramState &state = program.state;
+    return {program.state.projectDB.connection(),
             {state.gmtZone, state.enableDSTChanges},
             program.around.clock,
             program.log};
@@ -58,18 +58,17 @@ void writeContent(Session &session, const fs::path &content, const std::string &
 }
 
 Exit run(Session &session, const Arguments &arguments) {
-    const std::int64_t urlId = arguments.urlId;
     session.openForReading(arguments.project);
     Program &program = session.program;
     if (arguments.file != kStandardOutput)
-        checkTarget(arguments, program.thisClass);
-    checkRow(program.thisClass.projectDB.connection(), urlId);
-    auto stored = storeOf(program).getURL(UrlId{urlId});
+        checkTarget(arguments, program.state);
+    const UrlId urlId = checkedRow(program.state.projectDB.connection(), arguments.urlId);
+    auto stored = storeOf(program).getURL(urlId);
     if (!stored)
         throw StorageFailure(
             fmt::format("row {} can't be read; see \"{}\"", urlId, textOf(program.log.path())));
     UrlRecord &record = *stored;
-    const Evidence evidence(program.thisClass.rootPath);
+    const Evidence evidence(program.state.rootPath);
     const auto content = contentOf(record, {evidence, session.scratch(), program.log});
     if (!content) {
         session.err << fmt::format("row {}: {}\n", urlId, printable(missingContent(record)));

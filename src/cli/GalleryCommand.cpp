@@ -104,8 +104,8 @@ void checkTarget(const Arguments &arguments, ProgramState &state) {
 }
 
 Gallery galleryOf(Session &session, const Arguments &arguments) {
-    ProgramState &state = session.program.thisClass;
-    SQLite::Database &project = session.program.thisClass.projectDB.connection();
+    ProgramState &state = session.program.state;
+    SQLite::Database &project = session.program.state.projectDB.connection();
     checkQuery(session, arguments.rows.query);
     Gallery gallery(project, session.program.log);
     gallery.choice = choiceOf(arguments.rows);
@@ -150,7 +150,7 @@ void writeSheet(Session &session, const Gallery &gallery, const Arguments &argum
     const ContactSheet sheet{
         "Gallery of " + textOf(fs::path(arguments.project).filename()), linesOf(gallery, arguments),
         gallery.gallery().tiles, [&program](UrlId id) {
-            return thumbnailOf(program.thisClass.projectDB.connection(), program.log, id);
+            return thumbnailOf(program.state.projectDB.connection(), program.log, id);
         }};
     ExportFile file(arguments.out);
     if (isPicture(arguments.out))
@@ -172,7 +172,7 @@ void checkPage(const Gallery &gallery, int page) {
 Exit run(Session &session, const Arguments &arguments) {
     session.openForReading(arguments.project);
     Program &program = session.program;
-    checkTarget(arguments, program.thisClass);
+    checkTarget(arguments, program.state);
     Gallery gallery = galleryOf(session, arguments);
     const LoadResult loaded = gallery.load(session.task);
     session.task.clear();

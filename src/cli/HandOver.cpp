@@ -18,11 +18,11 @@ void refusePlainFile(const fs::path &out) {
         throw UsageError(fmt::format("--out {}: a folder was expected", textOf(out)));
 }
 
-void refuseExisting(std::span<const std::int64_t> ids, const fs::path &out) {
+void refuseExisting(std::span<const UrlId> ids, const fs::path &out) {
     fs::path first;
     std::size_t more = 0;
-    for (const std::int64_t id : ids) {
-        const fs::path target = out / folderNameOf(UrlId{id});
+    for (const UrlId id : ids) {
+        const fs::path target = out / folderNameOf(id);
         if (!fs::exists(fs::symlink_status(target)))
             continue;
         more += first.empty() ? 0 : 1;

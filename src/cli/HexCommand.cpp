@@ -34,16 +34,15 @@ struct Place {
 };
 
 /// Of a row that is there and can't be read all the same.
-std::nullopt_t tellUnread(Session &session, std::int64_t urlId) {
+std::nullopt_t tellUnread(Session &session, UrlId urlId) {
     session.err << fmt::format("row {}: it can't be read; see \"{}\"\n", urlId,
                                printable(textOf(session.program.log.path())));
     return std::nullopt;
 }
 
 /// Nothing when there are no bytes, which is told.
-std::optional<Place> placeOf(Session &session, RecordTools &tools, const Arguments &arguments) {
-    const std::int64_t urlId = arguments.urlId;
-    if (arguments.source) {
+std::optional<Place> placeOf(Session &session, RecordTools &tools, UrlId urlId, bool ofSource) {
+    if (ofSource) {
         const auto record = tools.record(urlId);
         if (!record)
             return tellUnread(session, urlId);
@@ -52,7 +51,7 @@ std::optional<Place> placeOf(Session &session, RecordTools &tools, const Argumen
         session.err << fmt::format("row {}: {}\n", urlId, printable(missingSource(*record)));
         return std::nullopt;
     }
-    const auto content = contentOfRecord(tools, UrlId{urlId});
+    const auto content = contentOfRecord(tools, urlId);
     if (!content)
         return tellUnread(session, urlId);
     if (content->file)
@@ -130,11 +129,11 @@ Exit run(Session &session, const Arguments &arguments) {
             fmt::format("--length {}: at least 1 byte was expected", arguments.length));
     const auto needles = finds ? needlesOf(arguments) : std::vector<HexNeedle>();
     session.openForReading(arguments.project);
-    checkRow(session.program.thisClass.projectDB.connection(), arguments.urlId);
+    const UrlId urlId = checkedRow(session.program.state.projectDB.connection(), arguments.urlId);
     Exit exit = Exit::damagedEvidence;
     {
         RecordTools tools(session.program, session.task, session.scratch());
-        if (const auto place = placeOf(session, tools, arguments)) {
+        if (const auto place = placeOf(session, tools, urlId, arguments.source)) {
             const HexSource source(place->file);
             const std::uint64_t at = beginningOf(arguments, finds ? 0 : place->offset);
             checkBeginning(source, at);

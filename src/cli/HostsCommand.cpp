@@ -20,8 +20,8 @@ Exit run(Session &session, const Arguments &arguments) {
     const HostSort sort = arguments.byVisits ? HostSort::ByVisits : HostSort::ByName;
     std::vector<HostRow> hosts;
     UnreadRows unread;
-    const Walk walk = listHosts(session.program.thisClass.projectDB.connection(), sort,
-                                session.task, hosts, unread);
+    const Walk walk =
+        listHosts(session.program.state.projectDB.connection(), sort, session.task, hosts, unread);
     session.task.clear();
     const auto writer = makeRowWriter(arguments.format, session.out, {"Host", "Visits", "Records"});
     for (const HostRow &host : hosts)

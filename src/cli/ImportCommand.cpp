@@ -1,11 +1,14 @@
 #include "app/jobs/ImportClaim.h"
 #include "app/jobs/ImportJob.h"
 #include "app/jobs/ImportText.h"
+#include "app/jobs/ZoneJob.h"
 #include "app/messages/Messages.h"
 #include "app/program/DrawingTools.h"
+#include "app/program/Zones.h"
 #include "app/project/EvidenceFolders.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
+#include "base/NearestNames.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "cli/Commands.h"
@@ -17,12 +20,11 @@
 #include "db/StoredQueries.h"
 #include "import/Scan.h"
 #include "readers/Registry.h"
-#include "time/ZoneDatabase.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
-#include <set>
 #include <unistd.h>
 
 namespace nv::cli {
@@ -35,9 +37,11 @@ struct Arguments {
     std::string project;
     std::vector<std::string> paths;
     std::string base;
-    std::int64_t zone = 0; ///< `timeZoneID`; 0 keeps the project's
+    std::string zone; ///< its key: see app/program/Zones.h; empty or "0" keeps the project's
     std::vector<std::string> kinds;
     std::string as; ///< key of the reader that takes every PATH; empty to find artefacts
+    bool classic = false;
+    bool secrets = false;
     bool noMetadata = false;
     bool noSignatures = false;
     bool thumbnails = false;
@@ -104,25 +108,55 @@ void checkProjectPlace(const Arguments &arguments) {
         refuseEvidence(arguments.project, baseOf(arguments));
 }
 
-void checkZone(Session &session, std::int64_t id) {
-    const auto zones = ZoneDatabase(session.program.paths.zones(), session.program.log).listZones();
-    const bool known =
-        id == 0 || std::any_of(zones.begin(), zones.end(),
-                               [id](const ZoneRow &zone) { return zone.timeZoneID == id; });
-    if (!known)
-        throw UsageError(fmt::format("there is no time zone {}: see the command zones", id));
+bool namesZone(const Arguments &arguments) {
+    return !arguments.zone.empty() && arguments.zone != "0";
 }
 
-void checkKinds(const std::vector<std::string> &kinds) {
-    for (const std::string &kind : kinds)
-        if (!readerByKey(kind))
-            throw UsageError(fmt::format("there is no reader \"{}\"", kind));
+void checkZone(Session &session, const Arguments &arguments) {
+    if (!namesZone(arguments))
+        return;
+    const CheckedZone zone = checkedZone(session.program, arguments.zone);
+    if (!zone.refusal.empty())
+        throw UsageError(fmt::format("--zone: {}", printable(zone.refusal)));
+}
+
+/// Nobody is there to choose: what the evidence names is told, and --zone takes it.
+void tellZoneHints(Session &session, const Arguments &arguments) {
+    if (namesZone(arguments))
+        return;
+    Program &program = session.program;
+    for (const std::string &path : arguments.paths)
+        for (const ZoneHint &hint :
+             knownZoneHints(program, fs::canonical(path), program.import.historyFiles))
+            if (hint.zone != program.state.gmtZone.tzName)
+                session.err << fmt::format("the evidence names the zone {} ({}): --zone {} shows "
+                                           "dates in it\n",
+                                           hint.zone, printable(textOf(hint.file)), hint.zone);
+}
+
+[[noreturn]] void refuseKey(std::string_view what, const std::string &key,
+                            const std::vector<std::string> &known) {
+    throw UsageError(fmt::format("there is no {} \"{}\". The nearest keys: {}", what,
+                                 printable(key), fmt::join(nearestNames(key, known), ", ")));
+}
+
+AskedKinds askedKinds(const std::vector<std::string> &keys) {
+    AskedKinds asked;
+    for (const std::string &key : keys)
+        if (!asked.add(key))
+            refuseKey("reader and no kind of record", key, keysToAskFor());
+    return asked;
 }
 
 void checkAs(const Arguments &arguments) {
     if (arguments.as.empty())
         return;
-    checkKinds({arguments.as});
+    if (!readerByKey(arguments.as)) {
+        std::vector<std::string> readers;
+        for (const Reader *reader : registry())
+            readers.emplace_back(reader->key);
+        refuseKey("reader", arguments.as, readers);
+    }
     for (const std::string &path : arguments.paths)
         if (!fs::is_regular_file(path))
             throw UsageError(fmt::format("\"{}\": --as needs a file", path));
@@ -151,7 +185,7 @@ void checkProjectFolder(const fs::path &project) {
 /// The queries of a new project hold the terms themselves: lists that are found later change
 /// nothing.
 void tellMissingLists(Session &session) {
-    StoredQueries queries(session.program.thisClass.projectDB.connection());
+    StoredQueries queries(session.program.state.projectDB.connection());
     for (const StoredQuery &query : queries.list())
         if (lacksTerms(query.sql))
             session.err << missingTerms(query.name) << '\n';
@@ -172,7 +206,7 @@ void openOrCreate(Session &session, const fs::path &project) {
 /// A project keeps the base folder of its first import, since its rows are found by it, until
 /// another one is named.
 void chooseBase(Session &session, const Arguments &arguments) {
-    if (!arguments.base.empty() || session.program.thisClass.rootPath.empty()) {
+    if (!arguments.base.empty() || session.program.state.rootPath.empty()) {
         const fs::path base = baseOf(arguments);
         refuseEvidence(arguments.project, base);
         if (!base.empty())
@@ -180,11 +214,6 @@ void chooseBase(Session &session, const Arguments &arguments) {
     }
     for (const std::string &path : arguments.paths)
         keepEvidenceFolder(session.program, path);
-}
-
-bool isWanted(const HistoryFile &file, const std::set<std::string_view> &kinds) {
-    const Reader *reader = readerFor(file.historyFileType);
-    return kinds.empty() || (reader && kinds.contains(reader->key));
 }
 
 ScanResult scanPath(Session &session, const Arguments &arguments, const fs::path &path) {
@@ -196,7 +225,8 @@ ScanResult scanPath(Session &session, const Arguments &arguments, const fs::path
 }
 
 void tellUnknown(Session &session, const fs::path &path, const ScanResult &found) {
-    const bool nothing = found.historyFiles.count() == 0 && found.gaps.unreadable.empty();
+    const bool nothing =
+        found.historyFiles.count() + found.notAsked == 0 && found.gaps.unreadable.empty();
     // Whoever names a file expects it to be read.
     if (fs::is_regular_file(path) && nothing && !found.cancelled)
         session.err << fmt::format(
@@ -205,23 +235,41 @@ void tellUnknown(Session &session, const fs::path &path, const ScanResult &found
             printable(textOf(path)));
 }
 
-/// Scans every path; false when the scan was cancelled. `gaps` are known before.
-bool findArtefacts(Session &session, const Arguments &arguments, const ScanGaps &gaps) {
+struct Search {
+    bool cancelled = false;
+    std::size_t notAsked = 0; ///< artefacts that --kinds leaves out
+};
+
+/// Scans every path for the files of the job. `gaps` are known before.
+Search findArtefacts(Session &session, const Arguments &arguments, const ScanGaps &gaps) {
     ImportSettings &job = session.program.import;
-    const std::set<std::string_view> kinds(arguments.kinds.begin(), arguments.kinds.end());
     job.historyFiles.clear();
     job.gaps = gaps;
+    Search search;
     for (const std::string &path : arguments.paths) {
         const ScanResult found = scanPath(session, arguments, fs::canonical(path));
         for (const HistoryFile &file : found.historyFiles)
-            if (isWanted(file, kinds))
-                job.historyFiles.add(file);
+            job.historyFiles.add(file);
+        search.notAsked += found.notAsked;
         job.gaps.add(found.gaps);
         tellUnknown(session, path, found);
-        if (found.cancelled)
-            return false;
+        search.cancelled = found.cancelled;
+        if (search.cancelled)
+            break;
     }
-    return true;
+    return search;
+}
+
+/// Absence is told only where there is nothing of a browser.
+void tellWhatIsLeftOut(Session &session, const ImportSummary &summary, const Search &search) {
+    if (search.notAsked > 0)
+        session.err << fmt::format("{} of other kinds found, not asked for\n",
+                                   counted(search.notAsked, "artefact"));
+    else if (summary.artefacts.empty() && !summary.cancelled)
+        session.err << messages::nothingToImport().text << '\n';
+    if (summary.artefacts.empty() && session.program.import.classicOnly)
+        session.err << "Only the classic rules were asked for: what today's browsers keep was not "
+                       "looked for.\n";
 }
 
 /// A project that can't be closed, for instance on a full disk, still holds what the summary tells.
@@ -251,27 +299,32 @@ Exit run(Session &session, const Arguments &given) {
     checkPaths(arguments);
     checkProjectPlace(arguments);
     requireZones(session.program);
-    checkZone(session, arguments.zone);
-    checkKinds(arguments.kinds);
+    checkZone(session, arguments);
+    const AskedKinds asked = askedKinds(arguments.kinds);
     checkAs(arguments);
     const ImportClaim claim(arguments.project);
     openOrCreate(session, arguments.project);
     Program &program = session.program;
-    if (arguments.zone > 0)
-        setZone(program, arguments.zone);
+    if (namesZone(arguments))
+        changeZone(program, arguments.zone, session.task);
     requireZones(program); // now that of the project
+    requireSchema(program);
     chooseBase(session, arguments);
     program.import.verifyFileSignatures &= !arguments.noSignatures;
     program.import.parseAdvancedMetadata &= !arguments.noMetadata;
     program.import.makeThumbnails = arguments.thumbnails;
+    program.import.classicOnly |= arguments.classic;
+    program.import.secrets = arguments.secrets;
+    program.import.asked = asked;
 
     ImportSummary summary;
-    summary.cancelled = !findArtefacts(session, arguments, unreachable);
+    const Search search = findArtefacts(session, arguments, unreachable);
+    summary.cancelled = search.cancelled;
+    tellZoneHints(session, arguments);
     if (!summary.cancelled)
         summary = runImportJob(program, session.task, session.scratch());
     session.task.clear();
-    if (summary.artefacts.empty() && !summary.cancelled)
-        session.err << messages::nothingToImport().text << '\n';
+    tellWhatIsLeftOut(session, summary, search);
     closeTold(program, summary);
     session.out << (arguments.format == "json" ? importJson(summary)
                                                : printableLines(summaryText(summary)));
@@ -292,21 +345,26 @@ Command importCommand() {
         .what = "Import artefacts into a project, which is made when needed",
         .readme = {"`import PROJECT PATH...`",
                    "finds and reads artefacts into a project, which is made when needed; "
-                   "`--kinds`, `--as`, `--zone`, `--thumbnails`"},
+                   "`--kinds`, `--as`, `--classic`, `--zone`, `--thumbnails`"},
         .examples = {{"import case.nvp /mnt/seized", "all that is found below a folder"},
-                     {"import case.nvp /mnt/seized/History --zone 15",
-                      "one file, dates shown in the zone 15"},
+                     {"import case.nvp /mnt/seized/History --zone Europe/Berlin",
+                      "one file, dates by the law of that zone"},
                      {"import case.nvp /mnt/seized --thumbnails",
                       "pictures and pages drawn small as well"}},
         .arguments =
             {projectWord(given->project),
              value("PATH", given->paths, "Folders or files of evidence").required(),
              value("--base", given->base, "Base folder of the evidence (default: the PATH)"),
-             value("--zone", given->zone, "Time zone of the project, see the command zones"),
-             value("--kinds", given->kinds, "Only these readers, by key, separated by commas")
+             value("--zone", given->zone,
+                   "Time zone of the project: a name such as Europe/Berlin, or a number; the "
+                   "command zones lists them"),
+             value("--kinds", given->kinds,
+                   "Only these readers or kinds of records, by key, separated by commas")
                  .separatedByCommas(),
              value("--as", given->as,
                    "Take each PATH, a file, as the artefact of this reader, whatever it is called"),
+             flag("--classic", given->classic, "Only the files and rows of the classic rules"),
+             flag("--secrets", given->secrets, "Store passwords too, where they can be read"),
              flag("--no-metadata", given->noMetadata, "Don't read cached pages' contents"),
              flag("--no-signatures", given->noSignatures, "Recognise files by name alone"),
              flag("--thumbnails", given->thumbnails, "Make thumbnails while importing"),

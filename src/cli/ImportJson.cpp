@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "import/ImportSummary.h"
+#include "time/DateFormat.h"
 
 #include <nlohmann/json.hpp>
 
@@ -11,14 +12,52 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+Json jsonOf(const RowsByKind &kinds) {
+    Json rows = Json::object();
+    for (const auto &[kind, counts] : kinds)
+        rows[kind] = counts.rows;
+    return rows;
+}
+
+Json jsonOf(const ProfileTotals &profile) {
+    const KindRows all = profile.all();
+    return {{"browser", profile.origin.browser},
+            {"profile", profile.origin.profile},
+            {"person", profile.origin.person},
+            {"artefacts", profile.artefacts},
+            {"not_read_yet", profile.notReadYet},
+            {"rows", all.rows},
+            {"first", isoUtc(all.first)},
+            {"last", isoUtc(all.last)},
+            {"rows_by_kind", jsonOf(profile.byKind)}};
+}
+
+/// How many records came from each browser; "" stands for those of none that is known.
+Json browsersOf(const std::vector<ProfileTotals> &profiles) {
+    std::map<std::string, std::uint64_t> rows;
+    for (const ProfileTotals &profile : profiles)
+        rows[profile.origin.browser] += profile.all().rows;
+    return rows;
+}
+
 Json jsonOf(const ArtefactResult &artefact) {
-    return {{"path", textOf(artefact.path)},      {"type", static_cast<int>(artefact.type)},
-            {"reader", artefact.readerKey},       {"md5", artefact.md5Hash},
-            {"state", stateWord(artefact.state)}, {"rows", artefact.rowsSaved},
-            {"rows_lost", artefact.rowsLost},     {"not_reached", artefact.notReached},
-            {"passed_over", artefact.passedOver}, {"noted", artefact.noted},
-            {"reason", artefact.reason},          {"warning", artefact.warning},
-            {"seconds", artefact.seconds}};
+    return {{"path", textOf(artefact.path)},
+            {"type", static_cast<int>(artefact.type)},
+            {"reader", artefact.readerKey},
+            {"md5", artefact.md5Hash},
+            {"state", stateWord(artefact.state)},
+            {"rows", artefact.rowsSaved},
+            {"rows_lost", artefact.rowsLost},
+            {"not_reached", artefact.notReached},
+            {"passed_over", artefact.passedOver},
+            {"noted", artefact.noted},
+            {"reason", artefact.reason},
+            {"warning", artefact.warning},
+            {"seconds", artefact.seconds},
+            {"browser", artefact.origin.browser},
+            {"profile", artefact.origin.profile},
+            {"person", artefact.origin.person},
+            {"rows_by_kind", jsonOf(artefact.byKind)}};
 }
 
 Json jsonOf(const std::vector<UnreadPlace> &places) {
@@ -40,6 +79,10 @@ Json jsonOf(const ImportSummary &summary) {
                       {"not_reached", kind.notReached},
                       {"passed_over", kind.passedOver},
                       {"noted", kind.noted}};
+    const std::vector<ProfileTotals> found = summary.byProfile();
+    Json profiles = Json::array();
+    for (const ProfileTotals &profile : found)
+        profiles.push_back(jsonOf(profile));
     return {{"artefacts", artefacts},
             {"totals",
              {{"artefacts", summary.artefacts.size()},
@@ -49,6 +92,9 @@ Json jsonOf(const ImportSummary &summary) {
               {"passed_over", summary.passedOver()},
               {"seconds", summary.seconds()}}},
             {"kinds", kinds},
+            {"rows_by_kind", jsonOf(summary.byKind())},
+            {"browsers", browsersOf(found)},
+            {"profiles", profiles},
             {"unreadable", jsonOf(summary.gaps.unreadable)},
             {"links_not_followed", summary.gaps.linksNotFollowed},
             {"shader_caches", summary.gaps.shaderCaches},

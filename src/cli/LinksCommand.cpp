@@ -50,9 +50,8 @@ void write(const LinkList &links, RowWriter &writer) {
 }
 
 Exit list(Session &session, std::int64_t urlId, Format format) {
-    SQLite::Database &project = session.program.thisClass.projectDB.connection();
-    checkRow(project, urlId);
-    const LinkList links = linksOf(session.program, UrlId{urlId});
+    SQLite::Database &project = session.program.state.projectDB.connection();
+    const LinkList links = linksOf(session.program, checkedRow(project, urlId));
     if (!links.failure.empty())
         throw UsageError(fmt::format("{} (here: --wide-ids)", links.failure));
     const auto writer =
@@ -66,7 +65,7 @@ Exit list(Session &session, std::int64_t urlId, Format format) {
 
 Exit run(Session &session, const Arguments &arguments) {
     session.open(arguments.project, arguments.urlId ? Access::read : Access::write);
-    session.program.thisClass.wideRecordIds |= arguments.wideIds;
+    session.program.state.wideRecordIds |= arguments.wideIds;
     const Exit exit =
         arguments.urlId ? list(session, *arguments.urlId, arguments.format) : analyse(session);
     closeProject(session.program);

@@ -79,13 +79,13 @@ void writeRows(const Arguments &arguments, const std::vector<UrlColumn> &columns
 
 Exit run(Session &session, const Arguments &arguments) {
     const std::vector<UrlColumn> columns = chosenColumns(arguments);
-    session.program.thisClass.filters = filtersFrom(arguments.rows.filter);
+    session.program.state.filters = filtersFrom(arguments.rows.filter);
     session.openForReading(arguments.project);
-    const ProgramState &state = session.program.thisClass;
+    const ProgramState &state = session.program.state;
     LoadResult loaded = LoadResult::Failed;
     Exit read = Exit::ok;
     {
-        UrlTable table(session.program.thisClass.projectDB.connection(), session.program.log,
+        UrlTable table(session.program.state.projectDB.connection(), session.program.log,
                        state.gmtZone);
         table.showColumns(columns);
         loaded = loadTable(session, choiceOf(arguments.rows), table);

@@ -19,7 +19,7 @@ std::string missingTerms(const std::string &name) {
 }
 
 void checkQuery(Session &session, const std::string &name) {
-    SQLite::Database &project = session.program.thisClass.projectDB.connection();
+    SQLite::Database &project = session.program.state.projectDB.connection();
     const std::string query = name.empty() ? std::string(kDefaultQueryName) : name;
     const auto text = StoredQueries(project).text(query);
     if (!name.empty() && !text)
@@ -36,8 +36,8 @@ RowChoice choiceOf(const RowsAsked &rows) {
 LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table) {
     checkQuery(session, choice.activeQueryName);
     table.choice = choice;
-    table.filters = session.program.thisClass.filters;
-    table.rootPath = textOf(session.program.thisClass.rootPath);
+    table.filters = session.program.state.filters;
+    table.rootPath = textOf(session.program.state.rootPath);
     table.dates() = dateSettings(session.program);
     const LoadResult loaded = table.loadURLs(session.task);
     session.task.clear();

@@ -32,9 +32,8 @@ Exit run(Session &session, const Arguments &arguments) {
     const bool writes = arguments.remove || arguments.text;
     session.open(arguments.project, writes ? Access::write : Access::read);
     Program &program = session.program;
-    SQLite::Database &project = program.thisClass.projectDB.connection();
-    const UrlId url{arguments.urlId};
-    checkRow(project, arguments.urlId);
+    SQLite::Database &project = program.state.projectDB.connection();
+    const UrlId url = checkedRow(project, arguments.urlId);
     if (writes) {
         const NoteOutcome outcome =
             storeNote(project, url, arguments.text.value_or(""), program.around.clock, program.log);

@@ -1,7 +1,9 @@
+#include "app/jobs/ZoneJob.h"
 #include "app/options/ProjectOptions.h"
 #include "app/options/SettingsTable.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
+#include "base/NearestNames.h"
 #include "base/Text.h"
 #include "cli/Commands.h"
 #include "cli/Session.h"
@@ -169,9 +171,16 @@ void setInProject(Session &session, const Arguments &arguments) {
     const ProjectValueFacts &facts = settableInProject(arguments.key);
     const std::string value = checked(session.program, factsOf(facts), arguments.value);
     session.open(arguments.project);
-    storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes);
+    // Without a value the machine's zone is taken when it is opened next.
+    const bool isZone = facts.name == "LastTimeZoneID" && !value.empty();
+    if (isZone && !changeZone(session.program, value, session.task))
+        throw StorageFailure("the project keeps its time zone");
+    if (!storeProjectValues(session.program, {{std::string(facts.name), value}}, TrailNote::yes)
+             .empty())
+        throw StorageFailure(fmt::format("\"{}\" can't keep {}; see \"{}\"", arguments.project,
+                                         facts.name, textOf(session.program.log.path())));
     if (facts.name == "RootPath")
-        mendRootPath(session.program.thisClass.projectDB.connection(), session.program.log, value,
+        mendRootPath(session.program.state.projectDB.connection(), session.program.log, value,
                      session.task);
 }
 

@@ -31,7 +31,7 @@ struct Arguments {
 }
 
 std::string checkedStatement(Session &session, const std::string &sql) {
-    const auto reader = openReadOnly(session.program.thisClass.projectDBPath);
+    const auto reader = openReadOnly(session.program.state.projectDBPath);
     const QueryCheck query = testTyped(sql, *reader, session.program.log);
     if (query.errCode != 0)
         throw UsageError(
@@ -48,7 +48,7 @@ Exit save(Session &session, const Arguments &arguments) {
         throw UsageError("a name was expected");
     if (isReservedQuery(query.name))
         refuse(messages::reservedQuery());
-    StoredQueries queries(session.program.thisClass.projectDB.connection());
+    StoredQueries queries(session.program.state.projectDB.connection());
     if (queries.text(query.name) && !arguments.overwrite)
         throw UsageError(fmt::format(
             "the project has a query \"{}\" already; --overwrite replaces it", query.name));
@@ -65,7 +65,7 @@ Exit save(Session &session, const Arguments &arguments) {
 Exit show(Session &session, const Arguments &arguments) {
     session.openForReading(arguments.project);
     const auto text =
-        StoredQueries(session.program.thisClass.projectDB.connection()).text(arguments.name);
+        StoredQueries(session.program.state.projectDB.connection()).text(arguments.name);
     if (!text)
         throw UsageError(fmt::format("the project has no stored query \"{}\"", arguments.name));
     session.out << printable(*text) << '\n';
@@ -76,7 +76,7 @@ Exit remove(Session &session, const Arguments &arguments) {
     session.open(arguments.project);
     if (isReservedQuery(arguments.name))
         refuse(messages::reservedQueryNotDeleted());
-    StoredQueries queries(session.program.thisClass.projectDB.connection());
+    StoredQueries queries(session.program.state.projectDB.connection());
     if (!queries.text(arguments.name))
         throw UsageError(fmt::format("the project has no stored query \"{}\"", arguments.name));
     queries.remove(arguments.name);

@@ -18,7 +18,7 @@ std::unique_ptr<SQLite::Database> readProject(const std::string &project) {
 }
 
 StatementCells cellsOf(Session &session, SQLite::Statement &statement, Format format) {
-    const ProgramState &state = session.program.thisClass;
+    const ProgramState &state = session.program.state;
     const bool people = format == Format::table;
     return {statement,
             people ? StatementCells::For::people : StatementCells::For::programs,

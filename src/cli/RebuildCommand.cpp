@@ -39,13 +39,12 @@ constexpr const char *kAllPages =
     "(IsWebPage OR Category = 'HTML' OR Category = 'Scripts, HTML') AND NOT IsPicture "
     "ORDER BY URL_ID";
 
-std::vector<std::int64_t> chosenIds(Program &program, const Arguments &arguments,
-                                    UnreadRows &unread) {
+std::vector<UrlId> chosenIds(Program &program, const Arguments &arguments, UnreadRows &unread) {
     if (arguments.allPages)
         return idsPastDamage(program, kAllPages, unread);
     if (arguments.tagged)
         return taggedIds(program, unread);
-    return checkedRows(program.thisClass.projectDB.connection(), arguments.ids);
+    return differentRows(program.state.projectDB.connection(), arguments.ids);
 }
 
 void checkArguments(const Arguments &arguments) {
@@ -69,7 +68,7 @@ struct Totals {
 void add(Totals &totals, const RebuiltPage &page) {
     ++totals.pages;
     if (!page.rebuilt && page.why == NotRebuilt::unreadable)
-        totals.unread.insert(static_cast<std::int32_t>(page.urlID));
+        noteUnread(totals.unread, page.urlID);
     totals.rebuilt += page.rebuilt ? 1 : 0;
     totals.replaced += page.replaced;
     totals.missing += page.missing;
@@ -103,11 +102,11 @@ Exit run(Session &session, const Arguments &arguments) {
     checkArguments(arguments);
     session.open(arguments.project);
     Program &program = session.program;
-    refuseEvidence(arguments.out, program.thisClass);
+    refuseEvidence(arguments.out, program.state);
     refusePlainFile(arguments.out);
-    program.thisClass.disableScriptTags = arguments.noScripts;
-    program.thisClass.wideRecordIds |= arguments.wideIds;
-    program.thisClass.redrawThumbIfPageRebuilt &= !arguments.noThumbnails;
+    program.state.disableScriptTags = arguments.noScripts;
+    program.state.wideRecordIds |= arguments.wideIds;
+    program.state.redrawThumbIfPageRebuilt &= !arguments.noThumbnails;
     Totals totals;
     bool whole = false;
     {
@@ -117,7 +116,7 @@ Exit run(Session &session, const Arguments &arguments) {
             refuseExisting(ids, arguments.out);
         whole = rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
             if (page.rebuilt)
-                handOver(page.folder / pageNameOf(UrlId{page.urlID}), arguments.out);
+                handOver(page.folder / pageNameOf(page.urlID), arguments.out);
             add(totals, page);
             session.task.clear();
             session.out << lineOf(page);

@@ -78,8 +78,7 @@ void checkPicture(const char *option, const std::string &path) {
 /// Nothing when it was cancelled.
 std::optional<RowIds> rowsOf(Session &session, const Arguments &arguments) {
     Program &program = session.program;
-    UrlTable table(program.thisClass.projectDB.connection(), program.log,
-                   program.thisClass.gmtZone);
+    UrlTable table(program.state.projectDB.connection(), program.log, program.state.gmtZone);
     if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Cancelled)
         return std::nullopt;
     return table.ids();
@@ -148,21 +147,21 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
         return std::nullopt;
     const fs::path index = ReportFolder::at(arguments.out).index(tools.report.reportType);
     notePublish(session.program, index, published);
-    return Made{
-        index, published.files, rowsReported(session.program.thisClass.projectDB.connection()),
-        tools.report.recordsFailed + tools.report.filesFailed + tools.report.pagesIncomplete};
+    return Made{index, published.files, rowsReported(session.program.state.projectDB.connection()),
+                tools.report.recordsFailed + tools.report.filesFailed +
+                    tools.report.pagesIncomplete};
 }
 
 Exit run(Session &session, const Arguments &arguments) {
     if (arguments.all && arguments.tagged)
         throw UsageError("either --all or --tagged was expected");
-    session.program.thisClass.filters = filtersFrom(arguments.rows.filter);
+    session.program.state.filters = filtersFrom(arguments.rows.filter);
     session.openForNote(arguments.project);
     Program &program = session.program;
-    checkTarget(arguments, program.thisClass);
+    checkTarget(arguments, program.state);
     checkPicture("--logo", arguments.logo.value_or(""));
     checkPicture("--thumbnail", arguments.thumbnail);
-    program.thisClass.wideRecordIds |= arguments.wideIds;
+    program.state.wideRecordIds |= arguments.wideIds;
     const auto ids = rowsOf(session, arguments);
     const auto made = ids ? make(session, arguments, *ids) : std::nullopt;
     session.task.clear();

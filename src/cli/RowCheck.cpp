@@ -5,62 +5,61 @@
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "cli/Session.h"
+#include "db/BindId.h"
 #include "db/Damage.h"
 #include "rebuild/Harvest.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <iterator>
 #include <unordered_set>
 
 namespace nv::cli {
 
-void namingDamage(const SQLite::Database &project, std::int64_t id,
-                  const std::function<void()> &body) {
+void namingDamage(const SQLite::Database &project, UrlId id, const std::function<void()> &body) {
     if (!unlessDamaged(body))
         throw StorageFailure(fmt::format("row {} can't be read: \"{}\" is damaged where it lies",
                                          id, project.getFilename()));
 }
 
-void checkRows(SQLite::Database &project, std::span<const std::int64_t> ids) {
+std::vector<UrlId> checkedRows(SQLite::Database &project, std::span<const std::int64_t> numbers) {
+    std::vector<UrlId> ids;
     SQLite::Statement row(project, "SELECT 1 FROM URLs WHERE URL_ID = ?");
-    for (const std::int64_t id : ids) {
+    for (const std::int64_t number : numbers) {
+        const UrlId id{number};
         bool isThere = false;
         namingDamage(project, id, [&] {
             row.tryReset();
-            row.bind(1, id);
+            bindId(row, 1, id);
             isThere = row.executeStep();
         });
         if (!isThere)
             throw UsageError(fmt::format("the project has no row {}", id));
+        ids.push_back(id);
     }
+    return ids;
 }
 
-std::vector<std::int64_t> checkedRows(SQLite::Database &project,
-                                      std::span<const std::int64_t> ids) {
-    checkRows(project, ids);
-    std::unordered_set<std::int64_t> seen;
-    std::vector<std::int64_t> once;
-    std::ranges::copy_if(ids, std::back_inserter(once),
-                         [&seen](std::int64_t id) { return seen.insert(id).second; });
-    return once;
+std::vector<UrlId> differentRows(SQLite::Database &project, std::span<const std::int64_t> numbers) {
+    std::vector<UrlId> ids = checkedRows(project, numbers);
+    std::unordered_set<UrlId> seen;
+    std::erase_if(ids, [&seen](UrlId id) { return !seen.insert(id).second; });
+    return ids;
 }
 
-void checkRow(SQLite::Database &project, std::int64_t id) {
-    checkRows(project, std::span(&id, 1));
+UrlId checkedRow(SQLite::Database &project, std::int64_t number) {
+    return checkedRows(project, std::span(&number, 1)).front();
 }
 
 void unpackPage(UrlRecord &page, RecordTools &tools, const Program &program) {
     const RebuildContext &ctx = tools.context();
     if (needsWideIds(page.IngredientIDs, ctx.settings))
-        throw UsageError(fmt::format("row {}: {} (here: --wide-ids)", number(page.URLID),
+        throw UsageError(fmt::format("row {}: {} (here: --wide-ids)", page.URLID,
                                      reasonText(NotRebuilt::wideIds)));
     if (!unpackIngredients(page, ctx))
         throw StorageFailure(fmt::format("row {}: the rebuilt page can't be brought back; see "
                                          "\"{}\"",
-                                         number(page.URLID), textOf(program.log.path())));
+                                         page.URLID, textOf(program.log.path())));
 }
 
 } // namespace nv::cli

@@ -10,14 +10,14 @@
 
 namespace nv::cli {
 
-Exit withContent(Session &session, const std::string &project, std::int64_t urlId,
+Exit withContent(Session &session, const std::string &project, std::int64_t number,
                  const std::function<Exit(const RecordContent &)> &show) {
     session.openForReading(project);
-    checkRow(session.program.thisClass.projectDB.connection(), urlId);
+    const UrlId urlId = checkedRow(session.program.state.projectDB.connection(), number);
     Exit exit = Exit::damagedEvidence;
     {
         RecordTools tools(session.program, session.task, session.scratch());
-        const auto content = contentOfRecord(tools, UrlId{urlId});
+        const auto content = contentOfRecord(tools, urlId);
         if (content && content->file)
             exit = show(*content);
         else if (content)

@@ -71,9 +71,9 @@ void Session::flushOutput() {
 }
 
 const std::filesystem::path &Session::scratch() {
-    if (program.thisClass.tempFolderPath.empty())
-        takeTempFolder(program, program.thisClass.tempFolderRoot);
-    return program.thisClass.tempFolderPath;
+    if (program.state.tempFolderPath.empty())
+        takeTempFolder(program, program.state.tempFolderRoot);
+    return program.state.tempFolderPath;
 }
 
 } // namespace nv::cli

@@ -34,7 +34,8 @@ Argument hostOption(RowsAsked &rows) {
 Argument filterOption(RowsAsked &rows) {
     return value("--filter", rows.filter,
                  "Only what these record filters show, separated by commas, such as "
-                 "CacheURLs,JPEG,Cookies; a wrong one lists them all")
+                 "CacheURLs,JPEG,Cookies; browser=NAME, profile=NAME and person=NAME choose whose "
+                 "records; a wrong one lists them all")
         .separatedByCommas();
 }
 

@@ -1,13 +1,17 @@
 #include "app/project/Project.h"
+#include "base/TextRows.h"
 #include "cli/Commands.h"
 #include "cli/ReadProject.h"
 #include "cli/RowCheck.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
+#include "db/BindId.h"
 #include "db/Connection.h"
 #include "db/ProjectFields.h"
+#include "db/RecordFacts.h"
 #include "db/RecordStore.h"
 #include "readers/CachedBody.h"
+#include "reports/FactsJson.h"
 #include "views/HttpHeaders.h"
 #include "views/Properties.h"
 
@@ -39,13 +43,13 @@ void showProperty(std::ostream &out, std::string_view name, const std::string &v
 
 /// The project stays unopened: it may lie where nothing can be written.
 std::optional<std::filesystem::path> pictureOf(Session &session, const std::string &project,
-                                               std::int64_t urlId, const std::string &root) {
+                                               UrlId urlId, const std::string &root) {
     Program &program = session.program;
     const auto database = connectToProject(project, Access::read);
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     RecordStore records(*database, {state.gmtZone, state.enableDSTChanges}, program.around.clock,
                         program.log);
-    auto record = records.getURL(UrlId{urlId});
+    auto record = records.getURL(urlId);
     if (!record)
         return std::nullopt;
     const Evidence evidence(root);
@@ -55,33 +59,35 @@ std::optional<std::filesystem::path> pictureOf(Session &session, const std::stri
 /// The properties of a row as the window has them, but with dates of any age. `database` is the
 /// project, opened for reading.
 void showForPeople(Session &session, SQLite::Database &database, const std::string &project,
-                   std::int64_t urlId) {
+                   UrlId urlId) {
     Program &program = session.program;
     const ProjectFields fields(database, program.log);
-    if (const auto zone = fields.defaultNumber("LastTimeZoneID"); zone && *zone > 0)
-        setZone(program, *zone);
+    takeStoredZone(program, fields);
     DateSettings dates = dateSettings(program);
     dates.currentYear = 0; // no date is too old to be printed
     const std::string root = fields.getDefault("RootPath");
-    const PropertySource source{database, program.thisClass.gmtZone, dates, program.log,
+    const PropertySource source{database, program.state.gmtZone, dates, program.log,
                                 [&] { return pictureOf(session, project, urlId, root); }};
-    for (const Property &property : loadProperties(UrlId{urlId}, source))
+    for (const Property &property : loadProperties(urlId, source))
         showProperty(session.out, property.name, property.value);
 }
 
 Exit run(Session &session, const Arguments &arguments) {
-    const std::int64_t urlId = arguments.urlId;
     const auto database = readProject(arguments.project);
-    checkRow(*database, urlId);
+    const UrlId urlId = checkedRow(*database, arguments.urlId);
     if (arguments.format == Format::table) {
         showForPeople(session, *database, arguments.project, urlId);
         return Exit::ok;
     }
     SQLite::Statement row(*database, "SELECT * FROM URLs WHERE URL_ID = ?");
-    row.bind(1, urlId);
+    bindId(row, 1, urlId);
     namingDamage(*database, urlId, [&row] { row.executeStep(); });
     const StatementCells cells = cellsOf(session, row, arguments.format);
-    makeRowWriter(arguments.format, session.out, cells.headings())->row(cells.cells());
+    if (arguments.format == Format::jsonl)
+        session.out << jsonLine(cells.headings(), cells.cells(),
+                                factMembers(RecordFacts(*database).of(UrlId{urlId})));
+    else
+        makeRowWriter(arguments.format, session.out, cells.headings())->row(cells.cells());
     return Exit::ok;
 }
 

@@ -55,8 +55,8 @@ Exit run(Session &session, const Arguments &arguments) {
         throw UsageError("either URL_IDs or --where were expected");
     session.open(arguments.project);
     Program &program = session.program;
-    SQLite::Database &project = program.thisClass.projectDB.connection();
-    checkRows(project, arguments.ids);
+    SQLite::Database &project = program.state.projectDB.connection();
+    static_cast<void>(checkedRows(project, arguments.ids));
     std::vector<std::int32_t> ids;
     for (const std::int64_t id : arguments.ids)
         ids.push_back(static_cast<std::int32_t>(id));

@@ -33,7 +33,7 @@ struct Arguments {
 };
 
 fs::path folderOf(const Program &program, const Arguments &arguments) {
-    return arguments.folder.empty() ? program.thisClass.templatesPath : fs::path(arguments.folder);
+    return arguments.folder.empty() ? program.state.templatesPath : fs::path(arguments.folder);
 }
 
 std::string_view wordOf(TemplateResult result) {
@@ -69,33 +69,33 @@ fs::path templateOf(const Program &program, const Arguments &arguments) {
                                  arguments.file, textOf(folder)));
 }
 
-void checkOut(Program &program, const Arguments &arguments) {
+void checkOut(Program &program, const Arguments &arguments, std::span<const UrlId> ids) {
     if (arguments.out.empty())
         return;
-    refuseEvidence(arguments.out, program.thisClass);
+    refuseEvidence(arguments.out, program.state);
     refusePlainFile(arguments.out);
     if (!arguments.overwrite)
-        refuseExisting(arguments.ids, arguments.out);
+        refuseExisting(ids, arguments.out);
 }
 
 Exit create(Session &session, const Arguments &arguments) {
     session.open(arguments.project);
     Program &program = session.program;
-    const auto ids = checkedRows(program.thisClass.projectDB.connection(), arguments.ids);
-    program.thisClass.wideRecordIds |= arguments.wideIds;
+    const auto ids = differentRows(program.state.projectDB.connection(), arguments.ids);
+    program.state.wideRecordIds |= arguments.wideIds;
     const fs::path folder = folderOf(program, arguments);
-    refuseEvidence(folder, program.thisClass);
+    refuseEvidence(folder, program.state);
     Exit exit = Exit::ok;
     {
         RecordTools tools(program, session.task, session.scratch());
-        for (const std::int64_t id : ids) {
+        for (const UrlId id : ids) {
             auto page = tools.record(id);
             if (!page)
                 throw StorageFailure(fmt::format("row {} can't be read; see \"{}\"", id,
                                                  textOf(program.log.path())));
             if (page->CacheFileRebuilt)
                 unpackPage(*page, tools, program);
-            const auto result = createTemplate(*page, folder, program.thisClass.appVersion,
+            const auto result = createTemplate(*page, folder, program.state.appVersion,
                                                arguments.overwrite ? IfTemplateExists::overwrite
                                                                    : IfTemplateExists::refuse,
                                                tools.context());
@@ -124,21 +124,19 @@ Exit apply(Session &session, const Arguments &arguments) {
     const std::vector<fs::path> templates{templateOf(session.program, arguments)};
     session.open(arguments.project);
     Program &program = session.program;
-    const auto ids = checkedRows(program.thisClass.projectDB.connection(), arguments.ids);
-    checkOut(program, arguments);
-    program.thisClass.templateMatchByTitle = !arguments.anyTitle;
+    const auto ids = differentRows(program.state.projectDB.connection(), arguments.ids);
+    checkOut(program, arguments, ids);
+    program.state.templateMatchByTitle = !arguments.anyTitle;
     Exit exit = Exit::ok;
     LaidTemplates laid;
     {
         RecordTools tools(program, session.task, session.scratch());
-        laid =
-            rebuildFromTemplates(program, tools, ids, templates, [&](std::int64_t id, Laid result) {
-                if (result == Laid::rebuilt && !arguments.out.empty())
-                    handOver(rebuildFolderOf(UrlId{id}, tools.context()) / pageNameOf(UrlId{id}),
-                             arguments.out);
-                session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
-                exit = result == Laid::rebuilt ? exit : Exit::nothingDone;
-            });
+        laid = rebuildFromTemplates(program, tools, ids, templates, [&](UrlId id, Laid result) {
+            if (result == Laid::rebuilt && !arguments.out.empty())
+                handOver(rebuildFolderOf(id, tools.context()) / pageNameOf(id), arguments.out);
+            session.out << fmt::format("{:>9}  {}\n", id, wordOf(result));
+            exit = result == Laid::rebuilt ? exit : Exit::nothingDone;
+        });
         session.task.clear();
     }
     closeProject(program);

@@ -14,6 +14,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace nv::cli {
 
@@ -26,12 +27,11 @@ struct Arguments {
     bool redo = false; ///< rows that have a thumbnail too
 };
 
-std::vector<std::int64_t> chosenIds(Program &program, const Arguments &arguments,
-                                    UnreadRows &unread) {
+std::vector<UrlId> chosenIds(Program &program, const Arguments &arguments, UnreadRows &unread) {
     if (arguments.all)
         return drawableIds(program, arguments.redo ? Redo::yes : Redo::no, unread);
-    checkRows(program.thisClass.projectDB.connection(), arguments.ids);
-    return arguments.redo ? arguments.ids : withoutThumbnail(program, arguments.ids);
+    auto ids = checkedRows(program.state.projectDB.connection(), arguments.ids);
+    return arguments.redo ? ids : withoutThumbnail(program, std::move(ids));
 }
 
 std::string textOf(const ThumbnailTotals &totals) {

@@ -28,7 +28,7 @@ Exit run(Session &session, const Arguments &arguments) {
     const bool notes = session.openForNote(arguments.project);
     Program &program = session.program;
     const SourceCheck check =
-        verifySources(program.thisClass.projectDB.connection(), program.log, session.task);
+        verifySources(program.state.projectDB.connection(), program.log, session.task);
     session.task.clear();
     write(session, check, arguments.format);
     session.err << summaryText(check) << '\n';

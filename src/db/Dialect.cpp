@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "db/Comparisons.h"
+#include "db/FactCalls.h"
 #include "db/LikePattern.h"
 
 #include <fmt/format.h>
@@ -202,7 +203,7 @@ std::string translate(std::string_view sql) {
                            "not be read");
     const std::vector<Token> tokens = tokensOf(sql);
     checkDateComparisons(tokens);
-    return Translation(asExaminersMean(tokens)).run();
+    return Translation(withFactsLookedUp(asExaminersMean(tokens))).run();
 }
 
 std::string quotedName(std::string_view name) {

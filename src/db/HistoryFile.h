@@ -39,6 +39,37 @@ enum class HistoryFileType : std::int16_t {
     safariCookies = 28,
     firefoxCookies = 29,
     chromeCookies = 30,
+
+    // Beyond the classic rules.
+    chromiumHistory = 31, ///< known by its tables
+    chromiumCookies = 32,
+    chromiumWebData = 33,
+    chromiumLogins = 34,
+    chromiumBookmarks = 35,
+    chromiumFavicons = 36,
+    chromiumTopSites = 37,
+    chromiumShortcuts = 38,
+    chromiumPredictor = 39,
+    chromiumPreferences = 40,
+    chromiumLocalState = 41,
+    firefoxForms = 50,
+    firefoxPermissions = 51,
+    firefoxLogins = 52,
+    firefoxFavicons = 53,
+    firefoxDownloads = 54, ///< up to version 20
+    firefoxBookmarkBackup = 55,
+};
+
+/// Whose artefact it is, as its place and what lies beside it say. Empty is unknown. A reader adds
+/// what only its reading tells: a version where there is none, and a device.
+struct Origin {
+    std::string browser;
+    std::string browserVersion; ///< of the program, or else of the file's schema
+    std::string profile;        ///< the profile's folder
+    std::string person;         ///< the account's folder
+    std::string device;         ///< another device, when all of it came from there by sync
+
+    friend bool operator==(const Origin &, const Origin &) = default;
 };
 
 /// One artefact file of an import; a row of `SourceFiles` once logFile has registered it.
@@ -53,6 +84,7 @@ struct HistoryFile {
     std::string sha256Hash; ///< the same
     nv::HistoryFileType historyFileType = nv::HistoryFileType::none;
     std::string version;
+    nv::Origin origin;
 };
 
 } // namespace nv

@@ -15,32 +15,6 @@
 
 namespace nv {
 
-namespace {
-
-struct KeywordFlag {
-    std::string_view name;
-    std::string_view code;
-    const std::vector<std::string> &terms;
-};
-
-/// Every term with ";" after it.
-std::string flagList(const std::vector<std::string> &terms) {
-    std::string list;
-    for (const std::string &term : terms)
-        list += term + ";";
-    return list;
-}
-
-void addFlag(SQLite::Database &database, const KeywordFlag &flag) {
-    SQLite::Statement insert(
-        database, "INSERT INTO KeywordFlags (FlagName, Keywords, FlagCode) SELECT ?, ?, "
-                  "?3 WHERE NOT EXISTS (SELECT 1 FROM KeywordFlags WHERE FlagCode = ?3)");
-    SQLite::bind(insert, std::string(flag.name), flagList(flag.terms), std::string(flag.code));
-    insert.exec();
-}
-
-} // namespace
-
 ProjectDatabase::ProjectDatabase(FailureLog &log, const Clock &clock)
     : m_log(log), m_clock(clock) {}
 
@@ -80,41 +54,6 @@ void ProjectDatabase::fillNewProject() {
         catalogue.add(table);
     catalogue.noteRelationships();
     transaction.commit();
-}
-
-bool ProjectDatabase::createMorkFileParser(const std::filesystem::path &file) {
-    return !failureOf(m_log, "DatabaseClass.CreateMorkFileParser()", [&file] {
-        removeDatabase(file);
-        const auto scratch = connect(file, Access::create);
-        onFile(file, [&scratch] {
-            for (const schema::Table &table : schema::morkTables())
-                scratch->exec(schema::createStatement(table));
-            scratch->exec("PRAGMA journal_mode=DELETE");
-        });
-    });
-}
-
-void ProjectDatabase::addOnFirstUse(const schema::Table &table) {
-    if (!m_database)
-        throw StorageFailure("no project is open");
-    if (!m_database->tableExists(std::string(table.name)))
-        SchemaCatalogue(*m_database).add(table);
-}
-
-bool ProjectDatabase::populateKeywordFlags() {
-    return !failureOf(m_log, "DatabaseClass.PopulateKeywordFlags()", [this] {
-        const KeywordLists lists = loadKeywordLists({keywordFolder, agencyKeywordFolder}, m_log);
-        onProject([&] {
-            addOnFirstUse(schema::keywordFlags());
-            addFlag(*m_database, {"Adult Content", "AC", lists.adultContent});
-            addFlag(*m_database, {"Sex Crimes", "CP", lists.childExploitation});
-        });
-    });
-}
-
-bool ProjectDatabase::createFlaggedURLs() {
-    return !failureOf(m_log, "DatabaseClass.CreateFlaggedURLs()",
-                      [this] { onProject([this] { addOnFirstUse(schema::flaggedUrls()); }); });
 }
 
 bool ProjectDatabase::isReadOnly() const {

@@ -13,10 +13,6 @@ class Database;
 
 namespace nv {
 
-namespace schema {
-struct Table;
-}
-
 /// The project file: one SQLite database with tables, columns and stored queries
 /// (docs/formats/project-file.md).
 class ProjectDatabase {
@@ -38,14 +34,6 @@ class ProjectDatabase {
     /// which is logged; what was written stays on disk. A file that is there isn't touched: the
     /// caller deletes it first.
     [[nodiscard]] bool createDatabaseProject();
-    /// Makes a scratch file for a Mork history, over one that is there, and closes it. Needs no
-    /// project. False on a failure, which is logged.
-    [[nodiscard]] bool createMorkFileParser(const std::filesystem::path &file);
-    /// Fills table `KeywordFlags`, made on first use, with the term lists that the keyword queries
-    /// look for. Flags that are there stay as they are. False on a failure, which is logged.
-    [[nodiscard]] bool populateKeywordFlags();
-    /// Makes table `FlaggedURLs`, which no new project has. False on a failure, which is logged.
-    [[nodiscard]] bool createFlaggedURLs();
 
     /// Opens the file at filePath. Throws StorageFailure, saying what is wrong with the file. What
     /// is opened for reading keeps every byte, so that its hash stays that of the day it was filed.
@@ -61,7 +49,6 @@ class ProjectDatabase {
 
   private:
     void fillNewProject();
-    void addOnFirstUse(const schema::Table &table);
 
     FailureLog &m_log;
     const Clock &m_clock;

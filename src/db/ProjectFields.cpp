@@ -75,15 +75,6 @@ std::string ProjectFields::getDB3Field(std::string_view field, std::string_view 
     });
 }
 
-std::int64_t ProjectFields::getRecordCount(std::string_view column, std::string_view table) const {
-    return logged(m_log, "ADO.GetRecordCount()", std::int64_t{0}, [&] {
-        return m_database
-            .execAndGet(fmt::format("SELECT Count({}) As RecCount FROM {}",
-                                    columnName(table, column), tableName(table)))
-            .getInt64();
-    });
-}
-
 bool ProjectFields::putDBField(std::string_view value, std::string_view keyValue,
                                std::string_view key, std::string_view table, std::string_view field,
                                Severity severity) {
@@ -108,6 +99,10 @@ bool ProjectFields::putDBField(std::string_view value, std::string_view keyValue
 
 bool ProjectFields::saveDefaultSetting(std::string_view name, std::string_view value) {
     return putDBField(value, name, "DefaultName", "DefaultSettings", "DefaultValue");
+}
+
+void ProjectFields::remember(std::string_view name, std::string_view value) {
+    static_cast<void>(saveDefaultSetting(name, value));
 }
 
 std::string ProjectFields::getDefault(std::string_view name) const {

@@ -26,20 +26,21 @@ class ProjectFields {
     /// such row.
     std::string getDB3Field(std::string_view field, std::string_view table, std::string_view key,
                             std::string_view keyValue) const;
-    std::int64_t getRecordCount(std::string_view column, std::string_view table) const;
     /// Sets a field of the row with the key; dates as query texts have them, "True" and "False" are
     /// understood. A row of `DefaultSettings` is added when it isn't
     /// there.
-    bool putDBField(std::string_view value, std::string_view keyValue, std::string_view key,
-                    std::string_view table, std::string_view field,
-                    Severity severity = Severity::Warning);
+    [[nodiscard]] bool putDBField(std::string_view value, std::string_view keyValue,
+                                  std::string_view key, std::string_view table,
+                                  std::string_view field, Severity severity = Severity::Warning);
 
-    bool saveDefaultSetting(std::string_view name, std::string_view value);
+    [[nodiscard]] bool saveDefaultSetting(std::string_view name, std::string_view value);
+    /// The same for what nobody chose and nobody misses: a failure stands in the log alone.
+    void remember(std::string_view name, std::string_view value);
     /// Trimmed; empty when the row is missing.
     std::string getDefault(std::string_view name) const;
-    /// The setting as a whole number, when it is one.
     /// The names of all values in `DefaultSettings`.
     std::vector<std::string> defaultNames() const;
+    /// The setting as a whole number, when it is one.
     std::optional<std::int64_t> defaultNumber(std::string_view name) const;
 
   private:

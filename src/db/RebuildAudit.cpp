@@ -1,6 +1,7 @@
 #include "db/RebuildAudit.h"
 
 #include "base/Text.h"
+#include "db/BindId.h"
 #include "db/Savepoint.h"
 #include "db/SchemaCatalogue.h"
 
@@ -32,7 +33,7 @@ void RebuildAudit::makeTable() {
 
 void RebuildAudit::forget(UrlId page) {
     SQLite::Statement remove(m_database, "DELETE FROM RebuildAudit WHERE URL_ID = ?");
-    remove.bind(1, number(page));
+    bindId(remove, 1, page);
     remove.exec();
 }
 
@@ -46,7 +47,7 @@ void RebuildAudit::store(UrlId page, std::span<const ReferenceNote> notes) {
     std::int64_t reference = 0;
     for (const ReferenceNote &note : notes) {
         insert.reset();
-        insert.bind(1, number(page));
+        bindId(insert, 1, page);
         insert.bind(2, ++reference);
         insert.bind(3, note.accuracyScore);
         insert.bind(4, note.rewritten ? 1 : 0);
@@ -62,7 +63,7 @@ std::map<std::size_t, ReferenceNote> RebuildAudit::notes(UrlId page) const {
         return all;
     SQLite::Statement row(m_database, "SELECT Reference, AccuracyScore, Rewritten, Candidates "
                                       "FROM RebuildAudit WHERE URL_ID = ? ORDER BY Audit_ID");
-    row.bind(1, number(page));
+    bindId(row, 1, page);
     while (row.executeStep())
         all[static_cast<std::size_t>(row.getColumn(0).getInt64())] = {
             row.getColumn(1).getString(), row.getColumn(2).getInt() != 0,

@@ -81,6 +81,9 @@ constexpr auto kColumns = std::to_array<RecordColumn>({
     {"User", &UrlRecord::User},
     {"Visits", &UrlRecord::Visits},
     {"WebPageTitle", &UrlRecord::WebpageTitle},
+    {"Browser", &UrlRecord::Browser},
+    {"Profile", &UrlRecord::Profile},
+    {"Person", &UrlRecord::Person},
 });
 
 } // namespace

@@ -3,14 +3,19 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/RecordColumns.h"
 #include "db/RecordNames.h"
 #include "db/SqliteErrors.h"
+#include "db/StoredText.h"
 #include "time/TimeZone.h"
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Database.h>
 
+#include <algorithm>
+#include <array>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -19,9 +24,9 @@ namespace nv {
 
 namespace {
 
-std::string columnNames() {
+std::string columnNames(std::span<const RecordColumn> columns) {
     std::string names;
-    for (const RecordColumn &column : recordColumns())
+    for (const RecordColumn &column : columns)
         names.append(names.empty() ? "\"" : ", \"").append(column.name).append("\"");
     return names;
 }
@@ -30,16 +35,26 @@ std::string insertText() {
     std::string marks = "?";
     for (std::size_t i = 1; i < recordColumns().size(); ++i)
         marks.append(", ?");
-    return "INSERT INTO URLs (" + columnNames() + ") VALUES (" + marks + ")";
+    return "INSERT INTO URLs (" + columnNames(recordColumns()) + ") VALUES (" + marks + ")";
 }
 
-/// Text goes in whole, zero bytes included. Bytes that are no UTF-8 are repaired, so that every
-/// tool can read the row.
-void bindText(SQLite::Statement &statement, int at, const std::string &text) {
-    if (isUtf8(text))
-        statement.bindNoCopy(at, text);
-    else
-        statement.bind(at, decodeText(text));
+/// A project of an earlier build lacks these.
+constexpr std::array<std::string_view, 3> kLaterColumns = {"Browser", "Profile", "Person"};
+
+/// Of the columns that every project must have none is left out: a record without them would pass
+/// for one whose source said nothing.
+std::vector<RecordColumn> columnsThere(SQLite::Database &database) {
+    SQLite::Statement known(database, "SELECT 1 FROM pragma_table_info('URLs') WHERE name = ? "
+                                      "COLLATE NOCASE");
+    std::vector<RecordColumn> there;
+    for (const RecordColumn &column : recordColumns()) {
+        known.reset();
+        known.bind(1, std::string(column.name));
+        const bool isLater = std::ranges::find(kLaterColumns, column.name) != kLaterColumns.end();
+        if (!isLater || known.executeStep())
+            there.push_back(column);
+    }
+    return there;
 }
 
 /// Binds a member of the record to a 1-based parameter. Texts and bytes aren't copied: they must
@@ -68,7 +83,7 @@ struct Binder {
     }
     void operator()(SourceFileId UrlRecord::*member) const {
         if (const SourceFileId id = record.*member; id != SourceFileId::none)
-            statement.bind(at, number(id));
+            bindId(statement, at, id);
         else
             statement.bind(at);
     }
@@ -97,14 +112,23 @@ struct Reading {
     }
 };
 
+void takeOrigin(UrlRecord &record, const Origin &origin) {
+    if (record.Browser.empty())
+        record.Browser = origin.browser;
+    if (record.Profile.empty())
+        record.Profile = origin.profile;
+    if (record.Person.empty())
+        record.Person = origin.person;
+}
+
 } // namespace
 
 RecordStore::RecordStore(SQLite::Database &database, const ProjectZone &zone, const Clock &clock,
                          FailureLog &log)
-    : m_database(database), m_zone(zone), m_clock(clock), m_log(log),
-      m_insert(database, insertText()),
+    : m_database(database), m_zone(zone), m_clock(clock), m_log(log), m_facts(database),
+      m_readColumns(columnsThere(database)),
       m_insertLink(database, "INSERT INTO Links (URL_ID, URL, HashedURL) VALUES (?, ?, ?)"),
-      m_select(database, "SELECT " + columnNames() + " FROM URLs WHERE URL_ID = ?"),
+      m_select(database, "SELECT " + columnNames(m_readColumns) + " FROM URLs WHERE URL_ID = ?"),
       m_markAsWebPage(database, "UPDATE URLs SET IsWebPage = 1 WHERE URL_ID = ?") {}
 
 void RecordStore::saveRecord(UrlRecord &record, const HistoryFile &file) {
@@ -112,6 +136,7 @@ void RecordStore::saveRecord(UrlRecord &record, const HistoryFile &file) {
     const auto save = [&] {
         complete(record, file);
         insertRow(record);
+        m_facts.store(record.URLID, record.facts);
         if (record.IsWebPage)
             insertLinks(record);
     };
@@ -121,6 +146,7 @@ void RecordStore::saveRecord(UrlRecord &record, const HistoryFile &file) {
 
 void RecordStore::complete(UrlRecord &record, const HistoryFile &file) const {
     record.SourceFile_ID = file.sourceFileID;
+    takeOrigin(record, file.origin);
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal =
         record.ActionDateUTC.has()
@@ -134,13 +160,15 @@ void RecordStore::complete(UrlRecord &record, const HistoryFile &file) const {
 }
 
 void RecordStore::insertRow(UrlRecord &record) {
+    if (!m_insert)
+        m_insert.emplace(m_database, insertText());
     int at = 0;
-    m_insert.tryReset();
+    m_insert->tryReset();
     for (const RecordColumn &column : recordColumns())
-        std::visit(Binder{m_insert, record, ++at}, column.member);
-    m_insert.exec();
+        std::visit(Binder{*m_insert, record, ++at}, column.member);
+    m_insert->exec();
     record.URLID = UrlId{m_database.getLastInsertRowid()};
-    m_insert.tryReset();
+    m_insert->tryReset();
 }
 
 void RecordStore::insertLinks(const UrlRecord &record) {
@@ -157,7 +185,7 @@ void RecordStore::insertLinks(const UrlRecord &record) {
 /// `url` must stay until the statement has run.
 void RecordStore::bindLink(UrlId id, const std::string &url, const std::string &hash) {
     m_insertLink.tryReset();
-    m_insertLink.bind(1, number(id));
+    bindId(m_insertLink, 1, id);
     bindText(m_insertLink, 2, url);
     m_insertLink.bind(3, hash);
 }
@@ -175,7 +203,7 @@ void RecordStore::addLinksToItself(const UrlRecord &page, std::size_t count) {
 void RecordStore::markAsWebPage(UrlRecord &record) {
     onProject(m_database, [&] {
         m_markAsWebPage.tryReset();
-        m_markAsWebPage.bind(1, number(record.URLID));
+        bindId(m_markAsWebPage, 1, record.URLID);
         m_markAsWebPage.exec();
         m_markAsWebPage.tryReset();
     });
@@ -185,13 +213,13 @@ void RecordStore::markAsWebPage(UrlRecord &record) {
 std::optional<UrlRecord> RecordStore::getURL(UrlId id) {
     const auto read = [&]() -> std::optional<UrlRecord> {
         m_select.tryReset();
-        m_select.bind(1, number(id));
+        bindId(m_select, 1, id);
         if (!m_select.executeStep())
             return std::nullopt;
         UrlRecord record;
         record.URLID = id;
         int at = 0;
-        for (const RecordColumn &column : recordColumns())
+        for (const RecordColumn &column : m_readColumns)
             std::visit(Reading{m_select, record, at++}, column.member);
         m_select.tryReset();
         return record;

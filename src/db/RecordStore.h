@@ -3,6 +3,8 @@
 #include "base/Clock.h"
 #include "base/FailureLog.h"
 #include "db/HistoryFile.h"
+#include "db/RecordColumns.h"
+#include "db/RecordFacts.h"
 #include "db/UrlRecord.h"
 
 #include <SQLiteCpp/Statement.h>
@@ -10,6 +12,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace nv {
 
@@ -35,7 +38,11 @@ class RecordStore {
 
     /// Nothing when there is no such row, or when it can't be read, which is logged: a damaged page
     /// of the project costs its rows and no others. Throws StorageFailure when nothing can be read.
+    /// What a project of an earlier build has no column for stays empty.
     std::optional<UrlRecord> getURL(UrlId id);
+
+    /// What `UrlRecord::facts` was when the record was saved. Throws.
+    FactList factsOf(UrlId id) { return m_facts.of(id); }
 
     /// Adds `count` rows to `Links` for the links found in the saved record's page. Unlike those
     /// that saveRecord makes of `UrlRecord::Links`, each names the page: link analysis finds a page
@@ -54,7 +61,9 @@ class RecordStore {
     ProjectZone m_zone;
     const Clock &m_clock;
     FailureLog &m_log;
-    SQLite::Statement m_insert;
+    RecordFacts m_facts;
+    std::vector<RecordColumn> m_readColumns; ///< those that the project has, as m_select gives them
+    std::optional<SQLite::Statement> m_insert; ///< made when it is needed: reading goes without
     SQLite::Statement m_insertLink;
     SQLite::Statement m_select;
     SQLite::Statement m_markAsWebPage;

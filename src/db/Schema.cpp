@@ -31,15 +31,21 @@ TypeWords wordsOf(ColumnType type) {
         return {"Memo", "TEXT"};
     case ColumnType::Binary:
         return {"Binary", "BLOB"};
+    case ColumnType::Variant:
+        // A declared type would turn texts of digits into numbers.
+        return {"Variant", ""};
     }
     return {};
 }
 
 std::string definition(const Table &table, const Column &column) {
-    std::string text = fmt::format("\"{}\" {}", column.name, wordsOf(column.type).declared);
+    const std::string_view declared = wordsOf(column.type).declared;
+    std::string text =
+        fmt::format("\"{}\"{}{}", column.name, declared.empty() ? "" : " ", declared);
     if (column.type == ColumnType::Text)
         text += fmt::format("({})", column.size);
-    if (column.type == ColumnType::Text || column.type == ColumnType::Memo)
+    if (column.type == ColumnType::Text || column.type == ColumnType::Memo ||
+        column.type == ColumnType::Variant)
         text += " COLLATE NOCASE";
     // A row that a tool adds without the flag is a plain No, and not neither of both.
     if (column.type == ColumnType::YesNo)
@@ -52,8 +58,9 @@ std::string definition(const Table &table, const Column &column) {
 }
 
 std::string foreignKey(const Relationship &r) {
-    // A rebuild empties a page's tags before it fills them anew; their options go with them.
-    const bool owned = r.toTable == "TagOptions";
+    // A rebuild empties a page's tags before it fills them anew; their options go with them. Facts
+    // are part of their record.
+    const bool owned = r.toTable == "TagOptions" || r.toTable == "RecordFacts";
     return fmt::format("CONSTRAINT \"{}\" FOREIGN KEY (\"{}\") REFERENCES \"{}\" (\"{}\"){}",
                        r.name, r.toColumn, r.fromTable, r.fromColumn,
                        owned ? " ON DELETE CASCADE" : "");

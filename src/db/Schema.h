@@ -8,9 +8,9 @@
 namespace nv::schema {
 
 /// Long is a signed integer, Date days since 1899-12-30 as a float, YesNo 0 or 1, Memo a text
-/// without limit. The size of a Text is kept for comparing projects; texts are never cut by it,
-/// since evidence must not be lost to a width.
-enum class ColumnType { Long, Double, Date, YesNo, Text, Memo, Binary };
+/// without limit, Variant a number or a text as it was given. The size of a Text is kept for
+/// comparing projects; texts are never cut by it, since evidence must not be lost to a width.
+enum class ColumnType { Long, Double, Date, YesNo, Text, Memo, Binary, Variant };
 
 struct Column {
     std::string_view name;
@@ -47,12 +47,8 @@ inline constexpr std::size_t kTablesBeforeQueries = 7;
 /// The tables of a new project, in the order of their making.
 std::span<const Table> projectTables();
 /// Made on first use only.
-const Table &flaggedUrls();
-const Table &keywordFlags();
 const Table &auditTrail();
 const Table &rebuildAudit();
-/// The tables of the scratch file of a Mork history.
-std::span<const Table> morkTables();
 /// In the order of their making.
 std::span<const Relationship> relationships();
 /// Besides the keys. A relationship that is followed from its parent has one of its own name.

@@ -30,6 +30,15 @@ constexpr Column kSourceFiles[] = {
     {"MD5Hash", Memo, 0, false, "MD5 Hash", "The original file hash"},
     {"FileSize", Long, 0, false, "FileSize", "The size of the file in bytes"},
     {"Successful", YesNo, 0, false, "Successful", "Indicates if file was processed Successfully"},
+    {"SHA256Hash", Text, 64, false, "SHA-256 Hash", "The original file hash"},
+    {"Browser", Text, 50, false, "Browser", "The program whose file it is"},
+    {"BrowserVersion", Text, 50, false, "Browser Version",
+     "(50) Of the program, or else of the file's schema"},
+    {"Profile", Text, 255, false, "Profile", "(255) The folder of the profile"},
+    {"Person", Text, 255, false, "Person", "(255) The folder of the account"},
+    {"Device", Text, 255, false, "Device", "(255) The other device that synced all of it"},
+    {"ClassicOnly", YesNo, 0, false, "Classic Rules Only",
+     "Only the classic rules have read the file"},
 };
 
 constexpr Column kLinks[] = {
@@ -88,39 +97,12 @@ constexpr Column kUrlSortTable[] = {
     {"ActionDateLocal", Date, 0, false, "", ""},
 };
 
-constexpr Column kFlaggedUrls[] = {
-    {"Flagged_ID", Long, 0, true, "Link_ID", "Unique record ID"},
-    {"Flag_ID", Long, 0, false, "Parent_ID", "ID from URL entry from URLs table"},
-    {"URL_ID", Long, 0, false, "Child_ID", "Related ID from URL entry from URLs table"},
-    {"FlagLocation", Text, 10, false, "Flag Location", "URL or FILE"},
-};
-
-constexpr Column kMorkColumns[] = {
-    {"Col_ID", Long, 0, true, "", "Unique record ID"},
-    {"Offset", Long, 0, false, "", "File offset"},
-    {"ColID", Text, 20, false, "", ""},
-    {"ColumnName", Memo, 0, false, "", "Column name"},
-};
-
-constexpr Column kMorkMap[] = {
-    {"Map_ID", Long, 0, true, "", "Unique record ID"},
-    {"Offset", Long, 0, false, "", "File offset"},
-    {"RowID", Text, 20, false, "", ""},
-    {"ColID", Text, 20, false, "", "Related to parent table: MOZColumns"},
-    {"ValueID", Memo, 0, false, "", "Related to child table: MOZValues"},
-};
-
-constexpr Column kMorkValues[] = {
-    {"Value_ID", Long, 0, true, "", "Unique record ID"},
-    {"Offset", Long, 0, false, "", "File offset"},
-    {"ValueID", Text, 20, false, "", ""},
-    {"RecordValue", Memo, 0, false, "", "Related to parent table: MOZRecords"},
-};
-
-constexpr Column kKeywordFlags[] = {
-    {"FlagName", Memo, 0, false, "", ""},
-    {"Keywords", Memo, 0, false, "", ""},
-    {"FlagCode", Text, 10, false, "", ""},
+// Value and RawValue are numbers where they are numbers, so that queries can compare them.
+constexpr Column kRecordFacts[] = {
+    {"URL_ID", Long, 0, false, "URL ID", "The record"},
+    {"Name", Text, 50, false, "Fact", "(50) What it is"},
+    {"Value", Variant, 0, false, "Value", "In words, or in the fact's unit"},
+    {"RawValue", Variant, 0, false, "Raw Value", "As the source stores it, where that differs"},
 };
 
 constexpr Column kAuditTrail[] = {
@@ -145,27 +127,29 @@ constexpr Column kRebuildAudit[] = {
     {"Candidates", Memo, 0, false, "Candidates", "IDs of URLs, the chosen one first"},
 };
 
-constexpr std::array<Relationship, 6> kRelationships = {{
+constexpr std::array<Relationship, 7> kRelationships = {{
     {"URLsLinks", "URLs", "URL_ID", "LinkAnalysis", "Parent_ID"},
     {"URLsLinks1", "URLs", "URL_ID", "LinkAnalysis", "Child_ID"},
     {"SourceFilesURLs_Relationship", "SourceFiles", "SourceFile_ID", "URLs", "SourceFile_ID"},
     {"Links_Relationship", "URLs", "URL_ID", "Links", "URL_ID"},
     {"URLTags_Relationship", "URLs", "URL_ID", "Tags", "URL_ID"},
     {"TagOptions_Relationship", "Tags", "Tag_ID", "TagOptions", "Tag_ID"},
+    {"RecordFacts_Relationship", "URLs", "URL_ID", "RecordFacts", "URL_ID"},
 }};
 
-constexpr std::array<Index, 5> kIndexes = {{
+constexpr std::array<Index, 6> kIndexes = {{
     {"URLIndex", "URLs", "URL"},
     {"Links_Relationship", "Links", "URL_ID"},
     {"URLTags_Relationship", "Tags", "URL_ID"},
     {"TagOptions_Relationship", "TagOptions", "Tag_ID"},
     {"RebuildAudit_Page", "RebuildAudit", "URL_ID"},
+    {"RecordFacts_Relationship", "RecordFacts", "URL_ID"},
 }};
 
 } // namespace
 
 std::span<const Table> projectTables() {
-    static const std::array<Table, 10> tables = {{
+    static const std::array<Table, 11> tables = {{
         {"URLs", "URL_ID_PK", urlColumns()},
         {"DefaultSettings", "", kDefaultSettings},
         {"LinkAnalysis", "ParentChild_ID_PK", kLinkAnalysis},
@@ -176,18 +160,9 @@ std::span<const Table> projectTables() {
         {"URLMetaData", "MetaData_ID_PK", kUrlMetaData},
         {"Keywords", "Keyword_ID_PK", kKeywords},
         {"URLSortTable", "", kUrlSortTable},
+        {"RecordFacts", "", kRecordFacts},
     }};
     return tables;
-}
-
-const Table &flaggedUrls() {
-    static const Table table{"FlaggedURLs", "FlagURL_ID_PK", kFlaggedUrls};
-    return table;
-}
-
-const Table &keywordFlags() {
-    static const Table table{"KeywordFlags", "", kKeywordFlags};
-    return table;
 }
 
 const Table &auditTrail() {
@@ -198,15 +173,6 @@ const Table &auditTrail() {
 const Table &rebuildAudit() {
     static const Table table{"RebuildAudit", "Audit_ID_PK", kRebuildAudit};
     return table;
-}
-
-std::span<const Table> morkTables() {
-    static const std::array<Table, 3> tables = {{
-        {"MorkColumns", "Col_ID_PK", kMorkColumns},
-        {"MorkMap", "Map_ID_PK", kMorkMap},
-        {"MorkValues", "Value_ID_PK", kMorkValues},
-    }};
-    return tables;
 }
 
 std::span<const Relationship> relationships() {

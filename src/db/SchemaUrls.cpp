@@ -102,6 +102,9 @@ constexpr Column kUrls[] = {
     {"User", Text, 255, false, "User", "(255) User profile that accessed the URL"},
     {"Visits", Long, 0, false, "Visits", "Number of times URL was visited"},
     {"WebPageTitle", Memo, 0, false, "Web Page Title", "The title of the web page"},
+    {"Browser", Text, 50, false, "Browser", "(50) The program that left the record"},
+    {"Profile", Text, 255, false, "Profile", "(255) The folder of the browser's profile"},
+    {"Person", Text, 255, false, "Person", "(255) The folder of the account"},
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/ByteView.h"
+#include "db/FactList.h"
 #include "db/Ids.h"
 #include "time/Date.h"
 
@@ -75,6 +76,14 @@ struct UrlRecord {
     std::int64_t DataBlockFileOffset = 0;
     std::string MetaData; ///< the HTTP response header
     bool GZipEncoded = false;
+
+    // Origin. Readers leave it to the file's; they fill it where a record says otherwise.
+    std::string Browser;
+    std::string Profile;
+    std::string Person;
+
+    /// What no column holds. saveRecord writes it, getURL leaves it empty: see RecordFacts.
+    FactList facts;
 
     // Kind
     bool IsHistory = false;

@@ -8,6 +8,7 @@
 #include "db/WriteBatch.h"
 #include "import/Categories.h"
 #include "import/ImportSink.h"
+#include "readers/BrowserOf.h"
 #include "readers/ContentProbe.h"
 #include "readers/EvidenceGaps.h"
 #include "readers/Scratch.h"
@@ -112,16 +113,24 @@ bool isReadAtOnce(const Reader &reader, const HistoryFile &file) {
     return reader.isOneRecord && file.fileSize <= kQuickPage;
 }
 
+std::string notReadYet(const Reader *reader) {
+    return reader && !reader->kind.empty()
+               ? fmt::format("{}, not read yet: nothing of it is in the project", reader->kind)
+               : "this format is not read yet";
+}
+
 class Import {
   public:
     Import(const ImportRun &run, ImportSettings &job, ImportSummary &summary)
-        : m_run(run), m_files(job.historyFiles), m_summary(summary),
+        : m_run(run), m_files(job.historyFiles), m_asked(job.asked), m_summary(summary),
           m_log(run.log, summary.gaps.unreadable),
           m_scratch(run.scratch), m_extraction{run.evidence, m_scratch.path(), m_log},
           m_categories(job.verifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        m_log),
           m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata),
-          m_sources(run.project, run.clock, m_log),
+          m_classicOnly(job.classicOnly), m_secrets(job.secrets), m_browserOf(run.evidence, &m_log),
+          m_sources(run.project, run.clock, m_log,
+                    job.classicOnly ? ReadBy::classicRules : ReadBy::allRules),
           m_store(run.project, run.zone, run.clock, m_log),
           m_batch(run.project, [this] { note(); }) {}
     /// Whatever ends the import, the summary tells of what is in the project.
@@ -155,14 +164,16 @@ class Import {
     /// Where the project stood at the last commit.
     void note() {
         m_finishedKept = m_finished;
-        m_rowsKept = m_finished < m_files.count() ? m_summary.artefacts[m_finished].rowsSaved : 0;
+        const bool isWithin = m_finished < m_files.count();
+        m_rowsKept = isWithin ? m_summary.artefacts[m_finished].byKind : RowsByKind();
     }
 
     /// Takes out of the summary what the project gave up with its last batch.
     void takeBack() {
         for (std::size_t i = m_finishedKept; i < m_files.count(); ++i) {
             ArtefactResult &result = m_summary.artefacts[i];
-            const std::uint64_t kept = i == m_finishedKept ? m_rowsKept : 0;
+            const RowsByKind byKind = i == m_finishedKept ? m_rowsKept : RowsByKind();
+            const std::uint64_t kept = rowsOf(byKind);
             const bool isWhole = result.state == ArtefactState::complete;
             if (result.rowsSaved == kept && !isWhole)
                 continue;
@@ -171,16 +182,18 @@ class Import {
                                counted(result.rowsSaved, "row")));
             result.rowsLost += result.rowsSaved - kept;
             result.rowsSaved = kept;
+            result.byKind = byKind;
         }
     }
 
     void one(HistoryFile &file, ArtefactResult &result, double from, double to) {
         const auto begun = std::chrono::steady_clock::now();
         const Reader *reader = m_run.readerFor(file.historyFileType);
+        result.origin = file.origin = m_browserOf(file.fullPath, engineOf(reader));
         if (m_run.evidence.kindOf(file.fullPath) == PlaceKind::nothing)
             settle(result, ArtefactState::vanished, "the file is no longer there");
         else if (!reader || !reader->read)
-            settle(result, ArtefactState::notReadYet, "this format is not read yet");
+            settle(result, ArtefactState::notReadYet, notReadYet(reader));
         else if (result.isLogged = m_sources.logFile(file); !result.isLogged)
             settle(result, ArtefactState::failed, m_log.last);
         else
@@ -200,12 +213,17 @@ class Import {
             m_batch.commit(); // what came before doesn't wait for it
         ImportSink sink(m_store, m_categories, m_extraction, m_content, m_batch, file, result,
                         m_looksIntoPages ? &m_metadata : nullptr);
+        AskedSink asked(sink, m_asked, reader);
         settle(result, ArtefactState::failed, "the import ended while this file was read");
-        ReadResult outcome = readTrapped(reader, file, sink, task);
+        ReadResult outcome = readTrapped(reader, file, asked, task);
         result.type = file.historyFileType;
+        if (std::exchange(result.origin, file.origin) != file.origin)
+            m_sources.noteOrigin(file); // its reading has told more than its place
         result.notReached = outcome.notReached;
         result.passedOver = std::move(outcome.passedOver);
         result.noted = std::move(outcome.noted);
+        if (asked.notAsked() > 0)
+            result.passedOver["not asked for"] += asked.notAsked();
         result.warning = warningTrapped(reader, file);
         for (const UnreadPlace &place : m_run.evidence.unlisted())
             m_log.unlisted(place);
@@ -243,8 +261,9 @@ class Import {
             trapped(m_log, Severity::Warning, kProcedure, kContactSupport,
                     std::optional<ReadResult>(), [&] {
                         ReadContext context{
-                            file, m_run.evidence, m_content, m_run.clock, m_scratch.emptied(),
-                            sink, m_log,          task};
+                            file,     m_run.evidence, m_content, m_run.clock, m_scratch.emptied(),
+                            sink,     m_log,          task,      false,       m_classicOnly,
+                            m_secrets};
                         return std::optional(reader.read(context));
                     });
         return result ? *result : ReadResult{ReadState::failed, m_log.last, 0, {}};
@@ -252,6 +271,7 @@ class Import {
 
     const ImportRun &m_run;
     HistoryFiles &m_files;
+    const AskedKinds &m_asked;
     ImportSummary &m_summary;
     HeardLog m_log;
     ContentProbe m_content;
@@ -260,12 +280,15 @@ class Import {
     Categories m_categories;
     AdvancedMetadata m_metadata;
     bool m_looksIntoPages;
+    bool m_classicOnly;
+    bool m_secrets;
+    BrowserOf m_browserOf;
     SourceFiles m_sources;
     RecordStore m_store;
     std::size_t m_finished = 0; ///< artefacts, from the first
     std::size_t m_finishedKept = 0;
-    std::uint64_t m_rowsKept = 0; ///< of the artefact after them
-    WriteBatch m_batch;           ///< over artefacts: a commit for each loose page takes long
+    RowsByKind m_rowsKept; ///< of the artefact after them
+    WriteBatch m_batch;    ///< over artefacts: a commit for each loose page takes long
 };
 
 /// Every file of the list as one that the import hasn't reached.

@@ -1,7 +1,6 @@
 #include "import/ImportSettings.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace nv {
 
@@ -13,10 +12,11 @@ void addMask(std::vector<std::string_view> &masks, std::string_view mask) {
         masks.push_back(mask);
 }
 
-std::vector<std::string_view> masksOf(const SourceOption &option, Formats formats) {
+std::vector<std::string_view> masksOf(const ImportSettings &job, const SourceOption &option,
+                                      Formats formats) {
     std::vector<std::string_view> masks;
     for (const Reader *reader : formats)
-        if (reader->option == &option)
+        if (reader->option == &option && goesByRulesOf(job, *reader))
             addMask(masks, reader->mask);
     return masks;
 }
@@ -32,13 +32,6 @@ std::vector<const SourceOption *> importOptions(Formats formats) {
     return options;
 }
 
-const SourceOption &importOption(std::string_view name) {
-    for (const SourceOption *option : importOptions())
-        if (option->name == name)
-            return *option;
-    throw std::out_of_range("no import option \"" + std::string(name) + "\"");
-}
-
 bool wants(const ImportSettings &job, const SourceOption &option) {
     return !job.unwanted.contains(&option);
 }
@@ -50,12 +43,16 @@ void setWanted(ImportSettings &job, const SourceOption &option, bool wanted) {
         job.unwanted.insert(&option);
 }
 
+bool goesByRulesOf(const ImportSettings &job, const Reader &reader) {
+    return !(job.classicOnly && reader.isBeyondClassic);
+}
+
 std::string maskText(const ImportSettings &job, Formats formats) {
     std::string text;
     for (const SourceOption *option : importOptions(formats)) {
         if (!wants(job, *option))
             continue;
-        for (const std::string_view mask : masksOf(*option, formats))
+        for (const std::string_view mask : masksOf(job, *option, formats))
             text.append(text.empty() ? "" : ";").append(mask);
     }
     return text;

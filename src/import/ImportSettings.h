@@ -1,5 +1,6 @@
 #pragma once
 
+#include "import/AskedKinds.h"
 #include "import/HistoryFiles.h"
 #include "import/ScanGaps.h"
 #include "readers/Registry.h"
@@ -18,6 +19,9 @@ struct ImportSettings {
     bool recurseSubfolders = true;
     bool verifyFileSignatures = true; ///< recognise files by content, not by name alone
     bool parseAdvancedMetadata = true;
+    bool classicOnly = false; ///< only the files and rows of the classic rules
+    bool secrets = false;     ///< store saved passwords where they can be read
+    AskedKinds asked;         ///< what else is left out
     bool makeThumbnails = true;
     bool makePictureThumbnails = true;
     bool makeWebPageThumbnails = true;
@@ -33,11 +37,11 @@ struct ImportSettings {
 /// The check boxes of all formats, in the order in which their masks are joined.
 std::vector<const SourceOption *> importOptions(Formats formats = registry());
 
-/// The box of that name. Throws std::out_of_range for a name that no box has.
-const SourceOption &importOption(std::string_view name);
-
 bool wants(const ImportSettings &job, const SourceOption &option);
 void setWanted(ImportSettings &job, const SourceOption &option, bool wanted);
+
+/// False for a format that isn't one of the classic rules, when those alone are wanted.
+bool goesByRulesOf(const ImportSettings &job, const Reader &reader);
 
 /// The masks of all boxes that are on, joined with ";". Empty when none is.
 std::string maskText(const ImportSettings &job, Formats formats = registry());

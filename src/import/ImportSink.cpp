@@ -15,13 +15,26 @@ void ImportSink::save(UrlRecord &record) {
     const Verdict verdict = m_categories.verdictOn(record, content);
     record.Category = verdict.category;
     write(record, content);
+    count(record);
     verdict.applyTo(record);
-    if (record.URLID == UrlId::none)
-        ++m_result.rowsLost;
-    else
-        ++m_result.rowsSaved;
     dropBody(record);
     m_batch.written();
+}
+
+void ImportSink::count(const UrlRecord &record) {
+    if (record.URLID == UrlId::none) {
+        ++m_result.rowsLost;
+        return;
+    }
+    ++m_result.rowsSaved;
+    m_result.byKind[record.cacheType].count(record.ActionDateUTC);
+}
+
+void AskedSink::save(UrlRecord &record) {
+    if (m_asked.wants(m_reader, record.cacheType))
+        m_next.save(record);
+    else
+        ++m_notAsked;
 }
 
 void ImportSink::write(UrlRecord &record, SavedContent &content) {

@@ -3,9 +3,12 @@
 #include "db/RecordStore.h"
 #include "db/WriteBatch.h"
 #include "import/AdvancedMetadata.h"
+#include "import/AskedKinds.h"
 #include "import/Categories.h"
 #include "import/ImportSummary.h"
 #include "readers/Reader.h"
+
+#include <cstdint>
 
 namespace nv {
 
@@ -25,6 +28,7 @@ class ImportSink final : public RecordSink {
 
   private:
     void write(UrlRecord &record, SavedContent &content);
+    void count(const UrlRecord &record);
     void dropBody(UrlRecord &record);
 
     RecordStore &m_store;
@@ -35,6 +39,23 @@ class ImportSink final : public RecordSink {
     const HistoryFile &m_file;
     ArtefactResult &m_result;
     const AdvancedMetadata *m_metadata;
+};
+
+/// Passes on the records of those kinds that the import was asked for, and counts the others.
+class AskedSink final : public RecordSink {
+  public:
+    /// All must outlive this.
+    AskedSink(RecordSink &next, const AskedKinds &asked, const Reader &reader)
+        : m_next(next), m_asked(asked), m_reader(reader) {}
+
+    void save(UrlRecord &record) override;
+    std::uint64_t notAsked() const { return m_notAsked; }
+
+  private:
+    RecordSink &m_next;
+    const AskedKinds &m_asked;
+    const Reader &m_reader;
+    std::uint64_t m_notAsked = 0;
 };
 
 } // namespace nv

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <numeric>
+#include <tuple>
+#include <utility>
 
 namespace nv {
 
@@ -63,6 +65,40 @@ std::map<std::string, KindTotals> ImportSummary::byReader() const {
             kind.noted[reason] += count;
     }
     return kinds;
+}
+
+std::vector<ProfileTotals> ImportSummary::byProfile() const {
+    std::map<std::tuple<std::string, std::string, std::string>, ProfileTotals> profiles;
+    for (const ArtefactResult &artefact : artefacts) {
+        const Origin &origin = artefact.origin;
+        ProfileTotals &profile = profiles[{origin.browser, origin.profile, origin.person}];
+        profile.origin = {origin.browser, {}, origin.profile, origin.person, {}};
+        ++profile.artefacts;
+        profile.notReadYet += artefact.state == ArtefactState::notReadYet ? 1 : 0;
+        addUp(profile.byKind, artefact.byKind);
+    }
+    std::vector<ProfileTotals> list;
+    for (auto &[key, profile] : profiles)
+        list.push_back(std::move(profile));
+    return list;
+}
+
+RowsByKind ImportSummary::byKind() const {
+    RowsByKind all;
+    for (const ArtefactResult &artefact : artefacts)
+        addUp(all, artefact.byKind);
+    return all;
+}
+
+std::uint64_t ProfileTotals::rows() const {
+    return all().rows;
+}
+
+KindRows ProfileTotals::all() const {
+    KindRows sum;
+    for (const auto &[kind, rows] : byKind)
+        sum.add(rows);
+    return sum;
 }
 
 std::uint64_t ImportSummary::notReached() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "db/HistoryFile.h"
+#include "import/RowsByKind.h"
 #include "import/ScanGaps.h"
 
 #include <cstddef>
@@ -34,11 +35,13 @@ struct ArtefactResult {
     std::uint64_t fileSize = 0; ///< bytes
     std::string md5Hash;
     std::string sha256Hash;
+    Origin origin; ///< as far as it is known, once its turn has come
     ArtefactState state = ArtefactState::notReached;
     std::string reason; ///< why it isn't complete
     bool isLogged =
         true; ///< false when there is no row of it in `SourceFiles`, so that it wasn't read
     std::uint64_t rowsSaved = 0;
+    RowsByKind byKind;            ///< they add up to `rowsSaved`
     std::uint64_t rowsLost = 0;   ///< records that the project did not take
     std::uint64_t notReached = 0; ///< entries after the damage
     std::map<std::string, std::uint64_t>
@@ -56,6 +59,18 @@ struct KindTotals {
     std::uint64_t notReached = 0;
     std::map<std::string, std::uint64_t> passedOver; ///< by reason
     std::map<std::string, std::uint64_t> noted;      ///< by reason
+};
+
+/// What an import found of one profile of a browser: of one person's, as far as that is known.
+struct ProfileTotals {
+    Origin origin; ///< browser, profile and person; a version and a device are told by files
+    std::size_t artefacts = 0;
+    std::size_t notReadYet = 0;
+    RowsByKind byKind;
+
+    std::uint64_t rows() const;
+    /// Of all its records.
+    KindRows all() const;
 };
 
 /// What became of the thumbnails that were asked for.
@@ -77,6 +92,9 @@ struct ImportSummary {
     std::uint64_t rowsLost() const;
     std::uint64_t passedOver() const;
     std::map<std::string, KindTotals> byReader() const; ///< by key
+    /// In order of browser, profile and person; what belongs to no browser is the first.
+    std::vector<ProfileTotals> byProfile() const;
+    RowsByKind byKind() const;
     std::uint64_t notReached() const;
     std::size_t count(ArtefactState state) const;
     double seconds() const;

@@ -12,9 +12,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <set>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace nv {
 
@@ -40,12 +43,23 @@ HistoryFile describe(const fs::path &file, const Reader &reader) {
     throw std::runtime_error(fmt::format("\"{}\" is no plain file and no folder", textOf(file)));
 }
 
+std::vector<const Reader *> classicOf(Formats formats) {
+    std::vector<const Reader *> classic;
+    std::ranges::copy_if(formats, std::back_inserter(classic),
+                         [](const Reader *reader) { return !reader->isBeyondClassic; });
+    return classic;
+}
+
 class Scan {
   public:
     Scan(const ImportSettings &job, TaskMonitor &task, FailureLog &log, EvidenceWatch *watch,
          Formats formats)
-        : m_job(job), m_formats(formats), m_mask(maskText(job, formats)), m_task(task), m_log(log),
-          m_evidence({}, watch) {}
+        : m_job(job), m_formats(formats), m_mask(maskText(job, formats)),
+          m_classicMask(maskText(job, classicOf(formats))), m_task(task), m_log(log),
+          m_evidence({}, watch) {
+        for (const Reader *reader : formats)
+            m_ownMasks.emplace_back(reader->mask);
+    }
 
     ScanResult run() {
         scanStart();
@@ -114,9 +128,27 @@ class Scan {
         if (candidate.verifySignatures)
             head = m_evidence.head(file, limits::kHeadBytes);
         candidate.head = ByteView(head);
-        for (const Reader *reader : readersTaking(candidate, m_formats))
-            if (reader->option && wants(m_job, *reader->option))
+        const auto formats = asked == Asked::byName
+                                 ? std::vector(m_formats.begin(), m_formats.end())
+                                 : formatsFor(textOf(file.filename()));
+        for (const Reader *reader : readersTaking(candidate, formats))
+            if (isAskedFor(*reader))
                 take(*reader, candidate, asked, fraction);
+    }
+
+    /// Those that a file of this name is tried for. Classic ones share their masks: a history
+    /// is found by the mask of another one. What comes anew adds nothing to what they find.
+    std::vector<const Reader *> formatsFor(const std::string &name) const {
+        const bool isClassic = m_classicMask.matches(name);
+        std::vector<const Reader *> formats;
+        for (std::size_t i = 0; i < m_formats.size(); ++i)
+            if (m_formats[i]->isBeyondClassic ? m_ownMasks[i].matches(name) : isClassic)
+                formats.push_back(m_formats[i]);
+        return formats;
+    }
+
+    bool isAskedFor(const Reader &reader) const {
+        return reader.option && wants(m_job, *reader.option) && goesByRulesOf(m_job, reader);
     }
 
     void take(const Reader &reader, const Candidate &candidate, Asked asked, double fraction) {
@@ -124,7 +156,14 @@ class Scan {
             ++m_result.gaps.shaderCaches;
         else if (const fs::path path = artefactOf(reader, candidate);
                  path == candidate.file || m_led.emplace(&reader, path).second)
+            listAskedFor(reader, path, fraction);
+    }
+
+    void listAskedFor(const Reader &reader, const fs::path &path, double fraction) {
+        if (m_job.asked.wants(reader))
             list(describe(path, reader), fraction);
+        else
+            ++m_result.notAsked;
     }
 
     void list(HistoryFile artefact, double fraction) {
@@ -163,7 +202,9 @@ class Scan {
 
     const ImportSettings &m_job;
     Formats m_formats;
-    const FileMask m_mask;
+    const FileMask m_mask; ///< of all formats
+    const FileMask m_classicMask;
+    std::vector<FileMask> m_ownMasks; ///< by format
     /// What files led to that are not artefacts themselves: many files of a folder lead to it.
     std::set<std::pair<const Reader *, fs::path>> m_led;
     TaskMonitor &m_task;

@@ -5,6 +5,7 @@
 #include "import/ImportSettings.h"
 #include "readers/Reader.h"
 
+#include <cstddef>
 #include <filesystem>
 
 namespace nv {
@@ -13,6 +14,7 @@ struct ScanResult {
     nv::HistoryFiles
         historyFiles; ///< with MD5, size, type and version; what was found so far when cancelled
     ScanGaps gaps;
+    std::size_t notAsked = 0; ///< artefacts that ImportSettings::asked leaves out
     bool cancelled = false;
 };
 

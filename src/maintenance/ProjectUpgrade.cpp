@@ -200,7 +200,8 @@ void ProjectUpgrade::stampWhenOlder() {
         if (!isStampOlder())
             return;
         project.open();
-        stampVersion(project.connection(), m_log, m_build);
+        // One that isn't kept stands in the log, and the next scan tries again.
+        static_cast<void>(stampVersion(project.connection(), m_log, m_build));
     });
 }
 

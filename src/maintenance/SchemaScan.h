@@ -30,8 +30,8 @@ inline constexpr std::string_view kDifferenceHeadings[] = {"TABLE", "OBJECT", "N
 /// Tables that a fix moves, in the order of its moving. The case trail and the audit of rebuilt
 /// pages, where there are any, come after them.
 inline constexpr std::string_view kMovedTables[] = {
-    "DefaultSettings", "StoredQueries", "SourceFiles", "URLs",        "Links",
-    "URLMetaData",     "Tags",          "TagOptions",  "LinkAnalysis"};
+    "DefaultSettings", "StoredQueries", "SourceFiles", "URLs",         "Links",
+    "URLMetaData",     "Tags",          "TagOptions",  "LinkAnalysis", "RecordFacts"};
 
 struct SchemaScan {
     bool complete = false; ///< false when it was stopped

@@ -28,6 +28,6 @@ struct AppBuild {
 /// The build that made or last upgraded the project; zeros for what it doesn't say.
 AppBuild stampOf(SQLite::Database &project, FailureLog &log);
 /// False when the project can't be written; the log tells.
-bool stampVersion(SQLite::Database &project, FailureLog &log, const AppBuild &build);
+[[nodiscard]] bool stampVersion(SQLite::Database &project, FailureLog &log, const AppBuild &build);
 
 } // namespace nv

@@ -184,10 +184,6 @@ std::vector<CssItem> cssStyleSheet(const Tokens &tokens, CssRange part) {
     });
 }
 
-std::vector<CssItem> cssRules(const Tokens &tokens, CssRange part) {
-    return ItemReader(tokens, part).all({CssKind::blank}, [](auto &r) { return r.rule(); });
-}
-
 std::vector<CssItem> cssDeclarations(const Tokens &tokens, CssRange part) {
     return ItemReader(tokens, part).all({CssKind::blank, CssKind::semicolon}, [](auto &r) {
         return r.declarationOrAtRule();

@@ -34,10 +34,9 @@ struct CssItem {
     CssRange block; ///< within the curly brackets
 };
 
-// Each reads a part of a list: a whole style sheet, the rules within a rule, the declarations of a
-// "style" attribute, and what a block may hold, which is both. Time is in proportion to the part.
+// Each reads a part of a list: a whole style sheet, the declarations of a "style" attribute, and
+// what a block may hold, which is declarations and rules. Time is in proportion to the part.
 std::vector<CssItem> cssStyleSheet(const std::vector<CssToken> &tokens, CssRange part);
-std::vector<CssItem> cssRules(const std::vector<CssToken> &tokens, CssRange part);
 std::vector<CssItem> cssDeclarations(const std::vector<CssToken> &tokens, CssRange part);
 std::vector<CssItem> cssBlock(const std::vector<CssToken> &tokens, CssRange part);
 

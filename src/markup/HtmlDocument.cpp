@@ -154,22 +154,4 @@ SourceSpan HtmlDocument::spanOf(const char *begin, std::size_t length) const {
     return {at, at + length};
 }
 
-std::optional<SourceSpan> HtmlDocument::startTagOf(const Node &element) const {
-    const GumboElement &e = element.v.element;
-    constexpr unsigned kMade = GUMBO_INSERTION_BY_PARSER |
-                               GUMBO_INSERTION_RECONSTRUCTED_FORMATTING_ELEMENT |
-                               GUMBO_INSERTION_ADOPTION_AGENCY_CLONED;
-    const SourceSpan span = spanOf(e.original_tag.data, e.original_tag.length);
-    if ((element.parse_flags & kMade) != 0 || span.begin == span.end)
-        return std::nullopt;
-    return span;
-}
-
-std::optional<SourceSpan> HtmlDocument::endTagOf(const Node &element) const {
-    const GumboElement &e = element.v.element;
-    const SourceSpan span = spanOf(e.original_end_tag.data, e.original_end_tag.length);
-    const bool isImplied = (element.parse_flags & GUMBO_INSERTION_IMPLICIT_END_TAG) != 0;
-    return isImplied || span.begin == span.end ? std::nullopt : std::optional(span);
-}
-
 } // namespace nv

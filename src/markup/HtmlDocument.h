@@ -73,9 +73,6 @@ class HtmlDocument {
     std::vector<HtmlAttribute> attributesOf(const Node &element) const;
     /// The value of the first attribute of that name, with a prefix or without.
     static std::optional<std::string_view> valueOf(const Node &element, const char *attribute);
-    /// Nothing for an element that the parser put in, or made of another one.
-    std::optional<SourceSpan> startTagOf(const Node &element) const;
-    std::optional<SourceSpan> endTagOf(const Node &element) const;
 
   private:
     explicit HtmlDocument(std::string_view html);

@@ -57,7 +57,7 @@ int runProgram(GuardedApplication &application, SplashForm &splash) {
     Program &program = window.program;
     applyTheme(keptTheme(program.settings));
     QObject::connect(&window.status, &StatusForm::cancelled, &window.status,
-                     [&program] { program.thread.cancelTask = true; });
+                     [&program] { program.task.cancelTask = true; });
     splash.showCentred();
     tellGroundZero(program);
     startUp(program, Front::window);

@@ -9,8 +9,6 @@
 #include "readers/Registry.h"
 #include "readers/Scratch.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <array>
 
@@ -27,15 +25,6 @@ constexpr std::array<std::string_view, 6> kPictures = {"jpg", "gif", "bmp", "png
 
 bool leadsUp(const fs::path &relative) {
     return std::ranges::find(relative, fs::path("..")) != relative.end();
-}
-
-fs::path targetOf(const Extraction &ctx, std::string_view suffix) {
-    fs::path target = ctx.folder / kBodyName;
-    // The suffix may come from a URL, which must not lead out of the folder.
-    const fs::path plain = fs::path(suffix).filename();
-    if (!plain.empty())
-        target.replace_filename(fmt::format("{}.{}", kBodyName, plain.string()));
-    return target;
 }
 
 /// Content that is a file of its own in the evidence.
@@ -78,17 +67,15 @@ void settleBody(UrlRecord &record, Body &body, std::uint64_t inMemory, FailureLo
     record.IsWebPage |= extension == "htm" || extension == "html";
 }
 
-/// Nothing when there is no body; `target` says where one goes that doesn't stay in memory.
-std::optional<Body> fetched(UrlRecord &record, Fetch fetch, const fs::path &target,
-                            const Extraction &ctx, std::uint64_t inMemory,
-                            std::string_view procedure) {
+/// Nothing when there is no body.
+std::optional<Body> fetched(UrlRecord &record, Fetch fetch, const Extraction &ctx,
+                            std::uint64_t inMemory) {
+    const fs::path target = ctx.folder / kBodyName;
     const auto run = [&]() -> std::optional<Body> {
         record.RunTimeTempFilePath.clear();
         if (inMemory == 0)
             scratch::drop(target); // what an earlier record left must not pass for this one's
         BodyTarget into(target, inMemory);
-        if (!fetch)
-            return std::nullopt;
         if (!tellingGaps(ctx.log, [&] { return fetch(record, ctx.evidence, into); }))
             return std::nullopt;
         Body body = into.take();
@@ -99,16 +86,11 @@ std::optional<Body> fetched(UrlRecord &record, Fetch fetch, const fs::path &targ
         record.CacheFileExists = true;
         return body;
     };
-    return trapped(ctx.log, Severity::Warning, procedure, kContactSupport, std::optional<Body>(),
-                   run);
+    return trapped(ctx.log, Severity::Warning, "ParserClass.ExtractCacheFile()", kContactSupport,
+                   std::optional<Body>(), run);
 }
 
 } // namespace
-
-bool extractBody(UrlRecord &record, Fetch fetch, std::string_view fileNameSuffix,
-                 const Extraction &ctx, std::string_view procedure) {
-    return fetched(record, fetch, targetOf(ctx, fileNameSuffix), ctx, 0, procedure).has_value();
-}
 
 std::optional<Body> bodyOf(UrlRecord &record, const Extraction &ctx, std::uint64_t inMemory) {
     if (!record.RunTimeTempFilePath.empty() && scratch::isThere(record.RunTimeTempFilePath))
@@ -116,8 +98,7 @@ std::optional<Body> bodyOf(UrlRecord &record, const Extraction &ctx, std::uint64
     const Reader *reader =
         ctx.source == HistoryFileType::none ? sourceOf(record) : readerFor(ctx.source);
     if (reader && reader->fetch)
-        return fetched(record, reader->fetch, targetOf(ctx, ""), ctx, inMemory,
-                       "ParserClass.ExtractCacheFile()");
+        return fetched(record, reader->fetch, ctx, inMemory);
     if (const auto file = evidenceFileOf(record, ctx.evidence))
         return Body{*file, false, {}};
     return std::nullopt;

@@ -22,13 +22,6 @@ struct Extraction {
     HistoryFileType source = HistoryFileType::none;
 };
 
-/// What the Extract... operations of the readers have in common. Writes the body to a file of the
-/// folder, with `fileNameSuffix` as extension where given, unpacks it when it is packed, and sets
-/// `RunTimeTempFilePath`, `CacheFileExists`, `CacheFileExt`, `GZipEncoded`, `IsPicture` and
-/// `IsWebPage` of the record. False when there is no body; a failure is logged under `procedure`.
-[[nodiscard]] bool extractBody(UrlRecord &record, Fetch fetch, std::string_view fileNameSuffix,
-                               const Extraction &ctx, std::string_view procedure);
-
 /// The record's content: evidence is named where it lies; what is held in block files or tables is
 /// fetched, up to `inMemory` bytes into memory, and otherwise into the folder of `ctx`, where
 /// `RunTimeTempFilePath` says. Nothing when it is gone.

@@ -176,6 +176,16 @@ bool Evidence::isPlainFile(const fs::path &path) const {
     return fs::is_regular_file(fs::symlink_status(path, none));
 }
 
+bool Evidence::isPlainFolder(const fs::path &path) const {
+    std::error_code none;
+    return fs::is_directory(fs::symlink_status(path, none));
+}
+
+std::string Evidence::linkText(const fs::path &path) const {
+    std::error_code none;
+    return fs::read_symlink(path, none).string();
+}
+
 FileFacts Evidence::factsOf(const fs::path &file) const {
 #ifdef STATX_BTIME
     struct statx facts {};

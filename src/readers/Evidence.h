@@ -69,6 +69,10 @@ class Evidence {
     PlaceKind kindOf(const std::filesystem::path &path) const;
     /// A plain file, and no link.
     bool isPlainFile(const std::filesystem::path &path) const;
+    /// A folder, and no link.
+    bool isPlainFolder(const std::filesystem::path &path) const;
+    /// Where a link says that it leads, which isn't followed; empty for what is none.
+    std::string linkText(const std::filesystem::path &path) const;
     /// Of a file that isn't there nothing is known.
     FileFacts factsOf(const std::filesystem::path &file) const;
 

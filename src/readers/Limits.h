@@ -71,6 +71,10 @@ inline constexpr std::size_t kChromeCacheBlocks = std::size_t{1} << 24;
 /// larger than this would copy the block file anew for every record.
 inline constexpr std::uint64_t kChromeBlockBody = std::uint64_t{1} << 20;
 
+/// A key or a server's answer that lies in a separate file of that cache. Servers limit headers to
+/// some 64 KiB, and an address of a megabyte opens in no browser.
+inline constexpr std::uint64_t kChromeSeparateText = std::uint64_t{1} << 20;
+
 /// URL and headers of one entry of Firefox's disk cache: four blocks of 4096 bytes hold them in
 /// every sound cache, while damaged lengths go up to 4 GB each.
 inline constexpr std::int64_t kFirefoxCacheMetaData = std::int64_t{64} << 10;
@@ -85,8 +89,25 @@ inline constexpr std::size_t kOperaFileBytes = std::size_t{256} << 20;
 /// The list of typed addresses holds some hundred; an element of 4 bytes takes 100 in memory.
 inline constexpr std::size_t kOperaTypedBytes = std::size_t{16} << 20;
 
+/// Firefox's list of logins. One takes some 700 bytes, and some twenty times that in memory.
+inline constexpr std::size_t kFirefoxLoginsBytes = std::size_t{64} << 20;
+
 /// The text file of a cookie, as far as it is kept. The browser holds a host's cookies to some
 /// hundred KB; a longer file is none of its own.
 inline constexpr std::uint64_t kCookieText = std::uint64_t{1} << 20;
+
+/// A JSON file of a browser. Bookmarks and settings take some MB; ten thousand bookmarks are 4 MB.
+inline constexpr std::uint64_t kJsonBytes = std::uint64_t{256} << 20;
+
+/// Objects and arrays within each other there. Browsers read no more than 200.
+inline constexpr std::size_t kJsonDepth = 400;
+
+/// Bookmarks and folders of one file, each of which takes some 200 bytes until all are known: the
+/// name of a folder stands after what is in it.
+inline constexpr std::size_t kBookmarks = 1'000'000;
+
+/// Names of folders, put together to the path of a bookmark: a hostile file could name one long
+/// folder with a million bookmarks in it.
+inline constexpr std::size_t kFolderPathBytes = 2000;
 
 } // namespace nv::limits

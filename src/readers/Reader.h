@@ -58,6 +58,11 @@ struct ReadContext {
     FailureLog &log;
     TaskMonitor &task;
     bool deleted = false; ///< the file comes from deleted space
+    /// Only the rows of the classic rules, without facts: what else the file holds is counted in
+    /// `passedOver` as ever.
+    bool classicOnly = false;
+    /// Passwords were asked for. Otherwise none is given away, in whatever form it can be read.
+    bool secrets = false;
 };
 
 /// What recognition knows of a file, all texts lower-case, separators of the path "/".
@@ -130,6 +135,8 @@ struct Reader {
     /// Whether the record came from such a file. Only formats need it that share a kind with
     /// another one and fetch its bodies in another way.
     bool (*isSourceOf)(const UrlRecord &record) = nullptr;
+    /// It isn't one of the classic rules: an import by them alone leaves its files out.
+    bool isBeyondClassic = false;
     bool isOneRecord = false; ///< a file is one record, and there may be ten thousand files
 };
 

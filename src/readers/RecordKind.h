@@ -1,5 +1,7 @@
 #pragma once
 
+#include "readers/Engine.h"
+
 #include <span>
 #include <string_view>
 
@@ -12,23 +14,27 @@ struct BrowserFamily {
     std::string_view report; ///< what cards of a report call it
     std::string_view image;  ///< of tabular reports
     std::string_view title;  ///< what they say of the image
+    Engine engine;
 };
 
 namespace families {
-inline constexpr BrowserFamily internetExplorer = {"Internet Explorer", "IE", "Internet Explorer",
-                                                   "ie.gif", "Internet Explorer"};
-inline constexpr BrowserFamily firefox = {"Firefox", "FIREFOX", "Firefox", "firefox.gif",
-                                          "Mozilla Firefox"};
-inline constexpr BrowserFamily chrome = {"Chrome", "CHROME", "Google Chrome", "chrome.gif",
-                                         "Google Chrome"};
-inline constexpr BrowserFamily safari = {"Safari", "SAFARI", "Safari", "safari.gif", "Safari"};
+inline constexpr BrowserFamily internetExplorer = {"Internet Explorer", "IE",
+                                                   "Internet Explorer", "ie.gif",
+                                                   "Internet Explorer", Engine::internetExplorer};
+inline constexpr BrowserFamily firefox = {"Firefox",     "FIREFOX",         "Firefox",
+                                          "firefox.gif", "Mozilla Firefox", Engine::gecko};
+inline constexpr BrowserFamily chrome = {"Chrome",     "CHROME",        "Google Chrome",
+                                         "chrome.gif", "Google Chrome", Engine::chromium};
+inline constexpr BrowserFamily safari = {"Safari",     "SAFARI", "Safari",
+                                         "safari.gif", "Safari", Engine::safari};
 /// Its title says "Safari": reports of earlier cases do.
-inline constexpr BrowserFamily opera = {"Opera", "OPERA", "Opera", "opera.gif", "Safari"};
+inline constexpr BrowserFamily opera = {"Opera",     "OPERA",  "Opera",
+                                        "opera.gif", "Safari", Engine::opera};
 inline constexpr BrowserFamily macIE = {"Internet Explorer for Macintosh", "MAC",
-                                        "MAC Internet Explorer", "net.gif",
-                                        "MAC Internet Explorer"};
+                                        "MAC Internet Explorer",           "net.gif",
+                                        "MAC Internet Explorer",           Engine::macIE};
 inline constexpr BrowserFamily netAnalysis = {"NetAnalysis", "NETANALYSIS", "NetAnalysis",
-                                              "net.gif", "NetAnalysis"};
+                                              "net.gif",     "NetAnalysis", Engine::unknown};
 } // namespace families
 
 /// All families, in the order of the wizard's rows.

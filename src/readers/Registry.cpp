@@ -2,12 +2,20 @@
 
 #include "readers/RecordKind.h"
 #include "readers/chrome/Formats.h"
+#include "readers/chrome/HistoryFormats.h"
+#include "readers/chrome/ProfileFormats.h"
+#include "readers/chrome/UnreadFormats.h"
 #include "readers/firefox/Formats.h"
+#include "readers/firefox/ProfileFormats.h"
+#include "readers/firefox/UnreadFormats.h"
 #include "readers/ie/Formats.h"
+#include "readers/ie/UnreadFormats.h"
 #include "readers/mac/Formats.h"
 #include "readers/opera/Formats.h"
+#include "readers/others/UnreadFormats.h"
 #include "readers/results/Formats.h"
 #include "readers/safari/Formats.h"
+#include "readers/safari/UnreadFormats.h"
 
 #include <algorithm>
 #include <array>
@@ -41,6 +49,40 @@ constexpr std::array kFormats = {
     &kSimpleHtmlFormat,
     &kMacIECacheFormat,
     &kCsvFormat,
+    // Beyond the classic rules; what isn't read yet is the last to be tried.
+    &kChromiumHistoryFormat,
+    &kChromiumFaviconsFormat,
+    &kChromiumTopSitesFormat,
+    &kChromiumShortcutsFormat,
+    &kChromiumPredictorFormat,
+    &kChromiumCookiesFormat,
+    &kChromiumWebDataFormat,
+    &kChromiumLoginsFormat,
+    &kChromiumBookmarksFormat,
+    &kChromiumPreferencesFormat,
+    &kChromiumLocalStateFormat,
+    &kFirefoxFormsFormat,
+    &kFirefoxPermissionsFormat,
+    &kFirefoxLoginsFormat,
+    &kFirefoxFaviconsFormat,
+    &kFirefoxDownloadsFormat,
+    &kFirefoxCache2Format,
+    &kFirefoxJsonlz4Format,
+    &kFirefoxStorageFormat,
+    &kChromiumSimpleCacheFormat,
+    &kChromiumSqlCacheFormat,
+    &kChromiumLoneIndexFormat,
+    &kLevelDBFormat,
+    &kChromiumSessionFormat,
+    &kChromiumSiteDataFormat,
+    &kIEWebCacheFormat,
+    &kSafariDatabaseFormat,
+    &kSafariBinaryCookiesFormat,
+    &kWebKitCacheFormat,
+    &kEpiphanyHistoryFormat,
+    &kEpiphanyCookiesFormat,
+    &kFalkonHistoryFormat,
+    &kAndroidBrowserFormat,
 };
 
 template <class Wanted>

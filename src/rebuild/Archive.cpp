@@ -5,6 +5,7 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/SqliteErrors.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
@@ -82,7 +83,7 @@ void storeArchive(UrlRecord &page, const RebuildContext &ctx) {
                              "UPDATE URLs SET CacheFileRebuiltBLOB = ? WHERE URL_ID = ?");
     update.bind(1, page.CacheFileRebuiltBLOB.data(),
                 static_cast<int>(page.CacheFileRebuiltBLOB.size()));
-    update.bind(2, number(page.URLID));
+    bindId(update, 2, page.URLID);
     update.exec();
 }
 

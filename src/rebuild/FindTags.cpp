@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
 
@@ -20,7 +21,7 @@ void showBeginning(const UrlRecord &page, const RebuildContext &ctx) {
     ctx.task.describe({"REBUILDING WEB PAGE",
                        "Finding tags in cached file.  This may take a few moments.  Please be "
                        "patient, thank you.",
-                       fmt::format("URL ID#{}: {}", number(page.URLID), page.URL), ""});
+                       fmt::format("URL ID#{}: {}", page.URLID, page.URL), ""});
 }
 
 void showStep(const RebuildContext &ctx, std::string_view what, std::int64_t percent) {
@@ -33,7 +34,7 @@ void showStep(const RebuildContext &ctx, std::string_view what, std::int64_t per
 
 void deleteTags(const UrlRecord &page, const RebuildContext &ctx) {
     SQLite::Statement remove(ctx.project, "DELETE FROM Tags WHERE URL_ID = ?");
-    remove.bind(1, number(page.URLID));
+    bindId(remove, 1, page.URLID);
     remove.exec();
 }
 
@@ -48,7 +49,7 @@ void insertTags(const UrlRecord &page, const URLTags &tags, const RebuildContext
         if (trim(tag.originalTag).empty())
             continue;
         insert.reset();
-        insert.bind(1, number(page.URLID));
+        bindId(insert, 1, page.URLID);
         insert.bind(2, tag.tagFileName);
         insert.bind(3, static_cast<std::int64_t>(tag.fileOffset));
         insert.bind(4, tag.originalTag);

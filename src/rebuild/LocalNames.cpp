@@ -18,7 +18,7 @@ bool isLetterOrDigit(char c) {
 } // namespace
 
 std::string sidOf(UrlId id) {
-    const std::string padded = fmt::format("{:0>7}", number(id));
+    const std::string padded = fmt::format("{:0>7}", id);
     return padded.substr(padded.size() - kDigits);
 }
 

@@ -1,6 +1,7 @@
 #include "rebuild/RebuiltRow.h"
 
 #include "base/Files.h"
+#include "db/BindId.h"
 #include "db/Savepoint.h"
 #include "time/DateFormat.h"
 
@@ -28,7 +29,7 @@ void storeRebuilt(UrlRecord &page, std::span<const ReferenceNote> notes, const R
     update.bind(3, page.RebuiltFilePath);
     update.bind(4, page.RebuiltSourceCode); // what a later session has to go by
     update.bind(5, page.IngredientIDs);
-    update.bind(6, number(page.URLID));
+    bindId(update, 6, page.URLID);
     update.exec();
     RebuildAudit(ctx.project).store(page.URLID, notes);
     whole.release();
@@ -38,7 +39,7 @@ void storeSubstitutions(UrlRecord &page, std::string log, const RebuildContext &
     page.IngredientIDs = std::move(log);
     SQLite::Statement update(ctx.project, "UPDATE URLs SET IngredientIDs = ? WHERE URL_ID = ?");
     update.bind(1, page.IngredientIDs);
-    update.bind(2, number(page.URLID));
+    bindId(update, 2, page.URLID);
     update.exec();
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/SqliteErrors.h"
 #include "readers/RecordKind.h"
 #include "rebuild/LocalNames.h"
@@ -42,7 +43,7 @@ std::vector<TagRow> readTags(const UrlRecord &page, const RebuildContext &ctx) {
     SQLite::Statement rows(ctx.project,
                            "SELECT Tag_ID, TagURLID, OriginalTag, NewTag, TagDefinition, "
                            "AccuracyScore, FileOffset FROM Tags WHERE URL_ID = ? ORDER BY Tag_ID");
-    rows.bind(1, number(page.URLID));
+    bindId(rows, 1, page.URLID);
     while (rows.executeStep()) {
         const auto text = [&rows](int at) {
             return std::string(trim(rows.getColumn(at).getString()));

@@ -96,7 +96,7 @@ class SheetRewriting {
             m_ctx.log.write(
                 {fmt::format("the style sheet of record {} names more than {} pictures; "
                              "the rest is left as it stands",
-                             number(m_sheet.URLID), kMostPictures),
+                             m_sheet.URLID, kMostPictures),
                  std::string(kProcedure), Severity::Low, std::string(kContactSupport)});
         return true;
     }

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/SqliteErrors.h"
 #include "readers/RecordKind.h"
 #include "rebuild/TagOptions.h"
@@ -164,7 +165,7 @@ std::vector<std::pair<std::int64_t, std::string>> tagsInOrder(const UrlRecord &p
     std::vector<std::pair<std::int64_t, std::string>> tags;
     SQLite::Statement rows(ctx.project, "SELECT Tag_ID, OriginalTag FROM Tags WHERE URL_ID = ? "
                                         "ORDER BY OriginalTag ASC, Tag_ID");
-    rows.bind(1, number(page.URLID));
+    bindId(rows, 1, page.URLID);
     while (rows.executeStep())
         tags.emplace_back(rows.getColumn(0).getInt64(), rows.getColumn(1).getString());
     return tags;

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/KeyWalk.h"
 #include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
@@ -103,7 +104,7 @@ class OptionSearch {
     void readTags() {
         SQLite::Statement tags(m_ctx.project, "SELECT Tag_ID, OriginalTag FROM Tags "
                                               "WHERE URL_ID = ? ORDER BY Tag_ID");
-        tags.bind(1, number(m_page.URLID));
+        bindId(tags, 1, m_page.URLID);
         while (tags.executeStep()) {
             const std::string text = searchTextOf(tags.getColumn(1).getString());
             m_tags.push_back({tags.getColumn(0).getInt64(), m_patterns.add(text)});
@@ -145,7 +146,7 @@ class OptionSearch {
             return;
         m_ctx.log.write({fmt::format("record {}: its parts were not looked for among {} that could "
                                      "not be read, as the project is damaged where they lie",
-                                     number(m_page.URLID), counted(lost, "row")),
+                                     m_page.URLID, counted(lost, "row")),
                          std::string(kProcedure), Severity::Warning, std::string(kContactSupport)});
     }
 
@@ -197,7 +198,7 @@ class OptionSearch {
         m_ctx.log.write(
             {fmt::format("record {}: {} more than {} candidates, of which these are kept; the text "
                          "\"{}\" alone stands in {} URLs",
-                         number(m_page.URLID),
+                         m_page.URLID,
                          m_cut == 1 ? "a reference has" : fmt::format("{} references have", m_cut),
                          kMostOptions, charSub(m_widest->text, 0, kShownText),
                          m_widest->chosen().count()),

@@ -161,9 +161,9 @@ void CardEvidence::take(ReportCard &card, const Drawn &drawn) const {
     if (!drawn.done) {
         if (card.drawing->kind == DrawJob::Kind::picture)
             card.thumbnail.clear(); // what can't be drawn would be no picture in a browser either
-        m_ctx.rebuild.log.write(
-            {fmt::format("URL ID: {} {}", number(card.record.URLID), drawn.failure),
-             "ReportClass.CreateGraphicalRecord()", Severity::Low, std::string(kNotSerious)});
+        m_ctx.rebuild.log.write({fmt::format("URL ID: {} {}", card.record.URLID, drawn.failure),
+                                 "ReportClass.CreateGraphicalRecord()", Severity::Low,
+                                 std::string(kNotSerious)});
         return;
     }
     if (card.drawing->kind == DrawJob::Kind::picture)

@@ -1,4 +1,5 @@
 #include "base/Text.h"
+#include "db/BindId.h"
 #include "db/RebuildAudit.h"
 #include "db/SqliteErrors.h"
 #include "rebuild/LocalNames.h"
@@ -55,7 +56,7 @@ std::string linkSection(const ReportCard &card, const ReportContext &ctx) {
                               "SELECT URL_ID, Visits, URL FROM URLs WHERE URL_ID IN (SELECT "
                               "Child_ID FROM LinkAnalysis WHERE Parent_ID = ?) "
                               "ORDER BY Visits DESC, ActionDateUTC DESC, URL_ID");
-        row.bind(1, number(card.record.URLID));
+        bindId(row, 1, card.record.URLID);
         for (std::size_t item = 1; row.executeStep(); ++item)
             text += htmlRow({fmt::format("{}", item), row.getColumn(0).getString(),
                              visitsText(row.getColumn(1).getInt64()),
@@ -82,7 +83,7 @@ std::string auditSection(const ReportCard &card, const fs::path &report, const R
                               "Tags.TagURLID, URLs.URLFileExt FROM Tags LEFT JOIN URLs "
                               "ON URLs.URL_ID = Tags.TagURLID WHERE Tags.URL_ID = ? "
                               "ORDER BY Tags.Tag_ID");
-        row.bind(1, number(card.record.URLID));
+        bindId(row, 1, card.record.URLID);
         const auto notes = RebuildAudit(ctx.rebuild.project).notes(card.record.URLID);
         const auto value = [&row](int at) { return row.getColumn(at).getString(); };
         for (std::size_t reference = 1; row.executeStep(); ++reference) {

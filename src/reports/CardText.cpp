@@ -43,7 +43,7 @@ std::string leftCell(const ReportCard &card, const ReportWriter &report) {
     return fmt::format(
         "   <td width='240' align='center' valign='middle' style='font-size:11px;padding:6px;'>"
         "{}<br>URL ID #{}</td>\r\n",
-        picture(card, report), number(card.record.URLID));
+        picture(card, report), card.record.URLID);
 }
 
 std::string rebuiltRow(const ReportWriter &report) {
@@ -141,7 +141,7 @@ std::string brokenCard(UrlId id) {
     return fmt::format("<table width='760' style='font-family:Tahoma,sans-serif;font-size:11px;'>"
                        "<tr><td>URL ID #{}: <font color='red'>this record could not be written; "
                        "the log of the program says why.</font></td></tr></table>",
-                       number(id));
+                       id);
 }
 
 } // namespace nv

@@ -94,8 +94,7 @@ ExportEnd exportRows(Export &job, UrlTable &table, const std::filesystem::path &
         }
         writer->row(cells, row.rowNumber - 1);
         if (!cells.isRead(row.rowNumber - 1))
-            job.counts.unread.insert(
-                static_cast<std::int32_t>(number(table.idAt(row.rowNumber - 1))));
+            noteUnread(job.counts.unread, table.idAt(row.rowNumber - 1));
         showProgress(task, ++job.counts.rows, total);
     }
     writer->finish();

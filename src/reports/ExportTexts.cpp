@@ -1,5 +1,6 @@
 #include "base/TextRows.h"
 #include "reports/ExportWriter.h"
+#include "reports/FactsJson.h"
 
 #include <fmt/format.h>
 
@@ -127,7 +128,7 @@ class JsonLinesWriter final : public TextWriter {
         event.emplace_back(action.empty() ? "Action Date" : action);
         for (const ExportColumn &column : columns())
             event.push_back(cells.machine(place, column));
-        text() += jsonLine(m_names, event);
+        text() += jsonLine(m_names, event, factMembers(cells.facts(place)));
     }
 
     static std::string message(ExportCells &cells, std::size_t place) {

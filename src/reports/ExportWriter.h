@@ -22,7 +22,7 @@ struct ExportColumn {
 /// Cells of the table without the cut that the grid makes of long ones.
 class ExportCells {
   public:
-    explicit ExportCells(UrlTable &table) : m_table(table) {}
+    explicit ExportCells(UrlTable &table) : m_table(table), m_facts(table.factReader()) {}
 
     /// As the grid shows it: one line, with stand-ins for characters that would deceive. A tick is
     /// "True" or "False".
@@ -31,10 +31,12 @@ class ExportCells {
     Cell machine(std::size_t place, const ExportColumn &column);
     Cell machine(std::size_t place, UrlColumn column);
     Date actionDate(std::size_t place);
+    FactList facts(std::size_t place) { return m_table.facts(place, m_facts); }
     bool isRead(std::size_t place) { return m_table.isRead(place); }
 
   private:
     UrlTable &m_table;
+    RecordFacts m_facts;
 };
 
 /// One form of an export. Rows come in their order; each of the three throws StorageFailure.

@@ -31,7 +31,7 @@ bool isImage(const fs::path &file) {
 } // namespace
 
 std::string rowNameOf(UrlId id) {
-    return fmt::format("{:0>7}", number(id));
+    return fmt::format("{:0>7}", id);
 }
 
 ReportFolder ReportFolder::at(const fs::path &place) {

@@ -1,7 +1,8 @@
-// Head and tail of a report's page.
-#include "base/Succeeds.h"
+#include "reports/ReportFrame.h"
+
 #include "reports/Html.h"
 #include "reports/ReportWriter.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -25,33 +26,29 @@ constexpr std::string_view kBlock =
 
 } // namespace
 
-void ReportWriter::createHeader(std::ostream &file) {
-    headerFailed = !succeeds(
-        m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateHeader()",
-        "Error Creating Report Header", [&] {
-            printEntry(file, "<!DOCTYPE HTML PUBLIC '-//W3C//DTD HTML 4.0 Transitional//EN'>");
-            printEntry(file, "<html>");
-            printEntry(file, kPolicy);
-            printEntry(file, "   <head><title>Norvelane 2.0 Internet Cache and History Analysis "
-                             "Report</title></head>");
-            printEntry(file, "<body style='margin-top:10px;margin-bottom:10px;margin-left:10px;"
-                             "margin-right:10px;' bgcolor='white'>");
-            printEntry(file, "<!-- report table -->");
-            printEntry(file, kBlock);
-            printEntry(file,
-                       fmt::format("<strong><font color='#000066'>{}</font></strong></div>",
-                                   reportTitle.empty()
-                                       ? "Norvelane Internet Cache &amp; History Analysis Report"
-                                       : htmlText(reportTitle)));
-            printEntry(file, customerOptions());
-            printEntry(file, zoneNote());
-        });
+void ReportFrame::writeHead(std::ostream &file, const std::function<std::string()> &logo) const {
+    const auto print = [&file](std::string_view entry) { ReportWriter::printEntry(file, entry); };
+    print("<!DOCTYPE HTML PUBLIC '-//W3C//DTD HTML 4.0 Transitional//EN'>");
+    print("<html>");
+    print(kPolicy);
+    print("   <head><title>Norvelane 2.0 Internet Cache and History Analysis "
+          "Report</title></head>");
+    print("<body style='margin-top:10px;margin-bottom:10px;margin-left:10px;"
+          "margin-right:10px;' bgcolor='white'>");
+    print("<!-- report table -->");
+    print(kBlock);
+    print(fmt::format("<strong><font color='#000066'>{}</font></strong></div>",
+                      m_report.reportTitle.empty()
+                          ? "Norvelane Internet Cache &amp; History Analysis Report"
+                          : htmlText(m_report.reportTitle)));
+    print(customerOptions(logo));
+    print(zoneNote());
 }
 
-std::string ReportWriter::customerOptions() {
+std::string ReportFrame::customerOptions(const std::function<std::string()> &logo) const {
     const std::string date =
-        fmt::format("<strong>Report Date:</strong>&nbsp;&nbsp;{}", htmlText(reportDate));
-    if (skipHeader)
+        fmt::format("<strong>Report Date:</strong>&nbsp;&nbsp;{}", htmlText(m_report.reportDate));
+    if (m_report.skipHeader)
         return fmt::format("<div style='font-family:Tahoma,sans-serif;font-size:10px;'>{}</div>",
                            date);
     return fmt::format(
@@ -61,25 +58,11 @@ std::string ReportWriter::customerOptions() {
         "<strong>Organization: </strong>&nbsp;{}<br>\r\n<strong>Case Number: </strong>&nbsp;{}"
         "</td>\r\n<td align='right' valign='top'><img src='{}' alt='' "
         "style='max-width:240px;max-height:120px;'></td></tr>\r\n</table>",
-        date, htmlText(reportedBy), htmlText(organization), htmlText(caseNumber), logo());
+        date, htmlText(m_report.reportedBy), htmlText(m_report.organization),
+        htmlText(m_report.caseNumber), logo());
 }
 
-std::string ReportWriter::ownPicture(const std::filesystem::path &picture,
-                                     const std::string &name) {
-    const std::string own = m_folder.takePicture(picture, name, m_ctx.rebuild.log);
-    if (own.empty())
-        picturesFailed.insert(picture);
-    return own;
-}
-
-std::string ReportWriter::logo() {
-    std::string own;
-    if (useCustomLogo && !agencyLogoPath.empty())
-        own = ownPicture(agencyLogoPath, "agency-logo");
-    return own.empty() ? "images/norvelane-logo.png" : own;
-}
-
-std::string ReportWriter::zoneNote() const {
+std::string ReportFrame::zoneNote() const {
     const TimeZone &zone = m_ctx.gmtZone;
     std::string note = fmt::format(
         "<div style='font-family:Tahoma,sans-serif;font-size:10px;width:760px;'>Results are "
@@ -88,24 +71,22 @@ std::string ReportWriter::zoneNote() const {
         htmlText(zone.tzBiasAsText), htmlText(zone.daylightCode));
     if (zone.tzName != "DEFAULT")
         note += fmt::format("<br>\r\nTime Zone Setting: {}", htmlText(zone.tzName));
+    if (zone.exact)
+        note += fmt::format(" (the law of each date, by the time zone database of version {})",
+                            htmlText(zone.exact->version()));
     return note + "</div>";
 }
 
-void ReportWriter::createFooter(std::ostream &file) {
-    footerFailed = !succeeds(
-        m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateFooter()",
-        "Error Creating Report Footer", [&] {
-            printEntry(file, "<br><br>");
-            printEntry(file,
-                       fmt::format(
-                           "<table width='760' bgcolor='#E0E0E0' style='font-family:Tahoma,"
-                           "sans-serif;font-size:10px;'><tr><td>Report created using Norvelene<SUP>"
-                           "<FONT style='font-size: 8pt;'>&reg;</FONT></SUP> Version {}</td></tr>"
-                           "</table>",
-                           m_ctx.settings.version));
-            printEntry(file, "</body>");
-            printEntry(file, "</html>");
-        });
+void ReportFrame::writeTail(std::ostream &file) const {
+    ReportWriter::printEntry(file, "<br><br>");
+    ReportWriter::printEntry(
+        file, fmt::format("<table width='760' bgcolor='#E0E0E0' style='font-family:Tahoma,"
+                          "sans-serif;font-size:10px;'><tr><td>Report created using Norvelene<SUP>"
+                          "<FONT style='font-size: 8pt;'>&reg;</FONT></SUP> Version {}</td></tr>"
+                          "</table>",
+                          m_ctx.settings.version));
+    ReportWriter::printEntry(file, "</body>");
+    ReportWriter::printEntry(file, "</html>");
 }
 
 } // namespace nv

@@ -4,18 +4,17 @@
 #include "readers/RecordKind.h"
 
 #include <string>
+#include <utility>
 
 namespace nv {
 
 ZoneDate actionDate(const UrlRecord &record, const ReportContext &ctx) {
     const DateSettings &settings = ctx.settings.dates;
-    const TimeZone &zone = ctx.gmtZone;
-    const Date local = convertDateToZone(record.ActionDateUTC, zone, settings.enableDSTChanges);
-    if (!local.has())
+    ZonedDate date = zonedDate(record.ActionDateUTC, ctx.gmtZone, settings);
+    if (!date.local.has())
         return {};
-    const bool daylight = shownAsDaylight(local, zone, settings);
-    return {formatDate(local, settings.dateTimeFormat()),
-            zone.getBiasAsTime(daylight ? zone.tzDSTBias : 0), daylight ? "DST" : "STD"};
+    return {formatDate(date.local, settings.dateTimeFormat()), std::move(date.offset),
+            std::move(date.code)};
 }
 
 std::string visitsText(std::int64_t visits) {

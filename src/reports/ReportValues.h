@@ -15,7 +15,7 @@ inline constexpr std::string_view kZoneColour = "#C00000";
 struct ZoneDate {
     std::string text;     ///< empty without a date
     std::string bias;     ///< "-0500"
-    std::string daylight; ///< "DST" or "STD"
+    std::string daylight; ///< "DST" or "STD"; of an exact zone its own abbreviation
 };
 /// Of the record's action. Throws std::range_error as convertDateToZone() does.
 ZoneDate actionDate(const UrlRecord &record, const ReportContext &ctx);

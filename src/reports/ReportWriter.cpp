@@ -9,6 +9,7 @@
 #include "db/SqliteErrors.h"
 #include "readers/RecordKind.h"
 #include "reports/CardText.h"
+#include "reports/ReportFrame.h"
 #include "reports/ReportValues.h"
 #include "reports/SortTable.h"
 #include "reports/TabularText.h"
@@ -136,6 +137,34 @@ void ReportWriter::create(const fs::path &folder, int type, Entries entries) {
     moveFile(m_folder.copied(), reportFilePath);
 }
 
+void ReportWriter::createHeader(std::ostream &file) {
+    headerFailed =
+        !succeeds(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateHeader()",
+                  "Error Creating Report Header",
+                  [&] { ReportFrame(*this, m_ctx).writeHead(file, [this] { return logo(); }); });
+}
+
+void ReportWriter::createFooter(std::ostream &file) {
+    footerFailed = !succeeds(m_ctx.rebuild.log, Severity::Serious, "ReportClass.CreateFooter()",
+                             "Error Creating Report Footer",
+                             [&] { ReportFrame(*this, m_ctx).writeTail(file); });
+}
+
+std::string ReportWriter::ownPicture(const std::filesystem::path &picture,
+                                     const std::string &name) {
+    const std::string own = m_folder.takePicture(picture, name, m_ctx.rebuild.log);
+    if (own.empty())
+        picturesFailed.insert(picture);
+    return own;
+}
+
+std::string ReportWriter::logo() {
+    std::string own;
+    if (useCustomLogo && !agencyLogoPath.empty())
+        own = ownPicture(agencyLogoPath, "agency-logo");
+    return own.empty() ? "images/norvelane-logo.png" : own;
+}
+
 bool ReportWriter::writeCards(const RowIds &ids, std::ostream &file) {
     printEntry(file, "<table><tr><td valign='top'>");
     std::ofstream names(m_folder.rowFolders(), std::ios::binary | std::ios::trunc);
@@ -211,7 +240,7 @@ ReportCard &ReportWriter::cardFor(UrlId id) {
         return *found;
     ReportCard card = cardOf(id, m_cards.size(), m_ctx.rebuild.task);
     if (card.record.URLID != id)
-        throw std::runtime_error(fmt::format("the record {} can't be read", number(id)));
+        throw std::runtime_error(fmt::format("the record {} can't be read", id));
     evidence().draw(std::span(&card, 1), m_ctx.rebuild.task);
     return m_cards.emplace_back(std::move(card));
 }
@@ -239,7 +268,7 @@ void ReportWriter::createGraphicalRecord(UrlId urlID, std::size_t index, std::os
 
 void ReportWriter::countFailed(UrlId id) {
     ++recordsFailed;
-    failedRows.insert(static_cast<std::int32_t>(number(id)));
+    noteUnread(failedRows, id);
 }
 
 bool ReportWriter::writeRows(const RowIds &ids, std::ostream &file) {
@@ -259,7 +288,7 @@ void ReportWriter::createTabularRecord(UrlId urlID, std::size_t index, std::ostr
     const auto write = [&] {
         const auto record = m_ctx.rebuild.records.getURL(urlID);
         if (!record)
-            throw std::runtime_error(fmt::format("the record {} can't be read", number(urlID)));
+            throw std::runtime_error(fmt::format("the record {} can't be read", urlID));
         take(*record, index);
         printEntry(file, tabularRow(*this, *record, m_ctx));
         return true;

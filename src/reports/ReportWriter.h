@@ -106,8 +106,6 @@ class ReportWriter {
     void take(const UrlRecord &record, std::size_t index);
     void countFailed(UrlId id);
     CardEvidence evidence() const;
-    std::string customerOptions();
-    std::string zoneNote() const;
     std::string logo();
     /// Empty when it can't be shown, which is noted.
     std::string ownPicture(const std::filesystem::path &picture, const std::string &name);

@@ -69,7 +69,7 @@ std::string tabularRow(const ReportWriter &report, const UrlRecord &record,
                        const ReportContext &ctx) {
     std::string text =
         fmt::format("   <tr><td><input type='checkbox' name='box{}'></td>", report.recordIndex) +
-        cell(std::to_string(report.recordIndex)) + cell(std::to_string(number(record.URLID))) +
+        cell(std::to_string(report.recordIndex)) + cell(fmt::format("{}", record.URLID)) +
         typeCell(record) + cell(report.visits);
     if (report.includeDataSource)
         text += cell(htmlText(record.cacheType));
@@ -83,7 +83,7 @@ std::string brokenRow(UrlId id, std::size_t index) {
     return fmt::format("   <tr><td>&nbsp;</td><td>{}</td><td>{}</td><td colspan='6'><font "
                        "color='red'>this record could not be written; the log of the program says "
                        "why.</font></td></tr>",
-                       index, number(id));
+                       index, id);
 }
 
 } // namespace nv

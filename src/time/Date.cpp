@@ -37,13 +37,20 @@ Date Date::fromUnixSeconds(std::int64_t seconds) {
     return fromDays(kUnixEpoch + static_cast<double>(seconds) / kSecondsPerDay);
 }
 
+Date Date::fromUnixMicroseconds(std::int64_t microseconds) {
+    constexpr double kMicrosecondsPerDay = kSecondsPerDay * 1e6;
+    return fromDays(kUnixEpoch + static_cast<double>(microseconds) / kMicrosecondsPerDay);
+}
+
 Date Date::fromTimePoint(std::chrono::system_clock::time_point point) {
     return fromUnixSeconds(
         std::chrono::floor<std::chrono::seconds>(point.time_since_epoch()).count());
 }
 
+/// A whole second stored as a fraction of a day may come back some microseconds early.
 std::int64_t Date::unixSeconds() const {
-    return std::llround((m_days - kUnixEpoch) * kSecondsPerDay);
+    constexpr double kEarly = 0.0005; // seconds
+    return static_cast<std::int64_t>(std::floor((m_days - kUnixEpoch) * kSecondsPerDay + kEarly));
 }
 
 CivilTime Date::civil() const {
@@ -66,20 +73,12 @@ int Date::weekday() const {
     return static_cast<int>(weekday.c_encoding()) + 1;
 }
 
-Date Date::plusDays(double days) const {
-    return has() ? fromDays(m_days + days) : Date();
-}
-
 Date Date::plusMinutes(std::int64_t minutes) const {
     return plusSeconds(minutes * 60);
 }
 
 Date Date::plusSeconds(std::int64_t seconds) const {
     return has() ? fromDays(m_days + static_cast<double>(seconds) / kSecondsPerDay) : Date();
-}
-
-Date Date::midnight() const {
-    return has() ? fromDays(std::floor(m_days)) : Date();
 }
 
 } // namespace nv

@@ -30,23 +30,22 @@ class Date {
     /// No date when the calendar has no such day.
     static Date fromCivil(const CivilTime &civil);
     static Date fromUnixSeconds(std::int64_t seconds);
+    /// With the fraction of its second, which only comparing and sorting see.
+    static Date fromUnixMicroseconds(std::int64_t microseconds);
     static Date fromTimePoint(std::chrono::system_clock::time_point point);
 
     constexpr bool has() const { return m_days == m_days; }
     /// Meaningless without a date: ask has() first.
     constexpr double days() const { return m_days; }
-    /// To the nearest second.
+    /// The second in which it lies.
     CivilTime civil() const;
-    /// Seconds since 1970, to the nearest second.
+    /// Seconds since 1970, of that second.
     std::int64_t unixSeconds() const;
     /// 1 Sunday to 7 Saturday.
     int weekday() const;
 
-    Date plusDays(double days) const;
     Date plusMinutes(std::int64_t minutes) const;
     Date plusSeconds(std::int64_t seconds) const;
-    /// Midnight of the same day.
-    Date midnight() const;
 
     friend constexpr bool operator==(const Date &a, const Date &b) {
         return a.m_days == b.m_days || (!a.has() && !b.has());

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "time/Daylight.h"
+#include "time/ExactZone.h"
 
 namespace nv {
 
@@ -11,11 +12,12 @@ constexpr int kYearsShown = 10;
 constexpr std::size_t kShortestCell = 5;
 constexpr int kLastYearWithoutMark = 1980;
 
-/// No date when it is missing or too old to be shown.
-Date shownDate(Date actionDateUTC, const TimeZone &zone, const DateSettings &settings) {
-    const Date local = convertDateToZone(actionDateUTC, zone, settings.enableDSTChanges);
-    const bool shown = local.has() && local.civil().year >= settings.currentYear - kYearsShown;
-    return shown ? local : Date();
+/// Missing, or too old to be shown. The limit is the classic zones': theirs is today's law, which
+/// is the more often wrong the older a date is.
+bool isHidden(Date local, const TimeZone &zone, const DateSettings &settings) {
+    if (!local.has())
+        return true;
+    return !zone.exact && local.civil().year < settings.currentYear - kYearsShown;
 }
 
 } // namespace
@@ -24,23 +26,33 @@ bool shownAsDaylight(Date local, const TimeZone &zone, const DateSettings &setti
     return settings.enableDSTChanges && isDSTInEffect(local, zone.tzLatitudeBias);
 }
 
-std::string zoneCell(Date actionDateUTC, const TimeZone &zone, const DateSettings &settings) {
-    const Date local = shownDate(actionDateUTC, zone, settings);
-    if (!local.has())
+ZonedDate zonedDate(Date actionDateUTC, const TimeZone &zone, const DateSettings &settings) {
+    if (!actionDateUTC.has())
         return {};
-    const std::string text = formatDate(local, settings.dateTimeFormat()) +
-                             (shownAsDaylight(local, zone, settings) ? " DST" : " STD");
+    if (zone.exact) {
+        const ZoneMoment law = zone.exact->at(actionDateUTC);
+        return {actionDateUTC.plusSeconds(law.offset.count()), offsetText(law.offset),
+                law.abbreviation};
+    }
+    const Date local = convertDateToZone(actionDateUTC, zone, settings.enableDSTChanges);
+    const bool daylight = local.has() && shownAsDaylight(local, zone, settings);
+    return {local, zone.getBiasAsTime(daylight ? zone.tzDSTBias : 0), daylight ? "DST" : "STD"};
+}
+
+std::string zoneCell(Date actionDateUTC, const TimeZone &zone, const DateSettings &settings) {
+    const ZonedDate date = zonedDate(actionDateUTC, zone, settings);
+    if (isHidden(date.local, zone, settings))
+        return {};
+    const std::string text = formatDate(date.local, settings.dateTimeFormat()) + " " + date.code;
     return charCount(trim(text)) < kShortestCell ? std::string() : text;
 }
 
 std::string zoneProperty(Date actionDateUTC, const TimeZone &zone, const DateSettings &settings) {
-    const Date local = shownDate(actionDateUTC, zone, settings);
-    if (!local.has())
+    const ZonedDate date = zonedDate(actionDateUTC, zone, settings);
+    if (isHidden(date.local, zone, settings))
         return {};
-    const std::string mark = shownAsDaylight(local, zone, settings)
-                                 ? zone.getBiasAsTime(zone.tzDSTBias) + " DST"
-                                 : zone.getBiasAsTime(0) + " STD";
-    return formatDate(local, settings.dateTimeFormat()) + " [" + mark + "]";
+    return formatDate(date.local, settings.dateTimeFormat()) + " [" + date.offset + " " +
+           date.code + "]";
 }
 
 std::string utcCell(Date actionDateUTC, const DateSettings &settings) {
@@ -55,6 +67,8 @@ std::string utcProperty(Date actionDateUTC, const DateSettings &settings) {
 }
 
 std::string zoneHeading(const TimeZone &zone) {
+    if (zone.exact)
+        return "[" + zone.exact->name() + "]";
     const std::string offset = zone.getBiasAsTime(0);
     const bool zero = offset.find_first_not_of("+-0") == std::string::npos;
     return (zero ? "[" : "[UTC ") + offset + "]";

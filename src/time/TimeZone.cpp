@@ -1,6 +1,7 @@
 #include "time/TimeZone.h"
 
 #include "time/Daylight.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -33,6 +34,7 @@ int daylightBias(const TimeZone &zone) {
 } // namespace
 
 void TimeZone::setToDefault(Date now) {
+    exact.reset();
     daylightCode = tzDaylightCode = "EDT";
     dstAdjustment = true;
     tzBias = -300;
@@ -49,6 +51,7 @@ void TimeZone::setToDefault(Date now) {
 }
 
 void TimeZone::reset() {
+    exact.reset();
     tzName.clear();
     tzBiasAsText.clear();
     tzBias = 0;
@@ -66,19 +69,13 @@ std::string TimeZone::getBiasAsTime(int extraMinutes) const {
     return signOf(bias) + hoursAndMinutes(bias);
 }
 
-std::string TimeZone::getTimeZoneName(std::int16_t bias) {
-    for (const TimeZoneName &row : fixedZoneNames()) {
-        if (row.tzBias == bias)
-            return tzName = row.tzName;
-    }
-    return {};
-}
-
 std::string formatBiasText(std::int16_t minutes) {
     return minutes == 0 ? "UTC" : signOf(minutes) + hoursAndMinutes(minutes);
 }
 
 Date convertDateToZone(Date utc, const TimeZone &zone, bool enableDSTChanges) {
+    if (zone.exact)
+        return utc.has() ? utc.plusSeconds(zone.exact->at(utc).offset.count()) : Date();
     const bool daylight = isDSTInEffect(utc, zone.tzLatitudeBias) && enableDSTChanges;
     return utc.plusMinutes(daylight ? -daylightBias(zone) : -zone.tzBias);
 }

@@ -1,19 +1,24 @@
 #pragma once
 
-#include "base/KeyedList.h"
 #include "time/Date.h"
 
 #include <any>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace nv {
+
+class ExactZone;
 
 /// A zone. Biases are in minutes; a zone read from the database has west of Greenwich positive.
 ///
 /// A new one is the default zone, Eastern Time, whose `tzBias` is negative against that rule:
 /// it converts in the other direction from the database's row of the same name. Dates in earlier
 /// cases were shown so, and the zone is replaced as soon as the machine or the project names one.
+///
+/// All of this is the classic zone, which knows one offset and one daylight rule. An exact zone has
+/// its law beside it, which then decides each date: see setExactZone().
 struct TimeZone {
     /// `now` decides whether daylight time is in effect.
     explicit TimeZone(Date now) { setToDefault(now); }
@@ -35,6 +40,8 @@ struct TimeZone {
     bool dstInEffect = false;         ///< at the moment the zone was set
     std::int16_t tzBias = 0;          ///< used for converting dates
     std::string tzName;               ///< such as "(UTC-05:00) Eastern Time (US & Canada)"
+    /// None for a classic zone.
+    std::shared_ptr<const ExactZone> exact;
 
     /// Makes this the default zone again; `tzDSTBias` stays as it is.
     void setToDefault(Date now);
@@ -43,29 +50,15 @@ struct TimeZone {
     /// The offset from UTC, east positive: "-0500". "+0000" when `tzBias` is 0, whatever the extra
     /// minutes.
     std::string getBiasAsTime(int extraMinutes) const;
-    /// Looks the bias, east positive, up in the fixed names and keeps what it finds in `tzName`.
-    /// Empty when there is none.
-    std::string getTimeZoneName(std::int16_t bias);
 };
-
-using TimeZoneCollection = KeyedList<TimeZone>;
-
-struct TimeZoneName {
-    std::int16_t tzBias = 0; ///< minutes, east of Greenwich positive
-    std::string tzName;
-};
-
-using TimeZones = KeyedList<TimeZoneName>;
-
-/// The 34 names by bias that the program has always shown, misspellings included.
-TimeZones fixedZoneNames();
 
 /// "UTC" for 0, otherwise sign, hours and minutes: "-0500". East positive.
 std::string formatBiasText(std::int16_t minutes);
 
-/// The UTC date in the zone. The daylight rule is asked for the UTC date, and `tzDSTBias` is added
-/// without regard to the hemisphere. Throws std::range_error when the sum of the biases leaves 16
-/// bits.
+/// The UTC date in the zone. In a classic one the daylight rule is asked for the UTC date, and
+/// `tzDSTBias` is added without regard to the hemisphere; throws std::range_error when the sum of
+/// the biases leaves 16 bits. In an exact one its law alone decides: `enableDSTChanges` is the
+/// classic ones' switch.
 Date convertDateToZone(Date utc, const TimeZone &zone, bool enableDSTChanges);
 
 } // namespace nv

@@ -86,6 +86,7 @@ void showActiveBias(TimeZone &zone) {
 }
 
 void setFromRow(TimeZone &zone, const ZoneRow &row, bool daylightNow) {
+    zone.exact.reset();
     zone.tzTimeZoneID = row.timeZoneID;
     zone.tzBias = row.stdBias;
     zone.tzDSTBias = row.dstBias.value_or(0);
@@ -96,6 +97,7 @@ void setFromRow(TimeZone &zone, const ZoneRow &row, bool daylightNow) {
 }
 
 void detectFromRow(TimeZone &zone, const ZoneRow &row, bool ruleInEffect) {
+    zone.exact.reset();
     zone.tzBias = zone.tzActiveBias = row.stdBias;
     zone.daylightCode = row.dstCode;
     zone.dstAdjustment = row.dstBias.has_value();

@@ -46,15 +46,17 @@ Alphabet alphabetOfNumbers() {
     return numbers;
 }
 
-/// Of the examiner's format and the one with words, which every hour of a year shows in full.
-Alphabet alphabetOfDates(const DateSettings &settings) {
+/// Of the examiner's format and the one with words, which every hour of a year shows in full, and
+/// of what stands after a date.
+Alphabet alphabetOfDates(const RowCells &cells) {
     Alphabet dates;
-    dates.add("0123456789 DST STD");
+    dates.add("0123456789");
+    dates.add(cells.zoneCodes());
     constexpr double kFirst = 40000;
     constexpr int kSteps = 366 * 2;
     for (int step = 0; step < kSteps; ++step) {
         const Date date = Date::fromDays(kFirst + step * 0.5417); // 13 hours on
-        dates.add(formatDate(date, settings.dateTimeFormat()));
+        dates.add(formatDate(date, cells.dates.dateTimeFormat()));
         dates.add(formatDate(date, "dd-mmm-yyyy Hh:Nn:Ss"));
     }
     return dates;
@@ -82,7 +84,7 @@ class RowFinder {
   public:
     RowFinder(const FindText &what, SQLite::Database &database, RowCells &cells)
         : m_pattern(what.text), m_cells(cells), m_isNumber(alphabetOfNumbers().canSpell(what.text)),
-          m_isDate(alphabetOfDates(cells.dates).canSpell(what.text)) {
+          m_isDate(alphabetOfDates(cells).canSpell(what.text)) {
         for (const UrlColumn column : what.columns)
             plan(column);
         m_rows = std::make_unique<SQLite::Statement>(

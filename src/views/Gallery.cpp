@@ -2,6 +2,7 @@
 
 #include "base/Succeeds.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/Dialect.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/StoredQueries.h"
@@ -136,7 +137,7 @@ std::string Gallery::pageText() const {
 Bytes thumbnailOf(SQLite::Database &project, FailureLog &log, UrlId id) {
     return trapped(log, Severity::Warning, kProcedure, kContactSupport, Bytes(), [&] {
         SQLite::Statement row(project, "SELECT ThumbnailBLOB FROM URLs WHERE URL_ID = ?");
-        row.bind(1, number(id));
+        bindId(row, 1, id);
         if (!row.executeStep())
             return Bytes();
         const std::string bytes = row.getColumn(0).getString();

@@ -47,10 +47,10 @@ void showProgress(TaskMonitor &task, std::size_t done, std::size_t total) {
 std::string factsQuery(const RecordFilters &filters) {
     const FilterNeeds needs = needsOf(filters);
     return fmt::format(
-        "SELECT URL_ID, IsHistory, IsCookie, IsBookmark, CacheType, {}, {}, {} FROM URLs "
+        "SELECT URL_ID, IsHistory, IsCookie, IsBookmark, CacheType, {}, {}, {}, {} FROM URLs "
         "WHERE URL_ID >= ? ORDER BY URL_ID",
         needs.category ? "Category" : "NULL", needs.urlFileExt ? "URLFileExt" : "NULL",
-        needs.url ? "URL" : "NULL");
+        needs.url ? "URL" : "NULL", needs.origin ? "Browser, Profile, Person" : "NULL, NULL, NULL");
 }
 
 std::string_view textIn(const SQLite::Column &column) {
@@ -67,6 +67,9 @@ FilterFacts factsIn(SQLite::Statement &row) {
     facts.category = toUpper(textIn(row.getColumn(5)));
     facts.urlFileExt = textIn(row.getColumn(6));
     facts.url = toLower(textIn(row.getColumn(7)));
+    facts.browser = textIn(row.getColumn(8));
+    facts.profile = textIn(row.getColumn(9));
+    facts.person = textIn(row.getColumn(10));
     return facts;
 }
 

@@ -3,6 +3,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/SqliteErrors.h"
 #include "import/PageContent.h"
 #include "import/SavedContent.h"
@@ -111,7 +112,7 @@ class PageRefresh {
             m_update.tryReset();
             m_update.bindNoCopy(1, page.body);
             m_update.bindNoCopy(2, links);
-            m_update.bind(3, number(id));
+            bindId(m_update, 3, id);
             m_update.exec();
             m_update.tryReset();
         });

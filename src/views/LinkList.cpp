@@ -1,6 +1,7 @@
 #include "views/LinkList.h"
 
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/UrlRecord.h"
 #include "readers/RecordKind.h"
 #include "rebuild/Harvest.h"
@@ -16,11 +17,11 @@ namespace {
 
 /// Ids above it are refused with a message that says what lifts it: nothing is passed over.
 void checkWidth(UrlId urlID, RecordIds ids) {
-    if (ids == RecordIds::narrow && number(urlID) > kLargestNarrowId)
+    if (ids == RecordIds::narrow && urlID > UrlId{kLargestNarrowId})
         throw std::out_of_range(
             fmt::format("the links of record {} can't be listed, as its id is above {}; the switch "
                         "WideRecordIds in the section [BEYOND] of the settings lifts this limit",
-                        number(urlID), kLargestNarrowId));
+                        urlID, kLargestNarrowId));
 }
 
 constexpr const char *kPairs =
@@ -34,9 +35,9 @@ constexpr const char *kPairs =
 
 LinkRow rowIn(SQLite::Statement &pairs, UrlId urlID) {
     LinkRow row;
-    const std::int64_t parent = pairs.getColumn(0).getInt64();
-    row.end = parent == number(urlID) ? LinkEnd::child : LinkEnd::parent;
-    row.other = UrlId{row.end == LinkEnd::child ? pairs.getColumn(1).getInt64() : parent};
+    const UrlId parent{pairs.getColumn(0).getInt64()};
+    row.end = parent == urlID ? LinkEnd::child : LinkEnd::parent;
+    row.other = row.end == LinkEnd::child ? UrlId{pairs.getColumn(1).getInt64()} : parent;
     row.url = pairs.getColumn(2).getString();
     row.hashedURL = pairs.getColumn(3).getString();
     row.visitCount = pairs.getColumn(4).getInt64();
@@ -56,7 +57,7 @@ LinkList loadLinks(SQLite::Database &project, UrlId urlID, RecordIds ids, Failur
     const auto failure = failureOf(log, "MainForm.LoadLinks()", [&] {
         checkWidth(urlID, ids);
         SQLite::Statement pairs(project, kPairs);
-        pairs.bind(1, number(urlID));
+        bindId(pairs, 1, urlID);
         while (pairs.executeStep())
             list.rows.push_back(rowIn(pairs, urlID));
     });

@@ -77,7 +77,7 @@ std::optional<std::int64_t> mendRootPath(SQLite::Database &database, FailureLog 
     const auto changed = giveRoot(database, root, seen, task);
     const std::string mark = fmt::format("{} {}", highest, root);
     if (changed && mark.size() <= kLongestValue)
-        fields.saveDefaultSetting(kSeenName, mark);
+        fields.remember(kSeenName, mark);
     return changed;
 }
 

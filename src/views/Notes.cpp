@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -15,7 +16,7 @@ constexpr std::string_view kProcedure = "MainForm.NotesText_Validate()";
 
 std::optional<Note> readNote(SQLite::Database &project, UrlId url) {
     SQLite::Statement row(project, "SELECT Notes, NotesDateTime FROM URLs WHERE URL_ID = ?");
-    row.bind(1, number(url));
+    bindId(row, 1, url);
     if (!row.executeStep())
         return std::nullopt;
     Note note;
@@ -33,7 +34,7 @@ NoteOutcome storeNote(SQLite::Database &project, UrlId url, const std::string &t
                                  "UPDATE URLs SET Notes = ?, NotesDateTime = ? WHERE URL_ID = ?");
         update.bind(1, text);
         update.bind(2, Date::fromTimePoint(clock.now()).days());
-        update.bind(3, number(url));
+        bindId(update, 3, url);
         if (update.exec() == 0)
             outcome.stored = NoteStored::rowGone;
     });

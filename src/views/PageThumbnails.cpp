@@ -4,6 +4,7 @@
 #include "base/Md5.h"
 #include "base/Succeeds.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/SqliteErrors.h"
 #include "views/ThumbnailJobs.h"
 
@@ -66,9 +67,9 @@ class PageRun {
         const PageDrawing &page = m_pages[place];
         if (!drawn.done) {
             // The words are those that error logs always had, whatever the system.
-            m_ctx.log.write(
-                {fmt::format("Win32 Error: {} (URL ID: {})", drawn.failure, number(page.urlID)),
-                 std::string(kProcedure), Severity::Warning, std::string(kContactSupport)});
+            m_ctx.log.write({fmt::format("Win32 Error: {} (URL ID: {})", drawn.failure, page.urlID),
+                             std::string(kProcedure), Severity::Warning,
+                             std::string(kContactSupport)});
             return false;
         }
         m_drawn[place] = succeeds(m_ctx.log, Severity::Warning, kProcedure, kContactSupport,
@@ -91,7 +92,7 @@ class PageRun {
 
 bool holdsAlready(UrlId id, const std::string &hash, SQLite::Database &project) {
     SQLite::Statement row(project, "SELECT 1 FROM URLs WHERE URL_ID = ? AND ThumbnailMD5Hash = ?");
-    row.bind(1, number(id));
+    bindId(row, 1, id);
     row.bind(2, hash);
     return row.executeStep();
 }
@@ -101,15 +102,6 @@ bool holdsAlready(UrlId id, const std::string &hash, SQLite::Database &project) 
 std::vector<bool> createHTMLThumbnails(std::span<const PageDrawing> pages, int width,
                                        const ThumbnailContext &ctx, TaskMonitor &task) {
     return PageRun(pages, width, ctx, task).all();
-}
-
-bool createHTMLThumbnail(const fs::path &page, const fs::path &destination, UrlId urlID, int width,
-                         const ThumbnailContext &ctx) {
-    const PageDrawing drawing{urlID, page, destination};
-    Unwatched nobody;
-    return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false, [&]() -> bool {
-        return createHTMLThumbnails(std::span(&drawing, 1), width, ctx, nobody).front();
-    });
 }
 
 Stored storeThumbnail(UrlId urlID, const fs::path &path, const ThumbnailContext &ctx) {
@@ -128,7 +120,7 @@ Stored storeThumbnail(UrlId urlID, const fs::path &path, const ThumbnailContext 
         update.bind(3, ctx.settings.viewerThumbnailWidth);
         update.bind(4, thumbnailHeight(ctx.settings.viewerThumbnailWidth));
         update.bind(5, Date::fromTimePoint(ctx.clock.now()).days());
-        update.bind(6, number(urlID));
+        bindId(update, 6, urlID);
         update.exec();
         return Stored::written;
     });

@@ -22,11 +22,6 @@ struct PageDrawing {
 std::vector<bool> createHTMLThumbnails(std::span<const PageDrawing> pages, int width,
                                        const ThumbnailContext &ctx, TaskMonitor &task);
 
-/// The same of one page.
-bool createHTMLThumbnail(const std::filesystem::path &page,
-                         const std::filesystem::path &destination, UrlId urlID, int width,
-                         const ThumbnailContext &ctx);
-
 enum class Stored { written, sameBytes };
 /// Reads a finished thumbnail into the row; one that holds the same bytes already isn't written.
 /// Throws.

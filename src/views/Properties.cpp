@@ -2,6 +2,8 @@
 
 #include "base/Succeeds.h"
 #include "base/Text.h"
+#include "db/BindId.h"
+#include "db/RecordFacts.h"
 #include "db/SchemaColumns.h"
 #include "db/UrlRecord.h"
 #include "views/Exif.h"
@@ -130,6 +132,13 @@ class RecordFields {
     const PropertySource &m_source;
 };
 
+void addFacts(std::vector<Property> &properties, UrlId url, const PropertySource &source) {
+    attempt(source.log, [&] {
+        for (const RecordFact &fact : RecordFacts(source.project).of(url))
+            properties.push_back({fact.name, factText(fact)});
+    });
+}
+
 void addExifRows(std::vector<Property> &properties, const PropertySource &source) {
     std::optional<std::filesystem::path> picture;
     attempt(source.log, [&] { picture = source.picture(); });
@@ -154,13 +163,15 @@ std::vector<Property> loadProperties(UrlId url, const PropertySource &source) {
     bool isPicture = false;
     attempt(source.log, [&] {
         SQLite::Statement row(source.project, "SELECT * FROM URLs WHERE URL_ID = ?");
-        row.bind(1, number(url));
+        bindId(row, 1, url);
         if (!row.executeStep())
             return;
         const RecordFields fields(row, source);
         properties = fields.all();
         isPicture = equalsNoCase(fields.textNamed("Category"), "PICTURES");
     });
+    if (!properties.empty())
+        addFacts(properties, url, source);
     if (isPicture && source.picture)
         addExifRows(properties, source);
     return properties;

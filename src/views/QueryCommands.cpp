@@ -36,10 +36,6 @@ void QueryCommands::start() {
     loadStoredQueries();
 }
 
-void QueryCommands::runSQL() {
-    m_state.currentSQLDef = m_state.defaultSQLDef;
-}
-
 bool QueryCommands::formatQuerySQL(std::span<const QueryRow> rows,
                                    std::span<const QuerySortRow> sorts) {
     return trapped(m_log, Severity::Warning, "MainForm.FormatQuerySQL()", kContactSupport, false,

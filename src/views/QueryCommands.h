@@ -47,8 +47,6 @@ class QueryCommands {
 
     /// After a project was opened: its "_DEFAULT" is in force, and nothing can be undone.
     void start();
-    /// The default statement is in force again. Shows and loads nothing.
-    void runSQL();
     /// Puts the grids' statement into the box. False, and nothing is changed, for empty grids.
     bool formatQuerySQL(std::span<const QueryRow> rows, std::span<const QuerySortRow> sorts);
     void btnValidateSQL();

@@ -103,6 +103,19 @@ bool admits(const FilterFlag &test, const FilterFacts &facts) {
            containsOneOf(facts.url, test.urlParts);
 }
 
+constexpr OriginFilter kOrigins[] = {
+    {&F::browser, &FilterFacts::browser, "browser", "Browser"},
+    {&F::profile, &FilterFacts::profile, "profile", "Profile"},
+    {&F::person, &FilterFacts::person, "person", "Person"},
+};
+
+bool isOfOthers(const RecordFilters &filters, const FilterFacts &facts) {
+    return std::ranges::any_of(kOrigins, [&](const OriginFilter &each) {
+        const std::string &wanted = filters.*each.text;
+        return !wanted.empty() && !equalsNoCase(wanted, facts.*each.fact);
+    });
+}
+
 /// A source that is off hides its records, even from `showAll`.
 bool isVetoed(const RecordFilters &filters, const FilterFacts &facts) {
     return (facts.isHistory && !filters.showHistoryURLs) ||
@@ -117,7 +130,10 @@ FilterFacts factsOf(const UrlRecord &record) {
             .isCache = groupOf(record.cacheType) == RecordGroup::cache,
             .category = toUpper(record.Category),
             .urlFileExt = record.URLFileExt,
-            .url = toLower(record.URL)};
+            .url = toLower(record.URL),
+            .browser = record.Browser,
+            .profile = record.Profile,
+            .person = record.Person};
 }
 
 } // namespace
@@ -134,6 +150,10 @@ std::span<const FilterFlag> filterFlags() {
     return kFlags;
 }
 
+std::span<const OriginFilter> originFilters() {
+    return kOrigins;
+}
+
 const FilterFlag *findFilterFlag(std::string_view name) {
     static constexpr std::string_view kShow = "show";
     const auto *found = std::ranges::find_if(kFlags, [name](const FilterFlag &each) {
@@ -147,7 +167,7 @@ bool filterRecord(const RecordFilters &filters, const UrlRecord &record) {
 }
 
 bool filterRecord(const RecordFilters &filters, const FilterFacts &facts) {
-    if (isVetoed(filters, facts))
+    if (isVetoed(filters, facts) || isOfOthers(filters, facts))
         return false;
     // Not vetoed, so their flags are on.
     if (facts.isCookie || facts.isBookmark || filters.showAll)
@@ -158,6 +178,8 @@ bool filterRecord(const RecordFilters &filters, const FilterFacts &facts) {
 
 FilterNeeds needsOf(const RecordFilters &filters) {
     FilterNeeds needs;
+    needs.origin = std::ranges::any_of(
+        kOrigins, [&](const OriginFilter &each) { return !(filters.*each.text).empty(); });
     if (filters.showAll)
         return needs;
     for (const FilterFlag &each : kFlags)

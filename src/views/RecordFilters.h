@@ -62,6 +62,11 @@ struct RecordFilters {
 
     bool showAll = false; ///< what no source vetoes is shown, whatever its kind
 
+    // Whose records: those of others are vetoed. Empty admits everybody's.
+    std::string browser;
+    std::string profile;
+    std::string person;
+
     bool operator==(const RecordFilters &) const = default;
 };
 
@@ -78,6 +83,9 @@ struct FilterFacts {
     std::string category;   ///< upper case
     std::string urlFileExt; ///< as stored
     std::string url;        ///< lower case
+    std::string browser;
+    std::string profile;
+    std::string person;
 };
 
 /// A few words of a filter's test, at most as many as the longest needs.
@@ -111,6 +119,15 @@ std::span<const FilterFlag> filterFlags();
 /// By its name in any case, with or without the "show" before it; null when there is none.
 const FilterFlag *findFilterFlag(std::string_view name);
 
+/// A part of the origin by which records are chosen: its word, and what the dialog calls it.
+struct OriginFilter {
+    std::string RecordFilters::*text;
+    std::string FilterFacts::*fact;
+    std::string_view word;
+    std::string_view label;
+};
+std::span<const OriginFilter> originFilters();
+
 /// Whether a record is shown by flags that are enabled.
 bool filterRecord(const RecordFilters &filters, const UrlRecord &record);
 /// The same by what was read of a row. Facts that needsOf() leaves out may be empty.
@@ -121,6 +138,7 @@ struct FilterNeeds {
     bool category = false;
     bool urlFileExt = false;
     bool url = false;
+    bool origin = false; ///< browser, profile and person
 };
 FilterNeeds needsOf(const RecordFilters &filters);
 

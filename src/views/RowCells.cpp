@@ -3,13 +3,16 @@
 #include "base/Text.h"
 #include "db/UrlRecord.h"
 #include "rebuild/RebuiltRow.h"
+#include "time/ExactZone.h"
 #include "views/CellText.h"
 #include "views/IconKey.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <cstdlib>
 #include <type_traits>
 #include <variant>
@@ -52,6 +55,11 @@ Cell unreadCell(const UrlRow &row, UrlColumn column) {
     if (column == UrlColumn::Id)
         return number(row.id);
     return column == UrlColumn::Status ? Cell(std::string(kUnreadable)) : Cell();
+}
+
+/// What a failure's line in the log names.
+std::uint64_t trapKey(const UrlRow &row) {
+    return static_cast<std::uint64_t>(number(row.id));
 }
 
 std::string storedText(const UrlRow &row, UrlColumn column) {
@@ -148,24 +156,32 @@ std::string RowCells::dateText(const UrlRow &row, UrlColumn column) {
     std::string text;
     // Made of the UTC date: the stored local date is in the zone that the project had at the
     // import.
-    m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)),
-                       [&] { text = zoneCell(row.actionDateUtc, m_zone, shown); });
+    m_dateTrap.attempt(trapKey(row), [&] { text = zoneCell(row.actionDateUtc, m_zone, shown); });
     return text;
+}
+
+std::string RowCells::zoneCodes() const {
+    if (!m_zone.exact)
+        return " DST STD";
+    return " " + fmt::format("{}", fmt::join(m_zone.exact->abbreviations(), " "));
 }
 
 std::string RowCells::zoneIso(const UrlRow &row) {
     std::string text;
-    m_dateTrap.attempt(static_cast<std::uint64_t>(number(row.id)), [&] {
+    m_dateTrap.attempt(trapKey(row), [&] {
         const Date local = convertDateToZone(row.actionDateUtc, m_zone, dates.enableDSTChanges);
         if (!local.has())
             return;
-        const auto ahead =
-            static_cast<int>(std::lround((local.days() - row.actionDateUtc.days()) * 24 * 60));
+        const std::int64_t ahead = local.unixSeconds() - row.actionDateUtc.unixSeconds();
+        const std::chrono::hh_mm_ss offset(std::chrono::abs(std::chrono::seconds(ahead)));
         text = isoUtc(local);
         if (text.ends_with('Z'))
             text.pop_back();
-        text += fmt::format("{}{:02}:{:02}", ahead < 0 ? '-' : '+', std::abs(ahead) / 60,
-                            std::abs(ahead) % 60);
+        text += fmt::format("{}{:02}:{:02}", ahead < 0 ? '-' : '+', offset.hours().count(),
+                            offset.minutes().count());
+        // Local mean time: left out, the UTC of the text would be another one.
+        if (offset.seconds().count() != 0)
+            text += fmt::format(":{:02}", offset.seconds().count());
     });
     return text;
 }

@@ -26,6 +26,8 @@ class RowCells {
     /// its age. Texts are cut where the row's are: take fullTextOf() for those that aren't whole.
     Cell machine(const UrlRow &row, UrlColumn column);
     static std::string_view iconKeyOf(const UrlRow &row);
+    /// What can stand after a date of the zone: " DST", or the abbreviations of an exact one.
+    std::string zoneCodes() const;
     /// Files may have moved: ask the file system again.
     void forgetPaths() { m_paths.forget(); }
 

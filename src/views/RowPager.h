@@ -40,7 +40,7 @@ class RowPager {
     const UrlRow *row(std::size_t place);
     /// Those that were asked for since forget() and couldn't be read.
     const UnreadRows &unread() const { return m_unread; }
-    void noteUnread(std::int32_t id) { m_unread.insert(id); }
+    void noteUnread(UrlId id) { nv::noteUnread(m_unread, id); }
     /// The row only when its page is at hand: doesn't touch the database.
     const UrlRow *known(std::size_t place) const;
     void noteTagged(UrlId id, bool tagged);

@@ -61,14 +61,6 @@ void TableLayout::move(UrlColumn column, int position) {
     m_order.insert(m_order.begin() + std::clamp(position, 0, end), column);
 }
 
-void TableLayout::formatColumns(const URLTableColumns &columns) {
-    for (const ListedColumn &entry : columns)
-        if (const auto column = columnOfKey(entry.keyName)) {
-            at(*column).header = entry.columnHeader;
-            at(*column).hidden = entry.hideColumn;
-        }
-}
-
 void TableLayout::restore(const Read &read) {
     for (const UrlColumnFacts &facts : kTableColumns) {
         const std::string kept = read(nameOf(facts, "_ColIsHidden"));

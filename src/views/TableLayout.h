@@ -39,9 +39,6 @@ class TableLayout {
     /// The others close up; a place beyond the end is the end.
     void move(UrlColumn column, int position);
 
-    /// Takes header and visibility from `columns`, by key; columns it doesn't name stay.
-    void formatColumns(const URLTableColumns &columns);
-
     /// Hidden flags first, positions after. What is missing or makes no sense leaves its column as
     /// it was; so does a position below 0.
     void restore(const Read &read);

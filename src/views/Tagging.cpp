@@ -2,6 +2,7 @@
 
 #include "base/Succeeds.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -15,17 +16,18 @@ namespace {
 constexpr std::string_view kProcedure = "MainForm.URLGrid_Click()";
 
 /// How many of the rows there are, or nothing after a cancel: then none is written.
-std::optional<std::size_t> writeAll(SQLite::Database &database, std::span<const std::int32_t> ids,
+template <class Key>
+std::optional<std::size_t> writeAll(SQLite::Database &database, std::span<const Key> ids,
                                     bool tagged, TaskMonitor &task) {
     SQLite::Transaction transaction(database);
     SQLite::Statement update(database, "UPDATE URLs SET Tagged = ? WHERE URL_ID = ?");
     update.bind(1, tagged ? 1 : 0);
     std::size_t done = 0;
     std::size_t written = 0;
-    for (const std::int32_t id : ids) {
+    for (const Key id : ids) {
         if (!task.advance(static_cast<double>(done++) / static_cast<double>(ids.size())))
             return std::nullopt;
-        update.bind(2, id);
+        bindId(update, 2, UrlId{id});
         written += static_cast<std::size_t>(update.exec());
         update.reset();
     }
@@ -40,10 +42,9 @@ std::optional<std::size_t> writeAll(SQLite::Database &database, std::span<const 
 
 bool setTagged(SQLite::Database &database, FailureLog &log, UrlId id, bool tagged) {
     return succeeds(log, Severity::Low, kProcedure, kNotSerious, [&] {
-        const auto row = static_cast<std::int32_t>(number(id));
         Unwatched task;
-        if (writeAll(database, std::span(&row, 1), tagged, task) != 1)
-            throw std::runtime_error(fmt::format("there is no row with URL_ID {}", row));
+        if (writeAll(database, std::span<const UrlId>(&id, 1), tagged, task) != 1)
+            throw std::runtime_error(fmt::format("there is no row with URL_ID {}", id));
     });
 }
 

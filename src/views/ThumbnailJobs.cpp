@@ -7,6 +7,7 @@
 #include "base/Succeeds.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "db/SqliteErrors.h"
 #include "readers/CachedBody.h"
 #include "readers/ContentProbe.h"
@@ -100,7 +101,7 @@ void writeRow(const UrlRecord &record, SQLite::Database &project) {
         update.bind(8, record.PARDValue);
         update.bind(9, record.PictureHeight);
         update.bind(10, record.PictureWidth);
-        update.bind(11, number(record.URLID));
+        bindId(update, 11, record.URLID);
         update.exec();
     });
 }
@@ -110,7 +111,7 @@ bool isGone(UrlId urlID, const ThumbnailContext &ctx) {
     NoLog unheard;
     return trapped(unheard, Severity::Low, {}, {}, false, [&] {
         SQLite::Statement row(ctx.project, "SELECT Count(*) FROM URLs WHERE URL_ID = ?");
-        row.bind(1, number(urlID));
+        bindId(row, 1, urlID);
         return row.executeStep() && row.getColumn(0).getInt() == 0;
     });
 }
@@ -159,7 +160,7 @@ std::optional<ThumbnailJob> jobOfRow(UrlId urlID, const fs::path &folder,
         if (isGone(urlID, ctx))
             ++totals.withoutContent;
         else
-            totals.unread.insert(static_cast<std::int32_t>(number(urlID)));
+            noteUnread(totals.unread, urlID);
         return std::nullopt;
     }
     ThumbnailJob job{std::move(*record), {}};
@@ -193,8 +194,8 @@ void countDrawn(const ThumbnailJob &job, const Drawn &drawn, bool kept, const Th
 }
 
 void logUndrawn(UrlId urlID, std::string_view failure, FailureLog &log) {
-    log.write({fmt::format("URL ID: {} {}", number(urlID), failure), std::string(kProcedure),
-               Severity::Low, std::string(kNotSerious)});
+    log.write({fmt::format("URL ID: {} {}", urlID, failure), std::string(kProcedure), Severity::Low,
+               std::string(kNotSerious)});
 }
 
 } // namespace nv

@@ -58,7 +58,7 @@ Drawn drawOne(const DrawJob &job, const ThumbnailContext &ctx) {
 
 class ThumbnailRun {
   public:
-    ThumbnailRun(const ThumbnailContext &ctx, std::span<const std::int64_t> ids, TaskMonitor &task,
+    ThumbnailRun(const ThumbnailContext &ctx, std::span<const UrlId> ids, TaskMonitor &task,
                  ThumbnailTotals &totals)
         : m_ctx(ctx), m_ids(ids), m_task(task), m_totals(totals), m_folder(ctx.tempFolderPath),
           m_rows(ctx.project, [this] { m_kept = m_totals.made; }),
@@ -86,7 +86,7 @@ class ThumbnailRun {
     void prepareBatch() {
         m_jobs.clear();
         while (m_next < m_ids.size() && m_jobs.size() < kBatch && goOn())
-            prepare(UrlId{m_ids[m_next++]});
+            prepare(m_ids[m_next++]);
     }
 
     void prepare(UrlId id) {
@@ -148,7 +148,7 @@ class ThumbnailRun {
     }
 
     const ThumbnailContext &m_ctx;
-    std::span<const std::int64_t> m_ids;
+    std::span<const UrlId> m_ids;
     TaskMonitor &m_task;
     ThumbnailTotals &m_totals;
     std::uint64_t m_kept = 0; ///< of those made
@@ -162,36 +162,14 @@ class ThumbnailRun {
 
 } // namespace
 
-void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> ids,
-                    TaskMonitor &task, ThumbnailTotals &totals) {
+void makeThumbnails(const ThumbnailContext &ctx, std::span<const UrlId> ids, TaskMonitor &task,
+                    ThumbnailTotals &totals) {
     // Now, while few rows have thumbnails: the index grows with them.
     const auto index =
         onProject(ctx.project, [&] { return ensureGalleryIndex(ctx.project, task); });
     totals.cancelled = index == IndexState::Cancelled;
     if (!totals.cancelled)
         ThumbnailRun(ctx, ids, task, totals).all();
-}
-
-bool makeThumbnail(UrlRecord &url, const ImportSettings &import, const ThumbnailContext &ctx) {
-    if (!import.makePictureThumbnails || !url.CacheFileExists)
-        return false;
-    return trapped(ctx.log, Severity::Warning, "MainBAS.MakeThumbnail()", kContactSupport, false,
-                   [&] {
-                       const ThumbnailFolder folder(ctx.tempFolderPath);
-                       ThumbnailJob job{url, {}};
-                       if (prepareThumbnail(job, folder.place(0), ctx) != Preparation::ready)
-                           return false;
-                       const Drawn drawn = drawOne(job.drawing, ctx);
-                       if (drawn.done)
-                           keepThumbnail(job, drawn, ctx);
-                       else
-                           logUndrawn(url.URLID, drawn.failure, ctx.log);
-                       url = std::move(job.record);
-                       // They lay in a folder that goes now.
-                       url.RunTimeTempFilePath.clear();
-                       url.RunTimeThumbnailPath.clear();
-                       return drawn.done;
-                   });
 }
 
 bool makePictureThumbnail(const fs::path &source, const fs::path &destination, UrlRecord &url,

@@ -5,7 +5,6 @@
 #include "base/TaskMonitor.h"
 #include "db/RecordStore.h"
 #include "import/Categories.h"
-#include "import/ImportSettings.h"
 #include "platform/Drawing.h"
 #include "readers/Evidence.h"
 #include "views/UnreadRows.h"
@@ -50,13 +49,8 @@ struct ThumbnailTotals {
 /// batches, and each row is written as its drawing comes. A drawing that fails leaves its row as it
 /// was, and so does a cancel the rows that it didn't reach. Throws what the project, the scratch
 /// folder or the drawing as a whole can't do; `totals` tells what was done before, and is kept.
-void makeThumbnails(const ThumbnailContext &ctx, std::span<const std::int64_t> ids,
-                    TaskMonitor &task, ThumbnailTotals &totals);
-
-/// Builds the record's thumbnail and its P.A.R.D. value, in the record and in its row. Only when
-/// `import` makes thumbnails of pictures: that box is asked for pages too, as it always was. False
-/// when there is none.
-bool makeThumbnail(UrlRecord &url, const ImportSettings &import, const ThumbnailContext &ctx);
+void makeThumbnails(const ThumbnailContext &ctx, std::span<const UrlId> ids, TaskMonitor &task,
+                    ThumbnailTotals &totals);
 
 /// Draws one picture file, `width` pixels wide, and measures it into the record. A failure is
 /// logged.

@@ -8,6 +8,14 @@
 
 namespace nv {
 
+void noteUnread(UnreadRows &rows, UrlId id) {
+    rows.insert(static_cast<std::int32_t>(number(id)));
+}
+
+bool isUnread(const UnreadRows &rows, UrlId id) {
+    return rows.contains(static_cast<std::int32_t>(number(id)));
+}
+
 std::string rangesOf(const UnreadRows &rows) {
     std::string text;
     for (auto first = rows.begin(); first != rows.end();) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "db/Ids.h"
+
 #include <cstdint>
 #include <set>
 #include <string>
@@ -8,6 +10,9 @@ namespace nv {
 
 /// Rows of the project that could not be read, by their ids.
 using UnreadRows = std::set<std::int32_t>;
+
+void noteUnread(UnreadRows &rows, UrlId id);
+bool isUnread(const UnreadRows &rows, UrlId id);
 
 /// "3 to 5, 9": every one of them, those that follow each other as a range.
 std::string rangesOf(const UnreadRows &rows);

@@ -68,6 +68,9 @@ constexpr std::array<UrlColumnFacts, kTableColumnCount> kTableColumns = {{
     {C::LastVisited, "COL_URL_LAST_VISITED", "", 0, Shown::No, R::Date, "LastVisited"},
     {C::LocalDate, "COL_URL_LOCAL_DATE", "Local Date", 2200, Shown::No, R::LocalDate, "ActionDateLocal"},
     {C::Note, "COL_URL_NOTE", "Note", 800, Shown::No, R::Note, "Notes"},
+    {C::Browser, "COL_URL_BROWSER", "Browser", 1600, Shown::No, R::Text, "Browser"},
+    {C::Profile, "COL_URL_PROFILE", "Profile", 1600, Shown::No, R::Text, "Profile"},
+    {C::Person, "COL_URL_PERSON", "Person", 1300, Shown::No, R::Text, "Person"},
 }};
 // clang-format on
 

@@ -15,7 +15,7 @@
 namespace nv {
 
 /// The columns of the URL table; the value is the number by which projects keep a column in their
-/// layouts (docs/formats/project-file.md). The last two came later: lists of "all columns" go
+/// layouts (docs/formats/project-file.md). The last five came later: lists of "all columns" go
 /// without them.
 enum class UrlColumn : std::uint8_t {
     Tag,
@@ -71,9 +71,12 @@ enum class UrlColumn : std::uint8_t {
     LastVisited,
     LocalDate, ///< of any age, unlike ActionDateLocal
     Note,
+    Browser,
+    Profile,
+    Person,
 };
 inline constexpr std::size_t kUrlColumnCount = 51;   ///< those of layout "Classic"
-inline constexpr std::size_t kTableColumnCount = 53; ///< all that the table can show
+inline constexpr std::size_t kTableColumnCount = 56; ///< all that the table can show
 
 constexpr std::size_t indexOf(UrlColumn column) {
     return static_cast<std::size_t>(column);

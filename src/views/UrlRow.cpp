@@ -1,5 +1,6 @@
 #include "views/UrlRow.h"
 
+#include "db/BindId.h"
 #include "views/CellText.h"
 #include "views/UrlQuery.h"
 
@@ -122,7 +123,7 @@ UrlRow RowReader::read(UrlId id) {
     UrlRow row;
     row.id = id;
     const Finished reading(*m_row);
-    m_row->bind(1, number(id));
+    bindId(*m_row, 1, id);
     row.found = m_row->executeStep();
     if (!row.found)
         return row;
@@ -137,7 +138,7 @@ UrlRow RowReader::read(UrlId id) {
 std::int64_t RowReader::linksOf(const UrlRow &row) {
     SQLite::Statement &count = row.isHistory ? *m_linksToChild : *m_linksOfParent;
     const Finished counting(count);
-    count.bind(1, number(row.id));
+    bindId(count, 1, row.id);
     return count.executeStep() ? count.getColumn(0).getInt64() : 0;
 }
 
@@ -147,7 +148,7 @@ std::optional<std::string> fullTextOf(SQLite::Database &database, UrlId id, UrlC
         return std::nullopt;
     SQLite::Statement statement(database,
                                 fmt::format("SELECT {} FROM URLs WHERE URL_ID = ?", source));
-    statement.bind(1, number(id));
+    bindId(statement, 1, id);
     if (!statement.executeStep())
         return std::nullopt;
     return statement.getColumn(0).getString();

@@ -181,7 +181,7 @@ UrlId UrlTable::idAt(std::size_t place) const {
 
 std::optional<std::size_t> UrlTable::placeOf(UrlId id) const {
     const auto found = std::find_if(m_ids.begin(), m_ids.end(),
-                                    [id](std::int32_t known) { return known == number(id); });
+                                    [id](std::int32_t known) { return UrlId{known} == id; });
     if (found == m_ids.end())
         return std::nullopt;
     return static_cast<std::size_t>(found - m_ids.begin());
@@ -197,7 +197,7 @@ const UrlRow *UrlTable::rowFor(std::size_t place, UrlColumn column) {
 
 bool UrlTable::isRead(std::size_t place) {
     const UrlRow *row = rowFor(place, UrlColumn::Id);
-    return row && row->found && !unread().contains(static_cast<std::int32_t>(number(row->id)));
+    return row && row->found && !isUnread(unread(), row->id);
 }
 
 void UrlTable::checkColumns() {
@@ -224,13 +224,24 @@ std::string UrlTable::fullText(std::size_t place, UrlColumn column) {
         trapped(m_log, Severity::Low, kProcedure, kNotSerious, std::optional<std::string>(),
                 [&] { return fullTextOf(m_project, idAt(place), column); });
     if (!text && !factsOf(column).source.empty() && idAt(place) != UrlId::none)
-        m_pager.noteUnread(static_cast<std::int32_t>(number(idAt(place))));
+        m_pager.noteUnread(idAt(place));
     return text.value_or(std::string());
 }
 
 Date UrlTable::actionDateUTC(std::size_t place) {
     const UrlRow *row = rowFor(place, UrlColumn::ActionDateUtc);
     return row ? row->actionDateUtc : Date();
+}
+
+FactList UrlTable::facts(std::size_t place, RecordFacts &reader) {
+    const UrlId id = idAt(place);
+    if (m_busy || id == UrlId::none)
+        return {};
+    auto facts = trapped(m_log, Severity::Low, kProcedure, kNotSerious, std::optional<FactList>(),
+                         [&] { return std::optional(reader.of(id)); });
+    if (!facts)
+        m_pager.noteUnread(id);
+    return std::move(facts).value_or(FactList());
 }
 
 bool UrlTable::isTagged(std::size_t place) {

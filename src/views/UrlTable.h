@@ -3,6 +3,7 @@
 #include "base/Examiner.h"
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
+#include "db/RecordFacts.h"
 #include "views/RowCells.h"
 #include "views/RowPager.h"
 #include "views/TableFind.h"
@@ -95,6 +96,10 @@ class UrlTable {
     std::string fullText(std::size_t place, UrlColumn column);
     /// With the fraction of its second, which cells don't show.
     Date actionDateUTC(std::size_t place);
+    /// For facts(), which needs one as long as rows are asked for.
+    RecordFacts factReader() const { return RecordFacts(m_project); }
+    /// What is known of the record beside its cells. A failure is logged, and the row is unread.
+    FactList facts(std::size_t place, RecordFacts &reader);
     bool isTagged(std::size_t place);
     std::string_view iconKey(std::size_t place);
     std::string header(UrlColumn column) const { return headerText(column, m_zone); }

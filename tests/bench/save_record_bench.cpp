@@ -51,6 +51,29 @@ void saveRecord(benchmark::State &state) {
 }
 BENCHMARK(saveRecord)->Iterations(400'000)->Unit(benchmark::kMicrosecond);
 
+/// The same with the facts of a visit.
+void saveRecordWithFacts(benchmark::State &state) {
+    test::TestProject project;
+    RecordStore store = project.store();
+    WriteBatch batch(project.connection());
+    std::int64_t n = 0;
+    for (auto _ : state) {
+        UrlRecord record = cacheRecord(++n);
+        record.facts.add("source_table", "visits");
+        record.facts.add("source_rowid", n);
+        record.facts.add("visit_id", n);
+        record.facts.add("from_visit_id", n - 1);
+        record.facts.add("transition", "typed, from the address bar", 805306369);
+        record.facts.add("visit_duration", static_cast<double>(n % 100), n % 100 * 1'000'000);
+        record.facts.add("visit_source", "browsed");
+        record.facts.add("typed_count", n % 7);
+        store.saveRecord(record, project.file);
+        batch.written();
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(saveRecordWithFacts)->Iterations(200'000)->Unit(benchmark::kMicrosecond);
+
 /// The same with everything that a record of an import undergoes.
 void saveThroughTheSink(benchmark::State &state) {
     test::TestProject project;

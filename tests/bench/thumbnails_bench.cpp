@@ -57,7 +57,7 @@ struct Album {
     fs::path temp = project.folder.path() / "temp";
     Evidence evidence{folder};
     DrawProgram drawing{companionProgram("norvelane-draw"), project.folder.path()};
-    std::vector<std::int64_t> ids;
+    std::vector<UrlId> ids;
 
     Album() {
         fs::create_directories(folder);
@@ -85,7 +85,7 @@ struct Album {
         record.CacheFileRelativePath = evidence.relativeOf(file);
         record.CacheFileExists = true;
         store.saveRecord(record, project.file);
-        ids.push_back(number(record.URLID));
+        ids.push_back(record.URLID);
     }
 };
 

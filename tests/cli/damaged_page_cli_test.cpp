@@ -146,15 +146,15 @@ TEST_F(DamagedPageCliTest, aPageBesideDamageCostsItselfAlone) {
     makeSite();
     multiply(1);
     SQLite::Database(project, SQLite::OPEN_READWRITE)
-        .exec("UPDATE URLs SET CacheFileExists = 0 WHERE URL_ID BETWEEN 700 AND 780 OR URL_ID > "
-              "860");
+        .exec("UPDATE URLs SET CacheFileExists = 0 WHERE URL_ID BETWEEN 700 AND 740 OR URL_ID > "
+              "900");
     const std::vector<int> broken = breakLeaf();
     const CliResult run =
         cli({"rebuild", project, "--all-pages", "--out", at("out"), "--no-thumbnails"});
     EXPECT_EQ(run.exit, 2);
     EXPECT_THAT(run.err, HasSubstr(named(broken)));
-    EXPECT_THAT(run.out, HasSubstr("  781  1 tag found"));
-    EXPECT_THAT(run.out, HasSubstr("  860  1 tag found"));
+    EXPECT_THAT(run.out, HasSubstr("  741  1 tag found"));
+    EXPECT_THAT(run.out, HasSubstr("  900  1 tag found"));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "cli/CliCase.h"
+#include "support/RefuseValues.h"
 
 #include <gmock/gmock.h>
 
@@ -47,6 +48,12 @@ TEST_F(OptionsCliTest, aProjectsOwnValuesAreChangedAndNoted) {
     EXPECT_THAT(cli({"options", "get", "--project", project, "--format", "tsv"}).out,
                 HasSubstr("PROJECT\tLastTimeZoneID\t20\t"));
     EXPECT_THAT(cli({"trail", project, "--format", "tsv"}).out, HasSubstr("\tOptions\t"));
+    EXPECT_EQ(cli({"options", "set", "LastTimeZoneID", "asia/kolkata", "--project", project}).exit,
+              0);
+    EXPECT_THAT(cli({"options", "get", "--project", project, "--format", "tsv"}).out,
+                HasSubstr("PROJECT\tLastTimeZoneID\tAsia/Kolkata\t"));
+    EXPECT_THAT(cli({"trail", project, "--format", "tsv"}).out,
+                HasSubstr("-> Asia/Kolkata, zoneinfo 20"));
     EXPECT_EQ(cli({"options", "set", "LastTimeZoneID", "9999", "--project", project}).exit, 1);
     EXPECT_EQ(cli({"options", "set", "AppMajor", "9", "--project", project}).exit, 1);
     EXPECT_EQ(cli({"options", "set", "Nothing", "9", "--project", project}).exit, 1);
@@ -110,6 +117,23 @@ TEST_F(OptionsCliTest, settingsThatCantBeWrittenAreSaid) {
     EXPECT_NE(run.exit, 0);
     EXPECT_THAT(run.err, HasSubstr("the settings can't be written"));
     EXPECT_THAT(run.err, HasSubstr("Norvelane.ini"));
+}
+
+TEST_F(OptionsCliTest, valuesThatAProjectCantKeepAreSaid) {
+    IndexDat index;
+    index.add({.url = "http://a.example/"});
+    import(index);
+    {
+        SQLite::Database database(project, SQLite::OPEN_READWRITE);
+        refuseValues(database);
+    }
+    const CliResult run = cli({"options", "set", "LastTimeZoneID", "20", "--project", project});
+    EXPECT_EQ(run.exit, 3);
+    EXPECT_THAT(run.err, HasSubstr("can't keep LastTimeZoneID"));
+    folder.write("more/index.dat", index.bytes());
+    const CliResult more = cli({"import", project, (folder.path() / "more").string()});
+    EXPECT_EQ(more.exit, 3);
+    EXPECT_THAT(more.err, HasSubstr("is evidence"));
 }
 
 TEST_F(OptionsCliTest, programsAtOnceLoseNoSetting) {

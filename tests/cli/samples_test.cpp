@@ -158,7 +158,7 @@ TEST_P(SampleTest, agreesWithItsExpectedFacts) {
     const fs::path project = folder.path() / "case.nvp";
     const auto before = listingOf(evidence);
     const CliResult run =
-        runCli({"import", project.string(), evidence.string(), "--format", "json"},
+        runCli({"import", project.string(), evidence.string(), "--classic", "--format", "json"},
                folder.path() / "home");
     EXPECT_EQ(listingOf(evidence), before) << "evidence was changed";
     ASSERT_TRUE(run.exit == 0 || run.exit == 2) << run.err;

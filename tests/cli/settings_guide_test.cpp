@@ -81,7 +81,7 @@ std::string valuesOf(const SettingFacts &row) {
     case SettingKind::baseFolder:
         return "a folder";
     case SettingKind::zone:
-        return "a zone's id";
+        return "a zone's number or name";
     case SettingKind::text:
         break;
     }

@@ -17,6 +17,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -120,6 +121,36 @@ void chromeHistory(const Wanted &wanted) {
                      0,
                      {chromeTime(secondsOf(i))}});
     });
+}
+
+/// The records are visits, four of each page, with what another table tells of each.
+void chromiumHistory(const Wanted &wanted) {
+    ChromeHistory history(wanted.folder / "Default" / "History", ChromeHistory::Version::schema70);
+    const std::size_t pages = std::max<std::size_t>(1, wanted.records / 4);
+    history.run("BEGIN");
+    for (std::size_t i = 0; i < pages; ++i) {
+        const std::size_t last = i + (wanted.records - 1 - i) / pages * pages;
+        history.add({.id = static_cast<std::int64_t>(i) + 1,
+                     .url = urlOf(i),
+                     .title = "A page",
+                     .visitCount = 4,
+                     .lastVisitTime = chromeTime(secondsOf(last))});
+    }
+    SQLite::Statement visit = history.prepare(
+        "INSERT INTO visits(id,url,visit_time,from_visit,transition,visit_duration) "
+        "VALUES(?1,?2,?3,?1 - 1,805306368,1500000)");
+    SQLite::Statement note =
+        history.prepare("INSERT INTO context_annotations VALUES(?1,1250000,200)");
+    each(wanted, [&](std::size_t i) {
+        const auto id = static_cast<std::int64_t>(i) + 1;
+        SQLite::bind(visit, id, static_cast<std::int64_t>(i % pages) + 1, chromeTime(secondsOf(i)));
+        SQLite::bind(note, id);
+        for (SQLite::Statement *row : {&visit, &note}) {
+            row->exec();
+            row->reset();
+        }
+    });
+    history.run("COMMIT");
 }
 
 void safariCache(const Wanted &wanted) {
@@ -242,6 +273,7 @@ const std::map<std::string_view, std::function<void(const Wanted &)>> &makers() 
         {"firefox-mork-history", mork},
         {"firefox3-history", places},
         {"chrome-history", chromeHistory},
+        {"chromium-history", chromiumHistory},
         {"safari-cache", safariCache},
         {"safari-history", safariHistory},
         {"opera-cache", operaCache},

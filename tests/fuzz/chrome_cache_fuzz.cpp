@@ -1,5 +1,6 @@
 // A small sound cache with bytes of the input written over its files, which may be cut too: nothing
-// may be thrown, a record comes from a slot of the index, and a body is no longer than its file.
+// may be thrown, records are no more than slots and blocks, and texts and bodies no longer than
+// their files.
 
 #include "base/Files.h"
 #include "fuzz/Reading.h"
@@ -21,7 +22,7 @@ struct CheckingSink final : nv::RecordSink {
     CheckingSink(const nv::Evidence &files, fs::path folder)
         : evidence(files), target(std::move(folder)) {}
     void save(nv::UrlRecord &record) override {
-        require(++count <= kSlots && record.URL.size() <= kLongestUrl);
+        require(++count <= kSlotsAndBlocks && record.URL.size() <= kLongestUrl);
         nv::BodyTarget body(target, kLongestFile);
         if (nv::fetchChromeBody(record, evidence, body)) {
             const nv::Body fetched = body.take();
@@ -29,9 +30,9 @@ struct CheckingSink final : nv::RecordSink {
         }
     }
 
-    static constexpr std::size_t kSlots = 64;
-    static constexpr std::size_t kLongestUrl = std::size_t{218} * 2; // as UTF-8
+    static constexpr std::size_t kSlotsAndBlocks = 256;
     static constexpr std::size_t kLongestFile = 40'000;
+    static constexpr std::size_t kLongestUrl = kLongestFile * 3; // as UTF-8
     const nv::Evidence &evidence;
     fs::path target;
     std::size_t count = 0;

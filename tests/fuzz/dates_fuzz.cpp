@@ -3,6 +3,7 @@
 
 #include "time/DateFormat.h"
 #include "time/Daylight.h"
+#include "time/ExactZone.h"
 #include "time/ShownDate.h"
 #include "time/SourceClocks.h"
 
@@ -46,6 +47,24 @@ void checkZone(nv::Date date, std::int16_t bias, std::string_view format) {
     nv::zoneHeading(zone);
 }
 
+/// Each date is a moment of each zone, and a rule is one or none.
+void checkExactZones(nv::Date date, std::string_view rule) {
+    static const nv::ExactZones zones("/usr/share/zoneinfo");
+    static const auto berlin = zones.find("Europe/Berlin");
+    static const auto casablanca = zones.find("Africa/Casablanca");
+    if (!date.has())
+        return;
+    for (const auto &zone : {berlin, casablanca}) {
+        const auto hours = std::chrono::abs(zone->at(date).offset) / std::chrono::hours(1);
+        require(hours < 24 && !zone->at(date).abbreviation.empty());
+        nv::TimeZone shown(date);
+        nv::setExactZone(shown, zone, date);
+        nv::zoneProperty(date, shown, {});
+    }
+    if (const auto footer = nv::ZoneFooter::parse(rule))
+        require(!footer->at(date.unixSeconds()).abbreviation.empty());
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
@@ -72,6 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
                                 nv::dosDateToUtc(low, static_cast<std::uint16_t>(stamp >> 16))}) {
         checkDate(date, text);
         checkZone(date, static_cast<std::int16_t>(low), text);
+        checkExactZones(date, text);
     }
     return 0;
 }

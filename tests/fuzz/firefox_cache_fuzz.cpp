@@ -20,7 +20,7 @@ struct FetchingSink final : nv::RecordSink {
     FetchingSink(const nv::Evidence &from, const std::filesystem::path &to)
         : evidence(from), scratch(to) {}
     void save(nv::UrlRecord &record) override {
-        require(++records <= 16 && record.CacheFileSize >= 0 && record.DataBlockFileOffset >= 0);
+        require(++records <= 64 && record.CacheFileSize >= 0 && record.DataBlockFileOffset >= 0);
         require(record.MetaData.size() <= std::size_t{3} << 16);
         const std::filesystem::path file = scratch / "body";
         {

@@ -3,6 +3,7 @@
 
 #include "fuzz/Reading.h"
 #include "readers/firefox/MorkHistory.h"
+#include "support/TempFolder.h"
 
 #include <cstdint>
 #include <string>
@@ -21,10 +22,11 @@ struct CheckingSink final : nv::RecordSink {
 };
 
 void read(const std::string &bytes) {
+    static const nv::test::TempFolder folder;
     const nv::Evidence evidence("");
     CheckingSink sink(bytes.size());
-    nv::fuzz::Reading reading("/nowhere/history.dat", evidence, sink);
-    nv::readMorkHistory(reading.context, nv::viewOf(bytes));
+    nv::fuzz::Reading reading(folder.write("history.dat", bytes), evidence, sink);
+    nv::parseMorkFile(reading.context);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "fuzz/Reading.h"
 #include "readers/opera/Cache.h"
+#include "support/TempFolder.h"
 
 #include <cstdint>
 #include <string>
@@ -29,9 +30,10 @@ struct CheckingSink final : nv::RecordSink {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     const std::string bytes = std::string(15, '\0') + std::string(data, data + size);
+    static const nv::test::TempFolder folder;
     const nv::Evidence evidence("");
     CheckingSink sink(bytes.size());
-    nv::fuzz::Reading reading("/nowhere/dcache4.url", evidence, sink);
-    nv::readOperaCache(reading.context, nv::viewOf(bytes));
+    nv::fuzz::Reading reading(folder.write("dcache4.url", bytes), evidence, sink);
+    nv::parseOperaCache(reading.context);
     return 0;
 }

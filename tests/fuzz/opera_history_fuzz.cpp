@@ -3,6 +3,7 @@
 
 #include "fuzz/Reading.h"
 #include "readers/opera/History.h"
+#include "support/TempFolder.h"
 
 #include <cstdint>
 #include <string>
@@ -23,20 +24,21 @@ struct CheckingSink final : nv::RecordSink {
     std::size_t records = 0;
 };
 
-void read(const char *path, const std::string &bytes) {
+void read(const char *name, const std::string &bytes) {
+    static const nv::test::TempFolder folder;
     const nv::Evidence evidence("");
     CheckingSink sink(bytes.size());
-    nv::fuzz::Reading reading(path, evidence, sink);
-    nv::readOperaHistory(reading.context, nv::viewOf(bytes));
+    nv::fuzz::Reading reading(folder.write(name, bytes), evidence, sink);
+    nv::parseOperaHistoryFile(reading.context);
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     const std::string input(data, data + size);
-    read("/nowhere/global_history.dat", input);
-    read("/nowhere/typed_history.xml", input);
-    read("/nowhere/typed_history.xml", "<typed_history><typed_history_item content=\"" + input +
-                                           "\" last_typed=\"2013-11-11T23:45:27Z\"/>");
+    read("global_history.dat", input);
+    read("typed_history.xml", input);
+    read("typed_history.xml", "<typed_history><typed_history_item content=\"" + input +
+                                  "\" last_typed=\"2013-11-11T23:45:27Z\"/>");
     return 0;
 }

@@ -50,6 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     require(std::filesystem::is_empty(scratch));
     reading.requireNothingLost(result, sink.records);
     for (nv::UrlRecord &record : sink.first)
-        nv::extractSafariCacheFile(record, "", {evidence, scratch, reading.log});
+        if (const auto content = nv::contentOf(record, {evidence, scratch, reading.log}))
+            require(content->parent_path() == scratch);
     return 0;
 }

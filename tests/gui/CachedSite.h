@@ -33,7 +33,7 @@ class CachedSite {
         program.import.startingDirectory = (m_folder / "index.dat").string();
         Unwatched nobody;
         program.import.historyFiles = scan(program.import, nobody, program.log).historyFiles;
-        static_cast<void>(runImportJob(program, nobody, program.thisClass.tempFolderPath));
+        static_cast<void>(runImportJob(program, nobody, program.state.tempFolderPath));
         trigger(form, "actRefresh");
     }
 

@@ -79,7 +79,7 @@ struct OneZone final : SystemTime {
 struct Desk {
     Desk() {
         QObject::connect(&status, &StatusForm::cancelled, &status,
-                         [this] { program.thread.cancelTask = true; });
+                         [this] { program.task.cancelTask = true; });
         fs::create_directories(folder.path() / "program");
         fs::create_directories(folder.path() / "home");
         fs::copy_file(timeZonesFile(), folder.path() / "program" / "nvTZ.dat");
@@ -110,6 +110,8 @@ inline fs::path makeEvidence(const TempFolder &folder) {
     fs::create_directories(folder.path() / "evidence" / "Chrome");
     ChromeHistory history(folder.path() / "evidence" / "Chrome" / "History");
     addExamplePages(history);
+    history.run("DELETE FROM visits WHERE visit_time <> "
+                "(SELECT last_visit_time FROM urls WHERE urls.id = visits.url)"); // a row a page
     history.close();
     folder.write("evidence/Safari/Cookies.plist", std::string(64, 'x')); // is not read yet
     return folder.path() / "evidence";
@@ -150,7 +152,7 @@ inline void openExample(Desk &desk, MainForm &form) {
     program.import.startingDirectory = evidence.string();
     Unwatched nobody;
     program.import.historyFiles = scan(program.import, nobody, program.log).historyFiles;
-    static_cast<void>(runImportJob(program, nobody, program.thisClass.tempFolderPath));
+    static_cast<void>(runImportJob(program, nobody, program.state.tempFolderPath));
     trigger(form, "actRefresh");
 }
 

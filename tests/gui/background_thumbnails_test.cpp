@@ -49,7 +49,7 @@ class BackgroundThumbnailsTest : public QObject {
     QPushButton &button() { return child<QPushButton>(*m_form, "btnMakeThumbnails"); }
     QString said() { return child<QLabel>(*m_form, "labGalleryDrawn").text(); }
     int drawn() {
-        return m_desk->program.thisClass.projectDB.connection()
+        return m_desk->program.state.projectDB.connection()
             .execAndGet("SELECT count(*) FROM URLs WHERE length(ThumbnailBLOB) > 0")
             .getInt();
     }
@@ -109,7 +109,7 @@ void BackgroundThumbnailsTest::closingTheProjectEndsIt() {
     QTest::qWait(300);
     QVERIFY(m_desk->examiner.heard.empty());
     for (const auto &left :
-         std::filesystem::directory_iterator(m_desk->program.thisClass.tempFolderPath))
+         std::filesystem::directory_iterator(m_desk->program.state.tempFolderPath))
         QVERIFY2(left.path().filename() != "~background", "its scratch folder stays");
 }
 

@@ -48,7 +48,7 @@ class BrowserTest : public QObject {
     QString pageText();
     /// Clicks into the page's upper left corner, where its link is.
     void clickLink();
-    fs::path tempFile(const char *name) { return m_desk->program.thisClass.tempFolderPath / name; }
+    fs::path tempFile(const char *name) { return m_desk->program.state.tempFolderPath / name; }
 
     std::unique_ptr<QTcpServer> m_server;
     int m_heard = 0;
@@ -187,9 +187,9 @@ void BrowserTest::aRebuildThatCantBeBroughtBackIsTold() {
     child<TableTab>(*m_form, "TableTab").grid().setCurrentUrl(UrlId{1});
     trigger(*m_form, "actRebuild");
     fs::remove_all(tempFile("0000001.NVR"));
-    m_desk->program.thisClass.projectDB.connection().exec(
+    m_desk->program.state.projectDB.connection().exec(
         "UPDATE URLs SET IngredientIDs = '40000|a.gif|0040000.gif|' WHERE URL_ID = 1");
-    m_desk->program.thisClass.wideRecordIds = false;
+    m_desk->program.state.wideRecordIds = false;
     show(1);
     QCOMPARE(label("labBrowserKind"), QStringLiteral("Cached content"));
     QVERIFY(child<QLabel>(*m_form, "labNotice")

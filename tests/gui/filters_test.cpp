@@ -54,7 +54,7 @@ class FiltersTest : public QObject {
   private:
     TableTab &tab() { return child<TableTab>(*m_form, "TableTab"); }
     int rows() { return tab().grid().model()->rowCount(); }
-    ProgramState &state() { return m_desk->program.thisClass; }
+    ProgramState &state() { return m_desk->program.state; }
     QLabel &sign(const char *name) { return child<QLabel>(*m_form, name); }
     HostsPane &hosts() { return child<HostsPane>(*m_form, "HostsPane"); }
     QTableView &hostGrid() { return child<QTableView>(*m_form, "HostGrid"); }

@@ -39,7 +39,7 @@ class GalleryTest : public QObject {
   private:
     GalleryTab &gallery() { return child<GalleryTab>(*m_form, "GalleryTab"); }
     QAbstractItemModel &tiles() { return *child<QListView>(*m_form, "GalleryTiles").model(); }
-    SQLite::Database &project() { return m_desk->program.thisClass.projectDB.connection(); }
+    SQLite::Database &project() { return m_desk->program.state.projectDB.connection(); }
     void press(const char *name) {
         QTest::mouseClick(&child<QPushButton>(*m_form, name), Qt::LeftButton);
     }
@@ -70,7 +70,7 @@ void GalleryTest::draw(int id, int width, int height) {
 
 void GalleryTest::init() {
     m_desk = std::make_unique<Desk>();
-    m_desk->program.thisClass.galleryRecordsPerPage = 2;
+    m_desk->program.state.galleryRecordsPerPage = 2;
     m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
     m_form->resize(1200, 800);
     m_form->show();

@@ -51,7 +51,7 @@ class LayoutsTest : public QObject {
     UrlGrid &grid() { return tab().grid(); }
     PinnedHeader &header() { return child<PinnedHeader>(*m_form, "URLGridHeader"); }
     QComboBox &layouts() { return child<QComboBox>(*m_form, "cbLayout"); }
-    SQLite::Database &project() { return m_desk->program.thisClass.projectDB.connection(); }
+    SQLite::Database &project() { return m_desk->program.state.projectDB.connection(); }
     static int sectionOf(UrlColumn column) { return UrlModel::sectionOf(column); }
     bool isShown(UrlColumn column) { return !header().isSectionHidden(sectionOf(column)); }
     QString cell(int row, UrlColumn column) {
@@ -322,7 +322,7 @@ void LayoutsTest::aSortOutlivesRefreshFiltersQueriesAndReopening() {
     };
     trigger(*m_form, "actRefresh");
     QVERIFY(hosts() == sorted && isSorted());
-    m_desk->program.thisClass.filters.enableFilters = true;
+    m_desk->program.state.filters.enableFilters = true;
     trigger(*m_form, "actRefresh");
     QVERIFY(hosts() == sorted && isSorted());
     project().exec("UPDATE URLs SET Tagged = 1 WHERE URL_ID < 5");

@@ -48,7 +48,7 @@ class LinksTest : public QObject {
   private:
     void openEvidence();
     UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
-    SQLite::Database &project() { return m_desk->program.thisClass.projectDB.connection(); }
+    SQLite::Database &project() { return m_desk->program.state.projectDB.connection(); }
     std::int64_t count(const std::string &what) {
         return project().execAndGet("SELECT Count(*) FROM " + what).getInt64();
     }
@@ -121,7 +121,7 @@ void LinksTest::openEvidence() {
     program.import.parseAdvancedMetadata = true;
     Unwatched nobody;
     program.import.historyFiles = scan(program.import, nobody, program.log).historyFiles;
-    static_cast<void>(runImportJob(program, nobody, program.thisClass.tempFolderPath));
+    static_cast<void>(runImportJob(program, nobody, program.state.tempFolderPath));
     trigger(*m_form, "actRefresh");
 }
 
@@ -157,7 +157,7 @@ void LinksTest::theMenuRunsTheAnalysisAndTheLinkedColumnIsFresh() {
     QCOMPARE(linked(m_page), QStringLiteral("2"));
     QCOMPARE(linked(m_visit), QStringLiteral("1"));
     QCOMPARE(count("URLs WHERE HTMLBody = 'Hi b'"), 1);
-    QVERIFY(!m_desk->program.thread.isOpen);
+    QVERIFY(!m_desk->program.task.isOpen);
     QCOMPARE(action->shortcut(), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_L));
     QVERIFY(action->toolTip().contains(QStringLiteral("cached pages")));
 }
@@ -313,14 +313,14 @@ void LinksTest::cellsAndRowsAreCopied() {
 
 void LinksTest::idsBeyond16BitsNameTheirSwitch() {
     project().exec("INSERT INTO URLs (URL_ID, URL, HashedURL) VALUES (40000, 'x', 'y')");
-    m_desk->program.thisClass.wideRecordIds = false;
+    m_desk->program.state.wideRecordIds = false;
     trigger(*m_form, "actRefresh");
     choose(40000);
     openPane();
     QVERIFY2(summary().startsWith(QStringLiteral("Error Loading Links: ")), qPrintable(summary()));
     QVERIFY(summary().contains(QStringLiteral("40000")));
     QVERIFY(summary().contains(QStringLiteral("WideRecordIds in the section [BEYOND]")));
-    m_desk->program.thisClass.wideRecordIds = true;
+    m_desk->program.state.wideRecordIds = true;
     trigger(*m_form, "actRefresh");
     QVERIFY(waitFor([this] { return summary().startsWith(QStringLiteral("Link analysis")); }));
 }

@@ -47,6 +47,7 @@ class MainWindowTest : public QObject {
     void aProjectAmongTheEvidenceGetsNoImport();
     void anImportBesideAnotherIsRefused();
     void theWizardMakesThumbnailsWhenItsBoxIsTicked();
+    void theWizardKeepsTheChoiceOfTheClassicRules();
     void theWizardRefusesAFolderThatIsNotThere();
     void anUntickedFileIsNotRead();
     void cancelWorksAboveTheWizard();
@@ -67,7 +68,7 @@ class MainWindowTest : public QObject {
         return grid().model()->index(row, UrlModel::sectionOf(column)).data().toString();
     }
     std::string inProject(const std::string &sql) {
-        return m_desk->program.thisClass.projectDB.connection().execAndGet(sql).getString();
+        return m_desk->program.state.projectDB.connection().execAndGet(sql).getString();
     }
 
     std::unique_ptr<Desk> m_desk;
@@ -111,7 +112,7 @@ void MainWindowTest::theWizardImportsWithClicks() {
     QCOMPARE(grid().model()->rowCount(), 6);
     QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("6"));
     QCOMPARE(inProject("SELECT count(*) FROM SourceFiles WHERE Successful = 1"), std::string("2"));
-    QVERIFY(!m_desk->program.thread.isOpen);
+    QVERIFY(!m_desk->program.task.isOpen);
 }
 
 void MainWindowTest::aProjectAmongTheEvidenceGetsNoImport() {
@@ -144,7 +145,7 @@ void MainWindowTest::anImportBesideAnotherIsRefused() {
     });
     trigger(*m_form, "actImport");
     QCOMPARE(inProject("SELECT count(*) FROM URLs"), std::string("0"));
-    QVERIFY(m_desk->program.thisClass.rootPath.empty()); // the other import's base stands
+    QVERIFY(m_desk->program.state.rootPath.empty()); // the other import's base stands
 }
 
 void MainWindowTest::theWizardMakesThumbnailsWhenItsBoxIsTicked() {
@@ -170,6 +171,34 @@ void MainWindowTest::theWizardMakesThumbnailsWhenItsBoxIsTicked() {
         QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
     });
     trigger(*m_form, "actImport");
+}
+
+void MainWindowTest::theWizardKeepsTheChoiceOfTheClassicRules() {
+    Program &program = m_desk->program;
+    const fs::path evidence = makeEvidence(m_desk->folder);
+    m_desk->folder.write("evidence/Default/Local Storage/leveldb/CURRENT", "MANIFEST-000001");
+    m_desk->dialogs.answer = m_desk->folder.path() / "case.nvp";
+    trigger(*m_form, "actNew");
+    const auto filesWith = [&](bool classic) {
+        int files = 0;
+        whenShown<ImportForm>([&](ImportForm &wizard) {
+            auto &box = child<QCheckBox>(wizard, "chkClassicOnly");
+            QVERIFY(!box.toolTip().isEmpty());
+            if (box.isChecked() != classic)
+                QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(10, box.height() / 2));
+            startAt(wizard, evidence);
+            QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
+            files = child<QTableView>(wizard, "ImportGrid").model()->rowCount();
+            QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
+        });
+        trigger(*m_form, "actImport");
+        return files;
+    };
+    QVERIFY(!program.import.classicOnly); // the setting is off
+    QCOMPARE(filesWith(false), 4);
+    QCOMPARE(filesWith(true), 3);
+    QVERIFY(program.import.classicOnly);
+    QVERIFY(program.settings.readIniValue("BEYOND", "ClassicOnly", false));
 }
 
 void MainWindowTest::theWizardRefusesAFolderThatIsNotThere() {
@@ -222,7 +251,7 @@ void MainWindowTest::cancelWorksAboveTheWizard() {
         // Through the window and not the button: so a dialog that blocks it is noticed.
         QTimer poll;
         QObject::connect(&poll, &QTimer::timeout, &wizard, [this, &poll] {
-            if (!m_desk->status.isVisible() || m_desk->program.thread.topPercent < 1)
+            if (!m_desk->status.isVisible() || m_desk->program.task.topPercent < 1)
                 return;
             poll.stop();
             auto &cancel = child<QPushButton>(m_desk->status, "btnCancel");

@@ -26,7 +26,7 @@ class NetworkTest : public QObject {
     /// Makes a project and goes through the wizard, or leaves it where it stays.
     void importWith(std::deque<Answer> answers);
     int rows() {
-        return m_desk->program.thisClass.projectDB.connection()
+        return m_desk->program.state.projectDB.connection()
             .execAndGet("SELECT count(*) FROM URLs")
             .getInt();
     }

@@ -140,7 +140,7 @@ void OptionsTest::theSampleFollowsTheFormatAndIsWrittenAtOnce() {
         QVERIFY(child<QRadioButton>(form, "optTimeFormat3").isChecked());
         press(form, "btnCancel");
     });
-    QCOMPARE(m_desk->program.thisClass.dateFormat, std::string("yyyy-mm-dd"));
+    QCOMPARE(m_desk->program.state.dateFormat, std::string("yyyy-mm-dd"));
 }
 
 void OptionsTest::cancelChangesNothingButTheFormat() {
@@ -149,7 +149,7 @@ void OptionsTest::cancelChangesNothingButTheFormat() {
         child<QCheckBox>(form, "chkVerifyFileContents").click();
         QTest::keyClick(&form, Qt::Key_Escape);
     });
-    QVERIFY(m_desk->program.thisClass.verifyFileSignatures);
+    QVERIFY(m_desk->program.state.verifyFileSignatures);
     QCOMPARE(ini("VerifyFileSignatures"), std::string("(none)"));
 }
 
@@ -167,14 +167,14 @@ void OptionsTest::okayAppliesToTableAndGallery() {
         child<QCheckBox>(form, "chkUsePARD").click();
         press(form, "btnOkay");
     });
-    const ProgramState &state = m_desk->program.thisClass;
+    const ProgramState &state = m_desk->program.state;
     QCOMPARE(state.dateTimeFormat, std::string("MM/DD/YY 24:00:00"));
     QCOMPARE(state.gmtZone.tzTimeZoneID, 20);
     QVERIFY(!m_form->findChild<QCheckBox *>(QStringLiteral("chkIncludeHTML"))->isChecked());
     QVERIFY(m_form->findChild<QCheckBox *>(QStringLiteral("chkPARD"))->isChecked());
     auto &table = child<TableTab>(*m_form, "TableTab");
     QCOMPARE(table.table()->dates().dateFormat, std::string("MM/DD/YY"));
-    const auto trail = CaseTrail(m_desk->program.thisClass.projectDB.connection()).entries();
+    const auto trail = CaseTrail(m_desk->program.state.projectDB.connection()).entries();
     QCOMPARE(trail.back().action, std::string("Options"));
 }
 
@@ -238,7 +238,7 @@ void OptionsTest::browsingFillsTheBoxes() {
 }
 
 void OptionsTest::zonePropertiesStoreNothing() {
-    const auto zone = m_desk->program.thisClass.gmtZone.tzTimeZoneID;
+    const auto zone = m_desk->program.state.gmtZone.tzTimeZoneID;
     options([](OptionsForm &form) {
         showTab(form, 2);
         whenShown<TimeZoneForm>([](TimeZoneForm &properties) {
@@ -250,7 +250,7 @@ void OptionsTest::zonePropertiesStoreNothing() {
         press(form, "btnConfigureTimeZone");
         press(form, "btnCancel");
     });
-    QCOMPARE(m_desk->program.thisClass.gmtZone.tzTimeZoneID, zone);
+    QCOMPARE(m_desk->program.state.gmtZone.tzTimeZoneID, zone);
 }
 
 /// The window as an examiner meets it, not the quick way of the other tests.
@@ -264,7 +264,8 @@ struct RealNewProject final : WindowDialogs {
 };
 
 void OptionsTest::enterMakesANewProject() {
-    m_desk->program.settings.writeIniValue("FILE PATHS", "Project", m_desk->folder.path().string());
+    QVERIFY(m_desk->program.settings.writeIniValue("FILE PATHS", "Project",
+                                                   m_desk->folder.path().string()));
     RealNewProject dialogs;
     MainForm form(m_desk->program, dialogs);
     whenShown<OptionsForm>([](OptionsForm &options) {
@@ -272,16 +273,16 @@ void OptionsTest::enterMakesANewProject() {
         QTest::keyClick(&options, Qt::Key_Return);
     });
     trigger(form, "actNew");
-    QCOMPARE(m_desk->program.thisClass.projectDBPath, m_desk->folder.path() / "Case.nvp");
+    QCOMPARE(m_desk->program.state.projectDBPath, m_desk->folder.path() / "Case.nvp");
     QVERIFY(m_desk->examiner.heard.empty());
 }
 
 void OptionsTest::cancelLeavesTheOpenProject() {
     openExample(*m_desk, *m_form);
-    const fs::path open = m_desk->program.thisClass.projectDBPath;
+    const fs::path open = m_desk->program.state.projectDBPath;
     m_desk->dialogs.answer.reset();
     trigger(*m_form, "actNew");
-    QCOMPARE(m_desk->program.thisClass.projectDBPath, open);
+    QCOMPARE(m_desk->program.state.projectDBPath, open);
 }
 
 void OptionsTest::aClickOutdatesTheGalleryBeforeOkay() {
@@ -295,7 +296,7 @@ void OptionsTest::aClickOutdatesTheGalleryBeforeOkay() {
         QCOMPARE(outdated.count(), 2);
         press(form, "btnCancel");
     });
-    QVERIFY(m_desk->program.thisClass.galleryIncludeHTML);
+    QVERIFY(m_desk->program.state.galleryIncludeHTML);
 }
 
 void OptionsTest::theZonesStandByOffset() {
@@ -346,7 +347,7 @@ void OptionsTest::everyControlSaysWhatItIs() {
 
 void OptionsTest::aPlaceInTheEvidenceLeadsBackToItsField() {
     openExample(*m_desk, *m_form);
-    const fs::path base = m_desk->program.thisClass.rootPath;
+    const fs::path base = m_desk->program.state.rootPath;
     options([this, base](OptionsForm &form) {
         showTab(form, 8);
         auto &publish = child<QLineEdit>(form, "txtPathPublish");

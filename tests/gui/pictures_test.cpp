@@ -56,7 +56,7 @@ class PicturesTest : public QObject {
 
   private:
     UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
-    fs::path scratch() { return m_desk->program.thisClass.tempFolderPath; }
+    fs::path scratch() { return m_desk->program.state.tempFolderPath; }
     QString facts() { return child<QLabel>(*m_form, "labPictureSize").text(); }
     /// Whether the pane has the picture of the current row.
     bool showsCurrent() {

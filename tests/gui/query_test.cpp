@@ -194,7 +194,7 @@ void QueryTest::aWrongStatementLeavesTheTable() {
     click("btnApplyQuery");
     QCOMPARE(heard(), std::string("bad-definition"));
     QCOMPARE(tableRows(), 6);
-    QCOMPARE(m_desk->program.thisClass.currentSQLDef, std::string(kDefaultQueryText));
+    QCOMPARE(m_desk->program.state.currentSQLDef, std::string(kDefaultQueryText));
 }
 
 void QueryTest::aQueryIsSavedChosenAndDeleted() {
@@ -227,7 +227,7 @@ void QueryTest::theTablesOwnSelectorIsFollowed() {
     child<TableTab>(*m_form, "TableTab").chooseQuery(QStringLiteral("_Show Only History"));
     QVERIFY(box().toPlainText().contains(QStringLiteral("IsHistory = True")));
     QCOMPARE(selector().currentText(), QStringLiteral("_Show Only History"));
-    QCOMPARE(m_desk->program.thisClass.activeQueryName, std::string("_Show Only History"));
+    QCOMPARE(m_desk->program.state.activeQueryName, std::string("_Show Only History"));
     click("btnUndoQuery");
     QCOMPARE(box().toPlainText(), toQt(kDefaultQueryText));
     QCOMPARE(shownQuery(), QStringLiteral("Query: Default"));
@@ -264,9 +264,9 @@ void QueryTest::theDialogBuildsAStatement() {
     click("btnQueryForm");
     const std::string built = "SELECT * FROM URLs WHERE Host LIKE  '%b.ex%'";
     QCOMPARE(box().toPlainText(), toQt(built));
-    QCOMPARE(m_desk->program.thisClass.customQueryDef, built);
+    QCOMPARE(m_desk->program.state.customQueryDef, built);
     QCOMPARE(tableRows(), 6);
-    auto &project = m_desk->program.thisClass.projectDB.connection();
+    auto &project = m_desk->program.state.projectDB.connection();
     QCOMPARE(ProjectFields(project, m_desk->program.log).getDefault("QueryName"), built);
 }
 

@@ -67,7 +67,7 @@ void ReadingOnlyTest::openForReading() {
     trigger(*m_form, "actOpen");
     QCOMPARE(m_desk->examiner.heard.front(), "project-in-use");
     m_desk->examiner.heard.clear();
-    QVERIFY(m_desk->program.thisClass.projectDB.isReadOnly());
+    QVERIFY(m_desk->program.state.projectDB.isReadOnly());
     QVERIFY(grid().model()->rowCount() > 0);
 }
 
@@ -135,7 +135,7 @@ void ReadingOnlyTest::theNextProjectIsWrittenToAgain() {
     QVERIFY(child<QAction>(*m_form, "actImport").isEnabled());
     m_other.reset();
     trigger(*m_form, "actOpen");
-    QVERIFY(!m_desk->program.thisClass.projectDB.isReadOnly());
+    QVERIFY(!m_desk->program.state.projectDB.isReadOnly());
     QVERIFY(child<QAction>(*m_form, "actTag").isEnabled());
     QVERIFY(child<QAction>(*m_form, "actApplyQuery").isEnabled());
     QVERIFY(!child<QPlainTextEdit>(*m_form, "NotesText").isReadOnly());

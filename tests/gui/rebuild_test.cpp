@@ -50,7 +50,7 @@ class RebuildTest : public QObject {
 
   private:
     UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
-    SQLite::Database &project() { return m_desk->program.thisClass.projectDB.connection(); }
+    SQLite::Database &project() { return m_desk->program.state.projectDB.connection(); }
     QString cell(int id, UrlColumn column) {
         const auto place = child<TableTab>(*m_form, "TableTab").table()->placeOf(UrlId{id});
         return grid()
@@ -66,7 +66,7 @@ class RebuildTest : public QObject {
             .getString();
     }
     fs::path folderOf(const char *sid) {
-        return m_desk->program.thisClass.tempFolderPath / (std::string(sid) + ".NVR");
+        return m_desk->program.state.tempFolderPath / (std::string(sid) + ".NVR");
     }
     QString notice() { return child<QLabel>(*m_form, "labNotice").text(); }
     QTableView &audit() { return child<QTableView>(*m_form, "AuditGrid"); }
@@ -90,7 +90,7 @@ class RebuildTest : public QObject {
 
 void RebuildTest::init() {
     m_desk = std::make_unique<Desk>();
-    m_desk->program.thisClass.redrawThumbIfPageRebuilt = false; // starting to draw takes a second
+    m_desk->program.state.redrawThumbIfPageRebuilt = false; // starting to draw takes a second
     m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
     m_form->resize(1200, 800);
     m_form->show();
@@ -120,7 +120,7 @@ void RebuildTest::theToolbarRebuildsTheCurrentRow() {
     QCOMPARE(notice(), QStringLiteral("Record 1 was rebuilt: 1 reference replaced, 1 missing."));
     QVERIFY(fs::exists(folderOf("0000001") / "0000001.htm"));
     QVERIFY(fs::exists(folderOf("0000001") / "0000002.gif"));
-    QVERIFY(!m_desk->program.thread.isOpen);
+    QVERIFY(!m_desk->program.task.isOpen);
 }
 
 void RebuildTest::anUntickedCurrentRowIsLeftAloneWhenOthersAreTicked() {
@@ -134,7 +134,7 @@ void RebuildTest::anUntickedCurrentRowIsLeftAloneWhenOthersAreTicked() {
 }
 
 void RebuildTest::rebuildDrawsTheThumbnailThatTheGalleryShows() {
-    m_desk->program.thisClass.redrawThumbIfPageRebuilt = true;
+    m_desk->program.state.redrawThumbIfPageRebuilt = true;
     auto &gallery = child<GalleryTab>(*m_form, "GalleryTab");
     child<QTabWidget>(*m_form, "dataTabs").setCurrentWidget(&gallery);
     auto &tiles = child<QListView>(gallery, "GalleryTiles");
@@ -176,7 +176,7 @@ void RebuildTest::thisPageIsRebuiltWhateverIsTagged() {
 
 void RebuildTest::theGalleryLeavesARebuildAwayWhenItIsToldTo() {
     trigger(*m_form, "actRebuild");
-    m_desk->program.thisClass.disableAutoRebuildInHTMLGallery = true;
+    m_desk->program.state.disableAutoRebuildInHTMLGallery = true;
     auto &tabs = child<QTabWidget>(*m_form, "dataTabs");
     tabs.setCurrentWidget(&child<QWidget>(*m_form, "GalleryTab"));
     choose(4);
@@ -242,7 +242,7 @@ void RebuildTest::theNoticeGoesWithTheRow() {
 void RebuildTest::partsWithLargeIdsNameTheirSwitch() {
     project().exec("UPDATE URLs SET URL_ID = 40000 WHERE URL_ID = 2");
     trigger(*m_form, "actRefresh");
-    m_desk->program.thisClass.wideRecordIds = false;
+    m_desk->program.state.wideRecordIds = false;
     choose(1);
     trigger(*m_form, "actRebuild");
     QVERIFY2(notice().contains(QStringLiteral("[BEYOND] WideRecordIds")), qPrintable(notice()));
@@ -317,14 +317,14 @@ void RebuildTest::aLargeProjectAsksOnceAndTurnsTheSwitch() {
     trigger(*m_form, "actClose");
     trigger(*m_form, "actOpen");
     QCOMPARE(timesAsked(), 0);
-    program.thisClass.wideRecordIds = false;
+    program.state.wideRecordIds = false;
     trigger(*m_form, "actClose");
     m_desk->examiner.script = {Answer::Yes};
     trigger(*m_form, "actOpen");
     QCOMPARE(timesAsked(), 1);
-    QVERIFY(program.thisClass.wideRecordIds);
+    QVERIFY(program.state.wideRecordIds);
     QVERIFY(program.settings.readIniValue("BEYOND", "WideRecordIds", false));
-    program.thisClass.wideRecordIds = false;
+    program.state.wideRecordIds = false;
     trigger(*m_form, "actClose");
     trigger(*m_form, "actOpen");
     QCOMPARE(timesAsked(), 1);

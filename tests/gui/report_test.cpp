@@ -44,7 +44,7 @@ class ReportTest : public QObject {
     void aCancelLeavesNoReport();
 
   private:
-    fs::path report() { return m_desk->program.thisClass.tempFolderPath / "Report"; }
+    fs::path report() { return m_desk->program.state.tempFolderPath / "Report"; }
     std::string page(const char *name) {
         const fs::path file = report() / name;
         return fs::exists(file) ? std::string(ByteView(readWhole(file)).raw()) : "";
@@ -109,7 +109,7 @@ void ReportTest::aReportIsMadeOfTheRowsInView() {
 }
 
 void ReportTest::taggedRowsAreOfferedFirst() {
-    m_desk->program.thisClass.projectDB.connection().exec(
+    m_desk->program.state.projectDB.connection().exec(
         "UPDATE URLs SET Tagged = 1 WHERE URL_ID = 2");
     trigger(*m_form, "actRefresh");
     make(2, [](ReportForm &form) { QVERIFY(child<QRadioButton>(form, "opTagged").isChecked()); });
@@ -168,14 +168,14 @@ void ReportTest::aReportIsFoundAgainWithItsProject() {
     make(2);
     QTRY_VERIFY(location().endsWith(QStringLiteral("index-history.htm")));
     open("other.nvp", "actNew"); // another case: its examiner must not take the report for hers
-    QVERIFY(m_desk->program.thisClass.viewer.reportURL.empty());
+    QVERIFY(m_desk->program.state.viewer.reportURL.empty());
     open("case.nvp", "actOpen");
-    QVERIFY(m_desk->program.thisClass.viewer.reportURL.ends_with("index-history.htm"));
+    QVERIFY(m_desk->program.state.viewer.reportURL.ends_with("index-history.htm"));
     QTRY_VERIFY(location().endsWith(QStringLiteral("index-history.htm")));
     open("other.nvp", "actOpen");
     fs::remove(report() / "index-history.htm");
     open("case.nvp", "actOpen");
-    QVERIFY(m_desk->program.thisClass.viewer.reportURL.empty());
+    QVERIFY(m_desk->program.state.viewer.reportURL.empty());
 }
 
 void ReportTest::aReportThatCannotBeLoadedIsToldOf() {
@@ -253,7 +253,7 @@ void ReportTest::nothingIsPublishedIntoTheEvidence() {
 
 void ReportTest::aCancelLeavesNoReport() {
     make(2);
-    m_desk->program.thisClass.projectDB.connection().exec(
+    m_desk->program.state.projectDB.connection().exec(
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 20000) "
         "INSERT INTO URLs (URL, CacheType) SELECT 'http://host/' || i, 'IE Daily' FROM n");
     trigger(*m_form, "actRefresh");

@@ -104,13 +104,14 @@ void SmallScreenTest::dialogsFit() {
     trigger(*m_form, qPrintable(action));
     QVERIFY2(least.width() <= kRoom.width() && least.height() <= kRoom.height(),
              qPrintable(QStringLiteral("%1 by %2").arg(least.width()).arg(least.height())));
-    QVERIFY(size.width() <= m_form->screen()->availableSize().width());
+    QVERIFY2(size.width() <= m_form->screen()->availableSize().width(),
+             qPrintable(QString::number(size.width())));
     QVERIFY(size.height() <= m_form->screen()->availableSize().height());
 }
 
 void SmallScreenTest::longNamesDontWidenIt() {
     const std::string longName(200, 'w');
-    StoredQueries(m_desk->program.thisClass.projectDB.connection())
+    StoredQueries(m_desk->program.state.projectDB.connection())
         .save({longName, "SELECT * FROM URLs"});
     const fs::path base = m_desk->folder.path() / longName / longName;
     fs::create_directories(base);

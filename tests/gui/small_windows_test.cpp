@@ -2,12 +2,14 @@
 #include "platform/qt/QtExaminer.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
+#include "ui/views/FilterForm.h"
 #include "ui/window/SplashForm.h"
 #include "ui/window/Theme.h"
 #include "ui/window/TipForm.h"
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QImage>
 #include <QLabel>
@@ -30,6 +32,7 @@ class SmallWindowsTest : public QObject {
     void theSplashHasItsSizeAndStandsInTheMiddle();
     void everyPictureIsDrawnAndNamesIgnoreTheExtension();
     void theThemeIsKeptAndSetsReadableColours();
+    void theFiltersChooseWhoseRecordsFromWhatWasImported();
 
   private:
     /// Runs `act` on the message box that comes up next.
@@ -140,6 +143,25 @@ void SmallWindowsTest::theThemeIsKeptAndSetsReadableColours() {
         QVERIFY(std::abs(ground - text) > 150);
         QCOMPARE(ground < text, theme == Theme::Dark);
     }
+}
+
+void SmallWindowsTest::theFiltersChooseWhoseRecordsFromWhatWasImported() {
+    test::ScriptedExaminer examiner;
+    RecordFilters filters = firstFilters();
+    filters.enableFilters = true;
+    filters.person = "bob";
+    FilterForm form(filters, examiner, nullptr, {{"Brave", "Chromium"}, {}, {"alice"}});
+    QVERIFY(form.filters() == filters);
+    auto &browser = *form.findChild<QComboBox *>("cbBrowser");
+    auto &person = *form.findChild<QComboBox *>("cbPerson");
+    QCOMPARE(browser.count(), 3); // any, and the two
+    QCOMPARE(browser.currentText(), QString());
+    QCOMPARE(person.currentText(), QStringLiteral("bob")); // though nothing of him was imported
+    browser.setCurrentIndex(2);
+    person.setEditText(QStringLiteral(" alice "));
+    QCOMPARE(form.filters().browser, std::string("Chromium"));
+    QCOMPARE(form.filters().person, std::string("alice"));
+    QCOMPARE(form.filters().profile, std::string());
 }
 
 } // namespace nv

@@ -49,7 +49,7 @@ class TableTabTest : public QObject {
   private:
     TableTab &tab() { return child<TableTab>(*m_form, "TableTab"); }
     UrlGrid &grid() { return tab().grid(); }
-    SQLite::Database &project() { return m_desk->program.thisClass.projectDB.connection(); }
+    SQLite::Database &project() { return m_desk->program.state.projectDB.connection(); }
     QString cell(int row, UrlColumn column) {
         return grid().model()->index(row, UrlModel::sectionOf(column)).data().toString();
     }
@@ -231,7 +231,7 @@ void TableTabTest::propertiesShowAllColumnsAndTheWholeText() {
     project().exec("UPDATE URLs SET URL = '" + url + "'");
     trigger(*m_form, "actRefresh");
     auto &list = child<QTreeWidget>(*m_form, "PropertiesGrid");
-    QTRY_COMPARE(list.topLevelItemCount(), 74); // the fields of a record but "Typed"
+    QTRY_COMPARE(list.topLevelItemCount(), 77); // the fields of a record but "Typed"
     QCOMPARE(list.currentItem()->text(0), QStringLiteral("URL"));
     QTRY_COMPARE(child<QPlainTextEdit>(*m_form, "txtPropertyValue").toPlainText(), toQt(url));
     QVERIFY(list.currentItem()->text(1).size() < 400);

@@ -77,16 +77,16 @@ class TemplatesTest : public QObject {
         list().setFocus();
     }
     std::string rebuiltText(int id) {
-        return m_desk->program.thisClass.projectDB.connection()
+        return m_desk->program.state.projectDB.connection()
             .execAndGet("SELECT ifnull(RebuiltSourceCode, '') FROM URLs WHERE URL_ID = " +
                         std::to_string(id))
             .getString();
     }
     void sql(const std::string &text) {
-        m_desk->program.thisClass.projectDB.connection().exec(text);
+        m_desk->program.state.projectDB.connection().exec(text);
         trigger(*m_form, "actRefresh");
     }
-    fs::path folder() { return m_desk->program.thisClass.templatesPath; }
+    fs::path folder() { return m_desk->program.state.templatesPath; }
 
     std::unique_ptr<Desk> m_desk;
     std::unique_ptr<MainForm> m_form;
@@ -197,7 +197,7 @@ void TemplatesTest::onlyPagesOfTheTitleAreRebuilt() {
                                       "is another than the template's."));
     QVERIFY(rebuiltText(4).empty());
     QTest::mouseClick(&match, Qt::LeftButton, {}, QPoint(8, match.height() / 2));
-    QVERIFY(!m_desk->program.thisClass.templateMatchByTitle);
+    QVERIFY(!m_desk->program.state.templateMatchByTitle);
     QVERIFY(!m_desk->program.settings.readIniValue("BEYOND", "TemplateMatchByTitle", true));
     click("btnTemplateApply");
     QVERIFY(!rebuiltText(4).empty());

@@ -124,14 +124,14 @@ void UpgradeExportTest::theOpenProjectIsClosedForTheWizardAndOpenedAfterIt() {
     openExample(desk, form);
     trigger(form, "actUpgradeWizard");
     QVERIFY(asked(desk, "upgrade-closes-project"));
-    QVERIFY(desk.program.thisClass.projectDB.isOpen());
+    QVERIFY(desk.program.state.projectDB.isOpen());
     desk.examiner.script = {Answer::Yes};
     whenShown<UpgradeWizardForm>([&](UpgradeWizardForm &wizard) {
-        QVERIFY(!desk.program.thisClass.projectDB.isOpen());
+        QVERIFY(!desk.program.state.projectDB.isOpen());
         click(wizard, "btnCancel");
     });
     trigger(form, "actUpgradeWizard");
-    QVERIFY(desk.program.thisClass.projectDB.isOpen());
+    QVERIFY(desk.program.state.projectDB.isOpen());
     QVERIFY(child<TableTab>(form, "TableTab").table()->rowCount() > 0);
 }
 

@@ -79,7 +79,7 @@ class ViewersTest : public QObject {
         return line.text();
     }
     std::string note(int id) {
-        return m_desk->program.thisClass.projectDB.connection()
+        return m_desk->program.state.projectDB.connection()
             .execAndGet("SELECT COALESCE(Notes, '') FROM URLs WHERE URL_ID = " + std::to_string(id))
             .getString();
     }
@@ -129,7 +129,7 @@ void ViewersTest::textIsShownInItsCharsetAndFound() {
     auto &text = pane<QPlainTextEdit>("txtContent");
     QTRY_VERIFY(text.toPlainText().contains(QStringLiteral("café one\tcafé two <U+202E>")));
     QCOMPARE(shownIn("TextPane", "labCharset"), QStringLiteral("utf-8 (meta tag)"));
-    QVERIFY(!m_desk->program.thisClass.viewer.textContent.empty());
+    QVERIFY(!m_desk->program.state.viewer.textContent.empty());
     text.setFocus();
     QTest::keyClick(&text, Qt::Key_F, Qt::ControlModifier);
     QVERIFY(pane<QLineEdit>("txtFindInText").hasFocus());
@@ -169,17 +169,17 @@ void ViewersTest::aPictureIsFittedAndZoomed() {
     QTRY_VERIFY(shownIn("PicturePane", "labPictureSize").startsWith(QStringLiteral("3000 × 1000")));
     QVERIFY(picture.zoom() < 1);
     QVERIFY(pane<QLabel>("labPicture").width() <= picture.width());
-    QVERIFY(!m_desk->program.thisClass.viewer.picturePath.empty());
+    QVERIFY(!m_desk->program.state.viewer.picturePath.empty());
     pane<QCheckBox>("chkNoResizePicture").click();
     QCOMPARE(picture.zoom(), 1.0);
     QCOMPARE(pane<QLabel>("labPicture").size(), QSize(3000, 1000));
-    QVERIFY(m_desk->program.thisClass.noResizePicture);
+    QVERIFY(m_desk->program.state.noResizePicture);
     QTest::mouseClick(&pane<QPushButton>("btnZoomIn"), Qt::LeftButton);
     QVERIFY(picture.zoom() > 1);
     QTest::mouseClick(&pane<QPushButton>("btnZoomOut"), Qt::LeftButton);
     QTest::mouseClick(&pane<QPushButton>("btnZoomOut"), Qt::LeftButton);
     QVERIFY(picture.zoom() < 1);
-    QVERIFY(!fs::exists(m_desk->program.thisClass.tempFolderPath / "~picture.bmp"));
+    QVERIFY(!fs::exists(m_desk->program.state.tempFolderPath / "~picture.bmp"));
 }
 
 void ViewersTest::headersAreShownInFontsOfDebian() {
@@ -196,7 +196,7 @@ void ViewersTest::headersAreShownInFontsOfDebian() {
         for (const QChar each : shown)
             QVERIFY2(font.supportsCharacter(each), qPrintable(QString(each)));
     }
-    m_desk->program.thisClass.projectDB.connection().exec(
+    m_desk->program.state.projectDB.connection().exec(
         "UPDATE URLs SET MetaData = 'HTTP/1.1 200 OK' || char(13, 10) || 'Server: a'");
     trigger(*m_form, "actRefresh");
     const QAbstractItemModel &rows = *child<TableTab>(*m_form, "TableTab").grid().model();
@@ -302,7 +302,7 @@ void ViewersTest::aNoteIsStoredWhenTheProjectCloses() {
 
 void ViewersTest::aNoteOfARowThatIsGoneIsTold() {
     typeNote(1, QStringLiteral("late"));
-    m_desk->program.thisClass.projectDB.connection().exec(
+    m_desk->program.state.projectDB.connection().exec(
         "PRAGMA foreign_keys = 0; DELETE FROM URLs WHERE URL_ID = 1");
     child<TableTab>(*m_form, "TableTab").grid().setFocus();
     QVERIFY(!m_desk->examiner.heard.empty());
@@ -313,14 +313,14 @@ void ViewersTest::aNoteOfARowThatIsGoneIsTold() {
 void ViewersTest::propertiesHaveWhatTheCameraWrote() {
     show(3, "PropertiesPane");
     auto &list = pane<QTreeWidget>("PropertiesGrid");
-    QTRY_COMPARE(list.topLevelItemCount(), 75);
-    QTreeWidgetItem *last = list.topLevelItem(74);
+    QTRY_COMPARE(list.topLevelItemCount(), 78);
+    QTreeWidgetItem *last = list.topLevelItem(77);
     QCOMPARE(last->text(0), QStringLiteral("EXIF-EquipMake"));
     list.scrollToItem(last);
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(last).center());
     QCOMPARE(pane<QPlainTextEdit>("txtPropertyValue").toPlainText(), QStringLiteral("Acme"));
     show(1, "PropertiesPane");
-    QTRY_COMPARE(list.topLevelItemCount(), 74);
+    QTRY_COMPARE(list.topLevelItemCount(), 77);
 }
 
 void ViewersTest::aMissingFileLeavesThePanesBlankWithTheReason() {
@@ -332,7 +332,7 @@ void ViewersTest::aMissingFileLeavesThePanesBlankWithTheReason() {
     QTRY_VERIFY(shownIn("HexPane", "labViewerNotice").contains(QStringLiteral("gone[1].htm")));
     QVERIFY(!pane<HexGrid>("HexGrid").source());
     QVERIFY(pane<QPushButton>("btnHexSource").isEnabled());
-    QVERIFY(m_desk->program.thisClass.viewer.hexFilePath.empty());
+    QVERIFY(m_desk->program.state.viewer.hexFilePath.empty());
 }
 
 void ViewersTest::theLastReportIsShown() {
@@ -341,7 +341,7 @@ void ViewersTest::theLastReportIsShown() {
     auto &reason = child<QLabel>(browser, "labBrowserReason");
     QTRY_VERIFY(reason.text().startsWith(QStringLiteral("No report has been made")));
     const fs::path report = m_desk->folder.write("report/index-cache.htm", "<html>Findings</html>");
-    m_desk->program.thisClass.viewer.reportURL = report.string();
+    m_desk->program.state.viewer.reportURL = report.string();
     show(2, "ReportPane");
     QTRY_VERIFY(child<QLineEdit>(browser, "txtLocation")
                     .text()
@@ -353,7 +353,7 @@ void ViewersTest::theLastReportIsShown() {
 void ViewersTest::theReportsLiveLinksAreBlocked() {
     const fs::path report = m_desk->folder.write(
         "report/index-cache.htm", "<html><img src='http://127.0.0.1:9/a.gif'></html>");
-    m_desk->program.thisClass.viewer.reportURL = report.string();
+    m_desk->program.state.viewer.reportURL = report.string();
     show(1, "ReportPane");
     auto &browser = pane<BrowserPane>("ReportBrowser");
     QTRY_COMPARE(browser.refused(), 1U);

@@ -58,11 +58,9 @@ class WalkTest : public QObject {
     UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
     int rows() { return grid().model()->rowCount(); }
     std::string inProject(const std::string &sql) {
-        return m_desk->program.thisClass.projectDB.connection().execAndGet(sql).getString();
+        return m_desk->program.state.projectDB.connection().execAndGet(sql).getString();
     }
-    void exec(const std::string &sql) {
-        m_desk->program.thisClass.projectDB.connection().exec(sql);
-    }
+    void exec(const std::string &sql) { m_desk->program.state.projectDB.connection().exec(sql); }
     QTabWidget &viewers() { return child<QTabWidget>(*m_form, "viewerTabs"); }
     void bringUp(const char *pane) { viewers().setCurrentWidget(&child<QWidget>(*m_form, pane)); }
     QString front() { return viewers().currentWidget()->objectName(); }
@@ -93,7 +91,7 @@ class WalkTest : public QObject {
 
 void WalkTest::init() {
     m_desk = std::make_unique<Desk>();
-    m_desk->program.thisClass.redrawThumbIfPageRebuilt = false; // starting to draw takes a second
+    m_desk->program.state.redrawThumbIfPageRebuilt = false; // starting to draw takes a second
     m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
     m_form->resize(1280, 800);
     m_form->show();
@@ -265,7 +263,7 @@ void WalkTest::theWholeWayFromTheWizardToThePanes() {
                           panes.tabBar()->tabRect(place).center());
         QCOMPARE(panes.currentIndex(), place);
         QTest::qWait(30);
-        QTRY_VERIFY(!m_desk->program.thread.isOpen);
+        QTRY_VERIFY(!m_desk->program.task.isOpen);
     }
     QVERIFY(child<QTreeWidget>(*m_form, "PropertiesGrid").topLevelItemCount() > 10);
     QVERIFY(child<QTableView>(*m_form, "AuditGrid").model()->rowCount() == 1);

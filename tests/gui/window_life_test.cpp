@@ -2,9 +2,9 @@
 #include "platform/qt/QtText.h"
 #include "ui/import/ImportForm.h"
 #include "ui/views/TableTab.h"
+#include "ui/views/ZoneForm.h"
 
 #include <QFileDialog>
-#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -50,7 +50,7 @@ class WindowLifeTest : public QObject {
     void reopenWindow();
     UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
     fs::path project() const { return m_desk->folder.path() / "case.nvp"; }
-    bool isOpen() const { return m_desk->program.thisClass.projectDB.isOpen(); }
+    bool isOpen() const { return m_desk->program.state.projectDB.isOpen(); }
     void drop(const fs::path &path);
 
     std::unique_ptr<Desk> m_desk;
@@ -183,7 +183,7 @@ void WindowLifeTest::theCommandLineReadsAnArtefactAndTellsWhatCameOfIt() {
     m_form->loadCommandLineFile(evidence / "History.IE5" / "index.dat");
     QCOMPARE(m_desk->examiner.heard, std::vector<std::string>{"command-line-file-imported"});
     QCOMPARE(grid().model()->rowCount(), 3);
-    QVERIFY(!m_desk->program.thread.isOpen);
+    QVERIFY(!m_desk->program.task.isOpen);
 }
 
 /// The process's own memory is a file whose first bytes nobody can read.
@@ -214,11 +214,9 @@ void WindowLifeTest::aWrongCommandLineIsToldAndLeavesNoProject() {
 
 void WindowLifeTest::anotherZoneChangesTheHeading() {
     openExample(*m_desk, *m_form);
-    whenShown<QInputDialog>([](QInputDialog &dialog) {
-        const QStringList zones = dialog.comboBoxItems().filter(QStringLiteral("(UTC+09:00)"));
-        QVERIFY(!zones.isEmpty());
-        dialog.setTextValue(zones.constFirst());
-        dialog.accept();
+    whenShown<ZoneForm>([](ZoneForm &dialog) {
+        QTest::keyClicks(&child<QLineEdit>(dialog, "txtFindZone"), "(utc+09:00) osaka");
+        QTest::keyClick(&dialog, Qt::Key_Return);
     });
     trigger(*m_form, "actTimeZone");
     const int section = UrlModel::sectionOf(UrlColumn::ActionDateLocal);
@@ -230,7 +228,7 @@ void WindowLifeTest::anotherZoneChangesTheHeading() {
 void WindowLifeTest::aCancelledZoneChangesNothing() {
     openExample(*m_desk, *m_form);
     const QString before = child<QLabel>(*m_form, "labZone").text();
-    whenShown<QInputDialog>([](QInputDialog &dialog) { dialog.reject(); });
+    whenShown<ZoneForm>([](ZoneForm &dialog) { dialog.reject(); });
     trigger(*m_form, "actTimeZone");
     QCOMPARE(child<QLabel>(*m_form, "labZone").text(), before);
 }

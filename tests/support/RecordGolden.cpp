@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Md5.h"
 #include "base/Text.h"
+#include "db/RecordFacts.h"
 #include "readers/Body.h"
 #include "readers/ContentProbe.h"
 #include "readers/RecordKind.h"
@@ -32,6 +33,13 @@ int numberIn(std::string_view text) {
     return std::stoi(std::string(text));
 }
 
+/// "transition=typed [1]; count=3"
+std::string factsOf(const UrlRecord &record) {
+    std::string text;
+    for (const RecordFact &fact : record.facts)
+        text += fmt::format("{}{}={}", text.empty() ? "" : "; ", fact.name, factText(fact));
+    return replaceAll(text, "\r\n", "\\r\\n");
+}
 /// How the cases of a folder are written down, in words of its file "form.txt". Without that file
 /// none is set: new folders need none.
 struct Form {
@@ -119,6 +127,7 @@ constexpr GoldenColumn kColumns[] = {
     {"OtherDate", [](const Row &r) { return r.date(r.record.OtherDate); }},
     {"OtherDateMeaning", [](const Row &r) { return r.record.OtherDateMeaning; }},
     {"RecordSize", [](const Row &r) { return std::to_string(r.record.RecordSize); }},
+    {"Referrer", [](const Row &r) { return r.record.Referrer; }},
     {"Reference_ID", [](const Row &r) { return std::to_string(r.record.Reference_ID); }},
     {"Status", statusOf},
     {"Typed", [](const Row &r) { return wordIf(r.record.Typed, "typed"); }},
@@ -130,6 +139,7 @@ constexpr GoldenColumn kColumns[] = {
     {"Visits", [](const Row &r) { return std::to_string(r.record.Visits); }},
     {"WebpageTitle", [](const Row &r) { return r.record.WebpageTitle; }},
     {"cacheType", [](const Row &r) { return r.record.cacheType; }},
+    {"facts", [](const Row &r) { return factsOf(r.record); }},
     {"host", [](const Row &r) { return r.record.host; }},
 };
 // clang-format on
@@ -199,6 +209,7 @@ struct CaseReading {
         Unwatched task;
         const TempFolder scratch;
         ReadContext ctx{file, evidence, content, clock, scratch.path(), sink, log, task};
+        ctx.classicOnly = form.has("classic rows alone");
         result = reader.read(ctx);
     }
 

@@ -18,9 +18,10 @@ SqliteHistoryReading &SqliteHistoryReading::read(ReadFunction reader, const fs::
     history.sourceFileID = SourceFileId{7};
     history.fullPath = file;
     history.version = "1.0";
-    ReadContext context{history, evidence, content, clock,  scratch.path(),
-                        sink,    log,      watcher, deleted};
+    ReadContext context{history, evidence, content, clock,       scratch.path(), sink,
+                        log,     watcher,  deleted, classicOnly, secrets};
     result = reader(context);
+    origin = history.origin;
     return *this;
 }
 

@@ -21,7 +21,10 @@ struct SqliteHistoryReading {
     MemoryTask task;
     TempFolder scratch;
     ReadResult result;
+    Origin origin; ///< what the reader told of it
     bool deleted = false;
+    bool classicOnly = false;
+    bool secrets = false;
 
     SqliteHistoryReading &read(ReadFunction reader, const std::filesystem::path &file);
     SqliteHistoryReading &read(ReadFunction reader, const std::filesystem::path &file,

@@ -51,9 +51,9 @@ HistoryFileType typeOfCommandLine(const fs::path &file) {
 /// What the table would do at its first load: whoever only looks at the project then finds it
 /// ready, and needn't write to it.
 void prepareTable(Program &program, TaskMonitor &task) {
-    SQLite::Database &project = program.thisClass.projectDB.connection();
+    SQLite::Database &project = program.state.projectDB.connection();
     onProject(project, [&] {
-        mendRootPath(project, program.log, textOf(program.thisClass.rootPath), task);
+        mendRootPath(project, program.log, textOf(program.state.rootPath), task);
         ensureDateIndex(project, task);
         ensureLinkIndexes(project, task);
     });
@@ -91,7 +91,8 @@ void tellNotLogged(Program &program, const ImportSummary &summary) {
 
 ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &scratch) {
     requireZones(program);
-    ProgramState &state = program.thisClass;
+    requireSchema(program);
+    ProgramState &state = program.state;
     SQLite::Database &project = state.projectDB.connection();
     const Evidence evidence(state.rootPath);
     const ImportRun run{project,     {state.gmtZone, state.enableDSTChanges},

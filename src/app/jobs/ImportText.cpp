@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "readers/Registry.h"
+#include "time/DateFormat.h"
 
 #include <fmt/format.h>
 
@@ -87,6 +88,37 @@ std::string kindText(const std::string &reader, const KindTotals &kind) {
     return text;
 }
 
+/// Whose the records are, when, and how many of each kind.
+std::string profileText(const ProfileTotals &profile) {
+    const Origin &origin = profile.origin;
+    const KindRows all = profile.all();
+    std::string text = origin.browser;
+    if (!origin.profile.empty())
+        text += fmt::format(", profile \"{}\"", origin.profile);
+    if (!origin.person.empty())
+        text += fmt::format(", person \"{}\"", origin.person);
+    text += '\n';
+    if (all.first.has())
+        text +=
+            fmt::format("    first event {}, last event {}\n", isoUtc(all.first), isoUtc(all.last));
+    for (const auto &[kind, counts] : profile.byKind)
+        text += fmt::format("    {:<24} {:>9} {}\n", kind.empty() ? "(no kind)" : kind, counts.rows,
+                            rowWord(counts.rows));
+    if (profile.notReadYet > 0)
+        text += fmt::format("    {:<24} {:>9} {}\n", stateWord(ArtefactState::notReadYet),
+                            profile.notReadYet, profile.notReadYet == 1 ? "artefact" : "artefacts");
+    return text;
+}
+
+/// A block each; what belongs to no browser stands with its readers alone.
+std::string profilesText(const ImportSummary &summary) {
+    std::string text;
+    for (const ProfileTotals &profile : summary.byProfile())
+        if (!profile.origin.browser.empty() && profile.rows() + profile.notReadYet > 0)
+            text += profileText(profile);
+    return text;
+}
+
 std::string unreadableText(const ScanGaps &gaps) {
     std::string text;
     for (const UnreadPlace &place : gaps.unreadable)
@@ -137,6 +169,7 @@ std::string summaryText(const ImportSummary &summary) {
     std::string text = artefactsText(summary) + unreadableText(summary.gaps);
     for (const auto &[reader, kind] : summary.byReader())
         text += kindText(reader, kind);
+    text += profilesText(summary);
     text += fmt::format(
         "{} from {} of {}; {} not reached, {} passed over\n", counted(summary.rowsSaved(), "row"),
         summary.count(ArtefactState::complete), counted(summary.artefacts.size(), "artefact"),

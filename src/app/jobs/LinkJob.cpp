@@ -3,7 +3,7 @@
 namespace nv {
 
 LinkTotals analyseLinks(Program &program, TaskMonitor &task, const std::filesystem::path &scratch) {
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     SQLite::Database &project = state.projectDB.connection();
     RecordStore records(project, {state.gmtZone, state.enableDSTChanges}, program.around.clock,
                         program.log);
@@ -12,8 +12,8 @@ LinkTotals analyseLinks(Program &program, TaskMonitor &task, const std::filesyst
 }
 
 LinkList linksOf(Program &program, UrlId urlID) {
-    const RecordIds ids = program.thisClass.wideRecordIds ? RecordIds::wide : RecordIds::narrow;
-    return loadLinks(program.thisClass.projectDB.connection(), urlID, ids, program.log);
+    const RecordIds ids = program.state.wideRecordIds ? RecordIds::wide : RecordIds::narrow;
+    return loadLinks(program.state.projectDB.connection(), urlID, ids, program.log);
 }
 
 } // namespace nv

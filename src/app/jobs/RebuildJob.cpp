@@ -5,6 +5,7 @@
 #include "app/project/ChosenRows.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildWebPage.h"
@@ -24,7 +25,7 @@ constexpr std::string_view kTitle = "REBUILDING WEB PAGES";
 
 bool hasTags(const UrlRecord &page, const RebuildContext &ctx) {
     SQLite::Statement rows(ctx.project, "SELECT 1 FROM Tags WHERE URL_ID = ? LIMIT 1");
-    rows.bind(1, number(page.URLID));
+    bindId(rows, 1, page.URLID);
     return rows.executeStep();
 }
 
@@ -49,7 +50,7 @@ void dropFolder(const std::filesystem::path &folder) {
 
 RebuiltPage outcomeOf(const UrlRecord &page, bool rebuilt, const RebuildContext &ctx) {
     RebuiltPage outcome;
-    outcome.urlID = number(page.URLID);
+    outcome.urlID = page.URLID;
     outcome.rebuilt = rebuilt;
     outcome.folder = rebuildFolderOf(page.URLID, ctx);
     if (!rebuilt) {
@@ -67,7 +68,7 @@ RebuiltPage outcomeOf(const UrlRecord &page, bool rebuilt, const RebuildContext 
     return outcome;
 }
 
-RebuiltPage unreadPage(std::int64_t urlID) {
+RebuiltPage unreadPage(UrlId urlID) {
     RebuiltPage outcome;
     outcome.urlID = urlID;
     outcome.why = NotRebuilt::unreadable;
@@ -76,7 +77,7 @@ RebuiltPage unreadPage(std::int64_t urlID) {
 
 class RebuildRun {
   public:
-    RebuildRun(Program &program, RecordTools &tools, std::span<const std::int64_t> ids)
+    RebuildRun(Program &program, RecordTools &tools, std::span<const UrlId> ids)
         : m_program(program), m_tools(tools), m_ids(ids), m_thumbnails(program, tools) {}
 
     bool all(const std::function<void(const RebuiltPage &)> &done) {
@@ -124,7 +125,7 @@ class RebuildRun {
 
     Program &m_program;
     RecordTools &m_tools;
-    std::span<const std::int64_t> m_ids;
+    std::span<const UrlId> m_ids;
     RebuildThumbnails m_thumbnails;
     std::size_t m_next = 0;           ///< place in the list of ids
     std::vector<RebuiltPage> m_pages; ///< not handed on yet
@@ -133,11 +134,11 @@ class RebuildRun {
 
 } // namespace
 
-std::vector<std::int64_t> taggedIds(Program &program, UnreadRows &unread) {
+std::vector<UrlId> taggedIds(Program &program, UnreadRows &unread) {
     return idsPastDamage(program, "SELECT URL_ID FROM URLs WHERE Tagged ORDER BY URL_ID", unread);
 }
 
-std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std::int64_t urlID) {
+std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, UrlId urlID) {
     auto page = tools.record(urlID);
     if (!page)
         return std::nullopt;
@@ -153,7 +154,7 @@ std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std
     return outcome;
 }
 
-bool rebuildPages(Program &program, RecordTools &tools, std::span<const std::int64_t> ids,
+bool rebuildPages(Program &program, RecordTools &tools, std::span<const UrlId> ids,
                   const std::function<void(const RebuiltPage &)> &done) {
     std::size_t rebuilt = 0;
     TaskEnd end = TaskEnd::failed;

@@ -3,7 +3,6 @@
 #include "app/jobs/RecordTools.h"
 #include "views/UnreadRows.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -13,7 +12,7 @@
 namespace nv {
 
 /// Records with the tick, by id. Those that can't be read are named in the log and in `unread`.
-std::vector<std::int64_t> taggedIds(Program &program, UnreadRows &unread);
+std::vector<UrlId> taggedIds(Program &program, UnreadRows &unread);
 
 /// Why a page wasn't rebuilt.
 enum class NotRebuilt {
@@ -35,7 +34,7 @@ enum class Redrawn {
 
 /// What became of one page.
 struct RebuiltPage {
-    std::int64_t urlID = 0;
+    UrlId urlID = UrlId::none;
     bool rebuilt = false;
     NotRebuilt why = NotRebuilt::failed; ///< of a page that isn't rebuilt
     std::size_t tagsFound = 0;
@@ -48,12 +47,12 @@ struct RebuiltPage {
 
 /// Rebuilds one page by itself, and draws its thumbnail anew as `redrawThumbIfPageRebuilt` says.
 /// Nothing when the project has no such record.
-std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, std::int64_t urlID);
+std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, UrlId urlID);
 
 /// Rebuilds each page in turn and hands on what became of it; a page that fails doesn't stop the
 /// run. Thumbnails are drawn for some ten pages at once, and these are handed on together.
 /// The case trail tells of the run. False when cancelled.
-bool rebuildPages(Program &program, RecordTools &tools, std::span<const std::int64_t> ids,
+bool rebuildPages(Program &program, RecordTools &tools, std::span<const UrlId> ids,
                   const std::function<void(const RebuiltPage &)> &done);
 
 /// Whether this run of the program has the page's rebuild folder; sets `RunTimeRebuiltFilePath`.

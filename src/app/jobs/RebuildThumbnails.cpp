@@ -61,8 +61,7 @@ void RebuildThumbnails::draw(std::span<RebuiltPage> outcomes, TaskMonitor &task)
                  [&] { drawn = createHTMLThumbnails(m_pages, kWidth, context(), part); });
     const Redrawn otherwise = part.advance(1) ? Redrawn::failed : Redrawn::notWanted;
     for (std::size_t i = 0; i < m_pages.size(); ++i) {
-        const auto outcome =
-            std::ranges::find(outcomes, number(m_pages[i].urlID), &RebuiltPage::urlID);
+        const auto outcome = std::ranges::find(outcomes, m_pages[i].urlID, &RebuiltPage::urlID);
         if (outcome != outcomes.end())
             outcome->thumbnail = drawn[i] ? Redrawn::yes : otherwise;
     }

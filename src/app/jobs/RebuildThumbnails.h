@@ -18,7 +18,7 @@ class RebuildThumbnails {
   public:
     RebuildThumbnails(Program &program, RecordTools &tools) : m_program(program), m_tools(tools) {}
 
-    bool isWanted() const { return m_program.thisClass.redrawThumbIfPageRebuilt; }
+    bool isWanted() const { return m_program.state.redrawThumbIfPageRebuilt; }
     /// How many pages are rebuilt before they are drawn.
     std::size_t pagesAtOnce() const;
     /// What part of the progress rebuilding takes, 0 to 1; drawing has the rest.

@@ -37,7 +37,7 @@ bool isPlainFile(const fs::path &path) {
 } // namespace
 
 std::optional<RecordContent> contentOfRecord(RecordTools &tools, UrlId url) {
-    auto record = tools.record(number(url));
+    auto record = tools.record(url);
     if (!record)
         return std::nullopt;
     RecordContent content;

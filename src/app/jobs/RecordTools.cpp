@@ -3,7 +3,7 @@
 namespace nv {
 
 RebuildSettings rebuildSettings(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     RebuildSettings settings;
     settings.htmlReplaceablePictureTags = state.htmlReplaceablePictureTags;
     settings.htmlReplaceableHREFTags = state.htmlReplaceableHREFTags;
@@ -13,15 +13,15 @@ RebuildSettings rebuildSettings(const Program &program) {
 }
 
 RecordTools::RecordTools(Program &program, TaskMonitor &task, const std::filesystem::path &scratch)
-    : m_records(program.thisClass.projectDB.connection(),
-                {program.thisClass.gmtZone, program.thisClass.enableDSTChanges},
-                program.around.clock, program.log),
-      m_evidence(program.thisClass.rootPath), m_context{program.thisClass.projectDB.connection(),
-                                                        m_records,
-                                                        m_evidence,
-                                                        scratch,
-                                                        program.log,
-                                                        task,
-                                                        rebuildSettings(program)} {}
+    : m_records(program.state.projectDB.connection(),
+                {program.state.gmtZone, program.state.enableDSTChanges}, program.around.clock,
+                program.log),
+      m_evidence(program.state.rootPath), m_context{program.state.projectDB.connection(),
+                                                    m_records,
+                                                    m_evidence,
+                                                    scratch,
+                                                    program.log,
+                                                    task,
+                                                    rebuildSettings(program)} {}
 
 } // namespace nv

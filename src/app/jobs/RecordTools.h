@@ -6,7 +6,6 @@
 #include "readers/Evidence.h"
 #include "rebuild/RebuildContext.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -29,7 +28,7 @@ class RecordTools {
     RecordTools &operator=(const RecordTools &) = delete;
 
     const RebuildContext &context() const { return m_context; }
-    std::optional<UrlRecord> record(std::int64_t urlID) { return m_records.getURL(UrlId{urlID}); }
+    std::optional<UrlRecord> record(UrlId urlID) { return m_records.getURL(urlID); }
 
     /// Makes what draws thumbnails of rebuilt pages; asked only when there is one to draw.
     std::function<std::unique_ptr<Drawing>(const std::filesystem::path &scratch)> drawing =

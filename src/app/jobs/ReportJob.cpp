@@ -18,12 +18,11 @@ ReportSettings settingsOf(const Program &program) {
     ReportSettings settings;
     settings.images = program.paths.images();
     settings.dates = dateSettings(program);
-    settings.version = program.thisClass.appVersion;
+    settings.version = program.state.appVersion;
     constexpr NumberKey kWidth = "ReportThumbnailWidth";
     const int width = readNumber(program.settings, kWidth);
     settings.reportThumbnailWidth = width > 0 ? width : defaultNumber(kWidth);
-    settings.thumbnailRedrawTimeout =
-        std::chrono::seconds(program.thisClass.thumbnailRedrawTimeout);
+    settings.thumbnailRedrawTimeout = std::chrono::seconds(program.state.thumbnailRedrawTimeout);
     return settings;
 }
 
@@ -59,7 +58,7 @@ constexpr std::array<KeptText, 4> kTexts = {{
 ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesystem::path &folder)
     : m_program(program), m_records(program, task, folder),
       m_drawing(canDraw() ? makeDrawing(folder) : nullptr), m_context{m_records.context(),
-                                                                      program.thisClass.gmtZone,
+                                                                      program.state.gmtZone,
                                                                       program.around.clock,
                                                                       m_drawing.get(),
                                                                       settingsOf(program)},
@@ -94,15 +93,19 @@ void readReportOptions(const IniFile &settings, ReportWriter &report) {
     report.agencyLogoPath = readText(settings, "AgencyLogoPath");
 }
 
-void writeReportOptions(const ReportWriter &report, IniFile &settings) {
+bool writeReportOptions(const ReportWriter &report, IniFile &settings) {
+    // That of the last one stands: a write that succeeds brings those that failed before.
+    bool isWritten = true;
+    const auto note = [&isWritten](bool done) { isWritten = done; };
     for (const KeptText &kept : kTexts)
-        writeText(settings, kept.key, report.*kept.text);
+        note(writeText(settings, kept.key, report.*kept.text));
     for (const KeptFlag &kept : kFlags)
-        writeFlag(settings, kept.key, report.*kept.flag);
-    writeFlag(settings, "UseDefaultThumbnailPath", report.useDefaultThumbnailPath);
-    writeNumber(settings, "ReportType", report.reportType);
-    writeText(settings, "DefaultThumbnailPath", textOf(report.defaultThumbnailPath));
-    writeText(settings, "AgencyLogoPath", textOf(report.agencyLogoPath));
+        note(writeFlag(settings, kept.key, report.*kept.flag));
+    note(writeFlag(settings, "UseDefaultThumbnailPath", report.useDefaultThumbnailPath));
+    note(writeNumber(settings, "ReportType", report.reportType));
+    note(writeText(settings, "DefaultThumbnailPath", textOf(report.defaultThumbnailPath)));
+    note(writeText(settings, "AgencyLogoPath", textOf(report.agencyLogoPath)));
+    return isWritten;
 }
 
 } // namespace nv

@@ -35,6 +35,7 @@ class ReportTools {
 
 /// The options of the last report, and back. `useDefaultThumbnailPath` is kept but never read.
 void readReportOptions(const IniFile &settings, ReportWriter &report);
-void writeReportOptions(const ReportWriter &report, IniFile &settings);
+/// False when they can't be written.
+[[nodiscard]] bool writeReportOptions(const ReportWriter &report, IniFile &settings);
 
 } // namespace nv

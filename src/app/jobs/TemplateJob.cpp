@@ -17,7 +17,7 @@ namespace {
 constexpr std::string_view kManaging = "MainForm.PopupMenuTemplates_Click()";
 
 TemplateResult createTemplate(Program &program, RecordTools &tools, UrlRecord &page) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     if (page.CacheFileRebuilt && !bringBackFolder(tools, page))
         return TemplateResult::noRebuild;
     const auto create = [&](IfTemplateExists ifExists) {
@@ -53,8 +53,7 @@ std::vector<Layer> layersOf(std::span<const fs::path> templates, FailureLog &log
 Laid layOne(Program &program, RecordTools &tools, UrlRecord &page, const Layer &layer) {
     if (!layer.made)
         return Laid::failed;
-    if (program.thisClass.templateMatchByTitle &&
-        !templateMatchesTitle(*layer.made, page.WebpageTitle))
+    if (program.state.templateMatchByTitle && !templateMatchesTitle(*layer.made, page.WebpageTitle))
         return Laid::otherTitle;
     if (layer.made->records.count() == 0)
         return Laid::noTemplate;
@@ -84,7 +83,7 @@ void showProgress(TaskMonitor &task, std::size_t place, std::size_t count) {
 }
 
 /// Runs `work` on each record; false when cancelled.
-bool forEachPage(RecordTools &tools, std::span<const std::int64_t> ids,
+bool forEachPage(RecordTools &tools, std::span<const UrlId> ids,
                  const std::function<void(UrlRecord &)> &work) {
     TaskMonitor &task = tools.context().task;
     for (std::size_t i = 0; i < ids.size(); ++i) {
@@ -125,23 +124,21 @@ std::string countsText(bool cancelled, const std::string &asked, std::string_vie
 
 } // namespace
 
-TemplatesMade createTemplates(Program &program, RecordTools &tools,
-                              std::span<const std::int64_t> ids) {
+TemplatesMade createTemplates(Program &program, RecordTools &tools, std::span<const UrlId> ids) {
     TemplatesMade made;
     made.asked = ids.size();
     made.cancelled = !forEachPage(tools, ids, [&](UrlRecord &page) {
         const TemplateResult result = createTemplate(program, tools, page);
         ++made.results[result];
         if (result == TemplateResult::made)
-            made.last = templatePathOf(page, program.thisClass.templatesPath);
+            made.last = templatePathOf(page, program.state.templatesPath);
     });
     return made;
 }
 
-LaidTemplates rebuildFromTemplates(Program &program, RecordTools &tools,
-                                   std::span<const std::int64_t> ids,
+LaidTemplates rebuildFromTemplates(Program &program, RecordTools &tools, std::span<const UrlId> ids,
                                    std::span<const fs::path> templates,
-                                   const std::function<void(std::int64_t urlID, Laid)> &done) {
+                                   const std::function<void(UrlId urlID, Laid)> &done) {
     const std::vector<Layer> layers = layersOf(templates, program.log);
     LaidTemplates laid;
     laid.asked = ids.size();
@@ -149,7 +146,7 @@ LaidTemplates rebuildFromTemplates(Program &program, RecordTools &tools,
         const Laid result = layAll(program, tools, page, layers);
         ++laid.results[result];
         if (done)
-            done(number(page.URLID), result);
+            done(page.URLID, result);
     });
     const auto rebuilt = static_cast<std::int64_t>(
         laid.results.contains(Laid::rebuilt) ? laid.results.at(Laid::rebuilt) : 0);

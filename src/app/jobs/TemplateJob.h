@@ -4,7 +4,6 @@
 #include "rebuild/Templates.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -26,7 +25,7 @@ struct TemplatesMade {
 /// Makes a template of each record that was rebuilt, in this run of the program or an earlier one.
 /// The examiner decides whether one that is there already is overwritten.
 [[nodiscard]] TemplatesMade createTemplates(Program &program, RecordTools &tools,
-                                            std::span<const std::int64_t> ids);
+                                            std::span<const UrlId> ids);
 
 /// What became of one page that templates were to be laid over.
 enum class Laid {
@@ -46,9 +45,9 @@ struct LaidTemplates {
 /// Lays the templates over each record in turn: what the last one that fits shows is what stays.
 /// `done` learns of each record, and the case trail of each template.
 [[nodiscard]] LaidTemplates
-rebuildFromTemplates(Program &program, RecordTools &tools, std::span<const std::int64_t> ids,
+rebuildFromTemplates(Program &program, RecordTools &tools, std::span<const UrlId> ids,
                      std::span<const std::filesystem::path> templates,
-                     const std::function<void(std::int64_t urlID, Laid)> &done = {});
+                     const std::function<void(UrlId urlID, Laid)> &done = {});
 
 /// One line for people.
 std::string madeText(const TemplatesMade &made);

@@ -2,6 +2,7 @@
 
 #include "app/program/DrawingTools.h"
 #include "app/project/ChosenRows.h"
+#include "db/BindId.h"
 #include "db/SqliteErrors.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -17,12 +18,12 @@ constexpr std::string_view kDrawable =
     "CacheFileExists AND NOT IsCookie AND (IsPicture OR IsWebPage OR Category IN ('Pictures', "
     "'HTML', 'Scripts, HTML'))";
 
-std::vector<std::int64_t> idsOf(Program &program, const std::string &sql, UnreadRows &unread) {
+std::vector<UrlId> idsOf(Program &program, const std::string &sql, UnreadRows &unread) {
     return onProject([&] { return idsPastDamage(program, sql, unread); });
 }
 
 ThumbnailSettings settingsOf(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     return {state.viewerThumbnailWidth, std::chrono::seconds(state.thumbnailRedrawTimeout),
             program.import.verifyFileSignatures ? Signatures::verify : Signatures::trustNames};
 }
@@ -34,11 +35,11 @@ ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &sc
 
 ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &scratch,
                                std::unique_ptr<Drawing> drawing)
-    : m_records(program.thisClass.projectDB.connection(),
-                {program.thisClass.gmtZone, program.thisClass.enableDSTChanges},
-                program.around.clock, program.log),
-      m_evidence(program.thisClass.rootPath),
-      m_drawing(std::move(drawing)), m_context{program.thisClass.projectDB.connection(),
+    : m_records(program.state.projectDB.connection(),
+                {program.state.gmtZone, program.state.enableDSTChanges}, program.around.clock,
+                program.log),
+      m_evidence(program.state.rootPath),
+      m_drawing(std::move(drawing)), m_context{program.state.projectDB.connection(),
                                                m_records,
                                                m_evidence,
                                                scratch,
@@ -47,7 +48,7 @@ ThumbnailTools::ThumbnailTools(Program &program, const std::filesystem::path &sc
                                                program.log,
                                                settingsOf(program)} {}
 
-std::vector<std::int64_t> drawableIds(Program &program, Redo redo, UnreadRows &unread) {
+std::vector<UrlId> drawableIds(Program &program, Redo redo, UnreadRows &unread) {
     return idsOf(
         program,
         fmt::format("SELECT URL_ID FROM URLs WHERE {}{} ORDER BY URL_ID", kDrawable,
@@ -56,7 +57,7 @@ std::vector<std::int64_t> drawableIds(Program &program, Redo redo, UnreadRows &u
 }
 
 std::int64_t lastRow(Program &program) {
-    return program.thisClass.projectDB.connection()
+    return program.state.projectDB.connection()
         .execAndGet("SELECT ifnull(max(URL_ID), 0) FROM URLs")
         .getInt64();
 }
@@ -64,7 +65,7 @@ std::int64_t lastRow(Program &program) {
 ThumbnailCount countThumbnails(Program &program) {
     return onProject([&] {
         SQLite::Statement count(
-            program.thisClass.projectDB.connection(),
+            program.state.projectDB.connection(),
             fmt::format("SELECT count(*), count(CASE WHEN length(ThumbnailMD5Hash) > 0 THEN 1 END) "
                         "FROM URLs WHERE {}",
                         kDrawable));
@@ -73,23 +74,23 @@ ThumbnailCount countThumbnails(Program &program) {
     });
 }
 
-std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids) {
+std::vector<UrlId> withoutThumbnail(Program &program, std::vector<UrlId> ids) {
     onProject([&] {
         SQLite::Statement row(
-            program.thisClass.projectDB.connection(),
+            program.state.projectDB.connection(),
             "SELECT 1 FROM URLs WHERE URL_ID = ? AND length(ThumbnailMD5Hash) > 0");
-        std::erase_if(ids, [&row](std::int64_t id) {
+        std::erase_if(ids, [&row](UrlId id) {
             row.reset();
-            row.bind(1, id);
+            bindId(row, 1, id);
             return row.executeStep();
         });
     });
     return ids;
 }
 
-std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t lastId) {
+std::vector<UrlId> importedDrawableIds(Program &program, std::int64_t lastId) {
     const ImportSettings &import = program.import;
-    // Without pictures there are no pages either: see makeThumbnail.
+    // Without pictures there are no pages either: the box of pictures was always asked for both.
     if (!import.makeThumbnails || !import.makePictureThumbnails)
         return {};
     UnreadRows logged;

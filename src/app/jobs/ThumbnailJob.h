@@ -32,7 +32,7 @@ enum class Redo { no, yes };
 
 /// Rows with cached content that may be a picture or a page, by id; with `Redo::no` those without a
 /// thumbnail only. Those that can't be read are named in the log and in `unread`.
-std::vector<std::int64_t> drawableIds(Program &program, Redo redo, UnreadRows &unread);
+std::vector<UrlId> drawableIds(Program &program, Redo redo, UnreadRows &unread);
 /// The greatest number of a row; 0 without rows.
 std::int64_t lastRow(Program &program);
 /// Of those rows, how many there are and how many have a thumbnail.
@@ -43,8 +43,8 @@ struct ThumbnailCount {
 /// Throws what the database says: a damaged one can't be counted.
 ThumbnailCount countThumbnails(Program &program);
 /// Of `ids` those that have no thumbnail yet.
-std::vector<std::int64_t> withoutThumbnail(Program &program, std::vector<std::int64_t> ids);
+std::vector<UrlId> withoutThumbnail(Program &program, std::vector<UrlId> ids);
 /// Rows above `lastId` that an import with these settings makes thumbnails of.
-std::vector<std::int64_t> importedDrawableIds(Program &program, std::int64_t lastId);
+std::vector<UrlId> importedDrawableIds(Program &program, std::int64_t lastId);
 
 } // namespace nv

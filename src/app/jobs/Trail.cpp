@@ -7,6 +7,7 @@
 #include "base/Trap.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/WriteBatch.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -18,10 +19,20 @@ constexpr const char *kProcedure = "MainBAS.CaseTrail()";
 
 void complete(const Program &program, TrailEntry &entry) {
     entry.actionDateUTC = Date::fromTimePoint(program.around.clock.now());
-    entry.appVersion = program.thisClass.appVersion;
+    entry.appVersion = program.state.appVersion;
 }
 
-TrailEntry entryOf(const ArtefactResult &artefact) {
+/// By what the rows differ from those of other imports of the file; empty for most.
+std::string rulesOf(const ImportSettings &job) {
+    std::string text;
+    if (job.classicOnly)
+        text += "; by the classic rules alone";
+    if (job.secrets)
+        text += "; with passwords, where there are any";
+    return text;
+}
+
+TrailEntry entryOf(const ArtefactResult &artefact, const ImportSettings &job) {
     TrailEntry entry;
     entry.action = "Import";
     entry.detail = fmt::format("{}: {}", artefact.readerKey, stateWord(artefact.state));
@@ -34,6 +45,7 @@ TrailEntry entryOf(const ArtefactResult &artefact) {
             fmt::format(", {} not reached", counted(artefact.notReached, "entry", "entries"));
     if (!artefact.warning.empty())
         entry.detail += "; " + artefact.warning;
+    entry.detail += rulesOf(job);
     entry.filePath = textOf(artefact.path);
     entry.fileSize = static_cast<std::int64_t>(artefact.fileSize);
     entry.md5Hash = artefact.md5Hash;
@@ -60,11 +72,11 @@ TrailEntry entryOf(const UnreadPlace &place) {
 } // namespace
 
 void noteInTrail(Program &program, TrailEntry entry) {
-    if (isReadOnly(program.thisClass.projectDB.connection()))
+    if (isReadOnly(program.state.projectDB.connection()))
         return;
     tellWhenMissing(program, failureOf(program.log, kProcedure, [&] {
                         complete(program, entry);
-                        CaseTrail(program.thisClass.projectDB.connection()).add(entry);
+                        CaseTrail(program.state.projectDB.connection()).add(entry);
                     }));
 }
 
@@ -90,13 +102,20 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 
 void noteImport(Program &program, const ImportSummary &summary) {
     const auto failure = failureOf(program.log, kProcedure, [&] {
-        SQLite::Database &project = program.thisClass.projectDB.connection();
+        SQLite::Database &project = program.state.projectDB.connection();
         WriteBatch batch(project);
         CaseTrail trail(project);
+        if (const TimeZone &zone = program.state.gmtZone; zone.exact) {
+            TrailEntry entry;
+            entry.action = "Time Zone";
+            entry.detail = fmt::format("Local dates of the import: {}", exactZoneText(zone));
+            complete(program, entry);
+            trail.add(entry);
+        }
         for (const ArtefactResult &artefact : summary.artefacts) {
             if (artefact.state == ArtefactState::notReached)
                 continue;
-            TrailEntry entry = entryOf(artefact);
+            TrailEntry entry = entryOf(artefact, program.import);
             complete(program, entry);
             trail.add(entry);
             batch.written();

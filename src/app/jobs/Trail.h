@@ -28,8 +28,9 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 /// The same under another name than the one where it lies now.
 void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::path &file,
                      const std::filesystem::path &name);
-/// An entry for each file that the import took up, and for each file and folder that could not be
-/// read.
+/// An entry for each file that the import of the program's job took up, and for each file and
+/// folder that could not be read; before them one for the exact zone and its version, by which
+/// local dates were stored.
 void noteImport(Program &program, const ImportSummary &summary);
 void noteVerify(Program &program, const SourceCheck &check);
 void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end);

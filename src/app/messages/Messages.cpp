@@ -218,6 +218,13 @@ Message settingsNotWritten(const std::filesystem::path &file) {
                     textOf(file)));
 }
 
+Message projectValuesNotKept(const std::vector<std::string> &names) {
+    return notice("project-values-not-kept", "File Write Error",
+                  fmt::format("The project can't keep {}: what was chosen holds until it is "
+                              "closed. The error log says why.",
+                              fmt::join(names, ", ")));
+}
+
 Message showOnlyWebpages() {
     return question("show-only-webpages", "Quick Query",
                     "Would you like to Show Only Webpages now?", Answer::No);

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 struct SourceCheck;
@@ -59,6 +60,8 @@ Message tempFolderHoldsEvidence(const std::filesystem::path &base);
 /// The work itself was done.
 Message trailNotWritten(std::string_view reason);
 Message settingsNotWritten(const std::filesystem::path &file);
+/// `names` as projectValueTable() has them.
+Message projectValuesNotKept(const std::vector<std::string> &names);
 Message showOnlyWebpages();
 Message exitProgram();
 

@@ -1,5 +1,6 @@
 #include "app/options/Options.h"
 
+#include "app/jobs/ZoneJob.h"
 #include "app/messages/Messages.h"
 #include "app/messages/NetworkMessages.h"
 #include "app/options/ProjectOptions.h"
@@ -13,6 +14,7 @@
 #include "base/Trap.h"
 #include "readers/Evidence.h"
 #include "time/DateFormat.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -51,12 +53,18 @@ bool isFolder(const fs::path &path) {
 class Application {
   public:
     Application(Program &program, Options options, const OptionsOccasion &occasion)
-        : m_program(program), m_state(program.thisClass), m_settings(program.settings),
+        : m_program(program), m_state(program.state), m_settings(program.settings),
           m_options(std::move(options)), m_occasion(occasion) {}
 
-    OptionsOutcome run();
+    OptionsOutcome run() {
+        const OptionsOutcome outcome = apply();
+        tellUnkept();
+        return outcome;
+    }
 
   private:
+    OptionsOutcome apply();
+    void tellUnkept() const;
     bool mayOverwrite() const;
     bool takeZone();
     std::optional<Refusal> refusalOfPaths() const;
@@ -73,6 +81,10 @@ class Application {
     }
     void bring(const SettingFacts &row);
     void write(const SettingFacts &row);
+    void write(TextKey key, std::string_view text) {
+        m_isWritten = writeText(m_settings, key, text);
+    }
+    void toProject(const std::vector<ProjectValue> &values);
     void take(AnyKey key) {
         bring(key.row());
         write(key.row());
@@ -85,17 +97,19 @@ class Application {
     Options m_options;
     const OptionsOccasion &m_occasion;
     std::vector<const SettingFacts *> m_written;
+    bool m_isWritten = true;           ///< the settings: a write that succeeds brings earlier ones
+    std::vector<std::string> m_unkept; ///< values of the project
 };
 
 /// The order is that of the steps: an examiner who is sent back keeps what came before.
-OptionsOutcome Application::run() {
+OptionsOutcome Application::apply() {
     if (!mayOverwrite())
         return {false, OptionsField::project};
     take("VerifyFileSignatures");
     take("DateFormat");
     take("TimeFormat");
     m_state.enableDSTChanges = m_options.enableDSTChanges;
-    if (!m_options.timeZoneID)
+    if (!m_options.timeZoneID && m_options.exactZone.empty())
         return stay(messages::zoneNotSelected(), OptionsField::zone);
     // What follows belongs to the new project and must not reach the one that is still open.
     const auto refusal = refusalOfPaths();
@@ -111,9 +125,14 @@ OptionsOutcome Application::run() {
     takeRest();
     takeHeld();
     toProject();
-    if (m_settings.hasUnwritten())
-        m_program.around.examiner.tell(messages::settingsNotWritten(m_settings.path()));
     return {true, OptionsField::none};
+}
+
+void Application::tellUnkept() const {
+    if (!m_isWritten)
+        m_program.around.examiner.tell(messages::settingsNotWritten(m_settings.path()));
+    if (!m_unkept.empty())
+        m_program.around.examiner.tell(messages::projectValuesNotKept(m_unkept));
 }
 
 bool Application::mayOverwrite() const {
@@ -137,7 +156,7 @@ void Application::bring(const SettingFacts &row) {
 }
 
 void Application::write(const SettingFacts &row) {
-    m_settings.writeIniValue(row.section, row.key, shownText(m_options, row));
+    m_isWritten = m_settings.writeIniValue(row.section, row.key, shownText(m_options, row));
     m_written.push_back(&row);
 }
 
@@ -158,18 +177,18 @@ bool Application::takeZone() {
     // A new project with a wrong path doesn't change the zone of the one that is open.
     if (m_occasion.newProject && m_state.projectDB.isOpen())
         return true;
-    if (!setZone(m_program, *m_options.timeZoneID))
+    const std::string key = m_options.exactZone.empty() ? fmt::format("{}", *m_options.timeZoneID)
+                                                        : m_options.exactZone;
+    if (!changeZone(m_program, key, m_program.task))
         return false;
     const TimeZone &zone = m_state.gmtZone;
-    writeText(m_settings, "TimeZoneBias", fmt::format("{}", zone.tzBias));
-    writeText(m_settings, "TimeZoneName", zone.tzName);
-    writeText(m_settings, "TimeZoneID", fmt::format("{}", zone.tzTimeZoneID));
+    write("TimeZoneBias", fmt::format("{}", zone.tzBias));
+    write("TimeZoneName", zone.tzName);
+    write("TimeZoneID", zoneKey(zone));
     if (m_state.projectDB.isOpen())
-        storeProjectValues(m_program,
-                           {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
-                            {"TimeZoneName", zone.tzName},
-                            {"TimeZoneID", fmt::format("{}", zone.tzTimeZoneID)}},
-                           TrailNote::yes);
+        toProject({{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
+                   {"TimeZoneName", zone.tzName},
+                   {"TimeZoneID", zoneKey(zone)}});
     return true;
 }
 
@@ -226,8 +245,8 @@ void Application::takePaths() {
     bring(TextKey("PublishFolder").row());
     takeTempFolder(m_program, m_options.tempFolderPath);
     m_state.tempFolderOfRun = m_options.tempFolderPath;
-    writeText(m_settings, "TempFolder", textOf(m_options.tempFolderPath));
-    writeText(m_settings, "LastProjectDBPath", textOf(m_options.projectDBPath));
+    write("TempFolder", textOf(m_options.tempFolderPath));
+    write("LastProjectDBPath", textOf(m_options.projectDBPath));
     take("AgencyLogoPath");
     take("PublishFolder");
     take("TemplatesPath");
@@ -262,7 +281,14 @@ void Application::toProject() {
         return;
     if (!m_options.rootPath.empty() && m_options.rootPath != m_state.rootPath)
         m_state.rootPath = fs::canonical(m_options.rootPath);
-    storeProjectValues(m_program, projectValuesInForce(m_program), TrailNote::yes);
+    toProject(projectValuesInForce(m_program));
+}
+
+/// The values in force hold those of the zone again: what fails twice is named once.
+void Application::toProject(const std::vector<ProjectValue> &values) {
+    for (std::string &name : storeProjectValues(m_program, values, TrailNote::yes))
+        if (std::ranges::find(m_unkept, name) == m_unkept.end())
+            m_unkept.push_back(std::move(name));
 }
 
 } // namespace
@@ -278,12 +304,12 @@ std::string sampleOf(const Program &program, std::string_view format) {
 }
 
 std::string chooseDateFormat(Program &program, std::string_view format) {
-    writeText(program.settings, "DateFormat", format);
+    keepText(program, "DateFormat", format);
     return sampleOf(program, format);
 }
 
 std::string chooseTimeFormat(Program &program, std::string_view format) {
-    writeText(program.settings, "TimeFormat", format);
+    keepText(program, "TimeFormat", format);
     return sampleOf(program, format);
 }
 
@@ -295,7 +321,7 @@ std::vector<ZoneRow> initTimeZone(Program &program) {
 }
 
 std::string connectionStatus(Program &program, const std::string &name) {
-    std::string &inForce = program.thisClass.networkConnectionName;
+    std::string &inForce = program.state.networkConnectionName;
     const std::string kept = std::exchange(inForce, name);
     const std::string status = networkConnectionStatus(program);
     inForce = kept;
@@ -304,7 +330,7 @@ std::string connectionStatus(Program &program, const std::string &name) {
 
 std::string switchConnectionOver(Program &program, const std::string &name) {
     const bool isUp = connectionStatus(program, name) == "ENABLED";
-    std::string &inForce = program.thisClass.networkConnectionName;
+    std::string &inForce = program.state.networkConnectionName;
     const std::string kept = std::exchange(inForce, name);
     const bool done = toggleNetworkConnection(
         program, isUp ? ConnectionState::disabled : ConnectionState::enabled, Quiet::no);

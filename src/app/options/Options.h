@@ -1,38 +1,14 @@
 #pragma once
 
-#include "app/program/Program.h"
-#include "app/settings/Settings.h"
-#include "time/ZoneDatabase.h"
+#include "app/options/ShownOptions.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <map>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace nv {
-
-/// What stands in the Options dialog: settings, and what isn't kept in the settings file.
-struct Options : SettingValues {
-    std::filesystem::path projectDBPath;
-    std::filesystem::path rootPath; ///< of a new project: empty is left to its first import
-    std::filesystem::path tempFolderPath;
-    std::optional<std::int32_t> timeZoneID; ///< the selection of the list
-    bool enableDSTChanges = true;
-    bool enablePARD = false;
-    int pardFrom = 0; ///< percent
-    int pardTo = 0;
-    std::optional<bool> switchedOffline; ///< set when the connection was switched meanwhile
-    /// Settings that no member holds, as the settings file has them.
-    std::map<const SettingFacts *, std::string> others;
-};
-
-/// A setting as it stands there, and a choice of the examiner's.
-std::string shownText(const Options &options, const SettingFacts &row);
-void chooseText(Options &options, const SettingFacts &row, const std::string &text);
 
 /// The dialog's first step of a new project, or an ordinary call.
 struct OptionsOccasion {
@@ -51,13 +27,8 @@ struct OptionsOutcome {
     OptionsField focus = OptionsField::none;
 };
 
-/// What the dialog shows at first. `zones` is its list.
-Options readOptions(const Program &program, const std::vector<ZoneRow> &zones);
-/// The same for a new project, with a file that isn't there yet.
-Options readNewProjectOptions(const Program &program, const std::vector<ZoneRow> &zones);
-
 /// Validates and applies, step by step: what was applied before a refusal stays applied. The
-/// examiner is told of the refusal. A failure to write is logged.
+/// examiner is told of the refusal, and of what couldn't be written.
 OptionsOutcome applyOptions(Program &program, const Options &options,
                             const OptionsOccasion &occasion = {});
 

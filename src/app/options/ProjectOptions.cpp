@@ -3,6 +3,7 @@
 #include "app/jobs/Trail.h"
 #include "base/Files.h"
 #include "db/ProjectFields.h"
+#include "time/ExactZone.h"
 
 #include <fmt/format.h>
 
@@ -43,12 +44,12 @@ std::span<const ProjectValueFacts> projectValueTable() {
 }
 
 std::vector<ProjectValue> projectValuesInForce(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     const TimeZone &zone = state.gmtZone;
     return {{"TimeZoneBias", fmt::format("{}", zone.tzBias)},
             {"TimeZoneName", zone.tzName},
-            {"TimeZoneID", fmt::format("{}", zone.tzTimeZoneID)},
-            {"LastTimeZoneID", fmt::format("{}", zone.tzTimeZoneID)},
+            {"TimeZoneID", zoneKey(zone)},
+            {"LastTimeZoneID", zoneKey(zone)},
             {"RootPath", textOf(state.rootPath)},
             {"DateFormat", state.dateFormat},
             {"TimeFormat", state.timeFormat},
@@ -59,24 +60,31 @@ std::vector<ProjectValue> projectValuesInForce(const Program &program) {
             {"RedrawThumbIfPageRebuilt", flagText(state.redrawThumbIfPageRebuilt)}};
 }
 
-void storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note) {
-    if (program.thisClass.projectDB.isReadOnly())
-        return;
-    ProjectFields fields(program.thisClass.projectDB.connection(), program.log);
+std::vector<std::string>
+storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note) {
+    std::vector<std::string> unkept;
+    if (program.state.projectDB.isReadOnly())
+        return unkept;
+    ProjectFields fields(program.state.projectDB.connection(), program.log);
     std::string changes;
     for (const ProjectValue &each : values) {
         const std::string before = fields.getDefault(each.name);
-        if (before == each.value || !fields.saveDefaultSetting(each.name, each.value))
+        if (before == each.value)
             continue;
+        if (!fields.saveDefaultSetting(each.name, each.value)) {
+            unkept.push_back(each.name);
+            continue;
+        }
         changes += fmt::format("{}{}: \"{}\" -> \"{}\"", changes.empty() ? "" : "; ", each.name,
                                before, each.value);
     }
     if (changes.empty() || note == TrailNote::no)
-        return;
+        return unkept;
     TrailEntry entry;
     entry.action = "Options";
     entry.detail = changes;
     noteInTrail(program, std::move(entry));
+    return unkept;
 }
 
 } // namespace nv

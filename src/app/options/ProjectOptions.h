@@ -29,7 +29,9 @@ std::vector<ProjectValue> projectValuesInForce(const Program &program);
 enum class TrailNote { no, yes };
 
 /// Writes the values that differ from what the open project holds, and notes them in its trail.
-/// Nothing in a project that is open for reading only: they hold until it is closed.
-void storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note);
+/// Nothing in a project that is open for reading only: they hold until it is closed. The names of
+/// those that couldn't be written.
+[[nodiscard]] std::vector<std::string>
+storeProjectValues(Program &program, const std::vector<ProjectValue> &values, TrailNote note);
 
 } // namespace nv

@@ -1,9 +1,9 @@
 #include "app/options/SettingsTable.h"
 
 #include "app/messages/Messages.h"
+#include "app/program/Zones.h"
 #include "base/Files.h"
 #include "base/Text.h"
-#include "time/ZoneDatabase.h"
 
 #include <fmt/format.h>
 
@@ -43,13 +43,9 @@ CheckedValue checkNumber(const SettingFacts &facts, std::string_view value) {
 }
 
 CheckedValue checkZone(Program &program, std::string_view value) {
-    const auto zones = ZoneDatabase(program.paths.zones(), program.log).listZones();
-    const bool known = std::any_of(zones.begin(), zones.end(), [value](const ZoneRow &zone) {
-        return fmt::format("{}", zone.timeZoneID) == value;
-    });
-    if (known)
-        return {std::string(value), {}};
-    return refused("no zone has this id; the command zones lists them");
+    CheckedZone zone = checkedZone(program, value);
+    return zone.refusal.empty() ? CheckedValue{std::move(zone.key), {}}
+                                : refused(std::move(zone.refusal));
 }
 
 CheckedValue checkChoice(const SettingFacts &facts, std::string_view value) {
@@ -94,26 +90,6 @@ std::vector<const SettingFacts *> settingsNamed(std::string_view name) {
             found.push_back(&facts);
     }
     return found;
-}
-
-std::vector<std::string> nearestNames(std::string_view name,
-                                      const std::vector<std::string> &names) {
-    constexpr std::size_t kShown = 3;
-    std::vector<std::pair<std::size_t, std::string>> ranked;
-    const std::string wanted = toLower(name);
-    for (const std::string &each : names) {
-        const bool holds = !wanted.empty() && containsNoCase(each, wanted);
-        ranked.emplace_back(holds ? 0 : editDistance(wanted, toLower(each)), each);
-    }
-    std::stable_sort(ranked.begin(), ranked.end(),
-                     [](const auto &a, const auto &b) { return a.first < b.first; });
-    std::vector<std::string> nearest;
-    for (const auto &[distance, each] : ranked) {
-        if (nearest.size() < kShown &&
-            std::find(nearest.begin(), nearest.end(), each) == nearest.end())
-            nearest.push_back(each);
-    }
-    return nearest;
 }
 
 std::string defaultOf(const Program &program, const SettingFacts &facts) {

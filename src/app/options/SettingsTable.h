@@ -13,9 +13,6 @@ namespace nv {
 /// same name: then there are several.
 std::vector<const SettingFacts *> settingsNamed(std::string_view name);
 
-/// The names that are most like `name`, the likest first.
-std::vector<std::string> nearestNames(std::string_view name, const std::vector<std::string> &names);
-
 std::string defaultOf(const Program &program, const SettingFacts &facts);
 /// As it is in force at the next start; the default when the file has none.
 std::string valueOf(const Program &program, const SettingFacts &facts);

@@ -9,19 +9,19 @@ std::string networkConnectionStatus(Program &program) {
     std::string status;
     logFailureOf(program.log, "MainBAS.NetworkConnectionStatus()", [&] {
         status =
-            program.around.network.networkConnectionStatus(program.thisClass.networkConnectionName);
+            program.around.network.networkConnectionStatus(program.state.networkConnectionName);
     });
     return status;
 }
 
 bool toggleNetworkConnection(Program &program, ConnectionState newState, Quiet quiet) {
-    const std::string &name = program.thisClass.networkConnectionName;
+    const std::string &name = program.state.networkConnectionName;
     Switched result = Switched::noFolder;
     const auto failure = failureOf(program.log, "MainBAS.ToggleNetworkConnection()", [&] {
         result = program.around.network.switchConnection(name, newState);
     });
     if (!failure && (result == Switched::done || result == Switched::alreadySo)) {
-        program.thisClass.connectionOffline = newState == ConnectionState::disabled;
+        program.state.connectionOffline = newState == ConnectionState::disabled;
         return result == Switched::done;
     }
     if (quiet == Quiet::no)

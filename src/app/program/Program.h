@@ -38,11 +38,11 @@ struct Program {
     Surroundings around;
     ErrorLog log;
     IniFile settings;
-    TaskStatus thread;
+    TaskStatus task;
     /// All that this process has worked in: what is shown, or open, may lie in an earlier one.
     std::vector<std::unique_ptr<ScratchFolder>> scratch;
     std::unique_ptr<ProjectHold> projectHold; ///< of a project open for writing; goes after it
-    ProgramState thisClass;
+    ProgramState state;
     ImportSettings import;
 };
 

@@ -10,6 +10,8 @@ struct ProgramPaths {
     std::filesystem::path home;    ///< what the examiner adds: templates, keywords, favourites
     std::filesystem::path config = home; ///< settings
     std::filesystem::path state = home;  ///< logs and the default Temp folder
+    /// Where the system has the exact time zones.
+    std::filesystem::path zoneinfo = "/usr/share/zoneinfo";
 
     std::filesystem::path settings() const { return config / "Norvelane.ini"; }
     /// Each program has a log of its own: the headless one may run beside the window.

@@ -6,17 +6,20 @@
 
 namespace nv {
 
-std::vector<std::int64_t> idsPastDamage(Program &program, const std::string &sql,
-                                        UnreadRows &unread) {
+std::vector<UrlId> idsPastDamage(Program &program, const std::string &sql, UnreadRows &unread) {
     SurvivingRows rows;
     Unwatched nobody;
     static_cast<void>(
-        rowsPastDamage(program.thisClass.projectDB.connection(), {sql, ""}, nobody, rows));
+        rowsPastDamage(program.state.projectDB.connection(), {sql, ""}, nobody, rows));
     if (!rows.lost.empty())
         program.log.write({noteOf(rows.lost), "MainForm.LoadURLs()", Severity::Serious,
                            std::string(kContactSupport)});
     unread = std::move(rows.lost);
-    return {rows.ids.begin(), rows.ids.end()};
+    std::vector<UrlId> ids;
+    ids.reserve(rows.ids.size());
+    for (const auto id : rows.ids)
+        ids.push_back(UrlId{id});
+    return ids;
 }
 
 } // namespace nv

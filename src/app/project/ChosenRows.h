@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/program/Program.h"
+#include "db/Ids.h"
 #include "views/UnreadRows.h"
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -12,7 +12,6 @@ namespace nv {
 /// The rows of the open project that a query gives. Those of which nobody can tell, as they lie
 /// where the project is damaged, are named in the log and in `unread`. Throws what the database
 /// says.
-std::vector<std::int64_t> idsPastDamage(Program &program, const std::string &sql,
-                                        UnreadRows &unread);
+std::vector<UrlId> idsPastDamage(Program &program, const std::string &sql, UnreadRows &unread);
 
 } // namespace nv

@@ -56,13 +56,16 @@ std::optional<fs::path> evidenceAround(const fs::path &path, ProgramState &state
 void keepEvidenceFolder(Program &program, const fs::path &source) {
     const fs::path whole = wholePath(source);
     const fs::path folder = fs::is_directory(whole) ? whole : whole.parent_path();
-    SQLite::Database &project = program.thisClass.projectDB.connection();
+    SQLite::Database &project = program.state.projectDB.connection();
     const std::vector<fs::path> kept = keptFolders(project);
     if (!liesInEvidence(folder, folder) || firstAround(folder, kept) ||
-        liesInEvidence(program.thisClass.projectDBPath, folder))
+        liesInEvidence(program.state.projectDBPath, folder))
         return;
-    ProjectFields(project, program.log)
-        .saveDefaultSetting(fmt::format("{}{}", kFolderSetting, kept.size() + 1), textOf(folder));
+    const std::string name = fmt::format("{}{}", kFolderSetting, kept.size() + 1);
+    if (!ProjectFields(project, program.log).saveDefaultSetting(name, textOf(folder)))
+        throw StorageFailure(
+            fmt::format("the project can't keep that \"{}\" is evidence; see \"{}\"",
+                        textOf(folder), textOf(program.log.path())));
 }
 
 } // namespace nv

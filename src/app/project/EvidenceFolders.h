@@ -19,7 +19,8 @@ std::optional<std::filesystem::path> evidenceAround(const std::filesystem::path 
                                                     ProgramState &state);
 
 /// Keeps in the open project what is about to be imported: a folder, or the one that holds a file.
-/// A folder in which the project lies itself is none of evidence alone and isn't kept.
+/// A folder in which the project lies itself is none of evidence alone and isn't kept. Throws
+/// StorageFailure when it can't be kept: nobody could tell later where nothing may be written.
 void keepEvidenceFolder(Program &program, const std::filesystem::path &source);
 
 } // namespace nv

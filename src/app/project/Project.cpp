@@ -1,6 +1,7 @@
 #include "app/project/Project.h"
 
 #include "app/messages/Messages.h"
+#include "app/program/Zones.h"
 #include "app/project/ProjectAside.h"
 #include "base/Files.h"
 #include "base/Paths.h"
@@ -8,8 +9,10 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/ProjectFields.h"
+#include "db/SchemaGaps.h"
 #include "db/SideFiles.h"
 #include "db/StoredQueries.h"
+#include "time/ExactZone.h"
 #include "time/ZoneDatabase.h"
 
 #include <fmt/format.h>
@@ -24,32 +27,33 @@ constexpr std::string_view kZoneSetting = "LastTimeZoneID";
 constexpr std::string_view kRootSetting = "RootPath";
 
 ProjectFields fieldsOf(Program &program) {
-    return {program.thisClass.projectDB.connection(), program.log};
+    return {program.state.projectDB.connection(), program.log};
 }
 
 void becomeOpen(Program &program, LogOf log) {
     if (log == LogOf::project)
         program.log.remove();
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     state.projectDBPath = state.projectDB.filePath;
     const std::string root = fieldsOf(program).getDefault(kRootSetting);
     state.rootPath = pathFromText(root).value_or(root);
     state.currentSQLDef = state.defaultSQLDef;
 }
 
+} // namespace
+
 /// A zone that isn't in the table is told of: local dates would be those of another zone in
 /// silence.
-void takeZoneOfProject(Program &program) {
-    const auto zone = fieldsOf(program).defaultNumber(kZoneSetting);
-    bool &isUnread = program.thisClass.zoneIsUnread;
-    isUnread = zone && *zone > 0;
-    if (!isUnread || setZone(program, *zone) || !fs::exists(program.paths.zones()))
-        return;
-    if (!ZoneDatabase(program.paths.zones(), program.log).listZones().empty())
-        program.around.examiner.tell(messages::zoneNotThere(*zone));
+bool takeStoredZone(Program &program, const ProjectFields &fields) {
+    const std::string key = fields.getDefault(kZoneSetting);
+    const auto id = fields.defaultNumber(kZoneSetting);
+    if (key.empty() || (id && *id <= 0) || setZone(program, key))
+        return true;
+    if (id && fs::exists(program.paths.zones()) &&
+        !ZoneDatabase(program.paths.zones(), program.log).listZones().empty())
+        program.around.examiner.tell(messages::zoneNotThere(*id));
+    return false;
 }
-
-} // namespace
 
 bool isProjectName(const fs::path &path) {
     return equalsNoCase(textOf(path.extension()), ".nvp");
@@ -58,7 +62,7 @@ bool isProjectName(const fs::path &path) {
 bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold.reset();
     auto hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
-    ProjectDatabase &project = program.thisClass.projectDB;
+    ProjectDatabase &project = program.state.projectDB;
     const fs::path whole = fs::absolute(path);
     refuseLoneLog(whole);
     // Whoever is killed meanwhile leaves no file that passes for a project and is none.
@@ -68,7 +72,8 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
     project.agencyKeywordFolder = program.paths.home / "keywords";
     const bool made = project.createDatabaseProject() &&
                       !failureOf(program.log, "DatabaseClass.CreateDatabaseProject()", [&] {
-                          stampVersion(project.connection(), program.log, buildOf(program));
+                          if (!stampVersion(project.connection(), program.log, buildOf(program)))
+                              throw StorageFailure("the new project can't keep its version");
                           project.closeDB();
                           removeSideFiles(whole);
                           replaceDurably(aside, whole);
@@ -81,7 +86,8 @@ bool createProject(Program &program, const fs::path &path, LogOf log) {
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
     // The machine's zone as found at the start knows no daylight time; taken by its id it does.
-    setZone(program, program.thisClass.gmtZone.tzTimeZoneID);
+    if (const TimeZone &zone = program.state.gmtZone; !zone.exact)
+        setZone(program, zone.tzTimeZoneID);
     return true;
 }
 
@@ -91,12 +97,13 @@ void openProject(Program &program, const fs::path &path, Access access, Holding 
     std::unique_ptr<ProjectHold> hold;
     if (access != Access::read && holding == Holding::yes && fs::exists(path))
         hold = std::make_unique<ProjectHold>(path, program.front, program.around.clock);
-    ProjectDatabase &project = program.thisClass.projectDB;
+    ProjectDatabase &project = program.state.projectDB;
     project.filePath = fs::absolute(path);
     project.open(access);
     program.projectHold = std::move(hold);
     becomeOpen(program, log);
-    takeZoneOfProject(program);
+    program.state.zoneIsUnread = false;
+    program.state.zoneIsUnread = !takeStoredZone(program, fieldsOf(program));
 }
 
 void requireZones(Program &program) {
@@ -109,36 +116,35 @@ void requireZones(Program &program) {
         refuse("the table of time zones is missing", "was expected");
     if (ZoneDatabase(file, program.log).listZones().empty())
         refuse("the table of time zones is damaged", "can't be read");
-    if (program.thisClass.zoneIsUnread)
-        refuse("the project's time zone is not known", "doesn't hold it");
+    if (program.state.zoneIsUnread)
+        throw StorageFailure(
+            fmt::format("the project's time zone is not known: \"{}\". Nothing was imported",
+                        fieldsOf(program).getDefault(kZoneSetting)));
 }
 
-bool setZone(Program &program, std::int64_t id) {
-    ProgramState &state = program.thisClass;
-    const Clock &clock = program.around.clock;
-    const ZoneChange change =
-        ZoneDatabase(program.paths.zones(), program.log)
-            .setNewTimeZone(state.gmtZone, static_cast<std::int32_t>(id),
-                            Date::fromTimePoint(clock.now() + clock.localOffset()),
-                            state.enableDSTChanges);
-    if (change.errorNumber != 0)
-        program.around.examiner.tell(messages::zoneNotSet(change.errorNumber));
-    state.zoneIsUnread = state.zoneIsUnread && !change.found;
-    return change.found;
+void requireSchema(Program &program) {
+    ProgramState &state = program.state;
+    if (const std::string missing = missingForImport(state.projectDB.connection());
+        !missing.empty())
+        throw StorageFailure(fmt::format(
+            "the project \"{}\" was made by an earlier build and lacks {}: the Upgrade Wizard or "
+            "the command upgrade --fix adds it. Nothing was imported",
+            textOf(state.projectDBPath), missing));
 }
 
 DateSettings dateSettings(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     const int year = Date::fromTimePoint(program.around.clock.now()).civil().year;
     return {state.dateFormat, state.timeFormat, state.enableDSTChanges, year};
 }
 
 void closeProject(Program &program) {
-    ProgramState &state = program.thisClass;
+    ProgramState &state = program.state;
     if (!state.projectDB.isReadOnly()) {
-        if (!state.zoneIsUnread)
-            fieldsOf(program).saveDefaultSetting(kZoneSetting,
-                                                 fmt::format("{}", state.gmtZone.tzTimeZoneID));
+        if (!state.zoneIsUnread &&
+            !fieldsOf(program).saveDefaultSetting(kZoneSetting, zoneKey(state.gmtZone)))
+            program.around.examiner.tell(
+                messages::projectValuesNotKept({std::string(kZoneSetting)}));
         StoredQueries(state.projectDB.connection()).resetDEFAULTQuery();
     }
     state.zoneIsUnread = false;
@@ -152,20 +158,24 @@ void closeProject(Program &program) {
 }
 
 void setRootPath(Program &program, const fs::path &root) {
-    program.thisClass.rootPath = root;
-    if (!program.thisClass.projectDB.isReadOnly())
-        fieldsOf(program).saveDefaultSetting(kRootSetting, textOf(root));
+    program.state.rootPath = root;
+    if (program.state.projectDB.isReadOnly() ||
+        fieldsOf(program).saveDefaultSetting(kRootSetting, textOf(root)))
+        return;
+    throw StorageFailure(fmt::format("the project can't keep its base folder \"{}\"; see \"{}\"",
+                                     textOf(root), textOf(program.log.path())));
 }
 
 AppBuild buildOf(const Program &program) {
-    const ProgramState &state = program.thisClass;
+    const ProgramState &state = program.state;
     return {state.appBuildMajor, state.appBuildMinor, state.appBuildRevision};
 }
 
 bool isOlderProject(Program &program) {
-    if (program.thisClass.disableFileVersionCheck)
+    if (program.state.disableFileVersionCheck)
         return false;
-    return stampOf(program.thisClass.projectDB.connection(), program.log) < buildOf(program);
+    SQLite::Database &project = program.state.projectDB.connection();
+    return stampOf(project, program.log) < buildOf(program) || !missingForImport(project).empty();
 }
 
 } // namespace nv

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/program/Program.h"
+#include "db/ProjectFields.h"
 #include "maintenance/VersionStamp.h"
 #include "time/ShownDate.h"
 
@@ -37,16 +38,20 @@ void openProject(Program &program, const std::filesystem::path &path, Access acc
 /// that was opened for reading is only closed.
 void closeProject(Program &program);
 
-/// Keeps the base folder in the open project; rows follow at the next load.
+/// Keeps the base folder in the open project; rows follow at the next load. Throws StorageFailure
+/// when the project can't keep it: it is in force until the project is closed.
 void setRootPath(Program &program, const std::filesystem::path &root);
 
-/// Takes the zone with this `timeZoneID` into force. False when there is none. The examiner is
-/// told when the zone database can't be read.
-bool setZone(Program &program, std::int64_t id);
+/// Takes the zone that the project of these fields names into force; none is none. False when it
+/// names one that can't be had, which the examiner was told.
+bool takeStoredZone(Program &program, const ProjectFields &fields);
 
 /// Throws StorageFailure when local dates would be stored by a guess: without a table of zones that
-/// can be read, or with an open project whose zone it doesn't hold.
+/// can be read, or with an open project whose zone can't be had.
 void requireZones(Program &program);
+/// Throws StorageFailure when the open project is of an earlier build and lacks what an import
+/// writes to.
+void requireSchema(Program &program);
 
 /// How dates are shown now.
 DateSettings dateSettings(const Program &program);
@@ -54,7 +59,8 @@ DateSettings dateSettings(const Program &program);
 /// The version of this program.
 AppBuild buildOf(const Program &program);
 
-/// The version that made the open project is older than this build, and the check isn't turned off.
+/// The version that made the open project is older than this build, or the project lacks what this
+/// one writes; and the check isn't turned off.
 bool isOlderProject(Program &program);
 
 } // namespace nv

@@ -43,7 +43,7 @@ void storeFilenameINI(IniFile &settings, const std::filesystem::path &project) {
     paths.insert(paths.begin(), path);
     paths.resize(kWritten);
     for (std::size_t i = 0; i < kWritten; ++i)
-        writeText(settings, kFiles.at(i), paths[i]);
+        rememberText(settings, kFiles.at(i), paths[i]);
 }
 
 std::vector<RecentFile> configLastFilesOpened(const IniFile &settings) {

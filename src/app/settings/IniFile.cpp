@@ -129,6 +129,16 @@ int IniFile::readNumber(std::string_view section, std::string_view key, int byDe
 
 bool IniFile::writeIniValue(std::string_view section, std::string_view key,
                             std::string_view value) {
+    const bool isWritten = write(section, key, value);
+    m_lacksChoices |= !isWritten;
+    return isWritten;
+}
+
+void IniFile::remember(std::string_view section, std::string_view key, std::string_view value) {
+    static_cast<void>(write(section, key, value));
+}
+
+bool IniFile::write(std::string_view section, std::string_view key, std::string_view value) {
     std::string line = replaceAll(trim(value), "\r\n", " ");
     std::replace_if(
         line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
@@ -142,6 +152,7 @@ bool IniFile::writeIniValue(std::string_view section, std::string_view key,
             put(each.section, each.key, each.text);
         writeLines();
         m_unwritten.clear();
+        m_lacksChoices = false;
     });
 }
 

@@ -38,11 +38,15 @@ class IniFile {
     /// Blanks at the ends go and line breaks become blanks, so that one value stays on one line.
     /// False, logged, when the file can't be written: the value then holds until the program ends,
     /// and the next write tries it again.
-    bool writeIniValue(std::string_view section, std::string_view key, std::string_view value);
+    [[nodiscard]] bool writeIniValue(std::string_view section, std::string_view key,
+                                     std::string_view value);
     template <std::same_as<bool> Flag>
-    bool writeIniValue(std::string_view section, std::string_view key, Flag value) {
+    [[nodiscard]] bool writeIniValue(std::string_view section, std::string_view key, Flag value) {
         return writeIniValue(section, key, std::string_view(value ? "True" : "False"));
     }
+    /// The same for what nobody chose and nobody misses, such as the place of a window: a file that
+    /// can't be written stands in the log alone.
+    void remember(std::string_view section, std::string_view key, std::string_view value);
 
     struct Value {
         std::string section;
@@ -52,14 +56,15 @@ class IniFile {
     /// Everything in the file, in its order.
     std::vector<Value> values() const;
 
-    /// Values that couldn't be written.
-    bool hasUnwritten() const { return !m_unwritten.empty(); }
+    /// Some of what writeIniValue() was given couldn't be written yet.
+    bool hasUnwritten() const { return m_lacksChoices; }
 
   private:
     bool readFlag(std::string_view section, std::string_view key, bool byDefault) const;
     int readNumber(std::string_view section, std::string_view key, int byDefault) const;
     std::optional<std::string> valueOf(std::string_view section, std::string_view key) const;
     std::vector<std::string> load() const;
+    bool write(std::string_view section, std::string_view key, std::string_view value);
     void put(std::string_view section, std::string_view key, const std::string &value);
     void writeLines() const;
 
@@ -67,6 +72,7 @@ class IniFile {
     FailureLog &m_log;
     std::vector<std::string> m_lines;
     std::vector<Value> m_unwritten;
+    bool m_lacksChoices = false; ///< among the unwritten are some that the examiner made
 };
 
 } // namespace nv

@@ -166,6 +166,11 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
         .keptIn(&V::thumbnailsWhileImporting)
         .shownAs("chkThumbnailsWhileImporting", "&Thumbnails while importing",
                  "Imports draw all pictures and pages, which takes much longer."),
+    flag("BEYOND", "ClassicOnly", false,
+         "Imports take only the files and rows of the classic rules, those of the first version")
+        .keptIn(&V::classicOnly)
+        .shownAs("chkClassicOnly", "&Classic rules alone",
+                 "Imports take only the files and rows that the first version took."),
     flag("BEYOND", "TemplateMatchByTitle", true, "A template is laid only over pages of its title")
         .keptIn(&V::templateMatchByTitle)
         .shownAs("chkTemplateMatchByTitle", "Templates match by t&itle",

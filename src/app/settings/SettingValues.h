@@ -48,6 +48,7 @@ struct SettingValues {
     bool verifyFileSignatures = false;
     bool parseAdvancedMetadata = false;
     bool thumbnailsWhileImporting = false;
+    bool classicOnly = false; ///< only the files and rows of the classic rules
     bool disableFileVersionCheck = false;
 
     // Network

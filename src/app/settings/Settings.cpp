@@ -115,6 +115,14 @@ bool writeText(IniFile &settings, TextKey key, std::string_view text) {
     return settings.writeIniValue(key->section, key->key, text);
 }
 
+void rememberFlag(IniFile &settings, FlagKey key, bool on) {
+    settings.remember(key->section, key->key, on ? "True" : "False");
+}
+
+void rememberText(IniFile &settings, TextKey key, std::string_view text) {
+    settings.remember(key->section, key->key, text);
+}
+
 std::string textIn(const SettingValues &values, const SettingFacts &row) {
     std::string text;
     withMember(row, [&](auto member) { text = asText(values.*member); });

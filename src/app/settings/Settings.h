@@ -73,10 +73,13 @@ std::string readText(const IniFile &settings, TextKey key);
 
 int defaultNumber(NumberKey key);
 
-/// False when the file can't be written; see IniFile.
-bool writeFlag(IniFile &settings, FlagKey key, bool on);
-bool writeNumber(IniFile &settings, NumberKey key, int number);
-bool writeText(IniFile &settings, TextKey key, std::string_view text);
+/// Choices of the examiner's. False when the file can't be written; see IniFile.
+[[nodiscard]] bool writeFlag(IniFile &settings, FlagKey key, bool on);
+[[nodiscard]] bool writeNumber(IniFile &settings, NumberKey key, int number);
+[[nodiscard]] bool writeText(IniFile &settings, TextKey key, std::string_view text);
+/// What nobody misses; see IniFile::remember.
+void rememberFlag(IniFile &settings, FlagKey key, bool on);
+void rememberText(IniFile &settings, TextKey key, std::string_view text);
 
 /// The member of `row`, which has one, as a settings file has it, and back.
 std::string textIn(const SettingValues &values, const SettingFacts &row);

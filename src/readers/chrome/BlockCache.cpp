@@ -1,7 +1,12 @@
 #include "readers/chrome/BlockCache.h"
 
+#include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/Limits.h"
 #include "readers/chrome/CacheWalk.h"
+#include "readers/chrome/ResponseInfo.h"
+
+#include <algorithm>
 
 namespace nv {
 
@@ -21,6 +26,12 @@ class ReadingFlag {
     bool &m_flag;
 };
 
+/// As much as a key or an answer that begins at the address can have.
+std::uint64_t roomAt(const ChromeAddressMap &map) {
+    constexpr std::uint64_t kMostBlocks = 4;
+    return map.blockFileType == 0 ? limits::kChromeSeparateText : map.blockSize * kMostBlocks;
+}
+
 } // namespace
 
 ChromeBlockCache::ChromeBlockCache(std::filesystem::path index, const Evidence &evidence,
@@ -29,6 +40,10 @@ ChromeBlockCache::ChromeBlockCache(std::filesystem::path index, const Evidence &
       m_blocks(evidence, indexPath.parent_path(), log, kProcedure) {}
 
 ReadResult ChromeBlockCache::readCache(const TakeEntry &take) {
+    return readCache(take, {});
+}
+
+ReadResult ChromeBlockCache::readCache(const TakeEntry &take, const TakeFurther &takeFurther) {
     const std::string path = textOf(indexPath);
     if (isReading)
         return {ReadState::failed, "is being read already: " + path, 0, {}};
@@ -38,7 +53,8 @@ ReadResult ChromeBlockCache::readCache(const TakeEntry &take) {
         {"PARSING GOOGLE CHROME CACHE", "Reading INDEX File...", path, "chrome-32.gif"});
     const ReadResult unread{ReadState::failed, "could not be read: " + path, 0, {}};
     ReadResult result = trapped(m_log, Severity::Serious, kProcedure, kContactSupport, unread, [&] {
-        return ChromeCacheWalk(*this, m_evidence.open(indexPath), m_blocks, m_log, m_task, take)
+        return ChromeCacheWalk(*this, m_evidence.open(indexPath), m_blocks, m_log, m_task, take,
+                               takeFurther)
             .run();
     });
     cacheError = result.reason;
@@ -81,8 +97,8 @@ std::optional<ChromeRanking> ChromeBlockCache::getRankingObject(const ChromeAddr
     return chromeRankingOf(ByteView(bytes));
 }
 
-std::optional<ChromeContent> ChromeBlockCache::getContentObject(const ChromeAddressMap &map,
-                                                                std::uint64_t size) {
+std::optional<Bytes> ChromeBlockCache::getContentObject(const ChromeAddressMap &map,
+                                                        std::uint64_t size) {
     Bytes bytes;
     if (map.blockFileType != 0)
         bytes = m_blocks.read(map, size);
@@ -90,7 +106,27 @@ std::optional<ChromeContent> ChromeBlockCache::getContentObject(const ChromeAddr
         bytes = m_evidence.open(*file).read(0, size);
     if (bytes.empty())
         return std::nullopt;
-    return ChromeContent{std::move(bytes)};
+    return bytes;
+}
+
+bool ChromeBlockCache::complete(ChromeEntry &entry) {
+    if (entry.headerAddress != 0)
+        if (const auto response = getContentObject(
+                entry.headerAddressMap,
+                std::min<std::uint64_t>(entry.headerSize, roomAt(entry.headerAddressMap))))
+            entry.answer = answerOf(ByteView(*response));
+    if (entry.keyAddress == 0 && !entry.isKeyCutShort)
+        return true;
+    const bool isOutside = entry.keyAddress != 0;
+    const ChromeAddressMap map =
+        isOutside ? chromeAddressMapOf(entry.keyAddress) : entry.addressMap;
+    const std::uint64_t start = isOutside ? 0 : ChromeEntry::kKeyAt;
+    const std::uint64_t end = start + entry.keyLength;
+    const auto bytes = end <= roomAt(map) ? getContentObject(map, end) : std::nullopt;
+    if (!bytes || bytes->size() < end)
+        return false;
+    entry.wholeKey = fromAnsi(ByteView(*bytes).from(start).untilZero(0));
+    return true;
 }
 
 } // namespace nv

@@ -7,6 +7,8 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
+#include "readers/FactDate.h"
+#include "readers/HttpHeaders.h"
 #include "readers/chrome/BlockCache.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/sqlite/HistoryRow.h"
@@ -15,6 +17,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace nv {
 
@@ -70,6 +73,49 @@ void showRecord(ReadContext &ctx, std::int64_t number, std::int64_t counted,
     ctx.task.show({{}, 0, 0, fmt::format("Record {} of {} {}", number, total, url), number, total});
 }
 
+/// What no column of a classic record holds.
+void addFacts(UrlRecord &record, const ChromeEntry &entry) {
+    record.facts.add("cache_key", entry.wholeKey);
+    record.facts.add("chain", entry.chain);
+    if (entry.rankingObject) {
+        record.facts.add("last_used", factDate(entry.rankingObject->lastUsedTime));
+        record.facts.add("last_updated", factDate(entry.rankingObject->lastModifiedTime));
+    }
+}
+
+void addAnswerFacts(UrlRecord &record, const ChromeEntry &entry) {
+    record.facts.add("http_headers", entry.answer);
+    record.facts.add("mime_type", mimeTypeOf(entry.answer));
+}
+
+void clearBody(UrlRecord &record) {
+    record.DataBlockFile.clear();
+    record.DataBlockFileOffset = 0;
+    record.CacheFileExists = false;
+}
+
+UrlRecord furtherRecord(ChromeFurtherEntry &found, const ReadContext &ctx) {
+    ChromeEntry &entry = found.entry;
+    if (!entry.wholeKey.empty())
+        entry.keyURL = std::move(entry.wholeKey);
+    entry.wholeKey.clear();
+    UrlRecord record = parseChromeCacheURL(entry, ctx);
+    record.MetaData = entry.answer;
+    record.MIMEType = mimeTypeOf(entry.answer);
+    addFacts(record, entry);
+    record.facts.add("classic_rule", std::string(found.classicRule));
+    if (!found.foundHow.empty()) {
+        record.cacheType = kChromeCacheRemnant.word;
+        record.Status = "Recovered";
+        record.facts.add("recovered_from", found.foundHow);
+        record.facts.add("body", found.body);
+        if (found.body.starts_with("none"))
+            clearBody(record);
+    }
+    record.facts.add("source_offset", record.MapFileOffset);
+    return record;
+}
+
 } // namespace
 
 UrlRecord parseChromeCacheURL(const ChromeEntry &entry, const ReadContext &ctx) {
@@ -93,14 +139,29 @@ UrlRecord parseChromeCacheURL(const ChromeEntry &entry, const ReadContext &ctx) 
 ReadResult parseChromeCache(ReadContext &ctx) {
     ChromeBlockCache cache(ctx.file.fullPath, ctx.evidence, ctx.log, ctx.task);
     std::int64_t count = 0;
-    // Records leave as they are found: a hostile index may lead to more of them than memory holds.
-    ReadResult result = cache.readCache([&](const ChromeEntry &entry) {
-        UrlRecord record = parseChromeCacheURL(entry, ctx);
+    const auto save = [&](UrlRecord &record) {
         ctx.sink.save(record);
         ++count;
         if (ctx.task.wantsStep())
             showRecord(ctx, count, cache.indexInfo.entryCount, record.URL);
-    });
+    };
+    ChromeBlockCache::TakeFurther takeFurther;
+    if (!ctx.classicOnly)
+        takeFurther = [&](ChromeFurtherEntry entry) {
+            UrlRecord record = furtherRecord(entry, ctx);
+            save(record);
+        };
+    // Records leave as they are found: a hostile index may lead to more of them than memory holds.
+    const ReadResult result = cache.readCache(
+        [&](const ChromeEntry &entry) {
+            UrlRecord record = parseChromeCacheURL(entry, ctx);
+            if (!ctx.classicOnly) {
+                addFacts(record, entry);
+                addAnswerFacts(record, entry);
+            }
+            save(record);
+        },
+        takeFurther);
     ctx.task.describe({"PARSING GOOGLE CHROME CACHE",
                        fmt::format("A total of {} URLs were found.", count),
                        textOf(ctx.file.fullPath), "chromeCache-32.gif"});

@@ -50,14 +50,4 @@ bool fetchChromeBody(const UrlRecord &record, const Evidence &evidence, BodyTarg
     return target.copy(evidence.open(*source), offset, size) > 0;
 }
 
-bool extractChromeCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
-                            const Extraction &ctx) {
-    if (record.URLID == UrlId::none)
-        return false;
-    if (const auto source = sourceOf(record, ctx.evidence))
-        record.RunTimeContentPath = *source;
-    return extractBody(record, fetchChromeBody, fileNameSuffix, ctx,
-                       "ParserClass.ExtractChromeCacheFile()");
-}
-
 } // namespace nv

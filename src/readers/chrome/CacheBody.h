@@ -11,9 +11,4 @@ namespace nv {
 /// enough for it. Throws EvidenceFailure.
 bool fetchChromeBody(const UrlRecord &record, const Evidence &evidence, BodyTarget &target);
 
-/// Brings the body of a stored record into the folder of `ctx`, unpacked, as extractBody() does.
-/// False, with nothing changed but `RunTimeTempFilePath`, when there is none.
-bool extractChromeCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
-                            const Extraction &ctx);
-
 } // namespace nv

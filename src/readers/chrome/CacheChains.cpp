@@ -34,26 +34,43 @@ void ChromeChains::meet(std::uint32_t address) {
     m_met[blockOf(address)] = true;
 }
 
-void ChromeChains::add(const ChromeAddressMap &entry, const ChromeAddressMap &next) {
+void ChromeChains::add(const ChromeAddressMap &entry, const ChromeAddressMap &next,
+                       std::uint64_t slot) {
     if (leadsOn(next) && !isMet(entry.address))
-        m_next.push_back(next.address);
+        m_next.push_back({next.address, slot});
     meet(entry.address);
+}
+
+bool ChromeChains::meet(const ChromeAddressMap &entry) {
+    if (isMet(entry.address))
+        return false;
+    meet(entry.address);
+    return true;
+}
+
+bool ChromeChains::follow(ChromeBlockFiles &blocks, TaskMonitor &task, double fraction,
+                          const Take &take) {
+    for (const Start &start : m_next) {
+        ChromeChainPlace place{start.slot, 1};
+        ChromeAddressMap entry = chromeAddressMapOf(start.address);
+        while (leadsOn(entry) && !isMet(entry.address)) {
+            if (!task.advance(fraction))
+                return false;
+            meet(entry.address);
+            ++place.place;
+            take(entry, place);
+            entry = chromeAddressMapOf(nextOf(entry, blocks));
+        }
+    }
+    return true;
 }
 
 std::optional<std::uint64_t> ChromeChains::countOthers(ChromeBlockFiles &blocks,
                                                        TaskMonitor &task) {
     std::uint64_t count = 0;
-    for (const std::uint32_t start : m_next) {
-        ChromeAddressMap entry = chromeAddressMapOf(start);
-        while (leadsOn(entry) && !isMet(entry.address)) {
-            if (!task.advance(1))
-                return std::nullopt;
-            meet(entry.address);
-            ++count;
-            entry = chromeAddressMapOf(nextOf(entry, blocks));
-        }
-    }
-    return count;
+    const bool isDone = follow(
+        blocks, task, 1, [&count](const ChromeAddressMap &, const ChromeChainPlace &) { ++count; });
+    return isDone ? std::optional(count) : std::nullopt;
 }
 
 } // namespace nv

@@ -19,7 +19,7 @@ namespace nv {
 
 namespace {
 
-constexpr std::uint64_t kKeyAt = 0x24;
+constexpr std::uint64_t kKeyAt = ChromeEntry::kKeyAt;
 /// One character fewer than fits before the closing zero: rows of earlier cases have this length.
 constexpr std::uint64_t kLongestKey = 0xFF - 1 - kKeyAt;
 constexpr std::uint32_t kSeparateFileMask = 0x0FFF'FFFF;

@@ -71,14 +71,9 @@ struct ChromeRanking {
     Date lastModifiedTime; ///< UTC
 };
 
-/// The bytes of a cached body.
-struct ChromeContent {
-    Bytes blob;
-};
-using ChromeCacheBlob = ChromeContent;
-
 struct ChromeEntry {
     static constexpr std::uint64_t kSize = 0x100;
+    static constexpr std::uint64_t kKeyAt = 0x24;
 
     std::uint64_t mapFileOffset = 0; ///< of the entry in its block file
     std::uint32_t hash = 0;
@@ -99,7 +94,11 @@ struct ChromeEntry {
     ChromeAddressMap contentAddressMap;
     std::optional<ChromeHeader> headerObject;
     std::optional<ChromeRanking> rankingObject;
-    std::optional<ChromeContent> contentObject; ///< stays empty: bodies are read when asked for
+
+    // Beyond the classic rules; filled by ChromeBlockCache::complete().
+    std::string wholeKey; ///< where keyURL isn't all of it
+    std::string answer;   ///< the server's headers, in lines
+    std::string chain;    ///< where the entry hangs, when others share its slot
 };
 
 using ChromeEntryCollection = KeyedList<ChromeEntry>;

@@ -13,15 +13,19 @@ namespace nv {
 
 ChromeCacheWalk::ChromeCacheWalk(ChromeBlockCache &cache, EvidenceFile index,
                                  ChromeBlockFiles &blocks, FailureLog &log, TaskMonitor &task,
-                                 const ChromeBlockCache::TakeEntry &take)
+                                 const ChromeBlockCache::TakeEntry &take,
+                                 const ChromeBlockCache::TakeFurther &takeFurther)
     : m_cache(cache), m_blocks(blocks), m_log(log), m_task(task), m_take(take),
-      m_index(std::move(index)), m_trap(log, kProcedure, textOf(cache.indexPath)) {}
+      m_takeFurther(takeFurther), m_index(std::move(index)),
+      m_trap(log, kProcedure, textOf(cache.indexPath)), m_further(cache, blocks, m_chains) {}
 
 ReadResult ChromeCacheWalk::run() {
     m_cache.indexInfo = m_index.head();
     if (!isReadable())
         return m_result;
-    if (walkTable() && countBehindTable() && countChains())
+    const bool isDone =
+        walkTable() && (m_takeFurther ? walkFurther() : countBehindTable() && countChains());
+    if (isDone)
         noteTableCutShort();
     else
         m_result.state = ReadState::cancelled;
@@ -73,18 +77,39 @@ void ChromeCacheWalk::takeSlot(std::uint64_t slot) {
     auto entry = m_cache.getEntry(*map);
     if (!entry)
         return miss("entry", *map, "slot that leads to no block file");
-    m_chains.add(*map, entry->nextEntryAddressMap);
+    m_chains.add(*map, entry->nextEntryAddressMap, slot);
     if (!entry->headerObject)
-        return miss("header", entry->headerAddressMap, "entry without a header");
+        return m_takeFurther ? keepHeadless(*entry, slot)
+                             : miss("header", entry->headerAddressMap, "entry without a header");
+    if (m_takeFurther)
+        m_further.complete(*entry, {slot, 1}, m_result);
+    else
+        noteKeyLost(*entry);
     notePartsLost(*entry);
     m_take(*entry);
 }
 
-void ChromeCacheWalk::notePartsLost(const ChromeEntry &entry) {
+/// It has a URL and a body all the same, and comes after the classic records.
+void ChromeCacheWalk::keepHeadless(const ChromeEntry &entry, std::uint64_t slot) {
+    m_further.addHeadless(entry.addressMap, slot);
+    const ChromeAddressMap &header = entry.headerAddressMap;
+    if (header.dataBlockFileOffset == 0)
+        return;
+    ++m_result.noted["entry whose header could not be read"];
+    damage(m_blocks.file(header.dataBlockFileNumber)
+               ? fmt::format("{}: no header at {}", m_blocks.pathOf(header.dataBlockFileNumber),
+                             header.dataBlockFileOffset)
+               : m_blocks.lackOf(header.dataBlockFileNumber));
+}
+
+void ChromeCacheWalk::noteKeyLost(const ChromeEntry &entry) {
     if (entry.keyAddress != 0)
         passOver("URL that is kept outside of its entry");
     else if (entry.isKeyCutShort)
         passOver("rest of a URL of more than 218 characters");
+}
+
+void ChromeCacheWalk::notePartsLost(const ChromeEntry &entry) {
     if (entry.headerObject->isCutShort)
         noteHeaderCutShort(entry.headerAddressMap);
     // Asked for here so that a missing file is logged, though nothing is read of it.
@@ -131,6 +156,21 @@ bool ChromeCacheWalk::countBehindTable() {
     return true;
 }
 
+/// What the classic rules count, as records of its own.
+bool ChromeCacheWalk::walkFurther() {
+    ChromeFurther::Words behind;
+    for (std::uint64_t slot = slots() + 1; slot <= m_index.wordsThere(); ++slot) {
+        if (!goOn(slot))
+            return false;
+        m_trap.attempt(ChromeIndexFile::placeOf(slot), [&] {
+            if (const std::uint32_t word = m_index.word(slot); chromeAddressMapOf(word).initialised)
+                behind.push_back({word, slot});
+        });
+    }
+    return m_further.run(behind, m_index.head().addressCount, m_takeFurther, m_task, m_trap,
+                         m_result);
+}
+
 bool ChromeCacheWalk::countChains() {
     bool isDone = true;
     m_trap.attempt(0, [&] {
@@ -163,7 +203,9 @@ void ChromeCacheWalk::noteFailures() {
 
 bool ChromeCacheWalk::goOn(std::uint64_t slot) {
     const auto done = static_cast<double>(slot - 1);
-    return m_cache.isReading && m_task.advance(done / static_cast<double>(m_index.wordsThere()));
+    const double share = m_takeFurther ? ChromeFurther::kShareBefore : 1;
+    return m_cache.isReading &&
+           m_task.advance(share * done / static_cast<double>(m_index.wordsThere()));
 }
 
 /// Those that the index counts, as far as the file reaches.

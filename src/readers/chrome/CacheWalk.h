@@ -3,6 +3,7 @@
 #include "base/Trap.h"
 #include "readers/chrome/BlockCache.h"
 #include "readers/chrome/CacheChains.h"
+#include "readers/chrome/CacheFurther.h"
 #include "readers/chrome/CacheIndex.h"
 
 namespace nv {
@@ -14,7 +15,8 @@ class ChromeCacheWalk {
 
     /// All must outlive this. Throws EvidenceFailure when the index can't be opened.
     ChromeCacheWalk(ChromeBlockCache &cache, EvidenceFile index, ChromeBlockFiles &blocks,
-                    FailureLog &log, TaskMonitor &task, const ChromeBlockCache::TakeEntry &take);
+                    FailureLog &log, TaskMonitor &task, const ChromeBlockCache::TakeEntry &take,
+                    const ChromeBlockCache::TakeFurther &takeFurther);
 
     ReadResult run();
 
@@ -26,7 +28,11 @@ class ChromeCacheWalk {
     bool countChains();
     bool goOn(std::uint64_t slot);
 
+    bool walkFurther();
+
     void takeSlot(std::uint64_t slot);
+    void keepHeadless(const ChromeEntry &entry, std::uint64_t slot);
+    void noteKeyLost(const ChromeEntry &entry);
     void miss(std::string_view what, const ChromeAddressMap &map, std::string_view reason);
     void notePartsLost(const ChromeEntry &entry);
     void noteHeaderCutShort(const ChromeAddressMap &map);
@@ -44,9 +50,11 @@ class ChromeCacheWalk {
     FailureLog &m_log;
     TaskMonitor &m_task;
     const ChromeBlockCache::TakeEntry &m_take;
+    const ChromeBlockCache::TakeFurther &m_takeFurther; ///< empty: by the classic rules alone
     ChromeIndexFile m_index;
     RecordTrap m_trap;
     ChromeChains m_chains;
+    ChromeFurther m_further;
     ReadResult m_result;
     std::uint64_t m_addresses = 0; ///< slots in use so far
 };

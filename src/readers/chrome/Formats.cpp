@@ -1,12 +1,12 @@
 #include "readers/chrome/Formats.h"
 
 #include "readers/Candidate.h"
-#include "readers/SourceOption.h"
 #include "readers/chrome/Cache.h"
 #include "readers/chrome/CacheBody.h"
 #include "readers/chrome/Cookies.h"
 #include "readers/chrome/History.h"
 #include "readers/chrome/Kinds.h"
+#include "readers/chrome/Options.h"
 
 #include <optional>
 
@@ -16,14 +16,9 @@ namespace {
 
 using enum HistoryFileType;
 
-constexpr SourceOption kHistory = {"chkHistoryChrome", RecordGroup::history, &families::chrome, "",
-                                   9};
-constexpr SourceOption kCache = {"chkCacheChrome", RecordGroup::cache, &families::chrome, "", 0};
-constexpr SourceOption kCookies = {"chkCookiesChrome", RecordGroup::cookies, &families::chrome, "",
-                                   14};
-
-constexpr const RecordKind *kHistoryKinds[] = {&kChromeHistory};
-constexpr const RecordKind *kCacheKinds[] = {&kChromeCache};
+constexpr const RecordKind *kHistoryKinds[] = {&kChromeHistory, &kChromeVisit, &kChromeDownload,
+                                               &kChromeSearchTerm};
+constexpr const RecordKind *kCacheKinds[] = {&kChromeCache, &kChromeCacheRemnant};
 constexpr const RecordKind *kCookieKinds[] = {&kChromeCookies};
 
 /// Chrome's index beside the block file. Names may have lost their case on the way here.
@@ -59,13 +54,13 @@ constinit const Reader kChromeHistoryFormat = {
     .key = "chrome-history",
     .kind = "Chrome History",
     .version = "1.0",
-    .option = &kHistory,
+    .option = &kChromeHistoryOption,
     .mask = "History;Archived History",
     .recognises = isHistory,
     .read = parseChromeHistoryFile,
     .kinds = kHistoryKinds,
     .page = "chrome-history",
-    .cases = {"chrome-history", "History", "chrome-history/three-pages"},
+    .cases = {"chrome-history", "History", "chromium-history/every-table"},
 };
 
 constinit const Reader kChromeCacheFormat = {
@@ -73,14 +68,14 @@ constinit const Reader kChromeCacheFormat = {
     .key = "chrome-cache",
     .kind = "Chrome Cache",
     .version = "1.0",
-    .option = &kCache,
+    .option = &kChromeCacheOption,
     .mask = "data_0",
     .recognises = isCache,
     .read = parseChromeCache,
     .fetch = fetchChromeBody,
     .kinds = kCacheKinds,
     .page = "chrome-cache",
-    .cases = {"chrome-cache", "index", "chrome-cache/four-kinds-of-bodies"},
+    .cases = {"chrome-cache;chrome-cache-further", "index", "chrome-cache/four-kinds-of-bodies"},
     .artefact = indexOf,
     .holdsShaders = liesWithShaders,
 };
@@ -90,7 +85,7 @@ constinit const Reader kChromeCookiesFormat = {
     .key = "chrome-cookies",
     .kind = "Chrome Cookies",
     .version = "1.0",
-    .option = &kCookies,
+    .option = &kChromeCookiesOption,
     .mask = "Cookies",
     .recognises = isCookies,
     .read = parseChromeCookiesFile,

@@ -1,19 +1,22 @@
-// An SQLite file; of it are read
+// An SQLite file. By the classic rules are read of it
 //   urls   = id url title visit_count last_visit_time hidden
 //   visits = url visit_time                                      url names the page's id
-// with dates in microseconds since 1601, UTC.
+// with dates in microseconds since 1601, UTC, and otherwise what WholeHistory.h tells.
 // Versions add columns and tables; the ones above have stayed.
 
 #include "readers/chrome/History.h"
 
 #include "base/Files.h"
 #include "readers/chrome/Kinds.h"
+#include "readers/chrome/StoredDate.h"
+#include "readers/chrome/WholeHistory.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "readers/sqlite/VisitTable.h"
 #include "time/SourceClocks.h"
 
 #include <array>
+#include <functional>
 #include <vector>
 
 namespace nv {
@@ -23,23 +26,19 @@ namespace {
 constexpr SqliteReader kReader = {"ParserClass.ParseChromeHistoryFile()",
                                   "PARSING CHROME HISTORY FILE", "Google Chrome", "chrome-32.png"};
 
-constexpr std::array<std::string_view, 6> kColumns = {"id",     "url",         "title",
-                                                      "hidden", "visit_count", "last_visit_time"};
-enum Column : std::size_t { kId, kUrl, kTitle, kHidden, kVisitCount, kLastVisitTime };
+constexpr std::array<std::string_view, 7> kColumns = {
+    "id", "url", "title", "hidden", "visit_count", "last_visit_time", "typed_count"};
+enum Column : std::size_t { kId, kUrl, kTitle, kHidden, kVisitCount, kLastVisitTime, kTyped };
 
 constexpr VisitTable::Columns kVisits = {"visits", "url", "visit_time"};
-
-/// Chrome stores 0 for a page without a visit; it is not the year 1601.
-Date visitDate(std::optional<std::int64_t> stored) {
-    return stored.value_or(0) == 0 ? Date() : chromeTimeToDate(*stored);
-}
 
 UrlRecord pageRecord(const ReadContext &ctx, const Row &row, Date fileCreated) {
     UrlRecord record = historyRecord(
         ctx,
         {row.number(kId).value_or(0), row.text(kUrl), row.truth(kHidden), row.number(kVisitCount)},
         kChromeHistory.word, fileCreated);
-    record.ActionDateUTC = visitDate(row.number(kLastVisitTime));
+    const auto lastVisit = row.number(kLastVisitTime);
+    record.ActionDateUTC = ctx.classicOnly ? chromeDate(lastVisit) : chromeMoment(lastVisit);
     record.LastVisited = record.ActionDateUTC;
     record.ActionDateLocal = utcDateToLocal(record.ActionDateUTC, ctx.clock);
     record.WebpageTitle = row.text(kTitle);
@@ -65,14 +64,22 @@ bool countVisits(ReadContext &ctx, EvidenceDatabase &database,
     return true;
 }
 
-ReadResult readPages(ReadContext &ctx, EvidenceDatabase &database) {
+/// A record for each page, which `see` gets before it is saved.
+ReadResult readPages(ReadContext &ctx, EvidenceDatabase &database,
+                     const std::function<void(UrlRecord &record, std::int64_t typed)> &see) {
     TableCursor cursor(database, "urls", kColumns);
     const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
-    std::vector<std::int64_t> pages;
-    ReadResult result = eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
+    return eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
         UrlRecord record = pageRecord(ctx, row, fileCreated);
-        pages.push_back(record.Reference_ID);
+        see(record, row.number(kTyped).value_or(0));
         ctx.sink.save(record);
+    });
+}
+
+ReadResult readClassicRows(ReadContext &ctx, EvidenceDatabase &database) {
+    std::vector<std::int64_t> pages;
+    ReadResult result = readPages(ctx, database, [&pages](const UrlRecord &record, std::int64_t) {
+        pages.push_back(record.Reference_ID);
     });
     // With pages lost it can't be told whose visits are whose.
     if (result.state == ReadState::complete && !countVisits(ctx, database, pages, result))
@@ -83,8 +90,14 @@ ReadResult readPages(ReadContext &ctx, EvidenceDatabase &database) {
 } // namespace
 
 ReadResult parseChromeHistoryFile(ReadContext &ctx) {
-    return readSqliteFile(ctx, kReader,
-                          [&ctx](EvidenceDatabase &database) { return readPages(ctx, database); });
+    return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
+        if (ctx.classicOnly)
+            return readClassicRows(ctx, database);
+        return readWholeHistory(ctx, database, kReader.procedure,
+                                [&database](ReadContext &part, const auto &addFacts) {
+                                    return readPages(part, database, addFacts);
+                                });
+    });
 }
 
 } // namespace nv

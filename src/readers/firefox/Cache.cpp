@@ -111,13 +111,6 @@ std::int64_t MozillaCache::rShiftLong(std::int64_t x, int n) {
     return lShiftLong(x, -n);
 }
 
-std::int64_t MozillaCache::rShiftLongClrNeg(std::int64_t x, int n) {
-    if (x >= 0)
-        return rShiftLong(x, n);
-    const std::int64_t highBit = n <= 31 ? lShiftLong(1, 31 - n) : 0;
-    return rShiftLong(andLong(x, 0x7FFFFFFF), n) + highBit;
-}
-
 std::optional<CacheMapHeader> MozillaCache::getHeader() const {
     return trapped(m_log, Severity::Warning, "mzMozillaCache.GetHeader()", kContactSupport,
                    std::optional<CacheMapHeader>(), [this] {

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 
@@ -30,6 +31,11 @@ class MozillaCache {
     std::string cacheError;      ///< why readCache gave nothing
     bool isLaterVersion = false; ///< and that is because the map is one of a later Firefox
     CacheRecords cacheRecords;
+    CacheMapHeader mapHeader; ///< of the last readCache
+
+    /// Whether readCache keeps in `further` what makes no classic record.
+    bool listsFurther = false;
+    std::vector<FurtherBucket> further;
 
     // Bit operations on words that are held in 64 bits.
 
@@ -39,8 +45,6 @@ class MozillaCache {
     static std::int64_t lShiftLong(std::int64_t x, int n);
     /// x / 2^n, rounded down.
     static std::int64_t rShiftLong(std::int64_t x, int n);
-    /// The same for a negative x as if it were an unsigned 32-bit word.
-    static std::int64_t rShiftLongClrNeg(std::int64_t x, int n);
 
     /// Fills cacheRecords from the open map and sets the file's version. What the map holds and
     /// the rules pass over is counted in `result`. False, with cacheError, when the map isn't one
@@ -73,9 +77,11 @@ class MozillaCache {
     bool acceptVersion(HistoryFile &file);
     bool readBuckets(const CacheMapHeader &header, TaskMonitor &task, ReadResult &result);
     std::string_view takeBucket(const CacheBucket &bucket, const CacheMapHeader &header);
+    void passOver(std::int64_t n, const CacheBucket &bucket, std::string_view rule,
+                  ReadResult &result);
     void noteShortMap(const CacheMapHeader &header, ReadResult &result) const;
     void noteRefused(ReadResult &result);
-    void noteBehindLastBucket(ReadResult &result) const;
+    void noteBehindLastBucket(ReadResult &result);
 
     FailureLog &m_log;
 };

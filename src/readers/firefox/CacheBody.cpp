@@ -64,12 +64,4 @@ bool fetchFirefoxCacheBody(const UrlRecord &record, const Evidence &evidence, Bo
     return target.copy(evidence.open(*source), offset, count) > 0 || wanted == 0;
 }
 
-bool extractFirefoxCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
-                             const Extraction &ctx) {
-    if (record.URLID <= UrlId::none)
-        return false;
-    return extractBody(record, fetchFirefoxCacheBody, fileNameSuffix, ctx,
-                       "ParserClass.ExtractFirefoxCacheFile()");
-}
-
 } // namespace nv

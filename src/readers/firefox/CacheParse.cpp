@@ -5,6 +5,7 @@
 #include "base/Trap.h"
 #include "readers/WholeFile.h"
 #include "readers/firefox/Cache.h"
+#include "readers/firefox/CacheFurther.h"
 #include "readers/firefox/CacheRecord.h"
 
 #include <fmt/format.h>
@@ -21,20 +22,8 @@ constexpr std::string_view kProcedure = "ParserClass.ParseFirefoxCache()";
 
 /// Reading the map is this part of the task.
 constexpr double kShareOfMap = 0.1;
-
-/// Why a stored record should not be taken as it stands; empty when it may be.
-std::string doubtOn(const CacheRecord &record) {
-    const CacheRecordMetaData &metaData = *record.recordMetaData;
-    if (metaData.version != record.header.version)
-        return "metadata of another version than the map's: their blocks may hold something else";
-    const auto there = static_cast<std::int64_t>(metaData.metaData.size());
-    if (there < metaData.metaDataSize)
-        return "headers that are longer than what is there";
-    const std::int64_t blocks = record.bucketMetaData.numContBlocks + 1;
-    if (kMetaDataHeader + metaData.urlSize + there > blocks * record.bucketMetaData.blockSize)
-        return "headers that lead beyond their blocks: the end belongs to other entries";
-    return {};
-}
+/// With it and the classic records this part is done, when all of the cache is read.
+constexpr double kShareOfClassic = 0.8;
 
 class CacheReading {
   public:
@@ -43,6 +32,7 @@ class CacheReading {
           m_records(ctx.log, kProcedure, m_path), m_doubts(ctx.log, kProcedure, m_path) {}
 
     ReadResult run() {
+        m_cache.listsFurther = !m_ctx.classicOnly;
         if (!openFirefoxCache(m_cache, m_ctx.file.fullPath, m_ctx.evidence, m_ctx.log))
             return {ReadState::failed, "could not be opened: " + m_path, 0, {}};
         if (!m_cache.readCache(m_ctx.file, m_ctx.task, m_result)) {
@@ -70,14 +60,17 @@ class CacheReading {
             }
             readRecord(i, count);
         }
+        if (!m_ctx.classicOnly && m_result.state != ReadState::cancelled &&
+            !CacheFurther(m_ctx, m_cache, kProcedure).run(kShareOfClassic, m_result))
+            m_result.state = ReadState::cancelled;
         countLosses();
         if (m_result.state != ReadState::cancelled && m_ctx.task.wantsStep())
             m_ctx.task.show({"All done.", count, count, {}, 0, 0});
     }
 
-    static double fractionOf(std::int64_t i, std::int64_t count) {
-        return kShareOfMap +
-               (1 - kShareOfMap) * static_cast<double>(i) / static_cast<double>(count);
+    double fractionOf(std::int64_t i, std::int64_t count) const {
+        const double share = (m_ctx.classicOnly ? 1 : kShareOfClassic) - kShareOfMap;
+        return kShareOfMap + share * static_cast<double>(i) / static_cast<double>(count);
     }
 
     void readRecord(std::int64_t i, std::int64_t count) {
@@ -92,6 +85,8 @@ class CacheReading {
             record.recordMetaData = m_cache.getRecordMetaData(record.bucketMetaData);
             auto url = parseFirefoxCacheURL(record, m_ctx.file, m_ctx.evidence, m_ctx.clock);
             show(i, count, url->URL);
+            if (!m_ctx.classicOnly)
+                addCacheFacts(*url, *record.recordMetaData);
             m_ctx.sink.save(*url);
         });
         if (stored)

@@ -100,4 +100,17 @@ std::optional<UrlRecord> parseFirefoxCacheURL(const CacheRecord &record, const H
     return url;
 }
 
+std::string doubtOn(const CacheRecord &record) {
+    const CacheRecordMetaData &metaData = *record.recordMetaData;
+    if (metaData.version != record.header.version)
+        return "metadata of another version than the map's: their blocks may hold something else";
+    const auto there = static_cast<std::int64_t>(metaData.metaData.size());
+    if (there < metaData.metaDataSize)
+        return "headers that are longer than what is there";
+    const std::int64_t blocks = record.bucketMetaData.numContBlocks + 1;
+    if (kMetaDataHeader + metaData.urlSize + there > blocks * record.bucketMetaData.blockSize)
+        return "headers that lead beyond their blocks: the end belongs to other entries";
+    return {};
+}
+
 } // namespace nv

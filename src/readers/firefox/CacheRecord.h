@@ -7,6 +7,7 @@
 #include "readers/firefox/CacheTypes.h"
 
 #include <optional>
+#include <string>
 
 namespace nv {
 
@@ -14,5 +15,8 @@ namespace nv {
 /// map.
 std::optional<UrlRecord> parseFirefoxCacheURL(const CacheRecord &record, const HistoryFile &file,
                                               const Evidence &evidence, const Clock &clock);
+
+/// Why a stored record, with its metadata, should not be taken as it stands; empty when it may be.
+std::string doubtOn(const CacheRecord &record);
 
 } // namespace nv

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace nv {
 
@@ -74,6 +75,14 @@ struct CacheRecord {
     /// Not kept in the collection: read when its record's turn comes, so that a cache whose
     /// metadata claim any size is listed in little memory.
     std::optional<CacheRecordMetaData> recordMetaData;
+};
+
+/// A bucket that makes no classic record, with metadata in a block file.
+struct FurtherBucket {
+    CacheRecord record;
+    std::string_view rule; ///< why the classic rules pass over it
+    bool isListed = false; ///< the map has it in use
+    bool hasBody = false;
 };
 
 /// In the order of the map. Without keys: a damaged map has the same hash number twice.

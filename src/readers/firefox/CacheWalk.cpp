@@ -20,6 +20,8 @@ constexpr std::int64_t kLastListed = 0x2000;
 /// Later maps have up to 16384 buckets; looking for more in a hostile one must end.
 constexpr std::int64_t kLastCounted = 0x10000;
 
+constexpr std::string_view kBehindLast = "bucket behind bucket 8192";
+
 /// Finding the records is that part of the whole task; storing them is the rest.
 constexpr double kShareOfMap = 0.1;
 
@@ -50,6 +52,7 @@ bool MozillaCache::readCache(HistoryFile &file, TaskMonitor &task, ReadResult &r
         return false;
     const RunningMark running(isReading);
     cacheRecords.clear();
+    further.clear();
     cacheError.clear();
     task.describe({"PARSING MOZILLA FIREFOX CACHE", "Reading MAP File...", textOf(file.fullPath),
                    "firefox-32.gif"});
@@ -64,6 +67,7 @@ bool MozillaCache::readCache(HistoryFile &file, TaskMonitor &task, ReadResult &r
             fmt::format("the map ends within its header, after {} bytes", fileHandleMap->size());
         return false;
     }
+    mapHeader = *header;
     if (!readBuckets(*header, task, result)) {
         result.state = ReadState::cancelled;
         return true;
@@ -97,7 +101,7 @@ bool MozillaCache::acceptVersion(HistoryFile &file) {
 bool MozillaCache::readBuckets(const CacheMapHeader &header, TaskMonitor &task,
                                ReadResult &result) {
     if (const auto first = getBucket(0); first && !isFree(*first))
-        ++result.passedOver["bucket 0"];
+        passOver(0, *first, "bucket 0", result);
     for (std::int64_t n = kFirstListed; n <= kLastListed; ++n) {
         if (!task.advance(kShareOfMap * static_cast<double>(n) / kLastListed))
             return false;
@@ -106,9 +110,26 @@ bool MozillaCache::readBuckets(const CacheMapHeader &header, TaskMonitor &task,
         if (!bucket)
             break;
         if (const std::string_view reason = takeBucket(*bucket, header); !reason.empty())
-            ++result.passedOver[std::string(reason)];
+            passOver(n, *bucket, reason, result);
     }
     return true;
+}
+
+/// Metadata in a file of its own are passed over by all rules.
+void MozillaCache::passOver(std::int64_t n, const CacheBucket &bucket, std::string_view rule,
+                            ReadResult &result) {
+    const auto metaData = getBucketMetaData(bucket);
+    if (!listsFurther || !metaData || metaData->cacheBlockFileNumber == 0) {
+        ++result.passedOver[std::string(rule)];
+        return;
+    }
+    const auto data = getBucketData(bucket);
+    const bool isListed = bucket.hashNumber != 0 && n < mapHeader.recordCount;
+    further.push_back({{bucket, data.value_or(CacheRecordInfo()), *metaData, mapHeader,
+                        getRecordData(data.value_or(CacheRecordInfo())), std::nullopt},
+                       rule,
+                       isListed,
+                       data.has_value()});
 }
 
 /// Empty when the bucket is free or goes to cacheRecords, otherwise why it is passed over.
@@ -146,11 +167,11 @@ void MozillaCache::noteRefused(ReadResult &result) {
         fmt::format("; this one holds {}", counted(result.notReached, "entry", "entries"));
 }
 
-void MozillaCache::noteBehindLastBucket(ReadResult &result) const {
+void MozillaCache::noteBehindLastBucket(ReadResult &result) {
     const std::int64_t end = std::min(bucketCount(), kLastCounted);
     for (std::int64_t n = kLastListed + 1; n < end; ++n)
         if (const auto bucket = getBucket(n); bucket && !isFree(*bucket))
-            ++result.passedOver[fmt::format("bucket behind bucket {}", kLastListed)];
+            passOver(n, *bucket, kBehindLast, result);
 }
 
 /// The header says how many buckets there are: what a shorter map lost isn't known, only how many

@@ -2,12 +2,12 @@
 
 #include "base/Text.h"
 #include "readers/Candidate.h"
-#include "readers/SourceOption.h"
 #include "readers/firefox/CacheBody.h"
 #include "readers/firefox/CacheParse.h"
 #include "readers/firefox/Cookies.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/MorkHistory.h"
+#include "readers/firefox/Options.h"
 #include "readers/firefox/Places.h"
 #include "readers/sqlite/SchemaHead.h"
 
@@ -17,16 +17,12 @@ namespace {
 
 using enum HistoryFileType;
 
-constexpr SourceOption kCache = {"chkCacheFirefox", RecordGroup::cache, &families::firefox, "", 1};
-constexpr SourceOption kHistory = {"chkHistoryFirefox", RecordGroup::history, &families::firefox,
-                                   "", 8};
-constexpr SourceOption kCookies = {"chkCookiesFirefox", RecordGroup::cookies, &families::firefox,
-                                   "", 11};
 constexpr std::string_view kHistoryMask = "history*.dat;places*.sqlite";
 
-constexpr const RecordKind *kCacheKinds[] = {&kFirefoxCache};
+constexpr const RecordKind *kCacheKinds[] = {&kFirefoxCache, &kFirefoxCacheRemnant};
 constexpr const RecordKind *kMorkKinds[] = {&kFirefox2History};
-constexpr const RecordKind *kPlacesKinds[] = {&kFirefox3History};
+constexpr const RecordKind *kPlacesKinds[] = {&kFirefox3History, &kFirefoxVisit, &kFirefoxBookmark,
+                                              &kFirefoxDownload};
 constexpr const RecordKind *kCookieKinds[] = {&kFirefoxCookies};
 
 constexpr HistoryFileType kFurtherCaches[] = {firefoxCacheByName};
@@ -61,14 +57,15 @@ constinit const Reader kFirefoxCacheFormat = {
     .type = firefoxCache,
     .key = "firefox-cache",
     .kind = "Firefox Cache",
-    .option = &kCache,
+    .option = &kFirefoxCacheOption,
     .mask = "_cache_map_*",
     .recognises = isCache,
     .read = parseFirefoxCache,
     .fetch = fetchFirefoxCacheBody,
     .kinds = kCacheKinds,
     .page = "firefox-cache",
-    .cases = {"firefox-cache", "_CACHE_MAP_", "firefox-cache/four-places-of-bodies"},
+    .cases = {"firefox-cache;firefox-cache-further", "_CACHE_MAP_",
+              "firefox-cache/four-places-of-bodies"},
     .furtherTypes = kFurtherCaches,
 };
 
@@ -77,7 +74,7 @@ constinit const Reader kMorkHistoryFormat = {
     .key = "firefox-mork-history",
     .kind = "Firefox2 History",
     .version = "2.0",
-    .option = &kHistory,
+    .option = &kFirefoxHistoryOption,
     .mask = kHistoryMask,
     .recognises = isMorkHistory,
     .read = parseMorkFile,
@@ -91,13 +88,14 @@ constinit const Reader kFirefox3HistoryFormat = {
     .key = "firefox3-history",
     .kind = "Firefox3 History",
     .version = "3.0",
-    .option = &kHistory,
+    .option = &kFirefoxHistoryOption,
     .mask = kHistoryMask,
     .recognises = isPlaces,
     .read = parseFirefox3HistoryFile,
     .kinds = kPlacesKinds,
     .page = "firefox3-history",
-    .cases = {"firefox3-history", "places.sqlite", "firefox3-history/three-places"},
+    .cases = {"firefox3-history;firefox-places", "places.sqlite",
+              "firefox-places/every-further-row"},
 };
 
 constinit const Reader kFirefoxCookiesFormat = {
@@ -105,7 +103,7 @@ constinit const Reader kFirefoxCookiesFormat = {
     .key = "firefox-cookies",
     .kind = "Firefox Cookies",
     .version = "3.0",
-    .option = &kCookies,
+    .option = &kFirefoxCookiesOption,
     .mask = "cookies.sqlite",
     .recognises = isCookies,
     .read = parseFirefoxCookiesFile,

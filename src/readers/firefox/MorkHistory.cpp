@@ -154,13 +154,11 @@ void tellDamage(ReadContext &ctx, ReadResult &result) {
         {result.reason, std::string(kProcedure), Severity::Warning, std::string(kLikelyDamaged)});
 }
 
-/// `parse` fills the file's entries.
-template <class Parse>
-ReadResult readEntries(ReadContext &ctx, Parse &&parse) {
+ReadResult readEntries(ReadContext &ctx) {
     ReadResult result;
     MorkFileParser file;
     SubTask task(ctx.task, 0, kParseShare);
-    parse(file, task, result);
+    file.parseFile(ctx.evidence.open(ctx.file.fullPath), task, result);
     if (result.state != ReadState::cancelled && file.entries.count() > 0) {
         ctx.task.describe({"PARSING MOZILLA FIREFOX HISTORY FILE",
                            fmt::format("A total of {} URLs were found.", file.entries.count()),
@@ -173,19 +171,9 @@ ReadResult readEntries(ReadContext &ctx, Parse &&parse) {
 
 } // namespace
 
-ReadResult readMorkHistory(ReadContext &ctx, ByteView bytes) {
-    return readEntries(ctx, [bytes](MorkFileParser &file, TaskMonitor &task, ReadResult &result) {
-        file.parseBytes(bytes, task, result);
-    });
-}
-
 ReadResult parseMorkFile(ReadContext &ctx) {
-    return trapped(ctx.log, Severity::Warning, kProcedure, kLikelyDamaged, unreadable(ctx), [&ctx] {
-        return readEntries(ctx,
-                           [&ctx](MorkFileParser &file, TaskMonitor &task, ReadResult &result) {
-                               file.parseFile(ctx.evidence.open(ctx.file.fullPath), task, result);
-                           });
-    });
+    return trapped(ctx.log, Severity::Warning, kProcedure, kLikelyDamaged, unreadable(ctx),
+                   [&ctx] { return readEntries(ctx); });
 }
 
 } // namespace nv

@@ -1,15 +1,21 @@
-// An SQLite file; of it are read
+// An SQLite file; of it are read by the classic rules
 //   moz_places        = id url hidden visit_count
 //   moz_historyvisits = place_id visit_date     date in microseconds since 1970, UTC
-// Versions add columns and tables; the ones above have stayed.
+// Versions add columns and tables; the ones above have stayed. What else is read stands at the head
+// of PlacesPages.cpp, PlacesNotes.cpp, PlacesBookmarks.cpp and PlacesDownloads.cpp.
 
 #include "readers/firefox/Places.h"
 
 #include "base/Files.h"
+#include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/Kinds.h"
+#include "readers/firefox/PlacesBookmarks.h"
+#include "readers/firefox/PlacesDownloads.h"
+#include "readers/firefox/PlacesNotes.h"
+#include "readers/firefox/PlacesPages.h"
+#include "readers/firefox/PlacesVisits.h"
 #include "readers/sqlite/HistoryRow.h"
 #include "readers/sqlite/SqliteReading.h"
-#include "readers/sqlite/VisitTable.h"
 #include "time/SourceClocks.h"
 
 #include <array>
@@ -21,20 +27,52 @@ namespace {
 constexpr SqliteReader kReader = {"ParserClass.ParseFirefox3HistoryFile()",
                                   "PARSING FIREFOX3 HISTORY FILE", "Firefox", "firefox-32.png"};
 
-constexpr std::array<std::string_view, 4> kColumns = {"id", "url", "hidden", "visit_count"};
-enum Column : std::size_t { kId, kUrl, kHidden, kVisitCount };
+constexpr std::array<std::string_view, 14> kColumns = {"id",
+                                                       "url",
+                                                       "hidden",
+                                                       "visit_count",
+                                                       "title",
+                                                       "guid",
+                                                       "typed",
+                                                       "favicon_id",
+                                                       "last_visit_date",
+                                                       "description",
+                                                       "site_name",
+                                                       "visit_count_local",
+                                                       "visit_count_remote",
+                                                       "last_visit_date_local"};
+enum Column : std::size_t {
+    kId,
+    kUrl,
+    kHidden,
+    kVisitCount,
+    kTitle,
+    kGuid,
+    kTyped,
+    kIcon,
+    kLastVisit,
+    kDescription,
+    kSiteName,
+    kLocalCount, // Android's
+    kRemoteCount,
+    kLocalLastVisit
+};
 
-constexpr VisitTable::Columns kVisits = {"moz_historyvisits", "place_id", "visit_date"};
-
-/// The part of the task that the table of visits takes.
-constexpr double kVisitsShare = 0.3;
+/// Parts of the task: where one ends, the next begins.
+constexpr double kClassicVisits = 0.3;
+constexpr double kVisits = 0.1;
+constexpr double kTexts = 0.15;
+constexpr double kNotes = 0.2;
+constexpr double kPages = 0.6;
+constexpr double kVisitRows = 0.9;
 
 /// A stored 0 is a date that isn't there.
-Date visitDate(const VisitTable::Page *page) {
+Date classicDate(const PlacesPages::Page *page) {
     constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
-    if (!page || page->firstDate.value_or(0) == 0)
+    const auto stored = page && page->first ? PlaceVisit::known(page->first->date) : std::nullopt;
+    if (stored.value_or(0) == 0)
         return {};
-    return unixSecondsToDate(*page->firstDate / kMicrosecondsPerSecond);
+    return unixSecondsToDate(*stored / kMicrosecondsPerSecond);
 }
 
 /// Firefox counts no visit of these kinds: a page that was only downloaded, shown in a frame or
@@ -42,66 +80,222 @@ Date visitDate(const VisitTable::Page *page) {
 constexpr const char *kUncounted =
     "page with visits that Firefox doesn't count (a download, a frame, a reload), so \"(autogen)\"";
 
-UrlRecord placeRecord(const ReadContext &ctx, const Row &row, VisitTable &visits,
-                      Date fileCreated) {
+/// Counts what is stored.
+class CountedSink final : public RecordSink {
+  public:
+    explicit CountedSink(RecordSink &sink) : m_sink(sink) {}
+    void save(UrlRecord &record) override {
+        m_sink.save(record);
+        ++count;
+    }
+    std::uint64_t count = 0;
+
+  private:
+    RecordSink &m_sink;
+};
+
+void addTo(ReadResult &result, const ReadResult &further) {
+    for (const auto &[reason, count] : further.passedOver)
+        result.passedOver[reason] += count;
+    for (const auto &[reason, count] : further.noted)
+        result.noted[reason] += count;
+    result.notReached += further.notReached;
+    if (further.state == ReadState::cancelled)
+        result.state = ReadState::cancelled;
+    else if (further.state != ReadState::complete)
+        addDamage(result, further.reason);
+}
+
+/// One reading of the file.
+class PlacesReading {
+  public:
+    PlacesReading(ReadContext &ctx, EvidenceDatabase &database)
+        : m_ctx(ctx), m_database(database), m_places(database, "moz_places", kColumns),
+          m_fileCreated(ctx.evidence.factsOf(ctx.file.fullPath).created) {}
+
+    ReadResult classicRows();
+    ReadResult allRows();
+
+  private:
+    bool readVisits(double until);
+    bool readTexts();
+    ReadResult savePages(double from, double until,
+                         const std::function<UrlRecord(const Row &, PlacesPages::Page *)> &make);
+    UrlRecord classicRecord(const Row &row, const PlacesPages::Page *page,
+                            std::optional<std::int64_t> visitCount) const;
+    UrlRecord pageRecord(const Row &row, PlacesPages::Page *page, const PlacesDownloads &downloads);
+    UrlRecord androidRecord(const Row &row, const PlacesPages::Page *page) const;
+    bool saveFurther(const PlacesDownloads &downloads, ReadResult &further);
+    void tellLoss(ReadResult &result) const;
+
+    ReadContext &m_ctx;
+    EvidenceDatabase &m_database;
+    TableCursor m_places;
+    Date m_fileCreated;
+    PlacesPages m_pages;
+    PlacesNotes m_notes;
+};
+
+/// Dates that can't be looked up are no reason to lose the places. The one pass does the work of a
+/// look-up for each place, and its failures are logged under that name. False when cancelled.
+bool PlacesReading::readVisits(double until) {
+    SubTask task(m_ctx.task, 0, until);
+    const auto goOn = [&task](double fraction) { return task.advance(fraction); };
+    const bool isDone = m_pages.readVisits(m_database, goOn);
+    if (isDone && !m_pages.loss().empty())
+        m_ctx.log.write({textOf(m_ctx.file.fullPath) + ": " + m_pages.loss(), "ADO.GetDB3Field()",
+                         Severity::Warning, std::string(kContactSupport)});
+    return isDone;
+}
+
+bool PlacesReading::readTexts() {
+    SubTask task(m_ctx.task, kVisits, kTexts);
+    return m_pages.readTexts(m_database,
+                             [&task](double fraction) { return task.advance(fraction); });
+}
+
+ReadResult
+PlacesReading::savePages(double from, double until,
+                         const std::function<UrlRecord(const Row &, PlacesPages::Page *)> &make) {
+    SubTask task(m_ctx.task, from, until);
+    std::uint64_t uncounted = 0;
+    ReadResult result = eachRow(m_places, m_ctx, task, kReader.procedure, [&](const Row &row) {
+        PlacesPages::Page *page = m_pages.listed(row.number(kId).value_or(0));
+        UrlRecord record = make(row, page);
+        PlaceVisit *visit = page ? page->first : nullptr;
+        if (record.Visits == 0 && visit)
+            ++uncounted;
+        m_ctx.sink.save(record);
+        if (visit)
+            visit->isTold = true;
+    });
+    if (uncounted > 0)
+        result.noted[kUncounted] = uncounted;
+    return result;
+}
+
+void PlacesReading::tellLoss(ReadResult &result) const {
+    if (!m_pages.loss().empty() && result.state != ReadState::cancelled)
+        addDamage(result, m_pages.loss() + ", so places may lack their dates");
+}
+
+UrlRecord PlacesReading::classicRecord(const Row &row, const PlacesPages::Page *page,
+                                       std::optional<std::int64_t> visitCount) const {
     UrlRecord record = historyRecord(
-        ctx,
-        {row.number(kId).value_or(0), row.text(kUrl), row.truth(kHidden), row.number(kVisitCount)},
-        kFirefox3History.word, fileCreated);
-    record.ActionDateUTC = visitDate(visits.listed(record.Reference_ID));
+        m_ctx, {row.number(kId).value_or(0), row.text(kUrl), row.truth(kHidden), visitCount},
+        kFirefox3History.word, m_fileCreated);
+    record.ActionDateUTC = classicDate(page);
     if (record.Visits == 0)
         record.Action.clear();
     return record;
 }
 
-/// Dates that can't be looked up are no reason to lose the places. The one pass does the work of a
-/// look-up for each place, and its failures are logged under that name. False when cancelled.
-bool readVisits(ReadContext &ctx, EvidenceDatabase &database, VisitTable &visits) {
-    SubTask task(ctx.task, 0, kVisitsShare);
-    const auto goOn = [&task](double fraction) { return task.advance(fraction); };
-    const bool isDone = visits.read(database, kVisits, goOn);
-    if (isDone && !visits.loss().empty())
-        ctx.log.write({textOf(ctx.file.fullPath) + ": " + visits.loss(), "ADO.GetDB3Field()",
-                       Severity::Warning, std::string(kContactSupport)});
-    return isDone;
-}
-
-void countVisits(ReadResult &result, const VisitTable &visits) {
-    if (const auto further = visits.furtherVisits())
-        result.passedOver["later visits of a page, only the first is stored"] = further;
-    if (const auto unlisted = visits.visitsOfUnlistedPages())
-        result.passedOver["visits of pages that are no longer listed"] = unlisted;
-}
-
-ReadResult readPlaces(ReadContext &ctx, EvidenceDatabase &database) {
-    TableCursor cursor(database, "moz_places", kColumns);
-    VisitTable visits;
-    if (!readVisits(ctx, database, visits))
+ReadResult PlacesReading::classicRows() {
+    if (!readVisits(kClassicVisits))
         return {ReadState::cancelled, {}, 0, {}};
-    const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
-    SubTask task(ctx.task, kVisitsShare, 1);
-    std::uint64_t uncounted = 0;
-    ReadResult result = eachRow(cursor, ctx, task, kReader.procedure, [&](const Row &row) {
-        UrlRecord record = placeRecord(ctx, row, visits, fileCreated);
-        if (record.Visits == 0 && visits.listed(record.Reference_ID))
-            ++uncounted;
-        ctx.sink.save(record);
-    });
-    if (uncounted > 0)
-        result.noted[kUncounted] = uncounted;
+    ReadResult result =
+        savePages(kClassicVisits, 1, [this](const Row &row, const PlacesPages::Page *page) {
+            return classicRecord(row, page, row.number(kVisitCount));
+        });
     // With places lost it can't be told whose visits are whose.
-    if (result.state == ReadState::complete)
-        countVisits(result, visits);
-    if (!visits.loss().empty() && result.state != ReadState::cancelled)
-        addDamage(result, visits.loss() + ", so places may lack their dates");
+    if (result.state == ReadState::complete) {
+        if (const auto further = m_pages.furtherVisits())
+            result.passedOver["later visits of a page, only the first is stored"] = further;
+        if (const auto unlisted = m_pages.visitsOfUnlistedPages())
+            result.passedOver["visits of pages that are no longer listed"] = unlisted;
+    }
+    tellLoss(result);
     return result;
+}
+
+/// The classic rules know no files of Android, whose dates and counts they would read wrongly.
+UrlRecord PlacesReading::androidRecord(const Row &row, const PlacesPages::Page *page) const {
+    std::optional<std::int64_t> visits = row.number(kLocalCount);
+    if (const auto remote = row.number(kRemoteCount))
+        visits = static_cast<std::int64_t>(static_cast<std::uint64_t>(visits.value_or(0)) +
+                                           static_cast<std::uint64_t>(*remote));
+    UrlRecord record = classicRecord(row, page, visits);
+    record.ActionDateUTC = page && page->first
+                               ? mozDate(PlaceVisit::known(page->first->date), m_pages.unit())
+                               : Date();
+    return record;
+}
+
+UrlRecord PlacesReading::pageRecord(const Row &row, PlacesPages::Page *page,
+                                    const PlacesDownloads &downloads) {
+    UrlRecord record = m_pages.isAndroid() ? androidRecord(row, page)
+                                           : classicRecord(row, page, row.number(kVisitCount));
+    FactList &facts = record.facts;
+    facts.add("source_table", "moz_places");
+    facts.add("source_rowid", record.Reference_ID);
+    facts.add("title", row.text(kTitle));
+    if (page && page->first)
+        addVisit(facts, *page->first, m_pages, downloads);
+    if (page && page->first)
+        facts.add("from_url", std::string(m_pages.referrerOf(*page->first)));
+    if (row.truth(kTyped))
+        addMozNumber(facts, "typed_count", row.number(kTyped));
+    const std::size_t lastVisit = m_pages.isAndroid() ? kLocalLastVisit : kLastVisit;
+    addMozDate(facts, "last_visited", row.number(lastVisit), m_pages.unit());
+    facts.add("guid", row.text(kGuid));
+    facts.add("site_title", row.text(kSiteName));
+    facts.add("description", row.text(kDescription));
+    if (const auto icon = row.number(kIcon))
+        facts.add("icon_url", m_notes.iconOf(*icon));
+    m_notes.addTo(facts, record.Reference_ID);
+    return record;
+}
+
+bool PlacesReading::saveFurther(const PlacesDownloads &downloads, ReadResult &further) {
+    ReadingPart visits(m_ctx, kPages, kVisitRows);
+    ReadingPart rest(m_ctx, kVisitRows, 1);
+    return saveVisits(visits.context, m_pages, downloads, m_fileCreated, further) &&
+           saveBookmarks(rest.context, m_database, m_pages, m_notes, m_fileCreated, further) &&
+           downloads.save(rest.context, m_fileCreated, further);
+}
+
+ReadResult PlacesReading::allRows() {
+    const ReadResult cancelled{ReadState::cancelled, {}, 0, {}};
+    ReadResult further;
+    ReadingPart notes(m_ctx, kTexts, kNotes);
+    if (!readVisits(kVisits) || !readTexts() || !m_notes.read(m_database, notes.context, further))
+        return cancelled;
+    const PlacesDownloads downloads(m_notes, m_pages);
+    ReadResult result = savePages(kNotes, kPages, [&](const Row &row, PlacesPages::Page *page) {
+        return pageRecord(row, page, downloads);
+    });
+    if (result.state == ReadState::cancelled || !saveFurther(downloads, further)) {
+        addTo(result, further);
+        return result;
+    }
+    if (result.state == ReadState::complete)
+        m_notes.countUntold(further);
+    addTo(result, further);
+    tellLoss(result);
+    return result;
+}
+
+ReadResult readAll(ReadContext &ctx) {
+    CountedSink sink(ctx.sink);
+    ReadContext counted{ctx.file, ctx.evidence, ctx.content, ctx.clock,   ctx.scratch,
+                        sink,     ctx.log,      ctx.task,    ctx.deleted, ctx.classicOnly};
+    return readSqliteFile(counted, kReader, [&](EvidenceDatabase &database) {
+        noteUserVersion(counted, database, "places");
+        ReadResult result = PlacesReading(counted, database).allRows();
+        if (result.state == ReadState::failed && sink.count > 0) // pages, but not all is lost
+            result.state = ReadState::cutShort;
+        return result;
+    });
 }
 
 } // namespace
 
 ReadResult parseFirefox3HistoryFile(ReadContext &ctx) {
-    return readSqliteFile(ctx, kReader,
-                          [&ctx](EvidenceDatabase &database) { return readPlaces(ctx, database); });
+    if (!ctx.classicOnly)
+        return readAll(ctx);
+    return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
+        return PlacesReading(ctx, database).classicRows();
+    });
 }
 
 } // namespace nv

@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "readers/Dissection.h"
 #include "readers/Limits.h"
+#include "readers/ie/IndexFacts.h"
 #include "readers/ie/Kinds.h"
 #include "time/SourceClocks.h"
 
@@ -25,7 +26,6 @@ namespace fs = std::filesystem;
 constexpr std::uint64_t kBlocks = 4;
 constexpr std::uint64_t kModified = 8;
 constexpr std::uint64_t kLastUsed = 0x10;
-constexpr std::uint64_t kExpires = 0x18;
 constexpr std::uint64_t kFileSize = 0x20;
 constexpr std::uint64_t kFileName = 0x3C;
 constexpr std::uint64_t kHits = 0x54;
@@ -35,17 +35,6 @@ std::string textAt(ByteView record, std::uint64_t at) {
     return fromAnsi(record.untilZero(at));
 }
 
-/// Version 5 of the browser keeps a DOS date in the lower half of the field and zeros in the upper
-/// one; earlier versions a FILETIME. Eight bytes that hold a DOS date are, as a FILETIME, a moment
-/// of 1601, at which no cookie ends; a FILETIME of any year since 1970 has an upper half that no
-/// DOS date has beside it.
-Date expiryDate(ByteView record) {
-    constexpr std::uint64_t kYear1970 = 116444736000000000; // in 100 ns since 1601
-    const std::uint64_t ticks = record.u64le(kExpires);
-    return ticks < kYear1970 ? dosDateToUtc(record.u16le(kExpires), record.u16le(kExpires + 2))
-                             : fileTimeToUtc(ticks);
-}
-
 /// All in UTC, as every record has them: what a row says must not hang on the examiner's machine.
 void setDates(UrlRecord &result, ByteView record, const Clock &clock) {
     result.OtherDate = fileTimeToUtc(record.u64le(kModified));
@@ -53,7 +42,7 @@ void setDates(UrlRecord &result, ByteView record, const Clock &clock) {
     result.CacheFileLastAccessed = fileTimeToUtc(record.u64le(kLastUsed));
     result.ActionDateUTC = result.CacheFileLastAccessed;
     result.ActionDateLocal = utcDateToLocal(result.ActionDateUTC, clock);
-    result.ExpiryDate = expiryDate(record);
+    result.ExpiryDate = expiryOf(record);
 }
 
 void setCookieUrl(UrlRecord &result, ByteView record) {
@@ -115,7 +104,7 @@ std::optional<fs::path> locateCookieFile(UrlRecord &record, const HistoryFile &f
 
 CookieText readCookieText(const EvidenceFile &file) {
     const Bytes bytes = file.read(0, limits::kCookieText);
-    CookieText result{fromAnsi(ByteView(bytes)), file.size() <= bytes.size()};
+    CookieText result{fromAnsi(ByteView(bytes)), bytes, file.size() <= bytes.size()};
     std::erase_if(result.text, [](char c) { return c == '\r' || c == '\n'; });
     return result;
 }

@@ -28,6 +28,7 @@ std::optional<std::filesystem::path> locateCookieFile(UrlRecord &record, const H
 /// A cookie's text as it is kept: without line ends, and no more of it than limits::kCookieText.
 struct CookieText {
     std::string text;
+    Bytes raw; ///< with line ends, in the file's own letters
     bool whole = true;
 };
 

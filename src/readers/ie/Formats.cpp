@@ -27,8 +27,9 @@ constexpr std::string_view kMask = "index*.dat";
 
 // An index may turn out to be of another kind than it looked, and redirections in a history are
 // records of the cache.
-constexpr const RecordKind *kIndexKinds[] = {&kIEHistory, &kIEDaily, &kIEWeekly, &kIECache};
-constexpr const RecordKind *kCookieKinds[] = {&kIECookies};
+constexpr const RecordKind *kIndexKinds[] = {&kIEHistory, &kIEDaily, &kIEWeekly, &kIECache,
+                                             &kIERemnant};
+constexpr const RecordKind *kCookieKinds[] = {&kIECookies, &kIERemnant};
 
 /// A daily and a weekly index, and one that was named on the command line.
 constexpr HistoryFileType kFurtherHistories[] = {ieDaily, ieWeekly, ieIndexByCommandLine};
@@ -86,7 +87,7 @@ constinit const Reader kIECookiesFormat = {
     .read = parseIECookies,
     .kinds = kCookieKinds,
     .page = "ie-cookies",
-    .cases = {"ie-cookies", "index.dat", "ie-cookies/texts-beside-the-index"},
+    .cases = {"ie-cookies;ie-cookies-further", "index.dat", "ie-cookies/texts-beside-the-index"},
 };
 
 constinit const Reader kIEHistoryFormat = {
@@ -99,7 +100,7 @@ constinit const Reader kIEHistoryFormat = {
     .read = parseIECacheFile,
     .kinds = kIndexKinds,
     .page = "ie-index",
-    .cases = {"ie-index", "index.dat", "ie-index/main-history"},
+    .cases = {"ie-index;ie-index-further", "index.dat", "ie-index/main-history"},
     .furtherTypes = kFurtherHistories,
     .warningOn = warningOnHistory,
 };
@@ -114,7 +115,7 @@ constinit const Reader kIECacheFormat = {
     .read = parseIECacheFile,
     .kinds = kIndexKinds,
     .page = "ie-index",
-    .cases = {"ie-index", "index.dat", "ie-index/cache-with-files"},
+    .cases = {"ie-index;ie-index-further", "index.dat", "ie-index/cache-with-files"},
 };
 
 } // namespace nv

@@ -6,7 +6,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <vector>
 
@@ -16,38 +15,14 @@ namespace {
 
 /// Below it there is no index: the format's header alone fills this much.
 constexpr std::size_t kShortestIndex = 4096;
-constexpr std::uint64_t kBlock = 0x80;
+constexpr std::uint64_t kBlock = kIndexBlock;
 constexpr std::uint64_t kSignature = 4;
 
-/// The blocks at which records begin, true for those that a hash entry leads to.
-class ReferencedBlocks {
-  public:
-    explicit ReferencedBlocks(ByteView file)
-        : m_file(file), m_referenced(file.size() / kBlock + 1) {}
-
-    void mark(const HashChain &chain) {
-        for (const HashTable &table : chain.tables)
-            mark(table);
-        for (const HashTable &table : chain.behindCap)
-            mark(table);
-    }
-    bool has(std::uint64_t offset) const { return m_referenced[offset / kBlock]; }
-
-  private:
-    void mark(const HashTable &table) {
-        for (std::int64_t i = 0; i < table.recordCount; ++i) {
-            if (!m_file.has(placeOfEntry(table, i), 8))
-                return;
-            const HashEntry entry = hashEntry(m_file, table, i);
-            if (entry.isUsed() && entry.recordOffset < m_file.size() &&
-                entry.recordOffset % kBlock == 0)
-                m_referenced[entry.recordOffset / kBlock] = true;
-        }
-    }
-
-    ByteView m_file;
-    std::vector<bool> m_referenced;
-};
+constexpr std::string_view kBehindDamage =
+    "hash entry after one that leads out of the file, where the classic rules end";
+constexpr std::string_view kBehindCap =
+    "hash table behind the last one that the classic rules read";
+constexpr std::string_view kMissedTable = "hash table that the classic rules look for elsewhere";
 
 } // namespace
 
@@ -73,34 +48,85 @@ bool HashWalk::open(ReadResult &result) {
     const std::int32_t first = firstHashTable(m_file);
     if (first == 0) {
         ++result.passedOver["file without a hash table"];
-        return false;
+        if (!m_ctx.classicOnly)
+            m_missed = missedHashChain(m_file);
+        return !m_ctx.classicOnly; // its records are remnants then
     }
     m_chain = readHashChain(m_file, first);
     for (const std::string &damage : m_chain.damage)
         noteDamage(damage, result);
     if (!m_chain.damage.empty())
         m_missed = missedHashChain(m_file);
-    result.notReached += usedEntries(m_file, m_missed);
+    if (m_ctx.classicOnly)
+        result.notReached += usedEntries(m_file, m_missed);
     for (const HashTable &table : m_chain.tables)
         m_entries += table.recordCount;
     return true;
 }
 
 void HashWalk::run(const TakeRecord &take, ReadResult &result) {
+    m_met.assign(m_file.size() / kBlock + 1, false);
     walkEntries(take, result);
+    if (!m_ctx.classicOnly && result.state != ReadState::cancelled)
+        walkRest(take, result);
     if (m_trap.failed() > 0)
         result.passedOver["damaged record"] += m_trap.failed();
-    if (result.state == ReadState::cancelled)
+    if (result.state == ReadState::cancelled || !m_ctx.classicOnly)
         return;
     countBehindCap(result);
     countUnreferenced(result);
+}
+
+void HashWalk::walkRest(const TakeRecord &take, ReadResult &result) {
+    for (const HashTable &table : m_chain.behindCap)
+        m_rest.push_back({&table, 0, kBehindCap});
+    for (const auto *tables : {&m_missed.tables, &m_missed.behindCap})
+        for (const HashTable &table : *tables)
+            m_rest.push_back({&table, 0, kMissedTable});
+    for (const Rest &rest : m_rest)
+        if (!walkRest(rest, take, result)) {
+            result.state = ReadState::cancelled;
+            return;
+        }
+}
+
+/// A record has its row already when another entry leads to it: tables that lie over each other
+/// would give it any number of times. False when cancelled.
+bool HashWalk::walkRest(const Rest &rest, const TakeRecord &take, ReadResult &result) {
+    for (std::int64_t i = rest.entry; i < rest.table->recordCount; ++i) {
+        if (!m_file.has(placeOfEntry(*rest.table, i), 8))
+            break;
+        const HashEntry entry = hashEntry(m_file, *rest.table, i);
+        if (!entry.isUsed())
+            continue;
+        if (!m_ctx.task.advance(kShare))
+            return false;
+        const std::uint64_t offset = entry.recordOffset;
+        if (!m_file.has(offset, kSignature))
+            ++result.notReached;
+        else if (offset % kBlock != 0)
+            ++result.passedOver["hash entry that leads amid a block"];
+        else if (!m_met[offset / kBlock])
+            attempt({offset, entry.status, rest.rule}, take, result);
+    }
+    return true;
+}
+
+void HashWalk::attempt(const ListedRecord &record, const TakeRecord &take, ReadResult &result) {
+    if (record.offset % kBlock == 0)
+        m_met[record.offset / kBlock] = true;
+    m_trap.attempt(record.offset, [&] {
+        if (const std::string_view reason = take(record); !reason.empty())
+            ++result.passedOver[std::string(reason)];
+    });
 }
 
 void HashWalk::walkEntries(const TakeRecord &take, ReadResult &result) {
     for (Place place; place.table < m_chain.tables.size(); ++place.table)
         for (place.entry = 0; place.entry < m_chain.tables[place.table].recordCount;
              ++place.entry) {
-            if (!m_ctx.task.advance(static_cast<double>(m_done++) /
+            const double share = m_ctx.classicOnly ? 1 : kShare;
+            if (!m_ctx.task.advance(share * static_cast<double>(m_done++) /
                                     static_cast<double>(m_entries))) {
                 result.state = ReadState::cancelled;
                 return;
@@ -126,10 +152,7 @@ HashWalk::Step HashWalk::walkEntry(Place place, const TakeRecord &take, ReadResu
                      fmt::format("the hash entry at {} expects a record at {}", at,
                                  static_cast<std::int32_t>(entry.recordOffset)),
                      result);
-    m_trap.attempt(offset, [&] {
-        if (const std::string_view reason = take(offset); !reason.empty())
-            ++result.passedOver[std::string(reason)];
-    });
+    attempt({offset, entry.status}, take, result);
     return Step::goOn;
 }
 
@@ -153,15 +176,29 @@ void HashWalk::noteDamage(const std::string &damage, ReadResult &result) {
         result.reason = text;
 }
 
-/// No record is sought after an entry that leads out of the file: the rest of the hash is as
-/// little to be trusted. What was saved stays; this entry and those that remain are counted.
+/// By the classic rules no record is sought after an entry that leads out of the file: the rest of
+/// the hash is as little to be trusted. What was saved stays; this entry and those that remain are
+/// counted.
 HashWalk::Step HashWalk::endAt(Place place, const std::string &damage, ReadResult &result) {
     noteDamage(fmt::format("{}, outside of the {} bytes", damage, m_file.size()), result);
+    if (!m_ctx.classicOnly) {
+        const bool isThere = m_file.has(placeOfEntry(m_chain.tables[place.table], place.entry), 8);
+        result.notReached += isThere ? 1 : 0;
+        restOfTables(place);
+        return Step::leave;
+    }
     const std::vector<HashTable> &tables = m_chain.tables;
     result.notReached += usedEntries(m_file, tables[place.table], place.entry);
     for (std::size_t table = place.table + 1; table < tables.size(); ++table)
         result.notReached += usedEntries(m_file, tables[table]);
     return Step::leave;
+}
+
+void HashWalk::restOfTables(Place place) {
+    const std::vector<HashTable> &tables = m_chain.tables;
+    m_rest.push_back({&tables[place.table], place.entry + 1, kBehindDamage});
+    for (std::size_t table = place.table + 1; table < tables.size(); ++table)
+        m_rest.push_back({&tables[table], 0, kBehindDamage});
 }
 
 void HashWalk::countBehindCap(ReadResult &result) const {
@@ -177,14 +214,10 @@ void HashWalk::countBehindCap(ReadResult &result) const {
 /// Records stand at the start of blocks. Those that no entry leads to were deleted, or could not
 /// be deleted at once; examiners want to know that they are there.
 void HashWalk::countUnreferenced(ReadResult &result) const {
-    ReferencedBlocks referenced(m_file);
-    referenced.mark(m_chain);
-    referenced.mark(m_missed);
-    constexpr std::array<std::string_view, 3> kSignatures = {"URL ", "LEAK", "REDR"};
+    const IndexBlocks all = blocks();
     for (std::uint64_t at = 0; m_file.has(at, kSignature); at += kBlock) {
-        const std::string_view signature = m_file.sub(at, kSignature).raw();
-        const auto *known = std::find(kSignatures.begin(), kSignatures.end(), signature);
-        if (known != kSignatures.end() && !referenced.has(at))
+        const std::string_view signature = looseSignatureAt(m_file, at);
+        if (!signature.empty() && !all.isListed(at))
             ++result.passedOver[fmt::format("{} record outside of the hash tables",
                                             signature.substr(0, signature.find(' ')))];
     }

@@ -52,6 +52,14 @@ inline constexpr RecordKind kIECookies = {
     .reportedAsInternetExplorer = true,
 };
 
+/// A record in an index that no entry of its hash leads to. Filters know it as no history and no
+/// cache, so that none passes for what the browser still listed.
+inline constexpr RecordKind kIERemnant = {
+    .key = "ie-remnant",
+    .word = "IE Remnant",
+    .family = &families::internetExplorer,
+};
+
 /// Records of an index that a results file holds.
 inline constexpr RecordKind kImportedBinary = {
     .key = "imported-binary",

@@ -230,9 +230,4 @@ Date convertSecondsToDate(std::int64_t value) {
     return Date::fromUnixSeconds(value);
 }
 
-std::int64_t getUnixTimeNow(const Clock &clock) {
-    const auto since1970 = clock.now().time_since_epoch();
-    return std::chrono::duration_cast<std::chrono::seconds>(since1970).count();
-}
-
 } // namespace nv

@@ -54,7 +54,5 @@ std::int64_t sLong2ULong(std::int64_t value);
 Date timeStampToDate(std::int64_t value);
 /// Seconds since 1970.
 Date convertSecondsToDate(std::int64_t value);
-/// Seconds since 1970 at this moment.
-std::int64_t getUnixTimeNow(const Clock &clock);
 
 } // namespace nv

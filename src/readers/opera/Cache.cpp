@@ -244,12 +244,6 @@ void tellSize(ReadContext &ctx, std::uint64_t size, std::uint64_t read, ReadResu
 
 } // namespace
 
-ReadResult readOperaCache(ReadContext &ctx, ByteView bytes) {
-    ReadResult result = CacheReading(ctx, bytes).run();
-    tellSize(ctx, bytes.size(), bytes.size(), result);
-    return result;
-}
-
 ReadResult parseOperaCache(ReadContext &ctx) {
     const std::string path = textOf(ctx.file.fullPath);
     ctx.task.describe({"PARSING OPERA CACHE FILE", "Opera", path, "opera-32.gif"});

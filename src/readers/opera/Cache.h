@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/ByteView.h"
 #include "readers/Reader.h"
 
 namespace nv {
@@ -8,8 +7,5 @@ namespace nv {
 /// The index of Opera's cache, "dcache4.url": a record for each URL, with the cached file beside
 /// it. Failures are trapped: they stand in the log and in the result.
 ReadResult parseOperaCache(ReadContext &ctx);
-
-/// The same for bytes in memory; the file in `ctx` only names them.
-ReadResult readOperaCache(ReadContext &ctx, ByteView bytes);
 
 } // namespace nv

@@ -215,13 +215,6 @@ void tellDamage(ReadContext &ctx, ReadResult &result) {
 
 } // namespace
 
-ReadResult readOperaHistory(ReadContext &ctx, ByteView bytes) {
-    ReadResult result;
-    readForm(ctx, bytes, result);
-    tellDamage(ctx, result);
-    return result;
-}
-
 ReadResult parseOperaHistoryFile(ReadContext &ctx) {
     const std::string path = textOf(ctx.file.fullPath);
     ctx.task.describe({"PARSING OPERA HISTORY FILE", "Opera", path, "opera-32.gif"});

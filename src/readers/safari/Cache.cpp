@@ -36,7 +36,6 @@ namespace {
 
 constexpr SqliteReader kReader = {"ParserClass.ParseSafariCacheFile()", "PARSING SAFARI CACHE",
                                   "Safari", "safari-32.png"};
-constexpr std::string_view kExtract = "ParserClass.ExtractSafariCacheFile()";
 constexpr std::string_view kLookUp = "ADO.GetDB3Field()";
 constexpr std::string_view kBodyName = "~safari_body";
 
@@ -230,20 +229,6 @@ bool fetchSafariBody(const UrlRecord &record, const Evidence &evidence, BodyTarg
         return false;
     body.writeTo(target);
     return true;
-}
-
-bool extractSafariCacheFile(UrlRecord &record, std::string_view fileNameSuffix,
-                            const Extraction &ctx) {
-    if (record.URLID <= UrlId::none)
-        return false;
-    const std::string suffix(fileNameSuffix.empty() ? record.URLFileExt : fileNameSuffix);
-    if (!extractBody(record, fetchSafariBody, suffix, ctx, kExtract))
-        return false;
-    return succeeds(ctx.log, Severity::Warning, kExtract, kContactSupport, [&record] {
-        const Bytes head = ScratchFile(record.RunTimeTempFilePath).read(0, limits::kHeadBytes);
-        if (const std::string extension = getExtBySignature(ByteView(head)); !extension.empty())
-            record.CacheFileExt = extension;
-    });
 }
 
 } // namespace nv

@@ -2,11 +2,11 @@
 
 #include "base/Text.h"
 #include "readers/Candidate.h"
-#include "readers/SourceOption.h"
 #include "readers/safari/Cache.h"
 #include "readers/safari/Cookies.h"
 #include "readers/safari/History.h"
 #include "readers/safari/Kinds.h"
+#include "readers/safari/Options.h"
 #include "readers/sqlite/SchemaHead.h"
 
 namespace nv {
@@ -14,12 +14,6 @@ namespace nv {
 namespace {
 
 using enum HistoryFileType;
-
-constexpr SourceOption kCache = {"chkCacheSafari", RecordGroup::cache, &families::safari, "", 4};
-constexpr SourceOption kHistory = {"chkHistorySafari", RecordGroup::history, &families::safari, "",
-                                   7};
-constexpr SourceOption kCookies = {"chkCookiesSafari", RecordGroup::cookies, &families::safari, "",
-                                   13};
 
 constexpr const RecordKind *kCacheKinds[] = {&kSafariCache};
 constexpr const RecordKind *kHistoryKinds[] = {&kSafariHistory};
@@ -54,7 +48,7 @@ constinit const Reader kSafariCacheFormat = {
     .key = "safari-cache",
     .kind = "Safari Cache",
     .version = "3.0",
-    .option = &kCache,
+    .option = &kSafariCacheOption,
     .mask = "cache*.db",
     .recognises = isCache,
     .read = parseSafariCacheFile,
@@ -70,7 +64,7 @@ constinit const Reader kSafariHistoryFormat = {
     .key = "safari-history",
     .kind = "Safari History",
     .version = "3.0",
-    .option = &kHistory,
+    .option = &kSafariHistoryOption,
     .mask = "history*.plist",
     .recognises = isHistory,
     .read = parseSafariHistoryFile,
@@ -84,7 +78,7 @@ constinit const Reader kSafariCookiesFormat = {
     .key = "safari-cookies",
     .kind = "Safari Cookies",
     .version = "3.0",
-    .option = &kCookies,
+    .option = &kSafariCookiesOption,
     .mask = "cookies.plist",
     .recognises = isCookies,
     .read = parseSafariCookiesFile,

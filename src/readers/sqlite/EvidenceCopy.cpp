@@ -70,8 +70,8 @@ EvidenceCopy::EvidenceCopy(fs::path copy) : m_copy(std::move(copy)) {
 
 // With the other constructor done, the destructor runs when copying fails half way.
 EvidenceCopy::EvidenceCopy(const Evidence &evidence, const fs::path &database,
-                           const fs::path &scratch)
-    : EvidenceCopy(scratch / "~evidence.sqlite") {
+                           const fs::path &scratch, std::string_view name)
+    : EvidenceCopy(scratch / name) {
     copyAll(evidence, database);
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string_view>
 
 namespace nv {
 
@@ -11,10 +12,10 @@ namespace nv {
 /// object. SQLite writes beside what it opens, so evidence itself is never opened.
 class EvidenceCopy {
   public:
-    /// Throws EvidenceFailure when the file can't be read, StorageFailure when the copy can't be
-    /// written.
+    /// `name` is what the copy is called: two that are open at a time need two. Throws
+    /// EvidenceFailure when the file can't be read, StorageFailure when the copy can't be written.
     EvidenceCopy(const Evidence &evidence, const std::filesystem::path &database,
-                 const std::filesystem::path &scratch);
+                 const std::filesystem::path &scratch, std::string_view name = "~evidence.sqlite");
     ~EvidenceCopy();
     EvidenceCopy(const EvidenceCopy &) = delete;
     EvidenceCopy &operator=(const EvidenceCopy &) = delete;

@@ -123,6 +123,11 @@ std::set<std::string> EvidenceDatabase::columnsOf(std::string_view table) {
     return columns;
 }
 
+std::uint64_t EvidenceDatabase::mostRows() const {
+    constexpr std::uint64_t kSmallestRow = 6; // length, head, kind, and its place in the page
+    return m_size / kSmallestRow;
+}
+
 void EvidenceDatabase::expectOneRow() {
     *m_stepsLeft = kStepsPerRow;
 }

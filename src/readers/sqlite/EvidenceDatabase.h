@@ -35,6 +35,9 @@ class EvidenceDatabase {
     /// Lower-case names of the columns that are stored in the table.
     std::set<std::string> columnsOf(std::string_view table);
 
+    /// No table has more rows than this: where one seems to, its pages point at each other.
+    std::uint64_t mostRows() const;
+
     /// A statement of this program's own. Nothing from evidence ever becomes SQL. Throws
     /// SQLite::Exception.
     SQLite::Statement prepare(const std::string &sql) { return {m_connection, sql}; }

@@ -78,7 +78,7 @@ QCheckBox *ImportChoicePage::newBox(const QString &text, std::string_view name, 
 QWidget *ImportChoicePage::newKinds(const ImportSettings &job) {
     auto *group = new QGroupBox(tr("What to look for"));
     auto *grid = new QGridLayout(group);
-    grid->setHorizontalSpacing(24);
+    grid->setHorizontalSpacing(8); // with it the page fits a small screen
     const ChoiceTable table = choiceTable();
     const auto add = [&](const SourceOption &option, std::string_view text, int row, int column) {
         m_kinds.push_back({newBox(toQt(text), option.name, wants(job, option)), &option});
@@ -116,10 +116,14 @@ QWidget *ImportChoicePage::newKinds(const ImportSettings &job) {
 
 QWidget *ImportChoicePage::newOptions(const ImportSettings &job) {
     auto *group = new QGroupBox(tr("How"));
-    auto *column = new QVBoxLayout(group);
     m_recurse = newBox(tr("Look into s&ubfolders"), "RecurseSubfolders", job.recurseSubfolders);
     m_verify = newBox(tr("&Verify file contents, not names alone"), "chkVerifyFileContents",
                       job.verifyFileSignatures);
+    m_classic = newBox(tr("Only the files and rows of the &classic rules"), "chkClassicOnly",
+                       job.classicOnly);
+    m_classic->setToolTip(
+        tr("What the first version took, to compare with earlier cases. Each further visit, "
+           "download and search, and whatever today's browsers keep, is left out."));
     m_metadata = newBox(tr("Read titles, texts and links of cached pages (advanced &metadata)"),
                         "chkParseAdvancedMetadata", job.parseAdvancedMetadata);
     m_thumbnails = newBox(tr("Make &thumbnails of pictures and pages while importing"),
@@ -127,8 +131,15 @@ QWidget *ImportChoicePage::newOptions(const ImportSettings &job) {
     m_thumbnails->setToolTip(
         tr("Makes the import slower: some seven pages and some hundred pictures are drawn in a "
            "second. The gallery can make them later."));
-    for (QCheckBox *box : {m_recurse, m_verify, m_metadata, m_thumbnails})
-        column->addWidget(box);
+    // In two columns: the page has to fit a small screen.
+    auto *columns = new QGridLayout(group);
+    columns->setColumnStretch(1, 1);
+    int row = 0;
+    for (QCheckBox *box : {m_recurse, m_verify, m_classic})
+        columns->addWidget(box, row++, 0);
+    row = 0;
+    for (QCheckBox *box : {m_metadata, m_thumbnails})
+        columns->addWidget(box, row++, 1);
     return group;
 }
 
@@ -143,6 +154,7 @@ void ImportChoicePage::applyTo(ImportSettings &job) const {
     job.verifyFileSignatures = m_verify->isChecked();
     job.parseAdvancedMetadata = m_metadata->isChecked();
     job.makeThumbnails = m_thumbnails->isChecked();
+    job.classicOnly = m_classic->isChecked();
     for (const Kind &kind : m_kinds)
         setWanted(job, *kind.option, kind.box->isChecked());
 }

@@ -54,6 +54,7 @@ class ImportChoicePage final : public QWidget {
     QCheckBox *m_verify = nullptr;
     QCheckBox *m_metadata = nullptr;
     QCheckBox *m_thumbnails = nullptr;
+    QCheckBox *m_classic = nullptr;
     std::vector<Kind> m_kinds;
 };
 

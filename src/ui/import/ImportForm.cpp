@@ -3,10 +3,13 @@
 #include "app/jobs/ImportClaim.h"
 #include "app/jobs/ImportJob.h"
 #include "app/jobs/ImportText.h"
+#include "app/jobs/ThumbnailJob.h"
+#include "app/jobs/ZoneJob.h"
 #include "app/messages/Messages.h"
 #include "app/messages/NetworkMessages.h"
 #include "app/options/SettingsInForce.h"
 #include "app/program/NetworkSwitch.h"
+#include "app/program/Zones.h"
 #include "app/project/EvidenceFolders.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
@@ -14,6 +17,7 @@
 #include "platform/qt/QtText.h"
 #include "readers/Evidence.h"
 #include "ui/import/FoundFilesModel.h"
+#include "ui/views/ZoneForm.h"
 #include "views/CellText.h"
 
 #include <QLabel>
@@ -95,9 +99,9 @@ bool ImportForm::startingDirectoryIsUsable() {
         m_program.around.examiner.tell(messages::startingDirectoryMissing());
     else if (!fs::exists(start))
         m_program.around.examiner.tell(messages::startingDirectoryGone());
-    else if (liesInEvidence(m_program.thisClass.projectDBPath, start))
+    else if (liesInEvidence(m_program.state.projectDBPath, start))
         m_program.around.examiner.tell(
-            messages::liesInEvidence(m_program.thisClass.projectDBPath, start));
+            messages::liesInEvidence(m_program.state.projectDBPath, start));
     else
         return true;
     return false;
@@ -108,9 +112,11 @@ void ImportForm::startScan() {
     m_choice->applyTo(job);
     keepFlag(m_program, "ParseAdvancedMetaData", job.parseAdvancedMetadata);
     keepFlag(m_program, "ThumbnailsWhileImporting", job.makeThumbnails);
+    keepFlag(m_program, "ClassicOnly", job.classicOnly);
     if (!startingDirectoryIsUsable())
         return;
     requireZones(m_program);
+    requireSchema(m_program);
     job.historyFiles.clear();
     m_files->setFiles(job.historyFiles);
     m_gaps->clear();
@@ -138,11 +144,50 @@ ScanResult ImportForm::runScan() {
     return result;
 }
 
+/// What the evidence says is taken before the first import; later the project has its zone, and is
+/// only told.
+void ImportForm::suggestZone() {
+    if (m_zoneKey.empty())
+        m_zoneKey = keyInList(m_program);
+    QStringList told;
+    bool isTaken = lastRow(m_program) > 0;
+    const ImportSettings &job = m_program.import;
+    for (const ZoneHint &hint :
+         knownZoneHints(m_program, job.startingDirectory, job.historyFiles)) {
+        told += tr("The evidence names the zone %1 (%2).")
+                    .arg(toQt(hint.zone), toQt(displayText(textOf(hint.file))));
+        if (!isTaken)
+            m_zoneKey = hint.zone;
+        isTaken = true;
+    }
+    m_zoneHint->setText(told.join(u'\n'));
+    m_zoneHint->setVisible(!told.isEmpty());
+    showZone();
+}
+
+void ImportForm::chooseZone() {
+    ZoneForm dialog(m_program, m_zoneKey, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    m_zoneKey = dialog.key();
+    showZone();
+}
+
+void ImportForm::showZone() {
+    m_zone->setText(tr("Times are shown in: %1").arg(zoneName(m_program, m_zoneKey)));
+}
+
+/// False when the examiner is to choose again.
+bool ImportForm::takeZone() {
+    return m_zoneKey == keyInList(m_program) || changeZone(m_program, m_zoneKey, m_program.task);
+}
+
 void ImportForm::showScan(const ScanResult &result) {
     ImportSettings &job = m_program.import;
     job.historyFiles = result.historyFiles;
     job.gaps = result.gaps;
     m_files->setFiles(job.historyFiles);
+    suggestZone();
     m_scanFolder->clear();
     m_scanStep->setText(tr("Files found: %L1").arg(m_files->rowCount()));
     const QString gaps = gapsText(result);
@@ -177,13 +222,13 @@ void ImportForm::chooseBase() {
     const fs::path base = !named.empty()            ? fs::canonical(named)
                           : fs::is_directory(start) ? start
                                                     : start.parent_path();
-    if (base != m_program.thisClass.rootPath)
+    if (base != m_program.state.rootPath)
         setRootPath(m_program, base);
     keepEvidenceFolder(m_program, start);
 }
 
 void ImportForm::importFiles() {
-    if (!goesOnDespiteNetwork())
+    if (!goesOnDespiteNetwork() || !takeZone())
         return;
     m_files->prune(m_program.import.historyFiles);
     m_program.import.cancelImport = false;
@@ -195,10 +240,10 @@ void ImportForm::runImport() {
     setEnabled(false);
     ImportSummary summary;
     const auto failure = failureOf(m_program.log, "ImportForm.ImportFiles()", [&] {
-        const ImportClaim claim(m_program.thisClass.projectDBPath);
+        const ImportClaim claim(m_program.state.projectDBPath);
         chooseBase();
-        const OpenTask task(m_program.thread, {});
-        summary = runImportJob(m_program, m_program.thread, m_program.thisClass.tempFolderPath);
+        const OpenTask task(m_program.task, {});
+        summary = runImportJob(m_program, m_program.task, m_program.state.tempFolderPath);
     });
     m_imported = true;
     m_running = false;

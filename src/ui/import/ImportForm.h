@@ -40,6 +40,7 @@ class ImportForm final : public QDialog {
     enum Step { Choose, Files, Finish };
 
     QWidget *newFilesPage();
+    QWidget *newZoneRow();
     QWidget *newFinishPage();
     QWidget *newButtons();
     void showStep(Step step);
@@ -53,6 +54,10 @@ class ImportForm final : public QDialog {
     bool goesOnDespiteNetwork();
     void chooseBase();
     void importFiles();
+    void suggestZone();
+    void chooseZone();
+    void showZone();
+    bool takeZone();
 
     Program &m_program;
     ImportChoicePage *m_choice = nullptr;
@@ -63,11 +68,14 @@ class ImportForm final : public QDialog {
     QLabel *m_scanStep = nullptr;
     QLabel *m_scanFolder = nullptr;
     QLabel *m_gaps = nullptr;
+    QLabel *m_zone = nullptr;
+    QLabel *m_zoneHint = nullptr;
     QProgressBar *m_scanBar = nullptr;
     QPlainTextEdit *m_summary = nullptr;
     QPushButton *m_back = nullptr;
     QPushButton *m_next = nullptr;
     QPushButton *m_cancel = nullptr;
+    std::string m_zoneKey;            ///< the zone that the project gets with the import
     WizardTask *m_scanTask = nullptr; ///< while the scan runs
     bool m_running = false;           ///< files are being read
     bool m_imported = false;

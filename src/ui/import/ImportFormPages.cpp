@@ -71,7 +71,7 @@ ImportForm::ImportForm(Program &program, const std::filesystem::path &start,
     large.setBold(true);
     large.setPointSizeF(large.pointSizeF() * 1.2);
     m_heading->setFont(large);
-    m_choice = new ImportChoicePage(program.import, start, program.thisClass.rootPath,
+    m_choice = new ImportChoicePage(program.import, start, program.state.rootPath,
                                     std::move(chooseFolder));
     m_pages = new QStackedWidget;
     m_pages->setObjectName(QStringLiteral("importPages"));
@@ -110,7 +110,26 @@ QWidget *ImportForm::newFilesPage() {
     column->addWidget(m_scanBar);
     column->addWidget(m_grid, 1);
     column->addWidget(m_gaps);
+    column->addWidget(newZoneRow());
     return page;
+}
+
+QWidget *ImportForm::newZoneRow() {
+    m_zone = newLabel("labImportZone");
+    m_zoneHint = newLabel("labZoneHint");
+    m_zoneHint->hide();
+    auto *choose = newButton("btnChooseZone", tr("Time &Zone..."));
+    choose->setToolTip(tr("Mostly that of the examined machine: local dates are stored in it"));
+    choose->setAutoDefault(false);
+    connect(choose, &QPushButton::clicked, this, &ImportForm::chooseZone);
+    auto *zone = new QWidget;
+    auto *grid = new QGridLayout(zone);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->addWidget(choose, 0, 0);
+    grid->addWidget(m_zone, 0, 1);
+    grid->addWidget(m_zoneHint, 1, 0, 1, 2);
+    grid->setColumnStretch(1, 1);
+    return zone;
 }
 
 QWidget *ImportForm::newFinishPage() {

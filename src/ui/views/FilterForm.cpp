@@ -4,10 +4,12 @@
 
 #include <QBoxLayout>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 
 namespace nv {
@@ -41,7 +43,8 @@ QString ruleOf(const FilterFlag &flag) {
 
 } // namespace
 
-FilterForm::FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget *parent)
+FilterForm::FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget *parent,
+                       const OriginChoices &origins)
     : QDialog(parent), m_examiner(examiner), m_start(filters) {
     setObjectName(QStringLiteral("FilterForm"));
     setWindowTitle(tr("Filters"));
@@ -55,8 +58,9 @@ FilterForm::FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget
     auto *groups = new QVBoxLayout(m_groups);
     groups->setContentsMargins(0, 0, 0, 0);
     groups->addWidget(newGroup(tr("Data sources"), FilterGroup::Source, 4));
-    groups->addWidget(newGroup(tr("Kinds of file"), FilterGroup::Kind, 4));
-    groups->addWidget(newGroup(tr("Sites"), FilterGroup::Site, 4));
+    groups->addWidget(newOrigins(origins));
+    groups->addWidget(newGroup(tr("Kinds of file"), FilterGroup::Kind, 5));
+    groups->addWidget(newGroup(tr("Sites"), FilterGroup::Site, 5));
     m_all = newBox(QStringLiteral("chkShowAll"), tr("Show &all"), &RecordFilters::showAll);
     m_all->setToolTip(tr("Shows every kind of the ticked data sources. Ticks or clears all boxes "
                          "of this window, \"Enable filters\" too"));
@@ -105,6 +109,37 @@ QWidget *FilterForm::newGroup(const QString &title, FilterGroup group, int colum
     return frame;
 }
 
+/// A name that nothing was imported of may be typed too.
+QWidget *FilterForm::newOrigins(const OriginChoices &origins) {
+    constexpr int kNameWidth = 12; // characters
+    auto *frame = new QWidget;
+    auto *row = new QHBoxLayout(frame);
+    row->setContentsMargins(0, 0, 0, 0);
+    const std::vector<std::string> *names[] = {&origins.browsers, &origins.profiles,
+                                               &origins.persons};
+    for (const OriginFilter &each : originFilters()) {
+        auto *box = new QComboBox;
+        box->setObjectName(QStringLiteral("cb") + toQt(each.label)); // "cbBrowser"
+        box->setEditable(true);
+        // A long name doesn't widen the window.
+        box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        box->setMinimumContentsLength(kNameWidth);
+        box->addItem({});
+        for (const std::string &name : *names[m_origins.size()])
+            box->addItem(toQt(name));
+        box->setCurrentText(toQt(m_start.*each.text));
+        box->lineEdit()->setPlaceholderText(tr("any"));
+        box->lineEdit()->setAccessibleName(toQt(each.label));
+        box->setToolTip(tr("Only records of this one; empty shows those of all"));
+        auto *label = new QLabel(toQt(each.label) + u':');
+        label->setBuddy(box);
+        row->addWidget(label);
+        row->addWidget(box, 1);
+        m_origins.push_back(box);
+    }
+    return frame;
+}
+
 void FilterForm::enableBoxes() {
     m_groups->setEnabled(m_boxes.front().box->isChecked());
 }
@@ -119,6 +154,8 @@ RecordFilters FilterForm::filters() const {
     RecordFilters filters;
     for (const FlagBox &each : m_boxes)
         filters.*each.flag = each.box->isChecked();
+    for (std::size_t i = 0; i < m_origins.size(); ++i)
+        filters.*originFilters()[i].text = fromQt(m_origins[i]->currentText().trimmed());
     return filters;
 }
 

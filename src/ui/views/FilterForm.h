@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Examiner.h"
+#include "views/OriginChoices.h"
 #include "views/RecordFilters.h"
 
 #include <QDialog>
@@ -8,16 +9,18 @@
 #include <vector>
 
 class QCheckBox;
+class QComboBox;
 
 namespace nv {
 
-/// The dialog of the record filters: a check box a flag. It changes nothing itself; the flags are
-/// there once it was confirmed.
+/// The dialog of the record filters: a check box a flag, and whose records. It changes nothing
+/// itself; the flags are there once it was confirmed.
 class FilterForm final : public QDialog {
     Q_OBJECT
 
   public:
-    FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget *parent = nullptr);
+    FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget *parent = nullptr,
+               const OriginChoices &origins = {});
 
     RecordFilters filters() const;
     /// Stays open, saying why, when no data source is ticked while the filters are enabled.
@@ -30,12 +33,14 @@ class FilterForm final : public QDialog {
     };
     QCheckBox *newBox(const QString &name, const QString &text, bool RecordFilters::*flag);
     QWidget *newGroup(const QString &title, FilterGroup group, int columns);
+    QWidget *newOrigins(const OriginChoices &origins);
     void enableBoxes();
     void tickAll(bool ticked);
 
     Examiner &m_examiner;
     RecordFilters m_start;
-    std::vector<FlagBox> m_boxes; ///< all, that of `enableFilters` first
+    std::vector<FlagBox> m_boxes;       ///< all, that of `enableFilters` first
+    std::vector<QComboBox *> m_origins; ///< in the order of originFilters()
     QWidget *m_groups = nullptr;
     QCheckBox *m_all = nullptr;
 };

@@ -5,6 +5,7 @@
 #include "views/CellText.h"
 
 #include <QTextDocument>
+#include <fmt/format.h>
 
 namespace nv {
 
@@ -70,7 +71,7 @@ int LinksModel::columnCount(const QModelIndex &parent) const {
 std::string LinksModel::textOf(const LinkRow &row, int column) {
     switch (column) {
     case Record:
-        return std::to_string(number(row.other));
+        return fmt::format("{}", row.other);
     case Direction:
         return row.end == LinkEnd::parent ? "Parent" : "Child";
     case Kind:

@@ -43,15 +43,15 @@ struct BackgroundThumbnails::Work {
         fs::path folder;
     };
 
-    Work(Program &program, std::vector<std::int64_t> idsOf)
-        : scratch(program.thisClass.tempFolderPath / "~background"), tools(program, scratch.path()),
+    Work(Program &program, std::vector<UrlId> idsOf)
+        : scratch(program.state.tempFolderPath / "~background"), tools(program, scratch.path()),
           ids(std::move(idsOf)) {}
 
     bool isDone() const { return next == ids.size() && ready.empty() && !atWork; }
 
     Scratch scratch;
     ThumbnailTools tools;
-    std::vector<std::int64_t> ids;
+    std::vector<UrlId> ids;
     std::size_t next = 0; ///< place in the list of ids
     ThumbnailTotals totals;
     std::deque<Prepared> ready;
@@ -137,7 +137,7 @@ void BackgroundThumbnails::workOn() {
 void BackgroundThumbnails::prepareNext() {
     Work &work = *m_work;
     const UrlId id{work.ids[work.next++]};
-    fs::path folder = work.scratch.path() / fmt::format("{}", number(id));
+    fs::path folder = work.scratch.path() / fmt::format("{}", id);
     if (auto job = jobOfRow(id, folder, work.tools.context(), work.totals))
         work.ready.push_back({std::move(*job), std::move(folder)});
 }

@@ -28,7 +28,7 @@ void ExportPart::exportColumns() {
     UrlTable *table = m_bench.table->table();
     if (!table)
         return;
-    ProgramState &state = m_bench.program.thisClass;
+    ProgramState &state = m_bench.program.state;
     Export job;
     job.columnsAsString = columnsAsString(m_bench.table->grid().tableLayout().shownColumns());
     selectTagged(job, *table, m_bench.project());
@@ -45,7 +45,7 @@ void ExportPart::run(Export &job) {
     std::optional<std::string> failure;
     m_bench.runTask({"EXPORTING URLS", "Collecting row data...", "", ""}, [&](TaskMonitor &task) {
         failure = failureOf(m_bench.program.log, "MainForm.ExportColumns()", [&] {
-            end = exportRows(job, table, m_bench.program.thisClass.tempFolderPath, task);
+            end = exportRows(job, table, m_bench.program.state.tempFolderPath, task);
             if (end == ExportEnd::exported)
                 noteExport(m_bench.program, job);
         });

@@ -1,16 +1,17 @@
 #include "ui/window/FilesPart.h"
 
+#include "app/jobs/ZoneJob.h"
 #include "app/messages/Messages.h"
+#include "app/program/Zones.h"
 #include "app/project/Project.h"
 #include "platform/qt/QtText.h"
-#include "time/ZoneDatabase.h"
 #include "ui/import/ImportForm.h"
+#include "ui/views/ZoneForm.h"
 #include "ui/window/OptionsPart.h"
 #include "ui/window/RebuildPart.h"
 #include "ui/window/Workbench.h"
 
 #include <QAction>
-#include <QInputDialog>
 
 namespace nv {
 
@@ -98,9 +99,8 @@ void FilesPart::takePath(const fs::path &path) {
 }
 
 void FilesPart::chooseBaseFolder() {
-    const auto chosen =
-        m_bench.dialogs.chooseFolder("Select the BASE root folder for all evidence in project:",
-                                     m_bench.program.thisClass.rootPath);
+    const auto chosen = m_bench.dialogs.chooseFolder(
+        "Select the BASE root folder for all evidence in project:", m_bench.program.state.rootPath);
     if (!chosen)
         return;
     setRootPath(m_bench.program, fs::canonical(*chosen));
@@ -108,22 +108,11 @@ void FilesPart::chooseBaseFolder() {
 }
 
 void FilesPart::chooseTimeZone() {
-    const auto zones = ZoneDatabase(m_bench.program.paths.zones(), m_bench.program.log).listZones();
-    QStringList texts;
-    for (const ZoneRow &zone : zones)
-        texts += toQt(zone.listText());
-    QInputDialog dialog(&m_bench.window);
-    dialog.setObjectName(QStringLiteral("TimeZoneForm"));
-    dialog.setWindowTitle(tr("Time Zone"));
-    dialog.setLabelText(tr("Times are shown in:"));
-    dialog.setComboBoxItems(texts);
-    if (const auto place = placeInList(zones, m_bench.program.thisClass.gmtZone))
-        dialog.setTextValue(texts.at(static_cast<qsizetype>(*place)));
+    Program &program = m_bench.program;
+    ZoneForm dialog(program, keyInList(program), &m_bench.window);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    const qsizetype chosen = texts.indexOf(dialog.textValue());
-    if (chosen >= 0 &&
-        setZone(m_bench.program, zones.at(static_cast<std::size_t>(chosen)).timeZoneID))
+    if (changeZone(program, dialog.key(), program.task))
         m_bench.reload();
 }
 

@@ -19,8 +19,11 @@ FiltersPart::FiltersPart(Workbench &bench)
 }
 
 void FiltersPart::chooseFilters() {
-    RecordFilters &filters = m_bench.program.thisClass.filters;
-    FilterForm form(filters, m_bench.examiner(), &m_bench.window);
+    RecordFilters &filters = m_bench.program.state.filters;
+    OriginChoices origins;
+    if (ProjectDatabase &project = m_bench.program.state.projectDB; project.isOpen())
+        origins = originChoicesOf(project.connection());
+    FilterForm form(filters, m_bench.examiner(), &m_bench.window, origins);
     if (form.exec() != QDialog::Accepted)
         return;
     filters = form.filters();

@@ -45,7 +45,7 @@ GalleryPart::GalleryPart(Workbench &bench)
     connect(&bench, &Workbench::optionsChanged, this, &GalleryPart::takeOptions);
     connect(m_gallery, &GalleryTab::choiceChanged, this,
             [this](const PardChoice &pard, const GalleryMedia &media) {
-                ProgramState &state = m_bench.program.thisClass;
+                ProgramState &state = m_bench.program.state;
                 state.pard = pard;
                 state.galleryIncludePictures = media.galleryIncludePictures;
                 state.galleryIncludeHTML = media.galleryIncludeHTML;
@@ -63,7 +63,7 @@ void GalleryPart::followTable() {
 }
 
 GallerySettings GalleryPart::settings() const {
-    const ProgramState &state = m_bench.program.thisClass;
+    const ProgramState &state = m_bench.program.state;
     GallerySettings settings;
     settings.galleryRecordsPerPage = state.galleryRecordsPerPage;
     settings.media = {state.galleryIncludePictures, state.galleryIncludeHTML};
@@ -74,13 +74,13 @@ void GalleryPart::open() {
     m_isCounted = false;
     m_counted = {};
     m_gallery->openProject(m_bench.project(), m_bench.program.log, settings(),
-                           m_bench.program.thisClass.viewerThumbnailWidth);
+                           m_bench.program.state.viewerThumbnailWidth);
     takeOptions();
     count();
 }
 
 void GalleryPart::takeOptions() {
-    const ProgramState &state = m_bench.program.thisClass;
+    const ProgramState &state = m_bench.program.state;
     m_gallery->setChoice(settings(), state.pard, state.viewerThumbnailWidth);
 }
 

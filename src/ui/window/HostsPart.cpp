@@ -59,7 +59,7 @@ void HostsPart::connectPane() {
 
 void HostsPart::showPane(bool shown) {
     m_pane->setVisible(shown);
-    writeFlag(m_bench.program.settings, "ShowHosts", shown);
+    rememberFlag(m_bench.program.settings, "ShowHosts", shown);
     fillIfStale();
 }
 
@@ -95,7 +95,7 @@ void HostsPart::fill() {
 /// Another row of the list. Without the tick the filter goes off, and what is shown stays until
 /// the examiner asks for it.
 void HostsPart::choose(const std::string &host) {
-    ProgramState &state = m_bench.program.thisClass;
+    ProgramState &state = m_bench.program.state;
     const bool ticked = m_pane->isTicked();
     state.filterByHostEnabled = ticked;
     if (ticked)
@@ -106,13 +106,13 @@ void HostsPart::choose(const std::string &host) {
 }
 
 void HostsPart::untick() {
-    m_bench.program.thisClass.filterByHostEnabled = false;
+    m_bench.program.state.filterByHostEnabled = false;
     showFilter();
 }
 
 /// From a box, whose tab loads itself.
 void HostsPart::takeEntered(const QString &host) {
-    ProgramState &state = m_bench.program.thisClass;
+    ProgramState &state = m_bench.program.state;
     state.filterByHostEnabled = !host.isEmpty();
     state.filterByHostValue = fromQt(host);
     if (state.filterByHostEnabled)
@@ -123,7 +123,7 @@ void HostsPart::takeEntered(const QString &host) {
 }
 
 std::string HostsPart::hostInForce() const {
-    const ProgramState &state = m_bench.program.thisClass;
+    const ProgramState &state = m_bench.program.state;
     return state.filterByHostEnabled ? state.filterByHostValue : std::string();
 }
 

@@ -33,7 +33,7 @@ void LinkPart::analyse() {
     m_bench.runTask({"RUNNING LINK ANALYSIS", "Comparing History data to Cache data...", "", ""},
                     [&](TaskMonitor &task) {
                         failure = failureOf(program.log, "MainForm.RunLinkAnalysis()", [&] {
-                            totals = analyseLinks(program, task, program.thisClass.tempFolderPath);
+                            totals = analyseLinks(program, task, program.state.tempFolderPath);
                         });
                     });
     m_bench.examiner().tell(failure

@@ -190,13 +190,13 @@ void MainForm::showNotice(const QString &text) {
 }
 
 void MainForm::showStatus() {
-    m_status.showTable(*m_table, m_program.thisClass);
+    m_status.showTable(*m_table, m_program.state);
 }
 
 void MainForm::showProjectState() {
     const bool open = isProjectOpen();
     m_pages->setCurrentIndex(open ? 1 : 0);
-    m_actions.setProjectOpen(open, m_program.thisClass.projectDB.isReadOnly());
+    m_actions.setProjectOpen(open, m_program.state.projectDB.isReadOnly());
     m_menus.setProjectOpen(open);
     m_status.setProjectOpen(open);
     if (open)
@@ -236,7 +236,7 @@ void MainForm::closeEvent(QCloseEvent *event) {
 
 void MainForm::keepGeometry() {
     keepWindowLayout(*this, m_program.settings);
-    writeFlag(m_program.settings, "ShowViewers", m_actions.viewers->isChecked());
+    rememberFlag(m_program.settings, "ShowViewers", m_actions.viewers->isChecked());
 }
 
 void MainForm::restoreGeometryKept() {
@@ -273,8 +273,8 @@ void MainForm::run(const char *procedure, const std::function<void()> &command) 
 void MainForm::runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work) {
     lockControls();
     const auto failure = failureOf(m_program.log, "MainForm.runTask()", [&] {
-        const OpenTask task(m_program.thread, heading);
-        work(m_program.thread);
+        const OpenTask task(m_program.task, heading);
+        work(m_program.task);
     });
     unlockControls();
     if (failure)
@@ -309,7 +309,7 @@ void MainForm::showTips() {
 }
 
 void MainForm::showAbout() {
-    const ProgramState &state = m_program.thisClass;
+    const ProgramState &state = m_program.state;
     m_program.around.examiner.tell(messages::about(state.appTitle, state.appVersion));
 }
 
@@ -323,7 +323,7 @@ void MainForm::setCaption(const std::string &caption) {
 }
 
 void MainForm::restoreLayout() {
-    SQLite::Database &project = m_program.thisClass.projectDB.connection();
+    SQLite::Database &project = m_program.state.projectDB.connection();
     const ProjectFields fields(project, m_program.log);
     const auto failure = failureOf(m_program.log, "MainForm.FormatColumns()", [&] {
         m_table->restoreLayout(
@@ -331,11 +331,11 @@ void MainForm::restoreLayout() {
     });
     if (failure)
         m_program.around.examiner.tell(messages::columnsFailed(*failure));
-    m_table->openProject(project, m_program.log, m_program.thisClass.gmtZone);
+    m_table->openProject(project, m_program.log, m_program.state.gmtZone);
     emit m_bench->projectOpened();
     showQuickQueries();
     showProjectState();
-    if (m_program.thisClass.projectDB.isReadOnly())
+    if (m_program.state.projectDB.isReadOnly())
         showNotice(tr("Open for reading only: nothing is written to the project."));
 }
 
@@ -347,21 +347,19 @@ void MainForm::saveLayout() {
 }
 
 void MainForm::keepLayout() {
-    if (!m_program.thisClass.projectDB.isOpen() || m_program.thisClass.projectDB.isReadOnly())
+    if (!m_program.state.projectDB.isOpen() || m_program.state.projectDB.isReadOnly())
         return;
-    SQLite::Database &project = m_program.thisClass.projectDB.connection();
+    SQLite::Database &project = m_program.state.projectDB.connection();
     ProjectFields fields(project, m_program.log);
     WriteBatch batch(project);
-    m_table->saveLayout([&fields](std::string_view name, std::string_view value) {
-        fields.saveDefaultSetting(name, value);
-    });
+    m_table->saveLayout(
+        [&fields](std::string_view name, std::string_view value) { fields.remember(name, value); });
     batch.commit();
 }
 
 void MainForm::showQuickQueries() {
     QStringList quick;
-    for (const StoredQuery &query :
-         StoredQueries(m_program.thisClass.projectDB.connection()).list()) {
+    for (const StoredQuery &query : StoredQueries(m_program.state.projectDB.connection()).list()) {
         const QString name = toQt(query.name);
         if (isListedQuery(query.name) && isReservedQuery(query.name))
             quick += name;
@@ -384,8 +382,8 @@ void MainForm::clear() {
 void MainForm::loadURLs() {
     if (!m_table->table())
         return;
-    m_table->table()->rootPath = textOf(m_program.thisClass.rootPath);
-    m_table->table()->filters = m_program.thisClass.filters;
+    m_table->table()->rootPath = textOf(m_program.state.rootPath);
+    m_table->table()->filters = m_program.state.filters;
     m_table->table()->dates() = dateSettings(m_program);
     m_table->loadURLs();
 }

@@ -73,7 +73,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     void runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work);
     /// Makes the parts of the window that have a topic of their own.
     void addParts();
-    bool isProjectOpen() const { return m_program.thisClass.projectDB.isOpen(); }
+    bool isProjectOpen() const { return m_program.state.projectDB.isOpen(); }
 
     void showErrorLog();
     void showAbout();

@@ -21,7 +21,7 @@ void NetworkPart::toggle() {
     Program &program = m_bench.program;
     const bool isUp = networkConnectionStatus(program) == "ENABLED";
     const ConnectionState wanted = isUp ? ConnectionState::disabled : ConnectionState::enabled;
-    const std::string &name = program.thisClass.networkConnectionName;
+    const std::string &name = program.state.networkConnectionName;
     if (m_bench.examiner().ask(messages::switchNetwork(wanted, name)) != Answer::Yes)
         return;
     const bool done = toggleNetworkConnection(program, wanted, Quiet::no);
@@ -37,7 +37,7 @@ void NetworkPart::showState() {
     action.setText(isDown ? tr("Enable &Network") : tr("Disable &Network"));
     action.setIconText(tr("Network"));
     action.setIcon(icon(isDown ? "network-off" : "network"));
-    const QString name = toQt(m_bench.program.thisClass.networkConnectionName);
+    const QString name = toQt(m_bench.program.state.networkConnectionName);
     action.setToolTip(status.empty() ? tr("Network Connection Not Found")
                                      : tr("The network connection \"%1\"").arg(name));
 }

@@ -1,5 +1,6 @@
 #include "ui/window/OptionsPart.h"
 
+#include "app/messages/Messages.h"
 #include "app/options/ProjectOptions.h"
 #include "app/project/Project.h"
 #include "ui/options/OptionsForm.h"
@@ -50,7 +51,9 @@ void OptionsPart::storeNewProject(const NewProject &made) {
     if (!made.base.empty())
         setRootPath(program, std::filesystem::canonical(made.base));
     // What a project begins with is no change of it.
-    storeProjectValues(program, projectValuesInForce(program), TrailNote::no);
+    const auto unkept = storeProjectValues(program, projectValuesInForce(program), TrailNote::no);
+    if (!unkept.empty())
+        m_bench.examiner().tell(messages::projectValuesNotKept(unkept));
 }
 
 } // namespace nv

@@ -4,6 +4,7 @@
 #include "app/program/DrawingTools.h"
 #include "base/Files.h"
 #include "base/Trap.h"
+#include "db/BindId.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/PicturePane.h"
 #include "views/CellText.h"
@@ -239,7 +240,7 @@ bool PictureFeed::isPictureRecord(UrlId id) const {
     SQLite::Statement row(m_bench.project(),
                           "SELECT 1 FROM URLs WHERE URL_ID = ? AND CacheFileExists AND NOT "
                           "IsCookie AND (IsPicture OR Category = 'Pictures')");
-    row.bind(1, number(id));
+    bindId(row, 1, id);
     return row.executeStep();
 }
 

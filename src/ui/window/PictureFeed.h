@@ -68,7 +68,7 @@ class PictureFeed final : public QObject {
     bool isPictureRecord(UrlId id) const;
     void forgetProject();
 
-    ProgramState &state() { return m_bench.program.thisClass; }
+    ProgramState &state() { return m_bench.program.state; }
 
     Workbench &m_bench;
     PicturePane &m_pane;

@@ -39,7 +39,7 @@ QueryPart::QueryPart(Workbench &bench)
     });
     connect(bench.table, &TableTab::statusChanged, this, &QueryPart::followTable);
     connect(bench.table, &TableTab::sortedBy, this, [this](SortChoice choice) {
-        if (m_bench.program.thisClass.projectDB.isReadOnly())
+        if (m_bench.program.state.projectDB.isReadOnly())
             return; // the order isn't kept
         m_commands->takeStatement(kSortChoices.at(static_cast<std::size_t>(choice)).query);
         m_bench.table->showQuery({});
@@ -97,13 +97,13 @@ void QueryPart::connectActions() {
 
 void QueryPart::open() {
     Program &program = m_bench.program;
-    m_commands = std::make_unique<QueryCommands>(m_bench.project(), program.thisClass, program.log,
+    m_commands = std::make_unique<QueryCommands>(m_bench.project(), program.state, program.log,
                                                  m_bench.examiner(), *this);
     m_tab->setFields(trapped(program.log, Severity::Warning, "MainForm.QueryGrid_BeforeEdit()",
                              kContactSupport, std::vector<QueryField>(),
                              [this] { return queryFields(m_bench.project()); }));
     m_commands->start();
-    m_actions.setProjectOpen(true, program.thisClass.projectDB.isReadOnly());
+    m_actions.setProjectOpen(true, program.state.projectDB.isReadOnly());
 }
 
 void QueryPart::close() {
@@ -117,7 +117,7 @@ void QueryPart::close() {
 /// The table has loaded another query: by its own selector or the Quick Query menu.
 void QueryPart::followTable() {
     const QString shown = m_bench.table->queryName();
-    if (m_commands && shown != tableName(m_bench.program.thisClass.activeQueryName))
+    if (m_commands && shown != tableName(m_bench.program.state.activeQueryName))
         m_commands->takeActiveQuery(fromQt(shown));
 }
 
@@ -130,7 +130,7 @@ void QueryPart::showBuilder() {
     SQLQueryForm form(m_bench.project(), m_bench.program.log, m_bench.examiner(), &m_bench.window);
     if (form.exec() != QDialog::Accepted)
         return;
-    m_bench.program.thisClass.customQueryDef = form.customQueryDef();
+    m_bench.program.state.customQueryDef = form.customQueryDef();
     m_commands->takeCustomQuery();
     m_bench.dataTabs->setCurrentWidget(m_tab);
     if (const std::string name = form.favoriteName(); !name.empty())
@@ -167,12 +167,12 @@ std::string QueryPart::enterQueryName(const Message &prompt) {
 }
 
 void QueryPart::statementChanged() {
-    if (m_bench.program.thisClass.redrawThumbIfPageRebuilt)
+    if (m_bench.program.state.redrawThumbIfPageRebuilt)
         emit m_bench.thumbnailsChanged();
 }
 
 void QueryPart::loadURLs() {
-    m_bench.table->showQuery(tableName(m_bench.program.thisClass.activeQueryName));
+    m_bench.table->showQuery(tableName(m_bench.program.state.activeQueryName));
     m_bench.reload();
 }
 

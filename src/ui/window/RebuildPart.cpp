@@ -30,22 +30,22 @@ void RebuildPart::sayWhatRebuildDoes() const {
                                                : tr("&Rebuild"));
 }
 
-std::vector<std::int64_t> shownTagged(Workbench &bench) {
-    std::vector<std::int64_t> shown;
+std::vector<UrlId> shownTagged(Workbench &bench) {
+    std::vector<UrlId> shown;
     if (!bench.table->table())
         return shown;
     UnreadRows logged;
-    const std::vector<std::int64_t> tagged = taggedIds(bench.program, logged);
-    for (const std::int64_t id : bench.table->table()->ids())
-        if (std::binary_search(tagged.begin(), tagged.end(), id))
-            shown.push_back(id);
+    const std::vector<UrlId> tagged = taggedIds(bench.program, logged);
+    for (const auto id : bench.table->table()->ids())
+        if (std::ranges::binary_search(tagged, UrlId{id}))
+            shown.push_back(UrlId{id});
     return shown;
 }
 
 void RebuildPart::rebuild() {
     if (!m_bench.table->table())
         return;
-    const std::vector<std::int64_t> tagged = shownTagged(m_bench);
+    const std::vector<UrlId> tagged = shownTagged(m_bench);
     if (!tagged.empty())
         rebuildTaggedPages(tagged);
     else
@@ -54,16 +54,16 @@ void RebuildPart::rebuild() {
 
 void RebuildPart::rebuildCurrent() {
     if (const auto current = m_bench.table->grid().currentUrl())
-        rebuildOne(number(*current));
+        rebuildOne(*current);
 }
 
-void RebuildPart::rebuildTaggedPages(const std::vector<std::int64_t> &ids) {
+void RebuildPart::rebuildTaggedPages(const std::vector<UrlId> &ids) {
     Program &program = m_bench.program;
     RebuildReport report;
     report.asked = ids.size();
     m_bench.runTask(
         {"REBUILDING WEB PAGES", "Rebuilding Web Pages ", "", ""}, [&](TaskMonitor &task) {
-            RecordTools tools(program, task, program.thisClass.tempFolderPath);
+            RecordTools tools(program, task, program.state.tempFolderPath);
             report.cancelled = !rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
                 report.pages.push_back(page);
             });
@@ -71,14 +71,14 @@ void RebuildPart::rebuildTaggedPages(const std::vector<std::int64_t> &ids) {
     showRebuilt(report);
 }
 
-void RebuildPart::rebuildOne(std::int64_t id) {
+void RebuildPart::rebuildOne(UrlId id) {
     if (!m_bench.mayWrite())
         return;
     Program &program = m_bench.program;
     RebuildReport report;
     report.asked = 1;
     m_bench.runTask({"Rebuilding", "", "", ""}, [&](TaskMonitor &task) {
-        RecordTools tools(program, task, program.thisClass.tempFolderPath);
+        RecordTools tools(program, task, program.state.tempFolderPath);
         if (const auto page = rebuildPage(program, tools, id))
             report.pages.push_back(*page);
         const auto rebuilt = std::ranges::count(report.pages, true, &RebuiltPage::rebuilt);
@@ -97,7 +97,7 @@ void RebuildPart::showRebuilt(const RebuildReport &report) {
 }
 
 void RebuildPart::tellOfWideIds() {
-    ProgramState &state = m_bench.program.thisClass;
+    ProgramState &state = m_bench.program.state;
     if (m_toldOfWideIds || state.wideRecordIds || !m_bench.isProjectOpen())
         return;
     const std::int64_t largest =

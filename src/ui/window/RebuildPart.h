@@ -10,7 +10,7 @@ namespace nv {
 struct RebuildReport;
 
 /// Tagged rows in the order of the grid; those that it doesn't show are left alone.
-std::vector<std::int64_t> shownTagged(Workbench &bench);
+std::vector<UrlId> shownTagged(Workbench &bench);
 
 /// The command Rebuild.
 class RebuildPart final : public QObject {
@@ -27,8 +27,8 @@ class RebuildPart final : public QObject {
     void sayWhatRebuildDoes() const;
     void rebuild();
     void rebuildCurrent();
-    void rebuildTaggedPages(const std::vector<std::int64_t> &ids);
-    void rebuildOne(std::int64_t id);
+    void rebuildTaggedPages(const std::vector<UrlId> &ids);
+    void rebuildOne(UrlId id);
     void showRebuilt(const RebuildReport &report);
 
     Workbench &m_bench;

@@ -62,7 +62,7 @@ RebuiltPanes::RebuiltPanes(Workbench &bench) : m_bench(bench) {
     bench.viewers->addPane(*audit, *new Audit(*this, *audit), tr("Audit"), "MainForm.LoadAudit()");
     connect(browser, &BrowserPane::navigationBlocked, &bench, &Workbench::showNotice);
     connect(bench.dataTabs, &QTabWidget::currentChanged, this, [this] {
-        if (m_bench.program.thisClass.disableAutoRebuildInHTMLGallery)
+        if (m_bench.program.state.disableAutoRebuildInHTMLGallery)
             m_bench.viewers->refresh();
     });
 }
@@ -70,11 +70,11 @@ RebuiltPanes::RebuiltPanes(Workbench &bench) : m_bench(bench) {
 /// Whether the setting keeps a page that a tile leads to from being brought back.
 bool RebuiltPanes::isLeftInGallery(UrlRecord &page) {
     Program &program = m_bench.program;
-    if (!page.CacheFileRebuilt || !program.thisClass.disableAutoRebuildInHTMLGallery ||
+    if (!page.CacheFileRebuilt || !program.state.disableAutoRebuildInHTMLGallery ||
         !qobject_cast<GalleryTab *>(m_bench.dataTabs->currentWidget()))
         return false;
     Unwatched nobody;
-    const RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    const RecordTools tools(program, nobody, program.state.tempFolderPath);
     return !hasFolder(tools, page);
 }
 
@@ -82,13 +82,13 @@ bool RebuiltPanes::isLeftInGallery(UrlRecord &page) {
 bool RebuiltPanes::bringBack(UrlRecord &page) {
     Program &program = m_bench.program;
     Unwatched nobody;
-    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    RecordTools tools(program, nobody, program.state.tempFolderPath);
     if (hasFolder(tools, page))
         return true;
     bool whole = false;
     m_bench.runTask({"HARVESTING ITEMS FOR SELECTED FILE", "Please standby...", "", ""},
                     [&](TaskMonitor &task) {
-                        RecordTools watched(program, task, program.thisClass.tempFolderPath);
+                        RecordTools watched(program, task, program.state.tempFolderPath);
                         whole = bringBackFolder(watched, page);
                     });
     return whole;
@@ -97,9 +97,9 @@ bool RebuiltPanes::bringBack(UrlRecord &page) {
 void RebuiltPanes::showAudit(AuditPane &pane, UrlId id) {
     Program &program = m_bench.program;
     Unwatched nobody;
-    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    RecordTools tools(program, nobody, program.state.tempFolderPath);
     const RebuildContext &ctx = tools.context();
-    auto page = tools.record(number(id));
+    auto page = tools.record(id);
     if (!page || !page->CacheFileRebuilt)
         return pane.showReason(tr("This record was not rebuilt, so nothing in it was replaced."));
     if (isLeftInGallery(*page))
@@ -119,8 +119,8 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
     pane.clear();
     Program &program = m_bench.program;
     Unwatched nobody;
-    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
-    auto record = tools.record(number(id));
+    RecordTools tools(program, nobody, program.state.tempFolderPath);
+    auto record = tools.record(id);
     if (!record)
         return;
     const bool isLeft = isLeftInGallery(*record);
@@ -130,7 +130,7 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
             m_bench.showNotice(notBroughtBack(*record, tools.context().settings));
     }
     const ShownPage shown = pageToShow(tools, *record);
-    program.thisClass.viewer.browserURL = textOf(shown.file);
+    program.state.viewer.browserURL = textOf(shown.file);
     if (shown.file.empty())
         pane.showReason(toQt(shown.reason));
     else

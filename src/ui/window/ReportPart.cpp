@@ -65,7 +65,7 @@ void ReportPart::create() {
     if (!m_bench.table->table())
         return;
     Program &program = m_bench.program;
-    ReportTools tools(program, program.thread, program.thisClass.tempFolderPath);
+    ReportTools tools(program, program.task, program.state.tempFolderPath);
     if (!chooseOptions(tools))
         return;
     withdrawReport();
@@ -84,7 +84,7 @@ void ReportPart::create() {
 }
 
 fs::path ReportPart::lastReport() const {
-    const fs::path &project = m_bench.program.thisClass.projectDBPath;
+    const fs::path &project = m_bench.program.state.projectDBPath;
     const auto isShown = [&project](const auto &made) {
         std::error_code none;
         return made.project == project && fs::is_regular_file(made.page, none);
@@ -96,7 +96,7 @@ fs::path ReportPart::lastReport() const {
 /// The pane shows the report again of a project that is opened again: it lies in the folder for
 /// scratch until the program ends, or until another one takes its name.
 void ReportPart::findReport() {
-    m_bench.program.thisClass.viewer.reportURL = lastReport().string();
+    m_bench.program.state.viewer.reportURL = lastReport().string();
     m_bench.viewers->findChild<ReportPane *>()->refresh();
 }
 
@@ -108,13 +108,14 @@ bool ReportPart::chooseOptions(ReportTools &tools) {
     UnreadRows unread; // the report names them
     const auto tagged = taggedIds(program, unread);
     const auto shown = static_cast<std::size_t>(std::ranges::count_if(
-        ids, [&tagged](std::int64_t id) { return std::ranges::binary_search(tagged, id); }));
+        ids, [&tagged](auto id) { return std::ranges::binary_search(tagged, UrlId{id}); }));
     tools.report.includeAll = shown == 0;
     ReportForm form(tools.report, ids.size(), shown, m_bench.examiner(), &m_bench.window);
     if (form.exec() != QDialog::Accepted)
         return false;
     form.apply(tools.report);
-    writeReportOptions(tools.report, program.settings);
+    if (!writeReportOptions(tools.report, program.settings))
+        m_bench.examiner().tell(messages::settingsNotWritten(program.settings.path()));
     return true;
 }
 
@@ -140,8 +141,8 @@ void ReportPart::tellOf(const ReportTools &tools, bool finished) {
 void ReportPart::showReport(const fs::path &page) {
     const auto failure = failureOf(m_bench.program.log, "ReportForm.OkBtn_Click()", [&] {
         std::erase_if(m_made, [&page](const Made &each) { return each.page == page; });
-        m_made.push_back({m_bench.program.thisClass.projectDBPath, page});
-        m_bench.program.thisClass.viewer.reportURL = page.string();
+        m_made.push_back({m_bench.program.state.projectDBPath, page});
+        m_bench.program.state.viewer.reportURL = page.string();
         auto *pane = m_bench.viewers->findChild<ReportPane *>();
         pane->refresh();
         m_bench.viewers->setCurrentWidget(pane);
@@ -153,12 +154,12 @@ void ReportPart::showReport(const fs::path &page) {
 
 /// The one that is shown is about to be written over, under the same name.
 void ReportPart::withdrawReport() {
-    m_bench.program.thisClass.viewer.reportURL.clear();
+    m_bench.program.state.viewer.reportURL.clear();
     m_bench.viewers->findChild<ReportPane *>()->refresh();
 }
 
 void ReportPart::publishReport() {
-    const ProgramState &state = m_bench.program.thisClass;
+    const ProgramState &state = m_bench.program.state;
     const int type = readNumber(m_bench.program.settings, "ReportType");
     if (!isReportThere(ReportFolder(state.tempFolderPath), type))
         return m_bench.examiner().tell(messages::nothingToPublish());
@@ -166,7 +167,7 @@ void ReportPart::publishReport() {
         m_bench.dialogs.chooseFolder(std::string(kChooseFolder), state.publishTempFolder);
     if (!target || !fs::is_directory(*target))
         return;
-    refuseEvidence(*target, m_bench.program.thisClass);
+    refuseEvidence(*target, m_bench.program.state);
     if (m_bench.examiner().ask(messages::readyToPublish()) == Answer::Yes &&
         mayReplace(*target, type))
         publishTo(*target, type);
@@ -186,7 +187,7 @@ void ReportPart::publishTo(const fs::path &target, int type) {
     m_bench.runTask({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""},
                     [&](TaskMonitor &task) {
                         failure = failureOf(m_bench.program.log, "MainForm.PublishReport()", [&] {
-                            const ReportFolder report(m_bench.program.thisClass.tempFolderPath);
+                            const ReportFolder report(m_bench.program.state.tempFolderPath);
                             removePublished(target, type);
                             published = nv::publishReport(report, type, target, task);
                             if (!published.cancelled)
@@ -203,7 +204,7 @@ void ReportPart::publishTo(const fs::path &target, int type) {
 }
 
 void ReportPart::openFolder() const {
-    const ReportFolder report(m_bench.program.thisClass.tempFolderPath);
+    const ReportFolder report(m_bench.program.state.tempFolderPath);
     QDesktopServices::openUrl(QUrl::fromLocalFile(pathToQt(report.path)));
 }
 

@@ -69,7 +69,9 @@ void StatusLine::showTable(TableTab &tab, const ProgramState &state) {
         tr("Query: %1").arg((query.isEmpty() ? TableTab::tr("Default") : query) + order),
         Qt::ElideRight, kWidestQuery));
     m_query->setToolTip(Qt::convertFromPlainText(query + order));
-    m_zone->setText(tr("Zone: %1").arg(toQt(state.gmtZone.getBiasAsTime(0))));
+    m_zone->setText(tr("Zone: %1")
+                        .arg(toQt(state.gmtZone.exact ? state.gmtZone.tzName
+                                                      : state.gmtZone.getBiasAsTime(0))));
     const std::string base = textOf(state.rootPath);
     m_base->setText(tr("Base folder: %1").arg(base.empty() ? tr("none") : toQt(displayText(base))));
     m_base->setToolTip(Qt::convertFromPlainText(m_base->text()));

@@ -20,7 +20,7 @@ constexpr int kRenameWidth = 420; ///< pixels; names of pages are long
 
 TemplatesPart::TemplatesPart(Workbench &bench) : m_bench(bench), m_tab(new TemplatesTab) {
     bench.dataTabs->addTab(m_tab, tr("Templates"));
-    m_tab->setMatchByTitle(bench.program.thisClass.templateMatchByTitle);
+    m_tab->setMatchByTitle(bench.program.state.templateMatchByTitle);
     connectTab();
     connect(&bench, &Workbench::projectClosing, m_tab, &TemplatesTab::closePreview);
 }
@@ -40,32 +40,32 @@ void TemplatesPart::connectTab() {
     on(&TemplatesTab::renameWanted, kManaging, &TemplatesPart::rename);
     on(&TemplatesTab::deleteWanted, kManaging, &TemplatesPart::remove);
     connect(&m_bench, &Workbench::optionsChanged, m_tab,
-            [this] { m_tab->setMatchByTitle(m_bench.program.thisClass.templateMatchByTitle); });
+            [this] { m_tab->setMatchByTitle(m_bench.program.state.templateMatchByTitle); });
     connect(m_tab, &TemplatesTab::matchByTitleChosen, this, &TemplatesPart::chooseMatchByTitle);
 }
 
 void TemplatesPart::list() {
     Program &program = m_bench.program;
-    m_tab->setTemplates(listTemplates(program.thisClass.templatesPath, program.log));
+    m_tab->setTemplates(listTemplates(program.state.templatesPath, program.log));
 }
 
-std::vector<std::int64_t> TemplatesPart::pages() {
-    std::vector<std::int64_t> ids = shownTagged(m_bench);
+std::vector<UrlId> TemplatesPart::pages() {
+    std::vector<UrlId> ids = shownTagged(m_bench);
     if (const auto current = m_bench.table->grid().currentUrl(); ids.empty() && current)
-        ids.push_back(number(*current));
+        ids.push_back(*current);
     if (ids.empty())
         m_bench.showNotice(tr("No page is chosen: go to one in the table, or tag some."));
     return ids;
 }
 
 void TemplatesPart::createTemplate() {
-    const std::vector<std::int64_t> ids = pages();
+    const std::vector<UrlId> ids = pages();
     if (ids.empty())
         return;
     Program &program = m_bench.program;
     TemplatesMade made;
     m_bench.runTask({"CREATING TEMPLATE(S)", "Overall Progress", "", ""}, [&](TaskMonitor &task) {
-        RecordTools tools(program, task, program.thisClass.tempFolderPath);
+        RecordTools tools(program, task, program.state.tempFolderPath);
         made = createTemplates(program, tools, ids);
     });
     list();
@@ -81,14 +81,14 @@ void TemplatesPart::rebuildFromTemplates() {
     for (const std::filesystem::path &file : templates)
         if (!isTemplateThere(m_bench.program, file))
             return list();
-    const std::vector<std::int64_t> ids = pages();
+    const std::vector<UrlId> ids = pages();
     if (templates.empty() || ids.empty())
         return;
     Program &program = m_bench.program;
     LaidTemplates laid;
     m_bench.runTask({"REBUILDING FROM TEMPLATE(S)", "Overall Progress ", "", ""},
                     [&](TaskMonitor &task) {
-                        RecordTools tools(program, task, program.thisClass.tempFolderPath);
+                        RecordTools tools(program, task, program.state.tempFolderPath);
                         laid = nv::rebuildFromTemplates(program, tools, ids, templates);
                     });
     m_bench.refreshRows();
@@ -103,7 +103,7 @@ void TemplatesPart::view() {
         return list();
     Program &program = m_bench.program;
     Unwatched nobody;
-    const RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    const RecordTools tools(program, nobody, program.state.tempFolderPath);
     const auto folder = loadTemplate(*file, tools.context());
     if (folder && std::filesystem::exists(*folder / kTemplatePage))
         return m_tab->showPreview(*folder / kTemplatePage);

@@ -20,7 +20,7 @@ class TemplatesPart final : public QObject {
     void connectTab();
     void list();
     /// Tells the examiner when there is none.
-    std::vector<std::int64_t> pages();
+    std::vector<UrlId> pages();
     void createTemplate();
     void rebuildFromTemplates();
     void view();

@@ -140,7 +140,7 @@ Theme keptTheme(const IniFile &settings) {
 }
 
 void keepTheme(IniFile &settings, Theme theme) {
-    writeText(settings, "Theme", themeName(theme));
+    rememberText(settings, "Theme", themeName(theme));
 }
 
 void applyTheme(Theme theme) {

@@ -49,7 +49,7 @@ QCheckBox *newStartupTick(IniFile &settings) {
     tick->setObjectName(QStringLiteral("chkShowTipsAtStartup"));
     tick->setChecked(readFlag(settings, "ShowTipsAtStartup"));
     QObject::connect(tick, &QCheckBox::toggled, tick,
-                     [&settings](bool on) { writeFlag(settings, "ShowTipsAtStartup", on); });
+                     [&settings](bool on) { rememberFlag(settings, "ShowTipsAtStartup", on); });
     return tick;
 }
 

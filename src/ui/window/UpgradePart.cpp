@@ -13,7 +13,7 @@ void UpgradePart::show(const std::filesystem::path &project) {
     if (!isProjectName(*chosen))
         return m_bench.examiner().tell(messages::notAProjectFile());
     Program &program = m_bench.program;
-    const UpgradeWhere where{*chosen, program.thisClass.tempFolderPath, program.paths.keywords()};
+    const UpgradeWhere where{*chosen, program.state.tempFolderPath, program.paths.keywords()};
     ProjectUpgrade upgrade(where, buildOf(program), program.log, program.around.clock);
     UpgradeWizardForm form(where, upgrade, m_bench.examiner(), program.log, &m_bench.window);
     form.exec();

@@ -23,12 +23,12 @@ std::vector<Property> propertiesOf(Workbench &bench, UrlId id) {
     Program &program = bench.program;
     const auto picture = [&]() -> std::optional<fs::path> {
         Unwatched nobody;
-        RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+        RecordTools tools(program, nobody, program.state.tempFolderPath);
         const auto content = contentOfRecord(tools, id);
         return content ? content->file : std::nullopt;
     };
-    return loadProperties(id, {bench.project(), program.thisClass.gmtZone, dateSettings(program),
-                               program.log, picture});
+    return loadProperties(
+        id, {bench.project(), program.state.gmtZone, dateSettings(program), program.log, picture});
 }
 
 QString sentence(const std::string &reason) {
@@ -102,7 +102,7 @@ void ViewersPart::addNotes() {
          [&bench](const Message &message) { bench.examiner().tell(message); }});
     bench.viewers->addPane(*m_notes, *m_notes, tr("Notes"), "MainForm.NotesText_Validate()");
     connect(&bench, &Workbench::projectOpened, m_notes,
-            [this] { m_notes->setReadOnly(m_bench.program.thisClass.projectDB.isReadOnly()); });
+            [this] { m_notes->setReadOnly(m_bench.program.state.projectDB.isReadOnly()); });
     connect(&bench, &Workbench::projectClosing, m_notes, [this] {
         if (m_bench.isProjectOpen())
             m_notes->clear();
@@ -126,7 +126,7 @@ std::optional<RecordContent> ViewersPart::contentFor(UrlId id,
                                                      const std::function<void(QString)> &missing) {
     Program &program = m_bench.program;
     Unwatched nobody;
-    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
+    RecordTools tools(program, nobody, program.state.tempFolderPath);
     auto content = contentOfRecord(tools, id);
     if (!content)
         missing(tr("The selected record could not be found."));
@@ -161,8 +161,8 @@ void ViewersPart::showHex(UrlId id) {
 void ViewersPart::showSource(UrlId id) {
     Program &program = m_bench.program;
     Unwatched nobody;
-    RecordTools tools(program, nobody, program.thisClass.tempFolderPath);
-    const auto record = tools.record(number(id));
+    RecordTools tools(program, nobody, program.state.tempFolderPath);
+    const auto record = tools.record(id);
     if (!record)
         return m_hex->showMissing(tr("The selected record could not be found."));
     const auto source = sourceOfRecord(*record);

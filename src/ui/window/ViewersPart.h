@@ -36,7 +36,7 @@ class ViewersPart final : public QObject {
     void showHex(UrlId id);
     void showSource(UrlId id);
 
-    ProgramState &state() { return m_bench.program.thisClass; }
+    ProgramState &state() { return m_bench.program.state; }
 
     Workbench &m_bench;
     TextPane *m_text = nullptr;

@@ -34,7 +34,7 @@ QList<Part *> namedParts(const QWidget &window) {
 }
 
 void keep(IniFile &settings, const std::string &key, const QByteArray &bytes) {
-    settings.writeIniValue(kSection, key, bytes.toBase64().toStdString());
+    settings.remember(kSection, key, bytes.toBase64().toStdString());
 }
 
 QByteArray kept(const IniFile &settings, const std::string &key) {
@@ -53,7 +53,7 @@ void keepWindowLayout(const QMainWindow &window, IniFile &settings) {
     // By name: a later version may have other tabs.
     for (const QTabWidget *tabs : namedParts<QTabWidget>(window))
         if (const QWidget *front = tabs->currentWidget())
-            settings.writeIniValue(kSection, keyOf("Tab_", *tabs), fromQt(front->objectName()));
+            settings.remember(kSection, keyOf("Tab_", *tabs), fromQt(front->objectName()));
 }
 
 void restoreWindowLayout(QMainWindow &window, const IniFile &settings) {

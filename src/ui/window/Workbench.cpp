@@ -5,7 +5,7 @@
 namespace nv {
 
 bool Workbench::mayWrite() const {
-    const bool may = !program.thisClass.projectDB.isReadOnly();
+    const bool may = !program.state.projectDB.isReadOnly();
     if (!may)
         examiner().tell(messages::readingOnly());
     return may;

@@ -36,11 +36,11 @@ class Workbench final : public QObject {
     ViewerTabs *viewers = nullptr;
 
     Examiner &examiner() const { return program.around.examiner; }
-    bool isProjectOpen() const { return program.thisClass.projectDB.isOpen(); }
+    bool isProjectOpen() const { return program.state.projectDB.isOpen(); }
     /// False, and told, while the project is open for reading only.
     bool mayWrite() const;
     /// Of an open project only.
-    SQLite::Database &project() const { return program.thisClass.projectDB.connection(); }
+    SQLite::Database &project() const { return program.state.projectDB.connection(); }
     /// A text in the status bar until the examiner goes to another row.
     void showNotice(const QString &text) { emit noticed(text); }
     /// The rows of the table have changed in the project; the list of them stays.

@@ -39,10 +39,12 @@ std::string rankings(const ChromeCacheEntry &entry) {
 
 std::string header(const ChromeCacheEntry &entry) {
     std::string bytes(24, '\0');
-    put32(bytes, 0, static_cast<std::uint32_t>(20 + entry.answer.size()));
+    put32(bytes, 0, static_cast<std::uint32_t>(24 + entry.answer.size()));
     put32(bytes, 4, 3);
     put64(bytes, 8, entry.requested);
     put64(bytes, 16, entry.modified);
+    bytes.append(4, '\0');
+    put32(bytes, 24, static_cast<std::uint32_t>(entry.answer.size()));
     return bytes + entry.answer;
 }
 

@@ -27,8 +27,9 @@ struct ChromePage {
 /// A "History" of Chrome.
 class ChromeHistory : public SqliteFile {
   public:
-    /// By the number in the file's table meta: Chrome 10 of 2011, 36 of 2014, 120 of 2023.
-    enum class Version { schema20 = 20, schema29 = 29, schema66 = 66 };
+    /// By the number in the file's table meta: Chrome 10 of 2011, 36 of 2014, 120 of 2023, and
+    /// Chromium 156 of 2026, which alone has all tables around pages and visits.
+    enum class Version { schema20 = 20, schema29 = 29, schema66 = 66, schema70 = 70 };
 
     explicit ChromeHistory(const std::filesystem::path &path, Version version = Version::schema29,
                            int pageSize = 4096, const std::string &encoding = "UTF-8");

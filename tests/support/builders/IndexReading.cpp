@@ -26,7 +26,7 @@ IndexReading &IndexReading::readBytes(const std::string &bytes, TaskMonitor &tas
     name(path);
     const Evidence evidence("");
     ContentProbe content;
-    ReadContext ctx{file, evidence, content, clock, {}, sink, log, task, deleted};
+    ReadContext ctx{file, evidence, content, clock, {}, sink, log, task, deleted, classicOnly};
     result = m_reader.bytes(ctx, viewOf(bytes));
     return *this;
 }
@@ -36,7 +36,7 @@ IndexReading &IndexReading::readFile(const std::filesystem::path &path,
     name(path);
     const Evidence evidence(base);
     ContentProbe content;
-    ReadContext ctx{file, evidence, content, clock, {}, sink, log, task, deleted};
+    ReadContext ctx{file, evidence, content, clock, {}, sink, log, task, deleted, classicOnly};
     result = m_reader.file(ctx);
     return *this;
 }

@@ -30,6 +30,7 @@ struct IndexReading {
     MemoryLog log;
     ReadResult result;
     bool deleted = false;
+    bool classicOnly = true;
 
     explicit IndexReading(HistoryFileType type = HistoryFileType::ieHistory,
                           RecordReader reader = kIndexReader);

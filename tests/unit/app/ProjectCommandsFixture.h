@@ -43,12 +43,12 @@ struct RecordingProjectView final : ProjectView {
 
 /// The commands on projects, with a window and dialogs that a test can ask.
 struct ProjectCommandsTest : ProgramFixture {
-    ProjectDatabase &db() { return program->thisClass.projectDB; }
+    ProjectDatabase &db() { return program->state.projectDB; }
     std::string setting(std::string_view name) {
         return ProjectFields(db().connection(), program->log).getDefault(name);
     }
     void set(std::string_view name, std::string_view value) {
-        ProjectFields(db().connection(), program->log).saveDefaultSetting(name, value);
+        ASSERT_TRUE(ProjectFields(db().connection(), program->log).saveDefaultSetting(name, value));
     }
     std::int64_t rows() {
         return db().connection().execAndGet("SELECT count(*) FROM URLs").getInt64();

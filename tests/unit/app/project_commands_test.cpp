@@ -3,6 +3,7 @@
 #include "app/jobs/Trail.h"
 #include "app/options/ProjectOptions.h"
 #include "app/program/TempFolder.h"
+#include "app/program/Zones.h"
 #include "app/project/Project.h"
 #include "app/project/RecentFiles.h"
 #include "base/Files.h"
@@ -22,7 +23,7 @@ using test::ProjectCommandsTest;
 TEST_F(ProjectCommandsTest, aNewProjectHoldsTheVersionAndIsRemembered) {
     ASSERT_TRUE(commands.openFile(path, OpenMode::newAtPath));
     EXPECT_EQ(setting("AppMajor") + "." + setting("AppMinor") + "." + setting("AppRevision"),
-              program->thisClass.appVersion);
+              program->state.appVersion);
     EXPECT_EQ(window.caption, "Norvelane - [" + path.string() + "]");
     EXPECT_EQ(window.restored, 1);
     EXPECT_EQ(configLastFilesOpened(program->settings).at(0).path, path);
@@ -62,16 +63,16 @@ TEST_F(ProjectCommandsTest, closingKeepsTheZoneAndResetsTheDefaultQuery) {
     EXPECT_EQ(window.saved, 1);
     EXPECT_EQ(window.cleared, 1);
     EXPECT_EQ(window.caption, "Norvelane");
-    program->thisClass.gmtZone.setToDefault(Date());
+    program->state.gmtZone.setToDefault(Date());
     ASSERT_TRUE(commands.openFile(path, OpenMode::existing));
-    EXPECT_EQ(program->thisClass.gmtZone.tzTimeZoneID, 20);
+    EXPECT_EQ(program->state.gmtZone.tzTimeZoneID, 20);
     commands.tellOfChangedDefaultQuery();
     EXPECT_TRUE(examiner.heard.empty()) << "the query is as it was first";
 }
 
 TEST_F(ProjectCommandsTest, closingResetsThePardRange) {
     commands.openFile(path, OpenMode::newAtPath);
-    PardChoice &pard = program->thisClass.pard;
+    PardChoice &pard = program->state.pard;
     pard.fromValue = 1;
     pard.toValue = 99;
     commands.closeFile();
@@ -94,7 +95,7 @@ TEST_F(ProjectCommandsTest, aChangedDefaultQueryIsTold) {
 TEST_F(ProjectCommandsTest, openingAProjectClosesTheOneBefore) {
     commands.openFile(path, OpenMode::newAtPath);
     commands.openFile(folder.path() / "second.nvp", OpenMode::newAtPath);
-    EXPECT_EQ(program->thisClass.projectDBPath, folder.path() / "second.nvp");
+    EXPECT_EQ(program->state.projectDBPath, folder.path() / "second.nvp");
     EXPECT_EQ(window.saved, 1);
     const auto recent = configLastFilesOpened(program->settings);
     EXPECT_EQ(recent.at(0).path, folder.path() / "second.nvp");
@@ -129,7 +130,7 @@ TEST_F(ProjectCommandsTest, aProjectThatIsOpenedWithoutItsZoneKeepsTheNumber) {
             writeWhole(paths.zones(), damage);
         examiner.expect("zone-not-set");
         EXPECT_TRUE(commands.openFile(path, OpenMode::existing)) << damage;
-        EXPECT_TRUE(program->thisClass.zoneIsUnread) << damage;
+        EXPECT_TRUE(program->state.zoneIsUnread) << damage;
         test::MemoryTask task;
         EXPECT_THROW(static_cast<void>(runImportJob(*program, task, folder.path())), StorageFailure)
             << damage;
@@ -138,13 +139,13 @@ TEST_F(ProjectCommandsTest, aProjectThatIsOpenedWithoutItsZoneKeepsTheNumber) {
     writeWhole(paths.zones(), ByteView(zones).raw());
     EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
     EXPECT_EQ(setting("LastTimeZoneID"), "66");
-    EXPECT_EQ(program->thisClass.gmtZone.tzTimeZoneID, 66);
+    EXPECT_EQ(program->state.gmtZone.tzTimeZoneID, 66);
 }
 
 TEST_F(ProjectCommandsTest, aZoneThatTheTableDoesntHoldIsToldAndKept) {
     commands.openFile(path, OpenMode::newAtPath);
     set("LastTimeZoneID", "9999");
-    program->thisClass.zoneIsUnread = true; // or closing would write the one in force
+    program->state.zoneIsUnread = true; // or closing would write the one in force
     commands.closeFile();
     examiner.expect("zone-not-there");
     EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
@@ -187,7 +188,7 @@ TEST_F(ProjectCommandsTest, saveAsGoesOnInTheCopy) {
     db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
     dialogs.answer = folder.path() / "copy.nvp";
     EXPECT_TRUE(commands.saveAs());
-    EXPECT_EQ(program->thisClass.projectDBPath, folder.path() / "copy.nvp");
+    EXPECT_EQ(program->state.projectDBPath, folder.path() / "copy.nvp");
     EXPECT_EQ(rows(), 1);
     db().connection().exec("INSERT INTO URLs(URL) VALUES ('y')");
     commands.openFile(path, OpenMode::existing);
@@ -221,7 +222,7 @@ TEST_F(ProjectCommandsTest, aFailedSaveAsStaysWithTheProject) {
     dialogs.answer = folder.path() / "none" / "copy.nvp";
     examiner.expect("save-as-failed");
     EXPECT_FALSE(commands.saveAs());
-    EXPECT_EQ(program->thisClass.projectDBPath, path);
+    EXPECT_EQ(program->state.projectDBPath, path);
     EXPECT_EQ(rows(), 0);
 }
 
@@ -235,7 +236,7 @@ TEST_F(ProjectCommandsTest, anOlderProjectIsToldUnlessTheCheckIsOff) {
     examiner.expect("version-check-can-be-turned-off");
     commands.openFile(path, OpenMode::existing);
     EXPECT_TRUE(examiner.heard.at(0).text.starts_with("This project file was creatd with"));
-    program->thisClass.disableFileVersionCheck = true;
+    program->state.disableFileVersionCheck = true;
     commands.openFile(path, OpenMode::existing);
     EXPECT_EQ(examiner.heard.size(), 3u);
     EXPECT_TRUE(window.upgraded.empty());
@@ -283,14 +284,15 @@ TEST_F(ProjectCommandsTest, theCommandLineTakesOneProjectOrArtefact) {
 
 TEST_F(ProjectCommandsTest, anArtefactThatCantBeRegisteredIsTold) {
     commands.openFile(path, OpenMode::newAtPath);
-    db().connection().exec("ALTER TABLE SourceFiles RENAME TO Elsewhere");
+    db().connection().exec("INSERT INTO SourceFiles (FileName) VALUES ('the only one'); "
+                           "CREATE UNIQUE INDEX full ON SourceFiles (length(FileName) > 0)");
     test::IndexDat index;
     index.add({.url = "Visited: mara@http://host.example/"});
     program->import.historyFiles.add(
         artefactOfCommandLine(folder.write("index.dat", index.bytes())).value());
     examiner.expect("logging-file-failed");
     Unwatched nobody;
-    const ImportSummary summary = runImportJob(*program, nobody, program->thisClass.tempFolderPath);
+    const ImportSummary summary = runImportJob(*program, nobody, program->state.tempFolderPath);
     EXPECT_EQ(summary.failure, "");
     ASSERT_EQ(summary.artefacts.size(), 1u);
     EXPECT_EQ(summary.artefacts[0].state, ArtefactState::failed) << summary.artefacts[0].reason;
@@ -311,8 +313,7 @@ TEST_F(ProjectCommandsTest, anArtefactOfTheCommandLineGoesIntoTheScratchProject)
     const std::string &outcome = examiner.heard.at(0).text;
     EXPECT_EQ(outcome,
               (folder.path() / "any name.dat").string() + "\n\nie-history: complete, 1 row\n");
-    EXPECT_EQ(program->thisClass.projectDBPath,
-              tempFileNames(program->thisClass.tempFolderPath).project);
+    EXPECT_EQ(program->state.projectDBPath, tempFileNames(program->state.tempFolderPath).project);
     EXPECT_EQ(rows(), 1);
     EXPECT_EQ(window.loaded, 1);
 }
@@ -378,7 +379,7 @@ TEST_F(ProjectCommandsTest, aBaseFolderWhoseNameIsNoUtf8IsFoundAgain) {
     setRootPath(*program, base);
     commands.closeFile();
     commands.openFile(path, OpenMode::existing);
-    EXPECT_EQ(program->thisClass.rootPath, base);
+    EXPECT_EQ(program->state.rootPath, base);
 }
 
 TEST_F(ProjectCommandsTest, saveAsWritesNothingAmongTheEvidence) {
@@ -389,7 +390,7 @@ TEST_F(ProjectCommandsTest, saveAsWritesNothingAmongTheEvidence) {
     examiner.expect("lies-in-evidence");
     EXPECT_FALSE(commands.saveAs());
     EXPECT_TRUE(fs::is_empty(folder.path() / "evidence"));
-    EXPECT_EQ(program->thisClass.projectDBPath, path) << "the open project stays open";
+    EXPECT_EQ(program->state.projectDBPath, path) << "the open project stays open";
     EXPECT_EQ(rows(), 0);
 }
 

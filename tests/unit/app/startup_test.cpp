@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 struct StartupTest : test::ProgramFixture {};
 
 TEST_F(StartupTest, aMissingSettingsFileGivesTheDefaults) {
-    const ProgramState &state = start().thisClass;
+    const ProgramState &state = start().state;
     EXPECT_EQ(state.dateTimeFormat, "yyyy-mm-dd Hh:Nn:Ss");
     EXPECT_EQ(state.viewerThumbnailWidth, 120);
     EXPECT_EQ(state.thumbnailRedrawTimeout, 5);
@@ -34,16 +34,16 @@ TEST_F(StartupTest, aMissingSettingsFileGivesTheDefaults) {
 
 TEST_F(StartupTest, twoValuesAreMended) {
     settings("[THUMBNAILS]\nThumbnailRedrawTimeout=0\nViewerThumbnailWidth=99\n");
-    EXPECT_EQ(start().thisClass.thumbnailRedrawTimeout, 15);
-    EXPECT_EQ(program->thisClass.viewerThumbnailWidth, 160);
+    EXPECT_EQ(start().state.thumbnailRedrawTimeout, 15);
+    EXPECT_EQ(program->state.viewerThumbnailWidth, 160);
     settings("[THUMBNAILS]\nThumbnailRedrawTimeout=1\nViewerThumbnailWidth=100\n");
-    EXPECT_EQ(start().thisClass.thumbnailRedrawTimeout, 1);
-    EXPECT_EQ(program->thisClass.viewerThumbnailWidth, 100);
+    EXPECT_EQ(start().state.thumbnailRedrawTimeout, 1);
+    EXPECT_EQ(program->state.viewerThumbnailWidth, 100);
 }
 
 TEST_F(StartupTest, theLimitOfEarlierBuildsIsASettingAway) {
     settings("[BEYOND]\nWideRecordIds=False\n");
-    EXPECT_FALSE(start().thisClass.wideRecordIds);
+    EXPECT_FALSE(start().state.wideRecordIds);
 }
 
 TEST_F(StartupTest, theLogHoldsOnlyTheCurrentRun) {
@@ -57,9 +57,9 @@ TEST_F(StartupTest, theLogHoldsOnlyTheCurrentRun) {
 TEST_F(StartupTest, theTempFolderIsTheNamedOneWhenItExists) {
     const fs::path named = folder.path() / "scratch";
     settings("[DEFAULT]\nTempFolderPath=" + named.string() + "\n");
-    EXPECT_EQ(start().thisClass.tempFolderRoot, paths.home / "Temp");
+    EXPECT_EQ(start().state.tempFolderRoot, paths.home / "Temp");
     fs::create_directories(named);
-    const ProgramState &state = start().thisClass;
+    const ProgramState &state = start().state;
     EXPECT_EQ(state.tempFolderRoot, named);
     EXPECT_EQ(state.tempFolderPath.parent_path(), named);
     EXPECT_TRUE(fs::exists(tempFileNames(state.tempFolderPath).badUrl));
@@ -79,23 +79,23 @@ TEST_F(StartupTest, whatTheProgramDidNotMakeInTheTempFolderStays) {
 }
 
 TEST_F(StartupTest, twoWindowsKeepOutOfEachOthersScratch) {
-    const fs::path first = start().thisClass.tempFolderPath;
+    const fs::path first = start().state.tempFolderPath;
     const fs::path report = first / "Report" / "~report.htm";
     fs::create_directories(report.parent_path());
     writeWhole(report, "not published yet");
     const std::unique_ptr<Program> running = std::move(program);
-    const fs::path second = start().thisClass.tempFolderPath;
+    const fs::path second = start().state.tempFolderPath;
     EXPECT_NE(first, second);
     EXPECT_TRUE(fs::exists(report));
     EXPECT_NE(tempFileNames(first).project, tempFileNames(second).project);
 }
 
 TEST_F(StartupTest, theScratchOfAWindowThatHasEndedGoesAtTheNextStart) {
-    const fs::path first = start().thisClass.tempFolderPath;
+    const fs::path first = start().state.tempFolderPath;
     program.reset();
     EXPECT_TRUE(fs::exists(first)) << "a report that isn't published outlives its window";
     start(Front::headless);
-    takeTempFolder(*program, program->thisClass.tempFolderRoot);
+    takeTempFolder(*program, program->state.tempFolderRoot);
     EXPECT_TRUE(fs::exists(first)) << "and the command lines behind it";
     start();
     EXPECT_FALSE(fs::exists(first));
@@ -108,12 +108,12 @@ TEST_F(StartupTest, aTempFolderThatCantBeWrittenToIsNotTaken) {
     fs::create_directories(named);
     fs::permissions(named, fs::perms::owner_read | fs::perms::owner_exec);
     settings("[DEFAULT]\nTempFolderPath=" + named.string() + "\n");
-    EXPECT_EQ(start().thisClass.tempFolderRoot, paths.home / "Temp");
+    EXPECT_EQ(start().state.tempFolderRoot, paths.home / "Temp");
 }
 
 TEST_F(StartupTest, aFolderThatHoldsTheProgramIsNoTempFolder) {
     settings("[DEFAULT]\nTempFolderPath=" + folder.path().string() + "\n");
-    EXPECT_EQ(start().thisClass.tempFolderRoot, paths.home / "Temp");
+    EXPECT_EQ(start().state.tempFolderRoot, paths.home / "Temp");
     EXPECT_TRUE(fs::exists(paths.zones()));
 }
 
@@ -125,7 +125,7 @@ TEST_F(StartupTest, aFolderThatHoldsTheSettingsOrTheLogsIsNoTempFolder) {
         const fs::path kept = folder.write(fs::path(named) / "kept.txt", "x");
         folder.write("user/config/Norvelane.ini",
                      "[DEFAULT]\nTempFolderPath=" + (folder.path() / named).string() + "\n");
-        EXPECT_EQ(start().thisClass.tempFolderRoot, paths.state / "Temp");
+        EXPECT_EQ(start().state.tempFolderRoot, paths.state / "Temp");
         EXPECT_TRUE(fs::exists(kept));
     }
 }
@@ -141,18 +141,18 @@ TEST_F(StartupTest, theHeadlessProgramLeavesTheTempFolderOfTheWindowAlone) {
 }
 
 TEST_F(StartupTest, theZoneIsTheMachinesOrTheDefault) {
-    EXPECT_EQ(start().thisClass.gmtZone.tzStandardName, "Eastern Standard Time");
-    EXPECT_EQ(program->thisClass.gmtZone.tzBias, 300);
+    EXPECT_EQ(start().state.gmtZone.tzStandardName, "Eastern Standard Time");
+    EXPECT_EQ(program->state.gmtZone.tzBias, 300);
     systemTime.machine = {7, "Zone of Nowhere"};
-    EXPECT_EQ(start().thisClass.gmtZone.tzTimeZoneID, 15);
-    EXPECT_EQ(program->thisClass.gmtZone.tzBias, -300);
+    EXPECT_EQ(start().state.gmtZone.tzTimeZoneID, 15);
+    EXPECT_EQ(program->state.gmtZone.tzBias, -300);
 }
 
 TEST_F(StartupTest, theCompanionToolIsTakenOnlyWhenItExists) {
-    EXPECT_EQ(start().thisClass.ostermoorEXEPath, "");
+    EXPECT_EQ(start().state.ostermoorEXEPath, "");
     folder.write("program/Ostermoor.exe", "x");
     settings("[OPTIONS]\nOstermoorEXEPath=/nowhere/Ostermoor.exe\n");
-    EXPECT_EQ(start().thisClass.ostermoorEXEPath, paths.program / "Ostermoor.exe");
+    EXPECT_EQ(start().state.ostermoorEXEPath, paths.program / "Ostermoor.exe");
 }
 
 } // namespace

@@ -45,16 +45,6 @@ TEST(KeyedList, refusesATakenKeyAndStaysAsItWas) {
     EXPECT_EQ(joined(list), "one two three ");
 }
 
-TEST(KeyedList, insertsBeforeAndAfterAndKeysFollow) {
-    auto list = threeNames();
-    list.addBefore(1, "zero", "z");
-    list.addAfter(2, "half", "h");
-    EXPECT_EQ(joined(list), "zero one half two three ");
-    EXPECT_EQ(list.item("a"), "one");
-    EXPECT_EQ(list.item("h"), "half");
-    EXPECT_EQ(list.item("c"), "three");
-}
-
 TEST(KeyedList, removesByPositionAndByKeyAndKeysFollow) {
     auto list = threeNames();
     list.remove(2);
@@ -74,7 +64,6 @@ TEST(KeyedList, throwsForWhatIsNotThere) {
     EXPECT_THROW(list.item("nobody"), std::out_of_range);
     EXPECT_THROW(list.remove(4), std::out_of_range);
     EXPECT_THROW(list.remove("nobody"), std::out_of_range);
-    EXPECT_THROW(list.addAfter(4, "x"), std::out_of_range);
 }
 
 TEST(KeyedList, isEmptyAndFreeOfKeysAfterClear) {

@@ -109,6 +109,51 @@ TEST(Dialect, putsTheRowsOfTopAtTheEndOfTheirSelect) {
     EXPECT_EQ(translate("SELECT top FROM t"), "SELECT top FROM t");
 }
 
+std::string lookUp(const std::string &value, const std::string &record, const std::string &name) {
+    return "(SELECT F.Found FROM (SELECT rowid AS Place, URL_ID AS Record, Name, " + value +
+           " AS Found FROM RecordFacts) AS F WHERE F.Record = " + record + " AND F.Name = '" +
+           name + "' ORDER BY F.Place LIMIT 1) COLLATE NOCASE";
+}
+
+TEST(Dialect, looksFactsUpByTheRecordInHand) {
+    const std::string transition = lookUp("Value", "URL_ID", "transition");
+    EXPECT_EQ(translate("SELECT * FROM URLs WHERE Fact('transition') = 'typed'"),
+              "SELECT * FROM URLs WHERE " + transition + " = 'typed'");
+    EXPECT_EQ(translate("fact ( \"TRANSITION\" ) LIKE 'a%'"), transition + " LIKE 'a%'");
+    EXPECT_EQ(translate("RawFact('count') > 3"),
+              lookUp("ifnull(RawValue, Value)", "URL_ID", "count") + " > 3");
+    EXPECT_EQ(translate("[URLs].Fact('count') = 1"),
+              lookUp("Value", "\"URLs\".URL_ID", "count") + " = 1");
+    EXPECT_EQ(translate("main . URLs . Fact('count')"),
+              lookUp("Value", "main.URLs.URL_ID", "count"));
+    EXPECT_EQ(translate("SELECT 'Fact(x)', [Fact] FROM t -- Fact()"),
+              "SELECT 'Fact(x)', \"Fact\" FROM t  ");
+}
+
+TEST(Dialect, aResultColumnHasTheNameOfItsFact) {
+    const std::string count = lookUp("Value", "URL_ID", "count");
+    EXPECT_EQ(translate("SELECT URL, Fact('count') FROM URLs ORDER BY Fact('count'), URL"),
+              "SELECT URL, " + count + " AS 'count' FROM URLs ORDER BY " + count + ", URL");
+    EXPECT_EQ(translate("SELECT DISTINCT Fact('count'), Nz(Fact('count'), 0) FROM URLs"),
+              "SELECT DISTINCT " + count + " AS 'count', ifnull(" + count + ", 0) FROM URLs");
+    EXPECT_EQ(translate("SELECT Fact('count') AS c FROM URLs"),
+              "SELECT " + count + " AS c FROM URLs");
+    EXPECT_EQ(translate("SELECT Fact('count') + 1 FROM URLs"),
+              "SELECT " + count + " + 1 FROM URLs");
+}
+
+TEST(Dialect, refusesAFactThatNobodyKnows) {
+    try {
+        translate("SELECT * FROM URLs WHERE Fact('transitoin') = 'typed'");
+        ADD_FAILURE() << "it would find nothing";
+    } catch (const DialectError &error) {
+        EXPECT_NE(std::string(error.what()).find("'transition'"), std::string::npos);
+    }
+    for (const char *wrong : {"Fact(transition)", "Fact()", "Fact('transition', 1)", "Fact(",
+                              "Fact('transition'", "Fact('')", "RawFact(1)"})
+        EXPECT_THROW(translate(wrong), DialectError) << wrong;
+}
+
 TEST(Dialect, readsDates) {
     EXPECT_EQ(translate("SELECT #1/15/2009#"), "SELECT (39828)");
     EXPECT_EQ(translate("SELECT #2009-01-15 12:00:00#"), "SELECT (39828.5)");

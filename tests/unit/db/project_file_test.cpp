@@ -121,25 +121,6 @@ TEST(ProjectFile, closingTellsOfALogThatMustStay) {
     EXPECT_EQ(project.log.entries[0].procedure, "DatabaseClass.CloseDB()");
 }
 
-TEST(ProjectFile, keywordFlagsAreMadeOnFirstUse) {
-    test::TestProject project;
-    project.database.keywordFolder = project.folder.path();
-    project.folder.write("adult-content.txt", "xxx\nporn; adult\n");
-    EXPECT_TRUE(project.database.populateKeywordFlags());
-    ASSERT_EQ(project.log.entries.size(), 1u); // the other list isn't there
-    EXPECT_EQ(project.log.entries[0].procedure, "DatabaseClass.loadKeywordLists()");
-    EXPECT_EQ(project.text("SELECT group_concat(FlagName || '=' || FlagCode || '=' || Keywords) "
-                           "FROM KeywordFlags"),
-              "Adult Content=AC=xxx;porn;adult;,Sex Crimes=CP=");
-    EXPECT_TRUE(project.database.populateKeywordFlags());
-    EXPECT_EQ(project.number("SELECT count(*) FROM KeywordFlags"), 2);
-    EXPECT_TRUE(project.database.createFlaggedURLs());
-    EXPECT_EQ(project.text("SELECT IndexName FROM SchemaIndexes WHERE TableName = 'FlaggedURLs'"),
-              "FlagURL_ID_PK");
-    project.database.closeDB();
-    EXPECT_FALSE(project.database.createFlaggedURLs());
-}
-
 TEST(ProjectFile, aTermThatIsNoPatternIsLeftOutAndLogged) {
     test::TempFolder folder;
     test::MemoryLog log;
@@ -186,20 +167,6 @@ TEST(ProjectFile, aListOfThousandsOfTermsStillMakesAProject) {
     const char *count = "SELECT count(*) FROM [Child Exploitation]";
     EXPECT_EQ(project.connection().execAndGet(count).getInt(), 1);
     EXPECT_TRUE(log.entries.empty());
-}
-
-TEST(ProjectFile, aMorkScratchFileHasThreeTablesAndReplacesAnOlderOne) {
-    test::TestProject project;
-    const fs::path file = project.folder.write("scratch.db", "left over");
-    ASSERT_TRUE(project.database.createMorkFileParser(file));
-    SQLite::Database scratch(file.string());
-    EXPECT_EQ(scratch
-                  .execAndGet("SELECT group_concat(name) FROM sqlite_master WHERE type = "
-                              "'table' AND name LIKE 'Mork%'")
-                  .getString(),
-              "MorkColumns,MorkMap,MorkValues");
-    EXPECT_FALSE(project.database.createMorkFileParser(project.folder.path() / "no" / "x.db"));
-    EXPECT_EQ(project.log.entries.back().procedure, "DatabaseClass.CreateMorkFileParser()");
 }
 
 } // namespace

@@ -46,7 +46,7 @@ TEST_F(ProjectTest, aNewProjectHasEveryTableWithItsColumnsAndDescriptions) {
         }
         EXPECT_FALSE(columns.executeStep()) << table.name;
     }
-    EXPECT_EQ(get("SELECT count(*) FROM pragma_table_info('URLs')"), "75");
+    EXPECT_EQ(get("SELECT count(*) FROM pragma_table_info('URLs')"), "78");
     EXPECT_EQ(get("SELECT Description FROM SchemaColumns WHERE ColumnName = 'ThumbnailCreated'"),
               "The last time this thumbail was created");
     EXPECT_EQ(get("SELECT Label FROM SchemaColumns WHERE ColumnName = 'PARDValue'"), "PIAR Value");
@@ -180,8 +180,7 @@ TEST_F(ProjectTest, settingsReadBackAndAMissingOneIsEmpty) {
     EXPECT_TRUE(fields.saveDefaultSetting("LastTimeZoneID", "15"));
     EXPECT_TRUE(fields.saveDefaultSetting("lasttimezoneid", " 20 "));
     EXPECT_EQ(fields.getDefault("LastTimeZoneID"), "20");
-    EXPECT_EQ(fields.getRecordCount("DefaultName", "DefaultSettings"), 1);
-    fields.saveDefaultSetting("x'; DROP TABLE URLs; --", "1");
+    EXPECT_TRUE(fields.saveDefaultSetting("x'; DROP TABLE URLs; --", "1"));
     EXPECT_EQ(fields.getDefault("x'; DROP TABLE URLs; --"), "1");
     EXPECT_TRUE(log.entries.empty());
 }
@@ -216,8 +215,6 @@ TEST_F(ProjectTest, fieldsUnderstandDatesAndFlags) {
     EXPECT_EQ(get("SELECT Tagged FROM URLs"), "1");
     EXPECT_TRUE(fields.putDBField("false", "7", "URL_ID", "URLs", "Tagged"));
     EXPECT_EQ(get("SELECT Tagged FROM URLs"), "0");
-    EXPECT_EQ(fields.getRecordCount("nothing", "URLs"), 0);
-    EXPECT_EQ(log.entries.back().procedure, "ADO.GetRecordCount()");
 }
 
 TEST_F(ProjectTest, closesIntoOneSoundFileAndOpensAgain) {

@@ -4,6 +4,7 @@
 #include "db/RecordColumns.h"
 #include "db/RecordStore.h"
 #include "db/SchemaColumns.h"
+#include "db/StoredQueries.h"
 #include "support/TestProject.h"
 
 #include <gtest/gtest.h>
@@ -70,6 +71,32 @@ TEST(RecordColumns, areThoseOfTheSchemaInItsOrder) {
     ASSERT_EQ(recordColumns().size(), schema.size());
     for (std::size_t i = 0; i < schema.size(); ++i)
         EXPECT_EQ(recordColumns()[i].name, schema[i].name);
+}
+
+TEST_F(RecordStoreTest, aRecordIsOfItsFilesBrowserUnlessItSaysOtherwise) {
+    project.file.origin = {"Brave", "1.2", "Default", "alice", ""};
+    const UrlRecord plain = savedUrl("http://host/");
+    EXPECT_EQ(plain.Browser + "|" + plain.Profile + "|" + plain.Person, "Brave|Default|alice");
+    UrlRecord record;
+    record.Profile = "Profile 7";
+    const UrlRecord own = saved(record);
+    EXPECT_EQ(own.Browser + "|" + own.Profile + "|" + own.Person, "Brave|Profile 7|alice");
+}
+
+TEST(RecordStoreOfEarlierBuilds, aProjectWithoutTheLaterColumnsIsRead) {
+    test::TestProject project;
+    StoredQueries queries(project.connection());
+    for (const StoredQuery &query : queries.list())
+        queries.remove(query.name);
+    project.connection().exec("INSERT INTO URLs (URL, WebPageTitle, Browser) "
+                              "VALUES ('http://a/', 'title', 'lost')");
+    for (const char *column : {"Browser", "Profile", "Person"})
+        project.connection().exec(std::string("ALTER TABLE URLs DROP COLUMN ") + column);
+    const auto record = project.store().getURL(UrlId{1});
+    ASSERT_TRUE(record);
+    EXPECT_EQ(record->URL, "http://a/");
+    EXPECT_EQ(record->WebpageTitle, "title");
+    EXPECT_EQ(record->Browser, "");
 }
 
 TEST_F(RecordStoreTest, everyMemberComesBackFromItsColumn) {

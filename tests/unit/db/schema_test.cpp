@@ -11,9 +11,9 @@ namespace {
 
 TEST(Schema, tablesHaveTheirColumnsInNumber) {
     const std::map<std::string, std::size_t> counts = {
-        {"URLs", 75},    {"DefaultSettings", 2}, {"LinkAnalysis", 5}, {"SourceFiles", 8},
+        {"URLs", 78},    {"DefaultSettings", 2}, {"LinkAnalysis", 5}, {"SourceFiles", 15},
         {"Links", 4},    {"Tags", 15},           {"TagOptions", 4},   {"URLMetaData", 11},
-        {"Keywords", 2}, {"URLSortTable", 2}};
+        {"Keywords", 2}, {"URLSortTable", 2},    {"RecordFacts", 4}};
     EXPECT_EQ(schema::projectTables().size(), counts.size());
     for (const schema::Table &table : schema::projectTables())
         EXPECT_EQ(table.columns.size(), counts.at(std::string(table.name))) << table.name;
@@ -21,12 +21,12 @@ TEST(Schema, tablesHaveTheirColumnsInNumber) {
 
 TEST(Schema, tablesStandInTheOrderOfTheirMaking) {
     const char *names[] = {
-        "URLs", "DefaultSettings", "LinkAnalysis", "SourceFiles", "Links",
-        "Tags", "TagOptions",      "URLMetaData",  "Keywords",    "URLSortTable"};
+        "URLs",       "DefaultSettings", "LinkAnalysis", "SourceFiles",  "Links",      "Tags",
+        "TagOptions", "URLMetaData",     "Keywords",     "URLSortTable", "RecordFacts"};
     for (std::size_t i = 0; i < std::size(names); ++i)
         EXPECT_EQ(schema::projectTables()[i].name, names[i]);
     EXPECT_EQ(schema::relationships().front().name, "URLsLinks");
-    EXPECT_EQ(schema::relationships().back().name, "TagOptions_Relationship");
+    EXPECT_EQ(schema::relationships().back().name, "RecordFacts_Relationship");
 }
 
 TEST(Schema, sizesAreThoseThatAreKnown) {
@@ -48,7 +48,7 @@ TEST(Schema, theValidationTextTellsAViewHowToShowAColumn) {
 
 TEST(SchemaCatalogue, theProjectKeepsWhatSQLiteDoesNot) {
     test::TestProject project;
-    EXPECT_EQ(project.number("SELECT count(*) FROM SchemaColumns"), 128);
+    EXPECT_EQ(project.number("SELECT count(*) FROM SchemaColumns"), 142);
     EXPECT_EQ(project.text("SELECT ValidationText || '|' || Properties || '|' || Type FROM "
                            "SchemaColumns WHERE TableName = 'URLs' AND Ordinal = 0"),
               "show:00:01000:URN|Autoincrement=true|Long");
@@ -56,7 +56,7 @@ TEST(SchemaCatalogue, theProjectKeepsWhatSQLiteDoesNot) {
                            "ToColumn FROM SchemaRelationships WHERE RelationshipName = "
                            "'URLsLinks1'"),
               "URLs.URL_ID>LinkAnalysis.Child_ID");
-    EXPECT_EQ(project.number("SELECT count(*) FROM SchemaRelationships"), 6);
+    EXPECT_EQ(project.number("SELECT count(*) FROM SchemaRelationships"), 7);
     EXPECT_EQ(project.text("SELECT ColumnName FROM SchemaIndexes WHERE IndexName = 'URLIndex'"),
               "URL");
     EXPECT_EQ(project.number("SELECT count(*) FROM SchemaIndexes WHERE IsPrimaryKey"), 8);
@@ -81,6 +81,27 @@ TEST(SchemaCatalogue, aNumberIsNeverGivenTwice) {
     project.connection().exec("INSERT INTO URLs DEFAULT VALUES; INSERT INTO URLs DEFAULT VALUES;"
                               "DELETE FROM URLs WHERE URL_ID = 2; INSERT INTO URLs DEFAULT VALUES");
     EXPECT_EQ(project.number("SELECT max(URL_ID) FROM URLs"), 3);
+}
+
+TEST(SchemaCatalogue, aRecordTakesItsFactsAlong) {
+    test::TestProject project;
+    project.connection().exec("INSERT INTO URLs DEFAULT VALUES; INSERT INTO URLs DEFAULT VALUES;"
+                              "INSERT INTO RecordFacts (URL_ID, Name, Value) VALUES "
+                              "(1, 'transition', 'typed'), (2, 'count', 3)");
+    project.connection().exec("DELETE FROM URLs WHERE URL_ID = 1");
+    EXPECT_EQ(project.text("SELECT group_concat(Name) FROM RecordFacts"), "count");
+    EXPECT_THROW(project.connection().exec("INSERT INTO RecordFacts (URL_ID) VALUES (77)"),
+                 SQLite::Exception);
+}
+
+TEST(SchemaCatalogue, theValueOfAFactStaysWhatItWas) {
+    test::TestProject project;
+    project.connection().exec("INSERT INTO URLs DEFAULT VALUES; INSERT INTO RecordFacts VALUES "
+                              "(1, 'field_value', '007', 1.0), (1, 'count', 7, '1e3')");
+    EXPECT_EQ(project.text("SELECT group_concat(typeof(Value) || Value || typeof(RawValue) || "
+                           "RawValue) FROM RecordFacts"),
+              "text007real1.0,integer7text1e3");
+    EXPECT_EQ(project.number("SELECT count(*) FROM SchemaColumns WHERE Type = 'Variant'"), 2);
 }
 
 TEST(SchemaCatalogue, emptyingTheTagsOfAPageTakesTheirOptionsAlong) {

@@ -45,6 +45,61 @@ TEST_F(ImportRunTest, importsTheSameFileTwiceIntoOneSourceFile) {
     EXPECT_EQ(project.number("SELECT Count(DISTINCT SourceFile_ID) FROM URLs"), 1);
 }
 
+ReadResult readVisit(ReadContext &ctx) {
+    UrlRecord record;
+    record.URL = "http://host/";
+    record.facts.add("transition", "typed", 1);
+    ctx.file.origin.browserVersion = "History 70";
+    ctx.sink.save(record);
+    return {};
+}
+const Reader *visitReader(HistoryFileType type) {
+    static constexpr Reader reader = test::madeUp(chromeHistory, "visits", readVisit);
+    return type == chromeHistory ? &reader : nullptr;
+}
+
+TEST_F(ImportRunTest, tellsOfEachRecordWhoseItIsAndWhatNoColumnHolds) {
+    const std::string place = "Users/alice/AppData/Local/Microsoft/Edge/User Data/";
+    for (const char *profile : {"Default", "Profile 1"}) {
+        std::filesystem::create_directories(project.folder.path() / place / profile);
+        add(chromeHistory, place + profile + "/History", "the same content");
+    }
+    Unwatched task;
+    const ImportSummary summary = import(task, visitReader);
+    EXPECT_EQ(project.text("SELECT group_concat(Browser || '|' || Profile || '|' || Person) "
+                           "FROM URLs"),
+              "Microsoft Edge|Default|alice,Microsoft Edge|Profile 1|alice");
+    EXPECT_EQ(project.text("SELECT group_concat(Browser || '|' || BrowserVersion || '|' || "
+                           "Profile || '|' || Person) FROM SourceFiles"),
+              "Microsoft Edge|History 70|Default|alice,Microsoft Edge|History 70|Profile 1|alice");
+    EXPECT_EQ(project.text("SELECT group_concat(URL_ID || Name || Value || RawValue) FROM "
+                           "RecordFacts"),
+              "1transitiontyped1,2transitiontyped1");
+    EXPECT_EQ(summary.artefacts[1].origin.profile, "Profile 1");
+    EXPECT_EQ(summary.artefacts[1].origin.browserVersion, "History 70");
+    import(task, visitReader);
+    EXPECT_EQ(project.number("SELECT Count(*) FROM SourceFiles"), 2) << "those of the first run";
+}
+
+ReadResult tellWhetherAsked(ReadContext &ctx) {
+    test::saveUrl(ctx, ctx.secrets ? "asked" : "not asked");
+    return {};
+}
+const Reader *secretReader(HistoryFileType type) {
+    static constexpr Reader reader = test::madeUp(chromiumLogins, "secrets", tellWhetherAsked);
+    return type == chromiumLogins ? &reader : nullptr;
+}
+
+TEST_F(ImportRunTest, handsPasswordsOutOnlyWhenAsked) {
+    add(chromiumLogins, "a", "");
+    Unwatched task;
+    EXPECT_EQ(import(task, secretReader).failure, "");
+    job.secrets = true;
+    EXPECT_EQ(import(task, secretReader).failure, "");
+    EXPECT_EQ(project.text("SELECT group_concat(URL) FROM (SELECT URL FROM URLs ORDER BY URL_ID)"),
+              "not asked,asked");
+}
+
 TEST_F(ImportRunTest, givesTheRowItsCategoryAndTheReadersWord) {
     add(norvelaneNVD, "a", "http://host/picture.gif\x1Ehttp://host/folder/");
     import();

@@ -1,9 +1,12 @@
 #include "import/FileMask.h"
 #include "import/ImportSettings.h"
 #include "readers/Registry.h"
+#include "support/ImportOption.h"
 #include "unit/import/FirstFormats.h"
 
 #include <gtest/gtest.h>
+
+#include <set>
 
 namespace nv {
 namespace {
@@ -24,11 +27,11 @@ TEST(ImportSettings, wantsEverythingAtFirst) {
     EXPECT_TRUE(job.parseAdvancedMetadata);
 }
 
-TEST(ImportSettings, findsABoxByItsName) {
+TEST(ImportSettings, hasABoxForEachName) {
+    std::set<std::string_view> names;
     for (const SourceOption *option : importOptions())
-        EXPECT_EQ(&importOption(option->name), option) << "a name that two boxes have";
+        EXPECT_TRUE(names.insert(option->name).second) << option->name;
     EXPECT_EQ(importOptions(test::firstFormats()).size(), 19U);
-    EXPECT_THROW(importOption("chkNothing"), std::out_of_range);
 }
 
 TEST(MaskText, joinsThePiecesOfTheBoxesThatAreOn) {
@@ -40,14 +43,21 @@ TEST(MaskText, joinsThePiecesOfTheBoxesThatAreOn) {
               "*.htm;*.html");
     EXPECT_EQ(maskText(nothingWanted()), "");
     ImportSettings job = nothingWanted();
-    setWanted(job, importOption("chkHistoryIE"), true);
-    setWanted(job, importOption("chkHistEx"), true);
+    setWanted(job, test::importOption("chkHistoryIE"), true);
+    setWanted(job, test::importOption("chkHistEx"), true);
     EXPECT_EQ(maskText(job), "index*.dat;*-UC-index.dat");
+}
+
+TEST(MaskText, ofTheClassicRulesIsThatOfTheFirstFormats) {
+    ImportSettings job;
+    job.classicOnly = true;
+    EXPECT_EQ(maskText(job), maskText(ImportSettings(), test::firstFormats()));
+    EXPECT_NE(maskText(ImportSettings()), maskText(job));
 }
 
 TEST(MaskText, hasNoPieceForCookiesOfInternetExplorer) {
     ImportSettings job = nothingWanted();
-    setWanted(job, importOption("chkCookiesIE"), true);
+    setWanted(job, test::importOption("chkCookiesIE"), true);
     EXPECT_EQ(maskText(job), "");
 }
 

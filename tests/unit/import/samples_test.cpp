@@ -72,6 +72,7 @@ TEST_F(SamplesTest, areRecognised) {
 
 TEST_F(SamplesTest, areImportedFromAnIndexOfInternetExplorer) {
     job.historyFiles = scanned(*samples / "ie_history_gold").historyFiles;
+    job.classicOnly = true;
     Unwatched task;
     const ImportSummary summary = import(task, readerFor);
     ASSERT_EQ(summary.artefacts.size(), 1u);

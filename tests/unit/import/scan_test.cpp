@@ -1,5 +1,6 @@
 #include "base/Md5.h"
 #include "import/Scan.h"
+#include "support/ImportOption.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "support/Unprivileged.h"
@@ -43,7 +44,7 @@ class ScanTest : public testing::Test {
     }
 
     void dontLookFor(const SourceOption &box) { setWanted(job, box, false); }
-    void dontLookFor(std::string_view box) { dontLookFor(importOption(box)); }
+    void dontLookFor(std::string_view box) { dontLookFor(test::importOption(box)); }
 
     /// As somebody to whom the modes of files mean something.
     ScanResult scannedWithoutPrivileges() {
@@ -299,6 +300,34 @@ TEST_F(ScanTest, notesAFolderWhoseFilesCantAllBeRead) {
     const ScanResult result = scannedWithoutPrivileges();
     EXPECT_EQ(result.historyFiles.count(), 0u);
     EXPECT_EQ(unreadable(result), Lines{(folder.path() / "Cache" / "a_0").string()});
+}
+
+TEST_F(ScanTest, masksThatComeAnewFindNothingMoreForTheClassicRules) {
+    Reader later = madeUp(1000, "later", "*.sqlite");
+    later.recognises = [](const Candidate &) { return true; };
+    later.isBeyondClassic = true;
+    formats.push_back(&later);
+    folder.write("my places.sqlite", ""); // the name test of a classic format would take it
+    folder.write("places.sqlite", "");
+    folder.write("songs.dat", "");
+    EXPECT_EQ(found(), (Lines{"1000 my places.sqlite", "22 places.sqlite"}));
+    job.classicOnly = true;
+    EXPECT_EQ(found(), Lines{"22 places.sqlite"});
+    job.startingDirectory = folder.path() / "my places.sqlite";
+    EXPECT_EQ(found(), Lines{"22 my places.sqlite"}) << "whoever names it wants it";
+}
+
+TEST_F(ScanTest, listsCachesAndStoresOfTodayOnce) {
+    const std::string magic = "\x30\x5C\x72\xA7\x1B\x6D\xFB\xFC";
+    folder.write("Default/Cache/Cache_Data/index", magic);
+    for (const char *name : {"00acb88820c9a06a_0", "0168de15768a740f_0", "0168de15768a740f_s"})
+        folder.write(std::string("Default/Cache/Cache_Data/") + name, magic);
+    folder.write("Default/Local Storage/leveldb/CURRENT", "MANIFEST-000001\n");
+    folder.write("Default/Local Storage/leveldb/000003.log", "log");
+    EXPECT_EQ(found(), (Lines{"60 Default/Cache/Cache_Data", "63 Default/Local Storage/leveldb"}));
+    EXPECT_EQ(scanned().historyFiles.item(1).fileSize, 32u);
+    job.classicOnly = true;
+    EXPECT_EQ(found(), Lines{});
 }
 
 TEST_F(ScanTest, showsWhereItIs) {

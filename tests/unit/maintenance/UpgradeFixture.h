@@ -21,7 +21,8 @@ struct UpgradeFixture : testing::Test {
         ProjectDatabase project(log, clock);
         project.filePath = path;
         EXPECT_TRUE(project.createDatabaseProject());
-        ProjectFields(project.connection(), log).saveDefaultSetting("LastTimeZoneID", "15");
+        EXPECT_TRUE(
+            ProjectFields(project.connection(), log).saveDefaultSetting("LastTimeZoneID", "15"));
         project.connection().exec(
             "INSERT INTO SourceFiles (FileName) VALUES ('index.dat');"
             "INSERT INTO URLs (SourceFile_ID, URL, Visits, ActionDateUTC, Action, ThumbnailBLOB) "

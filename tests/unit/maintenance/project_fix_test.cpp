@@ -74,8 +74,9 @@ TEST_F(ProjectFixTest, allDataStandsInAProjectOfThisBuild) {
     EXPECT_EQ(outcome.end, FixEnd::fixed);
     EXPECT_EQ(outcome.oldProject, old);
     EXPECT_THAT(outcome.notes, IsEmpty());
-    EXPECT_THAT(tables, ElementsAre("DefaultSettings", "StoredQueries", "SourceFiles", "URLs",
-                                    "Links", "URLMetaData", "Tags", "TagOptions", "LinkAnalysis"));
+    EXPECT_THAT(tables,
+                ElementsAre("DefaultSettings", "StoredQueries", "SourceFiles", "URLs", "Links",
+                            "URLMetaData", "Tags", "TagOptions", "LinkAnalysis", "RecordFacts"));
     EXPECT_EQ(bytes(old), before);
     EXPECT_EQ(shapeOfRows(path), rows);
     EXPECT_EQ(text("SELECT URL FROM Links WHERE URL_ID = 1"), "http://c.example/");
@@ -139,6 +140,46 @@ TEST_F(ProjectFixTest, whatTheAuditShowsOfRebuiltPagesGoesAlong) {
     EXPECT_EQ(notes.at(1).accuracyScore, "1:3");
     EXPECT_TRUE(notes.at(1).rewritten);
     EXPECT_THAT(notes.at(1).candidates, ElementsAre(2, 7));
+}
+
+TEST_F(ProjectFixTest, factsAndOriginsGoAlongAsTheyWere) {
+    change("UPDATE SourceFiles SET Browser = 'Brave', Profile = 'Default', Person = 'alice', "
+           "BrowserVersion = '1.2', Device = 'phone', SHA256Hash = 'ab', ClassicOnly = 1; "
+           "UPDATE URLs SET Browser = 'Brave', Person = 'alice' WHERE URL_ID = 1; "
+           "INSERT INTO RecordFacts VALUES (1, 'field_value', '007', NULL), "
+           "(1, 'visit_duration', 1.5, 1500000), (2, 'of a later build', 3, 'x')");
+    const char *const rows = "SELECT group_concat(URL_ID || Name || typeof(Value) || Value || "
+                             "typeof(RawValue) || coalesce(RawValue, '')) FROM RecordFacts";
+    const std::string before = text(rows);
+    EXPECT_THAT(scan().leftBehind, IsEmpty());
+    ASSERT_EQ(fix().end, FixEnd::fixed);
+    EXPECT_EQ(text(rows), before);
+    EXPECT_EQ(text("SELECT Browser || Profile || Person || BrowserVersion || Device || SHA256Hash "
+                   "|| ClassicOnly FROM SourceFiles"),
+              "BraveDefaultalice1.2phoneab1");
+    EXPECT_EQ(
+        text("SELECT group_concat(coalesce(Browser, '-') || coalesce(Person, '-')) FROM URLs"),
+        "Bravealice,--");
+}
+
+TEST_F(ProjectFixTest, aProjectOfTheVersionBeforeGetsWhatItLacks) {
+    dropViews();
+    change("DROP TABLE RecordFacts");
+    for (const char *column : {"Browser", "Profile", "Person"})
+        change(std::string("ALTER TABLE URLs DROP COLUMN ") + column);
+    for (const char *column :
+         {"SHA256Hash", "Browser", "BrowserVersion", "Profile", "Person", "Device", "ClassicOnly"})
+        change(std::string("ALTER TABLE SourceFiles DROP COLUMN ") + column);
+    const std::string rows = shapeOfRows(path);
+    const auto lines = linesOf(scan());
+    for (const char *line : {"RecordFacts Table RecordFacts Missing", "URLs Column Browser Missing",
+                             "SourceFiles Column Person Missing"})
+        EXPECT_THAT(lines, testing::Contains(line));
+    ASSERT_EQ(fix().end, FixEnd::fixed);
+    EXPECT_EQ(shapeOfRows(path), rows);
+    EXPECT_THAT(linesOf(scan()), IsEmpty());
+    EXPECT_EQ(text("SELECT count(*) FROM _DEFAULT WHERE Browser IS NULL"), "2");
+    EXPECT_EQ(text("SELECT FileName FROM SourceFiles"), "index.dat");
 }
 
 TEST_F(ProjectFixTest, aProjectWithoutATrailBeginsOneWithTheFix) {

@@ -209,22 +209,6 @@ TEST_F(CssCases, oneDeclaration) {
            21});
 }
 
-TEST_F(CssCases, oneRule) {
-    check({"one_rule.json",
-           [](const Tokens &tokens, CssRange part) {
-               return onlyOf(itemsOf(tokens, cssRules(tokens, part)));
-           },
-           14});
-}
-
-TEST_F(CssCases, rules) {
-    check({"rule_list.json",
-           [](const Tokens &tokens, CssRange part) {
-               return itemsOf(tokens, cssRules(tokens, part));
-           },
-           15});
-}
-
 TEST_F(CssCases, styleSheets) {
     check({"stylesheet.json",
            [](const Tokens &tokens, CssRange part) {

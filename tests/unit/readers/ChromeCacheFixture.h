@@ -20,6 +20,7 @@ struct ChromeCacheReading {
     MemoryLog log;
     MemoryTask task;
     ReadResult result;
+    bool classicOnly = true;
 
     ChromeCacheReading &read(const std::filesystem::path &index, const std::filesystem::path &base,
                              TaskMonitor &watcher) {
@@ -28,7 +29,7 @@ struct ChromeCacheReading {
         file.version = "1.0";
         const Evidence evidence(base);
         ContentProbe content;
-        ReadContext ctx{file, evidence, content, clock, {}, sink, log, watcher};
+        ReadContext ctx{file, evidence, content, clock, {}, sink, log, watcher, false, classicOnly};
         result = parseChromeCache(ctx);
         return *this;
     }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Files.h"
+#include "readers/CachedBody.h"
 #include "readers/ContentProbe.h"
-#include "readers/firefox/CacheBody.h"
 #include "readers/firefox/CacheParse.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
@@ -30,14 +30,16 @@ class FirefoxCacheFixture : public testing::Test {
         file.fullPath = map;
         ContentProbe content;
         const Evidence evidence(base);
-        ReadContext ctx{file, evidence, content, clock, folder.path(), sink, log, watcher};
+        ReadContext ctx{file, evidence, content, clock, folder.path(),
+                        sink, log,      watcher, false, classicOnly};
         result = parseFirefoxCache(ctx);
     }
 
     /// The body of the record, or a word that says why there is none.
-    std::string bodyOf(UrlRecord &record, std::string_view suffix = {}) {
+    std::string bodyOf(UrlRecord &record) {
         const Evidence evidence(base);
-        if (!extractFirefoxCacheFile(record, suffix, {evidence, scratch.path(), log}))
+        record.RunTimeTempFilePath.clear();
+        if (!contentOf(record, {evidence, scratch.path(), log, HistoryFileType::firefoxCache}))
             return "(none)";
         const Bytes bytes = readWhole(record.RunTimeTempFilePath);
         return std::string(ByteView(bytes).raw());
@@ -70,6 +72,7 @@ class FirefoxCacheFixture : public testing::Test {
     MemoryLog log;
     MemoryTask task;
     ReadResult result;
+    bool classicOnly = true;
 };
 
 } // namespace nv::test

@@ -10,17 +10,19 @@ namespace {
 namespace fs = std::filesystem;
 using testing::IsEmpty;
 
-/// Reads the first record of a cache and extracts its body, as from a stored row.
+/// Reads the first record of a cache and fetches its body, as from a stored row.
 struct ChromeCacheBody : test::ChromeCacheTest {
     test::TempFolder scratch;
     test::MemoryLog log;
     UrlRecord record;
 
-    bool extractBelow(const fs::path &base, std::string_view suffix) {
+    bool fetchBelow(const fs::path &base) {
         const Evidence evidence(base);
-        return extractChromeCacheFile(record, suffix, {evidence, scratch.path(), log});
+        record.RunTimeTempFilePath.clear();
+        return contentOf(record, {evidence, scratch.path(), log, HistoryFileType::chromeCache})
+            .has_value();
     }
-    bool extract(std::string_view suffix = "") { return extractBelow(disk.path(), suffix); }
+    bool fetch() { return fetchBelow(disk.path()); }
     void add(const std::string &body) {
         cache.add(entry("http://host.example/", body));
         read();
@@ -34,10 +36,9 @@ struct ChromeCacheBody : test::ChromeCacheTest {
 
 TEST_F(ChromeCacheBody, comesOutOfItsBlocks) {
     add("the body");
-    ASSERT_TRUE(extract("txt"));
+    ASSERT_TRUE(fetch());
     EXPECT_EQ(content(), "the body");
-    EXPECT_EQ(record.RunTimeTempFilePath.extension(), ".txt");
-    EXPECT_EQ(record.RunTimeContentPath, folder() / "data_1");
+    EXPECT_EQ(record.RunTimeTempFilePath.parent_path(), scratch.path());
     EXPECT_TRUE(record.CacheFileExists);
     EXPECT_FALSE(record.GZipEncoded);
     EXPECT_THAT(log.entries, IsEmpty());
@@ -49,7 +50,7 @@ TEST_F(ChromeCacheBody, ofEachSizeComesOutWhole) {
     read();
     for (const UrlRecord &each : reading.records()) {
         record = each;
-        ASSERT_TRUE(extract()) << each.CacheFileSize;
+        ASSERT_TRUE(fetch()) << each.CacheFileSize;
         EXPECT_EQ(content(), std::string(static_cast<std::size_t>(each.CacheFileSize),
                                          static_cast<char>(each.CacheFileSize)));
     }
@@ -58,21 +59,20 @@ TEST_F(ChromeCacheBody, ofEachSizeComesOutWhole) {
 TEST_F(ChromeCacheBody, isFoundWhateverTheCaseOfItsFile) {
     add(std::string(20000, 'x'));
     fs::rename(folder() / "f_000001", folder() / "F_000001");
-    ASSERT_TRUE(extract());
+    ASSERT_TRUE(fetch());
     EXPECT_EQ(content().size(), 20000U);
-    EXPECT_EQ(record.RunTimeContentPath, folder() / "F_000001");
 }
 
 TEST_F(ChromeCacheBody, isUnpacked) {
     add(test::gzip("<html><body>page"));
-    ASSERT_TRUE(extract());
+    ASSERT_TRUE(fetch());
     EXPECT_EQ(content(), "<html><body>page");
     EXPECT_TRUE(record.GZipEncoded);
 }
 
 TEST_F(ChromeCacheBody, thatIsAPictureIsKnownAsOne) {
     add("GIF89a" + std::string(20, '\1'));
-    ASSERT_TRUE(extract());
+    ASSERT_TRUE(fetch());
     EXPECT_TRUE(record.IsPicture);
     EXPECT_EQ(record.CacheFileExt, "gif");
 }
@@ -80,14 +80,14 @@ TEST_F(ChromeCacheBody, thatIsAPictureIsKnownAsOne) {
 TEST_F(ChromeCacheBody, longerThanItsFileGivesWhatIsThere) {
     add("the body");
     record.CacheFileSize = 0xFFFF'FFFF;
-    ASSERT_TRUE(extract());
+    ASSERT_TRUE(fetch());
     EXPECT_EQ(content().size(), 512U); // its block, and the one of the entry after it
 }
 
 TEST_F(ChromeCacheBody, afterTheEndOfItsFileIsNone) {
     add("the body");
     record.DataBlockFileOffset = 1LL << 40;
-    EXPECT_FALSE(extract());
+    EXPECT_FALSE(fetch());
     EXPECT_TRUE(record.RunTimeTempFilePath.empty());
     EXPECT_THAT(log.entries, IsEmpty());
     EXPECT_TRUE(fs::is_empty(scratch.path()));
@@ -101,7 +101,7 @@ TEST_F(ChromeCacheBody, ofAnEntryWithoutOneIsNone) {
     record = reading.records().at(0);
     disk.write(folder() / "f_000000", "not the body of this entry");
     EXPECT_EQ(record.DataBlockFile, "f_000000");
-    EXPECT_FALSE(extract());
+    EXPECT_FALSE(fetch());
 }
 
 TEST_F(ChromeCacheBody, ofAnAddressWithTheTopBitAloneIsTheFileWithSixZeros) {
@@ -111,7 +111,7 @@ TEST_F(ChromeCacheBody, ofAnAddressWithTheTopBitAloneIsTheFileWithSixZeros) {
     record = reading.records().at(0);
     EXPECT_EQ(record.DataBlockFile, "f_000000");
     disk.write(folder() / "f_000000", "separate body");
-    ASSERT_TRUE(extract());
+    ASSERT_TRUE(fetch());
     EXPECT_EQ(content(), "separate");
 }
 
@@ -122,34 +122,28 @@ TEST_F(ChromeCacheBody, ofAnAddressThatNamesNoBlockIsNone) {
     record = reading.records().at(0);
     EXPECT_EQ(record.DataBlockFile, "data_1");
     EXPECT_EQ(record.DataBlockFileOffset, 0);
-    EXPECT_FALSE(extract()); // the head of the block file is nobody's body
+    EXPECT_FALSE(fetch()); // the head of the block file is nobody's body
 }
 
 TEST_F(ChromeCacheBody, whoseFileIsGoneIsNone) {
     add(std::string(20000, 'x'));
     fs::remove(folder() / "f_000001");
     record.CacheFileExists = true;
-    EXPECT_FALSE(extract());
+    EXPECT_FALSE(fetch());
     EXPECT_TRUE(record.CacheFileExists); // as stored
     EXPECT_THAT(log.entries, IsEmpty());
-}
-
-TEST_F(ChromeCacheBody, isExtractedForStoredRecordsOnly) {
-    add("the body");
-    record.URLID = UrlId::none;
-    EXPECT_FALSE(extract());
 }
 
 TEST_F(ChromeCacheBody, isFoundBesideTheIndexWhenTheFolderIsNamedOtherwise) {
     add("the body");
     const fs::path moved = scratch.path() / "moved";
     fs::rename(disk.path() / "mara", disk.path() / "MARA");
-    EXPECT_TRUE(extract()); // the row's folder is gone, its index is found by its name
+    EXPECT_TRUE(fetch()); // the row's folder is gone, its index is found by its name
     fs::create_directories(moved);
     fs::rename(disk.path() / "MARA", moved / "mara");
-    EXPECT_FALSE(extract());
+    EXPECT_FALSE(fetch());
     record.RootPath = textOf(moved) + "/"; // as a project's new base folder sets it
-    ASSERT_TRUE(extractBelow(moved, ""));
+    ASSERT_TRUE(fetchBelow(moved));
     EXPECT_EQ(content(), "the body");
 }
 
@@ -158,11 +152,11 @@ TEST_F(ChromeCacheBody, isNotSoughtOutsideOfTheFolder) {
     disk.write("mara/Chrome/Default/secret", "secret");
     for (const char *name : {"../secret", "..\\secret", "/etc/hostname", "", "."}) {
         record.DataBlockFile = name;
-        EXPECT_FALSE(extract()) << name;
+        EXPECT_FALSE(fetch()) << name;
     }
     record.DataBlockFile = "data_1";
     record.DataBlockFileOffset = -1;
-    EXPECT_FALSE(extract());
+    EXPECT_FALSE(fetch());
 }
 
 TEST_F(ChromeCacheBody, isFetchedThroughTheRegistry) {

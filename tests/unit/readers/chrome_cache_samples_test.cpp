@@ -1,6 +1,7 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "readers/chrome/CacheBody.h"
+#include "support/Facts.h"
 #include "support/Samples.h"
 #include "time/DateFormat.h"
 #include "unit/readers/ChromeCacheFixture.h"
@@ -119,6 +120,28 @@ TEST_F(ChromeCacheSample, givesTheListedBodiesByteForByte) {
             EXPECT_EQ(sha256(target.take().file), wanted.at("body_sha256"));
         }
     }
+}
+
+TEST_F(ChromeCacheSample, givesEveryEntryWithItsWholeKeyAndHeaders) {
+    reading.classicOnly = false;
+    if (!read("chrome_cache_v13_converted"))
+        GTEST_SKIP() << "the folder of real samples is not here";
+    constexpr std::size_t kEntries = 217;
+    const std::size_t rows = expected.at("expected").at("rows");
+    ASSERT_EQ(reading.records().size(), kEntries);
+    EXPECT_EQ(reading.result.notReached, 0U);
+    EXPECT_EQ(reading.result.state, ReadState::cutShort); // data_3 is missing
+    std::size_t withHeaders = 0;
+    for (std::size_t i = 0; i < kEntries; ++i) {
+        const UrlRecord &record = reading.records()[i];
+        EXPECT_EQ(record.cacheType, "Chrome Cache");
+        EXPECT_EQ(test::factOf(record, "classic_rule"), i < rows ? "-" : "entry without a header");
+        if (i >= rows) {
+            EXPECT_EQ(record.URL.size(), record.RecordSize); // not a character is missing
+        }
+        withHeaders += test::factOf(record, "http_headers") != "-" ? 1 : 0;
+    }
+    EXPECT_EQ(withHeaders, rows);
 }
 
 TEST_F(ChromeCacheSample, ofALaterVersionIsTold) {

@@ -175,35 +175,10 @@ TEST_F(ChromeCacheClassTest, keepsItsEntriesWhenAskedTo) {
     ASSERT_TRUE(first.rankingObject);
     EXPECT_EQ(isoUtc(first.headerObject->lastModifiedTime), "2011-06-15T12:01:00Z");
     EXPECT_EQ(isoUtc(first.rankingObject->lastModifiedTime), "2011-06-15T12:01:01Z");
-    EXPECT_FALSE(first.contentObject);
     EXPECT_EQ(reader.indexInfo.addressCount, 32U);
     EXPECT_EQ(reader.indexInfo.entryCount, 2U);
     EXPECT_EQ(reader.cacheError, "");
     EXPECT_FALSE(reader.isReading);
-}
-
-TEST_F(ChromeCacheClassTest, readsBodiesWhenAskedTo) {
-    cache.add(entry("http://one/", "the body"));
-    cache.add(entry("http://two/", std::string(20000, 'x')));
-    ChromeBlockCache reader = opened();
-    reader.readCache();
-    for (ChromeEntry &found : reader.entries)
-        found.contentObject = reader.getContentObject(found.contentAddressMap, found.contentSize);
-    const Bytes &inBlocks = reader.entries.item(1).contentObject->blob;
-    EXPECT_EQ(std::string(inBlocks.begin(), inBlocks.end()), "the body");
-    EXPECT_EQ(reader.entries.item(2).contentObject->blob, Bytes(20000, 'x'));
-    EXPECT_FALSE(reader.getContentObject({}, 10));
-    const auto separate = *ChromeBlockCache::getAddressMap(0x8000'0077);
-    EXPECT_FALSE(reader.getContentObject(separate, 10));
-}
-
-TEST_F(ChromeCacheClassTest, readsOfABodyWhatIsThere) {
-    cache.add(entry("http://one/", "the body"));
-    ChromeBlockCache reader = opened();
-    reader.readCache();
-    const auto body = reader.getContentObject(reader.entries.item(1).contentAddressMap, 1ULL << 32);
-    ASSERT_TRUE(body);
-    EXPECT_EQ(body->blob.size(), 512U); // its block and that of the entry after it
 }
 
 TEST_F(ChromeCacheClassTest, givesNothingForAddressesThatNameNoBlock) {

@@ -16,8 +16,10 @@ using test::chromeTime;
 
 constexpr std::int64_t kStamp = 1305849600; // 2011-05-20
 
+/// The rows of the classic rules; what comes beyond them has tests of its own.
 class ChromeHistoryReader : public testing::Test {
   protected:
+    ChromeHistoryReader() { reading.classicOnly = true; }
     ChromeHistory &history() {
         if (!m_history)
             m_history.emplace(file());
@@ -61,7 +63,7 @@ TEST_F(ChromeHistoryReader, aRecordThatCantBeTakenIsCountedAndNotOnlyLogged) {
     artefact.fullPath = file();
     RefusingSink sink;
     ReadContext context{artefact, evidence,    content,      reading.clock, reading.scratch.path(),
-                        sink,     reading.log, reading.task, false};
+                        sink,     reading.log, reading.task, false,         true};
     const ReadResult result = parseChromeHistoryFile(context);
     EXPECT_EQ(sink.saved, 2);
     EXPECT_EQ(result.passedOver.at("damaged record"), 1u);
@@ -167,6 +169,7 @@ TEST_F(ChromeHistoryReader, readsEveryVersionOfTheTables) {
         test::addExamplePages(made);
         made.close();
         test::SqliteHistoryReading each;
+        each.classicOnly = true;
         each.read(parseChromeHistoryFile, file());
         EXPECT_EQ(each.records().size(), 3U);
         EXPECT_TRUE(each.log.entries.empty());
@@ -248,8 +251,8 @@ TEST_F(ChromeHistoryReader, goesOnAfterARecordThatCanNotBeSaved) {
     described.fullPath = file();
     const Evidence evidence("");
     ContentProbe content;
-    ReadContext context{described, evidence,    content,     reading.clock, reading.scratch.path(),
-                        sink,      reading.log, reading.task};
+    ReadContext context{described, evidence,    content,      reading.clock, reading.scratch.path(),
+                        sink,      reading.log, reading.task, false,         true};
     EXPECT_EQ(parseChromeHistoryFile(context).state, ReadState::complete);
     EXPECT_EQ(sink.kept, (std::vector<std::int64_t>{1, 3}));
     ASSERT_EQ(reading.log.entries.size(), 1U);

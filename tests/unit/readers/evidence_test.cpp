@@ -149,6 +149,10 @@ TEST(Evidence, answersQuestionsOfPlaces) {
     EXPECT_EQ(evidence.kindOf("/dev/null"), PlaceKind::special);
     EXPECT_TRUE(evidence.isPlainFile(file));
     EXPECT_FALSE(evidence.isPlainFile(link));
+    EXPECT_TRUE(evidence.isPlainFolder(file.parent_path()));
+    EXPECT_FALSE(evidence.isPlainFolder(file));
+    EXPECT_EQ(evidence.linkText(link), std::filesystem::read_symlink(link).string());
+    EXPECT_EQ(evidence.linkText(file), "");
     EXPECT_EQ(evidence.factsOf(file).size, 4u);
     EXPECT_TRUE(evidence.factsOf(file).created.has());
     EXPECT_TRUE(evidence.factsOf(file).lastAccessed.has());

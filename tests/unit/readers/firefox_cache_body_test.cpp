@@ -34,12 +34,6 @@ TEST_F(FirefoxCacheBody, isFetchedFromEachBlockFileAndFromASeparateFile) {
     EXPECT_THAT(messages(), IsEmpty());
 }
 
-TEST_F(FirefoxCacheBody, takesTheSuffixGiven) {
-    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x"});
-    EXPECT_EQ(bodyOf(record, "png"), "x");
-    EXPECT_EQ(record.RunTimeTempFilePath.extension(), ".png");
-}
-
 TEST_F(FirefoxCacheBody, isUnpacked) {
     UrlRecord &record = only({.key = "HTTP:http://host/", .body = test::gzip("<html>packed")});
     EXPECT_EQ(bodyOf(record), "<html>packed");
@@ -49,13 +43,6 @@ TEST_F(FirefoxCacheBody, isUnpacked) {
 TEST_F(FirefoxCacheBody, mayBeEmpty) {
     EXPECT_EQ(bodyOf(only({.key = "HTTP:http://host/"})), "");
     EXPECT_EQ(bodyOf(only({.key = "HTTP:http://host/", .bodyFile = 0})), "");
-}
-
-TEST_F(FirefoxCacheBody, isForRecordsThatAreStored) {
-    UrlRecord &record = only({.key = "HTTP:http://host/", .body = "x"});
-    record.URLID = UrlId::none;
-    EXPECT_EQ(bodyOf(record), "(none)");
-    EXPECT_TRUE(record.RunTimeTempFilePath.empty());
 }
 
 TEST_F(FirefoxCacheBody, liesInFoldersNamedByTheHashInLaterCaches) {

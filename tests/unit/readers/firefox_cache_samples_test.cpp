@@ -124,6 +124,20 @@ TEST_F(FirefoxCacheSample, ofFirefox3GivesEveryBody) {
     EXPECT_THAT(messages(), IsEmpty());
 }
 
+TEST_F(FirefoxCacheSample, ofFirefox3GivesWhatTheClassicRulesPassOver) {
+    classicOnly = false;
+    if (!readSample("ff3_cache_kiosk"))
+        GTEST_SKIP() << "the folder of real samples is not here";
+    ASSERT_EQ(records().size(), expected.at("expected").at("rows_by_the_letter").get<int>() + 2);
+    EXPECT_THAT(result.passedOver, IsEmpty());
+    for (std::size_t i = records().size() - 2; i < records().size(); ++i) {
+        EXPECT_EQ(records()[i].cacheType, "Firefox Cache");
+        EXPECT_TRUE(records()[i].URL.starts_with("http"));
+        records()[i].URLID = UrlId{1};
+        EXPECT_NE(bodyOf(records()[i]), "(none)") << records()[i].URL;
+    }
+}
+
 TEST_F(FirefoxCacheSample, ofALaterVersionIsRefusedByName) {
     if (!readSample("ff4_cache_refused"))
         GTEST_SKIP() << "the folder of real samples is not here";

@@ -81,7 +81,7 @@ void compareCache(const UrlRecord &record, const json &wanted) {
     EXPECT_TRUE(record.MetaData.starts_with(textOfField(wanted, "MetaData_begins")));
     // Cached files are younger than the format and not younger than the last access to them.
     EXPECT_TRUE(record.CacheFileCreatedGMTDOS > Date::fromCivil({1995, 1, 1}));
-    EXPECT_TRUE(record.CacheFileCreatedGMTDOS <= record.ActionDateUTC.plusDays(1));
+    EXPECT_TRUE(record.CacheFileCreatedGMTDOS <= record.ActionDateUTC.plusSeconds(86400));
 }
 
 TEST_P(IESample, givesTheCountedRecordsAndLosesNone) {
@@ -121,6 +121,32 @@ TEST_P(IESample, tellsOfTheRecordsThatOtherReadersRecover) {
             outside["URL record outside of the hash tables"] = static_cast<std::uint64_t>(urls);
     }
     EXPECT_EQ(reading.result.passedOver, outside);
+}
+
+TEST_P(IESample, givesTheRecordsThatOtherReadersRecoverAsRemnants) {
+    const std::vector<UrlRecord> classic = reading.records();
+    std::uint64_t outside = 0;
+    for (const auto &[reason, count] : reading.result.passedOver)
+        outside += count;
+    const json &scan = expected.at("scan").at(0);
+    const fs::path folder = *test::samplesFolder() / GetParam();
+    IndexReading whole(HistoryFileType{scan.at("scan_type").get<std::int16_t>()});
+    whole.classicOnly = false;
+    whole.readFile(folder / scan.at("path").get<std::string>(), folder / "evidence");
+    ASSERT_EQ(whole.records().size(), classic.size() + outside);
+    EXPECT_THAT(whole.result.passedOver, testing::IsEmpty());
+    EXPECT_EQ(whole.result.state, ReadState::complete);
+    for (std::size_t i = 0; i < classic.size(); ++i) {
+        EXPECT_EQ(whole.records()[i].URL, classic[i].URL);
+        EXPECT_EQ(whole.records()[i].Status, classic[i].Status);
+        EXPECT_EQ(whole.records()[i].cacheType, classic[i].cacheType);
+        EXPECT_EQ(whole.records()[i].Visits, classic[i].Visits);
+    }
+    for (std::size_t i = classic.size(); i < whole.records().size(); ++i) {
+        EXPECT_EQ(whole.records()[i].cacheType, "IE Remnant");
+        EXPECT_EQ(whole.records()[i].Status, "Recovered");
+        EXPECT_NE(whole.records()[i].URL + whole.records()[i].CacheFileName, "");
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Real, IESample,

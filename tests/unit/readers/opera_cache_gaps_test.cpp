@@ -1,5 +1,6 @@
 #include "readers/ContentProbe.h"
 #include "readers/opera/Cache.h"
+#include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 #include "support/builders/Opera.h"
 
@@ -34,16 +35,17 @@ class OperaCacheGaps : public testing::Test {
     void read(const std::string &bytes) {
         const Evidence evidence("");
         ContentProbe content;
-        file.fullPath = "/evidence/dcache4.url";
+        file.fullPath = folder.write("dcache4.url", bytes);
         ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
         sink.records.clear();
-        result = readOperaCache(ctx, viewOf(bytes));
+        result = parseOperaCache(ctx);
     }
     /// Whether the reading says that something is wrong with its file.
     bool isTold() const {
         return result.state != ReadState::complete || !result.passedOver.empty();
     }
 
+    test::TempFolder folder;
     HistoryFile file;
     test::FixedClock clock;
     test::MemorySink sink;

@@ -32,8 +32,8 @@ class OperaCacheReader : public testing::Test {
         file.sourceFileID = SourceFileId{7};
         file.version = "9.0";
     }
-    void read(const OperaCache &cache, TaskMonitor &watcher) {
-        folder.write("opera/cache4/dcache4.url", cache.bytes());
+    void readBytes(const std::string &bytes, TaskMonitor &watcher) {
+        put("dcache4.url", bytes);
         const Evidence evidence(folder.path());
         ContentProbe content;
         ReadContext ctx{file, evidence, content, clock, {}, sink, log, watcher};
@@ -41,6 +41,8 @@ class OperaCacheReader : public testing::Test {
         log.entries.clear();
         result = parseOperaCache(ctx);
     }
+    void readBytes(const std::string &bytes) { readBytes(bytes, task); }
+    void read(const OperaCache &cache, TaskMonitor &watcher) { readBytes(cache.bytes(), watcher); }
     void read(const OperaCache &cache) { read(cache, task); }
     const UrlRecord &only(const OperaCache &cache) {
         read(cache);
@@ -337,13 +339,6 @@ TEST_F(OperaCacheReader, survivesACutAtEveryByteAndEveryChange) {
     OperaCache sound;
     test::addExampleFiles(sound);
     const std::string bytes = sound.bytes();
-    const Evidence evidence("");
-    ContentProbe content;
-    const auto readBytes = [&](const std::string &damaged) {
-        ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-        sink.records.clear();
-        result = readOperaCache(ctx, viewOf(damaged));
-    };
     readBytes(bytes);
     const std::vector<UrlRecord> whole = sink.records;
     for (std::size_t size = 0; size < bytes.size(); ++size) {
@@ -367,16 +362,13 @@ TEST_F(OperaCacheReader, survivesACutAtEveryByteAndEveryChange) {
 }
 
 TEST_F(OperaCacheReader, readsAnyBytesInOnePass) {
-    const Evidence evidence("");
-    ContentProbe content;
     for (const char *piece : {"\x03\x02\x01", "\x05", "\xFF", "\x0D\x01"}) {
         std::string bytes;
         while (bytes.size() < 4'000'000)
             bytes.append(piece).append(1, '\0');
-        ReadContext ctx{file, evidence, content, clock, {}, sink, log, task};
-        readOperaCache(ctx, viewOf(bytes));
+        readBytes(bytes);
+        EXPECT_TRUE(sink.records.empty());
     }
-    EXPECT_TRUE(sink.records.empty());
 }
 
 TEST(OperaCookiesReader, saysThatNothingIsRead) {

@@ -26,21 +26,22 @@ constexpr const char *kStray = "line that belongs to no whole record";
 class OperaHistoryReader : public testing::Test {
   protected:
     OperaHistoryReader() {
-        file.fullPath = "/evidence/global_history.dat";
+        file.fullPath = folder.path() / "global_history.dat";
         file.sourceFileID = SourceFileId{7};
         file.version = "9.0";
     }
     void read(const std::string &bytes, TaskMonitor &watcher) {
+        writeWhole(file.fullPath, bytes);
         const Evidence evidence("");
         ContentProbe content;
         ReadContext ctx{file, evidence, content, clock, {}, sink, log, watcher, deleted};
         sink.records.clear();
         log.entries.clear();
-        result = readOperaHistory(ctx, viewOf(bytes));
+        result = parseOperaHistoryFile(ctx);
     }
     void read(const std::string &bytes) { read(bytes, task); }
     void readTyped(const std::string &bytes) {
-        file.fullPath = "/evidence/typed_history.xml";
+        file.fullPath = folder.path() / "typed_history.xml";
         read(bytes);
     }
     const UrlRecord &only(const OperaHistory &history) {
@@ -55,6 +56,7 @@ class OperaHistoryReader : public testing::Test {
         return all;
     }
 
+    test::TempFolder folder;
     HistoryFile file;
     test::FixedClock clock;
     test::MemorySink sink;
@@ -65,7 +67,6 @@ class OperaHistoryReader : public testing::Test {
 };
 
 TEST_F(OperaHistoryReader, fillsEveryFieldOfARecord) {
-    const test::TempFolder folder;
     OperaHistory history;
     history.add("Caf\xC3\xA9", "http://www.example.com/a%20b?q=c", "1205364946", "-1");
     file.fullPath = folder.write("profile/global.dat", history.bytes());
@@ -156,9 +157,8 @@ TEST_F(OperaHistoryReader, dropsALastRecordOfFewerThanFourLines) {
         read(sound + rest);
         EXPECT_EQ(urls(), Strings{"http://x/"}) << rest;
         EXPECT_EQ(result.state, ReadState::cutShort);
-        EXPECT_EQ(result.reason,
-                  "/evidence/global_history.dat: the file ends within the record at " +
-                      std::to_string(sound.size()));
+        EXPECT_EQ(result.reason, file.fullPath.string() + ": the file ends within the record at " +
+                                     std::to_string(sound.size()));
         EXPECT_EQ(result.notReached, 1U);
         ASSERT_EQ(log.entries.size(), 1U);
         EXPECT_EQ(log.entries[0].severity, Severity::Serious);
@@ -197,7 +197,7 @@ TEST_F(OperaHistoryReader, countsAndLogsTheLinesOfNoRecord) {
     EXPECT_EQ(result.passedOver.at(kStray), 1U);
     ASSERT_EQ(log.entries.size(), 1U);
     EXPECT_EQ(log.entries[0].message,
-              "/evidence/global_history.dat: 1 lines at 0 belong to no whole record");
+              file.fullPath.string() + ": 1 lines at 0 belong to no whole record");
 }
 
 TEST_F(OperaHistoryReader, refusesAFileOfTaggedFields) {
@@ -206,7 +206,7 @@ TEST_F(OperaHistoryReader, refusesAFileOfTaggedFields) {
     EXPECT_TRUE(sink.records.empty());
     EXPECT_EQ(result.state, ReadState::failed);
     EXPECT_EQ(log.entries.size(), 1U);
-    file.fullPath = "/evidence/Download.dat"; // which the browser writes so
+    file.fullPath = folder.path() / "Download.dat"; // which the browser writes so
     read(tagged);
     EXPECT_TRUE(sink.records.empty());
     EXPECT_EQ(result.state, ReadState::notReadYet);

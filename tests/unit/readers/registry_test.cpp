@@ -233,7 +233,7 @@ TEST(Recognition, tellsTheCookiesOfOtherProgramsFromFirefoxs) {
     test::SqliteFile(folder.path() / "epiphany/cookies.sqlite").run(kColumns).close();
     EXPECT_EQ(keyOfFile(folder.path() / "four/cookies.sqlite"), "firefox-cookies");
     EXPECT_EQ(keyOfFile(folder.path() / "three/cookies.sqlite"), "firefox-cookies");
-    EXPECT_EQ(keyOfFile(folder.path() / "epiphany/cookies.sqlite"), "");
+    EXPECT_EQ(keyOfFile(folder.path() / "epiphany/cookies.sqlite"), "epiphany-cookies");
 }
 
 TEST(Recognition, takesTheFirstRowThatMatches) {

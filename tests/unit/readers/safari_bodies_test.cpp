@@ -59,8 +59,8 @@ struct SafariBodies : testing::Test {
         record.cacheType = "SAFARI CACHE";
         return record;
     }
-    bool extract(UrlRecord &record, std::string_view suffix = "") {
-        return extractSafariCacheFile(record, suffix, {evidence, scratch.path(), log});
+    bool fetch(UrlRecord &record) {
+        return nv::contentOf(record, {evidence, scratch.path(), log}).has_value();
     }
 
     test::TempFolder folder;
@@ -123,14 +123,12 @@ TEST_F(SafariBodies, inFilesThatAreNotThereAreCounted) {
     EXPECT_EQ(result.passedOver.at("bodies in files beside the cache that are not there"), 4U);
 }
 
-TEST_F(SafariBodies, areExtractedByTheirEntry) {
+TEST_F(SafariBodies, areFetchedByTheirEntry) {
     SafariCache(file()).add({.id = 1, .body = "one"}).add({.id = 2, .url = "b", .body = kPicture});
     const auto before = test::contentsOf(folder.path());
     UrlRecord record = saved(2);
-    record.URLFileExt = "gif";
-    ASSERT_TRUE(extract(record));
+    ASSERT_TRUE(fetch(record));
     EXPECT_EQ(contentOf(record.RunTimeTempFilePath), kPicture);
-    EXPECT_EQ(record.RunTimeTempFilePath.extension(), ".gif");
     EXPECT_EQ(record.CacheFileExt, "gif");
     EXPECT_TRUE(record.CacheFileExists);
     EXPECT_TRUE(record.IsPicture);
@@ -139,43 +137,41 @@ TEST_F(SafariBodies, areExtractedByTheirEntry) {
     EXPECT_TRUE(log.entries.empty());
 }
 
-TEST_F(SafariBodies, areExtractedBelowAFolderWhoseNameIsNoUtf8) {
+TEST_F(SafariBodies, areFetchedBelowAFolderWhoseNameIsNoUtf8) {
     fs::create_directory(folder.path() / "Caf\xE9");
     const fs::path cache = folder.path() / "Caf\xE9" / "Cache.db";
     SafariCache(cache).add({.id = 1, .body = "one"});
     UrlRecord record = saved(1);
     record.HistoryFilePath = textOf(cache);
-    ASSERT_TRUE(extract(record));
+    ASSERT_TRUE(fetch(record));
     EXPECT_EQ(contentOf(record.RunTimeTempFilePath), "one");
 }
 
-TEST_F(SafariBodies, getTheSuffixThatIsAskedFor) {
+TEST_F(SafariBodies, mayBeOfASingleByte) {
     SafariCache(file()).add({.id = 1, .body = "x"});
     UrlRecord record = saved(1);
-    record.URLFileExt = "php";
-    ASSERT_TRUE(extract(record, "htm"));
-    EXPECT_EQ(record.RunTimeTempFilePath.extension(), ".htm");
-    EXPECT_EQ(contentOf(record.RunTimeTempFilePath), "x") << "even of a single byte";
+    ASSERT_TRUE(fetch(record));
+    EXPECT_EQ(contentOf(record.RunTimeTempFilePath), "x");
 }
 
-TEST_F(SafariBodies, areExtractedFromFilesAndLaterVersions) {
+TEST_F(SafariBodies, areFetchedFromFilesAndLaterVersions) {
     const fs::path kept = folder.write("fsCachedData/AB", "<html>kept apart</html>");
     SafariCache(file(), Version::bodiesApart)
         .add({.id = 1, .body = "AB", .isOnDisk = true})
         .add({.id = 2, .url = "b", .body = "in the table"});
     UrlRecord onDisk = saved(1);
-    ASSERT_TRUE(extract(onDisk));
+    ASSERT_TRUE(fetch(onDisk));
     EXPECT_EQ(contentOf(onDisk.RunTimeTempFilePath), contentOf(kept));
     EXPECT_NE(onDisk.RunTimeTempFilePath, kept);
     UrlRecord inTable = saved(2);
-    ASSERT_TRUE(extract(inTable));
+    ASSERT_TRUE(fetch(inTable));
     EXPECT_EQ(contentOf(inTable.RunTimeTempFilePath), "in the table");
 }
 
 TEST_F(SafariBodies, thatArePackedAreUnpacked) {
     SafariCache(file()).add({.id = 1, .body = test::gzip("<html>packed</html>")});
     UrlRecord record = saved(1);
-    ASSERT_TRUE(extract(record));
+    ASSERT_TRUE(fetch(record));
     EXPECT_EQ(contentOf(record.RunTimeTempFilePath), "<html>packed</html>");
     EXPECT_TRUE(record.GZipEncoded);
 }
@@ -184,24 +180,21 @@ TEST_F(SafariBodies, thatAreNotThereAreNoFailure) {
     SafariCache(file()).add({.id = 1, .body = ""}).add({.id = 2, .url = "b"});
     for (const std::int64_t id : {1, 2, 3}) {
         UrlRecord record = saved(id);
-        EXPECT_FALSE(extract(record)) << id;
+        EXPECT_FALSE(fetch(record)) << id;
         EXPECT_TRUE(record.RunTimeTempFilePath.empty());
     }
-    UrlRecord unsaved = saved(1);
-    unsaved.URLID = UrlId::none;
-    EXPECT_FALSE(extract(unsaved));
     UrlRecord moved = saved(1);
     moved.HistoryFilePath = (folder.path() / "elsewhere.db").string();
-    EXPECT_FALSE(extract(moved));
+    EXPECT_FALSE(fetch(moved));
     EXPECT_TRUE(log.entries.empty());
 }
 
 TEST_F(SafariBodies, ofACacheThatIsNoneAreAFailureInTheLog) {
     writeWhole(file(), std::string(3000, 'x'));
     UrlRecord record = saved(1);
-    EXPECT_FALSE(extract(record));
+    EXPECT_FALSE(fetch(record));
     ASSERT_EQ(log.entries.size(), 1U);
-    EXPECT_EQ(log.entries[0].procedure, "ParserClass.ExtractSafariCacheFile()");
+    EXPECT_EQ(log.entries[0].procedure, "ParserClass.ExtractCacheFile()");
     EXPECT_TRUE(fs::is_empty(scratch.path()));
 }
 

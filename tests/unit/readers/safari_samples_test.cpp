@@ -77,7 +77,7 @@ void expectBody(const UrlRecord &saved, const json &wanted) {
     test::MemoryLog log;
     const Evidence evidence(fs::path(saved.HistoryFilePath).parent_path());
     UrlRecord record = saved;
-    ASSERT_TRUE(extractSafariCacheFile(record, "", {evidence, folder.path(), log}));
+    ASSERT_TRUE(contentOf(record, {evidence, folder.path(), log}));
     EXPECT_EQ(fs::file_size(record.RunTimeTempFilePath), wanted.at("receiver_data_length"));
     EXPECT_EQ(sha256Of(record.RunTimeTempFilePath), wanted.at("body_sha256"));
     EXPECT_TRUE(log.entries.empty());

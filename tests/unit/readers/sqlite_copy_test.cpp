@@ -24,6 +24,7 @@ std::string bytesOf(const fs::path &file) {
 class SqliteCopy : public testing::Test {
   protected:
     fs::path file() const { return folder.path() / "Default" / "History"; }
+    SqliteCopy() { reading.classicOnly = true; }
     test::SqliteHistoryReading &read() { return reading.read(parseChromeHistoryFile, file()); }
     void expectUntouched(const std::map<std::string, std::string> &before) const {
         EXPECT_EQ(test::contentsOf(folder.path()), before);
@@ -196,6 +197,7 @@ TEST_F(SqliteCopy, readsAFileWhateverItIsCalled) {
     test::Places places(odd);
     test::addExamplePlaces(places);
     places.close();
+    reading.classicOnly = true;
     EXPECT_EQ(reading.read(parseFirefox3HistoryFile, odd).records().size(), 3U);
 }
 

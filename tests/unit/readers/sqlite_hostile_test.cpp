@@ -58,6 +58,7 @@ class SqliteHostile : public testing::TestWithParam<Format> {
     /// Reads the file as it is now, and asserts what holds for any file.
     Outcome readAny() const {
         test::SqliteHistoryReading reading;
+        reading.classicOnly = true; // each format's further rows have tests of their own
         reading.read(GetParam().read, file());
         EXPECT_TRUE(fs::is_empty(reading.scratch.path()));
         const bool isSound = reading.result.state == ReadState::complete;

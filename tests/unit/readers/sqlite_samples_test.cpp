@@ -4,6 +4,7 @@
 #include "readers/Dissection.h"
 #include "readers/chrome/History.h"
 #include "readers/firefox/Places.h"
+#include "support/FactsOf.h"
 #include "support/Samples.h"
 #include "support/SqliteHistoryReading.h"
 #include "time/DateFormat.h"
@@ -12,6 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <set>
 
 namespace nv {
 namespace {
@@ -29,7 +31,9 @@ class SqliteSample : public testing::TestWithParam<std::string> {
         const fs::path folder = *samples / GetParam();
         const Bytes text = readWhole(folder / "expected.json");
         expected = json::parse(text.begin(), text.end());
+        reading.classicOnly = true;
         file = folder / expected.at("scan").at(0).at("path").get<std::string>();
+        reading.classicOnly = true;
         reading.read(isChrome() ? parseChromeHistoryFile : parseFirefox3HistoryFile, file);
     }
 
@@ -115,6 +119,26 @@ TEST_P(SqliteSample, countsEachVisitThatIsThere) {
         EXPECT_LE(passedOver, visits.get<std::uint64_t>());
     else
         EXPECT_EQ(passedOver + static_cast<std::uint64_t>(dated), visits.get<std::uint64_t>());
+}
+
+TEST_P(SqliteSample, tellsEachVisitOfChromeOnceBeyondTheClassicRules) {
+    if (!isChrome())
+        GTEST_SKIP() << "another browser's";
+    test::SqliteHistoryReading whole;
+    whole.read(parseChromeHistoryFile, file);
+    EXPECT_EQ(whole.result.state, ReadState::complete) << whole.result.reason;
+    EXPECT_TRUE(whole.log.entries.empty() && whole.result.passedOver.empty());
+    std::set<std::string> visits;
+    std::int64_t pages = 0;
+    for (const UrlRecord &record : whole.records()) {
+        pages += record.cacheType == "Chrome History" ? 1 : 0;
+        const std::string visit = test::factOf(record, "visit_id");
+        if (visit != "-" && record.cacheType != "Chrome Download") {
+            EXPECT_TRUE(visits.insert(visit).second) << visit;
+        }
+    }
+    EXPECT_EQ(pages, expected.at("expected").at("rows"));
+    EXPECT_EQ(visits.size(), expected.at("expected").at("visits_table_rows_not_used"));
 }
 
 TEST_P(SqliteSample, leavesTheEvidenceAlone) {

@@ -1,5 +1,6 @@
 #include "base/Files.h"
 #include "base/Text.h"
+#include "db/RecordFacts.h"
 #include "reports/ExportRows.h"
 #include "reports/ExportWriter.h"
 #include "reports/SheetCount.h"
@@ -295,6 +296,26 @@ TEST_F(ExportTest, hostileTextsGoThroughEveryForm) {
     written(ExportFormat::xlsx);
     EXPECT_EQ(countSheets(out), (SheetCount{3, 9}));
     EXPECT_EQ(job.counts.cellsCut, 2);
+}
+
+TEST_F(ExportTest, factsGoAlongWhereTheFormHasAPlaceForThem) {
+    FactList facts;
+    facts.add("transition", "typed", 33554433);
+    facts.add("url_chain", "http://a/");
+    facts.add("url_chain", "=cmd|' /C calc'!A0");
+    facts.add("count", 7);
+    RecordFacts(project.db()).store(UrlId{1}, facts);
+    const auto list = events();
+    EXPECT_EQ(list.at(0).at("facts"), nlohmann::json::parse(R"({"transition":"typed","count":7,
+                                        "url_chain":["http://a/","=cmd|' /C calc'!A0"]})"));
+    EXPECT_EQ(list.at(0).at("facts_raw"), nlohmann::json::parse(R"({"transition":33554433})"));
+    EXPECT_FALSE(list.at(1).contains("facts"));
+    EXPECT_FALSE(list.at(1).contains("facts_raw"));
+    written(ExportFormat::xlsx);
+    EXPECT_EQ(countSheets(out), (SheetCount{3 + 5, 6 + 5 + 4 + 4 + 3 * 4 + 1}))
+        << "a sheet of four facts, of which one has a raw form";
+    EXPECT_EQ(job.counts.sheets, 1) << "the rows have one";
+    EXPECT_EQ(written(ExportFormat::delimited).find("typed"), std::string::npos);
 }
 
 TEST_F(ExportTest, progressNamesTheRows) {

@@ -1,6 +1,7 @@
 #include "rebuild/Archive.h"
 #include "rebuild/LocalNames.h"
 #include "support/SmallFiles.h"
+#include "time/ExactZone.h"
 #include "unit/reports/ReportFixture.h"
 
 #include <regex>
@@ -284,6 +285,18 @@ TEST_F(GraphicalReportTest, ownPicturesTakeThePlaceOfTheProgramsOwn) {
                      }),
                 HasSubstr("src='images/norvelane-logo.png'"));
     EXPECT_EQ(project.log.entries.size(), 1u);
+}
+
+TEST_F(GraphicalReportTest, anExactZoneIsNamedWithItsVersion) {
+    const ExactZones zones("/usr/share/zoneinfo");
+    setExactZone(project.zone, zones.find("Europe/Berlin"), Date::fromCivil({2011, 6, 15}));
+    addHistory("http://host/", 3);
+    const std::string html = make(0);
+    EXPECT_THAT(html, AllOf(HasSubstr("The active time bias is set to: +0200 CEST"),
+                            HasSubstr("Time Zone Setting: Europe/Berlin (the law of each date, by "
+                                      "the time zone database of version " +
+                                      zones.version() + ")"),
+                            HasSubstr("2011-05-03 14:00:00</font> [+0200 CEST]")));
 }
 
 TEST_F(GraphicalReportTest, picturesThatAreMissingAreToldOf) {

@@ -19,8 +19,7 @@ TEST(Date, countsDaysFromTheEndOf1899) {
 TEST(Date, countsStraightOnBelowZero) {
     const Date date = Date::fromDays(-1.25);
     EXPECT_EQ(isoUtc(date), "1899-12-28T18:00:00Z");
-    EXPECT_EQ(isoUtc(date.midnight()), "1899-12-28T00:00:00Z");
-    EXPECT_EQ(isoUtc(date.plusDays(1)), "1899-12-29T18:00:00Z");
+    EXPECT_EQ(isoUtc(date.plusSeconds(86400)), "1899-12-29T18:00:00Z");
     EXPECT_EQ(date.weekday(), 5); // a Thursday
 }
 
@@ -29,8 +28,8 @@ TEST(Date, knowsLeapDays) {
     EXPECT_TRUE(Date::fromCivil({2000, 2, 29}).has());
     EXPECT_FALSE(Date::fromCivil({1900, 2, 29}).has());
     EXPECT_FALSE(Date::fromCivil({2009, 2, 29}).has());
-    EXPECT_EQ(isoUtc(Date::fromCivil({2008, 2, 28}).plusDays(1)), "2008-02-29T00:00:00Z");
-    EXPECT_EQ(isoUtc(Date::fromCivil({1900, 2, 28}).plusDays(1)), "1900-03-01T00:00:00Z");
+    EXPECT_EQ(isoUtc(Date::fromCivil({2008, 2, 28}).plusSeconds(86400)), "2008-02-29T00:00:00Z");
+    EXPECT_EQ(isoUtc(Date::fromCivil({1900, 2, 28}).plusSeconds(86400)), "1900-03-01T00:00:00Z");
 }
 
 TEST(Date, holdsTheYears100To9999) {
@@ -60,10 +59,20 @@ TEST(Date, keepsEverySecondOfADayApart) {
     }
 }
 
+TEST(Date, isOfTheSecondInWhichItLies) {
+    const std::int64_t second = 1234569600;
+    for (const std::int64_t microseconds : {0, 1000, 500'000, 998'000, 999'000}) {
+        const Date date = Date::fromUnixMicroseconds(second * 1'000'000 + microseconds);
+        EXPECT_EQ(date.unixSeconds(), second) << microseconds;
+        EXPECT_EQ(date.civil().second, 0) << microseconds;
+    }
+    EXPECT_LT(Date::fromUnixSeconds(second), Date::fromUnixMicroseconds(second * 1'000'000 + 1000));
+    EXPECT_EQ(Date::fromUnixMicroseconds(-1).unixSeconds(), 0) << "a float holds no more";
+    EXPECT_EQ(Date::fromUnixMicroseconds(-500'000).unixSeconds(), -1);
+}
+
 TEST(Date, noDateStaysNoDateAndIsNotZero) {
-    EXPECT_FALSE(Date().plusDays(1).has());
     EXPECT_FALSE(Date().plusSeconds(1).has());
-    EXPECT_FALSE(Date().midnight().has());
     EXPECT_NE(Date(), Date::fromDays(0));
     EXPECT_EQ(Date(), Date());
 }

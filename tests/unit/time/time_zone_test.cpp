@@ -97,40 +97,6 @@ TEST(GetBiasAsTime, staysPlusZeroWithoutABias) {
     EXPECT_EQ(zoneOf(0).getBiasAsTime(-60), "+0000");
 }
 
-TEST(FixedZoneNames, areThirtyFourWithTheirMisspellings) {
-    const TimeZones names = fixedZoneNames();
-    ASSERT_EQ(names.count(), 34u);
-    EXPECT_EQ(names.item(1).tzBias, 0);
-    EXPECT_EQ(names.item(1).tzName, "(GMT) Greenwich Mean Time: Dublin, Edinburgh, Lisbon, London");
-    EXPECT_EQ(names.item(4).tzName, "(GMT+03:00) Baghdad, Kuwait, Moscow, Nairobi, St. Petersberg");
-    EXPECT_EQ(names.item(6).tzName, "(GMT+04:00) Abu Dhabi, Muscat, Baku, Caucasa Standard Time");
-    EXPECT_EQ(names.item(19).tzName,
-              "(GTM+12:00) Auckland, Wellington, Fiji, Kamchatka, marshall Is.");
-    EXPECT_EQ(names.item(20).tzBias, 780);
-    EXPECT_EQ(names.item(21).tzBias, -60);
-    EXPECT_EQ(names.item(34).tzBias, -720);
-    EXPECT_EQ(names.item(34).tzName, "(GMT-12:00) International Date Line West");
-}
-
-TEST(GetTimeZoneName, keepsTheNameItFinds) {
-    TimeZone zone(kWinter);
-    EXPECT_EQ(zone.getTimeZoneName(345), "(GMT+05:45) Kathmandu");
-    EXPECT_EQ(zone.tzName, "(GMT+05:45) Kathmandu");
-    EXPECT_EQ(zone.tzBias, -300);
-    EXPECT_EQ(zone.getTimeZoneName(346), "");
-    EXPECT_EQ(zone.tzName, "(GMT+05:45) Kathmandu");
-}
-
-TEST(TimeZoneCollection, takesEveryMemberIntoAZoneOfItsOwn) {
-    TimeZone zone = zoneOf(300, -60, 1);
-    zone.tzDSTBegins = std::string("any value");
-    TimeZoneCollection zones;
-    zones.add(zone, "eastern");
-    zone.tzBias = 0;
-    EXPECT_EQ(zones.item("Eastern").tzBias, 300);
-    EXPECT_EQ(std::any_cast<std::string>(zones.item(1).tzDSTBegins), "any value");
-}
-
 TEST(ConvertDateToZone, appliesTheBiasAndTheDaylightBias) {
     const TimeZone eastern = zoneOf(300, -60, 1);
     EXPECT_EQ(isoUtc(convertDateToZone(kWinter, eastern, true)), "2009-01-15T07:00:00Z");

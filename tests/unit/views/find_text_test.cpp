@@ -1,5 +1,6 @@
 #include "MadeProject.h"
 #include "db/StoredQueries.h"
+#include "time/ExactZone.h"
 #include "views/UrlTable.h"
 
 #include <gmock/gmock.h>
@@ -67,6 +68,15 @@ TEST_F(FindTextTest, looksIntoWhatCellsShow) {
     EXPECT_EQ(found("url"), "0 Status");
     EXPECT_EQ(found("40709"), "not there") << "the stored number of a date";
     EXPECT_EQ(found("Unreadable"), "not there");
+}
+
+TEST_F(FindTextTest, findsTheAbbreviationsOfAnExactZone) {
+    setExactZone(zone, ExactZones("/usr/share/zoneinfo").find("Europe/Berlin"),
+                 Date::fromCivil({2011, 6, 15}));
+    page("http://a.example/");
+    table.loadURLs(task);
+    EXPECT_EQ(found("00 cest"), "0 Action Date [Local]");
+    EXPECT_EQ(found("00 dst"), "not there");
 }
 
 TEST_F(FindTextTest, looksIntoTheColumnsThatAreShownAlone) {

@@ -1,5 +1,6 @@
 #include "MadeProject.h"
 #include "base/Files.h"
+#include "db/RecordFacts.h"
 #include "support/builders/ExifJpeg.h"
 #include "views/Properties.h"
 
@@ -43,8 +44,8 @@ class PropertiesTest : public testing::Test, protected MadeProject {
 TEST_F(PropertiesTest, fieldsStandInTheOrderOfTheDatabaseWithoutTyped) {
     const auto names = namesOf(load(add({{"URL", "http://host/"}})));
     EXPECT_EQ(names.front(), "URL_ID");
-    EXPECT_EQ(names.back(), "WebPageTitle");
-    EXPECT_EQ(names.size(), 74U);
+    EXPECT_EQ(names.back(), "Person");
+    EXPECT_EQ(names.size(), 77U);
     EXPECT_THAT(names, Not(Contains("Typed")));
     EXPECT_EQ(names.at(1), "SourceFile_ID");
     EXPECT_TRUE(log.entries.empty());
@@ -123,7 +124,24 @@ TEST_F(PropertiesTest, aZoneThatCantBeAddedLosesThatFieldOnly) {
     ASSERT_EQ(log.entries.size(), 1U);
     EXPECT_EQ(log.entries[0].procedure, "MainForm.LoadProperties()");
     EXPECT_EQ(log.entries[0].severity, Severity::Warning);
-    EXPECT_EQ(load(id).size(), 74U);
+    EXPECT_EQ(load(id).size(), 77U);
+}
+
+TEST_F(PropertiesTest, theFactsOfTheRecordStandAfterItsFields) {
+    const auto id = add({{"URL", "http://host/"}});
+    const auto other = add({{"URL", "http://other/"}});
+    FactList facts;
+    facts.add("transition", "typed", 33554433);
+    facts.add("count", 3);
+    RecordFacts(db()).store(UrlId{id}, facts);
+    const auto all = load(id);
+    ASSERT_EQ(all.size(), 79U);
+    EXPECT_EQ(all[77], (Property{"transition", "typed [33554433]"}));
+    EXPECT_EQ(all[78], (Property{"count", "3"}));
+    EXPECT_EQ(load(other).size(), 77U);
+    db().exec("DROP TABLE RecordFacts"); // as in a project of an earlier build
+    EXPECT_EQ(load(id).size(), 77U);
+    EXPECT_TRUE(log.entries.empty());
 }
 
 TEST_F(PropertiesTest, aRowThatIsGoneHasNoProperties) {
@@ -137,22 +155,22 @@ TEST_F(PropertiesTest, aPictureShowsWhatTheCameraWrote) {
     picture = [&] { return std::optional(file); };
     const auto id = add({{"Category", "Pictures"}});
     const auto all = load(id);
-    ASSERT_EQ(all.size(), 77U);
-    EXPECT_EQ(all[74], (Property{"EXIF-EquipMake", "Acme"}));
-    EXPECT_EQ(all[75], (Property{"EXIF-EquipModel", "C-100"}));
-    EXPECT_EQ(all[76], (Property{"EXIF-Flash", "0"}));
-    EXPECT_EQ(load(add({{"Category", "HTML"}})).size(), 74U); // nobody looks for it
+    ASSERT_EQ(all.size(), 80U);
+    EXPECT_EQ(all[77], (Property{"EXIF-EquipMake", "Acme"}));
+    EXPECT_EQ(all[78], (Property{"EXIF-EquipModel", "C-100"}));
+    EXPECT_EQ(all[79], (Property{"EXIF-Flash", "0"}));
+    EXPECT_EQ(load(add({{"Category", "HTML"}})).size(), 77U); // nobody looks for it
 }
 
 TEST_F(PropertiesTest, failuresOfExifDontStopTheOthers) {
     const auto id = add({{"Category", "PICTURES"}});
     picture = []() -> std::optional<std::filesystem::path> { throw std::runtime_error("no disk"); };
-    EXPECT_EQ(load(id).size(), 74U);
+    EXPECT_EQ(load(id).size(), 77U);
     picture = [&] { return std::optional(folder.path() / "gone.jpg"); };
-    EXPECT_EQ(load(id).size(), 74U);
+    EXPECT_EQ(load(id).size(), 77U);
     EXPECT_EQ(log.entries.size(), 2U);
     picture = [&] { return std::optional(folder.write("p.jpg", "\xFF\xD8\xFF\xD9")); };
-    EXPECT_EQ(load(id).size(), 74U); // no data, no rows
+    EXPECT_EQ(load(id).size(), 77U); // no data, no rows
     EXPECT_EQ(log.entries.size(), 2U);
 }
 

@@ -76,9 +76,6 @@ TEST_F(QueryCommandsTest, aProjectStartsWithItsDefaultQuery) {
     commands.start();
     EXPECT_EQ(view.box, kVisits);
     EXPECT_EQ(state.currentSQLDef, kVisits);
-    commands.runSQL();
-    EXPECT_EQ(state.currentSQLDef, kDefaultQueryText);
-    EXPECT_EQ(stored("_DEFAULT"), kVisits);
 }
 
 TEST_F(QueryCommandsTest, validateTellsOfBothOutcomes) {

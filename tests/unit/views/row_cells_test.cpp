@@ -1,4 +1,5 @@
 #include "MadeProject.h"
+#include "time/ExactZone.h"
 #include "views/CellText.h"
 #include "views/RowCells.h"
 #include "views/RowPager.h"
@@ -120,6 +121,22 @@ TEST_F(RowCellsTest, aZoneThatCantBeAddedIsLoggedAndShowsNoDate) {
     EXPECT_EQ(text(id, UrlColumn::ActionDateLocal), "");
     ASSERT_EQ(log.entries.size(), 1u);
     EXPECT_EQ(log.entries[0].procedure, "MainForm.LoadURLs()");
+}
+
+TEST_F(RowCellsTest, anExactZoneShowsDatesOfAnyAgeByTheirLaw) {
+    setExactZone(zone, ExactZones("/usr/share/zoneinfo").find("Europe/Berlin"),
+                 Date::fromCivil({2011, 6, 15}));
+    const auto recent = add({{"ActionDateUTC", test::daysOf({2011, 3, 14, 0, 17, 30})}});
+    const auto old = add({{"ActionDateUTC", test::daysOf({1893, 3, 31, 23, 6, 31})}});
+    for (const UrlColumn column : {UrlColumn::ActionDateLocal, UrlColumn::LocalDate}) {
+        EXPECT_EQ(text(recent, column), "2011-03-14 01:17:30 CET");
+        EXPECT_EQ(text(old, column), "1893-03-31 23:59:59 LMT");
+    }
+    EXPECT_EQ(machine<std::string>(recent, UrlColumn::ActionDateLocal),
+              "2011-03-14T01:17:30+01:00");
+    EXPECT_EQ(machine<std::string>(old, UrlColumn::ActionDateLocal),
+              "1893-03-31T23:59:59+00:53:28");
+    EXPECT_EQ(headerText(UrlColumn::ActionDateLocal, zone), "Action Date Local\n[Europe/Berlin]");
 }
 
 TEST_F(RowCellsTest, numbersAndFlagsKeepTheirKind) {

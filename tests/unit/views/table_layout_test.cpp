@@ -88,8 +88,8 @@ TEST(TableLayout, putsColumnsOfOnePositionSideBySide) {
 TEST(TableLayout, putsPositionsBeyondTheEndAtTheEnd) {
     const TableLayout layout =
         restored({{"COL_URL_HOST_ColPos", "900"}, {"COL_URL_USER_ColPos", "800"}});
-    EXPECT_EQ(layout.position(UrlColumn::User), 51);
-    EXPECT_EQ(layout.position(UrlColumn::Host), 52);
+    EXPECT_EQ(layout.position(UrlColumn::User), 54);
+    EXPECT_EQ(layout.position(UrlColumn::Host), 55);
     EXPECT_EQ(layout.order().size(), kTableColumnCount);
 }
 
@@ -118,9 +118,8 @@ TEST(TableLayout, survivesACloseAndAnOpenOfTheProject) {
         layout.setHidden(UrlColumn::Host, true);
         layout.move(UrlColumn::Value, 1);
         ProjectFields fields(project.connection(), project.log);
-        layout.save([&](std::string_view name, std::string_view value) {
-            fields.saveDefaultSetting(name, value);
-        });
+        layout.save(
+            [&](std::string_view name, std::string_view value) { fields.remember(name, value); });
     }
     project.database.closeDB();
     project.database.open();
@@ -130,17 +129,6 @@ TEST(TableLayout, survivesACloseAndAnOpenOfTheProject) {
     EXPECT_TRUE(layout.hidden(UrlColumn::Host));
     EXPECT_EQ(layout.position(UrlColumn::Value), 1);
     EXPECT_TRUE(project.log.entries.empty());
-}
-
-TEST(FormatColumns, takesHeaderAndVisibilityByKey) {
-    TableLayout layout;
-    URLTableColumns columns;
-    columns.add({"COL_URL_HOST", 0, 0, "Server", true}, "COL_URL_HOST");
-    columns.add({"COL_URL_NONE", 0, 0, "None", true}, "COL_URL_NONE");
-    layout.formatColumns(columns);
-    EXPECT_EQ(layout.header(UrlColumn::Host), "Server");
-    EXPECT_TRUE(layout.hidden(UrlColumn::Host));
-    EXPECT_EQ(layout.header(UrlColumn::User), "User");
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "readers/Dissection.h"
 #include "support/FakeDrawing.h"
 #include "support/TestProject.h"
+#include "support/UrlIds.h"
 #include "views/PageThumbnails.h"
 #include "views/ThumbnailJobs.h"
 #include "views/Thumbnails.h"
@@ -48,9 +49,9 @@ class ThumbnailsTest : public testing::Test {
         return {project.connection(), store,       evidence, temp, drawing,
                 project.clock,        project.log, settings};
     }
-    ThumbnailTotals make(std::vector<std::int64_t> ids) {
+    ThumbnailTotals make(std::initializer_list<std::int64_t> numbers) {
         ThumbnailTotals totals;
-        makeThumbnails(context(), ids, task, totals);
+        makeThumbnails(context(), test::urlIds(numbers), task, totals);
         return totals;
     }
     std::string field(std::int64_t id, const std::string &column) {
@@ -162,9 +163,9 @@ TEST_F(ThumbnailsTest, evidenceIsOnlyCopied) {
 }
 
 TEST_F(ThumbnailsTest, manyRowsGoInBatches) {
-    std::vector<std::int64_t> ids;
+    std::vector<UrlId> ids;
     for (int i = 0; i < 270; ++i)
-        ids.push_back(add(std::to_string(i) + "[1].gif", "GIF89a"));
+        ids.push_back(UrlId{add(std::to_string(i) + "[1].gif", "GIF89a")});
     MemoryTask watched;
     ThumbnailTotals totals;
     makeThumbnails(context(), ids, watched, totals);
@@ -175,9 +176,9 @@ TEST_F(ThumbnailsTest, manyRowsGoInBatches) {
 }
 
 TEST_F(ThumbnailsTest, aCancelKeepsWhatWasMade) {
-    std::vector<std::int64_t> ids;
+    std::vector<UrlId> ids;
     for (int i = 0; i < 5; ++i)
-        ids.push_back(add(std::to_string(i) + "[1].gif", "GIF89a"));
+        ids.push_back(UrlId{add(std::to_string(i) + "[1].gif", "GIF89a")});
     bool stopped = false;
     for (int calls = 0; calls < 100 && !stopped; ++calls) {
         CancelAfter task2(calls);
@@ -190,22 +191,6 @@ TEST_F(ThumbnailsTest, aCancelKeepsWhatWasMade) {
     }
     EXPECT_TRUE(stopped);
     EXPECT_TRUE(fs::is_empty(temp));
-}
-
-TEST_F(ThumbnailsTest, oneRecordIsMadeOnlyWhenTheImportWantsPictures) {
-    UrlRecord record = *store.getURL(UrlId{add("a[1].gif", "GIF89a")});
-    ImportSettings import;
-    import.makePictureThumbnails = false;
-    EXPECT_FALSE(makeThumbnail(record, import, context()));
-    import.makePictureThumbnails = true;
-    EXPECT_TRUE(makeThumbnail(record, import, context()));
-    EXPECT_EQ(record.ThumbnailFormat, "Bitmap");
-    EXPECT_TRUE(record.IsPicture);
-    EXPECT_FALSE(record.IsWebPage);
-    EXPECT_EQ(record.PARDValue, 88);
-    EXPECT_EQ(field(1, "ThumbnailMD5Hash"), record.ThumbnailMD5Hash);
-    record.CacheFileExists = false;
-    EXPECT_FALSE(makeThumbnail(record, import, context()));
 }
 
 TEST_F(ThumbnailsTest, aPictureFileIsDrawnAndMeasured) {
@@ -227,14 +212,15 @@ TEST_F(ThumbnailsTest, aRebuiltPageIsTriedTwice) {
     const auto id = add("page[1].htm", "<html>");
     const fs::path page = project.folder.write("page.htm", "rebuilt");
     drawing.failures = 1;
-    EXPECT_TRUE(createHTMLThumbnail(page, temp / "page.jpg", UrlId{id}, 120, context()));
+    const std::vector<PageDrawing> pages{{UrlId{id}, page, temp / "page.jpg"}};
+    EXPECT_TRUE(createHTMLThumbnails(pages, 120, context(), task).front());
     EXPECT_EQ(field(id, "ThumbnailBLOB"), "JPEGrebuilt");
     ASSERT_EQ(project.log.entries.size(), 1u);
     EXPECT_THAT(project.log.entries[0].message, HasSubstr("Win32 Error"));
     EXPECT_EQ(project.log.entries[0].severity, Severity::Warning);
     EXPECT_EQ(project.log.entries[0].procedure, "MainBAS.CreateHTMLThumbnail()");
     drawing.failures = 2;
-    EXPECT_FALSE(createHTMLThumbnail(page, temp / "page.jpg", UrlId{id}, 120, context()));
+    EXPECT_FALSE(createHTMLThumbnails(pages, 120, context(), task).front());
     EXPECT_EQ(drawing.drawn.size(), 4u);
     EXPECT_FALSE(fs::exists(temp / "page.jpg")); // the old one doesn't pass for a new one
 }

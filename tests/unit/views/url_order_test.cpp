@@ -115,5 +115,33 @@ TEST_F(UrlOrderTest, theLocalDateIsShownWhateverItsAge) {
     EXPECT_EQ(table.cell(0, UrlColumn::LocalDate), "1999-12-31 19:00:00 STD");
 }
 
+TEST_F(UrlOrderTest, whoseARecordIsCanBeShownAndSortedBy) {
+    const auto first = add({{"URL", "1"}, {"Browser", "Vivaldi"}, {"Profile", "Default"}});
+    const auto second = add({{"URL", "2"}, {"Browser", "brave"}, {"Person", "alice"}});
+    table.loadURLs(task);
+    EXPECT_EQ(table.sortBy(UrlColumn::Browser, SortDirection::Ascending, task), LoadResult::Loaded);
+    EXPECT_EQ(table.ids(),
+              (RowIds{static_cast<std::int32_t>(second), static_cast<std::int32_t>(first)}));
+    EXPECT_EQ(table.cell(0, UrlColumn::Browser), "brave");
+    EXPECT_EQ(table.cell(0, UrlColumn::Person), "alice");
+    EXPECT_EQ(table.cell(1, UrlColumn::Profile), "Default");
+    EXPECT_EQ(table.cell(1, UrlColumn::Person), "");
+    EXPECT_EQ(sortIn("COL_URL_PERSON DESC"),
+              (ColumnSort{UrlColumn::Person, SortDirection::Descending}));
+}
+
+TEST_F(UrlOrderTest, factsOfARowAreReadByItsPlace) {
+    page(40002, "second");
+    page(40001, "first");
+    FactList facts;
+    facts.add("count", 3);
+    RecordFacts(db()).store(UrlId{1}, facts);
+    table.loadURLs(task);
+    RecordFacts reader = table.factReader();
+    EXPECT_TRUE(table.facts(0, reader).empty());
+    EXPECT_EQ(table.facts(1, reader), facts);
+    EXPECT_TRUE(table.facts(7, reader).empty());
+}
+
 } // namespace
 } // namespace nv

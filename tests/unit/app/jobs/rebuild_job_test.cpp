@@ -6,6 +6,7 @@
 #include "unit/app/ProgramFixture.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 namespace nv {
@@ -41,12 +42,12 @@ struct RebuildJobTest : test::ProgramFixture {
     }
 
     /// A page of Internet Explorer's cache; `word` stands in it.
-    std::int64_t addPage(const std::string &word) {
+    UrlId addPage(const std::string &word) {
         const std::string name = "page" + std::to_string(++m_files) + ".htm";
         const fs::path file = evidence / name;
         writeWhole(file, "<html>" + word + "<img src=\"gone.gif\" ></html> ");
         const Evidence found(evidence);
-        RecordStore store(project(), {program->thisClass.gmtZone, false}, clock, program->log);
+        RecordStore store(project(), {program->state.gmtZone, false}, clock, program->log);
         UrlRecord record;
         record.cacheType = "IE Cache";
         record.URL = record.URLRawValue = "http://host/" + name;
@@ -57,13 +58,13 @@ struct RebuildJobTest : test::ProgramFixture {
         record.CacheFileExists = true;
         HistoryFile artefact;
         store.saveRecord(record, artefact);
-        return number(record.URLID);
+        return record.URLID;
     }
-    SQLite::Database &project() { return program->thisClass.projectDB.connection(); }
-    std::string thumbnail(std::int64_t id) {
+    SQLite::Database &project() { return program->state.projectDB.connection(); }
+    std::string thumbnail(UrlId id) {
         return project()
             .execAndGet("SELECT ifnull(CAST(ThumbnailBLOB AS TEXT), '') FROM URLs WHERE URL_ID = " +
-                        std::to_string(id))
+                        fmt::format("{}", id))
             .getString();
     }
     RecordTools &tools(TaskMonitor &task) {
@@ -73,7 +74,7 @@ struct RebuildJobTest : test::ProgramFixture {
         };
         return *m_tools;
     }
-    bool rebuild(const std::vector<std::int64_t> &ids) {
+    bool rebuild(const std::vector<UrlId> &ids) {
         pages.clear();
         return rebuildPages(*program, tools(nobody), ids,
                             [this](const RebuiltPage &page) { pages.push_back(page); });
@@ -99,7 +100,7 @@ struct RebuildJobTest : test::ProgramFixture {
 
 TEST_F(RebuildJobTest, aFullDiskEndsTheBatchAndSaysWhatIsKept) {
     const std::vector ids = {addPage("one"), addPage("two"), addPage("three")};
-    program->thisClass.redrawThumbIfPageRebuilt = false;
+    program->state.redrawThumbIfPageRebuilt = false;
     int handedOn = 0;
     const auto run = [&] {
         rebuildPages(*program, tools(nobody), ids, [&](const RebuiltPage &) {
@@ -142,7 +143,7 @@ TEST_F(RebuildJobTest, countsOnlyReferencesThatThePageNamesAPartForAsReplaced) {
 }
 
 TEST_F(RebuildJobTest, aBatchIsDrawnInOneRun) {
-    std::vector<std::int64_t> ids;
+    std::vector<UrlId> ids;
     for (int i = 0; i < 7; ++i)
         ids.push_back(addPage("word" + std::to_string(i)));
     EXPECT_TRUE(rebuild(ids));
@@ -152,7 +153,7 @@ TEST_F(RebuildJobTest, aBatchIsDrawnInOneRun) {
 }
 
 TEST_F(RebuildJobTest, manyPagesAreDrawnByTheHundred) {
-    std::vector<std::int64_t> ids;
+    std::vector<UrlId> ids;
     for (int i = 0; i < 120; ++i)
         ids.push_back(addPage("x"));
     test::MemoryTask task;
@@ -168,7 +169,7 @@ TEST_F(RebuildJobTest, manyPagesAreDrawnByTheHundred) {
 }
 
 TEST_F(RebuildJobTest, withTheSettingOffNothingIsDrawn) {
-    program->thisClass.redrawThumbIfPageRebuilt = false;
+    program->state.redrawThumbIfPageRebuilt = false;
     const auto id = addPage("x");
     EXPECT_TRUE(rebuild({id}));
     EXPECT_THAT(thumbnails(), ElementsAre(Redrawn::notWanted));
@@ -223,7 +224,7 @@ TEST_F(RebuildJobTest, thePictureOfARecordIsDrawnAndItsTileLeft) {
 }
 
 TEST_F(RebuildJobTest, aCancelKeepsWhatIsRebuiltAndTellsOfIt) {
-    const std::vector<std::int64_t> ids{addPage("a"), addPage("b"), addPage("c")};
+    const std::vector<UrlId> ids{addPage("a"), addPage("b"), addPage("c")};
     bool whole = false;
     for (int calls = 0; calls < 300 && !whole; ++calls) {
         test::CancelAfter task(calls);

@@ -7,7 +7,7 @@ namespace {
 
 RebuiltPage rebuiltPage(std::int64_t id, std::size_t replaced, std::size_t missing) {
     RebuiltPage page;
-    page.urlID = id;
+    page.urlID = UrlId{id};
     page.rebuilt = true;
     page.replaced = replaced;
     page.missing = missing;
@@ -16,7 +16,7 @@ RebuiltPage rebuiltPage(std::int64_t id, std::size_t replaced, std::size_t missi
 
 RebuiltPage notRebuilt(std::int64_t id, NotRebuilt why) {
     RebuiltPage page;
-    page.urlID = id;
+    page.urlID = UrlId{id};
     page.why = why;
     return page;
 }

@@ -6,6 +6,7 @@
 #include "db/CaseTrail.h"
 #include "import/Scan.h"
 #include "rebuild/TemplateList.h"
+#include "support/UrlIds.h"
 #include "support/builders/WebSite.h"
 #include "unit/app/ProgramFixture.h"
 
@@ -33,30 +34,30 @@ struct TemplateJobTest : test::ProgramFixture {
         static_cast<void>(runImportJob(*program, task, scratch));
         setTitle(1, "Harbour News");
         setTitle(2, "Tides");
-        program->thisClass.templatesPath = templates;
+        program->state.templatesPath = templates;
     }
     void setTitle(int id, const std::string &title) {
-        SQLite::Statement row(program->thisClass.projectDB.connection(),
+        SQLite::Statement row(program->state.projectDB.connection(),
                               "UPDATE URLs SET WebPageTitle = ? WHERE URL_ID = ?");
         row.bind(1, title);
         row.bind(2, id);
         row.exec();
     }
-    void rebuild(std::int64_t id) {
+    void rebuild(std::int64_t number) {
         RecordTools tools(*program, task, scratch);
-        EXPECT_TRUE(rebuildPage(*program, tools, id)->rebuilt);
+        EXPECT_TRUE(rebuildPage(*program, tools, UrlId{number})->rebuilt);
     }
-    TemplatesMade create(std::vector<std::int64_t> ids) {
+    TemplatesMade create(std::initializer_list<std::int64_t> numbers) {
         RecordTools tools(*program, task, scratch);
-        return createTemplates(*program, tools, ids);
+        return createTemplates(*program, tools, test::urlIds(numbers));
     }
-    LaidTemplates lay(std::vector<std::int64_t> ids, std::vector<fs::path> files) {
+    LaidTemplates lay(std::initializer_list<std::int64_t> numbers, std::vector<fs::path> files) {
         RecordTools tools(*program, task, scratch);
-        return rebuildFromTemplates(*program, tools, ids, files);
+        return rebuildFromTemplates(*program, tools, test::urlIds(numbers), files);
     }
-    bool isRebuilt(std::int64_t id) {
+    bool isRebuilt(std::int64_t number) {
         RecordTools tools(*program, task, scratch);
-        return tools.record(id)->CacheFileRebuilt;
+        return tools.record(UrlId{number})->CacheFileRebuilt;
     }
     /// The template of the page.
     fs::path made() {
@@ -70,9 +71,9 @@ struct TemplateJobTest : test::ProgramFixture {
 };
 
 TEST_F(TemplateJobTest, matchesTitlesUnlessTurnedOff) {
-    EXPECT_TRUE(program->thisClass.templateMatchByTitle);
+    EXPECT_TRUE(program->state.templateMatchByTitle);
     settings("[BEYOND]\nTemplateMatchByTitle=False\n");
-    EXPECT_FALSE(start().thisClass.templateMatchByTitle);
+    EXPECT_FALSE(start().state.templateMatchByTitle);
 }
 
 TEST_F(TemplateJobTest, makesTemplatesOfRebuiltPagesOnly) {
@@ -98,7 +99,7 @@ TEST_F(TemplateJobTest, bringsBackARebuildOfAnEarlierRun) {
 TEST_F(TemplateJobTest, whatIsLaidIsInTheCaseTrail) {
     const fs::path file = made();
     const LaidTemplates laid = lay({1, 2}, {file});
-    const TrailEntry entry = CaseTrail(program->thisClass.projectDB.connection()).entries().back();
+    const TrailEntry entry = CaseTrail(program->state.projectDB.connection()).entries().back();
     EXPECT_EQ(entry.action, "Template");
     EXPECT_EQ(entry.detail, laidText(laid));
     EXPECT_EQ(entry.rowCount, 1);
@@ -137,7 +138,7 @@ TEST_F(TemplateJobTest, laysTemplatesOverPagesOfTheirTitle) {
 
 TEST_F(TemplateJobTest, laysOneOverAnyPageWhenTitlesDontMatter) {
     const fs::path file = made();
-    program->thisClass.templateMatchByTitle = false;
+    program->state.templateMatchByTitle = false;
     EXPECT_EQ(lay({2, 3}, {file}).results[Laid::rebuilt], 2u);
 }
 
@@ -152,7 +153,7 @@ TEST_F(TemplateJobTest, aTemplateThatDoesntFitTakesNothingFromOneThatDid) {
 }
 
 TEST_F(TemplateJobTest, whatIsNoTemplateChangesNothing) {
-    program->thisClass.templateMatchByTitle = false;
+    program->state.templateMatchByTitle = false;
     fs::create_directories(templates);
     writeWhole(templates / "short.NVT", "NV");
     writeWhole(templates / "empty.NVT", std::string(0x1000, '\0'));
@@ -169,10 +170,10 @@ TEST_F(TemplateJobTest, whatIsNoTemplateChangesNothing) {
 
 TEST_F(TemplateJobTest, cancelLeavesTheRemainingPages) {
     const fs::path file = made();
-    program->thisClass.templateMatchByTitle = false;
+    program->state.templateMatchByTitle = false;
     test::CancelAfter stops(1);
     RecordTools tools(*program, stops, scratch);
-    const std::vector<std::int64_t> ids = {2, 3};
+    const std::vector<UrlId> ids = test::urlIds({2, 3});
     const std::vector<fs::path> files = {file};
     const LaidTemplates laid = rebuildFromTemplates(*program, tools, ids, files);
     EXPECT_TRUE(laid.cancelled);

@@ -1,6 +1,7 @@
 #include "app/jobs/ImportText.h"
 #include "app/jobs/ThumbnailJob.h"
 #include "app/project/Project.h"
+#include "support/UrlIds.h"
 #include "unit/app/ProgramFixture.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -20,7 +21,7 @@ struct ThumbnailJobTest : test::ProgramFixture {
     ThumbnailJobTest() {
         start(Front::headless);
         EXPECT_TRUE(createProject(*program, folder.path() / "case.nvp"));
-        program->thisClass.projectDB.connection().exec(
+        program->state.projectDB.connection().exec(
             "INSERT INTO URLs(Category, CacheFileExists, ThumbnailMD5Hash) VALUES "
             "('PICTURES', 1, ''), ('Pictures', 1, 'x'), ('HTML', 1, NULL), ('Pictures', 0, ''), "
             "('Stylesheets', 1, '')");
@@ -31,20 +32,20 @@ struct ThumbnailJobTest : test::ProgramFixture {
 
 TEST_F(ThumbnailJobTest, rowsThatHaveAThumbnailAreLeftUnlessAskedFor) {
     UnreadRows unread;
-    EXPECT_THAT(drawableIds(*program, Redo::no, unread), ElementsAre(1, 3));
-    EXPECT_THAT(drawableIds(*program, Redo::yes, unread), ElementsAre(1, 2, 3));
-    EXPECT_THAT(withoutThumbnail(*program, {5, 2, 1}), ElementsAre(5, 1));
+    EXPECT_EQ(drawableIds(*program, Redo::no, unread), test::urlIds({1, 3}));
+    EXPECT_EQ(drawableIds(*program, Redo::yes, unread), test::urlIds({1, 2, 3}));
+    EXPECT_EQ(withoutThumbnail(*program, test::urlIds({5, 2, 1})), test::urlIds({5, 1}));
 }
 
 TEST_F(ThumbnailJobTest, anImportDrawsItsOwnRows) {
-    EXPECT_THAT(importedDrawableIds(*program, 0), ElementsAre(1, 2, 3));
-    EXPECT_THAT(importedDrawableIds(*program, 2), ElementsAre(3));
+    EXPECT_EQ(importedDrawableIds(*program, 0), test::urlIds({1, 2, 3}));
+    EXPECT_EQ(importedDrawableIds(*program, 2), test::urlIds({3}));
     EXPECT_THAT(importedDrawableIds(*program, 5), IsEmpty());
 }
 
 TEST_F(ThumbnailJobTest, theBoxesOfTheImportHold) {
     program->import.makeWebPageThumbnails = false;
-    EXPECT_THAT(importedDrawableIds(*program, 0), ElementsAre(1, 2));
+    EXPECT_EQ(importedDrawableIds(*program, 0), test::urlIds({1, 2}));
     program->import.makeWebPageThumbnails = true;
     program->import.makePictureThumbnails = false; // asked for pages too
     EXPECT_THAT(importedDrawableIds(*program, 0), IsEmpty());

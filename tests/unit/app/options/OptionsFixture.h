@@ -18,14 +18,13 @@ struct OptionsFixture : ProgramFixture {
     }
     void openCase() { ASSERT_TRUE(createProject(*program, folder.path() / "case.nvp")); }
     std::string inProject(std::string_view name) {
-        return ProjectFields(program->thisClass.projectDB.connection(), program->log)
-            .getDefault(name);
+        return ProjectFields(program->state.projectDB.connection(), program->log).getDefault(name);
     }
     std::vector<TrailEntry> trail() {
-        return CaseTrail(program->thisClass.projectDB.connection()).entries();
+        return CaseTrail(program->state.projectDB.connection()).entries();
     }
     bool apply(const Options &options) { return applyOptions(*program, options).applied; }
-    ProgramState &state() { return program->thisClass; }
+    ProgramState &state() { return program->state; }
 };
 
 } // namespace nv::test

@@ -46,6 +46,7 @@ TEST_F(OptionsFileTest, aFirstOkayWritesTheseLines) {
                       "TemplateMatchByTitle=True\n"
                       "ThumbnailsWhileImporting=False\n"
                       "KeepAllOptions=False\n"
+                      "ClassicOnly=False\n"
                       "[THUMBNAILS]\n"
                       "ViewerThumbnailWidth=120\n"
                       "ReportThumbnailWidth=200\n");
@@ -72,7 +73,7 @@ TEST_F(OptionsFileTest, keepAllOptionsAddsTheseLines) {
                            "NetworkConnectionName=Local Area Connection\n"
                            "[FILE PATHS]\n"));
     EXPECT_THAT(text, EndsWith("ThumbnailsWhileImporting=False\n"
-                               "KeepAllOptions=True\n"
+                               "KeepAllOptions=True\nClassicOnly=False\n"
                                "[THUMBNAILS]\n"
                                "ViewerThumbnailWidth=120\n"
                                "ReportThumbnailWidth=200\n"

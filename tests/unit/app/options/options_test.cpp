@@ -1,7 +1,10 @@
 #include "OptionsFixture.h"
 #include "app/options/ProjectOptions.h"
+#include "app/options/SettingsInForce.h"
 #include "app/program/NetworkSwitch.h"
+#include "app/project/EvidenceFolders.h"
 #include "base/Files.h"
+#include "support/RefuseValues.h"
 
 #include <gmock/gmock.h>
 
@@ -169,7 +172,7 @@ TEST_F(OptionsTest, everythingElseIsAppliedAndWritten) {
     EXPECT_EQ(ini("THUMBNAILS", "ViewerThumbnailWidth"), "160");
     EXPECT_EQ(ini("THUMBNAILS", "ReportThumbnailWidth"), "120");
     EXPECT_EQ(ini("OPTIONS", "ProgressBarRefreshRate"), "2");
-    EXPECT_EQ(program->thread.progressBarRefreshRate, 2);
+    EXPECT_EQ(program->task.progressBarRefreshRate, 2);
     EXPECT_EQ(ini("BEYOND", "WideRecordIds"), "True");
     EXPECT_TRUE(program->import.makeThumbnails);
     EXPECT_FALSE(state().templateMatchByTitle);
@@ -282,6 +285,53 @@ TEST_F(OptionsTest, settingsThatCantBeWrittenAreTold) {
     EXPECT_THAT(examiner.heard.back().text, HasSubstr(paths.settings().string()));
     EXPECT_FALSE(state().galleryIncludeHTML) << "holds until the program ends";
     EXPECT_EQ(ini("OPTIONS", "GalleryIncludeHTML"), "(none)");
+}
+
+TEST_F(OptionsTest, settingsThatCantBeWrittenAreToldAfterARefusalToo) {
+    Options options = shown();
+    options.timeZoneID.reset();
+    fs::create_directories(paths.settings().native() + ".new");
+    examiner.expect("zone-not-selected");
+    examiner.expect("settings-not-written");
+    EXPECT_FALSE(apply(options));
+}
+
+TEST_F(OptionsTest, choicesOutsideOfItThatCantBeKeptAreToldOnce) {
+    fs::create_directories(paths.settings().native() + ".new");
+    rememberFlag(program->settings, "ShowHosts", true); // which nobody misses
+    EXPECT_TRUE(examiner.heard.empty());
+    examiner.expect("settings-not-written");
+    keepFlag(*program, "TemplateMatchByTitle", false);
+    chooseDateFormat(*program, "dd.mm.yyyy");
+    EXPECT_EQ(examiner.heard.size(), 1U);
+    EXPECT_FALSE(state().templateMatchByTitle);
+    fs::remove_all(paths.settings().native() + ".new");
+    chooseTimeFormat(*program, "Hh:Nn");
+    EXPECT_EQ(ini("OPTIONS", "DateFormat"), "dd.mm.yyyy");
+    EXPECT_EQ(ini("BEYOND", "TemplateMatchByTitle"), "False");
+    EXPECT_EQ(ini("BEYOND", "ShowHosts"), "True");
+}
+
+TEST_F(OptionsTest, valuesThatTheProjectCantKeepAreTold) {
+    openCase();
+    test::refuseValues(state().projectDB.connection());
+    Options options = shown();
+    options.dateFormat = "dd.mm.yyyy";
+    examiner.expect("project-values-not-kept");
+    EXPECT_TRUE(apply(options));
+    EXPECT_THAT(examiner.heard.back().text, HasSubstr("DateFormat"));
+    EXPECT_EQ(state().dateFormat, "dd.mm.yyyy") << "holds until the project is closed";
+    examiner.expect("project-values-not-kept");
+    closeProject(*program);
+    EXPECT_THAT(examiner.heard.back().text, HasSubstr("LastTimeZoneID"));
+}
+
+TEST_F(OptionsTest, evidenceThatTheProjectCantKeepIsAFailure) {
+    openCase();
+    fs::create_directories(folder.path() / "evidence");
+    test::refuseValues(state().projectDB.connection());
+    EXPECT_THROW(keepEvidenceFolder(*program, folder.path() / "evidence"), StorageFailure);
+    EXPECT_THROW(setRootPath(*program, folder.path() / "evidence"), StorageFailure);
 }
 
 } // namespace

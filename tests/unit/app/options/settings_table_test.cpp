@@ -53,6 +53,8 @@ TEST_F(SettingsTableTest, valuesAreChecked) {
     EXPECT_NE(check("GalleryRecordsPerPage", "99999999999999999999").refusal, "");
     EXPECT_EQ(check("TimeZoneID", "15").refusal, "");
     EXPECT_THAT(check("TimeZoneID", "9999").refusal, HasSubstr("no zone"));
+    EXPECT_EQ(check("TimeZoneID", "europe/berlin").value, "Europe/Berlin");
+    EXPECT_THAT(check("TimeZoneID", "Europe/Berln").refusal, HasSubstr("Europe/Berlin"));
     EXPECT_EQ(check("Theme", "dark").value, "Dark");
     EXPECT_NE(check("Theme", "Pink").refusal, "");
     EXPECT_NE(check("DateFormat", "yyyy\nmm").refusal, "");
@@ -66,16 +68,8 @@ TEST_F(SettingsTableTest, valuesAreChecked) {
 TEST_F(SettingsTableTest, valuesAndDefaultsAreThoseInForce) {
     EXPECT_EQ(value("DateFormat"), "yyyy-mm-dd");
     EXPECT_EQ(value("TempFolderPath"), (paths.home / "Temp").string());
-    program->settings.writeIniValue("OPTIONS", "VerifyFileSignatures", "true");
+    ASSERT_TRUE(program->settings.writeIniValue("OPTIONS", "VerifyFileSignatures", "true"));
     EXPECT_EQ(value("VerifyFileSignatures"), "False") << "only True reads as true";
-}
-
-TEST_F(SettingsTableTest, theNearestNamesAreOffered) {
-    const std::vector<std::string> names = {"DateFormat", "TimeFormat", "Theme", "DateFormat"};
-    EXPECT_EQ(nearestNames("DateFromat", names).front(), "DateFormat");
-    EXPECT_EQ(nearestNames("theem", names).front(), "Theme");
-    EXPECT_EQ(nearestNames("format", names),
-              (std::vector<std::string>{"DateFormat", "TimeFormat", "Theme"}));
 }
 
 TEST_F(SettingsTableTest, hostileValuesAreRefusedWithTheWordsOfOptions) {

@@ -22,14 +22,14 @@ TEST_F(NetworkSwitchTest, theConnectionOfTheSettingsIsSwitched) {
     network.answer = Switched::done;
     EXPECT_TRUE(toggle(ConnectionState::disabled));
     EXPECT_THAT(network.asked, ElementsAre(Pair("Lab Net", ConnectionState::disabled)));
-    EXPECT_TRUE(program->thisClass.connectionOffline);
+    EXPECT_TRUE(program->state.connectionOffline);
     EXPECT_TRUE(toggle(ConnectionState::enabled));
-    EXPECT_FALSE(program->thisClass.connectionOffline);
+    EXPECT_FALSE(program->state.connectionOffline);
 }
 
 TEST_F(NetworkSwitchTest, aMissingFolderOrItemIsTold) {
     start();
-    const bool before = program->thisClass.connectionOffline;
+    const bool before = program->state.connectionOffline;
     examiner.expect("connection-not-found");
     EXPECT_FALSE(toggle(ConnectionState::enabled));
     EXPECT_THAT(examiner.heard.back().text,
@@ -40,14 +40,14 @@ TEST_F(NetworkSwitchTest, aMissingFolderOrItemIsTold) {
     EXPECT_TRUE(
         examiner.heard.back().text.starts_with("Couldn't find 'Local Area Connection' item"));
     EXPECT_FALSE(toggle(ConnectionState::enabled, Quiet::yes));
-    EXPECT_EQ(program->thisClass.connectionOffline, before);
+    EXPECT_EQ(program->state.connectionOffline, before);
 }
 
 TEST_F(NetworkSwitchTest, aStateThatIsAsAskedIsNoSwitch) {
     start();
     network.answer = Switched::alreadySo;
     EXPECT_FALSE(toggle(ConnectionState::disabled));
-    EXPECT_TRUE(program->thisClass.connectionOffline);
+    EXPECT_TRUE(program->state.connectionOffline);
 }
 
 TEST_F(NetworkSwitchTest, aRefusalIsToldAndLogged) {

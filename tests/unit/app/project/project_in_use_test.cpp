@@ -1,6 +1,7 @@
 #include "app/jobs/Trail.h"
 #include "app/options/ProjectOptions.h"
 #include "app/program/ProjectHold.h"
+#include "app/program/Zones.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "unit/app/ProjectCommandsFixture.h"
@@ -22,7 +23,7 @@ struct ProjectInUseTest : ProjectCommandsTest {
         db().connection().exec("INSERT INTO URLs(URL) VALUES ('x')");
         set("AppMinor", "0");
         commands.closeFile();
-        program->thisClass.disableFileVersionCheck = true;
+        program->state.disableFileVersionCheck = true;
         other = std::make_unique<ProjectHold>(path, Front::window, clock);
     }
     std::unique_ptr<ProjectHold> other;
@@ -49,7 +50,8 @@ TEST_F(ProjectInUseTest, readingOnlyWritesNothing) {
     EXPECT_TRUE(window.caption.ends_with("(reading only)"));
     ASSERT_TRUE(setZone(*program, 20));
     setRootPath(*program, folder.path());
-    storeProjectValues(*program, projectValuesInForce(*program), TrailNote::yes);
+    EXPECT_TRUE(
+        storeProjectValues(*program, projectValuesInForce(*program), TrailNote::yes).empty());
     noteInTrail(*program, {});
     dialogs.answer = folder.path() / "copy.nvp";
     EXPECT_FALSE(commands.saveAs());
@@ -59,7 +61,7 @@ TEST_F(ProjectInUseTest, readingOnlyWritesNothing) {
 }
 
 TEST_F(ProjectInUseTest, anOlderProjectThatIsReadOnlyOffersNoUpgrade) {
-    program->thisClass.disableFileVersionCheck = false;
+    program->state.disableFileVersionCheck = false;
     examiner.expect("project-in-use", Answer::Yes);
     examiner.expect("older-project");
     EXPECT_TRUE(commands.openFile(path, OpenMode::existing));
@@ -73,7 +75,7 @@ TEST_F(ProjectInUseTest, neitherANewProjectNorSaveAsReplacesIt) {
     dialogs.answer = path;
     examiner.expect("save-as-failed");
     EXPECT_FALSE(commands.saveAs());
-    EXPECT_EQ(program->thisClass.projectDBPath, folder.path() / "second.nvp");
+    EXPECT_EQ(program->state.projectDBPath, folder.path() / "second.nvp");
     other.reset();
     ASSERT_TRUE(commands.openFile(path, OpenMode::existing));
     EXPECT_EQ(rows(), 1);

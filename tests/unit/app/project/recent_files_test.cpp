@@ -32,7 +32,7 @@ TEST_F(RecentFilesTest, aKnownProjectMovesToTheFront) {
 }
 
 TEST_F(RecentFilesTest, keysFiveAndSixAreOnlyRead) {
-    settings.writeIniValue("FILES", "File6", "/6.nvp");
+    ASSERT_TRUE(settings.writeIniValue("FILES", "File6", "/6.nvp"));
     storeFilenameINI(settings, "/1.nvp");
     EXPECT_EQ(shown(), (std::vector<std::string>{"/1.nvp", "/6.nvp"}));
 }

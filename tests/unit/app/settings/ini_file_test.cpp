@@ -93,12 +93,13 @@ TEST_F(IniFileTest, whatCouldNotBeWrittenHoldsAndIsTriedAgain) {
     EXPECT_FALSE(ini.writeIniValue("A", "b", "c"));
     EXPECT_FALSE(ini.writeIniValue("A", "d", "e"));
     EXPECT_TRUE(ini.hasUnwritten());
+    ini.remember("A", "h", "i");
     EXPECT_EQ(ini.readIniValue("A", "b", ""), "c");
     std::filesystem::create_directories(folder.path() / "later");
     EXPECT_TRUE(ini.writeIniValue("A", "f", "g"));
     EXPECT_FALSE(ini.hasUnwritten());
     const IniFile again(folder.path() / "later" / "x.ini", log);
-    for (const auto &[key, value] : {std::pair("b", "c"), {"d", "e"}, {"f", "g"}})
+    for (const auto &[key, value] : {std::pair("b", "c"), {"d", "e"}, {"f", "g"}, {"h", "i"}})
         EXPECT_EQ(again.readIniValue("A", key, ""), value);
 }
 

@@ -101,7 +101,7 @@ TEST_F(SettingsTest, theRowOfTheGuideIsASetting) {
     EXPECT_EQ(valueOf(*program, row), row.byDefault);
     EXPECT_EQ(checkValue(*program, row, "above").value, "Above");
     EXPECT_EQ(checkValue(*program, row, "Beside").refusal, "Above or Below is expected");
-    program->settings.writeIniValue(row.section, row.key, "Above");
+    ASSERT_TRUE(program->settings.writeIniValue(row.section, row.key, "Above"));
     EXPECT_EQ(valueOf(*program, row), "Above");
     EXPECT_EQ(row.okay, SettingOkay::writes);
     Options options;

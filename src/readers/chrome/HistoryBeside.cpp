@@ -1,0 +1,39 @@
+#include "readers/chrome/HistoryBeside.h"
+
+#include "readers/sqlite/DatabaseBeside.h"
+#include "readers/sqlite/TableCursor.h"
+
+#include <array>
+
+namespace nv {
+
+namespace {
+
+constexpr std::array<std::string_view, 1> kColumns = {"url"};
+
+} // namespace
+
+HistoryBeside::HistoryBeside(ReadContext &ctx, std::string_view procedure) {
+    for (const char *name : {"History", "Archived History"}) {
+        const Beside found = readBeside(ctx, name, procedure, [this](EvidenceDatabase &database) {
+            TableCursor cursor(database, "urls", kColumns);
+            while (cursor.next())
+                if (cursor.isReadable())
+                    m_urls.insert(cursor.row().text(0));
+        });
+        m_isRead |= found == Beside::read;
+        m_isUnreadable |= found == Beside::notReadable;
+    }
+}
+
+void HistoryBeside::note(ReadResult &result, std::uint64_t stored, std::uint64_t held) const {
+    if (held > 0)
+        result.noted["pages that the history lists have no row of their own"] += held;
+    if (m_isUnreadable)
+        result.noted["the history beside the file can't be read: it may list these pages"] +=
+            stored;
+    else if (!m_isRead)
+        result.noted["no history lies beside the file: one may list these pages"] += stored;
+}
+
+} // namespace nv

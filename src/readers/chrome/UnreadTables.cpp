@@ -1,0 +1,22 @@
+#include "readers/chrome/UnreadTables.h"
+
+#include "readers/sqlite/SqliteReading.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace nv {
+
+bool countUnread(ReadContext &ctx, EvidenceDatabase &database,
+                 std::span<const std::string_view> tables, std::string_view procedure,
+                 ReadResult &result) {
+    return std::ranges::all_of(tables, [&](std::string_view table) {
+        return eachFurtherRow(
+            database, table, {}, ctx, procedure, result, [&](std::int64_t, const Row &) {
+                ++result.passedOver[fmt::format("rows of table {}, which is not read", table)];
+            });
+    });
+}
+
+} // namespace nv

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "readers/Reader.h"
+
+namespace nv {
+
+// What is found and listed, but not read yet: docs/formats/not-read-yet.md.
+
+extern const Reader kIEWebCacheFormat;
+
+} // namespace nv
