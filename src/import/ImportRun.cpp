@@ -4,7 +4,9 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/LateUrlIndex.h"
 #include "db/SourceFiles.h"
+#include "db/UncheckedReferences.h"
 #include "db/WriteBatch.h"
 #include "import/Categories.h"
 #include "import/ImportSink.h"
@@ -131,6 +133,7 @@ class Import {
           m_classicOnly(job.classicOnly), m_secrets(job.secrets), m_browserOf(run.evidence, &m_log),
           m_sources(run.project, run.clock, m_log,
                     job.classicOnly ? ReadBy::classicRules : ReadBy::allRules),
+          m_unchecked(run.project), m_urlIndex(run.project, m_log),
           m_store(run.project, run.zone, run.clock, m_log),
           m_batch(run.project, [this] { note(); }) {}
     /// Whatever ends the import, the summary tells of what is in the project.
@@ -284,6 +287,8 @@ class Import {
     bool m_secrets;
     BrowserOf m_browserOf;
     SourceFiles m_sources;
+    UncheckedReferences m_unchecked;
+    LateUrlIndex m_urlIndex;
     RecordStore m_store;
     std::size_t m_finished = 0; ///< artefacts, from the first
     std::size_t m_finishedKept = 0;

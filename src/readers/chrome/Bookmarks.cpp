@@ -4,7 +4,6 @@
 #include "base/Text.h"
 #include "readers/Dissection.h"
 #include "readers/Limits.h"
-#include "readers/WholeFile.h"
 #include "readers/chrome/BookmarkFile.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/ProfileRecord.h"
@@ -123,12 +122,9 @@ ReadResult readBytes(ReadContext &ctx, ByteView bytes) {
 } // namespace
 
 ReadResult parseChromiumBookmarks(ReadContext &ctx) {
-    ReadResult tooLarge;
-    if (!isJsonSize(ctx, kProcedure, tooLarge))
-        return tooLarge;
-    return readWholeFile(ctx,
-                         {"PARSING CHROMIUM BOOKMARKS FILE", "Google Chrome", "", "chrome-32.png"},
-                         kProcedure, [&ctx](ByteView bytes) { return readBytes(ctx, bytes); });
+    return readJsonFile(ctx,
+                        {"PARSING CHROMIUM BOOKMARKS FILE", "Google Chrome", "", "chrome-32.png"},
+                        kProcedure, [&ctx](ByteView bytes) { return readBytes(ctx, bytes); });
 }
 
 } // namespace nv

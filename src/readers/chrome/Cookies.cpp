@@ -8,11 +8,13 @@
 #include "readers/chrome/Cookies.h"
 
 #include "base/Digest.h"
+#include "readers/FactSource.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/MetaTable.h"
 #include "readers/chrome/Stamps.h"
 #include "readers/chrome/ValueCipher.h"
 #include "readers/sqlite/CookieRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "time/SourceClocks.h"
 
@@ -120,8 +122,7 @@ class CookieFacts {
         addStamp(facts, "created", row.number(kCreation));
         addStamp(facts, "last_updated", row.number(kLastUpdate));
         addValue(facts, row);
-        facts.add("source_table", "cookies");
-        facts.add("source_rowid", rowId);
+        addSource(facts, "cookies", rowId);
     }
 
   private:

@@ -9,6 +9,7 @@
 #include "readers/chrome/Downloads.h"
 
 #include "base/Text.h"
+#include "readers/FactSource.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/StoredDate.h"
 #include "readers/sqlite/HistoryRow.h"
@@ -292,8 +293,7 @@ UrlRecord Downloads::recordOf(const ReadContext &ctx, const Download &download, 
 
 void Downloads::addFacts(FactList &facts, const Download &download, std::int64_t rowId,
                          const Row &row) const {
-    facts.add("source_table", "downloads");
-    facts.add("source_rowid", rowId);
+    addSource(facts, "downloads", rowId);
     facts.add("download_id", row.number(kId).value_or(rowId));
     addText(facts, "download_guid", row, kGuid);
     if (download.visit != StoredVisit::kNothing)

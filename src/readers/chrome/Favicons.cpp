@@ -7,10 +7,11 @@
 
 #include "readers/chrome/HistoryBeside.h"
 #include "readers/chrome/Kinds.h"
+#include "readers/chrome/MetaTable.h"
 #include "readers/chrome/ProfileRow.h"
-#include "readers/chrome/SchemaVersion.h"
 #include "readers/chrome/StoredDate.h"
 #include "readers/sqlite/FurtherTables.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 
 #include <algorithm>
@@ -96,7 +97,7 @@ ReadResult readPages(ReadContext &ctx, EvidenceDatabase &database, Icons &icons)
 
 ReadResult parseChromeFaviconsFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
-        noteSchemaVersion(ctx, database, "Favicons");
+        noteSchemaVersion(ctx, "Favicons", schemaVersion(ctx, database));
         ReadResult further;
         Icons icons;
         FurtherTables tables(ctx, database, kReader.procedure, further);

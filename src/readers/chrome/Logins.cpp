@@ -9,6 +9,7 @@
 
 #include "base/Text.h"
 #include "readers/Dissection.h"
+#include "readers/FactSource.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/MetaTable.h"
 #include "readers/chrome/ProfileRecord.h"
@@ -16,6 +17,7 @@
 #include "readers/chrome/UnreadTables.h"
 #include "readers/chrome/ValueCipher.h"
 #include "readers/sqlite/HistoryRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 
 #include <array>
@@ -98,15 +100,14 @@ UrlRecord loginRecord(const ReadContext &ctx, const Row &row) {
     return record;
 }
 
-bool readLogins(ReadContext &ctx, EvidenceDatabase &database, ReadResult &result) {
-    return eachFurtherRow(database, "logins", kColumns, ctx, kReader.procedure, result,
-                          [&ctx](std::int64_t rowId, const Row &row) {
-                              UrlRecord record = loginRecord(ctx, row);
-                              record.Reference_ID = rowId;
-                              record.facts.add("source_table", "logins");
-                              record.facts.add("source_rowid", rowId);
-                              ctx.sink.save(record);
-                          });
+ReadResult readLogins(ReadContext &ctx, EvidenceDatabase &database) {
+    return mainRows(database, "logins", kColumns, ctx, kReader.procedure,
+                    [&ctx](std::int64_t rowId, const Row &row) {
+                        UrlRecord record = loginRecord(ctx, row);
+                        record.Reference_ID = rowId;
+                        addSource(record.facts, "logins", rowId);
+                        ctx.sink.save(record);
+                    });
 }
 
 } // namespace
@@ -114,10 +115,8 @@ bool readLogins(ReadContext &ctx, EvidenceDatabase &database, ReadResult &result
 ReadResult parseChromiumLogins(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         noteSchemaVersion(ctx, "Login Data", schemaVersion(ctx, database));
-        if (!database.hasTable("logins"))
-            throw EvidenceDamage("table \"logins\" was expected and is not there");
-        ReadResult result;
-        if (!readLogins(ctx, database, result) ||
+        ReadResult result = readLogins(ctx, database);
+        if (result.state != ReadState::cancelled &&
             !countUnread(ctx, database, kUnread, kReader.procedure, result))
             result.state = ReadState::cancelled;
         return result;

@@ -3,8 +3,6 @@
 #include "base/Trap.h"
 #include "readers/sqlite/TableCursor.h"
 
-#include <fmt/format.h>
-
 #include <array>
 
 namespace nv {
@@ -32,12 +30,6 @@ std::optional<std::int64_t> versionIn(EvidenceDatabase &database) {
 std::optional<std::int64_t> schemaVersion(const ReadContext &ctx, EvidenceDatabase &database) {
     return trapped(ctx.log, Severity::Low, "ParserClass.ParseChromiumMeta()", kNotSerious,
                    std::optional<std::int64_t>(), [&] { return versionIn(database); });
-}
-
-void noteSchemaVersion(ReadContext &ctx, std::string_view database,
-                       std::optional<std::int64_t> version) {
-    if (version && !ctx.classicOnly && ctx.file.origin.browserVersion.empty())
-        ctx.file.origin.browserVersion = fmt::format("{} {}", database, *version);
 }
 
 } // namespace nv

@@ -5,16 +5,11 @@
 
 #include <cstdint>
 #include <optional>
-#include <string_view>
 
 namespace nv {
 
 /// The version of the tables, from table `meta`, which all databases of Chromium have. Nothing
 /// where it can't be read, which is logged: what depends on it is then told by the values.
 std::optional<std::int64_t> schemaVersion(const ReadContext &ctx, EvidenceDatabase &database);
-
-/// Notes "Cookies 24" as the version of whoever wrote the file, where nothing else told one.
-void noteSchemaVersion(ReadContext &ctx, std::string_view database,
-                       std::optional<std::int64_t> version);
 
 } // namespace nv

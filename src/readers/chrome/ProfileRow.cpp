@@ -1,5 +1,6 @@
 #include "readers/chrome/ProfileRow.h"
 
+#include "readers/FactSource.h"
 #include "readers/sqlite/HistoryRow.h"
 
 #include <optional>
@@ -13,8 +14,7 @@ UrlRecord profileRecord(const ReadContext &ctx, const ProfileRow &row, std::stri
     record.IsHistory = false;
     record.Action.clear();
     record.WebpageTitle = row.title;
-    record.facts.add("source_table", std::string(row.table));
-    record.facts.add("source_rowid", row.rowId);
+    addSource(record.facts, row.table, row.rowId);
     return record;
 }
 

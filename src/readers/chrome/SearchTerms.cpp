@@ -4,6 +4,7 @@
 
 #include "readers/chrome/SearchTerms.h"
 
+#include "readers/FactSource.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/StoredDate.h"
 #include "readers/sqlite/DatabaseBeside.h"
@@ -67,8 +68,7 @@ std::string termOf(const Row &row) {
 }
 
 void addFacts(FactList &facts, const Row &row, std::int64_t rowId, const Engines &engines) {
-    facts.add("source_table", "keyword_search_terms");
-    facts.add("source_rowid", rowId);
+    addSource(facts, "keyword_search_terms", rowId);
     facts.add("search_term", termOf(row));
     if (const auto engine = row.number(kEngine)) {
         const auto name = engines.find(*engine);

@@ -3,7 +3,6 @@
 #include "readers/chrome/Settings.h"
 
 #include "base/Text.h"
-#include "readers/WholeFile.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/ProfileRecord.h"
 #include "readers/chrome/SettingsWalk.h"
@@ -138,12 +137,9 @@ ReadResult readBytes(ReadContext &ctx, ByteView bytes) {
 } // namespace
 
 ReadResult parseChromiumSettings(ReadContext &ctx) {
-    ReadResult tooLarge;
-    if (!isJsonSize(ctx, kProcedure, tooLarge))
-        return tooLarge;
-    return readWholeFile(ctx,
-                         {"PARSING CHROMIUM SETTINGS FILE", "Google Chrome", "", "chrome-32.png"},
-                         kProcedure, [&ctx](ByteView bytes) { return readBytes(ctx, bytes); });
+    return readJsonFile(ctx,
+                        {"PARSING CHROMIUM SETTINGS FILE", "Google Chrome", "", "chrome-32.png"},
+                        kProcedure, [&ctx](ByteView bytes) { return readBytes(ctx, bytes); });
 }
 
 } // namespace nv

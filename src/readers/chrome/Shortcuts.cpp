@@ -6,10 +6,11 @@
 #include "readers/chrome/Shortcuts.h"
 
 #include "readers/chrome/Kinds.h"
+#include "readers/chrome/MetaTable.h"
 #include "readers/chrome/ProfileRow.h"
-#include "readers/chrome/SchemaVersion.h"
 #include "readers/chrome/StoredDate.h"
 #include "readers/chrome/Transition.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "time/SourceClocks.h"
 
@@ -95,7 +96,7 @@ using MakeRecord = UrlRecord (*)(const ReadContext &ctx, const Row &row, std::in
 ReadResult readTyped(ReadContext &ctx, const SqliteReader &reader, Names name, Names table,
                      std::span<const Names> columns, MakeRecord make) {
     return readSqliteFile(ctx, reader, [&](EvidenceDatabase &database) {
-        noteSchemaVersion(ctx, database, name);
+        noteSchemaVersion(ctx, name, schemaVersion(ctx, database));
         const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
         TableCursor cursor(database, table, columns);
         return eachRow(cursor, ctx, ctx.task, reader.procedure, [&](const Row &row) {

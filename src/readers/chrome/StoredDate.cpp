@@ -1,15 +1,14 @@
 #include "readers/chrome/StoredDate.h"
 
-#include "time/DateFormat.h"
+#include "readers/FactDate.h"
 #include "time/SourceClocks.h"
-
-#include <fmt/format.h>
 
 namespace nv {
 
 namespace {
 
 constexpr std::int64_t kMicrosecondsInASecond = 1'000'000;
+constexpr int kDigitsOfMicroseconds = 6;
 
 /// Of the second that has begun, before 1601 as well.
 std::int64_t fractionOf(std::int64_t microseconds) {
@@ -34,11 +33,8 @@ Date chromeMoment(std::optional<std::int64_t> stored) {
 void addChromeDate(FactList &facts, FactName name, std::optional<std::int64_t> stored) {
     if (stored.value_or(0) == 0)
         return;
-    std::string text = formatDate(chromeTimeToDate(*stored), "yyyy-mm-dd hh:nn:ss");
-    const std::int64_t fraction = fractionOf(*stored);
-    if (!text.empty() && fraction != 0)
-        text += fmt::format(".{:06}", fraction);
-    facts.add(name, std::move(text), *stored);
+    facts.add(name, factDate(chromeTimeToDate(*stored), fractionOf(*stored), kDigitsOfMicroseconds),
+              *stored);
 }
 
 void addSeconds(FactList &facts, FactName name, std::int64_t microseconds) {

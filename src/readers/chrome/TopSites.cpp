@@ -7,9 +7,10 @@
 #include "base/Text.h"
 #include "readers/chrome/HistoryBeside.h"
 #include "readers/chrome/Kinds.h"
+#include "readers/chrome/MetaTable.h"
 #include "readers/chrome/ProfileRow.h"
-#include "readers/chrome/SchemaVersion.h"
 #include "readers/chrome/StoredDate.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 
 #include <array>
@@ -75,7 +76,7 @@ ReadResult readSites(ReadContext &ctx, EvidenceDatabase &database, std::string_v
 
 ReadResult parseChromeTopSitesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
-        noteSchemaVersion(ctx, database, "Top Sites");
+        noteSchemaVersion(ctx, "Top Sites", schemaVersion(ctx, database));
         const bool isOld = !database.hasTable("top_sites") && database.hasTable("thumbnails");
         return readSites(ctx, database, isOld ? "thumbnails" : "top_sites");
     });

@@ -1,6 +1,6 @@
 #include "readers/chrome/UnreadTables.h"
 
-#include "readers/sqlite/SqliteReading.h"
+#include "readers/sqlite/FurtherTables.h"
 
 #include <fmt/format.h>
 
@@ -12,8 +12,8 @@ bool countUnread(ReadContext &ctx, EvidenceDatabase &database,
                  std::span<const std::string_view> tables, std::string_view procedure,
                  ReadResult &result) {
     return std::ranges::all_of(tables, [&](std::string_view table) {
-        return eachFurtherRow(
-            database, table, {}, ctx, procedure, result, [&](std::int64_t, const Row &) {
+        return FurtherTables(ctx, database, procedure, result)
+            .each(table, {}, [&](std::int64_t, const Row &) {
                 ++result.passedOver[fmt::format("rows of table {}, which is not read", table)];
             });
     });

@@ -11,13 +11,16 @@
 #include "readers/chrome/WebData.h"
 
 #include "base/Text.h"
+#include "readers/FactSource.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/MetaTable.h"
 #include "readers/chrome/ProfileRecord.h"
 #include "readers/chrome/Stamps.h"
 #include "readers/chrome/UnreadTables.h"
 #include "readers/chrome/WebDataPeople.h"
+#include "readers/sqlite/FurtherTables.h"
 #include "readers/sqlite/HistoryRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 
 #include <fmt/format.h>
@@ -82,8 +85,7 @@ UrlRecord formRecord(const ReadContext &ctx, const FormValue &form) {
 /// Where a row lies in its source comes last, after what it says.
 void save(ReadContext &ctx, UrlRecord record, std::string_view table, std::int64_t rowId) {
     record.Reference_ID = rowId;
-    record.facts.add("source_table", std::string(table));
-    record.facts.add("source_rowid", rowId);
+    addSource(record.facts, table, rowId);
     ctx.sink.save(record);
 }
 
@@ -99,12 +101,12 @@ class Forms {
   private:
     bool readUses() {
         constexpr std::array<std::string_view, 2> kColumns = {"pair_id", "date_created"};
-        const bool wholly = eachFurtherRow(
-            m_database, "autofill_dates", kColumns, m_ctx, kReader.procedure, m_result,
-            [this](std::int64_t, const Row &row) {
-                if (const auto pair = row.number(0); pair && row.number(1).value_or(0) != 0)
-                    m_uses[*pair].push_back(*row.number(1));
-            });
+        const bool wholly =
+            FurtherTables(m_ctx, m_database, kReader.procedure, m_result)
+                .each("autofill_dates", kColumns, [this](std::int64_t, const Row &row) {
+                    if (const auto pair = row.number(0); pair && row.number(1).value_or(0) != 0)
+                        m_uses[*pair].push_back(*row.number(1));
+                });
         for (auto &[pair, uses] : m_uses)
             std::ranges::sort(uses);
         return wholly;
@@ -113,9 +115,8 @@ class Forms {
     bool readTable(std::string_view table) {
         constexpr std::array<std::string_view, 7> kColumns = {
             "name", "value", "count", "date_created", "date_last_used", "pair_id", "label"};
-        return eachFurtherRow(
-            m_database, table, kColumns, m_ctx, kReader.procedure, m_result,
-            [&](std::int64_t rowId, const Row &row) {
+        return FurtherTables(m_ctx, m_database, kReader.procedure, m_result)
+            .each(table, kColumns, [&](std::int64_t rowId, const Row &row) {
                 const FormValue form = formOf(row);
                 if (isNew(form, table == kFirstTable))
                     save(m_ctx, formRecord(m_ctx, form), table, rowId);
@@ -196,9 +197,8 @@ UrlRecord engineRecord(const ReadContext &ctx, const Row &row) {
 }
 
 bool readEngines(ReadContext &ctx, EvidenceDatabase &database, ReadResult &result) {
-    return eachFurtherRow(
-        database, "keywords", kEngineColumns, ctx, kReader.procedure, result,
-        [&](std::int64_t rowId, const Row &row) {
+    return FurtherTables(ctx, database, kReader.procedure, result)
+        .each("keywords", kEngineColumns, [&](std::int64_t rowId, const Row &row) {
             if (isTouched(row))
                 save(ctx, engineRecord(ctx, row), "keywords", rowId);
             else

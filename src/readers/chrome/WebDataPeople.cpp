@@ -16,10 +16,11 @@
 
 #include "readers/chrome/WebDataPeople.h"
 
+#include "readers/FactSource.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/ProfileRecord.h"
 #include "readers/chrome/Stamps.h"
-#include "readers/sqlite/SqliteReading.h"
+#include "readers/sqlite/FurtherTables.h"
 
 #include <fmt/format.h>
 
@@ -118,16 +119,15 @@ class People {
   private:
     template <class Save>
     bool each(std::string_view table, std::span<const std::string_view> columns, Save &&save) {
-        return eachFurtherRow(m_database, table, columns, m_ctx, m_procedure, m_result,
-                              std::forward<Save>(save));
+        return FurtherTables(m_ctx, m_database, m_procedure, m_result)
+            .each(table, columns, std::forward<Save>(save));
     }
 
     void saveWith(UrlRecord record, std::string_view guid, std::string_view table,
                   std::int64_t rowId) {
         record.Reference_ID = rowId;
         record.facts.add("guid", std::string(guid));
-        record.facts.add("source_table", std::string(table));
-        record.facts.add("source_rowid", rowId);
+        addSource(record.facts, table, rowId);
         m_ctx.sink.save(record);
     }
 

@@ -2,15 +2,17 @@
 
 #include "base/Files.h"
 #include "base/Trap.h"
+#include "readers/FactSource.h"
 #include "readers/chrome/Downloads.h"
 #include "readers/chrome/Kinds.h"
-#include "readers/chrome/SchemaVersion.h"
+#include "readers/chrome/MetaTable.h"
 #include "readers/chrome/SearchTerms.h"
 #include "readers/chrome/StoredDate.h"
 #include "readers/chrome/Transition.h"
 #include "readers/chrome/VisitTables.h"
 #include "readers/sqlite/FurtherTables.h"
 #include "readers/sqlite/HistoryRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "time/SourceClocks.h"
 
@@ -29,28 +31,15 @@ constexpr Stretch kVisitRecords = {0.55, 0.9};
 constexpr Stretch kDownloadRecords = {0.9, 0.95};
 constexpr Stretch kTermRecords = {0.95, 1};
 
-struct CountingSink final : RecordSink {
-    explicit CountingSink(RecordSink &to) : sink(to) {}
-    void save(UrlRecord &record) override {
-        sink.save(record);
-        ++saved;
-    }
-    RecordSink &sink;
-    std::uint64_t saved = 0;
-};
-
 class WholeHistory {
   public:
     WholeHistory(ReadContext &ctx, EvidenceDatabase &database, std::string_view procedure)
-        : m_sink(ctx.sink), m_ctx{ctx.file,    ctx.evidence,   ctx.content, ctx.clock,
-                                  ctx.scratch, m_sink,         ctx.log,     ctx.task,
-                                  ctx.deleted, ctx.classicOnly},
-          m_database(database), m_procedure(procedure),
-          m_tables(m_ctx, database, procedure, m_further),
+        : m_sink(ctx.sink), m_ctx(withSink(ctx, m_sink)), m_database(database),
+          m_procedure(procedure), m_tables(m_ctx, database, procedure, m_further),
           m_fileCreated(ctx.evidence.factsOf(ctx.file.fullPath).created) {}
 
     ReadResult read(const ReadPages &readPages) {
-        noteSchemaVersion(m_ctx, m_database, "History");
+        noteSchemaVersion(m_ctx, "History", schemaVersion(m_ctx, m_database));
         if (!readTables())
             return cancelled({});
         ReadResult result = readPageRecords(readPages);
@@ -76,11 +65,9 @@ class WholeHistory {
     }
 
     ReadResult readPageRecords(const ReadPages &readPages) {
-        SubTask task(m_ctx.task, kPageRecords.from, kPageRecords.to);
-        ReadContext ctx = withTask(m_ctx, task);
-        return readPages(ctx, [this](UrlRecord &record, std::int64_t typed) {
-            record.facts.add("source_table", "urls");
-            record.facts.add("source_rowid", record.Reference_ID);
+        ReadingPart part(m_ctx, kPageRecords);
+        return readPages(part.context, [this](UrlRecord &record, std::int64_t typed) {
+            addSource(record.facts, "urls", record.Reference_ID);
             if (typed > 0)
                 record.facts.add("typed_count", typed);
             const ListedPage *page = m_history.pages.find(record.Reference_ID);
@@ -126,8 +113,7 @@ class WholeHistory {
         const std::string transition = transitionStatus(visit.transition);
         if (!m_ctx.deleted && !transition.empty())
             record.Status = transition;
-        record.facts.add("source_table", "visits");
-        record.facts.add("source_rowid", visit.id);
+        addSource(record.facts, "visits", visit.id);
         m_history.addFacts(record.facts, visit);
         if (!page) {
             m_history.addFactsOfLostPage(record.facts, visit);
@@ -144,7 +130,7 @@ class WholeHistory {
     /// What the further tables lost, added to what the pages' did.
     ReadResult joined(ReadResult result) const {
         addLosses(result, m_further);
-        if (result.state == ReadState::failed && m_sink.saved > 0)
+        if (result.state == ReadState::failed && m_sink.saved() > 0)
             result.state = ReadState::cutShort;
         return result;
     }

@@ -6,11 +6,12 @@
 
 #include "readers/firefox/Cookies.h"
 
-#include "readers/firefox/FurtherRows.h"
+#include "readers/FactSource.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
 #include "readers/sqlite/CookieRow.h"
 #include "readers/sqlite/HistoryRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "time/SourceClocks.h"
 
@@ -78,7 +79,7 @@ Date dateOf(const Row &row, std::size_t column) {
 ReadResult parseFirefoxCookiesFile(ReadContext &ctx) {
     return readSqliteFile(ctx, kReader, [&ctx](EvidenceDatabase &database) {
         const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
-        noteUserVersion(ctx, database, "cookies");
+        noteSchemaVersion(ctx, "cookies", userVersion(database));
         const auto save = [&](std::int64_t id, const Row &row) {
             UrlRecord record = cookieRecord(ctx,
                                             {row.text(kHost), row.text(kName), row.text(kValue),
@@ -88,8 +89,7 @@ ReadResult parseFirefoxCookiesFile(ReadContext &ctx) {
             record.OtherDate = record.ExpiryDate;
             record.OtherDateMeaning = "Expiry Date";
             if (!ctx.classicOnly) {
-                record.facts.add("source_table", kTable);
-                record.facts.add("source_rowid", id);
+                addSource(record.facts, kTable, id);
                 addFacts(record.facts, row);
             }
             ctx.sink.save(record);

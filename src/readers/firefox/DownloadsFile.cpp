@@ -5,9 +5,9 @@
 
 #include "readers/firefox/DownloadsFile.h"
 
-#include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
+#include "readers/sqlite/SqliteReading.h"
 
 #include <array>
 

@@ -8,11 +8,12 @@
 
 #include "base/Files.h"
 #include "base/Trap.h"
-#include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
 #include "readers/sqlite/EvidenceCopy.h"
+#include "readers/sqlite/FurtherTables.h"
 #include "readers/sqlite/KeptMessage.h"
+#include "readers/sqlite/SqliteReading.h"
 
 #include <fmt/format.h>
 
@@ -66,14 +67,12 @@ class FaviconsReading {
 bool FaviconsReading::readIcons(ReadResult &result) {
     constexpr std::array<std::string_view, 2> kIcons = {"icon_url", "expire_ms"};
     constexpr std::array<std::string_view, 2> kJoin = {"page_id", "icon_id"};
-    return furtherRows(m_database, "moz_icons", kIcons, m_ctx, kReader.procedure, result,
-                       [this](std::int64_t id, const Row &row) {
-                           m_icons[id] = {row.text(0), row.number(1)};
-                       }) &&
-           joiningRows(
-               m_database, "moz_icons_to_pages", kJoin, m_ctx, result, [this](const Row &row) {
-                   m_iconsOf[row.number(0).value_or(0)].push_back(row.number(1).value_or(0));
-               });
+    FurtherTables tables(m_ctx, m_database, kReader.procedure, result);
+    return tables.each("moz_icons", kIcons, [this](std::int64_t id, const Row &row) {
+        m_icons[id] = {row.text(0), row.number(1)};
+    }) && tables.eachByKey("moz_icons_to_pages", kJoin, [this](std::int64_t, const Row &row) {
+        m_iconsOf[row.number(0).value_or(0)].push_back(row.number(1).value_or(0));
+    });
 }
 
 UrlRecord FaviconsReading::recordOf(std::int64_t id, const std::string &page) const {
@@ -112,8 +111,7 @@ ReadResult FaviconsReading::rows() {
                                  });
     if (listed > 0)
         result.noted["page with an icon that the history lists, without a row here"] = listed;
-    if (!further.reason.empty())
-        addDamage(result, further.reason);
+    addLosses(result, further);
     if (!m_listed.loss.empty() && result.state != ReadState::cancelled)
         addDamage(result, m_listed.loss);
     return result;

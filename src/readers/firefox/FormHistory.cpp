@@ -6,9 +6,11 @@
 
 #include "readers/firefox/FormHistory.h"
 
-#include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
+#include "readers/sqlite/FurtherTables.h"
+#include "readers/sqlite/SchemaVersion.h"
+#include "readers/sqlite/SqliteReading.h"
 
 #include <array>
 #include <unordered_map>
@@ -38,11 +40,12 @@ bool readEngines(EvidenceDatabase &database, ReadContext &ctx, Engines &engines,
     constexpr std::array<std::string_view, 1> kSource = {"source"};
     constexpr std::array<std::string_view, 2> kJoin = {"history_id", "source_id"};
     std::unordered_map<std::int64_t, std::string> names;
-    return furtherRows(database, "moz_sources", kSource, ctx, kReader.procedure, result,
-                       [&](std::int64_t id, const Row &row) { names[id] = row.text(0); }) &&
-           joiningRows(database, "moz_history_to_sources", kJoin, ctx, result, [&](const Row &row) {
-               engines[row.number(0).value_or(0)].push_back(names[row.number(1).value_or(0)]);
-           });
+    FurtherTables tables(ctx, database, kReader.procedure, result);
+    return tables.each("moz_sources", kSource, [&](std::int64_t id, const Row &row) {
+        names[id] = row.text(0);
+    }) && tables.eachByKey("moz_history_to_sources", kJoin, [&](std::int64_t, const Row &row) {
+        engines[row.number(0).value_or(0)].push_back(names[row.number(1).value_or(0)]);
+    });
 }
 
 UrlRecord valueRecord(const ReadContext &ctx, std::int64_t id, const Row &row, Date fileCreated) {
@@ -73,21 +76,20 @@ UrlRecord valueRecord(const ReadContext &ctx, std::int64_t id, const Row &row, D
 bool saveDeleted(EvidenceDatabase &database, ReadContext &ctx, Date fileCreated,
                  ReadResult &result) {
     constexpr std::array<std::string_view, 2> kGone = {"timeDeleted", "guid"};
-    return furtherRows(database, kDeletedTable, kGone, ctx, kReader.procedure, result,
-                       [&](std::int64_t id, const Row &row) {
-                           UrlRecord record =
-                               profileRecord(ctx, kFirefoxFormValue, "Deleted", {}, fileCreated);
-                           addSource(record, kDeletedTable, id);
-                           record.Status = "Deleted";
-                           record.ActionDateUTC = mozDate(row.number(0), MozUnit::microseconds);
-                           record.facts.add("guid", row.text(1));
-                           ctx.sink.save(record);
-                       });
+    return FurtherTables(ctx, database, kReader.procedure, result)
+        .each(kDeletedTable, kGone, [&](std::int64_t id, const Row &row) {
+            UrlRecord record = profileRecord(ctx, kFirefoxFormValue, "Deleted", {}, fileCreated);
+            addSource(record, kDeletedTable, id);
+            record.Status = "Deleted";
+            record.ActionDateUTC = mozDate(row.number(0), MozUnit::microseconds);
+            record.facts.add("guid", row.text(1));
+            ctx.sink.save(record);
+        });
 }
 
 ReadResult readForms(ReadContext &ctx, EvidenceDatabase &database) {
     const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
-    noteUserVersion(ctx, database, "formhistory");
+    noteSchemaVersion(ctx, "formhistory", userVersion(database));
     ReadResult further;
     Engines engines;
     if (!readEngines(database, ctx, engines, further))
@@ -100,8 +102,7 @@ ReadResult readForms(ReadContext &ctx, EvidenceDatabase &database) {
                     record.facts.add("search_engine", engine);
             ctx.sink.save(record);
         });
-    if (!further.reason.empty())
-        addDamage(result, further.reason);
+    addLosses(result, further);
     if (result.state != ReadState::cancelled && result.state != ReadState::failed)
         static_cast<void>(saveDeleted(database, ctx, fileCreated, result));
     return result;

@@ -12,10 +12,11 @@
 #include "base/Trap.h"
 #include "readers/Limits.h"
 #include "readers/WholeFile.h"
-#include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/JsonValues.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
+#include "readers/sqlite/FurtherTables.h"
+#include "readers/sqlite/SqliteReading.h"
 
 #include <fmt/format.h>
 
@@ -184,9 +185,9 @@ bool saveFurther(ReadContext &ctx, EvidenceDatabase &database, Date fileCreated,
         record.facts.add("setting", "blocked");
         ctx.sink.save(record);
     };
-    return furtherRows(database, kDeletedTable, kGone, ctx, kReader.procedure, result,
-                       saveDeleted) &&
-           furtherRows(database, kNeverTable, kNever, ctx, kReader.procedure, result, saveNever);
+    FurtherTables tables(ctx, database, kReader.procedure, result);
+    return tables.each(kDeletedTable, kGone, saveDeleted) &&
+           tables.each(kNeverTable, kNever, saveNever);
 }
 
 ReadResult readTables(ReadContext &ctx, EvidenceDatabase &database) {

@@ -6,9 +6,11 @@
 
 #include "readers/firefox/Permissions.h"
 
-#include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
+#include "readers/sqlite/FurtherTables.h"
+#include "readers/sqlite/SchemaVersion.h"
+#include "readers/sqlite/SqliteReading.h"
 
 #include <array>
 #include <map>
@@ -94,28 +96,29 @@ ReadResult PermissionsReading::rowsOf(const char *table) {
 
 bool PermissionsReading::readInteractions(ReadResult &result) {
     constexpr std::array<std::string_view, 2> kTimes = {"origin", "lastInteractionTime"};
-    return joiningRows(
-        m_database, "moz_origin_interactions", kTimes, m_ctx, result,
-        [this](const Row &row) { m_interactions[row.text(0)].last = row.number(1).value_or(0); });
+    return FurtherTables(m_ctx, m_database, kReader.procedure, result)
+        .eachByKey("moz_origin_interactions", kTimes, [this](std::int64_t, const Row &row) {
+            m_interactions[row.text(0)].last = row.number(1).value_or(0);
+        });
 }
 
 /// The rows that the newer table took over, kept for a way back.
 bool PermissionsReading::countOlder(ReadResult &result) {
     constexpr std::array<std::string_view, 1> kNothing = {"type"};
-    return joiningRows(m_database, kOldTable, kNothing, m_ctx, result, [&](const Row &) {
-        ++result.passedOver["permission of the older table, which a newer one took over"];
-    });
+    return FurtherTables(m_ctx, m_database, kReader.procedure, result)
+        .eachByKey(kOldTable, kNothing, [&](std::int64_t, const Row &) {
+            ++result.passedOver["permission of the older table, which a newer one took over"];
+        });
 }
 
 ReadResult PermissionsReading::rows() {
-    noteUserVersion(m_ctx, m_database, "permissions");
+    noteSchemaVersion(m_ctx, "permissions", userVersion(m_database));
     ReadResult further;
     if (!readInteractions(further))
         return further;
     const bool isNew = m_database.hasTable(kTable) || !m_database.hasTable(kOldTable);
     ReadResult result = rowsOf(isNew ? kTable : kOldTable);
-    if (!further.reason.empty())
-        addDamage(result, further.reason);
+    addLosses(result, further);
     if (result.state == ReadState::cancelled || (isNew && !countOlder(result)))
         return result;
     for (const auto &[origin, interaction] : m_interactions)

@@ -7,14 +7,17 @@
 #include "readers/firefox/Places.h"
 
 #include "base/Files.h"
-#include "readers/firefox/FurtherRows.h"
+#include "readers/FactSource.h"
+#include "readers/ReadingPart.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/PlacesBookmarks.h"
 #include "readers/firefox/PlacesDownloads.h"
 #include "readers/firefox/PlacesNotes.h"
 #include "readers/firefox/PlacesPages.h"
 #include "readers/firefox/PlacesVisits.h"
+#include "readers/sqlite/FurtherTables.h"
 #include "readers/sqlite/HistoryRow.h"
+#include "readers/sqlite/SchemaVersion.h"
 #include "readers/sqlite/SqliteReading.h"
 #include "time/SourceClocks.h"
 
@@ -80,30 +83,11 @@ Date classicDate(const PlacesPages::Page *page) {
 constexpr const char *kUncounted =
     "page with visits that Firefox doesn't count (a download, a frame, a reload), so \"(autogen)\"";
 
-/// Counts what is stored.
-class CountedSink final : public RecordSink {
-  public:
-    explicit CountedSink(RecordSink &sink) : m_sink(sink) {}
-    void save(UrlRecord &record) override {
-        m_sink.save(record);
-        ++count;
-    }
-    std::uint64_t count = 0;
-
-  private:
-    RecordSink &m_sink;
-};
-
+/// Puts what a further part met behind what the pages' did.
 void addTo(ReadResult &result, const ReadResult &further) {
-    for (const auto &[reason, count] : further.passedOver)
-        result.passedOver[reason] += count;
-    for (const auto &[reason, count] : further.noted)
-        result.noted[reason] += count;
-    result.notReached += further.notReached;
+    addLosses(result, further);
     if (further.state == ReadState::cancelled)
         result.state = ReadState::cancelled;
-    else if (further.state != ReadState::complete)
-        addDamage(result, further.reason);
 }
 
 /// One reading of the file.
@@ -226,8 +210,7 @@ UrlRecord PlacesReading::pageRecord(const Row &row, PlacesPages::Page *page,
     UrlRecord record = m_pages.isAndroid() ? androidRecord(row, page)
                                            : classicRecord(row, page, row.number(kVisitCount));
     FactList &facts = record.facts;
-    facts.add("source_table", "moz_places");
-    facts.add("source_rowid", record.Reference_ID);
+    addSource(facts, "moz_places", record.Reference_ID);
     facts.add("title", row.text(kTitle));
     if (page && page->first)
         addVisit(facts, *page->first, m_pages, downloads);
@@ -247,8 +230,8 @@ UrlRecord PlacesReading::pageRecord(const Row &row, PlacesPages::Page *page,
 }
 
 bool PlacesReading::saveFurther(const PlacesDownloads &downloads, ReadResult &further) {
-    ReadingPart visits(m_ctx, kPages, kVisitRows);
-    ReadingPart rest(m_ctx, kVisitRows, 1);
+    ReadingPart visits(m_ctx, {kPages, kVisitRows});
+    ReadingPart rest(m_ctx, {kVisitRows, 1});
     return saveVisits(visits.context, m_pages, downloads, m_fileCreated, further) &&
            saveBookmarks(rest.context, m_database, m_pages, m_notes, m_fileCreated, further) &&
            downloads.save(rest.context, m_fileCreated, further);
@@ -257,7 +240,7 @@ bool PlacesReading::saveFurther(const PlacesDownloads &downloads, ReadResult &fu
 ReadResult PlacesReading::allRows() {
     const ReadResult cancelled{ReadState::cancelled, {}, 0, {}};
     ReadResult further;
-    ReadingPart notes(m_ctx, kTexts, kNotes);
+    ReadingPart notes(m_ctx, {kTexts, kNotes});
     if (!readVisits(kVisits) || !readTexts() || !m_notes.read(m_database, notes.context, further))
         return cancelled;
     const PlacesDownloads downloads(m_notes, m_pages);
@@ -276,13 +259,12 @@ ReadResult PlacesReading::allRows() {
 }
 
 ReadResult readAll(ReadContext &ctx) {
-    CountedSink sink(ctx.sink);
-    ReadContext counted{ctx.file, ctx.evidence, ctx.content, ctx.clock,   ctx.scratch,
-                        sink,     ctx.log,      ctx.task,    ctx.deleted, ctx.classicOnly};
+    CountingSink sink(ctx.sink);
+    ReadContext counted = withSink(ctx, sink);
     return readSqliteFile(counted, kReader, [&](EvidenceDatabase &database) {
-        noteUserVersion(counted, database, "places");
+        noteSchemaVersion(counted, "places", userVersion(database));
         ReadResult result = PlacesReading(counted, database).allRows();
-        if (result.state == ReadState::failed && sink.count > 0) // pages, but not all is lost
+        if (result.state == ReadState::failed && sink.saved() > 0) // pages, but not all is lost
             result.state = ReadState::cutShort;
         return result;
     });

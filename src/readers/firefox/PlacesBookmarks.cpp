@@ -10,8 +10,8 @@
 
 #include "base/Files.h"
 #include "base/Trap.h"
-#include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/Kinds.h"
+#include "readers/sqlite/FurtherTables.h"
 
 #include <array>
 #include <set>
@@ -81,37 +81,36 @@ class BookmarkTree {
 
 bool BookmarkTree::readRoots() {
     constexpr std::array<std::string_view, 2> kRoots = {"root_name", "folder_id"};
-    return furtherRows(m_database, "moz_bookmarks_roots", kRoots, m_ctx, kProcedure, m_result,
-                       [this](std::int64_t, const Row &row) {
-                           if (row.text(0) == "tags")
-                               m_tagRoots.insert(row.number(1).value_or(0));
-                       });
+    return FurtherTables(m_ctx, m_database, kProcedure, m_result)
+        .each("moz_bookmarks_roots", kRoots, [this](std::int64_t, const Row &row) {
+            if (row.text(0) == "tags")
+                m_tagRoots.insert(row.number(1).value_or(0));
+        });
 }
 
 bool BookmarkTree::readItems() {
-    return furtherRows(m_database, kTable, kColumns, m_ctx, kProcedure, m_result,
-                       [this](std::int64_t id, const Row &row) {
-                           const std::int64_t type = row.number(kType).value_or(0);
-                           if (type == kFolder)
-                               m_folders.emplace(id, m_items.size());
-                           m_items.push_back({id, type, row.number(kPage),
-                                              row.number(kParent).value_or(0), row.text(kTitle),
-                                              row.number(kKeyword).value_or(0), row.number(kAdded),
-                                              row.number(kModified), row.text(kGuid)});
-                           if (m_items.back().guid == "tags________")
-                               m_tagRoots.insert(id);
-                       });
+    return FurtherTables(m_ctx, m_database, kProcedure, m_result)
+        .each(kTable, kColumns, [this](std::int64_t id, const Row &row) {
+            const std::int64_t type = row.number(kType).value_or(0);
+            if (type == kFolder)
+                m_folders.emplace(id, m_items.size());
+            m_items.push_back({id, type, row.number(kPage), row.number(kParent).value_or(0),
+                               row.text(kTitle), row.number(kKeyword).value_or(0),
+                               row.number(kAdded), row.number(kModified), row.text(kGuid)});
+            if (m_items.back().guid == "tags________")
+                m_tagRoots.insert(id);
+        });
 }
 
 bool BookmarkTree::readAnnotations() {
     constexpr std::array<std::string_view, 3> kNotes = {"item_id", "anno_attribute_id", "content"};
     std::unordered_map<std::int64_t, std::string> names;
     return readAnnotationNames(m_database, m_ctx, m_result, names) &&
-           furtherRows(m_database, "moz_items_annos", kNotes, m_ctx, kProcedure, m_result,
-                       [&](std::int64_t, const Row &row) {
-                           m_annotations[row.number(0).value_or(0)].push_back(
-                               annotationText(names[row.number(1).value_or(0)], row.text(2)));
-                       });
+           FurtherTables(m_ctx, m_database, kProcedure, m_result)
+               .each("moz_items_annos", kNotes, [&](std::int64_t, const Row &row) {
+                   m_annotations[row.number(0).value_or(0)].push_back(
+                       annotationText(names[row.number(1).value_or(0)], row.text(2)));
+               });
 }
 
 /// What of the items is a bookmark, what a tag of one, and what gives no row.
@@ -203,16 +202,15 @@ bool BookmarkTree::save(Date fileCreated) {
 bool BookmarkTree::saveDeleted(Date fileCreated) {
     constexpr const char *kDeleted = "moz_bookmarks_deleted";
     constexpr std::array<std::string_view, 2> kGone = {"guid", "dateRemoved"};
-    return furtherRows(m_database, kDeleted, kGone, m_ctx, kProcedure, m_result,
-                       [&](std::int64_t id, const Row &row) {
-                           UrlRecord record =
-                               profileRecord(m_ctx, kFirefoxBookmark, "Deleted", {}, fileCreated);
-                           addSource(record, kDeleted, id);
-                           record.Status = "Deleted";
-                           record.ActionDateUTC = mozDate(row.number(1), m_pages.unit());
-                           record.facts.add("guid", row.text(0));
-                           m_ctx.sink.save(record);
-                       });
+    return FurtherTables(m_ctx, m_database, kProcedure, m_result)
+        .each(kDeleted, kGone, [&](std::int64_t id, const Row &row) {
+            UrlRecord record = profileRecord(m_ctx, kFirefoxBookmark, "Deleted", {}, fileCreated);
+            addSource(record, kDeleted, id);
+            record.Status = "Deleted";
+            record.ActionDateUTC = mozDate(row.number(1), m_pages.unit());
+            record.facts.add("guid", row.text(0));
+            m_ctx.sink.save(record);
+        });
 }
 
 } // namespace

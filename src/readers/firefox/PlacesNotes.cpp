@@ -9,8 +9,8 @@
 
 #include "readers/firefox/PlacesNotes.h"
 
-#include "readers/firefox/FurtherRows.h"
 #include "readers/firefox/ProfileValues.h"
+#include "readers/sqlite/FurtherTables.h"
 
 #include <array>
 
@@ -29,12 +29,12 @@ std::string textAt(const std::unordered_map<std::int64_t, std::string> &texts, s
 bool readTexts(EvidenceDatabase &database, std::string_view table,
                std::span<const std::string_view> columns, ReadContext &ctx, ReadResult &result,
                std::unordered_map<std::int64_t, std::string> &texts) {
-    return furtherRows(database, table, columns, ctx, kProcedure, result,
-                       [&](std::int64_t id, const Row &row) {
-                           for (std::size_t i = 0; i < columns.size(); ++i)
-                               if (std::string text = row.text(i); !text.empty())
-                                   texts[id] = std::move(text);
-                       });
+    return FurtherTables(ctx, database, kProcedure, result)
+        .each(table, columns, [&](std::int64_t id, const Row &row) {
+            for (std::size_t i = 0; i < columns.size(); ++i)
+                if (std::string text = row.text(i); !text.empty())
+                    texts[id] = std::move(text);
+        });
 }
 
 template <class Note>
@@ -85,7 +85,8 @@ bool PlacesNotes::readAnnotations(EvidenceDatabase &database, ReadContext &ctx,
         note.content = row.text(2);
         note.added = row.number(3);
     };
-    const bool goesOn = furtherRows(database, "moz_annos", kColumns, ctx, kProcedure, result, take);
+    const bool goesOn =
+        FurtherTables(ctx, database, kProcedure, result).each("moz_annos", kColumns, take);
     m_annotations.sort();
     m_ofDownloads.sort();
     return goesOn;
@@ -94,9 +95,10 @@ bool PlacesNotes::readAnnotations(EvidenceDatabase &database, ReadContext &ctx,
 bool PlacesNotes::readInputs(EvidenceDatabase &database, ReadContext &ctx, ReadResult &result) {
     constexpr std::array<std::string_view, 2> kColumns = {"place_id", "input"};
     const bool goesOn =
-        joiningRows(database, "moz_inputhistory", kColumns, ctx, result, [this](const Row &row) {
-            m_inputs.add(row.number(0).value_or(0)).text = row.text(1);
-        });
+        FurtherTables(ctx, database, kProcedure, result)
+            .eachByKey("moz_inputhistory", kColumns, [this](std::int64_t, const Row &row) {
+                m_inputs.add(row.number(0).value_or(0)).text = row.text(1);
+            });
     m_inputs.sort();
     return goesOn;
 }
@@ -110,7 +112,7 @@ bool PlacesNotes::readKeywords(EvidenceDatabase &database, ReadContext &ctx, Rea
             m_keywordNumbers[id] = row.text(1);
     };
     const bool goesOn =
-        furtherRows(database, "moz_keywords", kColumns, ctx, kProcedure, result, take);
+        FurtherTables(ctx, database, kProcedure, result).each("moz_keywords", kColumns, take);
     m_keywords.sort();
     return goesOn;
 }
@@ -126,8 +128,8 @@ bool PlacesNotes::readInteractions(EvidenceDatabase &database, ReadContext &ctx,
         note.keyPresses = row.number(3);
         note.query = row.number(4).value_or(0);
     };
-    const bool goesOn =
-        furtherRows(database, "moz_places_metadata", kColumns, ctx, kProcedure, result, take);
+    const bool goesOn = FurtherTables(ctx, database, kProcedure, result)
+                            .each("moz_places_metadata", kColumns, take);
     m_interactions.sort();
     return goesOn;
 }

@@ -1,9 +1,10 @@
 #include "readers/firefox/ProfileValues.h"
 
 #include "base/Text.h"
+#include "readers/FactDate.h"
+#include "readers/FactSource.h"
 #include "readers/RecordKind.h"
 #include "readers/sqlite/HistoryRow.h"
-#include "time/DateFormat.h"
 
 #include <fmt/format.h>
 
@@ -34,12 +35,8 @@ int digitsOf(MozUnit unit) {
     return unit == MozUnit::milliseconds ? kOfMilliseconds : kOfMicroseconds;
 }
 
-std::string dateText(std::int64_t stored, MozUnit unit) {
-    const Split parts = split(stored, unit);
-    std::string text = formatDate(mozDate(stored, unit), "yyyy-mm-dd hh:nn:ss");
-    if (parts.rest != 0 && !text.empty())
-        text += fmt::format(".{:0{}}", parts.rest, digitsOf(unit));
-    return text;
+FactValue dateFact(std::int64_t stored, MozUnit unit) {
+    return factDate(mozDate(stored, unit), split(stored, unit).rest, digitsOf(unit));
 }
 
 /// Of one attribute, such as "partitionKey=%28https%2Cexample.com%29".
@@ -63,7 +60,7 @@ Date mozDate(std::optional<std::int64_t> stored, MozUnit unit) {
 
 void addMozDate(FactList &facts, FactName name, std::optional<std::int64_t> stored, MozUnit unit) {
     if (stored.value_or(0) != 0)
-        facts.add(name, dateText(*stored, unit), *stored);
+        facts.add(name, dateFact(*stored, unit), *stored);
 }
 
 std::string mozWord(std::span<const MozWord> words, std::optional<std::int64_t> stored) {
@@ -121,8 +118,7 @@ UrlRecord profileRecord(const ReadContext &ctx, const RecordKind &kind, std::str
 
 void addSource(UrlRecord &record, std::string_view table, std::int64_t rowId) {
     record.Reference_ID = rowId;
-    record.facts.add("source_table", std::string(table));
-    record.facts.add("source_rowid", rowId);
+    addSource(record.facts, table, rowId);
 }
 
 } // namespace nv

@@ -5,6 +5,7 @@
 
 #include "readers/firefox/UnreadFormats.h"
 
+#include "readers/BigEndian.h"
 #include "readers/Candidate.h"
 #include "readers/FolderLayout.h"
 #include "readers/firefox/Options.h"
@@ -16,13 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_view_literals;
-
-std::uint64_t bigEndian(ByteView bytes) {
-    std::uint64_t number = 0;
-    for (std::uint64_t at = 0; at < bytes.size(); ++at)
-        number = number << 8 | bytes.u8(at);
-    return number;
-}
 
 /// Whether its last bytes lead to metadata of a version that there is.
 bool endsAsAnEntry(const Candidate &candidate) {

@@ -2,8 +2,11 @@
 
 #include "base/Files.h"
 #include "readers/Limits.h"
+#include "readers/WholeFile.h"
 
 #include <fmt/format.h>
+
+#include <utility>
 
 namespace nv {
 
@@ -32,15 +35,18 @@ ReadResult jsonResult(const JsonEnd &end, bool foundAnything, ReadContext &ctx,
     return result;
 }
 
-bool isJsonSize(ReadContext &ctx, std::string_view procedure, ReadResult &result) {
+ReadResult readJsonFile(ReadContext &ctx, TaskHeading heading, std::string_view procedure,
+                        const std::function<ReadResult(ByteView)> &read) {
     const std::uint64_t size = ctx.evidence.factsOf(ctx.file.fullPath).size;
     if (size <= limits::kJsonBytes)
-        return true;
-    result.state = ReadState::failed;
-    result.reason =
-        fmt::format("{} bytes, where no more than {} were expected", size, limits::kJsonBytes);
+        return readWholeFile(ctx, std::move(heading), procedure, read);
+    ReadResult result{
+        ReadState::failed,
+        fmt::format("{} bytes, where no more than {} were expected", size, limits::kJsonBytes),
+        0,
+        {}};
     logReason(ctx, procedure, result);
-    return false;
+    return result;
 }
 
 } // namespace nv

@@ -3,6 +3,7 @@
 #include "readers/Reader.h"
 #include "readers/json/JsonWalk.h"
 
+#include <functional>
 #include <string_view>
 
 namespace nv {
@@ -12,7 +13,8 @@ namespace nv {
 ReadResult jsonResult(const JsonEnd &end, bool foundAnything, ReadContext &ctx,
                       std::string_view procedure);
 
-/// False, and a result that says why, for a file that no browser makes so large.
-bool isJsonSize(ReadContext &ctx, std::string_view procedure, ReadResult &result);
+/// As readWholeFile(); a file that no browser makes so large fails, with a result that says why.
+ReadResult readJsonFile(ReadContext &ctx, TaskHeading heading, std::string_view procedure,
+                        const std::function<ReadResult(ByteView)> &read);
 
 } // namespace nv

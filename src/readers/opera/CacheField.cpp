@@ -1,6 +1,7 @@
 #include "readers/opera/CacheField.h"
 
 #include "base/Text.h"
+#include "readers/BigEndian.h"
 #include "time/SourceClocks.h"
 
 #include <algorithm>
@@ -35,13 +36,6 @@ std::uint64_t lengthOf(OperaTag tag, std::uint8_t told) {
     if (tag == OperaTag::visited)
         return told == kShortDate ? kShortDate : kLongDate;
     return told == 1 || told == 4 || told == 8 ? told : kShortNumber;
-}
-
-std::uint64_t bigEndian(ByteView value) {
-    std::uint64_t number = 0;
-    for (std::uint64_t at = 0; at < value.size(); ++at)
-        number = number << 8 | value.u8(at);
-    return number;
 }
 
 /// Whether a text begins as "http:" does.

@@ -1,21 +1,14 @@
 #pragma once
 
-#include "readers/Reader.h"
+#include "readers/ReadingPart.h"
 #include "readers/sqlite/EvidenceDatabase.h"
-#include "readers/sqlite/Row.h"
+#include "readers/sqlite/SqliteReading.h"
 
-#include <cstdint>
 #include <functional>
 #include <span>
 #include <string_view>
 
 namespace nv {
-
-/// A stretch of a task, 0 to 1.
-struct Stretch {
-    double from = 0;
-    double to = 1;
-};
 
 /// Walks the tables beside the one that gives a file's first records. A table that a version lacks
 /// has no rows, and one that can't be read loses no other: what is lost is added to the result. All
@@ -27,19 +20,29 @@ class FurtherTables {
         : m_ctx(ctx), m_database(database), m_procedure(procedure), m_result(result) {}
 
     using Columns = std::span<const std::string_view>;
-    using TakeRow = std::function<void(std::int64_t rowId, const Row &row)>;
 
-    /// In the order of row ids, going round damage. False when cancelled.
+    // Each is false when cancelled, which stands in the result then.
+
+    /// In the order of row ids, going round damage.
     [[nodiscard]] bool each(std::string_view table, Columns columns, Stretch stretch,
                             const TakeRow &take);
-    /// The same for a table that was made without row ids: in the order of its key, as far as
-    /// damage lets it, with the row's place in that order, from 1.
+    [[nodiscard]] bool each(std::string_view table, Columns columns, const TakeRow &take) {
+        return each(table, columns, {}, take);
+    }
+    /// The same for a table that may have been made without row ids, as those have that join two
+    /// others: in the order of its key, as far as damage lets it, with the row's place in that
+    /// order, from 1.
     [[nodiscard]] bool eachByKey(std::string_view table, Columns columns, Stretch stretch,
                                  const TakeRow &take);
+    [[nodiscard]] bool eachByKey(std::string_view table, Columns columns, const TakeRow &take) {
+        return eachByKey(table, columns, {}, take);
+    }
 
   private:
     bool guarded(std::string_view table, const std::function<bool()> &walk);
+    bool walk(std::string_view table, Columns columns, ReadContext &ctx, const TakeRow &take);
     bool walkByKey(std::string_view table, Columns columns, Stretch stretch, const TakeRow &take);
+    void passOver(std::string_view table, std::string_view reason, std::uint64_t rows);
 
     ReadContext &m_ctx;
     EvidenceDatabase &m_database;
@@ -49,8 +52,5 @@ class FurtherTables {
 
 /// Adds what one reading lost, passed over and noted to another's, but for its state.
 void addLosses(ReadResult &result, const ReadResult &further);
-
-/// The same context with another task.
-ReadContext withTask(const ReadContext &ctx, TaskMonitor &task);
 
 } // namespace nv

@@ -13,6 +13,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/SideFiles.h"
+#include "readers/sqlite/FileHead.h"
 
 #include <algorithm>
 #include <optional>
@@ -23,25 +24,14 @@ namespace nv {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::string_view_literals;
 
-constexpr std::string_view kMagic = "SQLite format 3\0"sv;
-constexpr std::uint64_t kPageSizeAt = 0x10;
 constexpr std::uint64_t kFileHead = 100;
-constexpr std::uint64_t kLargestPage = 65536;
 constexpr std::uint8_t kInner = 0x05;
 constexpr std::uint8_t kLeaf = 0x0D;
 /// The schemas of browsers take 3 to 20 pages.
 constexpr std::size_t kMostPages = 400;
 constexpr std::uint64_t kLongestLog = std::uint64_t{16} << 20;
 constexpr std::size_t kLongestName = 200;
-
-std::uint64_t bigEndian(ByteView bytes) {
-    std::uint64_t number = 0;
-    for (std::uint64_t at = 0; at < bytes.size(); ++at)
-        number = number << 8 | bytes.u8(at);
-    return number;
-}
 
 /// Reads a number of variable length and moves `at` past it.
 std::uint64_t varint(ByteView bytes, std::uint64_t &at) {
@@ -156,14 +146,13 @@ void addTablesOfLog(const Candidate &file, std::set<std::string> &tables) {
 } // namespace
 
 std::set<std::string> schemaTables(const Candidate &file) {
-    if (!file.head.raw().starts_with(kMagic) || !file.head.has(kPageSizeAt, 2))
+    const auto size = sqlitePageSize(file.head);
+    if (!size)
         return {};
-    const std::uint64_t stored = bigEndian(file.head.sub(kPageSizeAt, 2));
-    const std::uint64_t size = stored == 1 ? kLargestPage : stored; // 65536 has no room of its own
     constexpr std::uint64_t kSmallestPage = 512;
     std::set<std::string> tables;
-    if (size >= kSmallestPage)
-        tables = SchemaWalk(file.evidence->open(file.file), size).tables();
+    if (*size >= kSmallestPage)
+        tables = SchemaWalk(file.evidence->open(file.file), *size).tables();
     addTablesOfLog(file, tables);
     return tables;
 }

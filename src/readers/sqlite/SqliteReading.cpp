@@ -82,24 +82,12 @@ ReadResult eachRow(TableCursor &cursor, ReadContext &ctx, TaskMonitor &task,
     return result;
 }
 
-bool eachFurtherRow(EvidenceDatabase &database, std::string_view table,
+ReadResult mainRows(EvidenceDatabase &database, std::string_view table,
                     std::span<const std::string_view> columns, ReadContext &ctx,
-                    std::string_view procedure, ReadResult &result,
-                    const std::function<void(std::int64_t rowId, const Row &row)> &save) {
-    if (!database.hasTable(table))
-        return true;
+                    std::string_view procedure, const TakeRow &take) {
     TableCursor cursor(database, table, columns);
-    const ReadResult rows =
-        eachRow(cursor, ctx, ctx.task, procedure,
-                [&cursor, &save](const Row &row) { save(cursor.rowId(), row); });
-    for (const auto &[reason, count] : rows.passedOver)
-        result.passedOver[fmt::format("{} of table {}", reason, table)] += count;
-    result.notReached += rows.notReached;
-    if (rows.state == ReadState::cancelled)
-        result.state = rows.state;
-    else if (rows.state != ReadState::complete)
-        addDamage(result, rows.reason);
-    return result.state != ReadState::cancelled;
+    return eachRow(cursor, ctx, ctx.task, procedure,
+                   [&](const Row &row) { take(cursor.rowId(), row); });
 }
 
 void addDamage(ReadResult &result, std::string_view reason) {

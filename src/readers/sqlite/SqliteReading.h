@@ -29,14 +29,13 @@ ReadResult readSqliteFile(ReadContext &ctx, const SqliteReader &reader,
 ReadResult eachRow(TableCursor &cursor, ReadContext &ctx, TaskMonitor &task,
                    std::string_view procedure, const std::function<void(const Row &row)> &save);
 
-/// Hands on each row of a table that only some versions of the format have, with its row id. Where
-/// the table isn't there, there is none. What is lost in it is added to `result`, which tells of
-/// other tables already. False when cancelled, which stands in `result` then.
-[[nodiscard]] bool
-eachFurtherRow(EvidenceDatabase &database, std::string_view table,
-               std::span<const std::string_view> columns, ReadContext &ctx,
-               std::string_view procedure, ReadResult &result,
-               const std::function<void(std::int64_t rowId, const Row &row)> &save);
+using TakeRow = std::function<void(std::int64_t rowId, const Row &row)>;
+
+/// The same for the table that a file is there for, with the row's id. Throws EvidenceDamage when
+/// it isn't there. Tables that may be missing are for FurtherTables.
+ReadResult mainRows(EvidenceDatabase &database, std::string_view table,
+                    std::span<const std::string_view> columns, ReadContext &ctx,
+                    std::string_view procedure, const TakeRow &take);
 
 /// Adds damage that no row was lost to, or not of the table that gives the records.
 void addDamage(ReadResult &result, std::string_view reason);

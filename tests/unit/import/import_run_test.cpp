@@ -243,6 +243,50 @@ TEST_F(ImportRunTest, countsRowsThatTheProjectDoesntTake) {
     EXPECT_EQ(project.log.entries[0].procedure, "MainBAS.SaveRecord()");
 }
 
+TEST_F(ImportRunTest, leavesReferencesWholeAndLookedUpAgain) {
+    std::filesystem::create_directories(project.folder.path() / "Default");
+    add(chromeHistory, "Default/History", "");
+    add(norvelaneNVD, "a", "http://a/1");
+    Unwatched task;
+    import(task, visitReader);
+    EXPECT_EQ(project.number("SELECT count(*) FROM RecordFacts"), 1);
+    EXPECT_EQ(project.number("SELECT count(*) FROM pragma_foreign_key_check"), 0);
+    EXPECT_ANY_THROW(
+        project.connection().exec("INSERT INTO RecordFacts (URL_ID, Name) VALUES (99, 'count')"))
+        << "of a record that isn't there";
+    project.connection().exec("DELETE FROM URLs WHERE URL_ID = 1");
+    EXPECT_EQ(project.number("SELECT count(*) FROM RecordFacts"), 0) << "they go with their record";
+}
+
+TEST_F(ImportRunTest, makesTheIndexOverAddressesBehindTheFirstRecords) {
+    static std::int64_t indexes = -1;
+    static SQLite::Database *database = nullptr;
+    const auto count = [](ReadContext &ctx) -> ReadResult {
+        test::saveUrl(ctx, "http://host/");
+        SQLite::Statement query(*database,
+                                "SELECT count(*) FROM sqlite_master WHERE name = 'URLIndex'");
+        query.executeStep();
+        indexes = query.getColumn(0).getInt64();
+        throw std::runtime_error("the reader broke down");
+    };
+    static constexpr Reader reader = test::madeUp(chromeHistory, "counts", count);
+    const auto readers = [](HistoryFileType) -> const Reader * { return &reader; };
+    database = &project.connection();
+    constexpr const char *kText = "SELECT group_concat(sql) FROM sqlite_master "
+                                  "WHERE name = 'URLIndex'";
+    const std::string text = project.text(kText);
+    add(chromeHistory, "a", "");
+    Unwatched task;
+    import(task, readers);
+    EXPECT_EQ(indexes, 0) << "while the project's first records come";
+    EXPECT_EQ(project.text(kText), text);
+    import(task, readers);
+    EXPECT_EQ(indexes, 1) << "with records in it";
+    project.connection().exec("DROP INDEX URLIndex");
+    import(task, readers);
+    EXPECT_EQ(project.text(kText), text) << "what a killed import left behind";
+}
+
 TEST_F(ImportRunTest, leavesNothingInTheScratchFolder) {
     scratch = project.folder.path() / "scratch";
     std::filesystem::create_directory(scratch);
