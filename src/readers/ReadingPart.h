@@ -29,6 +29,7 @@ class ReadingPart {
   public:
     ReadingPart(const ReadContext &whole, Stretch stretch)
         : m_task(whole.task, stretch.from, stretch.to), context(withTask(whole, m_task)) {}
+    ~ReadingPart() = default;
     ReadingPart(const ReadingPart &) = delete;
     ReadingPart &operator=(const ReadingPart &) = delete;
 

@@ -33,7 +33,7 @@ class CacheRemnantWalk {
     bool run(TaskMonitor &task, double from, const Take &take, ReadResult &result);
 
   private:
-    bool runFile(std::int64_t file, const std::function<bool(double)> &advance, const Take &take,
+    bool runFile(std::int64_t number, const std::function<bool(double)> &advance, const Take &take,
                  ReadResult &result);
     void tryBlock(const CacheRecordInfo &info, const Take &take, ReadResult &result);
     bool cutToOwnBlocks(CacheRemnant &remnant) const;

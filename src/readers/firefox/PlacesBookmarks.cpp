@@ -155,7 +155,7 @@ std::string BookmarkTree::pathOf(const Item &item) const {
     const Item *at = folder(item.parent);
     for (; at && met.size() < kDeepest && met.insert(at).second; at = folder(at->parent))
         if (!at->title.empty())
-            path = path.empty() ? at->title : at->title + "/" + path;
+            path.insert(0, path.empty() ? at->title : at->title + "/");
     return path;
 }
 

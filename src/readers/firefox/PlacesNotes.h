@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -23,8 +24,9 @@ class ByPlace {
     }
     /// In the order of adding within a page.
     void sort() { std::ranges::stable_sort(m_notes, {}, &Note::place); }
-    auto of(std::int64_t place) {
-        return std::ranges::equal_range(m_notes, place, {}, &Note::place);
+    std::span<Note> of(std::int64_t place) {
+        return {std::ranges::lower_bound(m_notes, place, {}, &Note::place),
+                std::ranges::upper_bound(m_notes, place, {}, &Note::place)};
     }
     std::vector<Note> &all() { return m_notes; }
 

@@ -157,12 +157,12 @@ std::set<std::string> schemaTables(const Candidate &file) {
     return tables;
 }
 
-bool hasTables(const Candidate &file, std::initializer_list<std::string_view> wanted) {
+bool hasTables(const Candidate &file, std::initializer_list<std::string_view> tables) {
     if (!file.verifySignatures)
         return true;
-    const std::set<std::string> tables = schemaTables(file);
+    const std::set<std::string> there = schemaTables(file);
     return std::ranges::all_of(
-        wanted, [&](std::string_view name) { return tables.contains(std::string(name)); });
+        tables, [&](std::string_view name) { return there.contains(std::string(name)); });
 }
 
 } // namespace nv
