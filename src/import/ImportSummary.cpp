@@ -78,6 +78,7 @@ std::vector<ProfileTotals> ImportSummary::byProfile() const {
         addUp(profile.byKind, artefact.byKind);
     }
     std::vector<ProfileTotals> list;
+    list.reserve(profiles.size());
     for (auto &[key, profile] : profiles)
         list.push_back(std::move(profile));
     return list;
