@@ -14,8 +14,8 @@
 #include "readers/chrome/MetaTable.h"
 #include "readers/chrome/Stamps.h"
 #include "readers/sqlite/EvidenceCopy.h"
-#include "readers/sqlite/PagedRows.h"
 #include "readers/sqlite/FurtherTables.h"
+#include "readers/sqlite/PagedRows.h"
 #include "readers/sqlite/SqliteReading.h"
 
 #include <fmt/format.h>
@@ -70,8 +70,9 @@ class PartReading {
         const bool isRead =
             tables.each("blobs", kPieceColumns,
                         [this](std::int64_t, const Row &row) { addPiece(row); }) &&
-            tables.each("resources", kColumns,
-                        [this, &result](std::int64_t id, const Row &row) { save(id, row, result); });
+            tables.each("resources", kColumns, [this, &result](std::int64_t id, const Row &row) {
+                save(id, row, result);
+            });
         if (isRead && !database.hasTable("resources"))
             addDamage(result, "there is no table resources");
         if (isRead)
