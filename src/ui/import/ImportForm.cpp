@@ -3,29 +3,24 @@
 #include "app/jobs/ImportClaim.h"
 #include "app/jobs/ImportJob.h"
 #include "app/jobs/ImportText.h"
-#include "app/jobs/ThumbnailJob.h"
-#include "app/jobs/ZoneJob.h"
 #include "app/messages/Messages.h"
 #include "app/messages/NetworkMessages.h"
 #include "app/options/SettingsInForce.h"
 #include "app/program/NetworkSwitch.h"
-#include "app/program/Zones.h"
 #include "app/project/EvidenceFolders.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
-#include "readers/Evidence.h"
-#include "ui/import/FoundFilesModel.h"
-#include "ui/views/ZoneForm.h"
-#include "views/CellText.h"
+#include "platform/qt/WithinScreen.h"
+#include "ui/import/ImportFilesPage.h"
+#include "ui/import/ImportZone.h"
+#include "ui/import/WizardParts.h"
 
-#include <QLabel>
+#include <QBoxLayout>
+#include <QFontDatabase>
 #include <QPlainTextEdit>
-#include <QProgressBar>
-#include <QPushButton>
 #include <QStackedWidget>
-#include <QTableView>
 
 namespace nv {
 
@@ -33,45 +28,93 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// What the scan could not look at, a line each; empty when there is nothing of the kind.
-QString gapsText(const ScanResult &result) {
-    QStringList gaps;
-    if (result.cancelled)
-        gaps += ImportForm::tr("The scan was cancelled: the list ends where it stopped.");
-    if (!result.gaps.unreadable.empty())
-        gaps += ImportForm::tr("Folders or files that could not be read: %L1, the first one %2")
-                    .arg(result.gaps.unreadable.size())
-                    .arg(toQt(displayText(textOf(result.gaps.unreadable.front().path))));
-    if (result.gaps.linksNotFollowed > 0)
-        gaps +=
-            ImportForm::tr("Links that were not followed: %L1").arg(result.gaps.linksNotFollowed);
-    if (result.gaps.shaderCaches > 0)
-        gaps +=
-            ImportForm::tr("Shader caches that were passed over, as they hold no addresses: %L1")
-                .arg(result.gaps.shaderCaches);
-    return gaps.join(u'\n');
+QLabel *newHeading() {
+    QLabel *heading = newWizardLabel("labStep");
+    QFont large = heading->font();
+    large.setBold(true);
+    large.setPointSizeF(large.pointSizeF() * 1.2);
+    heading->setFont(large);
+    return heading;
+}
+
+QPlainTextEdit *newSummary() {
+    auto *summary = new QPlainTextEdit;
+    summary->setObjectName(QStringLiteral("txtSummary"));
+    summary->setAccessibleName(ImportForm::tr("Summary of the import"));
+    summary->setReadOnly(true);
+    summary->setLineWrapMode(QPlainTextEdit::NoWrap);
+    summary->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    summary->setTabChangesFocus(true);
+    return summary;
 }
 
 } // namespace
 
+ImportForm::ImportForm(Program &program, const fs::path &start, ChooseFolder chooseFolder,
+                       QWidget *parent)
+    : QDialog(parent), m_program(program),
+      m_choice(new ImportChoicePage(program.import, start, program.state.rootPath,
+                                    std::move(chooseFolder))),
+      m_files(new ImportFilesPage(program)), m_summary(newSummary()), m_pages(new QStackedWidget),
+      m_heading(newHeading()) {
+    setObjectName(QStringLiteral("ImportForm"));
+    setWindowTitle(tr("Import"));
+    // Blocks the main window only: the status window's Cancel button has to stay live.
+    setWindowModality(Qt::WindowModal);
+    resizeWithinScreen(*this, {860, 560});
+    connect(m_files, &ImportFilesPage::changed, this, &ImportForm::showButtons);
+    m_pages->setObjectName(QStringLiteral("importPages"));
+    m_pages->addWidget(m_choice);
+    m_pages->addWidget(m_files);
+    m_pages->addWidget(m_summary);
+
+    auto *column = new QVBoxLayout(this);
+    column->addWidget(m_heading);
+    column->addWidget(m_pages, 1);
+    column->addWidget(newButtons());
+    showStep(Choose);
+}
+
+QWidget *ImportForm::newButtons() {
+    m_cancel = newWizardButton("btnCancel", tr("Cancel"));
+    m_back = newWizardButton("btnBack", tr("<< &Back"));
+    m_next = newWizardButton("btnNext", {});
+    connect(m_cancel, &QPushButton::clicked, this, &ImportForm::reject);
+    connect(m_back, &QPushButton::clicked, this, [this] { showStep(Choose); });
+    connect(m_next, &QPushButton::clicked, this, &ImportForm::nextBtnClick);
+
+    auto *buttons = new QWidget;
+    auto *row = new QHBoxLayout(buttons);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_cancel);
+    row->addStretch();
+    row->addWidget(m_back);
+    row->addWidget(m_next);
+    return buttons;
+}
+
 void ImportForm::reject() {
-    if (m_scanTask)
-        m_scanTask->cancel();
+    if (m_files->isScanning())
+        m_files->cancelScan();
     else if (!m_running)
         QDialog::reject();
 }
 
 void ImportForm::showStep(Step step) {
     m_pages->setCurrentIndex(step);
-    const bool last = step == Finish;
-    m_back->setEnabled(step == Files && !m_scanTask);
-    m_next->setText(last ? tr("Finished") : tr("Next >>"));
-    m_next->setEnabled(!m_scanTask && (step != Files || m_files->validCount() > 0));
-    m_cancel->setEnabled(!last);
     m_heading->setText(step == Choose  ? tr("Choose the evidence and what to look for")
                        : step == Files ? tr("Files To Be Imported")
                                        : tr("What the import has found"));
+    showButtons();
     m_next->setDefault(true);
+}
+
+void ImportForm::showButtons() {
+    const int step = m_pages->currentIndex();
+    m_back->setEnabled(step == Files && !m_files->isScanning());
+    m_next->setText(step == Finish ? tr("Finished") : tr("Next >>"));
+    m_next->setEnabled(!m_files->isScanning() && (step != Files || m_files->hasChosen()));
+    m_cancel->setEnabled(step != Finish);
 }
 
 void ImportForm::nextBtnClick() {
@@ -86,10 +129,6 @@ void ImportForm::nextBtnClick() {
     });
     if (failure)
         m_program.around.examiner.tell(messages::importFailed(*failure));
-}
-
-void ImportForm::back() {
-    showStep(Choose);
 }
 
 /// A project among the evidence would change what other tools see of it.
@@ -117,88 +156,14 @@ void ImportForm::startScan() {
         return;
     requireZones(m_program);
     requireSchema(m_program);
-    job.historyFiles.clear();
-    m_files->setFiles(job.historyFiles);
-    m_gaps->clear();
-    showScan(runScan());
-}
-
-ScanResult ImportForm::runScan() {
-    WizardTask task;
-    connect(&task, &WizardTask::stepped, this, [this](const QString &what, const QString &where) {
-        m_scanStep->setText(what);
-        m_scanFolder->setText(where);
-    });
-    connect(&task, &WizardTask::advanced, this,
-            [this](double fraction) { m_scanBar->setValue(static_cast<int>(fraction * 100)); });
-    m_scanTask = &task;
-    m_scanBar->setVisible(true);
     showStep(Files);
-    ScanResult result;
-    const auto failure = failureOf(m_program.log, "ImportForm.NextBtn_Click()",
-                                   [&] { result = scan(m_program.import, task, m_program.log); });
-    m_scanTask = nullptr;
-    m_scanBar->setVisible(false);
-    if (failure)
-        m_program.around.examiner.tell(messages::importFailed(*failure));
-    return result;
-}
-
-/// What the evidence says is taken before the first import; later the project has its zone, and is
-/// only told.
-void ImportForm::suggestZone() {
-    if (m_zoneKey.empty())
-        m_zoneKey = keyInList(m_program);
-    QStringList told;
-    bool isTaken = lastRow(m_program) > 0;
-    const ImportSettings &job = m_program.import;
-    for (const ZoneHint &hint :
-         knownZoneHints(m_program, job.startingDirectory, job.historyFiles)) {
-        told += tr("The evidence names the zone %1 (%2).")
-                    .arg(toQt(hint.zone), toQt(displayText(textOf(hint.file))));
-        if (!isTaken)
-            m_zoneKey = hint.zone;
-        isTaken = true;
-    }
-    m_zoneHint->setText(told.join(u'\n'));
-    m_zoneHint->setVisible(!told.isEmpty());
-    showZone();
-}
-
-void ImportForm::chooseZone() {
-    ZoneForm dialog(m_program, m_zoneKey, this);
-    if (dialog.exec() != QDialog::Accepted)
+    const ScanResult result = m_files->scanEvidence();
+    if (m_files->found() > 0 || result.cancelled)
         return;
-    m_zoneKey = dialog.key();
-    showZone();
-}
-
-void ImportForm::showZone() {
-    m_zone->setText(tr("Times are shown in: %1").arg(zoneName(m_program, m_zoneKey)));
-}
-
-/// False when the examiner is to choose again.
-bool ImportForm::takeZone() {
-    return m_zoneKey == keyInList(m_program) || changeZone(m_program, m_zoneKey, m_program.task);
-}
-
-void ImportForm::showScan(const ScanResult &result) {
-    ImportSettings &job = m_program.import;
-    job.historyFiles = result.historyFiles;
-    job.gaps = result.gaps;
-    m_files->setFiles(job.historyFiles);
-    suggestZone();
-    m_scanFolder->clear();
-    m_scanStep->setText(tr("Files found: %L1").arg(m_files->rowCount()));
-    const QString gaps = gapsText(result);
-    m_gaps->setText(gaps);
-    m_gaps->setVisible(!gaps.isEmpty());
-    showStep(Files);
-    if (m_files->rowCount() == 0 && !result.cancelled) {
-        m_program.around.examiner.tell(messages::nothingToImport());
-        // What could not be read is listed on this page.
-        showStep(result.gaps.unreadable.empty() ? Choose : Files);
-    }
+    m_program.around.examiner.tell(messages::nothingToImport());
+    // What could not be read is listed on this page.
+    if (result.gaps.unreadable.empty())
+        showStep(Choose);
 }
 
 /// A connection that can't be disabled leaves the examiner in the wizard, to decide anew.
@@ -228,9 +193,9 @@ void ImportForm::chooseBase() {
 }
 
 void ImportForm::importFiles() {
-    if (!goesOnDespiteNetwork() || !takeZone())
+    if (!goesOnDespiteNetwork() || !m_files->zone().take())
         return;
-    m_files->prune(m_program.import.historyFiles);
+    m_files->leaveOutUnchosen();
     m_program.import.cancelImport = false;
     runImport();
 }
