@@ -30,7 +30,7 @@ constexpr std::array<std::string_view, 7> kColumns = {
     "id", "url", "title", "hidden", "visit_count", "last_visit_time", "typed_count"};
 enum Column : std::size_t { kId, kUrl, kTitle, kHidden, kVisitCount, kLastVisitTime, kTyped };
 
-constexpr VisitTable::Columns kVisits = {"visits", "url", "visit_time"};
+constexpr VisitTable::Columns kVisits = {"visits", "url"};
 
 UrlRecord pageRecord(const ReadContext &ctx, const Row &row, Date fileCreated) {
     UrlRecord record = historyRecord(

@@ -20,9 +20,8 @@ bool VisitTable::read(EvidenceDatabase &database, const Columns &columns, const 
 bool VisitTable::readAll(EvidenceDatabase &database, const Columns &columns, const GoOn &goOn) {
     constexpr std::uint64_t kRowsBetweenQuestions = 1024;
     constexpr std::size_t kPage = 0;
-    constexpr std::size_t kDate = 1;
     m_isThere = database.hasTable(columns.table);
-    TableCursor cursor(database, columns.table, std::array{columns.page, columns.date});
+    TableCursor cursor(database, columns.table, std::array{columns.page});
     while (cursor.next()) {
         if (cursor.given() % kRowsBetweenQuestions == 0 && !goOn(cursor.fraction()))
             return false;
@@ -34,10 +33,7 @@ bool VisitTable::readAll(EvidenceDatabase &database, const Columns &columns, con
             ++m_withoutPage;
             continue;
         }
-        const auto [entry, isFirst] = m_pages.try_emplace(*page);
-        if (isFirst)
-            entry->second.firstDate = row.number(kDate);
-        ++entry->second.visits;
+        ++m_pages[*page].visits;
     }
     if (cursor.lostRows())
         m_loss = cursor.lossText();

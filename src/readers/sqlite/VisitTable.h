@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -14,12 +13,10 @@ namespace nv {
 /// Asked now and then during a long pass with the part that is done, 0 to 1; false ends it.
 using GoOn = std::function<bool(double fraction)>;
 
-/// The table of single visits beside a table of pages, read in one pass: by page the date of its
-/// first visit row, in the order in which rows were added, and how many there are.
+/// The table of single visits beside a table of pages, read in one pass: how many each page has.
 class VisitTable {
   public:
     struct Page {
-        std::optional<std::int64_t> firstDate; ///< as stored
         std::uint64_t visits = 0;
         bool isListed = false; ///< a row of the table of pages has asked for it
     };
@@ -27,7 +24,6 @@ class VisitTable {
     struct Columns {
         std::string_view table;
         std::string_view page;
-        std::string_view date;
     };
 
     /// False when `goOn` said so. A table that is damaged or missing is no failure but a loss: what
