@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <ranges>
 #include <utility>
 
 namespace nv {
@@ -242,8 +241,8 @@ bool unpackBody(Body &body, std::span<const std::string> codings, Damaged damage
     }
     const std::string_view first = codings.empty() ? std::string_view() : codings.back();
     const bool isRead = succeeds(log, Severity::Warning, procedureOf(first), kContactSupport, [&] {
-        for (const std::string &coding : codings | std::views::reverse)
-            if (!undo(body, coding, damaged, inMemory, log))
+        for (auto coding = codings.rbegin(); coding != codings.rend(); ++coding)
+            if (!undo(body, *coding, damaged, inMemory, log))
                 break;
     });
     return isRead && body.doubt.empty();
