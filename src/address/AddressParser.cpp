@@ -1,47 +1,20 @@
 #include "address/AddressParser.h"
 
 #include "address/AddressPath.h"
+#include "address/AddressText.h"
+#include "address/Authority.h"
 #include "address/Hosts.h"
 #include "address/PercentSets.h"
 #include "address/QueryEncoding.h"
 #include "address/Schemes.h"
 #include "base/Text.h"
 
-#include <unicode/unistr.h>
-
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <utility>
 
 namespace nv {
 
 namespace {
-
-constexpr std::string_view kTabsAndBreaks = "\t\n\r";
-
-bool isControlOrBlank(char c) {
-    return static_cast<unsigned char>(c) <= 0x20;
-}
-
-/// Bytes that are no text become U+FFFD.
-std::string validUtf8(std::string_view text) {
-    const icu::StringPiece piece(text.data(), static_cast<std::int32_t>(text.size()));
-    std::string out;
-    return icu::UnicodeString::fromUTF8(piece).toUTF8String(out);
-}
-
-/// What the states read: valid UTF-8 without blanks at its ends and without breaks anywhere.
-std::string cleaned(std::string_view text) {
-    while (!text.empty() && isControlOrBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isControlOrBlank(text.back()))
-        text.remove_suffix(1);
-    std::string out = isUtf8(text) ? std::string(text) : validUtf8(text);
-    if (out.find_first_of(kTabsAndBreaks) != std::string::npos)
-        std::erase_if(out, [](char c) { return kTabsAndBreaks.find(c) != std::string_view::npos; });
-    return out;
-}
 
 bool isLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
@@ -51,8 +24,8 @@ bool isOfScheme(char c) {
     return isLetter(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
 }
 
-/// The standard's state machine over whole parts instead of characters. Each state reads what is its
-/// own off the front of the rest and names the next one.
+/// The standard's state machine over whole parts instead of characters. Each state reads what is
+/// its own off the front of the rest and names the next one.
 class AddressParser {
   public:
     AddressParser(std::string_view text, const AddressParts *base, std::string_view charset)
@@ -190,51 +163,7 @@ class AddressParser {
     }
 
     State authority() {
-        std::string_view text = take(endsOfSegment());
-        const std::size_t sign = text.rfind('@');
-        if (sign != std::string_view::npos) {
-            takeCredentials(text.substr(0, sign));
-            text.remove_prefix(sign + 1);
-            if (text.empty())
-                return failed();
-        }
-        return takeHostAndPort(text) ? &AddressParser::pathStart : failed();
-    }
-
-    void takeCredentials(std::string_view text) {
-        const std::size_t colon = std::min(text.find(':'), text.size());
-        m_parts.username = percentEncoded(text.substr(0, colon), PercentSet::userinfo);
-        if (colon < text.size())
-            m_parts.password = percentEncoded(text.substr(colon + 1), PercentSet::userinfo);
-    }
-
-    bool takeHostAndPort(std::string_view text) {
-        std::size_t colon = 0;
-        for (bool isInBrackets = false; colon < text.size() && (isInBrackets || text[colon] != ':');
-             ++colon)
-            if (text[colon] == '[' || text[colon] == ']')
-                isInBrackets = text[colon] == '[';
-        const std::string_view host = text.substr(0, colon);
-        if (host.empty()) {
-            m_parts.host.emplace();
-            return !isSpecial() && text.empty();
-        }
-        m_parts.host = parsedHost(host, !isSpecial());
-        return m_parts.host && (colon == text.size() || takePort(text.substr(colon + 1)));
-    }
-
-    bool takePort(std::string_view digits) {
-        unsigned value = 0;
-        for (const char c : digits) {
-            if (c < '0' || c > '9')
-                return false;
-            value = value * 10 + static_cast<unsigned>(c - '0');
-            if (value > 65535)
-                return false;
-        }
-        if (!digits.empty() && defaultPort(m_parts.scheme) != value)
-            m_parts.port = static_cast<std::uint16_t>(value);
-        return true;
+        return readAuthority(take(endsOfSegment()), m_parts) ? &AddressParser::pathStart : failed();
     }
 
     State file() {
@@ -351,7 +280,7 @@ class AddressParser {
 
 std::optional<AddressParts> parsedAddress(std::string_view text, const AddressParts *base,
                                           std::string_view charset) {
-    const std::string clean = cleaned(text);
+    const std::string clean = addressText(text);
     return AddressParser(clean, base, charset).parsed();
 }
 

@@ -26,7 +26,8 @@ struct Encoder {
     bool hasShifts = false;   ///< control bytes change what bytes mean
 };
 
-// Other labels are ICU's own. They are not those for reading, which has supersets (gb18030 for gbk).
+// Other labels are ICU's own. They are not those for reading, which has supersets (gb18030 for
+// gbk).
 constexpr std::array<Encoder, 18> kEncoders = {{
     {"iso-8859-1", "windows-1252"},
     {"latin1", "windows-1252"},

@@ -33,7 +33,7 @@ class WebAddress {
     /// None for the scheme's default.
     std::optional<std::uint16_t> port() const { return m_parts.port; }
     const std::string &path() const { return m_parts.path; } ///< opaque ones too
-    /// True for "mailto:x" and "data:...": there is nothing that another address could be relative to.
+    /// True for "mailto:x" and "data:...": no other address can be relative to it.
     bool hasOpaquePath() const { return m_parts.isPathOpaque; }
     /// Of ftp, file, http, https, ws and wss, which have rules of their own.
     bool isSpecial() const;

@@ -1,5 +1,5 @@
-// An address, alone and against a base. What comes out is ASCII and is read as the same again, alone
-// and against any base; its query in any charset is one of the same address.
+// An address, alone and against a base. What comes out is ASCII and is read as the same again,
+// alone and against any base; its query in any charset is one of the same address.
 //   input = charset '\n' base '\n' address
 
 #include "address/WebAddress.h"

@@ -1,5 +1,5 @@
-// The URL standard's own cases, read from the folder that NV_STANDARDS names. docs/formats/addresses.md
-// says how many hold.
+// The URL standard's own cases, read from the folder that NV_STANDARDS names.
+// docs/formats/addresses.md says how many hold.
 
 #include "address/WebAddress.h"
 #include "base/Files.h"
