@@ -3,6 +3,7 @@
 #include "markup/SourceSpan.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,7 +15,10 @@ namespace nv {
 /// of it is written in the page.
 class MeantText {
   public:
-    enum class Kind { attribute, cdata };
+    enum class Kind : std::uint8_t {
+        attribute, ///< its character references are read
+        plain,
+    };
 
     /// `meant` is what the parser made of `written`, which begins at byte `at` of the page. Nothing
     /// where the one can't have come from the other.

@@ -42,6 +42,7 @@ struct Reference {
     bool isLazy = false;   ///< a script would have shown it: from "data-src" and the like
     std::string descriptor; ///< of "srcset": "2x", "640w"
     int nested = 0;         ///< how many "srcdoc" attributes it stands in, one within the other
+    std::string base;       ///< of the page in "srcdoc" that it stands in, where that names one
 };
 
 } // namespace nv

@@ -1,3 +1,5 @@
+#include "rebuild/exact/Spelling.h"
+
 #include "markup/Utf8.h"
 #include "rebuild/exact/PageReferences.h"
 
@@ -36,24 +38,6 @@ std::string styleText(std::string_view address) {
     return text;
 }
 
-/// For a value in any quotation marks or none.
-std::string attributeText(std::string_view address) {
-    std::string text;
-    text.reserve(address.size());
-    for (std::size_t at = 0; at < address.size();) {
-        const std::uint32_t code = nextCode(address, at);
-        if (isPlain(code) || code == '(' || code == ')' || code == '\\')
-            text += static_cast<char>(code);
-        else if (code == '&')
-            text += "&amp;";
-        else if (code == '\r' || code == 0)
-            continue; // no reference stands for these
-        else
-            fmt::format_to(std::back_inserter(text), "&#{};", code);
-    }
-    return text;
-}
-
 /// Blanks end an address there, and a comma at its end isn't taken for its own.
 std::string candidateText(std::string_view address) {
     std::string text;
@@ -71,6 +55,23 @@ std::string candidateText(std::string_view address) {
 
 } // namespace
 
+std::string attributeValue(std::string_view address) {
+    std::string text;
+    text.reserve(address.size());
+    for (std::size_t at = 0; at < address.size();) {
+        const std::uint32_t code = nextCode(address, at);
+        if (isPlain(code) || code == '(' || code == ')' || code == '\\')
+            text += static_cast<char>(code);
+        else if (code == '&')
+            text += "&amp;";
+        else if (code == '\r' || code == 0)
+            continue; // no reference stands for these
+        else
+            fmt::format_to(std::back_inserter(text), "&#{};", code);
+    }
+    return text;
+}
+
 std::string spelled(const Reference &reference, std::string_view address,
                     std::string_view /*source*/) {
     if (reference.form == RefForm::styleUrl || reference.form == RefForm::styleString)
@@ -78,7 +79,7 @@ std::string spelled(const Reference &reference, std::string_view address,
     std::string text =
         reference.form == RefForm::srcset ? candidateText(address) : std::string(address);
     for (int i = 0; i <= reference.nested; ++i)
-        text = attributeText(text);
+        text = attributeValue(text);
     return text;
 }
 
