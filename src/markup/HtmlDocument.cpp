@@ -92,6 +92,10 @@ std::string_view HtmlDocument::writtenIn(const Node &node) {
     return isText ? std::string_view(node.v.text.text) : std::string_view();
 }
 
+bool HtmlDocument::isCdata(const Node &node) {
+    return node.type == GUMBO_NODE_CDATA;
+}
+
 HtmlSpace HtmlDocument::spaceOf(const Node &element) {
     switch (element.v.element.tag_namespace) {
     case GUMBO_NAMESPACE_SVG:
@@ -142,6 +146,23 @@ std::vector<HtmlAttribute> HtmlDocument::attributesOf(const Node &element) const
         attributes.push_back(attribute);
     }
     return attributes;
+}
+
+SourceSpan HtmlDocument::tagOf(const Node &element) const {
+    const GumboStringPiece &tag = element.v.element.original_tag;
+    return spanOf(tag.data, tag.length);
+}
+
+SourceSpan HtmlDocument::endTagOf(const Node &element) const {
+    const GumboStringPiece &tag = element.v.element.original_end_tag;
+    return spanOf(tag.data, tag.length);
+}
+
+SourceSpan HtmlDocument::textAt(const Node &text) const {
+    if (isElement(text) || text.type == GUMBO_NODE_DOCUMENT)
+        return {};
+    const GumboStringPiece &written = text.v.text.original_text;
+    return spanOf(written.data, written.length);
 }
 
 /// Nothing where the library points elsewhere, as it does for what it made by itself.

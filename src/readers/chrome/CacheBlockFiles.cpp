@@ -59,22 +59,28 @@ Bytes ChromeBlockFiles::read(const ChromeAddressMap &map, std::uint64_t count) {
 
 ChromeBlockFiles::Opened ChromeBlockFiles::open(std::uint8_t number) const {
     const auto path = m_evidence.find(m_folder, nameOf(number));
+    if (path && !m_log)
+        return {m_evidence.open(*path), {}};
+    Opened found = path ? openLogged(*path)
+                        : Opened{std::nullopt, pathOf(number) + ": the block file is missing"};
+    if (!found.reader)
+        write(found.lack);
+    return found;
+}
+
+ChromeBlockFiles::Opened ChromeBlockFiles::openLogged(const std::filesystem::path &path) const {
     KeptMessage failure;
     auto reader = trapped(failure, Severity::Serious, m_procedure, kContactSupport,
                           std::optional<EvidenceFile>(), [&]() -> std::optional<EvidenceFile> {
-                              if (!path)
-                                  return std::nullopt;
-                              return tellingGaps(m_log, [&] {
-                                  EvidenceFile file = m_evidence.open(*path);
+                              return tellingGaps(*m_log, [&] {
+                                  EvidenceFile file = m_evidence.open(path);
                                   noteMissingEnd(file);
                                   return std::optional(std::move(file));
                               });
                           });
     if (reader)
         return {std::move(reader), {}};
-    const std::string lack = path ? failure.text : pathOf(number) + ": the block file is missing";
-    write(lack);
-    return {std::nullopt, lack};
+    return {std::nullopt, failure.text};
 }
 
 /// Bodies are not read here: without this, nobody would learn that some have gone.
@@ -85,8 +91,9 @@ void ChromeBlockFiles::noteMissingEnd(const EvidenceFile &file) const {
 }
 
 void ChromeBlockFiles::write(const std::string &message) const {
-    m_log.write(
-        {message, std::string(m_procedure), Severity::Serious, std::string(kContactSupport)});
+    if (m_log)
+        m_log->write(
+            {message, std::string(m_procedure), Severity::Serious, std::string(kContactSupport)});
 }
 
 } // namespace nv

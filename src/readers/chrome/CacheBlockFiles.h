@@ -13,14 +13,17 @@
 
 namespace nv {
 
-/// The files "data_0" to "data_255" beside an index, each opened once and kept open. Failures are
-/// logged once a file.
+/// The files "data_0" to "data_255" beside an index, each opened once and kept open.
 class ChromeBlockFiles {
   public:
-    /// All must outlive this.
+    /// Failures are logged once a file. All must outlive this.
     ChromeBlockFiles(const Evidence &evidence, std::filesystem::path folder, FailureLog &log,
                      std::string_view procedure)
-        : m_evidence(evidence), m_folder(std::move(folder)), m_log(log), m_procedure(procedure) {}
+        : m_evidence(evidence), m_folder(std::move(folder)), m_log(&log), m_procedure(procedure) {}
+    /// For a body alone, whose lacks the reading has told: a file that is there and can't be opened
+    /// throws EvidenceFailure. `evidence` must outlive this.
+    ChromeBlockFiles(const Evidence &evidence, std::filesystem::path folder)
+        : m_evidence(evidence), m_folder(std::move(folder)) {}
 
     /// Null when there is no such file, or it can't be opened.
     const EvidenceFile *file(std::uint8_t number);
@@ -40,12 +43,13 @@ class ChromeBlockFiles {
 
     Opened &opened(std::uint8_t number);
     Opened open(std::uint8_t number) const;
+    Opened openLogged(const std::filesystem::path &path) const;
     void noteMissingEnd(const EvidenceFile &file) const;
     void write(const std::string &message) const;
 
     const Evidence &m_evidence;
     std::filesystem::path m_folder;
-    FailureLog &m_log;
+    FailureLog *m_log = nullptr; ///< may be null
     std::string_view m_procedure;
     std::map<std::uint8_t, Opened> m_files;
 };

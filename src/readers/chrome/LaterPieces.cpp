@@ -1,6 +1,5 @@
 #include "readers/chrome/LaterPieces.h"
 
-#include "base/NoLog.h"
 #include "readers/Body.h"
 #include "readers/chrome/CacheKey.h"
 #include "readers/chrome/LaterSparse.h"
@@ -34,8 +33,7 @@ bool fetchLaterPieces(const UrlRecord &record, const Evidence &evidence, BodyTar
     const auto indexPath = folder ? evidence.find(*folder, "index") : std::nullopt;
     if (!indexPath)
         return false;
-    NoLog log;
-    ChromeBlockFiles blocks(evidence, *folder, log, "ChromiumBlockCache.body()");
+    ChromeBlockFiles blocks(evidence, *folder);
     LaterEntries entries(blocks, evidence, *folder);
     LaterIndexFile index(evidence.open(*indexPath));
     const auto parent = entries.at(static_cast<std::uint32_t>(record.Reference_ID));

@@ -1,0 +1,86 @@
+#include "rebuild/exact/Spelling.h"
+
+#include "markup/Utf8.h"
+#include "rebuild/exact/PageReferences.h"
+
+#include <fmt/format.h>
+
+#include <iterator>
+
+namespace nv {
+
+namespace {
+
+bool isLetterOrDigit(std::uint32_t code) {
+    return (code >= 'a' && code <= 'z') || (code >= 'A' && code <= 'Z') ||
+           (code >= '0' && code <= '9');
+}
+
+/// Neither in CSS nor in HTML, quoted or not, do these mean anything.
+bool isPlain(std::uint32_t code) {
+    return isLetterOrDigit(code) ||
+           (code < 0x80 &&
+            std::string_view("-._~/:?@!$*+,;%[]#|^{}").find(static_cast<char>(code)) !=
+                std::string_view::npos);
+}
+
+/// Six digits end an escape, so that nothing depends on what stands behind it.
+std::string styleText(std::string_view address) {
+    std::string text;
+    text.reserve(address.size());
+    for (std::size_t at = 0; at < address.size();) {
+        const std::uint32_t code = nextCode(address, at);
+        if (isPlain(code) || code == '=')
+            text += static_cast<char>(code);
+        else
+            fmt::format_to(std::back_inserter(text), "\\{:06x}", code);
+    }
+    return text;
+}
+
+/// Blanks end an address there, and a comma at its end isn't taken for its own.
+std::string candidateText(std::string_view address) {
+    std::string text;
+    text.reserve(address.size());
+    for (std::size_t at = 0; at < address.size(); ++at) {
+        const auto code = static_cast<unsigned char>(address[at]);
+        const bool isOuterComma = code == ',' && (at == 0 || at + 1 == address.size());
+        if (code <= ' ' || isOuterComma)
+            fmt::format_to(std::back_inserter(text), "%{:02X}", code);
+        else
+            text += address[at];
+    }
+    return text;
+}
+
+} // namespace
+
+std::string attributeValue(std::string_view address) {
+    std::string text;
+    text.reserve(address.size());
+    for (std::size_t at = 0; at < address.size();) {
+        const std::uint32_t code = nextCode(address, at);
+        if (isPlain(code) || code == '(' || code == ')' || code == '\\')
+            text += static_cast<char>(code);
+        else if (code == '&')
+            text += "&amp;";
+        else if (code == '\r' || code == 0)
+            continue; // no reference stands for these
+        else
+            fmt::format_to(std::back_inserter(text), "&#{};", code);
+    }
+    return text;
+}
+
+std::string spelled(const Reference &reference, std::string_view address,
+                    std::string_view /*source*/) {
+    if (reference.form == RefForm::styleUrl || reference.form == RefForm::styleString)
+        return styleText(address);
+    std::string text =
+        reference.form == RefForm::srcset ? candidateText(address) : std::string(address);
+    for (int i = 0; i <= reference.nested; ++i)
+        text = attributeValue(text);
+    return text;
+}
+
+} // namespace nv
