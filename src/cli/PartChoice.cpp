@@ -33,9 +33,10 @@ std::string addressOf(SQLite::Database &project, UrlId page, std::string_view re
     if (!place) {
         const auto address = WebAddress::parsed(reference);
         if (!address)
-            throw UsageError(fmt::format("--choose: \"{}\" is neither the number of a reference nor "
-                                         "a whole address",
-                                         reference));
+            throw UsageError(
+                fmt::format("--choose: \"{}\" is neither the number of a reference nor "
+                            "a whole address",
+                            reference));
         return address->withoutFragment();
     }
     const std::vector<PartNote> notes = RebuiltParts(project).notes(page);
