@@ -97,7 +97,10 @@ BENCHMARK(exactAmongHalfAMillionRows)->Iterations(1)->Unit(benchmark::kMilliseco
 void classicAmongHalfAMillionRows(benchmark::State &state) {
     rebuild(state, MethodChoice::classic);
 }
-BENCHMARK(classicAmongHalfAMillionRows)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(classicAmongHalfAMillionRows)
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 } // namespace
 } // namespace nv
