@@ -143,7 +143,7 @@ TEST_F(GraphicalReportTest, aPageThatWasRebuiltExactlyTellsTheRuleOfEachPart) {
     const std::string html = make(0, [](ReportWriter &each) { each.includeAudit = true; });
     EXPECT_THAT(html, AllOf(HasSubstr("(exact method)"), HasSubstr("img src"),
                             HasSubstr("http://host/gone.gif"), HasSubstr("exact address"),
-                            HasSubstr("not in any cache"),
+                            HasSubstr("not in any cache"), HasSubstr("Marked place"),
                             HasSubstr("<a href='0000001.NVR/0000002.gif' "
                                       "target='_new'>0000002.gif</a> (row 2)")));
     EXPECT_EQ(inReport("0000001.NVR/0000002.gif"), "GIF89a logo");
