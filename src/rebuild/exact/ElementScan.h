@@ -29,7 +29,7 @@ class ElementScan {
     void readHtml(std::string_view name, const HtmlAttributes &attributes);
     void readSvg(std::string_view name, const HtmlAttributes &attributes);
     void readTable(std::string_view name, const HtmlAttributes &attributes,
-                   const HtmlAttributes &shelved);
+                   const HtmlAttributes &passed);
     HtmlAttributes readLazy(std::string_view name, const HtmlAttributes &attributes);
     void readLink(const HtmlAttributes &attributes);
     void readMeta(const HtmlAttributes &attributes);
@@ -39,8 +39,9 @@ class ElementScan {
     void readStyleAttribute(std::string_view name, const HtmlAttribute &attribute);
     void readBackground(std::string_view name, const HtmlAttribute &lazy);
 
+    /// `lazyPlace` is where the address of a lazy part is to stand.
     void addAddress(RefUse use, std::string_view name, const HtmlAttribute &attribute,
-                    bool isLazy = false);
+                    std::optional<SourceSpan> lazyPlace = std::nullopt);
     void addCandidates(std::string_view name, const HtmlAttribute &attribute, bool isLazy = false);
     void addStyles(std::vector<Reference> found, const MeantText &text, std::string_view element);
     HtmlAttributes newAttributesOf(const Node &element);

@@ -153,10 +153,14 @@ TEST(ScanPage, picturesInSvgTakeNothingOfOurs) {
 }
 
 TEST(ScanPage, lazyPicturesComeToTheirPlace) {
-    EXPECT_EQ(disarmed("<img class=lazy src=spacer.gif data-src=a.png>"),
-              "<img class=lazy data-was-src=spacer.gif src=a.png>");
-    EXPECT_EQ(disarmed("<img src='data:,x' data-original='a.png' data-srcset='b.png 2x'>"),
-              "<img data-was-src='data:,x' src='a.png' srcset='b.png 2x'>");
+    EXPECT_EQ(rewritten("<img class=lazy src=spacer.gif data-src=a.png>", "17.png"),
+              "<img class=lazy src=17.png data-was-data-src=a.png>");
+    EXPECT_EQ(
+        rewritten("<img src='data:,x' data-original='a.png' data-srcset='b.png 2x'>", "17.png"),
+        "<img src='17.png' data-was-data-original='a.png' srcset='17.png 2x'>");
+    EXPECT_EQ(
+        rewritten("<img srcset='s.gif 1x' src alt=x data-src=a.png data-srcset='b 2x'>", "17"),
+        "<img srcset='17 1x' data-was-src alt=x src=17 data-srcset='b 2x'>");
     EXPECT_THAT(
         of("<img data-src=a.png data-srcset='b.png 2x, c.png'>"),
         ElementsAre("img data-src=a.png", "img data-srcset=b.png", "img data-srcset=c.png"));
@@ -178,8 +182,9 @@ TEST(ScanPage, whatIsForBrowsersWithoutScriptsShows) {
               "<head><link rel=stylesheet href=a.css></head><body>b<img src=c.png>");
     EXPECT_THAT(of(html), ElementsAre("link href=a.css", "img src=c.png"));
     const std::string twice =
-        "<img data-src=a.png><noscript><img src='a.png'></noscript><noscript>b</noscript>";
-    EXPECT_EQ(disarmed(twice), "<img src=a.png>b");
+        "<img data-src=a.png src=s.gif alt=blank class=lazy><noscript><img src='a.png'></noscript>"
+        "<noscript>b</noscript>";
+    EXPECT_EQ(disarmed(twice), "<img data-was-data-src=a.png src=s.gif alt=blank class=lazy>b");
     EXPECT_THAT(of(twice), ElementsAre("img data-src=a.png"));
 }
 
