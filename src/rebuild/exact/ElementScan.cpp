@@ -25,10 +25,8 @@ bool isScript(std::string_view address) {
 
 } // namespace
 
-ElementScan::ElementScan(const HtmlDocument &page, std::string_view html,
-                         const std::filesystem::path &file, int depth, PageScan &scan)
-    : m_page(page), m_html(html), m_file(file), m_depth(depth), m_scan(scan),
-      m_edits(html, scan.disarming) {}
+ElementScan::ElementScan(const HtmlDocument &page, std::string_view html, int depth, PageScan &scan)
+    : m_page(page), m_html(html), m_depth(depth), m_scan(scan), m_edits(html, scan.disarming) {}
 
 /// Without those that were read already: the parser makes copies of elements, and puts the
 /// attributes of a second "body" to the first one.
@@ -196,22 +194,18 @@ void ElementScan::readLink(const HtmlAttributes &attributes) {
 
 void ElementScan::readFrameText(const HtmlAttribute &srcdoc) {
     const auto text = meant(srcdoc);
-    PageScan within;
-    try {
-        if (!text || m_depth >= kDeepestSrcdoc)
-            return m_edits.empty(srcdoc);
-        within = scanPageAt(text->text(), m_file, m_depth + 1);
-    } catch (const PageTooLarge &) {
+    auto within =
+        text && m_depth < kDeepestSrcdoc ? scanWithin(text->text(), m_depth + 1) : std::nullopt;
+    if (!within)
         return m_edits.empty(srcdoc);
-    }
-    for (Reference &reference : within.references) {
+    for (Reference &reference : within->references) {
         reference.at = text->inPage(reference.at);
         ++reference.nested;
         if (reference.base.empty())
-            reference.base = within.base;
+            reference.base = within->base;
         m_scan.references.push_back(std::move(reference));
     }
-    for (const TextEdit &edit : within.disarming)
+    for (const TextEdit &edit : within->disarming)
         m_edits.replace(text->inPage(edit.at), attributeValue(edit.text));
 }
 

@@ -5,7 +5,6 @@
 #include "rebuild/exact/MeantText.h"
 #include "rebuild/exact/PageReferences.h"
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,8 +16,7 @@ namespace nv {
 class ElementScan {
   public:
     /// All must outlive it. `depth` counts the pages in "srcdoc" that this one stands in.
-    ElementScan(const HtmlDocument &page, std::string_view html, const std::filesystem::path &file,
-                int depth, PageScan &scan);
+    ElementScan(const HtmlDocument &page, std::string_view html, int depth, PageScan &scan);
 
     using Node = HtmlDocument::Node;
 
@@ -49,14 +47,13 @@ class ElementScan {
 
     const HtmlDocument &m_page;
     std::string_view m_html;
-    const std::filesystem::path &m_file;
     int m_depth;
     PageScan &m_scan;
     AttributeEdits m_edits;
     std::unordered_set<std::size_t> m_seen; ///< the places of attributes: elements are copied
 };
 
-/// scanPage() for a page in so many "srcdoc" attributes.
-PageScan scanPageAt(std::string_view html, const std::filesystem::path &file, int depth);
+/// scanPage() for a page in so many "srcdoc" attributes; nothing for one beyond a limit.
+std::optional<PageScan> scanWithin(std::string_view html, int depth);
 
 } // namespace nv
