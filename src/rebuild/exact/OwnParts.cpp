@@ -106,10 +106,10 @@ std::string_view contentPolicy() {
 
 std::string ownHead(std::string_view charset) {
     const std::string encoding =
-        charset.empty() ? std::string() : fmt::format("<meta charset=\"{}\">", shown(charset));
-    return fmt::format("{}<meta http-equiv=\"Content-Security-Policy\" content=\"{}\">"
-                       "<meta http-equiv=\"x-dns-prefetch-control\" content=\"off\">"
-                       "<meta name=\"referrer\" content=\"no-referrer\">",
+        charset.empty() ? std::string() : fmt::format("<meta charset=\"{}\"/>", shown(charset));
+    return fmt::format("{}<meta http-equiv=\"Content-Security-Policy\" content=\"{}\"/>"
+                       "<meta http-equiv=\"x-dns-prefetch-control\" content=\"off\"/>"
+                       "<meta name=\"referrer\" content=\"no-referrer\"/>",
                        encoding, kPolicy);
 }
 
@@ -170,9 +170,9 @@ std::string bannerFor(const BannerFacts &facts) {
         "<div id=\"{0}\" style=\"{1}\"><style>#{0}:target{{display:none!important}}"
         "#{0}-off:checked~*{{display:none!important}}"
         "@media print{{#{0}{{display:none!important}}}}</style>"
-        "<input type=\"checkbox\" id=\"{0}-off\" style=\"display:none!important\">"
+        "<input type=\"checkbox\" id=\"{0}-off\" style=\"display:none!important\"/>"
         "<div style=\"{2}\"><label for=\"{0}-off\" style=\"{3}\">Hide</label>"
-        "<details open style=\"{4}\"><summary style=\"{5}\">Rebuilt from caches</summary>{6}"
+        "<details open=\"\" style=\"{4}\"><summary style=\"{5}\">Rebuilt from caches</summary>{6}"
         "</details></div></div>",
         id, kAround, kBox, kHide, kLine, kTitle, text);
 }

@@ -10,7 +10,8 @@
 namespace nv {
 
 // What is ours in a page that was rebuilt: a policy in front of it, marked places for parts that
-// are in no cache, a banner. All of it is ASCII, so that it stands in a page of any encoding.
+// are in no cache, a banner. All of it is ASCII, so that it stands in a page of any encoding, and
+// well-formed for pages that are XML.
 
 /// What a browser may fetch for the page: its folder and data, and nothing is run.
 std::string_view contentPolicy();

@@ -112,7 +112,7 @@ TEST(ExactPage, nothingLeavesByAnyWay) {
     for (const test::HostileWay &way : test::kHostileWays) {
         SCOPED_TRACE(way.name);
         const std::string html =
-            replaceAll(replaceAll(way.html, "%", "@"), "@", "http://127.0.0.1:9");
+            replaceAll(replaceAll(way.html, "@", "http://127.0.0.1:9"), "%", "@");
         const std::string made = rebuilt(html, true);
         for (const Reference &reference : scanPage(made, "page").references)
             EXPECT_TRUE(kFolder.contains(reference.address)) << reference.address;
