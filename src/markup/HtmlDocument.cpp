@@ -24,6 +24,17 @@ bool isQuoted(std::string_view value) {
            value.back() == value.front();
 }
 
+/// The library's word for no value is the name; and where a value without quotation marks begins
+/// with "&", it takes name and sign for a part of it.
+SourceSpan behindName(std::string_view html, SourceSpan name, std::size_t end) {
+    constexpr std::string_view kBlanks = " \t\n\f\r";
+    const std::size_t sign = html.find_first_not_of(kBlanks, name.end);
+    if (sign == std::string_view::npos || sign >= end || html[sign] != '=')
+        return {name.end, name.end};
+    const std::size_t begin = html.find_first_not_of(kBlanks, sign + 1);
+    return begin < end ? SourceSpan{begin, end} : SourceSpan{name.end, name.end};
+}
+
 std::string_view checked(std::string_view html, const std::filesystem::path &file) {
     const HtmlLimits limits;
     if (const std::string beyond = costOf(html, limits).beyond(limits); !beyond.empty())
@@ -139,8 +150,8 @@ std::vector<HtmlAttribute> HtmlDocument::attributesOf(const Node &element) const
         attribute.isPrefixed = each.attr_namespace != GUMBO_ATTR_NAMESPACE_NONE;
         attribute.nameAt = spanOf(each.original_name.data, each.original_name.length);
         attribute.valueAt = spanOf(each.original_value.data, each.original_value.length);
-        if (attribute.valueAt.begin == attribute.nameAt.begin) // the library's word for none
-            attribute.valueAt = {attribute.nameAt.end, attribute.nameAt.end};
+        if (attribute.valueAt.begin == attribute.nameAt.begin)
+            attribute.valueAt = behindName(m_html, attribute.nameAt, attribute.valueAt.end);
         if (isQuoted(attribute.valueAt.in(m_html)))
             attribute.valueAt = {attribute.valueAt.begin + 1, attribute.valueAt.end - 1};
         attributes.push_back(attribute);

@@ -45,6 +45,35 @@ TEST(HtmlDocument, saysWhereAttributesStand) {
     EXPECT_EQ(attributes[3].valueAt.begin, attributes[3].valueAt.end);
 }
 
+TEST(HtmlDocument, valuesThatBeginWithACharacterReferenceStandInTheirPlace) {
+    const std::string html = "<p id=&amp;a class = &#98; lang=&notin x=y=&lt; title>";
+    const HtmlDocument page(html, "page");
+    const auto attributes = page.attributesOf(*find(page, "p"));
+    ASSERT_EQ(attributes.size(), 5U);
+    EXPECT_EQ(attributes[0].valueAt.in(html), "&amp;a");
+    EXPECT_EQ(attributes[1].valueAt.in(html), "&#98;");
+    EXPECT_EQ(attributes[2].valueAt.in(html), "&notin");
+    EXPECT_EQ(attributes[3].valueAt.in(html), "y=&lt;");
+    EXPECT_EQ(attributes[4].valueAt,
+              (SourceSpan{attributes[4].nameAt.end, attributes[4].nameAt.end}));
+}
+
+TEST(HtmlDocument, saysWhereTagsAndTextsStand) {
+    const std::string html =
+        "<body a=b>x&amp;y<p>z</p ><svg><g/><style><![CDATA[c]]></style></svg>";
+    const HtmlDocument page(html, "page");
+    EXPECT_EQ(page.tagOf(*find(page, "body")).in(html), "<body a=b>");
+    EXPECT_EQ(page.tagOf(*find(page, "p")).in(html), "<p>");
+    EXPECT_EQ(page.endTagOf(*find(page, "p")).in(html), "</p >");
+    EXPECT_EQ(page.tagOf(*find(page, "g")).in(html), "<g/>");
+    EXPECT_EQ(page.endTagOf(*find(page, "g")), SourceSpan());
+    EXPECT_EQ(page.tagOf(page.root()), SourceSpan());
+    const Node &text = *HtmlDocument::childrenOf(*find(page, "body"))[0];
+    EXPECT_EQ(page.textAt(text).in(html), "x&amp;y");
+    EXPECT_FALSE(HtmlDocument::isCdata(text));
+    EXPECT_TRUE(HtmlDocument::isCdata(*HtmlDocument::childrenOf(*find(page, "style"))[0]));
+}
+
 TEST(HtmlDocument, tellsTheNamespacesApart) {
     const std::string html = "<svg viewbox='0 0 1 1'><lineargradient xlink:href='#a'/>"
                              "<foreignobject><p>x</foreignobject></svg><math><mi>x</math><odd-one>";
