@@ -24,15 +24,16 @@ bool isQuoted(std::string_view value) {
            value.back() == value.front();
 }
 
-/// The library's word for no value is the name; and where a value without quotation marks begins
-/// with "&", it takes name and sign for a part of it.
+/// Where the value behind a name stands, quotation marks included; `end` is after it. Nothing behind
+/// the name where there is none.
 SourceSpan behindName(std::string_view html, SourceSpan name, std::size_t end) {
     constexpr std::string_view kBlanks = " \t\n\f\r";
+    const SourceSpan none{name.end, name.end};
     const std::size_t sign = html.find_first_not_of(kBlanks, name.end);
-    if (sign == std::string_view::npos || sign >= end || html[sign] != '=')
-        return {name.end, name.end};
+    if (end > html.size() || sign == std::string_view::npos || sign >= end || html[sign] != '=')
+        return none;
     const std::size_t begin = html.find_first_not_of(kBlanks, sign + 1);
-    return begin < end ? SourceSpan{begin, end} : SourceSpan{name.end, name.end};
+    return begin < end ? SourceSpan{begin, end} : none;
 }
 
 std::string_view checked(std::string_view html, const std::filesystem::path &file) {
@@ -149,9 +150,12 @@ std::vector<HtmlAttribute> HtmlDocument::attributesOf(const Node &element) const
         attribute.value = each.value;
         attribute.isPrefixed = each.attr_namespace != GUMBO_ATTR_NAMESPACE_NONE;
         attribute.nameAt = spanOf(each.original_name.data, each.original_name.length);
-        attribute.valueAt = spanOf(each.original_value.data, each.original_value.length);
-        if (attribute.valueAt.begin == attribute.nameAt.begin)
-            attribute.valueAt = behindName(m_html, attribute.nameAt, attribute.valueAt.end);
+        if (attribute.nameAt.end > 0) {
+            // Of a value that begins with "&" the library has the end right, and not the length.
+            const std::size_t value = spanOf(each.original_value.data, 0).begin;
+            attribute.valueAt =
+                behindName(m_html, attribute.nameAt, value + each.original_value.length);
+        }
         if (isQuoted(attribute.valueAt.in(m_html)))
             attribute.valueAt = {attribute.valueAt.begin + 1, attribute.valueAt.end - 1};
         attributes.push_back(attribute);
