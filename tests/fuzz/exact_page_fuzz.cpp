@@ -44,10 +44,24 @@ void checkStyle(const std::string &text, std::string_view address) {
         require(reference.address == address);
 }
 
+/// Without the rest of what is taken off the tree is the same, and so is what it names.
+void checkReferences(const std::vector<nv::Reference> &found, const std::string &text,
+                     std::string_view address) {
+    for (const nv::Reference &reference : found)
+        if (reference.isLazy) // what would be shown in its place depends on what is shown
+            return;
+    const std::string made = nv::edited(text, editsFor(found, address, text));
+    const auto again = nv::scanPage(made, "page").references;
+    require(again.size() == found.size());
+    for (const nv::Reference &reference : again)
+        require(nv::replaceAll(reference.address, "%20", " ") == address);
+}
+
 void checkPage(const std::string &text, std::string_view address) {
     const nv::PageScan scan = nv::scanPage(text, "page");
     for (const std::size_t place : {scan.headAt, scan.bodyAt, scan.endAt})
         require(place <= text.size() || place == nv::PageScan::npos);
+    checkReferences(scan.references, text, address);
     auto edits = editsFor(scan.references, address, text);
     for (const nv::TextEdit &edit : scan.disarming) {
         require(edit.at.begin <= edit.at.end && edit.at.end <= text.size());

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <iterator>
 
 namespace nv {
@@ -72,14 +73,37 @@ std::string attributeValue(std::string_view address) {
     return text;
 }
 
-std::string spelled(const Reference &reference, std::string_view address,
-                    std::string_view /*source*/) {
-    if (reference.form == RefForm::styleUrl || reference.form == RefForm::styleString)
-        return styleText(address);
+namespace {
+
+/// Whether a character reference without its ";" may stand in front of `at`: a letter, a digit or a
+/// "=" behind it would make another one of it, or none.
+bool isBehindReference(std::string_view source, std::size_t at) {
+    constexpr std::size_t kFarthest = 4096;
+    const std::size_t first = at > kFarthest ? at - kFarthest : 0;
+    at = std::min(at, source.size());
+    while (at > first &&
+           (isLetterOrDigit(static_cast<unsigned char>(source[at - 1])) || source[at - 1] == '#'))
+        --at;
+    return at > first && source[at - 1] == '&';
+}
+
+} // namespace
+
+std::string spelled(const Reference &reference, std::string_view address, std::string_view source) {
+    const bool isBehind = isBehindReference(source, reference.at.begin);
+    if (reference.form == RefForm::styleUrl || reference.form == RefForm::styleString) {
+        const std::size_t kept = isBehind && !address.empty() && isPlain(address[0]) ? 1 : 0;
+        return (kept ? fmt::format("\\{:06x}", static_cast<unsigned>(address[0])) : "") +
+               styleText(address.substr(kept));
+    }
     std::string text =
         reference.form == RefForm::srcset ? candidateText(address) : std::string(address);
-    for (int i = 0; i <= reference.nested; ++i)
-        text = attributeValue(text);
+    for (int i = 0; i <= reference.nested; ++i) {
+        const bool isOpen = isBehind && !text.empty() && isPlain(text[0]);
+        const std::string first =
+            isOpen ? fmt::format("&#{};", static_cast<unsigned>(text[0])) : "";
+        text = first + attributeValue(std::string_view(text).substr(isOpen ? 1 : 0));
+    }
     return text;
 }
 

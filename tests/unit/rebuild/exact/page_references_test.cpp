@@ -115,6 +115,16 @@ TEST(ScanPage, unquotedValuesStayValues) {
         "g><img alt=x src=1&#32;2&#39;&#34;&#60;&#62;&amp;.g id=y>");
 }
 
+/// "&quot" and "1" would be read as a name that nobody knows.
+TEST(ScanPage, referencesInFrontStayApart) {
+    EXPECT_EQ(rewritten("<img src='&#32a.png'>", "17"), "<img src='&#32&#49;7'>");
+    EXPECT_EQ(rewritten("<p style='a:url(&quot&#97&quot)'>", "17"),
+              "<p style='a:url(&quot\\0000317&quot)'>");
+    EXPECT_EQ(rewritten("<img srcset=\"&#9a 1x\">", "17"), "<img srcset=\"&#9&#49;7 1x\">");
+    EXPECT_EQ(rewritten("<iframe srcdoc=\"<img src='&amp;#32a'>\">", "17"),
+              "<iframe srcdoc=\"<img src='&amp;#32&amp;#49;7'>\">");
+}
+
 TEST(ScanPage, readsStyles) {
     const std::string html =
         "<style>@import 'a.css';b{background:url(c.png)}</style><style type=text/less>d{e:url(f)}"
