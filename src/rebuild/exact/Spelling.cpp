@@ -75,14 +75,19 @@ std::string attributeValue(std::string_view address) {
 
 namespace {
 
+bool isInReference(char c) {
+    return isLetterOrDigit(static_cast<unsigned char>(c)) || c == '#';
+}
+
 /// Whether a character reference without its ";" may stand in front of `at`: a letter, a digit or a
 /// "=" behind it would make another one of it, or none.
-bool isBehindReference(std::string_view source, std::size_t at) {
+bool isBehindReference(std::string_view source, const Reference &reference) {
     constexpr std::size_t kFarthest = 4096;
+    std::size_t at = std::min(reference.at.begin, source.size());
     const std::size_t first = at > kFarthest ? at - kFarthest : 0;
-    at = std::min(at, source.size());
-    while (at > first &&
-           (isLetterOrDigit(static_cast<unsigned char>(source[at - 1])) || source[at - 1] == '#'))
+    if (reference.nested > 0) // its "&" may be written in many ways
+        return at > 0 && isInReference(source[at - 1]);
+    while (at > first && isInReference(source[at - 1]))
         --at;
     return at > first && source[at - 1] == '&';
 }
@@ -90,7 +95,7 @@ bool isBehindReference(std::string_view source, std::size_t at) {
 } // namespace
 
 std::string spelled(const Reference &reference, std::string_view address, std::string_view source) {
-    const bool isBehind = isBehindReference(source, reference.at.begin);
+    const bool isBehind = isBehindReference(source, reference);
     if (reference.form == RefForm::styleUrl || reference.form == RefForm::styleString) {
         const std::size_t kept = isBehind && !address.empty() && isPlain(address[0]) ? 1 : 0;
         return (kept ? fmt::format("\\{:06x}", static_cast<unsigned>(address[0])) : "") +

@@ -268,7 +268,7 @@ TEST(SafePage, filesServeForWhatTheyWereLookedThroughAs) {
 
 TEST(SafePage, picturesOfSeveralSizesStay) {
     EXPECT_EQ(body("<picture><source media='(min-width: 9px)' sizes=50vw srcset='0000002.gif 640w,"
-                   "0000009.gif 9w, http://host/a.gif 1w'><img srcset=' , 0000002.gif,"
+                   "0000009.gif 9w, http://host/a.gif 1w'><img srcset=' , 0000002.gif, "
                    "data:image/gif;base64,R0lG  2x,0000002.gif 1x 2x' src=0000002.gif></picture>"),
               "<picture><source media=\"(min-width: 9px)\" sizes=\"50vw\" "
               "srcset=\"0000002.gif 640w\"/><img srcset=\"0000002.gif, "
