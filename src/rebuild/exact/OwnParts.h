@@ -24,13 +24,15 @@ std::string ownHead(std::string_view charset);
 /// itself says it. `foundIn` is decodedStyle()'s.
 std::string ownSheetStart(std::string_view charset, std::string_view foundIn);
 
-/// A picture with the address in it, drawn as large as the page draws the one that is missing. An
-/// address of the kind "data:".
+/// A picture with the address in it, as large as the page draws the one that is missing, else 240 by
+/// 32 pixels. An address of the kind "data:".
 std::string missingPicture(std::string_view address);
+/// The same that fills what it is the ground of, and isn't repeated over it.
+std::string missingBackground(std::string_view address);
 
 /// What stands for a part that is in no cache: a picture or a page with its address; of a style, a
 /// font, a sound an empty one. For links, `address` as it is.
-std::string missingPart(RefUse use, std::string_view address);
+std::string missingPart(RefUse use, std::string_view address, RefForm form = RefForm::attribute);
 
 /// What the banner says. Texts are for people, dates with their time zone.
 struct BannerFacts {
