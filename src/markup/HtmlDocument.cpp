@@ -24,8 +24,8 @@ bool isQuoted(std::string_view value) {
            value.back() == value.front();
 }
 
-/// Where the value behind a name stands, quotation marks included; `end` is after it. Nothing behind
-/// the name where there is none.
+/// Where the value behind a name stands, quotation marks included; `end` is after it. The place
+/// behind the name where there is none.
 SourceSpan behindName(std::string_view html, SourceSpan name, std::size_t end) {
     constexpr std::string_view kBlanks = " \t\n\f\r";
     const SourceSpan none{name.end, name.end};

@@ -24,8 +24,8 @@ std::string ownHead(std::string_view charset);
 /// itself says it. `foundIn` is decodedStyle()'s.
 std::string ownSheetStart(std::string_view charset, std::string_view foundIn);
 
-/// A picture with the address in it, as large as the page draws the one that is missing, else 240 by
-/// 32 pixels. An address of the kind "data:".
+/// A picture with the address in it, as large as the page draws the one that is missing, else 240
+/// by 32 pixels. An address of the kind "data:".
 std::string missingPicture(std::string_view address);
 /// The same that fills what it is the ground of, and isn't repeated over it.
 std::string missingBackground(std::string_view address);
