@@ -75,6 +75,10 @@ std::string attributeValue(std::string_view address) {
 
 namespace {
 
+bool startsPlain(std::string_view text) {
+    return !text.empty() && isPlain(static_cast<unsigned char>(text[0]));
+}
+
 bool isInReference(char c) {
     return isLetterOrDigit(static_cast<unsigned char>(c)) || c == '#';
 }
@@ -97,14 +101,14 @@ bool isBehindReference(std::string_view source, const Reference &reference) {
 std::string spelled(const Reference &reference, std::string_view address, std::string_view source) {
     const bool isBehind = isBehindReference(source, reference);
     if (reference.form == RefForm::styleUrl || reference.form == RefForm::styleString) {
-        const std::size_t kept = isBehind && !address.empty() && isPlain(address[0]) ? 1 : 0;
+        const std::size_t kept = isBehind && startsPlain(address) ? 1 : 0;
         return (kept ? fmt::format("\\{:06x}", static_cast<unsigned>(address[0])) : "") +
                styleText(address.substr(kept));
     }
     std::string text =
         reference.form == RefForm::srcset ? candidateText(address) : std::string(address);
     for (int i = 0; i <= reference.nested; ++i) {
-        const bool isOpen = isBehind && !text.empty() && isPlain(text[0]);
+        const bool isOpen = isBehind && startsPlain(text);
         const std::string first =
             isOpen ? fmt::format("&#{};", static_cast<unsigned>(text[0])) : "";
         text = first + attributeValue(std::string_view(text).substr(isOpen ? 1 : 0));
