@@ -332,6 +332,10 @@ TEST(SafePage, stylesAreWrittenAnew) {
               "@media print {p {a:b;}}@font-face {font-family:\"x y\";}");
     EXPECT_EQ(style("@import \"0000003.css\" print; @import '0000009.css'; p{a:b"),
               "@import url(\"0000003.css\") print;p {a:b;}");
+    EXPECT_EQ(style("@import url(0000003.css) layer(a) supports(display:grid) screen;p{a:b}"),
+              "@import url(\"0000003.css\") layer(a) supports(display:grid) screen;p {a:b;}");
+    EXPECT_EQ(style("@import url(0000003.css) supports(background:url(//host/a));p{a:b}"),
+              "p {a:b;}");
     EXPECT_EQ(style("p{a:expression(1);b:c;behavior:url(0000004.htm);--x:\"y\"}"),
               "p {b:c;--x:\"data:,\";}");
     EXPECT_EQ(style("p{content:'<\\/style>';*zoom:1;a:b)}"), "p {content:\"\\3c /style\\3e \";}");
