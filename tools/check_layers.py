@@ -23,7 +23,7 @@ from common import ROOT, includes, project_files, read, resolve, without_comment
 
 LAYERS = [
     ("base",),
-    ("time", "platform", "markup"),
+    ("time", "platform", "address", "markup"),
     ("db",),
     ("readers",),
     ("import", "rebuild"),

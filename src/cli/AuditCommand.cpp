@@ -6,10 +6,14 @@
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "rebuild/Harvest.h"
+#include "rebuild/RebuildMethod.h"
+#include "time/DateFormat.h"
 #include "views/Audit.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
+
+#include <array>
 
 namespace nv::cli {
 
@@ -33,6 +37,40 @@ std::vector<AuditRow> auditOf(UrlRecord &page, RecordTools &tools, const Program
     return std::move(*rows);
 }
 
+/// What is known of references of pages that were rebuilt exactly.
+constexpr std::array<const char *, 8> kExactHeadings = {
+    "document", "element", "attribute", "address", "rule", "date", "seconds", "SHA-256"};
+
+void addExact(std::vector<Cell> &cells, const PartNote &note) {
+    cells.emplace_back(number(note.document));
+    for (const std::string *text : {&note.element, &note.attribute, &note.address, &note.rule})
+        cells.emplace_back(*text);
+    cells.emplace_back(isoUtc(note.time));
+    if (note.seconds)
+        cells.emplace_back(*note.seconds);
+    else
+        cells.emplace_back(nullptr);
+    cells.emplace_back(note.sha256);
+}
+
+std::vector<std::string> headingsFor(const UrlRecord &page) {
+    std::vector<std::string> headings = {"number", "original",        "new",      "extension",
+                                         "state",  "URL_ID",          "replaced", "score",
+                                         "URL",    "other candidates"};
+    if (isRebuiltExactly(page))
+        headings.insert(headings.end(), kExactHeadings.begin(), kExactHeadings.end());
+    return headings;
+}
+
+void writeRow(RowWriter &writer, const AuditRow &row) {
+    std::vector<Cell> cells = {row.number,    row.originalValue,    row.newValue,     row.extension,
+                               row.state,     row.tagURLID,         row.isReplaced(), row.score,
+                               row.partUrl(), row.otherCandidates()};
+    if (row.note)
+        addExact(cells, *row.note);
+    writer.row(cells);
+}
+
 Exit run(Session &session, const Arguments &arguments) {
     session.openForReading(arguments.project);
     Program &program = session.program;
@@ -47,14 +85,9 @@ Exit run(Session &session, const Arguments &arguments) {
         if (!page->CacheFileRebuilt)
             throw UsageError(fmt::format("row {} was not rebuilt", urlId));
         const auto rows = auditOf(*page, tools, program);
-        const auto writer =
-            makeRowWriter(arguments.format, session.out,
-                          {"number", "original", "new", "extension", "state", "URL_ID", "replaced",
-                           "score", "URL", "other candidates"});
+        const auto writer = makeRowWriter(arguments.format, session.out, headingsFor(*page));
         for (const AuditRow &row : rows)
-            writer->row({row.number, row.originalValue, row.newValue, row.extension, row.state,
-                         row.tagURLID, row.isReplaced(), row.score, row.partUrl(),
-                         row.otherCandidates()});
+            writeRow(*writer, row);
         writer->finish();
         session.task.clear();
     }

@@ -8,6 +8,7 @@
 #include "cli/HandOver.h"
 #include "cli/LoadedTable.h"
 #include "cli/OutputPath.h"
+#include "cli/PartChoice.h"
 #include "cli/RowCheck.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
@@ -31,7 +32,9 @@ struct Arguments {
     bool overwrite = false; ///< such a folder that is there already
     bool noScripts = false;
     bool wideIds = false;
-    bool noThumbnails = false; ///< whatever the setting says
+    bool noThumbnails = false;         ///< whatever the setting says
+    std::optional<std::string> method; ///< otherwise by the setting
+    std::vector<std::string> choices;  ///< "REF=RECORD"
 };
 
 constexpr const char *kAllPages =
@@ -52,6 +55,8 @@ void checkArguments(const Arguments &arguments) {
         (arguments.ids.empty() ? 0 : 1) + (arguments.tagged ? 1 : 0) + (arguments.allPages ? 1 : 0);
     if (ways != 1)
         throw UsageError("either URL_IDs, --tagged or --all-pages were expected");
+    if (!arguments.choices.empty() && arguments.ids.size() != 1)
+        throw UsageError("--choose: one URL_ID was expected, that of the page");
 }
 
 struct Totals {
@@ -107,6 +112,8 @@ Exit run(Session &session, const Arguments &arguments) {
     program.state.disableScriptTags = arguments.noScripts;
     program.state.wideRecordIds |= arguments.wideIds;
     program.state.redrawThumbIfPageRebuilt &= !arguments.noThumbnails;
+    if (arguments.method)
+        program.state.rebuildMethod = *arguments.method;
     Totals totals;
     bool whole = false;
     {
@@ -114,6 +121,8 @@ Exit run(Session &session, const Arguments &arguments) {
         const auto ids = chosenIds(program, arguments, totals.unread);
         if (!arguments.overwrite)
             refuseExisting(ids, arguments.out);
+        for (const std::string &choice : arguments.choices)
+            choosePart(program.state.projectDB.connection(), ids.front(), choice);
         whole = rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
             if (page.rebuilt)
                 handOver(page.folder / pageNameOf(page.urlID), arguments.out);
@@ -139,10 +148,13 @@ Command rebuildCommand() {
         .name = "rebuild",
         .what = "Rebuild cached pages for viewing offline",
         .readme = {"`rebuild PROJECT ID... --out FOLDER`",
-                   "writes cached pages with their parts, for offline view; `--overwrite`"},
+                   "writes cached pages with their parts, for offline view; `--method`, "
+                   "`--choose`, `--overwrite`"},
         .examples = {{"rebuild case.nvp 17 42 --out pages",
                       "two pages, each in a folder of its own"},
-                     {"rebuild case.nvp --tagged --out pages --no-scripts", "those with the tick"}},
+                     {"rebuild case.nvp --tagged --out pages --no-scripts", "those with the tick"},
+                     {"rebuild case.nvp 17 --out pages --method exact --choose 3=42",
+                      "row 42 stands for reference 3"}},
         .arguments = {projectWord(given->project),
                       value("URL_ID", given->ids, "Keys of the pages' rows"),
                       flag("--tagged", given->tagged, "The rows with the tick"),
@@ -150,6 +162,12 @@ Command rebuildCommand() {
                       value("--out", given->out, "Folder that gets a folder a page").required(),
                       flag("--overwrite", given->overwrite, "Replace folders of such pages"),
                       flag("--no-scripts", given->noScripts, "Turn scripts into comments"),
+                      value("--method", given->method,
+                            "auto, classic or exact; auto: exact for today's caches")
+                          .oneOf({"auto", "classic", "exact"}),
+                      value("--choose", given->choices,
+                            "REF=URL_ID: that row stands for reference REF of the audit, or for "
+                            "that address; none leaves its place empty, auto forgets the choice"),
                       wideIdsFlag(given->wideIds),
                       flag("--no-thumbnails", given->noThumbnails,
                            "Leave the pages' thumbnails as they are")},

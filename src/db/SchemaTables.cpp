@@ -127,6 +127,32 @@ constexpr Column kRebuildAudit[] = {
     {"Candidates", Memo, 0, false, "Candidates", "IDs of URLs, the chosen one first"},
 };
 
+constexpr Column kRebuiltParts[] = {
+    {"Part_ID", Long, 0, true, "Part_ID", "Unique record ID"},
+    {"URL_ID", Long, 0, false, "URL ID", "The rebuilt page"},
+    {"Reference", Long, 0, false, "Reference", "Its number among those of the page, from 1"},
+    {"Document_ID", Long, 0, false, "Document ID", "ID of the URL in whose text it stands"},
+    {"Element", Text, 50, false, "Element", "(50) Empty in a style sheet"},
+    {"Attribute", Text, 50, false, "Attribute", "(50) Or the property of a style"},
+    {"OriginalValue", Memo, 0, false, "Reference", "As the document means it"},
+    {"Address", Memo, 0, false, "Address", "Resolved"},
+    {"FoundBy", Text, 50, false, "Found By", "(50) The rule, or why there is no part"},
+    {"PartURL_ID", Long, 0, false, "Part ID", "ID of the URL that stands for it; 0 for none"},
+    {"LocalName", Text, 20, false, "File", "(20) Of the part, beside the page"},
+    {"PartDateUTC", Date, 0, false, "Part Date [UTC]", "When the part was answered"},
+    {"SecondsFromPage", Long, 0, false, "Seconds", "From the page's date to the part's"},
+    {"Candidates", Memo, 0, false, "Candidates", "IDs of URLs, the one taken first"},
+    {"CandidateCount", Long, 0, false, "Candidate Count", "Of all that the rule found"},
+    {"SHA256Hash", Text, 64, false, "SHA-256 Hash", "(64) Of the part's bytes, unpacked"},
+};
+
+constexpr Column kPartChoices[] = {
+    {"Choice_ID", Long, 0, true, "Choice_ID", "Unique record ID"},
+    {"URL_ID", Long, 0, false, "URL ID", "The page"},
+    {"Address", Memo, 0, false, "Address", "Of the reference, resolved"},
+    {"PartURL_ID", Long, 0, false, "Part ID", "ID of the URL that stands for it; 0 for none"},
+};
+
 constexpr std::array<Relationship, 7> kRelationships = {{
     {"URLsLinks", "URLs", "URL_ID", "LinkAnalysis", "Parent_ID"},
     {"URLsLinks1", "URLs", "URL_ID", "LinkAnalysis", "Child_ID"},
@@ -137,12 +163,14 @@ constexpr std::array<Relationship, 7> kRelationships = {{
     {"RecordFacts_Relationship", "URLs", "URL_ID", "RecordFacts", "URL_ID"},
 }};
 
-constexpr std::array<Index, 6> kIndexes = {{
+constexpr std::array<Index, 8> kIndexes = {{
     {"URLIndex", "URLs", "URL"},
     {"Links_Relationship", "Links", "URL_ID"},
     {"URLTags_Relationship", "Tags", "URL_ID"},
     {"TagOptions_Relationship", "TagOptions", "Tag_ID"},
     {"RebuildAudit_Page", "RebuildAudit", "URL_ID"},
+    {"RebuiltParts_Page", "RebuiltParts", "URL_ID"},
+    {"PartChoices_Page", "PartChoices", "URL_ID"},
     {"RecordFacts_Relationship", "RecordFacts", "URL_ID"},
 }};
 
@@ -172,6 +200,16 @@ const Table &auditTrail() {
 
 const Table &rebuildAudit() {
     static const Table table{"RebuildAudit", "Audit_ID_PK", kRebuildAudit};
+    return table;
+}
+
+const Table &rebuiltParts() {
+    static const Table table{"RebuiltParts", "Part_ID_PK", kRebuiltParts};
+    return table;
+}
+
+const Table &partChoices() {
+    static const Table table{"PartChoices", "Choice_ID_PK", kPartChoices};
     return table;
 }
 

@@ -65,12 +65,20 @@ class HtmlDocument {
     static bool isElement(const Node &node);
     /// Text that isn't part of a comment; empty for anything else.
     static std::string_view writtenIn(const Node &node);
+    /// Whether a text stands in "<![CDATA[", where nothing is a character reference.
+    static bool isCdata(const Node &node);
     static HtmlSpace spaceOf(const Node &element);
     /// In lower case, but for elements of SVG that have capitals.
     static std::string nameOf(const Node &element);
     /// Its name as one of HTML's, whatever its namespace; empty for a name that HTML doesn't know.
     static std::string_view plainNameOf(const Node &element);
     std::vector<HtmlAttribute> attributesOf(const Node &element) const;
+    /// Where its start tag and its end tag stand, brackets included; empty for one that the parser
+    /// made by itself. Copies of a formatting element stand where the first one does.
+    SourceSpan tagOf(const Node &element) const;
+    SourceSpan endTagOf(const Node &element) const;
+    /// Where a text stands; for a comment, all of it. Empty for an element.
+    SourceSpan textAt(const Node &text) const;
     /// The value of the first attribute of that name, with a prefix or without.
     static std::optional<std::string_view> valueOf(const Node &element, const char *attribute);
 

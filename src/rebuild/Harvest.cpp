@@ -12,6 +12,7 @@
 #include "rebuild/RebuiltRow.h"
 #include "rebuild/StyleSheet.h"
 #include "rebuild/TagOptions.h"
+#include "rebuild/exact/ExactRebuild.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -181,6 +182,8 @@ fs::path rebuildFolderOf(UrlId id, const RebuildContext &ctx) {
 }
 
 bool harvestParts(UrlRecord &page, const fs::path &folder, Batch batch, const RebuildContext &ctx) {
+    if (isRebuiltExactly(page))
+        return harvestExactly(page, folder, ctx);
     return trapped(ctx.log, Severity::Serious, "MainForm.HarvestParts()", kContactSupport, false,
                    [&] { return onRow([&] { return Harvest(page, folder, batch, ctx).run(); }); });
 }

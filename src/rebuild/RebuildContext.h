@@ -4,6 +4,7 @@
 #include "base/TaskMonitor.h"
 #include "db/RecordStore.h"
 #include "readers/CachedBody.h"
+#include "rebuild/RebuildMethod.h"
 #include "rebuild/TagScan.h"
 
 #include <filesystem>
@@ -23,6 +24,7 @@ struct RebuildSettings {
     bool creatingReport = false; ///< a report owns the status window
     /// Record ids above 32,767, which earlier versions could not hold, are used like any other.
     bool wideRecordIds = false;
+    MethodChoice method = MethodChoice::automatic;
 
     ReplaceableLists lists() const { return {htmlReplaceablePictureTags, htmlReplaceableHREFTags}; }
 };

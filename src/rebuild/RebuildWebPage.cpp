@@ -12,6 +12,7 @@
 #include "rebuild/Scripts.h"
 #include "rebuild/TagChoice.h"
 #include "rebuild/TagOptions.h"
+#include "rebuild/exact/ExactRebuild.h"
 
 namespace nv {
 
@@ -105,6 +106,10 @@ class Rebuild {
 } // namespace
 
 bool rebuildWebPage(UrlRecord &page, Batch batch, const RebuildContext &ctx, const Clock &clock) {
+    const bool isExact = onProject(
+        [&] { return methodFor(page, ctx.settings.method, ctx.records) == RebuildMethod::exact; });
+    if (isExact)
+        return rebuildExactly(page, batch, ctx, clock);
     return trapped(ctx.log, Severity::Warning, kProcedure, kContactSupport, false,
                    [&] { return onRow([&] { return Rebuild(page, batch, ctx, clock).run(); }); });
 }

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "db/BindId.h"
 #include "db/Savepoint.h"
+#include "rebuild/RebuildMethod.h"
 #include "time/DateFormat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -11,15 +12,16 @@
 
 namespace nv {
 
-void storeRebuilt(UrlRecord &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
-                  const Clock &clock) {
-    page.RebuiltMethod = "Cache";
+namespace {
+
+void storeRow(UrlRecord &page, std::string_view method, const RebuildContext &ctx,
+              const Clock &clock) {
+    page.RebuiltMethod = method;
     page.RebuiltDateTime =
         formatDate(Date::fromTimePoint(clock.now() + clock.localOffset()), kRebuiltTimeFormat);
     page.CacheFileRebuilt = true;
     page.RebuiltFilePath = textOf(page.RunTimeRebuiltFilePath);
     page.CacheFileRebuiltBLOB.clear();
-    Savepoint whole(ctx.project);
     SQLite::Statement update(ctx.project,
                              "UPDATE URLs SET RebuiltMethod = ?, RebuiltDateTime = ?, "
                              "CacheFileRebuilt = 1, RebuiltFilePath = ?, RebuiltSourceCode = ?, "
@@ -31,7 +33,25 @@ void storeRebuilt(UrlRecord &page, std::span<const ReferenceNote> notes, const R
     update.bind(5, page.IngredientIDs);
     bindId(update, 6, page.URLID);
     update.exec();
+}
+
+} // namespace
+
+void storeRebuilt(UrlRecord &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
+                  const Clock &clock) {
+    Savepoint whole(ctx.project);
+    storeRow(page, kClassicMethod, ctx, clock);
     RebuildAudit(ctx.project).store(page.URLID, notes);
+    RebuiltParts(ctx.project).forget(page.URLID);
+    whole.release();
+}
+
+void storeRebuiltExactly(UrlRecord &page, std::span<const PartNote> notes,
+                         const RebuildContext &ctx, const Clock &clock) {
+    Savepoint whole(ctx.project);
+    storeRow(page, kExactMethod, ctx, clock);
+    RebuildAudit(ctx.project).store(page.URLID, {});
+    RebuiltParts(ctx.project).store(page.URLID, notes);
     whole.release();
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/Clock.h"
 #include "db/RebuildAudit.h"
+#include "db/RebuiltParts.h"
 #include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 
@@ -21,6 +22,10 @@ inline constexpr std::string_view kRebuiltTimeFormat = "dd-mm-yyyy Hh:Nn:Ss";
 /// archive of an earlier one goes. `RebuiltDateTime` is a text in the machine's local time.
 void storeRebuilt(UrlRecord &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
                   const Clock &clock);
+
+/// The same of a page that was rebuilt exactly; `notes` tell of its references.
+void storeRebuiltExactly(UrlRecord &page, std::span<const PartNote> notes,
+                         const RebuildContext &ctx, const Clock &clock);
 
 /// `log` is the page's substitution log from now on.
 void storeSubstitutions(UrlRecord &page, std::string log, const RebuildContext &ctx);

@@ -1,11 +1,14 @@
 #include "base/Text.h"
 #include "db/BindId.h"
 #include "db/RebuildAudit.h"
+#include "db/RebuiltParts.h"
 #include "db/SqliteErrors.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/RebuildMethod.h"
 #include "reports/CardText.h"
 #include "reports/Html.h"
 #include "reports/ReportValues.h"
+#include "time/DateFormat.h"
 #include "views/Audit.h"
 
 #include <fmt/format.h>
@@ -72,7 +75,46 @@ std::string notesSection(const ReportCard &card) {
                    fmt::format("<i>{}</i></td></tr>", htmlLines(card.record.Notes)));
 }
 
+namespace {
+
+std::string partCell(const PartNote &note, const ReportCard &card, const fs::path &report) {
+    const fs::path part = fs::path(card.target).parent_path() / note.localName;
+    if (!note.isShown())
+        return "<font color='red'>Marked place</font>";
+    if (!fs::is_regular_file(report / part))
+        return fmt::format("<font color='red'>{}</font>", kMissingPart);
+    return fmt::format("<a href='{}' target='_new'>{}</a> (row {})", htmlAddress(part.string()),
+                       htmlText(note.localName), number(note.part));
+}
+
+/// "2026-11-20T10:00:00Z (+12 s)".
+std::string partTime(const PartNote &note) {
+    const std::string time = isoUtc(note.time);
+    return note.seconds ? fmt::format("{} ({:+} s)", time, *note.seconds) : time;
+}
+
+std::string exactAuditSection(const ReportCard &card, const fs::path &report,
+                              const ReportContext &ctx) {
+    std::string text =
+        heading("AUDIT INFORMATION", "The page was rebuilt exactly. The following is a list of "
+                                     "its references, and of those of its frames and styles.") +
+        htmlTable("Table4",
+                  {"Reference", "Address", "Part", "Found By", "Part Date [UTC]", "SHA-256"});
+    for (const PartNote &note :
+         onProject([&] { return RebuiltParts(ctx.rebuild.project).notes(card.record.URLID); }))
+        text += htmlRow({htmlText(fmt::format("{}{}{}", note.element,
+                                              note.element.empty() ? "" : " ", note.attribute)),
+                         htmlText(note.address.empty() ? note.original : note.address),
+                         partCell(note, card, report), htmlText(note.rule),
+                         htmlText(partTime(note)), htmlText(note.sha256)});
+    return text + std::string(kEnd);
+}
+
+} // namespace
+
 std::string auditSection(const ReportCard &card, const fs::path &report, const ReportContext &ctx) {
+    if (isRebuiltExactly(card.record))
+        return exactAuditSection(card, report, ctx);
     std::string text =
         heading("AUDIT INFORMATION",
                 "The following is a list of TAGS that have been replaced within the file.") +

@@ -3,6 +3,7 @@
 #include "base/Text.h"
 #include "readers/RecordKind.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/RebuildMethod.h"
 #include "reports/Html.h"
 #include "reports/ReportValues.h"
 
@@ -46,11 +47,13 @@ std::string leftCell(const ReportCard &card, const ReportWriter &report) {
         picture(card, report), card.record.URLID);
 }
 
-std::string rebuiltRow(const ReportWriter &report) {
+std::string rebuiltRow(const UrlRecord &record, const ReportWriter &report) {
     if (!report.includeTimeRebuilt)
         return {};
-    return row("Time Rebuilt:", report.rebuiltDateTime.empty() ? "Not rebuilt (default)"
-                                                               : htmlText(report.rebuiltDateTime));
+    const char *const method = isRebuiltExactly(record) ? " (exact method)" : "";
+    return row("Time Rebuilt:", report.rebuiltDateTime.empty()
+                                    ? "Not rebuilt (default)"
+                                    : htmlText(report.rebuiltDateTime + method));
 }
 
 std::string dateRows(const UrlRecord &record, const ReportContext &ctx) {
@@ -115,7 +118,7 @@ std::string facts(const ReportCard &card, const ReportWriter &report, const Repo
            row("Cache File Name:", orBlank(report.pageFileName)) +
            row("Parent Folder:", orBlank(report.pageParentFolderName)) +
            row("User:", orBlank(report.user)) + row("Visits:", orBlank(report.visits)) +
-           rebuiltRow(report) + row("Action:", orBlank(card.record.Action)) +
+           rebuiltRow(card.record, report) + row("Action:", orBlank(card.record.Action)) +
            dateRows(card.record, ctx) + sourceRow(card.record, report) + addressRow(report) +
            fileRow(card, report) + "       </table>\r\n   </td>\r\n";
 }

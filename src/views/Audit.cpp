@@ -5,6 +5,7 @@
 #include "db/RebuildAudit.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/RebuildMethod.h"
 #include "rebuild/TagOptions.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -50,6 +51,11 @@ class Audit {
 
     std::vector<AuditRow> rows() {
         std::vector<AuditRow> rows;
+        if (isRebuiltExactly(m_page)) {
+            for (PartNote &note : RebuiltParts(m_ctx.project).notes(m_page.URLID))
+                rows.push_back(rowOf(std::move(note), rows.size() + 1));
+            return rows;
+        }
         for (const Substitution &line : substitutionsOf(m_page.IngredientIDs, m_ctx.settings))
             rows.push_back(rowOf(line, rows.size() + 1));
         return rows;
@@ -69,6 +75,25 @@ class Audit {
                       fs::is_regular_file(m_folder / name);
         takeNote(row);
         row.state = !row.isThere ? kMissingPart : (row.isRewritten ? "" : kNotRewritten) + name;
+        return row;
+    }
+
+    AuditRow rowOf(PartNote note, std::size_t place) {
+        AuditRow row;
+        row.number = place;
+        row.originalValue = note.original;
+        row.newValue = note.localName;
+        row.extension = getFileExtension(note.localName);
+        row.tagURLID = number(note.part);
+        row.isThere = note.isShown() && fs::is_regular_file(m_folder / note.localName);
+        row.isRewritten = true;
+        row.state = row.isThere      ? note.localName
+                    : note.isShown() ? kMissingPart
+                                     : kMarkedPlace + note.rule;
+        row.score = scoreText(row.tagURLID > 0 ? 1 : 0, note.candidateCount);
+        for (const std::int64_t id : note.candidates)
+            row.candidates.push_back({id, urlOf(id)});
+        row.note = std::move(note);
         return row;
     }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "db/RebuiltParts.h"
 #include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
 
@@ -30,6 +31,9 @@ struct AuditRow {
     /// The chosen one, when there is one, and the best others. The score counts those that aren't
     /// told too.
     std::vector<AuditCandidate> candidates;
+    /// What is known besides where the page was rebuilt exactly: the address, by which rule the
+    /// part was found, its time and its hash.
+    std::optional<PartNote> note;
 
     bool isReplaced() const { return isThere && isRewritten; }
     /// The chosen record's, empty for none.
@@ -41,6 +45,9 @@ struct AuditRow {
 inline constexpr const char *kMissingPart = "Missing or Invalid Tag";
 /// Comes before the name of a part that the page's text doesn't name.
 inline constexpr const char *kNotRewritten = "Not rewritten: ";
+
+/// Of a page that was rebuilt exactly, in front of the rule: why nothing stands there.
+inline constexpr const char *kMarkedPlace = "Marked place: ";
 
 /// The substitution log of a rebuilt page, with what its rebuild folder `folder` holds of it. Empty
 /// after a failure, which is logged.

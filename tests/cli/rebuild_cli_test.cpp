@@ -90,6 +90,53 @@ TEST_F(RebuildCliTest, pagesAreChosenByIdTickOrAll) {
               std::string::npos);
 }
 
+TEST_F(RebuildCliTest, aPageIsRebuiltExactlyWhenAsked) {
+    const auto rebuild = [this](std::vector<std::string> more) {
+        std::vector<std::string> all{"rebuild",     project,          "1", "--out", out.string(),
+                                     "--overwrite", "--no-thumbnails"};
+        all.insert(all.end(), more.begin(), more.end());
+        return cli(all);
+    };
+    EXPECT_EQ(rebuild({"--choose", "1=2"}).exit, 1); // its references have no numbers yet
+    const CliResult run = rebuild({"--method", "exact"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_NE(run.out.find("2 tags found, 1 replaced, 1 missing"), std::string::npos) << run.out;
+    EXPECT_EQ(text(out / "0000001.NVR" / "0000002.gif"), "GIF89a");
+    const auto audit = [this] { return cli({"audit", project, "1", "--format", "jsonl"}); };
+    const std::string told = audit().out;
+    EXPECT_NE(told.find("\"score\":\"1:1\",\"URL\":\"http://host/pic/logo.gif\",\"other "
+                        "candidates\":\"\",\"document\":1,\"element\":\"img\",\"attribute\":"
+                        "\"src\",\"address\":\"http://host/pic/logo.gif\",\"rule\":\"exact "
+                        "address\",\"date\":\"2011-03-01T12:00:00Z\",\"seconds\":0,\"SHA-256\":"
+                        "\"610f5ae4d76e"),
+              std::string::npos)
+        << told;
+    EXPECT_NE(told.find("Marked place: not in any cache"), std::string::npos) << told;
+    EXPECT_EQ(rebuild({"--method", "exact", "--choose", "2=2"}).exit, 0);
+    EXPECT_NE(audit().out.find("\"rule\":\"chosen by the examiner\""), std::string::npos);
+    EXPECT_EQ(rebuild({"--method", "exact"}).exit, 0); // the choice is kept
+    EXPECT_NE(audit().out.find("\"rule\":\"chosen by the examiner\""), std::string::npos);
+    EXPECT_EQ(rebuild({"--method", "exact", "--choose", "http://host/gone.gif=auto", "--choose",
+                       "1=none"})
+                  .exit,
+              0);
+    EXPECT_NE(audit().out.find("left out by the examiner"), std::string::npos);
+    EXPECT_EQ(audit().out.find("chosen by the examiner"), std::string::npos);
+    for (const char *wrong : {"1", "=2", "9=2", "0=2", "1=x", "1=99"})
+        EXPECT_EQ(rebuild({"--choose", wrong}).exit, 1) << wrong;
+    EXPECT_EQ(rebuild({"--method", "other"}).exit, 1);
+    EXPECT_EQ(rebuild({"2", "--choose", "1=2"}).exit, 1); // of which page?
+    EXPECT_EQ(rebuild({"--method", "auto"}).exit, 0);     // its cache isn't one of today's
+    EXPECT_EQ(audit().out.find("\"rule\""), std::string::npos);
+}
+
+TEST_F(RebuildCliTest, theSettingSaysHowPagesAreRebuilt) {
+    ASSERT_EQ(cli({"options", "set", "RebuildMethod", "exact"}).exit, 0);
+    ASSERT_EQ(cli({"rebuild", project, "1", "--out", out.string(), "--no-thumbnails"}).exit, 0);
+    EXPECT_NE(cli({"audit", project, "1"}).out.find("exact address"), std::string::npos);
+    EXPECT_EQ(cli({"options", "set", "RebuildMethod", "other"}).exit, 1);
+}
+
 TEST_F(RebuildCliTest, aFolderThatIsThereIsReplacedOnlyWhenAsked) {
     const fs::path own = out / "0000001.NVR" / "my notes.txt";
     fs::create_directories(own.parent_path());

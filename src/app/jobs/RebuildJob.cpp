@@ -10,6 +10,7 @@
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildWebPage.h"
 #include "rebuild/WatchedBy.h"
+#include "rebuild/exact/ExactRebuild.h"
 #include "views/Audit.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -29,12 +30,14 @@ bool hasTags(const UrlRecord &page, const RebuildContext &ctx) {
     return rows.executeStep();
 }
 
-NotRebuilt whyNot(const UrlRecord &page, const RebuildContext &ctx) {
+NotRebuilt whyNot(const UrlRecord &page, RebuildMethod method, const RebuildContext &ctx) {
     if (!ctx.task.advance(1))
         return NotRebuilt::cancelled;
     // The search for tags begins with a scratch copy of the content.
     if (page.RunTimeTempFilePath.empty())
         return page.CacheFileExists ? NotRebuilt::contentGone : NotRebuilt::noContent;
+    if (method == RebuildMethod::exact)
+        return isPageContent(page) ? NotRebuilt::failed : NotRebuilt::noPage;
     if (!hasTags(page, ctx))
         return NotRebuilt::noReferences;
     return needsWideIds(page.IngredientIDs, ctx.settings) ? NotRebuilt::wideIds
@@ -51,10 +54,11 @@ void dropFolder(const std::filesystem::path &folder) {
 RebuiltPage outcomeOf(const UrlRecord &page, bool rebuilt, const RebuildContext &ctx) {
     RebuiltPage outcome;
     outcome.urlID = page.URLID;
+    outcome.method = methodFor(page, ctx.settings.method, ctx.records);
     outcome.rebuilt = rebuilt;
     outcome.folder = rebuildFolderOf(page.URLID, ctx);
     if (!rebuilt) {
-        outcome.why = whyNot(page, ctx);
+        outcome.why = whyNot(page, outcome.method, ctx);
         dropFolder(outcome.folder);
         return outcome;
     }
@@ -75,10 +79,20 @@ RebuiltPage unreadPage(UrlId urlID) {
     return outcome;
 }
 
+/// With its own progress, and by the method that was asked for.
+RebuildContext partOf(const RecordTools &tools, TaskMonitor &task,
+                      std::optional<MethodChoice> method) {
+    RebuildContext ctx = watchedBy(tools.context(), task);
+    ctx.settings.method = method.value_or(ctx.settings.method);
+    return ctx;
+}
+
 class RebuildRun {
   public:
-    RebuildRun(Program &program, RecordTools &tools, std::span<const UrlId> ids)
-        : m_program(program), m_tools(tools), m_ids(ids), m_thumbnails(program, tools) {}
+    RebuildRun(Program &program, RecordTools &tools, std::span<const UrlId> ids,
+               std::optional<MethodChoice> method)
+        : m_program(program), m_tools(tools), m_ids(ids), m_method(method),
+          m_thumbnails(program, tools) {}
 
     bool all(const std::function<void(const RebuiltPage &)> &done) {
         TaskMonitor &task = m_tools.context().task;
@@ -116,7 +130,7 @@ class RebuildRun {
         task.describe({std::string(kTitle),
                        fmt::format("Rebuilding Web Page #{} of {} ", m_next + 1, m_ids.size()),
                        page.URL, ""});
-        const RebuildContext ctx = watchedBy(m_tools.context(), task);
+        const RebuildContext ctx = partOf(m_tools, task, m_method);
         const bool rebuilt = rebuildWebPage(page, Batch::yes, ctx, m_program.around.clock);
         m_pages.push_back(outcomeOf(page, rebuilt, ctx));
         if (rebuilt)
@@ -126,6 +140,7 @@ class RebuildRun {
     Program &m_program;
     RecordTools &m_tools;
     std::span<const UrlId> m_ids;
+    std::optional<MethodChoice> m_method;
     RebuildThumbnails m_thumbnails;
     std::size_t m_next = 0;           ///< place in the list of ids
     std::vector<RebuiltPage> m_pages; ///< not handed on yet
@@ -138,14 +153,15 @@ std::vector<UrlId> taggedIds(Program &program, UnreadRows &unread) {
     return idsPastDamage(program, "SELECT URL_ID FROM URLs WHERE Tagged ORDER BY URL_ID", unread);
 }
 
-std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, UrlId urlID) {
+std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, UrlId urlID,
+                                       std::optional<MethodChoice> method) {
     auto page = tools.record(urlID);
     if (!page)
         return std::nullopt;
     const RebuildContext &ctx = tools.context();
     RebuildThumbnails thumbnails(program, tools);
     SubTask rebuilding(ctx.task, 0, thumbnails.shareOfRebuilding());
-    const RebuildContext part = watchedBy(ctx, rebuilding);
+    const RebuildContext part = partOf(tools, rebuilding, method);
     const bool rebuilt = rebuildWebPage(*page, Batch::no, part, program.around.clock);
     RebuiltPage outcome = outcomeOf(*page, rebuilt, part);
     if (rebuilt)
@@ -155,14 +171,16 @@ std::optional<RebuiltPage> rebuildPage(Program &program, RecordTools &tools, Url
 }
 
 bool rebuildPages(Program &program, RecordTools &tools, std::span<const UrlId> ids,
-                  const std::function<void(const RebuiltPage &)> &done) {
+                  const std::function<void(const RebuiltPage &)> &done,
+                  std::optional<MethodChoice> method) {
     std::size_t rebuilt = 0;
     TaskEnd end = TaskEnd::failed;
     const auto failure = failureOf(program.log, "MainBAS.RebuildWebPage()", [&] {
-        const bool whole = RebuildRun(program, tools, ids).all([&](const RebuiltPage &page) {
-            done(page);
-            rebuilt += page.rebuilt ? 1 : 0;
-        });
+        const bool whole =
+            RebuildRun(program, tools, ids, method).all([&](const RebuiltPage &page) {
+                done(page);
+                rebuilt += page.rebuilt ? 1 : 0;
+            });
         end = whole ? TaskEnd::whole : TaskEnd::cancelled;
     });
     noteRebuild(program, rebuilt, ids.size(), end);

@@ -43,6 +43,8 @@ std::string reasonText(NotRebuilt why) {
         return "its cached content is gone";
     case NotRebuilt::noReferences:
         return "it holds no reference that can be replaced";
+    case NotRebuilt::noPage:
+        return "its content is no page";
     case NotRebuilt::wideIds:
         return "a part has an id above 32767; switch on [BEYOND] WideRecordIds in the settings";
     case NotRebuilt::cancelled:

@@ -9,6 +9,7 @@ RebuildSettings rebuildSettings(const Program &program) {
     settings.htmlReplaceableHREFTags = state.htmlReplaceableHREFTags;
     settings.disableScriptTags = state.disableScriptTags;
     settings.wideRecordIds = state.wideRecordIds;
+    settings.method = methodChoice(state.rebuildMethod);
     return settings;
 }
 

@@ -159,6 +159,12 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
         .shownAs("chkWideRecordIds", "&Wide record ids",
                  "Records with ids above 32767 may be parts of rebuilt pages, which earlier "
                  "versions then can't open."),
+    choice("BEYOND", "RebuildMethod", "auto;classic;exact", "auto",
+           "How pages are rebuilt; auto: those of the caches of today's browsers exactly, all "
+           "others by the classic rules")
+        .keptIn(&V::rebuildMethod)
+        .shownAs("cbRebuildMethod", "Re&build pages:",
+                 "auto rebuilds pages of today's caches exactly, all others by the classic rules."),
     // Some seven pages a second would make an import of a large cache a matter of hours; the
     // gallery's button draws them when they are wanted.
     flag("BEYOND", "ThumbnailsWhileImporting", false,

@@ -40,6 +40,7 @@ struct SettingValues {
     /// Record ids above 32,767 may be parts of rebuilt pages; otherwise the limit of earlier
     /// builds.
     bool wideRecordIds = false;
+    std::string rebuildMethod; ///< "auto", "classic" or "exact"
 
     // Task control
     int progressBarRefreshRate = 0; ///< seconds

@@ -1,7 +1,9 @@
 #include "UpgradeFixture.h"
 #include "base/Digest.h"
 #include "db/CaseTrail.h"
+#include "db/PartChoices.h"
 #include "db/RebuildAudit.h"
+#include "db/RebuiltParts.h"
 
 #include <csignal>
 #include <sys/wait.h>
@@ -140,6 +142,52 @@ TEST_F(ProjectFixTest, whatTheAuditShowsOfRebuiltPagesGoesAlong) {
     EXPECT_EQ(notes.at(1).accuracyScore, "1:3");
     EXPECT_TRUE(notes.at(1).rewritten);
     EXPECT_THAT(notes.at(1).candidates, ElementsAre(2, 7));
+}
+
+TEST_F(ProjectFixTest, exactRebuildsAndWhatWasChosenForThemGoAlong) {
+    PartNote note;
+    note.document = UrlId{2};
+    note.element = "img";
+    note.attribute = "srcset";
+    note.original = "a.png";
+    note.address = "https://host/A.png";
+    note.rule = partrule::kExact;
+    note.part = UrlId{7};
+    note.localName = "0000007.png";
+    note.time = Date::fromDays(45000.25);
+    note.seconds = -3;
+    note.candidates = {7, 9};
+    note.candidateCount = 2;
+    note.sha256 = "ab";
+    {
+        SQLite::Database project(path.string(), SQLite::OPEN_READWRITE);
+        RebuiltParts(project).store(UrlId{1}, std::vector<PartNote>{note, PartNote()});
+        PartChoices(project).choose(UrlId{1}, "https://host/A.png", UrlId{9});
+        PartChoices(project).choose(UrlId{1}, "https://host/a.png", UrlId::none);
+    }
+    EXPECT_THAT(scan().leftBehind, IsEmpty());
+    Unwatched task;
+    ASSERT_EQ(upgrade().fix(task).end, FixEnd::fixed);
+    SQLite::Database project(path.string(), SQLite::OPEN_READONLY);
+    const auto notes = RebuiltParts(project).notes(UrlId{1});
+    ASSERT_EQ(notes.size(), 2u);
+    EXPECT_EQ(notes[0].document, note.document);
+    EXPECT_EQ(notes[0].element + notes[0].attribute + notes[0].original, "imgsrcseta.png");
+    EXPECT_EQ(notes[0].address, note.address);
+    EXPECT_EQ(notes[0].rule, note.rule);
+    EXPECT_EQ(notes[0].part, note.part);
+    EXPECT_EQ(notes[0].localName, note.localName);
+    EXPECT_EQ(notes[0].time, note.time);
+    EXPECT_EQ(notes[0].seconds, note.seconds);
+    EXPECT_THAT(notes[0].candidates, ElementsAre(7, 9));
+    EXPECT_EQ(notes[0].candidateCount, 2);
+    EXPECT_EQ(notes[0].sha256, "ab");
+    EXPECT_FALSE(notes[1].time.has());
+    EXPECT_FALSE(notes[1].seconds);
+    const auto choices = PartChoices(project).of(UrlId{1});
+    ASSERT_EQ(choices.size(), 2u);
+    EXPECT_EQ(choices.at("https://host/A.png"), UrlId{9});
+    EXPECT_EQ(choices.at("https://host/a.png"), UrlId::none);
 }
 
 TEST_F(ProjectFixTest, factsAndOriginsGoAlongAsTheyWere) {

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "db/UrlRecord.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace nv {
+
+class RecordStore;
+
+/// How a page is rebuilt: by the rules that earlier cases were counted with, or as a browser reads
+/// it.
+enum class RebuildMethod : std::uint8_t { classic, exact };
+
+/// What the examiner wants; `automatic` leaves it to the cache that the page is from.
+enum class MethodChoice : std::uint8_t { automatic, classic, exact };
+
+/// The words of settings and of the command line: "auto", "classic", "exact". Another word is
+/// "auto".
+MethodChoice methodChoice(std::string_view word);
+
+/// What `RebuiltMethod` of a row says.
+inline constexpr std::string_view kClassicMethod = "Cache";
+inline constexpr std::string_view kExactMethod = "Cache, exact";
+
+/// Automatic is exact for pages of the caches of today's browsers, whose rows tell their layout.
+/// Throws the database's errors.
+RebuildMethod methodFor(const UrlRecord &page, MethodChoice choice, RecordStore &records);
+
+/// Whether the page was last rebuilt exactly.
+bool isRebuiltExactly(const UrlRecord &page);
+
+} // namespace nv

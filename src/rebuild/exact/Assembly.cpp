@@ -1,0 +1,306 @@
+#include "rebuild/exact/Assembly.h"
+
+#include "address/WebAddress.h"
+#include "base/Files.h"
+#include "base/Storage.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "markup/PageText.h"
+#include "rebuild/LocalNames.h"
+#include "rebuild/exact/OwnParts.h"
+#include "rebuild/exact/PageReferences.h"
+#include "rebuild/exact/SameSet.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kProcedure = "Assembly.Run()";
+/// Documents within documents, and sheets that sheets import.
+constexpr int kDeepest = 8;
+/// Of a page with all that it brings; what it names beyond is neither looked for nor told.
+constexpr std::size_t kMostReferences = 50'000;
+constexpr double kSecondsOfDay = 86'400;
+
+bool bringsDocument(RefUse use) {
+    return use == RefUse::style || use == RefUse::frame || use == RefUse::object;
+}
+
+/// Pictures in XML are UTF-8 where nothing else is said.
+DecodedPage decodedPicture(const Bytes &bytes, std::string_view headers) {
+    DecodedPage decoded = decodedPage(ByteView(bytes), headers);
+    const std::string_view raw = ByteView(bytes).raw();
+    if (decoded.foundIn == kNoCharset && isUtf8(raw))
+        return {std::string(raw), "utf-8", kNoCharset};
+    return decoded;
+}
+
+void putIn(std::vector<TextEdit> &edits, std::size_t at, std::string text) {
+    if (at != std::string_view::npos && !text.empty())
+        edits.push_back({{at, at}, std::move(text)});
+}
+
+/// What stands in place of a document that can't be read.
+std::string_view emptyDocument(PartForm form) {
+    if (form == PartForm::style)
+        return "";
+    return form == PartForm::svg ? R"(<svg xmlns="http://www.w3.org/2000/svg"></svg>)"
+                                 : "<!DOCTYPE html><html><body>This frame can't be shown: it is "
+                                   "beyond what the program reads.</body></html>";
+}
+
+std::string fragmentOf(const std::string &address) {
+    const std::size_t at = address.find('#');
+    return at == std::string::npos ? std::string() : address.substr(at);
+}
+
+} // namespace
+
+Assembly::Assembly(const UrlRecord &page, fs::path folder, PartFiles &files, PartFinder &finder,
+                   const RebuildContext &ctx)
+    : m_page(page), m_folder(std::move(folder)), m_files(files), m_finder(finder), m_ctx(ctx) {}
+
+bool Assembly::run(const Bytes &bytes) {
+    Document root;
+    root.record = m_page.URLID;
+    root.name = pageNameOf(m_page.URLID);
+    root.url = m_page.URL;
+    root.headers = m_page.MetaData;
+    m_known.insert(root.name);
+    m_root = read(root, bytes);
+    while (!m_open.empty() && !m_cancelled) {
+        const Document next = std::move(m_open.front());
+        m_open.pop_front();
+        rewrite(next);
+        ++m_done;
+    }
+    return !m_cancelled;
+}
+
+std::string Assembly::page(const std::string &banner) const {
+    std::vector<TextEdit> edits = m_root.edits;
+    putIn(edits, m_root.bannerAt, banner);
+    return m_root.source->rewritten(std::move(edits));
+}
+
+bool Assembly::goesOn(const std::string &address) {
+    const auto done = static_cast<double>(m_done);
+    if (m_ctx.task.wantsStep()) {
+        const auto counter = static_cast<std::int64_t>(m_named);
+        m_ctx.task.show({address, 0, 0, "Reconciling", counter, counter});
+    }
+    m_cancelled =
+        m_cancelled || !m_ctx.task.advance(done / (done + static_cast<double>(m_open.size()) + 1));
+    return !m_cancelled;
+}
+
+/// A document that fails costs itself: those that name it show that it is missing.
+void Assembly::rewrite(const Document &document) {
+    const fs::path file = m_folder / document.name;
+    const std::size_t notes = m_notes.size();
+    const bool isRead = trapped(m_ctx.log, Severity::Warning, kProcedure, kNotSerious, false, [&] {
+        const Bytes bytes = readWhole(file);
+        Read made = read(document, bytes);
+        writeWhole(file, made.source->rewritten(std::move(made.edits)));
+        return true;
+    });
+    if (isRead)
+        return;
+    writeWhole(file, emptyDocument(document.form));
+    m_notes.resize(notes);
+    for (PartNote &note : m_notes)
+        if (note.localName == document.name)
+            note.rule = partrule::kTooLarge;
+}
+
+Assembly::Read Assembly::read(const Document &document, const Bytes &bytes) {
+    const ByteView view(bytes);
+    Read made;
+    DecodedPage decoded =
+        document.form == PartForm::style
+            ? decodedStyle(view, charsetOfHeader(document.headers), document.charset)
+        : document.form == PartForm::svg ? decodedPicture(bytes, document.headers)
+                                         : decodedPage(view, document.headers);
+    made.foundIn = decoded.foundIn;
+    made.source.emplace(view, std::move(decoded));
+    resolve(document, made, scan(document, made));
+    return made;
+}
+
+Assembly::Scanned Assembly::scan(const Document &document, Read &read) {
+    const std::string &text = read.source->text();
+    if (document.form == PartForm::style) {
+        putIn(read.edits, 0, ownSheetStart(read.source->charset(), read.foundIn));
+        return {scanStyle(text), {}};
+    }
+    PageScan scanned = scanPage(text, m_folder / document.name);
+    read.edits = std::move(scanned.disarming);
+    putIn(read.edits, scanned.headAt, ownHead(read.source->charset()));
+    read.bannerAt = scanned.bodyAt == PageScan::npos ? PageScan::npos : scanned.endAt;
+    return {std::move(scanned.references), std::move(scanned.base)};
+}
+
+namespace {
+
+/// What a document's references are relative to.
+std::optional<WebAddress> baseOf(const std::string &url, const std::string &base,
+                                 std::string_view charset) {
+    auto own = WebAddress::parsed(url);
+    if (base.empty())
+        return own;
+    auto other = WebAddress::parsed(base, own ? &*own : nullptr, charset);
+    return other ? other : own;
+}
+
+/// Only what elements name is read in the document's own encoding; styles know none.
+std::string_view charsetFor(const Reference &reference, const std::string &charset) {
+    const bool isOfStyle =
+        reference.form == RefForm::styleUrl || reference.form == RefForm::styleString;
+    return isOfStyle ? std::string_view() : std::string_view(charset);
+}
+
+std::vector<Followed> followed(const std::vector<Reference> &references, const WebAddress *base,
+                               const std::string &charset) {
+    std::vector<Followed> all;
+    all.reserve(references.size());
+    for (const Reference &reference : references)
+        all.push_back({&reference,
+                       WebAddress::parsed(reference.address, base, charsetFor(reference, charset)),
+                       {},
+                       false});
+    return all;
+}
+
+/// Where a browser shows one of several, it shows the one that the cache has: which size it takes
+/// depends on the window, and the others were never fetched.
+void fillSets(std::vector<Followed> &all, const std::vector<Reference> &references,
+              std::string_view source) {
+    const std::vector<std::size_t> sets = setsOf(references, source);
+    for (std::size_t begin = 0; begin < all.size();) {
+        std::size_t end = begin;
+        const FoundPart *shown = nullptr;
+        for (; end < all.size() && sets[end] == sets[begin]; ++end)
+            if (!shown && all[end].found.file)
+                shown = &all[end].found;
+        for (std::size_t i = begin; shown && i < end; ++i)
+            if (all[i].found.rule == partrule::kNone) {
+                all[i].found = *shown;
+                all[i].found.rule = partrule::kSameSet;
+            }
+        begin = end;
+    }
+}
+
+/// A picture of a style that says that it is missing would lie behind all of a page's text.
+std::string markedPlace(const Reference &reference, const std::string &address) {
+    return reference.form == RefForm::styleUrl && reference.use == RefUse::image
+               ? "data:,"
+               : missingPart(reference.use, address.empty() ? reference.address : address);
+}
+
+/// A click leads to where it led; places of the document itself stay in it.
+std::string linkFor(const WebAddress &address, const std::string &document) {
+    const auto own = WebAddress::parsed(document);
+    const bool isOwn =
+        own && address.fragment() && own->withoutFragment() == address.withoutFragment();
+    return isOwn ? "#" + *address.fragment() : address.href();
+}
+
+bool isLink(const Followed &one) {
+    return one.reference->use == RefUse::link;
+}
+
+} // namespace
+
+void Assembly::resolve(const Document &document, Read &read, const Scanned &scanned) {
+    const std::string charset = read.source->charset();
+    const auto base = baseOf(document.url, scanned.base, charset);
+    std::vector<Followed> all = followed(scanned.references, base ? &*base : nullptr, charset);
+    std::vector<std::string> addresses;
+    addresses.reserve(std::min(all.size(), kMostReferences));
+    for (const Followed &one : all)
+        if (one.address && !isLink(one) && addresses.size() + m_named < kMostReferences)
+            addresses.push_back(one.address->href());
+    m_finder.prepare(addresses);
+    for (Followed &one : all) {
+        if (isLink(one))
+            continue;
+        const std::string address = one.address ? one.address->href() : std::string();
+        if (!goesOn(address))
+            return;
+        one.isTold = ++m_named <= kMostReferences;
+        one.found = partFor(document, *one.reference, address);
+    }
+    fillSets(all, scanned.references, read.source->text());
+    for (const Followed &one : all)
+        change(document, read, one);
+}
+
+void Assembly::change(const Document &document, Read &read, const Followed &one) {
+    const Reference &reference = *one.reference;
+    if (isLink(one) && !one.address)
+        return;
+    const std::string address = one.address ? one.address->href() : std::string();
+    const std::string value = isLink(one)      ? linkFor(*one.address, document.url)
+                              : one.found.file ? one.found.file->name + fragmentOf(address)
+                                               : markedPlace(reference, address);
+    read.edits.push_back({reference.at, spelled(reference, value, read.source->text())});
+    if (one.isTold)
+        m_notes.push_back(noteOf(document, reference, address, one.found));
+    if (one.found.file)
+        queue(document, *one.found.file, read.source->charset());
+}
+
+FoundPart Assembly::partFor(const Document &document, const Reference &reference,
+                            const std::string &address) {
+    FoundPart none;
+    if (address.empty())
+        none.rule = partrule::kNoAddress;
+    else if (m_named > kMostReferences)
+        none.rule = partrule::kTooMany;
+    else if (document.depth >= kDeepest && bringsDocument(reference.use))
+        none.rule = partrule::kTooDeep;
+    else
+        return m_finder.find(address, reference.use);
+    return none;
+}
+
+PartNote Assembly::noteOf(const Document &document, const Reference &reference,
+                          const std::string &address, const FoundPart &found) const {
+    PartNote note;
+    note.document = document.record;
+    note.element = reference.element;
+    note.attribute = reference.attribute;
+    note.original = reference.address;
+    note.address = address;
+    note.rule = found.rule;
+    note.candidates = found.candidates;
+    note.candidateCount = found.candidateCount;
+    if (!found.file)
+        return note;
+    note.part = found.file->record;
+    note.localName = found.file->name;
+    note.sha256 = found.file->sha256;
+    note.time = found.file->time;
+    if (note.time.has() && m_page.ActionDateUTC.has())
+        note.seconds =
+            std::llround((note.time.days() - m_page.ActionDateUTC.days()) * kSecondsOfDay);
+    return note;
+}
+
+void Assembly::queue(const Document &from, const PartFile &file, const std::string &charset) {
+    if (file.form == PartForm::plain || !m_known.insert(file.name).second)
+        return;
+    m_open.push_back(
+        {file.record, file.form, file.name, file.url, file.headers, charset, from.depth + 1});
+}
+
+} // namespace nv
