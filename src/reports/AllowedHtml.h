@@ -17,6 +17,7 @@ enum class Fate : std::uint8_t {
     lines,  ///< holds text as it stands, and becomes a "pre"
     text,   ///< is kept with its text, in which nothing is a tag
     empty,  ///< is kept without what it holds
+    part,   ///< becomes the picture or the frame that it shows; or as "unwrap"
     style,
     link,
     meta,

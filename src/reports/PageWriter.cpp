@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "markup/Utf8.h"
+#include "reports/ImageSet.h"
 #include "reports/SafeStyle.h"
 
 #include <fmt/format.h>
@@ -74,6 +75,11 @@ bool isNoCharacter(std::uint32_t code) {
 
 std::string_view guardOfHead() {
     return kGuard;
+}
+
+/// Where all parts are inside, no file beside the page is one.
+std::string PageWriter::guardHere() const {
+    return m_references.haveInside() ? replaceAll(kGuard, "'self' ", "") : std::string(kGuard);
 }
 
 std::string markupText(std::string_view text) {
@@ -160,7 +166,7 @@ void PageWriter::enterElement(const Node &element) {
     const std::string name = HtmlDocument::nameOf(element);
     switch (fateHere(element, name)) {
     case Fate::keep:
-        return keep(element, name, name == "head" ? kGuard : std::string_view());
+        return keep(element, name, name == "head" ? guardHere() : std::string());
     case Fate::unwrap:
         m_path.push_back({&element, 0, {}});
         return;
@@ -173,6 +179,10 @@ void PageWriter::enterElement(const Node &element) {
     case Fate::empty:
         openTag(element, name, attributesOf(element, name));
         m_text += fmt::format("</{}>", name);
+        return;
+    case Fate::part:
+        if (!writePart(element, name))
+            m_path.push_back({&element, 0, {}});
         return;
     case Fate::style:
         return writeStyle(element);
@@ -234,6 +244,30 @@ std::string PageWriter::attributeOf(const Node &element, std::string_view name,
     return isPlainAttribute(space, attribute.name) ? attributeText(attribute.name, value) : "";
 }
 
+std::string PageWriter::addressOf(std::string_view name, std::string_view attribute,
+                                  std::string_view value, Use use) const {
+    if (name == "iframe")
+        if (const auto page = m_references.framed(value))
+            return attributeText("srcdoc", *page);
+    const auto kept = m_references.kept(value, use);
+    return kept ? attributeText(attribute, *kept) : std::string();
+}
+
+/// What plugins once showed.
+bool PageWriter::writePart(const Node &element, std::string_view name) {
+    const auto attributes = m_page.attributesOf(element);
+    const bool isObject = name == "object";
+    const std::string_view address = valueOf(attributes, isObject ? "data" : "src");
+    const std::string_view as = m_references.shownBy(address);
+    const Use use = as == "img" ? Use::image : Use::document;
+    const std::string source = as.empty() ? "" : addressOf(as, "src", address, use);
+    if (source.empty() || (isObject && find(attributes, "src")))
+        return false;
+    openTag(element, as, (isObject ? source : "") + attributesOf(element, as));
+    m_text += as == "img" ? "" : "</iframe>";
+    return true;
+}
+
 /// Where a link led is still told, where nothing follows it.
 std::string PageWriter::referenceOf(const Node &element, std::string_view name,
                                     const HtmlAttribute &attribute) const {
@@ -244,15 +278,19 @@ std::string PageWriter::referenceOf(const Node &element, std::string_view name,
             use = Use::image;
     } else if (attribute.name == "usemap" && attribute.value.starts_with('#')) {
         return attributeText(attribute.name, attribute.value);
+    } else if (attribute.name == "srcset" && (name == "img" || name == "source")) {
+        const std::string set = keptImageSet(attribute.value, m_references);
+        return set.empty() ? set : attributeText(attribute.name, set);
     } else {
         use = useOf(name, attribute.name);
     }
     if (!use)
         return {};
-    if (const auto kept = m_references.kept(attribute.value, *use))
-        return attributeText(attribute.name, *kept);
-    const bool isLink = attribute.name == "href" && use == Use::document;
-    return isLink && !attribute.value.empty() ? attributeText("data-href", attribute.value) : "";
+    if (std::string kept = addressOf(name, attribute.name, attribute.value, *use); !kept.empty())
+        return kept;
+    return use == Use::link && !attribute.value.empty()
+               ? attributeText("data-href", attribute.value)
+               : "";
 }
 
 std::string PageWriter::textWithin(const Node &element) const {

@@ -53,13 +53,17 @@ class PageWriter {
     void writeStyle(const Node &element);
     void writeLink(const Node &element);
     void writeMeta(const Node &element);
+    bool writePart(const Node &element, std::string_view name);
     void openTag(const Node &element, std::string_view name, std::string_view attributes);
     std::string attributesOf(const Node &element, std::string_view name) const;
     std::string attributeOf(const Node &element, std::string_view name,
                             const HtmlAttribute &attribute) const;
     std::string referenceOf(const Node &element, std::string_view name,
                             const HtmlAttribute &attribute) const;
+    std::string addressOf(std::string_view name, std::string_view attribute, std::string_view value,
+                          Use use) const;
     std::string textWithin(const Node &element) const;
+    std::string guardHere() const;
     Fate fateHere(const Node &element, std::string_view name) const;
 
     const HtmlDocument &m_page;

@@ -108,5 +108,55 @@ TEST_F(WarcCliTest, contentsThatAreGoneAreTold) {
     EXPECT_EQ(WarcReading(out).problem, "");
 }
 
+class PageFormsCliTest : public CliCase {
+  protected:
+    PageFormsCliTest() {
+        IndexDat index;
+        index.folder("ABCDEFGH");
+        addCached(index, "http://host/page.html", "page[1].htm",
+                  "<html><title>Inbox</title><img src=\"pic/logo.gif\" ><img src=\"gone.gif\" >"
+                  "<iframe src=\"http://live/f.html\"></iframe></html> ");
+        addCached(index, "http://host/pic/logo.gif", "logo[1].gif", "GIF89a");
+        addCached(index, "http://host/other.gif", "other[1].gif", "GIF89b");
+        import(index);
+    }
+    CliResult rebuild(std::vector<std::string> more) {
+        std::vector<std::string> words{"rebuild", project,      "1",
+                                       "--out",   out.string(), "--no-thumbnails"};
+        words.insert(words.end(), more.begin(), more.end());
+        return cli(words);
+    }
+
+    fs::path out = folder.path() / "out";
+};
+
+TEST_F(PageFormsCliTest, aPageLeavesAsOneFile) {
+    const CliResult run = rebuild({"--single"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(std::distance(fs::directory_iterator(out), fs::directory_iterator()), 1);
+    EXPECT_THAT(text(out / "0000001.html"),
+                AllOf(HasSubstr("src=\"data:image/gif;base64,R0lGODlh\""), HasSubstr("Inbox"),
+                      HasSubstr("default-src 'none'"), Not(HasSubstr("http://live"))));
+    const CliResult refused = rebuild({"--single"});
+    EXPECT_EQ(refused.exit, 1);
+    EXPECT_THAT(refused.err, HasSubstr("0000001.html\" is there already"));
+    EXPECT_EQ(rebuild({"--single", "--overwrite"}).exit, 0);
+}
+
+TEST_F(PageFormsCliTest, aPageLeavesAsAnArchiveOfItsRecords) {
+    const CliResult run = rebuild({"--warc", "--single"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(std::distance(fs::directory_iterator(out), fs::directory_iterator()), 2);
+    const WarcReading read(out / "0000001.warc.gz");
+    ASSERT_EQ(read.problem, "");
+    EXPECT_EQ(read.at("resource", "http://host/pic/logo.gif")["text"], "GIF89a");
+    EXPECT_THAT(std::string(read.at("resource", "http://host/page.html")["text"]),
+                HasSubstr("<title>Inbox</title><img src=\"pic/logo.gif\""))
+        << "as it was cached, not as it was rebuilt";
+    EXPECT_TRUE(read.at("resource", "http://host/other.gif").is_null());
+    const CliResult alone = rebuild({"--warc", "--overwrite"});
+    EXPECT_EQ(alone.exit, 0) << alone.err;
+}
+
 } // namespace
 } // namespace nv::test
