@@ -248,7 +248,7 @@ std::string PageWriter::addressOf(std::string_view name, std::string_view attrib
                                   std::string_view value, Use use) const {
     if (name == "iframe")
         if (const auto page = m_references.framed(value))
-            return attributeText("srcdoc", *page);
+            return attributeText(page->attribute, page->value);
     const auto kept = m_references.kept(value, use);
     return kept ? attributeText(attribute, *kept) : std::string();
 }

@@ -25,6 +25,9 @@ constexpr std::size_t kDeepest = 8;
 /// Base 64 has four letters for three bytes.
 constexpr std::size_t kLettersOfThree = 4;
 constexpr std::size_t kMostRead = kLongestPage;
+constexpr std::size_t kLongestAddress = 2'000'000;
+constexpr std::string_view kTodaysDoctype = "<!DOCTYPE html>";
+constexpr std::string_view kPageType = "text/html;charset=utf-8";
 
 struct TypeRow {
     std::string_view extension;
@@ -137,8 +140,32 @@ std::optional<std::string> PartsInside::document(const PageFolder::value_type &p
     return written ? given(std::move(*written), before) : std::nullopt;
 }
 
-std::optional<std::string> PartsInside::pageIn(const PageFolder::value_type &part) {
-    return isPage(part.second) ? document(part, PageForm::html) : std::nullopt;
+/// Browsers read the text of an attribute by today's rules whatever its doctype is. Pages of other
+/// rules are data, up to the length of an address that all browsers open.
+std::optional<FramedPage> PartsInside::pageIn(const PageFolder::value_type &part) {
+    const std::size_t before = m_given;
+    auto page = isPage(part.second) ? document(part, PageForm::html) : std::nullopt;
+    if (!page)
+        return std::nullopt;
+    if (page->starts_with(kTodaysDoctype) || page->size() > kLongestAddress / kLettersOfThree * 3)
+        return FramedPage{"srcdoc", std::move(*page)};
+    auto data = asData(kPageType, *page, before);
+    return data ? std::optional(FramedPage{"src", std::move(*data)}) : std::nullopt;
+}
+
+std::optional<std::string> PartsInside::asData(std::string_view type, std::string_view text,
+                                               std::size_t before) {
+    return given(fmt::format("data:{};base64,{}", type, base64(viewOf(text))), before);
+}
+
+/// As a picture a drawing shows no other file, in any browser; as a page in a frame it does.
+std::optional<std::string> PartsInside::drawing(const PageFolder::value_type &part, Use use) {
+    static const PageFolder kNone;
+    const std::size_t before = m_given;
+    auto text = use == Use::document ? document(part, PageForm::svg)
+                : m_isFull           ? std::nullopt
+                           : withReferences(textIn(part.first), PageForm::svg, References(kNone));
+    return text ? asData("image/svg+xml", *text, before) : std::nullopt;
 }
 
 std::optional<std::string> PartsInside::styleSheet(const PageFolder::value_type &part) {
@@ -147,7 +174,7 @@ std::optional<std::string> PartsInside::styleSheet(const PageFolder::value_type 
     const std::size_t before = m_given;
     const std::string style = guardedStyle(textIn(part.first), References(m_parts.folder, *this));
     m_open.pop_back();
-    return given("data:text/css;base64," + base64(viewOf(style)), before);
+    return asData("text/css", style, before);
 }
 
 std::optional<std::string> PartsInside::plainPart(const std::string &name, std::string_view type) {
@@ -169,15 +196,11 @@ std::optional<std::string> PartsInside::made(const PageFolder::value_type &part,
     const std::size_t before = m_given;
     if (kind == PartKind::style)
         return styleSheet(part);
-    if (kind == PartKind::svg) {
-        const auto picture = document(part, PageForm::svg);
-        return picture ? given("data:image/svg+xml;base64," + base64(viewOf(*picture)), before)
-                       : std::nullopt;
-    }
+    if (kind == PartKind::svg)
+        return drawing(part, use);
     if (use == Use::document && isPage(kind)) {
         const auto page = document(part, PageForm::html);
-        return page ? given("data:text/html;charset=utf-8;base64," + base64(viewOf(*page)), before)
-                    : std::nullopt;
+        return page ? asData(kPageType, *page, before) : std::nullopt;
     }
     const std::string_view type = typeOfPart(kind, use, fileOf(name));
     return type.empty() ? std::nullopt : plainPart(name, type);
@@ -195,7 +218,7 @@ std::optional<std::string> PartsInside::address(const PageFolder::value_type &pa
 
 std::optional<std::string> PartsInside::whole() {
     const auto part = m_parts.folder.find(m_page.filename().native());
-    auto page = part == m_parts.folder.end() ? std::nullopt : pageIn(*part);
+    auto page = part == m_parts.folder.end() ? std::nullopt : document(*part, PageForm::html);
     return m_isFull ? std::nullopt : std::move(page);
 }
 

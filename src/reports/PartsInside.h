@@ -27,9 +27,9 @@ class PartsInside {
     /// Nothing when it stays away. Throws FileFailure.
     std::optional<std::string> address(const PageFolder::value_type &part, std::string_view place,
                                        Use use);
-    /// The text of a page that a frame shows; nothing for another part, and for a page that stays
-    /// away. Throws FileFailure.
-    std::optional<std::string> pageIn(const PageFolder::value_type &part);
+    /// A page that a frame shows; nothing for another part, and for a page that stays away. Throws
+    /// FileFailure.
+    std::optional<FramedPage> pageIn(const PageFolder::value_type &part);
     /// The page to open, with all inside. Nothing when it is beyond a limit. Throws FileFailure.
     std::optional<std::string> whole();
 
@@ -38,6 +38,9 @@ class PartsInside {
 
   private:
     std::optional<std::string> document(const PageFolder::value_type &part, PageForm form);
+    std::optional<std::string> drawing(const PageFolder::value_type &part, Use use);
+    std::optional<std::string> asData(std::string_view type, std::string_view text,
+                                      std::size_t before);
     std::optional<std::string> made(const PageFolder::value_type &part, Use use);
     std::optional<std::string> plainPart(const std::string &name, std::string_view type);
     std::optional<std::string> styleSheet(const PageFolder::value_type &part);

@@ -132,7 +132,7 @@ std::optional<std::string> References::keptPart(const std::string &address, Use 
     return m_inside ? m_inside->address(*part, place, use) : std::optional(address);
 }
 
-std::optional<std::string> References::framed(std::string_view address) const {
+std::optional<FramedPage> References::framed(std::string_view address) const {
     const std::string clean = cleaned(address);
     const auto part = m_folder.find(std::string_view(clean).substr(0, clean.find('#')));
     return m_inside && part != m_folder.end() ? m_inside->pageIn(*part) : std::nullopt;

@@ -21,6 +21,12 @@ enum class Use : std::uint8_t {
 
 class PartsInside;
 
+/// A page as an attribute of the frame that shows it.
+struct FramedPage {
+    std::string_view attribute; ///< "srcdoc" or "src"
+    std::string value;
+};
+
 /// Which references of a page may stay: those to files of its own folder, to places in itself, and
 /// data that the page itself holds. Whatever else there is goes, whether or not anybody knows that
 /// browsers fetch it.
@@ -37,9 +43,9 @@ class References {
 
     /// The address in its plainest form; nothing when it has to go.
     std::optional<std::string> kept(std::string_view address, Use use) const;
-    /// The text of a page that stands in a frame, where parts are written as data; nothing for
-    /// another part, which kept() gives.
-    std::optional<std::string> framed(std::string_view address) const;
+    /// A page that stands in a frame, where parts are written as data; nothing for another part,
+    /// which kept() gives.
+    std::optional<FramedPage> framed(std::string_view address) const;
 
     /// The element of HTML that shows what the address names: "img", "iframe", or none.
     std::string_view shownBy(std::string_view address) const;
