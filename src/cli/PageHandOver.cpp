@@ -5,7 +5,7 @@
 #include "base/Text.h"
 #include "cli/Session.h"
 #include "rebuild/LocalNames.h"
-#include "reports/PageWriter.h"
+#include "reports/PartsInside.h"
 #include "reports/warc/WarcWriter.h"
 #include "views/Audit.h"
 
@@ -53,7 +53,7 @@ Exit PageHandOver::tell(Session &session, Exit exit) const {
     if (m_tooLarge > 0)
         session.err << fmt::format("{} would be larger than {} MB as one file and {} not written; "
                                    "without --single each gets a folder\n",
-                                   nv::counted(m_tooLarge, "page"), kLongestPage >> 20U,
+                                   nv::counted(m_tooLarge, "page"), kLongestSinglePage >> 20U,
                                    m_tooLarge == 1 ? "was" : "were");
     if (!m_unread.empty())
         session.err << noteOf(m_unread) << ". They aren't in the archives.\n";

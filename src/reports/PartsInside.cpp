@@ -24,7 +24,6 @@ namespace {
 constexpr std::size_t kDeepest = 8;
 /// Base 64 has four letters for three bytes.
 constexpr std::size_t kLettersOfThree = 4;
-constexpr std::size_t kMostRead = kLongestPage;
 constexpr std::size_t kLongestAddress = 2'000'000;
 constexpr std::string_view kTodaysDoctype = "<!DOCTYPE html>";
 constexpr std::string_view kPageType = "text/html;charset=utf-8";
@@ -113,7 +112,7 @@ bool PartsInside::begin(const std::string &name) {
 /// `before` is what had been given when the text was begun: its own parts stand in it.
 std::optional<std::string> PartsInside::given(std::string text, std::size_t before) {
     m_given = before + text.size();
-    m_isFull |= m_given > kLongestPage;
+    m_isFull |= m_given > m_most;
     return m_isFull ? std::nullopt : std::optional(std::move(text));
 }
 
@@ -121,7 +120,7 @@ std::optional<std::string> PartsInside::given(std::string text, std::size_t befo
 std::string PartsInside::textIn(const std::string &name) {
     std::string text = decodedPart(readWhole(fileOf(name))).text;
     m_read += text.size();
-    m_isFull |= m_read > kMostRead;
+    m_isFull |= m_read > m_most;
     return text;
 }
 
@@ -182,7 +181,7 @@ std::optional<std::string> PartsInside::plainPart(const std::string &name, std::
     if (known != m_plain.end())
         return given(known->second, m_given);
     const fs::path file = fileOf(name);
-    if (m_isFull || FileReader(file).size() / 3 * kLettersOfThree > kLongestPage) {
+    if (m_isFull || FileReader(file).size() / 3 * kLettersOfThree > m_most) {
         m_isFull = true;
         return std::nullopt;
     }
@@ -222,10 +221,12 @@ std::optional<std::string> PartsInside::whole() {
     return m_isFull ? std::nullopt : std::move(page);
 }
 
-std::optional<std::string> singlePage(const fs::path &page) {
-    PartsInside inside(page, partsBeside(page));
+static_assert(kLongestSinglePage <= kLongestPage); // which is as far as the writer goes
+
+std::optional<std::string> singlePage(const fs::path &page, std::size_t most) {
+    PartsInside inside(page, partsBeside(page), most);
     auto whole = inside.whole();
-    if (!whole || whole->size() > kLongestPage)
+    if (!whole || whole->size() > most)
         return std::nullopt;
     return std::string(kUtf8Mark) + *whole;
 }

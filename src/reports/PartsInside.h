@@ -14,14 +14,18 @@
 
 namespace nv {
 
+/// In bytes.
+inline constexpr std::size_t kLongestSinglePage = std::size_t{64} << 20;
+
 /// The parts of a guarded folder as data within the page that shows them, and these with their own
 /// parts in turn. A part that shows itself, or lies too deep, stays away there. What is given in
 /// all is bounded: a few small files that show each other many times would fill any disk.
 class PartsInside {
   public:
-    /// `page` is the one to open.
-    PartsInside(std::filesystem::path page, PageParts parts)
-        : m_page(std::move(page)), m_parts(std::move(parts)) {}
+    /// `page` is the one to open. No more than `most` bytes are given, and no more are read of pages
+    /// and styles.
+    PartsInside(std::filesystem::path page, PageParts parts, std::size_t most)
+        : m_page(std::move(page)), m_parts(std::move(parts)), m_most(most) {}
 
     /// What stands in place of the part's name, and of the place in it ("#a", or nothing).
     /// Nothing when it stays away. Throws FileFailure.
@@ -55,14 +59,16 @@ class PartsInside {
     PageParts m_parts;
     std::vector<std::string> m_open; ///< parts that are in hand, each shown by the one before
     std::map<std::string, std::string, std::less<>> m_plain; ///< those that show no others
-    std::size_t m_given = 0;                                 ///< bytes
-    std::size_t m_read = 0; ///< bytes of pages and styles, each as often as it was gone through
+    std::size_t m_most;
+    std::size_t m_given = 0; ///< bytes
+    std::size_t m_read = 0;  ///< bytes of pages and styles, each as often as it was gone through
     bool m_isFull = false;
 };
 
 /// One file that shows what the page of a guarded folder shows: pictures, styles, fonts, films and
-/// frames stand in it as data. Nothing when it would be larger than kLongestPage. Throws
-/// FileFailure.
-std::optional<std::string> singlePage(const std::filesystem::path &page);
+/// frames stand in it as data. Nothing when it would be larger than `most` bytes, or takes reading
+/// more than that. Throws FileFailure.
+std::optional<std::string> singlePage(const std::filesystem::path &page,
+                                      std::size_t most = kLongestSinglePage);
 
 } // namespace nv

@@ -1,7 +1,6 @@
 #include "base/Base64.h"
 #include "base/Files.h"
 #include "base/Text.h"
-#include "reports/PageWriter.h"
 #include "reports/PartsInside.h"
 #include "reports/SafePage.h"
 #include "support/HostileWays.h"
@@ -25,13 +24,14 @@ struct SinglePageTest : testing::Test {
     std::string made(std::string_view html) {
         const fs::path page = folder.write("0000001.htm", html);
         guardFolder(page);
-        return singlePage(page).value_or("");
+        return singlePage(page, most).value_or("");
     }
     static std::string data(std::string_view type, std::string_view text) {
         return fmt::format("data:{};base64,{}", type, base64(viewOf(text)));
     }
 
     test::TempFolder folder;
+    std::size_t most = kLongestSinglePage;
 };
 
 /// What stands behind the last "data:TYPE;base64," of a text.
@@ -140,23 +140,26 @@ TEST_F(SinglePageTest, whatShowsItselfStaysAwayThere) {
 }
 
 TEST_F(SinglePageTest, whatGrowsWithoutEndIsTooLarge) {
-    std::string frames;
-    for (int i = 0; i < 200; ++i)
-        frames += "<iframe src=0000003.htm></iframe>";
-    for (int i = 2; i < 8; ++i)
-        part(fmt::format("000000{}.htm", i),
-             replaceAll(frames, "0000003", fmt::format("000000{}", i + 1)));
+    const auto chain = [this](std::string_view extension, std::string_view each) {
+        for (int i = 2; i < 9; ++i) {
+            std::string text;
+            for (int n = 0; n < 100; ++n)
+                text += fmt::format(fmt::runtime(each), i + 1);
+            part(fmt::format("000000{}.{}", i, extension), text);
+        }
+    };
+    most = 1'000'000; // bytes
+    chain("htm", "<iframe src=000000{}.htm></iframe>");
     EXPECT_EQ(made("<iframe src=0000002.htm></iframe>"), "");
-    std::string imports;
-    for (int i = 0; i < 2000; ++i)
-        imports += "@import '0000003.css';";
-    for (int i = 2; i < 9; ++i)
-        part(fmt::format("000000{}.css", i),
-             replaceAll(imports, "0000003", fmt::format("000000{}", i + 1)));
+    chain("css", "@import '000000{}.css';");
     EXPECT_EQ(made("<link rel=stylesheet href=0000002.css>"), "") << "much work, little text";
-    part("0000009.gif", "GIF89a" + std::string(kLongestPage, ' '));
+    part("0000009.gif", "GIF89a" + std::string(most, ' '));
     EXPECT_EQ(made("<img src=0000009.gif>"), "");
-    EXPECT_NE(made("<p>0000009.gif"), "");
+    part("0000010.gif", "GIF89a" + std::string(most / 5, ' '));
+    EXPECT_NE(made("<img src=0000010.gif><img src=0000010.gif><img src=0000010.gif>"), "");
+    EXPECT_EQ(made("<img src=0000010.gif><img src=0000010.gif><img src=0000010.gif>"
+                   "<img src=0000010.gif>"),
+              "");
 }
 
 TEST_F(SinglePageTest, noHostilePageReachesAnything) {
