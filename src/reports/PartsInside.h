@@ -22,8 +22,8 @@ inline constexpr std::size_t kLongestSinglePage = std::size_t{64} << 20;
 /// all is bounded: a few small files that show each other many times would fill any disk.
 class PartsInside {
   public:
-    /// `page` is the one to open. No more than `most` bytes are given, and no more are read of pages
-    /// and styles.
+    /// `page` is the one to open. No more than `most` bytes are given, and no more are read of
+    /// pages and styles.
     PartsInside(std::filesystem::path page, PageParts parts, std::size_t most)
         : m_page(std::move(page)), m_parts(std::move(parts)), m_most(most) {}
 

@@ -112,25 +112,28 @@ std::optional<std::uint64_t> numberIn(std::string_view text) {
 struct ByteRange {
     std::uint64_t first = 0; ///< 0-based
     std::uint64_t last = 0;
-    std::optional<std::uint64_t> all{}; ///< bytes of the whole
+    std::uint64_t all = 0; ///< bytes of the whole; 0 where it isn't said
+    bool isThere = false;
 
-    bool isOf(std::uint64_t size) const { return last >= first && last - first + 1 == size; }
-    bool isWhole() const { return first == 0 && all && *all > 0 && last == *all - 1; }
+    bool isOf(std::uint64_t size) const {
+        return isThere && last >= first && last - first + 1 == size;
+    }
+    bool isWhole() const { return isThere && first == 0 && all > 0 && last == all - 1; }
 };
 
 /// "bytes 0-99/1000", the last number of which may be "*".
-std::optional<ByteRange> rangeIn(std::string_view value) {
+ByteRange rangeIn(std::string_view value) {
     constexpr std::string_view kUnit = "bytes ";
     const std::size_t dash = value.find('-');
     const std::size_t slash = value.find('/');
     if (!startsWithNoCase(value, kUnit) || dash == std::string_view::npos ||
         slash == std::string_view::npos || slash < dash)
-        return std::nullopt;
+        return {};
     const auto first = numberIn(trim(value.substr(kUnit.size(), dash - kUnit.size())));
     const auto last = numberIn(trim(value.substr(dash + 1, slash - dash - 1)));
     if (!first || !last)
-        return std::nullopt;
-    return ByteRange{*first, *last, numberIn(trim(value.substr(slash + 1)))};
+        return {};
+    return {*first, *last, numberIn(trim(value.substr(slash + 1))).value_or(0), true};
 }
 
 bool hasNoContent(int status) {
@@ -167,9 +170,10 @@ class Mending {
     bool isWhole() const {
         constexpr int kPartial = 206;
         const auto ranges = headerValues(m_head, "content-range");
-        const auto range = ranges.empty() ? std::nullopt : rangeIn(ranges.front());
-        return statusOf(m_head) == kPartial && m_content.isThere && range && range->isWhole() &&
-               range->isOf(m_content.size);
+        if (ranges.empty() || statusOf(m_head) != kPartial || !m_content.isThere)
+            return false;
+        const ByteRange range = rangeIn(ranges.front());
+        return range.isWhole() && range.isOf(m_content.size);
     }
 
     void put(std::string_view name, std::string_view value) {
@@ -187,10 +191,8 @@ class Mending {
             return false;
         if (equalsNoCase(line.name, "content-encoding"))
             return !m_isPackedLess;
-        if (equalsNoCase(line.name, "content-range")) {
-            const auto range = rangeIn(line.value);
-            return !m_isWhole && range && range->isOf(m_content.size);
-        }
+        if (equalsNoCase(line.name, "content-range"))
+            return !m_isWhole && rangeIn(line.value).isOf(m_content.size);
         if (!equalsNoCase(line.name, "content-length"))
             return true;
         const bool isRight =
