@@ -1,3 +1,5 @@
+#include "app/jobs/ArchiveSource.h"
+#include "app/jobs/RecordTools.h"
 #include "app/jobs/Trail.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
@@ -35,11 +37,15 @@ struct Arguments {
 ExportFormat formatOf(const Arguments &arguments) {
     if (arguments.format)
         return *arguments.format;
-    const std::string extension = toLower(textOf(fs::path(arguments.file).extension()));
-    for (const ExportFormat format : {ExportFormat::csv, ExportFormat::jsonl, ExportFormat::xlsx})
-        if (extension == "." + std::string(extensionOf(format)))
-            return format;
-    return ExportFormat::delimited;
+    return formatOfName(arguments.file).value_or(ExportFormat::delimited);
+}
+
+std::vector<std::pair<std::string, ExportFormat>> formatChoices() {
+    std::vector<std::pair<std::string, ExportFormat>> choices;
+    choices.reserve(exportFormats().size());
+    for (const ExportFormatFacts &facts : exportFormats())
+        choices.emplace_back(facts.word, facts.format);
+    return choices;
 }
 
 std::string delimiterOf(const std::string &word) {
@@ -73,6 +79,8 @@ Export jobOf(const Arguments &arguments) {
     job.exportAllColumns = arguments.columns.empty();
     job.selectedColumns = columnsOf(arguments.columns);
     job.guardFormulas = arguments.guardFormulas;
+    if (!factsOf(job.format).hasColumns && !arguments.columns.empty())
+        throw UsageError("--columns: a web archive holds contents, and no cells of the table");
     return job;
 }
 
@@ -106,7 +114,7 @@ std::string closingLine(const Export &job) {
                            job.delimiter == "\t" ? "tabs" : '"' + job.delimiter + '"');
     return fmt::format("{} written as {}\n",
                        counted(static_cast<std::uint64_t>(job.counts.rows), "row"),
-                       extensionOf(job.format));
+                       factsOf(job.format).word);
 }
 
 Exit run(Session &session, const Arguments &arguments) {
@@ -124,6 +132,9 @@ Exit run(Session &session, const Arguments &arguments) {
         if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Loaded) {
             if (arguments.tagged)
                 selectTagged(job, table, project);
+            const RecordTools tools(session.program, session.task, session.scratch());
+            const WarcSource contents = warcSource(session.program, tools);
+            job.contents = &contents;
             end = exportRows(job, table, session.scratch(), session.task);
             if (end == ExportEnd::exported && toStandardOutput(arguments))
                 handOver(session, job.outputFilePath);
@@ -137,7 +148,7 @@ Exit run(Session &session, const Arguments &arguments) {
     if (end == ExportEnd::cancelled)
         return Exit::interrupted;
     session.err << closingLine(job);
-    for (const std::string &note : notesOf(job.counts))
+    for (const std::string &note : notesOf(job))
         session.err << note << '\n';
     return job.counts.unread.empty() ? Exit::ok : Exit::rowsNotRead;
 }
@@ -149,20 +160,18 @@ Command exportCommand() {
     return {
         .name = "export",
         .what = "Write the rows of the table to a file for other programs",
-        .readme = {"`export PROJECT FILE`", "writes rows as csv, jsonl, xlsx or delimited text"},
+        .readme = {"`export PROJECT FILE`", "writes rows as csv, jsonl, xlsx or delimited text, "
+                                            "and cached contents as a web archive (WARC)"},
         .examples = {{"export case.nvp rows.xlsx", "the form follows from the name"},
-                     {"export case.nvp rows.txt --delimiter tab --tagged", "rows with the tick"},
-                     {"export case.nvp - --format csv | less", "to the standard output"}},
+                     {"export case.nvp - --format csv | less", "to the standard output"},
+                     {"export case.nvp cache.warc.gz --tagged",
+                      "cached contents of rows with the tick, as a web archive"}},
         .arguments =
             {projectWord(given->project),
              value("FILE", given->file, "The file to write; - is the standard output").required(),
-             choice<ExportFormat>("--format", given->format,
-                                  {{"delimited", ExportFormat::delimited},
-                                   {"csv", ExportFormat::csv},
-                                   {"jsonl", ExportFormat::jsonl},
-                                   {"xlsx", ExportFormat::xlsx}},
-                                  "delimited, csv, jsonl or xlsx (default: by the extension of "
-                                  "FILE)"),
+             choice<ExportFormat>("--format", given->format, formatChoices(),
+                                  "delimited, csv, jsonl, xlsx or warc, which holds the cached "
+                                  "contents (default: by the extension of FILE)"),
              value("--delimiter", given->delimiter, "Of delimited: | , ; or tab").showingDefault(),
              value("--columns", given->columns,
                    "Index or column keys, separated by commas (default: all)")

@@ -5,29 +5,64 @@
 #include "base/Unfinished.h"
 #include "cli/Session.h"
 #include "rebuild/LocalNames.h"
+#include "reports/ExportFile.h"
+#include "reports/PartsInside.h"
 #include "reports/SafePage.h"
 
 #include <fmt/format.h>
 
+#include <string>
+#include <vector>
+
 namespace nv::cli {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kSingleExtension = ".html";
+
+std::string singleNameOf(UrlId id) {
+    return sidOf(id) + std::string(kSingleExtension);
+}
+
+} // namespace
+
+std::string archiveNameOf(UrlId id) {
+    return sidOf(id) + ".warc.gz";
+}
 
 void refusePlainFile(const fs::path &out) {
     if (fs::exists(out) && !fs::is_directory(out))
         throw UsageError(fmt::format("--out {}: a folder was expected", textOf(out)));
 }
 
-void refuseExisting(std::span<const UrlId> ids, const fs::path &out) {
+namespace {
+
+std::vector<std::string> namesOf(UrlId id, const HandOverForms &forms) {
+    std::vector<std::string> names;
+    if (forms.single)
+        names.push_back(singleNameOf(id));
+    if (forms.warc)
+        names.push_back(archiveNameOf(id));
+    if (names.empty())
+        names.push_back(folderNameOf(id));
+    return names;
+}
+
+} // namespace
+
+void refuseExisting(std::span<const UrlId> ids, const fs::path &out, const HandOverForms &forms) {
     fs::path first;
     std::size_t more = 0;
-    for (const UrlId id : ids) {
-        const fs::path target = out / folderNameOf(id);
-        if (!fs::exists(fs::symlink_status(target)))
-            continue;
-        more += first.empty() ? 0 : 1;
-        first = first.empty() ? target : first;
-    }
+    for (const UrlId id : ids)
+        for (const std::string &name : namesOf(id, forms)) {
+            const fs::path target = out / name;
+            if (!fs::exists(fs::symlink_status(target)))
+                continue;
+            more += first.empty() ? 0 : 1;
+            first = first.empty() ? target : first;
+        }
     if (!first.empty())
         throw UsageError(
             fmt::format("\"{}\" is there already{}; --overwrite replaces what is there",
@@ -50,6 +85,13 @@ fs::path newFolderBeside(const fs::path &target) {
     }
 }
 
+/// Copies the page's folder and guards the copy.
+void guardInto(const fs::path &page, const fs::path &aside) {
+    for (const fs::directory_entry &entry : fs::directory_iterator(page.parent_path()))
+        copyToScratch(entry.path(), aside / entry.path().filename());
+    guardFolder(aside / page.filename());
+}
+
 } // namespace
 
 void handOver(const fs::path &page, const fs::path &out) {
@@ -58,13 +100,26 @@ void handOver(const fs::path &page, const fs::path &out) {
     makeFolder(out);
     Unfinished made(newFolderBeside(target));
     const fs::path &aside = made.path();
-    for (const fs::directory_entry &entry : fs::directory_iterator(folder))
-        copyToScratch(entry.path(), aside / entry.path().filename());
-    guardFolder(aside / page.filename());
+    guardInto(page, aside);
     fs::remove_all(target);
     moveFile(aside, target);
     made.finished();
     fs::remove_all(folder);
+}
+
+bool handOverSingle(const fs::path &page, const fs::path &out) {
+    makeFolder(out);
+    const fs::path target = out / (page.stem().native() + std::string(kSingleExtension));
+    const Unfinished made(newFolderBeside(target));
+    guardInto(page, made.path());
+    const auto html = singlePage(made.path() / page.filename());
+    if (html) {
+        ExportFile file(target);
+        file.write(*html);
+        file.finish();
+    }
+    fs::remove_all(page.parent_path());
+    return html.has_value();
 }
 
 } // namespace nv::cli

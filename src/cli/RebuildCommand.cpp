@@ -5,9 +5,9 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "cli/Commands.h"
-#include "cli/HandOver.h"
 #include "cli/LoadedTable.h"
 #include "cli/OutputPath.h"
+#include "cli/PageHandOver.h"
 #include "cli/PartChoice.h"
 #include "cli/RowCheck.h"
 #include "cli/Session.h"
@@ -35,6 +35,7 @@ struct Arguments {
     bool noThumbnails = false;         ///< whatever the setting says
     std::optional<std::string> method; ///< otherwise by the setting
     std::vector<std::string> choices;  ///< "REF=RECORD"
+    HandOverForms forms;
 };
 
 constexpr const char *kAllPages =
@@ -116,20 +117,23 @@ Exit run(Session &session, const Arguments &arguments) {
         program.state.rebuildMethod = *arguments.method;
     Totals totals;
     bool whole = false;
+    Exit handedOver = Exit::ok;
     {
         RecordTools tools(program, session.task, session.scratch());
         const auto ids = chosenIds(program, arguments, totals.unread);
         if (!arguments.overwrite)
-            refuseExisting(ids, arguments.out);
+            refuseExisting(ids, arguments.out, arguments.forms);
         for (const std::string &choice : arguments.choices)
             choosePart(program.state.projectDB.connection(), ids.front(), choice);
+        PageHandOver hands(program, tools, arguments.out, arguments.forms);
         whole = rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
             if (page.rebuilt)
-                handOver(page.folder / pageNameOf(page.urlID), arguments.out);
+                hands.take(page);
             add(totals, page);
             session.task.clear();
             session.out << lineOf(page);
         });
+        handedOver = hands.tell(session, Exit::ok);
     }
     session.task.clear();
     tellTotals(session, totals);
@@ -137,7 +141,9 @@ Exit run(Session &session, const Arguments &arguments) {
     closeProject(program);
     if (!whole)
         return Exit::interrupted;
-    return totals.rebuilt > 0 ? read : Exit::nothingDone;
+    if (totals.rebuilt == 0)
+        return Exit::nothingDone;
+    return read == Exit::ok ? handedOver : read;
 }
 
 } // namespace
@@ -149,18 +155,23 @@ Command rebuildCommand() {
         .what = "Rebuild cached pages for viewing offline",
         .readme = {"`rebuild PROJECT ID... --out FOLDER`",
                    "writes cached pages with their parts, for offline view; `--method`, "
-                   "`--choose`, `--overwrite`"},
+                   "`--choose`, `--single`, `--warc`, `--overwrite`"},
         .examples = {{"rebuild case.nvp 17 42 --out pages",
                       "two pages, each in a folder of its own"},
-                     {"rebuild case.nvp --tagged --out pages --no-scripts", "those with the tick"},
                      {"rebuild case.nvp 17 --out pages --method exact --choose 3=42",
-                      "row 42 stands for reference 3"}},
+                      "row 42 stands for reference 3"},
+                     {"rebuild case.nvp --tagged --out pages --single --warc",
+                      "of those with the tick one HTML file each, and a web archive"}},
         .arguments = {projectWord(given->project),
                       value("URL_ID", given->ids, "Keys of the pages' rows"),
                       flag("--tagged", given->tagged, "The rows with the tick"),
                       flag("--all-pages", given->allPages, "Every cached page"),
                       value("--out", given->out, "Folder that gets a folder a page").required(),
                       flag("--overwrite", given->overwrite, "Replace folders of such pages"),
+                      flag("--single", given->forms.single,
+                           "One HTML file a page, with its parts inside, in place of a folder"),
+                      flag("--warc", given->forms.warc,
+                           "A web archive of the records that the page was rebuilt of"),
                       flag("--no-scripts", given->noScripts, "Turn scripts into comments"),
                       value("--method", given->method,
                             "auto, classic or exact; auto: exact for today's caches")

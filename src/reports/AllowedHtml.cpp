@@ -117,7 +117,7 @@ constexpr std::array<UseRow, 6> kUses = {{
     {"src", "img input", Use::image},
     {"src", "audio video source", Use::media},
     {"src", "iframe frame", Use::document},
-    {"href", "a area", Use::document},
+    {"href", "a area", Use::link},
     {"background", "body table thead tbody tfoot tr td th", Use::image},
     {"poster", "video", Use::image},
 }};

@@ -3,6 +3,7 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace nv {
 
@@ -68,18 +69,71 @@ SelectedColumns columnsFromString(std::string_view columnsAsString) {
     return columns;
 }
 
-std::string_view extensionOf(ExportFormat format) {
-    switch (format) {
-    case ExportFormat::csv:
-        return "csv";
-    case ExportFormat::jsonl:
-        return "jsonl";
-    case ExportFormat::xlsx:
-        return "xlsx";
-    case ExportFormat::delimited:
-        break;
-    }
-    return "txt";
+namespace {
+
+constexpr std::array<ExportFormatFacts, 5> kFormats = {{
+    {ExportFormat::delimited, "delimited", "txt", "Delimited text, Windows-1252, as shown"},
+    {ExportFormat::csv, "csv", "csv", "CSV, UTF-8, quoted"},
+    {ExportFormat::jsonl, "jsonl", "jsonl", "JSON lines, an event a line (Timesketch)"},
+    {ExportFormat::xlsx, "xlsx", "xlsx", "Spreadsheet (XLSX)"},
+    {ExportFormat::warc, "warc", "warc.gz", "Web archive of the cached contents (WARC 1.1)", false},
+}};
+static_assert([] {
+    for (std::size_t at = 0; at < kFormats.size(); ++at)
+        if (static_cast<std::size_t>(kFormats[at].format) != at)
+            return false;
+    return true;
+}());
+
+/// An archive may be unpacked, too.
+constexpr std::string_view kPlainWarc = "warc";
+
+/// The extension of the name, with its point, that is `extension`; nothing when it has another.
+std::optional<std::string> extensionAtEnd(const std::string &name, std::string_view extension) {
+    const std::string wanted = "." + std::string(extension);
+    if (name.size() <= wanted.size() ||
+        !equalsNoCase(std::string_view(name).substr(name.size() - wanted.size()), wanted))
+        return std::nullopt;
+    return wanted;
+}
+
+struct KnownName {
+    ExportFormat format;
+    std::size_t extension; ///< its length in bytes, with its point
+};
+
+std::optional<KnownName> knownName(const std::filesystem::path &file) {
+    const std::string name = file.filename().native();
+    for (const ExportFormatFacts &facts : kFormats)
+        if (const auto found = extensionAtEnd(name, facts.extension))
+            return KnownName{facts.format, found->size()};
+    if (const auto found = extensionAtEnd(name, kPlainWarc))
+        return KnownName{ExportFormat::warc, found->size()};
+    return std::nullopt;
+}
+
+} // namespace
+
+std::span<const ExportFormatFacts> exportFormats() {
+    return kFormats;
+}
+
+const ExportFormatFacts &factsOf(ExportFormat format) {
+    return kFormats.at(static_cast<std::size_t>(format));
+}
+
+std::optional<ExportFormat> formatOfName(const std::filesystem::path &file) {
+    const auto known = knownName(file);
+    return known ? std::optional(known->format) : std::nullopt;
+}
+
+std::filesystem::path withExtensionOf(const std::filesystem::path &file, ExportFormat format) {
+    const auto known = knownName(file);
+    if (!known)
+        return file;
+    std::string name = file.native();
+    name.resize(name.size() - known->extension);
+    return name + '.' + std::string(extensionOf(format));
 }
 
 } // namespace nv

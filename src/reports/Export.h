@@ -2,12 +2,14 @@
 
 #include "reports/ExportFile.h"
 #include "reports/ExportedRow.h"
+#include "reports/warc/WarcSource.h"
 #include "views/UnreadRows.h"
 #include "views/UrlColumns.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -19,17 +21,35 @@ enum class ExportFormat {
     csv,       ///< RFC 4180 in UTF-8
     jsonl,     ///< an event a line, as timeline tools read them
     xlsx,
+    warc, ///< cached contents with their answers' heads, as archives of the web have them
 };
+
+/// What is known of a form.
+struct ExportFormatFacts {
+    ExportFormat format;
+    std::string_view word;      ///< of the command line
+    std::string_view extension; ///< without the first point
+    std::string_view label;     ///< in the list of the window
+    bool hasColumns = true;     ///< it holds cells of the table
+};
+/// All of them, by the numbers of ExportFormat.
+std::span<const ExportFormatFacts> exportFormats();
+const ExportFormatFacts &factsOf(ExportFormat format);
+/// The form whose extension a file's name has, in either case; nothing for another name.
+std::optional<ExportFormat> formatOfName(const std::filesystem::path &file);
+/// A name with a form's extension in place of the one that it has, if that is of any form.
+std::filesystem::path withExtensionOf(const std::filesystem::path &file, ExportFormat format);
 
 /// What an export's file doesn't say by itself.
 struct ExportCounts {
-    std::int64_t rows = 0;
+    std::int64_t rows = 0;           ///< that are in the file
     std::int64_t charactersLost = 0; ///< became "?": Windows-1252 can't hold them
     std::int64_t cellsCut = 0;       ///< longer than a spreadsheet's cell may be
     std::int64_t cellsGuarded = 0;   ///< got an apostrophe in front
     std::int64_t rowsWithoutDate = 0;
     std::int64_t sheets = 0; ///< of a spreadsheet
-    UnreadRows unread;       ///< rows that stand in the file with their id only
+    UnreadRows unread;       ///< rows that stand in the file with their id only, or not at all
+    WarcCounts archived;     ///< of an archive
 };
 
 /// The choices of one export, and its text on the way to the file.
@@ -51,6 +71,8 @@ class Export {
     ExportFormat format = ExportFormat::delimited;
     /// Of csv: texts that a spreadsheet would take for a formula get an apostrophe in front.
     bool guardFormulas = false;
+    /// Of warc: where the contents are. It must outlive the export.
+    const WarcSource *contents = nullptr;
     ExportCounts counts;
 
     /// Writes `exportText` to `outputFilePath`, replacing what was there, and returns true. The
@@ -73,7 +95,8 @@ inline constexpr std::string_view kIndexColumn = "Index";
 std::string columnsAsString(std::span<const UrlColumn> shown);
 SelectedColumns columnsFromString(std::string_view columnsAsString);
 
-/// The words of the command line and their extensions.
-std::string_view extensionOf(ExportFormat format);
+inline std::string_view extensionOf(ExportFormat format) {
+    return factsOf(format).extension;
+}
 
 } // namespace nv

@@ -19,6 +19,8 @@ ExportColumn columnOf(const ListedColumn &chosen) {
 
 std::vector<ExportColumn> columnsOf(const Export &job) {
     std::vector<ExportColumn> columns;
+    if (!factsOf(job.format).hasColumns)
+        return columns;
     const SelectedColumns chosen = job.exportAllColumns ? defaultUrlColumns() : job.selectedColumns;
     for (const ListedColumn &column : chosen)
         columns.push_back(columnOf(column));
@@ -39,6 +41,8 @@ std::unique_ptr<ExportWriter> makeWriter(Export &job, const std::filesystem::pat
         return makeJsonLinesWriter(job);
     case ExportFormat::xlsx:
         return makeXlsxWriter(job, scratch);
+    case ExportFormat::warc:
+        return makeWarcWriter(job);
     case ExportFormat::delimited:
         break;
     }
@@ -93,7 +97,7 @@ ExportEnd exportRows(Export &job, UrlTable &table, const std::filesystem::path &
             return ExportEnd::cancelled;
         }
         writer->row(cells, row.rowNumber - 1);
-        if (!cells.isRead(row.rowNumber - 1))
+        if (factsOf(job.format).hasColumns && !cells.isRead(row.rowNumber - 1))
             noteUnread(job.counts.unread, table.idAt(row.rowNumber - 1));
         showProgress(task, ++job.counts.rows, total);
     }
@@ -116,10 +120,14 @@ void selectTagged(Export &job, const UrlTable &table, SQLite::Database &project)
     }
 }
 
-std::vector<std::string> notesOf(const ExportCounts &counts) {
+std::vector<std::string> notesOf(const Export &job) {
+    const ExportCounts &counts = job.counts;
     std::vector<std::string> notes;
     if (!counts.unread.empty())
-        notes.push_back(noteOf(counts.unread) + ". They stand in the file with their id only.");
+        notes.push_back(noteOf(counts.unread) +
+                        (factsOf(job.format).hasColumns
+                             ? ". They stand in the file with their id only."
+                             : ". They aren't in the file."));
     const auto note = [&notes](std::int64_t count, std::string_view what) {
         if (count > 0)
             notes.push_back(fmt::format("{} {}", count, what));
@@ -131,6 +139,11 @@ std::vector<std::string> notesOf(const ExportCounts &counts) {
         notes.push_back(
             fmt::format("The rows go on over {} sheets: one holds no more.", counts.sheets));
     note(counts.rowsWithoutDate, "events have no date: \"datetime\" and \"timestamp\" are null.");
+    note(counts.archived.others,
+         "rows have no cached content that is left, and aren't in the file.");
+    note(counts.archived.repeated, "answers have the content of an earlier one and refer to it.");
+    note(counts.archived.bodyless, "answers stand without their content, which is gone.");
+    note(counts.archived.undated, "records have no date: 1970-01-01 stands for it.");
     return notes;
 }
 

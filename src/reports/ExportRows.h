@@ -26,6 +26,6 @@ ExportEnd exportRows(Export &job, UrlTable &table, const std::filesystem::path &
 void selectTagged(Export &job, const UrlTable &table, SQLite::Database &project);
 
 /// What the examiner has to know of a file that was written, a sentence each.
-std::vector<std::string> notesOf(const ExportCounts &counts);
+std::vector<std::string> notesOf(const Export &job);
 
 } // namespace nv

@@ -33,6 +33,7 @@ class ExportCells {
     Date actionDate(std::size_t place);
     FactList facts(std::size_t place) { return m_table.facts(place, m_facts); }
     bool isRead(std::size_t place) { return m_table.isRead(place); }
+    UrlId idAt(std::size_t place) const { return m_table.idAt(place); }
 
   private:
     UrlTable &m_table;
@@ -55,6 +56,8 @@ std::unique_ptr<ExportWriter> makeCsvWriter(Export &job);
 std::unique_ptr<ExportWriter> makeJsonLinesWriter(Export &job);
 /// `scratch` is an existing folder for the sheet on its way.
 std::unique_ptr<ExportWriter> makeXlsxWriter(Export &job, const std::filesystem::path &scratch);
+/// Of `contents` of the job.
+std::unique_ptr<ExportWriter> makeWarcWriter(Export &job);
 
 /// Programs of spreadsheets take such a text for a formula.
 bool looksLikeFormula(std::string_view text);

@@ -87,6 +87,11 @@ std::string_view guardOfHead() {
     return kGuard;
 }
 
+/// Where all parts are inside, no file beside the page is one.
+std::string PageWriter::guardHere() const {
+    return m_references.haveInside() ? replaceAll(kGuard, "'self' ", "") : std::string(kGuard);
+}
+
 std::string markupText(std::string_view text) {
     std::string written;
     written.reserve(text.size());
@@ -171,7 +176,7 @@ void PageWriter::enterElement(const Node &element) {
     const std::string name = HtmlDocument::nameOf(element);
     switch (fateHere(element, name)) {
     case Fate::keep:
-        return keep(element, name, name == "head" ? kGuard : std::string_view());
+        return keep(element, name, name == "head" ? guardHere() : std::string());
     case Fate::unwrap:
         m_path.push_back({&element, 0, {}});
         return;
@@ -262,6 +267,15 @@ std::string PageWriter::candidatesOf(std::string_view srcset) const {
     return written;
 }
 
+std::string PageWriter::addressOf(std::string_view name, std::string_view attribute,
+                                  std::string_view value, Use use) const {
+    if (name == "iframe")
+        if (const auto page = m_references.framed(value))
+            return attributeText(page->attribute, page->value);
+    const auto kept = m_references.kept(value, use);
+    return kept ? attributeText(attribute, *kept) : std::string();
+}
+
 /// Where a link led is still told, where nothing follows it.
 std::string PageWriter::referenceOf(const Node &element, std::string_view name,
                                     const HtmlAttribute &attribute) const {
@@ -284,10 +298,11 @@ std::string PageWriter::referenceOf(const Node &element, std::string_view name,
     }
     if (!use)
         return {};
-    if (const auto kept = m_references.kept(attribute.value, *use))
-        return attributeText(attribute.name, *kept);
-    const bool isLink = attribute.name == "href" && use == Use::document;
-    return isLink && !attribute.value.empty() ? attributeText("data-href", attribute.value) : "";
+    if (std::string kept = addressOf(name, attribute.name, attribute.value, *use); !kept.empty())
+        return kept;
+    return use == Use::link && !attribute.value.empty()
+               ? attributeText("data-href", attribute.value)
+               : "";
 }
 
 std::string PageWriter::textWithin(const Node &element) const {
@@ -311,17 +326,19 @@ void PageWriter::writeWithText(const Node &element, std::string_view name) {
 
 /// What would need a program of its own leaves what it shows without one.
 void PageWriter::writeEmbedded(const Node &element, std::string_view name) {
-    const auto address = valueOf(m_page.attributesOf(element), name == "object" ? "data" : "src");
-    const auto kept = m_references.kept(address, Use::document);
-    if (!kept || kept->starts_with('#')) {
-        if (name == "object")
+    const auto attributes = m_page.attributesOf(element);
+    const bool isObject = name == "object";
+    const std::string_view address = valueOf(attributes, isObject ? "data" : "src");
+    const bool isPicture = m_references.isPicture(address);
+    const std::string_view plain = isPicture ? "img" : "iframe";
+    const std::string source =
+        addressOf(plain, "src", address, isPicture ? Use::image : Use::document);
+    if (source.empty() || trim(address).starts_with('#') || (isObject && find(attributes, "src"))) {
+        if (isObject)
             m_path.push_back({&element, 0, {}});
         return;
     }
-    const bool isPicture = m_references.isPicture(*kept);
-    const std::string_view plain = isPicture ? "img" : "iframe";
-    const std::string source = name == "object" ? attributeText("src", *kept) : std::string();
-    openTag(element, plain, source + attributesOf(element, plain));
+    openTag(element, plain, (isObject ? source : std::string()) + attributesOf(element, plain));
     m_text += isPicture ? "" : "</iframe>";
 }
 

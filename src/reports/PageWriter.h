@@ -61,7 +61,10 @@ class PageWriter {
     std::string candidatesOf(std::string_view srcset) const;
     std::string referenceOf(const Node &element, std::string_view name,
                             const HtmlAttribute &attribute) const;
+    std::string addressOf(std::string_view name, std::string_view attribute, std::string_view value,
+                          Use use) const;
     std::string textWithin(const Node &element) const;
+    std::string guardHere() const;
     Fate fateHere(const Node &element, std::string_view name) const;
 
     const HtmlDocument &m_page;

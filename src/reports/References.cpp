@@ -3,6 +3,7 @@
 #include "base/Base64.h"
 #include "base/Text.h"
 #include "markup/PageText.h"
+#include "reports/PartsInside.h"
 #include "reports/Playlists.h"
 #include "reports/SafePage.h"
 #include "reports/SafeStyle.h"
@@ -88,6 +89,10 @@ std::string dataOf(std::string_view type, std::string_view bytes) {
     return fmt::format("data:{};base64,{}", type, base64(viewOf(bytes)));
 }
 
+bool isDocument(Use use) {
+    return use == Use::document || use == Use::link;
+}
+
 /// What decodes pictures and fonts makes nothing else of a file. Others go by what a file holds, so
 /// that only what was looked into is given to them.
 bool serves(PartKind kind, Use use) {
@@ -97,6 +102,7 @@ bool serves(PartKind kind, Use use) {
     case Use::media:
         return kind == PartKind::media;
     case Use::document:
+    case Use::link:
         return kind != PartKind::style && kind != PartKind::plain && kind != PartKind::unknown;
     default:
         return kind != PartKind::unknown;
@@ -112,24 +118,49 @@ std::optional<std::string> References::kept(std::string_view address, Use use) c
     const std::string_view name = std::string_view(clean).substr(0, clean.find('#'));
     // A place in the page itself, which read as a style would fetch what its text says.
     if (name.empty() && !clean.empty())
-        return use == Use::image || use == Use::document ? std::optional(clean) : std::nullopt;
-    const auto part = m_folder.find(name);
-    return part != m_folder.end() && serves(part->second, use) ? std::optional(clean)
-                                                               : std::nullopt;
+        return use == Use::image || isDocument(use) ? std::optional(clean) : std::nullopt;
+    return keptPart(clean, use);
 }
 
-bool References::isPicture(std::string_view kept) const {
-    if (kept.starts_with("data:"))
-        return kept.starts_with("data:image/");
-    const auto part = m_folder.find(kept.substr(0, kept.find('#')));
+std::optional<std::string> References::keptPart(const std::string &address, Use use) const {
+    const std::size_t hash = std::min(address.find('#'), address.size());
+    const std::string_view name = std::string_view(address).substr(0, hash);
+    const auto part = m_folder.find(name);
+    if (part == m_folder.end() || !serves(part->second, use))
+        return std::nullopt;
+    const std::string_view place = std::string_view(address).substr(hash);
+    return m_inside ? m_inside->address(*part, place, use) : std::optional(address);
+}
+
+std::optional<FramedPage> References::framed(std::string_view address) const {
+    const std::string clean = cleaned(address);
+    const auto part = m_folder.find(std::string_view(clean).substr(0, clean.find('#')));
+    return m_inside && part != m_folder.end() ? m_inside->pageIn(*part) : std::nullopt;
+}
+
+/// Documents as data have no folder. While parts are files, their names stay in such a document all
+/// the same, where they lead nowhere.
+References References::within() const {
+    static const PageFolder kNone;
+    return References(m_inside ? kNone : m_folder, m_depth + 1);
+}
+
+bool References::isPicture(std::string_view address) const {
+    const std::string clean = cleaned(address);
+    if (startsWithNoCase(clean, "data:"))
+        return startsWithNoCase(clean, "data:image/");
+    const auto part = m_folder.find(std::string_view(clean).substr(0, clean.find('#')));
     return part != m_folder.end() &&
            (part->second == PartKind::picture || part->second == PartKind::svg);
 }
 
+/// It has the folder of the page that it stands in, unlike documents as data.
 std::optional<std::string> References::keptText(std::string_view html) const {
     if (m_depth >= kDeepest)
         return std::nullopt;
-    return guardedPage(html, PageForm::html, References(m_folder, m_depth + 1));
+    References within(*this);
+    ++within.m_depth;
+    return guardedPage(html, PageForm::html, within);
 }
 
 /// What is kept is written anew, so that it has one form only.
@@ -148,7 +179,7 @@ std::optional<std::string> References::keptData(std::string_view data, Use use) 
     std::string bytes = percentBytes(data.substr(comma + 1));
     if (words.size() > 1 && trim(words.back()) == "base64")
         bytes = fromBase64(bytes);
-    if ((use == Use::image || use == Use::document) && isOneOf(kPictures, type))
+    if ((use == Use::image || isDocument(use)) && isOneOf(kPictures, type))
         return dataOf(type, bytes);
     if (use == Use::font && isOneOf(kFonts, type))
         return dataOf(type, bytes);
@@ -156,12 +187,12 @@ std::optional<std::string> References::keptData(std::string_view data, Use use) 
         return dataOf(type, bytes);
     if (m_depth >= kDeepest)
         return std::nullopt;
-    const References within(m_folder, m_depth + 1);
+    const References within = this->within();
     if (use == Use::style && type == "text/css")
         return dataOf(type, guardedStyle(decodedStyle(viewOf(bytes), charset, {}).text, within));
     if (use == Use::image && type == "image/svg+xml")
         return keptDocument(type, bytes, charset);
-    return use == Use::document ? keptDocument(type, bytes, charset) : std::nullopt;
+    return isDocument(use) ? keptDocument(type, bytes, charset) : std::nullopt;
 }
 
 namespace {
@@ -177,7 +208,7 @@ std::string decodedData(const std::string &bytes, std::string_view charset, bool
 
 std::optional<std::string> References::keptDocument(std::string_view type, const std::string &bytes,
                                                     std::string_view charset) const {
-    const References within(m_folder, m_depth + 1);
+    const References within = this->within();
     const std::string text = decodedData(bytes, charset, type.ends_with("+xml"));
     if (type == "text/html" || type == "application/xhtml+xml")
         return dataOf("text/html",

@@ -84,6 +84,12 @@ std::string guardedPage(std::string_view html, PageForm form, const References &
                                  : textPage(html, form);
 }
 
+std::optional<std::string> withReferences(std::string_view guarded, PageForm form,
+                                          const References &references) {
+    auto page = writtenOnce(guarded, form, references, Detail::all);
+    return page && page->size() <= kLongestPage ? page : std::nullopt;
+}
+
 namespace {
 
 /// Nothing of a folder that was guarded in part may be handed over.

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,11 @@ enum class PageForm : std::uint8_t {
 /// that stay within the page's folder, and a policy in front for what a browser may know besides.
 /// Whatever reads it finds the same page, and guarding it again changes nothing. Text in UTF-8.
 std::string guardedPage(std::string_view html, PageForm form, const References &references);
+
+/// A page that was guarded already, with the references as `references` has them now; nothing when
+/// it is beyond a limit.
+std::optional<std::string> withReferences(std::string_view guarded, PageForm form,
+                                          const References &references);
 
 /// A page that shows a text as it stands.
 std::string textPage(std::string_view text, PageForm form);

@@ -2,6 +2,7 @@
 #include "gui/HostilePages.h"
 #include "platform/qt/PageGuard.h"
 #include "platform/qt/QtText.h"
+#include "reports/PartsInside.h"
 #include "reports/SafePage.h"
 #include "support/TempFolder.h"
 
@@ -39,8 +40,10 @@ class GuardedPagesTest : public QObject {
 
   private:
     static void addPages();
-    /// Shows "page/0000001.htm" in the browser.
-    void show(const TempFolder &folder, const std::string &html, bool isGuarded);
+    enum class Left { unguarded, asFolder, asFile };
+    /// Shows "page/0000001.htm" in the browser, as it left the program.
+    void show(const TempFolder &folder, const std::string &html, Left how);
+    void showWithRedParts(const std::string &html, Left how);
     bool showsRed();
 
     std::unique_ptr<QWebEngineProfile> m_profile;
@@ -98,10 +101,12 @@ void GuardedPagesTest::addPages() {
             << std::string(element.html);
 }
 
-void GuardedPagesTest::show(const TempFolder &folder, const std::string &html, bool isGuarded) {
-    const auto page = folder.write("page/0000001.htm", "<body style='margin:0'>" + html);
-    if (isGuarded)
+void GuardedPagesTest::show(const TempFolder &folder, const std::string &html, Left how) {
+    auto page = folder.write("page/0000001.htm", "<body style='margin:0'>" + html);
+    if (how != Left::unguarded)
         guardFolder(page);
+    if (how == Left::asFile)
+        page = folder.write("file/0000001.html", singlePage(page).value());
     QEventLoop loop;
     connect(m_view->page(), &QWebEnginePage::loadFinished, &loop, &QEventLoop::quit);
     QTimer::singleShot(2000, &loop, &QEventLoop::quit);
@@ -127,7 +132,7 @@ void GuardedPagesTest::theWaysAreWays() {
     for (const HostileWay &way : kHostileWays) {
         const TempFolder folder;
         const Listener listener;
-        show(folder, listener.in(std::string(way.html)), false);
+        show(folder, listener.in(std::string(way.html)), Left::unguarded);
         heard += listener.heard > 0 ? 1 : 0;
     }
     qInfo("%d of %zu ways reach the listener unguarded", heard, kHostileWays.size());
@@ -136,18 +141,35 @@ void GuardedPagesTest::theWaysAreWays() {
 
 void GuardedPagesTest::nothingIsAskedFor() {
     QFETCH(std::string, html);
-    const TempFolder folder;
-    const Listener listener;
-    show(folder, listener.in(html), true);
-    QCOMPARE(listener.heard, 0);
+    for (const Left how : {Left::asFolder, Left::asFile}) {
+        const TempFolder folder;
+        const Listener listener;
+        show(folder, listener.in(html), how);
+        QCOMPARE(listener.heard, 0);
+    }
 }
 
 void GuardedPagesTest::nothingOfElsewhereIsShown() {
     QFETCH(std::string, html);
+    for (const Left how : {Left::asFolder, Left::asFile}) {
+        const TempFolder folder;
+        writeRedFiles(folder, "");
+        show(folder, withAddress(html, ".."), how);
+        QVERIFY(!showsRed());
+    }
+}
+
+void GuardedPagesTest::showWithRedParts(const std::string &html, Left how) {
     const TempFolder folder;
-    writeRedFiles(folder, "");
-    show(folder, withAddress(html, ".."), true);
-    QVERIFY(!showsRed());
+    folder.write("page/0000002.gif", kRedGif);
+    folder.write("page/0000003.css", "p{background:url(0000002.gif)}");
+    folder.write("page/0000004.htm", "<body bgcolor=red>");
+    folder.write("page/0000005.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='99' "
+                                     "height='99'><rect fill='red' width='99' height='99'/></svg>");
+    folder.write("page/0000006.htm", "<iframe src=0000007.htm></iframe>");
+    folder.write("page/0000007.htm", "<img src=0000002.gif width=99 height=99>");
+    folder.write("page/0000008.css", "@import '0000003.css';");
+    show(folder, html, how);
 }
 
 void GuardedPagesTest::whatLiesBesideThePageIsShown() {
@@ -157,17 +179,14 @@ void GuardedPagesTest::whatLiesBesideThePageIsShown() {
           "<style>p{background:u\\72l(0000002.gif)}</style><p>a",
           "<iframe src=0000004.htm></iframe>", "<img src=0000005.svg>",
           "<iframe src='data:text/html,<body bgcolor=red>'></iframe>",
-          "<style>@import '0000003.css';</style><p>a"}) {
-        const TempFolder folder;
-        folder.write("page/0000002.gif", kRedGif);
-        folder.write("page/0000003.css", "p{background:url(0000002.gif)}");
-        folder.write("page/0000004.htm", "<body bgcolor=red>");
-        folder.write("page/0000005.svg",
-                     "<svg xmlns='http://www.w3.org/2000/svg' width='99' "
-                     "height='99'><rect fill='red' width='99' height='99'/></svg>");
-        show(folder, html, true);
-        QVERIFY2(showsRed(), html);
-    }
+          "<style>@import '0000003.css';</style><p>a", "<iframe src=0000006.htm></iframe>",
+          "<link rel=stylesheet href=0000008.css><p>a",
+          "<img srcset='0000002.gif 1x' width=99 height=99>",
+          "<picture><source srcset=0000002.gif><img width=99 height=99></picture>"})
+        for (const Left how : {Left::asFolder, Left::asFile}) {
+            showWithRedParts(html, how);
+            QVERIFY2(showsRed(), html);
+        }
 }
 
 } // namespace nv

@@ -34,6 +34,7 @@ class UpgradeExportTest : public QObject {
     void aScanThatFailsIsToldAndOffersNoFix();
     void theOpenProjectIsClosedForTheWizardAndOpenedAfterIt();
     void anExportWritesWhatTheDialogSays();
+    void cachedContentsLeaveAsAWebArchive();
     void anEmptyPathStopsTheExport();
     void cancelInTheDialogWritesNothing();
     void aNameFollowsItsFormat();
@@ -158,6 +159,26 @@ void UpgradeExportTest::anExportWritesWhatTheDialogSays() {
     QVERIFY(text(out).find("http://a.example/") != std::string::npos);
 }
 
+void UpgradeExportTest::cachedContentsLeaveAsAWebArchive() {
+    Desk desk;
+    MainForm form(desk.program, desk.dialogs);
+    openExample(desk, form);
+    const fs::path out = desk.folder.path() / "rows.warc";
+    whenShown<ExportForm>([&](ExportForm &dialog) {
+        QVERIFY(child<QWidget>(dialog, "boxColumns").isEnabled());
+        auto &formats = child<QComboBox>(dialog, "cbFormat");
+        formats.setCurrentIndex(static_cast<int>(ExportFormat::warc));
+        QVERIFY(formats.currentText().contains(QStringLiteral("WARC")));
+        QVERIFY(!child<QWidget>(dialog, "boxColumns").isEnabled());
+        QTest::keyClicks(&child<QLineEdit>(dialog, "txtOutputFilename"),
+                         QString::fromStdString(out.string()));
+        dialog.accept();
+    });
+    trigger(form, "actExport");
+    QVERIFY(asked(desk, "columns-exported"));
+    QVERIFY(text(out).starts_with("WARC/1.1\r\nWARC-Type: warcinfo\r\n"));
+}
+
 void UpgradeExportTest::anEmptyPathStopsTheExport() {
     Desk desk;
     MainForm form(desk.program, desk.dialogs);
@@ -200,7 +221,10 @@ void UpgradeExportTest::aNameFollowsItsFormat() {
     formats.setCurrentIndex(2);
     QCOMPARE(name.text(), QStringLiteral("/nowhere/rows.jsonl"));
     QVERIFY(!child<QWidget>(form, "opDelimiter").isEnabled());
+    formats.setCurrentIndex(4);
+    QCOMPARE(name.text(), QStringLiteral("/nowhere/rows.warc.gz"));
     formats.setCurrentIndex(0);
+    QCOMPARE(name.text(), QStringLiteral("/nowhere/rows.txt"));
     form.show();
     child<QAbstractButton>(form, "opDelimiter3").click();
     child<QAbstractButton>(form, "opRowsTagged").click();

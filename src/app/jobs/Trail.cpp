@@ -185,7 +185,7 @@ void noteExport(Program &program, const Export &job, std::string_view place) {
     entry.action = "Export";
     entry.detail = fmt::format("{} exported as {}",
                                counted(static_cast<std::uint64_t>(job.counts.rows), "row"),
-                               extensionOf(job.format));
+                               factsOf(job.format).word);
     entry.rowCount = job.counts.rows;
     if (place.empty())
         noteFileInTrail(program, std::move(entry), job.outputFilePath);

@@ -17,7 +17,6 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
-#include <fmt/format.h>
 
 #include <array>
 #include <utility>
@@ -61,7 +60,8 @@ ExportForm::ExportForm(Export &job, std::size_t rows, Untouchable untouchable, E
 }
 
 QWidget *ExportForm::newColumns() {
-    auto *box = new QGroupBox(tr("Columns"));
+    auto *box = m_columnBox = new QGroupBox(tr("Columns"));
+    box->setObjectName(QStringLiteral("boxColumns"));
     m_all = new QCheckBox(tr("&All columns of the table, hidden ones too"));
     m_all->setObjectName(QStringLiteral("chkAll"));
     m_columns = new QListWidget;
@@ -106,15 +106,14 @@ QWidget *ExportForm::newFormatChoice() {
     m_format = new QComboBox;
     m_format->setObjectName(QStringLiteral("cbFormat"));
     m_format->setAccessibleName(tr("Format"));
-    m_format->addItem(tr("Delimited text, Windows-1252, as shown"));
-    m_format->addItem(tr("CSV, UTF-8, quoted"));
-    m_format->addItem(tr("JSON lines, an event a line (Timesketch)"));
-    m_format->addItem(tr("Spreadsheet (XLSX)"));
+    for (const ExportFormatFacts &facts : exportFormats())
+        m_format->addItem(toQt(facts.label));
     m_guard = new QCheckBox(tr("Apostrophe before texts that look like &formulas"));
     m_guard->setObjectName(QStringLiteral("chkGuardFormulas"));
     m_guard->setToolTip(tr("A spreadsheet may run a text of evidence that begins with = + - or @"));
     m_format->setToolTip(tr("Delimited text is what the table shows; the others hold what is "
-                            "stored, with dates in ISO 8601"));
+                            "stored, with dates in ISO 8601. A web archive holds cached contents, "
+                            "for programs that replay them"));
     m_delimiters = new QWidget;
     m_delimiters->setToolTip(tr("What stands between two cells; one in a cell isn't quoted"));
     m_delimiters->setObjectName(QStringLiteral("opDelimiter"));
@@ -164,16 +163,10 @@ ExportFormat ExportForm::format() const {
 void ExportForm::followFormat() {
     m_delimiters->setEnabled(format() == ExportFormat::delimited);
     m_guard->setEnabled(format() == ExportFormat::csv);
+    m_columnBox->setEnabled(factsOf(format()).hasColumns);
     if (!m_file || m_file->text().isEmpty())
         return;
-    std::filesystem::path path = pathFromQt(m_file->text());
-    for (const ExportFormat known :
-         {ExportFormat::delimited, ExportFormat::csv, ExportFormat::jsonl, ExportFormat::xlsx})
-        if (path.extension() == fmt::format(".{}", extensionOf(known))) {
-            path.replace_extension(extensionOf(format()));
-            m_file->setText(pathToQt(path));
-            return;
-        }
+    m_file->setText(pathToQt(withExtensionOf(pathFromQt(m_file->text()), format())));
 }
 
 void ExportForm::browse() {
@@ -183,9 +176,10 @@ void ExportForm::browse() {
     // The question whether to overwrite comes with Okay, for typed names too.
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
     const QString extension = toQt(extensionOf(format()));
-    const QString kind = format() == ExportFormat::delimited
-                             ? QStringLiteral("Plain Text (*.txt)")
-                             : QStringLiteral("%1 (*.%2)").arg(extension.toUpper(), extension);
+    const QString kind =
+        format() == ExportFormat::delimited
+            ? QStringLiteral("Plain Text (*.txt)")
+            : QStringLiteral("%1 (*.%2)").arg(toQt(factsOf(format()).word).toUpper(), extension);
     dialog.setNameFilters({kind, QStringLiteral("All Files (*.*)")});
     dialog.setDefaultSuffix(extension);
     if (dialog.exec() == QDialog::Accepted)

@@ -41,6 +41,7 @@ class ExportForm final : public QDialog {
     Export &m_job;
     Untouchable m_untouchable;
     Examiner &m_examiner;
+    QWidget *m_columnBox = nullptr;
     QListWidget *m_columns = nullptr; ///< List1
     QCheckBox *m_all = nullptr;       ///< chkAll
     QButtonGroup *m_rows = nullptr;   ///< opRows: 0 all, 1 tagged

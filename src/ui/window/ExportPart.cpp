@@ -1,5 +1,7 @@
 #include "ui/window/ExportPart.h"
 
+#include "app/jobs/ArchiveSource.h"
+#include "app/jobs/RecordTools.h"
 #include "app/jobs/Trail.h"
 #include "app/messages/Messages.h"
 #include "app/project/EvidenceFolders.h"
@@ -45,9 +47,13 @@ void ExportPart::run(Export &job) {
     std::optional<std::string> failure;
     m_bench.runTask({"EXPORTING URLS", "Collecting row data...", "", ""}, [&](TaskMonitor &task) {
         failure = failureOf(m_bench.program.log, "MainForm.ExportColumns()", [&] {
+            const RecordTools tools(m_bench.program, task, m_bench.program.state.tempFolderPath);
+            const WarcSource contents = warcSource(m_bench.program, tools);
+            job.contents = &contents;
             end = exportRows(job, table, m_bench.program.state.tempFolderPath, task);
             if (end == ExportEnd::exported)
                 noteExport(m_bench.program, job);
+            job.contents = nullptr;
         });
     });
     job.abandon();
@@ -62,7 +68,7 @@ void ExportPart::run(Export &job) {
 
 void ExportPart::tell(const Export &job) {
     std::string notes;
-    for (const std::string &note : notesOf(job.counts))
+    for (const std::string &note : notesOf(job))
         notes += "\n" + note;
     m_bench.showNotice(
         tr("%L1 rows exported to %2").arg(job.counts.rows).arg(toQt(textOf(job.outputFilePath))));

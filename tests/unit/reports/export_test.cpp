@@ -172,7 +172,7 @@ TEST_F(ExportTest, anEventWithoutADateSaysSo) {
     EXPECT_TRUE(event.at("timestamp").is_null());
     EXPECT_EQ(event.at("timestamp_desc"), "Action Date");
     EXPECT_EQ(job.counts.rowsWithoutDate, 1);
-    EXPECT_THAT(notesOf(job.counts), ElementsAre(HasSubstr("1 events have no date")));
+    EXPECT_THAT(notesOf(job), ElementsAre(HasSubstr("1 events have no date")));
 }
 
 TEST_F(ExportTest, datesBefore1970CountBackwards) {
@@ -253,9 +253,9 @@ TEST_F(ExportTest, aSheetIsReadBack) {
 
 TEST_F(ExportTest, furtherSheetsAreToldOf) {
     job.counts.sheets = 1;
-    EXPECT_TRUE(notesOf(job.counts).empty());
+    EXPECT_TRUE(notesOf(job).empty());
     job.counts.sheets = 2;
-    EXPECT_THAT(notesOf(job.counts), ElementsAre(HasSubstr("2 sheets")));
+    EXPECT_THAT(notesOf(job), ElementsAre(HasSubstr("2 sheets")));
 }
 
 TEST_F(ExportTest, aRowOfOneEmptyCellIsARowOfCsv) {

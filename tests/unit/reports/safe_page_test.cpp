@@ -144,6 +144,41 @@ TEST(SafePage, noWayOutIsLeft) {
         }
 }
 
+TEST(SafePage, objectsBecomeWhatTheyShow) {
+    EXPECT_EQ(body("<object data=0000002.gif width=9 type=image/gif>else</object>a"),
+              "<img src=\"0000002.gif\" width=\"9\" type=\"image/gif\"/>a");
+    EXPECT_EQ(body("<embed width=9 src=0000002.gif>"), "<img width=\"9\" src=\"0000002.gif\"/>");
+    EXPECT_EQ(body("<object data=0000004.htm>else</object><embed src=0000004.htm>"),
+              "<iframe src=\"0000004.htm\"></iframe><iframe src=\"0000004.htm\"></iframe>");
+    EXPECT_EQ(body("<object data=data:image/gif;base64,R0lG></object>"),
+              "<img src=\"data:image/gif;base64,R0lG\"/>");
+    EXPECT_EQ(body("<object data=0000002.gif src=0000002.gif>else</object>"), "else");
+    EXPECT_EQ(body("<object data=http://red/>else</object><embed src=//red/>"), "else");
+    EXPECT_EQ(body("<object data=0000003.css>1</object><object data=0000005.txt>2</object>"
+                   "<object data=0000006.mp4>3</object><object data='data:text/html,a'>4</object>"
+                   "<object>5</object>"),
+              "12345");
+}
+
+TEST(SafePage, ofSetsOfPicturesThoseOfTheFolderStay) {
+    const auto set = [](std::string_view value) {
+        return body("<img srcset=\"" + std::string(value) + "\">");
+    };
+    EXPECT_EQ(set("0000002.gif"), "<img srcset=\"0000002.gif\"/>");
+    EXPECT_EQ(set(" ,, 0000002.gif, 0000002.gif 2x ,http://red/ 3x,"),
+              "<img srcset=\"0000002.gif, 0000002.gif 2x\"/>");
+    EXPECT_EQ(set("0000002.gif url(a,http://red/ 1x), 0000002.gif 640w 4h"),
+              "<img srcset=\"0000002.gif 640w 4h\"/>");
+    EXPECT_EQ(set("data:image/gif;base64,R0lG 2x, ../0000002.gif 1x"),
+              "<img srcset=\"data:image/gif;base64,R0lG 2x\"/>");
+    for (const char *none : {"", ",", "http://red/", "0000002.gif,http://red/ 2x", "red.gif 1x",
+                             "0000002.gif 1x;url", "//red/ 1x, /red 2x"})
+        EXPECT_EQ(set(none), "<img/>") << none;
+    EXPECT_EQ(body("<p srcset=0000002.gif><video srcset=0000002.gif></video>"),
+              "<p><video></video></p>");
+    EXPECT_EQ(set(std::string(300'000, ',') + "0000002.gif" + std::string(300'000, '(')), "<img/>");
+}
+
 TEST(SafePage, guardingAgainChangesNothing) {
     for (const test::HostileWay &way : test::kHostileWays) {
         const std::string once = guarded(in(way, "http://127.0.0.1:9"));
