@@ -31,13 +31,16 @@ bool hasItsChecksum(ByteView file) {
     return crc == file.u32le(4);
 }
 
-void readEntries(ByteView payload, std::uint64_t count, SimpleIndex &index) {
+/// How many there are, one that is listed twice counted twice.
+std::uint64_t readEntries(ByteView payload, std::uint64_t count, SimpleIndex &index) {
     const std::uint64_t wordless = kFixed + count * kEntry + kChanged;
     std::uint64_t at = kFixed + (payload.size() > wordless ? 4 : 0);
-    for (std::uint64_t i = 0; i < count && payload.has(at, kEntry); ++i, at += kEntry) {
+    std::uint64_t number = 0;
+    for (; number < count && payload.has(at, kEntry); ++number, at += kEntry) {
         const auto used = static_cast<std::int64_t>(payload.u64le(at + 8));
         index.lastUsed[payload.u64le(at)] = isDate(used) ? used : 0;
     }
+    return number;
 }
 
 } // namespace
@@ -53,12 +56,11 @@ SimpleIndex simpleIndexOf(ByteView file) {
     index.version = payload.u32le(8);
     const std::uint64_t stored = payload.u64le(12);
     const std::uint64_t count = std::min<std::uint64_t>(stored, payload.size() / kEntry);
-    readEntries(payload, count, index);
+    const std::uint64_t met = readEntries(payload, count, index);
     if (!hasItsChecksum(file))
         index.damage = "its checksum is wrong";
-    if (index.lastUsed.size() < stored)
-        index.damage =
-            fmt::format("it counts {} entries and has {}", stored, index.lastUsed.size());
+    if (met < stored)
+        index.damage = fmt::format("it counts {} entries and has {}", stored, met);
     return index;
 }
 
