@@ -225,6 +225,18 @@ TEST_F(FirefoxCache2, whatWasGivenUpIsARemnant) {
     EXPECT_EQ(records[2].cacheType, "Firefox Cache Remnant");
 }
 
+TEST_F(FirefoxCache2, aFolderOfGivenUpOnesIsReadWithoutItsCache) {
+    FirefoxCache2Entry entry;
+    fs::create_directories(cache / "doomed");
+    writeWhole(cache / "doomed" / "1033657517", entry.bytes());
+    const auto &records = read(cache / "doomed");
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0].cacheType, "Firefox Cache Remnant");
+    EXPECT_EQ(test::factOf(records[0], "recovered_from"),
+              "doomed/1033657517, which the browser had given up");
+    EXPECT_EQ(bodyOfRecord(records[0]), entry.body);
+}
+
 TEST_F(FirefoxCache2, entriesThatWereCopiedOutAreRead) {
     FirefoxCache2Entry entry;
     entry.writeTo(cache);
@@ -358,6 +370,17 @@ class Cache2Recognition : public FirefoxCache2 {
     }
     const std::string hex = "0A1B2C3D4E5F60718293A4B5C6D7E8F901234567";
 };
+
+TEST_F(Cache2Recognition, givenUpEntriesLeadToItToo) {
+    const std::string bytes = FirefoxCache2Entry().bytes();
+    EXPECT_EQ(taken("p/cache2/doomed/1033657517", bytes), "firefox-cache2 p/cache2/doomed");
+    EXPECT_EQ(taken("p/cache2/doomed/1033657517", bytes, false), "firefox-cache2 p/cache2/doomed");
+    EXPECT_EQ(taken("p/cache2/doomed/12x4567", bytes), "");
+    EXPECT_EQ(taken("p/other/1033657517", bytes), "");
+    EXPECT_EQ(taken("p/cache2/doomed/1033657517", "1033657517"), "");
+    fs::create_directories(folder.path() / "p/cache2/entries");
+    EXPECT_EQ(taken("p/cache2/doomed/1033657517", bytes), "firefox-cache2 p/cache2");
+}
 
 TEST_F(Cache2Recognition, itIsItsFolder) {
     FirefoxCache2Entry entry;
