@@ -7,12 +7,15 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "readers/Body.h"
+#include "readers/CachedBody.h"
 #include "readers/EvidenceGaps.h"
 #include "readers/FolderLayout.h"
+#include "readers/HeldBody.h"
+#include "readers/HeldFile.h"
 #include "readers/Limits.h"
 #include "readers/chrome/ByteRanges.h"
 #include "readers/chrome/CacheRow.h"
+#include "readers/chrome/ScriptAddresses.h"
 #include "readers/chrome/SimpleEntry.h"
 #include "readers/chrome/SimpleIndex.h"
 #include "readers/chrome/Stamps.h"
@@ -35,7 +38,10 @@ namespace {
 
 constexpr std::string_view kProcedure = "ChromiumSimpleCache.read()";
 constexpr std::string_view kDoomed = "todelete_";
+constexpr std::string_view kBodyName = "~simple_body";
 constexpr std::size_t kDigits = 16;
+/// Files of up to this size are read once, body and all.
+constexpr std::uint64_t kReadAtOnce = kBodyInMemory + (std::uint64_t{64} << 10);
 constexpr std::uint32_t kFirstVersion = 5;
 constexpr std::uint32_t kLastVersion = 9;
 
@@ -67,6 +73,7 @@ class SimpleReading {
             {"PARSING CHROMIUM CACHE", "Simple cache", textOf(m_folder), "chromeCache-32.gif"});
         const std::vector<EntryFiles> entries = listEntries();
         readIndex();
+        m_scripts = scriptAddressesBeside(m_ctx.evidence, m_folder, m_ctx.log);
         std::size_t number = 0;
         for (const EntryFiles &entry : entries) {
             if (!m_ctx.task.advance(static_cast<double>(number) /
@@ -132,7 +139,7 @@ class SimpleReading {
     }
 
     /// Nothing, and counted, when the file is none of an entry's or of another version.
-    std::optional<SimpleHead> headOf(const EvidenceFile &file) {
+    std::optional<SimpleHead> headOf(const ByteSource &file) {
         auto head = simpleHeadOf(file);
         if (!head) {
             damage(file.path(), "it has no head, or no whole key");
@@ -147,7 +154,8 @@ class SimpleReading {
     }
 
     void takeFile0(const EntryFiles &files) {
-        const EvidenceFile file = m_ctx.evidence.open(files.file0);
+        const EvidenceFile opened = m_ctx.evidence.open(files.file0);
+        const HeldFile file(opened, kReadAtOnce);
         const auto head = headOf(file);
         if (!head)
             return;
@@ -158,7 +166,10 @@ class SimpleReading {
                                         entry.body.size, 0};
         UrlRecord record = chromeEntryRecord(m_ctx, place, head->key, ByteView(response));
         addUse(record, files.name);
-        addDoubts(record, file, entry);
+        if (const auto script = m_scripts.byKey.find(head->key); script != m_scripts.byKey.end())
+            addAddress(record, script->second);
+        HeldBody held(m_ctx.content);
+        addDoubts(record, file, entry, held);
         addStreams(record, files);
         if (!entry.damage.empty())
             damage(file.path(), entry.damage);
@@ -166,6 +177,9 @@ class SimpleReading {
             makeChromeRemnant(record, "a file that the browser had set aside to delete it");
         else if (!entry.damage.empty())
             makeChromeRemnant(record, "an entry's file: " + entry.damage);
+        // Stretches take the place of a body that is empty.
+        if (record.DataBlockFile != place.file)
+            m_ctx.content.forget();
         save(record);
     }
 
@@ -183,6 +197,11 @@ class SimpleReading {
         save(record);
     }
 
+    static void addAddress(UrlRecord &record, const std::string &url) {
+        setChromeAddress(record, url);
+        record.facts.add("cache_key", record.URLRawValue);
+    }
+
     void addUse(UrlRecord &record, const SimpleFileName &name) {
         if (name.isDoomed)
             return;
@@ -194,16 +213,23 @@ class SimpleReading {
             ++m_result.noted["entry that the-real-index doesn't list"];
     }
 
-    void addDoubts(UrlRecord &record, const EvidenceFile &file, const SimpleEntry &entry) {
+    void addDoubts(UrlRecord &record, const ByteSource &file, const SimpleEntry &entry,
+                   HeldBody &held) {
         if (!hasItsChecksum(file, entry.head)) {
             ++m_result.noted["answer with a wrong checksum"];
             record.facts.add("body", "the checksum of the answer's head is wrong");
         }
-        if (!hasItsChecksum(file, entry.body)) {
+        BodyTarget target(m_ctx.scratch / kBodyName, kBodyInMemory);
+        if (!hasItsChecksum(file, entry.body, &target)) {
             ++m_result.noted["body with a wrong checksum"];
             record.facts.add("body", "its checksum is wrong");
         }
         addBodyDoubts(record, entry.body.size);
+        if (entry.body.size == 0)
+            return;
+        Body body = target.take();
+        settleBody(record, body, Packing::byHeaders, kBodyInMemory, m_ctx.log);
+        held.take(std::move(body));
     }
 
     void addStreams(UrlRecord &record, const EntryFiles &files) {
@@ -235,7 +261,7 @@ class SimpleReading {
                                                        textOf(path.filename()), stream->at));
     }
 
-    void addStretches(UrlRecord &record, const EvidenceFile &file, const SimpleHead &head) {
+    void addStretches(UrlRecord &record, const ByteSource &file, const SimpleHead &head) {
         const SimpleStretches stretches = simpleStretchesOf(file, head);
         if (!stretches.damage.empty())
             damage(file.path(), stretches.damage);
@@ -265,6 +291,8 @@ class SimpleReading {
     }
 
     void tellOfIndex() {
+        if (m_scripts.isDamaged)
+            ++m_result.noted["store with the addresses of scripts that can't be read whole"];
         if (!m_index.damage.empty() && m_indexFile)
             damage(*m_indexFile, m_index.damage + ", so times of last use may be missing");
         else if (!m_index.isThere)
@@ -304,6 +332,7 @@ class SimpleReading {
     ReadResult m_result;
     SimpleIndex m_index;
     std::optional<fs::path> m_indexFile;
+    ScriptAddresses m_scripts;
     std::unordered_set<std::uint64_t> m_met;
     std::uint64_t m_damaged = 0;
     std::int64_t m_count = 0;
