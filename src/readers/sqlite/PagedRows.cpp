@@ -46,8 +46,9 @@ std::uint64_t lengthOf(std::uint64_t kind) {
 }
 
 std::int64_t numberOf(std::uint64_t kind, ByteView value) {
-    if (kind == 9)
-        return 1;
+    constexpr std::uint64_t kFirstText = 12;
+    if (kind == 9 || kind >= kFirstText)
+        return kind == 9 ? 1 : 0;
     const std::uint64_t number = bigEndian(value);
     const auto bits = static_cast<unsigned>(64 - 8 * value.size());
     return value.empty() ? 0 : static_cast<std::int64_t>(number << bits) >> bits;
