@@ -1,5 +1,5 @@
 // folder           = "caches.sqlite" | "morgue": {0 to 255}: {UUID}.final
-// storage          = namespace key cache_id      a cache's name, UTF-16; namespace 1 is the browser's
+// storage          = namespace key cache_id      a cache's name in UTF-16; 1 is the browser's own
 // entries          = id request_* response_* cache_id
 // response_headers = name value entry_id         request_headers = name value entry_id
 // security_info    = id data (base64)            response_url_list = url entry_id

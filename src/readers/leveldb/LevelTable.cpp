@@ -1,7 +1,8 @@
-// table  = (block packed:u8 checksum:u32)* place place ... magic:u64     the last 48 bytes: meta, index
+// table  = (block packed:u8 checksum:u32)* foot
+// foot   = place{meta} place{index} zeros magic:u64                     48 bytes
 // place  = at:varint size:varint
 // block  = entry* restart:u32* count:u32
-// entry  = shared:varint own:varint size:varint key[own] value[size]     shared: with the key before
+// entry  = shared:varint own:varint size:varint key[own] value[size]   shared with the one before
 // The values of the index are the places of the other blocks. A key ends in kind:u8 sequence:u56.
 
 #include "readers/Crc32c.h"
