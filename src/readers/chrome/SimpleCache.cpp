@@ -45,13 +45,16 @@ constexpr std::uint64_t kReadAtOnce = kBodyInMemory + (std::uint64_t{64} << 10);
 constexpr std::uint32_t kFirstVersion = 5;
 constexpr std::uint32_t kLastVersion = 9;
 
-/// The files of one entry, by their names; empty for those that aren't there.
+/// The names of one entry's files; empty for those that aren't there. A cache has ten thousand, of
+/// which paths would take ten times the room.
 struct EntryFiles {
     SimpleFileName name;
-    fs::path file0;
-    fs::path file1;
-    fs::path sparse;
+    std::string file0;
+    std::string file1;
+    std::string sparse;
 };
+/// By what their names have in common, in the order of the names.
+using Entries = std::map<std::string, EntryFiles>;
 
 std::vector<ByteRange> rangesOf(const SimpleStretches &stretches) {
     std::vector<ByteRange> ranges;
@@ -71,17 +74,19 @@ class SimpleReading {
     ReadResult read() {
         m_ctx.task.describe(
             {"PARSING CHROMIUM CACHE", "Simple cache", textOf(m_folder), "chromeCache-32.gif"});
-        const std::vector<EntryFiles> entries = listEntries();
+        const Entries entries = listEntries();
         readIndex();
         m_scripts = scriptAddressesBeside(m_ctx.evidence, m_folder, m_ctx.log);
         std::size_t number = 0;
-        for (const EntryFiles &entry : entries) {
+        for (const auto &[stem, entry] : entries) {
             if (!m_ctx.task.advance(static_cast<double>(number) /
                                     static_cast<double>(entries.size()))) {
                 m_result.state = ReadState::cancelled;
                 return m_result;
             }
-            m_trap.attempt(number++, [&] { tellingGaps(m_ctx.log, [&] { takeEntry(entry); }); });
+            m_trap.attempt(number++, [&] {
+                tellingGaps(m_ctx.log, [&, &files = entry] { takeEntry(files); });
+            });
         }
         tellOfIndex();
         tellOfFailures();
@@ -90,24 +95,26 @@ class SimpleReading {
     }
 
   private:
-    std::vector<EntryFiles> listEntries() const {
-        std::map<std::string, EntryFiles> byStem;
-        for (const fs::path &file : m_ctx.evidence.contentsOf(m_folder).files) {
-            const std::string name = toLower(textOf(file.filename()));
+    Entries listEntries() {
+        Entries entries;
+        const FolderContents contents = m_ctx.evidence.contentsOf(m_folder);
+        for (const fs::path &folder : contents.folders)
+            if (toLower(textOf(folder.filename())) == "index-dir")
+                m_indexFile = m_ctx.evidence.find(folder, "the-real-index");
+        for (const fs::path &file : contents.files) {
+            const fs::path own = file.filename();
+            const std::string name = toLower(textOf(own));
             const auto parts = simpleFileName(name);
             if (!parts)
                 continue;
             std::string stem = name;
             stem[(parts->isDoomed ? kDoomed.size() : 0) + kDigits + 1] = '?';
-            EntryFiles &entry = byStem[stem];
+            EntryFiles &entry = entries[stem];
             entry.name = *parts;
             (parts->part == '0'   ? entry.file0
              : parts->part == '1' ? entry.file1
-                                  : entry.sparse) = file;
+                                  : entry.sparse) = own.native();
         }
-        std::vector<EntryFiles> entries;
-        for (auto &[stem, entry] : byStem)
-            entries.push_back(std::move(entry));
         return entries;
     }
 
@@ -123,7 +130,6 @@ class SimpleReading {
     }
 
     void readIndexFile() {
-        m_indexFile = m_ctx.evidence.find(m_folder, "index-dir/the-real-index");
         if (!m_indexFile)
             return;
         const Bytes bytes = m_ctx.evidence.head(*m_indexFile, limits::kChromeSimpleIndex);
@@ -154,7 +160,7 @@ class SimpleReading {
     }
 
     void takeFile0(const EntryFiles &files) {
-        const EvidenceFile opened = m_ctx.evidence.open(files.file0);
+        const EvidenceFile opened = m_ctx.evidence.open(m_folder / files.file0);
         const HeldFile file(opened, kReadAtOnce);
         const auto head = headOf(file);
         if (!head)
@@ -185,7 +191,7 @@ class SimpleReading {
 
     /// The head of the answer is gone: key and bytes are left.
     void takeSparseAlone(const EntryFiles &files) {
-        const EvidenceFile file = m_ctx.evidence.open(files.sparse);
+        const EvidenceFile file = m_ctx.evidence.open(m_folder / files.sparse);
         const auto head = headOf(file);
         if (!head)
             return;
@@ -234,10 +240,10 @@ class SimpleReading {
 
     void addStreams(UrlRecord &record, const EntryFiles &files) {
         if (!files.file1.empty())
-            beside([&] { addThirdStream(record, files.file1); });
+            beside([&] { addThirdStream(record, m_folder / files.file1); });
         if (!files.sparse.empty())
             beside([&] {
-                const EvidenceFile file = m_ctx.evidence.open(files.sparse);
+                const EvidenceFile file = m_ctx.evidence.open(m_folder / files.sparse);
                 if (const auto head = simpleHeadOf(file))
                     addStretches(record, file, *head);
                 else

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 #include <zlib.h>
 
 namespace nv {
@@ -148,14 +149,14 @@ bool hasItsChecksum(const ByteSource &file, const SimpleStream &stream, BodyTarg
         return true;
     uLong crc = crc32(0, nullptr, 0);
     for (std::uint64_t done = 0; done < stream.size;) {
-        const Bytes part = file.read(stream.at + done, std::min(kPart, stream.size - done));
+        Bytes part = file.read(stream.at + done, std::min(kPart, stream.size - done));
         if (part.empty())
             return !stream.crc;
         if (stream.crc)
             crc = crc32_z(crc, part.data(), part.size());
-        if (copy)
-            copy->write(ByteView(part).raw());
         done += part.size();
+        if (copy)
+            copy->write(std::move(part));
     }
     return !stream.crc || crc == *stream.crc;
 }
