@@ -5,6 +5,9 @@
 #include "fuzz/MemorySource.h"
 #include "fuzz/RecordFuzz.h"
 #include "readers/sqlite/PagedRows.h"
+#include "support/TempFolder.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -13,9 +16,22 @@
 
 namespace {
 
+/// With pages that rows were freed from.
 std::string soundFile() {
+    const nv::test::TempFolder folder;
     const std::filesystem::path golden = NV_GOLDEN_DIR;
-    const nv::Bytes bytes = nv::readWhole(golden / "chromium-sql-cache/three-parts/input/sqldb0");
+    const std::filesystem::path part = folder.path() / "sqldb0";
+    const nv::Bytes whole = nv::readWhole(golden / "chromium-sql-cache/three-parts/input/sqldb0");
+    nv::writeWhole(part, nv::ByteView(whole).raw());
+    {
+        SQLite::Database file(part.native(), SQLite::OPEN_READWRITE);
+        file.exec("PRAGMA secure_delete=OFF");
+        file.exec("WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 120) "
+                  "INSERT INTO resources SELECT i, 1, 0, 9, 9, 0, 0, 1, 'https://gone.example/' || "
+                  "hex(zeroblob(50)), zeroblob(i * 9) FROM n");
+        file.exec("DELETE FROM resources WHERE res_id >= 100");
+    }
+    const nv::Bytes bytes = nv::readWhole(part);
     return std::string(nv::ByteView(bytes).raw());
 }
 
@@ -28,6 +44,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const nv::fuzz::MemorySource file(bytes);
     const nv::PagedRows rows(file);
     const std::uint64_t table = rows.rootOf("blobs");
+    std::size_t freed = 0;
+    rows.freedRows(10, [&freed, &bytes](const nv::FreedRow &row) {
+        require(row.values.size() == 10 && ++freed <= bytes.size());
+    });
     constexpr std::size_t kMost = 100;
     constexpr std::size_t kBlob = 5;
     for (std::int64_t entry = 1; entry <= 3; ++entry)

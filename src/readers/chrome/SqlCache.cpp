@@ -9,11 +9,13 @@
 #include "base/Trap.h"
 #include "readers/CachedBody.h"
 #include "readers/EvidenceGaps.h"
+#include "readers/FactSource.h"
 #include "readers/HeldBody.h"
 #include "readers/Limits.h"
 #include "readers/chrome/ByteRanges.h"
 #include "readers/chrome/CacheRow.h"
 #include "readers/chrome/MetaTable.h"
+#include "readers/chrome/SqlChecksum.h"
 #include "readers/chrome/Stamps.h"
 #include "readers/sqlite/EvidenceCopy.h"
 #include "readers/sqlite/FurtherTables.h"
@@ -30,7 +32,6 @@
 #include <unordered_set>
 #include <utility>
 #include <vector>
-#include <zlib.h>
 
 namespace nv {
 
@@ -51,6 +52,7 @@ enum Column : std::size_t { kId, kLastUsed, kBodyEnd, kDoomed, kKey, kHead, kChe
 
 constexpr std::array<std::string_view, 4> kPieceColumns = {"res_id", "start", "end", "check_sum"};
 enum PieceColumn : std::size_t { kEntry, kStart, kEnd, kPieceChecksum };
+constexpr std::size_t kColumnsOfEntry = 10; ///< of table resources, as the browser makes it
 constexpr std::size_t kBlob = 5; ///< of the columns of table blobs, as the browser makes it
 
 /// A piece of a body, by its row.
@@ -58,30 +60,6 @@ struct Piece {
     ByteRange range;
     std::int64_t rowId = 0;
     std::optional<std::int64_t> checksum;
-};
-
-/// CRC-32 of the bytes and then of the key's hash, big-endian, so that the same bytes of two
-/// entries have two checksums.
-class EntryChecksum {
-  public:
-    void add(std::string_view bytes) {
-        m_crc = crc32_z(m_crc, reinterpret_cast<const Bytef *>(bytes.data()), bytes.size());
-    }
-    /// Where none is stored, which 0 says too, it is right.
-    bool is(std::optional<std::int64_t> stored, std::optional<std::int64_t> keyHash) {
-        constexpr std::uint32_t kByte = 0xFF;
-        if (stored.value_or(0) == 0 || !keyHash)
-            return true;
-        const auto hash = static_cast<std::uint32_t>(*keyHash);
-        for (const unsigned shift : {24U, 16U, 8U, 0U}) {
-            const char byte = static_cast<char>(hash >> shift & kByte);
-            add({&byte, 1});
-        }
-        return static_cast<std::uint32_t>(m_crc) == static_cast<std::uint32_t>(*stored);
-    }
-
-  private:
-    uLong m_crc = crc32(0, nullptr, 0);
 };
 
 bool isPart(std::string_view name) {
@@ -115,8 +93,10 @@ class PartReading {
             });
         if (isRead && !database.hasTable("resources"))
             addDamage(result, "there is no table resources");
-        if (isRead)
+        if (isRead) {
             countStrays(result);
+            m_rows.freedRows(kColumnsOfEntry, [this](const FreedRow &row) { saveFreed(row); });
+        }
         return result;
     }
 
@@ -145,12 +125,11 @@ class PartReading {
         record.HistoryFilePath = textOf(m_folder);
         record.Reference_ID = id;
         addStamp(record.facts, "last_used", row.number(kLastUsed));
-        record.facts.add("source_table", "resources");
-        record.facts.add("source_rowid", id);
+        addSource(record.facts, "resources", id);
         addDoubts(record, pieces, size, atLeastZero(row.number(kBodyEnd)), result);
         if (row.truth(kDoomed))
             makeChromeRemnant(record, "a row that the browser had marked to delete it");
-        EntryChecksum ofHead;
+        SqlChecksum ofHead;
         ofHead.add(head ? head->raw() : std::string_view());
         if (!ofHead.is(row.number(kChecksum), row.number(kKeyHash)))
             doubt(record, "the checksum of the answer's head is wrong",
@@ -181,7 +160,7 @@ class PartReading {
         for (const Piece &piece : pieces) {
             if (m_rows.columnSize(m_blobs, piece.rowId, kBlob) != piece.range.size)
                 return;
-            EntryChecksum checksum;
+            SqlChecksum checksum;
             if (!m_rows.writeColumn(m_blobs, piece.rowId, kBlob, [&](std::string_view bytes) {
                     target.write(bytes);
                     checksum.add(bytes);
@@ -212,6 +191,28 @@ class PartReading {
             addBodyDoubts(record, size);
         if (hasGap && !isOfRanges)
             ++result.noted["body of which pieces are missing"];
+    }
+
+    /// Numbers of entries are given once: a row of one that is there is an older copy of it.
+    void saveFreed(const FreedRow &row) {
+        enum FreedColumn : std::size_t { kUsed = 1, kSum = 6, kHash = 7, kText = 8, kAnswer = 9 };
+        const std::string &key = row.values[kText].bytes;
+        if (key.empty() || !m_met.insert(row.rowId).second)
+            return;
+        const std::string &head = row.values[kAnswer].bytes;
+        UrlRecord record =
+            chromeEntryRecord(m_ctx, {m_folder, m_file, 0, 0, {}}, key, viewOf(head));
+        record.HistoryFilePath = textOf(m_folder);
+        record.Reference_ID = row.rowId;
+        addStamp(record.facts, "last_used", row.values[kUsed].number);
+        addSource(record.facts, "resources", row.rowId);
+        SqlChecksum checksum;
+        checksum.add(head);
+        if (!checksum.is(row.values[kSum].number, row.values[kHash].number))
+            record.facts.add("body", "the checksum of the answer's head is wrong");
+        makeChromeRemnant(record, fmt::format("page {} of {}, which was freed", row.page, m_file));
+        m_ctx.sink.save(record);
+        ++m_count;
     }
 
     void countStrays(ReadResult &result) const {

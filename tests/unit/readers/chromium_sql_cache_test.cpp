@@ -87,6 +87,30 @@ TEST_F(SqlCache, checksumsAreCompared) {
     EXPECT_EQ(reading.result.noted.at("body with a wrong checksum"), 1U);
 }
 
+TEST_F(SqlCache, rowsInFreedPagesAreRemnants) {
+    SQLite::Database part = change("sqldb0");
+    part.exec("PRAGMA secure_delete=OFF");
+    part.exec("WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 140) "
+              "INSERT INTO resources SELECT i, 13430000000000000, 0, 9, 9, 0, 0, 1, "
+              "'1/0/https://gone.example/' || i || '/' || hex(zeroblob(100)), head FROM n, "
+              "(SELECT head FROM resources WHERE res_id = 1)");
+    part.exec("DELETE FROM resources WHERE res_id >= 100");
+    const auto &records = read();
+    std::size_t remnants = 0;
+    for (const UrlRecord &record : records)
+        if (record.URL.starts_with("https://gone.example/")) {
+            ++remnants;
+            EXPECT_EQ(record.cacheType, "Chrome Cache Remnant");
+            EXPECT_EQ(record.Status, "Recovered");
+            EXPECT_THAT(fact(record, "recovered_from"), HasSubstr("of sqldb0, which was freed"));
+            EXPECT_TRUE(record.ActionDateUTC.has());
+            EXPECT_EQ(record.CacheFileSize, 0);
+        }
+    EXPECT_EQ(records.size(), 7U + remnants);
+    EXPECT_GT(remnants, 10U);
+    EXPECT_EQ(reading.result.state, ReadState::complete);
+}
+
 TEST_F(SqlCache, aMissingPartLosesWhatLayInIt) {
     fs::remove(folder() / "sqldb1");
     EXPECT_EQ(read().size(), 4U);
