@@ -45,7 +45,7 @@ ROOMS = {
 }
 
 # Folders of readers/ that are no family but help several.
-SHARED_BY_READERS = {"sqlite", "xml", "plist", "json", "common"}
+SHARED_BY_READERS = {"sqlite", "xml", "plist", "json", "leveldb", "common"}
 
 # Layers beside each other that don't know each other in either direction: one program has no window,
 # the other no command line.

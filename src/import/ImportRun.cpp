@@ -126,7 +126,10 @@ class Import {
     Import(const ImportRun &run, ImportSettings &job, ImportSummary &summary)
         : m_run(run), m_files(job.historyFiles), m_asked(job.asked), m_summary(summary),
           m_log(run.log, summary.gaps.unreadable),
-          m_scratch(run.scratch), m_extraction{run.evidence, m_scratch.path(), m_log},
+          m_scratch(run.scratch), m_extraction{.evidence = run.evidence,
+                                               .folder = m_scratch.path(),
+                                               .log = m_log,
+                                               .classicOnly = job.classicOnly},
           m_categories(job.verifyFileSignatures ? Signatures::verify : Signatures::trustNames,
                        m_log),
           m_metadata(m_log), m_looksIntoPages(job.parseAdvancedMetadata),

@@ -124,16 +124,27 @@ class Scan {
     void takeFile(const fs::path &file, Asked asked, double fraction) {
         Candidate candidate = candidateOf(file, m_evidence);
         candidate.verifySignatures = m_job.verifyFileSignatures;
+        const auto formats = asked == Asked::byName
+                                 ? std::vector(m_formats.begin(), m_formats.end())
+                                 : formatsFor(textOf(file.filename()));
+        if (isListedAlready(candidate, formats))
+            return;
         Bytes head;
         if (candidate.verifySignatures)
             head = m_evidence.head(file, limits::kHeadBytes);
         candidate.head = ByteView(head);
-        const auto formats = asked == Asked::byName
-                                 ? std::vector(m_formats.begin(), m_formats.end())
-                                 : formatsFor(textOf(file.filename()));
         for (const Reader *reader : readersTaking(candidate, formats))
             if (isAskedFor(*reader))
                 take(*reader, candidate, asked, fraction);
+    }
+
+    /// Whatever it is found to be, it leads to an artefact that another file has led to: one of the
+    /// ten thousand files of a cache.
+    bool isListedAlready(const Candidate &candidate,
+                         const std::vector<const Reader *> &formats) const {
+        return !formats.empty() && std::ranges::all_of(formats, [&](const Reader *reader) {
+            return reader->artefact && m_led.contains({reader, artefactOf(*reader, candidate)});
+        });
     }
 
     /// Those that a file of this name is tried for. Classic ones share their masks: a history

@@ -30,6 +30,13 @@ void BodyTarget::write(std::string_view bytes) {
         m_file->write(bytes);
 }
 
+void BodyTarget::write(Bytes &&bytes) {
+    if (m_body.isInMemory && m_body.bytes.empty() && bytes.size() <= m_inMemory)
+        m_body.bytes = std::move(bytes);
+    else
+        write(ByteView(bytes).raw());
+}
+
 void BodyTarget::spill() {
     m_file.emplace(m_body.file);
     m_file->write(m_body.raw());
@@ -44,11 +51,7 @@ std::uint64_t BodyTarget::copy(const ByteSource &from, std::uint64_t offset, std
         if (block.empty())
             break;
         done += block.size();
-        const bool isAll = m_body.isInMemory && m_body.bytes.empty() && block.size() <= m_inMemory;
-        if (isAll)
-            m_body.bytes = std::move(block);
-        else
-            write(ByteView(block).raw());
+        write(std::move(block));
     }
     return done;
 }

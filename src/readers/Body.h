@@ -38,6 +38,8 @@ class BodyTarget {
     BodyTarget &operator=(const BodyTarget &) = delete;
 
     void write(std::string_view bytes);
+    /// The same; they are taken over where nothing stands before them.
+    void write(Bytes &&bytes);
     /// Up to `count` bytes of `from`, beginning at `offset` (0-based). Returns how many there were.
     /// Throws FileFailure when they can't be read.
     std::uint64_t copy(const ByteSource &from, std::uint64_t offset, std::uint64_t count);

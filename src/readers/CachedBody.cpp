@@ -62,8 +62,9 @@ void unpackClassic(Body &body, std::uint64_t inMemory, FailureLog &log) {
 void unpack(UrlRecord &record, Body &body, Packing packing, std::uint64_t inMemory,
             FailureLog &log) {
     const std::vector<std::string> codings = codingsOf(record.MetaData);
-    const bool isClassic = packing == Packing::classic;
+    const bool isClassic = packing != Packing::byHeaders;
     const bool namesOthers =
+        packing == Packing::classic &&
         std::ranges::any_of(codings, [](const std::string &coding) { return coding != "gzip"; });
     if (!isClassic || namesOthers)
         static_cast<void>(unpackBody(body, codings, Damaged::givesPart, inMemory, log));
@@ -72,8 +73,10 @@ void unpack(UrlRecord &record, Body &body, Packing packing, std::uint64_t inMemo
     record.GZipEncoded |= body.unpackedFrom.find("gzip") != std::string::npos;
 }
 
-Packing packingOf(const Reader &reader) {
-    return reader.isBeyondClassic ? Packing::byHeaders : Packing::classic;
+Packing packingOf(const Reader &reader, const Extraction &ctx) {
+    if (reader.isBeyondClassic)
+        return Packing::byHeaders;
+    return ctx.classicOnly ? Packing::classicOnly : Packing::classic;
 }
 
 /// Nothing when there is no body.
@@ -91,7 +94,7 @@ std::optional<Body> fetched(UrlRecord &record, const Reader &reader, const Extra
         if (!body.isInMemory)
             record.RunTimeTempFilePath = body.file;
         if (!ctx.isAsStored)
-            settleBody(record, body, packingOf(reader), inMemory, ctx.log);
+            settleBody(record, body, packingOf(reader, ctx), inMemory, ctx.log);
         record.RunTimeTempFilePath = body.isInMemory ? fs::path() : body.file;
         record.CacheFileExists = true;
         return body;

@@ -21,6 +21,8 @@ struct Extraction {
     /// record's kind and file say how its body is fetched.
     HistoryFileType source = HistoryFileType::none;
     bool isAsStored = false; ///< bodies aren't unpacked
+    /// By the classic rules alone: bodies of their caches are unpacked as those rules know it.
+    bool classicOnly = false;
 };
 
 /// How a cache keeps what servers packed.
@@ -28,6 +30,7 @@ enum class Packing {
     /// Beyond what its headers name, gzip is known by its first bytes, and stays packed when it is
     /// damaged: earlier cases were counted so.
     classic,
+    classicOnly, ///< the same without what its headers name, which changes categories and pictures
     byHeaders,
 };
 

@@ -41,19 +41,50 @@ FileFailure unlistable(const fs::path &folder, std::error_code failed) {
     return {"cannot list", folder, failed.value()};
 }
 
-void addEntry(FolderContents &contents, const fs::directory_entry &entry) {
+/// What the names of one folder stand for. Listings tell it of each name, which costs nothing; in
+/// a folder that may be listed and not entered every name is there and nothing after it, so the
+/// first one is looked up.
+class TypesInFolder {
+  public:
+    /// `none` when nothing can be found out: then `failed` says why.
+    fs::file_type of(const fs::directory_entry &entry, std::error_code &failed) {
+        if (!m_isEntered) {
+            const fs::file_type type = entry.symlink_status(failed).type();
+            m_isEntered = type != fs::file_type::none;
+            return type;
+        }
+        if (entry.is_symlink(failed))
+            return fs::file_type::symlink;
+        if (!failed && entry.is_directory(failed))
+            return fs::file_type::directory;
+        if (!failed && entry.is_regular_file(failed))
+            return fs::file_type::regular;
+        return failed ? fs::file_type::none : fs::file_type::unknown;
+    }
+
+  private:
+    bool m_isEntered = false;
+};
+
+void addEntry(FolderContents &contents, const fs::directory_entry &entry, TypesInFolder &types) {
     std::error_code failed;
-    const fs::file_status status = entry.symlink_status(failed);
-    // In a folder that may be listed and not entered every name is there and nothing after it.
-    if (status.type() == fs::file_type::none)
+    switch (types.of(entry, failed)) {
+    case fs::file_type::none:
         contents.unreadable.push_back(
             {entry.path(), FileFailure("cannot open", entry.path(), failed.value()).what()});
-    else if (fs::is_symlink(status))
+        break;
+    case fs::file_type::symlink:
         ++contents.links;
-    else if (fs::is_directory(status))
+        break;
+    case fs::file_type::directory:
         contents.folders.push_back(entry.path());
-    else if (fs::is_regular_file(status))
+        break;
+    case fs::file_type::regular:
         contents.files.push_back(entry.path());
+        break;
+    default:
+        break;
+    }
 }
 
 void sortByBytes(std::vector<fs::path> &paths) {
@@ -62,13 +93,13 @@ void sortByBytes(std::vector<fs::path> &paths) {
 }
 
 /// Links are neither file nor folder here: evidence must not lead out of itself.
-void addEntry(Listing &listing, const fs::directory_entry &entry) {
+void addEntry(Listing &listing, const fs::directory_entry &entry, TypesInFolder &types) {
     std::error_code failed;
-    const fs::file_status status = entry.symlink_status(failed);
+    const fs::file_type type = types.of(entry, failed);
     const fs::path name = entry.path().filename();
     if (!failed)
-        listing.emplace(toLower(textOf(name)),
-                        Entry{name, fs::is_directory(status), fs::is_regular_file(status)});
+        listing.emplace(toLower(textOf(name)), Entry{name, type == fs::file_type::directory,
+                                                     type == fs::file_type::regular});
 }
 
 const Entry *entryNamed(const Listing &listing, const std::string &name) {
@@ -109,8 +140,9 @@ struct Evidence::Listings {
 
   private:
     void list(Listing &listing, const fs::path &folder, EvidenceWatch *watch) {
+        TypesInFolder types;
         const std::error_code failed =
-            eachEntry(watch, folder, [&listing](const auto &entry) { addEntry(listing, entry); });
+            eachEntry(watch, folder, [&](const auto &entry) { addEntry(listing, entry, types); });
         const bool isGone =
             failed == std::errc::no_such_file_or_directory || failed == std::errc::not_a_directory;
         if (failed && !isGone)
@@ -205,8 +237,9 @@ FileFacts Evidence::factsOf(const fs::path &file) const {
 
 FolderContents Evidence::contentsOf(const fs::path &folder) const {
     FolderContents contents;
+    TypesInFolder types;
     const std::error_code failed =
-        eachEntry(m_watch, folder, [&contents](const auto &entry) { addEntry(contents, entry); });
+        eachEntry(m_watch, folder, [&](const auto &entry) { addEntry(contents, entry, types); });
     if (failed)
         throw EvidenceFailure(unlistable(folder, failed), folder);
     sortByBytes(contents.files);

@@ -90,6 +90,9 @@ inline constexpr std::size_t kChromeStretches = 100'000;
 /// The list of a Simple cache's entries, 24 bytes each. The browser keeps some ten thousand.
 inline constexpr std::uint64_t kChromeSimpleIndex = std::uint64_t{64} << 20;
 
+/// A log or table of a LevelDB store. Browsers begin a new one at 4 MB.
+inline constexpr std::uint64_t kLevelFileBytes = std::uint64_t{64} << 20;
+
 /// URL and headers of one entry of Firefox's disk cache: four blocks of 4096 bytes hold them in
 /// every sound cache, while damaged lengths go up to 4 GB each.
 inline constexpr std::int64_t kFirefoxCacheMetaData = std::int64_t{64} << 10;
@@ -97,6 +100,10 @@ inline constexpr std::int64_t kFirefoxCacheMetaData = std::int64_t{64} << 10;
 /// A body in a block file of that cache: four blocks again, at most 16 KiB. Thousands of entries
 /// may claim 4 GB each, and every body is copied while it is imported.
 inline constexpr std::uint64_t kFirefoxCacheBlockBody = std::uint64_t{1} << 20;
+
+/// Headers and addresses of the entries of one site's cache in Firefox, some 1 KB each. They stand
+/// in tables of their own, in any order.
+inline constexpr std::size_t kFirefoxSiteTexts = std::size_t{64} << 20;
 
 /// What is read of a file of Opera. Its index tells of a cache of 400 MB at most, in some MB.
 inline constexpr std::size_t kOperaFileBytes = std::size_t{256} << 20;

@@ -72,6 +72,7 @@ constexpr std::array kFormats = {
     &kFirefoxFaviconsFormat,
     &kFirefoxDownloadsFormat,
     &kFirefoxCache2Format,
+    &kFirefoxSiteCacheFormat,
     &kFirefoxJsonlz4Format,
     &kFirefoxStorageFormat,
     &kLevelDBFormat,

@@ -48,5 +48,7 @@ enum class Deflate {
 std::unique_ptr<Unpacker> inflating(Deflate form);
 std::unique_ptr<Unpacker> brotliUnpacker();
 std::unique_ptr<Unpacker> zstdUnpacker();
+/// Snappy in frames with checksums: no server sends it, Firefox keeps so what sites store.
+std::unique_ptr<Unpacker> snappyUnpacker();
 
 } // namespace nv

@@ -1,6 +1,8 @@
 #include "LargeFiles.h"
 
 #include "ExampleEvidence.h"
+#include "LargeCaches.h"
+#include "LargeRecords.h"
 #include "base/Files.h"
 #include "support/builders/ChromeCache.h"
 #include "support/builders/ChromeHistory.h"
@@ -29,40 +31,6 @@ namespace fs = std::filesystem;
 using namespace nv::test;
 
 namespace {
-
-constexpr std::int64_t kMarch2011 = 1300000000; // 2011-03-13 07:06:40 UTC
-
-struct Wanted {
-    std::size_t records;
-    std::size_t bodyBytes;
-    fs::path folder;
-};
-
-std::string urlOf(std::size_t i) {
-    return fmt::format("http://host{}.example/folder/page{}.html?q={}", i % 997, i, i * 7);
-}
-
-/// A page of that size, or a picture for every other record: bytes that don't repeat.
-std::string bodyOf(std::size_t i, std::size_t size) {
-    std::string body = i % 2 == 0 ? "<html><body>" : "GIF89a";
-    body.reserve(size);
-    std::uint32_t state = static_cast<std::uint32_t>(i) + 1;
-    while (body.size() < size) {
-        state = state * 1664525 + 1013904223;
-        body += static_cast<char>('0' + (state >> 24) % 75);
-    }
-    return body;
-}
-
-std::int64_t secondsOf(std::size_t i) {
-    return kMarch2011 + static_cast<std::int64_t>(i);
-}
-
-template <class Add>
-void each(const Wanted &wanted, Add &&add) {
-    for (std::size_t i = 0; i < wanted.records; ++i)
-        add(i);
-}
 
 void firefoxCache(const Wanted &wanted) {
     FirefoxCache cache(FirefoxCache::kFirefox3, 8192);
@@ -270,6 +238,10 @@ const std::map<std::string_view, std::function<void(const Wanted &)>> &makers() 
     static const std::map<std::string_view, std::function<void(const Wanted &)>> all = {
         {"firefox-cache", firefoxCache},
         {"chrome-cache", chromeCache},
+        {"chrome-simple-cache", largeSimpleCache},
+        {"chrome-sql-cache", largeSqlCache},
+        {"firefox-cache2", largeFirefoxCache2},
+        {"firefox-site-cache", largeFirefoxSiteCache},
         {"firefox-mork-history", mork},
         {"firefox3-history", places},
         {"chrome-history", chromeHistory},

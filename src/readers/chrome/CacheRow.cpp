@@ -60,15 +60,6 @@ std::string withoutHeader(std::string_view headers, std::string_view name) {
     return rest;
 }
 
-void setAddress(UrlRecord &record, const std::string &url) {
-    record.URL = url;
-    record.HashedURL = hashOfUrl(url);
-    record.host = parseHost(url);
-    record.URLProtocol = getURLProtocol(url);
-    record.URLFileName = getFilenameFromPath(url);
-    record.CacheFileName = record.URLFileName;
-}
-
 void setPlace(UrlRecord &record, const ReadContext &ctx, const ChromeEntryPlace &place) {
     const std::filesystem::path file = place.folder / place.file;
     record.SourceFile_ID = ctx.file.sourceFileID;
@@ -145,7 +136,8 @@ void takeCompiled(UrlRecord &record, std::string_view key, ByteView head, const 
     if (!key.starts_with(kCompiledMark))
         return;
     const std::size_t end = std::min(key.find_first_of(" \n"), key.size());
-    setAddress(record, std::string(key.substr(kCompiledMark.size(), end - kCompiledMark.size())));
+    setChromeAddress(record,
+                     std::string(key.substr(kCompiledMark.size(), end - kCompiledMark.size())));
     record.facts.add("partition", std::string(trim(key.substr(end))));
     const std::int64_t time = head.has(0, 8) ? static_cast<std::int64_t>(head.u64le(0)) : 0;
     // What is no time of this century is no such stream.
@@ -157,6 +149,15 @@ void takeCompiled(UrlRecord &record, std::string_view key, ByteView head, const 
 
 } // namespace
 
+void setChromeAddress(UrlRecord &record, const std::string &url) {
+    record.URL = url;
+    record.HashedURL = hashOfUrl(url);
+    record.host = parseHost(url);
+    record.URLProtocol = getURLProtocol(url);
+    record.URLFileName = getFilenameFromPath(url);
+    record.CacheFileName = record.URLFileName;
+}
+
 UrlRecord chromeEntryRecord(const ReadContext &ctx, const ChromeEntryPlace &place,
                             std::string_view storedKey, ByteView head) {
     UrlRecord record;
@@ -166,7 +167,7 @@ UrlRecord chromeEntryRecord(const ReadContext &ctx, const ChromeEntryPlace &plac
     record.RecordSize = storedKey.size();
     record.URLRawValue = keyText(storedKey);
     const ChromeCacheKey key = chromeCacheKeyOf(record.URLRawValue);
-    setAddress(record, key.url);
+    setChromeAddress(record, key.url);
     setPlace(record, ctx, place);
     if (key.url != record.URLRawValue)
         record.facts.add("cache_key", record.URLRawValue);

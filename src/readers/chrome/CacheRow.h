@@ -28,6 +28,9 @@ struct ChromeEntryPlace {
 UrlRecord chromeEntryRecord(const ReadContext &ctx, const ChromeEntryPlace &place,
                             std::string_view storedKey, ByteView head);
 
+/// Gives it the address that its key hasn't.
+void setChromeAddress(UrlRecord &record, const std::string &url);
+
 /// Makes it one of an entry that the browser doesn't know any more.
 void makeChromeRemnant(UrlRecord &record, std::string_view foundHow);
 

@@ -7,12 +7,15 @@
 #include "base/Files.h"
 #include "base/Text.h"
 #include "base/Trap.h"
-#include "readers/Body.h"
+#include "readers/CachedBody.h"
 #include "readers/EvidenceGaps.h"
 #include "readers/FolderLayout.h"
+#include "readers/HeldBody.h"
+#include "readers/HeldFile.h"
 #include "readers/Limits.h"
 #include "readers/chrome/ByteRanges.h"
 #include "readers/chrome/CacheRow.h"
+#include "readers/chrome/ScriptAddresses.h"
 #include "readers/chrome/SimpleEntry.h"
 #include "readers/chrome/SimpleIndex.h"
 #include "readers/chrome/Stamps.h"
@@ -35,17 +38,23 @@ namespace {
 
 constexpr std::string_view kProcedure = "ChromiumSimpleCache.read()";
 constexpr std::string_view kDoomed = "todelete_";
+constexpr std::string_view kBodyName = "~simple_body";
 constexpr std::size_t kDigits = 16;
+/// Files of up to this size are read once, body and all.
+constexpr std::uint64_t kReadAtOnce = kBodyInMemory + (std::uint64_t{64} << 10);
 constexpr std::uint32_t kFirstVersion = 5;
 constexpr std::uint32_t kLastVersion = 9;
 
-/// The files of one entry, by their names; empty for those that aren't there.
+/// The names of one entry's files; empty for those that aren't there. A cache has ten thousand, of
+/// which paths would take ten times the room.
 struct EntryFiles {
     SimpleFileName name;
-    fs::path file0;
-    fs::path file1;
-    fs::path sparse;
+    std::string file0;
+    std::string file1;
+    std::string sparse;
 };
+/// By what their names have in common, in the order of the names.
+using Entries = std::map<std::string, EntryFiles>;
 
 std::vector<ByteRange> rangesOf(const SimpleStretches &stretches) {
     std::vector<ByteRange> ranges;
@@ -65,16 +74,19 @@ class SimpleReading {
     ReadResult read() {
         m_ctx.task.describe(
             {"PARSING CHROMIUM CACHE", "Simple cache", textOf(m_folder), "chromeCache-32.gif"});
-        const std::vector<EntryFiles> entries = listEntries();
+        const Entries entries = listEntries();
         readIndex();
+        m_scripts = scriptAddressesBeside(m_ctx.evidence, m_folder, m_ctx.log);
         std::size_t number = 0;
-        for (const EntryFiles &entry : entries) {
+        for (const auto &[stem, entry] : entries) {
             if (!m_ctx.task.advance(static_cast<double>(number) /
                                     static_cast<double>(entries.size()))) {
                 m_result.state = ReadState::cancelled;
                 return m_result;
             }
-            m_trap.attempt(number++, [&] { tellingGaps(m_ctx.log, [&] { takeEntry(entry); }); });
+            m_trap.attempt(number++, [&] {
+                tellingGaps(m_ctx.log, [&, &files = entry] { takeEntry(files); });
+            });
         }
         tellOfIndex();
         tellOfFailures();
@@ -83,24 +95,26 @@ class SimpleReading {
     }
 
   private:
-    std::vector<EntryFiles> listEntries() const {
-        std::map<std::string, EntryFiles> byStem;
-        for (const fs::path &file : m_ctx.evidence.contentsOf(m_folder).files) {
-            const std::string name = toLower(textOf(file.filename()));
+    Entries listEntries() {
+        Entries entries;
+        const FolderContents contents = m_ctx.evidence.contentsOf(m_folder);
+        for (const fs::path &folder : contents.folders)
+            if (toLower(textOf(folder.filename())) == "index-dir")
+                m_indexFile = m_ctx.evidence.find(folder, "the-real-index");
+        for (const fs::path &file : contents.files) {
+            const fs::path own = file.filename();
+            const std::string name = toLower(textOf(own));
             const auto parts = simpleFileName(name);
             if (!parts)
                 continue;
             std::string stem = name;
             stem[(parts->isDoomed ? kDoomed.size() : 0) + kDigits + 1] = '?';
-            EntryFiles &entry = byStem[stem];
+            EntryFiles &entry = entries[stem];
             entry.name = *parts;
             (parts->part == '0'   ? entry.file0
              : parts->part == '1' ? entry.file1
-                                  : entry.sparse) = file;
+                                  : entry.sparse) = own.native();
         }
-        std::vector<EntryFiles> entries;
-        for (auto &[stem, entry] : byStem)
-            entries.push_back(std::move(entry));
         return entries;
     }
 
@@ -116,7 +130,6 @@ class SimpleReading {
     }
 
     void readIndexFile() {
-        m_indexFile = m_ctx.evidence.find(m_folder, "index-dir/the-real-index");
         if (!m_indexFile)
             return;
         const Bytes bytes = m_ctx.evidence.head(*m_indexFile, limits::kChromeSimpleIndex);
@@ -132,7 +145,7 @@ class SimpleReading {
     }
 
     /// Nothing, and counted, when the file is none of an entry's or of another version.
-    std::optional<SimpleHead> headOf(const EvidenceFile &file) {
+    std::optional<SimpleHead> headOf(const ByteSource &file) {
         auto head = simpleHeadOf(file);
         if (!head) {
             damage(file.path(), "it has no head, or no whole key");
@@ -147,7 +160,8 @@ class SimpleReading {
     }
 
     void takeFile0(const EntryFiles &files) {
-        const EvidenceFile file = m_ctx.evidence.open(files.file0);
+        const EvidenceFile opened = m_ctx.evidence.open(m_folder / files.file0);
+        const HeldFile file(opened, kReadAtOnce);
         const auto head = headOf(file);
         if (!head)
             return;
@@ -158,7 +172,10 @@ class SimpleReading {
                                         entry.body.size, 0};
         UrlRecord record = chromeEntryRecord(m_ctx, place, head->key, ByteView(response));
         addUse(record, files.name);
-        addDoubts(record, file, entry);
+        if (const auto script = m_scripts.byKey.find(head->key); script != m_scripts.byKey.end())
+            addAddress(record, script->second);
+        HeldBody held(m_ctx.content);
+        addDoubts(record, file, entry, held);
         addStreams(record, files);
         if (!entry.damage.empty())
             damage(file.path(), entry.damage);
@@ -166,12 +183,15 @@ class SimpleReading {
             makeChromeRemnant(record, "a file that the browser had set aside to delete it");
         else if (!entry.damage.empty())
             makeChromeRemnant(record, "an entry's file: " + entry.damage);
+        // Stretches take the place of a body that is empty.
+        if (record.DataBlockFile != place.file)
+            m_ctx.content.forget();
         save(record);
     }
 
     /// The head of the answer is gone: key and bytes are left.
     void takeSparseAlone(const EntryFiles &files) {
-        const EvidenceFile file = m_ctx.evidence.open(files.sparse);
+        const EvidenceFile file = m_ctx.evidence.open(m_folder / files.sparse);
         const auto head = headOf(file);
         if (!head)
             return;
@@ -181,6 +201,11 @@ class SimpleReading {
         addStretches(record, file, *head);
         makeChromeRemnant(record, "stretches of an entry whose first file isn't there");
         save(record);
+    }
+
+    static void addAddress(UrlRecord &record, const std::string &url) {
+        setChromeAddress(record, url);
+        record.facts.add("cache_key", record.URLRawValue);
     }
 
     void addUse(UrlRecord &record, const SimpleFileName &name) {
@@ -194,24 +219,31 @@ class SimpleReading {
             ++m_result.noted["entry that the-real-index doesn't list"];
     }
 
-    void addDoubts(UrlRecord &record, const EvidenceFile &file, const SimpleEntry &entry) {
+    void addDoubts(UrlRecord &record, const ByteSource &file, const SimpleEntry &entry,
+                   HeldBody &held) {
         if (!hasItsChecksum(file, entry.head)) {
             ++m_result.noted["answer with a wrong checksum"];
             record.facts.add("body", "the checksum of the answer's head is wrong");
         }
-        if (!hasItsChecksum(file, entry.body)) {
+        BodyTarget target(m_ctx.scratch / kBodyName, kBodyInMemory);
+        if (!hasItsChecksum(file, entry.body, &target)) {
             ++m_result.noted["body with a wrong checksum"];
             record.facts.add("body", "its checksum is wrong");
         }
         addBodyDoubts(record, entry.body.size);
+        if (entry.body.size == 0)
+            return;
+        Body body = target.take();
+        settleBody(record, body, Packing::byHeaders, kBodyInMemory, m_ctx.log);
+        held.take(std::move(body));
     }
 
     void addStreams(UrlRecord &record, const EntryFiles &files) {
         if (!files.file1.empty())
-            beside([&] { addThirdStream(record, files.file1); });
+            beside([&] { addThirdStream(record, m_folder / files.file1); });
         if (!files.sparse.empty())
             beside([&] {
-                const EvidenceFile file = m_ctx.evidence.open(files.sparse);
+                const EvidenceFile file = m_ctx.evidence.open(m_folder / files.sparse);
                 if (const auto head = simpleHeadOf(file))
                     addStretches(record, file, *head);
                 else
@@ -235,7 +267,7 @@ class SimpleReading {
                                                        textOf(path.filename()), stream->at));
     }
 
-    void addStretches(UrlRecord &record, const EvidenceFile &file, const SimpleHead &head) {
+    void addStretches(UrlRecord &record, const ByteSource &file, const SimpleHead &head) {
         const SimpleStretches stretches = simpleStretchesOf(file, head);
         if (!stretches.damage.empty())
             damage(file.path(), stretches.damage);
@@ -265,6 +297,8 @@ class SimpleReading {
     }
 
     void tellOfIndex() {
+        if (m_scripts.isDamaged)
+            ++m_result.noted["store with the addresses of scripts that can't be read whole"];
         if (!m_index.damage.empty() && m_indexFile)
             damage(*m_indexFile, m_index.damage + ", so times of last use may be missing");
         else if (!m_index.isThere)
@@ -304,6 +338,7 @@ class SimpleReading {
     ReadResult m_result;
     SimpleIndex m_index;
     std::optional<fs::path> m_indexFile;
+    ScriptAddresses m_scripts;
     std::unordered_set<std::uint64_t> m_met;
     std::uint64_t m_damaged = 0;
     std::int64_t m_count = 0;

@@ -1,10 +1,12 @@
 #include "readers/chrome/SimpleEntry.h"
 
+#include "readers/Body.h"
 #include "readers/Limits.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 #include <zlib.h>
 
 namespace nv {
@@ -142,18 +144,21 @@ SimpleStretches simpleStretchesOf(const ByteSource &file, const SimpleHead &head
     return stretches;
 }
 
-bool hasItsChecksum(const ByteSource &file, const SimpleStream &stream) {
-    if (!stream.crc)
+bool hasItsChecksum(const ByteSource &file, const SimpleStream &stream, BodyTarget *copy) {
+    if (!stream.crc && !copy)
         return true;
     uLong crc = crc32(0, nullptr, 0);
     for (std::uint64_t done = 0; done < stream.size;) {
-        const Bytes part = file.read(stream.at + done, std::min(kPart, stream.size - done));
+        Bytes part = file.read(stream.at + done, std::min(kPart, stream.size - done));
         if (part.empty())
-            return false;
-        crc = crc32(crc, part.data(), static_cast<uInt>(part.size()));
+            return !stream.crc;
+        if (stream.crc)
+            crc = crc32_z(crc, part.data(), part.size());
         done += part.size();
+        if (copy)
+            copy->write(std::move(part));
     }
-    return crc == *stream.crc;
+    return !stream.crc || crc == *stream.crc;
 }
 
 } // namespace nv

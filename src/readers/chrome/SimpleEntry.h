@@ -9,6 +9,8 @@
 
 namespace nv {
 
+class BodyTarget;
+
 // The files of one entry of Chromium's Simple cache, opened. Numbers are little-endian.
 //   file 0 = head key stream1 end stream0 [SHA-256 of the key] end
 //   file 1 = head key stream2 end
@@ -60,7 +62,7 @@ SimpleEntry simpleEntryOf(const ByteSource &file, const SimpleHead &head);
 /// Stream 2, of file 1.
 std::optional<SimpleStream> simpleLastStreamOf(const ByteSource &file, const SimpleHead &head);
 SimpleStretches simpleStretchesOf(const ByteSource &file, const SimpleHead &head);
-/// True also where no checksum is stored.
-bool hasItsChecksum(const ByteSource &file, const SimpleStream &stream);
+/// True also where no checksum is stored. `copy`, where there is one, gets the stream's bytes.
+bool hasItsChecksum(const ByteSource &file, const SimpleStream &stream, BodyTarget *copy = nullptr);
 
 } // namespace nv

@@ -131,6 +131,9 @@ class Cache2Reading {
             return;
         }
         const FolderContents contents = contentsOf(place);
+        const std::string own = textOf(place.filename());
+        if (holdsGivenUp(toLower(own))) // without the rest of its cache
+            return addAll(contents.files, own);
         if (!addFolders(contents, [](std::string_view name) { return name == "entries"; }))
             addAll(contents.files, {}); // entries that were copied out
         addFolders(contents, holdsGivenUp);

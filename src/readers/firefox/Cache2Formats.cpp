@@ -6,6 +6,10 @@
 #include "readers/firefox/Cache2Record.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/Options.h"
+#include "readers/firefox/SiteCache.h"
+#include "readers/sqlite/SchemaTables.h"
+
+#include <algorithm>
 
 namespace nv {
 
@@ -14,6 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const RecordKind *kKinds[] = {&kFirefoxCache, &kFirefoxCacheRemnant};
+constexpr const RecordKind *kSiteKinds[] = {&kFirefoxSiteCache, &kFirefoxCacheRemnant};
 
 std::uint64_t bigEndian(ByteView bytes) {
     std::uint64_t number = 0;
@@ -43,21 +48,44 @@ bool endsAsAnEntry(const Candidate &candidate) {
     return version >= 1 && version <= kLastVersion;
 }
 
+/// The browser gives them a number that it draws.
+bool isNamedAsDoomed(const Candidate &file) {
+    return folderName(file) == "doomed" &&
+           std::ranges::all_of(file.name, [](char c) { return c >= '0' && c <= '9'; });
+}
+
 bool isCache2(const Candidate &file) {
     constexpr std::size_t kDigits = 40; // of SHA-1
-    if (!isHexName(file.name, kDigits))
+    const bool isDoomed = isNamedAsDoomed(file);
+    if (!isDoomed && !isHexName(file.name, kDigits))
         return false;
-    return file.verifySignatures ? endsAsAnEntry(file) : folderName(file) == "entries";
+    return file.verifySignatures ? endsAsAnEntry(file) : isDoomed || folderName(file) == "entries";
+}
+
+bool hasEntries(const Candidate &file, const fs::path &cache) {
+    return file.evidence->kindOf(cache / "entries") == PlaceKind::folder;
 }
 
 /// Entries that were copied out on their own lie in any folder.
 fs::path cacheOf(const Candidate &file) {
     const std::string folder = folderName(file);
-    return folderAbove(file, folder == "entries" || folder.starts_with("trash") ? 2 : 1);
+    const fs::path above = folderAbove(file, 2);
+    const bool isBelow = folder == "entries" || folder.starts_with("trash") ||
+                         (folder == "doomed" && hasEntries(file, above));
+    return isBelow ? above : folderAbove(file, 1);
 }
 
 bool isOfCache2(const UrlRecord &record) {
     return record.HistoryVersion.starts_with("cache2");
+}
+
+bool isSiteCache(const Candidate &file) {
+    return nameHas(file, "caches") && file.extension == "sqlite" &&
+           hasTables(file, {"caches", "entries", "response_headers"});
+}
+
+bool isOfSiteCache(const UrlRecord &record) {
+    return record.HistoryVersion.starts_with("site cache");
 }
 
 } // namespace
@@ -68,7 +96,7 @@ constinit const Reader kFirefoxCache2Format = {
     .kind = "Firefox cache2",
     .version = "cache2",
     .option = &kFirefoxCacheOption,
-    .mask = "????????????????????????????????????????",
+    .mask = "????????????????????????????????????????;???????;????????;?????????;??????????",
     .recognises = isCache2,
     .read = parseFirefoxCache2,
     .fetch = fetchFirefoxCache2Body,
@@ -78,6 +106,23 @@ constinit const Reader kFirefoxCache2Format = {
               "firefox-cache2/one-page"},
     .artefact = cacheOf,
     .isSourceOf = isOfCache2,
+    .isBeyondClassic = true,
+};
+
+constinit const Reader kFirefoxSiteCacheFormat = {
+    .type = HistoryFileType{73},
+    .key = "firefox-site-cache",
+    .kind = "Firefox site cache",
+    .version = "site cache",
+    .option = &kFirefoxCacheOption,
+    .mask = "caches*.sqlite",
+    .recognises = isSiteCache,
+    .read = parseFirefoxSiteCache,
+    .fetch = fetchFirefoxSiteBody,
+    .kinds = kSiteKinds,
+    .page = "firefox-site-cache",
+    .cases = {"firefox-site-cache", "caches.sqlite", "firefox-site-cache/two-caches"},
+    .isSourceOf = isOfSiteCache,
     .isBeyondClassic = true,
 };
 

@@ -5,5 +5,6 @@
 namespace nv {
 
 extern const Reader kFirefoxCache2Format;
+extern const Reader kFirefoxSiteCacheFormat;
 
 } // namespace nv

@@ -60,19 +60,6 @@ std::optional<std::int64_t> numberOf(std::string_view text) {
     return isNumber ? std::optional(number) : std::nullopt;
 }
 
-void setUrl(UrlRecord &url, const Cache2Key &key, std::string_view whole) {
-    url.URL = decodeText(key.url);
-    url.URLRawValue = decodeText(whole);
-    url.host = parseHost(url.URL);
-    url.HashedURL = hashOfUrl(url.URL);
-    url.CacheFileName = getFilenameFromPath(url.URL);
-    url.CacheFileNameDecoded = url.CacheFileName;
-    url.URLProtocol = getURLProtocol(url.URL);
-    url.URLParameters = parametersOf(url.URL);
-    url.User = parseUserFromURL(url.URL);
-    setPageObjects(url);
-}
-
 /// The folder of the cache, by which its records belong together, and the file in it. Where the
 /// folder of the entries is all that there is of the evidence, it stands for the cache's.
 void setPlace(UrlRecord &url, const Cache2Entry &entry, const Cache2File &file,
@@ -182,6 +169,19 @@ void addFacts(UrlRecord &url, const Cache2Entry &entry, const Cache2Key &key) {
 
 } // namespace
 
+void setCachedAddress(UrlRecord &url, std::string_view address, std::string_view stored) {
+    url.URL = decodeText(address);
+    url.URLRawValue = decodeText(stored);
+    url.host = parseHost(url.URL);
+    url.HashedURL = hashOfUrl(url.URL);
+    url.CacheFileName = getFilenameFromPath(url.URL);
+    url.CacheFileNameDecoded = url.CacheFileName;
+    url.URLProtocol = getURLProtocol(url.URL);
+    url.URLParameters = parametersOf(url.URL);
+    url.User = parseUserFromURL(url.URL);
+    setPageObjects(url);
+}
+
 UrlRecord parseCache2Record(const Cache2Entry &entry, const Cache2File &file,
                             const ReadContext &ctx) {
     UrlRecord url;
@@ -191,7 +191,7 @@ UrlRecord parseCache2Record(const Cache2Entry &entry, const Cache2File &file,
     url.cacheType = file.isGivenUp ? kFirefoxCacheRemnant.word : kFirefoxCache.word;
     url.Visits = file.isGivenUp ? kVisitsUnknown : std::int64_t{entry.fetchCount};
     setPlace(url, entry, file, ctx);
-    setUrl(url, key, entry.key);
+    setCachedAddress(url, key.url, entry.key);
     setDates(url, entry, ctx.clock);
     setHeaders(url, entry);
     if (file.isGivenUp) {

@@ -31,9 +31,10 @@ bool isCache(const Candidate &file) {
     return nameHas(file, "_cache_map_");
 }
 
-/// Records of cache2 are of the same kind.
+/// Records of the later caches are of the same kinds.
 bool isOfClassicCache(const UrlRecord &record) {
-    return !record.HistoryVersion.starts_with("cache2");
+    return !record.HistoryVersion.starts_with("cache2") &&
+           !record.HistoryVersion.starts_with("site cache");
 }
 
 /// Without verification Opera's global history would be taken by its name.

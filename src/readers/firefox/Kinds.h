@@ -23,6 +23,15 @@ inline constexpr RecordKind kFirefoxCacheRemnant = {
     .hasXhtmlPages = true,
 };
 
+/// What sites keep by their own programs: stored in another form than it was sent.
+inline constexpr RecordKind kFirefoxSiteCache = {
+    .key = "firefox-site-cache",
+    .word = "Firefox Site Cache",
+    .family = &families::firefox,
+    .group = RecordGroup::cache,
+    .hasXhtmlPages = true,
+};
+
 inline constexpr RecordKind kFirefox2History = {
     .key = "firefox2-history",
     .word = "Firefox2 History",

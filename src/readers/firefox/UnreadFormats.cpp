@@ -21,15 +21,14 @@ bool isJsonlz4(const Candidate &file) {
 
 bool isStorage(const Candidate &file) {
     if (!file.verifySignatures)
-        return file.name == "webappsstore.sqlite" || file.name == "caches.sqlite";
+        return file.name == "webappsstore.sqlite";
     if (file.extension != "sqlite")
         return false;
     const auto tables = schemaTables(file);
     const auto has = [&tables](const char *table) { return tables.contains(table); };
     return has("webappsstore2") || has("webappsstore") || // local storage, earlier
            (has("data") && has("database")) ||            // local storage
-           (has("object_data") && has("object_store")) || // IndexedDB
-           (has("caches") && has("entries"));             // storage of service workers
+           (has("object_data") && has("object_store"));   // IndexedDB
 }
 
 } // namespace

@@ -7,9 +7,9 @@
 
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "readers/HeaderDate.h"
 #include "readers/Limits.h"
 #include "readers/plist/PropertyList.h"
-#include "readers/safari/CacheDate.h"
 #include "readers/sqlite/KeptMessage.h"
 
 namespace nv {

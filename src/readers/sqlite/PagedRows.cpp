@@ -46,8 +46,9 @@ std::uint64_t lengthOf(std::uint64_t kind) {
 }
 
 std::int64_t numberOf(std::uint64_t kind, ByteView value) {
-    if (kind == 9)
-        return 1;
+    constexpr std::uint64_t kFirstText = 12;
+    if (kind == 9 || kind >= kFirstText)
+        return kind == 9 ? 1 : 0;
     const std::uint64_t number = bigEndian(value);
     const auto bits = static_cast<unsigned>(64 - 8 * value.size());
     return value.empty() ? 0 : static_cast<std::int64_t>(number << bits) >> bits;
@@ -294,6 +295,62 @@ bool PagedRows::writeRest(const Payload &row, std::uint64_t from, std::uint64_t 
         part = ByteView(held).from(4);
     }
     return size == 0;
+}
+
+/// trunk = next:u32 count:u32 page:u32{count}      the first is named in the file's head
+void PagedRows::freedRows(std::size_t columns,
+                          const std::function<void(const FreedRow &row)> &take) const {
+    constexpr std::uint64_t kFirstTrunkAt = 32;
+    constexpr std::uint64_t kNumber = 4;
+    if (m_pageSize == 0)
+        return;
+    const Bytes first = m_file.read(kFirstTrunkAt, kNumber);
+    std::uint64_t trunk = bigEndian(ByteView(first));
+    const std::uint64_t pages = m_file.size() / m_pageSize;
+    std::uint64_t left = pages;              // a page is freed once
+    std::uint64_t bytesLeft = m_file.size(); // and rows don't lie over each other
+    while (trunk > 0 && trunk <= pages && left > 0) {
+        --left;
+        const Bytes bytes = m_file.read((trunk - 1) * m_pageSize, m_usable);
+        const ByteView view(bytes);
+        const std::uint64_t count = view.has(0, 2 * kNumber) ? view.u32be(kNumber) : 0;
+        for (std::uint64_t i = 0; i < count && left > 0 && view.has((i + 2) * kNumber, kNumber);
+             ++i, --left)
+            takeFreed(view.u32be((i + 2) * kNumber), columns, bytesLeft, take);
+        trunk = view.has(0, kNumber) ? view.u32be(0) : 0;
+    }
+}
+
+void PagedRows::takeFreed(std::uint64_t number, std::size_t columns, std::uint64_t &bytesLeft,
+                          const std::function<void(const FreedRow &row)> &take) const {
+    constexpr std::uint64_t kMostOfAValue = std::uint64_t{1} << 20;
+    constexpr std::uint64_t kFirstBytes = 12;
+    const auto found = page(number);
+    if (!found || found->kind != kLeafTable)
+        return;
+    for (std::uint64_t i = 0; i < found->count; ++i) {
+        const auto bytes = cell(*found, i);
+        std::uint64_t at = 0;
+        const auto size = bytes ? varint(*bytes, at) : std::nullopt;
+        const auto id = size ? varint(*bytes, at) : std::nullopt;
+        const auto row = id ? payload(*bytes, at, *size, false) : std::nullopt;
+        const auto values = row ? valuesOf(row->local) : std::vector<Value>();
+        if (values.size() != columns || values.back().at + values.back().size != row->size ||
+            row->size > bytesLeft)
+            continue;
+        bytesLeft -= row->size;
+        FreedRow freed{number, static_cast<std::int64_t>(*id), {}};
+        for (const Value &value : values) {
+            FreedRow::Value &into = freed.values.emplace_back();
+            if (value.kind < kFirstBytes && row->local.has(value.at, value.size))
+                into.number = numberOf(value.kind, row->local.sub(value.at, value.size));
+            else if (value.kind >= kFirstBytes && value.size <= kMostOfAValue)
+                static_cast<void>(
+                    writeRest(*row, value.at, value.size,
+                              [&into](std::string_view part) { into.bytes += part; }));
+        }
+        take(freed);
+    }
 }
 
 } // namespace nv

@@ -6,11 +6,23 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 namespace nv {
+
+/// A row in a page that the file has freed.
+struct FreedRow {
+    struct Value {
+        std::int64_t number = 0; ///< of a whole number
+        std::string bytes;       ///< of a text or blob
+    };
+    std::uint64_t page = 0;
+    std::int64_t rowId = 0;
+    std::vector<Value> values;
+};
 
 /// Single rows of an SQLite file, by its pages as they lie: for a row out of thousands, where a
 /// copy of the file would be made for each. What still lies in a journal or log beside the file
@@ -41,6 +53,10 @@ class PagedRows {
     bool writeColumn(std::uint64_t root, std::int64_t rowId, std::size_t column,
                      const Write &write) const;
 
+    /// Rows of so many columns that are whole in freed pages, or go on in others, which may have
+    /// been written over since: page by page in the order of their freeing.
+    void freedRows(std::size_t columns, const std::function<void(const FreedRow &row)> &take) const;
+
   private:
     struct Page {
         Bytes bytes;
@@ -67,6 +83,8 @@ class PagedRows {
     /// Hands on the row of that id, as far as its own page has it. False when it isn't there.
     bool atRow(std::uint64_t root, std::int64_t rowId,
                const std::function<bool(const Payload &row)> &take) const;
+    void takeFreed(std::uint64_t number, std::size_t columns, std::uint64_t &bytesLeft,
+                   const std::function<void(const FreedRow &row)> &take) const;
     static std::optional<std::pair<std::uint64_t, std::uint64_t>> bytesIn(const Payload &row,
                                                                           std::size_t column);
     bool writeRest(const Payload &payload, std::uint64_t from, std::uint64_t size,

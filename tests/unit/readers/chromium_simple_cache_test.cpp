@@ -7,6 +7,7 @@
 #include "support/FileReading.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/ChromiumCache.h"
+#include "support/builders/LevelFiles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -223,6 +224,23 @@ TEST_F(SimpleCache, aDamagedListLosesNoEntry) {
         EXPECT_EQ(reading.read(parseChromiumSimpleCache, folder()).size(), 1U);
         EXPECT_EQ(reading.result.state, ReadState::cutShort) << size;
     }
+}
+
+TEST_F(SimpleCache, scriptsOfWorkersHaveTheAddressesOfTheirStore) {
+    cache.add(0xA1, "0", answer().bytes(), "self.x").add(0xA2, "7", answer().bytes(), "self.y");
+    cache.write(disk.path() / "Service Worker/ScriptCache");
+    disk.write("Service Worker/Database/000003.log",
+               test::levelLog({test::scriptRow(2, 0, "https://a.example:8080/sw.js")}));
+    const auto &records =
+        reading.read(parseChromiumSimpleCache, disk.path() / "Service Worker/ScriptCache");
+    ASSERT_EQ(records.size(), 2U);
+    EXPECT_EQ(records[0].URL, "https://a.example:8080/sw.js");
+    EXPECT_EQ(records[0].host, "a.example");
+    EXPECT_EQ(records[0].URLRawValue, "0");
+    EXPECT_EQ(records[0].cacheType, "Chrome Site Cache");
+    EXPECT_EQ(fact(records[0], "cache_key"), "0");
+    EXPECT_EQ(records[1].URL, "7");
+    EXPECT_EQ(reading.result.state, ReadState::complete);
 }
 
 TEST_F(SimpleCache, aSitesOwnCachesAreOfTheirOwnKind) {

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <zlib.h>
 
 namespace nv {
 namespace {
@@ -49,6 +50,65 @@ TEST_F(SqlCache, bodiesComeFromThePagesAndFromACopyAlike) {
         change(part).exec("DROP INDEX index_blobs_res_id_start");
     for (std::size_t i = 0; i < records.size(); ++i)
         EXPECT_EQ(body(records[i]), bodies[i]) << i;
+}
+
+/// CRC-32 of the bytes and the key's hash, which SQLite can't reckon.
+std::int64_t checksumOf(const std::string &bytes, std::uint32_t hash) {
+    const std::string whole = bytes + static_cast<char>(hash >> 24) +
+                              static_cast<char>(hash >> 16) + static_cast<char>(hash >> 8) +
+                              static_cast<char>(hash);
+    return static_cast<std::int32_t>(
+        crc32(0, reinterpret_cast<const Bytef *>(whole.data()), static_cast<uInt>(whole.size())));
+}
+
+TEST_F(SqlCache, checksumsAreCompared) {
+    SQLite::Database part = change("sqldb0");
+    const std::string head =
+        part.execAndGet("SELECT head FROM resources WHERE res_id = 1").getString();
+    const std::string piece =
+        part.execAndGet("SELECT blob FROM blobs WHERE res_id = 1 ORDER BY start").getString();
+    constexpr std::uint32_t kHash = 0x8765'4321;
+    const auto set = [&](std::int64_t ofHead, std::int64_t ofPiece) {
+        SQLite::Statement first(
+            part, "UPDATE resources SET check_sum = ?, cache_key_hash = ? WHERE res_id = 1");
+        first.bind(1, ofHead);
+        first.bind(2, std::int64_t{kHash});
+        first.exec();
+        SQLite::Statement second(part, "UPDATE blobs SET check_sum = ? WHERE res_id = 1");
+        second.bind(1, ofPiece);
+        second.exec();
+    };
+    set(checksumOf(head, kHash), checksumOf(piece, kHash));
+    EXPECT_EQ(fact(read().at(0), "body"), "");
+    set(checksumOf(head, kHash) + 1, checksumOf(piece, kHash));
+    EXPECT_EQ(fact(read().at(0), "body"), "the checksum of the answer's head is wrong");
+    set(checksumOf(head, kHash), checksumOf(piece, kHash) + 1);
+    EXPECT_EQ(fact(read().at(0), "body"), "its checksum is wrong");
+    EXPECT_EQ(reading.result.noted.at("body with a wrong checksum"), 1U);
+}
+
+TEST_F(SqlCache, rowsInFreedPagesAreRemnants) {
+    SQLite::Database part = change("sqldb0");
+    part.exec("PRAGMA secure_delete=OFF");
+    part.exec("WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 140) "
+              "INSERT INTO resources SELECT i, 13430000000000000, 0, 9, 9, 0, 0, 1, "
+              "'1/0/https://gone.example/' || i || '/' || hex(zeroblob(100)), head FROM n, "
+              "(SELECT head FROM resources WHERE res_id = 1)");
+    part.exec("DELETE FROM resources WHERE res_id >= 100");
+    const auto &records = read();
+    std::size_t remnants = 0;
+    for (const UrlRecord &record : records)
+        if (record.URL.starts_with("https://gone.example/")) {
+            ++remnants;
+            EXPECT_EQ(record.cacheType, "Chrome Cache Remnant");
+            EXPECT_EQ(record.Status, "Recovered");
+            EXPECT_THAT(fact(record, "recovered_from"), HasSubstr("of sqldb0, which was freed"));
+            EXPECT_TRUE(record.ActionDateUTC.has());
+            EXPECT_EQ(record.CacheFileSize, 0);
+        }
+    EXPECT_EQ(records.size(), 7U + remnants);
+    EXPECT_GT(remnants, 10U);
+    EXPECT_EQ(reading.result.state, ReadState::complete);
 }
 
 TEST_F(SqlCache, aMissingPartLosesWhatLayInIt) {

@@ -257,5 +257,16 @@ TEST_F(SettledBody, isUnpackedByItsHeaders) {
     EXPECT_EQ(content(), "text") << "a header that isn't true, and gzip all the same";
 }
 
+TEST_F(SettledBody, ofAClassicCacheByTheClassicRulesAloneIsWhatItWas) {
+    const std::string packed = test::brotli("\x89PNG...");
+    const UrlRecord record = settled("Content-Encoding: br\r\n", packed, Packing::classicOnly);
+    EXPECT_EQ(content(), packed);
+    EXPECT_FALSE(record.IsPicture);
+    EXPECT_EQ(record.CacheFileExt, "");
+    EXPECT_TRUE(
+        settled("Content-Encoding: br\r\n", test::gzip("text"), Packing::classicOnly).GZipEncoded);
+    EXPECT_EQ(content(), "text");
+}
+
 } // namespace
 } // namespace nv

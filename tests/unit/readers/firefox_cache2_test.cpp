@@ -1,6 +1,5 @@
 #include "base/Files.h"
 #include "readers/CachedBody.h"
-#include "readers/Candidate.h"
 #include "readers/Registry.h"
 #include "readers/firefox/Cache2.h"
 #include "readers/firefox/Cache2Entry.h"
@@ -225,6 +224,18 @@ TEST_F(FirefoxCache2, whatWasGivenUpIsARemnant) {
     EXPECT_EQ(records[2].cacheType, "Firefox Cache Remnant");
 }
 
+TEST_F(FirefoxCache2, aFolderOfGivenUpOnesIsReadWithoutItsCache) {
+    FirefoxCache2Entry entry;
+    fs::create_directories(cache / "doomed");
+    writeWhole(cache / "doomed" / "1033657517", entry.bytes());
+    const auto &records = read(cache / "doomed");
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0].cacheType, "Firefox Cache Remnant");
+    EXPECT_EQ(test::factOf(records[0], "recovered_from"),
+              "doomed/1033657517, which the browser had given up");
+    EXPECT_EQ(bodyOfRecord(records[0]), entry.body);
+}
+
 TEST_F(FirefoxCache2, entriesThatWereCopiedOutAreRead) {
     FirefoxCache2Entry entry;
     entry.writeTo(cache);
@@ -340,50 +351,7 @@ TEST(Cache2Hash, isJenkinss) {
     EXPECT_EQ(cache2Hash(viewOf("The quick brown fox jumps over the lazy dog")), 0xFC1558DEU);
 }
 
-class Cache2Recognition : public FirefoxCache2 {
-  protected:
-    /// "key artefact" of the row that takes the file.
-    std::string taken(const fs::path &name, const std::string &bytes, bool verify = true) {
-        folder.write(name, bytes);
-        const Evidence evidence{{}};
-        Candidate candidate = candidateOf(folder.path() / name, evidence);
-        candidate.verifySignatures = verify;
-        const Bytes head = verify ? evidence.head(candidate.file, 65536) : Bytes();
-        candidate.head = ByteView(head);
-        const Reader *reader = recognise(candidate);
-        return reader
-                   ? std::string(reader->key) + " " +
-                         artefactOf(*reader, candidate).lexically_relative(folder.path()).string()
-                   : "";
-    }
-    const std::string hex = "0A1B2C3D4E5F60718293A4B5C6D7E8F901234567";
-};
-
-TEST_F(Cache2Recognition, itIsItsFolder) {
-    FirefoxCache2Entry entry;
-    const std::string bytes = entry.bytes();
-    EXPECT_EQ(taken("p/cache2/entries/" + hex, bytes), "firefox-cache2 p/cache2");
-    EXPECT_EQ(taken("p/cache2/trash12/" + hex, bytes), "firefox-cache2 p/cache2");
-    entry.version = 1;
-    entry.body.clear();
-    EXPECT_EQ(taken("renamed/entries/" + hex, entry.bytes()), "firefox-cache2 renamed");
-    EXPECT_EQ(taken("copied out/" + hex, bytes), "firefox-cache2 copied out");
-    EXPECT_EQ(taken("cache2/entries/" + hex, "", false), "firefox-cache2 cache2");
-}
-
-TEST_F(Cache2Recognition, otherFilesOfThatNameAreNone) {
-    FirefoxCache2Entry later;
-    later.version = 77;
-    for (const std::string &bytes :
-         {""s, "short"s, std::string(100, '\xFF'), std::string(100, '\0'), later.bytes()})
-        EXPECT_EQ(taken("entries/" + hex, bytes), "") << bytes.size();
-    const std::string bytes = FirefoxCache2Entry().bytes();
-    EXPECT_EQ(taken("entries/" + hex.substr(1), bytes), "");
-    EXPECT_EQ(taken("entries/g" + hex.substr(1), bytes), "");
-    EXPECT_EQ(taken("other/" + hex, "", false), "");
-}
-
-TEST_F(Cache2Recognition, bodiesOfItsRecordsAreFetchedItsWay) {
+TEST_F(FirefoxCache2, bodiesOfItsRecordsAreFetchedItsWay) {
     const UrlRecord record = only({});
     ASSERT_TRUE(sourceOf(record, registry()));
     EXPECT_EQ(sourceOf(record, registry())->key, "firefox-cache2");

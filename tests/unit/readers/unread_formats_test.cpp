@@ -117,7 +117,9 @@ TEST_F(UnreadFormats, databasesAreKnownByTheirTables) {
     EXPECT_EQ(takenWith("ls/data.sqlite", {"data", "database"}), "firefox-storage ls/data.sqlite");
     EXPECT_EQ(takenWith("idb/18msg.sqlite", {"object_data", "object_store"}),
               "firefox-storage idb/18msg.sqlite");
-    EXPECT_EQ(takenWith("caches.sqlite", {"caches", "entries"}), "firefox-storage caches.sqlite");
+    EXPECT_EQ(takenWith("caches.sqlite", {"caches", "entries", "response_headers"}),
+              "firefox-site-cache caches.sqlite");
+    EXPECT_EQ(takenWith("x/caches.sqlite", {"caches", "entries"}), kNone);
     EXPECT_EQ(takenWith("songs.sqlite", {"songs", "data"}), kNone);
     EXPECT_EQ(takenWith("DIPS", {"bounces", "meta"}), "chrome-site-data DIPS");
     EXPECT_EQ(takenWith("Media History", {"playback"}), "chrome-site-data Media History");

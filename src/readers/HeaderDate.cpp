@@ -1,4 +1,4 @@
-#include "readers/safari/CacheDate.h"
+#include "readers/HeaderDate.h"
 
 #include "base/Text.h"
 

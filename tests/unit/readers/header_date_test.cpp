@@ -1,4 +1,4 @@
-#include "readers/safari/CacheDate.h"
+#include "readers/HeaderDate.h"
 #include "time/DateFormat.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ std::string behindDayName(std::string_view text) {
     return isoUtc(headerDateBehindDayName(text));
 }
 
-TEST(SafariDates, areReadInTheFormOfServers) {
+TEST(HeaderDates, areReadInTheFormOfServers) {
     EXPECT_EQ(whole("Wed, 09 Mar 2011 18:00:07 GMT"), "2011-03-09T18:00:07Z");
     EXPECT_EQ(whole("9 march 2011 8:05"), "2011-03-09T08:05:00Z");
     EXPECT_EQ(whole("Sunday, 06-Nov-94 08:49:37 GMT"), "1994-11-06T08:49:37Z");
@@ -25,7 +25,7 @@ TEST(SafariDates, areReadInTheFormOfServers) {
     EXPECT_EQ(whole("31 Dec 9999 23:59:59 GMT"), "9999-12-31T23:59:59Z");
 }
 
-TEST(SafariDates, areNoneWhereAnythingElseStands) {
+TEST(HeaderDates, areNoneWhereAnythingElseStands) {
     for (const char *text : {"",
                              "Wed,",
                              "Wed, ",
@@ -51,7 +51,7 @@ TEST(SafariDates, areNoneWhereAnythingElseStands) {
         EXPECT_EQ(whole(text), "") << text;
 }
 
-TEST(SafariDates, loseTheirFirstFiveCharacters) {
+TEST(HeaderDates, loseTheirFirstFiveCharacters) {
     EXPECT_EQ(behindDayName("Wed, 09 Mar 2011 18:00:07 GMT"), "2011-03-09T18:00:07Z");
     EXPECT_EQ(behindDayName("Xyz: 09 Mar 2011 18:00:07 GMT"), "2011-03-09T18:00:07Z");
     EXPECT_EQ(behindDayName("W\u00e9d, 09 Mar 2011 18:00:07 GMT"), "2011-03-09T18:00:07Z");
@@ -60,7 +60,7 @@ TEST(SafariDates, loseTheirFirstFiveCharacters) {
         EXPECT_EQ(behindDayName(text), "") << text;
 }
 
-TEST(SafariDates, areNeverMadeOfHalfADay) {
+TEST(HeaderDates, areNeverMadeOfHalfADay) {
     // The five characters would take the first digit of the day along.
     EXPECT_EQ(behindDayName("Wed,19 Mar 2011 18:00:07 GMT"), "");
     EXPECT_EQ(behindDayName("19 Mar 2011 18:00:07 GMT"), "");

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "readers/ByteSource.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+
+namespace nv {
+
+/// Another source, whose bytes are read at once and kept when they are few: for files of which
+/// many small stretches are asked for. The other one must outlive it. Throws FileFailure.
+class HeldFile final : public ByteSource {
+  public:
+    /// `most` in bytes: a larger file is read where it is asked for.
+    HeldFile(const ByteSource &file, std::uint64_t most) : m_file(file) {
+        if (file.size() > most)
+            return;
+        m_bytes = file.read(0, file.size());
+        m_isHeld = true;
+    }
+
+    const std::filesystem::path &path() const override { return m_file.path(); }
+    std::uint64_t size() const override { return m_isHeld ? m_bytes.size() : m_file.size(); }
+    Bytes read(std::uint64_t offset, std::uint64_t count) const override {
+        if (!m_isHeld)
+            return m_file.read(offset, count);
+        if (offset >= m_bytes.size())
+            return {};
+        const ByteView view(m_bytes);
+        const std::string_view raw =
+            view.sub(offset, std::min<std::uint64_t>(count, m_bytes.size() - offset)).raw();
+        return {raw.begin(), raw.end()};
+    }
+
+  private:
+    const ByteSource &m_file;
+    Bytes m_bytes;
+    bool m_isHeld = false;
+};
+
+} // namespace nv
