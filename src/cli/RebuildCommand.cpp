@@ -122,7 +122,7 @@ Exit run(Session &session, const Arguments &arguments) {
         if (!arguments.overwrite)
             refuseExisting(ids, arguments.out);
         for (const std::string &choice : arguments.choices)
-            choosePart(program.state.projectDB.connection(), ids.front(), choice);
+            choosePart(program, ids.front(), choice);
         whole = rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
             if (page.rebuilt)
                 handOver(page.folder / pageNameOf(page.urlID), arguments.out);

@@ -86,14 +86,6 @@ PartQuestion partQuestion(const UrlRecord &page, const PartNote &note, SQLite::D
     return question;
 }
 
-void keepPartChoice(const PartQuestion &question, std::optional<UrlId> answer,
-                    SQLite::Database &project) {
-    if (answer)
-        PartChoices(project).choose(question.page, question.address, *answer);
-    else
-        PartChoices(project).forget(question.page, question.address);
-}
-
 std::string whyNoPart(UrlId id, SQLite::Database &project) {
     SQLite::Statement row(project, "SELECT CacheFileExists FROM URLs WHERE URL_ID = ?");
     bindId(row, 1, id);

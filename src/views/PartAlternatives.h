@@ -38,11 +38,6 @@ struct PartQuestion {
 /// Throws the database's errors.
 PartQuestion partQuestion(const UrlRecord &page, const PartNote &note, SQLite::Database &project);
 
-/// Keeps the answer for each later rebuild of the page: a record, `none` for an empty place,
-/// nothing when the program is to decide again. Throws the database's errors.
-void keepPartChoice(const PartQuestion &question, std::optional<UrlId> answer,
-                    SQLite::Database &project);
-
 /// Why the record can't stand for a reference, in plain words; empty when it can. Throws the
 /// database's errors.
 std::string whyNoPart(UrlId id, SQLite::Database &project);

@@ -15,8 +15,7 @@ class QTreeWidgetItem;
 
 namespace nv {
 
-/// Asks which cached record stands for a reference of a page. It only asks; keepPartChoice() keeps
-/// the answer.
+/// Asks which cached record stands for a reference of a page. It only asks.
 class PartChoiceForm final : public QDialog {
     Q_OBJECT
 

@@ -1,5 +1,6 @@
 #include "ui/window/RebuiltPanes.h"
 
+#include "app/jobs/PartChoiceJob.h"
 #include "app/jobs/RebuildText.h"
 #include "app/jobs/ShownPage.h"
 #include "app/messages/RebuildMessages.h"
@@ -146,7 +147,7 @@ void RebuiltPanes::chooseOther(const AuditRow &row) {
         question, [&project](UrlId id) { return whyNoPart(id, project); }, &m_bench.window);
     if (form.exec() != QDialog::Accepted)
         return;
-    keepPartChoice(question, form.answer(), project);
+    keepPartChoice(m_bench.program, m_audited, question.address, form.answer());
     rebuildNow(m_bench, m_audited, MethodChoice::exact);
 }
 

@@ -47,13 +47,17 @@ TEST_F(PartAlternativesTest, offersWhatTheRulesFindTheOneThatStandsThereFirst) {
     EXPECT_EQ(asked.alternatives[1].time, Date::fromDays(40001.5));
 }
 
-TEST_F(PartAlternativesTest, keepsTheAnswerForTheNextRebuild) {
+TEST_F(PartAlternativesTest, saysWhatWasChosenBefore) {
     put({.url = "https://host/a.png", .body = "one", .day = 40000});
     put({.url = "https://host/a.png", .body = "two", .day = 40009});
     put({.url = "https://elsewhere/b.png", .body = "three"});
     const UrlId html = putPage("<img src=/a.png>");
     const auto partAfter = [&](std::optional<UrlId> answer) {
-        keepPartChoice(question(html), answer, project.connection());
+        PartChoices choices(project.connection());
+        if (answer)
+            choices.choose(html, "https://host/a.png", *answer);
+        else
+            choices.forget(html, "https://host/a.png");
         EXPECT_TRUE(rebuild(html));
         return notes(html).at(0).part;
     };
