@@ -101,26 +101,22 @@ bool isOfAnotherAddress(const PartNote &note) {
 
 std::string timeApart(std::int64_t seconds) {
     struct Unit {
-        std::int64_t seconds;
+        std::uint64_t seconds;
         std::string_view name;
     };
     constexpr std::array<Unit, 4> kUnits = {{{86'400, "d"}, {3'600, "h"}, {60, "min"}, {1, "s"}}};
     if (seconds == 0)
         return "same second";
-    std::int64_t rest = seconds < 0 ? -seconds : seconds;
-    std::string text;
-    for (std::size_t at = 0; at < kUnits.size(); ++at) {
-        const std::int64_t count = rest / kUnits.at(at).seconds;
-        if (count == 0)
-            continue;
-        text = fmt::format("{} {}", count, kUnits.at(at).name);
-        rest -= count * kUnits.at(at).seconds;
-        // One unit more says enough.
-        const std::int64_t next = at + 1 < kUnits.size() ? rest / kUnits.at(at + 1).seconds : 0;
-        if (next > 0)
-            text += fmt::format(" {} {}", next, kUnits.at(at + 1).name);
-        break;
-    }
+    const auto bits = static_cast<std::uint64_t>(seconds);
+    std::uint64_t rest = seconds < 0 ? 0 - bits : bits;
+    std::size_t at = 0;
+    while (rest < kUnits.at(at).seconds)
+        ++at;
+    std::string text = fmt::format("{} {}", rest / kUnits.at(at).seconds, kUnits.at(at).name);
+    rest %= kUnits.at(at).seconds;
+    // One unit more says enough.
+    if (++at < kUnits.size() && rest >= kUnits.at(at).seconds)
+        text += fmt::format(" {} {}", rest / kUnits.at(at).seconds, kUnits.at(at).name);
     return text + (seconds < 0 ? " earlier" : " later");
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Read first: moc takes <compare>, which dates include, only behind other standard headers.
+#include "db/UrlRecord.h"
 #include "views/Audit.h"
 
 #include <QAbstractTableModel>

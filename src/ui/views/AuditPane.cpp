@@ -2,6 +2,7 @@
 
 #include "ui/views/AuditModel.h"
 #include "ui/views/GridCopy.h"
+#include "views/Audit.h"
 #include "views/PartAlternatives.h"
 
 #include <QAction>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "views/Audit.h"
-
 #include <QWidget>
+
+#include <vector>
 
 class QAction;
 class QLabel;
@@ -11,6 +11,7 @@ class QTableView;
 namespace nv {
 
 class AuditModel;
+struct AuditRow;
 
 /// The substitution log of one rebuilt page: each of its references, and what stands in its place.
 /// Of a page that was rebuilt exactly it tells more, and lets another part be chosen.

@@ -6,6 +6,7 @@
 #include "ui/views/GridCopy.h"
 #include "ui/views/ShownSigns.h"
 #include "views/CellText.h"
+#include "views/PartAlternatives.h"
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>

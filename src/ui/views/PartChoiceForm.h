@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/PartAlternatives.h"
+#include "db/Ids.h"
 
 #include <QDialog>
 
@@ -14,6 +14,8 @@ class QTreeWidget;
 class QTreeWidgetItem;
 
 namespace nv {
+
+struct PartQuestion;
 
 /// Asks which cached record stands for a reference of a page. It only asks.
 class PartChoiceForm final : public QDialog {

@@ -42,7 +42,7 @@ TEST_F(PartAlternativesTest, offersWhatTheRulesFindTheOneThatStandsThereFirst) {
     EXPECT_THAT(lines(asked), ElementsAre("3 without fragment", "2 without fragment",
                                           "1 same path, other query"));
     EXPECT_EQ(asked.alternatives[1].url, "https://host/a.png?v=2");
-    EXPECT_EQ(asked.alternatives[1].kind, "Firefox Cache");
+    EXPECT_EQ(asked.alternatives[1].kind, "Opera Cache");
     EXPECT_EQ(asked.alternatives[1].seconds, 129'600);
     EXPECT_EQ(asked.alternatives[1].time, Date::fromDays(40001.5));
 }
