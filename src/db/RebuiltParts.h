@@ -31,6 +31,8 @@ inline constexpr const char *kNotOfWeb = "never kept in caches";
 inline constexpr const char *kTooDeep = "nested too deep";
 inline constexpr const char *kTooMany = "too many parts";
 inline constexpr const char *kTooLarge = "too large";
+inline constexpr const char *kError = "answered with an error";
+inline constexpr const char *kOtherType = "answered with another type";
 /// Comes before the rule by which the last address of a chain of redirects was found.
 inline constexpr const char *kRedirect = "redirect, then ";
 } // namespace partrule
@@ -38,15 +40,15 @@ inline constexpr const char *kRedirect = "redirect, then ";
 /// One reference of a page that was rebuilt exactly, or of a document within it, and what stands
 /// for it.
 struct PartNote {
-    UrlId document = UrlId::none; ///< the record in whose text the reference stands
-    std::string element;          ///< "img"; empty in a style sheet
-    std::string attribute;        ///< "srcset"; in styles the property or the at-rule
-    std::string original;         ///< as the document means it
-    std::string address;          ///< resolved; empty for one that is none
-    std::string rule;             ///< one of `partrule`
-    UrlId part = UrlId::none;     ///< none: a marked place stands there
-    std::string localName;        ///< of its file beside the page; empty for none
-    Date time;                    ///< of the part, in UTC
+    UrlId document = UrlId::none;        ///< the record in whose text the reference stands
+    std::string element;                 ///< "img"; empty in a style sheet
+    std::string attribute;               ///< "srcset"; in styles the property or the at-rule
+    std::string original;                ///< as the document means it
+    std::string address;                 ///< resolved; empty for one that is none
+    std::string rule;                    ///< one of `partrule`
+    UrlId part = UrlId::none;            ///< none: a marked place stands there
+    std::string localName;               ///< of its file beside the page; empty for none
+    Date time;                           ///< of the part, in UTC
     std::optional<std::int64_t> seconds; ///< from the page's own time to that; earlier is negative
     /// Keys of the records that the rule found, the one taken first; the best eleven at most.
     std::vector<std::int64_t> candidates;

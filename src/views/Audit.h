@@ -31,8 +31,8 @@ struct AuditRow {
     /// The chosen one, when there is one, and the best others. The score counts those that aren't
     /// told too.
     std::vector<AuditCandidate> candidates;
-    /// What is known besides where the page was rebuilt exactly: the address, by which rule the part
-    /// was found, its time and its hash.
+    /// What is known besides where the page was rebuilt exactly: the address, by which rule the
+    /// part was found, its time and its hash.
     std::optional<PartNote> note;
 
     bool isReplaced() const { return isThere && isRewritten; }

@@ -20,6 +20,10 @@ namespace nv {
 
 namespace {
 
+/// The place at which a rebuilt page shows without its banner (kBannerOff of
+/// rebuild/exact/OwnParts.h). Other pages have no such place.
+constexpr const char *kWithoutBanner = "nv-rebuilt";
+
 /// Pages are laid out for a screen and then made small.
 constexpr int kScreenWidth = 1024;
 constexpr int kLowestScreen = 64;
@@ -116,7 +120,9 @@ std::string PageDrawEngine::load(QWebEngineView &view, const DrawJob &job,
         loading->end({});
     });
     QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
-    view.load(QUrl::fromLocalFile(pathToQt(job.source)));
+    QUrl target = QUrl::fromLocalFile(pathToQt(job.source));
+    target.setFragment(QString::fromLatin1(kWithoutBanner));
+    view.load(target);
     loop.exec();
     if (loading->outcome && loading->outcome->empty())
         shot = settledShot(view, timeout);

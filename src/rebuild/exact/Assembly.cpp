@@ -91,8 +91,12 @@ std::string Assembly::page(const std::string &banner) const {
     return m_root.source->rewritten(std::move(edits));
 }
 
-bool Assembly::goesOn() {
+bool Assembly::goesOn(const std::string &address) {
     const auto done = static_cast<double>(m_done);
+    if (m_ctx.task.wantsStep()) {
+        const auto counter = static_cast<std::int64_t>(m_named);
+        m_ctx.task.show({address, 0, 0, "Reconciling", counter, counter});
+    }
     m_cancelled =
         m_cancelled || !m_ctx.task.advance(done / (done + static_cast<double>(m_open.size()) + 1));
     return !m_cancelled;
@@ -148,13 +152,6 @@ Assembly::Scanned Assembly::scan(const Document &document, Read &read) {
 
 namespace {
 
-/// A reference on its way: what it leads to, and what stands for it.
-struct Followed {
-    const Reference *reference = nullptr;
-    std::optional<WebAddress> address;
-    FoundPart found;
-};
-
 /// What a document's references are relative to.
 std::optional<WebAddress> baseOf(const std::string &url, const std::string &base,
                                  std::string_view charset) {
@@ -179,7 +176,8 @@ std::vector<Followed> followed(const std::vector<Reference> &references, const W
     for (const Reference &reference : references)
         all.push_back({&reference,
                        WebAddress::parsed(reference.address, base, charsetFor(reference, charset)),
-                       {}});
+                       {},
+                       false});
     return all;
 }
 
@@ -203,12 +201,23 @@ void fillSets(std::vector<Followed> &all, const std::vector<Reference> &referenc
     }
 }
 
+/// A picture of a style that says that it is missing would lie behind all of a page's text.
+std::string markedPlace(const Reference &reference, const std::string &address) {
+    return reference.form == RefForm::styleUrl && reference.use == RefUse::image
+               ? "data:,"
+               : missingPart(reference.use, address.empty() ? reference.address : address);
+}
+
 /// A click leads to where it led; places of the document itself stay in it.
 std::string linkFor(const WebAddress &address, const std::string &document) {
     const auto own = WebAddress::parsed(document);
     const bool isOwn =
         own && address.fragment() && own->withoutFragment() == address.withoutFragment();
     return isOwn ? "#" + *address.fragment() : address.href();
+}
+
+bool isLink(const Followed &one) {
+    return one.reference->use == RefUse::link;
 }
 
 } // namespace
@@ -218,37 +227,38 @@ void Assembly::resolve(const Document &document, Read &read, const Scanned &scan
     const auto base = baseOf(document.url, scanned.base, charset);
     std::vector<Followed> all = followed(scanned.references, base ? &*base : nullptr, charset);
     std::vector<std::string> addresses;
-    addresses.reserve(all.size());
+    addresses.reserve(std::min(all.size(), kMostReferences));
     for (const Followed &one : all)
-        if (one.address && one.reference->use != RefUse::link)
+        if (one.address && !isLink(one) && addresses.size() + m_named < kMostReferences)
             addresses.push_back(one.address->href());
     m_finder.prepare(addresses);
     for (Followed &one : all) {
-        if (one.reference->use == RefUse::link)
+        if (isLink(one))
             continue;
-        if (!goesOn())
-            return;
         const std::string address = one.address ? one.address->href() : std::string();
+        if (!goesOn(address))
+            return;
+        one.isTold = ++m_named <= kMostReferences;
         one.found = partFor(document, *one.reference, address);
     }
     fillSets(all, scanned.references, read.source->text());
-    for (const Followed &one : all) {
-        const Reference &reference = *one.reference;
-        const bool isLink = reference.use == RefUse::link;
-        const std::string address = one.address ? one.address->href() : std::string();
-        if (isLink && !one.address)
-            continue;
-        const std::string value =
-            isLink ? linkFor(*one.address, document.url)
-            : one.found.file
-                ? one.found.file->name + fragmentOf(address)
-                : missingPart(reference.use, address.empty() ? reference.address : address);
-        read.edits.push_back({reference.at, spelled(reference, value, read.source->text())});
-        if (!isLink && m_notes.size() < kMostReferences)
-            m_notes.push_back(noteOf(document, reference, address, one.found));
-        if (one.found.file)
-            queue(document, *one.found.file, charset);
-    }
+    for (const Followed &one : all)
+        change(document, read, one);
+}
+
+void Assembly::change(const Document &document, Read &read, const Followed &one) {
+    const Reference &reference = *one.reference;
+    if (isLink(one) && !one.address)
+        return;
+    const std::string address = one.address ? one.address->href() : std::string();
+    const std::string value = isLink(one)      ? linkFor(*one.address, document.url)
+                              : one.found.file ? one.found.file->name + fragmentOf(address)
+                                               : markedPlace(reference, address);
+    read.edits.push_back({reference.at, spelled(reference, value, read.source->text())});
+    if (one.isTold)
+        m_notes.push_back(noteOf(document, reference, address, one.found));
+    if (one.found.file)
+        queue(document, *one.found.file, read.source->charset());
 }
 
 FoundPart Assembly::partFor(const Document &document, const Reference &reference,
@@ -256,7 +266,7 @@ FoundPart Assembly::partFor(const Document &document, const Reference &reference
     FoundPart none;
     if (address.empty())
         none.rule = partrule::kNoAddress;
-    else if (m_notes.size() >= kMostReferences)
+    else if (m_named > kMostReferences)
         none.rule = partrule::kTooMany;
     else if (document.depth >= kDeepest && bringsDocument(reference.use))
         none.rule = partrule::kTooDeep;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "address/WebAddress.h"
 #include "rebuild/RebuildContext.h"
 #include "rebuild/exact/PartFinder.h"
+#include "rebuild/exact/Reference.h"
 #include "rebuild/exact/SourceText.h"
 
 #include <deque>
@@ -14,6 +16,14 @@
 
 namespace nv {
 
+/// A reference on its way: what it leads to, and what stands for it.
+struct Followed {
+    const Reference *reference = nullptr;
+    std::optional<WebAddress> address;
+    FoundPart found;
+    bool isTold = false; ///< it is among those that the audit has rows for
+};
+
 /// Puts a page together: reads its references, has their parts brought, rewrites the page, and goes
 /// on with what was brought: frames, style sheets and pictures in SVG have references of their own.
 class Assembly {
@@ -22,8 +32,8 @@ class Assembly {
     Assembly(const UrlRecord &page, std::filesystem::path folder, PartFiles &files,
              PartFinder &finder, const RebuildContext &ctx);
 
-    /// `bytes` are those of the page, unpacked. All but the page lies in the folder then. False when
-    /// cancelled. Throws PageTooLarge and what files and database say.
+    /// `bytes` are those of the page, unpacked. All but the page lies in the folder then. False
+    /// when cancelled. Throws PageTooLarge and what files and database say.
     [[nodiscard]] bool run(const Bytes &bytes);
     /// What the page names, then what its frames and sheets name, in the order of their bringing.
     const std::vector<PartNote> &notes() const { return m_notes; }
@@ -55,13 +65,14 @@ class Assembly {
     Read read(const Document &document, const Bytes &bytes);
     Scanned scan(const Document &document, Read &read);
     void resolve(const Document &document, Read &read, const Scanned &scanned);
+    void change(const Document &document, Read &read, const Followed &one);
     void rewrite(const Document &document);
     PartNote noteOf(const Document &document, const Reference &reference,
                     const std::string &address, const FoundPart &found) const;
     FoundPart partFor(const Document &document, const Reference &reference,
                       const std::string &address);
     void queue(const Document &from, const PartFile &file, const std::string &charset);
-    bool goesOn();
+    bool goesOn(const std::string &address);
 
     const UrlRecord &m_page;
     std::filesystem::path m_folder;
@@ -72,7 +83,8 @@ class Assembly {
     std::deque<Document> m_open;
     std::set<std::string> m_known; ///< names of files that are in line, or done
     std::vector<PartNote> m_notes;
-    std::size_t m_done = 0; ///< documents
+    std::size_t m_done = 0;  ///< documents
+    std::size_t m_named = 0; ///< references to parts
     bool m_cancelled = false;
 };
 

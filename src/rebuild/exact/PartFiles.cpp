@@ -5,6 +5,7 @@
 #include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "db/RebuiltParts.h"
 #include "readers/CachedBody.h"
 #include "readers/HttpHeaders.h"
 #include "rebuild/LocalNames.h"
@@ -29,6 +30,17 @@ std::string redirectOf(const UrlRecord &record) {
         return {};
     const auto locations = headerValues(record.MetaData, "location");
     return locations.empty() ? std::string() : std::string(locations.front());
+}
+
+/// Why browsers don't use what a server answered; null where they do. Pages and pictures of errors
+/// show, styles and fonts don't count.
+const char *refusalOf(const UrlRecord &record, RefUse use) {
+    constexpr int kFirstError = 400;
+    if (use != RefUse::style && use != RefUse::font && use != RefUse::track)
+        return nullptr;
+    if (statusOf(record.MetaData) >= kFirstError)
+        return partrule::kError;
+    return mimeTypeOf(record.MetaData) == "text/html" ? partrule::kOtherType : nullptr;
 }
 
 std::string headOf(const Body &body) {
@@ -96,6 +108,8 @@ PartFiles::Taken PartFiles::bring(UrlId id, RefUse use) {
         return Gone();
     if (std::string location = redirectOf(*record); !location.empty())
         return Redirect{std::move(location)};
+    if (const char *const rule = refusalOf(*record, use))
+        return Refused{rule};
     const auto body = bodyOf(*record, m_ctx.extraction(), kBodyInMemory);
     if (!body || sizeOf(*body) == 0)
         return Gone();
@@ -107,7 +121,7 @@ PartFiles::Taken PartFiles::bring(UrlId id, RefUse use) {
         return &there->second;
     }
     if (form != PartForm::plain && sizeOf(*body) > kLargestDocument)
-        return TooLarge();
+        return Refused{partrule::kTooLarge};
     PartFile file;
     file.record = id;
     file.form = form;

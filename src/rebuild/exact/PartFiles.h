@@ -35,12 +35,15 @@ class PartFiles {
     PartFiles(const UrlRecord &page, std::filesystem::path folder, const RebuildContext &ctx);
 
     struct Gone {};
-    struct TooLarge {};
+    /// It is there and can't be used; one of `partrule`.
+    struct Refused {
+        const char *rule = nullptr;
+    };
     /// The record answered with another address.
     struct Redirect {
         std::string location;
     };
-    using Taken = std::variant<Gone, TooLarge, Redirect, const PartFile *>;
+    using Taken = std::variant<Gone, Refused, Redirect, const PartFile *>;
 
     /// What the record gives for such a use. Files live as long as this.
     Taken take(UrlId record, RefUse use);

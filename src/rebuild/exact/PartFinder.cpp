@@ -131,8 +131,8 @@ FoundPart PartFinder::firstOf(const CandidateList &list, const std::string &addr
     FoundPart found = nothing(partrule::kNone);
     for (const PartCandidate &candidate : list.best) {
         const auto taken = m_files.take(candidate.id, use);
-        if (std::holds_alternative<PartFiles::TooLarge>(taken))
-            found.rule = partrule::kTooLarge;
+        if (const auto *refused = std::get_if<PartFiles::Refused>(&taken))
+            found.rule = refused->rule;
         if (const auto *file = std::get_if<const PartFile *>(&taken)) {
             found = {list.rule, *file, keysOf(list), list.count};
             putFirst(found.candidates, number(candidate.id));

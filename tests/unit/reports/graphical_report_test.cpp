@@ -137,6 +137,22 @@ TEST_F(GraphicalReportTest, theAuditTellsAReferenceThatThePageDoesNotNameAPartFo
     EXPECT_EQ(countOf(html, "Not rewritten: " + part), 1u);
 }
 
+TEST_F(GraphicalReportTest, aPageThatWasRebuiltExactlyTellsTheRuleOfEachPart) {
+    settings.method = MethodChoice::exact;
+    addRebuiltPage();
+    const std::string html = make(0, [](ReportWriter &each) { each.includeAudit = true; });
+    EXPECT_THAT(html, AllOf(HasSubstr("(exact method)"), HasSubstr("img src"),
+                            HasSubstr("http://host/gone.gif"), HasSubstr("exact address"),
+                            HasSubstr("not in any cache"), HasSubstr("Marked place"),
+                            HasSubstr("<a href='0000001.NVR/0000002.gif' "
+                                      "target='_new'>0000002.gif</a> (row 2)")));
+    EXPECT_EQ(inReport("0000001.NVR/0000002.gif"), "GIF89a logo");
+    const std::string copy = inReport("0000001.NVR/0000001.htm");
+    EXPECT_THAT(copy, AllOf(HasSubstr("src=\"0000002.gif\""), HasSubstr("default-src 'none'"),
+                            Not(HasSubstr("<script")), Not(HasSubstr("efresh"))));
+    EXPECT_TRUE(project.log.entries.empty());
+}
+
 TEST_F(GraphicalReportTest, anArchiveOfAnEarlierVersionIsUnpacked) {
     addRebuiltPage();
     UrlRecord record = get(UrlId{1});

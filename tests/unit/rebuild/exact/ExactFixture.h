@@ -22,7 +22,7 @@ struct Answer {
     std::string status{"200 OK"};
     std::string location{}; ///< of a redirect
     std::string charset{};
-    std::string cacheType{"Firefox Cache"};
+    std::string cacheType{"Opera Cache"};
 };
 
 /// A project whose pages are rebuilt exactly.

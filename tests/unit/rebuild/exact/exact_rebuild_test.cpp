@@ -192,6 +192,19 @@ TEST_F(ExactRebuildTest, redirectsAreFollowedAndTold) {
                                          "https://host/loop: not in any cache -> 0"));
 }
 
+TEST_F(ExactRebuildTest, errorsAreNoStyles) {
+    const std::string styled = "<html><style>p{color:red}</style>";
+    put({.url = "https://host/a.css", .body = styled, .type = "text/html", .status = "404 Gone"});
+    put({.url = "https://host/b.css", .body = styled, .type = "text/html"});
+    put({.url = "https://host/c.gif", .body = "GIF89a", .type = "image/gif", .status = "404 Gone"});
+    const UrlId html = putPage("<link rel=stylesheet href=/a.css><link rel=stylesheet href=/b.css>"
+                               "<img src=/c.gif>");
+    ASSERT_TRUE(rebuild(html));
+    EXPECT_THAT(found(html), ElementsAre("https://host/a.css: answered with an error -> 0",
+                                         "https://host/b.css: answered with another type -> 0",
+                                         "https://host/c.gif: exact address -> 3"));
+}
+
 TEST_F(ExactRebuildTest, ofTheSizesOfAPictureTheCachedOneShows) {
     put({.url = "https://host/b.jpg", .body = "\xFF\xD8\xFF\xE0"});
     const UrlId html = putPage("<picture><source srcset='/a.webp 1x, /b.jpg 2x'><img src=/c.jpg>"
