@@ -14,6 +14,8 @@
 #include "ui/views/PartChoiceForm.h"
 #include "ui/window/RebuildPart.h"
 #include "ui/window/RecordJump.h"
+#include "views/Audit.h"
+#include "views/PartAlternatives.h"
 
 #include <QTabWidget>
 
