@@ -46,7 +46,7 @@ struct PartNote {
     std::string original;                ///< as the document means it
     std::string address;                 ///< resolved; empty for one that is none
     std::string rule;                    ///< one of `partrule`
-    UrlId part = UrlId::none;            ///< none: a marked place stands there
+    UrlId part = UrlId::none;            ///< the record that stands for it
     std::string localName;               ///< of its file beside the page; empty for none
     Date time;                           ///< of the part, in UTC
     std::optional<std::int64_t> seconds; ///< from the page's own time to that; earlier is negative
@@ -54,6 +54,9 @@ struct PartNote {
     std::vector<std::int64_t> candidates;
     std::int64_t candidateCount = 0; ///< of all that the rule found
     std::string sha256;              ///< of the part's bytes as the evidence has them, unpacked
+
+    /// Otherwise a marked place stands there: there is no record, or it is beyond what is read.
+    bool isShown() const { return part != UrlId::none && rule != partrule::kTooLarge; }
 };
 
 /// What the audit tells of pages that were rebuilt exactly, and what their folders are made anew

@@ -79,7 +79,7 @@ namespace {
 
 std::string partCell(const PartNote &note, const ReportCard &card, const fs::path &report) {
     const fs::path part = fs::path(card.target).parent_path() / note.localName;
-    if (note.part == UrlId::none)
+    if (!note.isShown())
         return "<font color='red'>Marked place</font>";
     if (!fs::is_regular_file(report / part))
         return fmt::format("<font color='red'>{}</font>", kMissingPart);

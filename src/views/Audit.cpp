@@ -85,11 +85,11 @@ class Audit {
         row.newValue = note.localName;
         row.extension = getFileExtension(note.localName);
         row.tagURLID = number(note.part);
-        row.isThere = row.tagURLID > 0 && fs::is_regular_file(m_folder / note.localName);
+        row.isThere = note.isShown() && fs::is_regular_file(m_folder / note.localName);
         row.isRewritten = true;
-        row.state = row.isThere                ? note.localName
-                    : note.part != UrlId::none ? kMissingPart
-                                               : kMarkedPlace + note.rule;
+        row.state = row.isThere      ? note.localName
+                    : note.isShown() ? kMissingPart
+                                     : kMarkedPlace + note.rule;
         row.score = scoreText(row.tagURLID > 0 ? 1 : 0, note.candidateCount);
         for (const std::int64_t id : note.candidates)
             row.candidates.push_back({id, urlOf(id)});

@@ -117,10 +117,8 @@ void Assembly::rewrite(const Document &document) {
     writeWhole(file, emptyDocument(document.form));
     m_notes.resize(notes);
     for (PartNote &note : m_notes)
-        if (note.localName == document.name) {
+        if (note.localName == document.name)
             note.rule = partrule::kTooLarge;
-            note.part = UrlId::none;
-        }
 }
 
 Assembly::Read Assembly::read(const Document &document, const Bytes &bytes) {

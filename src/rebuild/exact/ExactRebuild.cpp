@@ -65,8 +65,8 @@ BannerFacts bannerFacts(const UrlRecord &page, const std::vector<PartNote> &note
         if (!isPart(note) || !named.insert(note.address).second)
             continue;
         ++facts.parts;
-        facts.found += note.part != UrlId::none ? 1 : 0;
-        if (note.time.has()) {
+        facts.found += note.isShown() ? 1 : 0;
+        if (note.isShown() && note.time.has()) {
             oldest = !oldest.has() || note.time < oldest ? note.time : oldest;
             newest = !newest.has() || note.time > newest ? note.time : newest;
         }

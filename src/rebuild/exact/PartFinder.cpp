@@ -49,9 +49,14 @@ PartFinder::PartFinder(const UrlRecord &page, PartFiles &files, const RebuildCon
                        std::span<const PartNote> notes)
     : m_files(files), m_candidates(ctx.project, page) {
     auto &known = m_notes.emplace();
-    for (const PartNote &note : notes)
-        if (note.rule != partrule::kSameSet) // its set is looked at anew
-            known.try_emplace(note.address, note);
+    for (const PartNote &note : notes) {
+        if (note.rule == partrule::kSameSet) // its set is looked at anew
+            continue;
+        PartNote &kept = known.try_emplace(note.address, note).first->second;
+        // Of one address a style may be too deep where a picture isn't.
+        if (kept.part == UrlId::none && note.part != UrlId::none)
+            kept = note;
+    }
 }
 
 void PartFinder::prepare(std::span<const std::string> addresses) {

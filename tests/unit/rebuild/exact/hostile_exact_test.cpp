@@ -74,10 +74,15 @@ TEST_F(HostileExactPages, ofAFrameThatIsNestedBeyondAllMeasure) {
     put({.url = "https://host/a.gif", .body = "GIF89a"});
     const UrlId html = putPage("<iframe src=/f></iframe><img src=/a.gif>");
     ASSERT_TRUE(rebuildSoon(html));
-    EXPECT_THAT(found(html), ElementsAre("https://host/f: too large -> 0",
+    EXPECT_FALSE(notes(html)[0].isShown());
+    UrlRecord stored = get(html);
+    const std::string note = fileOf(html, "0000001.htm");
+    ASSERT_TRUE(unpackIngredients(stored, context()));
+    EXPECT_EQ(fileOf(html, "0000001.htm"), note);
+    EXPECT_THAT(found(html), ElementsAre("https://host/f: too large -> 1",
                                          "https://host/a.gif: exact address -> 2"));
     EXPECT_THAT(fileOf(html, "0000001.htm"), Not(HasSubstr("live")));
-    EXPECT_EQ(project.log.entries.size(), 1u);
+    EXPECT_EQ(project.log.entries.size(), 2u); // each time that it is read
 }
 
 TEST_F(HostileExactPages, thatAreNestedBeyondAllMeasure) {
