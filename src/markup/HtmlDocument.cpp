@@ -24,6 +24,18 @@ bool isQuoted(std::string_view value) {
            value.back() == value.front();
 }
 
+/// Where the value behind a name stands, quotation marks included; `end` is after it. The place
+/// behind the name where there is none.
+SourceSpan behindName(std::string_view html, SourceSpan name, std::size_t end) {
+    constexpr std::string_view kBlanks = " \t\n\f\r";
+    const SourceSpan none{name.end, name.end};
+    const std::size_t sign = html.find_first_not_of(kBlanks, name.end);
+    if (end > html.size() || sign == std::string_view::npos || sign >= end || html[sign] != '=')
+        return none;
+    const std::size_t begin = html.find_first_not_of(kBlanks, sign + 1);
+    return begin < end ? SourceSpan{begin, end} : none;
+}
+
 std::string_view checked(std::string_view html, const std::filesystem::path &file) {
     const HtmlLimits limits;
     if (const std::string beyond = costOf(html, limits).beyond(limits); !beyond.empty())
@@ -138,9 +150,12 @@ std::vector<HtmlAttribute> HtmlDocument::attributesOf(const Node &element) const
         attribute.value = each.value;
         attribute.isPrefixed = each.attr_namespace != GUMBO_ATTR_NAMESPACE_NONE;
         attribute.nameAt = spanOf(each.original_name.data, each.original_name.length);
-        attribute.valueAt = spanOf(each.original_value.data, each.original_value.length);
-        if (attribute.valueAt.begin == attribute.nameAt.begin) // the library's word for none
-            attribute.valueAt = {attribute.nameAt.end, attribute.nameAt.end};
+        if (attribute.nameAt.end > 0) {
+            // Of a value that begins with "&" the library has the end right, and not the length.
+            const std::size_t value = spanOf(each.original_value.data, 0).begin;
+            attribute.valueAt =
+                behindName(m_html, attribute.nameAt, value + each.original_value.length);
+        }
         if (isQuoted(attribute.valueAt.in(m_html)))
             attribute.valueAt = {attribute.valueAt.begin + 1, attribute.valueAt.end - 1};
         attributes.push_back(attribute);

@@ -32,13 +32,15 @@ constexpr std::string_view kFunctions =
     "abs acos alpha any asin atan atan2 attr blur brightness calc calc-size circle clamp color "
     "color-mix color-stop conic-gradient contrast cos counter counters cross-fade cubic-bezier "
     "dir drop-shadow ellipse env exp fit-content format from grayscale has host host-context "
-    "hsl hsla hue-rotate hwb hypot image image-set inset invert is lab lang lch light-dark linear "
+    "hsl hsla hue-rotate hwb hypot image image-set inset invert is lab lang layer lch light-dark "
+    "linear "
     "linear-gradient local log matches matrix matrix3d max min minmax mod not nth-child "
     "nth-last-child nth-last-of-type nth-of-type oklab oklch opacity part path perspective polygon "
     "pow radial-gradient ray rect rem repeat repeating-conic-gradient "
     "repeating-linear-gradient repeating-radial-gradient rgb rgba rotate rotate3d rotatex rotatey "
     "rotatez round saturate scale scale3d scalex scaley scalez selector sepia sign sin skew skewx "
-    "skewy slotted sqrt state steps style symbols tan tech to translate translate3d translatex "
+    "skewy slotted sqrt state steps style supports symbols tan tech to translate translate3d "
+    "translatex "
     "translatey translatez var where xywh cue gradient";
 
 constexpr std::string_view kTextFunctions =

@@ -15,7 +15,7 @@ struct FateRow {
     std::string_view names; ///< separated by blanks
 };
 
-constexpr std::array<FateRow, 9> kHtml = {{
+constexpr std::array<FateRow, 10> kHtml = {{
     {Fate::keep,
      "a abbr acronym address area article aside audio b basefont bdi bdo big blockquote body br "
      "button canvas caption center cite code col colgroup data dd del details dfn dialog dir div "
@@ -25,16 +25,16 @@ constexpr std::array<FateRow, 9> kHtml = {{
      "nav nobr ol optgroup option output p picture pre progress q rp rt ruby s samp search section "
      "select small source span strike strong sub summary sup table tbody td tfoot th thead time tr "
      "tt u ul var video wbr"},
-    {Fate::unwrap, "applet object layer ilayer nolayer"},
+    {Fate::unwrap, "applet layer ilayer nolayer"},
+    {Fate::embedded, "embed object"},
     {Fate::lines, "listing plaintext xmp"},
     {Fate::text, "textarea title"},
     {Fate::empty, "iframe"},
     {Fate::style, "style"},
     {Fate::link, "link"},
     {Fate::meta, "meta"},
-    {Fate::drop,
-     "base bgsound embed isindex keygen noembed noframes noscript param script template "
-     "track"},
+    {Fate::drop, "base bgsound isindex keygen noembed noframes noscript param script template "
+                 "track"},
 }};
 
 constexpr std::array<FateRow, 4> kSvg = {{
@@ -78,7 +78,8 @@ constexpr std::string_view kHtmlAttributes =
     "language leftmargin link loop low marginheight marginwidth max maxlength media min multiple "
     "muted name nohref noresize noshade nowrap open optimum placeholder readonly required reversed "
     "rightmargin role rows rowspan rules scope scrollamount scrolldelay scrolling selected shape "
-    "size span spellcheck start step summary tabindex target text title topmargin truespeed type "
+    "size sizes span spellcheck start step summary tabindex target text title topmargin truespeed "
+    "type "
     "unselectable valign value version vlink vspace width wrap";
 
 constexpr std::string_view kSvgAttributes =

@@ -12,11 +12,12 @@ namespace nv {
 /// What becomes of an element of a page that leaves the program.
 enum class Fate : std::uint8_t {
     keep,
-    unwrap, ///< goes, and what it holds stays
-    rename, ///< of a name that nobody knows: what it holds and how it looks stays, as of a "span"
-    lines,  ///< holds text as it stands, and becomes a "pre"
-    text,   ///< is kept with its text, in which nothing is a tag
-    empty,  ///< is kept without what it holds
+    unwrap,   ///< goes, and what it holds stays
+    rename,   ///< of a name that nobody knows: what it holds and how it looks stays, as of a "span"
+    lines,    ///< holds text as it stands, and becomes a "pre"
+    text,     ///< is kept with its text, in which nothing is a tag
+    empty,    ///< is kept without what it holds
+    embedded, ///< becomes a picture or a frame, if what it names is one that may stay
     style,
     link,
     meta,

@@ -1,6 +1,7 @@
 #include "reports/PageWriter.h"
 
 #include "base/Text.h"
+#include "markup/SrcSet.h"
 #include "markup/Utf8.h"
 #include "reports/SafeStyle.h"
 
@@ -43,6 +44,16 @@ bool isQuotable(std::string_view id) {
     return std::ranges::all_of(id, [](char c) {
         return c >= ' ' && c < 0x7F && c != '"' && c != '<' && c != '>' && c != '&';
     });
+}
+
+/// "2x", "1.5x", "640w", or none.
+bool isDescriptor(std::string_view text) {
+    if (text.empty())
+        return true;
+    const char unit = text.back();
+    text.remove_suffix(1);
+    return (unit == 'x' || unit == 'w') && !text.empty() && text.size() < 12 &&
+           std::ranges::all_of(text, [](char c) { return (c >= '0' && c <= '9') || c == '.'; });
 }
 
 const HtmlAttribute *find(const std::vector<HtmlAttribute> &attributes, std::string_view name) {
@@ -174,6 +185,8 @@ void PageWriter::enterElement(const Node &element) {
         openTag(element, name, attributesOf(element, name));
         m_text += fmt::format("</{}>", name);
         return;
+    case Fate::embedded:
+        return writeEmbedded(element, name);
     case Fate::style:
         return writeStyle(element);
     case Fate::link:
@@ -234,6 +247,21 @@ std::string PageWriter::attributeOf(const Node &element, std::string_view name,
     return isPlainAttribute(space, attribute.name) ? attributeText(attribute.name, value) : "";
 }
 
+/// Of the pictures of several sizes those that may stay, each in one form.
+std::string PageWriter::candidatesOf(std::string_view srcset) const {
+    std::string written;
+    for (const SrcSetCandidate &candidate : srcSetCandidates(srcset)) {
+        const auto kept = m_references.kept(candidate.at.in(srcset), Use::image);
+        // A comma at its end would be read as the list's own.
+        if (!kept || kept->ends_with(',') || !isDescriptor(candidate.descriptor))
+            continue;
+        written += written.empty() ? "" : ", ";
+        written += *kept;
+        written += candidate.descriptor.empty() ? "" : " " + candidate.descriptor;
+    }
+    return written;
+}
+
 /// Where a link led is still told, where nothing follows it.
 std::string PageWriter::referenceOf(const Node &element, std::string_view name,
                                     const HtmlAttribute &attribute) const {
@@ -242,6 +270,13 @@ std::string PageWriter::referenceOf(const Node &element, std::string_view name,
         const bool isPlace = attribute.value.starts_with('#');
         if (attribute.name == "href" && (name == "image" || isPlace))
             use = Use::image;
+    } else if (attribute.name == "srcset") {
+        const bool isUsed = name == "img" || name == "source";
+        const std::string kept = isUsed ? candidatesOf(attribute.value) : std::string();
+        return kept.empty() ? "" : attributeText(attribute.name, kept);
+    } else if (attribute.name == "srcdoc") {
+        const auto kept = name == "iframe" ? m_references.keptText(attribute.value) : std::nullopt;
+        return kept ? attributeText(attribute.name, *kept) : "";
     } else if (attribute.name == "usemap" && attribute.value.starts_with('#')) {
         return attributeText(attribute.name, attribute.value);
     } else {
@@ -272,6 +307,22 @@ void PageWriter::writeWithText(const Node &element, std::string_view name) {
     openTag(element, name, attributesOf(element, name));
     writeText(textWithin(element));
     m_text += fmt::format("</{}>", name);
+}
+
+/// What would need a program of its own leaves what it shows without one.
+void PageWriter::writeEmbedded(const Node &element, std::string_view name) {
+    const auto address = valueOf(m_page.attributesOf(element), name == "object" ? "data" : "src");
+    const auto kept = m_references.kept(address, Use::document);
+    if (!kept || kept->starts_with('#')) {
+        if (name == "object")
+            m_path.push_back({&element, 0, {}});
+        return;
+    }
+    const bool isPicture = m_references.isPicture(*kept);
+    const std::string_view plain = isPicture ? "img" : "iframe";
+    const std::string source = name == "object" ? attributeText("src", *kept) : std::string();
+    openTag(element, plain, source + attributesOf(element, plain));
+    m_text += isPicture ? "" : "</iframe>";
 }
 
 void PageWriter::writeStyle(const Node &element) {

@@ -50,6 +50,7 @@ class PageWriter {
     void keep(const Node &element, std::string_view name, std::string_view inside = {});
     void writeText(std::string_view text);
     void writeWithText(const Node &element, std::string_view name);
+    void writeEmbedded(const Node &element, std::string_view name);
     void writeStyle(const Node &element);
     void writeLink(const Node &element);
     void writeMeta(const Node &element);
@@ -57,6 +58,7 @@ class PageWriter {
     std::string attributesOf(const Node &element, std::string_view name) const;
     std::string attributeOf(const Node &element, std::string_view name,
                             const HtmlAttribute &attribute) const;
+    std::string candidatesOf(std::string_view srcset) const;
     std::string referenceOf(const Node &element, std::string_view name,
                             const HtmlAttribute &attribute) const;
     std::string textWithin(const Node &element) const;

@@ -118,6 +118,20 @@ std::optional<std::string> References::kept(std::string_view address, Use use) c
                                                                : std::nullopt;
 }
 
+bool References::isPicture(std::string_view kept) const {
+    if (kept.starts_with("data:"))
+        return kept.starts_with("data:image/");
+    const auto part = m_folder.find(kept.substr(0, kept.find('#')));
+    return part != m_folder.end() &&
+           (part->second == PartKind::picture || part->second == PartKind::svg);
+}
+
+std::optional<std::string> References::keptText(std::string_view html) const {
+    if (m_depth >= kDeepest)
+        return std::nullopt;
+    return guardedPage(html, PageForm::html, References(m_folder, m_depth + 1));
+}
+
 /// What is kept is written anew, so that it has one form only.
 std::optional<std::string> References::keptData(std::string_view data, Use use) const {
     data = data.substr(0, data.find('#'));

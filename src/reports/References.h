@@ -30,6 +30,11 @@ class References {
     /// The address in its plainest form; nothing when it has to go.
     std::optional<std::string> kept(std::string_view address, Use use) const;
 
+    /// Whether what kept() leaves of an address is drawn as a picture.
+    bool isPicture(std::string_view kept) const;
+    /// A page that stands in an attribute of this one, guarded; nothing when it lies too deep.
+    std::optional<std::string> keptText(std::string_view html) const;
+
     const PageFolder &folder() const { return m_folder; }
     int depth() const { return m_depth; }
 

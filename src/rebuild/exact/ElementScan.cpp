@@ -1,10 +1,10 @@
 #include "rebuild/exact/ElementScan.h"
 
 #include "base/Text.h"
+#include "markup/SrcSet.h"
 #include "rebuild/exact/LazyParts.h"
 #include "rebuild/exact/PageAttributes.h"
 #include "rebuild/exact/Spelling.h"
-#include "rebuild/exact/SrcSet.h"
 #include "rebuild/exact/StyleReferences.h"
 
 #include <algorithm>
@@ -25,10 +25,8 @@ bool isScript(std::string_view address) {
 
 } // namespace
 
-ElementScan::ElementScan(const HtmlDocument &page, std::string_view html,
-                         const std::filesystem::path &file, int depth, PageScan &scan)
-    : m_page(page), m_html(html), m_file(file), m_depth(depth), m_scan(scan),
-      m_edits(html, scan.disarming) {}
+ElementScan::ElementScan(const HtmlDocument &page, std::string_view html, int depth, PageScan &scan)
+    : m_page(page), m_html(html), m_depth(depth), m_scan(scan), m_edits(html, scan.disarming) {}
 
 /// Without those that were read already: the parser makes copies of elements, and puts the
 /// attributes of a second "body" to the first one.
@@ -87,25 +85,34 @@ void ElementScan::readHtml(std::string_view name, const HtmlAttributes &attribut
 
 /// Brings what a script would have shown to its place; tells which attributes made room for it.
 HtmlAttributes ElementScan::readLazy(std::string_view name, const HtmlAttributes &attributes) {
-    HtmlAttributes shelved;
+    HtmlAttributes room;
     for (const LazyPart &part : lazyParts(name, attributes)) {
-        if (part.placeholder) {
-            m_edits.shelve(*part.placeholder);
-            shelved.push_back(*part.placeholder);
+        const HtmlAttribute *shown = part.placeholder;
+        const auto use = useOfAttribute(name, part.target);
+        const bool isList = part.target == "srcset";
+        if (shown)
+            room.push_back(*shown);
+        if (shown && use && !isList && shown->valueAt.begin < shown->valueAt.end &&
+            isFollowed(part.lazy->value)) {
+            m_edits.shelve(*part.lazy);
+            addAddress(*use, name, *part.lazy, shown->valueAt);
+            continue;
         }
+        if (shown)
+            m_edits.shelve(*shown);
         m_edits.rename(*part.lazy, part.target);
-        if (part.target == "srcset")
+        if (isList)
             addCandidates(name, *part.lazy, true);
-        else if (const auto use = useOfAttribute(name, part.target))
-            addAddress(*use, name, *part.lazy, true);
+        else if (use)
+            addAddress(*use, name, *part.lazy, part.lazy->valueAt);
     }
-    return shelved;
+    return room;
 }
 
 void ElementScan::readTable(std::string_view name, const HtmlAttributes &attributes,
-                            const HtmlAttributes &shelved) {
+                            const HtmlAttributes &passed) {
     for (const HtmlAttribute &attribute : attributes) {
-        if (attribute.isPrefixed || attributeOf(shelved, attribute.name))
+        if (attribute.isPrefixed || attributeOf(passed, attribute.name))
             continue;
         const auto use = useOfAttribute(name, attribute.name);
         if (!use)
@@ -180,28 +187,25 @@ void ElementScan::readLink(const HtmlAttributes &attributes) {
             m_edits.set(*relation, "stylesheet");
         if (const HtmlAttribute *media = lateMedia(attributes))
             m_edits.set(*media, "all");
-        addAddress(RefUse::style, "link", *href, kind == LinkKind::lateStyle);
+        addAddress(RefUse::style, "link", *href,
+                   kind == LinkKind::lateStyle ? std::optional(href->valueAt) : std::nullopt);
     }
 }
 
 void ElementScan::readFrameText(const HtmlAttribute &srcdoc) {
     const auto text = meant(srcdoc);
-    PageScan within;
-    try {
-        if (!text || m_depth >= kDeepestSrcdoc)
-            return m_edits.empty(srcdoc);
-        within = scanPageAt(text->text(), m_file, m_depth + 1);
-    } catch (const PageTooLarge &) {
+    auto within =
+        text && m_depth < kDeepestSrcdoc ? scanWithin(text->text(), m_depth + 1) : std::nullopt;
+    if (!within)
         return m_edits.empty(srcdoc);
-    }
-    for (Reference &reference : within.references) {
+    for (Reference &reference : within->references) {
         reference.at = text->inPage(reference.at);
         ++reference.nested;
         if (reference.base.empty())
-            reference.base = within.base;
+            reference.base = within->base;
         m_scan.references.push_back(std::move(reference));
     }
-    for (const TextEdit &edit : within.disarming)
+    for (const TextEdit &edit : within->disarming)
         m_edits.replace(text->inPage(edit.at), attributeValue(edit.text));
 }
 
@@ -255,7 +259,7 @@ void ElementScan::readStyle(const Node &style) {
 }
 
 void ElementScan::addAddress(RefUse use, std::string_view name, const HtmlAttribute &attribute,
-                             bool isLazy) {
+                             std::optional<SourceSpan> lazyPlace) {
     if (isScript(attribute.value))
         return use == RefUse::link ? m_edits.set(attribute, "#") : m_edits.empty(attribute);
     const auto text = meant(attribute);
@@ -268,8 +272,9 @@ void ElementScan::addAddress(RefUse use, std::string_view name, const HtmlAttrib
     reference.element = name;
     reference.attribute = attribute.name;
     reference.address = address;
-    reference.at = text->inPage({begin, begin + address.size()});
-    reference.isLazy = isLazy;
+    const bool isHere = !lazyPlace || *lazyPlace == attribute.valueAt;
+    reference.at = isHere ? text->inPage({begin, begin + address.size()}) : *lazyPlace;
+    reference.isLazy = lazyPlace.has_value();
     m_scan.references.push_back(std::move(reference));
 }
 

@@ -5,7 +5,6 @@
 #include "rebuild/exact/MeantText.h"
 #include "rebuild/exact/PageReferences.h"
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,8 +16,7 @@ namespace nv {
 class ElementScan {
   public:
     /// All must outlive it. `depth` counts the pages in "srcdoc" that this one stands in.
-    ElementScan(const HtmlDocument &page, std::string_view html, const std::filesystem::path &file,
-                int depth, PageScan &scan);
+    ElementScan(const HtmlDocument &page, std::string_view html, int depth, PageScan &scan);
 
     using Node = HtmlDocument::Node;
 
@@ -29,7 +27,7 @@ class ElementScan {
     void readHtml(std::string_view name, const HtmlAttributes &attributes);
     void readSvg(std::string_view name, const HtmlAttributes &attributes);
     void readTable(std::string_view name, const HtmlAttributes &attributes,
-                   const HtmlAttributes &shelved);
+                   const HtmlAttributes &passed);
     HtmlAttributes readLazy(std::string_view name, const HtmlAttributes &attributes);
     void readLink(const HtmlAttributes &attributes);
     void readMeta(const HtmlAttributes &attributes);
@@ -39,8 +37,9 @@ class ElementScan {
     void readStyleAttribute(std::string_view name, const HtmlAttribute &attribute);
     void readBackground(std::string_view name, const HtmlAttribute &lazy);
 
+    /// `lazyPlace` is where the address of a lazy part is to stand.
     void addAddress(RefUse use, std::string_view name, const HtmlAttribute &attribute,
-                    bool isLazy = false);
+                    std::optional<SourceSpan> lazyPlace = std::nullopt);
     void addCandidates(std::string_view name, const HtmlAttribute &attribute, bool isLazy = false);
     void addStyles(std::vector<Reference> found, const MeantText &text, std::string_view element);
     HtmlAttributes newAttributesOf(const Node &element);
@@ -48,14 +47,13 @@ class ElementScan {
 
     const HtmlDocument &m_page;
     std::string_view m_html;
-    const std::filesystem::path &m_file;
     int m_depth;
     PageScan &m_scan;
     AttributeEdits m_edits;
     std::unordered_set<std::size_t> m_seen; ///< the places of attributes: elements are copied
 };
 
-/// scanPage() for a page in so many "srcdoc" attributes.
-PageScan scanPageAt(std::string_view html, const std::filesystem::path &file, int depth);
+/// scanPage() for a page in so many "srcdoc" attributes; nothing for one beyond a limit.
+std::optional<PageScan> scanWithin(std::string_view html, int depth);
 
 } // namespace nv

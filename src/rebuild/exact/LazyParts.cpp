@@ -80,7 +80,8 @@ const HtmlAttribute *lazyBackground(const HtmlAttributes &attributes) {
         return nullptr;
     for (const std::string_view name : kBackgrounds)
         if (const HtmlAttribute *each = attributeOf(attributes, name);
-            each && isAddress(each->value) && isFollowed(each->value))
+            each && isFollowed(each->value) &&
+            (isAddress(each->value) || containsNoCase(each->value, "url(")))
             return each;
     return nullptr;
 }

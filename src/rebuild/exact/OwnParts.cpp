@@ -67,22 +67,34 @@ std::string missingPage(std::string_view address) {
                shown(cutShort(address))));
 }
 
-// What a page says of all its elements would hold for the banner too.
-constexpr std::string_view kAround = "all:initial!important;display:contents";
+std::string pictureWith(std::string_view size, std::string_view ground, std::string_view address) {
+    return "data:image/svg+xml," +
+           percentEncoded(
+               fmt::format("<svg xmlns=\"http://www.w3.org/2000/svg\" {}>{}"
+                           "<rect width=\"100%\" height=\"100%\" fill=\"#f4f4f4\" stroke=\"#999\" "
+                           "stroke-width=\"2\" stroke-dasharray=\"6 4\"></rect>"
+                           "<text x=\"6\" y=\"20\" font-family=\"sans-serif\" font-size=\"11\" "
+                           "fill=\"#555\">Not cached: {}</text></svg>",
+                           size, ground, shown(cutShort(address))));
+}
+
+// What a page says of all its elements would hold for the banner too. How it is displayed is left
+// to what puts it away.
+constexpr std::string_view kAround = "all:initial;display:contents";
 constexpr std::string_view kBox =
-    "all:initial!important;display:block!important;position:fixed!important;right:8px!important;"
+    "all:initial;display:block;position:fixed!important;right:8px!important;"
     "bottom:8px!important;z-index:2147483647!important;max-width:26em!important;"
     "padding:6px 10px!important;border:1px solid #8a6d00!important;"
     "background:#fff8dc!important;color:#222!important;font:12px/1.4 sans-serif!important;"
     "overflow-wrap:anywhere!important";
 constexpr std::string_view kLine =
-    "all:initial!important;display:block!important;color:#222!important;"
+    "all:initial;display:block;color:#222!important;"
     "font:12px/1.4 sans-serif!important;overflow-wrap:anywhere!important";
 constexpr std::string_view kTitle =
-    "all:initial!important;display:block!important;cursor:pointer!important;color:#222!important;"
+    "all:initial;display:block;cursor:pointer!important;color:#222!important;"
     "font:bold 12px/1.4 sans-serif!important";
 constexpr std::string_view kHide =
-    "all:initial!important;float:right!important;margin-left:12px!important;"
+    "all:initial;float:right!important;margin-left:12px!important;"
     "cursor:pointer!important;color:#06c!important;font:12px/1.4 sans-serif!important";
 
 std::string line(std::string_view text) {
@@ -106,10 +118,10 @@ std::string_view contentPolicy() {
 
 std::string ownHead(std::string_view charset) {
     const std::string encoding =
-        charset.empty() ? std::string() : fmt::format("<meta charset=\"{}\">", shown(charset));
-    return fmt::format("{}<meta http-equiv=\"Content-Security-Policy\" content=\"{}\">"
-                       "<meta http-equiv=\"x-dns-prefetch-control\" content=\"off\">"
-                       "<meta name=\"referrer\" content=\"no-referrer\">",
+        charset.empty() ? std::string() : fmt::format("<meta charset=\"{}\"/>", shown(charset));
+    return fmt::format("{}<meta http-equiv=\"Content-Security-Policy\" content=\"{}\"/>"
+                       "<meta http-equiv=\"x-dns-prefetch-control\" content=\"off\"/>"
+                       "<meta name=\"referrer\" content=\"no-referrer\"/>",
                        encoding, kPolicy);
 }
 
@@ -120,21 +132,24 @@ std::string ownSheetStart(std::string_view charset, std::string_view foundIn) {
 }
 
 std::string missingPicture(std::string_view address) {
-    // As wide as its place: of a length, browsers would stretch the text with the picture.
-    return "data:image/svg+xml," +
-           percentEncoded(
-               fmt::format("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100%\" height=\"32\">"
-                           "<rect width=\"100%\" height=\"100%\" fill=\"#f4f4f4\" stroke=\"#999\" "
-                           "stroke-width=\"2\" stroke-dasharray=\"6 4\"></rect>"
-                           "<text x=\"6\" y=\"20\" font-family=\"sans-serif\" font-size=\"11\" "
-                           "fill=\"#555\">Not cached: {}</text></svg>",
-                           shown(cutShort(address))));
+    // What is drawn is made as large as the place, and the ground goes beyond it where its shape is
+    // another one.
+    return pictureWith(
+        "width=\"240\" height=\"32\" viewBox=\"0 0 240 32\" "
+        "preserveAspectRatio=\"xMinYMin\"",
+        "<rect x=\"-10000\" y=\"-10000\" width=\"20000\" height=\"20000\" fill=\"#eee\"></rect>",
+        address);
 }
 
-std::string missingPart(RefUse use, std::string_view address) {
+std::string missingBackground(std::string_view address) {
+    return pictureWith("width=\"100%\" height=\"100%\"", {}, address);
+}
+
+std::string missingPart(RefUse use, std::string_view address, RefForm form) {
+    const bool isInStyle = form == RefForm::styleUrl || form == RefForm::styleString;
     switch (use) {
     case RefUse::image:
-        return missingPicture(address);
+        return isInStyle ? missingBackground(address) : missingPicture(address);
     case RefUse::style:
         return "data:text/css,";
     case RefUse::font:
@@ -170,9 +185,9 @@ std::string bannerFor(const BannerFacts &facts) {
         "<div id=\"{0}\" style=\"{1}\"><style>#{0}:target{{display:none!important}}"
         "#{0}-off:checked~*{{display:none!important}}"
         "@media print{{#{0}{{display:none!important}}}}</style>"
-        "<input type=\"checkbox\" id=\"{0}-off\" style=\"display:none!important\">"
+        "<input type=\"checkbox\" id=\"{0}-off\" style=\"display:none!important\"/>"
         "<div style=\"{2}\"><label for=\"{0}-off\" style=\"{3}\">Hide</label>"
-        "<details open style=\"{4}\"><summary style=\"{5}\">Rebuilt from caches</summary>{6}"
+        "<details open=\"\" style=\"{4}\"><summary style=\"{5}\">Rebuilt from caches</summary>{6}"
         "</details></div></div>",
         id, kAround, kBox, kHide, kLine, kTitle, text);
 }

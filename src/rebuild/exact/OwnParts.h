@@ -10,7 +10,8 @@
 namespace nv {
 
 // What is ours in a page that was rebuilt: a policy in front of it, marked places for parts that
-// are in no cache, a banner. All of it is ASCII, so that it stands in a page of any encoding.
+// are in no cache, a banner. All of it is ASCII, so that it stands in a page of any encoding, and
+// well-formed for pages that are XML.
 
 /// What a browser may fetch for the page: its folder and data, and nothing is run.
 std::string_view contentPolicy();
@@ -23,13 +24,15 @@ std::string ownHead(std::string_view charset);
 /// itself says it. `foundIn` is decodedStyle()'s.
 std::string ownSheetStart(std::string_view charset, std::string_view foundIn);
 
-/// A picture with the address in it, drawn as large as the page draws the one that is missing. An
-/// address of the kind "data:".
+/// A picture with the address in it, as large as the page draws the one that is missing, else 240
+/// by 32 pixels. An address of the kind "data:".
 std::string missingPicture(std::string_view address);
+/// The same that fills what it is the ground of, and isn't repeated over it.
+std::string missingBackground(std::string_view address);
 
 /// What stands for a part that is in no cache: a picture or a page with its address; of a style, a
 /// font, a sound an empty one. For links, `address` as it is.
-std::string missingPart(RefUse use, std::string_view address);
+std::string missingPart(RefUse use, std::string_view address, RefForm form = RefForm::attribute);
 
 /// What the banner says. Texts are for people, dates with their time zone.
 struct BannerFacts {

@@ -25,8 +25,8 @@ constexpr std::string_view kInert = "<template></template>";
 
 class PageWalk {
   public:
-    PageWalk(std::string_view html, const std::filesystem::path &file, int depth)
-        : m_html(html), m_page(html, file), m_elements(m_page, html, file, depth, m_scan) {}
+    PageWalk(std::string_view html, HtmlDocument page, int depth)
+        : m_html(html), m_page(std::move(page)), m_elements(m_page, html, depth, m_scan) {}
 
     PageScan scan();
 
@@ -152,12 +152,15 @@ PageScan PageWalk::scan() {
 
 } // namespace
 
-PageScan scanPageAt(std::string_view html, const std::filesystem::path &file, int depth) {
-    return PageWalk(html, file, depth).scan();
+std::optional<PageScan> scanWithin(std::string_view html, int depth) {
+    auto page = HtmlDocument::within(html);
+    if (!page)
+        return std::nullopt;
+    return PageWalk(html, std::move(*page), depth).scan();
 }
 
 PageScan scanPage(std::string_view html, const std::filesystem::path &file) {
-    return scanPageAt(html, file, 0);
+    return PageWalk(html, HtmlDocument(html, file), 0).scan();
 }
 
 } // namespace nv

@@ -37,9 +37,10 @@ PageScan scanPage(std::string_view html, const std::filesystem::path &file);
 /// Of a style sheet, in the order of the text.
 std::vector<Reference> scanStyle(std::string_view css);
 
-/// The text that stands for the reference at its place: `address` with the character references, CSS
-/// escapes and signs for commas that are needed there, so that it is read as it is meant, and what
-/// stands around it as before. ASCII, whatever the address. `source` is the text that was scanned.
+/// The text that stands for the reference at its place: `address` with the character references,
+/// CSS escapes and signs for commas that are needed there, so that it is read as it is meant, and
+/// what stands around it as before. ASCII, whatever the address. `source` is the text that was
+/// scanned.
 std::string spelled(const Reference &reference, std::string_view address, std::string_view source);
 
 } // namespace nv

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <iterator>
 
 namespace nv {
@@ -72,14 +73,46 @@ std::string attributeValue(std::string_view address) {
     return text;
 }
 
-std::string spelled(const Reference &reference, std::string_view address,
-                    std::string_view /*source*/) {
-    if (reference.form == RefForm::styleUrl || reference.form == RefForm::styleString)
-        return styleText(address);
+namespace {
+
+bool startsPlain(std::string_view text) {
+    return !text.empty() && isPlain(static_cast<unsigned char>(text[0]));
+}
+
+bool isInReference(char c) {
+    return isLetterOrDigit(static_cast<unsigned char>(c)) || c == '#';
+}
+
+/// Whether a character reference without its ";" may stand in front of `at`: a letter, a digit or a
+/// "=" behind it would make another one of it, or none.
+bool isBehindReference(std::string_view source, const Reference &reference) {
+    constexpr std::size_t kFarthest = 4096;
+    std::size_t at = std::min(reference.at.begin, source.size());
+    const std::size_t first = at > kFarthest ? at - kFarthest : 0;
+    if (reference.nested > 0) // its "&" may be written in many ways
+        return at > 0 && isInReference(source[at - 1]);
+    while (at > first && isInReference(source[at - 1]))
+        --at;
+    return at > first && source[at - 1] == '&';
+}
+
+} // namespace
+
+std::string spelled(const Reference &reference, std::string_view address, std::string_view source) {
+    const bool isBehind = isBehindReference(source, reference);
+    if (reference.form == RefForm::styleUrl || reference.form == RefForm::styleString) {
+        const std::size_t kept = isBehind && startsPlain(address) ? 1 : 0;
+        return (kept ? fmt::format("\\{:06x}", static_cast<unsigned>(address[0])) : "") +
+               styleText(address.substr(kept));
+    }
     std::string text =
         reference.form == RefForm::srcset ? candidateText(address) : std::string(address);
-    for (int i = 0; i <= reference.nested; ++i)
-        text = attributeValue(text);
+    for (int i = 0; i <= reference.nested; ++i) {
+        const bool isOpen = isBehind && startsPlain(text);
+        const std::string first =
+            isOpen ? fmt::format("&#{};", static_cast<unsigned>(text[0])) : "";
+        text = first + attributeValue(std::string_view(text).substr(isOpen ? 1 : 0));
+    }
     return text;
 }
 

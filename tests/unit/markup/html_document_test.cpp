@@ -45,6 +45,34 @@ TEST(HtmlDocument, saysWhereAttributesStand) {
     EXPECT_EQ(attributes[3].valueAt.begin, attributes[3].valueAt.end);
 }
 
+TEST(HtmlDocument, valuesThatBeginWithACharacterReferenceStandInTheirPlace) {
+    const std::string html =
+        "<p id=&amp;a class = &#98;\r\n lang=&quot\r\nx=y=&lt; dir=\n&lt;&lt;&gt; "
+        "rel='&lt;' title>";
+    const HtmlDocument page(html, "page");
+    std::vector<std::string> values;
+    for (const HtmlAttribute &attribute : page.attributesOf(*find(page, "p")))
+        values.emplace_back(attribute.valueAt.in(html));
+    EXPECT_EQ(values, (std::vector<std::string>{"&amp;a", "&#98;", "&quot", "y=&lt;",
+                                                "&lt;&lt;&gt;", "&lt;", ""}));
+}
+
+TEST(HtmlDocument, saysWhereTagsAndTextsStand) {
+    const std::string html =
+        "<body a=b>x&amp;y<p>z</p ><svg><g/><style><![CDATA[c]]></style></svg>";
+    const HtmlDocument page(html, "page");
+    EXPECT_EQ(page.tagOf(*find(page, "body")).in(html), "<body a=b>");
+    EXPECT_EQ(page.tagOf(*find(page, "p")).in(html), "<p>");
+    EXPECT_EQ(page.endTagOf(*find(page, "p")).in(html), "</p >");
+    EXPECT_EQ(page.tagOf(*find(page, "g")).in(html), "<g/>");
+    EXPECT_EQ(page.endTagOf(*find(page, "g")), SourceSpan());
+    EXPECT_EQ(page.tagOf(page.root()), SourceSpan());
+    const Node &text = *HtmlDocument::childrenOf(*find(page, "body"))[0];
+    EXPECT_EQ(page.textAt(text).in(html), "x&amp;y");
+    EXPECT_FALSE(HtmlDocument::isCdata(text));
+    EXPECT_TRUE(HtmlDocument::isCdata(*HtmlDocument::childrenOf(*find(page, "style"))[0]));
+}
+
 TEST(HtmlDocument, tellsTheNamespacesApart) {
     const std::string html = "<svg viewbox='0 0 1 1'><lineargradient xlink:href='#a'/>"
                              "<foreignobject><p>x</foreignobject></svg><math><mi>x</math><odd-one>";

@@ -2,6 +2,8 @@
 #include "base/Text.h"
 #include "markup/CssTokens.h"
 #include "markup/HtmlDocument.h"
+#include "markup/SrcSet.h"
+#include "reports/PageWriter.h"
 #include "reports/SafePage.h"
 #include "support/HostileWays.h"
 
@@ -119,6 +121,11 @@ void expectNoWayOut(const std::string &page) {
         for (const HtmlAttribute &attribute : document.attributesOf(node))
             if (std::ranges::find(kStyles, attribute.name) != kStyles.end())
                 expectNoWayOutOfStyle(attribute.value);
+            else if (attribute.name == "srcdoc")
+                expectNoWayOut(std::string(attribute.value));
+            else if (attribute.name == "srcset")
+                for (const SrcSetCandidate &candidate : srcSetCandidates(attribute.value))
+                    expectNoWayOutBy(candidate.at.in(attribute.value));
             else if (attribute.name != "title" && attribute.name != "id" &&
                      attribute.name != "data-href")
                 expectNoWayOutBy(attribute.value);
@@ -259,6 +266,42 @@ TEST(SafePage, filesServeForWhatTheyWereLookedThroughAs) {
               "<a href=\"0000006.mp4\">a</a>");
 }
 
+TEST(SafePage, picturesOfSeveralSizesStay) {
+    EXPECT_EQ(body("<picture><source media='(min-width: 9px)' sizes=50vw srcset='0000002.gif 640w,"
+                   "0000009.gif 9w, http://host/a.gif 1w'><img srcset=' , 0000002.gif, "
+                   "data:image/gif;base64,R0lG  2x,0000002.gif 1x 2x' src=0000002.gif></picture>"),
+              "<picture><source media=\"(min-width: 9px)\" sizes=\"50vw\" "
+              "srcset=\"0000002.gif 640w\"/><img srcset=\"0000002.gif, "
+              "data:image/gif;base64,R0lG 2x\" src=\"0000002.gif\"/></picture>");
+    EXPECT_EQ(body("<img srcset='//host/a 2x'><p srcset='0000002.gif'></p>"), "<img/><p></p>");
+    EXPECT_EQ(body("<img srcset='data:image/gif, 2x'>"), "<img/>");
+}
+
+TEST(SafePage, whatNeedsAProgramIsAPictureOrAFrame) {
+    EXPECT_EQ(body("<object data=0000002.gif width=9>a</object>"),
+              "<img src=\"0000002.gif\" width=\"9\"/>");
+    EXPECT_EQ(body("<object data=0000004.htm>a</object><embed height=9 src=0000004.htm>"),
+              "<iframe src=\"0000004.htm\"></iframe>"
+              "<iframe height=\"9\" src=\"0000004.htm\"></iframe>");
+    EXPECT_EQ(body("<object data=//host/a.swf>a<b>b</b></object><embed src=0000005.txt>"),
+              "a<b>b</b>");
+}
+
+TEST(SafePage, pagesInFramesAreGuarded) {
+    const std::string page = body("<iframe srcdoc='<script>a</script><img src=0000002.gif>"
+                                  "<img src=//host/b.gif>'></iframe>");
+    EXPECT_THAT(page, AllOf(StartsWith("<iframe srcdoc=\"&lt;html&gt;"),
+                            HasSubstr("&lt;img src=&quot;0000002.gif&quot;/&gt;&lt;img/&gt;"),
+                            HasSubstr("Content-Security-Policy"), Not(HasSubstr("script&gt;"))));
+    std::string deep = "<img src=0000002.gif>";
+    for (int i = 0; i < 6; ++i)
+        deep = "<iframe srcdoc=\"" + markupText(deep) + "\"></iframe>";
+    const std::string once = guarded(deep);
+    EXPECT_EQ(guarded(once), once);
+    EXPECT_THAT(once, Not(HasSubstr("0000002.gif")));
+    EXPECT_EQ(body("<p srcdoc='<b>'></p>"), "<p></p>");
+}
+
 TEST(SafePage, mediaAsDataStayUnlessTheyAreTexts) {
     for (const char *sound : {"RIFF AAAWAVE", "\xFF\xFB\x90\x64\x80\x80\x80\x80", "ID3\x03"}) {
         const std::string address = "data:audio/wav;base64," + base64(viewOf(sound));
@@ -289,6 +332,10 @@ TEST(SafePage, stylesAreWrittenAnew) {
               "@media print {p {a:b;}}@font-face {font-family:\"x y\";}");
     EXPECT_EQ(style("@import \"0000003.css\" print; @import '0000009.css'; p{a:b"),
               "@import url(\"0000003.css\") print;p {a:b;}");
+    EXPECT_EQ(style("@import url(0000003.css) layer(a) supports(display:grid) screen;p{a:b}"),
+              "@import url(\"0000003.css\") layer(a) supports(display:grid) screen;p {a:b;}");
+    EXPECT_EQ(style("@import url(0000003.css) supports(background:url(//host/a));p{a:b}"),
+              "p {a:b;}");
     EXPECT_EQ(style("p{a:expression(1);b:c;behavior:url(0000004.htm);--x:\"y\"}"),
               "p {b:c;--x:\"data:,\";}");
     EXPECT_EQ(style("p{content:'<\\/style>';*zoom:1;a:b)}"), "p {content:\"\\3c /style\\3e \";}");

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace nv {
 namespace {
 
@@ -73,6 +75,35 @@ TEST(SourceText, whatCantBeKeptIsWrittenInUtf8) {
     const std::string made = source.rewritten({{{at, at}, "x"}});
     EXPECT_EQ(decodedPage(viewOf(made), {}).text, edited(source.text(), {{{at, at}, "x"}}));
     EXPECT_EQ(replaced("\xE9 a.png", {}, "\xE2\x88\x89"), "\xEF\xBB\xBF\xC3\xA9 \xE2\x88\x89");
+}
+
+/// Bytes that mean anything or nothing, with the place of an edit here and there.
+std::string anyBytes(std::mt19937 &random, std::size_t count) {
+    std::string bytes;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto byte = static_cast<char>(random() % 256);
+        bytes += byte == '\x1B' || byte == '\x0E' ? ' ' : byte; // these keep a state
+        if (random() % 16 == 0)
+            bytes += "a.png";
+    }
+    return bytes;
+}
+
+TEST(SourceText, everyOtherByteStays) {
+    std::mt19937 random(17);
+    for (const std::string_view charset : {"utf-8", "windows-1252", "iso-8859-15", "koi8-r",
+                                           "shift_jis", "euc-jp", "gbk", "big5", "euc-kr"})
+        for (int i = 0; i < 50; ++i) {
+            const std::string header = "Content-Type: text/html; charset=" + std::string(charset);
+            const std::string bytes = ' ' + anyBytes(random, 300);
+            SCOPED_TRACE(header);
+            EXPECT_TRUE(replaced(bytes, header, "a.png") == bytes);
+            const std::string made = replaced(bytes, header, "<17>");
+            if (made.starts_with(kUtf8Mark)) // a broken character in front took the edit in
+                EXPECT_EQ(made.find("a.png"), std::string::npos);
+            else
+                EXPECT_TRUE(replaceAll(made, "<17>", "a.png") == bytes);
+        }
 }
 
 TEST(SourceText, emptyAndUntouchedTextStays) {

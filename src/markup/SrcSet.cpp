@@ -1,4 +1,4 @@
-#include "rebuild/exact/SrcSet.h"
+#include "markup/SrcSet.h"
 
 #include "base/Text.h"
 
