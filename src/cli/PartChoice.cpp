@@ -1,11 +1,11 @@
 #include "cli/PartChoice.h"
 
 #include "address/WebAddress.h"
+#include "app/jobs/PartChoiceJob.h"
 #include "base/Text.h"
 #include "cli/RowCheck.h"
 #include "cli/UsageError.h"
 #include "db/BindId.h"
-#include "db/PartChoices.h"
 #include "db/RebuiltParts.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -71,16 +71,16 @@ UrlId partOf(SQLite::Database &project, std::string_view word) {
 
 } // namespace
 
-void choosePart(SQLite::Database &project, UrlId page, std::string_view text) {
+void choosePart(Program &program, UrlId page, std::string_view text) {
+    SQLite::Database &project = program.state.projectDB.connection();
     const std::size_t sign = text.rfind('=');
     if (sign == std::string_view::npos || sign == 0)
         throw UsageError(fmt::format("--choose: REF=URL_ID was expected, not \"{}\"", text));
     const std::string_view word = trim(text.substr(sign + 1));
     const std::string address = addressOf(project, page, trim(text.substr(0, sign)));
-    if (equalsNoCase(word, "auto"))
-        PartChoices(project).forget(page, address);
-    else
-        PartChoices(project).choose(page, address, partOf(project, word));
+    keepPartChoice(program, page, address,
+                   equalsNoCase(word, "auto") ? std::nullopt
+                                              : std::optional(partOf(project, word)));
 }
 
 } // namespace nv::cli

@@ -1,12 +1,9 @@
 #pragma once
 
+#include "app/program/Program.h"
 #include "db/Ids.h"
 
 #include <string_view>
-
-namespace SQLite {
-class Database;
-}
 
 namespace nv::cli {
 
@@ -14,6 +11,6 @@ namespace nv::cli {
 /// its audit, "https://host/a.png=none" an empty place for an address, "3=auto" no choice any more.
 /// Throws UsageError for a text that says nothing, a reference that the page hasn't, and a row that
 /// is none or has no content.
-void choosePart(SQLite::Database &project, UrlId page, std::string_view text);
+void choosePart(Program &program, UrlId page, std::string_view text);
 
 } // namespace nv::cli

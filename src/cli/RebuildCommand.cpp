@@ -124,7 +124,7 @@ Exit run(Session &session, const Arguments &arguments) {
         if (!arguments.overwrite)
             refuseExisting(ids, arguments.out, arguments.forms);
         for (const std::string &choice : arguments.choices)
-            choosePart(program.state.projectDB.connection(), ids.front(), choice);
+            choosePart(program, ids.front(), choice);
         PageHandOver hands(program, tools, arguments.out, arguments.forms);
         whole = rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
             if (page.rebuilt)

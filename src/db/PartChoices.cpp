@@ -18,8 +18,8 @@ void PartChoices::choose(UrlId page, const std::string &address, UrlId part) {
     Savepoint whole(m_database);
     makeTable();
     forget(page, address);
-    SQLite::Statement insert(m_database,
-                             "INSERT INTO PartChoices (URL_ID, Address, PartURL_ID) VALUES (?, ?, ?)");
+    SQLite::Statement insert(
+        m_database, "INSERT INTO PartChoices (URL_ID, Address, PartURL_ID) VALUES (?, ?, ?)");
     bindId(insert, 1, page);
     bindText(insert, 2, address);
     bindId(insert, 3, part);
@@ -42,8 +42,9 @@ std::map<std::string, UrlId> PartChoices::of(UrlId page) const {
     std::map<std::string, UrlId> all;
     if (!m_database.tableExists(kPartChoicesTable))
         return all;
-    SQLite::Statement row(m_database, "SELECT Address, PartURL_ID FROM PartChoices WHERE URL_ID = ? "
-                                      "ORDER BY Choice_ID");
+    SQLite::Statement row(m_database,
+                          "SELECT Address, PartURL_ID FROM PartChoices WHERE URL_ID = ? "
+                          "ORDER BY Choice_ID");
     bindId(row, 1, page);
     while (row.executeStep())
         all.insert_or_assign(row.getColumn(0).getString(), UrlId{row.getColumn(1).getInt64()});

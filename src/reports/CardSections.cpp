@@ -87,6 +87,20 @@ std::string partCell(const PartNote &note, const ReportCard &card, const fs::pat
                        htmlText(note.localName), number(note.part));
 }
 
+/// The rule, and the records that it found besides: "exact address; others: 23, 31 and 4 more".
+std::string foundBy(const PartNote &note) {
+    std::vector<std::int64_t> others = note.candidates;
+    std::erase(others, number(note.part));
+    const auto told = static_cast<std::int64_t>(others.size());
+    const std::int64_t more = note.candidateCount - (note.part == UrlId::none ? 0 : 1) - told;
+    std::string text = note.rule;
+    if (told > 0)
+        text += fmt::format("; others: {}", fmt::join(others, ", "));
+    if (told > 0 && more > 0)
+        text += fmt::format(" and {} more", more);
+    return text;
+}
+
 /// "2026-11-20T10:00:00Z (+12 s)".
 std::string partTime(const PartNote &note) {
     const std::string time = isoUtc(note.time);
@@ -105,7 +119,7 @@ std::string exactAuditSection(const ReportCard &card, const fs::path &report,
         text += htmlRow({htmlText(fmt::format("{}{}{}", note.element,
                                               note.element.empty() ? "" : " ", note.attribute)),
                          htmlText(note.address.empty() ? note.original : note.address),
-                         partCell(note, card, report), htmlText(note.rule),
+                         partCell(note, card, report), htmlText(foundBy(note)),
                          htmlText(partTime(note)), htmlText(note.sha256)});
     return text + std::string(kEnd);
 }

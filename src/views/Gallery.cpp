@@ -32,6 +32,8 @@ Tile tileIn(SQLite::Statement &row) {
     tile.pictureWidth = row.getColumn(5).getInt64();
     tile.pictureHeight = row.getColumn(6).getInt64();
     tile.pardValue = row.getColumn(7).getInt64();
+    if (row.getColumn(8).getInt() != 0)
+        tile.rebuiltMethod = row.getColumn(9).getString();
     return tile;
 }
 
@@ -99,7 +101,8 @@ bool Gallery::showPage(int page) {
 
 void Gallery::readTiles() {
     SQLite::Statement row(m_project, "SELECT URL_ID, Tagged, IsPicture, URL, Host, PictureWidth, "
-                                     "PictureHeight, PARDValue FROM URLs WHERE URL_ID = ?");
+                                     "PictureHeight, PARDValue, CacheFileRebuilt, RebuiltMethod "
+                                     "FROM URLs WHERE URL_ID = ?");
     const std::size_t first = static_cast<std::size_t>(m_page - 1) * m_pageSize;
     const std::size_t end = std::min(m_ids.size(), first + m_pageSize);
     RecordTrap trap(m_log, kProcedure);

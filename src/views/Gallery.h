@@ -29,6 +29,7 @@ struct Tile {
     bool tagged = false;
     bool isPicture = false;
     std::string host;
+    std::string rebuiltMethod; ///< empty for a record that isn't rebuilt
     std::int64_t pictureWidth = 0;
     std::int64_t pictureHeight = 0;
     std::int64_t pardValue = 0;

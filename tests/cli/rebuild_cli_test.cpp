@@ -107,10 +107,10 @@ TEST_F(RebuildCliTest, aPageIsRebuiltExactlyWhenAsked) {
     EXPECT_NE(told.find("\"score\":\"1:1\",\"URL\":\"http://host/pic/logo.gif\",\"other "
                         "candidates\":\"\",\"document\":1,\"element\":\"img\",\"attribute\":"
                         "\"src\",\"address\":\"http://host/pic/logo.gif\",\"rule\":\"exact "
-                        "address\",\"date\":\"2011-03-01T12:00:00Z\",\"seconds\":0,\"SHA-256\":"
-                        "\"610f5ae4d76e"),
+                        "address\",\"date\":\"2011-03-01T"),
               std::string::npos)
         << told;
+    EXPECT_NE(told.find("\"SHA-256\":\"610f5ae4d76e"), std::string::npos) << told;
     EXPECT_NE(told.find("Marked place: not in any cache"), std::string::npos) << told;
     EXPECT_EQ(rebuild({"--method", "exact", "--choose", "2=2"}).exit, 0);
     EXPECT_NE(audit().out.find("\"rule\":\"chosen by the examiner\""), std::string::npos);

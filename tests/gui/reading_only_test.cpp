@@ -74,8 +74,9 @@ void ReadingOnlyTest::openForReading() {
 void ReadingOnlyTest::commandsThatWriteAreOff() {
     QVERIFY(m_form->windowTitle().endsWith(QStringLiteral("(reading only)")));
     for (const char *name :
-         {"actImport", "actSaveAs", "actTag", "actRebuild", "actLinkAnalysis", "actBaseFolder",
-          "actUpgradeWizard", "actApplyQuery", "actSaveQuery", "actDeleteQuery", "actQueryForm"})
+         {"actImport", "actSaveAs", "actTag", "actRebuild", "actRebuildExactly",
+          "actRebuildByClassic", "actLinkAnalysis", "actBaseFolder", "actUpgradeWizard",
+          "actApplyQuery", "actSaveQuery", "actDeleteQuery", "actQueryForm"})
         QVERIFY2(!child<QAction>(*m_form, name).isEnabled(), name);
     for (const char *name : {"actExport", "actFind", "actFilters", "actColumns", "actTimeZone",
                              "actRefresh", "actCaseTrail", "actClose", "actValidateSQL"})

@@ -273,11 +273,16 @@ void WalkTest::theRowMenuHasWhatConcernsTheCell() {
     import();
     choose(kPage);
     const int row = grid().currentIndex().row();
-    const QStringList always = {
-        QStringLiteral("actCopyCell"),     QStringLiteral("actCopyRows"),
-        QStringLiteral("actTag"),          QStringLiteral("actRebuild"),
-        QStringLiteral("actFilters"),      QStringLiteral("actExport"),
-        QStringLiteral("actFilterByHost"), QStringLiteral("actRebuildPage")};
+    const QStringList always = {QStringLiteral("actCopyCell"),
+                                QStringLiteral("actCopyRows"),
+                                QStringLiteral("actTag"),
+                                QStringLiteral("actRebuild"),
+                                QStringLiteral("actFilters"),
+                                QStringLiteral("actExport"),
+                                QStringLiteral("actFilterByHost"),
+                                QStringLiteral("actRebuildPage"),
+                                QStringLiteral("actRebuildExactly"),
+                                QStringLiteral("actRebuildByClassic")};
     const QStringList ofUrl = rowMenu(row, UrlColumn::Value);
     for (const QString &name : always)
         QVERIFY2(ofUrl.contains(name), qPrintable(name));

@@ -14,7 +14,8 @@ namespace {
 std::string pageText(const RebuiltPage &page) {
     if (!page.rebuilt)
         return fmt::format("Record {} was not rebuilt: {}.", page.urlID, reasonText(page.why));
-    return fmt::format("Record {} was rebuilt: {} replaced, {} missing{}.{}", page.urlID,
+    return fmt::format("Record {} was rebuilt{}: {} replaced, {} missing{}.{}", page.urlID,
+                       page.method == RebuildMethod::exact ? " exactly" : "",
                        counted(page.replaced, "reference"), page.missing,
                        notRewrittenText(page.notRewritten),
                        page.thumbnail == Redrawn::failed

@@ -199,11 +199,9 @@ void fillSets(std::vector<Followed> &all, const std::vector<Reference> &referenc
     }
 }
 
-/// A picture of a style that says that it is missing would lie behind all of a page's text.
 std::string markedPlace(const Reference &reference, const std::string &address) {
-    return reference.form == RefForm::styleUrl && reference.use == RefUse::image
-               ? "data:,"
-               : missingPart(reference.use, address.empty() ? reference.address : address);
+    return missingPart(reference.use, address.empty() ? reference.address : address,
+                       reference.form);
 }
 
 /// A click leads to where it led; places of the document itself stay in it.

@@ -24,6 +24,8 @@ QString toolTipOf(const Tile &tile) {
                     .arg(tile.pictureWidth)
                     .arg(tile.pictureHeight)
                     .arg(tile.pardValue);
+    if (!tile.rebuiltMethod.empty())
+        text += GalleryModel::tr("\nRebuilt: %1").arg(toQt(displayText(tile.rebuiltMethod)));
     // Tooltips guess whether they are rich text: evidence is escaped, so that it never is.
     return Qt::convertFromPlainText(text);
 }

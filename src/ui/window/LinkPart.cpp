@@ -4,6 +4,7 @@
 #include "app/messages/Messages.h"
 #include "base/Trap.h"
 #include "ui/views/LinksPane.h"
+#include "ui/window/RecordJump.h"
 
 #include <QAction>
 
@@ -19,7 +20,10 @@ LinkPart::LinkPart(Workbench &bench) : m_bench(bench) {
         if (m_bench.mayWrite())
             m_bench.actions.linkAnalysis->trigger();
     });
-    connect(pane, &LinksPane::recordWanted, this, [this](qint64 id) { goTo(UrlId{id}); });
+    connect(pane, &LinksPane::recordWanted, this, [this](qint64 id) {
+        jumpToRecord(m_bench, UrlId{id}, messages::linkRecordUnavailable(),
+                     "MainForm.PopupMenuLinks()");
+    });
 }
 
 /// The table is loaded anew even after a failure: the pairs of earlier runs are gone then.
@@ -40,19 +44,6 @@ void LinkPart::analyse() {
                                 ? messages::linkAnalysisFailed(*failure)
                                 : messages::linkAnalysisResults(totals.matches, notesOn(totals)));
     m_bench.reload();
-}
-
-void LinkPart::goTo(UrlId id) {
-    TableTab &table = *m_bench.table;
-    const auto failure = failureOf(m_bench.program.log, "MainForm.PopupMenuLinks()", [&] {
-        if (!table.table() || !table.table()->placeOf(id))
-            return m_bench.examiner().tell(messages::linkRecordUnavailable());
-        m_bench.dataTabs->setCurrentWidget(&table);
-        table.grid().setCurrentUrl(id);
-        table.grid().setFocus();
-    });
-    if (failure)
-        m_bench.examiner().tell(messages::findingRecordFailed(*failure));
 }
 
 } // namespace nv

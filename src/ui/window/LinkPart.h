@@ -13,7 +13,6 @@ class LinkPart final : public QObject {
 
   private:
     void analyse();
-    void goTo(UrlId id);
 
     Workbench &m_bench;
 };

@@ -49,6 +49,8 @@ MainActions::MainActions(QObject *o)
       rebuild(make(o, "actRebuild", tr("&Rebuild"), "rebuild", Qt::CTRL | Qt::Key_B)),
       rebuildPage(make(o, "actRebuildPage", tr("Rebuild This Pa&ge"), "",
                        Qt::CTRL | Qt::SHIFT | Qt::Key_B)),
+      rebuildExactly(make(o, "actRebuildExactly", tr("Rebuild E&xactly"))),
+      rebuildByClassic(make(o, "actRebuildByClassic", tr("Rebuild by Cla&ssic Rules"))),
       linkAnalysis(make(o, "actLinkAnalysis", tr("Run &Link Analysis..."), "links",
                         Qt::CTRL | Qt::SHIFT | Qt::Key_L)),
       filters(make(o, "actFilters", tr("&Filters..."), "filter", Qt::CTRL | Qt::SHIFT | Qt::Key_F)),
@@ -97,6 +99,10 @@ void MainActions::describe() const {
     tag->setToolTip(tr("Set or take the ticks of the selected rows"));
     rebuild->setToolTip(tr("Rebuild the tagged web pages, or the current one when none is tagged"));
     rebuildPage->setToolTip(tr("Rebuild the current web page, whatever is tagged"));
+    rebuildExactly->setToolTip(tr("Rebuild the tagged web pages, or the current one, as a browser "
+                                  "reads them, whatever the setting says"));
+    rebuildByClassic->setToolTip(tr("Rebuild the tagged web pages, or the current one, by the "
+                                    "rules of earlier versions, whatever the setting says"));
     linkAnalysis->setToolTip(tr("Find the cached pages that hold a link to each record"));
     filters->setToolTip(tr("Show only records of some sources, kinds and sites"));
     hosts->setToolTip(tr("The list of hosts beside the table"));
@@ -120,14 +126,15 @@ void MainActions::describe() const {
 
 void MainActions::setProjectOpen(bool open, bool readOnly) {
     for (QAction *action :
-         {saveAs,       closeProject,  copyCell,  copyRows,    selectAll,    find,
-          findNext,     tag,           rebuild,   rebuildPage, linkAnalysis, columns,
-          refresh,      baseFolder,    timeZone,  caseTrail,   filters,      hosts,
-          createReport, publishReport, exportRows})
+         {saveAs,       closeProject, copyCell,     copyRows,      selectAll,      find,
+          findNext,     tag,          rebuild,      rebuildPage,   rebuildExactly, rebuildByClassic,
+          linkAnalysis, columns,      refresh,      baseFolder,    timeZone,       caseTrail,
+          filters,      hosts,        createReport, publishReport, exportRows})
         action->setEnabled(open);
     for (QAction *action : {import, upgradeWizard})
         action->setEnabled(!readOnly);
-    for (QAction *action : {saveAs, tag, rebuild, rebuildPage, linkAnalysis, baseFolder})
+    for (QAction *action : {saveAs, tag, rebuild, rebuildPage, rebuildExactly, rebuildByClassic,
+                            linkAnalysis, baseFolder})
         action->setEnabled(open && !readOnly);
 }
 

@@ -23,8 +23,10 @@ struct MainActions {
     QAction *find;
     QAction *findNext;
     QAction *tag;
-    QAction *rebuild;     ///< the tagged pages, or the current one when none is tagged
-    QAction *rebuildPage; ///< the current one, whatever is tagged
+    QAction *rebuild;          ///< the tagged pages, or the current one when none is tagged
+    QAction *rebuildPage;      ///< the current one, whatever is tagged
+    QAction *rebuildExactly;   ///< those of `rebuild`, whatever the setting says
+    QAction *rebuildByClassic; ///< the same, by the classic rules
     QAction *linkAnalysis;
     QAction *filters;
     QAction *hosts;

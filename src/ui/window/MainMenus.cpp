@@ -89,7 +89,10 @@ void MainMenus::addThemes(QMenu &menu) {
 
 void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     QMenu *tools = named(m_window.menuBar()->addMenu(tr("&Tools")), "menuTools");
-    tools->addActions({actions.rebuild, actions.rebuildPage, actions.linkAnalysis});
+    tools->addActions(
+        {actions.rebuild, actions.rebuildPage, actions.rebuildExactly, actions.rebuildByClassic});
+    tools->addSeparator();
+    tools->addAction(actions.linkAnalysis);
     tools->addSeparator();
     tools->addActions({actions.createReport, actions.publishReport, actions.openReportFolder});
     tools->addSeparator();

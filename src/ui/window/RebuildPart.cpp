@@ -15,19 +15,46 @@
 
 namespace nv {
 
+namespace {
+
+void showRebuilt(Workbench &bench, const RebuildReport &report) {
+    bench.refreshRows();
+    if (std::ranges::count(report.pages, Redrawn::yes, &RebuiltPage::thumbnail) > 0)
+        emit bench.thumbnailsChanged();
+    bench.showNotice(toQt(reportText(report)));
+}
+
+/// A command with the number of tagged pages that it takes.
+QString commandText(qint64 count, const QString &ofOne, const QString &ofTagged) {
+    return count > 0 ? ofTagged.arg(count) : ofOne;
+}
+
+} // namespace
+
 RebuildPart::RebuildPart(Workbench &bench) : m_bench(bench) {
-    connect(bench.actions.rebuild, &QAction::triggered, this,
-            [this] { m_bench.run("MainForm.RebuildTaggedPages()", [this] { rebuild(); }); });
-    connect(bench.actions.rebuildPage, &QAction::triggered, this,
-            [this] { m_bench.run("MainForm.RebuildWebPage()", [this] { rebuildCurrent(); }); });
+    const auto connectTo = [this](const QAction *action, const char *procedure, auto command) {
+        connect(action, &QAction::triggered, this,
+                [this, procedure, command] { m_bench.run(procedure, command); });
+    };
+    connectTo(bench.actions.rebuild, "MainForm.RebuildTaggedPages()", [this] { rebuild({}); });
+    connectTo(bench.actions.rebuildExactly, "MainForm.RebuildTaggedPages()",
+              [this] { rebuild(MethodChoice::exact); });
+    connectTo(bench.actions.rebuildByClassic, "MainForm.RebuildTaggedPages()",
+              [this] { rebuild(MethodChoice::classic); });
+    connectTo(bench.actions.rebuildPage, "MainForm.RebuildWebPage()",
+              [this] { rebuildCurrent({}); });
     connect(bench.table, &TableTab::statusChanged, this, &RebuildPart::sayWhatRebuildDoes);
     connect(&bench, &Workbench::projectClosing, this, &RebuildPart::sayWhatRebuildDoes);
 }
 
 void RebuildPart::sayWhatRebuildDoes() const {
     const qint64 count = m_bench.table->shownTaggedCount();
-    m_bench.actions.rebuild->setText(count > 0 ? tr("&Rebuild %L1 Tagged").arg(count)
-                                               : tr("&Rebuild"));
+    const MainActions &actions = m_bench.actions;
+    actions.rebuild->setText(commandText(count, tr("&Rebuild"), tr("&Rebuild %L1 Tagged")));
+    actions.rebuildExactly->setText(
+        commandText(count, tr("Rebuild E&xactly"), tr("Rebuild %L1 Tagged E&xactly")));
+    actions.rebuildByClassic->setText(commandText(count, tr("Rebuild by Cla&ssic Rules"),
+                                                  tr("Rebuild %L1 Tagged by Cla&ssic Rules")));
 }
 
 std::vector<UrlId> shownTagged(Workbench &bench) {
@@ -42,58 +69,51 @@ std::vector<UrlId> shownTagged(Workbench &bench) {
     return shown;
 }
 
-void RebuildPart::rebuild() {
+void RebuildPart::rebuild(std::optional<MethodChoice> method) {
     if (!m_bench.table->table())
         return;
     const std::vector<UrlId> tagged = shownTagged(m_bench);
     if (!tagged.empty())
-        rebuildTaggedPages(tagged);
+        rebuildTaggedPages(tagged, method);
     else
-        rebuildCurrent();
+        rebuildCurrent(method);
 }
 
-void RebuildPart::rebuildCurrent() {
+void RebuildPart::rebuildCurrent(std::optional<MethodChoice> method) {
     if (const auto current = m_bench.table->grid().currentUrl())
-        rebuildOne(*current);
+        rebuildNow(m_bench, *current, method);
 }
 
-void RebuildPart::rebuildTaggedPages(const std::vector<UrlId> &ids) {
+void RebuildPart::rebuildTaggedPages(const std::vector<UrlId> &ids,
+                                     std::optional<MethodChoice> method) {
     Program &program = m_bench.program;
     RebuildReport report;
     report.asked = ids.size();
-    m_bench.runTask(
-        {"REBUILDING WEB PAGES", "Rebuilding Web Pages ", "", ""}, [&](TaskMonitor &task) {
-            RecordTools tools(program, task, program.state.tempFolderPath);
-            report.cancelled = !rebuildPages(program, tools, ids, [&](const RebuiltPage &page) {
-                report.pages.push_back(page);
-            });
-        });
-    showRebuilt(report);
+    const auto keep = [&](const RebuiltPage &page) { report.pages.push_back(page); };
+    m_bench.runTask({"REBUILDING WEB PAGES", "Rebuilding Web Pages ", "", ""},
+                    [&](TaskMonitor &task) {
+                        RecordTools tools(program, task, program.state.tempFolderPath);
+                        report.cancelled = !rebuildPages(program, tools, ids, keep, method);
+                    });
+    showRebuilt(m_bench, report);
 }
 
-void RebuildPart::rebuildOne(UrlId id) {
-    if (!m_bench.mayWrite())
+void rebuildNow(Workbench &bench, UrlId id, std::optional<MethodChoice> method) {
+    if (!bench.mayWrite())
         return;
-    Program &program = m_bench.program;
+    Program &program = bench.program;
     RebuildReport report;
     report.asked = 1;
-    m_bench.runTask({"Rebuilding", "", "", ""}, [&](TaskMonitor &task) {
+    bench.runTask({"Rebuilding", "", "", ""}, [&](TaskMonitor &task) {
         RecordTools tools(program, task, program.state.tempFolderPath);
-        if (const auto page = rebuildPage(program, tools, id))
+        if (const auto page = rebuildPage(program, tools, id, method))
             report.pages.push_back(*page);
         const auto rebuilt = std::ranges::count(report.pages, true, &RebuiltPage::rebuilt);
         const bool whole = rebuilt > 0 || task.advance(1);
         noteRebuild(program, static_cast<std::size_t>(rebuilt), 1,
                     whole ? TaskEnd::whole : TaskEnd::cancelled);
     });
-    showRebuilt(report);
-}
-
-void RebuildPart::showRebuilt(const RebuildReport &report) {
-    m_bench.refreshRows();
-    if (std::ranges::count(report.pages, Redrawn::yes, &RebuiltPage::thumbnail) > 0)
-        emit m_bench.thumbnailsChanged();
-    m_bench.showNotice(toQt(reportText(report)));
+    showRebuilt(bench, report);
 }
 
 void RebuildPart::tellOfWideIds() {

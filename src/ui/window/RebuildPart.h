@@ -1,18 +1,21 @@
 #pragma once
 
+#include "rebuild/RebuildMethod.h"
 #include "ui/window/Workbench.h"
 
-#include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace nv {
 
-struct RebuildReport;
-
 /// Tagged rows in the order of the grid; those that it doesn't show are left alone.
 std::vector<UrlId> shownTagged(Workbench &bench);
 
-/// The command Rebuild.
+/// Rebuilds one page by `method`, or by the settings where none is named, and tells what came of
+/// it.
+void rebuildNow(Workbench &bench, UrlId id, std::optional<MethodChoice> method = {});
+
+/// The commands that rebuild pages.
 class RebuildPart final : public QObject {
     Q_OBJECT
 
@@ -25,11 +28,9 @@ class RebuildPart final : public QObject {
 
   private:
     void sayWhatRebuildDoes() const;
-    void rebuild();
-    void rebuildCurrent();
-    void rebuildTaggedPages(const std::vector<UrlId> &ids);
-    void rebuildOne(UrlId id);
-    void showRebuilt(const RebuildReport &report);
+    void rebuild(std::optional<MethodChoice> method);
+    void rebuildCurrent(std::optional<MethodChoice> method);
+    void rebuildTaggedPages(const std::vector<UrlId> &ids, std::optional<MethodChoice> method);
 
     Workbench &m_bench;
     bool m_toldOfWideIds = false;

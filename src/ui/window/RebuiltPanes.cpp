@@ -1,13 +1,21 @@
 #include "ui/window/RebuiltPanes.h"
 
+#include "app/jobs/PartChoiceJob.h"
 #include "app/jobs/RebuildText.h"
 #include "app/jobs/ShownPage.h"
+#include "app/messages/RebuildMessages.h"
 #include "base/Files.h"
 #include "platform/qt/QtText.h"
 #include "rebuild/Harvest.h"
+#include "rebuild/RebuildMethod.h"
 #include "ui/views/AuditPane.h"
 #include "ui/views/BrowserPane.h"
 #include "ui/views/GalleryTab.h"
+#include "ui/views/PartChoiceForm.h"
+#include "ui/window/RebuildPart.h"
+#include "ui/window/RecordJump.h"
+#include "views/Audit.h"
+#include "views/PartAlternatives.h"
 
 #include <QTabWidget>
 
@@ -61,6 +69,12 @@ RebuiltPanes::RebuiltPanes(Workbench &bench) : m_bench(bench) {
                            "MainForm.showPage()");
     bench.viewers->addPane(*audit, *new Audit(*this, *audit), tr("Audit"), "MainForm.LoadAudit()");
     connect(browser, &BrowserPane::navigationBlocked, &bench, &Workbench::showNotice);
+    connect(audit, &AuditPane::recordWanted, this, [this](qint64 id) {
+        jumpToRecord(m_bench, UrlId{id}, messages::partRecordUnavailable(), "MainForm.ShowPart()");
+    });
+    connect(audit, &AuditPane::otherPartWanted, this, [this](const AuditRow &row) {
+        m_bench.run("MainForm.ChoosePart()", [&] { chooseOther(row); });
+    });
     connect(bench.dataTabs, &QTabWidget::currentChanged, this, [this] {
         if (m_bench.program.state.disableAutoRebuildInHTMLGallery)
             m_bench.viewers->refresh();
@@ -108,10 +122,35 @@ void RebuiltPanes::showAudit(AuditPane &pane, UrlId id) {
     std::optional<std::vector<AuditRow>> rows;
     if (bringBack(*page))
         rows = loadAudit(*page, rebuildFolderOf(page->URLID, ctx), ctx);
-    if (!rows || rows->empty())
+    m_audited = id;
+    if (rows && rows->empty() && isRebuiltExactly(*page))
+        pane.showReason(tr("The page was rebuilt exactly. It names no parts."));
+    else if (!rows || rows->empty())
         pane.showReason(auditFailure(*page, ctx.settings));
     else
         pane.showAudit(std::move(*rows));
+}
+
+/// What the examiner chooses shows only in the page that is rebuilt with it.
+void RebuiltPanes::chooseOther(const AuditRow &row) {
+    if (!row.note || !m_bench.mayWrite())
+        return;
+    SQLite::Database &project = m_bench.project();
+    std::optional<UrlRecord> page;
+    {
+        Unwatched nobody;
+        RecordTools tools(m_bench.program, nobody, m_bench.program.state.tempFolderPath);
+        page = tools.record(m_audited);
+    }
+    if (!page)
+        return;
+    const PartQuestion question = partQuestion(*page, *row.note, project);
+    PartChoiceForm form(
+        question, [&project](UrlId id) { return whyNoPart(id, project); }, &m_bench.window);
+    if (form.exec() != QDialog::Accepted)
+        return;
+    keepPartChoice(m_bench.program, m_audited, question.address, form.answer());
+    rebuildNow(m_bench, m_audited, MethodChoice::exact);
 }
 
 /// A rebuilt page that can't be brought back is shown as it was cached, and the examiner learns it.
@@ -134,7 +173,9 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
     if (shown.file.empty())
         pane.showReason(toQt(shown.reason));
     else
-        pane.showPage(shown.file, shown.rebuilt ? tr("Rebuilt page") : tr("Cached content"));
+        pane.showPage(shown.file, !shown.rebuilt              ? tr("Cached content")
+                                  : isRebuiltExactly(*record) ? tr("Page rebuilt exactly")
+                                                              : tr("Rebuilt page"));
 }
 
 } // namespace nv

@@ -6,6 +6,7 @@ namespace nv {
 
 class AuditPane;
 class BrowserPane;
+struct AuditRow;
 struct UrlRecord;
 
 /// The panes of cached and rebuilt pages: Browser and Audit. What they show of a page that was
@@ -23,8 +24,10 @@ class RebuiltPanes final : public QObject {
     bool isLeftInGallery(UrlRecord &page);
     void showPage(BrowserPane &pane, UrlId id);
     void showAudit(AuditPane &pane, UrlId id);
+    void chooseOther(const AuditRow &row);
 
     Workbench &m_bench;
+    UrlId m_audited = UrlId::none; ///< the page that the audit is of
 };
 
 } // namespace nv

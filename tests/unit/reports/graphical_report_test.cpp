@@ -153,6 +153,16 @@ TEST_F(GraphicalReportTest, aPageThatWasRebuiltExactlyTellsTheRuleOfEachPart) {
     EXPECT_TRUE(project.log.entries.empty());
 }
 
+TEST_F(GraphicalReportTest, theAuditOfAnExactRebuildNamesTheOtherRecords) {
+    settings.method = MethodChoice::exact;
+    for (int i = 0; i < 14; ++i)
+        add("http://host/a/logo.gif", "GIF89a logo");
+    const UrlId id = add("http://host/a/page.html", "<html><img src=logo.gif>");
+    ASSERT_TRUE(rebuild(id));
+    EXPECT_THAT(make(0, [](ReportWriter &each) { each.includeAudit = true; }),
+                HasSubstr("exact address; others: 2, 3, 4, 5, 6, 7, 8, 9, 10, 11 and 3 more"));
+}
+
 TEST_F(GraphicalReportTest, anArchiveOfAnEarlierVersionIsUnpacked) {
     addRebuiltPage();
     UrlRecord record = get(UrlId{1});

@@ -24,6 +24,10 @@ RebuiltPage notRebuilt(std::int64_t id, NotRebuilt why) {
 TEST(RebuildText, onePageIsToldWithItsReferences) {
     EXPECT_EQ(reportText({1, {rebuiltPage(17, 12, 3)}, false}),
               "Record 17 was rebuilt: 12 references replaced, 3 missing.");
+    RebuiltPage exact = rebuiltPage(17, 12, 3);
+    exact.method = RebuildMethod::exact;
+    EXPECT_EQ(reportText({1, {exact}, false}),
+              "Record 17 was rebuilt exactly: 12 references replaced, 3 missing.");
 }
 
 TEST(RebuildText, whatWasFoundAndNotRewrittenIsTold) {

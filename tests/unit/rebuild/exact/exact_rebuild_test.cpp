@@ -123,7 +123,7 @@ TEST_F(ExactRebuildTest, sheetsBringWhatTheyName) {
          .body = "@import 'sub/other.css';body{background:url(../i/back.png)}",
          .type = "text/css"});
     put({.url = "https://cdn/css/sub/other.css",
-         .body = "@font-face{src:url(\"f.woff2\")}@import url(gone.css);",
+         .body = "@import url(gone.css);@font-face{src:url(\"f.woff2\")}",
          .type = "text/css"});
     put({.url = "https://cdn/i/back.png", .body = kPng});
     put({.url = "https://cdn/css/sub/f.woff2", .body = "wOF2..."});
@@ -288,7 +288,7 @@ TEST_F(ExactRebuildTest, keysOfMoreThanSevenDigitsKeepTheirPartsApart) {
 
 TEST_F(ExactRebuildTest, aClassicRebuildTakesItsPlace) {
     put({.url = "https://host/dir/a.png", .body = kPng});
-    const UrlId html = putPage("<html><img src=\"a.png\" ></html>");
+    const UrlId html = putPage("<html><img src=\"a.png\" ></html> ");
     ASSERT_TRUE(rebuild(html));
     EXPECT_EQ(notes(html).size(), 1u);
     settings.method = MethodChoice::automatic; // its cache isn't one of today's
