@@ -56,6 +56,14 @@ SiteItem text(std::string_view path, std::string_view type, std::string_view bod
     return {std::string(kHome).append(path), std::string(type), std::string(body), true, false};
 }
 
+/// Of a cache's table: a power of two.
+std::uint32_t slotsFor(const WebSite &site) {
+    std::uint32_t slots = 64;
+    while (slots < site.size() * 2)
+        slots *= 2;
+    return slots;
+}
+
 std::string kept(const SiteItem &item) {
     return item.isPacked ? gzip(item.body) : item.body;
 }
@@ -83,7 +91,7 @@ void writeInternetExplorer(const WebSite &site, const fs::path &folder) {
 }
 
 void writeFirefox(const WebSite &site, const fs::path &folder) {
-    FirefoxCache cache(FirefoxCache::kFirefox3, 64);
+    FirefoxCache cache(FirefoxCache::kFirefox3, slotsFor(site));
     for (const SiteItem &item : site) {
         const std::size_t before = cache.separateFiles.size();
         cache.add({.key = "HTTP:" + item.url,
@@ -98,7 +106,7 @@ void writeFirefox(const WebSite &site, const fs::path &folder) {
 }
 
 void writeChrome(const WebSite &site, const fs::path &folder) {
-    ChromeCache cache(64);
+    ChromeCache cache(slotsFor(site));
     for (const SiteItem &item : site) {
         ChromeCacheEntry entry;
         entry.url = item.url;
