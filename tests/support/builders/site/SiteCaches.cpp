@@ -159,11 +159,15 @@ void writeSite(const MadeSite &site, LaterCache cache, const fs::path &folder, s
 }
 
 WebSite asWebSite(const MadeSite &site) {
+    const auto plain = [](const std::string &text) {
+        return replaceAll(text, "https://", "http://");
+    };
     WebSite items;
+    items.reserve(site.size());
     for (const SiteAnswer &answer : site)
         if (answer.isKept && answer.status == 200)
-            items.push_back({answer.url, std::string(split(answer.type, ';').at(0)), answer.body,
-                             !answer.coding.empty()});
+            items.push_back({plain(answer.url), std::string(split(answer.type, ';').at(0)),
+                             plain(answer.body), !answer.coding.empty()});
     return items;
 }
 

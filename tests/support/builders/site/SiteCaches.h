@@ -20,7 +20,7 @@ void writeSite(const MadeSite &site, LaterCache cache, const std::filesystem::pa
                std::int64_t begun);
 
 /// For the writers of the first browsers' caches, which keep neither redirects nor charsets of
-/// servers nor codings but gzip.
+/// servers nor codings but gzip. Of their days, the site is one of "http:".
 WebSite asWebSite(const MadeSite &site);
 
 } // namespace nv::test
