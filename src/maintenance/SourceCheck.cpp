@@ -6,6 +6,8 @@
 #include "base/Paths.h"
 #include "base/Trap.h"
 #include "db/CaseTrail.h"
+#include "import/ArtefactHash.h"
+#include "readers/Evidence.h"
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
@@ -69,10 +71,13 @@ SourceState stateOf(const CheckedSource &source) {
     return same ? SourceState::same : SourceState::changed;
 }
 
+std::runtime_error notPlain(const fs::path &path) {
+    return std::runtime_error(fmt::format("\"{}\" is no plain file any more", textOf(path)));
+}
+
 /// Nothing when it is gone. Only plain files are imported, so nothing else is opened: a pipe would
 /// never end. Throws FileFailure.
-std::optional<FileReader> opened(const std::string &text) {
-    const fs::path path = pathFromText(text).value_or(text);
+std::optional<FileReader> opened(const fs::path &path) {
     std::error_code failed;
     const fs::file_status status = fs::symlink_status(path, failed);
     if (status.type() == fs::file_type::not_found)
@@ -80,7 +85,7 @@ std::optional<FileReader> opened(const std::string &text) {
     if (status.type() == fs::file_type::none)
         throw FileFailure("cannot open", path, failed.value());
     if (!fs::is_regular_file(status))
-        throw std::runtime_error(fmt::format("\"{}\" is no plain file any more", text));
+        throw notPlain(path);
     return FileReader(path);
 }
 
@@ -89,6 +94,13 @@ std::optional<FileReader> opened(const std::string &text) {
 bool hasGrown(const CheckedSource &source) {
     const bool sizeIsKnown = source.sizeThen > 0 || source.md5Then == md5Hex({});
     return sizeIsKnown && source.sizeNow > source.sizeThen;
+}
+
+void compareHashes(CheckedSource &source, const FileHashes &now) {
+    source.sizeNow = static_cast<std::int64_t>(now.size);
+    source.md5Now = now.md5;
+    source.sha256Now = now.sha256;
+    source.state = stateOf(source);
 }
 
 /// False when cancelled.
@@ -101,10 +113,28 @@ bool compare(CheckedSource &source, const FileReader &file, const std::function<
     const auto now = hashesOfFile(file, [&goOn](std::uint64_t) { return goOn(); });
     if (!now)
         return false;
-    source.sizeNow = static_cast<std::int64_t>(now->size);
-    source.md5Now = now->md5;
-    source.sha256Now = now->sha256;
-    source.state = stateOf(source);
+    compareHashes(source, *now);
+    return true;
+}
+
+/// Of a cache that is a folder. False when cancelled.
+bool compareFolder(CheckedSource &source, const fs::path &folder,
+                   const std::function<bool()> &goOn) {
+    const Evidence evidence(folder);
+    bool goesOn = true;
+    const auto now = hashesOfArtefact(evidence, folder, [&](std::uint64_t readSoFar) {
+        source.sizeNow = static_cast<std::int64_t>(readSoFar);
+        goesOn = goOn();
+        return goesOn && !hasGrown(source);
+    });
+    if (!goesOn)
+        return false;
+    if (!now)
+        source.state = SourceState::changed;
+    else if (now->md5 == md5Hex({})) // no file in it: it can't be what was imported
+        throw notPlain(folder);
+    else
+        compareHashes(source, *now);
     return true;
 }
 
@@ -113,7 +143,11 @@ bool check(CheckedSource &source, FailureLog &log, const std::function<bool()> &
     bool whole = true;
     source.state = SourceState::unreadable;
     const auto failure = failureOf(log, "MainBAS.verifySources()", [&] {
-        if (const auto file = opened(source.path))
+        const fs::path path = pathFromText(source.path).value_or(source.path);
+        std::error_code unknown;
+        if (fs::symlink_status(path, unknown).type() == fs::file_type::directory)
+            whole = compareFolder(source, path, goOn);
+        else if (const auto file = opened(path))
             whole = compare(source, *file, goOn);
         else
             source.state = SourceState::gone;

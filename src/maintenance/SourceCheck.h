@@ -19,14 +19,14 @@ enum class SourceState {
     same,
     changed,
     gone,
-    unreadable, ///< or no plain file any more; the log says why
+    unreadable, ///< or no plain file, nor a folder with files; the log says why
     unknown,    ///< no hash was taken when it was imported
 };
 
 /// "same", "changed", "gone", "unreadable", "no hash".
 std::string_view stateWord(SourceState state);
 
-/// A file that was imported, and what it is now.
+/// A file, or a cache that is a folder, that was imported, and what it is now.
 struct CheckedSource {
     std::string path;
     SourceState state = SourceState::unknown;

@@ -9,6 +9,7 @@
 #include "OperaExample.h"
 #include "RecoveredExample.h"
 #include "SafariExample.h"
+#include "SiteExample.h"
 #include "base/Files.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/Cookies.h"
@@ -267,6 +268,7 @@ void writeEvidence(const fs::path &folder) {
     writeChrome(chrome / "History");
     writeChromeCookies(chrome / "Cookies");
     writeOtherBrowsers(user);
+    writeTodayExample(folder);
 }
 
 void writeIndex(const fs::path &file, std::size_t records) {

@@ -1,5 +1,6 @@
 #include "ExampleEvidence.h"
 #include "LargeFiles.h"
+#include "SiteExample.h"
 
 #include <cstdlib>
 #include <exception>
@@ -11,7 +12,10 @@ namespace {
 constexpr std::string_view kUsage =
     "usage: norvelane-example FOLDER                      example evidence\n"
     "       norvelane-example --large KEY N BYTES FOLDER  an artefact of N records, whose bodies,\n"
-    "                                                     where it has some, are of BYTES bytes\n";
+    "                                                     where it has some, are of BYTES bytes\n"
+    "       norvelane-example --site KIND FOLDER          the made site in a browser's cache, or "
+    "for a\n"
+    "                                                     server\n";
 
 std::size_t numberOf(const char *word) {
     return std::strtoull(word, nullptr, 10);
@@ -27,6 +31,10 @@ int main(int argc, char **argv) {
         }
         if (argc == 6 && std::string_view(argv[1]) == "--large") {
             nv::example::writeLarge(argv[2], numberOf(argv[3]), numberOf(argv[4]), argv[5]);
+            return 0;
+        }
+        if (argc == 4 && std::string_view(argv[1]) == "--site") {
+            nv::example::writeMadeSite(argv[2], argv[3]);
             return 0;
         }
         std::cerr << kUsage;

@@ -15,6 +15,10 @@ fs::path goldenFolder() {
     return kSources / "tests" / "golden";
 }
 
+fs::path siteFolder() {
+    return kSources / "tests" / "support" / "site";
+}
+
 fs::path docsFolder() {
     return kSources / "docs";
 }

@@ -9,6 +9,8 @@ namespace nv::test {
 
 /// "tests/golden".
 std::filesystem::path goldenFolder();
+/// "tests/support/site".
+std::filesystem::path siteFolder();
 /// "docs".
 std::filesystem::path docsFolder();
 std::filesystem::path readmeFile();

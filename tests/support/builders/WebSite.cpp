@@ -10,6 +10,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <map>
+
 namespace nv::test {
 
 namespace fs = std::filesystem;
@@ -53,6 +56,14 @@ SiteItem text(std::string_view path, std::string_view type, std::string_view bod
     return {std::string(kHome).append(path), std::string(type), std::string(body), true, false};
 }
 
+/// Of a cache's table: a power of two.
+std::uint32_t slotsFor(const WebSite &site) {
+    std::uint32_t slots = 64;
+    while (slots < site.size() * 2)
+        slots *= 2;
+    return slots;
+}
+
 std::string kept(const SiteItem &item) {
     return item.isPacked ? gzip(item.body) : item.body;
 }
@@ -62,23 +73,25 @@ void writeInternetExplorer(const WebSite &site, const fs::path &folder) {
     IndexDat index;
     index.folder(kFolder);
     fs::create_directories(folder / kFolder);
+    std::map<std::string, int> times;
     for (const SiteItem &item : site) {
+        const std::string name = item.fileName(++times[item.fileName()]);
         if (!item.isCleared)
-            writeWhole(folder / kFolder / item.fileName(), item.body);
+            writeWhole(folder / kFolder / name, item.body);
         index.add(
             {.url = item.url,
              .firstDate = fileTime(2011, 3, 16, 9),
              .secondDate = fileTime(2011, 3, 16, 9),
              .fileSize = static_cast<std::uint32_t>(item.body.size()),
              .folder = 0,
-             .fileName = item.fileName(),
+             .fileName = name,
              .headers = fmt::format("HTTP/1.1 200 OK\r\nContent-Type: {}\r\n\r\n", item.type)});
     }
     writeWhole(folder / "index.dat", index.bytes());
 }
 
 void writeFirefox(const WebSite &site, const fs::path &folder) {
-    FirefoxCache cache(FirefoxCache::kFirefox3, 64);
+    FirefoxCache cache(FirefoxCache::kFirefox3, slotsFor(site));
     for (const SiteItem &item : site) {
         const std::size_t before = cache.separateFiles.size();
         cache.add({.key = "HTTP:" + item.url,
@@ -93,7 +106,7 @@ void writeFirefox(const WebSite &site, const fs::path &folder) {
 }
 
 void writeChrome(const WebSite &site, const fs::path &folder) {
-    ChromeCache cache(64);
+    ChromeCache cache(slotsFor(site));
     for (const SiteItem &item : site) {
         ChromeCacheEntry entry;
         entry.url = item.url;
@@ -144,11 +157,11 @@ void writeOpera(const WebSite &site, const fs::path &folder) {
 
 } // namespace
 
-std::string SiteItem::fileName() const {
+std::string SiteItem::fileName(int number) const {
     const std::string path = url.substr(0, url.find('?'));
     const std::string name = path.substr(path.rfind('/') + 1);
-    const std::size_t point = name.rfind('.');
-    return name.substr(0, point) + "[1]" + name.substr(point);
+    const std::size_t point = std::min(name.rfind('.'), name.size());
+    return fmt::format("{}[{}]{}", name.substr(0, point), number, name.substr(point));
 }
 
 WebSite exampleSite() {

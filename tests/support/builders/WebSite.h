@@ -14,8 +14,8 @@ struct SiteItem {
     std::string body;
     bool isPacked = false;  ///< sent as gzip, where the browser's cache keeps it so
     bool isCleared = false; ///< the cache still lists it but its bytes are gone
-    /// What Internet Explorer calls its file.
-    std::string fileName() const;
+    /// What Internet Explorer calls its file, the first of that name or a later one.
+    std::string fileName(int number = 1) const;
 };
 
 /// Pages and their parts, the first item being the main page.

@@ -2,6 +2,7 @@
 #include "base/Files.h"
 #include "db/CaseTrail.h"
 #include "db/ProjectDatabase.h"
+#include "import/ArtefactHash.h"
 #include "maintenance/SourceCheck.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
@@ -12,6 +13,7 @@
 #include <gmock/gmock.h>
 
 #include <sys/stat.h>
+#include <vector>
 
 namespace nv {
 namespace {
@@ -26,8 +28,16 @@ struct SourceCheckTest : testing::Test {
     /// As an import leaves it.
     fs::path add(const std::string &name, const std::string &content) {
         folder.write(name, content);
-        const fs::path path = folder.path() / name;
-        const FileHashes hashes = *hashesOfFile(path);
+        return imported(folder.path() / name);
+    }
+    /// A cache of two files, one of them in a folder below.
+    fs::path addFolder(const std::string &name) {
+        folder.write(name + "/index", "one");
+        folder.write(name + "/entries/0A", "two");
+        return imported(folder.path() / name);
+    }
+    fs::path imported(const fs::path &path) {
+        const FileHashes hashes = *hashesOfArtefact(Evidence(folder.path()), path);
         SQLite::Statement row(project.connection(),
                               "INSERT INTO SourceFiles (FilePath, MD5Hash, FileSize) "
                               "VALUES (?, ?, ?)");
@@ -82,6 +92,32 @@ TEST_F(SourceCheckTest, changedGoneAndUnreadableFilesAreTold) {
     EXPECT_EQ(log.entries.size(), 1U);
     EXPECT_EQ(summaryText(check),
               "0 of 3 imported files are as they were, 1 changed, 1 gone, 1 unreadable.");
+}
+
+TEST_F(SourceCheckTest, aCacheThatIsAFolderIsComparedAsOne) {
+    addFolder("same");
+    const fs::path changed = addFolder("changed");
+    const fs::path more = addFolder("more");
+    const fs::path renamed = addFolder("renamed");
+    const fs::path emptied = addFolder("emptied");
+    fs::remove_all(addFolder("gone"));
+    EXPECT_EQ(verify().count(SourceState::same), 5U);
+    folder.write("changed/entries/0A", "2wo");
+    folder.write("more/entries/0B", "three");
+    fs::resize_file(more / "entries" / "0B", std::uintmax_t{1} << 40); // hours to read
+    fs::rename(renamed / "index", renamed / "index2");
+    fs::remove_all(emptied);
+    fs::create_directory(emptied);
+    const SourceCheck check = verify();
+    std::vector<SourceState> states;
+    for (const CheckedSource &source : check.sources)
+        states.push_back(source.state);
+    EXPECT_EQ(states,
+              (std::vector{SourceState::same, SourceState::changed, SourceState::changed,
+                           SourceState::changed, SourceState::unreadable, SourceState::gone}));
+    EXPECT_EQ(check.sources.at(0).sizeNow, 6);
+    test::CancelAfter task(1);
+    EXPECT_TRUE(verifySources(project.connection(), log, task).cancelled);
 }
 
 TEST_F(SourceCheckTest, onlyPlainFilesAreOpened) {

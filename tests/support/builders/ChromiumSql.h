@@ -1,0 +1,42 @@
+#pragma once
+
+#include "support/builders/SqliteFile.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace nv::test {
+
+/// One object of Chromium's SQL cache. Texts are raw bytes, times microseconds since 1601.
+struct ChromiumSqlEntry {
+    std::string key{};
+    std::string head{}; ///< ChromiumAnswer::bytes()
+    std::string body{};
+    std::int64_t lastUsed = 0;
+};
+
+/// Makes a folder of an SQL cache: the index and three databases, among which the hash of the key
+/// chooses. Checksums are left zero.
+class ChromiumSql {
+  public:
+    static constexpr std::size_t kParts = 3;
+
+    explicit ChromiumSql(const std::filesystem::path &folder);
+
+    void add(const ChromiumSqlEntry &entry);
+    /// Writes the totals. Nothing may be added afterwards.
+    void finish();
+
+  private:
+    struct Part {
+        std::unique_ptr<SqliteFile> file;
+        std::int64_t entries = 0;
+        std::int64_t bytes = 0;
+    };
+    std::vector<Part> m_parts;
+};
+
+} // namespace nv::test

@@ -1,0 +1,2 @@
+// Pages of the site look the same without it.
+document.documentElement.dataset.ready = 'yes';
