@@ -1,10 +1,13 @@
 #!/usr/bin/env python3
 """Runs fuzz targets, a minute each, two at a time: those first that read what has changed.
 
-usage: tools/fuzz_turns.py [--build FOLDER] [--base REVISION] [--minutes N] [--seconds S] [NAME...]
+usage: tools/fuzz_turns.py [--build FOLDER] [--base REVISION] [--minutes N] [--seconds S]
+                           [--runs N] [NAME...]
   --base     the revision that tells what has changed; without it, what the last commits touched
   --minutes  stops when that time is over (5); which of the unchanged ones have their turn follows
              from the number of commits, so that every one of them has it
+  --runs     so many inputs for each of all targets, the same ones in every run: a find of chance
+             keeps no unrelated change out
   NAME       only these, such as "ie_index"
 Inputs that reached new code are kept in $NV_CHECK_CACHE/fuzz, or in build/check/fuzz. What made a
 target fail is left in build/fuzz-finds and named.
@@ -58,8 +61,12 @@ def seeds(name):
         [path for path in sorted(cases.glob("*/input/**/*")) if path.is_file()]
 
 
-def corpus_of(name):
-    folder = Path(os.environ.get("NV_CHECK_CACHE") or ROOT / "build" / "check") / "fuzz" / name
+def corpus_of(name, same):
+    if same:
+        folder = ROOT / "build" / "check" / "fuzz-same" / name
+        shutil.rmtree(folder, ignore_errors=True)
+    else:
+        folder = Path(os.environ.get("NV_CHECK_CACHE") or ROOT / "build" / "check") / "fuzz" / name
     folder.mkdir(parents=True, exist_ok=True)
     for number, seed in enumerate(seeds(name)):
         if not (folder / f"golden-{number}").exists():
@@ -67,20 +74,21 @@ def corpus_of(name):
     return folder
 
 
-def run(name, build, seconds):
+def run(name, build, seconds, runs=0):
     """Whether the target found nothing."""
     FINDS.mkdir(parents=True, exist_ok=True)
-    corpus = corpus_of(name)
+    corpus = corpus_of(name, runs > 0)
+    length = [f"-runs={runs}", "-seed=1"] if runs else [f"-max_total_time={seconds}"]
     done = subprocess.run(
-        [str(ROOT / build / f"fuzz_{name}"), f"-max_total_time={seconds}", "-timeout=10",
+        [str(ROOT / build / f"fuzz_{name}"), *length, "-timeout=10",
          "-rss_limit_mb=2048", "-print_final_stats=1", f"-artifact_prefix={FINDS}/{name}-",
          str(corpus)],
         capture_output=True, text=True, errors="replace", check=False,
         env={**os.environ, "ASAN_OPTIONS": "detect_leaks=0"})
-    runs = [line.split()[-1] for line in done.stderr.splitlines()
+    units = [line.split()[-1] for line in done.stderr.splitlines()
             if line.startswith("stat::number_of_executed_units")]
     if done.returncode == 0:
-        print(f"   {name}: {runs[0] if runs else '?'} inputs", flush=True)
+        print(f"   {name}: {units[0] if units else '?'} inputs", flush=True)
         return True
     print(f"   {name}: FAILED\n{done.stderr[-4000:]}", flush=True)
     return False
@@ -88,10 +96,11 @@ def run(name, build, seconds):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--build", default="build/fuzz")
+    parser.add_argument("--build", default="build/asan")
     parser.add_argument("--base")
     parser.add_argument("--minutes", type=float, default=5)
     parser.add_argument("--seconds", type=int, default=60)
+    parser.add_argument("--runs", type=int, default=0)
     parser.add_argument("names", nargs="*")
     options = parser.parse_args()
 
@@ -103,6 +112,8 @@ def main():
     deadline = time.monotonic() + options.minutes * 60
 
     def turn(name):
+        if options.runs:
+            return run(name, options.build, options.seconds, options.runs)
         if time.monotonic() + options.seconds > deadline and not options.names:
             return None
         return run(name, options.build, options.seconds)
