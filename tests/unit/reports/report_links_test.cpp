@@ -111,7 +111,7 @@ TEST_F(ReportLinksTest, ownPagesFetchPicturesOfTheirFolderOnly) {
 TEST_F(ReportLinksTest, hostileTextsStayTextInBothKinds) {
     const std::string hostile("<script>\"'`\0\x01\xE2\x80\xAE"
                               "gnp.exe\r\n=cmd|' /C calc'!A0",
-                              45);
+                              43);
     SQLite::Statement change(project.connection(),
                              "UPDATE URLs SET WebPageTitle = ?1, User = ?1, Notes = ?1, "
                              "CacheFolderName = ?1, Action = ?1, HistoryVersion = ?1");
