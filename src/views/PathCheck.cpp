@@ -14,10 +14,11 @@ bool isSeparator(char c) {
     return c == '/' || c == '\\';
 }
 
-bool isFile(const std::string &text) {
+bool isThere(const std::string &text, bool mayBeFolder) {
     const auto path = pathFromText(text);
     std::error_code ignored;
-    return path && std::filesystem::is_regular_file(*path, ignored);
+    return path && (std::filesystem::is_regular_file(*path, ignored) ||
+                    (mayBeFolder && std::filesystem::is_directory(*path, ignored)));
 }
 
 std::string_view behindDrive(std::string_view path) {
@@ -45,20 +46,24 @@ bool PathCheck::isBad(const EvidencePlace &place) {
         // A redirection names no file, so none is missing.
         if (place.relativePath.empty() && place.cacheFileName.empty())
             return false;
-        return !exists(std::string(place.rootPath).append(place.relativePath));
+        return !exists(std::string(place.rootPath).append(place.relativePath), false);
     }
+    // Caches of today's browsers are read as a whole folder.
     return parts == CacheParts::byUrl &&
-           !exists(pathUnderBase(place.rootPath, place.historyFilePath));
+           !exists(pathUnderBase(place.rootPath, place.historyFilePath),
+                   !place.historyFilePath.empty());
 }
 
-bool PathCheck::exists(const std::string &path) {
-    if (const auto known = m_known.find(path); known != m_known.end())
+bool PathCheck::exists(const std::string &path, bool mayBeFolder) {
+    const std::pair key(path, mayBeFolder);
+    if (const auto known = m_known.find(key); known != m_known.end())
         return known->second;
     if (m_known.size() >= kMostKnown)
         m_known.clear();
     // Projects that were made on Windows hold its separators.
-    const bool found = isFile(path) || isFile(replaceAll(path, "\\", "/"));
-    return m_known.emplace(path, found).first->second;
+    const bool found =
+        isThere(path, mayBeFolder) || isThere(replaceAll(path, "\\", "/"), mayBeFolder);
+    return m_known.emplace(key, found).first->second;
 }
 
 } // namespace nv

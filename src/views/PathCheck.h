@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 
 namespace nv {
 
@@ -28,9 +29,9 @@ class PathCheck {
     /// Enough for what an examiner scrolls through; a full cache starts anew.
     static constexpr std::size_t kMostKnown = 100'000;
 
-    bool exists(const std::string &path);
+    bool exists(const std::string &path, bool mayBeFolder);
 
-    std::unordered_map<std::string, bool> m_known;
+    std::map<std::pair<std::string, bool>, bool> m_known;
 };
 
 /// The path of a history file as it lies under `rootPath`: itself when it begins with that,

@@ -294,7 +294,8 @@ void ExactRebuildTest::theGallerySaysTheMethod() {
     auto &tiles = child<QListView>(gallery, "GalleryTiles");
     QVERIFY(waitFor([&] { return tiles.model()->rowCount() == 2; }));
     const auto toolTip = [&](int row) {
-        return tiles.model()->index(row, 0).data(Qt::ToolTipRole).toString();
+        const QString text = tiles.model()->index(row, 0).data(Qt::ToolTipRole).toString();
+        return QString(text).replace(QChar(QChar::Nbsp), u' '); // as it is escaped
     };
     QVERIFY2(toolTip(0).contains(QStringLiteral("Rebuilt: Cache, exact")), qPrintable(toolTip(0)));
     QVERIFY(!toolTip(1).contains(QStringLiteral("Rebuilt")));

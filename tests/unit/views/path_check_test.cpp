@@ -45,6 +45,9 @@ TEST_F(BadPath, findsPathsOfProjectsFromWindows) {
 TEST_F(BadPath, isAnotherCacheWithoutItsIndexUnderTheBasePath) {
     EXPECT_FALSE(other("Firefox Cache", root + "Users/ann/ff/_CACHE_MAP_"));
     EXPECT_FALSE(other("FIREFOX CACHE", "E:\\Users\\ann\\ff\\_CACHE_MAP_"));
+    EXPECT_FALSE(other("Chrome Cache", root + "Users/ann/ff")) << "a folder that is one cache";
+    EXPECT_FALSE(other("Chrome Cache", "E:\\Users\\ann\\ff"));
+    EXPECT_TRUE(other("Chrome Cache", root + "Users/ann/gone"));
     EXPECT_TRUE(other("Safari Cache", root + "Users/ann/Cache.db"));
     EXPECT_TRUE(other("Opera Cache", "/elsewhere/dcache4.url"));
     EXPECT_TRUE(other("Chrome Cache", ""));
