@@ -26,6 +26,7 @@ struct Sign {
 };
 
 // By which browsers know a file whatever it is called; longer ones before those they begin with.
+// Extensions of parts have four letters at most, and browsers look into fonts.
 constexpr std::array<Sign, 20> kSigns = {{
     {0, "GIF8"sv, "gif"},
     {0, "\xFF\xD8\xFF"sv, "jpg"},
@@ -35,7 +36,7 @@ constexpr std::array<Sign, 20> kSigns = {{
     {4, "ftypavis"sv, "avif"},
     {0, "\0\0\1\0"sv, "ico"},
     {0, "wOFF"sv, "woff"},
-    {0, "wOF2"sv, "woff2"},
+    {0, "wOF2"sv, "woff"},
     {0, "OTTO"sv, "otf"},
     {0, "\0\1\0\0\0"sv, "ttf"},
     {4, "ftyp"sv, "mp4"},
@@ -108,6 +109,8 @@ std::string plainExtension(const UrlRecord &record, std::string_view head) {
     if (known != kTypes.end())
         return std::string(known->second);
     const std::string own = toLower(trim(record.URLFileExt));
+    if (own == "woff2")
+        return "woff";
     return std::ranges::find(kActive, own) == kActive.end() ? own : std::string();
 }
 
