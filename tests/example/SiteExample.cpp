@@ -1,6 +1,8 @@
 #include "SiteExample.h"
 
 #include "base/Files.h"
+#include "base/Text.h"
+#include "support/HostileWays.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/FirefoxProfile.h"
 #include "support/builders/Places.h"
@@ -36,6 +38,25 @@ constexpr std::array<std::pair<std::string_view, SiteCache>, 5> kFirst = {
      {"chrome", SiteCache::chrome},
      {"safari", SiteCache::safari},
      {"opera", SiteCache::opera}}};
+
+/// A page for each way to reach out of a page's folder, to another host and to another folder.
+MadeSite hostilePages() {
+    MadeSite site;
+    site.reserve(kHostileWays.size() * 2);
+    for (const std::string_view outside : {"https://outside.example", "../../../outside"})
+        for (const HostileWay &way : kHostileWays) {
+            SiteAnswer page;
+            page.url = fmt::format("https://hostile.example/{}.html", site.size());
+            page.type = "text/html; charset=utf-8";
+            page.body = "<!doctype html><html><head><title>Hostile</title></head><body>" +
+                        replaceAll(replaceAll(way.html, "@", outside), "%", "@") +
+                        "</body></html>\n";
+            page.group = "hostile";
+            page.shows = way.name;
+            site.push_back(std::move(page));
+        }
+    return site;
+}
 
 struct Visited {
     std::string url;
@@ -119,6 +140,8 @@ void writeFirefox(const fs::path &appData, const MadeSite &site) {
 } // namespace
 
 void writeMadeSite(std::string_view kind, const fs::path &folder) {
+    if (kind == "hostile")
+        return writeSite(hostilePages(), LaterCache::simple, folder, kOctober2026);
     const MadeSite site = madeSite();
     if (kind == "server")
         return writeForServer(site, folder);

@@ -26,7 +26,7 @@ COMPARED = """(async (one, other) => {
     for (let y = 0; y < high; ++y)
         for (let x = 0; x < wide; ++x) {
             const i = (y * a.width + x) * 4, j = (y * b.width + x) * 4;
-            if (a.data[i] != b.data[j] || a.data[i + 1] != b.data[j + 1] || a.data[i + 2] != b.data[j + 2]) {
+            if ([0, 1, 2].some(c => a.data[i + c] != b.data[j + c])) {
                 ++count;
                 left = Math.min(left, x); right = Math.max(right, x + 1);
                 top = Math.min(top, y); bottom = Math.max(bottom, y + 1);

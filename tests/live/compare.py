@@ -57,12 +57,12 @@ class Rebuilt:
         run(cli, "import", project, folder / "evidence")
         rows = run(cli, "query", project, "SELECT URL_ID, URL FROM URLs", "--format", "jsonl")
         # In the first browsers' caches the site is one of "http:".
-        self._ids = {row["URL"].replace("http://", "https://", 1): row["URL_ID"]
+        self.ids = {row["URL"].replace("http://", "https://", 1): row["URL_ID"]
                      for row in map(json.loads, rows.splitlines())}
         self._cli, self._project, self._out, self._method = cli, project, folder / "pages", method
 
     def rebuild(self, addresses):
-        ids = [str(self._ids[address]) for address in addresses if address in self._ids]
+        ids = [str(self.ids[address]) for address in addresses if address in self.ids]
         if not ids:
             return
         run(self._cli, "rebuild", self._project, *ids, "--out", self._out, "--no-thumbnails",
@@ -70,7 +70,7 @@ class Rebuilt:
 
     def page(self, address):
         """The file; None when there is none."""
-        name = f"{self._ids.get(address, 0):07d}"
+        name = f"{self.ids.get(address, 0):07d}"
         found = sorted((self._out / f"{name}.NVR").glob(f"{name}.htm*"))
         return found[0] if found else None
 
@@ -86,16 +86,17 @@ def outside(requests, folder):
             if not address.startswith(("data:", "about:", "blob:", inside))]
 
 
-NOTES = {"lacking": " (nothing can be had)", "scripted": " (scripts don't run)"}
+NOTES = {"lacking": "no: a marked place stands there", "scripted": "no: scripts don't run",
+         "limited": "in part"}
 
 
-def cell(page, columns):
-    """Whether the page is drawn as it was, from each cache of some."""
+def cell(page, method, columns):
+    """Whether the page is drawn as it was by the method, from each cache of some."""
     same = [name for name, results in columns if is_same(results.get(page.address))]
     if len(same) == len(columns):
         return "yes"
     if not same:
-        return "no" + NOTES.get(page.group, "")
+        return NOTES.get(page.group, "no") if method != "classic" else "no"
     return "not from " + ", ".join(name for name, _ in columns if name not in same)
 
 
@@ -107,10 +108,10 @@ def table(pages, results):
             columns = [(name, caches[name]) for name in names if name in caches]
             if columns:
                 heads.append(f"{method or 'default'}, {era}")
-                groups.append(columns)
+                groups.append((method, columns))
     lines = ["| What the page shows | " + " | ".join(heads) + " |", "|---|" + "---|" * len(heads)]
     for page in pages:
-        lines.append(f"| {page.shows} | " + " | ".join(cell(page, each) for each in groups) + " |")
+        lines.append(f"| {page.shows} | " + " | ".join(cell(page, *each) for each in groups) + " |")
     return "\n".join(lines) + "\n"
 
 

@@ -53,9 +53,9 @@ class SiteServer:
 
         self._server = Server(("127.0.0.1", 0), Handler)
         key = os.path.join(folder, "key.pem")
-        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt",
-                        "ec_paramgen_curve:prime256v1", "-nodes", "-keyout", key, "-out", key + ".crt",
-                        "-subj", "/CN=made site", "-days", "2"], check=True, capture_output=True)
+        subprocess.run(["openssl", "req", "-x509", "-nodes", "-subj", "/CN=made site", "-days", "2",
+                        "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1",
+                        "-keyout", key, "-out", key + ".crt"], check=True, capture_output=True)
         context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
         context.load_cert_chain(key + ".crt", key)
         # Connections that a browser makes ahead would stop all others in the handshake.

@@ -17,8 +17,9 @@ struct SiteAnswer {
     std::string location{}; ///< of a redirect
     std::string body{};     ///< unpacked
     std::string shows{};    ///< of a page: what it is about; empty for parts
-    std::string
-        group{}; ///< of a page: "page" looks like one, "feature" is for one way of a reference
+    /// Of a page: "page" looks like one, "feature" is for one way of a reference, "unscripted" for
+    /// browsers without scripts; "limited", "lacking" and "scripted" can't be rebuilt whole.
+    std::string group{};
     bool isKept = true; ///< by caches
 
     /// As it goes over the wire.
