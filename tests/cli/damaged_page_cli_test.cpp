@@ -14,7 +14,7 @@ class DamagedPageCliTest : public DamagedProjectCase {
   protected:
     /// A cached page (row 1) and its picture (row 2), after which the other rows come.
     static bool drawsPictures() {
-        return fs::exists(cliProgram().parent_path() / "norvelane-draw");
+        return std::filesystem::exists(cliProgram().parent_path() / "norvelane-draw");
     }
 
     void makeSite() const {
