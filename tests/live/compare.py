@@ -136,6 +136,7 @@ def draw_rebuilt(pages, live, rebuilt, column, keep):
             file = rebuilt.page(page.address)
             if file is None:
                 results[page.address] = None
+                print(f"{column}: {unquote(page.address)} was not rebuilt", flush=True)
                 continue
             picture = chromium.picture(file.resolve().as_uri() + BANNER_OFF)
             asked = outside(chromium.requests, file.parent)
