@@ -46,6 +46,7 @@ TEST_F(OptionsFileTest, aFirstOkayWritesTheseLines) {
                       "TemplateMatchByTitle=True\n"
                       "ThumbnailsWhileImporting=False\n"
                       "KeepAllOptions=False\n"
+                      "RebuildMethod=auto\n"
                       "ClassicOnly=False\n"
                       "[THUMBNAILS]\n"
                       "ViewerThumbnailWidth=120\n"
@@ -73,7 +74,7 @@ TEST_F(OptionsFileTest, keepAllOptionsAddsTheseLines) {
                            "NetworkConnectionName=Local Area Connection\n"
                            "[FILE PATHS]\n"));
     EXPECT_THAT(text, EndsWith("ThumbnailsWhileImporting=False\n"
-                               "KeepAllOptions=True\nClassicOnly=False\n"
+                               "KeepAllOptions=True\nRebuildMethod=auto\nClassicOnly=False\n"
                                "[THUMBNAILS]\n"
                                "ViewerThumbnailWidth=120\n"
                                "ReportThumbnailWidth=200\n"
