@@ -12,7 +12,7 @@
 namespace nv {
 
 /// Longer texts are no addresses: browsers have the same limit.
-inline constexpr std::size_t kMaxAddressBytes = 2 * 1024 * 1024;
+inline constexpr std::size_t kMaxAddressBytes = std::size_t{2} << 20;
 
 /// An address by the URL standard. Parts are ASCII, as the standard's serialiser writes them.
 class WebAddress {

@@ -14,11 +14,11 @@ namespace nv {
 
 namespace {
 
-template <auto kFree>
+template <auto Free>
 struct Freeing {
     template <class Object>
     void operator()(Object *object) const {
-        kFree(object);
+        Free(object);
     }
 };
 

@@ -241,8 +241,8 @@ bool unpackBody(Body &body, std::span<const std::string> codings, Damaged damage
     }
     const std::string_view first = codings.empty() ? std::string_view() : codings.back();
     const bool isRead = succeeds(log, Severity::Warning, procedureOf(first), kContactSupport, [&] {
-        for (auto coding = codings.rbegin(); coding != codings.rend(); ++coding)
-            if (!undo(body, *coding, damaged, inMemory, log))
+        for (std::size_t left = codings.size(); left > 0; --left)
+            if (!undo(body, codings[left - 1], damaged, inMemory, log))
                 break;
     });
     return isRead && body.doubt.empty();

@@ -201,7 +201,9 @@ namespace {
 std::string decodedData(const std::string &bytes, std::string_view charset, bool isXml) {
     DecodedPage page =
         decodedPage(viewOf(bytes), fmt::format("Content-Type: x; charset={}", charset));
-    return isXml && page.foundIn == kNoCharset && isUtf8(bytes) ? bytes : std::move(page.text);
+    if (isXml && page.foundIn == kNoCharset && isUtf8(bytes))
+        return bytes;
+    return std::move(page.text);
 }
 
 } // namespace

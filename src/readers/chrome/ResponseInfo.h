@@ -29,7 +29,7 @@ struct ChromeResponse {
 };
 
 /// Nothing when the bytes hold something else, or end before the headers do.
-std::optional<ChromeResponse> chromeResponseOf(ByteView response);
+std::optional<ChromeResponse> chromeResponseOf(ByteView bytes);
 
 /// The lines of its headers alone; empty without them.
 std::string answerOf(ByteView response);

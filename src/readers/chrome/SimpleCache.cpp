@@ -78,15 +78,14 @@ class SimpleReading {
         readIndex();
         m_scripts = scriptAddressesBeside(m_ctx.evidence, m_folder, m_ctx.log);
         std::size_t number = 0;
-        for (const auto &[stem, entry] : entries) {
+        for (const auto &each : entries) {
             if (!m_ctx.task.advance(static_cast<double>(number) /
                                     static_cast<double>(entries.size()))) {
                 m_result.state = ReadState::cancelled;
                 return m_result;
             }
-            m_trap.attempt(number++, [&] {
-                tellingGaps(m_ctx.log, [&, &files = entry] { takeEntry(files); });
-            });
+            m_trap.attempt(number++,
+                           [&] { tellingGaps(m_ctx.log, [&] { takeEntry(each.second); }); });
         }
         tellOfIndex();
         tellOfFailures();

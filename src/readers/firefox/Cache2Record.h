@@ -22,7 +22,7 @@ UrlRecord parseCache2Record(const Cache2Entry &entry, const Cache2File &file,
                             const ReadContext &ctx);
 
 /// Sets the address, as it is meant and as it is stored, and what is taken out of it.
-void setCachedAddress(UrlRecord &record, std::string_view url, std::string_view stored);
+void setCachedAddress(UrlRecord &url, std::string_view address, std::string_view stored);
 
 /// Writes the body of such a record to `target`, as it is stored.
 bool fetchFirefoxCache2Body(const UrlRecord &record, const Evidence &evidence, BodyTarget &target);

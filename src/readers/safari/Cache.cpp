@@ -30,8 +30,6 @@
 
 namespace nv {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 constexpr SqliteReader kReader = {"ParserClass.ParseSafariCacheFile()", "PARSING SAFARI CACHE",

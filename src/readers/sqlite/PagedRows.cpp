@@ -179,6 +179,22 @@ std::vector<std::vector<std::int64_t>> PagedRows::indexRows(std::uint64_t root, 
     return rows;
 }
 
+std::vector<std::int64_t> PagedRows::numbersIn(ByteView cell, bool isInner) const {
+    constexpr std::uint64_t kFirstText = 12; // kinds from here on are texts and blobs
+    std::uint64_t at = isInner ? 4 : 0;
+    const auto size = varint(cell, at);
+    const auto row = size ? payload(cell, at, *size, true) : std::nullopt;
+    std::vector<std::int64_t> numbers;
+    if (!row)
+        return numbers;
+    const auto values = valuesOf(row->local);
+    numbers.reserve(values.size());
+    for (const Value &value : values)
+        if (value.kind < kFirstText && row->local.has(value.at, value.size))
+            numbers.push_back(numberOf(value.kind, row->local.sub(value.at, value.size)));
+    return numbers;
+}
+
 void PagedRows::walkIndex(std::uint64_t number, std::int64_t first, std::size_t most, int depth,
                           std::vector<std::vector<std::int64_t>> &rows) const {
     const auto found = depth > kMostDepth ? std::nullopt : page(number);
@@ -187,14 +203,8 @@ void PagedRows::walkIndex(std::uint64_t number, std::int64_t first, std::size_t 
     const bool isInner = found->kind == kInnerIndex;
     for (std::uint64_t i = 0; i < found->count && rows.size() < most; ++i) {
         const auto bytes = cell(*found, i);
-        std::uint64_t at = isInner ? 4 : 0;
-        const auto size = bytes ? varint(*bytes, at) : std::nullopt;
-        const auto row = size ? payload(*bytes, at, *size, true) : std::nullopt;
-        std::vector<std::int64_t> numbers;
-        if (row)
-            for (const Value &value : valuesOf(row->local))
-                if (value.kind < 12 && row->local.has(value.at, value.size))
-                    numbers.push_back(numberOf(value.kind, row->local.sub(value.at, value.size)));
+        std::vector<std::int64_t> numbers =
+            bytes ? numbersIn(*bytes, isInner) : std::vector<std::int64_t>();
         if (numbers.empty())
             continue;
         if (isInner && numbers.front() >= first)
@@ -208,6 +218,21 @@ void PagedRows::walkIndex(std::uint64_t number, std::int64_t first, std::size_t 
         walkIndex(found->last, first, most, depth + 1, rows);
 }
 
+std::optional<PagedRows::RowCell> PagedRows::cellFrom(const Page &page, std::int64_t rowId) const {
+    const bool isInner = page.kind == kInnerTable;
+    for (std::uint64_t i = 0; i < page.count; ++i) {
+        const auto bytes = cell(page, i);
+        if (!bytes)
+            continue;
+        std::uint64_t at = isInner ? 4 : 0;
+        const auto size = isInner ? std::optional<std::uint64_t>(0) : varint(*bytes, at);
+        const auto id = size ? varint(*bytes, at) : std::nullopt;
+        if (id && static_cast<std::int64_t>(*id) >= rowId)
+            return RowCell{*bytes, at, *size, static_cast<std::int64_t>(*id)};
+    }
+    return std::nullopt;
+}
+
 bool PagedRows::atRow(std::uint64_t root, std::int64_t rowId,
                       const std::function<bool(const Payload &row)> &take) const {
     std::uint64_t number = root;
@@ -215,25 +240,13 @@ bool PagedRows::atRow(std::uint64_t root, std::int64_t rowId,
         const auto found = page(number);
         if (!found || (found->kind != kInnerTable && found->kind != kLeafTable))
             return false;
-        const bool isInner = found->kind == kInnerTable;
-        number = found->last;
-        for (std::uint64_t i = 0; i < found->count; ++i) {
-            const auto bytes = cell(*found, i);
-            std::uint64_t at = isInner ? 4 : 0;
-            const auto size =
-                !bytes || isInner ? std::optional<std::uint64_t>(0) : varint(*bytes, at);
-            const auto id = bytes && size ? varint(*bytes, at) : std::nullopt;
-            if (!id || static_cast<std::int64_t>(*id) < rowId)
-                continue;
-            if (!isInner) {
-                const auto row = payload(*bytes, at, *size, false);
-                return static_cast<std::int64_t>(*id) == rowId && row && take(*row);
-            }
-            number = bigEndian(bytes->sub(0, 4));
-            break;
+        const auto at = cellFrom(*found, rowId);
+        if (found->kind == kLeafTable) {
+            const auto row = at && at->rowId == rowId ? payload(at->bytes, at->at, at->size, false)
+                                                      : std::nullopt;
+            return row && take(*row);
         }
-        if (!isInner)
-            return false;
+        number = at ? bigEndian(at->bytes.sub(0, 4)) : found->last;
     }
     return false;
 }

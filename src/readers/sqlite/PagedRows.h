@@ -72,7 +72,19 @@ class PagedRows {
         std::uint64_t next = 0; ///< page; 0 when all are local
     };
 
+    /// A cell of a table's page: of a leaf its row, of an inner page the number of a child.
+    struct RowCell {
+        ByteView bytes;
+        std::uint64_t at = 0;   ///< of the row's own bytes
+        std::uint64_t size = 0; ///< of the row
+        std::int64_t rowId = 0;
+    };
+
     std::optional<Page> page(std::uint64_t number) const;
+    /// The first cell for that row or a later one.
+    std::optional<RowCell> cellFrom(const Page &page, std::int64_t rowId) const;
+    /// The numbers of an index's row.
+    std::vector<std::int64_t> numbersIn(ByteView cell, bool isInner) const;
     std::optional<ByteView> cell(const Page &page, std::uint64_t i) const;
     std::optional<Payload> payload(ByteView cell, std::uint64_t at, std::uint64_t size,
                                    bool isIndex) const;
@@ -87,7 +99,7 @@ class PagedRows {
                    const std::function<void(const FreedRow &row)> &take) const;
     static std::optional<std::pair<std::uint64_t, std::uint64_t>> bytesIn(const Payload &row,
                                                                           std::size_t column);
-    bool writeRest(const Payload &payload, std::uint64_t from, std::uint64_t size,
+    bool writeRest(const Payload &row, std::uint64_t from, std::uint64_t size,
                    const Write &write) const;
 
     const ByteSource &m_file;

@@ -58,12 +58,11 @@ void ElementScan::read(const Node &element, std::string_view name) {
 }
 
 void ElementScan::disarm(std::string_view name, const HtmlAttribute &attribute) {
-    if (isHandler(attribute.name) || isFetchedUnseen(attribute.name))
+    const bool isLazy = attribute.name == "loading" && (name == "img" || name == "iframe");
+    if (isLazy || isHandler(attribute.name) || isFetchedUnseen(attribute.name))
         m_edits.empty(attribute);
     else if (attribute.name == "crossorigin")
         m_edits.shelve(attribute); // the files of a folder are of no origin
-    else if (attribute.name == "loading" && (name == "img" || name == "iframe"))
-        m_edits.empty(attribute);
 }
 
 void ElementScan::readHtml(std::string_view name, const HtmlAttributes &attributes) {

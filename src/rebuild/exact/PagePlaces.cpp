@@ -32,9 +32,8 @@ Prologue prologueOf(std::string_view html) {
     while ((at = html.find_first_not_of(kBlanks, at)) != std::string_view::npos) {
         const std::string_view rest = html.substr(at);
         const std::size_t begin = at;
-        if (rest.starts_with("<!-->") || rest.starts_with("<!--->"))
-            at = behind(html, ">", at);
-        else if (rest.starts_with("<!--"))
+        const bool isEmptyComment = rest.starts_with("<!-->") || rest.starts_with("<!--->");
+        if (rest.starts_with("<!--") && !isEmptyComment)
             at = behind(html, "-->", at + 4);
         else if (rest.starts_with("<!") || rest.starts_with("<?"))
             at = behind(html, ">", at);

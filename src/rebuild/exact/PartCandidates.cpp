@@ -165,8 +165,7 @@ void PartCandidates::prepare(std::span<const std::string> addresses) {
             unknown.push_back(address.substr(0, at));
     }
     std::ranges::sort(unknown);
-    const auto doubles = std::ranges::unique(unknown);
-    unknown.erase(doubles.begin(), doubles.end());
+    unknown.erase(std::unique(unknown.begin(), unknown.end()), unknown.end());
     std::erase_if(unknown,
                   [this](const std::string &address) { return m_exact.contains(address); });
     for (std::size_t from = 0; from < unknown.size(); from += kAddressesAtOnce)

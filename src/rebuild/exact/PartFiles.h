@@ -54,7 +54,7 @@ class PartFiles {
     static constexpr std::uint64_t kLargestDocument = std::uint64_t{64} << 20;
 
   private:
-    Taken bring(UrlId record, RefUse use);
+    Taken bring(UrlId id, RefUse use);
     std::string nameOf(const UrlRecord &record, PartForm form, std::string_view head) const;
 
     const UrlRecord &m_page;

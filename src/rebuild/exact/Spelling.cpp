@@ -109,9 +109,9 @@ std::string spelled(const Reference &reference, std::string_view address, std::s
         reference.form == RefForm::srcset ? candidateText(address) : std::string(address);
     for (int i = 0; i <= reference.nested; ++i) {
         const bool isOpen = isBehind && startsPlain(text);
-        const std::string first =
-            isOpen ? fmt::format("&#{};", static_cast<unsigned>(text[0])) : "";
-        text = first + attributeValue(std::string_view(text).substr(isOpen ? 1 : 0));
+        std::string outer = isOpen ? fmt::format("&#{};", static_cast<unsigned>(text[0])) : "";
+        outer += attributeValue(std::string_view(text).substr(isOpen ? 1 : 0));
+        text = std::move(outer);
     }
     return text;
 }

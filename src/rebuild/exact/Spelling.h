@@ -6,6 +6,6 @@
 namespace nv {
 
 /// A text for an attribute's value in any quotation marks or none; ASCII.
-std::string attributeValue(std::string_view text);
+std::string attributeValue(std::string_view address);
 
 } // namespace nv

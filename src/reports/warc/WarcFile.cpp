@@ -105,7 +105,7 @@ std::string warcIdOf(std::string_view words) {
 /// The bytes of one record, packed or not.
 class WarcFile::Member {
   public:
-    Member(ExportFile &file, WarcPacking packing) : m_file(file), m_isPacked(false) {
+    Member(ExportFile &file, WarcPacking packing) : m_file(file) {
         constexpr int kGZip = 15 + 16; // the largest window, and a gzip header
         constexpr int kMemory = 8;
         if (packing == WarcPacking::none)
@@ -149,7 +149,7 @@ class WarcFile::Member {
     }
 
     ExportFile &m_file;
-    bool m_isPacked;
+    bool m_isPacked = false;
     z_stream m_stream{};
     std::string m_out;
 };
