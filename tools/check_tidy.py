@@ -93,20 +93,18 @@ def main():
 
     minutes = float(os.environ.get("NV_TIDY_MINUTES") or "inf")
     deadline = time.monotonic() + 60 * minutes
-    bad = left = 0
 
     def work(file):
         found = tidy(file, options.build, deadline)
         if found == "":
             memory.add(keys[file])
+        elif found:
+            print(f"{file}:\n{found}", flush=True)  # a run that is cut short has told it
         return found
 
-    for file, found in zip(todo, in_parallel(work, todo)):
-        if found is None:
-            left += 1
-        elif found:
-            bad += 1
-            print(f"{file}:\n{found}")
+    results = in_parallel(work, todo)
+    left = results.count(None)
+    bad = sum(1 for found in results if found)
     print(f"tidy: {len(files)} files, {len(todo) - left} looked at, {bad} with faults")
     if left:
         print(f"tidy: the time is over, {left} files were not reached")

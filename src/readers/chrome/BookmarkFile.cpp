@@ -98,8 +98,8 @@ std::string BookmarkFile::folderOf(const BookmarkNode &node) const {
     std::string path;
     for (std::size_t at = node.parent;
          at != BookmarkNode::kNone && path.size() < limits::kFolderPathBytes; at = nodes[at].parent)
-        path =
-            nodes[at].name.substr(0, limits::kFolderPathBytes) + (path.empty() ? "" : "/") + path;
+        path.insert(0,
+                    nodes[at].name.substr(0, limits::kFolderPathBytes) + (path.empty() ? "" : "/"));
     if (path.size() > limits::kFolderPathBytes)
         path = "..." + path.substr(path.size() - limits::kFolderPathBytes);
     return path;

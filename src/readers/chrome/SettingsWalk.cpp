@@ -24,11 +24,11 @@ constexpr std::string_view kAny = "*";
 
 /// A place where an entry stands. `named` of its names, from the end, tell entries apart.
 struct EntryPlace {
-    SettingsEntry::Kind kind;
-    std::size_t length;
+    SettingsEntry::Kind kind{};
+    std::size_t length = 0;
     std::array<std::string_view, 5> path;
-    std::size_t named;
-    bool mayBeValue;
+    std::size_t named = 0;
+    bool mayBeValue = false;
 };
 
 constexpr std::array<EntryPlace, 6> kPlaces = {{

@@ -21,11 +21,13 @@ namespace {
 /// Gives the bytes to the parser and shows how far it has come.
 class Position {
   public:
+    // NOLINTBEGIN(readability-identifier-naming): the library asks for these names
     using iterator_category = std::input_iterator_tag;
     using value_type = char;
     using difference_type = std::ptrdiff_t;
     using pointer = const char *;
     using reference = const char &;
+    // NOLINTEND(readability-identifier-naming)
 
     Position(const char *at, const char **reached) : m_at(at), m_reached(reached) {}
     reference operator*() const { return *m_at; }
