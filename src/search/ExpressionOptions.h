@@ -1,0 +1,10 @@
+#pragma once
+
+#include <re2/re2.h>
+
+namespace nv {
+
+/// How all expressions are read; `mostBytes` of memory for each.
+re2::RE2::Options expressionOptions(std::int64_t mostBytes);
+
+} // namespace nv
