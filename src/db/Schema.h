@@ -49,6 +49,8 @@ std::span<const Table> projectTables();
 /// Made on first use only.
 const Table &auditTrail();
 const Table &rebuildAudit();
+const Table &searchResults();
+const Table &searchHits();
 /// In the order of their making.
 std::span<const Relationship> relationships();
 /// Besides the keys. A relationship that is followed from its parent has one of its own name.

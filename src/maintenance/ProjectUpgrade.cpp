@@ -8,6 +8,7 @@
 #include "db/Connection.h"
 #include "db/ProjectDatabase.h"
 #include "db/RebuildAudit.h"
+#include "db/SearchResults.h"
 #include "db/SideFiles.h"
 #include "db/SqliteErrors.h"
 #include "maintenance/ProjectLock.h"
@@ -66,15 +67,17 @@ class Migration {
             ++place;
         }
         if (!moveMadeOnFirstUse<CaseTrail>(kCaseTrailTable) ||
-            !moveMadeOnFirstUse<RebuildAudit>(kRebuildAuditTable))
+            !moveMadeOnFirstUse<RebuildAudit>(kRebuildAuditTable) ||
+            !moveMadeOnFirstUse<SearchResults>(kSearchResultsTable) ||
+            !moveMadeOnFirstUse<SearchResults>(kSearchHitsTable))
             return false;
         moveRowNumbers(m_from, m_to);
         return true;
     }
 
   private:
-    /// What was done with the case, and what the audit shows of rebuilt pages, isn't lost with the
-    /// old file. Numbers and guards stay.
+    /// What was done with the case, what the audit shows of rebuilt pages and what searches have
+    /// found isn't lost with the old file. Numbers and guards stay.
     template <class Table>
     bool moveMadeOnFirstUse(const char *name) {
         if (!m_from.tableExists(name))

@@ -4,6 +4,7 @@
 #include "db/CaseTrail.h"
 #include "db/Dialect.h"
 #include "db/RebuildAudit.h"
+#include "db/SearchResults.h"
 #include "maintenance/StatusText.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -89,7 +90,9 @@ bool isMoved(std::string_view table) {
 /// They are made on first use, so that the reference has none, and a fix moves them.
 bool isMovedWhenThere(const TableShape &table) {
     return (equalsNoCase(table.name, kCaseTrailTable) && table.column("Trail_ID")) ||
-           (equalsNoCase(table.name, kRebuildAuditTable) && table.column("Audit_ID"));
+           (equalsNoCase(table.name, kRebuildAuditTable) && table.column("Audit_ID")) ||
+           (equalsNoCase(table.name, kSearchResultsTable) && table.column("Result_ID")) ||
+           (equalsNoCase(table.name, kSearchHitsTable) && table.column("Result_ID"));
 }
 
 std::int64_t rowsOf(SQLite::Database &database, std::string_view table) {
