@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <re2/re2.h>
 
 namespace nv {
