@@ -44,8 +44,8 @@ Exit tellUnsearched(Session &session, const std::set<std::int32_t> &unread, std:
     if (!unread.empty())
         session.err << noteOf(unread) << ": nobody can tell what stands in them\n";
     if (outside > 0)
-        session.err << fmt::format("{} of another program: their ids are beyond 2147483647, and "
-                                   "they weren't searched\n",
+        session.err << fmt::format("{} of another program: their ids aren't between 1 and "
+                                   "2147483647, and they weren't searched\n",
                                    counted(static_cast<std::uint64_t>(outside), "row"));
     return unread.empty() && outside == 0 ? Exit::ok : Exit::rowsNotRead;
 }

@@ -31,7 +31,15 @@ std::string statementFor(SQLite::Database &project, RowTexts which) {
                                "URLParameters", "CacheType", "ActionDateUTC", "Browser"})
         text += fmt::format(", {}", hasColumn(project, column) ? column : "NULL");
     text += which == RowTexts::all ? ", HTMLBody, MetaData" : ", NULL, NULL";
-    return text + " FROM URLs WHERE URL_ID >= ? ORDER BY URL_ID";
+    return text + fmt::format(" FROM URLs WHERE URL_ID >= ? AND URL_ID <= {} ORDER BY URL_ID",
+                              kLastListed);
+}
+
+/// 0 where damage hides it: whoever reads the rows learns of that.
+std::int64_t numberOf(SQLite::Database &project, const std::string &query) {
+    NoLog unheard;
+    return trapped(unheard, Severity::Low, {}, {}, std::int64_t{0},
+                   [&] { return project.execAndGet(query).getInt64(); });
 }
 
 void assignText(std::string &into, const SQLite::Column &column) {
@@ -120,10 +128,11 @@ bool FactLines::of(std::int32_t id, std::string &lines) {
 
 RowReader::RowReader(SQLite::Database &project, RowTexts which)
     : m_rows(project, statementFor(project, which)), m_facts(project) {
-    NoLog unheard; // whoever reads the last row learns of its damage
-    m_greatest = trapped(unheard, Severity::Low, {}, {}, std::int64_t{0}, [&project] {
-        return project.execAndGet("SELECT max(URL_ID) FROM URLs").getInt64();
-    });
+    m_greatest = numberOf(
+        project, fmt::format("SELECT max(URL_ID) FROM URLs WHERE URL_ID <= {}", kLastListed));
+    m_outside =
+        numberOf(project, "SELECT count(*) FROM URLs WHERE URL_ID < 1") +
+        numberOf(project, fmt::format("SELECT count(*) FROM URLs WHERE URL_ID > {}", kLastListed));
     m_walk.emplace(project, m_rows, [this](std::int64_t lost) {
         m_unread.insert(static_cast<std::int32_t>(lost));
         return true;
@@ -131,21 +140,11 @@ RowReader::RowReader(SQLite::Database &project, RowTexts which)
     m_look.emplace(m_rows);
 }
 
-bool RowReader::isListed(std::int64_t id) {
-    const bool listed = id > 0 && id <= kLastListed;
-    m_outside += listed ? 0 : 1;
-    return listed;
-}
-
 bool RowReader::next() {
-    for (;;) {
-        if (m_walk->next() != KeyStep::Row)
-            return false;
-        if (!isListed(m_rows.getColumn(0).getInt64()))
-            continue;
-        take();
-        return true;
-    }
+    if (m_walk->next() != KeyStep::Row)
+        return false;
+    take();
+    return true;
 }
 
 bool RowReader::goTo(std::int32_t id) {

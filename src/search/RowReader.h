@@ -59,7 +59,6 @@ class RowReader {
     std::int64_t outside() const { return m_outside; }
 
   private:
-    bool isListed(std::int64_t id);
     void take();
 
     SQLite::Statement m_rows;

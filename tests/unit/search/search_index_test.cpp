@@ -226,11 +226,13 @@ TEST_F(SearchIndexTest, makesItsPartsWhenTheyAreAskedFor) {
 }
 
 TEST_F(SearchIndexTest, saysWhichRowsCouldNotBeSearched) {
-    connection().exec("INSERT INTO URLs (URL_ID, URL) VALUES (3000000000, 'http://far/')");
+    connection().exec(
+        "INSERT INTO URLs (URL_ID, URL) VALUES (3000000000, 'http://far/'), "
+        "(9223372036854775807, 'http://far/'), (0, 'http://far/'), (-5, 'http://far/')");
     EXPECT_THAT(found("far"), IsEmpty());
     SearchIndex search = index();
     ASSERT_EQ(search.bringUpToDate(task, news), IndexEnd::ready);
-    EXPECT_EQ(search.outside(), 1);
+    EXPECT_EQ(search.outside(), 4);
     EXPECT_TRUE(search.unread().empty());
 }
 
