@@ -27,6 +27,7 @@ LAYERS = [
     ("db",),
     ("readers",),
     ("import", "rebuild"),
+    ("search",),
     ("views",),
     ("reports", "maintenance"),
     ("app",),
@@ -59,8 +60,9 @@ FAMILIES_ALLOWED = {
 QT = re.compile(r"Q[A-Z]\w*(/.*)?|Qt\w*/.*|q\w+\.h")
 QT_FOLDERS = re.compile(r"src/(ui|platform/qt|programs)/")
 
-# The parser of pages stands below one reading of pages, which has the limits and the places.
-LIBRARY_FOLDERS = {"gumbo.h": "src/markup/"}
+# The parser of pages stands below one reading of pages, which has the limits and the places; expressions are
+# those of the search.
+LIBRARY_FOLDERS = {"gumbo.h": "src/markup/", "re2/re2.h": "src/search/", "re2/set.h": "src/search/"}
 
 CATCH_PLACES = re.compile(r"src/base/Trap\.h|src/programs/[^/]*\.cpp|src/platform/.*"
                           r"|src/db/SqliteErrors\.(h|cpp)")

@@ -51,6 +51,8 @@ const Table &auditTrail();
 const Table &rebuildAudit();
 const Table &rebuiltParts();
 const Table &partChoices();
+const Table &searchResults();
+const Table &searchHits();
 /// In the order of their making.
 std::span<const Relationship> relationships();
 /// Besides the keys. A relationship that is followed from its parent has one of its own name.

@@ -153,6 +153,26 @@ constexpr Column kPartChoices[] = {
     {"PartURL_ID", Long, 0, false, "Part ID", "ID of the URL that stands for it; 0 for none"},
 };
 
+constexpr Column kSearchResults[] = {
+    {"Result_ID", Long, 0, true, "Result_ID", "Unique record ID"},
+    {"Name", Text, 100, false, "Name", "(100) Also that of its stored query"},
+    {"Kind", Text, 20, false, "Kind", "(20) Search or Keywords"},
+    {"SearchText", Memo, 0, false, "Search", "What was looked for"},
+    {"FilePath", Memo, 0, false, "File", "The list of keywords"},
+    {"SHA256Hash", Text, 64, false, "SHA-256 Hash", "Of that file"},
+    {"MadeUTC", Date, 0, false, "Date [UTC]", "When it was found"},
+    {"RowCount", Long, 0, false, "Rows", "Records that it holds"},
+    {"AppVersion", Text, 20, false, "Version", "Of the program that found it"},
+};
+
+constexpr Column kSearchHits[] = {
+    {"Result_ID", Long, 0, false, "Result_ID", "The result"},
+    {"URL_ID", Long, 0, false, "URL ID", "The record"},
+    {"Term", Memo, 0, false, "Term", "The keyword; empty for a search"},
+    {"Field", Text, 20, false, "Field", "(20) Where it stands; empty for a search"},
+    {"Hits", Long, 0, false, "Hits", "How often it stands there"},
+};
+
 constexpr std::array<Relationship, 7> kRelationships = {{
     {"URLsLinks", "URLs", "URL_ID", "LinkAnalysis", "Parent_ID"},
     {"URLsLinks1", "URLs", "URL_ID", "LinkAnalysis", "Child_ID"},
@@ -163,7 +183,7 @@ constexpr std::array<Relationship, 7> kRelationships = {{
     {"RecordFacts_Relationship", "URLs", "URL_ID", "RecordFacts", "URL_ID"},
 }};
 
-constexpr std::array<Index, 8> kIndexes = {{
+constexpr std::array<Index, 9> kIndexes = {{
     {"URLIndex", "URLs", "URL"},
     {"Links_Relationship", "Links", "URL_ID"},
     {"URLTags_Relationship", "Tags", "URL_ID"},
@@ -172,6 +192,7 @@ constexpr std::array<Index, 8> kIndexes = {{
     {"RebuiltParts_Page", "RebuiltParts", "URL_ID"},
     {"PartChoices_Page", "PartChoices", "URL_ID"},
     {"RecordFacts_Relationship", "RecordFacts", "URL_ID"},
+    {"SearchHits_Result", "SearchHits", "Result_ID"},
 }};
 
 } // namespace
@@ -210,6 +231,16 @@ const Table &rebuiltParts() {
 
 const Table &partChoices() {
     static const Table table{"PartChoices", "Choice_ID_PK", kPartChoices};
+    return table;
+}
+
+const Table &searchResults() {
+    static const Table table{"SearchResults", "Result_ID_PK", kSearchResults};
+    return table;
+}
+
+const Table &searchHits() {
+    static const Table table{"SearchHits", "", kSearchHits};
     return table;
 }
 

@@ -10,6 +10,7 @@
 #include "db/ProjectDatabase.h"
 #include "db/RebuildAudit.h"
 #include "db/RebuiltParts.h"
+#include "db/SearchResults.h"
 #include "db/SideFiles.h"
 #include "db/SqliteErrors.h"
 #include "maintenance/ProjectLock.h"
@@ -70,15 +71,17 @@ class Migration {
         if (!moveMadeOnFirstUse<CaseTrail>(kCaseTrailTable) ||
             !moveMadeOnFirstUse<RebuildAudit>(kRebuildAuditTable) ||
             !moveMadeOnFirstUse<RebuiltParts>(kRebuiltPartsTable) ||
-            !moveMadeOnFirstUse<PartChoices>(kPartChoicesTable))
+            !moveMadeOnFirstUse<PartChoices>(kPartChoicesTable) ||
+            !moveMadeOnFirstUse<SearchResults>(kSearchResultsTable) ||
+            !moveMadeOnFirstUse<SearchResults>(kSearchHitsTable))
             return false;
         moveRowNumbers(m_from, m_to);
         return true;
     }
 
   private:
-    /// What was done with the case, what the audit shows of rebuilt pages, and what was chosen for
-    /// them isn't lost with the old file. Numbers and guards stay.
+    /// What was done with the case, what the audit shows of rebuilt pages, what was chosen for them
+    /// and what searches have found isn't lost with the old file. Numbers and guards stay.
     template <class Table>
     bool moveMadeOnFirstUse(const char *name) {
         if (!m_from.tableExists(name))

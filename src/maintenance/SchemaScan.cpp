@@ -6,6 +6,7 @@
 #include "db/PartChoices.h"
 #include "db/RebuildAudit.h"
 #include "db/RebuiltParts.h"
+#include "db/SearchResults.h"
 #include "maintenance/StatusText.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -93,7 +94,9 @@ bool isMovedWhenThere(const TableShape &table) {
     return (equalsNoCase(table.name, kCaseTrailTable) && table.column("Trail_ID")) ||
            (equalsNoCase(table.name, kRebuildAuditTable) && table.column("Audit_ID")) ||
            (equalsNoCase(table.name, kRebuiltPartsTable) && table.column("Part_ID")) ||
-           (equalsNoCase(table.name, kPartChoicesTable) && table.column("Choice_ID"));
+           (equalsNoCase(table.name, kPartChoicesTable) && table.column("Choice_ID")) ||
+           (equalsNoCase(table.name, kSearchResultsTable) && table.column("Result_ID")) ||
+           (equalsNoCase(table.name, kSearchHitsTable) && table.column("Result_ID"));
 }
 
 std::int64_t rowsOf(SQLite::Database &database, std::string_view table) {

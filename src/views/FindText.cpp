@@ -4,8 +4,8 @@
 #include "base/NoLog.h"
 #include "base/Succeeds.h"
 #include "base/Text.h"
+#include "db/RowWalk.h"
 #include "views/CellText.h"
-#include "views/RowWalk.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>

@@ -5,9 +5,9 @@
 #include "base/Trap.h"
 #include "db/Damage.h"
 #include "db/ReadOnlyConnection.h"
+#include "db/RowWalk.h"
 #include "readers/RecordKind.h"
 #include "views/DamagedList.h"
-#include "views/RowWalk.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>

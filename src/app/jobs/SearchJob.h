@@ -1,0 +1,41 @@
+#pragma once
+
+#include "app/program/Program.h"
+#include "search/KeywordList.h"
+#include "search/KeywordRun.h"
+#include "search/Search.h"
+
+#include <filesystem>
+#include <string>
+
+namespace nv {
+
+/// Searches the open project by the index beside it. `scratch` is an existing folder of the
+/// program's own for an index that can't lie there. Throws StorageFailure.
+SearchFound searchProject(Program &program, RowMatch &match, TaskMonitor &task,
+                          const std::filesystem::path &scratch);
+
+/// Why no result of this name can be kept in the open project; empty when one can.
+std::string faultOfResultName(Program &program, const std::string &name);
+
+/// Keeps what a search has found, and notes it in the trail. Throws StorageFailure.
+void keepSearch(Program &program, const std::string &name, const std::string &text,
+                const FoundIds &ids);
+
+/// What was looked for.
+struct KeywordsAsked {
+    std::filesystem::path file;
+    const KeywordList &list;
+};
+/// The same of a list of keywords, with a hit for each row, term and field.
+void keepKeywords(Program &program, const std::string &name, const KeywordsAsked &asked,
+                  const KeywordFound &found);
+
+// For people.
+
+/// What became of the index: empty when nothing did.
+std::string indexText(const IndexNews &news);
+/// "12 rows: 8 Chrome Cache, 4 Chrome History; of 2 hosts: 9 a.example, 3 b.example".
+std::string countsText(const SearchFound &found);
+
+} // namespace nv

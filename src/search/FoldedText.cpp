@@ -1,0 +1,133 @@
+#include "search/FoldedText.h"
+
+#include "markup/Utf8.h"
+
+#include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace nv {
+
+namespace {
+
+bool isAscii(std::string_view text) {
+    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+char lowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+}
+
+void append(std::string &text, UChar32 character) {
+    text += utf8Of(static_cast<std::uint32_t>(character));
+}
+
+/// The character at `at`, which is moved behind it.
+UChar32 characterAt(std::string_view text, std::size_t &at) {
+    return static_cast<UChar32>(nextCode(text, at));
+}
+
+/// Marks that stand over or under the letter before them.
+bool isAccent(UChar32 character) {
+    constexpr UChar32 kFirst = 0x300;
+    constexpr UChar32 kLast = 0x331;
+    return character >= kFirst && character <= kLast;
+}
+
+UChar32 withoutAccent(UChar32 character) {
+    UErrorCode error = U_ZERO_ERROR;
+    const icu::Normalizer2 *form = icu::Normalizer2::getNFDInstance(error);
+    icu::UnicodeString parts;
+    if (U_FAILURE(error) || !form->getDecomposition(character, parts))
+        return character;
+    const UChar32 letter = parts.char32At(0);
+    for (std::int32_t at = U16_LENGTH(letter); at < parts.length(); ++at)
+        if (u_charType(parts.char32At(at)) != U_NON_SPACING_MARK)
+            return character;
+    return letter;
+}
+
+void appendOfWord(std::string &word, UChar32 character) {
+    constexpr UChar32 kAsciiEnd = 0x80;
+    if (character < kAsciiEnd)
+        word.push_back(lowerAscii(static_cast<char>(character)));
+    else if (!isAccent(character))
+        append(word, u_foldCase(withoutAccent(character), U_FOLD_CASE_DEFAULT));
+}
+
+} // namespace
+
+void FoldedText::fold(std::string_view text) {
+    m_origin.clear();
+    if (!isAscii(text))
+        return foldLetters(text);
+    m_text.resize(text.size());
+    std::ranges::transform(text, m_text.begin(), lowerAscii);
+}
+
+void FoldedText::foldLetters(std::string_view text) {
+    text = text.substr(0, std::numeric_limits<std::uint32_t>::max());
+    m_text.clear();
+    m_origin.reserve(text.size() + 1);
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t from = at;
+        append(m_text, u_foldCase(characterAt(text, at), U_FOLD_CASE_DEFAULT));
+        m_origin.resize(m_text.size(), static_cast<std::uint32_t>(from));
+    }
+    m_origin.push_back(static_cast<std::uint32_t>(text.size()));
+}
+
+std::string foldedCase(std::string_view text) {
+    FoldedText folded;
+    folded.fold(text);
+    return folded.text();
+}
+
+bool isWordCharacter(std::int32_t character) {
+    constexpr std::uint32_t kMask = U_GC_L_MASK | U_GC_N_MASK | U_GC_CO_MASK;
+    return (U_GET_GC_MASK(character) & kMask) != 0;
+}
+
+bool isWithinWord(std::string_view text, std::size_t place) {
+    if (place == 0 || place >= text.size())
+        return false;
+    std::size_t before = place - 1;
+    constexpr unsigned kContinues = 0x80; // 10xxxxxx
+    constexpr unsigned kTop = 0xC0;
+    while (before > 0 && (static_cast<unsigned char>(text[before]) & kTop) == kContinues)
+        --before;
+    std::size_t after = place;
+    return isWordCharacter(characterAt(text, before)) && isWordCharacter(characterAt(text, after));
+}
+
+bool WordWalk::next(Word &word) {
+    word.text.clear();
+    while (m_at < m_text.size()) {
+        const std::size_t from = m_at;
+        const UChar32 character = characterAt(m_text, m_at);
+        const bool isPart =
+            isWordCharacter(character) || (isAccent(character) && !word.text.empty());
+        if (isPart && word.text.empty())
+            word.at = from;
+        if (isPart) {
+            appendOfWord(word.text, character);
+            word.length = m_at - word.at;
+        } else if (!word.text.empty()) {
+            return true;
+        }
+    }
+    return !word.text.empty();
+}
+
+std::vector<std::string> wordsOf(std::string_view text) {
+    std::vector<std::string> words;
+    Word word;
+    for (WordWalk walk(text); walk.next(word);)
+        words.push_back(word.text);
+    return words;
+}
+
+} // namespace nv

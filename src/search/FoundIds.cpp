@@ -1,0 +1,27 @@
+#include "search/FoundIds.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace nv {
+
+FoundIds bothOf(const FoundIds &one, const FoundIds &other) {
+    FoundIds ids;
+    std::ranges::set_intersection(one, other, std::back_inserter(ids));
+    return ids;
+}
+
+FoundIds eitherOf(const FoundIds &one, const FoundIds &other) {
+    FoundIds ids;
+    ids.reserve(std::max(one.size(), other.size()));
+    std::ranges::set_union(one, other, std::back_inserter(ids));
+    return ids;
+}
+
+FoundIds without(const FoundIds &all, const FoundIds &taken) {
+    FoundIds ids;
+    std::ranges::set_difference(all, taken, std::back_inserter(ids));
+    return ids;
+}
+
+} // namespace nv

@@ -1,0 +1,186 @@
+#include "search/RowReader.h"
+
+#include "base/NoLog.h"
+#include "base/Text.h"
+#include "base/Trap.h"
+#include "db/RecordFacts.h"
+
+#include <SQLiteCpp/Database.h>
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace nv {
+
+namespace {
+
+constexpr std::int64_t kLastListed = std::numeric_limits<std::int32_t>::max();
+
+bool hasColumn(SQLite::Database &project, const char *column) {
+    SQLite::Statement row(project, "SELECT 1 FROM pragma_table_info('URLs') WHERE name = ?");
+    row.bind(1, column);
+    return row.executeStep();
+}
+
+/// In the order of take(). What a project of an earlier build has no column for is empty.
+std::string statementFor(SQLite::Database &project, RowTexts which) {
+    std::string text = "SELECT URL_ID";
+    for (const char *column : {"URL", "WebPageTitle", "Host", "User", "Notes", "Referrer",
+                               "URLParameters", "CacheType", "ActionDateUTC", "Browser"})
+        text += fmt::format(", {}", hasColumn(project, column) ? column : "NULL");
+    text += which == RowTexts::all ? ", HTMLBody, MetaData" : ", NULL, NULL";
+    return text + fmt::format(" FROM URLs WHERE URL_ID >= ? AND URL_ID <= {} ORDER BY URL_ID",
+                              kLastListed);
+}
+
+/// 0 where damage hides it: whoever reads the rows learns of that.
+std::int64_t numberOf(SQLite::Database &project, const std::string &query) {
+    NoLog unheard;
+    return trapped(unheard, Severity::Low, {}, {}, std::int64_t{0},
+                   [&] { return project.execAndGet(query).getInt64(); });
+}
+
+void assignText(std::string &into, const SQLite::Column &column) {
+    const char *bytes = column.getText(); // before the length, which it settles
+    into.assign(bytes, static_cast<std::size_t>(column.getBytes()));
+}
+
+void addLine(std::string &lines, std::string_view line) {
+    if (!lines.empty())
+        lines.push_back('\n');
+    lines.append(line);
+}
+
+/// What the address says to people, where that isn't what stands in it.
+void addTerms(SearchedRow &row, const std::string &parameters) {
+    const std::string &address = row.at(SearchField::address);
+    std::string &terms = row.at(SearchField::terms);
+    terms.clear();
+    if (address.find('%') != std::string::npos)
+        if (const std::string decoded = percentDecode(address); decoded != address)
+            addLine(terms, decoded);
+    if (parameters.empty())
+        return;
+    if (address.find(parameters) == std::string::npos)
+        addLine(terms, parameters);
+    if (parameters.find_first_of("+%") != std::string::npos)
+        if (const std::string decoded = percentDecode(replaceAll(parameters, "+", " "));
+            decoded != parameters)
+            addLine(terms, decoded);
+}
+
+FactValue valueIn(const SQLite::Column &column) {
+    if (column.isNull())
+        return {};
+    if (column.isInteger())
+        return column.getInt64();
+    if (column.isFloat())
+        return column.getDouble();
+    return column.getString();
+}
+
+} // namespace
+
+FactLines::FactLines(SQLite::Database &project) {
+    if (project.tableExists(kRecordFactsTable))
+        m_rows.emplace(project, "SELECT URL_ID, Value, RawValue FROM RecordFacts "
+                                "WHERE URL_ID >= ? AND Name NOT IN ('source_table', "
+                                "'source_rowid', 'source_offset') ORDER BY URL_ID");
+}
+
+bool FactLines::step() {
+    const int answer = m_rows->tryExecuteStep();
+    m_hasRow = answer == SQLITE_ROW;
+    m_isDamaged = !m_hasRow && answer != SQLITE_DONE;
+    if (m_hasRow)
+        m_id = m_rows->getColumn(0).getInt64();
+    return m_hasRow;
+}
+
+void FactLines::addLine(std::string &lines) {
+    const std::string text =
+        factText(RecordFact{{}, valueIn(m_rows->getColumn(1)), valueIn(m_rows->getColumn(2))});
+    if (!text.empty())
+        nv::addLine(lines, text);
+}
+
+bool FactLines::of(std::int32_t id, std::string &lines) {
+    constexpr std::int64_t kNear = 64;
+    lines.clear();
+    if (!m_rows)
+        return true;
+    if (m_asked < 0 || m_isDamaged || id <= m_asked || (m_hasRow && id - m_id > kNear)) {
+        m_rows->tryReset();
+        m_rows->bind(1, id);
+        step();
+    }
+    m_asked = id;
+    while (m_hasRow && m_id < id)
+        step();
+    while (m_hasRow && m_id == id) {
+        addLine(lines);
+        step();
+    }
+    return !m_isDamaged;
+}
+
+RowReader::RowReader(SQLite::Database &project, RowTexts which)
+    : m_rows(project, statementFor(project, which)), m_facts(project) {
+    m_greatest = numberOf(
+        project, fmt::format("SELECT max(URL_ID) FROM URLs WHERE URL_ID <= {}", kLastListed));
+    m_outside =
+        numberOf(project, "SELECT count(*) FROM URLs WHERE URL_ID < 1") +
+        numberOf(project, fmt::format("SELECT count(*) FROM URLs WHERE URL_ID > {}", kLastListed));
+    m_walk.emplace(project, m_rows, [this](std::int64_t lost) {
+        m_unread.insert(static_cast<std::int32_t>(lost));
+        return true;
+    });
+    m_look.emplace(m_rows);
+}
+
+bool RowReader::next() {
+    if (m_walk->next() != KeyStep::Row)
+        return false;
+    take();
+    return true;
+}
+
+bool RowReader::goTo(std::int32_t id) {
+    NoLog unheard;
+    const bool isThere = trapped(unheard, Severity::Low, {}, {}, std::optional<bool>(), [&] {
+                             return std::optional(m_look->goTo(id));
+                         }).value_or(false);
+    if (isThere)
+        take();
+    else
+        m_unread.insert(id);
+    return isThere;
+}
+
+double RowReader::fraction() const {
+    if (m_greatest <= 0)
+        return 0;
+    return std::min(1.0, static_cast<double>(m_row.id) / static_cast<double>(m_greatest));
+}
+
+void RowReader::take() {
+    int at = 0;
+    m_row.id = static_cast<std::int32_t>(m_rows.getColumn(at++).getInt64());
+    for (const SearchField field : {SearchField::address, SearchField::title, SearchField::host,
+                                    SearchField::user, SearchField::notes, SearchField::referrer})
+        assignText(m_row.at(field), m_rows.getColumn(at++));
+    const std::string parameters = m_rows.getColumn(at++).getString();
+    assignText(m_row.cacheType, m_rows.getColumn(at++));
+    const SQLite::Column date = m_rows.getColumn(at++);
+    m_row.actionDateUTC = date.isNull() ? Date() : Date::fromDays(date.getDouble());
+    assignText(m_row.browser, m_rows.getColumn(at++));
+    assignText(m_row.at(SearchField::page), m_rows.getColumn(at++));
+    assignText(m_row.at(SearchField::headers), m_rows.getColumn(at++));
+    addTerms(m_row, parameters);
+    if (!m_facts.of(m_row.id, m_row.at(SearchField::facts)))
+        m_unread.insert(m_row.id);
+}
+
+} // namespace nv

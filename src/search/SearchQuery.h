@@ -1,0 +1,44 @@
+#pragma once
+
+#include "search/Expression.h"
+#include "time/Date.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nv {
+
+enum class ClauseKind : std::uint8_t { text, expression, host, browser, kind, before, after };
+
+/// One condition of a search.
+struct SearchClause {
+    ClauseKind kind = ClauseKind::text;
+    bool isExcluded = false; ///< rows that meet it are left out
+    std::string text;        ///< what is looked for; of a date as it was written
+    /// Of a text: in pages and headers too a part of a word is enough ("*tide*"), or its beginning
+    /// ("tide*"). In whole values a part always is.
+    bool anyPart = false;
+    bool anyEnd = false;
+    std::shared_ptr<const Expression> expression = nullptr;
+    Date date = {}; ///< UTC
+};
+
+/// All of its conditions have to be met.
+struct SearchQuery {
+    std::vector<SearchClause> clauses;
+};
+
+/// Reads what stands in the search box: words, "phrases", -word, host:, browser:, kind:, before:,
+/// after:, /expression/. A quotation mark that isn't closed goes on to the end, since a search is
+/// made while it is typed. Throws SearchFailure for an operator without a value, a date or an
+/// expression that can't be read, and when there is nothing to look for or too much.
+SearchQuery parseSearch(std::string_view text);
+
+/// "2011", "2011-03", "2011-03-01" or "2011-03-01T15:30[:00]": its first second. No date for
+/// anything else.
+Date searchDate(std::string_view text);
+
+} // namespace nv

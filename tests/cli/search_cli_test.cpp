@@ -1,0 +1,163 @@
+#include "base/Text.h"
+#include "cli/CliCase.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gmock/gmock.h>
+
+namespace nv::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+/// Two cached pages: row 1 about tides, row 2 about the weather.
+class SearchCliTest : public CliCase {
+  protected:
+    SearchCliTest() {
+        IndexDat cache;
+        cache.folder("ABCDEFGH");
+        addCached(cache, "http://www.harbour-news.example/tide0.htm", "tide0[1].htm",
+                  "<html><title>Tide tables</title><body>High water at Dover</body></html>");
+        addCached(cache, "http://shop.example/weather.htm", "weather[1].htm",
+                  "<html><title>Weather</title><body>No rain at Dover</body></html>");
+        import(cache);
+    }
+    CliResult search(const std::string &text, std::vector<std::string> more = {}) {
+        more.insert(more.begin(), {"search", project, text});
+        return cli(more);
+    }
+    /// The ids that a search lists, in its order.
+    std::string ids(const std::string &text) {
+        const CliResult run = search(text, {"--format", "tsv"});
+        EXPECT_EQ(run.exit, 0) << run.err;
+        std::string found;
+        const std::vector<std::string_view> lines = split(run.out, '\n');
+        for (std::size_t line = 1; line < lines.size(); ++line)
+            found += std::string(lines[line].substr(0, lines[line].find('\t'))) + " ";
+        return std::string(trim(found));
+    }
+    fs::path index() const { return project + ".search"; }
+};
+
+TEST_F(SearchCliTest, findsRowsAndSaysWhereTheTextStands) {
+    const CliResult first = search("dover", {"--format", "tsv"});
+    EXPECT_EQ(first.exit, 0) << first.err;
+    EXPECT_THAT(first.out, StartsWith("URL_ID\tType\tActionDateUTC\tHost\tField\tSnippet\tURL\n"
+                                      "1\tIE C"));
+    EXPECT_THAT(first.out, HasSubstr("\twww.harbour-news.example\tPage\t"));
+    EXPECT_THAT(first.out, HasSubstr("High water at Dover"));
+    EXPECT_THAT(first.err, HasSubstr("search index of 2 rows made: "));
+    EXPECT_THAT(first.err, HasSubstr("2 rows: 2 IE Cache; of 2 hosts: 1 shop.example, 1 "
+                                     "www.harbour-news.example\n"));
+    EXPECT_TRUE(fs::exists(index()));
+    EXPECT_THAT(search("dover").err, Not(HasSubstr("index"))) << "it is made once";
+    EXPECT_EQ(ids("dover -weather"), "1");
+    EXPECT_EQ(ids("\"rain at\" host:shop"), "2");
+    EXPECT_EQ(ids("*ove* after:2011-03-01"), "1 2");
+    EXPECT_EQ(ids("/tide\\d/"), "1");
+    EXPECT_EQ(ids("dover kind:history"), "");
+}
+
+TEST_F(SearchCliTest, looksThroughValuesAlone) {
+    EXPECT_THAT(search("dover", {"--values"}).err, HasSubstr("0 rows\n"));
+    EXPECT_THAT(search("tide", {"--values"}).err, HasSubstr("1 row: "));
+}
+
+TEST_F(SearchCliTest, countsAndLimits) {
+    EXPECT_EQ(search("dover", {"--by", "host", "--format", "tsv"}).out,
+              "Host\tRows\nshop.example\t1\nwww.harbour-news.example\t1\n");
+    EXPECT_EQ(search("dover", {"--by", "kind", "--format", "tsv"}).out,
+              "Type\tRows\nIE Cache\t2\n");
+    const CliResult one = search("dover", {"--limit", "1", "--format", "tsv"});
+    EXPECT_EQ(split(one.out, '\n').size(), 3u);
+    EXPECT_THAT(one.err, HasSubstr("the first 1 of them are shown"));
+}
+
+TEST_F(SearchCliTest, saysWhatItCannotRead) {
+    const CliResult wrong = search("/a(b/");
+    EXPECT_EQ(wrong.exit, 1);
+    EXPECT_THAT(wrong.err, HasSubstr("the expression /a(b/ can't be read: missing"));
+    EXPECT_EQ(search("").exit, 1);
+    EXPECT_EQ(search("after:noon").exit, 1);
+    EXPECT_FALSE(fs::exists(index()));
+    EXPECT_EQ(cli({"search", (folder.path() / "none.nvp").string(), "x"}).exit, 3);
+}
+
+TEST_F(SearchCliTest, keepsAResultThatOtherCommandsTake) {
+    const CliResult kept = search("weather", {"--keep", "Rain"});
+    EXPECT_EQ(kept.exit, 0) << kept.err;
+    EXPECT_THAT(kept.err, HasSubstr("kept as \"Rain\"\n"));
+    EXPECT_THAT(cli({"list", project, "--query", "Rain", "--format", "tsv"}).out,
+                HasSubstr("http://shop.example/weather.htm"));
+    EXPECT_THAT(cli({"results", project, "--format", "tsv"}).out, HasSubstr("Rain\tSearch\t1\t"));
+    EXPECT_THAT(cli({"trail", project, "--format", "tsv"}).out,
+                HasSubstr("Search\t1 row found by \"weather\", kept as \"Rain\"\t1"));
+    const CliResult again = search("tide", {"--keep", "rain"});
+    EXPECT_EQ(again.exit, 1);
+    EXPECT_THAT(again.err, HasSubstr("the project has a result \"rain\""));
+    for (const char *name : {"_DEFAULT", "TOP 25 URLs", "URLs", "a[b", " "})
+        EXPECT_EQ(search("tide", {"--keep", name}).exit, 1) << name;
+    EXPECT_EQ(cli({"results", "delete", project, "Rain"}).exit, 0);
+    EXPECT_EQ(cli({"list", project, "--query", "Rain"}).exit, 1);
+    EXPECT_EQ(cli({"results", "show", project, "Rain"}).exit, 1);
+}
+
+TEST_F(SearchCliTest, leavesEveryByteOfAProjectThatItOnlySearches) {
+    const std::string before = text(project);
+    search("*ove*");
+    cli({"keywords", project, folder.write("terms.txt", "dover").string()});
+    cli({"results", project});
+    EXPECT_EQ(text(project), before);
+}
+
+TEST_F(SearchCliTest, isNotDeceivedByAnIndexOfAnotherDay) {
+    EXPECT_EQ(ids("dover"), "1 2");
+    {
+        SQLite::Database other(project, SQLite::OPEN_READWRITE);
+        other.exec("UPDATE URLs SET HTMLBody = 'Calais' WHERE URL_ID = 1");
+    }
+    EXPECT_EQ(ids("dover"), "2");
+    writeWhole(index(), text(index()).substr(0, 9000));
+    EXPECT_EQ(ids("calais"), "1");
+    fs::remove(index());
+    EXPECT_EQ(ids("calais"), "1");
+}
+
+TEST_F(SearchCliTest, looksForAListOfKeywords) {
+    const auto list = folder.write("terms.txt", "# first list\ndover\n\"rain\"\n/tide\\d/\nmoon\n");
+    const CliResult run = cli({"keywords", project, list.string(), "--format", "tsv"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(run.out, "Term\tRows\tHits\tLine\ndover\t2\t2\t2\nrain\t1\t1\t3\ntide\\d\t1\t1\t4\n");
+    EXPECT_THAT(run.err, HasSubstr("3 of 4 terms found in 2 of 2 rows\n"));
+    EXPECT_THAT(cli({"keywords", project, list.string(), "--all", "--format", "tsv"}).out,
+                HasSubstr("moon\t0\t0\t5\n"));
+    const CliResult hits = cli({"keywords", project, list.string(), "--hits", "--format", "tsv"});
+    EXPECT_THAT(hits.out, HasSubstr("2\train\tPage\t1\t"));
+}
+
+TEST_F(SearchCliTest, keepsTheHitsOfAList) {
+    const auto list = folder.write("terms.txt", "dover\ntide");
+    const CliResult run = cli({"keywords", project, list.string(), "--keep", "First list"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(cli({"results", "show", project, "First list", "--format", "tsv"}).out,
+              "URL_ID\tTerm\tField\tHits\n1\ttide\tAddress\t1\n1\ttide\tTitle\t1\n"
+              "1\tdover\tPage\t1\n2\tdover\tPage\t1\n");
+    EXPECT_THAT(cli({"results", project, "--format", "tsv"}).out,
+                HasSubstr("First list\tKeywords\t2\t"));
+    EXPECT_THAT(cli({"trail", project, "--format", "tsv"}).out,
+                HasSubstr("Keywords\t2 rows found by 2 terms, kept as \"First list\"\t2\t" +
+                          list.string()));
+}
+
+TEST_F(SearchCliTest, namesTheLineOfAListThatItCannotRead) {
+    const auto list = folder.write("terms.txt", "dover\n/a(/\n");
+    const CliResult run = cli({"keywords", project, list.string()});
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_THAT(run.err, HasSubstr("terms.txt\" line 2: the expression /a(/"));
+    EXPECT_EQ(cli({"keywords", project, "/no/such/list"}).exit, 1);
+}
+
+} // namespace
+} // namespace nv::test

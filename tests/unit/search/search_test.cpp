@@ -1,0 +1,210 @@
+#include "SearchedProject.h"
+#include "search/RowReader.h"
+#include "search/SearchFailure.h"
+
+namespace nv::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+/// Rows 1 to 5: a page, a visit of the same site, a cookie, a page in another language, a form.
+struct SearchTest : testing::Test, SearchedProject {
+    SearchTest() {
+        add({{"URL", "http://www.harbour-news.example/tide0.html"},
+             {"Host", "www.harbour-news.example"},
+             {"WebPageTitle", "Tide tables"},
+             {"HTMLBody", "High water at Dover; the tides of March, and a \"spring tide\"."},
+             {"MetaData", "HTTP/1.1 200 OK\r\nServer: Barnacle/2.4\r\n"},
+             {"CacheType", "Chrome Cache"},
+             {"Browser", "Edge"}});
+        add({{"URL", "http://www.harbour-news.example/weather.html"},
+             {"Host", "www.harbour-news.example"},
+             {"WebPageTitle", "Weather"},
+             {"CacheType", "Chrome History"},
+             {"Notes", "Seen with the suspect"}});
+        add({{"URL", "http://shop.example/"},
+             {"Host", "shop.example"},
+             {"URLParameters", "basket=oilskin+jacket"},
+             {"CacheType", "Firefox Cookie"}});
+        add({{"URL", "http://gezeiten.example/Z%C3%BCrich"},
+             {"Host", "gezeiten.example"},
+             {"HTMLBody", "Ebbe und Flut in Z\u00FCrich \u2014 caf\u00E9, "
+                          "\u041C\u043E\u0441\u043A\u0432\u0430"},
+             {"CacheType", "Chrome Cache"}});
+        const auto form = add({{"URL", "http://form.example/"}, {"Host", "form.example"}});
+        FactList facts;
+        facts.add("search_term", FactValue(std::string("buoy lights")));
+        facts.add("source_table", FactValue(std::string("autofill")));
+        RecordFacts(connection()).store(UrlId{form}, facts);
+    }
+};
+
+TEST_F(SearchTest, findsPartsOfValuesAndWordsOfTexts) {
+    EXPECT_THAT(found("tide"), ElementsAre(1));
+    EXPECT_THAT(found("HARBOUR-N"), ElementsAre(1, 2)) << "a part of an address";
+    EXPECT_THAT(found("dover"), ElementsAre(1)) << "a word of a page";
+    EXPECT_THAT(found("dove"), IsEmpty()) << "of a page a part is found only when it is asked for";
+    EXPECT_THAT(found("dove*"), ElementsAre(1));
+    EXPECT_THAT(found("*ove*"), ElementsAre(1));
+    EXPECT_THAT(found("barnacle"), ElementsAre(1)) << "headers";
+    EXPECT_THAT(found("suspect"), ElementsAre(2)) << "a note";
+    EXPECT_THAT(found("buoy"), ElementsAre(5)) << "a fact";
+    EXPECT_THAT(found("autofill"), IsEmpty()) << "where a record lies is no finding";
+    EXPECT_THAT(found("oilskin"), ElementsAre(3));
+    EXPECT_THAT(found("\"oilskin jacket\""), ElementsAre(3)) << "without the address' coding";
+}
+
+TEST_F(SearchTest, findsPhrasesInTheirOrder) {
+    EXPECT_THAT(found("\"spring tide\""), ElementsAre(1));
+    EXPECT_THAT(found("\"tide spring\""), IsEmpty());
+    EXPECT_THAT(found("tide spring"), ElementsAre(1));
+    EXPECT_THAT(found("\"tide tables\""), ElementsAre(1));
+}
+
+TEST_F(SearchTest, leavesOutWhatIsExcluded) {
+    EXPECT_THAT(found("harbour -dover"), ElementsAre(2));
+    EXPECT_THAT(found("-harbour"), ElementsAre(3, 4, 5));
+    EXPECT_THAT(found("-host:example"), IsEmpty());
+    EXPECT_THAT(found("harbour -/wea\\w+/"), ElementsAre(1));
+}
+
+TEST_F(SearchTest, limitsByHostBrowserAndKind) {
+    EXPECT_THAT(found("host:shop"), ElementsAre(3));
+    EXPECT_THAT(found("browser:edge"), ElementsAre(1));
+    EXPECT_THAT(found("browser:chrome"), ElementsAre(2, 4)) << "where none is named, the family";
+    EXPECT_THAT(found("kind:cookie"), ElementsAre(3));
+    EXPECT_THAT(found("kind:\"chrome cache\" host:gez"), ElementsAre(4));
+    EXPECT_THAT(found("kind:\"no such\""), IsEmpty());
+}
+
+TEST_F(SearchTest, limitsByDateInUtc) {
+    addDated("http://a.example/", {.year = 2011, .month = 3, .day = 1});
+    addDated("http://b.example/", {.year = 2011, .month = 3, .day = 31, .hour = 23, .minute = 59});
+    addDated("http://c.example/", {.year = 2011, .month = 4, .day = 1});
+    EXPECT_THAT(found("after:2011-03 before:2011-04"), ElementsAre(6, 7));
+    EXPECT_THAT(found("after:2011-04-01"), ElementsAre(8));
+    EXPECT_THAT(found("before:2011-03-01"), IsEmpty()) << "rows without a date are neither";
+    EXPECT_THAT(found("-before:2012 host:shop"), ElementsAre(3));
+}
+
+TEST_F(SearchTest, looksThroughRowsForExpressionsAndShortTexts) {
+    EXPECT_THAT(found("/tide[0-9]\\.html$/"), ElementsAre(1));
+    EXPECT_THAT(found("/DOVER/"), ElementsAre(1));
+    EXPECT_THAT(found("/(?-i)DOVER/"), IsEmpty());
+    EXPECT_THAT(found("/^ebbe/ host:gez"), ElementsAre(4));
+    EXPECT_THAT(found("ti"), ElementsAre(1)) << "two letters";
+    EXPECT_THAT(found("w"), ElementsAre(1, 2));
+}
+
+TEST_F(SearchTest, knowsTheLettersOfAllAlphabets) {
+    EXPECT_THAT(found("z\u00FCrich"), ElementsAre(4));
+    EXPECT_THAT(found("Z\u00DCRICH"), ElementsAre(4));
+    EXPECT_THAT(found("cafe"), ElementsAre(4)) << "words of pages are compared without accents";
+    EXPECT_THAT(found("\u041C\u041E\u0421\u041A\u0412\u0410"), ElementsAre(4));
+    EXPECT_THAT(found("*\u043E\u0441\u043A\u0432*"), ElementsAre(4));
+}
+
+TEST_F(SearchTest, takesNothingThatIsTypedForSyntaxOfTheDatabase) {
+    for (const char *text : {"\"",
+                             "\"\"\"\"",
+                             "'",
+                             "a'b",
+                             "a\"b",
+                             "tide OR dover",
+                             "NEAR(tide)",
+                             "tide:dover",
+                             "Brief:tide",
+                             "^tide",
+                             "(tide",
+                             "tide)",
+                             "{tide}",
+                             "tide AND NOT",
+                             "+",
+                             "-- ;",
+                             "%",
+                             "_",
+                             "\\",
+                             "\xF0\x9F\x8C\x8A",
+                             "\xFF\xFE\xFD",
+                             "tide;DROP TABLE URLs",
+                             "***",
+                             "*a*",
+                             "???"})
+        EXPECT_NO_THROW(found(text)) << text;
+    EXPECT_THAT(found("tide OR dover"), IsEmpty());
+    EXPECT_EQ(log.entries.size(), 0u);
+}
+
+TEST_F(SearchTest, looksThroughValuesAloneWhileItIsTyped) {
+    EXPECT_THAT(found("tid", SearchScope::values), ElementsAre(1));
+    EXPECT_THAT(found("dover", SearchScope::values), IsEmpty());
+    EXPECT_THAT(found("*ove*", SearchScope::values), IsEmpty());
+    EXPECT_THAT(found("/dover/", SearchScope::values), IsEmpty());
+}
+
+TEST_F(SearchTest, endsAtTheFirstRowsThatAreAskedFor) {
+    SearchIndex search = index();
+    RowMatch match(parseSearch("example"), SearchScope::values);
+    EXPECT_THAT(findRows(connection(), search, match, task, 2).ids, ElementsAre(1, 2));
+    EXPECT_THAT(scanRows(connection(), match, task, 2).ids, ElementsAre(1, 2));
+}
+
+TEST_F(SearchTest, countsByKindAndHost) {
+    SearchIndex search = index();
+    RowMatch match(parseSearch("-host:shop -host:form"));
+    const FoundCounts counts = findRows(connection(), search, match, task).counts;
+    EXPECT_THAT(counts.byKind, ElementsAre(Pair("Chrome Cache", 2), Pair("Chrome History", 1)));
+    EXPECT_THAT(counts.byHost,
+                ElementsAre(Pair("www.harbour-news.example", 2), Pair("gezeiten.example", 1)));
+}
+
+TEST_F(SearchTest, countsAKindOnceHoweverItIsWritten) {
+    add({{"URL", "http://shop.example/a"}, {"CacheType", "IE CACHE"}});
+    add({{"URL", "http://shop.example/b"}, {"CacheType", "IE Cache"}});
+    add({{"URL", "http://shop.example/c"}, {"CacheType", "of another program"}});
+    SearchIndex search = index();
+    RowMatch match(parseSearch("shop.example -kind:cookies"));
+    EXPECT_THAT(findRows(connection(), search, match, task).counts.byKind,
+                ElementsAre(Pair("IE Cache", 2), Pair("of another program", 1)));
+    EXPECT_THAT(found("kind:\"ie cache\""), ElementsAre(6, 7));
+}
+
+TEST_F(SearchTest, showsWhereATextStands) {
+    RowReader reader(connection());
+    ASSERT_TRUE(reader.goTo(1));
+    RowMatch match(parseSearch("-moon dover"));
+    const auto mark = match.firstMark(reader.row());
+    ASSERT_TRUE(mark);
+    EXPECT_EQ(mark->field, SearchField::page);
+    const std::string &page = reader.row().at(SearchField::page);
+    EXPECT_EQ(page.substr(mark->span.at, mark->span.length), "Dover");
+    const Snippet snippet = snippetOf(page, mark->span);
+    EXPECT_EQ(snippet.text.substr(snippet.mark.at, snippet.mark.length), "Dover");
+    RowMatch two(parseSearch("tide /d\\w+r/"));
+    EXPECT_EQ(two.marksIn(page, 10), (std::vector<TextSpan>{{14, 5}, {25, 4}, {55, 4}}));
+    EXPECT_EQ(two.marksIn(page, 1).size(), 1u);
+}
+
+TEST(Snippet, isCutBetweenLetters) {
+    std::string text;
+    for (int i = 0; i < 100; ++i)
+        text += "\u00FC";
+    text += "tide";
+    for (int i = 0; i < 100; ++i)
+        text += "\u00FC";
+    for (std::size_t shift = 0; shift < 2; ++shift) {
+        const std::string shifted = std::string(shift, 'x') + text;
+        const Snippet snippet = snippetOf(shifted, {200 + shift, 4});
+        EXPECT_TRUE(snippet.text.starts_with("\u2026\u00FC")) << snippet.text;
+        EXPECT_TRUE(snippet.text.ends_with("\u00FC\u2026")) << snippet.text;
+        EXPECT_EQ(snippet.text.substr(snippet.mark.at, snippet.mark.length), "tide");
+    }
+    const Snippet huge = snippetOf(std::string(10'000, 'a'), {0, 10'000});
+    EXPECT_LT(huge.text.size(), 400u);
+    EXPECT_LE(huge.mark.at + huge.mark.length, huge.text.size());
+}
+
+} // namespace
+} // namespace nv::test
