@@ -40,5 +40,10 @@ Command upgradeCommand();
 Command optionsCommand();
 Command optionsGetCommand();
 Command optionsSetCommand();
+Command hashSetsCommand();
+Command addHashSetCommand();
+Command listHashSetsCommand();
+Command removeHashSetCommand();
+Command matchHashSetsCommand();
 
 } // namespace nv::cli
