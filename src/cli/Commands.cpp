@@ -5,16 +5,16 @@ namespace nv::cli {
 namespace {
 
 constexpr MakeCommand kCommands[] = {
-    importCommand,        listCommand,          queryCommand,        queriesCommand,
-    saveQueryCommand,     showQueryCommand,     deleteQueryCommand,  showCommand,
-    dumpCommand,          extractCommand,       zonesCommand,        rebuildCommand,
-    auditCommand,         tagCommand,           templateCommand,     templateCreateCommand,
-    templateListCommand,  templateApplyCommand, thumbnailsCommand,   galleryCommand,
-    trailCommand,         verifyCommand,        linksCommand,        noteCommand,
-    hexCommand,           exifCommand,          textCommand,         hostsCommand,
-    hashSetsCommand,      addHashSetCommand,    listHashSetsCommand, removeHashSetCommand,
-    matchHashSetsCommand, reportCommand,        exportCommand,       upgradeCommand,
-    optionsCommand,       optionsGetCommand,    optionsSetCommand,
+    importCommand,        listCommand,          queryCommand,       queriesCommand,
+    saveQueryCommand,     showQueryCommand,     deleteQueryCommand, showCommand,
+    dumpCommand,          extractCommand,       zonesCommand,       rebuildCommand,
+    auditCommand,         tagCommand,           templateCommand,    templateCreateCommand,
+    templateListCommand,  templateApplyCommand, thumbnailsCommand,  galleryCommand,
+    trailCommand,         verifyCommand,        linksCommand,       noteCommand,
+    hexCommand,           exifCommand,          textCommand,        hostsCommand,
+    timelineCommand,      hashSetsCommand,      addHashSetCommand,  listHashSetsCommand,
+    removeHashSetCommand, matchHashSetsCommand, reportCommand,      exportCommand,
+    upgradeCommand,       optionsCommand,       optionsGetCommand,  optionsSetCommand,
 };
 
 constexpr Example kProgramExamples[] = {

@@ -40,6 +40,7 @@ Command upgradeCommand();
 Command optionsCommand();
 Command optionsGetCommand();
 Command optionsSetCommand();
+Command timelineCommand();
 Command hashSetsCommand();
 Command addHashSetCommand();
 Command listHashSetsCommand();
