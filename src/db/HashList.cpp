@@ -87,6 +87,11 @@ std::optional<HashValue> hashAtEnd(std::string_view text) {
                                           : hashIn(trim(text.substr(sign + kSign.size())));
 }
 
+std::optional<HashValue> hashInLine(std::string_view text) {
+    const auto hash = hashAtStart(text);
+    return hash ? hash : hashAtEnd(text);
+}
+
 } // namespace
 
 void HashListReader::add(std::string_view block) {
@@ -146,31 +151,33 @@ void HashListReader::append(std::string_view part) {
 
 void HashListReader::endLine() {
     ++m_number;
-    if (const std::string_view text = trim(m_line); !text.empty())
-        line(text);
+    if (!trim(m_line).empty())
+        line(m_line);
     m_line.clear();
 }
 
-void HashListReader::line(std::string_view text) {
+/// Tabs at its ends part the fields of a table.
+void HashListReader::line(std::string_view whole) {
+    const std::string_view text = trim(whole);
     if (text.starts_with('#'))
         return;
-    if (!std::exchange(m_isBegun, true) && isHeading(text))
+    if (!std::exchange(m_isBegun, true) && !hashInLine(text) && isHeading(whole))
         return;
     ++m_counts.lines;
-    std::optional<HashValue> hash;
-    if (m_columns.empty()) {
-        hash = hashAtStart(text);
-        hash = hash ? hash : hashAtEnd(text);
-    } else {
-        const auto fields = fieldsOf(text, m_separator);
-        for (const std::size_t column : m_columns)
-            if (!hash && column < fields.size())
-                hash = hashIn(fields[column]);
-    }
+    const auto hash = m_columns.empty() ? hashInLine(text) : hashInTable(whole);
     if (!hash)
         return refuse(text);
     ++m_counts.hashes;
     m_take(*hash);
+}
+
+std::optional<HashValue> HashListReader::hashInTable(std::string_view line) const {
+    const auto fields = fieldsOf(line, m_separator);
+    for (const std::size_t column : m_columns)
+        if (column < fields.size())
+            if (const auto hash = hashIn(fields[column]))
+                return hash;
+    return std::nullopt;
 }
 
 bool HashListReader::isHeading(std::string_view text) {

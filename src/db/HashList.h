@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,7 +45,8 @@ class HashListReader {
     void addBytes(std::string_view block);
     void append(std::string_view part);
     void endLine();
-    void line(std::string_view text);
+    void line(std::string_view whole);
+    std::optional<HashValue> hashInTable(std::string_view line) const;
     bool isHeading(std::string_view text);
     void refuse(std::string_view text);
 

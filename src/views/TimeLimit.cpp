@@ -1,9 +1,8 @@
 #include "views/TimeLimit.h"
 
 #include "time/LocalSeconds.h"
-#include "views/StatementWatch.h"
 
-#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 
@@ -33,6 +32,13 @@ Date firstMoment(std::int64_t second, const TimeZone &zone, bool enableDSTChange
     return Date::fromUnixSeconds(utc);
 }
 
+/// As it stands in a statement: half a second before, since stored days aren't exact to the last
+/// bit. A moment beyond the calendar is after, or before, all dates.
+double daysBefore(Date moment, double beyond) {
+    constexpr double kHalfSecond = 0.5 / 86400;
+    return moment.has() ? moment.days() - kHalfSecond : beyond;
+}
+
 } // namespace
 
 TimeLimit limitOf(const TimeSpan &span, const TimeZone &zone, bool enableDSTChanges) {
@@ -41,22 +47,19 @@ TimeLimit limitOf(const TimeSpan &span, const TimeZone &zone, bool enableDSTChan
 }
 
 Walk keepWithin(SQLite::Database &project, const TimeLimit &limit, TaskMonitor &task, RowIds &ids) {
+    constexpr double kBeyond = 1e9;
     // A text, which is no date, is more than any number.
-    SQLite::Statement rows(project, "SELECT URL_ID FROM URLs WHERE ActionDateUTC >= ? AND "
-                                    "ActionDateUTC < ? ORDER BY URL_ID");
-    // Half a second, since stored days aren't exact to the last bit.
-    constexpr double kHalfSecond = 0.5 / 86400;
-    rows.bind(1, limit.from.days() - kHalfSecond);
-    rows.bind(2, limit.to.days() - kHalfSecond);
-    StatementWatch watch(project, task);
-    RowIds within;
-    Step step = watch.step(rows);
-    for (; step == Step::Row; step = watch.step(rows))
-        within.push_back(rows.getColumn(0).getInt());
-    if (step == Step::Cancelled)
+    const IdQuery query{fmt::format("SELECT URL_ID FROM URLs WHERE ActionDateUTC >= {} AND "
+                                    "ActionDateUTC < {}",
+                                    daysBefore(limit.from, -kBeyond),
+                                    daysBefore(limit.to, kBeyond)),
+                        ""};
+    FoundRows within;
+    if (findRows(project, query, RecordFilters(), task, within) == Walk::Cancelled)
         return Walk::Cancelled;
-    std::erase_if(ids,
-                  [&within](std::int32_t id) { return !std::ranges::binary_search(within, id); });
+    std::ranges::sort(within.ids);
+    std::erase_if(
+        ids, [&within](std::int32_t id) { return !std::ranges::binary_search(within.ids, id); });
     return Walk::Finished;
 }
 

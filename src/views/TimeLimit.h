@@ -20,7 +20,8 @@ struct TimeLimit {
 /// Throws std::range_error as convertDateToZone() does.
 TimeLimit limitOf(const TimeSpan &span, const TimeZone &zone, bool enableDSTChanges);
 
-/// Takes the other rows out of `ids`; a cancel leaves all. Throws what the database says.
+/// Takes the other rows out of `ids`, but for those of which nobody can tell since the project is
+/// damaged; a cancel leaves all. Throws what the database says.
 Walk keepWithin(SQLite::Database &project, const TimeLimit &limit, TaskMonitor &task, RowIds &ids);
 
 } // namespace nv

@@ -104,10 +104,14 @@ void TimeStrip::count() {
     update();
 }
 
+/// Nearly all is all: what zooming in and out rounds away isn't missed.
 void TimeStrip::show(TimeSpan span) {
-    const std::int64_t length =
-        std::clamp(span.end - span.begin, std::min(kShortest, m_whole.end - m_whole.begin),
-                   m_whole.end - m_whole.begin);
+    constexpr std::int64_t kNearly = 99; // of a hundred
+    const std::int64_t all = m_whole.end - m_whole.begin;
+    std::int64_t length =
+        std::clamp(span.end - span.begin, std::min(kShortest, all), std::max(all, kShortest));
+    if (length >= all / 100 * kNearly)
+        length = all;
     span.begin = std::clamp(span.begin, m_whole.begin, m_whole.end - length);
     span.end = span.begin + length;
     if (span == m_shown)
@@ -270,8 +274,8 @@ void TimeStrip::mouseMoveEvent(QMouseEvent *event) {
 void TimeStrip::mouseReleaseEvent(QMouseEvent *event) {
     if (event->button() != Qt::LeftButton || !m_dragged)
         return;
-    const std::size_t end = *std::exchange(m_dragged, std::nullopt);
-    choose(m_anchor, std::min(end, m_bars.count - 1));
+    m_dragged.reset();
+    choose(m_anchor, m_cursor.emplace(barAt(event->position().toPoint().x())));
 }
 
 /// All of the time, and nothing chosen.

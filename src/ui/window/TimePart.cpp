@@ -126,17 +126,17 @@ void TimePart::load() {
     UrlTable *table = m_bench.table->table();
     if (!m_isStale || m_panel->isHidden() || !table)
         return;
-    m_isStale = false;
-    m_bench.run("MainForm.LoadTimeline()", [this, table] {
-        const ProgramState &state = m_bench.program.state;
-        const auto stack = static_cast<TimeStack>(m_stack->currentData().toInt());
-        TimedEvents events;
-        m_bench.runTask({}, [&](TaskMonitor &task) {
-            static_cast<void>(loadEvents(m_bench.project(), table->idsOfAllTimes(), stack,
-                                         state.gmtZone, state.enableDSTChanges, task, events));
-        });
-        m_strip->setEvents(std::move(events), zoneName());
+    const ProgramState &state = m_bench.program.state;
+    const auto stack = static_cast<TimeStack>(m_stack->currentData().toInt());
+    TimedEvents events;
+    Walk walk = Walk::Cancelled;
+    m_bench.runTask({}, [&](TaskMonitor &task) {
+        walk = loadEvents(m_bench.project(), table->idsOfAllTimes(), stack, state.gmtZone,
+                          state.enableDSTChanges, task, events);
     });
+    // A part of the rows would be taken for all.
+    m_isStale = walk == Walk::Cancelled;
+    m_strip->setEvents(m_isStale ? TimedEvents() : std::move(events), zoneName());
 }
 
 QString TimePart::zoneName() const {

@@ -72,7 +72,9 @@ TEST(HashList, takesTheStrongestHashOfATable) {
     EXPECT_THAT(list.hashes, ElementsAre(kSha1, kMd5));
     EXPECT_THAT(listOf("name;md5;sha_256\n\"a;b\";" + kMd5 + ";" + kSha256 + "\n").hashes,
                 ElementsAre(kSha256));
-    EXPECT_THAT(listOf("Path\tSHA256\nc\t" + kSha256).hashes, ElementsAre(kSha256));
+    EXPECT_THAT(listOf("Path\tSHA256\nc\t" + kSha256 + "\r\n\t" + kSha256).hashes,
+                ElementsAre(kSha256, kSha256));
+    EXPECT_THAT(listOf(kMd5 + "  a,md5\n" + kMd5 + "  b\n").hashes, ElementsAre(kMd5, kMd5));
 }
 
 TEST(HashList, knowsTheMarksOfCodings) {

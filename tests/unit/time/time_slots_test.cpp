@@ -55,7 +55,7 @@ struct LocalSecondsTest : testing::Test {
         }
     }
     TimeZone exact(const char *name) {
-        TimeZone zone{Date()};
+        TimeZone zone{Date::fromUnixSeconds(0)};
         setExactZone(zone, zones.find(name), Date::fromUnixSeconds(0));
         return zone;
     }
