@@ -105,7 +105,7 @@ void TimeStrip::count() {
 }
 
 /// Nearly all is all: what zooming in and out rounds away isn't missed.
-void TimeStrip::show(TimeSpan span) {
+void TimeStrip::showSpan(TimeSpan span) {
     constexpr std::int64_t kNearly = 99; // of a hundred
     const std::int64_t all = m_whole.end - m_whole.begin;
     std::int64_t length =
@@ -126,12 +126,12 @@ void TimeStrip::zoom(double factor, std::int64_t around) {
     const auto scaled = [&](std::int64_t second) {
         return around + std::llround(static_cast<double>(second - around) / factor);
     };
-    show({scaled(m_shown.begin), scaled(m_shown.end)});
+    showSpan({scaled(m_shown.begin), scaled(m_shown.end)});
 }
 
 void TimeStrip::pan(double part) {
     const auto by = std::llround(static_cast<double>(m_shown.end - m_shown.begin) * part);
-    show({m_shown.begin + by, m_shown.end + by});
+    showSpan({m_shown.begin + by, m_shown.end + by});
 }
 
 QString TimeStrip::summary() const {
@@ -281,7 +281,7 @@ void TimeStrip::mouseReleaseEvent(QMouseEvent *event) {
 /// All of the time, and nothing chosen.
 void TimeStrip::mouseDoubleClickEvent(QMouseEvent *) {
     clear();
-    show(m_whole);
+    showSpan(m_whole);
 }
 
 void TimeStrip::wheelEvent(QWheelEvent *event) {

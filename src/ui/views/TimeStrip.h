@@ -8,6 +8,8 @@
 
 #include <optional>
 
+class QPainter;
+
 namespace nv {
 
 /// When the rows of the table happened, as bars by the clock of the project's zone. A drag or the
@@ -63,15 +65,15 @@ class TimeStrip final : public QWidget {
     QRect area() const;
     std::size_t barAt(int x) const;
     void count();
-    void show(TimeSpan span);
+    void showSpan(TimeSpan span);
     void zoom(double factor, std::int64_t around);
     void pan(double part);
     bool isStepKey(QKeyEvent &event);
     void step(int bars, bool extends);
     void choose(std::size_t one, std::size_t other);
     void clear();
-    void drawChosen(class QPainter &painter) const;
-    void drawSummary(class QPainter &painter) const;
+    void drawChosen(QPainter &painter) const;
+    void drawSummary(QPainter &painter) const;
 
     TimedEvents m_events;
     TimeSpan m_whole;
