@@ -117,8 +117,12 @@ void TimePart::showPanel(bool shown) {
         showAllTimes();
 }
 
+/// What was chosen by another zone's clock isn't what this one shows. The rows are being loaded as
+/// long as this runs, so all times come after it.
 void TimePart::takeRows() {
     m_isStale = true;
+    if (m_strip->chosen() && m_zone != zoneName())
+        QMetaObject::invokeMethod(this, &TimePart::showAllTimes, Qt::QueuedConnection);
     load();
 }
 
@@ -136,7 +140,8 @@ void TimePart::load() {
     });
     // A part of the rows would be taken for all.
     m_isStale = walk == Walk::Cancelled;
-    m_strip->setEvents(m_isStale ? TimedEvents() : std::move(events), zoneName());
+    m_zone = zoneName();
+    m_strip->setEvents(m_isStale ? TimedEvents() : std::move(events), m_zone);
 }
 
 QString TimePart::zoneName() const {

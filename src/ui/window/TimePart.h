@@ -43,6 +43,7 @@ class TimePart final : public QObject {
     QLabel *m_limit = nullptr;
     QToolButton *m_allTimes = nullptr;
     TimeStrip *m_strip = nullptr;
+    QString m_zone;        ///< of what the strip shows
     bool m_isStale = true; ///< other rows than those that the strip shows
 };
 
