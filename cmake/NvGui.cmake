@@ -3,7 +3,7 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS DBus Widgets Svg WebEngineCore WebEngin
 
 file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/*.cpp")
 list(FILTER sources INCLUDE REGEX "/src/(ui|platform/qt)/")
-list(FILTER sources EXCLUDE REGEX "/src/platform/qt/(ImageThumbnailer|SheetPainter|Page[A-Za-z]+)\\.cpp")
+list(FILTER sources EXCLUDE REGEX "/src/platform/qt/(ImageThumbnailer|SheetPainter|ChartPainter|Page[A-Za-z]+)\\.cpp")
 add_library(nv_ui STATIC ${sources} "${CMAKE_SOURCE_DIR}/data/images/images.qrc")
 set_target_properties(nv_ui PROPERTIES AUTOMOC ON AUTORCC ON)
 target_link_libraries(nv_ui PUBLIC nv_app nv_web Qt6::Widgets Qt6::Svg Qt6::DBus PRIVATE nv_warnings)
@@ -13,7 +13,8 @@ target_precompile_headers(nv_ui PRIVATE ${NV_COMMON_HEADERS} <QAbstractTableMode
 # Drawing pictures and showing pages, apart from the windows: the web engine is heavy to load.
 file(GLOB web_sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/platform/qt/Page*.cpp")
 add_library(nv_web STATIC ${web_sources} "${CMAKE_SOURCE_DIR}/src/platform/qt/ImageThumbnailer.cpp"
-                          "${CMAKE_SOURCE_DIR}/src/platform/qt/SheetPainter.cpp")
+                          "${CMAKE_SOURCE_DIR}/src/platform/qt/SheetPainter.cpp"
+                          "${CMAKE_SOURCE_DIR}/src/platform/qt/ChartPainter.cpp")
 set_target_properties(nv_web PROPERTIES AUTOMOC ON)
 target_link_libraries(nv_web PUBLIC nv_platform Qt6::WebEngineCore Qt6::WebEngineWidgets PRIVATE nv_warnings)
 

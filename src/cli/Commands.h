@@ -45,5 +45,11 @@ Command upgradeCommand();
 Command optionsCommand();
 Command optionsGetCommand();
 Command optionsSetCommand();
+Command timelineCommand();
+Command hashSetsCommand();
+Command addHashSetCommand();
+Command listHashSetsCommand();
+Command removeHashSetCommand();
+Command matchHashSetsCommand();
 
 } // namespace nv::cli

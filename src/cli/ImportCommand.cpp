@@ -1,3 +1,4 @@
+#include "app/jobs/HashSetJob.h"
 #include "app/jobs/ImportClaim.h"
 #include "app/jobs/ImportJob.h"
 #include "app/jobs/ImportText.h"
@@ -44,6 +45,7 @@ struct Arguments {
     bool secrets = false;
     bool noMetadata = false;
     bool noSignatures = false;
+    bool hashSets = false;
     bool thumbnails = false;
     std::string format = "text"; ///< or "json"
 };
@@ -302,6 +304,8 @@ Exit run(Session &session, const Arguments &given) {
     checkZone(session, arguments);
     const AskedKinds asked = askedKinds(arguments.kinds);
     checkAs(arguments);
+    session.program.import.hashSets = arguments.hashSets;
+    static_cast<void>(hashSetsForImport(session.program)); // before a project is made
     const ImportClaim claim(arguments.project);
     openOrCreate(session, arguments.project);
     Program &program = session.program;
@@ -345,7 +349,7 @@ Command importCommand() {
         .what = "Import artefacts into a project, which is made when needed",
         .readme = {"`import PROJECT PATH...`",
                    "finds and reads artefacts into a project, which is made when needed; "
-                   "`--kinds`, `--as`, `--classic`, `--zone`, `--thumbnails`"},
+                   "`--kinds`, `--as`, `--classic`, `--zone`, `--hash-sets`, `--thumbnails`"},
         .examples = {{"import case.nvp /mnt/seized", "all that is found below a folder"},
                      {"import case.nvp /mnt/seized/History --zone Europe/Berlin",
                       "one file, dates by the law of that zone"},
@@ -367,6 +371,8 @@ Command importCommand() {
              flag("--secrets", given->secrets, "Store passwords too, where they can be read"),
              flag("--no-metadata", given->noMetadata, "Don't read cached pages' contents"),
              flag("--no-signatures", given->noSignatures, "Recognise files by name alone"),
+             flag("--hash-sets", given->hashSets,
+                  "Hash all cached content and look for it in the hash sets"),
              flag("--thumbnails", given->thumbnails, "Make thumbnails while importing"),
              value("--format", given->format, "text or json")
                  .oneOf({"text", "json"})

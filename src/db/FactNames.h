@@ -161,6 +161,9 @@ inline constexpr auto kFactNames = std::to_array<std::string_view>({
     "source_file",
     "byte_ranges",
     "further_stream",
+    // hash sets
+    "hashset_known",
+    "hashset_notable",
 });
 
 } // namespace detail

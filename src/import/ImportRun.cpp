@@ -218,7 +218,7 @@ class Import {
         if (!isReadAtOnce(reader, file))
             m_batch.commit(); // what came before doesn't wait for it
         ImportSink sink(m_store, m_categories, m_extraction, m_content, m_batch, file, result,
-                        m_looksIntoPages ? &m_metadata : nullptr);
+                        m_looksIntoPages ? &m_metadata : nullptr, m_run.hashSets);
         AskedSink asked(sink, m_asked, reader);
         settle(result, ArtefactState::failed, "the import ended while this file was read");
         ReadResult outcome = readTrapped(reader, file, asked, task);

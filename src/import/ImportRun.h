@@ -3,6 +3,7 @@
 #include "base/Clock.h"
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
+#include "db/HashLookup.h"
 #include "db/RecordStore.h"
 #include "import/ImportSettings.h"
 #include "import/ImportSummary.h"
@@ -25,6 +26,8 @@ struct ImportRun {
     std::filesystem::path scratch;
     /// Tests put readers of their own here.
     const Reader *(*readerFor)(HistoryFileType) = nv::readerFor;
+    /// In which all content is looked for; none hashes and looks for nothing more than it must.
+    HashLookup *hashSets = nullptr;
 };
 
 /// Reads the files of `job` into the project, in their order. One file's failure is its own: the

@@ -21,6 +21,7 @@ struct ImportSettings {
     bool parseAdvancedMetadata = true;
     bool classicOnly = false; ///< only the files and rows of the classic rules
     bool secrets = false;     ///< store saved passwords where they can be read
+    bool hashSets = false;    ///< hash all cached content and look for it in the hash sets
     AskedKinds asked;         ///< what else is left out
     bool makeThumbnails = true;
     bool makePictureThumbnails = true;

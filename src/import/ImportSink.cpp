@@ -12,13 +12,7 @@ namespace nv {
 namespace {
 
 constexpr std::string_view kProcedure = "ImportForm.HashContent()";
-
-/// Of the caches of today's browsers. Classic ones have rows by the ten thousand whose bodies
-/// nobody else reads while they are imported.
-bool hashesContent(const UrlRecord &record) {
-    const auto isLayout = [](const RecordFact &fact) { return fact.name == "cache_layout"; };
-    return record.CacheFileExists && std::ranges::any_of(record.facts, isLayout);
-}
+constexpr std::string_view kLooking = "ImportForm.FindInHashSets()";
 
 } // namespace
 
@@ -54,10 +48,20 @@ void AskedSink::save(UrlRecord &record) {
         ++m_notAsked;
 }
 
-void ImportSink::addContentFacts(const UrlRecord &record, SavedContent &content) const {
+/// That of the caches of today's browsers. Classic ones have rows by the ten thousand whose bodies
+/// nobody else reads while they are imported, so theirs only for hash sets.
+bool ImportSink::hashesContent(const UrlRecord &record) const {
+    const auto isLayout = [](const RecordFact &fact) { return fact.name == "cache_layout"; };
+    return record.CacheFileExists && (m_hashSets || std::ranges::any_of(record.facts, isLayout));
+}
+
+void ImportSink::addContentFacts(UrlRecord &record, SavedContent &content) const {
     if (hashesContent(record))
         trapped(m_extraction.log, Severity::Warning, kProcedure, kContactSupport,
                 [&content] { content.addFacts(); });
+    if (m_hashSets)
+        trapped(m_extraction.log, Severity::Warning, kLooking, kContactSupport,
+                [this, &record] { m_hashSets->addFindings(record.facts); });
 }
 
 void ImportSink::write(UrlRecord &record, SavedContent &content) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "db/HashLookup.h"
 #include "db/RecordStore.h"
 #include "db/WriteBatch.h"
 #include "import/AdvancedMetadata.h"
@@ -17,18 +18,22 @@ namespace nv {
 class ImportSink final : public RecordSink {
   public:
     /// All must outlive this. Rows are counted in `result` as they come, so that the count stands
-    /// whatever ends the import. Without `metadata` no page is looked into.
+    /// whatever ends the import. Without `metadata` no page is looked into; with `hashSets` all
+    /// content is hashed and looked for in them.
     ImportSink(RecordStore &store, const Categories &categories, const Extraction &extraction,
                ContentProbe &content, WriteBatch &batch, const HistoryFile &file,
-               ArtefactResult &result, const AdvancedMetadata *metadata = nullptr)
+               ArtefactResult &result, const AdvancedMetadata *metadata = nullptr,
+               HashLookup *hashSets = nullptr)
         : m_store(store), m_categories(categories), m_extraction(extraction), m_content(content),
-          m_batch(batch), m_file(file), m_result(result), m_metadata(metadata) {}
+          m_batch(batch), m_file(file), m_result(result), m_metadata(metadata),
+          m_hashSets(hashSets) {}
 
     void save(UrlRecord &record) override;
 
   private:
     void write(UrlRecord &record, SavedContent &content);
-    void addContentFacts(const UrlRecord &record, SavedContent &content) const;
+    bool hashesContent(const UrlRecord &record) const;
+    void addContentFacts(UrlRecord &record, SavedContent &content) const;
     void count(const UrlRecord &record);
     void dropBody(UrlRecord &record);
 
@@ -40,6 +45,7 @@ class ImportSink final : public RecordSink {
     const HistoryFile &m_file;
     ArtefactResult &m_result;
     const AdvancedMetadata *m_metadata;
+    HashLookup *m_hashSets;
 };
 
 /// Passes on the records of those kinds that the import was asked for, and counts the others.

@@ -14,7 +14,7 @@ namespace nv {
 // The seam to the drawing of pictures and pages, which hostile bytes can crash or hold up: it is
 // done by a program of its own.
 
-/// One picture or page of evidence that is to be drawn small, or a sheet of such pictures.
+/// One picture or page of evidence that is to be drawn small, a sheet of such pictures, or a chart.
 struct DrawJob {
     enum class Kind {
         picture, ///< `target` becomes a bitmap, or a JPEG when it is named *.jpg, of at most
@@ -23,6 +23,7 @@ struct DrawJob {
                  ///< *.htm or *.html, and only files of its own folder and below it are shown
         sheet,   ///< `target` becomes a PNG; `source` is a SheetFile with its pictures beside it,
                  ///< each shown in a box of `width` by `height`
+        chart,   ///< `target` becomes a PNG of `width` by `height`; `source` is a TimeChart as text
     };
     Kind kind = Kind::picture;
     std::filesystem::path source;

@@ -1,10 +1,11 @@
-// norvelane-draw JOBFILE: draws pictures and pages small, and sheets of them. The file holds a job
-// a line; of each a line is written as soon as it is drawn (platform/posix/DrawLines.h). Without
-// the closing line the program has crashed, or has given up after a page that still holds the
-// engine: the jobs that no line tells of are for another process.
+// norvelane-draw JOBFILE: draws pictures and pages small, sheets of them, and charts. The file
+// holds a job a line; of each a line is written as soon as it is drawn, as DrawLines.h tells.
+// Without the closing line the program has crashed, or has given up after a page that still
+// holds the engine: the jobs that no line tells of are for another process.
 
 #include "platform/posix/DrawLines.h"
 #include "platform/posix/NetworkLock.h"
+#include "platform/qt/ChartPainter.h"
 #include "platform/qt/ImageThumbnailer.h"
 #include "platform/qt/PageDrawEngine.h"
 #include "platform/qt/PageGuard.h"
@@ -86,6 +87,8 @@ class Artist {
     Drawn drawPicture(const DrawJob &job) {
         if (!m_pages)
             limit(RLIMIT_CPU, secondsTaken() + kSecondsPerPicture);
+        if (job.kind == DrawJob::Kind::chart)
+            return ChartPicture().draw(job);
         return job.kind == DrawJob::Kind::sheet ? SheetPainter().draw(job) : m_pictures.draw(job);
     }
 

@@ -98,7 +98,16 @@ Walk UrlTable::fill(const std::vector<IdQuery> &queries, TaskMonitor &task, Foun
     for (const IdQuery &query : queries)
         if (findRows(m_project, query, filters, task, found) == Walk::Cancelled)
             return Walk::Cancelled;
-    return Walk::Finished;
+    return limitTime(task, found);
+}
+
+Walk UrlTable::limitTime(TaskMonitor &task, FoundRows &found) {
+    if (!time)
+        return Walk::Finished;
+    m_idsOfAllTimes = found.ids;
+    const Walk walk = keepWithin(m_project, *time, task, found.ids);
+    found.hidden += m_idsOfAllTimes.size() - found.ids.size();
+    return walk;
 }
 
 LoadResult UrlTable::attempt(const std::function<Walk()> &work) {

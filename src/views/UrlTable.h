@@ -7,6 +7,7 @@
 #include "views/RowCells.h"
 #include "views/RowPager.h"
 #include "views/TableFind.h"
+#include "views/TimeLimit.h"
 #include "views/UrlQuery.h"
 
 #include <cstddef>
@@ -41,8 +42,9 @@ class UrlTable {
 
     // What the next load takes up.
     RowChoice choice;
-    std::string rootPath;  ///< the project's base folder; empty mends no rows
-    RecordFilters filters; ///< as the program's stand at the load
+    std::string rootPath;          ///< the project's base folder; empty mends no rows
+    RecordFilters filters;         ///< as the program's stand at the load
+    std::optional<TimeLimit> time; ///< hides what happened at other times
     Undated undated = Undated::AsTheQueryHasThem;
     /// The column of the examiner's choice: it holds over the query's order, and a sort sets it. A
     /// query without that column has its own order all the same.
@@ -68,7 +70,9 @@ class UrlTable {
     std::size_t rowCount() const { return m_ids.size(); }
     EmptyState emptyState() const { return m_ids.empty() ? m_empty : EmptyState::HasRows; }
     const RowIds &ids() const { return m_ids; }
-    /// Rows of the query that the record filters hide.
+    /// The rows that the time limit leaves and those that it hides.
+    const RowIds &idsOfAllTimes() const { return time ? m_idsOfAllTimes : m_ids; }
+    /// Rows of the query that the record filters and the time limit hide.
     std::size_t hiddenCount() const { return m_hidden; }
     /// The query failed at damage of the project, so that each row was asked for itself.
     bool foundOneByOne() const { return m_oneByOne; }
@@ -131,6 +135,7 @@ class UrlTable {
     std::vector<IdQuery> loadQueries();
     std::vector<IdQuery> ownOrder();
     Walk fill(const std::vector<IdQuery> &queries, TaskMonitor &task, FoundRows &found);
+    Walk limitTime(TaskMonitor &task, FoundRows &found);
     LoadResult attempt(const std::function<Walk()> &work);
     void take(FoundRows &&found);
     LoadResult sortInto(const IdQuery &query, TaskMonitor &task);
@@ -141,6 +146,7 @@ class UrlTable {
     FailureLog &m_log;
     const TimeZone &m_zone;
     RowIds m_ids;
+    RowIds m_idsOfAllTimes; ///< while there is a time limit
     std::size_t m_hidden = 0;
     bool m_oneByOne = false;
     RowPager m_pager;

@@ -37,6 +37,7 @@ TEST_F(BesideCliTest, besideAWindowWhatOnlyReadsWorks) {
         {"list", project},
         {"show", project, "1"},
         {"hosts", project},
+        {"timeline", project},
         {"query", project, "SELECT URL FROM URLs"},
         {"queries", project},
         {"extract", project, "1", (folder.path() / "page.htm").string()},

@@ -60,6 +60,7 @@ TEST_F(UntouchedCliTest, commandsThatLookLeaveEveryByteOfTheProject) {
         {"list", project, "--filter", "CacheURLs", "--format", "csv"},
         {"list", project, "--query", "TOP 25 URLs"},
         {"hosts", project},
+        {"timeline", project},
         {"show", project, "1"},
         {"show", project, "2", "--format", "jsonl"},
         {"extract", project, "2", at("photo.jpg")},

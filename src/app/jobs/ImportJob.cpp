@@ -1,5 +1,6 @@
 #include "app/jobs/ImportJob.h"
 
+#include "app/jobs/HashSetJob.h"
 #include "app/jobs/ThumbnailJob.h"
 #include "app/jobs/Trail.h"
 #include "app/messages/Messages.h"
@@ -17,6 +18,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include <algorithm>
+#include <memory>
 
 namespace nv {
 
@@ -95,13 +97,17 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
     ProgramState &state = program.state;
     SQLite::Database &project = state.projectDB.connection();
     const Evidence evidence(state.rootPath);
-    const ImportRun run{project,     {state.gmtZone, state.enableDSTChanges},
-                        evidence,    program.around.clock,
-                        program.log, task,
-                        scratch};
+    const std::unique_ptr<HashLookup> hashSets = hashSetsForImport(program);
+    const ImportRun run{project,       {state.gmtZone, state.enableDSTChanges},
+                        evidence,      program.around.clock,
+                        program.log,   task,
+                        scratch,       readerFor,
+                        hashSets.get()};
     const std::int64_t lastId = lastRow(program);
     ImportSummary summary = runImport(run, program.import);
     noteImport(program, summary);
+    if (hashSets)
+        noteHashSets(program, *hashSets);
     tellNotLogged(program, summary);
     // The rows are in the project by then, and the summary has to tell of them.
     if (!summary.cancelled && summary.failure.empty())

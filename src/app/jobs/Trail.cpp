@@ -29,6 +29,8 @@ std::string rulesOf(const ImportSettings &job) {
         text += "; by the classic rules alone";
     if (job.secrets)
         text += "; with passwords, where there are any";
+    if (job.hashSets)
+        text += "; content hashed and looked for in hash sets";
     return text;
 }
 

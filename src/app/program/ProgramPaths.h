@@ -6,8 +6,8 @@ namespace nv {
 
 /// Where the program's own files lie.
 struct ProgramPaths {
-    std::filesystem::path program; ///< shipped files: images, nvTZ.dat, dailytips.txt
-    std::filesystem::path home;    ///< what the examiner adds: templates, keywords, favourites
+    std::filesystem::path program;       ///< shipped files: images, nvTZ.dat, dailytips.txt
+    std::filesystem::path home;          ///< what the examiner adds: templates, keywords, hash sets
     std::filesystem::path config = home; ///< settings
     std::filesystem::path state = home;  ///< logs and the default Temp folder
     /// Where the system has the exact time zones.
@@ -21,6 +21,7 @@ struct ProgramPaths {
     std::filesystem::path zones() const { return program / "nvTZ.dat"; }
     std::filesystem::path tips() const { return program / "dailytips.txt"; }
     std::filesystem::path keywords() const { return program / "keywords"; }
+    std::filesystem::path hashSets() const { return home / "hashsets"; }
     std::filesystem::path guide() const { return program / "docs" / "guide"; }
     std::filesystem::path images() const { return program / "images"; }
 };

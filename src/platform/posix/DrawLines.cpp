@@ -46,8 +46,10 @@ std::string lineOf(const json &object) {
 }
 
 using Kind = DrawJob::Kind;
-constexpr std::array<std::pair<Kind, std::string_view>, 3> kKinds = {
-    {{Kind::picture, "picture"}, {Kind::page, "page"}, {Kind::sheet, "sheet"}}};
+constexpr std::array<std::pair<Kind, std::string_view>, 4> kKinds = {{{Kind::picture, "picture"},
+                                                                      {Kind::page, "page"},
+                                                                      {Kind::sheet, "sheet"},
+                                                                      {Kind::chart, "chart"}}};
 
 std::string_view wordOf(Kind kind) {
     return std::ranges::find(kKinds, kind, &std::pair<Kind, std::string_view>::first)->second;

@@ -222,6 +222,7 @@ void TableTab::loadURLs() {
     const std::string host = fromQt(m_host->text().trimmed());
     m_table->choice = {fromQt(queryName()), !host.empty(), host};
     reload([this](TaskMonitor &task) { return m_table->loadURLs(task); });
+    emit rowsLoaded();
 }
 
 void TableTab::refreshRows() {

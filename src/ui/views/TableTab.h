@@ -79,6 +79,8 @@ class TableTab final : public QWidget {
   signals:
     /// Rows, ticks, query or host have changed.
     void statusChanged();
+    /// The rows were loaded: they may be others than before.
+    void rowsLoaded();
     void currentUrlChanged();
     /// The examiner has made something of the layouts that has to be kept.
     void layoutEdited();

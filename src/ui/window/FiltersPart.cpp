@@ -32,12 +32,13 @@ void FiltersPart::chooseFilters() {
 
 void FiltersPart::showSign() {
     const UrlTable *table = m_bench.table->table();
-    m_sign->setVisible(table && table->filters.enableFilters);
+    m_sign->setVisible(table && (table->filters.enableFilters || table->time));
     if (!table)
         return;
     const std::size_t hidden = table->hiddenCount();
-    m_sign->setText(
-        tr("Filters on: %L1 of %L2 rows hidden").arg(hidden).arg(hidden + table->rowCount()));
+    const QString text = table->filters.enableFilters ? tr("Filters on: %L1 of %L2 rows hidden")
+                                                      : tr("Time chosen: %L1 of %L2 rows hidden");
+    m_sign->setText(text.arg(hidden).arg(hidden + table->rowCount()));
 }
 
 } // namespace nv

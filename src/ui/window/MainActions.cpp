@@ -55,6 +55,7 @@ MainActions::MainActions(QObject *o)
                         Qt::CTRL | Qt::SHIFT | Qt::Key_L)),
       filters(make(o, "actFilters", tr("&Filters..."), "filter", Qt::CTRL | Qt::SHIFT | Qt::Key_F)),
       hosts(make(o, "actHosts", tr("&Hosts"), "hosts", Qt::CTRL | Qt::Key_H)),
+      time(make(o, "actTime", tr("Ti&me"), "history", Qt::CTRL | Qt::SHIFT | Qt::Key_T)),
       columns(make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::Key_L)),
       viewers(make(o, "actViewers", tr("&Viewers"), "", Qt::Key_F4)),
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
@@ -78,6 +79,7 @@ MainActions::MainActions(QObject *o)
     network->setIconText(tr("Network"));
     createReport->setIconText(tr("Report"));
     hosts->setCheckable(true);
+    time->setCheckable(true);
     openReportFolder->setEnabled(false);
     viewers->setCheckable(true);
     viewers->setChecked(true);
@@ -106,6 +108,7 @@ void MainActions::describe() const {
     linkAnalysis->setToolTip(tr("Find the cached pages that hold a link to each record"));
     filters->setToolTip(tr("Show only records of some sources, kinds and sites"));
     hosts->setToolTip(tr("The list of hosts beside the table"));
+    time->setToolTip(tr("The bar of time above the table: when its rows happened"));
     columns->setToolTip(tr("Choose which columns are shown, and their order"));
     viewers->setToolTip(tr("Show or hide the panes of the current record"));
     refresh->setToolTip(tr("Load the rows of the query anew"));
@@ -126,10 +129,10 @@ void MainActions::describe() const {
 
 void MainActions::setProjectOpen(bool open, bool readOnly) {
     for (QAction *action :
-         {saveAs,       closeProject, copyCell,     copyRows,      selectAll,      find,
-          findNext,     tag,          rebuild,      rebuildPage,   rebuildExactly, rebuildByClassic,
-          linkAnalysis, columns,      refresh,      baseFolder,    timeZone,       caseTrail,
-          filters,      hosts,        createReport, publishReport, exportRows})
+         {saveAs,       closeProject, copyCell, copyRows,     selectAll,      find,
+          findNext,     tag,          rebuild,  rebuildPage,  rebuildExactly, rebuildByClassic,
+          linkAnalysis, columns,      refresh,  baseFolder,   timeZone,       caseTrail,
+          filters,      hosts,        time,     createReport, publishReport,  exportRows})
         action->setEnabled(open);
     for (QAction *action : {import, upgradeWizard})
         action->setEnabled(!readOnly);

@@ -30,6 +30,7 @@ struct MainActions {
     QAction *linkAnalysis;
     QAction *filters;
     QAction *hosts;
+    QAction *time;
     QAction *columns;
     QAction *viewers;
     QAction *refresh;

@@ -28,6 +28,7 @@
 #include "ui/window/RowMenuPart.h"
 #include "ui/window/TemplatesPart.h"
 #include "ui/window/TextForm.h"
+#include "ui/window/TimePart.h"
 #include "ui/window/TipForm.h"
 #include "ui/window/TrailPart.h"
 #include "ui/window/UpgradePart.h"
@@ -116,6 +117,7 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
     m_parts.push_back(std::make_unique<HostsPart>(*m_bench));
     m_parts.push_back(std::make_unique<FiltersPart>(*m_bench));
+    m_parts.push_back(std::make_unique<TimePart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
     m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));

@@ -62,7 +62,7 @@ void MainMenus::buildView(const MainActions &actions) {
     addSortChoices();
     menu->addAction(actions.refresh);
     menu->addSeparator();
-    menu->addActions({actions.viewers, actions.hosts});
+    menu->addActions({actions.viewers, actions.hosts, actions.time});
     addThemes(*named(menu->addMenu(icon("theme"), tr("&Theme")), "menuTheme"));
 }
 

@@ -1,0 +1,65 @@
+#include "app/jobs/HashSetJob.h"
+
+#include "app/jobs/Trail.h"
+#include "app/project/Project.h"
+#include "base/Files.h"
+#include "base/Text.h"
+#include "db/HashSets.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace nv {
+
+namespace {
+
+/// The set's own file may be made anew: it is its lists that somebody else can compare.
+void noteHashSet(Program &program, const HashSetFile &set, std::uint64_t rows) {
+    const HashSetFacts &facts = set.facts();
+    TrailEntry entry;
+    entry.action = "Hash Set";
+    entry.detail =
+        fmt::format("{} in the {} set \"{}\" of {}, made {} of {}", counted(rows, "row"),
+                    wordOf(facts.meaning), facts.name, counted(set.count(), "hash", "hashes"),
+                    facts.added, counted(facts.sources.size(), "list"));
+    entry.rowCount = static_cast<std::int64_t>(rows);
+    if (!facts.sources.empty()) {
+        const HashListSource &first = facts.sources.front();
+        entry.filePath = first.file;
+        entry.fileSize = static_cast<std::int64_t>(first.size);
+        entry.md5Hash = first.md5;
+        entry.sha256Hash = first.sha256;
+    }
+    noteInTrail(program, entry);
+}
+
+} // namespace
+
+HashMatch matchOpenProject(Program &program, std::span<HashSetFile> sets, EarlierFindings earlier,
+                           TaskMonitor &task) {
+    requireSchema(program);
+    const HashMatch match =
+        matchHashSets(program.state.projectDB.connection(), sets, earlier, task);
+    if (!match.cancelled)
+        for (std::size_t at = 0; at < sets.size(); ++at)
+            noteHashSet(program, sets[at], match.rows.at(at));
+    return match;
+}
+
+std::unique_ptr<HashLookup> hashSetsForImport(const Program &program) {
+    if (!program.import.hashSets)
+        return nullptr;
+    std::vector<HashSetFile> sets = openHashSets(program.paths.hashSets());
+    if (sets.empty())
+        throw StorageFailure(fmt::format("there is no hash set in \"{}\": hashsets add makes one",
+                                         textOf(program.paths.hashSets())));
+    return std::make_unique<HashLookup>(std::move(sets));
+}
+
+void noteHashSets(Program &program, const HashLookup &sets) {
+    for (std::size_t at = 0; at < sets.sets().size(); ++at)
+        noteHashSet(program, sets.sets()[at], sets.found()[at]);
+}
+
+} // namespace nv

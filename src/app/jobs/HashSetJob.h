@@ -1,0 +1,25 @@
+#pragma once
+
+#include "app/program/Program.h"
+#include "base/TaskMonitor.h"
+#include "db/HashLookup.h"
+#include "views/HashMatch.h"
+
+#include <memory>
+#include <span>
+
+namespace nv {
+
+/// As matchHashSets() on the open project, and with an entry in its trail for each set: its name,
+/// the lists that it was made of, and how many rows were found. Throws StorageFailure too when the
+/// project is of an earlier build and has no place for what is found.
+HashMatch matchOpenProject(Program &program, std::span<HashSetFile> sets, EarlierFindings earlier,
+                           TaskMonitor &task);
+
+/// The examiner's hash sets, for an import; null when it doesn't ask for them. Throws
+/// StorageFailure when there are none or one is damaged.
+std::unique_ptr<HashLookup> hashSetsForImport(const Program &program);
+/// The entries in the trail of what an import has found in them.
+void noteHashSets(Program &program, const HashLookup &sets);
+
+} // namespace nv

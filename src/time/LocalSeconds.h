@@ -1,0 +1,35 @@
+#pragma once
+
+#include "time/TimeZone.h"
+
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+
+namespace nv {
+
+/// What the clock on the wall showed, for many dates: a zone is asked twice for each hour that has
+/// any, and for each date only in hours in which the clocks changed. A clock that is set back shows
+/// an hour twice.
+class LocalSeconds {
+  public:
+    /// `zone` must outlive this.
+    LocalSeconds(const TimeZone &zone, bool enableDSTChanges)
+        : m_zone(zone), m_enableDSTChanges(enableDSTChanges) {}
+
+    /// Seconds since 1970-01-01 00:00 by the zone's clock. Nothing without a date, and for one that
+    /// the zone moves out of the calendar. Throws std::range_error as convertDateToZone() does.
+    std::optional<std::int64_t> of(Date utc);
+
+  private:
+    std::optional<std::int64_t> offsetAt(std::int64_t utcSeconds) const;
+
+    const TimeZone &m_zone;
+    bool m_enableDSTChanges;
+    /// Of hours since 1970; none for those in which it changes.
+    std::unordered_map<std::int64_t, std::optional<std::int64_t>> m_offsets;
+    std::int64_t m_lastHour = 0;
+    std::optional<std::int64_t> m_lastOffset; ///< of that hour
+};
+
+} // namespace nv

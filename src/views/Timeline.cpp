@@ -1,0 +1,269 @@
+#include "views/Timeline.h"
+
+#include "base/NoLog.h"
+#include "base/Trap.h"
+#include "readers/RecordKind.h"
+#include "time/LocalSeconds.h"
+#include "views/RowWalk.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <utility>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kUnknownBrowser = "Unknown";
+constexpr std::string_view kOtherPart = "Other";
+/// Names of browsers come from evidence: more of them share the last part.
+constexpr std::size_t kMostParts = 64;
+
+std::string_view textIn(const SQLite::Column &column) {
+    const char *bytes = column.getText(); // before the length, which it settles
+    return {bytes, static_cast<std::size_t>(column.getBytes())};
+}
+
+/// The parts that events belong to, in the order in which they come.
+class Parts {
+  public:
+    Parts(TimeStack stack, std::vector<std::string> &names) : m_stack(stack), m_names(names) {
+        if (stack == TimeStack::none)
+            m_names.emplace_back();
+    }
+
+    std::uint16_t of(std::string_view cacheType, std::string_view browser) {
+        if (m_stack == TimeStack::none)
+            return 0;
+        if (m_hasLast && cacheType == m_lastType && browser == m_lastBrowser)
+            return m_last;
+        m_lastType = cacheType;
+        m_lastBrowser = browser;
+        m_hasLast = true;
+        const std::string_view name =
+            m_stack == TimeStack::kind ? groupWord(groupOf(cacheType)) : nameOf(cacheType, browser);
+        m_last = placeOf(name);
+        return m_last;
+    }
+
+  private:
+    static std::string_view nameOf(std::string_view cacheType, std::string_view browser) {
+        if (!browser.empty())
+            return browser;
+        const BrowserFamily *family = familyOf(cacheType);
+        return family ? family->name : kUnknownBrowser;
+    }
+
+    std::uint16_t placeOf(std::string_view name) {
+        auto found = m_places.find(name);
+        if (found == m_places.end() && m_names.size() + 1 >= kMostParts)
+            found = m_places.find(name = kOtherPart);
+        if (found == m_places.end()) {
+            m_names.emplace_back(name);
+            const auto place = static_cast<std::uint16_t>(m_names.size() - 1);
+            found = m_places.emplace(std::string(name), place).first;
+        }
+        return found->second;
+    }
+
+    TimeStack m_stack;
+    std::vector<std::string> &m_names;
+    std::map<std::string, std::uint16_t, std::less<>> m_places;
+    bool m_hasLast = false;
+    std::string m_lastType;
+    std::string m_lastBrowser;
+    std::uint16_t m_last = 0;
+};
+
+bool hasBrowser(SQLite::Database &project) {
+    return project
+               .execAndGet("SELECT count(*) FROM pragma_table_info('URLs') WHERE name = "
+                           "'Browser'")
+               .getInt() > 0;
+}
+
+/// A column that isn't needed is none, so that its page need not be read.
+std::string eventQuery(SQLite::Database &project, TimeStack stack) {
+    const bool browser = stack == TimeStack::browser && hasBrowser(project);
+    return fmt::format("SELECT URL_ID, ActionDateUTC, {}, {} FROM URLs WHERE URL_ID >= ? "
+                       "ORDER BY URL_ID",
+                       stack == TimeStack::none ? "NULL" : "CacheType",
+                       browser ? "Browser" : "NULL");
+}
+
+Date dateIn(const SQLite::Column &column) {
+    return column.isFloat() || column.isInteger() ? Date::fromDays(column.getDouble()) : Date();
+}
+
+} // namespace
+
+Walk loadEvents(SQLite::Database &project, const RowIds &ids, TimeStack stack, const TimeZone &zone,
+                bool enableDSTChanges, TaskMonitor &task, TimedEvents &events) {
+    RowIds sorted = ids;
+    std::ranges::sort(sorted);
+    SQLite::Statement row(project, eventQuery(project, stack));
+    RowWalk walk(row);
+    LocalSeconds clock(zone, enableDSTChanges);
+    static_cast<void>(clock.of(Date::fromUnixSeconds(0))); // a zone that can't be is no bad row
+    Parts parts(stack, events.parts);
+    events.seconds.reserve(sorted.size());
+    events.part.reserve(sorted.size());
+    const auto take = [&](std::int32_t id) {
+        if (!walk.goTo(id))
+            return;
+        const auto second = clock.of(dateIn(row.getColumn(1)));
+        events.undated += second ? 0 : 1;
+        if (!second)
+            return;
+        events.part.push_back(parts.of(textIn(row.getColumn(2)), textIn(row.getColumn(3))));
+        events.seconds.push_back(*second);
+    };
+    NoLog unheard; // whoever looks at the row logs its damage
+    double done = 0;
+    for (const std::int32_t id : sorted) {
+        if (!task.advance(done++ / static_cast<double>(sorted.size())))
+            return Walk::Cancelled;
+        if (failureOf(unheard, {}, [&] { take(id); }))
+            events.unread.insert(id);
+    }
+    return Walk::Finished;
+}
+
+TimeSpan wholeSpan(const TimedEvents &events) {
+    if (events.seconds.empty())
+        return {};
+    const auto [first, last] = std::ranges::minmax_element(events.seconds);
+    return {*first, *last + 1};
+}
+
+namespace {
+
+/// Slot and part of each event in the span, in the order of the slots.
+std::vector<std::pair<std::int64_t, std::uint16_t>>
+sortedSlots(const TimedEvents &events, TimeUnit unit, const TimeSpan &span) {
+    std::vector<std::pair<std::int64_t, std::uint16_t>> slots;
+    slots.reserve(events.seconds.size());
+    for (std::size_t at = 0; at < events.seconds.size(); ++at)
+        if (span.holds(events.seconds[at]))
+            slots.emplace_back(slotOf(events.seconds[at], unit), events.part[at]);
+    std::ranges::sort(slots);
+    return slots;
+}
+
+/// Rounded up.
+std::int64_t partsOf(std::int64_t whole, std::int64_t part) {
+    return (whole + part - 1) / part;
+}
+
+} // namespace
+
+std::vector<TimeSlot> slotsOf(const TimedEvents &events, TimeUnit unit, const TimeSpan &span) {
+    std::vector<TimeSlot> slots;
+    for (const auto &[slot, part] : sortedSlots(events, unit, span)) {
+        if (slots.empty() || slots.back().slot != slot)
+            slots.push_back({slot, 0, std::vector<std::uint32_t>(events.parts.size())});
+        ++slots.back().total;
+        ++slots.back().counts[part];
+    }
+    return slots;
+}
+
+std::vector<SlotHours> hoursOf(const TimedEvents &events, TimeUnit unit, const TimeSpan &span) {
+    std::vector<SlotHours> all;
+    for (const auto &[hour, part] : sortedSlots(events, TimeUnit::hour, span)) {
+        const std::int64_t second = startOf(hour, TimeUnit::hour);
+        const std::int64_t slot = slotOf(second, unit);
+        if (all.empty() || all.back().slot != slot)
+            all.push_back({slot, {}});
+        ++all.back().hours.at(static_cast<std::size_t>(hourOf(second)));
+    }
+    return all;
+}
+
+std::vector<DayGap> gapsOf(const TimedEvents &events, const TimeSpan &span, std::int64_t least) {
+    std::vector<DayGap> gaps;
+    const TimeSpan whole = wholeSpan(events);
+    if (whole.isEmpty() || span.isEmpty())
+        return gaps;
+    const std::int64_t first = slotOf(std::max(span.begin, whole.begin), TimeUnit::day);
+    const std::int64_t last = slotOf(std::min(span.end, whole.end) - 1, TimeUnit::day);
+    // A bit a day: ten thousand years are half a megabyte, and sorting a million events takes long.
+    std::vector<bool> isUsed(last < first ? 0 : static_cast<std::size_t>(last - first + 1));
+    for (const std::int64_t second : events.seconds)
+        if (span.holds(second))
+            isUsed[static_cast<std::size_t>(slotOf(second, TimeUnit::day) - first)] = true;
+    std::optional<std::int64_t> before;
+    for (std::int64_t day = first; day <= last; ++day) {
+        if (!isUsed[static_cast<std::size_t>(day - first)])
+            continue;
+        const DayGap gap{before.value_or(day) + 1, day - 1};
+        if (before && gap.days() >= std::max<std::int64_t>(least, 1))
+            gaps.push_back(gap);
+        before = day;
+    }
+    return gaps;
+}
+
+std::uint64_t TimeBars::totalOf(std::size_t bar) const {
+    std::uint64_t total = 0;
+    for (std::size_t part = 0; part < parts; ++part)
+        total += counts[bar * parts + part];
+    return total;
+}
+
+std::uint64_t TimeBars::highest() const {
+    std::uint64_t most = 0;
+    for (std::size_t bar = 0; bar < count; ++bar)
+        most = std::max(most, totalOf(bar));
+    return most;
+}
+
+TimeSpan TimeBars::spanOf(std::size_t from, std::size_t to) const {
+    const auto start = [&](std::size_t bar) {
+        return startOf(first + static_cast<std::int64_t>(bar) * step, unit);
+    };
+    return {start(from), start(to)};
+}
+
+TimeBars barsOf(const TimedEvents &events, TimeUnit unit, const TimeSpan &span,
+                std::size_t mostBars) {
+    TimeBars bars;
+    bars.unit = unit;
+    bars.parts = std::max<std::size_t>(events.parts.size(), 1);
+    if (span.isEmpty() || mostBars == 0)
+        return bars;
+    bars.first = slotOf(span.begin, unit);
+    const std::int64_t slots = slotOf(span.end - 1, unit) - bars.first + 1;
+    bars.step = partsOf(slots, static_cast<std::int64_t>(mostBars));
+    bars.count = static_cast<std::size_t>(partsOf(slots, bars.step));
+    bars.counts.resize(bars.count * bars.parts);
+    if (unit <= TimeUnit::day)
+        bars.hours.resize(bars.count);
+    const TimeSpan shown = bars.spanOf(0, bars.count);
+    for (std::size_t at = 0; at < events.seconds.size(); ++at) {
+        const std::int64_t second = events.seconds[at];
+        if (!shown.holds(second))
+            continue;
+        const auto bar = static_cast<std::size_t>((slotOf(second, unit) - bars.first) / bars.step);
+        ++bars.counts[bar * bars.parts + events.part[at]];
+        if (!bars.hours.empty())
+            ++bars.hours[bar].at(static_cast<std::size_t>(hourOf(second)));
+    }
+    return bars;
+}
+
+TimeUnit unitFor(const TimeSpan &span, std::size_t leastBars) {
+    for (const TimeUnit unit : {TimeUnit::year, TimeUnit::month, TimeUnit::day, TimeUnit::hour}) {
+        const std::int64_t slots =
+            span.isEmpty() ? 0 : slotOf(span.end - 1, unit) - slotOf(span.begin, unit) + 1;
+        if (slots >= static_cast<std::int64_t>(leastBars))
+            return unit;
+    }
+    return TimeUnit::minute;
+}
+
+} // namespace nv

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/TimeChart.h"
+#include "views/Timeline.h"
+
+#include <cstddef>
+
+namespace nv {
+
+/// The bars as they are drawn: the parts with most events first, days without any marked, and at
+/// most so many labels at round dates. Title and lines are left to the caller.
+TimeChart chartOf(const TimedEvents &events, const TimeBars &bars, std::size_t mostLabels);
+
+/// "one bar is a day", "one bar is 3 days".
+std::string barText(const TimeBars &bars);
+/// "year", "month" ...
+std::string_view wordOf(TimeUnit unit);
+
+} // namespace nv

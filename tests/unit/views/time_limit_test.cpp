@@ -1,0 +1,90 @@
+#include "time/ExactZone.h"
+#include "time/LocalSeconds.h"
+#include "unit/views/MadeProject.h"
+#include "views/TimeLimit.h"
+#include "views/UrlTable.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace nv {
+namespace {
+
+using testing::ElementsAre;
+
+std::int64_t secondsOf(const CivilTime &civil) {
+    return Date::fromCivil(civil).unixSeconds();
+}
+
+struct TimeLimitTest : testing::Test {
+    TimeLimitTest() {
+        setExactZone(project.zone, ExactZones("/usr/share/zoneinfo").find("Europe/Berlin"),
+                     Date::fromCivil({2011, 6, 15, 12, 0, 0}));
+    }
+    /// The limit's first moments, in UTC.
+    std::string textOf(const CivilTime &from, const CivilTime &to) {
+        const TimeLimit limit = limitOf({secondsOf(from), secondsOf(to)}, project.zone, true);
+        return isoUtc(limit.from) + " " + isoUtc(limit.to);
+    }
+    std::int32_t add(const CivilTime &utc) {
+        return static_cast<std::int32_t>(
+            project.add({{"ActionDateUTC", Date::fromCivil(utc).days()}}));
+    }
+
+    test::MadeProject project;
+    test::MemoryTask task;
+};
+
+TEST_F(TimeLimitTest, beginsWhenTheZonesClockShowsIt) {
+    EXPECT_EQ(textOf({2011, 1, 1, 0, 0, 0}, {2011, 7, 1, 0, 0, 0}),
+              "2010-12-31T23:00:00Z 2011-06-30T22:00:00Z");
+    // From 02:00 to 03:00 there is nothing on that day.
+    EXPECT_EQ(textOf({2011, 3, 27, 2, 0, 0}, {2011, 3, 27, 3, 0, 0}),
+              "2011-03-27T01:00:00Z 2011-03-27T01:00:00Z");
+    // The hour that comes twice is taken whole.
+    EXPECT_EQ(textOf({2011, 10, 30, 2, 0, 0}, {2011, 10, 30, 3, 0, 0}),
+              "2011-10-30T00:00:00Z 2011-10-30T02:00:00Z");
+}
+
+TEST_F(TimeLimitTest, leavesTheRowsOfItsTime) {
+    const std::int32_t before = add({2011, 2, 28, 22, 59, 59});
+    const std::int32_t first = add({2011, 2, 28, 23, 0, 0});
+    const std::int32_t last = add({2011, 3, 1, 22, 59, 59});
+    const std::int32_t after = add({2011, 3, 1, 23, 0, 0});
+    const auto undated = static_cast<std::int32_t>(project.add({{"ActionDateUTC", nullptr}}));
+    const auto text =
+        static_cast<std::int32_t>(project.add({{"ActionDateUTC", std::string("2011")}}));
+    RowIds ids{text, after, last, undated, first, before};
+    const TimeLimit limit = limitOf(
+        {secondsOf({2011, 3, 1, 0, 0, 0}), secondsOf({2011, 3, 2, 0, 0, 0})}, project.zone, true);
+    EXPECT_EQ(keepWithin(project.db(), limit, task, ids), Walk::Finished);
+    EXPECT_THAT(ids, ElementsAre(last, first));
+    const TimeLimit everything = limitOf(
+        {secondsOf({100, 1, 1, 0, 0, 0}) - 86400, secondsOf({9999, 12, 31, 23, 59, 59}) + 86400},
+        project.zone, true);
+    ids = {before, undated};
+    EXPECT_EQ(keepWithin(project.db(), everything, task, ids), Walk::Finished);
+    EXPECT_THAT(ids, ElementsAre(before));
+}
+
+TEST_F(TimeLimitTest, aTableHidesTheOthersAndKnowsThem) {
+    add({2011, 2, 1, 12, 0, 0});
+    const std::int32_t within = add({2011, 3, 1, 12, 0, 0});
+    test::MemoryLog log;
+    UrlTable table(project.db(), log, project.zone);
+    table.time = limitOf({secondsOf({2011, 3, 1, 0, 0, 0}), secondsOf({2011, 3, 2, 0, 0, 0})},
+                         project.zone, true);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
+    EXPECT_THAT(table.ids(), ElementsAre(within));
+    EXPECT_EQ(table.hiddenCount(), 1U);
+    EXPECT_EQ(table.idsOfAllTimes().size(), 2U);
+    EXPECT_EQ(table.sortBy(UrlColumn::Id, SortDirection::Descending, task), LoadResult::Loaded);
+    EXPECT_THAT(table.ids(), ElementsAre(within));
+    table.time.reset();
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.ids().size(), 2U);
+    EXPECT_EQ(table.idsOfAllTimes().size(), 2U);
+}
+
+} // namespace
+} // namespace nv
