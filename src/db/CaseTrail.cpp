@@ -18,13 +18,6 @@ constexpr const char *kSelect =
     "SELECT Trail_ID, ActionDateUTC, Action, Detail, FilePath, FileSize, MD5Hash, SHA256Hash, "
     "RowCount, AppVersion FROM AuditTrail ORDER BY Trail_ID";
 
-/// What is written stays as it was written.
-constexpr const char *kGuards =
-    "CREATE TRIGGER AuditTrail_NoUpdate BEFORE UPDATE ON AuditTrail BEGIN "
-    "SELECT RAISE(ABORT, 'the case trail can''t be changed'); END;"
-    "CREATE TRIGGER AuditTrail_NoDelete BEFORE DELETE ON AuditTrail BEGIN "
-    "SELECT RAISE(ABORT, 'the case trail can''t be changed'); END";
-
 TrailEntry entryOf(SQLite::Statement &row) {
     return {row.getColumn(0).getInt64(),  Date::fromDays(row.getColumn(1).getDouble()),
             row.getColumn(2).getString(), row.getColumn(3).getString(),
@@ -35,16 +28,9 @@ TrailEntry entryOf(SQLite::Statement &row) {
 
 } // namespace
 
-void CaseTrail::makeTable() {
-    if (m_database.tableExists(kCaseTrailTable))
-        return;
-    SchemaCatalogue(m_database).add(schema::auditTrail());
-    m_database.exec(kGuards);
-}
-
 void CaseTrail::add(const TrailEntry &entry) {
     onProject(m_database, [&] {
-        makeTable();
+        SchemaCatalogue(m_database).addOnFirstUse(kCaseTrailTable);
         SQLite::Statement insert(m_database, kInsert);
         insert.bind(1, entry.actionDateUTC.days());
         insert.bind(2, entry.action);

@@ -39,8 +39,6 @@ class CaseTrail {
     void add(const TrailEntry &entry);
     /// In order of the doing.
     std::vector<TrailEntry> entries() const;
-    /// Where there is none yet.
-    void makeTable();
 
   private:
     SQLite::Database &m_database;

@@ -9,14 +9,9 @@
 
 namespace nv {
 
-void PartChoices::makeTable() {
-    if (!m_database.tableExists(kPartChoicesTable))
-        SchemaCatalogue(m_database).add(schema::partChoices());
-}
-
 void PartChoices::choose(UrlId page, const std::string &address, UrlId part) {
     Savepoint whole(m_database);
-    makeTable();
+    SchemaCatalogue(m_database).addOnFirstUse(kPartChoicesTable);
     forget(page, address);
     SQLite::Statement insert(
         m_database, "INSERT INTO PartChoices (URL_ID, Address, PartURL_ID) VALUES (?, ?, ?)");

@@ -26,8 +26,6 @@ class PartChoices {
     void forget(UrlId page, const std::string &address);
     /// By address.
     std::map<std::string, UrlId> of(UrlId page) const;
-    /// Where there is none yet.
-    void makeTable();
 
   private:
     SQLite::Database &m_database;

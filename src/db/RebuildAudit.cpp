@@ -26,11 +26,6 @@ std::vector<std::int64_t> numbersIn(std::string_view text) {
 
 } // namespace
 
-void RebuildAudit::makeTable() {
-    if (!m_database.tableExists(kRebuildAuditTable))
-        SchemaCatalogue(m_database).add(schema::rebuildAudit());
-}
-
 void RebuildAudit::forget(UrlId page) {
     SQLite::Statement remove(m_database, "DELETE FROM RebuildAudit WHERE URL_ID = ?");
     bindId(remove, 1, page);
@@ -39,7 +34,7 @@ void RebuildAudit::forget(UrlId page) {
 
 void RebuildAudit::store(UrlId page, std::span<const ReferenceNote> notes) {
     Savepoint whole(m_database);
-    makeTable();
+    SchemaCatalogue(m_database).addOnFirstUse(kRebuildAuditTable);
     forget(page);
     SQLite::Statement insert(m_database, "INSERT INTO RebuildAudit (URL_ID, Reference, "
                                          "AccuracyScore, Rewritten, Candidates) "

@@ -34,8 +34,6 @@ class RebuildAudit {
     void store(UrlId page, std::span<const ReferenceNote> notes);
     /// By the number of the line, from 1.
     std::map<std::size_t, ReferenceNote> notes(UrlId page) const;
-    /// Where there is none yet.
-    void makeTable();
 
   private:
     void forget(UrlId page);

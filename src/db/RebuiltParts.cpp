@@ -77,11 +77,6 @@ PartNote noteIn(SQLite::Statement &row) {
 
 } // namespace
 
-void RebuiltParts::makeTable() {
-    if (!m_database.tableExists(kRebuiltPartsTable))
-        SchemaCatalogue(m_database).add(schema::rebuiltParts());
-}
-
 void RebuiltParts::forget(UrlId page) {
     if (!m_database.tableExists(kRebuiltPartsTable))
         return;
@@ -92,7 +87,7 @@ void RebuiltParts::forget(UrlId page) {
 
 void RebuiltParts::store(UrlId page, std::span<const PartNote> notes) {
     Savepoint whole(m_database);
-    makeTable();
+    SchemaCatalogue(m_database).addOnFirstUse(kRebuiltPartsTable);
     forget(page);
     SQLite::Statement insert(m_database,
                              fmt::format("INSERT INTO RebuiltParts (URL_ID, Reference, {}) VALUES "

@@ -71,8 +71,6 @@ class RebuiltParts {
     std::vector<PartNote> notes(UrlId page) const;
     /// Of a page that is rebuilt in another way from now on.
     void forget(UrlId page);
-    /// Where there is none yet.
-    void makeTable();
 
   private:
     SQLite::Database &m_database;

@@ -25,6 +25,7 @@ struct Table {
     std::string_view name;
     std::string_view primaryKey; ///< the key's name in the catalogue; empty for none
     std::span<const Column> columns;
+    std::string_view guards = {}; ///< SQL that is run once the table stands; empty for none
 };
 
 struct Relationship {
@@ -46,13 +47,8 @@ inline constexpr std::size_t kTablesBeforeQueries = 7;
 
 /// The tables of a new project, in the order of their making.
 std::span<const Table> projectTables();
-/// Made on first use only.
-const Table &auditTrail();
-const Table &rebuildAudit();
-const Table &rebuiltParts();
-const Table &partChoices();
-const Table &searchResults();
-const Table &searchHits();
+/// Those that a project gets when something is first kept in them. A fix moves them too.
+std::span<const Table> tablesOfFirstUse();
 /// In the order of their making.
 std::span<const Relationship> relationships();
 /// Besides the keys. A relationship that is followed from its parent has one of its own name.

@@ -30,6 +30,16 @@ void SchemaCatalogue::add(const schema::Table &table) {
         m_database.exec(schema::createStatement(index));
         noteIndex(index, false);
     }
+    if (!table.guards.empty())
+        m_database.exec(std::string(table.guards));
+}
+
+void SchemaCatalogue::addOnFirstUse(std::string_view table) {
+    if (m_database.tableExists(std::string(table)))
+        return;
+    for (const schema::Table &known : schema::tablesOfFirstUse())
+        if (known.name == table)
+            add(known);
 }
 
 void SchemaCatalogue::noteColumns(const schema::Table &table) {

@@ -19,6 +19,8 @@ class SchemaCatalogue {
     void create();
     /// Makes the table with its indexes, and notes it.
     void add(const schema::Table &table);
+    /// One of schema::tablesOfFirstUse(), where the project has none yet.
+    void addOnFirstUse(std::string_view table);
     void noteRelationships();
 
   private:

@@ -118,6 +118,12 @@ constexpr Column kAuditTrail[] = {
     {"AppVersion", Text, 20, false, "Version", "Of the program that did it"},
 };
 
+constexpr std::string_view kTrailStaysAsWritten =
+    "CREATE TRIGGER AuditTrail_NoUpdate BEFORE UPDATE ON AuditTrail BEGIN "
+    "SELECT RAISE(ABORT, 'the case trail can''t be changed'); END;"
+    "CREATE TRIGGER AuditTrail_NoDelete BEFORE DELETE ON AuditTrail BEGIN "
+    "SELECT RAISE(ABORT, 'the case trail can''t be changed'); END";
+
 constexpr Column kRebuildAudit[] = {
     {"Audit_ID", Long, 0, true, "Audit_ID", "Unique record ID"},
     {"URL_ID", Long, 0, false, "URL ID", "The rebuilt page"},
@@ -214,34 +220,16 @@ std::span<const Table> projectTables() {
     return tables;
 }
 
-const Table &auditTrail() {
-    static const Table table{"AuditTrail", "Trail_ID_PK", kAuditTrail};
-    return table;
-}
-
-const Table &rebuildAudit() {
-    static const Table table{"RebuildAudit", "Audit_ID_PK", kRebuildAudit};
-    return table;
-}
-
-const Table &rebuiltParts() {
-    static const Table table{"RebuiltParts", "Part_ID_PK", kRebuiltParts};
-    return table;
-}
-
-const Table &partChoices() {
-    static const Table table{"PartChoices", "Choice_ID_PK", kPartChoices};
-    return table;
-}
-
-const Table &searchResults() {
-    static const Table table{"SearchResults", "Result_ID_PK", kSearchResults};
-    return table;
-}
-
-const Table &searchHits() {
-    static const Table table{"SearchHits", "", kSearchHits};
-    return table;
+std::span<const Table> tablesOfFirstUse() {
+    static const std::array<Table, 6> tables = {{
+        {"AuditTrail", "Trail_ID_PK", kAuditTrail, kTrailStaysAsWritten},
+        {"RebuildAudit", "Audit_ID_PK", kRebuildAudit},
+        {"RebuiltParts", "Part_ID_PK", kRebuiltParts},
+        {"PartChoices", "Choice_ID_PK", kPartChoices},
+        {"SearchResults", "Result_ID_PK", kSearchResults},
+        {"SearchHits", "", kSearchHits},
+    }};
+    return tables;
 }
 
 std::span<const Relationship> relationships() {

@@ -37,13 +37,6 @@ std::string queryOfResult(std::int64_t resultID) {
                        resultID);
 }
 
-void SearchResults::makeTable() {
-    if (!m_database.tableExists(kSearchResultsTable))
-        SchemaCatalogue(m_database).add(schema::searchResults());
-    if (!m_database.tableExists(kSearchHitsTable))
-        SchemaCatalogue(m_database).add(schema::searchHits());
-}
-
 std::vector<SearchResult> SearchResults::list() const {
     std::vector<SearchResult> all;
     if (!m_database.tableExists(kSearchResultsTable))
@@ -97,7 +90,8 @@ void SearchResults::add(const SearchResult &result, std::size_t count,
                         const std::function<ResultHit(std::size_t)> &hit) {
     onProject(m_database, [&] {
         Savepoint whole(m_database);
-        makeTable();
+        SchemaCatalogue(m_database).addOnFirstUse(kSearchResultsTable);
+        SchemaCatalogue(m_database).addOnFirstUse(kSearchHitsTable);
         const std::int64_t id = addResult(result);
         SQLite::Statement insert(m_database, "INSERT INTO SearchHits (Result_ID, URL_ID, Term, "
                                              "Field, Hits) VALUES (?, ?, ?, ?, ?)");

@@ -59,8 +59,6 @@ class SearchResults {
              const std::function<ResultHit(std::size_t)> &hit);
     /// The result, its hits and its query, where that is still the result's own.
     void remove(const SearchResult &result);
-    /// Where there are none yet.
-    void makeTable();
 
   private:
     std::int64_t addResult(const SearchResult &result);

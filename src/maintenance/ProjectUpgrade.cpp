@@ -6,11 +6,8 @@
 #include "base/Trap.h"
 #include "db/CaseTrail.h"
 #include "db/Connection.h"
-#include "db/PartChoices.h"
 #include "db/ProjectDatabase.h"
-#include "db/RebuildAudit.h"
-#include "db/RebuiltParts.h"
-#include "db/SearchResults.h"
+#include "db/SchemaCatalogue.h"
 #include "db/SideFiles.h"
 #include "db/SqliteErrors.h"
 #include "maintenance/ProjectLock.h"
@@ -68,13 +65,9 @@ class Migration {
                 done(table);
             ++place;
         }
-        if (!moveMadeOnFirstUse<CaseTrail>(kCaseTrailTable) ||
-            !moveMadeOnFirstUse<RebuildAudit>(kRebuildAuditTable) ||
-            !moveMadeOnFirstUse<RebuiltParts>(kRebuiltPartsTable) ||
-            !moveMadeOnFirstUse<PartChoices>(kPartChoicesTable) ||
-            !moveMadeOnFirstUse<SearchResults>(kSearchResultsTable) ||
-            !moveMadeOnFirstUse<SearchResults>(kSearchHitsTable))
-            return false;
+        for (const schema::Table &table : schema::tablesOfFirstUse())
+            if (!moveOfFirstUse(std::string(table.name)))
+                return false;
         moveRowNumbers(m_from, m_to);
         return true;
     }
@@ -82,14 +75,14 @@ class Migration {
   private:
     /// What was done with the case, what the audit shows of rebuilt pages, what was chosen for them
     /// and what searches have found isn't lost with the old file. Numbers and guards stay.
-    template <class Table>
-    bool moveMadeOnFirstUse(const char *name) {
-        if (!m_from.tableExists(name))
+    bool moveOfFirstUse(const std::string &table) {
+        if (!m_from.tableExists(table))
             return true;
-        Table(m_to).makeTable();
+        SchemaCatalogue(m_to).addOnFirstUse(table);
         SubTask part(m_task, 1, 1);
-        return moveOne(name, part);
+        return moveOne(table, part);
     }
+
     bool moveOne(const std::string &table, TaskMonitor &part) {
         if (!m_from.tableExists(table))
             return m_task.advance(0);

@@ -1,12 +1,8 @@
 #include "maintenance/SchemaScan.h"
 
 #include "base/Text.h"
-#include "db/CaseTrail.h"
 #include "db/Dialect.h"
-#include "db/PartChoices.h"
-#include "db/RebuildAudit.h"
-#include "db/RebuiltParts.h"
-#include "db/SearchResults.h"
+#include "db/Schema.h"
 #include "maintenance/StatusText.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -89,14 +85,11 @@ bool isMoved(std::string_view table) {
         kMovedTables, [table](std::string_view moved) { return equalsNoCase(moved, table); });
 }
 
-/// They are made on first use, so that the reference has none, and a fix moves them.
+/// A table of that name that another build made in another form stays behind.
 bool isMovedWhenThere(const TableShape &table) {
-    return (equalsNoCase(table.name, kCaseTrailTable) && table.column("Trail_ID")) ||
-           (equalsNoCase(table.name, kRebuildAuditTable) && table.column("Audit_ID")) ||
-           (equalsNoCase(table.name, kRebuiltPartsTable) && table.column("Part_ID")) ||
-           (equalsNoCase(table.name, kPartChoicesTable) && table.column("Choice_ID")) ||
-           (equalsNoCase(table.name, kSearchResultsTable) && table.column("Result_ID")) ||
-           (equalsNoCase(table.name, kSearchHitsTable) && table.column("Result_ID"));
+    return std::ranges::any_of(schema::tablesOfFirstUse(), [&table](const schema::Table &known) {
+        return equalsNoCase(table.name, known.name) && table.column(known.columns.front().name);
+    });
 }
 
 std::int64_t rowsOf(SQLite::Database &database, std::string_view table) {

@@ -27,8 +27,8 @@ struct SchemaDifference {
 };
 inline constexpr std::string_view kDifferenceHeadings[] = {"TABLE", "OBJECT", "NAME", "STATUS"};
 
-/// Tables that a fix moves, in the order of its moving. The case trail and the audit of rebuilt
-/// pages, where there are any, come after them.
+/// Tables that a fix moves, in the order of its moving. Those of first use
+/// (schema::tablesOfFirstUse()), where there are any, come after them.
 inline constexpr std::string_view kMovedTables[] = {
     "DefaultSettings", "StoredQueries", "SourceFiles", "URLs",         "Links",
     "URLMetaData",     "Tags",          "TagOptions",  "LinkAnalysis", "RecordFacts"};
