@@ -2,9 +2,9 @@
 
 #include "base/NoLog.h"
 #include "base/Trap.h"
+#include "db/RowWalk.h"
 #include "readers/RecordKind.h"
 #include "time/LocalSeconds.h"
-#include "views/RowWalk.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
