@@ -7,7 +7,7 @@
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "db/SqliteErrors.h"
-#include "search/RowReader.h"
+#include "search/SearchedRowReader.h"
 
 #include <fmt/format.h>
 

@@ -5,7 +5,7 @@
 #include "cli/SearchedRows.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
-#include "search/RowReader.h"
+#include "search/SearchedRowReader.h"
 #include "time/DateFormat.h"
 
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/TaskMonitor.h"
-#include "search/RowReader.h"
+#include "search/SearchedRowReader.h"
 
 #include <SQLiteCpp/Statement.h>
 
@@ -46,7 +46,7 @@ class IndexFill {
     void keepUnread();
 
     SQLite::Database &m_index;
-    RowReader m_reader;
+    SearchedRowReader m_reader;
     bool m_fillsParts;
     std::int32_t m_round = 0; ///< of this pass: the upper half of its numbers
     std::vector<Known> m_known;

@@ -1,7 +1,7 @@
 #include "search/KeywordRun.h"
 
 #include "search/KeywordTexts.h"
-#include "search/RowReader.h"
+#include "search/SearchedRowReader.h"
 
 #include <algorithm>
 
@@ -42,7 +42,7 @@ KeywordFound findKeywords(SQLite::Database &project, KeywordTexts &terms, TaskMo
                           std::size_t mostHits) {
     KeywordFound found;
     RowCounts counts(found, terms.count(), mostHits);
-    RowReader reader(project);
+    SearchedRowReader reader(project);
     while (!found.isCancelled && reader.next()) {
         ++found.rowsLooked;
         bool isFound = false;

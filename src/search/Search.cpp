@@ -2,7 +2,7 @@
 
 #include "db/SqliteErrors.h"
 #include "readers/RecordKind.h"
-#include "search/RowReader.h"
+#include "search/SearchedRowReader.h"
 
 #include <algorithm>
 #include <map>
@@ -113,7 +113,7 @@ Told askIndex(SearchIndex &index, const RowMatch &match, std::size_t most) {
 /// Those of `from` that meet conditions that only their texts tell of.
 void lookThrough(SQLite::Database &project, RowMatch &match, const Told &told, TaskMonitor &task,
                  std::size_t most, SearchFound &found) {
-    RowReader reader(project, textsOf(match));
+    SearchedRowReader reader(project, textsOf(match));
     const std::vector<SearchClause> &clauses = match.query().clauses;
     std::size_t done = 0;
     for (const std::int32_t id : *told.ids) {
@@ -223,7 +223,7 @@ SearchFound findRows(SQLite::Database &project, SearchIndex &index, RowMatch &ma
 SearchFound scanRows(SQLite::Database &project, RowMatch &match, TaskMonitor &task,
                      std::size_t most) {
     SearchFound found;
-    RowReader reader(project, textsOf(match));
+    SearchedRowReader reader(project, textsOf(match));
     while ((most == 0 || found.ids.size() < most) && reader.next()) {
         if (match.meets(reader.row()))
             found.ids.push_back(reader.row().id);

@@ -1,4 +1,4 @@
-#include "search/RowReader.h"
+#include "search/SearchedRowReader.h"
 
 #include "base/NoLog.h"
 #include "base/Text.h"
@@ -126,7 +126,7 @@ bool FactLines::of(std::int32_t id, std::string &lines) {
     return !m_isDamaged;
 }
 
-RowReader::RowReader(SQLite::Database &project, RowTexts which)
+SearchedRowReader::SearchedRowReader(SQLite::Database &project, RowTexts which)
     : m_rows(project, statementFor(project, which)), m_facts(project) {
     m_greatest = numberOf(
         project, fmt::format("SELECT max(URL_ID) FROM URLs WHERE URL_ID <= {}", kLastListed));
@@ -140,14 +140,14 @@ RowReader::RowReader(SQLite::Database &project, RowTexts which)
     m_look.emplace(m_rows);
 }
 
-bool RowReader::next() {
+bool SearchedRowReader::next() {
     if (m_walk->next() != KeyStep::Row)
         return false;
     take();
     return true;
 }
 
-bool RowReader::goTo(std::int32_t id) {
+bool SearchedRowReader::goTo(std::int32_t id) {
     NoLog unheard;
     const bool isThere = trapped(unheard, Severity::Low, {}, {}, std::optional<bool>(), [&] {
                              return std::optional(m_look->goTo(id));
@@ -159,13 +159,13 @@ bool RowReader::goTo(std::int32_t id) {
     return isThere;
 }
 
-double RowReader::fraction() const {
+double SearchedRowReader::fraction() const {
     if (m_greatest <= 0)
         return 0;
     return std::min(1.0, static_cast<double>(m_row.id) / static_cast<double>(m_greatest));
 }
 
-void RowReader::take() {
+void SearchedRowReader::take() {
     int at = 0;
     m_row.id = static_cast<std::int32_t>(m_rows.getColumn(at++).getInt64());
     for (const SearchField field : {SearchField::address, SearchField::title, SearchField::host,

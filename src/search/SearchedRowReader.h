@@ -41,9 +41,9 @@ class FactLines {
 
 /// Reads the rows of a project, one after the other, as they are searched. What damage hides is
 /// passed over and remembered. Must be gone before the connection is closed.
-class RowReader {
+class SearchedRowReader {
   public:
-    explicit RowReader(SQLite::Database &project, RowTexts which = RowTexts::all);
+    explicit SearchedRowReader(SQLite::Database &project, RowTexts which = RowTexts::all);
 
     /// Goes to the next row. Throws what the database says of anything but damage.
     bool next();
