@@ -45,7 +45,7 @@ void writeHits(Session &session, const Arguments &arguments, const KeywordList &
     const auto writer =
         makeRowWriter(arguments.format, session.out,
                       {"URL_ID", "Term", "Field", "Hits", "Snippet", "Host", "URL"});
-    RowReader reader(session.program.state.projectDB.connection());
+    SearchedRowReader reader(session.program.state.projectDB.connection());
     for (const KeywordHit &hit : found.hits) {
         if (interrupted)
             break;

@@ -31,8 +31,8 @@ void writeRows(Session &session, const Arguments &arguments, const FoundIds &ids
     const auto writer =
         makeRowWriter(arguments.format, session.out,
                       {"URL_ID", "Type", "ActionDateUTC", "Host", "Field", "Snippet", "URL"});
-    RowReader reader(session.program.state.projectDB.connection(),
-                     arguments.values ? RowTexts::values : RowTexts::all);
+    SearchedRowReader reader(session.program.state.projectDB.connection(),
+                             arguments.values ? RowTexts::values : RowTexts::all);
     std::int64_t written = 0;
     for (const std::int32_t id : ids) {
         if (interrupted || (arguments.limit && written++ >= *arguments.limit))
