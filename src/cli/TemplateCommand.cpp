@@ -112,10 +112,10 @@ Exit create(Session &session, const Arguments &arguments) {
 
 Exit list(Session &session, const Arguments &arguments) {
     const auto writer =
-        makeRowWriter(arguments.format, session.out, {"file", "title", "files", "bytes"});
+        makeRowWriter(arguments.format, session.out, {"file", "title", "files", "bytes", "method"});
     const fs::path folder = folderOf(session.program, arguments);
     for (const TemplateRow &row : listTemplates(folder, session.program.log))
-        writer->row({textOf(row.file), row.webpageTitle, row.files, row.bytes});
+        writer->row({textOf(row.file), row.webpageTitle, row.files, row.bytes, row.method});
     writer->finish();
     return Exit::ok;
 }

@@ -27,4 +27,13 @@ bool isRebuiltExactly(const UrlRecord &page) {
     return page.CacheFileRebuilt && page.RebuiltMethod == kExactMethod;
 }
 
+RebuildMethod shownMethod(const UrlRecord &page) {
+    const bool isOfTemplate = page.CacheFileRebuilt && page.RebuiltMethod == kExactTemplateMethod;
+    return isOfTemplate || isRebuiltExactly(page) ? RebuildMethod::exact : RebuildMethod::classic;
+}
+
+std::string_view wordOf(RebuildMethod method) {
+    return method == RebuildMethod::exact ? "exact" : "classic";
+}
+
 } // namespace nv

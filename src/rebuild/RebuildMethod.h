@@ -23,6 +23,9 @@ MethodChoice methodChoice(std::string_view word);
 /// What `RebuiltMethod` of a row says.
 inline constexpr std::string_view kClassicMethod = "Cache";
 inline constexpr std::string_view kExactMethod = "Cache, exact";
+/// Of a page over which a template was laid that shows a page as it was rebuilt exactly. A template
+/// of a classic one leaves kClassicMethod.
+inline constexpr std::string_view kExactTemplateMethod = "Exact template";
 
 /// Automatic is exact for pages of the caches of today's browsers, whose rows tell their layout.
 /// Throws the database's errors.
@@ -30,5 +33,10 @@ RebuildMethod methodFor(const UrlRecord &page, MethodChoice choice, RecordStore 
 
 /// Whether the page was last rebuilt exactly.
 bool isRebuiltExactly(const UrlRecord &page);
+/// By which method what the page shows was rebuilt, be it from a template.
+RebuildMethod shownMethod(const UrlRecord &page);
+
+/// "classic", "exact".
+std::string_view wordOf(RebuildMethod method);
 
 } // namespace nv

@@ -3,7 +3,6 @@
 #include "base/Files.h"
 #include "db/BindId.h"
 #include "db/Savepoint.h"
-#include "rebuild/RebuildMethod.h"
 #include "time/DateFormat.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -37,13 +36,29 @@ void storeRow(UrlRecord &page, std::string_view method, const RebuildContext &ct
 
 } // namespace
 
-void storeRebuilt(UrlRecord &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
-                  const Clock &clock) {
+namespace {
+
+void storeClassically(UrlRecord &page, std::string_view method,
+                      std::span<const ReferenceNote> notes, const RebuildContext &ctx,
+                      const Clock &clock) {
     Savepoint whole(ctx.project);
-    storeRow(page, kClassicMethod, ctx, clock);
+    storeRow(page, method, ctx, clock);
     RebuildAudit(ctx.project).store(page.URLID, notes);
     RebuiltParts(ctx.project).forget(page.URLID);
     whole.release();
+}
+
+} // namespace
+
+void storeRebuilt(UrlRecord &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
+                  const Clock &clock) {
+    storeClassically(page, kClassicMethod, notes, ctx, clock);
+}
+
+void storeFromTemplate(UrlRecord &page, RebuildMethod method, const RebuildContext &ctx,
+                       const Clock &clock) {
+    storeClassically(page, method == RebuildMethod::exact ? kExactTemplateMethod : kClassicMethod,
+                     {}, ctx, clock);
 }
 
 void storeRebuiltExactly(UrlRecord &page, std::span<const PartNote> notes,

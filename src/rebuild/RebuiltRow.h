@@ -5,6 +5,7 @@
 #include "db/RebuiltParts.h"
 #include "db/UrlRecord.h"
 #include "rebuild/RebuildContext.h"
+#include "rebuild/RebuildMethod.h"
 
 #include <span>
 #include <string>
@@ -22,6 +23,10 @@ inline constexpr std::string_view kRebuiltTimeFormat = "dd-mm-yyyy Hh:Nn:Ss";
 /// archive of an earlier one goes. `RebuiltDateTime` is a text in the machine's local time.
 void storeRebuilt(UrlRecord &page, std::span<const ReferenceNote> notes, const RebuildContext &ctx,
                   const Clock &clock);
+
+/// The same of a page over which a template was laid, whose own page was rebuilt by `method`.
+void storeFromTemplate(UrlRecord &page, RebuildMethod method, const RebuildContext &ctx,
+                       const Clock &clock);
 
 /// The same of a page that was rebuilt exactly; `notes` tell of its references.
 void storeRebuiltExactly(UrlRecord &page, std::span<const PartNote> notes,

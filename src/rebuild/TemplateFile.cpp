@@ -17,6 +17,8 @@ namespace {
 constexpr std::size_t kHeaderSize = 0x1000;
 constexpr std::size_t kHashOffsetAt = 0x200;
 constexpr std::size_t kHashSizeAt = 0x204;
+constexpr std::size_t kMethodAt = 0x208;
+constexpr std::size_t kMethodSize = 8;
 constexpr std::size_t kTitleSizeAt = 0x3FC;
 constexpr std::size_t kTitleAt = 0x400;
 constexpr std::string_view kMark = "NV\xBB\xBB";
@@ -81,9 +83,8 @@ void addRecord(PageTemplate &made, std::string_view piece, ByteView bytes) {
 
 } // namespace
 
-std::string templateBytes(TemplateRecordsCollection &records, std::string_view webpageTitle,
-                          std::string_view version) {
-    std::string bytes = header(version);
+std::string templateBytes(TemplateRecordsCollection &records, const TemplateHead &head) {
+    std::string bytes = header(head.version);
     for (TemplateRecord &record : records) {
         const Bytes content = readWhole(record.filePath);
         // The page comes first; what it is called there doesn't depend on its id in this project.
@@ -95,9 +96,11 @@ std::string templateBytes(TemplateRecordsCollection &records, std::string_view w
     }
     const std::string hash = toAnsi(hashSection(records));
     // A longer title would run into the first record.
-    const std::string title = toAnsi(webpageTitle).substr(0, kHeaderSize - kTitleAt);
+    const std::string title = toAnsi(head.webpageTitle).substr(0, kHeaderSize - kTitleAt);
     put32(bytes, kHashOffsetAt, bytes.size());
     put32(bytes, kHashSizeAt, hash.size());
+    const std::string_view method = head.method.substr(0, kMethodSize);
+    bytes.replace(kMethodAt, method.size(), method);
     put32(bytes, kTitleSizeAt, title.size());
     bytes.replace(kTitleAt, title.size(), title);
     return bytes.append(hash).append(kClosing);
@@ -108,6 +111,9 @@ PageTemplate readTemplate(ByteView bytes) {
     made.fileSize = bytes.size();
     made.hashOffset = bytes.u32le(kHashOffsetAt);
     made.hashSize = bytes.u32le(kHashSizeAt);
+    for (const std::string_view word : {"classic", "exact"})
+        if (std::string_view(bytes.sub(kMethodAt, kMethodSize).raw()).starts_with(word))
+            made.method = word;
     made.titleSize = bytes.u32le(kTitleSizeAt);
     made.webpageTitle = fromAnsi(bytes.sub(kTitleAt, made.titleSize));
     if (!bytes.has(made.hashOffset, made.hashSize))

@@ -28,6 +28,8 @@ using TemplateRecordsCollection = KeyedList<TemplateRecord>;
 
 /// One template file.
 struct PageTemplate {
+    std::string method;     ///< "classic" or "exact": by which its page was rebuilt; empty in older
+                            ///< files
     std::string auditTable; ///< of older files; nothing reads it
     std::string hashTable;
     std::uint64_t fileSize = 0;
@@ -42,10 +44,15 @@ struct PageTemplate {
 
 inline constexpr std::string_view kTemplatePage = "0000001.htm";
 
-/// The bytes of a template: `version` is "major.minor.revision" of the program, the records' files
-/// are read. Throws FileFailure.
-std::string templateBytes(TemplateRecordsCollection &records, std::string_view webpageTitle,
-                          std::string_view version);
+/// What a template says of its page.
+struct TemplateHead {
+    std::string_view webpageTitle;
+    std::string_view method;  ///< "classic" or "exact"
+    std::string_view version; ///< of the program: "major.minor.revision"
+};
+
+/// The bytes of a template; the records' files are read. Throws FileFailure.
+std::string templateBytes(TemplateRecordsCollection &records, const TemplateHead &head);
 
 /// Reads the index of a template. Without a hash section there are no records; a record that lies
 /// outside of the bytes is left out. Throws OutOfBytes for a file that ends within its header.

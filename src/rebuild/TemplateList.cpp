@@ -35,6 +35,7 @@ void readIndex(TemplateRow &row) {
     const Bytes bytes = readWhole(row.file);
     const PageTemplate made = readTemplate(ByteView(bytes));
     row.webpageTitle = made.webpageTitle;
+    row.method = made.method;
     row.files = made.records.count();
 }
 

@@ -15,6 +15,7 @@ namespace nv {
 struct TemplateRow {
     std::filesystem::path file;
     std::string webpageTitle;
+    std::string method;      ///< "classic" or "exact"; empty when the file doesn't say
     std::size_t files = 0;   ///< stored in it, the page included
     std::uint64_t bytes = 0; ///< of the file itself
     Clock::TimePoint changed;

@@ -13,6 +13,7 @@
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/PageText.h"
+#include "rebuild/RebuildMethod.h"
 #include "rebuild/RebuiltRow.h"
 #include "rebuild/Replacement.h"
 #include "rebuild/Tags.h"
@@ -189,7 +190,8 @@ bool applyTemplate(UrlRecord &page, const fs::path &file, const RebuildContext &
     Savepoint whole(ctx.project);
     if (!storeIngredientIDs(page, ctx))
         return false;
-    storeRebuilt(page, {}, ctx, clock);
+    const bool isExact = made.method == wordOf(RebuildMethod::exact);
+    storeFromTemplate(page, isExact ? RebuildMethod::exact : RebuildMethod::classic, ctx, clock);
     // The project may be looked at where the template isn't: it keeps the bytes that it lacks.
     if (unpacking.hasStrangers() && !createCabinetFile(folder, page, ctx))
         return false;
@@ -251,7 +253,8 @@ TemplateResult createTemplate(const UrlRecord &page, const fs::path &templates,
             return TemplateResult::exists;
         auto records = recordsOf(page, folder);
         makeFolder(templates);
-        writeInPlaceOf(target, templateBytes(records, page.WebpageTitle, version));
+        writeInPlaceOf(target, templateBytes(records, {page.WebpageTitle, wordOf(shownMethod(page)),
+                                                       version}));
         return TemplateResult::made;
     };
     return trapped(ctx.log, Severity::Warning, "MainForm.CreateTemplate()", kContactSupport,

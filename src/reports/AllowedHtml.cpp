@@ -1,6 +1,7 @@
 #include "reports/AllowedHtml.h"
 
 #include "base/Text.h"
+#include "markup/SvgNames.h"
 
 #include <array>
 #include <unordered_map>
@@ -24,7 +25,7 @@ constexpr std::array<FateRow, 10> kHtml = {{
      "header hgroup hr html i img input ins kbd label legend li main map mark marquee menu meter "
      "nav nobr ol optgroup option output p picture pre progress q rp rt ruby s samp search section "
      "select small source span strike strong sub summary sup table tbody td tfoot th thead time tr "
-     "tt u ul var video wbr"},
+     "track tt u ul var video wbr"},
     {Fate::unwrap, "applet layer ilayer nolayer"},
     {Fate::embedded, "embed object"},
     {Fate::lines, "listing plaintext xmp"},
@@ -33,18 +34,10 @@ constexpr std::array<FateRow, 10> kHtml = {{
     {Fate::style, "style"},
     {Fate::link, "link"},
     {Fate::meta, "meta"},
-    {Fate::drop, "base bgsound isindex keygen noembed noframes noscript param script template "
-                 "track"},
+    {Fate::drop, "base bgsound isindex keygen noembed noframes noscript param script template"},
 }};
 
-constexpr std::array<FateRow, 4> kSvg = {{
-    {Fate::keep,
-     "circle clipPath defs ellipse feBlend feColorMatrix feComponentTransfer feComposite "
-     "feConvolveMatrix feDiffuseLighting feDisplacementMap feDistantLight feDropShadow feFlood "
-     "feFuncA feFuncB feFuncG feFuncR feGaussianBlur feMerge feMergeNode feMorphology feOffset "
-     "fePointLight feSpecularLighting feSpotLight feTile feTurbulence filter g image line "
-     "linearGradient marker mask path pattern polygon polyline radialGradient rect stop svg switch "
-     "symbol text textPath tspan use view"},
+constexpr std::array<FateRow, 3> kSvg = {{
     {Fate::unwrap, "a"},
     {Fate::text, "title desc"},
     {Fate::style, "style"},
@@ -73,53 +66,30 @@ Words wordsOf(std::string_view list) {
 constexpr std::string_view kHtmlAttributes =
     "abbr accesskey align alink alt axis behavior bgcolor bordercolor bordercolordark "
     "bordercolorlight border bottommargin cellpadding cellspacing char charoff checked class clear "
-    "color cols colspan compact controls coords data-href datetime dir direction disabled "
-    "face for frame frameborder framespacing headers height hidden high hspace id ismap label lang "
+    "color cols colspan compact controls coords data-href datetime default dir direction disabled "
+    "face for frame frameborder framespacing headers height hidden high hspace id ismap kind label "
+    "lang "
     "language leftmargin link loop low marginheight marginwidth max maxlength media min multiple "
     "muted name nohref noresize noshade nowrap open optimum placeholder readonly required reversed "
     "rightmargin role rows rowspan rules scope scrollamount scrolldelay scrolling selected shape "
-    "size sizes span spellcheck start step summary tabindex target text title topmargin truespeed "
+    "size sizes span spellcheck srclang start step summary tabindex target text title topmargin "
+    "truespeed "
     "type "
     "unselectable valign value version vlink vspace width wrap";
-
-constexpr std::string_view kSvgAttributes =
-    "amplitude azimuth baseFrequency bias class clipPathUnits cx cy d diffuseConstant divisor dx "
-    "dy "
-    "edgeMode elevation exponent filterUnits fr fx fy gradientTransform gradientUnits height id in "
-    "in2 intercept k1 k2 k3 k4 kernelMatrix kernelUnitLength lang lengthAdjust limitingConeAngle "
-    "markerHeight markerUnits markerWidth maskContentUnits maskUnits media method mode numOctaves "
-    "offset operator order orient pathLength patternContentUnits patternTransform patternUnits "
-    "points pointsAtX pointsAtY pointsAtZ preserveAlpha preserveAspectRatio primitiveUnits r "
-    "radius "
-    "refX refY result rotate rx ry scale seed side slope spacing specularConstant specularExponent "
-    "spreadMethod startOffset stdDeviation stitchTiles surfaceScale systemLanguage tableValues "
-    "targetX targetY textLength transform type values version viewBox width x x1 x2 "
-    "xChannelSelector y y1 y2 yChannelSelector z";
-
-constexpr std::string_view kSvgProperties =
-    "alignment-baseline baseline-shift clip clip-path clip-rule color color-interpolation "
-    "color-interpolation-filters cursor direction display dominant-baseline enable-background fill "
-    "fill-opacity fill-rule filter flood-color flood-opacity font-family font-size "
-    "font-size-adjust "
-    "font-stretch font-style font-variant font-weight image-rendering kerning letter-spacing "
-    "lighting-color marker marker-end marker-mid marker-start mask opacity overflow paint-order "
-    "pointer-events shape-rendering stop-color stop-opacity stroke stroke-dasharray "
-    "stroke-dashoffset stroke-linecap stroke-linejoin stroke-miterlimit stroke-opacity "
-    "stroke-width "
-    "text-anchor text-decoration text-rendering unicode-bidi visibility word-spacing writing-mode";
 
 struct UseRow {
     std::string_view attribute;
     std::string_view elements;
     Use use;
 };
-constexpr std::array<UseRow, 6> kUses = {{
+constexpr std::array<UseRow, 7> kUses = {{
     {"src", "img input", Use::image},
     {"src", "audio video source", Use::media},
     {"src", "iframe frame", Use::document},
     {"href", "a area", Use::link},
     {"background", "body table thead tbody tfoot tr td th", Use::image},
     {"poster", "video", Use::image},
+    {"src", "track", Use::track},
 }};
 
 } // namespace
@@ -133,24 +103,20 @@ Fate fateOf(HtmlSpace space, std::string_view name) {
     const auto found = fates.find(name);
     if (found != fates.end())
         return found->second;
-    return space == HtmlSpace::svg ? Fate::drop : Fate::rename;
+    if (space != HtmlSpace::svg)
+        return Fate::rename;
+    return isSvgElement(name) ? Fate::keep : Fate::drop;
 }
 
 bool isVoid(std::string_view name) {
     static const Words voids =
-        wordsOf("area basefont br col frame hr img input link meta source wbr");
+        wordsOf("area basefont br col frame hr img input link meta source track wbr");
     return voids.contains(name);
 }
 
 bool isPlainAttribute(HtmlSpace space, std::string_view name) {
     static const Words html = wordsOf(kHtmlAttributes);
-    static const Words svg = wordsOf(kSvgAttributes);
-    return (space == HtmlSpace::svg ? svg : html).contains(name);
-}
-
-bool isPropertyAttribute(std::string_view name) {
-    static const Words properties = wordsOf(kSvgProperties);
-    return properties.contains(name);
+    return space == HtmlSpace::svg ? isSvgAttribute(name) : html.contains(name);
 }
 
 std::optional<Use> useOf(std::string_view element, std::string_view attribute) {

@@ -30,8 +30,6 @@ bool isVoid(std::string_view name);
 
 /// Attributes that say how something looks, or what it is, and nothing else.
 bool isPlainAttribute(HtmlSpace space, std::string_view name);
-/// Attributes of SVG whose values are those of the property of their name.
-bool isPropertyAttribute(std::string_view name);
 /// What a browser uses the address for that an attribute of HTML names; nothing where it has to go.
 std::optional<Use> useOf(std::string_view element, std::string_view attribute);
 

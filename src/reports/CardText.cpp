@@ -50,7 +50,10 @@ std::string leftCell(const ReportCard &card, const ReportWriter &report) {
 std::string rebuiltRow(const UrlRecord &record, const ReportWriter &report) {
     if (!report.includeTimeRebuilt)
         return {};
-    const char *const method = isRebuiltExactly(record) ? " (exact method)" : "";
+    const bool isExact = shownMethod(record) == RebuildMethod::exact;
+    const char *const method = isRebuiltExactly(record) ? " (exact method)"
+                               : isExact                ? " (template of the exact method)"
+                                                        : "";
     return row("Time Rebuilt:", report.rebuiltDateTime.empty()
                                     ? "Not rebuilt (default)"
                                     : htmlText(report.rebuiltDateTime + method));

@@ -27,7 +27,7 @@ struct KindRow {
 // By their names, whatever they hold: so do browsers with files.
 constexpr std::array<KindRow, 9> kKinds = {{
     {PartKind::picture, "gif jpg jpeg jpe png bmp tif tiff ico webp avif"},
-    {PartKind::plain, "js txt woff woff2 ttf otf eot"},
+    {PartKind::plain, "js txt vtt woff woff2 ttf otf eot"},
     {PartKind::media, "mp3 mp4 ogg oga ogv wav webm avi mpg mpeg mov wmv wma mid"},
     {PartKind::style, "css"},
     {PartKind::page, "htm html shtm shtml"},

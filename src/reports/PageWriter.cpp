@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "markup/SrcSet.h"
+#include "markup/SvgNames.h"
 #include "markup/Utf8.h"
 #include "reports/SafeStyle.h"
 
@@ -245,7 +246,7 @@ std::string PageWriter::attributeOf(const Node &element, std::string_view name,
         return reference;
     if (attribute.isPrefixed)
         return {};
-    if (space == HtmlSpace::svg && isPropertyAttribute(attribute.name)) {
+    if (space == HtmlSpace::svg && isSvgProperty(attribute.name)) {
         const auto safe = guardedValue(attribute.name, value, m_references);
         return safe ? attributeText(attribute.name, *safe) : std::string();
     }
@@ -338,7 +339,11 @@ void PageWriter::writeEmbedded(const Node &element, std::string_view name) {
             m_path.push_back({&element, 0, {}});
         return;
     }
-    openTag(element, plain, (isObject ? source : std::string()) + attributesOf(element, plain));
+    // Unlike a frame's, its edge shows no border.
+    const bool isBorderless = !isPicture && !find(attributes, "frameborder");
+    openTag(element, plain,
+            (isObject ? source : std::string()) + attributesOf(element, plain) +
+                (isBorderless ? attributeText("frameborder", "0") : std::string()));
     m_text += isPicture ? "" : "</iframe>";
 }
 

@@ -85,7 +85,13 @@ std::string_view typeOfPart(PartKind kind, Use use, const fs::path &file) {
     return use == Use::image ? typeOf(kPictureTypes, word) : std::string_view();
 }
 
-/// A place that needs no quotes anywhere.
+bool isPage(PartKind kind) {
+    return kind == PartKind::page || kind == PartKind::text || kind == PartKind::xhtml ||
+           kind == PartKind::xml;
+}
+
+} // namespace
+
 std::string_view plainPlace(std::string_view place) {
     const bool isPlain =
         std::ranges::all_of(place.substr(std::min<std::size_t>(1, place.size())), [](char c) {
@@ -94,13 +100,6 @@ std::string_view plainPlace(std::string_view place) {
         });
     return isPlain ? place : std::string_view();
 }
-
-bool isPage(PartKind kind) {
-    return kind == PartKind::page || kind == PartKind::text || kind == PartKind::xhtml ||
-           kind == PartKind::xml;
-}
-
-} // namespace
 
 bool PartsInside::begin(const std::string &name) {
     if (m_open.size() >= kDeepest || std::ranges::find(m_open, name) != m_open.end())

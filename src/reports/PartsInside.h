@@ -17,6 +17,9 @@ namespace nv {
 /// In bytes.
 inline constexpr std::size_t kLongestSinglePage = std::size_t{64} << 20;
 
+/// A place in a part ("#a") that needs no quotes anywhere; empty for any other.
+std::string_view plainPlace(std::string_view place);
+
 /// The parts of a guarded folder as data within the page that shows them, and these with their own
 /// parts in turn. A part that shows itself, or lies too deep, stays away there. What is given in
 /// all is bounded: a few small files that show each other many times would fill any disk.

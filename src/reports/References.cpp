@@ -7,6 +7,7 @@
 #include "reports/Playlists.h"
 #include "reports/SafePage.h"
 #include "reports/SafeStyle.h"
+#include "reports/SafeTrack.h"
 
 #include <fmt/format.h>
 
@@ -101,6 +102,8 @@ bool serves(PartKind kind, Use use) {
         return kind == PartKind::style;
     case Use::media:
         return kind == PartKind::media;
+    case Use::track: // taken from a page's own server only, and a folder is none
+        return false;
     case Use::document:
     case Use::link:
         return kind != PartKind::style && kind != PartKind::plain && kind != PartKind::unknown;
@@ -165,7 +168,9 @@ std::optional<std::string> References::keptText(std::string_view html) const {
 
 /// What is kept is written anew, so that it has one form only.
 std::optional<std::string> References::keptData(std::string_view data, Use use) const {
-    data = data.substr(0, data.find('#'));
+    const std::size_t hash = std::min(data.find('#'), data.size());
+    const std::string_view place = data.substr(hash);
+    data = data.substr(0, hash);
     const std::size_t comma = data.find(',');
     if (comma == std::string_view::npos)
         return std::nullopt;
@@ -185,13 +190,16 @@ std::optional<std::string> References::keptData(std::string_view data, Use use) 
         return dataOf(type, bytes);
     if (use == Use::media && isOneOf(kMedia, type) && !mayBePlaylist(bytes))
         return dataOf(type, bytes);
+    if (use == Use::track && type == "text/vtt")
+        return dataOf(type, guardedTrack(decodedStyle(viewOf(bytes), "utf-8", {}).text));
     if (m_depth >= kDeepest)
         return std::nullopt;
     const References within = this->within();
     if (use == Use::style && type == "text/css")
         return dataOf(type, guardedStyle(decodedStyle(viewOf(bytes), charset, {}).text, within));
     if (use == Use::image && type == "image/svg+xml")
-        return keptDocument(type, bytes, charset);
+        if (auto drawing = keptDocument(type, bytes, charset))
+            return *drawing + std::string(plainPlace(place)); // of a mask, a filter
     return isDocument(use) ? keptDocument(type, bytes, charset) : std::nullopt;
 }
 

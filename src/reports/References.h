@@ -15,6 +15,7 @@ enum class Use : std::uint8_t {
     style,
     font,
     media,
+    track,    ///< subtitles
     document, ///< a frame
     link,     ///< what a click leads to
 };

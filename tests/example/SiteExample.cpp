@@ -41,9 +41,11 @@ constexpr std::array<std::pair<std::string_view, SiteCache>, 5> kFirst = {
 
 /// A page for each way to reach out of a page's folder, to another host and to another folder.
 MadeSite hostilePages() {
+    constexpr std::array<std::string_view, 2> kOutside = {"https://outside.example",
+                                                          "../../../outside"};
     MadeSite site;
-    site.reserve(kHostileWays.size() * 2);
-    for (const std::string_view outside : {"https://outside.example", "../../../outside"})
+    site.reserve((kHostileWays.size() + kHostileParts.size()) * kOutside.size());
+    for (const std::string_view outside : kOutside)
         for (const HostileWay &way : kHostileWays) {
             SiteAnswer page;
             page.url = fmt::format("https://hostile.example/{}.html", site.size());
@@ -54,6 +56,14 @@ MadeSite hostilePages() {
             page.group = "hostile";
             page.shows = way.name;
             site.push_back(std::move(page));
+        }
+    for (const std::string_view outside : kOutside)
+        for (const HostilePart &each : kHostileParts) {
+            SiteAnswer part;
+            part.url = "https://hostile.example/" + replaceAll(each.path, "@", outside);
+            part.type = each.type;
+            part.body = replaceAll(replaceAll(each.body, "@", outside), "%", "@");
+            site.push_back(std::move(part));
         }
     return site;
 }

@@ -1,5 +1,7 @@
 #include "gui/Desk.h"
 #include "ui/options/TimeZoneForm.h"
+#include "ui/views/PartChoiceForm.h"
+#include "views/PartAlternatives.h"
 
 #include <QAccessible>
 #include <QComboBox>
@@ -75,6 +77,7 @@ class AccessibleNamesTest : public QObject {
     void everyBoxOfADialogHasAName_data();
     void everyBoxOfADialogHasAName();
     void everyBoxOfTheOtherWindowsHasAName();
+    void everyBoxOfTheChoiceOfAPartHasAName();
     void aComboBoxSaysItsNameAndItsValue();
 
   private:
@@ -134,6 +137,25 @@ void AccessibleNamesTest::everyBoxOfTheOtherWindowsHasAName() {
     TimeZoneForm zones(one, 0);
     QCOMPARE(namelessIn(zones), QStringList());
     QCOMPARE(namelessIn(m_desk->status), QStringList());
+}
+
+/// The reason why a record can't stand there is told to who can't see it, too.
+void AccessibleNamesTest::everyBoxOfTheChoiceOfAPartHasAName() {
+    PartQuestion question;
+    question.address = "https://host/a.png";
+    question.alternatives.resize(2);
+    PartChoiceForm form(question, [](UrlId) { return std::string("it has no content"); });
+    form.show();
+    QCOMPARE(namelessIn(form), QStringList());
+    auto &other = child<QLineEdit>(form, "txtOtherPart");
+    QTest::keyClicks(&other, QStringLiteral("7"));
+    form.accept();
+    QVERIFY(form.isVisible());
+    QCOMPARE(namelessIn(form), QStringList());
+    QAccessibleInterface *said = QAccessible::queryAccessibleInterface(&other);
+    QCOMPARE(said->text(QAccessible::Description), QStringLiteral("it has no content"));
+    QTest::keyClicks(&other, QStringLiteral("8"));
+    QVERIFY(said->text(QAccessible::Description) != QStringLiteral("it has no content"));
 }
 
 void AccessibleNamesTest::aComboBoxSaysItsNameAndItsValue() {

@@ -141,6 +141,7 @@ void TemplatesTest::theCurrentPageBecomesATemplate() {
     QCOMPARE(notice(), QStringLiteral("1 of 1 template made."));
     QCOMPARE(cell(0, TemplateModel::nameColumn), QStringLiteral("page.html"));
     QCOMPARE(cell(0, TemplateModel::titleColumn), QStringLiteral("Inbox"));
+    QCOMPARE(cell(0, TemplateModel::methodColumn), QStringLiteral("Classic"));
     QCOMPARE(cell(0, TemplateModel::filesColumn), QStringLiteral("2"));
     QCOMPARE(cell(0, TemplateModel::filePathColumn), pathToQt(folder() / "page.html.NVT"));
     QCOMPARE(child<QLabel>(*m_form, "labTemplates").text(),

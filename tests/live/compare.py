@@ -86,8 +86,7 @@ def outside(requests, folder):
             if not address.startswith(("data:", "about:", "blob:", inside))]
 
 
-NOTES = {"lacking": "no: a marked place stands there", "scripted": "no: scripts don't run",
-         "limited": "in part"}
+NOTES = {"lacking": "no: a marked place stands there", "scripted": "no: scripts don't run"}
 
 
 def cell(page, method, columns):

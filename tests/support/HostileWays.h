@@ -191,6 +191,51 @@ inline constexpr std::array kHostileWays = {
                R"~(<style>a{content:"</style><img src='@/red.gif'>"}</style>)~"},
     HostileWay{"escaped end of a style",
                R"~(<style>a{content:"<\/style><img src='@/red.gif'>"}</style>)~"},
+    // What browsers take as data only.
+    HostileWay{"subtitles", R"~(<video controls><track default src="@/red.vtt"></video>)~"},
+    HostileWay{
+        "subtitles as data",
+        R"~(<video controls><track default src="data:text/vtt;charset=x,WEBVTT&#10;&#10;STYLE&#10;::cue{background:url(@/red.gif)}&#10;&#10;00:00.000 --> 00:09.000&#10;<img src='@/red.gif'><b onclick=@/red.gif>a</b>&#10;"></video>)~"},
+    HostileWay{
+        "mask as data",
+        R"~(<p style="mask:url('data:image/svg+xml,<svg xmlns=&quot;http://www.w3.org/2000/svg&quot;><mask id=&quot;a&quot;><image href=&quot;@/red.gif&quot;/></mask><script href=&quot;@/a.js&quot;/><style>%import &quot;@/red.css&quot;;</style></svg>#a')">a)~"},
+    HostileWay{
+        "filter as data",
+        R"~(<p style="filter:url('data:image/svg+xml,<svg xmlns=&quot;http://www.w3.org/2000/svg&quot;><filter id=&quot;f&quot;><feImage href=&quot;@/red.gif&quot;/></filter></svg>#f')">a)~"},
+    HostileWay{
+        "use of data",
+        R"~(<svg><use href="data:image/svg+xml,<svg xmlns='http://www.w3.org/2000/svg' id='a'><image href='@/red.gif'/><script>location='@/'</script></svg>#a"/></svg>)~"},
+    // What comes out of a cache with them is in kHostileParts.
+    HostileWay{"use of a cached drawing",
+               R"~(<svg><use href="part.svg?from=@#a"/><use href="part.svg?from=@#loop"/></svg>)~"},
+    HostileWay{"use of a cached drawing whole", R"~(<svg><use href="part.svg?from=@"/></svg>)~"},
+    HostileWay{
+        "masks of a cached drawing",
+        R"~(<p style="mask:url(part.svg?from=@#m);filter:url(part.svg?from=@#f);clip-path:url(part.svg?from=@#c)">a<p style="--m:url(part.svg?from=@);mask-image:var(--m)">b)~"},
+    HostileWay{"cached subtitles",
+               R"~(<video controls><track default src="part.vtt?from=@"></video>)~"},
 };
+
+/// What hostile pages name that is in the cache with them.
+struct HostilePart {
+    std::string_view path;
+    std::string_view type;
+    std::string_view body;
+};
+
+inline constexpr std::array kHostileParts = {
+    HostilePart{
+        "part.svg?from=@", "image/svg+xml",
+        R"~(<?xml version="1.0"?><?xml-stylesheet href="@/red.css"?><!DOCTYPE svg [<!ENTITY out SYSTEM "@/red.txt"><!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;&a;">]>
+<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" onload="location='@/'"><style>%import "@/red.css"; .x{fill:url(@/red.svg#a)} rect,*{background:url(@/red.gif)} %font-face{font-family:f;src:url(@/f.woff)}</style><script href="@/a.js">location='@/'</script>
+<symbol id="a" onclick="location='@/'" viewBox="0 0 9 9"><script>location='@/'</script><foreignObject width="9" height="9"><iframe xmlns="http://www.w3.org/1999/xhtml" src="@/red.html"></iframe><body onload="location='@/'"/></foreignObject><image href="@/red.gif" width="9" height="9"/><image xlink:href="&out;" width="9" height="9"/><use href="@/red.svg#a"/><use xlink:href="#loop"/><text class="x" style="font-family:f;background:image-set('@/red.gif' 1x);fill:url(@/red.svg#a)">&out;&b;</text><a href="@/" ping="@/"><rect class="x" width="9" height="9" fill="u\72l(@/red.svg#a)" filter="url(#f)"/></a><animate attributeName="href" to="@/red.gif"/><set attributeName="xlink:href" to="@/red.gif"/></symbol>
+<g id="loop"><use href="#loop"/><use href="#loop2"/><use href="#loop2"/></g><g id="loop2"><use href="#loop"/><use href="#loop"/></g>
+<filter id="f"><feImage href="@/red.gif"/><feImage xlink:href="@/red.svg#a"/></filter><mask id="m"><image href="@/red.gif" width="9" height="9"/><rect width="9" height="9" fill="#fff"/></mask><clipPath id="c"><use href="@/red.svg#a"/><circle r="9"/></clipPath></svg>
+)~"},
+    HostilePart{
+        "part.vtt?from=@", "text/vtt",
+        "WEBVTT\n\nSTYLE\n::cue{background:url(@/red.gif)}\n%import '@/red.css';\n\nNOTE "
+        "@/red.gif\n\n1\n00:00.000 --> 00:09.000\n<img src='@/red.gif'><script>"
+        "location='@/'</script><b onclick=\"location='@/'\">a</b><c.x>b</c>&lt;img src=@/>\n"}};
 
 } // namespace nv::test

@@ -7,9 +7,11 @@
 #include "base/Trap.h"
 #include "markup/PageText.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/exact/DrawingText.h"
 #include "rebuild/exact/OwnParts.h"
 #include "rebuild/exact/PageReferences.h"
 #include "rebuild/exact/SameSet.h"
+#include "rebuild/exact/Spelling.h"
 
 #include <fmt/format.h>
 
@@ -32,15 +34,6 @@ constexpr double kSecondsOfDay = 86'400;
 
 bool bringsDocument(RefUse use) {
     return use == RefUse::style || use == RefUse::frame || use == RefUse::object;
-}
-
-/// Pictures in XML are UTF-8 where nothing else is said.
-DecodedPage decodedPicture(const Bytes &bytes, std::string_view headers) {
-    DecodedPage decoded = decodedPage(ByteView(bytes), headers);
-    const std::string_view raw = ByteView(bytes).raw();
-    if (decoded.foundIn == kNoCharset && isUtf8(raw))
-        return {std::string(raw), "utf-8", kNoCharset};
-    return decoded;
 }
 
 void putIn(std::vector<TextEdit> &edits, std::size_t at, std::string text) {
@@ -127,7 +120,7 @@ Assembly::Read Assembly::read(const Document &document, const Bytes &bytes) {
     DecodedPage decoded =
         document.form == PartForm::style
             ? decodedStyle(view, charsetOfHeader(document.headers), document.charset)
-        : document.form == PartForm::svg ? decodedPicture(bytes, document.headers)
+        : document.form == PartForm::svg ? decodedDrawing(bytes, document.headers)
                                          : decodedPage(view, document.headers);
     made.foundIn = decoded.foundIn;
     made.source.emplace(view, std::move(decoded));
@@ -216,6 +209,20 @@ bool isLink(const Followed &one) {
     return one.reference->use == RefUse::link;
 }
 
+/// Where a drawing of the page's own is named by the page's whole address.
+bool isOwnPlace(const Followed &one, const std::string &document) {
+    return one.reference->element == "use" && one.address &&
+           linkFor(*one.address, document).starts_with('#');
+}
+
+/// An address of nothing, for which what an "object" holds shows.
+std::string emptyAddress(const Reference &reference) {
+    std::string text = reference.isQuoted ? "" : "\"\"";
+    for (int i = 0; i < reference.nested && !text.empty(); ++i)
+        text = attributeValue(text);
+    return text;
+}
+
 } // namespace
 
 void Assembly::resolve(const Document &document, Read &read, const Scanned &scanned) {
@@ -229,28 +236,57 @@ void Assembly::resolve(const Document &document, Read &read, const Scanned &scan
             addresses.push_back(one.address->href());
     m_finder.prepare(addresses);
     for (Followed &one : all) {
-        if (isLink(one))
+        if (isLink(one) || isOwnPlace(one, document.url))
             continue;
-        const std::string address = one.address ? one.address->href() : std::string();
-        if (!goesOn(address))
+        if (!goesOn(one.href()))
             return;
         one.isTold = ++m_named <= kMostReferences;
-        one.found = partFor(document, *one.reference, address);
+        one.found = partFor(document, *one.reference, one.href());
+        if (!one.found.file && !one.reference->codebase.empty())
+            lookInCodebase(document, one, base ? &*base : nullptr);
     }
     fillSets(all, scanned.references, read.source->text());
-    for (const Followed &one : all)
-        change(document, read, one);
+    ShownParts shown(m_files, read.source->text(), read.bannerAt != std::string_view::npos, m_room,
+                     m_ctx.log);
+    for (Followed &one : all)
+        change(document, read, one, shown);
+    putIn(read.edits, read.bannerAt, shown.drawings());
 }
 
-void Assembly::change(const Document &document, Read &read, const Followed &one) {
-    const Reference &reference = *one.reference;
-    if (isLink(one) && !one.address)
+/// Browsers of the time of that attribute resolved by it, those of today don't.
+void Assembly::lookInCodebase(const Document &document, Followed &one, const WebAddress *base) {
+    const auto codebase = WebAddress::parsed(one.reference->codebase, base);
+    auto other = codebase ? WebAddress::parsed(one.reference->address, &*codebase) : std::nullopt;
+    if (!other)
         return;
-    const std::string address = one.address ? one.address->href() : std::string();
-    const std::string value = isLink(one)      ? linkFor(*one.address, document.url)
-                              : one.found.file ? one.found.file->name + fragmentOf(address)
-                                               : markedPlace(reference, address);
-    read.edits.push_back({reference.at, spelled(reference, value, read.source->text())});
+    FoundPart found = partFor(document, *one.reference, other->href());
+    if (!found.file)
+        return;
+    one.address = std::move(other);
+    one.found = std::move(found);
+}
+
+void Assembly::change(const Document &document, Read &read, Followed &one, ShownParts &shown) {
+    const Reference &reference = *one.reference;
+    const bool isHere = isLink(one) || isOwnPlace(one, document.url);
+    if (isHere && !one.address)
+        return;
+    const std::string address = one.href();
+    std::optional<std::string> value;
+    if (isHere)
+        value = linkFor(*one.address, document.url);
+    else if (one.found.file)
+        value = shown.address(reference, *one.found.file, fragmentOf(address));
+    if (one.found.file && !value)
+        one.found.rule = partrule::kTooLarge;
+    if (!value && reference.hasFallback)
+        read.edits.push_back({reference.at, emptyAddress(reference)});
+    else
+        read.edits.push_back(
+            {reference.at, reference.before +
+                               spelled(reference, value ? *value : markedPlace(reference, address),
+                                       read.source->text()) +
+                               reference.after});
     if (one.isTold)
         m_notes.push_back(noteOf(document, reference, address, one.found));
     if (one.found.file)

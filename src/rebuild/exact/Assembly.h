@@ -4,6 +4,7 @@
 #include "rebuild/RebuildContext.h"
 #include "rebuild/exact/PartFinder.h"
 #include "rebuild/exact/Reference.h"
+#include "rebuild/exact/ShownParts.h"
 #include "rebuild/exact/SourceText.h"
 
 #include <deque>
@@ -22,6 +23,9 @@ struct Followed {
     std::optional<WebAddress> address;
     FoundPart found;
     bool isTold = false; ///< it is among those that the audit has rows for
+
+    /// The whole address; empty for one that is none.
+    std::string href() const { return address ? address->href() : std::string(); }
 };
 
 /// Puts a page together: reads its references, has their parts brought, rewrites the page, and goes
@@ -65,7 +69,8 @@ class Assembly {
     Read read(const Document &document, const Bytes &bytes);
     Scanned scan(const Document &document, Read &read);
     void resolve(const Document &document, Read &read, const Scanned &scanned);
-    void change(const Document &document, Read &read, const Followed &one);
+    void lookInCodebase(const Document &document, Followed &one, const WebAddress *base);
+    void change(const Document &document, Read &read, Followed &one, ShownParts &shown);
     void rewrite(const Document &document);
     PartNote noteOf(const Document &document, const Reference &reference,
                     const std::string &address, const FoundPart &found) const;
@@ -83,6 +88,7 @@ class Assembly {
     std::deque<Document> m_open;
     std::set<std::string> m_known; ///< names of files that are in line, or done
     std::vector<PartNote> m_notes;
+    std::size_t m_room = kMostInside;
     std::size_t m_done = 0;  ///< documents
     std::size_t m_named = 0; ///< references to parts
     bool m_cancelled = false;

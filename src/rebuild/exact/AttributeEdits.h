@@ -32,10 +32,10 @@ class AttributeEdits {
     /// Gives it a name that means nothing to browsers.
     void shelve(const HtmlAttribute &attribute);
     void replace(SourceSpan at, std::string text);
-
-  private:
+    /// Whether its value stands in quotation marks.
     bool isQuoted(const HtmlAttribute &attribute) const;
 
+  private:
     std::string_view m_html;
     std::vector<TextEdit> &m_edits;
 };

@@ -51,10 +51,36 @@ void ElementScan::read(const Node &element, std::string_view name) {
             disarm(name, attribute);
     if (const HtmlAttribute *style = attributeOf(attributes, "style"))
         readStyleAttribute(name, *style);
+    const std::size_t first = m_scan.references.size();
     if (HtmlDocument::spaceOf(element) == HtmlSpace::html)
         readHtml(name, attributes);
     else if (HtmlDocument::spaceOf(element) == HtmlSpace::svg)
         readSvg(name, attributes);
+    if (name == "object" || name == "embed")
+        readObject(element, attributes, first);
+}
+
+namespace {
+
+/// What an element shows where its own thing doesn't show.
+bool holdsFallback(const HtmlDocument::Node &element) {
+    const auto children = HtmlDocument::childrenOf(element);
+    return std::ranges::any_of(children, [](const HtmlDocument::Node *child) {
+        return HtmlDocument::isElement(*child) ? HtmlDocument::nameOf(*child) != "param"
+                                               : !trim(HtmlDocument::writtenIn(*child)).empty();
+    });
+}
+
+} // namespace
+
+/// Completes its references, which begin at `first`.
+void ElementScan::readObject(const Node &element, const HtmlAttributes &attributes,
+                             std::size_t first) {
+    for (std::size_t at = first; at < m_scan.references.size(); ++at) {
+        Reference &reference = m_scan.references[at];
+        reference.hasFallback = reference.use == RefUse::object && holdsFallback(element);
+        reference.codebase = trimmedAddress(valueOf(attributes, "codebase"));
+    }
 }
 
 void ElementScan::disarm(std::string_view name, const HtmlAttribute &attribute) {
@@ -78,7 +104,11 @@ void ElementScan::readHtml(std::string_view name, const HtmlAttributes &attribut
     if (name == "input" && !equalsNoCase(valueOf(attributes, "type"), "image"))
         return;
     readTable(name, attributes, readLazy(name, attributes));
-    if (const HtmlAttribute *background = lazyBackground(attributes))
+    const HtmlAttribute *background = lazyBackground(attributes);
+    const HtmlAttribute *style = attributeOf(attributes, "style");
+    if (background && style)
+        addBackground(name, *background, *style);
+    else if (background)
         readBackground(name, *background);
 }
 
@@ -150,6 +180,29 @@ void ElementScan::readBackground(std::string_view name, const HtmlAttribute &laz
     if (!isValue)
         m_edits.replace({end, end}, ")");
     addStyles(std::move(found), *text, name);
+}
+
+/// As a script would have done it: behind what the element's own style says.
+void ElementScan::addBackground(std::string_view name, const HtmlAttribute &lazy,
+                                const HtmlAttribute &style) {
+    if (style.valueAt.begin <= style.nameAt.end)
+        return; // there is no place in it
+    const std::vector<Reference> named = containsNoCase(lazy.value, "url(")
+                                             ? referencesOfValue("background-image", lazy.value)
+                                             : std::vector<Reference>(1);
+    for (Reference reference : named) {
+        if (reference.address.empty())
+            reference.address = trimmedAddress(lazy.value);
+        reference.form = RefForm::styleUrl;
+        reference.element = name;
+        reference.attribute = lazy.name;
+        reference.isLazy = true;
+        reference.at = {style.valueAt.end, style.valueAt.end};
+        reference.before = ";background-image:url(";
+        reference.after = ")";
+        m_scan.references.push_back(std::move(reference));
+        return;
+    }
 }
 
 void ElementScan::readBase(const HtmlAttributes &attributes) {
@@ -274,6 +327,9 @@ void ElementScan::addAddress(RefUse use, std::string_view name, const HtmlAttrib
     const bool isHere = !lazyPlace || *lazyPlace == attribute.valueAt;
     reference.at = isHere ? text->inPage({begin, begin + address.size()}) : *lazyPlace;
     reference.isLazy = lazyPlace.has_value();
+    reference.isQuoted = m_edits.isQuoted(attribute);
+    if (use == RefUse::track)
+        reference.place = RefPlace::inside;
     m_scan.references.push_back(std::move(reference));
 }
 

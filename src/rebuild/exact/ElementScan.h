@@ -36,6 +36,9 @@ class ElementScan {
     void disarm(std::string_view name, const HtmlAttribute &attribute);
     void readStyleAttribute(std::string_view name, const HtmlAttribute &attribute);
     void readBackground(std::string_view name, const HtmlAttribute &lazy);
+    void addBackground(std::string_view name, const HtmlAttribute &lazy,
+                       const HtmlAttribute &style);
+    void readObject(const Node &element, const HtmlAttributes &attributes, std::size_t first);
 
     /// `lazyPlace` is where the address of a lazy part is to stand.
     void addAddress(RefUse use, std::string_view name, const HtmlAttribute &attribute,

@@ -27,7 +27,8 @@ constexpr std::array<Row, 3> kRows = {{
     {" video ", "poster", {"data-poster", "data-lazy-poster", "", "", ""}},
 }};
 
-constexpr std::array<std::string_view, 2> kBackgrounds = {"data-bg", "data-background-image"};
+constexpr std::array<std::string_view, 3> kBackgrounds = {"data-bg", "data-background-image",
+                                                          "data-background"};
 
 /// Parts of the names that pictures are given which only keep a place free.
 constexpr std::array<std::string_view, 14> kPlaceholders = {
@@ -38,6 +39,12 @@ constexpr std::array<std::string_view, 14> kPlaceholders = {
 bool isAddress(std::string_view value) {
     value = trimmedAddress(value);
     return !value.empty() && value.find_first_of("{}<>\"") == std::string_view::npos;
+}
+
+/// "data-background" may as well be "dark": a name of a file has a point, a path a slash.
+bool isPath(std::string_view value) {
+    return value.find_first_of("/.") != std::string_view::npos &&
+           value.find('(') == std::string_view::npos;
 }
 
 bool isPlaceholder(std::string_view value, std::string_view lazy) {
@@ -76,12 +83,11 @@ std::vector<LazyPart> lazyParts(std::string_view element, const HtmlAttributes &
 }
 
 const HtmlAttribute *lazyBackground(const HtmlAttributes &attributes) {
-    if (attributeOf(attributes, "style"))
-        return nullptr;
     for (const std::string_view name : kBackgrounds)
         if (const HtmlAttribute *each = attributeOf(attributes, name);
             each && isFollowed(each->value) &&
-            (isAddress(each->value) || containsNoCase(each->value, "url(")))
+            (containsNoCase(each->value, "url(") ||
+             (isAddress(each->value) && (name != "data-background" || isPath(each->value)))))
             return each;
     return nullptr;
 }

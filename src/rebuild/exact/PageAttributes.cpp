@@ -15,15 +15,14 @@ struct UseRow {
     std::string_view elements; ///< separated by blanks
     RefUse use;
 };
-constexpr std::array<UseRow, 10> kUses = {{
+constexpr std::array<UseRow, 9> kUses = {{
     {"src", "img input", RefUse::image},
     {"srcset", "img source", RefUse::image},
     {"poster", "video", RefUse::image},
     {"background", "body table thead tbody tfoot tr td th", RefUse::image},
     {"src", "video audio source", RefUse::media},
     {"src", "track", RefUse::track},
-    {"src", "iframe frame", RefUse::frame},
-    {"src", "embed", RefUse::object},
+    {"src", "iframe frame embed", RefUse::frame},
     {"data", "object", RefUse::object},
     {"href", "a area", RefUse::link},
 }};

@@ -36,10 +36,13 @@ std::string redirectOf(const UrlRecord &record) {
 /// show, styles and fonts don't count.
 const char *refusalOf(const UrlRecord &record, RefUse use) {
     constexpr int kFirstError = 400;
-    if (use != RefUse::style && use != RefUse::font && use != RefUse::track)
+    if (use != RefUse::style && use != RefUse::font && use != RefUse::track &&
+        use != RefUse::object)
         return nullptr;
     if (statusOf(record.MetaData) >= kFirstError)
         return partrule::kError;
+    if (use == RefUse::object)
+        return nullptr;
     return mimeTypeOf(record.MetaData) == "text/html" ? partrule::kOtherType : nullptr;
 }
 
@@ -133,6 +136,14 @@ PartFiles::Taken PartFiles::bring(UrlId id, RefUse use) {
     file.cache = cacheOf(*record);
     writeTo(m_folder / file.name, *body);
     return &m_files.emplace(std::pair(id, form), std::move(file)).first->second;
+}
+
+std::optional<Bytes> PartFiles::bytesOf(const PartFile &file, std::uint64_t most) const {
+    auto record = m_ctx.records.getURL(file.record);
+    auto body = record ? bodyOf(*record, m_ctx.extraction(), kBodyInMemory) : std::nullopt;
+    if (!body || sizeOf(*body) > most)
+        return std::nullopt;
+    return body->isInMemory ? std::move(body->bytes) : readWhole(body->file);
 }
 
 /// Names have the last seven digits of the key: two records may not share one, and none may take

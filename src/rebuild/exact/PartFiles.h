@@ -47,6 +47,9 @@ class PartFiles {
 
     /// What the record gives for such a use. Files live as long as this.
     Taken take(UrlId record, RefUse use);
+    /// The bytes of one as the evidence has them, whatever its file holds by now; nothing when they
+    /// are gone, or more than `most`.
+    std::optional<Bytes> bytesOf(const PartFile &file, std::uint64_t most) const;
     std::size_t count() const { return m_files.size(); }
     /// Those that page and parts are from, the page's first.
     std::vector<std::string> caches() const;

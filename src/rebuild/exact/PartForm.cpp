@@ -116,6 +116,15 @@ std::string plainExtension(const UrlRecord &record, std::string_view head) {
 
 } // namespace
 
+std::string_view insideTypeOf(std::string_view extension) {
+    if (extension == "svg")
+        return "image/svg+xml";
+    const auto known = std::ranges::find(kTypes, extension, &decltype(kTypes)::value_type::second);
+    const bool isKnown =
+        known != kTypes.end() && (known->first.starts_with("image/") || known->first == "text/vtt");
+    return isKnown ? known->first : std::string_view();
+}
+
 bool beginsLikePage(std::string_view head) {
     std::string_view text = withoutLead(head);
     // Comments may be long, and scripts begin with "<!--" too: browsers take it for a page.

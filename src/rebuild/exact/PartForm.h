@@ -26,6 +26,10 @@ inline constexpr std::size_t kPartHead = 1024;
 /// What a part is by its use, by what its server said of it, and by its first bytes.
 PartForm partForm(RefUse use, std::string_view mimeType, std::string_view head);
 
+/// The MIME type of a part by the extension that partExtension() gave it; empty for what is neither
+/// a picture nor subtitles.
+std::string_view insideTypeOf(std::string_view extension);
+
 /// Whether the first bytes are those of a page, by the signs that browsers go by.
 bool beginsLikePage(std::string_view head);
 

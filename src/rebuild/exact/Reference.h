@@ -29,6 +29,14 @@ enum class RefForm : std::uint8_t {
     styleString, ///< a text, as in `@import "x"` and `image-set("x" 2x)`
 };
 
+/// Whether the part stands in the text itself, as an address of the kind "data:". Browsers take
+/// masks, shapes, filters and subtitles from the page's own server only, and a folder is none.
+enum class RefPlace : std::uint8_t {
+    beside, ///< a file of the folder
+    inside,
+    insideIfSmall, ///< a property of the page's own, which any other one may show
+};
+
 /// An address that a page or a style sheet names, and where.
 struct Reference {
     RefUse use = RefUse::image;
@@ -42,7 +50,13 @@ struct Reference {
     bool isLazy = false;   ///< a script would have shown it: from "data-src" and the like
     std::string descriptor; ///< of "srcset": "2x", "640w"
     int nested = 0;         ///< how many "srcdoc" attributes it stands in, one within the other
-    std::string base;       ///< of the page in "srcdoc" that it stands in, where that names one
+    RefPlace place = RefPlace::beside;
+    bool hasFallback = false; ///< an "object" that holds what shows where its own thing doesn't
+    bool isQuoted = true;     ///< of an attribute: its value stands in quotation marks
+    std::string before;       ///< stand around the address where it is put in anew
+    std::string after;
+    std::string codebase; ///< of "object" and "embed": what old browsers resolved the address by
+    std::string base;     ///< of the page in "srcdoc" that it stands in, where that names one
 };
 
 } // namespace nv

@@ -18,6 +18,12 @@ constexpr std::array<std::string_view, 10> kDrawings = {
     "filter", "backdrop-filter", "clip-path",  "fill",       "stroke",
     "marker", "marker-start",    "marker-mid", "marker-end", "offset-path"};
 
+// Parts of these names that browsers want from the page's own server. "--" names are for any use.
+constexpr std::array<std::string_view, 7> kMasks = {"mask",           "mask-image",
+                                                    "mask-border",    "mask-border-source",
+                                                    "mask-box-image", "mask-box-image-source",
+                                                    "shape-outside"};
+
 /// They name programs, which no browser of today runs.
 constexpr std::array<std::string_view, 3> kPrograms = {"behavior", "-moz-binding", "-ms-behavior"};
 
@@ -65,7 +71,9 @@ class StyleScan {
     struct Context {
         RefUse use;
         std::string attribute;
+        RefPlace place = RefPlace::beside;
     };
+    static Context contextOf(const std::string &property);
 
     CssRange all() const { return {0, m_tokens.size()}; }
     void walk(std::vector<CssItem> items);
@@ -90,6 +98,7 @@ void StyleScan::add(RefForm form, std::string_view address, SourceSpan at, const
     reference.use = context.use;
     reference.form = form;
     reference.attribute = context.attribute;
+    reference.place = context.place;
     reference.address = trimmed;
     reference.at = at;
     m_found.push_back(std::move(reference));
@@ -148,19 +157,23 @@ void StyleScan::readValue(CssRange part, const Context &context) {
     }
 }
 
+StyleScan::Context StyleScan::contextOf(const std::string &property) {
+    const std::string_view name = withoutMaker(property);
+    if (property.starts_with("--"))
+        return {RefUse::image, property, RefPlace::insideIfSmall};
+    if (isOneOf(kDrawings, name))
+        return {RefUse::svg, property, RefPlace::inside};
+    return {RefUse::image, property, isOneOf(kMasks, name) ? RefPlace::inside : RefPlace::beside};
+}
+
 void StyleScan::readDeclaration(const CssItem &item, const std::string &rule) {
     const std::string property = item.name.starts_with("--") ? item.name : toLower(item.name);
     if (isOneOf(kPrograms, property) || property.starts_with('_'))
         return;
-    Context context{RefUse::image, property};
-    if (rule == "font-face") {
-        if (property != "src")
-            return;
-        context = {RefUse::font, "@font-face src"};
-    } else if (isOneOf(kDrawings, withoutMaker(property))) {
-        context.use = RefUse::svg;
-    }
-    readValue(item.value, context);
+    if (rule != "font-face")
+        return readValue(item.value, contextOf(property));
+    if (property == "src")
+        readValue(item.value, {RefUse::font, "@font-face src"});
 }
 
 void StyleScan::readImport(const CssItem &item) {
@@ -224,8 +237,7 @@ std::vector<Reference> StyleScan::declarations() {
 }
 
 std::vector<Reference> StyleScan::value(std::string_view property) {
-    const std::string name = toLower(property);
-    readValue(all(), {isOneOf(kDrawings, name) ? RefUse::svg : RefUse::image, name});
+    readValue(all(), contextOf(toLower(property)));
     return std::move(m_found);
 }
 

@@ -85,6 +85,10 @@ QString TemplateModel::textOf(const TemplateRow &row, int column) {
         return toQt(nv::textOf(row.file.stem()));
     case titleColumn:
         return row.isTemplate() ? toQt(row.webpageTitle) : tr("No template can be read from this.");
+    case methodColumn:
+        return row.method == "exact"     ? tr("Exact")
+               : row.method == "classic" ? tr("Classic")
+                                         : QString();
     case filesColumn:
         return QLocale().toString(static_cast<qulonglong>(row.files));
     case sizeColumn:
@@ -140,6 +144,8 @@ QVariant TemplateModel::headerData(int section, Qt::Orientation orientation, int
         return tr("Name");
     case titleColumn:
         return tr("Page Title");
+    case methodColumn:
+        return tr("Method");
     case filesColumn:
         return tr("Files");
     case sizeColumn:

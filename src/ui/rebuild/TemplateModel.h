@@ -18,6 +18,7 @@ class TemplateModel final : public QAbstractTableModel {
         tagColumn,
         nameColumn,
         titleColumn,
+        methodColumn,
         filesColumn,
         sizeColumn,
         changedColumn,

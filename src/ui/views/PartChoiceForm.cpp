@@ -113,6 +113,7 @@ QWidget *PartChoiceForm::newOther() {
     connect(m_other, &QLineEdit::textChanged, m_list, [this] {
         m_list->setEnabled(!isOtherTyped());
         m_problem->hide();
+        m_other->setAccessibleDescription(m_other->toolTip());
     });
     return line;
 }
@@ -169,6 +170,7 @@ void PartChoiceForm::accept() {
         return QDialog::accept();
     m_problem->setText(toQt(problem));
     m_problem->show();
+    m_other->setAccessibleDescription(m_problem->text());
     m_other->setFocus();
     m_other->selectAll();
 }

@@ -175,7 +175,9 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
     else
         pane.showPage(shown.file, !shown.rebuilt              ? tr("Cached content")
                                   : isRebuiltExactly(*record) ? tr("Page rebuilt exactly")
-                                                              : tr("Rebuilt page"));
+                                  : record->RebuiltMethod == kExactTemplateMethod
+                                      ? tr("Page of a template that was rebuilt exactly")
+                                      : tr("Rebuilt page"));
 }
 
 } // namespace nv

@@ -32,6 +32,7 @@ TEST_F(TemplatesTest, haveTheirFormatToTheByte) {
     const ByteView file(bytes);
     EXPECT_EQ(file.sub(0, 8).raw(), "NV\xBB\xBB    ");
     EXPECT_THAT(std::string(file.from(8).raw()), StartsWith("Norvelane Template 2.8.1"));
+    EXPECT_EQ(file.sub(0x208, 8).raw(), std::string_view("classic\0", 8));
     EXPECT_EQ(file.u32le(0x3FC), 4u);
     EXPECT_EQ(file.sub(0x400, 4).raw(), "Caf\xE9");
     const std::string html = "<img src=\"0000001.gif\" > \r\n";

@@ -49,7 +49,8 @@ std::string rebuilt(std::string_view html, bool isFound) {
     for (const Reference &reference : scan.references) {
         const std::string part = isFound ? std::string(nameFor(reference.use))
                                          : missingPart(reference.use, reference.address);
-        edits.push_back({reference.at, spelled(reference, part, html)});
+        edits.push_back(
+            {reference.at, reference.before + spelled(reference, part, html) + reference.after});
     }
     edits.push_back({{scan.headAt, scan.headAt}, ownHead("windows-1252")});
     BannerFacts facts;

@@ -19,7 +19,8 @@ TEST(SafePage, objectsBecomeWhatTheyShow) {
               "<img src=\"0000002.gif\" width=\"9\" type=\"image/gif\"/>a");
     EXPECT_EQ(body("<embed width=9 src=0000002.gif>"), "<img width=\"9\" src=\"0000002.gif\"/>");
     EXPECT_EQ(body("<object data=0000004.htm>else</object><embed src=0000004.htm>"),
-              "<iframe src=\"0000004.htm\"></iframe><iframe src=\"0000004.htm\"></iframe>");
+              "<iframe src=\"0000004.htm\" frameborder=\"0\"></iframe>"
+              "<iframe src=\"0000004.htm\" frameborder=\"0\"></iframe>");
     EXPECT_EQ(body("<object data=data:image/gif;base64,R0lG></object>"),
               "<img src=\"data:image/gif;base64,R0lG\"/>");
     EXPECT_EQ(body("<object data=0000002.gif src=0000002.gif>else</object>"), "else");

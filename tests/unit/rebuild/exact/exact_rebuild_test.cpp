@@ -1,5 +1,8 @@
 #include "db/PartChoices.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/RebuildMethod.h"
+#include "rebuild/TemplateList.h"
+#include "rebuild/Templates.h"
 #include "unit/rebuild/exact/ExactFixture.h"
 
 #include <gmock/gmock.h>
@@ -300,6 +303,28 @@ TEST_F(ExactRebuildTest, aClassicRebuildTakesItsPlace) {
                                           number(html)));
     ASSERT_TRUE(rebuild(html));
     EXPECT_EQ(get(html).RebuiltMethod, "Cache, exact");
+}
+
+TEST_F(ExactRebuildTest, aTemplateOfThePageSaysSo) {
+    put({.url = "https://host/dir/a.png", .body = kPng});
+    const UrlId html = putPage("<img src=a.png>");
+    ASSERT_TRUE(rebuild(html));
+    const auto folder = evidenceFolder.parent_path() / "templates";
+    const UrlRecord made = get(html);
+    ASSERT_EQ(createTemplate(made, folder, "2.8.1", IfTemplateExists::refuse, context()),
+              TemplateResult::made);
+    EXPECT_EQ(listTemplates(folder, project.log).at(0).method, "exact");
+    UrlRecord other = get(putPage("<p>text</p>", "https://host/other.html"));
+    ASSERT_TRUE(rebuildFromTemplate(other, templatePathOf(made, folder), context(), project.clock));
+    const UrlRecord stored = get(other.URLID);
+    EXPECT_EQ(stored.RebuiltMethod, "Exact template");
+    EXPECT_FALSE(isRebuiltExactly(stored)); // its folder isn't made from notes
+    EXPECT_EQ(shownMethod(stored), RebuildMethod::exact);
+    EXPECT_THAT(pageText(other.URLID), HasSubstr("<img src=0000001.png>"));
+    UrlRecord again = stored;
+    ASSERT_TRUE(unpackIngredients(again, context()));
+    EXPECT_THAT(pageText(other.URLID), HasSubstr("<img src=0000001.png>"));
+    EXPECT_EQ(fileOf(other.URLID, "0000001.png"), kPng);
 }
 
 TEST_F(ExactRebuildTest, aCancelledRebuildKeepsTheEarlierOne) {
