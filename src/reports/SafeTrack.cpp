@@ -17,7 +17,8 @@ constexpr std::array<std::string_view, 8> kMarks = {"b", "i", "u", "c", "ruby", 
 
 /// Of times and settings: "00:00:01.000 --> 00:00:04.000 line:0 align:start".
 bool isTiming(std::string_view line) {
-    return line.find(kArrow) != std::string_view::npos && std::ranges::all_of(line, [](char c) {
+    return !line.empty() && line.front() >= '0' && line.front() <= '9' &&
+           line.find(kArrow) != std::string_view::npos && std::ranges::all_of(line, [](char c) {
                return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
                       std::string_view(" \t:.,%->_").find(c) != std::string_view::npos;
            });

@@ -31,7 +31,8 @@ std::vector<nv::TextEdit> editsFor(const std::vector<nv::Reference> &references,
     edits.reserve(references.size());
     for (const nv::Reference &reference : references) {
         require(reference.at.begin <= reference.at.end && reference.at.end <= text.size());
-        edits.push_back({reference.at, nv::spelled(reference, address, text)});
+        edits.push_back({reference.at, reference.before + nv::spelled(reference, address, text) +
+                                           reference.after});
     }
     return edits;
 }

@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "markup/CssItems.h"
+#include "markup/CssWriter.h"
 
 #include <algorithm>
 #include <array>
@@ -36,7 +37,7 @@ bool namesOthers(std::string_view function) {
 class DrawnStyle {
   public:
     DrawnStyle(std::string_view css, const DrawnNames &names)
-        : m_css(css), m_tokens(cssTokens(css)), m_names(names) {}
+        : m_tokens(cssTokens(css)), m_names(names) {}
 
     CssRange all() const { return {0, m_tokens.size()}; }
     std::optional<std::string> value(CssRange part) const;
@@ -45,50 +46,67 @@ class DrawnStyle {
     std::string sheet() const;
 
   private:
-    std::optional<std::string> address(std::string_view meant) const;
+    bool writeAddress(std::string_view meant, CssWriter &writer) const;
+    const CssToken *textIn(std::size_t at, CssRange part) const;
+    bool writeToken(std::size_t &at, CssRange part, CssWriter &writer) const;
     std::optional<std::string> selectors(CssRange part) const;
     bool addToSelector(std::size_t &at, CssRange part, std::string &text) const;
 
-    std::string_view m_css;
     Tokens m_tokens;
     const DrawnNames &m_names;
 };
 
-std::optional<std::string> DrawnStyle::address(std::string_view meant) const {
+/// A place of the drawing under its new name; false for any other address.
+bool DrawnStyle::writeAddress(std::string_view meant, CssWriter &writer) const {
     if (meant.size() < 2 || !meant.starts_with('#'))
-        return std::nullopt;
-    return "url(#" + m_names.idOf(meant.substr(1)) + ")";
+        return false;
+    writer.url("#" + m_names.idOf(meant.substr(1)));
+    return true;
 }
 
-std::optional<std::string> DrawnStyle::value(CssRange part) const {
-    std::string text;
-    for (std::size_t at = part.begin; at < part.end; ++at) {
-        const CssToken &token = m_tokens[at];
-        const std::string name =
-            token.kind == CssKind::function ? toLower(token.text) : std::string();
-        std::optional<std::string> own;
-        if (token.kind == CssKind::url) {
-            own = address(token.text);
-        } else if (isUrlFunction(name)) {
-            std::size_t inner = at + 1;
-            while (inner < part.end && m_tokens[inner].kind == CssKind::blank)
-                ++inner;
-            own = inner < part.end && m_tokens[inner].kind == CssKind::string
-                      ? address(m_tokens[inner].text)
-                      : std::nullopt;
-            at = token.partner;
-        } else {
-            own = std::string(token.at.in(m_css));
-        }
-        const bool isOpen = opensBlock(token.kind) && token.partner >= part.end;
-        const bool goes = token.kind == CssKind::badUrl || token.kind == CssKind::badString ||
-                          token.kind == CssKind::openCurly || token.kind == CssKind::closeCurly ||
-                          token.kind == CssKind::atKeyword || !token.isClosed;
-        if (!own || isOpen || goes || namesOthers(name))
-            return std::nullopt;
-        text += *own;
+/// The text in the brackets of "url(", whose name is at `at`; null for none.
+const CssToken *DrawnStyle::textIn(std::size_t at, CssRange part) const {
+    for (++at; at < part.end; ++at)
+        if (m_tokens[at].kind == CssKind::string)
+            return &m_tokens[at];
+        else if (m_tokens[at].kind != CssKind::blank)
+            break;
+    return nullptr;
+}
+
+/// Writes the token at `at`, which is moved to the last one that was read. False when the whole has
+/// to go.
+bool DrawnStyle::writeToken(std::size_t &at, CssRange part, CssWriter &writer) const {
+    const CssToken &token = m_tokens[at];
+    if (opensBlock(token.kind) && token.partner >= part.end)
+        return false;
+    switch (token.kind) {
+    case CssKind::url:
+        return writeAddress(token.text, writer);
+    case CssKind::function: {
+        const std::string name = toLower(token.text);
+        if (!isUrlFunction(name))
+            return !namesOthers(name) && writer.token(token);
+        const CssToken *address = textIn(at, part);
+        at = token.partner;
+        return address && writeAddress(address->text, writer);
     }
-    return std::string(trim(text));
+    case CssKind::openCurly:
+    case CssKind::closeCurly:
+    case CssKind::atKeyword:
+        return false;
+    default:
+        return writer.token(token);
+    }
+}
+
+/// Written anew: what stood apart by a comment doesn't run together.
+std::optional<std::string> DrawnStyle::value(CssRange part) const {
+    CssWriter writer;
+    for (std::size_t at = part.begin; at < part.end; ++at)
+        if (!writeToken(at, part, writer))
+            return std::nullopt;
+    return std::string(trim(writer.text()));
 }
 
 std::string DrawnStyle::declarations(const std::vector<CssItem> &items) const {

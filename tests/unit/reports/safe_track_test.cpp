@@ -35,6 +35,7 @@ TEST(SafeTrack, whatIsNoneIsEmpty) {
     EXPECT_EQ(guardedTrack("<html>WEBVTT"), "");
     EXPECT_EQ(guardedTrack(std::string("WEBVTT\n\0", 8)), "");
     EXPECT_EQ(guardedTrack("WEBVTT"), "WEBVTT\n");
+    EXPECT_EQ(guardedTrack("WEBVTT\n\na\nREGION00:08.000 -->000\na\n"), "WEBVTT\n");
 }
 
 TEST(SafeTrack, hugeTextsTakeTheirTime) {

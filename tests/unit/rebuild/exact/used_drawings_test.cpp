@@ -47,8 +47,8 @@ TEST(UsedDrawings, whatItNamesInTurnComesUnderItsNewName) {
     EXPECT_EQ(used.place(kOne, "a"), first);
     EXPECT_EQ(used.place(kOne, "p"), "#" + id + "3");
     const std::string text = used.markup();
-    EXPECT_THAT(text, AllOf(HasSubstr("fill=\"url(#" + id + "2)\""),
-                            HasSubstr("stroke:url(#" + id + "2)"),
+    EXPECT_THAT(text, AllOf(HasSubstr("fill=\"url(&#34;#" + id + "2&#34;)\""),
+                            HasSubstr("stroke:url(&#34;#" + id + "2&#34;)"),
                             HasSubstr("<linearGradient id=\"" + id + "2\""),
                             HasSubstr("<use href=\"#" + id + "3\""),
                             HasSubstr("<use href=\"#" + id + "none\""), Not(HasSubstr("g-1"))));
@@ -69,11 +69,13 @@ TEST(UsedDrawings, stylesReachNothingElse) {
     const std::size_t begin = text.find("<style>");
     const std::string sheet = text.substr(begin, text.find("</style>") - begin);
     EXPECT_THAT(sheet, AllOf(HasSubstr("-k1-"), HasSubstr("&#62;&#32;path.nv-"),
-                             HasSubstr("fill:green;}"), HasSubstr("{fill:url(#nv-")));
+                             HasSubstr("fill:green;}"), HasSubstr("{fill:url(&#34;#nv-")));
     EXPECT_THAT(sheet,
                 AllOf(Not(HasSubstr("live")), Not(HasSubstr("import")), Not(HasSubstr("blue")),
                       Not(HasSubstr("hover")), Not(HasSubstr("root")), Not(HasSubstr("stroke"))));
     EXPECT_THAT(text, Not(HasSubstr("\"x")));
+    EXPECT_THAT(drawn("<style>.x{fill:u\\72l/**/(a)}</style><g id=a style='fill:u\\72l/**/(a)' />"),
+                Not(HasSubstr("url(")));
 }
 
 TEST(UsedDrawings, nothingRunsMovesOrLeadsOut) {
