@@ -7,6 +7,7 @@
 #include "cli/ChosenFilters.h"
 #include "cli/Commands.h"
 #include "cli/LoadedTable.h"
+#include "cli/NamedTagRows.h"
 #include "cli/OutputPath.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
@@ -29,6 +30,7 @@ struct Arguments {
     std::string delimiter = "|";        ///< or "," ";" "tab"
     std::vector<std::string> columns;   ///< keys; empty for all
     RowsAsked rows;
+    std::string tag; ///< the name of one; empty for all rows
     bool tagged = false;
     bool guardFormulas = false;
     bool overwrite = false;
@@ -129,6 +131,7 @@ Exit run(Session &session, const Arguments &arguments) {
     {
         SQLite::Database &project = session.program.state.projectDB.connection();
         UrlTable table(project, session.program.log, state.gmtZone);
+        limitToTag(session, arguments.tag, table);
         if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Loaded) {
             if (arguments.tagged)
                 selectTagged(job, table, project);
@@ -177,7 +180,7 @@ Command exportCommand() {
                    "Index or column keys, separated by commas (default: all)")
                  .separatedByCommas(),
              queryOption(given->rows), hostOption(given->rows), filterOption(given->rows),
-             flag("--tagged", given->tagged, "Only rows with the tick"),
+             flag("--tagged", given->tagged, "Only rows with the tick"), tagOption(given->tag),
              flag("--guard-formulas", given->guardFormulas,
                   "Of csv: an apostrophe before texts that a spreadsheet takes for a formula"),
              flag("--overwrite", given->overwrite, "Replace FILE when it is there")},

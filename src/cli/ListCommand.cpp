@@ -3,6 +3,7 @@
 #include "cli/ChosenFilters.h"
 #include "cli/Commands.h"
 #include "cli/LoadedTable.h"
+#include "cli/NamedTagRows.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 
@@ -17,6 +18,7 @@ namespace {
 struct Arguments {
     std::string project;
     RowsAsked rows;
+    std::string tag; ///< the name of one; empty for all rows
     std::vector<std::string> columns;
     Format format = Format::table;
     /// Dates of csv and jsonl as the window has them, not ISO 8601. Tables always have them so.
@@ -38,10 +40,14 @@ std::vector<UrlColumn> allColumns() {
 }
 
 std::vector<UrlColumn> chosenColumns(const Arguments &arguments) {
-    if (arguments.columns.empty())
-        return arguments.format == Format::table
-                   ? std::vector<UrlColumn>(std::begin(kUsualColumns), std::end(kUsualColumns))
-                   : allColumns();
+    if (arguments.columns.empty()) {
+        std::vector<UrlColumn> usual(std::begin(kUsualColumns), std::end(kUsualColumns));
+        if (arguments.format != Format::table)
+            usual = allColumns();
+        if (!arguments.tag.empty())
+            usual.push_back(UrlColumn::TagNames);
+        return usual;
+    }
     std::vector<UrlColumn> columns;
     for (const std::string &key : arguments.columns) {
         const auto column = columnOfKey(key);
@@ -88,6 +94,7 @@ Exit run(Session &session, const Arguments &arguments) {
         UrlTable table(session.program.state.projectDB.connection(), session.program.log,
                        state.gmtZone);
         table.showColumns(columns);
+        limitToTag(session, arguments.tag, table);
         loaded = loadTable(session, choiceOf(arguments.rows), table);
         const auto writer =
             makeRowWriter(arguments.format, session.out, headingsOf(columns, arguments.format));
@@ -106,13 +113,14 @@ Command listCommand() {
             .what = "The rows of the table view",
             .readme = {"`list PROJECT`",
                        "shows the rows of the table; `--host`, `--filter`, "
-                       "`--query`, `--columns`, `--format` table, csv, tsv, jsonl"},
+                       "`--query`, `--tag`, `--columns`, `--format` table, csv, tsv, jsonl"},
             .examples = {{"list case.nvp --host example.com", "the rows of a host as a table"},
                          {"list case.nvp --filter CacheURLs,JPEG", "cached JPEG pictures only"},
+                         {"list case.nvp --tag Important", "rows with a tag"},
                          {"list case.nvp --format csv > rows.csv",
                           "all rows and columns for a spreadsheet"}},
             .arguments = {projectWord(given->project), queryOption(given->rows),
-                          hostOption(given->rows), filterOption(given->rows),
+                          hostOption(given->rows), filterOption(given->rows), tagOption(given->tag),
                           value("--columns", given->columns, "Column keys, separated by commas")
                               .separatedByCommas(),
                           flag("--dates-as-shown", given->datesAsShown,

@@ -33,6 +33,16 @@ RowChoice choiceOf(const RowsAsked &rows) {
     return {rows.query, !rows.host.empty(), rows.host};
 }
 
+namespace {
+
+std::string_view hiding(const UrlTable &table) {
+    if (!table.tags)
+        return "filters hide";
+    return table.filters.enableFilters ? "filters and the tag hide" : "the tag hides";
+}
+
+} // namespace
+
 LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table) {
     checkQuery(session, choice.activeQueryName);
     table.choice = choice;
@@ -46,7 +56,7 @@ LoadResult loadTable(Session &session, const RowChoice &choice, UrlTable &table)
     if (table.foundOneByOne())
         session.err << kOneByOneNote << '\n';
     if (table.hiddenCount() > 0)
-        session.err << fmt::format("filters hide {} of {}\n", table.hiddenCount(),
+        session.err << fmt::format("{} {} of {}\n", hiding(table), table.hiddenCount(),
                                    counted(table.hiddenCount() + table.rowCount(), "row"));
     return loaded;
 }

@@ -7,6 +7,7 @@
 #include "cli/Commands.h"
 #include "cli/HandOver.h"
 #include "cli/LoadedTable.h"
+#include "cli/NamedTagRows.h"
 #include "cli/OutputPath.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
@@ -28,6 +29,7 @@ struct Arguments {
     std::string project;
     std::string out; ///< folder that becomes the report
     RowsAsked rows;
+    std::string tag;                 ///< the name of one; empty for all rows
     std::optional<std::string> type; ///< graphical or tabular
     std::optional<std::string> title;
     std::optional<std::string> caseNumber;
@@ -79,6 +81,7 @@ void checkPicture(const char *option, const std::string &path) {
 std::optional<RowIds> rowsOf(Session &session, const Arguments &arguments) {
     Program &program = session.program;
     UrlTable table(program.state.projectDB.connection(), program.log, program.state.gmtZone);
+    limitToTag(session, arguments.tag, table);
     if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Cancelled)
         return std::nullopt;
     return table.ids();
@@ -194,6 +197,7 @@ Command reportCommand() {
                  flag("--overwrite", given->overwrite, "Replace the report in a folder"),
                  flag("--all", given->all, "All rows of the query (this is the default)"),
                  flag("--tagged", given->tagged, "Only rows with the tick"),
+                 tagOption(given->tag),
                  queryOption(given->rows),
                  hostOption(given->rows),
                  filterOption(given->rows),

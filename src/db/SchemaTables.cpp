@@ -179,6 +179,21 @@ constexpr Column kSearchHits[] = {
     {"Hits", Long, 0, false, "Hits", "How often it stands there"},
 };
 
+// What an examiner calls tags. Table Tags is another thing: the references of pages.
+constexpr Column kNamedTags[] = {
+    {"NamedTag_ID", Long, 0, true, "NamedTag_ID", "Unique record ID"},
+    {"Name", Text, 100, false, "Name", "(100) As the examiner calls it"},
+    {"Color", Text, 7, false, "Color", "(7) #rrggbb"},
+    {"Position", Long, 0, false, "Position", "Its place among the tags, from 1"},
+    {"Note", Memo, 0, false, "Note", "What the tag is for"},
+};
+
+constexpr Column kRecordTags[] = {
+    {"NamedTag_ID", Long, 0, false, "NamedTag_ID", "The tag"},
+    {"URL_ID", Long, 0, false, "URL ID", "The record that has it"},
+    {"Note", Memo, 0, false, "Note", "Why the record has it"},
+};
+
 constexpr std::array<Relationship, 7> kRelationships = {{
     {"URLsLinks", "URLs", "URL_ID", "LinkAnalysis", "Parent_ID"},
     {"URLsLinks1", "URLs", "URL_ID", "LinkAnalysis", "Child_ID"},
@@ -189,7 +204,7 @@ constexpr std::array<Relationship, 7> kRelationships = {{
     {"RecordFacts_Relationship", "URLs", "URL_ID", "RecordFacts", "URL_ID"},
 }};
 
-constexpr std::array<Index, 9> kIndexes = {{
+constexpr std::array<Index, 11> kIndexes = {{
     {"URLIndex", "URLs", "URL"},
     {"Links_Relationship", "Links", "URL_ID"},
     {"URLTags_Relationship", "Tags", "URL_ID"},
@@ -199,6 +214,8 @@ constexpr std::array<Index, 9> kIndexes = {{
     {"PartChoices_Page", "PartChoices", "URL_ID"},
     {"RecordFacts_Relationship", "RecordFacts", "URL_ID"},
     {"SearchHits_Result", "SearchHits", "Result_ID"},
+    {"RecordTags_Tag", "RecordTags", "NamedTag_ID"},
+    {"RecordTags_Record", "RecordTags", "URL_ID"},
 }};
 
 } // namespace
@@ -221,13 +238,15 @@ std::span<const Table> projectTables() {
 }
 
 std::span<const Table> tablesOfFirstUse() {
-    static const std::array<Table, 6> tables = {{
+    static const std::array<Table, 8> tables = {{
         {"AuditTrail", "Trail_ID_PK", kAuditTrail, kTrailStaysAsWritten},
         {"RebuildAudit", "Audit_ID_PK", kRebuildAudit},
         {"RebuiltParts", "Part_ID_PK", kRebuiltParts},
         {"PartChoices", "Choice_ID_PK", kPartChoices},
         {"SearchResults", "Result_ID_PK", kSearchResults},
         {"SearchHits", "", kSearchHits},
+        {"NamedTags", "NamedTag_ID_PK", kNamedTags},
+        {"RecordTags", "", kRecordTags},
     }};
     return tables;
 }

@@ -2,6 +2,7 @@
 #include "db/BindId.h"
 #include "db/RebuildAudit.h"
 #include "db/RebuiltParts.h"
+#include "db/RecordTags.h"
 #include "db/SqliteErrors.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/RebuildMethod.h"
@@ -73,6 +74,20 @@ std::string notesSection(const ReportCard &card) {
         return {};
     return heading("NOTES ABOUT THIS PAGE",
                    fmt::format("<i>{}</i></td></tr>", htmlLines(card.record.Notes)));
+}
+
+std::string tagsSection(const ReportCard &card, bool withNotes, const ReportContext &ctx) {
+    const auto tags =
+        onProject([&] { return RowTagReader(ctx.rebuild.project).of(card.record.URLID); });
+    if (tags.empty())
+        return {};
+    std::string text;
+    for (const RowTag &each : tags)
+        text += fmt::format("{}<span style='border-left:8px solid {};padding-left:4px;'>"
+                            "<strong>{}</strong></span>{}",
+                            text.empty() ? "" : "<br>\r\n", each.tag.color, htmlText(each.tag.name),
+                            withNotes && !each.note.empty() ? " " + htmlLines(each.note) : "");
+    return heading("TAGS OF THIS PAGE", text + "</td></tr>");
 }
 
 namespace {

@@ -136,6 +136,7 @@ std::string cardText(const ReportWriter &report, const ReportCard &card, const R
                        "</tr>\r\n";
     if (report.includeLinkAnalysis)
         text += linkSection(card, ctx);
+    text += tagsSection(card, report.includeNotes, ctx);
     if (report.includeNotes)
         text += notesSection(card);
     if (report.includeAudit)

@@ -17,6 +17,9 @@ std::string brokenCard(UrlId id);
 std::string linkSection(const ReportCard &card, const ReportContext &ctx);
 /// Empty without notes.
 std::string notesSection(const ReportCard &card);
+/// The named tags of the record, with why it has them unless notes are left out. Empty without
+/// tags. Throws.
+std::string tagsSection(const ReportCard &card, bool withNotes, const ReportContext &ctx);
 /// The section of the replaced references of a page; `report` is the report's folder. Throws.
 std::string auditSection(const ReportCard &card, const std::filesystem::path &report,
                          const ReportContext &ctx);

@@ -17,11 +17,29 @@ ExportColumn columnOf(const ListedColumn &chosen) {
             chosen.defaultColWidth};
 }
 
-std::vector<ExportColumn> columnsOf(const Export &job) {
+/// In forms that hold cells all columns are those of layout "Classic", and the names of tags where
+/// the project has tags: what the examiner has marked mustn't get lost. A line of JSON has them as
+/// a list.
+SelectedColumns allColumns(const Export &job, UrlTable &table) {
+    SelectedColumns columns = defaultUrlColumns();
+    if (job.format == ExportFormat::jsonl || !table.hasNamedTags())
+        return columns;
+    const UrlColumnFacts &names = factsOf(UrlColumn::TagNames);
+    columns.add({.keyName = std::string(names.key),
+                 .defaultColWidth = names.widthTwips,
+                 .sqlOrdinalIndex = static_cast<int>(indexOf(names.column)),
+                 .columnHeader = std::string(names.header),
+                 .hideColumn = false},
+                names.key);
+    return columns;
+}
+
+std::vector<ExportColumn> columnsOf(const Export &job, UrlTable &table) {
     std::vector<ExportColumn> columns;
     if (!factsOf(job.format).hasColumns)
         return columns;
-    const SelectedColumns chosen = job.exportAllColumns ? defaultUrlColumns() : job.selectedColumns;
+    const SelectedColumns chosen =
+        job.exportAllColumns ? allColumns(job, table) : job.selectedColumns;
     for (const ListedColumn &column : chosen)
         columns.push_back(columnOf(column));
     return columns;
@@ -57,8 +75,9 @@ void showColumns(UrlTable &table, const std::vector<ExportColumn> &columns, Expo
             needed.push_back(*column.column);
     // A line of JSON names event, time and source whatever columns were chosen.
     if (format == ExportFormat::jsonl)
-        needed.insert(needed.end(), {UrlColumn::Action, UrlColumn::ActionDateUtc, UrlColumn::Value,
-                                     UrlColumn::CacheType, UrlColumn::WebpageTitle});
+        needed.insert(needed.end(),
+                      {UrlColumn::Action, UrlColumn::ActionDateUtc, UrlColumn::Value,
+                       UrlColumn::CacheType, UrlColumn::WebpageTitle, UrlColumn::TagNames});
     table.showColumns(needed);
 }
 
@@ -80,7 +99,7 @@ ExportEnd exportRows(Export &job, UrlTable &table, const std::filesystem::path &
     task.describe({"EXPORTING URLS", "", "", ""});
     job.counts = {};
     job.exportText.clear();
-    const auto columns = columnsOf(job);
+    const auto columns = columnsOf(job, table);
     showColumns(table, columns, job.format);
     // Before anything is written: a column that the project lacks would be empty in every row.
     table.checkColumns();

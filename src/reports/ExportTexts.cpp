@@ -116,7 +116,8 @@ class JsonLinesWriter final : public TextWriter {
     std::string heading() override {
         m_names = {"message", "datetime", "timestamp", "timestamp_desc"};
         for (const ExportColumn &column : columns())
-            m_names.push_back(column.key);
+            if (!isOfTags(column))
+                m_names.push_back(column.key);
         return {};
     }
     void appendRow(ExportCells &cells, std::size_t place) override {
@@ -127,8 +128,17 @@ class JsonLinesWriter final : public TextWriter {
         const std::string action = plainText(cells.machine(place, UrlColumn::Action));
         event.emplace_back(action.empty() ? "Action Date" : action);
         for (const ExportColumn &column : columns())
-            event.push_back(cells.machine(place, column));
-        text() += jsonLine(m_names, event, factMembers(cells.facts(place)));
+            if (!isOfTags(column))
+                event.push_back(cells.machine(place, column));
+        std::string further = factMembers(cells.facts(place));
+        if (const std::string tags = tagMember(cells.tags(place)); !tags.empty())
+            further += (further.empty() ? "" : ",") + tags;
+        text() += jsonLine(m_names, event, further);
+    }
+
+    /// The names are a list of their own, whatever columns were chosen.
+    static bool isOfTags(const ExportColumn &column) {
+        return column.column == UrlColumn::TagNames;
     }
 
     static std::string message(ExportCells &cells, std::size_t place) {

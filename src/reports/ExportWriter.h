@@ -32,6 +32,7 @@ class ExportCells {
     Cell machine(std::size_t place, UrlColumn column);
     Date actionDate(std::size_t place);
     FactList facts(std::size_t place) { return m_table.facts(place, m_facts); }
+    std::vector<RowTag> tags(std::size_t place) { return m_table.tagsOf(place); }
     bool isRead(std::size_t place) { return m_table.isRead(place); }
     UrlId idAt(std::size_t place) const { return m_table.idAt(place); }
 

@@ -53,4 +53,11 @@ std::string factMembers(const FactList &facts) {
     return textOf("facts", values) + (raw.is_null() ? "" : "," + textOf("facts_raw", raw));
 }
 
+std::string tagMember(const std::vector<RowTag> &tags) {
+    Json names = Json::array();
+    for (const RowTag &each : tags)
+        names.push_back(each.tag.name);
+    return names.empty() ? "" : textOf("tag_names", names);
+}
+
 } // namespace nv

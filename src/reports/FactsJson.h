@@ -1,8 +1,10 @@
 #pragma once
 
 #include "db/FactList.h"
+#include "db/RecordTags.h"
 
 #include <string>
+#include <vector>
 
 namespace nv {
 
@@ -10,5 +12,8 @@ namespace nv {
 /// "facts_raw" the raw forms of those that have one. What comes several times is a list. Empty
 /// without facts.
 std::string factMembers(const FactList &facts);
+
+/// The names of a row's tags as a member "tag_names" with a list. Empty without tags.
+std::string tagMember(const std::vector<RowTag> &tags);
 
 } // namespace nv

@@ -1,6 +1,8 @@
 #include "reports/TabularText.h"
 
 #include "base/Text.h"
+#include "db/RecordTags.h"
+#include "db/SqliteErrors.h"
 #include "readers/RecordKind.h"
 #include "reports/Html.h"
 #include "reports/ReportValues.h"
@@ -33,7 +35,14 @@ std::string dateCell(const UrlRecord &record, const ReportContext &ctx) {
                             dateColour(record), htmlText(date.text), date.bias, date.daylight));
 }
 
-std::string addressCell(const ReportWriter &report) {
+/// A line of its own below the address; none without tags.
+std::string tagsLine(UrlId id, const ReportContext &ctx) {
+    const std::string names =
+        onProject([&] { return namesOf(RowTagReader(ctx.rebuild.project).of(id)); });
+    return names.empty() ? "" : fmt::format("<br><strong>Tags:</strong> {}", htmlText(names));
+}
+
+std::string addressCell(const ReportWriter &report, const std::string &tags) {
     const std::string text = htmlText(report.originalURL);
     const std::string width =
         report.urlColWidth > 0 ? fmt::format(" width='{}'", report.urlColWidth) : "";
@@ -41,8 +50,8 @@ std::string addressCell(const ReportWriter &report) {
                                  ? fmt::format("<a href='{}' target='_new'>{}</a>",
                                                htmlAddress(report.originalURL), text)
                                  : text;
-    return fmt::format("<td valign='top'{} style='overflow-wrap:anywhere;'>{}</td>", width,
-                       link.empty() ? "&nbsp;" : link);
+    return fmt::format("<td valign='top'{} style='overflow-wrap:anywhere;'>{}{}</td>", width,
+                       link.empty() ? "&nbsp;" : link, tags);
 }
 
 } // namespace
@@ -76,7 +85,7 @@ std::string tabularRow(const ReportWriter &report, const UrlRecord &record,
     text += dateCell(record, ctx);
     if (report.includeUser)
         text += cell(htmlText(report.user));
-    return text + addressCell(report) + "</tr>";
+    return text + addressCell(report, tagsLine(record.URLID, ctx)) + "</tr>";
 }
 
 std::string brokenRow(UrlId id, std::size_t index) {

@@ -2,6 +2,7 @@
 
 #include "search/Expression.h"
 #include "search/FoldedText.h"
+#include "search/FoundIds.h"
 #include "search/SearchQuery.h"
 #include "search/SearchedRow.h"
 
@@ -10,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace nv {
@@ -31,6 +33,10 @@ class RowMatch {
 
     const SearchQuery &query() const { return m_query; }
     SearchScope scope() const { return m_scope; }
+    /// The rows that the tag: condition of this place names. Tags stand in no text of a row and
+    /// change at any time, so that they are told before each search; no row has them until then.
+    void setTagged(std::size_t clause, FoundIds ids) { m_tagged.at(clause) = std::move(ids); }
+    const FoundIds &tagged(std::size_t clause) const { return m_tagged.at(clause); }
     /// Meets all conditions.
     bool meets(const SearchedRow &row);
     /// What the condition of this place asks, whether it is excluded or not.
@@ -56,7 +62,8 @@ class RowMatch {
 
     SearchQuery m_query;
     SearchScope m_scope;
-    std::vector<Sought> m_sought; ///< of each clause
+    std::vector<Sought> m_sought;   ///< of each clause
+    std::vector<FoundIds> m_tagged; ///< of each clause; empty for those of other kinds
     FoldedText m_folded;
 };
 

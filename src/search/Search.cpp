@@ -3,6 +3,7 @@
 #include "db/SqliteErrors.h"
 #include "readers/RecordKind.h"
 #include "search/SearchedRowReader.h"
+#include "search/TaggedRows.h"
 
 #include <algorithm>
 #include <map>
@@ -27,7 +28,7 @@ class FactMatch {
   public:
     explicit FactMatch(const SearchQuery &query) {
         for (const SearchClause &clause : query.clauses)
-            if (!isOfText(clause))
+            if (!isOfText(clause) && clause.kind != ClauseKind::tag)
                 m_asked.push_back({&clause, foldedCase(clause.text), {}});
     }
     bool empty() const { return m_asked.empty(); }
@@ -84,11 +85,16 @@ Told askIndex(SearchIndex &index, const RowMatch &match, std::size_t most) {
     const SearchQuery &query = match.query();
     Told told;
     FoundIds taken;
+    bool areAllThere = true; // a table that somebody else has made may tag rows that aren't there
     for (std::size_t at = 0; at < query.clauses.size(); ++at) {
         const SearchClause &clause = query.clauses[at];
-        if (!isOfText(clause))
+        const bool isOfTag = clause.kind == ClauseKind::tag;
+        if (!isOfText(clause) && !isOfTag)
             continue;
-        auto ids = index.rowsWith(clause, match.scope(), query.clauses.size() == 1 ? most : 0);
+        auto ids =
+            isOfTag ? std::optional(match.tagged(at))
+                    : index.rowsWith(clause, match.scope(), query.clauses.size() == 1 ? most : 0);
+        areAllThere = areAllThere && !isOfTag;
         if (!ids)
             told.left.push_back(at);
         else if (clause.isExcluded)
@@ -97,7 +103,7 @@ Told askIndex(SearchIndex &index, const RowMatch &match, std::size_t most) {
             told.ids = told.ids ? bothOf(*told.ids, *ids) : std::move(*ids);
     }
     FactMatch facts(query);
-    if (!told.ids || !facts.empty()) {
+    if (!told.ids || !facts.empty() || !areAllThere) {
         FoundIds ids;
         index.eachRow([&](const RowFacts &row) {
             const bool isIn = !told.ids || std::ranges::binary_search(*told.ids, row.id);
@@ -196,6 +202,7 @@ SearchFound findOnce(SQLite::Database &project, SearchIndex &index, RowMatch &ma
         index.bringUpToDate(indexing, found.index, needsParts(match)) == IndexEnd::cancelled;
     if (found.isCancelled)
         return found;
+    takeTags(project, match);
     found.unread = index.unread();
     found.outside = index.outside();
     Told told = askIndex(index, match, most);
@@ -223,6 +230,7 @@ SearchFound findRows(SQLite::Database &project, SearchIndex &index, RowMatch &ma
 SearchFound scanRows(SQLite::Database &project, RowMatch &match, TaskMonitor &task,
                      std::size_t most) {
     SearchFound found;
+    takeTags(project, match);
     SearchedRowReader reader(project, textsOf(match));
     while ((most == 0 || found.ids.size() < most) && reader.next()) {
         if (match.meets(reader.row()))

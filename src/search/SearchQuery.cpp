@@ -22,11 +22,12 @@ struct Operator {
     std::string_view word;
     ClauseKind kind;
 };
-constexpr std::array<Operator, 5> kOperators = {{{"host:", ClauseKind::host},
+constexpr std::array<Operator, 6> kOperators = {{{"host:", ClauseKind::host},
                                                  {"browser:", ClauseKind::browser},
                                                  {"kind:", ClauseKind::kind},
                                                  {"before:", ClauseKind::before},
-                                                 {"after:", ClauseKind::after}}};
+                                                 {"after:", ClauseKind::after},
+                                                 {"tag:", ClauseKind::tag}}};
 
 /// What is left of the box's text, from the left.
 class Words {

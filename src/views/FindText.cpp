@@ -83,7 +83,8 @@ LinkCounts linkCounts(SQLite::Database &database, const char *column) {
 class RowFinder {
   public:
     RowFinder(const FindText &what, SQLite::Database &database, RowCells &cells)
-        : m_pattern(what.text), m_cells(cells), m_isNumber(alphabetOfNumbers().canSpell(what.text)),
+        : m_pattern(what.text), m_cells(cells), m_tags(database),
+          m_isNumber(alphabetOfNumbers().canSpell(what.text)),
           m_isDate(alphabetOfDates(cells).canSpell(what.text)) {
         for (const UrlColumn column : what.columns)
             plan(column);
@@ -151,6 +152,8 @@ class RowFinder {
             return compute(m_isNumber, "IsHistory");
         case CellRule::Status:
             return planStatus(column);
+        case CellRule::TagNames:
+            return compute(true, "NULL");
         default:
             return compute(true, facts.source);
         }
@@ -185,6 +188,8 @@ class RowFinder {
             return inType(textIn(value));
         case CellRule::Status:
             return inStatus(probe, value);
+        case CellRule::TagNames:
+            return inTags();
         case CellRule::YesNo:
             m_row.cacheFileExists = value.getInt() != 0;
             return isShown(probe, value);
@@ -203,6 +208,11 @@ class RowFinder {
         const LinkCounts &counts = isHistory ? m_asChild : m_asParent;
         const auto found = counts.find(m_rows->getColumn(0).getInt64());
         return found != counts.end() && m_pattern.isInShown(std::to_string(found->second));
+    }
+
+    bool inTags() {
+        return m_pattern.isInShown(
+            displayText(namesOf(m_tags.of(UrlId{m_rows->getColumn(0).getInt64()}))));
     }
 
     /// There are a few dozens of them, whatever the number of rows.
@@ -227,6 +237,7 @@ class RowFinder {
 
     FindPattern m_pattern;
     RowCells &m_cells;
+    RowTagReader m_tags;
     bool m_isNumber; ///< the text may stand in a number
     bool m_isDate;
     bool m_countsLinks = false;

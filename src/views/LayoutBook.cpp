@@ -13,9 +13,9 @@ namespace {
 
 using C = UrlColumn;
 
-constexpr UrlColumn kExaminerColumns[] = {C::Tag,    C::Icon,         C::LocalDate, C::Type,
-                                          C::Host,   C::WebpageTitle, C::Value,     C::User,
-                                          C::Visits, C::Status,       C::Note};
+constexpr UrlColumn kExaminerColumns[] = {C::Tag,  C::TagNames, C::Icon,         C::LocalDate,
+                                          C::Type, C::Host,     C::WebpageTitle, C::Value,
+                                          C::User, C::Visits,   C::Status,       C::Note};
 
 constexpr std::string_view kActiveName = "ColumnLayout";
 constexpr std::size_t kMostLayouts = 100;

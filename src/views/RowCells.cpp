@@ -127,6 +127,8 @@ std::string wordOf(const UrlRow &row, UrlColumn column, bool badPath) {
         return badPath ? std::string(kBadPath) : storedText(row, column);
     case CellRule::Icon:
         return std::string(RowCells::iconKeyOf(row));
+    case CellRule::TagNames:
+        return namesOf(row.tags);
     case CellRule::Note:
         return storedFlag(row, column) ? yesNo(true) : std::string();
     default:

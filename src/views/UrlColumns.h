@@ -15,8 +15,8 @@
 namespace nv {
 
 /// The columns of the URL table; the value is the number by which projects keep a column in their
-/// layouts (docs/formats/project-file.md). The last five came later: lists of "all columns" go
-/// without them.
+/// layouts (docs/formats/project-file.md). Those from LocalDate on came later: lists of "all
+/// columns" go without them.
 enum class UrlColumn : std::uint8_t {
     Tag,
     Icon,
@@ -74,9 +74,10 @@ enum class UrlColumn : std::uint8_t {
     Browser,
     Profile,
     Person,
+    TagNames, ///< of named tags, unlike the tick of Tag
 };
 inline constexpr std::size_t kUrlColumnCount = 51;   ///< those of layout "Classic"
-inline constexpr std::size_t kTableColumnCount = 56; ///< all that the table can show
+inline constexpr std::size_t kTableColumnCount = 57; ///< all that the table can show
 
 constexpr std::size_t indexOf(UrlColumn column) {
     return static_cast<std::size_t>(column);
@@ -101,6 +102,7 @@ enum class CellRule : std::uint8_t {
     Rebuilt,
     Status,
     Note, ///< "Yes" when the examiner has noted something
+    TagNames,
 };
 
 enum class Shown : std::uint8_t { Yes, No };

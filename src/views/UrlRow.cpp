@@ -109,6 +109,8 @@ RowReader::RowReader(SQLite::Database &database, std::span<const UrlColumn> colu
     }
     select += " FROM URLs WHERE URL_ID = ?";
     m_row = std::make_unique<SQLite::Statement>(database, select);
+    if (reads(UrlColumn::TagNames))
+        m_tags = std::make_unique<RowTagReader>(database);
     if (!reads(UrlColumn::Linked))
         return;
     m_linksToChild = std::make_unique<SQLite::Statement>(
@@ -132,6 +134,8 @@ UrlRow RowReader::read(UrlId id) {
     for (const UrlColumn column : m_stored)
         row.stored.at(indexOf(column)) = valueIn(m_row->getColumn(at++));
     row.links = reads(UrlColumn::Linked) ? linksOf(row) : 0;
+    if (m_tags)
+        row.tags = m_tags->of(id);
     return row;
 }
 

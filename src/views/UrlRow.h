@@ -1,6 +1,7 @@
 #pragma once
 
 #include "db/Ids.h"
+#include "db/RecordTags.h"
 #include "time/Date.h"
 #include "views/UrlColumns.h"
 
@@ -44,7 +45,8 @@ struct UrlRow {
     std::string cacheFileName;
     std::string historyFilePath;
     Date actionDateUtc;
-    std::int64_t links = 0; ///< counted only when that column was asked for
+    std::int64_t links = 0;   ///< counted only when that column was asked for
+    std::vector<RowTag> tags; ///< read only when that column was asked for
     std::array<StoredValue, kTableColumnCount> stored;
 };
 
@@ -68,6 +70,7 @@ class RowReader {
     std::unique_ptr<SQLite::Statement> m_row;
     std::unique_ptr<SQLite::Statement> m_linksToChild;
     std::unique_ptr<SQLite::Statement> m_linksOfParent;
+    std::unique_ptr<RowTagReader> m_tags;
 };
 
 /// The whole text of a row's column, as it is stored; nothing when there is no such row or column.

@@ -98,7 +98,16 @@ Walk UrlTable::fill(const std::vector<IdQuery> &queries, TaskMonitor &task, Foun
     for (const IdQuery &query : queries)
         if (findRows(m_project, query, filters, task, found) == Walk::Cancelled)
             return Walk::Cancelled;
-    return limitTime(task, found);
+    return limitTags(task, found) == Walk::Cancelled ? Walk::Cancelled : limitTime(task, found);
+}
+
+Walk UrlTable::limitTags(TaskMonitor &task, FoundRows &found) {
+    if (!tags)
+        return Walk::Finished;
+    const std::size_t before = found.ids.size();
+    const Walk walk = keepTagged(m_project, *tags, task, found.ids);
+    found.hidden += before - found.ids.size();
+    return walk;
 }
 
 Walk UrlTable::limitTime(TaskMonitor &task, FoundRows &found) {
@@ -256,6 +265,15 @@ FactList UrlTable::facts(std::size_t place, RecordFacts &reader) {
 bool UrlTable::isTagged(std::size_t place) {
     const UrlRow *row = rowFor(place, UrlColumn::Tag);
     return row && row->tagged;
+}
+
+bool UrlTable::hasNamedTags() const {
+    return !NamedTags(m_project).counts().empty();
+}
+
+std::vector<RowTag> UrlTable::tagsOf(std::size_t place) {
+    const UrlRow *row = rowFor(place, UrlColumn::TagNames);
+    return row ? row->tags : std::vector<RowTag>();
 }
 
 std::string_view UrlTable::iconKey(std::size_t place) {

@@ -7,6 +7,7 @@
 #include "views/RowCells.h"
 #include "views/RowPager.h"
 #include "views/TableFind.h"
+#include "views/TagLimit.h"
 #include "views/TimeLimit.h"
 #include "views/UrlQuery.h"
 
@@ -16,6 +17,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv {
 
@@ -45,6 +47,7 @@ class UrlTable {
     std::string rootPath;          ///< the project's base folder; empty mends no rows
     RecordFilters filters;         ///< as the program's stand at the load
     std::optional<TimeLimit> time; ///< hides what happened at other times
+    std::optional<TagLimit> tags;  ///< hides rows without one of these tags
     Undated undated = Undated::AsTheQueryHasThem;
     /// The column of the examiner's choice: it holds over the query's order, and a sort sets it. A
     /// query without that column has its own order all the same.
@@ -72,7 +75,7 @@ class UrlTable {
     const RowIds &ids() const { return m_ids; }
     /// The rows that the time limit leaves and those that it hides.
     const RowIds &idsOfAllTimes() const { return time ? m_idsOfAllTimes : m_ids; }
-    /// Rows of the query that the record filters and the time limit hide.
+    /// Rows of the query that the record filters and the limits hide.
     std::size_t hiddenCount() const { return m_hidden; }
     /// The query failed at damage of the project, so that each row was asked for itself.
     bool foundOneByOne() const { return m_oneByOne; }
@@ -105,6 +108,10 @@ class UrlTable {
     /// What is known of the record beside its cells. A failure is logged, and the row is unread.
     FactList facts(std::size_t place, RecordFacts &reader);
     bool isTagged(std::size_t place);
+    /// Whether any row of the project has a named tag.
+    bool hasNamedTags() const;
+    /// The named tags of the row; of a busy table those that are at hand.
+    std::vector<RowTag> tagsOf(std::size_t place);
     std::string_view iconKey(std::size_t place);
     std::string header(UrlColumn column) const { return headerText(column, m_zone); }
 
@@ -135,6 +142,7 @@ class UrlTable {
     std::vector<IdQuery> loadQueries();
     std::vector<IdQuery> ownOrder();
     Walk fill(const std::vector<IdQuery> &queries, TaskMonitor &task, FoundRows &found);
+    Walk limitTags(TaskMonitor &task, FoundRows &found);
     Walk limitTime(TaskMonitor &task, FoundRows &found);
     LoadResult attempt(const std::function<Walk()> &work);
     void take(FoundRows &&found);

@@ -191,6 +191,7 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
                  "What otherwise holds until the program ends (gallery numbers, version "
                  "checking, network connection) is kept for the next start."),
     flag("BEYOND", "ShowHosts", false, "The list of hosts stands beside the table"),
+    flag("BEYOND", "ShowTags", false, "The list of tags stands beside the table"),
     flag("BEYOND", "ShowTime", false, "The bar of time stands above the table"),
     flag("BEYOND", "ShowViewers", true, "The viewers stand below the table"),
     choice("BEYOND", "Theme", "System;Light;Dark", "System",

@@ -103,8 +103,11 @@ int ColumnFit::wanted(const UrlModel &model, UrlColumn column, const QTableView 
                                     : width;
     const QFontMetrics metrics = grid.fontMetrics();
     for (const int row : rowsToMeasure(model.rowCount())) {
-        const QString text = model.index(row, section).data().toString();
-        width = std::max(width, metrics.horizontalAdvance(text) + marginsOf(grid));
+        const QModelIndex cell = model.index(row, section);
+        const QString text = cell.data().toString();
+        width = std::max(width, column == UrlColumn::TagNames && !text.isEmpty()
+                                    ? cellWidth(grid, cell)
+                                    : metrics.horizontalAdvance(text) + marginsOf(grid));
     }
     return std::min(width, boundsOf(column).most * metrics.averageCharWidth());
 }

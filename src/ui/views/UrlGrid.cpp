@@ -2,6 +2,7 @@
 
 #include "platform/qt/QtText.h"
 #include "ui/views/PinnedHeader.h"
+#include "ui/views/TagPills.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -36,6 +37,7 @@ UrlGrid::UrlGrid(UrlModel &model, QWidget *parent)
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowPadding);
+    setItemDelegateForColumn(UrlModel::sectionOf(UrlColumn::TagNames), new TagPills(m_model, this));
     setUpHeader();
     connectHeader();
     applyLayout();
@@ -192,6 +194,21 @@ std::optional<UrlId> UrlGrid::currentUrl() const {
     return id == UrlId::none ? std::nullopt : std::optional(id);
 }
 
+RowIds UrlGrid::selectedUrls() const {
+    RowIds ids;
+    const UrlTable *table = m_model.table();
+    if (!table)
+        return ids;
+    ids.reserve(static_cast<std::size_t>(selectedRowCount()));
+    for (const QItemSelectionRange &range : selectionModel()->selection())
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            ids.push_back(
+                static_cast<std::int32_t>(number(table->idAt(static_cast<std::size_t>(row)))));
+    if (const auto current = currentUrl(); ids.empty() && current)
+        ids.push_back(static_cast<std::int32_t>(number(*current)));
+    return ids;
+}
+
 bool UrlGrid::setCurrentUrl(UrlId id) {
     const auto place = m_model.table() ? m_model.table()->placeOf(id) : std::nullopt;
     if (!place)
@@ -232,6 +249,9 @@ void UrlGrid::clickCell(const QModelIndex &cell) {
 void UrlGrid::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier)
         emit tagFlipRequested();
+    else if (const int digit = event->key() - Qt::Key_0;
+             digit >= 1 && digit <= 9 && (event->modifiers() & ~Qt::KeypadModifier) == 0)
+        emit tagKeyPressed(digit);
     else
         PinnedGrid::keyPressEvent(event);
 }

@@ -31,6 +31,8 @@ class UrlGrid final : public PinnedGrid {
     void showSort(const std::optional<ColumnSort> &sort);
 
     std::optional<UrlId> currentUrl() const;
+    /// The records of the chosen rows, or that of the current one when none is chosen.
+    RowIds selectedUrls() const;
     /// Makes the row of this record the current one, when it is in the list.
     bool setCurrentUrl(UrlId id);
 
@@ -47,6 +49,8 @@ class UrlGrid final : public PinnedGrid {
     void currentUrlChanged();
     /// A click or the space key asks for another tick.
     void tagFlipRequested();
+    /// A digit from 1 on was pressed.
+    void tagKeyPressed(int digit);
     void headerMenuRequested(nv::UrlColumn column, const QPoint &globalPlace);
     void tableLayoutChanged();
 

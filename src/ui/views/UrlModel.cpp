@@ -1,5 +1,6 @@
 #include "ui/views/UrlModel.h"
 
+#include "base/DisplayText.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/ShownSigns.h"
@@ -68,8 +69,22 @@ QString UrlModel::cellText(std::size_t place, UrlColumn column) const {
     return shownSigns(toQt(m_table->cell(place, column)));
 }
 
+/// A line for each tag, with why the row has it.
+QString UrlModel::tagTip(std::size_t place) const {
+    QStringList lines;
+    for (const RowTag &each : m_table->tagsOf(place)) {
+        QString line = shownSigns(toQt(displayText(each.tag.name)));
+        if (!each.note.empty())
+            line += QStringLiteral(": ") + shownSigns(toQt(displayText(each.note)));
+        lines += line;
+    }
+    return lines.join(u'\n');
+}
+
 /// An empty cell of the local date would be taken for a record without a date.
 QString UrlModel::tipText(std::size_t place, UrlColumn column) const {
+    if (column == UrlColumn::TagNames)
+        return tagTip(place);
     const QString text = cellText(place, column);
     const bool leftOut = column == UrlColumn::ActionDateLocal && text.isEmpty() &&
                          !m_table->cell(place, UrlColumn::ActionDateUtc).empty();

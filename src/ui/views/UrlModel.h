@@ -39,6 +39,7 @@ class UrlModel final : public QAbstractTableModel {
   private:
     QString cellText(std::size_t place, UrlColumn column) const;
     bool isRebuilt(std::size_t place, UrlColumn column) const;
+    QString tagTip(std::size_t place) const;
     QString tipText(std::size_t place, UrlColumn column) const;
 
     UrlTable *m_table = nullptr;

@@ -26,6 +26,7 @@
 #include "ui/window/RebuiltPanes.h"
 #include "ui/window/ReportPart.h"
 #include "ui/window/RowMenuPart.h"
+#include "ui/window/TagsPart.h"
 #include "ui/window/TemplatesPart.h"
 #include "ui/window/TextForm.h"
 #include "ui/window/TimePart.h"
@@ -118,6 +119,7 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<HostsPart>(*m_bench));
     m_parts.push_back(std::make_unique<FiltersPart>(*m_bench));
     m_parts.push_back(std::make_unique<TimePart>(*m_bench));
+    m_parts.push_back(std::make_unique<TagsPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
     m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));

@@ -58,8 +58,10 @@ void RowMenuPart::open(const QPoint &place) {
     addOfCell(*m_menu, column());
     m_menu->addActions({actions.copyCell, actions.copyRows, actions.selectAll});
     m_menu->addSeparator();
-    m_menu->addActions({actions.tag, actions.rebuild, actions.rebuildPage, actions.rebuildExactly,
-                        actions.rebuildByClassic});
+    m_menu->addAction(actions.tag);
+    m_menu->addMenu(m_bench.tags);
+    m_menu->addActions(
+        {actions.rebuild, actions.rebuildPage, actions.rebuildExactly, actions.rebuildByClassic});
     addViewers(*m_menu);
     m_menu->addSeparator();
     addOfHost(*m_menu);

@@ -8,6 +8,7 @@
 
 #include <QObject>
 
+class QMenu;
 class QSplitter;
 
 namespace nv {
@@ -34,6 +35,7 @@ class Workbench final : public QObject {
     QSplitter *dataArea = nullptr; ///< the data tabs and what stands beside them
     TableTab *table = nullptr;
     ViewerTabs *viewers = nullptr;
+    QMenu *tags = nullptr; ///< named tags of the chosen rows; made by their part
 
     Examiner &examiner() const { return program.around.examiner; }
     bool isProjectOpen() const { return program.state.projectDB.isOpen(); }

@@ -4,7 +4,6 @@
 #include "db/PartChoices.h"
 #include "db/RebuildAudit.h"
 #include "db/RebuiltParts.h"
-#include "db/SearchResults.h"
 
 #include <csignal>
 #include <sys/wait.h>
@@ -189,33 +188,6 @@ TEST_F(ProjectFixTest, exactRebuildsAndWhatWasChosenForThemGoAlong) {
     ASSERT_EQ(choices.size(), 2u);
     EXPECT_EQ(choices.at("https://host/A.png"), UrlId{9});
     EXPECT_EQ(choices.at("https://host/a.png"), UrlId::none);
-}
-
-TEST_F(ProjectFixTest, whatSearchesHaveFoundGoesAlong) {
-    {
-        SQLite::Database project(path.string(), SQLite::OPEN_READWRITE);
-        SearchResult result;
-        result.name = "Tide";
-        result.kind = "Search";
-        result.rowCount = 1;
-        SearchResults(project).add(result, 1, [](std::size_t) {
-            return ResultHit{2, "tide", "Page", 3};
-        });
-    }
-    EXPECT_THAT(scan().leftBehind, IsEmpty());
-    ASSERT_EQ(fix().end, FixEnd::fixed);
-    SQLite::Database project(path.string(), SQLite::OPEN_READWRITE);
-    const auto kept = SearchResults(project).find("tide");
-    ASSERT_TRUE(kept);
-    const auto hits = SearchResults(project).hits(*kept);
-    ASSERT_EQ(hits.size(), 1u);
-    EXPECT_EQ(hits[0].urlID, 2);
-    EXPECT_EQ(hits[0].term, "tide");
-    EXPECT_EQ(hits[0].hits, 3);
-    EXPECT_EQ(project.execAndGet("SELECT group_concat(URL_ID) FROM Tide").getString(), "2")
-        << "its stored query has gone along";
-    SearchResults(project).remove(*kept);
-    EXPECT_TRUE(SearchResults(project).list().empty());
 }
 
 TEST_F(ProjectFixTest, factsAndOriginsGoAlongAsTheyWere) {

@@ -34,6 +34,9 @@ std::string lineOf(std::string_view text) {
         case ClauseKind::kind:
             line += "kind=" + clause.text;
             break;
+        case ClauseKind::tag:
+            line += "tag=" + clause.text;
+            break;
         case ClauseKind::before:
         case ClauseKind::after:
             line += (clause.kind == ClauseKind::before ? "before=" : "after=") +

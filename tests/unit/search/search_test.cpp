@@ -1,4 +1,5 @@
 #include "SearchedProject.h"
+#include "db/RecordTags.h"
 #include "search/SearchFailure.h"
 #include "search/SearchedRowReader.h"
 
@@ -62,6 +63,31 @@ TEST_F(SearchTest, findsPartsOfValuesAndWordsOfTexts) {
     EXPECT_THAT(found("autofill"), IsEmpty()) << "where a record lies is no finding";
     EXPECT_THAT(found("oilskin"), ElementsAre(3));
     EXPECT_THAT(found("\"oilskin jacket\""), ElementsAre(3)) << "without the address' coding";
+}
+
+TEST_F(SearchTest, findsRowsByTheirTags) {
+    EXPECT_THAT(found("tag:Important"), IsEmpty()) << "a project without tags";
+    EXPECT_THAT(found("-tag:*"), ElementsAre(1, 2, 3, 4, 5));
+    NamedTags tags(connection());
+    RecordTags rows(connection());
+    const auto add = [&](const std::string &name, const std::vector<std::int32_t> &ids) {
+        const NamedTag tag =
+            tags.add({.tagID = 0, .name = name, .color = {}, .position = 0, .note = {}});
+        EXPECT_TRUE(rows.set(tag.tagID, ids, {}, task));
+    };
+    add("Important", {1, 3, 99}); // there is no row 99
+    add("F\u00FCr die Anh\u00F6rung", {2, 3});
+    EXPECT_THAT(found("tag:IMPORTANT"), ElementsAre(1, 3));
+    EXPECT_THAT(found("tag:Import"), IsEmpty()) << "a whole name";
+    EXPECT_THAT(found("tag:\"F\u00DCR DIE anh\u00F6rung\""), ElementsAre(2, 3));
+    EXPECT_THAT(found("tag:* harbour"), ElementsAre(1, 2));
+    EXPECT_THAT(found("-tag:*"), ElementsAre(4, 5));
+    EXPECT_THAT(found("tag:important -host:shop"), ElementsAre(1));
+    EXPECT_THAT(found("tag:important oilskin"), ElementsAre(3));
+    EXPECT_THAT(found("tag:important /oil\\w+/"), ElementsAre(3));
+    EXPECT_THAT(found("tag:\"x' OR 1 --\""), IsEmpty());
+    tags.remove(tags.find("Important")->tagID);
+    EXPECT_THAT(found("tag:Important"), IsEmpty()) << "the index keeps nothing of tags";
 }
 
 TEST_F(SearchTest, findsPhrasesInTheirOrder) {

@@ -37,8 +37,8 @@ TEST(LayoutBook, aNewProjectOpensWithExaminer) {
     EXPECT_EQ(book.names(), (Names{"Examiner", "Classic"}));
     using C = UrlColumn;
     EXPECT_EQ(book.layout().shownColumns(),
-              (std::vector{C::Tag, C::Icon, C::LocalDate, C::Type, C::Host, C::WebpageTitle,
-                           C::Value, C::User, C::Visits, C::Status, C::Note}));
+              (std::vector{C::Tag, C::TagNames, C::Icon, C::LocalDate, C::Type, C::Host,
+                           C::WebpageTitle, C::Value, C::User, C::Visits, C::Status, C::Note}));
     for (const C column : book.layout().shownColumns())
         EXPECT_TRUE(book.layout().isFitted(column));
 }

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "cli/Argument.h"
+#include "views/UrlTable.h"
+
+#include <string>
+
+namespace nv::cli {
+
+class Session;
+
+/// The option by which a command takes only rows with a tag of this name.
+Argument tagOption(std::string &tag);
+
+/// The tag of a project. Throws UsageError when there is none of this name.
+NamedTag namedTag(SQLite::Database &project, const std::string &name);
+
+/// Makes the next load of the table, which is of the open project, leave only rows with the tag;
+/// all rows without a name. Throws UsageError as above.
+void limitToTag(Session &session, const std::string &tag, UrlTable &table);
+
+} // namespace nv::cli

@@ -1,0 +1,331 @@
+#include "ui/window/TagsPart.h"
+
+#include "app/messages/TagMessages.h"
+#include "app/settings/Settings.h"
+#include "base/DisplayText.h"
+#include "base/Trap.h"
+#include "platform/qt/Icons.h"
+#include "platform/qt/QtText.h"
+#include "ui/views/TagForm.h"
+#include "ui/views/TagPills.h"
+#include "ui/views/TagsPane.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QSplitter>
+
+#include <algorithm>
+#include <utility>
+
+namespace nv {
+
+namespace {
+
+constexpr std::string_view kProcedure = "MainForm.ShowTags()";
+constexpr std::size_t kAtOnce = 2000; // rows whose tags are written or asked without a task
+constexpr std::size_t kKeys = 9;
+
+/// "&" is a mnemonic in menus.
+QString literal(const std::string &name) {
+    constexpr std::size_t kMost = 60; // characters
+    return toQt(displayText(name, kMost)).replace(u'&', QStringLiteral("&&"));
+}
+
+QAction *newAction(const char *name, const QString &text, QObject *owner,
+                   const QKeySequence &keys = {}) {
+    auto *action = new QAction(text, owner);
+    action->setObjectName(QLatin1String(name));
+    action->setShortcut(keys);
+    return action;
+}
+
+} // namespace
+
+TagsPart::TagsPart(Workbench &bench) : m_bench(bench), m_pane(new TagsPane) {
+    bench.dataArea->addWidget(m_pane);
+    bench.dataArea->setStretchFactor(bench.dataArea->count() - 1, 0);
+    addMenu();
+    m_show->setChecked(readFlag(bench.program.settings, "ShowTags"));
+    m_pane->setVisible(m_show->isChecked());
+    connect(m_show, &QAction::toggled, this, &TagsPart::showPane);
+    connectPane();
+    connect(&bench.table->grid(), &UrlGrid::tagKeyPressed, this, &TagsPart::pressKey);
+    connect(&bench, &Workbench::projectOpened, this, &TagsPart::takeProject);
+    connect(bench.table, &TableTab::rowsLoaded, this, &TagsPart::fill);
+    connect(&bench, &Workbench::projectClosing, this, [this] {
+        m_history.clear();
+        m_tags.clear();
+        m_pane->setTags({}, {});
+        m_pane->setLimit(std::nullopt);
+        m_bench.tags->setEnabled(false);
+    });
+}
+
+/// In the menu of the window and in that of the table's rows.
+void TagsPart::addMenu() {
+    m_bench.tags = new QMenu(tr("Na&med Tags"), &m_bench.window);
+    m_bench.tags->setObjectName(QStringLiteral("menuTags"));
+    m_bench.tags->setIcon(icon("tag"));
+    m_bench.tags->setEnabled(false);
+    m_show = newAction("actTags", tr("&List of Tags"), m_pane, Qt::CTRL | Qt::SHIFT | Qt::Key_G);
+    m_show->setCheckable(true);
+    m_undo = newAction("actUndoTags", tr("&Undo Tagging"), m_pane, Qt::CTRL | Qt::Key_Z);
+    m_redo =
+        newAction("actRedoTags", tr("&Redo Tagging"), m_pane, Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+    UrlGrid &grid = m_bench.table->grid();
+    for (QAction *action : {m_undo, m_redo}) {
+        // Boxes for texts have keys of their own for this.
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        grid.addAction(action);
+    }
+    m_bench.window.addAction(m_show);
+    connect(m_undo, &QAction::triggered, this, &TagsPart::undo);
+    connect(m_redo, &QAction::triggered, this, &TagsPart::redo);
+    connect(m_bench.tags, &QMenu::aboutToShow, this, &TagsPart::fillMenu);
+    if (auto *edit = m_bench.window.findChild<QMenu *>(QStringLiteral("menuEdit")))
+        edit->addMenu(m_bench.tags);
+    fillMenu();
+}
+
+void TagsPart::connectPane() {
+    connect(m_pane, &TagsPane::newRequested, this, [this] { makeNew(false); });
+    connect(m_pane, &TagsPane::editRequested, this, &TagsPart::edit);
+    connect(m_pane, &TagsPane::deleteRequested, this, &TagsPart::remove);
+    connect(m_pane, &TagsPane::moveRequested, this, &TagsPart::move);
+    connect(m_pane, &TagsPane::rowsRequested, this, [this](qint64 tagID) { limitTo(tagID); });
+    connect(m_pane, &TagsPane::allRowsRequested, this, [this] { limitTo(std::nullopt); });
+}
+
+void TagsPart::takeProject() {
+    m_history.clear();
+    m_bench.tags->setEnabled(true);
+    fill();
+}
+
+/// A limit that nobody sees would hide rows in silence.
+void TagsPart::showPane(bool shown) {
+    m_pane->setVisible(shown);
+    rememberFlag(m_bench.program.settings, "ShowTags", shown);
+    if (!shown)
+        limitTo(std::nullopt);
+}
+
+void TagsPart::fill() {
+    if (!m_bench.isProjectOpen())
+        return;
+    // Rows are loaded within other commands too, while the window is locked.
+    logFailureOf(m_bench.program.log, kProcedure, [this] {
+        NamedTags tags(m_bench.project());
+        m_tags = tags.list();
+        m_pane->setTags(m_tags, tags.counts());
+    });
+    m_undo->setEnabled(m_history.canUndo());
+    m_redo->setEnabled(m_history.canRedo());
+}
+
+const NamedTag *TagsPart::find(std::int64_t tagID) const {
+    const auto found = std::ranges::find(m_tags, tagID, &NamedTag::tagID);
+    return found == m_tags.end() ? nullptr : &*found;
+}
+
+/// The rows are asked only when they are few: a menu comes up at once.
+void TagsPart::addTagActions(const RowIds &rows) {
+    Unwatched task;
+    for (std::size_t at = 0; at < m_tags.size(); ++at) {
+        const NamedTag tag = m_tags[at];
+        QString text = literal(tag.name);
+        if (at < kKeys)
+            text += u'\t' + QString::number(at + 1);
+        QAction *action =
+            m_bench.tags->addAction(tagIcon(tag), text, this, [this, tag] { flip(tag); });
+        action->setCheckable(true);
+        action->setEnabled(!rows.empty());
+        if (rows.empty() || rows.size() > kAtOnce)
+            continue;
+        logFailureOf(m_bench.program.log, kProcedure, [&] {
+            action->setChecked(RecordTags(m_bench.project()).countOf(tag.tagID, rows, task) ==
+                               rows.size());
+        });
+    }
+}
+
+void TagsPart::fillMenu() {
+    const RowIds rows = m_bench.table->grid().selectedUrls();
+    m_bench.tags->clear();
+    addTagActions(rows);
+    m_bench.tags->addSeparator();
+    QAction *make = m_bench.tags->addAction(tr("&New Tag..."), this, [this] { makeNew(true); });
+    make->setObjectName(QStringLiteral("actNewTag"));
+    m_bench.tags->addSeparator();
+    m_bench.tags->addActions({m_undo, m_redo, m_show});
+}
+
+void TagsPart::pressKey(int digit) {
+    const auto place = static_cast<std::size_t>(digit - 1);
+    if (place < m_tags.size())
+        flip(NamedTag(m_tags[place]));
+    else
+        m_bench.showNotice(
+            tr("There is no tag %1: Edit, Named Tags, New Tag makes one.").arg(digit));
+}
+
+void TagsPart::work(std::size_t rows, const std::function<void(TaskMonitor &)> &change) {
+    if (rows > kAtOnce)
+        return m_bench.runTask({"TAGGING URLS", "", "", ""}, change);
+    Unwatched task;
+    change(task);
+}
+
+void TagsPart::flip(const NamedTag &tag) {
+    const RowIds rows = m_bench.table->grid().selectedUrls();
+    if (rows.empty())
+        return;
+    m_bench.run("MainForm.TagRows()", [&] {
+        if (!m_bench.mayWrite())
+            return;
+        std::optional<TagChange> change;
+        TagOrder order{tag, true, {}};
+        work(rows.size(), [&](TaskMonitor &task) {
+            const auto have = RecordTags(m_bench.project()).countOf(tag.tagID, rows, task);
+            order.isSet = have != rows.size();
+            if (have)
+                change = tagRows(m_bench.program, order, rows, task);
+        });
+        if (!change)
+            return m_bench.showNotice(tr("No row was tagged."));
+        const QString notice = toQt(taggedText(order, *change));
+        m_history.add(std::move(*change));
+        showChanged(notice);
+    });
+}
+
+QString TagsPart::textOf(const TagChange &change, bool isBack) const {
+    const NamedTag *tag = find(change.tagID);
+    const QString name = tag ? toQt(displayText(tag->name)) : QString();
+    const auto rows = static_cast<qlonglong>(change.ids.size());
+    return (isBack ? tr("Taken back: \"%1\" of %L2 rows.") : tr("Done again: \"%1\" of %L2 rows."))
+        .arg(name)
+        .arg(rows);
+}
+
+void TagsPart::undo() {
+    m_bench.run("MainForm.UndoTags()", [this] {
+        if (!m_history.canUndo() || !m_bench.mayWrite())
+            return;
+        const QString notice = textOf(*m_history.next(), true);
+        bool done = false;
+        work(m_history.next()->ids.size(),
+             [&](TaskMonitor &task) { done = undoTagging(m_bench.program, m_history, task); });
+        if (done)
+            showChanged(notice);
+    });
+}
+
+void TagsPart::redo() {
+    m_bench.run("MainForm.UndoTags()", [this] {
+        if (!m_history.canRedo() || !m_bench.mayWrite())
+            return;
+        const QString notice = textOf(*m_history.nextAgain(), false);
+        bool done = false;
+        work(m_history.nextAgain()->ids.size(),
+             [&](TaskMonitor &task) { done = redoTagging(m_bench.program, m_history, task); });
+        if (done)
+            showChanged(notice);
+    });
+}
+
+void TagsPart::showChanged(const QString &notice) {
+    m_bench.refreshRows();
+    UrlGrid &grid = m_bench.table->grid();
+    const TableLayout &layout = grid.tableLayout();
+    if (!layout.hidden(UrlColumn::TagNames) && layout.isFitted(UrlColumn::TagNames))
+        grid.fitColumn(UrlColumn::TagNames);
+    fill();
+    m_bench.showNotice(notice);
+}
+
+void TagsPart::makeNew(bool givesIt) {
+    if (!m_bench.isProjectOpen() || !m_bench.mayWrite())
+        return;
+    const auto place = static_cast<std::int64_t>(m_tags.size()) + 1;
+    TagForm form(
+        {.tagID = 0, .name = {}, .color = firstTagColor(place), .position = place, .note = {}},
+        m_tags, &m_bench.window);
+    form.exec();
+    if (form.result() != QDialog::Accepted)
+        return;
+    std::optional<NamedTag> made;
+    m_bench.run("MainForm.MakeTag()", [&] { made = makeTag(m_bench.program, form.tag()); });
+    fill();
+    if (made && givesIt)
+        flip(*made);
+}
+
+void TagsPart::edit(std::int64_t tagID) {
+    const NamedTag *tag = find(tagID);
+    if (!tag || !m_bench.mayWrite())
+        return;
+    std::vector<NamedTag> others = m_tags;
+    std::erase_if(others, [tagID](const NamedTag &other) { return other.tagID == tagID; });
+    TagForm form(*tag, std::move(others), &m_bench.window);
+    form.exec();
+    if (form.result() != QDialog::Accepted)
+        return;
+    m_bench.run("MainForm.ChangeTag()", [&] {
+        changeTag(m_bench.program, form.tag());
+        showChanged({});
+    });
+}
+
+void TagsPart::remove(std::int64_t tagID) {
+    const NamedTag *found = find(tagID);
+    if (!found || !m_bench.mayWrite())
+        return;
+    const NamedTag tag = *found;
+    m_bench.run("MainForm.DeleteTag()", [&] {
+        const std::int64_t rows = NamedTags(m_bench.project()).counts()[tag.tagID];
+        if (m_bench.examiner().ask(messages::deleteTag(tag.name, rows)) != Answer::Yes)
+            return;
+        deleteTag(m_bench.program, tag);
+        m_history.forget(tag.tagID);
+        showChanged(tr("\"%1\" was deleted.").arg(toQt(displayText(tag.name))));
+    });
+    const UrlTable *table = m_bench.table->table();
+    if (table && table->tags && !find(tag.tagID) &&
+        std::ranges::find(table->tags->tagIDs, tag.tagID) != table->tags->tagIDs.end())
+        limitTo(std::nullopt);
+}
+
+void TagsPart::move(std::int64_t tagID, int steps) {
+    if (!m_bench.mayWrite())
+        return;
+    std::vector<std::int64_t> order;
+    order.reserve(m_tags.size());
+    for (const NamedTag &tag : m_tags)
+        order.push_back(tag.tagID);
+    const auto from = std::ranges::find(order, tagID) - order.begin();
+    const auto to = from + steps;
+    if (to < 0 || to >= static_cast<std::ptrdiff_t>(order.size()))
+        return;
+    std::swap(order.at(static_cast<std::size_t>(from)), order.at(static_cast<std::size_t>(to)));
+    m_bench.run("MainForm.MoveTag()", [&] {
+        orderTags(m_bench.program, order);
+        showChanged({});
+    });
+}
+
+void TagsPart::limitTo(std::optional<std::int64_t> tagID) {
+    UrlTable *table = m_bench.table->table();
+    if (!table)
+        return;
+    std::optional<TagLimit> limit;
+    if (tagID)
+        limit = TagLimit{{*tagID}, false};
+    m_pane->setLimit(tagID);
+    if (limit == table->tags)
+        return;
+    table->tags = std::move(limit);
+    m_bench.run("MainForm.LimitTags()", [this] { m_bench.reload(); });
+}
+
+} // namespace nv

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "app/jobs/TagJob.h"
+#include "ui/window/Workbench.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+class QAction;
+
+namespace nv {
+
+class TagsPane;
+
+/// Named tags in the main window: the list beside the table, the menu of the chosen rows, the keys
+/// 1 to 9, and taking it back. What it does to the project goes through app/jobs/TagJob.h.
+class TagsPart final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit TagsPart(Workbench &bench);
+
+  private:
+    void addMenu();
+    void connectPane();
+    void takeProject();
+    void fill();
+    void fillMenu();
+    void addTagActions(const RowIds &rows);
+    void showPane(bool shown);
+
+    /// Gives the chosen rows the n-th tag, or takes it away when all of them have it.
+    void pressKey(int digit);
+    void flip(const NamedTag &tag);
+    /// Runs what changes tags of `rows` rows; long work shows itself and can be cancelled.
+    void work(std::size_t rows, const std::function<void(TaskMonitor &)> &change);
+    void undo();
+    void redo();
+    /// The rows' tags have changed in the project.
+    void showChanged(const QString &notice);
+    QString textOf(const TagChange &change, bool isBack) const;
+
+    void makeNew(bool givesIt);
+    void edit(std::int64_t tagID);
+    void remove(std::int64_t tagID);
+    void move(std::int64_t tagID, int steps);
+    void limitTo(std::optional<std::int64_t> tagID);
+    const NamedTag *find(std::int64_t tagID) const;
+
+    Workbench &m_bench;
+    TagsPane *m_pane = nullptr;
+    QAction *m_show = nullptr;
+    QAction *m_undo = nullptr;
+    QAction *m_redo = nullptr;
+    std::vector<NamedTag> m_tags; ///< as of the last look
+    TagHistory m_history;
+};
+
+} // namespace nv
