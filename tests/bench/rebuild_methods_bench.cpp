@@ -19,7 +19,7 @@ std::string partUrl(int part) {
 
 /// Half a million cached parts of one browser, and pages whose parts lie among them.
 struct LargeProject : bench::CachedPages {
-    LargeProject() : CachedPages("Chrome Cache", "GIF89a and what makes a small picture") {
+    LargeProject() : CachedPages("Opera Cache", "GIF89a and what makes a small picture") {
         SQLite::Transaction whole(project.connection());
         for (int i = 0; i < kRows; ++i) {
             const std::string url = partUrl(i);
