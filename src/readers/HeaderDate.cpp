@@ -1,6 +1,7 @@
 #include "readers/HeaderDate.h"
 
 #include "base/Text.h"
+#include "time/DateNames.h"
 
 #include <algorithm>
 #include <array>
@@ -12,19 +13,12 @@ namespace nv {
 
 namespace {
 
-constexpr std::array<std::string_view, 12> kMonths = {
-    "january", "february", "march",     "april",   "may",      "june",
-    "july",    "august",   "september", "october", "november", "december"};
-constexpr std::array<std::string_view, 7> kDays = {"monday", "tuesday",  "wednesday", "thursday",
-                                                   "friday", "saturday", "sunday"};
-constexpr std::size_t kShortName = 3;
-
 /// 1-based place of a name, whole or of three letters, in either case.
 template <std::size_t Count>
 std::optional<int> placeOf(const std::array<std::string_view, Count> &names,
                            std::string_view word) {
     for (std::size_t i = 0; i < Count; ++i)
-        if (equalsNoCase(word, names[i]) || equalsNoCase(word, names[i].substr(0, kShortName)))
+        if (equalsNoCase(word, names[i]) || equalsNoCase(word, names[i].substr(0, kShortDateName)))
             return static_cast<int>(i) + 1;
     return std::nullopt;
 }
@@ -86,14 +80,14 @@ bool isGreenwich(std::string_view word) {
 Date headerDate(std::string_view text) {
     constexpr std::size_t kFewest = 4; // day, month, year, time
     std::vector<std::string_view> words = wordsOf(text);
-    if (!words.empty() && placeOf(kDays, words.front()))
+    if (!words.empty() && placeOf(kWeekdayNames, words.front()))
         words.erase(words.begin());
     if (words.size() == kFewest + 1 && isGreenwich(words.back()))
         words.pop_back();
     if (words.size() != kFewest)
         return {};
     const auto day = numberOf(words[0], 1, 2);
-    const auto month = placeOf(kMonths, words[1]);
+    const auto month = placeOf(kMonthNames, words[1]);
     const auto year = yearOf(words[2]);
     CivilTime civil;
     if (!day || !month || !year || !readTime(words[3], civil))

@@ -3,6 +3,7 @@
 #include "readers/ByteSource.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 
@@ -27,10 +28,9 @@ class HeldFile final : public ByteSource {
             return m_file.read(offset, count);
         if (offset >= m_bytes.size())
             return {};
-        const ByteView view(m_bytes);
-        const std::string_view raw =
-            view.sub(offset, std::min<std::uint64_t>(count, m_bytes.size() - offset)).raw();
-        return {raw.begin(), raw.end()};
+        const auto from = m_bytes.begin() + static_cast<std::ptrdiff_t>(offset);
+        const auto size = std::min<std::uint64_t>(count, m_bytes.size() - offset);
+        return {from, from + static_cast<std::ptrdiff_t>(size)}; // as one block, not byte by byte
     }
 
   private:

@@ -66,4 +66,14 @@ int statusOf(std::string_view headers) {
     return error == std::errc() && end - digits.data() == kDigits ? status : 0;
 }
 
+std::string_view answerHeadIn(std::string_view stored) {
+    constexpr std::string_view kBefore = "response-head ";
+    if (statusOf(stored) != 0)
+        return stored;
+    const std::size_t at = stored.find(kBefore);
+    const std::string_view head =
+        at == std::string_view::npos ? std::string_view() : stored.substr(at + kBefore.size());
+    return statusOf(head) != 0 ? head : std::string_view();
+}
+
 } // namespace nv

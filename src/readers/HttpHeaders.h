@@ -19,4 +19,8 @@ std::string charsetOf(std::string_view headers);
 /// The number of a status line, "HTTP/1.1 200 OK", with which the headers begin; 0 without one.
 int statusOf(std::string_view headers);
 
+/// The answer's head as caches keep it in a record's texts, beginning with its status line; what
+/// stands around it, as in caches of Firefox, is left out. Empty when there is none.
+std::string_view answerHeadIn(std::string_view stored);
+
 } // namespace nv

@@ -1,6 +1,7 @@
 #include "time/DateFormat.h"
 
 #include "base/Text.h"
+#include "time/DateNames.h"
 
 #include <fmt/format.h>
 
@@ -14,15 +15,9 @@ namespace nv {
 
 namespace {
 
-constexpr std::array<std::string_view, 12> kMonths = {
-    "January", "February", "March",     "April",   "May",      "June",
-    "July",    "August",   "September", "October", "November", "December"};
-constexpr std::array<std::string_view, 7> kWeekdays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                                       "Thursday", "Friday", "Saturday"};
 /// With AM first.
 constexpr std::array<std::string_view, 3> kHalfDayMarks = {"AM/PM", "AMPM", "A/P"};
 constexpr std::string_view kWholeDayClock = "24:00:00";
-constexpr std::size_t kShortName = 3;
 
 /// A piece of a format: a run of one letter, a mark of the half day, or text to copy.
 struct Piece {
@@ -115,9 +110,9 @@ class Writer {
             year(count);
         else if (letter == 'm')
             numberOrName(m_civil.month, count,
-                         kMonths[static_cast<std::size_t>(m_civil.month - 1)]);
+                         kMonthNames[static_cast<std::size_t>(m_civil.month - 1)]);
         else if (letter == 'd')
-            numberOrName(m_civil.day, count, kWeekdays[m_weekday]);
+            numberOrName(m_civil.day, count, kWeekdayNames[m_weekday]);
         else
             number(letter == 'h' ? hour() : m_civil.second, count);
     }
@@ -144,7 +139,7 @@ class Writer {
         if (count <= 2)
             number(value, count);
         else
-            m_text += name.substr(0, count == 3 ? kShortName : name.size());
+            m_text += name.substr(0, count == 3 ? kShortDateName : name.size());
     }
 
     /// The format's letters say whether the mark is upper- or lower-case.

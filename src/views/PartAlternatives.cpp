@@ -79,6 +79,7 @@ PartQuestion partQuestion(const UrlRecord &page, const PartNote &note, SQLite::D
     alternatives.add(note.part, note.rule);
     PartCandidates candidates(project, page);
     alternatives.add(candidates.of(note.address));
+    alternatives.add(candidates.byLetters(note.address));
     alternatives.add(candidates.byOtherQuery(note.address));
     for (const std::int64_t id : note.candidates)
         alternatives.add(UrlId{id}, note.rule);
@@ -96,7 +97,8 @@ std::string whyNoPart(UrlId id, SQLite::Database &project) {
 }
 
 bool isOfAnotherAddress(const PartNote &note) {
-    return note.rule.ends_with(partrule::kOtherQuery) || note.rule.ends_with(partrule::kSameSet);
+    return note.rule.ends_with(partrule::kOtherQuery) || note.rule.ends_with(partrule::kDecoded) ||
+           note.rule.ends_with(partrule::kSameSet);
 }
 
 std::string timeApart(std::int64_t seconds) {

@@ -139,8 +139,8 @@ std::string wordOf(const UrlRow &row, UrlColumn column, bool badPath) {
 } // namespace
 
 std::string_view RowCells::iconKeyOf(const UrlRow &row) {
-    return iconKey(
-        {row.isHistory, row.isBookmark, row.isCookie, row.cacheType, row.category, row.extension});
+    return iconKey({row.isHistory, row.isBookmark, row.isCookie, row.cacheType, row.category,
+                    row.extension, row.mimeType});
 }
 
 bool RowCells::isBadPath(const UrlRow &row) {

@@ -24,13 +24,14 @@ std::string cutText(std::string_view column, std::size_t bytes) {
 std::string factColumns() {
     return fmt::format(
         "Tagged, IsHistory, IsBookmark, IsCookie, CacheFileExists, {},"
-        " ActionDateUTC, {}, {}, {}, {}, {}, {}, {}",
+        " ActionDateUTC, {}, {}, {}, {}, {}, {}, {}, {}",
         kRebuiltCondition, cutText("CacheType", kCellBytes), cutText("Category", kCellBytes),
         cutText("COALESCE(NULLIF(URLFileExt, ''), CacheFileExt)", kCellBytes),
-        cutText("RootPath", kPathBytes), cutText("CacheFileRelativePath", kPathBytes),
-        cutText("CacheFileName", kPathBytes), cutText("HistoryFilePath", kPathBytes));
+        cutText("MIMEType", kCellBytes), cutText("RootPath", kPathBytes),
+        cutText("CacheFileRelativePath", kPathBytes), cutText("CacheFileName", kPathBytes),
+        cutText("HistoryFilePath", kPathBytes));
 }
-constexpr int kFactCount = 14;
+constexpr int kFactCount = 15;
 
 bool holdsText(CellRule rule) {
     return rule == CellRule::Text || rule == CellRule::Status || rule == CellRule::RebuiltTime;
@@ -64,6 +65,7 @@ void readFacts(SQLite::Statement &row, UrlRow &into) {
     into.cacheType = text();
     into.category = text();
     into.extension = text();
+    into.mimeType = text();
     into.rootPath = text();
     into.relativePath = text();
     into.cacheFileName = text();

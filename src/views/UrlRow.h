@@ -40,6 +40,7 @@ struct UrlRow {
     std::string cacheType;
     std::string category;
     std::string extension; ///< of the URL, otherwise of the cached file
+    std::string mimeType;
     std::string rootPath;
     std::string relativePath;
     std::string cacheFileName;

@@ -1,22 +1,17 @@
-#include "base/Files.h"
+#include "bench/CachedPages.h"
 #include "platform/ChildProcess.h"
 #include "platform/posix/DrawProgram.h"
 #include "rebuild/FindTags.h"
-#include "rebuild/RebuildWebPage.h"
-#include "support/TestProject.h"
 #include "views/PageThumbnails.h"
 
-#include <SQLiteCpp/SQLiteCpp.h>
 #include <benchmark/benchmark.h>
-#include <fmt/format.h>
 
 #include <algorithm>
+#include <string_view>
 #include <vector>
 
 namespace nv {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr int kParts = 20'000;
 constexpr int kPages = 200;
@@ -25,61 +20,37 @@ constexpr int kTagsOfLargePage = 20'000;
 constexpr int kWidth = 200; ///< of a thumbnail, in pixels
 
 /// A cache of pages with twenty pictures each, among parts of other pages.
-struct Cache {
-    test::TestProject project;
-    RecordStore store = project.store();
-    fs::path folder = project.folder.path() / "evidence";
-    fs::path temp = project.folder.path() / "temp";
-    Evidence evidence{folder};
-    Unwatched task;
-    RebuildContext ctx{project.connection(),   store, evidence, temp, project.log, task,
-                       {.wideRecordIds = true}};
-    std::vector<UrlId> pages;
+struct Cache : bench::CachedPages {
+    RebuildContext ctx = context({.wideRecordIds = true});
 
-    explicit Cache(int parts) {
-        fs::create_directories(folder);
-        fs::create_directories(temp);
-        writeWhole(folder / "part.gif",
-                   std::string_view("GIF89a\2\0\1\0\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0\2\0\1\0\0\2\2D"
-                                    "\n\0;",
-                                    35));
+    explicit Cache(int parts)
+        : CachedPages("IE Cache",
+                      std::string_view("GIF89a\2\0\1\0\x80\0\0\xFF\0\0\0\0\xFF,\0\0\0\0\2\0\1\0"
+                                       "\0\2\2D\n\0;",
+                                       35)) {
         SQLite::Transaction whole(project.connection());
         for (int i = 0; i < parts; ++i)
-            add(fmt::format("http://host{}.example/images/picture{}.gif", i % 31, i), "part.gif");
+            add(fmt::format("http://host{}.example/images/picture{}.gif", i % 31, i), "part.gif",
+                kHost);
         whole.commit();
     }
 
-    UrlId add(const std::string &url, const std::string &name) {
-        UrlRecord record;
-        record.cacheType = "IE Cache";
-        record.URL = record.URLRawValue = url;
-        record.host = "host1.example";
-        record.URLFileExt = name.substr(name.rfind('.') + 1);
-        record.CacheFileName = name;
-        record.RootPath = evidence.rootOf(folder / name);
-        record.CacheFileRelativePath = evidence.relativeOf(folder / name);
-        record.CacheFileExists = true;
-        store.saveRecord(record, project.file);
-        return record.URLID;
-    }
-    void addPage(int page, int references) {
-        std::string html = "<html><h1>A page</h1>";
+    void addNext(int references) {
+        const int page = static_cast<int>(pages.size());
+        std::vector<std::string> pictures;
+        pictures.reserve(static_cast<std::size_t>(references));
         for (int i = 0; i < references; ++i)
-            html += fmt::format("<p>Text <img src=\"/images/picture{}.gif\" ></p>\r\n",
-                                (page * 97 + i * 991) % kParts);
-        const std::string name = fmt::format("page{}.htm", page);
-        writeWhole(folder / name, html + "</html> ");
-        pages.push_back(add("http://host1.example/" + name, name));
+            pictures.push_back(
+                fmt::format("/images/picture{}.gif", (page * 97 + i * 991) % kParts));
+        addPage("http://", pictures);
     }
-    std::vector<PageDrawing> rebuildAll(benchmark::State &state) {
+    std::vector<PageDrawing> rebuildPages(benchmark::State &state) {
         std::vector<PageDrawing> drawings;
-        for (const UrlId id : pages) {
-            UrlRecord page = *store.getURL(id);
-            if (!rebuildWebPage(page, Batch::yes, ctx, project.clock))
-                state.SkipWithError("a page was not rebuilt");
-            drawings.push_back({id, page.RunTimeRebuiltFilePath,
+        drawings.reserve(pages.size());
+        rebuildAll(state, ctx, [&drawings](const UrlRecord &page) {
+            drawings.push_back({page.URLID, page.RunTimeRebuiltFilePath,
                                 page.RunTimeRebuiltFilePath.parent_path() / "~thumbnail.jpg"});
-        }
+        });
         return drawings;
     }
 };
@@ -92,7 +63,7 @@ void reportPages(benchmark::State &state) {
 /// Tags a second, with their rows in the project.
 void discoverTags(benchmark::State &state) {
     Cache cache(0);
-    cache.addPage(0, kTagsOfLargePage);
+    cache.addNext(kTagsOfLargePage);
     std::size_t tags = 0;
     for (auto _ : state) {
         UrlRecord page = *cache.store.getURL(cache.pages.front());
@@ -106,9 +77,9 @@ BENCHMARK(discoverTags)->Unit(benchmark::kMillisecond)->UseRealTime();
 void rebuildPagesCold(benchmark::State &state) {
     Cache cache(kParts);
     for (int i = 0; i < kPages; ++i)
-        cache.addPage(i, kPartsAPage);
+        cache.addNext(kPartsAPage);
     for (auto _ : state)
-        cache.rebuildAll(state);
+        cache.rebuildPages(state);
     reportPages(state);
 }
 BENCHMARK(rebuildPagesCold)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRealTime();
@@ -116,13 +87,13 @@ BENCHMARK(rebuildPagesCold)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRe
 void rebuildPagesWithThumbnails(benchmark::State &state) {
     Cache cache(kParts);
     for (int i = 0; i < kPages; ++i)
-        cache.addPage(i, kPartsAPage);
+        cache.addNext(kPartsAPage);
     DrawProgram drawing(companionProgram("norvelane-draw"), cache.temp);
     const ThumbnailContext drawn{
         cache.project.connection(), cache.store,       cache.evidence,     cache.temp, drawing,
         cache.project.clock,        cache.project.log, ThumbnailSettings{}};
     for (auto _ : state) {
-        const auto all = createHTMLThumbnails(cache.rebuildAll(state), kWidth, drawn, cache.task);
+        const auto all = createHTMLThumbnails(cache.rebuildPages(state), kWidth, drawn, cache.task);
         if (std::ranges::count(all, true) != kPages)
             state.SkipWithError("not all were drawn: see NORVELANE_PROGRAMS");
     }

@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "support/builders/ChromeHistory.h"
 #include "support/builders/ChromiumCache.h"
+#include "support/builders/ChromiumSql.h"
 #include "support/builders/FirefoxCache2.h"
 #include "support/builders/FirefoxSiteCache.h"
 #include "support/builders/SqliteFile.h"
@@ -55,6 +56,7 @@ void largeSimpleCache(const Wanted &wanted) {
 void largeSqlCache(const Wanted &wanted) {
     constexpr std::size_t kParts = 3;
     constexpr std::size_t kPiece = std::size_t{1} << 20;
+    constexpr std::uint32_t kKeyHash = 1; // nobody looks an entry up by it
     const fs::path folder = wanted.folder / "Cache_Data";
     for (std::size_t part = 0; part < kParts; ++part) {
         SqliteFile file(folder / fmt::format("sqldb{}", part));
@@ -70,22 +72,25 @@ void largeSqlCache(const Wanted &wanted) {
                  "LONGVARCHAR)")
             .run("INSERT INTO meta VALUES('version', '8')")
             .run("BEGIN");
-        SQLite::Statement entry = file.prepare("INSERT INTO resources VALUES(?,?,0,?,?,0,0,1,?,?)");
-        SQLite::Statement piece = file.prepare("INSERT INTO blobs VALUES(NULL,?,?,?,0,?)");
+        SQLite::Statement entry = file.prepare("INSERT INTO resources VALUES(?,?,0,?,?,0,?,?,?,?)");
+        SQLite::Statement piece = file.prepare("INSERT INTO blobs VALUES(NULL,?,?,?,?,?)");
         for (std::size_t i = part; i < wanted.records; i += kParts) {
             const std::string body = bodyOf(i, wanted.bodyBytes);
             const std::string head = answerHead(i, body.size());
             const auto size = static_cast<std::int64_t>(body.size());
             const auto id = static_cast<std::int64_t>(i / kParts) + 1;
-            SQLite::bind(entry, id, chromeTime(secondsOf(i)), size, size, keyOf(i));
-            entry.bind(6, head.data(), static_cast<int>(head.size()));
+            SQLite::bind(entry, id, chromeTime(secondsOf(i)), size, size,
+                         sqlChecksum(head, kKeyHash), static_cast<std::int64_t>(kKeyHash),
+                         keyOf(i));
+            entry.bind(8, head.data(), static_cast<int>(head.size()));
             entry.exec();
             entry.reset();
             for (std::size_t at = 0; at < body.size(); at += kPiece) {
                 const std::size_t count = std::min(kPiece, body.size() - at);
+                const std::string_view bytes = std::string_view(body).substr(at, count);
                 SQLite::bind(piece, id, static_cast<std::int64_t>(at),
-                             static_cast<std::int64_t>(at + count));
-                piece.bind(4, body.data() + at, static_cast<int>(count));
+                             static_cast<std::int64_t>(at + count), sqlChecksum(bytes, kKeyHash));
+                piece.bind(5, body.data() + at, static_cast<int>(count));
                 piece.exec();
                 piece.reset();
             }

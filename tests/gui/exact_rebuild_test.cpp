@@ -1,4 +1,4 @@
-#include "gui/CachedSite.h"
+#include "gui/RebuildWindow.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/AuditModel.h"
 #include "ui/views/AuditPane.h"
@@ -28,7 +28,7 @@ constexpr int kLogo = 0;
 constexpr int kBack = 1;
 constexpr int kGone = 2;
 
-class ExactRebuildTest : public QObject {
+class ExactRebuildTest : public QObject, RebuildWindow {
     Q_OBJECT
 
   private slots:
@@ -47,15 +47,7 @@ class ExactRebuildTest : public QObject {
     void theGallerySaysTheMethod();
 
   private:
-    UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
-    SQLite::Database &project() { return m_desk->program.state.projectDB.connection(); }
-    std::string method(int id) {
-        return project()
-            .execAndGet("SELECT ifnull(RebuiltMethod, '') FROM URLs WHERE URL_ID = " +
-                        std::to_string(id))
-            .getString();
-    }
-    QTableView &audit() { return child<QTableView>(*m_form, "AuditGrid"); }
+    std::string method(int id) { return stored("RebuiltMethod", id); }
     AuditModel &model() { return *qobject_cast<AuditModel *>(audit().model()); }
     QString auditCell(int row, AuditModel::Column column) {
         for (int section = 0; section < model().columnCount(); ++section)
@@ -63,10 +55,8 @@ class ExactRebuildTest : public QObject {
                 return model().index(row, section).data().toString();
         return QStringLiteral("no such column");
     }
-    void choose(int id) { grid().setCurrentUrl(UrlId{id}); }
     void openAudit(int rows) {
-        auto &viewers = child<QTabWidget>(*m_form, "viewerTabs");
-        viewers.setCurrentWidget(&child<AuditPane>(*m_form, "AuditPane"));
+        showAudit();
         QVERIFY(waitFor([&] { return model().rowCount() == rows; }));
     }
     void rebuildExactly() {
@@ -87,30 +77,20 @@ class ExactRebuildTest : public QObject {
         list(form).setCurrentItem(items.front());
         form.accept();
     }
-
-    std::unique_ptr<Desk> m_desk;
-    std::unique_ptr<MainForm> m_form;
 };
 
 void ExactRebuildTest::init() {
-    m_desk = std::make_unique<Desk>();
-    m_desk->program.state.redrawThumbIfPageRebuilt = false; // starting to draw takes a second
-    m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
-    m_form->resize(1200, 800);
-    m_form->show();
-    CachedSite(m_desk->folder.path() / "evidence")
-        .add("http://host/page.html", "page[1].htm", kPage)
-        .add("http://host/pic/logo.gif", "logo[1].gif", "GIF89a")
-        .add("http://host/pic/back.gif?v=1", "back[1].gif", "GIF89a 1")
-        .add("http://host/plain.html", "plain[1].htm", "<html><body>nothing</body></html> ")
-        .add("http://elsewhere/other.gif", "other[1].gif", "GIF89a other")
-        .open(*m_desk, *m_form);
-    choose(1);
+    openSite([](CachedSite &site) {
+        site.add("http://host/page.html", "page[1].htm", kPage)
+            .add("http://host/pic/logo.gif", "logo[1].gif", "GIF89a")
+            .add("http://host/pic/back.gif?v=1", "back[1].gif", "GIF89a 1")
+            .add("http://host/plain.html", "plain[1].htm", "<html><body>nothing</body></html> ")
+            .add("http://elsewhere/other.gif", "other[1].gif", "GIF89a other");
+    });
 }
 
 void ExactRebuildTest::cleanup() {
-    m_form.reset();
-    m_desk.reset();
+    closeSite();
 }
 
 void ExactRebuildTest::bothMethodsAreInTheMenusAndTakeTheTaggedPages() {

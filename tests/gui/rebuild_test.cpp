@@ -1,4 +1,4 @@
-#include "gui/CachedSite.h"
+#include "gui/RebuildWindow.h"
 #include "platform/qt/QtText.h"
 #include "rebuild/Harvest.h"
 #include "ui/views/AuditPane.h"
@@ -24,7 +24,7 @@ using namespace test;
 constexpr const char *kPage = "<html><title>Inbox</title><img src=\"pic/logo.gif\" >"
                               "<img src=\"gone.gif\" ></html> ";
 
-class RebuildTest : public QObject {
+class RebuildTest : public QObject, RebuildWindow {
     Q_OBJECT
 
   private slots:
@@ -49,8 +49,6 @@ class RebuildTest : public QObject {
     void aLargeProjectAsksOnceAndTurnsTheSwitch();
 
   private:
-    UrlGrid &grid() { return child<TableTab>(*m_form, "TableTab").grid(); }
-    SQLite::Database &project() { return m_desk->program.state.projectDB.connection(); }
     QString cell(int id, UrlColumn column) {
         const auto place = child<TableTab>(*m_form, "TableTab").table()->placeOf(UrlId{id});
         return grid()
@@ -59,53 +57,34 @@ class RebuildTest : public QObject {
             .data()
             .toString();
     }
-    std::string stored(const std::string &column, int id) {
-        return project()
-            .execAndGet("SELECT ifnull(" + column +
-                        ", '') FROM URLs WHERE URL_ID = " + std::to_string(id))
-            .getString();
-    }
     fs::path folderOf(const char *sid) {
         return m_desk->program.state.tempFolderPath / (std::string(sid) + ".NVR");
     }
     QString notice() { return child<QLabel>(*m_form, "labNotice").text(); }
-    QTableView &audit() { return child<QTableView>(*m_form, "AuditGrid"); }
     QString auditCell(int row, int column) {
         return audit().model()->index(row, column).data().toString();
     }
-    void choose(int id) { grid().setCurrentUrl(UrlId{id}); }
     void tick(int id) {
         project().exec("UPDATE URLs SET Tagged = 1 WHERE URL_ID = " + std::to_string(id));
         trigger(*m_form, "actRefresh");
     }
     void openAudit() {
-        auto &viewers = child<QTabWidget>(*m_form, "viewerTabs");
-        viewers.setCurrentWidget(&child<AuditPane>(*m_form, "AuditPane"));
+        showAudit();
         QTest::qWait(20);
     }
-
-    std::unique_ptr<Desk> m_desk;
-    std::unique_ptr<MainForm> m_form;
 };
 
 void RebuildTest::init() {
-    m_desk = std::make_unique<Desk>();
-    m_desk->program.state.redrawThumbIfPageRebuilt = false; // starting to draw takes a second
-    m_form = std::make_unique<MainForm>(m_desk->program, m_desk->dialogs);
-    m_form->resize(1200, 800);
-    m_form->show();
-    CachedSite(m_desk->folder.path() / "evidence")
-        .add("http://host/page.html", "page[1].htm", kPage)
-        .add("http://host/pic/logo.gif", "logo[1].gif", "GIF89a")
-        .add("http://host/second.html", "second[1].htm", kPage)
-        .add("http://host/plain.html", "plain[1].htm", "<html><body>nothing</body></html> ")
-        .open(*m_desk, *m_form);
-    choose(1);
+    openSite([](CachedSite &site) {
+        site.add("http://host/page.html", "page[1].htm", kPage)
+            .add("http://host/pic/logo.gif", "logo[1].gif", "GIF89a")
+            .add("http://host/second.html", "second[1].htm", kPage)
+            .add("http://host/plain.html", "plain[1].htm", "<html><body>nothing</body></html> ");
+    });
 }
 
 void RebuildTest::cleanup() {
-    m_form.reset();
-    m_desk.reset();
+    closeSite();
 }
 
 void RebuildTest::theToolbarRebuildsTheCurrentRow() {

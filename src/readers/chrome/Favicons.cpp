@@ -67,29 +67,24 @@ void addIcon(UrlRecord &record, const Icon &icon) {
 
 ReadResult readPages(ReadContext &ctx, EvidenceDatabase &database, Icons &icons) {
     constexpr auto kMapping = std::to_array<Names>({"page_url", "icon_id"});
-    const HistoryBeside history(ctx, kReader.procedure);
+    HistoryBeside history(ctx, kReader.procedure);
     const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
     TableCursor cursor(database, "icon_mapping", kMapping);
     SubTask task(ctx.task, kPages.from, kPages.to);
-    std::uint64_t held = 0;
-    std::uint64_t stored = 0;
     ReadResult result = eachRow(cursor, ctx, task, kReader.procedure, [&](const Row &row) {
         const auto icon = icons.find(row.number(1).value_or(0));
         if (icon != icons.end())
             icon->second.hasPage = true;
         const std::string url = row.text(0);
-        if (history.holds(url)) {
-            ++held;
+        if (history.holds(url))
             return;
-        }
         UrlRecord record = profileRecord(ctx, {"icon_mapping", cursor.rowId(), url, {}},
                                          kChromeIcon.word, fileCreated);
         if (icon != icons.end())
             addIcon(record, icon->second);
         ctx.sink.save(record);
-        ++stored;
     });
-    history.note(result, stored, held);
+    history.note(result);
     return result;
 }
 

@@ -4,7 +4,6 @@
 #include "readers/chrome/Cache.h"
 #include "readers/chrome/CacheBody.h"
 #include "readers/chrome/Cookies.h"
-#include "readers/chrome/History.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/chrome/Options.h"
 
@@ -16,8 +15,6 @@ namespace {
 
 using enum HistoryFileType;
 
-constexpr const RecordKind *kHistoryKinds[] = {&kChromeHistory, &kChromeVisit, &kChromeDownload,
-                                               &kChromeSearchTerm};
 constexpr const RecordKind *kCacheKinds[] = {&kChromeCache, &kChromeSiteCache,
                                              &kChromeCacheRemnant};
 constexpr const RecordKind *kCookieKinds[] = {&kChromeCookies};
@@ -25,10 +22,6 @@ constexpr const RecordKind *kCookieKinds[] = {&kChromeCookies};
 /// Chrome's index beside the block file. Names may have lost their case on the way here.
 std::optional<std::filesystem::path> indexBeside(const Candidate &file) {
     return file.evidence->find(file.file.parent_path(), "index");
-}
-
-bool isHistory(const Candidate &file) {
-    return (file.name == "history" || file.name == "archived history") && pathHas(file, "chrome");
 }
 
 bool isCache(const Candidate &file) {
@@ -55,20 +48,6 @@ bool liesWithShaders(const Candidate &file) {
 }
 
 } // namespace
-
-constinit const Reader kChromeHistoryFormat = {
-    .type = chromeHistory,
-    .key = "chrome-history",
-    .kind = "Chrome History",
-    .version = "1.0",
-    .option = &kChromeHistoryOption,
-    .mask = "History;Archived History",
-    .recognises = isHistory,
-    .read = parseChromeHistoryFile,
-    .kinds = kHistoryKinds,
-    .page = "chrome-history",
-    .cases = {"chrome-history", "History", "chromium-history/every-table"},
-};
 
 constinit const Reader kChromeCacheFormat = {
     .type = chromeCache,

@@ -4,7 +4,6 @@
 
 namespace nv {
 
-extern const Reader kChromeHistoryFormat;
 extern const Reader kChromeCacheFormat;
 extern const Reader kChromeCookiesFormat;
 

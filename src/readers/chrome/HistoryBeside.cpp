@@ -26,14 +26,20 @@ HistoryBeside::HistoryBeside(ReadContext &ctx, std::string_view procedure) {
     }
 }
 
-void HistoryBeside::note(ReadResult &result, std::uint64_t stored, std::uint64_t held) const {
-    if (held > 0)
-        result.noted["pages that the history lists have no row of their own"] += held;
+bool HistoryBeside::holds(const std::string &url) {
+    const bool isHeld = m_urls.contains(url);
+    ++(isHeld ? m_held : m_missing);
+    return isHeld;
+}
+
+void HistoryBeside::note(ReadResult &result) const {
+    if (m_held > 0)
+        result.noted["pages that the history lists have no row of their own"] += m_held;
     if (m_isUnreadable)
         result.noted["the history beside the file can't be read: it may list these pages"] +=
-            stored;
+            m_missing;
     else if (!m_isRead)
-        result.noted["no history lies beside the file: one may list these pages"] += stored;
+        result.noted["no history lies beside the file: one may list these pages"] += m_missing;
 }
 
 } // namespace nv

@@ -2,6 +2,7 @@
 
 #include "readers/Reader.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -14,15 +15,17 @@ class HistoryBeside {
   public:
     HistoryBeside(ReadContext &ctx, std::string_view procedure);
 
-    bool holds(const std::string &url) const { return m_urls.contains(url); }
-    /// What an examiner has to know of `stored` records that were made of pages it doesn't hold,
-    /// and of `held` ones that weren't.
-    void note(ReadResult &result, std::uint64_t stored, std::uint64_t held) const;
+    /// Counts a page of the other file. True when the history holds it: no record is made of it.
+    bool holds(const std::string &url);
+    /// What an examiner has to know of the pages that were asked for.
+    void note(ReadResult &result) const;
 
   private:
     std::unordered_set<std::string> m_urls;
     bool m_isRead = false;
     bool m_isUnreadable = false;
+    std::uint64_t m_held = 0;
+    std::uint64_t m_missing = 0;
 };
 
 } // namespace nv

@@ -1,5 +1,6 @@
 #include "readers/chrome/HistoryFormats.h"
 
+#include "readers/Candidate.h"
 #include "readers/chrome/Favicons.h"
 #include "readers/chrome/History.h"
 #include "readers/chrome/Kinds.h"
@@ -20,9 +21,16 @@ constexpr const RecordKind *kIconKinds[] = {&kChromeIcon};
 constexpr const RecordKind *kTopSiteKinds[] = {&kChromeTopSite};
 constexpr const RecordKind *kShortcutKinds[] = {&kChromeShortcut};
 
+bool isNamedHistory(const Candidate &file) {
+    return file.name == "history" || file.name == "archived history";
+}
+
+bool isChromesHistory(const Candidate &file) {
+    return isNamedHistory(file) && pathHas(file, "chrome");
+}
+
 bool isHistory(const Candidate &file) {
-    return (file.name == "history" || file.name == "archived history") &&
-           hasTables(file, {"urls", "visits"});
+    return isNamedHistory(file) && hasTables(file, {"urls", "visits"});
 }
 
 bool isFavicons(const Candidate &file) {
@@ -44,20 +52,38 @@ bool isPredictor(const Candidate &file) {
 
 } // namespace
 
-constinit const Reader kChromiumHistoryFormat = {
+namespace {
+
+/// What Chrome's own history and that of other Chromium browsers have in common: the first one is
+/// known by its path, as ever, and the other by its tables.
+constexpr Reader historyFormat(Reader own) {
+    own.version = "1.0";
+    own.option = &kChromeHistoryOption;
+    own.mask = "History;Archived History";
+    own.read = parseChromeHistoryFile;
+    own.kinds = kHistoryKinds;
+    own.page = "chrome-history";
+    return own;
+}
+
+} // namespace
+
+constinit const Reader kChromeHistoryFormat = historyFormat({
+    .type = chromeHistory,
+    .key = "chrome-history",
+    .kind = "Chrome History",
+    .recognises = isChromesHistory,
+    .cases = {"chrome-history", "History", "chromium-history/every-table"},
+});
+
+constinit const Reader kChromiumHistoryFormat = historyFormat({
     .type = chromiumHistory,
     .key = "chromium-history",
     .kind = "Chromium History",
-    .version = "1.0",
-    .option = &kChromeHistoryOption,
-    .mask = "History;Archived History",
     .recognises = isHistory,
-    .read = parseChromeHistoryFile,
-    .kinds = kHistoryKinds,
-    .page = "chrome-history",
     .cases = {"chromium-history", "History;Archived History", "chromium-history/every-table"},
     .isBeyondClassic = true,
-};
+});
 
 constinit const Reader kChromiumFaviconsFormat = {
     .type = chromiumFavicons,

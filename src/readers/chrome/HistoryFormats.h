@@ -6,6 +6,7 @@ namespace nv {
 
 // A profile's history and what else remembers its pages, known by their tables below any folder.
 
+extern const Reader kChromeHistoryFormat;
 extern const Reader kChromiumHistoryFormat;
 extern const Reader kChromiumFaviconsFormat;
 extern const Reader kChromiumTopSitesFormat;

@@ -52,23 +52,18 @@ UrlRecord siteRecord(const ReadContext &ctx, const ProfileRow &site, const Row &
 }
 
 ReadResult readSites(ReadContext &ctx, EvidenceDatabase &database, std::string_view table) {
-    const HistoryBeside history(ctx, kReader.procedure);
+    HistoryBeside history(ctx, kReader.procedure);
     const Date fileCreated = ctx.evidence.factsOf(ctx.file.fullPath).created;
     TableCursor cursor(database, table, kColumns);
-    std::uint64_t held = 0;
-    std::uint64_t stored = 0;
     ReadResult result = eachRow(cursor, ctx, ctx.task, kReader.procedure, [&](const Row &row) {
         const std::string url = row.text(kUrl);
-        if (history.holds(url)) {
-            ++held;
+        if (history.holds(url))
             return;
-        }
         UrlRecord record =
             siteRecord(ctx, {table, cursor.rowId(), url, row.text(kTitle)}, row, fileCreated);
         ctx.sink.save(record);
-        ++stored;
     });
-    history.note(result, stored, held);
+    history.note(result);
     return result;
 }
 

@@ -2,14 +2,12 @@
 
 #include "base/Base64.h"
 #include "base/Files.h"
-#include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Certificate.h"
-#include "readers/Dissection.h"
 #include "readers/FactDate.h"
 #include "readers/HttpHeaders.h"
-#include "readers/PageObjects.h"
 #include "readers/firefox/CacheBody.h"
+#include "readers/firefox/CachedAddress.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
 #include "time/SourceClocks.h"
@@ -169,19 +167,6 @@ void addFacts(UrlRecord &url, const Cache2Entry &entry, const Cache2Key &key) {
 
 } // namespace
 
-void setCachedAddress(UrlRecord &url, std::string_view address, std::string_view stored) {
-    url.URL = decodeText(address);
-    url.URLRawValue = decodeText(stored);
-    url.host = parseHost(url.URL);
-    url.HashedURL = hashOfUrl(url.URL);
-    url.CacheFileName = getFilenameFromPath(url.URL);
-    url.CacheFileNameDecoded = url.CacheFileName;
-    url.URLProtocol = getURLProtocol(url.URL);
-    url.URLParameters = parametersOf(url.URL);
-    url.User = parseUserFromURL(url.URL);
-    setPageObjects(url);
-}
-
 UrlRecord parseCache2Record(const Cache2Entry &entry, const Cache2File &file,
                             const ReadContext &ctx) {
     UrlRecord url;
@@ -191,7 +176,7 @@ UrlRecord parseCache2Record(const Cache2Entry &entry, const Cache2File &file,
     url.cacheType = file.isGivenUp ? kFirefoxCacheRemnant.word : kFirefoxCache.word;
     url.Visits = file.isGivenUp ? kVisitsUnknown : std::int64_t{entry.fetchCount};
     setPlace(url, entry, file, ctx);
-    setCachedAddress(url, key.url, entry.key);
+    setCachedAddress(url, decodeText(key.url), decodeText(entry.key));
     setDates(url, entry, ctx.clock);
     setHeaders(url, entry);
     if (file.isGivenUp) {

@@ -5,7 +5,6 @@
 
 #include <filesystem>
 #include <string>
-#include <string_view>
 
 namespace nv {
 
@@ -20,9 +19,6 @@ struct Cache2File {
 /// The record of an entry, its body where it lies.
 UrlRecord parseCache2Record(const Cache2Entry &entry, const Cache2File &file,
                             const ReadContext &ctx);
-
-/// Sets the address, as it is meant and as it is stored, and what is taken out of it.
-void setCachedAddress(UrlRecord &url, std::string_view address, std::string_view stored);
 
 /// Writes the body of such a record to `target`, as it is stored.
 bool fetchFirefoxCache2Body(const UrlRecord &record, const Evidence &evidence, BodyTarget &target);

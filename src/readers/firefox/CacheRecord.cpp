@@ -1,10 +1,9 @@
 #include "readers/firefox/CacheRecord.h"
 
 #include "base/Files.h"
-#include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
-#include "readers/PageObjects.h"
+#include "readers/firefox/CachedAddress.h"
 #include "readers/firefox/Kinds.h"
 #include "time/SourceClocks.h"
 
@@ -26,19 +25,6 @@ std::string urlOf(const Bytes &key) {
     if (!bytes.empty() && bytes.u8(bytes.size() - 1) == 0)
         bytes = bytes.sub(0, bytes.size() - 1);
     return bytes.empty() ? std::string() : replaceAll(textWithBlanks(bytes), "HTTP:http:", "http:");
-}
-
-void setUrl(UrlRecord &url, const CacheRecordMetaData &metaData) {
-    url.URL = urlOf(metaData.urlData);
-    url.URLRawValue = url.URL;
-    url.host = parseHost(url.URL);
-    url.HashedURL = hashOfUrl(url.URL);
-    url.CacheFileName = getFilenameFromPath(url.URL);
-    url.CacheFileNameDecoded = url.CacheFileName;
-    url.URLProtocol = getURLProtocol(url.URL);
-    url.URLParameters = parametersOf(url.URL);
-    url.User = parseUserFromURL(url.URL);
-    setPageObjects(url);
 }
 
 /// The cache's folder: bodies are fetched from `RootPath` + `CacheRootPath`.
@@ -96,7 +82,8 @@ std::optional<UrlRecord> parseFirefoxCacheURL(const CacheRecord &record, const H
     setPlace(*url, file, evidence);
     setBody(*url, record);
     setEvent(*url, *record.recordMetaData, clock);
-    setUrl(*url, *record.recordMetaData);
+    const std::string address = urlOf(record.recordMetaData->urlData);
+    setCachedAddress(*url, address, address);
     return url;
 }
 

@@ -12,9 +12,9 @@
 #include "base/Trap.h"
 #include "readers/Limits.h"
 #include "readers/WholeFile.h"
-#include "readers/firefox/JsonValues.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
+#include "readers/json/JsonObject.h"
 #include "readers/sqlite/FurtherTables.h"
 #include "readers/sqlite/SqliteReading.h"
 

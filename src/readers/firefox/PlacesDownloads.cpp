@@ -7,8 +7,8 @@
 
 #include "base/Files.h"
 #include "base/Trap.h"
-#include "readers/firefox/JsonValues.h"
 #include "readers/firefox/Kinds.h"
+#include "readers/json/JsonObject.h"
 
 #include <array>
 

@@ -5,7 +5,7 @@
 #include "readers/FolderLayout.h"
 #include "readers/HeaderDate.h"
 #include "readers/HttpHeaders.h"
-#include "readers/firefox/Cache2Record.h"
+#include "readers/firefox/CachedAddress.h"
 #include "readers/firefox/Kinds.h"
 #include "readers/firefox/ProfileValues.h"
 #include "time/SourceClocks.h"
@@ -166,7 +166,7 @@ UrlRecord siteCacheRecord(const ReadContext &ctx, const Row &row, const SiteCach
     record.Visits = kVisitsUnknown;
     setPlace(record, ctx);
     const std::string url = urlOf(row);
-    setCachedAddress(record, url, url);
+    setCachedAddress(record, decodeText(url), decodeText(url));
     const std::string referrer = textOf(row, SiteCacheColumn::referrer);
     record.Referrer = referrer == "about:client" ? std::string() : referrer; // nobody set one
     addOwner(record, ctx);

@@ -10,6 +10,7 @@
 #include "rebuild/exact/DrawingText.h"
 #include "rebuild/exact/OwnParts.h"
 #include "rebuild/exact/PageReferences.h"
+#include "rebuild/exact/RecordAddress.h"
 #include "rebuild/exact/SameSet.h"
 #include "rebuild/exact/Spelling.h"
 
@@ -65,8 +66,8 @@ bool Assembly::run(const Bytes &bytes) {
     Document root;
     root.record = m_page.URLID;
     root.name = pageNameOf(m_page.URLID);
-    root.url = m_page.URL;
-    root.headers = m_page.MetaData;
+    root.url = askedAddress(m_page.URL, m_page.URLRawValue);
+    root.headers = headersOf(m_page, m_ctx);
     m_known.insert(root.name);
     m_root = read(root, bytes);
     while (!m_open.empty() && !m_cancelled) {

@@ -14,7 +14,8 @@
 
 namespace SQLite {
 class Database;
-}
+class Statement;
+} // namespace SQLite
 
 namespace nv {
 
@@ -54,6 +55,8 @@ class PartCandidates {
     void prepare(std::span<const std::string> addresses);
     /// By the exact address, or without its fragment.
     CandidateList of(const std::string &address);
+    /// By the letters of the address, of records of which no more is known.
+    CandidateList byLetters(const std::string &address);
     /// By its path, whatever the query.
     CandidateList byOtherQuery(const std::string &address);
 
@@ -62,19 +65,23 @@ class PartCandidates {
         std::vector<PartCandidate> best;
         std::int64_t count = 0;
     };
+    struct ByAddress {
+        Found exact;
+        Found decoded;
+    };
     class Sources;
 
     void lookUp(std::span<const std::string> addresses);
-    const Found &exactly(const std::string &address);
+    const ByAddress &known(const std::string &address);
     const Found &onPath(const std::string &path);
-    PartCandidate candidateOf(std::int64_t id, std::int64_t source, const std::string &cacheType,
-                              bool hasBody, double date);
+    PartCandidate candidateIn(SQLite::Statement &row);
 
     SQLite::Database &m_project;
     double m_pageDate = 0; ///< days; NaN for none
     std::unique_ptr<Sources> m_sources;
-    std::unordered_map<std::string, Found> m_exact; ///< by address
-    std::unordered_map<std::string, Found> m_paths; ///< by address without query
+    bool m_hasClientKeys;                               ///< in the project
+    std::unordered_map<std::string, ByAddress> m_known; ///< by address
+    std::unordered_map<std::string, Found> m_paths;     ///< by address without query
 };
 
 } // namespace nv

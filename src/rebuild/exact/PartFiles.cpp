@@ -6,9 +6,11 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/RebuiltParts.h"
+#include "readers/AnswerHead.h"
 #include "readers/CachedBody.h"
 #include "readers/HttpHeaders.h"
 #include "rebuild/LocalNames.h"
+#include "rebuild/exact/RecordAddress.h"
 
 #include <fmt/format.h>
 
@@ -24,26 +26,26 @@ namespace {
 constexpr std::int64_t kLargestOfSevenDigits = 9'999'999;
 
 /// Empty for an answer that is no redirect.
-std::string redirectOf(const UrlRecord &record) {
-    const int status = statusOf(record.MetaData);
+std::string redirectOf(std::string_view headers) {
+    const int status = statusOf(headers);
     if (status < 300 || status > 399 || status == 304)
         return {};
-    const auto locations = headerValues(record.MetaData, "location");
+    const auto locations = headerValues(headers, "location");
     return locations.empty() ? std::string() : std::string(locations.front());
 }
 
 /// Why browsers don't use what a server answered; null where they do. Pages and pictures of errors
 /// show, styles and fonts don't count.
-const char *refusalOf(const UrlRecord &record, RefUse use) {
+const char *refusalOf(std::string_view headers, RefUse use) {
     constexpr int kFirstError = 400;
     if (use != RefUse::style && use != RefUse::font && use != RefUse::track &&
         use != RefUse::object)
         return nullptr;
-    if (statusOf(record.MetaData) >= kFirstError)
+    if (statusOf(headers) >= kFirstError)
         return partrule::kError;
     if (use == RefUse::object)
         return nullptr;
-    return mimeTypeOf(record.MetaData) == "text/html" ? partrule::kOtherType : nullptr;
+    return mimeTypeOf(headers) == "text/html" ? partrule::kOtherType : nullptr;
 }
 
 std::string headOf(const Body &body) {
@@ -82,14 +84,21 @@ void writeTo(const fs::path &target, const Body &body) {
 
 } // namespace
 
+std::string headersOf(const UrlRecord &record, const RebuildContext &ctx) {
+    std::string head(answerHeadIn(record.MetaData));
+    if (head.empty())
+        head = answerHeadOf(record, ctx.records.factsOf(record.URLID));
+    return head.empty() ? record.MetaData : head;
+}
+
 PartFiles::PartFiles(const UrlRecord &page, fs::path folder, const RebuildContext &ctx)
     : m_page(page), m_folder(std::move(folder)), m_ctx(ctx) {
     PartFile own;
     own.record = page.URLID;
     own.form = PartForm::page;
     own.name = pageNameOf(page.URLID);
-    own.url = page.URL;
-    own.headers = page.MetaData;
+    own.url = askedAddress(page.URL, page.URLRawValue);
+    own.headers = headersOf(page, ctx);
     own.time = page.ActionDateUTC;
     own.cache = cacheOf(page);
     m_files.emplace(std::pair(page.URLID, PartForm::page), std::move(own));
@@ -109,15 +118,17 @@ PartFiles::Taken PartFiles::bring(UrlId id, RefUse use) {
     auto record = m_ctx.records.getURL(id);
     if (!record)
         return Gone();
-    if (std::string location = redirectOf(*record); !location.empty())
+    std::string headers = headersOf(*record, m_ctx);
+    if (std::string location = redirectOf(headers); !location.empty())
         return Redirect{std::move(location)};
-    if (const char *const rule = refusalOf(*record, use))
+    if (const char *const rule = refusalOf(headers, use))
         return Refused{rule};
     const auto body = bodyOf(*record, m_ctx.extraction(), kBodyInMemory);
     if (!body || sizeOf(*body) == 0)
         return Gone();
     const std::string head = headOf(*body);
-    const PartForm form = partForm(use, record->MIMEType, head);
+    const std::string type = record->MIMEType.empty() ? mimeTypeOf(headers) : record->MIMEType;
+    const PartForm form = partForm(use, type, head);
     if (const auto there = m_files.find({id, form}); there != m_files.end()) {
         if (there->second.sha256.empty())
             there->second.sha256 = sha256Of(*body);
@@ -129,8 +140,8 @@ PartFiles::Taken PartFiles::bring(UrlId id, RefUse use) {
     file.record = id;
     file.form = form;
     file.name = nameOf(*record, form, head);
-    file.url = record->URL;
-    file.headers = record->MetaData;
+    file.url = askedAddress(record->URL, record->URLRawValue);
+    file.headers = std::move(headers);
     file.sha256 = sha256Of(*body);
     file.time = record->ActionDateUTC;
     file.cache = cacheOf(*record);

@@ -15,6 +15,10 @@
 
 namespace nv {
 
+/// The headers of the answer that a record is made of, in lines; what its column holds where no
+/// answer's head is known.
+std::string headersOf(const UrlRecord &record, const RebuildContext &ctx);
+
 /// A cached record that lies beside the page.
 struct PartFile {
     UrlId record = UrlId::none;

@@ -96,6 +96,8 @@ std::optional<FoundPart> PartFinder::chosen(const std::string &address, RefUse u
         return std::nullopt;
     CandidateList others = m_candidates.of(address);
     if (others.count == 0)
+        others = m_candidates.byLetters(address);
+    if (others.count == 0)
         others = m_candidates.byOtherQuery(address);
     FoundPart found = nothing(partrule::kLeftOut);
     found.candidates = keysOf(others);
@@ -123,12 +125,13 @@ FoundPart PartFinder::decide(const std::string &address, RefUse use, int redirec
     if (m_files.count() >= kMostParts)
         return nothing(partrule::kTooMany);
     FoundPart found = firstOf(m_candidates.of(address), address, use, redirects);
-    if (!found.file)
-        if (FoundPart other =
-                firstOf(m_candidates.byOtherQuery(address), address, use, kMostRedirects);
-            other.file)
-            return other;
-    return found;
+    if (found.file)
+        return found;
+    if (FoundPart same = firstOf(m_candidates.byLetters(address), address, use, redirects);
+        same.file)
+        return same;
+    FoundPart other = firstOf(m_candidates.byOtherQuery(address), address, use, kMostRedirects);
+    return other.file ? other : found;
 }
 
 FoundPart PartFinder::firstOf(const CandidateList &list, const std::string &address, RefUse use,

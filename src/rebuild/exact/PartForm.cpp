@@ -125,8 +125,15 @@ std::string_view insideTypeOf(std::string_view extension) {
     return isKnown ? known->first : std::string_view();
 }
 
-bool beginsLikePage(std::string_view head) {
-    std::string_view text = withoutLead(head);
+namespace {
+
+/// By its mark only: nothing else tells UTF-16 from what is no text.
+bool isUtf16(std::string_view head) {
+    return head.starts_with("\xFF\xFE"sv) || head.starts_with("\xFE\xFF"sv);
+}
+
+bool textBeginsLikePage(std::string_view head) {
+    const std::string_view text = withoutLead(head);
     // Comments may be long, and scripts begin with "<!--" too: browsers take it for a page.
     if (text.starts_with("<!--"))
         return true;
@@ -136,6 +143,15 @@ bool beginsLikePage(std::string_view head) {
         return startsWithNoCase(text, sign) && text.size() > sign.size() &&
                (isBlank(text[sign.size()]) || text[sign.size()] == '>');
     });
+}
+
+} // namespace
+
+bool beginsLikePage(std::string_view head) {
+    if (!isUtf16(head))
+        return textBeginsLikePage(head);
+    const Bytes bytes(head.begin(), head.end());
+    return textBeginsLikePage(decodedPage(ByteView(bytes), {}).text);
 }
 
 PartForm partForm(RefUse use, std::string_view mimeType, std::string_view head) {

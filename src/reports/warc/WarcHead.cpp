@@ -212,16 +212,6 @@ class Mending {
 
 } // namespace
 
-std::string_view answerHeadIn(std::string_view stored) {
-    constexpr std::string_view kBefore = "response-head ";
-    if (statusOf(stored) != 0)
-        return stored;
-    const std::size_t at = stored.find(kBefore);
-    const std::string_view head =
-        at == std::string_view::npos ? std::string_view() : stored.substr(at + kBefore.size());
-    return statusOf(head) != 0 ? head : std::string_view();
-}
-
 std::string mendedHead(std::string_view head, const HeldContent &content) {
     return Mending(head, content).text();
 }

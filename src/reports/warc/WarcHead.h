@@ -6,10 +6,6 @@
 
 namespace nv {
 
-/// The answer's head as caches keep it in a record's texts, beginning with its status line; what
-/// stands around it, as in caches of Firefox, is left out. Empty when there is none.
-std::string_view answerHeadIn(std::string_view stored);
-
 /// What lies in a file beside a head.
 struct HeldContent {
     std::uint64_t size = 0;             ///< bytes

@@ -5,6 +5,7 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "db/BindId.h"
+#include "readers/AnswerHead.h"
 #include "readers/CachedBody.h"
 #include "readers/Coding.h"
 #include "readers/Scratch.h"
@@ -127,9 +128,7 @@ WarcAdded WarcWriter::add(UrlId id) {
         });
     if (!hasFacts)
         return WarcAdded::unread;
-    item.head = answerHeadIn(item.record.MetaData);
-    if (item.head.empty())
-        item.head = answerHeadIn(textOfFact(item.facts, "http_headers"));
+    item.head = answerHeadOf(item.record, item.facts);
     addContent(item);
     if (!item.content && item.head.empty()) {
         ++m_counts.others;

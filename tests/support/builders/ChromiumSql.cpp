@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <zlib.h>
 
 namespace nv::test {
 
@@ -35,6 +36,14 @@ int sizeOf(std::string_view bytes) {
 
 } // namespace
 
+std::int32_t sqlChecksum(std::string_view bytes, std::uint32_t keyHash) {
+    std::string checked(bytes);
+    for (const unsigned shift : {24U, 16U, 8U, 0U})
+        checked.push_back(static_cast<char>(keyHash >> shift));
+    return static_cast<std::int32_t>(crc32_z(
+        crc32(0, nullptr, 0), reinterpret_cast<const Bytef *>(checked.data()), checked.size()));
+}
+
 ChromiumSql::ChromiumSql(const std::filesystem::path &folder) {
     m_parts.resize(kParts);
     for (std::size_t i = 0; i < kParts; ++i) {
@@ -45,26 +54,28 @@ ChromiumSql::ChromiumSql(const std::filesystem::path &folder) {
 }
 
 void ChromiumSql::add(const ChromiumSqlEntry &entry) {
-    const auto hash = static_cast<std::int32_t>(chromiumKeyHash(entry.key));
-    Part &part = m_parts[static_cast<std::uint32_t>(hash) % kParts];
+    const std::uint32_t keyHash = chromiumKeyHash(entry.key);
+    const auto hash = static_cast<std::int32_t>(keyHash);
+    Part &part = m_parts[keyHash % kParts];
     const auto size = static_cast<std::int64_t>(entry.body.size());
     const std::int64_t usage =
         size + static_cast<std::int64_t>(entry.head.size() + entry.key.size());
     SQLite::Statement row = part.file->prepare(
         "INSERT INTO resources(last_used,hints,body_end,bytes_usage,doomed,check_sum,"
-        "cache_key_hash,cache_key,head) VALUES(?,0,?,?,0,0,?,?,?)");
-    SQLite::bind(row, entry.lastUsed, size, usage, hash, entry.key);
-    row.bind(6, entry.head.data(), sizeOf(entry.head));
+        "cache_key_hash,cache_key,head) VALUES(?,0,?,?,0,?,?,?,?)");
+    SQLite::bind(row, entry.lastUsed, size, usage, sqlChecksum(entry.head, keyHash), hash,
+                 entry.key);
+    row.bind(7, entry.head.data(), sizeOf(entry.head));
     row.exec();
     ++part.entries;
     part.bytes += usage;
     for (std::size_t at = 0; at < entry.body.size(); at += kPiece) {
         const std::string piece = entry.body.substr(at, kPiece);
         SQLite::Statement blob = part.file->prepare(
-            "INSERT INTO blobs(res_id,start,end,check_sum,blob) VALUES(?,?,?,0,?)");
+            "INSERT INTO blobs(res_id,start,end,check_sum,blob) VALUES(?,?,?,?,?)");
         SQLite::bind(blob, part.entries, static_cast<std::int64_t>(at),
-                     static_cast<std::int64_t>(at + piece.size()));
-        blob.bind(4, piece.data(), sizeOf(piece));
+                     static_cast<std::int64_t>(at + piece.size()), sqlChecksum(piece, keyHash));
+        blob.bind(5, piece.data(), sizeOf(piece));
         blob.exec();
     }
 }

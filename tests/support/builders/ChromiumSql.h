@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace nv::test {
@@ -18,8 +19,11 @@ struct ChromiumSqlEntry {
     std::int64_t lastUsed = 0;
 };
 
+/// What the cache keeps beside a head or a piece of a body whose key has that hash.
+std::int32_t sqlChecksum(std::string_view bytes, std::uint32_t keyHash);
+
 /// Makes a folder of an SQL cache: the index and three databases, among which the hash of the key
-/// chooses. Checksums are left zero.
+/// chooses.
 class ChromiumSql {
   public:
     static constexpr std::size_t kParts = 3;

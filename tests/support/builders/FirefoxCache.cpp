@@ -48,13 +48,19 @@ std::uint32_t get32be(std::string_view bytes, std::size_t at) {
     return value;
 }
 
-std::string cacheHeaders(std::string_view contentType) {
+std::string cacheHeaders(const std::vector<std::string> &answer) {
     std::string headers;
-    for (const std::string &text :
-         {std::string("request-method"), std::string("GET"), std::string("response-head"),
-          fmt::format("HTTP/1.1 200 OK\r\nContent-Type: {}\r\n", contentType)})
+    for (const std::string_view text : {"request-method", "GET", "response-head"})
         headers.append(text).push_back('\0');
+    for (const std::string &line : answer)
+        headers.append(line).append("\r\n");
+    headers.push_back('\0');
     return headers;
+}
+
+std::string cacheHeaders(std::string_view contentType) {
+    return cacheHeaders(
+        std::vector{std::string("HTTP/1.1 200 OK"), fmt::format("Content-Type: {}", contentType)});
 }
 
 FirefoxCache::FirefoxCache(std::uint32_t version, std::uint32_t buckets)

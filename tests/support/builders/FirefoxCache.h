@@ -8,11 +8,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nv::test {
 
 /// The names and values of headers as the browser keeps them, each with a zero after it.
 std::string cacheHeaders(std::string_view contentType);
+/// With a status line and headers, without line ends.
+std::string cacheHeaders(const std::vector<std::string> &answer);
 
 /// One entry of the cache. Texts are raw bytes.
 struct FirefoxCacheEntry {

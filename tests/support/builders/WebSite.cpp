@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace nv::test {
 
@@ -49,11 +50,11 @@ std::string mainPage() {
 }
 
 SiteItem picture(std::string_view url) {
-    return {std::string(url), "image/gif", dot(url), false, false};
+    return {std::string(url), "image/gif", dot(url)};
 }
 
 SiteItem text(std::string_view path, std::string_view type, std::string_view body) {
-    return {std::string(kHome).append(path), std::string(type), std::string(body), true, false};
+    return {std::string(kHome).append(path), std::string(type), std::string(body), true};
 }
 
 /// Of a cache's table: a power of two.
@@ -66,6 +67,19 @@ std::uint32_t slotsFor(const WebSite &site) {
 
 std::string kept(const SiteItem &item) {
     return item.isPacked ? gzip(item.body) : item.body;
+}
+
+/// Status line and headers, without line ends.
+std::vector<std::string> answerOf(const SiteItem &item) {
+    if (!item.location.empty())
+        return {"HTTP/1.1 302 Found", "Location: " + item.location};
+    return {"HTTP/1.1 200 OK", "Content-Type: " + item.type};
+}
+
+/// What is kept by the caches that have no headers of a redirect.
+WebSite withoutRedirects(WebSite site) {
+    std::erase_if(site, [](const SiteItem &item) { return !item.location.empty(); });
+    return site;
 }
 
 void writeInternetExplorer(const WebSite &site, const fs::path &folder) {
@@ -95,7 +109,7 @@ void writeFirefox(const WebSite &site, const fs::path &folder) {
     for (const SiteItem &item : site) {
         const std::size_t before = cache.separateFiles.size();
         cache.add({.key = "HTTP:" + item.url,
-                   .headers = cacheHeaders(item.type),
+                   .headers = cacheHeaders(answerOf(item)),
                    .body = kept(item),
                    .fetched = kMarch2011,
                    .bodyFile = item.isCleared ? 0 : -1});
@@ -113,7 +127,9 @@ void writeChrome(const WebSite &site, const fs::path &folder) {
         entry.requested = (std::uint64_t{kMarch2011} + 11644473600U) * 1'000'000U;
         entry.modified = entry.requested;
         entry.body = kept(item);
-        entry.answer = fmt::format("HTTP/1.1 200 OK{0}Content-Type: {1}{0}", '\0', item.type);
+        entry.answer.clear();
+        for (const std::string &line : answerOf(item))
+            entry.answer.append(line).push_back('\0');
         if (item.isCleared)
             entry.where = ChromeCacheEntry::Body::separate;
         const ChromeCachePlace place = cache.add(entry);
@@ -186,15 +202,15 @@ WebSite exampleSite() {
 void writeSite(const WebSite &site, SiteCache cache, const fs::path &folder) {
     switch (cache) {
     case SiteCache::internetExplorer:
-        return writeInternetExplorer(site, folder);
+        return writeInternetExplorer(withoutRedirects(site), folder);
     case SiteCache::firefox:
         return writeFirefox(site, folder);
     case SiteCache::chrome:
         return writeChrome(site, folder);
     case SiteCache::safari:
-        return writeSafari(site, folder);
+        return writeSafari(withoutRedirects(site), folder);
     case SiteCache::opera:
-        return writeOpera(site, folder);
+        return writeOpera(withoutRedirects(site), folder);
     }
 }
 

@@ -14,6 +14,7 @@ struct SiteItem {
     std::string body;
     bool isPacked = false;  ///< sent as gzip, where the browser's cache keeps it so
     bool isCleared = false; ///< the cache still lists it but its bytes are gone
+    std::string location{}; ///< of a redirect (302), which only Firefox and Chrome keep
     /// What Internet Explorer calls its file, the first of that name or a later one.
     std::string fileName(int number = 1) const;
 };

@@ -5,13 +5,13 @@
 #include "support/FactText.h"
 #include "support/FileReading.h"
 #include "support/Places.h"
+#include "support/builders/ChromiumSql.h"
 #include "support/builders/SqliteFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <zlib.h>
 
 namespace nv {
 namespace {
@@ -52,15 +52,6 @@ TEST_F(SqlCache, bodiesComeFromThePagesAndFromACopyAlike) {
         EXPECT_EQ(body(records[i]), bodies[i]) << i;
 }
 
-/// CRC-32 of the bytes and the key's hash, which SQLite can't reckon.
-std::int64_t checksumOf(const std::string &bytes, std::uint32_t hash) {
-    const std::string whole = bytes + static_cast<char>(hash >> 24) +
-                              static_cast<char>(hash >> 16) + static_cast<char>(hash >> 8) +
-                              static_cast<char>(hash);
-    return static_cast<std::int32_t>(
-        crc32(0, reinterpret_cast<const Bytef *>(whole.data()), static_cast<uInt>(whole.size())));
-}
-
 TEST_F(SqlCache, checksumsAreCompared) {
     SQLite::Database part = change("sqldb0");
     const std::string head =
@@ -78,13 +69,15 @@ TEST_F(SqlCache, checksumsAreCompared) {
         second.bind(1, ofPiece);
         second.exec();
     };
-    set(checksumOf(head, kHash), checksumOf(piece, kHash));
+    const std::size_t records = read().size();
+    set(test::sqlChecksum(head, kHash), test::sqlChecksum(piece, kHash));
     EXPECT_EQ(fact(read().at(0), "body"), "");
-    set(checksumOf(head, kHash) + 1, checksumOf(piece, kHash));
+    set(test::sqlChecksum(head, kHash) + 1, test::sqlChecksum(piece, kHash));
     EXPECT_EQ(fact(read().at(0), "body"), "the checksum of the answer's head is wrong");
-    set(checksumOf(head, kHash), checksumOf(piece, kHash) + 1);
+    set(test::sqlChecksum(head, kHash), test::sqlChecksum(piece, kHash) + 1);
     EXPECT_EQ(fact(read().at(0), "body"), "its checksum is wrong");
     EXPECT_EQ(reading.result.noted.at("body with a wrong checksum"), 1U);
+    EXPECT_EQ(read().size(), records) << "the record stays";
 }
 
 TEST_F(SqlCache, rowsInFreedPagesAreRemnants) {

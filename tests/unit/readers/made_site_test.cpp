@@ -9,6 +9,8 @@
 #include "support/FileReading.h"
 #include "support/builders/site/SiteCaches.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <map>
@@ -84,6 +86,20 @@ TEST_P(MadeSiteCache, isTheSameOnEachRun) {
         return files;
     };
     EXPECT_EQ(filesOf(folder.path() / "one"), filesOf(folder.path() / "other"));
+}
+
+TEST(MadeSiteSqlCache, hasTheChecksumOfEachHeadAndPiece) {
+    const test::TempFolder folder;
+    writeSite(test::partOf(test::madeSite(), "tidewater.example"), LaterCache::sql, folder.path(),
+              kBegun);
+    for (const char *part : {"sqldb0", "sqldb1", "sqldb2"})
+        for (const char *table : {"resources", "blobs"})
+            EXPECT_EQ(
+                SQLite::Database((folder.path() / part).native())
+                    .execAndGet(fmt::format("SELECT count(*) FROM {} WHERE check_sum = 0", table))
+                    .getInt(),
+                0)
+                << part << ' ' << table;
 }
 
 INSTANTIATE_TEST_SUITE_P(OfToday, MadeSiteCache,

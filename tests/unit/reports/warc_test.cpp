@@ -1,5 +1,6 @@
 #include "base/Base32.h"
 #include "base/Files.h"
+#include "readers/HttpHeaders.h"
 #include "rebuild/RebuildContext.h"
 #include "reports/ExportRows.h"
 #include "reports/warc/WarcHead.h"

@@ -41,6 +41,36 @@ TEST(IconKey, thenAtTheCategory) {
     EXPECT_EQ(byExtension("xyz", "Unheard of"), "");
 }
 
+TEST(IconKey, ofTodaysCachesGoesByWhatTheServerNamed) {
+    const auto today = [](std::string_view type, std::string_view extension = {}) {
+        return iconKey({false, false, false, "Chrome Cache", "", extension, type});
+    };
+    EXPECT_EQ(today("text/css"), "css");
+    EXPECT_EQ(today("TEXT/HTML", "php"), "html");
+    EXPECT_EQ(today("image/webp"), "Pictures");
+    EXPECT_EQ(today("image/png", "php"), "png") << "a script of the server makes a picture";
+    EXPECT_EQ(today("text/javascript"), "js");
+    EXPECT_EQ(today("video/mp4"), "Multimedia");
+    EXPECT_EQ(today("audio/ogg"), "wav");
+    EXPECT_EQ(today("application/font-woff2", "woff2"), "font");
+    EXPECT_EQ(iconFamily(today("font/woff2")), IconFamily::Font);
+    EXPECT_EQ(familyName(IconFamily::Font), "font");
+    EXPECT_EQ(today("application/octet-stream", "zip"), "zip") << "it says nothing";
+    EXPECT_EQ(today("", "png"), "png");
+    EXPECT_EQ(today("text/plain", "js"), "js");
+    EXPECT_EQ(today("text/plain"), "txt");
+    EXPECT_EQ(today("imag"), "");
+    EXPECT_EQ(iconKey({false, false, false, "Firefox Cache", "", "", "text/css"}), "css");
+    EXPECT_EQ(iconKey({false, false, false, "Chrome Site Cache", "", "", "text/css"}), "css");
+    EXPECT_EQ(iconKey({true, false, false, "Chrome History", "", "", "text/css"}), "history");
+}
+
+TEST(IconKey, ofTheFirstBrowsersIsWhatItWas) {
+    for (const char *kind : {"Opera Cache", "Safari Cache", "IE Cache", "Mac IE Cache"})
+        EXPECT_EQ(iconKey({false, false, false, kind, "", "", "text/css"}), "") << kind;
+    EXPECT_EQ(iconKey({false, false, false, "Opera Cache", "", "php", "image/png"}), "php");
+}
+
 TEST(IconFamily, joinsKeysThatShareAPicture) {
     EXPECT_EQ(iconFamily("jpg"), iconFamily("Pictures"));
     EXPECT_EQ(iconFamily("zip"), iconFamily("cab"));

@@ -47,6 +47,14 @@ TEST_F(PartAlternativesTest, offersWhatTheRulesFindTheOneThatStandsThereFirst) {
     EXPECT_EQ(asked.alternatives[1].time, Date::fromDays(40001.5));
 }
 
+TEST_F(PartAlternativesTest, offersWhatHasTheSameLetters) {
+    put({.url = "https://host/caf\u00E9.png", .body = "one"});
+    put({.url = "https://host/caf%C3%A9.png", .body = "two"});
+    const UrlId html = putPage("<img src='/caf\u00E9.png'>");
+    ASSERT_TRUE(rebuild(html));
+    EXPECT_THAT(lines(question(html)), ElementsAre("2 exact address", "1 same address, decoded"));
+}
+
 TEST_F(PartAlternativesTest, saysWhatWasChosenBefore) {
     put({.url = "https://host/a.png", .body = "one", .day = 40000});
     put({.url = "https://host/a.png", .body = "two", .day = 40009});
@@ -95,6 +103,7 @@ TEST(PartNote, tellsPartsOfAnotherAddress) {
     };
     EXPECT_TRUE(isOther(partrule::kOtherQuery));
     EXPECT_TRUE(isOther(partrule::kSameSet));
+    EXPECT_TRUE(isOther(partrule::kDecoded));
     EXPECT_TRUE(isOther(std::string(partrule::kRedirect) + partrule::kOtherQuery));
     EXPECT_FALSE(isOther(partrule::kExact));
     EXPECT_FALSE(isOther(partrule::kChosen));

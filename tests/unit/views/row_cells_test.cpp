@@ -166,6 +166,13 @@ TEST_F(RowCellsTest, iconsTakeTheCachedFilesExtensionWhenTheUrlHasNone) {
     EXPECT_EQ(RowCells::iconKeyOf(row(add({{"CacheFileExt", "png"}, {"URLFileExt", "js"}}))), "js");
 }
 
+TEST_F(RowCellsTest, iconsOfTodaysCachesTakeTheTypeOfTheAnswer) {
+    EXPECT_EQ(
+        RowCells::iconKeyOf(row(add(
+            {{"CacheType", "CHROME CACHE"}, {"URLFileExt", "php"}, {"MIMEType", "image/png"}}))),
+        "png");
+}
+
 struct RowPagerTest : RowCellsTest {
     RowPagerTest() {
         for (std::int32_t i = 1; i <= 5000; ++i)

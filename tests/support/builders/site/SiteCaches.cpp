@@ -165,9 +165,10 @@ WebSite asWebSite(const MadeSite &site) {
     WebSite items;
     items.reserve(site.size());
     for (const SiteAnswer &answer : site)
-        if (answer.isKept && answer.status == 200)
+        if (answer.isKept && (answer.status == 200 || !answer.location.empty()))
             items.push_back({plain(answer.url), std::string(split(answer.type, ';').at(0)),
-                             plain(answer.body), !answer.coding.empty()});
+                             plain(answer.body), !answer.coding.empty(), false,
+                             plain(answer.location)});
     return items;
 }
 

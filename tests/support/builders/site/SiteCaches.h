@@ -19,8 +19,8 @@ enum class LaterCache { simple, blocks, sql, cache2 };
 void writeSite(const MadeSite &site, LaterCache cache, const std::filesystem::path &folder,
                std::int64_t begun);
 
-/// For the writers of the first browsers' caches, which keep neither redirects nor charsets of
-/// servers nor codings but gzip. Of their days, the site is one of "http:".
+/// For the writers of the first browsers' caches, which keep neither errors nor charsets of servers
+/// nor codings but gzip. Of their days, the site is one of "http:".
 WebSite asWebSite(const MadeSite &site);
 
 } // namespace nv::test

@@ -23,6 +23,8 @@ struct Answer {
     std::string location{}; ///< of a redirect
     std::string charset{};
     std::string cacheType{"Opera Cache"};
+    std::string raw{};   ///< the address as the browser kept it; empty for the same
+    bool headers = true; ///< the cache has them
 };
 
 /// A project whose pages are rebuilt exactly.
@@ -36,12 +38,13 @@ class ExactFixture : public RebuildFixture {
     UrlId put(const Answer &answer) {
         UrlRecord record;
         record.cacheType = answer.cacheType;
-        record.URL = record.URLRawValue = answer.url;
+        record.URL = answer.url;
+        record.URLRawValue = answer.raw.empty() ? answer.url : answer.raw;
         record.host = parseHost(answer.url);
         record.URLFileExt = getFileExtension(answer.url.substr(0, answer.url.find_first_of("?#")));
         record.ActionDateUTC = Date::fromDays(answer.day);
         record.MIMEType = answer.type;
-        record.MetaData = headersOf(answer);
+        record.MetaData = answer.headers ? headersOf(answer) : std::string();
         record.HistoryFilePath = "/evidence/Default/Cache";
         const auto file = evidenceFolder / fmt::format("part{}", ++m_parts);
         record.RootPath = evidence.rootOf(file);

@@ -9,7 +9,8 @@
 
 namespace nv {
 
-/// Members of a JSON object from evidence, where each may be there or not and be of any kind.
+/// Members of a small JSON object from evidence, such as a value of a database, where each may be
+/// there or not and be of any kind. Files, which may be large and damaged, are walked: JsonWalk.h.
 class JsonObject {
   public:
     explicit JsonObject(nlohmann::json value) : m_value(std::move(value)) {}

@@ -1,9 +1,8 @@
-#include "readers/firefox/JsonValues.h"
+#include "readers/json/JsonObject.h"
 
 #include "base/Text.h"
+#include "readers/json/JsonWalk.h"
 
-#include <cmath>
-#include <limits>
 #include <utility>
 
 namespace nv {
@@ -39,11 +38,7 @@ std::optional<std::int64_t> JsonObject::number(const char *name) const {
     }
     if (found->is_number_integer())
         return found->get<std::int64_t>();
-    constexpr double kTwoTo63 = 9223372036854775808.0;
-    const double value = found->get<double>();
-    if (!std::isfinite(value) || value >= kTwoTo63 || value < -kTwoTo63)
-        return std::nullopt;
-    return static_cast<std::int64_t>(value);
+    return numberOf(JsonScalar(found->get<double>()));
 }
 
 std::optional<bool> JsonObject::truth(const char *name) const {
