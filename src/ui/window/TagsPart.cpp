@@ -169,7 +169,7 @@ void TagsPart::pressKey(int digit) {
             tr("There is no tag %1: Edit, Named Tags, New Tag makes one.").arg(digit));
 }
 
-void TagsPart::work(std::size_t rows, const std::function<void(TaskMonitor &)> &change) {
+void TagsPart::work(std::size_t rows, const std::function<void(TaskMonitor &)> &change) const {
     if (rows > kAtOnce)
         return m_bench.runTask({"TAGGING URLS", "", "", ""}, change);
     Unwatched task;

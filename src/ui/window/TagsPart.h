@@ -35,7 +35,7 @@ class TagsPart final : public QObject {
     void pressKey(int digit);
     void flip(const NamedTag &tag);
     /// Runs what changes tags of `rows` rows; long work shows itself and can be cancelled.
-    void work(std::size_t rows, const std::function<void(TaskMonitor &)> &change);
+    void work(std::size_t rows, const std::function<void(TaskMonitor &)> &change) const;
     void undo();
     void redo();
     /// The rows' tags have changed in the project.
