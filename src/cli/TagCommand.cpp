@@ -1,3 +1,4 @@
+#include "app/jobs/Trail.h"
 #include "app/project/Project.h"
 #include "base/Text.h"
 #include "base/Trap.h"
@@ -11,10 +12,11 @@
 #include "views/Tagging.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
-#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <optional>
+#include <span>
 
 namespace nv::cli {
 
@@ -50,6 +52,13 @@ std::vector<std::int32_t> idsWhere(const std::string &project, const std::string
     return ids;
 }
 
+/// The first of them, which is all of them for most.
+std::string idsText(const std::vector<std::int32_t> &ids) {
+    constexpr std::size_t kTold = 20;
+    const auto told = std::span(ids).first(std::min(ids.size(), kTold));
+    return fmt::format("URL_ID {}{}", fmt::join(told, ", "), ids.size() > kTold ? " ..." : "");
+}
+
 Exit run(Session &session, const Arguments &arguments) {
     if (arguments.ids.empty() == arguments.where.empty())
         throw UsageError("either URL_IDs or --where were expected");
@@ -64,6 +73,10 @@ Exit run(Session &session, const Arguments &arguments) {
         ids = idsWhere(arguments.project, arguments.where, program.log);
     const bool done = setTagged(project, program.log, ids, !arguments.off, session.task);
     session.task.clear();
+    if (done)
+        noteMarking(program, {.isSet = !arguments.off,
+                              .rows = static_cast<std::int64_t>(ids.size()),
+                              .which = arguments.where.empty() ? idsText(ids) : arguments.where});
     session.out << fmt::format("{} {}\n", counted(done ? ids.size() : 0, "row"),
                                arguments.off ? "untagged" : "tagged");
     closeProject(program);

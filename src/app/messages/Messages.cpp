@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/MessageKinds.h"
+#include "db/TrailChain.h"
 #include "maintenance/SourceCheck.h"
 
 #include <fmt/format.h>
@@ -277,9 +278,10 @@ Message nothingToImport() {
                   Tone::Information);
 }
 
-Message sourcesVerified(const SourceCheck &check) {
-    return notice("sources-verified", "Verify Source Files", summaryText(check),
-                  check.allSame() ? Tone::Information : Tone::Warning);
+Message sourcesVerified(const SourceCheck &check, const TrailChain &chain) {
+    return notice("sources-verified", "Verify Source Files",
+                  summaryText(check) + "\n\n" + chainText(chain),
+                  check.allSame() && chain.isWhole() ? Tone::Information : Tone::Warning);
 }
 
 Message loggingFileFailed(const std::filesystem::path &file, std::string_view reason,

@@ -10,7 +10,8 @@
 
 namespace nv {
 struct SourceCheck;
-}
+struct TrailChain;
+} // namespace nv
 
 namespace nv::messages {
 
@@ -78,7 +79,7 @@ Message nothingToImport();
 /// `count` files could not be registered, the first one for this reason.
 Message loggingFileFailed(const std::filesystem::path &file, std::string_view reason,
                           std::size_t count);
-Message sourcesVerified(const SourceCheck &check);
+Message sourcesVerified(const SourceCheck &check, const TrailChain &chain);
 Message importFailed(std::string_view reason);
 Message idsBeyondNarrow(std::int64_t largest);
 Message useLinkAnalysis();

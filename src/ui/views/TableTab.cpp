@@ -295,6 +295,15 @@ void TableTab::noteTick(qint64 urlID, bool tagged) {
         return;
     refreshRows();
     countTick(tagged, m_table->placeOf(UrlId{urlID}).has_value());
+    emit ticked(urlID, 1, tagged);
+}
+
+void TableTab::noteFlipped(qint64 rows) {
+    const int current = m_grid->currentIndex().row();
+    if (!m_table || current < 0)
+        return;
+    const auto place = static_cast<std::size_t>(current);
+    emit ticked(static_cast<qint64>(m_table->idAt(place)), rows, m_table->isTagged(place));
 }
 
 void TableTab::flipTags() {
@@ -306,8 +315,10 @@ void TableTab::flipTags() {
         m_runTask({"TAGGING URLS", "", "", ""},
                   [this](TaskMonitor &task) { m_grid->flipSelectedTags(task); });
         countTagged();
+        noteFlipped(m_grid->selectedRowCount());
     } else if (m_model.flipTag(m_grid->currentIndex().row())) {
         countTick(m_table->isTagged(static_cast<std::size_t>(m_grid->currentIndex().row())), true);
+        noteFlipped(1);
     }
     emit currentUrlChanged();
 }

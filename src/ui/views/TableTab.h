@@ -86,6 +86,8 @@ class TableTab final : public QWidget {
     void layoutEdited();
     /// An entry of the `Sort By` menu has taken effect.
     void sortedBy(nv::SortChoice choice);
+    /// Ticks were set or taken: of this row, or of several that were selected with it.
+    void ticked(qint64 urlID, qint64 rows, bool on);
     /// A tick was to be set in a project that is open for reading only.
     void tickingRefused();
     void importRequested();
@@ -106,6 +108,7 @@ class TableTab final : public QWidget {
     void takeHost();
     void announceHost();
     void countTagged();
+    void noteFlipped(qint64 rows);
     void countTick(bool tagged, bool isShown);
 
     RunTask m_runTask;

@@ -1,5 +1,6 @@
 #include "ui/window/ViewersPart.h"
 
+#include "app/jobs/Trail.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "platform/qt/QtText.h"
@@ -96,6 +97,8 @@ void ViewersPart::addNotes() {
              NoteOutcome outcome = storeNote(bench.project(), id, text, bench.program.around.clock,
                                              bench.program.log);
              bench.table->refreshRows(); // its mark comes or goes
+             if (outcome.stored == NoteStored::stored)
+                 noteNote(bench.program, id, text);
              return outcome;
          },
          [&bench](Date date) { return utcProperty(date, dateSettings(bench.program)); },
