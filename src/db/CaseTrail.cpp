@@ -24,10 +24,14 @@ constexpr const char *kFields =
 
 /// Trails of earlier versions have no hashes.
 bool isChained(SQLite::Database &database) {
-    return database
-               .execAndGet("SELECT count(*) FROM pragma_table_info('AuditTrail') WHERE name IN "
-                           "('PreviousHash', 'EntryHash')")
-               .getInt() == 2;
+    // Connections that may only read tables have no pragmas.
+    const SQLite::Statement all(database, "SELECT * FROM AuditTrail LIMIT 0");
+    int found = 0;
+    for (int at = 0; at < all.getColumnCount(); ++at) {
+        const std::string name = all.getColumnName(at);
+        found += name == "PreviousHash" || name == "EntryHash" ? 1 : 0;
+    }
+    return found == 2;
 }
 
 std::string selectionOf(SQLite::Database &database) {

@@ -12,8 +12,9 @@ class Database;
 
 namespace nv {
 
-/// The hash by which an entry stands in the chain: SHA-256 over its fields and the hash of the entry
-/// before it, empty for the first (docs/formats/project-file.md says how they are put together).
+/// The hash by which an entry stands in the chain: SHA-256 over its fields and the hash of the
+/// entry before it, empty for the first (docs/formats/project-file.md says how they are put
+/// together).
 std::string trailHash(const TrailEntry &entry, std::string_view before);
 
 /// What the hashes of a case trail say.

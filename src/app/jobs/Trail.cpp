@@ -1,6 +1,6 @@
 #include "app/jobs/Trail.h"
 
-#include "app/messages/Messages.h"
+#include "app/messages/TrailMessages.h"
 #include "base/Digest.h"
 #include "base/Files.h"
 #include "base/Text.h"

@@ -1,7 +1,7 @@
 #include "ui/window/TrailPart.h"
 
 #include "app/jobs/Trail.h"
-#include "app/messages/Messages.h"
+#include "app/messages/TrailMessages.h"
 #include "ui/window/CaseTrailForm.h"
 
 #include <QAction>
