@@ -10,7 +10,6 @@
 #include <functional>
 #include <memory>
 
-class QComboBox;
 class QLineEdit;
 class QMenu;
 class QStackedWidget;
@@ -20,6 +19,7 @@ namespace nv {
 class EmptyPage;
 class FindBar;
 class LayoutBar;
+class QueryBox;
 
 /// Runs a long piece of work with the window locked and the status window at hand.
 using RunTask =
@@ -48,7 +48,8 @@ class TableTab final : public QWidget {
     void saveLayout(const TableLayout::Write &write);
 
     /// The names that the query selector offers; an empty one is the default query.
-    void setQueries(const QStringList &names);
+    /// Those of `dead`, which can find nothing, are only offered in layout Classic.
+    void setQueries(const QStringList &names, const QStringList &dead = {});
     /// Chooses a query, loads its rows.
     void chooseQuery(const QString &name);
     /// Shows that the rows are those of this query, without loading them.
@@ -125,7 +126,7 @@ class TableTab final : public QWidget {
     FindBar *m_find = nullptr;
     LayoutBar *m_layouts = nullptr;
     std::optional<ColumnSort> m_sort; ///< the examiner's, whatever query is shown
-    QComboBox *m_queries = nullptr;
+    QueryBox *m_queries = nullptr;
     QLineEdit *m_host = nullptr;
     QString m_knownHost; ///< as it was set or told last
 };
