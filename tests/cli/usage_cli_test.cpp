@@ -44,7 +44,8 @@ TEST_F(UsageCliTest, aWordThatAnOptionDoesNotTakeIsRefusedWithThoseItTakes) {
     EXPECT_THAT(run({"hosts", "a.nvp", "--format", "xml"}).err,
                 HasSubstr("--format: \"xml\" is none of table, csv, tsv and jsonl\n"));
     EXPECT_THAT(run({"export", "a.nvp", "x", "--format", "xml"}).err,
-                HasSubstr("\"xml\" is none of delimited, csv, jsonl, xlsx and warc\n"));
+                HasSubstr("\"xml\" is none of delimited, csv, jsonl, xlsx, warc, timesketch, "
+                          "timesketch-csv, body, l2tcsv and kml\n"));
     EXPECT_THAT(run({"report", "a.nvp", "--type", "long", "--out", "x"}).err,
                 HasSubstr("\"long\" is none of graphical and tabular\n"));
     EXPECT_THAT(run({"import", "a.nvp", "x", "--format", "csv"}).err,

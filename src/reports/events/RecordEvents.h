@@ -26,8 +26,8 @@ struct RecordEvent {
 std::span<const UrlColumn> eventColumns();
 inline constexpr std::size_t kLaterEventColumns = 3;
 
-/// All dates of a record, by its columns and facts; no two have the same time and meaning. The dates
-/// of the program's own doing (import, rebuild, notes) aren't among them. Empty without a date.
+/// All dates of a record, by its columns and facts; no two have the same time and meaning. The
+/// dates of the program's own doing (import, rebuild, notes) aren't among them.
 std::vector<RecordEvent> eventsOf(ExportCells &cells, std::size_t place, const FactList &facts);
 
 /// What the record is, in a line: kind, action, address, title.
