@@ -37,6 +37,7 @@ Command linksCommand();
 Command noteCommand();
 Command hexCommand();
 Command exifCommand();
+Command explainCommand();
 Command textCommand();
 Command hostsCommand();
 Command reportCommand();
