@@ -40,6 +40,7 @@ Command linksCommand();
 Command noteCommand();
 Command hexCommand();
 Command exifCommand();
+Command explainCommand();
 Command textCommand();
 Command hostsCommand();
 Command reportCommand();

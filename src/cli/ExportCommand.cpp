@@ -13,7 +13,7 @@
 #include "cli/SharedArguments.h"
 #include "reports/ExportRows.h"
 
-#include <fmt/ranges.h>
+#include <fmt/format.h>
 
 #include <optional>
 
@@ -31,12 +31,16 @@ struct Arguments {
     std::vector<std::string> columns;   ///< keys; empty for all
     RowsAsked rows;
     std::string tag; ///< the name of one; empty for all rows
+    FieldNames names = FieldNames::people;
     bool tagged = false;
     bool guardFormulas = false;
     bool overwrite = false;
 };
 
 ExportFormat formatOf(const Arguments &arguments) {
+    if (arguments.format == ExportFormat::timesketch &&
+        formatOfName(arguments.file) == ExportFormat::csv)
+        return ExportFormat::timesketchCsv;
     if (arguments.format)
         return *arguments.format;
     return formatOfName(arguments.file).value_or(ExportFormat::delimited);
@@ -61,14 +65,12 @@ std::string delimiterOf(const std::string &word) {
 SelectedColumns columnsOf(const std::vector<std::string> &keys) {
     std::string text;
     for (const std::string &key : keys) {
-        const auto column = columnOfKey(key);
-        if (column)
-            text += fmt::format("{}|{};", factsOf(*column).header, factsOf(*column).key);
-        else if (equalsNoCase(key, kIndexColumn))
+        if (equalsNoCase(key, kIndexColumn)) {
             text += "Index|Index;";
-        else
-            throw UsageError(fmt::format("there is no column \"{}\": Index, {} were expected", key,
-                                         fmt::join(columnKeys(), ", ")));
+            continue;
+        }
+        const UrlColumnFacts &facts = factsOf(columnAsked(key));
+        text += fmt::format("{}|{};", facts.header, facts.key);
     }
     return columnsFromString(text);
 }
@@ -76,13 +78,15 @@ SelectedColumns columnsOf(const std::vector<std::string> &keys) {
 Export jobOf(const Arguments &arguments) {
     Export job;
     job.format = formatOf(arguments);
+    job.names = arguments.names;
     job.delimiter = delimiterOf(arguments.delimiter);
     job.exportAllRows = !arguments.tagged;
     job.exportAllColumns = arguments.columns.empty();
     job.selectedColumns = columnsOf(arguments.columns);
     job.guardFormulas = arguments.guardFormulas;
-    if (!factsOf(job.format).hasColumns && !arguments.columns.empty())
-        throw UsageError("--columns: a web archive holds contents, and no cells of the table");
+    if (factsOf(job.format).content != ExportContent::cells && !arguments.columns.empty())
+        throw UsageError(
+            fmt::format("--columns: {} has no columns of the table", factsOf(job.format).word));
     return job;
 }
 
@@ -163,24 +167,30 @@ Command exportCommand() {
     return {
         .name = "export",
         .what = "Write the rows of the table to a file for other programs",
-        .readme = {"`export PROJECT FILE`", "writes rows as csv, jsonl, xlsx or delimited text, "
-                                            "and cached contents as a web archive (WARC)"},
+        .readme = {"`export PROJECT FILE`",
+                   "writes rows as csv, jsonl, xlsx or delimited text, events for "
+                   "Timesketch, mactime and log2timeline, places as KML, and "
+                   "cached contents as a web archive (WARC)"},
         .examples = {{"export case.nvp rows.xlsx", "the form follows from the name"},
                      {"export case.nvp - --format csv | less", "to the standard output"},
+                     {"export case.nvp events.jsonl --format timesketch", "every date as an event"},
                      {"export case.nvp cache.warc.gz --tagged",
                       "cached contents of rows with the tick, as a web archive"}},
         .arguments =
             {projectWord(given->project),
              value("FILE", given->file, "The file to write; - is the standard output").required(),
-             choice<ExportFormat>("--format", given->format, formatChoices(),
-                                  "delimited, csv, jsonl, xlsx or warc, which holds the cached "
-                                  "contents (default: by the extension of FILE)"),
+             choice<ExportFormat>(
+                 "--format", given->format, formatChoices(),
+                 "delimited, csv, jsonl, xlsx, warc (cached contents), timesketch, "
+                 "timesketch-csv, body, l2tcsv (events) or kml (default: by the "
+                 "extension of FILE)"),
              value("--delimiter", given->delimiter, "Of delimited: | , ; or tab").showingDefault(),
              value("--columns", given->columns,
-                   "Index or column keys, separated by commas (default: all)")
+                   "Index or columns, separated by commas (default: all)")
                  .separatedByCommas(),
              queryOption(given->rows), hostOption(given->rows), filterOption(given->rows),
-             flag("--tagged", given->tagged, "Only rows with the tick"), tagOption(given->tag),
+             namesOption(given->names), flag("--tagged", given->tagged, "Only rows with the tick"),
+             tagOption(given->tag),
              flag("--guard-formulas", given->guardFormulas,
                   "Of csv: an apostrophe before texts that a spreadsheet takes for a formula"),
              flag("--overwrite", given->overwrite, "Replace FILE when it is there")},

@@ -1,4 +1,5 @@
 #include "app/jobs/SearchJob.h"
+#include "app/jobs/Trail.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
@@ -59,11 +60,15 @@ void writeHits(Session &session, const Arguments &arguments, const KeywordList &
     writer->finish();
 }
 
-void tell(Session &session, const KeywordList &list, const KeywordFound &found) {
+std::string foundText(const KeywordList &list, const KeywordFound &found) {
     const auto met = std::ranges::count_if(found.rows, [](std::int64_t rows) { return rows > 0; });
-    session.err << fmt::format("{} of {} found in {} of {}\n", met,
-                               counted(list.terms.size(), "term"), found.rowsFound,
-                               counted(static_cast<std::uint64_t>(found.rowsLooked), "row"));
+    return fmt::format("{} of {} found in {} of {}", met, counted(list.terms.size(), "term"),
+                       found.rowsFound,
+                       counted(static_cast<std::uint64_t>(found.rowsLooked), "row"));
+}
+
+void tell(Session &session, const KeywordList &list, const KeywordFound &found) {
+    session.err << foundText(list, found) << '\n';
     if (list.repeated > 0)
         session.err << fmt::format("{} of the list say what another says\n",
                                    counted(list.repeated, "line"));
@@ -76,7 +81,11 @@ void tell(Session &session, const KeywordList &list, const KeywordFound &found) 
 Exit run(Session &session, const Arguments &arguments) {
     const auto asked = listAsked(session, arguments.file,
                                  arguments.words ? PlainTerms::wholeWords : PlainTerms::anywhere);
-    session.open(arguments.project, arguments.keep ? Access::write : Access::read);
+    bool notes = false;
+    if (arguments.keep)
+        session.open(arguments.project);
+    else
+        notes = session.openForNote(arguments.project);
     if (arguments.keep)
         checkResultName(session, *arguments.keep);
     Program &program = session.program;
@@ -93,6 +102,8 @@ Exit run(Session &session, const Arguments &arguments) {
     Exit exit = tellUnsearched(session, found.unread, found.outside);
     if (found.isCancelled || interrupted)
         exit = Exit::interrupted;
+    if (notes && exit != Exit::interrupted)
+        noteKeywords(program, arguments.file, foundText(asked->list, found), found.rowsFound);
     if (arguments.keep && exit != Exit::interrupted) {
         keepKeywords(program, *arguments.keep, {arguments.file, asked->list}, found);
         session.err << fmt::format("kept as \"{}\"\n", printable(*arguments.keep));

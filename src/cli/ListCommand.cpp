@@ -7,8 +7,6 @@
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 
-#include <fmt/ranges.h>
-
 #include <algorithm>
 
 namespace nv::cli {
@@ -21,6 +19,7 @@ struct Arguments {
     std::string tag; ///< the name of one; empty for all rows
     std::vector<std::string> columns;
     Format format = Format::table;
+    FieldNames names = FieldNames::people;
     /// Dates of csv and jsonl as the window has them, not ISO 8601. Tables always have them so.
     bool datesAsShown = false;
 };
@@ -49,22 +48,21 @@ std::vector<UrlColumn> chosenColumns(const Arguments &arguments) {
         return usual;
     }
     std::vector<UrlColumn> columns;
-    for (const std::string &key : arguments.columns) {
-        const auto column = columnOfKey(key);
-        if (!column)
-            throw UsageError(fmt::format("there is no column \"{}\": {} were expected", key,
-                                         fmt::join(columnKeys(), ", ")));
-        columns.push_back(*column);
-    }
+    columns.reserve(arguments.columns.size());
+    for (const std::string &name : arguments.columns)
+        columns.push_back(columnAsked(name));
     return columns;
 }
 
-std::vector<std::string> headingsOf(const std::vector<UrlColumn> &columns, Format format) {
+std::vector<std::string> headingsOf(const std::vector<UrlColumn> &columns,
+                                    const Arguments &arguments) {
     std::vector<std::string> headings;
+    headings.reserve(columns.size());
     for (const UrlColumn column : columns) {
-        const UrlColumnFacts &facts = factsOf(column);
-        headings.emplace_back(format == Format::table && !facts.header.empty() ? facts.header
-                                                                               : facts.key);
+        const std::string_view header = factsOf(column).header;
+        headings.push_back(arguments.format == Format::table && !header.empty()
+                               ? std::string(header)
+                               : fieldName(column, arguments.names));
     }
     return headings;
 }
@@ -97,7 +95,7 @@ Exit run(Session &session, const Arguments &arguments) {
         limitToTag(session, arguments.tag, table);
         loaded = loadTable(session, choiceOf(arguments.rows), table);
         const auto writer =
-            makeRowWriter(arguments.format, session.out, headingsOf(columns, arguments.format));
+            makeRowWriter(arguments.format, session.out, headingsOf(columns, arguments));
         writeRows(arguments, columns, table, *writer);
         read = tellUnread(session, table.unread());
     }
@@ -121,11 +119,11 @@ Command listCommand() {
                           "all rows and columns for a spreadsheet"}},
             .arguments = {projectWord(given->project), queryOption(given->rows),
                           hostOption(given->rows), filterOption(given->rows), tagOption(given->tag),
-                          value("--columns", given->columns, "Column keys, separated by commas")
+                          value("--columns", given->columns, "Columns, separated by commas")
                               .separatedByCommas(),
                           flag("--dates-as-shown", given->datesAsShown,
                                "Dates of csv and jsonl as the window shows them, not ISO 8601"),
-                          formatOption(given->format)},
+                          formatOption(given->format), namesOption(given->names)},
             .run = [given](Session &session) { return run(session, *given); }};
 }
 

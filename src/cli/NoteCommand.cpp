@@ -1,3 +1,4 @@
+#include "app/jobs/Trail.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
@@ -39,6 +40,8 @@ Exit run(Session &session, const Arguments &arguments) {
             storeNote(project, url, arguments.text.value_or(""), program.around.clock, program.log);
         if (outcome.stored == NoteStored::failed)
             throw StorageFailure(outcome.failure);
+        if (outcome.stored == NoteStored::stored)
+            noteNote(program, url, arguments.text.value_or(""));
     } else if (const auto note = readNote(project, url)) {
         if (!note->notes.empty())
             session.out << printableLines(note->notes) << '\n';

@@ -46,6 +46,7 @@ struct Arguments {
     std::optional<bool> dataSource;
     std::optional<bool> user;
     std::optional<bool> trail;
+    std::optional<bool> origins;
     bool noHeader = false;
     bool noScripts = false; ///< changes nothing; scripts of earlier days say it
     bool wideIds = false;
@@ -114,6 +115,7 @@ void setOptions(ReportWriter &report, const Arguments &arguments) {
     take(arguments.dataSource, report.includeDataSource);
     take(arguments.user, report.includeUser);
     take(arguments.trail, report.includeCaseTrail);
+    take(arguments.origins, report.includeOrigins);
     report.skipHeader = arguments.noHeader;
     report.sortAscending = !arguments.descending;
     report.urlColWidth = arguments.urlWidth;
@@ -218,6 +220,8 @@ Command reportCommand() {
                       "Column of a tabular report"),
                  flag("--user,!--no-user", given->user, "Column of a tabular report"),
                  flag("--trail,!--no-trail", given->trail, "What was done with the case"),
+                 flag("--origins,!--no-origins", given->origins,
+                      "Where the values of rows with the tick come from"),
                  value("--url-width", given->urlWidth, "Width of the URL column in pixels").from1(),
                  flag("--no-scripts", given->noScripts,
                       "Changes nothing: no script leaves with a page"),

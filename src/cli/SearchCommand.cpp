@@ -1,4 +1,5 @@
 #include "app/jobs/SearchJob.h"
+#include "app/jobs/Trail.h"
 #include "app/project/Project.h"
 #include "base/Text.h"
 #include "cli/Commands.h"
@@ -71,7 +72,11 @@ Exit tell(Session &session, const Arguments &arguments, const SearchFound &found
 Exit run(Session &session, const Arguments &arguments) {
     const SearchScope scope = arguments.values ? SearchScope::values : SearchScope::all;
     RowMatch match = searchAsked(session, arguments.text, scope);
-    session.open(arguments.project, arguments.keep ? Access::write : Access::read);
+    bool notes = false;
+    if (arguments.keep)
+        session.open(arguments.project);
+    else
+        notes = session.openForNote(arguments.project);
     if (arguments.keep)
         checkResultName(session, *arguments.keep);
     const SearchFound found =
@@ -84,6 +89,8 @@ Exit run(Session &session, const Arguments &arguments) {
     else
         writeCounts(session, arguments, found.counts);
     const Exit exit = tell(session, arguments, found);
+    if (notes && exit != Exit::interrupted)
+        noteSearch(session.program, arguments.text, static_cast<std::int64_t>(found.ids.size()));
     if (arguments.keep && exit != Exit::interrupted) {
         keepSearch(session.program, *arguments.keep, arguments.text, found.ids);
         session.err << fmt::format("kept as \"{}\"\n", printable(*arguments.keep));

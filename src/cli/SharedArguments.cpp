@@ -1,5 +1,9 @@
 #include "cli/SharedArguments.h"
 
+#include "cli/UsageError.h"
+
+#include <fmt/ranges.h>
+
 namespace nv::cli {
 
 Argument projectWord(std::string &project) {
@@ -17,6 +21,21 @@ Argument formatOption(Format &format) {
                            {"tsv", Format::tsv},
                            {"jsonl", Format::jsonl}},
                           "table, csv, tsv or jsonl");
+}
+
+Argument namesOption(FieldNames &names) {
+    return choice<FieldNames>("--names", names,
+                              {{"people", FieldNames::people}, {"classic", FieldNames::classic}},
+                              "Fields of csv and jsonl: people (url, title, visit_count) or "
+                              "classic (COL_URL_VALUE)");
+}
+
+UrlColumn columnAsked(std::string_view name) {
+    const auto column = columnOfName(name);
+    if (!column)
+        throw UsageError(fmt::format("there is no column \"{}\": {} were expected", name,
+                                     fmt::join(fieldNames(), ", ")));
+    return *column;
 }
 
 Argument wideIdsFlag(bool &wideIds) {

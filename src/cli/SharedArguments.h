@@ -2,6 +2,7 @@
 
 #include "cli/Argument.h"
 #include "cli/RowWriter.h"
+#include "views/FieldNames.h"
 
 namespace nv::cli {
 
@@ -10,6 +11,10 @@ namespace nv::cli {
 Argument projectWord(std::string &project);
 Argument rowWord(std::int64_t &urlId);
 Argument formatOption(Format &format);
+/// How csv, tsv and jsonl call columns of the table.
+Argument namesOption(FieldNames &names);
+/// Column by either name; throws UsageError that lists them.
+UrlColumn columnAsked(std::string_view name);
 Argument wideIdsFlag(bool &wideIds);
 
 /// Which rows of the table a command is about.

@@ -1,4 +1,5 @@
 #include "app/jobs/TagJob.h"
+#include "app/jobs/Trail.h"
 #include "app/project/Project.h"
 #include "base/Text.h"
 #include "base/Trap.h"
@@ -16,10 +17,11 @@
 #include "views/Tagging.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
-#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <optional>
+#include <span>
 
 namespace nv::cli {
 
@@ -142,6 +144,11 @@ bool setTicks(Session &session, const Arguments &arguments, const RowIds &ids) {
     const bool done = setTagged(program.state.projectDB.connection(), program.log, ids,
                                 !arguments.off, session.task);
     session.task.clear();
+    if (done)
+        noteMarking(program,
+                    {.isSet = !arguments.off,
+                     .rows = static_cast<std::int64_t>(ids.size()),
+                     .which = arguments.where.empty() ? idsInWords(ids) : arguments.where});
     session.out << fmt::format("{} {}\n", counted(done ? ids.size() : 0, "row"),
                                arguments.off ? "untagged" : "tagged");
     return done;

@@ -21,11 +21,11 @@ Exit run(Session &session, const Arguments &arguments) {
     const auto writer =
         makeRowWriter(arguments.format, session.out,
                       {"Trail_ID", "ActionDateUTC", "Action", "Detail", "RowCount", "FilePath",
-                       "FileSize", "MD5Hash", "SHA256Hash", "AppVersion"});
+                       "FileSize", "MD5Hash", "SHA256Hash", "AppVersion", "EntryHash"});
     for (const TrailEntry &entry : CaseTrail(*database).entries())
         writer->row({entry.trailID, isoUtc(entry.actionDateUTC), entry.action, entry.detail,
                      entry.rowCount, entry.filePath, entry.fileSize, entry.md5Hash,
-                     entry.sha256Hash, entry.appVersion});
+                     entry.sha256Hash, entry.appVersion, entry.entryHash});
     writer->finish();
     return Exit::ok;
 }

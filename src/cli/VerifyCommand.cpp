@@ -32,24 +32,28 @@ Exit run(Session &session, const Arguments &arguments) {
     session.task.clear();
     write(session, check, arguments.format);
     session.err << summaryText(check) << '\n';
+    const TrailChain chain = checkTrail(program.state.projectDB.connection());
+    session.err << chainText(chain) << '\n';
     if (notes)
-        noteVerify(program, check);
+        noteVerify(program, check, chain);
     if (check.cancelled)
         return Exit::interrupted;
-    return check.allSame() ? Exit::ok : Exit::damagedEvidence;
+    return check.allSame() && chain.isWhole() ? Exit::ok : Exit::damagedEvidence;
 }
 
 } // namespace
 
 Command verifyCommand() {
     const auto given = std::make_shared<Arguments>();
-    return {.name = "verify",
-            .what = "Hash the imported files again and tell which have changed or are gone",
-            .readme = {"`verify PROJECT`", "hashes the imported files again"},
-            .examples = {{"verify case.nvp", "exit code 2 when a file has changed or is gone"},
-                         {"verify case.nvp --format csv > hashes.csv", ""}},
-            .arguments = {projectWord(given->project), formatOption(given->format)},
-            .run = [given](Session &session) { return run(session, *given); }};
+    return {
+        .name = "verify",
+        .what = "Hash the imported files again, and tell whether the case trail is whole",
+        .readme = {"`verify PROJECT`", "hashes the imported files again and checks the case trail"},
+        .examples = {{"verify case.nvp",
+                      "exit code 2 when a file has changed or is gone, or the trail is broken"},
+                     {"verify case.nvp --format csv > hashes.csv", ""}},
+        .arguments = {projectWord(given->project), formatOption(given->format)},
+        .run = [given](Session &session) { return run(session, *given); }};
 }
 
 } // namespace nv::cli

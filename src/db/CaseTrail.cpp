@@ -1,10 +1,13 @@
 #include "db/CaseTrail.h"
 
+#include "db/Savepoint.h"
 #include "db/SchemaCatalogue.h"
 #include "db/SqliteErrors.h"
+#include "db/TrailChain.h"
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
+#include <fmt/format.h>
 
 namespace nv {
 
@@ -12,47 +15,101 @@ namespace {
 
 constexpr const char *kInsert =
     "INSERT INTO AuditTrail (ActionDateUTC, Action, Detail, FilePath, FileSize, MD5Hash, "
-    "SHA256Hash, RowCount, AppVersion) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)";
+    "SHA256Hash, RowCount, AppVersion, PreviousHash, EntryHash) "
+    "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
 
-constexpr const char *kSelect =
-    "SELECT Trail_ID, ActionDateUTC, Action, Detail, FilePath, FileSize, MD5Hash, SHA256Hash, "
-    "RowCount, AppVersion FROM AuditTrail ORDER BY Trail_ID";
+constexpr const char *kFields =
+    "Trail_ID, ActionDateUTC, Action, Detail, FilePath, FileSize, MD5Hash, SHA256Hash, "
+    "RowCount, AppVersion";
+
+/// Trails of earlier versions have no hashes.
+bool isChained(SQLite::Database &database) {
+    // Connections that may only read tables have no pragmas.
+    const SQLite::Statement all(database, "SELECT * FROM AuditTrail LIMIT 0");
+    int found = 0;
+    for (int at = 0; at < all.getColumnCount(); ++at) {
+        const std::string name = all.getColumnName(at);
+        found += name == "PreviousHash" || name == "EntryHash" ? 1 : 0;
+    }
+    return found == 2;
+}
+
+std::string selectionOf(SQLite::Database &database) {
+    return fmt::format("SELECT {}, {} FROM AuditTrail ORDER BY Trail_ID", kFields,
+                       isChained(database) ? "PreviousHash, EntryHash" : "'', ''");
+}
 
 TrailEntry entryOf(SQLite::Statement &row) {
-    return {row.getColumn(0).getInt64(),  Date::fromDays(row.getColumn(1).getDouble()),
-            row.getColumn(2).getString(), row.getColumn(3).getString(),
-            row.getColumn(4).getString(), row.getColumn(5).getInt64(),
-            row.getColumn(6).getString(), row.getColumn(7).getString(),
-            row.getColumn(8).getInt64(),  row.getColumn(9).getString()};
+    const SQLite::Column date = row.getColumn(1);
+    return {
+        row.getColumn(0).getInt64(),   date.isNull() ? Date() : Date::fromDays(date.getDouble()),
+        row.getColumn(2).getString(),  row.getColumn(3).getString(),
+        row.getColumn(4).getString(),  row.getColumn(5).getInt64(),
+        row.getColumn(6).getString(),  row.getColumn(7).getString(),
+        row.getColumn(8).getInt64(),   row.getColumn(9).getString(),
+        row.getColumn(10).getString(), row.getColumn(11).getString()};
+}
+
+void insertEntry(SQLite::Database &database, const TrailEntry &entry) {
+    SQLite::Statement insert(database, kInsert);
+    if (entry.actionDateUTC.has())
+        insert.bind(1, entry.actionDateUTC.days());
+    insert.bind(2, entry.action);
+    insert.bind(3, entry.detail);
+    insert.bind(4, entry.filePath);
+    insert.bind(5, entry.fileSize);
+    insert.bind(6, entry.md5Hash);
+    insert.bind(7, entry.sha256Hash);
+    insert.bind(8, entry.rowCount);
+    insert.bind(9, entry.appVersion);
+    insert.bind(10, entry.previousHash);
+    insert.bind(11, entry.entryHash);
+    insert.exec();
 }
 
 } // namespace
 
 void CaseTrail::add(const TrailEntry &entry) {
     onProject(m_database, [&] {
-        SchemaCatalogue(m_database).addOnFirstUse(kCaseTrailTable);
-        SQLite::Statement insert(m_database, kInsert);
-        insert.bind(1, entry.actionDateUTC.days());
-        insert.bind(2, entry.action);
-        insert.bind(3, entry.detail);
-        insert.bind(4, entry.filePath);
-        insert.bind(5, entry.fileSize);
-        insert.bind(6, entry.md5Hash);
-        insert.bind(7, entry.sha256Hash);
-        insert.bind(8, entry.rowCount);
-        insert.bind(9, entry.appVersion);
-        insert.exec();
+        Savepoint together(m_database);
+        SchemaCatalogue catalogue(m_database);
+        catalogue.addOnFirstUse(kCaseTrailTable);
+        catalogue.addLaterColumns(kCaseTrailTable);
+        // Takes the right to write before the last entry is read: another program's entry in
+        // between would be one that both follow.
+        m_database.exec("UPDATE AuditTrail SET RowCount = 0 WHERE 0");
+        TrailEntry chained = entry;
+        chained.previousHash = lastHash();
+        chained.entryHash = trailHash(chained, chained.previousHash);
+        insertEntry(m_database, chained);
+        together.release();
     });
+}
+
+/// Those of earlier versions are chained in their order when the first one follows them.
+std::string CaseTrail::lastHash() const {
+    SQLite::Statement last(m_database,
+                           "SELECT EntryHash FROM AuditTrail ORDER BY Trail_ID DESC LIMIT 1");
+    if (!last.executeStep())
+        return {};
+    std::string hash = last.getColumn(0).getString();
+    if (hash.empty())
+        forEach([&hash](const TrailEntry &entry) { hash = trailHash(entry, hash); });
+    return hash;
 }
 
 std::vector<TrailEntry> CaseTrail::entries() const {
     std::vector<TrailEntry> all;
-    if (!m_database.tableExists(kCaseTrailTable))
-        return all;
-    SQLite::Statement row(m_database, kSelect);
-    while (row.executeStep())
-        all.push_back(entryOf(row));
+    forEach([&all](const TrailEntry &entry) { all.push_back(entry); });
     return all;
+}
+
+void CaseTrail::forEach(const std::function<void(const TrailEntry &)> &take) const {
+    if (!m_database.tableExists(kCaseTrailTable))
+        return;
+    SQLite::Statement row(m_database, selectionOf(m_database));
+    while (row.executeStep())
+        take(entryOf(row));
 }
 
 } // namespace nv

@@ -3,6 +3,7 @@
 #include "time/Date.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ struct TrailEntry {
     std::string sha256Hash;
     std::int64_t rowCount = 0;
     std::string appVersion;
+    std::string previousHash; ///< of the entry before; both are filled in when it is added, and
+    std::string entryHash;    ///< empty in entries of earlier versions: see TrailChain
 };
 
 /// The case trail: what was done with a project, when, on which file and by which version. Entries
@@ -35,12 +38,15 @@ class CaseTrail {
   public:
     explicit CaseTrail(SQLite::Database &database) : m_database(database) {}
 
-    /// All but the key, which the database gives.
+    /// All but the key, which the database gives, and the hashes, which chain it to the one before.
     void add(const TrailEntry &entry);
     /// In order of the doing.
     std::vector<TrailEntry> entries() const;
+    void forEach(const std::function<void(const TrailEntry &)> &take) const;
 
   private:
+    std::string lastHash() const;
+
     SQLite::Database &m_database;
 };
 

@@ -82,6 +82,10 @@ std::string createStatement(const Table &table) {
     return fmt::format("CREATE TABLE \"{}\" (\n{}\n)", table.name, lines);
 }
 
+std::string columnDefinition(const Column &column) {
+    return definition({}, column);
+}
+
 std::string createStatement(const Index &index) {
     return fmt::format("CREATE INDEX \"{}\" ON \"{}\" (\"{}\")", index.name, index.table,
                        index.column);

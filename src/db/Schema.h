@@ -64,5 +64,7 @@ std::string validationText(const Column &column, int order);
 /// CREATE TABLE with the names of the table; relationships that end in it are its foreign keys.
 std::string createStatement(const Table &table);
 std::string createStatement(const Index &index);
+/// Of a column that is no key, as CREATE TABLE and ADD COLUMN take it.
+std::string columnDefinition(const Column &column);
 
 } // namespace nv::schema

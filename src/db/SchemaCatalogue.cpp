@@ -42,20 +42,43 @@ void SchemaCatalogue::addOnFirstUse(std::string_view table) {
             add(known);
 }
 
-void SchemaCatalogue::noteColumns(const schema::Table &table) {
-    SQLite::Statement insert(m_database,
-                             "INSERT INTO SchemaColumns VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
-    int ordinal = 0;
-    for (const schema::Column &column : table.columns) {
-        SQLite::bind(insert, std::string(table.name), std::string(column.name), ordinal,
-                     std::string(schema::typeName(column.type)), column.size,
-                     std::string(column.label), std::string(column.description),
-                     column.isKey ? "Autoincrement=true" : "",
-                     schema::validationText(column, ordinal));
-        insert.exec();
-        insert.reset();
-        ++ordinal;
+bool SchemaCatalogue::hasColumn(std::string_view table, std::string_view column) {
+    SQLite::Statement names(m_database,
+                            "SELECT 1 FROM pragma_table_info(?) WHERE name = ? COLLATE NOCASE");
+    SQLite::bind(names, std::string(table), std::string(column));
+    return names.executeStep();
+}
+
+void SchemaCatalogue::addLaterColumns(std::string_view table) {
+    for (const schema::Table &known : schema::tablesOfFirstUse()) {
+        if (known.name != table || !hasColumn(table, known.columns.front().name))
+            continue;
+        for (std::size_t at = 0; at < known.columns.size(); ++at) {
+            const schema::Column &column = known.columns[at];
+            if (hasColumn(table, column.name))
+                continue;
+            m_database.exec("ALTER TABLE " + std::string(table) + " ADD COLUMN " +
+                            schema::columnDefinition(column));
+            noteColumn(known, at);
+        }
     }
+}
+
+void SchemaCatalogue::noteColumns(const schema::Table &table) {
+    for (std::size_t at = 0; at < table.columns.size(); ++at)
+        noteColumn(table, at);
+}
+
+void SchemaCatalogue::noteColumn(const schema::Table &table, std::size_t ordinal) {
+    SQLite::Statement insert(
+        m_database, "INSERT OR REPLACE INTO SchemaColumns VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    const schema::Column &column = table.columns[ordinal];
+    const int place = static_cast<int>(ordinal);
+    SQLite::bind(insert, std::string(table.name), std::string(column.name), place,
+                 std::string(schema::typeName(column.type)), column.size, std::string(column.label),
+                 std::string(column.description), column.isKey ? "Autoincrement=true" : "",
+                 schema::validationText(column, place));
+    insert.exec();
 }
 
 void SchemaCatalogue::noteIndex(const schema::Index &index, bool isPrimaryKey) {

@@ -21,10 +21,15 @@ class SchemaCatalogue {
     void add(const schema::Table &table);
     /// One of schema::tablesOfFirstUse(), where the project has none yet.
     void addOnFirstUse(std::string_view table);
+    /// Columns that such a table got after the project made it, at its end. One that only bears the
+    /// name of the table stays as it is.
+    void addLaterColumns(std::string_view table);
     void noteRelationships();
 
   private:
     void noteColumns(const schema::Table &table);
+    void noteColumn(const schema::Table &table, std::size_t ordinal);
+    bool hasColumn(std::string_view table, std::string_view column);
     void noteIndex(const schema::Index &index, bool isPrimaryKey);
 
     SQLite::Database &m_database;

@@ -116,6 +116,8 @@ constexpr Column kAuditTrail[] = {
     {"SHA256Hash", Text, 64, false, "SHA-256 Hash", "Of that file"},
     {"RowCount", Long, 0, false, "Rows", "Records that it was about"},
     {"AppVersion", Text, 20, false, "Version", "Of the program that did it"},
+    {"PreviousHash", Text, 64, false, "Hash Before", "(64) SHA-256 of the entry before"},
+    {"EntryHash", Text, 64, false, "Hash", "(64) SHA-256 of this entry and the hash before"},
 };
 
 constexpr std::string_view kTrailStaysAsWritten =

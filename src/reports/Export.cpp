@@ -71,12 +71,22 @@ SelectedColumns columnsFromString(std::string_view columnsAsString) {
 
 namespace {
 
-constexpr std::array<ExportFormatFacts, 5> kFormats = {{
+constexpr std::array<ExportFormatFacts, 10> kFormats = {{
     {ExportFormat::delimited, "delimited", "txt", "Delimited text, Windows-1252, as shown"},
     {ExportFormat::csv, "csv", "csv", "CSV, UTF-8, quoted"},
-    {ExportFormat::jsonl, "jsonl", "jsonl", "JSON lines, an event a line (Timesketch)"},
+    {ExportFormat::jsonl, "jsonl", "jsonl", "JSON lines, a row a line"},
     {ExportFormat::xlsx, "xlsx", "xlsx", "Spreadsheet (XLSX)"},
-    {ExportFormat::warc, "warc", "warc.gz", "Web archive of the cached contents (WARC 1.1)", false},
+    {ExportFormat::warc, "warc", "warc.gz", "Web archive of the cached contents (WARC 1.1)",
+     ExportContent::contents},
+    {ExportFormat::timesketch, "timesketch", "jsonl", "Timesketch, JSON lines, a line an event",
+     ExportContent::events},
+    {ExportFormat::timesketchCsv, "timesketch-csv", "csv", "Timesketch, CSV, a line an event",
+     ExportContent::events},
+    {ExportFormat::body, "body", "body", "Body file for mactime, a line an event",
+     ExportContent::events},
+    {ExportFormat::l2tcsv, "l2tcsv", "csv", "CSV of log2timeline, a line an event",
+     ExportContent::events},
+    {ExportFormat::kml, "kml", "kml", "Places on a map (KML)", ExportContent::places},
 }};
 static_assert([] {
     for (std::size_t at = 0; at < kFormats.size(); ++at)

@@ -3,6 +3,7 @@
 #include "reports/ExportFile.h"
 #include "reports/ExportedRow.h"
 #include "reports/warc/WarcSource.h"
+#include "views/FieldNames.h"
 #include "views/UnreadRows.h"
 #include "views/UrlColumns.h"
 
@@ -21,7 +22,20 @@ enum class ExportFormat {
     csv,       ///< RFC 4180 in UTF-8
     jsonl,     ///< an event a line, as timeline tools read them
     xlsx,
-    warc, ///< cached contents with their answers' heads, as archives of the web have them
+    warc,          ///< cached contents with their answers' heads, as archives of the web have them
+    timesketch,    ///< an event a line for the timeline program of that name, as JSON lines
+    timesketchCsv, ///< the same as CSV
+    body,          ///< the body file of mactime, version 3
+    l2tcsv,        ///< the CSV of log2timeline, version 2
+    kml,           ///< places on a map
+};
+
+/// What a form's file is made of.
+enum class ExportContent {
+    cells,    ///< of the table, in the chosen columns
+    contents, ///< cached ones
+    events,   ///< a line a date of a record
+    places,   ///< positions that records name
 };
 
 /// What is known of a form.
@@ -30,7 +44,7 @@ struct ExportFormatFacts {
     std::string_view word;      ///< of the command line
     std::string_view extension; ///< without the first point
     std::string_view label;     ///< in the list of the window
-    bool hasColumns = true;     ///< it holds cells of the table
+    ExportContent content = ExportContent::cells;
 };
 /// All of them, by the numbers of ExportFormat.
 std::span<const ExportFormatFacts> exportFormats();
@@ -47,9 +61,13 @@ struct ExportCounts {
     std::int64_t cellsCut = 0;       ///< longer than a spreadsheet's cell may be
     std::int64_t cellsGuarded = 0;   ///< got an apostrophe in front
     std::int64_t rowsWithoutDate = 0;
-    std::int64_t sheets = 0; ///< of a spreadsheet
-    UnreadRows unread;       ///< rows that stand in the file with their id only, or not at all
-    WarcCounts archived;     ///< of an archive
+    std::int64_t events = 0;         ///< that are in the file
+    std::int64_t signsReplaced = 0;  ///< that part fields, where a form has no quotes
+    std::int64_t eventsTooEarly = 0; ///< before 1970, where a form can't say so
+    std::int64_t rowsWithPlace = 0;  ///< of those whose places are in the file
+    std::int64_t sheets = 0;         ///< of a spreadsheet
+    UnreadRows unread;   ///< rows that stand in the file with their id only, or not at all
+    WarcCounts archived; ///< of an archive
 };
 
 /// The choices of one export, and its text on the way to the file.
@@ -69,6 +87,8 @@ class Export {
     std::filesystem::path outputFilePath;
 
     ExportFormat format = ExportFormat::delimited;
+    /// Of csv and jsonl.
+    FieldNames names = FieldNames::people;
     /// Of csv: texts that a spreadsheet would take for a formula get an apostrophe in front.
     bool guardFormulas = false;
     /// Of warc: where the contents are. It must outlive the export.

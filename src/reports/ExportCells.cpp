@@ -49,6 +49,12 @@ Date ExportCells::actionDate(std::size_t place) {
     return m_table.actionDateUTC(place);
 }
 
+std::string nameOf(const ExportColumn &column, const Export &job) {
+    if (job.names == FieldNames::people)
+        return column.column ? fieldName(*column.column) : toLower(column.key);
+    return job.format == ExportFormat::csv && !column.header.empty() ? column.header : column.key;
+}
+
 bool looksLikeFormula(std::string_view text) {
     // The last four are the wide forms of the first four, which some spreadsheets take as well.
     constexpr std::array<std::string_view, 11> kBeginnings = {

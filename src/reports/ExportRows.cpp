@@ -1,6 +1,10 @@
 #include "reports/ExportRows.h"
 
+#include "base/NoLog.h"
+#include "base/Succeeds.h"
+#include "base/Text.h"
 #include "reports/ExportWriter.h"
+#include "reports/events/RecordEvents.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -34,10 +38,37 @@ SelectedColumns allColumns(const Export &job, UrlTable &table) {
     return columns;
 }
 
+std::vector<ExportColumn> asked(std::span<const UrlColumn> columns) {
+    std::vector<ExportColumn> all;
+    all.reserve(columns.size());
+    for (const UrlColumn column : columns) {
+        const UrlColumnFacts &facts = factsOf(column);
+        all.push_back({std::string(facts.header), std::string(facts.key), column, 0});
+    }
+    return all;
+}
+
+/// A project of an earlier build lacks columns that came later, and has events all the same.
+std::vector<ExportColumn> columnsOfEvents(UrlTable &table) {
+    const auto all = eventColumns();
+    NoLog nobody;
+    table.showColumns(all);
+    const bool hasAll = succeeds(nobody, Severity::Low, "ExportColumns()", kNotSerious,
+                                 [&table] { table.checkColumns(); });
+    return asked(hasAll ? all : all.first(all.size() - kLaterEventColumns));
+}
+
 std::vector<ExportColumn> columnsOf(const Export &job, UrlTable &table) {
     std::vector<ExportColumn> columns;
-    if (!factsOf(job.format).hasColumns)
+    switch (factsOf(job.format).content) {
+    case ExportContent::cells:
+        break;
+    case ExportContent::contents:
         return columns;
+    case ExportContent::events:
+    case ExportContent::places:
+        return columnsOfEvents(table);
+    }
     const SelectedColumns chosen =
         job.exportAllColumns ? allColumns(job, table) : job.selectedColumns;
     for (const ListedColumn &column : chosen)
@@ -61,6 +92,15 @@ std::unique_ptr<ExportWriter> makeWriter(Export &job, const std::filesystem::pat
         return makeXlsxWriter(job, scratch);
     case ExportFormat::warc:
         return makeWarcWriter(job);
+    case ExportFormat::timesketch:
+    case ExportFormat::timesketchCsv:
+        return makeTimesketchWriter(job);
+    case ExportFormat::body:
+        return makeBodyWriter(job);
+    case ExportFormat::l2tcsv:
+        return makeL2tWriter(job);
+    case ExportFormat::kml:
+        return makeKmlWriter(job);
     case ExportFormat::delimited:
         break;
     }
@@ -116,7 +156,8 @@ ExportEnd exportRows(Export &job, UrlTable &table, const std::filesystem::path &
             return ExportEnd::cancelled;
         }
         writer->row(cells, row.rowNumber - 1);
-        if (factsOf(job.format).hasColumns && !cells.isRead(row.rowNumber - 1))
+        if (factsOf(job.format).content != ExportContent::contents &&
+            !cells.isRead(row.rowNumber - 1))
             noteUnread(job.counts.unread, table.idAt(row.rowNumber - 1));
         showProgress(task, ++job.counts.rows, total);
     }
@@ -144,7 +185,7 @@ std::vector<std::string> notesOf(const Export &job) {
     std::vector<std::string> notes;
     if (!counts.unread.empty())
         notes.push_back(noteOf(counts.unread) +
-                        (factsOf(job.format).hasColumns
+                        (factsOf(job.format).content == ExportContent::cells
                              ? ". They stand in the file with their id only."
                              : ". They aren't in the file."));
     const auto note = [&notes](std::int64_t count, std::string_view what) {
@@ -157,7 +198,19 @@ std::vector<std::string> notesOf(const Export &job) {
     if (counts.sheets > 1)
         notes.push_back(
             fmt::format("The rows go on over {} sheets: one holds no more.", counts.sheets));
-    note(counts.rowsWithoutDate, "events have no date: \"datetime\" and \"timestamp\" are null.");
+    const bool isOfEvents = factsOf(job.format).content == ExportContent::events;
+    if (isOfEvents)
+        notes.push_back(fmt::format("The file has {}: one for each date of a row.",
+                                    counted(static_cast<std::uint64_t>(counts.events), "event")));
+    note(counts.rowsWithoutDate,
+         isOfEvents ? "rows have no date, and aren't in the file."
+                    : "events have no date: \"datetime\" and \"timestamp\" are null.");
+    note(counts.eventsTooEarly, "events before 1970 aren't in the file: it can't say so.");
+    note(counts.signsReplaced, "signs that part fields of this form were replaced in texts.");
+    if (factsOf(job.format).content == ExportContent::places)
+        notes.push_back(fmt::format(
+            "The file has {} of {}.", counted(static_cast<std::uint64_t>(counts.events), "place"),
+            counted(static_cast<std::uint64_t>(counts.rowsWithPlace), "row")));
     note(counts.archived.others,
          "rows have no cached content that is left, and aren't in the file.");
     note(counts.archived.repeated, "answers have the content of an earlier one and refer to it.");

@@ -1,10 +1,8 @@
 #include "base/TextRows.h"
-#include "reports/ExportWriter.h"
 #include "reports/FactsJson.h"
+#include "reports/TextExport.h"
+#include "reports/events/RecordEvents.h"
 
-#include <fmt/format.h>
-
-#include <cmath>
 #include <utility>
 
 namespace nv {
@@ -13,38 +11,10 @@ namespace {
 
 constexpr std::string_view kLineBreak = "\r\n";
 
-/// What forms of text share: lines go to the job, which hands them on to the file.
-class TextWriter : public ExportWriter {
-  public:
-    explicit TextWriter(Export &job) : m_job(job) {}
-
-    void begin(const std::vector<ExportColumn> &columns) override {
-        m_columns = columns;
-        m_job.exportText = heading();
-    }
-    void row(ExportCells &cells, std::size_t place) override {
-        appendRow(cells, place);
-        m_job.drain();
-    }
-    void finish() override { m_job.exportToFile(); }
-
-  protected:
-    virtual std::string heading() = 0;
-    virtual void appendRow(ExportCells &cells, std::size_t place) = 0;
-
-    const std::vector<ExportColumn> &columns() const { return m_columns; }
-    Export &job() { return m_job; }
-    std::string &text() { return m_job.exportText; }
-
-  private:
-    Export &m_job;
-    std::vector<ExportColumn> m_columns;
-};
-
 /// A cell that holds the delimiter isn't quoted: readers of this form never knew quotes.
-class DelimitedWriter final : public TextWriter {
+class DelimitedWriter final : public TextExport {
   public:
-    using TextWriter::TextWriter;
+    using TextExport::TextExport;
 
   private:
     std::string heading() override {
@@ -64,16 +34,16 @@ class DelimitedWriter final : public TextWriter {
     }
 };
 
-class CsvWriter final : public TextWriter {
+class CsvWriter final : public TextExport {
   public:
-    using TextWriter::TextWriter;
+    using TextExport::TextExport;
 
   private:
-    /// Columns without a heading have their key.
     std::string heading() override {
         std::vector<std::string> words;
+        words.reserve(columns().size());
         for (const ExportColumn &column : columns())
-            words.push_back(column.header.empty() ? column.key : column.header);
+            words.push_back(nameOf(column, job()));
         return lineOf(words);
     }
     void appendRow(ExportCells &cells, std::size_t place) override {
@@ -95,33 +65,20 @@ class CsvWriter final : public TextWriter {
     }
 };
 
-/// Milliseconds since 1970: a date is stored as a float of days, which holds no less for sure.
-std::int64_t unixMilliseconds(Date date) {
-    return std::llround((date.days() - Date::kUnixEpoch) * 86'400'000.0);
-}
-
-/// "2009-02-13T23:31:30.500000+00:00".
-std::string isoWithFraction(std::int64_t milliseconds) {
-    const std::int64_t fraction = ((milliseconds % 1000) + 1000) % 1000;
-    const CivilTime time = Date::fromUnixSeconds((milliseconds - fraction) / 1000).civil();
-    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}.{:03}000+00:00", time.year, time.month,
-                       time.day, time.hour, time.minute, time.second, fraction);
-}
-
-class JsonLinesWriter final : public TextWriter {
+class JsonLinesWriter final : public TextExport {
   public:
-    using TextWriter::TextWriter;
+    using TextExport::TextExport;
 
   private:
     std::string heading() override {
         m_names = {"message", "datetime", "timestamp", "timestamp_desc"};
         for (const ExportColumn &column : columns())
             if (!isOfTags(column))
-                m_names.push_back(column.key);
+                m_names.push_back(nameOf(column, job()));
         return {};
     }
     void appendRow(ExportCells &cells, std::size_t place) override {
-        std::vector<Cell> event{message(cells, place)};
+        std::vector<Cell> event{eventMessage(cells, place)};
         addDate(event, cells.actionDate(place));
         if (event.back().isNothing() && cells.isRead(place))
             ++job().counts.rowsWithoutDate;
@@ -141,25 +98,11 @@ class JsonLinesWriter final : public TextWriter {
         return column.column == UrlColumn::TagNames;
     }
 
-    static std::string message(ExportCells &cells, std::size_t place) {
-        if (!cells.isRead(place))
-            return fmt::format("row {} of the project could not be read",
-                               plainText(cells.machine(place, UrlColumn::Id)));
-        std::string words;
-        for (const UrlColumn column :
-             {UrlColumn::CacheType, UrlColumn::Action, UrlColumn::Value, UrlColumn::WebpageTitle}) {
-            const std::string word = plainText(cells.machine(place, column));
-            if (!word.empty())
-                words += (words.empty() ? "" : " ") + word;
-        }
-        return words;
-    }
-
     /// A made-up date would be worse than none: events without one say so.
     static void addDate(std::vector<Cell> &event, Date date) {
-        const std::int64_t milliseconds = date.has() ? unixMilliseconds(date) : 0;
-        event.push_back(date.has() ? Cell(isoWithFraction(milliseconds)) : Cell());
-        event.push_back(date.has() ? Cell(milliseconds * 1000) : Cell());
+        const std::int64_t time = date.has() ? unixMicroseconds(date) : 0;
+        event.push_back(date.has() ? Cell(isoWithFraction(time)) : Cell());
+        event.push_back(date.has() ? Cell(time) : Cell());
     }
 
     std::vector<std::string> m_names;

@@ -18,6 +18,8 @@ struct ExportColumn {
     std::optional<UrlColumn> column; ///< nothing for the row's number
     int widthTwips = 0;
 };
+/// What csv and jsonl call it. Classic csv has headings, and the key where there is none.
+std::string nameOf(const ExportColumn &column, const Export &job);
 
 /// Cells of the table without the cut that the grid makes of long ones.
 class ExportCells {
@@ -59,6 +61,12 @@ std::unique_ptr<ExportWriter> makeJsonLinesWriter(Export &job);
 std::unique_ptr<ExportWriter> makeXlsxWriter(Export &job, const std::filesystem::path &scratch);
 /// Of `contents` of the job.
 std::unique_ptr<ExportWriter> makeWarcWriter(Export &job);
+/// Of both forms, as the job says.
+std::unique_ptr<ExportWriter> makeTimesketchWriter(Export &job);
+std::unique_ptr<ExportWriter> makeBodyWriter(Export &job);
+std::unique_ptr<ExportWriter> makeL2tWriter(Export &job);
+/// Pictures come from `contents` of the job; without it only addresses tell places.
+std::unique_ptr<ExportWriter> makeKmlWriter(Export &job);
 
 /// Programs of spreadsheets take such a text for a formula.
 bool looksLikeFormula(std::string_view text);

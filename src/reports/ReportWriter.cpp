@@ -9,6 +9,7 @@
 #include "db/SqliteErrors.h"
 #include "readers/RecordKind.h"
 #include "reports/CardText.h"
+#include "reports/OriginText.h"
 #include "reports/ReportFrame.h"
 #include "reports/ReportValues.h"
 #include "reports/SortTable.h"
@@ -126,6 +127,8 @@ void ReportWriter::create(const fs::path &folder, int type, Entries entries) {
         printEntry(file, kLegend);
         if (includeCaseTrail)
             printEntry(file, trailSection(m_ctx));
+        if (includeOrigins)
+            printEntry(file, originSection(m_ctx));
         createFooter(file);
     }
     check(file, m_folder.unfinished());

@@ -68,6 +68,7 @@ class ReportWriter {
     std::string pageFileName;
     std::string pageTitle;
     bool includeCaseTrail = false;   ///< what was done with the project, after the legend
+    bool includeOrigins = false;     ///< where values of rows with the tick come from, after that
     std::size_t recordsFailed = 0;   ///< entries that only say so
     UnreadRows failedRows;           ///< which ones
     std::size_t filesFailed = 0;     ///< cards without a cached file that could not be read

@@ -168,13 +168,12 @@ TEST_F(CliTest, kindsNarrowTheScan) {
 
 TEST_F(CliTest, listShowsTheCellsOfTheTable) {
     importThree();
-    const CliResult lines =
-        cli({"list", project.string(), "--format", "jsonl", "--columns",
-             "COL_URL_ID,COL_URL_ACTION_DATE_UTC,COL_URL_VALUE,COL_URL_STATUS"});
+    const CliResult lines = cli({"list", project.string(), "--format", "jsonl", "--columns",
+                                 "id,action_date_utc,url,status"});
     ASSERT_EQ(lines.exit, 0) << lines.err;
     const json first = json::parse(lines.out.substr(0, lines.out.find('\n')));
-    EXPECT_EQ(first["COL_URL_ACTION_DATE_UTC"], "2011-04-07T12:03:12Z");
-    EXPECT_EQ(first["COL_URL_VALUE"], "http://site1.example/page1.html?q=1");
+    EXPECT_EQ(first["action_date_utc"], "2011-04-07T12:03:12Z");
+    EXPECT_EQ(first["url"], "http://site1.example/page1.html?q=1");
     const CliResult table = cli({"list", project.string(), "--host", "site2"});
     EXPECT_NE(table.out.find("page2.html"), std::string::npos);
     EXPECT_EQ(table.out.find("page1.html"), std::string::npos);

@@ -39,7 +39,7 @@ class ExportCliTest : public CliCase {
 };
 
 TEST_F(ExportCliTest, rowsAreChosenByFilter) {
-    const CliResult run = exported({"--columns", "COL_URL_VALUE", "--filter", "CacheURLs"});
+    const CliResult run = exported({"--columns", "url", "--filter", "CacheURLs"});
     EXPECT_EQ(run.exit, 0) << run.err;
     EXPECT_EQ(text(), "URL\r\n");
     EXPECT_THAT(run.err, HasSubstr("filters hide 2 of 2 rows"));
@@ -47,7 +47,7 @@ TEST_F(ExportCliTest, rowsAreChosenByFilter) {
 }
 
 TEST_F(ExportCliTest, rowsAreExportedInTheChosenForm) {
-    const CliResult run = exported({"--columns", "Index,COL_URL_VALUE", "--delimiter", "tab"});
+    const CliResult run = exported({"--columns", "Index,url", "--delimiter", "tab"});
     EXPECT_EQ(run.exit, 0) << run.err;
     EXPECT_EQ(text(), "Index\tURL\r\n1\thttp://a.example/\r\n2\thttp://b.example/\r\n");
     EXPECT_THAT(run.err, HasSubstr("2 rows"));
@@ -55,15 +55,13 @@ TEST_F(ExportCliTest, rowsAreExportedInTheChosenForm) {
     EXPECT_EQ(exported({"--host", "b.ex"}).exit, 0);
     EXPECT_EQ(nlohmann::json::parse(text()).at("datetime"), "2011-03-02T12:00:00.000000+00:00");
     EXPECT_EQ(cli({"tag", project, "1"}).exit, 0);
-    EXPECT_EQ(
-        exported({"--tagged", "--overwrite", "--format", "csv", "--columns", "COL_URL_VALUE"}).exit,
-        0);
-    EXPECT_EQ(text(), "URL\r\nhttp://a.example/\r\n");
+    EXPECT_EQ(exported({"--tagged", "--overwrite", "--format", "csv", "--columns", "url"}).exit, 0);
+    EXPECT_EQ(text(), "url\r\nhttp://a.example/\r\n");
 }
 
 TEST_F(ExportCliTest, whatMakesNoSenseIsRefused) {
     EXPECT_EQ(exported({"--delimiter", "x"}).exit, 1);
-    EXPECT_EQ(exported({"--columns", "URL"}).exit, 1);
+    EXPECT_EQ(exported({"--columns", "URLs"}).exit, 1);
     EXPECT_EQ(exported({"--query", "none"}).exit, 1);
     EXPECT_FALSE(fs::exists(out));
     writeWhole(out, "kept");

@@ -62,9 +62,9 @@ TEST_F(FactsCliTest, listsShowAndChooseWhoseRecordsTheyAre) {
     SQLite::Database(project, SQLite::OPEN_READWRITE)
         .exec("UPDATE URLs SET Person = 'bob' WHERE URL_ID = 2");
     const CliResult run = cli({"list", project, "--filter", "person=bob", "--columns",
-                               "COL_URL_BROWSER,COL_URL_PERSON,COL_URL_VALUE", "--format", "tsv"});
+                               "browser,person,url", "--format", "tsv"});
     EXPECT_EQ(run.exit, 0) << run.err;
-    EXPECT_EQ(run.out, "COL_URL_BROWSER\tCOL_URL_PERSON\tCOL_URL_VALUE\n"
+    EXPECT_EQ(run.out, "browser\tperson\turl\n"
                        "Internet Explorer\tbob\thttp://b.example/\n");
     EXPECT_THAT(run.err, HasSubstr("filters hide 1 of 2 rows"));
     const CliResult wrong = cli({"list", project, "--filter", "colour=red"});

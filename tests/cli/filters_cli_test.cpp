@@ -30,8 +30,8 @@ class FiltersCliTest : public CliCase {
     }
     /// The URLs that `list --filter WORDS` gives, each on a line.
     std::string listed(const std::vector<std::string> &words) {
-        std::vector<std::string> call{"list",      project,         "--format", "tsv",
-                                      "--columns", "COL_URL_VALUE", "--filter"};
+        std::vector<std::string> call{"list",      project, "--format", "tsv",
+                                      "--columns", "url",   "--filter"};
         call.insert(call.end(), words.begin(), words.end());
         const CliResult run = cli(call);
         EXPECT_EQ(run.exit, 0) << run.err;
@@ -42,9 +42,9 @@ class FiltersCliTest : public CliCase {
 };
 
 TEST_F(FiltersCliTest, listShowsWhatTheFlagsAdmitAndSaysHowManyItHides) {
-    EXPECT_EQ(listed({"showCacheURLs,showGIF"}), "COL_URL_VALUE\nhttp://b.example/p.gif\n");
+    EXPECT_EQ(listed({"showCacheURLs,showGIF"}), "url\nhttp://b.example/p.gif\n");
     EXPECT_THAT(said, HasSubstr("filters hide 2 of 3 rows"));
-    EXPECT_EQ(listed({"HISTORYURLS", "blogs"}), "COL_URL_VALUE\nhttp://a.example/blog\n");
+    EXPECT_EQ(listed({"HISTORYURLS", "blogs"}), "url\nhttp://a.example/blog\n");
     EXPECT_EQ(listed({"cacheURLs", "historyurls,all"}),
               listed({"showhistoryurls,SHOWALL,cacheurls"}));
     EXPECT_EQ(said, "") << "nothing is hidden";

@@ -104,12 +104,19 @@ TEST_F(SearchCliTest, keepsAResultThatOtherCommandsTake) {
     EXPECT_EQ(cli({"results", "show", project, "Rain"}).exit, 1);
 }
 
-TEST_F(SearchCliTest, leavesEveryByteOfAProjectThatItOnlySearches) {
-    const std::string before = text(project);
+TEST_F(SearchCliTest, leavesEveryRowOfAProjectThatItOnlySearches) {
+    const auto rows = [this] {
+        return cli({"query", project, "SELECT * FROM URLs", "--format", "jsonl"}).out;
+    };
+    const std::string before = rows();
+    ASSERT_FALSE(before.empty());
     search("*ove*");
     cli({"keywords", project, folder.write("terms.txt", "dover").string()});
     cli({"results", project});
-    EXPECT_EQ(text(project), before);
+    EXPECT_EQ(rows(), before);
+    EXPECT_THAT(cli({"trail", project, "--format", "tsv"}).out,
+                HasSubstr("rows found by \"*ove*\""))
+        << "what is left of it is a note";
 }
 
 TEST_F(SearchCliTest, isNotDeceivedByAnIndexOfAnotherDay) {

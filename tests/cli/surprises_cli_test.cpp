@@ -173,10 +173,9 @@ TEST_F(SurprisesCliTest, aStatementThatWritesIsToldThatQueriesRead) {
 
 TEST_F(SurprisesCliTest, anExportGoesToTheStandardOutputAndSaysItsForm) {
     import();
-    const CliResult csv =
-        run({"export", project, "-", "--format", "csv", "--columns", "COL_URL_ID"});
+    const CliResult csv = run({"export", project, "-", "--format", "csv", "--columns", "id"});
     EXPECT_EQ(csv.exit, 0) << csv.err;
-    EXPECT_EQ(csv.out, "URL ID\r\n1\r\n");
+    EXPECT_EQ(csv.out, "id\r\n1\r\n");
     EXPECT_THAT(csv.err, HasSubstr("1 row written as csv\n"));
     EXPECT_FALSE(fs::exists("-"));
     EXPECT_THAT(run({"trail", project, "--format", "csv"}).out, HasSubstr("standard output"));

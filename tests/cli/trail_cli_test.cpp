@@ -4,8 +4,11 @@
 #include "support/TempFolder.h"
 #include "support/builders/IndexDat.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 namespace nv::test {
 namespace {
@@ -72,6 +75,47 @@ TEST_F(TrailCliTest, whatIsWrittenIsInTheTrail) {
     EXPECT_THAT(trail, HasSubstr(R"("Action":"Rebuild","Detail":"0 of 1 page rebuilt")"));
     const Bytes page = readWhole(out / "index-history.htm");
     EXPECT_THAT(std::string(ByteView(page).raw()), HasSubstr("1 row exported as csv"));
+}
+
+TEST_F(TrailCliTest, notesTicksAndSearchesAreInTheTrail) {
+    EXPECT_EQ(cli({"note", project, "1", "seen by two"}).exit, 0);
+    EXPECT_EQ(cli({"note", project, "1", "--delete"}).exit, 0);
+    EXPECT_EQ(cli({"tag", project, "1"}).exit, 0);
+    EXPECT_EQ(cli({"tag", project, "--where", "Visits > -5", "--off"}).exit, 0);
+    EXPECT_EQ(cli({"search", project, "a.example"}).exit, 0);
+    const fs::path list = folder.path() / "terms.txt";
+    writeWhole(list, "example\n");
+    EXPECT_EQ(cli({"keywords", project, list.string()}).exit, 0);
+    const std::string trail = cli({"trail", project, "--format", "jsonl"}).out;
+    EXPECT_THAT(trail, HasSubstr(R"("Action":"Note","Detail":"row 1: note of 11 characters)"));
+    EXPECT_THAT(trail, testing::Not(HasSubstr("seen by two")));
+    EXPECT_THAT(trail, HasSubstr("row 1: note taken away"));
+    EXPECT_THAT(trail, HasSubstr(R"("Action":"Tag","Detail":"tick set on 1 row: URL_ID 1")"));
+    EXPECT_THAT(trail, HasSubstr("tick taken from 1 row: Visits > -5"));
+    EXPECT_THAT(trail, HasSubstr(R"("Action":"Search","Detail":"1 row found by \"a.example\"")"));
+    EXPECT_THAT(trail,
+                HasSubstr(R"("Action":"Keywords","Detail":"1 of 1 term found in 1 of 1 row")"));
+    EXPECT_THAT(cli({"verify", project}).err, HasSubstr("The case trail is whole"));
+}
+
+TEST_F(TrailCliTest, verifyNamesTheFirstEntryThatWasForged) {
+    EXPECT_EQ(cli({"tag", project, "1"}).exit, 0);
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("DROP TRIGGER AuditTrail_NoUpdate; "
+              "UPDATE AuditTrail SET Detail = 'other' WHERE Trail_ID = 1");
+    const CliResult run = cli({"verify", project});
+    EXPECT_EQ(run.exit, 2);
+    EXPECT_THAT(run.err, HasSubstr("The case trail is broken: entry 1 was changed"));
+}
+
+TEST_F(TrailCliTest, aProjectThatCantBeWrittenGetsNoEntry) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "nothing is closed to this user";
+    const auto before = hashesOfFile(project);
+    fs::permissions(project, fs::perms::owner_read);
+    const CliResult run = cli({"search", project, "a.example"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(hashesOfFile(project), before);
 }
 
 TEST_F(TrailCliTest, aFileThatIsNoProjectIsRefused) {

@@ -22,7 +22,7 @@ class UnreadRowsCliTest : public DamagedProjectCase {
     /// What the list gives of the rows, by ids.
     std::vector<std::string> listedIds(const std::vector<std::string> &more = {}) const {
         std::vector<std::string> call = {"list", project,     "--format",
-                                         "csv",  "--columns", "COL_URL_ID,COL_URL_STATUS"};
+                                         "csv",  "--columns", "id,status"};
         call.insert(call.end(), more.begin(), more.end());
         auto lines = linesOf(cli(call).out);
         if (!lines.empty())
@@ -43,8 +43,8 @@ class UnreadRowsCliTest : public DamagedProjectCase {
 
 TEST_F(UnreadRowsCliTest, aBrokenPageCostsTheListItsOwnRowsAlone) {
     const std::vector<int> broken = breakLeaf();
-    const CliResult list = cli({"list", project, "--format", "csv", "--columns",
-                                "COL_URL_ID,COL_URL_STATUS,COL_URL_VALUE", "--query", "_DEFAULT"});
+    const CliResult list = cli(
+        {"list", project, "--format", "csv", "--columns", "id,status,url", "--query", "_DEFAULT"});
     EXPECT_EQ(list.exit, 2);
     EXPECT_THAT(list.err, HasSubstr(named(broken)));
     const auto lines = linesOf(list.out);
@@ -116,8 +116,8 @@ TEST_F(UnreadRowsCliTest, aConditionThatMeetsABrokenPageIsNoWrongUsage) {
 
 TEST_F(UnreadRowsCliTest, withFiltersTheRowsThatCantBeReadAreNoneOfThoseHidden) {
     const std::vector<int> broken = breakLeaf();
-    const CliResult list = cli({"list", project, "--format", "csv", "--columns", "COL_URL_VALUE",
-                                "--filter", "historyurls,missingfileext"});
+    const CliResult list = cli({"list", project, "--format", "csv", "--columns", "url", "--filter",
+                                "historyurls,missingfileext"});
     EXPECT_EQ(list.exit, 2) << list.err;
     EXPECT_EQ(linesOf(list.out).size(), kRows + 1u);
     EXPECT_THAT(list.err, HasSubstr(named(broken)));

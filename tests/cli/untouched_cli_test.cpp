@@ -63,6 +63,7 @@ TEST_F(UntouchedCliTest, commandsThatLookLeaveEveryByteOfTheProject) {
         {"timeline", project},
         {"show", project, "1"},
         {"show", project, "2", "--format", "jsonl"},
+        {"explain", project, "1"},
         {"extract", project, "2", at("photo.jpg")},
         {"extract", project, "1", "-"},
         {"query", project, "SELECT * FROM URLs"},

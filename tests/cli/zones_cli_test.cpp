@@ -36,7 +36,7 @@ TEST_F(ZonesCliTest, anImportTakesAnExactZoneByName) {
     ASSERT_EQ(importWith({"--zone", "Asia/Kathmandu"}).exit, 0);
     EXPECT_EQ(storedOffset(), 20700);
     const CliResult rows =
-        cli({"list", project, "--format", "csv", "--columns", "COL_URL_ACTION_DATE_LOCAL"});
+        cli({"list", project, "--format", "csv", "--columns", "action_date_local"});
     EXPECT_THAT(rows.out, HasSubstr("+05:45"));
     EXPECT_THAT(cli({"show", project, "1"}).out, HasSubstr("[+0545 +0545]"));
     EXPECT_THAT(cli({"trail", project, "--format", "tsv"}).out,

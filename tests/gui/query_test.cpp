@@ -17,6 +17,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
+#include <QToolBar>
 #include <QToolButton>
 
 // The Query tab and the query dialog.
@@ -41,6 +42,8 @@ class QueryTest : public QObject {
     void aQuickSortIsTheStatementAfterIt();
     void theDialogBuildsAStatement();
     void theDialogChecksTheName();
+    void deadQueriesAreListedInClassic();
+    void favoritesLeftTheToolbar();
     void favoritesAreANotice();
     void closingEmptiesTheTab();
 
@@ -284,6 +287,28 @@ void QueryTest::theDialogChecksTheName() {
     click("btnQueryForm");
     QCOMPARE(selector().currentText(), QStringLiteral("My all-time_list"));
     QCOMPARE(tableRows(), 6);
+}
+
+/// The query's own tab lists them all.
+void QueryTest::deadQueriesAreListedInClassic() {
+    const QString dead = QStringLiteral("Linked URLs");
+    auto &box = child<QComboBox>(*m_form, "cbActiveQuery");
+    auto &layouts = child<QComboBox>(*m_form, "cbLayout");
+    QVERIFY(box.findText(dead) < 0);
+    QVERIFY(box.findText(QStringLiteral("eBay")) > 0);
+    QVERIFY(selector().findText(dead) >= 0);
+    QVERIFY(box.toolTip().contains(QStringLiteral("Classic")));
+    const int classic = layouts.findText(QStringLiteral("Classic"));
+    QVERIFY(classic >= 0);
+    layouts.setCurrentIndex(classic);
+    emit layouts.activated(classic);
+    QTRY_VERIFY(box.findText(dead) > 0);
+}
+
+void QueryTest::favoritesLeftTheToolbar() {
+    for (const QToolBar *bar : m_form->findChildren<QToolBar *>())
+        for (const QAction *action : bar->actions())
+            QVERIFY(action->objectName() != QStringLiteral("actFavorites"));
 }
 
 void QueryTest::favoritesAreANotice() {

@@ -221,6 +221,9 @@ void UpgradeExportTest::aNameFollowsItsFormat() {
     formats.setCurrentIndex(2);
     QCOMPARE(name.text(), QStringLiteral("/nowhere/rows.jsonl"));
     QVERIFY(!child<QWidget>(form, "opDelimiter").isEnabled());
+    auto &names = child<QComboBox>(form, "cbNames");
+    QVERIFY(names.isEnabled());
+    names.setCurrentIndex(1);
     formats.setCurrentIndex(4);
     QCOMPARE(name.text(), QStringLiteral("/nowhere/rows.warc.gz"));
     formats.setCurrentIndex(0);
@@ -231,6 +234,8 @@ void UpgradeExportTest::aNameFollowsItsFormat() {
     form.accept();
     QCOMPARE(job.delimiter, std::string("\t"));
     QVERIFY(!job.exportAllRows);
+    QVERIFY(!names.isEnabled());
+    QCOMPARE(job.names, FieldNames::classic);
     QCOMPARE(job.outputFileExt, std::string("txt"));
     QCOMPARE(job.selectedColumns.count(), std::size_t{2});
 }

@@ -53,6 +53,7 @@ class ViewersTest : public QObject {
     void aNoteIsStoredWhenTheProjectCloses();
     void aNoteOfARowThatIsGoneIsTold();
     void propertiesHaveWhatTheCameraWrote();
+    void aPropertySaysWhyItIsSo();
     void aMissingFileLeavesThePanesBlankWithTheReason();
     void theLastReportIsShown();
     void theReportsLiveLinksAreBlocked();
@@ -321,6 +322,29 @@ void ViewersTest::propertiesHaveWhatTheCameraWrote() {
     QCOMPARE(pane<QPlainTextEdit>("txtPropertyValue").toPlainText(), QStringLiteral("Acme"));
     show(1, "PropertiesPane");
     QTRY_COMPARE(list.topLevelItemCount(), 77);
+}
+
+/// From a value to its origin, and on to its bytes.
+void ViewersTest::aPropertySaysWhyItIsSo() {
+    show(1, "PropertiesPane");
+    auto &list = pane<QTreeWidget>("PropertiesGrid");
+    QTRY_VERIFY(list.topLevelItemCount() > 70);
+    auto &why = pane<QPushButton>("btnWhy");
+    auto &bytes = pane<QPushButton>("btnBytes");
+    const auto found = list.findItems(QStringLiteral("ActionDateUTC"), Qt::MatchExactly);
+    QCOMPARE(found.size(), 1);
+    list.setCurrentItem(found.first());
+    QVERIFY(why.isEnabled());
+    QVERIFY(!bytes.isEnabled());
+    QTest::mouseClick(&why, Qt::LeftButton);
+    auto &whole = pane<QPlainTextEdit>("txtPropertyValue");
+    QTRY_VERIFY(whole.toPlainText().contains(QStringLiteral("Rule: ")));
+    QVERIFY2(whole.toPlainText().contains(QStringLiteral("FILETIME")),
+             qPrintable(whole.toPlainText()));
+    QVERIFY(bytes.isEnabled());
+    QTest::mouseClick(&bytes, Qt::LeftButton);
+    QTRY_VERIFY(pane<HexGrid>("HexGrid").source());
+    QTRY_COMPARE(pane<HexGrid>("HexGrid").selection().length, std::uint64_t{8});
 }
 
 void ViewersTest::aMissingFileLeavesThePanesBlankWithTheReason() {

@@ -1,8 +1,6 @@
 #include "app/jobs/RecordContent.h"
 
-#include "base/Paths.h"
-#include "base/Text.h"
-#include "views/PathCheck.h"
+#include "views/SourcePath.h"
 
 #include <fmt/format.h>
 
@@ -27,11 +25,6 @@ std::string placeOf(const UrlRecord &record) {
         return fmt::format("expected as \"{}\" in the folder \"{}\" of the cache in {}",
                            record.CacheFileName, record.CacheFolderName, record.CacheRootPath);
     return "the record names no cached file";
-}
-
-bool isPlainFile(const fs::path &path) {
-    std::error_code ignored;
-    return fs::is_regular_file(path, ignored);
 }
 
 } // namespace
@@ -61,14 +54,11 @@ std::string missingSource(const UrlRecord &record) {
 }
 
 std::optional<SourcePlace> sourceOfRecord(const UrlRecord &record) {
-    if (record.HistoryFilePath.empty())
+    const auto path = sourcePathOf(record.HistoryFilePath, record.RootPath);
+    if (!path)
         return std::nullopt;
-    const std::string moved = pathUnderBase(record.RootPath, record.HistoryFilePath);
-    for (const std::string &text : {record.HistoryFilePath, moved, replaceAll(moved, "\\", "/")})
-        if (const auto path = pathFromText(text); path && isPlainFile(*path))
-            return SourcePlace{
-                *path, static_cast<std::uint64_t>(std::max<std::int64_t>(record.MapFileOffset, 0))};
-    return std::nullopt;
+    return SourcePlace{*path,
+                       static_cast<std::uint64_t>(std::max<std::int64_t>(record.MapFileOffset, 0))};
 }
 
 } // namespace nv

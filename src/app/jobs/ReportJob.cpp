@@ -31,7 +31,7 @@ struct KeptFlag {
     FlagKey key;
     bool ReportWriter::*flag;
 };
-constexpr std::array<KeptFlag, 8> kFlags = {{
+constexpr std::array<KeptFlag, 9> kFlags = {{
     {"UseCustomLogo", &ReportWriter::useCustomLogo},
     {"IncludeAudit", &ReportWriter::includeAudit},
     {"IncludeLinkAnalysis", &ReportWriter::includeLinkAnalysis},
@@ -40,6 +40,7 @@ constexpr std::array<KeptFlag, 8> kFlags = {{
     {"IncludeDataSource", &ReportWriter::includeDataSource},
     {"IncludeUser", &ReportWriter::includeUser},
     {"IncludeCaseTrail", &ReportWriter::includeCaseTrail},
+    {"IncludeOrigins", &ReportWriter::includeOrigins},
 }};
 
 struct KeptText {

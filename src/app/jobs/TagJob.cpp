@@ -1,5 +1,6 @@
 #include "app/jobs/TagJob.h"
 
+#include "app/jobs/Trail.h"
 #include "base/Text.h"
 
 #include <SQLiteCpp/Database.h>
@@ -13,21 +14,57 @@ SQLite::Database &projectOf(Program &program) {
     return program.state.projectDB.connection();
 }
 
+void noteChange(Program &program, const std::string &tag, bool isSet,
+                std::span<const std::int32_t> ids) {
+    if (!ids.empty())
+        noteMarking(program, {.mark = fmt::format("tag \"{}\"", tag),
+                              .isSet = isSet,
+                              .rows = static_cast<std::int64_t>(ids.size()),
+                              .which = idsInWords(ids)});
+}
+
+/// The rows of a change that is taken back, or done again.
+struct Repeated {
+    std::string tag;
+    bool isSet = true;
+    std::vector<std::int32_t> ids;
+};
+
+Repeated repeated(Program &program, const TagChange *change, bool isSet) {
+    if (!change)
+        return {};
+    const auto tag = NamedTags(projectOf(program)).find(change->tagID);
+    return {tag ? tag->name : "", isSet, change->ids};
+}
+
 } // namespace
 
 std::optional<TagChange> tagRows(Program &program, const TagOrder &order,
                                  std::span<const std::int32_t> ids, TaskMonitor &task) {
     RecordTags rows(projectOf(program));
-    return order.isSet ? rows.set(order.tag.tagID, ids, order.note, task)
-                       : rows.take(order.tag.tagID, ids, task);
+    auto change = order.isSet ? rows.set(order.tag.tagID, ids, order.note, task)
+                              : rows.take(order.tag.tagID, ids, task);
+    if (change)
+        noteChange(program, order.tag.name, order.isSet, change->ids);
+    return change;
 }
 
 bool undoTagging(Program &program, TagHistory &history, TaskMonitor &task) {
-    return history.undo(projectOf(program), task);
+    const TagChange *last = history.next();
+    const Repeated rows = repeated(program, last, last && !last->isSet);
+    if (!history.undo(projectOf(program), task))
+        return false;
+    noteChange(program, rows.tag, rows.isSet, rows.ids);
+    return true;
 }
 
 bool redoTagging(Program &program, TagHistory &history, TaskMonitor &task) {
-    return history.redo(projectOf(program), task);
+    const TagChange *last = history.nextAgain();
+    const Repeated rows = repeated(program, last, last && last->isSet);
+    if (!history.redo(projectOf(program), task))
+        return false;
+    noteChange(program, rows.tag, rows.isSet, rows.ids);
+    return true;
 }
 
 NamedTag makeTag(Program &program, const NamedTag &tag) {

@@ -1,6 +1,6 @@
 #include "app/jobs/Trail.h"
 
-#include "app/messages/Messages.h"
+#include "app/messages/TrailMessages.h"
 #include "base/Digest.h"
 #include "base/Files.h"
 #include "base/Text.h"
@@ -133,11 +133,59 @@ void noteImport(Program &program, const ImportSummary &summary) {
     tellWhenMissing(program, failure);
 }
 
-void noteVerify(Program &program, const SourceCheck &check) {
+void noteVerify(Program &program, const SourceCheck &check, const TrailChain &chain) {
     TrailEntry entry;
     entry.action = "Verify";
-    entry.detail = summaryText(check);
+    entry.detail = summaryText(check) + ' ' + chainText(chain);
     noteInTrail(program, std::move(entry));
+}
+
+std::string idsInWords(std::span<const std::int32_t> ids) {
+    constexpr std::size_t kTold = 20;
+    const auto told = ids.first(std::min(ids.size(), kTold));
+    return fmt::format("URL_ID {}{}", fmt::join(told, ", "), ids.size() > kTold ? " ..." : "");
+}
+
+void noteMarking(Program &program, const Marking &marking) {
+    TrailEntry entry;
+    entry.action = "Tag";
+    entry.detail =
+        fmt::format("{} {} {}: {}", marking.mark, marking.isSet ? "set on" : "taken from",
+                    counted(static_cast<std::uint64_t>(marking.rows), "row"), marking.which);
+    entry.rowCount = marking.rows;
+    noteInTrail(program, std::move(entry));
+}
+
+void noteNote(Program &program, UrlId url, const std::string &text) {
+    TrailEntry entry;
+    entry.action = "Note";
+    entry.rowCount = 1;
+    entry.detail = fmt::format("row {}: note taken away", url);
+    if (!text.empty()) {
+        Digest digest(DigestAlgorithm::sha256);
+        digest.add(text);
+        entry.detail = fmt::format("row {}: note of {} written, SHA-256 {}", url,
+                                   counted(charCount(text), "character"), digest.takeHex());
+    }
+    noteInTrail(program, std::move(entry));
+}
+
+void noteSearch(Program &program, const std::string &text, std::int64_t rows) {
+    TrailEntry entry;
+    entry.action = "Search";
+    entry.detail =
+        fmt::format("{} found by \"{}\"", counted(static_cast<std::uint64_t>(rows), "row"), text);
+    entry.rowCount = rows;
+    noteInTrail(program, std::move(entry));
+}
+
+void noteKeywords(Program &program, const std::filesystem::path &file, const std::string &found,
+                  std::int64_t rows) {
+    TrailEntry entry;
+    entry.action = "Keywords";
+    entry.detail = found;
+    entry.rowCount = rows;
+    noteFileInTrail(program, std::move(entry), file);
 }
 
 void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end) {

@@ -2,6 +2,8 @@
 
 #include "app/program/Program.h"
 #include "db/CaseTrail.h"
+#include "db/Ids.h"
+#include "db/TrailChain.h"
 #include "import/ImportSummary.h"
 #include "maintenance/SourceCheck.h"
 #include "reports/Export.h"
@@ -11,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string>
 
 namespace nv {
@@ -32,7 +35,8 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 /// folder that could not be read; before them one for the exact zone and its version, by which
 /// local dates were stored.
 void noteImport(Program &program, const ImportSummary &summary);
-void noteVerify(Program &program, const SourceCheck &check);
+/// With what the chain of the trail's own entries said before this one.
+void noteVerify(Program &program, const SourceCheck &check, const TrailChain &chain);
 void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end);
 /// The template's file is named; `outcome` is for people.
 void noteTemplate(Program &program, const std::filesystem::path &file, const std::string &outcome,
@@ -41,6 +45,23 @@ void noteTemplate(Program &program, const std::filesystem::path &file, const std
 void noteReport(Program &program, const ReportWriter &report, std::int64_t rows);
 /// `page` is the index page in the folder that is handed over.
 void notePublish(Program &program, const std::filesystem::path &page, const Published &published);
+/// The first of them, which is all of them for most.
+std::string idsInWords(std::span<const std::int32_t> ids);
+/// Rows that got or lost a mark of the examiner's.
+struct Marking {
+    std::string mark = "tick"; ///< or the name of a tag
+    bool isSet = true;
+    std::int64_t rows = 0;
+    std::string which; ///< in words: "row 17", "Visits > 5"
+};
+void noteMarking(Program &program, const Marking &marking);
+/// A note that was written, or taken away when `text` is empty: its length and hash, not its words.
+void noteNote(Program &program, UrlId url, const std::string &text);
+/// A search that was asked for as a whole, not each letter of one on its way.
+void noteSearch(Program &program, const std::string &text, std::int64_t rows);
+/// The same of a list of keywords.
+void noteKeywords(Program &program, const std::filesystem::path &file, const std::string &found,
+                  std::int64_t rows);
 /// `place` stands for the name of the file where that says nothing: of the standard output.
 void noteExport(Program &program, const Export &job, std::string_view place = {});
 

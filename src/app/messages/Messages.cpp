@@ -2,7 +2,6 @@
 
 #include "base/Files.h"
 #include "base/MessageKinds.h"
-#include "maintenance/SourceCheck.h"
 
 #include <fmt/format.h>
 
@@ -205,11 +204,6 @@ Message tempFolderHoldsEvidence(const std::filesystem::path &base) {
                     textOf(base)));
 }
 
-Message trailNotWritten(std::string_view reason) {
-    return notice("trail-not-written", "Case Trail",
-                  fmt::format("The project's trail has no note of this: {}", reason));
-}
-
 Message settingsNotWritten(const std::filesystem::path &file) {
     return notice(
         "settings-not-written", "File Write Error",
@@ -275,11 +269,6 @@ Message nothingToImport() {
     return notice("nothing-to-import", "Nothing To Import",
                   "No valid history or cache files found in the selected folder(s).",
                   Tone::Information);
-}
-
-Message sourcesVerified(const SourceCheck &check) {
-    return notice("sources-verified", "Verify Source Files", summaryText(check),
-                  check.allSame() ? Tone::Information : Tone::Warning);
 }
 
 Message loggingFileFailed(const std::filesystem::path &file, std::string_view reason,

@@ -8,16 +8,12 @@
 #include <string_view>
 #include <vector>
 
-namespace nv {
-struct SourceCheck;
-}
-
 namespace nv::messages {
 
 // What the program asks and tells about itself, its projects and its settings. Texts of one subject
-// stand beside it: NetworkMessages.h, ReportMessages.h, and in `views` QueryMessages.h and the
-// headers of what they are about. Examiners' manuals quote all of them, so they stand as they are,
-// misspellings included.
+// stand beside it: TrailMessages.h, NetworkMessages.h, ReportMessages.h, and in `views`
+// QueryMessages.h and the headers of what they are about. Examiners' manuals quote all of them, so
+// they stand as they are, misspellings included.
 
 Message commandLineFileMissing();
 Message commandLineFileUnknown();
@@ -57,8 +53,6 @@ Message invalidBaseFolder();
 /// Of a place that was chosen for writing.
 Message liesInEvidence(const std::filesystem::path &path, const std::filesystem::path &base);
 Message tempFolderHoldsEvidence(const std::filesystem::path &base);
-/// The work itself was done.
-Message trailNotWritten(std::string_view reason);
 Message settingsNotWritten(const std::filesystem::path &file);
 /// `names` as projectValueTable() has them.
 Message projectValuesNotKept(const std::vector<std::string> &names);
@@ -78,7 +72,6 @@ Message nothingToImport();
 /// `count` files could not be registered, the first one for this reason.
 Message loggingFileFailed(const std::filesystem::path &file, std::string_view reason,
                           std::size_t count);
-Message sourcesVerified(const SourceCheck &check);
 Message importFailed(std::string_view reason);
 Message idsBeyondNarrow(std::int64_t largest);
 Message useLinkAnalysis();

@@ -152,6 +152,8 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
     flag("REPORT", "IncludeDataSource", true, "Reports tell the file of each record"),
     flag("REPORT", "IncludeUser", true, "Reports tell the user of each record"),
     flag("REPORT", "IncludeCaseTrail", false, "Reports hold the case trail"),
+    flag("REPORT", "IncludeOrigins", false,
+         "Reports tell where the values of rows with the tick come from"),
     flag("BEYOND", "WideRecordIds", true,
          "Record ids above 32767 may be parts of rebuilt pages, which earlier builds "
          "can't open; False is their limit")

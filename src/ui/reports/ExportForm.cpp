@@ -46,6 +46,7 @@ ExportForm::ExportForm(Export &job, std::size_t rows, Untouchable untouchable, E
     form->addRow(tr("Rows:"), newRowChoice(rows));
     form->addRow(tr("For&mat:"), newFormatChoice());
     form->addRow(tr("Delimiter:"), m_delimiters);
+    form->addRow(tr("&Names:"), newNamesChoice());
     form->addRow(QString(), m_guard);
     form->addRow(tr("F&ile:"), newFileLine());
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
@@ -133,6 +134,16 @@ QWidget *ExportForm::newFormatChoice() {
     return m_format;
 }
 
+QWidget *ExportForm::newNamesChoice() {
+    m_names = new QComboBox;
+    m_names->setObjectName(QStringLiteral("cbNames"));
+    m_names->setAccessibleName(tr("Names of fields"));
+    m_names->setToolTip(tr("What CSV and JSON lines call the columns"));
+    m_names->addItem(tr("As people write them (url, title, visit_count)"));
+    m_names->addItem(tr("Classic (COL_URL_VALUE)"));
+    return m_names;
+}
+
 QWidget *ExportForm::newFileLine() {
     auto *line = new QWidget;
     QHBoxLayout *row = lineOf(*line);
@@ -163,7 +174,8 @@ ExportFormat ExportForm::format() const {
 void ExportForm::followFormat() {
     m_delimiters->setEnabled(format() == ExportFormat::delimited);
     m_guard->setEnabled(format() == ExportFormat::csv);
-    m_columnBox->setEnabled(factsOf(format()).hasColumns);
+    m_names->setEnabled(format() == ExportFormat::csv || format() == ExportFormat::jsonl);
+    m_columnBox->setEnabled(factsOf(format()).content == ExportContent::cells);
     if (!m_file || m_file->text().isEmpty())
         return;
     m_file->setText(pathToQt(withExtensionOf(pathFromQt(m_file->text()), format())));
@@ -211,6 +223,7 @@ void ExportForm::fillJob(const std::filesystem::path &path) {
     m_job.cancel = false;
     m_job.delimiter = kDelimiters.at(static_cast<std::size_t>(m_delimiter->checkedId()));
     m_job.format = format();
+    m_job.names = m_names->currentIndex() == 0 ? FieldNames::people : FieldNames::classic;
     m_job.guardFormulas = m_guard->isChecked();
     m_job.exportAllRows = m_rows->checkedId() == 0;
     m_job.exportAllColumns = m_all->isChecked();

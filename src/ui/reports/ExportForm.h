@@ -31,6 +31,7 @@ class ExportForm final : public QDialog {
     QWidget *newColumns();
     QWidget *newRowChoice(std::size_t rows);
     QWidget *newFormatChoice();
+    QWidget *newNamesChoice();
     QWidget *newFileLine();
     void tickAll(bool on);
     void browse();
@@ -48,6 +49,7 @@ class ExportForm final : public QDialog {
     QButtonGroup *m_delimiter = nullptr;
     QWidget *m_delimiters = nullptr;
     QComboBox *m_format = nullptr;
+    QComboBox *m_names = nullptr;
     QCheckBox *m_guard = nullptr;
     QLineEdit *m_file = nullptr;
 };

@@ -160,6 +160,7 @@ void ReportForm::addContents(QFormLayout &form) {
     grid->addWidget(m_user = named<QCheckBox>("chkIncludeUser", tr("&User")), 1, 2);
     grid->addWidget(m_header = named<QCheckBox>("chkHeader", tr("&Skip the head")), 2, 0);
     grid->addWidget(m_trail = named<QCheckBox>("chkIncludeCaseTrail", tr("Case tra&il")), 2, 1);
+    grid->addWidget(m_origins = named<QCheckBox>("chkIncludeOrigins", tr("Origins")), 2, 2);
     form.addRow(tr("Include:"), boxes);
     m_width = new QComboBox;
     m_width->setObjectName(QStringLiteral("cbURLColWidth"));
@@ -180,6 +181,8 @@ void ReportForm::explain() {
     m_user->setToolTip(tr("A column with the user"));
     m_header->setToolTip(tr("Only the title, the date and the time zone stand above the rows"));
     m_trail->setToolTip(tr("What was done with the project, when and by which version"));
+    m_origins->setToolTip(tr("Where each value of the rows with the tick comes from; the evidence "
+                             "is read again"));
     m_width->setToolTip(tr("Of a tabular report; longer addresses go on in the next line"));
 }
 
@@ -203,6 +206,7 @@ void ReportForm::show(const ReportWriter &report) {
     m_user->setChecked(report.includeUser);
     m_header->setChecked(report.skipHeader);
     m_trail->setChecked(report.includeCaseTrail);
+    m_origins->setChecked(report.includeOrigins);
     m_width->setCurrentIndex(std::max(0, m_width->findData(report.urlColWidth)));
     previewLogo();
     followType();
@@ -228,6 +232,7 @@ void ReportForm::apply(ReportWriter &report) const {
     report.includeUser = m_user->isChecked();
     report.skipHeader = m_header->isChecked();
     report.includeCaseTrail = m_trail->isChecked();
+    report.includeOrigins = m_origins->isChecked();
     report.urlColWidth = m_width->currentData().toInt();
 }
 

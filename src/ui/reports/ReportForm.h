@@ -57,6 +57,7 @@ class ReportForm final : public QDialog {
     QLineEdit *m_thumbnail = nullptr;
     QCheckBox *m_header = nullptr;
     QCheckBox *m_trail = nullptr;
+    QCheckBox *m_origins = nullptr;
     QCheckBox *m_audit = nullptr;
     QCheckBox *m_links = nullptr;
     QCheckBox *m_notes = nullptr;

@@ -10,6 +10,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <algorithm>
+
 namespace nv {
 
 namespace {
@@ -103,6 +105,14 @@ void HexPane::clear() {
 
 bool HexPane::wantsSource() const {
     return m_source->isChecked();
+}
+
+void HexPane::askForSource() {
+    m_source->setChecked(true);
+}
+
+void HexPane::mark(std::uint64_t offset, std::uint64_t length) {
+    m_grid->select({offset, std::max<std::uint64_t>(length, 1)});
 }
 
 void HexPane::openFind() {

@@ -29,6 +29,10 @@ class HexPane final : public ViewerFrame {
     void clear();
     /// The artefact file is wanted, not the cached content.
     bool wantsSource() const;
+    /// As if the examiner had asked for it.
+    void askForSource();
+    /// Marks bytes of the file that is shown.
+    void mark(std::uint64_t offset, std::uint64_t length);
 
   signals:
     void sourceToggled();

@@ -9,6 +9,7 @@
 #include <QBoxLayout>
 #include <QHeaderView>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSplitter>
 #include <QTreeWidget>
 
@@ -52,17 +53,51 @@ PropertiesPane::PropertiesPane(std::function<std::vector<Property>(UrlId)> load,
     : QWidget(parent), m_load(std::move(load)), m_chosen(QStringLiteral("URL")) {
     setObjectName(QStringLiteral("PropertiesPane"));
     m_list = newList();
-    m_whole = newWholeText();
     auto *splitter = new QSplitter(Qt::Horizontal);
     splitter->setObjectName(QStringLiteral("propertiesSplitter"));
     splitter->addWidget(m_list);
-    splitter->addWidget(m_whole);
+    splitter->addWidget(newWhole());
     splitter->setStretchFactor(0, 3);
     splitter->setStretchFactor(1, 2);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(splitter);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &PropertiesPane::showChosen);
+}
+
+/// The whole text with the two questions that it raises.
+QWidget *PropertiesPane::newWhole() {
+    m_whole = newWholeText();
+    m_why = new QPushButton(tr("W&hy?"));
+    m_why->setObjectName(QStringLiteral("btnWhy"));
+    m_why->setAccessibleName(tr("Why has the property this value?"));
+    m_why->setToolTip(tr("Where the value comes from: file, place, the number as it lies, the rule "
+                         "that made it. The evidence is read again"));
+    m_bytes = new QPushButton(tr("&Bytes"));
+    m_bytes->setObjectName(QStringLiteral("btnBytes"));
+    m_bytes->setAccessibleName(tr("Show the bytes of the value"));
+    m_bytes->setToolTip(tr("Leads to the place in the source file, in the pane Hex"));
+    auto *box = new QWidget;
+    auto *buttons = new QHBoxLayout;
+    buttons->addWidget(m_why);
+    buttons->addWidget(m_bytes);
+    buttons->addStretch();
+    auto *column = new QVBoxLayout(box);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(m_whole);
+    column->addLayout(buttons);
+    m_why->setEnabled(false);
+    m_bytes->setEnabled(false);
+    connect(m_why, &QPushButton::clicked, this, [this] { emit whyWanted(m_chosen); });
+    connect(m_bytes, &QPushButton::clicked, this, &PropertiesPane::bytesWanted);
+    return box;
+}
+
+void PropertiesPane::showWhy(const QString &why, bool hasBytes) {
+    showChosen();
+    m_whole->appendPlainText(u'\n' + why);
+    m_whole->moveCursor(QTextCursor::Start);
+    m_bytes->setEnabled(hasBytes);
 }
 
 void PropertiesPane::showRecord(UrlId id) {
@@ -83,12 +118,17 @@ void PropertiesPane::clear() {
     const QSignalBlocker quiet(m_list);
     m_list->clear();
     m_whole->clear();
+    m_why->setEnabled(false);
+    m_bytes->setEnabled(false);
 }
 
 void PropertiesPane::showChosen() {
     QTreeWidgetItem *item = m_list->currentItem();
     const auto place = static_cast<std::size_t>(m_list->indexOfTopLevelItem(item));
-    if (!item || place >= m_properties.size())
+    const bool isChosen = item && place < m_properties.size();
+    m_why->setEnabled(isChosen);
+    m_bytes->setEnabled(false);
+    if (!isChosen)
         return m_whole->clear();
     m_chosen = item->text(0);
     m_whole->setPlainText(shownLines(m_properties[place].value));

@@ -8,6 +8,7 @@
 #include <functional>
 
 class QPlainTextEdit;
+class QPushButton;
 class QTreeWidget;
 
 namespace nv {
@@ -24,13 +25,25 @@ class PropertiesPane final : public QWidget, public RecordPane {
     /// Keeps the chosen property, by its name.
     void showRecord(UrlId id) override;
     void clear() override;
+    /// Below the chosen property's text: where it comes from. `hasBytes` when there are bytes to
+    /// lead to.
+    void showWhy(const QString &why, bool hasBytes);
+
+  signals:
+    /// Where does the chosen property of the record come from?
+    void whyWanted(const QString &field);
+    /// The bytes that the last answer named are wanted.
+    void bytesWanted();
 
   private:
+    QWidget *newWhole();
     void showChosen();
 
     std::function<std::vector<Property>(UrlId)> m_load;
     QTreeWidget *m_list = nullptr;
     QPlainTextEdit *m_whole = nullptr;
+    QPushButton *m_why = nullptr;
+    QPushButton *m_bytes = nullptr;
     std::vector<Property> m_properties; ///< in the order of the list
     QString m_chosen;
 };

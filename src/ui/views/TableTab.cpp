@@ -9,10 +9,10 @@
 #include "ui/views/FindBar.h"
 #include "ui/views/GridText.h"
 #include "ui/views/LayoutBar.h"
+#include "ui/views/QueryBox.h"
 
 #include <QBoxLayout>
 #include <QClipboard>
-#include <QComboBox>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
@@ -21,6 +21,7 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -56,11 +57,7 @@ TableTab::TableTab(RunTask runTask, Examiner &examiner, QWidget *parent)
 TableTab::~TableTab() = default;
 
 QWidget *TableTab::newChoiceBar() {
-    m_queries = new QComboBox;
-    m_queries->setObjectName(QStringLiteral("cbActiveQuery"));
-    m_queries->setAccessibleName(tr("Query"));
-    m_queries->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_queries->setMinimumContentsLength(20);
+    m_queries = new QueryBox;
     m_host = new QLineEdit;
     m_host->setObjectName(QStringLiteral("txtHostFilter"));
     m_host->setAccessibleName(tr("Host"));
@@ -120,6 +117,7 @@ void TableTab::openProject(SQLite::Database &project, FailureLog &log, const Tim
 
 void TableTab::restoreLayout(const TableLayout::Read &read) {
     m_layouts->restore(read);
+    m_queries->listDead(m_layouts->isClassic());
     m_sort = sortIn(read(kSortSetting));
 }
 
@@ -130,6 +128,7 @@ void TableTab::saveLayout(const TableLayout::Write &write) {
 
 /// Classic has rows without a date where the query has them, the other layouts at the end.
 void TableTab::takeLayout() {
+    m_queries->listDead(m_layouts->isClassic());
     const Undated undated = m_layouts->isClassic() ? Undated::AsTheQueryHasThem : Undated::Last;
     if (!m_table || m_table->undated == undated)
         return;
@@ -156,28 +155,22 @@ void TableTab::closeProject() {
     emit currentUrlChanged();
 }
 
-void TableTab::setQueries(const QStringList &names) {
-    const QString chosen = queryName();
-    m_queries->clear();
-    for (const QString &name : names)
-        m_queries->addItem(name.isEmpty() ? tr("Default") : name, name);
-    m_queries->setCurrentIndex(std::max(0, m_queries->findData(chosen)));
+void TableTab::setQueries(const QStringList &names, const QStringList &dead) {
+    m_queries->setQueries(names, dead);
 }
 
 QString TableTab::queryName() const {
-    return m_queries->currentData().toString();
+    return m_queries->query();
 }
 
 void TableTab::chooseQuery(const QString &name) {
-    const int place = m_queries->findData(name);
-    if (place < 0)
-        return;
-    m_queries->setCurrentIndex(place);
-    loadURLs();
+    if (m_queries->choose(name))
+        loadURLs();
 }
 
 void TableTab::showQuery(const QString &name) {
-    m_queries->setCurrentIndex(std::max(0, m_queries->findData(name)));
+    if (!m_queries->choose(name))
+        m_queries->setCurrentIndex(0);
     if (m_table)
         m_table->choice.activeQueryName = fromQt(queryName());
     emit statusChanged();
@@ -295,6 +288,15 @@ void TableTab::noteTick(qint64 urlID, bool tagged) {
         return;
     refreshRows();
     countTick(tagged, m_table->placeOf(UrlId{urlID}).has_value());
+    emit ticked(urlID, 1, tagged);
+}
+
+void TableTab::noteFlipped(qint64 rows) {
+    const int current = m_grid->currentIndex().row();
+    if (!m_table || current < 0)
+        return;
+    const auto place = static_cast<std::size_t>(current);
+    emit ticked(static_cast<qint64>(m_table->idAt(place)), rows, m_table->isTagged(place));
 }
 
 void TableTab::flipTags() {
@@ -305,9 +307,13 @@ void TableTab::flipTags() {
     if (m_grid->selectedRowCount() > 1) {
         m_runTask({"TAGGING URLS", "", "", ""},
                   [this](TaskMonitor &task) { m_grid->flipSelectedTags(task); });
+        const qint64 before = m_tagged;
         countTagged();
+        if (m_tagged != before)
+            noteFlipped(std::abs(m_tagged - before));
     } else if (m_model.flipTag(m_grid->currentIndex().row())) {
         countTick(m_table->isTagged(static_cast<std::size_t>(m_grid->currentIndex().row())), true);
+        noteFlipped(1);
     }
     emit currentUrlChanged();
 }

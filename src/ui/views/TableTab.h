@@ -10,7 +10,6 @@
 #include <functional>
 #include <memory>
 
-class QComboBox;
 class QLineEdit;
 class QMenu;
 class QStackedWidget;
@@ -20,6 +19,7 @@ namespace nv {
 class EmptyPage;
 class FindBar;
 class LayoutBar;
+class QueryBox;
 
 /// Runs a long piece of work with the window locked and the status window at hand.
 using RunTask =
@@ -48,7 +48,8 @@ class TableTab final : public QWidget {
     void saveLayout(const TableLayout::Write &write);
 
     /// The names that the query selector offers; an empty one is the default query.
-    void setQueries(const QStringList &names);
+    /// Those of `dead`, which can find nothing, are only offered in layout Classic.
+    void setQueries(const QStringList &names, const QStringList &dead = {});
     /// Chooses a query, loads its rows.
     void chooseQuery(const QString &name);
     /// Shows that the rows are those of this query, without loading them.
@@ -86,6 +87,8 @@ class TableTab final : public QWidget {
     void layoutEdited();
     /// An entry of the `Sort By` menu has taken effect.
     void sortedBy(nv::SortChoice choice);
+    /// Ticks were set or taken: of this row, or of several that were selected with it.
+    void ticked(qint64 urlID, qint64 rows, bool on);
     /// A tick was to be set in a project that is open for reading only.
     void tickingRefused();
     void importRequested();
@@ -106,6 +109,7 @@ class TableTab final : public QWidget {
     void takeHost();
     void announceHost();
     void countTagged();
+    void noteFlipped(qint64 rows);
     void countTick(bool tagged, bool isShown);
 
     RunTask m_runTask;
@@ -122,7 +126,7 @@ class TableTab final : public QWidget {
     FindBar *m_find = nullptr;
     LayoutBar *m_layouts = nullptr;
     std::optional<ColumnSort> m_sort; ///< the examiner's, whatever query is shown
-    QComboBox *m_queries = nullptr;
+    QueryBox *m_queries = nullptr;
     QLineEdit *m_host = nullptr;
     QString m_knownHost; ///< as it was set or told last
 };

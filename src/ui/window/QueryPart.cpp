@@ -1,7 +1,7 @@
 #include "ui/window/QueryPart.h"
 
 #include "base/Trap.h"
-#include "db/StoredQueries.h"
+#include "db/DeadQueries.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/QueryTab.h"
 #include "ui/views/SQLQueryForm.h"
@@ -12,7 +12,6 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QToolBar>
 
 namespace nv {
 
@@ -62,8 +61,6 @@ void QueryPart::addMenu(QMainWindow &window) {
     menu->addAction(m_actions.favorites);
     auto *tools = window.findChild<QMenu *>(QStringLiteral("menuTools"));
     window.menuBar()->insertMenu(tools ? tools->menuAction() : nullptr, menu);
-    if (auto *bar = window.findChild<QToolBar *>(QStringLiteral("toolBar")))
-        bar->addAction(m_actions.favorites);
 }
 
 void QueryPart::connectActions() {
@@ -154,7 +151,17 @@ void QueryPart::showQueries(const std::vector<std::string> &names, const std::st
     // The table can run a query that no list shows.
     if (!listed.contains(tableName(selected)))
         listed += toQt(selected);
-    m_bench.table->setQueries(listed);
+    m_bench.table->setQueries(listed, deadQueries());
+}
+
+QStringList QueryPart::deadQueries() const {
+    QStringList dead;
+    if (!m_bench.isProjectOpen())
+        return dead;
+    for (const StoredQuery &query : StoredQueries(m_bench.project()).list())
+        if (isDeadQuery(query))
+            dead += toQt(query.name);
+    return dead;
 }
 
 std::string QueryPart::enterQueryName(const Message &prompt) {

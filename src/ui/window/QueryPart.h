@@ -31,6 +31,7 @@ class QueryPart final : public QObject, public QueryView {
     void followTable();
     void takeGrid();
     void showBuilder();
+    QStringList deadQueries() const;
 
     // QueryView
     std::string statement() const override;

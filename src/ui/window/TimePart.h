@@ -36,15 +36,15 @@ class TimePart final : public QObject {
     QString zoneName() const;
 
     Workbench &m_bench;
-    QWidget *m_panel = nullptr;
     QComboBox *m_unit = nullptr;
     QComboBox *m_stack = nullptr;
     QCheckBox *m_hours = nullptr;
     QLabel *m_limit = nullptr;
     QToolButton *m_allTimes = nullptr;
     TimeStrip *m_strip = nullptr;
-    QString m_zone;        ///< of what the strip shows
-    bool m_isStale = true; ///< other rows than those that the strip shows
+    QString m_zone;             ///< of what the strip shows
+    bool m_isStale = true;      ///< other rows than those that the strip shows
+    QWidget *m_panel = nullptr; ///< the last one: making it sets the others
 };
 
 } // namespace nv

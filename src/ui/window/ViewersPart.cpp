@@ -1,5 +1,7 @@
 #include "ui/window/ViewersPart.h"
 
+#include "app/jobs/ExplainJob.h"
+#include "app/jobs/Trail.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "platform/qt/QtText.h"
@@ -75,6 +77,7 @@ ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
     addContentPane(*m_hex, tr("Hex"), "MainForm.showHex()", &ViewersPart::showHex);
     addNotes();
     addReport();
+    addWhy();
     connect(m_picture, &PicturePane::noResizeChanged, this,
             [this](bool noResize) { state().noResizePicture = noResize; });
     connect(m_hex, &HexPane::sourceToggled, bench.viewers, &ViewerTabs::refresh);
@@ -96,6 +99,8 @@ void ViewersPart::addNotes() {
              NoteOutcome outcome = storeNote(bench.project(), id, text, bench.program.around.clock,
                                              bench.program.log);
              bench.table->refreshRows(); // its mark comes or goes
+             if (outcome.stored == NoteStored::stored)
+                 noteNote(bench.program, id, text);
              return outcome;
          },
          [&bench](Date date) { return utcProperty(date, dateSettings(bench.program)); },
@@ -170,6 +175,57 @@ void ViewersPart::showSource(UrlId id) {
         return m_hex->showMissing(sentence(missingSource(*record)));
     state().viewer.hexFilePath = textOf(source->file);
     m_hex->showFile(source->file, source->offset);
+    if (m_named && m_named->id == id && std::exchange(m_named->isWanted, false))
+        m_hex->mark(m_named->offset, m_named->length);
+}
+
+void ViewersPart::addWhy() {
+    m_properties = m_bench.viewers->findChild<PropertiesPane *>();
+    connect(m_properties, &PropertiesPane::whyWanted, this, [this](const QString &field) {
+        m_bench.run("MainForm.Explain()", [this, field] { explain(field); });
+    });
+    connect(m_properties, &PropertiesPane::bytesWanted, this, &ViewersPart::showBytes);
+}
+
+void ViewersPart::explain(const QString &field) {
+    const auto id = m_bench.viewers->record();
+    if (!id || !m_bench.isProjectOpen())
+        return;
+    std::optional<RecordOrigin> origin;
+    m_bench.runTask({"READING THE EVIDENCE AGAIN", "Hashing the source file...", "", ""},
+                    [&](TaskMonitor &task) {
+                        const RecordTools tools(m_bench.program, task,
+                                                m_bench.program.state.tempFolderPath);
+                        origin = explainInProject(m_bench.program, tools, *id, fromQt(field));
+                    });
+    m_named.reset();
+    if (!origin)
+        return m_properties->showWhy(tr("The selected record could not be found."), false);
+    QStringList lines;
+    const auto add = [&lines](const auto &told) {
+        for (const auto &[name, text] : told)
+            lines += QStringLiteral("%1: %2").arg(toQt(name), toQt(displayText(text, 2000)));
+    };
+    for (const ValueOrigin &value : origin->values) {
+        auto told = linesOf(value);
+        std::erase_if(told, [](const auto &line) { return line.first == "Value"; });
+        add(told);
+        if (value.offset)
+            m_named = NamedBytes{*id, *value.offset, value.length};
+    }
+    if (origin->values.empty())
+        lines += tr("This row isn't kept in the project: it is read out of the picture each time.");
+    add(linesOf(*origin));
+    m_properties->showWhy(lines.join(u'\n'), m_named.has_value());
+}
+
+void ViewersPart::showBytes() {
+    if (!m_named)
+        return;
+    m_named->isWanted = true;
+    m_hex->askForSource();
+    m_bench.viewers->setCurrentWidget(m_hex);
+    m_bench.viewers->refresh();
 }
 
 } // namespace nv

@@ -8,6 +8,7 @@ namespace nv {
 class HexPane;
 class NotesPane;
 class PicturePane;
+class PropertiesPane;
 class ReportPane;
 class TextPane;
 
@@ -35,6 +36,10 @@ class ViewersPart final : public QObject {
     void showText(UrlId id);
     void showHex(UrlId id);
     void showSource(UrlId id);
+    void addWhy();
+    /// Where a property of the current record comes from.
+    void explain(const QString &field);
+    void showBytes();
 
     ProgramState &state() { return m_bench.program.state; }
 
@@ -44,6 +49,15 @@ class ViewersPart final : public QObject {
     HexPane *m_hex = nullptr;
     NotesPane *m_notes = nullptr;
     ReportPane *m_report = nullptr;
+    PropertiesPane *m_properties = nullptr;
+    /// The bytes that the last answer to "Why?" named, and whether they are to be marked next.
+    struct NamedBytes {
+        UrlId id = UrlId::none;
+        std::uint64_t offset = 0;
+        std::uint64_t length = 0;
+        bool isWanted = false;
+    };
+    std::optional<NamedBytes> m_named;
 };
 
 } // namespace nv

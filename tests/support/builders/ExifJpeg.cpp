@@ -41,11 +41,24 @@ ExifJpeg &ExifJpeg::undefined(std::uint16_t tag, std::string_view bytes) {
     return *this;
 }
 
-std::string ExifJpeg::tiff() const {
-    const std::size_t valuesAt = 8 + 2 + 12 * m_entries.size() + 4;
-    std::string directory = le(static_cast<std::uint32_t>(m_entries.size()), 2);
+ExifJpeg &ExifJpeg::position(std::vector<std::uint32_t> latitude, char northSouth,
+                             std::vector<std::uint32_t> longitude, char eastWest) {
+    const auto value = [](const std::vector<std::uint32_t> &parts) {
+        return le(parts.at(0), 4) + le(1, 4) + le(parts.at(1), 4) + le(1, 4) + le(parts.at(2), 4) +
+               le(100, 4);
+    };
+    m_position = {{1, 2, 2, std::string(1, northSouth) + '\0'},
+                  {2, 5, 3, value(latitude)},
+                  {3, 2, 2, std::string(1, eastWest) + '\0'},
+                  {4, 5, 3, value(longitude)}};
+    return *this;
+}
+
+std::string ExifJpeg::directoryOf(const std::vector<Entry> &entries, std::size_t at) {
+    const std::size_t valuesAt = at + 2 + 12 * entries.size() + 4;
+    std::string directory = le(static_cast<std::uint32_t>(entries.size()), 2);
     std::string values;
-    for (const Entry &entry : m_entries) {
+    for (const Entry &entry : entries) {
         directory += le(entry.tag, 2) + le(entry.type, 2) + le(entry.count, 4);
         if (entry.value.size() <= 4) {
             directory += entry.value + std::string(4 - entry.value.size(), '\0');
@@ -54,7 +67,19 @@ std::string ExifJpeg::tiff() const {
         directory += le(static_cast<std::uint32_t>(valuesAt + values.size()), 4);
         values += entry.value;
     }
-    return std::string("II*\0", 4) + le(8, 4) + directory + le(0, 4) + values;
+    return directory + le(0, 4) + values;
+}
+
+std::string ExifJpeg::tiff() const {
+    constexpr std::size_t kFirst = 8;
+    const std::string head = std::string("II*\0", 4) + le(kFirst, 4);
+    if (m_position.empty())
+        return head + directoryOf(m_entries, kFirst);
+    std::vector<Entry> entries = m_entries;
+    entries.push_back({0x8825, 4, 1, le(0, 4)});
+    const std::size_t behind = kFirst + directoryOf(entries, kFirst).size();
+    entries.back().value = le(static_cast<std::uint32_t>(behind), 4);
+    return head + directoryOf(entries, kFirst) + directoryOf(m_position, behind);
 }
 
 std::string ExifJpeg::bytes(int before) const {

@@ -16,6 +16,10 @@ class ExifJpeg {
     ExifJpeg &rational(std::uint16_t tag, std::uint32_t numerator, std::uint32_t denominator);
     ExifJpeg &undefined(std::uint16_t tag, std::string_view bytes);
 
+    /// Where it was taken: degrees, minutes, hundredths of a second, and the letters.
+    ExifJpeg &position(std::vector<std::uint32_t> latitude, char northSouth,
+                       std::vector<std::uint32_t> longitude, char eastWest);
+
     /// The directory with its values, as a TIFF file has them.
     std::string tiff() const;
     /// With `before` segments of another kind in front of that of EXIF.
@@ -28,7 +32,10 @@ class ExifJpeg {
         std::uint32_t count;
         std::string value;
     };
+    static std::string directoryOf(const std::vector<Entry> &entries, std::size_t at);
+
     std::vector<Entry> m_entries;
+    std::vector<Entry> m_position;
 };
 
 } // namespace nv::test

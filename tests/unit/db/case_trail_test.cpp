@@ -1,10 +1,12 @@
 #include "db/CaseTrail.h"
 #include "db/ProjectDatabase.h"
+#include "db/TrailChain.h"
 #include "support/TempFolder.h"
 #include "support/TestDoubles.h"
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Exception.h>
+#include <SQLiteCpp/Savepoint.h>
 #include <gtest/gtest.h>
 
 namespace nv {
@@ -60,6 +62,110 @@ TEST_F(CaseTrailTest, whatIsWrittenCantBeChanged) {
                  SQLite::Exception);
     EXPECT_THROW(project.connection().exec("DELETE FROM AuditTrail"), SQLite::Exception);
     EXPECT_EQ(CaseTrail(project.connection()).entries().size(), 1U);
+}
+
+/// Six entries, and the trail without its guards, for what a forger could do.
+struct TrailChainTest : CaseTrailTest {
+    TrailChainTest() {
+        for (int number = 1; number <= 6; ++number)
+            add("entry " + std::to_string(number));
+    }
+    void add(const std::string &detail) {
+        TrailEntry entry;
+        entry.actionDateUTC = Date::fromUnixSeconds(1308139200);
+        entry.action = "Import";
+        entry.detail = detail;
+        entry.fileSize = 5;
+        CaseTrail(project.connection()).add(entry);
+    }
+    void forge(const std::string &sql) {
+        project.connection().exec("DROP TRIGGER IF EXISTS AuditTrail_NoUpdate; "
+                                  "DROP TRIGGER IF EXISTS AuditTrail_NoDelete; " +
+                                  sql);
+    }
+    TrailChain chain() { return checkTrail(project.connection()); }
+};
+
+TEST_F(TrailChainTest, eachEntryHoldsTheHashOfTheOneBefore) {
+    const auto entries = CaseTrail(project.connection()).entries();
+    ASSERT_EQ(entries.size(), 6U);
+    for (std::size_t at = 0; at < entries.size(); ++at) {
+        EXPECT_EQ(entries[at].entryHash.size(), 64U);
+        EXPECT_EQ(entries[at].entryHash, trailHash(entries[at], entries[at].previousHash));
+        EXPECT_EQ(entries[at].previousHash, at == 0 ? "" : entries[at - 1].entryHash);
+    }
+    EXPECT_TRUE(chain().isWhole());
+    EXPECT_EQ(chain().entries, 6);
+    EXPECT_EQ(chain().head, entries.back().entryHash);
+    EXPECT_NE(chainText(chain()).find(entries.back().entryHash), std::string::npos);
+}
+
+TEST_F(TrailChainTest, theHashIsTheOneOfTheDocument) {
+    TrailEntry entry;
+    entry.action = "Import";
+    // printf '0:\n0:\n6:Import\n0:\n0:\n1:0\n0:\n0:\n1:0\n0:\n' | sha256sum
+    EXPECT_EQ(trailHash(entry, ""),
+              "7bfecd2aecdb0a051c89c866bc9bfd1633a73b54204bf58b01d7a2fac1540822");
+}
+
+TEST_F(TrailChainTest, eachKindOfForgeryIsNamedByItsFirstEntry) {
+    const std::vector<std::pair<std::string, std::int64_t>> forgeries = {
+        {"UPDATE AuditTrail SET Detail = 'other' WHERE Trail_ID = 3", 3},
+        {"UPDATE AuditTrail SET ActionDateUTC = ActionDateUTC + 1 WHERE Trail_ID = 6", 6},
+        {"UPDATE AuditTrail SET EntryHash = PreviousHash WHERE Trail_ID = 4", 4},
+        {"UPDATE AuditTrail SET EntryHash = '', PreviousHash = '' WHERE Trail_ID = 4", 4},
+        {"DELETE FROM AuditTrail WHERE Trail_ID = 2", 2},
+        {"DELETE FROM AuditTrail WHERE Trail_ID = 1", 1},
+        {"DELETE FROM AuditTrail WHERE Trail_ID = 6", 6},
+        {"DELETE FROM AuditTrail", 1}};
+    for (const auto &[sql, number] : forgeries) {
+        SQLite::Savepoint undone(project.connection(), "forgery");
+        forge(sql);
+        EXPECT_EQ(chain().broken, number) << sql << ' ' << chainText(chain());
+        undone.rollback();
+    }
+    EXPECT_TRUE(chain().isWhole());
+}
+
+TEST_F(TrailChainTest, aTrailOfAnEarlierVersionIsChainedFromThenOn) {
+    forge("ALTER TABLE AuditTrail DROP COLUMN EntryHash; "
+          "ALTER TABLE AuditTrail DROP COLUMN PreviousHash; "
+          "DELETE FROM SchemaColumns WHERE ColumnName LIKE '%Hash' AND TableName = 'AuditTrail'");
+    EXPECT_EQ(chain().unchained, 6);
+    EXPECT_TRUE(chain().isWhole());
+    EXPECT_NE(chainText(chain()).find("not chained"), std::string::npos);
+    add("the first of this version");
+    add("the second");
+    EXPECT_EQ(chain().entries, 8);
+    EXPECT_EQ(chain().unchained, 6);
+    EXPECT_TRUE(chain().isWhole()) << chainText(chain());
+    EXPECT_EQ(project.connection()
+                  .execAndGet("SELECT count(*) FROM SchemaColumns WHERE TableName = 'AuditTrail' "
+                              "AND ColumnName IN ('PreviousHash', 'EntryHash')")
+                  .getInt(),
+              2);
+    forge("UPDATE AuditTrail SET Detail = 'other' WHERE Trail_ID = 2");
+    EXPECT_EQ(chain().broken, 7) << "what follows was chained to it";
+}
+
+TEST_F(TrailChainTest, aTableThatOnlyBearsTheNameStaysAsItIs) {
+    forge("DROP TABLE AuditTrail; CREATE TABLE AuditTrail (x)");
+    EXPECT_ANY_THROW(add("nothing"));
+    EXPECT_EQ(project.connection()
+                  .execAndGet("SELECT count(*) FROM pragma_table_info('AuditTrail')")
+                  .getInt(),
+              1);
+}
+
+TEST_F(TrailChainTest, textsOfAnyKindAreHashedAsTheyAreStored) {
+    add(std::string("a\0b\xFF\n1:x", 9));
+    add("");
+    EXPECT_TRUE(chain().isWhole()) << chainText(chain());
+}
+
+TEST_F(CaseTrailTest, aProjectWithoutATrailHasNoChain) {
+    EXPECT_TRUE(checkTrail(project.connection()).isWhole());
+    EXPECT_EQ(chainText(checkTrail(project.connection())), "The case trail has no entries.");
 }
 
 } // namespace

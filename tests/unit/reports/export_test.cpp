@@ -13,6 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include <regex>
+#include <set>
 
 namespace nv {
 namespace {
@@ -131,9 +132,38 @@ TEST_F(ExportTest, longTextsAreWholeAndCantForgeALine) {
 
 TEST_F(ExportTest, csvIsQuotedAndInUtf8) {
     EXPECT_EQ(written(ExportFormat::csv),
-              "Index,COL_URL_TAG,URL,Visits,Action Date [UTC],Web Page Title\r\n"
+              "index,tagged,url,visit_count,action_date_utc,title\r\n"
               "1,True,\"http://a.example/|x,\"\"y\"\";caf\u00E9\u4E2D\",3,2009-02-13T23:31:30Z,\r\n"
               "2,False,\"=HYPERLINK(\"\"http://x\"\")\",,,\"two\r\nlines\"\r\n");
+}
+
+TEST_F(ExportTest, theNamesOfBeforeAreThereOnDemand) {
+    job.names = FieldNames::classic;
+    EXPECT_TRUE(
+        written(ExportFormat::csv)
+            .starts_with("Index,COL_URL_TAG,URL,Visits,Action Date [UTC],Web Page Title\r\n"));
+    const nlohmann::json event = events().at(0);
+    EXPECT_EQ(event.at("COL_URL_VALUE"), kWhole);
+    EXPECT_EQ(event.at("Index"), 1);
+    EXPECT_FALSE(event.contains("url"));
+}
+
+TEST_F(ExportTest, noTwoFieldsOfALineHaveOneName) {
+    job.exportAllColumns = true;
+    written(ExportFormat::jsonl);
+    const std::string line(ByteView(readWhole(out)).raw());
+    std::set<std::string> names;
+    std::size_t count = 0;
+    const auto note = [&](int depth, nlohmann::json::parse_event_t event, nlohmann::json &parsed) {
+        if (depth == 1 && event == nlohmann::json::parse_event_t::key) {
+            ++count;
+            names.insert(parsed.get<std::string>());
+        }
+        return true;
+    };
+    EXPECT_TRUE(nlohmann::json::parse(line.substr(0, line.find('\n')), note).is_object());
+    EXPECT_EQ(count, kUrlColumnCount + 4);
+    EXPECT_EQ(names.size(), count);
 }
 
 TEST_F(ExportTest, formulasOfCsvAreGuardedOnDemand) {
@@ -151,18 +181,18 @@ TEST_F(ExportTest, jsonLinesAreEventsOfATimeline) {
     EXPECT_EQ(event.at("datetime"), "2009-02-13T23:31:30.250000+00:00");
     EXPECT_EQ(event.at("timestamp"), 1234567890250000);
     EXPECT_TRUE(event.at("timestamp").is_number_integer());
-    EXPECT_EQ(event.at("COL_URL_VALUE"), kWhole);
-    EXPECT_EQ(event.at("COL_URL_VISITS"), 3);
-    EXPECT_EQ(event.at("COL_URL_TAG"), true);
-    EXPECT_EQ(event.at("Index"), 1);
-    EXPECT_EQ(list.at(1).at("COL_URL_WEBPAGE_TITLE"), "two\r\nlines");
+    EXPECT_EQ(event.at("url"), kWhole);
+    EXPECT_EQ(event.at("visit_count"), 3);
+    EXPECT_EQ(event.at("tagged"), true);
+    EXPECT_EQ(event.at("index"), 1);
+    EXPECT_EQ(list.at(1).at("title"), "two\r\nlines");
 }
 
 TEST_F(ExportTest, everyDateOfAnEventIsIso) {
     job.exportAllColumns = true;
     const std::regex iso(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d(\.\d{6}\+00:00|Z|[+-]\d\d:\d\d))");
     const nlohmann::json event = events().at(0);
-    for (const char *key : {"datetime", "COL_URL_ACTION_DATE_UTC", "COL_URL_ACTION_DATE_LOCAL"})
+    for (const char *key : {"datetime", "action_date_utc", "action_date_local"})
         EXPECT_TRUE(std::regex_match(event.at(key).get<std::string>(), iso)) << event.at(key);
 }
 
@@ -186,7 +216,7 @@ TEST_F(ExportTest, datesBefore1970CountBackwards) {
 TEST_F(ExportTest, bytesThatAreNoUtf8BecomeText) {
     project.db().exec("UPDATE URLs SET WebPageTitle = CAST(x'636166E9' AS TEXT) WHERE URL_ID = 1");
     table.refreshRows();
-    EXPECT_EQ(events().at(0).at("COL_URL_WEBPAGE_TITLE"), "caf\u00E9");
+    EXPECT_EQ(events().at(0).at("title"), "caf\u00E9");
     EXPECT_TRUE(isUtf8(written(ExportFormat::csv)));
 }
 
@@ -260,7 +290,7 @@ TEST_F(ExportTest, furtherSheetsAreToldOf) {
 
 TEST_F(ExportTest, aRowOfOneEmptyCellIsARowOfCsv) {
     job.selectedColumns = columnsFromString("Web Page Title|COL_URL_WEBPAGE_TITLE;");
-    EXPECT_EQ(written(ExportFormat::csv), "Web Page Title\r\n\"\"\r\n\"two\r\nlines\"\r\n");
+    EXPECT_EQ(written(ExportFormat::csv), "title\r\n\"\"\r\n\"two\r\nlines\"\r\n");
 }
 
 TEST_F(ExportTest, whatASpreadsheetRunsIsGuarded) {
@@ -284,9 +314,9 @@ TEST_F(ExportTest, hostileTextsGoThroughEveryForm) {
     job.selectedColumns = columnsFromString("Title|COL_URL_WEBPAGE_TITLE;Host|COL_URL_HOST;"
                                             "URL|COL_URL_VALUE;");
     const nlohmann::json event = events().at(0);
-    EXPECT_EQ(event.at("COL_URL_WEBPAGE_TITLE"), title);
-    EXPECT_EQ(event.at("COL_URL_VALUE").get<std::string>().size(), 1'000'011U);
-    EXPECT_TRUE(isUtf8(event.at("COL_URL_HOST").get<std::string>()));
+    EXPECT_EQ(event.at("title"), title);
+    EXPECT_EQ(event.at("url").get<std::string>().size(), 1'000'011U);
+    EXPECT_TRUE(isUtf8(event.at("host").get<std::string>()));
     const std::string csv = written(ExportFormat::csv);
     EXPECT_THAT(csv, HasSubstr('"' + replaceAll(title, "\"", "\"\"") + '"'));
     EXPECT_TRUE(isUtf8(csv));

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "base/Digest.h"
+#include "base/FailureLog.h"
+#include "db/Ids.h"
+#include "readers/Evidence.h"
+#include "time/ShownDate.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace SQLite {
+class Database;
+}
+
+namespace nv {
+
+/// What the evidence says today of a value that was read from it.
+enum class OriginCheck {
+    same,     ///< it was read again, and gives the value
+    differs,  ///< it was read again, and gives another one
+    unread,   ///< it can't be read again: `note` says why
+    notKept,  ///< how it was made isn't kept: the page of the format tells it in general
+    derived,  ///< made by the program of other values
+    examiner, ///< the examiner's own
+};
+/// "same", "differs", "unread", "not kept", "derived", "examiner".
+std::string_view checkWord(OriginCheck check);
+
+/// Where a value of a record comes from.
+struct ValueOrigin {
+    std::string field;
+    std::string value; ///< as the properties show it
+    OriginCheck check = OriginCheck::notKept;
+    std::string place; ///< "table visits, row 17, column visit_time"; may be empty
+    std::optional<std::uint64_t> offset; ///< of its bytes in the source file, where they are known
+    std::uint64_t length = 0;            ///< of them
+    std::string stored;                  ///< the number, text or bytes as they lie; may be empty
+    std::string rule;                    ///< the clock or rule that made the value
+    std::string zone; ///< of a date: the zone it is in, and the one it was read in
+    std::string note; ///< what else has to be known; may be empty
+};
+
+/// Whether the source file is the one that was imported. Hashes decide.
+enum class SourceNow { same, changed, gone, unhashed };
+
+/// Where a record comes from, value by value.
+struct RecordOrigin {
+    std::int64_t id = 0;
+    std::string kind;
+    std::string version;       ///< by which the format was read
+    std::string file;          ///< as the project names it
+    std::int64_t fileSize = 0; ///< bytes, at the import
+    std::string md5;           ///< then; both may be empty
+    std::string sha256;
+    SourceNow state = SourceNow::unhashed;
+    std::string fileNote; ///< what the state means
+    std::string page;     ///< "docs/formats/chrome-history.md"; empty for an unknown kind
+    std::vector<ValueOrigin> values;
+};
+
+/// What explaining goes by; all must outlive the call.
+struct ExplainSource {
+    SQLite::Database &project;
+    const Evidence &evidence;
+    std::filesystem::path scratch; ///< an existing folder of the program's own
+    const TimeZone &zone;
+    DateSettings dates;
+    FailureLog &log;
+};
+
+class EvidenceTables;
+
+/// Explains records. A file of the evidence is hashed once, and an SQLite file stays open until a
+/// record of another one comes: give it the records of one file after the other.
+class Explainer {
+  public:
+    explicit Explainer(ExplainSource source);
+    ~Explainer();
+    Explainer(const Explainer &) = delete;
+    Explainer &operator=(const Explainer &) = delete;
+
+    /// Of all fields that have a value, or of one. The evidence is read again, and nothing is
+    /// written but a copy of an SQLite file in the scratch folder. Nothing when there is no such
+    /// row. Throws what the database of the project says.
+    std::optional<RecordOrigin> explain(UrlId id, const std::string &field = {});
+
+  private:
+    struct Hashed {
+        std::optional<FileHashes> hashes;
+        std::string failure;
+    };
+    const Hashed &hashed(const std::filesystem::path &file);
+    void setState(const std::optional<std::filesystem::path> &file, RecordOrigin &origin);
+
+    ExplainSource m_source;
+    std::map<std::filesystem::path, Hashed> m_hashed;
+    std::unique_ptr<EvidenceTables> m_tables;
+};
+
+/// In lines for people, each "name  text".
+std::vector<std::pair<std::string, std::string>> linesOf(const RecordOrigin &record);
+std::vector<std::pair<std::string, std::string>> linesOf(const ValueOrigin &value);
+
+} // namespace nv

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "readers/FieldRules.h"
+#include "readers/sqlite/EvidenceDatabase.h"
+#include "time/Date.h"
+#include "views/explain/Explain.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace nv {
+
+/// A value as it lies in the source today.
+struct SourceValue {
+    std::string place;
+    std::optional<std::uint64_t> offset;
+    std::uint64_t length = 0;
+    std::string stored;                 ///< for people
+    std::optional<std::int64_t> number; ///< where it is one
+    std::string text;                   ///< where it is one
+    std::string whyNot;                 ///< why it can't be read; empty when it was
+};
+
+/// Where a record lies in its source file.
+struct RecordPlace {
+    std::string table; ///< of an SQLite file
+    std::optional<std::int64_t> rowId;
+    std::optional<std::uint64_t> offset; ///< of other files, in bytes
+};
+
+/// The SQLite file of the evidence that was asked for last, copied and opened.
+class EvidenceTables {
+  public:
+    /// Both must outlive this.
+    EvidenceTables(const Evidence &evidence, std::filesystem::path scratch);
+    ~EvidenceTables();
+    EvidenceTables(const EvidenceTables &) = delete;
+    EvidenceTables &operator=(const EvidenceTables &) = delete;
+
+    /// Throws EvidenceFailure and EvidenceDamage.
+    EvidenceDatabase &of(const std::filesystem::path &file);
+
+  private:
+    struct Opened;
+
+    const Evidence &m_evidence;
+    std::filesystem::path m_scratch;
+    std::unique_ptr<Opened> m_opened;
+};
+
+/// Reads the values of one record again.
+class SourceValues {
+  public:
+    /// `tables` and `log` must outlive this.
+    SourceValues(EvidenceTables &tables, FailureLog &log, std::filesystem::path file,
+                 RecordPlace place);
+
+    /// Failures are told in the value.
+    SourceValue read(const FieldRule &rule);
+
+  private:
+    void readCell(const FieldRule &rule, SourceValue &value);
+    void readBytes(const FieldRule &rule, SourceValue &value) const;
+
+    EvidenceTables &m_tables;
+    FailureLog &m_log;
+    std::filesystem::path m_file;
+    RecordPlace m_place;
+};
+
+/// The date that the number is by its form; nothing for what is no date.
+Date dateOf(SourceForm form, std::int64_t number);
+
+} // namespace nv

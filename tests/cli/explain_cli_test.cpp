@@ -1,0 +1,184 @@
+#include "cli/CliCase.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <map>
+
+namespace nv::test {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testing::HasSubstr;
+
+class ExplainCliTest : public CliCase {
+  protected:
+    ExplainCliTest() {
+        fs::create_directories(history.parent_path());
+        SQLite::Database file(history.string(), SQLite::OPEN_CREATE | SQLite::OPEN_READWRITE);
+        file.exec("CREATE TABLE urls (id INTEGER PRIMARY KEY, url TEXT, title TEXT, visit_count "
+                  "INTEGER, typed_count INTEGER, last_visit_time INTEGER, hidden INTEGER);"
+                  "CREATE TABLE visits (id INTEGER PRIMARY KEY, url INTEGER, visit_time INTEGER, "
+                  "from_visit INTEGER, transition INTEGER, visit_duration INTEGER);"
+                  "INSERT INTO urls VALUES (7, 'http://a.example/p%20q', 'A page', 2, 1, "
+                  "12943324800123456, 0);"
+                  "INSERT INTO visits VALUES (3, 7, 12943324800123456, 0, -1610612736, 0), "
+                  "(2, 7, 12943324700000000, 0, 1, 5000000)");
+    }
+    void importAll() {
+        const CliResult run = cli({"import", project, (folder.path() / "evidence").string()});
+        ASSERT_EQ(run.exit, 0) << run.err;
+    }
+    json explained(int row, int exit = 0) {
+        const CliResult run = cli({"explain", project, std::to_string(row), "--format", "json"});
+        EXPECT_EQ(run.exit, exit) << run.err;
+        return json::parse(run.out, nullptr, false);
+    }
+    static json valueIn(const json &record, const std::string &field) {
+        for (const json &value : record.at("values"))
+            if (value.at("field") == field)
+                return value;
+        return {};
+    }
+
+    fs::path history = folder.path() / "evidence/alice/Chrome/User Data/Default/History";
+};
+
+TEST_F(ExplainCliTest, aValueOfATableIsReadAgainWhereItLies) {
+    importAll();
+    const json record = explained(1);
+    EXPECT_EQ(record.at("kind"), "Chrome History");
+    EXPECT_EQ(record.at("format_page"), "docs/formats/chrome-history.md");
+    EXPECT_EQ(record.at("source").at("today"), "same");
+    EXPECT_EQ(record.at("source").at("sha256").get<std::string>().size(), 64U);
+    const json date = valueIn(record, "ActionDateUTC");
+    EXPECT_EQ(date.at("place"), "table urls, row 7, column last_visit_time");
+    EXPECT_EQ(date.at("stored"), "12943324800123456");
+    EXPECT_EQ(date.at("check"), "same");
+    EXPECT_THAT(date.at("rule"), HasSubstr("since 1601"));
+    EXPECT_THAT(date.at("zone"), HasSubstr("UTC"));
+    const json url = valueIn(record, "URL");
+    EXPECT_EQ(url.at("stored"), "http://a.example/p%20q");
+    EXPECT_EQ(url.at("check"), "same");
+    EXPECT_THAT(url.at("note"), HasSubstr("percent coding undone"));
+    EXPECT_EQ(valueIn(record, "Visits").at("check"), "same");
+    EXPECT_EQ(valueIn(record, "HashedURL").at("check"), "derived");
+    EXPECT_TRUE(valueIn(record, "ActionDateLocal").contains("zone"));
+}
+
+TEST_F(ExplainCliTest, noValueThatHasARuleDiffersFromItsSource) {
+    importAll();
+    std::map<std::string, int> checks;
+    for (int row = 1; row <= 2; ++row) {
+        const json record = explained(row);
+        for (const json &value : record.at("values"))
+            ++checks[value.at("check").get<std::string>()];
+    }
+    EXPECT_EQ(checks["differs"], 0);
+    EXPECT_EQ(checks["unread"], 0);
+    EXPECT_GT(checks["same"], 8);
+}
+
+TEST_F(ExplainCliTest, evidenceThatHasChangedIsToldSo) {
+    importAll();
+    SQLite::Database(history.string(), SQLite::OPEN_READWRITE)
+        .exec("UPDATE urls SET last_visit_time = last_visit_time + 60000000");
+    const json record = explained(1, 2);
+    EXPECT_EQ(record.at("source").at("today"), "changed");
+    EXPECT_EQ(valueIn(record, "ActionDateUTC").at("check"), "differs");
+    EXPECT_EQ(valueIn(record, "WebPageTitle").at("check"), "same");
+}
+
+TEST_F(ExplainCliTest, evidenceThatIsGoneLeavesWhatTheImportKept) {
+    importAll();
+    fs::remove(history);
+    const json record = explained(1);
+    EXPECT_EQ(record.at("source").at("today"), "gone");
+    EXPECT_EQ(valueIn(record, "ActionDateUTC").at("check"), "unread");
+}
+
+TEST_F(ExplainCliTest, aRowOrAColumnThatIsGoneIsToldAndNothingCrashes) {
+    importAll();
+    SQLite::Database(history.string(), SQLite::OPEN_READWRITE)
+        .exec("DELETE FROM urls; ALTER TABLE urls DROP COLUMN title");
+    const json record = explained(1, 2);
+    EXPECT_THAT(valueIn(record, "ActionDateUTC").at("note"), HasSubstr("no such row"));
+    EXPECT_THAT(valueIn(record, "WebPageTitle").at("note"), HasSubstr("no such column"));
+    writeWhole(history, "no database at all");
+    EXPECT_EQ(valueIn(explained(1, 2), "ActionDateUTC").at("check"), "unread");
+}
+
+TEST_F(ExplainCliTest, bytesOfAnIndexAreNamedByTheirPlace) {
+    IndexDat index;
+    index.add({.url = "Visited: mara@http://a.example/", .secondDate = fileTime(2011, 3, 1, 12)});
+    folder.write("evidence/History.IE5/index.dat", index.bytes());
+    fs::remove_all(folder.path() / "evidence/alice");
+    importAll();
+    const json record = explained(1);
+    const json date = valueIn(record, "ActionDateUTC");
+    EXPECT_EQ(date.at("check"), "same") << date;
+    EXPECT_EQ(date.at("length"), 8);
+    EXPECT_EQ(date.at("offset").get<int>(),
+              valueIn(record, "URLRawValue").at("offset").get<int>() - 0x68 + 0x10);
+    EXPECT_EQ(valueIn(record, "URLRawValue").at("check"), "same");
+}
+
+/// The rules against what the readers make: of every format that has some.
+class ExplainGoldenTest : public ExplainCliTest,
+                          public testing::WithParamInterface<const char *> {};
+
+TEST_P(ExplainGoldenTest, noValueDiffersFromItsSource) {
+    fs::remove_all(folder.path() / "evidence");
+    fs::copy(fs::path(NV_GOLDEN_DIR) / GetParam() / "input", folder.path() / "evidence",
+             fs::copy_options::recursive);
+    importAll();
+    std::map<std::string, int> checks;
+    for (int row = 1; row <= 40; ++row) {
+        const CliResult run = cli({"explain", project, std::to_string(row), "--format", "json"});
+        if (run.exit == 1)
+            break;
+        const json record = json::parse(run.out, nullptr, false);
+        ASSERT_FALSE(record.is_discarded()) << run.err;
+        for (const json &value : record.at("values")) {
+            const auto check = value.at("check").get<std::string>();
+            ++checks[check];
+            EXPECT_NE(check, "differs") << record.at("kind") << ' ' << value;
+        }
+    }
+    EXPECT_GT(checks["same"], 3);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, ExplainGoldenTest,
+    testing::Values("chrome-history/three-pages", "chromium-history/every-table",
+                    "chromium-cookies/every-column", "chromium-logins/three-logins",
+                    "firefox-places/every-further-row", "firefox-cookies/of-firefox-153",
+                    "firefox-forms/three-values", "ie-index/main-history",
+                    "ie-index/cache-with-files"));
+
+TEST_F(ExplainCliTest, aReportTellsItOfRowsWithTheTick) {
+    importAll();
+    ASSERT_EQ(cli({"tag", project, "1"}).exit, 0);
+    const std::string out = (folder.path() / "report").string();
+    const CliResult run = cli({"report", project, "--type", "tabular", "--out", out, "--origins"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    const std::string page = text(fs::path(out) / "index-history.htm");
+    EXPECT_THAT(page, HasSubstr("ORIGINS:"));
+    EXPECT_THAT(page, HasSubstr("table urls, row 7, column last_visit_time"));
+    EXPECT_THAT(page, testing::Not(HasSubstr("table visits, row 2")));
+}
+
+TEST_F(ExplainCliTest, oneFieldIsToldInWords) {
+    importAll();
+    const CliResult run = cli({"explain", project, "1", "--field", "visits"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("Lies at       table urls, row 7, column visit_count\n"));
+    EXPECT_THAT(run.out, HasSubstr("the source was read again and gives this value"));
+    EXPECT_EQ(cli({"explain", project, "1", "--field", "nothing"}).exit, 1);
+    EXPECT_EQ(cli({"explain", project, "99"}).exit, 1);
+}
+
+} // namespace
+} // namespace nv::test

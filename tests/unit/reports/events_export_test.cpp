@@ -1,0 +1,250 @@
+#include "base/Files.h"
+#include "base/Text.h"
+#include "db/RecordFacts.h"
+#include "rebuild/RebuildContext.h"
+#include "reports/ExportRows.h"
+#include "reports/events/RecordEvents.h"
+#include "support/SmallFiles.h"
+#include "support/TestProject.h"
+#include "support/WorkingFolder.h"
+#include "support/builders/ExifJpeg.h"
+#include "unit/views/MadeProject.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <map>
+#include <regex>
+#include <set>
+
+namespace nv {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+struct EventsExportTest : testing::Test {
+    EventsExportTest() {
+        project.add({{"URL", "http://a.example/x|y,z"},
+                     {"Visits", std::int64_t{3}},
+                     {"Action", "Visited"},
+                     {"Host", "a.example"},
+                     {"CacheType", "Chrome Visit"},
+                     {"Browser", "Chrome"},
+                     {"WebPageTitle", "two\r\nlines"},
+                     {"ActionDateUTC", test::daysOf({2009, 2, 13, 23, 31, 30}) + 0.25 / 86400},
+                     {"OtherDate", test::daysOf({2009, 2, 13, 23, 40, 0})},
+                     {"OtherDateMeaning", "Last Modified"},
+                     {"Tagged", std::int64_t{1}}});
+        FactList facts;
+        facts.add("created", "2008-01-02 03:04:05.678901", std::int64_t{7});
+        facts.add("last_used", "2008-01-02 03:04:05.678901");
+        facts.add("end_time", "2009-02-13 23:40:00.5");
+        facts.add("last_modified", "Fri, 13 Feb 2009 23:31:30 GMT");
+        facts.add("count", 7);
+        RecordFacts(project.db()).store(UrlId{1}, facts);
+        project.add({{"URL", "http://b.example/"}, {"CacheType", "Chrome Cookies"}});
+        table.loadURLs(nobody);
+        table.sortBy(UrlColumn::Id, SortDirection::Ascending, nobody);
+    }
+
+    std::string written(ExportFormat format) {
+        job.format = format;
+        job.outputFilePath = out;
+        EXPECT_EQ(exportRows(job, table, project.folder.path(), nobody), ExportEnd::exported);
+        return std::string(ByteView(readWhole(out)).raw());
+    }
+    std::vector<std::string> lines(ExportFormat format) {
+        std::vector<std::string> list;
+        const std::string text = written(format);
+        for (const std::string_view line : split(text, '\n'))
+            if (!line.empty())
+                list.emplace_back(line);
+        return list;
+    }
+    std::vector<nlohmann::json> events() {
+        std::vector<nlohmann::json> list;
+        for (const std::string &line : lines(ExportFormat::timesketch))
+            list.push_back(nlohmann::json::parse(line));
+        return list;
+    }
+
+    test::MadeProject project;
+    Unwatched nobody;
+    UrlTable table{project.db(), project.log, project.zone};
+    Export job;
+    test::TempFolder folder;
+    fs::path out = folder.path() / "out.txt";
+};
+
+TEST_F(EventsExportTest, eachDateOfARecordIsAnEventOfItsOwn) {
+    std::vector<std::string> told;
+    for (const auto &event : events())
+        told.push_back(event.at("datetime").get<std::string>() + " " +
+                       event.at("timestamp_desc").get<std::string>());
+    EXPECT_THAT(told, ElementsAre("2009-02-13T23:31:30.250000+00:00 Visited",
+                                  "2009-02-13T23:40:00.000000+00:00 Last Modified",
+                                  "2008-01-02T03:04:05.678901+00:00 Created",
+                                  "2008-01-02T03:04:05.678901+00:00 Last Used"));
+    EXPECT_EQ(job.counts.events, 4);
+    EXPECT_EQ(job.counts.rowsWithoutDate, 1);
+    EXPECT_THAT(notesOf(job), ElementsAre(HasSubstr("4 events"), HasSubstr("1 rows have no date")));
+}
+
+/// What the program checks of an upload: the fields that it asks for are there and filled, the time
+/// is one, both forms of it agree, and a field keeps its type.
+TEST_F(EventsExportTest, linesHoldTheRulesOfAnUpload) {
+    const std::regex iso(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}\+00:00)");
+    std::map<std::string, nlohmann::json::value_t> types;
+    std::set<std::string> unique;
+    for (const auto &event : events()) {
+        for (const char *name : {"message", "datetime", "timestamp_desc", "data_type",
+                                 "source_short", "source_long"}) {
+            ASSERT_TRUE(event.at(name).is_string()) << name;
+            EXPECT_NE(event.at(name), "") << name;
+        }
+        EXPECT_TRUE(event.at("timestamp").is_number_integer());
+        EXPECT_TRUE(std::regex_match(event.at("datetime").get<std::string>(), iso));
+        EXPECT_EQ(isoWithFraction(event.at("timestamp").get<std::int64_t>()), event.at("datetime"));
+        EXPECT_EQ(event.at("source_short"), "WEBHIST");
+        EXPECT_TRUE(event.at("tag").is_array());
+        for (const auto &[name, value] : event.items()) {
+            if (value.is_null())
+                continue;
+            const auto type = types.emplace(name, value.type()).first->second;
+            EXPECT_EQ(type, value.type()) << name;
+        }
+        EXPECT_TRUE(unique
+                        .insert(event.at("id").dump() + event.at("timestamp").dump() +
+                                event.at("timestamp_desc").dump())
+                        .second);
+    }
+    const auto first = events().at(0);
+    EXPECT_EQ(first.at("tag"), nlohmann::json({"tagged"}));
+    EXPECT_EQ(first.at("data_type"), "norvelane:chrome:visit");
+    EXPECT_EQ(first.at("source_long"), "Chrome Visit");
+    EXPECT_EQ(first.at("visit_count"), 3);
+    EXPECT_EQ(first.at("fact_count"), "7");
+}
+
+TEST_F(EventsExportTest, csvHasTheFieldsThatTheProgramAsksForInFront) {
+    const std::string text = written(ExportFormat::timesketchCsv);
+    EXPECT_TRUE(text.starts_with("message,datetime,timestamp,timestamp_desc,data_type,source_short,"
+                                 "source_long,tag,id,url,"));
+    EXPECT_THAT(text, HasSubstr("\"Chrome Visit Visited http://a.example/x|y,z two\r\nlines\","
+                                "2009-02-13T23:31:30.250000+00:00,1234567890250000,Visited,"
+                                "norvelane:chrome:visit,WEBHIST,Chrome Visit,tagged,1,"));
+    EXPECT_THAT(text, Not(HasSubstr("b.example")));
+}
+
+TEST_F(EventsExportTest, aBodyFileHasElevenFieldsAndOneTimeALine) {
+    const auto list = lines(ExportFormat::body);
+    ASSERT_THAT(list, SizeIs(4));
+    for (const std::string &line : list)
+        EXPECT_THAT(split(line, '|'), SizeIs(11)) << line;
+    EXPECT_EQ(list[0], "0|Chrome Visit Visited http://a.example/x%7Cy,z two\u240D\u240Alines "
+                       "(Visited)|1|0|0|0|0|1234567890|0|0|0");
+    EXPECT_TRUE(list[2].ends_with("|0|0|0|1199243045")) << list[2];
+    EXPECT_EQ(job.counts.signsReplaced, 4);
+}
+
+TEST_F(EventsExportTest, aBodyFileCantSayTimesBefore1970) {
+    project.db().exec("UPDATE URLs SET ActionDateUTC = 20000 WHERE URL_ID = 1");
+    table.refreshRows();
+    EXPECT_THAT(lines(ExportFormat::body), SizeIs(3));
+    EXPECT_EQ(job.counts.eventsTooEarly, 1);
+    EXPECT_THAT(lines(ExportFormat::l2tcsv), SizeIs(5)) << "this form can";
+}
+
+TEST_F(EventsExportTest, linesOfLog2timelineHaveSeventeenFields) {
+    const auto list = lines(ExportFormat::l2tcsv);
+    ASSERT_THAT(list, SizeIs(5));
+    for (const std::string &line : list)
+        EXPECT_THAT(split(line, ','), SizeIs(17)) << line;
+    EXPECT_EQ(list[0], "date,time,timezone,MACB,source,sourcetype,type,user,host,short,desc,"
+                       "version,filename,inode,notes,format,extra");
+    EXPECT_TRUE(list[1].starts_with("02/13/2009,23:31:30,UTC,.A..,WEBHIST,Chrome Visit,Visited,-,-,"
+                                    "http://a.example/x|y z,"))
+        << list[1];
+    EXPECT_TRUE(list[3].starts_with("01/02/2008,03:04:05,UTC,...B,")) << list[3];
+}
+
+TEST_F(EventsExportTest, localTimeIsSaidToBeNone) {
+    project.db().exec("UPDATE URLs SET CacheType = 'IE Weekly' WHERE URL_ID = 1");
+    table.refreshRows();
+    EXPECT_THAT(events().at(0).at("timestamp_desc"), HasSubstr("local time"));
+}
+
+TEST_F(EventsExportTest, aProjectOfAnEarlierBuildHasEventsToo) {
+    project.db().exec("ALTER TABLE URLs DROP COLUMN Person; ALTER TABLE URLs DROP COLUMN Profile; "
+                      "ALTER TABLE URLs DROP COLUMN Browser");
+    table.refreshRows();
+    const auto list = events();
+    ASSERT_THAT(list, SizeIs(4));
+    EXPECT_FALSE(list[0].contains("browser"));
+    EXPECT_TRUE(list[0].contains("source_offset"));
+}
+
+TEST_F(EventsExportTest, aProjectWithoutRowsGivesTheHeadAlone) {
+    project.db().exec("DELETE FROM RecordFacts; DELETE FROM URLs");
+    table.loadURLs(nobody);
+    EXPECT_THAT(events(), IsEmpty());
+    EXPECT_THAT(lines(ExportFormat::timesketchCsv), SizeIs(1));
+    EXPECT_EQ(written(ExportFormat::body), "");
+    EXPECT_THAT(written(ExportFormat::kml), HasSubstr("</kml>"));
+}
+
+TEST_F(EventsExportTest, addressesOfMapsArePlaces) {
+    project.db().exec("UPDATE URLs SET URL = 'https://maps.example/@54.5,-10.25,9z?a=<&\"b\"' "
+                      "WHERE URL_ID = 1");
+    table.refreshRows();
+    const std::string text = written(ExportFormat::kml);
+    EXPECT_TRUE(text.starts_with("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<kml "));
+    EXPECT_THAT(text, HasSubstr("<coordinates>-10.2500000,54.5000000</coordinates>"));
+    EXPECT_THAT(text, HasSubstr("<when>2009-02-13T23:31:30Z</when>"));
+    EXPECT_THAT(text, HasSubstr("a=&lt;&amp;&quot;b&quot;"));
+    EXPECT_THAT(text, HasSubstr("what was looked at, not where anybody was"));
+    EXPECT_THAT(notesOf(job), ElementsAre("The file has 1 place of 1 row."));
+}
+
+TEST(PlacesExport, picturesSayWhereTheyWereTaken) {
+    test::TestProject project;
+    RecordStore store = project.store();
+    const fs::path evidence = project.folder.path() / "evidence";
+    const fs::path scratch = project.folder.path() / "scratch";
+    fs::create_directories(evidence);
+    fs::create_directories(scratch);
+    writeWhole(evidence / "p.jpg",
+               test::ExifJpeg().position({54, 30, 0}, 'N', {10, 15, 0}, 'W').bytes());
+    UrlRecord record;
+    record.cacheType = "IE Cache";
+    record.URL = "http://a.example/p.jpg";
+    record.MIMEType = "image/jpeg";
+    record.RootPath = Evidence(evidence).rootOf(evidence / "p.jpg");
+    record.CacheFileRelativePath = Evidence(evidence).relativeOf(evidence / "p.jpg");
+    record.CacheFileExists = true;
+    store.saveRecord(record, project.file);
+    Unwatched task;
+    const Evidence found(evidence);
+    const RebuildContext ctx{project.connection(), store, found, scratch, project.log, task, {}};
+    const WarcSource contents{ctx, "", {}};
+    UrlTable table(project.connection(), project.log, project.zone);
+    table.loadURLs(task);
+    Export job;
+    job.format = ExportFormat::kml;
+    job.contents = &contents;
+    job.outputFilePath = project.folder.path() / "places.kml";
+    ASSERT_EQ(exportRows(job, table, scratch, task), ExportEnd::exported);
+    const Bytes bytes = readWhole(job.outputFilePath);
+    EXPECT_THAT(std::string(ByteView(bytes).raw()),
+                HasSubstr("<coordinates>-10.2500000,54.5000000</coordinates>"));
+    EXPECT_TRUE(fs::is_empty(scratch));
+}
+
+} // namespace
+} // namespace nv
