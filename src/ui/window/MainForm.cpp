@@ -18,6 +18,7 @@
 #include "ui/window/GalleryPart.h"
 #include "ui/window/GuidePart.h"
 #include "ui/window/HostsPart.h"
+#include "ui/window/LimitsPart.h"
 #include "ui/window/LinkPart.h"
 #include "ui/window/NetworkPart.h"
 #include "ui/window/OptionsPart.h"
@@ -26,6 +27,7 @@
 #include "ui/window/RebuiltPanes.h"
 #include "ui/window/ReportPart.h"
 #include "ui/window/RowMenuPart.h"
+#include "ui/window/SearchPart.h"
 #include "ui/window/TemplatesPart.h"
 #include "ui/window/TextForm.h"
 #include "ui/window/TimePart.h"
@@ -123,6 +125,8 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));
     m_parts.push_back(std::make_unique<TrailPart>(*m_bench));
     m_parts.push_back(std::make_unique<ViewersPart>(*m_bench));
+    m_parts.push_back(std::make_unique<SearchPart>(*m_bench));
+    m_parts.push_back(std::make_unique<LimitsPart>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));

@@ -2,6 +2,7 @@
 
 #include "app/program/Program.h"
 #include "ui/views/TableTab.h"
+#include "ui/window/Limits.h"
 #include "ui/window/MainActions.h"
 #include "ui/window/ViewerTabs.h"
 #include "ui/window/WindowDialogs.h"
@@ -34,6 +35,7 @@ class Workbench final : public QObject {
     QSplitter *dataArea = nullptr; ///< the data tabs and what stands beside them
     TableTab *table = nullptr;
     ViewerTabs *viewers = nullptr;
+    Limits limits; ///< whatever hides rows of the table
 
     Examiner &examiner() const { return program.around.examiner; }
     bool isProjectOpen() const { return program.state.projectDB.isOpen(); }
