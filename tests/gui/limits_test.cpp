@@ -1,6 +1,9 @@
 #include "gui/LimitedTable.h"
+#include "ui/views/ColumnLimitForm.h"
 #include "ui/views/TimeStrip.h"
 
+#include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 
 // The chips of all that limits the rows of the table.
@@ -19,6 +22,7 @@ class LimitsTest : public QObject {
     void theCrossTakesALimitAway();
     void undoBringsLimitsBack();
     void typingIsOneStepOfUndo();
+    void headingsLimitByValue();
     void whatHidesAllSaysHowToShowIt();
     void undoInATextFieldIsTheFields();
     void itLooksRight_data();
@@ -122,6 +126,57 @@ void LimitsTest::typingIsOneStepOfUndo() {
     QVERIFY(!m_on->form.findChild<QAction *>(QStringLiteral("actUndo"))->isEnabled());
 }
 
+void LimitsTest::headingsLimitByValue() {
+    QMenu menu;
+    emit m_on->tab().headerMenuComesUp(menu, UrlColumn::Icon);
+    QVERIFY2(menu.isEmpty(), "an icon is no value");
+    emit m_on->tab().headerMenuComesUp(menu, UrlColumn::Host);
+    auto *limit = menu.findChild<QAction *>(QStringLiteral("actLimitColumn"));
+    auto *again = menu.findChild<QAction *>(QStringLiteral("actUnlimitColumn"));
+    QVERIFY(limit && again && !again->isEnabled());
+    const auto tickOnly = [](ColumnLimitForm &form, const QString &host) {
+        child<QPushButton>(form, "btnValuesNone").click();
+        auto &list = child<QListWidget>(form, "lstColumnValues");
+        const auto found = list.findItems(host, Qt::MatchStartsWith);
+        QCOMPARE(found.size(), 1);
+        found.front()->setCheckState(Qt::Checked);
+        form.accept();
+    };
+    whenShown<ColumnLimitForm>(
+        [&](ColumnLimitForm &form) { tickOnly(form, QStringLiteral("a.example  (1)")); });
+    limit->trigger();
+    QCOMPARE(m_on->rows(), 1);
+    QCOMPARE(m_on->chips(), QStringList{QStringLiteral("Limit: Host: a.example")});
+    whenShown<ColumnLimitForm>([&](ColumnLimitForm &form) {
+        QVERIFY2(child<QListWidget>(form, "lstColumnValues").count() > 1,
+                 "others can be ticked too");
+        child<QPushButton>(form, "btnValuesAll").click();
+        child<QLineEdit>(form, "txtColumnPart").setText(QStringLiteral("EXAMPLE"));
+        form.accept();
+    });
+    limit->trigger();
+    QVERIFY(m_on->rows() > 1);
+    QVERIFY(m_on->chip(QStringLiteral("Host: contains EXAMPLE")));
+    trigger(m_on->form, "actUndo");
+    QCOMPARE(m_on->rows(), 1);
+    m_on->chip(QStringLiteral("a.example"))->click();
+    QTRY_COMPARE(m_on->rows(), m_on->all);
+    QMenu ofVisits;
+    emit m_on->tab().headerMenuComesUp(ofVisits, UrlColumn::Visits);
+    whenShown<ColumnLimitForm>([&](ColumnLimitForm &form) {
+        auto &from = child<QLineEdit>(form, "txtColumnFrom");
+        from.setText(QStringLiteral("many"));
+        form.accept();
+        QVERIFY(form.isVisible());
+        QVERIFY(child<QLabel>(form, "labColumnFault").isVisible());
+        from.setText(QStringLiteral("100000"));
+        form.accept();
+    });
+    ofVisits.findChild<QAction *>(QStringLiteral("actLimitColumn"))->trigger();
+    QCOMPARE(m_on->rows(), 0);
+    QVERIFY(m_on->chip(QStringLiteral("Visits: 100000 or more")));
+}
+
 void LimitsTest::whatHidesAllSaysHowToShowIt() {
     m_on->enter(QStringLiteral("nowhere"));
     QTRY_COMPARE(m_on->rows(), 0);
@@ -181,6 +236,15 @@ void LimitsTest::itLooksRight() {
     m_on->enter(QStringLiteral("after:yesterday"));
     QTest::qWait(100);
     keep("wrong");
+    whenShown<ColumnLimitForm>([&](ColumnLimitForm &form) {
+        if (!place.isEmpty())
+            form.grab().save(QStringLiteral("%1/search-%2-values.png")
+                                 .arg(place, QString::fromLatin1(QTest::currentDataTag())));
+        form.reject();
+    });
+    QMenu menu;
+    emit m_on->tab().headerMenuComesUp(menu, UrlColumn::Host);
+    menu.findChild<QAction *>(QStringLiteral("actLimitColumn"))->trigger();
     trigger(m_on->form, "actThemeSystem");
 }
 

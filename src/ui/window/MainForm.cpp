@@ -12,6 +12,7 @@
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"
 #include "ui/views/TableTab.h"
+#include "ui/window/ColumnLimitsPart.h"
 #include "ui/window/ExportPart.h"
 #include "ui/window/FilesPart.h"
 #include "ui/window/FiltersPart.h"
@@ -119,6 +120,7 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
     m_parts.push_back(std::make_unique<HostsPart>(*m_bench));
     m_parts.push_back(std::make_unique<FiltersPart>(*m_bench));
+    m_parts.push_back(std::make_unique<ColumnLimitsPart>(*m_bench));
     m_parts.push_back(std::make_unique<TimePart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
     m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
