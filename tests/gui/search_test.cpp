@@ -1,6 +1,7 @@
 #include "gui/LimitedTable.h"
 #include "ui/views/HitMarks.h"
 
+#include <QComboBox>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <SQLiteCpp/Database.h>
@@ -169,6 +170,7 @@ void SearchTest::aResultIsKeptAsAQuery() {
         dialog->accept();
     });
     keep->trigger();
+    QVERIFY(child<QComboBox>(m_on->form, "cbActiveQuery").findText(QStringLiteral("Harbour")) > 0);
     QCOMPARE(m_on->project().execAndGet("SELECT count(*) FROM SearchResults").getInt(), 1);
 }
 

@@ -11,7 +11,7 @@ namespace nv {
 
 namespace {
 
-constexpr int kWidest = 260; ///< pixels of a chip's text
+constexpr int kWidest = 150; ///< pixels of a chip's text
 
 } // namespace
 
@@ -66,6 +66,7 @@ void ChipBar::setChips(const QStringList &texts) {
         for (QToolButton *chip : std::as_const(m_chips)) {
             m_flow->removeWidget(chip);
             chip->hide();
+            chip->setObjectName({}); // its place may be another's at once
             chip->deleteLater();
         }
         m_chips.clear();

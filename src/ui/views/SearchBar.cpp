@@ -36,9 +36,6 @@ SearchBar::SearchBar(QWidget *parent) : QWidget(parent) {
     m_text = new QLineEdit;
     m_text->setObjectName(QStringLiteral("txtSearch"));
     m_text->setAccessibleName(tr("Search"));
-    m_text->setAccessibleDescription(
-        tr("Addresses, titles, hosts, notes and facts while you type; pages and headers too with "
-           "Enter"));
     m_text->setPlaceholderText(tr("Search; Enter: pages too"));
     m_text->setToolTip(
         tr("Looks through addresses, titles, hosts, notes and facts while you type;\n"
@@ -66,9 +63,10 @@ SearchBar::SearchBar(QWidget *parent) : QWidget(parent) {
     m_message->setMaximumWidth(360);
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(m_text, 1);
+    row->addWidget(m_text, 3);
     row->addWidget(m_hits);
-    row->addWidget(m_message);
+    row->addWidget(m_message, 2);
+    row->addStretch();
     connect(m_text, &QLineEdit::textEdited, this, &SearchBar::typed);
     connect(m_text, &QLineEdit::returnPressed, this, [this] { emit entered(m_text->text()); });
     // Its cross doesn't count as an edit.
@@ -111,7 +109,10 @@ void SearchBar::showMessage(const QString &text, Tone tone) {
     m_message->setText(text);
     m_message->setToolTip(Qt::convertFromPlainText(text));
     m_message->setVisible(!text.isEmpty());
-    m_text->setAccessibleDescription(text);
+    m_text->setAccessibleDescription(
+        text.isEmpty() ? tr("Addresses, titles, hosts, notes and facts while you type; pages and "
+                            "headers too with Enter")
+                       : text);
 }
 
 void SearchBar::addCounts(const QString &title, const QString &word, const NamedCounts &counts) {

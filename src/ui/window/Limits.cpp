@@ -109,13 +109,24 @@ void Limits::look() {
     if (m_isPutting)
         return;
     const States before = std::exchange(m_states, statesNow());
-    const bool typed = isTyped();
-    if (typed && !m_wasTyped)
-        ++m_typing;
-    m_wasTyped = typed;
-    if (!std::exchange(m_isFirst, false) && before != m_states)
-        m_history.push(new LimitsChange(*this, before, m_states, typed ? m_typing : kNeverMerged));
+    const bool isFirst = std::exchange(m_isFirst, false);
+    if (before != m_states) {
+        const bool typed = isTypedAlone(before);
+        m_typing += typed && !m_wasTyped ? 1 : 0;
+        m_wasTyped = typed;
+        if (!isFirst)
+            m_history.push(
+                new LimitsChange(*this, before, m_states, typed ? m_typing : kNeverMerged));
+    }
     emit changed();
+}
+
+/// Nothing but what is being typed is another than before.
+bool Limits::isTypedAlone(const States &before) const {
+    for (std::size_t at = 0; at < m_limiters.size(); ++at)
+        if (before.at(at) != m_states.at(at) && !m_limiters[at]->isBeingTyped())
+            return false;
+    return true;
 }
 
 void Limits::forget() {

@@ -75,6 +75,7 @@ class Limits final : public QObject {
     void put(const States &states);
 
     States statesNow() const;
+    bool isTypedAlone(const States &before) const;
 
     std::vector<Limiter *> m_limiters;
     States m_states;  ///< as they were looked at last

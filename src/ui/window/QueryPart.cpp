@@ -45,6 +45,10 @@ QueryPart::QueryPart(Workbench &bench)
         m_commands->takeStatement(kSortChoices.at(static_cast<std::size_t>(choice)).query);
         m_bench.table->showQuery({});
     });
+    connect(&bench, &Workbench::queriesChanged, this, [this] {
+        if (m_commands)
+            m_commands->loadStoredQueries();
+    });
     connect(&bench, &Workbench::projectOpened, this, &QueryPart::open);
     connect(&bench, &Workbench::projectClosing, this, &QueryPart::close);
     bench.limits.add(*this);

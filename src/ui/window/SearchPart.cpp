@@ -57,7 +57,7 @@ QAction *newAction(QMainWindow &window, const char *name, const QString &text, c
 SearchPart::SearchPart(Workbench &bench)
     : m_bench(bench), m_bar(new SearchBar), m_hits(new SearchHits(bench)),
       m_progress(new SearchProgress) {
-    bench.table->limitRow().insertWidget(0, m_bar);
+    bench.table->limitRow().insertWidget(0, m_bar, 1);
     if (auto *window = qobject_cast<QMainWindow *>(&bench.window)) {
         window->statusBar()->addPermanentWidget(m_progress);
         m_progress->hide();
@@ -354,6 +354,7 @@ void SearchPart::keep() {
         return;
     }
     keepSearch(program, name, fromQt(m_search->text), *m_search->ids);
+    emit m_bench.queriesChanged();
     m_bench.showNotice(tr("Kept as \"%1\": a query of this name has its rows").arg(toQt(name)));
 }
 

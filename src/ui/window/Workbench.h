@@ -61,6 +61,8 @@ class Workbench final : public QObject {
     void projectClosing();
     /// Other settings are in force; the rows are loaded anew after it.
     void optionsChanged();
+    /// The project has other stored queries than before.
+    void queriesChanged();
     /// The gallery shows other kinds than those that are now ticked.
     void galleryOutdated();
 };
