@@ -24,4 +24,9 @@ FoundIds without(const FoundIds &all, const FoundIds &taken) {
     return ids;
 }
 
+void keepOnly(const FoundIds &found, std::vector<std::int32_t> &list) {
+    std::erase_if(list,
+                  [&found](std::int32_t id) { return !std::ranges::binary_search(found, id); });
+}
+
 } // namespace nv

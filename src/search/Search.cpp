@@ -172,52 +172,55 @@ bool isContinued(char byte) {
     return (static_cast<unsigned char>(byte) & kTop) == kContinues;
 }
 
-/// Parts of words are asked for in pages and headers.
+SearchFound findOnce(SQLite::Database &project, SearchIndex &index, RowMatch &match,
+                     TaskMonitor &task, std::size_t most) {
+    constexpr double kIndexed = 0.5; // of the whole
+    IndexNews news;
+    SubTask indexing(task, 0, kIndexed);
+    SearchFound found;
+    found.isCancelled =
+        index.bringUpToDate(indexing, news, needsParts(match)) == IndexEnd::cancelled;
+    if (!found.isCancelled) {
+        SubTask looking(task, kIndexed, 1);
+        found = findIndexed(project, index, match, looking, most);
+        found.counts = countFound(index, found.ids);
+    }
+    found.index = std::move(news);
+    return found;
+}
+
+} // namespace
+
 bool needsParts(const RowMatch &match) {
     return match.scope() == SearchScope::all &&
            std::ranges::any_of(match.query().clauses, &SearchClause::anyPart);
 }
 
-FoundCounts countsOf(SearchIndex &index, const FoundIds &ids) {
+SearchFound findIndexed(SQLite::Database &project, SearchIndex &index, RowMatch &match,
+                        TaskMonitor &task, std::size_t most) {
+    SearchFound found;
+    takeTags(project, match);
+    found.unread = index.unread();
+    found.outside = index.outside();
+    Told told = askIndex(index, match, most);
+    if (told.left.empty())
+        found.ids = std::move(*told.ids);
+    else
+        lookThrough(project, match, told, task, most, found);
+    if (most > 0 && found.ids.size() > most)
+        found.ids.resize(most);
+    return found;
+}
+
+FoundCounts countFound(SearchIndex &index, const FoundIds &ids) {
     Counts kinds;
     Counts hosts;
-    auto next = ids.begin();
-    index.eachRow([&](const RowFacts &row) {
-        while (next != ids.end() && *next < row.id)
-            ++next;
-        if (next == ids.end() || *next != row.id)
-            return;
+    index.eachRowOf(ids, [&](const RowFacts &row) {
         count(kinds, row.cacheType);
         count(hosts, row.host);
     });
     return {sorted(byKinds(kinds)), sorted(hosts)};
 }
-
-SearchFound findOnce(SQLite::Database &project, SearchIndex &index, RowMatch &match,
-                     TaskMonitor &task, std::size_t most) {
-    constexpr double kIndexed = 0.5; // of the whole
-    SearchFound found;
-    SubTask indexing(task, 0, kIndexed);
-    found.isCancelled =
-        index.bringUpToDate(indexing, found.index, needsParts(match)) == IndexEnd::cancelled;
-    if (found.isCancelled)
-        return found;
-    takeTags(project, match);
-    found.unread = index.unread();
-    found.outside = index.outside();
-    Told told = askIndex(index, match, most);
-    SubTask looking(task, kIndexed, 1);
-    if (told.left.empty())
-        found.ids = std::move(*told.ids);
-    else
-        lookThrough(project, match, told, looking, most, found);
-    if (most > 0 && found.ids.size() > most)
-        found.ids.resize(most);
-    found.counts = countsOf(index, found.ids);
-    return found;
-}
-
-} // namespace
 
 SearchFound findRows(SQLite::Database &project, SearchIndex &index, RowMatch &match,
                      TaskMonitor &task, std::size_t most) {

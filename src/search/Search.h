@@ -42,6 +42,16 @@ struct SearchFound {
 SearchFound findRows(SQLite::Database &project, SearchIndex &index, RowMatch &match,
                      TaskMonitor &task, std::size_t most = 0);
 
+/// The same by an index that is open, as it stands, and without counts. Throws what the database
+/// says.
+SearchFound findIndexed(SQLite::Database &project, SearchIndex &index, RowMatch &match,
+                        TaskMonitor &task, std::size_t most = 0);
+/// Throws what the database says.
+FoundCounts countFound(SearchIndex &index, const FoundIds &ids);
+/// The search looks for parts of words in pages and headers, for which the index has a table of its
+/// own.
+bool needsParts(const RowMatch &match);
+
 /// The same without an index, row by row.
 SearchFound scanRows(SQLite::Database &project, RowMatch &match, TaskMonitor &task,
                      std::size_t most = 0);

@@ -28,6 +28,7 @@ namespace {
 /// What the index knows of itself.
 constexpr const char *kStamp = "stamp";
 constexpr const char *kParts = "parts"; ///< "whole" when its table is filled
+constexpr const char *kRows = "rows";   ///< "whole" once all rows were indexed
 
 /// Shorter texts have no run of three letters.
 constexpr std::size_t kLeastLetters = 3;
@@ -64,6 +65,18 @@ std::unordered_set<std::int64_t> deadOf(SQLite::Database &index) {
 std::string_view textIn(const SQLite::Column &column) {
     const char *bytes = column.getText(); // before the length, which it settles
     return {bytes, static_cast<std::size_t>(column.getBytes())};
+}
+
+constexpr std::string_view kRowFacts =
+    "SELECT URL_ID, Host, Browser, CacheType, ActionDateUTC FROM Rows";
+
+void showFacts(SQLite::Statement &row, const std::function<void(const RowFacts &)> &show) {
+    const SQLite::Column date = row.getColumn(4);
+    const SQLite::Column host = row.getColumn(1);
+    const SQLite::Column browser = row.getColumn(2);
+    const SQLite::Column type = row.getColumn(3);
+    show({row.getColumn(0).getInt(), textIn(host), textIn(browser), textIn(type),
+          date.isNull() ? Date() : Date::fromDays(date.getDouble())});
 }
 
 bool isWritable(const fs::path &path) {
@@ -149,6 +162,19 @@ bool SearchIndex::openWhole(const std::string &stamp, bool parts) {
         m_index = index_file::open(m_file, false);
     return m_index && index_file::fact(*m_index, kStamp) == stamp &&
            (!parts || index_file::fact(*m_index, kParts) == "whole");
+}
+
+bool SearchIndex::openAsItStands(bool parts) {
+    const auto isThere = unlessItIsDamaged([&] {
+        static_cast<void>(openWhole({}, parts)); // whatever its stamp
+        return m_index && index_file::fact(*m_index, kRows) == "whole" &&
+               (!parts || index_file::fact(*m_index, kParts) == "whole");
+    });
+    return isThere.value_or(false);
+}
+
+bool SearchIndex::isUpToDate() {
+    return openWhole(stampOf(m_place.project), false);
 }
 
 /// There is one that can be put right.
@@ -253,6 +279,8 @@ IndexEnd SearchIndex::fill(SQLite::Database &index, TaskMonitor &task, IndexNews
         const bool whole = fill.run(task);
         if (fillsParts)
             index_file::setFact(index, kParts, whole ? "whole" : "");
+        if (whole)
+            index_file::setFact(index, kRows, "whole");
         transaction.commit();
         news.added += fill.added();
         news.changed += fill.changed();
@@ -292,15 +320,26 @@ std::optional<FoundIds> SearchIndex::rowsWith(const SearchClause &clause, Search
 }
 
 void SearchIndex::eachRow(const std::function<void(const RowFacts &)> &show) {
-    SQLite::Statement rows(*m_index, "SELECT URL_ID, Host, Browser, CacheType, ActionDateUTC "
-                                     "FROM Rows ORDER BY URL_ID");
-    while (rows.executeStep()) {
-        const SQLite::Column date = rows.getColumn(4);
-        const SQLite::Column host = rows.getColumn(1);
-        const SQLite::Column browser = rows.getColumn(2);
-        const SQLite::Column type = rows.getColumn(3);
-        show({rows.getColumn(0).getInt(), textIn(host), textIn(browser), textIn(type),
-              date.isNull() ? Date() : Date::fromDays(date.getDouble())});
+    SQLite::Statement rows(*m_index, std::string(kRowFacts) + " ORDER BY URL_ID");
+    while (rows.executeStep())
+        showFacts(rows, show);
+}
+
+void SearchIndex::eachRowOf(const FoundIds &ids,
+                            const std::function<void(const RowFacts &)> &show) {
+    // Going to a row costs as much as reading some tens of them in their order.
+    constexpr std::size_t kMany = 20'000;
+    if (ids.size() > kMany)
+        return eachRow([&](const RowFacts &row) {
+            if (std::ranges::binary_search(ids, row.id))
+                show(row);
+        });
+    SQLite::Statement rows(*m_index, std::string(kRowFacts) + " WHERE URL_ID = ?");
+    for (const std::int32_t id : ids) {
+        rows.bind(1, id);
+        if (rows.executeStep())
+            showFacts(rows, show);
+        rows.reset();
     }
 }
 

@@ -69,7 +69,13 @@ class SearchIndex {
     /// can be made.
     [[nodiscard]] IndexEnd bringUpToDate(TaskMonitor &task, IndexNews &news, bool parts = false);
 
-    // All of the following need an index that is up to date; they throw what the database says.
+    /// Takes the index that is there as it stands, though rows may have changed since it was made.
+    /// False when there is none, or none that ever was whole.
+    bool openAsItStands(bool parts = false);
+    /// Nothing has changed in the project since the index that is open was brought up to date.
+    bool isUpToDate();
+
+    // All of the following need an index that is open; they throw what the database says.
 
     /// The rows that meet a condition of text; nothing when the index can't tell, as of one or two
     /// letters or of an expression. With a `most` it stops when it has so many.
@@ -77,6 +83,8 @@ class SearchIndex {
                                      std::size_t most = 0);
     /// Shows all rows, in the order of their ids.
     void eachRow(const std::function<void(const RowFacts &)> &show);
+    /// Shows these rows, as far as the index has them.
+    void eachRowOf(const FoundIds &ids, const std::function<void(const RowFacts &)> &show);
     /// Rows of the project that couldn't be read, or not whole.
     std::set<std::int32_t> unread();
     /// How many rows of other programs have ids that no list can hold.

@@ -1,6 +1,5 @@
 #include "views/TagHistory.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace nv {
@@ -36,13 +35,6 @@ void TagHistory::dropOldest() {
         rows -= rowsIn(m_changes[drop++]);
     m_changes.erase(m_changes.begin(), m_changes.begin() + static_cast<std::ptrdiff_t>(drop));
     m_done = m_changes.size();
-}
-
-void TagHistory::forget(std::int64_t tagID) {
-    const auto isOfTag = [tagID](const TagChange &change) { return change.tagID == tagID; };
-    m_done -= static_cast<std::size_t>(std::count_if(
-        m_changes.begin(), m_changes.begin() + static_cast<std::ptrdiff_t>(m_done), isOfTag));
-    std::erase_if(m_changes, isOfTag);
 }
 
 void TagHistory::clear() {

@@ -15,8 +15,6 @@ class TagHistory {
   public:
     /// What was done last. What was taken back before can't be done again any more.
     void add(TagChange change);
-    /// The tag is gone, and with it what was done to it.
-    void forget(std::int64_t tagID);
     void clear();
 
     bool canUndo() const { return m_done > 0; }

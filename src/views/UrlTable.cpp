@@ -45,12 +45,13 @@ LoadResult UrlTable::loadURLs(TaskMonitor &task) {
     m_columnSort.reset();
     refreshRows();
     const Busy busy(m_busy);
-    FoundRows found;
+    Found rows;
     const LoadResult result = attempt([&] {
         m_pager.prepare();
-        return prepareProject(task) ? fill(loadQueries(), task, found) : Walk::Cancelled;
+        return prepareProject(task) ? fill(loadQueries(), task, rows) : Walk::Cancelled;
     });
-    take(std::move(found));
+    take(std::move(rows));
+    tellOneByOne();
     m_empty = whyEmpty(result);
     recordsetDirty = false;
     return result;
@@ -94,29 +95,61 @@ std::vector<IdQuery> UrlTable::ownOrder() {
     return {loadQuery(choice)};
 }
 
-Walk UrlTable::fill(const std::vector<IdQuery> &queries, TaskMonitor &task, FoundRows &found) {
+LoadResult UrlTable::narrow(TaskMonitor &task) {
+    const Busy busy(m_busy);
+    Found rows;
+    rows.ids = m_idsOfQuery ? *m_idsOfQuery : m_ids;
+    rows.hidden = m_hidden - (rows.ids.size() - m_ids.size());
+    rows.oneByOne = m_oneByOne;
+    // Reading what stands in columns takes long, and a search is typed letter by letter.
+    if (byColumn == m_columns)
+        rows.ofColumns = m_idsOfColumns;
+    const LoadResult result = attempt([&] { return limit(task, rows); });
+    if (result != LoadResult::Loaded)
+        return result;
+    take(std::move(rows));
+    m_empty = whyEmpty(result);
+    refreshRows();
+    return result;
+}
+
+Walk UrlTable::fill(const std::vector<IdQuery> &queries, TaskMonitor &task, Found &rows) {
     for (const IdQuery &query : queries)
-        if (findRows(m_project, query, filters, task, found) == Walk::Cancelled)
+        if (findRows(m_project, query, filters, task, rows) == Walk::Cancelled)
             return Walk::Cancelled;
-    return limitTags(task, found) == Walk::Cancelled ? Walk::Cancelled : limitTime(task, found);
+    return limit(task, rows);
 }
 
-Walk UrlTable::limitTags(TaskMonitor &task, FoundRows &found) {
-    if (!tags)
+/// The time comes last: its bar shows what the other limits leave.
+Walk UrlTable::limit(TaskMonitor &task, Found &rows) {
+    if (!ofSearch && !time && !tags && byColumn.empty())
         return Walk::Finished;
-    const std::size_t before = found.ids.size();
-    const Walk walk = keepTagged(m_project, *tags, task, found.ids);
-    found.hidden += before - found.ids.size();
+    rows.ofQuery = rows.ids;
+    Walk walk = limitColumns(task, rows);
+    if (tags && walk == Walk::Finished)
+        walk = keepTagged(m_project, *tags, task, rows.ids);
+    if (ofSearch && walk == Walk::Finished)
+        keepOnly(*ofSearch, rows.ids);
+    if (time && walk == Walk::Finished) {
+        rows.ofAllTimes = rows.ids;
+        walk = keepWithin(m_project, *time, task, rows.ids);
+    }
+    rows.hidden += rows.ofQuery->size() - rows.ids.size();
     return walk;
 }
 
-Walk UrlTable::limitTime(TaskMonitor &task, FoundRows &found) {
-    if (!time)
+Walk UrlTable::limitColumns(TaskMonitor &task, Found &rows) {
+    if (byColumn.empty())
         return Walk::Finished;
-    m_idsOfAllTimes = found.ids;
-    const Walk walk = keepWithin(m_project, *time, task, found.ids);
-    found.hidden += m_idsOfAllTimes.size() - found.ids.size();
-    return walk;
+    if (rows.ofColumns) {
+        rows.ids = *rows.ofColumns;
+        return Walk::Finished;
+    }
+    for (const ColumnLimit &each : byColumn)
+        if (keepByColumn(m_project, each, task, rows.ids) == Walk::Cancelled)
+            return Walk::Cancelled;
+    rows.ofColumns = rows.ids;
+    return Walk::Finished;
 }
 
 LoadResult UrlTable::attempt(const std::function<Walk()> &work) {
@@ -128,11 +161,18 @@ LoadResult UrlTable::attempt(const std::function<Walk()> &work) {
     return walk == Walk::Finished ? LoadResult::Loaded : LoadResult::Cancelled;
 }
 
-void UrlTable::take(FoundRows &&found) {
-    m_ids = std::move(found.ids);
-    m_hidden = found.hidden;
+void UrlTable::take(Found &&rows) {
+    m_ids = std::move(rows.ids);
+    m_idsOfQuery = std::move(rows.ofQuery);
+    m_idsOfColumns = std::move(rows.ofColumns);
+    m_columns = m_idsOfColumns ? byColumn : std::vector<ColumnLimit>();
+    m_idsOfAllTimes = std::move(rows.ofAllTimes);
+    m_hidden = rows.hidden;
     m_find.forget();
-    m_oneByOne = found.oneByOne;
+    m_oneByOne = rows.oneByOne;
+}
+
+void UrlTable::tellOneByOne() {
     if (m_oneByOne)
         m_log.write({std::string(kOneByOneNote), std::string(kProcedure), Severity::Serious,
                      std::string(kContactSupport)});
@@ -158,11 +198,12 @@ EmptyState UrlTable::whyEmpty(LoadResult result) {
 LoadResult UrlTable::sortInto(const IdQuery &query, TaskMonitor &task) {
     describeLoad(task);
     const Busy busy(m_busy);
-    FoundRows sorted; // until it is whole the rows stand as they are
+    Found sorted; // until it is whole the rows stand as they are
     const LoadResult result = attempt([&] { return fill({query}, task, sorted); });
     if (result != LoadResult::Loaded)
         return result;
     take(std::move(sorted));
+    tellOneByOne();
     m_empty = whyEmpty(result);
     m_columnSort.reset();
     refreshRows();

@@ -4,6 +4,8 @@
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
 #include "db/RecordFacts.h"
+#include "search/FoundIds.h"
+#include "views/ColumnLimit.h"
 #include "views/RowCells.h"
 #include "views/RowPager.h"
 #include "views/TableFind.h"
@@ -13,6 +15,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -44,10 +47,13 @@ class UrlTable {
 
     // What the next load takes up.
     RowChoice choice;
-    std::string rootPath;          ///< the project's base folder; empty mends no rows
-    RecordFilters filters;         ///< as the program's stand at the load
-    std::optional<TimeLimit> time; ///< hides what happened at other times
-    std::optional<TagLimit> tags;  ///< hides rows without one of these tags
+    std::string rootPath;              ///< the project's base folder; empty mends no rows
+    RecordFilters filters;             ///< as the program's stand at the load
+    std::optional<TimeLimit> time;     ///< hides what happened at other times
+    std::optional<TagLimit> tags;      ///< hides rows without one of these tags
+    std::vector<ColumnLimit> byColumn; ///< hide what holds something else
+    /// Hides what a search hasn't found; null hides nothing.
+    std::shared_ptr<const FoundIds> ofSearch;
     Undated undated = Undated::AsTheQueryHasThem;
     /// The column of the examiner's choice: it holds over the query's order, and a sort sets it. A
     /// query without that column has its own order all the same.
@@ -59,6 +65,10 @@ class UrlTable {
     /// Fills the list by the active query and the filters. A failure is logged and leaves the rows
     /// that were found up to then, and so does a cancel.
     LoadResult loadURLs(TaskMonitor &task);
+    /// Puts other limits of columns, search and time in force over the rows that the query and the
+    /// filters gave, in their order, without asking for those again. A failure is logged; it and a
+    /// cancel leave the list as it was.
+    LoadResult narrow(TaskMonitor &task);
     /// The rows of the active query by another order. A failure is logged; it and a cancel leave
     /// the list as it was. A column that isn't sortable changes nothing.
     LoadResult sortBy(UrlColumn column, SortDirection direction, TaskMonitor &task);
@@ -73,8 +83,10 @@ class UrlTable {
     std::size_t rowCount() const { return m_ids.size(); }
     EmptyState emptyState() const { return m_ids.empty() ? m_empty : EmptyState::HasRows; }
     const RowIds &ids() const { return m_ids; }
+    /// The rows before any limit, those that the query, the host and the filters give.
+    const RowIds &idsOfQuery() const { return m_idsOfQuery ? *m_idsOfQuery : m_ids; }
     /// The rows that the time limit leaves and those that it hides.
-    const RowIds &idsOfAllTimes() const { return time ? m_idsOfAllTimes : m_ids; }
+    const RowIds &idsOfAllTimes() const { return m_idsOfAllTimes ? *m_idsOfAllTimes : m_ids; }
     /// Rows of the query that the record filters and the limits hide.
     std::size_t hiddenCount() const { return m_hidden; }
     /// The query failed at damage of the project, so that each row was asked for itself.
@@ -138,14 +150,21 @@ class UrlTable {
       private:
         bool &m_flag;
     };
+    /// What a load finds. Lists that no limit makes shorter aren't kept.
+    struct Found : FoundRows {
+        std::optional<RowIds> ofQuery;    ///< before all limits
+        std::optional<RowIds> ofColumns;  ///< before those of search and time
+        std::optional<RowIds> ofAllTimes; ///< before the time limit
+    };
     bool prepareProject(TaskMonitor &task);
     std::vector<IdQuery> loadQueries();
     std::vector<IdQuery> ownOrder();
-    Walk fill(const std::vector<IdQuery> &queries, TaskMonitor &task, FoundRows &found);
-    Walk limitTags(TaskMonitor &task, FoundRows &found);
-    Walk limitTime(TaskMonitor &task, FoundRows &found);
+    Walk fill(const std::vector<IdQuery> &queries, TaskMonitor &task, Found &rows);
+    Walk limit(TaskMonitor &task, Found &rows);
+    Walk limitColumns(TaskMonitor &task, Found &rows);
     LoadResult attempt(const std::function<Walk()> &work);
-    void take(FoundRows &&found);
+    void take(Found &&rows);
+    void tellOneByOne();
     LoadResult sortInto(const IdQuery &query, TaskMonitor &task);
     EmptyState whyEmpty(LoadResult result);
     const UrlRow *rowFor(std::size_t place, UrlColumn column);
@@ -154,7 +173,10 @@ class UrlTable {
     FailureLog &m_log;
     const TimeZone &m_zone;
     RowIds m_ids;
-    RowIds m_idsOfAllTimes; ///< while there is a time limit
+    std::optional<RowIds> m_idsOfQuery;   ///< as in Found
+    std::optional<RowIds> m_idsOfColumns; ///< as in Found, by the limits in m_columns
+    std::vector<ColumnLimit> m_columns;
+    std::optional<RowIds> m_idsOfAllTimes; ///< as in Found
     std::size_t m_hidden = 0;
     bool m_oneByOne = false;
     RowPager m_pager;

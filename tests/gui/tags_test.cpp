@@ -122,14 +122,14 @@ void TagsTest::taggingIsUndoneAndDoneAgain() {
     grid().selectRow(0);
     press(Qt::Key_1);
     QCOMPARE(rowsOf("Important"), all - 1);
-    const auto &back = child<QAction>(*m_form, "actUndoTags");
+    const auto &back = child<QAction>(*m_form, "actUndo");
     QCOMPARE(back.shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Z));
-    trigger(*m_form, "actUndoTags");
+    trigger(*m_form, "actUndo");
     QCOMPARE(rowsOf("Important"), all);
-    trigger(*m_form, "actUndoTags");
+    trigger(*m_form, "actUndo");
     QCOMPARE(rowsOf("Important"), 0u);
     QVERIFY(!back.isEnabled());
-    trigger(*m_form, "actRedoTags");
+    trigger(*m_form, "actRedo");
     QCOMPARE(rowsOf("Important"), all);
     QCOMPARE(list().topLevelItem(0)->text(1), QString::number(all));
 }
@@ -218,7 +218,7 @@ void TagsTest::aTagIsChangedMovedAndDeleted() {
     QCOMPARE(m_desk->examiner.heard.back(), std::string("delete-tag"));
     QCOMPARE(list().topLevelItemCount(), 1);
     QVERIFY(table().rowCount() > 1); // the limit goes with its tag
-    QVERIFY(!m_form->findChild<QAction *>(QStringLiteral("actUndoTags"))->isEnabled());
+    QVERIFY(!m_form->findChild<QAction *>(QStringLiteral("actUndo"))->isEnabled());
 }
 
 void TagsTest::theFormSaysWhyANameCannotBe() {
@@ -246,7 +246,7 @@ void TagsTest::aCopyHasThem() {
     QCOMPARE(m_desk->program.state.projectDBPath, *m_desk->dialogs.answer);
     QCOMPARE(rowsOf("Important"), 1u);
     QCOMPARE(list().topLevelItemCount(), 1);
-    QVERIFY(!m_form->findChild<QAction *>(QStringLiteral("actUndoTags"))->isEnabled());
+    QVERIFY(!m_form->findChild<QAction *>(QStringLiteral("actUndo"))->isEnabled());
 }
 
 void TagsTest::aReadOnlyProjectIsLookedAtOnly() {

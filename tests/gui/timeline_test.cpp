@@ -31,7 +31,7 @@ class TimelineTest : public QObject {
     void itLooksRightInBothPalettes();
     void aMillionEventsAreDrawnAtOnce();
     void theTableShowsTheChosenTimeOnly();
-    void foldedItLimitsNothing();
+    void foldedItsChipSaysWhatItLimits();
 
   private:
     static std::int64_t secondOf(int day, int hour = 12) {
@@ -217,7 +217,7 @@ void TimelineTest::theTableShowsTheChosenTimeOnly() {
     QTest::mouseClick(&strip, Qt::LeftButton, {}, place);
     QCOMPARE(table.table()->rowCount(), wanted);
     QCOMPARE(table.table()->hiddenCount(), all - wanted);
-    QVERIFY(child<QLabel>(form, "labTimeLimit").isVisible());
+    QVERIFY(child<QToolButton>(form, "btnChip0").isVisible());
     QVERIFY(child<QLabel>(form, "labFilters").text().contains(QStringLiteral("rows hidden")));
     if (const QString shots = qEnvironmentVariable("NV_SCREENSHOTS"); !shots.isEmpty())
         form.grab().save(shots + QStringLiteral("/time-window.png"));
@@ -227,12 +227,15 @@ void TimelineTest::theTableShowsTheChosenTimeOnly() {
     for (std::size_t each = 0; each < strip.bars().count; ++each)
         shown += strip.bars().totalOf(each);
     QVERIFY(shown > wanted);
-    child<QToolButton>(form, "btnAllTimes").click();
-    QCOMPARE(table.table()->rowCount(), all);
-    QVERIFY(!child<QLabel>(form, "labTimeLimit").isVisible());
+    child<QToolButton>(form, "btnChip0").click();
+    QTRY_COMPARE(table.table()->rowCount(), all);
+    QVERIFY(!strip.chosen());
+    trigger(form, "actUndo");
+    QCOMPARE(table.table()->rowCount(), wanted);
+    QVERIFY(strip.chosen());
 }
 
-void TimelineTest::foldedItLimitsNothing() {
+void TimelineTest::foldedItsChipSaysWhatItLimits() {
     Desk desk;
     MainForm form(desk.program, desk.dialogs);
     form.show();
@@ -248,7 +251,8 @@ void TimelineTest::foldedItLimitsNothing() {
                       QPoint((strip.leftOf(bar) + strip.leftOf(bar + 1)) / 2, strip.height() / 2));
     QVERIFY(table.table()->rowCount() < all);
     trigger(form, "actTime");
-    QCOMPARE(table.table()->rowCount(), all);
+    QVERIFY(table.table()->rowCount() < all);
+    QVERIFY(child<QToolButton>(form, "btnChip0").isVisible());
     trigger(form, "actTime");
     trigger(form, "actClose");
     QCOMPARE(strip.summary(), QStringLiteral("No rows"));

@@ -72,12 +72,17 @@ EmptyPage::EmptyPage(QWidget *parent) : QWidget(parent) {
     connect(m_filters, &QPushButton::clicked, this, &EmptyPage::filtersRequested);
 }
 
-void EmptyPage::showState(EmptyState state, std::size_t hidden) {
-    m_text->setText(textOf(state, hidden));
+void EmptyPage::showState(EmptyState state, std::size_t hidden, HiddenBy by) {
+    const bool byFilters = state == EmptyState::AllHidden && by == HiddenBy::filters;
+    m_text->setText(state == EmptyState::AllHidden && !byFilters
+                        ? tr("The limits above hide all %L1 records that the query and the host "
+                             "give.\nThe cross of a limit takes it away.")
+                              .arg(hidden)
+                        : textOf(state, hidden));
     m_import->setVisible(state == EmptyState::NoRecords);
     m_showAll->setVisible(state != EmptyState::NoRecords && state != EmptyState::NotLoaded &&
-                          state != EmptyState::AllHidden);
-    m_filters->setVisible(state == EmptyState::AllHidden);
+                          !byFilters);
+    m_filters->setVisible(byFilters);
 }
 
 } // namespace nv

@@ -17,8 +17,9 @@ class EmptyPage final : public QWidget {
 
   public:
     explicit EmptyPage(QWidget *parent = nullptr);
-    /// `hidden` is how many records the filters hide.
-    void showState(EmptyState state, std::size_t hidden = 0);
+    enum class HiddenBy { filters, others };
+    /// `hidden` is how many records the filters hide, or other limits too.
+    void showState(EmptyState state, std::size_t hidden = 0, HiddenBy by = HiddenBy::filters);
 
   signals:
     void importRequested();

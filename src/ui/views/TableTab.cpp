@@ -18,13 +18,10 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QStackedWidget>
-#include <SQLiteCpp/SQLiteCpp.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <tuple>
 #include <utility>
-#include <vector>
 
 namespace nv {
 
@@ -45,12 +42,15 @@ TableTab::TableTab(RunTask runTask, Examiner &examiner, QWidget *parent)
     m_pages->addWidget(m_empty);
     m_pages->addWidget(m_grid);
 
-    auto *column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addWidget(newChoiceBar());
-    column->addWidget(m_pages, 1);
-    column->addWidget(m_find);
+    m_limitRow = new QHBoxLayout;
+    m_limitRow->setContentsMargins(6, 6, 6, 0);
+    m_column = new QVBoxLayout(this);
+    m_column->setContentsMargins(0, 0, 0, 0);
+    m_column->setSpacing(0);
+    m_column->addLayout(m_limitRow);
+    m_column->addWidget(newChoiceBar());
+    m_column->addWidget(m_pages, 1);
+    m_column->addWidget(m_find);
     connectParts();
 }
 
@@ -99,7 +99,7 @@ void TableTab::connectParts() {
     connect(m_grid, &UrlGrid::headerMenuRequested, this, &TableTab::showHeaderMenu);
     connect(m_grid, &UrlGrid::currentUrlChanged, this, &TableTab::currentUrlChanged);
     connect(m_empty, &EmptyPage::importRequested, this, &TableTab::importRequested);
-    connect(m_empty, &EmptyPage::showAllRequested, this, &TableTab::showAll);
+    connect(m_empty, &EmptyPage::showAllRequested, this, &TableTab::showAllRequested);
     connect(m_empty, &EmptyPage::filtersRequested, this, &TableTab::filtersRequested);
     connect(m_find, &FindBar::nextRequested, this, &TableTab::findNext);
     connect(m_find, &FindBar::closed, this, [this] { m_grid->setFocus(); });
@@ -148,7 +148,7 @@ void TableTab::closeProject() {
     m_table.reset();
     m_project = nullptr;
     m_log = nullptr;
-    m_tagged = m_shownTagged = 0;
+    m_ticks = {};
     m_empty->showState(EmptyState::NotLoaded);
     m_pages->setCurrentWidget(m_empty);
     m_grid->showSort(std::nullopt);
@@ -202,12 +202,6 @@ void TableTab::filterByHost(const QString &host) {
     takeHost();
 }
 
-void TableTab::showAll() {
-    setHost({});
-    emit hostEntered({});
-    chooseQuery({});
-}
-
 void TableTab::loadURLs() {
     if (!m_table)
         return;
@@ -215,6 +209,30 @@ void TableTab::loadURLs() {
     const std::string host = fromQt(m_host->text().trimmed());
     m_table->choice = {fromQt(queryName()), !host.empty(), host};
     reload([this](TaskMonitor &task) { return m_table->loadURLs(task); });
+    emit rowsLoaded();
+}
+
+void TableTab::narrow(Narrowed which) {
+    if (!m_table)
+        return;
+    const auto current = m_grid->currentUrl();
+    LoadResult result = LoadResult::Failed;
+    const auto work = [&](TaskMonitor &task) { result = m_table->narrow(task); };
+    Unwatched nobody;
+    if (which == Narrowed::last)
+        m_runTask({}, work);
+    else
+        work(nobody);
+    if (result == LoadResult::Failed)
+        return m_examiner.tell(loadFailure(m_table->failure()));
+    showRows();
+    if ((!current || !m_grid->setCurrentUrl(*current)) && m_table->rowCount() > 0)
+        m_grid->setCurrentUrl(m_table->idAt(0));
+    if (which == Narrowed::interim)
+        return emit statusChanged();
+    countTagged();
+    if (m_grid->currentUrl() != current)
+        emit currentUrlChanged();
     emit rowsLoaded();
 }
 
@@ -243,14 +261,11 @@ LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work
     LoadResult result = LoadResult::Failed;
     m_runTask({}, [&](TaskMonitor &task) { result = work(task); });
     m_sort = m_table->sort;
-    m_model.rowsChanged();
-    m_grid->fitToRows();
-    m_grid->showSort(m_table->columnSort());
-    m_empty->showState(m_table->emptyState(), m_table->hiddenCount());
-    m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);
+    showRows();
     // Rows without a current one would leave every pane empty.
     if ((!current || !m_grid->setCurrentUrl(*current)) && m_table->rowCount() > 0)
         m_grid->setCurrentUrl(m_table->idAt(0));
+    m_ticks.forget();
     countTagged();
     emit currentUrlChanged();
     if (result == LoadResult::Failed)
@@ -258,28 +273,20 @@ LoadResult TableTab::reload(const std::function<LoadResult(TaskMonitor &)> &work
     return result;
 }
 
-void TableTab::countTagged() {
-    const auto count = [this] {
-        std::vector<std::int32_t> ticked;
-        SQLite::Statement rows(*m_project,
-                               "SELECT URL_ID FROM URLs WHERE Tagged <> 0 ORDER BY URL_ID");
-        while (rows.executeStep())
-            ticked.push_back(rows.getColumn(0).getInt());
-        const auto shown = std::ranges::count_if(m_table->ids(), [&ticked](std::int32_t id) {
-            return std::ranges::binary_search(ticked, id);
-        });
-        return std::pair(static_cast<qint64>(ticked.size()), qint64{shown});
-    };
-    std::tie(m_tagged, m_shownTagged) =
-        trapped(*m_log, Severity::Low, "MainForm.countTagged()", kNotSerious,
-                std::pair(m_tagged, m_shownTagged), count);
-    emit statusChanged();
+void TableTab::showRows() {
+    m_model.rowsChanged();
+    m_grid->fitToRows();
+    m_grid->showSort(m_table->columnSort());
+    m_empty->showState(m_table->emptyState(), m_table->hiddenCount(),
+                       m_table->ofSearch || m_table->time || m_table->tags || !m_table->byColumn.empty()
+                           ? EmptyPage::HiddenBy::others
+                           : EmptyPage::HiddenBy::filters);
+    m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);
 }
 
-void TableTab::countTick(bool tagged, bool isShown) {
-    m_tagged += tagged ? 1 : -1;
-    if (isShown)
-        m_shownTagged += tagged ? 1 : -1;
+void TableTab::countTagged() {
+    logFailureOf(*m_log, "MainForm.countTagged()",
+                 [this] { m_ticks.count(*m_project, m_table->ids()); });
     emit statusChanged();
 }
 
@@ -287,7 +294,8 @@ void TableTab::noteTick(qint64 urlID, bool tagged) {
     if (!m_table)
         return;
     refreshRows();
-    countTick(tagged, m_table->placeOf(UrlId{urlID}).has_value());
+    m_ticks.note(tagged, m_table->placeOf(UrlId{urlID}).has_value());
+    emit statusChanged();
     emit ticked(urlID, 1, tagged);
 }
 
@@ -307,13 +315,16 @@ void TableTab::flipTags() {
     if (m_grid->selectedRowCount() > 1) {
         m_runTask({"TAGGING URLS", "", "", ""},
                   [this](TaskMonitor &task) { m_grid->flipSelectedTags(task); });
-        const qint64 before = m_tagged;
+        const qint64 before = m_ticks.all();
+        m_ticks.forget();
         countTagged();
-        if (m_tagged != before)
-            noteFlipped(std::abs(m_tagged - before));
+        if (m_ticks.all() != before)
+            noteFlipped(std::abs(m_ticks.all() - before));
     } else if (m_model.flipTag(m_grid->currentIndex().row())) {
-        countTick(m_table->isTagged(static_cast<std::size_t>(m_grid->currentIndex().row())), true);
+        m_ticks.note(m_table->isTagged(static_cast<std::size_t>(m_grid->currentIndex().row())),
+                     true);
         noteFlipped(1);
+        emit statusChanged();
     }
     emit currentUrlChanged();
 }
@@ -386,6 +397,7 @@ void TableTab::showHeaderMenu(UrlColumn column, const QPoint &place) {
     menu.addAction(tr("&Hide \"%1\"").arg(columnTitle(column)), this,
                    [=, this] { m_grid->hideColumn(column); });
     menu.addAction(tr("&Columns..."), this, &TableTab::showColumnsForm);
+    emit headerMenuComesUp(menu, column);
     menu.exec(place);
 }
 

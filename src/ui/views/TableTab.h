@@ -4,15 +4,19 @@
 #include "base/TaskMonitor.h"
 #include "ui/views/UrlGrid.h"
 #include "ui/views/UrlModel.h"
+#include "views/TickCount.h"
 
 #include <QWidget>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
+class QHBoxLayout;
 class QLineEdit;
 class QMenu;
 class QStackedWidget;
+class QVBoxLayout;
 
 namespace nv {
 
@@ -61,6 +65,18 @@ class TableTab final : public QWidget {
     void filterByHost(const QString &host);
 
     void loadURLs();
+    enum class Narrowed {
+        last,    ///< these are the rows
+        interim, ///< others follow soon: nobody needs to take them up
+        typed    ///< these are the rows, and the examiner goes on typing
+    };
+    /// Shows what the limits of search and time leave of the query's rows now. While somebody types
+    /// the window isn't locked: letters would be lost.
+    void narrow(Narrowed which = Narrowed::last);
+    /// The line above all, for what limits the rows.
+    QHBoxLayout &limitRow() { return *m_limitRow; }
+    /// The column of lines around the rows.
+    QVBoxLayout &column() { return *m_column; }
     /// The rows' texts have changed; the list and the current row stay.
     void refreshRows();
     void sortBy(SortChoice choice);
@@ -71,9 +87,9 @@ class TableTab final : public QWidget {
     void findNext();
     void showColumnsForm();
     /// Rows that are ticked in the whole project, as of the last look.
-    qint64 taggedCount() const { return m_tagged; }
+    qint64 taggedCount() const { return m_ticks.all(); }
     /// Of them those that the table shows.
-    qint64 shownTaggedCount() const { return m_shownTagged; }
+    qint64 shownTaggedCount() const { return m_ticks.shown(); }
     /// A tick was set or taken elsewhere in the window.
     void noteTick(qint64 urlID, bool tagged);
 
@@ -93,6 +109,10 @@ class TableTab final : public QWidget {
     void tickingRefused();
     void importRequested();
     void filtersRequested();
+    /// The menu of a heading is about to be shown: others may add to it.
+    void headerMenuComesUp(QMenu &menu, nv::UrlColumn column);
+    /// All rows are to be shown, whatever limits them.
+    void showAllRequested();
     /// Comes before the load when the examiner has changed the box.
     void hostEntered(const QString &host);
 
@@ -102,25 +122,25 @@ class TableTab final : public QWidget {
     void sortByColumn(UrlColumn column, SortDirection direction);
     /// Runs a load or a sort and shows what came of it, with the same record as the current one.
     LoadResult reload(const std::function<LoadResult(TaskMonitor &)> &work);
+    void showRows();
     void showHeaderMenu(UrlColumn column, const QPoint &place);
     void takeLayout();
     void forgetSort();
-    void showAll();
     void takeHost();
     void announceHost();
     void countTagged();
     void noteFlipped(qint64 rows);
-    void countTick(bool tagged, bool isShown);
 
     RunTask m_runTask;
     Examiner &m_examiner;
     std::unique_ptr<UrlTable> m_table;
     SQLite::Database *m_project = nullptr; ///< null while no project is open, like the log
     FailureLog *m_log = nullptr;
-    qint64 m_tagged = 0;
-    qint64 m_shownTagged = 0;
+    TickCount m_ticks;
     UrlModel m_model;
     UrlGrid *m_grid = nullptr;
+    QVBoxLayout *m_column = nullptr;
+    QHBoxLayout *m_limitRow = nullptr;
     QStackedWidget *m_pages = nullptr;
     EmptyPage *m_empty = nullptr;
     FindBar *m_find = nullptr;

@@ -21,7 +21,7 @@ namespace {
 
 constexpr int kMargin = 6; ///< pixels
 constexpr int kHeight = 120;
-constexpr int kLeastHeight = 84;
+constexpr int kLeastHeight = 60;
 constexpr int kHeightOfHours = 120;
 constexpr int kPixelsPerBar = 3; ///< at least
 constexpr int kPixelsPerLabel = 110;

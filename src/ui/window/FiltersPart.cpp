@@ -1,12 +1,51 @@
 #include "ui/window/FiltersPart.h"
 
+#include "platform/qt/QtText.h"
 #include "ui/views/FilterForm.h"
 #include "ui/window/StatusSign.h"
 
 #include <QAction>
 #include <QLabel>
 
+#include <algorithm>
+
 namespace nv {
+
+namespace {
+
+/// The names of what a group of flags admits; empty when it admits all.
+QString admitted(const RecordFilters &filters, FilterGroup group) {
+    QStringList names;
+    bool all = true;
+    for (const FilterFlag &each : filterFlags()) {
+        if (each.group != group)
+            continue;
+        all &= filters.*each.flag;
+        if (filters.*each.flag)
+            names += toQt(each.label);
+    }
+    constexpr int kMostNames = 4;
+    if (names.size() > kMostNames)
+        names = names.mid(0, kMostNames) << FiltersPart::tr("...");
+    return all ? QString() : names.isEmpty() ? FiltersPart::tr("none") : names.join(u", ");
+}
+
+/// What `change` makes of the filters; nothing when they then hide nothing.
+template <class Change>
+QVariant changed(RecordFilters filters, Change change) {
+    change(filters);
+    const auto isOpen = [&filters](const FilterFlag &each) {
+        return each.group != FilterGroup::Source || filters.*each.flag;
+    };
+    const auto isAnybodys = [&filters](const OriginFilter &each) {
+        return (filters.*each.text).empty();
+    };
+    const bool hidesNone = filters.showAll && std::ranges::all_of(filterFlags(), isOpen) &&
+                           std::ranges::all_of(originFilters(), isAnybodys);
+    return hidesNone ? QVariant() : QVariant::fromValue(filters);
+}
+
+} // namespace
 
 FiltersPart::FiltersPart(Workbench &bench)
     : m_bench(bench), m_sign(newStatusSign(bench.window, "labFilters")) {
@@ -16,6 +55,53 @@ FiltersPart::FiltersPart(Workbench &bench)
     connect(bench.table, &TableTab::filtersRequested, bench.actions.filters, &QAction::trigger);
     connect(bench.table, &TableTab::statusChanged, this, &FiltersPart::showSign);
     connect(&bench, &Workbench::projectClosing, m_sign, &QWidget::hide);
+    bench.limits.add(*this);
+}
+
+QVariant FiltersPart::limit() const {
+    const UrlTable *table = m_bench.table->table();
+    return table && table->filters.enableFilters ? QVariant::fromValue(table->filters) : QVariant();
+}
+
+/// Without a limit the filters are off, and stay as they are for another time.
+void FiltersPart::setLimit(const QVariant &limit) {
+    RecordFilters &filters = m_bench.program.state.filters;
+    if (limit.isValid())
+        filters = limit.value<RecordFilters>();
+    else
+        filters.enableFilters = false;
+}
+
+std::vector<LimitChip> FiltersPart::chips() const {
+    const QVariant now = limit();
+    if (!now.isValid())
+        return {};
+    const auto filters = now.value<RecordFilters>();
+    std::vector<LimitChip> chips;
+    if (const QString names = admitted(filters, FilterGroup::Source); !names.isEmpty())
+        chips.push_back({tr("Sources: %1").arg(names), changed(filters, [](RecordFilters &left) {
+                             for (const FilterFlag &each : filterFlags())
+                                 if (each.group == FilterGroup::Source)
+                                     left.*each.flag = true;
+                         })});
+    if (!filters.showAll) {
+        QString names = admitted(filters, FilterGroup::Kind);
+        if (const QString sites = admitted(filters, FilterGroup::Site); sites != tr("none"))
+            names = names == tr("none") ? sites : names + QStringLiteral(", ") + sites;
+        chips.push_back({tr("Kinds: %1").arg(names), changed(filters, [](RecordFilters &left) {
+                             for (const FilterFlag &each : filterFlags())
+                                 if (each.group != FilterGroup::Source)
+                                     left.*each.flag = true;
+                         })});
+    }
+    for (const OriginFilter &each : originFilters())
+        if (const std::string &text = filters.*each.text; !text.empty())
+            chips.push_back(
+                {QStringLiteral("%1: %2").arg(toQt(each.label), toQt(text)),
+                 changed(filters, [&each](RecordFilters &left) { (left.*each.text).clear(); })});
+    if (chips.empty())
+        chips.push_back({tr("Filters on, all admitted"), {}});
+    return chips;
 }
 
 void FiltersPart::chooseFilters() {
@@ -32,12 +118,13 @@ void FiltersPart::chooseFilters() {
 
 void FiltersPart::showSign() {
     const UrlTable *table = m_bench.table->table();
-    m_sign->setVisible(table && (table->filters.enableFilters || table->time));
+    const bool isLimited = table && (table->time || table->ofSearch || !table->byColumn.empty());
+    m_sign->setVisible(isLimited || (table && table->filters.enableFilters));
     if (!table)
         return;
     const std::size_t hidden = table->hiddenCount();
     const QString text = table->filters.enableFilters ? tr("Filters on: %L1 of %L2 rows hidden")
-                                                      : tr("Time chosen: %L1 of %L2 rows hidden");
+                                                      : tr("%L1 of %L2 rows hidden");
     m_sign->setText(text.arg(hidden).arg(hidden + table->rowCount()));
 }
 

@@ -45,6 +45,21 @@ HostsPart::HostsPart(Workbench &bench)
         m_listedTo = kNotListed;
         m_sign->hide();
     });
+    bench.limits.add(*this);
+}
+
+QVariant HostsPart::limit() const {
+    const UrlTable *table = m_bench.table->table();
+    return table && table->choice.filterByHostEnabled
+               ? QVariant(toQt(table->choice.filterByHostValue))
+               : QVariant();
+}
+
+std::vector<LimitChip> HostsPart::chips() const {
+    const QVariant host = limit();
+    if (!host.isValid())
+        return {};
+    return {{tr("Host: %1").arg(toQt(displayText(fromQt(host.toString())))), {}}};
 }
 
 void HostsPart::connectPane() {

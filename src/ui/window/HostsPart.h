@@ -14,12 +14,17 @@ class HostsPane;
 /// The host filter in the main window: the list of hosts, the boxes of the table and the gallery,
 /// and a sign in the status bar, which all agree with `filterByHostEnabled` and
 /// `filterByHostValue`.
-class HostsPart final : public QObject {
+class HostsPart final : public QObject, public Limiter {
     Q_OBJECT
 
   public:
     /// After the gallery's part.
     explicit HostsPart(Workbench &bench);
+
+    // Limiter
+    QVariant limit() const override;
+    void setLimit(const QVariant &limit) override { takeEntered(limit.toString()); }
+    std::vector<LimitChip> chips() const override;
 
   private:
     void connectPane();

@@ -43,7 +43,8 @@ MainActions::MainActions(QObject *o)
       copyCell(make(o, "actCopyCell", tr("&Copy Cell"), "copy", QKeySequence::Copy)),
       copyRows(make(o, "actCopyRows", tr("Copy &Rows"), "", Qt::CTRL | Qt::SHIFT | Qt::Key_C)),
       selectAll(make(o, "actSelectAll", tr("Select &All"), "", QKeySequence::SelectAll)),
-      find(make(o, "actFind", tr("&Find..."), "find", QKeySequence::Find)),
+      search(make(o, "actSearch", tr("&Search"), "find", QKeySequence::Find)),
+      find(make(o, "actFind", tr("&Find in Columns..."), "", Qt::CTRL | Qt::ALT | Qt::Key_F)),
       findNext(make(o, "actFindNext", tr("Find &Next"), "", QKeySequence::FindNext)),
       tag(make(o, "actTag", tr("&Tag or Untag"), "tag", Qt::CTRL | Qt::Key_T)),
       rebuild(make(o, "actRebuild", tr("&Rebuild"), "rebuild", Qt::CTRL | Qt::Key_B)),
@@ -96,6 +97,7 @@ void MainActions::describe() const {
     copyCell->setToolTip(tr("Copy the current cell's whole text"));
     copyRows->setToolTip(tr("Copy the selected rows with their headings, divided by tabs"));
     selectAll->setToolTip(tr("Select all rows of the table"));
+    search->setToolTip(tr("Go to the box that searches addresses, titles, notes and pages"));
     find->setToolTip(tr("Find a text in the columns that are shown"));
     findNext->setToolTip(tr("Go to the next row with the text"));
     tag->setToolTip(tr("Set or take the ticks of the selected rows"));
@@ -129,10 +131,11 @@ void MainActions::describe() const {
 
 void MainActions::setProjectOpen(bool open, bool readOnly) {
     for (QAction *action :
-         {saveAs,       closeProject, copyCell, copyRows,     selectAll,      find,
-          findNext,     tag,          rebuild,  rebuildPage,  rebuildExactly, rebuildByClassic,
-          linkAnalysis, columns,      refresh,  baseFolder,   timeZone,       caseTrail,
-          filters,      hosts,        time,     createReport, publishReport,  exportRows})
+         {saveAs,      closeProject,   copyCell,         copyRows,      selectAll,
+          find,        search,         findNext,         tag,           rebuild,
+          rebuildPage, rebuildExactly, rebuildByClassic, linkAnalysis,  columns,
+          refresh,     baseFolder,     timeZone,         caseTrail,     filters,
+          hosts,       time,           createReport,     publishReport, exportRows})
         action->setEnabled(open);
     for (QAction *action : {import, upgradeWizard})
         action->setEnabled(!readOnly);

@@ -20,7 +20,8 @@ struct MainActions {
     QAction *copyCell;
     QAction *copyRows;
     QAction *selectAll;
-    QAction *find;
+    QAction *search;
+    QAction *find; ///< in the columns that are shown
     QAction *findNext;
     QAction *tag;
     QAction *rebuild;          ///< the tagged pages, or the current one when none is tagged

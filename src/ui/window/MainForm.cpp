@@ -12,12 +12,14 @@
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"
 #include "ui/views/TableTab.h"
+#include "ui/window/ColumnLimitsPart.h"
 #include "ui/window/ExportPart.h"
 #include "ui/window/FilesPart.h"
 #include "ui/window/FiltersPart.h"
 #include "ui/window/GalleryPart.h"
 #include "ui/window/GuidePart.h"
 #include "ui/window/HostsPart.h"
+#include "ui/window/LimitsPart.h"
 #include "ui/window/LinkPart.h"
 #include "ui/window/NetworkPart.h"
 #include "ui/window/OptionsPart.h"
@@ -26,6 +28,7 @@
 #include "ui/window/RebuiltPanes.h"
 #include "ui/window/ReportPart.h"
 #include "ui/window/RowMenuPart.h"
+#include "ui/window/SearchPart.h"
 #include "ui/window/TagsPart.h"
 #include "ui/window/TemplatesPart.h"
 #include "ui/window/TextForm.h"
@@ -118,6 +121,7 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
     m_parts.push_back(std::make_unique<HostsPart>(*m_bench));
     m_parts.push_back(std::make_unique<FiltersPart>(*m_bench));
+    m_parts.push_back(std::make_unique<ColumnLimitsPart>(*m_bench));
     m_parts.push_back(std::make_unique<TimePart>(*m_bench));
     m_parts.push_back(std::make_unique<TagsPart>(*m_bench));
     m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
@@ -125,6 +129,8 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));
     m_parts.push_back(std::make_unique<TrailPart>(*m_bench));
     m_parts.push_back(std::make_unique<ViewersPart>(*m_bench));
+    m_parts.push_back(std::make_unique<SearchPart>(*m_bench));
+    m_parts.push_back(std::make_unique<LimitsPart>(*m_bench));
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));

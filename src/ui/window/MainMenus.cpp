@@ -50,7 +50,7 @@ void MainMenus::buildEdit(const MainActions &actions) {
     QMenu *menu = named(m_window.menuBar()->addMenu(tr("&Edit")), "menuEdit");
     menu->addActions({actions.copyCell, actions.copyRows, actions.selectAll});
     menu->addSeparator();
-    menu->addActions({actions.find, actions.findNext});
+    menu->addActions({actions.search, actions.find, actions.findNext});
     menu->addSeparator();
     menu->addAction(actions.tag);
 }
@@ -114,7 +114,7 @@ void MainMenus::buildToolBar(const MainActions &actions) {
     m_toolBar->addActions({actions.newProject, actions.openProject, actions.import});
     m_toolBar->addSeparator();
     m_toolBar->addActions(
-        {actions.find, actions.filters, actions.hosts, actions.columns, actions.refresh});
+        {actions.search, actions.filters, actions.hosts, actions.columns, actions.refresh});
     m_toolBar->addSeparator();
     m_toolBar->addActions({actions.tag, actions.rebuild, actions.createReport, actions.exportRows});
     m_toolBar->addSeparator();

@@ -12,6 +12,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QRegularExpression>
 
 namespace nv {
 
@@ -43,11 +44,59 @@ QueryPart::QueryPart(Workbench &bench)
         m_commands->takeStatement(kSortChoices.at(static_cast<std::size_t>(choice)).query);
         m_bench.table->showQuery({});
     });
+    connect(&bench, &Workbench::queriesChanged, this, [this] {
+        if (m_commands)
+            m_commands->loadStoredQueries();
+    });
     connect(&bench, &Workbench::projectOpened, this, &QueryPart::open);
     connect(&bench, &Workbench::projectClosing, this, &QueryPart::close);
+    bench.limits.add(*this);
 }
 
 QueryPart::~QueryPart() = default;
+
+/// The examiner's statement that stands for all rows; empty for the program's own, and for one that
+/// only orders them.
+QString QueryPart::ownStatement() const {
+    const ProgramState &state = m_bench.program.state;
+    const bool isOwn = m_bench.table->queryName().isEmpty() &&
+                       tableName(state.activeQueryName).isEmpty() &&
+                       state.currentSQLDef != state.defaultSQLDef;
+    const QString sql = isOwn ? toQt(state.currentSQLDef) : QString();
+    static const QRegularExpression selects(
+        QStringLiteral("\\b(where|join|limit|group|distinct|except|intersect)\\b"),
+        QRegularExpression::CaseInsensitiveOption);
+    return sql.contains(selects) ? sql : QString();
+}
+
+/// A list of the query's name and the statement that stands for all rows.
+QVariant QueryPart::limit() const {
+    const QString name = m_bench.table->queryName();
+    const QString own = ownStatement();
+    return name.isEmpty() && own.isEmpty() ? QVariant() : QVariant(QStringList{name, own});
+}
+
+void QueryPart::setLimit(const QVariant &limit) {
+    const QStringList wanted = limit.toStringList();
+    const QString own = wanted.value(1);
+    if (own != ownStatement() && wanted.value(0).isEmpty() && m_commands) {
+        if (!m_bench.mayWrite()) // it is kept in the project
+            return;
+        const ProgramState &state = m_bench.program.state;
+        m_commands->takeStatement(own.isEmpty() ? std::string_view(state.defaultSQLDef)
+                                                : std::string_view(fromQt(own)));
+    }
+    m_bench.table->showQuery(wanted.value(0));
+}
+
+std::vector<LimitChip> QueryPart::chips() const {
+    const QVariant now = limit();
+    if (!now.isValid())
+        return {};
+    const QString name = now.toStringList().constFirst();
+    return {
+        {name.isEmpty() ? tr("Statement: %1").arg(ownStatement()) : tr("Query: %1").arg(name), {}}};
+}
 
 void QueryPart::addMenu(QMainWindow &window) {
     auto *menu = new QMenu(tr("&Query"), &window);

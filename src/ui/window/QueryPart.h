@@ -14,7 +14,7 @@ class QueryTab;
 
 /// Queries in the main window: their tab and menu, and their keeping in step with the table, which
 /// has a selector of its own.
-class QueryPart final : public QObject, public QueryView {
+class QueryPart final : public QObject, public QueryView, public Limiter {
     Q_OBJECT
 
   public:
@@ -22,6 +22,11 @@ class QueryPart final : public QObject, public QueryView {
     ~QueryPart() override;
     QueryPart(const QueryPart &) = delete;
     QueryPart &operator=(const QueryPart &) = delete;
+
+    // Limiter
+    QVariant limit() const override;
+    void setLimit(const QVariant &limit) override;
+    std::vector<LimitChip> chips() const override;
 
   private:
     void addMenu(QMainWindow &window);
@@ -32,6 +37,7 @@ class QueryPart final : public QObject, public QueryView {
     void takeGrid();
     void showBuilder();
     QStringList deadQueries() const;
+    QString ownStatement() const;
 
     // QueryView
     std::string statement() const override;

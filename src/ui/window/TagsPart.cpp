@@ -13,6 +13,7 @@
 #include <QAction>
 #include <QMenu>
 #include <QSplitter>
+#include <QUndoCommand>
 
 #include <algorithm>
 #include <utility>
@@ -41,6 +42,22 @@ QAction *newAction(const char *name, const QString &text, QObject *owner,
 
 } // namespace
 
+/// A step of the window's undo: what was done to the tags of rows last.
+class TagStep final : public QUndoCommand {
+  public:
+    explicit TagStep(TagsPart &part) : QUndoCommand(TagsPart::tr("Tags")), m_part(part) {}
+    void undo() override { m_part.undo(); }
+    void redo() override {
+        // The first time, as it comes onto the stack, it has been done already.
+        if (std::exchange(m_isDone, true))
+            m_part.redo();
+    }
+
+  private:
+    TagsPart &m_part;
+    bool m_isDone = false;
+};
+
 TagsPart::TagsPart(Workbench &bench) : m_bench(bench), m_pane(new TagsPane) {
     bench.dataArea->addWidget(m_pane);
     bench.dataArea->setStretchFactor(bench.dataArea->count() - 1, 0);
@@ -52,6 +69,7 @@ TagsPart::TagsPart(Workbench &bench) : m_bench(bench), m_pane(new TagsPane) {
     connect(&bench.table->grid(), &UrlGrid::tagKeyPressed, this, &TagsPart::pressKey);
     connect(&bench, &Workbench::projectOpened, this, &TagsPart::takeProject);
     connect(bench.table, &TableTab::rowsLoaded, this, &TagsPart::fill);
+    bench.limits.add(*this);
     connect(&bench, &Workbench::projectClosing, this, [this] {
         m_history.clear();
         m_tags.clear();
@@ -69,18 +87,7 @@ void TagsPart::addMenu() {
     m_bench.tags->setEnabled(false);
     m_show = newAction("actTags", tr("&List of Tags"), m_pane, Qt::CTRL | Qt::SHIFT | Qt::Key_G);
     m_show->setCheckable(true);
-    m_undo = newAction("actUndoTags", tr("&Undo Tagging"), m_pane, Qt::CTRL | Qt::Key_Z);
-    m_redo =
-        newAction("actRedoTags", tr("&Redo Tagging"), m_pane, Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
-    UrlGrid &grid = m_bench.table->grid();
-    for (QAction *action : {m_undo, m_redo}) {
-        // Boxes for texts have keys of their own for this.
-        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        grid.addAction(action);
-    }
     m_bench.window.addAction(m_show);
-    connect(m_undo, &QAction::triggered, this, &TagsPart::undo);
-    connect(m_redo, &QAction::triggered, this, &TagsPart::redo);
     connect(m_bench.tags, &QMenu::aboutToShow, this, &TagsPart::fillMenu);
     if (auto *edit = m_bench.window.findChild<QMenu *>(QStringLiteral("menuEdit")))
         edit->addMenu(m_bench.tags);
@@ -102,12 +109,33 @@ void TagsPart::takeProject() {
     fill();
 }
 
-/// A limit that nobody sees would hide rows in silence.
 void TagsPart::showPane(bool shown) {
     m_pane->setVisible(shown);
     rememberFlag(m_bench.program.settings, "ShowTags", shown);
-    if (!shown)
-        limitTo(std::nullopt);
+}
+
+QVariant TagsPart::limit() const {
+    const UrlTable *table = m_bench.table->table();
+    return table && table->tags ? QVariant(qint64{table->tags->tagIDs.front()}) : QVariant();
+}
+
+void TagsPart::setLimit(const QVariant &limit) {
+    UrlTable *table = m_bench.table->table();
+    if (!table)
+        return;
+    std::optional<std::int64_t> tagID;
+    if (limit.isValid())
+        tagID = limit.toLongLong();
+    table->tags = tagID ? std::optional(TagLimit{{*tagID}, false}) : std::nullopt;
+    m_pane->setLimit(tagID);
+}
+
+std::vector<LimitChip> TagsPart::chips() const {
+    const QVariant chosen = limit();
+    if (!chosen.isValid())
+        return {};
+    const NamedTag *tag = find(chosen.toLongLong());
+    return {{tr("Tag: %1").arg(tag ? toQt(displayText(tag->name)) : tr("(deleted)")), {}}};
 }
 
 void TagsPart::fill() {
@@ -119,8 +147,6 @@ void TagsPart::fill() {
         m_tags = tags.list();
         m_pane->setTags(m_tags, tags.counts());
     });
-    m_undo->setEnabled(m_history.canUndo());
-    m_redo->setEnabled(m_history.canRedo());
 }
 
 const NamedTag *TagsPart::find(std::int64_t tagID) const {
@@ -157,7 +183,7 @@ void TagsPart::fillMenu() {
     QAction *make = m_bench.tags->addAction(tr("&New Tag..."), this, [this] { makeNew(true); });
     make->setObjectName(QStringLiteral("actNewTag"));
     m_bench.tags->addSeparator();
-    m_bench.tags->addActions({m_undo, m_redo, m_show});
+    m_bench.tags->addAction(m_show);
 }
 
 void TagsPart::pressKey(int digit) {
@@ -194,7 +220,10 @@ void TagsPart::flip(const NamedTag &tag) {
         if (!change)
             return m_bench.showNotice(tr("No row was tagged."));
         const QString notice = toQt(taggedText(order, *change));
-        m_history.add(std::move(*change));
+        if (!change->isNothing()) {
+            m_history.add(std::move(*change));
+            m_bench.limits.history().push(new TagStep(*this));
+        }
         showChanged(notice);
     });
 }
@@ -209,29 +238,25 @@ QString TagsPart::textOf(const TagChange &change, bool isBack) const {
 }
 
 void TagsPart::undo() {
-    m_bench.run("MainForm.UndoTags()", [this] {
-        if (!m_history.canUndo() || !m_bench.mayWrite())
-            return;
-        const QString notice = textOf(*m_history.next(), true);
-        bool done = false;
-        work(m_history.next()->ids.size(),
-             [&](TaskMonitor &task) { done = undoTagging(m_bench.program, m_history, task); });
-        if (done)
-            showChanged(notice);
-    });
+    if (!m_history.canUndo() || !m_bench.mayWrite())
+        return;
+    const QString notice = textOf(*m_history.next(), true);
+    bool done = false;
+    work(m_history.next()->ids.size(),
+         [&](TaskMonitor &task) { done = undoTagging(m_bench.program, m_history, task); });
+    if (done)
+        showChanged(notice);
 }
 
 void TagsPart::redo() {
-    m_bench.run("MainForm.UndoTags()", [this] {
-        if (!m_history.canRedo() || !m_bench.mayWrite())
-            return;
-        const QString notice = textOf(*m_history.nextAgain(), false);
-        bool done = false;
-        work(m_history.nextAgain()->ids.size(),
-             [&](TaskMonitor &task) { done = redoTagging(m_bench.program, m_history, task); });
-        if (done)
-            showChanged(notice);
-    });
+    if (!m_history.canRedo() || !m_bench.mayWrite())
+        return;
+    const QString notice = textOf(*m_history.nextAgain(), false);
+    bool done = false;
+    work(m_history.nextAgain()->ids.size(),
+         [&](TaskMonitor &task) { done = redoTagging(m_bench.program, m_history, task); });
+    if (done)
+        showChanged(notice);
 }
 
 void TagsPart::showChanged(const QString &notice) {
@@ -287,13 +312,17 @@ void TagsPart::remove(std::int64_t tagID) {
         if (m_bench.examiner().ask(messages::deleteTag(tag.name, rows)) != Answer::Yes)
             return;
         deleteTag(m_bench.program, tag);
-        m_history.forget(tag.tagID);
         showChanged(tr("\"%1\" was deleted.").arg(toQt(displayText(tag.name))));
     });
     const UrlTable *table = m_bench.table->table();
     if (table && table->tags && !find(tag.tagID) &&
         std::ranges::find(table->tags->tagIDs, tag.tagID) != table->tags->tagIDs.end())
         limitTo(std::nullopt);
+    // Which rows had it is lost with the tag: no step before it can be taken back.
+    if (!find(tag.tagID)) {
+        m_history.clear();
+        m_bench.limits.history().clear();
+    }
 }
 
 void TagsPart::move(std::int64_t tagID, int steps) {
@@ -318,14 +347,10 @@ void TagsPart::limitTo(std::optional<std::int64_t> tagID) {
     UrlTable *table = m_bench.table->table();
     if (!table)
         return;
-    std::optional<TagLimit> limit;
-    if (tagID)
-        limit = TagLimit{{*tagID}, false};
-    m_pane->setLimit(tagID);
-    if (limit == table->tags)
-        return;
-    table->tags = std::move(limit);
-    m_bench.run("MainForm.LimitTags()", [this] { m_bench.reload(); });
+    const QVariant before = limit();
+    setLimit(tagID ? QVariant(qint64{*tagID}) : QVariant());
+    if (limit() != before)
+        m_bench.run("MainForm.LimitTags()", [this] { m_bench.table->narrow(); });
 }
 
 } // namespace nv

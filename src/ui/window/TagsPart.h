@@ -15,14 +15,22 @@ namespace nv {
 class TagsPane;
 
 /// Named tags in the main window: the list beside the table, the menu of the chosen rows, the keys
-/// 1 to 9, and taking it back. What it does to the project goes through app/jobs/TagJob.h.
-class TagsPart final : public QObject {
+/// 1 to 9, the limit to rows of a tag, and steps of the window's undo. What it does to the project goes through app/jobs/TagJob.h.
+class TagsPart final : public QObject, public Limiter {
     Q_OBJECT
 
   public:
     explicit TagsPart(Workbench &bench);
 
+    // Limiter
+    QVariant limit() const override;
+    void setLimit(const QVariant &limit) override;
+    std::vector<LimitChip> chips() const override;
+    bool asksAgain() const override { return false; }
+
   private:
+    friend class TagStep;
+
     void addMenu();
     void connectPane();
     void takeProject();
@@ -52,8 +60,6 @@ class TagsPart final : public QObject {
     Workbench &m_bench;
     TagsPane *m_pane = nullptr;
     QAction *m_show = nullptr;
-    QAction *m_undo = nullptr;
-    QAction *m_redo = nullptr;
     std::vector<NamedTag> m_tags; ///< as of the last look
     TagHistory m_history;
 };

@@ -9,15 +9,18 @@
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLabel>
-#include <QToolButton>
+
+#include <chrono>
 
 namespace nv {
 
 namespace {
 
-constexpr int kBelowChoices = 1; ///< place in the table's column
+constexpr int kBelowChoices = 2; ///< place in the table's column
 constexpr int kByItself = -1;    ///< of the units: the one that fits
+/// After the last letter of a search: reading the dates of its rows takes longer than finding them.
+constexpr std::chrono::milliseconds kUntilShown{250};
+constexpr std::size_t kFew = 200'000; ///< rows whose dates are read in no time
 
 QString timeText(std::int64_t second) {
     return toQt(slotText(slotOf(second, TimeUnit::minute), TimeUnit::minute));
@@ -26,20 +29,24 @@ QString timeText(std::int64_t second) {
 } // namespace
 
 TimePart::TimePart(Workbench &bench) : m_bench(bench) {
-    m_panel = newPanel(); // sets the members that stand behind it
-    if (auto *column = qobject_cast<QBoxLayout *>(bench.table->layout()))
-        column->insertWidget(kBelowChoices, m_panel);
+    m_panel = newPanel();
+    bench.table->column().insertWidget(kBelowChoices, m_panel);
     bench.actions.time->setChecked(readFlag(bench.program.settings, "ShowTime"));
     m_panel->setVisible(bench.actions.time->isChecked());
     connectPanel();
+    m_soon.setSingleShot(true);
+    m_soon.setInterval(kUntilShown);
+    connect(&m_soon, &QTimer::timeout, this, &TimePart::loadSoon);
     connect(bench.actions.time, &QAction::toggled, this, &TimePart::showPanel);
     connect(bench.table, &TableTab::rowsLoaded, this, &TimePart::takeRows);
     connect(&bench, &Workbench::projectClosing, this, [this] {
         m_isStale = true;
+        m_soon.stop();
         m_strip->setEvents({}, {});
         m_strip->setChosen(std::nullopt);
-        showLimit();
+        m_span.reset();
     });
+    bench.limits.add(*this);
 }
 
 QWidget *TimePart::newChoices() {
@@ -59,12 +66,6 @@ QWidget *TimePart::newChoices() {
     m_stack->addItem(tr("By browser"), static_cast<int>(TimeStack::browser));
     m_hours = new QCheckBox(tr("Hours of the day"));
     m_hours->setObjectName(QStringLiteral("chkTimeHours"));
-    m_limit = new QLabel;
-    m_limit->setObjectName(QStringLiteral("labTimeLimit"));
-    m_limit->setTextFormat(Qt::PlainText);
-    m_allTimes = new QToolButton;
-    m_allTimes->setObjectName(QStringLiteral("btnAllTimes"));
-    m_allTimes->setText(tr("Show all times"));
 
     auto *choices = new QWidget;
     auto *row = new QHBoxLayout(choices);
@@ -72,9 +73,6 @@ QWidget *TimePart::newChoices() {
     row->addWidget(m_unit);
     row->addWidget(m_stack);
     row->addWidget(m_hours);
-    row->addSpacing(12);
-    row->addWidget(m_limit);
-    row->addWidget(m_allTimes);
     row->addStretch();
     return choices;
 }
@@ -88,7 +86,6 @@ QWidget *TimePart::newPanel() {
     column->setSpacing(0);
     column->addWidget(newChoices());
     column->addWidget(m_strip);
-    showLimit();
     return panel;
 }
 
@@ -103,28 +100,39 @@ void TimePart::connectPanel() {
         load();
     });
     connect(m_hours, &QCheckBox::toggled, m_strip, &TimeStrip::setHours);
-    connect(m_allTimes, &QToolButton::clicked, this, &TimePart::showAllTimes);
-    connect(m_strip, &TimeStrip::spanChosen, this, &TimePart::choose);
-    connect(m_strip, &TimeStrip::spanCleared, this, &TimePart::showAllTimes);
+    connect(m_strip, &TimeStrip::spanChosen, this, [this](qint64 begin, qint64 end) {
+        choose(TimeSpan{begin, end});
+    });
+    connect(m_strip, &TimeStrip::spanCleared, this, [this] { choose(std::nullopt); });
 }
 
-/// A limit that nobody sees would hide rows in silence.
+/// What was chosen holds while the bar is folded: its chip says so.
 void TimePart::showPanel(bool shown) {
     m_panel->setVisible(shown);
     rememberFlag(m_bench.program.settings, "ShowTime", shown);
     if (shown)
         load();
-    else if (m_strip->chosen())
-        showAllTimes();
 }
 
 /// What was chosen by another zone's clock isn't what this one shows. The rows are being loaded as
 /// long as this runs, so all times come after it.
 void TimePart::takeRows() {
     m_isStale = true;
-    if (m_strip->chosen() && m_zone != zoneName())
-        QMetaObject::invokeMethod(this, &TimePart::showAllTimes, Qt::QueuedConnection);
-    load();
+    if (m_span && m_zone != zoneName())
+        QMetaObject::invokeMethod(
+            this, [this] { choose(std::nullopt); }, Qt::QueuedConnection);
+    if (m_bench.limits.isTyped())
+        m_soon.start();
+    else
+        load();
+}
+
+void TimePart::loadSoon() {
+    m_soon.start(); // the command doesn't run while a task has the project
+    m_bench.run("MainForm.LoadTimeline()", [this] {
+        m_soon.stop();
+        load();
+    });
 }
 
 void TimePart::load() {
@@ -135,10 +143,16 @@ void TimePart::load() {
     const auto stack = static_cast<TimeStack>(m_stack->currentData().toInt());
     TimedEvents events;
     Walk walk = Walk::Cancelled;
-    m_bench.runTask({}, [&](TaskMonitor &task) {
+    const auto loadInto = [&](TaskMonitor &task) {
         walk = loadEvents(m_bench.project(), table->idsOfAllTimes(), stack, state.gmtZone,
                           state.enableDSTChanges, task, events);
-    });
+    };
+    // A task locks the window, and letters that are typed meanwhile would be lost.
+    Unwatched nobody;
+    if (m_bench.limits.isTyped() && table->idsOfAllTimes().size() < kFew)
+        loadInto(nobody);
+    else
+        m_bench.runTask({}, loadInto);
     // A part of the rows would be taken for all.
     m_isStale = walk == Walk::Cancelled;
     m_zone = zoneName();
@@ -150,38 +164,36 @@ QString TimePart::zoneName() const {
     return toQt(zone.exact ? zone.exact->name() : zone.tzName);
 }
 
-void TimePart::choose(qint64 begin, qint64 end) {
-    limitTo(TimeSpan{begin, end});
-}
-
-void TimePart::showAllTimes() {
-    m_strip->setChosen(std::nullopt);
-    limitTo(std::nullopt);
-}
-
-void TimePart::limitTo(const std::optional<TimeSpan> &span) {
-    UrlTable *table = m_bench.table->table();
-    if (!table)
-        return;
+void TimePart::choose(const std::optional<TimeSpan> &span) {
     m_bench.run("MainForm.LimitTime()", [&] {
-        const ProgramState &state = m_bench.program.state;
-        std::optional<TimeLimit> limit;
-        if (span)
-            limit = limitOf(*span, state.gmtZone, state.enableDSTChanges);
-        if (limit == table->time)
-            return;
-        table->time = limit;
-        showLimit();
-        m_bench.reload();
+        setLimit(span ? QVariant::fromValue(*span) : QVariant());
+        m_bench.table->narrow();
     });
 }
 
-void TimePart::showLimit() {
-    const auto &span = m_strip->chosen();
-    if (span)
-        m_limit->setText(tr("Only %1 to %2").arg(timeText(span->begin), timeText(span->end - 1)));
-    m_limit->setVisible(span.has_value());
-    m_allTimes->setVisible(span.has_value());
+QVariant TimePart::limit() const {
+    return m_span ? QVariant::fromValue(*m_span) : QVariant();
+}
+
+void TimePart::setLimit(const QVariant &limit) {
+    m_span.reset();
+    if (limit.isValid())
+        m_span = limit.value<TimeSpan>();
+    m_strip->setChosen(m_span);
+    UrlTable *table = m_bench.table->table();
+    if (!table)
+        return;
+    const ProgramState &state = m_bench.program.state;
+    if (m_span)
+        m_zone = zoneName();
+    table->time = m_span ? std::optional(limitOf(*m_span, state.gmtZone, state.enableDSTChanges))
+                         : std::nullopt;
+}
+
+std::vector<LimitChip> TimePart::chips() const {
+    if (!m_span)
+        return {};
+    return {{tr("%1 to %2").arg(timeText(m_span->begin), timeText(m_span->end - 1)), {}}};
 }
 
 } // namespace nv

@@ -4,23 +4,30 @@
 #include "views/Timeline.h"
 
 #include <QString>
+#include <QTimer>
+
+#include <optional>
 
 class QCheckBox;
 class QComboBox;
-class QLabel;
-class QToolButton;
 
 namespace nv {
 
 class TimeStrip;
 
-/// The bar of time above the table: when the rows of the query, host and filters happened. A span
+/// The bar of time above the table: when the rows that the other limits leave happened. A span
 /// that is chosen in it hides the rows of other times until it is taken back.
-class TimePart final : public QObject {
+class TimePart final : public QObject, public Limiter {
     Q_OBJECT
 
   public:
     explicit TimePart(Workbench &bench);
+
+    // Limiter
+    QVariant limit() const override;
+    void setLimit(const QVariant &limit) override;
+    std::vector<LimitChip> chips() const override;
+    bool asksAgain() const override { return false; }
 
   private:
     QWidget *newPanel();
@@ -29,22 +36,20 @@ class TimePart final : public QObject {
     void showPanel(bool shown);
     void takeRows();
     void load();
-    void choose(qint64 begin, qint64 end);
-    void showAllTimes();
-    void limitTo(const std::optional<TimeSpan> &span);
-    void showLimit();
+    void loadSoon();
+    void choose(const std::optional<TimeSpan> &span);
     QString zoneName() const;
 
     Workbench &m_bench;
+    QWidget *m_panel = nullptr;
     QComboBox *m_unit = nullptr;
     QComboBox *m_stack = nullptr;
     QCheckBox *m_hours = nullptr;
-    QLabel *m_limit = nullptr;
-    QToolButton *m_allTimes = nullptr;
     TimeStrip *m_strip = nullptr;
-    QString m_zone;             ///< of what the strip shows
-    bool m_isStale = true;      ///< other rows than those that the strip shows
-    QWidget *m_panel = nullptr; ///< the last one: making it sets the others
+    QTimer m_soon;
+    std::optional<TimeSpan> m_span; ///< what limits the table
+    QString m_zone;                 ///< of what the strip shows
+    bool m_isStale = true;          ///< other rows than those that the strip shows
 };
 
 } // namespace nv

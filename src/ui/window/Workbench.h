@@ -2,6 +2,7 @@
 
 #include "app/program/Program.h"
 #include "ui/views/TableTab.h"
+#include "ui/window/Limits.h"
 #include "ui/window/MainActions.h"
 #include "ui/window/ViewerTabs.h"
 #include "ui/window/WindowDialogs.h"
@@ -36,6 +37,7 @@ class Workbench final : public QObject {
     TableTab *table = nullptr;
     ViewerTabs *viewers = nullptr;
     QMenu *tags = nullptr; ///< named tags of the chosen rows; made by their part
+    Limits limits; ///< whatever hides rows of the table
 
     Examiner &examiner() const { return program.around.examiner; }
     bool isProjectOpen() const { return program.state.projectDB.isOpen(); }
@@ -61,6 +63,8 @@ class Workbench final : public QObject {
     void projectClosing();
     /// Other settings are in force; the rows are loaded anew after it.
     void optionsChanged();
+    /// The project has other stored queries than before.
+    void queriesChanged();
     /// The gallery shows other kinds than those that are now ticked.
     void galleryOutdated();
 };

@@ -118,22 +118,6 @@ TEST_F(TagHistoryTest, takesBackAndDoesAgain) {
     EXPECT_FALSE(history.canRedo()) << "what was taken back before another change is gone";
 }
 
-TEST_F(TagHistoryTest, forgetsADeletedTag) {
-    const std::int64_t tag = add("Important", {});
-    const std::int64_t other = add("Later", {});
-    history.add(set(tag, {1}));
-    history.add(set(other, {2}));
-    history.add(set(tag, {3}));
-    history.forget(tag);
-    ASSERT_TRUE(history.canUndo());
-    EXPECT_EQ(history.next()->tagID, other);
-    EXPECT_TRUE(history.undo(project.db(), task));
-    EXPECT_FALSE(history.canUndo());
-    EXPECT_TRUE(history.canRedo());
-    history.clear();
-    EXPECT_FALSE(history.canRedo());
-}
-
 TEST_F(TagHistoryTest, aCancelChangesNothing) {
     const std::int64_t tag = add("Important", {});
     history.add(set(tag, {1}));

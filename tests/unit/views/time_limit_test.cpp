@@ -86,5 +86,36 @@ TEST_F(TimeLimitTest, aTableHidesTheOthersAndKnowsThem) {
     EXPECT_EQ(table.idsOfAllTimes().size(), 2U);
 }
 
+TEST_F(TimeLimitTest, aSearchNarrowsWithoutTheQuery) {
+    const std::int32_t early = add({2011, 2, 1, 12, 0, 0});
+    const std::int32_t within = add({2011, 3, 1, 12, 0, 0});
+    const std::int32_t other = add({2011, 3, 1, 13, 0, 0});
+    test::MemoryLog log;
+    UrlTable table(project.db(), log, project.zone);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.ids().size(), 3U);
+    table.ofSearch = std::make_shared<const FoundIds>(FoundIds{early, within});
+    EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
+    EXPECT_THAT(table.ids(), ElementsAre(early, within));
+    EXPECT_EQ(table.hiddenCount(), 1U);
+    table.time = limitOf({secondsOf({2011, 3, 1, 0, 0, 0}), secondsOf({2011, 3, 2, 0, 0, 0})},
+                         project.zone, true);
+    EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
+    EXPECT_THAT(table.ids(), ElementsAre(within));
+    EXPECT_EQ(table.hiddenCount(), 2U);
+    EXPECT_THAT(table.idsOfAllTimes(), ElementsAre(early, within));
+    table.ofSearch.reset();
+    EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
+    EXPECT_THAT(table.ids(), ElementsAre(within, other));
+    table.time.reset();
+    EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
+    EXPECT_EQ(table.ids().size(), 3U);
+    EXPECT_EQ(table.hiddenCount(), 0U);
+    table.ofSearch = std::make_shared<const FoundIds>();
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.emptyState(), EmptyState::AllHidden);
+    EXPECT_EQ(table.hiddenCount(), 3U);
+}
+
 } // namespace
 } // namespace nv

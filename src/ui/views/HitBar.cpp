@@ -1,0 +1,67 @@
+#include "ui/views/HitBar.h"
+
+#include "base/DisplayText.h"
+#include "platform/qt/QtText.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+#include <QToolButton>
+
+namespace nv {
+
+namespace {
+
+/// A piece of evidence is never markup, and shows no signs that turn a line around.
+QString escaped(std::string_view text) {
+    return toQt(displayText(std::string(text), 1000)).toHtmlEscaped();
+}
+
+} // namespace
+
+HitBar::HitBar(QWidget *parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("HitBar"));
+    m_text = new QLabel;
+    m_text->setObjectName(QStringLiteral("labSnippet"));
+    m_text->setTextFormat(Qt::RichText);
+    m_text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(6, 2, 6, 2);
+    QToolButton *previous = newButton("btnPreviousHit", Qt::UpArrow, tr("Previous hit (Shift+F8)"));
+    QToolButton *next = newButton("btnNextHit", Qt::DownArrow, tr("Next hit (F8)"));
+    row->addWidget(previous);
+    row->addWidget(next);
+    row->addWidget(m_text, 1);
+    connect(previous, &QToolButton::clicked, this, &HitBar::previousWanted);
+    connect(next, &QToolButton::clicked, this, &HitBar::nextWanted);
+    hide();
+}
+
+QToolButton *HitBar::newButton(const char *name, Qt::ArrowType arrow, const QString &text) {
+    auto *button = new QToolButton;
+    button->setObjectName(QLatin1String(name));
+    button->setArrowType(arrow);
+    button->setAccessibleName(text);
+    button->setToolTip(text);
+    button->setFocusPolicy(Qt::TabFocus);
+    button->setAutoRaise(true);
+    return button;
+}
+
+void HitBar::showSnippet(const QString &field, const Snippet &snippet) {
+    const std::string_view text = snippet.text;
+    const auto [at, length] = snippet.mark;
+    const QString html =
+        QStringLiteral("<b>%1:</b> %2<span style=\"background-color:#FFD54F;color:black\">%3</span>"
+                       "%4")
+            .arg(field, escaped(text.substr(0, at)), escaped(text.substr(at, length)),
+                 escaped(text.substr(at + length)));
+    m_text->setText(html);
+    m_text->setToolTip(html);
+}
+
+void HitBar::showNote(const QString &text) {
+    m_text->setText(text.toHtmlEscaped());
+    m_text->setToolTip({});
+}
+
+} // namespace nv

@@ -1,0 +1,158 @@
+#include "ui/views/SearchBar.h"
+
+#include "base/DisplayText.h"
+#include "platform/qt/Icons.h"
+#include "platform/qt/QtText.h"
+
+#include <QBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+constexpr std::size_t kMostNames = 12; ///< of kinds, and of hosts
+
+QString quoted(const std::string &name) {
+    return QStringLiteral("\"%1\"").arg(toQt(name).replace(u'"', QStringLiteral("\"\"")));
+}
+
+/// Red that is read on either ground.
+QColor faultColor(const QPalette &palette) {
+    return palette.color(QPalette::Window).lightness() < 128 ? QColor(0xFF, 0x9A, 0x8A)
+                                                             : QColor(0xB0, 0x1E, 0x1E);
+}
+
+} // namespace
+
+SearchBar::SearchBar(QWidget *parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("searchBar"));
+    m_text = new QLineEdit;
+    m_text->setObjectName(QStringLiteral("txtSearch"));
+    m_text->setAccessibleName(tr("Search"));
+    m_text->setPlaceholderText(tr("Search; Enter: pages too"));
+    m_text->setToolTip(
+        tr("Looks through addresses, titles, hosts, notes and facts while you type;\n"
+           "with Enter through the text of pages and headers too.\n"
+           "\"phrase\"  -word  host:  browser:  kind:  before:  after:  /expression/"));
+    m_text->setClearButtonEnabled(true);
+    m_text->addAction(icon("find"), QLineEdit::LeadingPosition);
+    m_text->setMinimumWidth(200);
+    m_text->setMaximumWidth(420);
+    m_text->installEventFilter(this);
+    m_hits = new QToolButton;
+    m_hits->setObjectName(QStringLiteral("btnSearchHits"));
+    m_hits->setText(tr("Hits"));
+    m_hits->setAccessibleName(tr("Hits by kind and host"));
+    m_hits->setToolTip(tr("How many were found, by kind and by host; a click looks there only"));
+    m_hits->setFocusPolicy(Qt::TabFocus);
+    m_hits->setPopupMode(QToolButton::InstantPopup);
+    m_menu = new QMenu(this);
+    m_menu->setObjectName(QStringLiteral("menuSearchHits"));
+    m_hits->setMenu(m_menu);
+    m_message = new QLabel;
+    m_message->setObjectName(QStringLiteral("labSearchMessage"));
+    m_message->setTextFormat(Qt::PlainText);
+    m_message->setWordWrap(true);
+    m_message->setMaximumWidth(360);
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_text, 3);
+    row->addWidget(m_hits);
+    row->addWidget(m_message, 2);
+    row->addStretch();
+    connect(m_text, &QLineEdit::textEdited, this, &SearchBar::typed);
+    connect(m_text, &QLineEdit::returnPressed, this, [this] { emit entered(m_text->text()); });
+    // Its cross doesn't count as an edit.
+    connect(m_text, &QLineEdit::textChanged, this, [this](const QString &text) {
+        if (text.isEmpty())
+            emit typed(text);
+    });
+    clearCounts();
+    showMessage({});
+}
+
+QString SearchBar::text() const {
+    return m_text->text();
+}
+
+void SearchBar::setText(const QString &text) {
+    const QSignalBlocker quiet(m_text);
+    m_text->setText(text);
+}
+
+void SearchBar::focusBox() {
+    m_text->setFocus(Qt::ShortcutFocusReason);
+    m_text->selectAll();
+}
+
+bool SearchBar::hasBoxFocus() const {
+    return window()->focusWidget() == m_text;
+}
+
+void SearchBar::addCondition(const QString &condition) {
+    setText(QStringLiteral("%1 %2").arg(m_text->text().trimmed(), condition));
+    emit entered(m_text->text());
+}
+
+void SearchBar::showMessage(const QString &text, Tone tone) {
+    QPalette palette = this->palette();
+    if (tone == Tone::fault)
+        palette.setColor(QPalette::WindowText, faultColor(palette));
+    m_message->setPalette(palette);
+    m_message->setText(text);
+    m_message->setToolTip(Qt::convertFromPlainText(text));
+    m_message->setVisible(!text.isEmpty());
+    m_text->setAccessibleDescription(
+        text.isEmpty() ? tr("Addresses, titles, hosts, notes and facts while you type; pages and "
+                            "headers too with Enter")
+                       : text);
+}
+
+void SearchBar::addCounts(const QString &title, const QString &word, const NamedCounts &counts) {
+    if (counts.empty())
+        return;
+    m_menu->addSection(title);
+    for (std::size_t at = 0; at < std::min(counts.size(), kMostNames); ++at) {
+        const auto &[name, rows] = counts[at];
+        QString shown = name.empty() ? tr("(none)") : toQt(displayText(name, 80));
+        QAction *entry = m_menu->addAction(
+            QStringLiteral("%1\t%L2").arg(shown.replace(u'&', QStringLiteral("&&"))).arg(rows));
+        entry->setEnabled(!name.empty());
+        const QString condition = word + quoted(name);
+        connect(entry, &QAction::triggered, this, [this, condition] { addCondition(condition); });
+    }
+    if (counts.size() > kMostNames)
+        m_menu->addAction(tr("and %L1 more").arg(counts.size() - kMostNames))->setEnabled(false);
+}
+
+void SearchBar::showCounts(const FoundCounts &counts) {
+    m_menu->clear();
+    addCounts(tr("By kind"), QStringLiteral("kind:"), counts.byKind);
+    addCounts(tr("By host"), QStringLiteral("host:"), counts.byHost);
+    emit menuWanted();
+    m_hits->setEnabled(!m_menu->isEmpty());
+}
+
+/// Down and Escape lead out of the box.
+bool SearchBar::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() != QEvent::KeyPress)
+        return QWidget::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent *>(event)->key();
+    if (key == Qt::Key_Escape && !m_text->text().isEmpty()) {
+        m_text->clear();
+        return true;
+    }
+    if (key != Qt::Key_Down && key != Qt::Key_Escape)
+        return QWidget::eventFilter(watched, event);
+    emit left();
+    return true;
+}
+
+} // namespace nv

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "search/Search.h"
+
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QToolButton;
+
+namespace nv {
+
+/// The box of the search, what is wrong with it or came of it, and a menu of what was found, by
+/// kind and by host.
+class SearchBar final : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit SearchBar(QWidget *parent = nullptr);
+
+    QString text() const;
+    /// Without telling of it.
+    void setText(const QString &text);
+    void focusBox();
+    bool hasBoxFocus() const;
+    /// Adds a condition to the box, and tells of it as if it had been entered.
+    void addCondition(const QString &condition);
+
+    enum class Tone { plain, fault };
+    /// Stands beside the box; an empty text takes it away.
+    void showMessage(const QString &text, Tone tone = Tone::plain);
+    void showCounts(const FoundCounts &counts);
+    void clearCounts() { showCounts({}); }
+    /// An entry of the menu, below the counts.
+    QMenu &menu() { return *m_menu; }
+
+  signals:
+    void typed(const QString &text);
+    void entered(const QString &text);
+    /// The examiner goes from the box to the rows.
+    void left();
+    /// Before the menu comes up.
+    void menuWanted();
+
+  protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+  private:
+    void addCounts(const QString &title, const QString &word, const NamedCounts &counts);
+
+    QLineEdit *m_text = nullptr;
+    QLabel *m_message = nullptr;
+    QToolButton *m_hits = nullptr;
+    QMenu *m_menu = nullptr;
+};
+
+} // namespace nv

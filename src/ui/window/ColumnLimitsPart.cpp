@@ -1,0 +1,140 @@
+#include "ui/window/ColumnLimitsPart.h"
+
+#include "base/DisplayText.h"
+#include "platform/qt/QtText.h"
+#include "ui/views/ColumnLimitForm.h"
+#include "ui/views/ColumnsForm.h"
+
+#include <QMenu>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+constexpr std::size_t kMostListed = 2000; ///< values in the dialog
+
+using ColumnLimits = std::vector<ColumnLimit>;
+
+QString shortText(const std::string &value) {
+    return value.empty() ? ColumnLimitsPart::tr("(empty)") : toQt(displayText(value, 60));
+}
+
+QString textOf(const ColumnLimit &limit) {
+    QStringList conditions;
+    if (limit.oneOf) {
+        constexpr std::size_t kMostNamed = 3;
+        QStringList names;
+        for (std::size_t at = 0; at < std::min(limit.oneOf->size(), kMostNamed); ++at)
+            names += shortText(limit.oneOf->at(at));
+        if (limit.oneOf->size() > kMostNamed)
+            names += ColumnLimitsPart::tr("%L1 more").arg(limit.oneOf->size() - kMostNamed);
+        conditions +=
+            names.isEmpty() ? ColumnLimitsPart::tr("no value") : names.join(QStringLiteral(", "));
+    }
+    if (!limit.part.empty())
+        conditions += ColumnLimitsPart::tr("contains %1").arg(shortText(limit.part));
+    if (limit.from && limit.to)
+        conditions += ColumnLimitsPart::tr("%1 to %2").arg(*limit.from).arg(*limit.to);
+    else if (limit.from)
+        conditions += ColumnLimitsPart::tr("%1 or more").arg(*limit.from);
+    else if (limit.to)
+        conditions += ColumnLimitsPart::tr("at most %1").arg(*limit.to);
+    return QStringLiteral("%1: %2").arg(columnTitle(limit.column),
+                                        conditions.join(QStringLiteral("; ")));
+}
+
+ColumnLimits without(ColumnLimits limits, UrlColumn column) {
+    std::erase_if(limits, [column](const ColumnLimit &each) { return each.column == column; });
+    return limits;
+}
+
+QVariant variantOf(const ColumnLimits &limits) {
+    return limits.empty() ? QVariant() : QVariant::fromValue(limits);
+}
+
+} // namespace
+
+ColumnLimitsPart::ColumnLimitsPart(Workbench &bench) : m_bench(bench) {
+    connect(bench.table, &TableTab::headerMenuComesUp, this, &ColumnLimitsPart::addToMenu);
+    bench.limits.add(*this);
+}
+
+void ColumnLimitsPart::addToMenu(QMenu &menu, UrlColumn column) {
+    const UrlTable *table = m_bench.table->table();
+    if (!table || valuesOf(column) == ColumnValues::none)
+        return;
+    menu.addSeparator();
+    menu.addAction(tr("&Only Rows with..."), this,
+                   [this, column] {
+                       m_bench.run("MainForm.LimitColumn()", [this, column] { choose(column); });
+                   })
+        ->setObjectName(QStringLiteral("actLimitColumn"));
+    const auto &limits = table->byColumn;
+    QAction *all = menu.addAction(tr("All &Rows Again"), this, [this, column] {
+        m_bench.run("MainForm.LimitColumn()", [this, column] { put(column, std::nullopt); });
+    });
+    all->setObjectName(QStringLiteral("actUnlimitColumn"));
+    all->setEnabled(std::ranges::find(limits, column, &ColumnLimit::column) != limits.end());
+}
+
+/// The values are counted in the rows that are shown, but those of a column that is limited already
+/// in all that the query gives: otherwise no value could be added.
+void ColumnLimitsPart::choose(UrlColumn column) {
+    UrlTable *table = m_bench.table->table();
+    ColumnLimit now{.column = column};
+    for (const ColumnLimit &each : table->byColumn)
+        if (each.column == column)
+            now = each;
+    const bool isLimited = now != ColumnLimit{.column = column};
+    const RowIds &ids = isLimited ? table->idsOfQuery() : table->ids();
+    Walk walk = Walk::Cancelled;
+    CountedValues counted;
+    m_bench.runTask({"COUNTING VALUES", "", "", ""}, [&](TaskMonitor &task) {
+        walk = countValues(m_bench.project(), ids, column, kMostListed, task, counted);
+    });
+    if (walk == Walk::Cancelled)
+        return;
+    // Values that are ticked now and that other limits hide stay in the list.
+    if (now.oneOf)
+        for (const std::string &value : *now.oneOf)
+            if (std::ranges::find(counted.values, value,
+                                  &std::pair<std::string, std::int64_t>::first) ==
+                counted.values.end())
+                counted.values.emplace_back(value, 0);
+    ColumnLimitForm form(counted, now, columnTitle(column), &m_bench.window);
+    if (form.exec() == QDialog::Accepted)
+        put(column, form.limit());
+}
+
+void ColumnLimitsPart::put(UrlColumn column, const std::optional<ColumnLimit> &limit) {
+    ColumnLimits limits = without(m_bench.table->table()->byColumn, column);
+    if (limit)
+        limits.push_back(*limit);
+    setLimit(variantOf(limits));
+    m_bench.table->narrow();
+}
+
+QVariant ColumnLimitsPart::limit() const {
+    const UrlTable *table = m_bench.table->table();
+    return table ? variantOf(table->byColumn) : QVariant();
+}
+
+void ColumnLimitsPart::setLimit(const QVariant &limit) {
+    if (UrlTable *table = m_bench.table->table())
+        table->byColumn = limit.isValid() ? limit.value<ColumnLimits>() : ColumnLimits();
+}
+
+std::vector<LimitChip> ColumnLimitsPart::chips() const {
+    const UrlTable *table = m_bench.table->table();
+    std::vector<LimitChip> chips;
+    if (!table)
+        return chips;
+    chips.reserve(table->byColumn.size());
+    for (const ColumnLimit &each : table->byColumn)
+        chips.push_back({textOf(each), variantOf(without(table->byColumn, each.column))});
+    return chips;
+}
+
+} // namespace nv

@@ -1,0 +1,41 @@
+#include "ui/window/SearchProgress.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QToolButton>
+
+namespace nv {
+
+SearchProgress::SearchProgress(QWidget *parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("SearchProgress"));
+    auto *label = new QLabel(tr("Making the search index"));
+    label->setObjectName(QStringLiteral("labSearchIndex"));
+    constexpr int kWidth = 120; // pixels
+    constexpr int kWhole = 100;
+    m_bar = new QProgressBar;
+    m_bar->setObjectName(QStringLiteral("barSearchIndex"));
+    m_bar->setAccessibleName(label->text());
+    m_bar->setRange(0, kWhole);
+    m_bar->setMaximumWidth(kWidth);
+    auto *cancel = new QToolButton;
+    cancel->setObjectName(QStringLiteral("btnStopIndex"));
+    cancel->setText(tr("Cancel"));
+    cancel->setAccessibleName(tr("Stop making the search index"));
+    cancel->setToolTip(tr("What is done of it holds; the next search goes on from there"));
+    cancel->setFocusPolicy(Qt::TabFocus);
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(6, 0, 6, 0);
+    row->addWidget(label);
+    row->addWidget(m_bar);
+    row->addWidget(cancel);
+    connect(cancel, &QToolButton::clicked, this, &SearchProgress::cancelled);
+    hide();
+}
+
+void SearchProgress::showFraction(double fraction) {
+    m_bar->setValue(static_cast<int>(fraction * m_bar->maximum()));
+    show();
+}
+
+} // namespace nv

@@ -1,0 +1,133 @@
+#include "views/ColumnLimit.h"
+
+#include "base/NoLog.h"
+#include "base/Trap.h"
+#include "db/RowWalk.h"
+#include "search/FoldedText.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <functional>
+#include <string_view>
+#include <unordered_map>
+
+namespace nv {
+
+namespace {
+
+/// Values come from evidence: a column can hold another one in each row.
+constexpr std::size_t kMostValues = 200'000;
+
+std::string_view textIn(const SQLite::Column &column) {
+    const char *bytes = column.getText(); // before the length, which it settles
+    return {bytes, static_cast<std::size_t>(column.getBytes())};
+}
+
+/// Calls `look` with the value of each row that can be read.
+Walk walkValues(SQLite::Database &project, const RowIds &sorted, UrlColumn column,
+                TaskMonitor &task,
+                const std::function<void(std::int32_t, std::string_view)> &look) {
+    const UrlColumnFacts &facts = factsOf(column);
+    const bool isFlag = facts.rule == CellRule::YesNo || facts.rule == CellRule::Flag;
+    SQLite::Statement row(project, fmt::format("SELECT URL_ID, {} FROM URLs WHERE URL_ID >= ? "
+                                               "ORDER BY URL_ID",
+                                               facts.source));
+    RowWalk walk(row);
+    NoLog unheard; // whoever looks at the row logs its damage
+    double done = 0;
+    for (const std::int32_t id : sorted) {
+        if (!task.advance(done++ / static_cast<double>(sorted.size())))
+            return Walk::Cancelled;
+        logFailureOf(unheard, {}, [&] {
+            if (!walk.goTo(id))
+                return;
+            const SQLite::Column value = row.getColumn(1);
+            if (isFlag)
+                look(id, value.getInt() != 0 ? "Yes" : "No");
+            else
+                look(id, textIn(value));
+        });
+    }
+    return Walk::Finished;
+}
+
+bool isBetween(std::string_view text, const ColumnLimit &limit) {
+    double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && (!limit.from || number >= *limit.from) &&
+           (!limit.to || number <= *limit.to);
+}
+
+} // namespace
+
+ColumnValues valuesOf(UrlColumn column) {
+    if (factsOf(column).source.empty())
+        return ColumnValues::none;
+    switch (factsOf(column).rule) {
+    case CellRule::Text:
+    case CellRule::YesNo:
+    case CellRule::Flag:
+        return ColumnValues::texts;
+    case CellRule::Number:
+        return ColumnValues::numbers;
+    default:
+        return ColumnValues::none;
+    }
+}
+
+Walk keepByColumn(SQLite::Database &project, const ColumnLimit &limit, TaskMonitor &task,
+                  RowIds &ids) {
+    RowIds sorted = ids;
+    std::ranges::sort(sorted);
+    std::vector<std::string> wanted = limit.oneOf.value_or(std::vector<std::string>());
+    std::ranges::sort(wanted);
+    const std::string part = foldedCase(limit.part);
+    const bool isRange = limit.from || limit.to;
+    FoldedText folded;
+    RowIds out;
+    const Walk walk = walkValues(
+        project, sorted, limit.column, task, [&](std::int32_t id, std::string_view value) {
+            bool meets = !limit.oneOf || std::ranges::binary_search(wanted, value, std::less<>());
+            if (meets && !part.empty()) {
+                folded.fold(value);
+                meets = folded.text().find(part) != std::string::npos;
+            }
+            if (!meets || (isRange && !isBetween(value, limit)))
+                out.push_back(id);
+        });
+    if (walk == Walk::Cancelled)
+        return walk;
+    std::erase_if(ids, [&out](std::int32_t id) { return std::ranges::binary_search(out, id); });
+    return Walk::Finished;
+}
+
+Walk countValues(SQLite::Database &project, const RowIds &ids, UrlColumn column, std::size_t most,
+                 TaskMonitor &task, CountedValues &counted) {
+    RowIds sorted = ids;
+    std::ranges::sort(sorted);
+    std::unordered_map<std::string, std::int64_t> counts;
+    const Walk walk =
+        walkValues(project, sorted, column, task, [&](std::int32_t, std::string_view value) {
+            const auto at = counts.find(std::string(value));
+            if (at != counts.end())
+                ++at->second;
+            else if (counts.size() < kMostValues)
+                counts.emplace(value, 1);
+            else
+                counted.isCut = true;
+        });
+    counted.values.assign(counts.begin(), counts.end());
+    std::ranges::sort(counted.values, [](const auto &one, const auto &other) {
+        return one.second != other.second ? one.second > other.second : one.first < other.first;
+    });
+    if (counted.values.size() > most) {
+        counted.values.resize(most);
+        counted.isCut = true;
+    }
+    return walk;
+}
+
+} // namespace nv

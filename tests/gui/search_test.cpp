@@ -1,0 +1,194 @@
+#include "gui/LimitedTable.h"
+#include "ui/views/HitMarks.h"
+
+#include <QComboBox>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <SQLiteCpp/Database.h>
+
+// The search above the table.
+namespace nv {
+
+using namespace test;
+
+class SearchTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init() { m_on = std::make_unique<LimitedTable>(); }
+    void cleanup() { m_on.reset(); }
+
+    void lettersNarrowTheTableAsTheyAreTyped();
+    void twoLettersAreTooFew();
+    void enterLooksThroughPagesToo();
+    void aWrongExpressionIsToldBesideTheBox();
+    void countsNarrowFurther();
+    void theHitIsShownAndTheNextOneGoneTo();
+    void marksStandInTheTextOfAPage();
+    void controlFLeadsToTheBoxAndEscapeOut();
+    void rowsThatComeLaterAreFoundToo();
+    void aResultIsKeptAsAQuery();
+    void closingTheProjectEndsTheSearch();
+
+  private:
+    QLabel &message() { return child<QLabel>(m_on->form, "labSearchMessage"); }
+    QString snippet() { return child<QLabel>(m_on->form, "labSnippet").text(); }
+
+    std::unique_ptr<LimitedTable> m_on;
+};
+
+void SearchTest::lettersNarrowTheTableAsTheyAreTyped() {
+    m_on->type(QStringLiteral("a.ex"));
+    QTRY_COMPARE(m_on->rows(), 1);
+    QVERIFY(m_on->tab().table()->cell(0, UrlColumn::Value).find("a.example") != std::string::npos);
+    QVERIFY2(m_on->box().hasFocus() || m_on->form.focusWidget() == &m_on->box(),
+             "letters go on into the box");
+    QTest::keyClicks(&m_on->box(), QStringLiteral("zzz"));
+    QTRY_COMPARE(m_on->rows(), 0);
+    QVERIFY(std::filesystem::exists(m_on->desk.folder.path() / "case.nvp.search"));
+    m_on->box().clear();
+    QTRY_COMPARE(m_on->rows(), m_on->all);
+    QVERIFY(m_on->chips().isEmpty());
+}
+
+void SearchTest::twoLettersAreTooFew() {
+    m_on->type(QStringLiteral("a."));
+    QTRY_VERIFY(message().text().contains(QStringLiteral("Three letters")));
+    QCOMPARE(m_on->rows(), m_on->all);
+    QTest::keyClick(&m_on->box(), Qt::Key_Return);
+    QTRY_COMPARE(message().text(), QString());
+    QVERIFY(!m_on->chips().isEmpty());
+}
+
+void SearchTest::enterLooksThroughPagesToo() {
+    m_on->project().exec("UPDATE URLs SET MetaData = 'HTTP/1.1 200 OK' || char(13, 10) || "
+                         "'X-Needle: harbour' WHERE URL_ID = 2");
+    m_on->type(QStringLiteral("harbour"));
+    QTRY_COMPARE(m_on->rows(), 0);
+    QTest::keyClick(&m_on->box(), Qt::Key_Return);
+    QTRY_COMPARE(m_on->rows(), 1);
+    QTRY_VERIFY2(snippet().contains(QStringLiteral("Headers")), qPrintable(snippet()));
+}
+
+void SearchTest::aWrongExpressionIsToldBesideTheBox() {
+    m_on->enter(QStringLiteral("/a(/"));
+    QTRY_VERIFY(!message().text().isEmpty() && message().isVisible());
+    QCOMPARE(m_on->rows(), m_on->all);
+    QVERIFY(m_on->desk.examiner.heard.empty());
+    m_on->enter(QStringLiteral("after:yesterday"));
+    QVERIFY2(message().text().contains(QStringLiteral("2011-03-01")), qPrintable(message().text()));
+    m_on->enter(QStringLiteral("/a.ex/"));
+    QTRY_COMPARE(m_on->rows(), 1);
+    QCOMPARE(message().text(), QString());
+}
+
+void SearchTest::countsNarrowFurther() {
+    m_on->enter(QStringLiteral("example"));
+    QTRY_VERIFY(m_on->rows() > 1 && m_on->rows() <= m_on->all);
+    auto &hits = child<QToolButton>(m_on->form, "btnSearchHits");
+    QTRY_VERIFY(hits.isEnabled());
+    QAction *one = nullptr;
+    for (QAction *entry : hits.menu()->actions())
+        if (entry->text().startsWith(QStringLiteral("a.example")))
+            one = entry;
+    QVERIFY(one);
+    QVERIFY(one->text().endsWith(QStringLiteral("\t1")));
+    one->trigger();
+    QCOMPARE(m_on->box().text(), QStringLiteral("example host:\"a.example\""));
+    QTRY_COMPARE(m_on->rows(), 1);
+}
+
+void SearchTest::theHitIsShownAndTheNextOneGoneTo() {
+    m_on->enter(QStringLiteral("example"));
+    QTRY_VERIFY(snippet().contains(QStringLiteral(">example</span>")));
+    const auto first = m_on->tab().grid().currentUrl();
+    trigger(m_on->form, "actNextHit");
+    QVERIFY(m_on->tab().grid().currentUrl() != first);
+    trigger(m_on->form, "actPreviousHit");
+    QVERIFY(m_on->tab().grid().currentUrl() == first);
+    trigger(m_on->form, "actPreviousHit");
+    QVERIFY(child<QLabel>(m_on->form, "labNotice").text().contains(QStringLiteral("first hit")));
+}
+
+void SearchTest::marksStandInTheTextOfAPage() {
+    QPlainTextEdit text;
+    HitMarks marks(text);
+    text.setPlainText(QString::fromUtf8("Gr\xC3\xBC\xC3\x9F"
+                                        "e: tide \xF0\x9F\x8C\x8A tide"));
+    marks.setMarker([](std::string_view shown) {
+        std::vector<TextSpan> spans;
+        for (std::size_t at = shown.find("tide"); at != std::string_view::npos;
+             at = shown.find("tide", at + 1))
+            spans.push_back({at, 4});
+        return spans;
+    });
+    QCOMPARE(text.extraSelections().size(), 2);
+    QVERIFY(marks.goOn(true));
+    QCOMPARE(text.textCursor().selectedText(), QStringLiteral("tide"));
+    const int first = text.textCursor().position();
+    QVERIFY(marks.goOn(true));
+    QCOMPARE(text.textCursor().selectedText(), QStringLiteral("tide"));
+    QVERIFY(text.textCursor().position() > first);
+    QVERIFY(!marks.goOn(true));
+    QVERIFY(marks.goOn(false));
+    QCOMPARE(text.textCursor().position(), first);
+    text.setPlainText(QStringLiteral("nothing"));
+    QCOMPARE(marks.count(), std::size_t{0});
+}
+
+void SearchTest::controlFLeadsToTheBoxAndEscapeOut() {
+    QVERIFY(m_on->form.findChild<QAction *>(QStringLiteral("actSearch"))->shortcut() ==
+            QKeySequence(QKeySequence::Find));
+    trigger(m_on->form, "actSearch");
+    QVERIFY(m_on->form.focusWidget() == &m_on->box());
+    m_on->type(QStringLiteral("a.example"));
+    QTRY_COMPARE(m_on->rows(), 1);
+    QTest::keyClick(&m_on->box(), Qt::Key_Escape);
+    QTRY_COMPARE(m_on->rows(), m_on->all);
+    QTest::keyClick(&m_on->box(), Qt::Key_Escape);
+    QVERIFY(m_on->form.focusWidget() == &m_on->tab().grid());
+}
+
+void SearchTest::rowsThatComeLaterAreFoundToo() {
+    m_on->enter(QStringLiteral("a.example"));
+    QTRY_COMPARE(m_on->rows(), 1);
+    m_on->project().exec(
+        "INSERT INTO URLs (URL, Host) VALUES ('http://a.example/later', 'a.example')");
+    trigger(m_on->form, "actRefresh");
+    QTRY_COMPARE(m_on->rows(), 2);
+}
+
+void SearchTest::aResultIsKeptAsAQuery() {
+    m_on->enter(QStringLiteral("a.example"));
+    QTRY_COMPARE(m_on->rows(), 1);
+    QAction *keep = nullptr;
+    QTRY_VERIFY((keep = m_on->form.findChild<QAction *>(QStringLiteral("actKeepResult"))));
+    QTimer::singleShot(0, qApp, [] {
+        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+        QVERIFY(dialog);
+        dialog->findChild<QLineEdit *>()->setText(QStringLiteral("Harbour"));
+        dialog->accept();
+    });
+    keep->trigger();
+    QVERIFY(child<QComboBox>(m_on->form, "cbActiveQuery").findText(QStringLiteral("Harbour")) > 0);
+    QCOMPARE(m_on->project().execAndGet("SELECT count(*) FROM SearchResults").getInt(), 1);
+}
+
+void SearchTest::closingTheProjectEndsTheSearch() {
+    m_on->enter(QStringLiteral("a.example"));
+    QTRY_COMPARE(m_on->rows(), 1);
+    m_on->enter(QStringLiteral("example"));
+    trigger(m_on->form, "actClose");
+    QCOMPARE(m_on->box().text(), QString());
+    QVERIFY(!m_on->box().isEnabled());
+    QVERIFY(m_on->chips().isEmpty());
+    m_on->form.takePath(m_on->desk.folder.path() / "case.nvp");
+    QCOMPARE(m_on->rows(), m_on->all);
+    m_on->enter(QStringLiteral("a.example"));
+    QTRY_COMPARE(m_on->rows(), 1);
+}
+
+} // namespace nv
+
+QTEST_MAIN(nv::SearchTest)
+#include "search_test.moc"

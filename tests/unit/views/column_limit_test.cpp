@@ -1,0 +1,102 @@
+#include "support/TestProject.h"
+#include "views/ColumnLimit.h"
+#include "views/UrlTable.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace nv {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Pair;
+
+struct ColumnLimitTest : testing::Test {
+    ColumnLimitTest() {
+        project.connection().exec(
+            "INSERT INTO URLs (URL_ID, Host, Visits, WebPageTitle, CacheFileExists) VALUES "
+            "(1, 'a.example', 3, 'Tide tables', 1), (2, 'b.example', 10, '\xC3\x9C"
+            "berblick', 0), "
+            "(3, 'a.example', NULL, NULL, 1), (4, '', 7, 'low tide', 0)");
+    }
+    RowIds kept(const ColumnLimit &limit) {
+        RowIds ids{4, 3, 2, 1};
+        EXPECT_EQ(keepByColumn(project.connection(), limit, task, ids), Walk::Finished);
+        return ids;
+    }
+    test::TestProject project;
+    Unwatched task;
+};
+
+TEST_F(ColumnLimitTest, keepsWholeValues) {
+    EXPECT_THAT(kept({.column = UrlColumn::Host, .oneOf = {{"a.example"}}}), ElementsAre(3, 1));
+    EXPECT_THAT(kept({.column = UrlColumn::Host, .oneOf = {{"b.example", ""}}}), ElementsAre(4, 2));
+    EXPECT_THAT(kept({.column = UrlColumn::Host, .oneOf = {{"a"}}}), IsEmpty());
+    EXPECT_THAT(kept({.column = UrlColumn::Host, .oneOf = std::vector<std::string>()}), IsEmpty());
+    EXPECT_THAT(kept({.column = UrlColumn::FileExists, .oneOf = {{"Yes"}}}), ElementsAre(3, 1));
+}
+
+TEST_F(ColumnLimitTest, keepsPartsInEitherCaseOfAllAlphabets) {
+    EXPECT_THAT(kept({.column = UrlColumn::WebpageTitle, .part = "TIDE"}), ElementsAre(4, 1));
+    EXPECT_THAT(kept({.column = UrlColumn::WebpageTitle,
+                      .part = "\xC3\xBC"
+                              "ber"}),
+                ElementsAre(2));
+    EXPECT_THAT(kept({.column = UrlColumn::WebpageTitle, .part = "%"}), IsEmpty());
+}
+
+TEST_F(ColumnLimitTest, keepsRangesOfNumbers) {
+    EXPECT_THAT(kept({.column = UrlColumn::Visits, .from = 3, .to = 7}), ElementsAre(4, 1));
+    EXPECT_THAT(kept({.column = UrlColumn::Visits, .from = 8}), ElementsAre(2));
+    EXPECT_THAT(kept({.column = UrlColumn::Visits, .to = 9}), ElementsAre(4, 1))
+        << "what isn't there is in no range";
+}
+
+TEST_F(ColumnLimitTest, countsWhatStandsThere) {
+    CountedValues counted;
+    EXPECT_EQ(countValues(project.connection(), {4, 2, 3, 1}, UrlColumn::Host, 10, task, counted),
+              Walk::Finished);
+    EXPECT_THAT(counted.values,
+                ElementsAre(Pair("a.example", 2), Pair("", 1), Pair("b.example", 1)));
+    EXPECT_FALSE(counted.isCut);
+    counted = {};
+    EXPECT_EQ(countValues(project.connection(), {2, 1}, UrlColumn::Host, 1, task, counted),
+              Walk::Finished);
+    EXPECT_THAT(counted.values, ElementsAre(Pair("a.example", 1)));
+    EXPECT_TRUE(counted.isCut);
+}
+
+TEST_F(ColumnLimitTest, columnsThatAreMadeOfSeveralHaveNone) {
+    EXPECT_EQ(valuesOf(UrlColumn::Icon), ColumnValues::none);
+    EXPECT_EQ(valuesOf(UrlColumn::ActionDateUtc), ColumnValues::none);
+    EXPECT_EQ(valuesOf(UrlColumn::Visits), ColumnValues::numbers);
+    EXPECT_EQ(valuesOf(UrlColumn::Host), ColumnValues::texts);
+}
+
+TEST_F(ColumnLimitTest, aTableHidesTheOthers) {
+    const TimeZone zone{Date::fromDays(40000)};
+    UrlTable table(project.connection(), project.log, zone);
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
+    table.byColumn = {{.column = UrlColumn::Host, .oneOf = {{"a.example"}}}};
+    EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
+    EXPECT_EQ(table.rowCount(), 2U);
+    EXPECT_EQ(table.hiddenCount(), 2U);
+    table.ofSearch = std::make_shared<const FoundIds>(FoundIds{1, 2});
+    EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
+    EXPECT_THAT(table.ids(), ElementsAre(1));
+    table.byColumn.push_back({.column = UrlColumn::Visits, .from = 5});
+    EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
+    EXPECT_EQ(table.rowCount(), 0U);
+    table.byColumn.clear();
+    EXPECT_EQ(table.narrow(task), LoadResult::Loaded);
+    EXPECT_EQ(table.rowCount(), 2U);
+    table.byColumn = {{.column = UrlColumn::Visits, .from = 5}};
+    table.ofSearch.reset();
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.rowCount(), 2U);
+}
+
+} // namespace
+} // namespace nv
