@@ -23,6 +23,7 @@ constexpr int kMargin = 6; ///< pixels
 constexpr int kHeight = 120;
 constexpr int kLeastHeight = 60;
 constexpr int kHeightOfHours = 120;
+constexpr int kLeastHeightOfHours = 60;
 constexpr int kPixelsPerBar = 3; ///< at least
 constexpr int kPixelsPerLabel = 110;
 constexpr std::size_t kLeastBars = 30;   ///< of a unit that is taken by itself
@@ -40,7 +41,7 @@ TimeStrip::TimeStrip(QWidget *parent) : QWidget(parent) {
     setAccessibleName(tr("Time"));
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(false);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
 }
 
 QSize TimeStrip::sizeHint() const {
@@ -48,7 +49,7 @@ QSize TimeStrip::sizeHint() const {
 }
 
 QSize TimeStrip::minimumSizeHint() const {
-    return {120, kLeastHeight};
+    return {120, kLeastHeight + (m_hasHours ? kLeastHeightOfHours : 0)};
 }
 
 void TimeStrip::setEvents(TimedEvents events, const QString &zone) {

@@ -1,6 +1,5 @@
-#include "views/TickCount.h"
-
 #include "support/TestProject.h"
+#include "views/TickCount.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
