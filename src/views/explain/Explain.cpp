@@ -247,7 +247,9 @@ class Values {
     void setZone(ValueOrigin &value, const FieldRule *rule) const {
         const TimeZone &zone = m_source.zone;
         if (value.field == "ActionDateLocal")
-            value.zone = zone.exact ? exactZoneText(zone) : zone.tzName;
+            value.zone = zone.exact            ? exactZoneText(zone)
+                         : zone.tzName.empty() ? zoneHeading(zone)
+                                               : zone.tzName;
         else if (rule && isDateForm(rule->form))
             value.zone = rule->form == SourceForm::fileTimeLocal
                              ? "local time of the machine that wrote it; made UTC with the offset "
