@@ -9,7 +9,8 @@ namespace nv {
 
 namespace {
 
-/// Addresses stay texts: an escaped ":" keeps programs that show Markdown from making links of them.
+/// Addresses stay texts: an escaped ":" keeps programs that show Markdown from making links of
+/// them.
 std::string markdownText(const std::string &text) {
     constexpr std::string_view kSigns = "\\`*_{}[]<>()#+-!|~&:";
     std::string line;

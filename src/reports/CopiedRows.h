@@ -11,9 +11,9 @@ namespace nv {
 /// The forms in which rows go to the clipboard, beside lines that are divided by tabs.
 enum class CopyForm : std::uint8_t { csv, markdown, json };
 
-/// Makes one text of rows. Nothing that stands in a cell can break the form: CSV is quoted, and what
-/// a spreadsheet would run gets an apostrophe before it; signs of Markdown are escaped, and line
-/// breaks are blanks; JSON is a list of objects.
+/// Makes one text of rows. Nothing that stands in a cell can break the form: CSV is quoted, and
+/// what a spreadsheet would run gets an apostrophe before it; signs of Markdown are escaped, and
+/// line breaks are blanks; JSON is a list of objects.
 class CopiedRows {
   public:
     CopiedRows(CopyForm form, std::vector<std::string> headings);

@@ -48,14 +48,20 @@ bool isOfSearch(std::string_view host, std::string_view path) {
     });
 }
 
+/// At most so many bytes, of whole characters.
+std::string_view beginningOf(std::string_view text, std::size_t most) {
+    if (text.size() <= most)
+        return text;
+    std::size_t end = most;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+        --end;
+    return text.substr(0, end);
+}
+
 std::string cutText(std::string text) {
     if (text.size() <= kLongestDecodedValue)
         return text;
-    std::size_t end = kLongestDecodedValue;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
-        --end; // within a character
-    text.resize(end);
-    return text + "\u2026";
+    return std::string(beginningOf(text, kLongestDecodedValue)) + "\u2026";
 }
 
 /// Escapes and "+" undone.
@@ -294,13 +300,13 @@ class Decoder {
 
 std::vector<DecodedValue> decodedAddress(std::string_view field, std::string_view address) {
     Decoder decoder(field);
-    decoder.address({}, address.substr(0, kMostDecodedBytes), 0);
+    decoder.address({}, beginningOf(address, kMostDecodedBytes), 0);
     return decoder.take();
 }
 
 std::vector<DecodedValue> decodedText(std::string_view field, std::string_view text) {
     Decoder decoder(field);
-    const std::string_view looked = text.substr(0, kMostDecodedBytes);
+    const std::string_view looked = beginningOf(text, kMostDecodedBytes);
     if (!decoder.address({}, looked, 0))
         decoder.pairsOrText(looked);
     return decoder.take();

@@ -13,8 +13,8 @@ enum class LayoutNameFault { None, Empty, TooLong, Taken };
 
 /// The column layouts of a project, by name; one of them is shown. Four are built in: "Examiner",
 /// which a new project opens with, "Caches", "Pictures", and "Classic", all columns in the order of
-/// `UrlColumn` but those that came later (docs/guide/table.md). They can be arranged anew and reset.
-/// Names are told apart without regard to case.
+/// `UrlColumn` but those that came later (docs/guide/table.md). They can be arranged anew and
+/// reset. Names are told apart without regard to case.
 class LayoutBook {
   public:
     static constexpr std::string_view kExaminer = "Examiner";
