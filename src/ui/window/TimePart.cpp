@@ -25,7 +25,8 @@ QString timeText(std::int64_t second) {
 
 } // namespace
 
-TimePart::TimePart(Workbench &bench) : m_bench(bench), m_panel(newPanel()) {
+TimePart::TimePart(Workbench &bench) : m_bench(bench) {
+    m_panel = newPanel(); // sets the members that stand behind it
     if (auto *column = qobject_cast<QBoxLayout *>(bench.table->layout()))
         column->insertWidget(kBelowChoices, m_panel);
     bench.actions.time->setChecked(readFlag(bench.program.settings, "ShowTime"));
