@@ -98,7 +98,14 @@ Walk UrlTable::fill(const std::vector<IdQuery> &queries, TaskMonitor &task, Foun
     for (const IdQuery &query : queries)
         if (findRows(m_project, query, filters, task, found) == Walk::Cancelled)
             return Walk::Cancelled;
-    return limitTime(task, found);
+    return limitPlaces(task, found) == Walk::Cancelled ? Walk::Cancelled : limitTime(task, found);
+}
+
+Walk UrlTable::limitPlaces(TaskMonitor &task, FoundRows &found) {
+    const std::size_t all = found.ids.size();
+    const Walk walk = keepIn(m_project, places, task, found.ids);
+    found.hidden += all - found.ids.size();
+    return walk;
 }
 
 Walk UrlTable::limitTime(TaskMonitor &task, FoundRows &found) {

@@ -4,6 +4,7 @@
 #include "base/FailureLog.h"
 #include "base/TaskMonitor.h"
 #include "db/RecordFacts.h"
+#include "views/PlaceLimit.h"
 #include "views/RowCells.h"
 #include "views/RowPager.h"
 #include "views/TableFind.h"
@@ -45,6 +46,7 @@ class UrlTable {
     std::string rootPath;          ///< the project's base folder; empty mends no rows
     RecordFilters filters;         ///< as the program's stand at the load
     std::optional<TimeLimit> time; ///< hides what happened at other times
+    PlaceChoice places;            ///< hides what comes from other places
     Undated undated = Undated::AsTheQueryHasThem;
     /// The column of the examiner's choice: it holds over the query's order, and a sort sets it. A
     /// query without that column has its own order all the same.
@@ -135,6 +137,7 @@ class UrlTable {
     std::vector<IdQuery> loadQueries();
     std::vector<IdQuery> ownOrder();
     Walk fill(const std::vector<IdQuery> &queries, TaskMonitor &task, FoundRows &found);
+    Walk limitPlaces(TaskMonitor &task, FoundRows &found);
     Walk limitTime(TaskMonitor &task, FoundRows &found);
     LoadResult attempt(const std::function<Walk()> &work);
     void take(FoundRows &&found);
