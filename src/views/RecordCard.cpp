@@ -40,8 +40,12 @@ std::string_view wordOf(RecordGroup group) {
     }
 }
 
-/// What the signatures of entries in an index say.
-std::string statusText(const std::string &status) {
+/// What the signatures of entries in an index say. Most other formats have the first of them for
+/// each record, which says nothing.
+std::string statusText(const std::string &status, std::string_view cacheType) {
+    const BrowserFamily *family = familyOf(cacheType);
+    if (family == nullptr || family->engine != Engine::internetExplorer)
+        return status == "URL" ? std::string() : status;
     if (status == "URL")
         return "URL: an entry that is in use";
     if (status == "REDR")
@@ -153,8 +157,9 @@ class CardMaker {
 
     std::string status() const {
         std::vector<std::string> words;
-        if (std::string text = m_row.text("Status"); !trim(text).empty())
-            words.push_back(statusText(text));
+        std::string text = statusText(m_row.text("Status"), m_row.text("CacheType"));
+        if (!trim(text).empty() && text != fact("transition"))
+            words.push_back(std::move(text));
         if (const std::string code = fact("response_code"); !code.empty())
             words.push_back("HTTP " + code);
         if (const std::string how = fact("recovered_from"); !how.empty())

@@ -87,6 +87,14 @@ TEST_F(RecordCardTest, ofCachedContentItsFile) {
     EXPECT_EQ(card.line("Local date"), "");
 }
 
+TEST_F(RecordCardTest, aStatusThatSaysNothingIsNone) {
+    EXPECT_EQ(load(add({{"CacheType", "Chrome History"}, {"Status", "URL"}})).line("Status"), "");
+    EXPECT_EQ(load(add({{"CacheType", "Chrome Cookie"}, {"Status", "Expired"}})).line("Status"),
+              "Expired");
+    EXPECT_EQ(load(add({{"CacheType", "IE Cache"}, {"Status", "URL"}})).line("Status"),
+              "URL: an entry that is in use");
+}
+
 TEST_F(RecordCardTest, datesOfAnyAgeStandInTheZone) {
     const RecordCard card = load(add({{"ActionDateUTC", daysOf({1996, 1, 2, 3, 4, 5})},
                                       {"OtherDate", daysOf({1997, 1, 1, 0, 0, 0})},
