@@ -17,8 +17,8 @@ using C = UrlColumn;
 
 // What comes first is on the screen without scrolling: when, by which program, what, where.
 constexpr UrlColumn kExaminerColumns[] = {
-    C::Tag,   C::Icon,   C::LocalDate, C::Browser, C::Type,   C::Host,   C::WebpageTitle,
-    C::Value, C::Person, C::Profile,   C::User,    C::Visits, C::Status, C::Note};
+    C::Tag,   C::Icon,   C::LocalDate, C::Browser, C::Type,   C::Host, C::WebpageTitle,
+    C::Value, C::Person, C::User,      C::Visits,  C::Status, C::Note};
 constexpr UrlColumn kCacheColumns[] = {
     C::Tag,           C::Icon,       C::LocalDate,     C::Browser, C::Host,
     C::FileName,      C::MimeType,   C::CacheFileSize, C::Value,   C::WebpageTitle,

@@ -40,7 +40,7 @@ TEST(LayoutBook, aNewProjectOpensWithExaminer) {
     EXPECT_EQ(
         book.layout().shownColumns(),
         (std::vector{C::Tag, C::Icon, C::LocalDate, C::Browser, C::Type, C::Host, C::WebpageTitle,
-                     C::Value, C::Person, C::Profile, C::User, C::Visits, C::Status, C::Note}));
+                     C::Value, C::Person, C::User, C::Visits, C::Status, C::Note}));
     for (const C column : book.layout().shownColumns())
         EXPECT_TRUE(book.layout().isFitted(column));
 }
