@@ -173,9 +173,11 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
     if (shown.file.empty())
         pane.showReason(toQt(shown.reason));
     else
-        pane.showPage(shown.file, !shown.rebuilt              ? tr("Cached content")
-                                  : isRebuiltExactly(*record) ? tr("Page rebuilt exactly")
-                                                              : tr("Rebuilt page"));
+        pane.showPage(shown.file,
+                      !shown.rebuilt              ? tr("Cached content")
+                      : isRebuiltExactly(*record) ? tr("Page rebuilt exactly")
+                                                  : tr("Rebuilt page"),
+                      record->URL);
 }
 
 } // namespace nv
