@@ -2,8 +2,10 @@
 
 #include "app/project/Project.h"
 #include "base/Files.h"
+#include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/BrowserPane.h"
+#include "ui/views/CardPane.h"
 #include "ui/views/HexPane.h"
 #include "ui/views/NotesPane.h"
 #include "ui/views/PicturePane.h"
@@ -12,6 +14,9 @@
 #include "ui/views/TextPane.h"
 #include "ui/window/PictureFeed.h"
 #include "views/CellText.h"
+#include "views/ViewerChoice.h"
+
+#include <QSplitter>
 
 namespace nv {
 
@@ -31,6 +36,12 @@ std::vector<Property> propertiesOf(Workbench &bench, UrlId id) {
         id, {bench.project(), program.state.gmtZone, dateSettings(program), program.log, picture});
 }
 
+std::optional<RecordCard> cardOf(Workbench &bench, UrlId id) {
+    Program &program = bench.program;
+    return loadCard(id,
+                    {bench.project(), program.state.gmtZone, dateSettings(program), program.log});
+}
+
 QString sentence(const std::string &reason) {
     QString text = toQt(displayText(reason, 2000));
     return text.isEmpty() ? text : text.front().toUpper() + text.mid(1) + u'.';
@@ -38,10 +49,18 @@ QString sentence(const std::string &reason) {
 
 } // namespace
 
-void addProperties(Workbench &bench) {
-    auto *pane = new PropertiesPane([&bench](UrlId id) { return propertiesOf(bench, id); });
-    bench.viewers->addPane(*pane, *pane, ViewersPart::tr("Properties"),
-                           "MainForm.LoadProperties()");
+QWidget *newCard(Workbench &bench) {
+    auto *properties = new PropertiesPane([&bench](UrlId id) { return propertiesOf(bench, id); });
+    auto *card = new CardPane([&bench](UrlId id) { return cardOf(bench, id); }, *properties);
+    bench.viewers->addAside(*card, *card, "MainForm.LoadProperties()");
+    bench.viewers->setLook([&bench](UrlId id) {
+        std::optional<ViewedRecord> viewed;
+        if (bench.isProjectOpen())
+            logFailureOf(bench.program.log, "MainForm.markViewers()",
+                         [&] { viewed = viewedRecord(bench.project(), id); });
+        return viewed;
+    });
+    return card;
 }
 
 /// A pane that the part fills.
@@ -78,6 +97,8 @@ ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
     connect(m_picture, &PicturePane::noResizeChanged, this,
             [this](bool noResize) { state().noResizePicture = noResize; });
     connect(m_hex, &HexPane::sourceToggled, bench.viewers, &ViewerTabs::refresh);
+    connect(bench.viewers, &ViewerTabs::fullSizeWanted, this,
+            [this](bool full) { m_bench.dataArea->setVisible(!full); });
     connect(bench.table, &TableTab::currentUrlChanged, this, [this] { state().viewer.clearAll(); });
 }
 
