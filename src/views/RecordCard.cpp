@@ -157,8 +157,9 @@ class CardMaker {
 
     std::string status() const {
         std::vector<std::string> words;
-        std::string text = statusText(m_row.text("Status"), m_row.text("CacheType"));
-        if (!trim(text).empty() && text != fact("transition"))
+        std::string text =
+            statusText(std::string(trim(m_row.text("Status"))), m_row.text("CacheType"));
+        if (!text.empty() && text != fact("transition"))
             words.push_back(std::move(text));
         if (const std::string code = fact("response_code"); !code.empty())
             words.push_back("HTTP " + code);

@@ -112,8 +112,8 @@ void LayoutsTest::aNewProjectShowsDateAndAddressOfItsRows() {
 }
 
 void LayoutsTest::widthsFitWhatTheColumnsHold() {
-    m_form->resize(1280, 820);
-    QTRY_COMPARE(m_form->width(), 1280);
+    m_form->resize(1600, 900);
+    QTRY_COMPARE(m_form->width(), 1600);
     const QFontMetrics metrics = grid().fontMetrics();
     for (const UrlColumn column : {UrlColumn::LocalDate, UrlColumn::Host, UrlColumn::User})
         for (int row = 0; row < grid().model()->rowCount(); ++row)
@@ -124,11 +124,11 @@ void LayoutsTest::widthsFitWhatTheColumnsHold() {
 }
 
 void LayoutsTest::aNarrowWindowShortensAddressesFirst() {
-    m_form->resize(1280, 820);
-    QTRY_COMPARE(m_form->width(), 1280);
+    m_form->resize(1600, 900);
+    QTRY_COMPARE(m_form->width(), 1600);
     const int date = header().sectionSize(sectionOf(UrlColumn::LocalDate));
     const int address = header().sectionSize(sectionOf(UrlColumn::Value));
-    m_form->resize(960, 540);
+    m_form->resize(1280, 800);
     QTRY_VERIFY(header().sectionSize(sectionOf(UrlColumn::Value)) < address);
     QCOMPARE(header().sectionSize(sectionOf(UrlColumn::LocalDate)), date);
 }

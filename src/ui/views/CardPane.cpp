@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kMostTitle = 200;    ///< characters
 constexpr std::size_t kMostAddress = 2000; ///< characters; the list has all of it
-constexpr int kLabelLetters = 20;          ///< room for the labels
+constexpr int kLabelLetters = 24;          ///< room for the labels
 
 /// Texts of evidence are inserted as they are: nothing in them is markup, and nothing a link.
 class CardWriter {

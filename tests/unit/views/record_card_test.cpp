@@ -91,7 +91,7 @@ TEST_F(RecordCardTest, aStatusThatSaysNothingIsNone) {
     EXPECT_EQ(load(add({{"CacheType", "Chrome History"}, {"Status", "URL"}})).line("Status"), "");
     EXPECT_EQ(load(add({{"CacheType", "Chrome Cookie"}, {"Status", "Expired"}})).line("Status"),
               "Expired");
-    EXPECT_EQ(load(add({{"CacheType", "IE Cache"}, {"Status", "URL"}})).line("Status"),
+    EXPECT_EQ(load(add({{"CacheType", "IE Cache"}, {"Status", "URL "}})).line("Status"),
               "URL: an entry that is in use");
 }
 
