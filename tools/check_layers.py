@@ -62,7 +62,8 @@ QT_FOLDERS = re.compile(r"src/(ui|platform/qt|programs)/")
 
 # The parser of pages stands below one reading of pages, which has the limits and the places; expressions are
 # those of the search.
-LIBRARY_FOLDERS = {"gumbo.h": "src/markup/", "re2/re2.h": "src/search/", "re2/set.h": "src/search/"}
+LIBRARY_FOLDERS = {"gumbo.h": "src/markup/", "re2/re2.h": "src/search/", "re2/set.h": "src/search/",
+                   "libpsl.h": "src/address/"}
 
 CATCH_PLACES = re.compile(r"src/base/Trap\.h|src/programs/[^/]*\.cpp|src/platform/.*"
                           r"|src/db/SqliteErrors\.(h|cpp)")

@@ -5,19 +5,19 @@ namespace nv::cli {
 namespace {
 
 constexpr MakeCommand kCommands[] = {
-    importCommand,         listCommand,          queryCommand,         queriesCommand,
-    saveQueryCommand,      showQueryCommand,     deleteQueryCommand,   searchCommand,
-    keywordsCommand,       resultsCommand,       showResultCommand,    deleteResultCommand,
-    showCommand,           explainCommand,       dumpCommand,          extractCommand,
-    zonesCommand,          rebuildCommand,       auditCommand,         tagCommand,
-    tagsCommand,           changeTagCommand,     deleteTagCommand,     templateCommand,
-    templateCreateCommand, templateListCommand,  templateApplyCommand, thumbnailsCommand,
-    galleryCommand,        trailCommand,         verifyCommand,        linksCommand,
-    noteCommand,           hexCommand,           exifCommand,          textCommand,
-    hostsCommand,          timelineCommand,      hashSetsCommand,      addHashSetCommand,
-    listHashSetsCommand,   removeHashSetCommand, matchHashSetsCommand, reportCommand,
-    exportCommand,         upgradeCommand,       optionsCommand,       optionsGetCommand,
-    optionsSetCommand,
+    importCommand,         listCommand,         queryCommand,         queriesCommand,
+    saveQueryCommand,      showQueryCommand,    deleteQueryCommand,   searchCommand,
+    keywordsCommand,       resultsCommand,      showResultCommand,    deleteResultCommand,
+    showCommand,           explainCommand,      dumpCommand,          extractCommand,
+    zonesCommand,          rebuildCommand,      auditCommand,         tagCommand,
+    tagsCommand,           changeTagCommand,    deleteTagCommand,     templateCommand,
+    templateCreateCommand, templateListCommand, templateApplyCommand, thumbnailsCommand,
+    galleryCommand,        trailCommand,        verifyCommand,        linksCommand,
+    noteCommand,           hexCommand,          exifCommand,          textCommand,
+    hostsCommand,          placesCommand,       timelineCommand,      hashSetsCommand,
+    addHashSetCommand,     listHashSetsCommand, removeHashSetCommand, matchHashSetsCommand,
+    reportCommand,         exportCommand,       upgradeCommand,       optionsCommand,
+    optionsGetCommand,     optionsSetCommand,
 };
 
 constexpr Example kProgramExamples[] = {

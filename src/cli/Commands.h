@@ -49,6 +49,7 @@ Command upgradeCommand();
 Command optionsCommand();
 Command optionsGetCommand();
 Command optionsSetCommand();
+Command placesCommand();
 Command timelineCommand();
 Command hashSetsCommand();
 Command addHashSetCommand();

@@ -2,10 +2,12 @@
 #include "base/Text.h"
 #include "cli/ChosenFilters.h"
 #include "cli/Commands.h"
+#include "cli/LayoutColumns.h"
 #include "cli/LoadedTable.h"
 #include "cli/NamedTagRows.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
+#include "views/LayoutBook.h"
 
 #include <algorithm>
 
@@ -18,6 +20,7 @@ struct Arguments {
     RowsAsked rows;
     std::string tag; ///< the name of one; empty for all rows
     std::vector<std::string> columns;
+    std::string layout; ///< empty for none
     Format format = Format::table;
     FieldNames names = FieldNames::people;
     /// Dates of csv and jsonl as the window has them, not ISO 8601. Tables always have them so.
@@ -67,6 +70,23 @@ std::vector<std::string> headingsOf(const std::vector<UrlColumn> &columns,
     return headings;
 }
 
+/// The columns of the layout, without pictures where there are but texts. Rows without a date stand
+/// where the window has them in this layout.
+std::vector<UrlColumn> takeLayout(Session &session, const Arguments &arguments, UrlTable &table) {
+    std::vector<UrlColumn> columns = columnsOfLayout(session, arguments.layout);
+    if (arguments.format == Format::table)
+        std::erase(columns, UrlColumn::Icon);
+    if (!equalsNoCase(trim(arguments.layout), LayoutBook::kClassic))
+        table.undated = Undated::Last;
+    return columns;
+}
+
+Cell shownCell(UrlTable &table, std::size_t place, UrlColumn column) {
+    if (column == UrlColumn::Tag) // a box in the window
+        return table.isTagged(place) ? Cell("Yes") : Cell("");
+    return table.cell(place, column);
+}
+
 void writeRows(const Arguments &arguments, const std::vector<UrlColumn> &columns, UrlTable &table,
                RowWriter &writer) {
     const bool shown = arguments.format == Format::table || arguments.datesAsShown;
@@ -74,7 +94,7 @@ void writeRows(const Arguments &arguments, const std::vector<UrlColumn> &columns
         std::vector<Cell> cells;
         cells.reserve(columns.size());
         for (const UrlColumn column : columns)
-            cells.push_back(shown ? Cell(table.cell(place, column))
+            cells.push_back(shown ? shownCell(table, place, column)
                                   : table.machineCell(place, column));
         writer.row(cells);
     }
@@ -82,7 +102,9 @@ void writeRows(const Arguments &arguments, const std::vector<UrlColumn> &columns
 }
 
 Exit run(Session &session, const Arguments &arguments) {
-    const std::vector<UrlColumn> columns = chosenColumns(arguments);
+    if (!arguments.layout.empty() && !arguments.columns.empty())
+        throw UsageError("--layout and --columns both say which columns: one of them is enough");
+    std::vector<UrlColumn> columns = chosenColumns(arguments);
     session.program.state.filters = filtersFrom(arguments.rows.filter);
     session.openForReading(arguments.project);
     const ProgramState &state = session.program.state;
@@ -91,6 +113,8 @@ Exit run(Session &session, const Arguments &arguments) {
     {
         UrlTable table(session.program.state.projectDB.connection(), session.program.log,
                        state.gmtZone);
+        if (!arguments.layout.empty())
+            columns = takeLayout(session, arguments, table);
         table.showColumns(columns);
         limitToTag(session, arguments.tag, table);
         loaded = loadTable(session, choiceOf(arguments.rows), table);
@@ -111,16 +135,21 @@ Command listCommand() {
             .what = "The rows of the table view",
             .readme = {"`list PROJECT`",
                        "shows the rows of the table; `--host`, `--filter`, "
-                       "`--query`, `--tag`, `--columns`, `--format` table, csv, tsv, jsonl"},
+                       "`--query`, `--tag`, `--columns` or `--layout`, `--format` table, csv, tsv, "
+                       "jsonl"},
             .examples = {{"list case.nvp --host example.com", "the rows of a host as a table"},
                          {"list case.nvp --filter CacheURLs,JPEG", "cached JPEG pictures only"},
                          {"list case.nvp --tag Important", "rows with a tag"},
+                         {"list case.nvp --layout Pictures", "what the window's layout shows"},
                          {"list case.nvp --format csv > rows.csv",
                           "all rows and columns for a spreadsheet"}},
             .arguments = {projectWord(given->project), queryOption(given->rows),
                           hostOption(given->rows), filterOption(given->rows), tagOption(given->tag),
                           value("--columns", given->columns, "Columns, separated by commas")
                               .separatedByCommas(),
+                          value("--layout", given->layout,
+                                "The columns of a layout: Examiner, Caches, Pictures, Classic or "
+                                "your own"),
                           flag("--dates-as-shown", given->datesAsShown,
                                "Dates of csv and jsonl as the window shows them, not ISO 8601"),
                           formatOption(given->format), namesOption(given->names)},

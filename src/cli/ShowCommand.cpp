@@ -14,6 +14,7 @@
 #include "reports/FactsJson.h"
 #include "views/HttpHeaders.h"
 #include "views/Properties.h"
+#include "views/RecordCard.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -25,6 +26,7 @@ namespace {
 struct Arguments {
     std::string project;
     std::int64_t urlId = 0;
+    bool card = false; ///< what is asked first, in words
     Format format = Format::table;
 };
 
@@ -56,6 +58,12 @@ std::optional<std::filesystem::path> pictureOf(Session &session, const std::stri
     return contentOf(*record, {evidence, session.scratch(), program.log});
 }
 
+DateSettings datesOfAnyAge(const Program &program) {
+    DateSettings dates = dateSettings(program);
+    dates.currentYear = 0; // no date is too old to be printed
+    return dates;
+}
+
 /// The properties of a row as the window has them, but with dates of any age. `database` is the
 /// project, opened for reading.
 void showForPeople(Session &session, SQLite::Database &database, const std::string &project,
@@ -63,18 +71,40 @@ void showForPeople(Session &session, SQLite::Database &database, const std::stri
     Program &program = session.program;
     const ProjectFields fields(database, program.log);
     takeStoredZone(program, fields);
-    DateSettings dates = dateSettings(program);
-    dates.currentYear = 0; // no date is too old to be printed
     const std::string root = fields.getDefault("RootPath");
-    const PropertySource source{database, program.state.gmtZone, dates, program.log,
+    const PropertySource source{database, program.state.gmtZone, datesOfAnyAge(program),
+                                program.log,
                                 [&] { return pictureOf(session, project, urlId, root); }};
     for (const Property &property : loadProperties(urlId, source))
         showProperty(session.out, property.name, property.value);
 }
 
+Exit showCard(Session &session, SQLite::Database &database, UrlId urlId, Format format) {
+    Program &program = session.program;
+    takeStoredZone(program, ProjectFields(database, program.log));
+    const auto card =
+        loadCard(urlId, {database, program.state.gmtZone, datesOfAnyAge(program), program.log});
+    if (!card)
+        return Exit::rowsNotRead;
+    std::vector<CardLine> lines = {{"Title", card->title}, {"Address", card->address}};
+    lines.insert(lines.end(), card->lines.begin(), card->lines.end());
+    if (format == Format::table) {
+        for (const CardLine &line : lines)
+            showProperty(session.out, printable(line.label), line.text);
+        return Exit::ok;
+    }
+    const auto writer = makeRowWriter(format, session.out, {"Label", "Text"});
+    for (const CardLine &line : lines)
+        writer->row({line.label, line.text});
+    writer->finish();
+    return Exit::ok;
+}
+
 Exit run(Session &session, const Arguments &arguments) {
     const auto database = readProject(arguments.project);
     const UrlId urlId = checkedRow(*database, arguments.urlId);
+    if (arguments.card)
+        return showCard(session, *database, urlId, arguments.format);
     if (arguments.format == Format::table) {
         showForPeople(session, *database, arguments.project, urlId);
         return Exit::ok;
@@ -97,10 +127,14 @@ Command showCommand() {
     const auto given = std::make_shared<Arguments>();
     return {.name = "show",
             .what = "All properties of a row",
-            .readme = {"`show PROJECT ID`", "shows all properties of a row"},
+            .readme = {"`show PROJECT ID`",
+                       "shows all properties of a row; `--card` what is asked first, in words"},
             .examples = {{"show case.nvp 17", "a line a property, as in the window"},
+                         {"show case.nvp 17 --card", "what, when, by whom, from which file"},
                          {"show case.nvp 17 --format jsonl", "every column of the row"}},
             .arguments = {projectWord(given->project), rowWord(given->urlId),
+                          flag("--card", given->card,
+                               "What is asked first, in words: when, who, what, from where"),
                           formatOption(given->format)},
             .run = [given](Session &session) { return run(session, *given); }};
 }

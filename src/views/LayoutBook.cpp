@@ -5,7 +5,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <span>
 
 namespace nv {
 
@@ -13,9 +15,29 @@ namespace {
 
 using C = UrlColumn;
 
-constexpr UrlColumn kExaminerColumns[] = {C::Tag,  C::TagNames, C::Icon,         C::LocalDate,
-                                          C::Type, C::Host,     C::WebpageTitle, C::Value,
-                                          C::User, C::Visits,   C::Status,       C::Note};
+// What comes first is on the screen without scrolling: when, by which program, what, where.
+constexpr UrlColumn kExaminerColumns[] = {
+    C::Tag,          C::TagNames, C::Icon,   C::LocalDate, C::Browser, C::Type,   C::Host,
+    C::WebpageTitle, C::Value,    C::Person, C::User,      C::Visits,  C::Status, C::Note};
+constexpr UrlColumn kCacheColumns[] = {
+    C::Tag,           C::Icon,       C::LocalDate,     C::Browser, C::Host,
+    C::FileName,      C::MimeType,   C::CacheFileSize, C::Value,   C::WebpageTitle,
+    C::Category,      C::FileExists, C::Rebuilt,       C::Status,  C::CacheFolder,
+    C::CacheFileName, C::Person,     C::Profile,       C::Note};
+constexpr UrlColumn kPictureColumns[] = {
+    C::Tag,      C::Icon,       C::LocalDate,    C::Browser,       C::Host,
+    C::FileName, C::FileExt,    C::PictureWidth, C::PictureHeight, C::CacheFileSize,
+    C::Value,    C::FileExists, C::Person,       C::Profile,       C::Note};
+
+struct BuiltInLayout {
+    std::string_view name;
+    std::span<const UrlColumn> columns; ///< none for all of Classic
+};
+constexpr std::array<BuiltInLayout, 4> kBuiltIn = {{{LayoutBook::kExaminer, kExaminerColumns},
+                                                    {LayoutBook::kCaches, kCacheColumns},
+                                                    {LayoutBook::kPictures, kPictureColumns},
+                                                    {LayoutBook::kClassic, {}}}};
+constexpr std::size_t kExaminerPlace = 0;
 
 constexpr std::string_view kActiveName = "ColumnLayout";
 constexpr std::size_t kMostLayouts = 100;
@@ -30,12 +52,15 @@ TableLayout emptyLayout() {
     return layout;
 }
 
-TableLayout examinerLayout() {
+TableLayout builtInLayout(std::size_t place) {
+    const std::span<const UrlColumn> columns = kBuiltIn.at(place).columns;
+    if (columns.empty())
+        return {};
     TableLayout layout = emptyLayout();
-    int place = 0;
-    for (const UrlColumn column : kExaminerColumns) {
+    int at = 0;
+    for (const UrlColumn column : columns) {
         layout.setHidden(column, false);
-        layout.move(column, place++);
+        layout.move(column, at++);
     }
     return layout;
 }
@@ -94,8 +119,15 @@ bool wasLeftByTheWindow(const TableLayout::Read &read) {
 
 } // namespace
 
-LayoutBook::LayoutBook()
-    : m_pages{{std::string(kExaminer), examinerLayout()}, {std::string(kClassic), {}}} {}
+LayoutBook::LayoutBook() {
+    m_pages.reserve(kBuiltIn.size());
+    for (std::size_t place = 0; place < kBuiltIn.size(); ++place)
+        m_pages.push_back({std::string(kBuiltIn.at(place).name), builtInLayout(place)});
+}
+
+bool LayoutBook::isBuiltIn() const {
+    return m_active < kBuiltIn.size();
+}
 
 std::vector<std::string> LayoutBook::names() const {
     std::vector<std::string> names;
@@ -106,7 +138,7 @@ std::vector<std::string> LayoutBook::names() const {
 }
 
 TableLayout LayoutBook::defaults() const {
-    return isClassic() ? TableLayout() : examinerLayout();
+    return builtInLayout(isBuiltIn() ? m_active : kExaminerPlace);
 }
 
 std::size_t LayoutBook::find(std::string_view name) const {
@@ -184,7 +216,7 @@ void LayoutBook::save(const TableLayout::Write &write) const {
     std::size_t number = 0;
     for (std::size_t place = 0; place < m_pages.size(); ++place) {
         const Page &each = m_pages[place];
-        if (place < 2 && each.layout == fresh.m_pages[place].layout)
+        if (place < kBuiltIn.size() && each.layout == fresh.m_pages[place].layout)
             continue;
         write(nameSetting(++number), each.name);
         write(columnsSetting(number), textOf(each.layout));

@@ -11,23 +11,25 @@ namespace nv {
 /// What is wrong with a name for a layout.
 enum class LayoutNameFault { None, Empty, TooLong, Taken };
 
-/// The column layouts of a project, by name; one of them is shown. Two are built in: "Examiner",
-/// which a new project opens with, and "Classic", all columns in the order of `UrlColumn` but the
-/// two that came later (docs/guide/table.md). Both can be arranged anew and reset. Names are told
-/// apart without regard to case.
+/// The column layouts of a project, by name; one of them is shown. Four are built in: "Examiner",
+/// which a new project opens with, "Caches", "Pictures", and "Classic", all columns in the order of
+/// `UrlColumn` but those that came later (docs/guide/table.md). They can be arranged anew and
+/// reset. Names are told apart without regard to case.
 class LayoutBook {
   public:
     static constexpr std::string_view kExaminer = "Examiner";
     static constexpr std::string_view kClassic = "Classic";
+    static constexpr std::string_view kCaches = "Caches";
+    static constexpr std::string_view kPictures = "Pictures";
     static constexpr std::size_t kLongestName = 40; ///< characters
 
     LayoutBook();
 
-    /// Examiner, Classic, then the examiner's own in the order of their making.
+    /// The built-in ones, then the examiner's own in the order of their making.
     std::vector<std::string> names() const;
     const std::string &active() const { return page().name; }
     bool isClassic() const { return active() == kClassic; }
-    bool isBuiltIn() const { return m_active < 2; }
+    bool isBuiltIn() const;
     TableLayout &layout() { return m_pages.at(m_active).layout; }
     const TableLayout &layout() const { return page().layout; }
     /// What "Defaults" gives: the built-in layout, that of Examiner for the examiner's own.

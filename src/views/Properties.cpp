@@ -6,12 +6,14 @@
 #include "db/RecordFacts.h"
 #include "db/SchemaColumns.h"
 #include "db/UrlRecord.h"
+#include "views/DecodedValues.h"
 #include "views/Exif.h"
 #include "views/StoredCell.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -156,6 +158,36 @@ void addExifRows(std::vector<Property> &properties, const PropertySource &source
         });
 }
 
+/// Values that may hold others in another form.
+constexpr std::array<std::string_view, 2> kAddressFields = {"URL", "Referrer"};
+constexpr std::array<std::string_view, 8> kDecodedFacts = {
+    "external_referrer", "tab_url", "tab_referrer", "site_url",
+    "from_url",          "value",   "cookie_value", "field_value"};
+
+void addDecoded(std::vector<Property> &properties, const std::vector<DecodedValue> &values) {
+    for (const DecodedValue &value : values)
+        properties.push_back({value.name.empty() ? value.field : value.field + " > " + value.name,
+                              fmt::format("{} [{}]", value.value, value.rule)});
+}
+
+template <std::size_t Count>
+bool isAmong(const std::array<std::string_view, Count> &names, std::string_view name) {
+    return std::ranges::find(names, name) != names.end();
+}
+
+/// Behind what the record itself says.
+void addDecodedValues(std::vector<Property> &properties, FailureLog &log) {
+    std::vector<Property> decoded;
+    attempt(log, [&] {
+        for (const Property &property : properties)
+            if (isAmong(kAddressFields, property.name))
+                addDecoded(decoded, decodedAddress(property.name, property.value));
+            else if (isAmong(kDecodedFacts, property.name))
+                addDecoded(decoded, decodedText(property.name, property.value));
+    });
+    properties.insert(properties.end(), decoded.begin(), decoded.end());
+}
+
 } // namespace
 
 std::vector<Property> loadProperties(UrlId url, const PropertySource &source) {
@@ -172,6 +204,7 @@ std::vector<Property> loadProperties(UrlId url, const PropertySource &source) {
     });
     if (!properties.empty())
         addFacts(properties, url, source);
+    addDecodedValues(properties, source.log);
     if (isPicture && source.picture)
         addExifRows(properties, source);
     return properties;

@@ -34,9 +34,10 @@ struct PropertySource {
     std::function<std::optional<std::filesystem::path>()> picture;
 };
 
-/// All fields of the row in the order of the database, the record's facts by their names, and what
-/// the camera wrote into a picture. Empty when there is no such row. A field that can't be shown is
-/// logged and left empty, and so are facts and EXIF rows: none stops the others.
+/// All fields of the row in the order of the database, the record's facts by their names, what its
+/// addresses and cookies hold in another form ("URL > q", with the rule by which it was read), and
+/// what the camera wrote into a picture. Empty when there is no such row. A field that can't be
+/// shown is logged and left empty, and so are facts and EXIF rows: none stops the others.
 std::vector<Property> loadProperties(UrlId url, const PropertySource &source);
 
 /// "1,234.00", as sizes of files are shown.

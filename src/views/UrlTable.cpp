@@ -122,10 +122,12 @@ Walk UrlTable::fill(const std::vector<IdQuery> &queries, TaskMonitor &task, Foun
 
 /// The time comes last: its bar shows what the other limits leave.
 Walk UrlTable::limit(TaskMonitor &task, Found &rows) {
-    if (!ofSearch && !time && !tags && byColumn.empty())
+    if (!ofSearch && !time && !tags && places.isEmpty() && byColumn.empty())
         return Walk::Finished;
     rows.ofQuery = rows.ids;
     Walk walk = limitColumns(task, rows);
+    if (!places.isEmpty() && walk == Walk::Finished)
+        walk = keepIn(m_project, places, task, rows.ids);
     if (tags && walk == Walk::Finished)
         walk = keepTagged(m_project, *tags, task, rows.ids);
     if (ofSearch && walk == Walk::Finished)

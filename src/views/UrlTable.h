@@ -6,6 +6,7 @@
 #include "db/RecordFacts.h"
 #include "search/FoundIds.h"
 #include "views/ColumnLimit.h"
+#include "views/PlaceLimit.h"
 #include "views/RowCells.h"
 #include "views/RowPager.h"
 #include "views/TableFind.h"
@@ -51,6 +52,7 @@ class UrlTable {
     RecordFilters filters;             ///< as the program's stand at the load
     std::optional<TimeLimit> time;     ///< hides what happened at other times
     std::optional<TagLimit> tags;      ///< hides rows without one of these tags
+    PlaceChoice places;                ///< hides what comes from other places
     std::vector<ColumnLimit> byColumn; ///< hide what holds something else
     /// Hides what a search hasn't found; null hides nothing.
     std::shared_ptr<const FoundIds> ofSearch;

@@ -2,6 +2,7 @@
 
 #include "app/jobs/ImportJob.h"
 #include "app/project/Project.h"
+#include "app/settings/Settings.h"
 #include "import/Scan.h"
 #include "platform/Network.h"
 #include "support/Places.h"
@@ -84,6 +85,9 @@ struct Desk {
         fs::create_directories(folder.path() / "home");
         fs::copy_file(timeZonesFile(), folder.path() / "program" / "nvTZ.dat");
         startUp(program, Front::window);
+        // Most tests are about the table, and go to the viewers themselves.
+        rememberFlag(program.settings, "ShowPlaces", false);
+        rememberFlag(program.settings, "PinViewer", true);
     }
     TempFolder folder;
     Answers examiner;

@@ -312,6 +312,7 @@ void ViewersTest::aNoteOfARowThatIsGoneIsTold() {
 }
 
 void ViewersTest::propertiesHaveWhatTheCameraWrote() {
+    pane<QCheckBox>("chkEmptyFields").setChecked(true);
     show(3, "PropertiesPane");
     auto &list = pane<QTreeWidget>("PropertiesGrid");
     QTRY_COMPARE(list.topLevelItemCount(), 78);

@@ -195,7 +195,10 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
     flag("BEYOND", "ShowHosts", false, "The list of hosts stands beside the table"),
     flag("BEYOND", "ShowTags", false, "The list of tags stands beside the table"),
     flag("BEYOND", "ShowTime", false, "The bar of time stands above the table"),
+    flag("BEYOND", "ShowPlaces", true, "The tree of places stands beside the table"),
     flag("BEYOND", "ShowViewers", true, "The viewers stand below the table"),
+    flag("BEYOND", "PinViewer", false,
+         "The viewer in front stays there; otherwise the one that fits the record comes up"),
     choice("BEYOND", "Theme", "System;Light;Dark", "System",
            "Colours of the windows: System, Light or Dark"),
 });

@@ -17,7 +17,8 @@ namespace nv {
 
 namespace {
 
-constexpr int kCountStep = 300; ///< milliseconds between looks at the count of refusals
+constexpr std::size_t kMostAddress = 2000; ///< characters
+constexpr int kCountStep = 300;            ///< milliseconds between looks at the count of refusals
 
 QLabel *newLabel(const char *name) {
     auto *label = new QLabel;
@@ -124,7 +125,9 @@ void BrowserPane::startEngine() {
     });
 }
 
-void BrowserPane::showPage(const std::filesystem::path &page, const QString &kind) {
+void BrowserPane::showPage(const std::filesystem::path &page, const QString &kind,
+                           const std::string &address) {
+    m_address = toQt(displayText(address, kMostAddress));
     if (!m_view)
         startEngine();
     m_profile->guard().protect(page);
@@ -164,8 +167,15 @@ void BrowserPane::goBack() {
 void BrowserPane::showLocation() {
     if (m_pages->currentWidget() != m_view)
         return;
-    m_location->setText(toQt(displayText(fromQt(m_view->url().toLocalFile()))));
-    m_back->setEnabled(m_view->url() != m_page);
+    const bool isPage = m_view->url() == m_page;
+    const QString file = toQt(displayText(fromQt(m_view->url().toLocalFile())));
+    if (m_address.isEmpty())
+        m_location->setText(file);
+    else
+        m_location->setText(isPage ? m_address
+                                   : tr("%1, a file of the page").arg(file.section(u'/', -1)));
+    m_location->setCursorPosition(0);
+    m_back->setEnabled(!isPage);
 }
 
 void BrowserPane::showRefused() {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <string>
 
 class QLabel;
 class QLineEdit;
@@ -30,8 +31,10 @@ class BrowserPane final : public QWidget {
     BrowserPane &operator=(const BrowserPane &) = delete;
 
     /// `page` must lie in a folder of the program's own: all files of that folder are let through.
-    /// `kind` says what it is.
-    void showPage(const std::filesystem::path &page, const QString &kind);
+    /// `kind` says what it is. The line above it shows `address`, the record's; without one, where
+    /// the file lies.
+    void showPage(const std::filesystem::path &page, const QString &kind,
+                  const std::string &address = {});
     /// No page, but why there is none.
     void showReason(const QString &text);
     void clear() { showReason({}); }
@@ -62,6 +65,7 @@ class BrowserPane final : public QWidget {
     QLabel *m_refused = nullptr;
     QTimer *m_count = nullptr;
     std::unique_ptr<GuardedProfile> m_profile; ///< must outlive the view's page
+    QString m_address;                         ///< the record's, as it can be shown
     QUrl m_page;                               ///< what was last asked for
     QWebEngineView *m_view = nullptr;          ///< null until the first page is shown
 };

@@ -1,8 +1,13 @@
 #include "ui/views/GridText.h"
 
+#include "address/DefangedAddress.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/UrlGrid.h"
 #include "views/CellText.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace nv {
 
@@ -22,6 +27,12 @@ QString headingsOf(const UrlTable &table, const std::vector<UrlColumn> &columns)
     return headings.join(u'\t');
 }
 
+/// The tick has no heading; that of the zone's dates has two lines.
+std::string headingOf(const UrlTable &table, UrlColumn column) {
+    const std::string heading = fromQt(oneLine(toQt(table.header(column))));
+    return heading.empty() ? "Tagged" : heading;
+}
+
 } // namespace
 
 QString GridText::copyText(std::size_t place, UrlColumn column) const {
@@ -39,22 +50,56 @@ QString GridText::currentCell() const {
     return copyText(static_cast<std::size_t>(current.row()), UrlModel::columnOf(current.column()));
 }
 
-std::optional<QString> GridText::selectedRows(TaskMonitor &task) const {
-    const std::vector<UrlColumn> columns = m_grid.tableLayout().shownColumns();
-    QString text = headingsOf(m_table, columns) + u'\n';
+bool GridText::forEachSelected(TaskMonitor &task,
+                               const std::function<void(std::size_t)> &take) const {
     const double all = std::max(1, m_grid.selectedRowCount());
     int done = 0;
     for (int row = 0; row < m_grid.model()->rowCount(); ++row) {
         if (!m_grid.selectionModel()->isRowSelected(row))
             continue;
         if (!task.advance(done++ / all))
-            return std::nullopt;
+            return false;
+        take(static_cast<std::size_t>(row));
+    }
+    return true;
+}
+
+std::optional<QString> GridText::selectedRows(TaskMonitor &task) const {
+    const std::vector<UrlColumn> columns = m_grid.tableLayout().shownColumns();
+    QString text = headingsOf(m_table, columns) + u'\n';
+    const bool whole = forEachSelected(task, [&](std::size_t place) {
         QStringList cells;
         for (const UrlColumn column : columns)
-            cells += copyText(static_cast<std::size_t>(row), column);
+            cells += copyText(place, column);
         text += cells.join(u'\t') + u'\n';
-    }
-    return text;
+    });
+    return whole ? std::optional(text) : std::nullopt;
+}
+
+std::optional<QString> GridText::selectedRowsAs(CopyForm form, TaskMonitor &task) const {
+    std::vector<UrlColumn> columns = m_grid.tableLayout().shownColumns();
+    std::erase(columns, UrlColumn::Icon); // a picture
+    std::vector<std::string> headings;
+    headings.reserve(columns.size());
+    for (const UrlColumn column : columns)
+        headings.push_back(headingOf(m_table, column));
+    CopiedRows rows(form, std::move(headings));
+    const bool whole = forEachSelected(task, [&](std::size_t place) {
+        std::vector<Cell> cells;
+        cells.reserve(columns.size());
+        for (const UrlColumn column : columns)
+            cells.push_back(m_table.machineCell(place, column));
+        rows.add(cells);
+    });
+    return whole ? std::optional(toQt(rows.take())) : std::nullopt;
+}
+
+std::optional<QString> GridText::defangedAddresses(TaskMonitor &task) const {
+    QStringList lines;
+    const bool whole = forEachSelected(task, [&](std::size_t place) {
+        lines += oneLine(toQt(defangedAddress(m_table.fullText(place, UrlColumn::Value))));
+    });
+    return whole ? std::optional(lines.join(u'\n')) : std::nullopt;
 }
 
 } // namespace nv

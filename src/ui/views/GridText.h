@@ -1,11 +1,13 @@
 #pragma once
 
 #include "base/TaskMonitor.h"
+#include "reports/CopiedRows.h"
 #include "views/UrlColumns.h"
 
 #include <QString>
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 
 namespace nv {
@@ -24,8 +26,14 @@ class GridText {
     /// The selected rows, shown columns in their order, divided by tabs, with the headings above. A
     /// tab or line break inside of a cell is a blank. Nothing when the task was cancelled.
     std::optional<QString> selectedRows(TaskMonitor &task) const;
+    /// The same columns with values for programs: dates in ISO 8601, whole texts.
+    std::optional<QString> selectedRowsAs(CopyForm form, TaskMonitor &task) const;
+    /// The addresses of the selected rows, a line each, that no click follows.
+    std::optional<QString> defangedAddresses(TaskMonitor &task) const;
 
   private:
+    /// False when the task was cancelled.
+    bool forEachSelected(TaskMonitor &task, const std::function<void(std::size_t)> &take) const;
     QString copyText(std::size_t place, UrlColumn column) const;
 
     const UrlGrid &m_grid;

@@ -7,7 +7,10 @@
 #include "views/CellText.h"
 
 #include <QBoxLayout>
+#include <QCheckBox>
 #include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSplitter>
@@ -17,7 +20,7 @@ namespace nv {
 
 namespace {
 
-constexpr int kNameWidth = 190; ///< pixels
+constexpr int kNameWidth = 170; ///< pixels
 
 QTreeWidget *newList() {
     auto *list = new QTreeWidget;
@@ -32,6 +35,7 @@ QTreeWidget *newList() {
     list->setAlternatingRowColors(true);
     list->setTextElideMode(Qt::ElideRight);
     list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    list->setMinimumHeight(3 * list->fontMetrics().height()); // a low window has room for it
     letCopy(*list);
     return list;
 }
@@ -42,6 +46,7 @@ QPlainTextEdit *newWholeText() {
     whole->setAccessibleName(PropertiesPane::tr("Whole text of the property"));
     whole->setReadOnly(true);
     whole->setTabChangesFocus(true);
+    whole->setMinimumHeight(2 * whole->fontMetrics().height());
     whole->setPlaceholderText(PropertiesPane::tr("Choose a property to see its whole text."));
     return whole;
 }
@@ -53,15 +58,18 @@ PropertiesPane::PropertiesPane(std::function<std::vector<Property>(UrlId)> load,
     : QWidget(parent), m_load(std::move(load)), m_chosen(QStringLiteral("URL")) {
     setObjectName(QStringLiteral("PropertiesPane"));
     m_list = newList();
-    auto *splitter = new QSplitter(Qt::Horizontal);
+    auto *splitter = new QSplitter(Qt::Vertical);
     splitter->setObjectName(QStringLiteral("propertiesSplitter"));
     splitter->addWidget(m_list);
     splitter->addWidget(newWhole());
-    splitter->setStretchFactor(0, 3);
-    splitter->setStretchFactor(1, 2);
+    splitter->setStretchFactor(0, 4);
+    splitter->setStretchFactor(1, 1);
+    splitter->setSizes({400, 100});
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(splitter);
+    column->setSpacing(0);
+    column->addWidget(newBar());
+    column->addWidget(splitter, 1);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &PropertiesPane::showChosen);
 }
 
@@ -100,38 +108,76 @@ void PropertiesPane::showWhy(const QString &why, bool hasBytes) {
     m_bytes->setEnabled(hasBytes);
 }
 
+QWidget *PropertiesPane::newBar() {
+    m_filter = new QLineEdit;
+    m_filter->setObjectName(QStringLiteral("txtPropertyFilter"));
+    m_filter->setAccessibleName(tr("Only values with this text"));
+    m_filter->setPlaceholderText(tr("Only values with this text"));
+    m_filter->setClearButtonEnabled(true);
+    m_empty = new QCheckBox(tr("&Empty fields"));
+    m_empty->setObjectName(QStringLiteral("chkEmptyFields"));
+    m_empty->setToolTip(tr("Show fields too in which nothing stands"));
+    m_count = new QLabel;
+    m_count->setObjectName(QStringLiteral("labProperties"));
+    auto *bar = new QWidget;
+    auto *row = new QHBoxLayout(bar);
+    row->setContentsMargins(4, 3, 6, 3);
+    row->addWidget(m_count);
+    row->addWidget(m_filter, 1);
+    row->addWidget(m_empty);
+    connect(m_filter, &QLineEdit::textChanged, this, &PropertiesPane::fill);
+    connect(m_empty, &QCheckBox::toggled, this, &PropertiesPane::fill);
+    return bar;
+}
+
 void PropertiesPane::showRecord(UrlId id) {
     m_properties = m_load(id);
+    fill();
+}
+
+bool PropertiesPane::isWanted(const Property &property) const {
+    if (property.value.empty() && !m_empty->isChecked())
+        return false;
+    const QString text = m_filter->text().trimmed();
+    return text.isEmpty() || toQt(property.name).contains(text, Qt::CaseInsensitive) ||
+           toQt(property.value).contains(text, Qt::CaseInsensitive);
+}
+
+void PropertiesPane::fill() {
     const QSignalBlocker quiet(m_list);
     m_list->clear();
-    for (const Property &property : m_properties) {
+    m_shown.clear();
+    for (std::size_t place = 0; place < m_properties.size(); ++place) {
+        const Property &property = m_properties[place];
+        if (!isWanted(property))
+            continue;
+        m_shown.push_back(place);
         auto *item = new QTreeWidgetItem(
             m_list, {toQt(property.name), shownSigns(toQt(displayText(property.value)))});
         if (item->text(0) == m_chosen)
             m_list->setCurrentItem(item, 0);
     }
+    m_count->setText(m_properties.empty()
+                         ? tr("All values")
+                         : tr("%1 of %2 values").arg(m_shown.size()).arg(m_properties.size()));
     showChosen();
 }
 
 void PropertiesPane::clear() {
     m_properties.clear();
-    const QSignalBlocker quiet(m_list);
-    m_list->clear();
-    m_whole->clear();
-    m_why->setEnabled(false);
-    m_bytes->setEnabled(false);
+    fill();
 }
 
 void PropertiesPane::showChosen() {
     QTreeWidgetItem *item = m_list->currentItem();
     const auto place = static_cast<std::size_t>(m_list->indexOfTopLevelItem(item));
-    const bool isChosen = item && place < m_properties.size();
+    const bool isChosen = item && place < m_shown.size();
     m_why->setEnabled(isChosen);
     m_bytes->setEnabled(false);
     if (!isChosen)
         return m_whole->clear();
     m_chosen = item->text(0);
-    m_whole->setPlainText(shownLines(m_properties[place].value));
+    m_whole->setPlainText(shownLines(m_properties[m_shown[place]].value));
 }
 
 } // namespace nv

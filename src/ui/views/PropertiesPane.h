@@ -7,13 +7,17 @@
 
 #include <functional>
 
+class QCheckBox;
+class QLabel;
+class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
 class QTreeWidget;
 
 namespace nv {
 
-/// All properties of one record; beside them the whole text of the chosen one.
+/// All properties of one record; below them the whole text of the chosen one. Empty ones are hidden
+/// unless the examiner wants them, and a box leaves those that hold a text.
 class PropertiesPane final : public QWidget, public RecordPane {
     Q_OBJECT
 
@@ -37,6 +41,9 @@ class PropertiesPane final : public QWidget, public RecordPane {
 
   private:
     QWidget *newWhole();
+    QWidget *newBar();
+    void fill();
+    bool isWanted(const Property &property) const;
     void showChosen();
 
     std::function<std::vector<Property>(UrlId)> m_load;
@@ -44,7 +51,11 @@ class PropertiesPane final : public QWidget, public RecordPane {
     QPlainTextEdit *m_whole = nullptr;
     QPushButton *m_why = nullptr;
     QPushButton *m_bytes = nullptr;
-    std::vector<Property> m_properties; ///< in the order of the list
+    QLineEdit *m_filter = nullptr;
+    QCheckBox *m_empty = nullptr;
+    QLabel *m_count = nullptr;
+    std::vector<Property> m_properties; ///< all of them
+    std::vector<std::size_t> m_shown;   ///< places among them, in the order of the list
     QString m_chosen;
 };
 

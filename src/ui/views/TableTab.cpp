@@ -278,7 +278,8 @@ void TableTab::showRows() {
     m_grid->fitToRows();
     m_grid->showSort(m_table->columnSort());
     m_empty->showState(m_table->emptyState(), m_table->hiddenCount(),
-                       m_table->ofSearch || m_table->time || m_table->tags || !m_table->byColumn.empty()
+                       m_table->ofSearch || m_table->time || m_table->tags ||
+                               !m_table->places.isEmpty() || !m_table->byColumn.empty()
                            ? EmptyPage::HiddenBy::others
                            : EmptyPage::HiddenBy::filters);
     m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);

@@ -6,16 +6,25 @@
 #include <QApplication>
 #include <QTabWidget>
 
+#include <utility>
+
 namespace nv {
 
 GuidePart::GuidePart(Workbench &bench) : m_bench(bench) {
     connect(bench.actions.guide, &QAction::triggered, this, &GuidePart::show);
 }
 
-/// Pages are named like the tabs and panes that they are about.
+/// Pages are named like the tabs and panes that they are about, but for those that stand aside.
 QString GuidePart::pageOfFocus() const {
     if (!m_bench.isProjectOpen())
         return QStringLiteral("index");
+    for (const QWidget *part = QApplication::focusWidget(); part != nullptr;
+         part = part->parentWidget())
+        for (const auto &[name, page] :
+             {std::pair("CardPane", "properties"), std::pair("PlacesPane", "places"),
+              std::pair("HostsPane", "hosts")})
+            if (part->objectName() == QLatin1String(name))
+                return QLatin1String(page);
     const QTabWidget *tabs = m_bench.dataTabs;
     if (m_bench.viewers->isAncestorOf(QApplication::focusWidget()))
         tabs = m_bench.viewers;

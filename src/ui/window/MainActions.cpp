@@ -42,6 +42,10 @@ MainActions::MainActions(QObject *o)
       exit(make(o, "actExit", tr("E&xit"), "", QKeySequence::Quit)),
       copyCell(make(o, "actCopyCell", tr("&Copy Cell"), "copy", QKeySequence::Copy)),
       copyRows(make(o, "actCopyRows", tr("Copy &Rows"), "", Qt::CTRL | Qt::SHIFT | Qt::Key_C)),
+      copyCsv(make(o, "actCopyCsv", tr("Copy as &CSV"))),
+      copyMarkdown(make(o, "actCopyMarkdown", tr("Copy as &Markdown"))),
+      copyJson(make(o, "actCopyJson", tr("Copy as &JSON"))),
+      copyDefanged(make(o, "actCopyDefanged", tr("Copy &Defanged Address"))),
       selectAll(make(o, "actSelectAll", tr("Select &All"), "", QKeySequence::SelectAll)),
       search(make(o, "actSearch", tr("&Search"), "find", QKeySequence::Find)),
       find(make(o, "actFind", tr("&Find in Columns..."), "", Qt::CTRL | Qt::ALT | Qt::Key_F)),
@@ -55,6 +59,7 @@ MainActions::MainActions(QObject *o)
       linkAnalysis(make(o, "actLinkAnalysis", tr("Run &Link Analysis..."), "links",
                         Qt::CTRL | Qt::SHIFT | Qt::Key_L)),
       filters(make(o, "actFilters", tr("&Filters..."), "filter", Qt::CTRL | Qt::SHIFT | Qt::Key_F)),
+      places(make(o, "actPlaces", tr("&Places"), "hosts", Qt::CTRL | Qt::SHIFT | Qt::Key_H)),
       hosts(make(o, "actHosts", tr("&Hosts"), "hosts", Qt::CTRL | Qt::Key_H)),
       time(make(o, "actTime", tr("Ti&me"), "history", Qt::CTRL | Qt::SHIFT | Qt::Key_T)),
       columns(make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::Key_L)),
@@ -79,6 +84,7 @@ MainActions::MainActions(QObject *o)
         nameKeys(*action);
     network->setIconText(tr("Network"));
     createReport->setIconText(tr("Report"));
+    places->setCheckable(true);
     hosts->setCheckable(true);
     time->setCheckable(true);
     openReportFolder->setEnabled(false);
@@ -109,7 +115,14 @@ void MainActions::describe() const {
                                     "rules of earlier versions, whatever the setting says"));
     linkAnalysis->setToolTip(tr("Find the cached pages that hold a link to each record"));
     filters->setToolTip(tr("Show only records of some sources, kinds and sites"));
-    hosts->setToolTip(tr("The list of hosts beside the table"));
+    copyCsv->setToolTip(tr("Copy the selected rows as values that commas part, for spreadsheets"));
+    copyMarkdown->setToolTip(tr("Copy the selected rows as a table for notes in Markdown"));
+    copyJson->setToolTip(tr("Copy the selected rows as a list of objects, for other programs"));
+    copyDefanged->setToolTip(
+        tr("Copy the addresses of the selected rows so that no click follows them: hxxp, [.]"));
+    places->setToolTip(tr("Where the rows come from: persons, browsers, hosts and kinds beside the "
+                          "table"));
+    hosts->setToolTip(tr("The list of all hosts beside the table, in place of the places"));
     time->setToolTip(tr("The bar of time above the table: when its rows happened"));
     columns->setToolTip(tr("Choose which columns are shown, and their order"));
     viewers->setToolTip(tr("Show or hide the panes of the current record"));
@@ -131,11 +144,11 @@ void MainActions::describe() const {
 
 void MainActions::setProjectOpen(bool open, bool readOnly) {
     for (QAction *action :
-         {saveAs,      closeProject,   copyCell,         copyRows,      selectAll,
-          find,        search,         findNext,         tag,           rebuild,
-          rebuildPage, rebuildExactly, rebuildByClassic, linkAnalysis,  columns,
-          refresh,     baseFolder,     timeZone,         caseTrail,     filters,
-          hosts,       time,           createReport,     publishReport, exportRows})
+         {saveAs,       closeProject, copyCell,     copyRows,     selectAll,      find,
+          search,       copyCsv,      copyMarkdown, copyJson,     copyDefanged,   places,
+          findNext,     tag,          rebuild,      rebuildPage,  rebuildExactly, rebuildByClassic,
+          linkAnalysis, columns,      refresh,      baseFolder,   timeZone,       caseTrail,
+          filters,      hosts,        time,         createReport, publishReport,  exportRows})
         action->setEnabled(open);
     for (QAction *action : {import, upgradeWizard})
         action->setEnabled(!readOnly);

@@ -19,6 +19,10 @@ struct MainActions {
     QAction *exit;
     QAction *copyCell;
     QAction *copyRows;
+    QAction *copyCsv;
+    QAction *copyMarkdown;
+    QAction *copyJson;
+    QAction *copyDefanged; ///< addresses of the selected rows, so that no click follows them
     QAction *selectAll;
     QAction *search;
     QAction *find; ///< in the columns that are shown
@@ -30,7 +34,8 @@ struct MainActions {
     QAction *rebuildByClassic; ///< the same, by the classic rules
     QAction *linkAnalysis;
     QAction *filters;
-    QAction *hosts;
+    QAction *places;
+    QAction *hosts; ///< the classic list
     QAction *time;
     QAction *columns;
     QAction *viewers;

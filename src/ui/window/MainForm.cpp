@@ -13,6 +13,7 @@
 #include "platform/qt/WithinScreen.h"
 #include "ui/views/TableTab.h"
 #include "ui/window/ColumnLimitsPart.h"
+#include "ui/window/CopyPart.h"
 #include "ui/window/ExportPart.h"
 #include "ui/window/FilesPart.h"
 #include "ui/window/FiltersPart.h"
@@ -23,9 +24,11 @@
 #include "ui/window/LinkPart.h"
 #include "ui/window/NetworkPart.h"
 #include "ui/window/OptionsPart.h"
+#include "ui/window/PlacesPart.h"
 #include "ui/window/QueryPart.h"
 #include "ui/window/RebuildPart.h"
 #include "ui/window/RebuiltPanes.h"
+#include "ui/window/RecordArea.h"
 #include "ui/window/ReportPart.h"
 #include "ui/window/RowMenuPart.h"
 #include "ui/window/SearchPart.h"
@@ -102,24 +105,25 @@ QWidget *MainForm::newProjectPage() {
     m_bench->dataArea->addWidget(dataTabs);
     m_bench->table = m_table;
     m_bench->viewers = m_viewers;
+    m_record = new RecordArea(*newCard(*m_bench), *m_viewers, *this);
     addParts();
     auto *halves = new QSplitter(Qt::Vertical);
     halves->setObjectName(QStringLiteral("mainSplitter"));
     halves->addWidget(m_bench->dataArea);
-    halves->addWidget(m_viewers);
+    halves->addWidget(m_record);
     halves->setStretchFactor(0, 3);
-    halves->setStretchFactor(1, 1);
-    halves->setSizes({560, 220});
+    halves->setStretchFactor(1, 2);
+    halves->setSizes({400, 340});
     return halves;
 }
 
 /// In the order of their tabs.
 void MainForm::addParts() {
-    addProperties(*m_bench);
     m_parts.push_back(std::make_unique<QueryPart>(*m_bench));
     m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
     m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
     m_parts.push_back(std::make_unique<HostsPart>(*m_bench));
+    m_parts.push_back(std::make_unique<PlacesPart>(*m_bench));
     m_parts.push_back(std::make_unique<FiltersPart>(*m_bench));
     m_parts.push_back(std::make_unique<ColumnLimitsPart>(*m_bench));
     m_parts.push_back(std::make_unique<TimePart>(*m_bench));
@@ -142,6 +146,7 @@ void MainForm::addParts() {
     m_parts.push_back(std::make_unique<ReportPart>(*m_bench));
     m_parts.push_back(std::make_unique<ExportPart>(*m_bench));
     m_parts.push_back(std::make_unique<RowMenuPart>(*m_bench));
+    m_parts.push_back(std::make_unique<CopyPart>(*m_bench));
     m_parts.push_back(std::make_unique<GuidePart>(*m_bench));
 }
 
@@ -173,7 +178,7 @@ void MainForm::connectEditActions() {
 void MainForm::connectOtherActions() {
     connect(m_actions.columns, &QAction::triggered, m_table, &TableTab::showColumnsForm);
     connect(m_actions.viewers, &QAction::toggled, this, [this](bool shown) {
-        m_viewers->setVisible(shown);
+        m_record->setVisible(shown);
         m_viewers->refresh();
     });
     connect(m_bench.get(), &Workbench::noticed, this, &MainForm::showNotice);
@@ -247,11 +252,13 @@ void MainForm::closeEvent(QCloseEvent *event) {
 void MainForm::keepGeometry() {
     keepWindowLayout(*this, m_program.settings);
     rememberFlag(m_program.settings, "ShowViewers", m_actions.viewers->isChecked());
+    rememberFlag(m_program.settings, "PinViewer", m_viewers->isPinned());
 }
 
 void MainForm::restoreGeometryKept() {
     restoreWindowLayout(*this, m_program.settings);
     m_actions.viewers->setChecked(readFlag(m_program.settings, "ShowViewers"));
+    m_viewers->setPinned(readFlag(m_program.settings, "PinViewer"));
 }
 
 void MainForm::dragEnterEvent(QDragEnterEvent *event) {

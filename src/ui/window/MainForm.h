@@ -20,6 +20,7 @@ namespace nv {
 
 class FilesPart;
 class RebuildPart;
+class RecordArea;
 class TableTab;
 class ViewerTabs;
 class Workbench;
@@ -93,6 +94,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     QStackedWidget *m_pages = nullptr;
     TableTab *m_table = nullptr;
     ViewerTabs *m_viewers = nullptr;
+    RecordArea *m_record = nullptr; ///< the card and the viewers
     std::unique_ptr<Workbench> m_bench;
     std::vector<std::unique_ptr<QObject>> m_parts; ///< go before the bench
     RebuildPart *m_rebuild = nullptr;

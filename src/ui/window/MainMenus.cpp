@@ -48,7 +48,11 @@ void MainMenus::buildFile(const MainActions &actions) {
 
 void MainMenus::buildEdit(const MainActions &actions) {
     QMenu *menu = named(m_window.menuBar()->addMenu(tr("&Edit")), "menuEdit");
-    menu->addActions({actions.copyCell, actions.copyRows, actions.selectAll});
+    menu->addActions({actions.copyCell, actions.copyRows});
+    named(menu->addMenu(tr("Copy A&s")), "menuCopyAs")
+        ->addActions(
+            {actions.copyCsv, actions.copyMarkdown, actions.copyJson, actions.copyDefanged});
+    menu->addAction(actions.selectAll);
     menu->addSeparator();
     menu->addActions({actions.search, actions.find, actions.findNext});
     menu->addSeparator();
@@ -62,7 +66,7 @@ void MainMenus::buildView(const MainActions &actions) {
     addSortChoices();
     menu->addAction(actions.refresh);
     menu->addSeparator();
-    menu->addActions({actions.viewers, actions.hosts, actions.time});
+    menu->addActions({actions.viewers, actions.places, actions.hosts, actions.time});
     addThemes(*named(menu->addMenu(icon("theme"), tr("&Theme")), "menuTheme"));
 }
 
@@ -114,7 +118,7 @@ void MainMenus::buildToolBar(const MainActions &actions) {
     m_toolBar->addActions({actions.newProject, actions.openProject, actions.import});
     m_toolBar->addSeparator();
     m_toolBar->addActions(
-        {actions.search, actions.filters, actions.hosts, actions.columns, actions.refresh});
+        {actions.search, actions.filters, actions.places, actions.columns, actions.refresh});
     m_toolBar->addSeparator();
     m_toolBar->addActions({actions.tag, actions.rebuild, actions.createReport, actions.exportRows});
     m_toolBar->addSeparator();

@@ -173,11 +173,13 @@ void RebuiltPanes::showPage(BrowserPane &pane, UrlId id) {
     if (shown.file.empty())
         pane.showReason(toQt(shown.reason));
     else
-        pane.showPage(shown.file, !shown.rebuilt              ? tr("Cached content")
-                                  : isRebuiltExactly(*record) ? tr("Page rebuilt exactly")
-                                  : record->RebuiltMethod == kExactTemplateMethod
-                                      ? tr("Page of a template that was rebuilt exactly")
-                                      : tr("Rebuilt page"));
+        pane.showPage(shown.file,
+                      !shown.rebuilt              ? tr("Cached content")
+                      : isRebuiltExactly(*record) ? tr("Page rebuilt exactly")
+                      : record->RebuiltMethod == kExactTemplateMethod
+                          ? tr("Page of a template that was rebuilt exactly")
+                          : tr("Rebuilt page"),
+                      record->URL);
 }
 
 } // namespace nv

@@ -56,7 +56,12 @@ void RowMenuPart::open(const QPoint &place) {
     m_menu->clear();
     qDeleteAll(m_menu->findChildren<QMenu *>());
     addOfCell(*m_menu, column());
-    m_menu->addActions({actions.copyCell, actions.copyRows, actions.selectAll});
+    m_menu->addActions({actions.copyCell, actions.copyRows});
+    QMenu *copies = m_menu->addMenu(tr("Copy A&s"));
+    copies->setToolTipsVisible(true);
+    copies->addActions(
+        {actions.copyCsv, actions.copyMarkdown, actions.copyJson, actions.copyDefanged});
+    m_menu->addAction(actions.selectAll);
     m_menu->addSeparator();
     m_menu->addAction(actions.tag);
     m_menu->addMenu(m_bench.tags);

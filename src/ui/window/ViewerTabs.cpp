@@ -1,37 +1,152 @@
 #include "ui/window/ViewerTabs.h"
 
+#include "platform/qt/QtText.h"
+#include "ui/window/PaneWindow.h"
+
+#include <QBoxLayout>
+#include <QEvent>
+#include <QShortcut>
+#include <QTabBar>
+#include <QToolButton>
+
+#include <algorithm>
+
 namespace nv {
 
 namespace {
+
 constexpr int kAgain = 50; ///< milliseconds after which a locked window is asked again
+
+QToolButton *newButton(const char *name, const QString &text, const QString &tip) {
+    auto *button = new QToolButton;
+    button->setObjectName(QLatin1String(name));
+    button->setText(text);
+    button->setToolTip(tip);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::TabFocus);
+    return button;
 }
+
+/// Two parts of the text's colour and one of the ground's: dim, and still easy to read.
+QColor dimColour(const QPalette &palette) {
+    const QColor text = palette.color(QPalette::WindowText);
+    const QColor ground = palette.color(QPalette::Window);
+    const auto mixed = [](int more, int less) { return (more * 2 + less) / 3; };
+    return {mixed(text.red(), ground.red()), mixed(text.green(), ground.green()),
+            mixed(text.blue(), ground.blue())};
+}
+
+} // namespace
 
 ViewerTabs::ViewerTabs(RunCommand run, std::function<bool()> isBusy, QWidget *parent)
     : QTabWidget(parent), m_run(std::move(run)), m_isBusy(std::move(isBusy)) {
     setObjectName(QStringLiteral("viewerTabs"));
     setDocumentMode(true);
+    setUsesScrollButtons(true);
+    setCornerWidget(newButtons());
+    addKeys();
     m_soon.setSingleShot(true);
     connect(&m_soon, &QTimer::timeout, this, &ViewerTabs::showFront);
-    connect(this, &QTabWidget::currentChanged, this, &ViewerTabs::refresh);
+    connect(this, &QTabWidget::currentChanged, this, &ViewerTabs::takeFront);
+}
+
+QWidget *ViewerTabs::newButtons() {
+    m_pin = newButton("btnViewerPin", tr("Pin"),
+                      tr("Pinned: this tab stays in front. Otherwise the tab that fits the record "
+                         "comes to the front by itself"));
+    m_pin->setCheckable(true);
+    auto *window = newButton("btnViewerWindow", tr("Own window"),
+                             tr("Show this pane in a window of its own (Shift+F11)"));
+    m_full = newButton("btnViewerFull", tr("Full size"),
+                       tr("Let the panes have the whole window (F11)"));
+    m_full->setCheckable(true);
+    auto *buttons = new QWidget;
+    auto *row = new QHBoxLayout(buttons);
+    row->setContentsMargins(0, 0, 4, 0);
+    row->setSpacing(2);
+    for (QToolButton *button : {m_pin, window, m_full})
+        row->addWidget(button);
+    connect(m_pin, &QToolButton::toggled, this, [this](bool pinned) {
+        if (!pinned)
+            look();
+        emit pinnedChanged(pinned);
+    });
+    connect(window, &QToolButton::clicked, this, &ViewerTabs::detachFront);
+    connect(m_full, &QToolButton::toggled, this, &ViewerTabs::fullSizeWanted);
+    return buttons;
+}
+
+void ViewerTabs::addKeys() {
+    connect(new QShortcut(Qt::Key_F11, this), &QShortcut::activated, m_full, &QToolButton::click);
+    connect(new QShortcut(Qt::SHIFT | Qt::Key_F11, this), &QShortcut::activated, this,
+            &ViewerTabs::detachFront);
+    constexpr int kNumbers = 9;
+    for (int number = 1; number <= kNumbers; ++number)
+        connect(new QShortcut(QKeySequence(Qt::ALT | Qt::Key(Qt::Key_0 + number)), this),
+                &QShortcut::activated, this, [this, number] {
+                    if (number <= count())
+                        setCurrentIndex(number - 1);
+                });
 }
 
 void ViewerTabs::addPane(QWidget &widget, RecordPane &pane, const QString &title,
                          const char *procedure) {
     m_panes.push_back({&widget, &pane, procedure});
+    m_choosing = true;
     addTab(&widget, title);
+    m_choosing = false;
+}
+
+void ViewerTabs::addAside(QWidget &widget, RecordPane &pane, const char *procedure) {
+    m_panes.push_back({&widget, &pane, procedure});
+}
+
+void ViewerTabs::setCardTab(QWidget *card) {
+    m_choosing = true;
+    if (card != nullptr)
+        insertTab(0, card, tr("Card"));
+    else if (m_card != nullptr)
+        removeTab(indexOf(m_card));
+    if (card != nullptr && !isPinned())
+        setCurrentIndex(0);
+    m_choosing = false;
+    m_card = card;
+    m_soon.start(0);
+}
+
+void ViewerTabs::setLook(std::function<std::optional<ViewedRecord>(UrlId)> look) {
+    m_look = std::move(look);
+}
+
+bool ViewerTabs::isUp(const Entry &entry) const {
+    return indexOf(entry.widget) < 0 ? entry.widget->isVisibleTo(entry.widget->window())
+                                     : entry.widget == currentWidget() && isVisibleTo(window());
 }
 
 void ViewerTabs::setRecord(std::optional<UrlId> id) {
     m_id = id;
     if (!m_id)
         m_soon.stop();
+    look();
     for (const Entry &entry : m_panes)
-        if (!m_id || entry.widget != currentWidget())
+        if (!m_id || !isUp(entry))
             entry.pane->clear();
     refresh();
 }
 
 void ViewerTabs::refresh() {
+    for (Entry &entry : m_panes)
+        entry.isStale = true;
+    m_viewed = m_id && m_look ? m_look(*m_id) : std::nullopt;
+    markTabs();
+    if (m_id)
+        m_soon.start(0);
+}
+
+/// Whoever goes to a tab wants it to stay.
+void ViewerTabs::takeFront() {
+    if (!m_choosing)
+        setPinned(true);
     if (m_id)
         m_soon.start(0);
 }
@@ -39,11 +154,83 @@ void ViewerTabs::refresh() {
 void ViewerTabs::showFront() {
     if (m_isBusy())
         return m_soon.start(kAgain);
-    if (!m_id || !isVisibleTo(parentWidget()))
-        return;
-    for (const Entry &entry : m_panes)
-        if (entry.widget == currentWidget())
+    for (Entry &entry : m_panes)
+        if (m_id && entry.isStale && isUp(entry)) {
+            entry.isStale = false;
             m_run(entry.procedure, [&] { entry.pane->showRecord(*m_id); });
+        }
+}
+
+void ViewerTabs::look() {
+    m_viewed = m_id && m_look ? m_look(*m_id) : std::nullopt;
+    const auto best = m_viewed ? bestViewer(*m_viewed) : std::nullopt;
+    const bool readsCard = m_card != nullptr && currentWidget() == m_card;
+    if (best && !isPinned() && !readsCard)
+        bringUp(*best);
+}
+
+void ViewerTabs::bringUp(Viewer viewer) {
+    const auto *const named = std::ranges::find(kViewers, viewer, &ViewerName::viewer);
+    const QString name = toQt(named->pane);
+    m_choosing = true;
+    for (int place = 0; place < count(); ++place)
+        if (widget(place)->objectName() == name)
+            setCurrentIndex(place);
+    m_choosing = false;
+}
+
+void ViewerTabs::markTabs() {
+    const QColor dim = dimColour(palette());
+    for (const ViewerName &each : kViewers)
+        for (int place = 0; place < count(); ++place) {
+            if (widget(place)->objectName() != toQt(each.pane))
+                continue;
+            const bool has = !m_viewed || hasSomething(each.viewer, *m_viewed);
+            tabBar()->setTabTextColor(place, has ? QColor() : dim);
+            setTabToolTip(place, has ? QString() : tr("Nothing for this record"));
+        }
+}
+
+void ViewerTabs::changeEvent(QEvent *event) {
+    QTabWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        markTabs();
+}
+
+bool ViewerTabs::isPinned() const {
+    return m_pin->isChecked();
+}
+
+void ViewerTabs::setPinned(bool pinned) {
+    m_pin->setChecked(pinned);
+}
+
+bool ViewerTabs::isFullSize() const {
+    return m_full->isChecked();
+}
+
+void ViewerTabs::setFullSize(bool full) {
+    m_full->setChecked(full);
+}
+
+void ViewerTabs::detachFront() {
+    QWidget *pane = currentWidget();
+    if (pane == nullptr || pane == m_card || count() < 2)
+        return;
+    const int place = currentIndex();
+    const QString title = tabText(place);
+    m_choosing = true;
+    removeTab(place);
+    m_choosing = false;
+    auto *own = new PaneWindow(*pane, title, window());
+    connect(own, &PaneWindow::leaving, this, [this, pane, place, title] {
+        m_choosing = true;
+        insertTab(std::min(place, count()), pane, title);
+        m_choosing = false;
+        markTabs();
+    });
+    own->show();
+    m_soon.start(0);
 }
 
 } // namespace nv

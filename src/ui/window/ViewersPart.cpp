@@ -4,8 +4,10 @@
 #include "app/jobs/Trail.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
+#include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "ui/views/BrowserPane.h"
+#include "ui/views/CardPane.h"
 #include "ui/views/HexPane.h"
 #include "ui/views/NotesPane.h"
 #include "ui/views/PicturePane.h"
@@ -14,6 +16,9 @@
 #include "ui/views/TextPane.h"
 #include "ui/window/PictureFeed.h"
 #include "views/CellText.h"
+#include "views/ViewerChoice.h"
+
+#include <QSplitter>
 
 namespace nv {
 
@@ -33,6 +38,12 @@ std::vector<Property> propertiesOf(Workbench &bench, UrlId id) {
         id, {bench.project(), program.state.gmtZone, dateSettings(program), program.log, picture});
 }
 
+std::optional<RecordCard> cardOf(Workbench &bench, UrlId id) {
+    Program &program = bench.program;
+    return loadCard(id,
+                    {bench.project(), program.state.gmtZone, dateSettings(program), program.log});
+}
+
 QString sentence(const std::string &reason) {
     QString text = toQt(displayText(reason, 2000));
     return text.isEmpty() ? text : text.front().toUpper() + text.mid(1) + u'.';
@@ -40,10 +51,18 @@ QString sentence(const std::string &reason) {
 
 } // namespace
 
-void addProperties(Workbench &bench) {
-    auto *pane = new PropertiesPane([&bench](UrlId id) { return propertiesOf(bench, id); });
-    bench.viewers->addPane(*pane, *pane, ViewersPart::tr("Properties"),
-                           "MainForm.LoadProperties()");
+QWidget *newCard(Workbench &bench) {
+    auto *properties = new PropertiesPane([&bench](UrlId id) { return propertiesOf(bench, id); });
+    auto *card = new CardPane([&bench](UrlId id) { return cardOf(bench, id); }, *properties);
+    bench.viewers->addAside(*card, *card, "MainForm.LoadProperties()");
+    bench.viewers->setLook([&bench](UrlId id) {
+        std::optional<ViewedRecord> viewed;
+        if (bench.isProjectOpen())
+            logFailureOf(bench.program.log, "MainForm.markViewers()",
+                         [&] { viewed = viewedRecord(bench.project(), id); });
+        return viewed;
+    });
+    return card;
 }
 
 /// A pane that the part fills.
@@ -81,6 +100,8 @@ ViewersPart::ViewersPart(Workbench &bench) : m_bench(bench) {
     connect(m_picture, &PicturePane::noResizeChanged, this,
             [this](bool noResize) { state().noResizePicture = noResize; });
     connect(m_hex, &HexPane::sourceToggled, bench.viewers, &ViewerTabs::refresh);
+    connect(bench.viewers, &ViewerTabs::fullSizeWanted, this,
+            [this](bool full) { m_bench.dataArea->setVisible(!full); });
     connect(bench.table, &TableTab::currentUrlChanged, this, [this] { state().viewer.clearAll(); });
 }
 

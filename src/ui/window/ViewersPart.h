@@ -12,8 +12,8 @@ class PropertiesPane;
 class ReportPane;
 class TextPane;
 
-/// The Properties pane, which comes first.
-void addProperties(Workbench &bench);
+/// The card of the record with all its values, which stands beside the viewers. Nobody owns it yet.
+QWidget *newCard(Workbench &bench);
 
 /// The panes of the record's cached content (Text, Picture, Hex), its note, and the last report.
 /// What they show is kept in `ProgramState.Viewer`.

@@ -30,17 +30,44 @@ struct Kept {
 };
 
 using Names = std::vector<std::string>;
+const Names kBuiltIn{"Examiner", "Caches", "Pictures", "Classic"};
 
 TEST(LayoutBook, aNewProjectOpensWithExaminer) {
     const LayoutBook book = Kept().reopened();
     EXPECT_EQ(book.active(), "Examiner");
-    EXPECT_EQ(book.names(), (Names{"Examiner", "Classic"}));
+    EXPECT_EQ(book.names(), kBuiltIn);
     using C = UrlColumn;
     EXPECT_EQ(book.layout().shownColumns(),
-              (std::vector{C::Tag, C::TagNames, C::Icon, C::LocalDate, C::Type, C::Host,
-                           C::WebpageTitle, C::Value, C::User, C::Visits, C::Status, C::Note}));
+              (std::vector{C::Tag, C::TagNames, C::Icon, C::LocalDate, C::Browser, C::Type, C::Host,
+                           C::WebpageTitle, C::Value, C::Person, C::User, C::Visits, C::Status,
+                           C::Note}));
     for (const C column : book.layout().shownColumns())
         EXPECT_TRUE(book.layout().isFitted(column));
+}
+
+TEST(LayoutBook, cachesAndPicturesShowWhatTheyAreAbout) {
+    using C = UrlColumn;
+    LayoutBook book;
+    ASSERT_TRUE(book.choose("caches"));
+    EXPECT_TRUE(book.isBuiltIn());
+    for (const C column : {C::LocalDate, C::MimeType, C::CacheFileSize, C::Value, C::Rebuilt})
+        EXPECT_FALSE(book.layout().hidden(column)) << indexOf(column);
+    ASSERT_TRUE(book.choose("Pictures"));
+    for (const C column : {C::LocalDate, C::PictureWidth, C::PictureHeight, C::FileName})
+        EXPECT_FALSE(book.layout().hidden(column)) << indexOf(column);
+    book.layout().setHidden(C::FileName, true);
+    book.reset();
+    EXPECT_FALSE(book.layout().hidden(C::FileName));
+}
+
+TEST(LayoutBook, anOwnLayoutKeepsItsColumnsUnderANameThatIsBuiltInNow) {
+    Kept kept;
+    kept.texts["ColumnLayout1_Name"] = "Pictures";
+    kept.texts["ColumnLayout1_Columns"] = "14:3000 0:0";
+    LayoutBook book = kept.reopened();
+    EXPECT_EQ(book.names(), kBuiltIn);
+    ASSERT_TRUE(book.choose("Pictures"));
+    EXPECT_EQ(book.layout().shownColumns(), (std::vector{UrlColumn::Value, UrlColumn::Tag}));
 }
 
 TEST(LayoutBook, classicHasTheDocumentedColumnsInTheirOrder) {
@@ -83,13 +110,13 @@ TEST(LayoutBook, ownLayoutsAreSavedRenamedAndDeleted) {
     EXPECT_EQ(book.check("  ", false), LayoutNameFault::Empty);
     EXPECT_EQ(book.check(std::string(41, 'x'), false), LayoutNameFault::TooLong);
     book.rename("Few");
-    EXPECT_EQ(book.names(), (Names{"Examiner", "Classic", "Few"}));
+    EXPECT_EQ(book.names(), (Names{"Examiner", "Caches", "Pictures", "Classic", "Few"}));
     book.remove();
-    EXPECT_EQ(book.names(), (Names{"Examiner", "Classic"}));
+    EXPECT_EQ(book.names(), kBuiltIn);
     EXPECT_EQ(book.active(), "Examiner");
     book.remove();
     book.rename("Mine"); // built-in ones stay
-    EXPECT_EQ(book.names(), (Names{"Examiner", "Classic"}));
+    EXPECT_EQ(book.names(), kBuiltIn);
     EXPECT_TRUE(book.layout().hidden(UrlColumn::Host)); // as it was when the copy was made
     book.reset();
     EXPECT_EQ(book.layout(), LayoutBook().layout());
@@ -119,7 +146,8 @@ TEST(LayoutBook, comesBackAsItWasKept) {
     again.choose("First");
     again.remove();
     again.save(kept.write());
-    EXPECT_EQ(kept.reopened().names(), (Names{"Examiner", "Classic", "Second; with: signs 0:1"}));
+    EXPECT_EQ(kept.reopened().names(),
+              (Names{"Examiner", "Caches", "Pictures", "Classic", "Second; with: signs 0:1"}));
 }
 
 TEST(LayoutBook, textsThatMakeNoSenseCostNothingButThemselves) {
@@ -128,7 +156,7 @@ TEST(LayoutBook, textsThatMakeNoSenseCostNothingButThemselves) {
                   {"ColumnLayout1_Name", "Odd"},
                   {"ColumnLayout1_Columns", "14:5000 x 99:1 14:2 -1:3 27 27: 10:0 :"}};
     LayoutBook book = kept.reopened();
-    EXPECT_EQ(book.names(), (Names{"Examiner", "Classic", "Odd"}));
+    EXPECT_EQ(book.names(), (Names{"Examiner", "Caches", "Pictures", "Classic", "Odd"}));
     EXPECT_EQ(book.active(), "Examiner");
     book.choose("Odd");
     EXPECT_EQ(book.layout().shownColumns(),

@@ -51,6 +51,22 @@ TEST_F(PropertiesTest, fieldsStandInTheOrderOfTheDatabaseWithoutTyped) {
     EXPECT_TRUE(log.entries.empty());
 }
 
+TEST_F(PropertiesTest, decodedValuesStandBehindTheFacts) {
+    const auto id = add({{"URL", "http://h.example/search?q=tide+tables&t=1299006630"},
+                         {"Referrer", "http://h.example/?from=mail"}});
+    FactList facts;
+    facts.add("cookie_value", "seen=1299006630");
+    RecordFacts(db()).store(UrlId{id}, facts);
+    EXPECT_EQ(value(id, "URL > q"), "tide tables [Search term]");
+    const auto all = load(id);
+    EXPECT_THAT(all,
+                Contains(Property{"URL > t", "2011-03-01 19:10:30 UTC [Unix time in seconds]"}));
+    EXPECT_EQ(value(id, "Referrer > from"), "mail [Query parameter]");
+    EXPECT_EQ(value(id, "cookie_value > seen"), "1299006630 [Name and value]");
+    EXPECT_EQ(all.back(),
+              (Property{"cookie_value > seen", "2011-03-01 19:10:30 UTC [Unix time in seconds]"}));
+}
+
 TEST_F(PropertiesTest, aFieldOfAnotherVersionIsShownButForRecordAdded) {
     db().exec("ALTER TABLE URLs ADD COLUMN Record_Added TEXT");
     db().exec("ALTER TABLE URLs ADD COLUMN ErrorCode TEXT");

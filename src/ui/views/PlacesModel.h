@@ -1,0 +1,56 @@
+#pragma once
+
+#include "views/Places.h"
+
+#include <QAbstractItemModel>
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+
+namespace nv {
+
+/// The trees of places: evidence, hosts and kinds, each below a heading of its own.
+class PlacesModel final : public QAbstractItemModel {
+    Q_OBJECT
+
+  public:
+    enum Column { kPlace, kRecords, kColumns };
+    using QAbstractItemModel::QAbstractItemModel;
+
+    void setPlaces(Places places);
+    const Places &places() const { return m_places; }
+    /// Which places are marked as chosen or left out.
+    void setChoice(const PlaceChoice &choice);
+    /// The rows of a place; nothing for a heading.
+    std::optional<PlaceLimit> limitAt(const QModelIndex &index) const;
+    /// How many rows a place has.
+    std::uint64_t recordsAt(const QModelIndex &index) const;
+
+    QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
+    QModelIndex parent(const QModelIndex &child) const override;
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+  private:
+    /// A row of the tree. They stay where they are as long as the places do.
+    struct Row {
+        const PlaceNode *node = nullptr; ///< null for a heading
+        const Row *parent = nullptr;
+        int place = 0; ///< among its siblings
+        std::vector<const Row *> children;
+    };
+    void addRows(Row &parent, const std::vector<PlaceNode> &nodes);
+    const Row *rowAt(const QModelIndex &index) const;
+    static PlaceLimit limitOf(const Row &row);
+    QString nameOf(const Row &row) const;
+    QVariant lookOf(const Row &row, int role) const;
+
+    Places m_places;
+    PlaceChoice m_choice;
+    std::deque<Row> m_rows; ///< the headings first
+};
+
+} // namespace nv

@@ -1,0 +1,260 @@
+#include "ui/views/PlacesPane.h"
+
+#include "platform/qt/QtText.h"
+#include "ui/views/GridCopy.h"
+#include "views/CellText.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QToolButton>
+#include <QTreeView>
+
+#include <algorithm>
+#include <functional>
+
+namespace nv {
+
+namespace {
+
+QLabel *newLabel(const char *name) {
+    auto *label = new QLabel;
+    label->setObjectName(QLatin1String(name));
+    label->setTextFormat(Qt::PlainText); // it quotes evidence
+    label->setWordWrap(true);
+    label->hide();
+    return label;
+}
+
+/// By the names from the root on: what the tree is made of comes anew with each listing.
+QString pathOf(QModelIndex index) {
+    QStringList names;
+    for (; index.isValid(); index = index.parent())
+        names.prepend(index.data().toString());
+    return names.join(u'\x1F');
+}
+
+void forEachRow(const QAbstractItemModel &model, const QModelIndex &parent,
+                const std::function<bool(const QModelIndex &)> &visit) {
+    for (int row = 0; row < model.rowCount(parent); ++row)
+        if (const QModelIndex index = model.index(row, 0, parent); visit(index))
+            forEachRow(model, index, visit);
+}
+
+bool takeAway(std::vector<PlaceLimit> &limits, const PlaceLimit &limit) {
+    return std::erase(limits, limit) > 0;
+}
+
+} // namespace
+
+PlacesPane::PlacesPane(QWidget *parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("PlacesPane"));
+    m_found.setSourceModel(&m_model);
+    m_found.setRecursiveFilteringEnabled(true);
+    m_found.setAutoAcceptChildRows(true);
+    m_found.setFilterCaseSensitivity(Qt::CaseInsensitive);
+    m_tree = newTree();
+    m_menu = new QMenu(this);
+    m_menu->setObjectName(QStringLiteral("PopupMenuPlaces"));
+    m_menu->setToolTipsVisible(true);
+    m_note = newLabel("labPlacesNote");
+    m_note->setContentsMargins(6, 4, 6, 4);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(newTop());
+    column->addWidget(m_tree, 1);
+    column->addWidget(m_note);
+    constexpr int kNarrowest = 26; // characters
+    setMinimumWidth(kNarrowest * fontMetrics().averageCharWidth());
+    setChoice({});
+}
+
+QWidget *PlacesPane::newTop() {
+    m_filter = new QLineEdit;
+    m_filter->setObjectName(QStringLiteral("txtPlaceFilter"));
+    m_filter->setAccessibleName(tr("Only places with this text"));
+    m_filter->setPlaceholderText(tr("Only places with this text"));
+    m_filter->setClearButtonEnabled(true);
+    m_chosen = newLabel("labPlaces");
+    m_all = new QToolButton;
+    m_all->setObjectName(QStringLiteral("btnAllPlaces"));
+    m_all->setText(tr("Show all places"));
+    auto *top = new QWidget;
+    auto *column = new QVBoxLayout(top);
+    column->setContentsMargins(4, 4, 4, 4);
+    column->setSpacing(3);
+    column->addWidget(m_filter);
+    column->addWidget(m_chosen);
+    column->addWidget(m_all);
+    connect(m_filter, &QLineEdit::textChanged, this, [this](const QString &text) {
+        m_found.setFilterFixedString(text.trimmed());
+        if (!text.trimmed().isEmpty())
+            m_tree->expandAll();
+    });
+    connect(m_all, &QToolButton::clicked, this, [this] { choose({}); });
+    return top;
+}
+
+QTreeView *PlacesPane::newTree() {
+    auto *tree = new QTreeView;
+    tree->setObjectName(QStringLiteral("PlacesTree"));
+    tree->setAccessibleName(tr("Places"));
+    tree->setModel(&m_found);
+    tree->setUniformRowHeights(true);
+    tree->setAlternatingRowColors(true);
+    tree->setExpandsOnDoubleClick(false);
+    tree->setTextElideMode(Qt::ElideMiddle);
+    tree->setContextMenuPolicy(Qt::CustomContextMenu);
+    tree->setIndentation(fontMetrics().averageCharWidth() * 2);
+    tree->header()->setObjectName(QStringLiteral("PlacesHeader"));
+    tree->header()->setStretchLastSection(false);
+    tree->header()->setSectionResizeMode(PlacesModel::kPlace, QHeaderView::Stretch);
+    tree->header()->setSectionResizeMode(PlacesModel::kRecords, QHeaderView::ResizeToContents);
+    letCopy(*tree);
+    tree->installEventFilter(this);
+    connect(tree, &QTreeView::clicked, this, [this](const QModelIndex &index) {
+        activate(index, QApplication::keyboardModifiers().testFlag(Qt::ControlModifier));
+    });
+    connect(tree, &QWidget::customContextMenuRequested, this, &PlacesPane::showMenu);
+    return tree;
+}
+
+bool PlacesPane::eventFilter(QObject *watched, QEvent *event) {
+    if (watched != m_tree || event->type() != QEvent::KeyPress)
+        return QWidget::eventFilter(watched, event);
+    const auto *key = static_cast<QKeyEvent *>(event);
+    if (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter)
+        return QWidget::eventFilter(watched, event);
+    activate(m_tree->currentIndex(), key->modifiers().testFlag(Qt::ControlModifier));
+    return true;
+}
+
+std::optional<PlaceLimit> PlacesPane::limitAt(const QModelIndex &index) const {
+    return m_model.limitAt(m_found.mapToSource(index));
+}
+
+void PlacesPane::activate(const QModelIndex &index, bool adds) {
+    const auto limit = limitAt(index);
+    if (!limit) // a heading
+        m_tree->setExpanded(index.siblingAtColumn(0),
+                            !m_tree->isExpanded(index.siblingAtColumn(0)));
+    else if (adds)
+        flip(*limit);
+    else
+        showOnly(*limit);
+}
+
+void PlacesPane::showOnly(const PlaceLimit &limit) {
+    choose({{limit}, {}});
+}
+
+void PlacesPane::flip(const PlaceLimit &limit) {
+    PlaceChoice choice = m_choice;
+    if (!takeAway(choice.only, limit)) {
+        takeAway(choice.without, limit);
+        choice.only.push_back(limit);
+    }
+    choose(std::move(choice));
+}
+
+void PlacesPane::leaveOut(const PlaceLimit &limit) {
+    PlaceChoice choice = m_choice;
+    takeAway(choice.only, limit);
+    if (!takeAway(choice.without, limit))
+        choice.without.push_back(limit);
+    choose(std::move(choice));
+}
+
+void PlacesPane::choose(PlaceChoice choice) {
+    if (choice == m_choice)
+        return;
+    setChoice(choice);
+    emit choiceMade(m_choice);
+}
+
+void PlacesPane::setChoice(const PlaceChoice &choice) {
+    m_choice = choice;
+    m_model.setChoice(choice);
+    const bool any = !choice.isEmpty();
+    const QString text = toQt(displayText(placeText(choice)));
+    m_chosen->setText(choice.only.empty() ? text : tr("Only %1").arg(text));
+    m_chosen->setVisible(any);
+    m_all->setVisible(any);
+}
+
+void PlacesPane::showNote(const QString &note) {
+    m_note->setText(note);
+    m_note->setVisible(!note.isEmpty());
+}
+
+void PlacesPane::setPlaces(Places places) {
+    const QStringList open = openPlaces();
+    m_model.setPlaces(std::move(places));
+    if (m_hasPlaces)
+        openAgain(open);
+    else if (m_model.rowCount() > 0)
+        m_tree->expandToDepth(1);
+    m_hasPlaces = m_model.rowCount() > 0;
+}
+
+QStringList PlacesPane::openPlaces() const {
+    QStringList open;
+    forEachRow(m_found, {}, [&](const QModelIndex &index) {
+        const bool isOpen = m_tree->isExpanded(index);
+        if (isOpen)
+            open += pathOf(index);
+        return isOpen;
+    });
+    return open;
+}
+
+void PlacesPane::openAgain(const QStringList &open) {
+    const QSet<QString> wanted(open.begin(), open.end());
+    forEachRow(m_found, {}, [&](const QModelIndex &index) {
+        const bool isOpen = wanted.contains(pathOf(index));
+        m_tree->setExpanded(index, isOpen);
+        return isOpen;
+    });
+}
+
+void PlacesPane::showMenu(const QPoint &place) {
+    const QModelIndex at = m_tree->indexAt(place);
+    const QModelIndex index = at.isValid() ? at : m_tree->currentIndex();
+    const auto limit = limitAt(index);
+    m_menu->clear();
+    if (limit) {
+        const auto add = [this](const char *name, const QString &text, auto command) {
+            QAction *action = m_menu->addAction(text, this, command);
+            action->setObjectName(QLatin1String(name));
+            return action;
+        };
+        const auto has = [&limit](const std::vector<PlaceLimit> &limits) {
+            return std::ranges::find(limits, *limit) != limits.end();
+        };
+        add("actOnlyPlace", tr("&Only This Place"), [this, limit] { showOnly(*limit); });
+        add("actAddPlace", has(m_choice.only) ? tr("Take This Place A&way") : tr("&Add This Place"),
+            [this, limit] { flip(*limit); })
+            ->setToolTip(tr("Ctrl and a click does the same"));
+        add("actWithoutPlace",
+            has(m_choice.without) ? tr("Don't &Leave Out This Place") : tr("&Leave Out This Place"),
+            [this, limit] { leaveOut(*limit); });
+        m_menu->addSeparator();
+        add("actTagPlace", tr("&Tag Its Rows"), [this, limit] {
+            emit tagWanted(*limit, true);
+        })->setEnabled(!m_readOnly);
+        add("actUntagPlace", tr("&Untag Its Rows"), [this, limit] {
+            emit tagWanted(*limit, false);
+        })->setEnabled(!m_readOnly);
+        m_menu->addSeparator();
+    }
+    m_menu->addActions(m_tree->actions());
+    m_menu->addAction(tr("&Fold All"), m_tree, &QTreeView::collapseAll);
+    m_menu->popup(m_tree->viewport()->mapToGlobal(place));
+}
+
+} // namespace nv

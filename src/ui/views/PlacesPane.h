@@ -1,0 +1,65 @@
+#pragma once
+
+#include "ui/views/PlacesModel.h"
+
+#include <QSortFilterProxyModel>
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QToolButton;
+class QTreeView;
+
+namespace nv {
+
+/// The trees of places beside the table. A click on a place shows its rows only; Ctrl and a click
+/// adds them to those that are shown, or takes them away again.
+class PlacesPane final : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit PlacesPane(QWidget *parent = nullptr);
+
+    /// What is open stays open.
+    void setPlaces(Places places);
+    /// In the place of the trees' note; empty for none.
+    void showNote(const QString &note);
+    void setChoice(const PlaceChoice &choice);
+    const PlaceChoice &choice() const { return m_choice; }
+    void setReadOnly(bool readOnly) { m_readOnly = readOnly; }
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+  signals:
+    void choiceMade(const nv::PlaceChoice &choice);
+    /// The ticks of the place's rows are to be set or taken.
+    void tagWanted(const nv::PlaceLimit &limit, bool tagged);
+
+  private:
+    QWidget *newTop();
+    QTreeView *newTree();
+    void showMenu(const QPoint &place);
+    void showOnly(const PlaceLimit &limit);
+    void flip(const PlaceLimit &limit);
+    void leaveOut(const PlaceLimit &limit);
+    void choose(PlaceChoice choice);
+    void activate(const QModelIndex &index, bool adds);
+    std::optional<PlaceLimit> limitAt(const QModelIndex &index) const;
+    QStringList openPlaces() const;
+    void openAgain(const QStringList &open);
+
+    PlacesModel m_model;
+    QSortFilterProxyModel m_found;
+    PlaceChoice m_choice;
+    QLineEdit *m_filter = nullptr;
+    QTreeView *m_tree = nullptr;
+    QLabel *m_chosen = nullptr;
+    QToolButton *m_all = nullptr;
+    QLabel *m_note = nullptr;
+    QMenu *m_menu = nullptr;
+    bool m_readOnly = false;
+    bool m_hasPlaces = false;
+};
+
+} // namespace nv

@@ -1,0 +1,159 @@
+#include "views/PlaceLimit.h"
+
+#include "base/DisplayText.h"
+#include "views/PlaceFunctions.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace nv {
+
+namespace {
+
+using nlohmann::json;
+
+std::string_view nameOfNone(PlaceField field) {
+    switch (field) {
+    case PlaceField::Evidence:
+        return "(no folder)";
+    case PlaceField::Person:
+        return "(no person)";
+    case PlaceField::Browser:
+        return "(no browser)";
+    case PlaceField::Profile:
+        return "(no profile)";
+    case PlaceField::Domain:
+    case PlaceField::Host:
+        return "(no host)";
+    default:
+        return "(no kind)";
+    }
+}
+
+/// The statement's one parameter is a list in JSON, since values of evidence are no part of its
+/// text.
+class PlaceCondition {
+  public:
+    explicit PlaceCondition(SQLite::Database &project) : m_hasOrigin(hasOriginColumns(project)) {}
+
+    std::string of(const PlaceChoice &choice) {
+        std::vector<std::string> parts;
+        if (!choice.only.empty())
+            parts.push_back(fmt::format("({})", fmt::join(conditionsOf(choice.only), " OR ")));
+        for (const std::string &condition : conditionsOf(choice.without))
+            parts.push_back("NOT " + condition);
+        return fmt::format("{}", fmt::join(parts, " AND "));
+    }
+
+    std::string bound() const {
+        return m_values.dump(-1, ' ', false, json::error_handler_t::replace);
+    }
+
+  private:
+    std::vector<std::string> conditionsOf(const std::vector<PlaceLimit> &limits) {
+        std::vector<std::string> conditions;
+        conditions.reserve(limits.size());
+        for (const PlaceLimit &limit : limits) {
+            std::vector<std::string> terms;
+            terms.reserve(limit.terms.size() + 1);
+            for (const PlaceTerm &term : limit.terms)
+                terms.push_back(conditionOf(term));
+            if (terms.empty())
+                terms.emplace_back("1");
+            conditions.push_back(fmt::format("({})", fmt::join(terms, " AND ")));
+        }
+        return conditions;
+    }
+
+    std::string conditionOf(const PlaceTerm &term) {
+        const std::string &value = term.value;
+        switch (term.field) {
+        case PlaceField::Evidence:
+            return isOne("RootPath", value);
+        case PlaceField::Person:
+            return isOne(m_hasOrigin ? "Person" : "''", value);
+        case PlaceField::Browser:
+            return isOne(m_hasOrigin ? "Browser" : "''", value);
+        case PlaceField::Profile:
+            return isOne(m_hasOrigin ? "Profile" : "''", value);
+        case PlaceField::Group:
+            return isOne(fmt::format("{}(CacheType)", kGroupFunction), value);
+        case PlaceField::Kind:
+            return isOne(fmt::format("{}(CacheType)", kKindFunction), value);
+        case PlaceField::Domain:
+            return isOne(fmt::format("{}(Host)", kDomainFunction), value);
+        default:
+            return isOne("Host", value) + " COLLATE NOCASE";
+        }
+    }
+
+    std::string isOne(std::string_view column, const std::string &value) {
+        m_values.push_back(value);
+        return fmt::format("ifnull({}, '') = json_extract(?1, '$[{}]')", column,
+                           m_values.size() - 1);
+    }
+
+    bool m_hasOrigin;
+    json m_values = json::array();
+};
+
+} // namespace
+
+std::string placeName(const PlaceTerm &term) {
+    return term.value.empty() ? std::string(nameOfNone(term.field)) : displayText(term.value);
+}
+
+std::string placeText(const PlaceLimit &limit) {
+    std::vector<std::string> names;
+    names.reserve(limit.terms.size());
+    for (const PlaceTerm &term : limit.terms)
+        names.push_back(placeName(term));
+    return fmt::format("{}", fmt::join(names, " / "));
+}
+
+std::string placeText(const PlaceChoice &choice) {
+    const auto joined = [](const std::vector<PlaceLimit> &limits) {
+        std::vector<std::string> texts;
+        texts.reserve(limits.size());
+        for (const PlaceLimit &limit : limits)
+            texts.push_back(placeText(limit));
+        return fmt::format("{}", fmt::join(texts, " or "));
+    };
+    std::string text = joined(choice.only);
+    if (!choice.without.empty())
+        text += (text.empty() ? "Without " : ", without ") + joined(choice.without);
+    return text;
+}
+
+bool hasOriginColumns(SQLite::Database &project) {
+    return project
+               .execAndGet("SELECT count(*) FROM pragma_table_info('URLs') WHERE name IN "
+                           "('Browser', 'Profile', 'Person')")
+               .getInt() == 3;
+}
+
+IdQuery placeQuery(SQLite::Database &project, const PlaceChoice &choice) {
+    needPlaceFunctions(project);
+    PlaceCondition condition(project);
+    const std::string text = condition.of(choice);
+    return {"SELECT URL_ID FROM URLs WHERE " + text, condition.bound()};
+}
+
+Walk keepIn(SQLite::Database &project, const PlaceChoice &choice, TaskMonitor &task, RowIds &ids) {
+    if (choice.isEmpty())
+        return Walk::Finished;
+    FoundRows found;
+    if (findRows(project, placeQuery(project, choice), RecordFilters(), task, found) ==
+        Walk::Cancelled)
+        return Walk::Cancelled;
+    std::ranges::sort(found.ids);
+    std::erase_if(ids,
+                  [&found](std::int32_t id) { return !std::ranges::binary_search(found.ids, id); });
+    return Walk::Finished;
+}
+
+} // namespace nv

@@ -1,0 +1,75 @@
+#include "cli/CliCase.h"
+
+#include <gmock/gmock.h>
+
+namespace nv::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+/// A cache of three files of two sites.
+class PlacesCliTest : public CliCase {
+  protected:
+    PlacesCliTest() {
+        IndexDat index;
+        index.folder("ABCDEFGH");
+        for (const char *url : {"http://www.harbour.co.uk/search?q=low+water",
+                                "http://mail.harbour.co.uk/", "http://forum.example/?t=1299006630"})
+            index.add({.url = url,
+                       .secondDate = fileTime(2011, 3, 1, 12),
+                       .fileSize = 6,
+                       .folder = 0,
+                       .fileName = "a"});
+        fs::create_directories(evidence);
+        writeWhole(evidence / "index.dat", index.bytes());
+        const CliResult run = cli({"import", project, evidence.string(), "--kinds", "ie-cache",
+                                   "--zone", "Europe/Berlin"});
+        EXPECT_EQ(run.exit, 0) << run.err;
+    }
+};
+
+TEST_F(PlacesCliTest, treesAreListedWithTheirCounts) {
+    EXPECT_EQ(
+        cli({"places", project, "--tree", "hosts", "--format", "csv"}).out,
+        "Place,Is,Records,Level\r\nharbour.co.uk,Domain,2,0\r\nmail.harbour.co.uk,Host,1,1\r\n"
+        "www.harbour.co.uk,Host,1,1\r\nforum.example,Domain,1,0\r\n");
+    const CliResult kinds = cli({"places", project, "--tree", "kinds"});
+    EXPECT_EQ(kinds.exit, 0) << kinds.err;
+    EXPECT_THAT(kinds.out, HasSubstr("Cache"));
+    EXPECT_THAT(kinds.out, HasSubstr("  IE CACHE"));
+    const CliResult all = cli({"places", project, "--format", "jsonl"});
+    EXPECT_THAT(all.out, HasSubstr("\"Is\":\"Evidence\""));
+    EXPECT_THAT(all.out, HasSubstr("\"Is\":\"Kind\""));
+}
+
+TEST_F(PlacesCliTest, layoutsGiveTheColumnsOfAList) {
+    const CliResult caches =
+        cli({"list", project, "--layout", "caches", "--columns", "COL_URL_ID"});
+    EXPECT_EQ(caches.exit, 1);
+    EXPECT_THAT(caches.err, HasSubstr("one of them is enough"));
+    const CliResult pictures = cli({"list", project, "--layout", "PICTURES", "--format", "table"});
+    EXPECT_EQ(pictures.exit, 0) << pictures.err;
+    EXPECT_THAT(pictures.out, HasSubstr("Width"));
+    EXPECT_THAT(pictures.out, Not(HasSubstr("Icon")));
+    const CliResult none = cli({"list", project, "--layout", "Mine"});
+    EXPECT_EQ(none.exit, 1);
+    EXPECT_THAT(none.err, HasSubstr("Examiner, Caches, Pictures, Classic were expected"));
+}
+
+TEST_F(PlacesCliTest, aCardSaysWhatARecordIs) {
+    const CliResult card = cli({"show", project, "1", "--card"});
+    EXPECT_EQ(card.exit, 0) << card.err;
+    EXPECT_THAT(card.out, StartsWith("Title "));
+    EXPECT_THAT(card.out, HasSubstr("2011-03-01 13:00:00 Europe/Berlin (+0100 CET)"));
+    EXPECT_THAT(card.out, HasSubstr("Searched for            low water"));
+    EXPECT_THAT(cli({"show", project, "3"}).out,
+                HasSubstr("2011-03-01 19:10:30 UTC [Unix time in seconds]"));
+    EXPECT_THAT(cli({"show", project, "1", "--card", "--format", "csv"}).out,
+                StartsWith("Label,Text\r\n"));
+}
+
+} // namespace
+} // namespace nv::test

@@ -1,0 +1,206 @@
+#include "base/Base64.h"
+#include "base/Text.h"
+#include "time/DateFormat.h"
+#include "views/DecodedValues.h"
+#include "views/NumberTimes.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+namespace nv {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// "name = value (rule)".
+std::vector<std::string> linesOf(const std::vector<DecodedValue> &values) {
+    std::vector<std::string> lines;
+    for (const DecodedValue &value : values)
+        lines.push_back(value.name + " = " + value.value + " (" + value.rule + ")");
+    return lines;
+}
+std::vector<std::string> ofAddress(std::string_view address) {
+    return linesOf(decodedAddress("URL", address));
+}
+std::vector<std::string> ofText(std::string_view text) {
+    return linesOf(decodedText("cookie_value", text));
+}
+std::string base64Of(const std::string &text) {
+    return base64(ByteView(Bytes(text.begin(), text.end())));
+}
+std::string readingOf(std::string_view digits) {
+    const auto read = timeOfNumber(digits);
+    return read ? isoUtc(read->utc) + " " + std::string(read->rule) : "none";
+}
+
+TEST(NumberTimes, eachClockHasItsOwnLength) {
+    EXPECT_EQ(readingOf("1299006630"), "2011-03-01T19:10:30Z Unix time in seconds");
+    EXPECT_EQ(readingOf("1299006630.25"), "2011-03-01T19:10:30Z Unix time in seconds");
+    EXPECT_EQ(readingOf("1299006630250"), "2011-03-01T19:10:30Z Unix time in milliseconds");
+    EXPECT_EQ(readingOf("1299006630250000"), "2011-03-01T19:10:30Z Unix time in microseconds");
+    EXPECT_EQ(readingOf("1299006630250000000"), "2011-03-01T19:10:30Z Unix time in nanoseconds");
+    EXPECT_EQ(readingOf("12943480230250000"),
+              "2011-03-01T19:10:30Z WebKit time, microseconds since 1601");
+    EXPECT_EQ(readingOf("129434802302500000"),
+              "2011-03-01T19:10:30Z FILETIME, 100 nanoseconds since 1601");
+    EXPECT_EQ(readingOf("634346034302500000"),
+              "2011-03-01T19:10:30Z Ticks, 100 nanoseconds since the year 1");
+    EXPECT_EQ(readingOf("320699430"), "2011-03-01T19:10:30Z Mac absolute time, seconds since 2001");
+}
+
+TEST(NumberTimes, othersAreNone) {
+    for (const char *text :
+         {"", ".", "0", "1", "99999999", "2208988800", "12345678901", "99999999999999",
+          "-1299006630", "+1299006630", "01299006630", "1299006630x", "9223372036854775807",
+          "9223372036854775808", "99999999999999999999999999"})
+        EXPECT_EQ(readingOf(text), "none") << text;
+    // The ends of what is read.
+    EXPECT_EQ(readingOf("788918400"), "1995-01-01T00:00:00Z Unix time in seconds");
+    EXPECT_EQ(readingOf("788918399"), "2025-12-31T23:59:59Z Mac absolute time, seconds since 2001");
+    EXPECT_EQ(readingOf("2208988799"), "2039-12-31T23:59:59Z Unix time in seconds");
+}
+
+TEST(NumberTimes, identifiersOfVersion1HoldTheirTime) {
+    const auto read = timeOfUuid("c232ab00-9414-11ec-b3c8-9e6bdeced846");
+    ASSERT_TRUE(read);
+    EXPECT_EQ(isoUtc(read->utc), "2022-02-22T19:22:22Z");
+    for (const char *text :
+         {"c232ab00-9414-41ec-b3c8-9e6bdeced846", "c232ab00-9414-11ec-b3c8",
+          "c232ab0g-9414-11ec-b3c8-9e6bdeced846", "c232ab00-9414-11ec-b3c8-9e6bdeced84z",
+          "ffffffff-ffff-1fff-ffff-ffffffffffff"})
+        EXPECT_FALSE(timeOfUuid(text)) << text;
+}
+
+TEST(DecodedValues, parametersStandInTheirOrder) {
+    EXPECT_THAT(
+        ofAddress("http://shop.example/item?id=7&name=sea+chart%20No.%2D1&empty=&x"),
+        ElementsAre("id = 7 (Query parameter)", "name = sea chart No.-1 (Query parameter)"));
+    EXPECT_THAT(ofAddress("http://map.example/#lat=53.5&lon=9.9"),
+                ElementsAre("lat = 53.5 (Parameter after #)", "lon = 9.9 (Parameter after #)"));
+    EXPECT_THAT(decodedAddress("Referrer", "http://h/?a=b"),
+                ElementsAre(DecodedValue{"Referrer", "a", "b", "Query parameter"}));
+}
+
+TEST(DecodedValues, termsOfASearchAreTold) {
+    EXPECT_THAT(ofAddress("https://www.google.com/search?hl=en&q=tide+tables"),
+                ElementsAre("hl = en (Query parameter)", "q = tide tables (Search term)"));
+    EXPECT_THAT(ofAddress("http://harbour.example/find/Search.php?query=%22low%20water%22"),
+                ElementsAre("query = \"low water\" (Search term)"));
+    EXPECT_THAT(ofAddress("http://notgoogle.example/?q=1"), ElementsAre("q = 1 (Query parameter)"));
+    EXPECT_THAT(ofAddress("https://duckduckgo.com/?q=1299006630"),
+                ElementsAre("q = 1299006630 (Search term)"));
+}
+
+TEST(DecodedValues, timesAreReadInParametersAndPaths) {
+    EXPECT_THAT(ofAddress("http://h.example/photo/1299006630250/x.jpg?_=1299006630"),
+                ElementsAre("path = 2011-03-01 19:10:30 UTC (Unix time in milliseconds)",
+                            "_ = 1299006630 (Query parameter)",
+                            "_ = 2011-03-01 19:10:30 UTC (Unix time in seconds)"));
+    EXPECT_THAT(ofAddress("http://h.example/?s=ab-1299006630-77"),
+                ElementsAre("s = ab-1299006630-77 (Query parameter)",
+                            "s = 2011-03-01 19:10:30 UTC (Unix time in seconds)"));
+}
+
+TEST(DecodedValues, aSessionOfASearchBeginsWithItsTime) {
+    // 0x4D6D4526 is 2011-03-01 19:12:38.
+    const std::string session = base64Of(std::string("\x26\x45\x6D\x4D\x01\x02\x03", 7));
+    EXPECT_THAT(ofAddress("https://www.google.com/search?ei=" + session.substr(0, 10)),
+                ElementsAre("ei = " + session.substr(0, 10) + " (Query parameter)",
+                            "ei = 2011-03-01 19:12:38 UTC (First four bytes of base64, the lowest "
+                            "first: Unix time in seconds)"));
+}
+
+TEST(DecodedValues, addressesWithinAnAddressAreTakenApart) {
+    EXPECT_THAT(
+        ofAddress("http://a.example/login?continue=http%3A%2F%2Fb.example%2F%3Fq%3Done%26t%3D2"),
+        ElementsAre("continue = http://b.example/?q=one&t=2 (Query parameter)",
+                    "continue > q = one (Query parameter)", "continue > t = 2 (Query parameter)"));
+}
+
+TEST(DecodedValues, base64IsReadWhereAllOfItIsText) {
+    const std::string coded = base64Of("harbour@example");
+    EXPECT_THAT(ofText(coded), ElementsAre(" = harbour@example (Base64)"));
+    EXPECT_THAT(ofAddress("http://h.example/?u=" + replaceAll(coded, "=", "%3D")),
+                ElementsAre("u = " + coded + " (Query parameter)", "u = harbour@example (Base64)"));
+    EXPECT_THAT(ofText(base64Of("http://b.example/?a=1")),
+                ElementsAre(" = http://b.example/?a=1 (Base64)", "a = 1 (Query parameter)"));
+    // Words, and bytes that are no text.
+    for (const char *text : {"password", "averylongwordthatgoeson", "AAAAAAAAAAAAAAAAAAAA"})
+        EXPECT_THAT(ofText(text), IsEmpty()) << text;
+}
+
+TEST(DecodedValues, cookiesOfVisitCountersHoldTheirTimesAlone) {
+    EXPECT_THAT(ofText("GA1.2.1400000000.1299006630"),
+                ElementsAre(" = 2011-03-01 19:10:30 UTC (First visit, by a counter of visits, Unix "
+                            "time in seconds)"));
+    EXPECT_THAT(ofText("96992031.1400000000.1299006630.1299006631.1299006632.3"),
+                ElementsAre(" = 2011-03-01 19:10:30 UTC (First visit, by a counter of visits, Unix "
+                            "time in seconds)",
+                            " = 2011-03-01 19:10:31 UTC (Visit before, by a counter of visits, "
+                            "Unix time in seconds)",
+                            " = 2011-03-01 19:10:32 UTC (Last visit, by a counter of visits, Unix "
+                            "time in seconds)"));
+}
+
+TEST(DecodedValues, pairsOfACookieAreParameters) {
+    EXPECT_THAT(ofText("user=ada&seen=1299006630"),
+                ElementsAre("user = ada (Name and value)", "seen = 1299006630 (Name and value)",
+                            "seen = 2011-03-01 19:10:30 UTC (Unix time in seconds)"));
+}
+
+TEST(DecodedValues, whatIsNoAddressHoldsNone) {
+    for (const char *text :
+         {"", "://", "http:", "Visited: nobody", "javascript:x?a=b", "a b://host/?x=1"})
+        EXPECT_THAT(ofAddress(text), IsEmpty()) << text;
+    // As an index has it.
+    EXPECT_THAT(ofAddress("Cookie:ada@http://h.example/?a=1"), SizeIs(1));
+}
+
+TEST(DecodedValues, hostileTextsAreBounded) {
+    std::string many = "http://h/?";
+    for (int i = 0; i < 100'000; ++i)
+        many += "a=1299006630&";
+    EXPECT_THAT(ofAddress(many), SizeIs(kMostDecodedValues));
+
+    const auto longOne = decodedAddress("URL", "http://h/?a=" + std::string(1'000'000, 'x'));
+    ASSERT_THAT(longOne, SizeIs(1));
+    EXPECT_LE(longOne[0].value.size(), kLongestDecodedValue + 3);
+    const std::string accents = [] {
+        std::string text;
+        for (int i = 0; i < 9'000; ++i)
+            text += "\xC3\xA9";
+        return text;
+    }();
+    const auto cut = decodedAddress("URL", "http://h/?a=b" + accents);
+    ASSERT_THAT(cut, SizeIs(1));
+    EXPECT_TRUE(isUtf8(cut[0].value));
+
+    std::string nested = "x";
+    for (int i = 0; i < 200; ++i)
+        nested = "http://h/?u=" + nested;
+    EXPECT_LE(ofAddress(nested).size(), 5U);
+    std::string packed = "harbour@example.com";
+    for (int i = 0; i < 12; ++i)
+        packed = base64Of(packed);
+    EXPECT_LE(ofText(packed).size(), 5U);
+}
+
+TEST(DecodedValues, costGrowsWithTheTextAlone) {
+    const auto begin = std::chrono::steady_clock::now();
+    for (const char *piece : {"&", "=", "%", "/", ".", "http://", "a=", "1299006630.", "A", "?#"}) {
+        std::string text = "http://h/?a=";
+        while (text.size() < kMostDecodedBytes)
+            text += piece;
+        static_cast<void>(ofAddress(text));
+        static_cast<void>(ofText(text.substr(12)));
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+}
+
+} // namespace
+} // namespace nv

@@ -1,0 +1,218 @@
+#include "MadeProject.h"
+#include "support/TestDoubles.h"
+#include "views/PlaceLimit.h"
+#include "views/Places.h"
+#include "views/UrlTable.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+
+namespace nv {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct PlacesTest : testing::Test, test::MadeProject {
+    struct Row {
+        std::string person;
+        std::string browser;
+        std::string profile;
+        std::string kind;
+        std::string host;
+        std::string folder = "/evidence/";
+    };
+    std::int32_t addRow(const Row &row) {
+        return static_cast<std::int32_t>(add({{"RootPath", row.folder},
+                                              {"Person", row.person},
+                                              {"Browser", row.browser},
+                                              {"Profile", row.profile},
+                                              {"CacheType", row.kind},
+                                              {"Host", row.host}}));
+    }
+    static void write(std::vector<std::string> &lines, const std::vector<PlaceNode> &nodes,
+                      std::size_t depth) {
+        for (const PlaceNode &node : nodes) {
+            lines.push_back(std::string(depth, '-') +
+                            fmt::format("{} {}", placeName(node.term), node.records));
+            write(lines, node.children, depth + 1);
+        }
+    }
+    static std::vector<std::string> linesOf(const std::vector<PlaceNode> &nodes) {
+        std::vector<std::string> lines;
+        write(lines, nodes, 0);
+        return lines;
+    }
+    const Places &load() {
+        EXPECT_EQ(loadPlaces(db(), task, places), Walk::Finished);
+        return places;
+    }
+    RowIds rowsOf(const PlaceChoice &choice) {
+        RowIds ids;
+        for (std::int32_t id = 1; id <= last; ++id)
+            ids.push_back(id);
+        EXPECT_EQ(keepIn(db(), choice, task, ids), Walk::Finished);
+        return ids;
+    }
+    /// Every node finds as many rows as it counts.
+    void expectCountsHold(const std::vector<PlaceNode> &nodes, const PlaceLimit &outer) {
+        for (const PlaceNode &node : nodes) {
+            PlaceLimit limit = outer;
+            limit.terms.push_back(node.term);
+            EXPECT_EQ(rowsOf({{limit}, {}}).size(), node.records) << placeText(limit);
+            EXPECT_EQ(rowsOf({{}, {limit}}).size(), places.records - node.records)
+                << placeText(limit);
+            expectCountsHold(node.children, limit);
+        }
+    }
+    void addUsual() {
+        addRow({"ada", "Edge", "Default", "Chrome Cache", "www.harbour.co.uk"});
+        addRow({"ada", "Edge", "Default", "Chrome History", "Mail.Harbour.co.uk"});
+        addRow({"ada", "Edge", "Default", "Chrome History", "mail.harbour.co.uk"});
+        addRow({"ada", "Edge", "Work", "Chrome Cookie", "1.2.3.4"});
+        addRow({"bob", "Firefox", "x.default", "Firefox Cookie", "forum.example"});
+        addRow({"bob", "Firefox", "x.default", "Of another program", ""});
+        last = 6;
+    }
+
+    test::MemoryTask task;
+    Places places;
+    std::int32_t last = 0;
+};
+
+TEST_F(PlacesTest, aProjectWithoutRowsHasNone) {
+    EXPECT_EQ(load().records, 0U);
+    EXPECT_THAT(places.evidence, IsEmpty());
+    EXPECT_THAT(places.hosts, IsEmpty());
+    EXPECT_THAT(places.kinds, IsEmpty());
+}
+
+TEST_F(PlacesTest, evidenceIsATreeWithCounts) {
+    addUsual();
+    EXPECT_THAT(linesOf(load().evidence),
+                ElementsAre("/evidence/ 6", "-ada 4", "--Edge 4", "---Default 3", "----History 2",
+                            "----Cache 1", "---Work 1", "----Cookies 1", "-bob 2", "--Firefox 2",
+                            "---x.default 2", "----Cookies 1", "----Other 1"));
+    EXPECT_EQ(places.records, 6U);
+}
+
+TEST_F(PlacesTest, hostsStandBelowTheirRegisteredDomain) {
+    addUsual();
+    EXPECT_THAT(linesOf(load().hosts),
+                ElementsAre("harbour.co.uk 3", "-mail.harbour.co.uk 2", "-www.harbour.co.uk 1",
+                            "(no host) 1", "1.2.3.4 1", "forum.example 1"));
+}
+
+TEST_F(PlacesTest, kindsStandBelowTheirGroup) {
+    addUsual();
+    EXPECT_THAT(linesOf(load().kinds),
+                ElementsAre("History 2", "-CHROME HISTORY 2", "Cache 1", "-CHROME CACHE 1",
+                            "Cookies 2", "-CHROME COOKIE 1", "-FIREFOX COOKIE 1", "Other 1",
+                            "-OF ANOTHER PROGRAM 1"));
+}
+
+TEST_F(PlacesTest, aLevelOfWhichNothingIsKnownIsLeftOut) {
+    addRow({"", "", "", "IE Cache", "a.example"});
+    add({{"CacheType", "IE Cache"}, {"RootPath", "/evidence/"}});
+    last = 2;
+    EXPECT_THAT(linesOf(load().evidence), ElementsAre("/evidence/ 2", "-Cache 2"));
+    expectCountsHold(places.evidence, {});
+}
+
+TEST_F(PlacesTest, everyPlaceFindsTheRowsThatItCounts) {
+    addUsual();
+    load();
+    expectCountsHold(places.evidence, {});
+    expectCountsHold(places.hosts, {});
+    expectCountsHold(places.kinds, {});
+}
+
+TEST_F(PlacesTest, placesAreAddedAndLeftOut) {
+    addUsual();
+    const PlaceLimit ada{{{PlaceField::Person, "ada"}}};
+    const PlaceLimit cookies{{{PlaceField::Group, "Cookies"}}};
+    const PlaceLimit mail{{{PlaceField::Host, "mail.harbour.co.uk"}}};
+    EXPECT_THAT(rowsOf({{ada, cookies}, {}}), ElementsAre(1, 2, 3, 4, 5));
+    EXPECT_THAT(rowsOf({{ada}, {cookies, mail}}), ElementsAre(1));
+    EXPECT_THAT(rowsOf({{}, {ada}}), ElementsAre(5, 6));
+    EXPECT_THAT(rowsOf({}), ElementsAre(1, 2, 3, 4, 5, 6));
+    EXPECT_EQ(placeText(PlaceChoice{{ada, cookies}, {mail}}),
+              "ada or Cookies, without mail.harbour.co.uk");
+    EXPECT_EQ(placeText(PlaceChoice{{}, {{{{PlaceField::Host, ""}}}}}), "Without (no host)");
+}
+
+TEST_F(PlacesTest, theTableShowsTheRowsOfThePlacesAndCountsTheOthers) {
+    addUsual();
+    UrlTable table(db(), log, zone);
+    table.places.only = {{{{PlaceField::Person, "bob"}}}};
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.rowCount(), 2U);
+    EXPECT_EQ(table.hiddenCount(), 4U);
+    EXPECT_EQ(table.sortBy(UrlColumn::Host, SortDirection::Ascending, task), LoadResult::Loaded);
+    EXPECT_EQ(table.rowCount(), 2U);
+    EXPECT_EQ(table.idsOfAllTimes().size(), 2U);
+    table.places = {};
+    EXPECT_EQ(table.loadURLs(task), LoadResult::Loaded);
+    EXPECT_EQ(table.rowCount(), 6U);
+}
+
+TEST_F(PlacesTest, ofADomainThoseHostsThatItCounts) {
+    addRow({"", "", "", "IE Cache", "ada.github.io"});
+    addRow({"", "", "", "IE Cache", "www.ada.github.io."});
+    addRow({"", "", "", "IE Cache", "github.io"});
+    addRow({"", "", "", "IE Cache", "notharbour.example"});
+    addRow({"", "", "", "IE Cache", "harbour.example"});
+    addRow({"", "", "", "IE Cache", "a_b.example"});
+    addRow({"", "", "", "IE Cache", "axb.example"});
+    last = 7;
+    load();
+    expectCountsHold(places.hosts, {});
+    EXPECT_THAT(rowsOf({{{{{PlaceField::Domain, "github.io"}}}}, {}}), ElementsAre(3));
+}
+
+TEST_F(PlacesTest, hostileValuesAreValues) {
+    const std::string quote = "'; DROP TABLE URLs; --";
+    const std::string odd = "\"]}$[0] % _ \xE2\x80\xAE";
+    addRow({quote, odd, "\\", quote, odd, quote});
+    addRow({"ada", "Edge", "Default", "Chrome Cache", std::string(70'000, 'a') + ".example"});
+    addRow({"ada", "Edge", "Default", "Chrome Cache", "..."});
+    last = 3;
+    load();
+    expectCountsHold(places.evidence, {});
+    expectCountsHold(places.hosts, {});
+    expectCountsHold(places.kinds, {});
+}
+
+TEST_F(PlacesTest, aProjectOfAnEarlierBuildKnowsNoPersons) {
+    addUsual();
+    for (const char *column : {"Browser", "Profile", "Person"})
+        db().exec(fmt::format("ALTER TABLE URLs DROP COLUMN {}", column));
+    EXPECT_THAT(linesOf(load().evidence),
+                ElementsAre("/evidence/ 6", "-History 2", "-Cache 1", "-Cookies 2", "-Other 1"));
+    expectCountsHold(places.evidence, {});
+    EXPECT_THAT(rowsOf({{{{{PlaceField::Person, "ada"}}}}, {}}), IsEmpty());
+}
+
+TEST_F(PlacesTest, aCancelLeavesNothing) {
+    db().exec("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 50000) "
+              "INSERT INTO URLs(Host) SELECT 'host' || i FROM n");
+    test::CancelAfter soon(1);
+    EXPECT_EQ(loadPlaces(db(), soon, places), Walk::Cancelled);
+    EXPECT_THAT(places.hosts, IsEmpty());
+}
+
+TEST_F(PlacesTest, manyPlacesCostNoSquare) {
+    db().exec("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100000) "
+              "INSERT INTO URLs(Host, Person, Browser, CacheType, RootPath) SELECT "
+              "'h' || i || '.example', 'p' || i, 'b' || i, 'k' || i, 'r' || i FROM n");
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(load().evidence.size(), 100'000U);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+}
+
+} // namespace
+} // namespace nv

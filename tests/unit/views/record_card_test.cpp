@@ -1,0 +1,143 @@
+#include "MadeProject.h"
+#include "db/RecordFacts.h"
+#include "time/ExactZone.h"
+#include "views/RecordCard.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace nv {
+namespace {
+
+using test::daysOf;
+
+struct RecordCardTest : testing::Test, test::MadeProject {
+    RecordCard load(std::int64_t id) {
+        const auto card = loadCard(UrlId{id}, {db(), zone, dates, log});
+        EXPECT_TRUE(card);
+        return card.value_or(RecordCard());
+    }
+    void inBerlin() {
+        setExactZone(zone, ExactZones("/usr/share/zoneinfo").find("Europe/Berlin"),
+                     Date::fromCivil({2011, 6, 15, 12, 0, 0}));
+    }
+    DateSettings dates;
+};
+
+TEST_F(RecordCardTest, saysWhatIsAskedFirst) {
+    inBerlin();
+    const std::int64_t file =
+        insert("SourceFiles", {{"FilePath", "/e/History"}, {"MD5Hash", "0123"}});
+    const std::int64_t id = add({{"URL", "http://www.harbour.example/tide0.html"},
+                                 {"WebPageTitle", "Tide tables"},
+                                 {"ActionDateUTC", daysOf({2011, 3, 1, 19, 10, 30})},
+                                 {"Browser", "Edge"},
+                                 {"Profile", "Default"},
+                                 {"Person", "ada"},
+                                 {"User", "ada"},
+                                 {"CacheType", "Chrome History"},
+                                 {"Action", "Visited"},
+                                 {"Visits", std::int64_t{3}},
+                                 {"HistoryFilePath", "/e/History"},
+                                 {"SourceFile_ID", file}});
+    FactList facts;
+    facts.add("source_table", "visits");
+    facts.add("source_rowid", 17);
+    facts.add("transition", "typed", 33554433);
+    facts.add("content_md5", "aa");
+    facts.add("content_sha256", "bb");
+    RecordFacts(db()).store(UrlId{id}, facts);
+
+    const RecordCard card = load(id);
+    EXPECT_EQ(card.title, "Tide tables");
+    EXPECT_EQ(card.address, "http://www.harbour.example/tide0.html");
+    const std::vector<CardLine> lines = {
+        {"Date", "2011-03-01 19:10:30 UTC"},
+        {"Local date", "2011-03-01 20:10:30 Europe/Berlin (+0100 CET)"},
+        {"Browser", "Edge"},
+        {"Profile", "Default"},
+        {"Person", "ada"},
+        {"Kind", "Visit, Visited, typed (CHROME HISTORY)"},
+        {"Visits", "3"},
+        {"Source", "/e/History, row 17 of table visits"},
+        {"SHA-256 of the content", "bb"},
+        {"MD5 of the source", "0123"}};
+    EXPECT_EQ(card.lines, lines);
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(RecordCardTest, ofCachedContentItsFile) {
+    const RecordCard card = load(add({{"URL", "http://h.example/a.png"},
+                                      {"URLFileName", "a.png"},
+                                      {"CacheType", "IE Cache"},
+                                      {"Status", "LEAK"},
+                                      {"Category", "Pictures"},
+                                      {"CacheFileExists", std::int64_t{1}},
+                                      {"PictureWidth", std::int64_t{64}},
+                                      {"PictureHeight", std::int64_t{48}},
+                                      {"CacheFileSize", std::int64_t{1}},
+                                      {"MapFileOffset", 24832.0},
+                                      {"HistoryFilePath", "/e/index.dat"}}));
+    EXPECT_EQ(card.title, "a.png");
+    EXPECT_EQ(card.line("Content"), "Pictures, 64 x 48 pixels, 1 byte");
+    EXPECT_EQ(card.line("Status"), "LEAK: given up, but its file could not be deleted then");
+    EXPECT_EQ(card.line("Source"), "/e/index.dat, offset 24832");
+    EXPECT_EQ(card.line("Browser"), "Internet Explorer");
+    EXPECT_EQ(card.line("Date"), "The record has none");
+    EXPECT_EQ(card.line("Local date"), "");
+}
+
+TEST_F(RecordCardTest, aStatusThatSaysNothingIsNone) {
+    EXPECT_EQ(load(add({{"CacheType", "Chrome History"}, {"Status", "URL"}})).line("Status"), "");
+    EXPECT_EQ(load(add({{"CacheType", "Chrome Cookie"}, {"Status", "Expired"}})).line("Status"),
+              "Expired");
+    EXPECT_EQ(load(add({{"CacheType", "IE Cache"}, {"Status", "URL "}})).line("Status"),
+              "URL: an entry that is in use");
+}
+
+TEST_F(RecordCardTest, datesOfAnyAgeStandInTheZone) {
+    const RecordCard card = load(add({{"ActionDateUTC", daysOf({1996, 1, 2, 3, 4, 5})},
+                                      {"OtherDate", daysOf({1997, 1, 1, 0, 0, 0})},
+                                      {"OtherDateMeaning", "Last modified"}}));
+    EXPECT_EQ(card.line("Date"), "1996-01-02 03:04:05 UTC");
+    EXPECT_NE(card.line("Local date").find("1996-01-01 22:04:05"), std::string::npos);
+    EXPECT_NE(card.line("Local date").find("-0500 STD"), std::string::npos);
+    EXPECT_EQ(card.line("Last modified"), "1997-01-01 00:00:00 UTC");
+}
+
+TEST_F(RecordCardTest, whatWasSearchedForIsTold) {
+    EXPECT_EQ(
+        load(add({{"URL", "http://www.google.com/search?q=tide+tables"}})).line("Searched for"),
+        "tide tables");
+}
+
+TEST_F(RecordCardTest, anEmptyRowHasAKindAndNoDate) {
+    const RecordCard card = load(add({}));
+    EXPECT_EQ(card.title, "Record");
+    const std::vector<CardLine> lines = {{"Date", "The record has none"}, {"Kind", "Record"}};
+    EXPECT_EQ(card.lines, lines);
+    EXPECT_FALSE(loadCard(UrlId{999}, {db(), zone, dates, log}));
+}
+
+TEST_F(RecordCardTest, aProjectOfAnEarlierBuildHasACard) {
+    const std::int64_t id = add({{"URL", "http://h.example/"}, {"CacheType", "IE Cache"}});
+    for (const char *column : {"Browser", "Profile", "Person"})
+        db().exec(std::string("ALTER TABLE URLs DROP COLUMN ") + column);
+    db().exec("DROP TABLE RecordFacts");
+    EXPECT_EQ(load(id).line("Browser"), "Internet Explorer");
+    EXPECT_TRUE(log.entries.empty());
+}
+
+TEST_F(RecordCardTest, valuesOfAnyFormAreTaken) {
+    const RecordCard card = load(add({{"URL", std::int64_t{7}},
+                                      {"ActionDateUTC", std::string("soon")},
+                                      {"OtherDate", 1e300},
+                                      {"Visits", std::string("many")},
+                                      {"WebPageTitle", std::string("a\nb\xE2\x80\xAE")}}));
+    EXPECT_EQ(card.address, "7");
+    EXPECT_EQ(card.title, "a\nb\xE2\x80\xAE");
+    EXPECT_EQ(card.line("Date"), "The record has none");
+}
+
+} // namespace
+} // namespace nv
