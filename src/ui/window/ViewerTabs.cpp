@@ -29,8 +29,9 @@ QToolButton *newButton(const char *name, const QString &text, const QString &tip
 
 /// Two parts of the text's colour and one of the ground's: dim, and still easy to read.
 QColor dimColour(const QPalette &palette) {
-    const QColor text = palette.color(QPalette::WindowText);
-    const QColor ground = palette.color(QPalette::Window);
+    // Of a window that isn't locked, which it may be now.
+    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
+    const QColor ground = palette.color(QPalette::Active, QPalette::Window);
     const auto mixed = [](int more, int less) { return (more * 2 + less) / 3; };
     return {mixed(text.red(), ground.red()), mixed(text.green(), ground.green()),
             mixed(text.blue(), ground.blue())};
