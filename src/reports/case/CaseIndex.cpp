@@ -84,7 +84,11 @@ std::string safeCell(const std::string &text) {
 std::string zoneText(const ReportContext &ctx) {
     const TimeZone &zone = ctx.gmtZone;
     const std::string exact = exactZoneText(zone);
-    return exact.empty() ? fmt::format("{} ({})", zone.tzName, zone.tzBiasAsText) : exact;
+    if (!exact.empty())
+        return exact;
+    return zone.tzName == zone.tzBiasAsText
+               ? zone.tzName
+               : fmt::format("{} ({})", zone.tzName, zone.tzBiasAsText);
 }
 
 std::string entryRow(const TrailEntry &entry, Redactor &redactor) {
@@ -153,7 +157,8 @@ void CaseIndex::cover(std::ostream &file) {
 
 void CaseIndex::contents(std::ostream &file) {
     file << "<h2 id=\"contents\">What is in it</h2>\n<table class=\"plain\"><thead><tr><th "
-            "scope=\"col\">Part</th><th scope=\"col\">Rows</th><th scope=\"col\">Pages</th><th "
+            "scope=\"col\">Part</th><th class=\"num\" scope=\"col\">Rows</th><th class=\"num\" "
+            "scope=\"col\">Pages</th><th "
             "scope=\"col\">List</th></tr></thead>\n<tbody>\n";
     for (const CaseSection &section : m_frame.sections) {
         if (section.rows == 0)

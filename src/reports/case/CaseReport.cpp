@@ -6,6 +6,7 @@
 #include "base/Text.h"
 #include "base/TextRows.h"
 #include "base/Trap.h"
+#include "db/Savepoint.h"
 #include "db/SqliteErrors.h"
 #include "reports/ReportWriter.h"
 #include "reports/SortTable.h"
@@ -56,6 +57,7 @@ class CaseReport {
   private:
     void prepare();
     bool plan();
+    void dropLeftOut();
     std::uint8_t markOf(SQLite::Statement &row, std::int32_t id);
     void nameSections();
     bool writeTables();
@@ -144,7 +146,27 @@ bool CaseReport::plan() {
         row.tryReset();
         m_redactor.counts.rowsLeftOut += (m_marks.back() & leftOutMark) != 0 ? 1 : 0;
     }
+    if (m_redactor.counts.rowsLeftOut > 0)
+        dropLeftOut();
     return true;
+}
+
+/// Whoever tells how many rows were reported counts those of the table. Their order is known.
+void CaseReport::dropLeftOut() {
+    SQLite::Database &project = m_ctx.rebuild.project;
+    onProject([&] {
+        Savepoint whole(project);
+        project.exec("DELETE FROM URLSortTable");
+        SQLite::Statement add(project, "INSERT INTO URLSortTable (URL_ID) VALUES (?)");
+        for (std::size_t place = 0; place < m_ids.size(); ++place) {
+            if ((m_marks[place] & leftOutMark) != 0)
+                continue;
+            add.bind(1, m_ids[place]);
+            add.exec();
+            add.reset();
+        }
+        whole.release();
+    });
 }
 
 bool CaseReport::hasCard(std::size_t place) const {

@@ -112,7 +112,7 @@ tr,dl>*,.card,svg,.note{break-inside:avoid}
 h2,h3{break-after:avoid}
 .chunk,.card{content-visibility:visible}
 .cover{break-after:page}
-.w1{width:3.6rem}.w2{width:8.4rem}.w3{width:6.4rem}.w5{width:6.4rem}.w6{width:2.8rem}
+.w1{width:3.6rem}.w2{width:8.4rem}.w3{width:6.4rem}.w5{width:6.4rem}.w6{width:3.4rem}
 }
 )css";
 

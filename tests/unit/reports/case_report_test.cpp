@@ -211,6 +211,7 @@ TEST_F(CaseReportTest, rowsOfAHostAndAPersonAreLeftOut) {
     EXPECT_EQ(filesWith("tide.example"), 0u);
     EXPECT_EQ(filesWith("TIDE.example"), 0u);
     EXPECT_EQ(filesWith("third.example"), 0u);
+    EXPECT_EQ(rowsReported(project.connection()), 1);
     EXPECT_THAT(file("history.csv"), HasSubstr("http://other.example/?from=www.[redacted]"));
 }
 
