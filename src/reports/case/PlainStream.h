@@ -10,7 +10,8 @@ namespace nv {
 
 /// A text in one case without its codings, and the way back to the bytes that each letter was
 /// written with. Percent codes, character references of HTML and the escapes of styles and scripts
-/// are undone once; blanks of all kinds, one or many, are one, and what has no width is passed over.
+/// are undone once; blanks of all
+/// kinds, one or many, are one, and what has no width is passed over.
 struct PlainStream {
     enum class Codes { undo, keep };
     explicit PlainStream(std::string_view text, Codes codes = Codes::undo);

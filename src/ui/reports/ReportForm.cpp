@@ -286,11 +286,13 @@ void ReportForm::followType() {
     for (QWidget *widget : std::initializer_list<QWidget *>{m_dataSource, m_user, m_width})
         widget->setEnabled(!graphical && !ofCase);
     m_contents->setCurrentIndex(ofCase ? 1 : 0);
+    previewLogo();
 }
 
 void ReportForm::previewLogo() {
     if (m_logo->text().isEmpty())
-        return m_logoPreview->setText(tr("The program's logo is shown."));
+        return m_logoPreview->setText(type() == kCaseType ? tr("No logo is shown.")
+                                                          : tr("The program's logo is shown."));
     QImageReader reader(m_logo->text());
     reader.setDecideFormatFromContent(true);
     if (const QSize size = reader.size(); size.isValid())
