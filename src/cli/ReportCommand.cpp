@@ -3,12 +3,12 @@
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "cli/ChosenFilters.h"
 #include "cli/Commands.h"
 #include "cli/HandOver.h"
-#include "cli/LoadedTable.h"
-#include "cli/NamedTagRows.h"
 #include "cli/OutputPath.h"
+#include "cli/ReportedRows.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "reports/PictureKind.h"
@@ -16,6 +16,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
 
 namespace nv::cli {
@@ -28,16 +29,14 @@ namespace {
 struct Arguments {
     std::string project;
     std::string out; ///< folder that becomes the report
-    RowsAsked rows;
-    std::string tag;                 ///< the name of one; empty for all rows
-    std::optional<std::string> type; ///< graphical or tabular
+    ReportedRows rows;
+    std::optional<std::string> type;
     std::optional<std::string> title;
     std::optional<std::string> caseNumber;
     std::optional<std::string> organization;
     std::optional<std::string> reportedBy;
     std::optional<std::string> logo;
     std::string thumbnail; ///< shown where there is no picture
-    bool tagged = false;
     bool all = false;
     std::optional<bool> notes;
     std::optional<bool> audit;
@@ -53,7 +52,17 @@ struct Arguments {
     bool descending = false;
     bool overwrite = false;
     int urlWidth = 0;
+    // Of a report of a case.
+    std::optional<CaseCards> cards;
+    std::optional<bool> timeline;
+    std::optional<bool> evidence;
+    std::vector<std::string> leaveOut;
+    std::vector<std::string> blur;
+    bool noRedactions = false; ///< those that the project keeps don't hold
+    bool remember = false;
 };
+
+const std::vector<std::string> kTypes = {"graphical", "tabular", "case"};
 
 constexpr double kMaking = 0.9; ///< of the whole work
 
@@ -78,14 +87,19 @@ void checkPicture(const char *option, const std::string &path) {
                                      option, path));
 }
 
-/// Nothing when it was cancelled.
-std::optional<RowIds> rowsOf(Session &session, const Arguments &arguments) {
-    Program &program = session.program;
-    UrlTable table(program.state.projectDB.connection(), program.log, program.state.gmtZone);
-    limitToTag(session, arguments.tag, table);
-    if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Cancelled)
-        return std::nullopt;
-    return table.ids();
+constexpr std::string_view kProcedure = "ReportForm.OkBtn_Click()";
+
+RedactionRules redactionsAsked(Session &session, const Arguments &arguments) {
+    RedactionRules rules;
+    const auto fault = failureOf(session.program.log, kProcedure, [&] {
+        for (const std::string &each : arguments.leaveOut)
+            rules.push_back(redactionRule(RedactionWay::leaveOut, each));
+        for (const std::string &each : arguments.blur)
+            rules.push_back(redactionRule(RedactionWay::blur, each));
+    });
+    if (fault)
+        throw UsageError(*fault);
+    return rules;
 }
 
 template <class Value>
@@ -96,8 +110,9 @@ void take(const std::optional<Value> &said, Value &option) {
 
 void setOptions(ReportWriter &report, const Arguments &arguments) {
     if (arguments.type)
-        report.reportType = *arguments.type == "graphical" ? 0 : 1;
-    report.includeAll = !arguments.tagged;
+        report.reportType =
+            static_cast<int>(std::ranges::find(kTypes, *arguments.type) - kTypes.begin());
+    report.includeAll = !arguments.rows.tagged;
     take(arguments.title, report.reportTitle);
     take(arguments.caseNumber, report.caseNumber);
     take(arguments.organization, report.organization);
@@ -121,6 +136,28 @@ void setOptions(ReportWriter &report, const Arguments &arguments) {
     report.urlColWidth = arguments.urlWidth;
 }
 
+/// What nobody redacts is handed over: so a classic report, which shows all, says no to these.
+void setCaseOptions(Session &session, ReportWriter &report, const Arguments &arguments) {
+    CaseOptions &options = report.caseOptions;
+    take(arguments.cards, options.cards);
+    take(arguments.timeline, options.timeline);
+    take(arguments.evidence, options.evidence);
+    if (arguments.noRedactions)
+        options.redactions.clear();
+    const RedactionRules asked = redactionsAsked(session, arguments);
+    if (report.reportType != kCaseType && !asked.empty())
+        throw UsageError("--leave-out and --blur hold for --type case: the other types show all");
+    if (report.reportType == kCaseType && arguments.origins.value_or(false))
+        throw UsageError("--origins tells values as they lie, which nobody redacts: it doesn't "
+                         "hold for --type case");
+    if (report.reportType != kCaseType && !options.redactions.empty())
+        session.err << "the redactions that the project keeps hold for --type case alone\n";
+    options.redactions.insert(options.redactions.end(), asked.begin(), asked.end());
+    if (options.redactions.size() > kMostRedactions)
+        throw UsageError(fmt::format("at most {} redactions were expected", kMostRedactions));
+    options.content = contentText(arguments.rows);
+}
+
 /// What a report came to.
 struct Made {
     fs::path index;
@@ -134,7 +171,14 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
     SubTask making(session.task, 0, kMaking);
     ReportTools tools(session.program, making, session.scratch());
     readReportOptions(session.program.settings, tools.report);
+    const auto fault = failureOf(session.program.log, kProcedure,
+                                 [&] { readProjectReportOptions(session.program, tools.report); });
+    if (fault)
+        throw StorageFailure(fmt::format("the redactions that the project keeps: {}", *fault));
     setOptions(tools.report, arguments);
+    setCaseOptions(session, tools.report, arguments);
+    if (arguments.remember && !writeProjectReportOptions(session.program, tools.report))
+        session.err << "the choices could not be kept with the project\n";
     const bool finished = tools.run(ids);
     if (!finished && !tools.report.cancel)
         throw StorageFailure(fmt::format("the report could not be made; see \"{}\"",
@@ -146,11 +190,12 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
     fs::create_directories(arguments.out);
     removePublished(arguments.out);
     SubTask publishing(session.task, kMaking, 1);
-    const Published published = publishReport(ReportFolder(session.scratch()),
-                                              tools.report.reportType, arguments.out, publishing);
+    const int type = tools.report.reportType;
+    const Published published =
+        publishReport(ReportFolder::of(session.scratch(), type), type, arguments.out, publishing);
     if (published.cancelled)
         return std::nullopt;
-    const fs::path index = ReportFolder::at(arguments.out).index(tools.report.reportType);
+    const fs::path index = ReportFolder::at(arguments.out).index(type);
     notePublish(session.program, index, published);
     return Made{index, published.files, rowsReported(session.program.state.projectDB.connection()),
                 tools.report.recordsFailed + tools.report.filesFailed +
@@ -158,16 +203,18 @@ std::optional<Made> make(Session &session, const Arguments &arguments, const Row
 }
 
 Exit run(Session &session, const Arguments &arguments) {
-    if (arguments.all && arguments.tagged)
+    if (arguments.all && arguments.rows.tagged)
         throw UsageError("either --all or --tagged was expected");
-    session.program.state.filters = filtersFrom(arguments.rows.filter);
+    checkReportedRows(arguments.rows);
+    redactionsAsked(session, arguments);
+    session.program.state.filters = filtersFrom(arguments.rows.rows.filter);
     session.openForNote(arguments.project);
     Program &program = session.program;
     checkTarget(arguments, program.state);
     checkPicture("--logo", arguments.logo.value_or(""));
     checkPicture("--thumbnail", arguments.thumbnail);
     program.state.wideRecordIds |= arguments.wideIds;
-    const auto ids = rowsOf(session, arguments);
+    const auto ids = idsOf(session, arguments.rows);
     const auto made = ids ? make(session, arguments, *ids) : std::nullopt;
     session.task.clear();
     if (made)
@@ -182,50 +229,77 @@ Exit run(Session &session, const Arguments &arguments) {
 
 } // namespace
 
+namespace {
+
+std::vector<Argument> classicOptions(Arguments &given) {
+    return {flag("--notes,!--no-notes", given.notes, "Notes of rows"),
+            flag("--audit,!--no-audit", given.audit, "Replaced references of pages"),
+            flag("--links,!--no-links", given.links, "Visited links of pages"),
+            flag("--time-rebuilt,!--no-time-rebuilt", given.timeRebuilt, "When a page was rebuilt"),
+            flag("--data-source,!--no-data-source", given.dataSource, "Column of a tabular report"),
+            flag("--user,!--no-user", given.user, "Column of a tabular report"),
+            flag("--trail,!--no-trail", given.trail, "What was done with the case"),
+            flag("--origins,!--no-origins", given.origins,
+                 "Where the values of rows with the tick come from"),
+            value("--url-width", given.urlWidth, "Width of the URL column in pixels").from1(),
+            flag("--no-scripts", given.noScripts, "Changes nothing: no script leaves with a page"),
+            flag("--wide-ids", given.wideIds, "Parts of pages may have ids above 32767")};
+}
+
+std::vector<Argument> caseOptions(Arguments &given) {
+    return {
+        choice<CaseCards>(
+            "--cards", given.cards,
+            {{"ticked", CaseCards::ticked}, {"all", CaseCards::all}, {"none", CaseCards::none}},
+            "Of a case report: rows that have a card with their content"),
+        flag("--timeline,!--no-timeline", given.timeline, "Of a case report: the picture of time"),
+        flag("--evidence,!--no-evidence", given.evidence,
+             "Of a case report: the files of evidence with their hashes"),
+        value("--leave-out", given.leaveOut,
+              "Of a case report: leave out host=NAME, person=NAME, value=TEXT, picture=ROW"),
+        value("--blur", given.blur, "The same, but what stands there is made unreadable"),
+        flag("--no-redactions", given.noRedactions,
+             "Without the redactions that the project keeps"),
+        flag("--remember", given.remember, "Keep these choices with the project")};
+}
+
+std::vector<Argument> allOptions(Arguments &given) {
+    std::vector<Argument> all = {
+        projectWord(given.project),
+        value("--type", given.type,
+              "graphical (a card a row), tabular (a line a row) or case (cover, cards, tables)")
+            .oneOf(kTypes),
+        value("--out", given.out, "Folder that becomes the report").required(),
+        flag("--overwrite", given.overwrite, "Replace the report in a folder"),
+        flag("--all", given.all, "All rows of the query (this is the default)"),
+        flag("--descending", given.descending, "Newest rows first"),
+        value("--title", given.title, "Title of the report"),
+        value("--case-number", given.caseNumber, "Case number"),
+        value("--organization", given.organization, "Organization"),
+        value("--reported-by", given.reportedBy, "Who prepared the report"),
+        value("--logo", given.logo, "Picture in the head of the report"),
+        value("--thumbnail", given.thumbnail, "Picture where a row has none"),
+        flag("--no-header", given.noHeader, "Leave the head out")};
+    for (auto &&part : {reportedRowsOptions(given.rows), classicOptions(given), caseOptions(given)})
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+} // namespace
+
 Command reportCommand() {
     const auto given = std::make_shared<Arguments>();
     return {.name = "report",
             .what = "Write a report of rows as a folder of pages and pictures",
             .readme = {"`report PROJECT --type KIND --out FOLDER`",
-                       "writes a graphical or tabular report to hand over"},
+                       "writes a graphical, tabular or case report to hand over; `--search`, "
+                       "`--from`, `--leave-out`, `--blur`"},
             .examples =
                 {{"report case.nvp --type graphical --tagged --out report", "to be handed over"},
-                 {"report case.nvp --type tabular --query \"TOP 25 URLs\" --out top --trail", ""}},
-            .arguments =
-                {projectWord(given->project),
-                 value("--type", given->type, "graphical (a card a row) or tabular (a line a row)")
-                     .oneOf({"graphical", "tabular"}),
-                 value("--out", given->out, "Folder that becomes the report").required(),
-                 flag("--overwrite", given->overwrite, "Replace the report in a folder"),
-                 flag("--all", given->all, "All rows of the query (this is the default)"),
-                 flag("--tagged", given->tagged, "Only rows with the tick"),
-                 tagOption(given->tag),
-                 queryOption(given->rows),
-                 hostOption(given->rows),
-                 filterOption(given->rows),
-                 flag("--descending", given->descending, "Newest rows first"),
-                 value("--title", given->title, "Title of the report"),
-                 value("--case-number", given->caseNumber, "Case number"),
-                 value("--organization", given->organization, "Organization"),
-                 value("--reported-by", given->reportedBy, "Who prepared the report"),
-                 value("--logo", given->logo, "Picture in the head of the report"),
-                 value("--thumbnail", given->thumbnail, "Picture where a row has none"),
-                 flag("--no-header", given->noHeader, "Leave the head out"),
-                 flag("--notes,!--no-notes", given->notes, "Notes of rows"),
-                 flag("--audit,!--no-audit", given->audit, "Replaced references of pages"),
-                 flag("--links,!--no-links", given->links, "Visited links of pages"),
-                 flag("--time-rebuilt,!--no-time-rebuilt", given->timeRebuilt,
-                      "When a page was rebuilt"),
-                 flag("--data-source,!--no-data-source", given->dataSource,
-                      "Column of a tabular report"),
-                 flag("--user,!--no-user", given->user, "Column of a tabular report"),
-                 flag("--trail,!--no-trail", given->trail, "What was done with the case"),
-                 flag("--origins,!--no-origins", given->origins,
-                      "Where the values of rows with the tick come from"),
-                 value("--url-width", given->urlWidth, "Width of the URL column in pixels").from1(),
-                 flag("--no-scripts", given->noScripts,
-                      "Changes nothing: no script leaves with a page"),
-                 flag("--wide-ids", given->wideIds, "Parts of pages may have ids above 32767")},
+                 {"report case.nvp --type tabular --query \"TOP 25 URLs\" --out top --trail", ""},
+                 {"report case.nvp --type case --from 2011-03-01 --blur person=mara --out handover",
+                  "without a name"}},
+            .arguments = allOptions(*given),
             .run = [given](Session &session) { return run(session, *given); }};
 }
 

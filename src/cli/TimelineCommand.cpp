@@ -3,6 +3,7 @@
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "cli/AskedSpan.h"
 #include "cli/ChosenFilters.h"
 #include "cli/Commands.h"
 #include "cli/LoadedTable.h"
@@ -10,7 +11,6 @@
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "cli/TimelineJson.h"
-#include "db/Dialect.h"
 #include "reports/ExportFile.h"
 #include "time/ExactZone.h"
 #include "views/TimelineChart.h"
@@ -48,30 +48,12 @@ constexpr int kHeightWithHours = 900;
 constexpr std::size_t kMostBars = 1568; ///< of the picture: one a pixel
 constexpr std::size_t kMostLabels = 12;
 
-/// A date by the zone's clock, as seconds. Throws UsageError.
-std::int64_t secondOf(const std::string &text, std::string_view option) {
-    const auto date = parseDateLiteral(text);
-    if (!date)
-        throw UsageError(fmt::format("{} {}: a date was expected, such as 2011-03-01 or "
-                                     "\"2011-03-01 19:30\"",
-                                     option, text));
-    return date->unixSeconds();
-}
-
-/// A day, hour or minute that is named by `--to` belongs to the span.
-std::int64_t endOf(const std::string &text) {
-    const std::int64_t second = secondOf(text, "--to");
-    const bool hasTime = text.find(':') != std::string::npos;
-    const TimeUnit unit = hasTime ? TimeUnit::minute : TimeUnit::day;
-    return startOf(slotOf(second, unit) + 1, unit);
-}
-
 TimeSpan spanAsked(const Arguments &arguments, const TimedEvents &events) {
     TimeSpan span = wholeSpan(events);
     if (!arguments.from.empty())
-        span.begin = std::max(span.begin, secondOf(arguments.from, "--from"));
+        span.begin = std::max(span.begin, secondAsked(arguments.from, "--from"));
     if (!arguments.to.empty())
-        span.end = std::min(span.end, endOf(arguments.to));
+        span.end = std::min(span.end, endAsked(arguments.to, "--to"));
     return span;
 }
 
@@ -84,9 +66,9 @@ void checkArguments(const Arguments &arguments) {
         throw UsageError("--gaps takes a number of days from 1 on, and neither --hours nor a "
                          "picture");
     if (!arguments.from.empty())
-        secondOf(arguments.from, "--from");
+        secondAsked(arguments.from, "--from");
     if (!arguments.to.empty())
-        endOf(arguments.to);
+        endAsked(arguments.to, "--to");
 }
 
 void checkTarget(const Arguments &arguments, ProgramState &state) {

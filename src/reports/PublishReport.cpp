@@ -2,9 +2,11 @@
 
 #include "base/Files.h"
 #include "base/Text.h"
+#include "reports/case/CaseReport.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -23,8 +25,20 @@ void addFolder(std::vector<fs::path> &files, const fs::path &folder) {
             files.push_back(entry.path());
 }
 
+/// A report of a case has its folder for itself. Its list of files comes before its first page.
+std::vector<fs::path> filesOfCase(const ReportFolder &report) {
+    std::vector<fs::path> files;
+    for (const fs::directory_entry &entry : fs::recursive_directory_iterator(report.path))
+        if (entry.is_regular_file() && entry.path() != report.index(kCaseType))
+            files.push_back(entry.path());
+    files.push_back(report.index(kCaseType));
+    return files;
+}
+
 /// The page comes last: whoever finds it, even after a power cut, finds all that it shows.
 std::vector<fs::path> filesOf(const ReportFolder &report, int reportType) {
+    if (reportType == kCaseType)
+        return filesOfCase(report);
     std::vector<fs::path> files;
     addFolder(files, report.images());
     if (reportType == 0) {
@@ -50,7 +64,7 @@ void show(std::size_t n, std::size_t total, const fs::path &file, TaskMonitor &t
 }
 
 /// A folder of this name that is a link would lead the copies elsewhere, perhaps into evidence.
-void makeFolder(const fs::path &folder) {
+void makeOwnFolder(const fs::path &folder) {
     if (fs::is_symlink(fs::symlink_status(folder)))
         throw std::runtime_error(fmt::format(
             "\"{}\" is a link to another place: nothing is written there", textOf(folder)));
@@ -90,9 +104,43 @@ class HalfPublished {
     bool m_isWhole = false;
 };
 
+/// A name that such a report gives: letters, digits and marks, in its folder or one below it.
+bool isNameOfCase(std::string_view name) {
+    constexpr std::string_view kMarks = "-_~.";
+    const auto isPlain = [&](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+               kMarks.find(c) != std::string_view::npos;
+    };
+    const auto parts = split(name, '/');
+    return parts.size() <= 2 && std::ranges::all_of(parts, [&](std::string_view part) {
+               return !part.empty() && part.front() != '.' && std::ranges::all_of(part, isPlain);
+           });
+}
+
+/// Of the files that its list names those that are plain ones: the list came from somewhere, too.
+void removeCase(const ReportFolder &old) {
+    const fs::path list = old.path / kReportFiles;
+    const Bytes names = readWhole(list);
+    const fs::path index = old.index(kCaseType);
+    fs::remove(index); // first: what is left is no report any more
+    std::error_code none;
+    for (const std::string_view line : split(ByteView(names).raw(), '\n')) {
+        const std::string_view name = line.substr(0, line.find(','));
+        const fs::path file = old.path / name;
+        if (!isNameOfCase(name) || fs::is_symlink(fs::symlink_status(file.parent_path(), none)) ||
+            !fs::is_regular_file(fs::symlink_status(file, none)))
+            continue;
+        fs::remove(file, none);
+        if (file.parent_path() != old.path)
+            fs::remove(file.parent_path(), none); // when it is empty now
+    }
+    fs::remove(list, none);
+}
+
 } // namespace
 
 void removePublished(const fs::path &target) {
+    removePublished(target, kCaseType);
     const ReportFolder old = ReportFolder::at(target);
     if (!isReportThere(old, 0) && !isReportThere(old, 1))
         return;
@@ -102,13 +150,17 @@ void removePublished(const fs::path &target) {
 }
 
 bool isReportThere(const ReportFolder &report, int reportType) {
-    return fs::is_regular_file(report.index(reportType));
+    // Many a folder has a page "index.htm" that isn't ours to remove.
+    return fs::is_regular_file(report.index(reportType)) &&
+           (reportType != kCaseType || fs::is_regular_file(report.path / kReportFiles));
 }
 
 void removePublished(const fs::path &target, int reportType) {
     const ReportFolder old = ReportFolder::at(target);
     if (!isReportThere(old, reportType))
         return;
+    if (reportType == kCaseType)
+        return removeCase(old);
     fs::remove(old.index(reportType));
     if (reportType != 0)
         return;
@@ -119,10 +171,16 @@ void removePublished(const fs::path &target, int reportType) {
 Published publishReport(const ReportFolder &report, int reportType, const fs::path &target,
                         TaskMonitor &task) {
     task.describe({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""});
+    const fs::path index = ReportFolder::at(target).index(reportType);
+    if (reportType == kCaseType && fs::exists(fs::symlink_status(index)) &&
+        !isReportThere(ReportFolder::at(target), kCaseType))
+        throw std::runtime_error(
+            fmt::format("\"{}\" is no report's page: it isn't replaced, and nothing was written",
+                        textOf(index)));
     const auto files = filesOf(report, reportType);
     Published published;
     HalfPublished half(target);
-    fs::remove(ReportFolder::at(target).index(reportType)); // that of an earlier report
+    fs::remove(index); // that of an earlier report
     for (const fs::path &file : files) {
         show(published.files + 1, files.size(), file, task);
         if (!task.advance(static_cast<double>(published.files) /
@@ -133,7 +191,7 @@ Published publishReport(const ReportFolder &report, int reportType, const fs::pa
         const fs::path copy = target / file.lexically_relative(report.path);
         half.expect(copy);
         if (copy.parent_path() != target)
-            makeFolder(copy.parent_path());
+            makeOwnFolder(copy.parent_path());
         copyToScratch(file, copy);
         ++published.files;
     }

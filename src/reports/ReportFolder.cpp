@@ -40,6 +40,16 @@ ReportFolder ReportFolder::at(const fs::path &place) {
     return folder;
 }
 
+ReportFolder ReportFolder::of(const fs::path &parent, int reportType) {
+    return reportType == kCaseType ? at(parent / "CaseReport") : ReportFolder(parent);
+}
+
+fs::path ReportFolder::index(int reportType) const {
+    return path / (reportType == kCaseType        ? "index.htm"
+                   : reportType == kGraphicalType ? "index-cache.htm"
+                                                  : "index-history.htm");
+}
+
 void ReportFolder::removeRowFolders() const {
     if (!fs::is_directory(path))
         return;

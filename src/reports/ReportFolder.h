@@ -8,6 +8,11 @@
 
 namespace nv {
 
+// Types of reports, as settings and folders number them.
+inline constexpr int kGraphicalType = 0;
+inline constexpr int kTabularType = 1;
+inline constexpr int kCaseType = 2; ///< see reports/case
+
 /// Names a row's files in reports by the digits of its key, seven at least. Names of rebuilt pages
 /// are cut to seven; in a report two rows would then show the files of one.
 std::string rowNameOf(UrlId id);
@@ -17,6 +22,8 @@ struct ReportFolder {
     explicit ReportFolder(const std::filesystem::path &parent) : path(parent / "Report") {}
     /// A report that lies elsewhere, such as a published one.
     static ReportFolder at(const std::filesystem::path &place);
+    /// That of a type: a report of a case lies in a folder that holds nothing else.
+    static ReportFolder of(const std::filesystem::path &parent, int reportType);
 
     std::filesystem::path path;
 
@@ -25,10 +32,8 @@ struct ReportFolder {
     std::filesystem::path copied() const { return path / "~index"; }
     /// Names the folders of the rows of a graphical report, one a line.
     std::filesystem::path rowFolders() const { return path / "~rptids"; }
-    /// The finished page; `reportType` 0 is graphical.
-    std::filesystem::path index(int reportType) const {
-        return path / (reportType == 0 ? "index-cache.htm" : "index-history.htm");
-    }
+    /// The finished page.
+    std::filesystem::path index(int reportType) const;
     std::filesystem::path images() const { return path / "images"; }
     std::filesystem::path pictures() const { return path / "pictures"; }
 

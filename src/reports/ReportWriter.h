@@ -4,6 +4,7 @@
 #include "reports/ReportContext.h"
 #include "reports/ReportFolder.h"
 #include "reports/ReportTitle.h"
+#include "reports/case/CaseOptions.h"
 #include "views/IdLoader.h"
 #include "views/UnreadRows.h"
 
@@ -42,7 +43,7 @@ class ReportWriter {
     std::string status;
     std::string otherDate;
     bool includeAll = true; ///< all rows of the view, else the ticked ones
-    int reportType = 0;     ///< 0 graphical, else tabular
+    int reportType = 0;     ///< of ReportFolder.h
     std::string browser;
     bool skipHeader = false;
     std::string caseNumber;
@@ -69,6 +70,7 @@ class ReportWriter {
     std::string pageTitle;
     bool includeCaseTrail = false;   ///< what was done with the project, after the legend
     bool includeOrigins = false;     ///< where values of rows with the tick come from, after that
+    CaseOptions caseOptions;         ///< of a report of a case
     std::size_t recordsFailed = 0;   ///< entries that only say so
     UnreadRows failedRows;           ///< which ones
     std::size_t filesFailed = 0;     ///< cards without a cached file that could not be read

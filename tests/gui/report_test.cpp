@@ -1,7 +1,9 @@
 #include "base/Files.h"
 #include "gui/CachedSite.h"
 #include "platform/qt/PageGuard.h"
+#include "ui/reports/RedactionForm.h"
 #include "ui/reports/ReportForm.h"
+#include "ui/reports/ReportPreview.h"
 #include "ui/views/BrowserPane.h"
 #include "ui/views/TableTab.h"
 
@@ -10,6 +12,7 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabWidget>
@@ -42,6 +45,9 @@ class ReportTest : public QObject {
     void withoutAReportThereIsNothingToPublish();
     void nothingIsPublishedIntoTheEvidence();
     void aCancelLeavesNoReport();
+    void aCaseReportIsMadeAndPublishedInOne();
+    void redactionsThatCantBeReadAreToldOf();
+    void theNextCaseBeginsWithoutTheNumberOfThis();
 
   private:
     fs::path report() { return m_desk->program.state.tempFolderPath / "Report"; }
@@ -249,6 +255,78 @@ void ReportTest::nothingIsPublishedIntoTheEvidence() {
     trigger(*m_form, "actPublishReport");
     QVERIFY(!fs::exists(target / "index-history.htm"));
     QCOMPARE(m_desk->examiner.heard.back(), std::string("command-failed"));
+}
+
+void ReportTest::aCaseReportIsMadeAndPublishedInOne() {
+    const fs::path target = m_desk->folder.path() / "published";
+    fs::create_directories(target);
+    m_desk->dialogs.answer = target;
+    whenShown<ReportForm>([](ReportForm &form) {
+        child<QComboBox>(form, "cbReportType").setCurrentIndex(3);
+        QVERIFY(child<QComboBox>(form, "cbCards").isVisible());
+        QVERIFY(!child<QCheckBox>(form, "chkIncludeAudit").isVisible());
+        child<QComboBox>(form, "cbCards").setCurrentIndex(1);
+        QTest::mouseClick(&child<QPushButton>(form, "btnCreateAndPublish"), Qt::LeftButton);
+    });
+    trigger(*m_form, "actCreateReport");
+    QCOMPARE(m_desk->examiner.heard.back(), std::string("report-published"));
+    QVERIFY(fs::exists(target / "index.htm"));
+    QVERIFY(fs::exists(target / "cards-1.htm"));
+    const std::string text(ByteView(readWhole(target / "index.htm")).raw());
+    QVERIFY(text.find("the rows of the table") != std::string::npos);
+    // The pane shows it, and large on request.
+    whenShown<ReportPreview>([](ReportPreview &preview) {
+        QTRY_VERIFY(child<QLineEdit>(child<BrowserPane>(preview, "PreviewBrowser"), "txtLocation")
+                        .text()
+                        .endsWith(QStringLiteral("index.htm")));
+        preview.reject();
+    });
+    QTest::mouseClick(&child<QPushButton>(*m_form, "btnReportLarge"), Qt::LeftButton);
+}
+
+void ReportTest::redactionsThatCantBeReadAreToldOf() {
+    make(3, [](ReportForm &form) {
+        whenShown<RedactionForm>([](RedactionForm &redactions) {
+            auto &lines = child<QPlainTextEdit>(redactions, "txtRedactions");
+            lines.setPlainText(QStringLiteral("hide everything"));
+            redactions.accept();
+            QVERIFY(redactions.isVisible());
+            QVERIFY(child<QLabel>(redactions, "labRedactionFault")
+                        .text()
+                        .contains(QStringLiteral("hide everything")));
+            lines.setPlainText(QStringLiteral("blur value=a.example"));
+            redactions.accept();
+        });
+        QTest::mouseClick(&child<QPushButton>(form, "btnRedact"), Qt::LeftButton);
+        QVERIFY(child<QPushButton>(form, "btnRedact").text().contains(QStringLiteral("(1)")));
+    });
+    const fs::path made = m_desk->program.state.tempFolderPath / "CaseReport";
+    for (const auto &entry : fs::recursive_directory_iterator(made))
+        if (entry.is_regular_file())
+            QVERIFY(!ByteView(readWhole(entry.path())).find("a.example"));
+}
+
+void ReportTest::theNextCaseBeginsWithoutTheNumberOfThis() {
+    make(2, [](ReportForm &form) {
+        child<QLineEdit>(form, "txtCaseNumber").setText(QStringLiteral("2011/17"));
+        child<QLineEdit>(form, "txtReportedBy").setText(QStringLiteral("M. Quill"));
+    });
+    const auto open = [this](const char *name, const char *action) {
+        m_desk->dialogs.answer = m_desk->folder.path() / name;
+        trigger(*m_form, action);
+    };
+    const auto expect = [this](const QString &number, const QString &person) {
+        whenShown<ReportForm>([number, person](ReportForm &form) {
+            QCOMPARE(child<QLineEdit>(form, "txtCaseNumber").text(), number);
+            QCOMPARE(child<QLineEdit>(form, "txtReportedBy").text(), person);
+            press(form, QDialogButtonBox::Cancel);
+        });
+        trigger(*m_form, "actCreateReport");
+    };
+    open("other.nvp", "actNew");
+    expect({}, {});
+    open("case.nvp", "actOpen");
+    expect(QStringLiteral("2011/17"), QStringLiteral("M. Quill"));
 }
 
 void ReportTest::aCancelLeavesNoReport() {

@@ -5,6 +5,10 @@
 #include "app/project/Project.h"
 #include "app/settings/Settings.h"
 #include "base/Files.h"
+#include "base/Trap.h"
+#include "db/ProjectFields.h"
+#include "db/ReadOnlyConnection.h"
+#include "reports/case/CaseReport.h"
 
 #include <fmt/format.h>
 
@@ -68,13 +72,15 @@ ReportTools::ReportTools(Program &program, TaskMonitor &task, const std::filesys
 bool ReportTools::run(std::span<const std::int32_t> ids) {
     const ReportRows rows = report.includeAll ? ReportRows::all : ReportRows::tagged;
     const RebuildContext &ctx = m_context.rebuild;
-    const ReportFolder folder(m_folder);
+    const ReportFolder folder = ReportFolder::of(m_folder, report.reportType);
     // Nothing of an earlier report may be taken for this one, wherever it stops.
     std::filesystem::remove(folder.index(report.reportType));
     report.cancel = fillSortTable(ctx.project, ids, rows, ctx.task) == Walk::Cancelled;
     if (report.cancel)
         return false;
-    if (report.reportType == 0)
+    if (report.reportType == kCaseType)
+        createCaseReport(report, m_context, m_folder);
+    else if (report.reportType == kGraphicalType)
         report.createGraphicalReport(m_folder);
     else
         report.createTabularReport(m_folder);
@@ -82,6 +88,66 @@ bool ReportTools::run(std::span<const std::int32_t> ids) {
         return false;
     noteReport(m_program, report, rowsReported(ctx.project));
     return true;
+}
+
+namespace {
+
+/// What belongs to one case only, and its name in the project.
+struct KeptWithProject {
+    const char *name;
+    std::string ReportWriter::*text;
+};
+constexpr std::array<KeptWithProject, 3> kOfProject = {{
+    {"ReportCaseNumber", &ReportWriter::caseNumber},
+    {"ReportReportedBy", &ReportWriter::reportedBy},
+    {"ReportReportTitle", &ReportWriter::reportTitle},
+}};
+constexpr const char *kRedactionsName = "ReportRedactions";
+constexpr const char *kCardsName = "ReportCards";
+constexpr const char *kTimelineName = "ReportTimeline";
+constexpr const char *kEvidenceName = "ReportEvidence";
+/// There once the options were kept, so that an empty text isn't taken for none.
+constexpr const char *kKeptName = "ReportOptionsKept";
+
+} // namespace
+
+bool readProjectReportOptions(Program &program, ReportWriter &report) {
+    const ProjectFields fields(program.state.projectDB.connection(), program.log);
+    if (fields.getDefault(kKeptName).empty())
+        return false;
+    for (const KeptWithProject &kept : kOfProject)
+        report.*kept.text = fields.getDefault(kept.name);
+    CaseOptions &options = report.caseOptions;
+    options.timeline = fields.getDefault(kTimelineName) != "False";
+    options.evidence = fields.getDefault(kEvidenceName) != "False";
+    const std::string cards = fields.getDefault(kCardsName);
+    options.cards = cards == "all"    ? CaseCards::all
+                    : cards == "none" ? CaseCards::none
+                                      : CaseCards::ticked;
+    // Lines that can't be read must not make a report without them.
+    options.redactions = redactionRules(fields.getDefault(kRedactionsName));
+    return true;
+}
+
+bool writeProjectReportOptions(Program &program, const ReportWriter &report) {
+    if (isReadOnly(program.state.projectDB.connection()))
+        return true;
+    ProjectFields fields(program.state.projectDB.connection(), program.log);
+    bool isWritten = true;
+    const auto keep = [&](const char *name, const std::string &text) {
+        isWritten = fields.saveDefaultSetting(name, text) && isWritten;
+    };
+    for (const KeptWithProject &kept : kOfProject)
+        keep(kept.name, report.*kept.text);
+    const CaseOptions &options = report.caseOptions;
+    keep(kTimelineName, options.timeline ? "True" : "False");
+    keep(kEvidenceName, options.evidence ? "True" : "False");
+    keep(kCardsName, options.cards == CaseCards::all    ? "all"
+                     : options.cards == CaseCards::none ? "none"
+                                                        : "ticked");
+    keep(kRedactionsName, linesOf(options.redactions));
+    keep(kKeptName, "True");
+    return isWritten;
 }
 
 void readReportOptions(const IniFile &settings, ReportWriter &report) {
@@ -98,8 +164,7 @@ bool writeReportOptions(const ReportWriter &report, IniFile &settings) {
     // That of the last one stands: a write that succeeds brings those that failed before.
     bool isWritten = true;
     const auto note = [&isWritten](bool done) { isWritten = done; };
-    for (const KeptText &kept : kTexts)
-        note(writeText(settings, kept.key, report.*kept.text));
+    note(writeText(settings, "Organization", report.organization));
     for (const KeptFlag &kept : kFlags)
         note(writeFlag(settings, kept.key, report.*kept.flag));
     note(writeFlag(settings, "UseDefaultThumbnailPath", report.useDefaultThumbnailPath));

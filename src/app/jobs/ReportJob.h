@@ -33,7 +33,16 @@ class ReportTools {
     ReportWriter report;
 };
 
-/// The options of the last report, and back. `useDefaultThumbnailPath` is kept but never read.
+/// What the open project keeps of its last report: the case number, the examiner, the title, what
+/// is redacted. False when it keeps none yet. Throws std::invalid_argument for redactions that
+/// can't be read: none of them may be missed.
+bool readProjectReportOptions(Program &program, ReportWriter &report);
+/// False when they can't be written. A project that is only read keeps none.
+[[nodiscard]] bool writeProjectReportOptions(Program &program, const ReportWriter &report);
+
+/// The options of the last report, and back. `useDefaultThumbnailPath` is kept but never read. The
+/// case number, the examiner and the title are read and not written: those of one case would stand
+/// in the next.
 void readReportOptions(const IniFile &settings, ReportWriter &report);
 /// False when they can't be written.
 [[nodiscard]] bool writeReportOptions(const ReportWriter &report, IniFile &settings);

@@ -215,7 +215,9 @@ void noteReport(Program &program, const ReportWriter &report, std::int64_t rows)
     entry.action = "Report";
     entry.detail = fmt::format("{} report of {}; in the program's scratch folder until it is "
                                "published, with the same hashes",
-                               report.reportType == 0 ? "Graphical" : "Tabular",
+                               report.reportType == kCaseType        ? "Case"
+                               : report.reportType == kGraphicalType ? "Graphical"
+                                                                     : "Tabular",
                                counted(static_cast<std::uint64_t>(rows), "row"));
     entry.rowCount = rows;
     noteFileInTrail(program, std::move(entry), report.reportFilePath,

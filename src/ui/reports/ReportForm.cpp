@@ -2,6 +2,8 @@
 
 #include "app/messages/ReportMessages.h"
 #include "platform/qt/QtText.h"
+#include "reports/ReportFolder.h"
+#include "ui/reports/CaseReportBox.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
@@ -16,6 +18,7 @@
 #include <QPixmap>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStackedWidget>
 
 #include <array>
 
@@ -63,13 +66,26 @@ ReportForm::ReportForm(const ReportWriter &report, std::size_t rows, std::size_t
     addContents(*form);
     column->addLayout(form);
     column->addStretch(1);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    buttons->button(QDialogButtonBox::Ok)->setText(tr("Okay"));
-    connect(buttons, &QDialogButtonBox::accepted, this, &ReportForm::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    column->addWidget(buttons);
+    column->addWidget(newButtons());
     resize(640, sizeHint().height());
     show(report);
+}
+
+QWidget *ReportForm::newButtons() {
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    buttons->button(QDialogButtonBox::Ok)->setText(tr("Okay"));
+    auto *publish = buttons->addButton(tr("Create and P&ublish..."), QDialogButtonBox::ActionRole);
+    publish->setObjectName(QStringLiteral("btnCreateAndPublish"));
+    publish->setAutoDefault(false);
+    publish->setToolTip(tr("Makes the report and asks for the folder that is handed over"));
+    connect(publish, &QPushButton::clicked, this, [this] {
+        m_publishes = true;
+        accept();
+        m_publishes = result() == QDialog::Accepted;
+    });
+    connect(buttons, &QDialogButtonBox::accepted, this, &ReportForm::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    return buttons;
 }
 
 void ReportForm::addWhat(QFormLayout &form, std::size_t rows, std::size_t tagged) {
@@ -77,8 +93,9 @@ void ReportForm::addWhat(QFormLayout &form, std::size_t rows, std::size_t tagged
     m_type->setObjectName(QStringLiteral("cbReportType"));
     m_type->setAccessibleName(tr("Type"));
     m_type->addItem(tr("(choose a type)"), -1);
-    m_type->addItem(tr("Graphical"), 0);
-    m_type->addItem(tr("Tabular"), 1);
+    m_type->addItem(tr("Graphical"), kGraphicalType);
+    m_type->addItem(tr("Tabular"), kTabularType);
+    m_type->addItem(tr("Case"), kCaseType);
     connect(m_type, &QComboBox::currentIndexChanged, this, &ReportForm::followType);
     form.addRow(tr("T&ype:"), m_type);
     m_explanation = named<QLabel>("labType", {});
@@ -152,16 +169,20 @@ void ReportForm::addContents(QFormLayout &form) {
     grid->addWidget(m_audit = named<QCheckBox>("chkIncludeAudit", tr("&Audit")), 0, 0);
     grid->addWidget(m_links = named<QCheckBox>("chkIncludeLinkAnalysis", tr("Lin&k analysis")), 0,
                     1);
-    grid->addWidget(m_notes = named<QCheckBox>("chkIncludeNotes", tr("&Notes")), 0, 2);
     grid->addWidget(m_timeRebuilt = named<QCheckBox>("chkIncludeTimeRebuilt", tr("Time &rebuilt")),
                     1, 0);
     grid->addWidget(m_dataSource = named<QCheckBox>("chkIncludeDataSource", tr("&Data source")), 1,
                     1);
     grid->addWidget(m_user = named<QCheckBox>("chkIncludeUser", tr("&User")), 1, 2);
-    grid->addWidget(m_header = named<QCheckBox>("chkHeader", tr("&Skip the head")), 2, 0);
-    grid->addWidget(m_trail = named<QCheckBox>("chkIncludeCaseTrail", tr("Case tra&il")), 2, 1);
-    grid->addWidget(m_origins = named<QCheckBox>("chkIncludeOrigins", tr("Origins")), 2, 2);
-    form.addRow(tr("Include:"), boxes);
+    m_contents = new QStackedWidget;
+    m_contents->addWidget(boxes);
+    m_contents->addWidget(m_case = new CaseReportBox);
+    form.addRow(tr("Include:"), m_contents);
+    m_header = named<QCheckBox>("chkHeader", tr("&Skip the head"));
+    m_trail = named<QCheckBox>("chkIncludeCaseTrail", tr("Case tra&il"));
+    m_notes = named<QCheckBox>("chkIncludeNotes", tr("&Notes"));
+    m_origins = named<QCheckBox>("chkIncludeOrigins", tr("Origins"));
+    form.addRow(QString(), side({m_header, m_trail, m_origins, m_notes}));
     m_width = new QComboBox;
     m_width->setObjectName(QStringLiteral("cbURLColWidth"));
     m_width->setAccessibleName(tr("URL column width"));
@@ -208,6 +229,7 @@ void ReportForm::show(const ReportWriter &report) {
     m_trail->setChecked(report.includeCaseTrail);
     m_origins->setChecked(report.includeOrigins);
     m_width->setCurrentIndex(std::max(0, m_width->findData(report.urlColWidth)));
+    m_case->show(report.caseOptions);
     previewLogo();
     followType();
 }
@@ -234,6 +256,7 @@ void ReportForm::apply(ReportWriter &report) const {
     report.includeCaseTrail = m_trail->isChecked();
     report.includeOrigins = m_origins->isChecked();
     report.urlColWidth = m_width->currentData().toInt();
+    m_case->apply(report.caseOptions);
 }
 
 int ReportForm::type() const {
@@ -249,25 +272,33 @@ void ReportForm::accept() {
 
 /// What belongs to the other type can't be chosen.
 void ReportForm::followType() {
-    const bool graphical = type() == 0;
-    const bool tabular = type() == 1;
+    const bool graphical = type() == kGraphicalType;
+    const bool tabular = type() == kTabularType;
+    const bool ofCase = type() == kCaseType;
     m_explanation->setText(
         graphical ? tr("Includes only web pages and picture files. Each URL is presented in a "
                        "'cue card' format, along with a thumbnail preview of the file.")
         : tabular ? tr("URL records, from cache and/or history data sources, are presented in a "
                        "columnar or table format.")
+        : ofCase  ? tr("A cover with the evidence and its hashes, time, cards, and tables of all "
+                        "rows with a list beside them. What is redacted isn't handed over.")
                   : QString());
     m_thumbnail->setPlaceholderText(tabular ? tr(" [Tabular Default]")
                                             : tr(" [Graphical Default]"));
-    for (QWidget *widget : {m_audit, m_links, m_notes, m_timeRebuilt, m_useThumbnail})
-        widget->setEnabled(!tabular);
+    for (QWidget *widget : {m_audit, m_links, m_timeRebuilt, m_useThumbnail})
+        widget->setEnabled(!tabular && !ofCase);
+    m_notes->setEnabled(!tabular);
+    m_origins->setEnabled(!ofCase); // values as they lie, which nobody redacts
     for (QWidget *widget : std::initializer_list<QWidget *>{m_dataSource, m_user, m_width})
-        widget->setEnabled(!graphical);
+        widget->setEnabled(!graphical && !ofCase);
+    m_contents->setCurrentIndex(ofCase ? 1 : 0);
+    previewLogo();
 }
 
 void ReportForm::previewLogo() {
     if (m_logo->text().isEmpty())
-        return m_logoPreview->setText(tr("The program's logo is shown."));
+        return m_logoPreview->setText(type() == kCaseType ? tr("No logo is shown.")
+                                                          : tr("The program's logo is shown."));
     QImageReader reader(m_logo->text());
     reader.setDecideFormatFromContent(true);
     if (const QSize size = reader.size(); size.isValid())

@@ -11,8 +11,11 @@ class QFormLayout;
 class QLabel;
 class QLineEdit;
 class QRadioButton;
+class QStackedWidget;
 
 namespace nv {
+
+class CaseReportBox;
 
 /// What a report is to hold, and how it calls itself.
 class ReportForm final : public QDialog {
@@ -26,12 +29,15 @@ class ReportForm final : public QDialog {
     /// Takes what the examiner chose into `report`.
     void apply(ReportWriter &report) const;
     void accept() override;
+    /// The report is to be published as soon as it is made.
+    bool publishes() const { return m_publishes; }
 
   private:
     void addWhat(QFormLayout &form, std::size_t rows, std::size_t tagged);
     void addTexts(QFormLayout &form);
     void addPictures(QFormLayout &form);
     void addContents(QFormLayout &form);
+    QWidget *newButtons();
     void explain();
     void show(const ReportWriter &report);
     void followType();
@@ -65,6 +71,9 @@ class ReportForm final : public QDialog {
     QCheckBox *m_dataSource = nullptr;
     QCheckBox *m_user = nullptr;
     QComboBox *m_width = nullptr;
+    CaseReportBox *m_case = nullptr;
+    QStackedWidget *m_contents = nullptr; ///< the classic boxes, and those of a case
+    bool m_publishes = false;
 };
 
 } // namespace nv

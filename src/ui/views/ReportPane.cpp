@@ -4,6 +4,7 @@
 #include "ui/views/BrowserPane.h"
 
 #include <QBoxLayout>
+#include <QPushButton>
 
 namespace nv {
 
@@ -24,6 +25,11 @@ ReportPane::ReportPane(std::function<std::string()> reportURL, QWidget *parent)
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(m_browser);
+    m_large = new QPushButton(tr("See it large..."));
+    m_large->setObjectName(QStringLiteral("btnReportLarge"));
+    m_large->setToolTip(tr("Shows the report at the size of the window"));
+    column->addWidget(m_large, 0, Qt::AlignRight);
+    connect(m_large, &QPushButton::clicked, this, &ReportPane::largeWanted);
     refresh();
 }
 
@@ -44,6 +50,7 @@ void ReportPane::refresh() {
     else if (report != m_shown)
         m_browser->showPage(pathOf(report), tr("Report"));
     m_shown = isThere ? report : std::string();
+    m_large->setVisible(isThere);
 }
 
 } // namespace nv

@@ -7,6 +7,8 @@
 #include <functional>
 #include <string>
 
+class QPushButton;
+
 namespace nv {
 
 class BrowserPane;
@@ -26,9 +28,14 @@ class ReportPane final : public QWidget, public RecordPane {
     void refresh();
     BrowserPane &browser() { return *m_browser; }
 
+  signals:
+    /// The report is to be seen at the window's size.
+    void largeWanted();
+
   private:
     std::function<std::string()> m_reportURL;
     BrowserPane *m_browser = nullptr;
+    QPushButton *m_large = nullptr;
     std::string m_shown;
 };
 

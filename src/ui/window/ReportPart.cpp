@@ -8,10 +8,13 @@
 #include "app/project/EvidenceFolders.h"
 #include "app/settings/Settings.h"
 #include "base/Files.h"
+#include "base/Text.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "reports/PublishReport.h"
+#include "time/DateFormat.h"
 #include "ui/reports/ReportForm.h"
+#include "ui/reports/ReportPreview.h"
 #include "ui/views/BrowserPane.h"
 #include "ui/views/ReportPane.h"
 
@@ -39,6 +42,21 @@ void refuseEvidence(const fs::path &target, ProgramState &state) {
         throw StorageFailure(messages::liesInEvidence(target, *folder).text);
 }
 
+/// Which rows the report holds, for its cover.
+std::string contentOf(const UrlTable &table, bool isAll) {
+    std::string text = isAll ? "the rows of the table" : "the ticked rows of the table";
+    if (!table.choice.activeQueryName.empty())
+        text += fmt::format(", the query \"{}\"", table.choice.activeQueryName);
+    if (table.choice.filterByHostEnabled)
+        text += fmt::format(", the host \"{}\"", table.choice.filterByHostValue);
+    if (table.time)
+        text += fmt::format(", from {} up to {}", isoUtc(table.time->from), isoUtc(table.time->to));
+    if (table.hiddenCount() > 0)
+        text += fmt::format(" ({} hidden by the filters or by the time)",
+                            counted(table.hiddenCount(), "row"));
+    return text;
+}
+
 } // namespace
 
 ReportPart::ReportPart(Workbench &bench) : m_bench(bench) {
@@ -48,7 +66,14 @@ ReportPart::ReportPart(Workbench &bench) : m_bench(bench) {
             [this] { m_bench.run("MainForm.PublishReport()", [this] { publishReport(); }); });
     connect(bench.actions.openReportFolder, &QAction::triggered, this, &ReportPart::openFolder);
     connect(&bench, &Workbench::projectOpened, this, &ReportPart::findReport);
+    connect(bench.viewers->findChild<ReportPane *>(), &ReportPane::largeWanted, this,
+            &ReportPart::showLarge);
     tellOfFailures();
+}
+
+void ReportPart::showLarge() {
+    if (const fs::path page = lastReport(); !page.empty())
+        ReportPreview(page, &m_bench.window).exec();
 }
 
 /// Whatever comes later than the command that shows it: the engine loads by itself.
@@ -81,6 +106,8 @@ void ReportPart::create() {
         m_bench.examiner().tell(messages::reportingError(*failure));
     else
         tellOf(tools, finished);
+    if (finished && m_publishes)
+        publishReport();
 }
 
 fs::path ReportPart::lastReport() const {
@@ -104,6 +131,10 @@ void ReportPart::findReport() {
 bool ReportPart::chooseOptions(ReportTools &tools) {
     Program &program = m_bench.program;
     readReportOptions(program.settings, tools.report);
+    // Those of another case, which an earlier version of the program kept with its settings.
+    tools.report.caseNumber.clear();
+    tools.report.reportedBy.clear();
+    readProjectReportOptions(program, tools.report);
     const RowIds &ids = m_bench.table->table()->ids();
     UnreadRows unread; // the report names them
     const auto tagged = taggedIds(program, unread);
@@ -114,6 +145,11 @@ bool ReportPart::chooseOptions(ReportTools &tools) {
     if (form.exec() != QDialog::Accepted)
         return false;
     form.apply(tools.report);
+    m_publishes = form.publishes();
+    tools.report.caseOptions.content = contentOf(*m_bench.table->table(), tools.report.includeAll);
+    if (!writeProjectReportOptions(program, tools.report))
+        m_bench.examiner().tell(messages::reportingError(
+            "The choices could not be kept with the project; the log of the program says why."));
     if (!writeReportOptions(tools.report, program.settings))
         m_bench.examiner().tell(messages::settingsNotWritten(program.settings.path()));
     return true;
@@ -161,7 +197,7 @@ void ReportPart::withdrawReport() {
 void ReportPart::publishReport() {
     const ProgramState &state = m_bench.program.state;
     const int type = readNumber(m_bench.program.settings, "ReportType");
-    if (!isReportThere(ReportFolder(state.tempFolderPath), type))
+    if (!isReportThere(ReportFolder::of(state.tempFolderPath, type), type))
         return m_bench.examiner().tell(messages::nothingToPublish());
     const auto target =
         m_bench.dialogs.chooseFolder(std::string(kChooseFolder), state.publishTempFolder);
@@ -187,7 +223,8 @@ void ReportPart::publishTo(const fs::path &target, int type) {
     m_bench.runTask({"PUBLISHING REPORT", "Copying report contents to output folder...", "", ""},
                     [&](TaskMonitor &task) {
                         failure = failureOf(m_bench.program.log, "MainForm.PublishReport()", [&] {
-                            const ReportFolder report(m_bench.program.state.tempFolderPath);
+                            const ReportFolder report =
+                                ReportFolder::of(m_bench.program.state.tempFolderPath, type);
                             removePublished(target, type);
                             published = nv::publishReport(report, type, target, task);
                             if (!published.cancelled)
@@ -204,8 +241,10 @@ void ReportPart::publishTo(const fs::path &target, int type) {
 }
 
 void ReportPart::openFolder() const {
+    const fs::path last = lastReport();
     const ReportFolder report(m_bench.program.state.tempFolderPath);
-    QDesktopServices::openUrl(QUrl::fromLocalFile(pathToQt(report.path)));
+    QDesktopServices::openUrl(
+        QUrl::fromLocalFile(pathToQt(last.empty() ? report.path : last.parent_path())));
 }
 
 } // namespace nv

@@ -29,6 +29,7 @@ class ReportPart final : public QObject {
     void findReport();
     bool chooseOptions(ReportTools &tools);
     void tellOf(const ReportTools &tools, bool finished);
+    void showLarge();
     void showReport(const std::filesystem::path &page);
     void tellOfFailures();
     void withdrawReport();
@@ -38,6 +39,7 @@ class ReportPart final : public QObject {
     void openFolder() const;
 
     Workbench &m_bench;
+    bool m_publishes = false; ///< the report in hand, once it is made
     std::vector<Made> m_made; ///< in their order; a page is there once
 };
 

@@ -7,6 +7,7 @@
 #include "views/Gallery.h"
 #include "views/Thumbnails.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
@@ -92,6 +93,41 @@ TEST_F(SettingsTest, aReportBeginsWithTheDefaultsOfTheRows) {
         EXPECT_EQ(fresh.report.*flag, asSet.report.*flag);
     EXPECT_EQ(fresh.report.reportTitle, asSet.report.reportTitle);
     EXPECT_EQ(fresh.report.reportType, asSet.report.reportType);
+}
+
+TEST_F(SettingsTest, aCaseNumberStaysWithItsProject) {
+    settings("[REPORT]\nCaseNumber=of the settings\n");
+    start();
+    openCase();
+    test::MemoryTask task;
+    ReportTools first(*program, task, folder.path());
+    EXPECT_FALSE(readProjectReportOptions(*program, first.report));
+    first.report.caseNumber = "2011/17";
+    first.report.reportedBy = std::string(400, 'q');
+    first.report.organization = "Unit 4";
+    first.report.caseOptions.cards = CaseCards::none;
+    first.report.caseOptions.timeline = false;
+    first.report.caseOptions.redactions = redactionRules("blur value=low tide");
+    EXPECT_TRUE(writeProjectReportOptions(*program, first.report));
+    EXPECT_TRUE(writeReportOptions(first.report, program->settings));
+    EXPECT_EQ(ini("REPORT", "CaseNumber"), "of the settings");
+    EXPECT_EQ(ini("REPORT", "Organization"), "Unit 4");
+    ReportTools second(*program, task, folder.path());
+    EXPECT_TRUE(readProjectReportOptions(*program, second.report));
+    EXPECT_EQ(second.report.caseNumber, "2011/17");
+    EXPECT_EQ(second.report.reportedBy, std::string(400, 'q'));
+    EXPECT_EQ(second.report.caseOptions.cards, CaseCards::none);
+    EXPECT_FALSE(second.report.caseOptions.timeline);
+    EXPECT_EQ(second.report.caseOptions.redactions, first.report.caseOptions.redactions);
+    first.report.caseNumber.clear(); // an empty one is a choice too
+    EXPECT_TRUE(writeProjectReportOptions(*program, first.report));
+    second.report.caseNumber = "of another case";
+    EXPECT_TRUE(readProjectReportOptions(*program, second.report));
+    EXPECT_EQ(second.report.caseNumber, "");
+    state().projectDB.connection().exec(
+        "UPDATE DefaultSettings SET DefaultValue = 'hide all' WHERE DefaultName = "
+        "'ReportRedactions'");
+    EXPECT_THROW(readProjectReportOptions(*program, second.report), std::invalid_argument);
 }
 
 /// Found by the commands, checked and shown as any other: the row is all that it takes.

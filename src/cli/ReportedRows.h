@@ -1,0 +1,37 @@
+#pragma once
+
+#include "cli/SharedArguments.h"
+#include "views/IdLoader.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nv::cli {
+
+class Session;
+
+/// Which rows a report is to be made of.
+struct ReportedRows {
+    RowsAsked rows;
+    std::string from;   ///< dates by the zone's clock; empty for no limit
+    std::string to;     ///< belongs to the span
+    std::string search; ///< as `search` takes it
+    std::string tag;    ///< the name of one; empty for all rows
+    bool tagged = false;
+};
+
+/// The options that choose them.
+std::vector<Argument> reportedRowsOptions(ReportedRows &chosen);
+
+/// What of them can be checked before a project is open. Throws UsageError.
+void checkReportedRows(const ReportedRows &chosen);
+
+/// Of the open project, in the table's order; ticks are left to the report. Nothing when it was
+/// cancelled. Throws UsageError and StorageFailure.
+std::optional<RowIds> idsOf(Session &session, const ReportedRows &chosen);
+
+/// For people: "the query \"Images\", from 2011-03-01, the ticked rows". Empty for all rows.
+std::string contentText(const ReportedRows &chosen);
+
+} // namespace nv::cli

@@ -1,0 +1,327 @@
+#include "reports/case/CaseReport.h"
+
+#include "base/Digest.h"
+#include "base/Files.h"
+#include "base/Storage.h"
+#include "base/Text.h"
+#include "base/TextRows.h"
+#include "base/Trap.h"
+#include "db/Savepoint.h"
+#include "db/SqliteErrors.h"
+#include "reports/ReportWriter.h"
+#include "reports/SortTable.h"
+#include "reports/case/CaseCards.h"
+#include "reports/case/CaseIndex.h"
+#include "reports/case/CaseTables.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <vector>
+
+namespace nv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kProcedure = "ReportClass.CreateCaseReport()";
+constexpr std::string_view kReportDate = "dddd, mmmm dd, yyyy Hh:Mm:Ss AMPM";
+constexpr std::size_t kBatch = 32; ///< cards that are drawn together
+constexpr std::size_t kGroups = 5;
+constexpr std::array<RecordGroup, kGroups> kOrder = {RecordGroup::history, RecordGroup::cache,
+                                                     RecordGroup::cookies, RecordGroup::bookmarks,
+                                                     RecordGroup::other};
+
+/// What is known of a row before it is written: a byte each, so that of all rows only these and
+/// their keys are held.
+enum RowMark : std::uint8_t {
+    groupMask = 0x07,
+    tickedMark = 0x08,
+    leftOutMark = 0x10,
+    brokenMark = 0x20,
+};
+
+class CaseReport {
+  public:
+    CaseReport(ReportWriter &report, const ReportContext &ctx, const ReportFolder &folder)
+        : m_report(report), m_ctx(ctx), m_folder(folder), m_redactor(report.caseOptions.redactions),
+          m_rows(ctx, m_redactor) {}
+
+    /// False when cancelled.
+    bool make();
+
+  private:
+    void prepare();
+    bool plan();
+    void dropLeftOut();
+    std::uint8_t markOf(SQLite::Statement &row, std::int32_t id);
+    void nameSections();
+    bool writeTables();
+    void writeRow(CaseTable &table, std::size_t place);
+    bool writeCards();
+    bool writeIndex();
+    void listFiles() const;
+    bool step(std::size_t done, double from, double to);
+    bool hasCard(std::size_t place) const;
+
+    ReportWriter &m_report;
+    const ReportContext &m_ctx;
+    const ReportFolder &m_folder;
+    Redactor m_redactor;
+    CaseRows m_rows;
+    CaseFrame m_frame;
+    RowIds m_ids;
+    std::vector<std::uint8_t> m_marks; ///< by the places of the ids
+};
+
+bool CaseReport::make() {
+    prepare();
+    m_ids = sortedRows(m_ctx.rebuild.project,
+                       m_report.sortAscending ? DateOrder::oldestFirst : DateOrder::newestFirst);
+    if (!plan())
+        return false;
+    nameSections();
+    if (!writeTables() || !writeCards() || !writeIndex())
+        return false;
+    listFiles();
+    moveFile(m_folder.unfinished(), m_report.reportFilePath);
+    return true;
+}
+
+void CaseReport::prepare() {
+    makeEmptyFolder(m_folder.path);
+    makeFolder(m_folder.pictures());
+    m_report.reportFolderPath = m_folder.path;
+    m_report.reportFilePath = m_folder.index(kCaseType);
+    m_report.reportDate =
+        formatDate(Date::fromTimePoint(m_ctx.clock.now() + m_ctx.clock.localOffset()), kReportDate);
+    m_rows.withNotes = m_report.includeNotes;
+    m_frame.title = m_redactor.text(m_report.reportTitle.empty() ? std::string(kDefaultReportTitle)
+                                                                 : m_report.reportTitle);
+    m_frame.version = m_ctx.settings.version;
+}
+
+bool CaseReport::step(std::size_t done, double from, double to) {
+    TaskMonitor &task = m_ctx.rebuild.task;
+    const std::size_t total = std::max<std::size_t>(m_ids.size(), 1);
+    if (task.wantsStep()) {
+        TaskStep now;
+        now.topMessage = fmt::format("Processing URLs {} of {}", done, m_ids.size());
+        now.topCounter = static_cast<std::int64_t>(done);
+        now.topTotal = static_cast<std::int64_t>(m_ids.size());
+        task.show(now);
+    }
+    return task.advance(from +
+                        (to - from) * static_cast<double>(done) / static_cast<double>(total));
+}
+
+std::uint8_t CaseReport::markOf(SQLite::Statement &row, std::int32_t id) {
+    return trapped(m_ctx.rebuild.log, Severity::Serious, kProcedure, kContactSupport,
+                   static_cast<std::uint8_t>(brokenMark | static_cast<int>(RecordGroup::other)),
+                   [&] {
+                       row.bind(1, id);
+                       const bool isThere = onRow([&row] { return row.executeStep(); });
+                       if (!isThere)
+                           throw std::runtime_error(fmt::format("the record {} isn't there", id));
+                       int mark = static_cast<int>(groupOf(row.getColumn(0).getString()));
+                       mark |= row.getColumn(1).getInt() != 0 ? tickedMark : 0;
+                       if (m_redactor.leavesOutRows() && m_rows.isLeftOut(UrlId{id}))
+                           mark |= leftOutMark;
+                       return static_cast<std::uint8_t>(mark);
+                   });
+}
+
+bool CaseReport::plan() {
+    SQLite::Statement row(m_ctx.rebuild.project,
+                          "SELECT CacheType, Tagged FROM URLs WHERE URL_ID = ?");
+    m_marks.reserve(m_ids.size());
+    for (std::size_t at = 0; at < m_ids.size(); ++at) {
+        if (!step(at, 0, 0.1))
+            return false;
+        m_marks.push_back(markOf(row, m_ids[at]));
+        row.tryReset();
+        m_redactor.counts.rowsLeftOut += (m_marks.back() & leftOutMark) != 0 ? 1 : 0;
+    }
+    if (m_redactor.counts.rowsLeftOut > 0)
+        dropLeftOut();
+    return true;
+}
+
+/// Whoever tells how many rows were reported counts those of the table. Their order is known.
+void CaseReport::dropLeftOut() {
+    SQLite::Database &project = m_ctx.rebuild.project;
+    onProject([&] {
+        Savepoint whole(project);
+        project.exec("DELETE FROM URLSortTable");
+        SQLite::Statement add(project, "INSERT INTO URLSortTable (URL_ID) VALUES (?)");
+        for (std::size_t place = 0; place < m_ids.size(); ++place) {
+            if ((m_marks[place] & leftOutMark) != 0)
+                continue;
+            add.bind(1, m_ids[place]);
+            add.exec();
+            add.reset();
+        }
+        whole.release();
+    });
+}
+
+bool CaseReport::hasCard(std::size_t place) const {
+    const std::uint8_t mark = m_marks[place];
+    switch (m_report.caseOptions.cards) {
+    case CaseCards::none:
+        return false;
+    case CaseCards::all:
+        return (mark & leftOutMark) == 0;
+    case CaseCards::ticked:
+        return (mark & leftOutMark) == 0 && (mark & tickedMark) != 0;
+    }
+    return false;
+}
+
+void CaseReport::nameSections() {
+    CaseSection cards;
+    cards.part = CaseSection::Part::cards;
+    const bool isTicked = m_report.caseOptions.cards == CaseCards::ticked;
+    cards.title = isTicked ? "Ticked" : "All rows";
+    cards.name = isTicked ? "ticked" : "cards";
+    cards.rowsAPage = kCaseCardsAPage;
+    for (std::size_t place = 0; place < m_marks.size(); ++place)
+        cards.rows += hasCard(place) ? 1 : 0;
+    m_frame.sections.push_back(std::move(cards));
+    for (const RecordGroup group : kOrder) {
+        CaseSection section;
+        section.title = groupWord(group);
+        section.name = toLower(section.title);
+        section.rowsAPage = kCaseRowsAPage;
+        section.rows =
+            static_cast<std::uint64_t>(std::ranges::count_if(m_marks, [group](auto mark) {
+                return (mark & groupMask) == static_cast<int>(group) && (mark & leftOutMark) == 0;
+            }));
+        m_frame.sections.push_back(std::move(section));
+    }
+}
+
+bool CaseReport::writeTables() {
+    std::size_t done = 0;
+    for (std::size_t at = 0; at < kGroups; ++at) {
+        const CaseSection &section = m_frame.sections[at + 1];
+        if (section.rows == 0)
+            continue;
+        CaseTable table(m_frame, section, m_folder.path);
+        for (std::size_t place = 0; place < m_ids.size(); ++place) {
+            const std::uint8_t mark = m_marks[place];
+            if ((mark & groupMask) != static_cast<int>(kOrder.at(at)) || (mark & leftOutMark) != 0)
+                continue;
+            if (!step(done++, 0.1, 0.5))
+                return false;
+            writeRow(table, place);
+        }
+        table.finish();
+    }
+    return true;
+}
+
+void CaseReport::writeRow(CaseTable &table, std::size_t place) {
+    const UrlId id{m_ids[place]};
+    const auto row = (m_marks[place] & brokenMark) != 0
+                         ? std::nullopt
+                         : trapped(m_ctx.rebuild.log, Severity::Serious, kProcedure,
+                                   kContactSupport, std::optional<CaseRow>(), [&] {
+                                       return std::optional(m_rows.row(id, RowFacts::without));
+                                   });
+    if (row)
+        return table.add(*row);
+    table.addBroken(id);
+    ++m_report.recordsFailed;
+    noteUnread(m_report.failedRows, id);
+}
+
+bool CaseReport::writeCards() {
+    const CaseSection &section = m_frame.sections.front();
+    if (section.rows == 0)
+        return true;
+    CaseCardPages pages(m_ctx, m_folder, m_frame, section, m_redactor);
+    pages.rows.withNotes = m_report.includeNotes;
+    RowIds batch;
+    batch.reserve(kBatch);
+    for (std::size_t place = 0; place <= m_ids.size(); ++place) {
+        const bool isLast = place == m_ids.size();
+        if (!isLast && hasCard(place))
+            batch.push_back(m_ids[place]);
+        if (batch.size() < kBatch && !isLast)
+            continue;
+        const auto total = static_cast<double>(m_ids.size());
+        SubTask part(m_ctx.rebuild.task,
+                     0.5 + 0.4 * static_cast<double>(place - batch.size()) / total,
+                     0.5 + 0.4 * static_cast<double>(place) / total);
+        if (!step(place, 0.5, 0.9) || (!batch.empty() && !pages.add(batch, part)))
+            return false;
+        batch.clear();
+    }
+    pages.finish();
+    m_report.filesFailed += pages.failures.files;
+    m_report.pagesIncomplete += pages.failures.pagesIncomplete;
+    return true;
+}
+
+bool CaseReport::writeIndex() {
+    RowIds shown;
+    shown.reserve(m_ids.size());
+    for (std::size_t place = 0; place < m_ids.size(); ++place)
+        if ((m_marks[place] & leftOutMark) == 0)
+            shown.push_back(m_ids[place]);
+    CaseIndex index(m_report, m_ctx, m_frame, m_redactor);
+    index.rows = shown.size();
+    index.unread = m_report.recordsFailed;
+    if (m_report.useCustomLogo && !m_report.agencyLogoPath.empty()) {
+        makeFolder(m_folder.images());
+        index.logo =
+            m_folder.takePicture(m_report.agencyLogoPath, "agency-logo", m_ctx.rebuild.log);
+        if (index.logo.empty())
+            m_report.picturesFailed.insert(m_report.agencyLogoPath);
+    }
+    std::ofstream file(m_folder.unfinished(), std::ios::binary | std::ios::trunc);
+    SubTask rest(m_ctx.rebuild.task, 0.9, 1);
+    const bool isWhole = index.write(file, shown, m_folder.path, rest);
+    checkWritten(file, m_folder.unfinished());
+    return isWhole;
+}
+
+void CaseReport::listFiles() const {
+    std::vector<fs::path> files;
+    for (const fs::directory_entry &entry : fs::recursive_directory_iterator(m_folder.path))
+        if (entry.is_regular_file())
+            files.push_back(entry.path());
+    std::ranges::sort(files);
+    std::ofstream list(m_folder.path / kReportFiles, std::ios::binary | std::ios::trunc);
+    list << csvLine(std::array<std::string, 3>{"file", "bytes", "sha256"});
+    for (const fs::path &file : files) {
+        const bool isIndex = file == m_folder.unfinished();
+        const fs::path &name = isIndex ? m_report.reportFilePath : file;
+        if (const auto hashes = hashesOfFile(file))
+            list << csvLine(
+                std::array<std::string, 3>{name.lexically_relative(m_folder.path).generic_string(),
+                                           std::to_string(hashes->size), hashes->sha256});
+    }
+    checkWritten(list, m_folder.path / kReportFiles);
+}
+
+} // namespace
+
+void createCaseReport(ReportWriter &report, const ReportContext &ctx, const fs::path &parent) {
+    trapped(ctx.rebuild.log, Severity::Serious, kProcedure, kContactSupport, [&] {
+        ctx.rebuild.task.describe({"CREATING REPORT", "Overall Progress", "", ""});
+        report.recordsFailed = report.filesFailed = report.pagesIncomplete = 0;
+        report.failedRows.clear();
+        report.buildingReport = true;
+        const ReportFolder folder = ReportFolder::of(parent, kCaseType);
+        report.cancel = !CaseReport(report, ctx, folder).make();
+        report.buildingReport = false;
+    });
+}
+
+} // namespace nv

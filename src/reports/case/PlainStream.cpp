@@ -1,0 +1,189 @@
+#include "reports/case/PlainStream.h"
+
+#include "base/Text.h"
+#include "markup/Utf8.h"
+#include "search/FoldedText.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace nv {
+
+namespace {
+
+struct Code {
+    std::uint32_t value = 0;
+    std::size_t length = 0; ///< bytes it is written with
+    bool isByte = false;    ///< of UTF-8, and not a character
+};
+
+int digitOf(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    const char low = static_cast<char>(c | 0x20);
+    return low >= 'a' && low <= 'f' ? low - 'a' + 10 : -1;
+}
+
+/// Digits from `at` on, at most so many.
+std::optional<Code> numberAt(std::string_view text, std::size_t at, std::uint32_t base,
+                             std::size_t most) {
+    Code code;
+    while (code.length < most && at + code.length < text.size()) {
+        const int digit = digitOf(text[at + code.length]);
+        if (digit < 0 || static_cast<std::uint32_t>(digit) >= base)
+            break;
+        code.value = code.value * base + static_cast<std::uint32_t>(digit);
+        ++code.length;
+    }
+    return code.length > 0 ? std::optional(code) : std::nullopt;
+}
+
+std::optional<Code> percentAt(std::string_view text, std::size_t at) {
+    auto code = numberAt(text, at + 1, 16, 2);
+    if (!code || code->length != 2)
+        return std::nullopt;
+    return Code{code->value, 3, true};
+}
+
+std::optional<Code> referenceAt(std::string_view text, std::size_t at) {
+    struct Named {
+        std::string_view name;
+        std::uint32_t value;
+    };
+    static constexpr std::array<Named, 12> kNamed = {{{"&amp;", '&'},
+                                                      {"&lt;", '<'},
+                                                      {"&gt;", '>'},
+                                                      {"&quot;", '"'},
+                                                      {"&apos;", '\''},
+                                                      {"&nbsp;", 0xA0},
+                                                      {"&period;", '.'},
+                                                      {"&commat;", '@'},
+                                                      {"&sol;", '/'},
+                                                      {"&lowbar;", '_'},
+                                                      {"&colon;", ':'},
+                                                      {"&shy;", 0xAD}}};
+    for (const Named &each : kNamed)
+        if (text.substr(at).starts_with(each.name))
+            return Code{each.value, each.name.size(), false};
+    if (at + 2 >= text.size() || text[at + 1] != '#')
+        return std::nullopt;
+    const bool isHex = (text[at + 2] | 0x20) == 'x';
+    const std::size_t digits = at + (isHex ? 3 : 2);
+    auto code = numberAt(text, digits, isHex ? 16 : 10, 7);
+    if (!code)
+        return std::nullopt;
+    std::size_t end = digits + code->length;
+    end += end < text.size() && text[end] == ';' ? 1 : 0;
+    return Code{code->value, end - at, false};
+}
+
+/// "\u0061", "\x61", and "\61 " of a style.
+std::optional<Code> escapeAt(std::string_view text, std::size_t at) {
+    if (at + 1 >= text.size())
+        return std::nullopt;
+    const char kind = text[at + 1];
+    if (kind == 'u' || kind == 'x') {
+        const std::size_t digits = kind == 'u' ? 4 : 2;
+        const auto code = numberAt(text, at + 2, 16, digits);
+        return code && code->length == digits ? std::optional(Code{code->value, digits + 2, false})
+                                              : std::nullopt;
+    }
+    if (kind == '/')
+        return Code{'/', 2, false};
+    const auto code = numberAt(text, at + 1, 16, 6);
+    // A path of Windows has such letters too, so that texts are looked through as they stand as
+    // well.
+    if (!code || code->length < 2 || code->value < 0x20)
+        return std::nullopt;
+    std::size_t end = at + 1 + code->length;
+    end += end < text.size() && text[end] == ' ' ? 1 : 0;
+    return Code{code->value, end - at, false};
+}
+
+std::optional<Code> codeAt(std::string_view text, std::size_t at) {
+    switch (text[at]) {
+    case '%':
+        return percentAt(text, at);
+    case '&':
+        return referenceAt(text, at);
+    case '\\':
+        return escapeAt(text, at);
+    default:
+        return std::nullopt;
+    }
+}
+
+/// Has no width: a word goes on through it.
+bool isInvisible(std::uint32_t code) {
+    return code == 0xAD || code == 0xFEFF || (code >= 0x200B && code <= 0x200F) ||
+           (code >= 0x202A && code <= 0x202E) || (code >= 0x2060 && code <= 0x2069);
+}
+
+/// Runs of these stand for one blank, as in a page.
+bool isBlank(std::uint32_t code) {
+    return code == ' ' || (code >= 0x09 && code <= 0x0D) || code == 0xA0 || code == 0x3000 ||
+           (code >= 0x2000 && code <= 0x200A) || code == 0x202F || code == 0x205F;
+}
+
+} // namespace
+
+PlainStream::PlainStream(std::string_view text, Codes codes) {
+    // First the bytes without codings, then the characters of these.
+    std::string bytes;
+    std::vector<std::uint32_t> from;
+    bytes.reserve(text.size());
+    from.reserve(text.size() + 1);
+    for (std::size_t at = 0; at < text.size();) {
+        const auto code = codes == Codes::undo ? codeAt(text, at) : std::nullopt;
+        const std::string written = !code          ? std::string(1, text[at])
+                                    : code->isByte ? std::string(1, static_cast<char>(code->value))
+                                    : isScalar(code->value) ? utf8Of(code->value)
+                                                            : std::string(1, '?');
+        hadCodes |= code.has_value();
+        // So forms write a blank.
+        const bool isPlus = codes == Codes::undo && !code && text[at] == '+';
+        bytes += isPlus ? std::string(1, ' ') : written;
+        from.insert(from.end(), written.size(), static_cast<std::uint32_t>(at));
+        at += code ? code->length : 1;
+    }
+    from.push_back(static_cast<std::uint32_t>(text.size()));
+    FoldedText folded;
+    plain.reserve(bytes.size());
+    origin.reserve(bytes.size() + 1);
+    for (std::size_t at = 0; at < bytes.size();) {
+        const std::size_t begin = at;
+        const std::uint32_t letter = nextCode(bytes, at);
+        if (isInvisible(letter))
+            continue;
+        if (isBlank(letter)) {
+            if (plain.ends_with(' '))
+                continue;
+            plain += ' ';
+        } else if (letter < 0x80) {
+            plain += letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter | 0x20)
+                                                    : static_cast<char>(letter);
+        } else {
+            folded.fold(std::string_view(bytes).substr(begin, at - begin));
+            plain += folded.text();
+        }
+        origin.resize(plain.size(), from[begin]);
+    }
+    origin.push_back(static_cast<std::uint32_t>(text.size()));
+}
+
+std::string withoutMarkup(std::string_view text) {
+    std::string plain;
+    plain.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t tag = text.find('<', at);
+        plain += text.substr(at, tag == std::string_view::npos ? tag : tag - at);
+        if (tag == std::string_view::npos)
+            break;
+        const std::size_t end = text.find('>', tag);
+        at = end == std::string_view::npos ? text.size() : end + 1;
+    }
+    return plain;
+}
+
+} // namespace nv

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "db/UrlRecord.h"
+#include "reports/case/PlainStream.h"
+#include "reports/case/Redaction.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nv {
+
+/// Takes words out of texts. A word is found in any case, and as addresses, pages, styles and
+/// scripts may write it: percent-coded, by character references, by escapes.
+class Redactor {
+  public:
+    explicit Redactor(RedactionRules rules);
+
+    bool isOn() const { return !m_rules.empty(); }
+    const RedactionRules &rules() const { return m_rules; }
+    /// Whether any rule leaves out rows.
+    bool leavesOutRows() const;
+
+    /// The text with "[redacted]" in place of each word, which is counted. A text in which a word
+    /// is left, coded twice for instance, becomes that mark as a whole.
+    std::string text(std::string_view value);
+    /// Whether a word stands in it: as it is, coded up to three times, between tags, in data that
+    /// an address holds, or in UTF-16.
+    bool holds(std::string_view bytes) const;
+
+    /// By its host, its person or what stands in `texts`.
+    bool leavesOut(const UrlRecord &record, const std::vector<std::string_view> &texts) const;
+    /// The record is of a host that is blurred: nothing of what it is about may be told.
+    bool hidesHost(std::string_view host) const;
+    /// The host is one of those that were chosen, in either way.
+    bool isOfHost(std::string_view host) const;
+    /// How the picture of a row is to be treated; nothing for one that may be seen.
+    std::optional<RedactionWay> pictureOf(UrlId id) const;
+    std::vector<UrlId> pictureRows() const;
+
+    RedactionCounts counts;
+
+  private:
+    bool holdsPlain(std::string_view text) const;
+    std::string withMarks(std::string_view value, PlainStream::Codes codes);
+
+    RedactionRules m_rules;
+    std::array<bool, 256> m_begins{}; ///< whether a word begins with this byte
+    std::vector<std::string> m_words; ///< in one case, the longest first
+    std::vector<std::string> m_wide;  ///< in UTF-16 of both orders
+};
+
+/// What the addresses of data in a page or a style hold. One within another is part of it.
+std::vector<std::string> embeddedData(std::string_view text);
+
+/// The host of a record, else that of its address.
+std::string hostOf(const UrlRecord &record);
+
+} // namespace nv

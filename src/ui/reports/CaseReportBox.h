@@ -1,0 +1,34 @@
+#pragma once
+
+#include "reports/case/CaseOptions.h"
+
+#include <QWidget>
+
+class QCheckBox;
+class QComboBox;
+class QPushButton;
+
+namespace nv {
+
+/// The choices that a report of a case has and the classic ones lack.
+class CaseReportBox final : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit CaseReportBox(QWidget *parent = nullptr);
+
+    void show(const CaseOptions &options);
+    void apply(CaseOptions &options) const;
+
+  private:
+    void chooseRedactions();
+    void countRedactions();
+
+    RedactionRules m_redactions;
+    QComboBox *m_cards = nullptr;
+    QCheckBox *m_timeline = nullptr;
+    QCheckBox *m_evidence = nullptr;
+    QPushButton *m_redact = nullptr;
+};
+
+} // namespace nv

@@ -1,0 +1,115 @@
+#include "cli/CliCase.h"
+
+#include <gmock/gmock.h>
+
+namespace nv::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
+
+/// A cache of a page (row 1), its picture (row 2) and a page of another host (row 3).
+class CaseReportCliTest : public CliCase {
+  protected:
+    CaseReportCliTest() {
+        IndexDat index;
+        index.folder("ABCDEFGH");
+        addCached(index, "http://host/page.html", "page[1].htm",
+                  "<html><title>Inbox</title><img src=\"pic/logo.gif\" ></html> ");
+        addCached(index, "http://host/pic/logo.gif", "logo[1].gif", "GIF89a");
+        addCached(index, "http://tide.example/low", "low[1].htm", "<html>Low water</html> ");
+        import(index);
+    }
+    CliResult report(const std::vector<std::string> &more = {}) {
+        std::vector<std::string> all{"report", project, "--type", "case", "--out", out.string()};
+        all.insert(all.end(), more.begin(), more.end());
+        return cli(all);
+    }
+    std::string all() const {
+        std::string bytes;
+        for (const auto &entry : fs::recursive_directory_iterator(out))
+            if (entry.is_regular_file())
+                bytes += text(entry.path());
+        return bytes;
+    }
+
+    fs::path out = folder.path() / "out";
+};
+
+TEST_F(CaseReportCliTest, aCaseReportIsHandedOver) {
+    const CliResult run = report({"--cards", "all", "--case-number", "17", "--trail"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("3 rows reported, "));
+    EXPECT_THAT(run.out, HasSubstr("index.htm"));
+    EXPECT_THAT(text(out / "index.htm"), HasSubstr("<dt>Case</dt><dd>17</dd>"));
+    EXPECT_THAT(text(out / "index.htm"), HasSubstr("index.dat"));
+    EXPECT_THAT(text(out / "cache.csv"), HasSubstr("http://tide.example/low"));
+    EXPECT_THAT(text(out / "files.csv"), HasSubstr("index.htm,"));
+    EXPECT_TRUE(fs::exists(out / "cards-1.htm"));
+    EXPECT_EQ(report().exit, 1); // the folder is not empty
+    EXPECT_EQ(report({"--overwrite"}).exit, 0);
+    EXPECT_FALSE(fs::exists(out / "cards-1.htm"));
+    EXPECT_THAT(cli({"trail", project}).out, HasSubstr("Case report of 3 rows"));
+}
+
+TEST_F(CaseReportCliTest, rowsAreChosenBySearchAndSpan) {
+    EXPECT_THAT(report({"--search", "tide"}).out, HasSubstr("1 row reported"));
+    EXPECT_THAT(text(out / "index.htm"), HasSubstr("the search &quot;tide&quot;"));
+    EXPECT_THAT(report({"--from", "2011-03-02", "--overwrite"}).out, HasSubstr("0 rows reported"));
+    EXPECT_THAT(report({"--to", "2011-03-01", "--overwrite"}).out, HasSubstr("3 rows reported"));
+    EXPECT_EQ(report({"--from", "yesterday", "--overwrite"}).exit, 1);
+    EXPECT_EQ(report({"--from", "2012-01-01", "--to", "2011-01-01", "--overwrite"}).exit, 1);
+    ASSERT_EQ(cli({"search", project, "Inbox", "--keep", "Letters"}).exit, 0);
+    EXPECT_THAT(report({"--query", "Letters", "--overwrite"}).out, HasSubstr("1 row reported"));
+}
+
+TEST_F(CaseReportCliTest, whatIsRedactedIsntHandedOver) {
+    const CliResult run = report(
+        {"--leave-out", "host=tide.example", "--blur", "value=logo", "--cards", "all", "--trail"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("2 rows reported"));
+    EXPECT_THAT(all(), Not(HasSubstr("tide.example")));
+    EXPECT_THAT(all(), Not(HasSubstr("logo.gif")));
+    EXPECT_THAT(all(), Not(HasSubstr("Low water")));
+    EXPECT_THAT(text(out / "index.htm"), HasSubstr("<dt>Rows left out</dt><dd>1</dd>"));
+    fs::remove_all(out);
+    EXPECT_EQ(report({"--blur", "value=ab"}).exit, 1);
+    EXPECT_EQ(report({"--leave-out", "room=12"}).exit, 1);
+    const CliResult classic = cli(
+        {"report", project, "--type", "tabular", "--out", out.string(), "--blur", "value=logo"});
+    EXPECT_EQ(classic.exit, 1);
+    EXPECT_THAT(classic.err, HasSubstr("--type case"));
+    EXPECT_FALSE(fs::exists(out));
+}
+
+TEST_F(CaseReportCliTest, choicesAreKeptWithTheProjectAlone) {
+    ASSERT_EQ(report({"--case-number", "2011-17", "--reported-by", "M. Quill", "--blur",
+                      "value=tide", "--remember"})
+                  .exit,
+              0);
+    ASSERT_EQ(report({"--overwrite"}).exit, 0);
+    EXPECT_THAT(text(out / "index.htm"), HasSubstr("<dd>2011-17</dd>"));
+    EXPECT_THAT(text(out / "index.htm"), HasSubstr("<dd>M. Quill</dd>"));
+    EXPECT_THAT(all(), Not(HasSubstr("tide.example")));
+    ASSERT_EQ(report({"--overwrite", "--no-redactions"}).exit, 0);
+    EXPECT_THAT(all(), HasSubstr("tide.example"));
+    project = (folder.path() / "other.nvp").string();
+    ASSERT_EQ(cli({"import", project, evidence.string(), "--kinds", "ie-cache"}).exit, 0);
+    ASSERT_EQ(report({"--overwrite"}).exit, 0);
+    EXPECT_THAT(text(out / "index.htm"), Not(HasSubstr("2011-17")));
+    EXPECT_THAT(text(out / "index.htm"), Not(HasSubstr("M. Quill")));
+    EXPECT_THAT(all(), HasSubstr("tide.example"));
+}
+
+TEST_F(CaseReportCliTest, aMediumThatCantBeWrittenIsReported) {
+    ASSERT_EQ(report({"--blur", "value=tide", "--remember"}).exit, 0);
+    fs::remove_all(out);
+    fs::permissions(project, fs::perms::owner_read);
+    const CliResult run = report({"--remember"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_THAT(all(), Not(HasSubstr("tide.example")));
+}
+
+} // namespace
+} // namespace nv::test

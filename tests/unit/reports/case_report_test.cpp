@@ -1,0 +1,335 @@
+#include "base/Digest.h"
+#include "db/CaseTrail.h"
+#include "reports/PublishReport.h"
+#include "reports/case/CaseReport.h"
+#include "reports/case/CaseStyle.h"
+#include "reports/case/CaseTables.h"
+#include "support/SmallFiles.h"
+#include "unit/reports/ReportFixture.h"
+
+#include <fstream>
+#include <regex>
+
+namespace nv::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+class CaseReportTest : public ReportFixture {
+  protected:
+    /// The first page; empty when there is none.
+    std::string makeCase(const std::function<void(ReportWriter &)> &options = {}) {
+        const ReportContext ctx = reportContext();
+        ReportWriter report(ctx);
+        report.reportType = kCaseType;
+        report.caseOptions.cards = CaseCards::all;
+        if (options)
+            options(report);
+        fillSortTable(project.connection(), allRows(),
+                      report.includeAll ? ReportRows::all : ReportRows::tagged, task);
+        createCaseReport(report, ctx, temp);
+        cancelled = report.cancel;
+        failed = report.recordsFailed;
+        return file("index.htm");
+    }
+    std::string redacted(std::initializer_list<std::string> rules) {
+        return makeCase([&](ReportWriter &each) {
+            for (const std::string &rule : rules)
+                each.caseOptions.redactions.push_back(redactionRules(rule).front());
+        });
+    }
+    std::string file(const std::string &name) { return textAt(folder.path / name); }
+    /// Every byte of what is handed over.
+    std::string everything() {
+        std::string all;
+        for (const auto &entry : fs::recursive_directory_iterator(folder.path))
+            if (entry.is_regular_file())
+                all += textOf(entry.path().filename()) + textAt(entry.path());
+        return all;
+    }
+    std::size_t filesWith(const std::string &what) {
+        return everything().find(what) == std::string::npos ? 0 : 1;
+    }
+
+    ReportFolder folder = ReportFolder::of(temp, kCaseType);
+    std::size_t failed = 0;
+};
+
+TEST_F(CaseReportTest, aCoverTellsTheCaseAndWhatIsInIt) {
+    addHistory("http://one.example/", 1);
+    add("http://two.example/a.gif", "GIF89a picture");
+    const std::string html = makeCase([](ReportWriter &each) {
+        each.caseNumber = "2011/17 <b>";
+        each.reportedBy = "M. Quill";
+        each.reportTitle = "Harbour & tide";
+        each.caseOptions.content = "the query \"x\"";
+    });
+    EXPECT_THAT(html,
+                AllOf(HasSubstr("<h1>Harbour &amp; tide</h1>"),
+                      HasSubstr("<dt>Case</dt><dd>2011/17 &lt;b&gt;</dd>"),
+                      HasSubstr("<dt>Examiner</dt><dd>M. Quill</dd>"),
+                      HasSubstr("<dt>Rows</dt><dd>2</dd>"), HasSubstr("the query &quot;x&quot;"),
+                      HasSubstr("Nothing was redacted."),
+                      HasSubstr("<a href=\"history-1.htm\"><span>History</span><b>1</b>")));
+    EXPECT_THAT(html, AllOf(HasSubstr("<a href=\"cards-1.htm\"><span>All rows</span><b>2</b>"),
+                            HasSubstr("role=\"img\" aria-label=\"Events over time\""),
+                            HasSubstr("aria-label=\"Hours of the day\"")));
+    EXPECT_THAT(file("cache-1.htm"), HasSubstr("http://two.example/a.gif"));
+    EXPECT_THAT(file("cards-1.htm"), HasSubstr("<a href=\"pictures/0000002.gif\"><img "
+                                               "src=\"pictures/0000002.jpg\""));
+    EXPECT_FALSE(fs::exists(folder.path / "cookies-1.htm"));
+    EXPECT_TRUE(project.log.entries.empty());
+}
+
+TEST_F(CaseReportTest, nothingOfARecordRunsOrIsALinkOutside) {
+    const UrlId id = addHistory("javascript:alert(1)", 1);
+    set(id, "WebPageTitle", "</script><script>alert(2)</script><img src=x onerror=alert(3)>");
+    set(id, "Notes", "\"><svg onload=alert(4)>\r\n\xE2\x80\xAEgnp.exe");
+    set(id, "Referrer", "http://from.example/'\"><a href=http://out.example>");
+    makeCase();
+    const std::regex outside("<[a-z]+ [^<>]*(href|src)=[\"']?(https?:|//|javascript:|data:|file:)");
+    for (const char *name : {"index.htm", "history-1.htm", "cards-1.htm"}) {
+        const std::string text = file(name);
+        EXPECT_FALSE(std::regex_search(text, outside)) << name;
+        EXPECT_EQ(countOf(text, "<script"), 1u) << name;
+        EXPECT_EQ(countOf(text, "<img"), 0u) << name;
+        EXPECT_THAT(text,
+                    AllOf(Not(HasSubstr("\xE2\x80\xAE")), HasSubstr(std::string(casePolicy()))));
+    }
+    EXPECT_THAT(file("cards-1.htm"), HasSubstr("&lt;/script&gt;&lt;script&gt;alert(2)"));
+    EXPECT_THAT(file("cards-1.htm"), HasSubstr("<bdi class=\"u\">javascript:alert(1)</bdi>"));
+}
+
+TEST_F(CaseReportTest, thePolicyNamesStyleAndScriptByTheirHashes) {
+    const std::string policy(casePolicy());
+    EXPECT_THAT(policy, AllOf(HasSubstr("default-src 'none'"), HasSubstr("script-src 'sha256-"),
+                              HasSubstr("style-src 'sha256-"), Not(HasSubstr("unsafe"))));
+    EXPECT_THAT(std::string(caseScript()), Not(HasSubstr("eval")));
+    EXPECT_THAT(std::string(caseScript()), Not(HasSubstr("innerHTML")));
+}
+
+TEST_F(CaseReportTest, hugeValuesAreCutOnPagesAndWholeInTheList) {
+    const std::string url = "http://long.example/" + std::string(50000, 'a');
+    addHistory(url, 1);
+    makeCase();
+    EXPECT_LT(file("history-1.htm").size(), 30000u);
+    EXPECT_THAT(file("history-1.htm"), HasSubstr("(50,020 letters in all)"));
+    EXPECT_THAT(file("history.csv"), HasSubstr(url));
+}
+
+TEST_F(CaseReportTest, listsHoldNoFormulas) {
+    const UrlId id = addHistory("http://one.example/", 1);
+    set(id, "WebPageTitle", "=cmd|' /C calc'!A1");
+    makeCase();
+    EXPECT_THAT(file("history.csv"), HasSubstr(",'=cmd|"));
+}
+
+TEST_F(CaseReportTest, manyRowsGoIntoPages) {
+    CaseFrame frame;
+    frame.title = "Title";
+    CaseSection section;
+    section.title = "History";
+    section.name = "history";
+    section.rows = 2 * kCaseRowsAPage + 1;
+    section.rowsAPage = kCaseRowsAPage;
+    frame.sections = {section};
+    CaseTable table(frame, frame.sections.front(), temp);
+    CaseRow row;
+    for (std::uint64_t at = 0; at < section.rows; ++at) {
+        row.id = UrlId{static_cast<std::int64_t>(at + 1)};
+        row.address = "http://a.example/";
+        table.add(row);
+    }
+    table.finish();
+    const auto rowsIn = [this](const char *name) {
+        return countOf(textAt(temp / name), "<tr data-r");
+    };
+    EXPECT_EQ(rowsIn("history-1.htm"), kCaseRowsAPage);
+    EXPECT_EQ(rowsIn("history-2.htm"), kCaseRowsAPage);
+    EXPECT_EQ(rowsIn("history-3.htm"), 1u);
+    EXPECT_EQ(countOf(textAt(temp / "history.csv"), "\r\n"), section.rows + 1);
+    EXPECT_THAT(textAt(temp / "history-2.htm"),
+                AllOf(HasSubstr("Page 2 of 3"), HasSubstr("<a href=\"history-1.htm\">Previous</a>"),
+                      HasSubstr("<a href=\"history-3.htm\">Next</a>")));
+}
+
+TEST_F(CaseReportTest, onlyTickedRowsHaveCardsUnlessAskedFor) {
+    addHistory("http://one.example/", 1);
+    addHistory("http://two.example/", 2);
+    project.connection().exec("UPDATE URLs SET Tagged = 1 WHERE URL_ID = 2");
+    makeCase([](ReportWriter &each) { each.caseOptions.cards = CaseCards::ticked; });
+    EXPECT_EQ(countOf(file("ticked-1.htm"), "<article"), 1u);
+    EXPECT_EQ(countOf(file("history-1.htm"), "<tr data-r"), 2u);
+    makeCase([](ReportWriter &each) { each.caseOptions.cards = CaseCards::none; });
+    EXPECT_FALSE(fs::exists(folder.path / "ticked-1.htm"));
+}
+
+TEST_F(CaseReportTest, evidenceAndWhatWasNotReadAreTold) {
+    addHistory("http://one.example/", 1);
+    project.connection().exec(
+        "INSERT INTO SourceFiles (FilePath, FileSize, MD5Hash, SHA256Hash, Successful) VALUES "
+        "('/case/<History>', 12345, 'aa11', 'bb22', 0)");
+    CaseTrail(project.connection())
+        .add({0, Date::fromCivil({2011, 5, 1, 1, 0, 0}), "Not Readable", "permission denied",
+              "/case/locked", 0, "", "", 0, "1"});
+    const std::string html = makeCase([](ReportWriter &each) { each.includeCaseTrail = true; });
+    EXPECT_THAT(html, AllOf(HasSubstr("/case/&lt;History&gt;"), HasSubstr("SHA-256 bb22"),
+                            HasSubstr("12.3 KB"), HasSubstr("not read to its end"),
+                            HasSubstr("/case/locked"), HasSubstr("permission denied"),
+                            HasSubstr("<h2 id=\"trail\">")));
+    EXPECT_THAT(file("evidence.csv"), HasSubstr("/case/<History>"));
+}
+
+TEST_F(CaseReportTest, everyFileIsNamedWithItsHash) {
+    add("http://two.example/a.gif", "GIF89a picture");
+    makeCase();
+    const std::string list = file("files.csv");
+    std::size_t count = 0;
+    for (const auto &entry : fs::recursive_directory_iterator(folder.path)) {
+        if (!entry.is_regular_file() || entry.path().filename() == kReportFiles)
+            continue;
+        ++count;
+        const std::string name = entry.path().lexically_relative(folder.path).generic_string();
+        EXPECT_THAT(list, HasSubstr(name + "," + std::to_string(fs::file_size(entry.path())) + "," +
+                                    hashesOfFile(entry.path())->sha256));
+    }
+    EXPECT_EQ(countOf(list, "\r\n"), count + 1);
+}
+
+TEST_F(CaseReportTest, rowsOfAHostAndAPersonAreLeftOut) {
+    addHistory("http://www.tide.example/secret", 1);
+    const UrlId two = addHistory("http://other.example/?from=www.tide.example", 2);
+    set(two, "Referrer", "http://www.TIDE.example/");
+    const UrlId three = addHistory("http://third.example/", 3);
+    set(three, "Person", "Quill");
+    const std::string html = redacted({"leave out host=tide.example", "leave out person=quill"});
+    EXPECT_THAT(html, AllOf(HasSubstr("<dt>Rows left out</dt><dd>2</dd>"),
+                            HasSubstr("<dt>Rows</dt><dd>1</dd>"), HasSubstr("1 host, 1 person")));
+    EXPECT_EQ(filesWith("tide.example"), 0u);
+    EXPECT_EQ(filesWith("TIDE.example"), 0u);
+    EXPECT_EQ(filesWith("third.example"), 0u);
+    EXPECT_EQ(rowsReported(project.connection()), 1);
+    EXPECT_THAT(file("history.csv"), HasSubstr("http://other.example/?from=www.[redacted]"));
+}
+
+TEST_F(CaseReportTest, aBlurredHostTellsNothingOfItsRows) {
+    const UrlId site = add("http://tide.example/page.html",
+                           "<html><title>Low water</title>Nobody may read this</html> ");
+    set(site, "WebPageTitle", "Low water");
+    const std::string html = redacted({"blur host=tide.example"});
+    EXPECT_THAT(html, AllOf(HasSubstr("<dt>Rows left out</dt><dd>0</dd>"),
+                            HasSubstr("<dt>Contents left out</dt><dd>1</dd>")));
+    for (const char *gone : {"tide.example", "Low water", "Nobody may read this"})
+        EXPECT_EQ(filesWith(gone), 0u) << gone;
+    EXPECT_THAT(file("cards-1.htm"), HasSubstr("Its content was left out on purpose."));
+}
+
+TEST_F(CaseReportTest, aValueGoesOutOfRebuiltPagesAndTheirParts) {
+    const UrlId site =
+        add("http://host/page.html",
+            "<!DOCTYPE html><html><title>Inbox</title><img src=\"pic/logo.gif\" >"
+            "<p title=\"of Mara Quill\">For Mara&nbsp;Quill and mara quill</p></html> ");
+    add("http://host/pic/logo.gif", "GIF89a by Mara Quill");
+    add("http://host/note.txt", "a note of MARA QUILL, plain");
+    ASSERT_TRUE(rebuild(site));
+    const std::string html = redacted({"blur value=mara quill"});
+    EXPECT_EQ(filesWith("Mara Quill"), 0u);
+    EXPECT_EQ(filesWith("mara quill"), 0u);
+    EXPECT_EQ(filesWith("MARA QUILL"), 0u);
+    EXPECT_THAT(file("0000001.NVR/0000001.htm"), HasSubstr("of [redacted]"));
+    EXPECT_THAT(file("0000001.NVR/0000002.gif"), AllOf(HasSubstr("GIF89a"), Not(HasSubstr("by"))));
+    EXPECT_THAT(file("0000003.NVR/0000003.txt"), HasSubstr("a note of [redacted], plain"));
+    EXPECT_EQ(file("pictures/0000002.gif"), "");
+    EXPECT_EQ(file("pictures/0000002-blurred.jpg"), "JPEG");
+    EXPECT_THAT(html, AllOf(HasSubstr("<dt>Pictures blurred</dt><dd>1</dd>"),
+                            HasSubstr("<dt>Pictures left out</dt><dd>1</dd>"),
+                            HasSubstr("<dt>Pages and texts changed</dt><dd>2</dd>")));
+    EXPECT_FALSE(fs::exists(temp / "~blur" / "0000002.gif"));
+}
+
+TEST_F(CaseReportTest, aPageWhoseWordsCantBeTakenOutIsLeftOut) {
+    const UrlId site =
+        add("http://host/page.html", "<!DOCTYPE html><html><title>Inbox</title><img "
+                                     "src=\"gone.gif\" ><p>se<b>cr</b>et</p></html> ");
+    ASSERT_TRUE(rebuild(site));
+    const std::string html = redacted({"blur value=secret"});
+    EXPECT_THAT(html, Not(HasSubstr("<dt>Contents left out</dt><dd>0</dd>")));
+    EXPECT_FALSE(fs::exists(folder.path / "0000001.NVR"));
+    EXPECT_THAT(file("cards-1.htm"), HasSubstr("Its page was left out on purpose."));
+}
+
+TEST_F(CaseReportTest, aChosenPictureGoesWhereverItsBytesStand) {
+    add("http://host/face.gif", "GIF89a the face");
+    add("http://mirror/copy.gif", "GIF89a the face");
+    const UrlId site = add("http://mirror/page.html",
+                           "<!DOCTYPE html><html><title>x</title><img src=\"copy.gif\" ></html> ");
+    ASSERT_TRUE(rebuild(site));
+    const std::string html = redacted({"leave out picture=1"});
+    EXPECT_EQ(filesWith("the face"), 0u);
+    EXPECT_THAT(html, HasSubstr("<dt>Pictures left out</dt><dd>3</dd>"));
+    EXPECT_THAT(file("cards-1.htm"), HasSubstr("Its picture was left out on purpose."));
+}
+
+TEST_F(CaseReportTest, aPageThatHoldsAChosenPictureAsDataIsLeftOut) {
+    add("http://host/face.gif", "GIF89a the face");
+    const UrlId site = add("http://host/page.html",
+                           "<!DOCTYPE html><html><title>x</title><img "
+                           "src=\"data:image/gif;base64,R0lGODlhIHRoZSBmYWNl\" ></html> ");
+    ASSERT_TRUE(rebuild(site));
+    makeCase();
+    EXPECT_EQ(filesWith("R0lGODlhIHRoZSBmYWNl"), 1u);
+    EXPECT_THAT(redacted({"blur picture=1"}),
+                Not(HasSubstr("<dt>Contents left out</dt><dd>0</dd>")));
+    EXPECT_EQ(filesWith("R0lGODlhIHRoZSBmYWNl"), 0u);
+}
+
+TEST_F(CaseReportTest, aPictureThatCantBeDrawnIsLeftOutNotShown) {
+    add("http://host/face.gif", "GIF89a broken face");
+    EXPECT_THAT(redacted({"blur picture=1"}), HasSubstr("<dt>Pictures left out</dt><dd>1</dd>"));
+    EXPECT_EQ(filesWith("broken face"), 0u);
+    drawing = nullptr;
+    redacted({"blur picture=1"});
+    EXPECT_EQ(filesWith("broken face"), 0u);
+}
+
+TEST_F(CaseReportTest, aCancelLeavesNoFirstPage) {
+    for (int day = 1; day < 10; ++day)
+        addHistory("http://one.example/" + std::to_string(day), day);
+    for (const int after : {0, 5, 15, 25}) {
+        CancelAfter stop(after);
+        monitor = &stop;
+        EXPECT_EQ(makeCase(), "");
+        EXPECT_TRUE(cancelled) << after;
+    }
+}
+
+TEST_F(CaseReportTest, itIsPublishedWholeAndTakenOutAgain) {
+    add("http://two.example/a.gif", "GIF89a picture");
+    makeCase();
+    const fs::path target = project.folder.path() / "handover";
+    fs::create_directories(target);
+    writeWhole(target / "mine.txt", "mine");
+    Unwatched watch;
+    EXPECT_FALSE(isReportThere(ReportFolder::at(target), kCaseType));
+    publishReport(folder, kCaseType, target, watch);
+    ASSERT_TRUE(isReportThere(ReportFolder::at(target), kCaseType));
+    EXPECT_EQ(textAt(target / "pictures" / "0000001.gif"), "GIF89a picture");
+    std::ofstream(target / kReportFiles, std::ios::app)
+        << "../outside.txt,1,x\r\nmine.txt/../..,1,x\r\n";
+    writeWhole(project.folder.path() / "outside.txt", "outside");
+    removePublished(target);
+    EXPECT_FALSE(fs::exists(target / "index.htm"));
+    EXPECT_FALSE(fs::exists(target / "pictures"));
+    EXPECT_EQ(textAt(target / "mine.txt"), "mine");
+    EXPECT_EQ(textAt(project.folder.path() / "outside.txt"), "outside");
+    writeWhole(target / "index.htm", "a page of the examiner's");
+    removePublished(target);
+    EXPECT_THROW(publishReport(folder, kCaseType, target, watch), std::runtime_error);
+    EXPECT_EQ(textAt(target / "index.htm"), "a page of the examiner's");
+}
+
+} // namespace
+} // namespace nv::test

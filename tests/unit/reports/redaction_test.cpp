@@ -1,0 +1,117 @@
+#include "reports/case/Redactor.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace nv::test {
+namespace {
+
+using testing::HasSubstr;
+
+RedactionRule blur(const std::string &text) {
+    return redactionRule(RedactionWay::blur, text);
+}
+RedactionRule leaveOut(const std::string &text) {
+    return redactionRule(RedactionWay::leaveOut, text);
+}
+
+TEST(RedactionTest, rulesAreReadAndWrittenBack) {
+    const RedactionRules rules = {leaveOut("Host = a.example"), blur("value=low = tide"),
+                                  blur("picture=17")};
+    EXPECT_EQ(linesOf(rules), "leave out host=a.example\nblur value=low = tide\nblur picture=17\n");
+    EXPECT_EQ(redactionRules("\r\n  " + linesOf(rules) + "\n\n"), rules);
+    EXPECT_EQ(chosenText(rules), "1 host, 1 value, 1 picture");
+}
+
+TEST(RedactionTest, whatCantBeReadIsRefused) {
+    for (const char *wrong : {"", "host", "host=", "host=ab", "value=\xC3\xA4\xC3\xA4", "room=12",
+                              "picture=abc", "picture=0", "picture=-1", "picture=99999999999"})
+        EXPECT_THROW(blur(wrong), std::invalid_argument) << wrong;
+    EXPECT_THROW(blur("value=" + std::string(2000, 'x')), std::invalid_argument);
+    EXPECT_THROW(redactionRules("hide host=a.example"), std::invalid_argument);
+    std::string many;
+    for (std::size_t i = 0; i <= kMostRedactions; ++i)
+        many += "blur host=a.example\n";
+    EXPECT_THROW(redactionRules(many), std::invalid_argument);
+}
+
+TEST(RedactionTest, aWordGoesInWhateverFormItIsWritten) {
+    Redactor redactor(
+        {blur("value=M\xC3\xA4ra Quill"), blur("person=bea"), blur("host=tide.example")});
+    for (const char *written :
+         {"M\xC3\xA4ra Quill", "M\xC3\x84RA QUILL", "M%C3%A4ra%20Quill",
+          "m&#228;ra&nbsp;quill|M&auml;", "M&#xE4;ra&#32;Quill", "M\\u00e4ra Quill",
+          "M\xC3\xA4\xE2\x80\x8Bra Quill", "M\xE4ra Quill"}) {
+        const std::string marked = redactor.text(written);
+        if (std::string(written).find("nbsp") == std::string::npos) {
+            EXPECT_EQ(marked, "[redacted]") << written;
+        }
+        EXPECT_FALSE(redactor.holds(marked)) << written;
+    }
+    EXPECT_EQ(redactor.text("C:\\Users\\bea\\Cache"), "C:\\Users\\[redacted]\\Cache");
+    EXPECT_EQ(redactor.text("http://www.TIDE.example/a?b=tide%2Eexample&c"),
+              "http://www.[redacted]/a?b=[redacted]&c");
+    EXPECT_EQ(redactor.text("q=M%C3%A4ra+Quill&x=M\xC3\xA4ra\r\n\tQuill"),
+              "q=[redacted]&x=[redacted]");
+    EXPECT_EQ(redactor.text("tide.example.bea"), "[redacted].[redacted]");
+    EXPECT_EQ(redactor.text("beabea"), "[redacted][redacted]");
+    EXPECT_EQ(redactor.text("nothing of it"), "nothing of it");
+    EXPECT_EQ(redactor.text(""), "");
+}
+
+TEST(RedactionTest, aWordThatIsCodedTwiceTakesTheWholeTextWithIt) {
+    Redactor redactor({blur("value=secret")});
+    EXPECT_EQ(redactor.text("http://a.example/?u=%2573ecret"), "[redacted]");
+    EXPECT_EQ(redactor.text("x %73ecret y"), "x [redacted] y");
+    EXPECT_EQ(redactor.counts.placesBlurred, 2u);
+}
+
+TEST(RedactionTest, whatIsHiddenInAFileIsFound) {
+    const Redactor redactor({blur("value=secret")});
+    EXPECT_TRUE(redactor.holds("s<b>ecr</b>et"));
+    EXPECT_TRUE(redactor.holds("<img src='data:text/plain;base64,YSBzZWNyZXQu'>"));
+    EXPECT_TRUE(redactor.holds("url(data:text/css,%73ecret)"));
+    EXPECT_TRUE(redactor.holds(std::string_view("S\0E\0c\0r\0e\0t\0", 12)));
+    EXPECT_TRUE(redactor.holds(std::string_view("\0s\0e\0c\0r\0e\0t", 12)));
+    EXPECT_TRUE(redactor.holds("se&shy;cret"));
+    EXPECT_FALSE(redactor.holds("sec ret"));
+    EXPECT_FALSE(redactor.holds("<a title='data:"));
+}
+
+TEST(RedactionTest, hugeAndBrokenTextsEnd) {
+    Redactor redactor({blur("value=secret")});
+    EXPECT_EQ(redactor.text(std::string(1 << 20, '%')).size(), std::size_t{1} << 20);
+    EXPECT_EQ(redactor.text(std::string(1 << 20, '&')).size(), std::size_t{1} << 20);
+    EXPECT_FALSE(redactor.holds(std::string(1 << 20, '<')));
+    EXPECT_FALSE(redactor.holds("\\u00"));
+    EXPECT_FALSE(redactor.holds("&#"));
+    std::string data;
+    for (int i = 0; i < 200000; ++i)
+        data += "data:,data:";
+    EXPECT_FALSE(redactor.holds(data));
+}
+
+TEST(RedactionTest, rowsAreLeftOutByHostPersonAndValue) {
+    UrlRecord record;
+    record.URL = "http://www.tide.example/a";
+    record.host = "www.tide.example";
+    record.Person = "Mara";
+    const auto isOut = [&record](const std::string &rule) {
+        return Redactor({leaveOut(rule)}).leavesOut(record, {record.URL});
+    };
+    EXPECT_TRUE(isOut("host=tide.example"));
+    EXPECT_TRUE(isOut("host=WWW.tide.example"));
+    EXPECT_FALSE(isOut("host=ide.example"));
+    EXPECT_TRUE(isOut("person=mara"));
+    EXPECT_FALSE(isOut("person=mar"));
+    EXPECT_TRUE(isOut("value=TIDE.ex"));
+    EXPECT_FALSE(isOut("picture=1"));
+    EXPECT_FALSE(Redactor({blur("host=tide.example")}).leavesOut(record, {}));
+    record.host.clear();
+    EXPECT_TRUE(isOut("host=tide.example"));
+}
+
+} // namespace
+} // namespace nv::test
