@@ -120,9 +120,13 @@ Walk UrlTable::fill(const std::vector<IdQuery> &queries, TaskMonitor &task, Foun
     return limit(task, rows);
 }
 
+bool UrlTable::isLimited() const {
+    return ofSearch || time || tags || !places.isEmpty() || !byColumn.empty();
+}
+
 /// The time comes last: its bar shows what the other limits leave.
 Walk UrlTable::limit(TaskMonitor &task, Found &rows) {
-    if (!ofSearch && !time && !tags && places.isEmpty() && byColumn.empty())
+    if (!isLimited())
         return Walk::Finished;
     rows.ofQuery = rows.ids;
     Walk walk = limitColumns(task, rows);

@@ -89,6 +89,8 @@ class UrlTable {
     const RowIds &idsOfQuery() const { return m_idsOfQuery ? *m_idsOfQuery : m_ids; }
     /// The rows that the time limit leaves and those that it hides.
     const RowIds &idsOfAllTimes() const { return m_idsOfAllTimes ? *m_idsOfAllTimes : m_ids; }
+    /// Something besides the query, the host and the filters may hide rows.
+    bool isLimited() const;
     /// Rows of the query that the record filters and the limits hide.
     std::size_t hiddenCount() const { return m_hidden; }
     /// The query failed at damage of the project, so that each row was asked for itself.

@@ -278,10 +278,8 @@ void TableTab::showRows() {
     m_grid->fitToRows();
     m_grid->showSort(m_table->columnSort());
     m_empty->showState(m_table->emptyState(), m_table->hiddenCount(),
-                       m_table->ofSearch || m_table->time || m_table->tags ||
-                               !m_table->places.isEmpty() || !m_table->byColumn.empty()
-                           ? EmptyPage::HiddenBy::others
-                           : EmptyPage::HiddenBy::filters);
+                       m_table->isLimited() ? EmptyPage::HiddenBy::others
+                                            : EmptyPage::HiddenBy::filters);
     m_pages->setCurrentWidget(m_table->rowCount() > 0 ? static_cast<QWidget *>(m_grid) : m_empty);
 }
 
@@ -302,25 +300,22 @@ void TableTab::noteTick(qint64 urlID, bool tagged) {
 
 void TableTab::noteFlipped(qint64 rows) {
     const int current = m_grid->currentIndex().row();
-    if (!m_table || current < 0)
+    if (!m_table || current < 0 || rows == 0)
         return;
     const auto place = static_cast<std::size_t>(current);
     emit ticked(static_cast<qint64>(m_table->idAt(place)), rows, m_table->isTagged(place));
 }
 
 void TableTab::flipTags() {
-    if (m_project && isReadOnly(*m_project)) {
-        emit tickingRefused();
-        return;
-    }
+    if (m_project && isReadOnly(*m_project))
+        return emit tickingRefused();
     if (m_grid->selectedRowCount() > 1) {
         m_runTask({"TAGGING URLS", "", "", ""},
                   [this](TaskMonitor &task) { m_grid->flipSelectedTags(task); });
         const qint64 before = m_ticks.all();
         m_ticks.forget();
         countTagged();
-        if (m_ticks.all() != before)
-            noteFlipped(std::abs(m_ticks.all() - before));
+        noteFlipped(std::abs(m_ticks.all() - before));
     } else if (m_model.flipTag(m_grid->currentIndex().row())) {
         m_ticks.note(m_table->isTagged(static_cast<std::size_t>(m_grid->currentIndex().row())),
                      true);
@@ -331,8 +326,8 @@ void TableTab::flipTags() {
 }
 
 void TableTab::copyCell() {
-    QGuiApplication::clipboard()->setText(m_table ? GridText(*m_grid, *m_table).currentCell()
-                                                  : QString());
+    if (m_table)
+        QGuiApplication::clipboard()->setText(GridText(*m_grid, *m_table).currentCell());
 }
 
 void TableTab::copyRows() {

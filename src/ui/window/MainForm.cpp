@@ -12,36 +12,22 @@
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"
 #include "ui/views/TableTab.h"
-#include "ui/window/ColumnLimitsPart.h"
 #include "ui/window/CopyPart.h"
 #include "ui/window/ExportPart.h"
 #include "ui/window/FilesPart.h"
-#include "ui/window/FiltersPart.h"
-#include "ui/window/GalleryPart.h"
 #include "ui/window/GuidePart.h"
-#include "ui/window/HostsPart.h"
-#include "ui/window/LimitsPart.h"
-#include "ui/window/LinkPart.h"
-#include "ui/window/NetworkPart.h"
 #include "ui/window/OptionsPart.h"
-#include "ui/window/PlacesPart.h"
-#include "ui/window/QueryPart.h"
 #include "ui/window/RebuildPart.h"
-#include "ui/window/RebuiltPanes.h"
 #include "ui/window/RecordArea.h"
 #include "ui/window/ReportPart.h"
 #include "ui/window/RowMenuPart.h"
-#include "ui/window/SearchPart.h"
-#include "ui/window/TagsPart.h"
-#include "ui/window/TemplatesPart.h"
 #include "ui/window/TextForm.h"
-#include "ui/window/TimePart.h"
 #include "ui/window/TipForm.h"
-#include "ui/window/TrailPart.h"
 #include "ui/window/UpgradePart.h"
 #include "ui/window/ViewersPart.h"
 #include "ui/window/WelcomePage.h"
 #include "ui/window/WindowLayout.h"
+#include "ui/window/WindowParts.h"
 #include "ui/window/Workbench.h"
 #include "views/QueryCommands.h"
 
@@ -119,22 +105,7 @@ QWidget *MainForm::newProjectPage() {
 
 /// In the order of their tabs.
 void MainForm::addParts() {
-    m_parts.push_back(std::make_unique<QueryPart>(*m_bench));
-    m_parts.push_back(std::make_unique<GalleryPart>(*m_bench));
-    m_parts.push_back(std::make_unique<TemplatesPart>(*m_bench));
-    m_parts.push_back(std::make_unique<HostsPart>(*m_bench));
-    m_parts.push_back(std::make_unique<PlacesPart>(*m_bench));
-    m_parts.push_back(std::make_unique<FiltersPart>(*m_bench));
-    m_parts.push_back(std::make_unique<ColumnLimitsPart>(*m_bench));
-    m_parts.push_back(std::make_unique<TimePart>(*m_bench));
-    m_parts.push_back(std::make_unique<TagsPart>(*m_bench));
-    m_parts.push_back(std::make_unique<RebuiltPanes>(*m_bench));
-    m_parts.push_back(std::make_unique<LinkPart>(*m_bench));
-    m_parts.push_back(std::make_unique<NetworkPart>(*m_bench));
-    m_parts.push_back(std::make_unique<TrailPart>(*m_bench));
-    m_parts.push_back(std::make_unique<ViewersPart>(*m_bench));
-    m_parts.push_back(std::make_unique<SearchPart>(*m_bench));
-    m_parts.push_back(std::make_unique<LimitsPart>(*m_bench));
+    m_parts = newParts(*m_bench);
     auto rebuild = std::make_unique<RebuildPart>(*m_bench);
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));

@@ -15,7 +15,8 @@ namespace nv {
 class TagsPane;
 
 /// Named tags in the main window: the list beside the table, the menu of the chosen rows, the keys
-/// 1 to 9, the limit to rows of a tag, and steps of the window's undo. What it does to the project goes through app/jobs/TagJob.h.
+/// 1 to 9, the limit to rows of a tag, and steps of the window's undo. What it does to the project
+/// goes through app/jobs/TagJob.h.
 class TagsPart final : public QObject, public Limiter {
     Q_OBJECT
 

@@ -37,7 +37,7 @@ class Workbench final : public QObject {
     TableTab *table = nullptr;
     ViewerTabs *viewers = nullptr;
     QMenu *tags = nullptr; ///< named tags of the chosen rows; made by their part
-    Limits limits; ///< whatever hides rows of the table
+    Limits limits;         ///< whatever hides rows of the table
 
     Examiner &examiner() const { return program.around.examiner; }
     bool isProjectOpen() const { return program.state.projectDB.isOpen(); }
