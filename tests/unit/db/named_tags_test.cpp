@@ -81,7 +81,7 @@ TEST_F(NamedTagsTest, standInTheOrderOfTheirMakingWithColoursOfTheirOwn) {
 }
 
 TEST_F(NamedTagsTest, takeNamesThatAreNoSql) {
-    const std::string hostile = "'); DROP TABLE URLs; -- \"[x]\" %_ \u202E ä";
+    const std::string hostile = "'); DROP TABLE URLs; -- \"[x]\" %_ \u202E ä\u202C";
     const NamedTag tag = add(hostile);
     set(tag, {3}, hostile);
     EXPECT_EQ(tags.find(hostile)->tagID, tag.tagID);
