@@ -172,9 +172,12 @@ TEST_F(CaseReportTest, evidenceAndWhatWasNotReadAreTold) {
     project.connection().exec(
         "INSERT INTO SourceFiles (FilePath, FileSize, MD5Hash, SHA256Hash, Successful) VALUES "
         "('/case/<History>', 12345, 'aa11', 'bb22', 0)");
-    CaseTrail(project.connection())
-        .add({0, Date::fromCivil({2011, 5, 1, 1, 0, 0}), "Not Readable", "permission denied",
-              "/case/locked", 0, "", "", 0, "1"});
+    TrailEntry entry;
+    entry.actionDateUTC = Date::fromCivil({2011, 5, 1, 1, 0, 0});
+    entry.action = "Not Readable";
+    entry.detail = "permission denied";
+    entry.filePath = "/case/locked";
+    CaseTrail(project.connection()).add(entry);
     const std::string html = makeCase([](ReportWriter &each) { each.includeCaseTrail = true; });
     EXPECT_THAT(html, AllOf(HasSubstr("/case/&lt;History&gt;"), HasSubstr("SHA-256 bb22"),
                             HasSubstr("12.3 KB"), HasSubstr("not read to its end"),
