@@ -172,7 +172,6 @@ Command exportCommand() {
                    "Timesketch, mactime and log2timeline, places as KML, and "
                    "cached contents as a web archive (WARC)"},
         .examples = {{"export case.nvp rows.xlsx", "the form follows from the name"},
-                     {"export case.nvp - --format csv | less", "to the standard output"},
                      {"export case.nvp events.jsonl --format timesketch", "every date as an event"},
                      {"export case.nvp cache.warc.gz --tagged",
                       "cached contents of rows with the tick, as a web archive"}},

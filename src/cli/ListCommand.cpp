@@ -138,8 +138,6 @@ Command listCommand() {
                        "`--query`, `--tag`, `--columns` or `--layout`, `--format` table, csv, tsv, "
                        "jsonl"},
             .examples = {{"list case.nvp --host example.com", "the rows of a host as a table"},
-                         {"list case.nvp --filter CacheURLs,JPEG", "cached JPEG pictures only"},
-                         {"list case.nvp --tag Important", "rows with a tag"},
                          {"list case.nvp --layout Pictures", "what the window's layout shows"},
                          {"list case.nvp --format csv > rows.csv",
                           "all rows and columns for a spreadsheet"}},

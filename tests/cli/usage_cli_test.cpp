@@ -47,7 +47,7 @@ TEST_F(UsageCliTest, aWordThatAnOptionDoesNotTakeIsRefusedWithThoseItTakes) {
                 HasSubstr("\"xml\" is none of delimited, csv, jsonl, xlsx, warc, timesketch, "
                           "timesketch-csv, body, l2tcsv and kml\n"));
     EXPECT_THAT(run({"report", "a.nvp", "--type", "long", "--out", "x"}).err,
-                HasSubstr("\"long\" is none of graphical and tabular\n"));
+                HasSubstr("\"long\" is none of graphical, tabular and case\n"));
     EXPECT_THAT(run({"import", "a.nvp", "x", "--format", "csv"}).err,
                 HasSubstr("\"csv\" is none of text and json\n"));
     EXPECT_THAT(run({"gallery", "a.nvp", "--per-page", "0", "--out", "x"}).err,

@@ -226,7 +226,7 @@ void BrowserTest::theLocationIsReadOnlyAndReachedByKeys() {
     auto &text = child<QLineEdit>(pane(), "txtLocation");
     QVERIFY(text.isReadOnly());
     child<TableTab>(*m_form, "TableTab").grid().setFocus();
-    for (int i = 0; i < 10 && m_form->focusWidget() != &text; ++i)
+    for (int i = 0; i < 20 && m_form->focusWidget() != &text; ++i)
         QTest::keyClick(m_form->focusWidget(), Qt::Key_Tab);
     QCOMPARE(m_form->focusWidget(), &text);
 }

@@ -276,7 +276,7 @@ void RebuildTest::theAuditIsReachedByKeys() {
     QVERIFY(waitFor([this] { return audit().model()->rowCount() == 2; }));
     auto &viewers = child<QTabWidget>(*m_form, "viewerTabs");
     grid().setFocus();
-    for (int i = 0; i < 10 && m_form->focusWidget() != &audit(); ++i)
+    for (int i = 0; i < 20 && m_form->focusWidget() != &audit(); ++i)
         QTest::keyClick(m_form->focusWidget(), Qt::Key_Tab);
     QCOMPARE(m_form->focusWidget(), &audit());
     QTest::keyClick(&audit(), Qt::Key_Down);

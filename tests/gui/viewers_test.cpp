@@ -329,7 +329,7 @@ void ViewersTest::propertiesHaveWhatTheCameraWrote() {
 void ViewersTest::aPropertySaysWhyItIsSo() {
     show(1, "PropertiesPane");
     auto &list = pane<QTreeWidget>("PropertiesGrid");
-    QTRY_VERIFY(list.topLevelItemCount() > 70);
+    QTRY_VERIFY(!list.findItems(QStringLiteral("ActionDateUTC"), Qt::MatchExactly).isEmpty());
     auto &why = pane<QPushButton>("btnWhy");
     auto &bytes = pane<QPushButton>("btnBytes");
     const auto found = list.findItems(QStringLiteral("ActionDateUTC"), Qt::MatchExactly);

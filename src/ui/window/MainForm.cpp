@@ -91,7 +91,8 @@ QWidget *MainForm::newProjectPage() {
     m_bench->dataArea->addWidget(dataTabs);
     m_bench->table = m_table;
     m_bench->viewers = m_viewers;
-    m_record = new RecordArea(*newCard(*m_bench), *m_viewers, *this);
+    m_bench->card = newCard(*m_bench);
+    m_record = new RecordArea(*m_bench->card, *m_viewers, *this);
     addParts();
     auto *halves = new QSplitter(Qt::Vertical);
     halves->setObjectName(QStringLiteral("mainSplitter"));

@@ -49,7 +49,7 @@ void MainMenus::buildFile(const MainActions &actions) {
 void MainMenus::buildEdit(const MainActions &actions) {
     QMenu *menu = named(m_window.menuBar()->addMenu(tr("&Edit")), "menuEdit");
     menu->addActions({actions.copyCell, actions.copyRows});
-    named(menu->addMenu(tr("Copy A&s")), "menuCopyAs")
+    named(menu->addMenu(tr("Cop&y As")), "menuCopyAs")
         ->addActions(
             {actions.copyCsv, actions.copyMarkdown, actions.copyJson, actions.copyDefanged});
     menu->addAction(actions.selectAll);

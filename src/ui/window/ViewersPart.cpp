@@ -201,7 +201,7 @@ void ViewersPart::showSource(UrlId id) {
 }
 
 void ViewersPart::addWhy() {
-    m_properties = m_bench.viewers->findChild<PropertiesPane *>();
+    m_properties = m_bench.card->findChild<PropertiesPane *>();
     connect(m_properties, &PropertiesPane::whyWanted, this, [this](const QString &field) {
         m_bench.run("MainForm.Explain()", [this, field] { explain(field); });
     });

@@ -36,6 +36,7 @@ class Workbench final : public QObject {
     QSplitter *dataArea = nullptr; ///< the data tabs and what stands beside them
     TableTab *table = nullptr;
     ViewerTabs *viewers = nullptr;
+    QWidget *card = nullptr; ///< what is known of the current record, beside the viewers
     QMenu *tags = nullptr; ///< named tags of the chosen rows; made by their part
     Limits limits;         ///< whatever hides rows of the table
 
