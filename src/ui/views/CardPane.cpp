@@ -92,7 +92,7 @@ CardPane::CardPane(Load load, PropertiesPane &properties, QWidget *parent)
     halves->addWidget(&properties);
     halves->setStretchFactor(0, 3);
     halves->setStretchFactor(1, 2);
-    halves->setSizes({300, 200});
+    halves->setSizes({180, 200});
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(halves);

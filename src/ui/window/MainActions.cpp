@@ -61,7 +61,7 @@ MainActions::MainActions(QObject *o)
       filters(make(o, "actFilters", tr("&Filters..."), "filter", Qt::CTRL | Qt::SHIFT | Qt::Key_F)),
       places(make(o, "actPlaces", tr("&Places"), "hosts", Qt::CTRL | Qt::SHIFT | Qt::Key_H)),
       hosts(make(o, "actHosts", tr("&Hosts"), "hosts", Qt::CTRL | Qt::Key_H)),
-      time(make(o, "actTime", tr("Ti&me"), "history", Qt::CTRL | Qt::SHIFT | Qt::Key_T)),
+      time(make(o, "actTime", tr("Ti&me"), "time", Qt::CTRL | Qt::SHIFT | Qt::Key_T)),
       columns(make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::Key_L)),
       viewers(make(o, "actViewers", tr("&Viewers"), "", Qt::Key_F4)),
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),

@@ -117,8 +117,8 @@ void MainMenus::buildToolBar(const MainActions &actions) {
     m_toolBar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     m_toolBar->addActions({actions.newProject, actions.openProject, actions.import});
     m_toolBar->addSeparator();
-    m_toolBar->addActions(
-        {actions.search, actions.filters, actions.places, actions.columns, actions.refresh});
+    m_toolBar->addActions({actions.search, actions.filters, actions.places, actions.time,
+                           actions.columns, actions.refresh});
     m_toolBar->addSeparator();
     m_toolBar->addActions({actions.tag, actions.rebuild, actions.createReport, actions.exportRows});
     m_toolBar->addSeparator();

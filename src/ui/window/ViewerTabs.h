@@ -62,9 +62,9 @@ class ViewerTabs final : public QTabWidget {
 
   private:
     struct Entry {
-        QWidget *widget;
-        RecordPane *pane;
-        const char *procedure;
+        QWidget *widget = nullptr;
+        RecordPane *pane = nullptr;
+        const char *procedure = "";
         bool isStale = true; ///< doesn't show the record yet
     };
     QWidget *newButtons();
