@@ -136,7 +136,8 @@ TEST_F(SearchCliTest, looksForAListOfKeywords) {
     const auto list = folder.write("terms.txt", "# first list\ndover\n\"rain\"\n/tide\\d/\nmoon\n");
     const CliResult run = cli({"keywords", project, list.string(), "--format", "tsv"});
     EXPECT_EQ(run.exit, 0) << run.err;
-    EXPECT_EQ(run.out, "Term\tRows\tHits\tLine\ndover\t2\t2\t2\nrain\t1\t1\t3\ntide\\\\d\t1\t1\t4\n");
+    EXPECT_EQ(run.out,
+              "Term\tRows\tHits\tLine\ndover\t2\t2\t2\nrain\t1\t1\t3\ntide\\\\d\t1\t1\t4\n");
     EXPECT_THAT(run.err, HasSubstr("3 of 4 terms found in 2 of 2 rows\n"));
     EXPECT_THAT(cli({"keywords", project, list.string(), "--all", "--format", "tsv"}).out,
                 HasSubstr("moon\t0\t0\t5\n"));

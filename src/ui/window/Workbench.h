@@ -37,8 +37,8 @@ class Workbench final : public QObject {
     TableTab *table = nullptr;
     ViewerTabs *viewers = nullptr;
     QWidget *card = nullptr; ///< what is known of the current record, beside the viewers
-    QMenu *tags = nullptr; ///< named tags of the chosen rows; made by their part
-    Limits limits;         ///< whatever hides rows of the table
+    QMenu *tags = nullptr;   ///< named tags of the chosen rows; made by their part
+    Limits limits;           ///< whatever hides rows of the table
 
     Examiner &examiner() const { return program.around.examiner; }
     bool isProjectOpen() const { return program.state.projectDB.isOpen(); }
