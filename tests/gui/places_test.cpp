@@ -141,8 +141,8 @@ void PlacesTest::theTreesCountTheRows() {
     QCOMPARE(records(QStringLiteral("other.example")), QStringLiteral("2"));
     QCOMPARE(records(QStringLiteral("IE CACHE")), QStringLiteral("4"));
     QCOMPARE(records(QStringLiteral("Evidence")), QString());
-    QVERIFY(child<QLabel>(pane(), "labPlacesNote").isHidden());
-    shot("g6-wide");
+    QTRY_VERIFY(child<QLabel>(pane(), "labPlacesNote").isHidden());
+    shot("places-wide");
 }
 
 void PlacesTest::aClickShowsTheRowsOfAPlaceOnly() {
@@ -153,7 +153,7 @@ void PlacesTest::aClickShowsTheRowsOfAPlaceOnly() {
     tree().expandAll();
     click(QStringLiteral("img.harbour.example"));
     QCOMPARE(rows(), 1);
-    shot("g6-limited");
+    shot("places-limited");
     QTest::mouseClick(&child<QToolButton>(pane(), "btnAllPlaces"), Qt::LeftButton);
     QCOMPARE(rows(), 4);
     QVERIFY(child<QLabel>(pane(), "labPlaces").isHidden());
@@ -246,7 +246,7 @@ void PlacesTest::theCardSaysWhatTheRecordIs() {
     QVERIFY(text.contains(QStringLiteral("Internet Explorer")));
     QVERIFY2(text.contains(QStringLiteral("index.dat, offset")), qPrintable(text));
     QVERIFY(child<QTextEdit>(*m_form, "cardText").isReadOnly());
-    shot("g6-card");
+    shot("places-card");
     trigger(*m_form, "actClose");
     QVERIFY(cardText().isEmpty());
 }
@@ -348,7 +348,7 @@ void PlacesTest::cardAndViewersStandAsTheWindowHasRoom() {
     resize(1000, 900);
     QCOMPARE(area.orientation(), Qt::Vertical);
     QVERIFY(card.isVisible());
-    shot("g6-high");
+    shot("places-high");
     resize(960, 540);
     QCOMPARE(m_form->size(), QSize(960, 540));
     QCOMPARE(viewers().indexOf(&card), 0);
@@ -356,7 +356,7 @@ void PlacesTest::cardAndViewersStandAsTheWindowHasRoom() {
     goTo(1);
     QTRY_VERIFY(cardText().startsWith(QStringLiteral("Tide tables")));
     QCOMPARE(front(), QStringLiteral("CardPane")); // who reads the card goes on reading
-    shot("g6-small");
+    shot("places-small");
     resize(1280, 820);
     QCOMPARE(viewers().indexOf(&card), -1);
     QVERIFY(card.isVisible());
@@ -369,7 +369,7 @@ void PlacesTest::theBrowserPaneShowsTheRecordsAddress() {
     QTRY_COMPARE_WITH_TIMEOUT(
         child<QLineEdit>(browser, "txtLocation").text(),
         QStringLiteral("http://www.harbour.example/tide.html?q=low+water&t=1299006630"), 20'000);
-    shot("g6-page");
+    shot("places-page");
 }
 
 void PlacesTest::rowsAreCopiedInOtherForms() {

@@ -305,24 +305,24 @@ void TagsTest::coloursCanBeReadInBothPalettes() {
         QVERIFY(!image.isNull());
         if (!shots.isEmpty())
             image.save(QString::fromLocal8Bit(shots) +
-                       (theme == Theme::Light ? "/g4-light.png" : "/g4-dark.png"));
+                       (theme == Theme::Light ? "/tags-light.png" : "/tags-dark.png"));
         TagForm form(noted, {}, m_form.get());
         form.show();
         QTest::qWait(20);
         if (!shots.isEmpty() && theme == Theme::Light)
-            form.grab().save(QString::fromLocal8Bit(shots) + "/g4-form.png");
+            form.grab().save(QString::fromLocal8Bit(shots) + "/tags-form.png");
         QMenu &menu = openMenu();
         menu.popup(m_form->mapToGlobal(QPoint(100, 100)));
         if (!shots.isEmpty())
             menu.grab().save(QString::fromLocal8Bit(shots) +
-                             (theme == Theme::Light ? "/g4-menu.png" : "/g4-menu-dark.png"));
+                             (theme == Theme::Light ? "/tags-menu.png" : "/tags-menu-dark.png"));
         menu.close();
     }
     applyTheme(Theme::System);
     m_form->resize(960, 540);
     QTest::qWait(50);
     if (!shots.isEmpty())
-        m_form->grab().save(QString::fromLocal8Bit(shots) + "/g4-small.png");
+        m_form->grab().save(QString::fromLocal8Bit(shots) + "/tags-small.png");
     trigger(*m_form, "actTags");
 }
 
