@@ -22,7 +22,7 @@ std::optional<TimeSpan> spanOf(const ReportedRows &chosen) {
     if (chosen.from.empty() && chosen.to.empty())
         return std::nullopt;
     // Years that the calendar of dates can tell.
-    constexpr std::int64_t kFar = std::int64_t{250'000'000'000};
+    constexpr auto kFar = std::int64_t{250'000'000'000};
     TimeSpan span{-62'000'000'000, kFar};
     if (!chosen.from.empty())
         span.begin = secondAsked(chosen.from, "--from");
