@@ -345,7 +345,7 @@ void PlacesTest::cardAndViewersStandAsTheWindowHasRoom() {
         QTest::qWait(50);
     };
     QCOMPARE(area.orientation(), Qt::Horizontal);
-    resize(1000, 900);
+    resize(1000, 1000);
     QCOMPARE(area.orientation(), Qt::Vertical);
     QVERIFY(card.isVisible());
     shot("places-high");

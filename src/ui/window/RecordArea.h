@@ -13,7 +13,7 @@ class RecordArea final : public QSplitter {
 
   public:
     static constexpr int kWide = 1200; ///< pixels of the window, from which it is wide
-    static constexpr int kHigh = 760;  ///< and high
+    static constexpr int kHigh = 960;  ///< and high
 
     /// Takes both into itself. `window` is looked at for its size.
     RecordArea(QWidget &card, ViewerTabs &viewers, QWidget &window);
