@@ -159,7 +159,7 @@ void PlacesPane::flip(const PlaceLimit &limit) {
         takeAway(choice.without, limit);
         choice.only.push_back(limit);
     }
-    choose(std::move(choice));
+    choose(choice);
 }
 
 void PlacesPane::leaveOut(const PlaceLimit &limit) {
@@ -167,10 +167,10 @@ void PlacesPane::leaveOut(const PlaceLimit &limit) {
     takeAway(choice.only, limit);
     if (!takeAway(choice.without, limit))
         choice.without.push_back(limit);
-    choose(std::move(choice));
+    choose(choice);
 }
 
-void PlacesPane::choose(PlaceChoice choice) {
+void PlacesPane::choose(const PlaceChoice &choice) {
     if (choice == m_choice)
         return;
     setChoice(choice);

@@ -43,7 +43,7 @@ class PlacesPane final : public QWidget {
     void showOnly(const PlaceLimit &limit);
     void flip(const PlaceLimit &limit);
     void leaveOut(const PlaceLimit &limit);
-    void choose(PlaceChoice choice);
+    void choose(const PlaceChoice &choice);
     void activate(const QModelIndex &index, bool adds);
     std::optional<PlaceLimit> limitAt(const QModelIndex &index) const;
     QStringList openPlaces() const;

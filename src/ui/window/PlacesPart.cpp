@@ -128,7 +128,7 @@ void PlacesPart::show(Places places, const QString &failure) {
     m_pane->showNote(note);
 }
 
-void PlacesPart::limitTo(const PlaceChoice &choice) {
+void PlacesPart::limitTo(const PlaceChoice &choice) const {
     UrlTable *table = m_bench.table->table();
     if (table == nullptr || table->places == choice)
         return;

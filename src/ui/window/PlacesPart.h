@@ -28,7 +28,7 @@ class PlacesPart final : public QObject, public Limiter {
     void showPane(bool shown);
     void loadIfStale();
     void show(Places places, const QString &failure);
-    void limitTo(const PlaceChoice &choice);
+    void limitTo(const PlaceChoice &choice) const;
     void tag(const PlaceLimit &limit, bool tagged);
 
     Workbench &m_bench;

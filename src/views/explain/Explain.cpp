@@ -201,7 +201,7 @@ class Values {
         const std::int64_t apart = made.unixSeconds() - kept.unixSeconds();
         if (rule.form != SourceForm::fileTimeLocal)
             return std::abs(apart) <= 1;
-        constexpr std::int64_t kMostOffset = 15 * 3600;
+        constexpr auto kMostOffset = std::int64_t{15} * 3600;
         value.note = fmt::format("{} minutes from the stored time: the offset of the machine that "
                                  "imported",
                                  apart / 60);
