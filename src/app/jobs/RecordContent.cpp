@@ -8,8 +8,6 @@
 
 namespace nv {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 std::string placeOf(const UrlRecord &record) {

@@ -46,7 +46,7 @@ std::string caseSize(std::int64_t bytes) {
     constexpr std::array<std::string_view, 4> kUnits = {"KB", "MB", "GB", "TB"};
     if (bytes < 1000)
         return fmt::format("{} bytes", bytes);
-    double size = static_cast<double>(bytes);
+    auto size = static_cast<double>(bytes);
     std::size_t unit = 0;
     for (size /= 1000; size >= 1000 && unit + 1 < kUnits.size(); size /= 1000)
         ++unit;

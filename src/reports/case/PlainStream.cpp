@@ -126,28 +126,46 @@ bool isBlank(std::uint32_t code) {
            (code >= 0x2000 && code <= 0x200A) || code == 0x202F || code == 0x205F;
 }
 
+/// What a coding stands for.
+std::string written(const Code &code) {
+    if (code.isByte)
+        return std::string(1, static_cast<char>(code.value));
+    return isScalar(code.value) ? utf8Of(code.value) : std::string(1, '?');
+}
+
+/// A text without its codings.
+struct Undone {
+    std::string bytes;
+    std::vector<std::uint32_t> from; ///< where each byte stands in the text; then the text's end
+    bool hadCodes = false;
+};
+
+Undone undone(std::string_view text, PlainStream::Codes codes) {
+    const bool undoes = codes == PlainStream::Codes::undo;
+    Undone read;
+    read.bytes.reserve(text.size());
+    read.from.reserve(text.size() + 1);
+    for (std::size_t at = 0; at < text.size();) {
+        const auto code = undoes ? codeAt(text, at) : std::nullopt;
+        // So forms write a blank.
+        const bool isPlus = undoes && text[at] == '+';
+        const std::string bytes = code ? written(*code) : std::string(1, isPlus ? ' ' : text[at]);
+        read.hadCodes |= code.has_value();
+        read.bytes += bytes;
+        read.from.insert(read.from.end(), bytes.size(), static_cast<std::uint32_t>(at));
+        at += code ? code->length : 1;
+    }
+    read.from.push_back(static_cast<std::uint32_t>(text.size()));
+    return read;
+}
+
 } // namespace
 
 PlainStream::PlainStream(std::string_view text, Codes codes) {
     // First the bytes without codings, then the characters of these.
-    std::string bytes;
-    std::vector<std::uint32_t> from;
-    bytes.reserve(text.size());
-    from.reserve(text.size() + 1);
-    for (std::size_t at = 0; at < text.size();) {
-        const auto code = codes == Codes::undo ? codeAt(text, at) : std::nullopt;
-        const std::string written = !code          ? std::string(1, text[at])
-                                    : code->isByte ? std::string(1, static_cast<char>(code->value))
-                                    : isScalar(code->value) ? utf8Of(code->value)
-                                                            : std::string(1, '?');
-        hadCodes |= code.has_value();
-        // So forms write a blank.
-        const bool isPlus = codes == Codes::undo && !code && text[at] == '+';
-        bytes += isPlus ? std::string(1, ' ') : written;
-        from.insert(from.end(), written.size(), static_cast<std::uint32_t>(at));
-        at += code ? code->length : 1;
-    }
-    from.push_back(static_cast<std::uint32_t>(text.size()));
+    const Undone read = undone(text, codes);
+    const std::string &bytes = read.bytes;
+    hadCodes = read.hadCodes;
     FoldedText folded;
     plain.reserve(bytes.size());
     origin.reserve(bytes.size() + 1);
@@ -167,7 +185,7 @@ PlainStream::PlainStream(std::string_view text, Codes codes) {
             folded.fold(std::string_view(bytes).substr(begin, at - begin));
             plain += folded.text();
         }
-        origin.resize(plain.size(), from[begin]);
+        origin.resize(plain.size(), read.from[begin]);
     }
     origin.push_back(static_cast<std::uint32_t>(text.size()));
 }
