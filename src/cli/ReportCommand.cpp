@@ -227,10 +227,6 @@ Exit run(Session &session, const Arguments &arguments) {
     return made->unread > 0 ? Exit::rowsNotRead : Exit::ok;
 }
 
-} // namespace
-
-namespace {
-
 std::vector<Argument> classicOptions(Arguments &given) {
     return {flag("--notes,!--no-notes", given.notes, "Notes of rows"),
             flag("--audit,!--no-audit", given.audit, "Replaced references of pages"),

@@ -1,35 +1,17 @@
 #include "db/RebuildAudit.h"
 
-#include "base/Text.h"
 #include "db/BindId.h"
+#include "db/PageNotes.h"
 #include "db/Savepoint.h"
 #include "db/SchemaCatalogue.h"
 
 #include <SQLiteCpp/Statement.h>
 #include <fmt/format.h>
 
-#include <charconv>
-
 namespace nv {
 
-namespace {
-
-std::vector<std::int64_t> numbersIn(std::string_view text) {
-    std::vector<std::int64_t> numbers;
-    for (const std::string_view part : split(text, ' ')) {
-        std::int64_t value = 0;
-        if (std::from_chars(part.data(), part.data() + part.size(), value).ec == std::errc())
-            numbers.push_back(value);
-    }
-    return numbers;
-}
-
-} // namespace
-
 void RebuildAudit::forget(UrlId page) {
-    SQLite::Statement remove(m_database, "DELETE FROM RebuildAudit WHERE URL_ID = ?");
-    bindId(remove, 1, page);
-    remove.exec();
+    forgetPage(m_database, kRebuildAuditTable, page);
 }
 
 void RebuildAudit::store(UrlId page, std::span<const ReferenceNote> notes) {

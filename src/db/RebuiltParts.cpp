@@ -1,15 +1,13 @@
 #include "db/RebuiltParts.h"
 
-#include "base/Text.h"
 #include "db/BindId.h"
+#include "db/PageNotes.h"
 #include "db/Savepoint.h"
 #include "db/SchemaCatalogue.h"
 #include "db/StoredText.h"
 
 #include <SQLiteCpp/Statement.h>
 #include <fmt/format.h>
-
-#include <charconv>
 
 namespace nv {
 
@@ -18,16 +16,6 @@ namespace {
 constexpr const char *kColumns =
     "Document_ID, Element, Attribute, OriginalValue, Address, FoundBy, PartURL_ID, LocalName, "
     "PartDateUTC, SecondsFromPage, Candidates, CandidateCount, SHA256Hash";
-
-std::vector<std::int64_t> numbersIn(std::string_view text) {
-    std::vector<std::int64_t> numbers;
-    for (const std::string_view part : split(text, ' ')) {
-        std::int64_t value = 0;
-        if (std::from_chars(part.data(), part.data() + part.size(), value).ec == std::errc())
-            numbers.push_back(value);
-    }
-    return numbers;
-}
 
 void insertNote(SQLite::Statement &insert, UrlId page, std::int64_t reference,
                 const PartNote &note) {
@@ -78,11 +66,7 @@ PartNote noteIn(SQLite::Statement &row) {
 } // namespace
 
 void RebuiltParts::forget(UrlId page) {
-    if (!m_database.tableExists(kRebuiltPartsTable))
-        return;
-    SQLite::Statement remove(m_database, "DELETE FROM RebuiltParts WHERE URL_ID = ?");
-    bindId(remove, 1, page);
-    remove.exec();
+    forgetPage(m_database, kRebuiltPartsTable, page);
 }
 
 void RebuiltParts::store(UrlId page, std::span<const PartNote> notes) {

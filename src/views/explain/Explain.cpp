@@ -190,9 +190,7 @@ class Values {
         if (fact)
             return !isoUtc(made).empty() &&
                    factText(fact->value).starts_with(formatDate(made, "yyyy-mm-dd hh:nn:ss"));
-        SQLite::Statement row(m_source.project,
-                              "SELECT \"" + value.field + "\" FROM URLs WHERE URL_ID = ?");
-        bindId(row, 1, m_id);
+        SQLite::Statement row = columnOf(value.field);
         const Date kept = row.executeStep() && !row.getColumn(0).isNull()
                               ? Date::fromDays(row.getColumn(0).getDouble())
                               : Date();
@@ -237,10 +235,16 @@ class Values {
         return !value.note.empty();
     }
 
-    std::string columnText(const std::string &field) const {
+    /// `field` is a column that a rule names, never a text of evidence.
+    SQLite::Statement columnOf(const std::string &field) const {
         SQLite::Statement row(m_source.project,
                               "SELECT \"" + field + "\" FROM URLs WHERE URL_ID = ?");
         bindId(row, 1, m_id);
+        return row;
+    }
+
+    std::string columnText(const std::string &field) const {
+        SQLite::Statement row = columnOf(field);
         return row.executeStep() ? row.getColumn(0).getString() : std::string();
     }
 
