@@ -144,8 +144,7 @@ class HashSetMaker::SorterOf final : public HashSetMaker::Sorter {
 
     void sortHeld() {
         std::ranges::sort(m_held);
-        const auto same = std::ranges::unique(m_held);
-        m_held.erase(same.begin(), same.end());
+        m_held.erase(std::unique(m_held.begin(), m_held.end()), m_held.end());
     }
 
     bool merge(const std::function<bool(std::string_view)> &take) const {

@@ -116,8 +116,8 @@ class Matching {
     /// The strongest hash by which a row was found in a set stands for the others.
     bool store(EarlierFindings earlier) {
         std::ranges::sort(m_findings, std::greater());
-        const auto same = std::ranges::unique(m_findings, isSameRowAndSet);
-        m_findings.erase(same.begin(), same.end());
+        m_findings.erase(std::unique(m_findings.begin(), m_findings.end(), isSameRowAndSet),
+                         m_findings.end());
         std::ranges::reverse(m_findings);
         SQLite::Transaction transaction(m_project); // rolled back when it isn't committed
         dropFindings(earlier);
