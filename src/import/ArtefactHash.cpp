@@ -1,5 +1,7 @@
 #include "import/ArtefactHash.h"
 
+#include "import/SharedHashing.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -39,18 +41,17 @@ std::optional<FileHashes> hashesOfFolder(const Evidence &evidence, const fs::pat
     std::vector<fs::path> files;
     addFiles(evidence, folder, files);
     std::ranges::sort(files, {}, [](const fs::path &path) { return path.native(); });
+    const auto hashes = SharedHashing(evidence, files).run(goOn);
+    if (!hashes)
+        return std::nullopt;
     Digest md5(DigestAlgorithm::md5);
     Digest sha256(DigestAlgorithm::sha256);
     std::uint64_t size = 0;
-    for (const fs::path &file : files) {
-        const auto hashes = hashesOfPlain(
-            evidence, file, [&](std::uint64_t readSoFar) { return goOn(size + readSoFar); });
-        if (!hashes)
-            return std::nullopt;
-        const std::string name = file.lexically_relative(folder).native();
-        md5.add(fmt::format("{}  {}\n", hashes->md5, name));
-        sha256.add(fmt::format("{}  {}\n", hashes->sha256, name));
-        size += hashes->size;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const std::string name = files[i].lexically_relative(folder).native();
+        md5.add(fmt::format("{}  {}\n", (*hashes)[i].md5, name));
+        sha256.add(fmt::format("{}  {}\n", (*hashes)[i].sha256, name));
+        size += (*hashes)[i].size;
     }
     if (!goOn(size)) // a folder without files is told as well
         return std::nullopt;

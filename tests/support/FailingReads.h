@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <limits>
+#include <mutex>
 
 namespace nv::test {
 
@@ -19,6 +20,7 @@ class FailingReads final : public EvidenceWatch {
     explicit FailingReads(std::size_t failing = kNone) : m_failing(failing) {}
 
     int errorBefore(Step step, const std::filesystem::path &path) override {
+        const std::lock_guard guard(m_lock); // folders are hashed on several threads
         if (steps++ != m_failing)
             return 0;
         failed = path;
@@ -32,6 +34,7 @@ class FailingReads final : public EvidenceWatch {
 
   private:
     std::size_t m_failing;
+    std::mutex m_lock;
 };
 
 } // namespace nv::test
