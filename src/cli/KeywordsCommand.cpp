@@ -1,6 +1,5 @@
 #include "app/jobs/SearchJob.h"
 #include "app/jobs/Trail.h"
-#include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "cli/Commands.h"
@@ -67,7 +66,7 @@ std::string foundText(const KeywordList &list, const KeywordFound &found) {
                        counted(static_cast<std::uint64_t>(found.rowsLooked), "row"));
 }
 
-void tell(Session &session, const KeywordList &list, const KeywordFound &found) {
+Exit tell(Session &session, const KeywordList &list, const KeywordFound &found) {
     session.err << foundText(list, found) << '\n';
     if (list.repeated > 0)
         session.err << fmt::format("{} of the list say what another says\n",
@@ -76,18 +75,14 @@ void tell(Session &session, const KeywordList &list, const KeywordFound &found) 
         session.err << fmt::format("there are more hits than can be listed: the first {} are "
                                    "listed and kept, the counts are whole\n",
                                    found.hits.size());
+    const Exit exit = tellUnsearched(session, found.unread, found.outside);
+    return found.isCancelled || interrupted ? Exit::interrupted : exit;
 }
 
 Exit run(Session &session, const Arguments &arguments) {
     const auto asked = listAsked(session, arguments.file,
                                  arguments.words ? PlainTerms::wholeWords : PlainTerms::anywhere);
-    bool notes = false;
-    if (arguments.keep)
-        session.open(arguments.project);
-    else
-        notes = session.openForNote(arguments.project);
-    if (arguments.keep)
-        checkResultName(session, *arguments.keep);
+    SearchTraces traces(session, arguments.project, arguments.keep);
     Program &program = session.program;
     session.task.describe({"KEYWORDS", "Looking for the terms of a list...", arguments.file, ""});
     const KeywordFound found = onProject(program.state.projectDB.connection(), [&] {
@@ -98,18 +93,14 @@ Exit run(Session &session, const Arguments &arguments) {
         writeHits(session, arguments, asked->list, found);
     else
         writeTerms(session, arguments, asked->list, found);
-    tell(session, asked->list, found);
-    Exit exit = tellUnsearched(session, found.unread, found.outside);
-    if (found.isCancelled || interrupted)
-        exit = Exit::interrupted;
-    if (notes && exit != Exit::interrupted)
-        noteKeywords(program, arguments.file, foundText(asked->list, found), found.rowsFound);
-    if (arguments.keep && exit != Exit::interrupted) {
-        keepKeywords(program, *arguments.keep, {arguments.file, asked->list}, found);
-        session.err << fmt::format("kept as \"{}\"\n", printable(*arguments.keep));
-    }
-    closeProject(program);
-    return exit;
+    return traces.leave(
+        tell(session, asked->list, found),
+        [&] {
+            noteKeywords(program, arguments.file, foundText(asked->list, found), found.rowsFound);
+        },
+        [&](const std::string &name) {
+            keepKeywords(program, name, {arguments.file, asked->list}, found);
+        });
 }
 
 } // namespace

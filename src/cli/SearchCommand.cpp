@@ -1,6 +1,5 @@
 #include "app/jobs/SearchJob.h"
 #include "app/jobs/Trail.h"
-#include "app/project/Project.h"
 #include "base/Text.h"
 #include "cli/Commands.h"
 #include "cli/SearchedRows.h"
@@ -72,13 +71,7 @@ Exit tell(Session &session, const Arguments &arguments, const SearchFound &found
 Exit run(Session &session, const Arguments &arguments) {
     const SearchScope scope = arguments.values ? SearchScope::values : SearchScope::all;
     RowMatch match = searchAsked(session, arguments.text, scope);
-    bool notes = false;
-    if (arguments.keep)
-        session.open(arguments.project);
-    else
-        notes = session.openForNote(arguments.project);
-    if (arguments.keep)
-        checkResultName(session, *arguments.keep);
+    SearchTraces traces(session, arguments.project, arguments.keep);
     const SearchFound found =
         searchProject(session.program, match, session.task, session.scratch());
     session.task.clear();
@@ -88,15 +81,15 @@ Exit run(Session &session, const Arguments &arguments) {
         writeRows(session, arguments, found.ids, match);
     else
         writeCounts(session, arguments, found.counts);
-    const Exit exit = tell(session, arguments, found);
-    if (notes && exit != Exit::interrupted)
-        noteSearch(session.program, arguments.text, static_cast<std::int64_t>(found.ids.size()));
-    if (arguments.keep && exit != Exit::interrupted) {
-        keepSearch(session.program, *arguments.keep, arguments.text, found.ids);
-        session.err << fmt::format("kept as \"{}\"\n", printable(*arguments.keep));
-    }
-    closeProject(session.program);
-    return exit;
+    return traces.leave(
+        tell(session, arguments, found),
+        [&] {
+            noteSearch(session.program, arguments.text,
+                       static_cast<std::int64_t>(found.ids.size()));
+        },
+        [&](const std::string &name) {
+            keepSearch(session.program, name, arguments.text, found.ids);
+        });
 }
 
 } // namespace

@@ -1,12 +1,16 @@
 #include "cli/SearchedRows.h"
 
 #include "app/jobs/SearchJob.h"
+#include "app/project/Project.h"
 #include "base/Text.h"
 #include "base/Trap.h"
+#include "cli/RowWriter.h"
 #include "cli/Session.h"
 #include "views/UnreadRows.h"
 
 #include <fmt/format.h>
+
+#include <utility>
 
 namespace nv::cli {
 
@@ -35,9 +39,29 @@ std::unique_ptr<ListAsked> listAsked(Session &session, const std::filesystem::pa
     return asked;
 }
 
-void checkResultName(Session &session, const std::string &name) {
-    if (const std::string fault = faultOfResultName(session.program, name); !fault.empty())
+SearchTraces::SearchTraces(Session &session, const std::filesystem::path &project,
+                           std::optional<std::string> keptAs)
+    : m_session(session), m_keptAs(std::move(keptAs)) {
+    if (!m_keptAs) {
+        m_isNoted = session.openForNote(project);
+        return;
+    }
+    session.open(project);
+    if (const std::string fault = faultOfResultName(session.program, *m_keptAs); !fault.empty())
         throw UsageError(fault);
+}
+
+Exit SearchTraces::leave(Exit exit, const std::function<void()> &note,
+                         const std::function<void(const std::string &name)> &keep) {
+    const bool isWhole = exit != Exit::interrupted;
+    if (isWhole && m_isNoted)
+        note();
+    if (isWhole && m_keptAs) {
+        keep(*m_keptAs);
+        m_session.err << fmt::format("kept as \"{}\"\n", printable(*m_keptAs));
+    }
+    closeProject(m_session.program);
+    return exit;
 }
 
 Exit tellUnsearched(Session &session, const std::set<std::int32_t> &unread, std::int64_t outside) {

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -28,8 +29,23 @@ struct ListAsked {
 std::unique_ptr<ListAsked> listAsked(Session &session, const std::filesystem::path &file,
                                      PlainTerms plain);
 
-/// Throws UsageError when what is found can't be kept under this name.
-void checkResultName(Session &session, const std::string &name);
+/// What a search leaves in the project that it goes through: an entry of the trail, where one can
+/// be written, and what it found, where a name was given for it.
+class SearchTraces {
+  public:
+    /// Opens the project. Throws UsageError when nothing can be kept under that name.
+    SearchTraces(Session &session, const std::filesystem::path &project,
+                 std::optional<std::string> keptAs);
+
+    /// Leaves them, unless the search was interrupted, and closes the project. Gives back `exit`.
+    Exit leave(Exit exit, const std::function<void()> &note,
+               const std::function<void(const std::string &name)> &keep);
+
+  private:
+    Session &m_session;
+    std::optional<std::string> m_keptAs;
+    bool m_isNoted = false;
+};
 
 /// Names rows of which nobody can tell, and gives the exit code that tells so. `outside` is the
 /// number of those whose ids no list can hold.
