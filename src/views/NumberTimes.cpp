@@ -44,8 +44,12 @@ constexpr CountedClock kClocks[] = {
     {1'000'000'000, 0, "Unix time in nanoseconds"},
 };
 
-std::int64_t secondsBy(const CountedClock &clock, std::int64_t number) {
-    return clock.begin + number / clock.aSecond;
+/// A number may be too large for any date.
+std::optional<Date> dateBy(const CountedClock &clock, std::int64_t number) {
+    const std::int64_t sinceBegin = number / clock.aSecond;
+    if (sinceBegin < clock.first - clock.begin || sinceBegin >= clock.last - clock.begin)
+        return std::nullopt;
+    return Date::fromUnixSeconds(clock.begin + sinceBegin);
 }
 
 bool areHexDigits(std::string_view text) {
@@ -61,11 +65,9 @@ std::optional<ReadTime> timeOfNumber(std::string_view digits) {
     const auto [stop, error] = std::from_chars(whole.data(), end, number);
     if (error != std::errc() || stop != end || number <= 0 || whole.front() == '0')
         return std::nullopt;
-    for (const CountedClock &clock : kClocks) {
-        const std::int64_t seconds = secondsBy(clock, number);
-        if (seconds >= clock.first && seconds < clock.last)
-            return ReadTime{Date::fromUnixSeconds(seconds), clock.rule};
-    }
+    for (const CountedClock &clock : kClocks)
+        if (const auto date = dateBy(clock, number))
+            return ReadTime{*date, clock.rule};
     return std::nullopt;
 }
 
