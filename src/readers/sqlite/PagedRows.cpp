@@ -1,6 +1,7 @@
 #include "readers/sqlite/PagedRows.h"
 
 #include <algorithm>
+#include <set>
 
 namespace nv {
 
@@ -104,8 +105,8 @@ std::optional<PagedRows::Page> PagedRows::page(std::uint64_t number) const {
         return std::nullopt;
     page.kind = view.u8(head);
     const bool isInner = page.kind == kInnerTable || page.kind == kInnerIndex;
-    page.count = bigEndian(view.sub(head + 3, 2));
     page.cells = head + (isInner ? 12 : 8);
+    page.count = std::min(bigEndian(view.sub(head + 3, 2)), (m_pageSize - page.cells) / 2);
     page.last = isInner ? bigEndian(view.sub(head + 8, 4)) : 0;
     return page;
 }
@@ -136,40 +137,49 @@ std::optional<PagedRows::Payload> PagedRows::payload(ByteView cell, std::uint64_
 }
 
 std::uint64_t PagedRows::rootOf(std::string_view name) const {
+    std::vector<std::uint64_t> pages{1}; // of the schema's tree, in the order of its rows
+    std::set<std::uint64_t> known(pages.begin(), pages.end()); // damaged ones lead back
     std::uint64_t root = 0;
-    std::size_t pages = kMostSchemaPages;
-    walkSchema(1, name, pages, root);
+    for (std::size_t i = 0; i < pages.size() && root == 0; ++i) {
+        const auto found = page(pages[i]);
+        if (found && found->kind == kLeafTable)
+            root = rootIn(*found, name);
+        for (std::uint64_t child : found ? childrenOf(*found) : std::vector<std::uint64_t>())
+            if (pages.size() < kMostSchemaPages && known.insert(child).second)
+                pages.push_back(child);
+    }
     return root;
 }
 
-void PagedRows::walkSchema(std::uint64_t number, std::string_view name, std::size_t &pagesLeft,
-                           std::uint64_t &root) const {
-    const auto found = pagesLeft == 0 ? std::nullopt : page(number);
-    if (!found)
-        return;
-    --pagesLeft;
-    for (std::uint64_t i = 0; i < found->count && root == 0; ++i) {
-        const auto bytes = cell(*found, i);
-        if (!bytes)
-            continue;
-        if (found->kind == kInnerTable) {
-            walkSchema(bigEndian(bytes->sub(0, 4)), name, pagesLeft, root);
-            continue;
-        }
+/// Of an inner page of a table.
+std::vector<std::uint64_t> PagedRows::childrenOf(const Page &page) const {
+    std::vector<std::uint64_t> children;
+    if (page.kind != kInnerTable)
+        return children;
+    for (std::uint64_t i = 0; i < page.count; ++i)
+        if (const auto bytes = cell(page, i))
+            children.push_back(bigEndian(bytes->sub(0, 4)));
+    children.push_back(page.last);
+    return children;
+}
+
+std::uint64_t PagedRows::rootIn(const Page &page, std::string_view name) const {
+    enum Column : std::size_t { kName = 1, kRoot = 3 };
+    for (std::uint64_t i = 0; i < page.count; ++i) {
+        const auto bytes = cell(page, i);
         std::uint64_t at = 0;
-        const auto size = varint(*bytes, at);
-        if (found->kind != kLeafTable || !size || !varint(*bytes, at))
-            continue;
-        const auto row = payload(*bytes, at, *size, false);
+        const auto size = bytes ? varint(*bytes, at) : std::nullopt;
+        const auto id = size ? varint(*bytes, at) : std::nullopt;
+        const auto row = id ? payload(*bytes, at, *size, false) : std::nullopt;
         const auto values = row ? valuesOf(row->local) : std::vector<Value>();
-        enum Column : std::size_t { kName = 1, kRoot = 3 };
-        if (values.size() > kRoot && row->local.has(values[kRoot].at, values[kRoot].size) &&
-            row->local.sub(values[kName].at, values[kName].size).raw() == name)
-            root = static_cast<std::uint64_t>(
-                numberOf(values[kRoot].kind, row->local.sub(values[kRoot].at, values[kRoot].size)));
+        if (values.size() <= kRoot || !row->local.has(values[kRoot].at, values[kRoot].size) ||
+            row->local.sub(values[kName].at, values[kName].size).raw() != name)
+            continue;
+        const ByteView root = row->local.sub(values[kRoot].at, values[kRoot].size);
+        if (const std::int64_t number = numberOf(values[kRoot].kind, root); number != 0)
+            return static_cast<std::uint64_t>(number);
     }
-    if (found->kind == kInnerTable && root == 0)
-        walkSchema(found->last, name, pagesLeft, root);
+    return 0;
 }
 
 std::vector<std::vector<std::int64_t>> PagedRows::indexRows(std::uint64_t root, std::int64_t first,

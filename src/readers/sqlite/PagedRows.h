@@ -90,8 +90,9 @@ class PagedRows {
                                    bool isIndex) const;
     void walkIndex(std::uint64_t number, std::int64_t first, std::size_t most, int depth,
                    std::vector<std::vector<std::int64_t>> &rows) const;
-    void walkSchema(std::uint64_t number, std::string_view name, std::size_t &pagesLeft,
-                    std::uint64_t &root) const;
+    std::vector<std::uint64_t> childrenOf(const Page &page) const;
+    /// First page of the table or index of that name, as a leaf page of the schema tells; or 0.
+    std::uint64_t rootIn(const Page &page, std::string_view name) const;
     /// Hands on the row of that id, as far as its own page has it. False when it isn't there.
     bool atRow(std::uint64_t root, std::int64_t rowId,
                const std::function<bool(const Payload &row)> &take) const;
