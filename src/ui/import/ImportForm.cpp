@@ -207,7 +207,7 @@ void ImportForm::runImport() {
     const auto failure = failureOf(m_program.log, "ImportForm.ImportFiles()", [&] {
         const ImportClaim claim(m_program.state.projectDBPath);
         chooseBase();
-        const OpenTask task(m_program.task, {});
+        const OpenTask task(m_program.task, {}, fromQt(tr("Import")));
         summary = runImportJob(m_program, m_program.task, m_program.state.tempFolderPath);
     });
     m_imported = true;

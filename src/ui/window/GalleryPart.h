@@ -23,6 +23,7 @@ class GalleryPart final : public QObject {
     void takeOptions();
     void followTable();
     void switchDrawing();
+    void startDrawing();
     void count();
     void showCount();
     void tellEnd(const ThumbnailTotals &totals);

@@ -66,6 +66,13 @@ class Workbench final : public QObject {
     void optionsChanged();
     /// The project has other stored queries than before.
     void queriesChanged();
+    /// How far work in the background is, 0 to 1, and its end. The title of the window tells it;
+    /// closing the project ends all of it.
+    void workProgressed(const QString &name, double fraction);
+    void workEnded(const QString &name);
+    /// Work in the background that is offered outside of its own part.
+    void searchIndexWanted();
+    void thumbnailsWanted();
     /// The gallery shows other kinds than those that are now ticked.
     void galleryOutdated();
 };
