@@ -1,0 +1,116 @@
+#include "base/Grouped.h"
+#include "base/Text.h"
+#include "time/DateFormat.h"
+#include "views/ImportOverview.h"
+
+#include <fmt/format.h>
+
+namespace nv {
+
+namespace {
+
+/// "1 record", "98,311 records".
+std::string many(std::uint64_t count, std::string_view one, std::string_view more) {
+    return fmt::format("{} {}", grouped(count), count == 1 ? one : more);
+}
+
+bool hasFailed(const ImportOverview &overview) {
+    return overview.count(ImportLight::red) > 0 || overview.hasChanged || !overview.isCounted ||
+           !overview.end.failure.empty() || overview.end.rowsLost > 0;
+}
+
+bool lacksSomething(const ImportOverview &overview) {
+    return overview.count(ImportLight::amber) > 0 || overview.end.cancelled ||
+           overview.end.notReached > 0;
+}
+
+} // namespace
+
+std::string_view lightWord(ImportLight light) {
+    return light == ImportLight::green   ? "Complete"
+           : light == ImportLight::amber ? "Not complete"
+                                         : "Failed or changed";
+}
+
+std::string_view lightSign(ImportLight light) {
+    return light == ImportLight::green ? "\u2713" : light == ImportLight::amber ? "!" : "\u2715";
+}
+
+ImportLight lightOf(const ImportOverview &overview) {
+    return hasFailed(overview)        ? ImportLight::red
+           : lacksSomething(overview) ? ImportLight::amber
+                                      : ImportLight::green;
+}
+
+std::string headlineOf(const ImportOverview &overview) {
+    if (overview.found == 0 && overview.gaps.empty() && overview.rows.rows == 0)
+        return overview.end.cancelled ? "Nothing was imported: it was cancelled"
+               : overview.isKnown     ? "Nothing was found to import"
+                                      : "Nothing was imported yet";
+    std::string text = overview.isCounted ? many(overview.rows.rows, "record", "records")
+                                          : std::string("Records that could not be counted");
+    if (const std::size_t profiles = overview.profileCount(); profiles > 0)
+        text += " from " + many(profiles, "profile", "profiles");
+    if (const std::size_t people = overview.personCount(); people > 0)
+        text += fmt::format(" of {}", many(people, "person", "people"));
+    return text + ", " + many(overview.read, "file", "files") + " read";
+}
+
+std::string lightText(const ImportOverview &overview) {
+    switch (lightOf(overview)) {
+    case ImportLight::green:
+        return overview.found == 0 ? "There was nothing that could have been missed."
+                                   : "Everything that was found was read.";
+    case ImportLight::amber: {
+        const std::size_t gaps = overview.count(ImportLight::amber) + overview.end.notReached;
+        return gaps == 0 ? "The import was cancelled before everything was read."
+                         : many(gaps, "file or folder was", "files or folders were") +
+                               " not read, or only in part.";
+    }
+    case ImportLight::red:
+        break;
+    }
+    const std::size_t gaps = overview.count(ImportLight::red);
+    std::string text = gaps > 0 ? many(gaps, "file is", "files are") + " damaged, could not be "
+                                                                       "read or have changed."
+                       : overview.hasChanged ? std::string("The evidence has changed since.")
+                       : !overview.isCounted
+                           ? std::string("The project is damaged where its rows lie.")
+                           : std::string("Not everything that was read is in the project.");
+    if (const std::size_t more = overview.count(ImportLight::amber); more > 0)
+        text += fmt::format(" {} not read.", many(more, "other was", "others were"));
+    return text;
+}
+
+std::vector<std::string> notesOf(const ImportOverview &overview) {
+    const ImportEnd &end = overview.end;
+    std::vector<std::string> notes;
+    if (!end.failure.empty())
+        notes.push_back(fmt::format("The import ended: {}", end.failure));
+    if (end.cancelled)
+        notes.emplace_back("The import was cancelled; what was written is kept.");
+    const auto note = [&notes](std::uint64_t count, std::string_view one, std::string_view more,
+                               std::string_view what) {
+        if (count > 0)
+            notes.push_back(many(count, one, more) + ' ' + std::string(what));
+    };
+    note(end.notReached, "file", "files", "not reached before the import ended.");
+    note(end.rowsLost, "record", "records", "could not be stored: the log says why.");
+    note(end.passedOver, "record", "records", "passed over, as the readers' rules leave them out.");
+    note(end.linksNotFollowed, "link", "links",
+         "not followed: a link could lead out of the evidence.");
+    note(end.shaderCaches, "shader cache", "shader caches",
+         "passed over: compiled graphics programs, no addresses.");
+    if (!overview.verified.empty())
+        notes.push_back("Verified later: " + overview.verified + '.');
+    if (overview.isKnown && overview.scope == ImportScope::all)
+        notes.emplace_back("This tells of everything that was imported into the project.");
+    return notes;
+}
+
+std::string spanText(const KindRows &rows) {
+    return rows.first.has() ? fmt::format("{} to {}", isoUtc(rows.first), isoUtc(rows.last))
+                            : std::string();
+}
+
+} // namespace nv
