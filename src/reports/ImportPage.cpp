@@ -38,6 +38,8 @@ text-align:center;font-size:1.1rem;flex:none}
 table{border-collapse:collapse;width:100%;font-size:13px}
 th,td{border-bottom:1px solid var(--line);padding:.3rem .45rem;text-align:left;vertical-align:top;overflow-wrap:anywhere}
 th{background:var(--soft)}
+.w{width:20%}
+.s{white-space:nowrap}
 .n{text-align:right;font-variant-numeric:tabular-nums;white-space:nowrap}
 .u{font-family:ui-monospace,"DejaVu Sans Mono",Consolas,monospace;font-size:.92em}
 footer{margin-top:2rem;color:var(--dim);font-size:12px;border-top:1px solid var(--line);padding-top:.5rem}
@@ -95,6 +97,8 @@ std::string field(std::string_view name, std::string_view value) {
 
 std::string cell(std::string_view heading, std::string_view value, std::string_view kind = {}) {
     const std::string name = kind.empty() ? std::string() : fmt::format(" class=\"{}\"", kind);
+    if (value.empty())
+        return "<td></td>"; // which narrow pages leave out
     return fmt::format("<td data-h=\"{}\"{}><bdi>{}</bdi></td>", heading, name, htmlText(value));
 }
 
@@ -133,12 +137,13 @@ std::string gapsSection(const ImportOverview &overview) {
     std::string text = "<h2>What was not read, or only in part</h2>\n";
     if (overview.gaps.empty())
         return text + "<p>Nothing: each file that was found was read to its end.</p>\n";
-    text += head("<th scope=\"col\">File</th><th scope=\"col\">What</th><th scope=\"col\">Why</th>"
+    text += head("<th scope=\"col\" class=\"w\">File</th><th scope=\"col\">What</th><th "
+                 "scope=\"col\">Why</th>"
                  "<th scope=\"col\">Place</th>");
     for (std::size_t at = 0; at < overview.gaps.size() && at < kMostGaps; ++at) {
         const ImportGap &gap = overview.gaps[at];
         text += "<tr>" + cell("File", gap.file, "u") +
-                cell("What", fmt::format("{} {}", lightSign(gap.light), gap.state)) +
+                cell("What", fmt::format("{} {}", lightSign(gap.light), gap.state), "s") +
                 cell("Why", gap.reason) + cell("Place", gap.place, "u") + "</tr>\n";
     }
     text += "</tbody></table>\n";

@@ -24,6 +24,17 @@ bool lacksSomething(const ImportOverview &overview) {
            overview.end.notReached > 0;
 }
 
+/// The first of what makes it red.
+std::string redText(const ImportOverview &overview, std::size_t gaps) {
+    if (gaps > 0)
+        return many(gaps, "file is damaged, could not be read or has changed.",
+                    "files are damaged, could not be read or have changed.");
+    if (overview.hasChanged)
+        return "The evidence has changed since.";
+    return overview.isCounted ? "Not everything that was read is in the project."
+                              : "The project is damaged where its rows lie.";
+}
+
 } // namespace
 
 std::string_view lightWord(ImportLight light) {
@@ -71,12 +82,7 @@ std::string lightText(const ImportOverview &overview) {
         break;
     }
     const std::size_t gaps = overview.count(ImportLight::red);
-    std::string text = gaps > 0 ? many(gaps, "file is", "files are") + " damaged, could not be "
-                                                                       "read or have changed."
-                       : overview.hasChanged ? std::string("The evidence has changed since.")
-                       : !overview.isCounted
-                           ? std::string("The project is damaged where its rows lie.")
-                           : std::string("Not everything that was read is in the project.");
+    std::string text = redText(overview, gaps);
     if (const std::size_t more = overview.count(ImportLight::amber); more > 0)
         text += fmt::format(" {} not read.", many(more, "other was", "others were"));
     return text;

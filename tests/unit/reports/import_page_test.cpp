@@ -62,7 +62,9 @@ TEST(ImportPageTest, theLightIsWordSignAndColour) {
     EXPECT_THAT(importPage(overview, {}), HasSubstr("Not complete."));
     overview.gaps.front().light = ImportLight::red;
     EXPECT_THAT(importPage(overview, {}), HasSubstr("light l2"));
-    EXPECT_THAT(importText(overview), HasSubstr("Failed or changed. 1 file is damaged"));
+    EXPECT_THAT(
+        importText(overview),
+        HasSubstr("Failed or changed. 1 file is damaged, could not be read or has changed."));
 }
 
 TEST(ImportPageTest, aHugeListIsCutAndSaysSo) {
