@@ -298,6 +298,7 @@ Walk loadImportOverview(SQLite::Database &project, ImportScope scope, TaskMonito
     overview.isCounted = unlessDamaged([&] { whole = counts.read(project, overview, task); });
     if (overview.isCounted && whole)
         counts.fill(overview);
+    overview.isWhole = whole;
     return whole ? Walk::Finished : Walk::Cancelled;
 }
 

@@ -56,6 +56,7 @@ struct ImportOverview {
     std::uint64_t reached = 0;             ///< their reading was begun at least
     KindRows rows;                         ///< all of them, with their first and last event (UTC)
     bool isCounted = true;                 ///< false: the project is damaged where they lie
+    bool isWhole = true;                   ///< false: the counting was cancelled
     std::vector<ImportCount> people;       ///< those of most rows first, as all of these
     std::vector<ImportCount> browsers;
     std::vector<ImportCount> profiles; ///< "Firefox, profile \"x\", person \"ada\""
@@ -72,8 +73,8 @@ struct ImportOverview {
 };
 
 /// Reads the trail and counts the rows. Where nothing tells the last import from those before,
-/// `all` comes in place of `last`. Throws what the database says; a cancel leaves `overview` as it
-/// came to be.
+/// `all` comes in place of `last`. Throws what the database says; a cancel leaves
+/// `overview` without counts.
 Walk loadImportOverview(SQLite::Database &project, ImportScope scope, TaskMonitor &task,
                         ImportOverview &overview);
 

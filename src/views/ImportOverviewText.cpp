@@ -20,7 +20,7 @@ bool hasFailed(const ImportOverview &overview) {
 }
 
 bool lacksSomething(const ImportOverview &overview) {
-    return overview.count(ImportLight::amber) > 0 || overview.end.cancelled ||
+    return overview.count(ImportLight::amber) > 0 || overview.end.cancelled || !overview.isWhole ||
            overview.end.notReached > 0;
 }
 
@@ -54,12 +54,13 @@ ImportLight lightOf(const ImportOverview &overview) {
 }
 
 std::string headlineOf(const ImportOverview &overview) {
-    if (overview.found == 0 && overview.gaps.empty() && overview.rows.rows == 0)
+    if (overview.found == 0 && overview.gaps.empty() && overview.rows.rows == 0 && overview.isWhole)
         return overview.end.cancelled ? "Nothing was imported: it was cancelled"
                : overview.isKnown     ? "Nothing was found to import"
                                       : "Nothing was imported yet";
-    std::string text = overview.isCounted ? many(overview.rows.rows, "record", "records")
-                                          : std::string("Records that could not be counted");
+    std::string text = overview.isCounted && overview.isWhole
+                           ? many(overview.rows.rows, "record", "records")
+                           : std::string("Records that were not counted");
     if (const std::size_t profiles = overview.profileCount(); profiles > 0)
         text += " from " + many(profiles, "profile", "profiles");
     if (const std::size_t people = overview.personCount(); people > 0)
@@ -74,7 +75,8 @@ std::string lightText(const ImportOverview &overview) {
                                    : "Everything that was found was read.";
     case ImportLight::amber: {
         const std::size_t gaps = overview.count(ImportLight::amber) + overview.end.notReached;
-        return gaps == 0 ? "The import was cancelled before everything was read."
+        return gaps == 0 ? overview.isWhole ? "The import was cancelled before everything was read."
+                                            : "The records were not counted: that was cancelled."
                          : many(gaps, "file or folder was", "files or folders were") +
                                " not read, or only in part.";
     }

@@ -100,7 +100,7 @@ void GalleryPart::startDrawing() {
         return;
     if (!m_bench.isProjectOpen() || !m_bench.mayWrite())
         return;
-    m_drawnSince = 0;
+    takeCount();
     m_background.start();
     showCount();
 }
@@ -112,17 +112,20 @@ void GalleryPart::count() {
     m_recount.start(); // the command doesn't run while a task has the project
     m_bench.run("MainForm.countThumbnails()", [this] {
         m_recount.stop();
-        const std::int64_t last = lastRow(m_bench.program);
-        const bool isKnown = (m_isCounted && last == m_countedTo) || unlessDamaged([this] {
-                                 m_counted = countThumbnails(m_bench.program);
-                             });
-        if (!isKnown)
-            m_counted = {};
-        m_isCounted = true;
-        m_countedTo = last;
-        m_drawnSince = 0;
+        takeCount();
     });
     showCount();
+}
+
+void GalleryPart::takeCount() {
+    const std::int64_t last = lastRow(m_bench.program);
+    const bool isKnown = (m_isCounted && last == m_countedTo) ||
+                         unlessDamaged([this] { m_counted = countThumbnails(m_bench.program); });
+    if (!isKnown)
+        m_counted = {};
+    m_isCounted = true;
+    m_countedTo = last;
+    m_drawnSince = 0;
 }
 
 void GalleryPart::showCount() {

@@ -25,6 +25,7 @@ class GalleryPart final : public QObject {
     void switchDrawing();
     void startDrawing();
     void count();
+    void takeCount();
     void showCount();
     void tellEnd(const ThumbnailTotals &totals);
 

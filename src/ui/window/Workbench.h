@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/program/Program.h"
+#include "ui/import/ImportSummaryPane.h"
 #include "ui/views/TableTab.h"
 #include "ui/window/Limits.h"
 #include "ui/window/MainActions.h"
@@ -50,6 +51,8 @@ class Workbench final : public QObject {
     void showNotice(const QString &text) { emit noticed(text); }
     /// The rows of the table have changed in the project; the list of them stays.
     void refreshRows() const;
+    /// What the examiner has chosen in the summary of an import.
+    void goOn(AfterSummary what);
     /// Runs the active query anew.
     void reload() { emit reloadWanted(); }
 

@@ -165,6 +165,9 @@ TEST_F(ImportOverviewTest, itCanBeCancelled) {
     ImportOverview found;
     EXPECT_EQ(loadImportOverview(project.connection(), ImportScope::all, never, found),
               Walk::Cancelled);
+    EXPECT_EQ(headlineOf(found), "Records that were not counted, 0 files read");
+    EXPECT_EQ(lightOf(found), ImportLight::amber);
+    EXPECT_EQ(lightText(found), "The records were not counted: that was cancelled.");
 }
 
 double channel(std::uint32_t value) {
