@@ -21,7 +21,19 @@ bool hasFailed(const ImportOverview &overview) {
 
 bool lacksSomething(const ImportOverview &overview) {
     return overview.count(ImportLight::amber) > 0 || overview.end.cancelled || !overview.isWhole ||
-           overview.end.notReached > 0;
+           overview.end.notReached > 0 || !overview.isKnown;
+}
+
+/// The first of what makes it amber.
+std::string amberText(const ImportOverview &overview) {
+    if (const std::size_t gaps = overview.count(ImportLight::amber) + overview.end.notReached;
+        gaps > 0)
+        return many(gaps, "file or folder was", "files or folders were") +
+               " not read, or only in part.";
+    if (!overview.isKnown)
+        return "The case trail tells of no import: nobody knows how complete it was.";
+    return overview.isWhole ? "The import was cancelled before everything was read."
+                            : "The records were not counted: that was cancelled.";
 }
 
 /// The first of what makes it red.
@@ -73,13 +85,8 @@ std::string lightText(const ImportOverview &overview) {
     case ImportLight::green:
         return overview.found == 0 ? "There was nothing that could have been missed."
                                    : "Everything that was found was read.";
-    case ImportLight::amber: {
-        const std::size_t gaps = overview.count(ImportLight::amber) + overview.end.notReached;
-        return gaps == 0 ? overview.isWhole ? "The import was cancelled before everything was read."
-                                            : "The records were not counted: that was cancelled."
-                         : many(gaps, "file or folder was", "files or folders were") +
-                               " not read, or only in part.";
-    }
+    case ImportLight::amber:
+        return amberText(overview);
     case ImportLight::red:
         break;
     }

@@ -115,7 +115,7 @@ void ImportSummaryTest::later(const std::function<void(ImportSummaryForm &)> &lo
 void ImportSummaryTest::theWizardEndsWithHeadlineLightAndGaps() {
     importWith([](ImportForm &wizard) {
         QCOMPARE(textOf<QLabel>(wizard, "labHeadline"),
-                 QStringLiteral("6 records from 1 profile, 2 files read"));
+                 QStringLiteral("6 records from 2 profiles, 2 files read"));
         QCOMPARE(textOf<QLabel>(wizard, "labLightSign"), QStringLiteral("!"));
         QCOMPARE(textOf<QLabel>(wizard, "labLightText"),
                  QStringLiteral("Not complete. 1 file or folder was not read, or only in part."));
@@ -143,7 +143,7 @@ void ImportSummaryTest::theSummaryCanBeSeenLaterAndFollowsThePalette() {
     trigger(*m_form, "actOpen");
     later([](ImportSummaryForm &form) {
         QCOMPARE(textOf<QLabel>(form, "labHeadline"),
-                 QStringLiteral("6 records from 1 profile, 2 files read"));
+                 QStringLiteral("6 records from 2 profiles, 2 files read"));
         QVERIFY(!child<QTabWidget>(form, "tabsSummary").isTabVisible(2));
         auto &box = child<QFrame>(form, "ImportLightBox");
         applyTheme(Theme::Dark);
@@ -166,7 +166,7 @@ void ImportSummaryTest::itIsSavedAsOnePage() {
         QTest::mouseClick(&child<QPushButton>(wizard, "btnSaveHtml"), Qt::LeftButton);
         QCOMPARE(m_dialogs->offered.filename().string(), std::string("case-import.html"));
         const std::string page(ByteView(readWhole(*m_dialogs->page)).raw());
-        QVERIFY(page.find("6 records from 1 profile, 2 files read") != std::string::npos);
+        QVERIFY(page.find("6 records from 2 profiles, 2 files read") != std::string::npos);
         QVERIFY(page.find("Cookies.plist") != std::string::npos);
     });
     const std::string last = m_desk->program.state.projectDB.connection()

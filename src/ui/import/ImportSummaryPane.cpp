@@ -135,7 +135,7 @@ QWidget *ImportSummaryPane::newButtons() {
                        tr("Draw the pictures and pages small, while you go on"));
     m_index = add("btnSummaryIndex", tr("&Index for Search"),
                   tr("Make the index for searches now and not at the first one"));
-    QPushButton *table = add("btnSummaryTable", tr("Show the Ta&ble"), tr("Go to the rows"));
+    QPushButton *table = add("btnSummaryTable", tr("Show the Tabl&e"), tr("Go to the rows"));
     connect(m_notRead, &QPushButton::clicked, this, [this] {
         m_tabs->setCurrentWidget(m_gaps);
         m_gaps->setFocus();
@@ -215,10 +215,13 @@ void ImportSummaryPane::showGaps() {
         new QTreeWidgetItem(
             m_gaps,
             {tr("%L1 more, which Save as HTML lists").arg(m_overview.gaps.size() - kMostGaps)});
-    constexpr int kWidest = 280; // pixels
+    constexpr int kReason = 2;   // its column
+    constexpr int kWidest = 200; // pixels
+    constexpr int kWidestReason = 420;
     for (int column = 0; column < m_gaps->columnCount(); ++column) {
         m_gaps->resizeColumnToContents(column);
-        m_gaps->setColumnWidth(column, std::min(m_gaps->columnWidth(column), kWidest));
+        m_gaps->setColumnWidth(column, std::min(m_gaps->columnWidth(column),
+                                                column == kReason ? kWidestReason : kWidest));
     }
 }
 

@@ -112,6 +112,7 @@ TEST_F(ImportOverviewTest, aVerificationThatFindsAnotherFileIsRed) {
 TEST_F(ImportOverviewTest, anEmptyAndACancelledImport) {
     EXPECT_FALSE(overview().isKnown);
     EXPECT_EQ(headlineOf(overview()), "Nothing was imported yet");
+    EXPECT_EQ(lightOf(overview()), ImportLight::amber) << "nothing says that all was read";
     endImport();
     EXPECT_EQ(headlineOf(overview()), "Nothing was found to import");
     EXPECT_EQ(lightOf(overview()), ImportLight::green);
@@ -162,10 +163,11 @@ TEST_F(ImportOverviewTest, itCanBeCancelled) {
     } never;
     for (int i = 0; i < 20'000; ++i)
         addRow("ada", "Chrome", "Default");
+    addFile(ArtefactState::complete);
     ImportOverview found;
     EXPECT_EQ(loadImportOverview(project.connection(), ImportScope::all, never, found),
               Walk::Cancelled);
-    EXPECT_EQ(headlineOf(found), "Records that were not counted, 0 files read");
+    EXPECT_EQ(headlineOf(found), "Records that were not counted, 1 file read");
     EXPECT_EQ(lightOf(found), ImportLight::amber);
     EXPECT_EQ(lightText(found), "The records were not counted: that was cancelled.");
 }
