@@ -84,7 +84,8 @@ void ImportLightBox::paintLight() {
 
 void ImportLightBox::changeEvent(QEvent *event) {
     QFrame::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange)
+    // A theme comes as both: its palette alone leaves that of a widget with its own as it is.
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
         paintLight();
 }
 
