@@ -12,12 +12,12 @@ constexpr MakeCommand kCommands[] = {
     zonesCommand,          rebuildCommand,      auditCommand,         tagCommand,
     tagsCommand,           changeTagCommand,    deleteTagCommand,     templateCommand,
     templateCreateCommand, templateListCommand, templateApplyCommand, thumbnailsCommand,
-    galleryCommand,        trailCommand,        verifyCommand,        linksCommand,
-    noteCommand,           hexCommand,          exifCommand,          textCommand,
-    hostsCommand,          placesCommand,       timelineCommand,      hashSetsCommand,
-    addHashSetCommand,     listHashSetsCommand, removeHashSetCommand, matchHashSetsCommand,
-    reportCommand,         exportCommand,       upgradeCommand,       optionsCommand,
-    optionsGetCommand,     optionsSetCommand,
+    galleryCommand,        summaryCommand,      trailCommand,         verifyCommand,
+    linksCommand,          noteCommand,         hexCommand,           exifCommand,
+    textCommand,           hostsCommand,        placesCommand,        timelineCommand,
+    hashSetsCommand,       addHashSetCommand,   listHashSetsCommand,  removeHashSetCommand,
+    matchHashSetsCommand,  reportCommand,       exportCommand,        upgradeCommand,
+    optionsCommand,        optionsGetCommand,   optionsSetCommand,
 };
 
 constexpr Example kProgramExamples[] = {

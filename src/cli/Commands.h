@@ -34,6 +34,7 @@ Command templateListCommand();
 Command templateApplyCommand();
 Command thumbnailsCommand();
 Command galleryCommand();
+Command summaryCommand();
 Command trailCommand();
 Command verifyCommand();
 Command linksCommand();

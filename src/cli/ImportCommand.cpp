@@ -14,6 +14,7 @@
 #include "base/Trap.h"
 #include "cli/Commands.h"
 #include "cli/ImportJson.h"
+#include "cli/ImportSummaryFile.h"
 #include "cli/LoadedTable.h"
 #include "cli/OutputPath.h"
 #include "cli/Session.h"
@@ -47,6 +48,7 @@ struct Arguments {
     bool noSignatures = false;
     bool hashSets = false;
     bool thumbnails = false;
+    std::string summary;         ///< a page of the summary; empty for none
     std::string format = "text"; ///< or "json"
 };
 
@@ -314,6 +316,8 @@ Exit run(Session &session, const Arguments &given) {
     requireZones(program); // now that of the project
     requireSchema(program);
     chooseBase(session, arguments);
+    if (!arguments.summary.empty())
+        checkSummaryFile(session, arguments.summary, false);
     program.import.verifyFileSignatures &= !arguments.noSignatures;
     program.import.parseAdvancedMetadata &= !arguments.noMetadata;
     program.import.makeThumbnails = arguments.thumbnails;
@@ -324,11 +328,14 @@ Exit run(Session &session, const Arguments &given) {
     ImportSummary summary;
     const Search search = findArtefacts(session, arguments, unreachable);
     summary.cancelled = search.cancelled;
+    session.task.clear();
     tellZoneHints(session, arguments);
     if (!summary.cancelled)
         summary = runImportJob(program, session.task, session.scratch());
     session.task.clear();
     tellWhatIsLeftOut(session, summary, search);
+    if (!arguments.summary.empty() && summary.failure.empty())
+        writeSummaryFile(session, arguments.summary);
     closeTold(program, summary);
     session.out << (arguments.format == "json" ? importJson(summary)
                                                : printableLines(summaryText(summary)));
@@ -374,6 +381,7 @@ Command importCommand() {
              flag("--hash-sets", given->hashSets,
                   "Hash all cached content and look for it in the hash sets"),
              flag("--thumbnails", given->thumbnails, "Make thumbnails while importing"),
+             value("--summary", given->summary, "Also write the summary as a page, *.html"),
              value("--format", given->format, "text or json")
                  .oneOf({"text", "json"})
                  .showingDefault()},

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "base/TaskMonitor.h"
+#include "base/TimeLeft.h"
 
 #include <atomic>
-#include <chrono>
+#include <functional>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -21,7 +23,10 @@ void catchInterrupts();
 /// The headless program's task monitor: a progress bar on a terminal's stderr, silence elsewhere.
 class TerminalTask final : public TaskMonitor {
   public:
-    TerminalTask(std::ostream &err, bool isTerminal) : m_err(err), m_isTerminal(isTerminal) {}
+    /// `seconds` counts up steadily.
+    TerminalTask(std::ostream &err, bool isTerminal,
+                 std::function<double()> seconds = steadySeconds)
+        : m_err(err), m_isTerminal(isTerminal), m_seconds(std::move(seconds)) {}
     ~TerminalTask() override { clear(); }
     TerminalTask(const TerminalTask &) = delete;
     TerminalTask &operator=(const TerminalTask &) = delete;
@@ -30,17 +35,20 @@ class TerminalTask final : public TaskMonitor {
     bool advance(double fraction) override;
     bool wantsStep() const override { return false; }
     void show(const TaskStep &) override {}
-    /// Takes the bar away, so that other lines can be written.
+    /// Takes the bar away, so that other lines can be written; what comes next is measured anew.
     void clear();
 
   private:
+    static double steadySeconds();
     void draw(double fraction);
 
     std::ostream &m_err;
     bool m_isTerminal;
     bool m_drawn = false;
     std::string m_title;
-    std::chrono::steady_clock::time_point m_lastDrawn;
+    std::function<double()> m_seconds;
+    std::optional<double> m_lastDrawn;  ///< nothing before the first bar and after a new title
+    std::optional<TimeLeft> m_timeLeft; ///< of the task that has begun
 };
 
 } // namespace nv::cli

@@ -43,6 +43,7 @@ TEST_F(BesideCliTest, besideAWindowWhatOnlyReadsWorks) {
         {"extract", project, "1", (folder.path() / "page.htm").string()},
         {"options", "get", "--project", project},
         {"trail", project},
+        {"summary", project},
         {"export", project, (folder.path() / "rows.csv").string()},
         {"verify", project}};
     for (const auto &call : calls) {

@@ -232,7 +232,7 @@ TEST_F(EvidenceCliTest, whatCantBeReadStandsInSummaryJsonAndTrail) {
     EXPECT_EQ(summary["links_not_followed"], 1);
     EXPECT_EQ(summary["totals"]["rows"], 1);
     const json entries = trail();
-    ASSERT_EQ(entries.size(), 6u);
+    ASSERT_EQ(entries.size(), 8u); // each import has one for its end
     EXPECT_EQ(entries[2]["Action"], "Not Readable");
     EXPECT_EQ(entries[2]["FilePath"], file.string());
     fs::permissions(evidence / "closed", fs::perms::owner_all);
@@ -291,7 +291,7 @@ TEST_F(EvidenceCliTest, aNamedFileWhoseReadingFailsIsNoWrongUsage) {
     EXPECT_EQ(run.exit, 2);
     EXPECT_THAT(run.out, HasSubstr("Input/output error"));
     EXPECT_THAT(run.err, Not(HasSubstr("is not known as an artefact")));
-    EXPECT_EQ(trail().size(), 1u);
+    EXPECT_EQ(trail().size(), 2u);
 }
 
 TEST_F(EvidenceCliTest, aNamedPathThatCantBeReachedStopsNoOther) {

@@ -57,6 +57,7 @@ class UntouchedCliTest : public testing::Test {
 TEST_F(UntouchedCliTest, commandsThatLookLeaveEveryByteOfTheProject) {
     const std::vector<std::vector<std::string>> calls = {
         {"list", project},
+        {"summary", project},
         {"list", project, "--filter", "CacheURLs", "--format", "csv"},
         {"list", project, "--query", "TOP 25 URLs"},
         {"hosts", project},

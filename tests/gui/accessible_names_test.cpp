@@ -109,8 +109,8 @@ void AccessibleNamesTest::everyBoxOfADialogHasAName_data() {
     QTest::addColumn<QString>("action");
     for (const char *action :
          {"actColumns", "actFilters", "actImport", "actExport", "actCreateReport", "actCaseTrail",
-          "actOptions", "actTimeZone", "actErrorLog", "actTips", "actUpgradeWizard",
-          "actLayoutSaveAs", "actQueryForm"})
+          "actImportSummary", "actOptions", "actTimeZone", "actErrorLog", "actTips",
+          "actUpgradeWizard", "actLayoutSaveAs", "actQueryForm"})
         QTest::newRow(action) << QString::fromLatin1(action);
 }
 

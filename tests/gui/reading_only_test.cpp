@@ -78,8 +78,9 @@ void ReadingOnlyTest::commandsThatWriteAreOff() {
           "actRebuildByClassic", "actLinkAnalysis", "actBaseFolder", "actUpgradeWizard",
           "actApplyQuery", "actSaveQuery", "actDeleteQuery", "actQueryForm"})
         QVERIFY2(!child<QAction>(*m_form, name).isEnabled(), name);
-    for (const char *name : {"actExport", "actFind", "actFilters", "actColumns", "actTimeZone",
-                             "actRefresh", "actCaseTrail", "actClose", "actValidateSQL"})
+    for (const char *name :
+         {"actExport", "actFind", "actFilters", "actColumns", "actTimeZone", "actRefresh",
+          "actCaseTrail", "actImportSummary", "actClose", "actValidateSQL"})
         QVERIFY2(child<QAction>(*m_form, name).isEnabled(), name);
 }
 

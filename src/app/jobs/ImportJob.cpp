@@ -50,14 +50,29 @@ HistoryFileType typeOfCommandLine(const fs::path &file) {
     return HistoryFileType::none;
 }
 
+/// How much of the whole the reading takes, and where the preparing after it ends: what is left
+/// are thumbnails.
+struct Shares {
+    double reading = 0;
+    double preparing = 0;
+};
+
+Shares sharesOf(const ImportSettings &job) {
+    return job.makeThumbnails ? Shares{0.55, 0.6} : Shares{0.92, 1};
+}
+
 /// What the table would do at its first load: whoever only looks at the project then finds it
 /// ready, and needn't write to it.
-void prepareTable(Program &program, TaskMonitor &task) {
+void prepareTable(Program &program, TaskMonitor &task, Shares shares) {
     SQLite::Database &project = program.state.projectDB.connection();
+    const double each = (shares.preparing - shares.reading) / 3;
+    SubTask moving(task, shares.reading, shares.reading + each);
+    SubTask dates(task, shares.reading + each, shares.reading + 2 * each);
+    SubTask links(task, shares.reading + 2 * each, shares.preparing);
     onProject(project, [&] {
-        mendRootPath(project, program.log, textOf(program.state.rootPath), task);
-        ensureDateIndex(project, task);
-        ensureLinkIndexes(project, task);
+        mendRootPath(project, program.log, textOf(program.state.rootPath), moving);
+        ensureDateIndex(project, dates);
+        ensureLinkIndexes(project, links);
     });
 }
 
@@ -98,24 +113,28 @@ ImportSummary runImportJob(Program &program, TaskMonitor &task, const fs::path &
     SQLite::Database &project = state.projectDB.connection();
     const Evidence evidence(state.rootPath);
     const std::unique_ptr<HashLookup> hashSets = hashSetsForImport(program);
+    const Shares shares = sharesOf(program.import);
+    SubTask reading(task, 0, shares.reading);
     const ImportRun run{project,       {state.gmtZone, state.enableDSTChanges},
                         evidence,      program.around.clock,
-                        program.log,   task,
+                        program.log,   reading,
                         scratch,       readerFor,
                         hashSets.get()};
     const std::int64_t lastId = lastRow(program);
     ImportSummary summary = runImport(run, program.import);
-    noteImport(program, summary);
+    noteImport(program, summary, lastId);
     if (hashSets)
         noteHashSets(program, *hashSets);
     tellNotLogged(program, summary);
     // The rows are in the project by then, and the summary has to tell of them.
     if (!summary.cancelled && summary.failure.empty())
         summary.failure = failureOf(program.log, "ImportForm.ImportFiles()", [&] {
-                              prepareTable(program, task);
+                              prepareTable(program, task, shares);
                           }).value_or(std::string());
-    if (!summary.cancelled && summary.failure.empty())
-        makeImportThumbnails(program, task, scratch, lastId, summary);
+    if (!summary.cancelled && summary.failure.empty()) {
+        SubTask drawing(task, shares.preparing, 1);
+        makeImportThumbnails(program, drawing, scratch, lastId, summary);
+    }
     return summary;
 }
 

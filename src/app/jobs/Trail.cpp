@@ -1,5 +1,6 @@
 #include "app/jobs/Trail.h"
 
+#include "app/jobs/ThumbnailJob.h"
 #include "app/messages/TrailMessages.h"
 #include "base/Digest.h"
 #include "base/Files.h"
@@ -7,6 +8,7 @@
 #include "base/Trap.h"
 #include "db/ReadOnlyConnection.h"
 #include "db/WriteBatch.h"
+#include "import/ImportTrail.h"
 #include "time/ExactZone.h"
 
 #include <fmt/format.h>
@@ -22,53 +24,10 @@ void complete(const Program &program, TrailEntry &entry) {
     entry.appVersion = program.state.appVersion;
 }
 
-/// By what the rows differ from those of other imports of the file; empty for most.
-std::string rulesOf(const ImportSettings &job) {
-    std::string text;
-    if (job.classicOnly)
-        text += "; by the classic rules alone";
-    if (job.secrets)
-        text += "; with passwords, where there are any";
-    if (job.hashSets)
-        text += "; content hashed and looked for in hash sets";
-    return text;
-}
-
-TrailEntry entryOf(const ArtefactResult &artefact, const ImportSettings &job) {
-    TrailEntry entry;
-    entry.action = "Import";
-    entry.detail = fmt::format("{}: {}", artefact.readerKey, stateWord(artefact.state));
-    if (!artefact.reason.empty())
-        entry.detail += fmt::format(" ({})", artefact.reason);
-    if (artefact.rowsLost > 0)
-        entry.detail += fmt::format(", {} not stored", counted(artefact.rowsLost, "record"));
-    if (artefact.notReached > 0)
-        entry.detail +=
-            fmt::format(", {} not reached", counted(artefact.notReached, "entry", "entries"));
-    if (!artefact.warning.empty())
-        entry.detail += "; " + artefact.warning;
-    entry.detail += rulesOf(job);
-    entry.filePath = textOf(artefact.path);
-    entry.fileSize = static_cast<std::int64_t>(artefact.fileSize);
-    entry.md5Hash = artefact.md5Hash;
-    entry.sha256Hash = artefact.sha256Hash;
-    entry.rowCount = static_cast<std::int64_t>(artefact.rowsSaved);
-    return entry;
-}
-
 /// What was done is done, but nobody could prove it later.
 void tellWhenMissing(Program &program, const std::optional<std::string> &failure) {
     if (failure)
         program.around.examiner.tell(messages::trailNotWritten(*failure));
-}
-
-/// No entry "Import": there is nothing that a verification could compare.
-TrailEntry entryOf(const UnreadPlace &place) {
-    TrailEntry entry;
-    entry.action = "Not Readable";
-    entry.detail = place.reason;
-    entry.filePath = textOf(place.path);
-    return entry;
 }
 
 } // namespace
@@ -102,32 +61,28 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
     noteInTrail(program, std::move(entry));
 }
 
-void noteImport(Program &program, const ImportSummary &summary) {
+void noteImport(Program &program, const ImportSummary &summary, std::int64_t lastBefore) {
     const auto failure = failureOf(program.log, kProcedure, [&] {
         SQLite::Database &project = program.state.projectDB.connection();
         WriteBatch batch(project);
         CaseTrail trail(project);
+        const auto add = [&](TrailEntry entry) {
+            complete(program, entry);
+            trail.add(entry);
+            batch.written();
+        };
         if (const TimeZone &zone = program.state.gmtZone; zone.exact) {
             TrailEntry entry;
             entry.action = "Time Zone";
             entry.detail = fmt::format("Local dates of the import: {}", exactZoneText(zone));
-            complete(program, entry);
-            trail.add(entry);
+            add(entry);
         }
-        for (const ArtefactResult &artefact : summary.artefacts) {
-            if (artefact.state == ArtefactState::notReached)
-                continue;
-            TrailEntry entry = entryOf(artefact, program.import);
-            complete(program, entry);
-            trail.add(entry);
-            batch.written();
-        }
-        for (const UnreadPlace &place : summary.gaps.unreadable) {
-            TrailEntry entry = entryOf(place);
-            complete(program, entry);
-            trail.add(entry);
-            batch.written();
-        }
+        for (const ArtefactResult &artefact : summary.artefacts)
+            if (artefact.state != ArtefactState::notReached)
+                add(trailEntry(artefact, program.import));
+        for (const UnreadPlace &place : summary.gaps.unreadable)
+            add(trailEntry(place));
+        add(trailEntry(importEnd(summary, lastBefore, lastRow(program))));
         batch.commit();
     });
     tellWhenMissing(program, failure);

@@ -1,5 +1,7 @@
 #include "app/program/TaskStatus.h"
 
+#include "base/Text.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -19,6 +21,13 @@ int percentOf(std::int64_t counter, std::int64_t total) {
         std::clamp(100.0 * static_cast<double>(counter) / static_cast<double>(total), 0.0, 100.0));
 }
 
+/// Titles are in capitals, which shout where other words stand beside them.
+std::string inSentenceCase(const std::string &title) {
+    if (title.empty())
+        return {};
+    return title.substr(0, 1) + replaceAll(toLower(title.substr(1)), "urls", "URLs");
+}
+
 } // namespace
 
 double TaskStatus::steadySeconds() {
@@ -34,6 +43,8 @@ void TaskStatus::openThread() {
     cancelTask = false;
     m_stepDue = true;
     startTimer = m_localTimer = m_lastPump = m_seconds();
+    m_timeLeft.start(startTimer);
+    m_firstTitle.clear();
     resetThread();
     m_view.open();
     updateStatus();
@@ -44,7 +55,11 @@ void TaskStatus::closeThread() {
     startTimer = 0;
     queueIndex = queueItemCount = 0;
     iconPath.clear();
+    work.clear();
+    m_timeLeft = TimeLeft();
     m_view.close();
+    if (watcher)
+        watcher(*this);
 }
 
 void TaskStatus::resetThread() {
@@ -58,13 +73,21 @@ void TaskStatus::resetThread() {
 
 void TaskStatus::updateStatus() {
     m_view.update(*this);
+    if (watcher)
+        watcher(*this);
     m_view.pump();
 }
 
+double TaskStatus::secondsElapsed() const {
+    return isOpen ? std::max(0.0, m_seconds() - startTimer) : 0;
+}
+
+std::string TaskStatus::workName() const {
+    return work.empty() ? inSentenceCase(m_firstTitle) : work;
+}
+
 std::string TaskStatus::getTimeElapsed() const {
-    if (!isOpen)
-        return "00:00:00";
-    const auto seconds = static_cast<std::int64_t>(std::max(0.0, m_seconds() - startTimer));
+    const auto seconds = static_cast<std::int64_t>(secondsElapsed());
     return fmt::format("{:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
 }
 
@@ -78,6 +101,8 @@ std::string TaskStatus::windowTitle() const {
 }
 
 void TaskStatus::describe(const TaskHeading &heading) {
+    if (m_firstTitle.empty())
+        m_firstTitle = heading.title;
     msg1 = heading.title;
     msg2 = heading.subject;
     msg3 = heading.detail;
@@ -96,6 +121,7 @@ bool TaskStatus::advance(double fraction) {
         // Before the window is let run: what it does may ask for progress again.
         m_lastPump = now;
         topPercent = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100);
+        m_timeLeft.advance(fraction, now);
         updateStatus();
     }
     return !cancelTask;
@@ -120,10 +146,12 @@ void TaskStatus::show(const TaskStep &step) {
 }
 
 // A task within a task shows itself in the window that is open, and leaves it open.
-OpenTask::OpenTask(TaskStatus &thread, const TaskHeading &heading)
+OpenTask::OpenTask(TaskStatus &thread, const TaskHeading &heading, const std::string &work)
     : m_thread(thread), m_owner(!thread.isOpen) {
-    if (m_owner)
+    if (m_owner) {
+        m_thread.work = work;
         m_thread.openThread();
+    }
     m_thread.describe(heading);
 }
 

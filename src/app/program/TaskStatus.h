@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/TaskMonitor.h"
+#include "base/TimeLeft.h"
 
 #include <chrono>
 #include <functional>
@@ -43,6 +44,7 @@ class TaskStatus final : public TaskMonitor {
     bool cancelTask = false; ///< set by the Cancel button, cleared when the next task starts
     std::int64_t queueIndex = 0;
     std::int64_t queueItemCount = 0;
+    std::string work; ///< the whole task in words, such as "Import"; its parts have titles
     std::string iconPath;
     std::string msg1;
     std::string msg2;
@@ -59,6 +61,8 @@ class TaskStatus final : public TaskMonitor {
     int bottomPercent = 0;
     double startTimer = 0;             ///< when the task's clock began, in seconds of its own count
     double progressBarRefreshRate = 5; ///< seconds between two changes of the texts
+    /// Hears of each step and of the end, besides the view.
+    std::function<void(const TaskStatus &)> watcher;
 
     /// Shows the status window and starts the clock; a task inside a larger one, which finds it
     /// open, leaves it alone.
@@ -69,6 +73,12 @@ class TaskStatus final : public TaskMonitor {
     void updateStatus();
     /// "hh:mm:ss" since startTimer.
     std::string getTimeElapsed() const;
+    /// Since startTimer; 0 when no task runs.
+    double secondsElapsed() const;
+    /// "about 3 minutes left"; empty while nobody can know.
+    std::string getTimeLeft() const { return m_timeLeft.text(); }
+    /// What the task is called where there is little room: "Import", "Rebuilding web pages".
+    std::string workName() const;
     StatusBar topBar() const { return {topVisible, topMessage, topCounter, topTotal, topPercent}; }
     StatusBar bottomBar() const {
         return {bottomVisible, bottomMessage, bottomCounter, bottomTotal, bottomPercent};
@@ -86,7 +96,9 @@ class TaskStatus final : public TaskMonitor {
 
     StatusView &m_view;
     std::function<double()> m_seconds;
-    double m_localTimer = 0; ///< of the last change of the texts
+    TimeLeft m_timeLeft;
+    std::string m_firstTitle; ///< of the task that was opened
+    double m_localTimer = 0;  ///< of the last change of the texts
     double m_lastPump = 0;
     bool m_stepDue = true;
 };
@@ -94,7 +106,8 @@ class TaskStatus final : public TaskMonitor {
 /// Opens the status window for a task and closes it at the end, unless a larger task owns it.
 class OpenTask {
   public:
-    OpenTask(TaskStatus &thread, const TaskHeading &heading);
+    /// `work` is the whole task in words; empty when the heading's title says it.
+    OpenTask(TaskStatus &thread, const TaskHeading &heading, const std::string &work = {});
     ~OpenTask();
     OpenTask(const OpenTask &) = delete;
     OpenTask &operator=(const OpenTask &) = delete;

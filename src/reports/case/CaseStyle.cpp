@@ -1,13 +1,10 @@
 #include "reports/case/CaseStyle.h"
 
-#include "base/Base64.h"
-#include "base/Digest.h"
+#include "reports/PolicyHash.h"
 
 #include <fmt/format.h>
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 namespace nv {
 
@@ -222,17 +219,6 @@ field.addEventListener('keydown', function (event) {
 })();
 )js";
 
-std::string hashOf(std::string_view text) {
-    Digest digest(DigestAlgorithm::sha256);
-    digest.add(text);
-    const std::string hex = digest.takeHex();
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(hex.size() / 2);
-    for (std::size_t at = 0; at < hex.size(); at += 2)
-        bytes.push_back(static_cast<std::uint8_t>(std::stoi(hex.substr(at, 2), nullptr, 16)));
-    return "'sha256-" + base64(ByteView(bytes)) + "'";
-}
-
 } // namespace
 
 std::string_view caseStyle() {
@@ -247,7 +233,7 @@ std::string_view casePolicy() {
     static const std::string policy = fmt::format(
         R"(<meta http-equiv="Content-Security-Policy" content="default-src 'none'; img-src 'self'; )"
         R"(style-src {}; script-src {}; base-uri 'none'; form-action 'none'">)",
-        hashOf(kStyle), hashOf(kScript));
+        policyHash(kStyle), policyHash(kScript));
     return policy;
 }
 

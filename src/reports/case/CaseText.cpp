@@ -33,15 +33,6 @@ std::string caseAddress(std::string_view address) {
     return fmt::format("<bdi class=\"{}\">{}</bdi>", isCut ? "hash" : "u", caseText(address));
 }
 
-std::string grouped(std::uint64_t number) {
-    std::string digits = std::to_string(number);
-    for (std::size_t at = digits.size(); at > 3;) {
-        at -= 3;
-        digits.insert(at, ",");
-    }
-    return digits;
-}
-
 std::string caseSize(std::int64_t bytes) {
     constexpr std::array<std::string_view, 4> kUnits = {"KB", "MB", "GB", "TB"};
     if (bytes < 1000)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Grouped.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -15,8 +17,6 @@ inline constexpr std::size_t kShownValue = 2000;
 std::string caseText(std::string_view value, std::size_t mostChars = kShownValue);
 /// An address as text; what is cut has no button to copy it.
 std::string caseAddress(std::string_view address);
-/// "12,345".
-std::string grouped(std::uint64_t number);
 /// "12.3 MB".
 std::string caseSize(std::int64_t bytes);
 

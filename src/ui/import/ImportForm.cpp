@@ -18,8 +18,6 @@
 #include "ui/import/WizardParts.h"
 
 #include <QBoxLayout>
-#include <QFontDatabase>
-#include <QPlainTextEdit>
 #include <QStackedWidget>
 
 namespace nv {
@@ -37,25 +35,15 @@ QLabel *newHeading() {
     return heading;
 }
 
-QPlainTextEdit *newSummary() {
-    auto *summary = new QPlainTextEdit;
-    summary->setObjectName(QStringLiteral("txtSummary"));
-    summary->setAccessibleName(ImportForm::tr("Summary of the import"));
-    summary->setReadOnly(true);
-    summary->setLineWrapMode(QPlainTextEdit::NoWrap);
-    summary->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    summary->setTabChangesFocus(true);
-    return summary;
-}
-
 } // namespace
 
 ImportForm::ImportForm(Program &program, const fs::path &start, ChooseFolder chooseFolder,
-                       QWidget *parent)
+                       QWidget *parent, ChoosePage choosePage)
     : QDialog(parent), m_program(program),
       m_choice(new ImportChoicePage(program.import, start, program.state.rootPath,
                                     std::move(chooseFolder))),
-      m_files(new ImportFilesPage(program)), m_summary(newSummary()), m_pages(new QStackedWidget),
+      m_files(new ImportFilesPage(program)),
+      m_summary(new ImportSummaryPane(program, std::move(choosePage))), m_pages(new QStackedWidget),
       m_heading(newHeading()) {
     setObjectName(QStringLiteral("ImportForm"));
     setWindowTitle(tr("Import"));
@@ -63,6 +51,10 @@ ImportForm::ImportForm(Program &program, const fs::path &start, ChooseFolder cho
     setWindowModality(Qt::WindowModal);
     resizeWithinScreen(*this, {860, 560});
     connect(m_files, &ImportFilesPage::changed, this, &ImportForm::showButtons);
+    connect(m_summary, &ImportSummaryPane::wanted, this, [this](AfterSummary what) {
+        m_afterwards = what;
+        accept();
+    });
     m_pages->setObjectName(QStringLiteral("importPages"));
     m_pages->addWidget(m_choice);
     m_pages->addWidget(m_files);
@@ -207,15 +199,18 @@ void ImportForm::runImport() {
     const auto failure = failureOf(m_program.log, "ImportForm.ImportFiles()", [&] {
         const ImportClaim claim(m_program.state.projectDBPath);
         chooseBase();
-        const OpenTask task(m_program.task, {});
+        const OpenTask task(m_program.task, {}, fromQt(tr("Import")));
         summary = runImportJob(m_program, m_program.task, m_program.state.tempFolderPath);
     });
+    if (failure)
+        m_summary->showFailure(*failure);
+    else
+        m_summary->load(ImportScope::last, summaryText(summary));
     m_imported = true;
     m_running = false;
     setEnabled(true);
     if (const std::string reason = failure.value_or(summary.failure); !reason.empty())
         m_program.around.examiner.tell(messages::importFailed(reason));
-    m_summary->setPlainText(toQt(summaryText(summary)));
     showStep(Finish);
 }
 

@@ -2,11 +2,11 @@
 
 #include "app/program/Program.h"
 #include "ui/import/ImportChoicePage.h"
+#include "ui/import/ImportSummaryPane.h"
 
 #include <QDialog>
 
 class QLabel;
-class QPlainTextEdit;
 class QPushButton;
 class QStackedWidget;
 
@@ -22,10 +22,12 @@ class ImportForm final : public QDialog {
   public:
     /// `start` is the folder or file that is offered first; may be empty.
     ImportForm(Program &program, const std::filesystem::path &start, ChooseFolder chooseFolder,
-               QWidget *parent = nullptr);
+               QWidget *parent = nullptr, ChoosePage choosePage = choosePageByDialog);
 
     /// True when files were read, so that the table has to be loaded anew.
     bool imported() const { return m_imported; }
+    /// What the examiner wants to go on with after it.
+    AfterSummary next() const { return m_afterwards; }
     /// Cancel: of the scan while it runs, otherwise of the wizard.
     void reject() override;
 
@@ -46,7 +48,8 @@ class ImportForm final : public QDialog {
     Program &m_program;
     ImportChoicePage *m_choice;
     ImportFilesPage *m_files;
-    QPlainTextEdit *m_summary;
+    ImportSummaryPane *m_summary;
+    AfterSummary m_afterwards = AfterSummary::table;
     QStackedWidget *m_pages;
     QLabel *m_heading;
     QPushButton *m_back = nullptr;

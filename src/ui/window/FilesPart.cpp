@@ -83,11 +83,15 @@ void FilesPart::import(const fs::path &start) {
     const auto chooseFolder = [this](const std::string &title, const fs::path &from) {
         return m_bench.dialogs.chooseFolder(title, from);
     };
-    ImportForm form(m_bench.program, start, chooseFolder, &m_bench.window);
+    const auto choosePage = [this](const fs::path &offered) {
+        return m_bench.dialogs.choosePage(offered);
+    };
+    ImportForm form(m_bench.program, start, chooseFolder, &m_bench.window, choosePage);
     form.exec();
     if (form.imported()) {
         m_bench.reload();
         m_rebuild.tellOfWideIds();
+        m_bench.goOn(form.next());
     }
 }
 

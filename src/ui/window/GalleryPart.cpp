@@ -12,6 +12,10 @@ namespace {
 
 constexpr std::chrono::milliseconds kUntilRecount{200};
 
+QString workName() {
+    return GalleryPart::tr("Thumbnails");
+}
+
 } // namespace
 
 GalleryPart::GalleryPart(Workbench &bench)
@@ -41,6 +45,7 @@ GalleryPart::GalleryPart(Workbench &bench)
         m_gallery->setDirty();
         count();
     });
+    connect(&bench, &Workbench::thumbnailsWanted, this, &GalleryPart::startDrawing);
     connect(&bench, &Workbench::galleryOutdated, m_gallery, &GalleryTab::setOutdated);
     connect(&bench, &Workbench::optionsChanged, this, &GalleryPart::takeOptions);
     connect(m_gallery, &GalleryTab::choiceChanged, this,
@@ -87,9 +92,15 @@ void GalleryPart::takeOptions() {
 void GalleryPart::switchDrawing() {
     if (m_background.isRunning())
         return m_background.stop();
+    startDrawing();
+}
+
+void GalleryPart::startDrawing() {
+    if (m_background.isRunning())
+        return;
     if (!m_bench.isProjectOpen() || !m_bench.mayWrite())
         return;
-    m_drawnSince = 0;
+    takeCount();
     m_background.start();
     showCount();
 }
@@ -101,25 +112,32 @@ void GalleryPart::count() {
     m_recount.start(); // the command doesn't run while a task has the project
     m_bench.run("MainForm.countThumbnails()", [this] {
         m_recount.stop();
-        const std::int64_t last = lastRow(m_bench.program);
-        const bool isKnown = (m_isCounted && last == m_countedTo) || unlessDamaged([this] {
-                                 m_counted = countThumbnails(m_bench.program);
-                             });
-        if (!isKnown)
-            m_counted = {};
-        m_isCounted = true;
-        m_countedTo = last;
-        m_drawnSince = 0;
+        takeCount();
     });
     showCount();
 }
 
+void GalleryPart::takeCount() {
+    const std::int64_t last = lastRow(m_bench.program);
+    const bool isKnown = (m_isCounted && last == m_countedTo) ||
+                         unlessDamaged([this] { m_counted = countThumbnails(m_bench.program); });
+    if (!isKnown)
+        m_counted = {};
+    m_isCounted = true;
+    m_countedTo = last;
+    m_drawnSince = 0;
+}
+
 void GalleryPart::showCount() {
-    m_gallery->showDrawn(m_counted.drawn + static_cast<qint64>(m_drawnSince), m_counted.drawable,
-                         m_background.isRunning());
+    const qint64 drawn = m_counted.drawn + static_cast<qint64>(m_drawnSince);
+    m_gallery->showDrawn(drawn, m_counted.drawable, m_background.isRunning());
+    if (m_background.isRunning() && m_counted.drawable > 0)
+        emit m_bench.workProgressed(workName(), static_cast<double>(drawn) /
+                                                    static_cast<double>(m_counted.drawable));
 }
 
 void GalleryPart::tellEnd(const ThumbnailTotals &totals) {
+    emit m_bench.workEnded(workName());
     emit m_bench.thumbnailsChanged();
     QString notice = totals.failed == 0 ? tr("%1 made").arg(toQt(counted(totals.made, "thumbnail")))
                                         : tr("%1 made, %2 failed")

@@ -23,7 +23,9 @@ class GalleryPart final : public QObject {
     void takeOptions();
     void followTable();
     void switchDrawing();
+    void startDrawing();
     void count();
+    void takeCount();
     void showCount();
     void tellEnd(const ThumbnailTotals &totals);
 

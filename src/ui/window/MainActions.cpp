@@ -68,6 +68,7 @@ MainActions::MainActions(QObject *o)
       baseFolder(make(o, "actBaseFolder", tr("&Base Folder..."), "folder")),
       timeZone(make(o, "actTimeZone", tr("&Time Zone..."), "history")),
       options(make(o, "actOptions", tr("&Options..."), "options", Qt::CTRL | Qt::Key_Comma)),
+      importSummary(make(o, "actImportSummary", tr("&Import Summary..."), "import")),
       caseTrail(make(o, "actCaseTrail", tr("Case Tr&ail..."), "trail")),
       network(make(o, "actNetwork", tr("Disable &Network"), "network")),
       createReport(make(o, "actCreateReport", tr("&Create Report..."), "report",
@@ -84,11 +85,9 @@ MainActions::MainActions(QObject *o)
         nameKeys(*action);
     network->setIconText(tr("Network"));
     createReport->setIconText(tr("Report"));
-    places->setCheckable(true);
-    hosts->setCheckable(true);
-    time->setCheckable(true);
+    for (QAction *action : {places, hosts, time, viewers})
+        action->setCheckable(true);
     openReportFolder->setEnabled(false);
-    viewers->setCheckable(true);
     viewers->setChecked(true);
 }
 
@@ -130,6 +129,7 @@ void MainActions::describe() const {
     baseFolder->setToolTip(tr("Tell where the evidence lies now"));
     timeZone->setToolTip(tr("Choose the zone in which times are shown"));
     options->setToolTip(tr("Settings of the program and the project"));
+    importSummary->setToolTip(tr("What the last import brought, and what it could not read"));
     caseTrail->setToolTip(tr("What was done with this project, when and on which file"));
     network->setToolTip(tr("Switch the computer's network connection"));
     createReport->setToolTip(tr("Make a report of the tagged rows, or of all"));
@@ -144,11 +144,12 @@ void MainActions::describe() const {
 
 void MainActions::setProjectOpen(bool open, bool readOnly) {
     for (QAction *action :
-         {saveAs,       closeProject, copyCell,     copyRows,     selectAll,      find,
-          search,       copyCsv,      copyMarkdown, copyJson,     copyDefanged,   places,
-          findNext,     tag,          rebuild,      rebuildPage,  rebuildExactly, rebuildByClassic,
-          linkAnalysis, columns,      refresh,      baseFolder,   timeZone,       caseTrail,
-          filters,      hosts,        time,         createReport, publishReport,  exportRows})
+         {saveAs,        closeProject, copyCell,     copyRows,    selectAll,      find,
+          search,        copyCsv,      copyMarkdown, copyJson,    copyDefanged,   places,
+          findNext,      tag,          rebuild,      rebuildPage, rebuildExactly, rebuildByClassic,
+          linkAnalysis,  columns,      refresh,      baseFolder,  timeZone,       caseTrail,
+          importSummary, filters,      hosts,        time,        createReport,   publishReport,
+          exportRows})
         action->setEnabled(open);
     for (QAction *action : {import, upgradeWizard})
         action->setEnabled(!readOnly);

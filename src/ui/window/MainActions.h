@@ -43,6 +43,7 @@ struct MainActions {
     QAction *baseFolder;
     QAction *timeZone;
     QAction *options;
+    QAction *importSummary;
     QAction *caseTrail;
     QAction *network;
     QAction *createReport;

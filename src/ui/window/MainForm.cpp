@@ -60,6 +60,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     connectEditActions();
     connectOtherActions();
     connectMenus();
+    connectTitle();
     m_commands.updateProgramCaption();
     m_menus.showTheme(keptTheme(program.settings));
     showRecentFiles();
@@ -67,7 +68,9 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     restoreGeometryKept();
 }
 
-MainForm::~MainForm() = default;
+MainForm::~MainForm() {
+    m_program.task.watcher = nullptr;
+}
 
 QWidget *MainForm::newProjectPage() {
     const RunTask runTasks = [this](const TaskHeading &heading, const auto &work) {
@@ -170,6 +173,15 @@ void MainForm::connectMenus() {
     connect(&m_menus, &MainMenus::quickQueryChosen, m_table, &TableTab::chooseQuery);
     connect(&m_menus, &MainMenus::sortChosen, m_table, &TableTab::sortBy);
     connect(&m_menus, &MainMenus::themeChosen, this, &MainForm::chooseTheme);
+}
+
+void MainForm::connectTitle() {
+    m_program.task.watcher = [this](const TaskStatus &status) { m_title.showTask(status); };
+    connect(m_bench.get(), &Workbench::workProgressed, this,
+            [this](const QString &name, double done) { m_title.showWork(name, done); });
+    connect(m_bench.get(), &Workbench::workEnded, this,
+            [this](const QString &name) { m_title.endWork(name); });
+    connect(m_bench.get(), &Workbench::projectClosing, this, [this] { m_title.endAllWork(); });
 }
 
 void MainForm::showNotice(const QString &text) {
@@ -308,7 +320,7 @@ void MainForm::chooseTheme(Theme theme) {
 }
 
 void MainForm::setCaption(const std::string &caption) {
-    setWindowTitle(toQt(caption));
+    m_title.setCaption(toQt(caption));
 }
 
 void MainForm::restoreLayout() {

@@ -6,6 +6,7 @@
 #include "ui/window/MainMenus.h"
 #include "ui/window/StatusLine.h"
 #include "ui/window/WindowDialogs.h"
+#include "ui/window/WindowTitle.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -69,6 +70,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     void connectEditActions();
     void connectOtherActions();
     void connectMenus();
+    void connectTitle();
     /// Runs a command; the examiner is told when it fails.
     void run(const char *procedure, const std::function<void()> &command);
     void runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work);
@@ -100,6 +102,7 @@ class MainForm final : public QMainWindow, public ProjectView {
     RebuildPart *m_rebuild = nullptr;
     FilesPart *m_files = nullptr;
     StatusLine m_status{*statusBar()};
+    WindowTitle m_title{*this};
     int m_locks = 0;
     QPointer<QWidget> m_focusBeforeLock;
 };

@@ -102,7 +102,7 @@ void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     tools->addSeparator();
     tools->addActions({actions.baseFolder, actions.timeZone, actions.options});
     tools->addSeparator();
-    tools->addActions({actions.caseTrail, actions.network});
+    tools->addActions({actions.importSummary, actions.caseTrail, actions.network});
     tools->addSeparator();
     tools->addActions({actions.upgradeWizard, actions.errorLog});
     QMenu *help = named(m_window.menuBar()->addMenu(tr("&Help")), "menuHelp");

@@ -68,6 +68,7 @@ SearchPart::SearchPart(Workbench &bench)
     connect(bench.actions.refresh, &QAction::triggered, this, [this] { m_searchedTo = 0; });
     connect(&bench, &Workbench::projectOpened, this, &SearchPart::open);
     connect(&bench, &Workbench::projectClosing, this, &SearchPart::close);
+    connect(&bench, &Workbench::searchIndexWanted, this, &SearchPart::makeIndex);
     m_bar->setEnabled(false);
     bench.limits.add(*this);
 }
@@ -228,11 +229,8 @@ void SearchPart::hear(const SearchNews &news) {
         return; // of a project that was closed
     for (const Failure &failure : news.log)
         m_bench.program.log.write(failure);
-    if (news.step == SearchNews::Step::indexing)
-        m_progress->showFraction(news.fraction);
-    else
-        m_progress->hide();
-    if (news.number != m_number)
+    tellIndexing(news);
+    if (news.number != m_number || news.number == m_indexOrder)
         return;
     switch (news.step) {
     case SearchNews::Step::first:
@@ -259,6 +257,37 @@ void SearchPart::hear(const SearchNews &news) {
     case SearchNews::Step::checked:
         break;
     }
+}
+
+void SearchPart::tellIndexing(const SearchNews &news) {
+    const QString work = tr("Search index");
+    if (news.step == SearchNews::Step::indexing) {
+        m_progress->showFraction(news.fraction);
+        emit m_bench.workProgressed(work, news.fraction);
+        return;
+    }
+    m_progress->hide();
+    emit m_bench.workEnded(work);
+    if (news.number != m_indexOrder)
+        return;
+    if (news.step == SearchNews::Step::checked)
+        m_bench.showNotice(tr("The search index is ready"));
+    else if (news.step == SearchNews::Step::failed)
+        m_bar->showMessage(toQt(news.failure), SearchBar::Tone::fault);
+}
+
+/// The service makes the index for a search: it gets one whose rows nobody takes up. A search that
+/// is in force has seen to it already.
+void SearchPart::makeIndex() {
+    if (!m_bench.isProjectOpen() || !m_wanted.text.isEmpty())
+        return;
+    const auto failure = failureOf(m_bench.program.log, kProcedure, [this] {
+        startService();
+        m_indexOrder = ++m_number;
+        m_service->want({m_indexOrder, RowMatch(parseSearch("index"), SearchScope::all)});
+    });
+    if (failure)
+        m_bar->showMessage(toQt(*failure), SearchBar::Tone::fault);
 }
 
 void SearchPart::takeRows() {

@@ -58,7 +58,9 @@ class SearchPart final : public QObject, public Limiter {
     void drop();
     void again();
 
+    void makeIndex();
     void hear(const SearchNews &news);
+    void tellIndexing(const SearchNews &news);
     void end(const SearchNews &news);
     /// Rows that were found. They wait while a task has the project.
     void takeRows();
@@ -79,6 +81,7 @@ class SearchPart final : public QObject, public Limiter {
     bool m_isWhole = false;                  ///< m_found is all that is found
     std::size_t m_unread = 0;
     std::uint64_t m_number = 0;               ///< of the last order
+    std::uint64_t m_indexOrder = 0;           ///< the last one that was for the index alone
     std::uint64_t m_closedAt = 0;             ///< the last order of the project before
     std::int64_t m_searchedTo = 0;            ///< the last record at the time of the search
     std::unique_ptr<SearchService> m_service; ///< from the first search of a project on

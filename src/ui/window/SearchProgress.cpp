@@ -1,5 +1,7 @@
 #include "ui/window/SearchProgress.h"
 
+#include "platform/qt/QtText.h"
+
 #include <QBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -9,13 +11,13 @@ namespace nv {
 
 SearchProgress::SearchProgress(QWidget *parent) : QWidget(parent) {
     setObjectName(QStringLiteral("SearchProgress"));
-    auto *label = new QLabel(tr("Making the search index"));
-    label->setObjectName(QStringLiteral("labSearchIndex"));
+    m_label = new QLabel(tr("Making the search index"));
+    m_label->setObjectName(QStringLiteral("labSearchIndex"));
     constexpr int kWidth = 120; // pixels
     constexpr int kWhole = 100;
     m_bar = new QProgressBar;
     m_bar->setObjectName(QStringLiteral("barSearchIndex"));
-    m_bar->setAccessibleName(label->text());
+    m_bar->setAccessibleName(m_label->text());
     m_bar->setRange(0, kWhole);
     m_bar->setMaximumWidth(kWidth);
     auto *cancel = new QToolButton;
@@ -26,7 +28,7 @@ SearchProgress::SearchProgress(QWidget *parent) : QWidget(parent) {
     cancel->setFocusPolicy(Qt::TabFocus);
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(6, 0, 6, 0);
-    row->addWidget(label);
+    row->addWidget(m_label);
     row->addWidget(m_bar);
     row->addWidget(cancel);
     connect(cancel, &QToolButton::clicked, this, &SearchProgress::cancelled);
@@ -34,6 +36,15 @@ SearchProgress::SearchProgress(QWidget *parent) : QWidget(parent) {
 }
 
 void SearchProgress::showFraction(double fraction) {
+    constexpr double kMilliseconds = 1000;
+    if (isHidden()) {
+        m_clock.start();
+        m_left.start(0);
+    }
+    m_left.advance(fraction, static_cast<double>(m_clock.elapsed()) / kMilliseconds);
+    const QString left = toQt(m_left.text());
+    m_label->setText(left.isEmpty() ? tr("Making the search index")
+                                    : tr("Making the search index, %1").arg(left));
     m_bar->setValue(static_cast<int>(fraction * m_bar->maximum()));
     show();
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "base/TimeLeft.h"
+
+#include <QElapsedTimer>
 #include <QWidget>
 
 class QLabel;
@@ -21,7 +24,10 @@ class SearchProgress final : public QWidget {
     void cancelled();
 
   private:
+    QLabel *m_label = nullptr;
     QProgressBar *m_bar = nullptr;
+    QElapsedTimer m_clock;
+    TimeLeft m_left;
 };
 
 } // namespace nv

@@ -81,10 +81,13 @@ StatusForm::Bar StatusForm::addBar(QBoxLayout &column, int number) {
 QBoxLayout *StatusForm::buttonRow() {
     auto *row = new QHBoxLayout;
     m_elapsed = addLabel("labTimeElapsed");
+    m_left = addLabel("labTimeLeft");
+    m_left->setWordWrap(false);
     m_cancel = new QPushButton(this);
     m_cancel->setObjectName(QStringLiteral("btnCancel"));
     connect(m_cancel, &QPushButton::clicked, this, &StatusForm::cancel);
     row->addWidget(m_elapsed);
+    row->addWidget(m_left);
     row->addStretch();
     row->addWidget(m_cancel);
     return row;
@@ -127,6 +130,9 @@ void StatusForm::update(const TaskStatus &status) {
     showBar(m_bottom, status.bottomBar());
     m_elapsed->setVisible(status.showTimeElapsed);
     m_elapsed->setText(toQt(status.getTimeElapsed()));
+    const QString left = toQt(status.getTimeLeft());
+    m_left->setVisible(status.showTimeElapsed && !left.isEmpty());
+    m_left->setText(QStringLiteral("- ") + left);
 }
 
 void StatusForm::showIcon(const TaskStatus &status) {

@@ -58,6 +58,7 @@ class StatusForm final : public QDialog, public StatusView {
     Bar m_top;
     Bar m_bottom;
     QLabel *m_elapsed = nullptr;
+    QLabel *m_left = nullptr; ///< the time that is left, while it is known
     QPushButton *m_cancel = nullptr;
     std::string m_iconPath; ///< of the picture that is shown
     QElapsedTimer m_sinceOpen;

@@ -3,6 +3,7 @@
 #include "app/messages/Messages.h"
 #include "base/Files.h"
 #include "platform/qt/QtText.h"
+#include "ui/import/ImportSummaryPane.h"
 #include "ui/options/OptionsForm.h"
 
 #include <QApplication>
@@ -39,6 +40,11 @@ std::optional<std::filesystem::path> chooseFile(const char *name, const char *ti
 
 bool WindowDialogs::confirmNewProject(OptionsForm &form) {
     return form.exec() == QDialog::Accepted;
+}
+
+std::optional<std::filesystem::path>
+WindowDialogs::choosePage(const std::filesystem::path &offered) {
+    return choosePageByDialog(offered);
 }
 
 std::optional<std::filesystem::path>

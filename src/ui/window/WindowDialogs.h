@@ -13,6 +13,8 @@ class WindowDialogs : public FileDialogs {
     /// Nothing is chosen when the examiner cancels.
     virtual std::optional<std::filesystem::path>
     chooseFolder(const std::string &title, const std::filesystem::path &start) = 0;
+    /// Asks for the file of a page to write; an existing one is only given back after a question.
+    virtual std::optional<std::filesystem::path> choosePage(const std::filesystem::path &offered);
     /// Shows the first step of a new project; false when the examiner cancels.
     virtual bool confirmNewProject(OptionsForm &form);
 };

@@ -11,6 +11,7 @@
 #include "ui/window/QueryPart.h"
 #include "ui/window/RebuiltPanes.h"
 #include "ui/window/SearchPart.h"
+#include "ui/window/SummaryPart.h"
 #include "ui/window/TagsPart.h"
 #include "ui/window/TemplatesPart.h"
 #include "ui/window/TimePart.h"
@@ -21,7 +22,7 @@ namespace nv {
 
 std::vector<std::unique_ptr<QObject>> newParts(Workbench &bench) {
     std::vector<std::unique_ptr<QObject>> parts;
-    parts.reserve(16);
+    parts.reserve(17);
     parts.push_back(std::make_unique<QueryPart>(bench));
     parts.push_back(std::make_unique<GalleryPart>(bench));
     parts.push_back(std::make_unique<TemplatesPart>(bench));
@@ -34,6 +35,7 @@ std::vector<std::unique_ptr<QObject>> newParts(Workbench &bench) {
     parts.push_back(std::make_unique<RebuiltPanes>(bench));
     parts.push_back(std::make_unique<LinkPart>(bench));
     parts.push_back(std::make_unique<NetworkPart>(bench));
+    parts.push_back(std::make_unique<SummaryPart>(bench));
     parts.push_back(std::make_unique<TrailPart>(bench));
     parts.push_back(std::make_unique<ViewersPart>(bench));
     parts.push_back(std::make_unique<SearchPart>(bench));

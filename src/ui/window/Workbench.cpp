@@ -11,6 +11,20 @@ bool Workbench::mayWrite() const {
     return may;
 }
 
+void Workbench::goOn(AfterSummary what) {
+    switch (what) {
+    case AfterSummary::thumbnails:
+        emit thumbnailsWanted();
+        break;
+    case AfterSummary::searchIndex:
+        emit searchIndexWanted();
+        break;
+    case AfterSummary::table:
+        break;
+    }
+    table->grid().setFocus();
+}
+
 void Workbench::refreshRows() const {
     table->refreshRows();
     viewers->refresh();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/program/Program.h"
+#include "ui/import/ImportSummaryPane.h"
 #include "ui/views/TableTab.h"
 #include "ui/window/Limits.h"
 #include "ui/window/MainActions.h"
@@ -50,6 +51,8 @@ class Workbench final : public QObject {
     void showNotice(const QString &text) { emit noticed(text); }
     /// The rows of the table have changed in the project; the list of them stays.
     void refreshRows() const;
+    /// What the examiner has chosen in the summary of an import.
+    void goOn(AfterSummary what);
     /// Runs the active query anew.
     void reload() { emit reloadWanted(); }
 
@@ -66,6 +69,13 @@ class Workbench final : public QObject {
     void optionsChanged();
     /// The project has other stored queries than before.
     void queriesChanged();
+    /// How far work in the background is, 0 to 1, and its end. The title of the window tells it;
+    /// closing the project ends all of it.
+    void workProgressed(const QString &name, double fraction);
+    void workEnded(const QString &name);
+    /// Work in the background that is offered outside of its own part.
+    void searchIndexWanted();
+    void thumbnailsWanted();
     /// The gallery shows other kinds than those that are now ticked.
     void galleryOutdated();
 };

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace nv {
 namespace {
 
@@ -82,6 +84,51 @@ TEST_F(ThreadClassTest, eventsRunOftenButNotForEveryRecord) {
     seconds += 0.1;
     EXPECT_TRUE(thread.advance(0));
     EXPECT_EQ(view.pumped, before + 1);
+}
+
+TEST_F(ThreadClassTest, theTimeLeftIsThatOfTheWholeTask) {
+    {
+        const OpenTask outer(thread, {"OUTER", "", "", ""});
+        EXPECT_EQ(thread.getTimeLeft(), "");
+        for (int i = 1; i <= 25; ++i) {
+            seconds += 2.4;
+            const OpenTask inner(thread, {"INNER", "", "", ""});
+            EXPECT_TRUE(thread.advance(i * 0.01));
+        }
+        EXPECT_EQ(thread.getTimeLeft(), "about 3 minutes left");
+    }
+    EXPECT_EQ(thread.getTimeLeft(), "");
+    const OpenTask next(thread, {"NEXT", "", "", ""});
+    EXPECT_EQ(thread.getTimeLeft(), "");
+}
+
+TEST_F(ThreadClassTest, aTaskIsCalledByItsWorkOrByItsFirstTitle) {
+    {
+        const OpenTask import(thread, {}, "Import");
+        thread.describe({"PARSING FIREFOX CACHE", "", "", ""});
+        EXPECT_EQ(thread.workName(), "Import");
+    }
+    const OpenTask copying(thread, {"COPYING URLS", "", "", ""});
+    thread.describe({"PARSING FIREFOX CACHE", "", "", ""});
+    EXPECT_EQ(thread.workName(), "Copying URLs");
+}
+
+TEST_F(ThreadClassTest, aWatcherHearsOfEachStepAndOfTheEnd) {
+    std::vector<std::string> heard;
+    thread.watcher = [&heard](const TaskStatus &status) {
+        heard.push_back(status.isOpen ? std::to_string(status.topPercent) : "end");
+    };
+    try {
+        const OpenTask task(thread, {"T", "", "", ""});
+        seconds += 1;
+        EXPECT_TRUE(thread.advance(0.42));
+        throw std::runtime_error("a failure");
+    } catch (const std::runtime_error &) {
+    }
+    ASSERT_GE(heard.size(), 2U);
+    EXPECT_EQ(heard[heard.size() - 2], "42");
+    EXPECT_EQ(heard.back(), "end");
+    EXPECT_EQ(thread.secondsElapsed(), 0);
 }
 
 TEST_F(ThreadClassTest, cancelHoldsUntilTheNextTaskStarts) {

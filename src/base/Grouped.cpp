@@ -1,0 +1,16 @@
+#include "base/Grouped.h"
+
+#include <cstddef>
+
+namespace nv {
+
+std::string grouped(std::uint64_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t at = digits.size(); at > 3;) {
+        at -= 3;
+        digits.insert(at, ",");
+    }
+    return digits;
+}
+
+} // namespace nv

@@ -1,0 +1,161 @@
+#include "import/ImportTrail.h"
+
+#include "base/Files.h"
+#include "base/Text.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <charconv>
+#include <string_view>
+#include <utility>
+
+namespace nv {
+
+namespace {
+
+constexpr const char *kEndAction = "Import End";
+constexpr std::string_view kFailure = "; ended by: ";
+constexpr std::string_view kNotStored = " not stored";
+
+/// By what the rows differ from those of other imports of the file; empty for most.
+std::string rulesOf(const ImportSettings &job) {
+    std::string text;
+    if (job.classicOnly)
+        text += "; by the classic rules alone";
+    if (job.secrets)
+        text += "; with passwords, where there are any";
+    if (job.hashSets)
+        text += "; content hashed and looked for in hash sets";
+    return text;
+}
+
+/// The numbers of an end by their names, in the order in which they are written.
+template <class End, class Visit>
+void eachNumber(End &end, Visit &&visit) {
+    visit("files found", end.found);
+    visit("last row before", end.lastBefore);
+    visit("last row", end.lastRow);
+    visit("files not reached", end.notReached);
+    visit("records not stored", end.rowsLost);
+    visit("records passed over", end.passedOver);
+    visit("links not followed", end.linksNotFollowed);
+    visit("shader caches passed over", end.shaderCaches);
+}
+
+constexpr std::string_view kCancelled = "; cancelled";
+
+/// Of "name 12" in a list that semicolons part; 0 where it isn't.
+template <class Number>
+void readNumber(std::string_view text, std::string_view name, Number &number) {
+    for (const std::string_view part : split(text, ';')) {
+        const std::string_view bare = trim(part);
+        if (bare.size() > name.size() && bare.starts_with(name) && bare[name.size()] == ' ')
+            std::from_chars(bare.data() + name.size() + 1, bare.data() + bare.size(), number);
+    }
+}
+
+/// "(reason)" is the reason; what has more behind it stays as it is.
+std::string wordsOf(std::string_view text) {
+    text = trim(text);
+    while (text.starts_with(',') || text.starts_with(';'))
+        text = trim(text.substr(1));
+    const bool isOne = text.starts_with('(') && text.find(')') == text.size() - 1;
+    return std::string(isOne ? text.substr(1, text.size() - 2) : text);
+}
+
+} // namespace
+
+TrailEntry trailEntry(const ArtefactResult &artefact, const ImportSettings &job) {
+    TrailEntry entry;
+    entry.action = kImportAction;
+    entry.detail = fmt::format("{}: {}", artefact.readerKey, stateWord(artefact.state));
+    if (!artefact.reason.empty())
+        entry.detail += fmt::format(" ({})", artefact.reason);
+    if (artefact.rowsLost > 0)
+        entry.detail += fmt::format(", {}{}", counted(artefact.rowsLost, "record"), kNotStored);
+    if (artefact.notReached > 0)
+        entry.detail +=
+            fmt::format(", {} not reached", counted(artefact.notReached, "entry", "entries"));
+    if (!artefact.warning.empty())
+        entry.detail += "; " + artefact.warning;
+    entry.detail += rulesOf(job);
+    entry.filePath = textOf(artefact.path);
+    entry.fileSize = static_cast<std::int64_t>(artefact.fileSize);
+    entry.md5Hash = artefact.md5Hash;
+    entry.sha256Hash = artefact.sha256Hash;
+    entry.rowCount = static_cast<std::int64_t>(artefact.rowsSaved);
+    return entry;
+}
+
+/// No entry "Import": there is nothing that a verification could compare.
+TrailEntry trailEntry(const UnreadPlace &place) {
+    TrailEntry entry;
+    entry.action = kNotReadableAction;
+    entry.detail = place.reason;
+    entry.filePath = textOf(place.path);
+    return entry;
+}
+
+ImportEnd importEnd(const ImportSummary &summary, std::int64_t lastBefore, std::int64_t lastRow) {
+    return {.found = summary.artefacts.size(),
+            .lastBefore = lastBefore,
+            .lastRow = lastRow,
+            .notReached = summary.count(ArtefactState::notReached),
+            .rowsLost = summary.rowsLost(),
+            .passedOver = summary.passedOver(),
+            .linksNotFollowed = summary.gaps.linksNotFollowed,
+            .shaderCaches = summary.gaps.shaderCaches,
+            .cancelled = summary.cancelled,
+            .failure = summary.failure};
+}
+
+TrailEntry trailEntry(const ImportEnd &end) {
+    TrailEntry entry;
+    entry.action = kEndAction;
+    eachNumber(end, [&entry](std::string_view name, auto number) {
+        entry.detail += fmt::format("{}{} {}", entry.detail.empty() ? "" : "; ", name, number);
+    });
+    if (end.cancelled)
+        entry.detail += kCancelled;
+    if (!end.failure.empty())
+        entry.detail += std::string(kFailure) + end.failure;
+    entry.rowCount = end.lastRow - end.lastBefore;
+    return entry;
+}
+
+std::optional<ImportEnd> importEndOf(const TrailEntry &entry) {
+    if (entry.action != kEndAction)
+        return std::nullopt;
+    ImportEnd end;
+    std::string_view text = entry.detail;
+    if (const std::size_t at = text.find(kFailure); at != std::string_view::npos) {
+        end.failure = text.substr(at + kFailure.size());
+        text = text.substr(0, at);
+    }
+    end.cancelled = text.ends_with(kCancelled);
+    eachNumber(end,
+               [text](std::string_view name, auto &number) { readNumber(text, name, number); });
+    return end;
+}
+
+std::optional<ImportedFile> importedFileOf(const TrailEntry &entry) {
+    using enum ArtefactState;
+    constexpr std::array kStates = {complete,   cutShort, cancelled, failed,
+                                    notReadYet, vanished, notReached};
+    constexpr std::string_view kColon = ": ";
+    const std::string_view text = entry.detail;
+    const std::size_t colon = text.find(kColon);
+    if (entry.action != kImportAction || colon == std::string_view::npos)
+        return std::nullopt;
+    const std::string_view said = text.substr(colon + kColon.size());
+    for (const ArtefactState state : kStates)
+        if (said.starts_with(stateWord(state)))
+            return ImportedFile{.readerKey = std::string(text.substr(0, colon)),
+                                .state = state,
+                                .why = wordsOf(said.substr(stateWord(state).size())),
+                                .lacksRows = said.find(kNotStored) != std::string_view::npos};
+    return std::nullopt;
+}
+
+} // namespace nv

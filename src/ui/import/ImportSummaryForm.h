@@ -1,0 +1,29 @@
+#pragma once
+
+#include "ui/import/ImportSummaryPane.h"
+
+#include <QDialog>
+
+class QCheckBox;
+
+namespace nv {
+
+/// The summary of the last import, or of all, at any later time. A project must be open.
+class ImportSummaryForm final : public QDialog {
+    Q_OBJECT
+
+  public:
+    ImportSummaryForm(Program &program, ChoosePage choosePage, QWidget *parent = nullptr);
+
+    /// What to go on with; nothing when the form was only closed.
+    std::optional<AfterSummary> next() const { return m_next; }
+
+  private:
+    void load(ImportScope scope);
+
+    ImportSummaryPane *m_pane;
+    QCheckBox *m_all; ///< only where the project tells the last import from others
+    std::optional<AfterSummary> m_next;
+};
+
+} // namespace nv
