@@ -18,6 +18,8 @@ namespace nv {
 struct MacCacheEntry {
     std::uint64_t recordOffset = 0; ///< of the entry's first block
     std::uint64_t urlOffset = 0;    ///< of the text
+    std::uint64_t mimeOffset = 0;   ///< of the text
+    std::uint64_t endOffset = 0;    ///< of its block "CATE", which has dates and size
     std::uint64_t dataFileOffset = 0;
     std::uint32_t recordFileOffset = 0; ///< what the entry says of itself
     std::uint32_t dataSize = 0;
@@ -44,6 +46,14 @@ class MacCacheFile {
     /// its header gives none. A cancelled reading leaves what was collected.
     ReadResult readMACIECache(ByteView file, TaskMonitor &task, const TakeURL &take);
 };
+
+/// Where the numbers of the block "CATE" stand, in bytes from its tag; 4 bytes each, big-endian.
+namespace macend {
+inline constexpr std::uint64_t kFirstVisit = 0x14;
+inline constexpr std::uint64_t kLastVisit = 0x18;
+inline constexpr std::uint64_t kDataSize = 0x20;
+inline constexpr std::uint64_t kBytes = 0x24;
+} // namespace macend
 
 // The clock of the format.
 

@@ -8,6 +8,7 @@
 #include "time/ExactZone.h"
 #include "views/Properties.h"
 #include "views/SourcePath.h"
+#include "views/explain/LocatedFields.h"
 #include "views/explain/MadeBy.h"
 #include "views/explain/SourceValues.h"
 
@@ -82,12 +83,16 @@ RecordPlace placeOf(const Stored &stored, const KindRules *rules) {
 }
 
 /// What the project has of the file.
-void describeFile(const ExplainSource &source, const Stored &stored, RecordOrigin &origin) {
+void describeFile(const ExplainSource &source, const Stored &stored, bool isFolder,
+                  RecordOrigin &origin) {
     SQLite::Statement row(source.project, "SELECT FilePath, FileName, FileSize, MD5Hash FROM "
                                           "SourceFiles WHERE SourceFile_ID = ?");
     row.bind(1, stored.sourceFile);
     origin.file = stored.historyFile;
     if (row.executeStep()) {
+        const std::string artefact = row.getColumn(0).getString();
+        origin.isOfFolder = isFolder || stored.historyFile.starts_with(artefact + "/") ||
+                            stored.historyFile.starts_with(artefact + "\\");
         origin.fileSize = row.getColumn(2).getInt64();
         origin.md5 = row.getColumn(3).getString();
         // Projects of earlier builds have no column for it.
@@ -112,14 +117,20 @@ class Values {
            const std::optional<std::filesystem::path> &file)
         : m_source(source), m_id(id), m_stored(stored), m_rules(rulesOf(stored.kind)),
           m_place(placeOf(stored, m_rules)) {
-        if (file)
-            m_values.emplace(tables, source.log, *file, m_place);
+        if (!file)
+            return;
+        m_values.emplace(tables, source.log, *file, m_place);
+        m_located.emplace(source, tables, id, *file);
     }
 
     ValueOrigin of(const Property &property) {
         ValueOrigin value;
         value.field = property.name;
         value.value = property.value;
+        if (const FieldPlace *place = m_located ? m_located->of(property.name) : nullptr) {
+            setLocated(*place, value);
+            return value;
+        }
         const MadeBy *made = madeBy(property.name);
         const FieldRule *rule = m_rules ? fieldRule(*m_rules, property.name) : nullptr;
         const bool isElsewhere = rule && !m_rules->table.empty() && m_rules->table != m_place.table;
@@ -132,12 +143,48 @@ class Values {
         } else {
             unknown(value);
         }
-        setZone(value, rule);
+        setZone(value, rule ? rule->form : SourceForm::text);
         return value;
     }
 
   private:
+    void setLocated(const FieldPlace &place, ValueOrigin &value) const {
+        m_located->describe(place, value);
+        if (place.state == FieldPlace::State::found) {
+            const auto agreed = agreesAsMade(place, value);
+            value.check = !agreed   ? OriginCheck::unread
+                          : *agreed ? OriginCheck::same
+                                    : OriginCheck::differs;
+        }
+        const bool isDate = std::holds_alternative<Date>(place.made);
+        setZone(value, isDateForm(place.form) ? place.form
+                       : isDate               ? SourceForm::unixSeconds
+                                              : SourceForm::text);
+    }
+
+    /// Nothing where the two can't be compared.
+    std::optional<bool> agreesAsMade(const FieldPlace &place, ValueOrigin &value) const {
+        const RecordFact *fact = factNamed(m_stored.facts, value.field);
+        if (const auto *date = std::get_if<Date>(&place.made))
+            return agreesAsDate(place.form, *date, fact, value);
+        const std::string kept = fact ? factText(fact->value) : columnText(value.field);
+        if (const auto *text = std::get_if<std::string>(&place.made))
+            return *text == kept;
+        if (const auto *number = std::get_if<std::int64_t>(&place.made))
+            return std::to_string(*number) == kept ||
+                   (place.length == 4 &&
+                    std::to_string(static_cast<std::int32_t>(*number)) == kept);
+        value.note = "the bytes were read again; how the value is made of them is in the page of "
+                     "the format";
+        return std::nullopt;
+    }
+
     void unknown(ValueOrigin &value) const {
+        if (m_located && !m_located->failure().empty()) {
+            value.check = OriginCheck::unread;
+            value.note = m_located->failure();
+            return;
+        }
         value.check = OriginCheck::notKept;
         value.note = "which part of the record gave it isn't kept; the page of the format tells";
         if (m_place.rowId && !m_place.table.empty())
@@ -172,7 +219,8 @@ class Values {
                                ValueOrigin &value) const {
         const RecordFact *fact = factNamed(m_stored.facts, value.field);
         if (isDateForm(rule.form))
-            return found.number && agreesAsDate(rule, *found.number, fact, value);
+            return found.number &&
+                   agreesAsDate(rule.form, dateOf(rule.form, *found.number), fact, value);
         if (rule.form == SourceForm::number) {
             const std::string kept =
                 fact ? factText(std::holds_alternative<std::monostate>(fact->raw) ? fact->value
@@ -184,9 +232,8 @@ class Values {
                             value);
     }
 
-    bool agreesAsDate(const FieldRule &rule, std::int64_t number, const RecordFact *fact,
+    bool agreesAsDate(SourceForm form, Date made, const RecordFact *fact,
                       ValueOrigin &value) const {
-        const Date made = dateOf(rule.form, number);
         if (fact)
             return !isoUtc(made).empty() &&
                    factText(fact->value).starts_with(formatDate(made, "yyyy-mm-dd hh:nn:ss"));
@@ -197,7 +244,7 @@ class Values {
         if (!made.has() || !kept.has())
             return made.has() == kept.has();
         const std::int64_t apart = made.unixSeconds() - kept.unixSeconds();
-        if (rule.form != SourceForm::fileTimeLocal)
+        if (form != SourceForm::fileTimeLocal && form != SourceForm::fileTimeMoved)
             return std::abs(apart) <= 1;
         constexpr auto kMostOffset = std::int64_t{15} * 3600;
         value.note = fmt::format("{} minutes from the stored time: the offset of the machine that "
@@ -248,17 +295,19 @@ class Values {
         return row.executeStep() ? row.getColumn(0).getString() : std::string();
     }
 
-    void setZone(ValueOrigin &value, const FieldRule *rule) const {
+    void setZone(ValueOrigin &value, SourceForm form) const {
         const TimeZone &zone = m_source.zone;
         if (value.field == "ActionDateLocal")
             value.zone = zone.exact            ? exactZoneText(zone)
                          : zone.tzName.empty() ? zoneHeading(zone)
                                                : zone.tzName;
-        else if (rule && isDateForm(rule->form))
-            value.zone = rule->form == SourceForm::fileTimeLocal
-                             ? "local time of the machine that wrote it; made UTC with the offset "
-                               "of the machine that imported"
-                             : "UTC, as it is stored";
+        else if (form == SourceForm::fileTimeLocal)
+            value.zone = "local time of the machine that wrote it; made UTC with the offset of the "
+                         "machine that imported";
+        else if (form == SourceForm::fileTimeMoved)
+            value.zone = "the zone that the machine of the import had then; UTC as it is stored";
+        else if (isDateForm(form))
+            value.zone = "UTC, as it is stored";
     }
 
     const ExplainSource &m_source;
@@ -267,6 +316,7 @@ class Values {
     const KindRules *m_rules;
     RecordPlace m_place;
     std::optional<SourceValues> m_values;
+    std::optional<LocatedFields> m_located;
 };
 
 } // namespace
@@ -312,6 +362,12 @@ void Explainer::setState(const std::optional<std::filesystem::path> &file, Recor
         origin.fileNote = "the file isn't there any more: what follows is what the import kept";
         return;
     }
+    if (origin.isOfFolder) {
+        origin.state = SourceNow::unhashed;
+        origin.fileNote = "the hash then is of the folder with all of its files: \"verify\" "
+                          "compares it";
+        return;
+    }
     const Hashed &now = hashed(*file);
     if (!now.hashes || (origin.sha256.empty() && origin.md5.empty())) {
         origin.state = SourceNow::unhashed;
@@ -338,15 +394,29 @@ std::optional<RecordOrigin> Explainer::explain(UrlId id, const std::string &fiel
     origin.version = stored->version;
     if (const std::string_view page = pageOf(stored->kind); !page.empty())
         origin.page = fmt::format("docs/formats/{}.md", page);
-    const auto file = sourcePathOf(stored->historyFile, stored->root);
-    describeFile(m_source, *stored, origin);
+    auto file = sourcePathOf(stored->historyFile, stored->root);
+    const bool isFile = file.has_value();
+    if (!file)
+        file = sourceFolderOf(stored->historyFile, stored->root);
+    describeFile(m_source, *stored, file && !isFile, origin);
     setState(file, origin);
     Values values(m_source, *m_tables, id, *stored, file);
     for (const Property &property :
          loadProperties(id, {m_source.project, m_source.zone, m_source.dates, m_source.log, {}}))
         if (field.empty() ? !property.value.empty() : equalsNoCase(property.name, field))
             origin.values.push_back(values.of(property));
+    for (const ValueOrigin &value : origin.values)
+        if (!value.file.empty() && (value.file != file || origin.isOfFolder))
+            addFurther(value.file, origin);
     return origin;
+}
+
+void Explainer::addFurther(const std::filesystem::path &file, RecordOrigin &origin) {
+    const std::string name = textOf(file.filename());
+    if (std::ranges::find(origin.further, name, &FurtherFile::name) != origin.further.end())
+        return;
+    const Hashed &now = hashed(file);
+    origin.further.push_back({name, now.hashes ? now.hashes->sha256 : std::string()});
 }
 
 std::vector<std::pair<std::string, std::string>> linesOf(const RecordOrigin &record) {
@@ -358,6 +428,11 @@ std::vector<std::pair<std::string, std::string>> linesOf(const RecordOrigin &rec
         {"SHA-256 then", record.sha256},
         {"Today", record.fileNote},
         {"Format", record.page}};
+    for (const FurtherFile &file : record.further)
+        lines.emplace_back("Lies in", file.sha256.empty()
+                                          ? fmt::format("{}, which can't be read", file.name)
+                                          : fmt::format("{} (SHA-256 today: {})", file.name,
+                                                        file.sha256));
     std::erase_if(lines, [](const auto &line) { return line.second.empty(); });
     return lines;
 }

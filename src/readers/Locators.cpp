@@ -1,0 +1,57 @@
+#include "readers/FieldPlaces.h"
+#include "readers/RecordKind.h"
+#include "readers/Reader.h"
+#include "readers/chrome/CacheFormats.h"
+#include "readers/chrome/CachePlaces.h"
+#include "readers/chrome/Formats.h"
+#include "readers/firefox/Cache2Formats.h"
+#include "readers/firefox/CachePlaces.h"
+#include "readers/firefox/Formats.h"
+#include "readers/ie/Formats.h"
+#include "readers/ie/IndexPlaces.h"
+#include "readers/mac/CachePlaces.h"
+#include "readers/mac/Formats.h"
+#include "readers/opera/CachePlaces.h"
+#include "readers/opera/Formats.h"
+#include "readers/safari/CachePlaces.h"
+#include "readers/safari/Formats.h"
+
+#include <algorithm>
+#include <array>
+
+namespace nv {
+
+namespace {
+
+struct Row {
+    const Reader *format;
+    Locate locate;
+};
+
+/// In the order of trial: records of formats that share a kind are told apart by `isSourceOf`.
+constexpr std::array<Row, 10> kLocators = {{
+    {&kIEHistoryFormat, locateInIndex}, // and those of the cache, which has the same kinds
+    {&kChromeCacheFormat, locateInBlockFiles},
+    {&kChromiumSimpleCacheFormat, locateInSimpleCache},
+    {&kChromiumSqlCacheFormat, locateInSqlCache},
+    {&kFirefoxCacheFormat, locateInFirefoxCache},
+    {&kFirefoxCache2Format, locateInCache2},
+    {&kFirefoxSiteCacheFormat, locateInSiteCache},
+    {&kSafariCacheFormat, locateInSafariCache},
+    {&kOperaCacheFormat, locateInOperaCache},
+    {&kMacIECacheFormat, locateInMacCache},
+}};
+
+} // namespace
+
+Locate locatorOf(const UrlRecord &record) {
+    const RecordKind *kind = recordKind(record.cacheType);
+    const auto found = std::ranges::find_if(kLocators, [&](const Row &row) {
+        const Reader &format = *row.format;
+        return kind && std::ranges::find(format.kinds, kind) != format.kinds.end() &&
+               (!format.isSourceOf || format.isSourceOf(record));
+    });
+    return found == kLocators.end() ? nullptr : found->locate;
+}
+
+} // namespace nv
