@@ -32,11 +32,11 @@ std::string hexOf(ByteView bytes) {
 /// Bytes that hold no text are shown as such.
 std::string shown(ByteView bytes) {
     const std::string_view raw = bytes.raw().substr(0, kMostText);
-    const bool isText =
-        std::ranges::none_of(raw, [](char c) { return c >= 0 && c < ' ' && c != '\0' && c != '\r' &&
-                                                      c != '\n' && c != '\t'; });
-    std::string text = isText ? replaceAll(decodeText(raw), std::string_view("\0", 1), "\u2400")
-                              : hexOf(bytes);
+    const bool isText = std::ranges::none_of(raw, [](char c) {
+        return c >= 0 && c < ' ' && c != '\0' && c != '\r' && c != '\n' && c != '\t';
+    });
+    std::string text =
+        isText ? replaceAll(decodeText(raw), std::string_view("\0", 1), "\u2400") : hexOf(bytes);
     return isText && bytes.size() > kMostText ? text + "\u2026" : text;
 }
 
@@ -131,12 +131,13 @@ void FieldPlaces::unknown(std::string_view field, std::string_view why) {
 }
 
 void FieldPlaces::derivedOfAddress() {
-    constexpr std::array<std::pair<std::string_view, std::string_view>, 6> kOfAddress = {{
+    constexpr std::array<std::pair<std::string_view, std::string_view>, 7> kOfAddress = {{
         {"Host", "part of URL (docs/formats/addresses.md)"},
         {"URLFileName", "the last part of URL's path"},
         {"URLParameters", "what follows \"?\" in URL"},
         {"User", "what stands before \"@\" in the stored address"},
         {"CacheFileName", "the last part of URL's path"},
+        {"CacheFolderName", "folder of the cached file"},
         {"Links", "addresses that the cached page names, or the record's own"},
     }};
     for (const auto &[field, rule] : kOfAddress)
@@ -145,6 +146,10 @@ void FieldPlaces::derivedOfAddress() {
     derived("Status", "a word of this program: whether the cache lists the entry");
     derived("MetaDataRecordOffset", "where the headers begin");
     derived("RecordSize", "length of the record, by its format");
+    derived("WebPageTitle", "title in the cached page");
+    derived("Hidden", "a mark of histories, which caches don't have");
+    for (const std::string_view field : {"Reference_ID", "MapFileOffset", "DataBlockFileOffset"})
+        derived(field, "where this program found the record; 0 where the format has no such place");
 }
 
 SourceBytes sourceBytes(const ByteSource &file, std::string name, std::uint64_t at,

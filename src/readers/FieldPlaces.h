@@ -82,7 +82,8 @@ class FieldPlaces {
     /// A field that other fields give.
     void derived(std::string_view field, std::string_view rule);
     void unknown(std::string_view field, std::string_view why);
-    /// Those that every reader of a cache makes of the address.
+    /// Those that every reader of a cache makes of the address, and those that caches don't have:
+    /// the last to be told.
     void derivedOfAddress();
 
     const std::vector<FieldPlace> &all() const { return m_places; }
@@ -111,6 +112,9 @@ using Locate = void (*)(const PlaceSearch &search, FieldPlaces &places);
 
 /// For the format that the record is of; null for those that don't tell it.
 Locate locatorOf(const UrlRecord &record);
+/// "docs/formats/chromium-simple-cache.md": the page of the format that the record is of; where
+/// formats share its kind and none is known to be it, that of the first.
+std::string formatPageOf(const UrlRecord &record);
 
 // For those who locate.
 

@@ -48,7 +48,7 @@ std::span<const KindRules> fieldRules();
 const FieldRule *fieldRule(const KindRules &rules, std::string_view field);
 /// Null for a kind without rules.
 const KindRules *rulesOf(std::string_view cacheType);
-/// "docs/formats/chrome-history.md": where a kind's format is told; empty for an unknown kind.
+/// "chrome-history", of docs/formats: where a kind's format is told; empty for an unknown kind.
 std::string_view pageOf(std::string_view cacheType);
 
 } // namespace nv

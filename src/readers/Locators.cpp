@@ -1,6 +1,6 @@
 #include "readers/FieldPlaces.h"
-#include "readers/RecordKind.h"
 #include "readers/Reader.h"
+#include "readers/RecordKind.h"
 #include "readers/chrome/CacheFormats.h"
 #include "readers/chrome/CachePlaces.h"
 #include "readers/chrome/Formats.h"
@@ -16,6 +16,8 @@
 #include "readers/safari/CachePlaces.h"
 #include "readers/safari/Formats.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 
@@ -23,14 +25,21 @@ namespace nv {
 
 namespace {
 
+bool isOfLaterBlocks(const UrlRecord &record) {
+    return record.HistoryVersion.starts_with("Block files");
+}
+
 struct Row {
     const Reader *format;
     Locate locate;
+    /// In place of the format's own.
+    bool (*isSourceOf)(const UrlRecord &record) = nullptr;
 };
 
 /// In the order of trial: records of formats that share a kind are told apart by `isSourceOf`.
-constexpr std::array<Row, 10> kLocators = {{
+constexpr std::array<Row, 11> kLocators = {{
     {&kIEHistoryFormat, locateInIndex}, // and those of the cache, which has the same kinds
+    {&kChromiumLoneIndexFormat, locateInBlockFiles, isOfLaterBlocks},
     {&kChromeCacheFormat, locateInBlockFiles},
     {&kChromiumSimpleCacheFormat, locateInSimpleCache},
     {&kChromiumSqlCacheFormat, locateInSqlCache},
@@ -42,16 +51,28 @@ constexpr std::array<Row, 10> kLocators = {{
     {&kMacIECacheFormat, locateInMacCache},
 }};
 
-} // namespace
-
-Locate locatorOf(const UrlRecord &record) {
+const Row *rowOf(const UrlRecord &record) {
     const RecordKind *kind = recordKind(record.cacheType);
     const auto found = std::ranges::find_if(kLocators, [&](const Row &row) {
         const Reader &format = *row.format;
+        const auto isSourceOf = row.isSourceOf ? row.isSourceOf : format.isSourceOf;
         return kind && std::ranges::find(format.kinds, kind) != format.kinds.end() &&
-               (!format.isSourceOf || format.isSourceOf(record));
+               (!isSourceOf || isSourceOf(record));
     });
-    return found == kLocators.end() ? nullptr : found->locate;
+    return found == kLocators.end() ? nullptr : &*found;
+}
+
+} // namespace
+
+Locate locatorOf(const UrlRecord &record) {
+    const Row *row = rowOf(record);
+    return row ? row->locate : nullptr;
+}
+
+std::string formatPageOf(const UrlRecord &record) {
+    const Row *row = rowOf(record);
+    const std::string_view page = row ? row->format->page : pageOf(record.cacheType);
+    return page.empty() ? std::string() : fmt::format("docs/formats/{}.md", page);
 }
 
 } // namespace nv

@@ -1,5 +1,4 @@
 #include "base/NoLog.h"
-#include "base/Paths.h"
 #include "base/TaskMonitor.h"
 #include "base/Text.h"
 #include "readers/Limits.h"
@@ -8,12 +7,14 @@
 #include "readers/chrome/CachePlaces.h"
 #include "readers/chrome/CacheRow.h"
 #include "readers/chrome/LaterEntry.h"
+#include "time/SourceClocks.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <utility>
 
@@ -75,12 +76,15 @@ class CacheBlocksOf {
                                      std::uint64_t size) {
         if (!map.initialised || size == 0)
             return std::nullopt;
-        const auto file = map.blockFileType == 0
-                              ? m_search.evidence.find(m_folder, map.separateFileName)
-                              : pathFromText(m_blocks.pathOf(map.dataBlockFileNumber));
-        if (!file || m_search.evidence.kindOf(*file) != PlaceKind::file)
+        const auto file = m_search.evidence.find(
+            m_folder, map.blockFileType == 0 ? map.separateFileName
+                                             : fmt::format("data_{}", map.dataBlockFileNumber));
+        if (!file)
             return std::nullopt;
-        SourceBytes found{std::move(name), *file, {}, map.dataBlockFileOffset,
+        SourceBytes found{std::move(name),
+                          *file,
+                          {},
+                          map.dataBlockFileOffset,
                           m_search.evidence.open(*file).read(map.dataBlockFileOffset, size)};
         return found.bytes.empty() ? std::nullopt : std::optional(std::move(found));
     }
@@ -113,23 +117,37 @@ auto inSomeFile(CacheBlocksOf &blocks, std::uint64_t offset, const Take &take) {
     tellMissing(offset);
 }
 
-void placeFirstKey(const ChromeEntry &entry, CacheBlocksOf &blocks, const SourceBytes &own,
-                   FieldPlaces &places) {
+void placeFirstKey(const ChromeEntry &entry, const std::string &stored, CacheBlocksOf &blocks,
+                   const SourceBytes &own, FieldPlaces &places) {
     const bool isOutside = entry.keyAddress != 0;
-    const auto key =
-        isOutside
-            ? blocks.bytes(chromeAddressMapOf(entry.keyAddress), "the entry's key", entry.keyLength)
-            : std::optional(own);
+    const auto key = isOutside ? blocks.bytes(chromeAddressMapOf(entry.keyAddress),
+                                              "the entry's key", entry.keyLength)
+                               : std::optional(own);
     if (!key)
         return;
     const std::uint64_t at = isOutside ? 0 : ChromeEntry::kKeyAt;
     const std::uint64_t size = key->view().untilZero(at).size();
     const std::string whole = fromAnsi(key->view().sub(at, size));
     places.value("cache_key", *key, at, size, whole, "Windows-1252, up to a zero byte");
-    const bool isCut = !isOutside && entry.keyURL != whole;
-    places.value("URL", isOutside ? *key : own, at, isCut ? entry.keyURL.size() : size, MadeValue(isCut ? entry.keyURL : whole),
-                 isCut ? "Windows-1252; no more than 218 characters, as the first version read it"
-                       : "Windows-1252, up to a zero byte");
+    const bool isCut = stored != whole && stored == entry.keyURL;
+    for (const std::string_view field : {"URL", "URLRawValue"})
+        places.value(field, *key, at, isCut ? toAnsi(stored).size() : size, isCut ? stored : whole,
+                     isCut
+                         ? "Windows-1252; no more than 218 characters, as the first version has it"
+                         : "Windows-1252, up to a zero byte");
+}
+
+/// Of what was never written 0 became the clock's first day.
+void placeDates(const SourceBytes &bytes, std::span<const NumberRule> rules, FieldPlaces &places) {
+    for (const NumberRule &rule : rules) {
+        if (!bytes.view().has(rule.at, rule.size))
+            places.unknown(rule.field, "its block ends before it: 1601-01-01 stands for no date");
+        else if (bytes.view().u64le(rule.at) != 0)
+            places.number(bytes, rule);
+        else
+            places.value(rule.field, bytes, rule.at, rule.size, chromeTimeToDate(std::int64_t{0}),
+                         "0, which this program has read as 1601-01-01: no date");
+    }
 }
 
 void locateFirst(const PlaceSearch &search, CacheBlocksOf &blocks, FieldPlaces &places) {
@@ -139,26 +157,28 @@ void locateFirst(const PlaceSearch &search, CacheBlocksOf &blocks, FieldPlaces &
     const auto offset = static_cast<std::uint64_t>(search.record.MapFileOffset);
     const ChromeEntry entry = *inSomeFile(blocks, offset, [&](const ChromeAddressMap &map) {
         auto found = cache.getEntry(map);
-        if (found && cache.complete(*found) &&
-            (found->keyURL == search.record.URL || found->wholeKey == search.record.URL))
-            return found;
-        return std::optional<ChromeEntry>();
+        if (found)
+            static_cast<void>(cache.complete(*found)); // what is left of it has its place too
+        const bool isOurs =
+            found && (found->keyURL == search.record.URL || found->wholeKey == search.record.URL);
+        return isOurs ? found : std::optional<ChromeEntry>();
     });
     constexpr std::uint64_t kMostKey = 0x400;
     const auto own = blocks.bytes(entry.addressMap, "the entry", kMostKey);
     if (!own)
         tellMissing(offset);
-    placeFirstKey(entry, blocks, *own, places);
+    placeFirstKey(entry, search.record.URL, blocks, *own, places);
     places.numbers(*own, kFirstNumbers);
-    const std::uint64_t size = std::min<std::uint64_t>(entry.headerSize, limits::kChromeSeparateText);
+    const std::uint64_t size =
+        std::min<std::uint64_t>(entry.headerSize, limits::kChromeSeparateText);
     if (const auto head = blocks.bytes(entry.headerAddressMap, "the head of the answer",
                                        std::max<std::uint64_t>(size, ChromeHeader::kSize))) {
-        places.numbers(*head, kFirstDates);
+        placeDates(*head, kFirstDates, places);
         placeChromeHead(*head, {}, places);
     }
     if (const auto use =
             blocks.bytes(entry.rankingsAddressMap, "the entry's rankings", ChromeRanking::kSize))
-        places.numbers(*use, kUse);
+        placeDates(*use, kUse, places);
 }
 
 void locateLater(const PlaceSearch &search, CacheBlocksOf &blocks, FieldPlaces &places) {
@@ -173,10 +193,10 @@ void locateLater(const PlaceSearch &search, CacheBlocksOf &blocks, FieldPlaces &
     const auto own = blocks.bytes(entry.address, "the entry", LaterEntry::kMostBytes);
     if (!own)
         tellMissing(offset);
-    auto key = entry.longKey.initialised
-                   ? blocks.bytes(entry.longKey, "the entry's key", entry.keyLength)
-                   : blocks.bytes(entry.address, "the entry's key",
-                                  LaterEntry::kKeyAt + entry.keyLength);
+    auto key =
+        entry.longKey.initialised
+            ? blocks.bytes(entry.longKey, "the entry's key", entry.keyLength)
+            : blocks.bytes(entry.address, "the entry's key", LaterEntry::kKeyAt + entry.keyLength);
     if (key) {
         if (!entry.longKey.initialised) {
             key->bytes.erase(key->bytes.begin(),

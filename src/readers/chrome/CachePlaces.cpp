@@ -83,8 +83,7 @@ void placeVarint(std::string_view field, const SourceBytes &head, ChromeResponse
                              wordsOf(F::chromeTime), time));
 }
 
-void placeSiteAnswer(const SourceBytes &head, const ChromeSiteAnswer &answer,
-                     FieldPlaces &places) {
+void placeSiteAnswer(const SourceBytes &head, const ChromeSiteAnswer &answer, FieldPlaces &places) {
     const ChromeResponse::Place answered = {answer.answeredAt, answer.answeredSize};
     const ChromeResponse::Place stored = {answer.storedAt, answer.storedSize};
     for (const std::string_view field : kAnswered)
@@ -142,14 +141,12 @@ void placeChromeRest(FieldPlaces &places) {
         places.derived(field, "where this program found the entry");
     places.derived("CacheFolderName", "folder of the cache");
     places.derived("cache_layout", "by the layout of the files");
-    places.derived("recovered_from", "how this program found the entry");
-    places.derived("classic_rule", "why the rules of the first version pass over the entry");
     places.derived("chain", "which slot of the index leads to the entry");
-    places.derived("body", "what this program found where the body should be");
     places.derived("byte_ranges", "by the places of the body's pieces");
     places.derived("further_stream", "by the entry's other streams");
     places.derived("MIMEType", "of the line \"Content-Type\" among the headers");
-    places.derived("CacheFileCreated", "of the cache's file, as the file system told at the import");
+    places.derived("CacheFileCreated",
+                   "of the cache's file, as the file system told at the import");
     places.derivedOfAddress();
 }
 

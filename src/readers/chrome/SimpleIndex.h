@@ -17,7 +17,7 @@ namespace nv {
 struct SimpleIndex {
     std::uint32_t version = 0;
     std::unordered_map<std::uint64_t, std::int64_t> lastUsed; ///< microseconds since 1601, by hash
-    std::uint64_t firstAt = 0; ///< of the first entry, in the file
+    std::uint64_t firstAt = 0;                                ///< of the first entry, in the file
     bool isThere = false;
     std::string damage; ///< what is wrong with it; empty for nothing
 };

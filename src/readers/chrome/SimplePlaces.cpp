@@ -23,7 +23,10 @@ void placeLastUse(const PlaceSearch &search, const fs::path &folder, std::uint64
     const auto file = search.evidence.find(folder, "index-dir/the-real-index");
     if (!file)
         return;
-    const SourceBytes index{"the index of the cache", *file, {}, 0,
+    const SourceBytes index{"the index of the cache",
+                            *file,
+                            {},
+                            0,
                             search.evidence.head(*file, limits::kChromeSimpleIndex)};
     const ByteView view = index.view();
     const std::uint64_t first = simpleIndexOf(view).firstAt;
@@ -38,8 +41,8 @@ void placeLastUse(const PlaceSearch &search, const fs::path &folder, std::uint64
 /// No number of the file says it: of the body its first bytes are shown.
 void placeSize(const SimpleEntry &entry, const ByteSource &file, FieldPlaces &places) {
     constexpr std::uint64_t kShown = 64;
-    const SourceBytes bytes{"the body", file.path(), {}, entry.body.at,
-                            file.read(entry.body.at, kShown)};
+    const SourceBytes bytes{
+        "the body", file.path(), {}, entry.body.at, file.read(entry.body.at, kShown)};
     places.value("CacheFileSize", bytes, 0, std::min(entry.body.size, kShown),
                  static_cast<std::int64_t>(entry.body.size),
                  "bytes between the key and the record behind the body");
@@ -53,10 +56,11 @@ void placeStretches(const ByteSource &file, const SimpleHead &head, FieldPlaces 
         return;
     const SourceBytes first = sourceBytes(file, "the head of the first stretch",
                                           stretches.list.front().bytes.at - kLengthAt, 8);
-    places.value("CacheFileSize", first, 0, 8, static_cast<std::int64_t>(stretches.size()),
-                 fmt::format("sum of the lengths of {} stretches, each a number of 8 bytes 16 bytes "
-                             "before its stretch",
-                             stretches.list.size()));
+    places.value(
+        "CacheFileSize", first, 0, 8, static_cast<std::int64_t>(stretches.size()),
+        fmt::format("sum of the lengths of {} stretches, each a number of 8 bytes 16 bytes "
+                    "before its stretch",
+                    stretches.list.size()));
 }
 
 } // namespace

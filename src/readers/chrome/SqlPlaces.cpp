@@ -16,9 +16,10 @@ namespace fs = std::filesystem;
 constexpr std::string_view kTable = "resources";
 
 /// A number of the row, as text says it.
-void placeNumber(std::string_view field, const SourceBytes &cell, SourceForm form, FieldPlaces &places) {
-    const std::int64_t number = std::strtoll(
-        std::string(cell.bytes.begin(), cell.bytes.end()).c_str(), nullptr, 10);
+void placeNumber(std::string_view field, const SourceBytes &cell, SourceForm form,
+                 FieldPlaces &places) {
+    const std::int64_t number =
+        std::strtoll(std::string(cell.bytes.begin(), cell.bytes.end()).c_str(), nullptr, 10);
     places.value(field, cell, 0, cell.bytes.size(),
                  form == SourceForm::number ? MadeValue(number) : MadeValue(dateOf(form, number)),
                  std::string(wordsOf(form)));
@@ -47,7 +48,7 @@ void placeSize(const PlaceSearch &search, const fs::path &file, std::int64_t id,
         database.expectOneRow();
     }
     if (rows.empty())
-        return;
+        return places.derived("CacheFileSize", "no row of table blobs has the entry's number");
     const SourceBytes cell{"the body's pieces", file,
                            fmt::format("table blobs, row {}, columns start and end", rows), 0,
                            Bytes(stored.begin(), stored.end())};

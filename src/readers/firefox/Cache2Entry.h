@@ -31,7 +31,7 @@ struct Cache2Entry {
     std::uint32_t frecency = 0;
     std::uint32_t expires = 0; ///< the same; 0xFFFFFFFF is never
     std::uint32_t flags = 0;
-    std::string key; ///< as it stands, undecoded
+    std::string key;            ///< as it stands, undecoded
     std::uint64_t fieldsAt = 0; ///< of the version, in bytes from the metadata's begin
     std::uint64_t keyAt = 0;    ///< the same of the key
     std::vector<std::pair<std::string, std::string>> elements;

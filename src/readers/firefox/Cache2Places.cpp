@@ -17,8 +17,7 @@ namespace {
 using F = SourceForm;
 using enum ByteOrder;
 
-SourceBytes part(const SourceBytes &whole, std::string name, std::uint64_t at,
-                 std::uint64_t size) {
+SourceBytes part(const SourceBytes &whole, std::string name, std::uint64_t at, std::uint64_t size) {
     const std::string_view raw = whole.view().sub(at, size).raw();
     return {std::move(name), whole.file, whole.cell, whole.at + at, Bytes(raw.begin(), raw.end())};
 }
@@ -75,7 +74,13 @@ void placeElements(const SourceBytes &metaData, const Cache2Entry &entry, FieldP
     number("answer_began", "net-response-time-onstart");
     number("answer_ended", "net-response-time-onstop");
     placeElement("content_kind", metaData, entry, "ctid", {}, places);
-    placeElement("server_address", metaData, entry, "peer-ip-address", {}, places);
+    const std::string port = decodeText(entry.element("peer-port"));
+    if (const auto at = entry.elementAt("peer-ip-address")) {
+        const std::string_view address = entry.element("peer-ip-address");
+        places.value("server_address", metaData, *at, address.size(),
+                     decodeText(address) + (port.empty() ? "" : ":" + port),
+                     "element \"peer-ip-address\" of the metadata, then \"peer-port\"");
+    }
     for (const std::string_view field : {"certificate_name", "certificate_issuer"})
         placeElement(field, metaData, entry, "security-info", {}, places);
     placeElement("alternative_data", metaData, entry, "alt-data", {}, places);
@@ -86,8 +91,8 @@ void placeElements(const SourceBytes &metaData, const Cache2Entry &entry, FieldP
 void locateInCache2(const PlaceSearch &search, FieldPlaces &places) {
     constexpr std::uint64_t kWord = 4;
     const EvidenceFile file = search.evidence.open(search.source);
-    const SourceBytes last =
-        sourceBytes(file, "the file's last word", file.size() - std::min(kWord, file.size()), kWord);
+    const SourceBytes last = sourceBytes(file, "the file's last word",
+                                         file.size() - std::min(kWord, file.size()), kWord);
     const std::uint64_t at = cache2MetaDataAt(last.view(), file.size());
     const SourceBytes metaData = sourceBytes(file, "the entry's metadata", at, file.size() - at);
     const Cache2Entry entry = parseCache2Entry(metaData.view(), at);
@@ -117,7 +122,8 @@ void locateInCache2(const PlaceSearch &search, FieldPlaces &places) {
     places.derived("DataBlockFile", "name of the entry's file");
     places.derived("CacheFolderName", "folder of the entry's file");
     places.derived("cache_layout", "by the version in the metadata");
-    places.derived("recovered_from", "how this program found the entry");
+    for (const auto &[name, value] : entry.elements)
+        placeElement("cache_element", metaData, entry, name, {}, places);
     places.derived("pinned", "a flag of the metadata");
     places.derivedOfAddress();
 }

@@ -2,6 +2,7 @@
 
 #include "base/NoLog.h"
 #include "base/Text.h"
+#include "base/Trap.h"
 #include "readers/HttpHeaders.h"
 #include "readers/firefox/Cache.h"
 #include "readers/firefox/CacheRecord.h"
@@ -60,12 +61,11 @@ class EntrySearch {
 
   private:
     bool isOurs(const CacheRecordInfo &info) const {
-        try {
+        NoLog unsaid; // blocks may hold something else
+        return trapped(unsaid, Severity::Low, {}, {}, false, [&] {
             const auto metaData = m_cache.getRecordMetaData(info);
             return metaData && firefoxCacheAddress(metaData->urlData) == m_record.URLRawValue;
-        } catch (const std::exception &) {
-            return false; // blocks that hold something else
-        }
+        });
     }
 
     std::optional<CacheRecordInfo> infoIn(const CacheBucket &bucket) const {
@@ -76,8 +76,8 @@ class EntrySearch {
     std::optional<CacheRecordInfo> bucketAt(std::int64_t offset) const {
         constexpr std::int64_t kFirst = 0x114;
         constexpr std::int64_t kSize = 0x10;
-        const auto bucket = offset < kFirst ? std::nullopt
-                                            : m_cache.getBucket((offset - kFirst) / kSize);
+        const auto bucket =
+            offset < kFirst ? std::nullopt : m_cache.getBucket((offset - kFirst) / kSize);
         return bucket && bucket->fileOffset == offset ? infoIn(*bucket) : std::nullopt;
     }
 
@@ -133,10 +133,19 @@ void locateInFirefoxCache(const PlaceSearch &search, FieldPlaces &places) {
                      "without its closing zero; of \"HTTP:http:\" the first five characters go");
     places.numbers(head, kNumbers);
     constexpr std::uint64_t kMostHeaders = std::uint64_t{1} << 20;
-    const SourceBytes lines{"the entry's headers", file.path(), {}, url.at + urlSize,
+    const SourceBytes lines{"the entry's headers",
+                            file.path(),
+                            {},
+                            url.at + urlSize,
                             file.read(url.at + urlSize, std::min(size, kMostHeaders))};
-    const std::string text = bytesToString(lines.view(), 0, 0, false, true);
-    places.value("MetaData", lines, 0, lines.bytes.size(), text, "zeros made blanks");
+    std::string text = bytesToString(lines.view(), 0, 0, false, true);
+    const std::string &kept = search.record.MetaData;
+    const bool isCut = kept.size() < text.size() && text.starts_with(kept);
+    if (isCut)
+        text = kept;
+    places.value("MetaData", lines, 0, lines.bytes.size(), text,
+                 isCut ? "zeros made blanks; up to the first block that another entry has"
+                       : "zeros made blanks");
     // The whole head is one element of the metadata, so its lines follow a name.
     places.headerLine("MIMEType", lines, "content-type", mimeTypeOf(text),
                       "without what follows \";\"");

@@ -24,9 +24,8 @@ void placeText(std::string_view field, const PlaceSearch &search, std::int64_t r
 
 /// The address lies in pieces, or whole in tables of earlier versions.
 void placeAddress(const PlaceSearch &search, std::int64_t row, FieldPlaces &places) {
-    constexpr std::array<std::string_view, 4> kPieces = {"request_url", "request_url_no_query",
-                                                         "request_url_query",
-                                                         "request_url_fragment"};
+    constexpr std::array<std::string_view, 4> kPieces = {
+        "request_url", "request_url_no_query", "request_url_query", "request_url_fragment"};
     const auto columns = search.database(search.source).columnsOf(kEntries);
     std::string url;
     std::string names;
@@ -45,8 +44,9 @@ void placeAddress(const PlaceSearch &search, std::int64_t row, FieldPlaces &plac
                            fmt::format("table {}, row {}, column {}", kEntries, row, names), 0,
                            Bytes(url.begin(), url.end())};
     for (const std::string_view field : {"URL", "URLRawValue"})
-        places.value(field, cell, 0, url.size(), url, "the pieces of the address, one after the "
-                                                      "other");
+        places.value(field, cell, 0, url.size(), url,
+                     "the pieces of the address, one after the "
+                     "other");
 }
 
 /// Headers are rows of a table of their own.
@@ -69,6 +69,7 @@ void placeHeader(const PlaceSearch &search, std::int64_t entry, const char *name
 } // namespace
 
 void locateInSiteCache(const PlaceSearch &search, FieldPlaces &places) {
+    places.derived("CacheFileSize", "bytes of the body once it is unpacked, counted at the import");
     const auto row = factNumber(search.record, "source_rowid");
     if (!row)
         throw std::runtime_error("no row of the cache's tables names the record's file");
@@ -91,13 +92,16 @@ void locateInSiteCache(const PlaceSearch &search, FieldPlaces &places) {
     const SourceBytes body = cellBytes(search, search.source, kEntries, *row, "response_body_id");
     places.value("DataBlockFile", body, 0, body.bytes.size(), MadeValue(),
                  "name of the file in folder \"morgue\"");
-    places.derived("CacheFileSize", "bytes of the body once it is unpacked, counted at the import");
     for (const std::string_view field : {"MetaData", "http_headers"})
         places.derived(field, "the rows of table response_headers with this entry's number");
     for (const std::string_view field : {"source_table", "source_rowid", "Reference_ID",
                                          "source_file", "recovered_from", "cache_layout"})
         places.derived(field, "where this program found the entry");
-    places.derived("site_url", "by the name of the site's folder");
+    for (const std::string_view field : {"site_url", "partition", "container"})
+        places.derived(field, "by the name of the site's folder");
+    places.derived("cache_element", "other columns of the entry's row");
+    places.derived("url_chain", "the rows of table response_url_list with this entry's number");
+    places.derived("CacheFolderName", "folder of the body's file");
     places.derivedOfAddress();
 }
 

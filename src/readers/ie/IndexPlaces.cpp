@@ -59,9 +59,16 @@ SourceBytes recordBytes(const PlaceSearch &search) {
     return {"the record", search.source, {}, at, file.read(at, std::min(told, kMostRecord))};
 }
 
-void placeAddress(const SourceBytes &record, std::uint64_t at, bool isRedirect,
-                  FieldPlaces &places) {
-    const ByteView text = record.view().untilZero(at);
+void placeAddress(const UrlRecord &row, const SourceBytes &record, FieldPlaces &places) {
+    const bool isRedirect = record.view().sub(0, 4).raw() == "REDR";
+    const bool isRecovered = row.cacheType == kIERemnant.word;
+    const std::uint64_t at = isRedirect ? kRedirectUrl : kUrl;
+    const std::string &stored = row.URLRawValue;
+    ByteView text = record.view().untilZero(at);
+    // Of a record of which later blocks are lost the address ends before.
+    const std::uint64_t kept = toAnsi(stored).size();
+    if (isRecovered && kept < text.size() && fromAnsi(text).starts_with(stored))
+        text = text.sub(0, kept);
     const std::string raw = fromAnsi(text);
     places.value("URLRawValue", record, at, text.size(), raw, "Windows-1252, up to a zero byte");
     places.value("URL", record, at, text.size(),
@@ -92,8 +99,8 @@ void placeHeaders(const SourceBytes &record, FieldPlaces &places) {
     const auto *text = std::get_if<std::string>(&headers->made);
     const std::uint64_t from = headers->offset - record.at;
     const std::string_view raw = record.view().sub(from, headers->length).raw();
-    const SourceBytes lines{"the headers", record.file, {}, headers->offset,
-                            Bytes(raw.begin(), raw.end())};
+    const SourceBytes lines{
+        "the headers", record.file, {}, headers->offset, Bytes(raw.begin(), raw.end())};
     places.headerLine("MIMEType", lines, "content-type", mimeTypeOf(text ? *text : ""),
                       "without what follows \";\"");
 }
@@ -112,15 +119,11 @@ void placeFolder(const PlaceSearch &search, const SourceBytes &record, FieldPlac
 
 void placeOfFile(FieldPlaces &places) {
     places.derived("DataBlockFile", "name of the cached file");
-    places.unknown("stale_hash", "it is a bit of the hash entry that leads to the record, and where "
-                                 "that one lies isn't kept");
+    places.unknown("stale_hash",
+                   "it is a bit of the hash entry that leads to the record, and where "
+                   "that one lies isn't kept");
     places.unknown("MIMEType", "the record has no line that says it: it comes of the file's name");
-    places.derived("WebPageTitle", "title in the cached page");
-    places.derived("recovered_from", "how this program found the record");
-    places.derived("body", "what this program found under the cached file's name");
-    places.derived("classic_rule", "why the rules of the first version pass over the record");
     places.derived("source_offset", "where this program found the record");
-    places.derived("MapFileOffset", "where this program found the record");
 }
 
 } // namespace
@@ -129,8 +132,11 @@ void locateInIndex(const PlaceSearch &search, FieldPlaces &places) {
     const SourceBytes record = recordBytes(search);
     const bool isRedirect = record.view().sub(0, 4).raw() == "REDR";
     const bool isWeekly = search.record.OtherDateMeaning == "File Created (GMT)";
-    placeAddress(record, isRedirect ? kRedirectUrl : kUrl, isRedirect, places);
-    if (!isRedirect) {
+    placeAddress(search.record, record, places);
+    if (isRedirect) {
+        for (const std::string_view field : {"CacheFileSize", "Visits"})
+            places.derived(field, "a redirect has nothing but its address");
+    } else {
         const ByteView view = record.view();
         places.value("CacheFileCreated", record, kCreated, kLong, createdDate(view),
                      "FILETIME, UTC; where that is no time of 1980 to 2100, a FAT date and time");

@@ -42,8 +42,7 @@ void placeField(std::string_view field, const SourceBytes &object, std::string_v
          at = findNoCase(text, key, at + key.size()))
         last = at + key.size();
     const std::size_t begin = last ? text.find(kBegin, *last) : std::string_view::npos;
-    const std::size_t end =
-        begin == std::string_view::npos ? begin : text.find("</string>", begin);
+    const std::size_t end = begin == std::string_view::npos ? begin : text.find("</string>", begin);
     if (end == std::string_view::npos)
         return;
     const std::size_t from = begin + kBegin.size();
@@ -59,13 +58,12 @@ void placeResponse(const PlaceSearch &search, FieldPlaces &places) {
     const SourceBytes object = cellBytes(search, search.source, kBlobs, *row, "response_object");
     const CacheResponse response = readCacheResponse(object.view());
     for (const std::string_view field : {"ActionDateUTC", "LastVisited"})
-        placeField(field, object, "Date", response.date,
-                   "when the server sent it, GMT, in words", places);
+        placeField(field, object, "Date", response.date, "when the server sent it, GMT, in words",
+                   places);
     placeField("OtherDate", object, "Last-Modified", response.lastModified, "GMT, in words",
                places);
     placeField("MIMEType", object, "Content-Type", response.contentType, {}, places);
-    places.value("MetaData", object, 0, object.bytes.size(), response.text,
-                 "without zero bytes");
+    places.value("MetaData", object, 0, object.bytes.size(), response.text, "without zero bytes");
 }
 
 /// The upper bound of the bytes counted from 0, as CacheFileSize has it.
@@ -73,16 +71,16 @@ void placeBody(const PlaceSearch &search, FieldPlaces &places) {
     const auto later = rowOf(search, kLaterBodies);
     const auto row = later ? later : rowOf(search, kBlobs);
     if (!row)
-        return;
+        return places.derived("CacheFileSize", "no row of the tables has the entry's body");
     const char *table = later ? kLaterBodies : kBlobs;
     const SourceBytes body = cellBytes(search, search.source, table, *row, "receiver_data");
     const bool mayBeFile =
         search.database(search.source).columnsOf(table).contains("isdataonfs") &&
         cellBytes(search, search.source, table, *row, "isDataOnFS").view().raw() == "1";
-    const auto file = mayBeFile ? search.evidence.find(
-                                      search.source.parent_path(),
-                                      "fsCachedData/" + std::string(body.view().raw()))
-                                : std::nullopt;
+    const auto file = mayBeFile
+                          ? search.evidence.find(search.source.parent_path(),
+                                                 "fsCachedData/" + std::string(body.view().raw()))
+                          : std::nullopt;
     const std::uint64_t size = file        ? search.evidence.factsOf(*file).size
                                : mayBeFile ? 0
                                            : body.bytes.size();

@@ -43,7 +43,7 @@ struct ValueOrigin {
     std::string place; ///< "table visits, row 17, column visit_time"; may be empty
     std::optional<std::uint64_t> offset; ///< of its bytes in the source file, where they are known
     std::uint64_t length = 0;            ///< of them
-    std::filesystem::path file; ///< that holds them, where it isn't the source file
+    std::filesystem::path file;          ///< that holds them, where it isn't the source file
     std::string stored;                  ///< the number, text or bytes as they lie; may be empty
     std::string rule;                    ///< the clock or rule that made the value
     std::string zone; ///< of a date: the zone it is in, and the one it was read in
@@ -70,9 +70,9 @@ struct RecordOrigin {
     std::string md5;           ///< then; both may be empty
     std::string sha256;
     SourceNow state = SourceNow::unhashed;
-    std::string fileNote; ///< what the state means
+    std::string fileNote;             ///< what the state means
     std::vector<FurtherFile> further; ///< files that hold values, and aren't `file`
-    std::string page;     ///< "docs/formats/chrome-history.md"; empty for an unknown kind
+    std::string page; ///< "docs/formats/chrome-history.md"; empty for an unknown kind
     std::vector<ValueOrigin> values;
 };
 
