@@ -16,8 +16,8 @@ namespace {
 constexpr std::array<const RecordKind *, 8> kCreatedInRecord = {
     &kIEHistory, &kIEDaily,   &kIEWeekly,       &kIECache,
     &kIECookies, &kIERemnant, &kImportedBinary, &kUnallocated};
-constexpr std::array<const RecordKind *, 4> kAccessedInRecord = {
-    &kChromeCache, &kChromeSiteCache, &kChromeCacheRemnant, &kIECookies};
+constexpr std::array<const RecordKind *, 4> kAccessedInRecord = {&kChromeCache, &kChromeSiteCache,
+                                                                 &kChromeCacheRemnant, &kIECookies};
 constexpr std::array<const RecordKind *, 5> kOfCachedFile = {&kIECache, &kIERemnant, &kOperaCache,
                                                              &kNetAnalysis, &kSimpleHtml};
 
