@@ -4,6 +4,7 @@
 #include "readers/Registry.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/firefox/Kinds.h"
+#include "readers/mac/CacheFile.h"
 #include "time/SourceClocks.h"
 
 #include <algorithm>
@@ -186,7 +187,6 @@ std::string_view wordsOf(SourceForm form) {
 Date dateOf(SourceForm form, std::int64_t number) {
     constexpr std::int64_t kLongNumber = 100'000'000'000; // more than seconds of any year to come
     constexpr std::uint64_t kHalf = 0xFFFF;
-    constexpr std::int64_t kSeconds1904To1970 = 2082862800; // and five hours
     if (number == 0)
         return {};
     const auto bits = static_cast<std::uint64_t>(number);
@@ -208,8 +208,7 @@ Date dateOf(SourceForm form, std::int64_t number) {
         return dosDateToUtc(static_cast<std::uint16_t>(bits & kHalf),
                             static_cast<std::uint16_t>(bits >> 16 & kHalf));
     case F::secondsOf1904:
-        return number < kSeconds1904To1970 ? Date()
-                                           : Date::fromUnixSeconds(number - kSeconds1904To1970);
+        return macStampToDate(static_cast<std::uint32_t>(bits));
     case F::text:
     case F::number:
         break;

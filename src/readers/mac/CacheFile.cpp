@@ -40,11 +40,8 @@ std::uint32_t number(ByteView file, std::uint64_t at) {
     return ByteView(reversed).u32le(0);
 }
 
-/// What is after 1972 has its top bit set and is a negative number for timeStampToDate(). A stamp
-/// of before 1970 is none: the browser is younger, and an empty stamp would become one of 2040.
 Date stampAt(ByteView file, std::uint64_t at) {
-    const std::uint32_t stamp = number(file, at);
-    return stamp < kSeconds1904To1970 ? Date() : timeStampToDate(static_cast<std::int32_t>(stamp));
+    return macStampToDate(number(file, at));
 }
 
 std::string textIn(ByteView value) {
@@ -222,6 +219,12 @@ std::int64_t sLong2ULong(std::int64_t value) {
 
 Date timeStampToDate(std::int64_t value) {
     return convertSecondsToDate(sLong2ULong(value - kSeconds1904To1970));
+}
+
+/// What is after 1972 has its top bit set and is a negative number for timeStampToDate(). A stamp
+/// of before 1970 is none: the browser is younger, and an empty stamp would become one of 2040.
+Date macStampToDate(std::uint32_t stamp) {
+    return stamp < kSeconds1904To1970 ? Date() : timeStampToDate(static_cast<std::int32_t>(stamp));
 }
 
 Date convertSecondsToDate(std::int64_t value) {

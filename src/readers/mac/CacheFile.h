@@ -62,6 +62,8 @@ std::int64_t sLong2ULong(std::int64_t value);
 /// A stamp in seconds since 1904, as a signed number of 32 bits. The five hours by which the
 /// writer's clock was taken to be off come on top: 1970 begins at 2082862800.
 Date timeStampToDate(std::int64_t value);
+/// The date of a stamp as it stands in a file; none for one of before 1970.
+Date macStampToDate(std::uint32_t stamp);
 /// Seconds since 1970.
 Date convertSecondsToDate(std::int64_t value);
 
