@@ -1,4 +1,5 @@
 #include "app/jobs/ExplainJob.h"
+#include "base/Text.h"
 #include "base/TextRows.h"
 #include "cli/Commands.h"
 #include "cli/RowCheck.h"
@@ -65,8 +66,13 @@ void writeJson(Session &session, const RecordOrigin &record) {
             one["offset"] = *value.offset;
             one["length"] = value.length;
         }
+        if (!value.file.empty())
+            one["file"] = textOf(value.file.filename());
         values.push_back(std::move(one));
     }
+    Json further = Json::array();
+    for (const FurtherFile &file : record.further)
+        further.push_back({{"file", file.name}, {"sha256", file.sha256}});
     const Json all = {{"id", record.id},
                       {"kind", record.kind},
                       {"version", record.version},
@@ -77,6 +83,7 @@ void writeJson(Session &session, const RecordOrigin &record) {
                         {"md5", record.md5},
                         {"sha256", record.sha256},
                         {"today", stateWord(record.state)}}},
+                      {"further_files", further},
                       {"values", values}};
     session.out << all.dump(1, ' ', false, Json::error_handler_t::replace) << '\n';
 }

@@ -54,6 +54,7 @@ struct Arguments {
     int urlWidth = 0;
     // Of a report of a case.
     std::optional<CaseCards> cards;
+    std::optional<bool> tagNotes;
     std::optional<bool> timeline;
     std::optional<bool> evidence;
     std::vector<std::string> leaveOut;
@@ -139,7 +140,11 @@ void setOptions(ReportWriter &report, const Arguments &arguments) {
 /// What nobody redacts is handed over: so a classic report, which shows all, says no to these.
 void setCaseOptions(Session &session, ReportWriter &report, const Arguments &arguments) {
     CaseOptions &options = report.caseOptions;
+    // Who chooses rows by a tag means cards of those.
+    if (!arguments.rows.tag.empty() && options.cards == CaseCards::ticked)
+        options.cards = CaseCards::tagged;
     take(arguments.cards, options.cards);
+    take(arguments.tagNotes, options.tagNotes);
     take(arguments.timeline, options.timeline);
     take(arguments.evidence, options.evidence);
     if (arguments.noRedactions)
@@ -147,9 +152,6 @@ void setCaseOptions(Session &session, ReportWriter &report, const Arguments &arg
     const RedactionRules asked = redactionsAsked(session, arguments);
     if (report.reportType != kCaseType && !asked.empty())
         throw UsageError("--leave-out and --blur hold for --type case: the other types show all");
-    if (report.reportType == kCaseType && arguments.origins.value_or(false))
-        throw UsageError("--origins tells values as they lie, which nobody redacts: it doesn't "
-                         "hold for --type case");
     if (report.reportType != kCaseType && !options.redactions.empty())
         session.err << "the redactions that the project keeps hold for --type case alone\n";
     options.redactions.insert(options.redactions.end(), asked.begin(), asked.end());
@@ -236,7 +238,8 @@ std::vector<Argument> classicOptions(Arguments &given) {
             flag("--user,!--no-user", given.user, "Column of a tabular report"),
             flag("--trail,!--no-trail", given.trail, "What was done with the case"),
             flag("--origins,!--no-origins", given.origins,
-                 "Where the values of rows with the tick come from"),
+                 "Where the values of rows with the tick (of a case report also: with a tag) come "
+                 "from"),
             value("--url-width", given.urlWidth, "Width of the URL column in pixels").from1(),
             flag("--no-scripts", given.noScripts, "Changes nothing: no script leaves with a page"),
             flag("--wide-ids", given.wideIds, "Parts of pages may have ids above 32767")};
@@ -246,8 +249,14 @@ std::vector<Argument> caseOptions(Arguments &given) {
     return {
         choice<CaseCards>(
             "--cards", given.cards,
-            {{"ticked", CaseCards::ticked}, {"all", CaseCards::all}, {"none", CaseCards::none}},
-            "Of a case report: rows that have a card with their content"),
+            {{"ticked", CaseCards::ticked},
+             {"tagged", CaseCards::tagged},
+             {"all", CaseCards::all},
+             {"none", CaseCards::none}},
+            "Of a case report: rows that have a card with their content; tagged: with the tick or "
+            "a tag by name"),
+        flag("--tag-notes,!--no-tag-notes", given.tagNotes,
+             "Of a case report: what was noted of tags"),
         flag("--timeline,!--no-timeline", given.timeline, "Of a case report: the picture of time"),
         flag("--evidence,!--no-evidence", given.evidence,
              "Of a case report: the files of evidence with their hashes"),

@@ -4,7 +4,8 @@
 #include "readers/Registry.h"
 #include "readers/chrome/Kinds.h"
 #include "readers/firefox/Kinds.h"
-#include "readers/ie/Kinds.h"
+#include "readers/mac/CacheFile.h"
+#include "time/SourceClocks.h"
 
 #include <algorithm>
 #include <array>
@@ -135,27 +136,7 @@ constexpr std::array<FieldRule, 9> kFirefoxForms = {{
     {"first_used", "firstUsed", F::unixMicroseconds},
 }};
 
-constexpr std::int32_t kLong = 8;
-constexpr std::int32_t kWord = 4;
-constexpr std::array<FieldRule, 7> kIeRecords = {{
-    {"ActionDateUTC", "", F::fileTime, 0x10, kLong},
-    {"LastVisited", "", F::fileTime, 0x10, kLong},
-    {"OtherDate", "", F::fileTime, 8, kLong},
-    {"CacheFileSize", "", F::number, 0x20, kWord},
-    {"Visits", "", F::number, 0x54, kWord},
-    {"URL", "", F::text, 0x68},
-    {"URLRawValue", "", F::text, 0x68},
-}};
-constexpr std::array<FieldRule, 6> kIeWeekly = {{
-    {"ActionDateUTC", "", F::fileTimeLocal, 8, kLong},
-    {"LastVisited", "", F::fileTimeLocal, 8, kLong},
-    {"OtherDate", "", F::fileTimeLocal, 0x10, kLong},
-    {"Visits", "", F::number, 0x54, kWord},
-    {"URL", "", F::text, 0x68},
-    {"URLRawValue", "", F::text, 0x68},
-}};
-
-constexpr std::array<KindRules, 15> kRules = {{
+constexpr std::array<KindRules, 11> kRules = {{
     {&kChromeHistory, "urls", kChromePages},
     {&kChromeVisit, "visits", kChromeVisits},
     {&kChromeDownload, "downloads", kChromeDownloads},
@@ -167,10 +148,6 @@ constexpr std::array<KindRules, 15> kRules = {{
     {&kFirefoxBookmark, "moz_bookmarks", kFirefoxBookmarks},
     {&kFirefoxCookies, "moz_cookies", kFirefoxCookieFields},
     {&kFirefoxFormValue, "moz_formhistory", kFirefoxForms},
-    {&kIEHistory, "", kIeRecords},
-    {&kIEDaily, "", kIeRecords},
-    {&kIECache, "", kIeRecords},
-    {&kIEWeekly, "", kIeWeekly},
 }};
 
 } // namespace
@@ -196,6 +173,45 @@ std::string_view wordsOf(SourceForm form) {
     case F::fileTimeLocal:
         return "FILETIME: 100 nanoseconds since 1601-01-01, in the local time of the machine that "
                "wrote it";
+    case F::fileTimeMoved:
+        return "FILETIME: 100 nanoseconds since 1601-01-01, UTC, moved to the zone that the "
+               "machine of the import had then";
+    case F::dosDate:
+        return "FAT: date in the lower 16 bits, time in the upper ones, in steps of 2 seconds, UTC";
+    case F::secondsOf1904:
+        return "seconds since 1904-01-01, five hours added, taken as UTC";
+    }
+    return {};
+}
+
+Date dateOf(SourceForm form, std::int64_t number) {
+    constexpr std::int64_t kLongNumber = 100'000'000'000; // more than seconds of any year to come
+    constexpr std::uint64_t kHalf = 0xFFFF;
+    if (number == 0)
+        return {};
+    const auto bits = static_cast<std::uint64_t>(number);
+    switch (form) {
+    case F::chromeTime:
+        return chromeTimeToDate(number);
+    case F::chromeOrUnixTime:
+        return number > kLongNumber * 100 ? chromeTimeToDate(number)
+                                          : Date::fromUnixSeconds(number);
+    case F::unixSeconds:
+        return Date::fromUnixSeconds(number > kLongNumber ? number / 1000 : number);
+    case F::unixMicroseconds:
+        return Date::fromUnixMicroseconds(number);
+    case F::fileTime:
+    case F::fileTimeLocal:
+    case F::fileTimeMoved:
+        return fileTimeToUtc(bits);
+    case F::dosDate:
+        return dosDateToUtc(static_cast<std::uint16_t>(bits & kHalf),
+                            static_cast<std::uint16_t>(bits >> 16 & kHalf));
+    case F::secondsOf1904:
+        return macStampToDate(static_cast<std::uint32_t>(bits));
+    case F::text:
+    case F::number:
+        break;
     }
     return {};
 }

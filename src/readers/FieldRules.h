@@ -1,6 +1,7 @@
 #pragma once
 
 #include "readers/RecordKind.h"
+#include "time/Date.h"
 
 #include <cstdint>
 #include <span>
@@ -18,24 +19,26 @@ enum class SourceForm {
     unixMicroseconds,
     fileTime,      ///< ticks of 100 nanoseconds since 1601, UTC
     fileTimeLocal, ///< the same of the clock on the wall
+    fileTimeMoved, ///< UTC, moved to the zone of the machine that imported
+    dosDate,       ///< a FAT date in the lower 16 bits and a FAT time in the upper ones, UTC
+    secondsOf1904, ///< since 1904, five hours off, as Internet Explorer for Macintosh has them
 };
 /// In words, with the zone of the source.
 std::string_view wordsOf(SourceForm form);
+/// The date that the number is by its form; nothing for what is no date.
+Date dateOf(SourceForm form, std::int64_t number);
 
-/// Where one field of a record comes from: a column of the record's row in an SQLite file, or bytes
-/// counted from the record's place in its file.
+/// Where one field of a record comes from: a column of the record's row in an SQLite file.
 struct FieldRule {
     std::string_view field;  ///< column of table `URLs`, or the name of a fact
-    std::string_view column; ///< of the record's row; empty for a place in bytes
+    std::string_view column; ///< of the record's row
     SourceForm form = SourceForm::text;
-    std::int32_t offset = 0; ///< from the record's place, in bytes
-    std::int32_t size = 0;   ///< bytes; 0 for a text up to its zero byte
 };
 
 /// All that is known of the fields of a kind of record.
 struct KindRules {
     const RecordKind *kind;
-    std::string_view table; ///< of the SQLite file; empty for a place in bytes
+    std::string_view table; ///< of the SQLite file
     std::span<const FieldRule> fields;
 };
 
@@ -45,7 +48,7 @@ std::span<const KindRules> fieldRules();
 const FieldRule *fieldRule(const KindRules &rules, std::string_view field);
 /// Null for a kind without rules.
 const KindRules *rulesOf(std::string_view cacheType);
-/// "docs/formats/chrome-history.md": where a kind's format is told; empty for an unknown kind.
+/// "chrome-history", of docs/formats: where a kind's format is told; empty for an unknown kind.
 std::string_view pageOf(std::string_view cacheType);
 
 } // namespace nv

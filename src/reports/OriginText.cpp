@@ -53,8 +53,8 @@ std::string originSection(const ReportContext &ctx) {
         "<strong>ORIGINS:</strong> where the values of the rows with the tick come from. "
         "\"same\": read from the evidence again for this report.<br>\r\n";
     const auto ids = onProject([&] { return tickedRows(rebuild.project); });
-    Explainer explainer({rebuild.project, rebuild.evidence, rebuild.tempFolderPath, ctx.gmtZone,
-                         ctx.settings.dates, rebuild.log});
+    Explainer explainer({rebuild.project, rebuild.records, rebuild.evidence, rebuild.tempFolderPath,
+                         ctx.gmtZone, ctx.settings.dates, rebuild.log});
     std::size_t told = 0;
     for (const UrlId id : ids) {
         if (told == kMostRecords || !rebuild.task.advance(1))

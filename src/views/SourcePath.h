@@ -11,4 +11,8 @@ namespace nv {
 std::optional<std::filesystem::path> sourcePathOf(const std::string &historyFile,
                                                   const std::string &root);
 
+/// The same of a record whose artefact is a folder.
+std::optional<std::filesystem::path> sourceFolderOf(const std::string &historyFile,
+                                                    const std::string &root);
+
 } // namespace nv

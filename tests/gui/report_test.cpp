@@ -265,7 +265,10 @@ void ReportTest::aCaseReportIsMadeAndPublishedInOne() {
         child<QComboBox>(form, "cbReportType").setCurrentIndex(3);
         QVERIFY(child<QComboBox>(form, "cbCards").isVisible());
         QVERIFY(!child<QCheckBox>(form, "chkIncludeAudit").isVisible());
-        child<QComboBox>(form, "cbCards").setCurrentIndex(1);
+        auto &cards = child<QComboBox>(form, "cbCards");
+        cards.setCurrentIndex(cards.findData(static_cast<int>(CaseCards::all)));
+        QVERIFY(child<QCheckBox>(form, "chkIncludeOrigins").isEnabled());
+        QVERIFY(child<QCheckBox>(form, "chkTagNotes").isChecked());
         QTest::mouseClick(&child<QPushButton>(form, "btnCreateAndPublish"), Qt::LeftButton);
     });
     trigger(*m_form, "actCreateReport");

@@ -13,6 +13,8 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <string_view>
+#include <utility>
 
 namespace nv {
 
@@ -106,6 +108,12 @@ constexpr const char *kRedactionsName = "ReportRedactions";
 constexpr const char *kCardsName = "ReportCards";
 constexpr const char *kTimelineName = "ReportTimeline";
 constexpr const char *kEvidenceName = "ReportEvidence";
+constexpr const char *kTagNotesName = "ReportTagNotes";
+constexpr std::array<std::pair<CaseCards, std::string_view>, 4> kCardWords = {
+    {{CaseCards::ticked, "ticked"},
+     {CaseCards::tagged, "tagged"},
+     {CaseCards::all, "all"},
+     {CaseCards::none, "none"}}};
 /// There once the options were kept, so that an empty text isn't taken for none.
 constexpr const char *kKeptName = "ReportOptionsKept";
 
@@ -121,9 +129,11 @@ bool readProjectReportOptions(Program &program, ReportWriter &report) {
     options.timeline = fields.getDefault(kTimelineName) != "False";
     options.evidence = fields.getDefault(kEvidenceName) != "False";
     const std::string cards = fields.getDefault(kCardsName);
-    options.cards = cards == "all"    ? CaseCards::all
-                    : cards == "none" ? CaseCards::none
-                                      : CaseCards::ticked;
+    options.tagNotes = fields.getDefault(kTagNotesName) != "False";
+    options.cards = CaseCards::ticked;
+    for (const auto &[choice, word] : kCardWords)
+        if (cards == word)
+            options.cards = choice;
     // Lines that can't be read must not make a report without them.
     options.redactions = redactionRules(fields.getDefault(kRedactionsName));
     return true;
@@ -142,9 +152,10 @@ bool writeProjectReportOptions(Program &program, const ReportWriter &report) {
     const CaseOptions &options = report.caseOptions;
     keep(kTimelineName, options.timeline ? "True" : "False");
     keep(kEvidenceName, options.evidence ? "True" : "False");
-    keep(kCardsName, options.cards == CaseCards::all    ? "all"
-                     : options.cards == CaseCards::none ? "none"
-                                                        : "ticked");
+    keep(kTagNotesName, options.tagNotes ? "True" : "False");
+    for (const auto &[choice, word] : kCardWords)
+        if (options.cards == choice)
+            keep(kCardsName, std::string(word));
     keep(kRedactionsName, linesOf(options.redactions));
     keep(kKeptName, "True");
     return isWritten;

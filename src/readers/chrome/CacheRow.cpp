@@ -26,11 +26,6 @@ namespace {
 /// Before the address of a script in the key of its compiled form.
 constexpr std::string_view kCompiledMark = "_key";
 
-/// A zero character becomes the visible U+2400: half of the programs cut a text there.
-std::string keyText(std::string_view stored) {
-    return replaceAll(decodeText(stored), std::string_view("\0", 1), "\u2400");
-}
-
 /// What the line of that name says; empty without one.
 std::string headerOf(std::string_view headers, std::string_view name) {
     for (const std::string_view line : split(headers, '\n'))
@@ -130,15 +125,17 @@ void takeSiteAnswer(UrlRecord &record, const ChromeSiteAnswer &answer, const Clo
     addStamp(record.facts, "created", answer.stored);
 }
 
+std::size_t endOfScript(std::string_view key) {
+    return std::min(key.find_first_of(" \n"), key.size());
+}
+
 /// The compiled form of a script: "_key" URL " \n" the site that ran it, and the time of the
 /// script's own answer at the start of the stream.
 void takeCompiled(UrlRecord &record, std::string_view key, ByteView head, const Clock &clock) {
     if (!key.starts_with(kCompiledMark))
         return;
-    const std::size_t end = std::min(key.find_first_of(" \n"), key.size());
-    setChromeAddress(record,
-                     std::string(key.substr(kCompiledMark.size(), end - kCompiledMark.size())));
-    record.facts.add("partition", std::string(trim(key.substr(end))));
+    setChromeAddress(record, compiledScriptIn(key));
+    record.facts.add("partition", std::string(trim(key.substr(endOfScript(key)))));
     const std::int64_t time = head.has(0, 8) ? static_cast<std::int64_t>(head.u64le(0)) : 0;
     // What is no time of this century is no such stream.
     constexpr std::int64_t kYear2001 = 12'600'000'000'000'000;
@@ -148,6 +145,17 @@ void takeCompiled(UrlRecord &record, std::string_view key, ByteView head, const 
 }
 
 } // namespace
+
+/// A zero character becomes the visible U+2400: half of the programs cut a text there.
+std::string chromeKeyText(std::string_view stored) {
+    return replaceAll(decodeText(stored), std::string_view("\0", 1), "\u2400");
+}
+
+std::string compiledScriptIn(std::string_view key) {
+    if (!key.starts_with(kCompiledMark))
+        return {};
+    return std::string(key.substr(kCompiledMark.size(), endOfScript(key) - kCompiledMark.size()));
+}
 
 void setChromeAddress(UrlRecord &record, const std::string &url) {
     record.URL = url;
@@ -165,7 +173,7 @@ UrlRecord chromeEntryRecord(const ReadContext &ctx, const ChromeEntryPlace &plac
     record.Status = "URL";
     record.Visits = kVisitsUnknown;
     record.RecordSize = storedKey.size();
-    record.URLRawValue = keyText(storedKey);
+    record.URLRawValue = chromeKeyText(storedKey);
     const ChromeCacheKey key = chromeCacheKeyOf(record.URLRawValue);
     setChromeAddress(record, key.url);
     setPlace(record, ctx, place);

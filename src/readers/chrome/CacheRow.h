@@ -31,6 +31,11 @@ UrlRecord chromeEntryRecord(const ReadContext &ctx, const ChromeEntryPlace &plac
 /// Gives it the address that its key hasn't.
 void setChromeAddress(UrlRecord &record, const std::string &url);
 
+/// A key as records have it.
+std::string chromeKeyText(std::string_view stored);
+/// The address in the key of a script's compiled form; empty for other keys.
+std::string compiledScriptIn(std::string_view key);
+
 /// Makes it one of an entry that the browser doesn't know any more.
 void makeChromeRemnant(UrlRecord &record, std::string_view foundHow);
 

@@ -30,9 +30,12 @@ constexpr std::uint32_t kMostCertificates = 16;
 /// Reads fields one after the other. From the first on that isn't whole all are empty.
 class Fields {
   public:
-    explicit Fields(ByteView bytes) : m_bytes(bytes) {}
+    /// Boundaries are counted from the first byte, whatever `at` is.
+    Fields(ByteView bytes, std::uint64_t at) : m_bytes(bytes), m_at(at) {}
 
     bool areWhole() const { return m_isWhole; }
+    /// Of the field that was read last.
+    ChromeResponse::Place place() const { return m_place; }
     std::uint32_t number() {
         const ByteView bytes = take(4);
         return m_isWhole ? bytes.u32le(0) : 0;
@@ -55,12 +58,14 @@ class Fields {
         if (!m_isWhole)
             return {};
         const ByteView bytes = m_bytes.sub(m_at, count);
+        m_place = {m_at, count};
         m_at += count;
         return bytes;
     }
 
     ByteView m_bytes;
-    std::uint64_t m_at = 0;
+    ChromeResponse::Place m_place;
+    std::uint64_t m_at;
     bool m_isWhole = true;
 };
 
@@ -69,6 +74,8 @@ bool readCertificates(Fields &fields, ChromeResponse &response) {
     const std::uint32_t count = fields.number();
     for (std::uint32_t i = 0; i < count && i < kMostCertificates && fields.areWhole(); ++i) {
         const std::string_view der = fields.text().raw();
+        if (i == 0)
+            response.certificatePlace = fields.place();
         response.certificates.emplace_back(der.begin(), der.end());
     }
     return count <= kMostCertificates;
@@ -87,6 +94,7 @@ void readConnection(Fields &fields, std::uint32_t flags, ChromeResponse &respons
     if ((flags & kVary) != 0)
         fields.skip(kVaryBytes);
     const std::string address = decodeText(fields.text().raw());
+    response.serverPlace = fields.place();
     const std::uint32_t port = fields.number() & 0xFFFF;
     if (address.empty() || !fields.areWhole())
         return;
@@ -101,16 +109,21 @@ std::optional<ChromeResponse> chromeResponseOf(ByteView bytes) {
     constexpr std::uint64_t kFlagsAt = 4;
     if (!bytes.has(0, kFlagsAt))
         return std::nullopt;
-    Fields fields(bytes.from(kFlagsAt));
+    Fields fields(bytes, kFlagsAt);
     const std::uint32_t flags = fields.number();
     const std::uint32_t further = (flags & kFurtherFlags) != 0 ? fields.number() : 0;
     ChromeResponse response;
     response.isTruncated = (flags & kTruncated) != 0;
     response.requested = fields.time();
+    response.requestedPlace = fields.place();
     response.answered = fields.time();
-    if ((further & kFirstTime) != 0)
+    response.answeredPlace = fields.place();
+    if ((further & kFirstTime) != 0) {
         response.first = fields.time();
+        response.firstPlace = fields.place();
+    }
     const ByteView lines = fields.text();
+    response.headersPlace = fields.place();
     if (!fields.areWhole() || !startsWithNoCase(lines.raw(), "HTTP"))
         return std::nullopt;
     response.headers = decodeText(headersInLines(lines.raw()));

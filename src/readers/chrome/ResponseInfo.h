@@ -26,6 +26,18 @@ struct ChromeResponse {
     std::vector<Bytes> certificates; ///< DER, the server's own first
     std::string server;              ///< address and port, as in "127.0.0.1:443"
     bool isTruncated = false;        ///< the transfer broke off
+
+    /// Where a field stands, in bytes from the begin of the response.
+    struct Place {
+        std::uint64_t at = 0;
+        std::uint64_t size = 0; ///< 0 for a field that isn't there
+    };
+    Place requestedPlace;
+    Place answeredPlace;
+    Place firstPlace;
+    Place headersPlace;
+    Place certificatePlace; ///< of the first one
+    Place serverPlace;      ///< of the address, without the port
 };
 
 /// Nothing when the bytes hold something else, or end before the headers do.

@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint64_t kMagic = 0x656E'7465'7220'796F;
 constexpr std::uint64_t kPayloadAt = 8;
 constexpr std::uint64_t kFixed = 28; ///< of the payload: magic, version, entries, bytes
-constexpr std::uint64_t kEntry = 24;
+constexpr std::uint64_t kEntry = kSimpleIndexEntry;
 constexpr std::uint64_t kChanged = 8;
 
 /// A date of the years 1980 to 2200: other numbers there are none.
@@ -36,6 +36,7 @@ std::uint64_t readEntries(ByteView payload, std::uint64_t count, SimpleIndex &in
     const std::uint64_t wordless = kFixed + count * kEntry + kChanged;
     std::uint64_t at = kFixed + (payload.size() > wordless ? 4 : 0);
     std::uint64_t number = 0;
+    index.firstAt = kPayloadAt + at;
     for (; number < count && payload.has(at, kEntry); ++number, at += kEntry) {
         const auto used = static_cast<std::int64_t>(payload.u64le(at + 8));
         index.lastUsed[payload.u64le(at)] = isDate(used) ? used : 0;

@@ -17,9 +17,13 @@ namespace nv {
 struct SimpleIndex {
     std::uint32_t version = 0;
     std::unordered_map<std::uint64_t, std::int64_t> lastUsed; ///< microseconds since 1601, by hash
+    std::uint64_t firstAt = 0;                                ///< of the first entry, in the file
     bool isThere = false;
     std::string damage; ///< what is wrong with it; empty for nothing
 };
+
+/// Bytes of an entry, with its hash first and its last use behind that.
+inline constexpr std::uint64_t kSimpleIndexEntry = 24;
 
 SimpleIndex simpleIndexOf(ByteView file);
 

@@ -15,6 +15,8 @@ struct Field {
     std::uint64_t id = 0;
     std::uint64_t number = 0;
     ByteView bytes;
+    std::uint64_t numberAt = 0;   ///< in the whole message
+    std::uint64_t numberSize = 0; ///< bytes
 
     std::string text() const { return decodeText(bytes.raw()); }
     std::int64_t time() const { return static_cast<std::int64_t>(number); }
@@ -38,12 +40,15 @@ std::optional<Field> fieldAt(ByteView message, std::uint64_t &at) {
     const auto tag = varint(message, at);
     if (!tag)
         return std::nullopt;
-    Field field{*tag >> 3, 0, {}};
+    Field field;
+    field.id = *tag >> 3;
+    field.numberAt = message.place() + at;
     std::optional<std::uint64_t> length;
     switch (*tag & 7) {
     case kVarint:
         if (const auto number = varint(message, at)) {
             field.number = *number;
+            field.numberSize = message.place() + at - field.numberAt;
             return field;
         }
         return std::nullopt;
@@ -110,9 +115,11 @@ bool readResponse(ByteView message, ChromeSiteAnswer &answer) {
             text = field.text();
         else if (field.id == kHeader)
             isWhole &= addHeader(field.bytes, answer.headers);
-        else if (field.id == kAnswered)
+        else if (field.id == kAnswered) {
             answer.answered = field.time();
-        else if (field.id == kType)
+            answer.answeredAt = field.numberAt;
+            answer.answeredSize = field.numberSize;
+        } else if (field.id == kType)
             answer.mimeType = toLower(field.text());
     });
     answer.statusLine = status == 0 ? "" : std::string(trim(fmt::format("{} {}", status, text)));
@@ -130,8 +137,11 @@ std::optional<ChromeSiteAnswer> chromeSiteAnswerOf(ByteView message) {
             isRead &= readRequest(field.bytes, answer);
         else if (field.id == kResponse)
             isRead &= readResponse(field.bytes, answer);
-        else if (field.id == kStored)
+        else if (field.id == kStored) {
             answer.stored = field.time();
+            answer.storedAt = field.numberAt;
+            answer.storedSize = field.numberSize;
+        }
     });
     const bool isAnswer = isWhole && isRead && !answer.method.empty();
     return isAnswer ? std::optional(answer) : std::nullopt;

@@ -21,6 +21,12 @@ struct ChromeSiteAnswer {
     std::string mimeType;
     std::int64_t answered = 0;
     std::int64_t stored = 0;
+
+    // Where the two times stand, in bytes from the message's begin; of size 0 without one.
+    std::uint64_t answeredAt = 0;
+    std::uint64_t answeredSize = 0;
+    std::uint64_t storedAt = 0;
+    std::uint64_t storedSize = 0;
 };
 
 /// Nothing when the bytes are no such message.

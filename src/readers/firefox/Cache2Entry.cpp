@@ -90,6 +90,18 @@ std::string_view Cache2Entry::element(std::string_view name) const {
     return {};
 }
 
+/// Each has a zero byte behind its name and one behind its value.
+std::optional<std::uint64_t> Cache2Entry::elementAt(std::string_view name) const {
+    std::uint64_t at = keyAt + key.size() + 1;
+    for (const auto &[each, value] : elements) {
+        at += each.size() + 1;
+        if (each == name)
+            return at;
+        at += value.size() + 1;
+    }
+    return std::nullopt;
+}
+
 /// Each mark is a letter and its text, which a comma ends; two commas are one of the text. The
 /// address stands behind a colon in a mark's place.
 Cache2Key parseCache2Key(std::string_view key) {
@@ -134,7 +146,8 @@ Cache2Entry parseCache2Entry(ByteView bytes, std::uint64_t stored) {
     const ByteView behind = bytes.sub(0, bytes.size() - kWord);
     for (std::uint64_t i = 0; i < chunks; ++i)
         entry.chunks.push_back(u16be(behind, kWord + 2 * i));
-    Words words(behind, kWord + 2 * chunks);
+    entry.fieldsAt = kWord + 2 * chunks;
+    Words words(behind, entry.fieldsAt);
     entry.version = words.next();
     if (entry.version == 0 || entry.version > 2 * kCache2LastVersion)
         throw std::runtime_error(fmt::format("its metadata are of version {}", entry.version));
@@ -146,6 +159,7 @@ Cache2Entry parseCache2Entry(ByteView bytes, std::uint64_t stored) {
     const std::uint32_t keySize = words.next();
     if (entry.version > 1)
         entry.flags = words.next();
+    entry.keyAt = words.at();
     entry.key = behind.sub(words.at(), keySize).raw();
     const std::uint64_t end = words.at() + keySize;
     if (keySize == 0 || behind.u8(end) != 0)

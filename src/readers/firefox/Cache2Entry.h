@@ -3,6 +3,7 @@
 #include "base/ByteView.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -30,11 +31,15 @@ struct Cache2Entry {
     std::uint32_t frecency = 0;
     std::uint32_t expires = 0; ///< the same; 0xFFFFFFFF is never
     std::uint32_t flags = 0;
-    std::string key; ///< as it stands, undecoded
+    std::string key;            ///< as it stands, undecoded
+    std::uint64_t fieldsAt = 0; ///< of the version, in bytes from the metadata's begin
+    std::uint64_t keyAt = 0;    ///< the same of the key
     std::vector<std::pair<std::string, std::string>> elements;
 
     /// Empty when there is none.
     std::string_view element(std::string_view name) const;
+    /// Where its value stands, in bytes from the metadata's begin; nothing when there is none.
+    std::optional<std::uint64_t> elementAt(std::string_view name) const;
 };
 
 /// A key: "O^partitionKey=...,a,:https://host/".

@@ -18,15 +18,6 @@ std::string textWithBlanks(ByteView bytes) {
     return bytesToString(bytes, 0, 0, false, true);
 }
 
-/// The key is counted with its closing zero, which is no part of the URL. The browser puts its
-/// client's name before it: "HTTP:http:" is undone, and "HTTP:https:" stays, as it always has.
-std::string urlOf(const Bytes &key) {
-    ByteView bytes(key);
-    if (!bytes.empty() && bytes.u8(bytes.size() - 1) == 0)
-        bytes = bytes.sub(0, bytes.size() - 1);
-    return bytes.empty() ? std::string() : replaceAll(textWithBlanks(bytes), "HTTP:http:", "http:");
-}
-
 /// The cache's folder: bodies are fetched from `RootPath` + `CacheRootPath`.
 void setPlace(UrlRecord &url, const HistoryFile &file, const Evidence &evidence) {
     if (evidence.kindOf(file.fullPath.parent_path()) != PlaceKind::folder)
@@ -61,6 +52,15 @@ void setEvent(UrlRecord &url, const CacheRecordMetaData &metaData, const Clock &
 
 } // namespace
 
+/// The key is counted with its closing zero, which is no part of the URL. The browser puts its
+/// client's name before it: "HTTP:http:" is undone, and "HTTP:https:" stays, as it always has.
+std::string firefoxCacheAddress(const Bytes &key) {
+    ByteView bytes(key);
+    if (!bytes.empty() && bytes.u8(bytes.size() - 1) == 0)
+        bytes = bytes.sub(0, bytes.size() - 1);
+    return bytes.empty() ? std::string() : replaceAll(textWithBlanks(bytes), "HTTP:http:", "http:");
+}
+
 std::optional<UrlRecord> parseFirefoxCacheURL(const CacheRecord &record, const HistoryFile &file,
                                               const Evidence &evidence, const Clock &clock) {
     if (!record.recordMetaData)
@@ -82,7 +82,7 @@ std::optional<UrlRecord> parseFirefoxCacheURL(const CacheRecord &record, const H
     setPlace(*url, file, evidence);
     setBody(*url, record);
     setEvent(*url, *record.recordMetaData, clock);
-    const std::string address = urlOf(record.recordMetaData->urlData);
+    const std::string address = firefoxCacheAddress(record.recordMetaData->urlData);
     setCachedAddress(*url, address, address);
     return url;
 }

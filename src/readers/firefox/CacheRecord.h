@@ -16,6 +16,9 @@ namespace nv {
 std::optional<UrlRecord> parseFirefoxCacheURL(const CacheRecord &record, const HistoryFile &file,
                                               const Evidence &evidence, const Clock &clock);
 
+/// The address that a key's bytes give.
+std::string firefoxCacheAddress(const Bytes &key);
+
 /// Why a stored record, with its metadata, should not be taken as it stands; empty when it may be.
 std::string doubtOn(const CacheRecord &record);
 

@@ -1,15 +1,17 @@
 #include "readers/ie/IndexFacts.h"
 
 #include "readers/FactDate.h"
+#include "readers/ie/IndexFields.h"
 #include "time/SourceClocks.h"
 
 namespace nv {
 
 namespace {
 
-constexpr std::uint64_t kExpires = 0x18;
+using indexfields::kExpires;
+using indexfields::kLastChecked;
+
 constexpr std::uint64_t kUrlOffset = 0x34;
-constexpr std::uint64_t kLastChecked = 0x50;
 constexpr std::uint64_t kHead = 0x68;
 
 // The lower six bits of a hash entry's status say what became of it, the others are the hash.

@@ -4,6 +4,7 @@
 #include "base/Md5.h"
 #include "base/Text.h"
 #include "readers/Dissection.h"
+#include "readers/ie/IndexFields.h"
 #include "readers/ie/Kinds.h"
 #include "time/SourceClocks.h"
 
@@ -22,18 +23,7 @@ namespace nv {
 
 namespace {
 
-constexpr std::uint64_t kBlocks = 4;
-constexpr std::uint64_t kFirstDate = 8;
-constexpr std::uint64_t kSecondDate = 0x10;
-constexpr std::uint64_t kRedirectUrl = 0x10;
-constexpr std::uint64_t kFileSize = 0x20;
-constexpr std::uint64_t kFolder = 0x38;
-constexpr std::uint64_t kFileName = 0x3C;
-constexpr std::uint64_t kHeaders = 0x44;
-constexpr std::uint64_t kHits = 0x54;
-constexpr std::uint64_t kCreated = 0x5C;
-constexpr std::uint64_t kUrl =
-    0x68; // where every version has it; the record's own offset is unused
+using namespace indexfields;
 
 constexpr std::string_view kRedirect = "REDR";
 
@@ -58,17 +48,6 @@ std::uint64_t offsetAt(ByteView record, std::uint64_t at) {
     if (offset < 0)
         throw OutOfBytes(record.place() + at, record.u32le(at), record.size());
     return static_cast<std::uint64_t>(offset);
-}
-
-/// The field is told to be a FILETIME, but browsers wrote a DOS date and other data there: a value
-/// that makes no sense as the one is tried as the other.
-Date createdDate(ByteView record) {
-    constexpr std::uint64_t kYear1980 = 119600064000000000; // in 100 ns since 1601
-    constexpr std::uint64_t kYear2101 = 157784544000000000;
-    const std::uint64_t ticks = record.u64le(kCreated);
-    if (ticks >= kYear1980 && ticks < kYear2101)
-        return fileTimeToUtc(ticks);
-    return dosDateToUtc(record.u16le(kCreated), record.u16le(kCreated + 2));
 }
 
 bool isPictureUrl(std::string_view url) {
@@ -163,6 +142,17 @@ void parseRedirect(UrlRecord &result, ByteView record, HistoryFileType type) {
 }
 
 } // namespace
+
+/// The field is told to be a FILETIME, but browsers wrote a DOS date and other data there: a value
+/// that makes no sense as the one is tried as the other.
+Date createdDate(ByteView record) {
+    constexpr std::uint64_t kYear1980 = 119600064000000000; // in 100 ns since 1601
+    constexpr std::uint64_t kYear2101 = 157784544000000000;
+    const std::uint64_t ticks = record.u64le(kCreated);
+    if (ticks >= kYear1980 && ticks < kYear2101)
+        return fileTimeToUtc(ticks);
+    return dosDateToUtc(record.u16le(kCreated), record.u16le(kCreated + 2));
+}
 
 void setUrl(UrlRecord &record, std::string_view text) {
     record.URL = percentDecode(parseURLFromRawURL(text));

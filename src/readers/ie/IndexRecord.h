@@ -23,6 +23,9 @@ std::optional<UrlRecord> parseIEURL(ByteView record, const HistoryFile &file,
                                     std::uint64_t recordOffset, const FolderList &folders,
                                     DeletedFlag deletedFlag, const Clock &clock);
 
+/// When the cached file was made, by a record of any kind. Throws OutOfBytes.
+Date createdDate(ByteView record);
+
 /// Sets `URL` from `text`, cleaned and decoded, and what follows from it and from `URLRawValue`,
 /// which stands before: hash, host, user, protocol and parameters.
 void setUrl(UrlRecord &record, std::string_view text);

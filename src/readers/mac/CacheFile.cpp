@@ -28,10 +28,6 @@ constexpr std::uint64_t kHeader = 0x30;
 constexpr std::uint64_t kBlockHead = 8;
 
 constexpr std::uint64_t kRecordOffset = 0x10;
-constexpr std::uint64_t kFirstVisit = 0x14;
-constexpr std::uint64_t kLastVisit = 0x18;
-constexpr std::uint64_t kDataSize = 0x20;
-constexpr std::uint64_t kCateBytes = 0x24;
 
 constexpr std::string_view kMarker = "XXXXcate";
 /// The marker's place is counted from 1, so that this leads to its "cate".
@@ -44,11 +40,8 @@ std::uint32_t number(ByteView file, std::uint64_t at) {
     return ByteView(reversed).u32le(0);
 }
 
-/// What is after 1972 has its top bit set and is a negative number for timeStampToDate(). A stamp
-/// of before 1970 is none: the browser is younger, and an empty stamp would become one of 2040.
 Date stampAt(ByteView file, std::uint64_t at) {
-    const std::uint32_t stamp = number(file, at);
-    return stamp < kSeconds1904To1970 ? Date() : timeStampToDate(static_cast<std::int32_t>(stamp));
+    return macStampToDate(number(file, at));
 }
 
 std::string textIn(ByteView value) {
@@ -148,6 +141,7 @@ std::uint64_t BlockWalk::handle(const Block &block) {
         m_url.bSrl = textIn(block.value);
     } else if (block.tag == "MIME") {
         m_url.mime = textIn(block.value);
+        m_url.mimeOffset = block.valueAt();
     } else if (block.tag == "HNTT") {
         m_url.hntt = textIn(block.value);
     } else if (block.tag == "HVRS") {
@@ -189,11 +183,12 @@ std::uint64_t BlockWalk::bodyEnd(const Block &block) {
 
 /// The fields are read from the tag on, whatever the length of the block.
 void BlockWalk::close(const Block &block) {
-    if (m_file.has(block.at, kCateBytes)) {
+    if (m_file.has(block.at, macend::kBytes)) {
+        m_url.endOffset = block.at;
         m_url.recordFileOffset = number(m_file, block.at + kRecordOffset);
-        m_url.firstVisitDate = stampAt(m_file, block.at + kFirstVisit);
-        m_url.lastVisitDate = stampAt(m_file, block.at + kLastVisit);
-        m_url.dataSize = number(m_file, block.at + kDataSize);
+        m_url.firstVisitDate = stampAt(m_file, block.at + macend::kFirstVisit);
+        m_url.lastVisitDate = stampAt(m_file, block.at + macend::kLastVisit);
+        m_url.dataSize = number(m_file, block.at + macend::kDataSize);
     } else {
         endAt("the end of an entry");
     }
@@ -224,6 +219,12 @@ std::int64_t sLong2ULong(std::int64_t value) {
 
 Date timeStampToDate(std::int64_t value) {
     return convertSecondsToDate(sLong2ULong(value - kSeconds1904To1970));
+}
+
+/// What is after 1972 has its top bit set and is a negative number for timeStampToDate(). A stamp
+/// of before 1970 is none: the browser is younger, and an empty stamp would become one of 2040.
+Date macStampToDate(std::uint32_t stamp) {
+    return stamp < kSeconds1904To1970 ? Date() : timeStampToDate(static_cast<std::int32_t>(stamp));
 }
 
 Date convertSecondsToDate(std::int64_t value) {

@@ -18,6 +18,8 @@ namespace nv {
 struct MacCacheEntry {
     std::uint64_t recordOffset = 0; ///< of the entry's first block
     std::uint64_t urlOffset = 0;    ///< of the text
+    std::uint64_t mimeOffset = 0;   ///< of the text
+    std::uint64_t endOffset = 0;    ///< of its block "CATE", which has dates and size
     std::uint64_t dataFileOffset = 0;
     std::uint32_t recordFileOffset = 0; ///< what the entry says of itself
     std::uint32_t dataSize = 0;
@@ -45,6 +47,14 @@ class MacCacheFile {
     ReadResult readMACIECache(ByteView file, TaskMonitor &task, const TakeURL &take);
 };
 
+/// Where the numbers of the block "CATE" stand, in bytes from its tag; 4 bytes each, big-endian.
+namespace macend {
+inline constexpr std::uint64_t kFirstVisit = 0x14;
+inline constexpr std::uint64_t kLastVisit = 0x18;
+inline constexpr std::uint64_t kDataSize = 0x20;
+inline constexpr std::uint64_t kBytes = 0x24;
+} // namespace macend
+
 // The clock of the format.
 
 /// A value above 0x7FFFFFFF is held at that; a negative one is an unsigned number of 32 bits.
@@ -52,6 +62,8 @@ std::int64_t sLong2ULong(std::int64_t value);
 /// A stamp in seconds since 1904, as a signed number of 32 bits. The five hours by which the
 /// writer's clock was taken to be off come on top: 1970 begins at 2082862800.
 Date timeStampToDate(std::int64_t value);
+/// The date of a stamp as it stands in a file; none for one of before 1970.
+Date macStampToDate(std::uint32_t stamp);
 /// Seconds since 1970.
 Date convertSecondsToDate(std::int64_t value);
 

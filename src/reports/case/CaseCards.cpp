@@ -151,10 +151,14 @@ void CaseCardPages::write(ReportCard &card, UrlId id) {
            << figure << "<div>\n<h3><bdi>"
            << (row.title.empty() ? fmt::format("Row {}", id) : caseText(row.title))
            << fmt::format("</bdi></h3>\n<p class=\"dim\">Row {}{}</p>\n", id,
-                          row.ticked ? ", ticked" : "");
+                          row.ticked ? ", ticked" : "")
+           << caseTags(row);
     if (!row.notes.empty())
         m_page << "<div class=\"note\">" << htmlLines(row.notes) << "</div>\n";
-    m_page << fieldsOf(row, card) << factsOf(row) << "</div>\n</article>\n";
+    m_page << fieldsOf(row, card) << factsOf(row);
+    if (const std::string target = originOf ? originOf(id) : std::string(); !target.empty())
+        m_page << fmt::format("<p><a href=\"{}\">How each value is known</a></p>\n", target);
+    m_page << "</div>\n</article>\n";
 }
 
 void CaseCardPages::beginCard() {

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <fstream>
+#include <functional>
 #include <span>
 
 namespace nv {
@@ -34,6 +35,8 @@ class CaseCardPages {
 
     CardFailures failures;
     CaseRows rows; ///< how they are read
+    /// Where the appendix tells of a row: "origins-1.htm#o17"; empty where it doesn't.
+    std::function<std::string(UrlId)> originOf;
 
   private:
     ReportCard bring(UrlId id, std::size_t place, TaskMonitor &task);

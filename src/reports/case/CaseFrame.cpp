@@ -13,9 +13,10 @@ namespace nv {
 namespace {
 
 std::string link(std::string_view target, std::string_view text, std::string_view count,
-                 bool isHere) {
-    return fmt::format("<li><a href=\"{}\"{}><span>{}</span><b>{}</b></a></li>\n", target,
-                       isHere ? " aria-current=\"page\"" : "", htmlText(text), count);
+                 bool isHere, std::string_view color = {}) {
+    return fmt::format("<li><a href=\"{}\"{}><span>{}{}</span><b>{}</b></a></li>\n", target,
+                       isHere ? " aria-current=\"page\"" : "", caseSwatch(color), htmlText(text),
+                       count);
 }
 
 std::string sectionLinks(const CaseSections &sections, CaseSection::Part part,
@@ -27,7 +28,7 @@ std::string sectionLinks(const CaseSections &sections, CaseSection::Part part,
         bool isHere = false;
         for (std::size_t number = 1; number <= section.pages() && !isHere; ++number)
             isHere = page == section.page(number);
-        links += link(section.page(1), section.title, grouped(section.rows), isHere);
+        links += link(section.page(1), section.title, grouped(section.rows), isHere, section.color);
     }
     return links.empty() ? links : fmt::format("<h2>{}</h2>\n<ul>\n{}</ul>\n", heading, links);
 }
@@ -50,7 +51,10 @@ void CaseFrame::writeHead(std::ostream &file, std::string_view page,
          << "<ul>\n"
          << link(kCaseIndex, "Overview", "", isIndex) << "</ul>\n"
          << sectionLinks(sections, CaseSection::Part::cards, "Cards", page)
-         << sectionLinks(sections, CaseSection::Part::kind, "Kinds", page) << "</nav>\n<main>\n";
+         << sectionLinks(sections, CaseSection::Part::kind, "Kinds", page)
+         << sectionLinks(sections, CaseSection::Part::tag, "Tags", page)
+         << sectionLinks(sections, CaseSection::Part::appendix, "Appendix", page)
+         << "</nav>\n<main>\n";
     if (!isIndex)
         file << "<h1>" << htmlText(heading) << "</h1>\n";
 }

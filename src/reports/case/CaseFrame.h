@@ -12,13 +12,15 @@
 
 namespace nv {
 
-/// A part of a case report that the side bar leads to: the cards of a tag, or the rows
-/// of a kind.
+/// A part of a case report that the side bar leads to: cards, the rows of a kind or of a tag, or
+/// the appendix.
 struct CaseSection {
-    enum class Part : std::uint8_t { cards, kind };
+    enum class Part : std::uint8_t { cards, kind, tag, appendix };
     Part part = Part::kind;
     std::string title;
-    std::string name; ///< of its files: "history" makes "history-1.htm", "history.csv"
+    std::string name;  ///< of its files: "history" makes "history-1.htm", "history.csv"
+    std::string color; ///< of a tag, "#rrggbb"
+    std::string note;  ///< what a tag is for, as far as the report tells it
     std::uint64_t rows = 0;
     std::size_t rowsAPage = 1;
 

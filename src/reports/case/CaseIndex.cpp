@@ -163,12 +163,21 @@ void CaseIndex::contents(std::ostream &file) {
     for (const CaseSection &section : m_frame.sections) {
         if (section.rows == 0)
             continue;
-        const bool isKind = section.part == CaseSection::Part::kind;
+        const bool hasList =
+            section.part == CaseSection::Part::kind || section.part == CaseSection::Part::tag;
+        const std::string_view before = section.part == CaseSection::Part::cards ? "Cards: "
+                                        : section.part == CaseSection::Part::tag ? "Tag: "
+                                                                                 : "";
+        const std::string note = section.note.empty()
+                                     ? std::string()
+                                     : fmt::format("<br><span class=\"dim\"><bdi>{}</bdi></span>",
+                                                   caseText(section.note));
         const std::string list =
-            isKind ? fmt::format("<a href=\"{0}\">{0}</a>", section.list()) : std::string();
+            hasList ? fmt::format("<a href=\"{0}\">{0}</a>", section.list()) : std::string();
         file << "<tr>"
-             << caseCell("Part", fmt::format("<a href=\"{}\">{}{}</a>", section.page(1),
-                                             isKind ? "" : "Cards: ", htmlText(section.title)))
+             << caseCell("Part",
+                         fmt::format("{}<a href=\"{}\">{}{}</a>{}", caseSwatch(section.color),
+                                     section.page(1), before, htmlText(section.title), note))
              << caseCell("Rows", grouped(section.rows), "num")
              << caseCell("Pages", grouped(section.pages()), "num") << caseCell("List", list)
              << "</tr>\n";

@@ -12,6 +12,8 @@
 #include "reports/SortTable.h"
 #include "reports/case/CaseCards.h"
 #include "reports/case/CaseIndex.h"
+#include "reports/case/CaseOrigins.h"
+#include "reports/case/CasePlan.h"
 #include "reports/case/CaseTables.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -31,25 +33,12 @@ namespace {
 constexpr std::string_view kProcedure = "ReportClass.CreateCaseReport()";
 constexpr std::string_view kReportDate = "dddd, mmmm dd, yyyy Hh:Mm:Ss AMPM";
 constexpr std::size_t kBatch = 32; ///< cards that are drawn together
-constexpr std::size_t kGroups = 5;
-constexpr std::array<RecordGroup, kGroups> kOrder = {RecordGroup::history, RecordGroup::cache,
-                                                     RecordGroup::cookies, RecordGroup::bookmarks,
-                                                     RecordGroup::other};
-
-/// What is known of a row before it is written: a byte each, so that of all rows only these and
-/// their keys are held.
-enum RowMark : std::uint8_t {
-    groupMask = 0x07,
-    tickedMark = 0x08,
-    leftOutMark = 0x10,
-    brokenMark = 0x20,
-};
-
 class CaseReport {
   public:
     CaseReport(ReportWriter &report, const ReportContext &ctx, const ReportFolder &folder)
         : m_report(report), m_ctx(ctx), m_folder(folder), m_redactor(report.caseOptions.redactions),
-          m_rows(ctx, m_redactor) {}
+          m_rows(ctx, m_redactor),
+          m_plan(report, onProject([&] { return CaseTagRows(ctx.rebuild.project); })) {}
 
     /// False when cancelled.
     bool make();
@@ -66,26 +55,27 @@ class CaseReport {
     bool writeIndex();
     void listFiles() const;
     bool step(std::size_t done, double from, double to);
-    bool hasCard(std::size_t place) const;
+    bool writeTags();
+    bool writeOrigins();
 
     ReportWriter &m_report;
     const ReportContext &m_ctx;
     const ReportFolder &m_folder;
     Redactor m_redactor;
     CaseRows m_rows;
+    CasePlan m_plan;
+    std::optional<CaseOrigins> m_origins;
     CaseFrame m_frame;
-    RowIds m_ids;
-    std::vector<std::uint8_t> m_marks; ///< by the places of the ids
 };
 
 bool CaseReport::make() {
     prepare();
-    m_ids = sortedRows(m_ctx.rebuild.project,
-                       m_report.sortAscending ? DateOrder::oldestFirst : DateOrder::newestFirst);
+    m_plan.ids = sortedRows(m_ctx.rebuild.project, m_report.sortAscending ? DateOrder::oldestFirst
+                                                                          : DateOrder::newestFirst);
     if (!plan())
         return false;
     nameSections();
-    if (!writeTables() || !writeCards() || !writeIndex())
+    if (!writeTables() || !writeTags() || !writeCards() || !writeOrigins() || !writeIndex())
         return false;
     listFiles();
     moveFile(m_folder.unfinished(), m_report.reportFilePath);
@@ -100,6 +90,7 @@ void CaseReport::prepare() {
     m_report.reportDate =
         formatDate(Date::fromTimePoint(m_ctx.clock.now() + m_ctx.clock.localOffset()), kReportDate);
     m_rows.withNotes = m_report.includeNotes;
+    m_rows.withTagNotes = m_report.caseOptions.tagNotes;
     m_frame.title = m_redactor.text(m_report.reportTitle.empty() ? std::string(kDefaultReportTitle)
                                                                  : m_report.reportTitle);
     m_frame.version = m_ctx.settings.version;
@@ -107,12 +98,12 @@ void CaseReport::prepare() {
 
 bool CaseReport::step(std::size_t done, double from, double to) {
     TaskMonitor &task = m_ctx.rebuild.task;
-    const std::size_t total = std::max<std::size_t>(m_ids.size(), 1);
+    const std::size_t total = std::max<std::size_t>(m_plan.ids.size(), 1);
     if (task.wantsStep()) {
         TaskStep now;
-        now.topMessage = fmt::format("Processing URLs {} of {}", done, m_ids.size());
+        now.topMessage = fmt::format("Processing URLs {} of {}", done, m_plan.ids.size());
         now.topCounter = static_cast<std::int64_t>(done);
-        now.topTotal = static_cast<std::int64_t>(m_ids.size());
+        now.topTotal = static_cast<std::int64_t>(m_plan.ids.size());
         task.show(now);
     }
     return task.advance(from +
@@ -129,6 +120,7 @@ std::uint8_t CaseReport::markOf(SQLite::Statement &row, std::int32_t id) {
                            throw std::runtime_error(fmt::format("the record {} isn't there", id));
                        int mark = static_cast<int>(groupOf(row.getColumn(0).getString()));
                        mark |= row.getColumn(1).getInt() != 0 ? tickedMark : 0;
+                       mark |= m_plan.tags.hasAny(id) ? taggedMark : 0;
                        if (m_redactor.leavesOutRows() && m_rows.isLeftOut(UrlId{id}))
                            mark |= leftOutMark;
                        return static_cast<std::uint8_t>(mark);
@@ -138,13 +130,13 @@ std::uint8_t CaseReport::markOf(SQLite::Statement &row, std::int32_t id) {
 bool CaseReport::plan() {
     SQLite::Statement row(m_ctx.rebuild.project,
                           "SELECT CacheType, Tagged FROM URLs WHERE URL_ID = ?");
-    m_marks.reserve(m_ids.size());
-    for (std::size_t at = 0; at < m_ids.size(); ++at) {
+    m_plan.marks.reserve(m_plan.ids.size());
+    for (std::size_t at = 0; at < m_plan.ids.size(); ++at) {
         if (!step(at, 0, 0.1))
             return false;
-        m_marks.push_back(markOf(row, m_ids[at]));
+        m_plan.marks.push_back(markOf(row, m_plan.ids[at]));
         row.tryReset();
-        m_redactor.counts.rowsLeftOut += (m_marks.back() & leftOutMark) != 0 ? 1 : 0;
+        m_redactor.counts.rowsLeftOut += (m_plan.marks.back() & leftOutMark) != 0 ? 1 : 0;
     }
     if (m_redactor.counts.rowsLeftOut > 0)
         dropLeftOut();
@@ -158,10 +150,10 @@ void CaseReport::dropLeftOut() {
         Savepoint whole(project);
         project.exec("DELETE FROM URLSortTable");
         SQLite::Statement add(project, "INSERT INTO URLSortTable (URL_ID) VALUES (?)");
-        for (std::size_t place = 0; place < m_ids.size(); ++place) {
-            if ((m_marks[place] & leftOutMark) != 0)
+        for (std::size_t place = 0; place < m_plan.ids.size(); ++place) {
+            if (m_plan.isLeftOut(place))
                 continue;
-            add.bind(1, m_ids[place]);
+            add.bind(1, m_plan.ids[place]);
             add.exec();
             add.reset();
         }
@@ -169,54 +161,49 @@ void CaseReport::dropLeftOut() {
     });
 }
 
-bool CaseReport::hasCard(std::size_t place) const {
-    const std::uint8_t mark = m_marks[place];
-    switch (m_report.caseOptions.cards) {
-    case CaseCards::none:
-        return false;
-    case CaseCards::all:
-        return (mark & leftOutMark) == 0;
-    case CaseCards::ticked:
-        return (mark & leftOutMark) == 0 && (mark & tickedMark) != 0;
-    }
-    return false;
+void CaseReport::nameSections() {
+    m_frame.sections = m_plan.sections(m_redactor);
+    m_origins.emplace(m_ctx, m_frame, m_frame.sections.back(), m_redactor);
+    m_origins->choose(m_plan.explained());
 }
 
-void CaseReport::nameSections() {
-    CaseSection cards;
-    cards.part = CaseSection::Part::cards;
-    const bool isTicked = m_report.caseOptions.cards == CaseCards::ticked;
-    cards.title = isTicked ? "Ticked" : "All rows";
-    cards.name = isTicked ? "ticked" : "cards";
-    cards.rowsAPage = kCaseCardsAPage;
-    for (std::size_t place = 0; place < m_marks.size(); ++place)
-        cards.rows += hasCard(place) ? 1 : 0;
-    m_frame.sections.push_back(std::move(cards));
-    for (const RecordGroup group : kOrder) {
-        CaseSection section;
-        section.title = groupWord(group);
-        section.name = toLower(section.title);
-        section.rowsAPage = kCaseRowsAPage;
-        section.rows =
-            static_cast<std::uint64_t>(std::ranges::count_if(m_marks, [group](auto mark) {
-                return (mark & groupMask) == static_cast<int>(group) && (mark & leftOutMark) == 0;
-            }));
-        m_frame.sections.push_back(std::move(section));
+bool CaseReport::writeTags() {
+    std::size_t tag = 0;
+    for (const CaseSection &section : m_frame.sections) {
+        if (section.part != CaseSection::Part::tag)
+            continue;
+        const std::size_t own = tag++;
+        if (section.rows == 0)
+            continue;
+        CaseTable table(m_frame, section, m_folder.path);
+        for (std::size_t place = 0; place < m_plan.ids.size(); ++place) {
+            if (!m_plan.isOfTag(place, own))
+                continue;
+            if (!step(place, 0.45, 0.5))
+                return false;
+            writeRow(table, place);
+        }
+        table.finish();
     }
+    return true;
+}
+
+bool CaseReport::writeOrigins() {
+    SubTask part(m_ctx.rebuild.task, 0.85, 0.9);
+    return m_origins->write(m_folder.path, part);
 }
 
 bool CaseReport::writeTables() {
     std::size_t done = 0;
-    for (std::size_t at = 0; at < kGroups; ++at) {
+    for (std::size_t at = 0; at < kCaseGroups.size(); ++at) {
         const CaseSection &section = m_frame.sections[at + 1];
         if (section.rows == 0)
             continue;
         CaseTable table(m_frame, section, m_folder.path);
-        for (std::size_t place = 0; place < m_ids.size(); ++place) {
-            const std::uint8_t mark = m_marks[place];
-            if ((mark & groupMask) != static_cast<int>(kOrder.at(at)) || (mark & leftOutMark) != 0)
+        for (std::size_t place = 0; place < m_plan.ids.size(); ++place) {
+            if (!m_plan.isOf(place, kCaseGroups.at(at)))
                 continue;
-            if (!step(done++, 0.1, 0.5))
+            if (!step(done++, 0.1, 0.45))
                 return false;
             writeRow(table, place);
         }
@@ -226,8 +213,8 @@ bool CaseReport::writeTables() {
 }
 
 void CaseReport::writeRow(CaseTable &table, std::size_t place) {
-    const UrlId id{m_ids[place]};
-    const auto row = (m_marks[place] & brokenMark) != 0
+    const UrlId id{m_plan.ids[place]};
+    const auto row = (m_plan.marks[place] & brokenMark) != 0
                          ? std::nullopt
                          : trapped(m_ctx.rebuild.log, Severity::Serious, kProcedure,
                                    kContactSupport, std::optional<CaseRow>(), [&] {
@@ -246,19 +233,21 @@ bool CaseReport::writeCards() {
         return true;
     CaseCardPages pages(m_ctx, m_folder, m_frame, section, m_redactor);
     pages.rows.withNotes = m_report.includeNotes;
+    pages.rows.withTagNotes = m_report.caseOptions.tagNotes;
+    pages.originOf = [this](UrlId id) { return m_origins->placeOf(id); };
     RowIds batch;
     batch.reserve(kBatch);
-    for (std::size_t place = 0; place <= m_ids.size(); ++place) {
-        const bool isLast = place == m_ids.size();
-        if (!isLast && hasCard(place))
-            batch.push_back(m_ids[place]);
+    for (std::size_t place = 0; place <= m_plan.ids.size(); ++place) {
+        const bool isLast = place == m_plan.ids.size();
+        if (!isLast && m_plan.hasCard(place))
+            batch.push_back(m_plan.ids[place]);
         if (batch.size() < kBatch && !isLast)
             continue;
-        const auto total = static_cast<double>(m_ids.size());
+        const auto total = static_cast<double>(m_plan.ids.size());
         SubTask part(m_ctx.rebuild.task,
-                     0.5 + 0.4 * static_cast<double>(place - batch.size()) / total,
-                     0.5 + 0.4 * static_cast<double>(place) / total);
-        if (!step(place, 0.5, 0.9) || (!batch.empty() && !pages.add(batch, part)))
+                     0.5 + 0.35 * static_cast<double>(place - batch.size()) / total,
+                     0.5 + 0.35 * static_cast<double>(place) / total);
+        if (!step(place, 0.5, 0.85) || (!batch.empty() && !pages.add(batch, part)))
             return false;
         batch.clear();
     }
@@ -270,10 +259,10 @@ bool CaseReport::writeCards() {
 
 bool CaseReport::writeIndex() {
     RowIds shown;
-    shown.reserve(m_ids.size());
-    for (std::size_t place = 0; place < m_ids.size(); ++place)
-        if ((m_marks[place] & leftOutMark) == 0)
-            shown.push_back(m_ids[place]);
+    shown.reserve(m_plan.ids.size());
+    for (std::size_t place = 0; place < m_plan.ids.size(); ++place)
+        if (!m_plan.isLeftOut(place))
+            shown.push_back(m_plan.ids[place]);
     CaseIndex index(m_report, m_ctx, m_frame, m_redactor);
     index.rows = shown.size();
     index.unread = m_report.recordsFailed;

@@ -27,13 +27,12 @@ std::string localText(const UrlRecord &record, const ReportContext &ctx) {
                              : fmt::format("{} {} {}", date.text, date.bias, date.daylight);
 }
 
-/// Hashes of a content would tell which one it was.
-bool tellsContent(std::string_view fact) {
-    return fact.starts_with("content_") || fact == "sha256" || fact == "body" ||
-           fact.starts_with("hashset_");
-}
-
 } // namespace
+
+bool tellsContent(std::string_view field) {
+    return field.starts_with("content_") || field == "sha256" || field == "body" ||
+           field.starts_with("hashset_");
+}
 
 std::string CaseRow::who() const {
     std::string text;
@@ -62,6 +61,8 @@ bool CaseRows::isLeftOut(UrlId id) {
     std::vector<std::string> facts;
     for (const RecordFact &fact : m_ctx.rebuild.records.factsOf(id))
         facts.push_back(factText(fact));
+    for (const RowTag &tag : m_tags.of(id))
+        facts.insert(facts.end(), {tag.tag.name, tag.note});
     texts.insert(texts.end(), facts.begin(), facts.end());
     return m_redactor.leavesOut(record, texts);
 }
@@ -103,6 +104,9 @@ CaseRow CaseRows::rowOf(const UrlRecord &record, RowFacts facts) {
     row.sourceOffset = std::to_string(record.MapFileOffset);
     if (withNotes)
         row.notes = text(record.Notes);
+    for (const RowTag &tag : m_tags.of(record.URLID))
+        row.tags.push_back(
+            {text(tag.tag.name), tag.tag.color, withTagNotes ? text(tag.note) : std::string()});
     if (record.CacheFileRebuilt)
         row.rebuilt = text(record.RebuiltDateTime) +
                       (isRebuiltExactly(record) ? " (exact method)" : " (classic method)");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "db/RecordTags.h"
 #include "readers/RecordKind.h"
 #include "reports/ReportContext.h"
 #include "reports/case/Redactor.h"
@@ -10,6 +11,13 @@
 #include <vector>
 
 namespace nv {
+
+/// A tag of a row, free of what is redacted.
+struct CaseTag {
+    std::string name;
+    std::string color; ///< "#rrggbb"
+    std::string note;  ///< why the row has it; empty where notes of tags aren't told
+};
 
 /// A record as a case report shows it. All texts are free of what is redacted; "[redacted]" stands
 /// for it.
@@ -37,6 +45,7 @@ struct CaseRow {
     std::string cacheFile;
     std::string rebuilt; ///< when, and by which method
     std::string notes;
+    std::vector<CaseTag> tags;
     std::vector<std::pair<std::string, std::string>> facts; ///< of cards only
 
     /// "Chromium, Default, mara".
@@ -49,9 +58,11 @@ enum class RowFacts : std::uint8_t { without, with };
 class CaseRows {
   public:
     /// Both must outlive it.
-    CaseRows(const ReportContext &ctx, Redactor &redactor) : m_ctx(ctx), m_redactor(redactor) {}
+    CaseRows(const ReportContext &ctx, Redactor &redactor)
+        : m_ctx(ctx), m_redactor(redactor), m_tags(ctx.rebuild.project) {}
 
-    bool withNotes = true; ///< those of the examiner
+    bool withNotes = true;    ///< those of the examiner
+    bool withTagNotes = true; ///< those of rows' tags
 
     /// Whether the row is one of those that are left out. Throws for a row that can't be read.
     bool isLeftOut(UrlId id);
@@ -65,6 +76,10 @@ class CaseRows {
 
     const ReportContext &m_ctx;
     Redactor &m_redactor;
+    RowTagReader m_tags;
 };
+
+/// Hashes of a content would tell which one it was: of names of facts and columns.
+bool tellsContent(std::string_view field);
 
 } // namespace nv

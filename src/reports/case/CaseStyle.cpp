@@ -26,7 +26,7 @@ nav a{display:flex;justify-content:space-between;gap:.5rem;padding:.25rem .5rem;
 overflow-wrap:anywhere}
 nav a:hover,nav a:focus-visible{background:var(--line)}
 nav a[aria-current]{background:var(--strong);color:var(--ground)}
-nav b{font-weight:normal;color:inherit;opacity:.75;font-variant-numeric:tabular-nums}
+nav b{flex:none;font-weight:normal;color:inherit;opacity:.75;font-variant-numeric:tabular-nums}
 main{padding:1.2rem 1.6rem;min-width:0}
 h1{font-size:1.6rem;line-height:1.2;margin:.2rem 0 .6rem;overflow-wrap:anywhere}
 h2{font-size:1.15rem;margin:1.8rem 0 .5rem;border-bottom:1px solid var(--line);padding-bottom:.2rem}
@@ -75,6 +75,13 @@ svg text{fill:var(--dim);font-size:11px}
 .heat{fill:#2f6fb5}
 .key{display:inline-block;margin-right:1rem;white-space:nowrap}
 .key svg{display:inline-block;width:.8em;height:.8em;margin-right:.35em;vertical-align:baseline}
+.dot{display:inline-block;width:.7em;height:.7em;margin-right:.4em;vertical-align:baseline}
+.tags{list-style:none;margin:.3rem 0;padding:0;display:flex;flex-wrap:wrap;gap:.2rem .8rem}
+.tags li{overflow-wrap:anywhere}
+.origin{table-layout:auto;min-width:56rem}
+.origin th{position:static}
+.origin td:first-child{min-width:10.5rem}
+.wide{overflow-x:auto}
 footer{margin-top:2rem;color:var(--dim);font-size:12px;border-top:1px solid var(--line);padding-top:.5rem}
 @media(max-width:760px){
 body{display:block}
@@ -86,6 +93,7 @@ dl{grid-template-columns:minmax(0,1fr);gap:0}
 dd{margin-bottom:.4rem}
 .card{grid-template-columns:minmax(0,1fr)}
 .time>svg{min-width:46rem}
+.origin,.origin td:first-child{min-width:0}
 .logo{float:none;display:block;margin:0 0 .6rem}
 thead{display:none}
 table,tbody,tr,td{display:block;width:auto}

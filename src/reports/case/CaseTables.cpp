@@ -28,16 +28,25 @@ constexpr std::string_view kHeadings =
     "<th class=\"w5\" scope=\"col\">Whose</th><th class=\"w6\" scope=\"col\">Visits</th></tr>"
     "</thead>\n<tbody>\n";
 
-constexpr std::array<std::string_view, 22> kColumns = {
+constexpr std::array<std::string_view, 24> kColumns = {
     "id",      "ticked",      "date_utc",      "date_local", "kind",    "group",
     "action",  "url",         "host",          "title",      "browser", "profile",
     "person",  "user",        "visits",        "referrer",   "status",  "cache_file",
-    "rebuilt", "source_file", "source_offset", "notes"};
+    "rebuilt", "source_file", "source_offset", "notes",      "tags",    "tag_notes"};
 
 /// A list is opened in a spreadsheet by a click: none of its cells may be a formula there.
 std::string cellOf(std::string_view value) {
     std::string text = decodeText(value);
     return looksLikeFormula(text) ? "'" + text : text;
+}
+
+/// Of tags without a note nothing stands among the notes.
+std::string tagsIn(const CaseRow &row, std::string CaseTag::*part) {
+    std::string text;
+    for (const CaseTag &tag : row.tags)
+        if (!(tag.*part).empty())
+            text += (text.empty() ? "" : ", ") + tag.*part;
+    return text;
 }
 
 std::string listLine(const CaseRow &row) {
@@ -62,7 +71,9 @@ std::string listLine(const CaseRow &row) {
                                                             cellOf(row.rebuilt),
                                                             cellOf(row.source),
                                                             row.sourceOffset,
-                                                            cellOf(row.notes)};
+                                                            cellOf(row.notes),
+                                                            cellOf(tagsIn(row, &CaseTag::name)),
+                                                            cellOf(tagsIn(row, &CaseTag::note))};
     return csvLine(cells);
 }
 
@@ -71,12 +82,25 @@ std::string whatOf(const CaseRow &row) {
     if (!row.title.empty())
         what = fmt::format("<bdi>{}</bdi><br>", caseText(row.title));
     what += caseAddress(row.address);
+    what += caseTags(row);
     if (!row.notes.empty())
         what += fmt::format("<br><i>{}</i>", caseText(row.notes));
     return what;
 }
 
 } // namespace
+
+std::string caseTags(const CaseRow &row) {
+    std::string text;
+    for (const CaseTag &tag : row.tags)
+        text +=
+            fmt::format("<li>{}<bdi>{}</bdi>{}</li>\n", caseSwatch(tag.color), caseText(tag.name),
+                        tag.note.empty() ? std::string()
+                                         : fmt::format(" <span class=\"dim\"><bdi>{}</bdi>"
+                                                       "</span>",
+                                                       caseText(tag.note)));
+    return text.empty() ? text : fmt::format("<ul class=\"tags\">\n{}</ul>\n", text);
+}
 
 void checkWritten(std::ostream &file, const fs::path &path) {
     errno = 0;

@@ -39,6 +39,9 @@ class CaseTable {
     std::size_t m_rows = 0;   ///< of that page
 };
 
+/// The tags of a row with their colours and notes, as HTML; empty without any.
+std::string caseTags(const CaseRow &row);
+
 /// Throws StorageFailure when a file didn't take what was written.
 void checkWritten(std::ostream &file, const std::filesystem::path &path);
 

@@ -44,6 +44,14 @@ std::string caseSize(std::int64_t bytes) {
     return fmt::format("{:.1f} {}", size, kUnits.at(unit));
 }
 
+std::string caseSwatch(std::string_view color) {
+    return color.empty() ? std::string()
+                         : fmt::format("<svg class=\"dot\" viewBox=\"0 0 10 10\" "
+                                       "aria-hidden=\"true\"><circle cx=\"5\" cy=\"5\" r=\"4.5\" "
+                                       "fill=\"{}\"/></svg>",
+                                       htmlText(color));
+}
+
 std::string caseField(std::string_view name, std::string_view value) {
     return value.empty() ? std::string()
                          : fmt::format("<dt>{}</dt><dd>{}</dd>\n", htmlText(name), value);

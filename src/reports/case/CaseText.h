@@ -20,6 +20,10 @@ std::string caseAddress(std::string_view address);
 /// "12.3 MB".
 std::string caseSize(std::int64_t bytes);
 
+/// A dot in the colour of a tag, "#rrggbb"; empty without one. Styles of a page's own elements
+/// aren't allowed, so it is drawn.
+std::string caseSwatch(std::string_view color);
+
 /// A line of a list of names and values; `value` is HTML. Empty for an empty value.
 std::string caseField(std::string_view name, std::string_view value);
 /// A cell; `heading` is shown before it where the table is too narrow for columns.

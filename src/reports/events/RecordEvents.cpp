@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "readers/RecordKind.h"
+#include "reports/events/FileDates.h"
 
 #include <fmt/format.h>
 
@@ -163,6 +164,22 @@ std::string actionMeaning(ExportCells &cells, std::size_t place, const RecordKin
     return action;
 }
 
+/// Nobody must take a date of the evidence's own files for one that a browser kept. What a browser
+/// kept of an access is the action's date once more.
+void addFileDates(Events &events, ExportCells &cells, std::size_t place) {
+    const std::string kind = textAt(cells, place, C::CacheType);
+    const auto add = [&](UrlColumn column, FileDateFrom from, std::string meaning) {
+        if (from == FileDateFrom::container)
+            return;
+        if (from == FileDateFrom::cachedFile)
+            meaning += " (by the file system of the evidence)";
+        events.addColumn(cells, place, column, std::move(meaning));
+    };
+    add(C::FileCreated, createdDateFrom(kind), "Cache File Created");
+    if (accessedDateFrom(kind) != FileDateFrom::record)
+        add(C::FileLastAccessed, accessedDateFrom(kind), "Cache File Last Accessed");
+}
+
 } // namespace
 
 std::span<const UrlColumn> eventColumns() {
@@ -178,8 +195,7 @@ std::vector<RecordEvent> eventsOf(ExportCells &cells, std::size_t place, const F
                                                                  : EventMark::accessed);
     const std::string other = textAt(cells, place, C::DateOtherMeaning);
     events.addColumn(cells, place, C::DateOther, other.empty() ? "Other Date" : other);
-    events.addColumn(cells, place, C::FileCreated, "Cache File Created");
-    events.addColumn(cells, place, C::FileLastAccessed, "Cache File Last Accessed");
+    addFileDates(events, cells, place);
     events.addColumn(cells, place, C::ExpiryDate, "Expires");
     for (const RecordFact &fact : facts) {
         const auto known = std::ranges::find_if(

@@ -21,6 +21,7 @@ CaseReportBox::CaseReportBox(QWidget *parent) : QWidget(parent) {
         tr("Rows that have a card with their picture or page. All rows stand in the "
            "tables."));
     m_cards->addItem(tr("Cards of ticked rows"), static_cast<int>(CaseCards::ticked));
+    m_cards->addItem(tr("Cards of tagged rows"), static_cast<int>(CaseCards::tagged));
     m_cards->addItem(tr("Cards of all rows"), static_cast<int>(CaseCards::all));
     m_cards->addItem(tr("No cards"), static_cast<int>(CaseCards::none));
     m_timeline = new QCheckBox(tr("Ti&meline"));
@@ -29,13 +30,16 @@ CaseReportBox::CaseReportBox(QWidget *parent) : QWidget(parent) {
     m_evidence = new QCheckBox(tr("&Evidence"));
     m_evidence->setObjectName(QStringLiteral("chkEvidence"));
     m_evidence->setToolTip(tr("The files of evidence with their hashes"));
+    m_tagNotes = new QCheckBox(tr("Ta&g notes"));
+    m_tagNotes->setObjectName(QStringLiteral("chkTagNotes"));
+    m_tagNotes->setToolTip(tr("What was noted of tags, and of the rows that have them"));
     m_redact = new QPushButton;
     m_redact->setObjectName(QStringLiteral("btnRedact"));
     m_redact->setAutoDefault(false);
     m_redact->setToolTip(tr("Hosts, people, words and pictures that aren't handed over"));
     connect(m_redact, &QPushButton::clicked, this, &CaseReportBox::chooseRedactions);
     for (QWidget *widget :
-         std::initializer_list<QWidget *>{m_cards, m_timeline, m_evidence, m_redact})
+         std::initializer_list<QWidget *>{m_cards, m_timeline, m_evidence, m_tagNotes, m_redact})
         row->addWidget(widget);
     row->addStretch(1);
     countRedactions();
@@ -46,6 +50,7 @@ void CaseReportBox::show(const CaseOptions &options) {
     m_cards->setCurrentIndex(std::max(0, m_cards->findData(static_cast<int>(options.cards))));
     m_timeline->setChecked(options.timeline);
     m_evidence->setChecked(options.evidence);
+    m_tagNotes->setChecked(options.tagNotes);
     countRedactions();
 }
 
@@ -54,6 +59,7 @@ void CaseReportBox::apply(CaseOptions &options) const {
     options.cards = static_cast<CaseCards>(m_cards->currentData().toInt());
     options.timeline = m_timeline->isChecked();
     options.evidence = m_evidence->isChecked();
+    options.tagNotes = m_tagNotes->isChecked();
 }
 
 void CaseReportBox::chooseRedactions() {

@@ -28,6 +28,7 @@ class CaseReportBox final : public QWidget {
     QComboBox *m_cards = nullptr;
     QCheckBox *m_timeline = nullptr;
     QCheckBox *m_evidence = nullptr;
+    QCheckBox *m_tagNotes = nullptr;
     QPushButton *m_redact = nullptr;
 };
 

@@ -202,8 +202,8 @@ void ReportForm::explain() {
     m_user->setToolTip(tr("A column with the user"));
     m_header->setToolTip(tr("Only the title, the date and the time zone stand above the rows"));
     m_trail->setToolTip(tr("What was done with the project, when and by which version"));
-    m_origins->setToolTip(tr("Where each value of the rows with the tick comes from; the evidence "
-                             "is read again"));
+    m_origins->setToolTip(tr("Where each value of the rows with the tick comes from, of a case "
+                             "report also of those with a tag; the evidence is read again"));
     m_width->setToolTip(tr("Of a tabular report; longer addresses go on in the next line"));
 }
 
@@ -288,7 +288,6 @@ void ReportForm::followType() {
     for (QWidget *widget : {m_audit, m_links, m_timeRebuilt, m_useThumbnail})
         widget->setEnabled(!tabular && !ofCase);
     m_notes->setEnabled(!tabular);
-    m_origins->setEnabled(!ofCase); // values as they lie, which nobody redacts
     for (QWidget *widget : std::initializer_list<QWidget *>{m_dataSource, m_user, m_width})
         widget->setEnabled(!graphical && !ofCase);
     m_contents->setCurrentIndex(ofCase ? 1 : 0);

@@ -194,9 +194,12 @@ void ViewersPart::showSource(UrlId id) {
     const auto source = sourceOfRecord(*record);
     if (!source)
         return m_hex->showMissing(sentence(missingSource(*record)));
-    state().viewer.hexFilePath = textOf(source->file);
-    m_hex->showFile(source->file, source->offset);
-    if (m_named && m_named->id == id && std::exchange(m_named->isWanted, false))
+    const bool isNamed = m_named && m_named->id == id && std::exchange(m_named->isWanted, false);
+    // A value of a cache may lie in a file beside the one that the record is shown by.
+    const auto &file = isNamed && !m_named->file.empty() ? m_named->file : source->file;
+    state().viewer.hexFilePath = textOf(file);
+    m_hex->showFile(file, isNamed ? m_named->offset : source->offset);
+    if (isNamed)
         m_hex->mark(m_named->offset, m_named->length);
 }
 
@@ -232,7 +235,7 @@ void ViewersPart::explain(const QString &field) {
         std::erase_if(told, [](const auto &line) { return line.first == "Value"; });
         add(told);
         if (value.offset)
-            m_named = NamedBytes{*id, *value.offset, value.length};
+            m_named = NamedBytes{*id, value.file, *value.offset, value.length};
     }
     if (origin->values.empty())
         lines += tr("This row isn't kept in the project: it is read out of the picture each time.");

@@ -53,6 +53,7 @@ class ViewersPart final : public QObject {
     /// The bytes that the last answer to "Why?" named, and whether they are to be marked next.
     struct NamedBytes {
         UrlId id = UrlId::none;
+        std::filesystem::path file; ///< empty: the one that the Hex pane shows for the record
         std::uint64_t offset = 0;
         std::uint64_t length = 0;
         bool isWanted = false;

@@ -21,6 +21,8 @@ class Database;
 
 namespace nv {
 
+class RecordStore;
+
 /// What the evidence says today of a value that was read from it.
 enum class OriginCheck {
     same,     ///< it was read again, and gives the value
@@ -41,6 +43,7 @@ struct ValueOrigin {
     std::string place; ///< "table visits, row 17, column visit_time"; may be empty
     std::optional<std::uint64_t> offset; ///< of its bytes in the source file, where they are known
     std::uint64_t length = 0;            ///< of them
+    std::filesystem::path file;          ///< that holds them, where it isn't the source file
     std::string stored;                  ///< the number, text or bytes as they lie; may be empty
     std::string rule;                    ///< the clock or rule that made the value
     std::string zone; ///< of a date: the zone it is in, and the one it was read in
@@ -50,24 +53,33 @@ struct ValueOrigin {
 /// Whether the source file is the one that was imported. Hashes decide.
 enum class SourceNow { same, changed, gone, unhashed };
 
+/// A file beside the source file in which values of a record lie.
+struct FurtherFile {
+    std::string name;
+    std::string sha256; ///< today; empty when it can't be read
+};
+
 /// Where a record comes from, value by value.
 struct RecordOrigin {
     std::int64_t id = 0;
     std::string kind;
     std::string version;       ///< by which the format was read
     std::string file;          ///< as the project names it
+    bool isOfFolder = false;   ///< sizes and hashes are of a folder that the file lies in, or is
     std::int64_t fileSize = 0; ///< bytes, at the import
     std::string md5;           ///< then; both may be empty
     std::string sha256;
     SourceNow state = SourceNow::unhashed;
-    std::string fileNote; ///< what the state means
-    std::string page;     ///< "docs/formats/chrome-history.md"; empty for an unknown kind
+    std::string fileNote;             ///< what the state means
+    std::vector<FurtherFile> further; ///< files that hold values, and aren't `file`
+    std::string page; ///< "docs/formats/chrome-history.md"; empty for an unknown kind
     std::vector<ValueOrigin> values;
 };
 
 /// What explaining goes by; all must outlive the call.
 struct ExplainSource {
     SQLite::Database &project;
+    RecordStore &records; ///< of the project
     const Evidence &evidence;
     std::filesystem::path scratch; ///< an existing folder of the program's own
     const TimeZone &zone;
@@ -98,6 +110,7 @@ class Explainer {
     };
     const Hashed &hashed(const std::filesystem::path &file);
     void setState(const std::optional<std::filesystem::path> &file, RecordOrigin &origin);
+    void addFurther(const std::filesystem::path &file, RecordOrigin &origin);
 
     ExplainSource m_source;
     std::map<std::filesystem::path, Hashed> m_hashed;

@@ -11,7 +11,7 @@ namespace {
 
 using enum OriginCheck;
 
-constexpr std::array<MadeBy, 45> kMade = {{
+constexpr std::array<MadeBy, 53> kMade = {{
     {"URL_ID", derived, "number of the row in the project, counted from 1"},
     {"SourceFile_ID", derived, "number of the source file's row in the project"},
     {"ActionDateLocal", derived, "ActionDateUTC, moved to the project's zone"},
@@ -55,6 +55,14 @@ constexpr std::array<MadeBy, 45> kMade = {{
     {"Tagged", examiner, "the examiner's tick"},
     {"Notes", examiner, "the examiner's note"},
     {"NotesDateTime", examiner, "when the note was last changed"},
+    {"CacheFileRebuilt", derived, "whether this program has rebuilt the page"},
+    {"ThumbnailDirty", derived, "whether the thumbnail has to be drawn again"},
+    {"GZipEncoded", derived, "by the content's headers and first bytes"},
+    {"content_coding", derived, "by the content's headers and first bytes"},
+    {"recovered_from", derived, "how this program found the record"},
+    {"classic_rule", derived, "why the rules of the first version pass over the record"},
+    {"body", derived, "what this program found where the content should be"},
+    {"content_sha1", derived, "SHA-1 of the cached content, unpacked, at the import"},
     {"content_md5", derived, "MD5 of the cached content, unpacked, at the import"},
     {"content_sha256", derived, "SHA-256 of the cached content, unpacked, at the import"},
 }};

@@ -16,7 +16,6 @@ namespace nv {
 namespace {
 
 constexpr std::string_view kProcedure = "MainForm.Explain()";
-constexpr std::uint64_t kMostText = 4096; // bytes of a text that are shown
 constexpr std::size_t kMostBlob = 64;
 
 std::string hexOf(const ByteView &bytes) {
@@ -55,12 +54,7 @@ SourceValues::SourceValues(EvidenceTables &tables, FailureLog &log, std::filesys
 
 SourceValue SourceValues::read(const FieldRule &rule) {
     SourceValue value;
-    const auto failure = failureOf(m_log, kProcedure, [&] {
-        if (rule.column.empty())
-            readBytes(rule, value);
-        else
-            readCell(rule, value);
-    });
+    const auto failure = failureOf(m_log, kProcedure, [&] { readCell(rule, value); });
     if (failure)
         value.whyNot = *failure;
     return value;
@@ -100,65 +94,6 @@ void SourceValues::readCell(const FieldRule &rule, SourceValue &value) {
     } else {
         value.stored = value.text = decodeText(cell.getString());
     }
-}
-
-void SourceValues::readBytes(const FieldRule &rule, SourceValue &value) const {
-    if (!m_place.offset) {
-        value.whyNot = "the project doesn't say where in the file the record lies";
-        return;
-    }
-    constexpr std::uint64_t kMark = 4;
-    constexpr std::array<std::string_view, 3> kMarks = {"URL ", "LEAK", "FILE"};
-    const FileReader file(m_file);
-    const Bytes mark = file.read(*m_place.offset, kMark);
-    if (std::ranges::find(kMarks, ByteView(mark).raw()) == kMarks.end()) {
-        value.whyNot = fmt::format("no record with dates begins at byte {}", *m_place.offset);
-        return;
-    }
-    const std::uint64_t at = *m_place.offset + static_cast<std::uint64_t>(rule.offset);
-    const std::uint64_t size = rule.size == 0 ? kMostText : static_cast<std::uint64_t>(rule.size);
-    Bytes bytes = file.read(at, size);
-    value.offset = at;
-    if (rule.size == 0) {
-        const std::string_view whole = ByteView(bytes).raw();
-        value.length = std::min(whole.find('\0'), whole.size());
-        value.stored = value.text = fromAnsi(whole.substr(0, value.length));
-    } else if (bytes.size() < size) {
-        value.whyNot = "the file ends before";
-    } else {
-        value.length = size;
-        value.stored = hexOf(ByteView(bytes));
-        constexpr std::uint64_t kWord = 4;
-        value.number = size == kWord ? std::int64_t{ByteView(bytes).i32le(0)}
-                                     : static_cast<std::int64_t>(ByteView(bytes).u64le(0));
-        value.stored += fmt::format(" = {}", *value.number);
-    }
-    value.place =
-        fmt::format("bytes {} to {}", at, at + std::max<std::uint64_t>(value.length, 1) - 1);
-}
-
-Date dateOf(SourceForm form, std::int64_t number) {
-    constexpr std::int64_t kLongNumber = 100'000'000'000; // more than seconds of any year to come
-    if (number == 0)
-        return {};
-    switch (form) {
-    case SourceForm::chromeTime:
-        return chromeTimeToDate(number);
-    case SourceForm::chromeOrUnixTime:
-        return number > kLongNumber * 100 ? chromeTimeToDate(number)
-                                          : Date::fromUnixSeconds(number);
-    case SourceForm::unixSeconds:
-        return Date::fromUnixSeconds(number > kLongNumber ? number / 1000 : number);
-    case SourceForm::unixMicroseconds:
-        return Date::fromUnixMicroseconds(number);
-    case SourceForm::fileTime:
-    case SourceForm::fileTimeLocal:
-        return fileTimeToUtc(static_cast<std::uint64_t>(number));
-    case SourceForm::text:
-    case SourceForm::number:
-        break;
-    }
-    return {};
 }
 
 } // namespace nv

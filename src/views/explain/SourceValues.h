@@ -63,15 +63,11 @@ class SourceValues {
 
   private:
     void readCell(const FieldRule &rule, SourceValue &value);
-    void readBytes(const FieldRule &rule, SourceValue &value) const;
 
     EvidenceTables &m_tables;
     FailureLog &m_log;
     std::filesystem::path m_file;
     RecordPlace m_place;
 };
-
-/// The date that the number is by its form; nothing for what is no date.
-Date dateOf(SourceForm form, std::int64_t number);
 
 } // namespace nv

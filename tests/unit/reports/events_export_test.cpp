@@ -96,6 +96,30 @@ TEST_F(EventsExportTest, eachDateOfARecordIsAnEventOfItsOwn) {
     EXPECT_THAT(notesOf(job), ElementsAre(HasSubstr("4 events"), HasSubstr("1 rows have no date")));
 }
 
+/// A copy of a history was made when the evidence was taken: no visit was.
+TEST_F(EventsExportTest, datesOfTheEvidencesOwnFilesAreNoEventsOfABrowser) {
+    const double copied = test::daysOf({2026, 1, 2, 3, 4, 5});
+    const double used = test::daysOf({2026, 1, 2, 3, 4, 6});
+    for (const char *kind : {"Chrome History", "Firefox Cookies", "Safari Cache", "Opera Cache",
+                             "IE History", "Chrome Cache"})
+        project.add({{"URL", std::string("http://") + kind},
+                     {"CacheType", kind},
+                     {"CacheFileCreated", copied},
+                     {"CacheFileLastAccessed", used}});
+    table.loadURLs(nobody);
+    table.sortBy(UrlColumn::Id, SortDirection::Ascending, nobody);
+    std::vector<std::string> told;
+    for (const auto &event : events())
+        if (event.at("datetime").get<std::string>().starts_with("2026"))
+            told.push_back(event.at("source_long").get<std::string>() + ": " +
+                           event.at("timestamp_desc").get<std::string>());
+    EXPECT_THAT(told,
+                ElementsAre("Opera Cache: Cache File Created (by the file system of the evidence)",
+                            "Opera Cache: Cache File Last Accessed (by the file system of the "
+                            "evidence)",
+                            "IE History: Cache File Created"));
+}
+
 /// What the program checks of an upload: the fields that it asks for are there and filled, the time
 /// is one, both forms of it agree, and a field keeps its type.
 TEST_F(EventsExportTest, linesHoldTheRulesOfAnUpload) {

@@ -1,3 +1,5 @@
+#include "base/Base64.h"
+#include "reports/case/CodedText.h"
 #include "reports/case/Redactor.h"
 
 #include <gmock/gmock.h>
@@ -111,6 +113,32 @@ TEST(RedactionTest, rowsAreLeftOutByHostPersonAndValue) {
     EXPECT_FALSE(Redactor({blur("host=tide.example")}).leavesOut(record, {}));
     record.host.clear();
     EXPECT_TRUE(isOut("host=tide.example"));
+}
+
+TEST(RedactionTest, codedBytesAreFoundWhereverTheyBegin) {
+    const auto isFound = [](const std::string &text) {
+        for (const std::string &bytes : codedBytes(text))
+            if (bytes.find("tide.example") != std::string::npos)
+                return true;
+        return false;
+    };
+    EXPECT_TRUE(isFound("746964652E6578616D706C65 = text"));
+    EXPECT_TRUE(isFound("at 0746964652e6578616d706c65"));
+    for (const char *before : {"", "x", "xy", "xyz"})
+        for (const char *behind : {"", "1", "12"}) {
+            const std::string padded = std::string(before) + "tide.example" + behind;
+            const std::string code = base64(viewOf(padded));
+            EXPECT_TRUE(isFound("q=" + code)) << code;
+            EXPECT_TRUE(isFound("/ab" + code)) << code; // letters of the code in front
+        }
+    EXPECT_FALSE(isFound("tide"));
+    EXPECT_TRUE(codedBytes("a.b, c!").empty());
+}
+
+/// Runs of any length cost what they are long.
+TEST(RedactionTest, longRunsOfCodesAreReadOnce) {
+    const auto found = codedBytes(std::string(2'000'000, 'a'));
+    EXPECT_EQ(found.size(), 6U);
 }
 
 } // namespace

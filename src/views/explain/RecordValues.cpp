@@ -1,0 +1,298 @@
+#include "views/explain/RecordValues.h"
+
+#include "base/Text.h"
+#include "db/BindId.h"
+#include "db/RecordFacts.h"
+#include "time/ExactZone.h"
+#include "views/explain/LocatedFields.h"
+#include "views/explain/MadeBy.h"
+#include "views/explain/SourceValues.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace nv {
+
+namespace {
+
+const RecordFact *factNamed(const FactList &facts, std::string_view name) {
+    const auto found = std::ranges::find(facts, name, &RecordFact::name);
+    return found == facts.end() ? nullptr : &*found;
+}
+
+std::optional<std::int64_t> numberOf(const FactList &facts, std::string_view name) {
+    const RecordFact *fact = factNamed(facts, name);
+    const auto *number = fact ? std::get_if<std::int64_t>(&fact->value) : nullptr;
+    return number ? std::optional(*number) : std::nullopt;
+}
+
+RecordPlace placeOf(const StoredRecord &stored, const KindRules *rules) {
+    RecordPlace place;
+    const RecordFact *table = factNamed(stored.facts, "source_table");
+    place.rowId = numberOf(stored.facts, "source_rowid");
+    if (table)
+        place.table = factText(table->value);
+    // Rows of the classic rules alone have no facts.
+    if (!table && rules && !rules->table.empty() && stored.reference > 0) {
+        place.table = rules->table;
+        place.rowId = stored.reference;
+    }
+    const auto offset = numberOf(stored.facts, "source_offset");
+    if (const std::int64_t at = offset.value_or(stored.offset); at > 0)
+        place.offset = static_cast<std::uint64_t>(at);
+    return place;
+}
+
+bool isDateForm(SourceForm form) {
+    return form != SourceForm::text && form != SourceForm::number;
+}
+
+} // namespace
+
+std::optional<StoredRecord> storedRecordOf(SQLite::Database &project, UrlId id) {
+    SQLite::Statement row(project,
+                          "SELECT CacheType, HistoryVersion, HistoryFilePath, RootPath, "
+                          "URLRawValue, SourceFile_ID, Reference_ID, MapFileOffset FROM URLs "
+                          "WHERE URL_ID = ?");
+    bindId(row, 1, id);
+    if (!row.executeStep())
+        return std::nullopt;
+    StoredRecord stored{
+        row.getColumn(0).getString(), row.getColumn(1).getString(), row.getColumn(2).getString(),
+        row.getColumn(3).getString(), row.getColumn(4).getString(), row.getColumn(5).getInt64(),
+        row.getColumn(6).getInt64(),  row.getColumn(7).getInt64(),  {}};
+    stored.facts = RecordFacts(project).of(id);
+    return stored;
+}
+
+class RecordValues::Reading {
+  public:
+    Reading(const ExplainSource &source, EvidenceTables &tables, UrlId id,
+            const StoredRecord &stored, const std::optional<std::filesystem::path> &file)
+        : m_source(source), m_id(id), m_stored(stored), m_rules(rulesOf(stored.kind)),
+          m_place(placeOf(stored, m_rules)) {
+        if (!file)
+            return;
+        m_values.emplace(tables, source.log, *file, m_place);
+        m_located.emplace(source, tables, id, *file);
+    }
+
+    ValueOrigin of(const Property &property) {
+        ValueOrigin value;
+        value.field = property.name;
+        value.value = property.value;
+        if (const FieldPlace *place = m_located ? m_located->of(property.name) : nullptr) {
+            setLocated(*place, value);
+            return value;
+        }
+        const MadeBy *made = madeBy(property.name);
+        const FieldRule *rule = m_rules ? fieldRule(*m_rules, property.name) : nullptr;
+        const bool isElsewhere = rule && !m_rules->table.empty() && m_rules->table != m_place.table;
+        if (made) {
+            value.check = made->check;
+            value.rule = made->rule;
+        } else if (rule && !isElsewhere) {
+            value.rule = wordsOf(rule->form);
+            read(*rule, value);
+        } else {
+            unknown(value);
+        }
+        setZone(value, rule ? rule->form : SourceForm::text);
+        return value;
+    }
+
+  private:
+    void setLocated(const FieldPlace &place, ValueOrigin &value) const {
+        m_located->describe(place, value);
+        if (place.state == FieldPlace::State::found) {
+            const auto agreed = agreesAsMade(place, value);
+            value.check = !agreed   ? OriginCheck::unread
+                          : *agreed ? OriginCheck::same
+                                    : OriginCheck::differs;
+        }
+        const bool isDate = std::holds_alternative<Date>(place.made);
+        setZone(value, isDateForm(place.form) ? place.form
+                       : isDate               ? SourceForm::unixSeconds
+                                              : SourceForm::text);
+    }
+
+    /// Nothing where the two can't be compared.
+    std::optional<bool> agreesAsMade(const FieldPlace &place, ValueOrigin &value) const {
+        const RecordFact *fact = factNamed(m_stored.facts, value.field);
+        if (const auto *date = std::get_if<Date>(&place.made))
+            return agreesAsDate(place.form, *date, fact, value);
+        std::string kept = fact ? factText(fact->value) : columnText(value.field);
+        if (const auto *text = std::get_if<std::string>(&place.made))
+            return *text == kept;
+        if (kept.ends_with(".0")) // some columns of whole numbers hold them with a fraction
+            kept.resize(kept.size() - 2);
+        if (const auto *number = std::get_if<std::int64_t>(&place.made))
+            return std::to_string(*number) == kept ||
+                   (place.length == 4 &&
+                    std::to_string(static_cast<std::int32_t>(*number)) == kept);
+        value.note = "the bytes were read again; how the value is made of them is in the page of "
+                     "the format";
+        return std::nullopt;
+    }
+
+    void unknown(ValueOrigin &value) const {
+        if (const std::size_t part = value.field.find(" > "); part != std::string::npos) {
+            value.check = OriginCheck::derived;
+            value.rule = fmt::format("part of {}, decoded by the rule in brackets",
+                                     value.field.substr(0, part));
+            return;
+        }
+        if (m_located && !m_located->failure().empty()) {
+            value.check = OriginCheck::unread;
+            value.note = m_located->failure();
+            return;
+        }
+        value.check = OriginCheck::notKept;
+        value.note = "which part of the record gave it isn't kept; the page of the format tells";
+        if (m_place.rowId && !m_place.table.empty())
+            value.place = fmt::format("table {}, row {}", m_place.table, *m_place.rowId);
+        else if (m_place.offset) {
+            value.place = fmt::format("in the record that begins at byte {}", *m_place.offset);
+            value.offset = m_place.offset;
+        }
+    }
+
+    void read(const FieldRule &rule, ValueOrigin &value) {
+        if (!m_values) {
+            value.check = OriginCheck::unread;
+            value.place = rule.column.empty() ? "" : fmt::format("column {}", rule.column);
+            value.note = "the source file isn't there";
+            return;
+        }
+        SourceValue found = m_values->read(rule);
+        value.place = std::move(found.place);
+        value.offset = found.offset;
+        value.length = found.length;
+        value.stored = found.stored;
+        value.note = found.whyNot;
+        const auto agreed = found.whyNot.empty() ? agrees(rule, found, value) : std::nullopt;
+        value.check = !agreed   ? OriginCheck::unread
+                      : *agreed ? OriginCheck::same
+                                : OriginCheck::differs;
+    }
+
+    /// Nothing where the two can't be compared.
+    std::optional<bool> agrees(const FieldRule &rule, const SourceValue &found,
+                               ValueOrigin &value) const {
+        const RecordFact *fact = factNamed(m_stored.facts, value.field);
+        if (isDateForm(rule.form))
+            return found.number &&
+                   agreesAsDate(rule.form, dateOf(rule.form, *found.number), fact, value);
+        if (rule.form == SourceForm::number) {
+            const std::string kept =
+                fact ? factText(std::holds_alternative<std::monostate>(fact->raw) ? fact->value
+                                                                                  : fact->raw)
+                     : columnText(value.field);
+            return agreesAsNumber(found, kept, value);
+        }
+        return agreesAsText(found.text, fact ? factText(fact->value) : columnText(value.field),
+                            value);
+    }
+
+    bool agreesAsDate(SourceForm form, Date made, const RecordFact *fact,
+                      ValueOrigin &value) const {
+        if (fact)
+            return !isoUtc(made).empty() &&
+                   factText(fact->value).starts_with(formatDate(made, "yyyy-mm-dd hh:nn:ss"));
+        SQLite::Statement row = columnOf(value.field);
+        const Date kept = row.executeStep() && !row.getColumn(0).isNull()
+                              ? Date::fromDays(row.getColumn(0).getDouble())
+                              : Date();
+        if (!made.has() || !kept.has())
+            return made.has() == kept.has();
+        const std::int64_t apart = made.unixSeconds() - kept.unixSeconds();
+        if (form != SourceForm::fileTimeLocal && form != SourceForm::fileTimeMoved)
+            return std::abs(apart) <= 1;
+        constexpr auto kMostOffset = std::int64_t{15} * 3600;
+        value.note = fmt::format("{} minutes from the stored time: the offset of the machine that "
+                                 "imported",
+                                 apart / 60);
+        return std::abs(apart) <= kMostOffset && apart % 60 == 0;
+    }
+
+    /// 32 bits count of numbers that SQLite has signed.
+    static std::optional<bool> agreesAsNumber(const SourceValue &found, const std::string &kept,
+                                              ValueOrigin &value) {
+        if (kept.empty() || kept.find_first_not_of("0123456789-.") != std::string::npos) {
+            value.note = "the number was read again; which words stand for it is in the page of "
+                         "the format";
+            return std::nullopt;
+        }
+        if (!found.number)
+            return found.text == kept;
+        return std::to_string(*found.number) == kept ||
+               std::to_string(static_cast<std::uint32_t>(*found.number)) == kept;
+    }
+
+    bool agreesAsText(const std::string &text, const std::string &kept, ValueOrigin &value) const {
+        const std::string_view bare =
+            std::string_view(text).starts_with('.') ? std::string_view(text).substr(1) : text;
+        if (text == kept || bare == kept)
+            return true;
+        const bool isCleaned =
+            value.field == "URL" && (text == m_stored.rawUrl || bare == m_stored.rawUrl);
+        if (isCleaned || percentDecode(text) == kept)
+            value.note = "cleaned up: percent coding undone, and what stands around the address "
+                         "cut away";
+        else if (text.size() >= 4096 && kept.starts_with(text.substr(0, 4000)))
+            value.note = "compared up to its 4,000th byte";
+        return !value.note.empty();
+    }
+
+    /// `field` is a column that a rule names, never a text of evidence.
+    SQLite::Statement columnOf(const std::string &field) const {
+        SQLite::Statement row(m_source.project,
+                              "SELECT \"" + field + "\" FROM URLs WHERE URL_ID = ?");
+        bindId(row, 1, m_id);
+        return row;
+    }
+
+    std::string columnText(const std::string &field) const {
+        SQLite::Statement row = columnOf(field);
+        return row.executeStep() ? row.getColumn(0).getString() : std::string();
+    }
+
+    void setZone(ValueOrigin &value, SourceForm form) const {
+        const TimeZone &zone = m_source.zone;
+        if (value.field == "ActionDateLocal")
+            value.zone = zone.exact            ? exactZoneText(zone)
+                         : zone.tzName.empty() ? zoneHeading(zone)
+                                               : zone.tzName;
+        else if (form == SourceForm::fileTimeLocal)
+            value.zone = "local time of the machine that wrote it; made UTC with the offset of the "
+                         "machine that imported";
+        else if (form == SourceForm::fileTimeMoved)
+            value.zone = "the zone that the machine of the import had then; UTC as it is stored";
+        else if (isDateForm(form))
+            value.zone = "UTC, as it is stored";
+    }
+
+    const ExplainSource &m_source;
+    UrlId m_id;
+    const StoredRecord &m_stored;
+    const KindRules *m_rules;
+    RecordPlace m_place;
+    std::optional<SourceValues> m_values;
+    std::optional<LocatedFields> m_located;
+};
+
+RecordValues::RecordValues(const ExplainSource &source, EvidenceTables &tables, UrlId id,
+                           const StoredRecord &stored,
+                           const std::optional<std::filesystem::path> &file)
+    : m_reading(std::make_unique<Reading>(source, tables, id, stored, file)) {}
+
+RecordValues::~RecordValues() = default;
+
+ValueOrigin RecordValues::of(const Property &property) {
+    return m_reading->of(property);
+}
+
+} // namespace nv
