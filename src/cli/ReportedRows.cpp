@@ -51,15 +51,24 @@ std::optional<RowIds> found(Session &session, const std::string &text, const Row
 
 } // namespace
 
+std::vector<Argument> chosenRowsOptions(ReportedRows &chosen) {
+    std::vector<Argument> options{
+        tagOption(chosen.tag),
+        queryOption(chosen.rows),
+        hostOption(chosen.rows),
+        filterOption(chosen.rows),
+        value("--search", chosen.search, "Only rows that this search finds"),
+        value("--from", chosen.from, "Only rows from this date on, by the zone's clock"),
+        value("--to", chosen.to, "Only rows up to this date, which belongs to them")};
+    addHashSetOptions(options, chosen.hashSets);
+    return options;
+}
+
 std::vector<Argument> reportedRowsOptions(ReportedRows &chosen) {
-    return {flag("--tagged", chosen.tagged, "Only rows with the tick"),
-            tagOption(chosen.tag),
-            queryOption(chosen.rows),
-            hostOption(chosen.rows),
-            filterOption(chosen.rows),
-            value("--search", chosen.search, "Only rows that this search finds"),
-            value("--from", chosen.from, "Only rows from this date on, by the zone's clock"),
-            value("--to", chosen.to, "Only rows up to this date, which belongs to them")};
+    std::vector<Argument> options{flag("--tagged", chosen.tagged, "Only rows with the tick")};
+    for (Argument &option : chosenRowsOptions(chosen))
+        options.push_back(std::move(option));
+    return options;
 }
 
 void checkReportedRows(const ReportedRows &chosen) {
@@ -72,6 +81,7 @@ std::optional<RowIds> idsOf(Session &session, const ReportedRows &chosen) {
     if (const auto span = spanOf(chosen))
         table.time = limitOf(*span, program.state.gmtZone, dateSettings(program).enableDSTChanges);
     limitToTag(session, chosen.tag, table);
+    limitToHashSets(session, chosen.hashSets, table);
     if (loadTable(session, choiceOf(chosen.rows), table) == LoadResult::Cancelled)
         return std::nullopt;
     return chosen.search.empty() ? table.ids() : found(session, chosen.search, table.ids());
@@ -93,6 +103,8 @@ std::string contentText(const ReportedRows &chosen) {
         parts.push_back(fmt::format("up to {}", chosen.to));
     if (!chosen.tag.empty())
         parts.push_back(fmt::format("the tag \"{}\"", chosen.tag));
+    for (std::string &part : contentOf(chosen.hashSets))
+        parts.push_back(std::move(part));
     if (chosen.tagged)
         parts.emplace_back("the ticked rows");
     return fmt::format("{}", fmt::join(parts, ", "));

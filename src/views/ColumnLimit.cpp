@@ -4,6 +4,7 @@
 #include "base/Trap.h"
 #include "db/RowWalk.h"
 #include "search/FoldedText.h"
+#include "views/GatheredTexts.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -26,10 +27,24 @@ std::string_view textIn(const SQLite::Column &column) {
     return {bytes, static_cast<std::size_t>(column.getBytes())};
 }
 
+using Look = std::function<void(std::int32_t, std::string_view)>;
+
+/// Of a column that is made of rows of another table.
+Walk walkGathered(SQLite::Database &project, const RowIds &ids, UrlColumn column, TaskMonitor &task,
+                  const Look &look) {
+    GatheredTexts texts;
+    if (gatherTexts(project, column, task, texts) == Walk::Cancelled)
+        return Walk::Cancelled;
+    for (const std::int32_t id : ids)
+        look(id, texts.of(id));
+    return Walk::Finished;
+}
+
 /// Calls `look` with the value of each row that can be read.
 Walk walkValues(SQLite::Database &project, const RowIds &sorted, UrlColumn column,
-                TaskMonitor &task,
-                const std::function<void(std::int32_t, std::string_view)> &look) {
+                TaskMonitor &task, const Look &look) {
+    if (isGathered(column))
+        return walkGathered(project, sorted, column, task, look);
     const UrlColumnFacts &facts = factsOf(column);
     const bool isFlag = facts.rule == CellRule::YesNo || facts.rule == CellRule::Flag;
     SQLite::Statement row(project, fmt::format("SELECT URL_ID, {} FROM URLs WHERE URL_ID >= ? "
@@ -64,6 +79,8 @@ bool isBetween(std::string_view text, const ColumnLimit &limit) {
 } // namespace
 
 ColumnValues valuesOf(UrlColumn column) {
+    if (isGathered(column))
+        return ColumnValues::texts;
     if (factsOf(column).source.empty())
         return ColumnValues::none;
     switch (factsOf(column).rule) {
