@@ -118,8 +118,7 @@ void FiltersPart::chooseFilters() {
 
 void FiltersPart::showSign() {
     const UrlTable *table = m_bench.table->table();
-    const bool isLimited = table && (table->time || table->ofSearch || !table->byColumn.empty());
-    m_sign->setVisible(isLimited || (table && table->filters.enableFilters));
+    m_sign->setVisible(table && (table->isLimited() || table->filters.enableFilters));
     if (!table)
         return;
     const std::size_t hidden = table->hiddenCount();

@@ -3,6 +3,9 @@
 #include "app/ProjectCommands.h"
 #include "base/Examiner.h"
 
+#include <filesystem>
+#include <vector>
+
 namespace nv {
 
 class OptionsForm;
@@ -13,6 +16,8 @@ class WindowDialogs : public FileDialogs {
     /// Nothing is chosen when the examiner cancels.
     virtual std::optional<std::filesystem::path>
     chooseFolder(const std::string &title, const std::filesystem::path &start) = 0;
+    /// The lists that a hash set is to be made of; none when the examiner cancels.
+    virtual std::vector<std::filesystem::path> chooseHashLists();
     /// Shows the first step of a new project; false when the examiner cancels.
     virtual bool confirmNewProject(OptionsForm &form);
 };

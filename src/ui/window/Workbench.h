@@ -64,6 +64,8 @@ class Workbench final : public QObject {
     void projectClosing();
     /// Other settings are in force; the rows are loaded anew after it.
     void optionsChanged();
+    /// The project's files were looked for in hash sets; the rows are loaded anew after it.
+    void hashSetsMatched();
     /// The project has other stored queries than before.
     void queriesChanged();
     /// The gallery shows other kinds than those that are now ticked.
