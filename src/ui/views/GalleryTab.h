@@ -31,8 +31,10 @@ class GalleryTab final : public QWidget {
     void openProject(SQLite::Database &project, FailureLog &log, const GallerySettings &settings,
                      int thumbnailWidth);
     void closeProject();
-    /// The rows of the table's query are shown.
-    void setQuery(const std::string &name);
+    /// Those of the table's query are shown, and no others than `rows`, unless that is null.
+    void setRows(const std::string &query, std::shared_ptr<const FoundIds> rows);
+    /// By what the table is limited, in words; none hides the line.
+    void showLimits(const QStringList &limits);
     /// What the next load filters by; empty turns the host filter off. The box shows it.
     void setHost(const QString &host);
     /// Rows or thumbnails have changed.
@@ -80,6 +82,7 @@ class GalleryTab final : public QWidget {
     GalleryModel m_model;
     GalleryTile m_tile;
     QListView *m_tiles = nullptr;
+    QLabel *m_limits = nullptr;
     QLabel *m_empty = nullptr;
     QCheckBox *m_pard = nullptr;
     QSpinBox *m_from = nullptr;

@@ -6,6 +6,9 @@
 #include "ui/views/GalleryTab.h"
 #include "views/UnreadRows.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace nv {
 
 namespace {
@@ -35,7 +38,13 @@ GalleryPart::GalleryPart(Workbench &bench)
                 showCount();
             });
     connect(&m_background, &BackgroundThumbnails::ended, this, &GalleryPart::tellEnd);
-    connect(&table, &TableTab::statusChanged, this, &GalleryPart::followTable);
+    connect(&table, &TableTab::rowsLoaded, this, &GalleryPart::takeRows);
+    connect(&bench.limits, &Limits::changed, this, [this] {
+        QStringList limits;
+        for (const Limits::Chip &each : m_bench.limits.chips())
+            limits += each.chip.text;
+        m_gallery->showLimits(limits);
+    });
     connect(&bench, &Workbench::thumbnailsChanged, this, [this] {
         m_isCounted = false;
         m_gallery->setDirty();
@@ -54,12 +63,16 @@ GalleryPart::GalleryPart(Workbench &bench)
     connect(&bench, &Workbench::projectClosing, m_gallery, &GalleryTab::closeProject);
 }
 
-/// What happens in the table is shown when the gallery comes up again.
-void GalleryPart::followTable() {
-    if (m_gallery->isVisible())
-        return;
-    m_gallery->setQuery(fromQt(m_bench.table->queryName()));
-    m_gallery->setDirty();
+/// Whatever limits the table limits the gallery. While nothing does, all of the query's rows are
+/// in it.
+void GalleryPart::takeRows() {
+    const UrlTable *table = m_bench.table->table();
+    std::shared_ptr<FoundIds> rows;
+    if (table && table->hiddenCount() > 0) {
+        rows = std::make_shared<FoundIds>(table->ids());
+        std::ranges::sort(*rows);
+    }
+    m_gallery->setRows(fromQt(m_bench.table->queryName()), std::move(rows));
 }
 
 GallerySettings GalleryPart::settings() const {

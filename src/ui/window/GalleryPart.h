@@ -21,7 +21,7 @@ class GalleryPart final : public QObject {
     GallerySettings settings() const;
     void open();
     void takeOptions();
-    void followTable();
+    void takeRows();
     void switchDrawing();
     void count();
     void showCount();
