@@ -7,6 +7,7 @@
 #include "cli/NamedTagRows.h"
 #include "cli/SearchedRows.h"
 #include "cli/Session.h"
+#include "views/TypedSpan.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -21,9 +22,7 @@ namespace {
 std::optional<TimeSpan> spanOf(const ReportedRows &chosen) {
     if (chosen.from.empty() && chosen.to.empty())
         return std::nullopt;
-    // Years that the calendar of dates can tell.
-    constexpr auto kFar = std::int64_t{250'000'000'000};
-    TimeSpan span{-62'000'000'000, kFar};
+    TimeSpan span = kAllTime;
     if (!chosen.from.empty())
         span.begin = secondAsked(chosen.from, "--from");
     if (!chosen.to.empty())

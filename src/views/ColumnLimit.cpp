@@ -27,6 +27,13 @@ std::string_view textIn(const SQLite::Column &column) {
     return {bytes, static_cast<std::size_t>(column.getBytes())};
 }
 
+/// Dates of the zone's clock are shown from that in UTC, and go by it here too.
+std::string_view sourceOf(UrlColumn column) {
+    const CellRule rule = factsOf(column).rule;
+    const bool isOfZone = rule == CellRule::ZoneDate || rule == CellRule::LocalDate;
+    return isOfZone ? factsOf(UrlColumn::ActionDateUtc).source : factsOf(column).source;
+}
+
 using Look = std::function<void(std::int32_t, std::string_view)>;
 
 /// Of a column that is made of rows of another table.
@@ -49,7 +56,7 @@ Walk walkValues(SQLite::Database &project, const RowIds &sorted, UrlColumn colum
     const bool isFlag = facts.rule == CellRule::YesNo || facts.rule == CellRule::Flag;
     SQLite::Statement row(project, fmt::format("SELECT URL_ID, {} FROM URLs WHERE URL_ID >= ? "
                                                "ORDER BY URL_ID",
-                                               facts.source));
+                                               sourceOf(column)));
     RowWalk walk(row);
     NoLog unheard; // whoever looks at the row logs its damage
     double done = 0;
@@ -67,6 +74,14 @@ Walk walkValues(SQLite::Database &project, const RowIds &sorted, UrlColumn colum
         });
     }
     return Walk::Finished;
+}
+
+bool isWithin(std::string_view text, const ColumnLimit &limit) {
+    double days = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), days);
+    const bool isDate = error == std::errc() && end == text.data() + text.size();
+    const bool isUnset = limit.column == UrlColumn::ExpiryDate && days == 0; // "never set"
+    return isDate && !isUnset && holds(limit.dates->within, days);
 }
 
 bool isBetween(std::string_view text, const ColumnLimit &limit) {
@@ -90,6 +105,11 @@ ColumnValues valuesOf(UrlColumn column) {
         return ColumnValues::texts;
     case CellRule::Number:
         return ColumnValues::numbers;
+    case CellRule::Date:
+    case CellRule::FileCreated:
+    case CellRule::ZoneDate:
+    case CellRule::LocalDate:
+        return ColumnValues::dates;
     default:
         return ColumnValues::none;
     }
@@ -112,7 +132,8 @@ Walk keepByColumn(SQLite::Database &project, const ColumnLimit &limit, TaskMonit
                 folded.fold(value);
                 meets = folded.text().find(part) != std::string::npos;
             }
-            if (!meets || (isRange && !isBetween(value, limit)))
+            meets = meets && (!isRange || isBetween(value, limit));
+            if (!meets || (limit.dates && !isWithin(value, limit)))
                 out.push_back(id);
         });
     if (walk == Walk::Cancelled)
