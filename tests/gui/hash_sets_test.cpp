@@ -1,10 +1,14 @@
 #include "app/program/ProjectHold.h"
+#include "db/NamedTags.h"
 #include "gui/LimitedTable.h"
+#include "ui/views/FilterForm.h"
 #include "ui/views/HashSetForm.h"
 #include "ui/views/HashSetsForm.h"
 #include "ui/views/PlacesPane.h"
 #include "ui/window/Theme.h"
 
+#include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QMenu>
@@ -30,6 +34,7 @@ class HashSetsTest : public QObject {
     void whatMakesNoSetIsTold();
     void knownFilesAreHiddenAndComeBack();
     void placesCountSetsAndLimit();
+    void theFiltersOfferTagsAndSets();
     void setsAreMadeWithoutAProject();
     void aProjectThatIsReadOnlySaysWhy();
     void saveAsKeepsWhatWasFound();
@@ -203,6 +208,46 @@ void HashSetsTest::placesCountSetsAndLimit() {
     QVERIFY(placeOf(QStringLiteral("known")).data(Qt::FontRole).value<QFont>().strikeOut());
     child<QToolButton>(m_on->form, "btnClearLimits").click();
     QTRY_COMPARE(m_on->rows(), m_on->all);
+}
+
+void HashSetsTest::theFiltersOfferTagsAndSets() {
+    matchBoth();
+    NamedTags tags(m_on->project());
+    const NamedTag tag =
+        tags.add({.tagID = 0, .name = "Important", .color = {}, .position = 0, .note = {}});
+    m_on->project().exec("INSERT INTO RecordTags (URL_ID, NamedTag_ID) VALUES (1, " +
+                         std::to_string(tag.tagID) + "), (3, " + std::to_string(tag.tagID) + ")");
+    trigger(m_on->form, "actRefresh");
+    whenShown<FilterForm>([](FilterForm &form) {
+        auto &named = child<QComboBox>(form, "cbNamedTag");
+        QCOMPARE(named.currentIndex(), 0);
+        named.setCurrentIndex(named.findText(QStringLiteral("Important")));
+        form.accept();
+    });
+    trigger(m_on->form, "actFilters");
+    QCOMPARE(m_on->rows(), 2);
+    QVERIFY(m_on->chip(QStringLiteral("Tag: Important")));
+    whenShown<FilterForm>([](FilterForm &form) {
+        QCOMPARE(child<QComboBox>(form, "cbNamedTag").currentText(), QStringLiteral("Important"));
+        auto &sets = child<QComboBox>(form, "cbHashSet");
+        sets.setCurrentIndex(sets.findText(QStringLiteral("library")));
+        form.accept();
+    });
+    trigger(m_on->form, "actFilters");
+    QCOMPARE(m_on->rows(), 1);
+    QCOMPARE(m_on->chips().size(), 2);
+    whenShown<FilterForm>([](FilterForm &form) {
+        QCOMPARE(child<QComboBox>(form, "cbHashSet").currentText(), QStringLiteral("library"));
+        child<QComboBox>(form, "cbNamedTag").setCurrentIndex(0);
+        child<QComboBox>(form, "cbHashSet").setCurrentIndex(0);
+        child<QCheckBox>(form, "chkHideKnown").click();
+        form.accept();
+    });
+    trigger(m_on->form, "actFilters");
+    QCOMPARE(m_on->rows(), m_on->all - 1);
+    QCOMPARE(m_on->chips(), QStringList{QStringLiteral("Limit: Known files hidden")});
+    trigger(m_on->form, "actUndo");
+    QCOMPARE(m_on->rows(), 1);
 }
 
 void HashSetsTest::setsAreMadeWithoutAProject() {

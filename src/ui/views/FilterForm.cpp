@@ -49,6 +49,7 @@ FilterForm::FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget
     setObjectName(QStringLiteral("FilterForm"));
     setWindowTitle(tr("Filters"));
     auto *column = new QVBoxLayout(this);
+    m_column = column;
     QCheckBox *enable = newBox(QStringLiteral("chkEnableFilters"), tr("&Enable filters"),
                                &RecordFilters::enableFilters);
     enable->setToolTip(tr("Hide the records that nothing ticked below shows"));
@@ -80,6 +81,10 @@ FilterForm::FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget
     connect(enable, &QCheckBox::toggled, this, &FilterForm::enableBoxes);
     connect(m_all, &QCheckBox::toggled, this, &FilterForm::tickAll);
     enableBoxes();
+}
+
+void FilterForm::addMarks(QWidget &marks) {
+    m_column->insertWidget(m_column->indexOf(m_groups) + 1, &marks);
 }
 
 QCheckBox *FilterForm::newBox(const QString &name, const QString &text, bool RecordFilters::*flag) {

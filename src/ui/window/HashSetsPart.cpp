@@ -7,6 +7,7 @@
 #include "time/DateFormat.h"
 #include "ui/views/HashSetForm.h"
 #include "ui/views/HashSetsForm.h"
+#include "ui/views/MarksBox.h"
 #include "ui/views/PlacesPane.h"
 
 #include <QAction>
@@ -18,17 +19,6 @@
 namespace nv {
 
 namespace {
-
-QString onlyText(const HashLimit &limit) {
-    QStringList names;
-    if (limit.notable)
-        names += HashSetsPart::tr("any notable set");
-    if (limit.known)
-        names += HashSetsPart::tr("any known set");
-    for (const std::string &set : limit.sets)
-        names += toQt(displayText(set));
-    return HashSetsPart::tr("In hash set: %1").arg(names.join(HashSetsPart::tr(" or ")));
-}
 
 QVariant variantOf(const HashLimit &limit) {
     return limit.isEmpty() ? QVariant() : QVariant::fromValue(limit);
@@ -72,6 +62,7 @@ HashSetsPart::HashSetsPart(Workbench &bench)
         }
     });
     connect(m_places, &PlacesPane::hashLimitMade, this, &HashSetsPart::limitTo);
+    connect(&bench, &Workbench::hashLimitChosen, this, &HashSetsPart::setLimit);
     connect(&bench, &Workbench::projectClosing, this, [this] { showLimit({}); });
     bench.limits.add(*this);
 }
@@ -104,7 +95,7 @@ std::vector<LimitChip> HashSetsPart::chips() const {
     if (now.isOnly()) {
         HashLimit rest;
         rest.withoutKnown = now.withoutKnown;
-        chips.push_back({onlyText(now), variantOf(rest)});
+        chips.push_back({tr("In hash set: %1").arg(shownSetsText(now)), variantOf(rest)});
     }
     if (now.withoutKnown) {
         HashLimit rest = now;

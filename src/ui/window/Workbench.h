@@ -8,6 +8,7 @@
 #include "ui/window/WindowDialogs.h"
 
 #include <QObject>
+#include <QVariant>
 
 class QMenu;
 class QSplitter;
@@ -62,6 +63,9 @@ class Workbench final : public QObject {
     void projectOpened();
     /// Comes before the connection goes: whoever uses it lets go of it now.
     void projectClosing();
+    /// What the limits of tags and of hash sets are from the next load on: invalid ones hide nothing.
+    void tagLimitChosen(const QVariant &limit);
+    void hashLimitChosen(const QVariant &limit);
     /// Other settings are in force; the rows are loaded anew after it.
     void optionsChanged();
     /// The project's files were looked for in hash sets; the rows are loaded anew after it.
