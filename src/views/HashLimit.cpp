@@ -3,15 +3,12 @@
 #include "db/FoundHashSets.h"
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 
 namespace nv {
 
 namespace {
-
-using nlohmann::json;
 
 /// Of a statement over RecordFacts; added to what `ids` has.
 Walk gather(SQLite::Database &project, const IdQuery &query, TaskMonitor &task, RowIds &ids) {
@@ -21,11 +18,9 @@ Walk gather(SQLite::Database &project, const IdQuery &query, TaskMonitor &task, 
 }
 
 /// Names come from files of the examiner's and from projects: they are no part of the text.
-IdQuery inSets(const std::vector<std::string> &sets) {
-    return {fmt::format("SELECT URL_ID FROM RecordFacts WHERE {} AND Value IN (SELECT value FROM "
-                        "json_each(?))",
-                        hashSetFacts()),
-            json(sets).dump(-1, ' ', false, json::error_handler_t::replace)};
+IdQuery inSet(const std::string &set) {
+    return {fmt::format("SELECT URL_ID FROM RecordFacts WHERE {} AND Value = ?", hashSetFacts()),
+            set};
 }
 
 bool has(const RowIds &sorted, std::int32_t id) {
@@ -73,7 +68,8 @@ Walk keepByHashSets(SQLite::Database &project, const HashLimit &limit, TaskMonit
         read(limit.notable || limit.withoutKnown, {rowsInHashSets(HashMeaning::notable), ""},
              notable) &&
         read(limit.known || limit.withoutKnown, {rowsInHashSets(HashMeaning::known), ""}, known) &&
-        read(!limit.sets.empty(), inSets(limit.sets), only);
+        std::ranges::all_of(limit.sets,
+                            [&](const std::string &set) { return read(true, inSet(set), only); });
     if (!isWhole)
         return Walk::Cancelled;
     std::erase_if(ids, [&](std::int32_t id) {

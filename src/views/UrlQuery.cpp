@@ -51,7 +51,7 @@ std::string_view hostCondition(const RowChoice &rows) {
 std::string sortKey(UrlColumn column, bool undatedLast) {
     const UrlColumnFacts &facts = factsOf(column);
     if (isGathered(column))
-        return "0";
+        return "NULL";
     if (facts.rule == CellRule::Rebuilt)
         return "(CacheFileRebuilt <> 0 OR IngredientIDs <> '' OR length(CacheFileRebuiltBLOB) > 0)";
     if (facts.rule == CellRule::Note) // rows with a note come first

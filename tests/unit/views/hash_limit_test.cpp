@@ -26,6 +26,7 @@ struct HashLimitTest : testing::Test {
                          {"ActionDateUTC", 40000.0 + row}});
     }
     void match() {
+        project.db().exec("PRAGMA foreign_keys = OFF"); // as other programs write
         project.db().exec(
             "INSERT INTO RecordFacts VALUES (1, 'hashset_known', 'library', 'MD5'), "
             "(2, 'hashset_known', 'library', 'MD5'), (2, 'hashset_notable', 'cases', 'MD5'), "
