@@ -1,8 +1,8 @@
 #include "views/TypedSpan.h"
 
 #include "db/Dialect.h"
-#include "time/ExactZone.h"
 #include "time/TimeSlots.h"
+#include "views/RecordCard.h"
 
 namespace nv {
 
@@ -43,10 +43,6 @@ std::string endText(const TimeSpan &span) {
     if (span.end >= kAllTime.end)
         return {};
     return textOf(span.end - 1, isStartOfDay(span.end) ? TimeUnit::day : TimeUnit::minute);
-}
-
-std::string zoneName(const TimeZone &zone) {
-    return zone.exact ? zone.exact->name() : zone.tzName;
 }
 
 DateRange dateRange(const TimeSpan &span, const TimeZone &zone, bool enableDSTChanges) {

@@ -32,9 +32,6 @@ struct DateRange {
 
     friend bool operator==(const DateRange &, const DateRange &) = default;
 };
-/// As it is told: "Europe/Berlin".
-std::string zoneName(const TimeZone &zone);
-
 /// Throws as limitOf() does.
 DateRange dateRange(const TimeSpan &span, const TimeZone &zone, bool enableDSTChanges);
 

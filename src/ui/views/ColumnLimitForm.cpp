@@ -3,6 +3,7 @@
 #include "base/DisplayText.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"
+#include "views/RecordCard.h"
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>

@@ -4,7 +4,7 @@
 #include "platform/qt/QtText.h"
 #include "time/ExactZone.h"
 #include "ui/views/TimeStrip.h"
-#include "views/TypedSpan.h"
+#include "views/RecordCard.h"
 
 #include <QAction>
 #include <QBoxLayout>

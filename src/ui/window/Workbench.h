@@ -63,7 +63,7 @@ class Workbench final : public QObject {
     void projectOpened();
     /// Comes before the connection goes: whoever uses it lets go of it now.
     void projectClosing();
-    /// What the limits of tags and of hash sets are from the next load on: invalid ones hide nothing.
+    /// What the limits of tags and of hash sets are from the next load on; invalid: they hide none.
     void tagLimitChosen(const QVariant &limit);
     void hashLimitChosen(const QVariant &limit);
     /// Other settings are in force; the rows are loaded anew after it.
