@@ -84,7 +84,7 @@ void SmallScreenTest::dialogsFit_data() {
     QTest::addColumn<QString>("action");
     for (const char *action :
          {"actColumns", "actFilters", "actImport", "actExport", "actCreateReport", "actCaseTrail",
-          "actOptions", "actTimeZone", "actErrorLog", "actTips", "actQueryForm"})
+          "actOptions", "actTimeZone", "actErrorLog", "actTips", "actQueryForm", "actHashSets"})
         QTest::newRow(action) << QString::fromLatin1(action);
 }
 
