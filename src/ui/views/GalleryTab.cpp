@@ -209,11 +209,10 @@ void GalleryTab::closeProject() {
     showState();
 }
 
-void GalleryTab::setRows(const std::string &query, std::shared_ptr<const FoundIds> rows) {
+void GalleryTab::followTable(const std::string &query) {
     if (!m_gallery)
         return;
     m_gallery->choice.activeQueryName = query;
-    m_gallery->among = std::move(rows);
     setDirty();
 }
 
@@ -335,6 +334,7 @@ void GalleryTab::setHost(const QString &host) {
 void GalleryTab::load() {
     if (!m_gallery)
         return;
+    m_gallery->among = m_rowSource ? m_rowSource() : nullptr;
     m_runTask({}, [this](TaskMonitor &task) { m_gallery->load(task); });
     m_model.reset();
     showState();

@@ -38,7 +38,14 @@ GalleryPart::GalleryPart(Workbench &bench)
                 showCount();
             });
     connect(&m_background, &BackgroundThumbnails::ended, this, &GalleryPart::tellEnd);
-    connect(&table, &TableTab::rowsLoaded, this, &GalleryPart::takeRows);
+    m_gallery->setRowSource([this] { return rows(); });
+    connect(&table, &TableTab::rowsLoaded, this,
+            [this] { m_gallery->followTable(fromQt(m_bench.table->queryName())); });
+    // Ticks of the table are shown when the gallery comes up again.
+    connect(&table, &TableTab::statusChanged, this, [this] {
+        if (!m_gallery->isVisible())
+            m_gallery->setOutdated();
+    });
     connect(&bench.limits, &Limits::changed, this, [this] {
         QStringList limits;
         for (const Limits::Chip &each : m_bench.limits.chips())
@@ -65,14 +72,13 @@ GalleryPart::GalleryPart(Workbench &bench)
 
 /// Whatever limits the table limits the gallery. While nothing does, all of the query's rows are
 /// in it.
-void GalleryPart::takeRows() {
+std::shared_ptr<const FoundIds> GalleryPart::rows() const {
     const UrlTable *table = m_bench.table->table();
-    std::shared_ptr<FoundIds> rows;
-    if (table && table->hiddenCount() > 0) {
-        rows = std::make_shared<FoundIds>(table->ids());
-        std::ranges::sort(*rows);
-    }
-    m_gallery->setRows(fromQt(m_bench.table->queryName()), std::move(rows));
+    if (!table || table->hiddenCount() == 0)
+        return nullptr;
+    auto rows = std::make_shared<FoundIds>(table->ids());
+    std::ranges::sort(*rows);
+    return rows;
 }
 
 GallerySettings GalleryPart::settings() const {

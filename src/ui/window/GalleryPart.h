@@ -21,7 +21,7 @@ class GalleryPart final : public QObject {
     GallerySettings settings() const;
     void open();
     void takeOptions();
-    void takeRows();
+    std::shared_ptr<const FoundIds> rows() const;
     void switchDrawing();
     void count();
     void showCount();
