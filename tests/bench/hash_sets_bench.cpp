@@ -29,8 +29,13 @@ struct MatchedProject {
         NamedTags tags(db);
         for (const char *name : {"Important", "Later"})
             tags.add({.tagID = 0, .name = name, .color = {}, .position = 0, .note = {}});
-        db.exec(rows + "INSERT INTO RecordTags (URL_ID, NamedTag_ID) SELECT i, 1 + i / 10 % 2 FROM "
-                       "n WHERE i % 10 = 5");
+        RowIds tagged;
+        tagged.reserve(100'000);
+        for (std::int32_t id = 5; id <= 1'000'000; id += 10)
+            tagged.push_back(id);
+        const std::span<const std::int32_t> all = tagged;
+        RecordTags(db).set(1, all.first(60'000), {}, task);
+        RecordTags(db).set(2, all.last(60'000), {}, task);
         ensureDateIndex(db, task);
         ensureHashSetIndex(db, task);
     }

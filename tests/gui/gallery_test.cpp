@@ -1,4 +1,4 @@
-#include "db/NamedTags.h"
+#include "db/RecordTags.h"
 #include "gui/Desk.h"
 #include "ui/views/GalleryTab.h"
 
@@ -212,8 +212,8 @@ void GalleryTest::eachLimitOfTheTableHoldsHere() {
     project().exec("INSERT INTO RecordFacts VALUES (1, 'hashset_known', 'library', 'MD5')");
     const NamedTag tag = NamedTags(project()).add(
         {.tagID = 0, .name = "Important", .color = {}, .position = 0, .note = {}});
-    project().exec("INSERT INTO RecordTags (URL_ID, NamedTag_ID) VALUES (1, " +
-                   std::to_string(tag.tagID) + "), (3, " + std::to_string(tag.tagID) + ")");
+    Unwatched nobody;
+    QVERIFY(RecordTags(project()).set(tag.tagID, RowIds{1, 3}, {}, nobody));
     auto &table = child<TableTab>(*m_form, "TableTab");
     trigger(*m_form, "actRefresh");
     QCOMPARE(shown(), 3);

@@ -1,5 +1,5 @@
 #include "app/program/ProjectHold.h"
-#include "db/NamedTags.h"
+#include "db/RecordTags.h"
 #include "gui/LimitedTable.h"
 #include "ui/views/FilterForm.h"
 #include "ui/views/HashSetForm.h"
@@ -215,8 +215,8 @@ void HashSetsTest::theFiltersOfferTagsAndSets() {
     NamedTags tags(m_on->project());
     const NamedTag tag =
         tags.add({.tagID = 0, .name = "Important", .color = {}, .position = 0, .note = {}});
-    m_on->project().exec("INSERT INTO RecordTags (URL_ID, NamedTag_ID) VALUES (1, " +
-                         std::to_string(tag.tagID) + "), (3, " + std::to_string(tag.tagID) + ")");
+    Unwatched nobody;
+    QVERIFY(RecordTags(m_on->project()).set(tag.tagID, RowIds{1, 3}, {}, nobody));
     trigger(m_on->form, "actRefresh");
     whenShown<FilterForm>([](FilterForm &form) {
         auto &named = child<QComboBox>(form, "cbNamedTag");

@@ -109,7 +109,7 @@ TEST_F(ColumnLimitTest, countsWhatStandsThere) {
 
 TEST_F(ColumnLimitTest, columnsThatAreMadeOfSeveralHaveNone) {
     EXPECT_EQ(valuesOf(UrlColumn::Icon), ColumnValues::none);
-    EXPECT_EQ(valuesOf(UrlColumn::ActionDateUtc), ColumnValues::none);
+    EXPECT_EQ(valuesOf(UrlColumn::TimeRebuilt), ColumnValues::none);
     EXPECT_EQ(valuesOf(UrlColumn::Visits), ColumnValues::numbers);
     EXPECT_EQ(valuesOf(UrlColumn::Host), ColumnValues::texts);
 }
