@@ -249,6 +249,8 @@ void GalleryTest::eachLimitOfTheTableHoldsHere() {
     }
     QCOMPARE(drawnInTable(), left);
     QCOMPARE(shown(), left);
+    if (const QString folder = qEnvironmentVariable("NV_SHOTS"); !folder.isEmpty())
+        m_form->grab().save(folder + QStringLiteral("/gallery-by-%1.png").arg(limit));
     const auto &said = child<QLabel>(*m_form, "labGalleryLimits");
     QVERIFY2(said.isVisible() || place < 2, "of these two their boxes know by themselves");
 }
