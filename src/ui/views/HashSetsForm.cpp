@@ -76,6 +76,8 @@ HashSetsForm::HashSetsForm(QWidget *parent) : QDialog(parent), m_list(newList())
     m_rows = newButton("btnHashSetRows", tr("&Show Its Rows"),
                        tr("Show only the rows that were found in the chosen set"));
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    // Enter in the list shows the rows of a set: it mustn't close the window besides.
+    buttons->button(QDialogButtonBox::Close)->setAutoDefault(false);
     for (QPushButton *button : {m_add, m_remove, m_match, m_rows})
         buttons->addButton(button, QDialogButtonBox::ActionRole);
     auto *column = new QVBoxLayout(this);
