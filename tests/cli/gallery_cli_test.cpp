@@ -91,7 +91,7 @@ TEST_F(GalleryCliTest, whatLimitsTheTableLimitsTheSheet) {
     EXPECT_THAT(shown({"--hash-set", "cases"}), HasSubstr("1 of 1"));
     EXPECT_THAT(shown({"--without-known"}), HasSubstr("4 of 4"));
     EXPECT_THAT(shown({"--search", "host3"}), HasSubstr("1 of 1"));
-    EXPECT_THAT(shown({"--from", "2099"}), HasSubstr("0 of 0"));
+    EXPECT_THAT(shown({"--from", "2099-01-01"}), HasSubstr("0 of 0"));
     EXPECT_EQ(gallery({"--from", "never"}).exit, 1);
 }
 
