@@ -42,6 +42,7 @@ GalleryTab::GalleryTab(RunTask runTask, Examiner &examiner, QWidget *parent)
     m_limits->setTextFormat(Qt::PlainText); // it quotes evidence
     m_limits->setWordWrap(true);
     m_limits->setContentsMargins(8, 0, 8, 4);
+    m_limits->setMinimumWidth(1); // a long name doesn't widen the window
     m_limits->hide();
     column->addWidget(m_limits);
     m_empty = new QLabel;
@@ -218,6 +219,7 @@ void GalleryTab::followTable(const std::string &query) {
 
 void GalleryTab::showLimits(const QStringList &limits) {
     m_limits->setText(tr("Limited as the table is: %1").arg(limits.join(QStringLiteral("; "))));
+    m_limits->setToolTip(Qt::convertFromPlainText(m_limits->text()));
     m_limits->setVisible(!limits.isEmpty());
 }
 
