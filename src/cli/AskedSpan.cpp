@@ -1,27 +1,31 @@
 #include "cli/AskedSpan.h"
 
 #include "cli/UsageError.h"
-#include "db/Dialect.h"
-#include "time/TimeSlots.h"
+#include "views/TypedSpan.h"
 
 #include <fmt/format.h>
 
 namespace nv::cli {
 
-std::int64_t secondAsked(const std::string &text, std::string_view option) {
-    const auto date = parseDateLiteral(text);
-    if (!date)
+namespace {
+
+std::int64_t dateOrRefusal(std::optional<std::int64_t> second, const std::string &text,
+                           std::string_view option) {
+    if (!second)
         throw UsageError(fmt::format("{} {}: a date was expected, such as 2011-03-01 or "
                                      "\"2011-03-01 19:30\"",
                                      option, text));
-    return date->unixSeconds();
+    return *second;
+}
+
+} // namespace
+
+std::int64_t secondAsked(const std::string &text, std::string_view option) {
+    return dateOrRefusal(secondTyped(text), text, option);
 }
 
 std::int64_t endAsked(const std::string &text, std::string_view option) {
-    const std::int64_t second = secondAsked(text, option);
-    const bool hasTime = text.find(':') != std::string::npos;
-    const TimeUnit unit = hasTime ? TimeUnit::minute : TimeUnit::day;
-    return startOf(slotOf(second, unit) + 1, unit);
+    return dateOrRefusal(endTyped(text), text, option);
 }
 
 } // namespace nv::cli

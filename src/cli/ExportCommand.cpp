@@ -6,6 +6,7 @@
 #include "base/Text.h"
 #include "cli/ChosenFilters.h"
 #include "cli/Commands.h"
+#include "cli/HashSetRows.h"
 #include "cli/LoadedTable.h"
 #include "cli/NamedTagRows.h"
 #include "cli/OutputPath.h"
@@ -31,6 +32,7 @@ struct Arguments {
     std::vector<std::string> columns;   ///< keys; empty for all
     RowsAsked rows;
     std::string tag; ///< the name of one; empty for all rows
+    HashSetsAsked hashSets;
     FieldNames names = FieldNames::people;
     bool tagged = false;
     bool guardFormulas = false;
@@ -136,6 +138,7 @@ Exit run(Session &session, const Arguments &arguments) {
         SQLite::Database &project = session.program.state.projectDB.connection();
         UrlTable table(project, session.program.log, state.gmtZone);
         limitToTag(session, arguments.tag, table);
+        limitToHashSets(session, arguments.hashSets, table);
         if (loadTable(session, choiceOf(arguments.rows), table) == LoadResult::Loaded) {
             if (arguments.tagged)
                 selectTagged(job, table, project);
@@ -164,7 +167,7 @@ Exit run(Session &session, const Arguments &arguments) {
 
 Command exportCommand() {
     const auto given = std::make_shared<Arguments>();
-    return {
+    Command command{
         .name = "export",
         .what = "Write the rows of the table to a file for other programs",
         .readme = {"`export PROJECT FILE`",
@@ -194,6 +197,8 @@ Command exportCommand() {
                   "Of csv: an apostrophe before texts that a spreadsheet takes for a formula"),
              flag("--overwrite", given->overwrite, "Replace FILE when it is there")},
         .run = [given](Session &session) { return run(session, *given); }};
+    addHashSetOptions(command.arguments, given->hashSets);
+    return command;
 }
 
 } // namespace nv::cli

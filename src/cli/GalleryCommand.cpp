@@ -7,6 +7,7 @@
 #include "cli/ContactSheet.h"
 #include "cli/LoadedTable.h"
 #include "cli/OutputPath.h"
+#include "cli/ReportedRows.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "cli/SheetPicture.h"
@@ -29,7 +30,7 @@ namespace {
 
 struct Arguments {
     std::string project;
-    RowsAsked rows;
+    ReportedRows rows;
     std::string pard; ///< "15-40"; empty for any
     std::vector<std::string> sizes;
     int page = 1;
@@ -106,10 +107,8 @@ void checkTarget(const Arguments &arguments, ProgramState &state) {
 Gallery galleryOf(Session &session, const Arguments &arguments) {
     ProgramState &state = session.program.state;
     SQLite::Database &project = session.program.state.projectDB.connection();
-    checkQuery(session, arguments.rows.query);
     Gallery gallery(project, session.program.log);
-    gallery.choice = choiceOf(arguments.rows);
-    gallery.filters = filtersFrom(arguments.rows.filter);
+    gallery.choice = choiceOf(arguments.rows.rows);
     gallery.pard = shapesOf(arguments);
     gallery.settings.galleryRecordsPerPage =
         arguments.perPage > 0 ? arguments.perPage : state.galleryRecordsPerPage;
@@ -124,12 +123,17 @@ std::vector<std::string> linesOf(const Gallery &gallery, const Arguments &argume
                                                gallery.rowCount())};
     if (const UnreadRows unread = gallery.unread(); !unread.empty())
         lines.push_back(noteOf(unread));
-    if (!arguments.rows.query.empty())
-        lines.push_back("Query: " + arguments.rows.query);
-    if (!arguments.rows.host.empty())
-        lines.push_back("Hosts that contain: " + arguments.rows.host);
-    if (!arguments.rows.filter.empty())
-        lines.push_back(fmt::format("Filters: {}", fmt::join(arguments.rows.filter, ", ")));
+    const RowsAsked &rows = arguments.rows.rows;
+    if (!rows.query.empty())
+        lines.push_back("Query: " + rows.query);
+    if (!rows.host.empty())
+        lines.push_back("Hosts that contain: " + rows.host);
+    if (!rows.filter.empty())
+        lines.push_back(fmt::format("Filters: {}", fmt::join(rows.filter, ", ")));
+    ReportedRows others = arguments.rows;
+    others.rows = {};
+    if (const std::string limits = contentText(others); !limits.empty())
+        lines.push_back("Only: " + limits);
     if (!arguments.pard.empty())
         lines.push_back("P.A.R.D.: " + arguments.pard);
     if (!arguments.sizes.empty())
@@ -170,10 +174,17 @@ void checkPage(const Gallery &gallery, int page) {
 
 /// Writes a page of the gallery as a contact sheet.
 Exit run(Session &session, const Arguments &arguments) {
+    checkReportedRows(arguments.rows);
+    session.program.state.filters = filtersFrom(arguments.rows.rows.filter);
     session.openForReading(arguments.project);
     Program &program = session.program;
     checkTarget(arguments, program.state);
+    auto ids = idsOf(session, arguments.rows);
+    if (!ids)
+        return Exit::interrupted;
+    std::ranges::sort(*ids);
     Gallery gallery = galleryOf(session, arguments);
+    gallery.among = std::make_shared<const FoundIds>(std::move(*ids));
     const LoadResult loaded = gallery.load(session.task);
     session.task.clear();
     if (loaded == LoadResult::Cancelled)
@@ -198,18 +209,20 @@ Exit run(Session &session, const Arguments &arguments) {
 
 Command galleryCommand() {
     const auto given = std::make_shared<Arguments>();
-    return {
+    Command command{
         .name = "gallery",
         .what = "Write a page of thumbnails as one HTML file or picture",
         .readme = {"`gallery PROJECT --out FILE`",
-                   "writes a contact sheet, `*.html` or `*.png`; `--pard`, `--sizes`"},
+                   "writes a contact sheet, `*.html` or `*.png`, of the rows that `report` would "
+                   "take; `--pard`, `--sizes`"},
         .examples = {{"gallery case.nvp --out page1.html", "the first page"},
                      {"gallery case.nvp --pard 15-40 --sizes l,xl --out p.html",
                       "large photographs"},
+                     {"gallery case.nvp --tag Important --without-known --out p.html",
+                      "of tagged rows, without known files"},
                      {"gallery case.nvp --page 2 --per-page 50 --out page2.png", "as one picture"}},
         .arguments =
-            {projectWord(given->project), queryOption(given->rows), hostOption(given->rows),
-             filterOption(given->rows),
+            {projectWord(given->project),
              value("--pard", given->pard, "Only P.A.R.D. values FROM-TO, best 15-40"),
              value("--sizes", given->sizes, "Only these sizes: xs,s,m,l,xl").separatedByCommas(),
              value("--page", given->page, "Number of the page, from 1"),
@@ -217,6 +230,9 @@ Command galleryCommand() {
              value("--out", given->out, "The file to write, *.html or *.png").required(),
              flag("--overwrite", given->overwrite, "Replace the file when it is there")},
         .run = [given](Session &session) { return run(session, *given); }};
+    for (Argument &option : chosenRowsOptions(given->rows))
+        command.arguments.push_back(std::move(option));
+    return command;
 }
 
 } // namespace nv::cli

@@ -1,7 +1,7 @@
 #include "app/jobs/HashSetJob.h"
+#include "app/messages/HashSetMessages.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
-#include "base/Storage.h"
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "cli/Commands.h"
@@ -52,9 +52,7 @@ HashSetOrder orderOf(Session &session, const Arguments &arguments) {
 
 void checkOrder(const HashSetOrder &order, bool overwrite) {
     if (!isHashSetName(order.facts.name))
-        throw UsageError(fmt::format("\"{}\" can't be the name of a hash set: up to 100 letters, "
-                                     "digits, blanks and -_.,()+ were expected; --name gives one",
-                                     printable(order.facts.name)));
+        throw UsageError(noSetNameText(order.facts.name) + "; --name gives one");
     const fs::path target = hashSetPath(order.folder, order.facts.name);
     if (fs::exists(target) && !overwrite)
         throw UsageError(fmt::format("there is a hash set \"{}\" already; --overwrite replaces it",
@@ -71,10 +69,7 @@ Exit add(Session &session, const Arguments &arguments) {
     for (const std::string &line : made->refused)
         session.err << printable(line) << '\n';
     if (made->hashes == 0)
-        throw UsageError(fmt::format("no hash was found in {}: no set was made. Expected were "
-                                     "lists as md5sum prints them, tables with a column MD5, "
-                                     "SHA-1 or SHA-256, or hashes one a line",
-                                     counted(made->lines, "line")));
+        throw UsageError(noHashText(*made));
     session.out << fmt::format("{} \"{}\": {} from {}, {} without one\n",
                                wordOf(order.facts.meaning), order.facts.name,
                                counted(made->hashes, "different hash", "different hashes"),
@@ -125,10 +120,7 @@ Exit remove(Session &session, const Arguments &arguments) {
                                          "removed; hashsets list lists them",
                                          printable(name), textOf(folder)));
     for (const std::string &name : arguments.names) {
-        std::error_code failed;
-        fs::remove(hashSetPath(folder, name), failed);
-        if (failed)
-            failStorage("cannot remove", hashSetPath(folder, name), failed.value());
+        removeHashSet(folder, name);
         session.out << fmt::format("\"{}\" removed\n", name);
     }
     return Exit::ok;

@@ -2,6 +2,7 @@
 #include "base/Text.h"
 #include "cli/ChosenFilters.h"
 #include "cli/Commands.h"
+#include "cli/HashSetRows.h"
 #include "cli/LayoutColumns.h"
 #include "cli/LoadedTable.h"
 #include "cli/NamedTagRows.h"
@@ -19,6 +20,7 @@ struct Arguments {
     std::string project;
     RowsAsked rows;
     std::string tag; ///< the name of one; empty for all rows
+    HashSetsAsked hashSets;
     std::vector<std::string> columns;
     std::string layout; ///< empty for none
     Format format = Format::table;
@@ -48,6 +50,8 @@ std::vector<UrlColumn> chosenColumns(const Arguments &arguments) {
             usual = allColumns();
         if (!arguments.tag.empty())
             usual.push_back(UrlColumn::TagNames);
+        if (arguments.hashSets.notable || !arguments.hashSets.sets.empty())
+            usual.push_back(UrlColumn::HashSets);
         return usual;
     }
     std::vector<UrlColumn> columns;
@@ -117,6 +121,7 @@ Exit run(Session &session, const Arguments &arguments) {
             columns = takeLayout(session, arguments, table);
         table.showColumns(columns);
         limitToTag(session, arguments.tag, table);
+        limitToHashSets(session, arguments.hashSets, table);
         loaded = loadTable(session, choiceOf(arguments.rows), table);
         const auto writer =
             makeRowWriter(arguments.format, session.out, headingsOf(columns, arguments));
@@ -131,27 +136,30 @@ Exit run(Session &session, const Arguments &arguments) {
 
 Command listCommand() {
     const auto given = std::make_shared<Arguments>();
-    return {.name = "list",
-            .what = "The rows of the table view",
-            .readme = {"`list PROJECT`",
-                       "shows the rows of the table; `--host`, `--filter`, "
-                       "`--query`, `--tag`, `--columns` or `--layout`, `--format` table, csv, tsv, "
-                       "jsonl"},
-            .examples = {{"list case.nvp --host example.com", "the rows of a host as a table"},
-                         {"list case.nvp --layout Pictures", "what the window's layout shows"},
-                         {"list case.nvp --format csv > rows.csv",
-                          "all rows and columns for a spreadsheet"}},
-            .arguments = {projectWord(given->project), queryOption(given->rows),
-                          hostOption(given->rows), filterOption(given->rows), tagOption(given->tag),
-                          value("--columns", given->columns, "Columns, separated by commas")
-                              .separatedByCommas(),
-                          value("--layout", given->layout,
-                                "The columns of a layout: Examiner, Caches, Pictures, Classic or "
-                                "your own"),
-                          flag("--dates-as-shown", given->datesAsShown,
-                               "Dates of csv and jsonl as the window shows them, not ISO 8601"),
-                          formatOption(given->format), namesOption(given->names)},
-            .run = [given](Session &session) { return run(session, *given); }};
+    Command command{
+        .name = "list",
+        .what = "The rows of the table view",
+        .readme = {"`list PROJECT`", "shows the rows of the table; `--host`, `--filter`, "
+                                     "`--query`, `--tag`, `--hash-set`, `--columns` or `--layout`, "
+                                     "`--format` table, csv, tsv, "
+                                     "jsonl"},
+        .examples = {{"list case.nvp --host example.com", "the rows of a host as a table"},
+                     {"list case.nvp --layout Pictures", "what the window's layout shows"},
+                     {"list case.nvp --format csv > rows.csv",
+                      "all rows and columns for a spreadsheet"}},
+        .arguments =
+            {projectWord(given->project), queryOption(given->rows), hostOption(given->rows),
+             filterOption(given->rows), tagOption(given->tag),
+             value("--columns", given->columns, "Columns, separated by commas").separatedByCommas(),
+             value("--layout", given->layout,
+                   "The columns of a layout: Examiner, Caches, Pictures, Classic or "
+                   "your own"),
+             flag("--dates-as-shown", given->datesAsShown,
+                  "Dates of csv and jsonl as the window shows them, not ISO 8601"),
+             formatOption(given->format), namesOption(given->names)},
+        .run = [given](Session &session) { return run(session, *given); }};
+    addHashSetOptions(command.arguments, given->hashSets);
+    return command;
 }
 
 } // namespace nv::cli

@@ -8,6 +8,7 @@
 #include "db/StoredQueries.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace nv::cli {
 
@@ -35,10 +36,19 @@ RowChoice choiceOf(const RowsAsked &rows) {
 
 namespace {
 
-std::string_view hiding(const UrlTable &table) {
-    if (!table.tags)
-        return "filters hide";
-    return table.filters.enableFilters ? "filters and the tag hide" : "the tag hides";
+/// What hides rows: "filters and the tag hide".
+std::string hiding(const UrlTable &table) {
+    std::vector<std::string_view> what;
+    if (table.filters.enableFilters)
+        what.emplace_back("filters");
+    if (table.time)
+        what.emplace_back("dates");
+    if (!table.hashSets.isEmpty())
+        what.emplace_back("hash sets");
+    if (table.tags)
+        what.emplace_back("the tag");
+    const bool isOne = what.size() == 1 && table.tags;
+    return fmt::format("{} {}", fmt::join(what, " and "), isOne ? "hides" : "hide");
 }
 
 } // namespace

@@ -9,7 +9,7 @@ namespace nv::cli {
 
 namespace {
 
-enum class Tree { evidence, hosts, kinds, all };
+enum class Tree { evidence, hosts, kinds, hashSets, all };
 
 struct Arguments {
     std::string project;
@@ -35,6 +35,10 @@ std::string_view wordOf(PlaceField field) {
         return "Domain";
     case PlaceField::Host:
         return "Host";
+    case PlaceField::HashMeaning:
+        return "Hash sets";
+    case PlaceField::HashSet:
+        return "Hash set";
     }
     return {};
 }
@@ -76,6 +80,8 @@ void writePlaces(Session &session, const Arguments &arguments, const Places &pla
         text.write(places.hosts);
     if (wants(Tree::kinds))
         text.write(places.kinds);
+    if (wants(Tree::hashSets))
+        text.write(places.hashSets);
     writer->finish();
 }
 
@@ -102,9 +108,10 @@ Command placesCommand() {
     const auto given = std::make_shared<Arguments>();
     return {.name = "places",
             .what = "Where the rows of a project come from, with their numbers",
-            .readme = {"`places PROJECT`", "counts rows by folder, person, browser, profile and "
-                                           "kind, and hosts by registered domain; `--tree`"},
-            .examples = {{"places case.nvp", "all three trees"},
+            .readme = {"`places PROJECT`",
+                       "counts rows by folder, person, browser, profile and "
+                       "kind, hosts by registered domain, and hash sets; `--tree`"},
+            .examples = {{"places case.nvp", "all trees"},
                          {"places case.nvp --tree hosts --format csv",
                           "hosts below the domains that somebody has registered"}},
             .arguments = {projectWord(given->project),
@@ -112,6 +119,7 @@ Command placesCommand() {
                                        {{"evidence", Tree::evidence},
                                         {"hosts", Tree::hosts},
                                         {"kinds", Tree::kinds},
+                                        {"hash-sets", Tree::hashSets},
                                         {"all", Tree::all}},
                                        "Which tree"),
                           formatOption(given->format)},

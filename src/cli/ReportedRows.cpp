@@ -7,6 +7,7 @@
 #include "cli/NamedTagRows.h"
 #include "cli/SearchedRows.h"
 #include "cli/Session.h"
+#include "views/TypedSpan.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -21,9 +22,7 @@ namespace {
 std::optional<TimeSpan> spanOf(const ReportedRows &chosen) {
     if (chosen.from.empty() && chosen.to.empty())
         return std::nullopt;
-    // Years that the calendar of dates can tell.
-    constexpr auto kFar = std::int64_t{250'000'000'000};
-    TimeSpan span{-62'000'000'000, kFar};
+    TimeSpan span = kAllTime;
     if (!chosen.from.empty())
         span.begin = secondAsked(chosen.from, "--from");
     if (!chosen.to.empty())
@@ -51,15 +50,24 @@ std::optional<RowIds> found(Session &session, const std::string &text, const Row
 
 } // namespace
 
+std::vector<Argument> chosenRowsOptions(ReportedRows &chosen) {
+    std::vector<Argument> options{
+        tagOption(chosen.tag),
+        queryOption(chosen.rows),
+        hostOption(chosen.rows),
+        filterOption(chosen.rows),
+        value("--search", chosen.search, "Only rows that this search finds"),
+        value("--from", chosen.from, "Only rows from this date on, by the zone's clock"),
+        value("--to", chosen.to, "Only rows up to this date, which belongs to them")};
+    addHashSetOptions(options, chosen.hashSets);
+    return options;
+}
+
 std::vector<Argument> reportedRowsOptions(ReportedRows &chosen) {
-    return {flag("--tagged", chosen.tagged, "Only rows with the tick"),
-            tagOption(chosen.tag),
-            queryOption(chosen.rows),
-            hostOption(chosen.rows),
-            filterOption(chosen.rows),
-            value("--search", chosen.search, "Only rows that this search finds"),
-            value("--from", chosen.from, "Only rows from this date on, by the zone's clock"),
-            value("--to", chosen.to, "Only rows up to this date, which belongs to them")};
+    std::vector<Argument> options{flag("--tagged", chosen.tagged, "Only rows with the tick")};
+    for (Argument &option : chosenRowsOptions(chosen))
+        options.push_back(std::move(option));
+    return options;
 }
 
 void checkReportedRows(const ReportedRows &chosen) {
@@ -72,6 +80,7 @@ std::optional<RowIds> idsOf(Session &session, const ReportedRows &chosen) {
     if (const auto span = spanOf(chosen))
         table.time = limitOf(*span, program.state.gmtZone, dateSettings(program).enableDSTChanges);
     limitToTag(session, chosen.tag, table);
+    limitToHashSets(session, chosen.hashSets, table);
     if (loadTable(session, choiceOf(chosen.rows), table) == LoadResult::Cancelled)
         return std::nullopt;
     return chosen.search.empty() ? table.ids() : found(session, chosen.search, table.ids());
@@ -93,6 +102,8 @@ std::string contentText(const ReportedRows &chosen) {
         parts.push_back(fmt::format("up to {}", chosen.to));
     if (!chosen.tag.empty())
         parts.push_back(fmt::format("the tag \"{}\"", chosen.tag));
+    for (std::string &part : contentOf(chosen.hashSets))
+        parts.push_back(std::move(part));
     if (chosen.tagged)
         parts.emplace_back("the ticked rows");
     return fmt::format("{}", fmt::join(parts, ", "));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/HashSetRows.h"
 #include "cli/SharedArguments.h"
 #include "views/IdLoader.h"
 
@@ -11,17 +12,20 @@ namespace nv::cli {
 
 class Session;
 
-/// Which rows a report is to be made of.
+/// Which rows a report is to be made of, or a sheet of pictures.
 struct ReportedRows {
     RowsAsked rows;
     std::string from;   ///< dates by the zone's clock; empty for no limit
     std::string to;     ///< belongs to the span
     std::string search; ///< as `search` takes it
     std::string tag;    ///< the name of one; empty for all rows
-    bool tagged = false;
+    HashSetsAsked hashSets;
+    bool tagged = false; ///< of reports
 };
 
-/// The options that choose them.
+/// The options that choose them, but for the tick.
+std::vector<Argument> chosenRowsOptions(ReportedRows &chosen);
+/// All of them.
 std::vector<Argument> reportedRowsOptions(ReportedRows &chosen);
 
 /// What of them can be checked before a project is open. Throws UsageError.

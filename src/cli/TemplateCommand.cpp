@@ -3,10 +3,13 @@
 #include "base/Files.h"
 #include "cli/Commands.h"
 #include "cli/HandOver.h"
+#include "cli/NamedTagRows.h"
 #include "cli/OutputPath.h"
 #include "cli/RowCheck.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
+#include "cli/UsageError.h"
+#include "db/RecordTags.h"
 #include "rebuild/Harvest.h"
 #include "rebuild/LocalNames.h"
 #include "rebuild/TemplateList.h"
@@ -23,6 +26,7 @@ namespace {
 struct Arguments {
     std::string project;
     std::vector<std::int64_t> ids;
+    std::string tag;    ///< whose rows in place of `ids`
     std::string file;   ///< a template
     std::string folder; ///< of templates; empty for the settings' one
     std::string out;    ///< folder that gets a folder a page; empty for none
@@ -34,6 +38,18 @@ struct Arguments {
 
 fs::path folderOf(const Program &program, const Arguments &arguments) {
     return arguments.folder.empty() ? program.state.templatesPath : fs::path(arguments.folder);
+}
+
+/// The rows that were named, or those of the tag.
+std::vector<UrlId> pagesOf(SQLite::Database &project, const Arguments &arguments) {
+    if (arguments.tag.empty() == arguments.ids.empty())
+        throw UsageError("URL_ID, --tag: keys of rows or a tag were expected, one of the two");
+    if (arguments.tag.empty())
+        return differentRows(project, arguments.ids);
+    const auto tagged = RecordTags(project).rowsOf(namedTag(project, arguments.tag).tagID);
+    if (tagged.empty())
+        throw UsageError(fmt::format("no row has the tag \"{}\"", printable(arguments.tag)));
+    return differentRows(project, std::vector<std::int64_t>(tagged.begin(), tagged.end()));
 }
 
 std::string_view wordOf(TemplateResult result) {
@@ -81,7 +97,7 @@ void checkOut(Program &program, const Arguments &arguments, std::span<const UrlI
 Exit create(Session &session, const Arguments &arguments) {
     session.open(arguments.project);
     Program &program = session.program;
-    const auto ids = differentRows(program.state.projectDB.connection(), arguments.ids);
+    const auto ids = pagesOf(program.state.projectDB.connection(), arguments);
     program.state.wideRecordIds |= arguments.wideIds;
     const fs::path folder = folderOf(program, arguments);
     refuseEvidence(folder, program.state);
@@ -124,7 +140,7 @@ Exit apply(Session &session, const Arguments &arguments) {
     const std::vector<fs::path> templates{templateOf(session.program, arguments)};
     session.open(arguments.project);
     Program &program = session.program;
-    const auto ids = differentRows(program.state.projectDB.connection(), arguments.ids);
+    const auto ids = pagesOf(program.state.projectDB.connection(), arguments);
     checkOut(program, arguments, ids);
     program.state.templateMatchByTitle = !arguments.anyTitle;
     Exit exit = Exit::ok;
@@ -148,7 +164,7 @@ Argument folderOption(Arguments &given) {
 }
 
 Argument pagesWord(Arguments &given) {
-    return value("URL_ID", given.ids, "Keys of the pages' rows").required();
+    return value("URL_ID", given.ids, "Keys of the pages' rows");
 }
 
 } // namespace
@@ -168,6 +184,7 @@ Command templateCreateCommand() {
         .examples = {{"template create case.nvp 17", "of a page that was rebuilt"},
                      {"template create case.nvp 17 --folder mine --overwrite", ""}},
         .arguments = {folderOption(*given), projectWord(given->project), pagesWord(*given),
+                      tagOption(given->tag),
                       flag("--overwrite", given->overwrite, "Replace templates of the same name"),
                       wideIdsFlag(given->wideIds)},
         .run = [given](Session &session) { return create(session, *given); }};
@@ -188,13 +205,14 @@ Command templateApplyCommand() {
             .what = "Lay a template over pages",
             .examples = {{"template apply case.nvp inbox.NVT 42", "by its name in the folder"},
                          {"template apply case.nvp mine/inbox.NVT 42 --any-title", "by its path"},
+                         {"template apply case.nvp inbox.NVT --tag Mail", "over all tagged pages"},
                          {"template apply case.nvp inbox.NVT 42 --out pages",
                           "and the page with its parts into a folder"}},
             .arguments = {folderOption(*given), projectWord(given->project),
                           value("TEMPLATE", given->file,
                                 "Name of a template in the folder, or its file")
                               .required(),
-                          pagesWord(*given),
+                          pagesWord(*given), tagOption(given->tag),
                           value("--out", given->out, "Folder that gets a folder a page"),
                           flag("--overwrite", given->overwrite, "Replace folders of such pages"),
                           flag("--any-title", given->anyTitle, "Pages of another title too")},

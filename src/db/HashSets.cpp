@@ -133,6 +133,17 @@ std::vector<HashSetFile> openHashSets(const fs::path &folder, std::span<const st
     return sets;
 }
 
+void removeHashSet(const fs::path &folder, std::string_view name) {
+    const fs::path path = hashSetPath(folder, name);
+    if (!isHashSetName(name) || !fs::is_regular_file(path))
+        throw StorageFailure(
+            fmt::format("there is no hash set \"{}\" in \"{}\"", name, textOf(folder)));
+    std::error_code failed;
+    fs::remove(path, failed);
+    if (failed)
+        failStorage("cannot remove", path, failed.value());
+}
+
 std::optional<HashSetMade> makeHashSet(HashSetOrder order, TaskMonitor &task) {
     makeFolder(order.folder);
     const fs::path target = hashSetPath(order.folder, order.facts.name);

@@ -24,6 +24,9 @@ std::vector<std::filesystem::path> hashSetPaths(const std::filesystem::path &fol
 std::vector<HashSetFile> openHashSets(const std::filesystem::path &folder,
                                       std::span<const std::string> names = {});
 
+/// Throws StorageFailure when there is none of this name, or it stays.
+void removeHashSet(const std::filesystem::path &folder, std::string_view name);
+
 /// What a set was made of.
 struct HashSetMade {
     std::uint64_t lines = 0;

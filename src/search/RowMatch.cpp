@@ -63,7 +63,7 @@ std::optional<TextSpan> findWords(const std::vector<std::string> &words, bool an
 }
 
 RowMatch::RowMatch(SearchQuery query, SearchScope scope)
-    : m_query(std::move(query)), m_scope(scope), m_tagged(m_query.clauses.size()) {
+    : m_query(std::move(query)), m_scope(scope), m_marked(m_query.clauses.size()) {
     m_sought.reserve(m_query.clauses.size());
     for (const SearchClause &clause : m_query.clauses)
         m_sought.push_back({foldedCase(clause.text), wordsOf(clause.text)});
@@ -109,7 +109,8 @@ bool RowMatch::meetsClause(std::size_t clause, const SearchedRow &row) {
     case ClauseKind::after:
         return row.actionDateUTC.has() && !isBefore(row, asked);
     case ClauseKind::tag:
-        return std::ranges::binary_search(m_tagged.at(clause), row.id);
+    case ClauseKind::hashSet:
+        return std::ranges::binary_search(m_marked.at(clause), row.id);
     case ClauseKind::text:
     case ClauseKind::expression:
         break;

@@ -33,10 +33,11 @@ class RowMatch {
 
     const SearchQuery &query() const { return m_query; }
     SearchScope scope() const { return m_scope; }
-    /// The rows that the tag: condition of this place names. Tags stand in no text of a row and
-    /// change at any time, so that they are told before each search; no row has them until then.
-    void setTagged(std::size_t clause, FoundIds ids) { m_tagged.at(clause) = std::move(ids); }
-    const FoundIds &tagged(std::size_t clause) const { return m_tagged.at(clause); }
+    /// The rows that the tag: or hashset: condition of this place names. These stand in no text of
+    /// a row and change at any time, so that they are told before each search; no row has them
+    /// until then.
+    void setMarked(std::size_t clause, FoundIds ids) { m_marked.at(clause) = std::move(ids); }
+    const FoundIds &marked(std::size_t clause) const { return m_marked.at(clause); }
     /// Meets all conditions.
     bool meets(const SearchedRow &row);
     /// What the condition of this place asks, whether it is excluded or not.
@@ -63,7 +64,7 @@ class RowMatch {
     SearchQuery m_query;
     SearchScope m_scope;
     std::vector<Sought> m_sought;   ///< of each clause
-    std::vector<FoundIds> m_tagged; ///< of each clause; empty for those of other kinds
+    std::vector<FoundIds> m_marked; ///< of each clause; empty for those of other kinds
     FoldedText m_folded;
 };
 

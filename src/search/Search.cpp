@@ -2,8 +2,8 @@
 
 #include "db/SqliteErrors.h"
 #include "readers/RecordKind.h"
+#include "search/MarkedRows.h"
 #include "search/SearchedRowReader.h"
-#include "search/TaggedRows.h"
 
 #include <algorithm>
 #include <map>
@@ -28,7 +28,7 @@ class FactMatch {
   public:
     explicit FactMatch(const SearchQuery &query) {
         for (const SearchClause &clause : query.clauses)
-            if (!isOfText(clause) && clause.kind != ClauseKind::tag)
+            if (!isOfText(clause) && !isOfMark(clause.kind))
                 m_asked.push_back({&clause, foldedCase(clause.text), {}});
     }
     bool empty() const { return m_asked.empty(); }
@@ -85,16 +85,16 @@ Told askIndex(SearchIndex &index, const RowMatch &match, std::size_t most) {
     const SearchQuery &query = match.query();
     Told told;
     FoundIds taken;
-    bool areAllThere = true; // a table that somebody else has made may tag rows that aren't there
+    bool areAllThere = true; // a table that somebody else has made may mark rows that aren't there
     for (std::size_t at = 0; at < query.clauses.size(); ++at) {
         const SearchClause &clause = query.clauses[at];
-        const bool isOfTag = clause.kind == ClauseKind::tag;
-        if (!isOfText(clause) && !isOfTag)
+        const bool isMark = isOfMark(clause.kind);
+        if (!isOfText(clause) && !isMark)
             continue;
         auto ids =
-            isOfTag ? std::optional(match.tagged(at))
-                    : index.rowsWith(clause, match.scope(), query.clauses.size() == 1 ? most : 0);
-        areAllThere = areAllThere && !isOfTag;
+            isMark ? std::optional(match.marked(at))
+                   : index.rowsWith(clause, match.scope(), query.clauses.size() == 1 ? most : 0);
+        areAllThere = areAllThere && !isMark;
         if (!ids)
             told.left.push_back(at);
         else if (clause.isExcluded)
@@ -199,7 +199,7 @@ bool needsParts(const RowMatch &match) {
 SearchFound findIndexed(SQLite::Database &project, SearchIndex &index, RowMatch &match,
                         TaskMonitor &task, std::size_t most) {
     SearchFound found;
-    takeTags(project, match);
+    takeMarks(project, match);
     found.unread = index.unread();
     found.outside = index.outside();
     Told told = askIndex(index, match, most);
@@ -233,7 +233,7 @@ SearchFound findRows(SQLite::Database &project, SearchIndex &index, RowMatch &ma
 SearchFound scanRows(SQLite::Database &project, RowMatch &match, TaskMonitor &task,
                      std::size_t most) {
     SearchFound found;
-    takeTags(project, match);
+    takeMarks(project, match);
     SearchedRowReader reader(project, textsOf(match));
     while ((most == 0 || found.ids.size() < most) && reader.next()) {
         if (match.meets(reader.row()))

@@ -22,12 +22,13 @@ struct Operator {
     std::string_view word;
     ClauseKind kind;
 };
-constexpr std::array<Operator, 6> kOperators = {{{"host:", ClauseKind::host},
+constexpr std::array<Operator, 7> kOperators = {{{"host:", ClauseKind::host},
                                                  {"browser:", ClauseKind::browser},
                                                  {"kind:", ClauseKind::kind},
                                                  {"before:", ClauseKind::before},
                                                  {"after:", ClauseKind::after},
-                                                 {"tag:", ClauseKind::tag}}};
+                                                 {"tag:", ClauseKind::tag},
+                                                 {"hashset:", ClauseKind::hashSet}}};
 
 /// What is left of the box's text, from the left.
 class Words {

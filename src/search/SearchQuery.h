@@ -11,7 +11,21 @@
 
 namespace nv {
 
-enum class ClauseKind : std::uint8_t { text, expression, host, browser, kind, before, after, tag };
+enum class ClauseKind : std::uint8_t {
+    text,
+    expression,
+    host,
+    browser,
+    kind,
+    before,
+    after,
+    tag,
+    hashSet
+};
+/// Of tags and hash sets, which stand in no text of a row.
+constexpr bool isOfMark(ClauseKind kind) {
+    return kind == ClauseKind::tag || kind == ClauseKind::hashSet;
+}
 
 /// One condition of a search.
 struct SearchClause {
@@ -32,9 +46,9 @@ struct SearchQuery {
 };
 
 /// Reads what stands in the search box: words, "phrases", -word, host:, browser:, kind:, tag:,
-/// before:, after:, /expression/. A quotation mark that isn't closed goes on to the end, since a
-/// search is made while it is typed. Throws SearchFailure for an operator without a value, a date
-/// or an expression that can't be read, and when there is nothing to look for or too much.
+/// hashset:, before:, after:, /expression/. A quotation mark that isn't closed goes on to the end,
+/// since a search is made while it is typed. Throws SearchFailure for an operator without a value,
+/// a date or an expression that can't be read, and when there is nothing to look for or too much.
 SearchQuery parseSearch(std::string_view text);
 
 /// "2011", "2011-03", "2011-03-01" or "2011-03-01T15:30[:00]": its first second. No date for

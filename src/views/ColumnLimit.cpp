@@ -4,6 +4,7 @@
 #include "base/Trap.h"
 #include "db/RowWalk.h"
 #include "search/FoldedText.h"
+#include "views/GatheredTexts.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -26,15 +27,36 @@ std::string_view textIn(const SQLite::Column &column) {
     return {bytes, static_cast<std::size_t>(column.getBytes())};
 }
 
+/// Dates of the zone's clock are shown from that in UTC, and go by it here too.
+std::string_view sourceOf(UrlColumn column) {
+    const CellRule rule = factsOf(column).rule;
+    const bool isOfZone = rule == CellRule::ZoneDate || rule == CellRule::LocalDate;
+    return isOfZone ? factsOf(UrlColumn::ActionDateUtc).source : factsOf(column).source;
+}
+
+using Look = std::function<void(std::int32_t, std::string_view)>;
+
+/// Of a column that is made of rows of another table.
+Walk walkGathered(SQLite::Database &project, const RowIds &ids, UrlColumn column, TaskMonitor &task,
+                  const Look &look) {
+    GatheredTexts texts;
+    if (gatherTexts(project, column, task, texts) == Walk::Cancelled)
+        return Walk::Cancelled;
+    for (const std::int32_t id : ids)
+        look(id, texts.of(id));
+    return Walk::Finished;
+}
+
 /// Calls `look` with the value of each row that can be read.
 Walk walkValues(SQLite::Database &project, const RowIds &sorted, UrlColumn column,
-                TaskMonitor &task,
-                const std::function<void(std::int32_t, std::string_view)> &look) {
+                TaskMonitor &task, const Look &look) {
+    if (isGathered(column))
+        return walkGathered(project, sorted, column, task, look);
     const UrlColumnFacts &facts = factsOf(column);
     const bool isFlag = facts.rule == CellRule::YesNo || facts.rule == CellRule::Flag;
     SQLite::Statement row(project, fmt::format("SELECT URL_ID, {} FROM URLs WHERE URL_ID >= ? "
                                                "ORDER BY URL_ID",
-                                               facts.source));
+                                               sourceOf(column)));
     RowWalk walk(row);
     NoLog unheard; // whoever looks at the row logs its damage
     double done = 0;
@@ -54,6 +76,14 @@ Walk walkValues(SQLite::Database &project, const RowIds &sorted, UrlColumn colum
     return Walk::Finished;
 }
 
+bool isWithin(std::string_view text, const ColumnLimit &limit) {
+    double days = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), days);
+    const bool isDate = error == std::errc() && end == text.data() + text.size();
+    const bool isUnset = limit.column == UrlColumn::ExpiryDate && days == 0; // "never set"
+    return isDate && !isUnset && holds(limit.dates->within, days);
+}
+
 bool isBetween(std::string_view text, const ColumnLimit &limit) {
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -64,6 +94,8 @@ bool isBetween(std::string_view text, const ColumnLimit &limit) {
 } // namespace
 
 ColumnValues valuesOf(UrlColumn column) {
+    if (isGathered(column))
+        return ColumnValues::texts;
     if (factsOf(column).source.empty())
         return ColumnValues::none;
     switch (factsOf(column).rule) {
@@ -73,6 +105,11 @@ ColumnValues valuesOf(UrlColumn column) {
         return ColumnValues::texts;
     case CellRule::Number:
         return ColumnValues::numbers;
+    case CellRule::Date:
+    case CellRule::FileCreated:
+    case CellRule::ZoneDate:
+    case CellRule::LocalDate:
+        return ColumnValues::dates;
     default:
         return ColumnValues::none;
     }
@@ -95,7 +132,8 @@ Walk keepByColumn(SQLite::Database &project, const ColumnLimit &limit, TaskMonit
                 folded.fold(value);
                 meets = folded.text().find(part) != std::string::npos;
             }
-            if (!meets || (isRange && !isBetween(value, limit)))
+            meets = meets && (!isRange || isBetween(value, limit));
+            if (!meets || (limit.dates && !isWithin(value, limit)))
                 out.push_back(id);
         });
     if (walk == Walk::Cancelled)

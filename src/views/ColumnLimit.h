@@ -1,6 +1,7 @@
 #pragma once
 
 #include "views/IdLoader.h"
+#include "views/TypedSpan.h"
 #include "views/UrlColumns.h"
 
 #include <cstddef>
@@ -20,11 +21,12 @@ struct ColumnLimit {
     std::string part = {};           ///< of a text, in either case of letters; empty for any
     std::optional<double> from = {}; ///< of a number
     std::optional<double> to = {};   ///< which belongs to it
+    std::optional<DateRange> dates = {};
 
     bool operator==(const ColumnLimit &) const = default;
 };
 
-enum class ColumnValues : std::uint8_t { none, texts, numbers };
+enum class ColumnValues : std::uint8_t { none, texts, numbers, dates };
 /// Whether rows can be limited by the column, and what it holds.
 ColumnValues valuesOf(UrlColumn column);
 

@@ -1,10 +1,13 @@
 #include "views/DateIndex.h"
 
 #include "db/Damage.h"
+#include "db/FoundHashSets.h"
+#include "db/HashLookup.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <string_view>
 
@@ -64,6 +67,14 @@ IndexState ensureGalleryIndex(SQLite::Database &database, TaskMonitor &task) {
                        "URLs(Host, ThumbnailMD5Hash, PARDValue, PictureWidth, PictureHeight, "
                        "IsPicture, IsWebPage, Category, CacheFileExists) "
                        "WHERE length(ThumbnailMD5Hash) > 0");
+}
+
+IndexState ensureHashSetIndex(SQLite::Database &database, TaskMonitor &task) {
+    if (!hasFacts(database))
+        return IndexState::Present;
+    return ensureIndex(database, task, "FoundHashSetsIndex",
+                       fmt::format("RecordFacts(URL_ID, Name, Value) WHERE Name IN ('{}')",
+                                   fmt::join(kHashSetFacts, "', '")));
 }
 
 } // namespace nv

@@ -31,4 +31,8 @@ IndexState ensureLinkHashIndex(SQLite::Database &database, TaskMonitor &task);
 /// after the thumbnail's bytes: without the index each of those would be read.
 IndexState ensureGalleryIndex(SQLite::Database &database, TaskMonitor &task);
 
+/// The same for what was found in hash sets: a handful of facts among those of all records. A
+/// project of an earlier build has no facts, and needs none.
+IndexState ensureHashSetIndex(SQLite::Database &database, TaskMonitor &task);
+
 } // namespace nv

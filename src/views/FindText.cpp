@@ -83,7 +83,7 @@ LinkCounts linkCounts(SQLite::Database &database, const char *column) {
 class RowFinder {
   public:
     RowFinder(const FindText &what, SQLite::Database &database, RowCells &cells)
-        : m_pattern(what.text), m_cells(cells), m_tags(database),
+        : m_pattern(what.text), m_cells(cells), m_tags(database), m_hashSets(database),
           m_isNumber(alphabetOfNumbers().canSpell(what.text)),
           m_isDate(alphabetOfDates(cells).canSpell(what.text)) {
         for (const UrlColumn column : what.columns)
@@ -153,6 +153,7 @@ class RowFinder {
         case CellRule::Status:
             return planStatus(column);
         case CellRule::TagNames:
+        case CellRule::HashSets:
             return compute(true, "NULL");
         default:
             return compute(true, facts.source);
@@ -190,6 +191,8 @@ class RowFinder {
             return inStatus(probe, value);
         case CellRule::TagNames:
             return inTags();
+        case CellRule::HashSets:
+            return m_pattern.isInShown(displayText(m_hashSets.of(recordId())));
         case CellRule::YesNo:
             m_row.cacheFileExists = value.getInt() != 0;
             return isShown(probe, value);
@@ -210,10 +213,9 @@ class RowFinder {
         return found != counts.end() && m_pattern.isInShown(std::to_string(found->second));
     }
 
-    bool inTags() {
-        return m_pattern.isInShown(
-            displayText(namesOf(m_tags.of(UrlId{m_rows->getColumn(0).getInt64()}))));
-    }
+    UrlId recordId() { return UrlId{m_rows->getColumn(0).getInt64()}; }
+
+    bool inTags() { return m_pattern.isInShown(displayText(namesOf(m_tags.of(recordId())))); }
 
     /// There are a few dozens of them, whatever the number of rows.
     bool inType(std::string_view cacheType) {
@@ -238,6 +240,7 @@ class RowFinder {
     FindPattern m_pattern;
     RowCells &m_cells;
     RowTagReader m_tags;
+    RowHashSetReader m_hashSets;
     bool m_isNumber; ///< the text may stand in a number
     bool m_isDate;
     bool m_countsLinks = false;

@@ -68,13 +68,15 @@ LoadResult Gallery::load(TaskMonitor &task) {
                     if (!isReadOnly(m_project) &&
                         ensureGalleryIndex(m_project, task) == IndexState::Cancelled)
                         return Walk::Cancelled;
-                    return findRows(m_project, galleryQuery(choice, pard, settings.media), filters,
-                                    task, found);
+                    return findRows(m_project, galleryQuery(choice, pard, settings.media),
+                                    RecordFilters(), task, found);
                 });
     if (walk == Walk::Finished) {
         m_ids = std::move(found.ids);
         m_lost = std::move(found.lost);
         m_ids.resize(m_ids.size() - m_lost.size()); // they are its last
+        if (among)
+            keepOnly(*among, m_ids);
     }
     m_pageCount = static_cast<int>((m_ids.size() + m_pageSize - 1) / m_pageSize);
     // After a cancelled or failed load too: there are no ids then, and no tile of the load before

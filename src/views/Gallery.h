@@ -4,12 +4,14 @@
 #include "base/FailureLog.h"
 #include "base/KeyedList.h"
 #include "base/TaskMonitor.h"
+#include "search/FoundIds.h"
 #include "views/Pard.h"
 #include "views/UrlQuery.h"
 #include "views/UrlTable.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -61,7 +63,9 @@ class Gallery {
 
     // What the next load takes up.
     RowChoice choice;
-    RecordFilters filters; ///< off in the window, whose gallery goes by shape and host alone
+    /// The rows that the table shows: whatever limits them limits the gallery. Null for all of the
+    /// query's.
+    std::shared_ptr<const FoundIds> among;
     PardChoice pard;
     GallerySettings settings;
 

@@ -3,6 +3,7 @@
 #include "db/HashLookup.h"
 #include "db/RecordFacts.h"
 #include "db/SqliteErrors.h"
+#include "views/DateIndex.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -119,6 +120,8 @@ class Matching {
         m_findings.erase(std::unique(m_findings.begin(), m_findings.end(), isSameRowAndSet),
                          m_findings.end());
         std::ranges::reverse(m_findings);
+        if (ensureHashSetIndex(m_project, m_task) == IndexState::Cancelled)
+            return false;
         SQLite::Transaction transaction(m_project); // rolled back when it isn't committed
         dropFindings(earlier);
         RecordFacts facts(m_project);

@@ -20,14 +20,14 @@ constexpr UrlColumn kExaminerColumns[] = {
     C::Tag,          C::TagNames, C::Icon,   C::LocalDate, C::Browser, C::Type,   C::Host,
     C::WebpageTitle, C::Value,    C::Person, C::User,      C::Visits,  C::Status, C::Note};
 constexpr UrlColumn kCacheColumns[] = {
-    C::Tag,           C::Icon,       C::LocalDate,     C::Browser, C::Host,
-    C::FileName,      C::MimeType,   C::CacheFileSize, C::Value,   C::WebpageTitle,
-    C::Category,      C::FileExists, C::Rebuilt,       C::Status,  C::CacheFolder,
-    C::CacheFileName, C::Person,     C::Profile,       C::Note};
+    C::Tag,         C::Icon,          C::LocalDate,     C::Browser, C::Host,
+    C::FileName,    C::MimeType,      C::CacheFileSize, C::Value,   C::WebpageTitle,
+    C::Category,    C::FileExists,    C::Rebuilt,       C::Status,  C::HashSets,
+    C::CacheFolder, C::CacheFileName, C::Person,        C::Profile, C::Note};
 constexpr UrlColumn kPictureColumns[] = {
-    C::Tag,      C::Icon,       C::LocalDate,    C::Browser,       C::Host,
-    C::FileName, C::FileExt,    C::PictureWidth, C::PictureHeight, C::CacheFileSize,
-    C::Value,    C::FileExists, C::Person,       C::Profile,       C::Note};
+    C::Tag,      C::Icon,         C::LocalDate,     C::Browser,       C::Host,  C::FileName,
+    C::FileExt,  C::PictureWidth, C::PictureHeight, C::CacheFileSize, C::Value, C::FileExists,
+    C::HashSets, C::Person,       C::Profile,       C::Note};
 
 struct BuiltInLayout {
     std::string_view name;

@@ -1,6 +1,8 @@
 #include "views/PlaceLimit.h"
 
 #include "base/DisplayText.h"
+#include "db/FoundHashSets.h"
+#include "db/HashLookup.h"
 #include "views/PlaceFunctions.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -38,7 +40,8 @@ std::string_view nameOfNone(PlaceField field) {
 /// text.
 class PlaceCondition {
   public:
-    explicit PlaceCondition(SQLite::Database &project) : m_hasOrigin(hasOriginColumns(project)) {}
+    explicit PlaceCondition(SQLite::Database &project)
+        : m_hasOrigin(hasOriginColumns(project)), m_hasFacts(hasFacts(project)) {}
 
     std::string of(const PlaceChoice &choice) {
         std::vector<std::string> parts;
@@ -86,6 +89,13 @@ class PlaceCondition {
             return isOne(fmt::format("{}(CacheType)", kKindFunction), value);
         case PlaceField::Domain:
             return isOne(fmt::format("{}(Host)", kDomainFunction), value);
+        case PlaceField::HashMeaning:
+            return isInSet(value == wordOf(HashMeaning::notable)
+                               ? rowsInHashSets(HashMeaning::notable)
+                               : rowsInHashSets(HashMeaning::known));
+        case PlaceField::HashSet:
+            return isInSet(fmt::format("SELECT URL_ID FROM RecordFacts WHERE {} AND {}",
+                                       hashSetFacts(), isOne("Value", value)));
         default:
             return isOne("Host", value) + " COLLATE NOCASE";
         }
@@ -97,7 +107,12 @@ class PlaceCondition {
                            m_values.size() - 1);
     }
 
+    std::string isInSet(const std::string &rows) const {
+        return m_hasFacts ? fmt::format("URL_ID IN ({})", rows) : "0";
+    }
+
     bool m_hasOrigin;
+    bool m_hasFacts;
     json m_values = json::array();
 };
 

@@ -15,10 +15,12 @@ enum class PlaceField : std::uint8_t {
     Person,
     Browser,
     Profile,
-    Group,  ///< groupWord() of the record's kind
-    Kind,   ///< typeWord() of it
-    Domain, ///< registeredDomain() of the host
-    Host,   ///< in small letters
+    Group,       ///< groupWord() of the record's kind
+    Kind,        ///< typeWord() of it
+    Domain,      ///< registeredDomain() of the host
+    Host,        ///< in small letters
+    HashMeaning, ///< wordOf() the meaning of a hash set that its file is in
+    HashSet,     ///< the name of one
 };
 
 /// An empty value stands for rows that have none.

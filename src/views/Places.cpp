@@ -3,6 +3,7 @@
 #include "address/RegisteredDomain.h"
 #include "base/Text.h"
 #include "db/Damage.h"
+#include "db/FoundHashSets.h"
 #include "readers/RecordKind.h"
 #include "views/CellText.h"
 #include "views/DamagedList.h"
@@ -222,10 +223,19 @@ class PlaceCounts {
     std::uint64_t m_records = 0;
 };
 
-} // namespace
+std::vector<PlaceNode> hashSetPlaces(SQLite::Database &project) {
+    std::vector<PlaceNode> nodes;
+    for (const FoundHashSet &set : foundHashSets(project)) {
+        const PlaceTerm meaning{PlaceField::HashMeaning, std::string(wordOf(set.meaning))};
+        if (nodes.empty() || nodes.back().term != meaning)
+            nodes.push_back({.term = meaning, .records = countInHashSets(project, set.meaning)});
+        nodes.back().children.push_back(
+            {.term = {PlaceField::HashSet, set.name}, .records = set.rows});
+    }
+    return nodes;
+}
 
-Walk loadPlaces(SQLite::Database &project, TaskMonitor &task, Places &places) {
-    places = {};
+Walk countRows(SQLite::Database &project, TaskMonitor &task, Places &places) {
     bool whole = false;
     PlaceCounts counts;
     if (unlessDamaged([&] { whole = counts.read(project, "", task); })) {
@@ -254,6 +264,16 @@ Walk loadPlaces(SQLite::Database &project, TaskMonitor &task, Places &places) {
     if (whole)
         survivors.fill(places);
     return whole ? Walk::Finished : Walk::Cancelled;
+}
+
+} // namespace
+
+Walk loadPlaces(SQLite::Database &project, TaskMonitor &task, Places &places) {
+    places = {};
+    const Walk walk = countRows(project, task, places);
+    if (walk == Walk::Finished && !unlessDamaged([&] { places.hashSets = hashSetPlaces(project); }))
+        places.hashSets.clear();
+    return walk;
 }
 
 } // namespace nv

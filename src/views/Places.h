@@ -24,6 +24,8 @@ struct Places {
     std::vector<PlaceNode> hosts;
     /// Group, kind; in the order of the groups.
     std::vector<PlaceNode> kinds;
+    /// What hash sets are for, set; notable ones first. A row may be in several.
+    std::vector<PlaceNode> hashSets;
     std::uint64_t records = 0;
     UnreadRows unread; ///< rows that no place counts, since the project is damaged there
 };

@@ -129,6 +129,8 @@ std::string wordOf(const UrlRow &row, UrlColumn column, bool badPath) {
         return std::string(RowCells::iconKeyOf(row));
     case CellRule::TagNames:
         return namesOf(row.tags);
+    case CellRule::HashSets:
+        return row.hashSets;
     case CellRule::Note:
         return storedFlag(row, column) ? yesNo(true) : std::string();
     default:

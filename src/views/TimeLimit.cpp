@@ -39,7 +39,13 @@ double daysBefore(Date moment, double beyond) {
     return moment.has() ? moment.days() - kHalfSecond : beyond;
 }
 
+constexpr double kBeyond = 1e9;
+
 } // namespace
+
+bool holds(const TimeLimit &limit, double days) {
+    return days >= daysBefore(limit.from, -kBeyond) && days < daysBefore(limit.to, kBeyond);
+}
 
 TimeLimit limitOf(const TimeSpan &span, const TimeZone &zone, bool enableDSTChanges) {
     return {firstMoment(span.begin, zone, enableDSTChanges),
@@ -47,7 +53,6 @@ TimeLimit limitOf(const TimeSpan &span, const TimeZone &zone, bool enableDSTChan
 }
 
 Walk keepWithin(SQLite::Database &project, const TimeLimit &limit, TaskMonitor &task, RowIds &ids) {
-    constexpr double kBeyond = 1e9;
     // A text, which is no date, is more than any number.
     const IdQuery query{fmt::format("SELECT URL_ID FROM URLs WHERE ActionDateUTC >= {} AND "
                                     "ActionDateUTC < {}",

@@ -20,6 +20,9 @@ struct TimeLimit {
 /// Throws std::range_error as convertDateToZone() does.
 TimeLimit limitOf(const TimeSpan &span, const TimeZone &zone, bool enableDSTChanges);
 
+/// Whether a stored date is within: days of UTC, which aren't exact to the last bit.
+bool holds(const TimeLimit &limit, double days);
+
 /// Takes the other rows out of `ids`, but for those of which nobody can tell since the project is
 /// damaged; a cancel leaves all. Throws what the database says.
 Walk keepWithin(SQLite::Database &project, const TimeLimit &limit, TaskMonitor &task, RowIds &ids);

@@ -72,6 +72,7 @@ constexpr std::array<UrlColumnFacts, kTableColumnCount> kTableColumns = {{
     {C::Profile, "COL_URL_PROFILE", "Profile", 1600, Shown::No, R::Text, "Profile"},
     {C::Person, "COL_URL_PERSON", "Person", 1300, Shown::No, R::Text, "Person"},
     {C::TagNames, "COL_URL_TAG_NAMES", "Tag Names", 1800, Shown::No, R::TagNames, ""},
+    {C::HashSets, "COL_URL_HASH_SETS", "Hash Sets", 2000, Shown::No, R::HashSets, ""},
 }};
 // clang-format on
 
@@ -86,6 +87,11 @@ bool isDate(UrlColumn column) {
     const CellRule rule = factsOf(column).rule;
     return rule == CellRule::Date || rule == CellRule::ZoneDate || rule == CellRule::LocalDate ||
            rule == CellRule::FileCreated;
+}
+
+bool isGathered(UrlColumn column) {
+    const CellRule rule = factsOf(column).rule;
+    return rule == CellRule::TagNames || rule == CellRule::HashSets;
 }
 
 std::vector<std::string_view> columnKeys() {

@@ -75,9 +75,10 @@ enum class UrlColumn : std::uint8_t {
     Profile,
     Person,
     TagNames, ///< of named tags, unlike the tick of Tag
+    HashSets, ///< that the row's file is in
 };
 inline constexpr std::size_t kUrlColumnCount = 51;   ///< those of layout "Classic"
-inline constexpr std::size_t kTableColumnCount = 57; ///< all that the table can show
+inline constexpr std::size_t kTableColumnCount = 58; ///< all that the table can show
 
 constexpr std::size_t indexOf(UrlColumn column) {
     return static_cast<std::size_t>(column);
@@ -103,6 +104,7 @@ enum class CellRule : std::uint8_t {
     Status,
     Note, ///< "Yes" when the examiner has noted something
     TagNames,
+    HashSets,
 };
 
 enum class Shown : std::uint8_t { Yes, No };
@@ -126,6 +128,8 @@ extern const std::span<const UrlColumnFacts, kUrlColumnCount> kUrlColumns;
 const UrlColumnFacts &factsOf(UrlColumn column);
 /// Whether the cell is a date by which rows can be sorted.
 bool isDate(UrlColumn column);
+/// Whether its cells are made of several rows of another table (views/GatheredTexts.h).
+bool isGathered(UrlColumn column);
 /// Of all columns, in order of their index.
 std::vector<std::string_view> columnKeys();
 /// By key, without regard to case.

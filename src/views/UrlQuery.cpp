@@ -50,6 +50,8 @@ std::string_view hostCondition(const RowChoice &rows) {
 
 std::string sortKey(UrlColumn column, bool undatedLast) {
     const UrlColumnFacts &facts = factsOf(column);
+    if (isGathered(column))
+        return "NULL";
     if (facts.rule == CellRule::Rebuilt)
         return "(CacheFileRebuilt <> 0 OR IngredientIDs <> '' OR length(CacheFileRebuiltBLOB) > 0)";
     if (facts.rule == CellRule::Note) // rows with a note come first
@@ -131,7 +133,8 @@ std::vector<IdQuery> undatedLastQueries(const RowChoice &rows, std::string_view 
 }
 
 bool isSortable(UrlColumn column) {
-    return factsOf(column).rule == CellRule::Rebuilt || !factsOf(column).source.empty();
+    return factsOf(column).rule == CellRule::Rebuilt || !factsOf(column).source.empty() ||
+           isGathered(column);
 }
 
 IdQuery sortQuery(const RowChoice &rows, const ColumnSort &sort, Undated undated) {

@@ -61,7 +61,8 @@ IdQuery loadQuery(const RowChoice &rows);
 std::vector<IdQuery> undatedLastQueries(const RowChoice &rows, std::string_view queryText);
 /// Icons and counts of links have no order.
 bool isSortable(UrlColumn column);
-/// The same rows by one column; equal ones by urlID. Only for sortable columns.
+/// The same rows by one column; equal ones by urlID. Only for sortable columns. Those whose texts
+/// are gathered from other tables are sorted after it (views/GatheredTexts.h): here by urlID.
 IdQuery sortQuery(const RowChoice &rows, const ColumnSort &sort, Undated undated);
 /// All of `URLs` in the order of the menu's entry; a host filter still holds.
 IdQuery sortQuery(const RowChoice &rows, SortChoice choice);

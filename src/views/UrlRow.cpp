@@ -113,6 +113,8 @@ RowReader::RowReader(SQLite::Database &database, std::span<const UrlColumn> colu
     m_row = std::make_unique<SQLite::Statement>(database, select);
     if (reads(UrlColumn::TagNames))
         m_tags = std::make_unique<RowTagReader>(database);
+    if (reads(UrlColumn::HashSets))
+        m_hashSets = std::make_unique<RowHashSetReader>(database);
     if (!reads(UrlColumn::Linked))
         return;
     m_linksToChild = std::make_unique<SQLite::Statement>(
@@ -138,6 +140,8 @@ UrlRow RowReader::read(UrlId id) {
     row.links = reads(UrlColumn::Linked) ? linksOf(row) : 0;
     if (m_tags)
         row.tags = m_tags->of(id);
+    if (m_hashSets)
+        row.hashSets = m_hashSets->of(id);
     return row;
 }
 

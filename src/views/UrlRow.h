@@ -1,5 +1,6 @@
 #pragma once
 
+#include "db/FoundHashSets.h"
 #include "db/Ids.h"
 #include "db/RecordTags.h"
 #include "time/Date.h"
@@ -48,6 +49,7 @@ struct UrlRow {
     Date actionDateUtc;
     std::int64_t links = 0;   ///< counted only when that column was asked for
     std::vector<RowTag> tags; ///< read only when that column was asked for
+    std::string hashSets;     ///< the same
     std::array<StoredValue, kTableColumnCount> stored;
 };
 
@@ -72,6 +74,7 @@ class RowReader {
     std::unique_ptr<SQLite::Statement> m_linksToChild;
     std::unique_ptr<SQLite::Statement> m_linksOfParent;
     std::unique_ptr<RowTagReader> m_tags;
+    std::unique_ptr<RowHashSetReader> m_hashSets;
 };
 
 /// The whole text of a row's column, as it is stored; nothing when there is no such row or column.

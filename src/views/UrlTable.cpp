@@ -4,6 +4,7 @@
 #include "db/ReadOnlyConnection.h"
 #include "db/StoredQueries.h"
 #include "views/DateIndex.h"
+#include "views/GatheredTexts.h"
 #include "views/MovedEvidence.h"
 #include "views/Tagging.h"
 
@@ -48,7 +49,10 @@ LoadResult UrlTable::loadURLs(TaskMonitor &task) {
     Found rows;
     const LoadResult result = attempt([&] {
         m_pager.prepare();
-        return prepareProject(task) ? fill(loadQueries(), task, rows) : Walk::Cancelled;
+        if (!prepareProject(task))
+            return Walk::Cancelled;
+        const std::vector<IdQuery> queries = loadQueries();
+        return fill(queries, m_columnSort, task, rows);
     });
     take(std::move(rows));
     tellOneByOne();
@@ -66,7 +70,8 @@ bool UrlTable::prepareProject(TaskMonitor &task) {
     logFailureOf(m_log, kProcedure, [&] {
         goOn = mendRootPath(m_project, m_log, rootPath, task).has_value() &&
                ensureDateIndex(m_project, task) != IndexState::Cancelled &&
-               ensureLinkIndexes(m_project, task) != IndexState::Cancelled;
+               ensureLinkIndexes(m_project, task) != IndexState::Cancelled &&
+               ensureHashSetIndex(m_project, task) != IndexState::Cancelled;
     });
     return goOn;
 }
@@ -113,15 +118,20 @@ LoadResult UrlTable::narrow(TaskMonitor &task) {
     return result;
 }
 
-Walk UrlTable::fill(const std::vector<IdQuery> &queries, TaskMonitor &task, Found &rows) {
+Walk UrlTable::fill(const std::vector<IdQuery> &queries, const std::optional<ColumnSort> &order,
+                    TaskMonitor &task, Found &rows) {
     for (const IdQuery &query : queries)
         if (findRows(m_project, query, filters, task, rows) == Walk::Cancelled)
             return Walk::Cancelled;
+    if (order && isGathered(order->column) &&
+        sortByGathered(m_project, *order, task, rows.ids) == Walk::Cancelled)
+        return Walk::Cancelled;
     return limit(task, rows);
 }
 
 bool UrlTable::isLimited() const {
-    return ofSearch || time || tags || !places.isEmpty() || !byColumn.empty();
+    return ofSearch || time || tags || !places.isEmpty() || !hashSets.isEmpty() ||
+           !byColumn.empty();
 }
 
 /// The time comes last: its bar shows what the other limits leave.
@@ -132,6 +142,8 @@ Walk UrlTable::limit(TaskMonitor &task, Found &rows) {
     Walk walk = limitColumns(task, rows);
     if (!places.isEmpty() && walk == Walk::Finished)
         walk = keepIn(m_project, places, task, rows.ids);
+    if (!hashSets.isEmpty() && walk == Walk::Finished)
+        walk = keepByHashSets(m_project, hashSets, task, rows.ids);
     if (tags && walk == Walk::Finished)
         walk = keepTagged(m_project, *tags, task, rows.ids);
     if (ofSearch && walk == Walk::Finished)
@@ -201,11 +213,12 @@ EmptyState UrlTable::whyEmpty(LoadResult result) {
     });
 }
 
-LoadResult UrlTable::sortInto(const IdQuery &query, TaskMonitor &task) {
+LoadResult UrlTable::sortInto(const IdQuery &query, const std::optional<ColumnSort> &order,
+                              TaskMonitor &task) {
     describeLoad(task);
     const Busy busy(m_busy);
     Found sorted; // until it is whole the rows stand as they are
-    const LoadResult result = attempt([&] { return fill({query}, task, sorted); });
+    const LoadResult result = attempt([&] { return fill({query}, order, task, sorted); });
     if (result != LoadResult::Loaded)
         return result;
     take(std::move(sorted));
@@ -220,14 +233,14 @@ LoadResult UrlTable::sortBy(UrlColumn column, SortDirection direction, TaskMonit
     if (!isSortable(column))
         return LoadResult::Loaded;
     const ColumnSort wanted{column, direction};
-    const LoadResult result = sortInto(sortQuery(choice, wanted, undated), task);
+    const LoadResult result = sortInto(sortQuery(choice, wanted, undated), wanted, task);
     if (result == LoadResult::Loaded)
         sort = m_columnSort = wanted;
     return result;
 }
 
 LoadResult UrlTable::sortBy(SortChoice order, TaskMonitor &task) {
-    const LoadResult result = sortInto(sortQuery(choice, order), task);
+    const LoadResult result = sortInto(sortQuery(choice, order), std::nullopt, task);
     if (result == LoadResult::Loaded)
         sort.reset();
     return result;

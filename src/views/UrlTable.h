@@ -6,6 +6,7 @@
 #include "db/RecordFacts.h"
 #include "search/FoundIds.h"
 #include "views/ColumnLimit.h"
+#include "views/HashLimit.h"
 #include "views/PlaceLimit.h"
 #include "views/RowCells.h"
 #include "views/RowPager.h"
@@ -53,6 +54,7 @@ class UrlTable {
     std::optional<TimeLimit> time;     ///< hides what happened at other times
     std::optional<TagLimit> tags;      ///< hides rows without one of these tags
     PlaceChoice places;                ///< hides what comes from other places
+    HashLimit hashSets;                ///< hides rows by the hash sets that they are in
     std::vector<ColumnLimit> byColumn; ///< hide what holds something else
     /// Hides what a search hasn't found; null hides nothing.
     std::shared_ptr<const FoundIds> ofSearch;
@@ -163,13 +165,15 @@ class UrlTable {
     bool prepareProject(TaskMonitor &task);
     std::vector<IdQuery> loadQueries();
     std::vector<IdQuery> ownOrder();
-    Walk fill(const std::vector<IdQuery> &queries, TaskMonitor &task, Found &rows);
+    Walk fill(const std::vector<IdQuery> &queries, const std::optional<ColumnSort> &order,
+              TaskMonitor &task, Found &rows);
     Walk limit(TaskMonitor &task, Found &rows);
     Walk limitColumns(TaskMonitor &task, Found &rows);
     LoadResult attempt(const std::function<Walk()> &work);
     void take(Found &&rows);
     void tellOneByOne();
-    LoadResult sortInto(const IdQuery &query, TaskMonitor &task);
+    LoadResult sortInto(const IdQuery &query, const std::optional<ColumnSort> &order,
+                        TaskMonitor &task);
     EmptyState whyEmpty(LoadResult result);
     const UrlRow *rowFor(std::size_t place, UrlColumn column);
 

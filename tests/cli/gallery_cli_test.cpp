@@ -76,6 +76,25 @@ TEST_F(GalleryCliTest, aSheetThatDoesntFitTheDiskLeavesNothing) {
         EXPECT_FALSE(entry.path().filename().string().starts_with("sheet")) << entry.path();
 }
 
+TEST_F(GalleryCliTest, whatLimitsTheTableLimitsTheSheet) {
+    ASSERT_EQ(cli({"tag", project, "2", "4", "6", "--name", "Important"}).exit, 0);
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("INSERT INTO RecordFacts VALUES (1, 'hashset_known', 'library', 'MD5'), "
+              "(4, 'hashset_notable', 'cases', 'MD5')");
+    const auto shown = [this](const std::vector<std::string> &more) {
+        const CliResult run = gallery(more);
+        EXPECT_EQ(run.exit, 0) << run.err;
+        return run.out;
+    };
+    EXPECT_THAT(shown({"--tag", "important"}), HasSubstr("2 of 2"));
+    EXPECT_THAT(sheet(), HasSubstr("Only: the tag &quot;important&quot;"));
+    EXPECT_THAT(shown({"--hash-set", "cases"}), HasSubstr("1 of 1"));
+    EXPECT_THAT(shown({"--without-known"}), HasSubstr("4 of 4"));
+    EXPECT_THAT(shown({"--search", "host3"}), HasSubstr("1 of 1"));
+    EXPECT_THAT(shown({"--from", "2099-01-01"}), HasSubstr("0 of 0"));
+    EXPECT_EQ(gallery({"--from", "never"}).exit, 1);
+}
+
 TEST_F(GalleryCliTest, picturesAreChosenByShapeSizeAndHost) {
     EXPECT_THAT(gallery({"--pard", "15-40"}).out, HasSubstr("4 of 4"));
     EXPECT_THAT(gallery({"--pard", "80-100"}).out, HasSubstr("1 of 1"));

@@ -98,6 +98,54 @@ TEST_F(HashSetsCliTest, listsAndReplacesOnlyWhenAsked) {
     EXPECT_EQ(cli({"hashsets", "match", project}).exit, 3);
 }
 
+TEST_F(HashSetsCliTest, rowsAreChosenBySets) {
+    const auto ids = [this](std::vector<std::string> more) {
+        std::vector<std::string> call{"list", project, "--columns", "id", "--format", "tsv"};
+        call.insert(call.end(), more.begin(), more.end());
+        return cli(call);
+    };
+    EXPECT_EQ(ids({"--notable"}).out, "id\n") << "nothing was looked for yet";
+    EXPECT_EQ(ids({"--hash-set", "cases"}).exit, 1);
+    ASSERT_EQ(addList().exit, 0);
+    writeWhole(folder.path() / "both.md5", md5Of("known content") + "\n" + md5Of("other content"));
+    ASSERT_EQ(
+        cli({"hashsets", "add", (folder.path() / "both.md5").string(), "--meaning", "known"}).exit,
+        0);
+    ASSERT_EQ(importAgain({"--hash-sets"}).exit, 0);
+    EXPECT_EQ(ids({"--notable"}).out, "id\n1\n");
+    EXPECT_EQ(ids({"--hash-set", "BOTH"}).out, "id\n1\n2\n");
+    EXPECT_EQ(ids({"--without-known"}).out, "id\n1\n") << "a notable file is never hidden by it";
+    EXPECT_EQ(ids({"--without-known"}).err, "hash sets hide 1 of 2 rows\n");
+    const CliResult gone = ids({"--hash-set", "gone"});
+    EXPECT_EQ(gone.exit, 1);
+    EXPECT_THAT(gone.err, HasSubstr("\"gone\""));
+    EXPECT_THAT(cli({"list", project, "--notable"}).out, HasSubstr("notable: cases; known: both"));
+    EXPECT_THAT(cli({"list", project, "--layout", "Caches", "--format", "csv"}).out,
+                HasSubstr("hash_sets"));
+    EXPECT_THAT(cli({"export", project, "-", "--format", "csv", "--without-known"}).out,
+                testing::Not(HasSubstr("other.txt")));
+    EXPECT_THAT(cli({"search", project, "hashset:cases", "--format", "tsv"}).out,
+                HasSubstr("known.txt"));
+    EXPECT_EQ(cli({"places", project, "--tree", "hash-sets", "--format", "csv"}).out,
+              "Place,Is,Records,Level\r\nnotable,Hash sets,1,0\r\ncases,Hash set,1,1\r\n"
+              "known,Hash sets,2,0\r\nboth,Hash set,2,1\r\n");
+    const auto report = folder.path() / "report";
+    EXPECT_EQ(
+        cli({"report", project, "--type", "tabular", "--notable", "--out", report.string()}).exit,
+        0);
+}
+
+TEST_F(HashSetsCliTest, anUpgradeKeepsWhatWasFound) {
+    ASSERT_EQ(addList().exit, 0);
+    ASSERT_EQ(importAgain({"--hash-sets"}).exit, 0);
+    SQLite::Database(project, SQLite::OPEN_READWRITE)
+        .exec("PRAGMA legacy_alter_table = ON; DROP INDEX IF EXISTS FoundHashSetsIndex; "
+              "ALTER TABLE URLs DROP COLUMN Person");
+    ASSERT_EQ(cli({"upgrade", project, "--fix"}).exit, 0);
+    EXPECT_EQ(cli({"list", project, "--notable", "--columns", "id", "--format", "tsv"}).out,
+              "id\n1\n");
+}
+
 TEST_F(HashSetsCliTest, refusesWhatMakesNoSet) {
     EXPECT_EQ(cli({"hashsets", "add", list.string()}).exit, 1);
     const auto exitOf = [&](const std::string &file, const std::string &name) {

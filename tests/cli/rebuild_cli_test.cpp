@@ -255,6 +255,11 @@ TEST_F(RebuildCliTest, aTemplateIsMadeListedAndLaidOver) {
     const std::string file = made.out.substr(0, made.out.find("  "));
     EXPECT_EQ(cli({"template", "apply", project, file, "2"}).exit, 2); // another title
     EXPECT_EQ(cli({"template", "apply", project, file, "2", "--any-title"}).exit, 0);
+    EXPECT_EQ(cli({"template", "apply", project, file, "--tag", "Mail"}).exit, 1) << "no such tag";
+    ASSERT_EQ(cli({"tag", project, "2", "--name", "Mail"}).exit, 0);
+    EXPECT_EQ(cli({"template", "apply", project, file, "--tag", "mail", "--any-title"}).exit, 0);
+    EXPECT_EQ(cli({"template", "apply", project, file, "2", "--tag", "Mail"}).exit, 1);
+    EXPECT_EQ(cli({"template", "apply", project, file}).exit, 1);
     EXPECT_EQ(cli({"audit", project, "2"}).exit, 0);
     const fs::path laid = folder.path() / "laid";
     const auto apply = [&](std::vector<std::string> more) {

@@ -58,7 +58,9 @@ struct Dialogs final : WindowDialogs {
         form.accept();
         return form.result() == QDialog::Accepted;
     }
+    std::vector<fs::path> chooseHashLists() override { return lists; }
     std::optional<fs::path> answer;
+    std::vector<fs::path> lists;
 };
 
 struct OneNetwork final : Network {

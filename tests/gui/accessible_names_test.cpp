@@ -1,5 +1,6 @@
 #include "gui/Desk.h"
 #include "ui/options/TimeZoneForm.h"
+#include "ui/views/HashSetForm.h"
 #include "ui/views/PartChoiceForm.h"
 #include "views/PartAlternatives.h"
 
@@ -110,7 +111,7 @@ void AccessibleNamesTest::everyBoxOfADialogHasAName_data() {
     for (const char *action :
          {"actColumns", "actFilters", "actImport", "actExport", "actCreateReport", "actCaseTrail",
           "actImportSummary", "actOptions", "actTimeZone", "actErrorLog", "actTips",
-          "actUpgradeWizard", "actLayoutSaveAs", "actQueryForm"})
+          "actUpgradeWizard", "actLayoutSaveAs", "actQueryForm", "actHashSets"})
         QTest::newRow(action) << QString::fromLatin1(action);
 }
 
@@ -137,6 +138,8 @@ void AccessibleNamesTest::everyBoxOfTheOtherWindowsHasAName() {
     TimeZoneForm zones(one, 0);
     QCOMPARE(namelessIn(zones), QStringList());
     QCOMPARE(namelessIn(m_desk->status), QStringList());
+    HashSetForm set;
+    QCOMPARE(namelessIn(set), QStringList());
 }
 
 /// The reason why a record can't stand there is told to who can't see it, too.

@@ -1,3 +1,4 @@
+#include "db/RecordTags.h"
 #include "gui/Desk.h"
 #include "ui/views/GalleryTab.h"
 
@@ -10,6 +11,8 @@
 #include <QTabWidget>
 #include <QTest>
 #include <SQLiteCpp/SQLiteCpp.h>
+
+#include <algorithm>
 
 // The gallery as an examiner uses it, with thumbnails that the test draws.
 namespace nv {
@@ -35,6 +38,9 @@ class GalleryTest : public QObject {
     void refreshOfTheSameIsTold();
     void aTileLeadsToItsRow();
     void withoutThumbnailsItSaysWhatToDo();
+    void eachLimitOfTheTableHoldsHere_data();
+    void eachLimitOfTheTableHoldsHere();
+    void aHostThatIsEnteredHereLimitsTheTableToo();
 
   private:
     GalleryTab &gallery() { return child<GalleryTab>(*m_form, "GalleryTab"); }
@@ -42,6 +48,18 @@ class GalleryTest : public QObject {
     SQLite::Database &project() { return m_desk->program.state.projectDB.connection(); }
     void press(const char *name) {
         QTest::mouseClick(&child<QPushButton>(*m_form, name), Qt::LeftButton);
+    }
+    /// On all pages.
+    int shown() {
+        if (auto &last = child<QPushButton>(*m_form, "btnLast"); last.isEnabled())
+            last.click();
+        const QString page = child<QLabel>(*m_form, "labGalleryPage").text();
+        return tiles().rowCount() + 2 * std::max(page.section(u' ', -1).toInt() - 1, 0);
+    }
+    /// Rows of the table that are drawn.
+    int drawnInTable() {
+        const RowIds &ids = child<TableTab>(*m_form, "TableTab").table()->ids();
+        return static_cast<int>(std::ranges::count_if(ids, [](int id) { return id <= 3; }));
     }
     void draw(int id, int width, int height);
 
@@ -171,6 +189,89 @@ void GalleryTest::withoutThumbnailsItSaysWhatToDo() {
     QVERIFY(child<QLabel>(*m_form, "labGalleryEmpty")
                 .text()
                 .contains(QStringLiteral("The button below draws")));
+}
+
+void GalleryTest::eachLimitOfTheTableHoldsHere_data() {
+    QTest::addColumn<int>("limit");
+    QTest::addColumn<int>("left"); // of three
+    int limit = 0;
+    QTest::newRow("search") << limit++ << 1;
+    QTest::newRow("time") << limit++ << 0;
+    QTest::newRow("tag") << limit++ << 2;
+    QTest::newRow("hash sets") << limit++ << 2;
+    QTest::newRow("place") << limit++ << 1;
+    QTest::newRow("column") << limit++ << 1;
+    QTest::newRow("filters") << limit++ << 0;
+    QTest::newRow("query") << limit++ << 1;
+}
+
+void GalleryTest::eachLimitOfTheTableHoldsHere() {
+    QFETCH(int, limit);
+    QFETCH(int, left);
+    project().exec("UPDATE URLs SET Host = 'host' || URL_ID || '.example', Tagged = URL_ID = 3");
+    project().exec("INSERT INTO RecordFacts VALUES (1, 'hashset_known', 'library', 'MD5')");
+    const NamedTag tag = NamedTags(project()).add(
+        {.tagID = 0, .name = "Important", .color = {}, .position = 0, .note = {}});
+    Unwatched nobody;
+    QVERIFY(RecordTags(project()).set(tag.tagID, RowIds{1, 3}, {}, nobody));
+    auto &table = child<TableTab>(*m_form, "TableTab");
+    trigger(*m_form, "actRefresh");
+    QCOMPARE(shown(), 3);
+    QVERIFY(child<QLabel>(*m_form, "labGalleryLimits").isHidden());
+    const std::vector<std::function<void(UrlTable &)>> limits = {
+        [](UrlTable &rows) {
+            rows.ofSearch = std::make_shared<FoundIds>(FoundIds{2, 5});
+        },
+        [](UrlTable &rows) {
+            rows.time = TimeLimit{Date(), Date::fromDays(1)};
+        },
+        [&](UrlTable &rows) {
+            rows.tags = TagLimit{{tag.tagID}, false};
+        },
+        [](UrlTable &rows) { rows.hashSets.withoutKnown = true; },
+        [](UrlTable &rows) {
+            rows.places.only = {{{{PlaceField::Host, "host2.example"}}}};
+        },
+        [](UrlTable &rows) {
+            rows.byColumn = {{.column = UrlColumn::Host, .oneOf = {{"host1.example"}}}};
+        }};
+    const auto place = static_cast<std::size_t>(limit);
+    if (place < limits.size()) {
+        limits[place](*table.table());
+        table.narrow();
+    } else if (place == limits.size()) {
+        RecordFilters &filters = m_desk->program.state.filters;
+        filters.enableFilters = true;
+        filters.showHistoryURLs = false;
+        trigger(*m_form, "actRefresh");
+    } else {
+        table.chooseQuery(QStringLiteral("_Tagged Items"));
+    }
+    QCOMPARE(drawnInTable(), left);
+    QCOMPARE(shown(), left);
+    if (const QString folder = qEnvironmentVariable("NV_SHOTS"); !folder.isEmpty())
+        m_form->grab().save(folder + QStringLiteral("/gallery-by-%1.png").arg(limit));
+    const auto &said = child<QLabel>(*m_form, "labGalleryLimits");
+    QVERIFY2(said.isVisible() || place < 2, "of these two their boxes know by themselves");
+}
+
+void GalleryTest::aHostThatIsEnteredHereLimitsTheTableToo() {
+    project().exec("UPDATE URLs SET Host = 'host' || URL_ID || '.example'");
+    trigger(*m_form, "actRefresh");
+    auto &box = child<QLineEdit>(*m_form, "txtGalleryHost");
+    box.setText(QStringLiteral("host2"));
+    QTest::keyClick(&box, Qt::Key_Return);
+    QCOMPARE(shown(), 1);
+    QCOMPARE(child<TableTab>(*m_form, "TableTab").table()->rowCount(), std::size_t{1});
+    box.setText(QStringLiteral("host3"));
+    QTest::keyClick(&box, Qt::Key_Return);
+    QCOMPARE(shown(), 1);
+    QCOMPARE(drawnInTable(), 1);
+    trigger(*m_form, "actUndo");
+    QCOMPARE(box.text(), QStringLiteral("host2"));
+    trigger(*m_form, "actClearLimits");
+    QCOMPARE(shown(), 3);
+    QCOMPARE(box.text(), QString());
 }
 
 } // namespace nv

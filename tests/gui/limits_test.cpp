@@ -40,6 +40,7 @@ class LimitsTest : public QObject {
     void undoBringsLimitsBack();
     void typingIsOneStepOfUndo();
     void headingsLimitByValue();
+    void headingsLimitByDate();
     void whatHidesAllSaysHowToShowIt();
     void undoInATextFieldIsTheFields();
     void itLooksRight_data();
@@ -198,6 +199,46 @@ void LimitsTest::headingsLimitByValue() {
     ofVisits.findChild<QAction *>(QStringLiteral("actLimitColumn"))->trigger();
     QCOMPARE(m_on->rows(), 0);
     QVERIFY(m_on->chip(QStringLiteral("Visits: 100000 or more")));
+}
+
+void LimitsTest::headingsLimitByDate() {
+    QMenu menu;
+    emit m_on->tab().headerMenuComesUp(menu, UrlColumn::LocalDate);
+    auto *limit = menu.findChild<QAction *>(QStringLiteral("actLimitColumn"));
+    QVERIFY(limit);
+    onForm([](ColumnLimitForm &form) {
+        auto &from = child<QLineEdit>(form, "txtColumnFrom");
+        auto &to = child<QLineEdit>(form, "txtColumnTo");
+        QVERIFY(child<QLabel>(form, "labColumnZone").isVisible());
+        QVERIFY2(!form.findChild<QListWidget *>(), "each date would be a value");
+        from.setText(QStringLiteral("soon"));
+        form.accept();
+        QVERIFY(form.isVisible());
+        from.setText(QStringLiteral("2011-03-02"));
+        to.setText(QStringLiteral("2011-03-01"));
+        form.accept();
+        QVERIFY(form.isVisible());
+        if (const QString folder = qEnvironmentVariable("NV_SCREENSHOTS"); !folder.isEmpty())
+            form.grab().save(folder + QStringLiteral("/column-dates.png"));
+        from.setText(QStringLiteral("2011-03-01"));
+        form.accept();
+        QVERIFY(!form.isVisible());
+    });
+    limit->trigger();
+    QVERIFY(m_on->rows() > 0 && m_on->rows() < m_on->all);
+    QVERIFY2(m_on->chip(QStringLiteral("2011-03-01 to 2011-03-01 (")),
+             qPrintable(m_on->chips().join(u'|')));
+    onForm([](ColumnLimitForm &form) {
+        QCOMPARE(child<QLineEdit>(form, "txtColumnFrom").text(), QStringLiteral("2011-03-01"));
+        child<QLineEdit>(form, "txtColumnFrom").clear();
+        child<QLineEdit>(form, "txtColumnTo").setText(QStringLiteral("1999-01-01 12:00"));
+        form.accept();
+    });
+    limit->trigger();
+    QCOMPARE(m_on->rows(), 0);
+    QVERIFY(m_on->chip(QStringLiteral("up to 1999-01-01 12:00")));
+    trigger(m_on->form, "actUndo");
+    QVERIFY(m_on->rows() > 0);
 }
 
 void LimitsTest::whatHidesAllSaysHowToShowIt() {

@@ -82,9 +82,10 @@ void SmallScreenTest::theWindowFitsWhateverIsInFront() {
 
 void SmallScreenTest::dialogsFit_data() {
     QTest::addColumn<QString>("action");
-    for (const char *action : {"actColumns", "actFilters", "actImport", "actExport",
-                               "actCreateReport", "actCaseTrail", "actImportSummary", "actOptions",
-                               "actTimeZone", "actErrorLog", "actTips", "actQueryForm"})
+    for (const char *action :
+         {"actColumns", "actFilters", "actImport", "actExport", "actCreateReport", "actCaseTrail",
+          "actImportSummary", "actOptions", "actTimeZone", "actErrorLog", "actTips", "actQueryForm",
+          "actHashSets"})
         QTest::newRow(action) << QString::fromLatin1(action);
 }
 

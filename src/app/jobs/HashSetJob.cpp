@@ -4,10 +4,14 @@
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "base/Trap.h"
+#include "db/FoundHashSets.h"
 #include "db/HashSets.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace nv {
@@ -34,7 +38,52 @@ void noteHashSet(Program &program, const HashSetFile &set, std::uint64_t rows) {
     noteInTrail(program, entry);
 }
 
+std::string madeOf(const HashSetFacts &facts) {
+    std::vector<std::string> lists;
+    lists.reserve(facts.sources.size());
+    for (const HashListSource &source : facts.sources)
+        lists.push_back(textOf(std::filesystem::path(source.file).filename()));
+    return fmt::format("{} on {}", fmt::join(lists, ", "), facts.added.substr(0, 10));
+}
+
+ListedHashSet listed(Program &program, const std::filesystem::path &path) {
+    ListedHashSet set;
+    set.name = textOf(path.stem());
+    set.fault = failureOf(program.log, "HashSets.Open()", [&] {
+                    const HashSetFile file(path);
+                    set.name = file.facts().name;
+                    set.meaning = file.facts().meaning;
+                    set.hashes = file.count();
+                    set.madeOf = madeOf(file.facts());
+                }).value_or(std::string());
+    return set;
+}
+
 } // namespace
+
+std::vector<ListedHashSet> listHashSets(Program &program) {
+    std::vector<ListedHashSet> sets;
+    for (const std::filesystem::path &path : hashSetPaths(program.paths.hashSets()))
+        sets.push_back(listed(program, path));
+    ProjectDatabase &project = program.state.projectDB;
+    if (!project.isOpen())
+        return sets;
+    for (ListedHashSet &set : sets)
+        set.rows = 0;
+    for (const FoundHashSet &found : foundHashSets(project.connection())) {
+        auto known = std::ranges::find(sets, found.name, &ListedHashSet::name);
+        if (known == sets.end()) {
+            sets.push_back({.name = found.name,
+                            .meaning = found.meaning,
+                            .fault = "the set was removed; what was found by it is left",
+                            .isThere = false});
+            known = std::prev(sets.end());
+        }
+        known->rows = known->rows.value_or(0) + found.rows;
+    }
+    std::ranges::sort(sets, {}, &ListedHashSet::name);
+    return sets;
+}
 
 HashMatch matchOpenProject(Program &program, std::span<HashSetFile> sets, EarlierFindings earlier,
                            TaskMonitor &task) {

@@ -5,10 +5,27 @@
 #include "db/HashLookup.h"
 #include "views/HashMatch.h"
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
+#include <string>
+#include <vector>
 
 namespace nv {
+
+/// A set of the examiner's, or one of which only findings are left.
+struct ListedHashSet {
+    std::string name;
+    HashMeaning meaning = HashMeaning::known;
+    std::optional<std::uint64_t> hashes = {}; ///< nothing when the set isn't there or can't be read
+    std::optional<std::uint64_t> rows = {};   ///< of the open project; nothing when none is open
+    std::string madeOf = {};                  ///< the day, and the lists
+    std::string fault = {};                   ///< why it can't be used
+    bool isThere = true;                      ///< as a file
+};
+/// By name. Throws what the project's database says.
+std::vector<ListedHashSet> listHashSets(Program &program);
 
 /// As matchHashSets() on the open project, and with an entry in its trail for each set: its name,
 /// the lists that it was made of, and how many rows were found. Throws StorageFailure too when the

@@ -49,6 +49,7 @@ FilterForm::FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget
     setObjectName(QStringLiteral("FilterForm"));
     setWindowTitle(tr("Filters"));
     auto *column = new QVBoxLayout(this);
+    m_column = column;
     QCheckBox *enable = newBox(QStringLiteral("chkEnableFilters"), tr("&Enable filters"),
                                &RecordFilters::enableFilters);
     enable->setToolTip(tr("Hide the records that nothing ticked below shows"));
@@ -64,13 +65,15 @@ FilterForm::FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget
     m_all = newBox(QStringLiteral("chkShowAll"), tr("Show &all"), &RecordFilters::showAll);
     m_all->setToolTip(tr("Shows every kind of the ticked data sources. Ticks or clears all boxes "
                          "of this window, \"Enable filters\" too"));
-    groups->addWidget(m_all);
-    column->addWidget(m_groups);
-
     auto *hint = new QLabel(tr("A record is shown when its data source is ticked and one of its "
                                "kinds or sites is. Cookies and bookmarks need no kind."));
     hint->setWordWrap(true);
-    column->addWidget(hint);
+    auto *last = new QHBoxLayout; // low screens have no room for one below the other
+    last->setSpacing(16);
+    last->addWidget(m_all);
+    last->addWidget(hint, 1);
+    groups->addLayout(last);
+    column->addWidget(m_groups);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     buttons->button(QDialogButtonBox::Ok)->setText(tr("&Okay"));
     connect(buttons, &QDialogButtonBox::accepted, this, &FilterForm::accept);
@@ -80,6 +83,10 @@ FilterForm::FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget
     connect(enable, &QCheckBox::toggled, this, &FilterForm::enableBoxes);
     connect(m_all, &QCheckBox::toggled, this, &FilterForm::tickAll);
     enableBoxes();
+}
+
+void FilterForm::addMarks(QWidget &marks) {
+    m_column->insertWidget(m_column->indexOf(m_groups) + 1, &marks);
 }
 
 QCheckBox *FilterForm::newBox(const QString &name, const QString &text, bool RecordFilters::*flag) {

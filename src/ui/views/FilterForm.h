@@ -10,6 +10,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QVBoxLayout;
 
 namespace nv {
 
@@ -22,6 +23,8 @@ class FilterForm final : public QDialog {
     FilterForm(const RecordFilters &filters, Examiner &examiner, QWidget *parent = nullptr,
                const OriginChoices &origins = {});
 
+    /// Below the boxes: choices that hold whether the filters are enabled or not. Takes it over.
+    void addMarks(QWidget &marks);
     RecordFilters filters() const;
     /// Stays open, saying why, when no data source is ticked while the filters are enabled.
     void accept() override;
@@ -42,6 +45,7 @@ class FilterForm final : public QDialog {
     std::vector<FlagBox> m_boxes;       ///< all, that of `enableFilters` first
     std::vector<QComboBox *> m_origins; ///< in the order of originFilters()
     QWidget *m_groups = nullptr;
+    QVBoxLayout *m_column = nullptr;
     QCheckBox *m_all = nullptr;
 };
 

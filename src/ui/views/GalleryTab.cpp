@@ -37,6 +37,14 @@ GalleryTab::GalleryTab(RunTask runTask, Examiner &examiner, QWidget *parent)
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(newChoiceBar());
+    m_limits = new QLabel;
+    m_limits->setObjectName(QStringLiteral("labGalleryLimits"));
+    m_limits->setTextFormat(Qt::PlainText); // it quotes evidence
+    m_limits->setWordWrap(true);
+    m_limits->setContentsMargins(8, 0, 8, 4);
+    m_limits->setMinimumWidth(1); // a long name doesn't widen the window
+    m_limits->hide();
+    column->addWidget(m_limits);
     m_empty = new QLabel;
     m_empty->setObjectName(QStringLiteral("labGalleryEmpty"));
     m_empty->setAlignment(Qt::AlignCenter);
@@ -202,11 +210,17 @@ void GalleryTab::closeProject() {
     showState();
 }
 
-void GalleryTab::setQuery(const std::string &name) {
-    if (!m_gallery || m_gallery->choice.activeQueryName == name)
+void GalleryTab::followTable(const std::string &query) {
+    if (!m_gallery)
         return;
-    m_gallery->choice.activeQueryName = name;
+    m_gallery->choice.activeQueryName = query;
     setDirty();
+}
+
+void GalleryTab::showLimits(const QStringList &limits) {
+    m_limits->setText(tr("Limited as the table is: %1").arg(limits.join(QStringLiteral("; "))));
+    m_limits->setToolTip(Qt::convertFromPlainText(m_limits->text()));
+    m_limits->setVisible(!limits.isEmpty());
 }
 
 void GalleryTab::setDirty() {
@@ -292,8 +306,12 @@ void GalleryTab::takeChoice() {
         choice.*kSizeFlags[i] = m_sizes[i]->isChecked();
     m_gallery->settings.media = {m_pictures->isChecked(), m_pages->isChecked()};
     emit choiceChanged(choice, m_gallery->settings.media);
-    if (takeHost())
+    if (takeHost()) {
+        m_gallery->galleryDirty = true;
         emit hostEntered(m_host->text().trimmed());
+        if (!m_gallery->galleryDirty)
+            return; // the table was loaded by it, and this with that
+    }
     load();
 }
 
@@ -318,6 +336,7 @@ void GalleryTab::setHost(const QString &host) {
 void GalleryTab::load() {
     if (!m_gallery)
         return;
+    m_gallery->among = m_rowSource ? m_rowSource() : nullptr;
     m_runTask({}, [this](TaskMonitor &task) { m_gallery->load(task); });
     m_model.reset();
     showState();

@@ -8,7 +8,9 @@
 #include <QWidget>
 
 #include <array>
+#include <functional>
 #include <memory>
+#include <utility>
 
 class QCheckBox;
 class QLabel;
@@ -31,8 +33,13 @@ class GalleryTab final : public QWidget {
     void openProject(SQLite::Database &project, FailureLog &log, const GallerySettings &settings,
                      int thumbnailWidth);
     void closeProject();
-    /// The rows of the table's query are shown.
-    void setQuery(const std::string &name);
+    /// Tells at each load which rows are shown and no others; null for all of the query's.
+    using RowSource = std::function<std::shared_ptr<const FoundIds>()>;
+    void setRowSource(RowSource source) { m_rowSource = std::move(source); }
+    /// The table has loaded its rows, of this query.
+    void followTable(const std::string &query);
+    /// By what the table is limited, in words; none hides the line.
+    void showLimits(const QStringList &limits);
     /// What the next load filters by; empty turns the host filter off. The box shows it.
     void setHost(const QString &host);
     /// Rows or thumbnails have changed.
@@ -75,11 +82,13 @@ class GalleryTab final : public QWidget {
     void showState();
 
     RunTask m_runTask;
+    RowSource m_rowSource;
     Examiner &m_examiner;
     std::unique_ptr<Gallery> m_gallery;
     GalleryModel m_model;
     GalleryTile m_tile;
     QListView *m_tiles = nullptr;
+    QLabel *m_limits = nullptr;
     QLabel *m_empty = nullptr;
     QCheckBox *m_pard = nullptr;
     QSpinBox *m_from = nullptr;

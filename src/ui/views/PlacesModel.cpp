@@ -14,12 +14,13 @@ void PlacesModel::setPlaces(Places places) {
     m_rows.clear();
     m_places = std::move(places);
     if (m_places.records > 0) {
-        constexpr int kHeadings = 3;
-        for (int place = 0; place < kHeadings; ++place)
+        for (int place = 0; place < headings(); ++place)
             m_rows.push_back({nullptr, nullptr, place, {}});
         addRows(m_rows[0], m_places.evidence);
         addRows(m_rows[1], m_places.hosts);
         addRows(m_rows[2], m_places.kinds);
+        if (!m_places.hashSets.empty())
+            addRows(m_rows[3], m_places.hashSets);
     }
     endResetModel();
 }
@@ -39,6 +40,17 @@ void PlacesModel::setChoice(const PlaceChoice &choice) {
     m_choice = choice;
     emit layoutAboutToBeChanged();
     emit layoutChanged();
+}
+
+void PlacesModel::setHashLimit(const HashLimit &limit) {
+    m_hashLimit = limit;
+    emit layoutAboutToBeChanged();
+    emit layoutChanged();
+}
+
+/// Who has no hash sets isn't shown an empty tree of them.
+int PlacesModel::headings() const {
+    return m_places.hashSets.empty() ? 3 : 4;
 }
 
 const PlacesModel::Row *PlacesModel::rowAt(const QModelIndex &index) const {
@@ -82,8 +94,7 @@ int PlacesModel::rowCount(const QModelIndex &parent) const {
     if (parent.column() > 0 || m_rows.empty())
         return 0;
     const Row *row = rowAt(parent);
-    constexpr int kHeadings = 3;
-    return row == nullptr ? kHeadings : static_cast<int>(row->children.size());
+    return row == nullptr ? headings() : static_cast<int>(row->children.size());
 }
 
 int PlacesModel::columnCount(const QModelIndex &) const {
@@ -98,27 +109,39 @@ QString PlacesModel::nameOf(const Row &row) const {
         return tr("Evidence");
     case 1:
         return tr("Hosts");
-    default:
+    case 2:
         return tr("Kinds");
+    default:
+        return tr("Hash Sets");
     }
+}
+
+bool PlacesModel::isChosen(const PlaceLimit &limit) const {
+    if (!isOfHashSets(limit))
+        return std::ranges::find(m_choice.only, limit) != m_choice.only.end();
+    return hasTerm(m_hashLimit, limit.terms.back());
+}
+
+bool PlacesModel::isLeftOut(const PlaceLimit &limit) const {
+    if (!isOfHashSets(limit))
+        return std::ranges::find(m_choice.without, limit) != m_choice.without.end();
+    return m_hashLimit.withoutKnown && isKnownFiles(limit);
 }
 
 QVariant PlacesModel::lookOf(const Row &row, int role) const {
     QFont font;
     const bool isHeading = row.node == nullptr;
     const PlaceLimit limit = isHeading ? PlaceLimit() : limitOf(row);
-    const bool isChosen =
-        !isHeading && std::ranges::find(m_choice.only, limit) != m_choice.only.end();
-    const bool isLeftOut =
-        !isHeading && std::ranges::find(m_choice.without, limit) != m_choice.without.end();
+    const bool chosen = !isHeading && isChosen(limit);
+    const bool leftOut = !isHeading && isLeftOut(limit);
     if (role == Qt::FontRole) {
-        font.setBold(isHeading || isChosen);
-        font.setStrikeOut(isLeftOut);
-        return isHeading || isChosen || isLeftOut ? QVariant(font) : QVariant();
+        font.setBold(isHeading || chosen);
+        font.setStrikeOut(leftOut);
+        return isHeading || chosen || leftOut ? QVariant(font) : QVariant();
     }
     // For those who hear the tree.
     const QString name = nameOf(row);
-    return isChosen ? tr("%1, chosen").arg(name) : isLeftOut ? tr("%1, left out").arg(name) : name;
+    return chosen ? tr("%1, chosen").arg(name) : leftOut ? tr("%1, left out").arg(name) : name;
 }
 
 QVariant PlacesModel::data(const QModelIndex &index, int role) const {

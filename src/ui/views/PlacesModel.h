@@ -1,5 +1,6 @@
 #pragma once
 
+#include "views/HashLimit.h"
 #include "views/Places.h"
 
 #include <QAbstractItemModel>
@@ -10,7 +11,8 @@
 
 namespace nv {
 
-/// The trees of places: evidence, hosts and kinds, each below a heading of its own.
+/// The trees of places: evidence, hosts and kinds, each below a heading of its own, and hash sets
+/// where rows were found in some.
 class PlacesModel final : public QAbstractItemModel {
     Q_OBJECT
 
@@ -22,6 +24,8 @@ class PlacesModel final : public QAbstractItemModel {
     const Places &places() const { return m_places; }
     /// Which places are marked as chosen or left out.
     void setChoice(const PlaceChoice &choice);
+    /// The same of hash sets.
+    void setHashLimit(const HashLimit &limit);
     /// The rows of a place; nothing for a heading.
     std::optional<PlaceLimit> limitAt(const QModelIndex &index) const;
     /// How many rows a place has.
@@ -43,6 +47,9 @@ class PlacesModel final : public QAbstractItemModel {
         std::vector<const Row *> children;
     };
     void addRows(Row &parent, const std::vector<PlaceNode> &nodes);
+    int headings() const;
+    bool isChosen(const PlaceLimit &limit) const;
+    bool isLeftOut(const PlaceLimit &limit) const;
     const Row *rowAt(const QModelIndex &index) const;
     static PlaceLimit limitOf(const Row &row);
     QString nameOf(const Row &row) const;
@@ -50,6 +57,7 @@ class PlacesModel final : public QAbstractItemModel {
 
     Places m_places;
     PlaceChoice m_choice;
+    HashLimit m_hashLimit;
     std::deque<Row> m_rows; ///< the headings first
 };
 

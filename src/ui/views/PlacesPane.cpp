@@ -150,10 +150,21 @@ void PlacesPane::activate(const QModelIndex &index, bool adds) {
 }
 
 void PlacesPane::showOnly(const PlaceLimit &limit) {
+    if (isOfHashSets(limit)) {
+        HashLimit only;
+        flipTerm(only, limit.terms.back());
+        only.withoutKnown = only.notable && m_hashLimit.withoutKnown;
+        return chooseHashSets(only);
+    }
     choose({{limit}, {}});
 }
 
 void PlacesPane::flip(const PlaceLimit &limit) {
+    if (isOfHashSets(limit)) {
+        HashLimit flipped = m_hashLimit;
+        flipTerm(flipped, limit.terms.back());
+        return chooseHashSets(flipped);
+    }
     PlaceChoice choice = m_choice;
     if (!takeAway(choice.only, limit)) {
         takeAway(choice.without, limit);
@@ -163,6 +174,11 @@ void PlacesPane::flip(const PlaceLimit &limit) {
 }
 
 void PlacesPane::leaveOut(const PlaceLimit &limit) {
+    if (isOfHashSets(limit)) {
+        HashLimit flipped = m_hashLimit;
+        flipped.withoutKnown = !flipped.withoutKnown;
+        return chooseHashSets(flipped);
+    }
     PlaceChoice choice = m_choice;
     takeAway(choice.only, limit);
     if (!takeAway(choice.without, limit))
@@ -175,6 +191,16 @@ void PlacesPane::choose(const PlaceChoice &choice) {
         return;
     setChoice(choice);
     emit choiceMade(m_choice);
+}
+
+void PlacesPane::chooseHashSets(const HashLimit &limit) {
+    setHashLimit(limit);
+    emit hashLimitMade(limit);
+}
+
+void PlacesPane::setHashLimit(const HashLimit &limit) {
+    m_hashLimit = limit;
+    m_model.setHashLimit(limit);
 }
 
 void PlacesPane::setChoice(const PlaceChoice &choice) {
@@ -222,32 +248,56 @@ void PlacesPane::openAgain(const QStringList &open) {
     });
 }
 
+QAction *PlacesPane::addAction(const char *name, const QString &text,
+                               const std::function<void()> &command) {
+    QAction *action = m_menu->addAction(text, this, command);
+    action->setObjectName(QLatin1String(name));
+    return action;
+}
+
+void PlacesPane::addPlaceActions(const PlaceLimit &limit) {
+    const auto has = [&limit](const std::vector<PlaceLimit> &limits) {
+        return std::ranges::find(limits, limit) != limits.end();
+    };
+    addAction("actOnlyPlace", tr("&Only This Place"), [this, limit] { showOnly(limit); });
+    addAction("actAddPlace",
+              has(m_choice.only) ? tr("Take This Place A&way") : tr("&Add This Place"),
+              [this, limit] { flip(limit); })
+        ->setToolTip(tr("Ctrl and a click does the same"));
+    addAction("actWithoutPlace",
+              has(m_choice.without) ? tr("Don't &Leave Out This Place")
+                                    : tr("&Leave Out This Place"),
+              [this, limit] { leaveOut(limit); });
+}
+
+void PlacesPane::addHashSetActions(const PlaceLimit &limit) {
+    addAction("actOnlyPlace", tr("&Only These Files"), [this, limit] { showOnly(limit); });
+    addAction("actAddPlace",
+              hasTerm(m_hashLimit, limit.terms.back()) ? tr("Take These Files A&way")
+                                                       : tr("&Add These Files"),
+              [this, limit] { flip(limit); })
+        ->setToolTip(tr("Ctrl and a click does the same"));
+    if (isKnownFiles(limit))
+        addAction("actWithoutPlace",
+                  m_hashLimit.withoutKnown ? tr("Don't &Hide Known Files")
+                                           : tr("&Hide Known Files"),
+                  [this, limit] { leaveOut(limit); });
+}
+
 void PlacesPane::showMenu(const QPoint &place) {
     const QModelIndex at = m_tree->indexAt(place);
-    const QModelIndex index = at.isValid() ? at : m_tree->currentIndex();
-    const auto limit = limitAt(index);
+    const auto limit = limitAt(at.isValid() ? at : m_tree->currentIndex());
     m_menu->clear();
     if (limit) {
-        const auto add = [this](const char *name, const QString &text, auto command) {
-            QAction *action = m_menu->addAction(text, this, command);
-            action->setObjectName(QLatin1String(name));
-            return action;
-        };
-        const auto has = [&limit](const std::vector<PlaceLimit> &limits) {
-            return std::ranges::find(limits, *limit) != limits.end();
-        };
-        add("actOnlyPlace", tr("&Only This Place"), [this, limit] { showOnly(*limit); });
-        add("actAddPlace", has(m_choice.only) ? tr("Take This Place A&way") : tr("&Add This Place"),
-            [this, limit] { flip(*limit); })
-            ->setToolTip(tr("Ctrl and a click does the same"));
-        add("actWithoutPlace",
-            has(m_choice.without) ? tr("Don't &Leave Out This Place") : tr("&Leave Out This Place"),
-            [this, limit] { leaveOut(*limit); });
+        if (isOfHashSets(*limit))
+            addHashSetActions(*limit);
+        else
+            addPlaceActions(*limit);
         m_menu->addSeparator();
-        add("actTagPlace", tr("&Tag Its Rows"), [this, limit] {
+        addAction("actTagPlace", tr("&Tag Its Rows"), [this, limit] {
             emit tagWanted(*limit, true);
         })->setEnabled(!m_readOnly);
-        add("actUntagPlace", tr("&Untag Its Rows"), [this, limit] {
+        addAction("actUntagPlace", tr("&Untag Its Rows"), [this, limit] {
             emit tagWanted(*limit, false);
         })->setEnabled(!m_readOnly);
         m_menu->addSeparator();

@@ -5,6 +5,9 @@
 #include <QSortFilterProxyModel>
 #include <QWidget>
 
+#include <functional>
+
+class QAction;
 class QLabel;
 class QLineEdit;
 class QMenu;
@@ -27,12 +30,15 @@ class PlacesPane final : public QWidget {
     void showNote(const QString &note);
     void setChoice(const PlaceChoice &choice);
     const PlaceChoice &choice() const { return m_choice; }
+    /// What limits rows by hash sets, which are a tree among the places.
+    void setHashLimit(const HashLimit &limit);
     void setReadOnly(bool readOnly) { m_readOnly = readOnly; }
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
   signals:
     void choiceMade(const nv::PlaceChoice &choice);
+    void hashLimitMade(const nv::HashLimit &limit);
     /// The ticks of the place's rows are to be set or taken.
     void tagWanted(const nv::PlaceLimit &limit, bool tagged);
 
@@ -44,6 +50,10 @@ class PlacesPane final : public QWidget {
     void flip(const PlaceLimit &limit);
     void leaveOut(const PlaceLimit &limit);
     void choose(const PlaceChoice &choice);
+    void chooseHashSets(const HashLimit &limit);
+    void addPlaceActions(const PlaceLimit &limit);
+    void addHashSetActions(const PlaceLimit &limit);
+    QAction *addAction(const char *name, const QString &text, const std::function<void()> &command);
     void activate(const QModelIndex &index, bool adds);
     std::optional<PlaceLimit> limitAt(const QModelIndex &index) const;
     QStringList openPlaces() const;
@@ -52,6 +62,7 @@ class PlacesPane final : public QWidget {
     PlacesModel m_model;
     QSortFilterProxyModel m_found;
     PlaceChoice m_choice;
+    HashLimit m_hashLimit;
     QLineEdit *m_filter = nullptr;
     QTreeView *m_tree = nullptr;
     QLabel *m_chosen = nullptr;

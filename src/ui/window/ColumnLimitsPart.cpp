@@ -21,6 +21,15 @@ QString shortText(const std::string &value) {
     return value.empty() ? ColumnLimitsPart::tr("(empty)") : toQt(displayText(value, 60));
 }
 
+QString datesText(const DateRange &dates) {
+    const QString begin = toQt(beginText(dates.span));
+    const QString end = toQt(endText(dates.span));
+    const QString text = begin.isEmpty() ? ColumnLimitsPart::tr("up to %1").arg(end)
+                         : end.isEmpty() ? ColumnLimitsPart::tr("from %1").arg(begin)
+                                         : ColumnLimitsPart::tr("%1 to %2").arg(begin, end);
+    return QStringLiteral("%1 (%2)").arg(text, toQt(dates.zone));
+}
+
 QString textOf(const ColumnLimit &limit) {
     QStringList conditions;
     if (limit.oneOf) {
@@ -41,6 +50,8 @@ QString textOf(const ColumnLimit &limit) {
         conditions += ColumnLimitsPart::tr("%1 or more").arg(*limit.from);
     else if (limit.to)
         conditions += ColumnLimitsPart::tr("at most %1").arg(*limit.to);
+    if (limit.dates)
+        conditions += datesText(*limit.dates);
     return QStringLiteral("%1: %2").arg(columnTitle(limit.column),
                                         conditions.join(QStringLiteral("; ")));
 }
@@ -88,12 +99,14 @@ void ColumnLimitsPart::choose(UrlColumn column) {
         if (each.column == column)
             now = each;
     const bool isLimited = now != ColumnLimit{.column = column};
+    const bool isListed = valuesOf(column) != ColumnValues::dates;
     const RowIds &ids = isLimited ? table->idsOfQuery() : table->ids();
-    Walk walk = Walk::Cancelled;
+    Walk walk = isListed ? Walk::Cancelled : Walk::Finished;
     CountedValues counted;
-    m_bench.runTask({"COUNTING VALUES", "", "", ""}, [&](TaskMonitor &task) {
-        walk = countValues(m_bench.project(), ids, column, kMostListed, task, counted);
-    });
+    if (isListed)
+        m_bench.runTask({"COUNTING VALUES", "", "", ""}, [&](TaskMonitor &task) {
+            walk = countValues(m_bench.project(), ids, column, kMostListed, task, counted);
+        });
     if (walk == Walk::Cancelled)
         return;
     // Values that are ticked now and that other limits hide stay in the list.
@@ -103,7 +116,9 @@ void ColumnLimitsPart::choose(UrlColumn column) {
                                   &std::pair<std::string, std::int64_t>::first) ==
                 counted.values.end())
                 counted.values.emplace_back(value, 0);
-    ColumnLimitForm form(counted, now, columnTitle(column), &m_bench.window);
+    const ProgramState &state = m_bench.program.state;
+    ColumnLimitForm form(counted, now, columnTitle(column), {state.gmtZone, state.enableDSTChanges},
+                         &m_bench.window);
     if (form.exec() == QDialog::Accepted)
         put(column, form.limit());
 }

@@ -2,6 +2,7 @@
 
 #include "platform/qt/QtText.h"
 #include "ui/views/FilterForm.h"
+#include "ui/views/MarksBox.h"
 #include "ui/window/StatusSign.h"
 
 #include <QAction>
@@ -110,16 +111,40 @@ void FiltersPart::chooseFilters() {
     if (ProjectDatabase &project = m_bench.program.state.projectDB; project.isOpen())
         origins = originChoicesOf(project.connection());
     FilterForm form(filters, m_bench.examiner(), &m_bench.window, origins);
+    const MarksBox *marks = addMarks(form);
     if (form.exec() != QDialog::Accepted)
         return;
     filters = form.filters();
+    if (marks)
+        takeMarks(*marks);
     m_bench.reload();
+}
+
+/// Null while no project is open.
+const MarksBox *FiltersPart::addMarks(FilterForm &form) const {
+    const UrlTable *table = m_bench.table->table();
+    if (!table || !m_bench.isProjectOpen())
+        return nullptr;
+    std::optional<std::int64_t> tagID;
+    if (table->tags)
+        tagID = table->tags->tagIDs.front();
+    auto *marks =
+        new MarksBox({NamedTags(m_bench.project()).list(), foundHashSets(m_bench.project())}, tagID,
+                     table->hashSets);
+    form.addMarks(*marks);
+    return marks;
+}
+
+void FiltersPart::takeMarks(const MarksBox &marks) {
+    const auto tagID = marks.tagID();
+    const HashLimit sets = marks.hashSets();
+    emit m_bench.tagLimitChosen(tagID ? QVariant(qint64{*tagID}) : QVariant());
+    emit m_bench.hashLimitChosen(sets.isEmpty() ? QVariant() : QVariant::fromValue(sets));
 }
 
 void FiltersPart::showSign() {
     const UrlTable *table = m_bench.table->table();
-    const bool isLimited = table && (table->time || table->ofSearch || !table->byColumn.empty());
-    m_sign->setVisible(isLimited || (table && table->filters.enableFilters));
+    m_sign->setVisible(table && (table->isLimited() || table->filters.enableFilters));
     if (!table)
         return;
     const std::size_t hidden = table->hiddenCount();

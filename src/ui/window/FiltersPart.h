@@ -6,6 +6,9 @@ class QLabel;
 
 namespace nv {
 
+class FilterForm;
+class MarksBox;
+
 /// The record filters in the main window: their dialog, and a sign in the status bar while they are
 /// on, since rows that are hidden in silence look like rows that aren't there.
 class FiltersPart final : public QObject, public Limiter {
@@ -21,6 +24,8 @@ class FiltersPart final : public QObject, public Limiter {
 
   private:
     void chooseFilters();
+    const MarksBox *addMarks(FilterForm &form) const;
+    void takeMarks(const MarksBox &marks);
     void showSign();
 
     Workbench &m_bench;

@@ -6,6 +6,9 @@
 #include "ui/views/GalleryTab.h"
 #include "views/UnreadRows.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace nv {
 
 namespace {
@@ -39,7 +42,20 @@ GalleryPart::GalleryPart(Workbench &bench)
                 showCount();
             });
     connect(&m_background, &BackgroundThumbnails::ended, this, &GalleryPart::tellEnd);
-    connect(&table, &TableTab::statusChanged, this, &GalleryPart::followTable);
+    m_gallery->setRowSource([this] { return rows(); });
+    connect(&table, &TableTab::rowsLoaded, this,
+            [this] { m_gallery->followTable(fromQt(m_bench.table->queryName())); });
+    // Ticks of the table are shown when the gallery comes up again.
+    connect(&table, &TableTab::statusChanged, this, [this] {
+        if (!m_gallery->isVisible())
+            m_gallery->setOutdated();
+    });
+    connect(&bench.limits, &Limits::changed, this, [this] {
+        QStringList limits;
+        for (const Limits::Chip &each : m_bench.limits.chips())
+            limits += each.chip.text;
+        m_gallery->showLimits(limits);
+    });
     connect(&bench, &Workbench::thumbnailsChanged, this, [this] {
         m_isCounted = false;
         m_gallery->setDirty();
@@ -59,12 +75,15 @@ GalleryPart::GalleryPart(Workbench &bench)
     connect(&bench, &Workbench::projectClosing, m_gallery, &GalleryTab::closeProject);
 }
 
-/// What happens in the table is shown when the gallery comes up again.
-void GalleryPart::followTable() {
-    if (m_gallery->isVisible())
-        return;
-    m_gallery->setQuery(fromQt(m_bench.table->queryName()));
-    m_gallery->setDirty();
+/// Whatever limits the table limits the gallery. While nothing does, all of the query's rows are
+/// in it.
+std::shared_ptr<const FoundIds> GalleryPart::rows() const {
+    const UrlTable *table = m_bench.table->table();
+    if (!table || table->hiddenCount() == 0)
+        return nullptr;
+    auto rows = std::make_shared<FoundIds>(table->ids());
+    std::ranges::sort(*rows);
+    return rows;
 }
 
 GallerySettings GalleryPart::settings() const {

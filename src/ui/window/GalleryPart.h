@@ -21,7 +21,7 @@ class GalleryPart final : public QObject {
     GallerySettings settings() const;
     void open();
     void takeOptions();
-    void followTable();
+    std::shared_ptr<const FoundIds> rows() const;
     void switchDrawing();
     void startDrawing();
     void count();

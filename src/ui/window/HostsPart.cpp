@@ -38,7 +38,11 @@ HostsPart::HostsPart(Workbench &bench)
         fillIfStale();
         showSign();
     });
-    connect(m_gallery, &GalleryTab::hostEntered, this, &HostsPart::takeEntered);
+    // The table is loaded by it too: the gallery shows no others than its rows.
+    connect(m_gallery, &GalleryTab::hostEntered, this, [this](const QString &host) {
+        takeEntered(host);
+        m_bench.reload();
+    });
     connect(bench.dataTabs, &QTabWidget::currentChanged, this, &HostsPart::reloadStaleTable);
     connect(&bench, &Workbench::projectClosing, this, [this] {
         m_pane->setHosts({}, Walk::Finished);
@@ -117,7 +121,7 @@ void HostsPart::choose(const std::string &host) {
         state.filterByHostValue = host;
     showFilter();
     if (ticked)
-        reloadFrontTab();
+        m_bench.reload();
 }
 
 void HostsPart::untick() {
@@ -147,14 +151,6 @@ void HostsPart::showFilter() {
     m_bench.table->setHost(host);
     m_gallery->setHost(host);
     showSign();
-}
-
-void HostsPart::reloadFrontTab() {
-    const QWidget *front = m_bench.dataTabs->currentWidget();
-    if (front == m_bench.table)
-        m_bench.reload();
-    else if (front == m_gallery)
-        m_gallery->setDirty();
 }
 
 /// A host that was chosen before another tab holds for the table too, once it is looked at.

@@ -35,7 +35,6 @@ class HostsPart final : public QObject, public Limiter {
     void untick();
     void takeEntered(const QString &host);
     void showFilter();
-    void reloadFrontTab();
     void reloadStaleTable();
     void showSign();
     /// Empty when the filter is off.

@@ -58,10 +58,12 @@ MainActions::MainActions(QObject *o)
       rebuildByClassic(make(o, "actRebuildByClassic", tr("Rebuild by Cla&ssic Rules"))),
       linkAnalysis(make(o, "actLinkAnalysis", tr("Run &Link Analysis..."), "links",
                         Qt::CTRL | Qt::SHIFT | Qt::Key_L)),
+      hashSets(make(o, "actHashSets", tr("&Hash Sets..."), "database")),
       filters(make(o, "actFilters", tr("&Filters..."), "filter", Qt::CTRL | Qt::SHIFT | Qt::Key_F)),
       places(make(o, "actPlaces", tr("&Places"), "hosts", Qt::CTRL | Qt::SHIFT | Qt::Key_H)),
       hosts(make(o, "actHosts", tr("&Hosts"), "hosts", Qt::CTRL | Qt::Key_H)),
       time(make(o, "actTime", tr("Ti&me"), "time", Qt::CTRL | Qt::SHIFT | Qt::Key_T)),
+      hideKnown(make(o, "actHideKnown", tr("Hide &Known Files"))),
       columns(make(o, "actColumns", tr("&Columns..."), "columns", Qt::CTRL | Qt::Key_L)),
       viewers(make(o, "actViewers", tr("&Viewers"), "", Qt::Key_F4)),
       refresh(make(o, "actRefresh", tr("&Refresh"), "refresh", QKeySequence::Refresh)),
@@ -85,7 +87,7 @@ MainActions::MainActions(QObject *o)
         nameKeys(*action);
     network->setIconText(tr("Network"));
     createReport->setIconText(tr("Report"));
-    for (QAction *action : {places, hosts, time, viewers})
+    for (QAction *action : {places, hosts, time, hideKnown, viewers})
         action->setCheckable(true);
     openReportFolder->setEnabled(false);
     viewers->setChecked(true);
@@ -123,6 +125,10 @@ void MainActions::describe() const {
                           "table"));
     hosts->setToolTip(tr("The list of all hosts beside the table, in place of the places"));
     time->setToolTip(tr("The bar of time above the table: when its rows happened"));
+    hideKnown->setToolTip(tr("Hide rows whose file is in a known hash set, unless a notable one "
+                             "has it too"));
+    hashSets->setToolTip(tr("Sets of known and notable files: make and remove them, and find "
+                            "the rows whose file they have"));
     columns->setToolTip(tr("Choose which columns are shown, and their order"));
     viewers->setToolTip(tr("Show or hide the panes of the current record"));
     refresh->setToolTip(tr("Load the rows of the query anew"));
@@ -148,8 +154,8 @@ void MainActions::setProjectOpen(bool open, bool readOnly) {
           search,        copyCsv,      copyMarkdown, copyJson,    copyDefanged,   places,
           findNext,      tag,          rebuild,      rebuildPage, rebuildExactly, rebuildByClassic,
           linkAnalysis,  columns,      refresh,      baseFolder,  timeZone,       caseTrail,
-          importSummary, filters,      hosts,        time,        createReport,   publishReport,
-          exportRows})
+          importSummary, filters,      hideKnown,    hosts,       time,           createReport,
+          publishReport, exportRows})
         action->setEnabled(open);
     for (QAction *action : {import, upgradeWizard})
         action->setEnabled(!readOnly);

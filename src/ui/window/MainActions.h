@@ -33,10 +33,12 @@ struct MainActions {
     QAction *rebuildExactly;   ///< those of `rebuild`, whatever the setting says
     QAction *rebuildByClassic; ///< the same, by the classic rules
     QAction *linkAnalysis;
+    QAction *hashSets;
     QAction *filters;
     QAction *places;
     QAction *hosts; ///< the classic list
     QAction *time;
+    QAction *hideKnown; ///< rows whose file is in a known hash set
     QAction *columns;
     QAction *viewers;
     QAction *refresh;

@@ -61,7 +61,7 @@ void MainMenus::buildEdit(const MainActions &actions) {
 
 void MainMenus::buildView(const MainActions &actions) {
     QMenu *menu = named(m_window.menuBar()->addMenu(tr("&View")), "menuView");
-    menu->addActions({actions.filters, actions.columns});
+    menu->addActions({actions.filters, actions.hideKnown, actions.columns});
     m_sortBy = named(menu->addMenu(tr("&Sort By")), "PopupMenuSortBy");
     addSortChoices();
     menu->addAction(actions.refresh);
@@ -96,7 +96,7 @@ void MainMenus::buildToolsAndHelp(const MainActions &actions) {
     tools->addActions(
         {actions.rebuild, actions.rebuildPage, actions.rebuildExactly, actions.rebuildByClassic});
     tools->addSeparator();
-    tools->addAction(actions.linkAnalysis);
+    tools->addActions({actions.linkAnalysis, actions.hashSets});
     tools->addSeparator();
     tools->addActions({actions.createReport, actions.publishReport, actions.openReportFolder});
     tools->addSeparator();

@@ -53,9 +53,10 @@ void PlacesPart::connectPane() {
         if (shown)
             m_bench.actions.places->setChecked(false);
     });
-    // Comes before the rows are loaded anew, which then counts.
-    connect(m_bench.actions.refresh, &QAction::triggered, this,
-            [this] { m_countedTo = kNotCounted; });
+    // Both come before the rows are loaded anew, which then counts.
+    const auto countAgain = [this] { m_countedTo = kNotCounted; };
+    connect(m_bench.actions.refresh, &QAction::triggered, this, countAgain);
+    connect(&m_bench, &Workbench::hashSetsMatched, this, countAgain);
     connect(m_bench.table, &TableTab::statusChanged, this, &PlacesPart::loadIfStale);
     connect(&m_loader, &PlacesLoader::loaded, this,
             [this](const std::shared_ptr<Places> &places, const QString &failure) {

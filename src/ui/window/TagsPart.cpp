@@ -68,6 +68,7 @@ TagsPart::TagsPart(Workbench &bench) : m_bench(bench), m_pane(new TagsPane) {
     connectPane();
     connect(&bench.table->grid(), &UrlGrid::tagKeyPressed, this, &TagsPart::pressKey);
     connect(&bench, &Workbench::projectOpened, this, &TagsPart::takeProject);
+    connect(&bench, &Workbench::tagLimitChosen, this, &TagsPart::setLimit);
     connect(bench.table, &TableTab::rowsLoaded, this, &TagsPart::fill);
     bench.limits.add(*this);
     connect(&bench, &Workbench::projectClosing, this, [this] {

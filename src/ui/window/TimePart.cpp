@@ -4,6 +4,7 @@
 #include "platform/qt/QtText.h"
 #include "time/ExactZone.h"
 #include "ui/views/TimeStrip.h"
+#include "views/RecordCard.h"
 
 #include <QAction>
 #include <QBoxLayout>
@@ -160,8 +161,7 @@ void TimePart::load() {
 }
 
 QString TimePart::zoneName() const {
-    const TimeZone &zone = m_bench.program.state.gmtZone;
-    return toQt(zone.exact ? zone.exact->name() : zone.tzName);
+    return toQt(nv::zoneName(m_bench.program.state.gmtZone));
 }
 
 void TimePart::choose(const std::optional<TimeSpan> &span) {

@@ -42,6 +42,19 @@ bool WindowDialogs::confirmNewProject(OptionsForm &form) {
     return form.exec() == QDialog::Accepted;
 }
 
+std::vector<std::filesystem::path> WindowDialogs::chooseHashLists() {
+    QFileDialog dialog(QApplication::activeWindow(),
+                       QCoreApplication::translate("WindowDialogs", "Lists of Hashes"));
+    dialog.setObjectName(QStringLiteral("hashListsDialog"));
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    dialog.setNameFilter(QString::fromLatin1(kAllFiles));
+    std::vector<std::filesystem::path> files;
+    if (dialog.exec() == QDialog::Accepted)
+        for (const QString &file : dialog.selectedFiles())
+            files.push_back(pathFromQt(file));
+    return files;
+}
+
 std::optional<std::filesystem::path>
 WindowDialogs::choosePage(const std::filesystem::path &offered) {
     return choosePageByDialog(offered);

@@ -3,6 +3,9 @@
 #include "app/ProjectCommands.h"
 #include "base/Examiner.h"
 
+#include <filesystem>
+#include <vector>
+
 namespace nv {
 
 class OptionsForm;
@@ -15,6 +18,8 @@ class WindowDialogs : public FileDialogs {
     chooseFolder(const std::string &title, const std::filesystem::path &start) = 0;
     /// Asks for the file of a page to write; an existing one is only given back after a question.
     virtual std::optional<std::filesystem::path> choosePage(const std::filesystem::path &offered);
+    /// The lists that a hash set is to be made of; none when the examiner cancels.
+    virtual std::vector<std::filesystem::path> chooseHashLists();
     /// Shows the first step of a new project; false when the examiner cancels.
     virtual bool confirmNewProject(OptionsForm &form);
 };

@@ -3,6 +3,7 @@
 #include "ui/window/ColumnLimitsPart.h"
 #include "ui/window/FiltersPart.h"
 #include "ui/window/GalleryPart.h"
+#include "ui/window/HashSetsPart.h"
 #include "ui/window/HostsPart.h"
 #include "ui/window/LimitsPart.h"
 #include "ui/window/LinkPart.h"
@@ -28,6 +29,7 @@ std::vector<std::unique_ptr<QObject>> newParts(Workbench &bench) {
     parts.push_back(std::make_unique<TemplatesPart>(bench));
     parts.push_back(std::make_unique<HostsPart>(bench));
     parts.push_back(std::make_unique<PlacesPart>(bench));
+    parts.push_back(std::make_unique<HashSetsPart>(bench));
     parts.push_back(std::make_unique<FiltersPart>(bench));
     parts.push_back(std::make_unique<ColumnLimitsPart>(bench));
     parts.push_back(std::make_unique<TimePart>(bench));

@@ -9,6 +9,7 @@
 #include "ui/window/WindowDialogs.h"
 
 #include <QObject>
+#include <QVariant>
 
 class QMenu;
 class QSplitter;
@@ -65,8 +66,13 @@ class Workbench final : public QObject {
     void projectOpened();
     /// Comes before the connection goes: whoever uses it lets go of it now.
     void projectClosing();
+    /// What the limits of tags and of hash sets are from the next load on; invalid: they hide none.
+    void tagLimitChosen(const QVariant &limit);
+    void hashLimitChosen(const QVariant &limit);
     /// Other settings are in force; the rows are loaded anew after it.
     void optionsChanged();
+    /// The project's files were looked for in hash sets; the rows are loaded anew after it.
+    void hashSetsMatched();
     /// The project has other stored queries than before.
     void queriesChanged();
     /// How far work in the background is, 0 to 1, and its end. The title of the window tells it;

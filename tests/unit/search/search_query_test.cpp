@@ -37,6 +37,9 @@ std::string lineOf(std::string_view text) {
         case ClauseKind::tag:
             line += "tag=" + clause.text;
             break;
+        case ClauseKind::hashSet:
+            line += "hashset=" + clause.text;
+            break;
         case ClauseKind::before:
         case ClauseKind::after:
             line += (clause.kind == ClauseKind::before ? "before=" : "after=") +

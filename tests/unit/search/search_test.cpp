@@ -90,6 +90,21 @@ TEST_F(SearchTest, findsRowsByTheirTags) {
     EXPECT_THAT(found("tag:Important"), IsEmpty()) << "the index keeps nothing of tags";
 }
 
+TEST_F(SearchTest, hashSetsAreAskedByName) {
+    EXPECT_THAT(found("hashset:*"), IsEmpty());
+    connection().exec("INSERT INTO RecordFacts VALUES (1, 'hashset_known', 'Library', 'MD5'), "
+                      "(2, 'hashset_notable', 'my cases', 'MD5'), "
+                      "(3, 'hashset_known', 'Library', 'MD5'), (3, 'etag', 'other', NULL)");
+    EXPECT_THAT(found("hashset:library"), ElementsAre(1, 3));
+    EXPECT_THAT(found("hashset:\"My Cases\""), ElementsAre(2));
+    EXPECT_THAT(found("hashset:notable"), ElementsAre(2));
+    EXPECT_THAT(found("hashset:known"), ElementsAre(1, 3));
+    EXPECT_THAT(found("hashset:* -hashset:known"), ElementsAre(2));
+    EXPECT_THAT(found("-hashset:*"), ElementsAre(4, 5));
+    EXPECT_THAT(found("hashset:lib"), IsEmpty()) << "a whole name";
+    EXPECT_THAT(found("hashset:other"), IsEmpty());
+}
+
 TEST_F(SearchTest, findsPhrasesInTheirOrder) {
     EXPECT_THAT(found("\"spring tide\""), ElementsAre(1));
     EXPECT_THAT(found("\"tide spring\""), IsEmpty());

@@ -54,6 +54,45 @@ TEST_F(ColumnLimitTest, keepsRangesOfNumbers) {
         << "what isn't there is in no range";
 }
 
+TEST_F(ColumnLimitTest, keepsRangesOfDatesByTheZonesClock) {
+    // The zone is five hours behind UTC: 00:00 of 2 March there is 05:00 UTC.
+    project.connection().exec(
+        "UPDATE URLs SET ActionDateUTC = 40604 + (5.0 - URL_ID) / 24 - 1.0 / 86400 * (URL_ID = 2), "
+        "ExpiryDate = CASE URL_ID WHEN 1 THEN 0 WHEN 2 THEN 40604.5 WHEN 3 THEN 'soon' END");
+    const auto range = [this](std::string_view from, std::string_view to) {
+        const TimeSpan span{from.empty() ? kAllTime.begin : *secondTyped(from),
+                            to.empty() ? kAllTime.end : *endTyped(to)};
+        return dateRange(span, project.zone, true);
+    };
+    const auto rows = [&](UrlColumn column, const DateRange &dates) {
+        ColumnLimit limit{.column = column};
+        limit.dates = dates;
+        return kept(limit);
+    };
+    EXPECT_EQ(valuesOf(UrlColumn::ActionDateUtc), ColumnValues::dates);
+    EXPECT_EQ(valuesOf(UrlColumn::TimeRebuilt), ColumnValues::none);
+    for (const UrlColumn column : {UrlColumn::ActionDateUtc, UrlColumn::LocalDate}) {
+        EXPECT_THAT(rows(column, range("2011-03-02", "")), IsEmpty());
+        EXPECT_THAT(rows(column, range("2011-03-01", "2011-03-01")), ElementsAre(4, 3, 2, 1));
+        EXPECT_THAT(rows(column, range("2011-03-01 21:00", "2011-03-01 22:00")), ElementsAre(3, 2));
+        EXPECT_THAT(rows(column, range("", "2011-03-01 20:59")), ElementsAre(4))
+            << "a second before 22:00 isn't in it";
+    }
+    EXPECT_THAT(rows(UrlColumn::ExpiryDate, range("", "2099-12-31")), ElementsAre(2))
+        << "0 is no date, nor is a text";
+}
+
+TEST_F(ColumnLimitTest, namesTypedDatesAsTheyWereTyped) {
+    const TimeSpan span{*secondTyped("2011-03-01 19:30"), *endTyped("2011-03-02")};
+    EXPECT_EQ(beginText(span), "2011-03-01 19:30");
+    EXPECT_EQ(endText(span), "2011-03-02");
+    EXPECT_EQ(endText({0, *endTyped("2011-03-02 05:09")}), "2011-03-02 05:09");
+    EXPECT_EQ(beginText(kAllTime), "");
+    EXPECT_EQ(endText(kAllTime), "");
+    EXPECT_FALSE(secondTyped("yesterday"));
+    EXPECT_FALSE(endTyped("2011-02-30"));
+}
+
 TEST_F(ColumnLimitTest, countsWhatStandsThere) {
     CountedValues counted;
     EXPECT_EQ(countValues(project.connection(), {4, 2, 3, 1}, UrlColumn::Host, 10, task, counted),
@@ -70,7 +109,7 @@ TEST_F(ColumnLimitTest, countsWhatStandsThere) {
 
 TEST_F(ColumnLimitTest, columnsThatAreMadeOfSeveralHaveNone) {
     EXPECT_EQ(valuesOf(UrlColumn::Icon), ColumnValues::none);
-    EXPECT_EQ(valuesOf(UrlColumn::ActionDateUtc), ColumnValues::none);
+    EXPECT_EQ(valuesOf(UrlColumn::TimeRebuilt), ColumnValues::none);
     EXPECT_EQ(valuesOf(UrlColumn::Visits), ColumnValues::numbers);
     EXPECT_EQ(valuesOf(UrlColumn::Host), ColumnValues::texts);
 }

@@ -13,13 +13,14 @@ TEST(UrlColumns, standInTheirDocumentedOrder) {
     for (const UrlColumnFacts &facts : kUrlColumns)
         EXPECT_EQ(indexOf(facts.column), index++) << facts.key;
     EXPECT_EQ(index, 51u);
-    EXPECT_EQ(kTableColumns.size(), 57u);
+    EXPECT_EQ(kTableColumns.size(), 58u);
     EXPECT_EQ(kTableColumns[51].key, "COL_URL_LOCAL_DATE");
     EXPECT_EQ(kTableColumns[52].key, "COL_URL_NOTE");
     EXPECT_EQ(kTableColumns[53].key, "COL_URL_BROWSER");
     EXPECT_EQ(kTableColumns[54].key, "COL_URL_PROFILE");
     EXPECT_EQ(kTableColumns[55].key, "COL_URL_PERSON");
     EXPECT_EQ(kTableColumns[56].key, "COL_URL_TAG_NAMES");
+    EXPECT_EQ(kTableColumns[57].key, "COL_URL_HASH_SETS");
     for (std::size_t at = 0; at < kTableColumns.size(); ++at)
         EXPECT_EQ(indexOf(kTableColumns.at(at).column), at);
     EXPECT_EQ(kUrlColumns[0].key, "COL_URL_TAG");

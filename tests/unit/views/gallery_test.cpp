@@ -52,6 +52,20 @@ TEST_F(GalleryTest, showsRowsWithAThumbnailByHost) {
     EXPECT_TRUE(made.log.entries.empty());
 }
 
+TEST_F(GalleryTest, showsNoOthersThanTheTableShows) {
+    for (const char *host : {"b.example", "a.example", "b.example"})
+        picture(host);
+    gallery.among = std::make_shared<const FoundIds>(FoundIds{1, 2, 4});
+    ASSERT_EQ(load(), LoadResult::Loaded);
+    EXPECT_THAT(shown(), ElementsAre(2, 1));
+    gallery.among = std::make_shared<const FoundIds>();
+    ASSERT_EQ(load(), LoadResult::Loaded);
+    EXPECT_EQ(gallery.rowCount(), 0u);
+    gallery.among.reset();
+    ASSERT_EQ(load(), LoadResult::Loaded);
+    EXPECT_EQ(gallery.rowCount(), 3u);
+}
+
 TEST_F(GalleryTest, isEmptyWithoutThumbnails) {
     EXPECT_EQ(load(), LoadResult::Loaded);
     EXPECT_EQ(gallery.galleryADOPageCount(), 0);

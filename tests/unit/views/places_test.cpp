@@ -214,5 +214,25 @@ TEST_F(PlacesTest, manyPlacesCostNoSquare) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
+TEST_F(PlacesTest, hashSetsAreATreeOfTheirOwn) {
+    for (const char *host : {"a.example", "b.example", "c.example"})
+        addRow({"ada", "Edge", "Default", "IE CACHE", host});
+    last = 3;
+    EXPECT_THAT(load().hashSets, IsEmpty());
+    db().exec("INSERT INTO RecordFacts VALUES (1, 'hashset_known', 'library', 'MD5'), "
+              "(2, 'hashset_known', 'library', 'MD5'), (2, 'hashset_notable', 'cases', 'MD5'), "
+              "(2, 'hashset_notable', 'more', 'MD5'), (3, 'etag', 'library', NULL)");
+    EXPECT_THAT(linesOf(load().hashSets),
+                ElementsAre("notable 1", "-cases 1", "-more 1", "known 2", "-library 2"));
+    const PlaceLimit known{{{PlaceField::HashMeaning, "known"}}};
+    const PlaceLimit cases{{{PlaceField::HashMeaning, "notable"}, {PlaceField::HashSet, "cases"}}};
+    EXPECT_THAT(rowsOf({{known}, {}}), ElementsAre(1, 2));
+    EXPECT_THAT(rowsOf({{cases}, {}}), ElementsAre(2));
+    EXPECT_THAT(rowsOf({{}, {known}}), ElementsAre(3));
+    db().exec("PRAGMA legacy_alter_table = ON; DROP TABLE RecordFacts");
+    EXPECT_THAT(load().hashSets, IsEmpty());
+    EXPECT_THAT(rowsOf({{cases}, {}}), IsEmpty());
+}
+
 } // namespace
 } // namespace nv

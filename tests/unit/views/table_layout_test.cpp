@@ -88,8 +88,8 @@ TEST(TableLayout, putsColumnsOfOnePositionSideBySide) {
 TEST(TableLayout, putsPositionsBeyondTheEndAtTheEnd) {
     const TableLayout layout =
         restored({{"COL_URL_HOST_ColPos", "900"}, {"COL_URL_USER_ColPos", "800"}});
-    EXPECT_EQ(layout.position(UrlColumn::User), 55);
-    EXPECT_EQ(layout.position(UrlColumn::Host), 56);
+    EXPECT_EQ(layout.position(UrlColumn::User), 56);
+    EXPECT_EQ(layout.position(UrlColumn::Host), 57);
     EXPECT_EQ(layout.order().size(), kTableColumnCount);
 }
 

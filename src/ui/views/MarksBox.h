@@ -1,0 +1,47 @@
+#pragma once
+
+#include "db/FoundHashSets.h"
+#include "db/NamedTags.h"
+#include "views/HashLimit.h"
+
+#include <QWidget>
+
+#include <optional>
+#include <vector>
+
+class QCheckBox;
+class QComboBox;
+
+namespace nv {
+
+/// What a project has of tags and hash sets.
+struct ProjectMarks {
+    std::vector<NamedTag> tags;
+    std::vector<FoundHashSet> sets;
+};
+
+/// Choices of one tag and of hash sets, for dialogs that choose rows.
+class MarksBox final : public QWidget {
+    Q_OBJECT
+
+  public:
+    /// The tag and the limit are in force.
+    MarksBox(const ProjectMarks &marks, const std::optional<std::int64_t> &tagID,
+             const HashLimit &limit, QWidget *parent = nullptr);
+
+    std::optional<std::int64_t> tagID() const;
+    HashLimit hashSets() const;
+
+  private:
+    QComboBox *newChoice(const char *name, const QString &label, const QString &any);
+    void addSets(const std::vector<FoundHashSet> &sets, const HashLimit &limit);
+
+    QComboBox *m_tag = nullptr;
+    QComboBox *m_set = nullptr;
+    QCheckBox *m_hideKnown = nullptr;
+};
+
+/// "any notable set or library", for those that the limit shows.
+QString shownSetsText(const HashLimit &limit);
+
+} // namespace nv
