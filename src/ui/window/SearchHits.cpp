@@ -38,8 +38,7 @@ SearchHits::SearchHits(Workbench &bench) : m_bench(bench), m_bar(new HitBar) {
     addViewers();
     connect(bench.table, &TableTab::currentUrlChanged, this, &SearchHits::show);
     connect(bench.viewers, &QTabWidget::currentChanged, this, &SearchHits::showCount);
-    // The application outlives the window and its bar.
-    connect(qApp, &QApplication::focusChanged, m_bar, [this] { showCount(); });
+    connect(qApp, &QApplication::focusChanged, this, &SearchHits::showCount);
     connect(m_bar, &HitBar::nextWanted, this, [this] { goOn(true); });
     connect(m_bar, &HitBar::previousWanted, this, [this] { goOn(false); });
     connect(m_bar, &HitBar::stopWanted, this, [this] {
