@@ -4,6 +4,7 @@
 #include "cli/RowWriter.h"
 #include "cli/Session.h"
 #include "db/SqlTokens.h"
+#include "platform/posix/BigBlocks.h"
 
 #include <filesystem>
 #include <iostream>
@@ -34,6 +35,7 @@ std::string wordsOf(int argc, char **argv) {
 } // namespace
 
 int main(int argc, char **argv) {
+    giveBigBlocksBack();
     const Call call = callOf({argv + 1, argv + argc});
     std::cout << call.answer << std::flush;
     std::cerr << call.refusal << std::flush;

@@ -1,6 +1,7 @@
 #include "app/messages/Messages.h"
 #include "app/program/Program.h"
 #include "app/settings/Settings.h"
+#include "platform/posix/BigBlocks.h"
 #include "platform/posix/PosixSystemTime.h"
 #include "platform/posix/SysfsNetwork.h"
 #include "platform/qt/GuardedApplication.h"
@@ -80,6 +81,7 @@ int runProgram(GuardedApplication &application, SplashForm &splash) {
 } // namespace
 
 int main(int argc, char **argv) {
+    giveBigBlocksBack();
     prepareWebEngine();
     GuardedApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("norvelane"));

@@ -39,14 +39,20 @@ constexpr const char *kTables =
     "CREATE VIRTUAL TABLE Words USING fts5(Page, Headers, content='', columnsize=0, "
     "tokenize='unicode61 remove_diacritics 2');";
 
-std::unique_ptr<SQLite::Database> connected(const fs::path &file, int flags) {
+/// What is looked up lies together and is read once: more of it in memory than some of its inner
+/// pages makes no search quicker.
+constexpr int kCacheOfReaders = 8 << 10; // KB
+constexpr int kCacheOfMakers = 64 << 10;
+
+std::unique_ptr<SQLite::Database> connected(const fs::path &file, int flags, int cache) {
     auto database = std::make_unique<SQLite::Database>(fs::absolute(file).string(),
                                                        flags | SQLite::OPEN_NOMUTEX, kBusyTimeout);
     sqlite3 *handle = database->getHandle();
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
-    database->tryExec("PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON; "
-                      "PRAGMA cache_size=-65536");
+    database->tryExec(fmt::format("PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON; "
+                                  "PRAGMA cache_size=-{}",
+                                  cache));
     return database;
 }
 
@@ -95,7 +101,7 @@ Look look(const fs::path &file) {
 }
 
 std::unique_ptr<SQLite::Database> make(const fs::path &file) {
-    auto database = connected(file, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    auto database = connected(file, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, kCacheOfMakers);
     database->exec(fmt::format("PRAGMA page_size=8192; PRAGMA journal_mode=OFF; "
                                "PRAGMA synchronous=OFF; PRAGMA application_id={}; "
                                "PRAGMA user_version={}",
@@ -108,7 +114,8 @@ std::unique_ptr<SQLite::Database> make(const fs::path &file) {
 }
 
 std::unique_ptr<SQLite::Database> open(const fs::path &file, bool forWriting) {
-    auto database = connected(file, forWriting ? SQLite::OPEN_READWRITE : SQLite::OPEN_READONLY);
+    auto database = connected(file, forWriting ? SQLite::OPEN_READWRITE : SQLite::OPEN_READONLY,
+                              kCacheOfReaders);
     sqlite3_db_config(database->getHandle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     const bool reads = database->tryExec("SELECT count(*) FROM sqlite_master") == SQLite::OK;
     return reads ? std::move(database) : std::unique_ptr<SQLite::Database>();

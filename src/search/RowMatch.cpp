@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <functional>
 #include <utility>
 
 namespace nv {
@@ -38,10 +39,13 @@ bool isOfKind(std::string_view cacheType, std::string_view asked) {
     return isGroup || foldedCase(cacheType).find(asked) != std::string::npos;
 }
 
-std::optional<TextSpan> findWords(const std::vector<std::string> &words, bool anyEnd,
-                                  std::string_view text, std::size_t from) {
+namespace {
+
+/// Goes over the places at which these words follow each other, until `take` has had enough.
+void walkWords(const std::vector<std::string> &words, bool anyEnd, std::string_view text,
+               const std::function<bool(const TextSpan &)> &take) {
     if (words.empty())
-        return std::nullopt;
+        return;
     const auto isLast = [&](const Word &word) {
         return anyEnd ? word.text.starts_with(words.back()) : word.text == words.back();
     };
@@ -51,15 +55,27 @@ std::optional<TextSpan> findWords(const std::vector<std::string> &words, bool an
         last.push_back(word);
         if (last.size() > words.size())
             last.pop_front();
-        if (last.size() < words.size() || last.front().at < from || !isLast(word))
+        if (last.size() < words.size() || !isLast(word))
             continue;
         const bool all = std::equal(
             words.begin(), words.end() - 1, last.begin(),
             [](const std::string &sought, const Word &found) { return sought == found.text; });
-        if (all)
-            return TextSpan{last.front().at, word.at + word.length - last.front().at};
+        if (all && !take({last.front().at, word.at + word.length - last.front().at}))
+            return;
     }
-    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<TextSpan> findWords(const std::vector<std::string> &words, bool anyEnd,
+                                  std::string_view text, std::size_t from) {
+    std::optional<TextSpan> found;
+    walkWords(words, anyEnd, text, [&](const TextSpan &span) {
+        if (span.at >= from)
+            found = span;
+        return !found;
+    });
+    return found;
 }
 
 RowMatch::RowMatch(SearchQuery query, SearchScope scope)
@@ -161,6 +177,13 @@ void RowMatch::gather(std::size_t clause, std::string_view text, std::size_t mos
         const std::size_t from = m_folded.origin(at);
         into.push_back({from, m_folded.origin(at + part.size()) - from});
     }
+    // A word may be spelled with accents there, and other signs may stand between two.
+    const std::size_t last = into.size() + most;
+    walkWords(m_sought.at(clause).words, m_query.clauses.at(clause).anyEnd, text,
+              [&](const TextSpan &span) {
+                  into.push_back(span);
+                  return into.size() < last;
+              });
 }
 
 std::vector<TextSpan> RowMatch::marksIn(std::string_view text, std::size_t most) {

@@ -105,14 +105,18 @@ Told askIndex(SearchIndex &index, const RowMatch &match, std::size_t most) {
     FactMatch facts(query);
     if (!told.ids || !facts.empty() || !areAllThere) {
         FoundIds ids;
+        std::size_t at = 0; // both go by ascending ids
         index.eachRow([&](const RowFacts &row) {
-            const bool isIn = !told.ids || std::ranges::binary_search(*told.ids, row.id);
+            while (told.ids && at < told.ids->size() && told.ids->at(at) < row.id)
+                ++at;
+            const bool isIn = !told.ids || (at < told.ids->size() && told.ids->at(at) == row.id);
             if (isIn && facts.meets(row))
                 ids.push_back(row.id);
         });
         told.ids = std::move(ids);
     }
-    told.ids = without(*told.ids, taken);
+    if (!taken.empty())
+        told.ids = without(*told.ids, taken);
     return told;
 }
 

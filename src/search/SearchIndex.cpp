@@ -301,6 +301,7 @@ FoundIds SearchIndex::docsOf(const char *table, const std::string &match, std::s
     }
     if (!std::ranges::is_sorted(ids))
         std::ranges::sort(ids);
+    ids.shrink_to_fit(); // a search of millions is kept as long as it is in force
     return ids;
 }
 
@@ -316,6 +317,8 @@ std::optional<FoundIds> SearchIndex::rowsWith(const SearchClause &clause, Search
         inTexts = docsOf("Parts", matchOf(clause.text), most);
     else if (const auto words = wordsOf(clause.text); !words.empty())
         inTexts = docsOf("Words", matchOf(joined(words)) + (clause.anyEnd ? " *" : ""), most);
+    if (inTexts.empty())
+        return ids;
     return eitherOf(ids, inTexts);
 }
 
@@ -329,11 +332,15 @@ void SearchIndex::eachRowOf(const FoundIds &ids,
                             const std::function<void(const RowFacts &)> &show) {
     // Going to a row costs as much as reading some tens of them in their order.
     constexpr std::size_t kMany = 20'000;
-    if (ids.size() > kMany)
+    if (ids.size() > kMany) {
+        auto next = ids.begin(); // both go by ascending ids
         return eachRow([&](const RowFacts &row) {
-            if (std::ranges::binary_search(ids, row.id))
+            while (next != ids.end() && *next < row.id)
+                ++next;
+            if (next != ids.end() && *next == row.id)
                 show(row);
         });
+    }
     SQLite::Statement rows(*m_index, std::string(kRowFacts) + " WHERE URL_ID = ?");
     for (const std::int32_t id : ids) {
         rows.bind(1, id);

@@ -4,6 +4,7 @@
 #include "base/Trap.h"
 #include "db/RowWalk.h"
 #include "search/FoldedText.h"
+#include "search/FoundIds.h"
 #include "views/GatheredTexts.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -21,6 +22,13 @@ namespace {
 
 /// Values come from evidence: a column can hold another one in each row.
 constexpr std::size_t kMostValues = 200'000;
+
+struct TextHash {
+    using is_transparent = void; // NOLINT(readability-identifier-naming)
+    std::size_t operator()(std::string_view text) const {
+        return std::hash<std::string_view>()(text);
+    }
+};
 
 std::string_view textIn(const SQLite::Column &column) {
     const char *bytes = column.getText(); // before the length, which it settles
@@ -117,8 +125,7 @@ ColumnValues valuesOf(UrlColumn column) {
 
 Walk keepByColumn(SQLite::Database &project, const ColumnLimit &limit, TaskMonitor &task,
                   RowIds &ids) {
-    RowIds sorted = ids;
-    std::ranges::sort(sorted);
+    const RowIds sorted = sortedIds(ids);
     std::vector<std::string> wanted = limit.oneOf.value_or(std::vector<std::string>());
     std::ranges::sort(wanted);
     const std::string part = foldedCase(limit.part);
@@ -138,22 +145,23 @@ Walk keepByColumn(SQLite::Database &project, const ColumnLimit &limit, TaskMonit
         });
     if (walk == Walk::Cancelled)
         return walk;
-    std::erase_if(ids, [&out](std::int32_t id) { return std::ranges::binary_search(out, id); });
+    leaveOut(out, ids);
     return Walk::Finished;
 }
 
 Walk countValues(SQLite::Database &project, const RowIds &ids, UrlColumn column, std::size_t most,
                  TaskMonitor &task, CountedValues &counted) {
-    RowIds sorted = ids;
-    std::ranges::sort(sorted);
-    std::unordered_map<std::string, std::int64_t> counts;
+    const RowIds sorted = sortedIds(ids);
+    std::unordered_map<std::string, std::int64_t, TextHash, std::equal_to<>> counts;
+    auto last = counts.end(); // rows that lie side by side often say the same
     const Walk walk =
         walkValues(project, sorted, column, task, [&](std::int32_t, std::string_view value) {
-            const auto at = counts.find(std::string(value));
-            if (at != counts.end())
-                ++at->second;
-            else if (counts.size() < kMostValues)
-                counts.emplace(value, 1);
+            if (last == counts.end() || last->first != value)
+                last = counts.find(value);
+            if (last == counts.end() && counts.size() < kMostValues)
+                last = counts.emplace(value, 0).first;
+            if (last != counts.end())
+                ++last->second;
             else
                 counted.isCut = true;
         });

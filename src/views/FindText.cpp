@@ -5,6 +5,7 @@
 #include "base/Succeeds.h"
 #include "base/Text.h"
 #include "db/RowWalk.h"
+#include "search/FoundIds.h"
 #include "views/CellText.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -276,8 +277,7 @@ bool FindPattern::isIn(std::string_view stored) const {
 std::optional<FoundTexts> rowsWith(const FindText &what, const RowIds &ids,
                                    SQLite::Database &database, RowCells &cells, TaskMonitor &task) {
     FoundTexts found;
-    RowIds sorted = ids;
-    std::ranges::sort(sorted);
+    const RowIds sorted = sortedIds(ids);
     RowFinder finder(what, database, cells);
     RowWalk walk(finder.rows());
     NoLog unheard; // they are counted, and logged when they are looked at

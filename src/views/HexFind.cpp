@@ -1,12 +1,12 @@
 #include "views/HexFind.h"
 
 #include "base/Text.h"
+#include "views/NeedleSearch.h"
 
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 
 namespace nv {
@@ -15,18 +15,20 @@ namespace {
 
 constexpr std::uint64_t kBlock = std::uint64_t{4} << 20;
 
-enum class Encoding { ansi, utf8, utf16 };
+enum class Encoding { ansi, utf8, utf16, utf16BigEndian };
 
 std::string encoded(UChar32 character, Encoding encoding) {
     const icu::UnicodeString text(character);
     std::string bytes;
-    if (encoding != Encoding::utf16) {
+    if (encoding == Encoding::ansi || encoding == Encoding::utf8) {
         text.toUTF8String(bytes);
         return encoding == Encoding::utf8 ? bytes : toAnsi(bytes);
     }
     for (int at = 0; at < text.length(); ++at) {
-        bytes += static_cast<char>(text[at] & 0xFF);
-        bytes += static_cast<char>(text[at] >> 8);
+        const auto low = static_cast<char>(text[at] & 0xFF);
+        const auto high = static_cast<char>(text[at] >> 8);
+        bytes += encoding == Encoding::utf16 ? low : high;
+        bytes += encoding == Encoding::utf16 ? high : low;
     }
     return bytes;
 }
@@ -54,6 +56,11 @@ HexNeedle::Unit unitOf(UChar32 character, Encoding encoding, LetterCase letters)
     return unit;
 }
 
+icu::UnicodeString charactersOf(std::string_view text) {
+    return icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+}
+
 std::optional<HexNeedle> needleIn(Encoding encoding, const icu::UnicodeString &text,
                                   LetterCase letters) {
     HexNeedle needle;
@@ -66,58 +73,6 @@ std::optional<HexNeedle> needleIn(Encoding encoding, const icu::UnicodeString &t
     return needle.units.empty() ? std::nullopt : std::optional(needle);
 }
 
-std::uint64_t longest(const HexNeedle &needle) {
-    std::uint64_t length = 0;
-    for (const HexNeedle::Unit &unit : needle.units)
-        length += std::ranges::max(unit, {}, &std::string::size).size();
-    return length;
-}
-
-/// Length of the match at the start of `bytes`; 0 when there is none.
-std::size_t matchLength(const HexNeedle &needle, std::string_view bytes) {
-    std::size_t length = 0;
-    for (const HexNeedle::Unit &unit : needle.units) {
-        const std::string_view rest = bytes.substr(length);
-        const auto form = std::ranges::find_if(
-            unit, [rest](const std::string &bytesOfForm) { return rest.starts_with(bytesOfForm); });
-        if (form == unit.end())
-            return 0;
-        length += form->size();
-    }
-    return length;
-}
-
-/// Which bytes a match can begin with: most positions are passed by with one look.
-std::array<bool, 256> firstBytes(const std::vector<HexNeedle> &needles) {
-    std::array<bool, 256> first{};
-    for (const HexNeedle &needle : needles)
-        for (const std::string &form : needle.units.front())
-            first.at(static_cast<unsigned char>(form.front())) = true;
-    return first;
-}
-
-class BlockSearch {
-  public:
-    explicit BlockSearch(const std::vector<HexNeedle> &needles)
-        : m_needles(needles), m_first(firstBytes(needles)) {}
-
-    /// A match that begins in the first `starts` bytes of the block, by its place there.
-    std::optional<HexMatch> in(std::string_view block, std::size_t starts) const {
-        for (std::size_t at = 0; at < std::min(starts, block.size()); ++at) {
-            if (!m_first[static_cast<unsigned char>(block[at])])
-                continue;
-            for (const HexNeedle &needle : m_needles)
-                if (const std::size_t length = matchLength(needle, block.substr(at)))
-                    return HexMatch{at, length};
-        }
-        return std::nullopt;
-    }
-
-  private:
-    const std::vector<HexNeedle> &m_needles;
-    std::array<bool, 256> m_first;
-};
-
 std::optional<unsigned> digitOf(char c) {
     constexpr std::string_view kDigits = "0123456789abcdef";
     const std::size_t at = kDigits.find(toLower(std::string_view(&c, 1)));
@@ -127,14 +82,17 @@ std::optional<unsigned> digitOf(char c) {
 } // namespace
 
 std::vector<HexNeedle> needlesOfText(std::string_view text, LetterCase letters) {
-    const icu::UnicodeString characters = icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+    const icu::UnicodeString characters = charactersOf(text);
     std::vector<HexNeedle> needles;
     for (const Encoding encoding : {Encoding::ansi, Encoding::utf8, Encoding::utf16})
         if (const auto needle = needleIn(encoding, characters, letters))
             if (std::ranges::find(needles, needle->units, &HexNeedle::units) == needles.end())
                 needles.push_back(*needle);
     return needles;
+}
+
+std::optional<HexNeedle> bigEndianNeedle(std::string_view text, LetterCase letters) {
+    return needleIn(Encoding::utf16BigEndian, charactersOf(text), letters);
 }
 
 std::optional<HexNeedle> needleOfBytes(std::string_view text) {
@@ -176,15 +134,12 @@ HexSearch findInFile(const FileReader &file, const std::vector<HexNeedle> &needl
                      std::uint64_t from, TaskMonitor &task) {
     if (needles.empty())
         return {};
-    std::uint64_t overlap = 0;
-    for (const HexNeedle &needle : needles)
-        overlap = std::max(overlap, longest(needle));
-    const BlockSearch search(needles);
+    const NeedleSearch search(needles);
     for (std::uint64_t at = from; at < file.size(); at += kBlock) {
         if (!task.advance(static_cast<double>(at) / static_cast<double>(file.size())))
             return {std::nullopt, true};
-        const Bytes block = file.read(at, kBlock + overlap);
-        if (auto match = search.in(ByteView(block).raw(), kBlock)) {
+        const Bytes block = file.read(at, kBlock + search.longest());
+        if (auto match = search.firstIn(ByteView(block).raw(), 0, kBlock)) {
             match->offset += at;
             return {match, false};
         }

@@ -22,6 +22,9 @@ struct HexNeedle {
 /// A text in the three encodings in which evidence has it: Windows-1252 (ASCII among it), UTF-8 and
 /// UTF-16LE. Encodings that come to the same bytes are there once.
 std::vector<HexNeedle> needlesOfText(std::string_view text, LetterCase letters);
+/// The same in UTF-16BE alone, which is rare and easily taken for the other one a byte beside it:
+/// see `HexHits`.
+std::optional<HexNeedle> bigEndianNeedle(std::string_view text, LetterCase letters);
 /// Bytes as "4A 46 49 46" or "4a464946"; nothing when the text is something else or empty.
 std::optional<HexNeedle> needleOfBytes(std::string_view text);
 /// An offset as "0x1F40", "1F40h" or, without a mark, decimal; nothing when it is something else.

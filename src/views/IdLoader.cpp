@@ -7,6 +7,7 @@
 #include "db/ReadOnlyConnection.h"
 #include "db/RowWalk.h"
 #include "readers/RecordKind.h"
+#include "search/FoundIds.h"
 #include "views/DamagedList.h"
 #include "views/StatementWatch.h"
 
@@ -126,13 +127,11 @@ Walk collectIds(SQLite::Database &database, const IdQuery &query, TaskMonitor &t
 // that of their dates.
 Walk filterIds(SQLite::Database &database, const RowIds &from, const RecordFilters &filters,
                TaskMonitor &task, RowIds &ids) {
-    RowIds sorted = from;
-    std::ranges::sort(sorted);
     RowIds admitted;
-    const Walk walk = admittedIds(database, sorted, filters, task, admitted);
-    for (const std::int32_t id : from)
-        if (std::ranges::binary_search(admitted, id))
-            ids.push_back(id);
+    const Walk walk = admittedIds(database, sortedIds(from), filters, task, admitted);
+    RowIds kept = from;
+    keepOnly(admitted, kept);
+    ids.insert(ids.end(), kept.begin(), kept.end());
     return walk;
 }
 

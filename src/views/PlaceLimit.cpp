@@ -3,6 +3,7 @@
 #include "base/DisplayText.h"
 #include "db/FoundHashSets.h"
 #include "db/HashLookup.h"
+#include "search/FoundIds.h"
 #include "views/PlaceFunctions.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -166,8 +167,7 @@ Walk keepIn(SQLite::Database &project, const PlaceChoice &choice, TaskMonitor &t
         Walk::Cancelled)
         return Walk::Cancelled;
     std::ranges::sort(found.ids);
-    std::erase_if(ids,
-                  [&found](std::int32_t id) { return !std::ranges::binary_search(found.ids, id); });
+    keepOnly(found.ids, ids);
     return Walk::Finished;
 }
 

@@ -1,5 +1,6 @@
 #include "views/TimeLimit.h"
 
+#include "search/FoundIds.h"
 #include "time/LocalSeconds.h"
 
 #include <fmt/format.h>
@@ -63,8 +64,7 @@ Walk keepWithin(SQLite::Database &project, const TimeLimit &limit, TaskMonitor &
     if (findRows(project, query, RecordFilters(), task, within) == Walk::Cancelled)
         return Walk::Cancelled;
     std::ranges::sort(within.ids);
-    std::erase_if(
-        ids, [&within](std::int32_t id) { return !std::ranges::binary_search(within.ids, id); });
+    keepOnly(within.ids, ids);
     return Walk::Finished;
 }
 

@@ -4,6 +4,7 @@
 #include "base/Trap.h"
 #include "db/RowWalk.h"
 #include "readers/RecordKind.h"
+#include "search/FoundIds.h"
 #include "time/LocalSeconds.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -103,8 +104,7 @@ Date dateIn(const SQLite::Column &column) {
 
 Walk loadEvents(SQLite::Database &project, const RowIds &ids, TimeStack stack, const TimeZone &zone,
                 bool enableDSTChanges, TaskMonitor &task, TimedEvents &events) {
-    RowIds sorted = ids;
-    std::ranges::sort(sorted);
+    const RowIds sorted = sortedIds(ids);
     SQLite::Statement row(project, eventQuery(project, stack));
     RowWalk walk(row);
     LocalSeconds clock(zone, enableDSTChanges);

@@ -112,28 +112,24 @@ void SearchTest::theHitIsShownAndTheNextOneGoneTo() {
 
 void SearchTest::marksStandInTheTextOfAPage() {
     QPlainTextEdit text;
-    HitMarks marks(text);
+    HitMarks marks(text, text, QStringLiteral("Text"));
     text.setPlainText(QString::fromUtf8("Gr\xC3\xBC\xC3\x9F"
                                         "e: tide \xF0\x9F\x8C\x8A tide"));
-    marks.setMarker([](std::string_view shown) {
-        std::vector<TextSpan> spans;
-        for (std::size_t at = shown.find("tide"); at != std::string_view::npos;
-             at = shown.find("tide", at + 1))
-            spans.push_back({at, 4});
-        return spans;
-    });
+    marks.take({std::make_shared<HitFinder>(RowMatch(parseSearch("tide"))), {}});
     QCOMPARE(text.extraSelections().size(), 2);
-    QVERIFY(marks.goOn(true));
+    QVERIFY(!marks.count().at);
+    QCOMPARE(marks.goOn(true), HitStep::gone);
     QCOMPARE(text.textCursor().selectedText(), QStringLiteral("tide"));
     const int first = text.textCursor().position();
-    QVERIFY(marks.goOn(true));
+    QCOMPARE(marks.goOn(true), HitStep::gone);
     QCOMPARE(text.textCursor().selectedText(), QStringLiteral("tide"));
     QVERIFY(text.textCursor().position() > first);
-    QVERIFY(!marks.goOn(true));
-    QVERIFY(marks.goOn(false));
+    QCOMPARE(marks.count().at, std::optional<std::size_t>(1));
+    QCOMPARE(marks.goOn(true), HitStep::none);
+    QCOMPARE(marks.goOn(false), HitStep::gone);
     QCOMPARE(text.textCursor().position(), first);
     text.setPlainText(QStringLiteral("nothing"));
-    QCOMPARE(marks.count(), std::size_t{0});
+    QCOMPARE(marks.count().all, std::size_t{0});
 }
 
 void SearchTest::controlFLeadsToTheBoxAndEscapeOut() {

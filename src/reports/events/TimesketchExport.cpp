@@ -112,7 +112,16 @@ class TimesketchCsv final : public TimesketchExport {
                                           fmt::format("{}", fmt::join(told.tags, ","))};
         for (const Cell &cell : told.cells)
             texts.push_back(plainText(cell));
+        for (std::string &each : texts)
+            showNuls(each);
         text() += csvLine(texts);
+    }
+    /// The program's reader of CSV refuses the file for a NUL, or takes it for the end of a text.
+    void showNuls(std::string &cell) {
+        for (std::size_t at = cell.find('\0'); at != std::string::npos; at = cell.find('\0', at)) {
+            cell.replace(at, 1, "\u2400");
+            ++job().counts.signsReplaced;
+        }
     }
 };
 

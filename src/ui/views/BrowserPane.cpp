@@ -132,6 +132,7 @@ void BrowserPane::showPage(const std::filesystem::path &page, const QString &kin
         startEngine();
     m_profile->guard().protect(page);
     m_page = QUrl::fromLocalFile(pathToQt(page));
+    emit pageLeft();
     m_view->load(m_page);
     m_pages->setCurrentWidget(m_view);
     m_kind->setText(kind);
@@ -149,6 +150,11 @@ void BrowserPane::showReason(const QString &text) {
     m_location->clear();
     m_refused->clear();
     m_back->setEnabled(false);
+    emit pageLeft();
+}
+
+QWebEnginePage *BrowserPane::page() const {
+    return m_view && m_pages->currentWidget() == m_view ? m_view->page() : nullptr;
 }
 
 void BrowserPane::showFailure(const QString &reason) {

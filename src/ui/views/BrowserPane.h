@@ -13,6 +13,7 @@ class QLineEdit;
 class QPushButton;
 class QStackedWidget;
 class QTimer;
+class QWebEnginePage;
 class QWebEngineView;
 
 namespace nv {
@@ -40,8 +41,12 @@ class BrowserPane final : public QWidget {
     void clear() { showReason({}); }
 
     std::uint64_t refused() const;
+    /// The page that is up; null for none.
+    QWebEnginePage *page() const;
 
   signals:
+    /// What was up is there no more.
+    void pageLeft();
     /// A link was refused; the text is for people.
     void navigationBlocked(const QString &text);
     void pageShown();

@@ -1,6 +1,7 @@
 #include "ui/views/CardPane.h"
 
 #include "platform/qt/QtText.h"
+#include "ui/views/HitMarks.h"
 #include "ui/views/PropertiesPane.h"
 #include "ui/views/ShownSigns.h"
 #include "views/CellText.h"
@@ -120,6 +121,16 @@ void CardPane::write() {
     for (const CardLine &line : m_card->lines)
         writer.line(line);
     m_text->moveCursor(QTextCursor::Start);
+    mark();
+}
+
+void CardPane::setHits(std::shared_ptr<HitFinder> finder) {
+    m_finder = std::move(finder);
+    mark();
+}
+
+void CardPane::mark() {
+    m_text->setExtraSelections(hitSelections(*m_text->document(), m_finder.get()));
 }
 
 /// Its colours are those of the palette.

@@ -6,12 +6,14 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 class QTextEdit;
 
 namespace nv {
 
+class HitFinder;
 class PropertiesPane;
 
 /// The card of a record: what is asked first, in words; below it all values.
@@ -25,17 +27,21 @@ class CardPane final : public QWidget, public RecordPane {
 
     void showRecord(UrlId id) override;
     void clear() override;
+    /// Marks what the search has found; null marks nothing.
+    void setHits(std::shared_ptr<HitFinder> finder);
 
   protected:
     void changeEvent(QEvent *event) override;
 
   private:
     void write();
+    void mark();
 
     Load m_load;
     PropertiesPane &m_properties;
     QTextEdit *m_text = nullptr;
     std::optional<RecordCard> m_card;
+    std::shared_ptr<HitFinder> m_finder;
 };
 
 } // namespace nv

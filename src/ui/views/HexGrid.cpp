@@ -2,6 +2,7 @@
 
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
+#include "ui/views/HitViewer.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -20,6 +21,10 @@ namespace {
 constexpr int kMargin = 6; ///< pixels
 constexpr std::uint64_t kMostSteps = std::uint64_t{1} << 30;
 constexpr std::uint64_t kMostCopied = std::uint64_t{1} << 20;
+
+bool isIn(const HexMatch &match, std::uint64_t place) {
+    return place >= match.offset && place - match.offset < match.length;
+}
 
 } // namespace
 
@@ -40,6 +45,12 @@ void HexGrid::setSource(std::shared_ptr<HexSource> source) {
     verticalScrollBar()->setValue(0);
     viewport()->update();
     emit cursorMoved();
+    emit sourceChanged();
+}
+
+void HexGrid::setMarked(const std::vector<std::string> &forms) {
+    m_marked = HexHits(forms);
+    viewport()->update();
 }
 
 void HexGrid::goTo(std::uint64_t offset) {
@@ -137,11 +148,24 @@ void HexGrid::paintRows(QPainter &painter) {
     painter.setFont(font());
     painter.translate(-horizontalScrollBar()->value(), 0);
     const std::uint64_t first = firstRow();
+    const std::vector<HexMatch> marked = markedOnScreen();
     for (std::uint64_t row = 0; row <= visibleRows() && first + row < m_source->rowCount(); ++row)
-        paintRow(painter, first + row, static_cast<int>(row) * rowHeight());
+        paintRow(painter, first + row, static_cast<int>(row) * rowHeight(), marked);
 }
 
-void HexGrid::paintRow(QPainter &painter, std::uint64_t row, int top) {
+/// Some begin above the first row, and end below the last one.
+std::vector<HexMatch> HexGrid::markedOnScreen() const {
+    if (m_marked.isEmpty())
+        return {};
+    const std::uint64_t first = firstRow() * kHexRowBytes;
+    const std::uint64_t from = first - std::min(first, m_marked.longest());
+    const std::uint64_t starts = first - from + (visibleRows() + 1) * kHexRowBytes;
+    const Bytes bytes = m_source->file().read(from, starts + m_marked.longest());
+    return m_marked.in(ByteView(bytes).raw(), from, static_cast<std::size_t>(starts));
+}
+
+void HexGrid::paintRow(QPainter &painter, std::uint64_t row, int top,
+                       const std::vector<HexMatch> &marked) {
     const Bytes bytes = m_source->row(row);
     const std::string chars = hexChars(ByteView(bytes));
     const int baseline = top + fontMetrics().ascent() + 1;
@@ -152,17 +176,21 @@ void HexGrid::paintRow(QPainter &painter, std::uint64_t row, int top) {
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(kMargin, baseline, toQt(hexOffset(at, m_source->offsetDigits())));
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const bool isChosen = at + i >= chosen.offset && at + i - chosen.offset < chosen.length;
+        const bool isChosen = isIn(chosen, at + i);
+        const bool isMarked =
+            std::ranges::any_of(marked, [&](const HexMatch &match) { return isIn(match, at + i); });
         const int column = static_cast<int>(i);
         const int hexAt = hexLeft() + column * 3 * width;
         const int charAt = charsLeft() + column * width;
-        if (isChosen) {
-            const QColor ground = palette().color(group, QPalette::Highlight);
+        if (isChosen || isMarked) {
+            const QColor ground = isMarked ? (isChosen ? kChosenHitGround : kHitGround)
+                                           : palette().color(group, QPalette::Highlight);
             painter.fillRect(hexAt, top, 2 * width, rowHeight(), ground);
             painter.fillRect(charAt, top, width, rowHeight(), ground);
         }
-        painter.setPen(
-            palette().color(group, isChosen ? QPalette::HighlightedText : QPalette::Text));
+        painter.setPen(isMarked ? QColor(Qt::black)
+                                : palette().color(group, isChosen ? QPalette::HighlightedText
+                                                                  : QPalette::Text));
         painter.drawText(hexAt, baseline, toQt(hexBytes(ByteView(bytes).sub(i, 1))));
         painter.drawText(charAt, baseline, QString(QLatin1Char(chars[i])));
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/FailureLog.h"
-#include "views/HexFind.h"
+#include "views/HexHits.h"
 #include "views/HexSource.h"
 
 #include <QAbstractScrollArea>
@@ -26,6 +26,8 @@ class HexGrid final : public QAbstractScrollArea {
     std::uint64_t cursor() const { return m_cursor; }
     void goTo(std::uint64_t offset);
     void select(const HexMatch &match);
+    /// Bytes that spell one of these are marked wherever they come on the screen.
+    void setMarked(const std::vector<std::string> &forms);
     /// The chosen bytes, the one with the cursor among them.
     HexMatch selection() const;
     /// As "4A 46"; what is more than a megabyte is left out.
@@ -33,6 +35,7 @@ class HexGrid final : public QAbstractScrollArea {
 
   signals:
     void cursorMoved();
+    void sourceChanged();
     /// The choice was longer than what is copied.
     void copyCut(std::uint64_t chosen, std::uint64_t copied);
     /// The file can't be read any more: it isn't shown from now on.
@@ -62,10 +65,13 @@ class HexGrid final : public QAbstractScrollArea {
     void updateScrollBars();
     void copySelection();
     void paintRows(QPainter &painter);
-    void paintRow(QPainter &painter, std::uint64_t row, int top);
+    void paintRow(QPainter &painter, std::uint64_t row, int top,
+                  const std::vector<HexMatch> &marked);
+    std::vector<HexMatch> markedOnScreen() const;
 
     FailureLog &m_log;
     std::shared_ptr<HexSource> m_source;
+    HexHits m_marked{std::vector<std::string>()};
     std::uint64_t m_cursor = 0;
     std::uint64_t m_anchor = 0;
     std::uint64_t m_rowsAStep = 1; ///< of the scroll bar, which counts in 31 bits

@@ -2,6 +2,7 @@
 
 #include "base/DisplayText.h"
 #include "platform/qt/QtText.h"
+#include "ui/views/HitViewer.h"
 
 #include <QBoxLayout>
 #include <QLabel>
@@ -24,6 +25,13 @@ HitBar::HitBar(QWidget *parent) : QWidget(parent) {
     m_text->setObjectName(QStringLiteral("labSnippet"));
     m_text->setTextFormat(Qt::RichText);
     m_text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_count = new QLabel;
+    m_count->setObjectName(QStringLiteral("labHitCount"));
+    m_count->setTextFormat(Qt::PlainText);
+    m_stop = newButton("btnStopHits", Qt::NoArrow, tr("Stop looking for further hits"));
+    m_stop->setText(tr("Stop"));
+    m_stop->hide();
+    connect(m_stop, &QToolButton::clicked, this, &HitBar::stopWanted);
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(6, 2, 6, 2);
     QToolButton *previous = newButton("btnPreviousHit", Qt::UpArrow, tr("Previous hit (Shift+F8)"));
@@ -31,6 +39,8 @@ HitBar::HitBar(QWidget *parent) : QWidget(parent) {
     row->addWidget(previous);
     row->addWidget(next);
     row->addWidget(m_text, 1);
+    row->addWidget(m_count);
+    row->addWidget(m_stop);
     connect(previous, &QToolButton::clicked, this, &HitBar::previousWanted);
     connect(next, &QToolButton::clicked, this, &HitBar::nextWanted);
     hide();
@@ -51,12 +61,17 @@ void HitBar::showSnippet(const QString &field, const Snippet &snippet) {
     const std::string_view text = snippet.text;
     const auto [at, length] = snippet.mark;
     const QString html =
-        QStringLiteral("<b>%1:</b> %2<span style=\"background-color:#FFD54F;color:black\">%3</span>"
+        QStringLiteral("<b>%1:</b> %2<span style=\"background-color:%5;color:black\">%3</span>"
                        "%4")
             .arg(field, escaped(text.substr(0, at)), escaped(text.substr(at, length)),
-                 escaped(text.substr(at + length)));
+                 escaped(text.substr(at + length)), kHitGround.name());
     m_text->setText(html);
     m_text->setToolTip(html);
+}
+
+void HitBar::showCount(const QString &text, bool isWorking) {
+    m_count->setText(text);
+    m_stop->setVisible(isWorking);
 }
 
 void HitBar::showNote(const QString &text) {

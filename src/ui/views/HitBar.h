@@ -21,15 +21,21 @@ class HitBar final : public QWidget {
     void showSnippet(const QString &field, const Snippet &snippet);
     /// In place of a snippet.
     void showNote(const QString &text);
+    /// How many hits the viewer has, and which one it is at. While it still looks for others, a
+    /// button ends that.
+    void showCount(const QString &text, bool isWorking);
 
   signals:
     void nextWanted();
     void previousWanted();
+    void stopWanted();
 
   private:
-    QToolButton *newButton(const char *name, Qt::ArrowType arrow, const QString &text);
+    static QToolButton *newButton(const char *name, Qt::ArrowType arrow, const QString &text);
 
     QLabel *m_text = nullptr;
+    QLabel *m_count = nullptr;
+    QToolButton *m_stop = nullptr;
 };
 
 } // namespace nv

@@ -1,6 +1,7 @@
 #include "ui/views/HitMarks.h"
 
 #include <QPlainTextEdit>
+#include <QTextDocument>
 
 #include <algorithm>
 #include <iterator>
@@ -8,68 +9,83 @@
 
 namespace nv {
 
-HitMarks::HitMarks(QPlainTextEdit &box) : QObject(&box), m_box(box) {
-    connect(&box, &QPlainTextEdit::textChanged, this, &HitMarks::mark);
+QList<QTextEdit::ExtraSelection> hitSelections(QTextDocument &document, HitFinder *finder) {
+    QList<QTextEdit::ExtraSelection> marks;
+    if (finder == nullptr)
+        return marks;
+    const QByteArray text = document.toPlainText().toUtf8();
+    qsizetype byte = 0;
+    qsizetype letter = 0;
+    const auto letterAt = [&](std::size_t place) {
+        const auto to = static_cast<qsizetype>(place);
+        letter += QString::fromUtf8(text.constData() + byte, to - byte).size();
+        byte = to;
+        return static_cast<int>(letter);
+    };
+    const auto spans = finder->marksIn({text.constData(), static_cast<std::size_t>(text.size())});
+    marks.reserve(static_cast<qsizetype>(spans.size()));
+    for (const TextSpan &span : spans) {
+        QTextEdit::ExtraSelection mark;
+        mark.cursor = QTextCursor(&document);
+        mark.cursor.setPosition(letterAt(span.at));
+        mark.cursor.setPosition(letterAt(span.at + span.length), QTextCursor::KeepAnchor);
+        mark.format.setBackground(kHitGround);
+        mark.format.setForeground(Qt::black);
+        marks.push_back(mark);
+    }
+    return marks;
 }
 
-void HitMarks::setMarker(Marker marker) {
-    m_marker = std::move(marker);
+HitMarks::HitMarks(QPlainTextEdit &box, QWidget &viewer, QString name)
+    : HitViewer(&box), m_box(box), m_viewer(viewer), m_name(std::move(name)) {
+    connect(&box, &QPlainTextEdit::textChanged, this, &HitMarks::mark);
+    connect(&box, &QPlainTextEdit::selectionChanged, this, &HitMarks::changed);
+}
+
+void HitMarks::take(const RecordHits &hits) {
+    if (m_finder == hits.finder)
+        return;
+    m_finder = hits.finder;
     mark();
 }
 
 void HitMarks::mark() {
-    m_marks.clear();
-    QList<QTextEdit::ExtraSelection> shown;
-    if (m_marker) {
-        const QByteArray text = m_box.toPlainText().toUtf8();
-        qsizetype byte = 0;
-        qsizetype letter = 0;
-        const auto letterAt = [&](std::size_t place) {
-            const auto to = static_cast<qsizetype>(place);
-            letter += QString::fromUtf8(text.constData() + byte, to - byte).size();
-            byte = to;
-            return static_cast<int>(letter);
-        };
-        for (const TextSpan &span :
-             m_marker({text.constData(), static_cast<std::size_t>(text.size())})) {
-            const int begin = letterAt(span.at);
-            m_marks.push_back({begin, letterAt(span.at + span.length)});
-        }
-    }
-    shown.reserve(static_cast<qsizetype>(m_marks.size()));
-    for (const Mark &each : m_marks) {
-        QTextEdit::ExtraSelection selection;
-        selection.cursor = QTextCursor(m_box.document());
-        selection.cursor.setPosition(each.begin);
-        selection.cursor.setPosition(each.end, QTextCursor::KeepAnchor);
-        selection.format.setBackground(QColor(0xFF, 0xD5, 0x4F));
-        selection.format.setForeground(Qt::black);
-        shown.push_back(selection);
-    }
-    m_box.setExtraSelections(shown);
+    m_marks = hitSelections(*m_box.document(), m_finder.get());
+    m_box.setExtraSelections(m_marks);
+    emit changed();
 }
 
-bool HitMarks::goOn(bool forward) {
+HitCount HitMarks::count() const {
+    HitCount count;
+    count.all = static_cast<std::size_t>(m_marks.size());
+    count.isMore = count.all >= HitFinder::kMostMarks;
     const QTextCursor now = m_box.textCursor();
-    const Mark *to = nullptr;
-    if (forward) {
-        const auto next = std::ranges::find_if(
-            m_marks, [&](const Mark &mark) { return mark.begin >= now.selectionEnd(); });
+    const auto chosen = std::ranges::find_if(m_marks, [&](const QTextEdit::ExtraSelection &mark) {
+        return now.hasSelection() && mark.cursor.selectionStart() == now.selectionStart() &&
+               mark.cursor.selectionEnd() == now.selectionEnd();
+    });
+    if (chosen != m_marks.end())
+        count.at = static_cast<std::size_t>(std::distance(m_marks.begin(), chosen));
+    return count;
+}
+
+HitStep HitMarks::goOn(bool forward) {
+    const QTextCursor now = m_box.textCursor();
+    const QTextCursor *to = nullptr;
+    for (const QTextEdit::ExtraSelection &mark : m_marks) {
         // A cursor that nobody has moved stands on the first letter.
-        to = next == m_marks.end() ? nullptr : &*next;
-    } else {
-        for (const Mark &mark : m_marks)
-            if (mark.end <= now.selectionStart())
-                to = &mark;
+        if (forward && mark.cursor.selectionStart() >= now.selectionEnd()) {
+            to = &mark.cursor;
+            break;
+        }
+        if (!forward && mark.cursor.selectionEnd() <= now.selectionStart())
+            to = &mark.cursor;
     }
-    if (!to)
-        return false;
-    QTextCursor cursor = now;
-    cursor.setPosition(to->begin);
-    cursor.setPosition(to->end, QTextCursor::KeepAnchor);
-    m_box.setTextCursor(cursor);
+    if (to == nullptr)
+        return HitStep::none;
+    m_box.setTextCursor(*to);
     m_box.ensureCursorVisible();
-    return true;
+    return HitStep::gone;
 }
 
 } // namespace nv

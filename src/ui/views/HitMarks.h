@@ -1,45 +1,43 @@
 #pragma once
 
-#include "search/Expression.h"
+#include "ui/views/HitViewer.h"
 
-#include <QObject>
+#include <QList>
+#include <QTextEdit>
 
-#include <cstddef>
-#include <functional>
-#include <string_view>
 #include <vector>
 
 class QPlainTextEdit;
+class QTextDocument;
 
 namespace nv {
 
-/// Marks in a box of text what a search looks for, whatever text the box comes to show.
-class HitMarks final : public QObject {
+/// A mark for each hit in a box of text.
+QList<QTextEdit::ExtraSelection> hitSelections(QTextDocument &text, HitFinder *finder);
+
+/// The hits in a box of text, whatever text the box comes to show.
+class HitMarks final : public HitViewer {
     Q_OBJECT
 
   public:
-    /// The places of a text in UTF-8, from the left.
-    using Marker = std::function<std::vector<TextSpan>(std::string_view text)>;
+    /// The box owns it. `viewer` is what has it.
+    HitMarks(QPlainTextEdit &box, QWidget &viewer, QString name);
 
-    /// The box owns it.
-    explicit HitMarks(QPlainTextEdit &box);
-
-    /// Null marks nothing.
-    void setMarker(Marker marker);
-    std::size_t count() const { return m_marks.size(); }
-    /// Chooses the next mark behind the cursor, or before it. False when there is none.
-    bool goOn(bool forward);
+    QWidget &viewer() override { return m_viewer; }
+    QString name() const override { return m_name; }
+    void take(const RecordHits &hits) override;
+    HitCount count() const override;
+    /// Chooses the next mark behind the cursor, or before it.
+    HitStep goOn(bool forward) override;
 
   private:
-    struct Mark {
-        int begin = 0; ///< of the box's characters
-        int end = 0;
-    };
     void mark();
 
     QPlainTextEdit &m_box;
-    Marker m_marker;
-    std::vector<Mark> m_marks;
+    QWidget &m_viewer;
+    QString m_name;
+    std::shared_ptr<HitFinder> m_finder;
+    QList<QTextEdit::ExtraSelection> m_marks; ///< from the left
 };
 
 } // namespace nv

@@ -2,6 +2,7 @@
 
 #include "platform/qt/QtText.h"
 #include "ui/views/GridCopy.h"
+#include "ui/views/HitViewer.h"
 #include "ui/views/ShownLines.h"
 #include "ui/views/ShownSigns.h"
 #include "views/CellText.h"
@@ -159,6 +160,26 @@ void PropertiesPane::fill() {
                          ? tr("All values")
                          : tr("%1 of %2 values").arg(m_shown.size()).arg(m_properties.size()));
     showChosen();
+    emit listed();
+}
+
+std::optional<std::size_t> PropertiesPane::chosenPlace() const {
+    const int place = m_list->indexOfTopLevelItem(m_list->currentItem());
+    return place < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(place));
+}
+
+void PropertiesPane::choose(std::size_t place) {
+    m_list->setCurrentItem(m_list->topLevelItem(static_cast<int>(place)), 1);
+}
+
+void PropertiesPane::markListed(const std::vector<std::size_t> &hits) {
+    for (std::size_t place = 0; place < hits.size(); ++place) {
+        QTreeWidgetItem *item = m_list->topLevelItem(static_cast<int>(place));
+        const bool isHit = hits[place] > 0;
+        item->setBackground(1, isHit ? QBrush(kHitGround) : QBrush());
+        item->setForeground(1, isHit ? QBrush(Qt::black) : QBrush());
+        item->setToolTip(1, isHit ? tr("The search has found something here") : QString());
+    }
 }
 
 void PropertiesPane::clear() {

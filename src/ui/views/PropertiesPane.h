@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 class QCheckBox;
 class QLabel;
@@ -33,7 +34,20 @@ class PropertiesPane final : public QWidget, public RecordPane {
     /// lead to.
     void showWhy(const QString &why, bool hasBytes);
 
+    /// The values that the list shows now, from above.
+    std::size_t listedCount() const { return m_shown.size(); }
+    const std::string &listedValue(std::size_t place) const {
+        return m_properties.at(m_shown.at(place)).value;
+    }
+    std::optional<std::size_t> chosenPlace() const;
+    void choose(std::size_t place);
+    /// Those in which a search has found something are marked; a number for each.
+    void markListed(const std::vector<std::size_t> &hits);
+    QPlainTextEdit &wholeText() { return *m_whole; }
+
   signals:
+    /// The list shows other values, or none.
+    void listed();
     /// Where does the chosen property of the record come from?
     void whyWanted(const QString &field);
     /// The bytes that the last answer named are wanted.

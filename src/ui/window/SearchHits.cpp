@@ -4,9 +4,18 @@
 #include "platform/qt/QtText.h"
 #include "search/Search.h"
 #include "search/SearchedRowReader.h"
+#include "ui/views/BrowserHits.h"
+#include "ui/views/BrowserPane.h"
+#include "ui/views/CardPane.h"
+#include "ui/views/HexHitMarks.h"
+#include "ui/views/HexPane.h"
 #include "ui/views/HitBar.h"
 #include "ui/views/HitMarks.h"
+#include "ui/views/PropertiesPane.h"
+#include "ui/views/PropertyHits.h"
+#include "ui/views/TextPane.h"
 
+#include <QApplication>
 #include <QBoxLayout>
 #include <QPlainTextEdit>
 
@@ -17,47 +26,74 @@ namespace nv {
 
 namespace {
 
-constexpr std::size_t kMostMarks = 2000;
+bool hasFocus(QWidget &widget) {
+    const QWidget *focus = QApplication::focusWidget();
+    return focus == &widget || widget.isAncestorOf(focus);
+}
 
 } // namespace
 
 SearchHits::SearchHits(Workbench &bench) : m_bench(bench), m_bar(new HitBar) {
     bench.table->column().addWidget(m_bar);
-    if (auto *text = bench.viewers->findChild<QPlainTextEdit *>(QStringLiteral("txtContent")))
-        m_marks = new HitMarks(*text);
+    addViewers();
     connect(bench.table, &TableTab::currentUrlChanged, this, &SearchHits::show);
+    connect(bench.viewers, &QTabWidget::currentChanged, this, &SearchHits::showCount);
+    connect(qApp, &QApplication::focusChanged, this, &SearchHits::showCount);
     connect(m_bar, &HitBar::nextWanted, this, [this] { goOn(true); });
     connect(m_bar, &HitBar::previousWanted, this, [this] { goOn(false); });
+    connect(m_bar, &HitBar::stopWanted, this, [this] {
+        if (HitViewer *viewer = front())
+            viewer->stop();
+    });
+}
+
+void SearchHits::addViewers() {
+    ViewerTabs &tabs = *m_bench.viewers;
+    if (auto *browser = tabs.findChild<BrowserPane *>(QStringLiteral("BrowserPane")))
+        m_viewers.push_back(new BrowserHits(*browser));
+    if (auto *text = tabs.findChild<TextPane *>())
+        m_viewers.push_back(new HitMarks(
+            *text->findChild<QPlainTextEdit *>(QStringLiteral("txtContent")), *text, tr("Text")));
+    if (auto *hex = tabs.findChild<HexPane *>())
+        m_viewers.push_back(new HexHitMarks(*hex, m_bench.program.log));
+    auto *card = qobject_cast<CardPane *>(m_bench.card);
+    if (card)
+        m_viewers.push_back(new PropertyHits(*card, *card->findChild<PropertiesPane *>()));
+    for (HitViewer *viewer : m_viewers)
+        connect(viewer, &HitViewer::changed, this, &SearchHits::showCount);
 }
 
 void SearchHits::take(std::optional<RowMatch> match) {
-    m_match = std::move(match);
-    m_bar->setVisible(m_match.has_value());
-    if (m_marks && !m_match)
-        m_marks->setMarker(nullptr);
-    else if (m_marks)
-        m_marks->setMarker([marked = *m_match](std::string_view text) mutable {
-            return marked.marksIn(text, kMostMarks);
-        });
+    m_hits = {};
+    if (match)
+        m_hits.finder = std::make_shared<HitFinder>(std::move(*match));
+    m_bar->setVisible(m_hits.finder != nullptr);
     show();
 }
 
 void SearchHits::show() {
-    if (!m_match || !m_bench.table->table() || !m_bench.table->grid().currentUrl())
-        return m_bar->showNote({});
-    const bool isShown = trapped(m_bench.program.log, Severity::Low, "MainForm.ShowHit()",
-                                 kNotSerious, false, [this] { return showPlace(); });
+    m_hits.forms.clear();
+    bool isShown = false;
+    const bool hasRow =
+        m_hits.finder && m_bench.table->table() && m_bench.table->grid().currentUrl();
+    if (hasRow)
+        isShown = trapped(m_bench.program.log, Severity::Low, "MainForm.ShowHit()", kNotSerious,
+                          false, [this] { return showPlace(); });
     if (!isShown)
-        m_bar->showNote(tr("Found by its host, browser, kind or date"));
+        m_bar->showNote(hasRow ? tr("Found by its host, browser, kind or date") : QString());
+    for (HitViewer *viewer : m_viewers)
+        viewer->take(m_hits);
+    showCount();
 }
 
 bool SearchHits::showPlace() {
     const auto id = m_bench.table->grid().currentUrl();
-    const bool all = m_match->scope() == SearchScope::all;
+    const bool all = m_hits.finder->scope() == SearchScope::all;
     SearchedRowReader reader(m_bench.project(), all ? RowTexts::all : RowTexts::values);
     if (!id || !reader.goTo(static_cast<std::int32_t>(*id)))
         return false;
-    const auto place = m_match->firstMark(reader.row());
+    m_hits.forms = m_hits.finder->formsOf(reader.row());
+    const auto place = m_hits.finder->firstMark(reader.row());
     if (!place)
         return false;
     m_bar->showSnippet(toQt(fieldWord(place->field)),
@@ -65,11 +101,30 @@ bool SearchHits::showPlace() {
     return true;
 }
 
+HitViewer *SearchHits::front() const {
+    for (HitViewer *viewer : m_viewers)
+        if (hasFocus(viewer->viewer()))
+            return viewer;
+    for (HitViewer *viewer : m_viewers) {
+        QWidget &pane = viewer->viewer();
+        const bool isAside = &pane == m_bench.card && m_bench.viewers->indexOf(&pane) < 0;
+        if (pane.isVisible() && !isAside)
+            return viewer;
+    }
+    return nullptr;
+}
+
+void SearchHits::showCount() {
+    const HitViewer *viewer = m_hits.finder ? front() : nullptr;
+    const HitCount count = viewer ? viewer->count() : HitCount();
+    m_bar->showCount(viewer ? hitText(count, viewer->name()) : QString(), count.isWorking);
+}
+
 void SearchHits::goOn(bool forward) {
-    if (!m_match || !m_bench.table->table())
+    if (!m_hits.finder || !m_bench.table->table())
         return;
-    const auto *text = m_marks ? qobject_cast<QWidget *>(m_marks->parent()) : nullptr;
-    if (text && text->isVisible() && m_marks->goOn(forward))
+    HitViewer *viewer = front();
+    if (viewer && viewer->goOn(forward) != HitStep::none)
         return;
     UrlGrid &grid = m_bench.table->grid();
     const int row = grid.currentIndex().row() + (forward ? 1 : -1);

@@ -1,17 +1,18 @@
 #pragma once
 
-#include "search/RowMatch.h"
+#include "search/HitFinder.h"
 #include "ui/window/Workbench.h"
 
 #include <optional>
+#include <vector>
 
 namespace nv {
 
 class HitBar;
-class HitMarks;
+class HitViewer;
 
-/// Where the current row has what a search looks for: a line below the table, marks in the viewer
-/// of texts, and the way from one to the next.
+/// Where the current row has what a search looks for: a line below the table, marks in the viewers,
+/// and the way from one to the next.
 class SearchHits final : public QObject {
     Q_OBJECT
 
@@ -21,17 +22,21 @@ class SearchHits final : public QObject {
 
     /// The search that is in force; nothing for none.
     void take(std::optional<RowMatch> match);
-    /// From mark to mark in the viewer when it is in front, then on to the next row.
+    /// From hit to hit in a viewer, then on to the next row.
     void goOn(bool forward);
 
   private:
+    void addViewers();
     void show();
     bool showPlace();
+    /// The one that has the focus, or else the first one that is up; the card only with the focus.
+    HitViewer *front() const;
+    void showCount();
 
     Workbench &m_bench;
     HitBar *m_bar = nullptr;
-    HitMarks *m_marks = nullptr; ///< in the viewer of texts, which owns it
-    std::optional<RowMatch> m_match;
+    std::vector<HitViewer *> m_viewers; ///< each belongs to its pane
+    RecordHits m_hits;
 };
 
 } // namespace nv

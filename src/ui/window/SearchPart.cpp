@@ -57,6 +57,7 @@ QAction *newAction(QMainWindow &window, const char *name, const QString &text, c
 SearchPart::SearchPart(Workbench &bench)
     : m_bench(bench), m_bar(new SearchBar), m_hits(new SearchHits(bench)),
       m_progress(new SearchProgress) {
+    m_hits->setParent(this);
     bench.table->limitRow().insertWidget(0, m_bar, 1);
     if (auto *window = qobject_cast<QMainWindow *>(&bench.window)) {
         window->statusBar()->addPermanentWidget(m_progress);

@@ -1,6 +1,8 @@
 #include "base/Files.h"
 #include "base/Text.h"
+#include "db/NamedTags.h"
 #include "db/RecordFacts.h"
+#include "db/RecordTags.h"
 #include "rebuild/RebuildContext.h"
 #include "reports/ExportRows.h"
 #include "reports/events/RecordEvents.h"
@@ -164,6 +166,97 @@ TEST_F(EventsExportTest, csvHasTheFieldsThatTheProgramAsksForInFront) {
                                 "2009-02-13T23:31:30.250000+00:00,1234567890250000,Visited,"
                                 "norvelane:chrome:visit,WEBHIST,Chrome Visit,tagged,1,"));
     EXPECT_THAT(text, Not(HasSubstr("b.example")));
+}
+
+/// The fields of each line, by the rules of RFC 4180; a quoted one may have ends of lines in it.
+std::vector<std::vector<std::string>> csvRows(std::string_view text) {
+    std::vector<std::vector<std::string>> rows(1, std::vector<std::string>(1));
+    bool isQuoted = false;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char c = text[at];
+        std::string &field = rows.back().back();
+        if (c == '"' && isQuoted && text.substr(at + 1).starts_with('"'))
+            field += text[++at];
+        else if (c == '"')
+            isQuoted = !isQuoted;
+        else if (!isQuoted && c == ',')
+            rows.back().emplace_back();
+        else if (!isQuoted && c == '\n')
+            rows.emplace_back(1);
+        else if (isQuoted || c != '\r')
+            field += c;
+    }
+    EXPECT_FALSE(isQuoted);
+    if (rows.back() == std::vector<std::string>(1))
+        rows.pop_back();
+    return rows;
+}
+
+/// What evidence can hold at worst: ends of lines, quotation marks, a NUL, half a pair of UTF-16, a
+/// byte that is no UTF-8, a formula, an end of a JSON list.
+struct HostileEventsTest : EventsExportTest {
+    HostileEventsTest() {
+        const std::string hex = "687474703A2F2F682F" // http://h/
+                                "225C0D0A2C0A00EDA080FFE280A8273D5D7D";
+        project.db().exec("UPDATE URLs SET URL = CAST(X'" + hex +
+                          "' AS TEXT), WebPageTitle = CAST(X'3D00220A' AS TEXT), Action = "
+                          "CAST(X'0A220A00FF' AS TEXT) WHERE URL_ID = 1");
+        project.db().exec("INSERT INTO URLs (URL, CacheType, ActionDateUTC) VALUES "
+                          "(CAST(X'" +
+                          hex + "' AS TEXT), 'Chrome Visit', 39857.5)");
+        NamedTags tags(project.db());
+        const std::vector<std::int32_t> rows = {1};
+        const NamedTag tag =
+            tags.add({.tagID = 0, .name = "a \"b\", ]", .color = {}, .position = 0, .note = {}});
+        EXPECT_TRUE(RecordTags(project.db()).set(tag.tagID, rows, "", nobody));
+        table.refreshRows();
+        table.loadURLs(nobody);
+    }
+};
+
+TEST_F(HostileEventsTest, aLineOfJsonIsOneEventInTheOrderOfTheFields) {
+    const auto list = lines(ExportFormat::timesketch);
+    ASSERT_THAT(list, SizeIs(5));
+    for (const std::string &line : list) {
+        const auto event = nlohmann::ordered_json::parse(line); // strict in its UTF-8 too
+        std::vector<std::string> names;
+        for (const auto &[name, value] : event.items())
+            names.push_back(name);
+        names.resize(7);
+        EXPECT_THAT(names, ElementsAre("message", "datetime", "timestamp", "timestamp_desc",
+                                       "data_type", "source_short", "source_long"));
+        EXPECT_TRUE(event.at("timestamp").is_number_integer());
+        EXPECT_EQ(isoWithFraction(event.at("timestamp").get<std::int64_t>()), event.at("datetime"));
+        EXPECT_TRUE(event.at("message").get<std::string>().starts_with("Chrome Visit"));
+        EXPECT_NE(event.at("timestamp_desc"), "");
+        for (const auto &[name, value] : event.items()) {
+            if (value.is_string()) {
+                EXPECT_TRUE(isUtf8(value.get<std::string>())) << name;
+            }
+        }
+    }
+    const auto tags = nlohmann::json::parse(list[0]).at("tag");
+    EXPECT_EQ(tags.size(), 2U);
+    EXPECT_THAT(tags, testing::Contains("a \"b\", ]"));
+}
+
+TEST_F(HostileEventsTest, aLineOfCsvHasEachFieldInItsPlace) {
+    const auto rows = csvRows(written(ExportFormat::timesketchCsv));
+    ASSERT_THAT(rows, SizeIs(6));
+    for (std::size_t at = 1; at < rows.size(); ++at) {
+        ASSERT_EQ(rows[at].size(), rows[0].size());
+        EXPECT_EQ(rows[at][1], isoWithFraction(std::stoll(rows[at][2])));
+        EXPECT_NE(rows[at][3], "");
+        EXPECT_EQ(rows[at][4], "norvelane:chrome:visit");
+        EXPECT_EQ(rows[at][5], "WEBHIST");
+        for (const std::string &field : rows[at]) {
+            EXPECT_EQ(field.find('\0'), std::string::npos) << field;
+            EXPECT_TRUE(isUtf8(field)) << field;
+        }
+    }
+    EXPECT_THAT(rows[1][0], HasSubstr("\u2400"));
+    EXPECT_GT(job.counts.signsReplaced, 0);
+    EXPECT_THAT(rows[0], testing::Contains("tag"));
 }
 
 TEST_F(EventsExportTest, aBodyFileHasElevenFieldsAndOneTimeALine) {

@@ -1,5 +1,6 @@
 #include "SearchedProject.h"
 #include "db/RecordTags.h"
+#include "search/HitFinder.h"
 #include "search/SearchFailure.h"
 #include "search/SearchedRowReader.h"
 
@@ -234,6 +235,41 @@ TEST_F(SearchTest, showsWhereATextStands) {
     RowMatch two(parseSearch("tide /d\\w+r/"));
     EXPECT_EQ(two.marksIn(page, 10), (std::vector<TextSpan>{{14, 5}, {25, 4}, {55, 4}}));
     EXPECT_EQ(two.marksIn(page, 1).size(), 1u);
+}
+
+TEST(HitFinder, marksWordsHoweverTheyAreSpelled) {
+    HitFinder hits(RowMatch(parseSearch("cafe \"low water\"")));
+    const std::string text = "Caf\u00E9 by low, water";
+    EXPECT_EQ(hits.marksIn(text), (std::vector<TextSpan>{{0, 5}, {9, 10}}));
+    EXPECT_THAT(hits.formsIn(text), ElementsAre("Caf\u00E9", "low, water"));
+    EXPECT_TRUE(hits.formsIn("").empty());
+}
+
+TEST(HitFinder, tellsEachSpellingOnceAndTheShorterOne) {
+    SearchedRow row;
+    row.at(SearchField::address) = "http://tides.example/TIDE?q=Tidewater";
+    row.at(SearchField::page) = "Ebb-7, ebb-12, EBB-7";
+    HitFinder hits(RowMatch(parseSearch("/ebb-[0-9]+/ tide -moon kind:cache")));
+    EXPECT_THAT(hits.formsOf(row), ElementsAre("tide", "Ebb-7", "ebb-12"));
+    HitFinder parts(RowMatch(parseSearch("/tide[a-z]*/")));
+    EXPECT_THAT(parts.formsOf(row), ElementsAre("TIDE"));
+    HitFinder none(RowMatch(parseSearch("kind:cache")));
+    EXPECT_TRUE(none.formsOf(row).empty());
+}
+
+TEST(HitFinder, hasBoundsForWhatIsLongAndMany) {
+    std::string text;
+    for (int i = 0; i < 5000; ++i)
+        text += "n" + std::to_string(i) + "x ";
+    HitFinder many(RowMatch(parseSearch("/n[0-9]+x/")));
+    EXPECT_EQ(many.marksIn(text).size(), HitFinder::kMostMarks);
+    EXPECT_EQ(many.formsIn(text).size(), HitFinder::kMostForms);
+    std::string wide;
+    for (int i = 0; i < 1000; ++i)
+        wide += "\u00FC";
+    HitFinder whole(RowMatch(parseSearch("/.+/")));
+    ASSERT_EQ(whole.formsIn("x" + wide).size(), 1u);
+    EXPECT_EQ(whole.formsIn("x" + wide).front().size(), HitFinder::kLongestForm - 1);
 }
 
 TEST(Snippet, isCutBetweenLetters) {
