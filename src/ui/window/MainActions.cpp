@@ -87,9 +87,13 @@ MainActions::MainActions(QObject *o)
         nameKeys(*action);
     network->setIconText(tr("Network"));
     createReport->setIconText(tr("Report"));
+    openReportFolder->setEnabled(false);
+    makeCheckable();
+}
+
+void MainActions::makeCheckable() const {
     for (QAction *action : {places, hosts, time, hideKnown, viewers})
         action->setCheckable(true);
-    openReportFolder->setEnabled(false);
     viewers->setChecked(true);
 }
 

@@ -61,6 +61,7 @@ struct MainActions {
     void setProjectOpen(bool open, bool readOnly);
 
   private:
+    void makeCheckable() const;
     void describe() const;
 };
 
