@@ -62,29 +62,10 @@ void checkPaths(const Arguments &arguments) {
         throw UsageError(fmt::format("the base folder \"{}\" does not exist", arguments.base));
 }
 
-/// The deepest folder that holds all paths.
-fs::path commonFolder(const std::vector<std::string> &paths) {
-    fs::path common;
-    for (const std::string &text : paths) {
-        const fs::path path = fs::canonical(text);
-        const fs::path folder = fs::is_directory(path) ? path : path.parent_path();
-        if (common.empty()) {
-            common = folder;
-            continue;
-        }
-        const auto [end, ignored] =
-            std::mismatch(common.begin(), common.end(), folder.begin(), folder.end());
-        fs::path shared;
-        for (auto part = common.begin(); part != end; ++part)
-            shared /= *part;
-        common = shared;
-    }
-    return common;
-}
-
 /// Which base folder the import gives to a project that has none yet.
 fs::path baseOf(const Arguments &arguments) {
-    return arguments.base.empty() ? commonFolder(arguments.paths) : fs::canonical(arguments.base);
+    return arguments.base.empty() ? commonFolder({arguments.paths.begin(), arguments.paths.end()})
+                                  : fs::canonical(arguments.base);
 }
 
 /// Evidence is only read: a project among it would change what other tools see of it. One that is
