@@ -3,6 +3,9 @@
 #include "app/ProjectCommands.h"
 #include "base/Examiner.h"
 
+#include <string>
+#include <vector>
+
 namespace nv {
 
 class OptionsForm;
@@ -13,6 +16,8 @@ class WindowDialogs : public FileDialogs {
     /// Nothing is chosen when the examiner cancels.
     virtual std::optional<std::filesystem::path>
     chooseFolder(const std::string &title, const std::filesystem::path &start) = 0;
+    /// Several at once; none when the examiner cancels.
+    virtual std::vector<std::filesystem::path> chooseFiles(const std::string &title);
     /// Shows the first step of a new project; false when the examiner cancels.
     virtual bool confirmNewProject(OptionsForm &form);
 };
@@ -28,6 +33,7 @@ class QtWindowDialogs final : public WindowDialogs {
     std::optional<std::filesystem::path> chooseSaveAs() override;
     std::optional<std::filesystem::path> chooseFolder(const std::string &title,
                                                       const std::filesystem::path &start) override;
+    std::vector<std::filesystem::path> chooseFiles(const std::string &title) override;
 
   private:
     std::optional<std::filesystem::path>
