@@ -13,6 +13,8 @@
 #include "base/Text.h"
 #include "base/Trap.h"
 #include "cli/Commands.h"
+#include "cli/EvidenceSearch.h"
+#include "cli/FoundList.h"
 #include "cli/ImportJson.h"
 #include "cli/ImportSummaryFile.h"
 #include "cli/LoadedTable.h"
@@ -22,6 +24,7 @@
 #include "db/StoredQueries.h"
 #include "import/Scan.h"
 #include "readers/Registry.h"
+#include "views/FoundTree.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -48,26 +51,10 @@ struct Arguments {
     bool noSignatures = false;
     bool hashSets = false;
     bool thumbnails = false;
-    std::string summary;         ///< a page of the summary; empty for none
+    std::string summary; ///< a page of the summary; empty for none
+    bool found = false;
     std::string format = "text"; ///< or "json"
 };
-
-/// Takes the paths away of which nothing can be found out, as of those in a folder that may not be
-/// entered: the others are imported.
-ScanGaps takeUnreachable(std::vector<std::string> &paths, FailureLog &log) {
-    ScanGaps gaps;
-    std::erase_if(paths, [&](const std::string &path) {
-        std::error_code failed;
-        if (fs::status(path, failed).type() != fs::file_type::none)
-            return false;
-        const std::string reason = FileFailure("cannot open", path, failed.value()).what();
-        log.write({reason, "ImportForm.NextBtn_Click()", Severity::Warning,
-                   std::string(kContactSupport)});
-        gaps.unreadable.push_back({fs::absolute(path).lexically_normal(), reason});
-        return true;
-    });
-    return gaps;
-}
 
 void checkPaths(const Arguments &arguments) {
     for (const std::string &path : arguments.paths)
@@ -77,29 +64,10 @@ void checkPaths(const Arguments &arguments) {
         throw UsageError(fmt::format("the base folder \"{}\" does not exist", arguments.base));
 }
 
-/// The deepest folder that holds all paths.
-fs::path commonFolder(const std::vector<std::string> &paths) {
-    fs::path common;
-    for (const std::string &text : paths) {
-        const fs::path path = fs::canonical(text);
-        const fs::path folder = fs::is_directory(path) ? path : path.parent_path();
-        if (common.empty()) {
-            common = folder;
-            continue;
-        }
-        const auto [end, ignored] =
-            std::mismatch(common.begin(), common.end(), folder.begin(), folder.end());
-        fs::path shared;
-        for (auto part = common.begin(); part != end; ++part)
-            shared /= *part;
-        common = shared;
-    }
-    return common;
-}
-
 /// Which base folder the import gives to a project that has none yet.
 fs::path baseOf(const Arguments &arguments) {
-    return arguments.base.empty() ? commonFolder(arguments.paths) : fs::canonical(arguments.base);
+    return arguments.base.empty() ? commonFolder({arguments.paths.begin(), arguments.paths.end()})
+                                  : fs::canonical(arguments.base);
 }
 
 /// Evidence is only read: a project among it would change what other tools see of it. One that is
@@ -220,55 +188,15 @@ void chooseBase(Session &session, const Arguments &arguments) {
         keepEvidenceFolder(session.program, path);
 }
 
-ScanResult scanPath(Session &session, const Arguments &arguments, const fs::path &path) {
-    Program &program = session.program;
-    if (const Reader *reader = readerByKey(arguments.as))
-        return listAs(*reader, path, session.task, program.log);
-    program.import.startingDirectory = path.string();
-    return scan(program.import, session.task, program.log);
-}
-
-void tellUnknown(Session &session, const fs::path &path, const ScanResult &found) {
-    const bool nothing =
-        found.historyFiles.count() + found.notAsked == 0 && found.gaps.unreadable.empty();
-    // Whoever names a file expects it to be read.
-    if (fs::is_regular_file(path) && nothing && !found.cancelled)
-        session.err << fmt::format(
-            "\"{}\" is not known as an artefact by its name, place and first "
-            "bytes; --as READER takes it as one\n",
-            printable(textOf(path)));
-}
-
-struct Search {
-    bool cancelled = false;
-    std::size_t notAsked = 0; ///< artefacts that --kinds leaves out
-};
-
-/// Scans every path for the files of the job. `gaps` are known before.
-Search findArtefacts(Session &session, const Arguments &arguments, const ScanGaps &gaps) {
-    ImportSettings &job = session.program.import;
-    job.historyFiles.clear();
-    job.gaps = gaps;
-    Search search;
-    for (const std::string &path : arguments.paths) {
-        const ScanResult found = scanPath(session, arguments, fs::canonical(path));
-        for (const HistoryFile &file : found.historyFiles)
-            job.historyFiles.add(file);
-        search.notAsked += found.notAsked;
-        job.gaps.add(found.gaps);
-        tellUnknown(session, path, found);
-        search.cancelled = found.cancelled;
-        if (search.cancelled)
-            break;
-    }
-    return search;
+void tellNotAsked(Session &session, std::size_t count) {
+    session.err << fmt::format("{} of other kinds found, not asked for\n",
+                               counted(count, "artefact"));
 }
 
 /// Absence is told only where there is nothing of a browser.
-void tellWhatIsLeftOut(Session &session, const ImportSummary &summary, const Search &search) {
+void tellWhatIsLeftOut(Session &session, const ImportSummary &summary, const ScanResult &search) {
     if (search.notAsked > 0)
-        session.err << fmt::format("{} of other kinds found, not asked for\n",
-                                   counted(search.notAsked, "artefact"));
+        tellNotAsked(session, search.notAsked);
     else if (summary.artefacts.empty() && !summary.cancelled)
         session.err << messages::nothingToImport().text << '\n';
     if (summary.artefacts.empty() && session.program.import.classicOnly)
@@ -296,9 +224,54 @@ Exit exitFor(const ImportSummary &summary) {
     return damaged ? Exit::damagedEvidence : Exit::ok;
 }
 
+void setUp(ImportSettings &job, const Arguments &arguments, const AskedKinds &asked) {
+    job.verifyFileSignatures &= !arguments.noSignatures;
+    job.parseAdvancedMetadata &= !arguments.noMetadata;
+    job.makeThumbnails = arguments.thumbnails;
+    job.classicOnly |= arguments.classic;
+    job.secrets = arguments.secrets;
+    job.asked = asked;
+}
+
+/// A folder may well hold nothing; a file was named because it was thought to be one.
+bool namesFile(const Arguments &arguments) {
+    return std::ranges::any_of(arguments.paths,
+                               [](const std::string &path) { return fs::is_regular_file(path); });
+}
+
+/// What an import would take. The project is neither made nor opened.
+Exit listFound(Session &session, const Arguments &arguments, const ScanGaps &unreachable) {
+    checkPaths(arguments);
+    const AskedKinds asked = askedKinds(arguments.kinds);
+    checkAs(arguments);
+    Program &program = session.program;
+    setUp(program.import, arguments, asked);
+    const ScanResult found = findArtefacts(session, arguments.paths, arguments.as, unreachable);
+    FoundTree tree;
+    const bool isWhole =
+        !found.cancelled && groupFound(program.import.historyFiles, found.places, session.task,
+                                       program.log, tree) == Walk::Finished;
+    session.task.clear();
+    if (!isWhole)
+        return Exit::interrupted;
+    if (found.notAsked > 0)
+        tellNotAsked(session, found.notAsked);
+    tellZoneHints(session, arguments);
+    const FoundList list{tree, program.import.historyFiles, program.import.gaps};
+    if (arguments.format == "json")
+        session.out << foundJson(list);
+    else
+        writeFound(session, list);
+    if (!program.import.gaps.unreadable.empty())
+        return Exit::damagedEvidence;
+    return tree.files == 0 && namesFile(arguments) ? Exit::usage : Exit::ok;
+}
+
 Exit run(Session &session, const Arguments &given) {
     Arguments arguments = given;
     const ScanGaps unreachable = takeUnreachable(arguments.paths, session.program.log);
+    if (arguments.found)
+        return listFound(session, arguments, unreachable);
     checkDrawing(arguments);
     checkPaths(arguments);
     checkProjectPlace(arguments);
@@ -318,15 +291,10 @@ Exit run(Session &session, const Arguments &given) {
     chooseBase(session, arguments);
     if (!arguments.summary.empty())
         checkSummaryFile(session, arguments.summary, false);
-    program.import.verifyFileSignatures &= !arguments.noSignatures;
-    program.import.parseAdvancedMetadata &= !arguments.noMetadata;
-    program.import.makeThumbnails = arguments.thumbnails;
-    program.import.classicOnly |= arguments.classic;
-    program.import.secrets = arguments.secrets;
-    program.import.asked = asked;
+    setUp(program.import, arguments, asked);
 
     ImportSummary summary;
-    const Search search = findArtefacts(session, arguments, unreachable);
+    const ScanResult search = findArtefacts(session, arguments.paths, arguments.as, unreachable);
     summary.cancelled = search.cancelled;
     session.task.clear();
     tellZoneHints(session, arguments);
@@ -339,11 +307,8 @@ Exit run(Session &session, const Arguments &given) {
     closeTold(program, summary);
     session.out << (arguments.format == "json" ? importJson(summary)
                                                : printableLines(summaryText(summary)));
-    // A folder may well hold nothing; a file was named because it was thought to be one.
-    const bool unknown =
-        summary.artefacts.empty() && summary.gaps.unreadable.empty() && !summary.cancelled &&
-        std::ranges::any_of(arguments.paths,
-                            [](const std::string &path) { return fs::is_regular_file(path); });
+    const bool unknown = summary.artefacts.empty() && summary.gaps.unreadable.empty() &&
+                         !summary.cancelled && namesFile(arguments);
     return unknown ? Exit::usage : exitFor(summary);
 }
 
@@ -356,8 +321,11 @@ Command importCommand() {
         .what = "Import artefacts into a project, which is made when needed",
         .readme = {"`import PROJECT PATH...`",
                    "finds and reads artefacts into a project, which is made when needed; "
-                   "`--kinds`, `--as`, `--classic`, `--zone`, `--hash-sets`, `--thumbnails`"},
+                   "`--found`, `--kinds`, `--as`, `--classic`, `--zone`, `--hash-sets`, "
+                   "`--thumbnails`"},
         .examples = {{"import case.nvp /mnt/seized", "all that is found below a folder"},
+                     {"import case.nvp /mnt/seized --found",
+                      "what that would be, before anything is imported"},
                      {"import case.nvp /mnt/seized/History --zone Europe/Berlin",
                       "one file, dates by the law of that zone"},
                      {"import case.nvp /mnt/seized --thumbnails",
@@ -382,6 +350,9 @@ Command importCommand() {
                   "Hash all cached content and look for it in the hash sets"),
              flag("--thumbnails", given->thumbnails, "Make thumbnails while importing"),
              value("--summary", given->summary, "Also write the summary as a page, *.html"),
+             flag("--found", given->found,
+                  "Only list what is found, by folder, person, browser, profile and kind: nothing "
+                  "is imported, and no project is made"),
              value("--format", given->format, "text or json")
                  .oneOf({"text", "json"})
                  .showingDefault()},

@@ -1,6 +1,7 @@
 #include "app/project/Project.h"
 #include "cli/Commands.h"
 #include "cli/LoadedTable.h"
+#include "cli/PlaceFieldWord.h"
 #include "cli/Session.h"
 #include "cli/SharedArguments.h"
 #include "views/Places.h"
@@ -16,32 +17,6 @@ struct Arguments {
     Tree tree = Tree::all;
     Format format = Format::table;
 };
-
-std::string_view wordOf(PlaceField field) {
-    switch (field) {
-    case PlaceField::Evidence:
-        return "Evidence";
-    case PlaceField::Person:
-        return "Person";
-    case PlaceField::Browser:
-        return "Browser";
-    case PlaceField::Profile:
-        return "Profile";
-    case PlaceField::Group:
-        return "Group";
-    case PlaceField::Kind:
-        return "Kind";
-    case PlaceField::Domain:
-        return "Domain";
-    case PlaceField::Host:
-        return "Host";
-    case PlaceField::HashMeaning:
-        return "Hash sets";
-    case PlaceField::HashSet:
-        return "Hash set";
-    }
-    return {};
-}
 
 class PlacesText {
   public:

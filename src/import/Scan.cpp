@@ -61,8 +61,12 @@ class Scan {
             m_ownMasks.emplace_back(reader->mask);
     }
 
-    ScanResult run() {
-        scanStart();
+    ScanResult run(const std::vector<fs::path> &places) {
+        prepare(places);
+        for (std::size_t i = 0; i < places.size() && !m_result.cancelled; ++i) {
+            m_from = static_cast<double>(i) / static_cast<double>(places.size());
+            scanPlace(m_result.places[i]);
+        }
         tellUnlisted();
         return std::move(m_result);
     }
@@ -74,9 +78,46 @@ class Scan {
     }
 
   private:
-    void scanStart() {
-        // Paths go into the project: they must not hang on the folder that the program runs in.
-        const fs::path start = fs::absolute(m_job.startingDirectory).lexically_normal();
+    /// Paths go into the project: they must not hang on the folder that the program runs in.
+    void prepare(const std::vector<fs::path> &places) {
+        m_share = 1 / static_cast<double>(std::max<std::size_t>(places.size(), 1));
+        m_result.places.reserve(places.size());
+        std::set<fs::path> above;
+        for (const fs::path &place : places) {
+            ScannedPlace &each = m_result.places.emplace_back();
+            each.path = fs::absolute(place).lexically_normal();
+            if (!each.path.has_filename()) // "/evidence/" lies in "/evidence"
+                each.path = each.path.parent_path();
+            const PlaceKind kind = m_evidence.kindOf(each.path);
+            each.isFile = kind == PlaceKind::file;
+            if (kind == PlaceKind::folder)
+                above.insert(each.path);
+        }
+        for (ScannedPlace &place : m_result.places)
+            place.isWithinAnother = m_job.recurseSubfolders && hasFolderOf(above, place.path);
+    }
+
+    static bool hasFolderOf(const std::set<fs::path> &folders, fs::path path) {
+        while (path.has_relative_path()) {
+            path = path.parent_path();
+            if (folders.contains(path))
+                return true;
+        }
+        return false;
+    }
+
+    /// A file that was named is tried for all formats, even when its folder was looked through.
+    void scanPlace(ScannedPlace &place) {
+        if (place.isWithinAnother && !place.isFile)
+            return;
+        const std::size_t before = m_result.historyFiles.count() + m_result.notAsked + m_doubles;
+        const std::size_t gaps = m_result.gaps.unreadable.size();
+        scanFrom(place.path);
+        place.artefacts = m_result.historyFiles.count() + m_result.notAsked + m_doubles - before;
+        place.unreadable = m_result.gaps.unreadable.size() - gaps;
+    }
+
+    void scanFrom(const fs::path &start) {
         const PlaceKind kind = m_evidence.kindOf(start);
         if (kind == PlaceKind::file)
             tryFile(start, Asked::byName, 0);
@@ -95,7 +136,8 @@ class Scan {
 
     void scanFolders(const fs::path &start) {
         const auto depth = m_job.recurseSubfolders ? Depth::allBelow : Depth::thisFolder;
-        const auto folders = getFolderList(m_evidence, start, depth, m_task, m_log, m_result.gaps);
+        SubTask task(m_task, m_from, m_from + m_share);
+        const auto folders = getFolderList(m_evidence, start, depth, task, m_log, m_result.gaps);
         const auto count = static_cast<double>(folders.size());
         for (std::size_t i = 0; i < folders.size() && goOn(static_cast<double>(i) / count); ++i) {
             showFolder(folders[i], i + 1, folders.size());
@@ -178,6 +220,11 @@ class Scan {
     }
 
     void list(HistoryFile artefact, double fraction) {
+        if (m_result.places.size() > 1 &&
+            !m_listed.emplace(artefact.historyFileType, artefact.fullPath).second) {
+            ++m_doubles;
+            return;
+        }
         const auto hashes = hashesOfArtefact(m_evidence, artefact.fullPath,
                                              [&](std::uint64_t) { return goOn(fraction); });
         if (!hashes)
@@ -196,7 +243,7 @@ class Scan {
     }
 
     bool goOn(double fraction) {
-        m_result.cancelled = m_result.cancelled || !m_task.advance(fraction);
+        m_result.cancelled = m_result.cancelled || !m_task.advance(m_from + (fraction * m_share));
         return !m_result.cancelled;
     }
 
@@ -218,6 +265,10 @@ class Scan {
     std::vector<FileMask> m_ownMasks; ///< by format
     /// What files led to that are not artefacts themselves: many files of a folder lead to it.
     std::set<std::pair<const Reader *, fs::path>> m_led;
+    std::set<std::pair<HistoryFileType, fs::path>> m_listed; ///< where there are several places
+    std::size_t m_doubles = 0;                               ///< what was listed before
+    double m_from = 0;  ///< where the place's part of the progress begins, 0 to 1
+    double m_share = 1; ///< and how much it is
     TaskMonitor &m_task;
     FailureLog &m_log;
     const Evidence m_evidence;
@@ -228,7 +279,12 @@ class Scan {
 
 ScanResult scan(const ImportSettings &job, TaskMonitor &task, FailureLog &log, EvidenceWatch *watch,
                 Formats formats) {
-    return Scan(job, task, log, watch, formats).run();
+    return Scan(job, task, log, watch, formats).run({job.startingDirectory});
+}
+
+ScanResult scanPlaces(const ImportSettings &job, const std::vector<fs::path> &places,
+                      TaskMonitor &task, FailureLog &log) {
+    return Scan(job, task, log, nullptr, registry()).run(places);
 }
 
 ScanResult listAs(const Reader &reader, const fs::path &file, TaskMonitor &task, FailureLog &log) {

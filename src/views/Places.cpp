@@ -7,6 +7,7 @@
 #include "readers/RecordKind.h"
 #include "views/CellText.h"
 #include "views/DamagedList.h"
+#include "views/PlaceLevels.h"
 #include "views/StatementWatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -82,13 +83,6 @@ std::string columnsOf(bool hasOrigin) {
                        hasOrigin ? "Person, Browser, Profile" : "NULL, NULL, NULL");
 }
 
-/// The last node where it is this one; another one behind it otherwise.
-PlaceNode &lastNode(std::vector<PlaceNode> &nodes, const PlaceTerm &term) {
-    if (nodes.empty() || nodes.back().term != term)
-        nodes.push_back({.term = term});
-    return nodes.back();
-}
-
 void sortByRecords(std::vector<PlaceNode> &nodes) {
     std::ranges::sort(nodes, [](const PlaceNode &a, const PlaceNode &b) {
         return a.records != b.records ? a.records > b.records : a.term.value < b.term.value;
@@ -97,26 +91,11 @@ void sortByRecords(std::vector<PlaceNode> &nodes) {
         sortByRecords(node.children);
 }
 
-/// A level that only says "none" says nothing.
-void liftUnknown(std::vector<PlaceNode> &nodes) {
-    while (nodes.size() == 1 && nodes.front().term.value.empty() && !nodes.front().children.empty())
-        nodes = std::vector<PlaceNode>(std::move(nodes.front().children));
-    for (PlaceNode &node : nodes)
-        liftUnknown(node.children);
-}
-
-int orderOf(std::string_view group) {
-    constexpr std::array kOrder = {RecordGroup::history, RecordGroup::cache, RecordGroup::cookies,
-                                   RecordGroup::bookmarks, RecordGroup::other};
-    const auto *const found = std::ranges::find(kOrder, group, groupWord);
-    return static_cast<int>(found - kOrder.begin());
-}
-
 /// Wherever they stand.
 void sortGroups(std::vector<PlaceNode> &nodes) {
     if (!nodes.empty() && nodes.front().term.field == PlaceField::Group)
         std::ranges::stable_sort(nodes, {},
-                                 [](const PlaceNode &node) { return orderOf(node.term.value); });
+                                 [](const PlaceNode &node) { return groupOrder(node.term.value); });
     for (PlaceNode &node : nodes)
         sortGroups(node.children);
 }

@@ -2,6 +2,7 @@
 #include "app/project/Project.h"
 #include "db/ProjectFields.h"
 #include "gui/Desk.h"
+#include "ui/import/FoundFilesModel.h"
 #include "ui/import/ImportForm.h"
 #include "ui/views/ColumnsForm.h"
 #include "ui/views/TableTab.h"
@@ -14,7 +15,6 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
@@ -81,6 +81,10 @@ void MainWindowTest::withoutAProjectTheWindowSaysWhatToDo() {
     QCOMPARE(m_form->windowTitle(), QStringLiteral("Norvelane"));
 }
 
+static FoundFilesModel &foundFiles(ImportForm &wizard) {
+    return *wizard.findChild<FoundFilesModel *>();
+}
+
 /// The folder that the wizard's first step asks for.
 static void startAt(ImportForm &wizard, const fs::path &evidence) {
     child<QLineEdit>(wizard, "txtStartingDirectory")
@@ -96,7 +100,8 @@ void MainWindowTest::importEvidence() {
         auto &next = child<QPushButton>(wizard, "btnNext");
         QCOMPARE(next.text(), QStringLiteral("Next >>"));
         QTest::mouseClick(&next, Qt::LeftButton);
-        QCOMPARE(child<QTableView>(wizard, "ImportGrid").model()->rowCount(), 3);
+        QCOMPARE(foundFiles(wizard).found(), std::size_t{3});
+        QCOMPARE(next.text(), QStringLiteral("&Import >>"));
         QTest::mouseClick(&next, Qt::LeftButton);
         QCOMPARE(next.text(), QStringLiteral("Finished"));
         QVERIFY(child<QPlainTextEdit>(wizard, "txtSummary")
@@ -123,7 +128,7 @@ void MainWindowTest::aProjectAmongTheEvidenceGetsNoImport() {
         startAt(wizard, evidence);
         QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
         QCOMPARE(m_desk->examiner.heard.back(), std::string("lies-in-evidence"));
-        QCOMPARE(child<QTableView>(wizard, "ImportGrid").model()->rowCount(), 0);
+        QCOMPARE(foundFiles(wizard).found(), std::size_t{0});
         QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
     });
     trigger(*m_form, "actImport");
@@ -188,7 +193,7 @@ void MainWindowTest::theWizardKeepsTheChoiceOfTheClassicRules() {
                 QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(10, box.height() / 2));
             startAt(wizard, evidence);
             QTest::mouseClick(&child<QPushButton>(wizard, "btnNext"), Qt::LeftButton);
-            files = child<QTableView>(wizard, "ImportGrid").model()->rowCount();
+            files = static_cast<int>(foundFiles(wizard).found());
             QTest::mouseClick(&child<QPushButton>(wizard, "btnCancel"), Qt::LeftButton);
         });
         trigger(*m_form, "actImport");
@@ -225,8 +230,11 @@ void MainWindowTest::anUntickedFileIsNotRead() {
         startAt(wizard, evidence);
         auto &next = child<QPushButton>(wizard, "btnNext");
         QTest::mouseClick(&next, Qt::LeftButton);
-        QAbstractItemModel *files = child<QTableView>(wizard, "ImportGrid").model();
-        QVERIFY(files->setData(files->index(0, 0), Qt::Unchecked, Qt::CheckStateRole));
+        FoundFilesModel &files = foundFiles(wizard);
+        QModelIndex file = files.index(0, 0);
+        while (!files.isFile(file))
+            file = files.index(0, 0, file);
+        QVERIFY(files.setData(file, Qt::Unchecked, Qt::CheckStateRole));
         QTest::mouseClick(&next, Qt::LeftButton);
         QTest::mouseClick(&next, Qt::LeftButton);
     });

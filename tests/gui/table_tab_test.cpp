@@ -212,7 +212,9 @@ void TableTabTest::theRecordStaysChosenOrTheFirstRowIs() {
 void TableTabTest::anEmptyProjectOffersToImport() {
     project().exec("DELETE FROM URLs");
     trigger(*m_form, "actRefresh");
-    QVERIFY(child<QPushButton>(*m_form, "btnEmptyImport").isVisible());
+    auto &empty = child<QWidget>(*m_form, "EmptyPage");
+    QVERIFY(child<QPushButton>(empty, "btnStepFolder").isVisible());
+    QVERIFY(!child<QPushButton>(empty, "btnStepCheck").isEnabled());
     QVERIFY(!child<QPushButton>(*m_form, "btnEmptyShowAll").isVisible());
 }
 

@@ -1,5 +1,6 @@
 #include "app/jobs/ImportText.h"
 
+#include "app/jobs/ScanGapsText.h"
 #include "base/Files.h"
 #include "base/Text.h"
 #include "readers/Registry.h"
@@ -116,27 +117,6 @@ std::string profilesText(const ImportSummary &summary) {
     for (const ProfileTotals &profile : summary.byProfile())
         if (!profile.origin.browser.empty() && profile.rows() + profile.notReadYet > 0)
             text += profileText(profile);
-    return text;
-}
-
-std::string unreadableText(const ScanGaps &gaps) {
-    std::string text;
-    for (const UnreadPlace &place : gaps.unreadable)
-        text += fmt::format("{:<12} {}\n", "not readable", place.reason);
-    return text;
-}
-
-std::string gapsText(const ScanGaps &gaps) {
-    std::string text;
-    if (!gaps.unreadable.empty())
-        text += fmt::format("{} could not be read: what is in there is not in the project\n",
-                            counted(gaps.unreadable.size(), "file or folder", "files or folders"));
-    if (gaps.linksNotFollowed > 0)
-        text += fmt::format("{} not followed: a link could lead out of the evidence\n",
-                            counted(gaps.linksNotFollowed, "link"));
-    if (gaps.shaderCaches > 0)
-        text += fmt::format("{} passed over: compiled graphics programs, no addresses\n",
-                            counted(gaps.shaderCaches, "shader cache"));
     return text;
 }
 

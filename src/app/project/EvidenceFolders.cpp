@@ -68,4 +68,23 @@ void keepEvidenceFolder(Program &program, const fs::path &source) {
                         textOf(folder), textOf(program.log.path())));
 }
 
+fs::path commonFolder(const std::vector<fs::path> &places) {
+    fs::path common;
+    for (const fs::path &place : places) {
+        const fs::path path = fs::canonical(place);
+        const fs::path folder = fs::is_directory(path) ? path : path.parent_path();
+        if (common.empty()) {
+            common = folder;
+            continue;
+        }
+        const auto [end, ignored] =
+            std::mismatch(common.begin(), common.end(), folder.begin(), folder.end());
+        fs::path shared;
+        for (auto part = common.begin(); part != end; ++part)
+            shared /= *part;
+        common = shared;
+    }
+    return common;
+}
+
 } // namespace nv

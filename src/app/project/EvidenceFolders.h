@@ -23,4 +23,8 @@ std::optional<std::filesystem::path> evidenceAround(const std::filesystem::path 
 /// StorageFailure when it can't be kept: nobody could tell later where nothing may be written.
 void keepEvidenceFolder(Program &program, const std::filesystem::path &source);
 
+/// The deepest folder that holds all of these folders and files, links followed; empty for none.
+/// Throws std::filesystem::filesystem_error for one that isn't there.
+std::filesystem::path commonFolder(const std::vector<std::filesystem::path> &places);
+
 } // namespace nv

@@ -46,6 +46,15 @@ void storeFilenameINI(IniFile &settings, const std::filesystem::path &project) {
         rememberText(settings, kFiles.at(i), paths[i]);
 }
 
+void forgetFilenameINI(IniFile &settings, const std::filesystem::path &project) {
+    std::vector<std::string> paths = storedPaths(settings, kFiles.size());
+    std::erase(paths, textOf(project));
+    // The keys of earlier builds are written where they hold something.
+    for (std::size_t i = 0; i < kFiles.size(); ++i)
+        if (i < kWritten || !readText(settings, kFiles.at(i)).empty())
+            rememberText(settings, kFiles.at(i), i < paths.size() ? paths[i] : std::string());
+}
+
 std::vector<RecentFile> configLastFilesOpened(const IniFile &settings) {
     std::vector<RecentFile> files;
     for (const std::string &path : storedPaths(settings, kFiles.size()))

@@ -17,8 +17,11 @@ struct RecentFile {
 /// fifth one pushes the oldest out.
 void storeFilenameINI(IniFile &settings, const std::filesystem::path &project);
 
-/// What the File menu shows. Six keys are read though only four are written: settings files of
-/// earlier builds hold more.
+/// Takes the path off the list; the file stays.
+void forgetFilenameINI(IniFile &settings, const std::filesystem::path &project);
+
+/// What the File menu and the first page show. Six keys are read though only four are written:
+/// settings files of earlier builds hold more.
 std::vector<RecentFile> configLastFilesOpened(const IniFile &settings);
 
 } // namespace nv

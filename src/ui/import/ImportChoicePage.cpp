@@ -1,46 +1,139 @@
 #include "ui/import/ImportChoicePage.h"
 
+#include "base/DisplayText.h"
+#include "base/Files.h"
 #include "base/Text.h"
 #include "import/ChoiceTable.h"
 #include "platform/qt/QtText.h"
+#include "ui/import/WizardParts.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
+#include <QShortcut>
 
 #include <algorithm>
 
 namespace nv {
 
-ImportChoicePage::ImportChoicePage(const ImportSettings &job, const std::filesystem::path &start,
+namespace {
+
+constexpr int kPath = Qt::UserRole;
+
+} // namespace
+
+ImportChoicePage::ImportChoicePage(const ImportSettings &job,
+                                   const std::vector<std::filesystem::path> &places,
                                    const std::filesystem::path &base, ChooseFolder chooseFolder)
     : m_chooseFolder(std::move(chooseFolder)) {
     setObjectName(QStringLiteral("ImportChoicePage"));
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(newFolders(start, base));
+    column->addWidget(newFolders(base));
     column->addWidget(newKinds(job));
     column->addWidget(newOptions(job));
     column->addStretch();
+    addPlaces(places);
 }
 
-QWidget *ImportChoicePage::newFolders(const std::filesystem::path &start,
-                                      const std::filesystem::path &base) {
+QWidget *ImportChoicePage::newFolders(const std::filesystem::path &base) {
     auto *group = new QGroupBox(tr("Evidence"));
     auto *grid = new QGridLayout(group);
     m_start = addFolderRow(*grid, tr("&Starting folder:"), "txtStartingDirectory",
                            "Select the starting folder of the import:");
+    auto *add = newWizardButton("btnAddPlace", tr("Add &Folder..."));
+    add->setToolTip(tr("A further folder of evidence. Several folders and files can be dropped on "
+                       "this window too."));
+    add->setAutoDefault(false);
+    connect(add, &QPushButton::clicked, this, [this] {
+        if (const auto chosen =
+                m_chooseFolder("Select a further folder of evidence:", pathFromQt(m_start->text())))
+            addPlaces({*chosen});
+    });
+    grid->addWidget(add, grid->rowCount() - 1, 3);
+    grid->addWidget(newFurther(), grid->rowCount(), 1, 1, 3);
     m_base = addFolderRow(*grid, tr("&Base folder:"), "txtBaseFolder",
                           "Select the BASE root folder for all evidence in project:");
-    m_start->setText(pathToQt(start));
+    m_notTaken = newWizardLabel("labNotTaken");
+    m_notTaken->hide();
+    grid->addWidget(m_notTaken, grid->rowCount(), 1, 1, 3);
     m_base->setText(pathToQt(base));
     m_base->setPlaceholderText(tr("The starting folder"));
     m_base->setToolTip(tr("Cached files are looked for below it. When the evidence moves to "
                           "another place, only this folder has to be changed."));
     return group;
+}
+
+QWidget *ImportChoicePage::newFurther() {
+    m_furtherArea = new QWidget;
+    m_further = new QListWidget;
+    m_further->setObjectName(QStringLiteral("lstFurtherPlaces"));
+    m_further->setAccessibleName(tr("Further folders and files"));
+    m_further->setTextElideMode(Qt::ElideMiddle);
+    constexpr int kLines = 3;
+    m_further->setFixedHeight((kLines * (m_further->fontMetrics().height() + 4)) +
+                              (2 * m_further->frameWidth()));
+    m_takeAway = newWizardButton("btnTakeAwayPlace", tr("&Remove"));
+    m_takeAway->setAccessibleName(tr("Remove the chosen folder or file"));
+    m_takeAway->setAutoDefault(false);
+    connect(m_takeAway, &QPushButton::clicked, this, &ImportChoicePage::takeAway);
+    auto *key = new QShortcut(QKeySequence::Delete, m_further);
+    key->setContext(Qt::WidgetShortcut);
+    connect(key, &QShortcut::activated, this, &ImportChoicePage::takeAway);
+    auto *row = new QHBoxLayout(m_furtherArea);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_further, 1);
+    row->addWidget(m_takeAway, 0, Qt::AlignTop);
+    m_furtherArea->hide();
+    return m_furtherArea;
+}
+
+void ImportChoicePage::takeAway() {
+    delete m_further->takeItem(m_further->currentRow());
+    showFurther();
+}
+
+void ImportChoicePage::showFurther() {
+    if (m_further->count() == 0 && m_furtherArea->isVisible())
+        m_start->setFocus();
+    m_furtherArea->setVisible(m_further->count() > 0);
+    if (m_further->currentRow() < 0)
+        m_further->setCurrentRow(0);
+}
+
+std::vector<std::filesystem::path> ImportChoicePage::places() const {
+    std::vector<std::filesystem::path> places;
+    if (const QString first = m_start->text().trimmed(); !first.isEmpty())
+        places.push_back(pathFromQt(first));
+    for (int row = 0; row < m_further->count(); ++row)
+        places.push_back(pathFromQt(m_further->item(row)->data(kPath).toString()));
+    return places;
+}
+
+void ImportChoicePage::addPlaces(const std::vector<std::filesystem::path> &added) {
+    std::vector<std::filesystem::path> known = places();
+    for (const std::filesystem::path &place : added) {
+        if (std::ranges::find(known, place) != known.end())
+            continue;
+        known.push_back(place);
+        if (known.size() == 1) {
+            m_start->setText(pathToQt(place));
+            continue;
+        }
+        auto *item = new QListWidgetItem(toQt(displayText(textOf(place))), m_further);
+        item->setData(kPath, pathToQt(place));
+        item->setToolTip(item->text().toHtmlEscaped());
+    }
+    showFurther();
+}
+
+void ImportChoicePage::tellNotTaken(const QString &text) {
+    m_notTaken->setText(text);
+    m_notTaken->setVisible(!text.isEmpty());
 }
 
 QLineEdit *ImportChoicePage::addFolderRow(QGridLayout &grid, const QString &label, const char *name,
@@ -149,7 +242,8 @@ void ImportChoicePage::tickAllKinds(bool on) {
 }
 
 void ImportChoicePage::applyTo(ImportSettings &job) const {
-    job.startingDirectory = pathFromQt(m_start->text().trimmed()).string();
+    const std::vector<std::filesystem::path> chosen = places();
+    job.startingDirectory = chosen.empty() ? std::string() : chosen.front().string();
     job.recurseSubfolders = m_recurse->isChecked();
     job.verifyFileSignatures = m_verify->isChecked();
     job.parseAdvancedMetadata = m_metadata->isChecked();

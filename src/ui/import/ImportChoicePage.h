@@ -12,7 +12,10 @@
 
 class QCheckBox;
 class QGridLayout;
+class QLabel;
 class QLineEdit;
+class QListWidget;
+class QPushButton;
 
 namespace nv {
 
@@ -26,16 +29,26 @@ class ImportChoicePage final : public QWidget {
 
   public:
     /// Shows the job's options. `base` is the project's base folder, empty when it has none yet.
-    ImportChoicePage(const ImportSettings &job, const std::filesystem::path &start,
+    ImportChoicePage(const ImportSettings &job, const std::vector<std::filesystem::path> &places,
                      const std::filesystem::path &base, ChooseFolder chooseFolder);
 
-    /// Copies the options to the job.
+    /// Copies the options to the job; its starting directory is the first place.
     void applyTo(ImportSettings &job) const;
+    /// Folders and files that the import begins at, in their order; none when nothing was entered.
+    std::vector<std::filesystem::path> places() const;
+    /// Adds those that aren't there yet.
+    void addPlaces(const std::vector<std::filesystem::path> &places);
+    /// What was dropped and isn't taken, a line each; empty for nothing.
+    void tellNotTaken(const QString &text);
     /// Empty when nothing was entered: then the starting folder is the base.
     std::filesystem::path baseFolder() const;
 
   private:
-    QWidget *newFolders(const std::filesystem::path &start, const std::filesystem::path &base);
+    /// The list of the places after the first, which is seen while there are some.
+    QWidget *newFurther();
+    void takeAway();
+    void showFurther();
+    QWidget *newFolders(const std::filesystem::path &base);
     QLineEdit *addFolderRow(QGridLayout &grid, const QString &label, const char *name,
                             const std::string &dialogTitle);
     QWidget *newKinds(const ImportSettings &job);
@@ -49,6 +62,10 @@ class ImportChoicePage final : public QWidget {
     };
     ChooseFolder m_chooseFolder;
     QLineEdit *m_start = nullptr;
+    QWidget *m_furtherArea = nullptr;
+    QListWidget *m_further = nullptr;
+    QPushButton *m_takeAway = nullptr;
+    QLabel *m_notTaken = nullptr;
     QLineEdit *m_base = nullptr;
     QCheckBox *m_recurse = nullptr;
     QCheckBox *m_verify = nullptr;

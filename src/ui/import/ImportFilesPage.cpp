@@ -2,6 +2,7 @@
 
 #include "app/messages/Messages.h"
 #include "base/Files.h"
+#include "base/NoLog.h"
 #include "base/Trap.h"
 #include "platform/qt/QtText.h"
 #include "ui/import/FoundFilesModel.h"
@@ -13,22 +14,56 @@
 #include <QBoxLayout>
 #include <QHeaderView>
 #include <QProgressBar>
-#include <QTableView>
+#include <QTreeView>
+
+#include <array>
+#include <set>
 
 namespace nv {
 
 namespace {
 
+QString shownPath(const std::filesystem::path &path) {
+    return toQt(displayText(textOf(path)));
+}
+
+/// Whoever names a place expects something of it. Of many the first ones.
+QStringList placesOfNothing(const ScanResult &result) {
+    constexpr qsizetype kTold = 3;
+    QStringList told;
+    qsizetype more = 0;
+    for (const ScannedPlace &place : result.places) {
+        const bool isLookedAt = place.isFile || !place.isWithinAnother;
+        if (!isLookedAt || place.artefacts + place.unreadable > 0 || result.cancelled)
+            continue;
+        if (told.size() == kTold)
+            ++more;
+        else if (place.isFile)
+            told +=
+                ImportFilesPage::tr("Not taken, since its name, place and first bytes are those "
+                                    "of no known file: %1")
+                    .arg(shownPath(place.path));
+        else
+            told +=
+                ImportFilesPage::tr("Nothing known was found in: %1").arg(shownPath(place.path));
+    }
+    if (more > 0)
+        told += ImportFilesPage::tr("And nothing in %L1 more of what was chosen").arg(more);
+    return told;
+}
+
 /// What the scan could not look at, a line each; empty when there is nothing of the kind.
 QString gapsText(const ScanResult &result) {
     QStringList gaps;
+    if (result.places.size() > 1)
+        gaps += placesOfNothing(result);
     if (result.cancelled)
         gaps += ImportFilesPage::tr("The scan was cancelled: the list ends where it stopped.");
     if (!result.gaps.unreadable.empty())
         gaps +=
             ImportFilesPage::tr("Folders or files that could not be read: %L1, the first one %2")
                 .arg(result.gaps.unreadable.size())
-                .arg(toQt(displayText(textOf(result.gaps.unreadable.front().path))));
+                .arg(shownPath(result.gaps.unreadable.front().path));
     if (result.gaps.linksNotFollowed > 0)
         gaps += ImportFilesPage::tr("Links that were not followed: %L1")
                     .arg(result.gaps.linksNotFollowed);
@@ -39,27 +74,22 @@ QString gapsText(const ScanResult &result) {
     return gaps.join(u'\n');
 }
 
-QTableView *newFilesGrid(FoundFilesModel &model) {
-    auto *grid = new QTableView;
-    grid->setTextElideMode(Qt::ElideMiddle); // paths differ at their ends
-    grid->setObjectName(QStringLiteral("ImportGrid"));
-    grid->setAccessibleName(ImportFilesPage::tr("Files found"));
-    grid->setModel(&model);
-    grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-    grid->setAlternatingRowColors(true);
-    grid->setShowGrid(false);
-    grid->setWordWrap(false);
-    grid->setTabKeyNavigation(false);
-    grid->verticalHeader()->hide();
-    grid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    grid->verticalHeader()->setDefaultSectionSize(grid->fontMetrics().height() + 8);
-    constexpr int kWidths[] = {54, 170, 100, 170, 300, 90}; // pixels
-    for (int column = 0; column < FoundFilesModel::kColumns; ++column)
-        grid->setColumnWidth(column, kWidths[column]);
-    grid->horizontalHeader()->setSectionResizeMode(FoundFilesModel::Path, QHeaderView::Stretch);
-    grid->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    letCopy(*grid);
-    return grid;
+QTreeView *newFoundTree(FoundFilesModel &model) {
+    auto *tree = new QTreeView;
+    tree->setTextElideMode(Qt::ElideMiddle); // paths differ at their ends
+    tree->setObjectName(QStringLiteral("ImportGrid"));
+    tree->setAccessibleName(ImportFilesPage::tr("What was found"));
+    tree->setModel(&model);
+    tree->setUniformRowHeights(true); // there may be a hundred thousand lines
+    tree->setAlternatingRowColors(true);
+    tree->setTabKeyNavigation(false);
+    tree->setAllColumnsShowFocus(true);
+    constexpr std::array kWidths = {330, 70, 110, 120}; // pixels
+    for (std::size_t column = 0; column < kWidths.size(); ++column)
+        tree->setColumnWidth(static_cast<int>(column), kWidths.at(column));
+    tree->header()->setStretchLastSection(true);
+    letCopy(*tree);
+    return tree;
 }
 
 QProgressBar *newScanBar() {
@@ -74,16 +104,21 @@ QProgressBar *newScanBar() {
 } // namespace
 
 ImportFilesPage::ImportFilesPage(Program &program)
-    : m_program(program), m_files(new FoundFilesModel(this)), m_step(newWizardLabel("labScanStep")),
-      m_folder(newWizardLabel("labScanFolder")), m_gaps(newWizardLabel("labScanGaps")),
+    : m_program(program), m_files(new FoundFilesModel(this)), m_tree(newFoundTree(*m_files)),
+      m_step(newWizardLabel("labScanStep")), m_folder(newWizardLabel("labScanFolder")),
+      m_gaps(newWizardLabel("labScanGaps")), m_total(newWizardLabel("labFoundTotal")),
       m_bar(newScanBar()), m_zone(new ImportZone(program)) {
-    connect(m_files, &FoundFilesModel::ticksChanged, this, &ImportFilesPage::changed);
+    connect(m_files, &FoundFilesModel::ticksChanged, this, [this] {
+        m_total->setText(m_files->found() > 0 ? chosenText() : QString());
+        emit changed();
+    });
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(m_step);
     column->addWidget(m_folder);
     column->addWidget(m_bar);
-    column->addWidget(newFilesGrid(*m_files), 1);
+    column->addWidget(m_tree, 1);
+    column->addWidget(m_total);
     column->addWidget(m_gaps);
     column->addWidget(m_zone);
 }
@@ -94,27 +129,42 @@ void ImportFilesPage::cancelScan() {
 }
 
 std::size_t ImportFilesPage::found() const {
-    return static_cast<std::size_t>(m_files->rowCount());
+    return m_files->found();
 }
 
-bool ImportFilesPage::hasChosen() const {
-    return m_files->validCount() > 0;
+std::size_t ImportFilesPage::chosen() const {
+    return m_files->chosen().files;
 }
 
-void ImportFilesPage::leaveOutUnchosen() {
-    m_files->prune(m_program.import.historyFiles);
+QString ImportFilesPage::chosenText() const {
+    const FoundFilesModel::Total chosen = m_files->chosen();
+    QString text = tr("To be imported: %L1 of %L2 files, %L3 bytes")
+                       .arg(chosen.files)
+                       .arg(m_files->found())
+                       .arg(chosen.bytes);
+    if (const std::size_t unread = m_files->notRead(); unread > 0)
+        text += tr("; not read yet, and only named in the summary: %L1").arg(unread);
+    return text;
 }
 
-ScanResult ImportFilesPage::scanEvidence() {
+void ImportFilesPage::handOver() {
+    ImportSettings &job = m_program.import;
+    job.historyFiles = m_scanned.historyFiles;
+    job.gaps = m_scanned.gaps;
+    m_files->prune(job.historyFiles);
+}
+
+ScanResult ImportFilesPage::scanEvidence(const std::vector<std::filesystem::path> &places) {
     m_program.import.historyFiles.clear();
-    m_files->setFiles(m_program.import.historyFiles);
+    m_found = {};
+    m_files->setFiles(m_program.import.historyFiles, m_found);
     m_gaps->clear();
-    ScanResult result = runScan();
+    ScanResult result = runScan(places);
     show(result);
     return result;
 }
 
-ScanResult ImportFilesPage::runScan() {
+void ImportFilesPage::run(const std::function<void(WizardTask &)> &work) {
     WizardTask task;
     connect(&task, &WizardTask::stepped, this, [this](const QString &what, const QString &where) {
         m_step->setText(what);
@@ -125,28 +175,72 @@ ScanResult ImportFilesPage::runScan() {
     m_task = &task;
     m_bar->setVisible(true);
     emit changed();
-    ScanResult result;
-    const auto failure = failureOf(m_program.log, "ImportForm.NextBtn_Click()",
-                                   [&] { result = scan(m_program.import, task, m_program.log); });
+    const auto failure =
+        failureOf(m_program.log, "ImportForm.NextBtn_Click()", [&] { work(task); });
     m_task = nullptr;
     m_bar->setVisible(false);
     if (failure)
         m_program.around.examiner.tell(messages::importFailed(*failure));
+}
+
+ScanResult ImportFilesPage::runScan(const std::vector<std::filesystem::path> &places) {
+    ScanResult result;
+    run([&](WizardTask &task) {
+        result = scanPlaces(m_program.import, places, task, m_program.log);
+    });
+    group(result);
     return result;
+}
+
+/// Also what a cancelled scan found so far, so it has a cancel of its own.
+void ImportFilesPage::group(ScanResult &result) {
+    Walk walk = Walk::Cancelled;
+    run([&](WizardTask &task) {
+        m_step->setText(tr("Asking whose they are"));
+        NoLog unheard; // the import asks again and tells what can't be read
+        walk = groupFound(result.historyFiles, result.places, task, unheard, m_found);
+    });
+    if (walk == Walk::Finished)
+        return;
+    result.historyFiles.clear();
+    result.cancelled = true;
 }
 
 void ImportFilesPage::show(const ScanResult &result) {
     ImportSettings &job = m_program.import;
+    m_scanned = result;
     job.historyFiles = result.historyFiles;
     job.gaps = result.gaps;
-    m_files->setFiles(job.historyFiles);
-    m_zone->suggest();
+    m_files->setFiles(job.historyFiles, m_found);
+    openPlaces();
+    std::set<std::filesystem::path> folders;
+    for (const ScannedPlace &place : result.places)
+        folders.insert(place.isFile ? place.path.parent_path() : place.path);
+    m_zone->suggest({folders.begin(), folders.end()});
     m_folder->clear();
-    m_step->setText(tr("Files found: %L1").arg(m_files->rowCount()));
+    m_step->setText(tr("Files found: %L1").arg(m_files->found()));
     const QString gaps = gapsText(result);
     m_gaps->setText(gaps);
     m_gaps->setVisible(!gaps.isEmpty());
     emit changed();
+}
+
+/// Down to the kinds, below which there may be thousands of files.
+void ImportFilesPage::openPlaces() {
+    std::vector<QModelIndex> waiting{QModelIndex()};
+    while (!waiting.empty()) {
+        const QModelIndex place = waiting.back();
+        waiting.pop_back();
+        for (int row = 0; row < m_files->rowCount(place); ++row) {
+            const QModelIndex child = m_files->index(row, 0, place);
+            if (m_files->isFile(child) || m_files->isFile(m_files->index(0, 0, child)))
+                continue;
+            m_tree->expand(child);
+            waiting.push_back(child);
+        }
+    }
+    m_tree->setCurrentIndex(m_files->index(0, 0));
+    m_tree->setFocus();
 }
 
 } // namespace nv

@@ -3,35 +3,45 @@
 #include "app/program/Program.h"
 #include "import/Scan.h"
 #include "ui/import/WizardTask.h"
+#include "views/FoundTree.h"
 
 #include <QWidget>
 
+#include <filesystem>
+#include <functional>
+#include <vector>
+
 class QLabel;
 class QProgressBar;
+class QTreeView;
 
 namespace nv {
 
 class FoundFilesModel;
 class ImportZone;
 
-/// The wizard's page of what the scan found: one line a file, of which the examiner takes those to
-/// be imported, what could not be looked at, and the time zone.
+/// The wizard's page of what the scan found: a tree of its places, of which the examiner takes what
+/// is to be imported, what could not be looked at, and the time zone.
 class ImportFilesPage final : public QWidget {
     Q_OBJECT
 
   public:
     explicit ImportFilesPage(Program &program);
 
-    /// Looks through the starting directory, by the choice of the page before, and shows what it
-    /// found. The window stays live: cancelScan() ends it. Failures are told.
-    ScanResult scanEvidence();
+    /// Looks through the places, by the choice of the page before, and shows what it found. The
+    /// window stays live: cancelScan() ends it. Failures are told.
+    ScanResult scanEvidence(const std::vector<std::filesystem::path> &places);
     bool isScanning() const { return m_task != nullptr; }
     void cancelScan();
 
     std::size_t found() const;
-    bool hasChosen() const;
-    /// What isn't chosen is not imported.
-    void leaveOutUnchosen();
+    /// Of the files that are read.
+    std::size_t chosen() const;
+    /// "To be imported: 3 of 4 files, 12,345 bytes".
+    QString chosenText() const;
+    /// Gives the import's job what is chosen. Another project may have come since the scan, and
+    /// with it another job.
+    void handOver();
     ImportZone &zone() { return *m_zone; }
 
   signals:
@@ -39,16 +49,23 @@ class ImportFilesPage final : public QWidget {
     void changed();
 
   private:
-    ScanResult runScan();
+    ScanResult runScan(const std::vector<std::filesystem::path> &places);
+    void run(const std::function<void(WizardTask &)> &work);
+    void group(ScanResult &result);
     void show(const ScanResult &result);
+    void openPlaces();
 
     Program &m_program;
     FoundFilesModel *m_files;
+    QTreeView *m_tree;
     QLabel *m_step;
     QLabel *m_folder;
     QLabel *m_gaps;
+    QLabel *m_total;
     QProgressBar *m_bar;
     ImportZone *m_zone;
+    ScanResult m_scanned;
+    FoundTree m_found;
     WizardTask *m_task = nullptr; ///< while the scan runs
 };
 

@@ -3,6 +3,7 @@
 #include "app/jobs/ImportClaim.h"
 #include "app/jobs/ImportJob.h"
 #include "app/jobs/ImportText.h"
+#include "app/messages/DropMessages.h"
 #include "app/messages/Messages.h"
 #include "app/messages/NetworkMessages.h"
 #include "app/options/SettingsInForce.h"
@@ -16,9 +17,13 @@
 #include "ui/import/ImportFilesPage.h"
 #include "ui/import/ImportZone.h"
 #include "ui/import/WizardParts.h"
+#include "ui/views/DroppedUrls.h"
 
 #include <QBoxLayout>
+#include <QDragEnterEvent>
+#include <QMimeData>
 #include <QStackedWidget>
+#include <QTimer>
 
 namespace nv {
 
@@ -37,19 +42,20 @@ QLabel *newHeading() {
 
 } // namespace
 
-ImportForm::ImportForm(Program &program, const fs::path &start, ChooseFolder chooseFolder,
-                       QWidget *parent, ChoosePage choosePage)
-    : QDialog(parent), m_program(program),
-      m_choice(new ImportChoicePage(program.import, start, program.state.rootPath,
-                                    std::move(chooseFolder))),
+ImportForm::ImportForm(Program &program, const std::vector<fs::path> &places, ImportNeeds needs,
+                       QWidget *parent)
+    : QDialog(parent), m_program(program), m_needs(std::move(needs)),
+      m_firstBase(program.state.rootPath),
+      m_choice(new ImportChoicePage(program.import, places, m_firstBase, m_needs.chooseFolder)),
       m_files(new ImportFilesPage(program)),
-      m_summary(new ImportSummaryPane(program, std::move(choosePage))), m_pages(new QStackedWidget),
+      m_summary(new ImportSummaryPane(program, m_needs.choosePage)), m_pages(new QStackedWidget),
       m_heading(newHeading()) {
     setObjectName(QStringLiteral("ImportForm"));
     setWindowTitle(tr("Import"));
     // Blocks the main window only: the status window's Cancel button has to stay live.
     setWindowModality(Qt::WindowModal);
-    resizeWithinScreen(*this, {860, 560});
+    setAcceptDrops(true);
+    resizeWithinScreen(*this, {860, 600});
     connect(m_files, &ImportFilesPage::changed, this, &ImportForm::showButtons);
     connect(m_summary, &ImportSummaryPane::wanted, this, [this](AfterSummary what) {
         m_afterwards = what;
@@ -85,6 +91,49 @@ QWidget *ImportForm::newButtons() {
     return buttons;
 }
 
+void ImportForm::check() {
+    m_isKept = true;
+    showAndGoOn(m_pages->currentIndex() == Choose);
+}
+
+void ImportForm::importChecked() {
+    showAndGoOn(isReady());
+}
+
+void ImportForm::showAndGoOn(bool goesOn) {
+    showButtons();
+    if (goesOn)
+        QTimer::singleShot(0, this, &ImportForm::nextBtnClick);
+    exec();
+}
+
+bool ImportForm::isReady() const {
+    return m_pages->currentIndex() == Files && !m_files->isScanning() && m_files->chosen() > 0;
+}
+
+QString ImportForm::checkedText() const {
+    return m_pages->currentIndex() == Files && m_files->found() > 0
+               ? tr("%1. Time zone: %2").arg(m_files->chosenText(), m_files->zone().name())
+               : QString();
+}
+
+void ImportForm::dragEnterEvent(QDragEnterEvent *event) {
+    if (m_pages->currentIndex() == Choose && holdsUrls(*event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void ImportForm::dropEvent(QDropEvent *event) {
+    DroppedPaths dropped = droppedIn(*event->mimeData());
+    event->acceptProposedAction();
+    if (dropped.project)
+        dropped.notTaken.push_back(
+            {textOf(*dropped.project), "is a project and no evidence; the main window opens it"});
+    m_choice->addPlaces(dropped.evidence);
+    m_choice->tellNotTaken(dropped.notTaken.empty()
+                               ? QString()
+                               : tr("Not taken:\n%1").arg(toQt(notTakenText(dropped.notTaken))));
+}
+
 void ImportForm::reject() {
     if (m_files->isScanning())
         m_files->cancelScan();
@@ -104,8 +153,12 @@ void ImportForm::showStep(Step step) {
 void ImportForm::showButtons() {
     const int step = m_pages->currentIndex();
     m_back->setEnabled(step == Files && !m_files->isScanning());
-    m_next->setText(step == Finish ? tr("Finished") : tr("Next >>"));
-    m_next->setEnabled(!m_files->isScanning() && (step != Files || m_files->hasChosen()));
+    m_next->setText(step == Finish  ? tr("Finished")
+                    : step == Files ? tr("&Import >>")
+                                    : tr("Next >>"));
+    m_next->setEnabled(!m_files->isScanning() && (step != Files || m_files->chosen() > 0));
+    m_cancel->setText(m_isKept && step == Files && !m_files->isScanning() ? tr("Close")
+                                                                          : tr("Cancel"));
     m_cancel->setEnabled(step != Finish);
 }
 
@@ -124,18 +177,23 @@ void ImportForm::nextBtnClick() {
 }
 
 /// A project among the evidence would change what other tools see of it.
-bool ImportForm::startingDirectoryIsUsable() {
-    const std::string &start = m_program.import.startingDirectory;
-    if (start.empty())
-        m_program.around.examiner.tell(messages::startingDirectoryMissing());
-    else if (!fs::exists(start))
-        m_program.around.examiner.tell(messages::startingDirectoryGone());
-    else if (liesInEvidence(m_program.state.projectDBPath, start))
-        m_program.around.examiner.tell(
-            messages::liesInEvidence(m_program.state.projectDBPath, start));
-    else
-        return true;
-    return false;
+bool ImportForm::placesAreUsable() {
+    Examiner &examiner = m_program.around.examiner;
+    const std::vector<fs::path> places = m_choice->places();
+    if (places.empty())
+        examiner.tell(messages::startingDirectoryMissing());
+    for (const fs::path &place : places) {
+        if (!fs::exists(place))
+            examiner.tell(places.size() > 1 ? messages::evidenceGone(place)
+                                            : messages::startingDirectoryGone());
+        else if (m_program.state.projectDB.isOpen() &&
+                 liesInEvidence(m_program.state.projectDBPath, place))
+            examiner.tell(messages::liesInEvidence(m_program.state.projectDBPath, place));
+        else
+            continue;
+        return false;
+    }
+    return !places.empty();
 }
 
 void ImportForm::startScan() {
@@ -144,12 +202,14 @@ void ImportForm::startScan() {
     keepFlag(m_program, "ParseAdvancedMetaData", job.parseAdvancedMetadata);
     keepFlag(m_program, "ThumbnailsWhileImporting", job.makeThumbnails);
     keepFlag(m_program, "ClassicOnly", job.classicOnly);
-    if (!startingDirectoryIsUsable())
+    m_choice->tellNotTaken({});
+    if (!placesAreUsable())
         return;
     requireZones(m_program);
-    requireSchema(m_program);
+    if (m_program.state.projectDB.isOpen())
+        requireSchema(m_program);
     showStep(Files);
-    const ScanResult result = m_files->scanEvidence();
+    const ScanResult result = m_files->scanEvidence(m_choice->places());
     if (m_files->found() > 0 || result.cancelled)
         return;
     m_program.around.examiner.tell(messages::nothingToImport());
@@ -175,19 +235,33 @@ bool ImportForm::goesOnDespiteNetwork() {
 /// another one is named.
 void ImportForm::chooseBase() {
     const fs::path named = m_choice->baseFolder();
-    const fs::path start = fs::canonical(m_program.import.startingDirectory);
-    const fs::path base = !named.empty()            ? fs::canonical(named)
-                          : fs::is_directory(start) ? start
-                                                    : start.parent_path();
+    const fs::path base = named.empty() ? offeredBase() : fs::canonical(named);
     if (base != m_program.state.rootPath)
         setRootPath(m_program, base);
-    keepEvidenceFolder(m_program, start);
+    for (const fs::path &place : m_choice->places())
+        keepEvidenceFolder(m_program, fs::canonical(place));
+}
+
+/// The project may lie beside several folders of evidence; then the first one has to do: the others
+/// are found by their whole paths.
+fs::path ImportForm::offeredBase() const {
+    const ProgramState &state = m_program.state;
+    if (!state.rootPath.empty() && state.rootPath != m_firstBase)
+        return state.rootPath; // that of a project which wasn't open as the page was filled
+    const std::vector<fs::path> places = m_choice->places();
+    const fs::path common = commonFolder(places);
+    return liesInEvidence(state.projectDBPath, common) ? commonFolder({places.front()}) : common;
 }
 
 void ImportForm::importFiles() {
+    if (!m_needs.project(m_choice->places()) || !placesAreUsable())
+        return;
+    requireZones(m_program); // now that of the project
+    requireSchema(m_program);
     if (!goesOnDespiteNetwork() || !m_files->zone().take())
         return;
-    m_files->leaveOutUnchosen();
+    m_choice->applyTo(m_program.import);
+    m_files->handOver();
     m_program.import.cancelImport = false;
     runImport();
 }

@@ -2,6 +2,7 @@
 
 #include "app/jobs/ThumbnailJob.h"
 #include "app/jobs/ZoneJob.h"
+#include "app/program/ZoneMeaning.h"
 #include "app/program/Zones.h"
 #include "app/project/Project.h"
 #include "base/Files.h"
@@ -11,44 +12,83 @@
 #include "views/CellText.h"
 
 #include <QBoxLayout>
+#include <QComboBox>
+
+#include <algorithm>
 
 namespace nv {
 
 ImportZone::ImportZone(Program &program)
-    : m_program(program), m_zone(newWizardLabel("labImportZone")),
+    : m_program(program), m_question(newWizardLabel("labZoneQuestion")), m_offered(new QComboBox),
+      m_zone(newWizardLabel("labImportZone")), m_meaning(newWizardLabel("labZoneMeaning")),
       m_hint(newWizardLabel("labZoneHint")) {
     m_hint->hide();
+    m_question->setText(tr("Time zone of the examined machine (local dates are stored by it):"));
+    m_question->setBuddy(m_offered);
+    m_offered->setObjectName(QStringLiteral("cbImportZone"));
+    m_offered->setAccessibleName(tr("Time zone of the examined machine"));
+    m_offered->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_offered->setMinimumContentsLength(24);
+    connect(m_offered, &QComboBox::activated, this, &ImportZone::chooseOffered);
     auto *choose = newWizardButton("btnChooseZone", tr("Time &Zone..."));
     choose->setToolTip(tr("Mostly that of the examined machine: local dates are stored in it"));
     choose->setAutoDefault(false);
     connect(choose, &QPushButton::clicked, this, &ImportZone::choose);
-    auto *grid = new QGridLayout(this);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->addWidget(choose, 0, 0);
-    grid->addWidget(m_zone, 0, 1);
-    grid->addWidget(m_hint, 1, 0, 1, 2);
-    grid->setColumnStretch(1, 1);
+    auto *asked = new QHBoxLayout;
+    asked->addWidget(m_question);
+    asked->addWidget(m_offered, 2);
+    asked->addWidget(choose);
+    asked->addStretch(1);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(2);
+    column->addLayout(asked);
+    column->addWidget(m_zone);
+    column->addWidget(m_meaning);
+    column->addWidget(m_hint);
+}
+
+bool ImportZone::isNew() const {
+    return !m_program.state.projectDB.isOpen() || lastRow(m_program) == 0;
 }
 
 /// What the evidence says is taken before the first import; later the project has its zone, and is
 /// only told.
-void ImportZone::suggest() {
-    if (m_key.empty())
-        m_key = keyInList(m_program);
+void ImportZone::suggest(const std::vector<std::filesystem::path> &folders) {
+    std::vector<ZoneHint> hints;
+    for (const std::filesystem::path &folder : folders)
+        for (ZoneHint &hint : knownZoneHints(m_program, folder, m_program.import.historyFiles))
+            if (std::ranges::find(hints, hint.zone, &ZoneHint::zone) == hints.end())
+                hints.push_back(std::move(hint));
+    m_isNamed = isNew() && !hints.empty();
+    if (!m_isChosen)
+        m_key = m_isNamed ? hints.front().zone : keyInList(m_program);
+    m_offered->clear();
+    if (isNew()) {
+        for (const ZoneHint &hint : hints)
+            offer(tr("%1 (named by the evidence)").arg(toQt(hint.zone)), hint.zone);
+        offer(tr("%1 (of this program)").arg(zoneName(m_program, keyInList(m_program))),
+              keyInList(m_program));
+        offer(QStringLiteral("UTC"), "UTC");
+    }
+    m_question->setVisible(isNew());
+    m_offered->setVisible(isNew());
+    tellHints(hints);
+    showZone();
+}
+
+void ImportZone::tellHints(const std::vector<ZoneHint> &hints) {
     QStringList told;
-    bool isTaken = lastRow(m_program) > 0;
-    const ImportSettings &job = m_program.import;
-    for (const ZoneHint &hint :
-         knownZoneHints(m_program, job.startingDirectory, job.historyFiles)) {
+    for (const ZoneHint &hint : hints)
         told += tr("The evidence names the zone %1 (%2).")
                     .arg(toQt(hint.zone), toQt(displayText(textOf(hint.file))));
-        if (!isTaken)
-            m_key = hint.zone;
-        isTaken = true;
-    }
     m_hint->setText(told.join(u'\n'));
     m_hint->setVisible(!told.isEmpty());
-    showZone();
+}
+
+void ImportZone::offer(const QString &text, const std::string &key) {
+    if (m_offered->findData(toQt(key)) < 0)
+        m_offered->addItem(text, toQt(key));
 }
 
 void ImportZone::choose() {
@@ -56,15 +96,30 @@ void ImportZone::choose() {
     if (dialog.exec() != QDialog::Accepted)
         return;
     m_key = dialog.key();
+    m_isChosen = true;
+    showZone();
+}
+
+void ImportZone::chooseOffered() {
+    m_key = fromQt(m_offered->currentData().toString());
+    m_isChosen = true;
     showZone();
 }
 
 void ImportZone::showZone() {
-    m_zone->setText(tr("Times are shown in: %1").arg(zoneName(m_program, m_key)));
+    offer(name(), m_key);
+    m_offered->setCurrentIndex(m_offered->findData(toQt(m_key)));
+    m_zone->setText(tr("Times are shown in: %1").arg(name()));
+    m_meaning->setText(toQt(zoneMeaning(m_program, m_key)));
+}
+
+QString ImportZone::name() const {
+    return zoneName(m_program, m_key);
 }
 
 bool ImportZone::take() {
-    return m_key == keyInList(m_program) || changeZone(m_program, m_key, m_program.task);
+    const bool isKept = !m_isChosen && !m_isNamed;
+    return isKept || m_key == keyInList(m_program) || changeZone(m_program, m_key, m_program.task);
 }
 
 } // namespace nv

@@ -1,10 +1,12 @@
 #include "ui/views/EmptyPage.h"
 
 #include "platform/qt/Icons.h"
+#include "ui/views/StepsPane.h"
 
 #include <QBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 
 namespace nv {
 
@@ -13,7 +15,7 @@ namespace {
 QString textOf(EmptyState state, std::size_t hidden) {
     switch (state) {
     case EmptyState::NoRecords:
-        return EmptyPage::tr("This project holds no records yet.\nImport evidence to fill it.");
+        return EmptyPage::tr("This project holds no records yet.");
     case EmptyState::NoMatches:
         return EmptyPage::tr("No record matches the query and the host.");
     case EmptyState::NoTerms:
@@ -48,8 +50,6 @@ EmptyPage::EmptyPage(QWidget *parent) : QWidget(parent) {
     m_text->setObjectName(QStringLiteral("labEmpty"));
     m_text->setTextFormat(Qt::PlainText);
     m_text->setAlignment(Qt::AlignCenter);
-    m_import = newButton("btnEmptyImport", tr("&Import Evidence..."));
-    m_import->setIcon(icon("import"));
     m_showAll = newButton("btnEmptyShowAll", tr("Show &All Records"));
 
     m_filters = newButton("btnEmptyFilters", tr("&Filters..."));
@@ -57,7 +57,6 @@ EmptyPage::EmptyPage(QWidget *parent) : QWidget(parent) {
 
     auto *buttons = new QHBoxLayout;
     buttons->addStretch();
-    buttons->addWidget(m_import);
     buttons->addWidget(m_showAll);
     buttons->addWidget(m_filters);
     buttons->addStretch();
@@ -67,19 +66,33 @@ EmptyPage::EmptyPage(QWidget *parent) : QWidget(parent) {
     column->addSpacing(12);
     column->addLayout(buttons);
     column->addStretch();
-    connect(m_import, &QPushButton::clicked, this, &EmptyPage::importRequested);
     connect(m_showAll, &QPushButton::clicked, this, &EmptyPage::showAllRequested);
     connect(m_filters, &QPushButton::clicked, this, &EmptyPage::filtersRequested);
 }
 
+void EmptyPage::offerSteps(ImportSteps &steps) {
+    auto *pane = new StepsPane(steps, Qt::Horizontal);
+    pane->setContentsMargins(12, 4, 12, 4);
+    m_steps = new QScrollArea;
+    m_steps->setWidgetResizable(true);
+    m_steps->setFrameShape(QFrame::NoFrame);
+    m_steps->setFocusPolicy(Qt::NoFocus);
+    m_steps->setWidget(pane);
+    auto *column = static_cast<QBoxLayout *>(layout());
+    column->insertWidget(column->count() - 1, m_steps, 4);
+    m_steps->setVisible(m_state == EmptyState::NoRecords);
+}
+
 void EmptyPage::showState(EmptyState state, std::size_t hidden, HiddenBy by) {
+    m_state = state;
     const bool byFilters = state == EmptyState::AllHidden && by == HiddenBy::filters;
     m_text->setText(state == EmptyState::AllHidden && !byFilters
                         ? tr("The limits above hide all %L1 records that the query and the host "
                              "give.\nThe cross of a limit takes it away.")
                               .arg(hidden)
                         : textOf(state, hidden));
-    m_import->setVisible(state == EmptyState::NoRecords);
+    if (m_steps)
+        m_steps->setVisible(state == EmptyState::NoRecords);
     m_showAll->setVisible(state != EmptyState::NoRecords && state != EmptyState::NotLoaded &&
                           !byFilters);
     m_filters->setVisible(byFilters);

@@ -98,7 +98,6 @@ void TableTab::connectParts() {
     connect(m_grid, &UrlGrid::tagFlipRequested, this, &TableTab::flipTags);
     connect(m_grid, &UrlGrid::headerMenuRequested, this, &TableTab::showHeaderMenu);
     connect(m_grid, &UrlGrid::currentUrlChanged, this, &TableTab::currentUrlChanged);
-    connect(m_empty, &EmptyPage::importRequested, this, &TableTab::importRequested);
     connect(m_empty, &EmptyPage::showAllRequested, this, &TableTab::showAllRequested);
     connect(m_empty, &EmptyPage::filtersRequested, this, &TableTab::filtersRequested);
     connect(m_find, &FindBar::nextRequested, this, &TableTab::findNext);

@@ -45,6 +45,7 @@ class TableTab final : public QWidget {
     void closeProject();
     UrlTable *table() { return m_table.get(); }
     UrlGrid &grid() { return *m_grid; }
+    EmptyPage &emptyPage() { return *m_empty; }
 
     /// How the project's rows are shown: column layouts and the examiner's order. Restored before
     /// openProject(), and kept beyond closeProject().
@@ -107,7 +108,6 @@ class TableTab final : public QWidget {
     void ticked(qint64 urlID, qint64 rows, bool on);
     /// A tick was to be set in a project that is open for reading only.
     void tickingRefused();
-    void importRequested();
     void filtersRequested();
     /// The menu of a heading is about to be shown: others may add to it.
     void headerMenuComesUp(QMenu &menu, nv::UrlColumn column);

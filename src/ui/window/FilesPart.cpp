@@ -5,7 +5,7 @@
 #include "app/program/Zones.h"
 #include "app/project/Project.h"
 #include "platform/qt/QtText.h"
-#include "ui/import/ImportForm.h"
+#include "readers/Evidence.h"
 #include "ui/views/ZoneForm.h"
 #include "ui/window/OptionsPart.h"
 #include "ui/window/RebuildPart.h"
@@ -18,19 +18,24 @@ namespace nv {
 namespace fs = std::filesystem;
 
 FilesPart::FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &view,
-                     OptionsPart &options, RebuildPart &rebuild)
-    : m_bench(bench), m_commands(commands), m_view(view), m_options(options), m_rebuild(rebuild) {
+                     OptionsPart &options, RebuildPart &rebuild, ImportSteps &steps)
+    : m_bench(bench), m_commands(commands), m_view(view), m_options(options), m_rebuild(rebuild),
+      m_import(std::make_unique<ImportPart>(
+          bench, steps, [this](const auto &evidence) { return newProject(evidence); },
+          [this] {
+              m_bench.reload();
+              m_rebuild.tellOfWideIds();
+          })) {
     const MainActions &actions = bench.actions;
     const auto on = [this](QAction *action, const char *procedure, auto command) {
         connect(action, &QAction::triggered, this,
                 [=, this] { m_bench.run(procedure, [=, this] { command(*this); }); });
     };
-    on(actions.newProject, "MainForm.OpenFile()", [](FilesPart &part) { part.newProject(); });
+    on(actions.newProject, "MainForm.OpenFile()", [](FilesPart &part) { part.newProject({}); });
     on(actions.openProject, "MainForm.OpenFile()", [](FilesPart &part) { part.openProject({}); });
     on(actions.saveAs, "MainForm.SaveAs()", [](FilesPart &part) { part.saveAs(); });
     on(actions.closeProject, "MainForm.CloseFile()",
        [](FilesPart &part) { part.m_commands.closeFile(); });
-    on(actions.import, "MainForm.import()", [](FilesPart &part) { part.import({}); });
     on(actions.upgradeWizard, "MainForm.upgradeWizard()",
        [](FilesPart &part) { part.m_commands.upgradeWizard(); });
     on(actions.baseFolder, "MainForm.chooseBaseFolder()",
@@ -39,12 +44,20 @@ FilesPart::FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &v
        [](FilesPart &part) { part.chooseTimeZone(); });
 }
 
-void FilesPart::newProject() {
+bool FilesPart::newProject(const ImportPart::Places &evidence) {
     const auto made = m_options.askNewProject([this] { m_commands.closeFile(); });
-    if (!made || !m_commands.openFile(made->path, OpenMode::newAtPath))
-        return;
+    if (!made)
+        return false;
+    for (const fs::path &place : evidence)
+        if (fs::is_directory(place) && liesInEvidence(made->path, place)) {
+            m_bench.examiner().tell(messages::liesInEvidence(made->path, place));
+            return false;
+        }
+    if (!m_commands.openFile(made->path, OpenMode::newAtPath))
+        return false;
     m_options.storeNewProject(*made);
     m_bench.reload();
+    return true;
 }
 
 void FilesPart::openProject(const fs::path &path) {
@@ -73,33 +86,17 @@ void FilesPart::saveAs() {
     m_bench.reload();
 }
 
-void FilesPart::import(const fs::path &start) {
-    if (!m_bench.mayWrite())
-        return;
-    if (!m_bench.isProjectOpen())
-        newProject();
-    if (!m_bench.isProjectOpen())
-        return;
-    const auto chooseFolder = [this](const std::string &title, const fs::path &from) {
-        return m_bench.dialogs.chooseFolder(title, from);
-    };
-    const auto choosePage = [this](const fs::path &offered) {
-        return m_bench.dialogs.choosePage(offered);
-    };
-    ImportForm form(m_bench.program, start, chooseFolder, &m_bench.window, choosePage);
-    form.exec();
-    if (form.imported()) {
-        m_bench.reload();
-        m_rebuild.tellOfWideIds();
-        m_bench.goOn(form.next());
-    }
-}
-
 void FilesPart::takePath(const fs::path &path) {
     if (isProjectName(path))
         m_bench.run("MainForm.OpenFile()", [this, path] { openProject(path); });
     else
-        m_bench.run("MainForm.import()", [this, path] { import(path); });
+        m_bench.run("MainForm.import()", [this, path] { m_import->import({path}); });
+}
+
+void FilesPart::takeDropped(const DroppedPaths &dropped) {
+    if (dropped.project)
+        takePath(*dropped.project);
+    m_bench.run("MainForm.import()", [this, dropped] { m_import->take(dropped); });
 }
 
 void FilesPart::chooseBaseFolder() {

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "app/ProjectCommands.h"
+#include "app/project/DroppedPaths.h"
+#include "ui/window/ImportPart.h"
 
 #include <QObject>
 
 #include <filesystem>
+#include <memory>
 
 namespace nv {
 
@@ -19,16 +22,18 @@ class FilesPart final : public QObject {
   public:
     /// All must outlive it.
     FilesPart(Workbench &bench, ProjectCommands &commands, ProjectView &view, OptionsPart &options,
-              RebuildPart &rebuild);
+              RebuildPart &rebuild, ImportSteps &steps);
 
     /// Opens a project, or offers to import any other file or folder.
     void takePath(const std::filesystem::path &path);
+    /// Opens the project that was dropped, and offers to import what else was.
+    void takeDropped(const DroppedPaths &dropped);
 
   private:
-    void newProject();
+    /// Outside of these places. False when it wasn't made.
+    bool newProject(const ImportPart::Places &evidence);
     void openProject(const std::filesystem::path &path);
     void saveAs();
-    void import(const std::filesystem::path &start);
     void offerWebpages();
     void chooseBaseFolder();
     void chooseTimeZone();
@@ -38,6 +43,7 @@ class FilesPart final : public QObject {
     ProjectView &m_view;
     OptionsPart &m_options;
     RebuildPart &m_rebuild;
+    std::unique_ptr<ImportPart> m_import;
 };
 
 } // namespace nv

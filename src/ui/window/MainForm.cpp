@@ -11,6 +11,8 @@
 #include "platform/qt/Icons.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"
+#include "ui/views/DroppedUrls.h"
+#include "ui/views/StepsPane.h"
 #include "ui/views/TableTab.h"
 #include "ui/window/CopyPart.h"
 #include "ui/window/ExportPart.h"
@@ -18,6 +20,7 @@
 #include "ui/window/GuidePart.h"
 #include "ui/window/OptionsPart.h"
 #include "ui/window/RebuildPart.h"
+#include "ui/window/RecentPane.h"
 #include "ui/window/RecordArea.h"
 #include "ui/window/ReportPart.h"
 #include "ui/window/RowMenuPart.h"
@@ -53,7 +56,8 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     resizeWithinScreen(*this, {1280, 820});
     m_pages = new QStackedWidget;
     m_pages->setObjectName(QStringLiteral("mainPages"));
-    m_pages->addWidget(new WelcomePage(*m_actions.newProject, *m_actions.openProject));
+    m_welcome = new WelcomePage(*m_actions.newProject, *m_actions.openProject, m_steps);
+    m_pages->addWidget(m_welcome);
     m_pages->addWidget(newProjectPage());
     setCentralWidget(m_pages);
     connectWindowActions();
@@ -66,6 +70,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     showRecentFiles();
     showProjectState();
     restoreGeometryKept();
+    m_welcome->steps().focusNext();
 }
 
 MainForm::~MainForm() {
@@ -114,7 +119,8 @@ void MainForm::addParts() {
     m_rebuild = rebuild.get();
     m_parts.push_back(std::move(rebuild));
     auto options = std::make_unique<OptionsPart>(*m_bench);
-    auto files = std::make_unique<FilesPart>(*m_bench, m_commands, *this, *options, *m_rebuild);
+    auto files =
+        std::make_unique<FilesPart>(*m_bench, m_commands, *this, *options, *m_rebuild, m_steps);
     m_files = files.get();
     m_parts.push_back(std::move(options));
     m_parts.push_back(std::move(files));
@@ -165,11 +171,15 @@ void MainForm::connectOtherActions() {
     });
     connect(m_table, &TableTab::layoutEdited, this, &MainForm::keepLayout);
     connect(m_table, &TableTab::tickingRefused, this, [this] { m_bench->mayWrite(); });
-    connect(m_table, &TableTab::importRequested, m_actions.import, &QAction::trigger);
 }
 
 void MainForm::connectMenus() {
     connect(&m_menus, &MainMenus::recentFileChosen, this, &MainForm::takePath);
+    connect(&m_welcome->recent(), &RecentPane::openWanted, this, &MainForm::takePath);
+    connect(&m_welcome->recent(), &RecentPane::removalWanted, this, [this](const fs::path &path) {
+        forgetFilenameINI(m_program.settings, path);
+        showRecentFiles();
+    });
     connect(&m_menus, &MainMenus::quickQueryChosen, m_table, &TableTab::chooseQuery);
     connect(&m_menus, &MainMenus::sortChosen, m_table, &TableTab::sortBy);
     connect(&m_menus, &MainMenus::themeChosen, this, &MainForm::chooseTheme);
@@ -194,6 +204,8 @@ void MainForm::showStatus() {
 
 void MainForm::showProjectState() {
     const bool open = isProjectOpen();
+    if (!open && m_pages->currentIndex() != 0)
+        m_welcome->steps().focusNext();
     m_pages->setCurrentIndex(open ? 1 : 0);
     m_actions.setProjectOpen(open, m_program.state.projectDB.isReadOnly());
     m_menus.setProjectOpen(open);
@@ -246,16 +258,15 @@ void MainForm::restoreGeometryKept() {
 }
 
 void MainForm::dragEnterEvent(QDragEnterEvent *event) {
-    const QList<QUrl> urls = event->mimeData()->urls();
-    if (m_locks == 0 && urls.size() == 1 && urls.constFirst().isLocalFile())
+    if (m_locks == 0 && !QApplication::activeModalWidget() && holdsUrls(*event->mimeData()))
         event->acceptProposedAction();
 }
 
 void MainForm::dropEvent(QDropEvent *event) {
-    const QString path = event->mimeData()->urls().constFirst().toLocalFile();
+    const DroppedPaths dropped = droppedIn(*event->mimeData());
     event->acceptProposedAction();
     // After the drop is over: what comes may show dialogs.
-    QTimer::singleShot(0, this, [this, path] { takePath(pathFromQt(path)); });
+    QTimer::singleShot(0, this, [this, dropped] { m_files->takeDropped(dropped); });
 }
 
 void MainForm::takePath(const fs::path &path) {
@@ -369,7 +380,9 @@ void MainForm::showQuickQueries() {
 }
 
 void MainForm::showRecentFiles() {
-    m_menus.showRecentFiles(configLastFilesOpened(m_program.settings));
+    const std::vector<RecentFile> files = configLastFilesOpened(m_program.settings);
+    m_menus.showRecentFiles(files);
+    m_welcome->recent().showFiles(files);
 }
 
 void MainForm::clear() {

@@ -2,6 +2,7 @@
 
 #include "app/ProjectCommands.h"
 #include "app/program/Program.h"
+#include "ui/views/ImportSteps.h"
 #include "ui/window/MainActions.h"
 #include "ui/window/MainMenus.h"
 #include "ui/window/StatusLine.h"
@@ -24,6 +25,7 @@ class RebuildPart;
 class RecordArea;
 class TableTab;
 class ViewerTabs;
+class WelcomePage;
 class Workbench;
 
 /// The main window, from which every command starts. It holds no data: what it shows is the
@@ -93,7 +95,9 @@ class MainForm final : public QMainWindow, public ProjectView {
     ProjectCommands m_commands;
     MainActions m_actions;
     MainMenus m_menus;
+    ImportSteps m_steps; ///< of both empty pages
     QStackedWidget *m_pages = nullptr;
+    WelcomePage *m_welcome = nullptr;
     TableTab *m_table = nullptr;
     ViewerTabs *m_viewers = nullptr;
     RecordArea *m_record = nullptr; ///< the card and the viewers

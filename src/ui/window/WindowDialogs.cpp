@@ -38,6 +38,10 @@ std::optional<std::filesystem::path> chooseFile(const char *name, const char *ti
 
 } // namespace
 
+std::vector<std::filesystem::path> WindowDialogs::chooseFiles(const std::string &) {
+    return {};
+}
+
 bool WindowDialogs::confirmNewProject(OptionsForm &form) {
     return form.exec() == QDialog::Accepted;
 }
@@ -89,6 +93,17 @@ QtWindowDialogs::chooseFolder(const std::string &title, const std::filesystem::p
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
     return run(dialog);
+}
+
+std::vector<std::filesystem::path> QtWindowDialogs::chooseFiles(const std::string &title) {
+    QFileDialog dialog(QApplication::activeWindow(), toQt(title));
+    dialog.setObjectName(QStringLiteral("filesDialog"));
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    std::vector<std::filesystem::path> files;
+    if (dialog.exec() == QDialog::Accepted)
+        for (const QString &file : dialog.selectedFiles())
+            files.push_back(pathFromQt(file));
+    return files;
 }
 
 } // namespace nv

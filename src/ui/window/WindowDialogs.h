@@ -4,6 +4,7 @@
 #include "base/Examiner.h"
 
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace nv {
@@ -16,6 +17,8 @@ class WindowDialogs : public FileDialogs {
     /// Nothing is chosen when the examiner cancels.
     virtual std::optional<std::filesystem::path>
     chooseFolder(const std::string &title, const std::filesystem::path &start) = 0;
+    /// Several at once; none when the examiner cancels.
+    virtual std::vector<std::filesystem::path> chooseFiles(const std::string &title);
     /// Asks for the file of a page to write; an existing one is only given back after a question.
     virtual std::optional<std::filesystem::path> choosePage(const std::filesystem::path &offered);
     /// The lists that a hash set is to be made of; none when the examiner cancels.
@@ -35,6 +38,7 @@ class QtWindowDialogs final : public WindowDialogs {
     std::optional<std::filesystem::path> chooseSaveAs() override;
     std::optional<std::filesystem::path> chooseFolder(const std::string &title,
                                                       const std::filesystem::path &start) override;
+    std::vector<std::filesystem::path> chooseFiles(const std::string &title) override;
 
   private:
     std::optional<std::filesystem::path>

@@ -1,3 +1,4 @@
+#include "app/program/ZoneMeaning.h"
 #include "app/program/Zones.h"
 #include "app/project/Project.h"
 #include "unit/app/ProjectCommandsFixture.h"
@@ -35,6 +36,17 @@ TEST_F(ZonesTest, aProjectOfAClassicZoneOpensAsBefore) {
     EXPECT_EQ(setting("LastTimeZoneID"), "20");
     EXPECT_EQ(zone().exact, nullptr);
     EXPECT_EQ(zone().tzTimeZoneID, 20);
+}
+
+TEST_F(ZonesTest, aZoneSaysWhatItsClockShows) {
+    EXPECT_THAT(zoneMeaning(*program, "Europe/Berlin"),
+                HasSubstr("12:00 UTC is 13:00 (CET) there in January and 14:00 (CEST) in July 20"));
+    EXPECT_THAT(zoneMeaning(*program, "Asia/Kathmandu"),
+                HasSubstr("12:00 UTC is 17:45 (+0545) there all through 20"));
+    EXPECT_THAT(zoneMeaning(*program, "Pacific/Kiritimati"), HasSubstr("02:00 (+14)"));
+    EXPECT_THAT(zoneMeaning(*program, "America/New_York"), HasSubstr("07:00 (EST)"));
+    EXPECT_THAT(zoneMeaning(*program, "15"), HasSubstr("A classic zone"));
+    EXPECT_THAT(zoneMeaning(*program, "No/Where"), HasSubstr("no time zone"));
 }
 
 TEST_F(ZonesTest, anUnknownZoneIsRefusedWithTheNearest) {

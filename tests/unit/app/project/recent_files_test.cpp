@@ -37,6 +37,18 @@ TEST_F(RecentFilesTest, keysFiveAndSixAreOnlyRead) {
     EXPECT_EQ(shown(), (std::vector<std::string>{"/1.nvp", "/6.nvp"}));
 }
 
+TEST_F(RecentFilesTest, aForgottenProjectLeavesTheListAndTheOthersMoveUp) {
+    ASSERT_TRUE(settings.writeIniValue("FILES", "File6", "/6.nvp"));
+    for (const char *name : {"/1.nvp", "/2.nvp", "/3.nvp"})
+        storeFilenameINI(settings, name);
+    forgetFilenameINI(settings, "/2.nvp");
+    EXPECT_EQ(shown(), (std::vector<std::string>{"/3.nvp", "/1.nvp", "/6.nvp"}));
+    forgetFilenameINI(settings, "/6.nvp");
+    forgetFilenameINI(settings, "/never there.nvp");
+    EXPECT_EQ(shown(), (std::vector<std::string>{"/3.nvp", "/1.nvp"}));
+    EXPECT_EQ(settings.readIniValue("FILES", "File6", "none"), "none") << "it is empty";
+}
+
 TEST_F(RecentFilesTest, aLongPathIsShortenedInItsMiddle) {
     const std::string path = "/cases/" + std::string(80, 'x') + "/case.nvp";
     storeFilenameINI(settings, path);
