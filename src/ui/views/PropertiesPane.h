@@ -3,6 +3,7 @@
 #include "ui/views/RecordPane.h"
 #include "views/Properties.h"
 
+#include <QList>
 #include <QWidget>
 
 #include <functional>
@@ -12,6 +13,7 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
+class QSplitter;
 class QTreeWidget;
 
 namespace nv {
@@ -41,6 +43,7 @@ class PropertiesPane final : public QWidget, public RecordPane {
 
   private:
     QWidget *newWhole();
+    void makeRoom();
     QWidget *newBar();
     void fill();
     bool isWanted(const Property &property) const;
@@ -49,6 +52,8 @@ class PropertiesPane final : public QWidget, public RecordPane {
     std::function<std::vector<Property>(UrlId)> m_load;
     QTreeWidget *m_list = nullptr;
     QPlainTextEdit *m_whole = nullptr;
+    QSplitter *m_splitter = nullptr;
+    QList<int> m_sizesBefore; ///< of the splitter, before room was made for an answer
     QPushButton *m_why = nullptr;
     QPushButton *m_bytes = nullptr;
     QLineEdit *m_filter = nullptr;
