@@ -23,6 +23,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRawFont>
+#include <QSplitter>
 #include <QTabWidget>
 #include <QTest>
 #include <QTreeWidget>
@@ -342,6 +343,8 @@ void ViewersTest::aPropertySaysWhyItIsSo() {
     QTRY_VERIFY(whole.toPlainText().contains(QStringLiteral("Rule: ")));
     QVERIFY2(whole.toPlainText().contains(QStringLiteral("FILETIME")),
              qPrintable(whole.toPlainText()));
+    const QList<int> sizes = pane<QSplitter>("propertiesSplitter").sizes();
+    QVERIFY(sizes.at(1) > sizes.at(0)); // the answer has lines to be read
     QVERIFY(bytes.isEnabled());
     QTest::mouseClick(&bytes, Qt::LeftButton);
     QTRY_VERIFY(pane<HexGrid>("HexGrid").source());

@@ -93,6 +93,10 @@ void placeBody(const PlaceSearch &search, FieldPlaces &places) {
 } // namespace
 
 void locateInSafariCache(const PlaceSearch &search, FieldPlaces &places) {
+    // Told first, since a damaged page of the tables ends the rest.
+    places.derived("CacheFileCreated",
+                   "of the cache's own file, as the file system told at the import");
+    places.derived("Reference_ID", "number of the entry in the tables");
     const auto row = rowOf(search, kList);
     if (!row)
         throw std::runtime_error(
@@ -104,9 +108,6 @@ void locateInSafariCache(const PlaceSearch &search, FieldPlaces &places) {
                  "the address in it, its percent coding undone");
     placeResponse(search, places);
     placeBody(search, places);
-    places.derived("CacheFileCreated",
-                   "of the cache's own file, as the file system told at the import");
-    places.derived("Reference_ID", "number of the entry in the tables");
     places.derivedOfAddress();
 }
 

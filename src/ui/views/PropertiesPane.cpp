@@ -17,6 +17,8 @@
 #include <QSplitter>
 #include <QTreeWidget>
 
+#include <utility>
+
 namespace nv {
 
 namespace {
@@ -59,18 +61,19 @@ PropertiesPane::PropertiesPane(std::function<std::vector<Property>(UrlId)> load,
     : QWidget(parent), m_load(std::move(load)), m_chosen(QStringLiteral("URL")) {
     setObjectName(QStringLiteral("PropertiesPane"));
     m_list = newList();
-    auto *splitter = new QSplitter(Qt::Vertical);
-    splitter->setObjectName(QStringLiteral("propertiesSplitter"));
-    splitter->addWidget(m_list);
-    splitter->addWidget(newWhole());
-    splitter->setStretchFactor(0, 4);
-    splitter->setStretchFactor(1, 1);
-    splitter->setSizes({400, 60});
+    m_splitter = new QSplitter(Qt::Vertical);
+    m_splitter->setObjectName(QStringLiteral("propertiesSplitter"));
+    m_splitter->addWidget(m_list);
+    m_splitter->addWidget(newWhole());
+    m_splitter->setStretchFactor(0, 4);
+    m_splitter->setStretchFactor(1, 1);
+    m_splitter->setSizes({400, 60});
+    connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_sizesBefore.clear(); });
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(newBar());
-    column->addWidget(splitter, 1);
+    column->addWidget(m_splitter, 1);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &PropertiesPane::showChosen);
 }
 
@@ -105,6 +108,18 @@ void PropertiesPane::showWhy(const QString &why, bool hasBytes) {
     m_whole->appendPlainText(u'\n' + why);
     m_whole->moveCursor(QTextCursor::Start);
     m_bytes->setEnabled(hasBytes);
+    makeRoom();
+}
+
+/// An answer has ten lines: until another value is chosen it has most of the pane.
+void PropertiesPane::makeRoom() {
+    const QList<int> sizes = m_splitter->sizes();
+    const int all = sizes.value(0) + sizes.value(1);
+    const int wanted = all * 7 / 10;
+    if (sizes.value(1) >= wanted)
+        return;
+    m_sizesBefore = sizes;
+    m_splitter->setSizes({all - wanted, wanted});
 }
 
 QWidget *PropertiesPane::newBar() {
@@ -188,6 +203,8 @@ void PropertiesPane::clear() {
 }
 
 void PropertiesPane::showChosen() {
+    if (!m_sizesBefore.isEmpty())
+        m_splitter->setSizes(std::exchange(m_sizesBefore, {}));
     QTreeWidgetItem *item = m_list->currentItem();
     const auto place = static_cast<std::size_t>(m_list->indexOfTopLevelItem(item));
     const bool isChosen = item && place < m_shown.size();

@@ -3,6 +3,7 @@
 #include "ui/views/RecordPane.h"
 #include "views/Properties.h"
 
+#include <QList>
 #include <QWidget>
 
 #include <functional>
@@ -13,6 +14,7 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
+class QSplitter;
 class QTreeWidget;
 
 namespace nv {
@@ -55,6 +57,7 @@ class PropertiesPane final : public QWidget, public RecordPane {
 
   private:
     QWidget *newWhole();
+    void makeRoom();
     QWidget *newBar();
     void fill();
     bool isWanted(const Property &property) const;
@@ -63,6 +66,8 @@ class PropertiesPane final : public QWidget, public RecordPane {
     std::function<std::vector<Property>(UrlId)> m_load;
     QTreeWidget *m_list = nullptr;
     QPlainTextEdit *m_whole = nullptr;
+    QSplitter *m_splitter = nullptr;
+    QList<int> m_sizesBefore; ///< of the splitter, before room was made for an answer
     QPushButton *m_why = nullptr;
     QPushButton *m_bytes = nullptr;
     QLineEdit *m_filter = nullptr;

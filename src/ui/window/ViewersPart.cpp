@@ -191,12 +191,14 @@ void ViewersPart::showSource(UrlId id) {
     const auto record = tools.record(id);
     if (!record)
         return m_hex->showMissing(tr("The selected record could not be found."));
-    const auto source = sourceOfRecord(*record);
-    if (!source)
-        return m_hex->showMissing(sentence(missingSource(*record)));
     const bool isNamed = m_named && m_named->id == id && std::exchange(m_named->isWanted, false);
-    // A value of a cache may lie in a file beside the one that the record is shown by.
-    const auto &file = isNamed && !m_named->file.empty() ? m_named->file : source->file;
+    const auto source = sourceOfRecord(*record);
+    // A value of a cache may lie in a file beside the one that the record is shown by, and a folder
+    // that is a record's source has no bytes of its own.
+    const bool isElsewhere = isNamed && !m_named->file.empty();
+    if (!source && !isElsewhere)
+        return m_hex->showMissing(sentence(missingSource(*record)));
+    const std::filesystem::path file = isElsewhere ? m_named->file : source->file;
     state().viewer.hexFilePath = textOf(file);
     m_hex->showFile(file, isNamed ? m_named->offset : source->offset);
     if (isNamed)
