@@ -24,6 +24,7 @@
 #include <QFontDatabase>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QScrollArea>
 #include <QStackedWidget>
 #include <QTimer>
 
@@ -40,6 +41,16 @@ QLabel *newHeading() {
     large.setPointSizeF(large.pointSizeF() * 1.2);
     heading->setFont(large);
     return heading;
+}
+
+/// With many places the page is higher than a small screen.
+QScrollArea *newScrolled(QWidget *page) {
+    auto *area = new QScrollArea;
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(page);
+    return area;
 }
 
 QPlainTextEdit *newSummary() {
@@ -70,7 +81,7 @@ ImportForm::ImportForm(Program &program, const std::vector<fs::path> &places, Im
     resizeWithinScreen(*this, {860, 600});
     connect(m_files, &ImportFilesPage::changed, this, &ImportForm::showButtons);
     m_pages->setObjectName(QStringLiteral("importPages"));
-    m_pages->addWidget(m_choice);
+    m_pages->addWidget(newScrolled(m_choice));
     m_pages->addWidget(m_files);
     m_pages->addWidget(m_summary);
 
