@@ -14,7 +14,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QShortcut>
 
 #include <algorithm>
 
@@ -81,9 +80,6 @@ QWidget *ImportChoicePage::newFurther() {
     m_takeAway->setAccessibleName(tr("Remove the chosen folder or file"));
     m_takeAway->setAutoDefault(false);
     connect(m_takeAway, &QPushButton::clicked, this, &ImportChoicePage::takeAway);
-    auto *key = new QShortcut(QKeySequence::Delete, m_further);
-    key->setContext(Qt::WidgetShortcut);
-    connect(key, &QShortcut::activated, this, &ImportChoicePage::takeAway);
     auto *row = new QHBoxLayout(m_furtherArea);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_further, 1);

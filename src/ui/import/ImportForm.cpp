@@ -22,6 +22,7 @@
 #include <QBoxLayout>
 #include <QDragEnterEvent>
 #include <QMimeData>
+#include <QScrollArea>
 #include <QStackedWidget>
 #include <QTimer>
 
@@ -38,6 +39,16 @@ QLabel *newHeading() {
     large.setPointSizeF(large.pointSizeF() * 1.2);
     heading->setFont(large);
     return heading;
+}
+
+/// With many places the page is higher than a small screen.
+QScrollArea *newScrolled(QWidget *page) {
+    auto *area = new QScrollArea;
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(page);
+    return area;
 }
 
 } // namespace
@@ -62,7 +73,7 @@ ImportForm::ImportForm(Program &program, const std::vector<fs::path> &places, Im
         accept();
     });
     m_pages->setObjectName(QStringLiteral("importPages"));
-    m_pages->addWidget(m_choice);
+    m_pages->addWidget(newScrolled(m_choice));
     m_pages->addWidget(m_files);
     m_pages->addWidget(m_summary);
 

@@ -64,7 +64,7 @@ MainForm::MainForm(Program &program, WindowDialogs &dialogs)
     connectEditActions();
     connectOtherActions();
     connectMenus();
-    connectTitle();
+    m_title.follow(*m_bench);
     m_commands.updateProgramCaption();
     m_menus.showTheme(keptTheme(program.settings));
     showRecentFiles();
@@ -183,15 +183,6 @@ void MainForm::connectMenus() {
     connect(&m_menus, &MainMenus::quickQueryChosen, m_table, &TableTab::chooseQuery);
     connect(&m_menus, &MainMenus::sortChosen, m_table, &TableTab::sortBy);
     connect(&m_menus, &MainMenus::themeChosen, this, &MainForm::chooseTheme);
-}
-
-void MainForm::connectTitle() {
-    m_program.task.watcher = [this](const TaskStatus &status) { m_title.showTask(status); };
-    connect(m_bench.get(), &Workbench::workProgressed, this,
-            [this](const QString &name, double done) { m_title.showWork(name, done); });
-    connect(m_bench.get(), &Workbench::workEnded, this,
-            [this](const QString &name) { m_title.endWork(name); });
-    connect(m_bench.get(), &Workbench::projectClosing, this, [this] { m_title.endAllWork(); });
 }
 
 void MainForm::showNotice(const QString &text) {

@@ -72,7 +72,6 @@ class MainForm final : public QMainWindow, public ProjectView {
     void connectEditActions();
     void connectOtherActions();
     void connectMenus();
-    void connectTitle();
     /// Runs a command; the examiner is told when it fails.
     void run(const char *procedure, const std::function<void()> &command);
     void runTask(const TaskHeading &heading, const std::function<void(TaskMonitor &)> &work);

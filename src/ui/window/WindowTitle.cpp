@@ -2,6 +2,7 @@
 
 #include "app/program/TaskStatus.h"
 #include "platform/qt/QtText.h"
+#include "ui/window/Workbench.h"
 
 #include <QStringList>
 #include <QWidget>
@@ -16,6 +17,15 @@ namespace {
 constexpr double kShowAfter = 0.4; // seconds
 
 } // namespace
+
+void WindowTitle::follow(Workbench &bench) {
+    bench.program.task.watcher = [this](const TaskStatus &status) { showTask(status); };
+    QObject::connect(&bench, &Workbench::workProgressed, &bench,
+                     [this](const QString &name, double fraction) { showWork(name, fraction); });
+    QObject::connect(&bench, &Workbench::workEnded, &bench,
+                     [this](const QString &name) { endWork(name); });
+    QObject::connect(&bench, &Workbench::projectClosing, &bench, [this] { endAllWork(); });
+}
 
 void WindowTitle::setCaption(const QString &caption) {
     m_caption = caption;

@@ -8,6 +8,7 @@ class QWidget;
 namespace nv {
 
 class TaskStatus;
+class Workbench;
 
 /// The title of the main window: how far running work is, before the program's and the project's
 /// names, so that a minimised window tells it too.
@@ -16,6 +17,8 @@ class WindowTitle {
     /// `window` must outlive it.
     explicit WindowTitle(QWidget &window) : m_window(window) {}
 
+    /// Shows its program's tasks, as their watcher, and its work in the background. Must outlive both.
+    void follow(Workbench &bench);
     /// The title while nothing runs.
     void setCaption(const QString &caption);
     /// A task that the examiner waits for; one that is over soon isn't told.
