@@ -215,8 +215,7 @@ Command galleryCommand() {
         .readme = {"`gallery PROJECT --out FILE`",
                    "writes a contact sheet, `*.html` or `*.png`, of the rows that `report` would "
                    "take; `--pard`, `--sizes`"},
-        .examples = {{"gallery case.nvp --out page1.html", "the first page"},
-                     {"gallery case.nvp --pard 15-40 --sizes l,xl --out p.html",
+        .examples = {{"gallery case.nvp --pard 15-40 --sizes l,xl --out p.html",
                       "large photographs"},
                      {"gallery case.nvp --tag Important --without-known --out p.html",
                       "of tagged rows, without known files"},

@@ -204,7 +204,6 @@ Command templateApplyCommand() {
     return {.name = "template apply",
             .what = "Lay a template over pages",
             .examples = {{"template apply case.nvp inbox.NVT 42", "by its name in the folder"},
-                         {"template apply case.nvp mine/inbox.NVT 42 --any-title", "by its path"},
                          {"template apply case.nvp inbox.NVT --tag Mail", "over all tagged pages"},
                          {"template apply case.nvp inbox.NVT 42 --out pages",
                           "and the page with its parts into a folder"}},

@@ -63,7 +63,9 @@ ListedHashSet listed(Program &program, const std::filesystem::path &path) {
 
 std::vector<ListedHashSet> listHashSets(Program &program) {
     std::vector<ListedHashSet> sets;
-    for (const std::filesystem::path &path : hashSetPaths(program.paths.hashSets()))
+    const auto paths = hashSetPaths(program.paths.hashSets());
+    sets.reserve(paths.size());
+    for (const std::filesystem::path &path : paths)
         sets.push_back(listed(program, path));
     ProjectDatabase &project = program.state.projectDB;
     if (!project.isOpen())

@@ -53,9 +53,12 @@ std::vector<std::filesystem::path> WindowDialogs::chooseHashLists() {
     dialog.setFileMode(QFileDialog::ExistingFiles);
     dialog.setNameFilter(QString::fromLatin1(kAllFiles));
     std::vector<std::filesystem::path> files;
-    if (dialog.exec() == QDialog::Accepted)
-        for (const QString &file : dialog.selectedFiles())
-            files.push_back(pathFromQt(file));
+    if (dialog.exec() != QDialog::Accepted)
+        return files;
+    const QStringList chosen = dialog.selectedFiles();
+    files.reserve(static_cast<std::size_t>(chosen.size()));
+    for (const QString &file : chosen)
+        files.push_back(pathFromQt(file));
     return files;
 }
 
