@@ -141,7 +141,7 @@ Walk UrlTable::limit(TaskMonitor &task, Found &rows) {
         walk = keepWithin(m_project, *time, task, rows.ids);
     }
     rows.hidden += rows.ofQuery->size() - rows.ids.size();
-    // A list that has lost nothing isn't held twice, and one that has lost most gives its room back.
+    // A list that has lost nothing isn't held twice; one that has lost most gives its room back.
     for (std::optional<RowIds> *before : {&rows.ofQuery, &rows.ofAllTimes})
         if (*before && (*before)->size() == rows.ids.size())
             before->reset();
