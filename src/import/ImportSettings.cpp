@@ -58,12 +58,4 @@ std::string maskText(const ImportSettings &job, Formats formats) {
     return text;
 }
 
-void removeFile(HistoryFiles &files, const std::filesystem::path &path, HistoryFileType type) {
-    for (std::size_t position = files.count(); position > 0; --position) {
-        const HistoryFile &file = files.item(position);
-        if (file.fullPath == path && file.historyFileType == type)
-            files.remove(position);
-    }
-}
-
 } // namespace nv

@@ -17,7 +17,8 @@ class WindowTitle {
     /// `window` must outlive it.
     explicit WindowTitle(QWidget &window) : m_window(window) {}
 
-    /// Shows its program's tasks, as their watcher, and its work in the background. Must outlive both.
+    /// Shows its program's tasks, as their watcher, and its work in the background. Must outlive
+    /// both.
     void follow(Workbench &bench);
     /// The title while nothing runs.
     void setCaption(const QString &caption);

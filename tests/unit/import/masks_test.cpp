@@ -1,5 +1,6 @@
 #include "import/FileMask.h"
 #include "import/ImportSettings.h"
+#include "import/UntickedFiles.h"
 #include "readers/Registry.h"
 #include "support/ImportOption.h"
 #include "unit/import/FirstFormats.h"
@@ -94,7 +95,7 @@ TEST(HistoryFiles, loseTheRowThatWasUnticked) {
     for (const char *path : {"/a", "/b", "/a"})
         files.add({}).fullPath = path;
     files.item(1).historyFileType = HistoryFileType::csv;
-    removeFile(files, "/a", HistoryFileType::none);
+    removeFiles(files, {{"/a", HistoryFileType::none}});
     ASSERT_EQ(files.count(), 2u);
     EXPECT_EQ(files.item(1).fullPath, "/a") << "another format takes it too";
     EXPECT_EQ(files.item(2).fullPath, "/b");
