@@ -55,6 +55,7 @@ inline bool isInner(const QAccessibleInterface &object) {
 /// Dialogs that no command of the menus leads to without more ado.
 inline std::vector<std::unique_ptr<QDialog>> furtherDialogs() {
     static const std::vector<ZoneRow> oneZone{ZoneRow{}};
+    static const TimeZone utc;
     PartQuestion question;
     question.address = "https://host/a.png";
     question.alternatives.resize(2);
@@ -67,8 +68,8 @@ inline std::vector<std::unique_ptr<QDialog>> furtherDialogs() {
     dialogs.push_back(std::make_unique<TagForm>(tag, std::vector<NamedTag>()));
     dialogs.push_back(
         std::make_unique<PartChoiceForm>(question, [](UrlId) { return std::string(); }));
-    dialogs.push_back(std::make_unique<ColumnLimitForm>(counted, ColumnLimit(),
-                                                        QStringLiteral("Host"), FormClock()));
+    dialogs.push_back(std::make_unique<ColumnLimitForm>(
+        counted, ColumnLimit(), QStringLiteral("Host"), FormClock{utc, false}));
     dialogs.push_back(std::make_unique<HashSetForm>());
     dialogs.push_back(std::make_unique<RedactionForm>(RedactionRules()));
     dialogs.push_back(std::make_unique<TextForm>(QStringLiteral("Errors"), QStringLiteral("none")));
