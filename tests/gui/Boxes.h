@@ -55,7 +55,7 @@ inline bool isInner(const QAccessibleInterface &object) {
 /// Dialogs that no command of the menus leads to without more ado.
 inline std::vector<std::unique_ptr<QDialog>> furtherDialogs() {
     static const std::vector<ZoneRow> oneZone{ZoneRow{}};
-    static const TimeZone utc;
+    static const TimeZone zone(Date{});
     PartQuestion question;
     question.address = "https://host/a.png";
     question.alternatives.resize(2);
@@ -69,7 +69,7 @@ inline std::vector<std::unique_ptr<QDialog>> furtherDialogs() {
     dialogs.push_back(
         std::make_unique<PartChoiceForm>(question, [](UrlId) { return std::string(); }));
     dialogs.push_back(std::make_unique<ColumnLimitForm>(
-        counted, ColumnLimit(), QStringLiteral("Host"), FormClock{utc, false}));
+        counted, ColumnLimit(), QStringLiteral("Host"), FormClock{zone, false}));
     dialogs.push_back(std::make_unique<HashSetForm>());
     dialogs.push_back(std::make_unique<RedactionForm>(RedactionRules()));
     dialogs.push_back(std::make_unique<TextForm>(QStringLiteral("Errors"), QStringLiteral("none")));
