@@ -9,6 +9,7 @@
 - A family of readers never includes another one, nor do windows and the command line.
 - The words of kinds of records stand in the readers' folders: everybody else asks readers/RecordKind.h.
 - `catch` stands in the traps, main functions, platform adapters and the database's error adapter.
+- Ranges that cut a piece off are left to std's own algorithms: clang 14 can't read them.
 - Settings are read and written by their rows (app/settings/Settings.h), never by section and key.
 - Readers and the import ask the file system nothing and open nothing themselves: what lies in the
   evidence they ask of readers/Evidence, what they made themselves of readers/Scratch.
@@ -183,6 +184,8 @@ def file_faults(path, words):
                 f"{match[0]}: ask readers/Evidence, or readers/Scratch for files of our own"
     if not (CATCH_PLACES.fullmatch(path) or path in CATCH_ALLOWED):
         yield from faults_of(bare, r"\bcatch\s*\(", "catch: use the traps of base/Trap.h")
+    yield from faults_of(bare, r"\branges::(unique|remove|remove_if|(stable_)?partition|rotate)\b",
+                         "clang 14, which the sanitizers need, can't read that: take std's own")
     if not INI_PLACES.fullmatch(path):
         yield from faults_of(bare, r"\b(Read|Write)IniValue\s*\(",
                              "a setting has a row: use app/settings/Settings.h")

@@ -182,7 +182,7 @@ void CaseOrigins::writeRow(const RecordOrigin &origin) {
         m_page << caseField(name, caseText(safe(words)));
     m_page << "</dl>\n<div class=\"wide\"><table class=\"origin\">" << headings();
     // What the evidence says comes before what the program made.
-    std::ranges::stable_partition(told.values, [](const ValueOrigin &value) {
+    std::stable_partition(told.values.begin(), told.values.end(), [](const ValueOrigin &value) {
         return value.check != OriginCheck::derived && value.check != OriginCheck::examiner;
     });
     for (const ValueOrigin &value : told.values)
