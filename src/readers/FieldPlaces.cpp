@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 #include <utility>
 
 namespace nv {
@@ -158,6 +159,19 @@ SourceBytes sourceBytes(const ByteSource &file, std::string name, std::uint64_t 
     if (bytes.bytes.size() < size)
         throw OutOfBytes(at, size, bytes.bytes.size());
     return bytes;
+}
+
+std::filesystem::path sourceFolder(const PlaceSearch &search) {
+    return search.evidence.kindOf(search.source) == PlaceKind::folder ? search.source
+                                                                      : search.source.parent_path();
+}
+
+std::filesystem::path ownFile(const PlaceSearch &search) {
+    const std::string name = factWords(search.record, "source_file");
+    const auto file = search.evidence.find(sourceFolder(search), name);
+    if (!file)
+        throw std::runtime_error(fmt::format("the record's file {} isn't there", name));
+    return *file;
 }
 
 SourceBytes sourceBytes(const PlaceSearch &search, std::string name,

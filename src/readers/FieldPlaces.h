@@ -118,6 +118,10 @@ std::string formatPageOf(const UrlRecord &record);
 
 // For those who locate.
 
+/// The folder of the source, where it isn't one itself.
+std::filesystem::path sourceFolder(const PlaceSearch &search);
+/// The file of that folder that the record was read from. Throws when it isn't there.
+std::filesystem::path ownFile(const PlaceSearch &search);
 /// The bytes of a stretch of a file. Throws EvidenceFailure, and OutOfBytes when the file ends
 /// before.
 SourceBytes sourceBytes(const PlaceSearch &search, std::string name,

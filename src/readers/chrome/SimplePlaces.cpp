@@ -66,21 +66,16 @@ void placeStretches(const ByteSource &file, const SimpleHead &head, FieldPlaces 
 } // namespace
 
 void locateInSimpleCache(const PlaceSearch &search, FieldPlaces &places) {
-    const std::string own = factWords(search.record, "source_file");
-    const fs::path folder = search.evidence.kindOf(search.source) == PlaceKind::folder
-                                ? search.source
-                                : search.source.parent_path();
-    const auto path = search.evidence.find(folder, own);
-    if (!path)
-        throw std::runtime_error(fmt::format("the entry's file {} isn't there", own));
-    const EvidenceFile file = search.evidence.open(*path);
+    const fs::path path = ownFile(search);
+    const std::string own = textOf(path.filename());
+    const EvidenceFile file = search.evidence.open(path);
     const auto head = simpleHeadOf(file);
     if (!head)
         throw std::runtime_error(fmt::format("{} is no entry's file", own));
     placeChromeKey(sourceBytes(file, "the entry's key", SimpleHead::kSize, head->key.size()),
                    places);
     if (own != search.record.DataBlockFile || own.ends_with("_s")) {
-        const auto sparse = search.evidence.find(folder, search.record.DataBlockFile);
+        const auto sparse = search.evidence.find(sourceFolder(search), search.record.DataBlockFile);
         if (sparse) {
             const EvidenceFile stretches = search.evidence.open(*sparse);
             if (const auto sparseHead = simpleHeadOf(stretches))
@@ -96,7 +91,7 @@ void locateInSimpleCache(const PlaceSearch &search, FieldPlaces &places) {
             head->key, places);
     }
     if (const auto name = simpleFileName(own))
-        placeLastUse(search, folder, name->hash, places);
+        placeLastUse(search, sourceFolder(search), name->hash, places);
     placeChromeRest(places);
 }
 

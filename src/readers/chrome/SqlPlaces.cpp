@@ -58,24 +58,18 @@ void placeSize(const PlaceSearch &search, const fs::path &file, std::int64_t id,
 } // namespace
 
 void locateInSqlCache(const PlaceSearch &search, FieldPlaces &places) {
-    const std::string own = factWords(search.record, "source_file");
-    const fs::path folder = search.evidence.kindOf(search.source) == PlaceKind::folder
-                                ? search.source
-                                : search.source.parent_path();
-    const auto file = search.evidence.find(folder, own);
-    if (!file)
-        throw std::runtime_error(fmt::format("the cache's file {} isn't there", own));
+    const fs::path file = ownFile(search);
     if (factWords(search.record, "recovered_from").starts_with("page "))
         throw std::runtime_error(fmt::format(
             "the row lies in {}: no query reaches it there, and its bytes may be parts of rows",
             factWords(search.record, "recovered_from")));
     const std::int64_t row = factNumber(search.record, "source_rowid").value_or(0);
-    const SourceBytes key = cellBytes(search, *file, kTable, row, "cache_key");
+    const SourceBytes key = cellBytes(search, file, kTable, row, "cache_key");
     placeChromeKey(key, places);
-    placeChromeHead(cellBytes(search, *file, kTable, row, "head"), key.view().raw(), places);
-    placeNumber("last_used", cellBytes(search, *file, kTable, row, "last_used"),
+    placeChromeHead(cellBytes(search, file, kTable, row, "head"), key.view().raw(), places);
+    placeNumber("last_used", cellBytes(search, file, kTable, row, "last_used"),
                 SourceForm::chromeTime, places);
-    placeSize(search, *file, row, places);
+    placeSize(search, file, row, places);
     placeChromeRest(places);
 }
 
