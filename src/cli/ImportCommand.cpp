@@ -326,9 +326,7 @@ Command importCommand() {
                      {"import case.nvp /mnt/seized --found",
                       "what that would be, before anything is imported"},
                      {"import case.nvp /mnt/seized/History --zone Europe/Berlin",
-                      "one file, dates by the law of that zone"},
-                     {"import case.nvp /mnt/seized --thumbnails",
-                      "pictures and pages drawn small as well"}},
+                      "one file, dates by the law of that zone"}},
         .arguments =
             {projectWord(given->project),
              value("PATH", given->paths, "Folders or files of evidence").required(),
