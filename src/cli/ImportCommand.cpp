@@ -289,8 +289,7 @@ Exit run(Session &session, const Arguments &given) {
     requireZones(program); // now that of the project
     requireSchema(program);
     chooseBase(session, arguments);
-    if (!arguments.summary.empty())
-        checkSummaryFile(session, arguments.summary, false);
+    SummaryPage page(session, arguments.summary);
     setUp(program.import, arguments, asked);
 
     ImportSummary summary;
@@ -302,14 +301,14 @@ Exit run(Session &session, const Arguments &given) {
         summary = runImportJob(program, session.task, session.scratch());
     session.task.clear();
     tellWhatIsLeftOut(session, summary, search);
-    if (!arguments.summary.empty() && summary.failure.empty())
-        writeSummaryFile(session, arguments.summary);
+    const bool hasPage = page.write(summary);
     closeTold(program, summary);
     session.out << (arguments.format == "json" ? importJson(summary)
                                                : printableLines(summaryText(summary)));
     const bool unknown = summary.artefacts.empty() && summary.gaps.unreadable.empty() &&
                          !summary.cancelled && namesFile(arguments);
-    return unknown ? Exit::usage : exitFor(summary);
+    const Exit exit = unknown ? Exit::usage : exitFor(summary);
+    return exit == Exit::ok && !hasPage ? Exit::projectUnusable : exit;
 }
 
 } // namespace

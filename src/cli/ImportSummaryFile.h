@@ -1,6 +1,11 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+
+namespace nv {
+struct ImportSummary;
+} // namespace nv
 
 namespace nv::cli {
 
@@ -10,8 +15,26 @@ class Session;
 /// or nothing may be written there. A project must be open.
 void checkSummaryFile(Session &session, const std::filesystem::path &file, bool overwrite);
 
-/// Writes the summary of the import that has just ended, before its project is closed. Throws
-/// StorageFailure.
-void writeSummaryFile(Session &session, const std::filesystem::path &file);
+/// The summary of an import as a page that is asked for before it. Whatever keeps it from being
+/// written, its end tells that there is none.
+class SummaryPage {
+  public:
+    /// An empty `file` asks for none. Throws as checkSummaryFile().
+    SummaryPage(Session &session, std::filesystem::path file);
+    ~SummaryPage();
+    SummaryPage(const SummaryPage &) = delete;
+    SummaryPage &operator=(const SummaryPage &) = delete;
+
+    /// Once the import has ended, also by a failure or a cancel, and before its project is closed.
+    /// False when a page was asked for and isn't there.
+    bool write(const ImportSummary &summary);
+
+  private:
+    void keepMissing(const std::string &reason);
+
+    Session &m_session;
+    std::filesystem::path m_file;
+    std::string m_missing; ///< what is told at the end
+};
 
 } // namespace nv::cli

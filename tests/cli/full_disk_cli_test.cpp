@@ -45,11 +45,15 @@ TEST_F(FullDiskCli, ofTheProjectLeavesTheSummary) {
     std::filesystem::create_directories(evidence);
     writeWhole(evidence / "index.dat", cache.bytes());
     CliResult run;
+    const auto page = folder.path() / "summary.html";
     {
         const test::SmallFiles limit(std::size_t{2} << 20);
-        run = cli({"import", project, evidence.string(), "--kinds", "ie-cache"});
+        run = cli({"import", project, evidence.string(), "--kinds", "ie-cache", "--summary",
+                   page.string()});
     }
     EXPECT_EQ(run.exit, 3);
+    EXPECT_NE(std::filesystem::exists(page), run.err.find("No summary was") != std::string::npos)
+        << run.err;
     EXPECT_THAT(run.out, HasSubstr("The import ended: \"" + project + "\" on the disk \""));
     std::smatch kept;
     ASSERT_TRUE(std::regex_search(run.out, kept, std::regex("is kept: ([0-9]+) rows?\\.\n")));

@@ -1,7 +1,13 @@
 #include "cli/CliCase.h"
+#include "support/SmallFiles.h"
+#include "support/builders/MacCache.h"
 
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+
+#include <csignal>
+#include <unistd.h>
 
 namespace nv::test {
 namespace {
@@ -100,6 +106,52 @@ TEST_F(SummaryCliTest, thePageIsRefusedAmongEvidenceAndUnderAnotherName) {
     EXPECT_EQ(cli({"summary", project, "--out", (evidence / "summary.html").string()}).exit, 1);
     EXPECT_EQ(cli({"summary", project, "--out", (folder.path() / "summary.txt").string()}).exit, 1);
     EXPECT_EQ(cli({"summary", project, "--out", project, "--overwrite"}).exit, 1);
+}
+
+TEST_F(SummaryCliTest, anImportThatAFailureEndsHasARedPage) {
+    makeHistory();
+    constexpr std::size_t kLimit = std::size_t{8} << 20;
+    MacCache cache;
+    cache.add({.url = "http://host/large.html", .body = "<html>" + std::string(kLimit, 'x')});
+    write("cache.waf", cache.bytes());
+    const CliResult run = [&] {
+        const SmallFiles limit(kLimit);
+        return cli({"import", project, (evidence / "cache.waf").string(), "--as", "mac-cache",
+                    "--summary", page.string()});
+    }();
+    EXPECT_EQ(run.exit, 3) << run.err;
+    EXPECT_THAT(text(page), HasSubstr("Failed or changed"));
+    EXPECT_THAT(text(page), HasSubstr("The import ended: "));
+    EXPECT_THAT(run.err, Not(HasSubstr("No summary")));
+}
+
+TEST_F(SummaryCliTest, aPageThatCanNotBeWrittenIsToldAndTheImportIsKept) {
+    makeHistory();
+    const CliResult run = import({"--summary", (folder.path() / "none" / "s.html").string()});
+    EXPECT_NE(run.exit, 0);
+    EXPECT_THAT(run.err, HasSubstr("No summary was written to"));
+    EXPECT_EQ(summary()["rows"], 1);
+}
+
+TEST_F(SummaryCliTest, anImportThatIsCancelledHasAnAmberPageWithItsCounts) {
+    fs::create_directories(evidence / "Chrome");
+    SQLite::Database((evidence / "Chrome" / "History").string(),
+                     SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE)
+        .exec("CREATE TABLE urls(id INTEGER PRIMARY KEY, url LONGVARCHAR, title LONGVARCHAR, "
+              "visit_count INTEGER, last_visit_time INTEGER, hidden INTEGER); "
+              "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 300000) "
+              "INSERT INTO urls SELECT i, 'http://host.example/' || i, 'Page', 1, "
+              "12946651391000000 + i, 0 FROM n");
+    CliProcess import({"import", project, evidence.string(), "--summary", page.string()},
+                      folder.path() / "home");
+    while (!fs::exists(project) || fs::file_size(project) < 100'000)
+        ::usleep(10'000);
+    ::usleep(700'000);
+    import.signal(SIGINT);
+    ASSERT_EQ(import.finish().exit, 130);
+    EXPECT_THAT(text(page), HasSubstr("Not complete"));
+    EXPECT_THAT(text(page), HasSubstr("The import was cancelled"));
+    EXPECT_THAT(text(page), Not(HasSubstr("not counted")));
 }
 
 TEST_F(SummaryCliTest, theWordsOfTheImportStayAsTheyWere) {

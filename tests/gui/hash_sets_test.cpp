@@ -1,6 +1,8 @@
 #include "app/program/ProjectHold.h"
 #include "db/RecordTags.h"
 #include "gui/LimitedTable.h"
+#include "support/builders/IndexDat.h"
+#include "ui/import/ImportForm.h"
 #include "ui/views/FilterForm.h"
 #include "ui/views/HashSetForm.h"
 #include "ui/views/HashSetsForm.h"
@@ -36,6 +38,7 @@ class HashSetsTest : public QObject {
     void placesCountSetsAndLimit();
     void theFiltersOfferTagsAndSets();
     void setsAreMadeWithoutAProject();
+    void theWizardLooksIntoThem();
     void aProjectThatIsReadOnlySaysWhy();
     void saveAsKeepsWhatWasFound();
     void itLooksRight_data();
@@ -285,6 +288,57 @@ void HashSetsTest::saveAsKeepsWhatWasFound() {
     UrlTable &table = *m_on->tab().table();
     QCOMPARE(table.cell(*table.placeOf(UrlId{2}), UrlColumn::HashSets),
              std::string("notable: cases; known: library"));
+}
+
+/// Classic content has no hash unless an import looks into the sets.
+void HashSetsTest::theWizardLooksIntoThem() {
+    const fs::path cache = m_on->desk.folder.path() / "evidence2";
+    fs::create_directories(cache);
+    IndexDat index;
+    index.folder("ABCDEFGH");
+    index.add({.url = "http://a.example/known.txt",
+               .secondDate = fileTime(2011, 3, 1, 12),
+               .fileSize = 3,
+               .folder = 0,
+               .fileName = "known.txt"});
+    m_on->desk.folder.write("evidence2/index.dat", index.bytes());
+    m_on->desk.folder.write("evidence2/ABCDEFGH/known.txt", "abc");
+    const auto inWizard = [this](const std::function<void(ImportForm &, QCheckBox &)> &act) {
+        whenShown<ImportForm>([&act](ImportForm &wizard) {
+            act(wizard, child<QCheckBox>(wizard, "chkHashSetsWhileImporting"));
+            wizard.reject();
+        });
+        trigger(m_on->form, "actImport");
+    };
+    inWizard([](ImportForm &, QCheckBox &box) {
+        QVERIFY(!box.isEnabled() && !box.isChecked());
+        QVERIFY(box.toolTip().contains(QStringLiteral("no hash set")));
+    });
+    inForm([this](HashSetsForm &form) { add(form, "cases", true, m_hashes.at(0) + "\n"); });
+    inWizard([&cache](ImportForm &wizard, QCheckBox &box) {
+        QVERIFY(box.isEnabled() && !box.isChecked());
+        box.click();
+        child<QLineEdit>(wizard, "txtStartingDirectory").setText(pathToQt(cache));
+        auto &next = child<QPushButton>(wizard, "btnNext");
+        next.click();
+        next.click();
+        QCOMPARE(next.text(), QStringLiteral("Finished"));
+        next.click();
+    });
+    QCOMPARE(m_on->project()
+                 .execAndGet("SELECT count(*) FROM URLs JOIN RecordFacts USING (URL_ID) WHERE "
+                             "Name = 'hashset_notable' AND URL LIKE '%known.txt'")
+                 .getInt(),
+             1);
+    inWizard([](ImportForm &, QCheckBox &box) { QVERIFY2(box.isChecked(), "it is remembered"); });
+    inForm([this](HashSetsForm &form) {
+        m_on->desk.examiner.script = {Answer::Yes};
+        list(form).setCurrentItem(list(form).topLevelItem(0));
+        child<QPushButton>(form, "btnRemoveHashSet").click();
+    });
+    inWizard([](ImportForm &, QCheckBox &box) { QVERIFY(!box.isEnabled() && !box.isChecked()); });
+    QVERIFY2(m_on->desk.program.settings.readIniValue("BEYOND", "HashSetsWhileImporting", false),
+             "a choice that wasn't offered isn't changed");
 }
 
 void HashSetsTest::itLooksRight_data() {

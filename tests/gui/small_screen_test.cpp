@@ -5,6 +5,8 @@
 #include "ui/window/WindowLayout.h"
 
 #include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QTabWidget>
@@ -23,6 +25,8 @@ class SmallScreenTest : public QObject {
     void init();
     void cleanup();
     void theWindowFitsWhateverIsInFront();
+    void theBoxesOverBytesAreWideEnough_data();
+    void theBoxesOverBytesAreWideEnough();
     void longNamesDontWidenIt();
     void dialogsFit_data();
     void dialogsFit();
@@ -78,6 +82,35 @@ void SmallScreenTest::theWindowFitsWhateverIsInFront() {
         }
     m_form->resize(kRoom);
     QCOMPARE(m_form->size(), kRoom);
+}
+
+void SmallScreenTest::theBoxesOverBytesAreWideEnough_data() {
+    QTest::addColumn<QSize>("size");
+    for (const QSize size : {QSize(960, 540), QSize(1280, 800), QSize(1920, 1080)})
+        QTest::addRow("%d by %d", size.width(), size.height()) << size;
+}
+
+void SmallScreenTest::theBoxesOverBytesAreWideEnough() {
+    QFETCH(QSize, size);
+    m_form->resize(size);
+    auto &pane = child<QWidget>(*m_form, "HexPane");
+    child<QTabWidget>(*m_form, "viewerTabs").setCurrentWidget(&pane);
+    child<TableTab>(*m_form, "TableTab").grid().setCurrentUrl(UrlId{1});
+    auto &source = child<QPushButton>(pane, "btnHexSource");
+    QTRY_VERIFY(source.isEnabled());
+    source.click();
+    QTRY_VERIFY(!child<QLabel>(pane, "labHexPlace").text().isEmpty());
+    QTest::qWait(50);
+    for (const char *name : {"txtFindInHex", "cbHexKind", "btnFindInHex", "txtHexOffset",
+                             "btnHexSource", "labHexPlace"}) {
+        auto &box = child<QWidget>(pane, name);
+        QVERIFY2(box.width() >= box.sizeHint().width(), name);
+        QVERIFY2(pane.rect().contains(QRect(box.mapTo(&pane, QPoint()), box.size())), name);
+    }
+    for (const char *name : {"txtFindInHex", "txtHexOffset"}) {
+        auto &line = child<QLineEdit>(pane, name);
+        QVERIFY2(line.width() > line.fontMetrics().horizontalAdvance(line.placeholderText()), name);
+    }
 }
 
 void SmallScreenTest::dialogsFit_data() {

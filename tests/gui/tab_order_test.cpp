@@ -144,9 +144,10 @@ void TabOrderTest::theWindow() {
 
 void TabOrderTest::theDialogs_data() {
     QTest::addColumn<QString>("action");
-    for (const char *action : {"actColumns", "actFilters", "actImport", "actExport",
-                               "actCreateReport", "actOptions", "actTimeZone", "actErrorLog",
-                               "actTips", "actUpgradeWizard", "actLayoutSaveAs", "actQueryForm"})
+    for (const char *action :
+         {"actColumns", "actFilters", "actImport", "actExport", "actCreateReport", "actOptions",
+          "actTimeZone", "actErrorLog", "actTips", "actUpgradeWizard", "actLayoutSaveAs",
+          "actQueryForm", "actCaseTrail", "actHashSets"})
         QTest::newRow(action) << QString::fromLatin1(action);
 }
 

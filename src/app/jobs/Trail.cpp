@@ -61,7 +61,7 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
     noteInTrail(program, std::move(entry));
 }
 
-void noteImport(Program &program, const ImportSummary &summary, std::int64_t lastBefore) {
+bool noteImport(Program &program, const ImportSummary &summary, std::int64_t lastBefore) {
     const auto failure = failureOf(program.log, kProcedure, [&] {
         SQLite::Database &project = program.state.projectDB.connection();
         WriteBatch batch(project);
@@ -86,6 +86,7 @@ void noteImport(Program &program, const ImportSummary &summary, std::int64_t las
         batch.commit();
     });
     tellWhenMissing(program, failure);
+    return !failure;
 }
 
 void noteVerify(Program &program, const SourceCheck &check, const TrailChain &chain) {

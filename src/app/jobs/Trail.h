@@ -34,8 +34,8 @@ void noteFileInTrail(Program &program, TrailEntry entry, const std::filesystem::
 /// An entry for each file that the import of the program's job took up, and for each file and
 /// folder that could not be read; before them one for the exact zone and its version, by which
 /// local dates were stored, and behind them one for its end. `lastBefore` is the last row's id
-/// before it.
-void noteImport(Program &program, const ImportSummary &summary, std::int64_t lastBefore = 0);
+/// before it. False, and told, when they couldn't be written.
+bool noteImport(Program &program, const ImportSummary &summary, std::int64_t lastBefore = 0);
 /// With what the chain of the trail's own entries said before this one.
 void noteVerify(Program &program, const SourceCheck &check, const TrailChain &chain);
 void noteRebuild(Program &program, std::size_t rebuilt, std::size_t asked, TaskEnd end);

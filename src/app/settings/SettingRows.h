@@ -179,6 +179,8 @@ inline constexpr auto kAll = std::to_array<SettingFacts>({
         .keptIn(&V::classicOnly)
         .shownAs("chkClassicOnly", "&Classic rules alone",
                  "Imports take only the files and rows that the first version took."),
+    flag("BEYOND", "HashSetsWhileImporting", false,
+         "The import wizard hashes all cached content and looks for it in the hash sets"),
     flag("BEYOND", "TemplateMatchByTitle", true, "A template is laid only over pages of its title")
         .keptIn(&V::templateMatchByTitle)
         .shownAs("chkTemplateMatchByTitle", "Templates match by t&itle",

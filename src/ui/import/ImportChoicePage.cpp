@@ -220,6 +220,9 @@ QWidget *ImportChoicePage::newOptions(const ImportSettings &job) {
     m_thumbnails->setToolTip(
         tr("Makes the import slower: some seven pages and some hundred pictures are drawn in a "
            "second. The gallery can make them later."));
+    m_hashSets =
+        newBox(tr("Look for cached content in the &hash sets"), "chkHashSetsWhileImporting", false);
+    m_hashSets->setEnabled(false);
     // In two columns: the page has to fit a small screen.
     auto *columns = new QGridLayout(group);
     columns->setColumnStretch(1, 1);
@@ -227,9 +230,23 @@ QWidget *ImportChoicePage::newOptions(const ImportSettings &job) {
     for (QCheckBox *box : {m_recurse, m_verify, m_classic})
         columns->addWidget(box, row++, 0);
     row = 0;
-    for (QCheckBox *box : {m_metadata, m_thumbnails})
+    for (QCheckBox *box : {m_metadata, m_thumbnails, m_hashSets})
         columns->addWidget(box, row++, 1);
     return group;
+}
+
+void ImportChoicePage::offerHashSets(bool wanted, const QString &whyNot) {
+    const bool isOffered = whyNot.isEmpty();
+    if (m_hashSets->isEnabled() != isOffered)
+        m_hashSets->setChecked(isOffered && wanted);
+    m_hashSets->setEnabled(isOffered);
+    m_hashSets->setToolTip(isOffered ? tr("Makes the import slower: all cached content is hashed, "
+                                          "also that of classic caches.")
+                                     : whyNot);
+}
+
+bool ImportChoicePage::offersHashSets() const {
+    return m_hashSets->isEnabled();
 }
 
 void ImportChoicePage::tickAllKinds(bool on) {
@@ -245,6 +262,7 @@ void ImportChoicePage::applyTo(ImportSettings &job) const {
     job.parseAdvancedMetadata = m_metadata->isChecked();
     job.makeThumbnails = m_thumbnails->isChecked();
     job.classicOnly = m_classic->isChecked();
+    job.hashSets = m_hashSets->isEnabled() && m_hashSets->isChecked();
     for (const Kind &kind : m_kinds)
         setWanted(job, *kind.option, kind.box->isChecked());
 }

@@ -40,6 +40,10 @@ class ImportChoicePage final : public QWidget {
     void addPlaces(const std::vector<std::filesystem::path> &places);
     /// What was dropped and isn't taken, a line each; empty for nothing.
     void tellNotTaken(const QString &text);
+    /// Offers to look into the hash sets. `whyNot` says why that can't be; empty where it can.
+    /// Where this changes, `wanted` is what the box begins with.
+    void offerHashSets(bool wanted, const QString &whyNot);
+    bool offersHashSets() const;
     /// Empty when nothing was entered: then the starting folder is the base.
     std::filesystem::path baseFolder() const;
 
@@ -72,6 +76,7 @@ class ImportChoicePage final : public QWidget {
     QCheckBox *m_metadata = nullptr;
     QCheckBox *m_thumbnails = nullptr;
     QCheckBox *m_classic = nullptr;
+    QCheckBox *m_hashSets = nullptr;
     std::vector<Kind> m_kinds;
 };
 

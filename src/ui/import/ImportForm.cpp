@@ -1,5 +1,6 @@
 #include "ui/import/ImportForm.h"
 
+#include "app/jobs/HashSetJob.h"
 #include "app/jobs/ImportClaim.h"
 #include "app/jobs/ImportJob.h"
 #include "app/jobs/ImportText.h"
@@ -12,6 +13,7 @@
 #include "app/project/Project.h"
 #include "base/Files.h"
 #include "base/Trap.h"
+#include "db/HashSets.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/WithinScreen.h"
 #include "ui/import/ImportFilesPage.h"
@@ -81,6 +83,7 @@ ImportForm::ImportForm(Program &program, const std::vector<fs::path> &places, Im
     column->addWidget(m_heading);
     column->addWidget(m_pages, 1);
     column->addWidget(newButtons());
+    offerHashSets();
     showStep(Choose);
 }
 
@@ -112,6 +115,7 @@ void ImportForm::importChecked() {
 }
 
 void ImportForm::showAndGoOn(bool goesOn) {
+    offerHashSets();
     showButtons();
     if (goesOn)
         QTimer::singleShot(0, this, &ImportForm::nextBtnClick);
@@ -207,15 +211,25 @@ bool ImportForm::placesAreUsable() {
     return !places.empty();
 }
 
+void ImportForm::offerHashSets() {
+    const bool areThere = !hashSetPaths(m_program.paths.hashSets()).empty();
+    m_choice->offerHashSets(readFlag(m_program.settings, "HashSetsWhileImporting"),
+                            areThere ? QString()
+                                     : tr("There is no hash set: Tools, Hash Sets makes one."));
+}
+
 void ImportForm::startScan() {
     ImportSettings &job = m_program.import;
     m_choice->applyTo(job);
     keepFlag(m_program, "ParseAdvancedMetaData", job.parseAdvancedMetadata);
     keepFlag(m_program, "ThumbnailsWhileImporting", job.makeThumbnails);
     keepFlag(m_program, "ClassicOnly", job.classicOnly);
+    if (m_choice->offersHashSets())
+        keepFlag(m_program, "HashSetsWhileImporting", job.hashSets);
     m_choice->tellNotTaken({});
     if (!placesAreUsable())
         return;
+    static_cast<void>(hashSetsForImport(m_program)); // a damaged one is told before the work
     requireZones(m_program);
     if (m_program.state.projectDB.isOpen())
         requireSchema(m_program);

@@ -67,6 +67,8 @@ class ImportForm final : public QDialog {
     void nextBtnClick();
     /// Runs nextBtnClick() when the window is there.
     void showAndGoOn(bool goesOn);
+    /// Sets may have come or gone since it was shown last.
+    void offerHashSets();
     void startScan();
     bool placesAreUsable();
     void importFiles();

@@ -75,11 +75,12 @@ HashSetsForm::HashSetsForm(QWidget *parent) : QDialog(parent), m_list(newList())
                         tr("Find the rows of the project whose file is in a set"));
     m_rows = newButton("btnHashSetRows", tr("&Show Its Rows"),
                        tr("Show only the rows that were found in the chosen set"));
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    // Enter in the list shows the rows of a set: it mustn't close the window besides.
-    buttons->button(QDialogButtonBox::Close)->setAutoDefault(false);
+    auto *buttons = new QDialogButtonBox;
     for (QPushButton *button : {m_add, m_remove, m_match, m_rows})
         buttons->addButton(button, QDialogButtonBox::ActionRole);
+    // Last: Tab passes over one that others come after. Enter in the list shows the rows of a set:
+    // it mustn't close the window besides.
+    buttons->addButton(QDialogButtonBox::Close)->setAutoDefault(false);
     auto *column = new QVBoxLayout(this);
     column->addWidget(m_empty);
     column->addWidget(m_list, 1);

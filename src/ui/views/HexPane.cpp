@@ -1,6 +1,7 @@
 #include "ui/views/HexPane.h"
 
 #include "platform/qt/QtText.h"
+#include "ui/views/FlowLayout.h"
 #include "ui/views/HexGrid.h"
 #include "views/CellText.h"
 
@@ -11,6 +12,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace nv {
 
@@ -27,8 +29,12 @@ QString sourceText() {
 HexPane::HexPane(RunTask runTask, FailureLog &log, QWidget *parent)
     : ViewerFrame("HexPane", *new HexGrid(log), parent), m_runTask(std::move(runTask)),
       m_grid(findChild<HexGrid *>()) {
-    addFind();
-    addPlace();
+    // In as many lines as the width asks for: on a small screen one would squeeze the boxes.
+    auto *flow = new FlowLayout;
+    flow->setContentsMargins(0, 0, 0, 0);
+    bar().addLayout(flow, 1);
+    addFind(*flow);
+    addPlace(*flow);
     connect(m_grid, &HexGrid::cursorMoved, this, &HexPane::showPlace);
     connect(m_grid, &HexGrid::copyCut, this, [this](std::uint64_t chosen, std::uint64_t copied) {
         showNotice(
@@ -38,7 +44,7 @@ HexPane::HexPane(RunTask runTask, FailureLog &log, QWidget *parent)
             [this](const QString &reason) { showMissing(reason); });
 }
 
-void HexPane::addFind() {
+void HexPane::addFind(FlowLayout &flow) {
     m_find = new QLineEdit;
     m_find->setObjectName(QStringLiteral("txtFindInHex"));
     m_find->setAccessibleName(tr("Find text or bytes"));
@@ -51,29 +57,27 @@ void HexPane::addFind() {
     m_kind->setToolTip(tr("Text is looked for in Windows-1252, UTF-8 and UTF-16"));
     auto *next = new QPushButton(tr("Find &Next"));
     next->setObjectName(QStringLiteral("btnFindInHex"));
-    bar().addWidget(m_find, 1);
-    bar().addWidget(m_kind);
-    bar().addWidget(next);
+    for (QWidget *box : std::initializer_list<QWidget *>{m_find, m_kind, next})
+        flow.addWidget(box);
     connect(m_find, &QLineEdit::returnPressed, this, &HexPane::findNext);
     connect(next, &QPushButton::clicked, this, &HexPane::findNext);
 }
 
-void HexPane::addPlace() {
+void HexPane::addPlace(FlowLayout &flow) {
     m_offset = new QLineEdit;
     m_offset->setObjectName(QStringLiteral("txtHexOffset"));
     m_offset->setAccessibleName(tr("Go to offset"));
     m_offset->setPlaceholderText(tr("Go to offset"));
     m_offset->setToolTip(tr("Decimal, or hexadecimal as 0x1F40"));
-    m_offset->setMaximumWidth(150);
+    m_offset->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed); // the find box grows
     m_source = new QPushButton(sourceText());
     m_source->setObjectName(QStringLiteral("btnHexSource"));
     m_source->setCheckable(true);
     m_source->setToolTip(tr("Show the artefact file where the record stands in it, "
                             "not the cached content"));
     m_place = newLabel("labHexPlace");
-    bar().addWidget(m_offset);
-    bar().addWidget(m_source);
-    bar().addWidget(m_place);
+    for (QWidget *box : std::initializer_list<QWidget *>{m_offset, m_source, m_place})
+        flow.addWidget(box);
     connect(m_offset, &QLineEdit::returnPressed, this, &HexPane::goToTyped);
     connect(m_source, &QPushButton::toggled, this, [this](bool source) {
         // A button that is down hardly looks it in some themes.
@@ -180,11 +184,15 @@ void HexPane::showPlace() {
     const auto source = m_grid->source();
     if (!source)
         return m_place->clear();
-    const QString place = tr("Offset %1 (%2) of %L3 bytes")
-                              .arg(m_grid->cursor())
-                              .arg(toQt("0x" + hexOffset(m_grid->cursor(), 1)))
-                              .arg(source->size());
-    m_place->setText(place);
+    const auto placeText = [&source](std::uint64_t offset) {
+        return tr("Offset %1 (%2) of %L3 bytes")
+            .arg(offset)
+            .arg(toQt("0x" + hexOffset(offset, 1)))
+            .arg(source->size());
+    };
+    // Wide enough for the last offset: nothing moves to another line as the cursor moves.
+    m_place->setMinimumWidth(m_place->fontMetrics().horizontalAdvance(placeText(source->size())));
+    m_place->setText(placeText(m_grid->cursor()));
 }
 
 } // namespace nv

@@ -12,6 +12,7 @@ class QPushButton;
 
 namespace nv {
 
+class FlowLayout;
 class HexGrid;
 
 /// The bytes of the cached content or of the artefact file, with find and go to.
@@ -42,8 +43,8 @@ class HexPane final : public ViewerFrame {
     void findNext() override;
 
   private:
-    void addFind();
-    void addPlace();
+    void addFind(FlowLayout &flow);
+    void addPlace(FlowLayout &flow);
     std::optional<std::vector<HexNeedle>> needles();
     void goToTyped();
     void showPlace();

@@ -55,13 +55,14 @@ CaseTrailForm::CaseTrailForm(QWidget *parent) : QDialog(parent), m_list(newList(
     setObjectName(QStringLiteral("CaseTrailForm"));
     setWindowTitle(tr("Case Trail"));
     resizeWithinScreen(*this, {1100, 480});
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    auto *buttons = new QDialogButtonBox;
     QPushButton *verify =
         buttons->addButton(tr("&Verify Source Files"), QDialogButtonBox::ActionRole);
     verify->setObjectName(QStringLiteral("btnVerify"));
     verify->setToolTip(tr("Hash the imported files again and tell which have changed or are gone"));
     QPushButton *copy = buttons->addButton(tr("&Copy All"), QDialogButtonBox::ActionRole);
     copy->setObjectName(QStringLiteral("btnCopyAll"));
+    buttons->addButton(QDialogButtonBox::Close); // last: Tab passes over one that others come after
     auto *column = new QVBoxLayout(this);
     column->addWidget(m_list);
     column->addWidget(buttons);

@@ -42,9 +42,10 @@ QString matchText(const HashMatch &match) {
     QString text =
         HashSetsPart::tr("%1 with a hash compared.").arg(toQt(counted(match.rowsWithHash, "row")));
     if (match.bodiesWithoutHash > 0)
-        text += HashSetsPart::tr(" Of %1 with cached content no hash is known, so nothing is said "
-                                 "of them: the command \"import --hash-sets\" hashes all content.")
-                    .arg(toQt(counted(match.bodiesWithoutHash, "row")));
+        text +=
+            HashSetsPart::tr(" Of %1 with cached content no hash is known, so nothing is said "
+                             "of them: an import that looks into the hash sets hashes all content.")
+                .arg(toQt(counted(match.bodiesWithoutHash, "row")));
     return text;
 }
 
