@@ -26,7 +26,6 @@ namespace fs = std::filesystem;
 namespace {
 
 /// What the index knows of itself.
-constexpr const char *kStamp = "stamp";
 constexpr const char *kParts = "parts"; ///< "whole" when its table is filled
 constexpr const char *kRows = "rows";   ///< "whole" once all rows were indexed
 
@@ -160,7 +159,7 @@ bool SearchIndex::openWhole(const std::string &stamp, bool parts) {
     const bool isPassed = m_passesBeside && m_file == m_place.beside;
     if (!m_index && !isPassed && index_file::look(m_file) == index_file::Look::ours)
         m_index = index_file::open(m_file, false);
-    return m_index && index_file::fact(*m_index, kStamp) == stamp &&
+    return m_index && index_file::fact(*m_index, index_file::kStamp) == stamp &&
            (!parts || index_file::fact(*m_index, kParts) == "whole");
 }
 
@@ -237,7 +236,7 @@ IndexEnd SearchIndex::update(TaskMonitor &task, IndexNews &news, bool parts) {
         }
     }
     if (end == IndexEnd::ready)
-        index_file::setFact(*m_index, kStamp, stamp);
+        index_file::setFact(*m_index, index_file::kStamp, stamp);
     return end;
 }
 
@@ -271,7 +270,7 @@ IndexEnd SearchIndex::fill(SQLite::Database &index, TaskMonitor &task, IndexNews
         const std::string known = index_file::fact(index, kParts);
         const bool fillsParts = parts && known != "whole";
         SQLite::Transaction transaction(index, SQLite::TransactionBehavior::IMMEDIATE);
-        index_file::setFact(index, kStamp, {});
+        index_file::setFact(index, index_file::kStamp, {});
         if (fillsParts)
             index.exec("DROP TABLE IF EXISTS Parts; CREATE VIRTUAL TABLE Parts USING fts5(Page, "
                        "Headers, content='', columnsize=0, tokenize='trigram')");
@@ -289,12 +288,13 @@ IndexEnd SearchIndex::fill(SQLite::Database &index, TaskMonitor &task, IndexNews
     });
 }
 
-FoundIds SearchIndex::docsOf(const char *table, const std::string &match, std::size_t most) {
+FoundIds SearchIndex::docsOf(const char *table, const std::string &match, StillWanted &wanted,
+                             std::size_t most) {
     const auto dead = deadOf(*m_index);
     SQLite::Statement rows(*m_index, fmt::format("SELECT rowid FROM {0} WHERE {0} MATCH ?", table));
     rows.bind(1, match);
     FoundIds ids;
-    while ((most == 0 || ids.size() < most) && rows.executeStep()) {
+    while ((most == 0 || ids.size() < most) && wanted.goesOn() && rows.executeStep()) {
         const std::int64_t doc = rows.getColumn(0).getInt64();
         if (dead.empty() || !dead.contains(doc))
             ids.push_back(rowOfDoc(doc));
@@ -306,35 +306,36 @@ FoundIds SearchIndex::docsOf(const char *table, const std::string &match, std::s
 }
 
 std::optional<FoundIds> SearchIndex::rowsWith(const SearchClause &clause, SearchScope scope,
-                                              std::size_t most) {
+                                              StillWanted &wanted, std::size_t most) {
     if (clause.kind != ClauseKind::text || lettersOf(clause.text) < kLeastLetters)
         return std::nullopt;
-    FoundIds ids = docsOf("Brief", matchOf(clause.text), most);
+    FoundIds ids = docsOf("Brief", matchOf(clause.text), wanted, most);
     if (scope == SearchScope::values)
         return ids;
     FoundIds inTexts;
     if (clause.anyPart)
-        inTexts = docsOf("Parts", matchOf(clause.text), most);
+        inTexts = docsOf("Parts", matchOf(clause.text), wanted, most);
     else if (const auto words = wordsOf(clause.text); !words.empty())
-        inTexts = docsOf("Words", matchOf(joined(words)) + (clause.anyEnd ? " *" : ""), most);
+        inTexts =
+            docsOf("Words", matchOf(joined(words)) + (clause.anyEnd ? " *" : ""), wanted, most);
     if (inTexts.empty())
         return ids;
     return eitherOf(ids, inTexts);
 }
 
-void SearchIndex::eachRow(const std::function<void(const RowFacts &)> &show) {
+void SearchIndex::eachRow(StillWanted &wanted, const std::function<void(const RowFacts &)> &show) {
     SQLite::Statement rows(*m_index, std::string(kRowFacts) + " ORDER BY URL_ID");
-    while (rows.executeStep())
+    while (wanted.goesOn() && rows.executeStep())
         showFacts(rows, show);
 }
 
-void SearchIndex::eachRowOf(const FoundIds &ids,
+void SearchIndex::eachRowOf(const FoundIds &ids, StillWanted &wanted,
                             const std::function<void(const RowFacts &)> &show) {
     // Going to a row costs as much as reading some tens of them in their order.
     constexpr std::size_t kMany = 20'000;
     if (ids.size() > kMany) {
         auto next = ids.begin(); // both go by ascending ids
-        return eachRow([&](const RowFacts &row) {
+        return eachRow(wanted, [&](const RowFacts &row) {
             while (next != ids.end() && *next < row.id)
                 ++next;
             if (next != ids.end() && *next == row.id)
@@ -343,6 +344,8 @@ void SearchIndex::eachRowOf(const FoundIds &ids,
     }
     SQLite::Statement rows(*m_index, std::string(kRowFacts) + " WHERE URL_ID = ?");
     for (const std::int32_t id : ids) {
+        if (!wanted.goesOn())
+            break;
         rows.bind(1, id);
         if (rows.executeStep())
             showFacts(rows, show);

@@ -180,8 +180,9 @@ bool SearchService::find(Order &order) {
     if (rows.isCancelled || !isWanted(order.number))
         return false;
     const auto ids = tellRows(Step::rows, std::move(rows));
-    auto counts = index.unlessItIsDamaged([&] { return countFound(index, *ids); });
-    if (counts)
+    StillWanted wanted(watch);
+    auto counts = index.unlessItIsDamaged([&] { return countFound(index, *ids, wanted); });
+    if (counts && !wanted.isOver())
         tell({.number = order.number, .step = Step::counts, .counts = std::move(*counts)});
     return isWanted(order.number);
 }
