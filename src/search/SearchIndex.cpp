@@ -6,6 +6,7 @@
 #include "db/SqliteErrors.h"
 #include "search/IndexFile.h"
 #include "search/IndexFill.h"
+#include "search/IndexMatch.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fmt/format.h>
@@ -28,30 +29,6 @@ namespace {
 /// What the index knows of itself.
 constexpr const char *kParts = "parts"; ///< "whole" when its table is filled
 constexpr const char *kRows = "rows";   ///< "whole" once all rows were indexed
-
-/// Shorter texts have no run of three letters.
-constexpr std::size_t kLeastLetters = 3;
-
-std::string matchOf(std::string_view text) {
-    std::string match = "\"";
-    for (const char c : text)
-        match.append(c == '"' ? 2 : 1, c);
-    return match + '"';
-}
-
-std::string joined(const std::vector<std::string> &words) {
-    std::string text;
-    for (const std::string &word : words)
-        text += (text.empty() ? "" : " ") + word;
-    return text;
-}
-
-std::size_t lettersOf(std::string_view text) {
-    constexpr unsigned kContinues = 0x80;
-    constexpr unsigned kTop = 0xC0;
-    return static_cast<std::size_t>(std::ranges::count_if(
-        text, [](char c) { return (static_cast<unsigned char>(c) & kTop) != kContinues; }));
-}
 
 std::unordered_set<std::int64_t> deadOf(SQLite::Database &index) {
     std::unordered_set<std::int64_t> dead;
@@ -289,10 +266,12 @@ IndexEnd SearchIndex::fill(SQLite::Database &index, TaskMonitor &task, IndexNews
 }
 
 FoundIds SearchIndex::docsOf(const char *table, const std::string &match, StillWanted &wanted,
-                             std::size_t most) {
+                             std::size_t most, std::int64_t last) {
     const auto dead = deadOf(*m_index);
-    SQLite::Statement rows(*m_index, fmt::format("SELECT rowid FROM {0} WHERE {0} MATCH ?", table));
+    SQLite::Statement rows(
+        *m_index, fmt::format("SELECT rowid FROM {0} WHERE {0} MATCH ? AND rowid <= ?", table));
     rows.bind(1, match);
+    rows.bind(2, last);
     FoundIds ids;
     while ((most == 0 || ids.size() < most) && wanted.goesOn() && rows.executeStep()) {
         const std::int64_t doc = rows.getColumn(0).getInt64();
@@ -307,20 +286,40 @@ FoundIds SearchIndex::docsOf(const char *table, const std::string &match, StillW
 
 std::optional<FoundIds> SearchIndex::rowsWith(const SearchClause &clause, SearchScope scope,
                                               StillWanted &wanted, std::size_t most) {
-    if (clause.kind != ClauseKind::text || lettersOf(clause.text) < kLeastLetters)
+    if (!isTold(clause))
         return std::nullopt;
-    FoundIds ids = docsOf("Brief", matchOf(clause.text), wanted, most);
+    FoundIds ids = docsOf("Brief", runMatchOf(clause), wanted, most);
     if (scope == SearchScope::values)
         return ids;
     FoundIds inTexts;
     if (clause.anyPart)
-        inTexts = docsOf("Parts", matchOf(clause.text), wanted, most);
-    else if (const auto words = wordsOf(clause.text); !words.empty())
-        inTexts =
-            docsOf("Words", matchOf(joined(words)) + (clause.anyEnd ? " *" : ""), wanted, most);
+        inTexts = docsOf("Parts", runMatchOf(clause), wanted, most);
+    else if (const std::string match = wordMatchOf(clause); !match.empty())
+        inTexts = docsOf("Words", match, wanted, most);
     if (inTexts.empty())
         return ids;
     return eitherOf(ids, inTexts);
+}
+
+FoundIds SearchIndex::someWithAll(const std::vector<SearchClause> &clauses, SearchScope scope,
+                                  StillWanted &wanted, std::size_t most) {
+    constexpr std::int64_t kFirstRows = 200'000; // of the pass that made the index
+    std::string inValues;
+    std::string inTexts;
+    bool areWords = scope == SearchScope::all;
+    for (const SearchClause &clause : clauses) {
+        if (!isTold(clause) || clause.isExcluded)
+            return {};
+        const std::string word = wordMatchOf(clause);
+        areWords = areWords && !clause.anyPart && !word.empty();
+        inValues += (inValues.empty() ? "" : " AND ") + runMatchOf(clause);
+        inTexts += (inTexts.empty() ? "" : " AND ") + word;
+    }
+    FoundIds ids = docsOf("Brief", inValues, wanted, most, kFirstRows);
+    if (areWords)
+        ids = eitherOf(ids, docsOf("Words", inTexts, wanted, most, kFirstRows));
+    ids.resize(std::min(ids.size(), most));
+    return ids;
 }
 
 void SearchIndex::eachRow(StillWanted &wanted, const std::function<void(const RowFacts &)> &show) {

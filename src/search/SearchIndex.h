@@ -14,12 +14,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace nv {
 
@@ -83,6 +85,11 @@ class SearchIndex {
     /// letters or of an expression. With a `most` it stops when it has so many.
     std::optional<FoundIds> rowsWith(const SearchClause &clause, SearchScope scope,
                                      StillWanted &wanted, std::size_t most = 0);
+    /// Some of the rows that meet all of these conditions of text, soon and at most so many: of the
+    /// first rows alone, and those that meet all in their values or all in their texts. None where
+    /// looking everywhere is the only way.
+    FoundIds someWithAll(const std::vector<SearchClause> &clauses, SearchScope scope,
+                         StillWanted &wanted, std::size_t most);
     /// Shows all rows, in the order of their ids.
     void eachRow(StillWanted &wanted, const std::function<void(const RowFacts &)> &show);
     /// Shows these rows, as far as the index has them.
@@ -115,8 +122,9 @@ class SearchIndex {
     IndexEnd makeAnew(TaskMonitor &task, IndexNews &news, bool parts);
     IndexEnd fill(SQLite::Database &index, TaskMonitor &task, IndexNews &news, bool parts);
     void setForeignAside();
+    /// Of numbers up to `last`.
     FoundIds docsOf(const char *table, const std::string &match, StillWanted &wanted,
-                    std::size_t most);
+                    std::size_t most, std::int64_t last = std::numeric_limits<std::int64_t>::max());
 
     SQLite::Database &m_project;
     IndexPlace m_place;

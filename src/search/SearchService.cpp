@@ -175,6 +175,19 @@ bool SearchService::find(Order &order) {
             return false;
         if (first.ids.size() == kFirst)
             tellRows(Step::first, std::move(first));
+    } else {
+        StillWanted wanted(watch);
+        auto some = index.unlessItIsDamaged([&] {
+            return index.someWithAll(order.match.query().clauses, order.match.scope(), wanted,
+                                     kFirst);
+        });
+        if (!isWanted(order.number))
+            return false;
+        if (some && some->size() == kFirst) {
+            SearchFound first;
+            first.ids = std::move(*some);
+            tellRows(Step::first, std::move(first));
+        }
     }
     SearchFound rows = found(0);
     if (rows.isCancelled || !isWanted(order.number))
